@@ -1,0 +1,62 @@
+# Flags that every target of ours shares, and the switches of the presets.
+
+option(ORLU_TESTS "Build the tests" ON)
+set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
+
+# Debian's JDK 17, also where another one is the machine's default.
+file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
+if(debian_jdk)
+  list(GET debian_jdk 0 JAVA_HOME)
+endif()
+find_package(Java 17 REQUIRED COMPONENTS Development)
+find_package(JNI REQUIRED COMPONENTS JVM)
+find_package(Threads REQUIRED)
+
+add_library(orlu_options INTERFACE)
+target_compile_options(orlu_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  # One rounding for each operation, on every machine.
+  -ffp-contract=off)
+target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags LINKER:-rpath,$ORIGIN LINKER:--no-undefined)
+
+if(ORLU_SANITIZE)
+  target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE})
+  if(ORLU_SANITIZE MATCHES undefined)
+    target_compile_options(orlu_options INTERFACE -fno-sanitize-recover=undefined)
+  endif()
+endif()
+
+# orlu_add_jar(NAME SOURCE_DIR CLASS_PATH_JARS...): compiles every source below SOURCE_DIR with its resources
+# into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS the jar targets made here.
+function(orlu_add_jar name source_dir)
+  cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)
+  set(classes ${CMAKE_CURRENT_BINARY_DIR}/${name}-classes)
+  set(jar ${ORLU_JAVA_OUTPUT_DIRECTORY}/${name}.jar)
+  set(class_path ${JAR_CLASS_PATH})
+  foreach(dependency IN LISTS JAR_DEPENDS)
+    list(APPEND class_path ${ORLU_JAVA_OUTPUT_DIRECTORY}/${dependency}.jar)
+  endforeach()
+  set(class_path_option "")
+  if(class_path)
+    string(REPLACE ";" ":" joined "${class_path}")
+    set(class_path_option -cp ${joined})
+  endif()
+  set(copy_resources "")
+  foreach(resource IN LISTS JAR_RESOURCES)
+    list(APPEND copy_resources COMMAND ${CMAKE_COMMAND} -E copy ${source_dir}/${resource} ${classes}/${resource})
+  endforeach()
+  list(TRANSFORM JAR_RESOURCES PREPEND ${source_dir}/ OUTPUT_VARIABLE resource_files)
+  add_custom_command(
+    OUTPUT ${jar}
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${classes} ${ORLU_JAVA_OUTPUT_DIRECTORY}
+    COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -d ${classes} ${class_path_option} ${sources}
+    ${copy_resources}
+    COMMAND ${Java_JAR_EXECUTABLE} --create --file ${jar} -C ${classes} .
+    DEPENDS ${sources} ${resource_files} ${JAR_DEPENDS}
+    COMMENT "Java ${name}.jar"
+    VERBATIM)
+  add_custom_target(${name} ALL DEPENDS ${jar})
+endfunction()

@@ -1,0 +1,40 @@
+// Host stand-in for the NDK's hardware buffers (libnativewindow.so). Every buffer carries a native handle
+// of two descriptors (0: attributes, 1: pixels) and four integers (width, height, row stride in bytes,
+// format); the pixels are one memory file, rows tightly packed.
+#pragma once
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+enum AHardwareBuffer_Format {
+  AHARDWAREBUFFER_FORMAT_R8G8B8A8_UNORM = 1,
+  AHARDWAREBUFFER_FORMAT_RAW16 = 0x20,
+  AHARDWAREBUFFER_FORMAT_BLOB = 0x21,
+  AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420 = 0x23,
+};
+
+typedef struct AHardwareBuffer_Desc {
+  uint32_t width;   // pixels; bytes for a BLOB
+  uint32_t height;  // pixels; 1 for a BLOB
+  uint32_t layers;
+  uint32_t format;
+  uint64_t usage;
+  uint32_t stride;  // pixels; filled in by AHardwareBuffer_describe()
+  uint32_t rfu0;
+  uint64_t rfu1;
+} AHardwareBuffer_Desc;
+
+typedef struct AHardwareBuffer AHardwareBuffer;
+
+// Makes a buffer with one reference, which the caller releases. 0, or a negative errno.
+int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer);
+void AHardwareBuffer_acquire(AHardwareBuffer* buffer);
+void AHardwareBuffer_release(AHardwareBuffer* buffer);
+void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,52 @@
+// Host stand-in for the NDK's logging interface (liblog.so).
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef enum android_LogPriority {
+  ANDROID_LOG_UNKNOWN = 0,
+  ANDROID_LOG_DEFAULT,
+  ANDROID_LOG_VERBOSE,
+  ANDROID_LOG_DEBUG,
+  ANDROID_LOG_INFO,
+  ANDROID_LOG_WARN,
+  ANDROID_LOG_ERROR,
+  ANDROID_LOG_FATAL,
+  ANDROID_LOG_SILENT,
+} android_LogPriority;
+
+// Formats a line of at most 1023 bytes and hands it to the logger. Answers 1 when the line was handed
+// on and a negative errno when its priority is below the least one that is logged.
+int __android_log_print(int prio, const char* tag, const char* fmt, ...)
+    __attribute__((__format__(printf, 3, 4)));
+
+struct __android_log_message {
+  size_t struct_size;
+  int32_t buffer_id;
+  int32_t priority;
+  const char* tag;
+  const char* file;
+  uint32_t line;
+  const char* message;
+};
+typedef void (*__android_logger_function)(const struct __android_log_message* log_message);
+
+// Replaces the logger, which writes logcat's "threadtime" line to standard error, for the whole process.
+// The strings of a message live until the logger returns. Loggers are called from any thread.
+void __android_log_set_logger(__android_logger_function logger);
+// The logger that is there at the start.
+void __android_log_stderr_logger(const struct __android_log_message* log_message);
+
+// Lines below this priority are dropped before they are formatted. Answers the priority so far. It starts
+// as ANDROID_LOG_TAGS in the environment says ("*:E"), else at ANDROID_LOG_DEFAULT, which drops nothing.
+int32_t __android_log_set_minimum_priority(int32_t priority);
+int32_t __android_log_get_minimum_priority(void);
+
+#ifdef __cplusplus
+}
+#endif

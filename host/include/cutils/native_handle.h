@@ -1,0 +1,38 @@
+// Host stand-in for the platform's native handles (libcutils.so).
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct native_handle {
+  int version;  // sizeof(native_handle_t)
+  int numFds;   // descriptors at &data[0]
+  int numInts;  // integers at &data[numFds]
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wzero-length-array"
+#elif defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#endif
+  int data[0];  // numFds + numInts words
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#elif defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+} native_handle_t;
+
+// A zeroed handle with room for the words; null when the counts are negative or above 1024.
+native_handle_t* native_handle_create(int numFds, int numInts);
+// A handle with duplicates of the descriptors; null on failure.
+native_handle_t* native_handle_clone(const native_handle_t* handle);
+// Frees the handle, without closing its descriptors. 0.
+int native_handle_delete(native_handle_t* handle);
+// Closes the handle's descriptors. 0.
+int native_handle_close(const native_handle_t* handle);
+
+#ifdef __cplusplus
+}
+#endif

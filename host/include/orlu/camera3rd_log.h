@@ -1,0 +1,17 @@
+// Host stand-in for the maker's logging support (liborlu.camera3rd.log.so).
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Debug lines are written only while this is below 4. It starts as the system property
+// "persist.sys.camera3rd.loglevel" says, else at 3.
+extern int gVAFCtrlLogLevel;
+
+// The part of `path` behind its last '/', in the same memory; "" for null.
+const char* get_filename(const char* path);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,26 @@
+// Host stand-in for the vendor side of hardware buffers (libnativewindow.so).
+#pragma once
+
+#include <android/hardware_buffer.h>
+#include <cutils/native_handle.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// The handle that the buffer carries, borrowed; null for null.
+const native_handle_t* AHardwareBuffer_getNativeHandle(const AHardwareBuffer* buffer);
+
+enum CreateFromHandleMethod {
+  AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER = 2,
+  AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_CLONE = 3,
+};
+
+// Makes a buffer around a handle of any counts. REGISTER takes the handle over and closes and deletes it with
+// the buffer; CLONE duplicates it. 0, or a negative errno.
+int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
+                                     int32_t method, AHardwareBuffer** outBuffer);
+
+#ifdef __cplusplus
+}
+#endif

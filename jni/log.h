@@ -1,0 +1,34 @@
+// Logging macros. Each .cpp file names its tag as `kLogTag` before it logs.
+//
+// Every line begins with the source file's base name, the line and the function. Debug lines are
+// written only while the maker's log level admits them; errors always.
+#pragma once
+
+#include <android/log.h>
+#include <orlu/camera3rd_log.h>
+
+namespace orlu {
+
+constexpr int kFirstSilentLogLevel = 4;
+
+inline bool isDebugLogOn() {
+  return gVAFCtrlLogLevel < kFirstSilentLogLevel;
+}
+
+}  // namespace orlu
+
+// The empty string at the end gives the variadic part one argument at least, which C++17 wants.
+#define ORLU_LOG_LINE(priority, format, ...)                                                          \
+  __android_log_print(priority, kLogTag, "%s:%d %s() " format "%s", get_filename(__FILE__), __LINE__, \
+                      __func__, __VA_ARGS__)
+#define ORLU_LOG_BARE(priority, tag, format, ...) __android_log_print(priority, tag, format "%s", __VA_ARGS__)
+
+#define LOGE(...) ORLU_LOG_LINE(ANDROID_LOG_ERROR, __VA_ARGS__, "")
+#define LOGD(...)                                                                  \
+  do {                                                                             \
+    if (::orlu::isDebugLogOn()) ORLU_LOG_LINE(ANDROID_LOG_DEBUG, __VA_ARGS__, ""); \
+  } while (0)
+
+// The few lines that carry a shorter tag and no prefix; not gated.
+#define LOGE_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_ERROR, tag, __VA_ARGS__, "")
+#define LOGD_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_DEBUG, tag, __VA_ARGS__, "")
