@@ -91,7 +91,7 @@ struct hidl_handle {
 
 private:
   details::hidl_pointer<const native_handle_t> mHandle;
-  bool mOwnsHandle = false;
+  [[maybe_unused]] bool mOwnsHandle = false;
 };
 static_assert(sizeof(hidl_handle) == 16);
 

@@ -1,0 +1,67 @@
+// One client's connection to the algorithm library: the table of its operations and the client handle that it
+// answered. The only room that calls that library.
+//
+// An operation that the library does not offer is logged by its failure message and skipped. Metadata blocks
+// are handles of the library: who creates one destroys it. Operations on a null block are skipped.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu {
+
+class AlgoNativeContext {
+public:
+  // Gets a table of its own from the provider and creates a client of the library.
+  AlgoNativeContext();
+  AlgoNativeContext(const AlgoNativeContext&) = delete;
+  AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
+  virtual ~AlgoNativeContext();
+
+  void init();
+  // Uninitialises every request type. `mode`: 0 destroy, 1 release, 2 release of a raw format.
+  void uninit(int mode);
+  void flush();
+  // What is aborted stands in the parameter block.
+  void abort(uint64_t first, uint64_t second, void* metadata);
+  // Tells the library that this process goes away.
+  void notify();
+
+  // Submits a request; its end is told through the callback whose address is the cookie. `metadata` stays the
+  // caller's and must outlive the request, as must the frames' memory. `metadataBytes`: one capture result,
+  // serialised; copied.
+  void process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList, uint64_t nativeReq,
+               const std::vector<AlgoFrameInfo>& inputs, const std::vector<AlgoFrameInfo>& outputs,
+               void* metadata, uint64_t callbackCookie, uint64_t reqId,
+               const std::vector<uint8_t>& metadataBytes);
+
+  // The library's answer to `cmd`: always 10240 bytes, a text up to its first zero; empty when not offered.
+  std::vector<uint8_t> getData(const std::string& cmd);
+  // Hands over a file of `size` bytes; the descriptor stays the caller's. Always 0.
+  int translateParamFile(int fd, int size, const std::string& identifier);
+
+  // A new parameter block, or null.
+  void* createMetadata();
+  void destroyMetadata(void* block);
+  // The parameter channel: copies `size` bytes in or, at most, out. 0, or the library's own status; -1 when
+  // the operation could not be called.
+  int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
+  int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
+  // Walk the values that the algorithms pass up, or want passed down. Answers as above.
+  int paramAlgoUpdateToSystem(void* block, AlgoMetadataVisitor visitor);
+  int paramSystemDownloadToAlgo(void* block, AlgoMetadataVisitor visitor);
+
+private:
+  void* createBlock(AlgoMetadataKind kind);
+  AlgoMetadataEntry entryOf(void* parameterBlock) const;
+  // The block's bytes; 0 when they can't be asked for.
+  unsigned sizeOf(void* block) const;
+
+  AlgoInterfaceCallbacks mCallbacks;
+  void* mClient = nullptr;
+};
+
+}  // namespace orlu

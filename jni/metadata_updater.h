@@ -1,0 +1,158 @@
+// Turns the camera metadata of one request into the parameter set that the algorithms read, and edits the
+// request's algorithm list on the way. One object per request, used on its thread; updateMetadata() runs
+// once.
+//
+// A tag that is absent leaves the value that its step set before reading, and no status of the parameter
+// channel is looked at: translating parameters never fails a request.
+#pragma once
+
+#include <jni.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "algo_interface.h"
+#include "algo_native_client.h"
+#include "camera_metadata_parser.h"
+#include "vrequest.h"
+
+namespace orlu {
+
+// Camera roles of a switching multi-camera system, by their numbers in "orlu.parameter.masterSatRole".
+enum SATCameraRoleType : int32_t {
+  kSatRoleWide = 1,
+  kSatRoleMain = 2,
+  kSatRoleTele = 3,
+  kSatRoleTele5x = 5,
+  kSatRoleTele2_5x = 6
+};
+
+// Which camera such a system uses from a zoom ratio on. Made when the library is loaded.
+const std::map<float, SATCameraRoleType>& satCameraRoles();
+
+class MetadataUpdater {
+public:
+  // Borrows all five for its life. The parameter block `metadata` may be null: nothing is stored then.
+  MetadataUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
+                  void* metadata, CameraMetadataParser* parser);
+  MetadataUpdater(const MetadataUpdater&) = delete;
+  MetadataUpdater& operator=(const MetadataUpdater&) = delete;
+  virtual ~MetadataUpdater();
+
+  void updateMetadata();
+
+  // Set by updateMetadata() for a request that the camera marks as needing no algorithm pass.
+  bool skipAlgoProcess() const { return mSkipAlgoProcess; }
+
+  // The parameter channel: `size` bytes under a section and a key of the block. The context's status.
+  int setValue(const char* section, const char* key, void* value, unsigned size);
+  int getValue(const char* section, const char* key, void* value, unsigned size);
+  int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
+  int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
+
+  // About the first input image; 0 when there is none.
+  int isRawFormat();
+  int getImageFormat();
+
+private:
+  // Where a step reads from: a capture result and the composition that overrides it. Either may be null.
+  struct Frame {
+    jobject captureResult;
+    jobject composition;
+  };
+
+  Frame firstFrame() const { return frameAt(0); }
+  Frame frameAt(int index) const;  // nothing past the frames: every tag is missing there
+  Frame lastFrame() const { return frameAt(mCaptureResultNum - 1); }
+  // The composition alone, for the rows that don't ask the capture result.
+  Frame firstCompositionOnly() const { return {nullptr, firstFrame().composition}; }
+  // The capture result alone.
+  Frame firstCaptureResultOnly() const { return {firstFrame().captureResult, nullptr}; }
+  // Past the master frames: the last of them. Nothing when there is none.
+  Frame masterFrameAt(int index) const;
+  int masterFrameNum() const { return static_cast<int>(mMasterCaptureResults.size()); }
+  // The first input image's record, or null.
+  const AlgoFrameInfo* firstInput() const;
+
+  void append(const char* name) { mAlgoList->emplace_back(name); }
+
+  // The rows and what they are made of: metadata_updater_rows.h, which says what T may be.
+  template <size_t N>
+  bool listHas(const char (&name)[N]) const;
+  template <typename T>
+  int read(T& value, const char* tag, const Frame& frame);
+  template <typename T>
+  int read(T& value, const char* tag);
+  template <typename T>
+  T readOr(T initial, const char* tag, const Frame& frame);
+  template <typename T>
+  void write(const char* section, const char* key, const T& value);
+  template <typename T>
+  T readBack(const char* section, const char* key, T initial = T());
+  template <typename T>
+  T copy(const Frame& frame, const char* tag, const char* section, const char* key);
+  template <typename T>
+  T copy(const char* tag, const char* section, const char* key);
+  template <typename T>
+  void keep(T& member, const Frame& frame, const char* tag, const char* section, const char* key);
+  template <typename T>
+  void keep(T& member, const char* tag, const char* section, const char* key);
+
+  // metadata_updater.cpp
+  void clearParams();
+  int updateWatermarkData();
+  void getMasterFrames();
+  void updateFromCameraCharacteristics();
+  void updateSat();
+  void convertMetadata();
+  uint64_t getCurrentMode(jobject captureResult, jobject composition);
+  int masterFrameStep();
+
+  // metadata_updater_algo_type.cpp
+  void updateAlgoType();
+
+  // metadata_updater_frame_clarity.cpp
+  void updateFrameClarity();
+  std::vector<double> readImageScores();
+  void writeFrameIndices();
+
+  // metadata_updater_jpeg_encode.cpp
+  void updateJpegEncode();
+  ExifInfo readExif(int32_t fNumber, bool hasFNumber);
+  float readAperture(int32_t fNumber, bool hasFNumber);
+  int32_t readSceneType();
+
+  std::vector<std::string>* mAlgoList;
+  AlgoNativeClient* mClient;
+  VRequest* mRequest;
+  void* mMetadata;
+  CameraMetadataParser* mParser;
+  int mCaptureResultNum;
+  const std::vector<jobject>* mCaptureResults;
+  const std::vector<jobject>* mCaptureResultCompositions;
+  std::vector<jobject> mMasterCaptureResults;
+  std::vector<jobject> mMasterCompositions;
+  int32_t mIsRawnrCapture = 0;
+  int32_t mEnableHwMFNR = 0;  // hardware multi-frame noise reduction is on
+  bool mIsSatFusion = false;
+  int32_t mFusionBasicFrameSelect = 0;
+  int32_t mJpegOrientation = 0;  // degrees
+  int32_t mRequestId = 0;
+  int32_t mBasicFrameIndex = -1;
+  int32_t mHdrFrameIndex[6] = {0, 1, 2, 3, 4, 5};  // the HDR frames among the master frames
+  int32_t mBayerFilter = -1;
+  int32_t mFilterType = 0;
+  float mFilterIntensity = 0;
+  int32_t mFilterMask = 0;
+  float mUiZoomRatio = 1.0F;
+  int32_t mCameraFacing = 0;
+  int32_t mFrontEvControl[25] = {};
+  int32_t mIsUpscale = 0;
+  int32_t mUseFilterList = 0;
+  int32_t mIsFastDisplayRequest = 0;
+  bool mSkipAlgoProcess = false;
+};
+
+}  // namespace orlu

@@ -1,0 +1,193 @@
+// The rows of parameter translation: "read a tag of this type, write it under this section and key". The type
+// is named once; its getter and its size follow from it. For the metadata_updater files alone.
+//
+//   copy<int32_t>("orlu.control.bokeh_facula", kControl, "bokeh_facula_capture");
+//   copy<Floats<22>>("orlu.control.some_array", kSystem, "some_array");
+//   keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <type_traits>
+
+#include "algo_list.h"
+#include "metadata_updater.h"
+
+namespace orlu {
+
+// Sections of the parameter set.
+constexpr char kControl[] = "orlu.algo.control";      // control inputs of this request
+constexpr char kParameter[] = "orlu.algo.parameter";  // algorithm parameters
+constexpr char kSensor[] = "orlu.algo.sensor";        // sensor and camera facts
+constexpr char kFeedback[] = "orlu.algo.feedback";    // what the algorithms report back
+constexpr char kSystem[] = "orlu.algo.system";        // facts that all algorithms share
+constexpr char kZoom[] = "orlu.algo.zoom";            // zoom ratios
+
+template <size_t N>
+using Ints = std::array<int32_t, N>;
+template <size_t N>
+using Longs = std::array<int64_t, N>;
+template <size_t N>
+using Floats = std::array<float, N>;
+template <size_t N>
+using Doubles = std::array<double, N>;
+
+// A string of at most N - 1 bytes, always terminated.
+template <size_t N>
+struct Text {
+  char data[N] = {};
+};
+// A string of at most N bytes, without a terminating zero when it fills them.
+template <size_t N>
+struct Chars {
+  char data[N] = {};
+};
+// Raw bytes of a tag that is a byte array.
+template <size_t N>
+struct Bytes {
+  uint8_t data[N] = {};
+};
+
+// The exposure control that the camera attaches to each frame, by element.
+enum AecElement : size_t {
+  kAecLuxIndex = 0,
+  kAecExposureIndex = 1,
+  kAecRealGain = 2,
+  kAecSafeGain = 3,
+  kAecLongGain = 4,
+  kAecSensorGain = 5,
+  kAecAdrcGain = 6,
+  kAecDarkBoostGain = 7,
+  kAecIspGain = 8,
+  kAecExposureTime = 14,  // nanoseconds
+  kAecSize = 22
+};
+using Aec = Floats<kAecSize>;
+constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
+constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
+
+// Float to integer as the ARM instruction converts: saturating, NaN to 0.
+int32_t toInt(float value);
+
+// One getter of the parser for each type of value.
+namespace row {
+
+using P = CameraMetadataParser;
+
+inline int get(P& p, int32_t& v, const char* tag, jobject r, jobject c) {
+  return p.getInt(v, tag, r, c);
+}
+inline int get(P& p, int64_t& v, const char* tag, jobject r, jobject c) {
+  return p.getLong(v, tag, r, c);
+}
+inline int get(P& p, float& v, const char* tag, jobject r, jobject c) {
+  return p.getFloat(v, tag, r, c);
+}
+inline int get(P& p, __tagOrluRect& v, const char* tag, jobject r, jobject c) {
+  return p.getRectInfo(v, tag, r, c);
+}
+inline int get(P& p, SCR_Type& v, const char* tag, jobject r, jobject c) {
+  return p.getRectInfo_ex(v, tag, r, c);
+}
+inline int get(P& p, GpsLocation& v, const char* tag, jobject r, jobject c) {
+  return p.getGpsLocation(v, tag, r, c);
+}
+template <size_t N>
+int get(P& p, Ints<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getIntArray(v.data(), static_cast<int>(N), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Longs<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getLongArray(v.data(), static_cast<int>(N), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Floats<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getFloatArray(v.data(), static_cast<int>(N), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Doubles<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getDoubleArray(v.data(), static_cast<int>(N), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Text<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getString(v.data, static_cast<int>(N - 1), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Chars<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getString(v.data, static_cast<int>(N), tag, r, c);
+}
+template <size_t N>
+int get(P& p, Bytes<N>& v, const char* tag, jobject r, jobject c) {
+  return p.getArrayBytes(reinterpret_cast<char*>(v.data), static_cast<int>(N), tag, r, c);
+}
+
+}  // namespace row
+
+// Reads a tag from a frame into `value`, which stays as it is when the tag is absent. 0, or -1 when it is.
+template <typename T>
+int MetadataUpdater::read(T& value, const char* tag, const Frame& frame) {
+  return row::get(*mParser, value, tag, frame.captureResult, frame.composition);
+}
+
+// The same from the first frame.
+template <typename T>
+int MetadataUpdater::read(T& value, const char* tag) {
+  return read(value, tag, firstFrame());
+}
+
+// The tag's value, or `initial` when it is absent.
+template <typename T>
+T MetadataUpdater::readOr(T initial, const char* tag, const Frame& frame) {
+  read(initial, tag, frame);
+  return initial;
+}
+
+// Writes all bytes of `value`.
+template <typename T>
+void MetadataUpdater::write(const char* section, const char* key, const T& value) {
+  static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
+  T copied = value;  // the channel takes a pointer to changeable bytes
+  setValue(section, key, &copied, sizeof copied);
+}
+
+// Reads a parameter back; `initial` when it is not set.
+template <typename T>
+T MetadataUpdater::readBack(const char* section, const char* key, T initial) {
+  getValue(section, key, &initial, sizeof initial);
+  return initial;
+}
+
+// Row: a tag of a frame becomes a parameter, zero when it is absent. Answers the value.
+template <typename T>
+T MetadataUpdater::copy(const Frame& frame, const char* tag, const char* section, const char* key) {
+  T value = T();
+  keep(value, frame, tag, section, key);
+  return value;
+}
+
+// The same from the first frame.
+template <typename T>
+T MetadataUpdater::copy(const char* tag, const char* section, const char* key) {
+  return copy<T>(firstFrame(), tag, section, key);
+}
+
+// Row: the same through a member (or a variable), which keeps its value when the tag is absent.
+template <typename T>
+void MetadataUpdater::keep(T& member, const Frame& frame, const char* tag, const char* section,
+                           const char* key) {
+  read(member, tag, frame);
+  write(section, key, member);
+}
+
+template <typename T>
+void MetadataUpdater::keep(T& member, const char* tag, const char* section, const char* key) {
+  keep(member, firstFrame(), tag, section, key);
+}
+
+// Whether the algorithm list holds a name that begins with this literal.
+template <size_t N>
+bool MetadataUpdater::listHas(const char (&name)[N]) const {
+  return isAlgoListContains(*mAlgoList, name);
+}
+
+}  // namespace orlu

@@ -1,0 +1,114 @@
+// The native mirror of one Java request: its images as frame records, its capture results, and the Java
+// objects that results are written back into.
+//
+// Valid inside the JNI call that made it, on that thread: what it keeps are local references. It owns the
+// descriptors that it duplicated from shared memory.
+#pragma once
+
+#include <jni.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu {
+
+class VRequest {
+public:
+  // Reads everything out of the four Java objects, any of which may be null: the request, and the lists of
+  // VImageIPC inputs and outputs and of CaptureResultCompositions. What can't be read is logged and left
+  // zero.
+  VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList, jobject captureResultList);
+  VRequest(const VRequest&) = delete;
+  VRequest& operator=(const VRequest&) = delete;
+  // Closes the descriptors that came from shared memory. Those of hardware buffers belong to the buffers.
+  virtual ~VRequest();
+
+  int64_t requestId() const { return mRequestId; }
+  const std::string& requestType() const { return mRequestType; }
+  // True for a request that ends a series of shots: only the beginning of its type is looked at.
+  bool isStopProcess() const;
+  const std::vector<AlgoFrameInfo>& inputFrames() const { return mInputFrames; }
+  const std::vector<AlgoFrameInfo>& outputFrames() const { return mOutputFrames; }
+  std::vector<AlgoFrameInfo>& outputFrames() { return mOutputFrames; }
+  // One entry per frame, same order in both; borrowed, and null where the Java side had none.
+  const std::vector<jobject>& captureResultCompositions() const { return mCaptureResultCompositions; }
+  const std::vector<jobject>& captureResults() const { return mCaptureResults; }
+  // The first composition, or null when there is none.
+  jobject firstComposition() const;
+
+  // Write a property of output image `index` into its frame record and its Java descriptor. An index that is
+  // not below both numbers of outputs is logged and changes nothing.
+  void setResultJpegSize(int size, int index);  // bytes
+  void setResultImageWH(int width, int height, int index);
+  void setResultImageFormat(int format, const char* formatName, int index);
+
+private:
+  struct Table;  // the rows of the cache
+  friend struct Table;
+
+  // vrequest.cpp
+  int initFromEnv(JNIEnv* env);
+  void getRequestInfo(jobject request);
+  void getImageData(jobject request, jobject inputList, jobject outputList, jobject captureResultList);
+  void getImages(jobject list, const char* label, std::vector<AlgoFrameInfo>& frames,
+                 std::vector<jobject>& objects, std::vector<int>& sharedMemoryFlags,
+                 std::vector<AlgoNativeHandle>& handles);
+  void getCaptureResults(jobject list);
+  std::string convertJavaString(jobject string);
+  jobject getCaptureResult(jobject composition);
+  int getListSize(jobject list);
+  jobject getListElement(jobject list, int index);
+  void getIntArray(int32_t* values, int count, jintArray array);
+  bool isResultIndex(int index) const;
+
+  // vrequest_image.cpp
+  AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
+  void readGeometry(AlgoFrameInfo& frame, jobject image);
+  void readFormat(AlgoFrameInfo& frame, jobject image);
+  void attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
+  void attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle);
+  // The field's object as a new local reference; null when the field could not be resolved.
+  template <typename T>
+  T objectField(jobject image, jfieldID field) {
+    return field == nullptr ? nullptr : static_cast<T>(mEnv->GetObjectField(image, field));
+  }
+
+  int64_t mRequestId = 0;
+  std::string mRequestType;
+  std::vector<AlgoFrameInfo> mInputFrames;
+  std::vector<AlgoFrameInfo> mOutputFrames;
+  std::vector<jobject> mCaptureResultCompositions;
+  std::vector<jobject> mCaptureResults;
+  std::vector<jobject> mInputImages;
+  std::vector<jobject> mOutputImages;
+  std::vector<AlgoNativeHandle> mInputHandles;
+  std::vector<AlgoNativeHandle> mOutputHandles;
+  std::vector<int> mInputSharedMemoryFlags;  // 1: the frame's descriptors are owned here
+  std::vector<int> mOutputSharedMemoryFlags;
+
+  JNIEnv* mEnv = nullptr;
+  jclass mClazzList = nullptr;
+  jmethodID mMethodGetListElement = nullptr;
+  jmethodID mMethodListSize = nullptr;
+  jclass mClazzVImageIPC = nullptr;
+  jfieldID mFieldVImageIPCFormat = nullptr;
+  jfieldID mFieldVImageIPCWidth = nullptr;
+  jfieldID mFieldVImageIPCHeight = nullptr;
+  jfieldID mFieldVImageIPCRowStrides = nullptr;
+  jfieldID mFieldVImageIPCPlaneSizes = nullptr;
+  jfieldID mFieldVImageIPCDataShmem = nullptr;
+  jfieldID mFieldVImageIPCDataHwbuff = nullptr;
+  jclass mClazzVRequest = nullptr;
+  jmethodID mMethodGetRequestId = nullptr;
+  jmethodID mMethodGetRequestType = nullptr;
+  jclass mClazzCaptureResultCommposition = nullptr;
+  jmethodID mMethodAssembleResultComposition = nullptr;
+  jclass mClazzString = nullptr;
+  jmethodID mMethodStringLength = nullptr;
+  jfieldID mFieldCaptureResult = nullptr;
+};
+
+}  // namespace orlu

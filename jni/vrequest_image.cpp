@@ -1,0 +1,205 @@
+// One Java image descriptor becomes one frame record.
+
+#include <android/hardware_buffer_jni.h>
+#include <android/sharedmem_jni.h>
+#include <vndk/hardware_buffer.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "image_format.h"
+#include "jni_support.h"
+#include "log.h"
+#include "vrequest.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kLogTag[] = "_V_VASJNI-VRequest";
+
+// A product of sizes as the frame record can hold it.
+int32_t saturated(int64_t value) {
+  return static_cast<int32_t>(
+      std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+}
+
+int32_t product(int32_t a, int32_t b, int32_t divisor = 1) {
+  return saturated(int64_t{a} * b / divisor);
+}
+
+int32_t twoBytesPerPixel(const AlgoFrameInfo& frame) {
+  return product(product(frame.width, frame.height), 2);
+}
+
+// How the format names that Java uses classify an image. Names are compared by their beginnings, in an order
+// that depends on the name's length.
+class FormatClassifier {
+public:
+  FormatClassifier(AlgoFrameInfo& frame, const char* name, size_t length)
+      : mFrame(frame), mName(name), mLength(length) {}
+
+  // False when the name is unknown; the format then stays 0 and the image has one plane.
+  bool classify() {
+    mFrame.planeCount = 1;
+    if (mLength < 4) return false;
+    if (begins("NV21")) return yuv(kFormatNv21);
+    // YV12 and YU12 data count as NV12, deliberately.
+    if (begins("NV12") || begins("YU12") || begins("YV12")) return yuv(kFormatNv12);
+    if (mLength >= 10) {
+      if (begins("MIPI_RAW10")) return mipiRaw10();
+      if (begins("MIPI_RAW12")) return format(kFormatMipiRaw12);
+      if (begins("RAW16")) return raw16();
+      if (begins("RAW_SENSOR")) return rawSensor();
+    } else if (mLength >= 5 && begins("RAW16")) {
+      return raw16();
+    }
+    if (begins("JPEG")) return format(kFormatJpeg);
+    if (mLength >= 8 && begins("R8G8B8A8")) return format(kFormatRgba8888);
+    return false;
+  }
+
+private:
+  template <size_t N>
+  bool begins(const char (&prefix)[N]) const {
+    return std::strncmp(mName, prefix, N - 1) == 0;
+  }
+  bool format(AlgoImageFormat code) {
+    mFrame.format = code;
+    return true;
+  }
+  bool yuv(AlgoImageFormat code) {
+    mFrame.planeCount = 2;
+    return format(code);
+  }
+  bool mipiRaw10() {
+    mFrame.planeSize[0] = std::max(product(mFrame.stride[0], mFrame.height), mFrame.planeSize[0]);
+    return format(kFormatMipiRaw10);
+  }
+  // The stride becomes the width in pixels, deliberately not in bytes.
+  bool raw16() {
+    mFrame.stride[0] = mFrame.width;
+    return rawSensor();
+  }
+  // Unlike RAW16 the stride stays as it came, on purpose.
+  bool rawSensor() {
+    mFrame.planeSize[0] = std::max(twoBytesPerPixel(mFrame), mFrame.planeSize[0]);
+    return format(kFormatRaw16);
+  }
+
+  AlgoFrameInfo& mFrame;
+  const char* mName;
+  size_t mLength;
+};
+
+int32_t sumOfPlanes(const AlgoFrameInfo& frame) {
+  int64_t sum = 0;
+  for (int i = 0; i < frame.planeCount; ++i) sum += frame.planeSize[i];
+  return saturated(sum);
+}
+
+// The words that a platform handle holds; none when its counts make no sense.
+int64_t wordCount(const native_handle_t& handle) {
+  return handle.numFds < 0 || handle.numInts < 0 ? 0 : int64_t{handle.numFds} + handle.numInts;
+}
+
+// Copies a platform handle. More words than fit stay uncopied; their counts are told all the same.
+void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
+  to.version = from.version;
+  to.numFds = from.numFds;
+  to.numInts = from.numInts;
+  const int64_t bytes = wordCount(from) * static_cast<int64_t>(sizeof(int32_t));
+  if (bytes < static_cast<int64_t>(sizeof to.data))
+    std::memcpy(to.data, from.data, static_cast<size_t>(bytes));
+  std::swap(to.data[0], to.data[1]);
+}
+
+// The descriptor of the pixels: the handle's second word, by design. -1 when it has no second one.
+int32_t pixelDescriptor(const native_handle_t& handle) {
+  return wordCount(handle) >= 2 ? handle.data[1] : -1;
+}
+
+// Sizes that the Java side left out, or gave as the whole memory.
+void fixNvPlanes(AlgoFrameInfo& frame) {
+  if (frame.planeSize[1] <= 0) frame.planeSize[1] = product(frame.stride[0], frame.scanline[0], 2);
+  if (frame.planeSize[0] >= frame.fdSize[0]) frame.planeSize[0] = product(frame.stride[0], frame.scanline[0]);
+}
+
+}  // namespace
+
+AlgoFrameInfo VRequest::convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle) {
+  AlgoFrameInfo frame;
+  if (!isInstance(mEnv, image, mClazzVImageIPC)) {
+    LOGE("convert image failed, input is null");
+    return frame;
+  }
+  readGeometry(frame, image);
+  readFormat(frame, image);
+  frame.scanline[0] = frame.height;
+  frame.size = sumOfPlanes(frame);
+  usedSharedMemory = 0;
+  attachMemory(frame, image, usedSharedMemory, handle);
+  if (frame.format == kFormatNv21 || frame.format == kFormatNv12) fixNvPlanes(frame);
+  return frame;
+}
+
+void VRequest::readGeometry(AlgoFrameInfo& frame, jobject image) {
+  if (mFieldVImageIPCWidth != nullptr) frame.width = mEnv->GetIntField(image, mFieldVImageIPCWidth);
+  if (mFieldVImageIPCHeight != nullptr) frame.height = mEnv->GetIntField(image, mFieldVImageIPCHeight);
+  ScopedLocalRef<jintArray> strides(mEnv, objectField<jintArray>(image, mFieldVImageIPCRowStrides));
+  getIntArray(frame.stride, kMaxPlanes, strides.get());
+  ScopedLocalRef<jintArray> sizes(mEnv, objectField<jintArray>(image, mFieldVImageIPCPlaneSizes));
+  getIntArray(frame.planeSize, kMaxPlanes, sizes.get());
+}
+
+void VRequest::readFormat(AlgoFrameInfo& frame, jobject image) {
+  ScopedLocalRef<jstring> format(mEnv, objectField<jstring>(image, mFieldVImageIPCFormat));
+  const char* chars = nullptr;
+  jint length = 0;
+  if (format && mMethodStringLength != nullptr) {
+    length = mEnv->CallIntMethod(format.get(), mMethodStringLength);
+    clearException(mEnv);
+    chars = mEnv->GetStringUTFChars(format.get(), nullptr);
+    if (chars == nullptr) clearException(mEnv);
+  }
+  // A null name counts as an empty one.
+  const char* const name = chars == nullptr ? "" : chars;
+  if (!FormatClassifier(frame, name, chars == nullptr ? 0 : static_cast<size_t>(length)).classify()) {
+    LOGE("unknown format %s", name);
+  }
+  if (chars != nullptr) mEnv->ReleaseStringUTFChars(format.get(), chars);
+}
+
+void VRequest::attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory,
+                            AlgoNativeHandle* handle) {
+  ScopedLocalRef<> sharedMemory(mEnv, objectField<jobject>(image, mFieldVImageIPCDataShmem));
+  ScopedLocalRef<> hardwareBuffer(mEnv, objectField<jobject>(image, mFieldVImageIPCDataHwbuff));
+  if (sharedMemory) {
+    frame.fd[0] = ASharedMemory_dupFromJava(mEnv, sharedMemory.get());
+    frame.fdCount = 1;
+    frame.fdSize[0] = saturated(static_cast<int64_t>(
+        std::min<size_t>(ASharedMemory_getSize(frame.fd[0]), std::numeric_limits<int32_t>::max())));
+    usedSharedMemory = 1;
+  } else if (hardwareBuffer) {
+    attachHardwareBuffer(frame, hardwareBuffer.get(), handle);
+  } else {
+    LOGE("convert image failed, invalid image data");
+  }
+}
+
+void VRequest::attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle) {
+  const AHardwareBuffer* buffer = AHardwareBuffer_fromHardwareBuffer(mEnv, hardwareBuffer);
+  const native_handle_t* native = buffer == nullptr ? nullptr : AHardwareBuffer_getNativeHandle(buffer);
+  if (native == nullptr) {
+    LOGE("convert image failed, invalid image data");
+    return;
+  }
+  frame.fd[0] = pixelDescriptor(*native);
+  copyHandle(*native, *handle);
+  frame.nativeHandle = handle;
+  frame.fdCount = 1;
+  frame.fdSize[0] = frame.size;
+}
+
+}  // namespace orlu
