@@ -1,0 +1,118 @@
+// libnativewindow.so: hardware buffers over memory files.
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <vndk/hardware_buffer.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <limits>
+#include <memory>
+
+struct AHardwareBuffer {
+  AHardwareBuffer_Desc desc;
+  native_handle_t* handle;  // owned, with its descriptors
+  std::atomic<int> references{1};
+};
+
+namespace {
+
+constexpr int kAttributesWord = 0;
+constexpr int kPixelsWord = 1;
+constexpr int kDescriptors = 2;
+constexpr int kIntegers = 4;
+constexpr off_t kAttributesSize = 4096;
+
+// Bytes of a row of the first plane; 0 for a format that is not known.
+uint64_t rowBytes(const AHardwareBuffer_Desc& desc) {
+  switch (desc.format) {
+    case AHARDWAREBUFFER_FORMAT_R8G8B8A8_UNORM:
+      return uint64_t{desc.width} * 4;
+    case AHARDWAREBUFFER_FORMAT_RAW16:
+      return uint64_t{desc.width} * 2;
+    case AHARDWAREBUFFER_FORMAT_BLOB:
+    case AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420:
+      return desc.width;
+    default:
+      return 0;
+  }
+}
+
+uint64_t pixelBytes(const AHardwareBuffer_Desc& desc) {
+  const uint64_t firstPlane = rowBytes(desc) * desc.height;
+  return desc.format == AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420 ? firstPlane + (firstPlane + 1) / 2 : firstPlane;
+}
+
+// A memory file of this size, or a negative errno.
+int memoryFile(const char* name, off_t size) {
+  const int fd = memfd_create(name, MFD_CLOEXEC);
+  if (fd < 0) return -errno;
+  if (ftruncate(fd, size) == 0) return fd;
+  const int error = errno;
+  close(fd);
+  return -error;
+}
+
+}  // namespace
+
+int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer) {
+  if (desc == nullptr || outBuffer == nullptr) return -EINVAL;
+  const uint64_t bytes = pixelBytes(*desc);
+  if (bytes == 0 || bytes > std::numeric_limits<int32_t>::max()) return -EINVAL;
+  const int attributes = memoryFile("hardware-buffer-attributes", kAttributesSize);
+  if (attributes < 0) return attributes;
+  const int pixels = memoryFile("hardware-buffer-pixels", static_cast<off_t>(bytes));
+  if (pixels < 0) {
+    close(attributes);
+    return pixels;
+  }
+  native_handle_t* const handle = native_handle_create(kDescriptors, kIntegers);
+  handle->data[kAttributesWord] = attributes;
+  handle->data[kPixelsWord] = pixels;
+  int* const integers = &handle->data[kDescriptors];
+  integers[0] = static_cast<int>(desc->width);
+  integers[1] = static_cast<int>(desc->height);
+  integers[2] = static_cast<int>(rowBytes(*desc));
+  integers[3] = static_cast<int>(desc->format);
+  return AHardwareBuffer_createFromHandle(desc, handle, AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER,
+                                          outBuffer);
+}
+
+int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
+                                     int32_t method, AHardwareBuffer** outBuffer) {
+  if (desc == nullptr || handle == nullptr || outBuffer == nullptr) return -EINVAL;
+  native_handle_t* owned = nullptr;
+  if (method == AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER) {
+    owned = const_cast<native_handle_t*>(handle);
+  } else if (method == AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_CLONE) {
+    owned = native_handle_clone(handle);
+  }
+  if (owned == nullptr) return -EINVAL;
+  auto buffer = std::make_unique<AHardwareBuffer>();
+  buffer->desc = *desc;
+  buffer->desc.stride = desc->width;
+  buffer->handle = owned;
+  *outBuffer = buffer.release();
+  return 0;
+}
+
+void AHardwareBuffer_acquire(AHardwareBuffer* buffer) {
+  buffer->references.fetch_add(1);
+}
+
+void AHardwareBuffer_release(AHardwareBuffer* buffer) {
+  if (buffer == nullptr || buffer->references.fetch_sub(1) != 1) return;
+  native_handle_close(buffer->handle);
+  native_handle_delete(buffer->handle);
+  delete buffer;
+}
+
+void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc) {
+  *outDesc = buffer->desc;
+}
+
+const native_handle_t* AHardwareBuffer_getNativeHandle(const AHardwareBuffer* buffer) {
+  return buffer == nullptr ? nullptr : buffer->handle;
+}

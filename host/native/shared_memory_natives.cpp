@@ -1,0 +1,43 @@
+// libandroid_runtime.so: the natives of android.os.SharedMemory.
+
+#include <android/sharedmem.h>
+#include <jni.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace {
+
+std::string textOf(JNIEnv* env, jstring string) {
+  const char* chars = string == nullptr ? nullptr : env->GetStringUTFChars(string, nullptr);
+  if (chars == nullptr) return {};
+  std::string text(chars);
+  env->ReleaseStringUTFChars(string, chars);
+  return text;
+}
+
+}  // namespace
+
+// A descriptor, or a negative errno.
+extern "C" JNIEXPORT jint JNICALL Java_android_os_SharedMemory_nCreate(JNIEnv* env, jclass, jstring name,
+                                                                       jint size) {
+  return ASharedMemory_create(textOf(env, name).c_str(), static_cast<size_t>(size));
+}
+
+extern "C" JNIEXPORT void JNICALL Java_android_os_SharedMemory_nClose(JNIEnv*, jclass, jint fd) {
+  close(fd);
+}
+
+// The memory behind the descriptor as a direct buffer; null when it can't be mapped.
+extern "C" JNIEXPORT jobject JNICALL Java_android_os_SharedMemory_nMap(JNIEnv* env, jclass, jint fd,
+                                                                       jint size, jboolean writable) {
+  void* const address = mmap(nullptr, static_cast<size_t>(size),
+                             writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, fd, 0);
+  return address == MAP_FAILED ? nullptr : env->NewDirectByteBuffer(address, size);
+}
+
+extern "C" JNIEXPORT void JNICALL Java_android_os_SharedMemory_nUnmap(JNIEnv* env, jclass, jobject buffer) {
+  void* const address = env->GetDirectBufferAddress(buffer);
+  if (address != nullptr) munmap(address, static_cast<size_t>(env->GetDirectBufferCapacity(buffer)));
+}
