@@ -1,0 +1,31 @@
+package com.orlu.orlu3rdalgoservice.binderserver;
+
+import java.util.HashMap;
+import java.util.List;
+import java.util.concurrent.CopyOnWriteArrayList;
+
+/** Where the native side calls back to, by this class's and method's names. */
+public final class RequestProcessor {
+    private static final List<CallbackListener> LISTENERS = new CopyOnWriteArrayList<>();
+
+    private RequestProcessor() {
+    }
+
+    /** Adds a listener for the reports of all clients. */
+    public static void addListener(CallbackListener listener) {
+        LISTENERS.add(listener);
+    }
+
+    /** Takes a listener away again. */
+    public static void removeListener(CallbackListener listener) {
+        LISTENERS.remove(listener);
+    }
+
+    /** Called by the native side. The first argument is 0 for every kind of report. */
+    public static void callbackFromNative(
+            int unused, long clientId, int algoContextIndex, long requestId, HashMap<String, Object> values) {
+        for (CallbackListener listener : LISTENERS) {
+            listener.onCallback(clientId, algoContextIndex, requestId, values);
+        }
+    }
+}

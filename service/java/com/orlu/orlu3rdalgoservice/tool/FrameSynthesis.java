@@ -1,0 +1,93 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import java.awt.image.BufferedImage;
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Random;
+
+import javax.imageio.ImageIO;
+
+/**
+ * Makes a request's frames of one photo: each is a part of it, moved by a small shift, blurred, brightened or
+ * darkened, and with noise. The parts are smaller than the photo by the largest shift, so that no frame has
+ * borders. The same seed makes the same frames.
+ */
+final class FrameSynthesis {
+    private static final long FRAME_PRIME = 1_000_003;
+    // Frames end on whole groups of four samples, which packed raw rows come in.
+    private static final int GROUP = 4;
+
+    private final FrameSetSpec mSpec;
+    private final boolean mKeepMosaicPhase;
+
+    /** With the mosaic's phase to be kept, all shifts drawn are even. */
+    FrameSynthesis(FrameSetSpec spec, boolean keepMosaicPhase) {
+        mSpec = spec;
+        mKeepMosaicPhase = keepMosaicPhase;
+    }
+
+    static Picture load(Path photo) throws RequestFileException {
+        try {
+            BufferedImage image = ImageIO.read(photo.toFile());
+            if (image != null) {
+                return Picture.of(image);
+            }
+        } catch (IOException e) {
+            // The same answer as for what no decoder knows.
+        }
+        throw new RequestFileException(photo.toString(), "", "no photo that can be read");
+    }
+
+    /** All frames of a photo. A photo too small for the shifts is a RequestFileException. */
+    List<SynthesisedFrame> frames(Path file, Picture photo) throws RequestFileException {
+        int margin = mSpec.margin();
+        Picture sized = sized(photo, margin);
+        int width = (sized.width() - 2 * margin) / GROUP * GROUP;
+        int height = (sized.height() - 2 * margin) / GROUP * GROUP;
+        if (mSpec.width() > 0) {
+            width = mSpec.width();
+            height = mSpec.height();
+        }
+        if (width < GROUP || height < GROUP) {
+            throw new RequestFileException(file.toString(), "photo", "too small for the frames' shifts");
+        }
+        List<SynthesisedFrame> frames = new ArrayList<>();
+        for (int i = 0; i < mSpec.frames().size(); ++i) {
+            frames.add(frame(i, sized, width, height));
+        }
+        return frames;
+    }
+
+    private Picture sized(Picture photo, int margin) {
+        return mSpec.width() > 0
+                ? photo.scaledTo(mSpec.width() + 2 * margin, mSpec.height() + 2 * margin) : photo;
+    }
+
+    private SynthesisedFrame frame(int index, Picture photo, int width, int height) {
+        FrameSpec spec = mSpec.frames().get(index);
+        Random random = new Random(mSpec.seed() * FRAME_PRIME + index);
+        int[] shift = shift(index, spec, random);
+        int margin = mSpec.margin();
+        Picture clean = photo.crop(margin + shift[0], margin + shift[1], width, height);
+        Picture shot = spec.blur() > 0 ? clean.blurred(spec.blur()) : clean;
+        shot = spec.gain() != 1 ? shot.brightened(spec.gain()) : shot;
+        shot = spec.noise() > 0 ? shot.withNoise(spec.noise(), random) : shot;
+        return new SynthesisedFrame(clean, shot, shift[0], shift[1]);
+    }
+
+    // The first frame stays where it is, unless its own shift says otherwise.
+    private int[] shift(int index, FrameSpec spec, Random random) {
+        if (spec.shift() != null) {
+            return spec.shift();
+        }
+        return index == 0 ? new int[2] : new int[] {draw(random), draw(random)};
+    }
+
+    private int draw(Random random) {
+        int step = mKeepMosaicPhase ? 2 : 1;
+        int steps = mSpec.maxShift() / step;
+        return step * (random.nextInt(2 * steps + 1) - steps);
+    }
+}

@@ -1,0 +1,107 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.hardware.HardwareBuffer;
+import android.os.SharedMemory;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+
+/** One image's memory and its description for the native side. Closing it gives the memory back. */
+final class ImageBuffer implements AutoCloseable {
+    private static final int JPEG_HEADROOM = 1 << 16;
+
+    private final ImageSpec mSpec;
+    private final VImageIPC mDescriptor = new VImageIPC();
+    private final ByteBuffer mBytes;
+
+    private ImageBuffer(ImageSpec spec, int jpegRoom) throws ErrnoException {
+        mSpec = spec;
+        int stride = spec.strideBytes();
+        mDescriptor.mFormat = spec.name();
+        mDescriptor.mWidth = spec.width();
+        mDescriptor.mHeight = spec.height();
+        mDescriptor.mRowStrides = spec.format().strides(stride);
+        mDescriptor.mPlaneSizes =
+                spec.format().planeSizes(stride, spec.height(), Math.max(jpegRoom, spec.capacity()));
+        int size = 0;
+        for (int planeSize : mDescriptor.mPlaneSizes) {
+            size += planeSize;
+        }
+        mBytes = allocate(Math.max(1, Math.max(size, spec.capacity()))).order(ByteOrder.LITTLE_ENDIAN);
+    }
+
+    /** Memory for an input, holding the picture. */
+    static ImageBuffer holding(Picture picture, ImageSpec spec) throws ErrnoException {
+        if (spec.format() == PixelFormat.JPEG) {
+            byte[] jpeg = PixelWriter.encodeJpeg(picture);
+            ImageBuffer image = new ImageBuffer(spec, jpeg.length);
+            image.mBytes.put(0, jpeg);
+            return image;
+        }
+        ImageBuffer image = new ImageBuffer(spec, 0);
+        PixelWriter.write(picture, spec, image.mBytes);
+        return image;
+    }
+
+    /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
+    static ImageBuffer empty(ImageSpec spec) throws ErrnoException {
+        int room = spec.capacity() > 0 ? spec.capacity() : spec.width() * spec.height() * 3 / 2 + JPEG_HEADROOM;
+        return new ImageBuffer(spec, room);
+    }
+
+    private ByteBuffer allocate(int size) throws ErrnoException {
+        if (mSpec.hardware()) {
+            mDescriptor.mImageDataHwbuff = hardwareBuffer(size);
+            return mDescriptor.mImageDataHwbuff.mapPixels();
+        }
+        mDescriptor.mImageDataShmem = SharedMemory.create("orlu-image", size);
+        return mDescriptor.mImageDataShmem.mapReadWrite();
+    }
+
+    // The buffer's width is the row's with its padding, since the native side takes the stride from the
+    // description.
+    private HardwareBuffer hardwareBuffer(int size) {
+        int stride = mSpec.strideBytes();
+        int tight = mSpec.format().planeSizes(stride, mSpec.height(), size)[0];
+        boolean plain = size == tight || mSpec.format().isYuv() && size == stride * mSpec.height() * 3 / 2;
+        return switch (plain ? mSpec.format() : PixelFormat.JPEG) {
+            case RAW16, RAW_SENSOR -> buffer(stride / 2, HardwareBuffer.RAW16);
+            case R8G8B8A8 -> buffer(stride / 4, HardwareBuffer.RGBA_8888);
+            case JPEG, MIPI_RAW10 -> HardwareBuffer.create(size, 1, HardwareBuffer.BLOB, 1, usage());
+            default -> buffer(stride, HardwareBuffer.YCBCR_420_888);
+        };
+    }
+
+    private HardwareBuffer buffer(int width, int format) {
+        return HardwareBuffer.create(width, mSpec.height(), format, 1, usage());
+    }
+
+    private static long usage() {
+        return HardwareBuffer.USAGE_CPU_READ_OFTEN | HardwareBuffer.USAGE_CPU_WRITE_OFTEN;
+    }
+
+    ImageSpec spec() {
+        return mSpec;
+    }
+
+    VImageIPC descriptor() {
+        return mDescriptor;
+    }
+
+    ByteBuffer bytes() {
+        return mBytes;
+    }
+
+    @Override
+    public void close() {
+        if (mDescriptor.mImageDataHwbuff != null) {
+            mDescriptor.mImageDataHwbuff.close();
+            return;
+        }
+        SharedMemory.unmap(mBytes);
+        mDescriptor.mImageDataShmem.close();
+    }
+}

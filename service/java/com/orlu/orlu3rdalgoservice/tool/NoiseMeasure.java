@@ -1,0 +1,61 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import java.util.ArrayList;
+import java.util.List;
+
+/** How near the base frame and the result are to the photo, for requests that noise was added to. */
+final class NoiseMeasure {
+    private final RequestReport mReport;
+    private final FrameSetSpec mFrames;
+
+    NoiseMeasure(RequestReport report) {
+        mReport = report;
+        mFrames = report.request.frames();
+    }
+
+    /** A line for each output that shows the base frame's part of the photo. */
+    List<String> lines(List<SynthesisedFrame> frames, List<ImageBuffer> outputs) {
+        List<String> lines = new ArrayList<>();
+        int base = baseFrame();
+        // A frame that was darkened or brightened on purpose has no clean photo to be compared with.
+        if (frames.isEmpty() || !mFrames.hasNoise() || mFrames.frames().get(base).gain() != 1) {
+            return lines;
+        }
+        for (int i = 0; i < outputs.size(); ++i) {
+            String line = line(frames.get(base), OutputReader.of(outputs.get(i)));
+            if (line != null) {
+                lines.add("output " + i + ", " + line);
+            }
+        }
+        return lines;
+    }
+
+    // The frame that the algorithms took as base, by the timestamp that they answer; else the first.
+    private int baseFrame() {
+        Object timestamp = mReport.put.isEmpty() ? null
+                : mReport.put.get(0).get("orlu.feedback.basicFrameTimestamp");
+        for (int i = 0; timestamp != null && i < mFrames.frames().size(); ++i) {
+            if (timestamp.equals(mFrames.frames().get(i).captureResult().get("android.sensor.timestamp"))) {
+                return i;
+            }
+        }
+        return 0;
+    }
+
+    private static String line(SynthesisedFrame base, OutputReader output) {
+        if (output.mosaic() != null) {
+            int bits = output.mosaic().bits();
+            Mosaic clean = Mosaic.of(base.clean(), bits);
+            return line("all samples", Psnr.ofMosaic(clean, Mosaic.of(base.shot(), bits)),
+                    Psnr.ofMosaic(clean, output.mosaic()));
+        }
+        return output.picture() == null ? null : line("luma", Psnr.ofLuma(base.clean(), base.shot()),
+                Psnr.ofLuma(base.clean(), output.picture()));
+    }
+
+    private static String line(String what, double before, double after) {
+        return Double.isNaN(after) ? null
+                : "PSNR of %s against the clean photo: %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
+                        what, before, after, after - before);
+    }
+}

@@ -1,0 +1,73 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+import javax.imageio.ImageIO;
+
+/** Writes a request's output images as files, and the first frame beside them to compare with. */
+final class OutputImages {
+    private final Path mFolder;
+    private final String mName;
+
+    OutputImages(RequestFile request, Path folder) {
+        mFolder = folder;
+        mName = request.file().getFileName().toString().replaceFirst("\\.json$", "");
+    }
+
+    /** Writes what there is to write and answers a line on each image. */
+    List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> outputs) throws IOException {
+        Files.createDirectories(mFolder);
+        List<String> lines = new ArrayList<>();
+        if (!frames.isEmpty()) {
+            Path file = mFolder.resolve(mName + "-frame0.png");
+            ImageIO.write(frames.get(0).shot().toImage(), "png", file.toFile());
+            lines.add(file + " (the first frame as it went in)");
+        }
+        for (int i = 0; i < outputs.size(); ++i) {
+            lines.add(write(OutputReader.of(outputs.get(i)), mName + "-out" + i));
+        }
+        return lines;
+    }
+
+    private String write(OutputReader output, String name) throws IOException {
+        if (output.isUntouched()) {
+            return name + ": not written, nothing was put into the image";
+        }
+        if (output.jpeg() != null) {
+            Path file = mFolder.resolve(name + ".jpg");
+            Files.write(file, output.jpeg());
+            return file + " (" + output.jpeg().length + " bytes)";
+        }
+        if (output.mosaic() != null) {
+            Path file = mFolder.resolve(name + ".pgm");
+            Files.write(file, pgm(output.mosaic()));
+            return file + " (raw mosaic)";
+        }
+        if (output.picture() == null) {
+            return name + ": not written, " + output.problem();
+        }
+        Path file = mFolder.resolve(name + ".png");
+        ImageIO.write(output.picture().toImage(), "png", file.toFile());
+        return file.toString();
+    }
+
+    // Sixteen bits a sample, most significant byte first, as the format asks.
+    private static byte[] pgm(Mosaic mosaic) {
+        String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + Math.max(256, mosaic.white()) + "\n";
+        ByteArrayOutputStream bytes = new ByteArrayOutputStream();
+        bytes.writeBytes(header.getBytes(StandardCharsets.US_ASCII));
+        ByteBuffer samples = ByteBuffer.allocate(mosaic.samples().length * Short.BYTES);
+        for (int sample : mosaic.samples()) {
+            samples.putShort((short) sample);
+        }
+        bytes.writeBytes(samples.array());
+        return bytes.toByteArray();
+    }
+}

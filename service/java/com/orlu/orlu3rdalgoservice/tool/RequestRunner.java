@@ -1,0 +1,138 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.os.SystemProperties;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.Objects;
+
+/** Carries one request through the native library on a client, as the service does, and reports on it. */
+final class RequestRunner {
+    private static final long CALLBACK_MILLISECONDS = 15_000;
+
+    private final ServiceClient mClient;
+    private final TraceReader mTraces;
+    private final Path mOut;
+    private final RequestReport mReport;
+    private final RequestFile mRequest;
+
+    private final List<CaptureResultComposition> mCompositions = new ArrayList<>();
+    private final List<ImageBuffer> mInputs = new ArrayList<>();
+    private final List<ImageBuffer> mOutputs = new ArrayList<>();
+
+    RequestRunner(RequestReport report, ServiceClient client, TraceReader traces, Path out) {
+        mReport = report;
+        mRequest = report.request;
+        mClient = client;
+        mTraces = traces;
+        mOut = out;
+    }
+
+    /** Runs the request on frames made of its photo, which are none when it has no inputs. */
+    void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException {
+        try (CallbackInbox inbox = new CallbackInbox(mClient.clientId())) {
+            mRequest.properties().forEach(SystemProperties::set);
+            makeCompositions();
+            makeImages(frames);
+            process(inbox);
+            mReport.callbacks = inbox.reports();
+            mReport.trace = mTraces.next();
+            mReport.images.addAll(new OutputImages(mRequest, mOut).write(frames, mOutputs));
+            mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, mOutputs));
+        } finally {
+            mInputs.forEach(ImageBuffer::close);
+            mOutputs.forEach(ImageBuffer::close);
+        }
+    }
+
+    private void makeCompositions() {
+        for (FrameSpec frame : mRequest.frames().frames()) {
+            CaptureResultComposition composition = new CaptureResultComposition(frame.captureResult());
+            frame.composition().forEach(composition::putMetadata);
+            mCompositions.add(composition);
+        }
+    }
+
+    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException {
+        for (ImageSpec spec : mRequest.inputs()) {
+            Picture picture = frames.get(spec.frame()).shot();
+            ImageSpec sized = spec.sized(picture.width(), picture.height());
+            mInputs.add(ImageBuffer.holding(picture, sized));
+            mReport.inputs.add(sized);
+        }
+        int width = frames.isEmpty() ? mRequest.frames().width() : frames.get(0).shot().width();
+        int height = frames.isEmpty() ? mRequest.frames().height() : frames.get(0).shot().height();
+        for (ImageSpec spec : mRequest.outputs()) {
+            mOutputs.add(ImageBuffer.empty(spec.sized(width, height)));
+        }
+    }
+
+    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
+        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
+    }
+
+    private void process(CallbackInbox inbox) {
+        Orlu3rdAlgoService service = mClient.service();
+        VRequest request = new VRequest(mRequest.id(), mRequest.type());
+        List<VImageIPC> inputs = descriptors(mInputs);
+        List<VImageIPC> outputs = descriptors(mOutputs);
+        outputs.forEach(image -> mReport.outputsBefore.add(ImageState.of(image)));
+        List<Map<String, Object>> before = snapshots();
+        check("processImage", mReport.stopwatch.time("process",
+                () -> service.processImage(mClient.handle(), request, inputs, outputs, mCompositions)));
+        if (mRequest.fullAsync()) {
+            Long address = mReport.stopwatch.time("wait", () -> inbox.awaitRequest(CALLBACK_MILLISECONDS));
+            if (address == null) {
+                mReport.problems.add("no callback within " + CALLBACK_MILLISECONDS / 1000 + " s");
+            } else {
+                updateResult(service, request, inputs, outputs, address, before);
+            }
+        }
+        outputs.forEach(image -> mReport.outputsAfter.add(ImageState.of(image)));
+        mReport.put.addAll(changes(before));
+    }
+
+    private void updateResult(Orlu3rdAlgoService service, VRequest request, List<VImageIPC> inputs,
+            List<VImageIPC> outputs, Long address, List<Map<String, Object>> before) {
+        mCompositions.get(0).putMetadata("nativeRequestAddr", address);
+        before.get(0).put("nativeRequestAddr", address);
+        check("processImageUpdateResult", mReport.stopwatch.time("update result",
+                () -> service.processImageUpdateResult(mClient.handle(), request, inputs, outputs, mCompositions)));
+    }
+
+    private void check(String call, int status) {
+        if (status != 0) {
+            mReport.problems.add(call + " answered " + status);
+        }
+    }
+
+    private List<Map<String, Object>> snapshots() {
+        return new ArrayList<>(mCompositions.stream().map(CaptureResultComposition::snapshot).toList());
+    }
+
+    // A value put again is another object, so that a key put with the value it had shows as well.
+    private List<Map<String, Object>> changes(List<Map<String, Object>> before) {
+        List<Map<String, Object>> all = new ArrayList<>();
+        for (int i = 0; i < mCompositions.size(); ++i) {
+            Map<String, Object> old = before.get(i);
+            Map<String, Object> changed = new LinkedHashMap<>();
+            mCompositions.get(i).snapshot().forEach((key, value) -> {
+                if (old.get(key) != value) {
+                    changed.put(key, Objects.requireNonNullElse(value, "null"));
+                }
+            });
+            all.add(changed);
+        }
+        return all;
+    }
+}

@@ -1,0 +1,43 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+
+/** One client of the native library, from its creation to its end, with the time of each step. */
+final class ServiceClient {
+    private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
+    private final CaptureResultComposition mParam = new CaptureResultComposition();
+    private final long mClientId;
+    private final long mHandle;
+
+    /** Creates and initialises the client that a request names. */
+    ServiceClient(RequestFile request, Stopwatch stopwatch) {
+        mClientId = request.clientId();
+        mParam.putMetadata("clientId", mClientId);
+        mParam.putMetadata("algoContextIndex", request.algoContextIndex());
+        mHandle = stopwatch.time("create", () -> mService.createNativeClient(mParam));
+        int status = stopwatch.time("init", () -> mService.algoInit(mHandle, mParam));
+        if (mHandle == 0 || status != 0) {
+            throw new IllegalStateException("the native client can't be made: status " + status);
+        }
+    }
+
+    Orlu3rdAlgoService service() {
+        return mService;
+    }
+
+    long handle() {
+        return mHandle;
+    }
+
+    long clientId() {
+        return mClientId;
+    }
+
+    /** Releases and destroys the client, with the image format of its last request. */
+    void end(RequestFile request, Stopwatch stopwatch) {
+        mParam.putMetadata("imageFormat", request.imageFormat());
+        stopwatch.time("release", () -> mService.algoRelease(mHandle, mParam));
+        stopwatch.time("destroy", () -> mService.destroyNativeClient(mHandle));
+    }
+}
