@@ -1,0 +1,106 @@
+package android.hardware;
+
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+
+/** A buffer that hardware can read and write, behind a native handle with real descriptors. */
+public final class HardwareBuffer implements AutoCloseable {
+    public static final int RGBA_8888 = 1;
+    public static final int RAW16 = 0x20;
+    public static final int BLOB = 0x21;
+    public static final int YCBCR_420_888 = 0x23;
+
+    public static final long USAGE_CPU_READ_OFTEN = 3;
+    public static final long USAGE_CPU_WRITE_OFTEN = 3 << 4;
+
+    static {
+        System.loadLibrary("android_runtime");
+    }
+
+    // An AHardwareBuffer with one reference of this object's, read by AHardwareBuffer_fromHardwareBuffer(); 0 when
+    // closed.
+    private long mNativeObject;
+
+    // Also called by native code. Takes the reference over.
+    private HardwareBuffer(long nativeObject) {
+        mNativeObject = nativeObject;
+    }
+
+    /** Makes a buffer: pixels, or for a BLOB as many bytes as its width. */
+    public static HardwareBuffer create(int width, int height, int format, int layers, long usage) {
+        if (width < 1 || height < 1 || layers != 1) {
+            throw new IllegalArgumentException("Invalid size of hardware buffer: " + width + " x " + height);
+        }
+        return checked(nCreate(width, height, format, layers, usage));
+    }
+
+    /**
+     * A buffer around a native handle of any words, of which the first {@code numFds} are descriptors that the buffer
+     * takes over. Only the host has this: it is how odd handles are made.
+     */
+    public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
+        return checked(nFromHandle(width, height, format, numFds, words));
+    }
+
+    public int getWidth() {
+        return describe()[0];
+    }
+
+    public int getHeight() {
+        return describe()[1];
+    }
+
+    public int getFormat() {
+        return describe()[2];
+    }
+
+    public boolean isClosed() {
+        return mNativeObject == 0;
+    }
+
+    /** Maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. Only the host has this. */
+    public ByteBuffer mapPixels() {
+        checkOpen();
+        ByteBuffer pixels = nMapPixels(mNativeObject);
+        if (pixels == null) {
+            throw new IllegalStateException("The pixels can't be mapped");
+        }
+        return pixels.order(ByteOrder.nativeOrder());
+    }
+
+    @Override
+    public void close() {
+        if (mNativeObject != 0) {
+            nRelease(mNativeObject);
+            mNativeObject = 0;
+        }
+    }
+
+    private static HardwareBuffer checked(long nativeObject) {
+        if (nativeObject == 0) {
+            throw new IllegalArgumentException("The hardware buffer can't be made");
+        }
+        return new HardwareBuffer(nativeObject);
+    }
+
+    private int[] describe() {
+        checkOpen();
+        return nDescribe(mNativeObject);
+    }
+
+    private void checkOpen() {
+        if (isClosed()) {
+            throw new IllegalStateException("This HardwareBuffer has been closed");
+        }
+    }
+
+    private static native long nCreate(int width, int height, int format, int layers, long usage);
+
+    private static native long nFromHandle(int width, int height, int format, int numFds, int[] words);
+
+    private static native void nRelease(long nativeObject);
+
+    private static native int[] nDescribe(long nativeObject);
+
+    private static native ByteBuffer nMapPixels(long nativeObject);
+}

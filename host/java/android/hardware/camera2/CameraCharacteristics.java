@@ -1,0 +1,35 @@
+package android.hardware.camera2;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+
+/** What a camera is. */
+public class CameraCharacteristics {
+    private final CameraMetadataNative mProperties;
+
+    public CameraCharacteristics(CameraMetadataNative properties) {
+        mProperties = properties;
+    }
+
+    /** The tag's value as the key's type; null when it is absent. Throws for a tag that no table knows. */
+    public <T> T get(Key<T> key) {
+        return mProperties.get(key.getName(), key.mType);
+    }
+
+    /** A tag's name and the type that its value is asked for in. */
+    public static final class Key<T> {
+        private final String mName;
+        private final Class<T> mType;
+
+        public Key(String name, Class<T> type) {
+            if (name == null || type == null) {
+                throw new NullPointerException("Key needs a name and a type");
+            }
+            mName = name;
+            mType = type;
+        }
+
+        public String getName() {
+            return mName;
+        }
+    }
+}

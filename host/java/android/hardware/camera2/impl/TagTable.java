@@ -1,0 +1,50 @@
+package android.hardware.camera2.impl;
+
+import java.io.BufferedReader;
+import java.io.IOException;
+import java.io.InputStream;
+import java.io.InputStreamReader;
+import java.io.UncheckedIOException;
+import java.nio.charset.StandardCharsets;
+import java.util.Collections;
+import java.util.Map;
+import java.util.Set;
+import java.util.concurrent.ConcurrentSkipListMap;
+
+/** Every tag that the store knows, with its type: the lines of tags.txt, and what was registered since. */
+public final class TagTable {
+    private static final Map<String, TagType> TAGS = load();
+
+    private TagTable() {
+    }
+
+    /** The tag's type; null for a tag that is not known. */
+    public static TagType typeOf(String tag) {
+        return TAGS.get(tag);
+    }
+
+    public static Set<String> names() {
+        return Collections.unmodifiableSet(TAGS.keySet());
+    }
+
+    /** Makes a vendor's tag known, as a camera's own tag descriptor does on the device. */
+    public static void register(String tag, TagType type) {
+        TAGS.put(tag, type);
+    }
+
+    private static Map<String, TagType> load() {
+        Map<String, TagType> tags = new ConcurrentSkipListMap<>();
+        try (InputStream stream = TagTable.class.getResourceAsStream("tags.txt");
+                BufferedReader reader = new BufferedReader(new InputStreamReader(stream, StandardCharsets.UTF_8))) {
+            for (String line = reader.readLine(); line != null; line = reader.readLine()) {
+                if (!line.isBlank() && !line.startsWith("#")) {
+                    String[] words = line.trim().split("\\s+");
+                    tags.put(words[0], TagType.valueOf(words[1]));
+                }
+            }
+        } catch (IOException e) {
+            throw new UncheckedIOException(e);
+        }
+        return tags;
+    }
+}

@@ -1,0 +1,22 @@
+package android.hardware.camera2.params;
+
+import android.graphics.Rect;
+
+/** A face that the camera found, in active-array coordinates. */
+public final class Face {
+    private final Rect mBounds;
+    private final int mScore;
+
+    public Face(Rect bounds, int score) {
+        mBounds = bounds;
+        mScore = score;
+    }
+
+    public Rect getBounds() {
+        return mBounds;
+    }
+
+    public int getScore() {
+        return mScore;
+    }
+}

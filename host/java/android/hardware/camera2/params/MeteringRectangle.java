@@ -1,0 +1,26 @@
+package android.hardware.camera2.params;
+
+import android.graphics.Rect;
+
+/** A region for focus or exposure with its weight, in active-array coordinates. */
+public final class MeteringRectangle {
+    private final Rect mRect;
+    private final int mWeight;
+
+    public MeteringRectangle(Rect rect, int meteringWeight) {
+        mRect = new Rect(rect.left, rect.top, rect.right, rect.bottom);
+        mWeight = meteringWeight;
+    }
+
+    public MeteringRectangle(int x, int y, int width, int height, int meteringWeight) {
+        this(new Rect(x, y, x + width, y + height), meteringWeight);
+    }
+
+    public Rect getRect() {
+        return new Rect(mRect.left, mRect.top, mRect.right, mRect.bottom);
+    }
+
+    public int getMeteringWeight() {
+        return mWeight;
+    }
+}

@@ -1,0 +1,57 @@
+package android.location;
+
+/** Where and when a picture was shot: degrees, metres, milliseconds since 1970. */
+public final class Location {
+    private final String mProvider;
+    private double mLatitude;
+    private double mLongitude;
+    private double mAltitude;
+    private boolean mHasAltitude;
+    private long mTime;
+
+    public Location(String provider) {
+        mProvider = provider;
+    }
+
+    public String getProvider() {
+        return mProvider;
+    }
+
+    public double getLatitude() {
+        return mLatitude;
+    }
+
+    public void setLatitude(double latitude) {
+        mLatitude = latitude;
+    }
+
+    public double getLongitude() {
+        return mLongitude;
+    }
+
+    public void setLongitude(double longitude) {
+        mLongitude = longitude;
+    }
+
+    /** 0 when {@link #hasAltitude()} is false. */
+    public double getAltitude() {
+        return mAltitude;
+    }
+
+    public void setAltitude(double altitude) {
+        mAltitude = altitude;
+        mHasAltitude = true;
+    }
+
+    public boolean hasAltitude() {
+        return mHasAltitude;
+    }
+
+    public long getTime() {
+        return mTime;
+    }
+
+    public void setTime(long time) {
+        mTime = time;
+    }
+}

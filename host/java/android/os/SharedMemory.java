@@ -1,0 +1,89 @@
+package android.os;
+
+import android.system.ErrnoException;
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+
+/** A memory file that crosses to native code by its descriptor. */
+public final class SharedMemory implements AutoCloseable {
+    static {
+        System.loadLibrary("android_runtime");
+    }
+
+    // Read by ASharedMemory_dupFromJava(); -1 when closed.
+    private int mFd;
+    private final int mSize;
+
+    private SharedMemory(int fd, int size) {
+        mFd = fd;
+        mSize = size;
+    }
+
+    /** Makes a file of {@code size} zero bytes, which is at least 1. */
+    public static SharedMemory create(String name, int size) throws ErrnoException {
+        if (size <= 0) {
+            throw new IllegalArgumentException("Size must be greater than zero");
+        }
+        int fd = nCreate(name, size);
+        if (fd < 0) {
+            throw new ErrnoException("SharedMemory.create", -fd);
+        }
+        return new SharedMemory(fd, size);
+    }
+
+    public int getSize() {
+        checkOpen();
+        return mSize;
+    }
+
+    /** The descriptor, which stays this object's. */
+    public int getFd() {
+        return mFd;
+    }
+
+    /** Maps the whole file; {@link #unmap} ends the mapping, which outlives {@link #close}. */
+    public ByteBuffer mapReadWrite() throws ErrnoException {
+        return map(true);
+    }
+
+    /** As {@link #mapReadWrite}, read-only. */
+    public ByteBuffer mapReadOnly() throws ErrnoException {
+        return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
+    }
+
+    /** Ends a mapping. The buffer must not be touched again. */
+    public static void unmap(ByteBuffer mapping) {
+        nUnmap(mapping);
+    }
+
+    @Override
+    public void close() {
+        if (mFd >= 0) {
+            nClose(mFd);
+            mFd = -1;
+        }
+    }
+
+    private ByteBuffer map(boolean writable) throws ErrnoException {
+        checkOpen();
+        ByteBuffer mapping = nMap(mFd, mSize, writable);
+        if (mapping == null) {
+            throw new ErrnoException("SharedMemory.map", 0);
+        }
+        return mapping.order(ByteOrder.nativeOrder());
+    }
+
+    private void checkOpen() {
+        if (mFd < 0) {
+            throw new IllegalStateException("SharedMemory is closed");
+        }
+    }
+
+    private static native int nCreate(String name, int size);
+
+    private static native void nClose(int fd);
+
+    private static native ByteBuffer nMap(int fd, int size, boolean writable);
+
+    private static native void nUnmap(ByteBuffer mapping);
+}
