@@ -7,9 +7,9 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * One frame's metadata: what the camera reported, and over it a map of values of the service's own. The native
- * side asks the map first, and puts its results into it. The entry points' parameter objects are of this class
- * as well.
+ * One frame's metadata: what the camera reported, and over it a map of values of the service's own. The
+ * native side asks the map first, and puts its results into it. The entry points' parameter objects are of
+ * this class as well.
  */
 public final class CaptureResultComposition {
     // Read and stored by the native side.

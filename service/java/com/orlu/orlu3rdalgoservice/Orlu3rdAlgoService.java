@@ -37,10 +37,12 @@ public final class Orlu3rdAlgoService {
     public native void notify(long inst, Object param);
 
     /**
-     * Runs one request: a VRequest, a List of VImageIPC in, one out, and a List of CaptureResultComposition, one
-     * for each frame. With "isFullAsync" set in the first composition it returns before the algorithms are done.
+     * Runs one request: a VRequest, a List of VImageIPC in, one out, and a List of CaptureResultComposition,
+     * one for each frame. With "isFullAsync" set in the first composition it returns before the algorithms
+     * are done.
      */
-    public native int processImage(long inst, Object request, Object inputs, Object outputs, Object compositions);
+    public native int processImage(
+            long inst, Object request, Object inputs, Object outputs, Object compositions);
 
     /** Writes the results of a full-async request, named by "nativeRequestAddr" in the first composition. */
     public native int processImageUpdateResult(

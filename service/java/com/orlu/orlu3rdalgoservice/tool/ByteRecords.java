@@ -8,9 +8,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Builds the bytes of a binary record: a hex text, one packed run of values ({"int32": [...]}), or an object of
- * a size with parts at offsets ({"size": 2080, "parts": [{"at": 2076, "int32": [3]}]}). Little-endian, as the
- * phone is.
+ * Builds the bytes of a binary record: a hex text, one packed run of values ({"int32": [...]}), or an object
+ * of a size with parts at offsets ({"size": 2080, "parts": [{"at": 2076, "int32": [3]}]}). Little-endian, as
+ * the phone is.
  */
 final class ByteRecords {
     private static final int LARGEST = 1 << 20;
@@ -50,12 +50,14 @@ final class ByteRecords {
         int offset = at.integer(0, record.length);
         byte[] bytes = packed(part, members);
         if (bytes.length > record.length - offset) {
-            throw part.error(bytes.length + " bytes at " + offset + " reach past the record's " + record.length);
+            throw part.error(
+                    bytes.length + " bytes at " + offset + " reach past the record's " + record.length);
         }
         System.arraycopy(bytes, 0, record, offset, bytes.length);
     }
 
-    private static byte[] packed(JsonField field, Map<String, JsonField> members) throws RequestFileException {
+    private static byte[] packed(JsonField field, Map<String, JsonField> members)
+            throws RequestFileException {
         if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
             throw field.error("needs exactly one of " + String.join(", ", PACKINGS));
         }

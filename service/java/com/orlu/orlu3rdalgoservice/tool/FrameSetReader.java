@@ -8,8 +8,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Reads "frames" of a request file: a list of frames, or an object with their count, what they have in common,
- * and a list of what is each one's own.
+ * Reads "frames" of a request file: a list of frames, or an object with their count, what they have in
+ * common, and a list of what is each one's own.
  */
 final class FrameSetReader {
     private static final int MOST_FRAMES = 60;
@@ -68,7 +68,8 @@ final class FrameSetReader {
             members = own.members("captureResult", "composition", "noise", "blur", "gain", "shift");
             addTags(members, index, report, composition);
         }
-        return new FrameSpec(report, composition, members.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
+        return new FrameSpec(report, composition,
+                members.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
                 members.number("blur", 0, 20, ofFrame(set, "blur", index, 20, 0)),
                 members.number("gain", 0, 100, ofFrame(set, "gain", index, 100, 1)), shift(members));
     }

@@ -48,8 +48,8 @@ final class ImageBuffer implements AutoCloseable {
 
     /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
     static ImageBuffer empty(ImageSpec spec) throws ErrnoException {
-        int room = spec.capacity() > 0 ? spec.capacity() : spec.width() * spec.height() * 3 / 2 + JPEG_HEADROOM;
-        return new ImageBuffer(spec, room);
+        int usual = spec.width() * spec.height() * 3 / 2 + JPEG_HEADROOM;
+        return new ImageBuffer(spec, spec.capacity() > 0 ? spec.capacity() : usual);
     }
 
     private ByteBuffer allocate(int size) throws ErrnoException {
@@ -97,11 +97,11 @@ final class ImageBuffer implements AutoCloseable {
 
     @Override
     public void close() {
+        SharedMemory.unmap(mBytes);
         if (mDescriptor.mImageDataHwbuff != null) {
             mDescriptor.mImageDataHwbuff.close();
-            return;
+        } else {
+            mDescriptor.mImageDataShmem.close();
         }
-        SharedMemory.unmap(mBytes);
-        mDescriptor.mImageDataShmem.close();
     }
 }

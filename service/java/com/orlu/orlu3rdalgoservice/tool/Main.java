@@ -9,8 +9,8 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * The command behind ./run. Exit status: 0 when all went through, 1 when a request failed on its way, 2 when the
- * command line or a request file can't be taken.
+ * The command behind ./run. Exit status: 0 when all went through, 1 when a request failed on its way, 2 when
+ * the command line or a request file can't be taken.
  */
 public final class Main {
     private static final int FAILED = 1;

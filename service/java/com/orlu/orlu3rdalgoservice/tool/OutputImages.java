@@ -60,7 +60,9 @@ final class OutputImages {
 
     // Sixteen bits a sample, most significant byte first, as the format asks.
     private static byte[] pgm(Mosaic mosaic) {
-        String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + Math.max(256, mosaic.white()) + "\n";
+        // A white below 256 would mean one byte a sample.
+        int white = Math.max(256, mosaic.white());
+        String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + white + "\n";
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
         bytes.writeBytes(header.getBytes(StandardCharsets.US_ASCII));
         ByteBuffer samples = ByteBuffer.allocate(mosaic.samples().length * Short.BYTES);

@@ -61,7 +61,8 @@ final class ParameterFormatter {
             case TEXT -> text();
             case COUNT -> Integer.toString(intAt(0));
             case RECT -> rect(0);
-            case CROP -> "left %d top %d width %d height %d".formatted(intAt(0), intAt(4), intAt(8), intAt(12));
+            case CROP -> "left %d top %d width %d height %d".formatted(
+                    intAt(0), intAt(4), intAt(8), intAt(12));
             case SENSOR_CROP -> "left %d right %d top %d bottom %d flag %d".formatted(
                     intAt(0), intAt(4), intAt(8), intAt(12), mBytes.get(16));
             case FACES -> faces();
@@ -137,10 +138,12 @@ final class ParameterFormatter {
                 + ", aperture " + number(floatAt(16)) + ", sensitivity " + intAt(20)
                 + ", zoom " + number(floatAt(24)) + ", focal length " + number(floatAt(36)) + " mm, in 35 mm "
                 + (intAt(32) == 0 ? "none" : number(floatAt(28)))
-                + ", flash mode " + intAt(40) + ", flash state " + optional(132, 44) + ", AWB mode " + intAt(48)
+                + ", flash mode " + intAt(40) + ", flash state " + optional(132, 44)
+                + ", AWB mode " + intAt(48)
                 + ", scene mode " + intAt(52) + ", AE mode " + intAt(56) + ", AE compensation " + intAt(60)
                 + " steps of " + intAt(136) + "/" + intAt(140) + ", filter " + intAt(64) + " intensity "
-                + number(floatAt(68)) + " mask " + intAt(72) + ", timestamp " + mBytes.getLong(80) + ", location "
+                + number(floatAt(68)) + " mask " + intAt(72) + ", timestamp " + mBytes.getLong(80)
+                + ", location "
                 + (intAt(128) == 0 ? "none" : location());
     }
 
@@ -150,12 +153,13 @@ final class ParameterFormatter {
 
     private String location() {
         return number(mBytes.getDouble(88)) + ", " + number(mBytes.getDouble(96)) + ", altitude "
-                + (intAt(120) == 0 ? "none" : number(mBytes.getDouble(104))) + ", time " + mBytes.getLong(112);
+                + (intAt(120) == 0 ? "none" : number(mBytes.getDouble(104)))
+                + ", time " + mBytes.getLong(112);
     }
 
     private String phaseDetection() {
-        return "header [%d, %d, %d, %d], %d pairs, first (%d, %d)".formatted(intAt(0), intAt(4), intAt(8), intAt(12),
-                intAt(16), intAt(20), intAt(24));
+        return "header [%d, %d, %d, %d], %d pairs, first (%d, %d)".formatted(
+                intAt(0), intAt(4), intAt(8), intAt(12), intAt(16), intAt(20), intAt(24));
     }
 
     private String hex() {

@@ -3,7 +3,10 @@ package com.orlu.orlu3rdalgoservice.tool;
 import java.util.HashMap;
 import java.util.Map;
 
-/** What each known parameter's bytes are, one line a key. Sections in their own methods, keys in alphabetical order. */
+/**
+ * What each known parameter's bytes are, one line a key. Sections in their own methods, keys in alphabetical
+ * order.
+ */
 final class ParameterTypes {
     private static final String PREFIX = "orlu.algo.";
     private static final Map<String, ParameterType> TYPES = new HashMap<>();

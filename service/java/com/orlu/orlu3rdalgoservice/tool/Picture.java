@@ -5,7 +5,9 @@ import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
 import java.util.Random;
 
-/** A colour picture of red, green and blue from 0 to 255, with fractions so that noise and blur lose nothing. */
+/**
+ * A colour picture of red, green and blue from 0 to 255, with fractions so that noise and blur lose nothing.
+ */
 final class Picture {
     static final int CHANNELS = 3;
     static final float WHITE = 255;
@@ -72,7 +74,8 @@ final class Picture {
     Picture scaledTo(int width, int height) {
         BufferedImage scaled = new BufferedImage(width, height, BufferedImage.TYPE_INT_RGB);
         Graphics2D graphics = scaled.createGraphics();
-        graphics.setRenderingHint(RenderingHints.KEY_INTERPOLATION, RenderingHints.VALUE_INTERPOLATION_BICUBIC);
+        graphics.setRenderingHint(
+                RenderingHints.KEY_INTERPOLATION, RenderingHints.VALUE_INTERPOLATION_BICUBIC);
         graphics.drawImage(toImage(), 0, 0, width, height, null);
         graphics.dispose();
         return of(scaled);

@@ -60,7 +60,9 @@ enum PixelFormat {
         return isYuv() ? new int[] {stride * height, stride * height / 2} : new int[] {stride * height};
     }
 
-    /** The number that the platform has for this format, as the service is told it when it releases a client. */
+    /**
+     * The number that the platform has for this format, as the service is told it when it releases a client.
+     */
     int platformCode() {
         return switch (this) {
             case MIPI_RAW10 -> 37;

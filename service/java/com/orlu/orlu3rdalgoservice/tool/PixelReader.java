@@ -66,7 +66,8 @@ final class PixelReader {
 
     /** The samples of a raw image. */
     static Mosaic readMosaic(ImageSpec spec, ByteBuffer from) {
-        Mosaic mosaic = new Mosaic(spec.width(), spec.height(), spec.bits(), new int[spec.width() * spec.height()]);
+        Mosaic mosaic = new Mosaic(
+                spec.width(), spec.height(), spec.bits(), new int[spec.width() * spec.height()]);
         for (int y = 0; y < spec.height(); ++y) {
             for (int x = 0; x < spec.width(); ++x) {
                 mosaic.samples()[y * spec.width() + x] = spec.format() == PixelFormat.MIPI_RAW10

@@ -10,7 +10,10 @@ import javax.imageio.ImageWriteParam;
 import javax.imageio.ImageWriter;
 import javax.imageio.stream.ImageOutputStream;
 
-/** Writes a picture into memory in one of the formats. Chroma is that of JPEG files, one value for four pixels. */
+/**
+ * Writes a picture into memory in one of the formats. Chroma is that of JPEG files, one value for four
+ * pixels.
+ */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;

@@ -23,8 +23,8 @@ final class RequestFileReader {
     }
 
     private RequestFile root(JsonField field) throws RequestFileException {
-        JsonMembers members = field.members("about", "request", "client", "properties", "algorithms", "fullAsync",
-                "photo", "frames", "inputs", "outputs");
+        JsonMembers members = field.members("about", "request", "client", "properties", "algorithms",
+                "fullAsync", "photo", "frames", "inputs", "outputs");
         JsonMembers request = members.require("request").members("id", "type");
         boolean fullAsync = members.bool("fullAsync", false);
         FrameSetSpec frames = FrameSetReader.read(members.require("frames"));
@@ -34,15 +34,18 @@ final class RequestFileReader {
         List<ImageSpec> outputs = images.outputs(members.require("outputs"));
         JsonMembers client = client(members);
         return new RequestFile(mFile, members.string("about", ""),
-                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), request.string("type", "capture"),
+                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE),
+                request.string("type", "capture"),
                 client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
                 client.integer("algoContextIndex", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
                 client.integer("imageFormat", 0, Integer.MAX_VALUE, releaseFormat(inputs)),
-                properties(members), fullAsync, photo(members, field, !inputs.isEmpty()), frames, inputs, outputs);
+                properties(members), fullAsync, photo(members, field, !inputs.isEmpty()), frames, inputs,
+                outputs);
     }
 
     private static JsonMembers client(JsonMembers members) throws RequestFileException {
-        return members.has("client") ? members.get("client").members("clientId", "algoContextIndex", "imageFormat")
+        return members.has("client")
+                ? members.get("client").members("clientId", "algoContextIndex", "imageFormat")
                 : new JsonMembers(null, Map.of());
     }
 

@@ -107,7 +107,8 @@ final class RequestRunner {
         mCompositions.get(0).putMetadata("nativeRequestAddr", address);
         before.get(0).put("nativeRequestAddr", address);
         check("processImageUpdateResult", mReport.stopwatch.time("update result",
-                () -> service.processImageUpdateResult(mClient.handle(), request, inputs, outputs, mCompositions)));
+                () -> service.processImageUpdateResult(
+                        mClient.handle(), request, inputs, outputs, mCompositions)));
     }
 
     private void check(String call, int status) {

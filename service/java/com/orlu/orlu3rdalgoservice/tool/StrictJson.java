@@ -21,7 +21,9 @@ import java.nio.file.Path;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Reads a whole JSON file. What Gson's own tree reader lets pass, such as a field given twice, is an error. */
+/**
+ * Reads a whole JSON file. What Gson's own tree reader lets pass, such as a field given twice, is an error.
+ */
 final class StrictJson {
     private static final Pattern PLACE = Pattern.compile("line (\\d+) column (\\d+)");
     // Deep enough for any request; deeper, and the recursion below would end in a stack overflow.

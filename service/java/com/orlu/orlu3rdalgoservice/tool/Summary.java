@@ -82,8 +82,8 @@ final class Summary {
 
     private static String description(ImageState image) {
         Map<String, String> fields = image.fields();
-        return fields.get("format") + " " + fields.get("width") + "x" + fields.get("height") + ", plane sizes "
-                + fields.get("plane sizes");
+        return fields.get("format") + " " + fields.get("width") + "x" + fields.get("height")
+                + ", plane sizes " + fields.get("plane sizes");
     }
 
     private void printAlgorithms() {
@@ -112,7 +112,8 @@ final class Summary {
             AlgorithmPass.Frame frame = frames.get(i);
             lines.add("frame %d%s%s%s".formatted(i,
                     Double.isNaN(frame.sharpness()) ? "" : "  sharpness %.2f".formatted(frame.sharpness()),
-                    frame.shift() == null ? "" : "  moved by (%d, %d)".formatted(frame.shift()[0], frame.shift()[1]),
+                    frame.shift() == null ? ""
+                            : "  moved by (%d, %d)".formatted(frame.shift()[0], frame.shift()[1]),
                     frame.kept() ? "  kept" : "  dropped"));
         }
         return lines;

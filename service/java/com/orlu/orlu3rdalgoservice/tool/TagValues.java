@@ -5,7 +5,9 @@ import android.hardware.camera2.impl.TagType;
 
 import java.util.Map;
 
-/** Turns a field of "captureResult" or "composition" into the Java object that stands for it on the device. */
+/**
+ * Turns a field of "captureResult" or "composition" into the Java object that stands for it on the device.
+ */
 final class TagValues {
     private TagValues() {
     }
@@ -19,7 +21,9 @@ final class TagValues {
         return typed(type, field, new ValueReader(frame));
     }
 
-    /** The value of a composition's key: its tag's type, an explicit one, or the one that the JSON suggests. */
+    /**
+     * The value of a composition's key: its tag's type, an explicit one, or the one that the JSON suggests.
+     */
     static Object ofKey(String key, JsonField field, int frame) throws RequestFileException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);
@@ -30,7 +34,8 @@ final class TagValues {
         return type != null ? typed(type, field, reader) : plain(field);
     }
 
-    private static Object typed(TagType type, JsonField field, ValueReader reader) throws RequestFileException {
+    private static Object typed(TagType type, JsonField field, ValueReader reader)
+            throws RequestFileException {
         return switch (type) {
             case INT -> reader.integer(field);
             case LONG -> reader.longInteger(field);

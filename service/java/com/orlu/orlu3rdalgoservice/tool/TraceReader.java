@@ -15,8 +15,8 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * Reads what the algorithm library writes about its work: JSON lines in the file that ORLU_ALGO_TRACE names. Only
- * the stand-in writes them; with any other library there is nothing to read.
+ * Reads what the algorithm library writes about its work: JSON lines in the file that ORLU_ALGO_TRACE names.
+ * Only the stand-in writes them; with any other library there is nothing to read.
  */
 final class TraceReader {
     /** The environment variable that names the file. */
@@ -47,7 +47,7 @@ final class TraceReader {
             return List.of();
         }
         try (RandomAccessFile file = new RandomAccessFile(mFile.toFile(), "r")) {
-            byte[] bytes = new byte[(int) Math.min(Integer.MAX_VALUE - 8, Math.max(0, file.length() - mRead))];
+            byte[] bytes = new byte[Math.toIntExact(Math.max(0, file.length() - mRead))];
             file.seek(mRead);
             file.readFully(bytes);
             String text = new String(bytes, StandardCharsets.ISO_8859_1);
@@ -61,15 +61,20 @@ final class TraceReader {
         try {
             JsonObject object = new Gson().fromJson(line, JsonObject.class);
             switch (object.get("op").getAsString()) {
-                case "setValue" -> trace.parameters.add(new Parameter(object.get("section").getAsString(),
-                        object.get("key").getAsString(), HexFormat.of().parseHex(object.get("hex").getAsString())));
+                case "setValue" -> trace.parameters.add(parameter(object));
                 case "process" -> trace.algorithms = strings(object.getAsJsonArray("algoList"));
                 case "done" -> trace.pass = pass(object);
                 default -> { }
             }
-        } catch (JsonParseException | IllegalStateException | IllegalArgumentException | NullPointerException e) {
-            throw new IllegalStateException("the trace of the algorithm library has an odd line: " + line, e);
+        } catch (JsonParseException | IllegalStateException | IllegalArgumentException
+                | NullPointerException e) {
+            throw new IllegalStateException("the algorithm library's trace has an odd line: " + line, e);
         }
+    }
+
+    private static Parameter parameter(JsonObject object) {
+        return new Parameter(object.get("section").getAsString(), object.get("key").getAsString(),
+                HexFormat.of().parseHex(object.get("hex").getAsString()));
     }
 
     private static List<String> strings(JsonArray array) {
@@ -87,8 +92,8 @@ final class TraceReader {
                 frames.add(frame(frame.getAsJsonObject()));
             }
         }
-        return new AlgorithmPass(strings(object.getAsJsonArray("ran")), object.get("milliseconds").getAsDouble(),
-                frames);
+        return new AlgorithmPass(
+                strings(object.getAsJsonArray("ran")), object.get("milliseconds").getAsDouble(), frames);
     }
 
     private static AlgorithmPass.Frame frame(JsonObject frame) {
@@ -97,7 +102,8 @@ final class TraceReader {
             JsonArray xy = frame.getAsJsonArray("shift");
             shift = new int[] {xy.get(0).getAsInt(), xy.get(1).getAsInt()};
         }
-        return new AlgorithmPass.Frame(frame.has("sharpness") ? frame.get("sharpness").getAsDouble() : Double.NaN,
-                shift, !frame.has("kept") || frame.get("kept").getAsBoolean());
+        double sharpness = frame.has("sharpness") ? frame.get("sharpness").getAsDouble() : Double.NaN;
+        return new AlgorithmPass.Frame(sharpness, shift,
+                !frame.has("kept") || frame.get("kept").getAsBoolean());
     }
 }

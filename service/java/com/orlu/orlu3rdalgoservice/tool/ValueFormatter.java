@@ -25,7 +25,8 @@ final class ValueFormatter {
         for (int i = 0; i < Math.min(length, ELEMENTS); ++i) {
             parts.add(String.valueOf(Array.get(value, i)));
         }
-        return "[" + String.join(", ", parts) + (length > ELEMENTS ? ", ... " + length + " in all" : "") + "]";
+        String rest = length > ELEMENTS ? ", ... " + length + " in all" : "";
+        return "[" + String.join(", ", parts) + rest + "]";
     }
 
     /** Whole. Numbers that JSON has no form for (NaN, infinity) and objects become texts. */
