@@ -2,7 +2,7 @@
 
 # What building takes: compiler, build tools, JDK, and the libraries of the host layer and the tests.
 readonly build_packages=(
-  cmake ninja-build g++ openjdk-17-jdk-headless
+  cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
 )
 

@@ -16,7 +16,7 @@ final class NoiseMeasure {
     /** A line for each output that shows the base frame's part of the photo. */
     List<String> lines(List<SynthesisedFrame> frames, List<ImageBuffer> outputs) {
         List<String> lines = new ArrayList<>();
-        int base = baseFrame();
+        int base = mReport.baseFrame();
         // A frame that was darkened or brightened on purpose has no clean photo to be compared with.
         if (frames.isEmpty() || !mFrames.hasNoise() || mFrames.frames().get(base).gain() != 1) {
             return lines;
@@ -28,18 +28,6 @@ final class NoiseMeasure {
             }
         }
         return lines;
-    }
-
-    // The frame that the algorithms took as base, by the timestamp that they answer; else the first.
-    private int baseFrame() {
-        Object timestamp = mReport.put.isEmpty() ? null
-                : mReport.put.get(0).get("orlu.feedback.basicFrameTimestamp");
-        for (int i = 0; timestamp != null && i < mFrames.frames().size(); ++i) {
-            if (timestamp.equals(mFrames.frames().get(i).captureResult().get("android.sensor.timestamp"))) {
-                return i;
-            }
-        }
-        return 0;
     }
 
     private static String line(SynthesisedFrame base, OutputReader output) {

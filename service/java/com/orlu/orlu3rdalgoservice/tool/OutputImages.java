@@ -11,14 +11,16 @@ import java.util.List;
 
 import javax.imageio.ImageIO;
 
-/** Writes a request's output images as files, and the first frame beside them to compare with. */
+/** Writes a request's output images as files, and the base frame beside them to compare with. */
 final class OutputImages {
     private final Path mFolder;
     private final String mName;
+    private final int mBase;
 
-    OutputImages(RequestFile request, Path folder) {
+    OutputImages(RequestReport report, Path folder) {
         mFolder = folder;
-        mName = request.file().getFileName().toString().replaceFirst("\\.json$", "");
+        mBase = report.baseFrame();
+        mName = report.request.file().getFileName().toString().replaceFirst("\\.json$", "");
     }
 
     /** Writes what there is to write and answers a line on each image. */
@@ -26,9 +28,9 @@ final class OutputImages {
         Files.createDirectories(mFolder);
         List<String> lines = new ArrayList<>();
         if (!frames.isEmpty()) {
-            Path file = mFolder.resolve(mName + "-frame0.png");
-            ImageIO.write(frames.get(0).shot().toImage(), "png", file.toFile());
-            lines.add(file + " (the first frame as it went in)");
+            Path file = mFolder.resolve(mName + "-base.png");
+            ImageIO.write(frames.get(mBase).shot().toImage(), "png", file.toFile());
+            lines.add(file + " (frame " + mBase + " as it went in)");
         }
         for (int i = 0; i < outputs.size(); ++i) {
             lines.add(write(OutputReader.of(outputs.get(i)), mName + "-out" + i));

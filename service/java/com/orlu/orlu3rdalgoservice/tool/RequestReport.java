@@ -36,4 +36,16 @@ final class RequestReport {
         Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
         return list instanceof String[] names ? List.of(names) : List.of();
     }
+
+    /** The frame that the algorithms took as base, by the timestamp that they answer; else the first. */
+    int baseFrame() {
+        Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
+        List<FrameSpec> frames = request.frames().frames();
+        for (int i = 0; timestamp != null && i < frames.size(); ++i) {
+            if (timestamp.equals(frames.get(i).captureResult().get("android.sensor.timestamp"))) {
+                return i;
+            }
+        }
+        return 0;
+    }
 }

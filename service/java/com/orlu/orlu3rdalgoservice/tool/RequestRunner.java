@@ -47,7 +47,7 @@ final class RequestRunner {
             process(inbox);
             mReport.callbacks = inbox.reports();
             mReport.trace = mTraces.next();
-            mReport.images.addAll(new OutputImages(mRequest, mOut).write(frames, mOutputs));
+            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, mOutputs));
             mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, mOutputs));
         } finally {
             mInputs.forEach(ImageBuffer::close);

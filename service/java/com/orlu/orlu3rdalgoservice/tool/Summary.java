@@ -51,7 +51,8 @@ final class Summary {
             line("", synthesis(request));
         }
         lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
-        line("frames", request.frames().frames().size() + " capture results");
+        int frames = request.frames().frames().size();
+        line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
 
     private static String images(List<ImageSpec> images) {
@@ -127,7 +128,8 @@ final class Summary {
             }
         }
         lines("put", put.isEmpty() ? List.of("nothing") : put);
-        lines("changed", changes());
+        List<String> changes = changes();
+        lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
         lines("callback", mReport.callbacks.stream().map(Summary::callback).toList());
     }
 
