@@ -9,7 +9,13 @@ if(debian_jdk)
   list(GET debian_jdk 0 JAVA_HOME)
 endif()
 find_package(Java 17 REQUIRED COMPONENTS Development)
-find_package(JNI REQUIRED COMPONENTS JVM)
+if(CMAKE_CROSSCOMPILING)
+  # Headers are the same on every machine; the VM is the target's.
+  set(JNI_INCLUDE_DIRS ${JAVA_HOME}/include ${JAVA_HOME}/include/linux)
+  file(GLOB JAVA_JVM_LIBRARY ${ORLU_ARM_ROOT}/usr/lib/jvm/java-17-openjdk-armhf/lib/server/libjvm.so)
+else()
+  find_package(JNI REQUIRED COMPONENTS JVM)
+endif()
 find_package(Threads REQUIRED)
 
 add_library(orlu_options INTERFACE)
@@ -17,7 +23,7 @@ target_compile_options(orlu_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   # One rounding for each operation, on every machine.
   -ffp-contract=off)
-target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags LINKER:-rpath,$ORIGIN LINKER:--no-undefined)
+target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags LINKER:--no-undefined)
 
 if(ORLU_SANITIZE)
   target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)

@@ -46,6 +46,32 @@ static_assert(sizeof(_tagOrluFaceInfo) == 204);
 static_assert(offsetof(_tagOrluFaceInfo, rects) == 4);
 static_assert(offsetof(_tagOrluFaceInfo, orientations) == 164);
 
+struct PdafPair {
+  int32_t first = 0;
+  int32_t second = 0;
+};
+
+// Phase-detection data as the algorithms take it. The count is the camera's, and may be past the table.
+struct PdafInfo {
+  static constexpr int kPairs = 256;
+
+  int32_t header[4] = {};
+  int32_t count = 0;
+  PdafPair pairs[kPairs];
+};
+static_assert(sizeof(PdafInfo) == 2068);
+static_assert(offsetof(PdafInfo, count) == 16);
+static_assert(offsetof(PdafInfo, pairs) == 20);
+
+// The same as the sensor attaches it to a frame.
+struct SensorPdafInfo {
+  PdafInfo info;
+  uint8_t reserved2068[8] = {};
+  int32_t type = 0;
+};
+static_assert(sizeof(SensorPdafInfo) == 2080);
+static_assert(offsetof(SensorPdafInfo, type) == 2076);
+
 struct GpsLocation {
   double latitude = 0;    // degrees
   double longitude = 0;   // degrees

@@ -123,14 +123,18 @@ void MetadataUpdater::updateMetadata() {
   write<int32_t>(kControl, "is_call_from_app", 1);
   // An application that only updates its watermark wants nothing else, deliberately.
   if (updateWatermarkData() != 0) return;
-  // Common tags are read here, before the master frames are known.
+  updateCommonTags();  // before the master frames are known, and meant so
   getMasterFrames();
   updateFromCameraCharacteristics();
-  // The HDR process type is chosen here.
+  updateHdrProcessType();
   updateSat();
-  // Raw or YUV input parameters are read here.
+  if (isRawFormat() != 0) {
+    updateRawFormat();
+  } else {
+    updateYuvFormat();
+  }
   updateAlgoType();
-  // Debug parameters are read here.
+  updateDebug();
   convertMetadata();
 }
 

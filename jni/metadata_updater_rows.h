@@ -12,16 +12,9 @@
 
 #include "algo_list.h"
 #include "metadata_updater.h"
+#include "parameter_sections.h"
 
 namespace orlu {
-
-// Sections of the parameter set.
-constexpr char kControl[] = "orlu.algo.control";      // control inputs of this request
-constexpr char kParameter[] = "orlu.algo.parameter";  // algorithm parameters
-constexpr char kSensor[] = "orlu.algo.sensor";        // sensor and camera facts
-constexpr char kFeedback[] = "orlu.algo.feedback";    // what the algorithms report back
-constexpr char kSystem[] = "orlu.algo.system";        // facts that all algorithms share
-constexpr char kZoom[] = "orlu.algo.zoom";            // zoom ratios
 
 template <size_t N>
 using Ints = std::array<int32_t, N>;
@@ -59,12 +52,27 @@ enum AecElement : size_t {
   kAecAdrcGain = 6,
   kAecDarkBoostGain = 7,
   kAecIspGain = 8,
+  kAecShortSensitivity = 9,
+  kAecSafeSensitivity = 10,
+  kAecLongSensitivity = 11,
+  kAecSensorGainShort = 12,
+  kAecIspGainShort = 13,
   kAecExposureTime = 14,  // nanoseconds
+  kAecSensorGainNormal = 15,
+  kAecIspGainNormal = 16,
+  kAecExposureTimeNormal = 17,  // nanoseconds
+  kAecAdrcGainNormal = 18,
+  kAecExposureSensitivityRatio = 19,
+  kAecExposureTimeRatio = 20,
+  kAecExposureGainRatio = 21,
   kAecSize = 22
 };
-using Aec = Floats<kAecSize>;
+static_assert(std::tuple_size_v<Aec> == kAecSize);
 constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
+
+// The tag of the few lines that are written whatever the log level.
+constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 // Float to integer as the ARM instruction converts: saturating, NaN to 0.
 int32_t toInt(float value);

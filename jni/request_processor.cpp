@@ -1,0 +1,202 @@
+// The life of a client: everything but its images, which are request_processor_image.cpp.
+
+#include "request_processor.h"
+
+#include <android/sharedmem_jni.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "jni_support.h"
+#include "log.h"
+#include "parameter_sections.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
+
+AlgoNativeClient* clientOf(int64_t inst) {
+  return reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(inst));
+}
+
+void* printable(int64_t inst) {
+  return clientOf(inst);
+}
+
+// A string of the parameter object in a buffer of fixed size, zero-padded, perhaps without a terminating
+// zero.
+template <size_t N>
+struct StringParameter {
+  StringParameter(CameraMetadataParser& parser, const char* key, jobject param)
+      : found(parser.getStringOrlu(data.data(), static_cast<int>(N), key, param) == 0) {}
+
+  std::string text() const { return {data.begin(), std::find(data.begin(), data.end(), '\0')}; }
+
+  std::array<char, N> data = {};
+  bool found;
+};
+
+// The modes of AlgoNativeContext::uninit().
+enum ReleaseMode { kModeUnknownFormat = 0, kModeProcessed = 1, kModeRaw = 2 };
+
+// android.graphics.ImageFormat's RAW_SENSOR and RAW10.
+constexpr int32_t kAndroidRawSensor = 0x20;
+constexpr int32_t kAndroidRaw10 = 0x25;
+
+ReleaseMode releaseMode(bool formatFound, int32_t format) {
+  if (!formatFound) return kModeUnknownFormat;
+  return format == kAndroidRawSensor || format == kAndroidRaw10 ? kModeRaw : kModeProcessed;
+}
+
+// Stores what "AbortKey" and "AbortVal" say into the block. True when they name something that can be
+// aborted.
+bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& context, void* metadata) {
+  constexpr char kFrameFlag[] = "orlu.control.frameFlag";
+  StringParameter<128> key(parser, "AbortKey", param);
+  if (key.found) context.setValue(metadata, kControl, "abort_key", key.data.data(), key.data.size());
+
+  bool valid = false;
+  int64_t value = 0;
+  // Only the beginning counts, so that a longer key matches as well.
+  if (std::memcmp(key.data.data(), kFrameFlag, sizeof kFrameFlag - 1) == 0 &&
+      parser.getLongOrlu(value, "AbortVal", param) == 0) {
+    context.setValue(metadata, kControl, "abort_val", &value, sizeof value);
+    valid = true;
+  }
+  LOGD("abort key %s no error %d", key.text().c_str(), valid ? 1 : 0);
+  return valid;
+}
+
+}  // namespace
+
+int64_t RequestProcessor::create(JNIEnv* env, jobject param) {
+  LOGD("create E");
+  CameraMetadataParser parser(env);
+  int32_t algoContextIndex = -1;
+  int64_t clientId = -1;
+  parser.getIntOrlu(algoContextIndex, "algoContextIndex", param);
+  parser.getLongOrlu(clientId, "clientId", param);
+  auto* client = new AlgoNativeClient(env, clientId, algoContextIndex);
+  LOGD("create X, inst %p, clientId %lld, index %d", static_cast<void*>(client),
+       static_cast<long long>(clientId), algoContextIndex);
+  return static_cast<int64_t>(reinterpret_cast<uintptr_t>(client));
+}
+
+int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
+  if (inst == 0) {
+    LOGE("destroy native client failed, client is null!");
+    return -1;
+  }
+  AlgoNativeClient* const client = clientOf(inst);
+  LOGD("destroy E, %p", printable(inst));
+  LOGD("destroy flush, %p", printable(inst));
+  client->context().flush();
+  LOGD("destroy uninit, %p", printable(inst));
+  client->context().uninit(0);
+  delete client;
+  LOGD("destroy X");
+  return 0;
+}
+
+int RequestProcessor::init(JNIEnv* /*env*/, int64_t inst, jobject /*object*/) {
+  if (inst == 0) {
+    LOGE("init failed, client is null!");
+    return -1;
+  }
+  LOGD("init E, %p", printable(inst));
+  clientOf(inst)->context().init();
+  LOGD("init X");
+  return 0;
+}
+
+int RequestProcessor::release(JNIEnv* env, int64_t inst, jobject param) {
+  LOGD("release E, %p", printable(inst));
+  CameraMetadataParser parser(env);
+  int32_t format = 0;
+  const bool found = parser.getIntOrlu(format, "imageFormat", param) == 0;
+  LOGD("release format: %d", format);
+  if (inst == 0) {
+    LOGE("release failed, client is null!");
+    return -1;
+  }
+  clientOf(inst)->context().uninit(releaseMode(found, format));
+  LOGD("release X");
+  return 0;
+}
+
+int RequestProcessor::flush(JNIEnv* /*env*/, int64_t inst, jobject /*a*/, jobject /*b*/) {
+  if (inst == 0) {
+    LOGE("flush failed, client is null!");
+    return -1;
+  }
+  LOGD("flush E, %p", printable(inst));
+  clientOf(inst)->context().flush();
+  LOGD("flush X");
+  return 0;
+}
+
+int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, jobject param) {
+  LOGD("abort E, %p", printable(inst));
+  if (inst == 0) {
+    LOGE("abort failed, client is null!");
+    return -1;
+  }
+  CameraMetadataParser parser(env);
+  AlgoNativeContext& context = clientOf(inst)->context();
+  void* const metadata = context.createMetadata();
+  if (readAbort(parser, param, context, metadata)) context.abort(0, 0, metadata);
+  context.destroyMetadata(metadata);
+  LOGD("abort X");
+  return 0;
+}
+
+jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
+  if (inst == 0 || param == nullptr) {
+    LOGE("get data failed, input is null %p %p", printable(inst), static_cast<void*>(param));
+    return nullptr;
+  }
+  CameraMetadataParser parser(env);
+  const std::string cmd = StringParameter<1024>(parser, "cmd", param).text();
+  LOGD("cmd %s", cmd.c_str());
+  const std::vector<uint8_t> data = clientOf(inst)->context().getData(cmd);
+  const std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
+  LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
+  if (data.empty()) return nullptr;
+  jstring answer = env->NewStringUTF(text.c_str());
+  return clearException(env) ? nullptr : answer;
+}
+
+int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
+  if (inst == 0) {
+    // The other function's words and a debug line, deliberately.
+    LOGD("get data failed, input is null, %p", printable(inst));
+    return -1;
+  }
+  const int fd = ASharedMemory_dupFromJava(env, sharedMemory);
+  const int size = static_cast<int>(ASharedMemory_getSize(fd));
+  CameraMetadataParser parser(env);
+  const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
+  LOGD("translateParamFiles filefd %d, bufferSize %d algoFlag %s", fd, size, identifier.c_str());
+  clientOf(inst)->context().translateParamFile(fd, size, identifier);
+  // Descriptor 0 deliberately stays open.
+  if (fd >= 1) close(fd);
+  LOGD("translateParamFiles end");
+  return 0;
+}
+
+void RequestProcessor::notify(JNIEnv* env, int64_t inst, jobject /*param*/) {
+  LOGE("notify inst %p", printable(inst));
+  std::unique_ptr<AlgoNativeClient> temporary;
+  if (inst == 0) temporary = std::make_unique<AlgoNativeClient>(env, -1, -1);
+  (temporary ? temporary.get() : clientOf(inst))->context().notify();
+  temporary.reset();
+  LOGE("notify inst %p, service abort", printable(inst));
+  std::abort();
+}
+
+}  // namespace orlu

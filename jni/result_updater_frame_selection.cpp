@@ -1,0 +1,124 @@
+// Which frames the algorithms kept, how sharp they are, and which one is the base. Applications know frames
+// by their timestamps, algorithms by their indices.
+
+#include <algorithm>
+#include <array>
+
+#include "log.h"
+#include "result_updater_rows.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
+
+// Room in the algorithms' tables. A frame past them has no score, and counts as not kept.
+constexpr size_t kMaxScores = 50;
+constexpr size_t kMaxSelections = 20;
+using Scores = std::array<double, kMaxScores>;
+using Selections = std::array<int32_t, kMaxSelections>;
+
+double scoreAt(const Scores& scores, size_t frame) {
+  return frame < scores.size() ? scores[frame] : 0.0;
+}
+
+int32_t selectionAt(const Selections& selections, size_t frame) {
+  return frame < selections.size() ? selections[frame] : -1;
+}
+
+}  // namespace
+
+std::vector<int64_t> ResultUpdater::readTimestamps() {
+  const std::vector<jobject>& captureResults = mRequest.captureResults();
+  std::vector<int64_t> timestamps(captureResults.size());
+  for (size_t i = 0; i < timestamps.size(); ++i) {
+    mParser->getLong(timestamps[i], "android.sensor.timestamp", captureResults[i], nullptr);
+  }
+  return timestamps;
+}
+
+int ResultUpdater::updateFrameClarity() {
+  const size_t imageNum = mRequest.inputFrames().size();
+  const auto scores = readValue<Scores>(kParameter, "frame_clarity_score");
+  if (!hasComposition()) {
+    LOGE("updateForFrameClarity failed, captureResultCompositions size < 1");
+    return -1;
+  }
+  // One entry per input image, also where the table has no score for it.
+  std::vector<double> perImage(imageNum);
+  std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.begin());
+  mParser->putDoubleArray(perImage.data(), static_cast<int>(imageNum), "orlu.feedback.clarityScore",
+                          mRequest.firstComposition());
+  for (size_t i = 0; i < imageNum; ++i) {
+    LOGD("updateForFrameClarity i = %d,clarityScore = %f", static_cast<int>(i), perImage[i]);
+  }
+  return 0;
+}
+
+int ResultUpdater::updateFrameSelectResult() {
+  Selections nothingSelected;
+  nothingSelected.fill(-1);
+  const auto selections = readValue<Selections>(kFeedback, "frame_select_result", nothingSelected);
+  const auto scores = readValue<Scores>(kParameter, "frame_clarity_score");
+  const std::vector<int64_t> timestamps = readTimestamps();
+  for (size_t i = 0; i < timestamps.size(); ++i) {
+    LOGD("frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d", static_cast<int>(i),
+         scoreAt(scores, i), static_cast<long long>(timestamps[i]), selectionAt(selections, i));
+  }
+
+  std::vector<int64_t> kept;
+  std::vector<double> thrownScores;
+  for (size_t i = 0; i < timestamps.size(); ++i) {
+    const int32_t frame = selectionAt(selections, i);
+    if (frame < 0) {
+      thrownScores.push_back(scoreAt(scores, i));
+    } else if (static_cast<size_t>(frame) < timestamps.size()) {
+      kept.push_back(timestamps[static_cast<size_t>(frame)]);
+    } else {
+      LOGE("callbackFrameSelectResult failed, frameIndex out of range");
+      return -1;
+    }
+  }
+  if (!hasComposition()) {
+    LOGE("callbackFrameSelectResult failed, captureResultCompositions size < 1");
+    return 0;
+  }
+  mParser->putLongArray(kept.data(), static_cast<int>(kept.size()), "orlu.feedback.frameSelectResult",
+                        mRequest.firstComposition());
+  mParser->putDoubleArray(thrownScores.data(), static_cast<int>(thrownScores.size()),
+                          "orlu.feedback.clarityScore", mRequest.firstComposition());
+  return 0;
+}
+
+int ResultUpdater::updateSelectBasicFrameIndex() {
+  const std::vector<int64_t> timestamps = readTimestamps();
+  auto index = readValue<int32_t>(kFeedback, "current_base_frame_idx", -1);
+  const auto time = readValue<int64_t>(kControl, "current_base_frame_time");
+  if (index < 0) return 0;
+
+  int64_t result = time;
+  if (time != 0) {
+    LOGD("callbackSelectBasicFrameIndex currentBaseFrameTime %lld, timeStamps %lld",
+         static_cast<long long>(time), static_cast<long long>(timestamps.empty() ? 0 : timestamps[0]));
+  } else {
+    if (static_cast<size_t>(index) >= timestamps.size()) {
+      LOGE("currentBaseFrameIdx > size");
+      index = 0;
+    }
+    if (timestamps.empty()) {
+      LOGE("currentBaseFrameIdx still > timeStamps size");
+      return -1;
+    }
+    result = timestamps[static_cast<size_t>(index)];
+  }
+  if (!hasComposition()) {
+    LOGE("callbackSelectBasicFrameIndex failed, captureResultCompositions size < 1");
+    return 0;
+  }
+  mParser->putLong(result, "orlu.feedback.basicFrameTimestamp", mRequest.firstComposition());
+  LOGD("callbackSelectBasicFrameIndex currentBaseFrameIdx %d, resultTimeStamps %ld", index,
+       static_cast<long>(result));
+  return 0;
+}
+
+}  // namespace orlu
