@@ -7,6 +7,7 @@ import java.io.PrintStream;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
 
 /**
  * The command behind ./run. Exit status: 0 when all went through, 1 when a request failed on its way, 2 when
@@ -31,6 +32,9 @@ public final class Main {
 
     /** Runs the command line. */
     public static void main(String[] arguments) {
+        // Numbers look the same everywhere.
+        Locale.setDefault(Locale.ROOT);
+        // Threads of the algorithm library may still be attached, and would keep the VM alive.
         System.exit(status(arguments));
     }
 
