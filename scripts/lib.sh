@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by ./run, ./test and .ci/run. To be sourced by bash; the caller sets root to this project's folder.
 
 # What building takes: compiler, build tools, JDK, and the libraries of the host layer and the tests.

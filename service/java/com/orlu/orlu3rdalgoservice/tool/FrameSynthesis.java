@@ -6,6 +6,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
+import java.util.function.Supplier;
 
 import javax.imageio.ImageIO;
 
@@ -18,6 +19,8 @@ final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
     // Frames end on whole groups of four samples, which packed raw rows come in.
     private static final int GROUP = 4;
+    // Seven frames of a phone's photo in full would not fit into the memory of a small machine.
+    private static final int LARGEST_SIDE = 2048;
 
     private final FrameSetSpec mSpec;
     private final boolean mKeepMosaicPhase;
@@ -61,8 +64,16 @@ final class FrameSynthesis {
     }
 
     private Picture sized(Picture photo, int margin) {
-        return mSpec.width() > 0
-                ? photo.scaledTo(mSpec.width() + 2 * margin, mSpec.height() + 2 * margin) : photo;
+        if (mSpec.width() > 0) {
+            return photo.scaledTo(mSpec.width() + 2 * margin, mSpec.height() + 2 * margin);
+        }
+        int side = Math.max(photo.width(), photo.height());
+        return side <= LARGEST_SIDE ? photo : photo.scaledTo(
+                scaled(photo.width(), side), scaled(photo.height(), side));
+    }
+
+    private static int scaled(int length, int side) {
+        return (int) Math.max(1, (long) length * LARGEST_SIDE / side);
     }
 
     private SynthesisedFrame frame(int index, Picture photo, int width, int height) {
@@ -70,11 +81,11 @@ final class FrameSynthesis {
         Random random = new Random(mSpec.seed() * FRAME_PRIME + index);
         int[] shift = shift(index, spec, random);
         int margin = mSpec.margin();
-        Picture clean = photo.crop(margin + shift[0], margin + shift[1], width, height);
-        Picture shot = spec.blur() > 0 ? clean.blurred(spec.blur()) : clean;
+        Supplier<Picture> clean = () -> photo.crop(margin + shift[0], margin + shift[1], width, height);
+        Picture shot = spec.blur() > 0 ? clean.get().blurred(spec.blur()) : clean.get();
         shot = spec.gain() != 1 ? shot.brightened(spec.gain()) : shot;
         shot = spec.noise() > 0 ? shot.withNoise(spec.noise(), random) : shot;
-        return new SynthesisedFrame(clean, shot, shift[0], shift[1]);
+        return new SynthesisedFrame(clean, shot);
     }
 
     // The first frame stays where it is, unless its own shift says otherwise.

@@ -44,7 +44,10 @@ public final class Main {
         } catch (IllegalArgumentException | RequestFileException e) {
             System.err.println("run: " + e.getMessage());
             return REFUSED;
-        } catch (ErrnoException | IOException | IllegalStateException | UnsatisfiedLinkError e) {
+        } catch (IOException e) {
+            System.err.println("run: can't write or read " + e.getMessage());
+            return FAILED;
+        } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
             System.err.println("run: " + e.getMessage());
             return FAILED;
         }

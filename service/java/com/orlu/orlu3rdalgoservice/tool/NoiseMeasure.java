@@ -31,14 +31,15 @@ final class NoiseMeasure {
     }
 
     private static String line(SynthesisedFrame base, OutputReader output) {
+        Picture clean = base.clean().get();
         if (output.mosaic() != null) {
             int bits = output.mosaic().bits();
-            Mosaic clean = Mosaic.of(base.clean(), bits);
-            return line("all samples", Psnr.ofMosaic(clean, Mosaic.of(base.shot(), bits)),
-                    Psnr.ofMosaic(clean, output.mosaic()));
+            Mosaic reference = Mosaic.of(clean, bits);
+            return line("all samples", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
+                    Psnr.ofMosaic(reference, output.mosaic()));
         }
-        return output.picture() == null ? null : line("luma", Psnr.ofLuma(base.clean(), base.shot()),
-                Psnr.ofLuma(base.clean(), output.picture()));
+        return output.picture() == null ? null : line("luma", Psnr.ofLuma(clean, base.shot()),
+                Psnr.ofLuma(clean, output.picture()));
     }
 
     private static String line(String what, double before, double after) {

@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import java.util.function.Supplier;
+
 /**
  * A frame made of a photo.
  *
- * @param clean  the photo's part that the frame shows
- * @param shot   the same with blur, brightness and noise, as a camera would have shot it
- * @param shiftX pixels that the part lies right of the photo's middle
- * @param shiftY pixels that it lies below
+ * @param clean the photo's part that the frame shows, cut out anew each time to save memory
+ * @param shot  the same with blur, brightness and noise, as a camera would have shot it
  */
-record SynthesisedFrame(Picture clean, Picture shot, int shiftX, int shiftY) {
+record SynthesisedFrame(Supplier<Picture> clean, Picture shot) {
 }
