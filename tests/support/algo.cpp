@@ -1,0 +1,92 @@
+#include "algo.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace orlu::test {
+namespace {
+
+// A function of the stand-in. Opening it again answers the library that the product opened.
+template <typename Function>
+Function standInFunction(const char* name) {
+  void* const library = dlopen("liborlu.vac.interface.so", RTLD_NOW);
+  void* const function = library == nullptr ? nullptr : dlsym(library, name);
+  if (function == nullptr) {
+    std::fprintf(stderr, "%s\n", dlerror());
+    std::abort();
+  }
+  return reinterpret_cast<Function>(function);
+}
+
+void setScript(const standin::AlgoScript* script) {
+  standInFunction<standin::SetScriptFunction>("AlgoStandInSetScript")(script);
+}
+
+}  // namespace
+
+Algo::Algo() {
+  use();
+}
+
+Algo::~Algo() {
+  waitIdle(15'000);
+  setScript(nullptr);
+}
+
+void Algo::use() {
+  standin::AlgoScript observed = script;
+  observed.observer = [this, own = script.observer](const standin::AlgoCall& call) {
+    record(call);
+    if (own) own(call);
+  };
+  setScript(&observed);
+}
+
+void Algo::record(const standin::AlgoCall& call) {
+  const auto* const bytes = static_cast<const uint8_t*>(call.data);
+  RecordedCall recorded = {call.operation, call.section == nullptr ? "" : call.section,
+                           call.key == nullptr ? "" : call.key, {}};
+  if (bytes != nullptr) recorded.bytes.assign(bytes, bytes + call.size);
+  const std::lock_guard<std::mutex> lock(mMutex);
+  mCalls.push_back(std::move(recorded));
+}
+
+std::vector<RecordedCall> Algo::calls() const {
+  const std::lock_guard<std::mutex> lock(mMutex);
+  return mCalls;
+}
+
+std::string Algo::operations(const std::vector<std::string>& without) const {
+  std::string names;
+  for (const RecordedCall& call : calls()) {
+    if (std::find(without.begin(), without.end(), call.operation) != without.end()) continue;
+    if (!names.empty()) names += ' ';
+    names += call.operation;
+  }
+  return names;
+}
+
+void Algo::forget() {
+  const std::lock_guard<std::mutex> lock(mMutex);
+  mCalls.clear();
+}
+
+standin::AlgoCounts Algo::counts() {
+  return standInFunction<standin::CountFunction>("AlgoStandInCount")();
+}
+
+bool Algo::waitIdle(int milliseconds) {
+  return standInFunction<standin::WaitIdleFunction>("AlgoStandInWaitIdle")(milliseconds);
+}
+
+void Algo::sendCallback(uint64_t cookie, const std::vector<uint8_t>& data,
+                        const std::vector<const native_handle_t*>& handles, bool attachThread) {
+  standInFunction<standin::SendCallbackFunction>("AlgoStandInSendCallback")(
+      cookie, data.data(), static_cast<uint32_t>(data.size()), handles.data(),
+      static_cast<uint32_t>(handles.size()), attachThread);
+}
+
+}  // namespace orlu::test

@@ -1,0 +1,97 @@
+// Java objects of a request, made from C++. Every one is a local reference, freed by the LocalFrame of its test.
+#pragma once
+
+#include <jni.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "jvm.h"
+#include "metadata_records.h"
+
+namespace orlu::test {
+
+// Frees the local references made during its life. One in each test.
+class LocalFrame {
+ public:
+  LocalFrame() { env()->PushLocalFrame(4096); }
+  LocalFrame(const LocalFrame&) = delete;
+  LocalFrame& operator=(const LocalFrame&) = delete;
+  ~LocalFrame() { env()->PopLocalFrame(nullptr); }
+};
+
+// Ends the test program with the Java exception that is pending, if there is one.
+void expectNoException(const char* what);
+
+jclass findClass(const char* name);
+jobject newObject(const char* clazz, const char* signature, ...);
+// What a method without arguments answers.
+jobject callObject(jobject object, const char* method, const char* signature);
+int intField(jobject object, const char* name);
+jobject objectField(jobject object, const char* name, const char* signature);
+void setObjectField(jobject object, const char* name, const char* signature, jobject value);
+
+// Java values.
+jobject javaInt(int32_t value);
+jobject javaLong(int64_t value);
+jobject javaFloat(float value);
+jobject javaDouble(double value);
+jobject javaString(const std::string& value);
+jobject javaInts(const std::vector<int32_t>& values);
+jobject javaLongs(const std::vector<int64_t>& values);
+jobject javaFloats(const std::vector<float>& values);
+jobject javaDoubles(const std::vector<double>& values);
+jobject javaBytes(const std::vector<uint8_t>& values);
+jobject javaStrings(const std::vector<std::string>& values);
+// An array of objects; null elements are allowed.
+jobject javaArray(const char* elementClass, const std::vector<jobject>& elements);
+jobject javaRect(const __tagOrluRect& rect);
+jobject javaFaces(const std::vector<__tagOrluRect>& faces);
+jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight);
+jobject javaLocation(double latitude, double longitude, double altitude, int64_t time);
+jobject javaRational(int32_t numerator, int32_t denominator);
+jobject javaList(const std::vector<jobject>& elements);
+
+// And back.
+int32_t intOf(jobject value);
+int64_t longOf(jobject value);
+float floatOf(jobject value);
+std::string stringOf(jobject value);
+std::vector<int32_t> intsOf(jobject value);
+std::vector<int64_t> longsOf(jobject value);
+std::vector<float> floatsOf(jobject value);
+std::vector<double> doublesOf(jobject value);
+
+// Metadata.
+jobject newMetadata();
+void setTag(jobject metadata, const char* tag, jobject value);
+jobject newCaptureResult(jobject metadata);
+jobject newCharacteristics(jobject metadata);
+// A composition over `metadata`, which may be null.
+jobject newComposition(jobject metadata = nullptr);
+void putKey(jobject composition, const char* key, jobject value);
+jobject getKey(jobject composition, const char* key);
+
+// Images.
+jobject newSharedMemory(int size);
+// A buffer around a native handle of these words, of which the first `numFds` are descriptors it takes over.
+jobject newHardwareBuffer(int numFds, const std::vector<int32_t>& words);
+jobject newHardwareBuffer(int width, int height, int format);
+
+struct ImageSpec {
+  const char* format = "NV21";  // null for none
+  int width = 64;
+  int height = 48;
+  std::vector<int32_t> strides = {64, 64};
+  std::vector<int32_t> planeSizes = {3072, 1536};
+  jobject sharedMemory = nullptr;
+  jobject hardwareBuffer = nullptr;
+};
+jobject newImage(const ImageSpec& spec);
+// A 64 x 48 NV21 image in shared memory of its own.
+jobject newSmallImage();
+
+jobject newRequest(int64_t requestId, const char* requestType);
+
+}  // namespace orlu::test

@@ -1,0 +1,50 @@
+// A thin table of our own over an environment's JNI functions, in place for the life of this object: it counts calls
+// and lets lookups fail.
+#pragma once
+
+#include <jni.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orlu::test {
+
+class JniTable {
+ public:
+  explicit JniTable(JNIEnv* env);
+  JniTable(const JniTable&) = delete;
+  JniTable& operator=(const JniTable&) = delete;
+  ~JniTable();
+
+  // From now on these are not found, and the VM's exception is left behind: a class by its name, a member as
+  // "class.member", a static one and a field too.
+  void hide(const std::string& name);
+
+  // Calls by the function's name.
+  int calls(const std::string& function) const;
+  const std::map<std::string, int>& allCalls() const { return mCalls; }
+  // Every lookup in order: a class as its name, a member as "class.member signature", or "null.member signature".
+  const std::vector<std::string>& lookups() const { return mLookups; }
+  // Local references made less those deleted, as far as this library makes them.
+  int localReferences() const { return mLocalReferences; }
+
+ private:
+  friend struct JniTableFunctions;
+
+  jclass findClass(const char* name);
+  template <typename Id, typename Original>
+  Id findMember(jclass clazz, const char* name, const char* signature, Original original);
+  std::string nameOf(jclass clazz);
+
+  JNIEnv* mEnv;
+  const JNINativeInterface_* mOriginal;
+  JNINativeInterface_ mTable;
+  std::set<std::string> mHidden;
+  std::map<std::string, int> mCalls;
+  std::vector<std::string> mLookups;
+  int mLocalReferences = 0;
+};
+
+}  // namespace orlu::test
