@@ -12,6 +12,8 @@ import java.util.function.IntFunction;
 final class ParameterFormatter {
     private static final int HEX_BYTES = 16;
     private static final int LIST_ELEMENTS = 24;
+    private static final int SHORTEST_RUN = 3;
+    private static final int SMALLEST_FLOAT_BITS = 0x30000000;
     private static final int MOST_FACES = 10;
     private static final int FACES_SIZE = 204;
     private static final int EXIF_SIZE = 152;
@@ -33,7 +35,7 @@ final class ParameterFormatter {
 
     private boolean fits(ParameterType type) {
         return switch (type) {
-            case INT, FLOAT -> mSize == 4;
+            case INT, FLOAT, MILLISECONDS -> mSize == 4;
             case LONG -> mSize == 8;
             case BOOL -> mSize == 1;
             case INTS, FLOATS, COUNT -> mSize % 4 == 0 && mSize > 0;
@@ -59,6 +61,7 @@ final class ParameterFormatter {
             case FLOATS -> list(mSize / 4, i -> number(floatAt(4 * i)));
             case DOUBLES -> list(mSize / 8, i -> number(mBytes.getDouble(8 * i)));
             case TEXT -> text();
+            case MILLISECONDS -> milliseconds();
             case COUNT -> Integer.toString(intAt(0));
             case RECT -> rect(0);
             case CROP -> "left %d top %d width %d height %d".formatted(
@@ -82,6 +85,12 @@ final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
+    // The bits of a float that is not tiny are an int of many hours.
+    private String milliseconds() {
+        int bits = intAt(0);
+        return Math.abs((long) bits) < SMALLEST_FLOAT_BITS ? Integer.toString(bits) : number(floatAt(0));
+    }
+
     // As short as a person would write it: 2 for 2.0.
     private static String number(float value) {
         return trimmed(Float.toString(value));
@@ -99,6 +108,9 @@ final class ParameterFormatter {
         int last = count;
         while (last > 1 && element.apply(last - 1).equals(element.apply(last - 2))) {
             --last;
+        }
+        if (count - last + 1 < SHORTEST_RUN) {
+            last = count;
         }
         List<String> parts = new ArrayList<>();
         for (int i = 0; i < Math.min(last, LIST_ELEMENTS); ++i) {

@@ -11,6 +11,8 @@ enum ParameterType {
     DOUBLES("double[]"),
     BOOL("bool"),
     TEXT("text"),
+    /** A time in milliseconds: an int, or a float where the low-light raw step hands it over. */
+    MILLISECONDS("milliseconds"),
     /** An int count, then bytes that are not used. */
     COUNT("count"),
     /** Left, top, right, bottom. */

@@ -213,7 +213,7 @@ final class ParameterTypes {
         key("exp_gain_ratio", ParameterType.FLOAT);
         key("exp_index", ParameterType.FLOAT);
         key("exp_sensitivity_ratio", ParameterType.FLOAT);
-        key("exp_time_normal", ParameterType.INT);
+        key("exp_time_normal", ParameterType.MILLISECONDS);
         key("exp_time_ratio", ParameterType.FLOAT);
         key("exp_time_short", ParameterType.FLOAT);
         key("face_info", ParameterType.FACES);

@@ -97,10 +97,14 @@ final class Summary {
         line("handed on", trace.algorithms == null ? "nothing: the request went without an algorithm pass"
                 : list(trace.algorithms));
         if (trace.pass != null) {
-            line("ran", list(trace.pass.ran()) + " in " + milliseconds(trace.pass.milliseconds()));
+            line("ran", ran(trace.pass.ran()) + " in " + milliseconds(trace.pass.milliseconds()));
             lines("", frames(trace.pass.frames()));
         }
         line("parameters", trace.parameters.size() + " handed over");
+    }
+
+    private static String ran(List<String> algorithms) {
+        return algorithms.isEmpty() ? "nothing: passed through" : list(algorithms);
     }
 
     private static String list(List<String> algorithms) {
