@@ -24,6 +24,8 @@ constexpr int kPixelsWord = 1;
 constexpr int kDescriptors = 2;
 constexpr int kIntegers = 4;
 constexpr off_t kAttributesSize = 4096;
+// Sizes and strides cross as 32-bit integers.
+constexpr uint64_t kMaxBytes = std::numeric_limits<int32_t>::max();
 
 // Bytes of a row of the first plane; 0 for a format that is not known.
 uint64_t rowBytes(const AHardwareBuffer_Desc& desc) {
@@ -40,9 +42,20 @@ uint64_t rowBytes(const AHardwareBuffer_Desc& desc) {
   }
 }
 
+// Bytes of all planes; 0 when they can't be had.
 uint64_t pixelBytes(const AHardwareBuffer_Desc& desc) {
-  const uint64_t firstPlane = rowBytes(desc) * desc.height;
-  return desc.format == AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420 ? firstPlane + (firstPlane + 1) / 2 : firstPlane;
+  const uint64_t row = rowBytes(desc);
+  if (row == 0 || desc.height > kMaxBytes / row) return 0;
+  const uint64_t firstPlane = row * desc.height;
+  const bool hasChroma = desc.format == AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420;
+  const uint64_t bytes = hasChroma ? firstPlane + (firstPlane + 1) / 2 : firstPlane;
+  return bytes > kMaxBytes ? 0 : bytes;
+}
+
+// One layer only; a BLOB is one row.
+bool isAllocatable(const AHardwareBuffer_Desc& desc) {
+  const bool isBlob = desc.format == AHARDWAREBUFFER_FORMAT_BLOB;
+  return desc.layers == 1 && (!isBlob || desc.height == 1) && pixelBytes(desc) > 0;
 }
 
 // A memory file of this size, or a negative errno.
@@ -55,27 +68,37 @@ int memoryFile(const char* name, off_t size) {
   return -error;
 }
 
+// The handle of a new buffer, which takes the descriptors over; null when there is no memory for it.
+native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, int pixels) {
+  native_handle_t* const handle = native_handle_create(kDescriptors, kIntegers);
+  if (handle == nullptr) return nullptr;
+  handle->data[kAttributesWord] = attributes;
+  handle->data[kPixelsWord] = pixels;
+  int* const integers = &handle->data[kDescriptors];
+  integers[0] = static_cast<int>(desc.width);
+  integers[1] = static_cast<int>(desc.height);
+  integers[2] = static_cast<int>(rowBytes(desc));
+  integers[3] = static_cast<int>(desc.format);
+  return handle;
+}
+
 }  // namespace
 
 int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer) {
-  if (desc == nullptr || outBuffer == nullptr) return -EINVAL;
-  const uint64_t bytes = pixelBytes(*desc);
-  if (bytes == 0 || bytes > std::numeric_limits<int32_t>::max()) return -EINVAL;
+  if (desc == nullptr || outBuffer == nullptr || !isAllocatable(*desc)) return -EINVAL;
   const int attributes = memoryFile("hardware-buffer-attributes", kAttributesSize);
   if (attributes < 0) return attributes;
-  const int pixels = memoryFile("hardware-buffer-pixels", static_cast<off_t>(bytes));
+  const int pixels = memoryFile("hardware-buffer-pixels", static_cast<off_t>(pixelBytes(*desc)));
   if (pixels < 0) {
     close(attributes);
     return pixels;
   }
-  native_handle_t* const handle = native_handle_create(kDescriptors, kIntegers);
-  handle->data[kAttributesWord] = attributes;
-  handle->data[kPixelsWord] = pixels;
-  int* const integers = &handle->data[kDescriptors];
-  integers[0] = static_cast<int>(desc->width);
-  integers[1] = static_cast<int>(desc->height);
-  integers[2] = static_cast<int>(rowBytes(*desc));
-  integers[3] = static_cast<int>(desc->format);
+  native_handle_t* const handle = bufferHandle(*desc, attributes, pixels);
+  if (handle == nullptr) {
+    close(attributes);
+    close(pixels);
+    return -ENOMEM;
+  }
   return AHardwareBuffer_createFromHandle(desc, handle, AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER,
                                           outBuffer);
 }

@@ -18,6 +18,7 @@ AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwar
 }
 
 jobject AHardwareBuffer_toHardwareBuffer(JNIEnv* env, AHardwareBuffer* hardwareBuffer) {
+  if (hardwareBuffer == nullptr) return nullptr;
   jclass clazz = env->FindClass(kClass);
   const jmethodID constructor = clazz == nullptr ? nullptr : env->GetMethodID(clazz, "<init>", "(J)V");
   if (constructor == nullptr) return nullptr;

@@ -40,7 +40,7 @@ std::atomic<__android_logger_function> gLogger{__android_log_stderr_logger};
 
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
   if (prio < gMinimumPriority.load(std::memory_order_relaxed)) return -EPERM;
-  char line[kLineSize];
+  char line[kLineSize] = "";
   va_list arguments;
   va_start(arguments, fmt);
   std::vsnprintf(line, sizeof line, fmt, arguments);
@@ -63,7 +63,7 @@ void __android_log_stderr_logger(const struct __android_log_message* log_message
   char time[32];
   std::strftime(time, sizeof time, "%m-%d %H:%M:%S", &local);
   const int priority = log_message->priority;
-  std::fprintf(stderr, "%s.%03ld %5d %5ld %c %s: %s\n", time, now.tv_nsec / 1'000'000, getpid(),
+  std::fprintf(stderr, "%s.%03ld %5d %5ld %c %-8s: %s\n", time, now.tv_nsec / 1'000'000, getpid(),
                static_cast<long>(syscall(SYS_gettid)),
                priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?', log_message->tag,
                log_message->message);

@@ -21,8 +21,10 @@ int ASharedMemory_create(const char* name, size_t size) {
 }
 
 size_t ASharedMemory_getSize(int fd) {
+  // Only a memory file can tell its seals; a file on a disk, a pipe or a socket is none.
+  if (fcntl(fd, F_GET_SEALS) < 0) return 0;
   struct stat status = {};
-  if (fd < 0 || fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  if (fstat(fd, &status) != 0) return 0;
   return static_cast<size_t>(status.st_size);
 }
 

@@ -5,9 +5,20 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
 
 namespace {
+
+void throwErrno(JNIEnv* env, const char* functionName, int error) {
+  jclass clazz = env->FindClass("android/system/ErrnoException");
+  const jmethodID constructor =
+      clazz == nullptr ? nullptr : env->GetMethodID(clazz, "<init>", "(Ljava/lang/String;I)V");
+  jstring name = constructor == nullptr ? nullptr : env->NewStringUTF(functionName);
+  if (name == nullptr) return;
+  const auto exception = static_cast<jthrowable>(env->NewObject(clazz, constructor, name, error));
+  if (!env->ExceptionCheck()) env->Throw(exception);
+}
 
 std::string textOf(JNIEnv* env, jstring string) {
   const char* chars = string == nullptr ? nullptr : env->GetStringUTFChars(string, nullptr);
@@ -29,12 +40,16 @@ extern "C" JNIEXPORT void JNICALL Java_android_os_SharedMemory_nClose(JNIEnv*, j
   close(fd);
 }
 
-// The memory behind the descriptor as a direct buffer; null when it can't be mapped.
+// The memory behind the descriptor as a direct buffer. Throws ErrnoException when it can't be mapped.
 extern "C" JNIEXPORT jobject JNICALL Java_android_os_SharedMemory_nMap(JNIEnv* env, jclass, jint fd,
                                                                        jint size, jboolean writable) {
   void* const address = mmap(nullptr, static_cast<size_t>(size),
                              writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, fd, 0);
-  return address == MAP_FAILED ? nullptr : env->NewDirectByteBuffer(address, size);
+  if (address == MAP_FAILED) {
+    throwErrno(env, "SharedMemory.map", errno);
+    return nullptr;
+  }
+  return env->NewDirectByteBuffer(address, size);
 }
 
 extern "C" JNIEXPORT void JNICALL Java_android_os_SharedMemory_nUnmap(JNIEnv* env, jclass, jobject buffer) {

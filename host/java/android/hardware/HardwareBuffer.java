@@ -2,6 +2,7 @@ package android.hardware;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
+import java.util.Objects;
 
 /** A buffer that hardware can read and write, behind a native handle with real descriptors. */
 public final class HardwareBuffer implements AutoCloseable {
@@ -17,8 +18,8 @@ public final class HardwareBuffer implements AutoCloseable {
         System.loadLibrary("android_runtime");
     }
 
-    // An AHardwareBuffer with one reference of this object's, read by AHardwareBuffer_fromHardwareBuffer(); 0 when
-    // closed.
+    // An AHardwareBuffer with one reference of this object's, read by AHardwareBuffer_fromHardwareBuffer();
+    // 0 when closed.
     private long mNativeObject;
 
     // Also called by native code. Takes the reference over.
@@ -35,11 +36,11 @@ public final class HardwareBuffer implements AutoCloseable {
     }
 
     /**
-     * A buffer around a native handle of any words, of which the first {@code numFds} are descriptors that the buffer
-     * takes over. Only the host has this: it is how odd handles are made.
+     * A buffer around a native handle of any words, of which the first {@code numFds} are descriptors that
+     * the buffer takes over. Only the host has this: it is how odd handles are made.
      */
     public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
-        return checked(nFromHandle(width, height, format, numFds, words));
+        return checked(nFromHandle(width, height, format, numFds, Objects.requireNonNull(words)));
     }
 
     public int getWidth() {

@@ -51,8 +51,11 @@ public final class SharedMemory implements AutoCloseable {
         return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
     }
 
-    /** Ends a mapping. The buffer must not be touched again. */
+    /** Ends a mapping, told by the very buffer that the map answered. It must not be touched again. */
     public static void unmap(ByteBuffer mapping) {
+        if (!mapping.isDirect()) {
+            throw new IllegalArgumentException("The buffer is no mapping");
+        }
         nUnmap(mapping);
     }
 
@@ -66,11 +69,7 @@ public final class SharedMemory implements AutoCloseable {
 
     private ByteBuffer map(boolean writable) throws ErrnoException {
         checkOpen();
-        ByteBuffer mapping = nMap(mFd, mSize, writable);
-        if (mapping == null) {
-            throw new ErrnoException("SharedMemory.map", 0);
-        }
-        return mapping.order(ByteOrder.nativeOrder());
+        return nMap(mFd, mSize, writable).order(ByteOrder.nativeOrder());
     }
 
     private void checkOpen() {
@@ -83,7 +82,7 @@ public final class SharedMemory implements AutoCloseable {
 
     private static native void nClose(int fd);
 
-    private static native ByteBuffer nMap(int fd, int size, boolean writable);
+    private static native ByteBuffer nMap(int fd, int size, boolean writable) throws ErrnoException;
 
     private static native void nUnmap(ByteBuffer mapping);
 }

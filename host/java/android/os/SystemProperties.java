@@ -1,5 +1,7 @@
 package android.os;
 
+import java.util.Objects;
+
 /** The system properties of this process. */
 public final class SystemProperties {
     static {
@@ -9,14 +11,14 @@ public final class SystemProperties {
     private SystemProperties() {
     }
 
-    /** The property's value, or {@code fallback} when it is unset or empty. */
+    /** The property's value, or {@code fallback} when it is unset or empty; a null one counts as empty. */
     public static String get(String key, String fallback) {
-        return nGet(key, fallback);
+        return nGet(Objects.requireNonNull(key), fallback == null ? "" : fallback);
     }
 
     /** Sets a property. Values have at most 91 bytes. */
     public static void set(String key, String value) {
-        nSet(key, value == null ? "" : value);
+        nSet(Objects.requireNonNull(key), value == null ? "" : value);
     }
 
     private static native String nGet(String key, String fallback);
