@@ -17,6 +17,10 @@ public final class Rect {
         this.bottom = bottom;
     }
 
+    public Rect(Rect other) {
+        this(other.left, other.top, other.right, other.bottom);
+    }
+
     public int width() {
         return right - left;
     }
@@ -27,7 +31,8 @@ public final class Rect {
 
     @Override
     public boolean equals(Object other) {
-        return other instanceof Rect r && left == r.left && top == r.top && right == r.right && bottom == r.bottom;
+        return other instanceof Rect r && left == r.left && top == r.top && right == r.right
+                && bottom == r.bottom;
     }
 
     @Override

@@ -13,6 +13,15 @@ public final class Location {
         mProvider = provider;
     }
 
+    public Location(Location other) {
+        mProvider = other.mProvider;
+        mLatitude = other.mLatitude;
+        mLongitude = other.mLongitude;
+        mAltitude = other.mAltitude;
+        mHasAltitude = other.mHasAltitude;
+        mTime = other.mTime;
+    }
+
     public String getProvider() {
         return mProvider;
     }

@@ -6,7 +6,10 @@ import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 import java.util.function.IntFunction;
 
-/** A flat, little-endian record of values: what was written in order is read in order. Arrays carry their length. */
+/**
+ * A flat, little-endian record of values: what was written in order is read in order. Arrays carry their
+ * length. Reading past the end throws IllegalStateException.
+ */
 public final class Parcel {
     private static final int NULL_LENGTH = -1;
     private static final int FIRST_CAPACITY = 256;
@@ -40,13 +43,18 @@ public final class Parcel {
         return Arrays.copyOf(mData.array(), mSize);
     }
 
-    /** Appends bytes that {@link #marshall} answered. */
+    /** Replaces the contents by bytes that {@link #marshall} answered; the position is behind them. */
     public void unmarshall(byte[] data, int offset, int length) {
+        recycle();
         room(length).put(data, offset, length);
         written();
     }
 
+    /** Moves to {@code position}, from 0 to {@link #dataSize}. */
     public void setDataPosition(int position) {
+        if (position < 0 || position > mSize) {
+            throw new IllegalArgumentException("Position " + position + " in " + mSize + " bytes");
+        }
         mData.position(position);
     }
 
@@ -60,7 +68,7 @@ public final class Parcel {
     }
 
     public int readInt() {
-        return mData.getInt();
+        return next(Integer.BYTES).getInt();
     }
 
     public void writeLong(long value) {
@@ -69,7 +77,7 @@ public final class Parcel {
     }
 
     public long readLong() {
-        return mData.getLong();
+        return next(Long.BYTES).getLong();
     }
 
     public void writeFloat(float value) {
@@ -78,7 +86,7 @@ public final class Parcel {
     }
 
     public float readFloat() {
-        return mData.getFloat();
+        return next(Float.BYTES).getFloat();
     }
 
     public void writeDouble(double value) {
@@ -87,7 +95,7 @@ public final class Parcel {
     }
 
     public double readDouble() {
-        return mData.getDouble();
+        return next(Double.BYTES).getDouble();
     }
 
     public void writeString(String value) {
@@ -107,7 +115,7 @@ public final class Parcel {
     }
 
     public byte[] createByteArray() {
-        return create(byte[]::new, (array, i) -> array[i] = mData.get());
+        return create(byte[]::new, (array, i) -> array[i] = next(Byte.BYTES).get());
     }
 
     public void writeIntArray(int[] values) {
@@ -166,11 +174,22 @@ public final class Parcel {
         void read(A array, int index);
     }
 
-    private <A> A create(IntFunction<A> maker, ElementReader<A> reader) {
+    /** An array's length, which is never more than the bytes that follow. */
+    public int readLength() {
         int length = readInt();
-        if (length == NULL_LENGTH) {
+        if (length < 0 || length > mSize - mData.position()) {
+            throw new IllegalStateException("Length " + length + " in a parcel of " + mSize + " bytes");
+        }
+        return length;
+    }
+
+    private <A> A create(IntFunction<A> maker, ElementReader<A> reader) {
+        int position = mData.position();
+        if (readInt() == NULL_LENGTH) {
             return null;
         }
+        mData.position(position);
+        int length = readLength();
         A array = maker.apply(length);
         for (int i = 0; i < length; i++) {
             reader.read(array, i);
@@ -181,6 +200,14 @@ public final class Parcel {
     private boolean writeLength(int length) {
         writeInt(length);
         return length != NULL_LENGTH;
+    }
+
+    // The buffer at its position, where so many bytes are left to read.
+    private ByteBuffer next(int bytes) {
+        if (bytes > mSize - mData.position()) {
+            throw new IllegalStateException("The parcel ends after " + mSize + " bytes");
+        }
+        return mData;
     }
 
     // The buffer at its position, with room for so many bytes more.

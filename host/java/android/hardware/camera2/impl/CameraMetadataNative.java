@@ -12,8 +12,9 @@ public final class CameraMetadataNative implements Parcelable {
     private final Map<String, Object> mValues = new TreeMap<>();
 
     /**
-     * Sets a tag. Arrays may be primitive or boxed; null takes the tag away. Throws IllegalArgumentException for a tag
-     * that no table knows and a value that does not fit its type.
+     * Sets a tag. Arrays may be primitive or boxed; null takes the tag away. Throws IllegalArgumentException
+     * for a tag that no table knows and a value that does not fit its type, which no array with a null in it
+     * does.
      */
     public void set(String tag, Object value) {
         TagType type = typeOf(tag);
@@ -24,29 +25,29 @@ public final class CameraMetadataNative implements Parcelable {
         Object stored = TagConversion.convert(value, type.stored());
         if (stored == null) {
             throw new IllegalArgumentException("Tag " + tag + " holds " + type + ", not "
-                    + value.getClass().getSimpleName());
+                    + value.getClass().getSimpleName() + (value instanceof Object[] ? ", and no nulls" : ""));
         }
         mValues.put(tag, stored);
     }
 
-    /** The value as it is stored; null when the tag is absent. */
+    /** A copy of the value in its tag's own class; null when the tag is absent. */
     public Object get(String tag) {
-        typeOf(tag);
-        return mValues.get(tag);
+        return get(tag, typeOf(tag).stored());
     }
 
     /**
-     * The value as {@code type}; null when the tag is absent. Throws IllegalArgumentException for a tag that no table
-     * knows and a type that its value can't be.
+     * The value as {@code type}; null when the tag is absent. Throws IllegalArgumentException for a tag that
+     * no table knows and a type that its value can't be: an array of several is no scalar, an int no long.
      */
     public <T> T get(String tag, Class<T> type) {
-        Object value = get(tag);
+        TagType held = typeOf(tag);
+        Object value = mValues.get(tag);
         if (value == null) {
             return null;
         }
         Object converted = TagConversion.convert(value, type);
         if (converted == null) {
-            throw new IllegalArgumentException("Tag " + tag + " holds " + typeOf(tag) + ", asked for as "
+            throw new IllegalArgumentException("Tag " + tag + " holds " + held + ", asked for as "
                     + type.getSimpleName());
         }
         return type.cast(converted);
@@ -57,6 +58,7 @@ public final class CameraMetadataNative implements Parcelable {
         return Collections.unmodifiableSet(mValues.keySet());
     }
 
+    /** Writes the number of tags, then for each, by name: its name, type, number of values, values. */
     @Override
     public void writeToParcel(Parcel destination, int flags) {
         destination.writeInt(mValues.size());
@@ -66,18 +68,24 @@ public final class CameraMetadataNative implements Parcelable {
         }
     }
 
-    /** Replaces what is set by what {@link #writeToParcel} wrote. */
+    /**
+     * Replaces what is set by what {@link #writeToParcel} wrote. Throws IllegalArgumentException for a tag
+     * that no table knows or knows otherwise, and IllegalStateException when the parcel ends too soon;
+     * nothing is changed then.
+     */
     public void readFromParcel(Parcel source) {
-        mValues.clear();
+        Map<String, Object> values = new TreeMap<>();
         int count = source.readInt();
         for (int i = 0; i < count; i++) {
             String tag = source.readString();
-            mValues.put(tag, TagParcel.read(source));
+            values.put(tag, TagParcel.read(source, typeOf(tag)));
         }
+        mValues.clear();
+        mValues.putAll(values);
     }
 
     private static TagType typeOf(String tag) {
-        TagType type = TagTable.typeOf(tag);
+        TagType type = tag == null ? null : TagTable.typeOf(tag);
         if (type == null) {
             throw new IllegalArgumentException("Could not find tag for key '" + tag + "'");
         }

@@ -1,20 +1,25 @@
 package android.hardware.camera2.impl;
 
+import android.graphics.Rect;
+import android.location.Location;
+import java.lang.invoke.MethodType;
 import java.lang.reflect.Array;
 import java.nio.charset.StandardCharsets;
 
 /**
- * Values between the classes in which they are stored, set and asked for. Number types are never changed into one
- * another; arrays change between primitive and boxed, a string is its bytes, and one value is an array of one.
+ * Values between the classes in which they are stored, set and asked for. Number types are never changed
+ * into one another; arrays change between primitive and boxed, a string is its bytes, one value is an array
+ * of one, and an array of one is its value. What is answered is never the value itself where that could be
+ * written to.
  */
 final class TagConversion {
     private TagConversion() {
     }
 
-    /** The value as {@code type}; null when it can't be one. */
+    /** The value as {@code type}; null when it can't be one, also for a null in an array. */
     static Object convert(Object value, Class<?> type) {
         if (type.isInstance(value)) {
-            return value;
+            return copy(value);
         }
         if (type == byte[].class && value instanceof String text) {
             return text.getBytes(StandardCharsets.UTF_8);
@@ -26,15 +31,28 @@ final class TagConversion {
             return toArray(value, type.getComponentType());
         }
         boolean isSingle = value.getClass().isArray() && Array.getLength(value) == 1;
-        return isSingle && type.isInstance(Array.get(value, 0)) ? Array.get(value, 0) : null;
+        return isSingle && type.isInstance(Array.get(value, 0)) ? copy(Array.get(value, 0)) : null;
+    }
+
+    private static Object copy(Object value) {
+        if (value.getClass().isArray()) {
+            return toArray(value, value.getClass().getComponentType());
+        }
+        if (value instanceof Rect rect) {
+            return new Rect(rect);
+        }
+        return value instanceof Location location ? new Location(location) : value;
     }
 
     private static Object toArray(Object value, Class<?> component) {
         boolean isArray = value.getClass().isArray();
         int length = isArray ? Array.getLength(value) : 1;
         Object array = Array.newInstance(component, length);
-        Class<?> boxed = Array.get(Array.newInstance(component, 1), 0) == null
-                ? component : Array.get(Array.newInstance(component, 1), 0).getClass();
+        if (component.isPrimitive() && value.getClass() == array.getClass()) {
+            System.arraycopy(value, 0, array, 0, length);
+            return array;
+        }
+        Class<?> boxed = MethodType.methodType(component).wrap().returnType();
         for (int i = 0; i < length; i++) {
             Object element = isArray ? Array.get(value, i) : value;
             if (!boxed.isInstance(element)) {

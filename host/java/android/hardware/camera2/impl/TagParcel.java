@@ -7,13 +7,16 @@ import android.location.Location;
 import android.os.Parcel;
 import android.util.Rational;
 
-/** One stored value in a parcel: its type, its length where it has one, its elements. */
+/** One stored value in a parcel: its type, how many values it has, the values. */
 final class TagParcel {
     private TagParcel() {
     }
 
     static void write(Parcel parcel, TagType type, Object value) {
         parcel.writeInt(type.ordinal());
+        if (!type.isCounted()) {
+            parcel.writeInt(1);
+        }
         switch (type) {
             case INT -> parcel.writeInt((Integer) value);
             case LONG -> parcel.writeLong((Long) value);
@@ -37,8 +40,11 @@ final class TagParcel {
         }
     }
 
-    static Object read(Parcel parcel) {
-        return switch (TagType.values()[parcel.readInt()]) {
+    static Object read(Parcel parcel, TagType type) {
+        if (parcel.readInt() != type.ordinal() || (!type.isCounted() && parcel.readInt() != 1)) {
+            throw new IllegalArgumentException("The parcel holds another type than " + type);
+        }
+        return switch (type) {
             case INT -> parcel.readInt();
             case LONG -> parcel.readLong();
             case FLOAT -> parcel.readFloat();
@@ -78,7 +84,7 @@ final class TagParcel {
     }
 
     private static Face[] readFaces(Parcel parcel) {
-        Face[] faces = new Face[parcel.readInt()];
+        Face[] faces = new Face[parcel.readLength()];
         for (int i = 0; i < faces.length; i++) {
             faces[i] = new Face(readRect(parcel), parcel.readInt());
         }
@@ -94,7 +100,7 @@ final class TagParcel {
     }
 
     private static MeteringRectangle[] readRegions(Parcel parcel) {
-        MeteringRectangle[] regions = new MeteringRectangle[parcel.readInt()];
+        MeteringRectangle[] regions = new MeteringRectangle[parcel.readLength()];
         for (int i = 0; i < regions.length; i++) {
             regions[i] = new MeteringRectangle(readRect(parcel), parcel.readInt());
         }

@@ -8,6 +8,7 @@ import java.io.UncheckedIOException;
 import java.nio.charset.StandardCharsets;
 import java.util.Collections;
 import java.util.Map;
+import java.util.Objects;
 import java.util.Set;
 import java.util.concurrent.ConcurrentSkipListMap;
 
@@ -27,19 +28,32 @@ public final class TagTable {
         return Collections.unmodifiableSet(TAGS.keySet());
     }
 
-    /** Makes a vendor's tag known, as a camera's own tag descriptor does on the device. */
+    /**
+     * Makes a vendor's tag known, as a camera's own tag descriptor does on the device: also the tags whose
+     * names are built at run time of a section and a key ("orlu.algo.system.some_key", BYTES). Registering a
+     * tag again is fine; IllegalArgumentException when it is known with another type, since stores may hold
+     * values of that.
+     */
     public static void register(String tag, TagType type) {
-        TAGS.put(tag, type);
+        put(TAGS, tag, Objects.requireNonNull(type));
+    }
+
+    private static void put(Map<String, TagType> tags, String tag, TagType type) {
+        TagType known = tags.putIfAbsent(tag, type);
+        if (known != null && known != type) {
+            throw new IllegalArgumentException("Tag " + tag + " is known as " + known + ", not " + type);
+        }
     }
 
     private static Map<String, TagType> load() {
         Map<String, TagType> tags = new ConcurrentSkipListMap<>();
         try (InputStream stream = TagTable.class.getResourceAsStream("tags.txt");
-                BufferedReader reader = new BufferedReader(new InputStreamReader(stream, StandardCharsets.UTF_8))) {
+                BufferedReader reader = new BufferedReader(
+                        new InputStreamReader(stream, StandardCharsets.UTF_8))) {
             for (String line = reader.readLine(); line != null; line = reader.readLine()) {
                 if (!line.isBlank() && !line.startsWith("#")) {
                     String[] words = line.trim().split("\\s+");
-                    tags.put(words[0], TagType.valueOf(words[1]));
+                    put(tags, words[0], TagType.valueOf(words[1]));
                 }
             }
         } catch (IOException e) {

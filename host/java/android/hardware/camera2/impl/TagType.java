@@ -31,6 +31,11 @@ public enum TagType {
         mStored = stored;
     }
 
+    /** Whether a value in a parcel brings its own length: an array, or text by its bytes. */
+    boolean isCounted() {
+        return mStored.isArray() || this == STRING;
+    }
+
     /** The class of a stored value. */
     public Class<?> stored() {
         return mStored;

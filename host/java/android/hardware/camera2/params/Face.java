@@ -8,12 +8,12 @@ public final class Face {
     private final int mScore;
 
     public Face(Rect bounds, int score) {
-        mBounds = bounds;
+        mBounds = new Rect(bounds);
         mScore = score;
     }
 
     public Rect getBounds() {
-        return mBounds;
+        return new Rect(mBounds);
     }
 
     public int getScore() {

@@ -8,7 +8,7 @@ public final class MeteringRectangle {
     private final int mWeight;
 
     public MeteringRectangle(Rect rect, int meteringWeight) {
-        mRect = new Rect(rect.left, rect.top, rect.right, rect.bottom);
+        mRect = new Rect(rect);
         mWeight = meteringWeight;
     }
 
@@ -17,7 +17,7 @@ public final class MeteringRectangle {
     }
 
     public Rect getRect() {
-        return new Rect(mRect.left, mRect.top, mRect.right, mRect.bottom);
+        return new Rect(mRect);
     }
 
     public int getMeteringWeight() {
