@@ -1,0 +1,94 @@
+// The library's exports: the entry that fills the tables, and what tests steer it by.
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "algo_interface.h"
+#include "algo_script.h"
+#include "callback_message.h"
+#include "java_thread.h"
+#include "stand_in.h"
+
+#define EXPORTED extern "C" __attribute__((visibility("default")))
+
+namespace orlu::standin {
+namespace {
+
+// Fills callables with the stand-in's members, but for those that the script keeps back.
+class TableFiller {
+public:
+  explicit TableFiller(const AlgoScript& script) : mScript(script) {}
+
+  template <typename Result, typename... Arguments, typename Member>
+  void offer(const char* name, std::function<Result(Arguments...)>& callable, Member member) const {
+    callable = nullptr;
+    if (mScript.notOffered.count(name) != 0) return;
+    callable = [member](Arguments... arguments) { return (StandIn::instance().*member)(arguments...); };
+  }
+
+private:
+  const AlgoScript& mScript;
+};
+
+void fillMetadataOps(const TableFiller& filler, AlgoMetadataOps& ops) {
+  filler.offer("createMetadata", ops.createMetadata, &StandIn::createMetadata);
+  filler.offer("destroyMetadata", ops.destroyMetadata, &StandIn::destroyMetadata);
+  filler.offer("getSize", ops.getSize, &StandIn::getSize);
+  filler.offer("setValue", ops.setValue, &StandIn::setValue);
+  filler.offer("getValue", ops.getValue, &StandIn::getValue);
+  filler.offer("setRaw", ops.setRaw, &StandIn::setRaw);
+  filler.offer("paramAlgoUpdateToSystem", ops.paramAlgoUpdateToSystem, &StandIn::paramAlgoUpdateToSystem);
+  filler.offer("paramSystemDownloadToAlgo", ops.paramSystemDownloadToAlgo,
+               &StandIn::paramSystemDownloadToAlgo);
+}
+
+void fillTable(const TableFiller& filler, AlgoInterfaceCallbacks& table) {
+  filler.offer("init", table.init, &StandIn::init);
+  filler.offer("process", table.process, &StandIn::process);
+  filler.offer("uninit", table.uninit, &StandIn::uninit);
+  filler.offer("getData", table.getData, &StandIn::getData);
+  filler.offer("flush", table.flush, &StandIn::flush);
+  filler.offer("command", table.command, &StandIn::command);
+  filler.offer("createClient", table.createClient, &StandIn::createClient);
+  filler.offer("destroyClient", table.destroyClient, &StandIn::destroyClient);
+  fillMetadataOps(filler, table.metadataOps);
+  filler.offer("translateParamFile", table.translateParamFile, &StandIn::translateParamFile);
+}
+
+}  // namespace
+}  // namespace orlu::standin
+
+using orlu::standin::StandIn;
+
+EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
+  if (table == nullptr) return;
+  StandIn::instance().trace().open();
+  const auto script = StandIn::instance().script().current();
+  orlu::standin::fillTable(orlu::standin::TableFiller(*script), *table);
+}
+
+EXPORTED void AlgoStandInSetScript(const orlu::standin::AlgoScript* script) {
+  StandIn::instance().script().set(script);
+}
+
+EXPORTED orlu::standin::AlgoCounts AlgoStandInCount() {
+  return StandIn::instance().count();
+}
+
+EXPORTED void AlgoStandInSendCallback(uint64_t callbackCookie, const uint8_t* data, uint32_t size,
+                                      const native_handle_t* const* handles, uint32_t handleCount,
+                                      bool attachThread) {
+  const std::vector<uint8_t> message(data, data + size);
+  const std::vector<android::hardware::hidl_handle> borrowed(handles, handles + handleCount);
+  std::thread([&] {
+    if (attachThread) orlu::standin::attachToJava();
+    orlu::standin::sendCallback(callbackCookie, message, borrowed);
+    orlu::standin::detachFromJava();
+  }).join();
+}
+
+EXPORTED bool AlgoStandInWaitIdle(int milliseconds) {
+  return StandIn::instance().waitIdle(std::chrono::milliseconds(milliseconds));
+}

@@ -1,0 +1,26 @@
+// The live clients, by handles that are never used again.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <set>
+
+#include "algo_interface.h"
+
+namespace orlu::standin {
+
+class Clients {
+public:
+  // A new client's handle; null when the record asks for an interface version other than 202001.
+  void* create(const AlgoCreateClientRecord& record);
+  // False when the handle is not live.
+  bool destroy(void* client);
+  int count() const;
+
+private:
+  mutable std::mutex mMutex;
+  uintptr_t mNext = 0x100;
+  std::set<uintptr_t> mLive;
+};
+
+}  // namespace orlu::standin

@@ -1,0 +1,23 @@
+// The EXIF facts of a photo as the bytes of a JPEG's APP1 segment.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "metadata_records.h"
+
+namespace orlu::standin {
+
+struct ExifFacts {
+  ExifInfo info;
+  int width = 0;  // pixels
+  int height = 0;
+  std::optional<int32_t> rotation;  // degrees clockwise that the viewer is to turn the picture by
+};
+
+// The segment's contents, from "Exif" on; facts that are absent or make no sense are left out. Empty when
+// libexif can't build it.
+std::vector<uint8_t> buildExif(const ExifFacts& facts);
+
+}  // namespace orlu::standin

@@ -1,0 +1,69 @@
+// How an image lies in memory, and an image of our own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu::standin {
+
+enum ImageFormat : int32_t { kNv21 = 1, kNv12 = 2, kRaw16 = 18, kJpeg = 24, kRgba = 25 };
+
+// One plane: rows of `columns` pixels, each of `channels` samples of `sampleBytes` bytes.
+struct Plane {
+  uint8_t* data = nullptr;  // borrowed; that of an input frame may only be read
+  size_t stride = 0;        // bytes from row to row
+  int columns = 0;
+  int rows = 0;
+  int channels = 1;
+  int sampleBytes = 1;
+
+  size_t pixelBytes() const { return static_cast<size_t>(channels) * static_cast<size_t>(sampleBytes); }
+  size_t rowBytes() const { return static_cast<size_t>(columns) * pixelBytes(); }
+  uint8_t* row(int y) const { return data + static_cast<size_t>(y) * stride; }
+};
+
+// The planes of an image: luma and chroma pairs, or one plane. A format whose pixels nobody here reads
+// (compressed, packed raw, unknown) is opaque: one row of bytes.
+struct ImageView {
+  int format = 0;
+  int width = 0;
+  int height = 0;
+  std::vector<Plane> planes;
+
+  bool isYuv() const { return format == kNv21 || format == kNv12; }
+  bool isOpaque() const { return !isYuv() && format != kRaw16 && format != kRgba; }
+  bool sameShape(const ImageView& other) const {
+    return format == other.format && width == other.width && height == other.height;
+  }
+};
+
+// Lays a frame's planes out in `capacity` bytes of memory. False when a size is not positive, absurd, or
+// does not fit; nothing of the memory is touched.
+bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageView& view);
+
+// Copies the pixels when shape and, for an opaque image, room agree; false otherwise.
+bool copyPixels(const ImageView& from, const ImageView& to);
+
+// An image that owns its pixels, without padding.
+class Picture {
+public:
+  Picture() = default;
+  // Pixels of the given shape, zeroed. The shape must be one that layOut() accepts; opaque images take
+  // `opaqueBytes`.
+  Picture(int format, int width, int height, size_t opaqueBytes = 0);
+  Picture(Picture&&) = default;
+  Picture& operator=(Picture&&) = default;
+  static Picture copyOf(const ImageView& view);
+
+  bool empty() const { return mBytes.empty(); }
+  const ImageView& view() const { return mView; }
+
+private:
+  std::vector<uint8_t> mBytes;  // moving it keeps the addresses that the view holds
+  ImageView mView;
+};
+
+}  // namespace orlu::standin

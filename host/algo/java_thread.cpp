@@ -1,0 +1,41 @@
+#include "java_thread.h"
+
+#include <dlfcn.h>
+#include <jni.h>
+
+namespace orlu::standin {
+namespace {
+
+// The process's VM, if there is one. Looked up by name: this library must load without one as well.
+JavaVM* findVm() {
+  using GetCreatedJavaVms = jint(JNICALL*)(JavaVM**, jsize, jsize*);
+  const auto getCreatedVms =
+      reinterpret_cast<GetCreatedJavaVms>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
+  JavaVM* vm = nullptr;
+  jsize count = 0;
+  if (getCreatedVms == nullptr || getCreatedVms(&vm, 1, &count) != JNI_OK || count < 1) return nullptr;
+  return vm;
+}
+
+bool isAttached(JavaVM* vm) {
+  void* env = nullptr;
+  return vm->GetEnv(&env, JNI_VERSION_1_4) == JNI_OK;
+}
+
+}  // namespace
+
+void attachToJava() {
+  JavaVM* const vm = findVm();
+  if (vm == nullptr || isAttached(vm)) return;
+  char name[] = "orlu-algo";
+  JavaVMAttachArgs args = {JNI_VERSION_1_4, name, nullptr};
+  void* env = nullptr;
+  vm->AttachCurrentThreadAsDaemon(&env, &args);
+}
+
+void detachFromJava() {
+  JavaVM* const vm = findVm();
+  if (vm != nullptr && isAttached(vm)) vm->DetachCurrentThread();
+}
+
+}  // namespace orlu::standin

@@ -1,0 +1,46 @@
+#include "request.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "callback_message.h"
+
+namespace orlu::standin {
+
+Request::Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScript> script,
+                 std::shared_ptr<ParameterSet> parameters)
+    : mScript(std::move(script)),
+      mParameters(parameters ? std::move(parameters) : std::make_shared<ParameterSet>(kParameterBlock)),
+      mClient(record.client),
+      mNativeReq(record.nativeReq),
+      mReqId(record.reqId),
+      mCookie(record.callbackCookie),
+      mAlgoList(record.algoList),
+      mInputs(record.inputFrames.begin(), record.inputFrames.end()),
+      mOutputs(record.outputFrames.begin(), record.outputFrames.end()),
+      mDue(std::chrono::steady_clock::now() + mScript->delay) {}
+
+bool Request::asksFor(const char* algorithm) const {
+  return std::find(mAlgoList.begin(), mAlgoList.end(), algorithm) != mAlgoList.end();
+}
+
+void Request::callBack() const {
+  sendCallback(mCookie, callbackMessage(mNativeReq, "shotCb", nullptr, 0), {});
+}
+
+void Request::sendLightStreamEvent() const {
+  if (!asksFor("lightstream")) return;
+  LightStreamEvent event;
+  event.reqId = mReqId;
+  frameSize(event.cropRegion[2], event.cropRegion[3]);
+  sendCallback(mCookie, callbackMessage(mNativeReq, "lightStreamCb", &event, sizeof event), {});
+}
+
+void Request::frameSize(int32_t& width, int32_t& height) const {
+  const std::vector<Frame>& frames = mInputs.empty() ? mOutputs : mInputs;
+  if (frames.empty()) return;
+  width = frames[0].info().width;
+  height = frames[0].info().height;
+}
+
+}  // namespace orlu::standin

@@ -1,0 +1,54 @@
+// One request from process() to its last callback: copies of what the caller's record holds.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "algo_interface.h"
+#include "algo_script.h"
+#include "frame.h"
+#include "parameter_set.h"
+
+namespace orlu::standin {
+
+class Request {
+public:
+  // `parameters` may be null: the request then works with a set of its own that nobody sees.
+  Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScript> script,
+          std::shared_ptr<ParameterSet> parameters);
+
+  bool asksFor(const char* algorithm) const;
+  // Sends one "shotCb", on this thread.
+  void callBack() const;
+  // Sends the "lightStreamCb" of a light-stream request, on this thread; nothing for any other.
+  void sendLightStreamEvent() const;
+  // Width and height of the first input, or else of the first output.
+  void frameSize(int32_t& width, int32_t& height) const;
+
+  const AlgoScript& script() const { return *mScript; }
+  ParameterSet& parameters() const { return *mParameters; }
+  void* client() const { return mClient; }
+  uint64_t nativeReq() const { return mNativeReq; }
+  const std::vector<std::string>& algoList() const { return mAlgoList; }
+  std::vector<Frame>& inputs() { return mInputs; }
+  std::vector<Frame>& outputs() { return mOutputs; }
+  // No callback is sent before this.
+  std::chrono::steady_clock::time_point due() const { return mDue; }
+
+private:
+  std::shared_ptr<const AlgoScript> mScript;
+  std::shared_ptr<ParameterSet> mParameters;
+  void* mClient;
+  uint64_t mNativeReq;
+  uint64_t mReqId;
+  uint64_t mCookie;
+  std::vector<std::string> mAlgoList;
+  std::vector<Frame> mInputs;
+  std::vector<Frame> mOutputs;
+  std::chrono::steady_clock::time_point mDue;
+};
+
+}  // namespace orlu::standin

@@ -1,0 +1,23 @@
+// The script in force. An operation takes it once, when it starts, and keeps to it.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "algo_script.h"
+
+namespace orlu::standin {
+
+class ScriptHolder {
+public:
+  // Null: the usual work.
+  void set(const AlgoScript* script);
+  // Never null.
+  std::shared_ptr<const AlgoScript> current() const;
+
+private:
+  mutable std::mutex mMutex;
+  std::shared_ptr<const AlgoScript> mScript = std::make_shared<AlgoScript>();
+};
+
+}  // namespace orlu::standin

@@ -1,0 +1,296 @@
+#include "stand_in.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "parameter_names.h"
+
+namespace orlu::standin {
+namespace {
+
+constexpr std::chrono::seconds kFlushLimit{2};
+constexpr int32_t kUninitForGood = 0;  // the client is about to be destroyed
+constexpr char kVersion[] = "orlu algorithm stand-in 1";
+constexpr char kParamFileCommand[] = "paramfile ";
+constexpr char kNotifyKill[] = "notify:kill";
+
+AlgoCall callOf(const char* operation, void* block = nullptr) {
+  AlgoCall call;
+  call.operation = operation;
+  call.block = block;
+  return call;
+}
+
+AlgoCall valueCallOf(const char* operation, void* block, const char* section, const char* key,
+                     const void* data, unsigned size) {
+  AlgoCall call = callOf(operation, block);
+  call.section = section;
+  call.key = key;
+  call.data = data;
+  call.size = size;
+  return call;
+}
+
+bool startsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+bool isKill(const std::vector<uint8_t>& data) {
+  return startsWith(std::string(data.begin(), data.end()), kNotifyKill);
+}
+
+// The boundary lets no exception through; memory may run out, an observer may throw.
+template <typename Body>
+int guarded(const Body& body) noexcept {
+  try {
+    return body();
+  } catch (...) {
+    return -1;
+  }
+}
+
+}  // namespace
+
+StandIn& StandIn::instance() {
+  static auto* const instance = new StandIn;
+  return *instance;
+}
+
+AlgoCounts StandIn::count() const {
+  AlgoCounts counts;
+  counts.clients = mClients.count();
+  counts.parameterBlocks = mBlocks.count(kParameterBlock);
+  counts.cameraBlocks = mBlocks.count(kCameraMetadataBlock);
+  counts.pendingRequests = mWorker.pending();
+  return counts;
+}
+
+int StandIn::init(const AlgoInitRecord& record) {
+  return guarded([&] {
+    announce(callOf("init"));
+    mTrace.init(record);
+    return 0;
+  });
+}
+
+int StandIn::process(const AlgoProcessRecord& record) {
+  return guarded([&] {
+    AlgoCall call = callOf("process");
+    call.process = &record;
+    announce(call);
+    mTrace.process(record);
+    const auto script = mScript.current();
+    auto request = std::make_unique<Request>(record, script, parametersOf(record.metadata));
+    if (script->callBackBeforeReturn) {
+      mWorker.runHere(std::move(request));
+    } else {
+      mWorker.submit(std::move(request));
+    }
+    return script->processResult;
+  });
+}
+
+int StandIn::uninit(const AlgoUninitRecord& record) {
+  return guarded([&] {
+    AlgoCall call = callOf("uninit");
+    call.uninit = &record;
+    announce(call);
+    mTrace.uninit(record);
+    if (record.mode == kUninitForGood) mWorker.abandon(record.client);
+    return 0;
+  });
+}
+
+int StandIn::getData(const AlgoGetDataRecord& record) {
+  return guarded([&] {
+    AlgoCall call = callOf("getData", record.block);
+    call.getData = &record;
+    announce(call);
+    mTrace.getData(record);
+    const auto set = mBlocks.find(record.block);
+    if (!set) return -1;
+    const std::string text = answer(record.cmd);
+    return set->set(kFeedback, "query_result", text.data(), text.size());
+  });
+}
+
+int StandIn::flush(const AlgoFlushRecord& record) {
+  return guarded([&] {
+    announce(callOf("flush"));
+    mTrace.operation("flush");
+    return mWorker.drain(record.client, kFlushLimit) ? 0 : -1;
+  });
+}
+
+int StandIn::command(const AlgoCommandRecord& record) {
+  return guarded([&] {
+    AlgoCall call = callOf("command");
+    call.command = &record;
+    announce(call);
+    mTrace.command(record);
+    if (isKill(record.data)) {
+      mWorker.abandonAll();
+      return 0;
+    }
+    const auto set = parametersOf(record.metadata);
+    int64_t flag = 0;
+    if (!set || set->get(kControl, "abort_val", &flag, sizeof flag) != 0) return -1;
+    mWorker.abortQueued(record.client, flag);
+    return 0;
+  });
+}
+
+void* StandIn::createClient(const AlgoCreateClientRecord& record) {
+  void* client = nullptr;
+  guarded([&] {
+    announce(callOf("createClient"));
+    mTrace.operation("createClient");
+    client = mClients.create(record);
+    return 0;
+  });
+  return client;
+}
+
+int StandIn::destroyClient(void* client) {
+  return guarded([&] {
+    announce(callOf("destroyClient"));
+    mTrace.operation("destroyClient");
+    mWorker.abandon(client);
+    return mClients.destroy(client) ? 0 : -1;
+  });
+}
+
+int StandIn::translateParamFile(const AlgoTranslateParamFileRecord& record) {
+  return guarded([&] {
+    AlgoCall call = callOf("translateParamFile");
+    call.translateParamFile = &record;
+    announce(call);
+    mTrace.translateParamFile(record);
+    return mParameterFiles.read(record);
+  });
+}
+
+void* StandIn::createMetadata(int kind) {
+  void* block = nullptr;
+  guarded([&] {
+    announce(callOf("createMetadata"));
+    block = mBlocks.create(kind);
+    mTrace.block("createMetadata", block);
+    return 0;
+  });
+  return block;
+}
+
+void StandIn::destroyMetadata(void* block) {
+  guarded([&] {
+    announce(callOf("destroyMetadata", block));
+    mTrace.block("destroyMetadata", block);
+    mBlocks.destroy(block);
+    return 0;
+  });
+}
+
+unsigned StandIn::getSize(void* block) {
+  unsigned size = 0;
+  guarded([&] {
+    announce(callOf("getSize", block));
+    const auto set = mBlocks.find(block);
+    if (set) size = static_cast<unsigned>(set->size());
+    return 0;
+  });
+  return size;
+}
+
+int StandIn::setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
+  return guarded([&] {
+    announce(valueCallOf("setValue", block, section, key, data, size));
+    mTrace.setValue(block, section, key, data, size);
+    const auto set = mBlocks.find(block);
+    return set ? set->set(section, key, data, size) : -1;
+  });
+}
+
+int StandIn::getValue(void* block, const char* section, const char* key, void* data, unsigned size) {
+  return guarded([&] {
+    const auto set = mBlocks.find(block);
+    const int status = set ? set->get(section, key, data, size) : -1;
+    announce(valueCallOf("getValue", block, section, key, data, size));
+    return status;
+  });
+}
+
+int StandIn::setRaw(void* block, const char* bytes, unsigned size) {
+  return guarded([&] {
+    announce(valueCallOf("setRaw", block, nullptr, nullptr, bytes, size));
+    const auto set = mBlocks.find(block);
+    return set ? set->setRaw(bytes, size) : -1;
+  });
+}
+
+int StandIn::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor) {
+  return guarded([&] {
+    announce(callOf("paramAlgoUpdateToSystem", block));
+    const auto set = mBlocks.find(block);
+    if (!set || !visitor) return -1;
+    int result = 0;
+    for (ParameterSet::Value& value : set->values(kFeedback)) {
+      const auto size = static_cast<unsigned>(value.bytes.size());
+      const int status = visitor(value.section.c_str(), value.key.c_str(), value.bytes.data(), size);
+      if (status != 0) result = status;
+    }
+    return result;
+  });
+}
+
+int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor) {
+  return guarded([&] {
+    announce(callOf("paramSystemDownloadToAlgo", block));
+    const auto set = mBlocks.find(block);
+    if (!set || !visitor) return -1;
+    // A value that the system does not know is no failure.
+    for (const WantedValue& wanted : mScript.current()->wanted) {
+      std::vector<uint8_t> bytes(wanted.size);
+      if (visitor(wanted.section.c_str(), wanted.key.c_str(), bytes.data(), wanted.size) != 0) continue;
+      set->set(wanted.section.c_str(), wanted.key.c_str(), bytes.data(), bytes.size());
+    }
+    return 0;
+  });
+}
+
+void StandIn::announce(const AlgoCall& call) const {
+  const auto script = mScript.current();
+  if (script->observer) script->observer(call);
+}
+
+void StandIn::work(Request& request) {
+  RunReport report;
+  if (request.script().runAlgorithms) report = AlgorithmChain(request).run();
+  for (const ScriptedValue& value : request.script().values) {
+    request.parameters().set(value.section.c_str(), value.key.c_str(), value.bytes.data(),
+                             value.bytes.size());
+  }
+  mTrace.done(request.nativeReq(), report);
+}
+
+std::string StandIn::answer(const std::string& cmd) const {
+  if (cmd == "version") return kVersion;
+  if (startsWith(cmd, kParamFileCommand))
+    return mParameterFiles.describe(cmd.substr(sizeof kParamFileCommand - 1));
+  if (cmd != "status") return {};
+  const AlgoCounts counts = count();
+  return "clients " + std::to_string(counts.clients) + " parameterBlocks " +
+         std::to_string(counts.parameterBlocks) + " cameraBlocks " + std::to_string(counts.cameraBlocks) +
+         " pendingRequests " + std::to_string(counts.pendingRequests);
+}
+
+std::shared_ptr<ParameterSet> StandIn::parametersOf(const std::vector<AlgoMetadataEntry>& entries) const {
+  for (const AlgoMetadataEntry& entry : entries) {
+    if (entry.kind != kParameterBlock) continue;
+    auto set = mBlocks.find(entry.block);
+    if (set && set->kind() == kParameterBlock) return set;
+  }
+  return nullptr;
+}
+
+}  // namespace orlu::standin

@@ -1,0 +1,65 @@
+// The library behind its tables: clients, metadata blocks, the worker, and the script that tests steer it by.
+// Every operation tells the script's observer and the trace of itself. No operation throws.
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "algo_interface.h"
+#include "algo_script.h"
+#include "block_registry.h"
+#include "clients.h"
+#include "parameter_files.h"
+#include "script_holder.h"
+#include "trace.h"
+#include "worker.h"
+
+namespace orlu::standin {
+
+class StandIn {
+public:
+  // Made on first use and never destroyed: the worker and the callables live until the process ends.
+  static StandIn& instance();
+
+  ScriptHolder& script() { return mScript; }
+  Trace& trace() { return mTrace; }
+  AlgoCounts count() const;
+  bool waitIdle(std::chrono::milliseconds limit) { return mWorker.drainAll(limit); }
+
+  // The callables of the tables. -1 for a block that is not live.
+  int init(const AlgoInitRecord& record);
+  int process(const AlgoProcessRecord& record);
+  int uninit(const AlgoUninitRecord& record);
+  int getData(const AlgoGetDataRecord& record);
+  int flush(const AlgoFlushRecord& record);
+  int command(const AlgoCommandRecord& record);
+  void* createClient(const AlgoCreateClientRecord& record);
+  int destroyClient(void* client);
+  int translateParamFile(const AlgoTranslateParamFileRecord& record);
+
+  void* createMetadata(int kind);
+  void destroyMetadata(void* block);
+  unsigned getSize(void* block);
+  int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
+  int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
+  int setRaw(void* block, const char* bytes, unsigned size);
+  int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
+  int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
+
+private:
+  StandIn() = default;
+
+  void announce(const AlgoCall& call) const;
+  void work(Request& request);
+  std::string answer(const std::string& cmd) const;
+  std::shared_ptr<ParameterSet> parametersOf(const std::vector<AlgoMetadataEntry>& entries) const;
+
+  ScriptHolder mScript;
+  Trace mTrace;
+  BlockRegistry mBlocks;
+  Clients mClients;
+  ParameterFiles mParameterFiles;
+  Worker mWorker{[this](Request& request) { work(request); }};
+};
+
+}  // namespace orlu::standin
