@@ -47,8 +47,8 @@ void Algo::use() {
 
 void Algo::record(const standin::AlgoCall& call) {
   const auto* const bytes = static_cast<const uint8_t*>(call.data);
-  RecordedCall recorded = {call.operation, call.section == nullptr ? "" : call.section,
-                           call.key == nullptr ? "" : call.key, {}};
+  RecordedCall recorded = {
+      call.operation, call.section == nullptr ? "" : call.section, call.key == nullptr ? "" : call.key, {}};
   if (bytes != nullptr) recorded.bytes.assign(bytes, bytes + call.size);
   const std::lock_guard<std::mutex> lock(mMutex);
   mCalls.push_back(std::move(recorded));

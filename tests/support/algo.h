@@ -1,4 +1,5 @@
-// The stand-in algorithm library, as the product opened it: scripted for the life of this object, its calls recorded.
+// The stand-in algorithm library, as the product opened it: scripted for the life of this object, its calls
+// recorded.
 #pragma once
 
 #include <mutex>
@@ -18,7 +19,7 @@ struct RecordedCall {
 };
 
 class Algo {
- public:
+public:
   Algo();
   Algo(const Algo&) = delete;
   Algo& operator=(const Algo&) = delete;
@@ -38,7 +39,7 @@ class Algo {
   static void sendCallback(uint64_t cookie, const std::vector<uint8_t>& data,
                            const std::vector<const native_handle_t*>& handles, bool attachThread);
 
- private:
+private:
   void record(const standin::AlgoCall& call);
 
   std::function<void(const standin::AlgoCall&)> mObserver;

@@ -221,8 +221,8 @@ jobject newMetadata() {
 }
 
 void setTag(jobject metadata, const char* tag, jobject value) {
-  env()->CallVoidMethod(metadata, methodOf(metadata, "set", "(Ljava/lang/String;Ljava/lang/Object;)V"), javaString(tag),
-                        value);
+  env()->CallVoidMethod(metadata, methodOf(metadata, "set", "(Ljava/lang/String;Ljava/lang/Object;)V"),
+                        javaString(tag), value);
   expectNoException(tag);
 }
 
@@ -243,14 +243,16 @@ jobject newComposition(jobject metadata) {
 }
 
 void putKey(jobject composition, const char* key, jobject value) {
-  env()->CallVoidMethod(composition, methodOf(composition, "putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V"),
+  env()->CallVoidMethod(composition,
+                        methodOf(composition, "putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V"),
                         javaString(key), value);
   expectNoException(key);
 }
 
 jobject getKey(jobject composition, const char* key) {
   jobject value = env()->CallObjectMethod(
-      composition, methodOf(composition, "getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;"), javaString(key));
+      composition, methodOf(composition, "getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;"),
+      javaString(key));
   expectNoException(key);
   return value;
 }

@@ -1,4 +1,5 @@
-// Java objects of a request, made from C++. Every one is a local reference, freed by the LocalFrame of its test.
+// Java objects of a request, made from C++. Every one is a local reference, freed by the LocalFrame of its
+// test.
 #pragma once
 
 #include <jni.h>
@@ -14,7 +15,7 @@ namespace orlu::test {
 
 // Frees the local references made during its life. One in each test.
 class LocalFrame {
- public:
+public:
   LocalFrame() { env()->PushLocalFrame(4096); }
   LocalFrame(const LocalFrame&) = delete;
   LocalFrame& operator=(const LocalFrame&) = delete;

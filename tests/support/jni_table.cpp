@@ -16,7 +16,7 @@ struct JniTableFunctions {
   struct Counted;
 
   template <typename Result, typename... Arguments,
-            Result(JNICALL* JNINativeInterface_::*Member)(JNIEnv*, Arguments...)>
+            Result (JNICALL* JNINativeInterface_::*Member)(JNIEnv*, Arguments...)>
   struct Counted<Member> {
     static inline const char* name = nullptr;
 

@@ -1,5 +1,5 @@
-// A thin table of our own over an environment's JNI functions, in place for the life of this object: it counts calls
-// and lets lookups fail.
+// A thin table of our own over an environment's JNI functions, in place for the life of this object: it
+// counts calls and lets lookups fail.
 #pragma once
 
 #include <jni.h>
@@ -12,7 +12,7 @@
 namespace orlu::test {
 
 class JniTable {
- public:
+public:
   explicit JniTable(JNIEnv* env);
   JniTable(const JniTable&) = delete;
   JniTable& operator=(const JniTable&) = delete;
@@ -25,12 +25,13 @@ class JniTable {
   // Calls by the function's name.
   int calls(const std::string& function) const;
   const std::map<std::string, int>& allCalls() const { return mCalls; }
-  // Every lookup in order: a class as its name, a member as "class.member signature", or "null.member signature".
+  // Every lookup in order: a class as its name, a member as "class.member signature", or "null.member
+  // signature".
   const std::vector<std::string>& lookups() const { return mLookups; }
   // Local references made less those deleted, as far as this library makes them.
   int localReferences() const { return mLocalReferences; }
 
- private:
+private:
   friend struct JniTableFunctions;
 
   jclass findClass(const char* name);

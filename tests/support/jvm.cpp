@@ -15,7 +15,8 @@ JavaVM* gVm = nullptr;
 JNIEnv* gEnv = nullptr;
 std::string gVmOutput;
 
-// The VM writes to descriptor 1. It gets a file of its own, and this program's standard output another descriptor.
+// The VM writes to descriptor 1. It gets a file of its own, and this program's standard output another
+// descriptor.
 bool splitOutput() {
   char path[] = "/tmp/orlu-vm-output-XXXXXX";
   const int file = mkstemp(path);

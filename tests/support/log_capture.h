@@ -16,7 +16,7 @@ struct LogLine {
 };
 
 class LogCapture {
- public:
+public:
   LogCapture();
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
@@ -33,7 +33,7 @@ class LogCapture {
   // All lines in one text, for failure messages.
   std::string text() const;
 
- private:
+private:
   static void log(const __android_log_message* message);
 
   mutable std::mutex mMutex;

@@ -1,0 +1,290 @@
+#include "golden_case.h"
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace orlu::test {
+namespace {
+
+std::string restOf(std::istream& in) {
+  std::string rest;
+  std::getline(in >> std::ws, rest);
+  return rest;
+}
+
+std::vector<std::string> wordsOf(std::istream& in) {
+  std::vector<std::string> words;
+  for (std::string word; in >> word;) {
+    words.push_back(word);
+  }
+  return words;
+}
+
+void expect(bool condition, const char* what) {
+  if (!condition) {
+    throw std::runtime_error(what);
+  }
+}
+
+// "640x480"
+void parseSize(const std::string& text, int& width, int& height) {
+  char by = 0;
+  std::istringstream in(text);
+  expect(in >> width >> by >> height && by == 'x', "a size is missing");
+}
+
+int defaultStride(const std::string& format, int width) {
+  return format.compare(0, 3, "RAW") == 0 ? 2 * width : width;
+}
+
+// "NV21 640x480 [stride 640] shared|hardware [x5]"
+void addImages(std::vector<GoldenImage>& images, std::istream& in) {
+  GoldenImage image;
+  std::string size;
+  in >> image.format >> size;
+  parseSize(size, image.width, image.height);
+  image.stride = defaultStride(image.format, image.width);
+  int times = 1;
+  for (std::string word; in >> word;) {
+    if (word == "stride") {
+      in >> image.stride;
+    } else if (word[0] == 'x') {
+      times = std::stoi(word.substr(1));
+    } else {
+      expect(word == "shared" || word == "hardware", "the memory is missing");
+      image.hardware = word == "hardware";
+    }
+  }
+  images.insert(images.end(), static_cast<size_t>(times), image);
+}
+
+void setTag(std::map<std::string, GoldenValue>& tags, const std::string& tag, const std::string& text,
+            int frame) {
+  const GoldenValue value = parseGoldenValue(text, frame);
+  tags.erase(tag);
+  if (value.type != "none") {
+    tags[tag] = value;
+  }
+}
+
+class Reader {
+public:
+  explicit Reader(GoldenCase& golden) : mGolden(golden) {}
+
+  void readFile(const std::string& path, const std::string& shared) {
+    std::ifstream in(path);
+    if (!in) {
+      throw std::runtime_error(path + ": can't be read");
+    }
+    int number = 0;
+    for (std::string line; std::getline(in, line);) {
+      ++number;
+      try {
+        readLine(line, shared);
+      } catch (const std::runtime_error& error) {
+        throw std::runtime_error(path + ':' + std::to_string(number) + ": " + error.what());
+      }
+    }
+  }
+
+private:
+  void readLine(const std::string& line, const std::string& shared) {
+    std::istringstream in(line);
+    std::string word;
+    if (!(in >> word) || word[0] == '#') {
+      return;
+    }
+    if (word[0] == '[') {
+      mSection = word;
+    } else if (word == "include") {
+      in >> word;
+      readFile(shared + word + ".txt", shared);
+    } else if (mSection == "[request]") {
+      readRequest(word, in);
+    } else if (mSection == "[tags]") {
+      addGoldenTag(mGolden.frames, line);
+    } else if (mSection == "[after]") {
+      readAfter(word, in);
+    } else {
+      expect(mSection == "[writes]", "no section");
+      readWrite(word, in);
+    }
+  }
+
+  void readRequest(const std::string& word, std::istream& in) {
+    if (word == "type") {
+      in >> mGolden.requestType;
+    } else if (word == "input") {
+      addImages(mGolden.inputs, in);
+    } else if (word == "output") {
+      addImages(mGolden.outputs, in);
+    } else if (word == "frames") {
+      size_t count = 0;
+      in >> count;
+      mGolden.frames.resize(count);
+    } else if (word == "algorithms") {
+      mGolden.algorithms = wordsOf(in);
+    } else {
+      expect(word == "property", "unknown line of a request");
+      std::string name;
+      in >> name;
+      mGolden.properties.emplace_back(name, restOf(in));
+    }
+  }
+
+  void readAfter(const std::string& word, std::istream& in) {
+    if (word == "algorithms") {
+      mGolden.algorithmsAfter = wordsOf(in);
+    } else if (word == "put") {
+      GoldenPut put;
+      in >> put.frame >> put.key;
+      put.value = parseGoldenValue(restOf(in), put.frame);
+      mGolden.puts.push_back(put);
+    } else if (word == "output") {
+      readOutput(in);
+    } else {
+      expect(word == "skip", "unknown line of an outcome");
+      mGolden.skip = true;
+    }
+  }
+
+  // "0 4000x3000 stride 4032 scanline 3008 planes 12128256 6064128"
+  void readOutput(std::istream& in) {
+    int index = 0;
+    std::string size;
+    std::string stride;
+    std::string scanline;
+    std::string planes;
+    in >> index >> size;
+    GoldenOutput& output = mGolden.changedOutputs[index];
+    parseSize(size, output.width, output.height);
+    in >> stride >> output.stride >> scanline >> output.scanline >> planes >> output.planeSizes[0] >>
+        output.planeSizes[1];
+    expect(in && stride == "stride" && scanline == "scanline" && planes == "planes", "not an output");
+  }
+
+  void readWrite(const std::string& word, std::istream& in) {
+    GoldenWrite write;
+    if (word != "~") {
+      write.section = word;
+      in >> write.key;
+      write.value = parseGoldenValue(restOf(in), 0);
+      mGolden.writes.push_back(write);
+      return;
+    }
+    in >> write.section >> write.key;
+    replacedValue(write) = parseGoldenValue(restOf(in), 0);
+  }
+
+  // The value that stands so far under a section and a key, which "key#2" says which of.
+  GoldenValue& replacedValue(const GoldenWrite& write) {
+    const size_t hash = write.key.find('#');
+    const std::string key = write.key.substr(0, hash);
+    int left = hash == std::string::npos ? 1 : std::stoi(write.key.substr(hash + 1));
+    for (GoldenWrite& candidate : mGolden.writes) {
+      if (candidate.section == write.section && candidate.key == key && --left == 0) {
+        return candidate.value;
+      }
+    }
+    throw std::runtime_error("nothing to replace");
+  }
+
+  GoldenCase& mGolden;
+  std::string mSection;
+};
+
+bool sameWrite(const GoldenWrite& a, const GoldenWrite& b) {
+  return a.section == b.section && a.key == b.key && a.value.bytes == b.value.bytes;
+}
+
+// lengths[i][j]: the longest common part of expected from i and actual from j on.
+std::vector<std::vector<int>> commonLengths(const std::vector<GoldenWrite>& expected,
+                                            const std::vector<GoldenWrite>& actual) {
+  std::vector<std::vector<int>> lengths(expected.size() + 1, std::vector<int>(actual.size() + 1));
+  for (size_t i = expected.size(); i-- > 0;) {
+    for (size_t j = actual.size(); j-- > 0;) {
+      lengths[i][j] = sameWrite(expected[i], actual[j]) ? lengths[i + 1][j + 1] + 1
+                                                        : std::max(lengths[i + 1][j], lengths[i][j + 1]);
+    }
+  }
+  return lengths;
+}
+
+// Every line of both, marked ' ', '-' (only expected) or '+' (only there).
+std::vector<std::string> markedLines(const std::vector<GoldenWrite>& expected,
+                                     const std::vector<GoldenWrite>& actual) {
+  const auto lengths = commonLengths(expected, actual);
+  std::vector<std::string> lines;
+  size_t i = 0;
+  size_t j = 0;
+  while (i < expected.size() || j < actual.size()) {
+    if (i < expected.size() && j < actual.size() && sameWrite(expected[i], actual[j])) {
+      lines.push_back(' ' + actual[j].line());
+      ++i;
+      ++j;
+    } else if (i < expected.size() && (j == actual.size() || lengths[i + 1][j] >= lengths[i][j + 1])) {
+      lines.push_back('-' + expected[i++].line());
+    } else {
+      lines.push_back('+' + actual[j++].line());
+    }
+  }
+  return lines;
+}
+
+std::string withContext(const std::vector<std::string>& lines) {
+  constexpr size_t kContext = 2;
+  std::string text;
+  size_t shownTo = 0;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    if (lines[i][0] == ' ') {
+      continue;
+    }
+    const size_t from = std::max(shownTo, i < kContext ? 0 : i - kContext);
+    text += from > shownTo ? "@@\n" : "";
+    shownTo = std::min(lines.size(), i + kContext + 1);
+    for (size_t k = from; k < shownTo; ++k) {
+      text += lines[k] + '\n';
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+GoldenCase readGoldenCase(const std::string& path) {
+  GoldenCase golden;
+  Reader(golden).readFile(path, path.substr(0, path.rfind('/') + 1) + "shared/");
+  return golden;
+}
+
+void addGoldenTag(std::vector<GoldenFrame>& frames, const std::string& line) {
+  std::istringstream in(line);
+  std::string where;
+  std::string tag;
+  in >> where >> tag;
+  const std::string value = restOf(in);
+  const bool composition = where[0] == 'c';
+  const std::string which = where.substr(composition ? 1 : 0);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    if (which == "*" || which == std::to_string(i)) {
+      setTag(composition ? frames[i].composition : frames[i].captureResult, tag, value, static_cast<int>(i));
+    }
+  }
+  expect(which == "*" || static_cast<size_t>(std::stoi(which)) < frames.size(), "no such frame");
+}
+
+std::string diffWrites(const std::vector<GoldenWrite>& expected, const std::vector<GoldenWrite>& actual) {
+  std::map<std::string, std::string> types;
+  for (const GoldenWrite& write : expected) {
+    types.emplace(write.section + write.key, write.value.type);
+  }
+  std::vector<GoldenWrite> typed = actual;
+  for (GoldenWrite& write : typed) {
+    const auto type = types.find(write.section + write.key);
+    write.value.type = type == types.end() ? "bytes" : type->second;
+  }
+  return withContext(markedLines(expected, typed));
+}
+
+}  // namespace orlu::test

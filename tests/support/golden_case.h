@@ -1,0 +1,79 @@
+// One golden text: a request, and what translating its metadata must come to. tests/golden/README.md tells
+// the notation.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "golden_value.h"
+
+namespace orlu::test {
+
+struct GoldenImage {
+  std::string format;
+  int width = 0;
+  int height = 0;
+  int stride = 0;  // bytes
+  bool hardware = false;
+};
+
+// The tags of one frame: what the camera reported, and the composition over it.
+struct GoldenFrame {
+  std::map<std::string, GoldenValue> captureResult;
+  std::map<std::string, GoldenValue> composition;
+};
+
+// One setValue() call.
+struct GoldenWrite {
+  std::string section;  // without "orlu.algo."
+  std::string key;
+  GoldenValue value;
+
+  std::string line() const { return section + ' ' + key + ' ' + describeBytes(value.type, value.bytes); }
+};
+
+// A value put into the composition of a frame.
+struct GoldenPut {
+  int frame = 0;
+  std::string key;
+  GoldenValue value;
+};
+
+// An output's record after the translation.
+struct GoldenOutput {
+  int width = 0;
+  int height = 0;
+  int stride = 0;
+  int scanline = 0;
+  int planeSizes[2] = {};
+};
+
+struct GoldenCase {
+  std::string requestType;
+  std::vector<GoldenImage> inputs;
+  std::vector<GoldenImage> outputs;
+  std::vector<std::string> algorithms;
+  std::vector<std::pair<std::string, std::string>> properties;
+  std::vector<GoldenFrame> frames;
+
+  std::vector<std::string> algorithmsAfter;
+  std::vector<GoldenPut> puts;
+  std::map<int, GoldenOutput> changedOutputs;
+  bool skip = false;
+  std::vector<GoldenWrite> writes;
+};
+
+// Reads a text; "include" looks into the folder "shared" beside it. Throws std::runtime_error, with the file
+// and the line, for what it does not understand.
+GoldenCase readGoldenCase(const std::string& path);
+
+// Reads one more line of tags, such as "0 orlu.control.reqID int 5", into the frames.
+void addGoldenTag(std::vector<GoldenFrame>& frames, const std::string& line);
+
+// Where `actual` differs from `expected`, with some lines around, or "" when all is the same. A value is
+// shown by the type that is expected of its key.
+std::string diffWrites(const std::vector<GoldenWrite>& expected, const std::vector<GoldenWrite>& actual);
+
+}  // namespace orlu::test

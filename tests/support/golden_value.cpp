@@ -1,0 +1,260 @@
+#include "golden_value.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <iomanip>
+#include <limits>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+#include <type_traits>
+
+namespace orlu::test {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+[[noreturn]] void fail(const std::string& what, const std::string& text) {
+  throw std::runtime_error(what + ": '" + text + "'");
+}
+
+template <typename T>
+T parsePlain(const std::string& text, char** end) {
+  if constexpr (std::is_integral_v<T>) {
+    return static_cast<T>(std::strtoll(text.c_str(), end, 0));
+  } else if constexpr (std::is_same_v<T, float>) {
+    return std::strtof(text.c_str(), end);
+  } else {
+    return std::strtod(text.c_str(), end);
+  }
+}
+
+template <typename T>
+T parseNumber(const std::string& text, int frame) {
+  char* end = nullptr;
+  T value = parsePlain<T>(text, &end);
+  std::string rest = end;
+  if (rest.size() > 1 && rest[0] == '/') {
+    value = static_cast<T>(value / parsePlain<T>(rest.substr(1), &end));
+    rest = end;
+  } else if (rest.size() > 2 && rest[0] == '+') {
+    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(rest.substr(1), &end));
+    rest = std::strcmp(end, "i") == 0 ? "" : "?";
+  }
+  if (text.empty() || !rest.empty()) {
+    fail("not a number", text);
+  }
+  return value;
+}
+
+template <typename T>
+void append(Bytes& bytes, const std::string& word, int frame) {
+  const size_t star = word.find('*');
+  const T value = parseNumber<T>(word.substr(0, star), frame);
+  const int times = star == std::string::npos ? 1 : parseNumber<int>(word.substr(star + 1), 0);
+  for (int i = 0; i < times; ++i) {
+    const size_t at = bytes.size();
+    bytes.resize(at + sizeof value);
+    std::memcpy(bytes.data() + at, &value, sizeof value);
+  }
+}
+
+using Append = void (*)(Bytes&, const std::string&, int);
+
+// Answers null for a type that isn't a number. "ints" is as good as "int" here.
+Append appenderOf(std::string type) {
+  static const std::map<std::string, Append> appenders = {
+      {"byte",   append<uint8_t>},
+      {"int",    append<int32_t>},
+      {"long",   append<int64_t>},
+      {"float",  append<float>  },
+      {"double", append<double> },
+      {"rect",   append<int32_t>},
+      {"face",   append<int32_t>},
+      {"region", append<int32_t>}
+  };
+  if (!type.empty() && type.back() == 's') {
+    type.pop_back();
+  }
+  const auto found = appenders.find(type);
+  return found == appenders.end() ? nullptr : found->second;
+}
+
+std::string quoted(std::istream& in) {
+  std::string text;
+  in >> std::ws >> std::quoted(text);
+  return text;
+}
+
+// One "offset:type=value,value" of a record.
+void putPart(Bytes& bytes, const std::string& part, int frame) {
+  const size_t colon = part.find(':');
+  const size_t equals = part.find('=');
+  if (colon == std::string::npos || equals == std::string::npos || equals < colon) {
+    fail("not a part of a record", part);
+  }
+  std::string words = part.substr(equals + 1);
+  const std::string type = part.substr(colon + 1, equals - colon - 1);
+  Bytes packed;
+  if (type == "text") {
+    std::istringstream in(words);
+    const std::string text = quoted(in);
+    packed.assign(text.begin(), text.end());
+  } else {
+    const Append appender = appenderOf(type);
+    for (char& c : words) {
+      c = c == ',' ? ' ' : c;
+    }
+    std::istringstream in(words);
+    for (std::string word; appender != nullptr && in >> word;) {
+      appender(packed, word, frame);
+    }
+  }
+  const auto offset = static_cast<size_t>(parseNumber<int>(part.substr(0, colon), 0));
+  if (packed.empty() || offset + packed.size() > bytes.size()) {
+    fail("does not fit the record", part);
+  }
+  std::memcpy(bytes.data() + offset, packed.data(), packed.size());
+}
+
+// "bytes[152]" becomes "bytes", and its size is answered; 0 without one.
+size_t takeSize(std::string& type) {
+  const size_t bracket = type.find('[');
+  if (bracket == std::string::npos) {
+    return 0;
+  }
+  const int size = parseNumber<int>(type.substr(bracket + 1, type.size() - bracket - 2), 0);
+  type.resize(bracket);
+  return static_cast<size_t>(size);
+}
+
+Bytes parseSized(const std::string& type, size_t size, std::istream& in, int frame) {
+  Bytes bytes(size);
+  if (type == "text") {
+    const std::string text = quoted(in);
+    if (text.size() > size) {
+      fail("text is too long", text);
+    }
+    std::memcpy(bytes.data(), text.data(), text.size());
+  }
+  for (std::string part; type == "bytes" && in >> part;) {
+    putPart(bytes, part, frame);
+  }
+  return bytes;
+}
+
+Bytes parseLocation(std::istream& in, int frame) {
+  Bytes bytes;
+  std::string word;
+  for (int i = 0; i < 3 && in >> word; ++i) {
+    append<double>(bytes, word, frame);
+  }
+  in >> word;
+  append<int64_t>(bytes, word, frame);
+  return bytes;
+}
+
+template <typename T>
+std::string describeNumbers(const Bytes& bytes) {
+  const std::vector<T> values = GoldenValue{"", bytes}.numbers<T>();
+  std::ostringstream out;
+  out << std::setprecision(std::numeric_limits<T>::max_digits10);
+  for (size_t i = 0; i < values.size();) {
+    size_t times = 1;
+    while (i + times < values.size() && values[i + times] == values[i]) {
+      ++times;
+    }
+    out << (i == 0 ? "" : " ") << +values[i];
+    if (times > 1) {
+      out << '*' << times;
+    }
+    i += times;
+  }
+  return out.str();
+}
+
+// The words of a record that aren't zero.
+std::string describeRecord(const Bytes& bytes) {
+  const std::vector<int32_t> words = GoldenValue{"", bytes}.numbers<int32_t>();
+  std::ostringstream out;
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (words[i] != 0) {
+      float real = 0;
+      std::memcpy(&real, &words[i], sizeof real);
+      out << ' ' << i * sizeof(int32_t) << ":int=" << words[i];
+      if (real > 1e-20F || real < -1e-20F) {
+        out << "(float=" << real << ')';
+      }
+    }
+  }
+  return out.str();
+}
+
+}  // namespace
+
+template <typename T>
+std::vector<T> GoldenValue::numbers() const {
+  std::vector<T> values(bytes.size() / sizeof(T));
+  if (!values.empty()) {
+    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(T));
+  }
+  return values;
+}
+template std::vector<uint8_t> GoldenValue::numbers() const;
+template std::vector<int32_t> GoldenValue::numbers() const;
+template std::vector<int64_t> GoldenValue::numbers() const;
+template std::vector<float> GoldenValue::numbers() const;
+template std::vector<double> GoldenValue::numbers() const;
+
+GoldenValue parseGoldenValue(const std::string& text, int frame) {
+  std::istringstream in(text);
+  GoldenValue value;
+  in >> value.type;
+  const size_t size = takeSize(value.type);
+  if (size > 0) {
+    value.bytes = parseSized(value.type, size, in, frame);
+  } else if (value.type == "string") {
+    const std::string words = quoted(in);
+    value.bytes.assign(words.begin(), words.end());
+  } else if (value.type == "location") {
+    value.bytes = parseLocation(in, frame);
+  } else if (const Append appender = appenderOf(value.type); appender != nullptr) {
+    for (std::string word; in >> word;) {
+      appender(value.bytes, word, frame);
+    }
+  } else if (value.type != "none") {
+    fail("unknown type", text);
+  }
+  std::string rest;
+  if (in.clear(), in >> rest) {
+    fail("too many words", text);
+  }
+  return value;
+}
+
+std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes) {
+  const std::string size = '[' + std::to_string(bytes.size()) + ']';
+  if (type == "text") {
+    std::string words(bytes.begin(), bytes.end());
+    return type + size + " \"" + words.substr(0, words.find('\0')) + '"';
+  }
+  if (type == "byte") {
+    return type + ' ' + describeNumbers<uint8_t>(bytes);
+  }
+  if (type == "long" || type == "longs") {
+    return type + ' ' + describeNumbers<int64_t>(bytes);
+  }
+  if (type == "float" || type == "floats") {
+    return type + ' ' + describeNumbers<float>(bytes);
+  }
+  if (type == "double" || type == "doubles") {
+    return type + ' ' + describeNumbers<double>(bytes);
+  }
+  if (type == "int" || type == "ints") {
+    return type + ' ' + describeNumbers<int32_t>(bytes);
+  }
+  return "bytes" + size + describeRecord(bytes);
+}
+
+}  // namespace orlu::test
