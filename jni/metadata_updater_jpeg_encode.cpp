@@ -8,6 +8,19 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 
+void logExif(const ExifInfo& exif, int32_t fNumber) {
+  LOGD(
+      "exif expo %lld iso %d aperture %f sensi %d focal %f focal %f flash %d awb %d scene %d ae %d aeCom %d "
+      "timestamp %lld location alt %f lati %f long %f time %lld gotalt %d aeCompensationStep %d %d dofLevel "
+      "%d",
+      static_cast<long long>(exif.exposureTime), exif.iso, static_cast<double>(exif.aperture),
+      exif.sensitivity, static_cast<double>(exif.focalLengthIn35mm), static_cast<double>(exif.focalLength),
+      exif.flashMode, exif.awbMode, exif.sceneMode, exif.aeMode, exif.aeExposureCompensation,
+      static_cast<long long>(exif.sensorTimestamp), exif.location.altitude, exif.location.latitude,
+      exif.location.longitude, static_cast<long long>(exif.location.timestamp), exif.location.hasAltitude,
+      exif.aeCompensationStepNumerator, exif.aeCompensationStepDenominator, fNumber);
+}
+
 }  // namespace
 
 void MetadataUpdater::updateJpegEncode() {
@@ -17,7 +30,9 @@ void MetadataUpdater::updateJpegEncode() {
   read(refocus.pointRatioY, "orlu.refocus.pointRatioY");
   read(refocus.filmSize, "orlu.control.filmSize");
   const ExifInfo exif = readExif(refocus.fNumber, hasFNumber);
-  write(kFeedback, "scene_type", readSceneType());
+  const int32_t scene = readSceneType();
+  logExif(exif, refocus.fNumber);
+  write(kFeedback, "scene_type", scene);
   write(kParameter, "refocus_jpegpack_params", refocus);
   write(kParameter, "exif_info_for_write", exif);
 }
@@ -47,16 +62,6 @@ ExifInfo MetadataUpdater::readExif(int32_t fNumber, bool hasFNumber) {
   if (readOr<int32_t>(0, "orlu.control.document.pack", firstFrame()) != 0) {
     exif.hasLocation = read(exif.location, "android.jpeg.gpsLocation") == 0;
   }
-  LOGD(
-      "exif expo %lld iso %d aperture %f sensi %d focal %f focal %f flash %d awb %d scene %d ae %d aeCom %d "
-      "timestamp %lld location alt %f lati %f long %f time %lld gotalt %d aeCompensationStep %d %d dofLevel "
-      "%d",
-      static_cast<long long>(exif.exposureTime), exif.iso, static_cast<double>(exif.aperture),
-      exif.sensitivity, static_cast<double>(exif.focalLengthIn35mm), static_cast<double>(exif.focalLength),
-      exif.flashMode, exif.awbMode, exif.sceneMode, exif.aeMode, exif.aeExposureCompensation,
-      static_cast<long long>(exif.sensorTimestamp), exif.location.altitude, exif.location.latitude,
-      exif.location.longitude, static_cast<long long>(exif.location.timestamp), exif.location.hasAltitude,
-      exif.aeCompensationStepNumerator, exif.aeCompensationStepDenominator, fNumber);
   return exif;
 }
 

@@ -19,10 +19,10 @@ final class FrameSetReader {
     private FrameSetReader() {
     }
 
-    static FrameSetSpec read(JsonField field) throws RequestFileException {
+    static FrameSetPlan read(JsonField field) throws RequestFileException {
         if (field.isList()) {
             List<JsonField> each = field.list();
-            return new FrameSetSpec(frames(each.size(), each, new JsonMembers(field, Map.of())), 0, 1, 0, 0);
+            return new FrameSetPlan(frames(each.size(), each, new JsonMembers(field, Map.of())), 0, 1, 0, 0);
         }
         JsonMembers set = field.members(
                 "count", "common", "each", "noise", "blur", "gain", "shift", "seed", "width", "height");
@@ -34,7 +34,7 @@ final class FrameSetReader {
         if (set.has("width") != set.has("height")) {
             throw field.error("needs both width and height, or neither");
         }
-        return new FrameSetSpec(frames(count, each, set), set.integer("shift", 0, LARGEST_SHIFT, 0),
+        return new FrameSetPlan(frames(count, each, set), set.integer("shift", 0, LARGEST_SHIFT, 0),
                 set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), side(set, "width"),
                 side(set, "height"));
     }
@@ -48,16 +48,16 @@ final class FrameSetReader {
         return side;
     }
 
-    private static List<FrameSpec> frames(int count, List<JsonField> each, JsonMembers set)
+    private static List<FramePlan> frames(int count, List<JsonField> each, JsonMembers set)
             throws RequestFileException {
-        List<FrameSpec> frames = new ArrayList<>();
+        List<FramePlan> frames = new ArrayList<>();
         for (int i = 0; i < count; ++i) {
             frames.add(frame(i, set, i < each.size() ? each.get(i) : null));
         }
         return frames;
     }
 
-    private static FrameSpec frame(int index, JsonMembers set, JsonField own) throws RequestFileException {
+    private static FramePlan frame(int index, JsonMembers set, JsonField own) throws RequestFileException {
         CameraMetadataNative report = new CameraMetadataNative();
         Map<String, Object> composition = new LinkedHashMap<>();
         if (set.has("common")) {
@@ -68,7 +68,7 @@ final class FrameSetReader {
             members = own.members("captureResult", "composition", "noise", "blur", "gain", "shift");
             addTags(members, index, report, composition);
         }
-        return new FrameSpec(report, composition,
+        return new FramePlan(report, composition,
                 members.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
                 members.number("blur", 0, 20, ofFrame(set, "blur", index, 20, 0)),
                 members.number("gain", 0, 100, ofFrame(set, "gain", index, 100, 1)), shift(members));

@@ -22,11 +22,11 @@ final class FrameSynthesis {
     // Seven frames of a phone's photo in full would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;
 
-    private final FrameSetSpec mSpec;
+    private final FrameSetPlan mSpec;
     private final boolean mKeepMosaicPhase;
 
     /** With the mosaic's phase to be kept, all shifts drawn are even. */
-    FrameSynthesis(FrameSetSpec spec, boolean keepMosaicPhase) {
+    FrameSynthesis(FrameSetPlan spec, boolean keepMosaicPhase) {
         mSpec = spec;
         mKeepMosaicPhase = keepMosaicPhase;
     }
@@ -77,7 +77,7 @@ final class FrameSynthesis {
     }
 
     private SynthesisedFrame frame(int index, Picture photo, int width, int height) {
-        FrameSpec spec = mSpec.frames().get(index);
+        FramePlan spec = mSpec.frames().get(index);
         Random random = new Random(mSpec.seed() * FRAME_PRIME + index);
         int[] shift = shift(index, spec, random);
         int margin = mSpec.margin();
@@ -89,7 +89,7 @@ final class FrameSynthesis {
     }
 
     // The first frame stays where it is, unless its own shift says otherwise.
-    private int[] shift(int index, FrameSpec spec, Random random) {
+    private int[] shift(int index, FramePlan spec, Random random) {
         if (spec.shift() != null) {
             return spec.shift();
         }

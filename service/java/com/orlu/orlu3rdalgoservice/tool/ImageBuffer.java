@@ -13,11 +13,11 @@ import java.nio.ByteOrder;
 final class ImageBuffer implements AutoCloseable {
     private static final int JPEG_HEADROOM = 1 << 16;
 
-    private final ImageSpec mSpec;
+    private final ImagePlan mSpec;
     private final VImageIPC mDescriptor = new VImageIPC();
     private final ByteBuffer mBytes;
 
-    private ImageBuffer(ImageSpec spec, int jpegRoom) throws ErrnoException {
+    private ImageBuffer(ImagePlan spec, int jpegRoom) throws ErrnoException {
         mSpec = spec;
         int stride = spec.strideBytes();
         mDescriptor.mFormat = spec.name();
@@ -34,7 +34,7 @@ final class ImageBuffer implements AutoCloseable {
     }
 
     /** Memory for an input, holding the picture. */
-    static ImageBuffer holding(Picture picture, ImageSpec spec) throws ErrnoException {
+    static ImageBuffer holding(Picture picture, ImagePlan spec) throws ErrnoException {
         if (spec.format() == PixelFormat.JPEG) {
             byte[] jpeg = PixelWriter.encodeJpeg(picture);
             ImageBuffer image = new ImageBuffer(spec, jpeg.length);
@@ -47,7 +47,7 @@ final class ImageBuffer implements AutoCloseable {
     }
 
     /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
-    static ImageBuffer empty(ImageSpec spec) throws ErrnoException {
+    static ImageBuffer empty(ImagePlan spec) throws ErrnoException {
         int usual = spec.width() * spec.height() * 3 / 2 + JPEG_HEADROOM;
         return new ImageBuffer(spec, spec.capacity() > 0 ? spec.capacity() : usual);
     }
@@ -83,7 +83,7 @@ final class ImageBuffer implements AutoCloseable {
         return HardwareBuffer.USAGE_CPU_READ_OFTEN | HardwareBuffer.USAGE_CPU_WRITE_OFTEN;
     }
 
-    ImageSpec spec() {
+    ImagePlan spec() {
         return mSpec;
     }
 

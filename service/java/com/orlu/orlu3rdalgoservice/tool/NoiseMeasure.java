@@ -6,7 +6,7 @@ import java.util.List;
 /** How near the base frame and the result are to the photo, for requests that noise was added to. */
 final class NoiseMeasure {
     private final RequestReport mReport;
-    private final FrameSetSpec mFrames;
+    private final FrameSetPlan mFrames;
 
     NoiseMeasure(RequestReport report) {
         mReport = report;

@@ -65,8 +65,8 @@ final class OutputReader {
             readJpeg(image.mPlaneSizes[0]);
             return;
         }
-        ImageSpec old = mImage.spec();
-        ImageSpec spec = new ImageSpec(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
+        ImagePlan old = mImage.spec();
+        ImagePlan spec = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
                 image.mRowStrides[0], 0, old.bits(), 0);
         if (sum(format.planeSizes(spec.strideBytes(), spec.height(), 0)) > mImage.bytes().capacity()) {
             mProblem = "its description asks for more bytes than it has";

@@ -15,7 +15,7 @@ final class PixelReader {
     }
 
     /** The picture in a memory of this description; raw formats have none. */
-    static Picture readPicture(ImageSpec spec, ByteBuffer from) {
+    static Picture readPicture(ImagePlan spec, ByteBuffer from) {
         return switch (spec.format()) {
             case NV21 -> readYuv(spec, from, 1, 0, 2);
             case NV12 -> readYuv(spec, from, 0, 1, 2);
@@ -36,7 +36,7 @@ final class PixelReader {
         }
     }
 
-    private static Picture readYuv(ImageSpec spec, ByteBuffer from, int blueOffset, int redOffset, int step) {
+    private static Picture readYuv(ImagePlan spec, ByteBuffer from, int blueOffset, int redOffset, int step) {
         Picture picture = new Picture(spec.width(), spec.height());
         int stride = spec.strideBytes();
         int chroma = stride * spec.height();
@@ -53,7 +53,7 @@ final class PixelReader {
         return picture;
     }
 
-    private static Picture readRgba(ImageSpec spec, ByteBuffer from) {
+    private static Picture readRgba(ImagePlan spec, ByteBuffer from) {
         Picture picture = new Picture(spec.width(), spec.height());
         for (int y = 0; y < spec.height(); ++y) {
             for (int x = 0; x < spec.width(); ++x) {
@@ -65,7 +65,7 @@ final class PixelReader {
     }
 
     /** The samples of a raw image. */
-    static Mosaic readMosaic(ImageSpec spec, ByteBuffer from) {
+    static Mosaic readMosaic(ImagePlan spec, ByteBuffer from) {
         Mosaic mosaic = new Mosaic(
                 spec.width(), spec.height(), spec.bits(), new int[spec.width() * spec.height()]);
         for (int y = 0; y < spec.height(); ++y) {
@@ -77,7 +77,7 @@ final class PixelReader {
         return mosaic;
     }
 
-    private static int packed10(ImageSpec spec, ByteBuffer from, int x, int y) {
+    private static int packed10(ImagePlan spec, ByteBuffer from, int x, int y) {
         int group = y * spec.strideBytes() + x / 4 * 5;
         int low = from.get(group + 4) >> (x % 4 * 2) & 3;
         return ((from.get(group + x % 4) & 255) << 2 | low) >> (10 - spec.bits());

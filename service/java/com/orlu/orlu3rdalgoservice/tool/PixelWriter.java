@@ -22,7 +22,7 @@ final class PixelWriter {
     }
 
     /** Fills the memory from its start; the picture has the size of the description. */
-    static void write(Picture picture, ImageSpec spec, ByteBuffer to) {
+    static void write(Picture picture, ImagePlan spec, ByteBuffer to) {
         switch (spec.format()) {
             case NV21 -> writeYuv(picture, spec, to, 1, 0, 2);
             case NV12 -> writeYuv(picture, spec, to, 0, 1, 2);
@@ -55,7 +55,7 @@ final class PixelWriter {
 
     // Both chroma values stand at their own offset behind the luma; step is the distance to the next pair.
     private static void writeYuv(
-            Picture picture, ImageSpec spec, ByteBuffer to, int blueOffset, int redOffset, int step) {
+            Picture picture, ImagePlan spec, ByteBuffer to, int blueOffset, int redOffset, int step) {
         int stride = spec.strideBytes();
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {

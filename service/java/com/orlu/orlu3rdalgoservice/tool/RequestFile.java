@@ -22,6 +22,6 @@ import java.util.Map;
  * @param outputs          the images out, likewise
  */
 record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
-        int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetSpec frames,
-        List<ImageSpec> inputs, List<ImageSpec> outputs) {
+        int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
+        List<ImagePlan> inputs, List<ImagePlan> outputs) {
 }

@@ -27,11 +27,11 @@ final class RequestFileReader {
                 "fullAsync", "photo", "frames", "inputs", "outputs");
         JsonMembers request = members.require("request").members("id", "type");
         boolean fullAsync = members.bool("fullAsync", false);
-        FrameSetSpec frames = FrameSetReader.read(members.require("frames"));
+        FrameSetPlan frames = FrameSetReader.read(members.require("frames"));
         putServiceValues(members, fullAsync, frames);
-        ImageSpecReader images = new ImageSpecReader(frames.frames().size());
-        List<ImageSpec> inputs = images.inputs(members.require("inputs"));
-        List<ImageSpec> outputs = images.outputs(members.require("outputs"));
+        ImagePlanReader images = new ImagePlanReader(frames.frames().size());
+        List<ImagePlan> inputs = images.inputs(members.require("inputs"));
+        List<ImagePlan> outputs = images.outputs(members.require("outputs"));
         JsonMembers client = client(members);
         return new RequestFile(mFile, members.string("about", ""),
                 request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE),
@@ -49,12 +49,12 @@ final class RequestFileReader {
                 : new JsonMembers(null, Map.of());
     }
 
-    private static int releaseFormat(List<ImageSpec> inputs) {
+    private static int releaseFormat(List<ImagePlan> inputs) {
         return inputs.isEmpty() ? PixelFormat.NV21.platformCode() : inputs.get(0).format().platformCode();
     }
 
     // What the service puts into the first composition of every request.
-    private static void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetSpec frames)
+    private static void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetPlan frames)
             throws RequestFileException {
         if (frames.frames().isEmpty()) {
             return;

@@ -9,7 +9,7 @@ final class RequestReport {
     final RequestFile request;
     final Stopwatch stopwatch = new Stopwatch();
     /** The images as they were handed in, with their sizes. */
-    final List<ImageSpec> inputs = new ArrayList<>();
+    final List<ImagePlan> inputs = new ArrayList<>();
     /** Descriptions of the outputs before and after. */
     final List<ImageState> outputsBefore = new ArrayList<>();
     final List<ImageState> outputsAfter = new ArrayList<>();
@@ -32,7 +32,7 @@ final class RequestReport {
 
     /** The algorithm list that the request asks for, empty when it has none. */
     List<String> askedAlgorithms() {
-        List<FrameSpec> frames = request.frames().frames();
+        List<FramePlan> frames = request.frames().frames();
         Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
         return list instanceof String[] names ? List.of(names) : List.of();
     }
@@ -40,7 +40,7 @@ final class RequestReport {
     /** The frame that the algorithms took as base, by the timestamp that they answer; else the first. */
     int baseFrame() {
         Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
-        List<FrameSpec> frames = request.frames().frames();
+        List<FramePlan> frames = request.frames().frames();
         for (int i = 0; timestamp != null && i < frames.size(); ++i) {
             if (timestamp.equals(frames.get(i).captureResult().get("android.sensor.timestamp"))) {
                 return i;

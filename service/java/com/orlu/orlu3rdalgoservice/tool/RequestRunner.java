@@ -56,7 +56,7 @@ final class RequestRunner {
     }
 
     private void makeCompositions() {
-        for (FrameSpec frame : mRequest.frames().frames()) {
+        for (FramePlan frame : mRequest.frames().frames()) {
             CaptureResultComposition composition = new CaptureResultComposition(frame.captureResult());
             frame.composition().forEach(composition::putMetadata);
             mCompositions.add(composition);
@@ -64,15 +64,15 @@ final class RequestRunner {
     }
 
     private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException {
-        for (ImageSpec spec : mRequest.inputs()) {
+        for (ImagePlan spec : mRequest.inputs()) {
             Picture picture = frames.get(spec.frame()).shot();
-            ImageSpec sized = spec.sized(picture.width(), picture.height());
+            ImagePlan sized = spec.sized(picture.width(), picture.height());
             mInputs.add(ImageBuffer.holding(picture, sized));
             mReport.inputs.add(sized);
         }
         int width = frames.isEmpty() ? mRequest.frames().width() : frames.get(0).shot().width();
         int height = frames.isEmpty() ? mRequest.frames().height() : frames.get(0).shot().height();
-        for (ImageSpec spec : mRequest.outputs()) {
+        for (ImagePlan spec : mRequest.outputs()) {
             mOutputs.add(ImageBuffer.empty(spec.sized(width, height)));
         }
     }

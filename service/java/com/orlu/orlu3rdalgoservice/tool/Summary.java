@@ -55,19 +55,19 @@ final class Summary {
         line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
 
-    private static String images(List<ImageSpec> images) {
+    private static String images(List<ImagePlan> images) {
         if (images.isEmpty()) {
             return "no image";
         }
-        ImageSpec first = images.get(0);
+        ImagePlan first = images.get(0);
         return images.size() + " x " + first.name() + " " + first.width() + "x" + first.height() + ", stride "
                 + first.strideBytes() + ", " + (first.hardware() ? "hardware buffers" : "shared memory");
     }
 
     private static String synthesis(RequestFile request) {
-        FrameSetSpec frames = request.frames();
-        double noise = frames.frames().stream().mapToDouble(FrameSpec::noise).max().orElse(0);
-        double blur = frames.frames().stream().mapToDouble(FrameSpec::blur).max().orElse(0);
+        FrameSetPlan frames = request.frames();
+        double noise = frames.frames().stream().mapToDouble(FramePlan::noise).max().orElse(0);
+        double blur = frames.frames().stream().mapToDouble(FramePlan::blur).max().orElse(0);
         List<String> parts = new ArrayList<>();
         if (noise > 0) {
             parts.add("noise " + noise + " of 255");

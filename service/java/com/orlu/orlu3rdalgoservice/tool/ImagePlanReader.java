@@ -4,20 +4,20 @@ import java.util.ArrayList;
 import java.util.List;
 
 /** Reads "inputs" and "outputs" of a request file. */
-final class ImageSpecReader {
+final class ImagePlanReader {
     private static final int LARGEST_SIDE = 8192;
     private static final int LARGEST_CAPACITY = 1 << 29;
     private static final int MOST_PER_FRAME = 4;
 
     private final int mFrames;
 
-    ImageSpecReader(int frames) {
+    ImagePlanReader(int frames) {
         mFrames = frames;
     }
 
     /** A list of images, or one description that every frame has an image of. */
-    List<ImageSpec> inputs(JsonField field) throws RequestFileException {
-        List<ImageSpec> images = new ArrayList<>();
+    List<ImagePlan> inputs(JsonField field) throws RequestFileException {
+        List<ImagePlan> images = new ArrayList<>();
         if (field.isList()) {
             List<JsonField> fields = field.list();
             for (int i = 0; i < fields.size(); ++i) {
@@ -27,14 +27,14 @@ final class ImageSpecReader {
         }
         JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "perFrame");
         int perFrame = members.integer("perFrame", 1, MOST_PER_FRAME, 1);
-        ImageSpec image = image(members, 0);
+        ImagePlan image = image(members, 0);
         for (int i = 0; i < mFrames * perFrame; ++i) {
             images.add(image.withFrame(i / perFrame));
         }
         return images;
     }
 
-    private ImageSpec input(JsonField field, int index) throws RequestFileException {
+    private ImagePlan input(JsonField field, int index) throws RequestFileException {
         JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "frame");
         if (mFrames == 0) {
             throw field.error("there is no frame to take the pixels from");
@@ -42,8 +42,8 @@ final class ImageSpecReader {
         return image(members, members.integer("frame", 0, mFrames - 1, Math.min(index, mFrames - 1)));
     }
 
-    List<ImageSpec> outputs(JsonField field) throws RequestFileException {
-        List<ImageSpec> images = new ArrayList<>();
+    List<ImagePlan> outputs(JsonField field) throws RequestFileException {
+        List<ImagePlan> images = new ArrayList<>();
         for (JsonField output : field.list()) {
             images.add(image(output.members(
                     "format", "name", "memory", "width", "height", "stride", "capacity", "bits"), 0));
@@ -51,14 +51,14 @@ final class ImageSpecReader {
         return images;
     }
 
-    private ImageSpec image(JsonMembers members, int frame) throws RequestFileException {
+    private ImagePlan image(JsonMembers members, int frame) throws RequestFileException {
         JsonField formatField = members.require("format");
         PixelFormat format = PixelFormat.named(formatField.string());
         if (format == null) {
             throw formatField.needs("one of " + PixelFormat.names());
         }
         int bits = members.integer("bits", 8, format == PixelFormat.MIPI_RAW10 ? 10 : 16, 10);
-        return new ImageSpec(format, members.string("name", format.name()), hardware(members),
+        return new ImagePlan(format, members.string("name", format.name()), hardware(members),
                 side(members, "width"), side(members, "height"),
                 members.integer("stride", 0, LARGEST_SIDE * 4, 0),
                 members.integer("capacity", 0, LARGEST_CAPACITY, 0), bits, frame);

@@ -13,15 +13,15 @@ package com.orlu.orlu3rdalgoservice.tool;
  * @param bits     bits of a raw sample
  * @param frame    which frame's pixels an input takes
  */
-record ImageSpec(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
+record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame) {
-    ImageSpec withFrame(int index) {
-        return new ImageSpec(format, name, hardware, width, height, stride, capacity, bits, index);
+    ImagePlan withFrame(int index) {
+        return new ImagePlan(format, name, hardware, width, height, stride, capacity, bits, index);
     }
 
     /** The same image with the frames' size where the file gives none. */
-    ImageSpec sized(int frameWidth, int frameHeight) {
-        return new ImageSpec(format, name, hardware, width > 0 ? width : frameWidth,
+    ImagePlan sized(int frameWidth, int frameHeight) {
+        return new ImagePlan(format, name, hardware, width > 0 ? width : frameWidth,
                 height > 0 ? height : frameHeight, stride, capacity, bits, frame);
     }
 

@@ -11,7 +11,7 @@ import java.util.List;
  * @param width    of the frames, 0 for the photo's less the room for the shifts
  * @param height   likewise
  */
-record FrameSetSpec(List<FrameSpec> frames, int maxShift, long seed, int width, int height) {
+record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
     /** Whether the pixels differ from the photo's, so that there is something to measure. */
     boolean hasNoise() {
         return frames.stream().anyMatch(frame -> frame.noise() > 0);
@@ -20,7 +20,7 @@ record FrameSetSpec(List<FrameSpec> frames, int maxShift, long seed, int width, 
     /** Pixels around a frame that shifts may reach, even so that a mosaic keeps its phase. */
     int margin() {
         int reach = maxShift;
-        for (FrameSpec frame : frames) {
+        for (FramePlan frame : frames) {
             if (frame.shift() != null) {
                 reach = Math.max(reach, Math.max(Math.abs(frame.shift()[0]), Math.abs(frame.shift()[1])));
             }

@@ -15,6 +15,6 @@ import java.util.Map;
  * @param gain          factor on the brightness
  * @param shift         {x, y} in pixels, null for one drawn by the request's seed
  */
-record FrameSpec(CameraMetadataNative captureResult, Map<String, Object> composition, double noise,
+record FramePlan(CameraMetadataNative captureResult, Map<String, Object> composition, double noise,
         double blur, double gain, int[] shift) {
 }
