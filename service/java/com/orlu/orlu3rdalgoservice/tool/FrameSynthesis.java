@@ -22,12 +22,12 @@ final class FrameSynthesis {
     // Seven frames of a phone's photo in full would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;
 
-    private final FrameSetPlan mSpec;
+    private final FrameSetPlan mPlan;
     private final boolean mKeepMosaicPhase;
 
     /** With the mosaic's phase to be kept, all shifts drawn are even. */
-    FrameSynthesis(FrameSetPlan spec, boolean keepMosaicPhase) {
-        mSpec = spec;
+    FrameSynthesis(FrameSetPlan plan, boolean keepMosaicPhase) {
+        mPlan = plan;
         mKeepMosaicPhase = keepMosaicPhase;
     }
 
@@ -45,27 +45,27 @@ final class FrameSynthesis {
 
     /** All frames of a photo. A photo too small for the shifts is a RequestFileException. */
     List<SynthesisedFrame> frames(Path file, Picture photo) throws RequestFileException {
-        int margin = mSpec.margin();
+        int margin = mPlan.margin();
         Picture sized = sized(photo, margin);
         int width = (sized.width() - 2 * margin) / GROUP * GROUP;
         int height = (sized.height() - 2 * margin) / GROUP * GROUP;
-        if (mSpec.width() > 0) {
-            width = mSpec.width();
-            height = mSpec.height();
+        if (mPlan.width() > 0) {
+            width = mPlan.width();
+            height = mPlan.height();
         }
         if (width < GROUP || height < GROUP) {
             throw new RequestFileException(file.toString(), "photo", "too small for the frames' shifts");
         }
         List<SynthesisedFrame> frames = new ArrayList<>();
-        for (int i = 0; i < mSpec.frames().size(); ++i) {
+        for (int i = 0; i < mPlan.frames().size(); ++i) {
             frames.add(frame(i, sized, width, height));
         }
         return frames;
     }
 
     private Picture sized(Picture photo, int margin) {
-        if (mSpec.width() > 0) {
-            return photo.scaledTo(mSpec.width() + 2 * margin, mSpec.height() + 2 * margin);
+        if (mPlan.width() > 0) {
+            return photo.scaledTo(mPlan.width() + 2 * margin, mPlan.height() + 2 * margin);
         }
         int side = Math.max(photo.width(), photo.height());
         return side <= LARGEST_SIDE ? photo : photo.scaledTo(
@@ -77,28 +77,28 @@ final class FrameSynthesis {
     }
 
     private SynthesisedFrame frame(int index, Picture photo, int width, int height) {
-        FramePlan spec = mSpec.frames().get(index);
-        Random random = new Random(mSpec.seed() * FRAME_PRIME + index);
-        int[] shift = shift(index, spec, random);
-        int margin = mSpec.margin();
+        FramePlan plan = mPlan.frames().get(index);
+        Random random = new Random(mPlan.seed() * FRAME_PRIME + index);
+        int[] shift = shift(index, plan, random);
+        int margin = mPlan.margin();
         Supplier<Picture> clean = () -> photo.crop(margin + shift[0], margin + shift[1], width, height);
-        Picture shot = spec.blur() > 0 ? clean.get().blurred(spec.blur()) : clean.get();
-        shot = spec.gain() != 1 ? shot.brightened(spec.gain()) : shot;
-        shot = spec.noise() > 0 ? shot.withNoise(spec.noise(), random) : shot;
+        Picture shot = plan.blur() > 0 ? clean.get().blurred(plan.blur()) : clean.get();
+        shot = plan.gain() != 1 ? shot.brightened(plan.gain()) : shot;
+        shot = plan.noise() > 0 ? shot.withNoise(plan.noise(), random) : shot;
         return new SynthesisedFrame(clean, shot);
     }
 
     // The first frame stays where it is, unless its own shift says otherwise.
-    private int[] shift(int index, FramePlan spec, Random random) {
-        if (spec.shift() != null) {
-            return spec.shift();
+    private int[] shift(int index, FramePlan plan, Random random) {
+        if (plan.shift() != null) {
+            return plan.shift();
         }
         return index == 0 ? new int[2] : new int[] {draw(random), draw(random)};
     }
 
     private int draw(Random random) {
         int step = mKeepMosaicPhase ? 2 : 1;
-        int steps = mSpec.maxShift() / step;
+        int steps = mPlan.maxShift() / step;
         return step * (random.nextInt(2 * steps + 1) - steps);
     }
 }

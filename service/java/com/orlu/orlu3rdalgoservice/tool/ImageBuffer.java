@@ -13,47 +13,47 @@ import java.nio.ByteOrder;
 final class ImageBuffer implements AutoCloseable {
     private static final int JPEG_HEADROOM = 1 << 16;
 
-    private final ImagePlan mSpec;
+    private final ImagePlan mPlan;
     private final VImageIPC mDescriptor = new VImageIPC();
     private final ByteBuffer mBytes;
 
-    private ImageBuffer(ImagePlan spec, int jpegRoom) throws ErrnoException {
-        mSpec = spec;
-        int stride = spec.strideBytes();
-        mDescriptor.mFormat = spec.name();
-        mDescriptor.mWidth = spec.width();
-        mDescriptor.mHeight = spec.height();
-        mDescriptor.mRowStrides = spec.format().strides(stride);
+    private ImageBuffer(ImagePlan plan, int jpegRoom) throws ErrnoException {
+        mPlan = plan;
+        int stride = plan.strideBytes();
+        mDescriptor.mFormat = plan.name();
+        mDescriptor.mWidth = plan.width();
+        mDescriptor.mHeight = plan.height();
+        mDescriptor.mRowStrides = plan.format().strides(stride);
         mDescriptor.mPlaneSizes =
-                spec.format().planeSizes(stride, spec.height(), Math.max(jpegRoom, spec.capacity()));
+                plan.format().planeSizes(stride, plan.height(), Math.max(jpegRoom, plan.capacity()));
         int size = 0;
         for (int planeSize : mDescriptor.mPlaneSizes) {
             size += planeSize;
         }
-        mBytes = allocate(Math.max(1, Math.max(size, spec.capacity()))).order(ByteOrder.LITTLE_ENDIAN);
+        mBytes = allocate(Math.max(1, Math.max(size, plan.capacity()))).order(ByteOrder.LITTLE_ENDIAN);
     }
 
     /** Memory for an input, holding the picture. */
-    static ImageBuffer holding(Picture picture, ImagePlan spec) throws ErrnoException {
-        if (spec.format() == PixelFormat.JPEG) {
+    static ImageBuffer holding(Picture picture, ImagePlan plan) throws ErrnoException {
+        if (plan.format() == PixelFormat.JPEG) {
             byte[] jpeg = PixelWriter.encodeJpeg(picture);
-            ImageBuffer image = new ImageBuffer(spec, jpeg.length);
+            ImageBuffer image = new ImageBuffer(plan, jpeg.length);
             image.mBytes.put(0, jpeg);
             return image;
         }
-        ImageBuffer image = new ImageBuffer(spec, 0);
-        PixelWriter.write(picture, spec, image.mBytes);
+        ImageBuffer image = new ImageBuffer(plan, 0);
+        PixelWriter.write(picture, plan, image.mBytes);
         return image;
     }
 
     /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
-    static ImageBuffer empty(ImagePlan spec) throws ErrnoException {
-        int usual = spec.width() * spec.height() * 3 / 2 + JPEG_HEADROOM;
-        return new ImageBuffer(spec, spec.capacity() > 0 ? spec.capacity() : usual);
+    static ImageBuffer empty(ImagePlan plan) throws ErrnoException {
+        int usual = plan.width() * plan.height() * 3 / 2 + JPEG_HEADROOM;
+        return new ImageBuffer(plan, plan.capacity() > 0 ? plan.capacity() : usual);
     }
 
     private ByteBuffer allocate(int size) throws ErrnoException {
-        if (mSpec.hardware()) {
+        if (mPlan.hardware()) {
             mDescriptor.mImageDataHwbuff = hardwareBuffer(size);
             return mDescriptor.mImageDataHwbuff.mapPixels();
         }
@@ -64,10 +64,10 @@ final class ImageBuffer implements AutoCloseable {
     // The buffer's width is the row's with its padding, since the native side takes the stride from the
     // description.
     private HardwareBuffer hardwareBuffer(int size) {
-        int stride = mSpec.strideBytes();
-        int tight = mSpec.format().planeSizes(stride, mSpec.height(), size)[0];
-        boolean plain = size == tight || mSpec.format().isYuv() && size == stride * mSpec.height() * 3 / 2;
-        return switch (plain ? mSpec.format() : PixelFormat.JPEG) {
+        int stride = mPlan.strideBytes();
+        int tight = mPlan.format().planeSizes(stride, mPlan.height(), size)[0];
+        boolean plain = size == tight || mPlan.format().isYuv() && size == stride * mPlan.height() * 3 / 2;
+        return switch (plain ? mPlan.format() : PixelFormat.JPEG) {
             case RAW16, RAW_SENSOR -> buffer(stride / 2, HardwareBuffer.RAW16);
             case R8G8B8A8 -> buffer(stride / 4, HardwareBuffer.RGBA_8888);
             case JPEG, MIPI_RAW10 -> HardwareBuffer.create(size, 1, HardwareBuffer.BLOB, 1, usage());
@@ -76,15 +76,15 @@ final class ImageBuffer implements AutoCloseable {
     }
 
     private HardwareBuffer buffer(int width, int format) {
-        return HardwareBuffer.create(width, mSpec.height(), format, 1, usage());
+        return HardwareBuffer.create(width, mPlan.height(), format, 1, usage());
     }
 
     private static long usage() {
         return HardwareBuffer.USAGE_CPU_READ_OFTEN | HardwareBuffer.USAGE_CPU_WRITE_OFTEN;
     }
 
-    ImagePlan spec() {
-        return mSpec;
+    ImagePlan plan() {
+        return mPlan;
     }
 
     VImageIPC descriptor() {

@@ -59,21 +59,21 @@ final class OutputReader {
         PixelFormat format = PixelFormat.named(image.mFormat);
         if (format == null) {
             // A name of the request's own over a layout that is known.
-            format = mImage.spec().format();
+            format = mImage.plan().format();
         }
         if (format == PixelFormat.JPEG) {
             readJpeg(image.mPlaneSizes[0]);
             return;
         }
-        ImagePlan old = mImage.spec();
-        ImagePlan spec = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
+        ImagePlan old = mImage.plan();
+        ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
                 image.mRowStrides[0], 0, old.bits(), 0);
-        if (sum(format.planeSizes(spec.strideBytes(), spec.height(), 0)) > mImage.bytes().capacity()) {
+        if (sum(format.planeSizes(plan.strideBytes(), plan.height(), 0)) > mImage.bytes().capacity()) {
             mProblem = "its description asks for more bytes than it has";
         } else if (format.isRaw()) {
-            mMosaic = PixelReader.readMosaic(spec, mImage.bytes());
+            mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
         } else {
-            mPicture = PixelReader.readPicture(spec, mImage.bytes());
+            mPicture = PixelReader.readPicture(plan, mImage.bytes());
         }
     }
 

@@ -15,14 +15,14 @@ final class PixelReader {
     }
 
     /** The picture in a memory of this description; raw formats have none. */
-    static Picture readPicture(ImagePlan spec, ByteBuffer from) {
-        return switch (spec.format()) {
-            case NV21 -> readYuv(spec, from, 1, 0, 2);
-            case NV12 -> readYuv(spec, from, 0, 1, 2);
-            case YU12 -> readYuv(spec, from, 0, spec.strideBytes() * spec.height() / 4, 1);
-            case YV12 -> readYuv(spec, from, spec.strideBytes() * spec.height() / 4, 0, 1);
-            case R8G8B8A8 -> readRgba(spec, from);
-            default -> throw new IllegalArgumentException(spec.format() + " holds no picture");
+    static Picture readPicture(ImagePlan plan, ByteBuffer from) {
+        return switch (plan.format()) {
+            case NV21 -> readYuv(plan, from, 1, 0, 2);
+            case NV12 -> readYuv(plan, from, 0, 1, 2);
+            case YU12 -> readYuv(plan, from, 0, plan.strideBytes() * plan.height() / 4, 1);
+            case YV12 -> readYuv(plan, from, plan.strideBytes() * plan.height() / 4, 0, 1);
+            case R8G8B8A8 -> readRgba(plan, from);
+            default -> throw new IllegalArgumentException(plan.format() + " holds no picture");
         };
     }
 
@@ -36,12 +36,12 @@ final class PixelReader {
         }
     }
 
-    private static Picture readYuv(ImagePlan spec, ByteBuffer from, int blueOffset, int redOffset, int step) {
-        Picture picture = new Picture(spec.width(), spec.height());
-        int stride = spec.strideBytes();
-        int chroma = stride * spec.height();
-        for (int y = 0; y < spec.height(); ++y) {
-            for (int x = 0; x < spec.width(); ++x) {
+    private static Picture readYuv(ImagePlan plan, ByteBuffer from, int blueOffset, int redOffset, int step) {
+        Picture picture = new Picture(plan.width(), plan.height());
+        int stride = plan.strideBytes();
+        int chroma = stride * plan.height();
+        for (int y = 0; y < plan.height(); ++y) {
+            for (int x = 0; x < plan.width(); ++x) {
                 int at = chroma + y / 2 * (stride * step / 2) + x / 2 * step;
                 float luma = from.get(y * stride + x) & 255;
                 float blue = (from.get(at + blueOffset) & 255) - MIDDLE;
@@ -53,11 +53,11 @@ final class PixelReader {
         return picture;
     }
 
-    private static Picture readRgba(ImagePlan spec, ByteBuffer from) {
-        Picture picture = new Picture(spec.width(), spec.height());
-        for (int y = 0; y < spec.height(); ++y) {
-            for (int x = 0; x < spec.width(); ++x) {
-                int at = y * spec.strideBytes() + 4 * x;
+    private static Picture readRgba(ImagePlan plan, ByteBuffer from) {
+        Picture picture = new Picture(plan.width(), plan.height());
+        for (int y = 0; y < plan.height(); ++y) {
+            for (int x = 0; x < plan.width(); ++x) {
+                int at = y * plan.strideBytes() + 4 * x;
                 picture.set(x, y, from.get(at) & 255, from.get(at + 1) & 255, from.get(at + 2) & 255);
             }
         }
@@ -65,21 +65,21 @@ final class PixelReader {
     }
 
     /** The samples of a raw image. */
-    static Mosaic readMosaic(ImagePlan spec, ByteBuffer from) {
+    static Mosaic readMosaic(ImagePlan plan, ByteBuffer from) {
         Mosaic mosaic = new Mosaic(
-                spec.width(), spec.height(), spec.bits(), new int[spec.width() * spec.height()]);
-        for (int y = 0; y < spec.height(); ++y) {
-            for (int x = 0; x < spec.width(); ++x) {
-                mosaic.samples()[y * spec.width() + x] = spec.format() == PixelFormat.MIPI_RAW10
-                        ? packed10(spec, from, x, y) : from.getShort(y * spec.strideBytes() + 2 * x) & 0xFFFF;
+                plan.width(), plan.height(), plan.bits(), new int[plan.width() * plan.height()]);
+        for (int y = 0; y < plan.height(); ++y) {
+            for (int x = 0; x < plan.width(); ++x) {
+                mosaic.samples()[y * plan.width() + x] = plan.format() == PixelFormat.MIPI_RAW10
+                        ? packed10(plan, from, x, y) : from.getShort(y * plan.strideBytes() + 2 * x) & 0xFFFF;
             }
         }
         return mosaic;
     }
 
-    private static int packed10(ImagePlan spec, ByteBuffer from, int x, int y) {
-        int group = y * spec.strideBytes() + x / 4 * 5;
+    private static int packed10(ImagePlan plan, ByteBuffer from, int x, int y) {
+        int group = y * plan.strideBytes() + x / 4 * 5;
         int low = from.get(group + 4) >> (x % 4 * 2) & 3;
-        return ((from.get(group + x % 4) & 255) << 2 | low) >> (10 - spec.bits());
+        return ((from.get(group + x % 4) & 255) << 2 | low) >> (10 - plan.bits());
     }
 }

@@ -22,15 +22,15 @@ final class PixelWriter {
     }
 
     /** Fills the memory from its start; the picture has the size of the description. */
-    static void write(Picture picture, ImagePlan spec, ByteBuffer to) {
-        switch (spec.format()) {
-            case NV21 -> writeYuv(picture, spec, to, 1, 0, 2);
-            case NV12 -> writeYuv(picture, spec, to, 0, 1, 2);
-            case YU12 -> writeYuv(picture, spec, to, 0, spec.strideBytes() * spec.height() / 4, 1);
-            case YV12 -> writeYuv(picture, spec, to, spec.strideBytes() * spec.height() / 4, 0, 1);
-            case MIPI_RAW10 -> writePacked10(Mosaic.of(picture, spec.bits()), spec.strideBytes(), to);
-            case RAW16, RAW_SENSOR -> write16(Mosaic.of(picture, spec.bits()), spec.strideBytes(), to);
-            case R8G8B8A8 -> writeRgba(picture, spec.strideBytes(), to);
+    static void write(Picture picture, ImagePlan plan, ByteBuffer to) {
+        switch (plan.format()) {
+            case NV21 -> writeYuv(picture, plan, to, 1, 0, 2);
+            case NV12 -> writeYuv(picture, plan, to, 0, 1, 2);
+            case YU12 -> writeYuv(picture, plan, to, 0, plan.strideBytes() * plan.height() / 4, 1);
+            case YV12 -> writeYuv(picture, plan, to, plan.strideBytes() * plan.height() / 4, 0, 1);
+            case MIPI_RAW10 -> writePacked10(Mosaic.of(picture, plan.bits()), plan.strideBytes(), to);
+            case RAW16, RAW_SENSOR -> write16(Mosaic.of(picture, plan.bits()), plan.strideBytes(), to);
+            case R8G8B8A8 -> writeRgba(picture, plan.strideBytes(), to);
             case JPEG -> throw new IllegalArgumentException("a JPEG is encoded");
         }
     }
@@ -55,8 +55,8 @@ final class PixelWriter {
 
     // Both chroma values stand at their own offset behind the luma; step is the distance to the next pair.
     private static void writeYuv(
-            Picture picture, ImagePlan spec, ByteBuffer to, int blueOffset, int redOffset, int step) {
-        int stride = spec.strideBytes();
+            Picture picture, ImagePlan plan, ByteBuffer to, int blueOffset, int redOffset, int step) {
+        int stride = plan.strideBytes();
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
                 to.put(y * stride + x, (byte) Math.round(picture.luma(x, y)));

@@ -64,16 +64,16 @@ final class RequestRunner {
     }
 
     private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException {
-        for (ImagePlan spec : mRequest.inputs()) {
-            Picture picture = frames.get(spec.frame()).shot();
-            ImagePlan sized = spec.sized(picture.width(), picture.height());
+        for (ImagePlan plan : mRequest.inputs()) {
+            Picture picture = frames.get(plan.frame()).shot();
+            ImagePlan sized = plan.sized(picture.width(), picture.height());
             mInputs.add(ImageBuffer.holding(picture, sized));
             mReport.inputs.add(sized);
         }
         int width = frames.isEmpty() ? mRequest.frames().width() : frames.get(0).shot().width();
         int height = frames.isEmpty() ? mRequest.frames().height() : frames.get(0).shot().height();
-        for (ImagePlan spec : mRequest.outputs()) {
-            mOutputs.add(ImageBuffer.empty(spec.sized(width, height)));
+        for (ImagePlan plan : mRequest.outputs()) {
+            mOutputs.add(ImageBuffer.empty(plan.sized(width, height)));
         }
     }
 
