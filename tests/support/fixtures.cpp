@@ -266,6 +266,10 @@ jobject newThrowingComposition(const char* key) {
                    key == nullptr ? nullptr : javaString(key));
 }
 
+jobject newThrowingMap() {
+  return newObject("com/orlu/test/ThrowingMap", "()V");
+}
+
 void registerTag(const char* tag, const char* type) {
   constexpr char kType[] = "android/hardware/camera2/impl/TagType";
   jclass types = findClass(kType);

@@ -77,6 +77,8 @@ void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
 // A composition that throws when `key` is read or put; null: whatever is asked of it.
 jobject newThrowingComposition(const char* key = nullptr);
+// A HashMap whose put() throws.
+jobject newThrowingMap();
 // Makes a tag known to the store. `type` is a constant of TagType.
 void registerTag(const char* tag, const char* type);
 
