@@ -6,6 +6,10 @@ readonly build_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
 )
+# What the tests take beside that: the tools that look into the product's file.
+readonly test_packages=(binutils)
+# The cross compiler, and what runs its programs here. What they link and load comes from the private root.
+readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 
 # die TEXT...: one line on standard error, and the end.
 die() {
