@@ -11,6 +11,9 @@ readonly test_packages=(binutils)
 # The cross compiler, and what runs its programs here. What they link and load comes from the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 
+# Quiet, and patient while somebody else installs something.
+readonly apt_options=(-qq -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
+
 # die TEXT...: one line on standard error, and the end.
 die() {
   echo "${0##*/}: $*" >&2
@@ -46,8 +49,9 @@ install_missing() {
   fi
   command -v apt-get >/dev/null || die "needs these Debian packages $purpose: ${missing[*]}"
   echo "Installing $purpose: ${missing[*]}" >&2
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq >/dev/null
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" update >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" -y --no-install-recommends \
+    install "${missing[@]}" >/dev/null
 }
 
 # debian_java_home: prints where Debian's JDK 17 lies, also when another Java is the machine's default.
