@@ -6,8 +6,8 @@ readonly build_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
 )
-# What the tests take beside that: the tools that look into the product's file.
-readonly test_packages=(binutils)
+# What the tests take beside that: the tools that look into files.
+readonly test_packages=(binutils python3)
 # The cross compiler, and what runs its programs here. What they link and load comes from the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 
@@ -54,16 +54,16 @@ install_missing() {
     install "${missing[@]}" >/dev/null
 }
 
-# debian_java_home: prints where Debian's JDK 17 lies, also when another Java is the machine's default.
-debian_java_home() {
+# java_home ROOT: prints where Debian's JDK or JRE 17 lies below ROOT, also when another Java is the machine's default.
+java_home() {
   local home
-  for home in /usr/lib/jvm/java-17-openjdk-*; do
+  for home in "$1"/usr/lib/jvm/java-17-openjdk-*; do
     if [ -x "$home/bin/java" ]; then
       echo "$home"
       return
     fi
   done
-  die "Debian's JDK 17 is missing: openjdk-17-jdk-headless"
+  die "Debian's Java 17 is missing below $1/"
 }
 
 # build_preset PRESET [TARGET...]: brings build/PRESET up to date, all of it when no target is named. The
