@@ -54,16 +54,17 @@ install_missing() {
     install "${missing[@]}" >/dev/null
 }
 
-# java_home ROOT: prints where Debian's JDK or JRE 17 lies below ROOT, also when another Java is the machine's default.
-java_home() {
+# debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another Java is
+# the machine's default.
+debian_java_home() {
   local home
-  for home in "$1"/usr/lib/jvm/java-17-openjdk-*; do
+  for home in "${1:-}"/usr/lib/jvm/java-17-openjdk-*; do
     if [ -x "$home/bin/java" ]; then
       echo "$home"
       return
     fi
   done
-  die "Debian's Java 17 is missing below $1/"
+  die "Debian's Java 17 is missing from ${1:-}/usr/lib/jvm"
 }
 
 # build_preset PRESET [TARGET...]: brings build/PRESET up to date, all of it when no target is named. The
