@@ -61,7 +61,8 @@ TEST_P(MetadataUpdaterGoldenTest, TranslatesAsWritten) {
   const GoldenCase golden = test::readGoldenCase(ORLU_TEST_GOLDEN_PATH + GetParam() + ".txt");
   test::Algo algo;
   const GoldenRun run = test::runGolden(golden, algo);
-  EXPECT_EQ("", test::diffWrites(golden.writes, run.writes));
+  const std::string difference = test::diffWrites(golden.writes, run.writes);
+  EXPECT_TRUE(difference.empty()) << difference;
   EXPECT_EQ(golden.algorithmsAfter, run.algorithms);
   EXPECT_EQ(putLines(golden.puts), putLines(run.puts));
   EXPECT_EQ(golden.skip, run.skip);
@@ -73,13 +74,31 @@ INSTANTIATE_TEST_SUITE_P(Captures, MetadataUpdaterGoldenTest, testing::ValuesIn(
 
 // A text that went missing would not be missed otherwise.
 TEST(MetadataUpdaterGoldenTexts, EveryKindOfCaptureHasAText) {
-  const std::vector<std::string> expected = {"beauty",         "bokeh_interleaved",  "bokeh_separate",
-                                             "clarity_only",   "document",           "double_exposure",
-                                             "engine",         "light_stream_start", "light_stream_stop",
-                                             "panorama",       "pixel_shift",        "raw_night",
-                                             "rawnr_hdr_5",    "rawnr_hdr_7",        "rawnr_hdr_9",
-                                             "refocus",        "sat_fusion",         "upscale",
-                                             "watermark_only", "yuv_jpeg",           "yuv_night"};
+  const std::vector<std::string> expected = {"beauty",
+                                             "bokeh_interleaved",
+                                             "bokeh_separate",
+                                             "clarity_only",
+                                             "document",
+                                             "double_exposure",
+                                             "empty",
+                                             "engine",
+                                             "light_stream_start",
+                                             "light_stream_stop",
+                                             "panorama",
+                                             "pixel_shift",
+                                             "raw_defaults",
+                                             "raw_night",
+                                             "raw_super_night",
+                                             "rawnr_hdr_5",
+                                             "rawnr_hdr_7",
+                                             "rawnr_hdr_9",
+                                             "refocus",
+                                             "sat_fusion",
+                                             "upscale",
+                                             "watermark_only",
+                                             "yuv_defaults",
+                                             "yuv_jpeg",
+                                             "yuv_night"};
   EXPECT_EQ(expected, goldenNames());
 }
 

@@ -1,5 +1,7 @@
 #include "golden_value.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -206,6 +208,20 @@ template std::vector<int32_t> GoldenValue::numbers() const;
 template std::vector<int64_t> GoldenValue::numbers() const;
 template std::vector<float> GoldenValue::numbers() const;
 template std::vector<double> GoldenValue::numbers() const;
+
+bool GoldenValue::sameBytes(const GoldenValue& other) const {
+  if (bytes == other.bytes) {
+    return true;
+  }
+  if ((type != "float" && type != "floats") || bytes.size() != other.bytes.size()) {
+    return false;
+  }
+  const std::vector<float> mine = numbers<float>();
+  const std::vector<float> others = other.numbers<float>();
+  return std::equal(mine.begin(), mine.end(), others.begin(), [](float a, float b) {
+    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+  });
+}
 
 GoldenValue parseGoldenValue(const std::string& text, int frame) {
   std::istringstream in(text);
