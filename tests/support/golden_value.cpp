@@ -32,19 +32,22 @@ T parsePlain(const std::string& text, char** end) {
   }
 }
 
+// A number, "number/number" or "number+numberi".
 template <typename T>
 T parseNumber(const std::string& text, int frame) {
   char* end = nullptr;
   T value = parsePlain<T>(text, &end);
-  std::string rest = end;
-  if (rest.size() > 1 && rest[0] == '/') {
-    value = static_cast<T>(value / parsePlain<T>(rest.substr(1), &end));
-    rest = end;
-  } else if (rest.size() > 2 && rest[0] == '+') {
-    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(rest.substr(1), &end));
-    rest = std::strcmp(end, "i") == 0 ? "" : "?";
+  const std::string rest = end;
+  const std::string second = rest.empty() ? "" : rest.substr(1);
+  const char* unread = rest.c_str();
+  if (!second.empty() && rest[0] == '/') {
+    value = static_cast<T>(value / parsePlain<T>(second, &end));
+    unread = end;
+  } else if (!second.empty() && rest[0] == '+') {
+    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(second, &end));
+    unread = std::strcmp(end, "i") == 0 ? "" : "?";
   }
-  if (text.empty() || !rest.empty()) {
+  if (text.empty() || *unread != '\0') {
     fail("not a number", text);
   }
   return value;
