@@ -14,30 +14,11 @@
 
 #include "algo_native_client.h"
 #include "fixtures.h"
+#include "java_text.h"
 #include "log_capture.h"
 #include "result_updater.h"
 
 namespace orlu::test {
-
-// A Java number or an array of numbers by its class and contents: "Integer 5", "float[] 1.5 2".
-inline std::string describeNumbers(jobject value) {
-  jobject clazz = callObject(value, "getClass", "()Ljava/lang/Class;");
-  const std::string name = stringOf(callObject(clazz, "getSimpleName", "()Ljava/lang/String;"));
-  std::ostringstream text;
-  text.precision(17);
-  text << name;
-  const auto list = [&](const auto& numbers) {
-    for (const auto number : numbers) text << ' ' << number;
-  };
-  if (name == "int[]") list(intsOf(value));
-  if (name == "long[]") list(longsOf(value));
-  if (name == "float[]") list(floatsOf(value));
-  if (name == "double[]") list(doublesOf(value));
-  if (name.find('[') == std::string::npos) {
-    text << ' ' << stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
-  }
-  return text.str();
-}
 
 // Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with
 // the index of the composition, the key and the value.
@@ -69,7 +50,7 @@ private:
       if (!env()->IsSameObject(object, mCompositions[i])) continue;
       jobject key = va_arg(arguments, jobject);
       jobject value = va_arg(arguments, jobject);
-      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeNumbers(value) + '\n';
+      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeJava(value) + '\n';
     }
   }
 
