@@ -1,5 +1,5 @@
 // A client of the stand-in algorithm library without the product between: its table of operations, one
-// parameter block, images in memory files, and what it calls back with.
+// parameter block, images in memory files, and the requests that it reports done.
 #pragma once
 
 #include <android/sharedmem.h>
@@ -119,6 +119,9 @@ private:
   using Handles = android::hardware::hidl_vec<android::hardware::hidl_handle>;
 
   void called(const Bytes& data) {
+    constexpr size_t kNameOffset = 20;
+    const std::string name(data.begin() + kNameOffset, data.end());
+    if (name != "shotCb") return;
     uint64_t nativeReq = 0;
     std::memcpy(&nativeReq, &data[8], sizeof nativeReq);
     if (onCallback) onCallback(nativeReq);
