@@ -70,6 +70,12 @@ public:
     }
   }
 
+  // Adds the entries that every photo must have, with their usual values, where they are not there.
+  void complete() {
+    exif_data_set_data_type(mData.get(), EXIF_DATA_TYPE_COMPRESSED);
+    exif_data_fix(mData.get());
+  }
+
   std::vector<uint8_t> bytes() const {
     unsigned char* data = nullptr;
     unsigned int size = 0;
@@ -233,6 +239,7 @@ std::vector<uint8_t> buildExif(const ExifFacts& facts) {
   addExposure(exif, facts.info);
   addLens(exif, facts.info);
   if (facts.info.hasLocation != 0) addLocation(exif, facts.info.location);
+  exif.complete();
   return exif.bytes();
 }
 
