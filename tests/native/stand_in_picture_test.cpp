@@ -220,22 +220,12 @@ TEST(StandInPictureTest, EncodesAJpegWithTheFactsOfTheRecord) {
   EXPECT_EQ(0, std::memcmp(file + size - 2, "\xFF\xD9", 2));
   ASSERT_EQ(0, std::memcmp(file + 6, "Exif\0\0II*\0", 10));
   const std::map<int, double> exif = exifEntries(file + 12);
+  // clang-format off
   const std::map<int, double> expected = {
-      {0x829A, 0.02    },
-      {0x8827, 321     },
-      {0x829D, 1.75    },
-      {0x920A, 5.5     },
-      {0xA405, 27      },
-      {0x9209, 0x09    },
-      {0x0112, 6       },
-      {1,      'S'     },
-      {2,      33      },
-      {3,      'E'     },
-      {4,      151     },
-      {0xA002, kWidth  },
-      {0xA003, kHeight },
-      {0x9204, -2.0 / 3}
-  };
+      {0x829A, 0.02}, {0x8827, 321}, {0x829D, 1.75}, {0x920A, 5.5}, {0xA405, 27},     {0x9209, 0x09},      {0x0112, 6},
+      {0x0213, 1},    {0, 0x0302},   {1, 'S'},       {2, 33},       {3, 'E'},         {4, 151},
+      {0xA002, kWidth},              {0xA003, kHeight},             {0x9204, -2.0 / 3}};
+  // clang-format on
   for (const auto& [tag, value] : expected) {
     ASSERT_EQ(1U, exif.count(tag)) << std::hex << tag;
     EXPECT_NEAR(value, exif.at(tag), 1e-6) << std::hex << tag;
