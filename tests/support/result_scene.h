@@ -7,7 +7,6 @@
 #include <cstdarg>
 #include <cstring>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -152,13 +151,13 @@ private:
   }
 
   static std::string describe(const LogLine& line) {
-    static const std::regex kPrefix(R"(result_updater\w*\.cpp:\d+ \w+\(\) )");
     const std::string priority(1, line.priority == ANDROID_LOG_ERROR ? 'E' : 'D');
     if (line.tag == "VASJNI-ResultUpdater") return priority + "* " + line.message + '\n';
     if (line.tag != "_V_VASJNI-ResultUpdater") return "";
-    std::smatch prefix;
-    const bool has = std::regex_search(line.message, prefix, kPrefix, std::regex_constants::match_continuous);
-    return priority + ' ' + (has ? prefix.suffix().str() : "without prefix: " + line.message) + '\n';
+    const std::string& text = line.message;
+    const size_t end = text.find("() ");
+    const bool hasPrefix = text.rfind("result_updater", 0) == 0 && text.find(".cpp:") < end;
+    return priority + ' ' + (hasPrefix ? text.substr(end + 3) : "without prefix: " + text) + '\n';
   }
 
   LocalFrame mFrame;
