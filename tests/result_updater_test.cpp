@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <orlu/camera3rd_log.h>
 
+#include <cstring>
 #include <numeric>
 #include <set>
 

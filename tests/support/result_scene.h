@@ -5,7 +5,6 @@
 #include <jni.h>
 
 #include <cstdarg>
-#include <cstring>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -69,9 +68,10 @@ struct LeftValue {
 
 template <typename T = int32_t>
 LeftValue left(const char* section, const char* key, const std::vector<T>& values) {
-  std::vector<uint8_t> bytes(values.size() * sizeof(T));
-  std::memcpy(bytes.data(), values.data(), bytes.size());
-  return {section, key, bytes};
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(values.data());
+  return {
+      section, key, {bytes, bytes + values.size() * sizeof(T)}
+  };
 }
 
 // A frame's composition; its capture result tells the time when it was exposed.
