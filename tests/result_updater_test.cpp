@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <orlu/camera3rd_log.h>
 
+#include <cstring>
 #include <numeric>
 #include <set>
 
@@ -142,15 +143,14 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterTest, testing::Values(
     ResultCase{"Nothing", {}, "capture", {}, "", ""},
     ResultCase{"Refocus", {"jpegBokehOnly"}, "capture", refocusValues(),
                refocusPuts({11, 12, 13, 14, 15, 16, 16, 17, 18}, numbers(64, 1000, 1)), ""},
-    ResultCase{"RefocusUnset", {"jpegBokehOnly"}, "capture", {}, refocusPuts({0, 0, 0, 0, 0, 0, 0, 0, 0}, numbers(64, 0, 0)), ""},
     ResultCase{"Document", {"ppt"}, "capture", documentValues(320, 240), documentPuts(9000), documentLog("w 320 h 240"),
                "", "JPEG 320x240 9000 1536 | 24 320x240 9000 9000 1536"},
-    ResultCase{"DocumentOfOnePixel", {"ppt"}, "capture", documentValues(1, 1), documentPuts(9000), documentLog("w 1 h 1"),
-               "", "JPEG 1x1 9000 1536 | 24 1x1 9000 9000 1536"},
     ResultCase{"DocumentWithoutSize", {"ppt"}, "capture", documentValues(0, 0), documentPuts(0), documentLog("w 0 h 0"),
                "", "JPEG 0x0 0 1536 | 24 0x0 0 0 1536"},
-    ResultCase{"DocumentWithoutWidth", {"ppt"}, "capture", documentValues(0, 240), documentPuts(0), documentLog("w 0 h 240"),
-               "", "JPEG 0x240 0 1536 | 24 0x240 0 0 1536"},
+    ResultCase{"DocumentWithoutWidth", {"ppt"}, "capture", documentValues(0, 1), documentPuts(0), documentLog("w 0 h 1"),
+               "", "JPEG 0x1 0 1536 | 24 0x1 0 0 1536"},
+    ResultCase{"DocumentOfOnePixel", {"ppt"}, "capture", documentValues(1, 1), documentPuts(9000), documentLog("w 1 h 1"),
+               "", "JPEG 1x1 9000 1536 | 24 1x1 9000 9000 1536"},
     ResultCase{"DocumentWithoutHeight", {"ppt"}, "capture", documentValues(320, -1), documentPuts(0), documentLog("w 320 h -1"),
                "", "JPEG 320x-1 0 1536 | 24 320x-1 0 0 1536"},
     ResultCase{"Jpeg", {"jpegEncode"}, "capture", kJpegValues, kEncodedType,
@@ -163,8 +163,6 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterTest, testing::Values(
                "D jpeg encode hw/sw:1\nD encoded jpeg size 7777\n" + kSegmentLog, kEncodedOutput},
     ResultCase{"DualBokehAlone", {"dualBokeh"}, "capture", kJpegValues, kSegment, kSegmentLog},
     ResultCase{"RefocusPack", {"refocusJpegPack"}, "capture", kJpegValues, "", "D refocus pack size 8888\n", kPackedOutput},
-    ResultCase{"RefocusPackUnset", {"refocusJpegPack"}, "capture", {}, "", "D refocus pack size 0\n",
-               "JPEG 1x48 0 1536 | 24 64x48 0 0 1536"},
     ResultCase{"SegmentUnset", {"singleBokeh"}, "capture", {}, "0 orlu.feedback.segmentResult Integer -1\n",
                "D algo process segmentDetectResult = -1\n"},
     ResultCase{"LightStreamStop", {"lightstream"}, "stopProcess", kLightStreamValues, kLightStreamPuts, kLightStreamLog},

@@ -5,39 +5,18 @@
 #include <jni.h>
 
 #include <cstdarg>
-#include <cstring>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "algo_native_client.h"
 #include "fixtures.h"
+#include "java_text.h"
 #include "log_capture.h"
 #include "result_updater.h"
 
 namespace orlu::test {
-
-// A Java number or an array of numbers by its class and contents: "Integer 5", "float[] 1.5 2".
-inline std::string describeNumbers(jobject value) {
-  jobject clazz = callObject(value, "getClass", "()Ljava/lang/Class;");
-  const std::string name = stringOf(callObject(clazz, "getSimpleName", "()Ljava/lang/String;"));
-  std::ostringstream text;
-  text.precision(17);
-  text << name;
-  const auto list = [&](const auto& numbers) {
-    for (const auto number : numbers) text << ' ' << number;
-  };
-  if (name == "int[]") list(intsOf(value));
-  if (name == "long[]") list(longsOf(value));
-  if (name == "float[]") list(floatsOf(value));
-  if (name == "double[]") list(doublesOf(value));
-  if (name.find('[') == std::string::npos) {
-    text << ' ' << stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
-  }
-  return text.str();
-}
 
 // Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with
 // the index of the composition, the key and the value.
@@ -69,7 +48,7 @@ private:
       if (!env()->IsSameObject(object, mCompositions[i])) continue;
       jobject key = va_arg(arguments, jobject);
       jobject value = va_arg(arguments, jobject);
-      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeNumbers(value) + '\n';
+      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeJava(value) + '\n';
     }
   }
 
@@ -89,9 +68,10 @@ struct LeftValue {
 
 template <typename T = int32_t>
 LeftValue left(const char* section, const char* key, const std::vector<T>& values) {
-  std::vector<uint8_t> bytes(values.size() * sizeof(T));
-  std::memcpy(bytes.data(), values.data(), bytes.size());
-  return {section, key, bytes};
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(values.data());
+  return {
+      section, key, {bytes, bytes + values.size() * sizeof(T)}
+  };
 }
 
 // A frame's composition; its capture result tells the time when it was exposed.
@@ -171,13 +151,13 @@ private:
   }
 
   static std::string describe(const LogLine& line) {
-    static const std::regex kPrefix(R"(result_updater\w*\.cpp:\d+ \w+\(\) )");
     const std::string priority(1, line.priority == ANDROID_LOG_ERROR ? 'E' : 'D');
     if (line.tag == "VASJNI-ResultUpdater") return priority + "* " + line.message + '\n';
     if (line.tag != "_V_VASJNI-ResultUpdater") return "";
-    std::smatch prefix;
-    const bool has = std::regex_search(line.message, prefix, kPrefix, std::regex_constants::match_continuous);
-    return priority + ' ' + (has ? prefix.suffix().str() : "without prefix: " + line.message) + '\n';
+    const std::string& text = line.message;
+    const size_t end = text.find("() ");
+    const bool hasPrefix = text.rfind("result_updater", 0) == 0 && text.find(".cpp:") < end;
+    return priority + ' ' + (hasPrefix ? text.substr(end + 3) : "without prefix: " + text) + '\n';
   }
 
   LocalFrame mFrame;

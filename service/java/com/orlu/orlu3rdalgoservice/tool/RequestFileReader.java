@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
@@ -87,14 +88,18 @@ final class RequestFileReader {
         if (members.has("properties")) {
             for (Map.Entry<String, JsonField> property : members.get("properties").anyMembers().entrySet()) {
                 JsonField field = property.getValue();
-                if (property.getKey().isEmpty() || field.string().length() > LONGEST_PROPERTY) {
+                if (property.getKey().isEmpty() || tooLong(field.string())) {
                     throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY
-                            + " characters");
+                            + " bytes");
                 }
                 properties.put(property.getKey(), field.string());
             }
         }
         return properties;
+    }
+
+    private static boolean tooLong(String property) {
+        return property.getBytes(StandardCharsets.UTF_8).length > LONGEST_PROPERTY;
     }
 
     private Path photo(JsonMembers members, JsonField root, boolean needed) throws RequestFileException {
