@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 // "tag: message". A prefix of file, line and function is written as "*"; a line that is no error begins with
 // "?".
 inline Lines errorLines(const LogCapture& log) {
-  static const std::regex prefix("^[a-z_]+\\.cpp:[0-9]+ [A-Za-z]+\\(\\) ");
+  static const std::regex prefix("^[a-z_]+\\.cpp:[0-9]+ ~?[A-Za-z]+\\(\\) ");
   Lines lines;
   for (const LogLine& line : log.lines()) {
     lines.push_back((line.priority == ANDROID_LOG_ERROR ? "" : "?") + line.tag + ": " +
