@@ -3,13 +3,18 @@
 option(ORLU_TESTS "Build the tests" ON)
 set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
 
-# Debian's JDK 17, also where another one is the machine's default.
-file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
-if(debian_jdk)
-  list(GET debian_jdk 0 JAVA_HOME)
+if(NOT ANDROID)
+  # Debian's JDK 17, also where another one is the machine's default.
+  file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
+  if(debian_jdk)
+    list(GET debian_jdk 0 JAVA_HOME)
+  endif()
+  find_package(Java 17 REQUIRED COMPONENTS Development)
 endif()
-find_package(Java 17 REQUIRED COMPONENTS Development)
-if(CMAKE_CROSSCOMPILING)
+if(ANDROID)
+  # The NDK brings its own.
+  set(JNI_INCLUDE_DIRS "")
+elseif(CMAKE_CROSSCOMPILING)
   # Headers are the same on every machine; the VM is the target's.
   set(JNI_INCLUDE_DIRS ${JAVA_HOME}/include ${JAVA_HOME}/include/linux)
   file(GLOB JAVA_JVM_LIBRARY ${ORLU_ARM_ROOT}/usr/lib/jvm/java-17-openjdk-armhf/lib/server/libjvm.so)
