@@ -79,7 +79,6 @@ TEST_P(VRequestImageTest, ReadsFormatAndPlanes) {
 const ImageCase kFormatCases[] = {
     {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Nv21Tail",        "NV21X",          64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"Nv21LongTail",    "NV21_SOMETHING", 64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     // Labelled as NV12, on purpose.
     {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
@@ -96,8 +95,6 @@ const ImageCase kFormatCases[] = {
     {"RawSensorTail",   "RAW_SENSOR16",   64, 48, {200},    {6145},       9000, "18 1 | 200 0 0 0 | 6145 0 0 0 | 6145", ""},
     {"Jpeg4",           "JPEG",           64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
     {"Jpeg5",           "JPEG5",          64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
-    {"Jpeg7",           "JPEG567",        64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
-    {"Jpeg8",           "JPEG5678",       64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
     {"Jpeg9",           "JPEG56789",      64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
     {"Jpeg10",          "JPEG567890",     64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
     {"Jpeg12",          "JPEG56789012",   64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
@@ -111,9 +108,6 @@ const ImageCase kFormatCases[] = {
     {"Nv21Short",       "NV2",            64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format NV2\n"},
     {"OtherCase",       "nv21",           64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format nv21\n"},
     {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
-    // Lengths count characters, not bytes: nine of them.
-    {"Characters",      "RAW_SENS\xC3\x96", 64, 48, {80},   {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format RAW_SENS\xC3\x96\n"},
-    {"ThreeCharacters", "JP\xC3\x89",     64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format JP\xC3\x89\n"},
     {"EmptyName",       "",               64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
     {"NoName",          nullptr,          64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
 };
@@ -127,13 +121,11 @@ const ImageCase kPlaneCases[] = {
     {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, 9000, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
     {"TowardsZero",     "NV21", 64, 3,  {-5},     {100},      9000, "1 2 | -5 0 0 0 | 100 -7 0 0 | 100", ""},
     {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   9000, "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
-    {"JpegWholeMemory", "JPEG", 64, 48, {80},     {9000},     9000, "24 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
     // Arrays that are short, empty or long.
     {"NothingGiven",    "NV21", 64, 48, {},       {},         9000, "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
     {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, 9000, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
     // What does not fit is as much as does.
     {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   9000, "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
-    {"HugeRaw16Twice",  "RAW16", 32768, 32768, {1},  {100},   9000, "18 1 | 32768 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
     {"HugeRawSensor",   "RAW_SENSOR", kMax, kMax, {1}, {100}, 9000, "18 1 | 1 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
     {"HugeMipiRaw10",   "MIPI_RAW10", 64, 65536, {65536}, {1}, 9000, "6 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
     {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   9000, "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
@@ -314,20 +306,6 @@ TEST(VRequestImageTest, LivesWithoutMemory) {
     EXPECT_EQ(kNoData, withoutNullErrors(test::errorText(log, kTag)));
     EXPECT_TRUE(log.contains("useShmem 0"));
   }
-}
-
-// Its flag stays set, with nothing to close behind it.
-TEST(VRequestImageTest, LivesWithClosedSharedMemory) {
-  const test::LocalFrame localFrame;
-  test::ImageSpec spec;
-  spec.sharedMemory = test::newSharedMemory(4608);
-  env()->CallVoidMethod(spec.sharedMemory,
-                        env()->GetMethodID(env()->GetObjectClass(spec.sharedMemory), "close", "()V"));
-  test::expectNoException("close");
-  const AlgoFrameInfo frame = convert(test::newImage(spec));
-  EXPECT_EQ(-1, frame.fd[0]);
-  EXPECT_EQ(0, frame.fdSize[0]);
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 }  // namespace
