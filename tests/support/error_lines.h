@@ -1,6 +1,8 @@
 // What was logged, as tests compare it whole: one text for each line.
 #pragma once
 
+#include <regex.h>
+
 #include <string>
 #include <vector>
 
@@ -10,23 +12,32 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// "file.cpp:12 function() message" -> "* message"; what has no such prefix stays as it is.
-inline std::string withoutPrefix(const std::string& message) {
-  const size_t colon = message.find(".cpp:");
-  const size_t end = message.find("() ");
-  const bool hasPrefix = colon != std::string::npos && end != std::string::npos && colon < end;
-  return hasPrefix ? "* " + message.substr(end + 3) : message;
+// A message whose prefix of file, line and function is written as "*". (Under AddressSanitizer, GCC 12 warns
+// about the insides of std::regex.)
+inline std::string withShortPrefix(const std::string& message) {
+  static const regex_t prefix = [] {
+    regex_t compiled;
+    regcomp(&compiled, "^[a-z_]+\\.cpp:[0-9]+ ~?[A-Za-z]+\\(\\) ", REG_EXTENDED);
+    return compiled;
+  }();
+  regmatch_t match;
+  if (regexec(&prefix, message.c_str(), 1, &match, 0) != 0) return message;
+  return "* " + message.substr(static_cast<size_t>(match.rm_eo));
 }
 
-// "tag: message". A prefix of file, line and function is written as "*"; a line that is no error begins with
-// "?".
+// "tag: message", with its prefix shortened; a line that is no error begins with "?".
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {
-    lines.push_back((line.priority == ANDROID_LOG_ERROR ? "" : "?") + line.tag + ": " +
-                    withoutPrefix(line.message));
+    const char* const mark = line.priority == ANDROID_LOG_ERROR ? "" : "?";
+    lines.push_back(mark + line.tag + ": " + withShortPrefix(line.message));
   }
   return lines;
+}
+
+// The line of an error that a class logs under its own tag.
+inline std::string errorLine(const std::string& clazz, const std::string& message) {
+  return "_V_VASJNI-" + clazz + ": * " + message;
 }
 
 // One text, of which a failure prints the lines that differ.

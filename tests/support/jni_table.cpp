@@ -23,7 +23,10 @@ struct JniTableFunctions {
 
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
       ++gTable->mCalls[name];
-      if (gTable->mFailing.count(name) != 0) return Result();
+      if (gTable->mFailing.count(name) != 0) {
+        gTable->throwOutOfMemory();
+        return Result();
+      }
       if constexpr (std::is_convertible_v<Result, jobject>) {
         const Result result = (gTable->mOriginal->*Member)(env, arguments...);
         if (result != nullptr) ++gTable->mLocalReferences;
@@ -116,6 +119,12 @@ void JniTable::hide(const std::string& name) {
 
 void JniTable::fail(const std::string& function) {
   mFailing.insert(function);
+}
+
+void JniTable::throwOutOfMemory() {
+  const jclass error = mOriginal->FindClass(mEnv, "java/lang/OutOfMemoryError");
+  mOriginal->ThrowNew(mEnv, error, "as the test asks");
+  mOriginal->DeleteLocalRef(mEnv, error);
 }
 
 int JniTable::heldArrays() const {

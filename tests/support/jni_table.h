@@ -23,8 +23,8 @@ public:
   // "class.member", a static one and a field too.
   void hide(const std::string& name);
 
-  // From now on this function answers null or 0 and does nothing, as when memory is short. It must be one of
-  // those that are counted.
+  // From now on this function answers null or 0 and leaves an OutOfMemoryError. It must be one of those that
+  // are counted.
   void fail(const std::string& function);
 
   // Calls by the function's name.
@@ -45,6 +45,7 @@ private:
   template <typename Id, typename Original>
   Id findMember(jclass clazz, const char* name, const char* signature, Original original);
   std::string nameOf(jclass clazz);
+  void throwOutOfMemory();
 
   JNIEnv* mEnv;
   const JNINativeInterface_* mOriginal;
