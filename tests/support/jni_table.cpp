@@ -86,6 +86,7 @@ JniTable::JniTable(JNIEnv* env) : mEnv(env), mOriginal(env->functions), mTable(*
   COUNT(NewLongArray);
   COUNT(NewFloatArray);
   COUNT(NewDoubleArray);
+  COUNT(GetObjectClass);
   COUNT(GetObjectField);
   COUNT(GetObjectArrayElement);
   COUNT(GetIntField);
