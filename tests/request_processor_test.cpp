@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <functional>
 #include <set>
+#include <tuple>
 
 #include "algo.h"
 #include "callback_recorder.h"
@@ -135,82 +135,49 @@ TEST_F(RequestProcessorTest, LifeOfAClient) {
             lines());
 }
 
-TEST_F(RequestProcessorTest, AClientKnowsWhoseItIs) {
+TEST_F(RequestProcessorTest, AClientIsNobodysByDefault) {
   mInst = RequestProcessor::create(env(), mParam);
   client().onPostProcessDataCommonShot(UINT64_MAX);
   EXPECT_TRUE(mLog.contains("E, clientId = -1, algoContextIndex = -1, nativeReq 18446744073709551615"));
-  destroy();
-  putKey(mParam, "clientId", javaLong(4294967299));
-  putKey(mParam, "algoContextIndex", javaInt(7));
-  mInst = RequestProcessor::create(env(), mParam);
-  client().onPostProcessDataCommonShot(UINT64_MAX);
-  EXPECT_TRUE(mLog.contains("E, clientId = 4294967299, algoContextIndex = 7, "));
 }
 
-struct NullHandleCase {
-  const char* name;
-  std::function<int(jobject param)> call;
-  test::Lines lines;
-};
-
-class RequestProcessorNullHandleTest : public RequestProcessorTest,
-                                       public testing::WithParamInterface<NullHandleCase> {};
-
-TEST_P(RequestProcessorNullHandleTest, IsRejected) {
+TEST_F(RequestProcessorTest, HandleZeroIsRejected) {
+  using P = RequestProcessor;
   putKey(mParam, "imageFormat", javaInt(37));
-  EXPECT_EQ(-1, GetParam().call(mParam));
+  for (const int answer : {P::destroy(env(), 0), P::init(env(), 0, mParam), P::release(env(), 0, mParam),
+                           P::flush(env(), 0, mParam, mParam), P::abortRequest(env(), 0, mParam, mParam),
+                           P::translateParamFiles(env(), 0, nullptr, mParam)}) {
+    EXPECT_EQ(-1, answer);
+  }
   EXPECT_EQ("", mTrace);
-  EXPECT_EQ(GetParam().lines, lines());
+  EXPECT_EQ((test::Lines{"destroy native client failed, client is null!", "init failed, client is null!",
+                         "?release E, (nil)", "?release format: 37", "release failed, client is null!",
+                         "flush failed, client is null!", "?abort E, (nil)", "abort failed, client is null!",
+                         "?get data failed, input is null, (nil)"}),
+            lines());
 }
 
-using Processor = RequestProcessor;
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, RequestProcessorNullHandleTest,
-                         testing::Values(
-    NullHandleCase{"Destroy", [](jobject) { return Processor::destroy(env(), 0); },
-                   {"destroy native client failed, client is null!"}},
-    NullHandleCase{"Init", [](jobject param) { return Processor::init(env(), 0, param); },
-                   {"init failed, client is null!"}},
-    NullHandleCase{"Release", [](jobject param) { return Processor::release(env(), 0, param); },
-                   {"?release E, (nil)", "?release format: 37", "release failed, client is null!"}},
-    NullHandleCase{"Flush", [](jobject param) { return Processor::flush(env(), 0, param, param); },
-                   {"flush failed, client is null!"}},
-    NullHandleCase{"Abort", [](jobject param) { return Processor::abortRequest(env(), 0, param, param); },
-                   {"?abort E, (nil)", "abort failed, client is null!"}},
-    NullHandleCase{"TranslateParamFiles",
-                   [](jobject param) { return Processor::translateParamFiles(env(), 0, nullptr, param); },
-                   {"?get data failed, input is null, (nil)"}}),
-                         test::CaseName());
-// clang-format on
-
-struct ReleaseCase {
-  const char* name;
-  std::function<jobject()> format;
-  int mode;
-};
-
-class RequestProcessorReleaseTest : public RequestProcessorTest,
-                                    public testing::WithParamInterface<ReleaseCase> {};
-
-TEST_P(RequestProcessorReleaseTest, ModeFollowsFromTheFormat) {
+TEST_F(RequestProcessorTest, ReleaseModeFollowsFromTheFormat) {
   create();
-  if (GetParam().format) putKey(mParam, "imageFormat", GetParam().format());
-  EXPECT_EQ(0, RequestProcessor::release(env(), mInst, mParam));
-  const std::string mode = std::to_string(GetParam().mode);
-  EXPECT_EQ("uninit 1/" + mode + ", uninit 2/" + mode + ", uninit 3/" + mode + ", uninit 5/" + mode, mTrace);
+  const std::tuple<const char*, jobject, const char*> kModes[] = {
+      {"RAW_SENSOR",  javaInt(32),  "2"},
+      {"RAW10",       javaInt(37),  "2"},
+      {"YUV_420_888", javaInt(35),  "1"},
+      {"unknown",     javaInt(0),   "1"},
+      {"wrong type",  javaLong(32), "0"},
+      {"absent",      nullptr,      "0"},
+  };
+  for (const auto& [name, format, mode] : kModes) {
+    mTrace.clear();
+    putKey(mParam, "imageFormat", format);
+    EXPECT_EQ(0, RequestProcessor::release(env(), mInst, mParam));
+    std::string expected;
+    for (const char* type : {"1", "2", "3", "5"}) {
+      expected += std::string(expected.empty() ? "" : ", ") + "uninit " + type + '/' + mode;
+    }
+    EXPECT_EQ(expected, mTrace) << name;
+  }
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, RequestProcessorReleaseTest,
-                         testing::Values(
-    ReleaseCase{"RawSensor", [] { return javaInt(32); },   2},
-    ReleaseCase{"Raw10",     [] { return javaInt(37); },   2},
-    ReleaseCase{"Yuv",       [] { return javaInt(35); },   1},
-    ReleaseCase{"Zero",      [] { return javaInt(0); },    1},
-    ReleaseCase{"Absent",    nullptr,                      0},
-    ReleaseCase{"WrongType", [] { return javaLong(32); },  0}),
-                         test::CaseName());
-// clang-format on
 
 struct AbortCase {
   const char* name;
@@ -233,13 +200,10 @@ TEST_P(RequestProcessorAbortTest, SendsWhatIsNamed) {
   if (c.key != nullptr) expected += ", setValue orlu.algo.control/abort_key 128";
   if (c.isSent) expected += ", setValue orlu.algo.control/abort_val 8=4294967301, command 0 0 0 1";
   EXPECT_EQ(expected + ", destroyMetadata", mTrace);
-  EXPECT_EQ(
-      std::string("?abort key ") + (c.key == nullptr ? "" : c.key) + " no error " + (c.isSent ? "1" : "0"),
-      lines()[1]);
-  if (c.key == nullptr) return;
-  std::string padded = c.key;
-  padded.resize(128);
-  EXPECT_EQ(padded, std::string(mAbortKey.begin(), mAbortKey.end()));
+  const std::string key = c.key == nullptr ? "" : c.key;
+  EXPECT_EQ("?abort key " + key + " no error " + (c.isSent ? "1" : "0"), lines()[1]);
+  mAbortKey.resize(128);
+  EXPECT_EQ(key + std::string(128 - key.size(), '\0'), std::string(mAbortKey.begin(), mAbortKey.end()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, RequestProcessorAbortTest,
@@ -273,14 +237,18 @@ TEST_F(RequestProcessorTest, GetDataAnswersWhatTheLibraryAnswers) {
 
 TEST_F(RequestProcessorTest, GetDataCutsItsCommand) {
   create();
-  EXPECT_EQ("", test::stringOf(RequestProcessor::getData(env(), mInst, mParam)));
-  for (size_t length : {1023, 1024, 2000}) {
-    putKey(mParam, "cmd", javaString(std::string(length, 'c')));
-    RequestProcessor::getData(env(), mInst, mParam);
+  const std::pair<size_t, size_t> kLengths[] = {
+      {0,    0   },
+      {1023, 1023},
+      {1024, 1024},
+      {2000, 1024}
+  };
+  for (const auto& [length, handedOver] : kLengths) {
+    mTrace.clear();
+    if (length != 0) putKey(mParam, "cmd", javaString(std::string(length, 'c')));
+    EXPECT_EQ("", test::stringOf(RequestProcessor::getData(env(), mInst, mParam)));
+    EXPECT_EQ("createMetadata, getData " + std::to_string(handedOver) + ", destroyMetadata", mTrace);
   }
-  EXPECT_EQ(mTrace,
-            "createMetadata, getData 0, destroyMetadata, createMetadata, getData 1023, destroyMetadata, "
-            "createMetadata, getData 1024, destroyMetadata, createMetadata, getData 1024, destroyMetadata");
 }
 
 TEST_F(RequestProcessorTest, GetDataIsNullWithoutInputOrWithoutTheOperation) {
@@ -425,21 +393,6 @@ TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
             callInt("processImageUpdateResult", kFourObjects, inst, request, images, images, compositions));
   EXPECT_NE(nullptr, test::getKey(composition, "orlu.feedback.hdrChoosedFrame"));
   EXPECT_EQ(0, callInt("destroyNativeClient", "(J)I", inst));
-}
-
-TEST_F(ServiceTest, RejectsHandleZero) {
-  for (const char* name : {"algoInit", "algoRelease"}) {
-    EXPECT_EQ(-1, callInt(name, kOneObject, jlong{0}, mParam)) << name;
-  }
-  for (const char* name : {"flush", "abort", "translateParamFiles"}) {
-    EXPECT_EQ(-1, callInt(name, kTwoObjects, jlong{0}, mParam, mParam)) << name;
-  }
-  for (const char* name : {"processImage", "processImageUpdateResult"}) {
-    EXPECT_EQ(-1, callInt(name, kFourObjects, jlong{0}, mParam, mParam, mParam, mParam)) << name;
-  }
-  EXPECT_EQ(-1, callInt("destroyNativeClient", "(J)I", jlong{0}));
-  EXPECT_EQ("(null)", getData(0));
-  EXPECT_EQ("", mTrace);
 }
 
 }  // namespace
