@@ -2,15 +2,13 @@
 
 #include <gtest/gtest.h>
 #include <orlu/camera3rd_log.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <fstream>
 #include <set>
 #include <thread>
 
 #include "log_capture.h"
+#include "thread_state.h"
 
 namespace orlu {
 namespace {
@@ -18,23 +16,6 @@ namespace {
 constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
 
 using List = std::vector<std::string>;
-
-int threadId() {
-  return static_cast<int>(syscall(SYS_gettid));
-}
-
-// Returns when the thread whose id is told sleeps in the kernel, or has ended.
-void untilAsleep(const std::atomic<int>& thread) {
-  while (thread == 0) std::this_thread::yield();
-  for (;;) {
-    std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string id;
-    std::string name;
-    std::string state;
-    if (!(stat >> id >> name >> state) || state == "S") return;
-    std::this_thread::yield();
-  }
-}
 
 // Tests that end well take no time; the ten seconds themselves are waited for once, by a whole request. Every
 // test removes what it created: records belong to the map, which lives as long as the process elsewhere.
@@ -116,12 +97,12 @@ TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
   for (size_t i = 0; i < kWaiters; ++i) {
     const uint64_t id = mMap.create(static_cast<int64_t>(i), nullptr, false);
     waiters.emplace_back([this, id, &threadId = threadIds[i], &mine = calledBack[i]] {
-      threadId = orlu::threadId();
+      threadId = test::threadId();
       EXPECT_TRUE(mMap.waitForCallback(id));
       EXPECT_TRUE(mine) << id << " woke for another one";
     });
   }
-  for (const std::atomic<int>& thread : threadIds) untilAsleep(thread);
+  for (const std::atomic<int>& thread : threadIds) test::untilAsleep(thread);
   for (size_t i : {3, 0, 5, 1, 4, 2}) {
     calledBack[i] = true;
     EXPECT_TRUE(mMap.onCallbackReceived(i));
@@ -162,10 +143,10 @@ TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
     const uint64_t id = mMap.create(round, nullptr, false);
     std::atomic<int> thread{0};
     std::thread waiter([&] {
-      thread = threadId();
+      thread = test::threadId();
       if (mMap.waitForCallback(id)) ++waited;
     });
-    untilAsleep(thread);
+    test::untilAsleep(thread);
     EXPECT_TRUE(mMap.onCallbackReceived(id));
     EXPECT_TRUE(mMap.remove(id));
     EXPECT_EQ(-1, mMap.getRequestId(id)) << "the entry outlived its removal";

@@ -10,10 +10,10 @@ namespace orlu::test {
 
 // `rest` is the name and the payload, of which the name has `nameLength` bytes, or so it says.
 inline std::vector<uint8_t> callbackData(uint64_t nativeReq, int32_t nameLength, const std::string& rest) {
-  std::vector<uint8_t> data(20, 0xEE);
+  std::vector<uint8_t> data(20 + rest.size(), 0xEE);
   std::memcpy(&data[8], &nativeReq, sizeof nativeReq);
   std::memcpy(&data[16], &nameLength, sizeof nameLength);
-  data.insert(data.end(), rest.begin(), rest.end());
+  std::memcpy(data.data() + 20, rest.data(), rest.size());
   return data;
 }
 
