@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# A private root with Debian's 32-bit ARM JVM and the libraries that the build links: fetched and unpacked once, into
-# the user's cache folder. Nothing of it is installed on this machine, nothing in it is ever started without the
-# emulator, and none of it needs root. To be sourced after lib.sh.
+# A private root with Debian's 32-bit ARM JVM and the libraries that the build links:
+# fetched and unpacked once, into the user's cache folder. Nothing of it is installed on this machine, nothing
+# in it is ever started without the emulator, and none of it needs root. To be sourced after lib.sh.
 
 # What the root holds, with what it depends on; a change makes a new root.
 readonly arm_root_packages=(
@@ -15,8 +15,8 @@ arm_root_path() {
   printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-${key%% *}"
 }
 
-# arm_apt FOLDER COMMAND...: apt-get for armhf alone, from the sources that this machine has, with its state and its
-# cache below FOLDER.
+# arm_apt FOLDER COMMAND...: apt-get for armhf alone, from the sources that this machine has, with its state
+# and its cache below FOLDER.
 arm_apt() {
   local work=$1
   shift
@@ -51,8 +51,8 @@ make_links_relative() {
   done < <(find "$1" -type l -lname '/*' -print0)
 }
 
-# fetch_arm_root: makes the root unless it is there. It appears under its name when it is whole; what an interrupted
-# fetch left is thrown away. Two at a time wait for each other.
+# fetch_arm_root: makes the root unless it is there. It appears under its name when it is whole; what an
+# interrupted fetch left is thrown away. Two at a time wait for each other.
 fetch_arm_root() {
   local path work lock
   path=$(arm_root_path)

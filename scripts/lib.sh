@@ -54,8 +54,8 @@ install_missing() {
     install "${missing[@]}" >/dev/null
 }
 
-# debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another Java is
-# the machine's default.
+# debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another
+# Java is the machine's default.
 debian_java_home() {
   local home
   for home in "${1:-}"/usr/lib/jvm/java-17-openjdk-*; do

@@ -30,7 +30,8 @@ class Parser:
         while place < len(text):
             match = TOKEN.match(text, place)
             if match is None:
-                raise SyntaxError(f"line {text.count(chr(10), 0, place) + 1}: not understood: {text[place:place + 20]!r}")
+                line = text.count("\n", 0, place) + 1
+                raise SyntaxError(f"line {line}: not understood: {text[place:place + 20]!r}")
             place = match.end()
             if match.lastgroup:
                 yield match.lastgroup, match.group()
