@@ -158,7 +158,7 @@ TEST(StandInPictureTest, CopesWithOddImages) {
     c.process(++request, {"hdr"}, {good.get(), image.get()}, {image.get()});
     c.process(++request, {"jpegBokehOnly"}, {image.get()}, {image.get()});
   }
-  EXPECT_EQ(request, c.waitForCallbacks(request).size());
+  EXPECT_EQ(request, c.waitForCallbacks(static_cast<size_t>(request)).size());
 }
 
 // The entries of an EXIF block's directories; a number by its first value, a fraction as its quotient.

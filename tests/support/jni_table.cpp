@@ -11,6 +11,12 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
+  // While the VM answers a call, what comes through the table is its own native methods' doing.
+  struct InsideVm {
+    InsideVm() { gTable->mInsideVm = true; }
+    ~InsideVm() { gTable->mInsideVm = false; }
+  };
+
   // Counts a call of `Member` and passes it on, unless it is to fail. A function that answers an object makes
   // a local reference.
   template <auto Member>
@@ -22,11 +28,13 @@ struct JniTableFunctions {
     static inline const char* name = nullptr;
 
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
+      if (gTable->mInsideVm) return (gTable->mOriginal->*Member)(env, arguments...);
       ++gTable->mCalls[name];
       if (gTable->mFailing.count(name) != 0) {
         gTable->throwOutOfMemory();
         return Result();
       }
+      const InsideVm inside;
       if constexpr (std::is_convertible_v<Result, jobject>) {
         const Result result = (gTable->mOriginal->*Member)(env, arguments...);
         if (result != nullptr) ++gTable->mLocalReferences;
@@ -54,12 +62,14 @@ struct JniTableFunctions {
     return gTable->findMember<jfieldID>(clazz, name, signature, gTable->mOriginal->GetFieldID);
   }
   static jobject JNICALL newGlobalRef(JNIEnv* env, jobject object) {
-    ++gTable->mCalls["NewGlobalRef"];
+    if (!gTable->mInsideVm) ++gTable->mCalls["NewGlobalRef"];
     return gTable->mOriginal->NewGlobalRef(env, object);
   }
   static void JNICALL deleteLocalRef(JNIEnv* env, jobject object) {
-    ++gTable->mCalls["DeleteLocalRef"];
-    if (object != nullptr) --gTable->mLocalReferences;
+    if (!gTable->mInsideVm) {
+      ++gTable->mCalls["DeleteLocalRef"];
+      if (object != nullptr) --gTable->mLocalReferences;
+    }
     gTable->mOriginal->DeleteLocalRef(env, object);
   }
 };
@@ -142,6 +152,8 @@ int JniTable::calls(const std::string& function) const {
 }
 
 jclass JniTable::findClass(const char* name) {
+  if (mInsideVm) return mOriginal->FindClass(mEnv, name);
+  const JniTableFunctions::InsideVm inside;
   ++mCalls["FindClass"];
   mLookups.emplace_back(name);
   // A name that no class has leaves the exception that the VM leaves.
@@ -152,6 +164,8 @@ jclass JniTable::findClass(const char* name) {
 
 template <typename Id, typename Original>
 Id JniTable::findMember(jclass clazz, const char* name, const char* signature, Original original) {
+  if (mInsideVm) return original(mEnv, clazz, name, signature);
+  const JniTableFunctions::InsideVm inside;
   ++mCalls["lookups of members"];
   const std::string member = nameOf(clazz) + "." + name;
   mLookups.push_back(member + " " + signature);

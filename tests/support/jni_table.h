@@ -1,6 +1,6 @@
 // A thin table of our own over an environment's JNI functions, in place for the life of this object: it
-// counts calls and lets lookups and calls fail. Native methods of the Java library go through it too: what is
-// to be counted exactly is done once before, so that its classes are loaded.
+// counts calls and lets lookups and calls fail. What native methods of the Java library do on the way is
+// passed through, uncounted: their references end with them.
 #pragma once
 
 #include <jni.h>
@@ -55,6 +55,7 @@ private:
   std::map<std::string, int> mCalls;
   std::vector<std::string> mLookups;
   int mLocalReferences = 0;
+  bool mInsideVm = false;
 };
 
 }  // namespace orlu::test
