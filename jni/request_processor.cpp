@@ -41,6 +41,13 @@ struct StringParameter {
   bool found;
 };
 
+// A new descriptor of the memory, or -1. The platform's function takes the object's class for granted.
+int duplicate(JNIEnv* env, jobject sharedMemory) {
+  ScopedLocalRef<jclass> clazz(env, env->FindClass("android/os/SharedMemory"));
+  clearException(env);
+  return isInstance(env, sharedMemory, clazz.get()) ? ASharedMemory_dupFromJava(env, sharedMemory) : -1;
+}
+
 // The modes of AlgoNativeContext::uninit().
 enum ReleaseMode { kModeUnknownFormat = 0, kModeProcessed = 1, kModeRaw = 2 };
 
@@ -177,7 +184,7 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
     LOGD("get data failed, input is null, %p", printable(inst));
     return -1;
   }
-  const int fd = ASharedMemory_dupFromJava(env, sharedMemory);
+  const int fd = duplicate(env, sharedMemory);
   const int size = static_cast<int>(ASharedMemory_getSize(fd));
   CameraMetadataParser parser(env);
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
