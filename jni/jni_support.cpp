@@ -32,17 +32,23 @@ const char* skipCharacters(const char* text) {
   return text;
 }
 
+// A failed call leaves an exception, under which nothing else may be called.
+jstring newStringOrNull(JNIEnv* env, const char* text) {
+  jstring string = env->NewStringUTF(text);
+  return clearException(env) ? nullptr : string;
+}
+
 }  // namespace
 
 jstring newString(JNIEnv* env, const char* text) {
   const char* bad = skipCharacters(text);
-  if (*bad == '\0') return env->NewStringUTF(text);
+  if (*bad == '\0') return newStringOrNull(env, text);
   std::string mended = text;
   while (*bad != '\0') {
     mended[static_cast<size_t>(bad - text)] = '?';
     bad = skipCharacters(bad + 1);
   }
-  return env->NewStringUTF(mended.c_str());
+  return newStringOrNull(env, mended.c_str());
 }
 
 }  // namespace orlu

@@ -174,8 +174,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
   const std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
   LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
   if (data.empty()) return nullptr;
-  jstring answer = newString(env, text.c_str());
-  return clearException(env) ? nullptr : answer;
+  return newString(env, text.c_str());
 }
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {

@@ -109,9 +109,9 @@ TEST_F(HostileInputTest, AsksThePlatformForTheDescriptorOfSharedMemoryAlone) {
   EXPECT_EQ(1, gDuplicated);
 }
 
-// The client's own environment, with one function replaced for the life of this object.
 AlgoNativeClient* gToDestroy = nullptr;
 
+// In place for the life of this object.
 class DestroyingCallback {
 public:
   explicit DestroyingCallback(AlgoNativeClient* client)
@@ -126,6 +126,27 @@ private:
   JNINativeInterface_ mTable;
   const JNINativeInterface_* mOriginal;
 };
+
+// As a VM does that has no memory left.
+jstring JNICALL throwInsteadOfString(JNIEnv* environment, const char*) {
+  environment->ThrowNew(environment->FindClass("java/lang/OutOfMemoryError"), "no string");
+  return nullptr;
+}
+
+TEST_F(HostileInputTest, LeavesNoExceptionOfAKeyThatCantBeMade) {
+  CameraMetadataParser parser(env());
+  JNINativeInterface_ table = *env()->functions;
+  const JNINativeInterface_* const original = env()->functions;
+  jobject noComposition = test::newRequest(1, "capture");
+  table.NewStringUTF = throwInsteadOfString;
+  env()->functions = &table;
+  int32_t value = 5;
+  EXPECT_EQ(-1, parser.getInt(value, "orlu.control.mirror", nullptr, noComposition));
+  env()->functions = original;
+  EXPECT_FALSE(env()->ExceptionCheck());
+  env()->ExceptionClear();
+  EXPECT_EQ(5, value);
+}
 
 // What it touches afterwards is found by AddressSanitizer.
 TEST_F(HostileInputTest, LetsJavaDestroyTheClientFromItsCallback) {
