@@ -13,6 +13,7 @@
 #include "fixtures.h"
 #include "jvm.h"
 #include "request_processor.h"
+#include "shot_callback.h"
 #include "soak_watch.h"
 #include "stand_in_script.h"
 
@@ -112,18 +113,23 @@ private:
                                    compositions);
   }
 
+  jlong takeDone() {
+    const jlong address = mEnv->CallStaticLongMethod(mProcessor, mTakeDone);
+    if (mEnv->ExceptionCheck()) std::abort();
+    return address;
+  }
+
   // Ends a full-async request, this client's or another's: as many are announced as were sent.
   void update() {
-    jlong address = -1;
-    while ((address = mEnv->CallStaticLongMethod(mProcessor, mTakeDone)) < 0) {
-      std::this_thread::sleep_for(std::chrono::microseconds(50));
-    }
+    jlong address = takeDone();
+    for (; address < 0; address = takeDone()) std::this_thread::sleep_for(std::chrono::microseconds(50));
     jobject boxed = mEnv->NewObject(mLong, mEnv->GetMethodID(mLong, "<init>", "(J)V"), address);
     jstring key = mEnv->NewStringUTF("nativeRequestAddr");
     jclass composition = mEnv->GetObjectClass(mArguments.update);
     mEnv->CallVoidMethod(
         mArguments.update,
         mEnv->GetMethodID(composition, "putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V"), key, boxed);
+    if (mEnv->ExceptionCheck()) std::abort();
     RequestProcessor::processImageUpdateResult(mEnv, mInst, mArguments.request, mArguments.images,
                                                mArguments.images, mArguments.updateList);
   }
@@ -151,8 +157,9 @@ void soakOn(SoakWatch& watch, const Arguments& arguments) {
   test::javaVm()->DetachCurrentThread();
 }
 
-// A client of its own sends them, whose requests the library does not take.
-void timeOut(const Arguments& arguments, int64_t inst) {
+// A client of its own sends them, whose requests the library does not take. `firstId` is the first one's; the
+// library calls back for that one when nobody waits any more.
+void timeOut(const Arguments& arguments, int64_t inst, uint64_t firstId) {
   JNIEnv* env = nullptr;
   test::javaVm()->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr);
   for (int i = 0; i < kTimeouts; ++i) {
@@ -160,6 +167,8 @@ void timeOut(const Arguments& arguments, int64_t inst) {
     RequestProcessor::processImage(env, inst, arguments.request, arguments.images, arguments.images,
                                    arguments.synchronous);
     env->PopLocalFrame(nullptr);
+    const auto* const client = reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(inst));
+    test::Algo::sendCallback(client->callbackCookie(), test::shotCallback(firstId), {}, i % 2 == 0);
   }
   RequestProcessor::destroy(env, inst);
   test::javaVm()->DetachCurrentThread();
@@ -173,7 +182,10 @@ void runClients(SoakWatch& watch, const std::vector<Arguments>& arguments, bool 
     script.notOffered = {"process"};
     setStandInScript(script);
     const int64_t inst = RequestProcessor::create(test::env(), nullptr);
-    threads.emplace_back(timeOut, std::cref(arguments[kClients]), inst);
+    const uint64_t request = nextRequestId() + 1;
+    threads.emplace_back(timeOut, std::cref(arguments[kClients]), inst, request);
+    // The others' requests come after its first one.
+    while (entriesBetween(request, request + 1) == 0) std::this_thread::yield();
   }
   script.notOffered.clear();
   setStandInScript(script);
