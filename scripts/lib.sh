@@ -7,6 +7,10 @@ readonly build_packages=(
   libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
 )
 
+# What libFuzzer and coverage take besides.
+readonly fuzz_packages=(clang libclang-rt-14-dev)
+readonly coverage_packages=(gcovr)
+
 # die TEXT...: one line on standard error, and the end.
 die() {
   echo "${0##*/}: $*" >&2
