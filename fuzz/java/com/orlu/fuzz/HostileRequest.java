@@ -6,6 +6,8 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
@@ -32,10 +34,15 @@ public final class HostileRequest implements AutoCloseable {
     public final Object parameter;
     public final Object sharedMemory;
 
+    private static final int PDAF_BYTES = 2080;
+    private static final int PDAF_COUNT = 16;
+    private static final int PDAF_TYPE = 2076;
+
     private final HostileValues mValues;
     private final HostileImages mImages;
     private final int mDensity; // of 100 tags
     private final int mRightness; // of 100 values
+    private final int mBracketing; // the night frame, 9 for the first three, -1 for none
 
     /** {@code mode}: 0 synchronous, 1 full-async, 2 and 3 the same and marked as needing no algorithms. */
     public HostileRequest(long seed, int mode, long address) {
@@ -43,6 +50,7 @@ public final class HostileRequest implements AutoCloseable {
         mImages = new HostileImages(mValues);
         mDensity = mValues.pick(List.of(0, 5, 30, 95));
         mRightness = mValues.pick(List.of(50, 90, 100));
+        mBracketing = mValues.chance(50) ? mValues.pick(List.of(0, 4, 6, 9)) : -1;
         int frames = mValues.pick(FRAMES);
         List<Object> frameList = elements(frames, i -> frame(mode, i, address));
         request = swapped(new VRequest(mValues.aLong(), mValues.chance(90) ? mValues.pick(TYPES)
@@ -64,6 +72,7 @@ public final class HostileRequest implements AutoCloseable {
         mImages = new HostileImages(mValues);
         mDensity = 0;
         mRightness = 100;
+        mBracketing = -1;
         CaptureResultComposition composition = new CaptureResultComposition();
         composition.putMetadata("nativeRequestAddr", address);
         request = new VRequest(1, "capture");
@@ -99,6 +108,7 @@ public final class HostileRequest implements AutoCloseable {
             return mValues.anything();
         }
         CaptureResultComposition composition = composition(index < 20 ? mDensity : 2);
+        putPlausible(composition, index);
         if (index == 0) {
             composition.putMetadata("orlu.control.algoType", algorithms());
             composition.putMetadata("isFullAsync", mode % 2 == 1 ? 1 : mValues.chance(50) ? 0 : mValues.text());
@@ -111,6 +121,19 @@ public final class HostileRequest implements AutoCloseable {
             composition.throwOn(mValues.chance(50), mValues.chance(50));
         }
         return composition;
+    }
+
+    /** What random values seldom are: a bracketing of HDR and night frames, and phase-detection data. */
+    private void putPlausible(CaptureResultComposition composition, int index) {
+        if (mBracketing >= 0) {
+            boolean isNight = mBracketing == 9 ? index < 3 : index == mBracketing;
+            composition.putMetadata("orlu.control.currentModeEx", isNight ? 8L : mValues.chance(99) ? 2L : 0L);
+        }
+        if (index == 0 && mValues.chance(20)) {
+            ByteBuffer pdaf = ByteBuffer.allocate(PDAF_BYTES).order(ByteOrder.LITTLE_ENDIAN);
+            pdaf.putInt(PDAF_COUNT, mValues.anInt()).putInt(PDAF_TYPE, mValues.below(6));
+            composition.putMetadata("orlu.feedback.sensor_pdaf_info", pdaf.array());
+        }
     }
 
     private CaptureResultComposition composition(int density) {

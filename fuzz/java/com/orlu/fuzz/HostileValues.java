@@ -12,7 +12,7 @@ import java.util.Random;
 
 /** Java values as a client may send them, from one seed. */
 final class HostileValues {
-    private static final int[] INTS = {0, 1, -1, 2, 3, 5, 7, 8, 16, 64, 255, 4096, 1 << 20, 1 << 30,
+    private static final int[] INTS = {0, 1, -1, 2, 3, 4, 5, 6, 7, 8, 16, 64, 255, 4096, 1 << 20, 1 << 30,
         Integer.MAX_VALUE, Integer.MIN_VALUE, Integer.MAX_VALUE - 1, Integer.MIN_VALUE + 1, 46341, 65536};
     private static final float[] FLOATS = {0, -0.0F, 1, -1, 0.5F, 1e-40F, 1e30F, Float.MAX_VALUE,
         Float.MIN_VALUE, Float.NaN, Float.POSITIVE_INFINITY, Float.NEGATIVE_INFINITY, 2147483648F};
