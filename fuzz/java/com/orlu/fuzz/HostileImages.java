@@ -33,7 +33,8 @@ final class HostileImages implements AutoCloseable {
     VImageIPC image() {
         VImageIPC image = new VImageIPC();
         boolean sane = mValues.chance(50);
-        image.mFormat = mValues.chance(85) ? mValues.pick(FORMATS) : mValues.chance(20) ? null : mValues.text();
+        image.mFormat = mValues.chance(85) ? mValues.pick(FORMATS)
+                : mValues.chance(20) ? null : mValues.text();
         image.mWidth = sane ? 64 : mValues.anInt();
         image.mHeight = sane ? 48 : mValues.anInt();
         image.mRowStrides = sane ? new int[] {64, 64} : ints();

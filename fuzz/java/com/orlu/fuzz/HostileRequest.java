@@ -18,8 +18,8 @@ public final class HostileRequest implements AutoCloseable {
     private static final List<String> ALGORITHMS = List.of("night", "hdr", "superns", "supernsll", "llhdr",
             "flip", "upscale", "jpegEncode", "frameClarOnly", "lightstream", "ppt", "gra", "beauty",
             "jpegBokehOnly", "engineDualbokeh", "dualBokeh", "dualbokehMultiFrame", "refocusJpegPack",
-            "pixelshift", "rawhdr", "superstar", "zoom", "rawenhance", "dualexpo", "bestMoment", "singleBokeh",
-            "eis", "nightPortrait", "engineDistortion");
+            "pixelshift", "rawhdr", "superstar", "zoom", "rawenhance", "dualexpo", "bestMoment",
+            "singleBokeh", "eis", "nightPortrait", "engineDistortion");
     private static final List<String> PARAMETERS = List.of("algoContextIndex", "clientId", "imageFormat",
             "AbortKey", "AbortVal", "cmd", "identifier", "nativeRequestAddr");
     private static final List<String> TYPES = List.of("capture", "previewProcess", "previewProcessMore",
@@ -55,7 +55,8 @@ public final class HostileRequest implements AutoCloseable {
         List<Object> frameList = elements(frames, i -> frame(mode, i, address));
         request = swapped(new VRequest(mValues.aLong(), mValues.chance(90) ? mValues.pick(TYPES)
                 : mValues.chance(30) ? null : mValues.text()));
-        inputs = swapped(list(elements(mValues.chance(70) ? frames : mValues.below(9), i -> mImages.element())));
+        int images = mValues.chance(70) ? frames : mValues.below(9);
+        inputs = swapped(list(elements(images, i -> mImages.element())));
         outputs = swapped(list(elements(mValues.below(4), i -> mImages.element())));
         compositions = swapped(list(frameList));
         parameter = swapped(parameter());
@@ -111,7 +112,8 @@ public final class HostileRequest implements AutoCloseable {
         putPlausible(composition, index);
         if (index == 0) {
             composition.putMetadata("orlu.control.algoType", algorithms());
-            composition.putMetadata("isFullAsync", mode % 2 == 1 ? 1 : mValues.chance(50) ? 0 : mValues.text());
+            composition.putMetadata("isFullAsync", mode % 2 == 1 ? 1
+                    : mValues.chance(50) ? 0 : mValues.text());
             composition.putMetadata("nativeRequestAddr", address);
             if (mode >= 2) {
                 composition.putMetadata("orlu.control.image.score", new double[] {1_000_000.0});
@@ -127,7 +129,8 @@ public final class HostileRequest implements AutoCloseable {
     private void putPlausible(CaptureResultComposition composition, int index) {
         if (mBracketing >= 0) {
             boolean isNight = mBracketing == 9 ? index < 3 : index == mBracketing;
-            composition.putMetadata("orlu.control.currentModeEx", isNight ? 8L : mValues.chance(99) ? 2L : 0L);
+            composition.putMetadata("orlu.control.currentModeEx", isNight ? 8L
+                    : mValues.chance(99) ? 2L : 0L);
         }
         if (index == 0 && mValues.chance(20)) {
             ByteBuffer pdaf = ByteBuffer.allocate(PDAF_BYTES).order(ByteOrder.LITTLE_ENDIAN);
@@ -170,7 +173,8 @@ public final class HostileRequest implements AutoCloseable {
         }
         String[] names = new String[mValues.chance(95) ? mValues.below(6) : mValues.below(2000)];
         for (int i = 0; i < names.length; i++) {
-            names[i] = mValues.chance(90) ? mValues.pick(ALGORITHMS) : mValues.chance(20) ? null : mValues.text();
+            names[i] = mValues.chance(90) ? mValues.pick(ALGORITHMS)
+                    : mValues.chance(20) ? null : mValues.text();
         }
         return names;
     }

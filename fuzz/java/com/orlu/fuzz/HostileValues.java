@@ -18,9 +18,9 @@ final class HostileValues {
         Float.MIN_VALUE, Float.NaN, Float.POSITIVE_INFINITY, Float.NEGATIVE_INFINITY, 2147483648F};
     private static final int[] LENGTHS = {0, 0, 1, 1, 2, 3, 4, 9, 22, 64, 65, 1000};
     private static final int LONG_ARRAY_LENGTH = 100_000;
-    private static final String[] TEXTS = {"", "a", "Master", "SAT", "Bokeh", "NV21", "orlu.control.frameFlag",
-        "orlu.control.frameFlagAndMore", "0x7fffffffffffffff", "\u0000", "a\u0000b", "\u00e9\u4e2d",
-        "\ud83d\ude00", "\ud800", "%s%n%p", "version", "paramfile x"};
+    private static final String[] TEXTS = {"", "a", "Master", "SAT", "Bokeh", "NV21",
+        "orlu.control.frameFlag", "orlu.control.frameFlagAndMore", "0x7fffffffffffffff", "\u0000", "a\u0000b",
+        "\u00e9\u4e2d", "\ud83d\ude00", "\ud800", "%s%n%p", "version", "paramfile x"};
 
     private final Random mRandom;
 
@@ -152,8 +152,8 @@ final class HostileValues {
     }
 
     private Object boxedWithNulls() {
-        Class<?>[] components = {Integer.class, Long.class, Float.class, Double.class, String.class, Face.class,
-            MeteringRectangle.class};
+        Class<?>[] components = {Integer.class, Long.class, Float.class, Double.class, String.class,
+            Face.class, MeteringRectangle.class};
         return array(components[below(components.length)], length(), 30);
     }
 

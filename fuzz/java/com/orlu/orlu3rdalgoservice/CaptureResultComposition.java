@@ -6,7 +6,7 @@ import java.util.HashMap;
 import java.util.Map;
 import java.util.function.Supplier;
 
-/** The service's class of this name, but one that can be made to throw. Stands before it in the class path. */
+/** The service's class of this name, but it can be made to throw. Stands before it in the class path. */
 public final class CaptureResultComposition {
     private CaptureResult mCaptureResult;
 

@@ -4,7 +4,7 @@ import java.util.HashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 import java.util.concurrent.atomic.AtomicInteger;
 
-/** The service's class of this name, but one that can be made to throw. Stands before it in the class path. */
+/** The service's class of this name, but it can be made to throw. Stands before it in the class path. */
 public final class RequestProcessor {
     private static final AtomicInteger ANNOUNCED = new AtomicInteger();
     private static final ConcurrentLinkedQueue<Long> DONE = new ConcurrentLinkedQueue<>();
