@@ -108,7 +108,7 @@ public:
     expect(after.cameraBlocks == counts.cameraBlocks, "a camera block is left");
     expect(after.clients == counts.clients, "a client is left");
     expect(!vmComplained(), "-Xcheck:jni is not quiet");
-    return openDescriptors() - descriptors;
+    return settledDescriptors(descriptors) - descriptors;
   }
 
 private:

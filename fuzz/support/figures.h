@@ -4,8 +4,10 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <thread>
 
 #include "algo_native_request_map.h"
 
@@ -18,6 +20,15 @@ inline int openDescriptors() {
   while (const dirent* entry = readdir(folder)) count += entry->d_name[0] == '.' ? 0 : 1;
   closedir(folder);
   return count;
+}
+
+// The open descriptors, when they are `expected` within two seconds: the stand-in closes those of a request
+// only after it is done with it.
+inline int settledDescriptors(int expected) {
+  for (int i = 0; i < 2'000 && openDescriptors() != expected; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return openDescriptors();
 }
 
 inline int64_t residentBytes() {
