@@ -3,6 +3,10 @@
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7-a)
 
+if(NOT ORLU_ARM_ROOT)
+  message(FATAL_ERROR "ORLU_ARM_ROOT in the environment names no root; ./test --arm makes one and builds with it")
+endif()
+
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 set(CMAKE_CXX_FLAGS_INIT "-march=armv7-a+fp -mthumb -mfloat-abi=hard -ffunction-sections -fdata-sections")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,--gc-sections")

@@ -3,13 +3,18 @@
 option(ORLU_TESTS "Build the tests" ON)
 set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
 
-# Debian's JDK 17, also where another one is the machine's default.
-file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
-if(debian_jdk)
-  list(GET debian_jdk 0 JAVA_HOME)
+if(NOT ANDROID)
+  # Debian's JDK 17, also where another one is the machine's default.
+  file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
+  if(debian_jdk)
+    list(GET debian_jdk 0 JAVA_HOME)
+  endif()
+  find_package(Java 17 REQUIRED COMPONENTS Development)
 endif()
-find_package(Java 17 REQUIRED COMPONENTS Development)
-if(CMAKE_CROSSCOMPILING)
+if(ANDROID)
+  # The NDK brings its own.
+  set(JNI_INCLUDE_DIRS "")
+elseif(CMAKE_CROSSCOMPILING)
   # Headers are the same on every machine; the VM is the target's.
   set(JNI_INCLUDE_DIRS ${JAVA_HOME}/include ${JAVA_HOME}/include/linux)
   file(GLOB JAVA_JVM_LIBRARY ${ORLU_ARM_ROOT}/usr/lib/jvm/java-17-openjdk-armhf/lib/server/libjvm.so)
@@ -23,10 +28,17 @@ target_compile_options(orlu_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   # One rounding for each operation, on every machine.
   -ffp-contract=off)
-target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags LINKER:--no-undefined)
+target_link_options(orlu_options INTERFACE LINKER:--no-undefined)
 
-if(ORLU_SANITIZE)
-  target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)
+if(NOT ORLU_SANITIZE)
+  target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags)
+else()
+  # A sanitizer's dlopen() is called from its own library, where the RUNPATH of ours says nothing; a program's
+  # RPATH is valid for all that it loads.
+  target_link_options(orlu_options INTERFACE LINKER:--disable-new-dtags)
+  target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer
+    # Instrumented standard headers set it off; the builds without sanitizers keep it.
+    -Wno-maybe-uninitialized)
   target_link_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE})
   if(ORLU_SANITIZE MATCHES undefined)
     target_compile_options(orlu_options INTERFACE -fno-sanitize-recover=undefined)

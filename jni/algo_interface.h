@@ -26,6 +26,8 @@ struct AlgoNativeHandle {
   int32_t numInts = 0;
   int32_t data[kCapacity] = {};
 };
+static_assert(offsetof(AlgoNativeHandle, numFds) == 4);
+static_assert(offsetof(AlgoNativeHandle, numInts) == 8);
 static_assert(offsetof(AlgoNativeHandle, data) == 12);
 static_assert(sizeof(AlgoNativeHandle) == 1036);
 
@@ -129,6 +131,9 @@ struct AlgoCommandRecord {
 
 #if UINTPTR_MAX == UINT32_MAX
 static_assert(sizeof(AlgoFrameInfo) == 128);
+static_assert(offsetof(AlgoFrameInfo, format) == 0);
+static_assert(offsetof(AlgoFrameInfo, width) == 4);
+static_assert(offsetof(AlgoFrameInfo, height) == 8);
 static_assert(offsetof(AlgoFrameInfo, size) == 12);
 static_assert(offsetof(AlgoFrameInfo, stride) == 16);
 static_assert(offsetof(AlgoFrameInfo, scanline) == 32);
@@ -163,6 +168,14 @@ static_assert(offsetof(AlgoCommandRecord, first) == 24);
 static_assert(offsetof(AlgoCommandRecord, second) == 32);
 static_assert(offsetof(AlgoCommandRecord, data) == 40);
 static_assert(offsetof(AlgoCommandRecord, metadata) == 52);
+
+static_assert(sizeof(AlgoCreateClientRecord) == 16);
+static_assert(sizeof(AlgoInitRecord) == 8);
+static_assert(offsetof(AlgoInitRecord, client) == 4);
+static_assert(sizeof(AlgoUninitRecord) == 12);
+static_assert(offsetof(AlgoUninitRecord, client) == 4);
+static_assert(offsetof(AlgoUninitRecord, mode) == 8);
+static_assert(sizeof(AlgoFlushRecord) == 4);
 #endif
 
 // Called for one value of a parameter block; 0 when the value was taken or filled in.

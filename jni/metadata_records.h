@@ -14,12 +14,17 @@ struct __tagOrluRect {
   int32_t bottom = 0;
 };
 static_assert(sizeof(__tagOrluRect) == 16);
+static_assert(offsetof(__tagOrluRect, left) == 0);
+static_assert(offsetof(__tagOrluRect, top) == 4);
+static_assert(offsetof(__tagOrluRect, right) == 8);
+static_assert(offsetof(__tagOrluRect, bottom) == 12);
 
 struct _tagOrluSize {
   int32_t width = 0;
   int32_t height = 0;
 };
 static_assert(sizeof(_tagOrluSize) == 8);
+static_assert(offsetof(_tagOrluSize, height) == 4);
 
 // A sensor crop. Left, right, top, bottom: not the order of __tagOrluRect. Its users look at it by
 // position, as x, y, width, height. It is copied as a whole, so what builds one zeroes it first.
@@ -32,7 +37,10 @@ struct SCR_Type {
   uint8_t padding[3];
 };
 static_assert(sizeof(SCR_Type) == 20);
+static_assert(offsetof(SCR_Type, left) == 0);
+static_assert(offsetof(SCR_Type, right) == 4);
 static_assert(offsetof(SCR_Type, top) == 8);
+static_assert(offsetof(SCR_Type, bottom) == 12);
 static_assert(offsetof(SCR_Type, flag) == 16);
 
 constexpr int kMaxFaces = 10;
@@ -81,6 +89,8 @@ struct GpsLocation {
   int32_t reserved = 0;
 };
 static_assert(sizeof(GpsLocation) == 40);
+static_assert(offsetof(GpsLocation, longitude) == 8);
+static_assert(offsetof(GpsLocation, altitude) == 16);
 static_assert(offsetof(GpsLocation, timestamp) == 24);
 static_assert(offsetof(GpsLocation, hasAltitude) == 32);
 
@@ -89,6 +99,7 @@ struct Rational {
   int32_t denominator = 0;
 };
 static_assert(sizeof(Rational) == 8);
+static_assert(offsetof(Rational, denominator) == 4);
 
 // Facts for the EXIF block of a JPEG, as the encoder takes them.
 struct ExifInfo {
@@ -172,6 +183,8 @@ struct OutlinePoint {
   int32_t x;
   int32_t y;
 };
+static_assert(sizeof(OutlinePoint) == 8);
+static_assert(offsetof(OutlinePoint, y) == 4);
 
 // What step beauty found in the image.
 struct FaceOutline {

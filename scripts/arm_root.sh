@@ -1,43 +1,87 @@
-# A private root with Debian's 32-bit ARM JVM and the libraries that the build links: fetched and unpacked once, into
-# the user's cache folder. Nothing of it is installed on this machine, and nothing in it needs root. To be sourced.
+# shellcheck shell=bash
+# A private root with Debian's 32-bit ARM JVM and the libraries that the build links:
+# fetched and unpacked once, into the user's cache folder. Nothing of it is installed on this machine, nothing
+# in it is ever started without the emulator, and none of it needs root. To be sourced after lib.sh.
 
-# What the root holds; a change makes a new one.
-ARM_ROOT_PACKAGES="openjdk-17-jre-headless libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev libgmock-dev libstdc++6"
+# What the root holds, with what it depends on; a change makes a new root.
+readonly arm_root_packages=(
+  openjdk-17-jre-headless libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev libstdc++6
+)
 
-# Prints where the root is, or will be.
+# arm_root_path: prints where the root is, or will be.
 arm_root_path() {
   local key
-  key=$(printf '%s' "$ARM_ROOT_PACKAGES" | cksum | cut -d ' ' -f 1)
-  printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-$key"
+  key=$(printf '%s ' "${arm_root_packages[@]}" | cksum)
+  printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-${key%% *}"
 }
 
-# Runs apt-get for armhf with folders of its own below $1, from the sources that this machine has.
+# arm_apt FOLDER COMMAND...: apt-get for armhf alone, from the sources that this machine has, with its state
+# and its cache below FOLDER.
 arm_apt() {
   local work=$1
   shift
-  apt-get -qq \
+  apt-get "${apt_options[@]}" \
     -o APT::Architecture=armhf -o APT::Architectures::=armhf -o APT::Install-Recommends=false \
     -o APT::Sandbox::User="$(id -un)" -o Debug::NoLocking=true \
     -o Dir::State="$work/state" -o Dir::State::status="$work/status" -o Dir::Cache="$work/cache" "$@"
 }
 
-# Makes the root unless it is there. Fails, with apt-get's own words, when a package can't be fetched.
-fetch_arm_root() {
-  local root work archive
-  root=$(arm_root_path)
-  [ -e "$root/.complete" ] && return 0
-  echo "Fetching Debian's 32-bit ARM JVM, once, into $root: the ARM library is run in it." >&2
-  work=$root.fetch
-  rm -rf "$root" "$work"
-  mkdir -p "$root" "$work/state/lists/partial" "$work/cache/archives/partial"
-  : > "$work/status"
-  # Sources without armhf only cost a warning; a package that then is not there stops the next step.
+# unpack_arm_root FOLDER ROOT: fetches the packages and unpacks them into ROOT.
+unpack_arm_root() {
+  local work=$1 target=$2 archive
+  mkdir -p "$target" "$work/state/lists/partial" "$work/cache/archives/partial"
+  : >"$work/status"
+  # A source without armhf costs a warning only; a package that then is not there stops the next step.
   arm_apt "$work" update >"$work/update.log" 2>&1 || true
-  # shellcheck disable=SC2086  # a list of packages
-  arm_apt "$work" -y --download-only install $ARM_ROOT_PACKAGES >&2 || return 1
+  if ! arm_apt "$work" -y --download-only install "${arm_root_packages[@]}" >"$work/install.log" 2>&1; then
+    cat "$work/update.log" "$work/install.log" >&2
+    return 1
+  fi
   for archive in "$work"/cache/archives/*.deb; do
-    dpkg-deb -x "$archive" "$root" || return 1
+    dpkg-deb -x "$archive" "$target" || return 1
   done
-  rm -rf "$work"
-  touch "$root/.complete"
+  make_links_relative "$target"
+}
+
+# make_links_relative ROOT: links that name a place from the top would lead out of the root.
+make_links_relative() {
+  local link
+  while IFS= read -r -d '' link; do
+    ln -srfnT "$1$(readlink "$link")" "$link"
+  done < <(find "$1" -type l -lname '/*' -print0)
+}
+
+# fetch_arm_root: makes the root unless it is there. It appears under its name when it is whole; what an
+# interrupted fetch left is thrown away. Two at a time wait for each other.
+fetch_arm_root() {
+  local path work lock
+  path=$(arm_root_path)
+  if [ -d "$path" ]; then
+    return
+  fi
+  work=$path.fetch
+  mkdir -p "${path%/*}"
+  exec {lock}>"$path.lock"
+  flock "$lock"
+  if [ ! -d "$path" ]; then
+    echo "Fetching Debian's 32-bit ARM JVM, once, into $path: the ARM library runs in it" >&2
+    rm -rf "$work"
+    unpack_arm_root "$work" "$work/root" || die "the 32-bit ARM root could not be fetched"
+    mv "$work/root" "$path"
+    rm -rf "$work"
+  fi
+  exec {lock}>&-
+}
+
+# prepare_arm: installs the cross compiler and the emulator, fetches the root, and names it for CMake.
+prepare_arm() {
+  install_missing "to build and run the 32-bit ARM library" "${arm_packages[@]}"
+  fetch_arm_root
+  ORLU_ARM_ROOT=$(arm_root_path)
+  export ORLU_ARM_ROOT
+  # CMake remembers the places of the libraries that it found in another root.
+  local cache=$root/build/arm/CMakeCache.txt
+  if [ -e "$cache" ] && ! grep -qx "ORLU_ARM_ROOT:[A-Z]*=$ORLU_ARM_ROOT" "$cache"; then
+    rm -f "$cache"
+  fi
 }

@@ -6,6 +6,13 @@ readonly build_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
 )
+# What the tests take beside that: the tools that look into files.
+readonly test_packages=(binutils python3)
+# The cross compiler, and what runs its programs here. What they link and load comes from the private root.
+readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
+
+# Quiet, and patient while somebody else installs something.
+readonly apt_options=(-qq -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
@@ -46,20 +53,22 @@ install_missing() {
   fi
   command -v apt-get >/dev/null || die "needs these Debian packages $purpose: ${missing[*]}"
   echo "Installing $purpose: ${missing[*]}" >&2
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq >/dev/null
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" update >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" -y --no-install-recommends \
+    install "${missing[@]}" >/dev/null
 }
 
-# debian_java_home: prints where Debian's JDK 17 lies, also when another Java is the machine's default.
+# debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another
+# Java is the machine's default.
 debian_java_home() {
   local home
-  for home in /usr/lib/jvm/java-17-openjdk-*; do
+  for home in "${1:-}"/usr/lib/jvm/java-17-openjdk-*; do
     if [ -x "$home/bin/java" ]; then
       echo "$home"
       return
     fi
   done
-  die "Debian's JDK 17 is missing: openjdk-17-jdk-headless"
+  die "Debian's Java 17 is missing from ${1:-}/usr/lib/jvm"
 }
 
 # build_preset PRESET [TARGET...]: brings build/PRESET up to date, all of it when no target is named. The

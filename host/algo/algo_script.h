@@ -32,11 +32,15 @@ struct WantedValue {
 // only.
 struct AlgoCall {
   std::string operation;  // the name of the callable: "init", "process", "setValue", ...
+  const AlgoCreateClientRecord* createClient = nullptr;
+  const AlgoInitRecord* init = nullptr;
   const AlgoProcessRecord* process = nullptr;
   const AlgoCommandRecord* command = nullptr;
   const AlgoUninitRecord* uninit = nullptr;
   const AlgoGetDataRecord* getData = nullptr;
+  const AlgoFlushRecord* flush = nullptr;
   const AlgoTranslateParamFileRecord* translateParamFile = nullptr;
+  void* client = nullptr;         // of destroyClient
   void* block = nullptr;          // of a metadata operation
   const char* section = nullptr;  // of setValue and getValue
   const char* key = nullptr;

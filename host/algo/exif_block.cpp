@@ -39,9 +39,9 @@ public:
     uint8_t* const data = add(ifd, tag, EXIF_FORMAT_LONG, 1, 4);
     if (data != nullptr) exif_set_long(data, kOrder, static_cast<ExifLong>(value));
   }
-  void addByte(ExifIfd ifd, int tag, uint8_t value) {
-    uint8_t* const data = add(ifd, tag, EXIF_FORMAT_BYTE, 1, 1);
-    if (data != nullptr) *data = value;
+  void addBytes(ExifIfd ifd, int tag, std::initializer_list<uint8_t> values) {
+    uint8_t* const data = add(ifd, tag, EXIF_FORMAT_BYTE, values.size(), values.size());
+    if (data != nullptr) std::copy(values.begin(), values.end(), data);
   }
   void addText(ExifIfd ifd, int tag, const std::string& text) {
     uint8_t* const data = add(ifd, tag, EXIF_FORMAT_ASCII, text.size() + 1, text.size() + 1);
@@ -68,6 +68,12 @@ public:
       exif_set_rational(data, kOrder, {static_cast<ExifLong>(numerator), denominator});
       data += 8;
     }
+  }
+
+  // Adds the entries that every photo must have, with their usual values, where they are not there.
+  void complete() {
+    exif_data_set_data_type(mData.get(), EXIF_DATA_TYPE_COMPRESSED);
+    exif_data_fix(mData.get());
   }
 
   std::vector<uint8_t> bytes() const {
@@ -205,12 +211,13 @@ void addLocation(ExifBuilder& exif, const GpsLocation& location) {
   if (!(std::fabs(location.latitude) <= 90) || !(std::fabs(location.longitude) <= 180)) return;
   const char* const south = location.latitude < 0 ? "S" : "N";
   const char* const west = location.longitude < 0 ? "W" : "E";
+  exif.addBytes(EXIF_IFD_GPS, EXIF_TAG_GPS_VERSION_ID, {2, 3, 0, 0});
   exif.addText(EXIF_IFD_GPS, EXIF_TAG_GPS_LATITUDE_REF, south);
   addAngle(exif, EXIF_TAG_GPS_LATITUDE, location.latitude);
   exif.addText(EXIF_IFD_GPS, EXIF_TAG_GPS_LONGITUDE_REF, west);
   addAngle(exif, EXIF_TAG_GPS_LONGITUDE, location.longitude);
   if (location.hasAltitude != 0 && std::isfinite(location.altitude)) {
-    exif.addByte(EXIF_IFD_GPS, EXIF_TAG_GPS_ALTITUDE_REF, location.altitude < 0 ? 1 : 0);
+    exif.addBytes(EXIF_IFD_GPS, EXIF_TAG_GPS_ALTITUDE_REF, {location.altitude < 0 ? uint8_t{1} : uint8_t{0}});
     exif.addRationals(EXIF_IFD_GPS, EXIF_TAG_GPS_ALTITUDE, {std::fabs(location.altitude)}, 1000);
   }
   addGpsTime(exif, location.timestamp);
@@ -233,6 +240,7 @@ std::vector<uint8_t> buildExif(const ExifFacts& facts) {
   addExposure(exif, facts.info);
   addLens(exif, facts.info);
   if (facts.info.hasLocation != 0) addLocation(exif, facts.info.location);
+  exif.complete();
   return exif.bytes();
 }
 

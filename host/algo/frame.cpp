@@ -22,8 +22,12 @@ Frame::Frame(Frame&& other) noexcept
       mCapacity(std::exchange(other.mCapacity, 0)) {}
 
 Frame::~Frame() {
-  if (mMemory != nullptr) munmap(mMemory, mCapacity);
-  if (mFd >= 0) close(mFd);
+  release();
+}
+
+void Frame::release() {
+  if (mMemory != nullptr) munmap(std::exchange(mMemory, nullptr), std::exchange(mCapacity, 0));
+  if (mFd >= 0) close(std::exchange(mFd, -1));
 }
 
 int Frame::map(Access access) {

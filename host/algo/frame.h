@@ -19,6 +19,8 @@ public:
   // Maps the memory behind the descriptor, bounded by its real size. 0, or -1 when there is no descriptor or
   // no memory behind it.
   int map(Access access);
+  // Gives memory and descriptor back. Only the record is left.
+  void release();
   // The planes in the mapped memory. False when it is not mapped or the record does not fit it.
   bool view(ImageView& view) const;
 

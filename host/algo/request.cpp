@@ -36,6 +36,11 @@ void Request::sendLightStreamEvent() const {
   sendCallback(mCookie, callbackMessage(mNativeReq, "lightStreamCb", &event, sizeof event), {});
 }
 
+void Request::releaseImages() {
+  for (Frame& frame : mInputs) frame.release();
+  for (Frame& frame : mOutputs) frame.release();
+}
+
 void Request::frameSize(int32_t& width, int32_t& height) const {
   const std::vector<Frame>& frames = mInputs.empty() ? mOutputs : mInputs;
   if (frames.empty()) return;

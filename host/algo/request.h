@@ -25,6 +25,8 @@ public:
   void callBack() const;
   // Sends the "lightStreamCb" of a light-stream request, on this thread; nothing for any other.
   void sendLightStreamEvent() const;
+  // Gives the images back: whoever is called back may count on nobody holding them.
+  void releaseImages();
   // Width and height of the first input, or else of the first output.
   void frameSize(int32_t& width, int32_t& height) const;
 

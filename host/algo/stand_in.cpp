@@ -68,7 +68,9 @@ AlgoCounts StandIn::count() const {
 
 int StandIn::init(const AlgoInitRecord& record) {
   return guarded([&] {
-    announce(callOf("init"));
+    AlgoCall call = callOf("init");
+    call.init = &record;
+    announce(call);
     mTrace.init(record);
     return 0;
   });
@@ -117,7 +119,9 @@ int StandIn::getData(const AlgoGetDataRecord& record) {
 
 int StandIn::flush(const AlgoFlushRecord& record) {
   return guarded([&] {
-    announce(callOf("flush"));
+    AlgoCall call = callOf("flush");
+    call.flush = &record;
+    announce(call);
     mTrace.operation("flush");
     return mWorker.drain(record.client, kFlushLimit) ? 0 : -1;
   });
@@ -144,7 +148,9 @@ int StandIn::command(const AlgoCommandRecord& record) {
 void* StandIn::createClient(const AlgoCreateClientRecord& record) {
   void* client = nullptr;
   guarded([&] {
-    announce(callOf("createClient"));
+    AlgoCall call = callOf("createClient");
+    call.createClient = &record;
+    announce(call);
     mTrace.operation("createClient");
     client = mClients.create(record);
     return 0;
@@ -154,7 +160,9 @@ void* StandIn::createClient(const AlgoCreateClientRecord& record) {
 
 int StandIn::destroyClient(void* client) {
   return guarded([&] {
-    announce(callOf("destroyClient"));
+    AlgoCall call = callOf("destroyClient");
+    call.client = client;
+    announce(call);
     mTrace.operation("destroyClient");
     mWorker.abandon(client);
     return mClients.destroy(client) ? 0 : -1;

@@ -130,14 +130,14 @@ void Trace::block(const char* operation, const void* block) {
 void Trace::setValue(const void* block, const char* section, const char* key, const void* data,
                      unsigned size) {
   if (!isOn()) return;
-  write({
-      {"op",               "setValue"        },
-      {                                      "block", handleText(block)                  },
-      {                              "section",                  orEmpty(section)                               },
-      {              "key",             orEmpty(key)                     },
-      {                                                           "size",      size},
-      { "hex",                   hexText(data,                                      size)}
-  });
+  Json line;
+  line["op"] = "setValue";
+  line["block"] = handleText(block);
+  line["section"] = orEmpty(section);
+  line["key"] = orEmpty(key);
+  line["size"] = size;
+  line["hex"] = hexText(data, size);
+  write(line);
 }
 
 void Trace::done(uint64_t nativeReq, const RunReport& report) {

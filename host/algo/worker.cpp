@@ -65,6 +65,7 @@ void Worker::abortQueued(void* client, int64_t frameFlag) {
       if (job->state != State::kQueued || job->request->client() != client) continue;
       if (!carriesFlag(*job->request, frameFlag)) continue;
       job->state = State::kWorking;
+      job->aborted = true;
       aborted.push_back(job);
     }
   }
@@ -116,8 +117,9 @@ void Worker::work(Job& job) {
 
 void Worker::finish(const JobPointer& job, bool ownThread) {
   const AlgoScript& script = job->request->script();
+  job->request->releaseImages();
   std::unique_lock lock(mMutex);
-  mChanged.wait_until(lock, job->request->due(), [&] { return job->abandoned; });
+  mChanged.wait_until(lock, job->request->due(), [&] { return job->abandoned || job->aborted; });
   if (ownThread && !job->abandoned) {
     lock.unlock();
     script.attachThread ? attachToJava() : detachFromJava();

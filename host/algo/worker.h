@@ -45,6 +45,7 @@ private:
     std::unique_ptr<Request> request;
     State state = State::kQueued;
     bool abandoned = false;
+    bool aborted = false;
     std::thread::id caller;  // while calling back
   };
   using JobPointer = std::shared_ptr<Job>;

@@ -11,6 +11,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -26,20 +30,43 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// Of the filters that the device knows, the one for every tag: "*:E".
-int32_t priorityFromEnvironment() {
-  const char* tags = std::getenv("ANDROID_LOG_TAGS");
-  const char* all = tags == nullptr ? nullptr : std::strstr(tags, "*:");
-  return all == nullptr ? ANDROID_LOG_DEFAULT : priorityOfLetter(all[2]);
+// What ANDROID_LOG_TAGS says: "TAG:D OTHER:E *:S", a tag's least priority or, by "*", that of all others. A
+// tag alone shows all its lines.
+struct Filters {
+  std::map<std::string, int32_t, std::less<>> tags;
+  int32_t others = ANDROID_LOG_DEFAULT;
+
+  Filters() {
+    const char* environment = std::getenv("ANDROID_LOG_TAGS");
+    std::istringstream words(environment == nullptr ? "" : environment);
+    for (std::string word; words >> word;) {
+      const size_t colon = word.rfind(':');
+      const std::string tag = word.substr(0, colon);
+      const int32_t priority =
+          colon == std::string::npos ? ANDROID_LOG_VERBOSE : priorityOfLetter(word[colon + 1]);
+      (tag == "*" ? others : tags[tag]) = priority;
+    }
+  }
+};
+
+// Never destroyed: threads may log until the process ends.
+const Filters& filters() {
+  static const auto* const instance = new Filters();
+  return *instance;
 }
 
-std::atomic<int32_t> gMinimumPriority{priorityFromEnvironment()};
+std::atomic<int32_t> gMinimumPriority{filters().others};
 std::atomic<__android_logger_function> gLogger{__android_log_stderr_logger};
+
+bool isLogged(int priority, const char* tag) {
+  const auto filter = filters().tags.find(tag == nullptr ? "" : tag);
+  return priority >= (filter == filters().tags.end() ? gMinimumPriority.load() : filter->second);
+}
 
 }  // namespace
 
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
-  if (prio < gMinimumPriority.load(std::memory_order_relaxed)) return -EPERM;
+  if (!isLogged(prio, tag)) return -EPERM;
   char line[kLineSize] = "";
   va_list arguments;
   va_start(arguments, fmt);

@@ -177,6 +177,10 @@ jobject javaList(const std::vector<jobject>& elements) {
   return list;
 }
 
+jobject newUnrulyList(int size, bool sizeThrows, bool getThrows) {
+  return newObject("com/orlu/test/UnrulyList", "(IZZ)V", size, sizeThrows, getThrows);
+}
+
 int32_t intOf(jobject value) {
   const jint read = env()->CallIntMethod(value, methodOf(value, "intValue", "()I"));
   expectNoException("intValue");
@@ -255,6 +259,27 @@ jobject getKey(jobject composition, const char* key) {
       javaString(key));
   expectNoException(key);
   return value;
+}
+
+jobject newThrowingComposition(const char* key) {
+  return newObject("com/orlu/test/ThrowingComposition", "(Ljava/lang/String;)V",
+                   key == nullptr ? nullptr : javaString(key));
+}
+
+jobject newThrowingMap() {
+  return newObject("com/orlu/test/ThrowingMap", "()V");
+}
+
+void registerTag(const char* tag, const char* type) {
+  constexpr char kType[] = "android/hardware/camera2/impl/TagType";
+  jclass types = findClass(kType);
+  jfieldID constant = env()->GetStaticFieldID(types, type, (std::string("L") + kType + ";").c_str());
+  expectNoException(type);
+  jclass table = findClass("android/hardware/camera2/impl/TagTable");
+  jmethodID method = env()->GetStaticMethodID(table, "register",
+                                              "(Ljava/lang/String;Landroid/hardware/camera2/impl/TagType;)V");
+  env()->CallStaticVoidMethod(table, method, javaString(tag), env()->GetStaticObjectField(types, constant));
+  expectNoException(tag);
 }
 
 jobject newSharedMemory(int size) {

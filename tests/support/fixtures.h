@@ -53,6 +53,8 @@ jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight);
 jobject javaLocation(double latitude, double longitude, double altitude, int64_t time);
 jobject javaRational(int32_t numerator, int32_t denominator);
 jobject javaList(const std::vector<jobject>& elements);
+// A list that claims `size` elements, all of them null unless get() throws.
+jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 
 // And back.
 int32_t intOf(jobject value);
@@ -73,6 +75,12 @@ jobject newCharacteristics(jobject metadata);
 jobject newComposition(jobject metadata = nullptr);
 void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
+// A composition that throws when `key` is read or put; null: whatever is asked of it.
+jobject newThrowingComposition(const char* key = nullptr);
+// A HashMap whose put() throws.
+jobject newThrowingMap();
+// Makes a tag known to the store. `type` is a constant of TagType.
+void registerTag(const char* tag, const char* type);
 
 // Images.
 jobject newSharedMemory(int size);

@@ -1,5 +1,7 @@
 #include "golden_case.h"
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -38,11 +40,14 @@ int defaultStride(const std::string& format, int width) {
   return format.compare(0, 3, "RAW") == 0 ? 2 * width : width;
 }
 
-// "NV21 640x480 [stride 640] shared|hardware [x5]"
+// "NV21 640x480 [stride 640] shared|hardware [x5]", or "none"
 void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   GoldenImage image;
   std::string size;
   in >> image.format >> size;
+  if (image.format == "none") {
+    return;
+  }
   parseSize(size, image.width, image.height);
   image.stride = defaultStride(image.format, image.width);
   int times = 1;
@@ -65,6 +70,46 @@ void setTag(std::map<std::string, GoldenValue>& tags, const std::string& tag, co
   tags.erase(tag);
   if (value.type != "none") {
     tags[tag] = value;
+  }
+}
+
+// "c2 orlu.control.reqID int 5" goes into the composition of frame 2, "* ..." into every capture result.
+void addTag(std::vector<GoldenFrame>& frames, const std::string& line) {
+  std::istringstream in(line);
+  std::string where;
+  std::string tag;
+  in >> where >> tag;
+  const std::string value = restOf(in);
+  const bool composition = where[0] == 'c';
+  const std::string which = where.substr(composition ? 1 : 0);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    if (which == "*" || which == std::to_string(i)) {
+      setTag(composition ? frames[i].composition : frames[i].captureResult, tag, value, static_cast<int>(i));
+    }
+  }
+}
+
+void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) {
+  if (word == "type") {
+    in >> golden.requestType;
+  } else if (word == "input") {
+    addImages(golden.inputs, in);
+  } else if (word == "output") {
+    addImages(golden.outputs, in);
+  } else if (word == "frames") {
+    size_t count = 0;
+    in >> count;
+    golden.frames.assign(count, {});
+    for (const std::string& line : golden.tagLines) {
+      addTag(golden.frames, line);
+    }
+  } else if (word == "algorithms") {
+    golden.algorithms = wordsOf(in);
+  } else {
+    expect(word == "property", "unknown line of a request");
+    std::string name;
+    in >> name;
+    golden.properties.emplace_back(name, restOf(in));
   }
 }
 
@@ -101,35 +146,14 @@ private:
       in >> word;
       readFile(shared + word + ".txt", shared);
     } else if (mSection == "[request]") {
-      readRequest(word, in);
+      readRequest(mGolden, word, in);
     } else if (mSection == "[tags]") {
-      addGoldenTag(mGolden.frames, line);
+      changeGolden(mGolden, line);
     } else if (mSection == "[after]") {
       readAfter(word, in);
     } else {
       expect(mSection == "[writes]", "no section");
       readWrite(word, in);
-    }
-  }
-
-  void readRequest(const std::string& word, std::istream& in) {
-    if (word == "type") {
-      in >> mGolden.requestType;
-    } else if (word == "input") {
-      addImages(mGolden.inputs, in);
-    } else if (word == "output") {
-      addImages(mGolden.outputs, in);
-    } else if (word == "frames") {
-      size_t count = 0;
-      in >> count;
-      mGolden.frames.resize(count);
-    } else if (word == "algorithms") {
-      mGolden.algorithms = wordsOf(in);
-    } else {
-      expect(word == "property", "unknown line of a request");
-      std::string name;
-      in >> name;
-      mGolden.properties.emplace_back(name, restOf(in));
     }
   }
 
@@ -195,7 +219,7 @@ private:
 };
 
 bool sameWrite(const GoldenWrite& a, const GoldenWrite& b) {
-  return a.section == b.section && a.key == b.key && a.value.bytes == b.value.bytes;
+  return a.section == b.section && a.key == b.key && a.value.sameBytes(b.value);
 }
 
 // lengths[i][j]: the longest common part of expected from i and actual from j on.
@@ -258,20 +282,27 @@ GoldenCase readGoldenCase(const std::string& path) {
   return golden;
 }
 
-void addGoldenTag(std::vector<GoldenFrame>& frames, const std::string& line) {
+void changeGolden(GoldenCase& golden, const std::string& line) {
   std::istringstream in(line);
-  std::string where;
-  std::string tag;
-  in >> where >> tag;
-  const std::string value = restOf(in);
-  const bool composition = where[0] == 'c';
-  const std::string which = where.substr(composition ? 1 : 0);
-  for (size_t i = 0; i < frames.size(); ++i) {
-    if (which == "*" || which == std::to_string(i)) {
-      setTag(composition ? frames[i].composition : frames[i].captureResult, tag, value, static_cast<int>(i));
-    }
+  std::string word;
+  in >> word;
+  if (word == "and") {
+    in >> word;
+    readRequest(golden, word, in);
+    return;
   }
-  expect(which == "*" || static_cast<size_t>(std::stoi(which)) < frames.size(), "no such frame");
+  if (word[0] == '*' || word[0] == 'c' || std::isdigit(static_cast<unsigned char>(word[0]))) {
+    golden.tagLines.push_back(line);
+    addTag(golden.frames, line);
+    return;
+  }
+  if (word == "input") {
+    golden.inputs.clear();
+  }
+  if (word == "output") {
+    golden.outputs.clear();
+  }
+  readRequest(golden, word, in);
 }
 
 std::string diffWrites(const std::vector<GoldenWrite>& expected, const std::vector<GoldenWrite>& actual) {

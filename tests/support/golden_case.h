@@ -51,6 +51,9 @@ struct GoldenOutput {
 };
 
 struct GoldenCase {
+  // The lines that `frames` come from.
+  std::vector<std::string> tagLines;
+
   std::string requestType;
   std::vector<GoldenImage> inputs;
   std::vector<GoldenImage> outputs;
@@ -69,8 +72,9 @@ struct GoldenCase {
 // and the line, for what it does not understand.
 GoldenCase readGoldenCase(const std::string& path);
 
-// Reads one more line of tags, such as "0 orlu.control.reqID int 5", into the frames.
-void addGoldenTag(std::vector<GoldenFrame>& frames, const std::string& line);
+// Reads one more line of tags, such as "0 orlu.control.reqID int 5", or a line of the request, such as
+// "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
+void changeGolden(GoldenCase& golden, const std::string& line);
 
 // Where `actual` differs from `expected`, with some lines around, or "" when all is the same. A value is
 // shown by the type that is expected of its key.

@@ -1,5 +1,7 @@
 #include "golden_value.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -30,19 +32,22 @@ T parsePlain(const std::string& text, char** end) {
   }
 }
 
+// A number, "number/number" or "number+numberi".
 template <typename T>
 T parseNumber(const std::string& text, int frame) {
   char* end = nullptr;
   T value = parsePlain<T>(text, &end);
-  std::string rest = end;
-  if (rest.size() > 1 && rest[0] == '/') {
-    value = static_cast<T>(value / parsePlain<T>(rest.substr(1), &end));
-    rest = end;
-  } else if (rest.size() > 2 && rest[0] == '+') {
-    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(rest.substr(1), &end));
-    rest = std::strcmp(end, "i") == 0 ? "" : "?";
+  const std::string rest = end;
+  const std::string second = rest.empty() ? "" : rest.substr(1);
+  const char* unread = rest.c_str();
+  if (!second.empty() && rest[0] == '/') {
+    value = static_cast<T>(value / parsePlain<T>(second, &end));
+    unread = end;
+  } else if (!second.empty() && rest[0] == '+') {
+    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(second, &end));
+    unread = std::strcmp(end, "i") == 0 ? "" : "?";
   }
-  if (text.empty() || !rest.empty()) {
+  if (text.empty() || *unread != '\0') {
     fail("not a number", text);
   }
   return value;
@@ -206,6 +211,20 @@ template std::vector<int32_t> GoldenValue::numbers() const;
 template std::vector<int64_t> GoldenValue::numbers() const;
 template std::vector<float> GoldenValue::numbers() const;
 template std::vector<double> GoldenValue::numbers() const;
+
+bool GoldenValue::sameBytes(const GoldenValue& other) const {
+  if (bytes == other.bytes) {
+    return true;
+  }
+  if ((type != "float" && type != "floats") || bytes.size() != other.bytes.size()) {
+    return false;
+  }
+  const std::vector<float> mine = numbers<float>();
+  const std::vector<float> others = other.numbers<float>();
+  return std::equal(mine.begin(), mine.end(), others.begin(), [](float a, float b) {
+    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+  });
+}
 
 GoldenValue parseGoldenValue(const std::string& text, int frame) {
   std::istringstream in(text);

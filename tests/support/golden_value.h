@@ -22,7 +22,9 @@ struct GoldenValue {
   std::string type;  // without its size
   std::vector<uint8_t> bytes;
 
-  bool operator==(const GoldenValue& other) const { return type == other.type && bytes == other.bytes; }
+  // Whether `other` holds the same bytes, whatever its type. Where this one's type is a float, "not a number"
+  // is the same as any other, because machines differ in its sign.
+  bool sameBytes(const GoldenValue& other) const;
   // Its numbers, as they stand in `bytes`.
   template <typename T>
   std::vector<T> numbers() const;

@@ -11,7 +11,8 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
-  // Counts a call of `Member` and passes it on. A function that answers an object makes a local reference.
+  // Counts a call of `Member` and passes it on, unless it is to fail. A function that answers an object makes
+  // a local reference.
   template <auto Member>
   struct Counted;
 
@@ -22,6 +23,10 @@ struct JniTableFunctions {
 
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
       ++gTable->mCalls[name];
+      if (gTable->mFailing.count(name) != 0) {
+        gTable->throwOutOfMemory();
+        return Result();
+      }
       if constexpr (std::is_convertible_v<Result, jobject>) {
         const Result result = (gTable->mOriginal->*Member)(env, arguments...);
         if (result != nullptr) ++gTable->mLocalReferences;
@@ -47,6 +52,10 @@ struct JniTableFunctions {
   }
   static jfieldID JNICALL getField(JNIEnv*, jclass clazz, const char* name, const char* signature) {
     return gTable->findMember<jfieldID>(clazz, name, signature, gTable->mOriginal->GetFieldID);
+  }
+  static jobject JNICALL newGlobalRef(JNIEnv* env, jobject object) {
+    ++gTable->mCalls["NewGlobalRef"];
+    return gTable->mOriginal->NewGlobalRef(env, object);
   }
   static void JNICALL deleteLocalRef(JNIEnv* env, jobject object) {
     ++gTable->mCalls["DeleteLocalRef"];
@@ -77,16 +86,25 @@ JniTable::JniTable(JNIEnv* env) : mEnv(env), mOriginal(env->functions), mTable(*
   COUNT(NewLongArray);
   COUNT(NewFloatArray);
   COUNT(NewDoubleArray);
+  COUNT(GetObjectClass);
   COUNT(GetObjectField);
   COUNT(GetObjectArrayElement);
   COUNT(GetIntField);
   COUNT(IsInstanceOf);
   COUNT(GetStringUTFChars);
   COUNT(ReleaseStringUTFChars);
+  COUNT(GetByteArrayElements);
   COUNT(GetIntArrayElements);
+  COUNT(GetLongArrayElements);
+  COUNT(GetFloatArrayElements);
+  COUNT(GetDoubleArrayElements);
+  COUNT(ReleaseByteArrayElements);
   COUNT(ReleaseIntArrayElements);
-  COUNT(NewGlobalRef);
+  COUNT(ReleaseLongArrayElements);
+  COUNT(ReleaseFloatArrayElements);
+  COUNT(ReleaseDoubleArrayElements);
   COUNT(DeleteGlobalRef);
+  mTable.NewGlobalRef = JniTableFunctions::newGlobalRef;
   env->functions = &mTable;
 }
 
@@ -97,6 +115,25 @@ JniTable::~JniTable() {
 
 void JniTable::hide(const std::string& name) {
   mHidden.insert(name);
+}
+
+void JniTable::fail(const std::string& function) {
+  mFailing.insert(function);
+}
+
+void JniTable::throwOutOfMemory() {
+  const jclass error = mOriginal->FindClass(mEnv, "java/lang/OutOfMemoryError");
+  mOriginal->ThrowNew(mEnv, error, "as the test asks");
+  mOriginal->DeleteLocalRef(mEnv, error);
+}
+
+int JniTable::heldArrays() const {
+  int held = 0;
+  for (const char* type : {"Byte", "Int", "Long", "Float", "Double"}) {
+    const std::string elements = std::string(type) + "ArrayElements";
+    held += calls("Get" + elements) - calls("Release" + elements);
+  }
+  return held;
 }
 
 int JniTable::calls(const std::string& function) const {

@@ -1,5 +1,6 @@
 // A thin table of our own over an environment's JNI functions, in place for the life of this object: it
-// counts calls and lets lookups fail.
+// counts calls and lets lookups and calls fail. Native methods of the Java library go through it too: what is
+// to be counted exactly is done once before, so that its classes are loaded.
 #pragma once
 
 #include <jni.h>
@@ -22,6 +23,10 @@ public:
   // "class.member", a static one and a field too.
   void hide(const std::string& name);
 
+  // From now on this function answers null or 0 and leaves an OutOfMemoryError. It must be one of those that
+  // are counted.
+  void fail(const std::string& function);
+
   // Calls by the function's name.
   int calls(const std::string& function) const;
   const std::map<std::string, int>& allCalls() const { return mCalls; }
@@ -30,6 +35,8 @@ public:
   const std::vector<std::string>& lookups() const { return mLookups; }
   // Local references made less those deleted, as far as this library makes them.
   int localReferences() const { return mLocalReferences; }
+  // Arrays whose elements were fetched and not released.
+  int heldArrays() const;
 
 private:
   friend struct JniTableFunctions;
@@ -38,11 +45,13 @@ private:
   template <typename Id, typename Original>
   Id findMember(jclass clazz, const char* name, const char* signature, Original original);
   std::string nameOf(jclass clazz);
+  void throwOutOfMemory();
 
   JNIEnv* mEnv;
   const JNINativeInterface_* mOriginal;
   JNINativeInterface_ mTable;
   std::set<std::string> mHidden;
+  std::set<std::string> mFailing;
   std::map<std::string, int> mCalls;
   std::vector<std::string> mLookups;
   int mLocalReferences = 0;

@@ -43,7 +43,8 @@ void __android_log_set_logger(__android_logger_function logger);
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
 // Lines below this priority are dropped before they are formatted. Answers the priority so far. It starts
-// as ANDROID_LOG_TAGS in the environment says ("*:E"), else at ANDROID_LOG_DEFAULT, which drops nothing.
+// as ANDROID_LOG_TAGS in the environment says ("*:E"), else at ANDROID_LOG_DEFAULT, which drops nothing. A
+// tag that the variable names ("TAG:D *:S") keeps to its own.
 int32_t __android_log_set_minimum_priority(int32_t priority);
 int32_t __android_log_get_minimum_priority(void);
 

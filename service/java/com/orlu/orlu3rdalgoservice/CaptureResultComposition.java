@@ -11,7 +11,7 @@ import java.util.Map;
  * native side asks the map first, and puts its results into it. The entry points' parameter objects are of
  * this class as well.
  */
-public final class CaptureResultComposition {
+public class CaptureResultComposition {
     // Read and stored by the native side.
     private CaptureResult mCaptureResult;
 

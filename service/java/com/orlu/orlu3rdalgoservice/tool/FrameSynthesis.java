@@ -31,16 +31,14 @@ final class FrameSynthesis {
         mKeepMosaicPhase = keepMosaicPhase;
     }
 
-    static Picture load(Path photo) throws RequestFileException {
+    /** The photo, null when it can't be read as one. */
+    static Picture load(Path photo) {
         try {
             BufferedImage image = ImageIO.read(photo.toFile());
-            if (image != null) {
-                return Picture.of(image);
-            }
+            return image == null ? null : Picture.of(image);
         } catch (IOException e) {
-            // The same answer as for what no decoder knows.
+            return null;
         }
-        throw new RequestFileException(photo.toString(), "", "no photo that can be read");
     }
 
     /** All frames of a photo. A photo too small for the shifts is a RequestFileException. */

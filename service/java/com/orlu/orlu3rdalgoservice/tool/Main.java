@@ -47,6 +47,9 @@ public final class Main {
         } catch (IOException e) {
             System.err.println("run: can't write or read " + e.getMessage());
             return FAILED;
+        } catch (OutOfMemoryError e) {
+            System.err.println("run: out of memory: the frames are too many or too large");
+            return FAILED;
         } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
             System.err.println("run: " + e.getMessage());
             return FAILED;
@@ -107,12 +110,19 @@ public final class Main {
         return report;
     }
 
-    private static List<SynthesisedFrame> frames(RequestFile request) throws RequestFileException {
+    private List<SynthesisedFrame> frames(RequestFile request) throws RequestFileException {
         if (request.inputs().isEmpty()) {
             return List.of();
         }
+        Picture photo = FrameSynthesis.load(request.photo());
+        if (photo == null) {
+            String problem = "no photo that can be read: " + request.photo();
+            if (mOptions.photo != null) {
+                throw new IllegalArgumentException("--photo: " + problem);
+            }
+            throw new RequestFileException(request.file().toString(), "photo", problem);
+        }
         boolean raw = request.inputs().stream().anyMatch(image -> image.format().isRaw());
-        return new FrameSynthesis(request.frames(), raw).frames(
-                request.file(), FrameSynthesis.load(request.photo()));
+        return new FrameSynthesis(request.frames(), raw).frames(request.file(), photo);
     }
 }

@@ -14,6 +14,7 @@ final class Options {
             what ran and what came back. Without a request file it takes samples/night.json.
 
               --params       print every parameter handed to the algorithms: section, key, type, value
+              --arm          run the 32-bit ARM library, in an ARM JVM under an emulator
               --log          show the library's log on standard error
               --out DIR      write the resulting images there (default: out)
               --photo FILE   make the frames of this photo instead of the request's own
@@ -41,8 +42,8 @@ final class Options {
         for (int i = 0; i < arguments.length; ++i) {
             switch (arguments[i]) {
                 case "--params" -> options.params = true;
-                // The launcher has opened the log already.
-                case "--log" -> { }
+                // The launcher has opened the log and chosen the machine already.
+                case "--log", "--arm" -> { }
                 case "--one-client" -> options.oneClient = true;
                 case "--check" -> options.check = true;
                 case "--help", "-h" -> options.help = true;

@@ -36,10 +36,10 @@ final class ParameterFormatter {
     private boolean fits(ParameterType type) {
         return switch (type) {
             case INT, FLOAT, MILLISECONDS -> mSize == 4;
-            case LONG -> mSize == 8;
+            case LONG, UNSIGNED_LONG -> mSize == 8;
             case BOOL -> mSize == 1;
             case INTS, FLOATS, COUNT -> mSize % 4 == 0 && mSize > 0;
-            case LONGS, DOUBLES -> mSize % 8 == 0;
+            case LONGS, DOUBLES, BITS -> mSize % 8 == 0;
             case RECT, CROP -> mSize == 16;
             case SENSOR_CROP -> mSize == 20;
             case FACES -> mSize == FACES_SIZE;
@@ -54,11 +54,13 @@ final class ParameterFormatter {
         return switch (type) {
             case INT -> Integer.toString(intAt(0));
             case LONG -> Long.toString(mBytes.getLong(0));
+            case UNSIGNED_LONG -> Long.toUnsignedString(mBytes.getLong(0));
             case FLOAT -> number(floatAt(0));
             case BOOL -> mBytes.get(0) == 0 ? "false" : "true";
             case INTS -> list(mSize / 4, i -> Integer.toString(intAt(4 * i)));
             case LONGS -> list(mSize / 8, i -> Long.toString(mBytes.getLong(8 * i)));
             case FLOATS -> list(mSize / 4, i -> number(floatAt(4 * i)));
+            case BITS -> list(mSize / 8, i -> "0x" + Long.toHexString(mBytes.getLong(8 * i)));
             case DOUBLES -> list(mSize / 8, i -> number(mBytes.getDouble(8 * i)));
             case TEXT -> text();
             case MILLISECONDS -> milliseconds();
@@ -85,10 +87,12 @@ final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // The bits of a float that is not tiny are an int of many hours.
+    // The bits of a float that is not tiny are an int of many hours, but for the two ints that say "too long".
     private String milliseconds() {
         int bits = intAt(0);
-        return Math.abs((long) bits) < SMALLEST_FLOAT_BITS ? Integer.toString(bits) : number(floatAt(0));
+        boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
+        boolean isInt = isSaturated || Math.abs((long) bits) < SMALLEST_FLOAT_BITS;
+        return isInt ? Integer.toString(bits) : number(floatAt(0));
     }
 
     // As short as a person would write it: 2 for 2.0.

@@ -5,10 +5,13 @@ enum ParameterType {
     INT("int"),
     INTS("int[]"),
     LONG("long"),
+    UNSIGNED_LONG("unsigned long"),
     LONGS("long[]"),
     FLOAT("float"),
     FLOATS("float[]"),
     DOUBLES("double[]"),
+    /** Words of 64 bits, each a flag. */
+    BITS("bits"),
     BOOL("bool"),
     TEXT("text"),
     /** A time in milliseconds: an int, or a float where the low-light raw step hands it over. */

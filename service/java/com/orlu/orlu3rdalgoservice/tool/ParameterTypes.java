@@ -52,7 +52,7 @@ final class ParameterTypes {
         key("call_from_user_app", ParameterType.INT);
         key("current_base_frame_time", ParameterType.LONG);
         key("device_rotation", ParameterType.INT);
-        key("dump_timestamp", ParameterType.LONG);
+        key("dump_timestamp", ParameterType.UNSIGNED_LONG);
         key("film_size", ParameterType.INT);
         key("flash_mode", ParameterType.INT);
         key("frame_flag", ParameterType.LONG);
@@ -148,7 +148,7 @@ final class ParameterTypes {
         key("portrait_night_mode", ParameterType.INT);
         key("portrait_preview_state", ParameterType.INT);
         key("portrait_style", ParameterType.INT);
-        key("processed_algo", ParameterType.LONGS);
+        key("processed_algo", ParameterType.BITS);
         key("raw_bayer_filter", ParameterType.INT);
         key("raw_bit_per_pixel", ParameterType.INT);
         key("raw_packed_type", ParameterType.INT);

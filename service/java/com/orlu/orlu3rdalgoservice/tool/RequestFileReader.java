@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
+import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
 import java.util.LinkedHashMap;
 import java.util.List;
@@ -8,6 +10,8 @@ import java.util.Map;
 
 /** Reads a request file. Whatever it does not know, or can't use, is a RequestFileException. */
 final class RequestFileReader {
+    private static final int LONGEST_PROPERTY = 91;
+
     private final Path mFile;
     private final Path mOtherPhoto;
 
@@ -57,6 +61,11 @@ final class RequestFileReader {
     private static void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetPlan frames)
             throws RequestFileException {
         if (frames.frames().isEmpty()) {
+            for (String needing : fullAsync ? List.of("fullAsync", "algorithms") : List.of("algorithms")) {
+                if (members.has(needing)) {
+                    throw members.get(needing).error("needs a frame, whose composition tells it");
+                }
+            }
             return;
         }
         Map<String, Object> first = frames.frames().get(0).composition();
@@ -78,10 +87,19 @@ final class RequestFileReader {
         Map<String, String> properties = new LinkedHashMap<>();
         if (members.has("properties")) {
             for (Map.Entry<String, JsonField> property : members.get("properties").anyMembers().entrySet()) {
-                properties.put(property.getKey(), property.getValue().string());
+                JsonField field = property.getValue();
+                if (property.getKey().isEmpty() || tooLong(field.string())) {
+                    throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY
+                            + " bytes");
+                }
+                properties.put(property.getKey(), field.string());
             }
         }
         return properties;
+    }
+
+    private static boolean tooLong(String property) {
+        return property.getBytes(StandardCharsets.UTF_8).length > LONGEST_PROPERTY;
     }
 
     private Path photo(JsonMembers members, JsonField root, boolean needed) throws RequestFileException {
@@ -95,10 +113,14 @@ final class RequestFileReader {
             return null;
         }
         JsonField field = members.get("photo");
-        Path photo = mFile.resolveSibling(field.string());
-        if (!Files.isRegularFile(photo)) {
-            throw field.error("no such photo: " + photo);
+        try {
+            Path photo = mFile.resolveSibling(field.string());
+            if (Files.isRegularFile(photo)) {
+                return photo;
+            }
+        } catch (InvalidPathException e) {
+            // A name that no file can have.
         }
-        return photo;
+        throw field.error("no such photo: " + field.string());
     }
 }

@@ -1,0 +1,96 @@
+// Clients without an algorithm library. This program's folder has the device's libraries but not that one.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "algo_native_context.h"
+#include "log_text.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kContextTag[] = "_V_VASJNI-AlgoNativeContext";
+constexpr char kProviderTag[] = "_V_VASJNI-AlgoNativeProvider";
+
+// Every operation tells that it failed and does nothing else.
+void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
+  log.clear();
+  int32_t value = 7;
+  context.init();
+  context.process(kRequestCapture, {"night"}, 1, {AlgoFrameInfo()}, {}, nullptr, 2, 3, {4});
+  context.abort(1, 2, nullptr);
+  context.notify();
+  EXPECT_TRUE(context.getData("version").empty());
+  EXPECT_EQ(0, context.translateParamFile(-1, 1, "file"));
+  EXPECT_EQ(nullptr, context.createMetadata());
+  context.destroyMetadata(&value);
+  EXPECT_EQ(-1, context.setValue(&value, "section", "key", &value, sizeof value));
+  EXPECT_EQ(-1, context.getValue(&value, "section", "key", &value, sizeof value));
+  EXPECT_EQ(-1, context.paramAlgoUpdateToSystem(&value, nullptr));
+  EXPECT_EQ(-1, context.paramSystemDownloadToAlgo(&value, nullptr));
+  context.flush();
+  context.uninit(0);
+  EXPECT_EQ(7, value);
+  EXPECT_EQ(
+      "init failed\n"
+      "process failed\n"
+      "abort failed\n"
+      "notify failed\n"
+      "get data failed\n"
+      "translateParamFile failed\n"
+      "createMetadata failed\n"
+      "destroyMetadata failed\n"
+      "flush failed\n"
+      "uninit failed\n",
+      test::errorText(log, kContextTag));
+}
+
+// The folder of this program, with its slash.
+std::string ownFolder() {
+  char path[4096];
+  const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+  const std::string program(path, length < 0 ? 0 : static_cast<size_t>(length));
+  return program.substr(0, program.rfind('/') + 1);
+}
+
+// Another library under the algorithm library's name.
+class Impostor {
+public:
+  Impostor() { EXPECT_EQ(0, symlink((ownFolder() + "liblog.so").c_str(), mPath.c_str())); }
+  Impostor(const Impostor&) = delete;
+  Impostor& operator=(const Impostor&) = delete;
+  ~Impostor() { unlink(mPath.c_str()); }
+
+private:
+  const std::string mPath = ownFolder() + "liborlu.vac.interface.so";
+};
+
+// In one test because a library, once opened, keeps its name: with the impostor open there is no way back.
+TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
+  test::LogCapture log;
+  const std::string noLibrary =
+      ": * dlopen error: liborlu.vac.interface.so: cannot open shared object file: No such file or "
+      "directory\n";
+  const std::string noClient = "init algo interface failed\ncreate client failed\n";
+  {
+    AlgoNativeContext context;
+    // Once for the provider's own table, once for the context's.
+    EXPECT_EQ(kProviderTag + noLibrary + kProviderTag + noLibrary + noClient,
+              test::errorText(log, kContextTag));
+    expectNothingWorks(context, log);
+    log.clear();
+  }
+  EXPECT_EQ("destroy client failed\n", test::errorText(log, kContextTag));
+
+  // It is looked for again with every client.
+  const Impostor impostor;
+  log.clear();
+  AlgoNativeContext context;
+  const std::string error = test::errorText(log, kContextTag);
+  EXPECT_EQ(0U, error.find(std::string(kProviderTag) + ": * dlsym failed: ")) << error;
+  EXPECT_NE(std::string::npos, error.find(" undefined symbol: AlgoInterfaceEntry\n" + noClient)) << error;
+  expectNothingWorks(context, log);
+}
+
+}  // namespace
+}  // namespace orlu

@@ -1,0 +1,106 @@
+// Each text in golden/ is one kind of capture: what its request holds, and all that translating its metadata
+// must come to, in order.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "golden_run.h"
+
+namespace orlu {
+namespace {
+
+using test::GoldenCase;
+using test::GoldenRun;
+
+// Every text there is: one that is added is run.
+std::vector<std::string> goldenNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(ORLU_TEST_GOLDEN_PATH)) {
+    if (entry.path().extension() == ".txt") names.push_back(entry.path().stem());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<std::string> putLines(const std::vector<test::GoldenPut>& puts) {
+  std::vector<std::string> lines;
+  for (const test::GoldenPut& put : puts) {
+    lines.push_back(std::to_string(put.frame) + ' ' + put.key + ' ' +
+                    test::describeBytes(put.value.type, put.value.bytes));
+  }
+  return lines;
+}
+
+AlgoFrameInfo changed(AlgoFrameInfo frame, const test::GoldenOutput& output) {
+  frame.width = output.width;
+  frame.height = output.height;
+  frame.stride[0] = output.stride;
+  frame.scanline[0] = output.scanline;
+  frame.planeSize[0] = output.planeSizes[0];
+  frame.planeSize[1] = output.planeSizes[1];
+  return frame;
+}
+
+void expectOutputs(const GoldenCase& golden, const GoldenRun& run) {
+  ASSERT_EQ(golden.outputs.size(), run.outputsAfter.size());
+  for (size_t i = 0; i < run.outputsAfter.size(); ++i) {
+    const auto change = golden.changedOutputs.find(static_cast<int>(i));
+    const AlgoFrameInfo& before = run.outputsBefore[i];
+    EXPECT_EQ(
+        test::describeFrame(change == golden.changedOutputs.end() ? before : changed(before, change->second)),
+        test::describeFrame(run.outputsAfter[i]))
+        << "output " << i;
+  }
+}
+
+class MetadataUpdaterGoldenTest : public testing::TestWithParam<std::string> {};
+
+TEST_P(MetadataUpdaterGoldenTest, TranslatesAsWritten) {
+  const GoldenCase golden = test::readGoldenCase(ORLU_TEST_GOLDEN_PATH + GetParam() + ".txt");
+  test::Algo algo;
+  const GoldenRun run = test::runGolden(golden, algo);
+  const std::string difference = test::diffWrites(golden.writes, run.writes);
+  EXPECT_TRUE(difference.empty()) << difference;
+  EXPECT_EQ(golden.algorithmsAfter, run.algorithms);
+  EXPECT_EQ(putLines(golden.puts), putLines(run.puts));
+  EXPECT_EQ(golden.skip, run.skip);
+  expectOutputs(golden, run);
+}
+
+INSTANTIATE_TEST_SUITE_P(Captures, MetadataUpdaterGoldenTest, testing::ValuesIn(goldenNames()),
+                         [](const auto& tested) { return tested.param; });
+
+// A text that went missing would not be missed otherwise.
+TEST(MetadataUpdaterGoldenTexts, EveryKindOfCaptureHasAText) {
+  const std::vector<std::string> expected = {"beauty",
+                                             "bokeh_interleaved",
+                                             "bokeh_separate",
+                                             "clarity_only",
+                                             "document",
+                                             "double_exposure",
+                                             "empty",
+                                             "engine",
+                                             "light_stream_start",
+                                             "light_stream_stop",
+                                             "panorama",
+                                             "pixel_shift",
+                                             "raw_defaults",
+                                             "raw_night",
+                                             "raw_super_night",
+                                             "rawnr_hdr_5",
+                                             "rawnr_hdr_7",
+                                             "rawnr_hdr_9",
+                                             "refocus",
+                                             "sat_fusion",
+                                             "upscale",
+                                             "watermark_only",
+                                             "yuv_defaults",
+                                             "yuv_jpeg",
+                                             "yuv_night"};
+  EXPECT_EQ(expected, goldenNames());
+}
+
+}  // namespace
+}  // namespace orlu

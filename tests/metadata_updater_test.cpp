@@ -1,0 +1,250 @@
+// What no text of a capture can tell: the parameter channel, the log level, values that the algorithms ask
+// for, and requests that lack objects.
+
+#include "metadata_updater.h"
+
+#include <gtest/gtest.h>
+#include <orlu/camera3rd_log.h>
+
+#include "case_name.h"
+#include "fixtures.h"
+#include "golden_run.h"
+#include "log_capture.h"
+
+namespace orlu {
+namespace {
+
+using test::Algo;
+using test::GoldenCase;
+using test::GoldenRun;
+using test::LogCapture;
+using test::LogLine;
+
+constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
+
+GoldenCase golden(const std::string& name, const std::vector<std::string>& changes = {}) {
+  GoldenCase read = test::readGoldenCase(ORLU_TEST_GOLDEN_PATH + name + ".txt");
+  for (const std::string& line : changes) test::changeGolden(read, line);
+  return read;
+}
+
+// The lines of the updater's two tags.
+std::vector<std::string> linesOf(const LogCapture& log, const std::string& tag, int priority) {
+  std::vector<std::string> messages;
+  for (const LogLine& line : log.lines()) {
+    if (line.tag == tag && line.priority == priority) messages.push_back(line.message);
+  }
+  return messages;
+}
+
+std::string lastWrite(const std::vector<test::RecordedCall>& calls, const std::string& key,
+                      const std::string& type) {
+  std::string text = "not written";
+  for (const test::RecordedCall& call : calls) {
+    if (call.operation == "setValue" && call.key == key) text = test::describeBytes(type, call.bytes);
+  }
+  return text;
+}
+
+// Takes the maker's log level away from its default for a while.
+class LogLevel {
+public:
+  explicit LogLevel(int level) : mBefore(gVAFCtrlLogLevel) { gVAFCtrlLogLevel = level; }
+  LogLevel(const LogLevel&) = delete;
+  LogLevel& operator=(const LogLevel&) = delete;
+  ~LogLevel() { gVAFCtrlLogLevel = mBefore; }
+
+private:
+  int mBefore;
+};
+
+TEST(MetadataUpdaterLogTest, Level4LeavesErrorsAndTheShortTag) {
+  const std::vector<std::string> shortLines = {
+      "start process basic frame idx 1, rotation 450, reqId = 0 input fusionselect 0, satfusion 0.",
+      "updateCommonTags: highTemperature: 41", "updateCommonTags: sceneType: 14",
+      "Optical_distortion: 0  face_correct: 0", "orlu.control.document.pack 0"};
+  const GoldenCase request = golden("yuv_jpeg", {"input none"});
+  Algo algo;
+  {
+    const LogLevel level(4);
+    const LogCapture log;
+    test::runGolden(request, algo);
+    EXPECT_EQ(shortLines, linesOf(log, kShortLogTag, ANDROID_LOG_DEBUG));
+    EXPECT_TRUE(linesOf(log, kLogTag, ANDROID_LOG_DEBUG).empty()) << log.text();
+    EXPECT_EQ(2U, linesOf(log, kLogTag, ANDROID_LOG_ERROR).size()) << log.text();
+  }
+  const LogLevel level(3);
+  const LogCapture log;
+  test::runGolden(request, algo);
+  EXPECT_EQ(shortLines, linesOf(log, kShortLogTag, ANDROID_LOG_DEBUG));
+  EXPECT_LT(20U, linesOf(log, kLogTag, ANDROID_LOG_DEBUG).size());
+}
+
+// The algorithms name values as section and key; the shot has them as tags of both, joined by a dot.
+TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
+  Algo algo;
+  algo.script.wanted = {
+      {"orlu.parameter",        "remosaicOTPData", 8 },
+      {"com.orlu.chi.override", "CameraType",      16},
+      {"orlu.parameter",        "notThere",        4 }
+  };
+  algo.use();
+  const LogCapture log;
+  test::runGolden(golden("yuv_jpeg", {"c0 com.orlu.chi.override.CameraType bytes[3] 0:text=\"SAT\""}), algo,
+                  [](MetadataUpdater& updater) {
+                    int32_t otp[2] = {};
+                    EXPECT_EQ(0, updater.getValue("orlu.parameter", "remosaicOTPData", otp, sizeof otp));
+                    EXPECT_EQ(17, otp[0]);
+                    EXPECT_EQ(18, otp[1]);
+                    char type[16] = "xxxxxxxxxxxxxxx";
+                    EXPECT_EQ(0, updater.getValue("com.orlu.chi.override", "CameraType", type, sizeof type));
+                    EXPECT_EQ(std::string("SAT") + std::string(13, '\0'), std::string(type, sizeof type));
+                  });
+  for (const char* const line :
+       {"checkxx download orlu.parameter.remosaicOTPData : data 0x",
+        "checkxx download com.orlu.chi.override.CameraType : data 0x",
+        "checkxx download orlu.parameter.notThere : data 0x", ", size 8\n", ", size 16\n"}) {
+    EXPECT_TRUE(log.contains(line)) << line << '\n' << log.text();
+  }
+}
+
+// A fresh updater has no master frames yet when it lists them. One that runs again has, and lists sixteen at
+// most.
+TEST(MetadataUpdaterTest, ListsSixteenFramesAtMost) {
+  Algo algo;
+  const LogCapture log;
+  test::runGolden(golden("yuv_jpeg", {"frames 20"}), algo, [&algo](MetadataUpdater& updater) {
+    EXPECT_EQ("ints 0*16", lastWrite(algo.calls(), "frame_id", "ints"));
+    algo.forget();
+    updater.updateMetadata();
+    EXPECT_EQ("ints 701 702 703 704 705 706 707 708 709 710 711 712 713 714 715 716",
+              lastWrite(algo.calls(), "frame_id", "ints"));
+    const std::string timestamps = lastWrite(algo.calls(), "input_frame_timestamp", "longs");
+    EXPECT_EQ(0U, timestamps.find("longs 900000000001 900033000001 ")) << timestamps;
+    EXPECT_EQ(timestamps.size() - 13, timestamps.find(" 900495000001")) << timestamps;
+  });
+  EXPECT_EQ(1, log.count(ANDROID_LOG_DEBUG, kLogTag,
+                         "start process input timeStamps[15]=900495000001, reqId = 716 ."));
+}
+
+struct HdrIndexCase {
+  const char* name;
+  const char* golden;
+  int type;
+  int nightIndex;
+};
+
+class MetadataUpdaterHdrIndexTest : public testing::TestWithParam<HdrIndexCase> {};
+
+TEST_P(MetadataUpdaterHdrIndexTest, TellsWhatItWrote) {
+  const HdrIndexCase& c = GetParam();
+  Algo algo;
+  const LogCapture log;
+  test::runGolden(golden(c.golden), algo, [&c](MetadataUpdater& updater) {
+    int type = 7;
+    int nightIndex = 7;
+    updater.updateRawnrHDRFrameIndex(type, nightIndex);
+    EXPECT_EQ(c.type, type);
+    EXPECT_EQ(c.nightIndex, nightIndex);
+  });
+  const std::string line =
+      "rawnr HDR index " + std::to_string(c.type) + ", " + std::to_string(c.nightIndex) + " .";
+  EXPECT_EQ(1, log.count(ANDROID_LOG_DEBUG, kLogTag, line)) << log.text();
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, MetadataUpdaterHdrIndexTest,
+                         testing::Values(HdrIndexCase{"FiveFrames", "rawnr_hdr_5", 6, 2},
+                                         HdrIndexCase{"SevenFrames", "rawnr_hdr_7", 2, 3},
+                                         HdrIndexCase{"NineFrames", "rawnr_hdr_9", 1, 0},
+                                         HdrIndexCase{"OneFrame", "yuv_jpeg", 0, 0},
+                                         HdrIndexCase{"NothingWritten", "watermark_only", 0, -1}),
+                         test::CaseName());
+
+struct FormatCase {
+  const char* name;
+  const char* input;
+  int format;
+  int isRaw;
+};
+
+class MetadataUpdaterFormatTest : public testing::TestWithParam<FormatCase> {};
+
+TEST_P(MetadataUpdaterFormatTest, LooksAtTheFirstInput) {
+  const FormatCase& c = GetParam();
+  Algo algo;
+  GoldenCase request = golden("yuv_jpeg", {std::string("input ") + c.input});
+  if (!request.inputs.empty()) test::changeGolden(request, "and input JPEG 640x480 shared");
+  test::runGolden(request, algo, [&c](MetadataUpdater& updater) {
+    EXPECT_EQ(c.format, updater.getImageFormat());
+    EXPECT_EQ(c.isRaw, updater.isRawFormat());
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, MetadataUpdaterFormatTest,
+                         testing::Values(FormatCase{"None", "none", 0, 0},
+                                         FormatCase{"Nv21", "NV21 640x480 shared", 1, 0},
+                                         FormatCase{"MipiRaw10", "MIPI_RAW10 640x480 shared", 6, 1},
+                                         FormatCase{"MipiRaw12", "MIPI_RAW12 640x480 shared", 7, 0},
+                                         FormatCase{"Raw16", "RAW16 640x480 shared", 18, 1},
+                                         FormatCase{"Unknown", "BMP1 640x480 shared", 0, 0}),
+                         test::CaseName());
+
+TEST(MetadataUpdaterTest, ChannelForwardsToTheBlockOfTheRequest) {
+  Algo algo;
+  test::runGolden(golden("empty"), algo, [&algo](MetadataUpdater& updater) {
+    algo.forget();
+    int32_t value = 5;
+    EXPECT_EQ(0, updater.setValue("some.section", "a_key", &value, sizeof value));
+    int32_t read = 0;
+    EXPECT_EQ(0, updater.getValue("some.section", "a_key", &read, sizeof read));
+    EXPECT_EQ(5, read);
+    EXPECT_EQ(-1, updater.getValue("some.section", "another_key", &read, sizeof read));
+    EXPECT_EQ(5, read);
+    EXPECT_EQ("setValue getValue getValue", algo.operations());
+    const test::RecordedCall call = algo.calls().front();
+    EXPECT_EQ("some.section a_key", call.section + ' ' + call.key);
+    EXPECT_EQ(std::vector<uint8_t>({5, 0, 0, 0}), call.bytes);
+
+    algo.forget();
+    const AlgoMetadataVisitor visitor = [](const char*, const char*, void*, unsigned) { return 0; };
+    updater.paramAlgoUpdateToSystem(visitor);
+    updater.paramSystemDownloadToAlgo(visitor);
+    EXPECT_EQ("paramAlgoUpdateToSystem paramSystemDownloadToAlgo", algo.operations());
+  });
+}
+
+// Without a block nothing is stored and nothing is read, and without frames nothing is there to translate.
+TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
+  const test::LocalFrame frame;
+  Algo algo;
+  AlgoNativeClient client(nullptr, 1, 0);
+  CameraMetadataParser parser(test::env());
+  jobject compositions = test::javaList({nullptr, test::newComposition(), nullptr});
+  VRequest request(test::env(), nullptr, test::javaList({nullptr}), nullptr, compositions);
+  std::vector<std::string> list = {"dualBokeh",  "superns", "lightstream",    "jpegBokehOnly",
+                                   "jpegEncode", "upscale", "engineDualbokeh"};
+  MetadataUpdater updater(&client, list, request, nullptr, &parser);
+  algo.forget();
+  updater.updateMetadata();
+  EXPECT_EQ("", algo.operations());
+  EXPECT_EQ("refocusJpegPack", list.back());
+  int value = 5;
+  EXPECT_EQ(-1, updater.setValue("orlu.algo.control", "film_size", &value, sizeof value));
+  EXPECT_EQ(-1, updater.getValue("orlu.algo.control", "film_size", &value, sizeof value));
+  EXPECT_EQ(5, value);
+}
+
+TEST(MetadataUpdaterTest, KnowsTheCameraOfEachZoomRatio) {
+  const std::map<float, int> expected = {
+      {0.6F, 1},
+      {1.0F, 2},
+      {2.0F, 3},
+      {2.5F, 6},
+      {5.0F, 5}
+  };
+  EXPECT_EQ(expected, (std::map<float, int>(satCameraRoles().begin(), satCameraRoles().end())));
+}
+
+}  // namespace
+}  // namespace orlu

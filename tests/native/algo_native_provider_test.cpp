@@ -1,0 +1,55 @@
+#include "algo_native_provider.h"
+
+#include <gtest/gtest.h>
+
+#include "algo.h"
+#include "algo_native_context.h"
+#include "log_text.h"
+
+namespace orlu {
+namespace {
+
+TEST(AlgoNativeProviderTest, WantsATable) {
+  test::LogCapture log;
+  EXPECT_FALSE(AlgoNativeProvider::getInstance()->initAlgoInterface(nullptr));
+  EXPECT_EQ("init algo interface failed, input is null\n",
+            test::errorText(log, "_V_VASJNI-AlgoNativeProvider"));
+}
+
+TEST(AlgoNativeProviderTest, EmptiesTheTableFirst) {
+  test::Algo algo;
+  algo.script.notOffered = {"flush", "getValue"};
+  algo.use();
+  AlgoInterfaceCallbacks table;
+  table.version = 9;
+  table.reserved = [](void*) { return 0; };
+  table.flush = [](const AlgoFlushRecord&) { return 0; };
+  table.metadataOps.getValue = [](void*, const char*, const char*, void*, unsigned) { return 0; };
+  EXPECT_TRUE(AlgoNativeProvider::getInstance()->initAlgoInterface(&table));
+  EXPECT_EQ(0, table.version);
+  EXPECT_FALSE(table.reserved);
+  EXPECT_FALSE(table.flush);
+  EXPECT_FALSE(table.metadataOps.getValue);
+  EXPECT_TRUE(table.command);
+  EXPECT_TRUE(table.metadataOps.setValue);
+}
+
+TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
+  test::LogCapture log;
+  test::Algo algo;
+  algo.script.notOffered = {"flush"};
+  algo.use();
+  AlgoNativeContext first;
+  algo.script.notOffered = {};
+  algo.use();
+  AlgoNativeContext second;
+  EXPECT_EQ(2, test::Algo::counts().clients);  // of the one library
+  second.flush();
+  EXPECT_EQ(0, log.errors("_V_VASJNI-AlgoNativeContext", "flush failed"));
+  first.flush();
+  EXPECT_EQ(1, log.errors("_V_VASJNI-AlgoNativeContext", "flush failed"));
+  EXPECT_EQ("createClient createClient flush", algo.operations());
+}
+
+}  // namespace
+}  // namespace orlu

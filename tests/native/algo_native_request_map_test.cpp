@@ -1,0 +1,193 @@
+#include "algo_native_request_map.h"
+
+#include <gtest/gtest.h>
+#include <orlu/camera3rd_log.h>
+
+#include <atomic>
+#include <set>
+#include <thread>
+
+#include "log_capture.h"
+#include "thread_state.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
+
+using List = std::vector<std::string>;
+
+// Tests that end well take no time; the ten seconds themselves are waited for once, by a whole request. Every
+// test removes what it created: records belong to the map, which lives as long as the process elsewhere.
+class AlgoNativeRequestMapTest : public testing::Test {
+protected:
+  ~AlgoNativeRequestMapTest() override { gVAFCtrlLogLevel = 3; }
+
+  bool timedOut() const { return mLog.contains("time out"); }
+
+  test::LogCapture mLog;
+  AlgoNativeRequestMap mMap;
+};
+
+TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
+  int block = 0;
+  EXPECT_EQ(0U, mMap.create(70, &block, false));
+  EXPECT_EQ(1U, mMap.create(71, nullptr, false));
+  EXPECT_EQ(2U, mMap.create(-0x100000001, nullptr, true));
+  EXPECT_TRUE(mMap.setAlgoList(2, {"hdr", "flip"}));
+  EXPECT_TRUE(mMap.remove(1));
+  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 71"));
+  EXPECT_EQ(3U, mMap.create(71, nullptr, false)) << "an id was used again";
+
+  EXPECT_EQ(70, mMap.getRequestId(0));
+  EXPECT_EQ(-0x100000001, mMap.getRequestId(2));
+  EXPECT_EQ(&block, mMap.getMetadataHandle(0));
+  EXPECT_EQ(nullptr, mMap.getMetadataHandle(2));
+  bool isFullAsync = true;
+  EXPECT_TRUE(mMap.getIsFullAsync(0, isFullAsync));
+  EXPECT_FALSE(isFullAsync);
+  EXPECT_TRUE(mMap.getIsFullAsync(2, isFullAsync));
+  EXPECT_TRUE(isFullAsync);
+  List list = {"old"};
+  EXPECT_TRUE(mMap.getAlgoList(2, list));
+  EXPECT_EQ((List{"hdr", "flip"}), list);
+  EXPECT_TRUE(mMap.getAlgoList(0, list));
+  EXPECT_EQ(List(), list);
+
+  for (uint64_t id : {0, 2, 3}) EXPECT_TRUE(mMap.remove(id));
+}
+
+TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
+  EXPECT_TRUE(mMap.remove(mMap.create(70, &mLog, true)));
+  for (uint64_t id : {uint64_t{0}, uint64_t{1}, UINT64_MAX}) {
+    EXPECT_FALSE(mMap.remove(id));
+    EXPECT_FALSE(mMap.onCallbackReceived(id));
+    EXPECT_FALSE(mMap.waitForCallback(id));
+    EXPECT_EQ(nullptr, mMap.getMetadataHandle(id));
+    EXPECT_EQ(-1, mMap.getRequestId(id));
+    EXPECT_FALSE(mMap.setAlgoList(id, {"hdr"}));
+    bool isFullAsync = false;
+    EXPECT_FALSE(mMap.getIsFullAsync(id, isFullAsync));
+    EXPECT_FALSE(isFullAsync);
+    List list = {"old"};
+    EXPECT_FALSE(mMap.getAlgoList(id, list));
+    EXPECT_EQ(List{"old"}, list);
+  }
+  EXPECT_FALSE(timedOut());
+}
+
+TEST_F(AlgoNativeRequestMapTest, CallbackBeforeAndAfterTheWait) {
+  const uint64_t id = mMap.create(5, nullptr, false);
+  EXPECT_TRUE(mMap.onCallbackReceived(id));
+  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "notify reqId = 5"));
+  EXPECT_TRUE(mMap.waitForCallback(id));
+  EXPECT_TRUE(mMap.onCallbackReceived(id));
+  EXPECT_TRUE(mMap.waitForCallback(id)) << "a callback that came counts for every wait";
+  EXPECT_TRUE(mMap.remove(id));
+  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 5"))
+      << "still counted as waiting";
+  EXPECT_FALSE(timedOut());
+}
+
+TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
+  constexpr size_t kWaiters = 6;
+  std::atomic<int> threadIds[kWaiters] = {};
+  std::atomic<bool> calledBack[kWaiters] = {};
+  std::vector<std::thread> waiters;
+  for (size_t i = 0; i < kWaiters; ++i) {
+    const uint64_t id = mMap.create(static_cast<int64_t>(i), nullptr, false);
+    waiters.emplace_back([this, id, &threadId = threadIds[i], &mine = calledBack[i]] {
+      threadId = test::threadId();
+      EXPECT_TRUE(mMap.waitForCallback(id));
+      EXPECT_TRUE(mine) << id << " woke for another one";
+    });
+  }
+  for (const std::atomic<int>& thread : threadIds) test::untilAsleep(thread);
+  for (size_t i : {3, 0, 5, 1, 4, 2}) {
+    calledBack[i] = true;
+    EXPECT_TRUE(mMap.onCallbackReceived(i));
+    waiters[i].join();
+    EXPECT_TRUE(mMap.remove(i));
+  }
+  EXPECT_FALSE(timedOut());
+}
+
+TEST_F(AlgoNativeRequestMapTest, NoWakeUpIsLost) {
+  constexpr uint64_t kRounds = 4000;
+  gVAFCtrlLogLevel = 4;
+  std::atomic<uint64_t> created{0};
+  std::thread caller([&] {
+    for (uint64_t id = 0; id < kRounds; ++id) {
+      while (created <= id) std::this_thread::yield();
+      mMap.onCallbackReceived(id);
+    }
+  });
+  for (uint64_t id = 0; id < kRounds && !timedOut(); ++id) {
+    mMap.create(0, nullptr, false);
+    ++created;
+    EXPECT_TRUE(mMap.waitForCallback(id));
+    EXPECT_TRUE(mMap.remove(id));
+  }
+  EXPECT_FALSE(timedOut());
+  created = kRounds;
+  caller.join();
+}
+
+// The waiter is woken and its request removed at once, so that the two meet in every order. Whoever comes
+// last frees the record; a sanitizer tells when that is nobody, or both.
+TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
+  constexpr int kRounds = 300;
+  gVAFCtrlLogLevel = 4;
+  int waited = 0;
+  for (int round = 0; round < kRounds && !timedOut(); ++round) {
+    const uint64_t id = mMap.create(round, nullptr, false);
+    std::atomic<int> thread{0};
+    std::thread waiter([&] {
+      thread = test::threadId();
+      if (mMap.waitForCallback(id)) ++waited;
+    });
+    test::untilAsleep(thread);
+    EXPECT_TRUE(mMap.onCallbackReceived(id));
+    EXPECT_TRUE(mMap.remove(id));
+    EXPECT_EQ(-1, mMap.getRequestId(id)) << "the entry outlived its removal";
+    EXPECT_FALSE(mMap.remove(id));
+    waiter.join();
+  }
+  EXPECT_FALSE(timedOut());
+  EXPECT_GT(waited, 0);
+}
+
+TEST_F(AlgoNativeRequestMapTest, ManyThreadsAtOnce) {
+  constexpr uint64_t kRequests = 100;
+  gVAFCtrlLogLevel = 4;
+  for (uint64_t id = 0; id < kRequests; ++id) mMap.create(0, nullptr, false);
+  std::set<uint64_t> created[2];
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 3; ++i) {
+    threads.emplace_back([this] {
+      for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.onCallbackReceived(id));
+    });
+  }
+  for (std::set<uint64_t>& ids : created) {
+    threads.emplace_back([this, &ids] {
+      for (uint64_t i = 0; i < kRequests; ++i) {
+        const uint64_t id = mMap.create(7, nullptr, false);
+        EXPECT_TRUE(mMap.setAlgoList(id, {"hdr"}));
+        EXPECT_TRUE(mMap.remove(id));
+        ids.insert(id);
+      }
+    });
+  }
+  for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.waitForCallback(id));
+  for (std::thread& thread : threads) thread.join();
+  for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.remove(id));
+
+  created[0].merge(created[1]);
+  EXPECT_EQ(2 * kRequests, created[0].size()) << "an id was given to two requests";
+  EXPECT_EQ(kRequests, *created[0].begin());
+  EXPECT_EQ(3 * kRequests - 1, *created[0].rbegin());
+  EXPECT_FALSE(timedOut());
+}
+
+}  // namespace
+}  // namespace orlu

@@ -1,0 +1,25 @@
+#!/bin/bash
+# The build for the NDK as far as it goes without one: configures it with a toolchain file that passes for the NDK's,
+# and looks whether the library, and nothing that needs this machine, would be built.
+#   android_preset_test.sh PROJECT
+set -euo pipefail
+project=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir -p "$work/ndk/build/cmake"
+cat >"$work/ndk/build/cmake/android.toolchain.cmake" <<'END'
+if(NOT ANDROID_ABI STREQUAL "armeabi-v7a" OR NOT ANDROID_STL STREQUAL "c++_shared" OR NOT ANDROID_PLATFORM)
+  message(FATAL_ERROR "the NDK is not told what to build for")
+endif()
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ANDROID_ABI ANDROID_STL ANDROID_PLATFORM)
+set(ANDROID TRUE)
+END
+
+export ANDROID_NDK_HOME=$work/ndk
+(cd "$project" && cmake --preset android -B "$work/build") >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+commands=$(ninja -C "$work/build" -n -v orlu_vas_native_interface)
+grep -q -- '-o lib/liborlu.vas.native.interface.so' <<<"$commands"
+if grep -E '\.jar|turbojpeg|gtest|liborlu\.vac\.interface' <<<"$commands"; then
+  echo "FAILED: builds what the NDK has not"
+  exit 1
+fi

@@ -1,0 +1,86 @@
+#!/bin/bash
+# Looks into the library's file, as the loader of a phone does.
+#   library_file_test.sh LIBRARY READELF STRIP arm|host
+set -euo pipefail
+library=$1
+readelf=$2
+strip=$3
+machine=$4
+readonly size_budget=$((200 * 1024))
+failures=0
+
+# expect WHAT EXPECTED ACTUAL
+expect() {
+  if [ "$2" != "$3" ]; then
+    printf 'FAILED: %s\n  expected: %s\n  found:    %s\n' "$1" "$2" "$3"
+    failures=$((failures + 1))
+  fi
+}
+
+# expect_match WHAT PATTERN TEXT
+expect_match() {
+  if ! grep -Eq -- "$2" <<<"$3"; then
+    printf 'FAILED: %s\n  nothing matches: %s\n  in:\n%s\n' "$1" "$2" "$3"
+    failures=$((failures + 1))
+  fi
+}
+
+# dynamic TAG: the values that the dynamic section has for TAG, sorted, in one line.
+dynamic() {
+  sed -n "s/.*($1)[^[]*\[\(.*\)\]\$/\1/p" <<<"$dynamic_section" | sort | xargs
+}
+
+dynamic_section=$("$readelf" -dW "$library")
+symbols=$("$readelf" --dyn-syms -W "$library")
+segments=$("$readelf" -lW "$library")
+
+prefix=Java_com_orlu_orlu3rdalgoservice_Orlu3rdAlgoService_
+natives=(
+  abort algoInit algoRelease createNativeClient destroyNativeClient flush getData getVersion notify processImage
+  processImageUpdateResult translateParamFiles
+)
+# Columns: number, value, size, type, binding, visibility, section, name.
+offered=$(awk '$1 ~ /^[0-9]+:$/ && $5 != "LOCAL" && $7 != "UND" { print $4 "/" $8 }' <<<"$symbols")
+expect "what the library offers" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \
+  "$(sort <<<"$offered" | xargs)"
+expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
+
+# The loader finds all of them beside the library; those of the algorithms are opened later.
+needed=$(dynamic NEEDED)
+toolchain='^(libstdc\+\+|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
+expect "the device's libraries that it needs" \
+  "libandroid.so libcutils.so liblog.so libnativewindow.so liborlu.camera3rd.log.so" \
+  "$(tr ' ' '\n' <<<"$needed" | grep -Ev "$toolchain" | xargs)"
+expect_match "the C++ library" 'libstdc\+\+\.so\.6' "$needed"
+expect "its own name" liborlu.vas.native.interface.so "$(dynamic SONAME)"
+expect "where it looks for libraries" '$ORIGIN' "$(dynamic RUNPATH)"
+expect "old ways to look for libraries" "" "$(dynamic RPATH)"
+
+expect "relocations in code" "" "$(grep -E 'TEXTREL' <<<"$dynamic_section" || true)"
+expect_match "all symbols bound at load time" 'BIND_NOW|FLAGS_1.*NOW' "$dynamic_section"
+expect_match "relocated data is read-only afterwards" '^ *GNU_RELRO ' "$segments"
+expect_match "stack without code" '^ *GNU_STACK .* RW +' "$segments"
+
+if [ "$machine" = arm ]; then
+  header=$("$readelf" -hW "$library")
+  attributes=$("$readelf" -AW "$library")
+  expect_match "32 bits" 'Class: +ELF32' "$header"
+  expect_match "little endian" 'Data: .*little endian' "$header"
+  expect_match "ARM" 'Machine: +ARM' "$header"
+  expect_match "EABI 5, floats in registers" 'Flags: .*Version5 EABI.*hard-float' "$header"
+  expect_match "ARMv7" 'Tag_CPU_arch: v7$' "$attributes"
+  expect_match "application profile" 'Tag_CPU_arch_profile: Application' "$attributes"
+  expect_match "Thumb-2" 'Tag_THUMB_ISA_use: Thumb-2' "$attributes"
+fi
+
+stripped=$(mktemp)
+trap 'rm -f "$stripped"' EXIT
+"$strip" -o "$stripped" "$library"
+size=$(stat -c %s "$stripped")
+echo "Stripped size ($machine): $size bytes"
+if [ "$machine" = arm ] && [ "$size" -gt "$size_budget" ]; then
+  echo "FAILED: more than the budget of $size_budget bytes"
+  failures=$((failures + 1))
+fi
+
+[ "$failures" -eq 0 ]

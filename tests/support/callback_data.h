@@ -1,0 +1,24 @@
+// The data of a result callback: 8 unused bytes, the request, the name's length, the name, the payload.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace orlu::test {
+
+// `rest` is the name and the payload, of which the name has `nameLength` bytes, or so it says.
+inline std::vector<uint8_t> callbackData(uint64_t nativeReq, int32_t nameLength, const std::string& rest) {
+  std::vector<uint8_t> data(20 + rest.size(), 0xEE);
+  std::memcpy(&data[8], &nativeReq, sizeof nativeReq);
+  std::memcpy(&data[16], &nameLength, sizeof nameLength);
+  std::memcpy(data.data() + 20, rest.data(), rest.size());
+  return data;
+}
+
+inline std::vector<uint8_t> shotCallback(uint64_t nativeReq) {
+  return callbackData(nativeReq, 6, "shotCb");
+}
+
+}  // namespace orlu::test

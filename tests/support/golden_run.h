@@ -1,0 +1,32 @@
+// Translates the metadata of a golden request, the way the product does it for an image request.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "algo.h"
+#include "golden_case.h"
+#include "metadata_updater.h"
+
+namespace orlu::test {
+
+// What translating a request came to.
+struct GoldenRun {
+  std::vector<GoldenWrite> writes;      // in order; their types are "bytes"
+  std::vector<std::string> algorithms;  // the list as the steps left it
+  std::vector<GoldenPut> puts;          // what the compositions hold beside what the request gave them
+  std::vector<AlgoFrameInfo> outputsBefore;
+  std::vector<AlgoFrameInfo> outputsAfter;
+  bool skip = false;
+};
+
+// `algo` records the calls, and is forgotten first. `inspect` sees the updater before its parameter block is
+// destroyed.
+GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
+                    const std::function<void(MetadataUpdater&)>& inspect = {});
+
+// All fields of an image's record, one line.
+std::string describeFrame(const AlgoFrameInfo& frame);
+
+}  // namespace orlu::test

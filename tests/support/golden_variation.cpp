@@ -1,0 +1,163 @@
+#include "golden_variation.h"
+
+#include <cctype>
+#include <fstream>
+#include <iomanip>
+#include <sstream>
+#include <stdexcept>
+
+#include "algo_list.h"
+#include "golden_run.h"
+#include "log_capture.h"
+
+namespace orlu::test {
+namespace {
+
+constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
+
+// The words of a line, of which one in quotes may hold blanks.
+std::string quotedWord(std::istream& in) {
+  std::string word;
+  in >> std::ws >> std::quoted(word);
+  return word;
+}
+
+// What a variation came to, asked line by line.
+class Outcome {
+public:
+  Outcome(const GoldenVariation& variation, const std::string& goldenPath) {
+    GoldenCase golden = readGoldenCase(goldenPath + variation.base + ".txt");
+    for (const std::string& line : variation.changes) changeGolden(golden, line);
+    Algo algo;
+    const LogCapture log;
+    mRun = runGolden(golden, algo);
+    mLines = log.lines();
+  }
+
+  // The expectation itself when it is met, else what there is in its place.
+  std::string found(const std::string& expectation) const {
+    std::istringstream in(expectation);
+    std::string word;
+    in >> word;
+    if (word == "algorithms") return "algorithms" + blankBefore(printAlgoList(mRun.algorithms));
+    if (word == "skip" || word == "no") return mRun.skip ? "skip" : "no skip";
+    if (word == "output") return foundOutput();
+    if (word == "times") return foundTimes(in);
+    if (word == "short") return "short " + logged(in, kShortLogTag);
+    if (word == "log" || word == "error") return word + ' ' + logged(in, kLogTag, word == "error" ? 6 : 3);
+    return foundWrite(expectation, word, in);
+  }
+
+private:
+  static std::string blankBefore(const std::string& text) { return text.empty() ? "" : ' ' + text; }
+
+  // The first output's record, as a golden text has it.
+  std::string foundOutput() const {
+    if (mRun.outputsAfter.empty()) return "output none";
+    const AlgoFrameInfo& after = mRun.outputsAfter[0];
+    if (describeFrame(after) == describeFrame(mRun.outputsBefore[0])) return "output 0 unchanged";
+    std::ostringstream out;
+    out << "output 0 " << after.width << 'x' << after.height << " stride " << after.stride[0] << " scanline "
+        << after.scanline[0] << " planes " << after.planeSize[0] << ' ' << after.planeSize[1];
+    return out.str();
+  }
+
+  // "2 system face_info": how often a key was written.
+  std::string foundTimes(std::istream& in) const {
+    std::string section;
+    std::string key;
+    int expected = 0;
+    in >> expected >> section >> key;
+    int times = 0;
+    for (const GoldenWrite& write : mRun.writes)
+      times += write.section == section && write.key == key ? 1 : 0;
+    return "times " + std::to_string(times) + ' ' + section + ' ' + key;
+  }
+
+  // "2 "message"": how often a line was logged.
+  std::string logged(std::istream& in, const std::string& tag, int priority = 3) const {
+    int expected = 0;
+    in >> expected;
+    const std::string message = quotedWord(in);
+    int times = 0;
+    for (const LogLine& line : mLines) {
+      times += line.priority == priority && line.tag == tag && isMessage(line.message, message, tag) ? 1 : 0;
+    }
+    std::ostringstream out;
+    out << times << ' ' << std::quoted(message);
+    return out.str();
+  }
+
+  // Lines of the long tag begin with "file:line function() ".
+  static bool isMessage(const std::string& line, const std::string& message, const std::string& tag) {
+    if (tag == kShortLogTag) return line == message;
+    const std::string file = "metadata_updater";
+    const size_t start = line.size() < message.size() ? std::string::npos : line.size() - message.size();
+    if (start == std::string::npos || line.compare(start, message.size(), message) != 0) return false;
+    const std::string prefix = line.substr(0, start);
+    return prefix.compare(0, file.size(), file) == 0 && prefix.size() > 3 &&
+           prefix.find("() ") == prefix.size() - 3;
+  }
+
+  // "system ae_weight int 7": the value last written.
+  std::string foundWrite(const std::string& expectation, const std::string& section, std::istream& in) const {
+    std::string key;
+    std::string text;
+    in >> key;
+    std::getline(in >> std::ws, text);
+    const GoldenValue expected = parseGoldenValue(text, 0);
+    const GoldenWrite* last = nullptr;
+    for (const GoldenWrite& write : mRun.writes) {
+      if (write.section == section && write.key == key) last = &write;
+    }
+    if (last == nullptr) return section + ' ' + key + " not written";
+    if (expected.sameBytes(last->value)) return expectation;
+    return section + ' ' + key + ' ' + describeBytes(expected.type, last->value.bytes);
+  }
+
+  GoldenRun mRun;
+  std::vector<LogLine> mLines;
+};
+
+// Adds one line of a file to its variations; "= Name of base" begins another one.
+void addLine(std::vector<GoldenVariation>& variations, const std::string& line) {
+  if (line[0] == '=') {
+    std::istringstream in(line.substr(1));
+    std::string of;
+    GoldenVariation& added = variations.emplace_back();
+    if (!(in >> added.name >> of >> added.base) || of != "of") throw std::runtime_error("no base: " + line);
+    return;
+  }
+  if (variations.empty()) throw std::runtime_error("of no variation: " + line);
+  if (line[0] == '>') {
+    variations.back().expectations.push_back(line.substr(line.find_first_not_of(' ', 1)));
+  } else {
+    variations.back().changes.push_back(line);
+  }
+}
+
+}  // namespace
+
+std::vector<GoldenVariation> readGoldenVariations(const std::string& path) {
+  std::ifstream in(path);
+  if (!in) throw std::runtime_error(path + ": can't be read");
+  std::vector<GoldenVariation> variations;
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty() && line[0] != '#') addLine(variations, line);
+  }
+  return variations;
+}
+
+std::string unmetExpectations(const GoldenVariation& variation, const std::string& goldenPath) {
+  if (variation.expectations.empty()) return "nothing is expected";
+  const Outcome outcome(variation, goldenPath);
+  std::string unmet;
+  for (const std::string& expectation : variation.expectations) {
+    const std::string found = outcome.found(expectation);
+    if (found != expectation) unmet += "- " + expectation + "\n+ " + found + '\n';
+  }
+  return unmet;
+}
+
+}  // namespace orlu::test

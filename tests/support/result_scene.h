@@ -1,0 +1,173 @@
+// A request whose algorithms have finished: what they left in the parameter set, its images and its
+// compositions. Translating it tells what was put into which composition, and what was logged.
+#pragma once
+
+#include <jni.h>
+
+#include <cstdarg>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "algo_native_client.h"
+#include "fixtures.h"
+#include "java_text.h"
+#include "log_capture.h"
+#include "result_updater.h"
+
+namespace orlu::test {
+
+// Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with
+// the index of the composition, the key and the value.
+class PutRecorder {
+public:
+  explicit PutRecorder(std::vector<jobject> compositions)
+      : mCompositions(std::move(compositions)), mOriginal(env()->functions), mTable(*env()->functions) {
+    gRecorder = this;
+    mTable.CallVoidMethodV = call;
+    env()->functions = &mTable;
+  }
+  PutRecorder(const PutRecorder&) = delete;
+  PutRecorder& operator=(const PutRecorder&) = delete;
+  ~PutRecorder() { env()->functions = mOriginal; }
+
+  const std::string& text() const { return mText; }
+
+private:
+  static void JNICALL call(JNIEnv* jni, jobject object, jmethodID method, va_list arguments) {
+    va_list copy;
+    va_copy(copy, arguments);
+    gRecorder->record(object, copy);
+    va_end(copy);
+    gRecorder->mOriginal->CallVoidMethodV(jni, object, method, arguments);
+  }
+
+  void record(jobject object, va_list arguments) {
+    for (size_t i = 0; i < mCompositions.size(); ++i) {
+      if (!env()->IsSameObject(object, mCompositions[i])) continue;
+      jobject key = va_arg(arguments, jobject);
+      jobject value = va_arg(arguments, jobject);
+      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeJava(value) + '\n';
+    }
+  }
+
+  static inline PutRecorder* gRecorder = nullptr;
+  std::vector<jobject> mCompositions;
+  const JNINativeInterface_* mOriginal;
+  JNINativeInterface_ mTable;
+  std::string mText;
+};
+
+// What an algorithm left in the parameter set; the section without "orlu.algo.".
+struct LeftValue {
+  std::string section;
+  std::string key;
+  std::vector<uint8_t> bytes;
+};
+
+template <typename T = int32_t>
+LeftValue left(const char* section, const char* key, const std::vector<T>& values) {
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(values.data());
+  return {
+      section, key, {bytes, bytes + values.size() * sizeof(T)}
+  };
+}
+
+// A frame's composition; its capture result tells the time when it was exposed.
+inline jobject compositionAt(int64_t timestamp) {
+  jobject metadata = newMetadata();
+  setTag(metadata, "android.sensor.timestamp", javaLong(timestamp));
+  jobject composition = newComposition(metadata);
+  // Must not be asked.
+  putKey(composition, "android.sensor.timestamp", javaLong(-timestamp));
+  return composition;
+}
+
+class ResultScene {
+public:
+  ResultScene() {
+    for (int i = 0; i < 2; ++i) mOutputs.push_back(newImage(ImageSpec()));
+  }
+
+  std::vector<std::string> algorithms;
+  const char* requestType = "capture";
+  std::vector<LeftValue> values;
+  int inputs = 1;
+  std::vector<jobject> compositions;
+  bool hasOutputs = true;
+
+  // Translates the results. May be called once.
+  void translate() {
+    mBlock = mClient.context().createMetadata();
+    for (LeftValue& value : values) {
+      mClient.context().setValue(mBlock, ("orlu.algo." + value.section).c_str(), value.key.c_str(),
+                                 value.bytes.data(), static_cast<unsigned>(value.bytes.size()));
+    }
+    makeRequest();
+    CameraMetadataParser parser(env());
+    const LogCapture capture;
+    const PutRecorder recorder(compositions);
+    ResultUpdater(&mClient, algorithms, *mRequest, mBlock, &parser).updateResult();
+    mPuts = recorder.text();
+    for (const LogLine& line : capture.lines()) mLog += describe(line);
+    mClient.context().destroyMetadata(mBlock);
+  }
+
+  const std::string& puts() const { return mPuts; }
+  // Priority and message of each line of the result updater, without its prefix: "D updateMarkMode 4". A
+  // line of the short tag, which has no prefix, begins with "D*" or "E*".
+  const std::string& log() const { return mLog; }
+  // An output as Java and the algorithms see it: format, size, bytes of planes; "" when nothing changed.
+  std::string changeOfOutput(size_t index) const {
+    const std::string now = describeOutput(index);
+    return now == mOutputsBefore[index] ? "" : now;
+  }
+
+private:
+  void makeRequest() {
+    // Inputs only count here.
+    const std::vector<jobject> inputImages(static_cast<size_t>(inputs), nullptr);
+    mRequest = std::make_unique<VRequest>(env(), newRequest(7, requestType), javaList(inputImages),
+                                          javaList(hasOutputs ? mOutputs : std::vector<jobject>()),
+                                          javaList(compositions));
+    // From here on the Java side differs, so that telling it again is seen.
+    jclass imageClass = env()->GetObjectClass(mOutputs[0]);
+    env()->SetIntField(mOutputs[0], env()->GetFieldID(imageClass, "mWidth", "I"), 1);
+    for (size_t i = 0; i < mOutputs.size(); ++i) mOutputsBefore.push_back(describeOutput(i));
+  }
+
+  std::string describeOutput(size_t index) const {
+    jobject image = mOutputs[index];
+    std::ostringstream text;
+    text << stringOf(objectField(image, "mFormat", "Ljava/lang/String;")) << ' ' << intField(image, "mWidth")
+         << 'x' << intField(image, "mHeight");
+    for (int32_t size : intsOf(objectField(image, "mPlaneSizes", "[I"))) text << ' ' << size;
+    if (!hasOutputs) return text.str();
+    const AlgoFrameInfo& frame = mRequest->outputFrames()[index];
+    text << " | " << frame.format << ' ' << frame.width << 'x' << frame.height << ' ' << frame.size << ' '
+         << frame.planeSize[0] << ' ' << frame.planeSize[1];
+    return text.str();
+  }
+
+  static std::string describe(const LogLine& line) {
+    const std::string priority(1, line.priority == ANDROID_LOG_ERROR ? 'E' : 'D');
+    if (line.tag == "VASJNI-ResultUpdater") return priority + "* " + line.message + '\n';
+    if (line.tag != "_V_VASJNI-ResultUpdater") return "";
+    const std::string& text = line.message;
+    const size_t end = text.find("() ");
+    const bool hasPrefix = text.rfind("result_updater", 0) == 0 && text.find(".cpp:") < end;
+    return priority + ' ' + (hasPrefix ? text.substr(end + 3) : "without prefix: " + text) + '\n';
+  }
+
+  LocalFrame mFrame;
+  AlgoNativeClient mClient{nullptr, 1, 0};
+  void* mBlock = nullptr;
+  std::vector<jobject> mOutputs;
+  std::unique_ptr<VRequest> mRequest;
+  std::vector<std::string> mOutputsBefore;
+  std::string mPuts;
+  std::string mLog;
+};
+
+}  // namespace orlu::test

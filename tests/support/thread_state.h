@@ -1,0 +1,31 @@
+// Whether a thread sleeps: for tests that need it to, before they go on.
+#pragma once
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+#include <string>
+#include <thread>
+
+namespace orlu::test {
+
+inline int threadId() {
+  return static_cast<int>(syscall(SYS_gettid));
+}
+
+// Returns when the thread, whose id is told sooner or later, sleeps in the kernel or has ended.
+inline void untilAsleep(const std::atomic<int>& thread) {
+  while (thread == 0) std::this_thread::yield();
+  for (;;) {
+    std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string id;
+    std::string name;
+    std::string state;
+    if (!(stat >> id >> name >> state) || state == "S") return;
+    std::this_thread::yield();
+  }
+}
+
+}  // namespace orlu::test

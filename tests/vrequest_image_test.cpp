@@ -1,0 +1,312 @@
+// How one Java image becomes a frame record: format, planes and memory.
+
+#include <android/hardware_buffer_jni.h>
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vndk/hardware_buffer.h>
+
+#include <cstdlib>
+#include <limits>
+
+#include "case_name.h"
+#include "fixtures.h"
+#include "frame_text.h"
+#include "log_text.h"
+#include "vrequest.h"
+
+namespace orlu {
+namespace {
+
+using test::env;
+
+constexpr char kTag[] = "_V_VASJNI-VRequest";
+constexpr char kNoData[] = "convert image failed, invalid image data\n";
+constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+
+AlgoFrameInfo convert(jobject image) {
+  return VRequest(env(), nullptr, test::javaList({image}), nullptr, nullptr).inputFrames().at(0);
+}
+
+// The errors of a request beside its one image's.
+std::string withoutNullErrors(std::string text) {
+  for (const std::string line :
+       {"convert jstring failed, input is null\n", "get list size failed, input is null\n",
+        "get list size failed, input is null\n"}) {
+    const size_t at = text.find(line);
+    EXPECT_NE(std::string::npos, at) << text;
+    if (at != std::string::npos) text.erase(at, line.size());
+  }
+  return text;
+}
+
+struct ImageCase {
+  const char* name;
+  const char* format;  // null for none
+  int width;
+  int height;
+  std::vector<int32_t> strides;
+  std::vector<int32_t> planeSizes;
+  int memory;            // bytes of shared memory
+  const char* expected;  // code, plane count | strides | plane sizes | size
+  const char* errors;
+};
+
+class VRequestImageTest : public testing::TestWithParam<ImageCase> {};
+
+TEST_P(VRequestImageTest, ReadsFormatAndPlanes) {
+  const test::LocalFrame localFrame;
+  const ImageCase& c = GetParam();
+  test::ImageSpec spec;
+  spec.format = c.format;
+  spec.width = c.width;
+  spec.height = c.height;
+  spec.strides = c.strides;
+  spec.planeSizes = c.planeSizes;
+  spec.sharedMemory = test::newSharedMemory(c.memory);
+  test::LogCapture log;
+  const AlgoFrameInfo frame = convert(test::newImage(spec));
+  EXPECT_EQ(c.expected, test::layoutText(frame));
+  EXPECT_EQ(c.width, frame.width);
+  EXPECT_EQ(c.height, frame.height);
+  EXPECT_EQ(c.height, frame.scanline[0]);
+  EXPECT_EQ(0, frame.scanline[1]);
+  EXPECT_EQ(c.errors, withoutNullErrors(test::errorText(log, kTag)));
+}
+
+// clang-format off
+const ImageCase kFormatCases[] = {
+    {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Nv21Tail",        "NV21X",          64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    // Labelled as NV12, on purpose.
+    {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Yv12LongTail",    "YV12_SOMETHING", 64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        9000, "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
+    {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    9000, "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
+    // Without the fix-up of its sibling, on purpose.
+    {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        9000, "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
+    {"Raw16",           "RAW16",          64, 48, {200},    {100},        9000, "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
+    {"Raw16Tail",       "RAW16_LE9",      64, 48, {200},    {100},        9000, "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
+    {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       9000, "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
+    {"RawSensor",       "RAW_SENSOR",     64, 48, {200},    {100},        9000, "18 1 | 200 0 0 0 | 6144 0 0 0 | 6144", ""},
+    {"RawSensorTail",   "RAW_SENSOR16",   64, 48, {200},    {6145},       9000, "18 1 | 200 0 0 0 | 6145 0 0 0 | 6145", ""},
+    {"Jpeg4",           "JPEG",           64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg5",           "JPEG5",          64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg9",           "JPEG56789",      64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg10",          "JPEG567890",     64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg12",          "JPEG56789012",   64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Rgba",            "R8G8B8A8",       64, 48, {256},    {12288},      9000, "25 1 | 256 0 0 0 | 12288 0 0 0 | 12288", ""},
+    {"RgbaTail",        "R8G8B8A8_TAIL",  64, 48, {256},    {12288},      9000, "25 1 | 256 0 0 0 | 12288 0 0 0 | 12288", ""},
+    {"RgbaShort",       "R8G8B8A",        64, 48, {256},    {12288},      9000, "0 1 | 256 0 0 0 | 12288 0 0 0 | 12288", "unknown format R8G8B8A\n"},
+    {"MipiShort",       "MIPI_RAW1",      64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format MIPI_RAW1\n"},
+    {"MipiOther",       "MIPI_RAW13",     64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format MIPI_RAW13\n"},
+    {"RawShort",        "RAW1",           64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format RAW1\n"},
+    {"RawSensorShort",  "RAW_SENSO",      64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format RAW_SENSO\n"},
+    {"Nv21Short",       "NV2",            64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format NV2\n"},
+    {"OtherCase",       "nv21",           64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format nv21\n"},
+    {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
+    {"EmptyName",       "",               64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
+    {"NoName",          nullptr,          64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
+};
+
+const ImageCase kPlaneCases[] = {
+    // NV planes: the first as large as the memory or larger, the second left out. The size is taken before.
+    {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, 9000, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
+    {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, 9000, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
+    {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, 9000, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
+    {"NoSecondPlane",   "NV12", 64, 48, {80, 40}, {5000},     9000, "2 2 | 80 40 0 0 | 5000 1920 0 0 | 5000", ""},
+    {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, 9000, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
+    {"TowardsZero",     "NV21", 64, 3,  {-5},     {100},      9000, "1 2 | -5 0 0 0 | 100 -7 0 0 | 100", ""},
+    {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   9000, "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
+    // Arrays that are short, empty or long.
+    {"NothingGiven",    "NV21", 64, 48, {},       {},         9000, "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
+    {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, 9000, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
+    // What does not fit is as much as does.
+    {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   9000, "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
+    {"HugeRawSensor",   "RAW_SENSOR", kMax, kMax, {1}, {100}, 9000, "18 1 | 1 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
+    {"HugeMipiRaw10",   "MIPI_RAW10", 64, 65536, {65536}, {1}, 9000, "6 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
+    {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   9000, "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
+    {"HugeSum",         "NV21", 64, 48, {80}, {kMax, kMax},   9000, "1 2 | 80 0 0 0 | 3840 2147483647 0 0 | 2147483647", ""},
+    {"NegativeWidth",   "RAW16", -2, 48, {1}, {100},          9000, "18 1 | -2 0 0 0 | 100 0 0 0 | 100", ""},
+};
+// clang-format on
+INSTANTIATE_TEST_SUITE_P(Formats, VRequestImageTest, testing::ValuesIn(kFormatCases), test::CaseName());
+INSTANTIATE_TEST_SUITE_P(Planes, VRequestImageTest, testing::ValuesIn(kPlaneCases), test::CaseName());
+
+TEST(VRequestImageTest, LivesWithoutArrays) {
+  const test::LocalFrame localFrame;
+  test::LogCapture log;
+  jobject image = test::newSmallImage();
+  test::setObjectField(image, "mRowStrides", "[I", nullptr);
+  test::setObjectField(image, "mPlaneSizes", "[I", nullptr);
+  EXPECT_EQ("1 2 | 0 0 0 0 | 0 0 0 0 | 0", test::layoutText(convert(image)));
+  EXPECT_EQ("get int array failed, input is null\nget int array failed, input is null\n",
+            withoutNullErrors(test::errorText(log, kTag)));
+}
+
+bool isSameFile(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// How many descriptors of this process lead to the file.
+int descriptorsOf(const struct stat& file) {
+  int count = 0;
+  DIR* const folder = opendir("/proc/self/fd");
+  while (const dirent* entry = readdir(folder)) {
+    struct stat status = {};
+    if (entry->d_name[0] != '.' && fstat(std::atoi(entry->d_name), &status) == 0) {
+      count += isSameFile(status, file) ? 1 : 0;
+    }
+  }
+  closedir(folder);
+  return count;
+}
+
+struct stat fileBehind(int fd) {
+  struct stat status = {};
+  EXPECT_EQ(0, fstat(fd, &status));
+  return status;
+}
+
+const native_handle_t& handleOf(jobject hardwareBuffer) {
+  return *AHardwareBuffer_getNativeHandle(AHardwareBuffer_fromHardwareBuffer(env(), hardwareBuffer));
+}
+
+TEST(VRequestImageTest, OwnsADuplicateOfSharedMemory) {
+  const test::LocalFrame localFrame;
+  test::LogCapture log;
+  test::ImageSpec spec;
+  spec.sharedMemory = test::newSharedMemory(4608);
+  spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);  // the shared memory wins
+  jobject image = test::newImage(spec);
+  const int original = test::intField(spec.sharedMemory, "mFd");
+  const struct stat file = fileBehind(original);
+  EXPECT_EQ(1, descriptorsOf(file));
+  {
+    const VRequest request(env(), nullptr, test::javaList({image, image}), test::javaList({image}), nullptr);
+    EXPECT_EQ(4, descriptorsOf(file));
+    for (const AlgoFrameInfo& frame : {request.inputFrames()[1], request.outputFrames()[0]}) {
+      EXPECT_NE(original, frame.fd[0]);
+      EXPECT_TRUE(isSameFile(file, fileBehind(frame.fd[0])));
+      EXPECT_EQ(1, frame.fdCount);
+      EXPECT_EQ(4608, frame.fdSize[0]);
+      EXPECT_EQ(nullptr, frame.nativeHandle);
+    }
+  }
+  EXPECT_EQ(1, descriptorsOf(file));
+  EXPECT_TRUE(isSameFile(file, fileBehind(original)));
+  EXPECT_TRUE(log.contains("useShmem 1"));
+  EXPECT_FALSE(log.contains("useShmem 0"));
+}
+
+TEST(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
+  const test::LocalFrame localFrame;
+  test::LogCapture log;
+  test::ImageSpec spec;
+  spec.strides = {80, 40};
+  spec.planeSizes = {5000};
+  spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);
+  const native_handle_t& handle = handleOf(spec.hardwareBuffer);
+  const struct stat pixels = fileBehind(handle.data[1]);
+  jobject image = test::newImage(spec);
+  {
+    // Beside an image that owns its descriptor.
+    const VRequest request(env(), nullptr, test::javaList({image, test::newSmallImage()}),
+                           test::javaList({test::newSmallImage(), image}), nullptr);
+    EXPECT_EQ(1, descriptorsOf(pixels));
+    for (const AlgoFrameInfo& frame : {request.inputFrames()[0], request.outputFrames()[1]}) {
+      EXPECT_EQ(handle.data[1], frame.fd[0]);
+      EXPECT_EQ(1, frame.fdCount);
+      EXPECT_EQ(5000, frame.fdSize[0]);  // the size, and so the first plane is mended
+      EXPECT_EQ("1 2 | 80 40 0 0 | 3840 1920 0 0 | 5000", test::layoutText(frame));
+      ASSERT_NE(nullptr, frame.nativeHandle);
+      EXPECT_EQ(handle.data[1], frame.nativeHandle->data[0]);
+      EXPECT_EQ(handle.data[0], frame.nativeHandle->data[1]);
+    }
+    EXPECT_NE(request.inputFrames()[0].nativeHandle, request.outputFrames()[1].nativeHandle);
+  }
+  EXPECT_EQ(1, descriptorsOf(pixels));
+  EXPECT_TRUE(isSameFile(pixels, fileBehind(handle.data[1])));
+  EXPECT_TRUE(log.contains("useShmem 0"));
+}
+
+struct HandleCase {
+  const char* name;
+  size_t words;
+  int32_t fd;
+  int32_t first[3];  // of the copy
+  int32_t last;      // word 254 of the copy
+};
+
+class VRequestHandleTest : public testing::TestWithParam<HandleCase> {};
+
+// The words are 1000, 1001, ...
+TEST_P(VRequestHandleTest, CopiesTheHandleAndSwapsItsFirstWords) {
+  const test::LocalFrame localFrame;
+  const HandleCase& c = GetParam();
+  std::vector<int32_t> words;
+  for (size_t i = 0; i < c.words; ++i) words.push_back(static_cast<int32_t>(1000 + i));
+  test::ImageSpec spec;
+  spec.hardwareBuffer = test::newHardwareBuffer(0, words);
+  const VRequest request(env(), nullptr, test::javaList({test::newImage(spec)}), nullptr, nullptr);
+  const AlgoFrameInfo& frame = request.inputFrames()[0];
+  EXPECT_EQ(c.fd, frame.fd[0]);
+  EXPECT_EQ(1, frame.fdCount);
+  ASSERT_NE(nullptr, frame.nativeHandle);
+  EXPECT_EQ(12, frame.nativeHandle->version);
+  EXPECT_EQ(0, frame.nativeHandle->numFds);
+  EXPECT_EQ(static_cast<int32_t>(c.words), frame.nativeHandle->numInts);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(c.first[i], frame.nativeHandle->data[i]) << i;
+  EXPECT_EQ(c.last, frame.nativeHandle->data[254]);
+  EXPECT_EQ(0, frame.nativeHandle->data[255]);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(
+    Words, VRequestHandleTest,
+    testing::Values(HandleCase{"None",     0,   -1,   {0, 0, 0},          0},
+                    HandleCase{"One",      1,   -1,   {0, 1000, 0},       0},
+                    HandleCase{"Two",      2,   1001, {1001, 1000, 0},    0},
+                    HandleCase{"Most",     255, 1001, {1001, 1000, 1002}, 1254},
+                    HandleCase{"TooMany",  256, 1001, {0, 0, 0},          0},
+                    HandleCase{"FarMore",  900, 1001, {0, 0, 0},          0}),
+    test::CaseName());
+// clang-format on
+
+TEST(VRequestImageTest, DoubtsCountsThatMakeNoSense) {
+  const test::LocalFrame localFrame;
+  test::ImageSpec spec;
+  spec.hardwareBuffer = test::newHardwareBuffer(0, {11, 22, 33});
+  auto& handle = const_cast<native_handle_t&>(handleOf(spec.hardwareBuffer));
+  handle.numInts = -3;
+  const VRequest request(env(), nullptr, test::javaList({test::newImage(spec)}), nullptr, nullptr);
+  const AlgoFrameInfo& frame = request.inputFrames()[0];
+  EXPECT_EQ(-1, frame.fd[0]);
+  EXPECT_EQ(-3, frame.nativeHandle->numInts);
+  EXPECT_EQ(0, frame.nativeHandle->data[1]);
+}
+
+TEST(VRequestImageTest, LivesWithoutMemory) {
+  const test::LocalFrame localFrame;
+  test::ImageSpec closed;
+  closed.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);
+  env()->CallVoidMethod(closed.hardwareBuffer,
+                        env()->GetMethodID(env()->GetObjectClass(closed.hardwareBuffer), "close", "()V"));
+  test::expectNoException("close");
+  for (const test::ImageSpec& spec : {test::ImageSpec(), closed}) {
+    test::LogCapture log;
+    const AlgoFrameInfo frame = convert(test::newImage(spec));
+    // The first plane is as large as the memory of 0 bytes.
+    EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 3072 1536 0 0 | 4608 | 48 0 0 0 | 0 0 0 0 0 | 0 0 0 0",
+              test::frameText(frame));
+    EXPECT_EQ(nullptr, frame.nativeHandle);
+    EXPECT_EQ(kNoData, withoutNullErrors(test::errorText(log, kTag)));
+    EXPECT_TRUE(log.contains("useShmem 0"));
+  }
+}
+
+}  // namespace
+}  // namespace orlu
