@@ -118,8 +118,11 @@ void AlgoNativeClient::onPostProcessData(const hidl_vec<uint8_t>& data, const hi
 
 void AlgoNativeClient::onPostProcessDataCommonShot(uint64_t nativeReq) {
   const auto printedReq = static_cast<unsigned long long>(nativeReq);
-  LOGD("%s: E, clientId = %lld, algoContextIndex = %d, nativeReq %llu", __func__,
-       static_cast<long long>(mClientId), mAlgoContextIndex, printedReq);
+  // Java may destroy this client from its callback, so what the last line tells is kept here.
+  const auto clientId = static_cast<long long>(mClientId);
+  const int contextIndex = mAlgoContextIndex;
+  LOGD("%s: E, clientId = %lld, algoContextIndex = %d, nativeReq %llu", __func__, clientId, contextIndex,
+       printedReq);
   bool isFullAsync = false;
   if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, isFullAsync)) return;
   if (isFullAsync) {
@@ -127,8 +130,8 @@ void AlgoNativeClient::onPostProcessDataCommonShot(uint64_t nativeReq) {
   } else {
     AlgoNativeRequestMap::getInstance()->onCallbackReceived(nativeReq);
   }
-  LOGD("%s: X, clientId = %lld, algoContextIndex = %d, nativeReq %llu, isFullAsync %d", __func__,
-       static_cast<long long>(mClientId), mAlgoContextIndex, printedReq, isFullAsync ? 1 : 0);
+  LOGD("%s: X, clientId = %lld, algoContextIndex = %d, nativeReq %llu, isFullAsync %d", __func__, clientId,
+       contextIndex, printedReq, isFullAsync ? 1 : 0);
 }
 
 bool AlgoNativeClient::announceCommonShot(uint64_t nativeReq, const char* function) {

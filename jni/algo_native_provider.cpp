@@ -28,6 +28,7 @@ bool AlgoNativeProvider::initAlgoInterface(AlgoInterfaceCallbacks* table) {
     return false;
   }
   *table = AlgoInterfaceCallbacks();
+  const std::lock_guard<std::mutex> lock(mMutex);
   mEntry = nullptr;
 
   if (mLibrary == nullptr) mLibrary = dlopen(kLibraryName, RTLD_NOW);

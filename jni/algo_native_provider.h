@@ -1,6 +1,8 @@
 // Loads the algorithm interface library, once for the process, and fills in tables of its operations.
 #pragma once
 
+#include <mutex>
+
 #include "algo_interface.h"
 
 namespace orlu {
@@ -17,12 +19,13 @@ public:
   virtual ~AlgoNativeProvider() = default;
 
   // Empties the caller's table and has the library fill it in. False, with the reason logged and the table
-  // left empty, when there is no table, no library or no entry. Not locked: callers come one at a time.
+  // left empty, when there is no table, no library or no entry. From any thread: clients are made on several.
   bool initAlgoInterface(AlgoInterfaceCallbacks* table);
 
 private:
   using Entry = void (*)(AlgoInterfaceCallbacks*);
 
+  std::mutex mMutex;  // guards the two below
   // Null until the library is open. It is never closed: the callables in every client's table, and the
   // library's threads that call back, run its code until the process ends.
   void* mLibrary = nullptr;

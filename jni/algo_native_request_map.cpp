@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "log.h"
 
@@ -91,6 +92,12 @@ void* AlgoNativeRequestMap::getMetadataHandle(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   const AlgoNativeRequest* request = findRequestLocked(nativeReq);
   return request == nullptr ? nullptr : request->metadata;
+}
+
+void* AlgoNativeRequestMap::takeMetadataHandle(uint64_t nativeReq) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  AlgoNativeRequest* const request = findRequestLocked(nativeReq);
+  return request == nullptr ? nullptr : std::exchange(request->metadata, nullptr);
 }
 
 int64_t AlgoNativeRequestMap::getRequestId(uint64_t nativeReq) {

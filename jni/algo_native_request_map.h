@@ -44,7 +44,9 @@ public:
   bool waitForCallback(uint64_t nativeReq);
 
   void* getMetadataHandle(uint64_t nativeReq);  // null when unknown
-  int64_t getRequestId(uint64_t nativeReq);     // -1 when unknown
+  // The same for whoever ends the request and destroys its block: one caller gets it, later ones null.
+  void* takeMetadataHandle(uint64_t nativeReq);
+  int64_t getRequestId(uint64_t nativeReq);  // -1 when unknown
   // False, with `out` untouched, when unknown.
   bool getIsFullAsync(uint64_t nativeReq, bool& out);
   bool getAlgoList(uint64_t nativeReq, std::vector<std::string>& out);

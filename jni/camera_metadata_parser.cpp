@@ -11,7 +11,7 @@ constexpr char kShortLogTag[] = "VASJNI-CameraMetadataParser";
 
 // Local references that the cache holds until the native method returns: its classes, with some to spare for
 // what is looked up through them.
-constexpr jint kLocalReferences = 64;
+constexpr jint kLocalReferences = 96;
 
 }  // namespace
 

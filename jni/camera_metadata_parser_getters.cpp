@@ -30,14 +30,14 @@ jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobjec
   if (mMethodGetMetadata == nullptr || !isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
     return nullptr;
   }
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
+  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
   return askComposition(parameter, name.get(), key);
 }
 
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, jobject parameter,
                                                                  const char* key, jclass valueClass) {
   if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
+  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
   if (mMethodGetMetadata != nullptr && isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
     jobject value = askComposition(parameter, name.get(), key);
     if (value != nullptr) return value;
@@ -49,7 +49,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
 jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject characteristics, const char* key,
                                                                    jclass valueClass) {
   if (mEnv == nullptr || characteristics == nullptr) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
+  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
   return askTyped(characteristics, mClazzCameraCharacteristics, mClazzCharacteristicsKey,
                   mCharacteristicsConstructorKey, mMethodCharacteristicsGet, name.get(), key, valueClass);
 }

@@ -66,6 +66,11 @@ inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }
 
+// NewStringUTF() for bytes that come from elsewhere. What is no UTF-8 becomes '?': a VM may read past the end
+// of a character that is cut short, or end the process. Null, without an exception, when the VM has no
+// memory.
+jstring newString(JNIEnv* env, const char* text);
+
 // IsInstanceOf() that takes a null object or a class that was not found for "no".
 inline bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
   return object != nullptr && clazz != nullptr && env->IsInstanceOf(object, clazz);

@@ -41,6 +41,13 @@ struct StringParameter {
   bool found;
 };
 
+// A new descriptor of the memory, or -1. The platform's function takes the object's class for granted.
+int duplicate(JNIEnv* env, jobject sharedMemory) {
+  ScopedLocalRef<jclass> clazz(env, env->FindClass("android/os/SharedMemory"));
+  clearException(env);
+  return isInstance(env, sharedMemory, clazz.get()) ? ASharedMemory_dupFromJava(env, sharedMemory) : -1;
+}
+
 // The modes of AlgoNativeContext::uninit().
 enum ReleaseMode { kModeUnknownFormat = 0, kModeProcessed = 1, kModeRaw = 2 };
 
@@ -167,8 +174,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
   const std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
   LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
   if (data.empty()) return nullptr;
-  jstring answer = env->NewStringUTF(text.c_str());
-  return clearException(env) ? nullptr : answer;
+  return newString(env, text.c_str());
 }
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
@@ -177,7 +183,7 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
     LOGD("get data failed, input is null, %p", printable(inst));
     return -1;
   }
-  const int fd = ASharedMemory_dupFromJava(env, sharedMemory);
+  const int fd = duplicate(env, sharedMemory);
   const int size = static_cast<int>(ASharedMemory_getSize(fd));
   CameraMetadataParser parser(env);
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();

@@ -33,6 +33,13 @@ int metadataFrame(MetadataUpdater& updater, const VRequest& request) {
   return hdrType == kFiveFrameHdr && inRange ? frameIndex : 0;
 }
 
+// The composition that names a request to end may name any. Only a full-async one is ended so: the thread
+// that waits for another still uses its block, and destroys it.
+bool canBeEnded(uint64_t nativeReq) {
+  bool isFullAsync = false;
+  return AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, isFullAsync) && isFullAsync;
+}
+
 // Ends a request: its results go to Java, its parameter block and its entry in the map are freed.
 void finishRequest(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                    void* metadata, CameraMetadataParser& parser, uint64_t nativeReq) {
@@ -118,12 +125,16 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
 
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   std::vector<std::string> algoList;
-  const bool known = map->getAlgoList(nativeReq, algoList);
+  const bool known = canBeEnded(nativeReq) && map->getAlgoList(nativeReq, algoList);
   if (!known) parser.getStringArray(algoList, kAlgoTypeKey, nullptr, first);
   LOGD("update result algo list: %s, reqId = %lld, nativeReq %llu getAlgoListResult %d",
        printAlgoList(algoList).c_str(), static_cast<long long>(vrequest.requestId()),
        static_cast<unsigned long long>(nativeReq), known ? 1 : 0);
-  finishRequest(client, algoList, vrequest, map->getMetadataHandle(nativeReq), parser, nativeReq);
+  if (known) {
+    finishRequest(client, algoList, vrequest, map->takeMetadataHandle(nativeReq), parser, nativeReq);
+  } else {
+    ResultUpdater(client, algoList, vrequest, nullptr, &parser).updateResult();
+  }
   LOGD("process image update result X");
   return 0;
 }

@@ -90,7 +90,8 @@ int VRequest::initFromEnv(JNIEnv* env) {
     LOGE("mEnv is null");
     return -1;
   }
-  reserveLocalReferences(mEnv, kLocalReferences);
+  mReservedReferences = kLocalReferences;
+  reserveLocalReferences(mEnv, mReservedReferences);
   int result = 0;
   JniMemberWalk<VRequest> walk(mEnv, *this, Table::kRows);
   while (const Table::Row* row = walk.nextMissing()) {
@@ -196,14 +197,19 @@ jobject VRequest::getCaptureResult(jobject composition) {
 int VRequest::getListSize(jobject list) {
   // A size is the beginning of a walk over the list, whose elements stay referenced.
   constexpr jint kReferencesPerElement = 2;
+  // Far more frames than a request has. A list may tell any size; what it tells beyond this is not believed,
+  // because every element costs memory and a call.
+  constexpr jint kMostElements = 1024;
   if (mMethodListSize == nullptr || !isInstance(mEnv, list, mClazzList)) {
     LOGE("get list size failed, input is null");
     return 0;
   }
   const jint size = mEnv->CallIntMethod(list, mMethodListSize);
   if (clearException(mEnv) || size < 0) return 0;
-  reserveLocalReferences(mEnv, kReferencesPerElement * std::min(size, 10'000));
-  return size;
+  const jint count = std::min(size, kMostElements);
+  mReservedReferences += kReferencesPerElement * count;
+  reserveLocalReferences(mEnv, mReservedReferences);
+  return count;
 }
 
 jobject VRequest::getListElement(jobject list, int index) {

@@ -90,6 +90,9 @@ private:
   std::vector<int> mOutputSharedMemoryFlags;
 
   JNIEnv* mEnv = nullptr;
+  // Alive until the call returns. A VM may count a reservation from the beginning of the call, so each one
+  // includes those before it.
+  jint mReservedReferences = 0;
   jclass mClazzList = nullptr;
   jmethodID mMethodGetListElement = nullptr;
   jmethodID mMethodListSize = nullptr;

@@ -14,6 +14,10 @@ readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 # Quiet, and patient while somebody else installs something.
 readonly apt_options=(-qq -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
+# What libFuzzer and coverage take besides.
+readonly fuzz_packages=(clang libclang-rt-14-dev)
+readonly coverage_packages=(gcovr)
+
 # die TEXT...: one line on standard error, and the end.
 die() {
   echo "${0##*/}: $*" >&2

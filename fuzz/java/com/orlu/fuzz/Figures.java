@@ -1,0 +1,25 @@
+package com.orlu.fuzz;
+
+import java.lang.management.ManagementFactory;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import javax.management.JMException;
+import javax.management.ObjectName;
+
+/** What the VM tells of itself. */
+public final class Figures {
+    private static final Pattern GLOBAL_REFERENCES = Pattern.compile("JNI global refs?: (\\d+)");
+
+    private Figures() {
+    }
+
+    /** JNI global references alive, after a garbage collection; -1 when the VM doesn't tell. */
+    public static int globalReferences() throws JMException {
+        System.gc();
+        String text = (String) ManagementFactory.getPlatformMBeanServer().invoke(
+                new ObjectName("com.sun.management:type=DiagnosticCommand"), "threadPrint",
+                new Object[] {new String[0]}, new String[] {String[].class.getName()});
+        Matcher matcher = GLOBAL_REFERENCES.matcher(text);
+        return matcher.find() ? Integer.parseInt(matcher.group(1)) : -1;
+    }
+}

@@ -1,0 +1,103 @@
+package com.orlu.fuzz;
+
+import android.hardware.HardwareBuffer;
+import android.os.SharedMemory;
+import android.system.ErrnoException;
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import java.lang.reflect.Field;
+import java.util.ArrayList;
+import java.util.List;
+
+/** Image descriptors, and the memory behind them until close(). */
+final class HostileImages implements AutoCloseable {
+    private static final List<String> FORMATS = List.of("NV21", "NV12", "YU12", "YV12", "MIPI_RAW10",
+            "MIPI_RAW12", "RAW16", "RAW16_AND_MORE", "RAW_SENSOR", "JPEG", "R8G8B8A8", "NV2", "RAW1");
+    // Numbers that are no open descriptor.
+    private static final List<Integer> BAD_DESCRIPTORS = List.of(-1, Integer.MIN_VALUE, 1 << 20,
+            Integer.MAX_VALUE);
+    private static final int MOST_WORDS = 300;
+
+    private final HostileValues mValues;
+    private final List<SharedMemory> mMemories = new ArrayList<>();
+    private final List<HardwareBuffer> mBuffers = new ArrayList<>();
+
+    HostileImages(HostileValues values) {
+        mValues = values;
+    }
+
+    /** Anything that may stand in a list of images. */
+    Object element() {
+        return mValues.chance(5) ? mValues.anything() : image();
+    }
+
+    VImageIPC image() {
+        VImageIPC image = new VImageIPC();
+        boolean sane = mValues.chance(50);
+        image.mFormat = mValues.chance(85) ? mValues.pick(FORMATS)
+                : mValues.chance(20) ? null : mValues.text();
+        image.mWidth = sane ? 64 : mValues.anInt();
+        image.mHeight = sane ? 48 : mValues.anInt();
+        image.mRowStrides = sane ? new int[] {64, 64} : ints();
+        image.mPlaneSizes = sane ? new int[] {64 * 48, 64 * 24} : ints();
+        int memory = mValues.below(10);
+        if (memory < 5) {
+            image.mImageDataShmem = memory();
+        } else if (memory < 9) {
+            image.mImageDataHwbuff = buffer();
+        }
+        return image;
+    }
+
+    private int[] ints() {
+        if (mValues.chance(10)) {
+            return null;
+        }
+        int[] ints = new int[mValues.length()];
+        for (int i = 0; i < Math.min(ints.length, 8); i++) {
+            ints[i] = mValues.anInt();
+        }
+        return ints;
+    }
+
+    SharedMemory memory() {
+        try {
+            SharedMemory memory = SharedMemory.create("hostile", mValues.chance(70) ? 64 * 72 : 1);
+            if (mValues.chance(10)) {
+                memory.close();
+            } else if (mValues.chance(10)) {
+                memory.close();
+                Field field = SharedMemory.class.getDeclaredField("mFd");
+                field.setAccessible(true);
+                field.setInt(memory, mValues.pick(BAD_DESCRIPTORS));
+            }
+            mMemories.add(memory);
+            return memory;
+        } catch (ErrnoException | ReflectiveOperationException e) {
+            throw new IllegalStateException(e);
+        }
+    }
+
+    private HardwareBuffer buffer() {
+        HardwareBuffer buffer;
+        if (mValues.chance(40)) {
+            buffer = HardwareBuffer.create(64, 48, HardwareBuffer.YCBCR_420_888, 1, 0x33);
+        } else {
+            int[] words = new int[mValues.chance(50) ? mValues.below(4) : mValues.below(MOST_WORDS)];
+            for (int i = 0; i < words.length; i++) {
+                words[i] = mValues.pick(BAD_DESCRIPTORS);
+            }
+            buffer = HardwareBuffer.fromHandle(64, 48, 0x23, mValues.below(words.length + 1), words);
+        }
+        if (mValues.chance(10)) {
+            buffer.close();
+        }
+        mBuffers.add(buffer);
+        return buffer;
+    }
+
+    @Override
+    public void close() {
+        mMemories.forEach(SharedMemory::close);
+        mBuffers.forEach(HardwareBuffer::close);
+    }
+}

@@ -1,0 +1,197 @@
+package com.orlu.fuzz;
+
+import android.hardware.camera2.CaptureResult;
+import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Random;
+import java.util.function.IntFunction;
+
+/** The arguments of every native method, made from one seed. */
+public final class HostileRequest implements AutoCloseable {
+    private static final List<String> ALGORITHMS = List.of("night", "hdr", "superns", "supernsll", "llhdr",
+            "flip", "upscale", "jpegEncode", "frameClarOnly", "lightstream", "ppt", "gra", "beauty",
+            "jpegBokehOnly", "engineDualbokeh", "dualBokeh", "dualbokehMultiFrame", "refocusJpegPack",
+            "pixelshift", "rawhdr", "superstar", "zoom", "rawenhance", "dualexpo", "bestMoment",
+            "singleBokeh", "eis", "nightPortrait", "engineDistortion");
+    private static final List<String> PARAMETERS = List.of("algoContextIndex", "clientId", "imageFormat",
+            "AbortKey", "AbortVal", "cmd", "identifier", "nativeRequestAddr");
+    private static final List<String> TYPES = List.of("capture", "previewProcess", "previewProcessMore",
+            "stopProcess", "stop", "");
+    private static final List<Integer> FRAMES = List.of(0, 1, 1, 1, 2, 2, 3, 3, 5, 7, 9, 10, 17, 51, 300);
+
+    // What the native side takes, as objects of no class in particular.
+    public final Object request;
+    public final Object inputs;
+    public final Object outputs;
+    public final Object compositions;
+    public final Object parameter;
+    public final Object sharedMemory;
+
+    private static final int PDAF_BYTES = 2080;
+    private static final int PDAF_COUNT = 16;
+    private static final int PDAF_TYPE = 2076;
+
+    private final HostileValues mValues;
+    private final HostileImages mImages;
+    private final int mDensity; // of 100 tags
+    private final int mRightness; // of 100 values
+    private final int mBracketing; // the night frame, 9 for the first three, -1 for none
+
+    /** {@code mode}: 0 synchronous, 1 full-async, 2 and 3 the same and marked as needing no algorithms. */
+    public HostileRequest(long seed, int mode, long address) {
+        mValues = new HostileValues(new Random(seed));
+        mImages = new HostileImages(mValues);
+        mDensity = mValues.pick(List.of(0, 5, 30, 95));
+        mRightness = mValues.pick(List.of(50, 90, 100));
+        mBracketing = mValues.chance(50) ? mValues.pick(List.of(0, 4, 6, 9)) : -1;
+        int frames = mValues.pick(FRAMES);
+        List<Object> frameList = elements(frames, i -> frame(mode, i, address));
+        request = swapped(new VRequest(mValues.aLong(), mValues.chance(90) ? mValues.pick(TYPES)
+                : mValues.chance(30) ? null : mValues.text()));
+        int images = mValues.chance(70) ? frames : mValues.below(9);
+        inputs = swapped(list(elements(images, i -> mImages.element())));
+        outputs = swapped(list(elements(mValues.below(4), i -> mImages.element())));
+        compositions = swapped(list(frameList));
+        parameter = swapped(parameter());
+        sharedMemory = mValues.chance(50) ? mImages.memory() : mValues.anything();
+    }
+
+    /** A request with nothing wrong, to end the one behind {@code address}. */
+    public static HostileRequest friendly(long address) {
+        return new HostileRequest(address);
+    }
+
+    private HostileRequest(long address) {
+        mValues = new HostileValues(new Random(0));
+        mImages = new HostileImages(mValues);
+        mDensity = 0;
+        mRightness = 100;
+        mBracketing = -1;
+        CaptureResultComposition composition = new CaptureResultComposition();
+        composition.putMetadata("nativeRequestAddr", address);
+        request = new VRequest(1, "capture");
+        inputs = List.of();
+        outputs = List.of();
+        compositions = List.of(composition);
+        parameter = composition;
+        sharedMemory = null;
+    }
+
+    private static List<Object> elements(int count, IntFunction<Object> maker) {
+        List<Object> elements = new ArrayList<>();
+        for (int i = 0; i < count; i++) {
+            elements.add(maker.apply(i));
+        }
+        return elements;
+    }
+
+    private Object swapped(Object argument) {
+        return mValues.chance(3) ? mValues.anything() : argument;
+    }
+
+    private Object list(List<Object> elements) {
+        if (mValues.chance(80)) {
+            return elements;
+        }
+        return new HostileList(elements, mValues.pick(List.of(HostileList.Mood.values())),
+                mValues.chance(50) ? mValues.anInt() : mValues.below(400));
+    }
+
+    private Object frame(int mode, int index, long address) {
+        if (mValues.chance(2)) {
+            return mValues.anything();
+        }
+        CaptureResultComposition composition = composition(index < 20 ? mDensity : 2);
+        putPlausible(composition, index);
+        if (index == 0) {
+            composition.putMetadata("orlu.control.algoType", algorithms());
+            composition.putMetadata("isFullAsync", mode % 2 == 1 ? 1
+                    : mValues.chance(50) ? 0 : mValues.text());
+            composition.putMetadata("nativeRequestAddr", address);
+            if (mode >= 2) {
+                composition.putMetadata("orlu.control.image.score", new double[] {1_000_000.0});
+            }
+        }
+        if (mValues.chance(3)) {
+            composition.throwOn(mValues.chance(50), mValues.chance(50));
+        }
+        return composition;
+    }
+
+    /** What random values seldom are: a bracketing of HDR and night frames, and phase-detection data. */
+    private void putPlausible(CaptureResultComposition composition, int index) {
+        if (mBracketing >= 0) {
+            boolean isNight = mBracketing == 9 ? index < 3 : index == mBracketing;
+            composition.putMetadata("orlu.control.currentModeEx", isNight ? 8L
+                    : mValues.chance(99) ? 2L : 0L);
+        }
+        if (index == 0 && mValues.chance(20)) {
+            ByteBuffer pdaf = ByteBuffer.allocate(PDAF_BYTES).order(ByteOrder.LITTLE_ENDIAN);
+            pdaf.putInt(PDAF_COUNT, mValues.anInt()).putInt(PDAF_TYPE, mValues.below(6));
+            composition.putMetadata("orlu.feedback.sensor_pdaf_info", pdaf.array());
+        }
+    }
+
+    private CaptureResultComposition composition(int density) {
+        CameraMetadataNative metadata = new CameraMetadataNative();
+        CaptureResultComposition composition = new CaptureResultComposition(metadata);
+        for (String tag : TagTable.names()) {
+            if (!mValues.chance(density)) {
+                continue;
+            }
+            TagType type = TagTable.typeOf(tag);
+            if (mValues.chance(50)) {
+                metadata.set(tag, mValues.valueOf(type));
+            } else {
+                composition.putMetadata(tag, !mValues.chance(mRightness) ? mValues.anything()
+                        : mValues.chance(50) ? mValues.boxed(type) : mValues.valueOf(type));
+            }
+        }
+        int source = mValues.below(20);
+        if (source == 0) {
+            composition.assembleFrom(() -> new HostileCaptureResult(metadata, mValues));
+        } else if (source == 1) {
+            composition.assembleFrom(() -> {
+                throw new IllegalStateException("assemble");
+            });
+        } else if (source == 2) {
+            composition.assembleFrom(() -> mValues.chance(50) ? null : new CaptureResult(null));
+        }
+        return composition;
+    }
+
+    private Object algorithms() {
+        if (mValues.chance(3)) {
+            return mValues.anything();
+        }
+        String[] names = new String[mValues.chance(95) ? mValues.below(6) : mValues.below(2000)];
+        for (int i = 0; i < names.length; i++) {
+            names[i] = mValues.chance(90) ? mValues.pick(ALGORITHMS)
+                    : mValues.chance(20) ? null : mValues.text();
+        }
+        return names;
+    }
+
+    private CaptureResultComposition parameter() {
+        CaptureResultComposition parameter = new CaptureResultComposition();
+        for (String key : PARAMETERS) {
+            if (mValues.chance(70)) {
+                parameter.putMetadata(key, mValues.chance(50) ? mValues.anything()
+                        : mValues.chance(50) ? mValues.text() : (Object) mValues.aLong());
+            }
+        }
+        return parameter;
+    }
+
+    @Override
+    public void close() {
+        mImages.close();
+    }
+}

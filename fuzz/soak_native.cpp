@@ -1,0 +1,117 @@
+// The same mix as the soak without a Java VM, for ThreadSanitizer: --requests N. Clients come and go
+// meanwhile.
+
+#include <android/log.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "algo.h"
+#include "algo_native_client.h"
+#include "algo_native_request_map.h"
+#include "parameter_sections.h"
+#include "soak_watch.h"
+#include "stand_in_script.h"
+
+namespace orlu::fuzz {
+namespace {
+
+constexpr int kThreads = 4;
+constexpr uint64_t kRequestsOfAClient = 100;
+constexpr int64_t kFrameFlag = 77;
+
+class NativeClient {
+public:
+  NativeClient() : mClient(nullptr, 1, 2) { mClient.context().init(); }
+  NativeClient(const NativeClient&) = delete;
+  ~NativeClient() {
+    mClient.context().flush();
+    mClient.context().uninit(0);
+  }
+
+  void send(uint64_t index) {
+    AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
+    const uint64_t kind = index % 20;
+    const bool isFullAsync = kind >= 11 && kind < 18;
+    void* const block = mClient.context().createMetadata();
+    write(block, "frame_flag", kFrameFlag);
+    const uint64_t request = map->create(static_cast<int64_t>(index), block, isFullAsync);
+    map->setAlgoList(request, {"night", "jpegEncode"});
+    if (kind < 18) submit(request, block);
+    if (kind >= 16 && kind < 18) abort();
+    if (kind >= 18) mClient.onPostProcessDataCommonShot(request);
+    // No Java is told of a full-async one: it is ended when the library is done with it.
+    if (isFullAsync) mClient.context().flush();
+    if (!isFullAsync) map->waitForCallback(request);
+    end(request);
+  }
+
+private:
+  void submit(uint64_t request, void* block) {
+    mClient.context().process(kRequestCapture, {"night"}, request, {AlgoFrameInfo()}, {AlgoFrameInfo()},
+                              block, mClient.callbackCookie(), request, {1, 2, 3});
+  }
+
+  void end(uint64_t request) {
+    AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
+    std::vector<std::string> list;
+    map->getAlgoList(request, list);
+    void* const block = map->takeMetadataHandle(request);
+    int64_t value = 0;
+    mClient.context().getValue(block, kControl, "frame_flag", &value, sizeof value);
+    mClient.context().destroyMetadata(block);
+    if (!map->remove(request) || value != kFrameFlag) std::abort();
+  }
+
+  void abort() {
+    void* const block = mClient.context().createMetadata();
+    write(block, "abort_val", kFrameFlag);
+    mClient.context().abort(0, 0, block);
+    mClient.context().destroyMetadata(block);
+  }
+
+  void write(void* block, const char* key, int64_t value) {
+    mClient.context().setValue(block, kControl, key, &value, sizeof value);
+  }
+
+  AlgoNativeClient mClient;
+};
+
+void soakOn(SoakWatch& watch) {
+  bool isMore = true;
+  while (isMore) {
+    NativeClient client;
+    for (uint64_t i = 0; i < kRequestsOfAClient && (isMore = watch.next()); ++i) {
+      client.send(i);
+      watch.done();
+    }
+  }
+}
+
+int soak(uint64_t requests) {
+  // The first clients of all are made at the same moment, before anything else has opened the library.
+  SoakWatch watch(requests);
+  const uint64_t firstId = nextRequestId();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) threads.emplace_back(soakOn, std::ref(watch));
+  watch.watch();
+  for (std::thread& thread : threads) thread.join();
+  const standin::AlgoCounts counts = test::Algo::counts();
+  const int entries = entriesBetween(firstId, nextRequestId());
+  std::printf("left: clients %d, parameter blocks %d, camera blocks %d, requests %d, entries of the map %d\n",
+              counts.clients, counts.parameterBlocks, counts.cameraBlocks, counts.pendingRequests, entries);
+  const int left =
+      counts.clients + counts.parameterBlocks + counts.cameraBlocks + counts.pendingRequests + entries;
+  return left == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace orlu::fuzz
+
+int main(int argc, char** argv) {
+  uint64_t requests = 200'000;
+  if (argc == 3 && std::strcmp(argv[1], "--requests") == 0) requests = std::strtoull(argv[2], nullptr, 10);
+  __android_log_set_logger([](const __android_log_message*) {});
+  return orlu::fuzz::soak(requests);
+}

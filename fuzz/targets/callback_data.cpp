@@ -1,0 +1,21 @@
+// A callback of any bytes, at a client that knows no Java. Two requests with the ids 0 and 1 are in the map.
+
+#include "algo_native_client.h"
+#include "algo_native_request_map.h"
+#include "target.h"
+
+using android::hardware::hidl_handle;
+using android::hardware::hidl_vec;
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static auto* const client = [] {
+    orlu::fuzz::silenceLog();
+    orlu::AlgoNativeRequestMap::getInstance()->create(7, nullptr, false);
+    orlu::AlgoNativeRequestMap::getInstance()->create(8, nullptr, true);
+    return new orlu::AlgoNativeClient(nullptr, 1, 2);
+  }();
+  // A copy of just this size, so that a read past its end is seen.
+  const hidl_vec<uint8_t> bytes(std::vector<uint8_t>(data, data + size));
+  client->onPostProcessData(bytes, {}, hidl_vec<hidl_handle>(std::vector<hidl_handle>(size % 3)));
+  return 0;
+}

@@ -1,0 +1,46 @@
+// The payload of a light-stream callback, whole and cut, in a Java environment where any call may fail.
+
+#include "algo_native_client.h"
+#include "fake_jni.h"
+#include "target.h"
+
+using android::hardware::hidl_handle;
+using android::hardware::hidl_vec;
+using orlu::fuzz::FakeJni;
+using orlu::fuzz::Input;
+using orlu::fuzz::require;
+
+namespace {
+
+constexpr size_t kCallChoices = 96;
+
+struct Handle {
+  native_handle_t head;
+  int words[2];
+};
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static auto* const fake = new FakeJni();
+  static auto* const client = [] {
+    orlu::fuzz::silenceLog();
+    auto* const made = new orlu::AlgoNativeClient(fake->env(), 1, 2);
+    require(fake->globalReferences() == 1);
+    return made;
+  }();
+  Input input(data, size);
+  Handle handle = {};
+  handle.head.numFds = input.byte() % 4 - 1;
+  handle.head.numInts = input.byte() % 4 - 1;
+  const hidl_handle borrowed(input.byte() % 2 == 0 ? nullptr : &handle.head);
+  const std::string choices = input.text(input.byte() % kCallChoices);
+  const std::vector<uint8_t> payload(input.rest(), input.rest() + input.left());
+
+  fake->setChoices(reinterpret_cast<const uint8_t*>(choices.data()), choices.size());
+  const size_t references = fake->localReferences();
+  client->onPostProcessDataLightStream(payload.data(), static_cast<int>(payload.size()),
+                                       hidl_vec<hidl_handle>(std::vector<hidl_handle>{borrowed}));
+  require(fake->localReferences() == references);
+  return 0;
+}
