@@ -1,0 +1,14 @@
+// One benchmark: requests and their floors in turn.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include "request_runner.h"
+
+namespace orlu::bench {
+
+// Runs until the VM has compiled what it wants to, notes the JNI calls, and measures. Sets the counters
+// request_us, floor_us and ratio, medians all of them.
+void measure(benchmark::State& state, RequestRunner& runner, int warmUp);
+
+}  // namespace orlu::bench

@@ -1,0 +1,88 @@
+// From the beginning of the callback to the return of processImage(), over a bare mutex and condition
+// variable between the same two threads.
+
+#include "answering_algo.h"
+#include "benches.h"
+#include "kinds.h"
+#include "measured.h"
+#include "vm.h"
+#include "worker.h"
+
+namespace orlu::bench {
+namespace {
+
+Worker* gWorker = nullptr;
+
+// In the life of this object requests are answered by the worker.
+class AnsweredByWorker {
+public:
+  AnsweredByWorker() {
+    gWorker = &mWorker;
+    setProcessHandler([](const AlgoProcessRecord& record) {
+      gWorker->post([cookie = record.callbackCookie, id = record.nativeReq] { callBack(cookie, id); });
+    });
+  }
+  AnsweredByWorker(const AnsweredByWorker&) = delete;
+  AnsweredByWorker& operator=(const AnsweredByWorker&) = delete;
+  ~AnsweredByWorker() { setProcessHandler(nullptr); }
+
+  Worker& worker() { return mWorker; }
+
+private:
+  Worker mWorker;
+};
+
+// From the answer to the end of the bare wait for it.
+double bareWakeup(Worker& worker) {
+  std::mutex mutex;
+  std::condition_variable condition;
+  bool answered = false;
+  worker.post([&] {
+    const std::lock_guard<std::mutex> lock(mutex);
+    answered = true;
+    condition.notify_all();
+  });
+  std::unique_lock<std::mutex> lock(mutex);
+  condition.wait(lock, [&] { return answered; });
+  return Seconds(Clock::now() - worker.answered()).count();
+}
+
+double requestWakeup(Worker& worker, RequestRunner& runner) {
+  runner.run();
+  return Seconds(runner.returned() - worker.answered()).count();
+}
+
+void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
+  Shot shot(plan);
+  RequestRunner runner(shot);
+  runner.record();
+  AnsweredByWorker answered;
+  for (int i = 0; i < warmUp; ++i) runner.run();
+  std::vector<double> requests;
+  std::vector<double> floors;
+  for (auto _ : state) {
+    requests.push_back(requestWakeup(answered.worker(), runner));
+    floors.push_back(bareWakeup(answered.worker()) + runner.replayTail().count());
+    state.SetIterationTime(requests.back());
+  }
+  state.counters["request_us"] = median(requests) * 1e6;
+  state.counters["floor_us"] = median(floors) * 1e6;
+  state.counters["ratio"] = median(requests) / median(floors);
+}
+
+}  // namespace
+
+void registerWakeupBenches(const BenchSize& size) {
+  // A request without frames and compositions has no results to write: all that is left is the wake-up.
+  ShotPlan bare;
+  bare.frames = 0;
+  const auto add = [&size](const std::string& name, const ShotPlan& plan) {
+    benchmark::RegisterBenchmark(("wakeup/" + name).c_str(), wakeupBench, plan, size.warmUp() / 2)
+        ->UseManualTime()
+        ->Iterations(size.requests());
+  };
+  add("no_results", bare);
+  for (const Kind& kind : kinds()) add(kind.name, kind.plan);
+}
+
+}  // namespace orlu::bench
