@@ -30,6 +30,8 @@ void registerGrowthBenches(const BenchSize& size) {
     ShotPlan plan = night;
     plan.frames = frames;
     add("frames", frames, plan, size);
+    plan.hardwareBuffers = false;
+    add("shared_frames", frames, plan, size);
   }
   const ShotPlan capture = kinds()[0].plan;
   for (const int tags : {0, 50, 100, 150, 200, 250, 300, 350, 400}) {

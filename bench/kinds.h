@@ -19,7 +19,6 @@ inline std::vector<Kind> kinds() {
   all[1].plan.sample = "night.json";
   all[1].plan.frames = 7;
   all[1].plan.algorithms = {"night", "jpegEncode"};
-  all[1].plan.hardwareBuffers = false;
   all[2].name = "two_camera";
   all[2].plan.sample = "bokeh-interleaved.json";
   all[2].plan.frames = 12;
@@ -29,7 +28,6 @@ inline std::vector<Kind> kinds() {
   all[3].plan.frames = 50;
   all[3].plan.algorithms = {"frameClarOnly"};
   all[3].plan.outputFormat = "NV21";
-  all[3].plan.hardwareBuffers = false;
   return all;
 }
 

@@ -14,15 +14,6 @@ namespace {
 
 using test::env;
 
-// The references of one native call, which end with it as those of a call out of Java do.
-class NativeFrame {
-public:
-  NativeFrame() { env()->PushLocalFrame(16); }
-  NativeFrame(const NativeFrame&) = delete;
-  NativeFrame& operator=(const NativeFrame&) = delete;
-  ~NativeFrame() { env()->PopLocalFrame(nullptr); }
-};
-
 LogLines gLines;
 
 void countLine(const __android_log_message* message) {
@@ -91,15 +82,6 @@ Seconds RequestRunner::call(Native native) {
   native(env(), mClient, mShot.request(), mShot.inputs(), mShot.outputs(), mShot.compositions());
   mReturned = Clock::now();
   return mReturned - begin;
-}
-
-Seconds RequestRunner::replayTail() {
-  mShot.refresh();
-  const NativeFrame frame;
-  mFirst.replay(env(), 0, mHandedOver);
-  const auto begin = Clock::now();
-  mFirst.replay(env(), mHandedOver, mFirst.size());
-  return Clock::now() - begin;
 }
 
 Seconds RequestRunner::call(JniRecording& recording) {

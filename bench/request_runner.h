@@ -10,6 +10,15 @@
 
 namespace orlu::bench {
 
+// The references of one native call, which end with it as those of a call out of Java do.
+class NativeFrame {
+public:
+  NativeFrame() { test::env()->PushLocalFrame(16); }
+  NativeFrame(const NativeFrame&) = delete;
+  NativeFrame& operator=(const NativeFrame&) = delete;
+  ~NativeFrame() { test::env()->PopLocalFrame(nullptr); }
+};
+
 // The lines that a request writes while all are asked for.
 struct LogLines {
   int debug = 0;
@@ -32,11 +41,21 @@ public:
   void record();
   Seconds replay();
 
+  const ShotPlan& plan() const { return mShot.plan(); }
   const JniRecording& first() const { return mFirst; }
   const JniRecording& second() const { return mSecond; }  // of a full-async request
-  // The calls behind the hand-over to the algorithms, after all before them.
-  Seconds replayTail();
-  // When the last call of the library returned.
+  // The same with a call of `handOver` in the place where the request goes to the algorithms. Synchronous
+  // only.
+  template <typename HandOver>
+  void replay(HandOver&& handOver) {
+    mShot.refresh();
+    const NativeFrame frame;
+    mFirst.replay(test::env(), 0, mHandedOver);
+    handOver();
+    mFirst.replay(test::env(), mHandedOver, mFirst.size());
+    mReturned = Clock::now();
+  }
+  // When the last call of the library, or the last replay of it, ended.
   Clock::time_point returned() const { return mReturned; }
 
   HeapUse heap();

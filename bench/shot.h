@@ -22,6 +22,8 @@ struct ShotPlan {
   bool withTags = true;         // without: every tag is absent
   bool isFullAsync = false;
   int tagNum = -1;  // instead of the sample's: so many tags in each frame's report
+
+  int images() const { return frames * inputsPerFrame + 1; }
 };
 
 class Shot {

@@ -32,8 +32,8 @@ private:
   Worker mWorker;
 };
 
-// From the answer to the end of the bare wait for it.
-double bareWakeup(Worker& worker) {
+// Asks the worker, and waits for the answer with nothing around it.
+void waitBare(Worker& worker) {
   std::mutex mutex;
   std::condition_variable condition;
   bool answered = false;
@@ -44,11 +44,9 @@ double bareWakeup(Worker& worker) {
   });
   std::unique_lock<std::mutex> lock(mutex);
   condition.wait(lock, [&] { return answered; });
-  return Seconds(Clock::now() - worker.answered()).count();
 }
 
-double requestWakeup(Worker& worker, RequestRunner& runner) {
-  runner.run();
+double sinceAnswer(const Worker& worker, const RequestRunner& runner) {
   return Seconds(runner.returned() - worker.answered()).count();
 }
 
@@ -57,12 +55,23 @@ void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
   RequestRunner runner(shot);
   runner.record();
   AnsweredByWorker answered;
-  for (int i = 0; i < warmUp; ++i) runner.run();
+  const auto request = [&] {
+    runner.run();
+    return sinceAnswer(answered.worker(), runner);
+  };
+  const auto floor = [&] {
+    runner.replay([&] { waitBare(answered.worker()); });
+    return sinceAnswer(answered.worker(), runner);
+  };
+  for (int i = 0; i < warmUp; ++i) request(), floor();
   std::vector<double> requests;
   std::vector<double> floors;
+  bool floorFirst = false;
   for (auto _ : state) {
-    requests.push_back(requestWakeup(answered.worker(), runner));
-    floors.push_back(bareWakeup(answered.worker()) + runner.replayTail().count());
+    if (floorFirst) floors.push_back(floor());
+    requests.push_back(request());
+    if (!floorFirst) floors.push_back(floor());
+    floorFirst = !floorFirst;
     state.SetIterationTime(requests.back());
   }
   state.counters["request_us"] = median(requests) * 1e6;
