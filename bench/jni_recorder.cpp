@@ -72,6 +72,8 @@ constexpr bool kIsId = std::is_same_v<T, jmethodID> || std::is_same_v<T, jfieldI
 template <typename T>
 constexpr bool kIsMemory = std::is_pointer_v<T> && !kIsObject<T> && !kIsId<T>;
 
+constexpr size_t kNoRegion = ~size_t{0};
+
 // An argument out of what was recorded.
 template <typename T>
 T argument(void** slots, const RecordedValue& value) {
@@ -162,7 +164,7 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // The bytes that a region is set from; 0 for every other function.
+    // The bytes that a region is set from, perhaps none; kNoRegion for every other function.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -172,7 +174,7 @@ struct RecorderFunctions {
           return static_cast<size_t>(std::get<2>(all)) * sizeof(*std::declval<Last>());
         }
       }
-      return 0;
+      return kNoRegion;
     }
 
     template <typename T>
@@ -186,7 +188,8 @@ struct RecorderFunctions {
       } else if constexpr (std::is_same_v<T, const char*>) {
         value.slot = recorder.textSlot(argument);
       } else if constexpr (kIsMemory<T>) {
-        value.slot = size > 0 ? recorder.mRecording.addBytes(argument, size) : recorder.slotOf(argument);
+        value.slot =
+            size != kNoRegion ? recorder.mRecording.addBytes(argument, size) : recorder.slotOf(argument);
         if (value.slot == kNullSlot && argument != nullptr) cannotRecord(name, "unknown memory");
       } else if constexpr (std::is_floating_point_v<T>) {
         value.real = argument;
