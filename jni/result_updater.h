@@ -43,10 +43,12 @@ private:
   void updateDetections();
 
   // result_updater_frame_selection.cpp
-  int updateFrameClarity();               // -1 without a composition
-  int updateFrameSelectResult();          // -1 when a frame index is out of range
-  int updateSelectBasicFrameIndex();      // -1 when there is no frame to choose
-  std::vector<int64_t> readTimestamps();  // one per capture result, nanoseconds, 0 where it has none
+  int updateFrameClarity();           // -1 without a composition
+  int updateFrameSelectResult();      // -1 when a frame index is out of range
+  int updateSelectBasicFrameIndex();  // -1 when there is no frame to choose
+  // One per capture result, nanoseconds, 0 where it has none. What was found is not asked for again; what is
+  // missing is, and logged, by each step that wants it.
+  const std::vector<int64_t>& readTimestamps();
 
   // result_updater_raw_algo.cpp. All answer 0.
   int updateParamsFromRawAlgo();
@@ -76,6 +78,8 @@ private:
   VRequest& mRequest;
   void* mMetadata;
   CameraMetadataParser* mParser;
+  std::vector<int64_t> mTimestamps;
+  std::vector<bool> mHasTimestamp;
 };
 
 }  // namespace orlu

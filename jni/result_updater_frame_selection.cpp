@@ -28,13 +28,16 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 
 }  // namespace
 
-std::vector<int64_t> ResultUpdater::readTimestamps() {
+const std::vector<int64_t>& ResultUpdater::readTimestamps() {
   const std::vector<jobject>& captureResults = mRequest.captureResults();
-  std::vector<int64_t> timestamps(captureResults.size());
-  for (size_t i = 0; i < timestamps.size(); ++i) {
-    mParser->getLong(timestamps[i], "android.sensor.timestamp", captureResults[i], nullptr);
+  mTimestamps.resize(captureResults.size());
+  mHasTimestamp.resize(captureResults.size());
+  for (size_t i = 0; i < mTimestamps.size(); ++i) {
+    if (mHasTimestamp[i]) continue;
+    mHasTimestamp[i] =
+        mParser->getLong(mTimestamps[i], "android.sensor.timestamp", captureResults[i], nullptr) == 0;
   }
-  return timestamps;
+  return mTimestamps;
 }
 
 int ResultUpdater::updateFrameClarity() {
@@ -60,7 +63,7 @@ int ResultUpdater::updateFrameSelectResult() {
   nothingSelected.fill(-1);
   const auto selections = readValue<Selections>(kFeedback, "frame_select_result", nothingSelected);
   const auto scores = readValue<Scores>(kParameter, "frame_clarity_score");
-  const std::vector<int64_t> timestamps = readTimestamps();
+  const std::vector<int64_t>& timestamps = readTimestamps();
   for (size_t i = 0; i < timestamps.size(); ++i) {
     LOGD("frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d", static_cast<int>(i),
          scoreAt(scores, i), static_cast<long long>(timestamps[i]), selectionAt(selections, i));
@@ -68,6 +71,8 @@ int ResultUpdater::updateFrameSelectResult() {
 
   std::vector<int64_t> kept;
   std::vector<double> thrownScores;
+  kept.reserve(timestamps.size());
+  thrownScores.reserve(timestamps.size());
   for (size_t i = 0; i < timestamps.size(); ++i) {
     const int32_t frame = selectionAt(selections, i);
     if (frame < 0) {
@@ -91,7 +96,7 @@ int ResultUpdater::updateFrameSelectResult() {
 }
 
 int ResultUpdater::updateSelectBasicFrameIndex() {
-  const std::vector<int64_t> timestamps = readTimestamps();
+  const std::vector<int64_t>& timestamps = readTimestamps();
   auto index = readValue<int32_t>(kFeedback, "current_base_frame_idx", -1);
   const auto time = readValue<int64_t>(kControl, "current_base_frame_time");
   if (index < 0) return 0;
