@@ -206,8 +206,9 @@ int VRequest::getListSize(jobject list) {
   return size;
 }
 
+// The list is one that getListSize() answered a size of: it is not asked for its class again.
 jobject VRequest::getListElement(jobject list, int index) {
-  if (mMethodGetListElement == nullptr || !isInstance(mEnv, list, mClazzList)) {
+  if (mMethodGetListElement == nullptr || list == nullptr) {
     LOGE("get list elemet failed, input is null");
     return nullptr;
   }
