@@ -28,6 +28,10 @@ public:
   // it. Answers 0 when all was found, else -1; what was found is of use all the same.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
+  // Checks the class of these two once, for all lookups from them until the next initialisation; either may
+  // be null. They must live as long.
+  void knowFrame(jobject captureResult, jobject composition);
+
   // Lookups. The answer is a new local reference, or null: for an absent value, for a value that could not be
   // asked for, and when `captureResult`, `parameter` or `characteristics` is null or of another class.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
@@ -112,6 +116,7 @@ private:
   using Store = int (CameraMetadataParser::*)(jobject container, const char* key, jobject value);
 
   // camera_metadata_parser_getters.cpp
+  bool isComposition(jobject parameter);
   jobject askComposition(jobject parameter, jstring name, const char* key);
   jobject askTyped(jobject source, jclass sourceClass, jclass keyClass, jmethodID keyConstructor,
                    jmethodID get, jstring name, const char* key, jclass valueClass);
@@ -164,6 +169,8 @@ private:
   friend struct Table;
 
   JNIEnv* mEnv = nullptr;
+  jobject mKnownCaptureResult = nullptr;  // borrowed, and of its class
+  jobject mKnownComposition = nullptr;
 
   jclass mClazzKey = nullptr;
   jmethodID mConstructorKey = nullptr;

@@ -20,6 +20,17 @@ int copyCount(int length, int capacity) {
 
 // ---- Lookups
 
+void CameraMetadataParser::knowFrame(jobject captureResult, jobject composition) {
+  if (mEnv == nullptr) return;
+  mKnownCaptureResult = isInstance(mEnv, captureResult, mClazzCaptureResult) ? captureResult : nullptr;
+  mKnownComposition = isInstance(mEnv, composition, mClazzCaptureResultComposition) ? composition : nullptr;
+}
+
+bool CameraMetadataParser::isComposition(jobject parameter) {
+  if (parameter == nullptr) return false;
+  return parameter == mKnownComposition || isInstance(mEnv, parameter, mClazzCaptureResultComposition);
+}
+
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, const char* key,
                                                                  jclass valueClass) {
   return getMetadataObjectFromCaptureResult(captureResult, nullptr, key, valueClass);
@@ -27,9 +38,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
 
 jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key,
                                                                           jclass /*valueClass*/) {
-  if (mMethodGetMetadata == nullptr || !isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
-    return nullptr;
-  }
+  if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
   ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
   return askComposition(parameter, name.get(), key);
 }
@@ -38,7 +47,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
                                                                  const char* key, jclass valueClass) {
   if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
   ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
-  if (mMethodGetMetadata != nullptr && isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
+  if (mMethodGetMetadata != nullptr && isComposition(parameter)) {
     jobject value = askComposition(parameter, name.get(), key);
     if (value != nullptr) return value;
   }
@@ -64,9 +73,11 @@ jobject CameraMetadataParser::askTyped(jobject source, jclass sourceClass, jclas
                                        jmethodID keyConstructor, jmethodID get, jstring name, const char* key,
                                        jclass valueClass) {
   if (keyClass == nullptr || keyConstructor == nullptr || get == nullptr || valueClass == nullptr ||
-      !isInstance(mEnv, source, sourceClass)) {
+      source == nullptr) {
     return nullptr;
   }
+  const bool isKnown = source == mKnownCaptureResult && sourceClass == mClazzCaptureResult;
+  if (!isKnown && !isInstance(mEnv, source, sourceClass)) return nullptr;
   if (name == nullptr) return cleared(nullptr, key);
   ScopedLocalRef<> typedKey(mEnv, mEnv->NewObject(keyClass, keyConstructor, name, valueClass));
   if (!typedKey) return cleared(nullptr, key);

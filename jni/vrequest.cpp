@@ -84,6 +84,10 @@ jobject VRequest::firstComposition() const {
   return mCaptureResultCompositions.empty() ? nullptr : mCaptureResultCompositions.front();
 }
 
+jobject VRequest::firstCaptureResult() const {
+  return mCaptureResults.empty() ? nullptr : mCaptureResults.front();
+}
+
 int VRequest::initFromEnv(JNIEnv* env) {
   mEnv = env;
   if (mEnv == nullptr) {
