@@ -12,12 +12,41 @@
 #include <string>
 #include <vector>
 
+#include "jni_support.h"
 #include "metadata_records.h"
 
 namespace orlu {
 
 class CameraMetadataParser {
+  // The Java objects that a tag is asked for with, made when they are first needed.
+  struct KeyObjects {
+    explicit KeyObjects(JNIEnv* env) : name(env, nullptr), typed(env, nullptr) {}
+
+    ScopedLocalRef<jstring> name;
+    ScopedLocalRef<> typed;
+    jclass valueClass = nullptr;  // of `typed`
+  };
+
 public:
+  // Keeps the Java objects of a tag for its life, where the tag is read from one frame after the other. Of
+  // several the last one made ends first.
+  class RepeatedTag {
+  public:
+    // `tag` must live as long.
+    RepeatedTag(CameraMetadataParser& parser, const char* tag);
+    RepeatedTag(const RepeatedTag&) = delete;
+    RepeatedTag& operator=(const RepeatedTag&) = delete;
+    ~RepeatedTag() { mParser.mRepeatedTag = mOuter; }
+
+  private:
+    friend class CameraMetadataParser;
+
+    CameraMetadataParser& mParser;
+    const char* mTag;
+    RepeatedTag* mOuter;
+    KeyObjects mObjects;
+  };
+
   // An empty parser; initFromEnv() makes it of use.
   CameraMetadataParser() = default;
   // A parser initialised for a request, with the composition class.
@@ -117,9 +146,10 @@ private:
 
   // camera_metadata_parser_getters.cpp
   bool isComposition(jobject parameter);
+  KeyObjects& keyObjects(const char* key, KeyObjects& fresh);
   jobject askComposition(jobject parameter, jstring name, const char* key);
   jobject askTyped(jobject source, jclass sourceClass, jclass keyClass, jmethodID keyConstructor,
-                   jmethodID get, jstring name, const char* key, jclass valueClass);
+                   jmethodID get, KeyObjects& objects, const char* key, jclass valueClass);
   jobject cleared(jobject value, const char* key);
   // Each takes over the looked-up value, which may be null.
   int unpack(int32_t& out, const char* key, jobject value);
@@ -171,6 +201,7 @@ private:
   JNIEnv* mEnv = nullptr;
   jobject mKnownCaptureResult = nullptr;  // borrowed, and of its class
   jobject mKnownComposition = nullptr;
+  RepeatedTag* mRepeatedTag = nullptr;  // the last one made
 
   jclass mClazzKey = nullptr;
   jmethodID mConstructorKey = nullptr;

@@ -204,8 +204,7 @@ void MetadataUpdater::getMasterFrames() {
 }
 
 uint64_t MetadataUpdater::getCurrentMode(jobject captureResult, jobject composition) {
-  const auto mode =
-      static_cast<uint64_t>(readOr<int64_t>(0, "orlu.control.currentModeEx", {captureResult, composition}));
+  const auto mode = static_cast<uint64_t>(readOr<int64_t>(0, kFrameModeTag, {captureResult, composition}));
   LOGD("currentModeEx: 0x%llx", static_cast<unsigned long long>(mode));
   return mode;
 }

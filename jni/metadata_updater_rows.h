@@ -69,6 +69,7 @@ enum AecElement : size_t {
 };
 static_assert(std::tuple_size_v<Aec> == kAecSize);
 constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
+constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
 
 // The tag of the few lines that are written whatever the log level.

@@ -32,10 +32,11 @@ const std::vector<int64_t>& ResultUpdater::readTimestamps() {
   const std::vector<jobject>& captureResults = mRequest.captureResults();
   mTimestamps.resize(captureResults.size());
   mHasTimestamp.resize(captureResults.size());
+  constexpr char kTag[] = "android.sensor.timestamp";
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kTag);
   for (size_t i = 0; i < mTimestamps.size(); ++i) {
     if (mHasTimestamp[i]) continue;
-    mHasTimestamp[i] =
-        mParser->getLong(mTimestamps[i], "android.sensor.timestamp", captureResults[i], nullptr) == 0;
+    mHasTimestamp[i] = mParser->getLong(mTimestamps[i], kTag, captureResults[i], nullptr) == 0;
   }
   return mTimestamps;
 }
