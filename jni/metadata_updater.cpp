@@ -196,6 +196,8 @@ int MetadataUpdater::masterFrameStep() {
 
 void MetadataUpdater::getMasterFrames() {
   const int step = masterFrameStep();
+  mMasterCaptureResults.reserve(mCaptureResults->size());
+  mMasterCompositions.reserve(mCaptureResults->size());
   for (int i = 0; i < mCaptureResultNum; i += step) {
     const Frame frame = frameAt(i);
     mMasterCaptureResults.push_back(frame.captureResult);
