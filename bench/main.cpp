@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "benches.h"
+#include "kinds.h"
 #include "request_runner.h"
 #include "vm.h"
 
@@ -31,6 +32,13 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
   return size;
 }
 
+// Until the VM has compiled what every request runs.
+void warmUp(const orlu::bench::BenchSize& size) {
+  orlu::bench::Shot shot(orlu::bench::kinds()[1].plan);
+  orlu::bench::RequestRunner runner(shot);
+  for (int i = 0; i < 5 * size.warmUp(); ++i) runner.run();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -45,6 +53,7 @@ int main(int argc, char** argv) {
   orlu::bench::registerFlightBenches(size);
   orlu::bench::registerClientsBenches(size);
   if (size.memoryRequests > 0) orlu::bench::registerMemoryBenches(size);
+  warmUp(size);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
   return 0;

@@ -1,6 +1,8 @@
 // From the beginning of the callback to the return of processImage(), over a bare mutex and condition
 // variable between the same two threads.
 
+#include "algo_native_client.h"
+#include "algo_native_request_map.h"
 #include "answering_algo.h"
 #include "benches.h"
 #include "kinds.h"
@@ -50,19 +52,9 @@ double sinceAnswer(const Worker& worker, const RequestRunner& runner) {
   return Seconds(runner.returned() - worker.answered()).count();
 }
 
-void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
-  Shot shot(plan);
-  RequestRunner runner(shot);
-  runner.record();
-  AnsweredByWorker answered;
-  const auto request = [&] {
-    runner.run();
-    return sinceAnswer(answered.worker(), runner);
-  };
-  const auto floor = [&] {
-    runner.replay([&] { waitBare(answered.worker()); });
-    return sinceAnswer(answered.worker(), runner);
-  };
+// Measures both in turn.
+template <typename Request, typename Floor>
+void compare(benchmark::State& state, Request&& request, Floor&& floor, int warmUp) {
   for (int i = 0; i < warmUp; ++i) request(), floor();
   std::vector<double> requests;
   std::vector<double> floors;
@@ -79,6 +71,43 @@ void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
   state.counters["ratio"] = median(requests) / median(floors);
 }
 
+// The wait alone: from the callback to the end of waitForCallback(), no result written.
+void waitBench(benchmark::State& state, int warmUp) {
+  AnsweredByWorker answered;
+  AlgoNativeClient client(nullptr, 0, 0);
+  AlgoNativeRequestMap& map = *AlgoNativeRequestMap::getInstance();
+  const auto seconds = [&] { return Seconds(Clock::now() - answered.worker().answered()).count(); };
+  const auto request = [&] {
+    const uint64_t id = map.create(1, nullptr, false);
+    answered.worker().post([&client, id] { callBack(client.callbackCookie(), id); });
+    map.waitForCallback(id);
+    const double elapsed = seconds();
+    map.remove(id);
+    return elapsed;
+  };
+  const auto floor = [&] {
+    waitBare(answered.worker());
+    return seconds();
+  };
+  compare(state, request, floor, warmUp);
+}
+
+void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
+  Shot shot(plan);
+  RequestRunner runner(shot);
+  runner.record();
+  AnsweredByWorker answered;
+  const auto request = [&] {
+    runner.run();
+    return sinceAnswer(answered.worker(), runner);
+  };
+  const auto floor = [&] {
+    runner.replay([&] { waitBare(answered.worker()); });
+    return sinceAnswer(answered.worker(), runner);
+  };
+  compare(state, request, floor, warmUp);
+}
+
 }  // namespace
 
 void registerWakeupBenches(const BenchSize& size) {
@@ -90,6 +119,9 @@ void registerWakeupBenches(const BenchSize& size) {
         ->UseManualTime()
         ->Iterations(size.requests());
   };
+  benchmark::RegisterBenchmark("wakeup/wait", waitBench, size.warmUp() / 2)
+      ->UseManualTime()
+      ->Iterations(size.requests());
   add("no_results", bare);
   for (const Kind& kind : kinds()) add(kind.name, kind.plan);
 }
