@@ -76,7 +76,8 @@ MetadataUpdater::MetadataUpdater(AlgoNativeClient* client, std::vector<std::stri
       mParser(parser),
       mCaptureResultNum(static_cast<int>(request.captureResults().size())),
       mCaptureResults(&request.captureResults()),
-      mCaptureResultCompositions(&request.captureResultCompositions()) {}
+      mCaptureResultCompositions(&request.captureResultCompositions()),
+      mFirstFrame(frameAt(0)) {}
 
 MetadataUpdater::~MetadataUpdater() = default;
 
