@@ -1,6 +1,7 @@
 # Flags that every target of ours shares, and the switches of the presets.
 
 option(ORLU_TESTS "Build the tests" ON)
+option(ORLU_BENCH "Build the benchmarks" OFF)
 set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
 
 if(NOT ANDROID)

@@ -123,6 +123,7 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
   record.reqId = reqId;
   record.inputFrames = inputs;
   record.outputFrames = outputs;
+  record.metadata.reserve(2);
   record.metadata.push_back(entryOf(metadata));
 
   void* const raw = createBlock(kCameraMetadataBlock);

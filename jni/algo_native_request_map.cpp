@@ -54,8 +54,12 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   AlgoNativeRequest* const request = findRequestLocked(nativeReq);
   if (request == nullptr) return false;
-  std::lock_guard<std::mutex> requestLock(request->mutex);
-  request->received = true;
+  {
+    std::lock_guard<std::mutex> requestLock(request->mutex);
+    request->received = true;
+  }
+  // Outside the record's mutex: the woken thread takes that first, and would go to sleep on it again. The
+  // record stays until the map's mutex is free.
   request->condition.notify_all();
   LOGD("notify reqId = %lld", static_cast<long long>(request->reqId));
   return true;

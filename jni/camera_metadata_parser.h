@@ -12,12 +12,41 @@
 #include <string>
 #include <vector>
 
+#include "jni_support.h"
 #include "metadata_records.h"
 
 namespace orlu {
 
 class CameraMetadataParser {
+  // The Java objects that a tag is asked for with, made when they are first needed.
+  struct KeyObjects {
+    explicit KeyObjects(JNIEnv* env) : name(env, nullptr), typed(env, nullptr) {}
+
+    ScopedLocalRef<jstring> name;
+    ScopedLocalRef<> typed;
+    jclass valueClass = nullptr;  // of `typed`
+  };
+
 public:
+  // Keeps the Java objects of a tag for its life, where the tag is read from one frame after the other. Of
+  // several the last one made ends first.
+  class RepeatedTag {
+  public:
+    // `tag` must live as long.
+    RepeatedTag(CameraMetadataParser& parser, const char* tag);
+    RepeatedTag(const RepeatedTag&) = delete;
+    RepeatedTag& operator=(const RepeatedTag&) = delete;
+    ~RepeatedTag() { mParser.mRepeatedTag = mOuter; }
+
+  private:
+    friend class CameraMetadataParser;
+
+    CameraMetadataParser& mParser;
+    const char* mTag;
+    RepeatedTag* mOuter;
+    KeyObjects mObjects;
+  };
+
   // An empty parser; initFromEnv() makes it of use.
   CameraMetadataParser() = default;
   // A parser initialised for a request, with the composition class.
@@ -27,6 +56,10 @@ public:
   // logged. `withoutComposition` leaves the composition class out: callback threads may not be able to see
   // it. Answers 0 when all was found, else -1; what was found is of use all the same.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
+
+  // Checks the class of these two once, for all lookups from them until the next initialisation; either may
+  // be null. They must live as long.
+  void knowFrame(jobject captureResult, jobject composition);
 
   // Lookups. The answer is a new local reference, or null: for an absent value, for a value that could not be
   // asked for, and when `captureResult`, `parameter` or `characteristics` is null or of another class.
@@ -112,9 +145,11 @@ private:
   using Store = int (CameraMetadataParser::*)(jobject container, const char* key, jobject value);
 
   // camera_metadata_parser_getters.cpp
+  bool isComposition(jobject parameter);
+  KeyObjects& keyObjects(const char* key, KeyObjects& fresh);
   jobject askComposition(jobject parameter, jstring name, const char* key);
   jobject askTyped(jobject source, jclass sourceClass, jclass keyClass, jmethodID keyConstructor,
-                   jmethodID get, jstring name, const char* key, jclass valueClass);
+                   jmethodID get, KeyObjects& objects, const char* key, jclass valueClass);
   jobject cleared(jobject value, const char* key);
   // Each takes over the looked-up value, which may be null.
   int unpack(int32_t& out, const char* key, jobject value);
@@ -164,6 +199,9 @@ private:
   friend struct Table;
 
   JNIEnv* mEnv = nullptr;
+  jobject mKnownCaptureResult = nullptr;  // borrowed, and of its class
+  jobject mKnownComposition = nullptr;
+  RepeatedTag* mRepeatedTag = nullptr;  // the last one made
 
   jclass mClazzKey = nullptr;
   jmethodID mConstructorKey = nullptr;

@@ -20,6 +20,30 @@ int copyCount(int length, int capacity) {
 
 // ---- Lookups
 
+void CameraMetadataParser::knowFrame(jobject captureResult, jobject composition) {
+  if (mEnv == nullptr) return;
+  mKnownCaptureResult = isInstance(mEnv, captureResult, mClazzCaptureResult) ? captureResult : nullptr;
+  mKnownComposition = isInstance(mEnv, composition, mClazzCaptureResultComposition) ? composition : nullptr;
+}
+
+CameraMetadataParser::RepeatedTag::RepeatedTag(CameraMetadataParser& parser, const char* tag)
+    : mParser(parser), mTag(tag), mOuter(parser.mRepeatedTag), mObjects(parser.mEnv) {
+  parser.mRepeatedTag = this;
+}
+
+// Those that are kept for the key, else `fresh`.
+CameraMetadataParser::KeyObjects& CameraMetadataParser::keyObjects(const char* key, KeyObjects& fresh) {
+  for (RepeatedTag* tag = mRepeatedTag; tag != nullptr; tag = tag->mOuter) {
+    if (std::strcmp(tag->mTag, key) == 0) return tag->mObjects;
+  }
+  return fresh;
+}
+
+bool CameraMetadataParser::isComposition(jobject parameter) {
+  if (parameter == nullptr) return false;
+  return parameter == mKnownComposition || isInstance(mEnv, parameter, mClazzCaptureResultComposition);
+}
+
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, const char* key,
                                                                  jclass valueClass) {
   return getMetadataObjectFromCaptureResult(captureResult, nullptr, key, valueClass);
@@ -27,9 +51,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
 
 jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key,
                                                                           jclass /*valueClass*/) {
-  if (mMethodGetMetadata == nullptr || !isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
-    return nullptr;
-  }
+  if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
   ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
   return askComposition(parameter, name.get(), key);
 }
@@ -37,21 +59,24 @@ jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobjec
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, jobject parameter,
                                                                  const char* key, jclass valueClass) {
   if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
-  if (mMethodGetMetadata != nullptr && isInstance(mEnv, parameter, mClazzCaptureResultComposition)) {
-    jobject value = askComposition(parameter, name.get(), key);
+  KeyObjects fresh(mEnv);
+  KeyObjects& objects = keyObjects(key, fresh);
+  if (!objects.name) objects.name.reset(newString(mEnv, key));
+  if (mMethodGetMetadata != nullptr && isComposition(parameter)) {
+    jobject value = askComposition(parameter, objects.name.get(), key);
     if (value != nullptr) return value;
   }
-  return askTyped(captureResult, mClazzCaptureResult, mClazzKey, mConstructorKey, mMethodGet, name.get(), key,
+  return askTyped(captureResult, mClazzCaptureResult, mClazzKey, mConstructorKey, mMethodGet, objects, key,
                   valueClass);
 }
 
 jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject characteristics, const char* key,
                                                                    jclass valueClass) {
   if (mEnv == nullptr || characteristics == nullptr) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
+  KeyObjects objects(mEnv);
+  objects.name.reset(newString(mEnv, key));
   return askTyped(characteristics, mClazzCameraCharacteristics, mClazzCharacteristicsKey,
-                  mCharacteristicsConstructorKey, mMethodCharacteristicsGet, name.get(), key, valueClass);
+                  mCharacteristicsConstructorKey, mMethodCharacteristicsGet, objects, key, valueClass);
 }
 
 jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, const char* key) {
@@ -61,16 +86,21 @@ jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, co
 
 // Asks a capture result or characteristics with the platform's typed key.
 jobject CameraMetadataParser::askTyped(jobject source, jclass sourceClass, jclass keyClass,
-                                       jmethodID keyConstructor, jmethodID get, jstring name, const char* key,
-                                       jclass valueClass) {
+                                       jmethodID keyConstructor, jmethodID get, KeyObjects& objects,
+                                       const char* key, jclass valueClass) {
   if (keyClass == nullptr || keyConstructor == nullptr || get == nullptr || valueClass == nullptr ||
-      !isInstance(mEnv, source, sourceClass)) {
+      source == nullptr) {
     return nullptr;
   }
-  if (name == nullptr) return cleared(nullptr, key);
-  ScopedLocalRef<> typedKey(mEnv, mEnv->NewObject(keyClass, keyConstructor, name, valueClass));
-  if (!typedKey) return cleared(nullptr, key);
-  return cleared(mEnv->CallObjectMethod(source, get, typedKey.get()), key);
+  const bool isKnown = source == mKnownCaptureResult && sourceClass == mClazzCaptureResult;
+  if (!isKnown && !isInstance(mEnv, source, sourceClass)) return nullptr;
+  if (!objects.name) return cleared(nullptr, key);
+  if (!objects.typed || objects.valueClass != valueClass) {
+    objects.typed.reset(mEnv->NewObject(keyClass, keyConstructor, objects.name.get(), valueClass));
+    objects.valueClass = valueClass;
+  }
+  if (!objects.typed) return cleared(nullptr, key);
+  return cleared(mEnv->CallObjectMethod(source, get, objects.typed.get()), key);
 }
 
 // The value, unless Java threw instead of answering it.

@@ -17,10 +17,7 @@ constexpr auto kIntoHashMap = &CameraMetadataParser::putObjectIntoHashMap;
 
 int CameraMetadataParser::putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key,
                                                                         jobject value) {
-  if (value == nullptr || mMethodPutMetadata == nullptr ||
-      !isInstance(mEnv, composition, mClazzCaptureResultComposition)) {
-    return -1;
-  }
+  if (value == nullptr || mMethodPutMetadata == nullptr || !isComposition(composition)) return -1;
   ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
   if (name) mEnv->CallVoidMethod(composition, mMethodPutMetadata, name.get(), value);
   return clearException(mEnv) ? -1 : 0;

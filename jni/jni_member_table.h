@@ -117,9 +117,10 @@ private:
     mOwner.*row.field = id;
     return id != nullptr;
   }
+  // What was found left no exception: only a lookup that failed does.
   template <typename T>
   T checked(T found) {
-    clearException(mEnv);
+    if (found == nullptr) clearException(mEnv);
     return found;
   }
 

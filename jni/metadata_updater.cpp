@@ -76,7 +76,8 @@ MetadataUpdater::MetadataUpdater(AlgoNativeClient* client, std::vector<std::stri
       mParser(parser),
       mCaptureResultNum(static_cast<int>(request.captureResults().size())),
       mCaptureResults(&request.captureResults()),
-      mCaptureResultCompositions(&request.captureResultCompositions()) {}
+      mCaptureResultCompositions(&request.captureResultCompositions()),
+      mFirstFrame(frameAt(0)) {}
 
 MetadataUpdater::~MetadataUpdater() = default;
 
@@ -196,6 +197,8 @@ int MetadataUpdater::masterFrameStep() {
 
 void MetadataUpdater::getMasterFrames() {
   const int step = masterFrameStep();
+  mMasterCaptureResults.reserve(mCaptureResults->size());
+  mMasterCompositions.reserve(mCaptureResults->size());
   for (int i = 0; i < mCaptureResultNum; i += step) {
     const Frame frame = frameAt(i);
     mMasterCaptureResults.push_back(frame.captureResult);
@@ -204,8 +207,7 @@ void MetadataUpdater::getMasterFrames() {
 }
 
 uint64_t MetadataUpdater::getCurrentMode(jobject captureResult, jobject composition) {
-  const auto mode =
-      static_cast<uint64_t>(readOr<int64_t>(0, "orlu.control.currentModeEx", {captureResult, composition}));
+  const auto mode = static_cast<uint64_t>(readOr<int64_t>(0, kFrameModeTag, {captureResult, composition}));
   LOGD("currentModeEx: 0x%llx", static_cast<unsigned long long>(mode));
   return mode;
 }

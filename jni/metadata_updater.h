@@ -70,7 +70,7 @@ private:
     jobject composition;
   };
 
-  Frame firstFrame() const { return frameAt(0); }
+  Frame firstFrame() const { return mFirstFrame; }
   Frame frameAt(int index) const;  // nothing past the frames: every tag is missing there
   Frame lastFrame() const { return frameAt(mCaptureResultNum - 1); }
   // The composition alone, for the rows that don't ask the capture result.
@@ -262,6 +262,7 @@ private:
   int mCaptureResultNum;
   const std::vector<jobject>* mCaptureResults;
   const std::vector<jobject>* mCaptureResultCompositions;
+  Frame mFirstFrame;
   std::vector<jobject> mMasterCaptureResults;
   std::vector<jobject> mMasterCompositions;
   int32_t mIsRawnrCapture = 0;

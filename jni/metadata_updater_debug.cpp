@@ -54,11 +54,15 @@ MetadataUpdater::FusionFrames MetadataUpdater::fusionFrames() const {
 // Entry 0 of each list is the master frame's, entry 1 the slave's. A frame past the list leaves its entry 0.
 void MetadataUpdater::updateFusionFrames() {
   const FusionFrames frames = fusionFrames();
+  constexpr char kTimestampTag[] = "orlu.feedback.sensor_timestamp";
+  constexpr char kRequestIdTag[] = "orlu.control.reqID";
+  const CameraMetadataParser::RepeatedTag repeatedTimestamp(*mParser, kTimestampTag);
+  const CameraMetadataParser::RepeatedTag repeatedRequestId(*mParser, kRequestIdTag);
   Longs<2> timestamps = {};
   Longs<2> requestIds = {};
   for (int i = 0; i < mCaptureResultNum; ++i) {
-    const auto timestamp = readOr<int64_t>(0, "orlu.feedback.sensor_timestamp", frameAt(i));
-    const auto requestId = readOr<int32_t>(0, "orlu.control.reqID", frameAt(i));
+    const auto timestamp = readOr<int64_t>(0, kTimestampTag, frameAt(i));
+    const auto requestId = readOr<int32_t>(0, kRequestIdTag, frameAt(i));
     for (size_t slot = 0; slot < frames.size(); ++slot) {
       if (i != frames[slot]) continue;
       timestamps[slot] = timestamp;

@@ -54,8 +54,10 @@ std::vector<double> MetadataUpdater::readImageScores() {
 void MetadataUpdater::writeFrameIndices() {
   Ints<kMaxClarityFrames> indices = {};
   const int count = std::min(mCaptureResultNum, kMaxClarityFrames);
+  constexpr char kTag[] = "orlu.control.frameIndex";
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kTag);
   for (int i = 0; i < count; ++i) {
-    read(indices[static_cast<size_t>(i)], "orlu.control.frameIndex", frameAt(i));
+    read(indices[static_cast<size_t>(i)], kTag, frameAt(i));
   }
   write(kControl, "frameclarity_index", indices);
 }

@@ -29,6 +29,7 @@ void MetadataUpdater::updateHdrProcessType() {
 
   int32_t nightIndex = 0;
   HdrProcessType type = kHdrNone;
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kFrameModeTag);
   switch (masterFrameNum()) {
     case 3:
       type = hdrOf3Frames();

@@ -112,6 +112,7 @@ void MetadataUpdater::updateRawHdr() {
   Floats<kHdrSlots> gains = {};
   Floats<kHdrSlots> shutters = {};
   const size_t count = std::min(kHdrSlots, mCaptureResults->size());
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kAecTag);
   for (size_t i = 0; i < count; ++i) {
     const Aec aec = readOr(Aec(), kAecTag, frameAt(static_cast<int>(i)));
     gains[i] = aec[kAecRealGain];

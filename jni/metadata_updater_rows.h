@@ -69,6 +69,7 @@ enum AecElement : size_t {
 };
 static_assert(std::tuple_size_v<Aec> == kAecSize);
 constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
+constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
 
 // The tag of the few lines that are written whatever the log level.
@@ -154,8 +155,8 @@ T MetadataUpdater::readOr(T initial, const char* tag, const Frame& frame) {
 template <typename T>
 void MetadataUpdater::write(const char* section, const char* key, const T& value) {
   static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
-  T copied = value;  // the channel takes a pointer to changeable bytes
-  setValue(section, key, &copied, sizeof copied);
+  // The channel copies the bytes and changes none, though its pointer would let it.
+  setValue(section, key, const_cast<T*>(&value), sizeof value);
 }
 
 // Reads a parameter back; `initial` when it is not set.

@@ -96,6 +96,7 @@ void MetadataUpdater::updateHdrGains() {
   Floats<kHdrSlots> gains = {};
   Floats<kHdrSlots> shutters = {};  // milliseconds
   const int count = std::min(masterFrameNum(), static_cast<int>(kHdrSlots));
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kAecTag);
   for (int i = 0; i < count; ++i) {
     const auto slot = static_cast<size_t>(i);
     const Aec aec = readOr(Aec(), kAecTag, masterFrameAt(mHdrFrameIndex[slot]));

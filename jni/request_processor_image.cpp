@@ -63,6 +63,7 @@ int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, j
   VRequest vrequest(env, request, inputs, outputs, compositions);
   CameraMetadataParser parser(env);
   const jobject first = vrequest.firstComposition();
+  parser.knowFrame(vrequest.firstCaptureResult(), first);
   std::vector<std::string> algoList;
   parser.getStringArray(algoList, kAlgoTypeKey, nullptr, first);
   void* const metadata = client->context().createMetadata();
@@ -119,6 +120,7 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
   VRequest vrequest(env, request, inputs, outputs, compositions);
   CameraMetadataParser parser(env);
   const jobject first = vrequest.firstComposition();
+  parser.knowFrame(vrequest.firstCaptureResult(), first);
   int64_t address = 0;
   parser.getLongOrlu(address, "nativeRequestAddr", first);
   const auto nativeReq = static_cast<uint64_t>(address);

@@ -29,10 +29,12 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 }  // namespace
 
 std::vector<int64_t> ResultUpdater::readTimestamps() {
+  constexpr char kTag[] = "android.sensor.timestamp";
+  const CameraMetadataParser::RepeatedTag repeated(*mParser, kTag);
   const std::vector<jobject>& captureResults = mRequest.captureResults();
   std::vector<int64_t> timestamps(captureResults.size());
   for (size_t i = 0; i < timestamps.size(); ++i) {
-    mParser->getLong(timestamps[i], "android.sensor.timestamp", captureResults[i], nullptr);
+    mParser->getLong(timestamps[i], kTag, captureResults[i], nullptr);
   }
   return timestamps;
 }
@@ -68,6 +70,8 @@ int ResultUpdater::updateFrameSelectResult() {
 
   std::vector<int64_t> kept;
   std::vector<double> thrownScores;
+  kept.reserve(timestamps.size());
+  thrownScores.reserve(timestamps.size());
   for (size_t i = 0; i < timestamps.size(); ++i) {
     const int32_t frame = selectionAt(selections, i);
     if (frame < 0) {

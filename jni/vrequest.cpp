@@ -84,6 +84,10 @@ jobject VRequest::firstComposition() const {
   return mCaptureResultCompositions.empty() ? nullptr : mCaptureResultCompositions.front();
 }
 
+jobject VRequest::firstCaptureResult() const {
+  return mCaptureResults.empty() ? nullptr : mCaptureResults.front();
+}
+
 int VRequest::initFromEnv(JNIEnv* env) {
   mEnv = env;
   if (mEnv == nullptr) {
@@ -212,8 +216,9 @@ int VRequest::getListSize(jobject list) {
   return count;
 }
 
+// The list is one that getListSize() answered a size of: it is not asked for its class again.
 jobject VRequest::getListElement(jobject list, int index) {
-  if (mMethodGetListElement == nullptr || !isInstance(mEnv, list, mClazzList)) {
+  if (mMethodGetListElement == nullptr || list == nullptr) {
     LOGE("get list elemet failed, input is null");
     return nullptr;
   }

@@ -1,0 +1,22 @@
+// The groups of benchmarks. Each registers its own.
+#pragma once
+
+#include <cstdint>
+
+namespace orlu::bench {
+
+struct BenchSize {
+  bool quick = false;          // fewer points and requests
+  int64_t memoryRequests = 0;  // of the memory benchmark
+  int warmUp() const { return quick ? 300 : 2000; }
+  int requests() const { return quick ? 150 : 1000; }
+};
+
+void registerRequestBenches(const BenchSize& size);
+void registerWakeupBenches(const BenchSize& size);
+void registerGrowthBenches(const BenchSize& size);
+void registerFlightBenches(const BenchSize& size);
+void registerClientsBenches(const BenchSize& size);
+void registerMemoryBenches(const BenchSize& size);
+
+}  // namespace orlu::bench

@@ -1,0 +1,78 @@
+// Several clients at once, each on a thread of its own.
+
+#include <atomic>
+#include <thread>
+
+#include "benches.h"
+#include "kinds.h"
+#include "measured.h"
+#include "vm.h"
+
+namespace orlu::bench {
+namespace {
+
+// Lets all threads begin together.
+class StartLine {
+public:
+  explicit StartLine(int threads) : mMissing(threads) {}
+  void wait() {
+    --mMissing;
+    while (mMissing > 0) std::this_thread::yield();
+  }
+
+private:
+  std::atomic<int> mMissing;
+};
+
+void client(const ShotPlan& plan, StartLine& line, int warmUp, int requests, Seconds& latency) {
+  const AttachedThread attached;
+  Shot shot(plan);
+  RequestRunner runner(shot);
+  for (int i = 0; i < warmUp; ++i) runner.run();
+  line.wait();
+  std::vector<double> times;
+  for (int i = 0; i < requests; ++i) times.push_back(runner.run().count());
+  latency = Seconds(median(times));
+}
+
+// One round: every client carries its requests. Answers the time for all of them.
+Seconds together(const ShotPlan& plan, size_t clients, int warmUp, int requests,
+                 std::vector<double>& latencies) {
+  StartLine line(static_cast<int>(clients) + 1);
+  std::vector<Seconds> medians(clients);
+  std::vector<std::thread> threads;
+  for (Seconds& latency : medians) {
+    threads.emplace_back(client, std::cref(plan), std::ref(line), warmUp, requests, std::ref(latency));
+  }
+  line.wait();
+  const auto begin = Clock::now();
+  for (std::thread& thread : threads) thread.join();
+  const Seconds all = Clock::now() - begin;
+  for (const Seconds& latency : medians) latencies.push_back(latency.count());
+  return all;
+}
+
+void clientsBench(benchmark::State& state, const ShotPlan& plan, size_t clients, int warmUp, int requests) {
+  std::vector<double> latencies;
+  std::vector<double> rates;
+  for (auto _ : state) {
+    const Seconds all = together(plan, clients, warmUp, requests, latencies);
+    rates.push_back(static_cast<double>(clients) * requests / all.count());
+    state.SetIterationTime(all.count());
+  }
+  state.counters["request_us"] = median(latencies) * 1e6;
+  state.counters["requests_per_s"] = median(rates);
+}
+
+}  // namespace
+
+void registerClientsBenches(const BenchSize& size) {
+  for (const size_t clients : {1, 2, 3, 4, 6, 8}) {
+    benchmark::RegisterBenchmark(("clients/" + std::to_string(clients)).c_str(), clientsBench,
+                                 kinds()[0].plan, clients, size.warmUp() / 4, size.requests())
+        ->UseManualTime()
+        ->Iterations(size.quick ? 3 : 9);
+  }
+}
+
+}  // namespace orlu::bench

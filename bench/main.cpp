@@ -1,0 +1,60 @@
+// request_bench [--quick] [--memory=REQUESTS] and Google Benchmark's own options.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "benches.h"
+#include "kinds.h"
+#include "request_runner.h"
+#include "vm.h"
+
+namespace {
+
+constexpr char kQuick[] = "--quick";
+constexpr char kMemory[] = "--memory=";
+
+// Takes our own arguments out.
+orlu::bench::BenchSize readSize(int& argc, char** argv) {
+  orlu::bench::BenchSize size;
+  int kept = 1;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], kQuick) == 0) {
+      size.quick = true;
+    } else if (std::strncmp(argv[i], kMemory, sizeof kMemory - 1) == 0) {
+      size.memoryRequests = std::atoll(argv[i] + sizeof kMemory - 1);
+    } else {
+      argv[kept++] = argv[i];
+    }
+  }
+  argc = kept;
+  return size;
+}
+
+// Until the VM has compiled what every request runs.
+void warmUp(const orlu::bench::BenchSize& size) {
+  orlu::bench::Shot shot(orlu::bench::kinds()[1].plan);
+  orlu::bench::RequestRunner runner(shot);
+  for (int i = 0; i < 5 * size.warmUp(); ++i) runner.run();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const orlu::bench::BenchSize size = readSize(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  if (!orlu::bench::startVm()) return 2;
+  orlu::bench::silenceLog();
+  orlu::bench::registerRequestBenches(size);
+  orlu::bench::registerWakeupBenches(size);
+  orlu::bench::registerGrowthBenches(size);
+  orlu::bench::registerFlightBenches(size);
+  orlu::bench::registerClientsBenches(size);
+  if (size.memoryRequests > 0) orlu::bench::registerMemoryBenches(size);
+  warmUp(size);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
