@@ -37,9 +37,7 @@ else()
   # A sanitizer's dlopen() is called from its own library, where the RUNPATH of ours says nothing; a program's
   # RPATH is valid for all that it loads.
   target_link_options(orlu_options INTERFACE LINKER:--disable-new-dtags)
-  target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer
-    # Instrumented standard headers set it off; the builds without sanitizers keep it.
-    -Wno-maybe-uninitialized)
+  target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE})
   if(ORLU_SANITIZE MATCHES undefined)
     target_compile_options(orlu_options INTERFACE -fno-sanitize-recover=undefined)
