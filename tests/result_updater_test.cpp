@@ -325,7 +325,7 @@ const std::string kNoLightStream =
 INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterConditionTest, testing::Values(
     documentCase("DocumentOfOnePixel", 1, 1, "9000"),
     documentCase("DocumentWithoutWidth", 0, 1, "0"),
-    documentCase("DocumentWithoutHeight", 320, -1, "0"),
+    documentCase("DocumentWithoutHeight", 320, 0, "0"),
     ResultCase{"JpegOfSingleBokeh", {"singleBokeh", "jpegEncode"}, "capture", kJpegValues, kEncodedType + kSegment, kEncodedOutput,
                "", "D encoded jpeg size 7777\n"},
     ResultCase{"DualBokehAlone", {"dualBokeh"}, "capture", kJpegValues, kSegment},
