@@ -23,7 +23,10 @@ constexpr char kControl[] = "orlu.algo.control";
 
 class StandInTest : public testing::Test {
 protected:
-  ~StandInTest() override { mContext.destroyMetadata(mBlock); }
+  ~StandInTest() override {
+    EXPECT_TRUE(Algo::waitIdle(60'000));
+    mContext.destroyMetadata(mBlock);
+  }
 
   template <typename T>
   int set(void* block, const char* section, const char* key, T value) {
