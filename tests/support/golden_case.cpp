@@ -17,16 +17,12 @@ std::string restOf(std::istream& in) {
 
 std::vector<std::string> wordsOf(std::istream& in) {
   std::vector<std::string> words;
-  for (std::string word; in >> word;) {
-    words.push_back(word);
-  }
+  for (std::string word; in >> word;) words.push_back(word);
   return words;
 }
 
 void expect(bool condition, const char* what) {
-  if (!condition) {
-    throw std::runtime_error(what);
-  }
+  if (!condition) throw std::runtime_error(what);
 }
 
 // "640x480"
@@ -45,9 +41,7 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   GoldenImage image;
   std::string size;
   in >> image.format >> size;
-  if (image.format == "none") {
-    return;
-  }
+  if (image.format == "none") return;
   parseSize(size, image.width, image.height);
   image.stride = defaultStride(image.format, image.width);
   int times = 1;
@@ -68,9 +62,7 @@ void setTag(std::map<std::string, GoldenValue>& tags, const std::string& tag, co
             int frame) {
   const GoldenValue value = parseGoldenValue(text, frame);
   tags.erase(tag);
-  if (value.type != "none") {
-    tags[tag] = value;
-  }
+  if (value.type != "none") tags[tag] = value;
 }
 
 // "c2 orlu.control.reqID int 5" goes into the composition of frame 2, "* ..." into every capture result.
@@ -100,9 +92,7 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
     size_t count = 0;
     in >> count;
     golden.frames.assign(count, {});
-    for (const std::string& line : golden.tagLines) {
-      addTag(golden.frames, line);
-    }
+    for (const std::string& line : golden.tagLines) addTag(golden.frames, line);
   } else if (word == "algorithms") {
     golden.algorithms = wordsOf(in);
   } else {
@@ -119,9 +109,7 @@ public:
 
   void readFile(const std::string& path, const std::string& shared) {
     std::ifstream in(path);
-    if (!in) {
-      throw std::runtime_error(path + ": can't be read");
-    }
+    if (!in) throw std::runtime_error(path + ": can't be read");
     int number = 0;
     for (std::string line; std::getline(in, line);) {
       ++number;
@@ -137,9 +125,7 @@ private:
   void readLine(const std::string& line, const std::string& shared) {
     std::istringstream in(line);
     std::string word;
-    if (!(in >> word) || word[0] == '#') {
-      return;
-    }
+    if (!(in >> word) || word[0] == '#') return;
     if (word[0] == '[') {
       mSection = word;
     } else if (word == "include") {
@@ -177,28 +163,27 @@ private:
   void readOutput(std::istream& in) {
     int index = 0;
     std::string size;
-    std::string stride;
-    std::string scanline;
-    std::string planes;
+    std::string names[3];
     in >> index >> size;
     GoldenOutput& output = mGolden.changedOutputs[index];
     parseSize(size, output.width, output.height);
-    in >> stride >> output.stride >> scanline >> output.scanline >> planes >> output.planeSizes[0] >>
+    in >> names[0] >> output.stride >> names[1] >> output.scanline >> names[2] >> output.planeSizes[0] >>
         output.planeSizes[1];
-    expect(in && stride == "stride" && scanline == "scanline" && planes == "planes", "not an output");
+    expect(in && names[0] + names[1] + names[2] == "stridescanlineplanes", "not an output");
   }
 
   void readWrite(const std::string& word, std::istream& in) {
     GoldenWrite write;
-    if (word != "~") {
-      write.section = word;
-      in >> write.key;
-      write.value = parseGoldenValue(restOf(in), 0);
+    const bool isReplacing = word == "~";
+    write.section = word;
+    if (isReplacing) in >> write.section;
+    in >> write.key;
+    write.value = parseGoldenValue(restOf(in), 0);
+    if (isReplacing) {
+      replacedValue(write) = write.value;
+    } else {
       mGolden.writes.push_back(write);
-      return;
     }
-    in >> write.section >> write.key;
-    replacedValue(write) = parseGoldenValue(restOf(in), 0);
   }
 
   // The value that stands so far under a section and a key, which "key#2" says which of.
@@ -207,9 +192,7 @@ private:
     const std::string key = write.key.substr(0, hash);
     int left = hash == std::string::npos ? 1 : std::stoi(write.key.substr(hash + 1));
     for (GoldenWrite& candidate : mGolden.writes) {
-      if (candidate.section == write.section && candidate.key == key && --left == 0) {
-        return candidate.value;
-      }
+      if (candidate.section == write.section && candidate.key == key && --left == 0) return candidate.value;
     }
     throw std::runtime_error("nothing to replace");
   }
@@ -217,62 +200,6 @@ private:
   GoldenCase& mGolden;
   std::string mSection;
 };
-
-bool sameWrite(const GoldenWrite& a, const GoldenWrite& b) {
-  return a.section == b.section && a.key == b.key && a.value.sameBytes(b.value);
-}
-
-// lengths[i][j]: the longest common part of expected from i and actual from j on.
-std::vector<std::vector<int>> commonLengths(const std::vector<GoldenWrite>& expected,
-                                            const std::vector<GoldenWrite>& actual) {
-  std::vector<std::vector<int>> lengths(expected.size() + 1, std::vector<int>(actual.size() + 1));
-  for (size_t i = expected.size(); i-- > 0;) {
-    for (size_t j = actual.size(); j-- > 0;) {
-      lengths[i][j] = sameWrite(expected[i], actual[j]) ? lengths[i + 1][j + 1] + 1
-                                                        : std::max(lengths[i + 1][j], lengths[i][j + 1]);
-    }
-  }
-  return lengths;
-}
-
-// Every line of both, marked ' ', '-' (only expected) or '+' (only there).
-std::vector<std::string> markedLines(const std::vector<GoldenWrite>& expected,
-                                     const std::vector<GoldenWrite>& actual) {
-  const auto lengths = commonLengths(expected, actual);
-  std::vector<std::string> lines;
-  size_t i = 0;
-  size_t j = 0;
-  while (i < expected.size() || j < actual.size()) {
-    if (i < expected.size() && j < actual.size() && sameWrite(expected[i], actual[j])) {
-      lines.push_back(' ' + actual[j].line());
-      ++i;
-      ++j;
-    } else if (i < expected.size() && (j == actual.size() || lengths[i + 1][j] >= lengths[i][j + 1])) {
-      lines.push_back('-' + expected[i++].line());
-    } else {
-      lines.push_back('+' + actual[j++].line());
-    }
-  }
-  return lines;
-}
-
-std::string withContext(const std::vector<std::string>& lines) {
-  constexpr size_t kContext = 2;
-  std::string text;
-  size_t shownTo = 0;
-  for (size_t i = 0; i < lines.size(); ++i) {
-    if (lines[i][0] == ' ') {
-      continue;
-    }
-    const size_t from = std::max(shownTo, i < kContext ? 0 : i - kContext);
-    text += from > shownTo ? "@@\n" : "";
-    shownTo = std::min(lines.size(), i + kContext + 1);
-    for (size_t k = from; k < shownTo; ++k) {
-      text += lines[k] + '\n';
-    }
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -286,36 +213,28 @@ void changeGolden(GoldenCase& golden, const std::string& line) {
   std::istringstream in(line);
   std::string word;
   in >> word;
-  if (word == "and") {
-    in >> word;
-    readRequest(golden, word, in);
-    return;
-  }
   if (word[0] == '*' || word[0] == 'c' || std::isdigit(static_cast<unsigned char>(word[0]))) {
     golden.tagLines.push_back(line);
     addTag(golden.frames, line);
     return;
   }
-  if (word == "input") {
-    golden.inputs.clear();
-  }
-  if (word == "output") {
-    golden.outputs.clear();
-  }
+  const bool isAdded = word == "and";
+  if (isAdded) in >> word;
+  if (word == "input" && !isAdded) golden.inputs.clear();
+  if (word == "output" && !isAdded) golden.outputs.clear();
   readRequest(golden, word, in);
 }
 
-std::string diffWrites(const std::vector<GoldenWrite>& expected, const std::vector<GoldenWrite>& actual) {
+std::string writeLines(const std::vector<GoldenWrite>& writes, const std::vector<GoldenWrite>& typedAs) {
   std::map<std::string, std::string> types;
-  for (const GoldenWrite& write : expected) {
-    types.emplace(write.section + write.key, write.value.type);
-  }
-  std::vector<GoldenWrite> typed = actual;
-  for (GoldenWrite& write : typed) {
+  for (const GoldenWrite& write : typedAs) types.emplace(write.section + write.key, write.value.type);
+  std::string lines;
+  for (const GoldenWrite& write : writes) {
     const auto type = types.find(write.section + write.key);
-    write.value.type = type == types.end() ? "bytes" : type->second;
+    lines += write.section + ' ' + write.key + ' ' +
+             describeBytes(type == types.end() ? "bytes" : type->second, write.value.bytes) + '\n';
   }
-  return withContext(markedLines(expected, typed));
+  return lines;
 }
 
 }  // namespace orlu::test

@@ -30,8 +30,6 @@ struct GoldenWrite {
   std::string section;  // without "orlu.algo."
   std::string key;
   GoldenValue value;
-
-  std::string line() const { return section + ' ' + key + ' ' + describeBytes(value.type, value.bytes); }
 };
 
 // A value put into the composition of a frame.
@@ -76,8 +74,7 @@ GoldenCase readGoldenCase(const std::string& path);
 // "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
 void changeGolden(GoldenCase& golden, const std::string& line);
 
-// Where `actual` differs from `expected`, with some lines around, or "" when all is the same. A value is
-// shown by the type that is expected of its key.
-std::string diffWrites(const std::vector<GoldenWrite>& expected, const std::vector<GoldenWrite>& actual);
+// The writes, one line each. A value is shown by the type that `typedAs` has of its key.
+std::string writeLines(const std::vector<GoldenWrite>& writes, const std::vector<GoldenWrite>& typedAs);
 
 }  // namespace orlu::test

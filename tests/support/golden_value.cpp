@@ -1,10 +1,8 @@
 #include "golden_value.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <iomanip>
 #include <limits>
 #include <map>
@@ -47,9 +45,7 @@ T parseNumber(const std::string& text, int frame) {
     value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(second, &end));
     unread = std::strcmp(end, "i") == 0 ? "" : "?";
   }
-  if (text.empty() || *unread != '\0') {
-    fail("not a number", text);
-  }
+  if (text.empty() || *unread != '\0') fail("not a number", text);
   return value;
 }
 
@@ -65,25 +61,46 @@ void append(Bytes& bytes, const std::string& word, int frame) {
   }
 }
 
-using Append = void (*)(Bytes&, const std::string&, int);
+template <typename T>
+std::string describeNumbers(const Bytes& bytes) {
+  const std::vector<T> values = GoldenValue{"", bytes}.numbers<T>();
+  std::ostringstream out;
+  out << std::setprecision(std::numeric_limits<T>::max_digits10);
+  for (size_t i = 0, times = 1; i < values.size(); i += times) {
+    const auto isSame = [&](size_t other) { return std::memcmp(&values[i], &values[other], sizeof(T)) == 0; };
+    for (times = 1; i + times < values.size() && isSame(i + times);) ++times;
+    // "Not a number" has a sign, in which machines differ.
+    const bool isNan = values[i] != values[i];
+    isNan ? out << " nan" : out << ' ' << +values[i];
+    if (times > 1) out << '*' << times;
+  }
+  return out.str();
+}
+
+struct NumberType {
+  size_t size;
+  void (*append)(Bytes&, const std::string&, int frame);
+  std::string (*describe)(const Bytes&);
+};
+
+template <typename T>
+constexpr NumberType kNumberType = {sizeof(T), append<T>, describeNumbers<T>};
 
 // Answers null for a type that isn't a number. "ints" is as good as "int" here.
-Append appenderOf(std::string type) {
-  static const std::map<std::string, Append> appenders = {
-      {"byte",   append<uint8_t>},
-      {"int",    append<int32_t>},
-      {"long",   append<int64_t>},
-      {"float",  append<float>  },
-      {"double", append<double> },
-      {"rect",   append<int32_t>},
-      {"face",   append<int32_t>},
-      {"region", append<int32_t>}
+const NumberType* numberType(std::string type) {
+  static const std::map<std::string, NumberType> types = {
+      {"byte",   kNumberType<uint8_t>},
+      {"int",    kNumberType<int32_t>},
+      {"long",   kNumberType<int64_t>},
+      {"float",  kNumberType<float>  },
+      {"double", kNumberType<double> },
+      {"rect",   kNumberType<int32_t>},
+      {"face",   kNumberType<int32_t>},
+      {"region", kNumberType<int32_t>}
   };
-  if (!type.empty() && type.back() == 's') {
-    type.pop_back();
-  }
-  const auto found = appenders.find(type);
-  return found == appenders.end() ? nullptr : found->second;
+  if (!type.empty() && type.back() == 's') type.pop_back();
+  const auto found = types.find(type);
+  return found == types.end() ? nullptr : &found->second;
 }
 
 std::string quoted(std::istream& in) {
@@ -107,28 +124,20 @@ void putPart(Bytes& bytes, const std::string& part, int frame) {
     const std::string text = quoted(in);
     packed.assign(text.begin(), text.end());
   } else {
-    const Append appender = appenderOf(type);
-    for (char& c : words) {
-      c = c == ',' ? ' ' : c;
-    }
+    const NumberType* const numbers = numberType(type);
+    std::replace(words.begin(), words.end(), ',', ' ');
     std::istringstream in(words);
-    for (std::string word; appender != nullptr && in >> word;) {
-      appender(packed, word, frame);
-    }
+    for (std::string word; numbers != nullptr && in >> word;) numbers->append(packed, word, frame);
   }
   const auto offset = static_cast<size_t>(parseNumber<int>(part.substr(0, colon), 0));
-  if (packed.empty() || offset + packed.size() > bytes.size()) {
-    fail("does not fit the record", part);
-  }
+  if (packed.empty() || offset + packed.size() > bytes.size()) fail("does not fit the record", part);
   std::memcpy(bytes.data() + offset, packed.data(), packed.size());
 }
 
 // "bytes[152]" becomes "bytes", and its size is answered; 0 without one.
 size_t takeSize(std::string& type) {
   const size_t bracket = type.find('[');
-  if (bracket == std::string::npos) {
-    return 0;
-  }
+  if (bracket == std::string::npos) return 0;
   const int size = parseNumber<int>(type.substr(bracket + 1, type.size() - bracket - 2), 0);
   type.resize(bracket);
   return static_cast<size_t>(size);
@@ -136,95 +145,41 @@ size_t takeSize(std::string& type) {
 
 Bytes parseSized(const std::string& type, size_t size, std::istream& in, int frame) {
   Bytes bytes(size);
+  if (type != "text" && type != "bytes" && type != "zero") fail("unknown type", type);
   if (type == "text") {
     const std::string text = quoted(in);
-    if (text.size() > size) {
-      fail("text is too long", text);
-    }
+    if (text.size() > size) fail("text is too long", text);
     std::memcpy(bytes.data(), text.data(), text.size());
   }
-  for (std::string part; type == "bytes" && in >> part;) {
-    putPart(bytes, part, frame);
-  }
+  for (std::string part; type == "bytes" && in >> part;) putPart(bytes, part, frame);
   return bytes;
 }
 
 Bytes parseLocation(std::istream& in, int frame) {
   Bytes bytes;
   std::string word;
-  for (int i = 0; i < 3 && in >> word; ++i) {
-    append<double>(bytes, word, frame);
-  }
+  for (int i = 0; i < 3 && in >> word; ++i) append<double>(bytes, word, frame);
   in >> word;
   append<int64_t>(bytes, word, frame);
   return bytes;
 }
 
-template <typename T>
-std::string describeNumbers(const Bytes& bytes) {
-  const std::vector<T> values = GoldenValue{"", bytes}.numbers<T>();
-  std::ostringstream out;
-  out << std::setprecision(std::numeric_limits<T>::max_digits10);
-  for (size_t i = 0; i < values.size();) {
-    size_t times = 1;
-    while (i + times < values.size() && values[i + times] == values[i]) {
-      ++times;
-    }
-    out << (i == 0 ? "" : " ") << +values[i];
-    if (times > 1) {
-      out << '*' << times;
-    }
-    i += times;
-  }
-  return out.str();
-}
-
 // The words of a record that aren't zero.
-std::string describeRecord(const Bytes& bytes) {
+std::string describeRecord(Bytes bytes) {
+  bytes.resize((bytes.size() + 3) / 4 * 4);
   const std::vector<int32_t> words = GoldenValue{"", bytes}.numbers<int32_t>();
   std::ostringstream out;
   for (size_t i = 0; i < words.size(); ++i) {
-    if (words[i] != 0) {
-      float real = 0;
-      std::memcpy(&real, &words[i], sizeof real);
-      out << ' ' << i * sizeof(int32_t) << ":int=" << words[i];
-      if (real > 1e-20F || real < -1e-20F) {
-        out << "(float=" << real << ')';
-      }
-    }
+    if (words[i] == 0) continue;
+    float real = 0;
+    std::memcpy(&real, &words[i], sizeof real);
+    out << ' ' << i * sizeof(int32_t) << ":int=" << words[i];
+    if (real > 1e-20F || real < -1e-20F) out << "(float=" << real << ')';
   }
   return out.str();
 }
 
 }  // namespace
-
-template <typename T>
-std::vector<T> GoldenValue::numbers() const {
-  std::vector<T> values(bytes.size() / sizeof(T));
-  if (!values.empty()) {
-    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(T));
-  }
-  return values;
-}
-template std::vector<uint8_t> GoldenValue::numbers() const;
-template std::vector<int32_t> GoldenValue::numbers() const;
-template std::vector<int64_t> GoldenValue::numbers() const;
-template std::vector<float> GoldenValue::numbers() const;
-template std::vector<double> GoldenValue::numbers() const;
-
-bool GoldenValue::sameBytes(const GoldenValue& other) const {
-  if (bytes == other.bytes) {
-    return true;
-  }
-  if ((type != "float" && type != "floats") || bytes.size() != other.bytes.size()) {
-    return false;
-  }
-  const std::vector<float> mine = numbers<float>();
-  const std::vector<float> others = other.numbers<float>();
-  return std::equal(mine.begin(), mine.end(), others.begin(), [](float a, float b) {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
-  });
-}
 
 GoldenValue parseGoldenValue(const std::string& text, int frame) {
   std::istringstream in(text);
@@ -238,41 +193,26 @@ GoldenValue parseGoldenValue(const std::string& text, int frame) {
     value.bytes.assign(words.begin(), words.end());
   } else if (value.type == "location") {
     value.bytes = parseLocation(in, frame);
-  } else if (const Append appender = appenderOf(value.type); appender != nullptr) {
-    for (std::string word; in >> word;) {
-      appender(value.bytes, word, frame);
-    }
+  } else if (const NumberType* const numbers = numberType(value.type); numbers != nullptr) {
+    for (std::string word; in >> word;) numbers->append(value.bytes, word, frame);
   } else if (value.type != "none") {
     fail("unknown type", text);
   }
   std::string rest;
-  if (in.clear(), in >> rest) {
-    fail("too many words", text);
-  }
+  if (in.clear(), in >> rest) fail("too many words", text);
   return value;
 }
 
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes) {
   const std::string size = '[' + std::to_string(bytes.size()) + ']';
   if (type == "text") {
-    std::string words(bytes.begin(), bytes.end());
-    return type + size + " \"" + words.substr(0, words.find('\0')) + '"';
+    const std::string words(bytes.begin(), bytes.end());
+    const size_t end = words.find('\0');
+    const bool isText = end == std::string::npos || words.find_first_not_of('\0', end) == std::string::npos;
+    if (isText) return type + size + " \"" + words.substr(0, end) + '"';
   }
-  if (type == "byte") {
-    return type + ' ' + describeNumbers<uint8_t>(bytes);
-  }
-  if (type == "long" || type == "longs") {
-    return type + ' ' + describeNumbers<int64_t>(bytes);
-  }
-  if (type == "float" || type == "floats") {
-    return type + ' ' + describeNumbers<float>(bytes);
-  }
-  if (type == "double" || type == "doubles") {
-    return type + ' ' + describeNumbers<double>(bytes);
-  }
-  if (type == "int" || type == "ints") {
-    return type + ' ' + describeNumbers<int32_t>(bytes);
-  }
+  const NumberType* const numbers = numberType(type);
+  if (numbers != nullptr && bytes.size() % numbers->size == 0) return type + numbers->describe(bytes);
   return "bytes" + size + describeRecord(bytes);
 }
 

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -22,18 +23,20 @@ struct GoldenValue {
   std::string type;  // without its size
   std::vector<uint8_t> bytes;
 
-  // Whether `other` holds the same bytes, whatever its type. Where this one's type is a float, "not a number"
-  // is the same as any other, because machines differ in its sign.
-  bool sameBytes(const GoldenValue& other) const;
   // Its numbers, as they stand in `bytes`.
   template <typename T>
-  std::vector<T> numbers() const;
+  std::vector<T> numbers() const {
+    std::vector<T> values(bytes.size() / sizeof(T));
+    if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(T));
+    return values;
+  }
 };
 
 // Reads "type words..." as of a frame. Throws std::runtime_error for what it does not understand.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
-// The bytes in the notation above, as values of `type`; as integers when they can't be.
+// The bytes in the notation above, as values of `type`; as integers when they can't be. Other bytes have
+// another text, but "not a number" is the same as any other.
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes);
 
 }  // namespace orlu::test

@@ -112,8 +112,9 @@ private:
       if (write.section == section && write.key == key) last = &write;
     }
     if (last == nullptr) return section + ' ' + key + " not written";
-    if (expected.sameBytes(last->value)) return expectation;
-    return section + ' ' + key + ' ' + describeBytes(expected.type, last->value.bytes);
+    const std::string found = describeBytes(expected.type, last->value.bytes);
+    if (found == describeBytes(expected.type, expected.bytes)) return expectation;
+    return section + ' ' + key + ' ' + found;
   }
 
   GoldenRun mRun;
