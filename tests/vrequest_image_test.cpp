@@ -1,21 +1,19 @@
 // How one Java image becomes a frame record: format, planes and memory.
 
 #include <android/hardware_buffer_jni.h>
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vndk/hardware_buffer.h>
 
-#include <cstdlib>
 #include <limits>
 #include <numeric>
 #include <sstream>
 
 #include "case_name.h"
+#include "descriptors.h"
+#include "error_lines.h"
 #include "fixtures.h"
 #include "frame_text.h"
-#include "log_text.h"
 #include "vrequest.h"
 
 namespace orlu {
@@ -41,7 +39,6 @@ struct ImageCase {
   int height;
   std::vector<int32_t> strides;
   std::vector<int32_t> planeSizes;
-  int memory;            // bytes of shared memory
   const char* expected;  // code, plane count | strides | plane sizes | size
   const char* errors;
 };
@@ -57,7 +54,7 @@ TEST_P(VRequestImageTest, ReadsFormatAndPlanes) {
   spec.height = c.height;
   spec.strides = c.strides;
   spec.planeSizes = c.planeSizes;
-  spec.sharedMemory = test::newSharedMemory(c.memory);
+  spec.sharedMemory = test::newSharedMemory(9000);
   test::LogCapture log;
   const AlgoFrameInfo frame = convert(test::newImage(spec));
   EXPECT_EQ(c.expected, test::layoutText(frame));
@@ -70,43 +67,43 @@ TEST_P(VRequestImageTest, ReadsFormatAndPlanes) {
 
 // clang-format off
 const ImageCase kImageCases[] = {
-    {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, 9000, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     // Labelled as NV12, on purpose.
-    {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"Yv12LongTail",    "YV12_SOMETHING", 64, 48, {80, 40}, {5000, 2400}, 9000, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        9000, "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
-    {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    9000, "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
+    {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"Yv12LongTail",    "YV12_SOMETHING", 64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
+    {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
+    {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
     // Without the fix-up of its sibling, on purpose.
-    {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        9000, "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
-    {"Raw16",           "RAW16",          64, 48, {200},    {100},        9000, "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
-    {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       9000, "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
-    {"RawSensor",       "RAW_SENSOR",     64, 48, {200},    {100},        9000, "18 1 | 200 0 0 0 | 6144 0 0 0 | 6144", ""},
-    {"RawSensorTail",   "RAW_SENSOR16",   64, 48, {200},    {6145},       9000, "18 1 | 200 0 0 0 | 6145 0 0 0 | 6145", ""},
-    {"Jpeg4",           "JPEG",           64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
-    {"Jpeg5",           "JPEG5",          64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
-    {"Jpeg10",          "JPEG567890",     64, 48, {80},     {700, 9},     9000, "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
-    {"Rgba",            "R8G8B8A8",       64, 48, {256},    {12288},      9000, "25 1 | 256 0 0 0 | 12288 0 0 0 | 12288", ""},
-    {"MipiOther",       "MIPI_RAW13",     64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format MIPI_RAW13\n"},
-    {"Nv21Short",       "NV2",            64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format NV2\n"},
-    {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    9000, "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
-    {"NoName",          nullptr,          64, 48, {80},     {100},        9000, "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
+    {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
+    {"Raw16",           "RAW16",          64, 48, {200},    {100},        "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
+    {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
+    {"RawSensor",       "RAW_SENSOR",     64, 48, {200},    {100},        "18 1 | 200 0 0 0 | 6144 0 0 0 | 6144", ""},
+    {"RawSensorTail",   "RAW_SENSOR16",   64, 48, {200},    {6145},       "18 1 | 200 0 0 0 | 6145 0 0 0 | 6145", ""},
+    {"Jpeg4",           "JPEG",           64, 48, {80},     {700, 9},     "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg5",           "JPEG5",          64, 48, {80},     {700, 9},     "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Jpeg10",          "JPEG567890",     64, 48, {80},     {700, 9},     "24 1 | 80 0 0 0 | 700 9 0 0 | 700", ""},
+    {"Rgba",            "R8G8B8A8",       64, 48, {256},    {12288},      "25 1 | 256 0 0 0 | 12288 0 0 0 | 12288", ""},
+    {"MipiOther",       "MIPI_RAW13",     64, 48, {80},     {100},        "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format MIPI_RAW13\n"},
+    {"Nv21Short",       "NV2",            64, 48, {80, 40}, {100, 50},    "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format NV2\n"},
+    {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
+    {"NoName",          nullptr,          64, 48, {80},     {100},        "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
 
     // NV planes: the first as large as the memory or larger, the second left out. The size is taken before.
-    {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, 9000, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
-    {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, 9000, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
-    {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, 9000, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
-    {"NoSecondPlane",   "NV12", 64, 48, {80, 40}, {5000},     9000, "2 2 | 80 40 0 0 | 5000 1920 0 0 | 5000", ""},
-    {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, 9000, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
-    {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   9000, "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
+    {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
+    {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
+    {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
+    {"NoSecondPlane",   "NV12", 64, 48, {80, 40}, {5000},     "2 2 | 80 40 0 0 | 5000 1920 0 0 | 5000", ""},
+    {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
+    {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
     // Arrays that are short, empty or long.
-    {"NothingGiven",    "NV21", 64, 48, {},       {},         9000, "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
-    {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, 9000, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
+    {"NothingGiven",    "NV21", 64, 48, {},       {},         "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
+    {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
     // What does not fit is as much as does.
-    {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   9000, "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
-    {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   9000, "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
-    {"HugeSum",         "NV21", 64, 48, {80}, {kMax, kMax},   9000, "1 2 | 80 0 0 0 | 3840 2147483647 0 0 | 2147483647", ""},
+    {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
+    {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
+    {"HugeSum",         "NV21", 64, 48, {80}, {kMax, kMax},   "1 2 | 80 0 0 0 | 3840 2147483647 0 0 | 2147483647", ""},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Formats, VRequestImageTest, testing::ValuesIn(kImageCases), test::CaseName());
@@ -122,28 +119,10 @@ TEST(VRequestImageTest, LivesWithoutArrays) {
             test::errorText(log, kTag));
 }
 
-bool isSameFile(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-// How many descriptors of this process lead to the file.
-int descriptorsOf(const struct stat& file) {
-  int count = 0;
-  DIR* const folder = opendir("/proc/self/fd");
-  while (const dirent* entry = readdir(folder)) {
-    struct stat status = {};
-    if (entry->d_name[0] != '.' && fstat(std::atoi(entry->d_name), &status) == 0) {
-      count += isSameFile(status, file) ? 1 : 0;
-    }
-  }
-  closedir(folder);
-  return count;
-}
-
-struct stat fileBehind(int fd) {
+ino_t fileBehind(int fd) {
   struct stat status = {};
   EXPECT_EQ(0, fstat(fd, &status));
-  return status;
+  return status.st_ino;
 }
 
 const native_handle_t& handleOf(jobject hardwareBuffer) {
@@ -158,21 +137,21 @@ TEST(VRequestImageTest, OwnsADuplicateOfSharedMemory) {
   spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);  // the shared memory wins
   jobject image = test::newImage(spec);
   const int original = test::intField(spec.sharedMemory, "mFd");
-  const struct stat file = fileBehind(original);
-  EXPECT_EQ(1, descriptorsOf(file));
+  const ino_t file = fileBehind(original);
+  const auto before = test::openDescriptors();
   {
     const VRequest request(env(), nullptr, test::javaList({image, image}), test::javaList({image}), nullptr);
-    EXPECT_EQ(4, descriptorsOf(file));
+    EXPECT_EQ(before + 3, test::openDescriptors());
     for (const AlgoFrameInfo& frame : {request.inputFrames()[1], request.outputFrames()[0]}) {
       EXPECT_NE(original, frame.fd[0]);
-      EXPECT_TRUE(isSameFile(file, fileBehind(frame.fd[0])));
+      EXPECT_EQ(file, fileBehind(frame.fd[0]));
       EXPECT_EQ(1, frame.fdCount);
       EXPECT_EQ(4608, frame.fdSize[0]);
       EXPECT_EQ(nullptr, frame.nativeHandle);
     }
   }
-  EXPECT_EQ(1, descriptorsOf(file));
-  EXPECT_TRUE(isSameFile(file, fileBehind(original)));
+  EXPECT_EQ(before, test::openDescriptors());
+  EXPECT_EQ(file, fileBehind(original));
   EXPECT_TRUE(log.contains("useShmem 1"));
   EXPECT_FALSE(log.contains("useShmem 0"));
 }
@@ -185,13 +164,14 @@ TEST(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
   spec.planeSizes = {5000};
   spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);
   const native_handle_t& handle = handleOf(spec.hardwareBuffer);
-  const struct stat pixels = fileBehind(handle.data[1]);
+  const ino_t pixels = fileBehind(handle.data[1]);
   jobject image = test::newImage(spec);
+  jobject other = test::newSmallImage();  // owns its descriptor
+  const auto before = test::openDescriptors();
   {
-    // Beside an image that owns its descriptor.
-    const VRequest request(env(), nullptr, test::javaList({image, test::newSmallImage()}),
-                           test::javaList({test::newSmallImage(), image}), nullptr);
-    EXPECT_EQ(1, descriptorsOf(pixels));
+    const VRequest request(env(), nullptr, test::javaList({image, other}), test::javaList({other, image}),
+                           nullptr);
+    EXPECT_EQ(before + 2, test::openDescriptors());
     for (const AlgoFrameInfo& frame : {request.inputFrames()[0], request.outputFrames()[1]}) {
       EXPECT_EQ(handle.data[1], frame.fd[0]);
       EXPECT_EQ(1, frame.fdCount);
@@ -203,8 +183,8 @@ TEST(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
     }
     EXPECT_NE(request.inputFrames()[0].nativeHandle, request.outputFrames()[1].nativeHandle);
   }
-  EXPECT_EQ(1, descriptorsOf(pixels));
-  EXPECT_TRUE(isSameFile(pixels, fileBehind(handle.data[1])));
+  EXPECT_EQ(before, test::openDescriptors());
+  EXPECT_EQ(pixels, fileBehind(handle.data[1]));
   EXPECT_TRUE(log.contains("useShmem 0"));
 }
 

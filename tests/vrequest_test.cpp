@@ -7,10 +7,10 @@
 #include <sstream>
 
 #include "case_name.h"
+#include "error_lines.h"
 #include "fixtures.h"
 #include "frame_text.h"
 #include "jni_table.h"
-#include "log_text.h"
 
 namespace orlu {
 namespace {
