@@ -134,13 +134,9 @@ const SpecialCase kSpecialCases[] = {
     {"NullFace",           reader<&P::getFaceInfo>, 4, JAVA(javaArray(kFace, {nullptr, nullptr})), "0: 2"},
     {"NullIntInFace",      reader<&P::getIntFaceArray>, 4, JAVA(javaArray(kInteger, {javaInt(1), nullptr, javaInt(3), javaInt(4)})), "0: 1 1 # 3 4"},
     {"NullRegion",         reader<&P::getMeteringRectangle>, 4, JAVA(javaArray(kRegion, {nullptr})), "0:"},
-    {"NoFaces",            reader<&P::getFaceInfo>, 4,         JAVA(countedFaces(0)), "0: 0"},
     // An empty array is a failure without a line here.
     {"NoRegions",          reader<&P::getMeteringRectangle>, 4, JAVA(javaRegions({}, 1)), "-1:"},
     {"TwoOfThreeInts",     reader<&P::getIntArray>, 2,         JAVA(countingInts(3)), "0: 1 2"},
-    {"TwoOfThreeFloats",   reader<&P::getFloatArray>, 2,       JAVA(javaFloats({1, 2, 3})), "0: 1 2"},
-    {"TwoOfThreeDoubles",  reader<&P::getDoubleArray>, 2,      JAVA(javaDoubles({1, 2, 3})), "0: 1 2"},
-    {"TwoOfThreeLongs",    reader<&P::getLongArray>, 2,        JAVA(javaLongs({1, 2, 3})), "0: 1 2"},
     {"OneOfTwoBoxed",      reader<&P::getIntArrayOrlu>, 1, JAVA(javaArray(kInteger, {javaInt(1), javaInt(2)})), "0: 1"},
     {"IntsWithoutRoom",    reader<&P::getIntArray>, -1,        JAVA(countingInts(3)), "0:"},
     // No terminating zero when the text fills its room.

@@ -22,7 +22,7 @@ class CameraMetadataParserLookupTest : public testing::Test {
 protected:
   LocalFrame mFrame;
   P mParser{env()};
-  const LogCapture mLog;
+  LogCapture mLog;
 };
 
 // Array keys are made with the boxed class, so that what a capture result answers is read element by element.
@@ -70,9 +70,7 @@ std::vector<uint8_t> bytesOf(jobject array) {
   return values;
 }
 
-TEST(CameraMetadataParserMetadataTest, IsTheParcelsBytes) {
-  const LocalFrame frame;
-  P parser(env());
+TEST_F(CameraMetadataParserLookupTest, SerialisesAsAParcel) {
   jobject metadata = filledMetadata();
   jclass parcels = findClass("android/os/Parcel");
   jobject parcel = env()->CallStaticObjectMethod(
@@ -86,11 +84,10 @@ TEST(CameraMetadataParserMetadataTest, IsTheParcelsBytes) {
   ASSERT_GT(expected.size(), 50U);
 
   jobject result = newCaptureResult(metadata);
-  const LogCapture log;
   const JniTable table(env());
-  EXPECT_EQ(expected, parser.getMetadata(result));
-  EXPECT_EQ(expected, parser.getMetadata(result));
-  EXPECT_EQ(Lines(), errorLines(log));
+  EXPECT_EQ(expected, mParser.getMetadata(result));
+  EXPECT_EQ(expected, mParser.getMetadata(result));
+  EXPECT_EQ(Lines(), errorLines(mLog));
   EXPECT_EQ(0, table.localReferences());
   EXPECT_EQ(0, table.heldArrays());
 }
@@ -101,8 +98,7 @@ struct FailingStep {
   Lines messages;
 };
 
-TEST(CameraMetadataParserMetadataTest, AnswersNothingAfterAFailingStep) {
-  const LocalFrame frame;
+TEST_F(CameraMetadataParserLookupTest, SerialisesNothingAfterAFailingStep) {
   const std::string noField = "cameraNativeFiled is null";
   const std::string noMetadata = "camerametadataNative is null";
   // clang-format off
@@ -120,13 +116,13 @@ TEST(CameraMetadataParserMetadataTest, AnswersNothingAfterAFailingStep) {
     jobject source = step.source();
     JniTable table(env());
     table.hide(step.hidden);
-    P parser(env());
-    const LogCapture log;
-    EXPECT_TRUE(parser.getMetadata(source).empty()) << step.hidden;
+    mParser.initFromEnv(env(), false);
+    mLog.clear();
+    EXPECT_TRUE(mParser.getMetadata(source).empty()) << step.hidden;
     EXPECT_FALSE(env()->ExceptionCheck());
     Lines expected;
     for (const std::string& message : step.messages) expected.push_back(parserLine(message));
-    EXPECT_EQ(expected, errorLines(log)) << step.hidden;
+    EXPECT_EQ(expected, errorLines(mLog)) << step.hidden;
   }
 }
 

@@ -191,7 +191,6 @@ constexpr char kNullImage[] = "convert image failed, input is null\n";
 // clang-format off
 const ListCase kListCases[] = {
     {"NoList",        [] { return test::javaInt(1); },                                   0, "get list size failed, input is null\n"},
-    {"Empty",         [] { return test::javaList({}); },                                 0, ""},
     {"WrongElement",  [] { return test::javaList({test::javaInt(1)}); },                 1, kNullImage},
     {"SizeThrows",    [] { return test::newUnrulyList(1, true, false); },                0, ""},
     {"NegativeSize",  [] { return test::newUnrulyList(-2, false, false); },              0, ""},

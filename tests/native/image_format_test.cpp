@@ -1,7 +1,6 @@
 #include "image_format.h"
 
 #include <gtest/gtest.h>
-#include <orlu/camera3rd_log.h>
 
 #include <map>
 
@@ -60,15 +59,6 @@ TEST(ImageFormatTest, PrintsAnImageInOneLine) {
       << log.text();
   EXPECT_EQ(0U, log.text().find(std::string(kTag) + ": image_format.cpp:"));
   EXPECT_TRUE(log.contains(" printImageInfo() img "));
-}
-
-TEST(ImageFormatTest, PrintsNothingAboveTheDebugLevel) {
-  const int level = gVAFCtrlLogLevel;
-  test::LogCapture log;
-  gVAFCtrlLogLevel = 4;
-  printImageInfo(kFrame, "in", 0, 0);
-  gVAFCtrlLogLevel = level;
-  EXPECT_EQ("", log.text());
 }
 
 }  // namespace
