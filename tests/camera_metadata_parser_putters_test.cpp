@@ -88,6 +88,7 @@ protected:
 TEST_P(CameraMetadataParserPutterTest, StoresAJavaValueUnderTheKey) {
   jobject container = newContainer();
   EXPECT_EQ(0, put(mParser, container));
+  EXPECT_EQ(0, put(mParser, container)) << "over a value";
   EXPECT_EQ(Lines(), errorLines(mLog));
   EXPECT_EQ(mPutter.stored, describeJava(isMap() ? valueIn(container) : getKey(container, kKey)));
 }
