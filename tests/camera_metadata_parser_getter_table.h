@@ -1,5 +1,5 @@
 // Every getter of the metadata parser as a function that tells its answer and its outputs in one text, with a
-// value for it to find. All outputs were 7 before.
+// value for it to find.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,6 +14,7 @@
 #include "camera_metadata_parser.h"
 #include "error_lines.h"
 #include "fixtures.h"
+#include "jni_table.h"
 
 namespace orlu::test {
 
@@ -27,225 +28,178 @@ struct Ask {
   int capacity;
 };
 
-template <auto Getter, typename... Outputs>
-int call(P& parser, const Ask& ask, Outputs&&... outputs) {
-  if constexpr (std::is_invocable_v<decltype(Getter), P&, Outputs..., const char*, jobject, jobject>) {
-    return (parser.*Getter)(outputs..., ask.key, ask.source, ask.parameter);
+template <typename Get, typename... Outputs>
+int call(Get get, P& parser, const Ask& ask, Outputs&&... outputs) {
+  if constexpr (std::is_invocable_v<Get, P&, Outputs..., const char*, jobject, jobject>) {
+    return (parser.*get)(outputs..., ask.key, ask.source, ask.parameter);
   } else {
-    return (parser.*Getter)(outputs..., ask.key, ask.source);
+    return (parser.*get)(outputs..., ask.key, ask.source);
   }
 }
 
-template <typename... Values>
-std::string told(int status, const Values&... values) {
+// What all outputs hold before.
+constexpr int kUnwritten = -77;
+
+// "status: elements". Elements that were not written show as "#", or not at all behind the last written one.
+template <typename Elements>
+std::string told(int status, const Elements& elements) {
   std::ostringstream text;
-  text.precision(12);
+  text.precision(15);
   text << status << ":";
-  ((text << " " << values), ...);
-  return text.str();
-}
-
-template <auto Getter, typename T>
-std::string readNumber(P& parser, const Ask& ask) {
-  T value = 7;
-  const int status = call<Getter>(parser, ask, value);
-  return told(status, value);
-}
-
-// A record as the ints that it is made of, padding included.
-template <auto Getter, typename Record>
-std::string readInts(P& parser, const Ask& ask) {
-  int32_t ints[sizeof(Record) / sizeof(int32_t)];
-  std::fill(std::begin(ints), std::end(ints), 7);
-  Record record;
-  std::memcpy(&record, ints, sizeof ints);
-  const int status = call<Getter>(parser, ask, record);
-  std::memcpy(ints, &record, sizeof ints);
-  std::string text;
-  for (const int32_t word : ints) text += (text.empty() ? "" : " ") + std::to_string(word);
-  return told(status, text);
-}
-
-template <auto Getter, typename T>
-std::string readArray(P& parser, const Ask& ask) {
-  T v[5] = {7, 7, 7, 7, 7};
-  const int status = call<Getter>(parser, ask, v, ask.capacity);
-  return told(status, v[0], v[1], v[2], v[3], v[4]);
-}
-
-// Zeros are told as points, bytes that were left alone as number signs.
-template <auto Getter>
-std::string readBytes(P& parser, const Ask& ask) {
-  char buffer[] = "######";
-  const int status = call<Getter>(parser, ask, buffer, ask.capacity);
-  for (char* c = buffer; c != buffer + 6; ++c) {
-    if (*c == '\0') *c = '.';
-  }
-  return told(status, buffer);
-}
-
-inline std::string readStrings(P& parser, const Ask& ask) {
-  std::vector<std::string> values = {"first"};
-  const int status = call<&P::getStringArray>(parser, ask, values);
-  std::string text;
-  for (const std::string& value : values) text += (text.empty() ? "" : " ") + value;
-  return told(status, text);
-}
-
-inline std::string textOf(const __tagOrluRect& rect) {
-  std::ostringstream text;
-  text << rect.left << " " << rect.top << " " << rect.right << " " << rect.bottom;
-  return text.str();
-}
-
-inline constexpr __tagOrluRect kSevens = {7, 7, 7, 7};
-
-// The count, and all rectangles up to the last that was written.
-template <auto Getter>
-std::string readFaces(P& parser, const Ask& ask) {
-  _tagOrluFaceInfo info;
-  info.count = 7;
-  for (__tagOrluRect& rect : info.rects) rect = kSevens;
-  for (int32_t& orientation : info.orientations) orientation = 7;
-  const int status = call<Getter>(parser, ask, info, ask.capacity);
-  std::string text;
   std::string unwritten;
-  for (const __tagOrluRect& rect : info.rects) {
-    unwritten += ", " + textOf(rect);
-    if (textOf(rect) != textOf(kSevens)) text += std::exchange(unwritten, "");
+  for (const auto& element : elements) {
+    const bool isWritten = element != std::decay_t<decltype(element)>(kUnwritten);
+    if (isWritten) text << std::exchange(unwritten, "") << " " << element;
+    if (!isWritten) unwritten += " #";
   }
-  for (const int32_t orientation : info.orientations) text += orientation == 7 ? "" : " orientation";
-  return told(status, std::to_string(info.count) + text);
+  return text.str();
 }
 
-inline std::string readRegion(P& parser, const Ask& ask) {
-  __tagOrluRect rect = kSevens;
-  int32_t weight = 7;
-  const int status = call<&P::getMeteringRectangle>(parser, ask, rect, weight);
-  return told(status, textOf(rect), weight);
+// A record as the elements that it is made of, padding included.
+template <typename Element, typename Record, typename Get>
+std::string readAs(Get get) {
+  Element elements[sizeof(Record) / sizeof(Element)];
+  std::fill(std::begin(elements), std::end(elements), Element{kUnwritten});
+  Record record;
+  std::memcpy(&record, elements, sizeof elements);
+  const int status = get(record);
+  std::memcpy(elements, &record, sizeof elements);
+  return told(status, elements);
 }
 
-inline std::string readLocation(P& parser, const Ask& ask) {
-  GpsLocation l = {7, 7, 7, 7, 7, 7};
-  const int status = call<&P::getGpsLocation>(parser, ask, l);
-  return told(status, l.latitude, l.longitude, l.altitude, l.timestamp, l.hasAltitude);
+template <typename T, typename... Sources>
+std::string read(int (P::*get)(T&, const char*, Sources...), P& parser, const Ask& ask) {
+  using Element = std::conditional_t<std::is_arithmetic_v<T>, T, int32_t>;
+  return readAs<Element, T>([&](T& value) { return call(get, parser, ask, value); });
+}
+
+template <typename T, typename... Sources>
+std::string read(int (P::*get)(T*, int, const char*, Sources...), P& parser, const Ask& ask) {
+  struct Array {
+    T values[5];
+  };
+  return readAs<T, Array>([&](Array& array) { return call(get, parser, ask, array.values, ask.capacity); });
+}
+
+// Zeros show as points, bytes that were left alone as number signs; nothing when the room was zeroed alone.
+template <typename... Sources>
+std::string read(int (P::*get)(char*, int, const char*, Sources...), P& parser, const Ask& ask) {
+  std::string buffer = "######";
+  const int status = call(get, parser, ask, buffer.data(), ask.capacity);
+  std::replace(buffer.begin(), buffer.end(), '\0', '.');
+  const auto room = static_cast<size_t>(ask.capacity);
+  const bool isZeroed = buffer == std::string(room, '.') + std::string(buffer.size() - room, '#');
+  return std::to_string(status) + (isZeroed ? ":" : ": " + buffer);
+}
+
+template <typename... Sources>
+std::string read(int (P::*get)(std::vector<std::string>&, const char*, Sources...), P& parser,
+                 const Ask& ask) {
+  std::vector<std::string> values = {"first"};
+  const int status = call(get, parser, ask, values);
+  std::string text;
+  for (const std::string& value : values) text += " " + value;
+  return std::to_string(status) + ":" + (text == " first" ? "" : text);
+}
+
+template <typename... Sources>
+std::string read(int (P::*get)(_tagOrluFaceInfo&, int, const char*, Sources...), P& parser, const Ask& ask) {
+  return readAs<int32_t, _tagOrluFaceInfo>(
+      [&](_tagOrluFaceInfo& faces) { return call(get, parser, ask, faces, ask.capacity); });
+}
+
+template <typename... Sources>
+std::string read(int (P::*get)(__tagOrluRect&, int32_t&, const char*, Sources...), P& parser,
+                 const Ask& ask) {
+  struct Region {
+    __tagOrluRect rect;
+    int32_t weight;
+  };
+  return readAs<int32_t, Region>(
+      [&](Region& region) { return call(get, parser, ask, region.rect, region.weight); });
+}
+
+template <typename... Sources>
+std::string read(int (P::*get)(GpsLocation&, const char*, Sources...), P& parser, const Ask& ask) {
+  GpsLocation l = {kUnwritten, kUnwritten, kUnwritten, kUnwritten, kUnwritten, kUnwritten};
+  const int status = call(get, parser, ask, l);
+  return told(status,
+              std::vector<double>{l.latitude, l.longitude, l.altitude, static_cast<double>(l.timestamp),
+                                  static_cast<double>(l.hasAltitude)});
+}
+
+using Reader = std::string (*)(P&, const Ask&);
+
+template <auto Get>
+std::string reader(P& parser, const Ask& ask) {
+  return read(Get, parser, ask);
 }
 
 // ---- The getters
 
 enum Source { kResult, kParameter, kCharacteristics };
 
-struct Value {
-  jobject (*make)();
-  const char* text;
-};
+inline jobject fraction() {
+  return javaRational(1, 2);
+}
 
 struct Getter {
   const char* name;
   Source source;
+  Reader read;
   const char* key;
-  const char* untouched;
-  std::string (*read)(P&, const Ask&);
-  Value value;         // in the source
-  Value over;          // in the composition over a capture result
-  jobject (*wrong)();  // of another type, in a composition
+  jobject (*value)();
+  const char* text;               // the outputs for the value
+  jobject (*wrong)() = fraction;  // a value of another type, for a composition
 };
-
-inline jobject countedFaces(int count) {
-  std::vector<__tagOrluRect> rects;
-  for (int i = 0; i < count; ++i) rects.push_back({i, i + 1, i + 2, i + 3});
-  return javaFaces(rects);
-}
 
 inline constexpr char kInteger[] = "java/lang/Integer";
 inline constexpr char kFloat[] = "java/lang/Float";
 
 // clang-format off
+#define RESULT(name) #name, kResult, reader<&P::name>
+#define PARAMETER(name) #name, kParameter, reader<&P::name>
+#define CHARACTERISTICS(name) #name, kCharacteristics, reader<&P::name>
 #define JAVA(...) [] { return __VA_ARGS__; }
 inline const Getter kGetters[] = {
-    {"getInt", kResult, "android.control.afMode", "7", readInts<&P::getInt, int32_t>, {JAVA(javaInt(4)), "4"},
-     {JAVA(javaInt(-5)), "-5"}, JAVA(javaLong(4))},
-    {"getFloat", kResult, "android.control.zoomRatio", "7", readNumber<&P::getFloat, float>,
-     {JAVA(javaFloat(2.5F)), "2.5"}, {JAVA(javaFloat(-0.5F)), "-0.5"}, JAVA(javaDouble(2.5))},
-    {"getLong", kResult, "android.sensor.timestamp", "7", readNumber<&P::getLong, int64_t>,
-     {JAVA(javaLong(5'000'000'001)), "5000000001"}, {JAVA(javaLong(-5'000'000'001)), "-5000000001"},
-     JAVA(javaInt(5))},
-    {"getString", kResult, "orlu.control.localtime", "....##", readBytes<&P::getString>,
-     {JAVA(javaString("abc")), "abc.##"}, {JAVA(javaString("xy")), "xy..##"}, JAVA(javaBytes({'x', 'y'}))},
-    {"getArrayBytes", kResult, "orlu.feedback.sensor_pdaf_info", "....##", readBytes<&P::getArrayBytes>,
-     {JAVA(javaBytes({'a', 0, 'c'})), "a.c.##"}, {JAVA(javaBytes({'x'})), "x...##"}, JAVA(javaString("x"))},
-    {"getIntArray", kResult, "com.orlu.image_sizes", "7 7 7 7 7", readArray<&P::getIntArray, int32_t>,
-     {JAVA(javaInts({1, 2, 3})), "1 2 3 7 7"}, {JAVA(javaInts({4, 5, 6})), "4 5 6 7 7"},
-     JAVA(javaLongs({4}))},
-    {"getFloatArray", kResult, "orlu.control.filterinfo", "7 7 7 7 7", readArray<&P::getFloatArray, float>,
-     {JAVA(javaFloats({1.5, 2, 3})), "1.5 2 3 7 7"}, {JAVA(javaFloats({4, 5, 6.5})), "4 5 6.5 7 7"},
-     JAVA(javaDoubles({4}))},
-    {"getDoubleArray", kResult, "orlu.feedback.clarityScore", "7 7 7 7 7",
-     readArray<&P::getDoubleArray, double>, {JAVA(javaDoubles({0.1, 2, 3})), "0.1 2 3 7 7"},
-     {JAVA(javaDoubles({4, 5, 0.6})), "4 5 0.6 7 7"}, JAVA(javaFloats({4}))},
-    {"getLongArray", kResult, "orlu.feedback.gtmPackedData", "7 7 7 7 7",
-     readArray<&P::getLongArray, int64_t>, {JAVA(javaLongs({5'000'000'001, 2, 3})), "5000000001 2 3 7 7"},
-     {JAVA(javaLongs({4, 5, 6})), "4 5 6 7 7"}, JAVA(javaInts({4}))},
-    {"getStringArray", kResult, "orlu.control.algoType", "first", readStrings,
-     {JAVA(javaStrings({"hdr", "night"})), "first hdr night"}, {JAVA(javaStrings({"flip"})), "first flip"},
-     JAVA(javaString("flip"))},
-    {"getFaceInfo", kResult, "android.statistics.faces", "7", readFaces<&P::getFaceInfo>,
-     {JAVA(javaFaces({{1, 2, 3, 4}, {5, 6, 7, 8}})), "2, 1 2 3 4, 5 6 7 8"},
-     {JAVA(javaFaces({{9, 8, 7, 6}})), "1, 9 8 7 6"}, JAVA(javaInts({1, 2, 3, 4}))},
-    {"getIntFaceArray", kResult, "orlu.feedback.satFaceRect", "7", readFaces<&P::getIntFaceArray>,
-     {JAVA(javaInts({1, 2, 3, 4, 5, 6, 7, 8})), "2, 1 2 3 4, 5 6 7 8"},
-     {JAVA(javaInts({9, 8, 7, 6})), "1, 9 8 7 6"}, JAVA(countedFaces(1))},
-    {"getRectInfo", kResult, "android.scaler.cropRegion", "7 7 7 7", readInts<&P::getRectInfo, __tagOrluRect>,
-     {JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"}, {JAVA(javaRect({5, 6, 8, 9})), "5 6 8 9"},
-     JAVA(javaInts({1, 2, 3, 4}))},
-    {"getRectInfo_ex", kResult, "android.scaler.cropRegion", "7 7 7 7 7",
-     readInts<&P::getRectInfo_ex, SCR_Type>, {JAVA(javaRect({1, 2, 3, 4})), "1 3 2 4 0"},
-     {JAVA(javaRect({5, 6, 8, 9})), "5 8 6 9 0"}, JAVA(countedFaces(1))},
-    {"getMeteringRectangle", kResult, "android.control.afRegions", "7 7 7 7 7", readRegion,
-     {JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 900)), "1 2 3 4 900"},
-     {JAVA(javaRegions({{5, 6, 8, 9}}, 3)), "5 6 8 9 3"}, JAVA(javaRect({1, 2, 3, 4}))},
-    {"getGpsLocation", kResult, "android.jpeg.gpsLocation", "7 7 7 7 7", readLocation,
-     {JAVA(javaLocation(48.5, -2.25, 30, 1'700'000'000'001)), "48.5 -2.25 30 1700000000001 1"},
-     {JAVA(javaLocation(1, 2, 3, 4)), "1 2 3 4 1"}, JAVA(javaDoubles({1, 2}))},
+    {RESULT(getInt),               "android.control.afMode",         JAVA(javaInt(-5)), "-5"},
+    {RESULT(getFloat),             "android.control.zoomRatio",      JAVA(javaFloat(2.5F)), "2.5"},
+    {RESULT(getLong),              "android.sensor.timestamp",       JAVA(javaLong(5'000'000'001)), "5000000001"},
+    {RESULT(getString),            "orlu.control.localtime",         JAVA(javaString("abc")), "abc.##"},
+    {RESULT(getArrayBytes),        "orlu.feedback.sensor_pdaf_info", JAVA(javaBytes({'a', 0, 'c'})), "a.c.##"},
+    {RESULT(getIntArray),          "com.orlu.image_sizes",           JAVA(javaInts({1, 2, 3})), "1 2 3"},
+    {RESULT(getFloatArray),        "orlu.control.filterinfo",        JAVA(javaFloats({1.5, 2, 3})), "1.5 2 3"},
+    {RESULT(getDoubleArray),       "orlu.feedback.clarityScore",     JAVA(javaDoubles({0.1, 2, 3})), "0.1 2 3"},
+    {RESULT(getLongArray),         "orlu.feedback.gtmPackedData",    JAVA(javaLongs({5'000'000'001, 2, 3})), "5000000001 2 3"},
+    {RESULT(getStringArray),       "orlu.control.algoType",          JAVA(javaStrings({"hdr", "night"})), "first hdr night"},
+    {RESULT(getFaceInfo),          "android.statistics.faces",       JAVA(javaFaces({{1, 2, 3, 4}, {5, 6, 7, 8}})), "2 1 2 3 4 5 6 7 8"},
+    {RESULT(getIntFaceArray),      "orlu.feedback.satFaceRect",      JAVA(javaInts({1, 2, 3, 4, 5, 6, 7, 8})), "2 1 2 3 4 5 6 7 8"},
+    {RESULT(getRectInfo),          "android.scaler.cropRegion",      JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
+    {RESULT(getRectInfo_ex),       "android.scaler.cropRegion",      JAVA(javaRect({1, 2, 3, 4})), "1 3 2 4 0"},
+    {RESULT(getMeteringRectangle), "android.control.afRegions",      JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 900)), "1 2 3 4 900"},
+    {RESULT(getGpsLocation),       "android.jpeg.gpsLocation",       JAVA(javaLocation(48.5, -2.25, 30, 1'700'000'000'001)), "48.5 -2.25 30 1700000000001 1"},
 
-    {"getIntOrlu", kParameter, "i", "7", readInts<&P::getIntOrlu, int32_t>, {JAVA(javaInt(4)), "4"}, {},
-     JAVA(javaLong(4))},
-    {"getLongOrlu", kParameter, "l", "7", readNumber<&P::getLongOrlu, int64_t>,
-     {JAVA(javaLong(5'000'000'001)), "5000000001"}, {}, JAVA(javaInt(4))},
-    {"getFloatOrlu", kParameter, "f", "7", readNumber<&P::getFloatOrlu, float>,
-     {JAVA(javaFloat(2.5F)), "2.5"}, {}, JAVA(javaDouble(4))},
-    {"getStringOrlu", kParameter, "s", "....##", readBytes<&P::getStringOrlu>,
-     {JAVA(javaString("abc")), "abc.##"}, {}, JAVA(javaBytes({'x'}))},
-    {"getFaceInfoOrlu", kParameter, "faces", "7", readFaces<&P::getFaceInfoOrlu>,
-     {JAVA(javaFaces({{1, 2, 3, 4}})), "1, 1 2 3 4"}, {}, JAVA(javaInts({1, 2, 3, 4}))},
-    {"getRectInfoOrlu", kParameter, "rect", "7 7 7 7", readInts<&P::getRectInfoOrlu, __tagOrluRect>,
-     {JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"}, {}, JAVA(countedFaces(1))},
-    {"getMeteringRectangleOrlu", kParameter, "region", "7 7 7 7",
-     readInts<&P::getMeteringRectangleOrlu, __tagOrluRect>,
-     {JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 9)), "1 2 3 4"}, {}, JAVA(javaRect({1, 2, 3, 4}))},
+    {PARAMETER(getIntOrlu),               "i",      JAVA(javaInt(4)), "4"},
+    {PARAMETER(getLongOrlu),              "l",      JAVA(javaLong(5'000'000'001)), "5000000001"},
+    {PARAMETER(getFloatOrlu),             "f",      JAVA(javaFloat(2.5F)), "2.5"},
+    {PARAMETER(getStringOrlu),            "s",      JAVA(javaString("abc")), "abc.##"},
+    {PARAMETER(getFaceInfoOrlu),          "faces",  JAVA(javaFaces({{1, 2, 3, 4}})), "1 1 2 3 4"},
+    {PARAMETER(getRectInfoOrlu),          "rect",   JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
+    {PARAMETER(getMeteringRectangleOrlu), "region", JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 9)), "1 2 3 4"},
     // Boxed arrays only.
-    {"getIntArrayOrlu", kParameter, "ints", "7 7 7 7 7", readArray<&P::getIntArrayOrlu, int32_t>,
-     {JAVA(javaArray(kInteger, {javaInt(1), javaInt(2), javaInt(3)})), "1 2 3 7 7"}, {},
-     JAVA(javaInts({1, 2, 3}))},
-    {"getFloatArrayOrlu", kParameter, "floats", "7 7 7 7 7", readArray<&P::getFloatArrayOrlu, float>,
-     {JAVA(javaArray(kFloat, {javaFloat(1), javaFloat(2), javaFloat(3)})), "1 2 3 7 7"}, {},
-     JAVA(javaFloats({1, 2, 3}))},
+    {PARAMETER(getIntArrayOrlu),          "ints",   JAVA(javaArray(kInteger, {javaInt(1), javaInt(2), javaInt(3)})), "1 2 3", JAVA(javaInts({1, 2, 3}))},
+    {PARAMETER(getFloatArrayOrlu),        "floats", JAVA(javaArray(kFloat, {javaFloat(1), javaFloat(2), javaFloat(3)})), "1 2 3", JAVA(javaFloats({1, 2, 3}))},
 
-    {"getCharacteristicsInt", kCharacteristics, "android.lens.facing", "7",
-     readInts<&P::getCharacteristicsInt, int32_t>, {JAVA(javaInt(4)), "4"}, {}, nullptr},
-    {"getCharacteristicsIntArray", kCharacteristics, "com.orlu.image_sizes", "7 7 7 7 7",
-     readArray<&P::getCharacteristicsIntArray, int32_t>, {JAVA(javaInts({1, 2, 3})), "1 2 3 7 7"}, {},
-     nullptr},
-    {"getCharacteristicsRational", kCharacteristics, "orlu.test.rational", "7 7",
-     readInts<&P::getCharacteristicsRational, Rational>, {JAVA(javaRational(-1, 3)), "-1 3"}, {}, nullptr},
-    {"getCharacteristicsRectInfo", kCharacteristics, "android.sensor.info.activeArraySize", "7 7 7 7",
-     readInts<&P::getCharacteristicsRectInfo, __tagOrluRect>, {JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"}, {},
-     nullptr},
-    {"getCharacteristicsRectInfo_ex", kCharacteristics, "android.sensor.info.activeArraySize", "7 7 7 7 7",
-     readInts<&P::getCharacteristicsRectInfo_ex, SCR_Type>, {JAVA(javaRect({1, 2, 3, 4})), "1 3 2 4 0"}, {},
-     nullptr},
+    {CHARACTERISTICS(getCharacteristicsInt),         "android.lens.facing",                 JAVA(javaInt(4)), "4"},
+    {CHARACTERISTICS(getCharacteristicsIntArray),    "com.orlu.image_sizes",                JAVA(javaInts({1, 2, 3})), "1 2 3"},
+    {CHARACTERISTICS(getCharacteristicsRational),    "orlu.test.rational",                  JAVA(javaRational(-1, 3)), "-1 3"},
+    {CHARACTERISTICS(getCharacteristicsRectInfo),    "android.sensor.info.activeArraySize", JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
+    {CHARACTERISTICS(getCharacteristicsRectInfo_ex), "android.sensor.info.activeArraySize", JAVA(javaRect({1, 2, 3, 4})), "1 3 2 4 0"},
 };
 // clang-format on
+#undef RESULT
+#undef PARAMETER
+#undef CHARACTERISTICS
 #undef JAVA
 
 inline jobject compositionWith(const char* key, jobject value) {
@@ -257,25 +211,30 @@ inline jobject compositionWith(const char* key, jobject value) {
 // The getter's own source, with a value or empty.
 inline jobject sourceOf(const Getter& getter, bool hasValue) {
   if (getter.source == kParameter) {
-    return hasValue ? compositionWith(getter.key, getter.value.make()) : newComposition();
+    return hasValue ? compositionWith(getter.key, getter.value()) : newComposition();
   }
   registerTag("orlu.test.rational", "RATIONAL");
   jobject metadata = newMetadata();
-  if (hasValue) setTag(metadata, getter.key, getter.value.make());
+  if (hasValue) setTag(metadata, getter.key, getter.value());
   return getter.source == kResult ? newCaptureResult(metadata) : newCharacteristics(metadata);
 }
 
-// A composition for the getter to find another value in than its source has.
-inline jobject compositionOver(const Getter& getter) {
-  return compositionWith(getter.key, getter.over.make());
-}
-
-// Reads, and lets no exception stay pending.
-inline std::string readBy(P& parser, const Getter& getter, const Ask& ask) {
-  std::string text = getter.read(parser, ask);
+// Reads, and keeps nothing of the VM's.
+inline std::string readBy(P& parser, Reader read, const Ask& ask) {
+  const JniTable table(env());
+  std::string text = read(parser, ask);
+  EXPECT_EQ(0, table.localReferences());
+  EXPECT_EQ(0, table.heldArrays());
   EXPECT_FALSE(env()->ExceptionCheck());
   env()->ExceptionClear();
   return text;
+}
+
+// A parser that did not find one class or member.
+inline P parserWithout(const std::string& hidden) {
+  JniTable table(env());
+  table.hide(hidden);
+  return P(env());
 }
 
 inline std::string parserLine(const std::string& message) {

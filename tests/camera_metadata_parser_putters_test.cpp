@@ -1,17 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "camera_metadata_parser.h"
+#include "camera_metadata_parser_getter_table.h"
 #include "case_name.h"
-#include "error_lines.h"
-#include "fixtures.h"
+#include "java_text.h"
 #include "jni_table.h"
 
 namespace orlu::test {
 namespace {
-
-using P = CameraMetadataParser;
 
 enum Container { kComposition, kHashMap };
 
@@ -24,8 +19,6 @@ struct Putter {
 };
 
 constexpr char kKey[] = "some.key";
-constexpr char kInteger[] = "java/lang/Integer";
-constexpr char kFloat[] = "java/lang/Float";
 constexpr char kLong[] = "java/lang/Long";
 constexpr char kIntegers[] = "[Ljava/lang/Integer;";
 constexpr char kFloats[] = "[Ljava/lang/Float;";
@@ -34,64 +27,36 @@ constexpr int64_t kBig = 5'000'000'001;
 constexpr int32_t kIntValues[] = {1, -2, 3};
 constexpr int64_t kLongValues[] = {5'000'000'001, -2};
 constexpr float kFloatValues[] = {1.5F, -2.0F};
-constexpr double kDoubleValues[] = {0.1, -2.0};
+constexpr double kDoubleValues[] = {0.125, -2.0};
 
 // clang-format off
 #define PUT(putter, ...) [](P& parser, jobject to) { return parser.putter(__VA_ARGS__, kKey, to); }
 const Putter kPutters[] = {
-    {"putInt",         kComposition, PUT(putInt, -4), "java.lang.Integer -4", kInteger},
-    {"putFloat",       kComposition, PUT(putFloat, 2.5F), "java.lang.Float 2.5", kFloat},
-    {"putLong",        kComposition, PUT(putLong, kBig), "java.lang.Long 5000000001", kLong},
-    {"putIntArray",    kComposition, PUT(putIntArray, kIntValues, 3), "[I 1 -2 3", kIntegers},
+    {"putInt",         kComposition, PUT(putInt, -4), "Integer -4", kInteger},
+    {"putFloat",       kComposition, PUT(putFloat, 2.5F), "Float 2.5", kFloat},
+    {"putLong",        kComposition, PUT(putLong, kBig), "Long 5000000001", kLong},
+    {"putIntArray",    kComposition, PUT(putIntArray, kIntValues, 3), "int[] 1 -2 3", kIntegers},
     // Asks for the Integer[] class on purpose.
-    {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "[J 5000000001 -2", kIntegers},
-    {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "[F 1.5 -2", kFloats},
-    {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "[D 0.1 -2", kDoubles},
-    {"putNoInts",      kComposition, PUT(putIntArray, nullptr, 0), "[I", kIntegers},
-    {"putIntIntoMap",  kHashMap, PUT(putIntIntoHashMap, -4), "java.lang.Integer -4", kInteger},
-    {"putFloatIntoMap", kHashMap, PUT(putFloatIntoHashMap, 2.5F), "java.lang.Float 2.5", kFloat},
-    {"putLongIntoMap", kHashMap, PUT(putLongIntoHashMap, kBig), "java.lang.Long 5000000001", kLong},
-    {"putIntsIntoMap", kHashMap, PUT(putIntArrayIntoHashMap, kIntValues, 3), "[I 1 -2 3", kIntegers},
+    {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "long[] 5000000001 -2", kIntegers},
+    {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2", kFloats},
+    {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2", kDoubles},
+    {"putNoInts",      kComposition, PUT(putIntArray, nullptr, 0), "int[]", kIntegers},
+    {"putIntIntoMap",  kHashMap, PUT(putIntIntoHashMap, -4), "Integer -4", kInteger},
+    {"putFloatIntoMap", kHashMap, PUT(putFloatIntoHashMap, 2.5F), "Float 2.5", kFloat},
+    {"putLongIntoMap", kHashMap, PUT(putLongIntoHashMap, kBig), "Long 5000000001", kLong},
+    {"putIntsIntoMap", kHashMap, PUT(putIntArrayIntoHashMap, kIntValues, 3), "int[] 1 -2 3", kIntegers},
 };
 #undef PUT
 // clang-format on
 
-template <typename T>
-std::string joinedText(const std::vector<T>& values) {
-  std::ostringstream text;
-  for (const T& value : values) text << " " << value;
-  return text.str();
-}
+const std::string kNoInput = parserLine("put some.key, input param is null");
+const std::string kNotPut = parserLine("put some.key is null");
 
-// The class and the value.
-std::string textOf(jobject value) {
-  if (value == nullptr) return "nothing";
-  const std::string clazz =
-      stringOf(callObject(env()->GetObjectClass(value), "getName", "()Ljava/lang/String;"));
-  if (clazz == "[I") return clazz + joinedText(intsOf(value));
-  if (clazz == "[J") return clazz + joinedText(longsOf(value));
-  if (clazz == "[F") return clazz + joinedText(floatsOf(value));
-  if (clazz == "[D") return clazz + joinedText(doublesOf(value));
-  return clazz + " " + stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
-}
-
-constexpr char kParser[] = "CameraMetadataParser";
-const std::string kNoInput = errorLine(kParser, "put some.key, input param is null");
-const std::string kNotPut = errorLine(kParser, "put some.key is null");
-
-jobject get(jobject map) {
-  jmethodID method =
-      env()->GetMethodID(findClass("java/util/HashMap"), "get", "(Ljava/lang/Object;)Ljava/lang/Object;");
-  jobject value = env()->CallObjectMethod(map, method, javaString(kKey));
-  expectNoException("get");
-  return value;
-}
-
-// A parser that did not find one class or member.
-P parserWithout(const std::string& hidden) {
-  JniTable table(env());
-  table.hide(hidden);
-  return P(env());
+// The one value of a map.
+jobject valueIn(jobject map) {
+  jobject values =
+      callObject(callObject(map, "values", "()Ljava/util/Collection;"), "toArray", "()[Ljava/lang/Object;");
+  return env()->GetObjectArrayElement(static_cast<jobjectArray>(values), 0);
 }
 
 class CameraMetadataParserPutterTest : public testing::TestWithParam<Putter> {
@@ -102,7 +67,9 @@ protected:
   // Puts, and lets no exception stay pending.
   int put(P& parser, jobject container) {
     mLog.clear();
+    const JniTable table(env());
     const int result = mPutter.put(parser, container);
+    EXPECT_EQ(0, table.localReferences());
     EXPECT_FALSE(env()->ExceptionCheck());
     env()->ExceptionClear();
     return result;
@@ -121,8 +88,9 @@ protected:
 TEST_P(CameraMetadataParserPutterTest, StoresAJavaValueUnderTheKey) {
   jobject container = newContainer();
   EXPECT_EQ(0, put(mParser, container));
+  EXPECT_EQ(0, put(mParser, container)) << "over a value";
   EXPECT_EQ(Lines(), errorLines(mLog));
-  EXPECT_EQ(mPutter.stored, textOf(isMap() ? get(container) : getKey(container, kKey)));
+  EXPECT_EQ(mPutter.stored, describeJava(isMap() ? valueIn(container) : getKey(container, kKey)));
 }
 
 TEST_P(CameraMetadataParserPutterTest, NeedsAContainer) {
@@ -132,43 +100,22 @@ TEST_P(CameraMetadataParserPutterTest, NeedsAContainer) {
   expectFailure(kNotPut, mParser, isMap() ? newThrowingMap() : newThrowingComposition(), "one that throws");
 }
 
-TEST_P(CameraMetadataParserPutterTest, NeedsWhatTheValueIsMadeOf) {
-  const std::string clazz = mPutter.required;
-  for (const std::string& hidden : {clazz, clazz + (clazz[0] == '[' ? "" : ".<init>")}) {
-    P parser = parserWithout(hidden);
-    expectFailure(kNoInput, parser, newContainer(), hidden);
-  }
-  P parser;
-  expectFailure(kNoInput, parser, newContainer(), "a parser without an environment");
-}
-
-TEST_P(CameraMetadataParserPutterTest, NeedsTheContainersMethod) {
+TEST_P(CameraMetadataParserPutterTest, NeedsItsClassesAndMembers) {
   jobject container = newContainer();
+  const auto expectFailureWithout = [&](const std::string& hidden, const std::string& line) {
+    P parser = parserWithout(hidden);
+    expectFailure(line, parser, container, hidden);
+  };
+  const std::string value = mPutter.required;
+  expectFailureWithout(value, kNoInput);
+  if (value[0] != '[') expectFailureWithout(value + ".<init>", kNoInput);
   const std::string composition = "com/orlu/orlu3rdalgoservice/CaptureResultComposition";
-  const std::string clazz = isMap() ? "java/util/HashMap" : composition;
-  for (const std::string& hidden : {clazz, clazz + (isMap() ? ".put" : ".putMetadata")}) {
-    P parser = parserWithout(hidden);
-    expectFailure(kNotPut, parser, container, hidden);
-  }
-  P withoutComposition;
-  withoutComposition.initFromEnv(env(), true);
-  if (isMap()) {
-    EXPECT_EQ(0, put(withoutComposition, container));
-  } else {
-    expectFailure(kNotPut, withoutComposition, container, "a callback's parser");
-  }
-}
-
-TEST_P(CameraMetadataParserPutterTest, LeavesNoReferenceBehind) {
-  jobject container = newContainer();
-  const std::vector<jobject> containers = {container, container, nullptr,
-                                           isMap() ? newThrowingMap() : newThrowingComposition()};
-  for (jobject each : containers) put(mParser, each);
-  const JniTable table(env());
-  for (jobject each : containers) {
-    put(mParser, each);
-    EXPECT_EQ(0, table.localReferences());
-  }
+  expectFailureWithout(isMap() ? "java/util/HashMap" : composition, kNotPut);
+  expectFailureWithout(isMap() ? "java/util/HashMap.put" : composition + ".putMetadata", kNotPut);
+  P parser;
+  expectFailure(kNoInput, parser, container, "a parser without an environment");
+  parser.initFromEnv(env(), true);
+  EXPECT_EQ(isMap() ? 0 : -1, put(parser, container)) << "a callback's parser";
 }
 
 TEST_P(CameraMetadataParserPutterTest, CopesWithoutMemory) {
@@ -177,7 +124,8 @@ TEST_P(CameraMetadataParserPutterTest, CopesWithoutMemory) {
        {"NewStringUTF", "NewObjectV", "NewIntArray", "NewLongArray", "NewFloatArray", "NewDoubleArray"}) {
     JniTable table(env());
     table.fail(function);
-    const int result = put(mParser, container);
+    const int result = mPutter.put(mParser, container);
+    EXPECT_FALSE(env()->ExceptionCheck());
     EXPECT_EQ(table.calls(function) == 0 ? 0 : -1, result) << function;
   }
 }
@@ -191,31 +139,15 @@ protected:
   LogCapture mLog;
 };
 
-TEST_F(CameraMetadataParserPuttersTest, NeedNoLongArrayClassForLongs) {
-  P parser = parserWithout("[Ljava/lang/Long;");
-  jobject composition = newComposition();
-  EXPECT_EQ(0, parser.putLongArray(kLongValues, 2, kKey, composition));
-  EXPECT_EQ("[J 5000000001 -2", textOf(getKey(composition, kKey)));
-}
-
-TEST_F(CameraMetadataParserPuttersTest, HaveNoLimitOfElements) {
-  const std::vector<double> values(5000, 0.5);
-  jobject composition = newComposition();
-  EXPECT_EQ(0, mParser.putDoubleArray(values.data(), 5000, kKey, composition));
-  EXPECT_EQ(values, doublesOf(getKey(composition, kKey)));
-  EXPECT_EQ(-1, mParser.putIntArray(kIntValues, -1, kKey, composition)) << "a count that no array has";
-  EXPECT_FALSE(env()->ExceptionCheck());
-}
-
 TEST_F(CameraMetadataParserPuttersTest, StoreObjectsAsTheyAre) {
   jobject value = javaString("value");
   jobject composition = newComposition();
   jobject map = mParser.createHashMap();
   EXPECT_EQ(0, mParser.putMetadataObjectIntoCaptureResultComposition(composition, kKey, value));
   EXPECT_EQ(0, mParser.putObjectIntoHashMap(map, kKey, value));
-  EXPECT_EQ("java.lang.String value", textOf(getKey(composition, kKey)));
-  EXPECT_EQ("java.util.HashMap {some.key=value}", textOf(map));
-  EXPECT_EQ("java.util.HashMap {}", textOf(mParser.createHashMap()));
+  EXPECT_EQ("String value", describeJava(getKey(composition, kKey)));
+  EXPECT_EQ("HashMap {some.key=value}", describeJava(map));
+  EXPECT_EQ("HashMap {}", describeJava(mParser.createHashMap()));
   EXPECT_EQ(-1, mParser.putMetadataObjectIntoCaptureResultComposition(composition, kKey, nullptr));
   EXPECT_EQ(-1, mParser.putMetadataObjectIntoCaptureResultComposition(nullptr, kKey, value));
   EXPECT_EQ(-1, mParser.putObjectIntoHashMap(map, kKey, nullptr));
@@ -228,13 +160,13 @@ TEST_F(CameraMetadataParserPuttersTest, TellWhyThereIsNoMap) {
     P parser = parserWithout(hidden);
     mLog.clear();
     EXPECT_EQ(nullptr, parser.createHashMap());
-    EXPECT_EQ(Lines{errorLine(kParser, "createHashMap failed, input is null")}, errorLines(mLog)) << hidden;
+    EXPECT_EQ(Lines{parserLine("createHashMap failed, input is null")}, errorLines(mLog)) << hidden;
   }
   mLog.clear();
   JniTable table(env());
   table.fail("NewObjectV");
   EXPECT_EQ(nullptr, mParser.createHashMap());
-  EXPECT_EQ(Lines{errorLine(kParser, "createHashMap failed")}, errorLines(mLog));
+  EXPECT_EQ(Lines{parserLine("createHashMap failed")}, errorLines(mLog));
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 // Clients without an algorithm library. This program's folder has the device's libraries but not that one.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
+
+#include <filesystem>
 
 #include "algo_native_context.h"
-#include "log_text.h"
+#include "error_lines.h"
 
 namespace orlu {
 namespace {
@@ -45,26 +46,6 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// The folder of this program, with its slash.
-std::string ownFolder() {
-  char path[4096];
-  const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
-  const std::string program(path, length < 0 ? 0 : static_cast<size_t>(length));
-  return program.substr(0, program.rfind('/') + 1);
-}
-
-// Another library under the algorithm library's name.
-class Impostor {
-public:
-  Impostor() { EXPECT_EQ(0, symlink((ownFolder() + "liblog.so").c_str(), mPath.c_str())); }
-  Impostor(const Impostor&) = delete;
-  Impostor& operator=(const Impostor&) = delete;
-  ~Impostor() { unlink(mPath.c_str()); }
-
-private:
-  const std::string mPath = ownFolder() + "liborlu.vac.interface.so";
-};
-
 // In one test because a library, once opened, keeps its name: with the impostor open there is no way back.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
@@ -83,9 +64,13 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   EXPECT_EQ("destroy client failed\n", test::errorText(log, kContextTag));
 
   // It is looked for again with every client.
-  const Impostor impostor;
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const auto impostor = folder / "liborlu.vac.interface.so";  // another library under its name
+  std::filesystem::remove(impostor);
+  std::filesystem::create_symlink(folder / "liblog.so", impostor);
   log.clear();
   AlgoNativeContext context;
+  std::filesystem::remove(impostor);
   const std::string error = test::errorText(log, kContextTag);
   EXPECT_EQ(0U, error.find(std::string(kProviderTag) + ": * dlsym failed: ")) << error;
   EXPECT_NE(std::string::npos, error.find(" undefined symbol: AlgoInterfaceEntry\n" + noClient)) << error;

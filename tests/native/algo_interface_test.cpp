@@ -8,42 +8,25 @@
 namespace orlu {
 namespace {
 
-// How many callables stand before this one in its table.
-template <typename Table, typename Callable>
-size_t placeOf(const Table& table, const void* first, const Callable& callable) {
-  static_assert(sizeof(Callable) == sizeof(std::function<void()>));
-  EXPECT_LE(reinterpret_cast<const char*>(&callable + 1), reinterpret_cast<const char*>(&table + 1));
-  return static_cast<size_t>(reinterpret_cast<const char*>(&callable) - static_cast<const char*>(first)) /
-         sizeof(Callable);
+// The callables follow each other without gaps.
+void expectInOrder(const std::vector<const void*>& callables) {
+  const char* place = static_cast<const char*>(callables[0]);
+  for (const void* callable : callables) {
+    EXPECT_EQ(static_cast<const void*>(place), callable);
+    place += sizeof(std::function<void()>);
+  }
 }
 
-TEST(AlgoInterfaceTest, KeepsTheOrderOfMetadataOperations) {
-  const AlgoMetadataOps ops;
-  const auto place = [&ops](const auto& callable) { return placeOf(ops, &ops, callable); };
-  EXPECT_EQ(0U, place(ops.createMetadata));
-  EXPECT_EQ(1U, place(ops.destroyMetadata));
-  EXPECT_EQ(2U, place(ops.getSize));
-  EXPECT_EQ(3U, place(ops.setValue));
-  EXPECT_EQ(4U, place(ops.getValue));
-  EXPECT_EQ(5U, place(ops.setRaw));
-  EXPECT_EQ(7U, place(ops.paramAlgoUpdateToSystem));
-  EXPECT_EQ(8U, place(ops.paramSystemDownloadToAlgo));
-  EXPECT_EQ(9 * sizeof(ops.getSize), sizeof ops);
-}
-
-TEST(AlgoInterfaceTest, KeepsTheOrderOfOperations) {
+TEST(AlgoInterfaceTest, KeepsTheOrderOfCallables) {
   const AlgoInterfaceCallbacks table;
-  const auto place = [&table](const auto& callable) { return placeOf(table, &table.init, callable); };
+  const AlgoMetadataOps& ops = table.metadataOps;
   EXPECT_EQ(static_cast<const void*>(&table), &table.version);
-  EXPECT_EQ(1U, place(table.process));
-  EXPECT_EQ(2U, place(table.uninit));
-  EXPECT_EQ(3U, place(table.getData));
-  EXPECT_EQ(5U, place(table.flush));
-  EXPECT_EQ(6U, place(table.command));
-  EXPECT_EQ(7U, place(table.createClient));
-  EXPECT_EQ(8U, place(table.destroyClient));
-  EXPECT_EQ(9U, place(table.metadataOps.createMetadata));
-  EXPECT_EQ(18U, place(table.translateParamFile));
+  expectInOrder({&table.init, &table.process, &table.uninit, &table.getData, &table.reserved, &table.flush,
+                 &table.command, &table.createClient, &table.destroyClient,
+                 // The table of metadata operations stands inside.
+                 &ops.createMetadata, &ops.destroyMetadata, &ops.getSize, &ops.setValue, &ops.getValue,
+                 &ops.setRaw, &ops.reserved, &ops.paramAlgoUpdateToSystem, &ops.paramSystemDownloadToAlgo,
+                 &table.translateParamFile, &table + 1});
 }
 
 }  // namespace

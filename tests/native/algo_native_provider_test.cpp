@@ -4,7 +4,7 @@
 
 #include "algo.h"
 #include "algo_native_context.h"
-#include "log_text.h"
+#include "error_lines.h"
 
 namespace orlu {
 namespace {

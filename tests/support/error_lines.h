@@ -35,6 +35,17 @@ inline Lines errorLines(const LogCapture& log) {
   return lines;
 }
 
+// One line for each error. Those under `tag`, with their prefix, show their message alone.
+inline std::string errorText(const LogCapture& log, const std::string& tag) {
+  const std::string usual = tag + ": * ";
+  std::string text;
+  for (const std::string& line : errorLines(log)) {
+    if (line[0] == '?') continue;
+    text += (line.compare(0, usual.size(), usual) == 0 ? line.substr(usual.size()) : line) + '\n';
+  }
+  return text;
+}
+
 // The line of an error that a class logs under its own tag.
 inline std::string errorLine(const std::string& clazz, const std::string& message) {
   return "_V_VASJNI-" + clazz + ": * " + message;
