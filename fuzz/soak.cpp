@@ -10,10 +10,10 @@
 #include <string>
 
 #include "algo.h"
+#include "callback_data.h"
 #include "fixtures.h"
 #include "jvm.h"
 #include "request_processor.h"
-#include "shot_callback.h"
 #include "soak_watch.h"
 #include "stand_in_script.h"
 

@@ -5,7 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <future>
+#include <cstdarg>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -50,17 +51,28 @@ std::string lightStreamReport(const std::string& sharedFd) {
 
 class AlgoNativeClientJvmTest : public testing::Test {
 protected:
-  ~AlgoNativeClientJvmTest() override { AlgoNativeRequestMap::getInstance()->remove(mFullAsync); }
-
-  void send(const std::vector<uint8_t>& data, bool attachThread = true,
-            const std::vector<const native_handle_t*>& handles = {}) {
-    test::Algo::sendCallback(mClient->callbackCookie(), data, handles, attachThread);
+  ~AlgoNativeClientJvmTest() override {
+    mClient.reset();
+    EXPECT_TRUE(AlgoNativeRequestMap::getInstance()->remove(mFullAsync)) << "Java finishes it";
+    EXPECT_EQ(0, test::Algo::counts().clients);
   }
+
   void receive(const std::vector<uint8_t>& data) {
     mClient->onPostProcessData(android::hardware::hidl_vec<uint8_t>(data), {}, {});
   }
+  void receiveBoth() {
+    receive(shotCallback(mFullAsync));
+    receive(lightStreamCallback());
+  }
   std::string shotReport() const {
     return "4294967299 7 8589934593 nativeRequestAddr=Long " + std::to_string(mFullAsync) + "\n";
+  }
+  std::string bothReports() const { return shotReport() + lightStreamReport(""); }
+  // That both kinds of data failed with `error`, so often.
+  void expectErrors(int count, const char* error) const {
+    for (const char* function : {"onPostProcessDataCommonShot: ", "onPostProcessDataLightStream: "}) {
+      EXPECT_EQ(count, mLog.errors(kTag, std::string(function) + error)) << mLog.text();
+    }
   }
 
   const test::LocalFrame mFrame;
@@ -72,7 +84,7 @@ protected:
 };
 
 TEST_F(AlgoNativeClientJvmTest, AnnouncesAFullAsyncRequest) {
-  send(shotCallback(mFullAsync));
+  receive(shotCallback(mFullAsync));
   EXPECT_EQ(shotReport(), mRecorder.reports());
   const std::string req = "nativeReq " + std::to_string(mFullAsync);
   const std::string client = "clientId = 4294967299, algoContextIndex = 7, ";
@@ -80,62 +92,63 @@ TEST_F(AlgoNativeClientJvmTest, AnnouncesAFullAsyncRequest) {
                                   "X, " + client + req + ", isFullAsync 1"}) {
     EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "onPostProcessDataCommonShot: " + line)) << mLog.text();
   }
-  EXPECT_EQ(kReqId, AlgoNativeRequestMap::getInstance()->getRequestId(mFullAsync)) << "Java finishes it";
 }
 
-// Reads the arguments of static calls that the main thread makes.
-struct StaticCallSpy {
-  StaticCallSpy() : original(env()->functions), table(*original) {
-    first = -1;
-    table.CallStaticVoidMethodV = [](JNIEnv* jni, jclass clazz, jmethodID method, va_list arguments) {
-      va_list copy;
-      va_copy(copy, arguments);
-      first = va_arg(copy, jint);
-      va_end(copy);
-      jni->functions = javaTable;
-      jni->CallStaticVoidMethodV(clazz, method, arguments);
-    };
-    javaTable = original;
+// Stands before the static calls that the main thread makes, during its life.
+struct StaticCallHook {
+  explicit StaticCallHook(std::function<void(va_list)> onCall)
+      : original(env()->functions), table(*original) {
+    hook = std::move(onCall);
+    table.CallStaticVoidMethodV = [](JNIEnv*, jclass, jmethodID, va_list arguments) { hook(arguments); };
     env()->functions = &table;
   }
-  ~StaticCallSpy() { env()->functions = original; }
+  ~StaticCallHook() { env()->functions = original; }
 
   const JNINativeInterface_* original;
   JNINativeInterface_ table;
-  static inline const JNINativeInterface_* javaTable = nullptr;
-  static inline jint first = -1;
+  static inline std::function<void(va_list)> hook;
 };
 
 TEST_F(AlgoNativeClientJvmTest, PassesZeroFirst) {
-  for (const std::vector<uint8_t>& data : {shotCallback(mFullAsync), lightStreamCallback()}) {
-    const StaticCallSpy spy;
-    receive(data);
-    EXPECT_EQ(0, StaticCallSpy::first);
-  }
-  EXPECT_EQ(shotReport() + lightStreamReport(""), mRecorder.reports());
+  std::vector<int> first;
+  const StaticCallHook spy([&](va_list arguments) { first.push_back(va_arg(arguments, jint)); });
+  receiveBoth();
+  EXPECT_EQ((std::vector<int>{0, 0}), first);
 }
 
+// What the client touches afterwards is found by AddressSanitizer.
+TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
+  const StaticCallHook destroying([&](va_list) { mClient.reset(); });
+  mClient->onPostProcessDataCommonShot(mFullAsync);
+}
+
+// Attached, it stays so, and local references do not pile up on it: the VM complains of them when the test
+// program ends.
 TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
+  std::string expected;
   std::thread([&] {
     JNIEnv* before = nullptr;
     JNIEnv* after = nullptr;
     javaVm()->AttachCurrentThread(reinterpret_cast<void**>(&before), nullptr);
-    receive(shotCallback(mFullAsync));
+    for (int i = 0; i < 300; ++i) {
+      receiveBoth();
+      expected += bothReports();
+    }
     EXPECT_EQ(JNI_OK, javaVm()->GetEnv(reinterpret_cast<void**>(&after), JNI_VERSION_1_4));
     EXPECT_EQ(before, after);
     javaVm()->DetachCurrentThread();
   }).join();
-  EXPECT_EQ(shotReport(), mRecorder.reports());
+  EXPECT_EQ(expected, mRecorder.reports());
 
   std::thread([&] {
     JNIEnv* after = nullptr;
-    receive(shotCallback(mFullAsync));
-    receive(lightStreamCallback());
+    receiveBoth();
     EXPECT_EQ(JNI_EDETACHED, javaVm()->GetEnv(reinterpret_cast<void**>(&after), JNI_VERSION_1_4));
+    mClient.reset();
   }).join();
-  EXPECT_EQ(shotReport(), mRecorder.reports()) << "Java was called from a thread that is not attached";
-  EXPECT_EQ(1, mLog.errors(kTag, "onPostProcessDataCommonShot: JavaVM GetEnv ERROR"));
-  EXPECT_EQ(1, mLog.errors(kTag, "onPostProcessDataLightStream: JavaVM GetEnv ERROR"));
+  EXPECT_EQ(expected, mRecorder.reports()) << "Java was called from a thread that is not attached";
+  expectErrors(1, "JavaVM GetEnv ERROR");
+  EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
 }
 
 struct HandleCase {
@@ -155,7 +168,7 @@ TEST_P(AlgoNativeClientHandleTest, LightStreamTellsTheFirstWordOfTheFirstHandle)
     if (handle != nullptr && descriptors + integers > 0) handle->data[0] = word;
     handles.push_back(handle);
   }
-  send(lightStreamCallback(), true, handles);
+  test::Algo::sendCallback(mClient->callbackCookie(), lightStreamCallback(), handles, true);
   for (const native_handle_t* handle : handles) native_handle_delete(const_cast<native_handle_t*>(handle));
   EXPECT_EQ(lightStreamReport(GetParam().inMap), mRecorder.reports());
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag,
@@ -180,9 +193,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, AlgoNativeClientHandleTest,
 // clang-format on
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamNeedsItsFortyEightBytes) {
-  for (size_t size : {0, 1, 47}) send(lightStreamCallback(size));
+  for (size_t size : {0, 1, 47}) receive(lightStreamCallback(size));
   EXPECT_EQ("", mRecorder.reports());
-  send(lightStreamCallback(61));
+  receive(lightStreamCallback(61));
   EXPECT_EQ(lightStreamReport(""), mRecorder.reports());
   EXPECT_TRUE(mLog.contains("dataSize: 61"));
 }
@@ -195,42 +208,16 @@ TEST_F(AlgoNativeClientJvmTest, ClearsWhatTheCallbackThrows) {
     env()->ExceptionClear();
   }
   EXPECT_EQ(2, mLog.errors(kTag, "callbackFromNative threw")) << mLog.text();
-  mRecorder.setThrows(false);
-  receive(shotCallback(mFullAsync));
-  EXPECT_EQ(shotReport(), mRecorder.reports());
-}
-
-// On a thread that stays attached and never returns to Java. Of what the VM counts on top, it complains when
-// the test program ends.
-TEST_F(AlgoNativeClientJvmTest, LocalReferencesDoNotPileUp) {
-  std::promise<void> called;
-  std::promise<void> counted;
-  std::thread thread([&] {
-    void* attached = nullptr;
-    javaVm()->AttachCurrentThread(&attached, nullptr);
-    for (int i = 0; i < 1000; ++i) {
-      receive(shotCallback(mFullAsync));
-      receive(lightStreamCallback());
-    }
-    called.set_value();
-    counted.get_future().wait();
-    javaVm()->DetachCurrentThread();
-  });
-  called.get_future().wait();
-  EXPECT_EQ(0, mRecorder.mapsInUse());
-  counted.set_value();
-  thread.join();
-  const std::string reports = mRecorder.reports();
-  EXPECT_EQ(2000, std::count(reports.begin(), reports.end(), '\n'));
 }
 
 TEST_F(AlgoNativeClientJvmTest, KeepsOneReferenceAndGivesItBack) {
-  const std::string method = std::string(kCallbackClass) + ".callbackFromNative";
+  const std::pair<std::string, int> kHidden[] = {
+      {kCallbackClass,                                      0},
+      {std::string(kCallbackClass) + ".callbackFromNative", 1},
+      {"",                                                  1},
+  };
   int failed = 0;
-  for (const auto& [hidden, references] : {
-           std::pair(std::string(), 1), {kCallbackClass, 0},
-             {method,         1}
-  }) {
+  for (const auto& [hidden, references] : kHidden) {
     SCOPED_TRACE(hidden);
     mClient.reset();
     test::JniTable table(env());
@@ -238,22 +225,14 @@ TEST_F(AlgoNativeClientJvmTest, KeepsOneReferenceAndGivesItBack) {
     mClient = std::make_unique<AlgoNativeClient>(env(), kClientId, 7);
     EXPECT_EQ(references, table.calls("NewGlobalRef"));
     EXPECT_EQ(0, table.localReferences());
-    receive(shotCallback(mFullAsync));
-    receive(lightStreamCallback());
+    receiveBoth();
     failed += hidden.empty() ? 0 : 1;
-    EXPECT_EQ(failed, mLog.errors(kTag, "onPostProcessDataCommonShot: postDataMethod not find"));
-    EXPECT_EQ(failed, mLog.errors(kTag, "onPostProcessDataLightStream: postDataMethod not find"));
+    expectErrors(failed, "postDataMethod not find");
     const int deleted = table.calls("DeleteGlobalRef");
     mClient.reset();
     EXPECT_EQ(references, table.calls("DeleteGlobalRef") - deleted);
   }
-  EXPECT_EQ(shotReport() + lightStreamReport(""), mRecorder.reports());
-}
-
-TEST_F(AlgoNativeClientJvmTest, EndsOnAThreadThatIsNotAttached) {
-  std::thread([&] { mClient.reset(); }).join();
-  EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
-  EXPECT_EQ(0, test::Algo::counts().clients);
+  EXPECT_EQ(bothReports(), mRecorder.reports());
 }
 
 }  // namespace

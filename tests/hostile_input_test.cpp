@@ -3,14 +3,10 @@
 
 #include <android/sharedmem_jni.h>
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
-#include "algo.h"
-#include "algo_native_request_map.h"
-#include "case_name.h"
-#include "fixtures.h"
 #include "jni_support.h"
-#include "request_processor.h"
+#include "jni_table.h"
+#include "request_scene.h"
 
 namespace {
 
@@ -31,25 +27,16 @@ namespace {
 
 using test::env;
 using test::javaString;
-using test::LocalFrame;
 
-class HostileInputTest : public testing::Test {
+class HostileInputTest : public test::RequestScene {
 protected:
-  HostileInputTest() : mInst(RequestProcessor::create(env(), nullptr)) {}
-  ~HostileInputTest() override { RequestProcessor::destroy(env(), mInst); }
+  HostileInputTest() { create(); }
 
   // Java's list of `count` times the same element.
   static jobject copies(int count, jobject element) {
-    jclass clazz = test::findClass("java/util/Collections");
-    jmethodID make = env()->GetStaticMethodID(clazz, "nCopies", "(ILjava/lang/Object;)Ljava/util/List;");
-    jobject list = env()->CallStaticObjectMethod(clazz, make, count, element);
-    test::expectNoException("nCopies");
-    return list;
+    return test::callStatic("java/util/Collections", "nCopies", "(ILjava/lang/Object;)Ljava/util/List;",
+                            count, element);
   }
-
-  LocalFrame mFrame;
-  test::Algo mAlgo;
-  int64_t mInst;
 };
 
 TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
@@ -72,32 +59,14 @@ TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
 
 // Another thread waits for it, and destroys its block.
 TEST_F(HostileInputTest, DoesNotEndASynchronousRequestThatACompositionNames) {
-  auto* const client = reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(mInst));
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-  void* const block = client->context().createMetadata();
+  void* const block = client().context().createMetadata();
   const uint64_t waitedFor = map->create(7, block, false);
-  const int blocks = test::Algo::counts().parameterBlocks;
-
-  jobject composition = test::newComposition();
-  test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(waitedFor)));
-  jobject none = test::javaList({});
-  jobject compositions = test::javaList({composition});
-  EXPECT_EQ(0, RequestProcessor::processImageUpdateResult(env(), mInst, nullptr, none, none, compositions));
-  EXPECT_EQ(blocks, test::Algo::counts().parameterBlocks);
+  EXPECT_EQ(0, updateResult(waitedFor));
+  EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
   EXPECT_EQ(7, map->getRequestId(waitedFor));
-
-  client->context().destroyMetadata(block);
+  client().context().destroyMetadata(block);
   map->remove(waitedFor);
-}
-
-TEST_F(HostileInputTest, HandsABlockToOneOfThoseWhoEndARequest) {
-  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-  int block = 0;
-  const uint64_t request = map->create(7, &block, true);
-  EXPECT_EQ(&block, map->takeMetadataHandle(request));
-  EXPECT_EQ(nullptr, map->takeMetadataHandle(request));
-  map->remove(request);
-  EXPECT_EQ(nullptr, map->takeMetadataHandle(request));
 }
 
 TEST_F(HostileInputTest, AsksThePlatformForTheDescriptorOfSharedMemoryAlone) {
@@ -109,82 +78,34 @@ TEST_F(HostileInputTest, AsksThePlatformForTheDescriptorOfSharedMemoryAlone) {
   EXPECT_EQ(1, gDuplicated);
 }
 
-AlgoNativeClient* gToDestroy = nullptr;
-
-// In place for the life of this object.
-class DestroyingCallback {
-public:
-  explicit DestroyingCallback(AlgoNativeClient* client)
-      : mTable(*env()->functions), mOriginal(env()->functions) {
-    gToDestroy = client;
-    mTable.CallStaticVoidMethodV = [](JNIEnv*, jclass, jmethodID, va_list) { delete gToDestroy; };
-    env()->functions = &mTable;
-  }
-  ~DestroyingCallback() { env()->functions = mOriginal; }
-
-private:
-  JNINativeInterface_ mTable;
-  const JNINativeInterface_* mOriginal;
-};
-
 // As a VM does that has no memory left.
-jstring JNICALL throwInsteadOfString(JNIEnv* environment, const char*) {
-  environment->ThrowNew(environment->FindClass("java/lang/OutOfMemoryError"), "no string");
-  return nullptr;
-}
-
 TEST_F(HostileInputTest, LeavesNoExceptionOfAKeyThatCantBeMade) {
   CameraMetadataParser parser(env());
-  JNINativeInterface_ table = *env()->functions;
-  const JNINativeInterface_* const original = env()->functions;
   jobject noComposition = test::newRequest(1, "capture");
-  table.NewStringUTF = throwInsteadOfString;
-  env()->functions = &table;
+  test::JniTable table(env());
+  table.fail("NewStringUTF");
   int32_t value = 5;
   EXPECT_EQ(-1, parser.getInt(value, "orlu.control.mirror", nullptr, noComposition));
-  env()->functions = original;
   EXPECT_FALSE(env()->ExceptionCheck());
   env()->ExceptionClear();
   EXPECT_EQ(5, value);
 }
 
-// What it touches afterwards is found by AddressSanitizer.
-TEST_F(HostileInputTest, LetsJavaDestroyTheClientFromItsCallback) {
-  auto* const client = new AlgoNativeClient(env(), 1, 2);
-  const uint64_t request = AlgoNativeRequestMap::getInstance()->create(7, nullptr, true);
-  {
-    DestroyingCallback callback(client);
-    client->onPostProcessDataCommonShot(request);
-  }
-  EXPECT_TRUE(AlgoNativeRequestMap::getInstance()->remove(request));
+TEST_F(HostileInputTest, BytesThatAreNoTextBecomeAJavaString) {
+  // clang-format off
+  const std::pair<const char*, const char*> kTexts[] = {
+    {"",                ""},
+    {"\xC3\xA9x",       "\xC3\xA9x"},
+    {"\xE4\xB8\xAD",    "\xE4\xB8\xAD"},
+    {"a\xE4\xB8",       "a??"},
+    {"\xE4\xB8z",       "??z"},
+    {"\x80\xBF.",       "??."},
+    {"\xF0\x9F\x98",    "???"},
+    {"\xFF\xFE\xF8",    "???"},
+  };
+  // clang-format on
+  for (const auto& [bytes, shown] : kTexts) EXPECT_EQ(shown, test::stringOf(newString(env(), bytes)));
 }
-
-struct TextCase {
-  const char* name;
-  const char* bytes;
-  const char* shown;
-};
-
-class HostileTextTest : public testing::TestWithParam<TextCase> {};
-
-TEST_P(HostileTextTest, BecomesAJavaString) {
-  LocalFrame frame;
-  EXPECT_EQ(GetParam().shown, test::stringOf(newString(env(), GetParam().bytes)));
-}
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, HostileTextTest, testing::Values(
-    TextCase{"Empty",             "",                  ""},
-    TextCase{"Plain",             "orlu",              "orlu"},
-    TextCase{"TwoBytes",          "\xC3\xA9x",         "\xC3\xA9x"},
-    TextCase{"ThreeBytes",        "\xE4\xB8\xAD",      "\xE4\xB8\xAD"},
-    TextCase{"CutAtTheEnd",       "a\xE4\xB8",         "a??"},
-    TextCase{"CutInTheMiddle",    "\xE4\xB8z",         "??z"},
-    TextCase{"LoneContinuation",  "\x80\xBF.",         "??."},
-    TextCase{"FourBytesCut",      "\xF0\x9F\x98",      "???"},
-    TextCase{"NoLead",            "\xFF\xFE\xF8",      "???"}),
-    test::CaseName());
-// clang-format on
 
 }  // namespace
 }  // namespace orlu

@@ -42,6 +42,8 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   EXPECT_EQ(70, mMap.getRequestId(0));
   EXPECT_EQ(-0x100000001, mMap.getRequestId(2));
   EXPECT_EQ(&block, mMap.getMetadataHandle(0));
+  EXPECT_EQ(&block, mMap.takeMetadataHandle(0));
+  EXPECT_EQ(nullptr, mMap.takeMetadataHandle(0)) << "one of those who end a request gets it";
   EXPECT_EQ(nullptr, mMap.getMetadataHandle(2));
   bool isFullAsync = true;
   EXPECT_TRUE(mMap.getIsFullAsync(0, isFullAsync));
@@ -64,6 +66,7 @@ TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
     EXPECT_FALSE(mMap.onCallbackReceived(id));
     EXPECT_FALSE(mMap.waitForCallback(id));
     EXPECT_EQ(nullptr, mMap.getMetadataHandle(id));
+    EXPECT_EQ(nullptr, mMap.takeMetadataHandle(id));
     EXPECT_EQ(-1, mMap.getRequestId(id));
     EXPECT_FALSE(mMap.setAlgoList(id, {"hdr"}));
     bool isFullAsync = false;
@@ -158,34 +161,31 @@ TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
 }
 
 TEST_F(AlgoNativeRequestMapTest, ManyThreadsAtOnce) {
-  constexpr uint64_t kRequests = 100;
   gVAFCtrlLogLevel = 4;
-  for (uint64_t id = 0; id < kRequests; ++id) mMap.create(0, nullptr, false);
-  std::set<uint64_t> created[2];
+  std::set<uint64_t> created[4];
   std::vector<std::thread> threads;
-  for (int i = 0; i < 3; ++i) {
-    threads.emplace_back([this] {
-      for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.onCallbackReceived(id));
-    });
-  }
   for (std::set<uint64_t>& ids : created) {
     threads.emplace_back([this, &ids] {
-      for (uint64_t i = 0; i < kRequests; ++i) {
-        const uint64_t id = mMap.create(7, nullptr, false);
-        EXPECT_TRUE(mMap.setAlgoList(id, {"hdr"}));
+      for (int64_t i = 0; i < 100; ++i) {
+        const uint64_t id = mMap.create(i, &ids, true);
+        List list = {"hdr"};
+        bool isFullAsync = false;
+        EXPECT_TRUE(mMap.setAlgoList(id, list));
+        EXPECT_TRUE(mMap.onCallbackReceived(id));
+        EXPECT_TRUE(mMap.waitForCallback(id));
+        EXPECT_EQ(i, mMap.getRequestId(id));
+        EXPECT_EQ(&ids, mMap.getMetadataHandle(id));
+        EXPECT_EQ(&ids, mMap.takeMetadataHandle(id));
+        EXPECT_TRUE(mMap.getAlgoList(id, list));
+        EXPECT_TRUE(mMap.getIsFullAsync(id, isFullAsync));
         EXPECT_TRUE(mMap.remove(id));
         ids.insert(id);
       }
     });
   }
-  for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.waitForCallback(id));
   for (std::thread& thread : threads) thread.join();
-  for (uint64_t id = 0; id < kRequests; ++id) EXPECT_TRUE(mMap.remove(id));
-
-  created[0].merge(created[1]);
-  EXPECT_EQ(2 * kRequests, created[0].size()) << "an id was given to two requests";
-  EXPECT_EQ(kRequests, *created[0].begin());
-  EXPECT_EQ(3 * kRequests - 1, *created[0].rbegin());
+  for (size_t i : {1, 2, 3}) created[0].merge(created[i]);
+  EXPECT_EQ(400U, created[0].size()) << "an id was given to two requests";
   EXPECT_FALSE(timedOut());
 }
 

@@ -1,5 +1,7 @@
-// notify() ends the process, so each of these runs in a child of its own.
+// notify() ends the process, so each of these runs in a child of its own: a fork of this process, not its
+// program anew, which an emulator of another machine could not start.
 
+#include <android/log.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -27,7 +29,7 @@ void showOperation(const standin::AlgoCall& call) {
 class RequestProcessorNotifyDeathTest : public testing::Test {
 protected:
   RequestProcessorNotifyDeathTest() {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    __android_log_set_logger(nullptr);  // to standard error
     mAlgo.script.observer = showOperation;
     mAlgo.use();
   }

@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -59,13 +58,9 @@ std::vector<RecordedCall> Algo::calls() const {
   return mCalls;
 }
 
-std::string Algo::operations(const std::vector<std::string>& without) const {
+std::string Algo::operations() const {
   std::string names;
-  for (const RecordedCall& call : calls()) {
-    if (std::find(without.begin(), without.end(), call.operation) != without.end()) continue;
-    if (!names.empty()) names += ' ';
-    names += call.operation;
-  }
+  for (const RecordedCall& call : calls()) names += (names.empty() ? "" : " ") + call.operation;
   return names;
 }
 

@@ -30,8 +30,8 @@ public:
   void use();
 
   std::vector<RecordedCall> calls() const;
-  // The names of the operations in order, joined by blanks; `without` are left out.
-  std::string operations(const std::vector<std::string>& without = {}) const;
+  // The names of the operations in order, joined by blanks.
+  std::string operations() const;
   void forget();
 
   static standin::AlgoCounts counts();
@@ -42,7 +42,6 @@ public:
 private:
   void record(const standin::AlgoCall& call);
 
-  std::function<void(const standin::AlgoCall&)> mObserver;
   mutable std::mutex mMutex;
   std::vector<RecordedCall> mCalls;
 };

@@ -9,33 +9,16 @@ namespace orlu::test {
 
 class CallbackRecorder {
 public:
-  CallbackRecorder() { call("listen", "()V"); }
+  CallbackRecorder() { call(mRecorder, "listen", "()V"); }
   CallbackRecorder(const CallbackRecorder&) = delete;
   CallbackRecorder& operator=(const CallbackRecorder&) = delete;
-  ~CallbackRecorder() { call("stop", "()V"); }
+  ~CallbackRecorder() { call(mRecorder, "stop", "()V"); }
 
   // One line for each report: client, context, request, and the map's entries with their types, sorted.
   std::string reports() const { return stringOf(callObject(mRecorder, "reports", "()Ljava/lang/String;")); }
-  void setThrows(bool isThrowing) { call("setThrows", "(Z)V", isThrowing); }
-  // How many of the reported maps somebody still refers to.
-  int mapsInUse() const {
-    const int count = env()->CallIntMethod(mRecorder, method("mapsInUse", "()I"));
-    expectNoException("mapsInUse");
-    return count;
-  }
+  void setThrows(bool isThrowing) { call(mRecorder, "setThrows", "(Z)V", isThrowing); }
 
 private:
-  jmethodID method(const char* name, const char* signature) const {
-    jmethodID found = env()->GetMethodID(env()->GetObjectClass(mRecorder), name, signature);
-    expectNoException(name);
-    return found;
-  }
-  template <typename... Arguments>
-  void call(const char* name, const char* signature, Arguments... arguments) const {
-    env()->CallVoidMethod(mRecorder, method(name, signature), arguments...);
-    expectNoException(name);
-  }
-
   jobject mRecorder = newObject("com/orlu/test/CallbackRecorder", "()V");
 };
 

@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace orlu::test {
 namespace {
@@ -36,6 +37,15 @@ jmethodID methodOf(jobject object, const char* name, const char* signature) {
   return method;
 }
 
+// An array of objects that are made of a rectangle and a number.
+jobject weighted(const char* clazz, const std::vector<__tagOrluRect>& rects, int weight) {
+  std::vector<jobject> objects;
+  for (const __tagOrluRect& rect : rects) {
+    objects.push_back(newObject(clazz, "(Landroid/graphics/Rect;I)V", javaRect(rect), weight));
+  }
+  return javaArray(clazz, objects);
+}
+
 }  // namespace
 
 void expectNoException(const char* what) {
@@ -63,8 +73,32 @@ jobject newObject(const char* clazz, const char* signature, ...) {
   return object;
 }
 
-jobject callObject(jobject object, const char* method, const char* signature) {
-  jobject answer = env()->CallObjectMethod(object, methodOf(object, method, signature));
+jvalue call(jobject object, const char* method, const char* signature, ...) {
+  const jmethodID id = methodOf(object, method, signature);
+  const char type = std::strchr(signature, ')')[1];
+  jvalue answer = {};
+  va_list arguments;
+  va_start(arguments, signature);
+  if (type == 'V') env()->CallVoidMethodV(object, id, arguments);
+  if (type == 'Z') answer.z = env()->CallBooleanMethodV(object, id, arguments);
+  if (type == 'I') answer.i = env()->CallIntMethodV(object, id, arguments);
+  if (type == 'J') answer.j = env()->CallLongMethodV(object, id, arguments);
+  if (type == 'L' || type == '[') answer.l = env()->CallObjectMethodV(object, id, arguments);
+  va_end(arguments);
+  expectNoException(method);
+  return answer;
+}
+
+jobject callStatic(const char* clazz, const char* method, const char* signature, ...) {
+  jclass found = findClass(clazz);
+  const jmethodID id = env()->GetStaticMethodID(found, method, signature);
+  expectNoException(method);
+  const bool isVoid = std::strstr(signature, ")V") != nullptr;
+  va_list arguments;
+  va_start(arguments, signature);
+  jobject answer = isVoid ? nullptr : env()->CallStaticObjectMethodV(found, id, arguments);
+  if (isVoid) env()->CallStaticVoidMethodV(found, id, arguments);
+  va_end(arguments);
   expectNoException(method);
   return answer;
 }
@@ -133,33 +167,19 @@ jobject javaRect(const __tagOrluRect& rect) {
 }
 
 jobject javaFaces(const std::vector<__tagOrluRect>& faces) {
-  constexpr char kFace[] = "android/hardware/camera2/params/Face";
-  std::vector<jobject> objects;
-  for (const __tagOrluRect& face : faces) {
-    objects.push_back(newObject(kFace, "(Landroid/graphics/Rect;I)V", javaRect(face), 100));
-  }
-  return javaArray(kFace, objects);
+  return weighted("android/hardware/camera2/params/Face", faces, 100);
 }
 
 jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight) {
-  constexpr char kRegion[] = "android/hardware/camera2/params/MeteringRectangle";
-  std::vector<jobject> objects;
-  for (const __tagOrluRect& region : regions) {
-    objects.push_back(newObject(kRegion, "(Landroid/graphics/Rect;I)V", javaRect(region), weight));
-  }
-  return javaArray(kRegion, objects);
+  return weighted("android/hardware/camera2/params/MeteringRectangle", regions, weight);
 }
 
 jobject javaLocation(double latitude, double longitude, double altitude, int64_t time) {
   jobject location = newObject("android/location/Location", "(Ljava/lang/String;)V", javaString("gps"));
-  env()->CallVoidMethod(location, methodOf(location, "setLatitude", "(D)V"), latitude);
-  expectNoException("setLatitude");
-  env()->CallVoidMethod(location, methodOf(location, "setLongitude", "(D)V"), longitude);
-  expectNoException("setLongitude");
-  env()->CallVoidMethod(location, methodOf(location, "setAltitude", "(D)V"), altitude);
-  expectNoException("setAltitude");
-  env()->CallVoidMethod(location, methodOf(location, "setTime", "(J)V"), static_cast<jlong>(time));
-  expectNoException("setTime");
+  call(location, "setLatitude", "(D)V", latitude);
+  call(location, "setLongitude", "(D)V", longitude);
+  call(location, "setAltitude", "(D)V", altitude);
+  call(location, "setTime", "(J)V", static_cast<jlong>(time));
   return location;
 }
 
@@ -169,11 +189,7 @@ jobject javaRational(int32_t numerator, int32_t denominator) {
 
 jobject javaList(const std::vector<jobject>& elements) {
   jobject list = newObject("java/util/ArrayList", "()V");
-  jmethodID add = methodOf(list, "add", "(Ljava/lang/Object;)Z");
-  for (jobject element : elements) {
-    env()->CallBooleanMethod(list, add, element);
-    expectNoException("add");
-  }
+  for (jobject element : elements) call(list, "add", "(Ljava/lang/Object;)Z", element);
   return list;
 }
 
@@ -182,21 +198,11 @@ jobject newUnrulyList(int size, bool sizeThrows, bool getThrows) {
 }
 
 int32_t intOf(jobject value) {
-  const jint read = env()->CallIntMethod(value, methodOf(value, "intValue", "()I"));
-  expectNoException("intValue");
-  return read;
+  return call(value, "intValue", "()I").i;
 }
 
 int64_t longOf(jobject value) {
-  const jlong read = env()->CallLongMethod(value, methodOf(value, "longValue", "()J"));
-  expectNoException("longValue");
-  return read;
-}
-
-float floatOf(jobject value) {
-  const jfloat read = env()->CallFloatMethod(value, methodOf(value, "floatValue", "()F"));
-  expectNoException("floatValue");
-  return read;
+  return call(value, "longValue", "()J").j;
 }
 
 std::string stringOf(jobject value) {
@@ -225,9 +231,7 @@ jobject newMetadata() {
 }
 
 void setTag(jobject metadata, const char* tag, jobject value) {
-  env()->CallVoidMethod(metadata, methodOf(metadata, "set", "(Ljava/lang/String;Ljava/lang/Object;)V"),
-                        javaString(tag), value);
-  expectNoException(tag);
+  call(metadata, "set", "(Ljava/lang/String;Ljava/lang/Object;)V", javaString(tag), value);
 }
 
 jobject newCaptureResult(jobject metadata) {
@@ -247,23 +251,15 @@ jobject newComposition(jobject metadata) {
 }
 
 void putKey(jobject composition, const char* key, jobject value) {
-  env()->CallVoidMethod(composition,
-                        methodOf(composition, "putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V"),
-                        javaString(key), value);
-  expectNoException(key);
+  call(composition, "putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V", javaString(key), value);
 }
 
 jobject getKey(jobject composition, const char* key) {
-  jobject value = env()->CallObjectMethod(
-      composition, methodOf(composition, "getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;"),
-      javaString(key));
-  expectNoException(key);
-  return value;
+  return callObject(composition, "getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;", javaString(key));
 }
 
-jobject newThrowingComposition(const char* key) {
-  return newObject("com/orlu/test/ThrowingComposition", "(Ljava/lang/String;)V",
-                   key == nullptr ? nullptr : javaString(key));
+jobject newThrowingComposition() {
+  return newObject("com/orlu/test/ThrowingComposition", "()V");
 }
 
 jobject newThrowingMap() {
@@ -271,41 +267,25 @@ jobject newThrowingMap() {
 }
 
 void registerTag(const char* tag, const char* type) {
-  constexpr char kType[] = "android/hardware/camera2/impl/TagType";
-  jclass types = findClass(kType);
-  jfieldID constant = env()->GetStaticFieldID(types, type, (std::string("L") + kType + ";").c_str());
-  expectNoException(type);
-  jclass table = findClass("android/hardware/camera2/impl/TagTable");
-  jmethodID method = env()->GetStaticMethodID(table, "register",
-                                              "(Ljava/lang/String;Landroid/hardware/camera2/impl/TagType;)V");
-  env()->CallStaticVoidMethod(table, method, javaString(tag), env()->GetStaticObjectField(types, constant));
-  expectNoException(tag);
+  callStatic("android/hardware/camera2/impl/TagTable", "register",
+             "(Ljava/lang/String;Landroid/hardware/camera2/impl/TagType;)V", javaString(tag),
+             callStatic("android/hardware/camera2/impl/TagType", "valueOf",
+                        "(Ljava/lang/String;)Landroid/hardware/camera2/impl/TagType;", javaString(type)));
 }
 
 jobject newSharedMemory(int size) {
-  jclass clazz = findClass("android/os/SharedMemory");
-  jmethodID create =
-      env()->GetStaticMethodID(clazz, "create", "(Ljava/lang/String;I)Landroid/os/SharedMemory;");
-  jobject memory = env()->CallStaticObjectMethod(clazz, create, javaString("test"), size);
-  expectNoException("SharedMemory.create");
-  return memory;
+  return callStatic("android/os/SharedMemory", "create", "(Ljava/lang/String;I)Landroid/os/SharedMemory;",
+                    javaString("test"), size);
 }
 
 jobject newHardwareBuffer(int numFds, const std::vector<int32_t>& words) {
-  jclass clazz = findClass("android/hardware/HardwareBuffer");
-  jmethodID make = env()->GetStaticMethodID(clazz, "fromHandle", "(IIII[I)Landroid/hardware/HardwareBuffer;");
-  jobject buffer = env()->CallStaticObjectMethod(clazz, make, 64, 48, 0x23, numFds, javaInts(words));
-  expectNoException("HardwareBuffer.fromHandle");
-  return buffer;
+  return callStatic("android/hardware/HardwareBuffer", "fromHandle",
+                    "(IIII[I)Landroid/hardware/HardwareBuffer;", 64, 48, 0x23, numFds, javaInts(words));
 }
 
 jobject newHardwareBuffer(int width, int height, int format) {
-  jclass clazz = findClass("android/hardware/HardwareBuffer");
-  jmethodID create = env()->GetStaticMethodID(clazz, "create", "(IIIIJ)Landroid/hardware/HardwareBuffer;");
-  jobject buffer =
-      env()->CallStaticObjectMethod(clazz, create, width, height, format, 1, static_cast<jlong>(0x33));
-  expectNoException("HardwareBuffer.create");
-  return buffer;
+  return callStatic("android/hardware/HardwareBuffer", "create", "(IIIIJ)Landroid/hardware/HardwareBuffer;",
+                    width, height, format, 1, jlong{0x33});
 }
 
 jobject newImage(const ImageSpec& spec) {

@@ -27,8 +27,15 @@ void expectNoException(const char* what);
 
 jclass findClass(const char* name);
 jobject newObject(const char* clazz, const char* signature, ...);
-// What a method without arguments answers.
-jobject callObject(jobject object, const char* method, const char* signature);
+// What a method answers, which the signature tells: nothing, a boolean, int or long, or else an object. Ends
+// the test program when it throws.
+jvalue call(jobject object, const char* method, const char* signature, ...);
+template <typename... Arguments>
+jobject callObject(jobject object, const char* method, const char* signature, Arguments... arguments) {
+  return call(object, method, signature, arguments...).l;
+}
+// The same of a static method that answers an object or nothing.
+jobject callStatic(const char* clazz, const char* method, const char* signature, ...);
 int intField(jobject object, const char* name);
 jobject objectField(jobject object, const char* name, const char* signature);
 void setObjectField(jobject object, const char* name, const char* signature, jobject value);
@@ -59,7 +66,6 @@ jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 // And back.
 int32_t intOf(jobject value);
 int64_t longOf(jobject value);
-float floatOf(jobject value);
 std::string stringOf(jobject value);
 std::vector<int32_t> intsOf(jobject value);
 std::vector<int64_t> longsOf(jobject value);
@@ -75,8 +81,8 @@ jobject newCharacteristics(jobject metadata);
 jobject newComposition(jobject metadata = nullptr);
 void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
-// A composition that throws when `key` is read or put; null: whatever is asked of it.
-jobject newThrowingComposition(const char* key = nullptr);
+// A composition that throws, whatever is asked of it.
+jobject newThrowingComposition();
 // A HashMap whose put() throws.
 jobject newThrowingMap();
 // Makes a tag known to the store. `type` is a constant of TagType.

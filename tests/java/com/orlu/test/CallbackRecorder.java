@@ -3,17 +3,13 @@ package com.orlu.test;
 import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
 import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
 
-import java.lang.ref.WeakReference;
-import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
 /** Writes down what the native side reports while it listens. */
 public final class CallbackRecorder implements CallbackListener {
     private final StringBuilder mReports = new StringBuilder();
-    private final List<WeakReference<Map<String, Object>>> mMaps = new ArrayList<>();
     private boolean mThrows;
 
     public void listen() {
@@ -30,7 +26,6 @@ public final class CallbackRecorder implements CallbackListener {
         if (mThrows) {
             throw new IllegalStateException("thrown for " + requestId);
         }
-        mMaps.add(new WeakReference<>(values));
         mReports.append(clientId).append(' ').append(algoContextIndex).append(' ').append(requestId);
         new TreeMap<>(values).forEach((key, value) ->
                 mReports.append(' ').append(key).append('=').append(value.getClass().getSimpleName()).append(' ')
@@ -46,11 +41,5 @@ public final class CallbackRecorder implements CallbackListener {
     /** From now on reports are answered by an exception, or no more. */
     public synchronized void setThrows(boolean isThrowing) {
         mThrows = isThrowing;
-    }
-
-    /** How many of the reported maps somebody still refers to. */
-    public synchronized int mapsInUse() {
-        System.gc();
-        return (int) mMaps.stream().filter(map -> map.get() != null).count();
     }
 }

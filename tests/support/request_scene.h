@@ -1,0 +1,135 @@
+// A request of one client, from Java to a scripted algorithm library and back. When a test ends, nothing of
+// it may be left.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "algo.h"
+#include "algo_native_request_map.h"
+#include "fixtures.h"
+#include "log_capture.h"
+#include "request_processor.h"
+
+namespace orlu::test {
+
+class RequestScene : public testing::Test {
+protected:
+  static constexpr int64_t kReqId = 0x2'0000'0001;
+  static constexpr int32_t kTuningMode = 64;  // what the algorithms leave
+
+  RequestScene() {
+    mAlgo.script.runAlgorithms = false;
+    mAlgo.script.values = {
+        {"orlu.algo.feedback", "tunning_mode", {kTuningMode, 0, 0, 0}}
+    };
+    mAlgo.script.observer = [this](const standin::AlgoCall& call) { note(call); };
+    setAlgoList({"flip", "custom"});
+  }
+
+  // Uses the script for a client of its own.
+  void create(jobject param = nullptr) {
+    mAlgo.use();
+    mInst = RequestProcessor::create(env(), param);
+    mTrace.clear();
+    mLog.clear();
+  }
+  void TearDown() override {
+    EXPECT_TRUE(Algo::waitIdle(60'000));
+    EXPECT_FALSE(isKnown(mSubmitted.nativeReq));
+    if (mInst != 0) RequestProcessor::destroy(env(), mInst);
+    const standin::AlgoCounts counts = Algo::counts();
+    EXPECT_EQ(0, counts.clients);
+    EXPECT_EQ(0, counts.parameterBlocks);
+    EXPECT_EQ(0, counts.cameraBlocks);
+  }
+
+  void setAlgoList(const std::vector<std::string>& names) {
+    putKey(mCompositions[0], "orlu.control.algoType", javaStrings(names));
+  }
+  int process(int isFullAsync = 0, jobject request = newRequest(kReqId, "capture")) {
+    putKey(mCompositions[0], "isFullAsync", javaInt(isFullAsync));
+    return RequestProcessor::processImage(env(), mInst, request, mInputs, mOutputs, javaList(mCompositions));
+  }
+  // The second half of a full-async request.
+  int updateResult(uint64_t nativeReq) {
+    putKey(mCompositions[0], "nativeRequestAddr", javaLong(static_cast<int64_t>(nativeReq)));
+    return RequestProcessor::processImageUpdateResult(env(), mInst, newRequest(kReqId, "capture"), mInputs,
+                                                      mOutputs, javaList(mCompositions));
+  }
+  int32_t result(const char* key = "orlu.feedback.TunningMode") const {
+    const jobject value = getKey(mCompositions[0], key);
+    return value == nullptr ? -999 : intOf(value);
+  }
+  AlgoNativeClient& client() const {
+    return *reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(mInst));
+  }
+  static bool isKnown(uint64_t nativeReq) {
+    bool unused = false;
+    return AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, unused);
+  }
+  // The id of the newest request, by the one behind it.
+  static uint64_t newestRequest() {
+    const uint64_t next = AlgoNativeRequestMap::getInstance()->create(0, nullptr, false);
+    AlgoNativeRequestMap::getInstance()->remove(next);
+    return next - 1;
+  }
+
+  const LocalFrame mFrame;
+  LogCapture mLog;
+  Algo mAlgo;
+  std::vector<jobject> mCompositions = {newComposition()};
+  const jobject mInputs = javaList({newSmallImage()});
+  const jobject mOutputs = javaList({newSmallImage(), newSmallImage()});
+  int64_t mInst = 0;
+  std::map<std::string, int32_t> mAnswers;  // what the library answers for a key instead of what was stored
+  // What it was asked for: the operations, each with what it is about, but for those on values that do not
+  // abort a request; blocks destroyed; the last process(); the values of "abort_key" and setRaw(); a file.
+  std::string mTrace;
+  std::vector<void*> mDestroyed;
+  AlgoProcessRecord mSubmitted = {};
+  std::vector<uint8_t> mAbortKey;
+  std::vector<uint8_t> mRaw;
+  int mFile = -1;
+
+private:
+  void note(const standin::AlgoCall& call) {
+    const std::string key = call.key == nullptr ? "" : call.key;
+    const auto* const bytes = static_cast<const uint8_t*>(call.data);
+    if (call.process != nullptr) mSubmitted = *call.process;
+    if (call.translateParamFile != nullptr) mFile = call.translateParamFile->fd;
+    if (call.operation == "destroyMetadata") mDestroyed.push_back(call.block);
+    const auto answer = call.operation == "getValue" ? mAnswers.find(key) : mAnswers.end();
+    if (answer != mAnswers.end()) std::memcpy(const_cast<void*>(call.data), &answer->second, 4);
+    if (call.operation == "setRaw") mRaw.assign(bytes, bytes + call.size);
+    if (key == "abort_key") mAbortKey.assign(bytes, bytes + call.size);
+    const bool isOfValue = call.operation.find("Value") != std::string::npos ||
+                           call.operation.find("param") == 0 || call.operation == "getSize";
+    if (isOfValue && call.block != nullptr && key.find("abort_") != 0) return;
+    mTrace += (mTrace.empty() ? "" : ", ") + call.operation + about(call);
+  }
+  static std::string about(const standin::AlgoCall& call) {
+    std::ostringstream text;
+    if (const auto* const uninit = call.uninit) text << ' ' << uninit->type << '/' << uninit->mode;
+    if (const auto* const getData = call.getData) text << ' ' << getData->cmd.size();
+    const auto* const file = call.translateParamFile;
+    if (file != nullptr) text << ' ' << file->size << ' ' << file->identifier;
+    if (const auto* const command = call.command) {
+      text << ' ' << command->first << ' ' << command->second << ' ' << command->data.size() << ' '
+           << command->metadata.size();
+    }
+    if (call.operation != "setValue") return text.str();
+    text << ' ' << call.section << '/' << call.key << ' ' << call.size;
+    int64_t value = 0;
+    if (call.size == sizeof value) std::memcpy(&value, call.data, sizeof value);
+    if (call.size == sizeof value) text << '=' << value;
+    return text.str();
+  }
+};
+
+}  // namespace orlu::test
