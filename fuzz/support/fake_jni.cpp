@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 namespace orlu::fuzz {
 namespace {
@@ -11,66 +12,66 @@ FakeJni* gFake = nullptr;
 
 constexpr jsize kArrayLength = 8;  // of arrays that Java made
 
+template <typename Type>
+constexpr bool kIsObject = std::is_convertible_v<Type, jobject>;
+
 template <typename Element>
-void touch(const Element* bytes, jsize count) {
+void touch(const Element* elements, size_t count) {
   volatile uint8_t sum = 0;
-  const auto* const first = reinterpret_cast<const uint8_t*>(bytes);
-  for (size_t i = 0; i < static_cast<size_t>(count) * sizeof(Element); ++i) {
-    sum = static_cast<uint8_t>(sum ^ first[i]);
-  }
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(elements);
+  for (size_t i = 0; i < count * sizeof(Element); ++i) sum = static_cast<uint8_t>(sum ^ bytes[i]);
 }
 
 }  // namespace
 
-// The functions by kinds. `f` is the one fake.
+// Most functions differ in their types alone. `f` is the one fake.
 struct FakeJniFunctions {
   static FakeJni& f() { return *gFake; }
 
-  template <typename Id>
-  static Id JNICALL member(JNIEnv*, jclass clazz, const char*, const char*) {
-    f().enter(clazz);
-    if (!f().goesWrong()) return reinterpret_cast<Id>(f().mNext++);
-    f().mIsThrowing = true;
-    return nullptr;
+  // What an argument of this type must be: no null, no dead reference, no length below 0.
+  template <typename Argument>
+  static void take(Argument argument) {
+    if constexpr (kIsObject<Argument>) f().requireAlive(argument);
+    if constexpr (std::is_same_v<Argument, jmethodID>) f().require(argument != nullptr, "null method");
+    if constexpr (std::is_same_v<Argument, jsize>) f().require(argument >= 0, "negative length");
+    if constexpr (std::is_same_v<Argument, const char*>) touch(argument, std::strlen(argument));
   }
-  static jobject JNICALL makeObject(JNIEnv*, jclass clazz, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(clazz);
-    return f().answer();
+  template <typename... Arguments>
+  static void enter(Arguments... arguments) {
+    f().require(!f().mIsThrowing, "a call with an exception pending");
+    (take(arguments), ...);
   }
-  static jobject JNICALL callObject(JNIEnv*, jobject object, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(object);
-    return f().answer();
+
+  // A function that throws when it goes wrong, or answers null.
+  template <typename Answer, typename... Arguments>
+  static Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
+    enter(arguments...);
+    const bool isWrong = f().goesWrong();
+    f().mIsThrowing = isWrong && (!kIsObject<Answer> || f().goesWrong());
+    if constexpr (kIsObject<Answer>) return static_cast<Answer>(isWrong ? nullptr : f().newLocal());
+    if constexpr (std::is_arithmetic_v<Answer>) return static_cast<Answer>(f().mNumber);
+    if constexpr (std::is_pointer_v<Answer>) return isWrong ? nullptr : reinterpret_cast<Answer>(f().mNext++);
   }
-  template <typename Number>
-  static Number JNICALL callNumber(JNIEnv*, jobject object, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(object);
-    f().mIsThrowing = f().goesWrong();
-    return static_cast<Number>(f().mNumber);
+  template <typename Answer, typename... Arguments>
+  static void mayThrow(Answer(JNICALL*& slot)(JNIEnv*, Arguments...)) {
+    slot = throwing<Answer, Arguments...>;
   }
-  static void JNICALL callVoid(JNIEnv*, jobject object, jmethodID method, va_list) {
-    callNumber<jint>(nullptr, object, method, {});
-  }
-  static void JNICALL callStaticVoid(JNIEnv*, jclass clazz, jmethodID method, va_list) {
-    callNumber<jint>(nullptr, clazz, method, {});
-  }
-  template <typename Array>
-  static Array JNICALL newArray(JNIEnv*, jsize length) {
-    f().enter(&f());
-    f().require(length >= 0, "negative length");
-    return static_cast<Array>(f().answer());
+
+  // Those that never throw. What goes wrong is that there is no object.
+  template <typename... Arguments>
+  static jobject JNICALL object(JNIEnv*, Arguments... arguments) {
+    enter(arguments...);
+    return f().goesWrong() ? nullptr : f().newLocal();
   }
   template <typename Array, typename Element>
   static void JNICALL setRegion(JNIEnv*, Array array, jsize start, jsize length, const Element* elements) {
-    f().enter(array);
-    f().require(start == 0 && length >= 0, "bad region");
-    touch(elements, length);
+    enter(array, length);
+    f().require(start == 0, "bad region");
+    touch(elements, static_cast<size_t>(length));
   }
   template <typename Array, typename Element>
   static Element* JNICALL elements(JNIEnv*, Array array, jboolean*) {
-    f().enter(array);
+    enter(array);
     if (f().goesWrong()) return nullptr;
     auto* const copy = new Element[kArrayLength];
     for (jsize i = 0; i < kArrayLength; ++i) copy[i] = static_cast<Element>(f().mNumber);
@@ -78,22 +79,27 @@ struct FakeJniFunctions {
   }
   template <typename Array, typename Element>
   static void JNICALL release(JNIEnv*, Array array, Element* elements, jint) {
-    f().enter(array);
+    enter(array);
     delete[] elements;
   }
 
+  static void fillCalls(JNINativeInterface_& t) {
+    const auto mayAllThrow = [](auto&... slots) { (mayThrow(slots), ...); };
+    mayAllThrow(t.FindClass, t.GetMethodID, t.GetStaticMethodID, t.GetFieldID);
+    mayAllThrow(t.NewObjectV, t.CallObjectMethodV, t.CallStaticObjectMethodV);
+    mayAllThrow(t.CallIntMethodV, t.CallLongMethodV, t.CallFloatMethodV, t.CallDoubleMethodV);
+    mayAllThrow(t.CallBooleanMethodV, t.CallVoidMethodV, t.CallStaticVoidMethodV);
+    mayAllThrow(t.NewStringUTF, t.NewIntArray, t.NewLongArray, t.NewFloatArray, t.NewDoubleArray);
+  }
+
   static void fillReferences(JNINativeInterface_& t) {
-    t.FindClass = [](JNIEnv*, const char*) {
-      f().enter(gFake);
-      return static_cast<jclass>(f().answer());
-    };
     t.ExceptionCheck = [](JNIEnv*) -> jboolean { return f().mIsThrowing ? JNI_TRUE : JNI_FALSE; };
     t.ExceptionClear = [](JNIEnv*) { f().mIsThrowing = false; };
     t.DeleteLocalRef = [](JNIEnv*, jobject object) {
       f().require(object == nullptr || f().mLocals.erase(object) == 1, "dead reference deleted");
     };
     t.NewGlobalRef = [](JNIEnv*, jobject object) {
-      f().enter(object);
+      enter(object);
       return *f().mGlobals.insert(reinterpret_cast<jobject>(f().mNext++)).first;
     };
     t.DeleteGlobalRef = [](JNIEnv*, jobject object) {
@@ -113,91 +119,62 @@ struct FakeJniFunctions {
       f().mIsThrowing = f().goesWrong();
       return f().mIsThrowing ? JNI_ERR : JNI_OK;
     };
-    t.IsInstanceOf = [](JNIEnv*, jobject object, jclass clazz) -> jboolean {
-      f().enter(object);
-      f().enter(clazz);
-      return f().goesWrong() ? JNI_FALSE : JNI_TRUE;
-    };
-    t.GetJavaVM = [](JNIEnv*, JavaVM** vm) -> jint {
-      *vm = &f().mVm;
-      return JNI_OK;
-    };
   }
 
-  static void fillMembers(JNINativeInterface_& t) {
-    t.GetMethodID = member<jmethodID>;
-    t.GetStaticMethodID = member<jmethodID>;
-    t.GetFieldID = member<jfieldID>;
-    t.NewObjectV = makeObject;
-    t.CallObjectMethodV = callObject;
-    t.CallStaticObjectMethodV = makeObject;
-    t.CallIntMethodV = callNumber<jint>;
-    t.CallLongMethodV = callNumber<jlong>;
-    t.CallFloatMethodV = callNumber<jfloat>;
-    t.CallDoubleMethodV = callNumber<jdouble>;
-    t.CallBooleanMethodV = callNumber<jboolean>;
-    t.CallVoidMethodV = callVoid;
-    t.CallStaticVoidMethodV = callStaticVoid;
-    t.GetObjectField = [](JNIEnv*, jobject object, jfieldID) {
-      f().enter(object);
-      return f().goesWrong() ? nullptr : f().newLocal();
-    };
-    t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject) { f().enter(object); };
-    t.GetIntField = [](JNIEnv*, jobject object, jfieldID) {
-      f().enter(object);
-      return f().mNumber;
+  static void fillObjects(JNINativeInterface_& t) {
+    t.IsInstanceOf = [](JNIEnv*, jobject object, jclass clazz) -> jboolean {
+      enter(object, clazz);
+      return f().goesWrong() ? JNI_FALSE : JNI_TRUE;
     };
     t.GetObjectClass = [](JNIEnv*, jobject object) {
-      f().enter(object);
+      enter(object);
       return static_cast<jclass>(f().newLocal());
     };
+    t.GetObjectField = object;
+    t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject) { enter(object); };
+    t.GetIntField = [](JNIEnv*, jobject object, jfieldID) {
+      enter(object);
+      return f().mNumber;
+    };
+    t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
     // Holds the address behind a hardware buffer; this is that of a closed one.
     t.GetLongField = [](JNIEnv*, jobject object, jfieldID) -> jlong {
-      f().enter(object);
+      enter(object);
       return 0;
     };
-    t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { f().enter(object); };
   }
 
   static void fillValues(JNINativeInterface_& t) {
-    t.NewStringUTF = [](JNIEnv*, const char* text) {
-      f().enter(gFake);
-      touch(text, static_cast<jsize>(std::strlen(text)));
-      return static_cast<jstring>(f().answer());
-    };
     t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
-      f().enter(string);
+      enter(string);
       return f().goesWrong() ? nullptr : "NV21";
     };
     t.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char*) {};
     t.GetArrayLength = [](JNIEnv*, jarray array) {
-      f().enter(array);
+      enter(array);
       return kArrayLength;
     };
-    t.GetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize) {
-      f().enter(array);
-      return f().goesWrong() ? nullptr : f().newLocal();
-    };
-    t.NewIntArray = newArray<jintArray>;
-    t.NewLongArray = newArray<jlongArray>;
-    t.NewFloatArray = newArray<jfloatArray>;
-    t.NewDoubleArray = newArray<jdoubleArray>;
-    t.SetIntArrayRegion = setRegion<jintArray, jint>;
-    t.SetLongArrayRegion = setRegion<jlongArray, jlong>;
-    t.SetFloatArrayRegion = setRegion<jfloatArray, jfloat>;
-    t.SetDoubleArrayRegion = setRegion<jdoubleArray, jdouble>;
-    t.GetIntArrayElements = elements<jintArray, jint>;
-    t.ReleaseIntArrayElements = release<jintArray, jint>;
-    t.GetByteArrayElements = elements<jbyteArray, jbyte>;
-    t.ReleaseByteArrayElements = release<jbyteArray, jbyte>;
+    t.GetObjectArrayElement = object;
+    t.SetIntArrayRegion = setRegion;
+    t.SetLongArrayRegion = setRegion;
+    t.SetFloatArrayRegion = setRegion;
+    t.SetDoubleArrayRegion = setRegion;
+    t.GetIntArrayElements = elements;
+    t.ReleaseIntArrayElements = release;
+    t.GetByteArrayElements = elements;
+    t.ReleaseByteArrayElements = release;
   }
 
-  static void fillVm(JNIInvokeInterface_& t) {
-    t.GetEnv = [](JavaVM*, void** env, jint) -> jint {
+  static void fillVm(JNINativeInterface_& t, JNIInvokeInterface_& vm) {
+    t.GetJavaVM = [](JNIEnv*, JavaVM** answer) -> jint {
+      *answer = &f().mVm;
+      return JNI_OK;
+    };
+    vm.GetEnv = [](JavaVM*, void** env, jint) -> jint {
       *env = f().env();
       return f().goesWrong() ? JNI_EDETACHED : JNI_OK;
     };
-    t.AttachCurrentThread = [](JavaVM*, void** env, void*) -> jint {
+    vm.AttachCurrentThread = [](JavaVM*, void** env, void*) -> jint {
       *env = f().env();
       return JNI_OK;
     };
@@ -206,10 +183,11 @@ struct FakeJniFunctions {
 
 FakeJni::FakeJni() {
   gFake = this;
+  FakeJniFunctions::fillCalls(mTable);
   FakeJniFunctions::fillReferences(mTable);
-  FakeJniFunctions::fillMembers(mTable);
+  FakeJniFunctions::fillObjects(mTable);
   FakeJniFunctions::fillValues(mTable);
-  FakeJniFunctions::fillVm(mVmTable);
+  FakeJniFunctions::fillVm(mTable, mVmTable);
   mEnv.functions = &mTable;
   mVm.functions = &mVmTable;
 }
@@ -241,19 +219,8 @@ void FakeJni::require(bool holds, const char* what) const {
   std::abort();
 }
 
-// What every function asks that a pending exception forbids: `object` is alive.
-void FakeJni::enter(const void* object) const {
-  require(!mIsThrowing, "a call with an exception pending");
-  if (object == this) return;
-  auto* const reference = static_cast<jobject>(const_cast<void*>(object));
-  require(mLocals.count(reference) + mGlobals.count(reference) == 1, "dead reference used");
-}
-
-// A new object, or null with an exception, or without one.
-jobject FakeJni::answer() {
-  if (!goesWrong()) return newLocal();
-  mIsThrowing = goesWrong();
-  return nullptr;
+void FakeJni::requireAlive(jobject object) const {
+  require(mLocals.count(object) + mGlobals.count(object) == 1, "dead reference used");
 }
 
 }  // namespace orlu::fuzz

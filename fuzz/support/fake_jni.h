@@ -34,8 +34,7 @@ private:
 
   bool goesWrong();
   void require(bool holds, const char* what) const;
-  void enter(const void* object) const;
-  jobject answer();
+  void requireAlive(jobject object) const;
 
   JNINativeInterface_ mTable = {};
   JNIInvokeInterface_ mVmTable = {};

@@ -1,0 +1,37 @@
+package com.orlu.fuzz;
+
+import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
+import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
+import java.util.Map;
+import java.util.concurrent.BlockingQueue;
+import java.util.concurrent.LinkedBlockingQueue;
+
+/** Hears what the native side reports, from its making on. */
+public final class Callbacks implements CallbackListener {
+    private final BlockingQueue<Long> mDone = new LinkedBlockingQueue<>();
+    private final boolean mThrows;
+
+    public Callbacks(boolean isThrowing) {
+        mThrows = isThrowing;
+        RequestProcessor.addListener(this);
+    }
+
+    public void stop() {
+        RequestProcessor.removeListener(this);
+    }
+
+    @Override
+    public void onCallback(long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
+        if (mThrows) {
+            throw new IllegalStateException("callback");
+        }
+        if (values.get("nativeRequestAddr") instanceof Long address) {
+            mDone.add(address);
+        }
+    }
+
+    /** The address of a request that was announced as done, which nobody took yet; waits for one. */
+    public Object takeDone() throws InterruptedException {
+        return mDone.take();
+    }
+}
