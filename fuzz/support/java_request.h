@@ -1,40 +1,35 @@
-// The arguments of the native methods as the Java generator makes them. Objects are local references.
+// The arguments of the native methods as HostileRequest.java makes them. Objects are local references.
 #pragma once
 
-#include <jni.h>
-
-#include <cstdint>
+#include "fixtures.h"
 
 namespace orlu::fuzz {
 
 struct JavaRequest {
-  jobject self = nullptr;
-  jobject request = nullptr;
-  jobject inputs = nullptr;
-  jobject outputs = nullptr;
-  jobject compositions = nullptr;
-  jobject parameter = nullptr;
-  jobject sharedMemory = nullptr;
-};
+  explicit JavaRequest(jobject made) : self(made) {}
 
-// Who makes them. `mode` as HostileRequest.java says; `address` goes into the first composition.
-class JavaGenerator {
-public:
-  explicit JavaGenerator(JNIEnv* env);
-
-  JavaRequest make(uint64_t seed, int mode, uint64_t address);
-  JavaRequest friendly(uint64_t address);
-  // Frees the memory behind the images.
-  void close(const JavaRequest& made);
-  // Whether the callback into Java throws.
-  void throwFromCallback(bool doesThrow);
+  jobject self;
+  jobject request = field("request");
+  jobject inputs = field("inputs");
+  jobject outputs = field("outputs");
+  jobject compositions = field("compositions");
+  jobject parameter = field("parameter");
+  jobject sharedMemory = field("sharedMemory");
 
 private:
-  JavaRequest fieldsOf(jobject object);
-
-  JNIEnv* mEnv;
-  jclass mClass;  // global references, kept until the process ends
-  jclass mProcessor;
+  jobject field(const char* name) const { return test::objectField(self, name, "Ljava/lang/Object;"); }
 };
+
+// `mode` as HostileRequest.java says; `address` goes into the first composition.
+inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
+  return JavaRequest(test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
+                                     static_cast<jlong>(address)));
+}
+
+inline void callVoid(jobject object, const char* method) {
+  jmethodID id = test::env()->GetMethodID(test::env()->GetObjectClass(object), method, "()V");
+  test::env()->CallVoidMethod(object, id);
+  test::expectNoException(method);
+}
 
 }  // namespace orlu::fuzz

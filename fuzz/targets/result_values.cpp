@@ -21,13 +21,15 @@ constexpr const char* kAlgorithms[] = {
 
 // Each value: one byte for its size, one that its bytes begin with; the rest follow from that.
 void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
-  for (const auto& value : kResultValues) {
-    const uint8_t kind = input.byte();
-    if (kind % 4 == 0) continue;
-    std::string bytes =
-        kind % 4 == 1 ? input.text(8) : std::string(value.size, static_cast<char>(input.byte()));
-    if (kind % 4 == 3) bytes += "more than its record";
-    context.setValue(block, value.section, value.key, bytes.data(), static_cast<unsigned>(bytes.size()));
+  for (const auto& values : kResultValues) {
+    for (const char* key : values.keys) {
+      const uint8_t kind = input.byte() % 4;
+      if (kind == 0) continue;
+      std::string bytes =
+          kind == 1 ? input.text(8) : std::string(values.size, static_cast<char>(input.byte()));
+      if (kind == 3) bytes += "more than its record";
+      context.setValue(block, values.section, key, bytes.data(), static_cast<unsigned>(bytes.size()));
+    }
   }
 }
 

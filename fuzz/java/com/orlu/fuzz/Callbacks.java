@@ -1,7 +1,9 @@
 package com.orlu.fuzz;
 
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
 import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
+import java.util.List;
 import java.util.Map;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.LinkedBlockingQueue;
@@ -30,8 +32,10 @@ public final class Callbacks implements CallbackListener {
         }
     }
 
-    /** The address of a request that was announced as done, which nobody took yet; waits for one. */
-    public Object takeDone() throws InterruptedException {
-        return mDone.take();
+    /** Compositions that end a request which was announced as done and nobody took yet; waits for one. */
+    public List<CaptureResultComposition> takeDone() throws InterruptedException {
+        CaptureResultComposition composition = new CaptureResultComposition();
+        composition.putMetadata("nativeRequestAddr", mDone.take());
+        return List.of(composition);
     }
 }
