@@ -66,24 +66,15 @@ Arguments makeArguments() {
   return made;
 }
 
-// Where full-async requests are announced as done.
-struct Inbox {
-  jobject object;  // a global reference
-  jmethodID takeDone;
-};
-
-Inbox makeInbox() {
-  test::LocalFrame frame;
-  jobject made = test::newObject("com/orlu/fuzz/Callbacks", "(Z)V", JNI_FALSE);
-  jclass clazz = test::env()->GetObjectClass(made);
-  return {kept(made), test::env()->GetMethodID(clazz, "takeDone", "()Ljava/util/List;")};
-}
-
 // One client on a thread of its own.
 class SoakClient {
 public:
-  SoakClient(JNIEnv* env, const Inbox& inbox, const Arguments& arguments)
-      : mEnv(env), mInbox(inbox), mArguments(arguments), mInst(RequestProcessor::create(env, nullptr)) {
+  SoakClient(JNIEnv* env, const Arguments& arguments)
+      : mEnv(env),
+        mArguments(arguments),
+        mInst(RequestProcessor::create(env, nullptr)),
+        mCallbacks(env->FindClass("com/orlu/fuzz/Callbacks")),
+        mTakeDone(env->GetStaticMethodID(mCallbacks, "takeDone", "()Ljava/util/List;")) {
     RequestProcessor::init(env, mInst, nullptr);
   }
   SoakClient(const SoakClient&) = delete;
@@ -103,27 +94,28 @@ public:
 private:
   // Ends a full-async request, this client's or another's: as many are announced as were sent.
   void update() {
-    jobject compositions = mEnv->CallObjectMethod(mInbox.object, mInbox.takeDone);
+    jobject compositions = mEnv->CallStaticObjectMethod(mCallbacks, mTakeDone);
     if (mEnv->ExceptionCheck()) std::abort();
     RequestProcessor::processImageUpdateResult(mEnv, mInst, mArguments.request, mArguments.images,
                                                mArguments.images, compositions);
   }
 
   JNIEnv* mEnv;
-  const Inbox& mInbox;
   const Arguments& mArguments;
   int64_t mInst;
+  jclass mCallbacks;
+  jmethodID mTakeDone;
 };
 
 using ClientWork = std::function<void(SoakClient&)>;
 
-std::thread startClient(const Inbox& inbox, const Arguments& arguments, const ClientWork& work) {
-  return std::thread([&inbox, &arguments, work] {
+std::thread startClient(const Arguments& arguments, const ClientWork& work) {
+  return std::thread([&arguments, work] {
     JNIEnv* env = nullptr;
     test::javaVm()->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr);
     env->PushLocalFrame(64);
     {
-      SoakClient client(env, inbox, arguments);
+      SoakClient client(env, arguments);
       work(client);
     }
     env->PopLocalFrame(nullptr);
@@ -148,8 +140,7 @@ void sendAll(SoakClient& client, SoakWatch& watch) {
   }
 }
 
-void runClients(SoakWatch& watch, const Inbox& inbox, const std::vector<Arguments>& arguments,
-                bool withTimeouts) {
+void runClients(SoakWatch& watch, const std::vector<Arguments>& arguments, bool withTimeouts) {
   standin::AlgoScript script;
   script.runAlgorithms = false;
   std::vector<std::thread> threads;
@@ -158,14 +149,14 @@ void runClients(SoakWatch& watch, const Inbox& inbox, const std::vector<Argument
     setStandInScript(script);
     const uint64_t request = nextRequestId() + 1;
     threads.push_back(
-        startClient(inbox, arguments[kClients], [request](SoakClient& client) { timeOut(client, request); }));
+        startClient(arguments[kClients], [request](SoakClient& client) { timeOut(client, request); }));
     // The others' requests come after its first one.
     while (entriesBetween(request, request + 1) == 0) std::this_thread::yield();
   }
   script.notOffered.clear();
   setStandInScript(script);
   for (size_t i = 0; i < kClients; ++i)
-    threads.push_back(startClient(inbox, arguments[i], [&watch](SoakClient& c) { sendAll(c, watch); }));
+    threads.push_back(startClient(arguments[i], [&watch](SoakClient& c) { sendAll(c, watch); }));
   if (withTimeouts) watch.watch();
   for (std::thread& thread : threads) thread.join();
   test::Algo::waitIdle(15'000);
@@ -181,12 +172,13 @@ int globalReferences() {
 }
 
 int soak(uint64_t requests) {
-  const Inbox inbox = makeInbox();
+  test::LocalFrame frame;
+  test::newObject("com/orlu/fuzz/Callbacks", "(Z)V", JNI_FALSE);
   std::vector<Arguments> arguments;
   for (int i = 0; i <= kClients; ++i) arguments.push_back(makeArguments());
   // What is made once, is made here.
   SoakWatch warmUp(500);
-  runClients(warmUp, inbox, arguments, false);
+  runClients(warmUp, arguments, false);
   globalReferences();
 
   const int references = globalReferences();
@@ -194,7 +186,7 @@ int soak(uint64_t requests) {
   const standin::AlgoCounts counts = test::Algo::counts();
   const uint64_t firstId = nextRequestId();
   SoakWatch watch(requests);
-  runClients(watch, inbox, arguments, true);
+  runClients(watch, arguments, true);
   bool sound = same("descriptors", descriptors, openDescriptors());
   sound &= same("global references", references, globalReferences());
   sound &= nothingIsLeft(counts, firstId);

@@ -9,7 +9,7 @@
 #include "target.h"
 #include "vrequest.h"
 
-using orlu::fuzz::FakeJni;
+namespace fake_jni = orlu::fuzz::fake_jni;
 using orlu::fuzz::Input;
 using orlu::fuzz::kResultValues;
 
@@ -36,14 +36,13 @@ void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static auto* const fake = new FakeJni();
   static auto* const client = [] {
     orlu::fuzz::silenceLog();
-    return new orlu::AlgoNativeClient(fake->env(), 1, 2);
+    return new orlu::AlgoNativeClient(fake_jni::env(), 1, 2);
   }();
   Input input(data, size);
-  fake->setChoices(nullptr, 0);
-  fake->setNumber(input.byte() % 64);  // also the size of every list
+  fake_jni::setChoices(nullptr, 0);
+  fake_jni::setNumber(input.byte() % 64);  // also the size of every list
   std::vector<std::string> list;
   for (const char* name : kAlgorithms) {
     if (input.byte() % 2 == 1) list.emplace_back(name);
@@ -51,21 +50,22 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   void* const block = client->context().createMetadata();
   leaveValues(input, client->context(), block);
 
-  const size_t references = fake->localReferences();
-  fake->env()->PushLocalFrame(16);
+  const size_t references = fake_jni::localReferences();
+  fake_jni::env()->PushLocalFrame(16);
   {
     const bool hasImages = input.byte() % 4 != 0;
     const bool hasFrames = input.byte() % 4 != 0;
-    orlu::VRequest request(fake->env(), nullptr, hasImages ? fake->newLocal() : nullptr,
-                           hasImages ? fake->newLocal() : nullptr, hasFrames ? fake->newLocal() : nullptr);
-    orlu::CameraMetadataParser parser(fake->env());
-    fake->setNumber(static_cast<int32_t>(input.byte()) << (input.byte() % 25));
-    fake->setChoices(input.rest(), input.left());
+    orlu::VRequest request(fake_jni::env(), nullptr, hasImages ? fake_jni::newLocal() : nullptr,
+                           hasImages ? fake_jni::newLocal() : nullptr,
+                           hasFrames ? fake_jni::newLocal() : nullptr);
+    orlu::CameraMetadataParser parser(fake_jni::env());
+    fake_jni::setNumber(static_cast<int32_t>(input.byte()) << (input.byte() % 25));
+    fake_jni::setChoices(input.rest(), input.left());
     orlu::ResultUpdater(client, list, request, block, &parser).updateResult();
   }
-  fake->setChoices(nullptr, 0);
-  fake->env()->PopLocalFrame(nullptr);
-  orlu::fuzz::require(fake->localReferences() == references);
+  fake_jni::setChoices(nullptr, 0);
+  fake_jni::env()->PopLocalFrame(nullptr);
+  orlu::fuzz::require(fake_jni::localReferences() == references);
   client->context().destroyMetadata(block);
   return 0;
 }

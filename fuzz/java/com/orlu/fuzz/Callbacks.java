@@ -8,9 +8,9 @@ import java.util.Map;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.LinkedBlockingQueue;
 
-/** Hears what the native side reports, from its making on. */
+/** Hears what the native side reports, from its making on. Soaks take from it what is done. */
 public final class Callbacks implements CallbackListener {
-    private final BlockingQueue<Long> mDone = new LinkedBlockingQueue<>();
+    private static final BlockingQueue<Long> DONE = new LinkedBlockingQueue<>();
     private final boolean mThrows;
 
     public Callbacks(boolean isThrowing) {
@@ -28,14 +28,14 @@ public final class Callbacks implements CallbackListener {
             throw new IllegalStateException("callback");
         }
         if (values.get("nativeRequestAddr") instanceof Long address) {
-            mDone.add(address);
+            DONE.add(address);
         }
     }
 
     /** Compositions that end a request which was announced as done and nobody took yet; waits for one. */
-    public List<CaptureResultComposition> takeDone() throws InterruptedException {
+    public static List<CaptureResultComposition> takeDone() throws InterruptedException {
         CaptureResultComposition composition = new CaptureResultComposition();
-        composition.putMetadata("nativeRequestAddr", mDone.take());
+        composition.putMetadata("nativeRequestAddr", DONE.take());
         return List.of(composition);
     }
 }

@@ -9,8 +9,7 @@ final class HostileComposition extends CaptureResultComposition {
     private final HostileValues mValues;
     private final CameraMetadataNative mSource;
     private final int mAssembly;
-    private boolean mThrowsOnGet;
-    private boolean mThrowsOnPut;
+    private int mThrows; // a bit for reading, a bit for putting
 
     HostileComposition(CameraMetadataNative source, HostileValues values) {
         super(source);
@@ -19,25 +18,27 @@ final class HostileComposition extends CaptureResultComposition {
         mAssembly = values.below(20);
     }
 
-    void throwOn(boolean get, boolean put) {
-        mThrowsOnGet = get;
-        mThrowsOnPut = put;
+    /** From now on. */
+    void throwSometimes() {
+        mThrows = mValues.below(4);
     }
 
     @Override
     public Object getMetadata(String key) {
-        if (mThrowsOnGet) {
-            throw new IllegalStateException(key);
-        }
+        throwIf((mThrows & 1) != 0, key);
         return super.getMetadata(key);
     }
 
     @Override
     public void putMetadata(String key, Object value) {
-        if (mThrowsOnPut) {
+        throwIf((mThrows & 2) != 0, key);
+        super.putMetadata(key, value);
+    }
+
+    private static void throwIf(boolean isThrowing, String key) {
+        if (isThrowing) {
             throw new OutOfMemoryError(key);
         }
-        super.putMetadata(key, value);
     }
 
     @Override
@@ -59,9 +60,7 @@ final class HostileComposition extends CaptureResultComposition {
         @Override
         @SuppressWarnings("unchecked")
         public <T> T get(Key<T> key) {
-            if (mValues.chance(20)) {
-                throw new IllegalStateException(key.getName());
-            }
+            throwIf(mValues.chance(20), key.getName());
             return mValues.chance(50) ? (T) mValues.anything() : super.get(key);
         }
     }

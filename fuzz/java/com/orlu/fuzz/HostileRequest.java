@@ -111,7 +111,7 @@ public final class HostileRequest implements AutoCloseable {
             }
         }
         if (mValues.chance(3)) {
-            composition.throwOn(mValues.chance(50), mValues.chance(50));
+            composition.throwSometimes();
         }
         return composition;
     }
