@@ -103,9 +103,9 @@ public:
     }
     expect(entriesBetween(firstId, nextRequestId()) == 0, "an entry of the map is left");
     const standin::AlgoCounts after = test::Algo::counts();
-    expect(after.parameterBlocks == counts.parameterBlocks, "a parameter block is left");
-    expect(after.cameraBlocks == counts.cameraBlocks, "a camera block is left");
-    expect(after.clients == counts.clients, "a client is left");
+    expect(after.parameterBlocks == counts.parameterBlocks && after.cameraBlocks == counts.cameraBlocks &&
+               after.clients == counts.clients,
+           "the stand-in holds a block or a client");
     expect(!vmComplained(), "-Xcheck:jni is not quiet");
     return settledDescriptors(descriptors) - descriptors;
   }

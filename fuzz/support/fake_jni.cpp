@@ -172,10 +172,8 @@ void fillValues(JNINativeInterface_& t) {
     return goesWrong() ? nullptr : "NV21";
   };
   t.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char*) {};
-  t.SetIntArrayRegion = setRegion;
-  t.SetLongArrayRegion = setRegion;
-  t.SetFloatArrayRegion = setRegion;
-  t.SetDoubleArrayRegion = setRegion;
+  const auto fillSetters = [](auto&... slots) { ((slots = setRegion), ...); };
+  fillSetters(t.SetIntArrayRegion, t.SetLongArrayRegion, t.SetFloatArrayRegion, t.SetDoubleArrayRegion);
   t.GetIntArrayElements = getElements;
   t.ReleaseIntArrayElements = releaseElements;
   t.GetByteArrayElements = getElements;

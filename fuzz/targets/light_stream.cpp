@@ -34,7 +34,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   handle.head.numInts = input.byte() % 4 - 1;
   const hidl_handle borrowed(input.byte() % 2 == 0 ? nullptr : &handle.head);
   const std::string choices = input.text(input.byte() % kCallChoices);
-  const std::vector<uint8_t> payload(input.rest(), input.rest() + input.left());
+  const std::vector<uint8_t> payload(input.rest().begin(), input.rest().end());
 
   fake_jni::setChoices(reinterpret_cast<const uint8_t*>(choices.data()), choices.size());
   const size_t references = fake_jni::localReferences();

@@ -60,7 +60,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                            hasFrames ? fake_jni::newLocal() : nullptr);
     orlu::CameraMetadataParser parser(fake_jni::env());
     fake_jni::setNumber(static_cast<int32_t>(input.byte()) << (input.byte() % 25));
-    fake_jni::setChoices(input.rest(), input.left());
+    fake_jni::setChoices(reinterpret_cast<const uint8_t*>(input.rest().data()), input.rest().size());
     orlu::ResultUpdater(client, list, request, block, &parser).updateResult();
   }
   fake_jni::setChoices(nullptr, 0);
