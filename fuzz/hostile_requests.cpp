@@ -71,12 +71,11 @@ void watchForDeath() {
 bool vmComplained() {
   static off_t read = 0;
   char text[4096] = {};
-  bool didComplain = false;
-  for (ssize_t count = 0; (count = pread(STDOUT_FILENO, text, sizeof text - 1, read)) > 0; read += count) {
-    text[count] = 0;
-    didComplain |= std::strstr(text, "WARNING") != nullptr;
-  }
-  return didComplain;
+  const ssize_t count = pread(STDOUT_FILENO, text, sizeof text - 1, read);
+  if (count > 0) read += count;
+  if (count <= 0 || std::strstr(text, "WARNING") == nullptr) return false;
+  std::fputs(text, stderr);
+  return true;
 }
 
 // One request and everything around it.
@@ -122,7 +121,7 @@ private:
     expect(test::Algo::waitIdle(15'000), "the stand-in is still busy");
     const uint64_t lastId = nextRequestId();
     for (uint64_t id = firstId + 1; id < lastId; ++id) finish(id);
-    if (chance(mRandom, 30)) update(made.request, made.inputs, made.compositions);
+    if (chance(mRandom, 30)) update(made);
     native("algoRelease", [&] { RequestProcessor::release(env(), mInst, made.parameter); });
     native("destroyNativeClient", [&] { RequestProcessor::destroy(env(), mInst); });
     callVoid(made.self, "close");
@@ -160,9 +159,10 @@ private:
     test::Algo::sendCallback(client->callbackCookie(), bytes, {&handle, nullptr}, chance(mRandom, 70));
   }
 
-  void update(jobject request, jobject images, jobject compositions) {
+  void update(const JavaRequest& made) {
     native("processImageUpdateResult", [&] {
-      RequestProcessor::processImageUpdateResult(env(), mInst, request, images, images, compositions);
+      RequestProcessor::processImageUpdateResult(env(), mInst, made.request, made.inputs, made.outputs,
+                                                 made.compositions);
     });
   }
 
@@ -173,12 +173,10 @@ private:
     if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(id, isFullAsync)) return;
     expect(isFullAsync, "a synchronous request is left");
     const JavaRequest hostile = hostileRequest(mSeed ^ 0x5555, mMode, id);
-    update(hostile.request, hostile.inputs, hostile.compositions);
+    update(hostile);
     callVoid(hostile.self, "close");
     test::LocalFrame frame;
-    jobject composition = test::newComposition();
-    test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(id)));
-    update(test::newRequest(1, "capture"), test::javaList({}), test::javaList({composition}));
+    update(friendlyRequest(id));
   }
 
   // Inside such a frame for local references as a native method gets.

@@ -69,7 +69,8 @@ private:
   // With the frame flag under this key.
   void* makeBlock(const char* key) {
     void* const block = mClient.context().createMetadata();
-    mClient.context().setValue(block, kControl, key, &kFrameFlag, sizeof kFrameFlag);
+    int64_t value = kFrameFlag;
+    mClient.context().setValue(block, kControl, key, &value, sizeof value);
     return block;
   }
 

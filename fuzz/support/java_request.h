@@ -6,24 +6,36 @@
 namespace orlu::fuzz {
 
 struct JavaRequest {
-  explicit JavaRequest(jobject made) : self(made) {}
-
   jobject self;
-  jobject request = field("request");
-  jobject inputs = field("inputs");
-  jobject outputs = field("outputs");
-  jobject compositions = field("compositions");
-  jobject parameter = field("parameter");
-  jobject sharedMemory = field("sharedMemory");
-
-private:
-  jobject field(const char* name) const { return test::objectField(self, name, "Ljava/lang/Object;"); }
+  jobject request;
+  jobject inputs;
+  jobject outputs;
+  jobject compositions;
+  jobject parameter;
+  jobject sharedMemory;
 };
 
 // `mode` as HostileRequest.java says; `address` goes into the first composition.
 inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
-  return JavaRequest(test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
-                                     static_cast<jlong>(address)));
+  jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
+                                 static_cast<jlong>(address));
+  const auto field = [made](const char* name) { return test::objectField(made, name, "Ljava/lang/Object;"); };
+  return {made,
+          field("request"),
+          field("inputs"),
+          field("outputs"),
+          field("compositions"),
+          field("parameter"),
+          field("sharedMemory")};
+}
+
+// One with nothing wrong, to end the request behind `address`.
+inline JavaRequest friendlyRequest(uint64_t address) {
+  jobject composition = test::newComposition();
+  test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));
+  jobject none = test::javaList({});
+  return {nullptr, test::newRequest(1, "capture"), none, none, test::javaList({composition}), composition,
+          nullptr};
 }
 
 inline void callVoid(jobject object, const char* method) {
