@@ -5,13 +5,14 @@
 // descriptor, no global reference, no word of the VM about a JNI call.
 
 #include <android/log.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cinttypes>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "algo.h"
 #include "figures.h"
@@ -47,15 +48,13 @@ volatile uint64_t gSeed = 0;
 // Also called by signals and by sanitizers that are about to end the process.
 void printSeed() {
   char line[80];
-  const int length = std::snprintf(line, sizeof line, "\nfailed at --seed %llu --count 1\n",
-                                   static_cast<unsigned long long>(gSeed));
+  const int length = std::snprintf(line, sizeof line, "\nfailed at --seed %" PRIu64 " --count 1\n", gSeed);
   if (write(STDERR_FILENO, line, static_cast<size_t>(length)) < 0) std::_Exit(1);
 }
 
+// SIGALRM: the request did not end in time.
 void onSignal(int signal) {
   printSeed();
-  const char* const hung = "the request did not end in time\n";
-  if (signal == SIGALRM && write(STDERR_FILENO, hung, std::strlen(hung)) > 0) std::_Exit(1);
   std::signal(signal, SIG_DFL);
   std::raise(signal);
 }
@@ -71,21 +70,19 @@ void watchForDeath() {
 // The VM complains on descriptor 1.
 bool vmComplained() {
   static off_t read = 0;
-  struct stat status = {};
-  if (fstat(STDOUT_FILENO, &status) != 0 || status.st_size == read) return false;
-  std::string text(static_cast<size_t>(status.st_size - read), '\0');
-  const ssize_t count = pread(STDOUT_FILENO, text.data(), text.size(), read);
-  read = status.st_size;
-  if (count <= 0 || text.find("WARNING") == std::string::npos) return false;
-  std::fprintf(stderr, "%s", text.c_str());
+  char text[4096] = {};
+  const ssize_t count = pread(STDOUT_FILENO, text, sizeof text - 1, read);
+  if (count > 0) read += count;
+  if (count <= 0 || std::strstr(text, "WARNING") == nullptr) return false;
+  std::fputs(text, stderr);
   return true;
 }
 
 // One request and everything around it.
 class HostileRequestRun {
 public:
-  HostileRequestRun(JavaGenerator& generator, uint64_t seed)
-      : mGenerator(generator), mSeed(seed), mRandom(seed), mMode(static_cast<int>(mRandom() % 4)) {}
+  explicit HostileRequestRun(uint64_t seed)
+      : mSeed(seed), mRandom(seed), mMode(static_cast<int>(mRandom() % 4)) {}
 
   // The descriptors that stayed open; ends the program when something else was left.
   int run() {
@@ -98,65 +95,51 @@ public:
     {
       test::JniTable table(env());
       test::LocalFrame frame;
-      mGenerator.throwFromCallback(chance(mRandom, 10));
-      send(firstId);
+      jobject callbacks = test::newObject("com/orlu/fuzz/Callbacks", "(Z)V", chance(mRandom, 10));
+      send(firstId, hostileRequest(mSeed, mMode, firstId));
+      callVoid(callbacks, "stop");
       expect(table.calls("NewGlobalRef") == table.calls("DeleteGlobalRef"), "a global reference is left");
     }
     expect(entriesBetween(firstId, nextRequestId()) == 0, "an entry of the map is left");
     const standin::AlgoCounts after = test::Algo::counts();
-    expect(after.parameterBlocks == counts.parameterBlocks, "a parameter block is left");
-    expect(after.cameraBlocks == counts.cameraBlocks, "a camera block is left");
-    expect(after.clients == counts.clients, "a client is left");
+    expect(after.parameterBlocks == counts.parameterBlocks && after.cameraBlocks == counts.cameraBlocks &&
+               after.clients == counts.clients,
+           "the stand-in holds a block or a client");
     expect(!vmComplained(), "-Xcheck:jni is not quiet");
     return settledDescriptors(descriptors) - descriptors;
   }
 
 private:
-  void send(uint64_t firstId) {
-    mMade = mGenerator.make(mSeed, mMode, firstId);
-    native("createNativeClient", [&] { mInst = RequestProcessor::create(env(), mMade.parameter); });
-    sendOthers();
+  void send(uint64_t firstId, const JavaRequest& made) {
+    native("createNativeClient", [&] { mInst = RequestProcessor::create(env(), made.parameter); });
+    sendOthers(made);
     const int64_t inst = chance(mRandom, 2) ? 0 : mInst;
     native("processImage", [&] {
-      RequestProcessor::processImage(env(), inst, mMade.request, mMade.inputs, mMade.outputs,
-                                     mMade.compositions);
+      RequestProcessor::processImage(env(), inst, made.request, made.inputs, made.outputs, made.compositions);
     });
-    sendOthers();
+    sendOthers(made);
     expect(test::Algo::waitIdle(15'000), "the stand-in is still busy");
     const uint64_t lastId = nextRequestId();
     for (uint64_t id = firstId + 1; id < lastId; ++id) finish(id);
-    if (chance(mRandom, 30)) update(mMade);
-    native("algoRelease", [&] { RequestProcessor::release(env(), mInst, mMade.parameter); });
+    if (chance(mRandom, 30)) update(made);
+    native("algoRelease", [&] { RequestProcessor::release(env(), mInst, made.parameter); });
     native("destroyNativeClient", [&] { RequestProcessor::destroy(env(), mInst); });
-    mGenerator.close(mMade);
+    callVoid(made.self, "close");
   }
 
   // The natives that carry no images, in no order, some of them without a handle.
-  void sendOthers() {
-    for (int i = 0; i < 3; ++i)
-      native("a native method", [&] { sendOther(chance(mRandom, 10) ? 0 : mInst); });
-  }
-
-  void sendOther(int64_t inst) {
-    switch (mRandom() % 6) {
-      case 0:
-        RequestProcessor::init(env(), inst, mMade.inputs);
-        break;
-      case 1:
-        RequestProcessor::flush(env(), inst, mMade.outputs, nullptr);
-        break;
-      case 2:
-        RequestProcessor::abortRequest(env(), inst, nullptr, mMade.parameter);
-        break;
-      case 3:
-        RequestProcessor::getData(env(), inst, mMade.parameter);
-        break;
-      case 4:
-        RequestProcessor::translateParamFiles(env(), inst, mMade.sharedMemory, mMade.parameter);
-        break;
-      default:
-        callBack();
-        break;
+  void sendOthers(const JavaRequest& made) {
+    for (int i = 0; i < 3; ++i) {
+      const int64_t inst = chance(mRandom, 10) ? 0 : mInst;
+      const std::function<void()> calls[] = {
+          [&] { RequestProcessor::init(env(), inst, made.inputs); },
+          [&] { RequestProcessor::flush(env(), inst, made.outputs, nullptr); },
+          [&] { RequestProcessor::abortRequest(env(), inst, nullptr, made.parameter); },
+          [&] { RequestProcessor::getData(env(), inst, made.parameter); },
+          [&] { RequestProcessor::translateParamFiles(env(), inst, made.sharedMemory, made.parameter); },
+          [&] { callBack(); },
+      };
+      native("a native method", calls[mRandom() % std::size(calls)]);
     }
   }
 
@@ -189,15 +172,15 @@ private:
     bool isFullAsync = false;
     if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(id, isFullAsync)) return;
     expect(isFullAsync, "a synchronous request is left");
-    const JavaRequest hostile = mGenerator.make(mSeed ^ 0x5555, mMode, id);
+    const JavaRequest hostile = hostileRequest(mSeed ^ 0x5555, mMode, id);
     update(hostile);
-    mGenerator.close(hostile);
-    update(mGenerator.friendly(id));
+    callVoid(hostile.self, "close");
+    test::LocalFrame frame;
+    update(friendlyRequest(id));
   }
 
   // Inside such a frame for local references as a native method gets.
-  template <typename Call>
-  void native(const char* name, const Call& call) {
+  void native(const char* name, const std::function<void()>& call) {
     env()->PushLocalFrame(16);
     call();
     env()->PopLocalFrame(nullptr);
@@ -212,21 +195,19 @@ private:
     std::_Exit(1);
   }
 
-  JavaGenerator& mGenerator;
   uint64_t mSeed;
   Random mRandom;
   int mMode;
   test::Algo mAlgo;
-  JavaRequest mMade;
   int64_t mInst = 0;
 };
 
 // A descriptor that the VM opened for a class of its own stays once; what leaks, leaks every time.
-bool sendOne(JavaGenerator& generator, uint64_t seed) {
+bool sendOne(uint64_t seed) {
   gSeed = seed;
   alarm(kSecondsForOne);
   for (int attempt = 0; attempt < 3; ++attempt) {
-    if (HostileRequestRun(generator, seed).run() == 0) return true;
+    if (HostileRequestRun(seed).run() == 0) return true;
   }
   printSeed();
   std::fprintf(stderr, "descriptors stay open\n");
@@ -234,12 +215,10 @@ bool sendOne(JavaGenerator& generator, uint64_t seed) {
 }
 
 int sendAll(uint64_t seed, uint64_t count) {
-  JavaGenerator generator(env());
   for (uint64_t i = 0; i < count; ++i) {
-    if (!sendOne(generator, seed + i)) return 1;
+    if (!sendOne(seed + i)) return 1;
     if ((i + 1) % 500 == 0 || i + 1 == count) {
-      std::printf("%llu of %llu requests, seeds from %llu\n", static_cast<unsigned long long>(i + 1),
-                  static_cast<unsigned long long>(count), static_cast<unsigned long long>(seed));
+      std::printf("%" PRIu64 " of %" PRIu64 " requests, seeds from %" PRIu64 "\n", i + 1, count, seed);
     }
   }
   alarm(0);
@@ -253,9 +232,8 @@ int main(int argc, char** argv) {
   uint64_t seed = 1;
   uint64_t count = 1'000;
   for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string option = argv[i];
-    if (option == "--seed") seed = std::strtoull(argv[i + 1], nullptr, 10);
-    if (option == "--count") count = std::strtoull(argv[i + 1], nullptr, 10);
+    if (std::strcmp(argv[i], "--seed") == 0) seed = std::strtoull(argv[i + 1], nullptr, 10);
+    if (std::strcmp(argv[i], "--count") == 0) count = std::strtoull(argv[i + 1], nullptr, 10);
   }
   if (!orlu::test::startJvm()) return 2;
   __android_log_set_logger([](const __android_log_message*) {});

@@ -4,15 +4,12 @@
 #include <android/log.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
-#include "algo.h"
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
 #include "parameter_sections.h"
 #include "soak_watch.h"
-#include "stand_in_script.h"
 
 namespace orlu::fuzz {
 namespace {
@@ -32,18 +29,17 @@ public:
 
   void send(uint64_t index) {
     AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-    const uint64_t kind = index % 20;
-    const bool isFullAsync = kind >= 11 && kind < 18;
-    void* const block = mClient.context().createMetadata();
-    write(block, "frame_flag", kFrameFlag);
-    const uint64_t request = map->create(static_cast<int64_t>(index), block, isFullAsync);
+    const SoakKind kind = soakKind(index);
+    const bool isSkipped = kind == kSkipped || kind == kSkippedAsync;
+    void* const block = makeBlock("frame_flag");
+    const uint64_t request = map->create(static_cast<int64_t>(index), block, isFullAsync(kind));
     map->setAlgoList(request, {"night", "jpegEncode"});
-    if (kind < 18) submit(request, block);
-    if (kind >= 16 && kind < 18) abort();
-    if (kind >= 18) mClient.onPostProcessDataCommonShot(request);
+    if (!isSkipped) submit(request, block);
+    if (kind == kAborted) abort();
+    if (isSkipped) mClient.onPostProcessDataCommonShot(request);
     // No Java is told of a full-async one: it is ended when the library is done with it.
-    if (isFullAsync) mClient.context().flush();
-    if (!isFullAsync) map->waitForCallback(request);
+    if (isFullAsync(kind)) mClient.context().flush();
+    if (!isFullAsync(kind)) map->waitForCallback(request);
     end(request);
   }
 
@@ -65,14 +61,17 @@ private:
   }
 
   void abort() {
-    void* const block = mClient.context().createMetadata();
-    write(block, "abort_val", kFrameFlag);
+    void* const block = makeBlock("abort_val");
     mClient.context().abort(0, 0, block);
     mClient.context().destroyMetadata(block);
   }
 
-  void write(void* block, const char* key, int64_t value) {
+  // With the frame flag under this key.
+  void* makeBlock(const char* key) {
+    void* const block = mClient.context().createMetadata();
+    int64_t value = kFrameFlag;
     mClient.context().setValue(block, kControl, key, &value, sizeof value);
+    return block;
   }
 
   AlgoNativeClient mClient;
@@ -97,21 +96,13 @@ int soak(uint64_t requests) {
   for (int i = 0; i < kThreads; ++i) threads.emplace_back(soakOn, std::ref(watch));
   watch.watch();
   for (std::thread& thread : threads) thread.join();
-  const standin::AlgoCounts counts = test::Algo::counts();
-  const int entries = entriesBetween(firstId, nextRequestId());
-  std::printf("left: clients %d, parameter blocks %d, camera blocks %d, requests %d, entries of the map %d\n",
-              counts.clients, counts.parameterBlocks, counts.cameraBlocks, counts.pendingRequests, entries);
-  const int left =
-      counts.clients + counts.parameterBlocks + counts.cameraBlocks + counts.pendingRequests + entries;
-  return left == 0 ? 0 : 1;
+  return nothingIsLeft({}, firstId) ? 0 : 1;
 }
 
 }  // namespace
 }  // namespace orlu::fuzz
 
 int main(int argc, char** argv) {
-  uint64_t requests = 200'000;
-  if (argc == 3 && std::strcmp(argv[1], "--requests") == 0) requests = std::strtoull(argv[2], nullptr, 10);
   __android_log_set_logger([](const __android_log_message*) {});
-  return orlu::fuzz::soak(requests);
+  return orlu::fuzz::soak(orlu::fuzz::requestsAskedFor(argc, argv));
 }

@@ -3,257 +3,238 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
+#include <type_traits>
+#include <vector>
 
-namespace orlu::fuzz {
+namespace orlu::fuzz::fake_jni {
 namespace {
-
-FakeJni* gFake = nullptr;
 
 constexpr jsize kArrayLength = 8;  // of arrays that Java made
 
-template <typename Element>
-void touch(const Element* bytes, jsize count) {
-  volatile uint8_t sum = 0;
-  const auto* const first = reinterpret_cast<const uint8_t*>(bytes);
-  for (size_t i = 0; i < static_cast<size_t>(count) * sizeof(Element); ++i) {
-    sum = static_cast<uint8_t>(sum ^ first[i]);
-  }
+std::set<jobject> gLocals;
+std::set<jobject> gGlobals;
+std::vector<std::vector<jobject>> gFrames;
+uintptr_t gNext = 0x1000;
+const uint8_t* gChoices = nullptr;
+size_t gChoiceCount = 0;
+int32_t gNumber = 0;
+bool gIsThrowing = false;
+
+template <typename Type>
+constexpr bool kIsObject = std::is_convertible_v<Type, jobject>;
+
+bool goesWrong() {
+  if (gChoiceCount == 0) return false;
+  --gChoiceCount;
+  return (*gChoices++ & 1U) != 0;
 }
 
-}  // namespace
-
-// The functions by kinds. `f` is the one fake.
-struct FakeJniFunctions {
-  static FakeJni& f() { return *gFake; }
-
-  template <typename Id>
-  static Id JNICALL member(JNIEnv*, jclass clazz, const char*, const char*) {
-    f().enter(clazz);
-    if (!f().goesWrong()) return reinterpret_cast<Id>(f().mNext++);
-    f().mIsThrowing = true;
-    return nullptr;
-  }
-  static jobject JNICALL makeObject(JNIEnv*, jclass clazz, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(clazz);
-    return f().answer();
-  }
-  static jobject JNICALL callObject(JNIEnv*, jobject object, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(object);
-    return f().answer();
-  }
-  template <typename Number>
-  static Number JNICALL callNumber(JNIEnv*, jobject object, jmethodID method, va_list) {
-    f().require(method != nullptr, "null method");
-    f().enter(object);
-    f().mIsThrowing = f().goesWrong();
-    return static_cast<Number>(f().mNumber);
-  }
-  static void JNICALL callVoid(JNIEnv*, jobject object, jmethodID method, va_list) {
-    callNumber<jint>(nullptr, object, method, {});
-  }
-  static void JNICALL callStaticVoid(JNIEnv*, jclass clazz, jmethodID method, va_list) {
-    callNumber<jint>(nullptr, clazz, method, {});
-  }
-  template <typename Array>
-  static Array JNICALL newArray(JNIEnv*, jsize length) {
-    f().enter(&f());
-    f().require(length >= 0, "negative length");
-    return static_cast<Array>(f().answer());
-  }
-  template <typename Array, typename Element>
-  static void JNICALL setRegion(JNIEnv*, Array array, jsize start, jsize length, const Element* elements) {
-    f().enter(array);
-    f().require(start == 0 && length >= 0, "bad region");
-    touch(elements, length);
-  }
-  template <typename Array, typename Element>
-  static Element* JNICALL elements(JNIEnv*, Array array, jboolean*) {
-    f().enter(array);
-    if (f().goesWrong()) return nullptr;
-    auto* const copy = new Element[kArrayLength];
-    for (jsize i = 0; i < kArrayLength; ++i) copy[i] = static_cast<Element>(f().mNumber);
-    return copy;
-  }
-  template <typename Array, typename Element>
-  static void JNICALL release(JNIEnv*, Array array, Element* elements, jint) {
-    f().enter(array);
-    delete[] elements;
-  }
-
-  static void fillReferences(JNINativeInterface_& t) {
-    t.FindClass = [](JNIEnv*, const char*) {
-      f().enter(gFake);
-      return static_cast<jclass>(f().answer());
-    };
-    t.ExceptionCheck = [](JNIEnv*) -> jboolean { return f().mIsThrowing ? JNI_TRUE : JNI_FALSE; };
-    t.ExceptionClear = [](JNIEnv*) { f().mIsThrowing = false; };
-    t.DeleteLocalRef = [](JNIEnv*, jobject object) {
-      f().require(object == nullptr || f().mLocals.erase(object) == 1, "dead reference deleted");
-    };
-    t.NewGlobalRef = [](JNIEnv*, jobject object) {
-      f().enter(object);
-      return *f().mGlobals.insert(reinterpret_cast<jobject>(f().mNext++)).first;
-    };
-    t.DeleteGlobalRef = [](JNIEnv*, jobject object) {
-      f().require(f().mGlobals.erase(object) == 1, "dead global reference deleted");
-    };
-    t.PushLocalFrame = [](JNIEnv*, jint) {
-      f().mFrames.emplace_back();
-      return JNI_OK;
-    };
-    t.PopLocalFrame = [](JNIEnv*, jobject) -> jobject {
-      f().require(!f().mFrames.empty(), "no frame");
-      for (jobject object : f().mFrames.back()) f().mLocals.erase(object);
-      f().mFrames.pop_back();
-      return nullptr;
-    };
-    t.EnsureLocalCapacity = [](JNIEnv*, jint) -> jint {
-      f().mIsThrowing = f().goesWrong();
-      return f().mIsThrowing ? JNI_ERR : JNI_OK;
-    };
-    t.IsInstanceOf = [](JNIEnv*, jobject object, jclass clazz) -> jboolean {
-      f().enter(object);
-      f().enter(clazz);
-      return f().goesWrong() ? JNI_FALSE : JNI_TRUE;
-    };
-    t.GetJavaVM = [](JNIEnv*, JavaVM** vm) -> jint {
-      *vm = &f().mVm;
-      return JNI_OK;
-    };
-  }
-
-  static void fillMembers(JNINativeInterface_& t) {
-    t.GetMethodID = member<jmethodID>;
-    t.GetStaticMethodID = member<jmethodID>;
-    t.GetFieldID = member<jfieldID>;
-    t.NewObjectV = makeObject;
-    t.CallObjectMethodV = callObject;
-    t.CallStaticObjectMethodV = makeObject;
-    t.CallIntMethodV = callNumber<jint>;
-    t.CallLongMethodV = callNumber<jlong>;
-    t.CallFloatMethodV = callNumber<jfloat>;
-    t.CallDoubleMethodV = callNumber<jdouble>;
-    t.CallBooleanMethodV = callNumber<jboolean>;
-    t.CallVoidMethodV = callVoid;
-    t.CallStaticVoidMethodV = callStaticVoid;
-    t.GetObjectField = [](JNIEnv*, jobject object, jfieldID) {
-      f().enter(object);
-      return f().goesWrong() ? nullptr : f().newLocal();
-    };
-    t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject) { f().enter(object); };
-    t.GetIntField = [](JNIEnv*, jobject object, jfieldID) {
-      f().enter(object);
-      return f().mNumber;
-    };
-    t.GetObjectClass = [](JNIEnv*, jobject object) {
-      f().enter(object);
-      return static_cast<jclass>(f().newLocal());
-    };
-    // Holds the address behind a hardware buffer; this is that of a closed one.
-    t.GetLongField = [](JNIEnv*, jobject object, jfieldID) -> jlong {
-      f().enter(object);
-      return 0;
-    };
-    t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { f().enter(object); };
-  }
-
-  static void fillValues(JNINativeInterface_& t) {
-    t.NewStringUTF = [](JNIEnv*, const char* text) {
-      f().enter(gFake);
-      touch(text, static_cast<jsize>(std::strlen(text)));
-      return static_cast<jstring>(f().answer());
-    };
-    t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
-      f().enter(string);
-      return f().goesWrong() ? nullptr : "NV21";
-    };
-    t.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char*) {};
-    t.GetArrayLength = [](JNIEnv*, jarray array) {
-      f().enter(array);
-      return kArrayLength;
-    };
-    t.GetObjectArrayElement = [](JNIEnv*, jobjectArray array, jsize) {
-      f().enter(array);
-      return f().goesWrong() ? nullptr : f().newLocal();
-    };
-    t.NewIntArray = newArray<jintArray>;
-    t.NewLongArray = newArray<jlongArray>;
-    t.NewFloatArray = newArray<jfloatArray>;
-    t.NewDoubleArray = newArray<jdoubleArray>;
-    t.SetIntArrayRegion = setRegion<jintArray, jint>;
-    t.SetLongArrayRegion = setRegion<jlongArray, jlong>;
-    t.SetFloatArrayRegion = setRegion<jfloatArray, jfloat>;
-    t.SetDoubleArrayRegion = setRegion<jdoubleArray, jdouble>;
-    t.GetIntArrayElements = elements<jintArray, jint>;
-    t.ReleaseIntArrayElements = release<jintArray, jint>;
-    t.GetByteArrayElements = elements<jbyteArray, jbyte>;
-    t.ReleaseByteArrayElements = release<jbyteArray, jbyte>;
-  }
-
-  static void fillVm(JNIInvokeInterface_& t) {
-    t.GetEnv = [](JavaVM*, void** env, jint) -> jint {
-      *env = f().env();
-      return f().goesWrong() ? JNI_EDETACHED : JNI_OK;
-    };
-    t.AttachCurrentThread = [](JavaVM*, void** env, void*) -> jint {
-      *env = f().env();
-      return JNI_OK;
-    };
-  }
-};
-
-FakeJni::FakeJni() {
-  gFake = this;
-  FakeJniFunctions::fillReferences(mTable);
-  FakeJniFunctions::fillMembers(mTable);
-  FakeJniFunctions::fillValues(mTable);
-  FakeJniFunctions::fillVm(mVmTable);
-  mEnv.functions = &mTable;
-  mVm.functions = &mVmTable;
-}
-
-FakeJni::~FakeJni() {
-  gFake = nullptr;
-}
-
-void FakeJni::setChoices(const uint8_t* bytes, size_t size) {
-  mChoices = bytes;
-  mChoiceCount = size;
-}
-
-jobject FakeJni::newLocal() {
-  jobject object = *mLocals.insert(reinterpret_cast<jobject>(mNext++)).first;
-  if (!mFrames.empty()) mFrames.back().push_back(object);
-  return object;
-}
-
-bool FakeJni::goesWrong() {
-  if (mChoiceCount == 0) return false;
-  --mChoiceCount;
-  return (*mChoices++ & 1U) != 0;
-}
-
-void FakeJni::require(bool holds, const char* what) const {
+void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "JNI: %s\n", what);
   std::abort();
 }
 
-// What every function asks that a pending exception forbids: `object` is alive.
-void FakeJni::enter(const void* object) const {
-  require(!mIsThrowing, "a call with an exception pending");
-  if (object == this) return;
-  auto* const reference = static_cast<jobject>(const_cast<void*>(object));
-  require(mLocals.count(reference) + mGlobals.count(reference) == 1, "dead reference used");
+template <typename Element>
+void touch(const Element* elements, size_t count) {
+  volatile uint8_t sum = 0;
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(elements);
+  for (size_t i = 0; i < count * sizeof(Element); ++i) sum = static_cast<uint8_t>(sum ^ bytes[i]);
 }
 
-// A new object, or null with an exception, or without one.
-jobject FakeJni::answer() {
-  if (!goesWrong()) return newLocal();
-  mIsThrowing = goesWrong();
-  return nullptr;
+// What an argument of this type must be: no null, no dead reference, no length below 0.
+template <typename Argument>
+void take(Argument argument) {
+  if constexpr (kIsObject<Argument>)
+    require(gLocals.count(argument) + gGlobals.count(argument) == 1, "dead reference used");
+  if constexpr (std::is_same_v<Argument, jmethodID>) require(argument != nullptr, "null method");
+  if constexpr (std::is_same_v<Argument, jsize>) require(argument >= 0, "negative length");
+  if constexpr (std::is_same_v<Argument, const char*>) touch(argument, std::strlen(argument));
 }
 
-}  // namespace orlu::fuzz
+template <typename... Arguments>
+void enter(Arguments... arguments) {
+  require(!gIsThrowing, "a call with an exception pending");
+  (take(arguments), ...);
+}
+
+// Most functions differ in their types alone. This one throws when it goes wrong, or answers null.
+template <typename Answer, typename... Arguments>
+Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
+  enter(arguments...);
+  const bool isWrong = goesWrong();
+  gIsThrowing = isWrong && (!kIsObject<Answer> || goesWrong());
+  if constexpr (kIsObject<Answer>) return static_cast<Answer>(isWrong ? nullptr : newLocal());
+  if constexpr (std::is_arithmetic_v<Answer>) return static_cast<Answer>(gNumber);
+  if constexpr (std::is_pointer_v<Answer>) return isWrong ? nullptr : reinterpret_cast<Answer>(gNext++);
+}
+
+template <typename Answer, typename... Arguments>
+void mayThrow(Answer(JNICALL*& slot)(JNIEnv*, Arguments...)) {
+  slot = throwing<Answer, Arguments...>;
+}
+
+// Those that never throw: what goes wrong is that there is no object, or an answer is always the same.
+template <typename... Arguments>
+jobject JNICALL objectOrNull(JNIEnv*, Arguments... arguments) {
+  enter(arguments...);
+  return goesWrong() ? nullptr : newLocal();
+}
+
+template <auto kAnswer, typename... Arguments>
+auto JNICALL always(JNIEnv*, Arguments... arguments) {
+  enter(arguments...);
+  return kAnswer;
+}
+
+template <typename Array, typename Element>
+void JNICALL setRegion(JNIEnv*, Array array, jsize start, jsize length, const Element* elements) {
+  enter(array, length);
+  require(start == 0, "bad region");
+  touch(elements, static_cast<size_t>(length));
+}
+
+template <typename Array, typename Element>
+Element* JNICALL getElements(JNIEnv*, Array array, jboolean*) {
+  enter(array);
+  if (goesWrong()) return nullptr;
+  auto* const copy = new Element[kArrayLength];
+  for (jsize i = 0; i < kArrayLength; ++i) copy[i] = static_cast<Element>(gNumber);
+  return copy;
+}
+
+template <typename Array, typename Element>
+void JNICALL releaseElements(JNIEnv*, Array array, Element* elements, jint) {
+  enter(array);
+  delete[] elements;
+}
+
+void fillCalls(JNINativeInterface_& t) {
+  const auto mayAllThrow = [](auto&... slots) { (mayThrow(slots), ...); };
+  mayAllThrow(t.FindClass, t.GetMethodID, t.GetStaticMethodID, t.GetFieldID);
+  mayAllThrow(t.NewObjectV, t.CallObjectMethodV, t.CallStaticObjectMethodV);
+  mayAllThrow(t.CallIntMethodV, t.CallLongMethodV, t.CallFloatMethodV, t.CallDoubleMethodV);
+  mayAllThrow(t.CallBooleanMethodV, t.CallVoidMethodV, t.CallStaticVoidMethodV);
+  mayAllThrow(t.NewStringUTF, t.NewIntArray, t.NewLongArray, t.NewFloatArray, t.NewDoubleArray);
+}
+
+void fillReferences(JNINativeInterface_& t) {
+  t.ExceptionCheck = [](JNIEnv*) -> jboolean { return gIsThrowing ? JNI_TRUE : JNI_FALSE; };
+  t.ExceptionClear = [](JNIEnv*) { gIsThrowing = false; };
+  t.DeleteLocalRef = [](JNIEnv*, jobject object) {
+    require(object == nullptr || gLocals.erase(object) == 1, "dead reference deleted");
+  };
+  t.NewGlobalRef = [](JNIEnv*, jobject object) {
+    enter(object);
+    return *gGlobals.insert(reinterpret_cast<jobject>(gNext++)).first;
+  };
+  t.DeleteGlobalRef = [](JNIEnv*, jobject object) {
+    require(gGlobals.erase(object) == 1, "dead global reference deleted");
+  };
+  t.PushLocalFrame = [](JNIEnv*, jint) {
+    gFrames.emplace_back();
+    return JNI_OK;
+  };
+  t.PopLocalFrame = [](JNIEnv*, jobject) -> jobject {
+    require(!gFrames.empty(), "no frame");
+    for (jobject object : gFrames.back()) gLocals.erase(object);
+    gFrames.pop_back();
+    return nullptr;
+  };
+  t.EnsureLocalCapacity = [](JNIEnv*, jint) -> jint {
+    gIsThrowing = goesWrong();
+    return gIsThrowing ? JNI_ERR : JNI_OK;
+  };
+}
+
+void fillValues(JNINativeInterface_& t) {
+  t.IsInstanceOf = [](JNIEnv*, jobject object, jclass clazz) -> jboolean {
+    enter(object, clazz);
+    return goesWrong() ? JNI_FALSE : JNI_TRUE;
+  };
+  t.GetObjectClass = [](JNIEnv*, jobject object) {
+    enter(object);
+    return static_cast<jclass>(newLocal());
+  };
+  t.GetIntField = [](JNIEnv*, jobject object, jfieldID) {
+    enter(object);
+    return gNumber;
+  };
+  t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject) { enter(object); };
+  t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
+  t.GetObjectField = objectOrNull;
+  t.GetObjectArrayElement = objectOrNull;
+  t.GetLongField = always<jlong{0}>;  // the address behind a hardware buffer: a closed one
+  t.GetArrayLength = always<kArrayLength>;
+  t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
+    enter(string);
+    return goesWrong() ? nullptr : "NV21";
+  };
+  t.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char*) {};
+  const auto fillSetters = [](auto&... slots) { ((slots = setRegion), ...); };
+  fillSetters(t.SetIntArrayRegion, t.SetLongArrayRegion, t.SetFloatArrayRegion, t.SetDoubleArrayRegion);
+  t.GetIntArrayElements = getElements;
+  t.ReleaseIntArrayElements = releaseElements;
+  t.GetByteArrayElements = getElements;
+  t.ReleaseByteArrayElements = releaseElements;
+}
+
+JavaVM* vm() {
+  static JNIInvokeInterface_ table = {};
+  table.GetEnv = [](JavaVM*, void** answer, jint) -> jint {
+    *answer = env();
+    return goesWrong() ? JNI_EDETACHED : JNI_OK;
+  };
+  table.AttachCurrentThread = [](JavaVM*, void** answer, void*) -> jint {
+    *answer = env();
+    return JNI_OK;
+  };
+  static JavaVM made = {&table};
+  return &made;
+}
+
+JNINativeInterface_ fullTable() {
+  JNINativeInterface_ table = {};
+  fillCalls(table);
+  fillReferences(table);
+  fillValues(table);
+  table.GetJavaVM = [](JNIEnv*, JavaVM** answer) -> jint {
+    *answer = vm();
+    return JNI_OK;
+  };
+  return table;
+}
+
+}  // namespace
+
+JNIEnv* env() {
+  static const JNINativeInterface_ table = fullTable();
+  static JNIEnv made = {&table};
+  return &made;
+}
+
+void setChoices(const uint8_t* bytes, size_t size) {
+  gChoices = bytes;
+  gChoiceCount = size;
+}
+
+void setNumber(int32_t number) {
+  gNumber = number;
+}
+
+jobject newLocal() {
+  jobject object = *gLocals.insert(reinterpret_cast<jobject>(gNext++)).first;
+  if (!gFrames.empty()) gFrames.back().push_back(object);
+  return object;
+}
+
+size_t localReferences() {
+  return gLocals.size();
+}
+
+size_t globalReferences() {
+  return gGlobals.size();
+}
+
+}  // namespace orlu::fuzz::fake_jni

@@ -1,25 +1,22 @@
 // What a run looks at before and after, to tell what leaked.
 #pragma once
 
-#include <dirent.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "algo_native_request_map.h"
 
 namespace orlu::fuzz {
 
+// Also the one behind the folder itself.
 inline int openDescriptors() {
-  DIR* const folder = opendir("/proc/self/fd");
-  if (folder == nullptr) return -1;
-  int count = -1;  // the folder's own
-  while (const dirent* entry = readdir(folder)) count += entry->d_name[0] == '.' ? 0 : 1;
-  closedir(folder);
-  return count;
+  const std::filesystem::directory_iterator folder("/proc/self/fd");
+  return static_cast<int>(std::distance(begin(folder), end(folder)));
 }
 
 // The open descriptors, when they are `expected` within two seconds: the stand-in closes those of a request
@@ -32,13 +29,10 @@ inline int settledDescriptors(int expected) {
 }
 
 inline int64_t residentBytes() {
-  long total = 0;
-  long resident = 0;
-  std::FILE* const file = std::fopen("/proc/self/statm", "re");
-  if (file == nullptr) return -1;
-  const int read = std::fscanf(file, "%ld %ld", &total, &resident);
-  std::fclose(file);
-  return read == 2 ? int64_t{resident} * sysconf(_SC_PAGESIZE) : -1;
+  int64_t total = 0;
+  int64_t resident = 0;
+  std::ifstream("/proc/self/statm") >> total >> resident;
+  return resident * sysconf(_SC_PAGESIZE);
 }
 
 // An id that no request has: larger than every id so far.

@@ -1,40 +1,47 @@
-// The arguments of the native methods as the Java generator makes them. Objects are local references.
+// The arguments of the native methods as HostileRequest.java makes them. Objects are local references.
 #pragma once
 
-#include <jni.h>
-
-#include <cstdint>
+#include "fixtures.h"
 
 namespace orlu::fuzz {
 
 struct JavaRequest {
-  jobject self = nullptr;
-  jobject request = nullptr;
-  jobject inputs = nullptr;
-  jobject outputs = nullptr;
-  jobject compositions = nullptr;
-  jobject parameter = nullptr;
-  jobject sharedMemory = nullptr;
+  jobject self;
+  jobject request;
+  jobject inputs;
+  jobject outputs;
+  jobject compositions;
+  jobject parameter;
+  jobject sharedMemory;
 };
 
-// Who makes them. `mode` as HostileRequest.java says; `address` goes into the first composition.
-class JavaGenerator {
-public:
-  explicit JavaGenerator(JNIEnv* env);
+// `mode` as HostileRequest.java says; `address` goes into the first composition.
+inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
+  jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
+                                 static_cast<jlong>(address));
+  const auto field = [made](const char* name) { return test::objectField(made, name, "Ljava/lang/Object;"); };
+  return {made,
+          field("request"),
+          field("inputs"),
+          field("outputs"),
+          field("compositions"),
+          field("parameter"),
+          field("sharedMemory")};
+}
 
-  JavaRequest make(uint64_t seed, int mode, uint64_t address);
-  JavaRequest friendly(uint64_t address);
-  // Frees the memory behind the images.
-  void close(const JavaRequest& made);
-  // Whether the callback into Java throws.
-  void throwFromCallback(bool doesThrow);
+// One with nothing wrong, to end the request behind `address`.
+inline JavaRequest friendlyRequest(uint64_t address) {
+  jobject composition = test::newComposition();
+  test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));
+  jobject none = test::javaList({});
+  return {nullptr, test::newRequest(1, "capture"), none, none, test::javaList({composition}), composition,
+          nullptr};
+}
 
-private:
-  JavaRequest fieldsOf(jobject object);
-
-  JNIEnv* mEnv;
-  jclass mClass;  // global references, kept until the process ends
-  jclass mProcessor;
-};
+inline void callVoid(jobject object, const char* method) {
+  jmethodID id = test::env()->GetMethodID(test::env()->GetObjectClass(object), method, "()V");
+  test::env()->CallVoidMethod(object, id);
+  test::expectNoException(method);
+}
 
 }  // namespace orlu::fuzz

@@ -1,53 +1,40 @@
 // The values that the result half of a request reads from its parameter set, with the bytes of each.
 #pragma once
 
+#include <vector>
+
 #include "parameter_sections.h"
 
 namespace orlu::fuzz {
 
-struct ResultValue {
+// Values of one section and size.
+struct ResultValues {
   const char* section;
-  const char* key;
   unsigned size;
+  std::vector<const char*> keys;
 };
 
 // clang-format off
-constexpr ResultValue kResultValues[] = {
-    {kFeedback,  "refocus_point_x",                   4},
-    {kFeedback,  "refocus_point_y",                   4},
-    {kFeedback,  "refocus_aperture",                  4},
-    {kFeedback,  "refocus_jpeg_width",                4},
-    {kFeedback,  "refocus_jpeg_height",               4},
-    {kFeedback,  "encoded_jpeg_size",                 4},
-    {kFeedback,  "decoded_jpeg_size",                 8},
-    {kFeedback,  "refocus_ret_info",                256},
-    {kFeedback,  "doc_process_type",                  4},
-    {kFeedback,  "doc_class_type",                    4},
-    {kFeedback,  "face_outline",                  10736},
-    {kFeedback,  "face_skin_value",                  12},
-    {kFeedback,  "jpeg_encoded_by_hw",                4},
-    {kFeedback,  "output_refocus_jpeg_pack_size",     4},
-    {kFeedback,  "lightstream_crop_region",          16},
-    {kFeedback,  "lightstream_zoom_ratio",            4},
-    {kFeedback,  "hdr_choosed_frame",                 4},
-    {kFeedback,  "segment_detect_result",             4},
-    {kFeedback,  "bestmoment_index",                  4},
-    {kFeedback,  "frame_select_result",              80},
-    {kFeedback,  "current_base_frame_idx",            4},
-    {kFeedback,  "tunning_mode",                      4},
-    {kFeedback,  "rawhdr_track_mode",                 4},
-    {kFeedback,  "rawhdr_track_scenetype",            4},
-    {kFeedback,  "pure2proc_enabled",                 1},
-    {kFeedback,  "supermoon_capture_result",          4},
-    {kParameter, "doc_jpeg_size",                     4},
-    {kParameter, "rectify_wh",                        8},
-    {kParameter, "step_beauty_type",                  4},
-    {kParameter, "frame_clarity_score",             400},
-    {kParameter, "rawhdr_shot_ae_params",             8},
-    {kParameter, "processed_algo",                   40},
-    {kControl,   "current_base_frame_time",           8},
-    {kSystem,    "real_gain",                         4},
-    {kSystem,    "dark_boost_gain",                   4},
+const ResultValues kResultValues[] = {
+    {kFeedback,      4, {"refocus_point_x", "refocus_point_y", "refocus_aperture", "refocus_jpeg_width",
+                         "refocus_jpeg_height", "encoded_jpeg_size", "doc_process_type", "doc_class_type",
+                         "jpeg_encoded_by_hw", "output_refocus_jpeg_pack_size", "lightstream_zoom_ratio",
+                         "hdr_choosed_frame", "segment_detect_result", "bestmoment_index",
+                         "current_base_frame_idx", "tunning_mode", "rawhdr_track_mode",
+                         "rawhdr_track_scenetype", "supermoon_capture_result"}},
+    {kFeedback,      1, {"pure2proc_enabled"}},
+    {kFeedback,      8, {"decoded_jpeg_size"}},
+    {kFeedback,     12, {"face_skin_value"}},
+    {kFeedback,     16, {"lightstream_crop_region"}},
+    {kFeedback,     80, {"frame_select_result"}},
+    {kFeedback,    256, {"refocus_ret_info"}},
+    {kFeedback,  10736, {"face_outline"}},
+    {kParameter,     4, {"doc_jpeg_size", "step_beauty_type"}},
+    {kParameter,     8, {"rectify_wh", "rawhdr_shot_ae_params"}},
+    {kParameter,    40, {"processed_algo"}},
+    {kParameter,   400, {"frame_clarity_score"}},
+    {kControl,       8, {"current_base_frame_time"}},
+    {kSystem,        4, {"real_gain", "dark_boost_gain"}},
 };
 // clang-format on
 

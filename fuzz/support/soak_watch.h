@@ -1,19 +1,59 @@
-// Counts the requests of a soak, tells of its memory at each tenth, and whether memory stood still.
+// What the soaks share: their mix of requests, their progress, and what they tell at the end.
 #pragma once
 
 #include <malloc.h>
 
 #include <atomic>
 #include <chrono>
+#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <thread>
 #include <vector>
 
+#include "algo.h"
 #include "figures.h"
 
 namespace orlu::fuzz {
 
+enum SoakKind { kSynchronous, kFullAsync, kAborted, kSkipped, kSkippedAsync, kSoakKinds };
+
+// The mix: of each 20 requests, 11 synchronous ones first.
+inline SoakKind soakKind(uint64_t index) {
+  const uint64_t place = index % 20;
+  if (place < 11) return kSynchronous;
+  if (place < 16) return kFullAsync;
+  if (place < 18) return kAborted;
+  return place == 18 ? kSkipped : kSkippedAsync;
+}
+
+inline bool isFullAsync(SoakKind kind) {
+  return kind != kSynchronous && kind != kSkipped;
+}
+
+inline uint64_t requestsAskedFor(int argc, char** argv) {
+  const bool isAsked = argc == 3 && std::strcmp(argv[1], "--requests") == 0;
+  return isAsked ? std::strtoull(argv[2], nullptr, 10) : 200'000;
+}
+
+inline bool same(const char* what, int before, int after) {
+  std::printf("%-22s %d, then %d\n", what, before, after);
+  return before == after;
+}
+
+// Whether the stand-in holds what it held before, and the map no request from `firstId` on.
+inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
+  const standin::AlgoCounts after = test::Algo::counts();
+  bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);
+  sound &= same("camera blocks", before.cameraBlocks, after.cameraBlocks);
+  sound &= same("clients", before.clients, after.clients);
+  sound &= same("pending requests", before.pendingRequests, after.pendingRequests);
+  return same("entries of the map", 0, entriesBetween(firstId, nextRequestId())) && sound;
+}
+
+// Counts the requests, and looks at memory at each tenth of them.
 class SoakWatch {
 public:
   explicit SoakWatch(uint64_t requests) : mRequests(requests) {}
@@ -21,17 +61,15 @@ public:
   // Called by the soak's threads. False when enough were asked for.
   bool next() { return mStarted.fetch_add(1) < mRequests; }
   void done() { mDone.fetch_add(1); }
-  uint64_t index() const { return mDone.load(); }
 
   // Until all are done.
   void watch() {
     for (uint64_t tenth = 0; tenth <= 10; ++tenth) {
       while (mDone.load() < mRequests * tenth / 10) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-      mPoints.push_back({mDone.load(), residentBytes(), static_cast<int64_t>(mallinfo2().uordblks)});
-      const Point& p = mPoints.back();
-      std::printf("%8llu requests  resident %7lld kB  allocated %7lld kB\n",
-                  static_cast<unsigned long long>(p.requests), static_cast<long long>(p.resident / 1024),
-                  static_cast<long long>(p.allocated / 1024));
+      const Point p = {mDone.load(), residentBytes(), static_cast<int64_t>(mallinfo2().uordblks)};
+      std::printf("%8" PRIu64 " requests  resident %7" PRId64 " kB  allocated %7" PRId64 " kB\n", p.requests,
+                  p.resident / 1024, p.allocated / 1024);
+      mPoints.push_back(p);
     }
   }
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <string>
+#include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
@@ -24,27 +24,20 @@ inline void require(bool holds) {
 // Takes an input apart from its front.
 class Input {
 public:
-  Input(const uint8_t* data, size_t size) : mData(data), mSize(size) {}
+  Input(const uint8_t* data, size_t size) : mRest(reinterpret_cast<const char*>(data), size) {}
 
-  size_t left() const { return mSize; }
-  const uint8_t* rest() const { return mData; }
-  uint8_t byte() {
-    if (mSize == 0) return 0;
-    --mSize;
-    return *mData++;
-  }
+  const std::string_view& rest() const { return mRest; }
   // As many bytes as there are, at most `most`.
   std::string text(size_t most) {
-    const size_t count = most < mSize ? most : mSize;
-    std::string bytes(reinterpret_cast<const char*>(mData), count);
-    mData += count;
-    mSize -= count;
+    std::string bytes(mRest.substr(0, most));
+    mRest.remove_prefix(bytes.size());
     return bytes;
   }
+  // 0 past the end.
+  uint8_t byte() { return static_cast<uint8_t>(*text(1).c_str()); }
 
 private:
-  const uint8_t* mData;
-  size_t mSize;
+  std::string_view mRest;
 };
 
 }  // namespace orlu::fuzz

@@ -6,7 +6,7 @@
 
 using android::hardware::hidl_handle;
 using android::hardware::hidl_vec;
-using orlu::fuzz::FakeJni;
+namespace fake_jni = orlu::fuzz::fake_jni;
 using orlu::fuzz::Input;
 using orlu::fuzz::require;
 
@@ -22,11 +22,10 @@ struct Handle {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static auto* const fake = new FakeJni();
   static auto* const client = [] {
     orlu::fuzz::silenceLog();
-    auto* const made = new orlu::AlgoNativeClient(fake->env(), 1, 2);
-    require(fake->globalReferences() == 1);
+    auto* const made = new orlu::AlgoNativeClient(fake_jni::env(), 1, 2);
+    require(fake_jni::globalReferences() == 1);
     return made;
   }();
   Input input(data, size);
@@ -35,12 +34,12 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   handle.head.numInts = input.byte() % 4 - 1;
   const hidl_handle borrowed(input.byte() % 2 == 0 ? nullptr : &handle.head);
   const std::string choices = input.text(input.byte() % kCallChoices);
-  const std::vector<uint8_t> payload(input.rest(), input.rest() + input.left());
+  const std::vector<uint8_t> payload(input.rest().begin(), input.rest().end());
 
-  fake->setChoices(reinterpret_cast<const uint8_t*>(choices.data()), choices.size());
-  const size_t references = fake->localReferences();
+  fake_jni::setChoices(reinterpret_cast<const uint8_t*>(choices.data()), choices.size());
+  const size_t references = fake_jni::localReferences();
   client->onPostProcessDataLightStream(payload.data(), static_cast<int>(payload.size()),
                                        hidl_vec<hidl_handle>(std::vector<hidl_handle>{borrowed}));
-  require(fake->localReferences() == references);
+  require(fake_jni::localReferences() == references);
   return 0;
 }

@@ -4,12 +4,11 @@
 android_bp_test.py ANDROID_BP SOURCE... (relative to the file's folder)
 """
 
+import json
 import os
 import re
 import sys
 import unittest
-
-TOKEN = re.compile(r'\s+|//[^\n]*|(?P<text>"(?:[^"\\\n]|\\.)*")|(?P<word>[A-Za-z_]\w*)|(?P<mark>[{}\[\]:,])')
 
 DEVICE_LIBRARIES = {
     "libandroid", "libcutils", "libhidlbase", "liblog", "libnativewindow",
@@ -18,74 +17,20 @@ DEVICE_LIBRARIES = {
 }
 
 
-class Parser:
-    """Modules of properties: texts, booleans, lists and maps."""
+def without_repetition(pairs):
+    names = [name for name, _ in pairs]
+    if len(names) != len(set(names)):
+        raise SyntaxError(f"a property stands twice: {names}")
+    return dict(pairs)
 
-    def __init__(self, text):
-        self._tokens = list(self._split(text))
 
-    @staticmethod
-    def _split(text):
-        place = 0
-        while place < len(text):
-            match = TOKEN.match(text, place)
-            if match is None:
-                line = text.count("\n", 0, place) + 1
-                raise SyntaxError(f"line {line}: not understood: {text[place:place + 20]!r}")
-            place = match.end()
-            if match.lastgroup:
-                yield match.lastgroup, match.group()
-
-    def _next(self, kind=None, token=None):
-        if not self._tokens:
-            raise SyntaxError("the file ends too early")
-        found = self._tokens.pop(0)
-        if (kind and found[0] != kind) or (token and found[1] != token):
-            raise SyntaxError(f"{found[1]} where {token or kind} belongs")
-        return found[1]
-
-    def _at(self, token):
-        return bool(self._tokens) and self._tokens[0] == ("mark", token)
-
-    def modules(self):
-        while self._tokens:
-            yield self._next("word"), self._properties()
-
-    def _properties(self):
-        properties = {}
-        self._next("mark", "{")
-        while not self._at("}"):
-            name = self._next("word")
-            if name in properties:
-                raise SyntaxError(f"{name} stands twice")
-            self._next("mark", ":")
-            properties[name] = self._value()
-            self._separator("}")
-        self._next("mark", "}")
-        return properties
-
-    def _list(self):
-        values = []
-        self._next("mark", "[")
-        while not self._at("]"):
-            values.append(self._value())
-            self._separator("]")
-        self._next("mark", "]")
-        return values
-
-    def _separator(self, end):
-        if not self._at(end):
-            self._next("mark", ",")
-
-    def _value(self):
-        if self._at("{"):
-            return self._properties()
-        if self._at("["):
-            return self._list()
-        token = self._next()
-        if token.startswith('"'):
-            return token[1:-1]
-        return {"true": True, "false": False}[token]
+def read_module(text):
+    """The one module as its kind and its properties: JSON but for comments, bare names and last commas."""
+    text = re.sub(r"//[^\n]*", "", text)
+    text = re.sub(r",(\s*[}\]])", r"\1", text)
+    text = re.sub(r"^(\s*)(\w+):", r'\1"\2":', text, flags=re.MULTILINE)
+    kind, properties = text.split(None, 1)
+    return kind, json.loads(properties, object_pairs_hook=without_repetition)
 
 
 class AndroidBpTest(unittest.TestCase):
@@ -94,9 +39,7 @@ class AndroidBpTest(unittest.TestCase):
 
     def setUp(self):
         with open(self.path, encoding="utf-8") as file:
-            modules = list(Parser(file.read()).modules())
-        self.assertEqual(1, len(modules))
-        self.kind, self.module = modules[0]
+            self.kind, self.module = read_module(file.read())
 
     def test_is_the_32_bit_library(self):
         self.assertEqual("cc_library_shared", self.kind)

@@ -6,7 +6,9 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import java.lang.reflect.Field;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
+import java.util.function.IntSupplier;
 
 /** Image descriptors, and the memory behind them until close(). */
 final class HostileImages implements AutoCloseable {
@@ -49,22 +51,23 @@ final class HostileImages implements AutoCloseable {
     }
 
     private int[] ints() {
-        if (mValues.chance(10)) {
-            return null;
-        }
-        int[] ints = new int[mValues.length()];
-        for (int i = 0; i < Math.min(ints.length, 8); i++) {
-            ints[i] = mValues.anInt();
-        }
-        return ints;
+        return mValues.chance(10) ? null : words(mValues.length(), mValues::anInt);
+    }
+
+    private static int[] words(int count, IntSupplier maker) {
+        int[] words = new int[count];
+        // The native side looks at the first few of a long array.
+        Arrays.setAll(words, i -> i < MOST_WORDS ? maker.getAsInt() : 0);
+        return words;
     }
 
     SharedMemory memory() {
         try {
             SharedMemory memory = SharedMemory.create("hostile", mValues.chance(70) ? 64 * 72 : 1);
-            if (mValues.chance(10)) {
+            if (mValues.chance(20)) {
                 memory.close();
-            } else if (mValues.chance(10)) {
+            }
+            if (mValues.chance(10)) {
                 memory.close();
                 Field field = SharedMemory.class.getDeclaredField("mFd");
                 field.setAccessible(true);
@@ -78,16 +81,11 @@ final class HostileImages implements AutoCloseable {
     }
 
     private HardwareBuffer buffer() {
-        HardwareBuffer buffer;
-        if (mValues.chance(40)) {
-            buffer = HardwareBuffer.create(64, 48, HardwareBuffer.YCBCR_420_888, 1, 0x33);
-        } else {
-            int[] words = new int[mValues.chance(50) ? mValues.below(4) : mValues.below(MOST_WORDS)];
-            for (int i = 0; i < words.length; i++) {
-                words[i] = mValues.pick(BAD_DESCRIPTORS);
-            }
-            buffer = HardwareBuffer.fromHandle(64, 48, 0x23, mValues.below(words.length + 1), words);
-        }
+        int count = mValues.chance(50) ? mValues.below(4) : mValues.below(MOST_WORDS);
+        HardwareBuffer buffer = mValues.chance(40)
+                ? HardwareBuffer.create(64, 48, HardwareBuffer.YCBCR_420_888, 1, 0x33)
+                : HardwareBuffer.fromHandle(64, 48, 0x23, mValues.below(count + 1),
+                        words(count, () -> mValues.pick(BAD_DESCRIPTORS)));
         if (mValues.chance(10)) {
             buffer.close();
         }

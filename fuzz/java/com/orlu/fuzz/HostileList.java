@@ -6,24 +6,16 @@ import java.util.List;
 
 /** A list that tells a size of its own, changes it, or throws. */
 final class HostileList extends AbstractList<Object> {
-    enum Mood { HONEST, WRONG_SIZE, SHRINKING, THROWING_SIZE, THROWING_GET }
+    private enum Mood { HONEST, WRONG_SIZE, SHRINKING, THROWING_SIZE, THROWING_GET }
 
-    private final List<Object> mElements = new ArrayList<>();
+    private final List<Object> mElements;
     private final Mood mMood;
     private final int mToldSize;
 
-    HostileList(List<?> elements, Mood mood, int toldSize) {
-        mElements.addAll(elements);
-        mMood = mood;
-        mToldSize = toldSize;
-    }
-
-    static HostileList ofAnything(HostileValues values) {
-        List<Object> elements = new ArrayList<>();
-        for (int i = values.below(4); i > 0; i--) {
-            elements.add(values.text());
-        }
-        return new HostileList(elements, values.pick(List.of(Mood.values())), values.anInt());
+    HostileList(List<?> elements, HostileValues values) {
+        mElements = new ArrayList<>(elements);
+        mMood = values.pick(List.of(Mood.values()));
+        mToldSize = values.chance(50) ? values.anInt() : values.below(400);
     }
 
     @Override

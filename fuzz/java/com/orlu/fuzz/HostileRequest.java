@@ -1,6 +1,5 @@
 package com.orlu.fuzz;
 
-import android.hardware.camera2.CaptureResult;
 import android.hardware.camera2.impl.CameraMetadataNative;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
@@ -8,10 +7,11 @@ import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
-import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
 import java.util.function.IntFunction;
+import java.util.stream.Collectors;
+import java.util.stream.IntStream;
 
 /** The arguments of every native method, made from one seed. */
 public final class HostileRequest implements AutoCloseable {
@@ -53,8 +53,8 @@ public final class HostileRequest implements AutoCloseable {
         mBracketing = mValues.chance(50) ? mValues.pick(List.of(0, 4, 6, 9)) : -1;
         int frames = mValues.pick(FRAMES);
         List<Object> frameList = elements(frames, i -> frame(mode, i, address));
-        request = swapped(new VRequest(mValues.aLong(), mValues.chance(90) ? mValues.pick(TYPES)
-                : mValues.chance(30) ? null : mValues.text()));
+        String type = mValues.chance(90) ? mValues.pick(TYPES) : mValues.chance(30) ? null : mValues.text();
+        request = swapped(request(mValues.aLong(), type));
         int images = mValues.chance(70) ? frames : mValues.below(9);
         inputs = swapped(list(elements(images, i -> mImages.element())));
         outputs = swapped(list(elements(mValues.below(4), i -> mImages.element())));
@@ -63,33 +63,28 @@ public final class HostileRequest implements AutoCloseable {
         sharedMemory = mValues.chance(50) ? mImages.memory() : mValues.anything();
     }
 
-    /** A request with nothing wrong, to end the one behind {@code address}. */
-    public static HostileRequest friendly(long address) {
-        return new HostileRequest(address);
-    }
+    private static VRequest request(long id, String requestType) {
+        return new VRequest(id, requestType) {
+            @Override
+            public long getRequestId() {
+                if (id == Long.MIN_VALUE) {
+                    throw new IllegalStateException("id");
+                }
+                return id;
+            }
 
-    private HostileRequest(long address) {
-        mValues = new HostileValues(new Random(0));
-        mImages = new HostileImages(mValues);
-        mDensity = 0;
-        mRightness = 100;
-        mBracketing = -1;
-        CaptureResultComposition composition = new CaptureResultComposition();
-        composition.putMetadata("nativeRequestAddr", address);
-        request = new VRequest(1, "capture");
-        inputs = List.of();
-        outputs = List.of();
-        compositions = List.of(composition);
-        parameter = composition;
-        sharedMemory = null;
+            @Override
+            public String getRequestType() {
+                if (requestType == null && id % 2 == 0) {
+                    throw new IllegalStateException("type");
+                }
+                return requestType;
+            }
+        };
     }
 
     private static List<Object> elements(int count, IntFunction<Object> maker) {
-        List<Object> elements = new ArrayList<>();
-        for (int i = 0; i < count; i++) {
-            elements.add(maker.apply(i));
-        }
-        return elements;
+        return IntStream.range(0, count).mapToObj(maker).collect(Collectors.toList());
     }
 
     private Object swapped(Object argument) {
@@ -97,18 +92,14 @@ public final class HostileRequest implements AutoCloseable {
     }
 
     private Object list(List<Object> elements) {
-        if (mValues.chance(80)) {
-            return elements;
-        }
-        return new HostileList(elements, mValues.pick(List.of(HostileList.Mood.values())),
-                mValues.chance(50) ? mValues.anInt() : mValues.below(400));
+        return mValues.chance(80) ? elements : new HostileList(elements, mValues);
     }
 
     private Object frame(int mode, int index, long address) {
         if (mValues.chance(2)) {
             return mValues.anything();
         }
-        CaptureResultComposition composition = composition(index < 20 ? mDensity : 2);
+        HostileComposition composition = composition(index < 20 ? mDensity : 2);
         putPlausible(composition, index);
         if (index == 0) {
             composition.putMetadata("orlu.control.algoType", algorithms());
@@ -120,7 +111,7 @@ public final class HostileRequest implements AutoCloseable {
             }
         }
         if (mValues.chance(3)) {
-            composition.throwOn(mValues.chance(50), mValues.chance(50));
+            composition.throwSometimes();
         }
         return composition;
     }
@@ -139,9 +130,9 @@ public final class HostileRequest implements AutoCloseable {
         }
     }
 
-    private CaptureResultComposition composition(int density) {
+    private HostileComposition composition(int density) {
         CameraMetadataNative metadata = new CameraMetadataNative();
-        CaptureResultComposition composition = new CaptureResultComposition(metadata);
+        HostileComposition composition = new HostileComposition(metadata, mValues);
         for (String tag : TagTable.names()) {
             if (!mValues.chance(density)) {
                 continue;
@@ -154,16 +145,6 @@ public final class HostileRequest implements AutoCloseable {
                         : mValues.chance(50) ? mValues.boxed(type) : mValues.valueOf(type));
             }
         }
-        int source = mValues.below(20);
-        if (source == 0) {
-            composition.assembleFrom(() -> new HostileCaptureResult(metadata, mValues));
-        } else if (source == 1) {
-            composition.assembleFrom(() -> {
-                throw new IllegalStateException("assemble");
-            });
-        } else if (source == 2) {
-            composition.assembleFrom(() -> mValues.chance(50) ? null : new CaptureResult(null));
-        }
         return composition;
     }
 
@@ -171,12 +152,9 @@ public final class HostileRequest implements AutoCloseable {
         if (mValues.chance(3)) {
             return mValues.anything();
         }
-        String[] names = new String[mValues.chance(95) ? mValues.below(6) : mValues.below(2000)];
-        for (int i = 0; i < names.length; i++) {
-            names[i] = mValues.chance(90) ? mValues.pick(ALGORITHMS)
-                    : mValues.chance(20) ? null : mValues.text();
-        }
-        return names;
+        int count = mValues.chance(95) ? mValues.below(6) : mValues.below(2000);
+        return elements(count, i -> mValues.chance(90) ? mValues.pick(ALGORITHMS)
+                : mValues.chance(20) ? null : mValues.text()).toArray(new String[0]);
     }
 
     private CaptureResultComposition parameter() {

@@ -8,7 +8,9 @@ import android.location.Location;
 import android.util.Rational;
 import java.lang.reflect.Array;
 import java.util.List;
+import java.util.Map;
 import java.util.Random;
+import java.util.function.Supplier;
 
 /** Java values as a client may send them, from one seed. */
 final class HostileValues {
@@ -22,7 +24,28 @@ final class HostileValues {
         "orlu.control.frameFlag", "orlu.control.frameFlagAndMore", "0x7fffffffffffffff", "\u0000", "a\u0000b",
         "\u00e9\u4e2d", "\ud83d\ude00", "\ud800", "%s%n%p", "version", "paramfile x"};
 
+    private static final Map<Class<?>, Class<?>> BOXES = Map.of(int[].class, Integer.class,
+            long[].class, Long.class, float[].class, Float.class, double[].class, Double.class);
+    private static final List<Class<?>> NULLABLE = List.of(Integer.class, Long.class, Float.class,
+            Double.class, String.class, Face.class, MeteringRectangle.class);
+
     private final Random mRandom;
+    private final Map<Class<?>, Supplier<Object>> mMakers = Map.ofEntries(
+            Map.entry(int.class, this::anInt),
+            Map.entry(Integer.class, this::anInt),
+            Map.entry(long.class, this::aLong),
+            Map.entry(Long.class, this::aLong),
+            Map.entry(float.class, this::aFloat),
+            Map.entry(Float.class, this::aFloat),
+            Map.entry(double.class, this::aDouble),
+            Map.entry(Double.class, this::aDouble),
+            Map.entry(byte.class, () -> (byte) anInt()),
+            Map.entry(String.class, this::text),
+            Map.entry(Rect.class, this::rect),
+            Map.entry(Face.class, () -> new Face(rect(), 1)),
+            Map.entry(MeteringRectangle.class, () -> new MeteringRectangle(rect(), anInt())),
+            Map.entry(Rational.class, () -> new Rational(anInt(), anInt())),
+            Map.entry(Location.class, this::location));
 
     HostileValues(Random random) {
         mRandom = random;
@@ -53,6 +76,10 @@ final class HostileValues {
         return chance(60) ? FLOATS[below(FLOATS.length)] : Float.intBitsToFloat(mRandom.nextInt());
     }
 
+    private double aDouble() {
+        return chance(30) ? 1_000_000.0 : aFloat();
+    }
+
     String text() {
         String piece = TEXTS[below(TEXTS.length)];
         return chance(90) ? piece : (piece + "\u20acx").repeat(1 + below(chance(10) ? 100_000 : 200));
@@ -63,26 +90,19 @@ final class HostileValues {
     }
 
     Rect rect() {
-        if (chance(50)) {
-            return new Rect(below(100), below(100), 100 + below(5000), 100 + below(5000));
-        }
-        return new Rect(anInt(), anInt(), anInt(), anInt());
+        return chance(50) ? new Rect(below(100), below(100), 100 + below(5000), 100 + below(5000))
+                : new Rect(anInt(), anInt(), anInt(), anInt());
     }
 
     /** A value of any class at all, null too. */
     Object anything() {
-        switch (below(6)) {
-            case 0:
-                return null;
-            case 1:
-                return new Object();
-            case 2:
-                return HostileList.ofAnything(this);
-            case 3:
-                return boxedWithNulls();
-            default:
-                return valueOf(TagType.values()[below(TagType.values().length)]);
-        }
+        return switch (below(6)) {
+            case 0 -> null;
+            case 1 -> new Object();
+            case 2 -> new HostileList(List.of(text(), text(), text()).subList(0, below(4)), this);
+            case 3 -> array(pick(NULLABLE), length(), 30);
+            default -> valueOf(pick(List.of(TagType.values())));
+        };
     }
 
     /** A value of the class in which a tag of this type is stored. */
@@ -91,40 +111,7 @@ final class HostileValues {
     }
 
     private Object one(Class<?> type) {
-        if (type.isArray()) {
-            return array(type.getComponentType(), length(), 0);
-        }
-        if (type == Integer.class || type == int.class) {
-            return anInt();
-        }
-        if (type == Long.class || type == long.class) {
-            return aLong();
-        }
-        if (type == Float.class || type == float.class) {
-            return aFloat();
-        }
-        if (type == Double.class || type == double.class) {
-            return chance(30) ? 1_000_000.0 : (double) aFloat();
-        }
-        if (type == byte.class) {
-            return (byte) mRandom.nextInt();
-        }
-        if (type == Rect.class) {
-            return rect();
-        }
-        if (type == Face.class) {
-            return new Face(rect(), 1);
-        }
-        if (type == MeteringRectangle.class) {
-            return new MeteringRectangle(rect(), anInt());
-        }
-        if (type == Rational.class) {
-            return new Rational(anInt(), anInt());
-        }
-        if (type == Location.class) {
-            return location();
-        }
-        return text();
+        return type.isArray() ? array(type.getComponentType(), length(), 0) : mMakers.get(type).get();
     }
 
     private Location location() {
@@ -141,27 +128,17 @@ final class HostileValues {
         // Beyond the first elements a long array is all alike, so that making it costs little.
         Object last = null;
         for (int i = 0; i < length; i++) {
-            if (i < 100 && !chance(percentOfNulls)) {
-                last = one(component);
-            } else if (percentOfNulls > 0) {
-                last = null;
+            if (i < 100) {
+                last = chance(percentOfNulls) ? null : one(component);
             }
             Array.set(array, i, last);
         }
         return array;
     }
 
-    private Object boxedWithNulls() {
-        Class<?>[] components = {Integer.class, Long.class, Float.class, Double.class, String.class,
-            Face.class, MeteringRectangle.class};
-        return array(components[below(components.length)], length(), 30);
-    }
-
+    /** The same as an array of objects, some of them null, where the tag's own is one of numbers. */
     Object boxed(TagType type) {
-        Class<?> component = type.stored().getComponentType();
-        boolean isNumber = component != null && component.isPrimitive() && component != byte.class;
-        Class<?> element = component == int.class ? Integer.class : component == long.class ? Long.class
-                : component == float.class ? Float.class : Double.class;
-        return isNumber ? array(element, length(), below(30)) : valueOf(type);
+        Class<?> element = BOXES.get(type.stored());
+        return element == null ? valueOf(type) : array(element, length(), below(30));
     }
 }

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.datastruct;
 
 /** What the native side asks of a request itself. */
-public final class VRequest {
+public class VRequest {
     private final long mRequestId;
     private final String mRequestType;
 
