@@ -9,10 +9,10 @@
 #include <cstdlib>
 #include <functional>
 
+#include "callback_data.h"
 #include "fixtures.h"
 #include "jvm.h"
 #include "request_processor.h"
-#include "shot_callback.h"
 #include "soak_watch.h"
 
 namespace orlu::fuzz {
