@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <orlu/camera3rd_log.h>
 
-#include "case_name.h"
 #include "fixtures.h"
 #include "golden_run.h"
 #include "log_capture.h"
@@ -16,7 +15,6 @@ namespace {
 
 using test::Algo;
 using test::GoldenCase;
-using test::GoldenRun;
 using test::LogCapture;
 using test::LogLine;
 
@@ -112,68 +110,6 @@ TEST(MetadataUpdaterTest, ListsSixteenFramesAtMost) {
                          "start process input timeStamps[15]=900495000001, reqId = 716 ."));
 }
 
-struct HdrIndexCase {
-  const char* name;
-  const char* golden;
-  int type;
-  int nightIndex;
-};
-
-class MetadataUpdaterHdrIndexTest : public testing::TestWithParam<HdrIndexCase> {};
-
-TEST_P(MetadataUpdaterHdrIndexTest, TellsWhatItWrote) {
-  const HdrIndexCase& c = GetParam();
-  Algo algo;
-  const LogCapture log;
-  test::runGolden(golden(c.golden), algo, [&c](MetadataUpdater& updater) {
-    int type = 7;
-    int nightIndex = 7;
-    updater.updateRawnrHDRFrameIndex(type, nightIndex);
-    EXPECT_EQ(c.type, type);
-    EXPECT_EQ(c.nightIndex, nightIndex);
-  });
-  const std::string line =
-      "rawnr HDR index " + std::to_string(c.type) + ", " + std::to_string(c.nightIndex) + " .";
-  EXPECT_EQ(1, log.count(ANDROID_LOG_DEBUG, kLogTag, line)) << log.text();
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, MetadataUpdaterHdrIndexTest,
-                         testing::Values(HdrIndexCase{"FiveFrames", "rawnr_hdr_5", 6, 2},
-                                         HdrIndexCase{"SevenFrames", "rawnr_hdr_7", 2, 3},
-                                         HdrIndexCase{"NineFrames", "rawnr_hdr_9", 1, 0},
-                                         HdrIndexCase{"OneFrame", "yuv_jpeg", 0, 0},
-                                         HdrIndexCase{"NothingWritten", "watermark_only", 0, -1}),
-                         test::CaseName());
-
-struct FormatCase {
-  const char* name;
-  const char* input;
-  int format;
-  int isRaw;
-};
-
-class MetadataUpdaterFormatTest : public testing::TestWithParam<FormatCase> {};
-
-TEST_P(MetadataUpdaterFormatTest, LooksAtTheFirstInput) {
-  const FormatCase& c = GetParam();
-  Algo algo;
-  GoldenCase request = golden("yuv_jpeg", {std::string("input ") + c.input});
-  if (!request.inputs.empty()) test::changeGolden(request, "and input JPEG 640x480 shared");
-  test::runGolden(request, algo, [&c](MetadataUpdater& updater) {
-    EXPECT_EQ(c.format, updater.getImageFormat());
-    EXPECT_EQ(c.isRaw, updater.isRawFormat());
-  });
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, MetadataUpdaterFormatTest,
-                         testing::Values(FormatCase{"None", "none", 0, 0},
-                                         FormatCase{"Nv21", "NV21 640x480 shared", 1, 0},
-                                         FormatCase{"MipiRaw10", "MIPI_RAW10 640x480 shared", 6, 1},
-                                         FormatCase{"MipiRaw12", "MIPI_RAW12 640x480 shared", 7, 0},
-                                         FormatCase{"Raw16", "RAW16 640x480 shared", 18, 1},
-                                         FormatCase{"Unknown", "BMP1 640x480 shared", 0, 0}),
-                         test::CaseName());
-
 TEST(MetadataUpdaterTest, ChannelForwardsToTheBlockOfTheRequest) {
   Algo algo;
   test::runGolden(golden("empty"), algo, [&algo](MetadataUpdater& updater) {
@@ -220,13 +156,9 @@ TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
 }
 
 TEST(MetadataUpdaterTest, KnowsTheCameraOfEachZoomRatio) {
-  const std::map<float, int> expected = {
-      {0.6F, 1},
-      {1.0F, 2},
-      {2.0F, 3},
-      {2.5F, 6},
-      {5.0F, 5}
-  };
+  // clang-format off
+  const std::map<float, int> expected = {{0.6F, 1}, {1.0F, 2}, {2.0F, 3}, {2.5F, 6}, {5.0F, 5}};
+  // clang-format on
   EXPECT_EQ(expected, (std::map<float, int>(satCameraRoles().begin(), satCameraRoles().end())));
 }
 

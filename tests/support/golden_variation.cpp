@@ -31,7 +31,10 @@ public:
     for (const std::string& line : variation.changes) changeGolden(golden, line);
     Algo algo;
     const LogCapture log;
-    mRun = runGolden(golden, algo);
+    mRun = runGolden(golden, algo, [this](MetadataUpdater& updater) {
+      mFormat = {updater.getImageFormat(), updater.isRawFormat()};
+      updater.updateRawnrHDRFrameIndex(mHdrIndex.first, mHdrIndex.second);
+    });
     mLines = log.lines();
   }
 
@@ -42,6 +45,8 @@ public:
     in >> word;
     if (word == "algorithms") return "algorithms" + blankBefore(printAlgoList(mRun.algorithms));
     if (word == "skip" || word == "no") return mRun.skip ? "skip" : "no skip";
+    if (word == "format") return "format " + numbers(mFormat);
+    if (word == "rawnr") return "rawnr " + numbers(mHdrIndex);
     if (word == "output") return foundOutput();
     if (word == "times") return foundTimes(in);
     if (word == "short") return "short " + logged(in, kShortLogTag);
@@ -51,6 +56,10 @@ public:
 
 private:
   static std::string blankBefore(const std::string& text) { return text.empty() ? "" : ' ' + text; }
+
+  static std::string numbers(const std::pair<int, int>& both) {
+    return std::to_string(both.first) + ' ' + std::to_string(both.second);
+  }
 
   // The first output's record, as a golden text has it.
   std::string foundOutput() const {
@@ -118,6 +127,10 @@ private:
   }
 
   GoldenRun mRun;
+  // What the updater tells afterwards: the first input's format and whether it is raw, and what it wrote of
+  // the bracketing.
+  std::pair<int, int> mFormat;
+  std::pair<int, int> mHdrIndex = {7, 7};
   std::vector<LogLine> mLines;
 };
 
