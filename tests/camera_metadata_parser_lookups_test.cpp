@@ -63,24 +63,9 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
 
 // ---- Serialising
 
-std::vector<uint8_t> bytesOf(jobject array) {
-  std::vector<uint8_t> values(static_cast<size_t>(env()->GetArrayLength(static_cast<jarray>(array))));
-  env()->GetByteArrayRegion(static_cast<jbyteArray>(array), 0, static_cast<jsize>(values.size()),
-                            reinterpret_cast<jbyte*>(values.data()));
-  return values;
-}
-
 TEST_F(CameraMetadataParserLookupTest, SerialisesAsAParcel) {
   jobject metadata = filledMetadata();
-  jclass parcels = findClass("android/os/Parcel");
-  jobject parcel = env()->CallStaticObjectMethod(
-      parcels, env()->GetStaticMethodID(parcels, "obtain", "()Landroid/os/Parcel;"));
-  expectNoException("obtain");
-  jmethodID write =
-      env()->GetMethodID(env()->GetObjectClass(metadata), "writeToParcel", "(Landroid/os/Parcel;I)V");
-  env()->CallVoidMethod(metadata, write, parcel, 0);
-  expectNoException("writeToParcel");
-  const std::vector<uint8_t> expected = bytesOf(callObject(parcel, "marshall", "()[B"));
+  const std::vector<uint8_t> expected = parcelBytes(metadata);
   ASSERT_GT(expected.size(), 50U);
 
   jobject result = newCaptureResult(metadata);

@@ -61,29 +61,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, HostMetadataTest, testing::Values(
     test::CaseName());
 // clang-format on
 
-std::string marshalled(jobject metadata) {
-  jclass parcelClass = test::findClass("android/os/Parcel");
-  jobject parcel = env()->CallStaticObjectMethod(
-      parcelClass, env()->GetStaticMethodID(parcelClass, "obtain", "()Landroid/os/Parcel;"));
-  test::expectNoException("obtain");
-  env()->CallVoidMethod(
-      metadata,
-      env()->GetMethodID(env()->GetObjectClass(metadata), "writeToParcel", "(Landroid/os/Parcel;I)V"), parcel,
-      0);
-  test::expectNoException("writeToParcel");
-  const auto array = static_cast<jbyteArray>(test::callObject(parcel, "marshall", "()[B"));
-  std::string bytes(static_cast<size_t>(env()->GetArrayLength(array)), '\0');
-  env()->GetByteArrayRegion(array, 0, static_cast<jsize>(bytes.size()),
-                            reinterpret_cast<jbyte*>(bytes.data()));
-  return bytes;
-}
-
 TEST(HostMetadataParcelTest, HoldsEveryTag) {
   const test::LocalFrame frame;
   jobject metadata = test::newMetadata();
   test::setTag(metadata, kInt, test::javaInt(0x01020304));
   test::setTag(metadata, kLong, test::javaLong(0x05060708));
-  const std::string bytes = marshalled(metadata);
+  const std::vector<uint8_t> parcel = test::parcelBytes(metadata);
+  const std::string bytes(parcel.begin(), parcel.end());
   EXPECT_EQ(std::string("\2\0\0\0", 4), bytes.substr(0, 4));
   EXPECT_NE(std::string::npos, bytes.find(std::string("\1\0\0\0\4\3\2\1", 8)));
   EXPECT_NE(std::string::npos, bytes.find(std::string("\1\0\0\0\x8\7\6\5\0\0\0\0", 12)));

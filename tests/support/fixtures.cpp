@@ -234,6 +234,12 @@ void setTag(jobject metadata, const char* tag, jobject value) {
   call(metadata, "set", "(Ljava/lang/String;Ljava/lang/Object;)V", javaString(tag), value);
 }
 
+std::vector<uint8_t> parcelBytes(jobject metadata) {
+  jobject parcel = callStatic("android/os/Parcel", "obtain", "()Landroid/os/Parcel;");
+  call(metadata, "writeToParcel", "(Landroid/os/Parcel;I)V", parcel, 0);
+  return elementsOf<uint8_t>(callObject(parcel, "marshall", "()[B"), &JNIEnv::GetByteArrayRegion);
+}
+
 jobject newCaptureResult(jobject metadata) {
   return newObject("android/hardware/camera2/CaptureResult",
                    "(Landroid/hardware/camera2/impl/CameraMetadataNative;)V", metadata);

@@ -75,6 +75,8 @@ std::vector<double> doublesOf(jobject value);
 // Metadata.
 jobject newMetadata();
 void setTag(jobject metadata, const char* tag, jobject value);
+// The bytes of a parcel that the metadata was written to.
+std::vector<uint8_t> parcelBytes(jobject metadata);
 jobject newCaptureResult(jobject metadata);
 jobject newCharacteristics(jobject metadata);
 // A composition over `metadata`, which may be null.
