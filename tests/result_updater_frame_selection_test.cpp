@@ -52,53 +52,42 @@ std::string linesWith(const std::string& text, std::initializer_list<const char*
 
 // ---- Clarity alone
 
-struct ClarityCase {
-  const char* name;
-  int inputs;
-  int compositions;
-  std::vector<double> expected;
-};
-
-class ResultUpdaterClarityTest : public testing::TestWithParam<ClarityCase> {};
-
-TEST_P(ResultUpdaterClarityTest, PutsOneScoreForEachInputAndNothingElse) {
-  const ClarityCase& c = GetParam();
-  ResultScene scene;
+void translateClarity(ResultScene& scene, int inputs, int compositions) {
   scene.algorithms = {"jpegBokehOnly", "ppt", "jpegEncode", "frameClarOnly", "hdr", "bestMoment"};
-  scene.inputs = c.inputs;
+  scene.inputs = inputs;
   scene.values = {scores(60), left("parameter", "step_beauty_type", {1}),
                   left("feedback", "current_base_frame_idx", {0})};
-  scene.compositions = framesFrom1000(c.compositions);
+  scene.compositions = framesFrom1000(compositions);
   scene.translate();
-  std::ostringstream put;
-  std::string log;
-  for (size_t i = 0; i < c.expected.size(); ++i) {
-    put << ' ' << c.expected[i];
-    log += "D updateForFrameClarity i = " + std::to_string(i) +
-           ",clarityScore = " + std::to_string(c.expected[i]) + '\n';
-  }
-  const bool failed = c.compositions == 0;
-  EXPECT_EQ(failed ? "" : "0 orlu.feedback.clarityScore double[]" + put.str() + "\n", scene.puts());
-  EXPECT_EQ(failed ? "E updateForFrameClarity failed, captureResultCompositions size < 1\n" : log,
-            scene.log());
   EXPECT_EQ("", scene.changeOfOutput(0) + scene.changeOfOutput(1));
 }
 
-std::vector<double> fiftyAndTwoZeros() {
-  std::vector<double> values = counting(50, 0.5);
-  values.resize(52);
-  return values;
+TEST(ResultUpdaterClarityTest, PutsOneScoreForEachInputAndNothingElse) {
+  // The table has fifty scores.
+  const std::pair<int, std::string> cases[] = {
+      {0,               ""},
+      {  3, " 0.5 1.5 2.5"  },
+      { 52,  numbers(50,    0.5) + " 0 0"}
+  };
+  for (const auto& [inputs, expected] : cases) {
+    ResultScene scene;
+    translateClarity(scene, inputs, 2);
+    EXPECT_EQ("0 orlu.feedback.clarityScore double[]" + expected + '\n', scene.puts());
+    std::string log;
+    for (int i = 0; i < inputs; ++i) {
+      log += "D updateForFrameClarity i = " + std::to_string(i) +
+             ",clarityScore = " + std::to_string(i < 50 ? 0.5 + i : 0) + '\n';
+    }
+    EXPECT_EQ(log, scene.log());
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterClarityTest,
-                         testing::Values(
-                             ClarityCase{
-                                 "NoInput", 0, 2, {}
-},
-                             ClarityCase{"Three", 3, 2, {0.5, 1.5, 2.5}},
-                             ClarityCase{"PastTheTable", 52, 1, fiftyAndTwoZeros()},
-                             ClarityCase{"NoComposition", 1, 0, {}}),
-                         test::CaseName());
+TEST(ResultUpdaterClarityTest, NeedsAComposition) {
+  ResultScene scene;
+  translateClarity(scene, 1, 0);
+  EXPECT_EQ("", scene.puts());
+  EXPECT_EQ("E updateForFrameClarity failed, captureResultCompositions size < 1\n", scene.log());
+}
 
 // ---- Frames kept and thrown away
 

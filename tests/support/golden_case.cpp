@@ -147,29 +147,13 @@ private:
     if (word == "algorithms") {
       mGolden.algorithmsAfter = wordsOf(in);
     } else if (word == "put") {
-      GoldenPut put;
-      in >> put.frame >> put.key;
-      put.value = parseGoldenValue(restOf(in), put.frame);
-      mGolden.puts.push_back(put);
+      mGolden.puts.push_back(restOf(in));
     } else if (word == "output") {
-      readOutput(in);
+      mGolden.changedOutputs.push_back(restOf(in));
     } else {
       expect(word == "skip", "unknown line of an outcome");
       mGolden.skip = true;
     }
-  }
-
-  // "0 4000x3000 stride 4032 scanline 3008 planes 12128256 6064128"
-  void readOutput(std::istream& in) {
-    int index = 0;
-    std::string size;
-    std::string names[3];
-    in >> index >> size;
-    GoldenOutput& output = mGolden.changedOutputs[index];
-    parseSize(size, output.width, output.height);
-    in >> names[0] >> output.stride >> names[1] >> output.scanline >> names[2] >> output.planeSizes[0] >>
-        output.planeSizes[1];
-    expect(in && names[0] + names[1] + names[2] == "stridescanlineplanes", "not an output");
   }
 
   void readWrite(const std::string& word, std::istream& in) {

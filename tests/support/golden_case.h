@@ -32,22 +32,6 @@ struct GoldenWrite {
   GoldenValue value;
 };
 
-// A value put into the composition of a frame.
-struct GoldenPut {
-  int frame = 0;
-  std::string key;
-  GoldenValue value;
-};
-
-// An output's record after the translation.
-struct GoldenOutput {
-  int width = 0;
-  int height = 0;
-  int stride = 0;
-  int scanline = 0;
-  int planeSizes[2] = {};
-};
-
 struct GoldenCase {
   // The lines that `frames` come from.
   std::vector<std::string> tagLines;
@@ -60,8 +44,8 @@ struct GoldenCase {
   std::vector<GoldenFrame> frames;
 
   std::vector<std::string> algorithmsAfter;
-  std::vector<GoldenPut> puts;
-  std::map<int, GoldenOutput> changedOutputs;
+  std::vector<std::string> puts;            // as they are written
+  std::vector<std::string> changedOutputs;  // the same
   bool skip = false;
   std::vector<GoldenWrite> writes;
 };

@@ -2,6 +2,7 @@
 
 #include <cutils/properties.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -120,20 +121,34 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
   return writes;
 }
 
-GoldenValue putValueOf(jobject value) {
-  if (!env()->IsInstanceOf(value, findClass("java/lang/Integer"))) return {"not an int", {}};
-  return parseGoldenValue("int " + std::to_string(intOf(value)), 0);
+// "0 orlu.control.sth int 5"
+std::string putLine(int frame, const std::string& key, jobject value) {
+  const bool isInt = env()->IsInstanceOf(value, findClass("java/lang/Integer"));
+  return std::to_string(frame) + ' ' + key + (isInt ? " int " + std::to_string(intOf(value)) : " not an int");
 }
 
-void addPuts(std::vector<GoldenPut>& puts, const GoldenFrame& given, jobject composition, int frame) {
+void addPuts(std::vector<std::string>& puts, const GoldenFrame& given, jobject composition, int frame) {
   jobject map = callObject(composition, "snapshot", "()Ljava/util/Map;");
   jobject keys = callObject(map, "keySet", "()Ljava/util/Set;");
   const auto array = static_cast<jobjectArray>(callObject(keys, "toArray", "()[Ljava/lang/Object;"));
   for (jsize i = 0; i < env()->GetArrayLength(array); ++i) {
     const std::string key = stringOf(env()->GetObjectArrayElement(array, i));
     if (key == kAlgoTypeKey || given.composition.count(key) != 0) continue;
-    puts.push_back({frame, key, putValueOf(getKey(composition, key.c_str()))});
+    puts.push_back(putLine(frame, key, getKey(composition, key.c_str())));
   }
+}
+
+// All fields of an image's record.
+std::string describeFrame(const AlgoFrameInfo& frame) {
+  std::ostringstream out;
+  out << "format " << frame.format << ' ' << frame.width << 'x' << frame.height << " size " << frame.size
+      << " planes " << frame.planeCount << " handle " << frame.nativeHandle << " reserved " << frame.reserved
+      << " fds " << frame.fdCount;
+  for (int i = 0; i < kMaxPlanes; ++i) {
+    out << " | " << frame.stride[i] << ' ' << frame.scanline[i] << ' ' << frame.planeSize[i] << ' '
+        << frame.planeData[i] << ' ' << frame.fd[i] << ' ' << frame.fdSize[i];
+  }
+  return out.str();
 }
 
 }  // namespace
@@ -169,15 +184,19 @@ GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
   return run;
 }
 
-std::string describeFrame(const AlgoFrameInfo& frame) {
+std::string describeOutput(const GoldenRun& run, size_t index) {
+  const AlgoFrameInfo& after = run.outputsAfter[index];
+  AlgoFrameInfo expected = run.outputsBefore[index];
+  if (describeFrame(after) == describeFrame(expected)) return std::to_string(index) + " unchanged";
+  expected.width = after.width;
+  expected.height = after.height;
+  expected.stride[0] = after.stride[0];
+  expected.scanline[0] = after.scanline[0];
+  std::copy_n(after.planeSize, 2, expected.planeSize);
   std::ostringstream out;
-  out << "format " << frame.format << ' ' << frame.width << 'x' << frame.height << " size " << frame.size
-      << " planes " << frame.planeCount << " handle " << frame.nativeHandle << " reserved " << frame.reserved
-      << " fds " << frame.fdCount;
-  for (int i = 0; i < kMaxPlanes; ++i) {
-    out << " | " << frame.stride[i] << ' ' << frame.scanline[i] << ' ' << frame.planeSize[i] << ' '
-        << frame.planeData[i] << ' ' << frame.fd[i] << ' ' << frame.fdSize[i];
-  }
+  out << index << ' ' << after.width << 'x' << after.height << " stride " << after.stride[0] << " scanline "
+      << after.scanline[0] << " planes " << after.planeSize[0] << ' ' << after.planeSize[1];
+  if (describeFrame(after) != describeFrame(expected)) out << " of " << describeFrame(after);
   return out.str();
 }
 

@@ -15,7 +15,7 @@ namespace orlu::test {
 struct GoldenRun {
   std::vector<GoldenWrite> writes;      // in order; their types are "bytes"
   std::vector<std::string> algorithms;  // the list as the steps left it
-  std::vector<GoldenPut> puts;          // what the compositions hold beside what the request gave them
+  std::vector<std::string> puts;        // what the compositions hold beside what the request gave them
   std::vector<AlgoFrameInfo> outputsBefore;
   std::vector<AlgoFrameInfo> outputsAfter;
   bool skip = false;
@@ -26,7 +26,8 @@ struct GoldenRun {
 GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
                     const std::function<void(MetadataUpdater&)>& inspect = {});
 
-// All fields of an image's record, one line.
-std::string describeFrame(const AlgoFrameInfo& frame);
+// An output after the translation: "0 unchanged", or its sizes as a golden text has them, and all of its
+// record if anything else changed.
+std::string describeOutput(const GoldenRun& run, size_t index);
 
 }  // namespace orlu::test

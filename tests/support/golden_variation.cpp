@@ -47,7 +47,7 @@ public:
     if (word == "skip" || word == "no") return mRun.skip ? "skip" : "no skip";
     if (word == "format") return "format " + numbers(mFormat);
     if (word == "rawnr") return "rawnr " + numbers(mHdrIndex);
-    if (word == "output") return foundOutput();
+    if (word == "output") return "output " + (mRun.outputsAfter.empty() ? "none" : describeOutput(mRun, 0));
     if (word == "times") return foundTimes(in);
     if (word == "short") return "short " + logged(in, kShortLogTag);
     if (word == "log" || word == "error") return word + ' ' + logged(in, kLogTag, word == "error" ? 6 : 3);
@@ -59,17 +59,6 @@ private:
 
   static std::string numbers(const std::pair<int, int>& both) {
     return std::to_string(both.first) + ' ' + std::to_string(both.second);
-  }
-
-  // The first output's record, as a golden text has it.
-  std::string foundOutput() const {
-    if (mRun.outputsAfter.empty()) return "output none";
-    const AlgoFrameInfo& after = mRun.outputsAfter[0];
-    if (describeFrame(after) == describeFrame(mRun.outputsBefore[0])) return "output 0 unchanged";
-    std::ostringstream out;
-    out << "output 0 " << after.width << 'x' << after.height << " stride " << after.stride[0] << " scanline "
-        << after.scanline[0] << " planes " << after.planeSize[0] << ' ' << after.planeSize[1];
-    return out.str();
   }
 
   // "2 system face_info": how often a key was written.
