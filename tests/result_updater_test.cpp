@@ -338,20 +338,17 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterConditionTest, testing::Values(
     test::CaseName());
 // clang-format on
 
-TEST(ResultUpdaterTest, MarksTheModeOfShortExposures) {
-  // mode, both exposures, the mode that is put
-  const std::array<int32_t, 4> cases[] = {
-      {8, 0,     -1000, 8},
-      {5, 0,     -2000, 5},
-      {8, -2000, 0,     8}
-  };
-  for (const auto& c : cases) {
+TEST(ResultUpdaterTest, LeavesTheModeOfOtherExposuresAlone) {
+  // clang-format off
+  const std::array<int32_t, 3> cases[] = {{8, 0, -1000}, {5, 0, -2000}, {8, -2000, 0}};
+  // clang-format on
+  for (const auto& [mode, first, second] : cases) {
     ResultScene scene;
-    scene.values = {left("feedback", "tunning_mode", {c[0]}),
-                    left("parameter", "rawhdr_shot_ae_params", {c[1], c[2]})};
+    scene.values = {left("feedback", "tunning_mode", {mode}),
+                    left("parameter", "rawhdr_shot_ae_params", {first, second})};
     scene.compositions = {test::compositionAt(1)};
     scene.translate();
-    const std::string put = "TunningMode Integer " + std::to_string(c[3]) + '\n';
+    const std::string put = "TunningMode Integer " + std::to_string(mode) + '\n';
     EXPECT_NE(std::string::npos, scene.puts().find(put)) << scene.puts();
   }
 }

@@ -103,12 +103,6 @@ const NumberType* numberType(std::string type) {
   return found == types.end() ? nullptr : &found->second;
 }
 
-std::string quoted(std::istream& in) {
-  std::string text;
-  in >> std::ws >> std::quoted(text);
-  return text;
-}
-
 // One "offset:type=value,value" of a record.
 void putPart(Bytes& bytes, const std::string& part, int frame) {
   const size_t colon = part.find(':');
@@ -121,7 +115,7 @@ void putPart(Bytes& bytes, const std::string& part, int frame) {
   Bytes packed;
   if (type == "text") {
     std::istringstream in(words);
-    const std::string text = quoted(in);
+    const std::string text = quotedText(in);
     packed.assign(text.begin(), text.end());
   } else {
     const NumberType* const numbers = numberType(type);
@@ -147,7 +141,7 @@ Bytes parseSized(const std::string& type, size_t size, std::istream& in, int fra
   Bytes bytes(size);
   if (type != "text" && type != "bytes" && type != "zero") fail("unknown type", type);
   if (type == "text") {
-    const std::string text = quoted(in);
+    const std::string text = quotedText(in);
     if (text.size() > size) fail("text is too long", text);
     std::memcpy(bytes.data(), text.data(), text.size());
   }
@@ -181,6 +175,12 @@ std::string describeRecord(Bytes bytes) {
 
 }  // namespace
 
+std::string quotedText(std::istream& in) {
+  std::string text;
+  in >> std::ws >> std::quoted(text);
+  return text;
+}
+
 GoldenValue parseGoldenValue(const std::string& text, int frame) {
   std::istringstream in(text);
   GoldenValue value;
@@ -189,7 +189,7 @@ GoldenValue parseGoldenValue(const std::string& text, int frame) {
   if (size > 0) {
     value.bytes = parseSized(value.type, size, in, frame);
   } else if (value.type == "string") {
-    const std::string words = quoted(in);
+    const std::string words = quotedText(in);
     value.bytes.assign(words.begin(), words.end());
   } else if (value.type == "location") {
     value.bytes = parseLocation(in, frame);

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,9 @@ struct GoldenValue {
     return values;
   }
 };
+
+// Reads one word, or several in quotes.
+std::string quotedText(std::istream& in);
 
 // Reads "type words..." as of a frame. Throws std::runtime_error for what it does not understand.
 GoldenValue parseGoldenValue(const std::string& text, int frame);

@@ -1,6 +1,5 @@
 #include "golden_variation.h"
 
-#include <cctype>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
@@ -15,13 +14,6 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
-
-// The words of a line, of which one in quotes may hold blanks.
-std::string quotedWord(std::istream& in) {
-  std::string word;
-  in >> std::ws >> std::quoted(word);
-  return word;
-}
 
 // What a variation came to, asked line by line.
 class Outcome {
@@ -77,7 +69,7 @@ private:
   std::string logged(std::istream& in, const std::string& tag, int priority = 3) const {
     int expected = 0;
     in >> expected;
-    const std::string message = quotedWord(in);
+    const std::string message = quotedText(in);
     int times = 0;
     for (const LogLine& line : mLines) {
       times += line.priority == priority && line.tag == tag && isMessage(line.message, message, tag) ? 1 : 0;
