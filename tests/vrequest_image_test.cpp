@@ -64,7 +64,6 @@ const ImageCase kImageCases[] = {
     // Labelled as NV12, on purpose.
     {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    {"Yv12LongTail",    "YV12_SOMETHING", 64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
     {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
     // Without the fix-up of its sibling, on purpose.
@@ -140,7 +139,6 @@ TEST_F(VRequestImageTest, OwnsADuplicateOfSharedMemory) {
   EXPECT_EQ(before, test::openDescriptors());
   EXPECT_EQ(file, fileBehind(original));
   EXPECT_TRUE(mLog.contains("useShmem 1"));
-  EXPECT_FALSE(mLog.contains("useShmem 0"));
 }
 
 TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
@@ -170,7 +168,6 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
   }
   EXPECT_EQ(before, test::openDescriptors());
   EXPECT_EQ(pixels, fileBehind(handle.data[1]));
-  EXPECT_TRUE(mLog.contains("useShmem 0"));
 }
 
 // "descriptor | version numFds numInts | words 0 to 2 ... words 254 and 255" of a copy, where the words of

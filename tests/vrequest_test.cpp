@@ -31,6 +31,8 @@ constexpr char kNullErrors[] =
 
 class VRequestTest : public testing::Test {
 protected:
+  ~VRequestTest() override { EXPECT_FALSE(env()->ExceptionCheck()); }
+
   const test::LocalFrame mFrame;
   test::LogCapture mLog;
 };
@@ -71,13 +73,11 @@ TEST_F(VRequestTest, LooksItsMembersUpInOrder) {
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }
   mLog.clear();
   const test::JniTable table(env());
-  const VRequest request(env(), nullptr, nullptr, nullptr, nullptr);
+  { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
   test::Lines lookups;
   for (const Entry& entry : kEntries) lookups.push_back(entry.lookup);
   EXPECT_EQ(test::joined(lookups), test::joined(table.lookups()));
   EXPECT_EQ(kNullErrors, test::errorText(mLog, kTag));
-  EXPECT_EQ(0, request.requestId());
-  EXPECT_EQ("", request.requestType());
 }
 
 class VRequestMissingTest : public VRequestTest, public testing::WithParamInterface<Entry> {};
@@ -97,7 +97,6 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   request.setResultJpegSize(1, 0);
   request.setResultImageWH(1, 2, 0);
   request.setResultImageFormat(24, "JPEG", 0);
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 INSTANTIATE_TEST_SUITE_P(Entries, VRequestMissingTest, testing::ValuesIn(kEntries), test::CaseName());
@@ -174,7 +173,6 @@ TEST_F(VRequestTest, WalksAnyList) {
     EXPECT_EQ(size, request.outputFrames().size());
     EXPECT_EQ(std::vector<jobject>(size), request.captureResults());
     EXPECT_EQ(size, request.captureResultCompositions().size());
-    EXPECT_FALSE(env()->ExceptionCheck());
   }
 }
 
@@ -246,7 +244,6 @@ TEST_F(VRequestTest, WritesASizeWhereADescriptorHasNone) {
   for (int index : {0, 1}) outputs.request->setResultJpegSize(777, index);
   EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 777 1536 0 0 | 777 / NV21 64x48 null", outputs.text(0));
   EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 777 1536 0 0 | 777 / NV21 64x48", outputs.text(1));
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 TEST_F(VRequestTest, RefusesAResultWithoutAnOutput) {
@@ -279,7 +276,6 @@ TEST_F(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   EXPECT_EQ(0, table.calls("NewGlobalRef"));
   EXPECT_EQ(table.calls("GetStringUTFChars"), table.calls("ReleaseStringUTFChars"));
   EXPECT_EQ(table.calls("GetIntArrayElements"), table.calls("ReleaseIntArrayElements"));
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 }  // namespace
