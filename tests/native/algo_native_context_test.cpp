@@ -207,7 +207,7 @@ TEST(AlgoNativeContextTest, NeverAsksForANullBlock) {
   EXPECT_EQ("", library.takeLines());
 }
 
-// What the operations log without one callable. Those that free are left out: nobody would.
+// What the operations log without one callable. Without one of those that free, something would be left.
 // clang-format off
 const std::pair<const char*, const char*> kNotOffered[] = {
     {"createClient",              "create client failed\n"},
