@@ -14,7 +14,6 @@
 #include "algo_native_request_map.h"
 #include "callback_data.h"
 #include "callback_recorder.h"
-#include "case_name.h"
 #include "fixtures.h"
 #include "jni_table.h"
 #include "log_capture.h"
@@ -27,7 +26,7 @@ using test::javaVm;
 using test::shotCallback;
 
 constexpr char kTag[] = "_V_VASJNI-AlgoNativeClient";
-constexpr char kCallbackClass[] = "com/orlu/orlu3rdalgoservice/binderserver/RequestProcessor";
+#define CALLBACK_CLASS "com/orlu/orlu3rdalgoservice/binderserver/RequestProcessor"
 constexpr int64_t kClientId = 0x1'0000'0003;
 constexpr int64_t kReqId = 0x2'0000'0001;
 
@@ -76,7 +75,7 @@ protected:
   }
 
   const test::LocalFrame mFrame;
-  const test::LogCapture mLog;
+  test::LogCapture mLog;
   const test::Algo mAlgo;
   test::CallbackRecorder mRecorder;
   const uint64_t mFullAsync = AlgoNativeRequestMap::getInstance()->create(kReqId, nullptr, true);
@@ -151,46 +150,40 @@ TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
   EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
 }
 
-struct HandleCase {
-  const char* name;
-  std::vector<std::array<int, 3>> handles;  // descriptors, integers, first word; -1 descriptors: a null one
-  const char* inMap;
-  const char* inLog;
-};
-
-class AlgoNativeClientHandleTest : public AlgoNativeClientJvmTest,
-                                   public testing::WithParamInterface<HandleCase> {};
-
-TEST_P(AlgoNativeClientHandleTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
-  std::vector<const native_handle_t*> handles;
-  for (const auto& [descriptors, integers, word] : GetParam().handles) {
-    native_handle_t* const handle = descriptors < 0 ? nullptr : native_handle_create(descriptors, integers);
-    if (handle != nullptr && descriptors + integers > 0) handle->data[0] = word;
-    handles.push_back(handle);
+TEST_F(AlgoNativeClientJvmTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
+  // Of each handle its descriptors, integers and first word; -1 descriptors make a null one.
+  using Handles = std::vector<std::array<int, 3>>;
+  // clang-format off
+  const std::pair<Handles, std::string> kCases[] = {
+      {Handles{},                       "-1"},
+      {Handles{{1, 0, 7}},              "7"},
+      {Handles{{1, 2, 0}},              "0"},
+      {Handles{{0, 2, -9}},             "-9"},
+      {Handles{{1, 1, 7}, {1, 0, 8}},   "7"},
+      {Handles{{0, 0, 0}, {1, 0, 8}},   "-1"},
+      {Handles{{-1, 0, 0}},             "-1"},
+  };
+  // clang-format on
+  std::string expected;
+  for (const auto& [specs, word] : kCases) {
+    mLog.clear();
+    std::vector<const native_handle_t*> handles;
+    for (const auto& [descriptors, integers, first] : specs) {
+      native_handle_t* const handle = descriptors < 0 ? nullptr : native_handle_create(descriptors, integers);
+      if (handle != nullptr && descriptors + integers > 0) handle->data[0] = first;
+      handles.push_back(handle);
+    }
+    test::Algo::sendCallback(mClient->callbackCookie(), lightStreamCallback(), handles, true);
+    for (const native_handle_t* handle : handles) native_handle_delete(const_cast<native_handle_t*>(handle));
+    expected += lightStreamReport(word == "-1" ? "" : "sharedFd=Integer " + word + " ");
+    EXPECT_EQ(expected, mRecorder.reports());
+    const std::string line = "onPostProcessDataLightStream: sharedFd: " + word +
+                             ", clientId = 4294967299, algoContextIndex = 7, reqId = 8589934593, "
+                             "eventType:4294967298 zoomRatio:2.500000, "
+                             "cropRegion:[l=1 t=-2 w=640 h=480], dataSize: 48";
+    EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, line)) << mLog.text();
   }
-  test::Algo::sendCallback(mClient->callbackCookie(), lightStreamCallback(), handles, true);
-  for (const native_handle_t* handle : handles) native_handle_delete(const_cast<native_handle_t*>(handle));
-  EXPECT_EQ(lightStreamReport(GetParam().inMap), mRecorder.reports());
-  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag,
-                          std::string("onPostProcessDataLightStream: sharedFd: ") + GetParam().inLog +
-                              ", clientId = 4294967299, algoContextIndex = 7, reqId = 8589934593, "
-                              "eventType:4294967298 zoomRatio:2.500000, cropRegion:[l=1 t=-2 w=640 h=480], "
-                              "dataSize: 48"))
-      << mLog.text();
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, AlgoNativeClientHandleTest,
-                         testing::Values(
-    HandleCase{"None",           {},                       "",                     "-1"},
-    HandleCase{"Descriptor",     {{1, 0, 7}},              "sharedFd=Integer 7 ",  "7"},
-    HandleCase{"DescriptorZero", {{1, 2, 0}},              "sharedFd=Integer 0 ",  "0"},
-    HandleCase{"Integers",       {{0, 2, -9}},             "sharedFd=Integer -9 ", "-9"},
-    HandleCase{"FirstOfTwo",     {{1, 1, 7}, {1, 0, 8}},   "sharedFd=Integer 7 ",  "7"},
-    HandleCase{"WithoutData",    {{0, 0, 0}, {1, 0, 8}},   "",                     "-1"},
-    HandleCase{"Null",           {{-1, 0, 0}},             "",                     "-1"}),
-                         test::CaseName());
-// clang-format on
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamNeedsItsFortyEightBytes) {
   for (size_t size : {0, 1, 47}) receive(lightStreamCallback(size));
@@ -211,14 +204,10 @@ TEST_F(AlgoNativeClientJvmTest, ClearsWhatTheCallbackThrows) {
 }
 
 TEST_F(AlgoNativeClientJvmTest, KeepsOneReferenceAndGivesItBack) {
-  const std::pair<std::string, int> kHidden[] = {
-      {kCallbackClass,                                      0},
-      {std::string(kCallbackClass) + ".callbackFromNative", 1},
-      {"",                                                  1},
-  };
   int failed = 0;
-  for (const auto& [hidden, references] : kHidden) {
+  for (const std::string hidden : {CALLBACK_CLASS, CALLBACK_CLASS ".callbackFromNative", ""}) {
     SCOPED_TRACE(hidden);
+    const int references = hidden == CALLBACK_CLASS ? 0 : 1;
     mClient.reset();
     test::JniTable table(env());
     table.hide(hidden);

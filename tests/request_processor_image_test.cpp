@@ -1,10 +1,10 @@
 #include <chrono>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
 #include "callback_data.h"
 #include "callback_recorder.h"
-#include "case_name.h"
 #include "descriptors.h"
 #include "request_scene.h"
 #include "thread_state.h"
@@ -93,8 +93,6 @@ TEST_F(RequestProcessorImageTest, RequestTypesAreComparedByTheirBeginnings) {
       {"previewProcessImage", 1},
       {"previewProces",       2},
       {"stopProcess2",        9},
-      {"stop",                2},
-      {"",                    2},
       {"a stopProcess",       2},
   };
   for (const auto& [text, type] : kTypes) {
@@ -162,48 +160,38 @@ TEST_F(RequestProcessorImageTest, MarkedToBeSkipped) {
   EXPECT_FALSE(isKnown(nativeReq));
 }
 
-struct FrameCase {
-  const char* name;
-  int32_t hdrType;  // -1: as the frames' modes make it
-  int32_t nightIndex;
-  size_t frame;
-};
-
-class RequestProcessorFrameTest : public RequestProcessorImageTest,
-                                  public testing::WithParamInterface<FrameCase> {};
-
-TEST_P(RequestProcessorFrameTest, MetadataOfOneFrameGoesAlong) {
+TEST_F(RequestProcessorImageTest, MetadataOfOneFrameGoesAlong) {
   mCompositions.clear();
-  for (const int64_t mode : {2, 2, 8, 2, 2}) {
+  for (const int64_t frame : {0, 1, 2, 3, 4}) {
     const jobject metadata = test::newMetadata();
-    test::setTag(metadata, "android.sensor.timestamp",
-                 javaLong(1000 + static_cast<int64_t>(mCompositions.size())));
-    test::setTag(metadata, "orlu.control.currentModeEx", javaLong(mode));
+    test::setTag(metadata, "android.sensor.timestamp", javaLong(1000 + frame));
+    test::setTag(metadata, "orlu.control.currentModeEx", javaLong(frame == 2 ? 8 : 2));
     mCompositions.push_back(test::newComposition(metadata));
   }
   setAlgoList({"night"});
-  if (GetParam().hdrType >= 0) {
-    mAnswers = {
-        {"hdr_process_type",  GetParam().hdrType   },
-        {"night_frame_index", GetParam().nightIndex}
-    };
+  // clang-format off
+  const std::tuple<const char*, std::map<std::string, int32_t>, size_t> kCases[] = {
+      {"by the modes",   {},                                                  2},
+      {"first",          {{"hdr_process_type", 6}, {"night_frame_index", 1}},  1},
+      {"last",           {{"hdr_process_type", 6}, {"night_frame_index", 4}},  4},
+      {"past the last",  {{"hdr_process_type", 6}, {"night_frame_index", 5}},  0},
+      {"zero",           {{"hdr_process_type", 6}, {"night_frame_index", 0}},  0},
+      {"negative",       {{"hdr_process_type", 6}, {"night_frame_index", -1}}, 0},
+      {"other HDR type", {{"hdr_process_type", 2}, {"night_frame_index", 3}},  0},
+  };
+  // clang-format on
+  for (const auto& [name, answers, frame] : kCases) {
+    SCOPED_TRACE(name);
+    mAnswers = answers;
+    EXPECT_EQ(0, process());
+    const jobject expected =
+        test::objectField(mCompositions[frame], "mCaptureResult", "Landroid/hardware/camera2/CaptureResult;");
+    const std::vector<uint8_t> bytes = CameraMetadataParser(env()).getMetadata(expected);
+    ASSERT_FALSE(bytes.empty());
+    EXPECT_EQ(bytes.size(), mSubmitted.metadata[1].size);
+    EXPECT_EQ(bytes, mRaw);
   }
-  EXPECT_EQ(0, process());
-
-  const jobject expected = test::objectField(mCompositions[GetParam().frame], "mCaptureResult",
-                                             "Landroid/hardware/camera2/CaptureResult;");
-  const std::vector<uint8_t> bytes = CameraMetadataParser(env()).getMetadata(expected);
-  ASSERT_FALSE(bytes.empty());
-  EXPECT_EQ(bytes.size(), mSubmitted.metadata[1].size);
-  EXPECT_EQ(bytes, mRaw);
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, RequestProcessorFrameTest,
-                         testing::Values(FrameCase{"FiveFrames", -1, 0, 2}, FrameCase{"First", 6, 1, 1},
-                                         FrameCase{"Last", 6, 4, 4}, FrameCase{"PastTheLast", 6, 5, 0},
-                                         FrameCase{"Zero", 6, 0, 0}, FrameCase{"Negative", 6, -1, 0},
-                                         FrameCase{"OtherHdrType", 2, 3, 0}),
-                         test::CaseName());
 
 // The only ten seconds of all tests. A request that is removed during its wait shares them.
 TEST_F(RequestProcessorImageTest, TimesOutAfterTenSeconds) {

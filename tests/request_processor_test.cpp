@@ -8,7 +8,6 @@
 #include <tuple>
 
 #include "callback_recorder.h"
-#include "case_name.h"
 #include "descriptors.h"
 #include "error_lines.h"
 #include "request_scene.h"
@@ -67,23 +66,20 @@ protected:
   }
 };
 
-constexpr char kOneObject[] = "(JLjava/lang/Object;)I";
-constexpr char kTwoObjects[] = "(JLjava/lang/Object;Ljava/lang/Object;)I";
-constexpr char kFourObjects[] =
-    "(JLjava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;)I";
+#define OBJECT "Ljava/lang/Object;"
+constexpr char kOneObject[] = "(J" OBJECT ")I";
+constexpr char kTwoObjects[] = "(J" OBJECT OBJECT ")I";
+constexpr char kFourObjects[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
 constexpr jobject kNothing = nullptr;
 
 TEST_F(ServiceTest, LifeOfAClient) {
-  const std::pair<const char*, jobject> kParameters[] = {
-      {"clientId",         javaLong(4294967299)          },
-      {"algoContextIndex", javaInt(7)                    },
-      {"AbortKey",         javaString(kFlag)             },
-      {"AbortVal",         javaLong(4294967301)          },
-      {"identifier",       javaString("tuning")          },
-      {"cmd",              javaString("paramfile tuning")},
-      {"imageFormat",      javaInt(32)                   },
-  };
-  for (const auto& [key, value] : kParameters) putKey(mParam, key, value);
+  putKey(mParam, "clientId", javaLong(4294967299));
+  putKey(mParam, "algoContextIndex", javaInt(7));
+  putKey(mParam, "AbortKey", javaString(kFlag));
+  putKey(mParam, "AbortVal", javaLong(4294967301));
+  putKey(mParam, "identifier", javaString("tuning"));
+  putKey(mParam, "cmd", javaString("paramfile tuning"));
+  putKey(mParam, "imageFormat", javaInt(32));
   const jobject memory = test::newSharedMemory(4096);
   EXPECT_EQ(6, callInt("getVersion", "()I"));
   const jlong inst = createClient();
@@ -94,9 +90,8 @@ TEST_F(ServiceTest, LifeOfAClient) {
   EXPECT_EQ(0, callInt("translateParamFiles", kTwoObjects, inst, memory, mParam));
   EXPECT_EQ(descriptors, test::openDescriptors());
   // The library could read the file: the checksum is that of 4096 zeros.
-  EXPECT_EQ("4096 c71c0011",
-            test::stringOf(
-                callObject(mService, "getData", "(JLjava/lang/Object;)Ljava/lang/String;", inst, mParam)));
+  const jobject data = callObject(mService, "getData", "(J" OBJECT ")Ljava/lang/String;", inst, mParam);
+  EXPECT_EQ("4096 c71c0011", test::stringOf(data));
   EXPECT_EQ(0, callInt("algoRelease", kOneObject, inst, mParam));
   EXPECT_EQ(0, callInt("destroyNativeClient", "(J)I", inst));
 
@@ -109,8 +104,7 @@ TEST_F(ServiceTest, LifeOfAClient) {
       mTrace);
   EXPECT_EQ(
       "?create E\n?create X, inst I, clientId 4294967299, index 7\n"
-      "?init E, I\n?init X\n"
-      "?flush E, I\n?flush X\n"
+      "?init E, I\n?init X\n?flush E, I\n?flush X\n"
       "?abort E, I\n?abort key orlu.control.frameFlag no error 1\n?abort X\n"
       "?translateParamFiles filefd " +
           std::to_string(mFile) +
@@ -124,17 +118,16 @@ TEST_F(ServiceTest, LifeOfAClient) {
 TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
   const test::CallbackRecorder recorder;
   const jlong inst = createClient();
-  const jobject composition = mCompositions[0];
   const jobject compositions = test::javaList(mCompositions);
   const jobject request = test::newRequest(5, "capture");
   setAlgoList({"hdr"});
-  putKey(composition, "isFullAsync", javaInt(1));
+  putKey(mCompositions[0], "isFullAsync", javaInt(1));
   EXPECT_EQ(0, callInt("processImage", kFourObjects, inst, request, mInputs, mOutputs, compositions));
   EXPECT_TRUE(test::Algo::waitIdle(60'000));
   const std::string report = recorder.reports();
   const std::string expected = "-1 -1 5 nativeRequestAddr=Long ";
   ASSERT_EQ(expected, report.substr(0, expected.size())) << "not of a client that is nobody's";
-  putKey(composition, "nativeRequestAddr", javaLong(std::stoll(report.substr(expected.size()))));
+  putKey(mCompositions[0], "nativeRequestAddr", javaLong(std::stoll(report.substr(expected.size()))));
   EXPECT_EQ(
       0, callInt("processImageUpdateResult", kFourObjects, inst, request, mInputs, mOutputs, compositions));
   EXPECT_NE(-999, result("orlu.feedback.hdrChoosedFrame"));
@@ -182,56 +175,42 @@ TEST_F(RequestProcessorTest, ReleaseModeFollowsFromTheFormat) {
   }
 }
 
-struct AbortCase {
-  const char* name;
-  std::string key;  // empty for none
-  bool hasValue;
-  bool isSent;
-};
-
-class RequestProcessorAbortTest : public RequestProcessorTest,
-                                  public testing::WithParamInterface<AbortCase> {};
-
-TEST_P(RequestProcessorAbortTest, SendsWhatIsNamed) {
-  const AbortCase& c = GetParam();
-  if (!c.key.empty()) putKey(mParam, "AbortKey", javaString(c.key));
-  if (c.hasValue) putKey(mParam, "AbortVal", javaLong(1));
-  EXPECT_EQ(0, RequestProcessor::abortRequest(env(), mInst, nullptr, mParam));
-
-  std::string expected = "createMetadata";
-  if (!c.key.empty()) expected += ", setValue orlu.algo.control/abort_key 128";
-  if (c.isSent) expected += ", setValue orlu.algo.control/abort_val 8=1, command 0 0 0 1";
-  EXPECT_EQ(expected + ", destroyMetadata", mTrace);
-  std::string key = c.key.substr(0, 128);
-  EXPECT_TRUE(mLog.contains("abort key " + key + " no error " + (c.isSent ? "1" : "0")));
-  if (c.key.empty()) return;
-  key.resize(128);
-  EXPECT_EQ(key, std::string(mAbortKey.begin(), mAbortKey.end()));
+TEST_F(RequestProcessorTest, AbortSendsWhatIsNamed) {
+  // clang-format off
+  const std::tuple<std::string, jobject, bool> kCases[] = {
+      {"orlu.control.frameFlag2",     javaLong(1), true},
+      {kFlag + std::string(200, 'x'), javaLong(1), true},
+      {"orlu.control.frameFla",       javaLong(1), false},
+      {"orlu.control.frameFlog",      javaLong(1), false},
+      {"",                            javaLong(1), false},
+      {kFlag,                         nullptr,     false},
+  };
+  // clang-format on
+  for (const auto& [key, value, isSent] : kCases) {
+    mTrace.clear();
+    putKey(mParam, "AbortKey", key.empty() ? nullptr : javaString(key));
+    putKey(mParam, "AbortVal", value);
+    EXPECT_EQ(0, RequestProcessor::abortRequest(env(), mInst, nullptr, mParam));
+    std::string expected = "createMetadata";
+    if (!key.empty()) expected += ", setValue orlu.algo.control/abort_key 128";
+    if (isSent) expected += ", setValue orlu.algo.control/abort_val 8=1, command 0 0 0 1";
+    EXPECT_EQ(expected + ", destroyMetadata", mTrace) << key;
+    std::string sent = key.substr(0, 128);
+    EXPECT_TRUE(mLog.contains("abort key " + sent + " no error " + (isSent ? "1" : "0")));
+    sent.resize(128);
+    if (key.empty()) continue;
+    EXPECT_EQ(sent, std::string(mAbortKey.begin(), mAbortKey.end()));
+  }
 }
 
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, RequestProcessorAbortTest, testing::Values(
-    AbortCase{"LongerKey",        "orlu.control.frameFlag2",       true,  true},
-    AbortCase{"FillsItsBuffer",   kFlag + std::string(200, 'x'),   true,  true},
-    AbortCase{"ShorterKey",       "orlu.control.frameFla",         true,  false},
-    AbortCase{"OtherKey",         "orlu.control.frameFlog",        true,  false},
-    AbortCase{"NoKey",            "",                              true,  false},
-    AbortCase{"NoValue",          kFlag,                           false, false}),
-    test::CaseName());
-// clang-format on
-
 TEST_F(RequestProcessorTest, GetDataCutsItsCommand) {
-  const std::pair<size_t, size_t> kLengths[] = {
-      {0,    0   },
-      {1023, 1023},
-      {1024, 1024},
-      {2000, 1024}
-  };
-  for (const auto& [length, handedOver] : kLengths) {
+  for (const size_t length : {0, 1023, 1024, 2000}) {
     mTrace.clear();
     if (length != 0) putKey(mParam, "cmd", javaString(std::string(length, 'c')));
     EXPECT_EQ("", test::stringOf(RequestProcessor::getData(env(), mInst, mParam)));
-    EXPECT_EQ("createMetadata, getData " + std::to_string(handedOver) + ", destroyMetadata", mTrace);
+    EXPECT_EQ(
+        "createMetadata, getData " + std::to_string(std::min<size_t>(length, 1024)) + ", destroyMetadata",
+        mTrace);
   }
 }
 

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <sstream>
+#include <tuple>
 
 #include "case_name.h"
 #include "error_lines.h"
@@ -26,14 +26,16 @@ constexpr char kTag[] = "_V_VASJNI-VRequest";
 
 // What a request of nothing but nulls logs.
 constexpr char kNullErrors[] =
-    "convert jstring failed, input is null\n"
-    "get list size failed, input is null\n"
-    "get list size failed, input is null\n"
-    "get list size failed, input is null\n";
+    "convert jstring failed, input is null\nget list size failed, input is null\n"
+    "get list size failed, input is null\nget list size failed, input is null\n";
 
-bool isSame(jobject a, jobject b) {
-  return env()->IsSameObject(a, b);
-}
+class VRequestTest : public testing::Test {
+protected:
+  ~VRequestTest() override { EXPECT_FALSE(env()->ExceptionCheck()); }
+
+  const test::LocalFrame mFrame;
+  test::LogCapture mLog;
+};
 
 struct Entry {
   const char* name;
@@ -66,56 +68,46 @@ const Entry kEntries[] = {
 };
 // clang-format on
 
-TEST(VRequestTest, LooksItsMembersUpInOrder) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, LooksItsMembersUpInOrder) {
   // The VM looks things up of its own when it loads a class.
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }
-  test::LogCapture log;
+  mLog.clear();
   const test::JniTable table(env());
-  const VRequest request(env(), nullptr, nullptr, nullptr, nullptr);
+  { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
   test::Lines lookups;
   for (const Entry& entry : kEntries) lookups.push_back(entry.lookup);
   EXPECT_EQ(test::joined(lookups), test::joined(table.lookups()));
-  EXPECT_EQ(kNullErrors, test::errorText(log, kTag));
-  EXPECT_EQ(0, request.requestId());
-  EXPECT_EQ("", request.requestType());
+  EXPECT_EQ(kNullErrors, test::errorText(mLog, kTag));
 }
 
-class VRequestMissingTest : public testing::TestWithParam<Entry> {};
+class VRequestMissingTest : public VRequestTest, public testing::WithParamInterface<Entry> {};
 
 // A missing class takes its members along, without messages of their own.
 TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
-  const test::LocalFrame frame;
   jobject images = test::javaList({test::newSmallImage()});
   jobject compositions = test::javaList({test::newComposition()});
   jobject javaRequest = test::newRequest(5, "shot");
-  test::LogCapture log;
   test::JniTable table(env());
   table.hide(GetParam().lookup);
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
-  EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(log, kTag));
+  EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
 
   // Nothing of the rest reaches for it.
   VRequest request(env(), javaRequest, images, images, compositions);
   request.setResultJpegSize(1, 0);
   request.setResultImageWH(1, 2, 0);
   request.setResultImageFormat(24, "JPEG", 0);
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 INSTANTIATE_TEST_SUITE_P(Entries, VRequestMissingTest, testing::ValuesIn(kEntries), test::CaseName());
 
-TEST(VRequestTest, WantsAnEnvironment) {
-  const test::LocalFrame frame;
-  test::LogCapture log;
+TEST_F(VRequestTest, WantsAnEnvironment) {
   jobject list = test::javaList({});
   const VRequest request(nullptr, test::newRequest(5, "shot"), list, list, list);
-  EXPECT_EQ(std::string("mEnv is null\n") + kNullErrors, test::errorText(log, kTag));
+  EXPECT_EQ(std::string("mEnv is null\n") + kNullErrors, test::errorText(mLog, kTag));
 }
 
-TEST(VRequestTest, ReadsARequest) {
-  const test::LocalFrame frame;
-  test::LogCapture log;
+TEST_F(VRequestTest, ReadsARequest) {
   jobject first = test::newComposition();
   jobject second = test::newComposition();
   jobject inputs = test::javaList({test::newSmallImage(), test::newSmallImage()});
@@ -128,24 +120,23 @@ TEST(VRequestTest, ReadsARequest) {
   EXPECT_EQ(2U, request.inputFrames().size());
   EXPECT_EQ(1U, request.outputFrames().size());
   ASSERT_EQ(2U, request.captureResultCompositions().size());
-  EXPECT_TRUE(isSame(first, request.firstComposition()));
-  EXPECT_TRUE(isSame(second, request.captureResultCompositions()[1]));
-  EXPECT_EQ("", test::errorText(log, kTag));
+  EXPECT_TRUE(env()->IsSameObject(first, request.firstComposition()));
+  EXPECT_TRUE(env()->IsSameObject(second, request.captureResultCompositions()[1]));
+  EXPECT_EQ("", test::errorText(mLog, kTag));
   for (const char* message : {"request info: reqId = 4294967301, reqType stopProcessNow",
                               "start process received in img num 2, out img num 1, captureResultNum 2"}) {
-    EXPECT_EQ(1, log.count(ANDROID_LOG_DEBUG, kTag, message)) << log.text();
+    EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, message)) << mLog.text();
   }
   // Each image has its line, in order, and nothing is left out.
   size_t at = 0;
   for (const char* line : {"getImageData() get image data 0x", "img in[0]: fmt ALGO_IMG_NV21, w 64",
                            "img in[1]: fmt", "img out[0]: fmt"}) {
-    at = log.text().find(line, at);
+    at = mLog.text().find(line, at);
     EXPECT_NE(std::string::npos, at) << line;
   }
 }
 
-TEST(VRequestTest, ReadsWhatIsNoRequest) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, ReadsWhatIsNoRequest) {
   jobject typeless = test::newObject(REQUEST, "(JLjava/lang/String;)V", jlong{6}, nullptr);
   const VRequest withoutType(env(), typeless, nullptr, nullptr, nullptr);
   EXPECT_EQ(6, withoutType.requestId());
@@ -158,50 +149,34 @@ TEST(VRequestTest, ReadsWhatIsNoRequest) {
   EXPECT_EQ("", stranger.requestType());
 }
 
-struct ListCase {
-  const char* name;
-  std::function<jobject()> make;
-  size_t size;
-  const char* errors;  // as a list of inputs
-};
-
-class VRequestListTest : public testing::TestWithParam<ListCase> {};
-
-TEST_P(VRequestListTest, WalksAnyList) {
-  const test::LocalFrame frame;
-  const ListCase& c = GetParam();
+TEST_F(VRequestTest, WalksAnyList) {
+  constexpr char kNullImage[] = "convert image failed, input is null\n";
+  // clang-format off
+  const std::tuple<jobject, size_t, const char*> kCases[] = {  // with the errors as a list of inputs
+      {test::javaInt(1),                        0, "get list size failed, input is null\n"},
+      {test::javaList({test::javaInt(1)}),      1, kNullImage},
+      {test::newUnrulyList(1, true, false),     0, ""},
+      {test::newUnrulyList(-2, false, false),   0, ""},
+      {test::newUnrulyList(1, false, true),     1, kNullImage},
+  };
+  // clang-format on
   jobject empty = test::javaList({});
-  {
-    test::LogCapture log;
-    const VRequest request(env(), test::newRequest(1, "shot"), c.make(), empty, empty);
-    EXPECT_EQ(c.errors, test::errorText(log, kTag));
-    ASSERT_EQ(c.size, request.inputFrames().size());
-    for (const AlgoFrameInfo& image : request.inputFrames()) {
+  for (const auto& [list, size, errors] : kCases) {
+    mLog.clear();
+    const VRequest withInputs(env(), test::newRequest(1, "shot"), list, empty, empty);
+    EXPECT_EQ(errors, test::errorText(mLog, kTag));
+    ASSERT_EQ(size, withInputs.inputFrames().size());
+    for (const AlgoFrameInfo& image : withInputs.inputFrames()) {
       EXPECT_EQ(test::frameText(AlgoFrameInfo()), test::frameText(image));
     }
+    const VRequest request(env(), test::newRequest(1, "shot"), empty, list, list);
+    EXPECT_EQ(size, request.outputFrames().size());
+    EXPECT_EQ(std::vector<jobject>(size), request.captureResults());
+    EXPECT_EQ(size, request.captureResultCompositions().size());
   }
-  const VRequest request(env(), test::newRequest(1, "shot"), empty, c.make(), c.make());
-  EXPECT_EQ(c.size, request.outputFrames().size());
-  EXPECT_EQ(std::vector<jobject>(c.size), request.captureResults());
-  EXPECT_EQ(c.size, request.captureResultCompositions().size());
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
-constexpr char kNullImage[] = "convert image failed, input is null\n";
-// clang-format off
-const ListCase kListCases[] = {
-    {"NoList",        [] { return test::javaInt(1); },                                   0, "get list size failed, input is null\n"},
-    {"WrongElement",  [] { return test::javaList({test::javaInt(1)}); },                 1, kNullImage},
-    {"SizeThrows",    [] { return test::newUnrulyList(1, true, false); },                0, ""},
-    {"NegativeSize",  [] { return test::newUnrulyList(-2, false, false); },              0, ""},
-    {"ElementThrows", [] { return test::newUnrulyList(1, false, true); },                1, kNullImage},
-};
-// clang-format on
-INSTANTIATE_TEST_SUITE_P(Cases, VRequestListTest, testing::ValuesIn(kListCases), test::CaseName());
-
-TEST(VRequestTest, AssemblesACaptureResultOnce) {
-  const test::LocalFrame frame;
-  test::LogCapture log;
+TEST_F(VRequestTest, AssemblesACaptureResultOnce) {
   const auto keptBy = [](jobject composition) {
     return test::objectField(composition, "mCaptureResult", "L" RESULT ";");
   };
@@ -214,11 +189,11 @@ TEST(VRequestTest, AssemblesACaptureResultOnce) {
   const std::vector<jobject>& results = request.captureResults();
   ASSERT_EQ(4U, results.size());
   ASSERT_NE(nullptr, results[0]);
-  EXPECT_TRUE(isSame(results[0], keptBy(fresh)));
+  EXPECT_TRUE(env()->IsSameObject(results[0], keptBy(fresh)));
   EXPECT_EQ(nullptr, results[1]);
-  EXPECT_TRUE(log.contains("getCaptureResult() get capture result failed, input is null (nil) 0x"));
-  EXPECT_TRUE(isSame(kept, results[2]));
-  EXPECT_TRUE(isSame(kept, keptBy(ready)));
+  EXPECT_TRUE(mLog.contains("getCaptureResult() get capture result failed, input is null (nil) 0x"));
+  EXPECT_TRUE(env()->IsSameObject(kept, results[2]));
+  EXPECT_TRUE(env()->IsSameObject(kept, keptBy(ready)));
   EXPECT_EQ(nullptr, results[3]);
 }
 
@@ -257,41 +232,35 @@ struct Outputs {
 
 constexpr char kUntouched[] = "64x48 1 2 | 64 64 0 0 | 3072 1536 9 0 | 4608 / NV21 64x48 3072 1536 9";
 
-TEST(VRequestTest, WritesResultsIntoFrameAndDescriptor) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, WritesResultsIntoFrameAndDescriptor) {
   const Outputs outputs;
   outputs.setAll(1);
   EXPECT_EQ("48x96 24 2 | 64 64 0 0 | 777 1536 9 0 | 777 / JPEG 48x96 777 1536 9", outputs.text(1));
   EXPECT_EQ(kUntouched, outputs.text(0));
 }
 
-TEST(VRequestTest, WritesASizeWhereADescriptorHasNone) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, WritesASizeWhereADescriptorHasNone) {
   const Outputs outputs(std::vector<int32_t>{});
   for (int index : {0, 1}) outputs.request->setResultJpegSize(777, index);
   EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 777 1536 0 0 | 777 / NV21 64x48 null", outputs.text(0));
   EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 777 1536 0 0 | 777 / NV21 64x48", outputs.text(1));
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
-TEST(VRequestTest, RefusesAResultWithoutAnOutput) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, RefusesAResultWithoutAnOutput) {
   const Outputs outputs;
   for (int index : {2, -1}) {
-    test::LogCapture log;
+    mLog.clear();
     outputs.setAll(index);
     EXPECT_EQ(
-        "set result jpeg size failed, index >= size\n"
-        "set result image size failed, index >= size\n"
+        "set result jpeg size failed, index >= size\nset result image size failed, index >= size\n"
         "set result image format failed, index >= size\n",
-        test::errorText(log, kTag));
+        test::errorText(mLog, kTag));
   }
   for (size_t index : {0U, 1U}) EXPECT_EQ(kUntouched, outputs.text(index));
 }
 
 // Five classes, each image, and each composition with its result. Whatever is read on the way is freed.
-TEST(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
-  const test::LocalFrame frame;
+TEST_F(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   jobject javaRequest = test::newRequest(1, "shot");
   jobject inputs = test::javaList(std::vector<jobject>(300, test::newSmallImage()));
   test::ImageSpec spec;
@@ -307,7 +276,6 @@ TEST(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   EXPECT_EQ(0, table.calls("NewGlobalRef"));
   EXPECT_EQ(table.calls("GetStringUTFChars"), table.calls("ReleaseStringUTFChars"));
   EXPECT_EQ(table.calls("GetIntArrayElements"), table.calls("ReleaseIntArrayElements"));
-  EXPECT_FALSE(env()->ExceptionCheck());
 }
 
 }  // namespace

@@ -33,16 +33,9 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
   context.uninit(0);
   EXPECT_EQ(7, value);
   EXPECT_EQ(
-      "init failed\n"
-      "process failed\n"
-      "abort failed\n"
-      "notify failed\n"
-      "get data failed\n"
-      "translateParamFile failed\n"
-      "createMetadata failed\n"
-      "destroyMetadata failed\n"
-      "flush failed\n"
-      "uninit failed\n",
+      "init failed\nprocess failed\nabort failed\nnotify failed\nget data failed\n"
+      "translateParamFile failed\ncreateMetadata failed\ndestroyMetadata failed\nflush failed\nuninit "
+      "failed\n",
       test::errorText(log, kContextTag));
 }
 

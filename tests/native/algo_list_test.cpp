@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "case_name.h"
+#include <tuple>
 
 namespace orlu {
 namespace {
@@ -11,49 +11,37 @@ using List = std::vector<std::string>;
 
 TEST(AlgoListTest, PrintsNamesJoinedByBlanks) {
   EXPECT_EQ("", printAlgoList({}));
-  EXPECT_EQ("night", printAlgoList({"night"}));
   EXPECT_EQ("night jpegEncode flip", printAlgoList({"night", "jpegEncode", "flip"}));
 }
 
-struct ContainsCase {
-  const char* name;
-  List list;
-  const char* asked;
-  int length;
-  bool contained;
-};
+TEST(AlgoListTest, ComparesAFixedNumberOfBytes) {
+  // clang-format off
+  const std::tuple<List, const char*, int, bool> kCases[] = {
+      {{"hdr"},           "hdr",   3, true},
+      {{"nightPortrait"}, "night", 5, true},
+      {{"nig"},           "night", 5, false},
+      {{"nighX"},         "night", 5, false},
+      {{""},              "hdr",   3, false},
+      {{},                "hdr",   3, false},
+      {{"flip", "hdr"},   "hdr",   3, true},
+  };
+  // clang-format on
+  for (const auto& [names, asked, length, contained] : kCases) {
+    SCOPED_TRACE(printAlgoList(names));
+    EXPECT_EQ(contained, isAlgoListContains(names, asked, length));
 
-class AlgoListContainsTest : public testing::TestWithParam<ContainsCase> {};
-
-TEST_P(AlgoListContainsTest, ComparesAFixedNumberOfBytes) {
-  const ContainsCase& c = GetParam();
-  EXPECT_EQ(c.contained, isAlgoListContains(c.list, c.asked, c.length));
-
-  // What it finds is what removal takes away, adjacent entries too; the rest keep their order.
-  List list = {"first"};
-  list.insert(list.end(), c.list.begin(), c.list.end());
-  list.insert(list.end(), c.list.begin(), c.list.end());
-  list.emplace_back("last");
-  removeAlgoFromAlgoList(list, c.asked, c.length);
-  EXPECT_FALSE(isAlgoListContains(list, c.asked, c.length));
-  EXPECT_EQ("first", list.front());
-  EXPECT_EQ("last", list.back());
-  EXPECT_EQ(c.contained ? list.size() : 2 * c.list.size() + 2, list.size());
+    // What it finds is what removal takes away, adjacent entries too; the rest keep their order.
+    List list = {"first"};
+    list.insert(list.end(), names.begin(), names.end());
+    list.insert(list.end(), names.begin(), names.end());
+    list.emplace_back("last");
+    removeAlgoFromAlgoList(list, asked, length);
+    EXPECT_FALSE(isAlgoListContains(list, asked, length));
+    EXPECT_EQ("first", list.front());
+    EXPECT_EQ("last", list.back());
+    EXPECT_EQ(contained, list.size() != 2 * names.size() + 2);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, AlgoListContainsTest,
-                         testing::Values(
-                             ContainsCase{
-                                 "Equal", {"hdr"},
-                                  "hdr", 3, true
-},
-                             ContainsCase{"Longer", {"nightPortrait"}, "night", 5, true},
-                             ContainsCase{"Shorter", {"nig"}, "night", 5, false},
-                             ContainsCase{"OtherEnd", {"nighX"}, "night", 5, false},
-                             ContainsCase{"EmptyEntry", {""}, "hdr", 3, false},
-                             ContainsCase{"EmptyList", {}, "hdr", 3, false},
-                             ContainsCase{"Second", {"flip", "hdr"}, "hdr", 3, true}),
-                         test::CaseName());
 
 TEST(AlgoListTest, TakesTheLengthOfALiteral) {
   List list = {"superns", "supernsll", "hdr"};
@@ -68,9 +56,6 @@ TEST(AlgoListTest, FiltersByWholeNames) {
   AlgoListSupportFilter(supported, list);
   EXPECT_EQ((List{"b", "a", "b"}), list);
   EXPECT_EQ((List{"a", "b"}), supported);
-  List none;
-  AlgoListSupportFilter(list, none);
-  EXPECT_TRUE(none.empty());
 }
 
 }  // namespace
