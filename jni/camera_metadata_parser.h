@@ -61,8 +61,9 @@ public:
   // be null. They must live as long.
   void knowFrame(jobject captureResult, jobject composition);
 
-  // Lookups. The answer is a new local reference, or null: for an absent value, for a value that could not be
-  // asked for, and when `captureResult`, `parameter` or `characteristics` is null or of another class.
+  // Lookups. `key` is whole characters of UTF-8, as for the getters and putters. The answer is a new local
+  // reference, or null: for an absent value, for a value that could not be asked for, and when
+  // `captureResult`, `parameter` or `characteristics` is null or of another class.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
   // Asks `parameter` first; what it holds wins, whatever its type.
@@ -147,6 +148,7 @@ private:
   // camera_metadata_parser_getters.cpp
   bool isComposition(jobject parameter);
   KeyObjects& keyObjects(const char* key, KeyObjects& fresh);
+  jstring newName(const char* key);
   jobject askComposition(jobject parameter, jstring name, const char* key);
   jobject askTyped(jobject source, jclass sourceClass, jclass keyClass, jmethodID keyConstructor,
                    jmethodID get, KeyObjects& objects, const char* key, jclass valueClass);

@@ -52,7 +52,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
 jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key,
                                                                           jclass /*valueClass*/) {
   if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, newString(mEnv, key));
+  ScopedLocalRef<jstring> name(mEnv, newName(key));
   return askComposition(parameter, name.get(), key);
 }
 
@@ -61,7 +61,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
   if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
   KeyObjects fresh(mEnv);
   KeyObjects& objects = keyObjects(key, fresh);
-  if (!objects.name) objects.name.reset(newString(mEnv, key));
+  if (!objects.name) objects.name.reset(newName(key));
   if (mMethodGetMetadata != nullptr && isComposition(parameter)) {
     jobject value = askComposition(parameter, objects.name.get(), key);
     if (value != nullptr) return value;
@@ -74,13 +74,20 @@ jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject chara
                                                                    jclass valueClass) {
   if (mEnv == nullptr || characteristics == nullptr) return nullptr;
   KeyObjects objects(mEnv);
-  objects.name.reset(newString(mEnv, key));
+  objects.name.reset(newName(key));
   return askTyped(characteristics, mClazzCameraCharacteristics, mClazzCharacteristicsKey,
                   mCharacteristicsConstructorKey, mMethodCharacteristicsGet, objects, key, valueClass);
 }
 
+// A key's Java string; null when the VM has no memory for it.
+jstring CameraMetadataParser::newName(const char* key) {
+  jstring name = mEnv->NewStringUTF(key);
+  if (name == nullptr) clearException(mEnv);
+  return name;
+}
+
 jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, const char* key) {
-  if (name == nullptr) return cleared(nullptr, key);
+  if (name == nullptr) return nullptr;
   return cleared(mEnv->CallObjectMethod(parameter, mMethodGetMetadata, name), key);
 }
 
@@ -94,7 +101,7 @@ jobject CameraMetadataParser::askTyped(jobject source, jclass sourceClass, jclas
   }
   const bool isKnown = source == mKnownCaptureResult && sourceClass == mClazzCaptureResult;
   if (!isKnown && !isInstance(mEnv, source, sourceClass)) return nullptr;
-  if (!objects.name) return cleared(nullptr, key);
+  if (!objects.name) return nullptr;
   if (!objects.typed || objects.valueClass != valueClass) {
     objects.typed.reset(mEnv->NewObject(keyClass, keyConstructor, objects.name.get(), valueClass));
     objects.valueClass = valueClass;

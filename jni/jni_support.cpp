@@ -1,7 +1,5 @@
 #include "jni_support.h"
 
-#include <string>
-
 namespace orlu {
 namespace {
 
@@ -22,33 +20,14 @@ size_t characterLength(const char* text) {
   return length;
 }
 
-// The first byte that belongs to no character, or the terminating zero.
-const char* skipCharacters(const char* text) {
-  while (*text != '\0') {
-    const size_t length = characterLength(text);
-    if (length == 0) break;
-    text += length;
-  }
-  return text;
-}
-
-// A failed call leaves an exception, under which nothing else may be called.
-jstring newStringOrNull(JNIEnv* env, const char* text) {
-  jstring string = env->NewStringUTF(text);
-  return clearException(env) ? nullptr : string;
-}
-
 }  // namespace
 
-jstring newString(JNIEnv* env, const char* text) {
-  const char* bad = skipCharacters(text);
-  if (*bad == '\0') return newStringOrNull(env, text);
-  std::string mended = text;
-  while (*bad != '\0') {
-    mended[static_cast<size_t>(bad - text)] = '?';
-    bad = skipCharacters(bad + 1);
+void mendText(char* text) {
+  while (*text != '\0') {
+    const size_t length = characterLength(text);
+    if (length == 0) *text = '?';
+    text += length == 0 ? 1 : length;
   }
-  return newStringOrNull(env, mended.c_str());
 }
 
 }  // namespace orlu

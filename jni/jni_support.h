@@ -66,10 +66,10 @@ inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }
 
-// NewStringUTF() for bytes that come from elsewhere. What is no UTF-8 becomes '?': a VM may read past the end
-// of a character that is cut short, or end the process. Null, without an exception, when the VM has no
-// memory.
-jstring newString(JNIEnv* env, const char* text);
+// Makes '?' of every byte that belongs to no whole character, in a zero-terminated text that came from
+// elsewhere: given to NewStringUTF(), a VM may read past the end of a character that is cut short, or end the
+// process.
+void mendText(char* text);
 
 // IsInstanceOf() that takes a null object or a class that was not found for "no".
 inline bool isInstance(JNIEnv* env, jobject object, jclass clazz) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "image_format.h"
+#include "jni_support.h"
 #include "log.h"
 #include "metadata_updater_rows.h"
 
@@ -88,6 +89,7 @@ int MetadataUpdater::downloadPrivateData(const char* section, const char* key, v
   char tag[128] = {};
   std::snprintf(tag, sizeof tag, "%s.%s", section, key);
   LOGD("checkxx download %s.%s : data %p, size %zu", section, key, data, static_cast<size_t>(size));
+  mendText(tag);
   const Frame first = firstFrame();
   return mParser->getArrayBytes(static_cast<char*>(data), static_cast<int>(size), tag, first.captureResult,
                                 first.composition);

@@ -171,10 +171,12 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
   const std::string cmd = StringParameter<1024>(parser, "cmd", param).text();
   LOGD("cmd %s", cmd.c_str());
   const std::vector<uint8_t> data = clientOf(inst)->context().getData(cmd);
-  const std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
+  std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
   LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
   if (data.empty()) return nullptr;
-  return newString(env, text.c_str());
+  mendText(text.data());
+  jstring answer = env->NewStringUTF(text.c_str());
+  return clearException(env) ? nullptr : answer;
 }
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
