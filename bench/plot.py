@@ -245,6 +245,7 @@ def main():
         sys.exit(__doc__)
     results = load(sys.argv[1])
     made = blocks(results)
+    os.makedirs(sys.argv[2], exist_ok=True)
     page = os.path.join(sys.argv[2], "cost.md")
     if os.path.exists(page):
         rewrite(page, made)
