@@ -83,7 +83,7 @@ public:
     std::printf("slope of the second half: resident %.2f, allocated %.2f bytes for each request\n",
                 static_cast<double>(last.resident - first.resident) / requests, grown / requests);
     // The VM's own buffers come and go.
-    constexpr double kNoise = 256.0 * 1024.0;
+    constexpr double kNoise = 1024.0 * 1024.0;
     constexpr double kBytesForEach = 4.0;
     return grown <= kNoise + kBytesForEach * requests;
   }
