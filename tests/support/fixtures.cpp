@@ -201,10 +201,6 @@ int32_t intOf(jobject value) {
   return call(value, "intValue", "()I").i;
 }
 
-int64_t longOf(jobject value) {
-  return call(value, "longValue", "()J").j;
-}
-
 std::string stringOf(jobject value) {
   if (value == nullptr) return "(null)";
   const char* chars = env()->GetStringUTFChars(static_cast<jstring>(value), nullptr);

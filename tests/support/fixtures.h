@@ -65,7 +65,6 @@ jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 
 // And back.
 int32_t intOf(jobject value);
-int64_t longOf(jobject value);
 std::string stringOf(jobject value);
 std::vector<int32_t> intsOf(jobject value);
 std::vector<int64_t> longsOf(jobject value);

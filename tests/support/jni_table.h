@@ -29,7 +29,6 @@ public:
 
   // Calls by the function's name.
   int calls(const std::string& function) const;
-  const std::map<std::string, int>& allCalls() const { return mCalls; }
   // Every lookup in order: a class as its name, a member as "class.member signature", or "null.member
   // signature".
   const std::vector<std::string>& lookups() const { return mLookups; }
