@@ -7,10 +7,10 @@ namespace {
 
 using test::env;
 
-constexpr char kTools[] = "com/orlu/orlu3rdalgoservice/tool/";
+constexpr char kRequests[] = "com/orlu/orlu3rdalgoservice/tool/request/";
 
-std::string toolClass(const char* name) {
-  return std::string(kTools) + name;
+std::string requestClass(const char* name) {
+  return std::string(kRequests) + name;
 }
 
 jobject staticCall(const std::string& clazz, const char* method, const std::string& signature,
@@ -38,10 +38,10 @@ std::vector<jobject> sampleFrames(const std::string& sample) {
   jobject file =
       staticCall("java/nio/file/Path", "of", "(Ljava/lang/String;[Ljava/lang/String;)Ljava/nio/file/Path;",
                  test::javaString(path), test::javaStrings({}));
-  jobject request = staticCall(toolClass("RequestFileReader"), "read",
-                               "(Ljava/nio/file/Path;Ljava/nio/file/Path;)L" + toolClass("RequestFile") + ";",
-                               file, nullptr);
-  jobject set = test::callObject(request, "frames", ("()L" + toolClass("FrameSetPlan") + ";").c_str());
+  jobject request = staticCall(
+      requestClass("RequestFileReader"), "read",
+      "(Ljava/nio/file/Path;Ljava/nio/file/Path;)L" + requestClass("RequestFile") + ";", file, nullptr);
+  jobject set = test::callObject(request, "frames", ("()L" + requestClass("FrameSetPlan") + ";").c_str());
   jobject frames = test::callObject(set, "frames", "()Ljava/util/List;");
   return elementsOf(test::callObject(frames, "toArray", "()[Ljava/lang/Object;"));
 }

@@ -2,6 +2,18 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.report.Summary;
+import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+
 import java.io.IOException;
 import java.io.PrintStream;
 import java.nio.file.Path;

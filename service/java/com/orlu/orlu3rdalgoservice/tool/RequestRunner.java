@@ -7,6 +7,17 @@ import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.report.NoiseMeasure;
+import com.orlu.orlu3rdalgoservice.tool.report.OutputImages;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.io.IOException;
 import java.nio.file.Path;

@@ -2,6 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.tool.report.Stopwatch;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 /** One client of the native library, from its creation to its end, with the time of each step. */
 final class ServiceClient {

@@ -1,5 +1,0 @@
-package com.orlu.orlu3rdalgoservice.tool;
-
-/** One value that was handed to the algorithm library, in its bytes. */
-record Parameter(String section, String key, byte[] bytes) {
-}

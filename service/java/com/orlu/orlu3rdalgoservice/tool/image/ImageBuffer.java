@@ -1,0 +1,109 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import android.hardware.HardwareBuffer;
+import android.os.SharedMemory;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+
+/** One image's memory and its description for the native side. Closing it gives the memory back. */
+public final class ImageBuffer implements AutoCloseable {
+    private static final int JPEG_HEADROOM = 1 << 16;
+
+    private final ImagePlan mPlan;
+    private final VImageIPC mDescriptor = new VImageIPC();
+    private final ByteBuffer mBytes;
+
+    private ImageBuffer(ImagePlan plan, int jpegRoom) throws ErrnoException {
+        mPlan = plan;
+        int stride = plan.strideBytes();
+        mDescriptor.mFormat = plan.name();
+        mDescriptor.mWidth = plan.width();
+        mDescriptor.mHeight = plan.height();
+        mDescriptor.mRowStrides = plan.format().strides(stride);
+        mDescriptor.mPlaneSizes =
+                plan.format().planeSizes(stride, plan.height(), Math.max(jpegRoom, plan.capacity()));
+        int size = 0;
+        for (int planeSize : mDescriptor.mPlaneSizes) {
+            size += planeSize;
+        }
+        mBytes = allocate(Math.max(1, Math.max(size, plan.capacity()))).order(ByteOrder.LITTLE_ENDIAN);
+    }
+
+    /** Memory for an input, holding the picture. */
+    public static ImageBuffer holding(Picture picture, ImagePlan plan) throws ErrnoException {
+        if (plan.format() == PixelFormat.JPEG) {
+            byte[] jpeg = PixelWriter.encodeJpeg(picture);
+            ImageBuffer image = new ImageBuffer(plan, jpeg.length);
+            image.mBytes.put(0, jpeg);
+            return image;
+        }
+        ImageBuffer image = new ImageBuffer(plan, 0);
+        PixelWriter.write(picture, plan, image.mBytes);
+        return image;
+    }
+
+    /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
+    public static ImageBuffer empty(ImagePlan plan) throws ErrnoException {
+        int usual = plan.width() * plan.height() * 3 / 2 + JPEG_HEADROOM;
+        return new ImageBuffer(plan, plan.capacity() > 0 ? plan.capacity() : usual);
+    }
+
+    private ByteBuffer allocate(int size) throws ErrnoException {
+        if (mPlan.hardware()) {
+            mDescriptor.mImageDataHwbuff = hardwareBuffer(size);
+            return mDescriptor.mImageDataHwbuff.mapPixels();
+        }
+        mDescriptor.mImageDataShmem = SharedMemory.create("orlu-image", size);
+        return mDescriptor.mImageDataShmem.mapReadWrite();
+    }
+
+    // The buffer's width is the row's with its padding, since the native side takes the stride from the
+    // description.
+    private HardwareBuffer hardwareBuffer(int size) {
+        int stride = mPlan.strideBytes();
+        int tight = mPlan.format().planeSizes(stride, mPlan.height(), size)[0];
+        boolean plain = size == tight || mPlan.format().isYuv() && size == stride * mPlan.height() * 3 / 2;
+        return switch (plain ? mPlan.format() : PixelFormat.JPEG) {
+            case RAW16, RAW_SENSOR -> buffer(stride / 2, HardwareBuffer.RAW16);
+            case R8G8B8A8 -> buffer(stride / 4, HardwareBuffer.RGBA_8888);
+            case JPEG, MIPI_RAW10 -> HardwareBuffer.create(size, 1, HardwareBuffer.BLOB, 1, usage());
+            default -> buffer(stride, HardwareBuffer.YCBCR_420_888);
+        };
+    }
+
+    private HardwareBuffer buffer(int width, int format) {
+        return HardwareBuffer.create(width, mPlan.height(), format, 1, usage());
+    }
+
+    private static long usage() {
+        return HardwareBuffer.USAGE_CPU_READ_OFTEN | HardwareBuffer.USAGE_CPU_WRITE_OFTEN;
+    }
+
+    ImagePlan plan() {
+        return mPlan;
+    }
+
+    public VImageIPC descriptor() {
+        return mDescriptor;
+    }
+
+    ByteBuffer bytes() {
+        return mBytes;
+    }
+
+    @Override
+    public void close() {
+        SharedMemory.unmap(mBytes);
+        if (mDescriptor.mImageDataHwbuff != null) {
+            mDescriptor.mImageDataHwbuff.close();
+        } else {
+            mDescriptor.mImageDataShmem.close();
+        }
+    }
+}

@@ -1,0 +1,28 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+/**
+ * Raw samples behind a colour filter: red and green in even rows, green and blue in odd ones.
+ *
+ * @param width   samples
+ * @param height  samples
+ * @param bits    of a sample; white is all of them set
+ * @param samples row by row
+ */
+public record Mosaic(int width, int height, int bits, int[] samples) {
+    public static Mosaic of(Picture picture, int bits) {
+        Mosaic mosaic = new Mosaic(picture.width(), picture.height(), bits,
+                new int[picture.width() * picture.height()]);
+        float scale = mosaic.white() / Picture.WHITE;
+        for (int y = 0; y < mosaic.height; ++y) {
+            for (int x = 0; x < mosaic.width; ++x) {
+                int channel = y % 2 + x % 2;
+                mosaic.samples[y * mosaic.width + x] = Math.round(picture.get(x, y, channel) * scale);
+            }
+        }
+        return mosaic;
+    }
+
+    public int white() {
+        return (1 << bits) - 1;
+    }
+}

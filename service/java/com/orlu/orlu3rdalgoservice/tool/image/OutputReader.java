@@ -1,0 +1,99 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.nio.ByteBuffer;
+
+/** What an output image holds, read by the description that the native side left. */
+public final class OutputReader {
+    private final ImageBuffer mImage;
+    private byte[] mJpeg;
+    private Mosaic mMosaic;
+    private Picture mPicture;
+    private String mProblem = "";
+
+    private OutputReader(ImageBuffer image) {
+        mImage = image;
+        if (!isUntouched()) {
+            read();
+        }
+    }
+
+    public static OutputReader of(ImageBuffer image) {
+        return new OutputReader(image);
+    }
+
+    /** Whether all bytes are still zero. */
+    public boolean isUntouched() {
+        ByteBuffer bytes = mImage.bytes();
+        for (int i = 0; i < bytes.capacity(); ++i) {
+            if (bytes.get(i) != 0) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /** The encoded bytes of a JPEG, else null. */
+    public byte[] jpeg() {
+        return mJpeg;
+    }
+
+    /** The samples of a raw image, else null. */
+    public Mosaic mosaic() {
+        return mMosaic;
+    }
+
+    /** The picture of any other image and of a JPEG that can be decoded, else null. */
+    public Picture picture() {
+        return mPicture;
+    }
+
+    /** Why there is nothing, empty when there is something. */
+    public String problem() {
+        return mProblem;
+    }
+
+    private void read() {
+        VImageIPC image = mImage.descriptor();
+        PixelFormat format = PixelFormat.named(image.mFormat);
+        if (format == null) {
+            // A name of the request's own over a layout that is known.
+            format = mImage.plan().format();
+        }
+        if (format == PixelFormat.JPEG) {
+            readJpeg(image.mPlaneSizes[0]);
+            return;
+        }
+        ImagePlan old = mImage.plan();
+        ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
+                image.mRowStrides[0], 0, old.bits(), 0);
+        if (sum(format.planeSizes(plan.strideBytes(), plan.height(), 0)) > mImage.bytes().capacity()) {
+            mProblem = "its description asks for more bytes than it has";
+        } else if (format.isRaw()) {
+            mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
+        } else {
+            mPicture = PixelReader.readPicture(plan, mImage.bytes());
+        }
+    }
+
+    private void readJpeg(int size) {
+        if (size < 1 || size > mImage.bytes().capacity()) {
+            mProblem = "its JPEG size is " + size;
+            return;
+        }
+        mJpeg = new byte[size];
+        mImage.bytes().get(0, mJpeg);
+        mPicture = PixelReader.decodeJpeg(mJpeg);
+    }
+
+    private static int sum(int[] values) {
+        int sum = 0;
+        for (int value : values) {
+            sum += value;
+        }
+        return sum;
+    }
+}

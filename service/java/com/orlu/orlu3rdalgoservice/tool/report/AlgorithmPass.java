@@ -1,0 +1,22 @@
+package com.orlu.orlu3rdalgoservice.tool.report;
+
+import java.util.List;
+
+/**
+ * What the algorithm library reports of the work it did for a request.
+ *
+ * @param ran          the algorithms that did something, in their order
+ * @param milliseconds that the work took
+ * @param frames       what it found out about each frame, empty when it looked at none
+ */
+record AlgorithmPass(List<String> ran, double milliseconds, List<Frame> frames) {
+    /**
+     * One frame's judgement.
+     *
+     * @param sharpness a score, larger is sharper; NaN when it was not taken
+     * @param shift     {x, y} in pixels against the base frame, null when it was not measured
+     * @param kept      whether the frame went into the result
+     */
+    record Frame(double sharpness, int[] shift, boolean kept) {
+    }
+}

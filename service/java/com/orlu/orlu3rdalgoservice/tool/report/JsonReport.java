@@ -1,0 +1,85 @@
+package com.orlu.orlu3rdalgoservice.tool.report;
+
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.HexFormat;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * Writes what happened to requests as JSON, to be compared between two machines: parameters in their order,
+ * algorithm lists, values put, output descriptions. Times, pointers and memory stay out of it.
+ */
+public final class JsonReport {
+    private final JsonArray mReports = new JsonArray();
+
+    public void add(RequestReport report) {
+        JsonObject object = new JsonObject();
+        object.addProperty("file", report.request.file().getFileName().toString());
+        object.addProperty("id", report.request.id());
+        object.addProperty("type", report.request.type());
+        object.add("algorithmsBefore", strings(report.askedAlgorithms()));
+        if (report.trace != null) {
+            if (report.trace.algorithms != null) {
+                object.add("algorithmsAfter", strings(report.trace.algorithms));
+            }
+            object.add("parameters", parameters(report.trace.parameters));
+        }
+        object.add("put", put(report.put));
+        object.add("outputsBefore", outputs(report.outputsBefore));
+        object.add("outputsAfter", outputs(report.outputsAfter));
+        object.add("problems", strings(report.problems));
+        mReports.add(object);
+    }
+
+    public void write(Path file) throws IOException {
+        Gson gson = new GsonBuilder().setPrettyPrinting().disableHtmlEscaping().create();
+        Files.writeString(file, gson.toJson(mReports) + "\n");
+    }
+
+    private static JsonArray strings(List<String> texts) {
+        JsonArray array = new JsonArray();
+        texts.forEach(array::add);
+        return array;
+    }
+
+    private static JsonArray parameters(List<Parameter> parameters) {
+        JsonArray array = new JsonArray();
+        for (Parameter parameter : parameters) {
+            JsonObject object = new JsonObject();
+            object.addProperty("section", parameter.section());
+            object.addProperty("key", parameter.key());
+            object.addProperty("hex", HexFormat.of().formatHex(parameter.bytes()));
+            array.add(object);
+        }
+        return array;
+    }
+
+    private static JsonArray put(List<Map<String, Object>> compositions) {
+        JsonArray array = new JsonArray();
+        for (Map<String, Object> composition : compositions) {
+            JsonObject object = new JsonObject();
+            composition.forEach((key, value) -> object.add(key, ValueFormatter.json(value)));
+            array.add(object);
+        }
+        return array;
+    }
+
+    private static JsonArray outputs(List<ImageState> outputs) {
+        JsonArray array = new JsonArray();
+        for (ImageState output : outputs) {
+            JsonObject object = new JsonObject();
+            output.fields().forEach(object::addProperty);
+            array.add(object);
+        }
+        return array;
+    }
+}

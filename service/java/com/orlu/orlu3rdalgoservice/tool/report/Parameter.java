@@ -1,0 +1,5 @@
+package com.orlu.orlu3rdalgoservice.tool.report;
+
+/** One value that was handed to the algorithm library, in its bytes. */
+record Parameter(String section, String key, byte[] bytes) {
+}

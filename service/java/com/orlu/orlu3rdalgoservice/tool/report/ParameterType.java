@@ -1,0 +1,42 @@
+package com.orlu.orlu3rdalgoservice.tool.report;
+
+/** How a parameter's bytes are to be read. */
+enum ParameterType {
+    INT("int"),
+    INTS("int[]"),
+    LONG("long"),
+    UNSIGNED_LONG("unsigned long"),
+    LONGS("long[]"),
+    FLOAT("float"),
+    FLOATS("float[]"),
+    DOUBLES("double[]"),
+    /** Words of 64 bits, each a flag. */
+    BITS("bits"),
+    BOOL("bool"),
+    TEXT("text"),
+    /** A time in milliseconds: an int, or a float where the low-light raw step hands it over. */
+    MILLISECONDS("milliseconds"),
+    /** An int count, then bytes that are not used. */
+    COUNT("count"),
+    /** Left, top, right, bottom. */
+    RECT("rect"),
+    /** Left, top, width, height. */
+    CROP("crop"),
+    /** The sensor's crop: left, right, top, bottom and a flag. */
+    SENSOR_CROP("sensor crop"),
+    FACES("faces"),
+    EXIF("exif"),
+    REFOCUS_PACK("refocus pack"),
+    PHASE_DETECTION("phase detection"),
+    BYTES("bytes");
+
+    private final String mText;
+
+    ParameterType(String text) {
+        mText = text;
+    }
+
+    String text() {
+        return mText;
+    }
+}

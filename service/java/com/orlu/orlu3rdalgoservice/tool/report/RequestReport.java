@@ -1,0 +1,56 @@
+package com.orlu.orlu3rdalgoservice.tool.report;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/** All that happened to one request. Filled in by RequestRunner, read by the printers. */
+public final class RequestReport {
+    public final RequestFile request;
+    public final Stopwatch stopwatch = new Stopwatch();
+    /** The images as they were handed in, with their sizes. */
+    public final List<ImagePlan> inputs = new ArrayList<>();
+    /** Descriptions of the outputs before and after. */
+    public final List<ImageState> outputsBefore = new ArrayList<>();
+    public final List<ImageState> outputsAfter = new ArrayList<>();
+    /** For each composition, the keys that the native side put or changed. */
+    public final List<Map<String, Object>> put = new ArrayList<>();
+    /** What was reported to Java while the request ran. */
+    public List<Map<String, Object>> callbacks = List.of();
+    /** What the algorithm library traced; null when it doesn't. */
+    public Trace trace;
+    /** Lines on the images that were written. */
+    public final List<String> images = new ArrayList<>();
+    /** Lines on how much noise went. */
+    public final List<String> noise = new ArrayList<>();
+    /** What went wrong, for people. Empty when the request went through. */
+    public final List<String> problems = new ArrayList<>();
+
+    public RequestReport(RequestFile request) {
+        this.request = request;
+    }
+
+    /** The algorithm list that the request asks for, empty when it has none. */
+    List<String> askedAlgorithms() {
+        List<FramePlan> frames = request.frames().frames();
+        Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
+        return list instanceof String[] names ? List.of(names) : List.of();
+    }
+
+    /** The frame that the algorithms took as base, by the timestamp that they answer; else the first. */
+    int baseFrame() {
+        Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
+        List<FramePlan> frames = request.frames().frames();
+        for (int i = 0; timestamp != null && i < frames.size(); ++i) {
+            if (timestamp.equals(frames.get(i).captureResult().get("android.sensor.timestamp"))) {
+                return i;
+            }
+        }
+        return 0;
+    }
+}

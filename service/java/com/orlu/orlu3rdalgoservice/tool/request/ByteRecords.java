@@ -1,0 +1,97 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+import java.nio.charset.StandardCharsets;
+import java.util.HexFormat;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * Builds the bytes of a binary record: a hex text, one packed run of values ({"int32": [...]}), or an object
+ * of a size with parts at offsets ({"size": 2080, "parts": [{"at": 2076, "int32": [3]}]}). Little-endian, as
+ * the phone is.
+ */
+final class ByteRecords {
+    private static final int LARGEST = 1 << 20;
+    private static final List<String> PACKINGS =
+            List.of("hex", "text", "int8", "int16", "int32", "int64", "float", "double");
+
+    private ByteRecords() {
+    }
+
+    static byte[] read(JsonField field) throws RequestFileException {
+        if (field.isString()) {
+            return hex(field);
+        }
+        if (!field.isObject()) {
+            throw field.needs("bytes: a hex text or an object such as {\"int32\": [1, 2]}");
+        }
+        return field.anyMembers().containsKey("size") ? sized(field) : packed(field, field.anyMembers());
+    }
+
+    private static byte[] sized(JsonField field) throws RequestFileException {
+        JsonMembers members = field.members("size", "parts");
+        byte[] record = new byte[members.require("size").integer(0, LARGEST)];
+        if (members.has("parts")) {
+            for (JsonField part : members.get("parts").list()) {
+                place(record, part);
+            }
+        }
+        return record;
+    }
+
+    private static void place(byte[] record, JsonField part) throws RequestFileException {
+        Map<String, JsonField> members = part.anyMembers();
+        JsonField at = members.remove("at");
+        if (at == null) {
+            throw part.error("needs the field at, the offset in the record");
+        }
+        int offset = at.integer(0, record.length);
+        byte[] bytes = packed(part, members);
+        if (bytes.length > record.length - offset) {
+            throw part.error(
+                    bytes.length + " bytes at " + offset + " reach past the record's " + record.length);
+        }
+        System.arraycopy(bytes, 0, record, offset, bytes.length);
+    }
+
+    private static byte[] packed(JsonField field, Map<String, JsonField> members)
+            throws RequestFileException {
+        if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
+            throw field.error("needs exactly one of " + String.join(", ", PACKINGS));
+        }
+        String packing = members.keySet().iterator().next();
+        JsonField values = members.get(packing);
+        return switch (packing) {
+            case "hex" -> hex(values);
+            case "text" -> values.string().getBytes(StandardCharsets.UTF_8);
+            default -> numbers(packing, values.isNumber() ? List.of(values) : values.list());
+        };
+    }
+
+    private static byte[] numbers(String packing, List<JsonField> values) throws RequestFileException {
+        ByteBuffer buffer = ByteBuffer.allocate(values.size() * Double.BYTES).order(ByteOrder.LITTLE_ENDIAN);
+        for (JsonField value : values) {
+            switch (packing) {
+                case "int8" -> buffer.put((byte) value.integer(Byte.MIN_VALUE, 255));
+                case "int16" -> buffer.putShort((short) value.integer(Short.MIN_VALUE, 65535));
+                case "int32" -> buffer.putInt(value.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
+                case "int64" -> buffer.putLong(value.integer(Long.MIN_VALUE, Long.MAX_VALUE));
+                case "float" -> buffer.putFloat(value.number().floatValue());
+                default -> buffer.putDouble(value.number().doubleValue());
+            }
+        }
+        byte[] bytes = new byte[buffer.position()];
+        buffer.flip().get(bytes);
+        return bytes;
+    }
+
+    private static byte[] hex(JsonField field) throws RequestFileException {
+        try {
+            return HexFormat.of().parseHex(field.string().replace(" ", ""));
+        } catch (IllegalArgumentException e) {
+            throw field.needs("pairs of hex digits");
+        }
+    }
+}

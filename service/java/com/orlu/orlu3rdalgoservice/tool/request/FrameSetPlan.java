@@ -1,0 +1,30 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import java.util.List;
+
+/**
+ * The frames of a request and what they have in common.
+ *
+ * @param frames   one for each capture result
+ * @param maxShift the largest shift drawn, in pixels to each side
+ * @param seed     of noise and shifts; the same seed makes the same frames everywhere
+ * @param width    of the frames, 0 for the photo's less the room for the shifts
+ * @param height   likewise
+ */
+public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
+    /** Whether the pixels differ from the photo's, so that there is something to measure. */
+    public boolean hasNoise() {
+        return frames.stream().anyMatch(frame -> frame.noise() > 0);
+    }
+
+    /** Pixels around a frame that shifts may reach, even so that a mosaic keeps its phase. */
+    public int margin() {
+        int reach = maxShift;
+        for (FramePlan frame : frames) {
+            if (frame.shift() != null) {
+                reach = Math.max(reach, Math.max(Math.abs(frame.shift()[0]), Math.abs(frame.shift()[1])));
+            }
+        }
+        return (reach + 1) / 2 * 2;
+    }
+}

@@ -1,0 +1,75 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import java.util.Arrays;
+import java.util.stream.Collectors;
+
+/** The layouts of pixels that the tool can write and read, under the names that the native side knows. */
+public enum PixelFormat {
+    NV21,
+    NV12,
+    YU12,
+    YV12,
+    MIPI_RAW10,
+    RAW16,
+    RAW_SENSOR,
+    R8G8B8A8,
+    JPEG;
+
+    /** The format of this name, null when there is none. */
+    public static PixelFormat named(String name) {
+        return Arrays.stream(values()).filter(format -> format.name().equals(name)).findFirst().orElse(null);
+    }
+
+    static String names() {
+        return Arrays.stream(values()).map(Enum::name).collect(Collectors.joining(", "));
+    }
+
+    public boolean isRaw() {
+        return this == MIPI_RAW10 || this == RAW16 || this == RAW_SENSOR;
+    }
+
+    public boolean isYuv() {
+        return this == NV21 || this == NV12 || isPlanar();
+    }
+
+    /** Whether the chroma lies in two planes of its own. */
+    boolean isPlanar() {
+        return this == YU12 || this == YV12;
+    }
+
+    /** Bytes of a row without padding. A JPEG has no rows; it is told by its width. */
+    int tightStride(int width) {
+        return switch (this) {
+            case MIPI_RAW10 -> (width + 3) / 4 * 5;
+            case RAW16, RAW_SENSOR -> width * 2;
+            case R8G8B8A8 -> width * 4;
+            default -> width;
+        };
+    }
+
+    /** Strides of the planes that the native side reads. */
+    public int[] strides(int stride) {
+        return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
+    }
+
+    /** Bytes of each plane; a JPEG's is the room that it may fill. */
+    public int[] planeSizes(int stride, int height, int capacity) {
+        if (this == JPEG) {
+            return new int[] {capacity};
+        }
+        return isYuv() ? new int[] {stride * height, stride * height / 2} : new int[] {stride * height};
+    }
+
+    /**
+     * The number that the platform has for this format, as the service is told it when it releases a client.
+     */
+    int platformCode() {
+        return switch (this) {
+            case MIPI_RAW10 -> 37;
+            case RAW16, RAW_SENSOR -> 32;
+            case R8G8B8A8 -> 1;
+            case JPEG -> 256;
+            default -> 35;
+        };
+    }
+}

@@ -1,0 +1,27 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import java.nio.file.Path;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * A request file, read and checked.
+ *
+ * @param file             where it lies
+ * @param about            one line for people
+ * @param id               the request's id
+ * @param type             the request's type
+ * @param clientId         of the client that it runs on
+ * @param algoContextIndex of the client that it runs on
+ * @param imageFormat      that the client is released with
+ * @param properties       system properties to be set before
+ * @param fullAsync        whether processing returns before the algorithms are done
+ * @param photo            that the frames are made of, null when no input needs one
+ * @param frames           the capture results and how their pixels are made
+ * @param inputs           the images in, without size where they take the frames'
+ * @param outputs          the images out, likewise
+ */
+public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
+        int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
+        List<ImagePlan> inputs, List<ImagePlan> outputs) {
+}

@@ -1,0 +1,175 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import android.graphics.Rect;
+import android.hardware.camera2.params.Face;
+import android.hardware.camera2.params.MeteringRectangle;
+import android.location.Location;
+import android.util.Rational;
+
+import java.math.BigDecimal;
+import java.util.Collections;
+import java.util.List;
+
+/**
+ * Reads JSON values as the Java types that metadata is made of. A number may be a counter over the frames
+ * ({"first": 100, "step": 33}), a list of numbers may be a run of one value ({"fill": 1.0, "count": 884}).
+ */
+final class ValueReader {
+    private static final int LARGEST_RUN = 1 << 16;
+    private static final int SURE_FACE = 100;
+
+    private final int mFrame;
+
+    /** A reader for the values of one frame, which counters count from 0. */
+    ValueReader(int frame) {
+        mFrame = frame;
+    }
+
+    int integer(JsonField field) throws RequestFileException {
+        return Math.toIntExact(whole(field, Integer.MIN_VALUE, Integer.MAX_VALUE));
+    }
+
+    long longInteger(JsonField field) throws RequestFileException {
+        return whole(field, Long.MIN_VALUE, Long.MAX_VALUE);
+    }
+
+    private long whole(JsonField field, long least, long most) throws RequestFileException {
+        if (!field.isObject()) {
+            return field.integer(least, most);
+        }
+        JsonMembers counter = field.members("first", "step");
+        BigDecimal value = BigDecimal.valueOf(counter.require("first").integer(least, most)).add(
+                BigDecimal.valueOf(counter.require("step").integer(least, most)).multiply(frame()));
+        if (value.compareTo(BigDecimal.valueOf(least)) < 0 || value.compareTo(BigDecimal.valueOf(most)) > 0) {
+            throw field.error("frame " + mFrame + " counts to " + value + ", out of range");
+        }
+        return value.longValueExact();
+    }
+
+    private BigDecimal frame() {
+        return BigDecimal.valueOf(mFrame);
+    }
+
+    double number(JsonField field) throws RequestFileException {
+        if (!field.isObject()) {
+            return field.number().doubleValue();
+        }
+        JsonMembers counter = field.members("first", "step");
+        return counter.require("first").number().add(
+                counter.require("step").number().multiply(frame())).doubleValue();
+    }
+
+    int[] integers(JsonField field) throws RequestFileException {
+        List<JsonField> elements = elements(field);
+        int[] values = new int[elements.size()];
+        for (int i = 0; i < values.length; ++i) {
+            values[i] = elements.get(i).integer(Integer.MIN_VALUE, Integer.MAX_VALUE);
+        }
+        return values;
+    }
+
+    long[] longs(JsonField field) throws RequestFileException {
+        List<JsonField> elements = elements(field);
+        long[] values = new long[elements.size()];
+        for (int i = 0; i < values.length; ++i) {
+            values[i] = elements.get(i).integer(Long.MIN_VALUE, Long.MAX_VALUE);
+        }
+        return values;
+    }
+
+    double[] doubles(JsonField field) throws RequestFileException {
+        List<JsonField> elements = elements(field);
+        double[] values = new double[elements.size()];
+        for (int i = 0; i < values.length; ++i) {
+            values[i] = elements.get(i).number().doubleValue();
+        }
+        return values;
+    }
+
+    float[] floats(JsonField field) throws RequestFileException {
+        double[] wide = doubles(field);
+        float[] values = new float[wide.length];
+        for (int i = 0; i < values.length; ++i) {
+            values[i] = (float) wide[i];
+        }
+        return values;
+    }
+
+    private List<JsonField> elements(JsonField field) throws RequestFileException {
+        if (!field.isObject()) {
+            return field.list();
+        }
+        JsonMembers run = field.members("fill", "count");
+        return Collections.nCopies(run.require("count").integer(0, LARGEST_RUN), run.require("fill"));
+    }
+
+    String[] strings(JsonField field) throws RequestFileException {
+        return field.strings().toArray(new String[0]);
+    }
+
+    Rect rect(JsonField field) throws RequestFileException {
+        if (field.isList()) {
+            List<JsonField> edges = field.list(4);
+            return new Rect(integer(edges.get(0)), integer(edges.get(1)), integer(edges.get(2)),
+                    integer(edges.get(3)));
+        }
+        return rect(field.members("left", "top", "right", "bottom"));
+    }
+
+    private Rect rect(JsonMembers members) throws RequestFileException {
+        return new Rect(integer(members.require("left")), integer(members.require("top")),
+                integer(members.require("right")), integer(members.require("bottom")));
+    }
+
+    Face[] faces(JsonField field) throws RequestFileException {
+        List<JsonField> elements = field.list();
+        Face[] faces = new Face[elements.size()];
+        for (int i = 0; i < faces.length; ++i) {
+            faces[i] = face(elements.get(i));
+        }
+        return faces;
+    }
+
+    private Face face(JsonField field) throws RequestFileException {
+        if (field.isList()) {
+            return new Face(rect(field), SURE_FACE);
+        }
+        JsonMembers members = field.members("left", "top", "right", "bottom", "score");
+        return new Face(rect(members), members.integer("score", 1, 100, SURE_FACE));
+    }
+
+    MeteringRectangle[] meteringRectangles(JsonField field) throws RequestFileException {
+        List<JsonField> elements = field.list();
+        MeteringRectangle[] regions = new MeteringRectangle[elements.size()];
+        for (int i = 0; i < regions.length; ++i) {
+            regions[i] = meteringRectangle(elements.get(i));
+        }
+        return regions;
+    }
+
+    private MeteringRectangle meteringRectangle(JsonField field) throws RequestFileException {
+        JsonMembers members = field.members("left", "top", "right", "bottom", "weight");
+        return new MeteringRectangle(rect(members), members.integer("weight", 0, 1000, 1000));
+    }
+
+    Location location(JsonField field) throws RequestFileException {
+        JsonMembers members = field.members("provider", "latitude", "longitude", "altitude", "time");
+        Location location = new Location(members.string("provider", "gps"));
+        location.setLatitude(members.require("latitude").number(-90, 90));
+        location.setLongitude(members.require("longitude").number(-180, 180));
+        if (members.has("altitude")) {
+            location.setAltitude(members.get("altitude").number().doubleValue());
+        }
+        location.setTime(members.integer("time", 0, Long.MAX_VALUE, 0L));
+        return location;
+    }
+
+    Rational rational(JsonField field) throws RequestFileException {
+        if (field.isList()) {
+            List<JsonField> parts = field.list(2);
+            return new Rational(integer(parts.get(0)), integer(parts.get(1)));
+        }
+        JsonMembers members = field.members("numerator", "denominator");
+        return new Rational(integer(members.require("numerator")), integer(members.require("denominator")));
+    }
+}
