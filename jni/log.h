@@ -22,16 +22,20 @@ inline bool isDebugLogOn() {
 }  // namespace orlu
 
 // The empty string at the end gives the variadic part one argument at least, which C++17 wants.
-#define ORLU_LOG_LINE(priority, format, ...)                                                              \
-  __android_log_print(priority, kLogTag, "%s:%d %s() " format "%s", ::orlu::kLogFile, __LINE__, __func__, \
+#define ORLU_LOG_LINE(priority, operation, format, ...)                                                    \
+  __android_log_print(priority, kLogTag, "%s:%d %s() " format "%s", ::orlu::kLogFile, __LINE__, operation, \
                       __VA_ARGS__)
 #define ORLU_LOG_BARE(priority, tag, format, ...) __android_log_print(priority, tag, format "%s", __VA_ARGS__)
 
-#define LOGE(...) ORLU_LOG_LINE(ANDROID_LOG_ERROR, __VA_ARGS__, "")
-#define LOGD(...)                                                                  \
-  do {                                                                             \
-    if (::orlu::isDebugLogOn()) ORLU_LOG_LINE(ANDROID_LOG_DEBUG, __VA_ARGS__, ""); \
+// For a helper, which is never shown: the line names the operation that it works for.
+#define LOGE_AS(operation, ...) ORLU_LOG_LINE(ANDROID_LOG_ERROR, operation, __VA_ARGS__, "")
+#define LOGD_AS(operation, ...)                                                               \
+  do {                                                                                        \
+    if (::orlu::isDebugLogOn()) ORLU_LOG_LINE(ANDROID_LOG_DEBUG, operation, __VA_ARGS__, ""); \
   } while (0)
+
+#define LOGE(...) LOGE_AS(__func__, __VA_ARGS__)
+#define LOGD(...) LOGD_AS(__func__, __VA_ARGS__)
 
 // The few lines that carry a shorter tag and no prefix; not gated.
 #define LOGE_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_ERROR, tag, __VA_ARGS__, "")

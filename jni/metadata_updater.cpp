@@ -47,11 +47,6 @@ int roleBit(const CameraType& type, int32_t satRole) {
   return isType(type, "Wide") || (isSat && satRole == kSatRoleWide) ? 2 : 0;
 }
 
-jobject elementOrNull(const std::vector<jobject>& objects, int index) {
-  return index >= 0 && static_cast<size_t>(index) < objects.size() ? objects[static_cast<size_t>(index)]
-                                                                   : nullptr;
-}
-
 }  // namespace
 
 const std::map<float, SATCameraRoleType>& satCameraRoles() {
@@ -77,16 +72,17 @@ MetadataUpdater::MetadataUpdater(AlgoNativeClient* client, std::vector<std::stri
       mCaptureResultNum(static_cast<int>(request.captureResults().size())),
       mCaptureResults(&request.captureResults()),
       mCaptureResultCompositions(&request.captureResultCompositions()),
-      mFirstFrame(frameAt(0)) {}
+      mTags(*parser, FrameList(*mCaptureResults, *mCaptureResultCompositions)),
+      mParameters(client->context(), metadata) {}
 
 MetadataUpdater::~MetadataUpdater() = default;
 
 int MetadataUpdater::setValue(const char* section, const char* key, void* value, unsigned size) {
-  return mClient->context().setValue(mMetadata, section, key, value, size);
+  return mParameters.setBytes(section, key, value, size);
 }
 
 int MetadataUpdater::getValue(const char* section, const char* key, void* value, unsigned size) {
-  return mClient->context().getValue(mMetadata, section, key, value, size);
+  return mParameters.getBytes(section, key, value, size);
 }
 
 int MetadataUpdater::paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor) {
@@ -109,14 +105,9 @@ int MetadataUpdater::getImageFormat() {
   return firstInput() == nullptr ? kFormatUnknown : firstInput()->format;
 }
 
-MetadataUpdater::Frame MetadataUpdater::frameAt(int index) const {
-  return {elementOrNull(*mCaptureResults, index), elementOrNull(*mCaptureResultCompositions, index)};
-}
-
-MetadataUpdater::Frame MetadataUpdater::masterFrameAt(int index) const {
+Frame MetadataUpdater::masterFrameAt(int index) const {
   const int last = masterFrameNum() - 1;
-  const int bounded = index > last ? last : index;
-  return {elementOrNull(mMasterCaptureResults, bounded), elementOrNull(mMasterCompositions, bounded)};
+  return FrameList(mMasterCaptureResults, mMasterCompositions).at(index > last ? last : index);
 }
 
 void MetadataUpdater::updateMetadata() {

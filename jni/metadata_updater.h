@@ -17,6 +17,8 @@
 #include "algo_interface.h"
 #include "algo_native_client.h"
 #include "camera_metadata_parser.h"
+#include "parameter_channel.h"
+#include "shot_tags.h"
 #include "vrequest.h"
 
 namespace orlu {
@@ -64,19 +66,12 @@ public:
   int getImageFormat();
 
 private:
-  // Where a step reads from: a capture result and the composition that overrides it. Either may be null.
-  struct Frame {
-    jobject captureResult;
-    jobject composition;
-  };
-
-  Frame firstFrame() const { return mFirstFrame; }
-  Frame frameAt(int index) const;  // nothing past the frames: every tag is missing there
-  Frame lastFrame() const { return frameAt(mCaptureResultNum - 1); }
+  Frame firstFrame() const { return mTags.frames().first(); }
+  Frame frameAt(int index) const { return mTags.frames().at(index); }
+  Frame lastFrame() const { return mTags.frames().last(); }
   // The composition alone, for the rows that don't ask the capture result.
-  Frame firstCompositionOnly() const { return {nullptr, firstFrame().composition}; }
-  // The capture result alone.
-  Frame firstCaptureResultOnly() const { return {firstFrame().captureResult, nullptr}; }
+  Frame firstCompositionOnly() const { return firstFrame().compositionOnly(); }
+  Frame firstCaptureResultOnly() const { return firstFrame().captureResultOnly(); }
   // Past the master frames: the last of them. Nothing when there is none.
   Frame masterFrameAt(int index) const;
   int masterFrameNum() const { return static_cast<int>(mMasterCaptureResults.size()); }
@@ -222,14 +217,14 @@ private:
   int32_t normalExposureTime(const Aec& aec) const;
 
   // metadata_updater_regions.cpp
-  struct MeteringRegion;
+  struct Metering;
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
   // Converts all faces in place and drops those outside the image. At most kMaxFaces of them.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
   void updateZoom();
-  void convertMetering(__tagOrluRect& region, const MeteringRegion& metering);
+  void convertMetering(__tagOrluRect& region, const Metering& metering);
   __tagOrluRect mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image,
                            const char* unscaled);
   __tagOrluRect readMetering(int32_t& weight, const char* tag);
@@ -262,7 +257,8 @@ private:
   int mCaptureResultNum;
   const std::vector<jobject>* mCaptureResults;
   const std::vector<jobject>* mCaptureResultCompositions;
-  Frame mFirstFrame;
+  ShotTags mTags;
+  ParameterChannel mParameters;
   std::vector<jobject> mMasterCaptureResults;
   std::vector<jobject> mMasterCompositions;
   int32_t mIsRawnrCapture = 0;

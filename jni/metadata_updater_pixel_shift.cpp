@@ -55,7 +55,7 @@ void MetadataUpdater::updatePixelShift() {
 }
 
 // The frame that the camera chose as base; past the list the last one.
-MetadataUpdater::Frame MetadataUpdater::baseFrame() const {
+Frame MetadataUpdater::baseFrame() const {
   return frameAt(std::min(std::max(mBasicFrameIndex, 0), mCaptureResultNum - 1));
 }
 

@@ -8,7 +8,7 @@
 namespace orlu {
 
 // One of the two metering regions and its texts.
-struct MetadataUpdater::MeteringRegion {
+struct MetadataUpdater::Metering {
   const char* step;
   const char* tag;
   const char* label;
@@ -163,7 +163,7 @@ void MetadataUpdater::setVAFAeRegion(__tagOrluRect& region) {
                            "shotAERegion call from app set ratio to 1.0"});
 }
 
-void MetadataUpdater::convertMetering(__tagOrluRect& region, const MeteringRegion& metering) {
+void MetadataUpdater::convertMetering(__tagOrluRect& region, const Metering& metering) {
   const AlgoFrameInfo* const input = firstInput();
   if (input == nullptr) {
     LOGE("%s failed, image size 0", metering.step);

@@ -16,31 +16,6 @@
 
 namespace orlu {
 
-template <size_t N>
-using Ints = std::array<int32_t, N>;
-template <size_t N>
-using Longs = std::array<int64_t, N>;
-template <size_t N>
-using Floats = std::array<float, N>;
-template <size_t N>
-using Doubles = std::array<double, N>;
-
-// A string of at most N - 1 bytes, always terminated.
-template <size_t N>
-struct Text {
-  char data[N] = {};
-};
-// A string of at most N bytes, without a terminating zero when it fills them.
-template <size_t N>
-struct Chars {
-  char data[N] = {};
-};
-// Raw bytes of a tag that is a byte array.
-template <size_t N>
-struct Bytes {
-  uint8_t data[N] = {};
-};
-
 // The exposure control that the camera attaches to each frame, by element.
 enum AecElement : size_t {
   kAecLuxIndex = 0,
@@ -78,64 +53,10 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 // Float to integer as the ARM instruction converts: saturating, NaN to 0.
 int32_t toInt(float value);
 
-// One getter of the parser for each type of value.
-namespace row {
-
-using P = CameraMetadataParser;
-
-inline int get(P& p, int32_t& v, const char* tag, jobject r, jobject c) {
-  return p.getInt(v, tag, r, c);
-}
-inline int get(P& p, int64_t& v, const char* tag, jobject r, jobject c) {
-  return p.getLong(v, tag, r, c);
-}
-inline int get(P& p, float& v, const char* tag, jobject r, jobject c) {
-  return p.getFloat(v, tag, r, c);
-}
-inline int get(P& p, __tagOrluRect& v, const char* tag, jobject r, jobject c) {
-  return p.getRectInfo(v, tag, r, c);
-}
-inline int get(P& p, SCR_Type& v, const char* tag, jobject r, jobject c) {
-  return p.getRectInfo_ex(v, tag, r, c);
-}
-inline int get(P& p, GpsLocation& v, const char* tag, jobject r, jobject c) {
-  return p.getGpsLocation(v, tag, r, c);
-}
-template <size_t N>
-int get(P& p, Ints<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getIntArray(v.data(), static_cast<int>(N), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Longs<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getLongArray(v.data(), static_cast<int>(N), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Floats<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getFloatArray(v.data(), static_cast<int>(N), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Doubles<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getDoubleArray(v.data(), static_cast<int>(N), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Text<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getString(v.data, static_cast<int>(N - 1), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Chars<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getString(v.data, static_cast<int>(N), tag, r, c);
-}
-template <size_t N>
-int get(P& p, Bytes<N>& v, const char* tag, jobject r, jobject c) {
-  return p.getArrayBytes(reinterpret_cast<char*>(v.data), static_cast<int>(N), tag, r, c);
-}
-
-}  // namespace row
-
 // Reads a tag from a frame into `value`, which stays as it is when the tag is absent. 0, or -1 when it is.
 template <typename T>
 int MetadataUpdater::read(T& value, const char* tag, const Frame& frame) {
-  return row::get(*mParser, value, tag, frame.captureResult, frame.composition);
+  return mTags.read(frame, tag, value);
 }
 
 // The same from the first frame.
@@ -154,16 +75,13 @@ T MetadataUpdater::readOr(T initial, const char* tag, const Frame& frame) {
 // Writes all bytes of `value`.
 template <typename T>
 void MetadataUpdater::write(const char* section, const char* key, const T& value) {
-  static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
-  // The channel copies the bytes and changes none, though its pointer would let it.
-  setValue(section, key, const_cast<T*>(&value), sizeof value);
+  mParameters.set<T>(section, key, value);
 }
 
 // Reads a parameter back; `initial` when it is not set.
 template <typename T>
 T MetadataUpdater::readBack(const char* section, const char* key, T initial) {
-  getValue(section, key, &initial, sizeof initial);
-  return initial;
+  return mParameters.get<T>(section, key, initial);
 }
 
 // Row: a tag of a frame becomes a parameter, zero when it is absent. Answers the value.

@@ -1,0 +1,52 @@
+// The typed way into a request's parameter set: values of trivially copyable types under a section and a key.
+// A value's width is a contract with the algorithm library, so set() takes it from the named type alone:
+//
+//   channel.set<int32_t>(kControl, "film_size", 1);
+//   const auto scores = channel.get<std::array<double, 50>>(kParameter, "frame_clarity_score");
+#pragma once
+
+#include <type_traits>
+
+#include "algo_native_context.h"
+
+namespace orlu {
+
+class ParameterChannel {
+public:
+  // Borrows both. `block` may be null: nothing is stored then, and every value read is its initial one.
+  ParameterChannel(AlgoNativeContext& context, void* block) : mContext(&context), mBlock(block) {}
+
+  void* block() const { return mBlock; }
+
+  // The value, or `initial` where the block holds none or the status is not 0. A shorter one that the library
+  // stores replaces the first bytes of `initial`.
+  template <typename T>
+  T get(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
+    static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
+    getBytes(section, key, &initial, sizeof initial);
+    return initial;
+  }
+
+  // Stores sizeof(T) bytes. T is named by the caller and never deduced.
+  template <typename T>
+  int set(const char* section, const char* key, const std::common_type_t<T>& value) const {
+    static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
+    return setBytes(section, key, &value, sizeof value);
+  }
+
+  // Any number of bytes. These return the context's status: 0, the library's own, or -1 when the operation
+  // could not be called.
+  int getBytes(const char* section, const char* key, void* data, unsigned size) const {
+    return mContext->getValue(mBlock, section, key, data, size);
+  }
+  int setBytes(const char* section, const char* key, const void* data, unsigned size) const {
+    // The library copies the bytes and changes none, though its pointer would let it.
+    return mContext->setValue(mBlock, section, key, const_cast<void*>(data), size);
+  }
+
+private:
+  AlgoNativeContext* mContext;
+  void* mBlock;
+};
+
+}  // namespace orlu

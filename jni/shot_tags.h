@@ -1,0 +1,199 @@
+// Reading a shot's frames: a tag of a type, from one frame. The type says which getter of the parser is used.
+#pragma once
+
+#include <jni.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+#include "camera_metadata_parser.h"
+#include "metadata_records.h"
+
+namespace orlu {
+
+template <size_t N>
+using Ints = std::array<int32_t, N>;
+template <size_t N>
+using Longs = std::array<int64_t, N>;
+template <size_t N>
+using Floats = std::array<float, N>;
+template <size_t N>
+using Doubles = std::array<double, N>;
+
+// A string of at most N - 1 bytes, always terminated.
+template <size_t N>
+struct Text {
+  char data[N] = {};
+};
+// A string of at most N bytes, without a terminating zero when it fills them.
+template <size_t N>
+struct Chars {
+  char data[N] = {};
+};
+// Raw bytes of a tag that is a byte array.
+template <size_t N>
+struct Bytes {
+  uint8_t data[N] = {};
+};
+// The same, at most `size` bytes of a caller's memory.
+struct ByteBuffer {
+  void* data;
+  int size;
+};
+
+// Faces of a tag that has four ints for each, left, top, right and bottom.
+struct IntFaces {
+  _tagOrluFaceInfo faces;
+};
+
+// The first rectangle of a tag that is a list of metering rectangles.
+struct MeteringRegion {
+  __tagOrluRect rect;
+  int32_t weight = 0;
+};
+
+// Where a tag is read from: a capture result and the composition that overrides it key by key. Either may be
+// null; both are borrowed.
+struct Frame {
+  jobject captureResult = nullptr;
+  jobject composition = nullptr;
+
+  Frame captureResultOnly() const { return {captureResult, nullptr}; }
+  Frame compositionOnly() const { return {nullptr, composition}; }
+};
+
+// Capture results and their compositions, in the order of the frames. Borrows both lists.
+class FrameList {
+public:
+  FrameList(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions)
+      : mCaptureResults(&captureResults), mCompositions(&compositions) {}
+
+  // The number of capture results.
+  int size() const { return static_cast<int>(mCaptureResults->size()); }
+  // An index outside the list gives an empty frame, where every tag is missing.
+  Frame at(int index) const { return {element(*mCaptureResults, index), element(*mCompositions, index)}; }
+  Frame first() const { return at(0); }
+  Frame last() const { return at(size() - 1); }
+
+private:
+  static jobject element(const std::vector<jobject>& objects, int index) {
+    const auto position = static_cast<size_t>(index);
+    return index >= 0 && position < objects.size() ? objects[position] : nullptr;
+  }
+
+  const std::vector<jobject>* mCaptureResults;
+  const std::vector<jobject>* mCompositions;
+};
+
+// One getter of the parser for each type of value.
+namespace getter {
+
+using P = CameraMetadataParser;
+
+inline int get(P& p, int32_t& v, const char* tag, const Frame& f) {
+  return p.getInt(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, int64_t& v, const char* tag, const Frame& f) {
+  return p.getLong(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, float& v, const char* tag, const Frame& f) {
+  return p.getFloat(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, __tagOrluRect& v, const char* tag, const Frame& f) {
+  return p.getRectInfo(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, SCR_Type& v, const char* tag, const Frame& f) {
+  return p.getRectInfo_ex(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, GpsLocation& v, const char* tag, const Frame& f) {
+  return p.getGpsLocation(v, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, _tagOrluFaceInfo& v, const char* tag, const Frame& f) {
+  return p.getFaceInfo(v, kMaxFaces, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, IntFaces& v, const char* tag, const Frame& f) {
+  return p.getIntFaceArray(v.faces, kMaxFaces, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, MeteringRegion& v, const char* tag, const Frame& f) {
+  return p.getMeteringRectangle(v.rect, v.weight, tag, f.captureResult, f.composition);
+}
+inline int get(P& p, ByteBuffer& v, const char* tag, const Frame& f) {
+  return p.getArrayBytes(static_cast<char*>(v.data), v.size, tag, f.captureResult, f.composition);
+}
+// As many as the vector has.
+inline int get(P& p, std::vector<double>& v, const char* tag, const Frame& f) {
+  return p.getDoubleArray(v.data(), static_cast<int>(v.size()), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Ints<N>& v, const char* tag, const Frame& f) {
+  return p.getIntArray(v.data(), static_cast<int>(N), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Longs<N>& v, const char* tag, const Frame& f) {
+  return p.getLongArray(v.data(), static_cast<int>(N), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Floats<N>& v, const char* tag, const Frame& f) {
+  return p.getFloatArray(v.data(), static_cast<int>(N), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Text<N>& v, const char* tag, const Frame& f) {
+  return p.getString(v.data, static_cast<int>(N - 1), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Chars<N>& v, const char* tag, const Frame& f) {
+  return p.getString(v.data, static_cast<int>(N), tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, Bytes<N>& v, const char* tag, const Frame& f) {
+  return p.getArrayBytes(reinterpret_cast<char*>(v.data), static_cast<int>(N), tag, f.captureResult,
+                         f.composition);
+}
+
+}  // namespace getter
+
+// The frames of one shot and the parser that reads them. Without a frame in the call, the first one is meant.
+class ShotTags {
+public:
+  // Borrows all of it.
+  ShotTags(CameraMetadataParser& parser, const FrameList& frames) : mParser(&parser), mFrames(frames) {}
+
+  const FrameList& frames() const { return mFrames; }
+
+  // Reads a tag into `value`, which stays as it is where the frame lacks the tag. Returns 0, or -1 then.
+  template <typename T>
+  int read(const Frame& frame, const char* tag, T& value) const {
+    return getter::get(*mParser, value, tag, frame);
+  }
+  template <typename T>
+  int read(const char* tag, T& value) const {
+    return read(mFrames.first(), tag, value);
+  }
+
+  // The tag's value, or `initial` where the frame lacks it. Arrays and records keep the part of `initial`
+  // that the tag is too short for.
+  template <typename T>
+  T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
+    read(frame, tag, initial);
+    return initial;
+  }
+  template <typename T>
+  T readOr(const char* tag, std::common_type_t<T> initial = T()) const {
+    return readOr<T>(mFrames.first(), tag, initial);
+  }
+
+  // While the returned object lives, reading `tag` from one frame after the other makes its Java key once.
+  // The text must live as long.
+  CameraMetadataParser::RepeatedTag repeated(const char* tag) const {
+    return CameraMetadataParser::RepeatedTag(*mParser, tag);
+  }
+
+private:
+  CameraMetadataParser* mParser;
+  FrameList mFrames;
+};
+
+}  // namespace orlu
