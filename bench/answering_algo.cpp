@@ -15,8 +15,20 @@ int gToken = 0;
 std::atomic<ProcessHandler> gHandler{nullptr};
 thread_local uint64_t gLastNativeRequest = 0;
 
-constexpr char kName[] = {'s', 'h', 'o', 't', 'C', 'b'};
-constexpr int32_t kNameLength = sizeof kName;
+// A callback's data without a payload.
+struct ShotMessage {
+  static constexpr size_t kNameLength = sizeof kShotCallback - 1;
+
+  explicit ShotMessage(uint64_t nativeReq) {
+    CallbackHeader header = {};
+    header.nativeReq = nativeReq;
+    header.nameLength = kNameLength;
+    std::memcpy(bytes, &header, kCallbackNameOffset);
+    std::memcpy(bytes + kCallbackNameOffset, kShotCallback, kNameLength);
+  }
+
+  uint8_t bytes[kCallbackNameOffset + kNameLength];
+};
 
 int process(const AlgoProcessRecord& record) {
   gLastNativeRequest = record.nativeReq;
@@ -46,12 +58,9 @@ void setProcessHandler(ProcessHandler handler) {
 }
 
 void callBack(uint64_t cookie, uint64_t nativeReq) {
-  uint8_t bytes[20 + kNameLength] = {};
-  std::memcpy(&bytes[8], &nativeReq, sizeof nativeReq);
-  std::memcpy(&bytes[16], &kNameLength, sizeof kNameLength);
-  std::memcpy(&bytes[20], kName, sizeof kName);
+  ShotMessage message(nativeReq);
   hidl_vec<uint8_t> data;
-  data.setToExternal(bytes, sizeof bytes);
+  data.setToExternal(message.bytes, sizeof message.bytes);
   (*reinterpret_cast<const AlgoResultCallback*>(cookie))(data, hidl_vec<uint8_t>(), hidl_vec<hidl_handle>());
 }
 

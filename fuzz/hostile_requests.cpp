@@ -147,11 +147,11 @@ private:
   void callBack() {
     std::vector<uint8_t> bytes(mRandom() % 90);
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(mRandom());
-    const std::string name = chance(mRandom, 50) ? "shotCb" : "lightStreamCb";
+    const std::string name = chance(mRandom, 50) ? kShotCallback : kLightStreamCallback;
     if (bytes.size() > 40) {
       const uint32_t length = chance(mRandom, 80) ? static_cast<uint32_t>(name.size()) : hostileWord(mRandom);
-      std::memcpy(&bytes[16], &length, sizeof length);
-      std::memcpy(&bytes[20], name.data(), name.size());
+      std::memcpy(&bytes[offsetof(CallbackHeader, nameLength)], &length, sizeof length);
+      std::memcpy(&bytes[kCallbackNameOffset], name.data(), name.size());
     }
     native_handle_t handle = {};
     handle.numFds = chance(mRandom, 50) ? 0 : -1;

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <string>
 
+#include "algo_interface.h"
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
-#include "parameter_sections.h"
 #include "soak_watch.h"
 
 namespace orlu::fuzz {

@@ -1,6 +1,5 @@
 #include "algo_native_client.h"
 
-#include <cstddef>
 #include <cstring>
 #include <string>
 
@@ -23,32 +22,6 @@ constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 
 // Local references that one callback into Java makes: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
-
-// How the data of a callback begins; the name follows, not zero-terminated, and then the payload.
-struct CallbackHeader {
-  uint8_t reserved[8];
-  uint64_t nativeReq;
-  int32_t nameLength;
-};
-constexpr size_t kNameOffset = offsetof(CallbackHeader, nameLength) + sizeof(int32_t);
-static_assert(offsetof(CallbackHeader, nativeReq) == 8);
-static_assert(offsetof(CallbackHeader, nameLength) == 16);
-static_assert(kNameOffset == 20);
-
-// How the payload of a light-stream callback begins.
-struct LightStreamEvent {
-  uint8_t reserved[8];
-  int64_t reqId;
-  int64_t eventType;
-  int32_t cropRegion[4];  // left, top, width, height
-  float zoomRatio;
-  uint8_t reserved44[4];
-};
-static_assert(sizeof(LightStreamEvent) == 48);
-static_assert(offsetof(LightStreamEvent, reqId) == 8);
-static_assert(offsetof(LightStreamEvent, eventType) == 16);
-static_assert(offsetof(LightStreamEvent, cropRegion) == 24);
-static_assert(offsetof(LightStreamEvent, zoomRatio) == 40);
 
 // The first integer of the first handle; false when there is no such handle.
 bool firstHandleWord(const hidl_vec<hidl_handle>& handles, int32_t& word) {
@@ -100,18 +73,18 @@ void AlgoNativeClient::onPostProcessData(const hidl_vec<uint8_t>& data, const hi
                                          const hidl_vec<hidl_handle>& handles) {
   const size_t size = data.size();
   LOGD("on callback %d %d", static_cast<int>(size), static_cast<int>(handles.size()));
-  if (size <= kNameOffset || data.data() == nullptr) return;
+  if (size <= kCallbackNameOffset || data.data() == nullptr) return;
 
   CallbackHeader header;
-  std::memcpy(&header, data.data(), kNameOffset);
-  const size_t room = size - kNameOffset;
+  std::memcpy(&header, data.data(), kCallbackNameOffset);
+  const size_t room = size - kCallbackNameOffset;
   if (header.nameLength < 1 || static_cast<size_t>(header.nameLength) > room) return;
   const auto nameLength = static_cast<size_t>(header.nameLength);
-  const std::string name(reinterpret_cast<const char*>(data.data()) + kNameOffset, nameLength);
-  if (name == "lightStreamCb") {
-    onPostProcessDataLightStream(data.data() + kNameOffset + nameLength, static_cast<int>(room - nameLength),
-                                 handles);
-  } else if (name == "shotCb") {
+  const std::string name(reinterpret_cast<const char*>(data.data()) + kCallbackNameOffset, nameLength);
+  if (name == kLightStreamCallback) {
+    onPostProcessDataLightStream(data.data() + kCallbackNameOffset + nameLength,
+                                 static_cast<int>(room - nameLength), handles);
+  } else if (name == kShotCallback) {
     onPostProcessDataCommonShot(header.nativeReq);
   }
 }

@@ -10,18 +10,8 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-AlgoNativeContext";
 
-// The interface version that the algorithm library checks.
-constexpr int32_t kInterfaceVersion = 202001;
-
 // A client is uninitialised for each of these, in this order.
 constexpr ALGO_REQUEST_TYPE kUninitTypes[] = {kRequestPreview, kRequestCapture, kRequestType3, kRequestType5};
-
-// Sent with its terminating zero.
-constexpr char kNotifyKill[] = "notify:kill";
-static_assert(sizeof kNotifyKill == 12);
-
-// How many bytes an answer to getData() has.
-constexpr unsigned kQueryResultSize = 10240;
 
 }  // namespace
 
@@ -30,7 +20,7 @@ AlgoNativeContext::AlgoNativeContext() {
   if (!AlgoNativeProvider::getInstance()->initAlgoInterface(&mCallbacks)) LOGE("init algo interface failed");
   if (mCallbacks.createClient) {
     AlgoCreateClientRecord record;
-    record.interfaceVersion = kInterfaceVersion;
+    record.interfaceVersion = kAlgoTableVersion;
     mClient = mCallbacks.createClient(record);
   } else {
     LOGE("create client failed");
@@ -154,7 +144,7 @@ std::vector<uint8_t> AlgoNativeContext::getData(const std::string& cmd) {
   mCallbacks.getData(record);
 
   std::vector<uint8_t> result(kQueryResultSize);
-  getValue(record.block, "orlu.algo.feedback", "query_result", result.data(), kQueryResultSize);
+  getValue(record.block, kFeedback, kQueryResult, result.data(), kQueryResultSize);
   destroyMetadata(record.block);
   return result;
 }

@@ -1,20 +1,9 @@
-// Image-format codes of the algorithm interface and their names.
+// Names and kinds of the image-format codes.
 #pragma once
 
 #include "algo_interface.h"
 
 namespace orlu {
-
-enum AlgoImageFormat : int32_t {
-  kFormatUnknown = 0,
-  kFormatNv21 = 1,
-  kFormatNv12 = 2,
-  kFormatMipiRaw10 = 6,
-  kFormatMipiRaw12 = 7,
-  kFormatRaw16 = 18,
-  kFormatJpeg = 24,
-  kFormatRgba8888 = 25,
-};
 
 // The code's name, static text; "undefineFromat" for a code without one.
 const char* formatToStr(int format);

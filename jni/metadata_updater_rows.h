@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "algo_interface.h"
 #include "algo_list.h"
 #include "metadata_updater.h"
-#include "parameter_sections.h"
 
 namespace orlu {
 

@@ -55,5 +55,5 @@ ORLU_NATIVE(jint, processImageUpdateResult)
 }
 
 ORLU_NATIVE(jint, getVersion)(JNIEnv*, jobject) {
-  return RequestProcessor::kInterfaceVersion;
+  return RequestProcessor::kServiceInterfaceVersion;
 }

@@ -13,7 +13,6 @@
 
 #include "jni_support.h"
 #include "log.h"
-#include "parameter_sections.h"
 
 namespace orlu {
 namespace {

@@ -20,8 +20,8 @@ namespace orlu {
 
 class RequestProcessor {
 public:
-  // The version of this interface, which the Java side checks.
-  static constexpr int kInterfaceVersion = 6;
+  // What getVersion returns, which the Java side checks.
+  static constexpr int kServiceInterfaceVersion = 6;
 
   // A new client's handle; destroy() frees it. Reads "algoContextIndex" and "clientId".
   static int64_t create(JNIEnv* env, jobject param);

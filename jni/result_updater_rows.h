@@ -3,8 +3,8 @@
 
 #include <type_traits>
 
+#include "algo_interface.h"
 #include "algo_list.h"
-#include "parameter_sections.h"
 #include "result_updater.h"
 
 namespace orlu {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "parameter_sections.h"
+#include "algo_interface.h"
 
 namespace orlu::fuzz {
 

@@ -7,7 +7,6 @@
 #include "exif_block.h"
 #include "jpeg_encode.h"
 #include "metadata_records.h"
-#include "parameter_names.h"
 #include "picture_transform.h"
 
 namespace orlu::standin {
@@ -213,7 +212,7 @@ void AlgorithmChain::leaveRefocus() {
   parameters.write(kFeedback, "refocus_jpeg_width", size[0]);
   parameters.write(kFeedback, "refocus_jpeg_height", size[1]);
   parameters.set(kFeedback, "decoded_jpeg_size", size, sizeof size);
-  if (view.format == kJpeg)
+  if (view.format == kFormatJpeg)
     parameters.write(kFeedback, "encoded_jpeg_size", static_cast<int32_t>(view.planes[0].rowBytes()));
 }
 

@@ -118,8 +118,8 @@ Shift searchAround(const Luma& base, const Luma& other, Shift start, int range) 
 Luma lumaOf(const ImageView& image) {
   if (image.isOpaque() || image.planes.empty()) return {};
   const Plane& plane = image.planes[0];
-  if (image.format == kRaw16) return lumaOfRaw(plane);
-  return image.format == kRgba ? lumaOfRgba(plane) : lumaOfBytes(plane);
+  if (image.format == kFormatRaw16) return lumaOfRaw(plane);
+  return image.format == kFormatRgba8888 ? lumaOfRgba(plane) : lumaOfBytes(plane);
 }
 
 LumaPyramid::LumaPyramid(Luma finest) {

@@ -12,10 +12,11 @@ void append(std::vector<uint8_t>& message, const void* bytes, size_t size) {
 
 std::vector<uint8_t> callbackMessage(uint64_t nativeReq, const std::string& name, const void* payload,
                                      size_t payloadSize) {
-  std::vector<uint8_t> message(8);
-  const auto length = static_cast<int32_t>(name.size());
-  append(message, &nativeReq, sizeof nativeReq);
-  append(message, &length, sizeof length);
+  CallbackHeader header = {};
+  header.nativeReq = nativeReq;
+  header.nameLength = static_cast<int32_t>(name.size());
+  std::vector<uint8_t> message;
+  append(message, &header, kCallbackNameOffset);
   append(message, name.data(), name.size());
   append(message, payload, payloadSize);
   return message;

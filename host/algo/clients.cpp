@@ -1,14 +1,9 @@
 #include "clients.h"
 
 namespace orlu::standin {
-namespace {
-
-constexpr int32_t kInterfaceVersion = 202001;
-
-}  // namespace
 
 void* Clients::create(const AlgoCreateClientRecord& record) {
-  if (record.interfaceVersion != kInterfaceVersion) return nullptr;
+  if (record.interfaceVersion != kAlgoTableVersion) return nullptr;
   std::lock_guard lock(mMutex);
   const uintptr_t handle = mNext++;
   mLive.insert(handle);

@@ -11,7 +11,7 @@ namespace orlu::standin {
 
 class Clients {
 public:
-  // A new client's handle; null when the record asks for an interface version other than 202001.
+  // A new client's handle; null when the record asks for an interface version other than kAlgoTableVersion.
   void* create(const AlgoCreateClientRecord& record);
   // False when the handle is not live.
   bool destroy(void* client);

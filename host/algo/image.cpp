@@ -87,8 +87,8 @@ bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageVi
   if (view.isOpaque()) return layOutOpaque(info, memory, capacity, view);
   if (!isSaneShape(info.width, info.height)) return false;
   if (view.isYuv()) return layOutYuv(info, memory, capacity, view);
-  return view.format == kRaw16 ? layOutRaw16(info, memory, capacity, view)
-                               : layOutRgba(info, memory, capacity, view);
+  return view.format == kFormatRaw16 ? layOutRaw16(info, memory, capacity, view)
+                                     : layOutRgba(info, memory, capacity, view);
 }
 
 bool copyPixels(const ImageView& from, const ImageView& to) {
@@ -112,8 +112,8 @@ Picture::Picture(int format, int width, int height, size_t opaqueBytes) {
   const size_t chroma = 2 * static_cast<size_t>((width + 1) / 2) * static_cast<size_t>((height + 1) / 2);
   size_t bytes = opaqueBytes;
   if (mView.isYuv()) bytes = pixels + chroma;
-  if (format == kRaw16) bytes = 2 * pixels;
-  if (format == kRgba) bytes = 4 * pixels;
+  if (format == kFormatRaw16) bytes = 2 * pixels;
+  if (format == kFormatRgba8888) bytes = 4 * pixels;
   mBytes.resize(bytes);
   if (!layOut(info, mBytes.data(), bytes, mView)) mBytes.clear();
 }

@@ -9,8 +9,6 @@
 
 namespace orlu::standin {
 
-enum ImageFormat : int32_t { kNv21 = 1, kNv12 = 2, kRaw16 = 18, kJpeg = 24, kRgba = 25 };
-
 // One plane: rows of `columns` pixels, each of `channels` samples of `sampleBytes` bytes.
 struct Plane {
   uint8_t* data = nullptr;  // borrowed; that of an input frame may only be read
@@ -33,8 +31,8 @@ struct ImageView {
   int height = 0;
   std::vector<Plane> planes;
 
-  bool isYuv() const { return format == kNv21 || format == kNv12; }
-  bool isOpaque() const { return !isYuv() && format != kRaw16 && format != kRgba; }
+  bool isYuv() const { return format == kFormatNv21 || format == kFormatNv12; }
+  bool isOpaque() const { return !isYuv() && format != kFormatRaw16 && format != kFormatRgba8888; }
   bool sameShape(const ImageView& other) const {
     return format == other.format && width == other.width && height == other.height;
   }

@@ -31,8 +31,8 @@ struct EncoderPlanes {
 
 void splitChroma(const ImageView& image, EncoderPlanes& out) {
   const Plane& chroma = image.planes[1];
-  std::vector<uint8_t>& first = image.format == kNv21 ? out.cr : out.cb;
-  std::vector<uint8_t>& second = image.format == kNv21 ? out.cb : out.cr;
+  std::vector<uint8_t>& first = image.format == kFormatNv21 ? out.cr : out.cb;
+  std::vector<uint8_t>& second = image.format == kFormatNv21 ? out.cb : out.cr;
   for (int y = 0; y < chroma.rows; ++y) {
     const uint8_t* pair = chroma.row(y);
     for (int x = 0; x < chroma.columns; ++x, pair += 2) {
@@ -110,8 +110,8 @@ std::vector<uint8_t> unchanged(const ImageView& image, size_t room) {
 }  // namespace
 
 std::vector<uint8_t> encodeJpeg(const ImageView& image, const std::vector<uint8_t>& exif, size_t room) {
-  if (image.format == kJpeg) return unchanged(image, room);
-  if (!image.isYuv() && image.format != kRgba) return {};
+  if (image.format == kFormatJpeg) return unchanged(image, room);
+  if (!image.isYuv() && image.format != kFormatRgba8888) return {};
   const Encoder encoder(tjInitCompress(), tjDestroy);
   if (!encoder) return {};
   EncoderPlanes planes;

@@ -68,7 +68,7 @@ std::vector<Shift> shiftsOf(const std::vector<ImageView>& frames, const std::vec
                             size_t base) {
   std::vector<Shift> shifts(frames.size());
   const LumaPyramid basePyramid(lumaOf(frames[base]));
-  const int scale = frames[base].format == kRaw16 ? 2 : 1;
+  const int scale = frames[base].format == kFormatRaw16 ? 2 : 1;
   for (size_t i = 0; i < frames.size(); ++i) {
     if (!kept[i] || i == base) continue;
     const Shift found = estimateShift(basePyramid, LumaPyramid(lumaOf(frames[i])));

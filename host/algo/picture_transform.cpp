@@ -59,7 +59,7 @@ void mirrorRow(uint8_t* row, size_t rowBytes, size_t unit) {
 bool mirrorLeftRight(const ImageView& image) {
   if (image.isOpaque()) return false;
   for (const Plane& plane : image.planes) {
-    const size_t unit = plane.pixelBytes() * (image.format == kRaw16 ? 2 : 1);
+    const size_t unit = plane.pixelBytes() * (image.format == kFormatRaw16 ? 2 : 1);
     for (int y = 0; y < plane.rows; ++y) mirrorRow(plane.row(y), plane.rowBytes(), unit);
   }
   return true;

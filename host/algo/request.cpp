@@ -6,6 +6,11 @@
 #include "callback_message.h"
 
 namespace orlu::standin {
+namespace {
+
+constexpr int64_t kEventType = 1;  // of every light-stream event
+
+}  // namespace
 
 Request::Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScript> script,
                  std::shared_ptr<ParameterSet> parameters)
@@ -25,15 +30,17 @@ bool Request::asksFor(const char* algorithm) const {
 }
 
 void Request::callBack() const {
-  sendCallback(mCookie, callbackMessage(mNativeReq, "shotCb", nullptr, 0), {});
+  sendCallback(mCookie, callbackMessage(mNativeReq, kShotCallback, nullptr, 0), {});
 }
 
 void Request::sendLightStreamEvent() const {
   if (!asksFor("lightstream")) return;
   LightStreamEvent event;
-  event.reqId = mReqId;
+  event.reqId = static_cast<int64_t>(mReqId);
+  event.eventType = kEventType;
+  event.zoomRatio = 1.0F;
   frameSize(event.cropRegion[2], event.cropRegion[3]);
-  sendCallback(mCookie, callbackMessage(mNativeReq, "lightStreamCb", &event, sizeof event), {});
+  sendCallback(mCookie, callbackMessage(mNativeReq, kLightStreamCallback, &event, sizeof event), {});
 }
 
 void Request::releaseImages() {

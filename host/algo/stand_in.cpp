@@ -4,8 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "parameter_names.h"
-
 namespace orlu::standin {
 namespace {
 
@@ -13,7 +11,6 @@ constexpr std::chrono::seconds kFlushLimit{2};
 constexpr int32_t kUninitForGood = 0;  // the client is about to be destroyed
 constexpr char kVersion[] = "orlu algorithm stand-in 1";
 constexpr char kParamFileCommand[] = "paramfile ";
-constexpr char kNotifyKill[] = "notify:kill";
 
 AlgoCall callOf(const char* operation, void* block = nullptr) {
   AlgoCall call;
@@ -113,7 +110,7 @@ int StandIn::getData(const AlgoGetDataRecord& record) {
     const auto set = mBlocks.find(record.block);
     if (!set) return -1;
     const std::string text = answer(record.cmd);
-    return set->set(kFeedback, "query_result", text.data(), text.size());
+    return set->set(kFeedback, kQueryResult, text.data(), text.size());
   });
 }
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "java_thread.h"
-#include "parameter_names.h"
 
 namespace orlu::standin {
 namespace {
