@@ -16,16 +16,3 @@ AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwar
   if (field == nullptr) return nullptr;
   return reinterpret_cast<AHardwareBuffer*>(static_cast<uintptr_t>(env->GetLongField(hardwareBuffer, field)));
 }
-
-jobject AHardwareBuffer_toHardwareBuffer(JNIEnv* env, AHardwareBuffer* hardwareBuffer) {
-  if (hardwareBuffer == nullptr) return nullptr;
-  jclass clazz = env->FindClass(kClass);
-  const jmethodID constructor = clazz == nullptr ? nullptr : env->GetMethodID(clazz, "<init>", "(J)V");
-  if (constructor == nullptr) return nullptr;
-  AHardwareBuffer_acquire(hardwareBuffer);
-  const auto address = static_cast<jlong>(reinterpret_cast<uintptr_t>(hardwareBuffer));
-  jobject object = env->NewObject(clazz, constructor, address);
-  env->DeleteLocalRef(clazz);
-  if (env->ExceptionCheck()) AHardwareBuffer_release(hardwareBuffer);
-  return object;
-}

@@ -99,7 +99,3 @@ void __android_log_stderr_logger(const struct __android_log_message* log_message
 int32_t __android_log_set_minimum_priority(int32_t priority) {
   return gMinimumPriority.exchange(priority);
 }
-
-int32_t __android_log_get_minimum_priority(void) {
-  return gMinimumPriority;
-}

@@ -5,17 +5,6 @@
 
 #include "java_object.h"
 
-extern "C" JNIEXPORT jstring JNICALL Java_android_os_SystemProperties_nGet(JNIEnv* env, jclass, jstring key,
-                                                                           jstring fallback) {
-  const char* keyChars = env->GetStringUTFChars(key, nullptr);
-  const char* fallbackChars = env->GetStringUTFChars(fallback, nullptr);
-  char value[PROPERTY_VALUE_MAX];
-  property_get(keyChars, value, fallbackChars);
-  env->ReleaseStringUTFChars(key, keyChars);
-  env->ReleaseStringUTFChars(fallback, fallbackChars);
-  return env->NewStringUTF(value);
-}
-
 extern "C" JNIEXPORT void JNICALL Java_android_os_SystemProperties_nSet(JNIEnv* env, jclass, jstring key,
                                                                         jstring value) {
   const char* keyChars = env->GetStringUTFChars(key, nullptr);

@@ -11,8 +11,6 @@ extern "C" {
 // The buffer behind the Java object, borrowed: the object keeps it alive. Null for null, for a closed
 // object and for an object of another class.
 AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwareBuffer);
-// A new Java object that holds a reference of its own.
-jobject AHardwareBuffer_toHardwareBuffer(JNIEnv* env, AHardwareBuffer* hardwareBuffer);
 
 #ifdef __cplusplus
 }

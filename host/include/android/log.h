@@ -46,7 +46,6 @@ void __android_log_stderr_logger(const struct __android_log_message* log_message
 // as ANDROID_LOG_TAGS in the environment says ("*:E"), else at ANDROID_LOG_DEFAULT, which drops nothing. A
 // tag that the variable names ("TAG:D *:S") keeps to its own.
 int32_t __android_log_set_minimum_priority(int32_t priority);
-int32_t __android_log_get_minimum_priority(void);
 
 #ifdef __cplusplus
 }

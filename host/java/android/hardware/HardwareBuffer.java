@@ -22,7 +22,7 @@ public final class HardwareBuffer implements AutoCloseable {
     // 0 when closed.
     private long mNativeObject;
 
-    // Also called by native code. Takes the reference over.
+    // Takes the reference over.
     private HardwareBuffer(long nativeObject) {
         mNativeObject = nativeObject;
     }
@@ -53,10 +53,6 @@ public final class HardwareBuffer implements AutoCloseable {
 
     public int getFormat() {
         return describe()[2];
-    }
-
-    public boolean isClosed() {
-        return mNativeObject == 0;
     }
 
     /** Maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. Only the host has this. */
@@ -90,7 +86,7 @@ public final class HardwareBuffer implements AutoCloseable {
     }
 
     private void checkOpen() {
-        if (isClosed()) {
+        if (mNativeObject == 0) {
             throw new IllegalStateException("This HardwareBuffer has been closed");
         }
     }

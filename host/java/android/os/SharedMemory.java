@@ -36,11 +36,6 @@ public final class SharedMemory implements AutoCloseable {
         return mSize;
     }
 
-    /** The descriptor, which stays this object's. */
-    public int getFd() {
-        return mFd;
-    }
-
     /** Maps the whole file; {@link #unmap} ends the mapping, which outlives {@link #close}. */
     public ByteBuffer mapReadWrite() throws ErrnoException {
         return map(true);
