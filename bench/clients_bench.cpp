@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "benches.h"
+#include "jvm.h"
 #include "kinds.h"
 #include "measured.h"
-#include "vm.h"
 
 namespace orlu::bench {
 namespace {
@@ -25,7 +25,7 @@ private:
 };
 
 void client(const ShotPlan& plan, StartLine& line, int warmUp, int requests, Seconds& latency) {
-  const AttachedThread attached;
+  const test::AttachedThread attached;
   Shot shot(plan);
   RequestRunner runner(shot);
   for (int i = 0; i < warmUp; ++i) runner.run();

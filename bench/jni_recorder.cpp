@@ -145,7 +145,7 @@ struct RecorderFunctions {
     static inline const char* name = nullptr;
 
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
-      return made([&] { return (gRecorder->mOriginal->*Member)(env, arguments...); },
+      return made([&] { return (gRecorder->mFunctions.original().*Member)(env, arguments...); },
                   [&](JniRecorder& recorder, auto result) { note(recorder, result, arguments...); });
     }
 
@@ -251,7 +251,7 @@ struct RecorderFunctions {
       RecordedCall recorded = {};
       if (!gRecorder->mIsInside) noteArguments(*gRecorder, recorded, target, method, copy);
       va_end(copy);
-      return made([&] { return (gRecorder->mOriginal->*Member)(env, target, method, list); },
+      return made([&] { return (gRecorder->mFunctions.original().*Member)(env, target, method, list); },
                   [&](JniRecorder& recorder, auto result) {
                     if constexpr (!std::is_void_v<Result>) noteResult(recorder, recorded, result, true);
                     add(recorder, name, recorded);
@@ -328,24 +328,22 @@ struct RecorderFunctions {
   };
 };
 
-JniRecorder::JniRecorder(JNIEnv* env, JniRecording& recording)
-    : mEnv(env), mOriginal(env->functions), mTable(*env->functions), mRecording(recording) {
+JniRecorder::JniRecorder(JNIEnv* env, JniRecording& recording) : mFunctions(env), mRecording(recording) {
   gRecorder = this;
+  JNINativeInterface_& table = mFunctions.table();
 #define X(function)                                                            \
   RecorderFunctions::Plain<& JNINativeInterface_::function>::name = #function; \
-  mTable.function = RecorderFunctions::Plain<&JNINativeInterface_::function>::call;
+  table.function = RecorderFunctions::Plain<&JNINativeInterface_::function>::call;
   ORLU_JNI_PLAIN
 #undef X
 #define X(function)                                                             \
   RecorderFunctions::Method<& JNINativeInterface_::function>::name = #function; \
-  mTable.function = RecorderFunctions::Method<&JNINativeInterface_::function>::call;
+  table.function = RecorderFunctions::Method<&JNINativeInterface_::function>::call;
   ORLU_JNI_METHODS
 #undef X
-  env->functions = &mTable;
 }
 
 JniRecorder::~JniRecorder() {
-  mEnv->functions = mOriginal;
   gRecorder = nullptr;
 }
 

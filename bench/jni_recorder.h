@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "jni_recording.h"
+#include "scoped_jni_functions.h"
 
 namespace orlu::bench {
 
@@ -28,9 +29,7 @@ private:
   void madeReference();
   void freedReference();
 
-  JNIEnv* mEnv;
-  const JNINativeInterface_* mOriginal;
-  JNINativeInterface_ mTable;
+  test::ScopedJniFunctions mFunctions;
   JniRecording& mRecording;
   std::unordered_map<const void*, uint32_t> mSlots;  // of what is alive
   std::vector<int> mFrames;                          // references alive when each local frame began

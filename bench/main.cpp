@@ -6,9 +6,10 @@
 #include <cstring>
 
 #include "benches.h"
+#include "jvm.h"
 #include "kinds.h"
+#include "log_capture.h"
 #include "request_runner.h"
-#include "vm.h"
 
 namespace {
 
@@ -32,6 +33,14 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
   return size;
 }
 
+// The heap has one size from the beginning and is touched, so that what grows in this process is not the
+// heap.
+bool startVm() {
+  return orlu::test::startJvm(
+      {"orlu-service", "orlu-host-framework", "/usr/share/java/gson.jar"},
+      {"-Xms256m", "-Xmx256m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC", "-XX:-UsePerfData"});
+}
+
 // Until the VM has compiled what every request runs.
 void warmUp(const orlu::bench::BenchSize& size) {
   orlu::bench::Shot shot(orlu::bench::kinds()[1].plan);
@@ -45,7 +54,7 @@ int main(int argc, char** argv) {
   const orlu::bench::BenchSize size = readSize(argc, argv);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  if (!orlu::bench::startVm()) return 2;
+  if (!startVm()) return 2;
   orlu::bench::silenceLog();
   orlu::bench::registerRequestBenches(size);
   orlu::bench::registerWakeupBenches(size);

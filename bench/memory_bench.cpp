@@ -1,27 +1,17 @@
 // Whether a process that lives long grows: its resident size at every tenth of many requests, synchronous and
 // full-async in turn.
 
-#include <unistd.h>
-
-#include <fstream>
 #include <memory>
 
 #include "benches.h"
 #include "kinds.h"
 #include "measured.h"
+#include "process_figures.h"
 
 namespace orlu::bench {
 namespace {
 
 constexpr int kTenths = 10;
-
-double residentKilobytes() {
-  std::ifstream file("/proc/self/statm");
-  int64_t size = 0;
-  int64_t resident = 0;
-  file >> size >> resident;
-  return static_cast<double>(resident * sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 struct Pair {
   explicit Pair(ShotPlan plan)
@@ -38,7 +28,7 @@ void memoryBench(benchmark::State& state, int tenth) {
   static std::unique_ptr<Pair> pair;
   if (tenth == 1) pair = std::make_unique<Pair>(kinds()[0].plan);
   for (auto _ : state) state.SetIterationTime((pair->first.run() + pair->second.run()).count());
-  state.counters["resident_kb"] = residentKilobytes();
+  state.counters["resident_kb"] = static_cast<double>(test::residentBytes()) / 1024;
   if (tenth == kTenths) pair.reset();
 }
 

@@ -7,7 +7,6 @@
 #include "jni_recorder.h"
 #include "log.h"
 #include "request_processor.h"
-#include "vm.h"
 
 namespace orlu::bench {
 namespace {

@@ -1,7 +1,5 @@
 #include "shot.h"
 
-#include "vm.h"
-
 namespace orlu::bench {
 namespace {
 

@@ -5,9 +5,9 @@
 #include "algo_native_request_map.h"
 #include "answering_algo.h"
 #include "benches.h"
+#include "jvm.h"
 #include "kinds.h"
 #include "measured.h"
-#include "vm.h"
 #include "worker.h"
 
 namespace orlu::bench {

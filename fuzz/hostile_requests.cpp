@@ -4,7 +4,6 @@
 // After each of them nothing may be left behind: no exception, no parameter block, no map entry, no
 // descriptor, no global reference, no word of the VM about a JNI call.
 
-#include <android/log.h>
 #include <unistd.h>
 
 #include <cinttypes>
@@ -21,6 +20,7 @@
 #include "java_request.h"
 #include "jni_table.h"
 #include "jvm.h"
+#include "log_capture.h"
 #include "request_processor.h"
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/common_interface_defs.h>
@@ -235,8 +235,8 @@ int main(int argc, char** argv) {
     if (std::strcmp(argv[i], "--seed") == 0) seed = std::strtoull(argv[i + 1], nullptr, 10);
     if (std::strcmp(argv[i], "--count") == 0) count = std::strtoull(argv[i + 1], nullptr, 10);
   }
-  if (!orlu::test::startJvm()) return 2;
-  __android_log_set_logger([](const __android_log_message*) {});
+  if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
+  orlu::test::silenceLog();
   orlu::fuzz::watchForDeath();
   const int result = orlu::fuzz::sendAll(seed, count);
   return orlu::test::jvmIsQuiet() ? result : 3;

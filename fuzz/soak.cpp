@@ -2,16 +2,16 @@
 // full-async, aborted, skipped and timed-out ones are mixed. At the end nothing may be left, and memory must
 // stand still.
 
-#include <android/log.h>
-#include <dlfcn.h>
 #include <orlu/camera3rd_log.h>
 
 #include <cstdlib>
 #include <functional>
 
+#include "algo.h"
 #include "callback_data.h"
 #include "fixtures.h"
 #include "jvm.h"
+#include "log_capture.h"
 #include "request_processor.h"
 #include "soak_watch.h"
 
@@ -21,14 +21,6 @@ namespace {
 constexpr int kClients = 4;
 constexpr int kTimeouts = 2;
 constexpr int64_t kFrameFlag = 77;
-
-// Not through test::Algo, which records every call: a long run has no room for that.
-void setStandInScript(const standin::AlgoScript& script) {
-  void* const library = dlopen("liborlu.vac.interface.so", RTLD_NOW);
-  void* const function = library == nullptr ? nullptr : dlsym(library, "AlgoStandInSetScript");
-  if (function == nullptr) std::abort();
-  reinterpret_cast<standin::SetScriptFunction>(function)(&script);
-}
 
 jobject kept(jobject local) {
   jobject global = test::env()->NewGlobalRef(local);
@@ -111,15 +103,13 @@ using ClientWork = std::function<void(SoakClient&)>;
 
 std::thread startClient(const Arguments& arguments, const ClientWork& work) {
   return std::thread([&arguments, work] {
-    JNIEnv* env = nullptr;
-    test::javaVm()->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr);
-    env->PushLocalFrame(64);
+    const test::AttachedThread attached;
+    test::env()->PushLocalFrame(64);
     {
-      SoakClient client(env, arguments);
+      SoakClient client(test::env(), arguments);
       work(client);
     }
-    env->PopLocalFrame(nullptr);
-    test::javaVm()->DetachCurrentThread();
+    test::env()->PopLocalFrame(nullptr);
   });
 }
 
@@ -146,7 +136,7 @@ void runClients(SoakWatch& watch, const std::vector<Arguments>& arguments, bool 
   std::vector<std::thread> threads;
   if (withTimeouts) {
     script.notOffered = {"process"};
-    setStandInScript(script);
+    test::setScript(&script);
     const uint64_t request = nextRequestId() + 1;
     threads.push_back(
         startClient(arguments[kClients], [request](SoakClient& client) { timeOut(client, request); }));
@@ -154,7 +144,8 @@ void runClients(SoakWatch& watch, const std::vector<Arguments>& arguments, bool 
     while (entriesBetween(request, request + 1) == 0) std::this_thread::yield();
   }
   script.notOffered.clear();
-  setStandInScript(script);
+  // Not through test::Algo, which records every call: a long run has no memory for that.
+  test::setScript(&script);
   for (size_t i = 0; i < kClients; ++i)
     threads.push_back(startClient(arguments[i], [&watch](SoakClient& c) { sendAll(c, watch); }));
   if (withTimeouts) watch.watch();
@@ -198,8 +189,8 @@ int soak(uint64_t requests) {
 }  // namespace orlu::fuzz
 
 int main(int argc, char** argv) {
-  if (!orlu::test::startJvm()) return 2;
-  __android_log_set_logger([](const __android_log_message*) {});
+  if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
+  orlu::test::silenceLog();
   const int result = orlu::fuzz::soak(orlu::fuzz::requestsAskedFor(argc, argv));
   // A callback thread that kept its local references would have been complained of.
   return orlu::test::jvmIsQuiet() ? result : 3;

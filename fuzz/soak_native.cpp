@@ -1,14 +1,13 @@
 // The same mix as the soak without a Java VM, for ThreadSanitizer: --requests N. Clients come and go
 // meanwhile.
 
-#include <android/log.h>
-
 #include <cstdlib>
 #include <string>
 
 #include "algo_interface.h"
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
+#include "log_capture.h"
 #include "soak_watch.h"
 
 namespace orlu::fuzz {
@@ -103,6 +102,6 @@ int soak(uint64_t requests) {
 }  // namespace orlu::fuzz
 
 int main(int argc, char** argv) {
-  __android_log_set_logger([](const __android_log_message*) {});
+  orlu::test::silenceLog();
   return orlu::fuzz::soak(orlu::fuzz::requestsAskedFor(argc, argv));
 }

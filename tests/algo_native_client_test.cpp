@@ -17,6 +17,7 @@
 #include "fixtures.h"
 #include "jni_table.h"
 #include "log_capture.h"
+#include "scoped_jni_functions.h"
 
 namespace orlu {
 namespace {
@@ -95,16 +96,14 @@ TEST_F(AlgoNativeClientJvmTest, AnnouncesAFullAsyncRequest) {
 
 // Stands before the static calls that the main thread makes, during its life.
 struct StaticCallHook {
-  explicit StaticCallHook(std::function<void(va_list)> onCall)
-      : original(env()->functions), table(*original) {
+  explicit StaticCallHook(std::function<void(va_list)> onCall) : functions(env()) {
     hook = std::move(onCall);
-    table.CallStaticVoidMethodV = [](JNIEnv*, jclass, jmethodID, va_list arguments) { hook(arguments); };
-    env()->functions = &table;
+    functions.table().CallStaticVoidMethodV = [](JNIEnv*, jclass, jmethodID, va_list arguments) {
+      hook(arguments);
+    };
   }
-  ~StaticCallHook() { env()->functions = original; }
 
-  const JNINativeInterface_* original;
-  JNINativeInterface_ table;
+  test::ScopedJniFunctions functions;
   static inline std::function<void(va_list)> hook;
 };
 

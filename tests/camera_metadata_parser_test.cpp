@@ -10,6 +10,7 @@
 #include "error_lines.h"
 #include "fixtures.h"
 #include "jni_table.h"
+#include "paths.h"
 
 namespace orlu {
 namespace {
@@ -30,7 +31,7 @@ struct Entry {
 
 std::vector<Entry> readEntries() {
   std::vector<Entry> entries;
-  std::ifstream in(ORLU_TEST_GOLDEN_PATH "parser/lookups.txt");
+  std::ifstream in(test::goldenFolder() + "parser/lookups.txt");
   for (std::string line; std::getline(in, line);) {
     std::istringstream words(line);
     std::string first;

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "golden_run.h"
+#include "paths.h"
 
 namespace orlu {
 namespace {
@@ -17,7 +18,7 @@ using test::GoldenRun;
 // Every text there is: one that is added is run.
 std::vector<std::string> goldenNames() {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(ORLU_TEST_GOLDEN_PATH)) {
+  for (const auto& entry : std::filesystem::directory_iterator(test::goldenFolder())) {
     if (entry.path().extension() == ".txt") names.push_back(entry.path().stem());
   }
   std::sort(names.begin(), names.end());
@@ -36,7 +37,7 @@ std::vector<std::string> changedOutputs(const GoldenRun& run) {
 class MetadataUpdaterGoldenTest : public testing::TestWithParam<std::string> {};
 
 TEST_P(MetadataUpdaterGoldenTest, TranslatesAsWritten) {
-  const GoldenCase golden = test::readGoldenCase(ORLU_TEST_GOLDEN_PATH + GetParam() + ".txt");
+  const GoldenCase golden = test::readGoldenCase(test::goldenFolder() + GetParam() + ".txt");
   test::Algo algo;
   const GoldenRun run = test::runGolden(golden, algo);
   EXPECT_EQ(writeLines(golden.writes, golden.writes), writeLines(run.writes, golden.writes));

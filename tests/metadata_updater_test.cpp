@@ -9,6 +9,7 @@
 #include "fixtures.h"
 #include "golden_run.h"
 #include "log_capture.h"
+#include "paths.h"
 
 namespace orlu {
 namespace {
@@ -22,7 +23,7 @@ constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 GoldenCase golden(const std::string& name, const std::vector<std::string>& changes = {}) {
-  GoldenCase read = test::readGoldenCase(ORLU_TEST_GOLDEN_PATH + name + ".txt");
+  GoldenCase read = test::readGoldenCase(test::goldenFolder() + name + ".txt");
   for (const std::string& line : changes) test::changeGolden(read, line);
   return read;
 }

@@ -9,6 +9,7 @@
 
 #include "case_name.h"
 #include "golden_variation.h"
+#include "paths.h"
 
 namespace orlu::test {
 
@@ -21,7 +22,7 @@ namespace {
 
 std::vector<GoldenVariation> allVariations() {
   std::vector<std::string> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(ORLU_TEST_GOLDEN_PATH "variations")) {
+  for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + "variations")) {
     paths.push_back(entry.path());
   }
   std::sort(paths.begin(), paths.end());
@@ -36,7 +37,7 @@ std::vector<GoldenVariation> allVariations() {
 class MetadataUpdaterVariationTest : public testing::TestWithParam<GoldenVariation> {};
 
 TEST_P(MetadataUpdaterVariationTest, ChangesWhatItMust) {
-  const std::string unmet = unmetExpectations(GetParam(), ORLU_TEST_GOLDEN_PATH);
+  const std::string unmet = unmetExpectations(GetParam(), goldenFolder());
   EXPECT_TRUE(unmet.empty()) << unmet;
 }
 

@@ -5,7 +5,7 @@
 
 #include "callback_data.h"
 #include "callback_recorder.h"
-#include "descriptors.h"
+#include "process_figures.h"
 #include "request_scene.h"
 #include "thread_state.h"
 

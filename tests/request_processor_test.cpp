@@ -8,8 +8,8 @@
 #include <tuple>
 
 #include "callback_recorder.h"
-#include "descriptors.h"
 #include "error_lines.h"
+#include "process_figures.h"
 #include "request_scene.h"
 
 namespace orlu {

@@ -10,10 +10,10 @@
 #include <sstream>
 
 #include "case_name.h"
-#include "descriptors.h"
 #include "error_lines.h"
 #include "fixtures.h"
 #include "frame_text.h"
+#include "process_figures.h"
 #include "vrequest.h"
 
 namespace orlu {

@@ -1,23 +1,17 @@
 // What a run looks at before and after, to tell what leaked.
 #pragma once
 
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "algo_native_request_map.h"
+#include "process_figures.h"
 
 namespace orlu::fuzz {
 
-// Also the one behind the folder itself.
-inline int openDescriptors() {
-  const std::filesystem::directory_iterator folder("/proc/self/fd");
-  return static_cast<int>(std::distance(begin(folder), end(folder)));
-}
+using test::openDescriptors;
+using test::residentBytes;
 
 // The open descriptors, when they are `expected` within two seconds: the stand-in closes those of a request
 // only after it is done with it.
@@ -26,13 +20,6 @@ inline int settledDescriptors(int expected) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return openDescriptors();
-}
-
-inline int64_t residentBytes() {
-  int64_t total = 0;
-  int64_t resident = 0;
-  std::ifstream("/proc/self/statm") >> total >> resident;
-  return resident * sysconf(_SC_PAGESIZE);
 }
 
 // An id that no request has: larger than every id so far.

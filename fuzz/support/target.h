@@ -1,21 +1,19 @@
 // What the libFuzzer targets share.
 #pragma once
 
-#include <android/log.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "log_capture.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace orlu::fuzz {
 
-inline void silenceLog() {
-  __android_log_set_logger([](const __android_log_message*) {});
-}
+using test::silenceLog;
 
 inline void require(bool holds) {
   if (!holds) std::abort();

@@ -20,11 +20,11 @@ Function standInFunction(const char* name) {
   return reinterpret_cast<Function>(function);
 }
 
+}  // namespace
+
 void setScript(const standin::AlgoScript* script) {
   standInFunction<standin::SetScriptFunction>("AlgoStandInSetScript")(script);
 }
-
-}  // namespace
 
 Algo::Algo() {
   use();

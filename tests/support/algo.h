@@ -18,6 +18,9 @@ struct RecordedCall {
   std::vector<uint8_t> bytes;
 };
 
+// Hands the stand-in a script, or null for its usual work. Nothing is recorded.
+void setScript(const standin::AlgoScript* script);
+
 class Algo {
 public:
   Algo();

@@ -1,8 +1,6 @@
 // What was logged, as tests compare it whole: one text for each line.
 #pragma once
 
-#include <regex.h>
-
 #include <string>
 #include <vector>
 
@@ -12,25 +10,12 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// A message whose prefix of file, line and function is written as "*". (Under AddressSanitizer, GCC 12 warns
-// about the insides of std::regex.)
-inline std::string withShortPrefix(const std::string& message) {
-  static const regex_t prefix = [] {
-    regex_t compiled;
-    regcomp(&compiled, "^[a-z_]+\\.cpp:[0-9]+ ~?[A-Za-z]+\\(\\) ", REG_EXTENDED);
-    return compiled;
-  }();
-  regmatch_t match;
-  if (regexec(&prefix, message.c_str(), 1, &match, 0) != 0) return message;
-  return "* " + message.substr(static_cast<size_t>(match.rm_eo));
-}
-
-// "tag: message", with its prefix shortened; a line that is no error begins with "?".
+// "tag: message", or "tag: * message" for a line with a prefix; a line that is no error begins with "?".
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {
     const char* const mark = line.priority == ANDROID_LOG_ERROR ? "" : "?";
-    lines.push_back(mark + line.tag + ": " + withShortPrefix(line.message));
+    lines.push_back(mark + line.tag + (line.file.empty() ? ": " : ": * ") + line.message);
   }
   return lines;
 }

@@ -72,22 +72,18 @@ private:
     const std::string message = quotedText(in);
     int times = 0;
     for (const LogLine& line : mLines) {
-      times += line.priority == priority && line.tag == tag && isMessage(line.message, message, tag) ? 1 : 0;
+      times += line.priority == priority && line.tag == tag && line.message == message && isOfUpdater(line)
+                   ? 1
+                   : 0;
     }
     std::ostringstream out;
     out << times << ' ' << std::quoted(message);
     return out.str();
   }
 
-  // Lines of the long tag begin with "file:line function() ".
-  static bool isMessage(const std::string& line, const std::string& message, const std::string& tag) {
-    if (tag == kShortLogTag) return line == message;
-    const std::string file = "metadata_updater";
-    const size_t start = line.size() < message.size() ? std::string::npos : line.size() - message.size();
-    if (start == std::string::npos || line.compare(start, message.size(), message) != 0) return false;
-    const std::string prefix = line.substr(0, start);
-    return prefix.compare(0, file.size(), file) == 0 && prefix.size() > 3 &&
-           prefix.find("() ") == prefix.size() - 3;
+  // Lines of the short tag have no prefix.
+  static bool isOfUpdater(const LogLine& line) {
+    return line.tag == kShortLogTag ? line.file.empty() : line.file.rfind("metadata_updater", 0) == 0;
   }
 
   // "system ae_weight int 7": the value last written.

@@ -28,7 +28,7 @@ struct JniTableFunctions {
     static inline const char* name = nullptr;
 
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
-      if (gTable->mInsideVm) return (gTable->mOriginal->*Member)(env, arguments...);
+      if (gTable->mInsideVm) return (gTable->mFunctions.original().*Member)(env, arguments...);
       ++gTable->mCalls[name];
       if (gTable->mFailing.count(name) != 0) {
         gTable->throwOutOfMemory();
@@ -36,11 +36,11 @@ struct JniTableFunctions {
       }
       const InsideVm inside;
       if constexpr (std::is_convertible_v<Result, jobject>) {
-        const Result result = (gTable->mOriginal->*Member)(env, arguments...);
+        const Result result = (gTable->mFunctions.original().*Member)(env, arguments...);
         if (result != nullptr) ++gTable->mLocalReferences;
         return result;
       } else {
-        return (gTable->mOriginal->*Member)(env, arguments...);
+        return (gTable->mFunctions.original().*Member)(env, arguments...);
       }
     }
   };
@@ -48,41 +48,43 @@ struct JniTableFunctions {
   template <auto Member>
   static void count(JniTable& table, const char* name) {
     Counted<Member>::name = name;
-    table.mTable.*Member = Counted<Member>::call;
+    table.mFunctions.table().*Member = Counted<Member>::call;
   }
 
   static jclass JNICALL findClass(JNIEnv*, const char* name) { return gTable->findClass(name); }
   static jmethodID JNICALL getMethod(JNIEnv*, jclass clazz, const char* name, const char* signature) {
-    return gTable->findMember<jmethodID>(clazz, name, signature, gTable->mOriginal->GetMethodID);
+    return gTable->findMember<jmethodID>(clazz, name, signature, gTable->mFunctions.original().GetMethodID);
   }
   static jmethodID JNICALL getStaticMethod(JNIEnv*, jclass clazz, const char* name, const char* signature) {
-    return gTable->findMember<jmethodID>(clazz, name, signature, gTable->mOriginal->GetStaticMethodID);
+    return gTable->findMember<jmethodID>(clazz, name, signature,
+                                         gTable->mFunctions.original().GetStaticMethodID);
   }
   static jfieldID JNICALL getField(JNIEnv*, jclass clazz, const char* name, const char* signature) {
-    return gTable->findMember<jfieldID>(clazz, name, signature, gTable->mOriginal->GetFieldID);
+    return gTable->findMember<jfieldID>(clazz, name, signature, gTable->mFunctions.original().GetFieldID);
   }
   static jobject JNICALL newGlobalRef(JNIEnv* env, jobject object) {
     if (!gTable->mInsideVm) ++gTable->mCalls["NewGlobalRef"];
-    return gTable->mOriginal->NewGlobalRef(env, object);
+    return gTable->mFunctions.original().NewGlobalRef(env, object);
   }
   static void JNICALL deleteLocalRef(JNIEnv* env, jobject object) {
     if (!gTable->mInsideVm) {
       ++gTable->mCalls["DeleteLocalRef"];
       if (object != nullptr) --gTable->mLocalReferences;
     }
-    gTable->mOriginal->DeleteLocalRef(env, object);
+    gTable->mFunctions.original().DeleteLocalRef(env, object);
   }
 };
 
 #define COUNT(function) JniTableFunctions::count<&JNINativeInterface_::function>(*this, #function)
 
-JniTable::JniTable(JNIEnv* env) : mEnv(env), mOriginal(env->functions), mTable(*env->functions) {
+JniTable::JniTable(JNIEnv* env) : mFunctions(env) {
   gTable = this;
-  mTable.FindClass = JniTableFunctions::findClass;
-  mTable.GetMethodID = JniTableFunctions::getMethod;
-  mTable.GetStaticMethodID = JniTableFunctions::getStaticMethod;
-  mTable.GetFieldID = JniTableFunctions::getField;
-  mTable.DeleteLocalRef = JniTableFunctions::deleteLocalRef;
+  JNINativeInterface_& table = mFunctions.table();
+  table.FindClass = JniTableFunctions::findClass;
+  table.GetMethodID = JniTableFunctions::getMethod;
+  table.GetStaticMethodID = JniTableFunctions::getStaticMethod;
+  table.GetFieldID = JniTableFunctions::getField;
+  table.DeleteLocalRef = JniTableFunctions::deleteLocalRef;
   COUNT(CallObjectMethodV);
   COUNT(CallStaticObjectMethodV);
   COUNT(CallIntMethodV);
@@ -114,12 +116,10 @@ JniTable::JniTable(JNIEnv* env) : mEnv(env), mOriginal(env->functions), mTable(*
   COUNT(ReleaseFloatArrayElements);
   COUNT(ReleaseDoubleArrayElements);
   COUNT(DeleteGlobalRef);
-  mTable.NewGlobalRef = JniTableFunctions::newGlobalRef;
-  env->functions = &mTable;
+  table.NewGlobalRef = JniTableFunctions::newGlobalRef;
 }
 
 JniTable::~JniTable() {
-  mEnv->functions = mOriginal;
   gTable = nullptr;
 }
 
@@ -132,9 +132,9 @@ void JniTable::fail(const std::string& function) {
 }
 
 void JniTable::throwOutOfMemory() {
-  const jclass error = mOriginal->FindClass(mEnv, "java/lang/OutOfMemoryError");
-  mOriginal->ThrowNew(mEnv, error, "as the test asks");
-  mOriginal->DeleteLocalRef(mEnv, error);
+  const jclass error = mFunctions.original().FindClass(mFunctions.env(), "java/lang/OutOfMemoryError");
+  mFunctions.original().ThrowNew(mFunctions.env(), error, "as the test asks");
+  mFunctions.original().DeleteLocalRef(mFunctions.env(), error);
 }
 
 int JniTable::heldArrays() const {
@@ -152,40 +152,43 @@ int JniTable::calls(const std::string& function) const {
 }
 
 jclass JniTable::findClass(const char* name) {
-  if (mInsideVm) return mOriginal->FindClass(mEnv, name);
+  if (mInsideVm) return mFunctions.original().FindClass(mFunctions.env(), name);
   const JniTableFunctions::InsideVm inside;
   ++mCalls["FindClass"];
   mLookups.emplace_back(name);
   // A name that no class has leaves the exception that the VM leaves.
-  jclass clazz = mOriginal->FindClass(mEnv, mHidden.count(name) != 0 ? "no/such/Class" : name);
+  jclass clazz =
+      mFunctions.original().FindClass(mFunctions.env(), mHidden.count(name) != 0 ? "no/such/Class" : name);
   if (clazz != nullptr) ++mLocalReferences;
   return clazz;
 }
 
 template <typename Id, typename Original>
 Id JniTable::findMember(jclass clazz, const char* name, const char* signature, Original original) {
-  if (mInsideVm) return original(mEnv, clazz, name, signature);
+  if (mInsideVm) return original(mFunctions.env(), clazz, name, signature);
   const JniTableFunctions::InsideVm inside;
   ++mCalls["lookups of members"];
   const std::string member = nameOf(clazz) + "." + name;
   mLookups.push_back(member + " " + signature);
   if (clazz == nullptr) return nullptr;
   const bool hidden = mHidden.count(member) != 0 || mHidden.count(member + " " + signature) != 0;
-  return original(mEnv, clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
+  return original(mFunctions.env(), clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
 }
 
 // As JNI names it: "java/util/List", "[I".
 std::string JniTable::nameOf(jclass clazz) {
   if (clazz == nullptr) return "null";
-  const jclass meta = mOriginal->GetObjectClass(mEnv, clazz);
-  const jmethodID getName = mOriginal->GetMethodID(mEnv, meta, "getName", "()Ljava/lang/String;");
-  const auto name = static_cast<jstring>(mOriginal->CallObjectMethod(mEnv, clazz, getName));
-  mOriginal->ExceptionClear(mEnv);
-  const char* chars = mOriginal->GetStringUTFChars(mEnv, name, nullptr);
+  const jclass meta = mFunctions.original().GetObjectClass(mFunctions.env(), clazz);
+  const jmethodID getName =
+      mFunctions.original().GetMethodID(mFunctions.env(), meta, "getName", "()Ljava/lang/String;");
+  const auto name =
+      static_cast<jstring>(mFunctions.original().CallObjectMethod(mFunctions.env(), clazz, getName));
+  mFunctions.original().ExceptionClear(mFunctions.env());
+  const char* chars = mFunctions.original().GetStringUTFChars(mFunctions.env(), name, nullptr);
   std::string text(chars);
-  mOriginal->ReleaseStringUTFChars(mEnv, name, chars);
-  mOriginal->DeleteLocalRef(mEnv, name);
-  mOriginal->DeleteLocalRef(mEnv, meta);
+  mFunctions.original().ReleaseStringUTFChars(mFunctions.env(), name, chars);
+  mFunctions.original().DeleteLocalRef(mFunctions.env(), name);
+  mFunctions.original().DeleteLocalRef(mFunctions.env(), meta);
   std::replace(text.begin(), text.end(), '.', '/');
   return text;
 }

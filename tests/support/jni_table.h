@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "scoped_jni_functions.h"
+
 namespace orlu::test {
 
 class JniTable {
@@ -46,9 +48,7 @@ private:
   std::string nameOf(jclass clazz);
   void throwOutOfMemory();
 
-  JNIEnv* mEnv;
-  const JNINativeInterface_* mOriginal;
-  JNINativeInterface_ mTable;
+  ScopedJniFunctions mFunctions;
   std::set<std::string> mHidden;
   std::set<std::string> mFailing;
   std::map<std::string, int> mCalls;

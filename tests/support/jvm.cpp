@@ -5,14 +5,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <string>
-#include <vector>
+
+#include "paths.h"
 
 namespace orlu::test {
 namespace {
 
 JavaVM* gVm = nullptr;
-JNIEnv* gEnv = nullptr;
+thread_local JNIEnv* gEnv = nullptr;
 std::string gVmOutput;
 
 // The VM writes to descriptor 1. It gets a file of its own, and this program's standard output another
@@ -37,26 +37,33 @@ bool isComplaint(const std::string& line) {
 
 }  // namespace
 
-bool startJvm() {
-  if (!splitOutput()) return false;
-  std::vector<std::string> texts = {"-Xcheck:jni", "-Xmx256m", "-Djava.awt.headless=true",
-                                    "-Djava.class.path=" ORLU_TEST_CLASS_PATH,
-                                    "-Djava.library.path=" ORLU_TEST_LIBRARY_PATH};
-  std::vector<JavaVMOption> options;
-  for (std::string& text : texts) options.push_back({text.data(), nullptr});
+bool startJvm(const std::vector<std::string>& jars, std::vector<std::string> options) {
+  std::string classPath;
+  for (const std::string& jar : jars) {
+    classPath += (classPath.empty() ? "" : ":") + (jar[0] == '/' ? jar : jarPath(jar));
+  }
+  options.push_back("-Djava.awt.headless=true");
+  options.push_back("-Djava.class.path=" + classPath);
+  options.push_back("-Djava.library.path=" + libraryFolder());
+  std::vector<JavaVMOption> vmOptions;
+  for (std::string& option : options) vmOptions.push_back({option.data(), nullptr});
   JavaVMInitArgs arguments = {};
   arguments.version = JNI_VERSION_1_8;
-  arguments.options = options.data();
-  arguments.nOptions = static_cast<jint>(options.size());
+  arguments.options = vmOptions.data();
+  arguments.nOptions = static_cast<jint>(vmOptions.size());
   if (JNI_CreateJavaVM(&gVm, reinterpret_cast<void**>(&gEnv), &arguments) == JNI_OK) return true;
   std::fprintf(stderr, "the Java VM can't be started\n");
   return false;
 }
 
+bool startCheckedJvm(const std::vector<std::string>& jars) {
+  return splitOutput() && startJvm(jars, {"-Xcheck:jni", "-Xmx256m"});
+}
+
 bool jvmIsQuiet() {
   std::ifstream output(gVmOutput);
   bool quiet = true;
-  int following = 0;  // lines behind a complaint tell where it came from
+  int following = 0;  // the lines behind a complaint say where it came from
   for (std::string line; std::getline(output, line);) {
     if (isComplaint(line)) {
       quiet = false;
@@ -74,6 +81,15 @@ JavaVM* javaVm() {
 
 JNIEnv* env() {
   return gEnv;
+}
+
+AttachedThread::AttachedThread() {
+  if (gVm->AttachCurrentThread(reinterpret_cast<void**>(&gEnv), nullptr) != JNI_OK) std::abort();
+}
+
+AttachedThread::~AttachedThread() {
+  gEnv = nullptr;
+  gVm->DetachCurrentThread();
 }
 
 }  // namespace orlu::test

@@ -1,36 +1,46 @@
 #include "log_capture.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace orlu::test {
 namespace {
 
-LogCapture* gCapture = nullptr;
+std::atomic<LogCapture*> gInnermost{nullptr};
 
-// "file.cpp:12 function() message" -> "message"; a line without such a prefix as it is.
-std::string withoutPrefix(const std::string& line) {
-  const size_t end = line.find("() ");
-  const size_t colon = line.find(':');
-  return end == std::string::npos || colon == std::string::npos || colon > end ? line : line.substr(end + 3);
+LogLine parseLine(const __android_log_message& logged) {
+  LogLine line = {logged.priority, logged.tag, "", "", logged.message};
+  const std::string& text = line.message;
+  const size_t colon = text.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_");
+  if (colon == std::string::npos || text.compare(colon, 5, ".cpp:") != 0) return line;
+  const size_t blank = text.find_first_not_of("0123456789", colon + 5);
+  const size_t end = text.find("() ", colon);
+  if (blank == std::string::npos || blank == colon + 5 || text[blank] != ' ' || end == std::string::npos) {
+    return line;
+  }
+  line.file = text.substr(0, colon + 4);
+  line.function = text.substr(blank + 1, end - blank - 1);
+  line.message = text.substr(end + 3);
+  return line;
 }
 
 }  // namespace
 
-LogCapture::LogCapture() {
-  gCapture = this;
+LogCapture::LogCapture() : mOuter(gInnermost.exchange(this)) {
   __android_log_set_logger(log);
 }
 
 LogCapture::~LogCapture() {
-  __android_log_set_logger([](const __android_log_message*) {});
-  gCapture = nullptr;
+  if (mOuter == nullptr) __android_log_set_logger(__android_log_stderr_logger);
+  gInnermost = mOuter;
 }
 
 void LogCapture::log(const __android_log_message* message) {
-  LogCapture* const capture = gCapture;
+  LogCapture* const capture = gInnermost;
   if (capture == nullptr) return;
+  const LogLine line = parseLine(*message);
   const std::lock_guard<std::mutex> lock(capture->mMutex);
-  capture->mLines.push_back({message->priority, message->tag, message->message});
+  capture->mLines.push_back(line);
 }
 
 std::vector<LogLine> LogCapture::lines() const {
@@ -46,8 +56,7 @@ void LogCapture::clear() {
 int LogCapture::count(int priority, const std::string& tag, const std::string& message) const {
   const std::vector<LogLine> all = lines();
   return static_cast<int>(std::count_if(all.begin(), all.end(), [&](const LogLine& line) {
-    return line.priority == priority && line.tag == tag &&
-           (withoutPrefix(line.message) == message || line.message == message);
+    return line.priority == priority && line.tag == tag && line.message == message;
   }));
 }
 
@@ -57,7 +66,7 @@ bool LogCapture::contains(const std::string& part) const {
 
 std::string LogCapture::text() const {
   std::string all;
-  for (const LogLine& line : lines()) all += line.tag + ": " + line.message + "\n";
+  for (const LogLine& line : lines()) all += line.tag + ": " + line.text() + "\n";
   return all;
 }
 

@@ -1,4 +1,5 @@
-// Everything that is logged during its life, from any thread.
+// Everything that is logged during its life, from any thread. The innermost capture takes a line; when the
+// last one ends, lines go to standard error, as they do at the start of a program.
 #pragma once
 
 #include <android/log.h>
@@ -9,10 +10,16 @@
 
 namespace orlu::test {
 
+// One line. Most begin with "file.cpp:12 function() "; file and function are empty for those that do not.
 struct LogLine {
   int priority;
   std::string tag;
-  std::string message;  // with its prefix
+  std::string file;  // "vrequest.cpp"
+  std::string function;
+  std::string message;  // behind the prefix
+
+  // "file function() message", or the message alone.
+  std::string text() const { return file.empty() ? message : file + ' ' + function + "() " + message; }
 };
 
 class LogCapture {
@@ -24,20 +31,27 @@ public:
 
   std::vector<LogLine> lines() const;
   void clear();
-  // How many lines of this priority end with `message`, behind their prefix or without one.
+  // How many lines have this priority, tag and message; their prefix may be any.
   int count(int priority, const std::string& tag, const std::string& message) const;
   int errors(const std::string& tag, const std::string& message) const {
     return count(ANDROID_LOG_ERROR, tag, message);
   }
-  bool contains(const std::string& text) const;
-  // All lines in one text, for failure messages.
+  // Whether "tag: file function() message" of any line has this part.
+  bool contains(const std::string& part) const;
+  // All lines as "tag: file function() message", each with its end of line.
   std::string text() const;
 
 private:
   static void log(const __android_log_message* message);
 
+  LogCapture* const mOuter;
   mutable std::mutex mMutex;
   std::vector<LogLine> mLines;
 };
+
+// Nothing that is logged goes anywhere, until the next capture ends.
+inline void silenceLog() {
+  __android_log_set_logger([](const __android_log_message*) {});
+}
 
 }  // namespace orlu::test

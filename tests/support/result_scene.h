@@ -15,6 +15,7 @@
 #include "java_text.h"
 #include "log_capture.h"
 #include "result_updater.h"
+#include "scoped_jni_functions.h"
 
 namespace orlu::test {
 
@@ -23,14 +24,12 @@ namespace orlu::test {
 class PutRecorder {
 public:
   explicit PutRecorder(std::vector<jobject> compositions)
-      : mCompositions(std::move(compositions)), mOriginal(env()->functions), mTable(*env()->functions) {
+      : mCompositions(std::move(compositions)), mFunctions(env()) {
     gRecorder = this;
-    mTable.CallVoidMethodV = call;
-    env()->functions = &mTable;
+    mFunctions.table().CallVoidMethodV = call;
   }
   PutRecorder(const PutRecorder&) = delete;
   PutRecorder& operator=(const PutRecorder&) = delete;
-  ~PutRecorder() { env()->functions = mOriginal; }
 
   const std::string& text() const { return mText; }
 
@@ -40,7 +39,7 @@ private:
     va_copy(copy, arguments);
     gRecorder->record(object, copy);
     va_end(copy);
-    gRecorder->mOriginal->CallVoidMethodV(jni, object, method, arguments);
+    gRecorder->mFunctions.original().CallVoidMethodV(jni, object, method, arguments);
   }
 
   void record(jobject object, va_list arguments) {
@@ -54,8 +53,7 @@ private:
 
   static inline PutRecorder* gRecorder = nullptr;
   std::vector<jobject> mCompositions;
-  const JNINativeInterface_* mOriginal;
-  JNINativeInterface_ mTable;
+  ScopedJniFunctions mFunctions;
   std::string mText;
 };
 
@@ -154,10 +152,8 @@ private:
     const std::string priority(1, line.priority == ANDROID_LOG_ERROR ? 'E' : 'D');
     if (line.tag == "VASJNI-ResultUpdater") return priority + "* " + line.message + '\n';
     if (line.tag != "_V_VASJNI-ResultUpdater") return "";
-    const std::string& text = line.message;
-    const size_t end = text.find("() ");
-    const bool hasPrefix = text.rfind("result_updater", 0) == 0 && text.find(".cpp:") < end;
-    return priority + ' ' + (hasPrefix ? text.substr(end + 3) : "without prefix: " + text) + '\n';
+    const bool hasPrefix = line.file.rfind("result_updater", 0) == 0;
+    return priority + ' ' + (hasPrefix ? line.message : "without prefix: " + line.text()) + '\n';
   }
 
   LocalFrame mFrame;

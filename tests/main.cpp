@@ -1,0 +1,13 @@
+// main() of the tests that need a Java VM. It is made before the first test and checked after the last.
+
+#include "jvm.h"
+#include "test_main.h"
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  if (!orlu::test::startCheckedJvm({"orlu-service", "orlu-host-framework", "orlu-tests"})) return 2;
+  const int result = orlu::test::runTests();
+  if (orlu::test::jvmIsQuiet()) return result;
+  std::fprintf(stderr, "-Xcheck:jni was not quiet\n");
+  return 3;
+}

@@ -1,0 +1,28 @@
+// A function table of our own over an environment's JNI functions, in place for the life of this object: a
+// copy, of which functions may be replaced at any time.
+#pragma once
+
+#include <jni.h>
+
+namespace orlu::test {
+
+class ScopedJniFunctions {
+public:
+  explicit ScopedJniFunctions(JNIEnv* env) : mEnv(env), mOriginal(env->functions), mTable(*env->functions) {
+    env->functions = &mTable;
+  }
+  ScopedJniFunctions(const ScopedJniFunctions&) = delete;
+  ScopedJniFunctions& operator=(const ScopedJniFunctions&) = delete;
+  ~ScopedJniFunctions() { mEnv->functions = mOriginal; }
+
+  JNIEnv* env() const { return mEnv; }
+  const JNINativeInterface_& original() const { return *mOriginal; }
+  JNINativeInterface_& table() { return mTable; }
+
+private:
+  JNIEnv* mEnv;
+  const JNINativeInterface_* mOriginal;
+  JNINativeInterface_ mTable;
+};
+
+}  // namespace orlu::test
