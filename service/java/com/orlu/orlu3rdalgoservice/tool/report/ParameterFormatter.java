@@ -16,6 +16,7 @@ final class ParameterFormatter {
     private static final int SMALLEST_FLOAT_BITS = 0x30000000;
     private static final int MOST_FACES = 10;
     private static final int FACES_SIZE = 204;
+    private static final int FACE_OUTLINE_SIZE = 10736;
     private static final int EXIF_SIZE = 152;
     private static final int REFOCUS_PACK_SIZE = 120;
     private static final int PHASE_DETECTION_SIZE = 2068;
@@ -43,10 +44,11 @@ final class ParameterFormatter {
             case RECT, CROP -> mSize == 16;
             case SENSOR_CROP -> mSize == 20;
             case FACES -> mSize == FACES_SIZE;
+            case FACE_OUTLINE -> mSize == FACE_OUTLINE_SIZE;
             case EXIF -> mSize == EXIF_SIZE;
             case REFOCUS_PACK -> mSize == REFOCUS_PACK_SIZE;
             case PHASE_DETECTION -> mSize == PHASE_DETECTION_SIZE;
-            case TEXT, BYTES -> true;
+            case TEXT, BYTES, UNKNOWN -> true;
         };
     }
 
@@ -71,11 +73,13 @@ final class ParameterFormatter {
             case SENSOR_CROP -> "left %d right %d top %d bottom %d flag %d".formatted(
                     intAt(0), intAt(4), intAt(8), intAt(12), mBytes.get(16));
             case FACES -> faces();
+            case FACE_OUTLINE -> faceOutline();
             case EXIF -> exif();
             case REFOCUS_PACK -> "point %d, %d f-number %s film size %d".formatted(
                     intAt(92), intAt(96), number(intAt(100) / 100f), intAt(116));
             case PHASE_DETECTION -> phaseDetection();
             case BYTES -> hex();
+            case UNKNOWN -> hex() + guess();
         };
     }
 
@@ -149,6 +153,11 @@ final class ParameterFormatter {
         return text.toString();
     }
 
+    private String faceOutline() {
+        return "%d faces, first point (%d, %d), pose (%s, %s, %s), rect %s".formatted(intAt(0), intAt(4), intAt(8),
+                number(floatAt(9608)), number(floatAt(9612)), number(floatAt(9616)), rect(10536));
+    }
+
     private String exif() {
         return "exposure " + mBytes.getLong(0) + " ns" + ", ISO " + optional(8, 12)
                 + ", aperture " + number(floatAt(16)) + ", sensitivity " + intAt(20)
@@ -176,6 +185,14 @@ final class ParameterFormatter {
     private String phaseDetection() {
         return "header [%d, %d, %d, %d], %d pairs, first (%d, %d)".formatted(
                 intAt(0), intAt(4), intAt(8), intAt(12), intAt(16), intAt(20), intAt(24));
+    }
+
+    private String guess() {
+        return switch (mSize) {
+            case 4 -> " (as int " + intAt(0) + ", as float " + number(floatAt(0)) + ")";
+            case 8 -> " (as long " + mBytes.getLong(0) + ", as double " + number(mBytes.getDouble(0)) + ")";
+            default -> "";
+        };
     }
 
     private String hex() {

@@ -25,10 +25,13 @@ enum ParameterType {
     /** The sensor's crop: left, right, top, bottom and a flag. */
     SENSOR_CROP("sensor crop"),
     FACES("faces"),
+    FACE_OUTLINE("face outline"),
     EXIF("exif"),
     REFOCUS_PACK("refocus pack"),
     PHASE_DETECTION("phase detection"),
-    BYTES("bytes");
+    BYTES("bytes"),
+    /** No row in parameters.txt. */
+    UNKNOWN("unknown");
 
     private final String mText;
 
