@@ -116,7 +116,7 @@ bool AlgoNativeClient::announceCommonShot(uint64_t nativeReq, const char* functi
        static_cast<unsigned long long>(nativeReq));
   ScopedLocalFrame frame(env, kCallbackReferences);
   CameraMetadataParser parser;
-  parser.initFromEnv(env, true);
+  if (parser.initFromEnv(env, true) != 0) LOGE_AS(function, "init parser failed");
   jobject map = parser.createHashMap();
   parser.putLongIntoHashMap(static_cast<int64_t>(nativeReq), "nativeRequestAddr", map);
   callBack(env, reqId, map);
@@ -133,7 +133,7 @@ void AlgoNativeClient::onPostProcessDataLightStream(const uint8_t* payload, int 
 
   ScopedLocalFrame frame(env, kCallbackReferences);
   CameraMetadataParser parser;
-  parser.initFromEnv(env, true);
+  if (parser.initFromEnv(env, true) != 0) LOGE("init parser failed");
   jobject map = parser.createHashMap();
   int32_t sharedFd = -1;
   if (firstHandleWord(handles, sharedFd)) parser.putIntIntoHashMap(sharedFd, "sharedFd", map);

@@ -82,7 +82,8 @@ bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& c
 
 int64_t RequestProcessor::create(JNIEnv* env, jobject param) {
   LOGD("create E");
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   int32_t algoContextIndex = -1;
   int64_t clientId = -1;
   parser.getIntOrlu(algoContextIndex, "algoContextIndex", param);
@@ -122,7 +123,8 @@ int RequestProcessor::init(JNIEnv* /*env*/, int64_t inst, jobject /*object*/) {
 
 int RequestProcessor::release(JNIEnv* env, int64_t inst, jobject param) {
   LOGD("release E, %p", printable(inst));
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   int32_t format = 0;
   const bool found = parser.getIntOrlu(format, "imageFormat", param) == 0;
   LOGD("release format: %d", format);
@@ -152,7 +154,8 @@ int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, job
     LOGE("abort failed, client is null!");
     return -1;
   }
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   AlgoNativeContext& context = clientOf(inst)->context();
   void* const metadata = context.createMetadata();
   if (readAbort(parser, param, context, metadata)) context.abort(0, 0, metadata);
@@ -166,7 +169,8 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
     LOGE("get data failed, input is null %p %p", printable(inst), static_cast<void*>(param));
     return nullptr;
   }
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string cmd = StringParameter<1024>(parser, "cmd", param).text();
   LOGD("cmd %s", cmd.c_str());
   const std::vector<uint8_t> data = clientOf(inst)->context().getData(cmd);
@@ -186,7 +190,8 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
   }
   const int fd = duplicate(env, sharedMemory);
   const int size = static_cast<int>(ASharedMemory_getSize(fd));
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
   LOGD("translateParamFiles filefd %d, bufferSize %d algoFlag %s", fd, size, identifier.c_str());
   clientOf(inst)->context().translateParamFile(fd, size, identifier);

@@ -61,7 +61,8 @@ int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, j
     return -1;
   }
   VRequest vrequest(env, request, inputs, outputs, compositions);
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const jobject first = vrequest.firstComposition();
   parser.knowFrame(vrequest.firstCaptureResult(), first);
   std::vector<std::string> algoList;
@@ -118,7 +119,8 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
     return -1;
   }
   VRequest vrequest(env, request, inputs, outputs, compositions);
-  CameraMetadataParser parser(env);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const jobject first = vrequest.firstComposition();
   parser.knowFrame(vrequest.firstCaptureResult(), first);
   int64_t address = 0;

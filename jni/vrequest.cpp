@@ -66,7 +66,7 @@ struct VRequest::Table {
 
 VRequest::VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList,
                    jobject captureResultList) {
-  initFromEnv(env);
+  if (initFromEnv(env) != 0) LOGE("init request failed");
   getRequestInfo(request);
   getImageData(request, inputList, outputList, captureResultList);
 }
@@ -199,10 +199,10 @@ jobject VRequest::getCaptureResult(jobject composition) {
 }
 
 int VRequest::getListSize(jobject list) {
-  // A size is the beginning of a walk over the list, whose elements stay referenced.
+  // Whoever asks for a size reads the list next, and the elements stay referenced.
   constexpr jint kReferencesPerElement = 2;
-  // Far more frames than a request has. A list may tell any size; what it tells beyond this is not believed,
-  // because every element costs memory and a call.
+  // Upper bound on a list's size. A hostile list may report any size, and every element costs memory and a
+  // JNI call. No request has nearly as many frames.
   constexpr jint kMostElements = 1024;
   if (mMethodListSize == nullptr || !isInstance(mEnv, list, mClazzList)) {
     LOGE("get list size failed, input is null");
@@ -210,6 +210,7 @@ int VRequest::getListSize(jobject list) {
   }
   const jint size = mEnv->CallIntMethod(list, mMethodListSize);
   if (clearException(mEnv) || size < 0) return 0;
+  if (size > kMostElements) LOGE("list has %d elements, only the first %d are read", size, kMostElements);
   const jint count = std::min(size, kMostElements);
   mReservedReferences += kReferencesPerElement * count;
   reserveLocalReferences(mEnv, mReservedReferences);

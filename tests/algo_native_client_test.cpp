@@ -202,6 +202,16 @@ TEST_F(AlgoNativeClientJvmTest, ClearsWhatTheCallbackThrows) {
   EXPECT_EQ(2, mLog.errors(kTag, "callbackFromNative threw")) << mLog.text();
 }
 
+TEST_F(AlgoNativeClientJvmTest, TellsOfAnIncompleteParser) {
+  test::JniTable table(env());
+  table.hide("android/util/Rational");
+  receiveBoth();
+  EXPECT_EQ(2, mLog.errors(kTag, "init parser failed"));
+  for (const char* operation : {"onPostProcessDataCommonShot", "onPostProcessDataLightStream"}) {
+    EXPECT_TRUE(mLog.contains(std::string(operation) + "() init parser failed")) << operation;
+  }
+}
+
 TEST_F(AlgoNativeClientJvmTest, KeepsOneReferenceAndGivesItBack) {
   int failed = 0;
   for (const std::string hidden : {CALLBACK_CLASS, CALLBACK_CLASS ".callbackFromNative", ""}) {

@@ -4,11 +4,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <functional>
 #include <sstream>
 #include <tuple>
+#include <utility>
 
 #include "callback_recorder.h"
 #include "error_lines.h"
+#include "jni_table.h"
 #include "process_figures.h"
 #include "request_scene.h"
 
@@ -156,6 +159,28 @@ TEST_F(RequestProcessorTest, HandleZeroIsRejected) {
       "get data failed, input is null (nil) " +
           param.str() + "\nget data failed, input is null I (nil)\n",
       lines(&client()));
+}
+
+// Whoever makes a parser says once more that a member is missing, and goes on.
+TEST_F(RequestProcessorTest, TellsOfAnIncompleteParser) {
+  test::JniTable table(env());
+  table.hide("android/util/Rational");
+  const std::pair<const char*, std::function<void()>> kOperations[] = {
+      {"create",                   [this] { RequestProcessor::destroy(env(), RequestProcessor::create(env(), mParam)); }},
+      {"release",                  [this] { RequestProcessor::release(env(), mInst, mParam); }                          },
+      {"abortRequest",             [this] { RequestProcessor::abortRequest(env(), mInst, nullptr, mParam); }            },
+      {"getData",                  [this] { RequestProcessor::getData(env(), mInst, mParam); }                          },
+      {"translateParamFiles",
+       [this] { RequestProcessor::translateParamFiles(env(), mInst, nullptr, mParam); }                                 },
+      {"processImage",             [this] { process(); }                                                                },
+      {"processImageUpdateResult", [this] { updateResult(newestRequest() + 1); }                                        },
+  };
+  for (const auto& [name, operation] : kOperations) {
+    mLog.clear();
+    operation();
+    EXPECT_EQ(1, mLog.errors(kTag, "init parser failed")) << name;
+    EXPECT_TRUE(mLog.contains(std::string(name) + "() init parser failed")) << name;
+  }
 }
 
 TEST_F(RequestProcessorTest, ReleaseModeFollowsFromTheFormat) {

@@ -90,7 +90,8 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   test::JniTable table(env());
   table.hide(GetParam().lookup);
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
-  EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
+  EXPECT_EQ(std::string(GetParam().label) + " is null\ninit request failed\n" + kNullErrors,
+            test::errorText(mLog, kTag));
 
   // Nothing of the rest reaches for it.
   VRequest request(env(), javaRequest, images, images, compositions);
@@ -104,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(Entries, VRequestMissingTest, testing::ValuesIn(kEntrie
 TEST_F(VRequestTest, WantsAnEnvironment) {
   jobject list = test::javaList({});
   const VRequest request(nullptr, test::newRequest(5, "shot"), list, list, list);
-  EXPECT_EQ(std::string("mEnv is null\n") + kNullErrors, test::errorText(mLog, kTag));
+  EXPECT_EQ(std::string("mEnv is null\ninit request failed\n") + kNullErrors, test::errorText(mLog, kTag));
 }
 
 TEST_F(VRequestTest, ReadsARequest) {
@@ -257,6 +258,19 @@ TEST_F(VRequestTest, RefusesAResultWithoutAnOutput) {
         test::errorText(mLog, kTag));
   }
   for (size_t index : {0U, 1U}) EXPECT_EQ(kUntouched, outputs.text(index));
+}
+
+TEST_F(VRequestTest, ReadsNoMoreThanTheFirstThousandElements) {
+  const auto framesOf = [](int size) {
+    jobject list = test::javaList(std::vector<jobject>(static_cast<size_t>(size), nullptr));
+    return VRequest(env(), nullptr, list, nullptr, nullptr).inputFrames().size();
+  };
+  constexpr char kLine[] = "list has 1025 elements, only the first 1024 are read";
+  EXPECT_EQ(1024U, framesOf(1024));
+  EXPECT_EQ(0, mLog.errors(kTag, kLine));
+  EXPECT_EQ(1024U, framesOf(1025));
+  EXPECT_EQ(1, mLog.errors(kTag, kLine));
+  EXPECT_TRUE(mLog.contains("getListSize() list has"));
 }
 
 // Five classes, each image, and each composition with its result. Whatever is read on the way is freed.
