@@ -179,7 +179,8 @@ int MetadataUpdater::masterFrameStep() {
   if (!listHas("dualBokeh") || isRawFormat() != 0) return 1;
   const auto inputNum = static_cast<int>(mRequest->inputFrames().size());
   const int step = inputNum == 2 * mCaptureResultNum ? 1 : 2;
-  LOGD(
+  LOGD_AS(
+      "getMasterFrames",
       "multi yuv in bokeh : origin buffer num %d, origin mCaptureResult num %d, masterCaptureResult TotalNum "
       "%d,masterCaptureResult JumpNum %d",
       inputNum, mCaptureResultNum, step == 1 ? mCaptureResultNum : mCaptureResultNum / 2, step);

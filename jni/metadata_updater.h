@@ -195,7 +195,7 @@ private:
   // metadata_updater_night.cpp
   void updateSuperNsYuv();
   void updateSuperNS();
-  void writeSuperNs(const char* domain);
+  void writeSuperNs(const char* operation, const char* domain);
   void updateRawLLHDR();
   void updateRawNR();
   void updateBokehNight();
@@ -226,11 +226,11 @@ private:
   void updateZoom();
   void convertMetering(__tagOrluRect& region, const Metering& metering);
   __tagOrluRect mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image,
-                           const char* unscaled);
+                           const char* operation, const char* unscaled);
   __tagOrluRect readMetering(int32_t& weight, const char* tag);
   _tagOrluSize readActiveSize();
-  void logConversion(const char* label, _tagOrluSize active, _tagOrluSize image, const __tagOrluRect& orig,
-                     const __tagOrluRect& converted, float zoom);
+  void logConversion(const char* operation, const char* label, _tagOrluSize active, _tagOrluSize image,
+                     const __tagOrluRect& orig, const __tagOrluRect& converted, float zoom);
 
   // metadata_updater_yuv_format.cpp
   void updateYuvFormat();

@@ -9,6 +9,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateAlgoType";  // named by the lines of its parts
 
 }  // namespace
 
@@ -60,11 +61,11 @@ void MetadataUpdater::editAlgoList() {
   const bool isRaw = isRawFormat() != 0;
   if (listHas("dualBokeh") && listHas("jpegEncode")) append("refocusJpegPack");
   if (isRaw) {
-    LOGD("enableLTMZoom remove jpeg encode");
+    LOGD_AS(kOperation, "enableLTMZoom remove jpeg encode");
     removeAlgoFromAlgoList(*mAlgoList, "jpegEncode");
   }
   if (mEnableHwMFNR != 0) {
-    LOGD("check MFNR opened, night shot pass.");
+    LOGD_AS(kOperation, "check MFNR opened, night shot pass.");
     removeAlgoFromAlgoList(*mAlgoList, "night");
   }
   if (listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0) replaceByMultiFrameBokeh();

@@ -14,6 +14,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateCommonTags";  // named by the lines of its parts
 
 // Frames in the lists that the algorithms take.
 constexpr int kListedFrames = 16;
@@ -88,7 +89,8 @@ int MetadataUpdater::downloadPrivateData(const char* section, const char* key, v
   if (section == nullptr || key == nullptr || data == nullptr) return -1;
   char tag[128] = {};
   std::snprintf(tag, sizeof tag, "%s.%s", section, key);
-  LOGD("checkxx download %s.%s : data %p, size %zu", section, key, data, static_cast<size_t>(size));
+  LOGD_AS("updatePreviewAlgoPrivateData2Shot", "checkxx download %s.%s : data %p, size %zu", section, key,
+          data, static_cast<size_t>(size));
   mendText(tag);
   const Frame first = firstFrame();
   return mParser->getArrayBytes(static_cast<char*>(data), static_cast<int>(size), tag, first.captureResult,
@@ -98,9 +100,9 @@ int MetadataUpdater::downloadPrivateData(const char* section, const char* key, v
 // clang-format off
 void MetadataUpdater::updateSensorTags() {
   const auto stabilization = copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
-  LOGD("opticalStabilizationMode =  %d", stabilization);
+  LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
   const auto fromUserApp = copy<int32_t>(firstCompositionOnly(), "orlu.control.callFromUserApp", kControl, "call_from_user_app");
-  LOGD("call from user app %d", fromUserApp);
+  LOGD_AS(kOperation, "call from user app %d", fromUserApp);
   copy<SCR_Type>       ("orlu.feedback.SensorCropRegions", kSensor,  "sensor_crop_region");
   write(kSensor, "sensor_active_size", readActiveSize());
   copy<Ints<2>>        ("com.orlu.image_sizes",            kSystem,  "image_size_max");
@@ -117,10 +119,10 @@ void MetadataUpdater::updateSensorTags() {
 
 void MetadataUpdater::updateZoomRatios() {
   const auto platform = copy<float>("android.control.zoomRatio",          kZoom, "platform_zoom_ratio");
-  LOGD("updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f", static_cast<double>(platform));
+  LOGD_AS(kOperation, "updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f", static_cast<double>(platform));
   copy<float>                      ("orlu.control.zoom_ratio",            kZoom, "orlu_zoom_ratio");
   const auto bokeh50mm = copy<float>("com.orlu.zoomRatioFocallen50mmBokeh", kZoom, "bokeh50mm_zoom_ratio");
-  LOGD("zoomRatioBokeh50mm:%0.2f", static_cast<double>(bokeh50mm));
+  LOGD_AS(kOperation, "zoomRatioBokeh50mm:%0.2f", static_cast<double>(bokeh50mm));
 }
 
 void MetadataUpdater::updateFrameIdentity() {
@@ -153,7 +155,7 @@ void MetadataUpdater::updateShotTags() {
   const auto aeMode = readOr<int32_t>(0, "android.control.aeMode", firstFrame());
   write<int32_t>(kControl, "flash_mode", aeMode == kAeModeAlwaysFlash ? 1 : 0);
   const auto frameFlag = copy<int64_t>("orlu.control.frameFlag", kControl, "frame_flag");
-  LOGD("frameFlag: %lld", static_cast<long long>(frameFlag));
+  LOGD_AS(kOperation, "frameFlag: %lld", static_cast<long long>(frameFlag));
   copy<int32_t>    ("orlu.control.extremeMode",         kControl,   "is_extreme_front");
   keep(mFrontEvControl, "orlu.parameter.OrluFrontCaptureFrameEvControl",
                                                         kFeedback,  "front_superns_capture_frame_ev_control_info");
@@ -171,8 +173,8 @@ void MetadataUpdater::updateFrameLists() {
     const auto slot = static_cast<size_t>(i);
     read(ids[slot], "orlu.control.reqID", masterFrameAt(i));
     read(timestamps[slot], "android.sensor.timestamp", masterFrameAt(i));
-    LOGD("start process input timeStamps[%d]=%lld, reqId = %lld .", i,
-         static_cast<long long>(timestamps[slot]), static_cast<long long>(ids[slot]));
+    LOGD_AS(kOperation, "start process input timeStamps[%d]=%lld, reqId = %lld .", i,
+            static_cast<long long>(timestamps[slot]), static_cast<long long>(ids[slot]));
   }
   write(kControl, "frame_id", ids);
   write(kControl, "input_frame_timestamp", timestamps);
@@ -182,7 +184,7 @@ void MetadataUpdater::updateFrameLists() {
 void MetadataUpdater::updateCameraType() {
   int32_t session = 0;
   const int status = read(session, "com.orlu.MultiCameraBokehSelectSessionId");
-  LOGD("multiCameraBokehSelectSessionId %d ret %d", session, status);
+  LOGD_AS(kOperation, "multiCameraBokehSelectSessionId %d ret %d", session, status);
   Bytes<16> type;
   const std::string_view name = bokehCameraType(session);
   if (name.empty()) {
@@ -198,10 +200,12 @@ void MetadataUpdater::updateDigitalZoom() {
   float ratio = 0;
   if (!listHas("dualBokeh") && module != kModuleWithUserZoom) {
     read(ratio, "orlu.parameter.digitalzoom");
-    LOGD("updateCommonTags tag:orlu.parameter.digitalzoom digitalzoomratio=%f", static_cast<double>(ratio));
+    LOGD_AS(kOperation, "updateCommonTags tag:orlu.parameter.digitalzoom digitalzoomratio=%f",
+            static_cast<double>(ratio));
   } else {
     read(ratio, "orlu.control.zoom_ratio");
-    LOGD("updateCommonTags tag:orlu.control.zoom_ratio digitalzoomratio=%f", static_cast<double>(ratio));
+    LOGD_AS(kOperation, "updateCommonTags tag:orlu.control.zoom_ratio digitalzoomratio=%f",
+            static_cast<double>(ratio));
   }
   write(kZoom, "digital_zoom_ratio", ratio);
 }

@@ -14,6 +14,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateDebug";  // named by the lines of its parts
 
 // As a decimal integer; 0 for text that is none.
 int32_t propertyAsInt(const char* name) {
@@ -68,7 +69,8 @@ void MetadataUpdater::updateFusionFrames() {
       timestamps[slot] = timestamp;
       requestIds[slot] = requestId;
     }
-    LOGD("CHECKXX FUSION  %d TIMESTAMP:%lld, reqID:%d", i, static_cast<long long>(timestamp), requestId);
+    LOGD_AS(kOperation, "CHECKXX FUSION  %d TIMESTAMP:%lld, reqID:%d", i, static_cast<long long>(timestamp),
+            requestId);
   }
   write(kControl, "bokeh_timestamp", timestamps);
   write(kControl, "bokeh_request_id", requestIds);
@@ -97,12 +99,13 @@ void MetadataUpdater::logFrameSettings(const char* step, int index) {
   const auto isUpscale = readOr<int32_t>(0, "orlu.control.isUpscale", frame);
   const auto rotation = readOr<int32_t>(0, "android.jpeg.orientation", frame);
   const _tagOrluFaceInfo faces = readFaces(frame);
-  LOGD("%s: metadata[%d] isMirror %d watermarkType %d isUpscale %d jpegRotation %d face_num %d", step, index,
-       isMirror, watermarkType, isUpscale, rotation, faces.count);
+  LOGD_AS(kOperation,
+          "%s: metadata[%d] isMirror %d watermarkType %d isUpscale %d jpegRotation %d face_num %d", step,
+          index, isMirror, watermarkType, isUpscale, rotation, faces.count);
   for (int i = 0; i < faces.count; ++i) {
     const __tagOrluRect& face = faces.rects[i];
-    LOGD("%s: metadata[%d] face[%d] lrtb %d %d %d %d", step, index, i, face.left, face.right, face.top,
-         face.bottom);
+    LOGD_AS(kOperation, "%s: metadata[%d] face[%d] lrtb %d %d %d %d", step, index, i, face.left, face.right,
+            face.top, face.bottom);
   }
 }
 

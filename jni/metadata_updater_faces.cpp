@@ -10,6 +10,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateCommonTags";  // named by the lines of its parts
 
 bool isEmpty(const __tagOrluRect& rect) {
   return rect.left >= rect.right || rect.top >= rect.bottom;
@@ -36,15 +37,15 @@ void MetadataUpdater::updateFaceInfo() {
   const auto* const empty = std::find_if(faces.rects, faces.rects + faces.count, isEmpty);
   if (empty != end) {
     faces.count = static_cast<int32_t>(empty - faces.rects);
-    LOGD("faceRect is error, change faceNum to available faceNum: %d", faces.count);
+    LOGD_AS(kOperation, "faceRect is error, change faceNum to available faceNum: %d", faces.count);
   }
   if (const AlgoFrameInfo* input = firstInput()) {
     convertFace(faces, input->width, input->height, isRawImageFormat(input->format));
   }
   write(kSystem, "face_info", faces);
   const __tagOrluRect& first = faces.rects[0];
-  LOGD("start process input face num %d (%d %d %d %d)", faces.count, first.left, first.top, first.right,
-       first.bottom);
+  LOGD_AS(kOperation, "start process input face num %d (%d %d %d %d)", faces.count, first.left, first.top,
+          first.right, first.bottom);
 }
 
 }  // namespace orlu

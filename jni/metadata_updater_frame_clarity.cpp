@@ -10,6 +10,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateFrameClarity";  // named by the lines of its parts
 
 // Room in the algorithms' tables.
 constexpr int kMaxClarityFrames = 50;
@@ -45,7 +46,7 @@ std::vector<double> MetadataUpdater::readImageScores() {
   // The first score decides for all whether they are worth a line, on purpose.
   if (!scores.empty() && scores[0] > 0.0) {
     for (size_t i = 0; i < scores.size(); ++i) {
-      LOGD("start process input imagescore[%d]=%f", static_cast<int>(i), scores[i]);
+      LOGD_AS(kOperation, "start process input imagescore[%d]=%f", static_cast<int>(i), scores[i]);
     }
   }
   return scores;

@@ -7,6 +7,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateHdrProcessType";  // named by the lines of its parts
 
 // Frame mode bits.
 constexpr uint64_t kHdrFrameBit = 2;
@@ -53,7 +54,7 @@ void MetadataUpdater::updateHdrProcessType() {
 
 MetadataUpdater::HdrProcessType MetadataUpdater::hdrOf3Frames() {
   if (!listHas("hdr")) return kHdrNone;
-  LOGD("HDR 3-frames version");
+  LOGD_AS(kOperation, "HDR 3-frames version");
   return kHdr3;
 }
 
@@ -83,13 +84,14 @@ MetadataUpdater::HdrProcessType MetadataUpdater::hdrOf5Frames(int32_t& nightInde
     nightIndex = found.nightIndex;
   }
   if (found.hdrCount == 4 && found.nightCount == 1) {
-    LOGD("rawnr hdr: HDR_PROCESS_5_YUV_INPUT");
+    LOGD_AS(kOperation, "rawnr hdr: HDR_PROCESS_5_YUV_INPUT");
     mIsRawnrCapture = 0;
     replaceNightByHdr();
     return kHdr5Yuv;
   }
   // This count starts at 1, unlike the others'; kept so.
-  LOGD("not hdr off 5: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount + 1, found.nightCount);
+  LOGD_AS(kOperation, "not hdr off 5: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount + 1,
+          found.nightCount);
   return kHdrNone;
 }
 
@@ -97,12 +99,13 @@ MetadataUpdater::HdrProcessType MetadataUpdater::hdrOf7Frames(int32_t& nightInde
   const FrameModes found = walkFrameModes(0, 7, 0);
   if (found.nightCount > 0) nightIndex = found.nightIndex;
   if (found.hdrCount == 6 && found.nightCount == 1) {
-    LOGD("hdr off: HDR_PROCESS_7_YUV_INPUT");
+    LOGD_AS(kOperation, "hdr off: HDR_PROCESS_7_YUV_INPUT");
     mIsRawnrCapture = 0;
     replaceNightByHdr();
     return kHdr7Yuv;
   }
-  LOGD("not hdr off 7: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount, found.nightCount);
+  LOGD_AS(kOperation, "not hdr off 7: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount,
+          found.nightCount);
   return kHdrNone;
 }
 
@@ -115,11 +118,11 @@ MetadataUpdater::HdrProcessType MetadataUpdater::hdrOf9Frames() {
   }
   const FrameModes found = walkFrameModes(3, 9, 0);
   if (found.hdrCount == 6 && nightCount == 3) {
-    LOGD("hdr off: HDR_PROCESS_9_YUV_INPUT");
+    LOGD_AS(kOperation, "hdr off: HDR_PROCESS_9_YUV_INPUT");
     replaceNightByHdr();
     return kHdr9Yuv;
   }
-  LOGD("not hdr off 9: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount, nightCount);
+  LOGD_AS(kOperation, "not hdr off 9: hdr frame cnt: %d, night frame cnt: %d", found.hdrCount, nightCount);
   return kHdrNone;
 }
 

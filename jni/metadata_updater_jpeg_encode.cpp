@@ -7,9 +7,11 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateJpegEncode";  // named by the lines of its parts
 
 void logExif(const ExifInfo& exif, int32_t fNumber) {
-  LOGD(
+  LOGD_AS(
+      kOperation,
       "exif expo %lld iso %d aperture %f sensi %d focal %f focal %f flash %d awb %d scene %d ae %d aeCom %d "
       "timestamp %lld location alt %f lati %f long %f time %lld gotalt %d aeCompensationStep %d %d dofLevel "
       "%d",

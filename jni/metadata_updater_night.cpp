@@ -16,31 +16,31 @@ float milliseconds(const Aec& aec, size_t element = kAecExposureTime) {
   return aec[element] / kNanosecondsPerMillisecond;
 }
 
-void logPair(const char* domain, const char* name, float first, float second) {
-  LOGD("%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(second));
+void logPair(const char* operation, const char* domain, const char* name, float first, float second) {
+  LOGD_AS(operation, "%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(second));
 }
 
 }  // namespace
 
 void MetadataUpdater::updateSuperNsYuv() {
-  writeSuperNs("YUVDomainSuperns");
+  writeSuperNs(__func__, "YUVDomainSuperns");
 }
 
 // The raw domain takes the same figures from the same frames.
 void MetadataUpdater::updateSuperNS() {
-  writeSuperNs("RawDomainSuperns");
+  writeSuperNs(__func__, "RawDomainSuperns");
 }
 
-// `domain` begins the log lines.
-void MetadataUpdater::writeSuperNs(const char* domain) {
+// The log lines name `operation` and begin with `domain`.
+void MetadataUpdater::writeSuperNs(const char* operation, const char* domain) {
   const Aec a = readOr(Aec(), kAecTag, firstFrame());
   const Aec b = readOr(Aec(), kAecTag, masterFrameAt(mCaptureResultNum - 1));
-  logPair(domain, "superNSAdrcGain", a[kAecAdrcGain], b[kAecAdrcGain]);
-  logPair(domain, "superNSRealGain", a[kAecRealGain], b[kAecRealGain]);
-  logPair(domain, "superNSLongGain", a[kAecLongGain], b[kAecLongGain]);
-  logPair(domain, "superNSFlashAdrcGain", a[kAecRealGain], 0);
-  logPair(domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
-  logPair(domain, "hdrShutters", milliseconds(a), milliseconds(b));
+  logPair(operation, domain, "superNSAdrcGain", a[kAecAdrcGain], b[kAecAdrcGain]);
+  logPair(operation, domain, "superNSRealGain", a[kAecRealGain], b[kAecRealGain]);
+  logPair(operation, domain, "superNSLongGain", a[kAecLongGain], b[kAecLongGain]);
+  logPair(operation, domain, "superNSFlashAdrcGain", a[kAecRealGain], 0);
+  logPair(operation, domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
+  logPair(operation, domain, "hdrShutters", milliseconds(a), milliseconds(b));
 
   // The two flash entries are crossed: real gains, the first frame's first and the last frame's last. Meant
   // so.

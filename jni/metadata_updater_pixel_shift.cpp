@@ -9,6 +9,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updatePixelShift";  // named by the lines of its parts
 
 constexpr size_t kMatrixSize = 9;
 
@@ -63,7 +64,7 @@ Frame MetadataUpdater::baseFrame() const {
 std::array<float, 9> MetadataUpdater::readColourMatrix() {
   const auto matrix = readOr(PlatformMatrix(), "orlu.feedback.ccm", firstCaptureResultOnly());
   if (!isEmpty(matrix)) return reordered(matrix);
-  LOGD("pixelshift ccmMatrix is empty use default value");
+  LOGD_AS(kOperation, "pixelshift ccmMatrix is empty use default value");
   return {1, 0, 0, 0, 1, 0, 0, 0, 1};
 }
 
@@ -71,16 +72,18 @@ void MetadataUpdater::logPixelShift(const std::array<float, 9>& ccm, const std::
                                     const int32_t* gamma, const int64_t* gtm, float zoom, int32_t satRole) {
   const auto c = [&ccm](size_t i) { return static_cast<double>(ccm[i]); };
   const auto g = [gtm](size_t i) { return static_cast<int>(gtm[i]); };
-  LOGD("pixelshift algonative:ccmMatrix=(%f,%f,%f,%f,%f,%f,%f,%f,%f)", c(0), c(1), c(2), c(3), c(4), c(5),
-       c(6), c(7), c(8));
-  LOGD("pixelshift algonative:satCropRegions=(%d,%d,%d,%d)", crop[0], crop[1], crop[2], crop[3]);
+  LOGD_AS(kOperation, "pixelshift algonative:ccmMatrix=(%f,%f,%f,%f,%f,%f,%f,%f,%f)", c(0), c(1), c(2), c(3),
+          c(4), c(5), c(6), c(7), c(8));
+  LOGD_AS(kOperation, "pixelshift algonative:satCropRegions=(%d,%d,%d,%d)", crop[0], crop[1], crop[2],
+          crop[3]);
   // The algorithm has no crop of its own for the Bayer pattern: what it crops is the region above.
-  LOGD("pixelshift algonative:bayercrop=(%d,%d,%d,%d)", crop[0], crop[1], crop[2], crop[3]);
-  LOGD("pixelshift algonative:gamma=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", gamma[0], gamma[1], gamma[2], gamma[3],
-       gamma[4], gamma[5], gamma[6], gamma[7], gamma[8], gamma[9]);
-  LOGD("pixelshift algonative:gtm=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", g(0), g(1), g(2), g(3), g(4), g(5), g(6),
-       g(7), g(8), g(9));
-  LOGD("pixelshift algonative:digitalzoomratio=%f,cameraSatRole=%d", static_cast<double>(zoom), satRole);
+  LOGD_AS(kOperation, "pixelshift algonative:bayercrop=(%d,%d,%d,%d)", crop[0], crop[1], crop[2], crop[3]);
+  LOGD_AS(kOperation, "pixelshift algonative:gamma=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", gamma[0], gamma[1],
+          gamma[2], gamma[3], gamma[4], gamma[5], gamma[6], gamma[7], gamma[8], gamma[9]);
+  LOGD_AS(kOperation, "pixelshift algonative:gtm=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", g(0), g(1), g(2), g(3),
+          g(4), g(5), g(6), g(7), g(8), g(9));
+  LOGD_AS(kOperation, "pixelshift algonative:digitalzoomratio=%f,cameraSatRole=%d", static_cast<double>(zoom),
+          satRole);
 }
 
 }  // namespace orlu

@@ -87,8 +87,9 @@ void dropFacesOutside(_tagOrluFaceInfo& face, _tagOrluSize image, _tagOrluSize a
       ++i;
       continue;
     }
-    LOGD("shotFace faceinfo out of range! face_num - 1, frame.size(%d,%d), activeSize=(%d,%d)", image.width,
-         image.height, active.width, active.height);
+    LOGD_AS("convertFace",
+            "shotFace faceinfo out of range! face_num - 1, frame.size(%d,%d), activeSize=(%d,%d)",
+            image.width, image.height, active.width, active.height);
     --face.count;
     if (face.count > i) face.rects[i] = face.rects[face.count];
   }
@@ -119,11 +120,11 @@ bool MetadataUpdater::needRemapRegion(_tagOrluSize activeSize, int width, int he
 
 // `unscaled` is logged when the rectangle keeps its scale; the offsets apply all the same, deliberately.
 __tagOrluRect MetadataUpdater::mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image,
-                                          const char* unscaled) {
+                                          const char* operation, const char* unscaled) {
   Mapping mapping = mappingOf(active, image);
   if (!needRemapRegion(active, image.width, image.height)) {
     mapping.ratio = 1.0F;
-    LOGD("%s", unscaled);
+    LOGD_AS(operation, "%s", unscaled);
   }
   return {mapped(rect.left, mapping.ratio, mapping.offsetX), mapped(rect.top, mapping.ratio, mapping.offsetY),
           mapped(rect.right, mapping.ratio, mapping.offsetX),
@@ -143,11 +144,11 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
   const __tagOrluRect orig = face.rects[0];
   for (int k = 0; k < face.count; ++k) {
     __tagOrluRect& rect = face.rects[k];
-    rect = mapToImage(rect, active, image, "shotFace call from app set ratio to 1.0");
+    rect = mapToImage(rect, active, image, __func__, "shotFace call from app set ratio to 1.0");
     face.orientations[k] = orientation;
     LOGD("shotFace.rects[%d] rect(l=%d, t=%d, r=%d, b=%d)", k, rect.left, rect.top, rect.right, rect.bottom);
     if (isZoomed) rect = zoomedAboutCentre(rect, image, zoom);
-    logConversion("shotFace", active, image, orig, face.rects[0], zoom);
+    logConversion(__func__, "shotFace", active, image, orig, face.rects[0], zoom);
     clampToImage(rect, image);
   }
   dropFacesOutside(face, image, active);
@@ -166,7 +167,7 @@ void MetadataUpdater::setVAFAeRegion(__tagOrluRect& region) {
 void MetadataUpdater::convertMetering(__tagOrluRect& region, const Metering& metering) {
   const AlgoFrameInfo* const input = firstInput();
   if (input == nullptr) {
-    LOGE("%s failed, image size 0", metering.step);
+    LOGE_AS(metering.step, "%s failed, image size 0", metering.step);
     return;
   }
   const _tagOrluSize image = {input->width, input->height};
@@ -176,14 +177,14 @@ void MetadataUpdater::convertMetering(__tagOrluRect& region, const Metering& met
   const auto zoom = readOr<float>(0, "android.control.zoomRatio", firstFrame());
   if (hasZeroSide(active)) return;
 
-  region = mapToImage(orig, active, image, metering.unscaled);
+  region = mapToImage(orig, active, image, metering.step, metering.unscaled);
   // Without zoom nothing is clamped, unlike faces; kept so.
   if (zoom > 1.0F) {
     region = zoomedAboutCentre(region, image, zoom);
     clampToImage(region, image);
     emptyIfCrossed(region);
   }
-  logConversion(metering.label, active, image, orig, region, zoom);
+  logConversion(metering.step, metering.label, active, image, orig, region, zoom);
 }
 
 // The first region under the tag, in the active array's coordinates; zero when there is none.
@@ -194,9 +195,11 @@ __tagOrluRect MetadataUpdater::readMetering(int32_t& weight, const char* tag) {
   return region;
 }
 
-void MetadataUpdater::logConversion(const char* label, _tagOrluSize active, _tagOrluSize image,
-                                    const __tagOrluRect& orig, const __tagOrluRect& converted, float zoom) {
-  LOGD(
+void MetadataUpdater::logConversion(const char* operation, const char* label, _tagOrluSize active,
+                                    _tagOrluSize image, const __tagOrluRect& orig,
+                                    const __tagOrluRect& converted, float zoom) {
+  LOGD_AS(
+      operation,
       "check vaf size %s[%d, %d] activesize[%d, %d] orig[%d, %d, %d, %d] shotaf[%d, %d, %d, %d] zoomratio %f",
       label, image.width, image.height, active.width, active.height, orig.left, orig.top, orig.right,
       orig.bottom, converted.left, converted.top, converted.right, converted.bottom,

@@ -10,6 +10,7 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kOperation[] = "updateYuvFormat";  // named by the lines of its parts
 
 constexpr size_t kHdrSlots = 6;
 constexpr size_t kBrightSpots = 20;
@@ -54,7 +55,7 @@ void MetadataUpdater::updateFilter() {
   write(kParameter, "filter_info_right",  info[3]);
   write(kParameter, "filter_info_bottom", info[4]);
   const auto params = copy<Ints<10>>("orlu.control.filterRenderParams", kParameter, "filter_params");
-  LOGD("filterParams %d %d", params[0], params[1]);
+  LOGD_AS(kOperation, "filterParams %d %d", params[0], params[1]);
 }
 
 void MetadataUpdater::updatePortraitLight() {
@@ -86,7 +87,7 @@ void MetadataUpdater::updateUserSettings() {
   copy<int32_t>     ("orlu.control.singleBlur_level",    kControl,   "singleblur_capture_level");
   copy<int32_t>     ("orlu.control.gender_type",         kParameter, "gender_preview_type");
   const auto sequence = copy<float>("orlu.feedback.yuvhdrFrameSequence", kControl, "yuvhdr_frame_seq_type");
-  LOGD("yuvhdrFrameSeqType: %f", static_cast<double>(sequence));
+  LOGD_AS(kOperation, "yuvhdrFrameSeqType: %f", static_cast<double>(sequence));
   copy<int32_t>     ("com.orlu.current_ui_module",       kControl,   "ui_mode");
   copy<Ints<10>>    ("orlu.control.3dLightParams",       kParameter, "light_3d_params");
 }
@@ -102,8 +103,8 @@ void MetadataUpdater::updateHdrGains() {
     const Aec aec = readOr(Aec(), kAecTag, masterFrameAt(mHdrFrameIndex[slot]));
     gains[slot] = aec[kAecRealGain];
     shutters[slot] = aec[kAecExposureTime] / kNanosecondsPerMillisecond;
-    LOGD("hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i, static_cast<double>(gains[slot]), i,
-         static_cast<double>(shutters[slot]), mHdrFrameIndex[slot]);
+    LOGD_AS(kOperation, "hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i,
+            static_cast<double>(gains[slot]), i, static_cast<double>(shutters[slot]), mHdrFrameIndex[slot]);
   }
   write(kParameter, "hdr_gains", gains);
   write(kParameter, "hdr_shutters", shutters);
@@ -112,7 +113,7 @@ void MetadataUpdater::updateHdrGains() {
 // The regions are handed over as they were read where there is nothing to convert them with.
 void MetadataUpdater::updateCropAndRegions() {
   const auto crop = copy<__tagOrluRect>("android.scaler.cropRegion", kZoom, "zoom_woi_rect");
-  LOGD("zoomWoiRect(%d, %d, %d, %d)", crop.left, crop.top, crop.right, crop.bottom);
+  LOGD_AS(kOperation, "zoomWoiRect(%d, %d, %d, %d)", crop.left, crop.top, crop.right, crop.bottom);
   copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
 
   int32_t afWeight = 0;  // only the exposure region's weight is handed over
@@ -125,14 +126,14 @@ void MetadataUpdater::updateCropAndRegions() {
   setVAFAeRegion(ae);
   write(kSystem, "ae_regions", ae);
   write(kSystem, "ae_weight", aeWeight);
-  LOGD("aeWeight = %d!!", aeWeight);
+  LOGD_AS(kOperation, "aeWeight = %d!!", aeWeight);
 }
 
 void MetadataUpdater::updateUpscaleSwitch() {
   read(mIsUpscale, "orlu.control.isUpscale");
   if (isRawFormat() != 0) {
     mIsUpscale = 0;
-    LOGD("raw shot need to close upscale!!!");
+    LOGD_AS(kOperation, "raw shot need to close upscale!!!");
   }
   write(kControl, "is_upscale", mIsUpscale);
   if (mIsUpscale == 1) append("upscale");
@@ -151,9 +152,9 @@ void MetadataUpdater::writeShotGains(const char* step) {
   write(kSystem, "safe_gain", aec[kAecSafeGain]);
   write(kSystem, "adrc_gain", aec[kAecAdrcGain]);
   write(kSystem, "drc_gain_dark", aec[kAecDarkBoostGain]);
-  LOGD("%s EIS or YUV HDR upadte safeGain %f adrcGainShot %f drcGainDark %f", step,
-       static_cast<double>(aec[kAecSafeGain]), static_cast<double>(aec[kAecAdrcGain]),
-       static_cast<double>(aec[kAecDarkBoostGain]));
+  LOGD_AS(kOperation, "%s EIS or YUV HDR upadte safeGain %f adrcGainShot %f drcGainDark %f", step,
+          static_cast<double>(aec[kAecSafeGain]), static_cast<double>(aec[kAecAdrcGain]),
+          static_cast<double>(aec[kAecDarkBoostGain]));
 }
 
 // Left, top, width and height of what a switching multi-camera system crops.
@@ -165,7 +166,7 @@ std::array<int32_t, 4> MetadataUpdater::readSatCropRegions(const Frame& frame) {
 void MetadataUpdater::updateSatCropRegions() {
   const Ints<4> ltwh = readSatCropRegions(firstFrame());
   write(kZoom, "sat_crop_regions", ltwh);
-  LOGD("algo process: satCropRegions ltwh %d %d %d %d", ltwh[0], ltwh[1], ltwh[2], ltwh[3]);
+  LOGD_AS(kOperation, "algo process: satCropRegions ltwh %d %d %d %d", ltwh[0], ltwh[1], ltwh[2], ltwh[3]);
 }
 
 void MetadataUpdater::updateDocument() {
@@ -183,7 +184,7 @@ void MetadataUpdater::updateDocument() {
   write(kParameter, "focusDistance", 100.0F / dioptres);
   write(kParameter, "aiSceneType", scene);
   write(kParameter, "hasDocArea", area);
-  LOGD("orlu.control.document.pack %d", pack);
+  LOGD_AS(kOperation, "orlu.control.document.pack %d", pack);
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 
