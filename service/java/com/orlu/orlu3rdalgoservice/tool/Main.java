@@ -69,10 +69,6 @@ public final class Main {
     }
 
     private int run() throws RequestFileException, ErrnoException, IOException {
-        if (mOptions.help) {
-            mTo.print(Options.HELP);
-            return 0;
-        }
         // All are read before the first runs, so that a mistake in the last shows at once.
         List<RequestFile> requests = new ArrayList<>();
         for (Path file : mOptions.requests()) {
