@@ -79,9 +79,4 @@ prepare_arm() {
   fetch_arm_root
   ORLU_ARM_ROOT=$(arm_root_path)
   export ORLU_ARM_ROOT
-  # CMake remembers the places of the libraries that it found in another root.
-  local cache=$root/build/arm/CMakeCache.txt
-  if [ -e "$cache" ] && ! grep -qx "ORLU_ARM_ROOT:[A-Z]*=$ORLU_ARM_ROOT" "$cache"; then
-    rm -f "$cache"
-  fi
 }

@@ -1,22 +1,22 @@
 # shellcheck shell=bash
-# Shared by ./run, ./test and .ci/run. To be sourced by bash; the caller sets root to this project's folder.
+# Shared by ./run, ./test, .ci/run and the scripts beside them: packages, and where Java is. To be sourced by bash
+# with "pipefail" set; the caller sets root to this project's folder.
 
-# What building takes: compiler, build tools, JDK, and the libraries of the host layer and the tests.
-readonly build_packages=(
+# What ./run takes: compiler, build tools, JDK, and the libraries of the host layer.
+readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
-  libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev
+  libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev
 )
-# What the tests take beside that: the tools that look into files.
-readonly test_packages=(binutils python3)
+# What the tests take beside that: their library, and the tools that look into files.
+readonly test_packages=(libgtest-dev binutils python3)
 # The cross compiler, and what runs its programs here. What they link and load comes from the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
-
-# Quiet, and patient while somebody else installs something.
-readonly apt_options=(-qq -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
-
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)
+
+# Patient while somebody else installs something.
+readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
 # die TEXT...: one line on standard error, and the end.
 die() {
@@ -35,27 +35,72 @@ as_root() {
   fi
 }
 
-is_installed() {
-  [ "$(dpkg-query -W -f '${db:Status-Abbrev}' "$1" 2>/dev/null)" = "ii " ]
+# follow LOG PATTERN: copies standard input to the end of LOG. Of the lines that match the pattern, a terminal shows
+# the latest, in one line that is rewritten and cleared at the end; elsewhere one goes out every ten seconds.
+follow() {
+  local pattern=$2 line shown=$SECONDS
+  while IFS= read -r line; do
+    printf '%s\n' "$line" >&3
+    if [[ ! $line =~ $pattern ]]; then
+      continue
+    elif [ -t 2 ]; then
+      printf '\r\e[K%.*s' "$((${COLUMNS:-80} - 1))" "$line" >&2
+    elif ((SECONDS - shown >= 10)); then
+      printf '%s\n' "$line" >&2
+      shown=$SECONDS
+    fi
+  done 3>>"$1"
+  [ ! -t 2 ] || printf '\r\e[K' >&2
+}
+
+# Name and version of every package of this machine's architecture, a line each; empty until it is asked for.
+installed_packages=
+
+# read_installed_packages: fills installed_packages, in one query for all of them.
+read_installed_packages() {
+  if [ -z "$installed_packages" ] && command -v dpkg-query >/dev/null; then
+    installed_packages=$(dpkg-query -W -f '${db:Status-Abbrev}${Architecture} ${Package} ${Version}\n' |
+      sed -nE "s/^ii ($(dpkg --print-architecture)|all) //p")
+  fi
+}
+
+# are_installed PACKAGE...: whether all of them are. The others are in the array missing.
+are_installed() {
+  local package
+  missing=()
+  read_installed_packages
+  for package in "$@"; do
+    [[ $'\n'$installed_packages == *$'\n'"$package "* ]] || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ]
+}
+
+# apt_get ARGUMENT...: changes packages of this machine; what apt-get says is shown in full only when it fails.
+apt_get() {
+  local log
+  log=$(mktemp)
+  if ! as_root env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 apt-get "${apt_options[@]}" "$@" 2>&1 </dev/null |
+    follow "$log" '^(Get:|Unpacking|Setting up|Processing)'; then
+    cat "$log" >&2
+    rm -f "$log"
+    die "apt-get failed"
+  fi
+  rm -f "$log"
 }
 
 # install_missing PURPOSE PACKAGE...: installs those of the Debian packages that are not there. Says so in one
 # line; silent when all are there.
 install_missing() {
-  local purpose=$1 package
-  local missing=()
+  local purpose=$1 missing
   shift
-  for package in "$@"; do
-    is_installed "$package" || missing+=("$package")
-  done
-  if [ ${#missing[@]} -eq 0 ]; then
+  if are_installed "$@"; then
     return
   fi
   command -v apt-get >/dev/null || die "needs these Debian packages $purpose: ${missing[*]}"
   echo "Installing $purpose: ${missing[*]}" >&2
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" update >/dev/null
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get "${apt_options[@]}" -y --no-install-recommends \
-    install "${missing[@]}" >/dev/null
+  apt_get update
+  apt_get -y --no-install-recommends install "${missing[@]}"
+  installed_packages=
 }
 
 # debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another
@@ -71,19 +116,4 @@ debian_java_home() {
   die "Debian's Java 17 is missing from ${1:-}/usr/lib/jvm"
 }
 
-# build_preset PRESET [TARGET...]: brings build/PRESET up to date, all of it when no target is named. The
-# build's own output is shown only when it fails.
-build_preset() {
-  local preset=$1 folder=$root/build/$1 log
-  shift
-  log=$(mktemp)
-  if [ ! -e "$folder/build.ninja" ]; then
-    echo "Building $preset; the first time takes a minute or two" >&2
-  fi
-  if ! { (cd "$root" && cmake --preset "$preset") && cmake --build "$folder" -- "$@"; } >"$log" 2>&1; then
-    cat "$log" >&2
-    rm -f "$log"
-    die "the build of $preset failed"
-  fi
-  rm -f "$log"
-}
+source "$root/scripts/build_folder.sh"
