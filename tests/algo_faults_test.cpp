@@ -48,8 +48,7 @@ INSTANTIATE_TEST_SUITE_P(Operations, MissingOperationTest,
                                          "paramSystemDownloadToAlgo"),
                          [](const auto& operation) { return std::string(operation.param); });
 
-struct CallbackCase {
-  const char* name;
+struct CallbackCase : test::NamedCase {
   int result;
   int callbacks;
   bool beforeReturn;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "camera_metadata_parser.h"
+#include "case_name.h"
 #include "error_lines.h"
 #include "fixtures.h"
 #include "jni_table.h"
@@ -143,8 +144,7 @@ inline jobject fraction() {
   return javaRational(1, 2);
 }
 
-struct Getter {
-  const char* name;
+struct Getter : NamedCase {
   Source source;
   Reader read;
   const char* key;

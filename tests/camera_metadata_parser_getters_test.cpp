@@ -84,8 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Getters, CameraMetadataParserGetterTest, testing::Value
 
 // ---- Values in a composition that are read in part
 
-struct SpecialCase {
-  const char* name;
+struct SpecialCase : NamedCase {
   Reader read;
   int capacity;
   jobject (*make)();

@@ -10,8 +10,7 @@ namespace {
 
 enum Container { kComposition, kHashMap };
 
-struct Putter {
-  const char* name;
+struct Putter : NamedCase {
   Container container;
   int (*put)(P&, jobject container);
   const char* stored;    // the Java class and value

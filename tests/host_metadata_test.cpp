@@ -23,8 +23,7 @@ std::string ask(jobject result, const char* tag, const char* askedClass) {
   return refused ? "refused" : test::describeJava(value);
 }
 
-struct StoreCase {
-  const char* name;
+struct StoreCase : test::NamedCase {
   const char* tag;
   jobject (*value)();  // null: the tag is not set
   const char* askedClass;

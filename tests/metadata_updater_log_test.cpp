@@ -73,12 +73,12 @@ std::set<std::string> prefixedLines(const LogCapture& log) {
 std::vector<GoldenCase> allCaptures() {
   std::vector<GoldenCase> captures;
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder())) {
-    if (entry.path().extension() == ".txt") captures.push_back(readGoldenCase(entry.path()));
+    if (entry.path().extension() == ".txt") captures.push_back(readGoldenCase(entry.path().stem()));
   }
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + "variations")) {
     for (const GoldenVariation& variation : readGoldenVariations(entry.path())) {
-      GoldenCase& capture = captures.emplace_back(readGoldenCase(goldenFolder() + variation.base + ".txt"));
-      for (const std::string& line : variation.changes) changeGolden(capture, line);
+      GoldenCase& capture = captures.emplace_back(readGoldenCase(variation.base));
+      for (const GoldenLine& line : variation.changes) changeGolden(capture, line.text);
     }
   }
   return captures;

@@ -9,7 +9,6 @@
 #include "fixtures.h"
 #include "golden_run.h"
 #include "log_capture.h"
-#include "paths.h"
 
 namespace orlu {
 namespace {
@@ -23,7 +22,7 @@ constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 GoldenCase golden(const std::string& name, const std::vector<std::string>& changes = {}) {
-  GoldenCase read = test::readGoldenCase(test::goldenFolder() + name + ".txt");
+  GoldenCase read = test::readGoldenCase(name);
   for (const std::string& line : changes) test::changeGolden(read, line);
   return read;
 }

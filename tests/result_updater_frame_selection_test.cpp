@@ -91,8 +91,7 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
 
 // ---- Frames kept and thrown away
 
-struct SelectCase {
-  const char* name;
+struct SelectCase : test::NamedCase {
   int frames;
   std::vector<int32_t> selected;
   std::string kept;    // of "orlu.feedback.frameSelectResult"; "none": neither key
@@ -140,8 +139,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterSelectTest, testing::Values(
 
 // ---- The base frame
 
-struct BaseCase {
-  const char* name;
+struct BaseCase : test::NamedCase {
   int frames;
   int32_t index;
   int64_t time;

@@ -276,8 +276,7 @@ TEST_F(ResultUpdaterStepsTest, LogOnlyErrorsAndTheBareLinesAtASilentLevel) {
 
 // ---- On which conditions
 
-struct ResultCase {
-  const char* name;
+struct ResultCase : test::NamedCase {
   std::vector<std::string> algorithms;
   const char* requestType;
   std::vector<LeftValue> values;

@@ -30,8 +30,7 @@ AlgoFrameInfo convert(jobject image) {
   return request.inputFrames().at(0);
 }
 
-struct ImageCase {
-  const char* name;
+struct ImageCase : test::NamedCase {
   const char* format;  // null for none
   int width;
   int height;

@@ -37,8 +37,7 @@ protected:
   test::LogCapture mLog;
 };
 
-struct Entry {
-  const char* name;
+struct Entry : test::NamedCase {
   const char* lookup;  // as JniTable tells it
   const char* label;   // as it is missed
 };

@@ -101,8 +101,7 @@ AlgoFrameInfo frameOf(int width) {
   return frame;
 }
 
-struct Operation {
-  const char* name;
+struct Operation : test::NamedCase {
   std::function<void(AlgoNativeContext& context, void* block)> ask;
   const char* lines;
 };

@@ -1,4 +1,4 @@
-// Names the cases of a table by their member `name`, in test names and failures.
+// Names the cases of a table, in test names and failures.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,6 +7,13 @@
 #include <string>
 
 namespace orlu::test {
+
+// The base of a table's rows: the name is their first value.
+struct NamedCase {
+  const char* name;
+
+  friend std::ostream& operator<<(std::ostream& out, const NamedCase& named) { return out << named.name; }
+};
 
 struct CaseName {
   template <typename Case>

@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "paths.h"
+
 namespace orlu::test {
 namespace {
 
@@ -107,76 +109,55 @@ class Reader {
 public:
   explicit Reader(GoldenCase& golden) : mGolden(golden) {}
 
-  void readFile(const std::string& path, const std::string& shared) {
-    std::ifstream in(path);
-    if (!in) throw std::runtime_error(path + ": can't be read");
-    int number = 0;
-    for (std::string line; std::getline(in, line);) {
-      ++number;
-      try {
-        readLine(line, shared);
-      } catch (const std::runtime_error& error) {
-        throw std::runtime_error(path + ':' + std::to_string(number) + ": " + error.what());
-      }
-    }
+  // `name` is relative to the folder of golden texts.
+  void readFile(const std::string& name) {
+    readGoldenLines(goldenFolder() + name + ".txt", [this](const GoldenLine& line) { readLine(line); });
   }
 
 private:
-  void readLine(const std::string& line, const std::string& shared) {
-    std::istringstream in(line);
+  void readLine(const GoldenLine& line) {
+    std::istringstream in(line.text);
     std::string word;
-    if (!(in >> word) || word[0] == '#') return;
+    in >> word;
     if (word[0] == '[') {
       mSection = word;
     } else if (word == "include") {
       in >> word;
-      readFile(shared + word + ".txt", shared);
+      readFile("shared/" + word);
     } else if (mSection == "[request]") {
       readRequest(mGolden, word, in);
     } else if (mSection == "[tags]") {
-      changeGolden(mGolden, line);
+      changeGolden(mGolden, line.text);
     } else if (mSection == "[after]") {
-      readAfter(word, in);
+      mGolden.after.push_back(line);
     } else {
       expect(mSection == "[writes]", "no section");
-      readWrite(word, in);
+      readWrite(word, in, line.place);
     }
   }
 
-  void readAfter(const std::string& word, std::istream& in) {
-    if (word == "algorithms") {
-      mGolden.algorithmsAfter = wordsOf(in);
-    } else if (word == "put") {
-      mGolden.puts.push_back(restOf(in));
-    } else if (word == "output") {
-      mGolden.changedOutputs.push_back(restOf(in));
-    } else {
-      expect(word == "skip", "unknown line of an outcome");
-      mGolden.skip = true;
-    }
-  }
-
-  void readWrite(const std::string& word, std::istream& in) {
-    GoldenWrite write;
+  void readWrite(const std::string& word, std::istream& in, const GoldenPlace& place) {
+    GoldenWrite write = {word, "", {}, place};
     const bool isReplacing = word == "~";
-    write.section = word;
     if (isReplacing) in >> write.section;
     in >> write.key;
     write.value = parseGoldenValue(restOf(in), 0);
     if (isReplacing) {
-      replacedValue(write) = write.value;
+      replace(write);
     } else {
       mGolden.writes.push_back(write);
     }
   }
 
-  // The value that stands so far under a section and a key, which "key#2" says which of.
-  GoldenValue& replacedValue(const GoldenWrite& write) {
+  // Replaces what stands so far under a section and a key, which "key#2" says which of.
+  void replace(GoldenWrite write) {
     const size_t hash = write.key.find('#');
-    const std::string key = write.key.substr(0, hash);
     int left = hash == std::string::npos ? 1 : std::stoi(write.key.substr(hash + 1));
+    write.key.resize(std::min(hash, write.key.size()));
     for (GoldenWrite& candidate : mGolden.writes) {
-      if (candidate.section == write.section && candidate.key == key && --left == 0) return candidate.value;
+      if (candidate.name() != write.name() || --left > 0) continue;
+      candidate = write;
+      return;
     }
     throw std::runtime_error("nothing to replace");
   }
@@ -187,9 +168,26 @@ private:
 
 }  // namespace
 
-GoldenCase readGoldenCase(const std::string& path) {
+void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read) {
+  std::ifstream in(path);
+  if (!in) throw std::runtime_error(path + ": can't be read");
+  GoldenLine line = {
+      "", {path, 0}
+  };
+  while (std::getline(in, line.text)) {
+    ++line.place.line;
+    if (line.text.empty() || line.text[0] == '#') continue;
+    try {
+      read(line);
+    } catch (const std::runtime_error& error) {
+      throw std::runtime_error(path + ':' + std::to_string(line.place.line) + ": " + error.what());
+    }
+  }
+}
+
+GoldenCase readGoldenCase(const std::string& name) {
   GoldenCase golden;
-  Reader(golden).readFile(path, path.substr(0, path.rfind('/') + 1) + "shared/");
+  Reader(golden).readFile(name);
   return golden;
 }
 
@@ -207,18 +205,6 @@ void changeGolden(GoldenCase& golden, const std::string& line) {
   if (word == "input" && !isAdded) golden.inputs.clear();
   if (word == "output" && !isAdded) golden.outputs.clear();
   readRequest(golden, word, in);
-}
-
-std::string writeLines(const std::vector<GoldenWrite>& writes, const std::vector<GoldenWrite>& typedAs) {
-  std::map<std::string, std::string> types;
-  for (const GoldenWrite& write : typedAs) types.emplace(write.section + write.key, write.value.type);
-  std::string lines;
-  for (const GoldenWrite& write : writes) {
-    const auto type = types.find(write.section + write.key);
-    lines += write.section + ' ' + write.key + ' ' +
-             describeBytes(type == types.end() ? "bytes" : type->second, write.value.bytes) + '\n';
-  }
-  return lines;
 }
 
 }  // namespace orlu::test

@@ -1,7 +1,8 @@
-// One golden text: a request, and what translating its metadata must come to. tests/golden/README.md tells
-// the notation.
+// One golden text: a request, and what translating its metadata must come to. tests/golden/README.md
+// describes the notation.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -10,6 +11,17 @@
 #include "golden_value.h"
 
 namespace orlu::test {
+
+// Where a line of a text stands.
+struct GoldenPlace {
+  std::string file;
+  int line = 0;
+};
+
+struct GoldenLine {
+  std::string text;
+  GoldenPlace place;
+};
 
 struct GoldenImage {
   std::string format;
@@ -30,6 +42,9 @@ struct GoldenWrite {
   std::string section;  // without "orlu.algo."
   std::string key;
   GoldenValue value;
+  GoldenPlace place;  // of the line that gives its value
+
+  std::string name() const { return section + ' ' + key; }
 };
 
 struct GoldenCase {
@@ -43,22 +58,20 @@ struct GoldenCase {
   std::vector<std::pair<std::string, std::string>> properties;
   std::vector<GoldenFrame> frames;
 
-  std::vector<std::string> algorithmsAfter;
-  std::vector<std::string> puts;            // as they are written
-  std::vector<std::string> changedOutputs;  // the same
-  bool skip = false;
+  std::vector<GoldenLine> after;  // as they are written
   std::vector<GoldenWrite> writes;
 };
 
-// Reads a text; "include" looks into the folder "shared" beside it. Throws std::runtime_error, with the file
-// and the line, for what it does not understand.
-GoldenCase readGoldenCase(const std::string& path);
+// Calls `read` for each line of a file that is neither empty nor a comment. Throws std::runtime_error, with
+// the file and the line, for what `read` throws.
+void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read);
+
+// Reads a text of the folder of golden texts, by its name. Throws std::runtime_error, with the file and the
+// line, for what it does not understand.
+GoldenCase readGoldenCase(const std::string& name);
 
 // Reads one more line of tags, such as "0 orlu.control.reqID int 5", or a line of the request, such as
 // "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
 void changeGolden(GoldenCase& golden, const std::string& line);
-
-// The writes, one line each. A value is shown by the type that `typedAs` has of its key.
-std::string writeLines(const std::vector<GoldenWrite>& writes, const std::vector<GoldenWrite>& typedAs);
 
 }  // namespace orlu::test

@@ -115,7 +115,10 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
     if (call.operation != "setValue") continue;
     const bool known = call.section.compare(0, prefix.size(), prefix) == 0;
     writes.push_back({
-        known ? call.section.substr(prefix.size()) : "?" + call.section, call.key, {"bytes", call.bytes}
+        known ? call.section.substr(prefix.size()) : "?" + call.section,
+        call.key,
+        {"bytes",   call.bytes},
+        {         }
     });
   }
   return writes;

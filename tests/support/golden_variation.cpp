@@ -1,6 +1,5 @@
 #include "golden_variation.h"
 
-#include <fstream>
 #include <iomanip>
 #include <sstream>
 #include <stdexcept>
@@ -15,12 +14,12 @@ namespace {
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
-// What a variation came to, asked line by line.
+// What a variation came to, compared line by line.
 class Outcome {
 public:
-  Outcome(const GoldenVariation& variation, const std::string& goldenPath) {
-    GoldenCase golden = readGoldenCase(goldenPath + variation.base + ".txt");
-    for (const std::string& line : variation.changes) changeGolden(golden, line);
+  explicit Outcome(const GoldenVariation& variation) {
+    GoldenCase golden = readGoldenCase(variation.base);
+    for (const GoldenLine& line : variation.changes) changeGolden(golden, line.text);
     Algo algo;
     const LogCapture log;
     mRun = runGolden(golden, algo, [this](MetadataUpdater& updater) {
@@ -104,7 +103,7 @@ private:
   }
 
   GoldenRun mRun;
-  // What the updater tells afterwards: the first input's format and whether it is raw, and what it wrote of
+  // What the updater says afterwards: the first input's format and whether it is raw, and what it wrote of
   // the bracketing.
   std::pair<int, int> mFormat;
   std::pair<int, int> mHdrIndex = {7, 7};
@@ -112,17 +111,19 @@ private:
 };
 
 // Adds one line of a file to its variations; "= Name of base" begins another one.
-void addLine(std::vector<GoldenVariation>& variations, const std::string& line) {
-  if (line[0] == '=') {
-    std::istringstream in(line.substr(1));
+void addLine(std::vector<GoldenVariation>& variations, const GoldenLine& line) {
+  if (line.text[0] == '=') {
+    std::istringstream in(line.text.substr(1));
     std::string of;
     GoldenVariation& added = variations.emplace_back();
-    if (!(in >> added.name >> of >> added.base) || of != "of") throw std::runtime_error("no base: " + line);
+    added.place = line.place;
+    if (!(in >> added.name >> of >> added.base) || of != "of") throw std::runtime_error("no base");
     return;
   }
-  if (variations.empty()) throw std::runtime_error("of no variation: " + line);
-  if (line[0] == '>') {
-    variations.back().expectations.push_back(line.substr(line.find_first_not_of(' ', 1)));
+  if (variations.empty()) throw std::runtime_error("of no variation");
+  if (line.text[0] == '>') {
+    variations.back().expectations.push_back(
+        {line.text.substr(line.text.find_first_not_of(' ', 1)), line.place});
   } else {
     variations.back().changes.push_back(line);
   }
@@ -131,24 +132,24 @@ void addLine(std::vector<GoldenVariation>& variations, const std::string& line) 
 }  // namespace
 
 std::vector<GoldenVariation> readGoldenVariations(const std::string& path) {
-  std::ifstream in(path);
-  if (!in) throw std::runtime_error(path + ": can't be read");
   std::vector<GoldenVariation> variations;
-  for (std::string line; std::getline(in, line);) {
-    if (!line.empty() && line[0] != '#') addLine(variations, line);
-  }
+  readGoldenLines(path, [&](const GoldenLine& line) { addLine(variations, line); });
   return variations;
 }
 
-std::string unmetExpectations(const GoldenVariation& variation, const std::string& goldenPath) {
-  if (variation.expectations.empty()) return "nothing is expected";
-  const Outcome outcome(variation, goldenPath);
-  std::string unmet;
-  for (const std::string& expectation : variation.expectations) {
-    const std::string found = outcome.found(expectation);
-    if (found != expectation) unmet += "- " + expectation + "\n+ " + found + '\n';
+std::vector<GoldenFailure> checkVariation(const GoldenVariation& variation) {
+  if (variation.expectations.empty())
+    return {
+        {variation.place, "nothing is expected"}
+    };
+  const Outcome outcome(variation);
+  std::vector<GoldenFailure> failures;
+  for (const GoldenLine& line : variation.expectations) {
+    const std::string found = outcome.found(line.text);
+    if (found != line.text)
+      failures.push_back({line.place, "\n  expected " + line.text + "\n  found    " + found});
   }
-  return unmet;
+  return failures;
 }
 
 }  // namespace orlu::test

@@ -14,9 +14,9 @@ namespace orlu::test {
 class LogOfFailures : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override { mLog.clear(); }
   void OnTestEnd(const testing::TestInfo& test) override {
-    if (test.result()->Passed()) return;
+    const std::string text = test.result()->Passed() ? "" : mLog.text();
+    if (text.empty()) return;
     constexpr size_t kMostBytes = 4'000;
-    const std::string text = mLog.text();
     const size_t start = text.size() > kMostBytes ? text.find('\n', text.size() - kMostBytes) + 1 : 0;
     std::fprintf(stderr, "%s of %s.%s logged, as far as it was not captured:\n%s",
                  start > 0 ? "The last" : "All", test.test_suite_name(), test.name(), text.c_str() + start);
