@@ -1,0 +1,194 @@
+#include "event_line.h"
+
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+
+namespace orlu::probe {
+namespace {
+
+constexpr char kDigits[] = "0123456789abcdef";
+
+// Asked for once a thread: the kernel's answer never changes.
+int64_t threadNumber() {
+  static thread_local const int64_t number = syscall(SYS_gettid);
+  return number;
+}
+
+int64_t now() {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+template <typename Number>
+void append(std::string& text, Number value, int base = 10) {
+  char digits[24];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, value, base).ptr);
+}
+
+bool isContinuation(unsigned char byte) {
+  return (byte & 0xC0) == 0x80;
+}
+
+// How many bytes the UTF-8 character at the beginning of the text has; 0 when there is none.
+size_t characterLength(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text[0]);
+  if (first < 0x80) return 1;
+  const size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
+  if (length == 0 || text.size() < length) return 0;
+  if (!std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), isContinuation)) {
+    return 0;
+  }
+  const auto second = static_cast<unsigned char>(text[1]);
+  const bool overlong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
+  const bool surrogate = first == 0xED && second > 0x9F;
+  const bool tooLarge = first == 0xF4 && second > 0x8F;
+  return overlong || surrogate || tooLarge ? 0 : length;
+}
+
+}  // namespace
+
+EventLine::EventLine(const char* event) {
+  mText.reserve(512);
+  mText += '{';
+  number("t", now());
+  number("tid", threadNumber());
+  char name[16] = {};
+  prctl(PR_GET_NAME, name);
+  text("thread", name);
+  text("event", event);
+}
+
+EventLine& EventLine::call(uint64_t number, const char* operation) {
+  begin("n");
+  append(mText, number);
+  return text("op", operation);
+}
+
+EventLine& EventLine::number(const char* name, int64_t value) {
+  begin(name);
+  append(mText, value);
+  return *this;
+}
+
+EventLine& EventLine::hex(const char* name, uint64_t value) {
+  begin(name);
+  mText += "\"0x";
+  append(mText, value, 16);
+  mText += '"';
+  return *this;
+}
+
+EventLine& EventLine::text(const char* name, std::string_view value) {
+  begin(name);
+  quote(value);
+  return *this;
+}
+
+EventLine& EventLine::texts(const char* name, const std::vector<std::string>& values) {
+  beginList(name);
+  for (const std::string& value : values) {
+    begin(nullptr);
+    quote(value);
+  }
+  return endList();
+}
+
+EventLine& EventLine::numbers(const char* name, const int32_t* values, int count) {
+  beginList(name);
+  for (int i = 0; i < count; ++i) {
+    begin(nullptr);
+    append(mText, values[i]);
+  }
+  return endList();
+}
+
+EventLine& EventLine::bytes(const char* name, const void* data, size_t size) {
+  if (data == nullptr) return *this;
+  begin(name);
+  mText += '"';
+  const auto* const bytes = static_cast<const uint8_t*>(data);
+  for (size_t i = 0; i < std::min(size, kMostBytes); ++i) {
+    mText += kDigits[bytes[i] >> 4];
+    mText += kDigits[bytes[i] & 0xF];
+  }
+  mText += '"';
+  return *this;
+}
+
+EventLine& EventLine::answer(const char* name, bool known, bool value) {
+  begin(name);
+  mText += !known ? "null" : value ? "true" : "false";
+  return *this;
+}
+
+EventLine& EventLine::place(std::string_view name, uint64_t offset) {
+  begin(nullptr);
+  quote(name);
+  mText.back() = '+';
+  mText += "0x";
+  append(mText, offset, 16);
+  mText += '"';
+  return *this;
+}
+
+EventLine& EventLine::beginList(const char* name) {
+  begin(name);
+  mText += '[';
+  return *this;
+}
+
+EventLine& EventLine::beginObject(const char* name) {
+  begin(name);
+  mText += '{';
+  return *this;
+}
+
+EventLine& EventLine::null(const char* name) {
+  return answer(name, false, false);
+}
+
+const std::string& EventLine::finish() {
+  mText += "}\n";
+  return mText;
+}
+
+// A comma where something stands before, and the field's name.
+void EventLine::begin(const char* name) {
+  const char last = mText.back();
+  if (last != '{' && last != '[') mText += ',';
+  if (name == nullptr) return;
+  quote(name);
+  mText += ':';
+}
+
+void EventLine::quote(std::string_view value) {
+  mText += '"';
+  while (!value.empty()) {
+    const auto byte = static_cast<unsigned char>(value[0]);
+    const size_t length = characterLength(value);
+    if (length == 0) {
+      mText += "\\ufffd";
+    } else if (byte == '"' || byte == '\\') {
+      (mText += '\\') += value[0];
+    } else if (byte < 0x20) {
+      ((mText += "\\u00") += kDigits[byte >> 4]) += kDigits[byte & 0xF];
+    } else {
+      mText += value.substr(0, length);
+    }
+    value.remove_prefix(std::max<size_t>(length, 1));
+  }
+  mText += '"';
+}
+
+EventLine& EventLine::close(char bracket) {
+  mText += bracket;
+  return *this;
+}
+
+}  // namespace orlu::probe

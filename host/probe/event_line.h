@@ -1,0 +1,57 @@
+// One event as a line of JSON: fields are added in order, and the line is closed when it is written.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orlu::probe {
+
+class EventLine {
+public:
+  // An event that happens now, on this thread.
+  explicit EventLine(const char* event);
+
+  // The number and name of a call.
+  EventLine& call(uint64_t number, const char* operation);
+  EventLine& number(const char* name, int64_t value);
+  // An address, a handle or a 64-bit id: "0x7f12". Inside a list there is no name.
+  EventLine& hex(const char* name, uint64_t value);
+  EventLine& hex(const char* name, const void* value) {
+    return hex(name, reinterpret_cast<uintptr_t>(value));
+  }
+  // Bytes that are no UTF-8 become U+FFFD.
+  EventLine& text(const char* name, std::string_view value);
+  EventLine& texts(const char* name, const std::vector<std::string>& values);
+  EventLine& numbers(const char* name, const int32_t* values, int count);
+  // At most kMostBytes of them; null: no field.
+  EventLine& bytes(const char* name, const void* data, size_t size);
+  // true, false, or null when it is not known.
+  EventLine& answer(const char* name, bool known, bool value);
+  EventLine& null(const char* name);
+
+  // An element of a list: "NAME+0xOFFSET".
+  EventLine& place(std::string_view name, uint64_t offset);
+
+  // A list of objects: beginList, then beginObject and endObject for each, then endList. An object that is
+  // the value of a field has its name.
+  EventLine& beginList(const char* name);
+  EventLine& endList() { return close(']'); }
+  EventLine& beginObject(const char* name = nullptr);
+  EventLine& endObject() { return close('}'); }
+
+  // The whole line with its end; nothing can be added then.
+  const std::string& finish();
+
+  static constexpr size_t kMostBytes = size_t{1} << 20;
+
+private:
+  void begin(const char* name);
+  void quote(std::string_view value);
+  EventLine& close(char bracket);
+
+  std::string mText;
+};
+
+}  // namespace orlu::probe

@@ -1,0 +1,113 @@
+#include "event_recorder.h"
+
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "call_fields.h"
+
+namespace orlu::probe {
+namespace {
+
+constexpr int kVersion = 1;
+
+// What is written between a caller and the library must not show in errno.
+class ErrnoKeeper {
+public:
+  ErrnoKeeper() : mErrno(errno) {}
+  ErrnoKeeper(const ErrnoKeeper&) = delete;
+  ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+  ~ErrnoKeeper() { errno = mErrno; }
+
+private:
+  int mErrno;
+};
+
+}  // namespace
+
+void EventRecorder::open() {
+  if (!mFile.open()) return;
+  {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIntroduced.clear();
+  }
+  utsname system = {};
+  uname(&system);
+  EventLine line("header");
+  line.text("format", "orlu-events").number("version", kVersion).text("clock", "CLOCK_MONOTONIC");
+  line.number("pid", getpid()).text("machine", system.machine).number("pointerBits", 8 * sizeof(void*));
+  line.text("probe", fileOf(reinterpret_cast<const void*>(&fileOf)));
+  mFile.write(line.finish());
+}
+
+RealLibrary EventRecorder::load(const void* caller) {
+  const std::string path = findRealLibrary(caller);
+  const uint64_t number = nextCallNumber();
+  mFile.write(EventLine("begin").call(number, "load").text("path", path).finish());
+  const auto start = std::chrono::steady_clock::now();
+  RealLibrary library = openRealLibrary(path);
+  const std::chrono::nanoseconds duration = std::chrono::steady_clock::now() - start;
+  EventLine end("end");
+  end.call(number, "load").number("ns", duration.count()).number("result", library.entry == nullptr ? -1 : 0);
+  if (library.entry == nullptr) end.text("stage", library.stage).text("error", library.error);
+  mFile.write(end.finish());
+  return library;
+}
+
+void EventRecorder::table(uint64_t entry, const AlgoInterfaceCallbacks& table) {
+  if (!mFile.isOn()) return;
+  EventLine line("table");
+  line.number("n", static_cast<int64_t>(entry));
+  line.texts("offered", callableNames(table, true)).texts("missing", callableNames(table, false));
+  mFile.write(line.finish());
+}
+
+void EventRecorder::before(const WatchedCall& call) noexcept {
+  if (!mFile.isOn()) return;
+  const ErrnoKeeper keeper;
+  try {
+    EventLine line("begin");
+    line.call(call.number, call.operation);
+    addInputs(line, call);
+    addCallSite(line);
+    mFile.write(line.finish());
+  } catch (...) {
+    // Without memory there is no event.
+  }
+}
+
+void EventRecorder::after(const WatchedCall& call, const WatchedEnd& end) noexcept {
+  if (!mFile.isOn()) return;
+  const ErrnoKeeper keeper;
+  try {
+    EventLine line("end");
+    line.call(call.number, call.operation);
+    addOutputs(line, call, end);
+    mFile.write(line.finish());
+  } catch (...) {
+    // As above.
+  }
+}
+
+void EventRecorder::addCallSite(EventLine& line) {
+  const CallSite site = callSite(mModules);
+  if (site.module == nullptr) return;
+  introduce(*site.module);
+  line.beginList("from");
+  for (int i = 0; i < site.count; ++i) {
+    line.place(site.module->name, site.addresses[i] - site.module->loadedAt);
+  }
+  line.endList();
+}
+
+void EventRecorder::introduce(const Module& module) {
+  {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (!mIntroduced.insert(&module).second) return;
+  }
+  mFile.write(EventLine("module").text("name", module.name).text("path", module.path).finish());
+}
+
+}  // namespace orlu::probe

@@ -1,0 +1,38 @@
+// Writes every call through a watched table as two events, one before and one after it.
+#pragma once
+
+#include <mutex>
+#include <set>
+
+#include "call_site.h"
+#include "event_file.h"
+#include "event_line.h"
+#include "real_library.h"
+#include "table_watch.h"
+
+namespace orlu::probe {
+
+class EventRecorder final : public TableObserver {
+public:
+  // Looks at the environment, and writes the header when another file than before is written from now on.
+  void open();
+
+  // Finds and opens the real library for a caller of the entry, as one operation.
+  RealLibrary load(const void* caller);
+  // What the table offers that this call of the entry filled in.
+  void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
+
+  void before(const WatchedCall& call) noexcept override;
+  void after(const WatchedCall& call, const WatchedEnd& end) noexcept override;
+
+private:
+  void addCallSite(EventLine& line);
+  void introduce(const Module& module);
+
+  EventFile mFile;
+  ModuleTable mModules;
+  std::mutex mMutex;  // guards the next
+  std::set<const Module*> mIntroduced;
+};
+
+}  // namespace orlu::probe

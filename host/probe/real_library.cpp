@@ -1,0 +1,101 @@
+#include "real_library.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+namespace orlu::probe {
+namespace {
+
+constexpr char kLibraryName[] = "liborlu.vac.interface.so";
+constexpr char kEntryName[] = "AlgoInterfaceEntry";
+
+std::string folderOf(const std::string& file) {
+  const size_t slash = file.rfind('/');
+  return slash == std::string::npos ? "." : file.substr(0, slash);
+}
+
+bool areSameFile(const std::string& left, const std::string& right) {
+  struct stat first;
+  struct stat second;
+  return stat(left.c_str(), &first) == 0 && stat(right.c_str(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+// The loader separates folders by either sign, and an empty one is the current folder.
+std::vector<std::string> foldersOf(const char* list) {
+  std::vector<std::string> folders;
+  if (list == nullptr || *list == '\0') return folders;
+  const std::string text = list;
+  for (size_t begin = 0; begin <= text.size();) {
+    const size_t end = std::min(text.find_first_of(":;", begin), text.size());
+    folders.push_back(end == begin ? "." : text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return folders;
+}
+
+std::string probeFile() {
+  return fileOf(reinterpret_cast<const void*>(&probeFile));
+}
+
+// The next library under the probe's own name. The loader can't be asked, since it returns what is loaded
+// under that name already: the probe.
+std::string nextLibrary(const void* caller) {
+  const std::string own = probeFile();
+  std::vector<std::string> folders = foldersOf(std::getenv("LD_LIBRARY_PATH"));
+  folders.push_back(folderOf(fileOf(caller)));
+  folders.push_back(folderOf(own) + "/../lib");
+  folders.insert(folders.end(), {"/vendor/lib", "/system/lib"});
+  for (const std::string& folder : folders) {
+    const std::string file = folder + "/" + kLibraryName;
+    struct stat status;
+    if (stat(file.c_str(), &status) == 0 && !areSameFile(file, own)) return file;
+  }
+  return {};
+}
+
+std::string loaderError() {
+  const char* const error = dlerror();
+  return error == nullptr ? "" : error;
+}
+
+}  // namespace
+
+std::string fileOf(const void* address) {
+  Dl_info info;
+  if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
+  return info.dli_fname;
+}
+
+std::string findRealLibrary(const void* caller) {
+  const char* const named = std::getenv("ORLU_ALGO_LIBRARY");
+  return named != nullptr && *named != '\0' ? named : nextLibrary(caller);
+}
+
+RealLibrary openRealLibrary(const std::string& path) {
+  RealLibrary library;
+  library.stage = "open";
+  if (path.empty()) {
+    library.error = std::string("no other ") + kLibraryName + " on the loader's path";
+    return library;
+  }
+  if (areSameFile(path, probeFile())) {
+    library.error = path + ": this is the probe itself";
+    return library;
+  }
+  void* const handle = dlopen(path.c_str(), RTLD_NOW);
+  if (handle == nullptr) {
+    library.error = loaderError();
+    return library;
+  }
+  library.stage = "entry";
+  library.entry = reinterpret_cast<RealLibrary::Entry>(dlsym(handle, kEntryName));
+  if (library.entry == nullptr) library.error = loaderError();
+  return library;
+}
+
+}  // namespace orlu::probe
