@@ -1,0 +1,148 @@
+// An algorithm library with one fault, for the tests of what is said about it: the stand-in's table with one
+// thing changed. ORLU_PLANTED names the fault:
+//   lacks:NAME  answers:NAME  throws:NAME  aborts:NAME  segfaults:NAME     one callable, by its name
+//   silent  late  name  id  unattached     what becomes of the callback
+//   idle  untouched  empty                 what is made of the request
+// PLANTED_WITHOUT_ENTRY builds a library that is none.
+#include <dlfcn.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+#include <type_traits>
+
+#include "algo_interface.h"
+#include "callables.h"
+
+#ifndef PLANTED_WITHOUT_ENTRY
+
+namespace orlu::planted {
+namespace {
+
+using android::hardware::hidl_handle;
+using android::hardware::hidl_vec;
+using Bytes = hidl_vec<uint8_t>;
+using Handles = hidl_vec<hidl_handle>;
+
+constexpr int kInvalid = -22;
+// Past the ten seconds that a request is waited for.
+constexpr std::chrono::seconds kLate{11};
+
+std::thread gLate;
+
+struct Fault {
+  std::string kind;
+  std::string callable;
+
+  static Fault ofEnvironment() {
+    const char* const text = std::getenv("ORLU_PLANTED");
+    const std::string fault = text == nullptr ? "" : text;
+    const size_t colon = fault.find(':');
+    return {fault.substr(0, colon), colon == std::string::npos ? "" : fault.substr(colon + 1)};
+  }
+};
+
+AlgoInterfaceCallbacks standIn() {
+  AlgoInterfaceCallbacks table;
+  void* const library = dlopen(PLANTED_STAND_IN, RTLD_NOW);
+  void* const entry = library == nullptr ? nullptr : dlsym(library, "AlgoInterfaceEntry");
+  if (entry != nullptr) reinterpret_cast<void (*)(AlgoInterfaceCallbacks*)>(entry)(&table);
+  return table;
+}
+
+[[noreturn]] void end(int signal) {
+  const rlimit none = {0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+  if (signal == SIGABRT) std::abort();
+  *static_cast<volatile int*>(nullptr) = 0;
+  std::abort();
+}
+
+// Takes one callable away, or makes it fail.
+void spoilCallable(AlgoInterfaceCallbacks& table, const Fault& fault) {
+  probe::forEachCallable(table, [&](const char* name, auto& callable) {
+    if (fault.callable != name) return;
+    if (fault.kind == "lacks") {
+      callable = nullptr;
+      return;
+    }
+    using Result = typename std::decay_t<decltype(callable)>::result_type;
+    callable = [kind = fault.kind](auto&&...) -> Result {
+      if (kind == "throws") throw std::runtime_error("planted");
+      if (kind == "aborts") end(SIGABRT);
+      if (kind == "segfaults") end(SIGSEGV);
+      if constexpr (std::is_arithmetic_v<Result>) return static_cast<Result>(kInvalid);
+      if constexpr (std::is_pointer_v<Result>) return nullptr;
+    };
+  });
+}
+
+// The callback that the stand-in makes, with the fault on its way to the caller's function.
+void callBack(const std::string& kind, const AlgoResultCallback& real, const Bytes& data, const Bytes& extra,
+              const Handles& handles) {
+  Bytes message = data;
+  CallbackHeader header;
+  if (kind == "silent") return;
+  if (kind == "name") std::memcpy(message.data() + kCallbackNameOffset, "shotcb", 6);
+  if (kind == "id") {
+    std::memcpy(&header, message.data(), kCallbackNameOffset);
+    ++header.nativeReq;
+    std::memcpy(message.data(), &header, kCallbackNameOffset);
+  }
+  if (kind == "unattached") {
+    std::thread([&] { real(message, extra, handles); }).join();
+  } else if (kind == "late") {
+    gLate = std::thread([&real, message, extra, handles] {
+      std::this_thread::sleep_for(kLate);
+      real(message, extra, handles);
+    });
+  } else {
+    real(message, extra, handles);
+  }
+}
+
+void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetadataOps& ops) {
+  const auto* const real =
+      reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(record.callbackCookie));
+  void* const block = record.metadata[0].block;
+  // Lives until the process ends, as the stand-in may use it until then.
+  auto* const own =
+      new AlgoResultCallback([=, kind = fault.kind, setValue = ops.setValue](
+                                 const Bytes& data, const Bytes& extra, const Handles& handles) {
+        int32_t size = 0;
+        if (kind == "empty") setValue(block, kFeedback, "encoded_jpeg_size", &size, sizeof size);
+        callBack(kind, *real, data, extra, handles);
+      });
+  record.callbackCookie = reinterpret_cast<uintptr_t>(own);
+  if (fault.kind == "idle") record.algoList.clear();
+  if (fault.kind == "untouched") record.outputFrames.clear();
+}
+
+// Waits for its callbacks, as a good library does.
+int endClient(const std::function<int(void*)>& real, void* client) {
+  if (gLate.joinable()) gLate.join();
+  return real(client);
+}
+
+}  // namespace
+}  // namespace orlu::planted
+
+extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(
+    orlu::AlgoInterfaceCallbacks* table) {
+  using namespace orlu::planted;
+  const Fault fault = Fault::ofEnvironment();
+  *table = standIn();
+  table->process = [=, real = *table](const orlu::AlgoProcessRecord& record) {
+    orlu::AlgoProcessRecord spoilt = record;
+    spoilRequest(fault, spoilt, real.metadataOps);
+    return real.process(spoilt);
+  };
+  table->destroyClient = [real = table->destroyClient](void* client) { return endClient(real, client); };
+  spoilCallable(*table, fault);
+}
+
+#endif
