@@ -13,7 +13,7 @@ public class CaptureResult {
 
     /** The tag's value as the key's type; null when it is absent. Throws for a tag that no table knows. */
     public <T> T get(Key<T> key) {
-        return mResults.get(key.getName(), key.mType);
+        return mResults.lookUp(key.getName(), key.mType);
     }
 
     /** A tag's name and the type that its value is asked for in. */

@@ -11,6 +11,29 @@ import java.util.TreeMap;
 public final class CameraMetadataNative implements Parcelable {
     private final Map<String, Object> mValues = new TreeMap<>();
 
+    private LookupListener mLookupListener;
+
+    /** Null, as at first: nobody listens. */
+    public void setLookupListener(LookupListener listener) {
+        mLookupListener = listener;
+    }
+
+    /** {@link #get(String, Class)} for a capture result's reader, which the listener hears of. */
+    public <T> T lookUp(String tag, Class<T> type) {
+        LookupListener listener = mLookupListener;
+        if (listener == null) {
+            return get(tag, type);
+        }
+        try {
+            T value = get(tag, type);
+            listener.onLookup(tag, type, mValues.get(tag), null);
+            return value;
+        } catch (IllegalArgumentException e) {
+            listener.onLookup(tag, type, mValues.get(tag), e);
+            throw e;
+        }
+    }
+
     /**
      * Sets a tag. Arrays may be primitive or boxed; null takes the tag away. Throws IllegalArgumentException
      * for a tag that no table knows and a value that does not fit its type, which no array with a null in it

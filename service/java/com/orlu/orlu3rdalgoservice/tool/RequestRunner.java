@@ -7,6 +7,8 @@ import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedComposition;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
@@ -66,10 +68,12 @@ final class RequestRunner {
         }
     }
 
-    private void makeCompositions() {
+    private void makeCompositions() throws IOException {
+        EventLog events = EventLog.ofEnvironment();
         for (FramePlan frame : mRequest.frames().frames()) {
-            CaptureResultComposition composition = new CaptureResultComposition(frame.captureResult());
+            RecordedComposition composition = new RecordedComposition(frame.captureResult());
             frame.composition().forEach(composition::putMetadata);
+            composition.record(events, mCompositions.size());
             mCompositions.add(composition);
         }
     }
