@@ -60,13 +60,6 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   images.insert(images.end(), static_cast<size_t>(times), image);
 }
 
-void setTag(std::map<std::string, GoldenValue>& tags, const std::string& tag, const std::string& text,
-            int frame) {
-  const GoldenValue value = parseGoldenValue(text, frame);
-  tags.erase(tag);
-  if (value.type != "none") tags[tag] = value;
-}
-
 // "c2 orlu.control.reqID int 5" goes into the composition of frame 2, "* ..." into every capture result.
 void addTag(std::vector<GoldenFrame>& frames, const std::string& line) {
   std::istringstream in(line);
@@ -77,9 +70,9 @@ void addTag(std::vector<GoldenFrame>& frames, const std::string& line) {
   const bool composition = where[0] == 'c';
   const std::string which = where.substr(composition ? 1 : 0);
   for (size_t i = 0; i < frames.size(); ++i) {
-    if (which == "*" || which == std::to_string(i)) {
-      setTag(composition ? frames[i].composition : frames[i].captureResult, tag, value, static_cast<int>(i));
-    }
+    if (which != "*" && which != std::to_string(i)) continue;
+    auto& tags = composition ? frames[i].composition : frames[i].captureResult;
+    tags[tag] = parseGoldenValue(value, static_cast<int>(i));
   }
 }
 
@@ -205,6 +198,16 @@ void changeGolden(GoldenCase& golden, const std::string& line) {
   if (word == "input" && !isAdded) golden.inputs.clear();
   if (word == "output" && !isAdded) golden.outputs.clear();
   readRequest(golden, word, in);
+}
+
+GoldenCase withOverrides(const GoldenCase& golden) {
+  GoldenCase changed = golden;
+  for (GoldenFrame& frame : changed.frames) {
+    for (auto& [tag, value] : frame.captureResult) {
+      if (frame.composition.emplace(tag, value).second) value = otherValue(value);
+    }
+  }
+  return changed;
 }
 
 }  // namespace orlu::test

@@ -31,7 +31,8 @@ struct GoldenImage {
   bool hardware = false;
 };
 
-// The tags of one frame: what the camera reported, and the composition over it.
+// The tags of one frame: what the camera reported, and the composition over it. "none" is a value, too: the
+// tag is not there.
 struct GoldenFrame {
   std::map<std::string, GoldenValue> captureResult;
   std::map<std::string, GoldenValue> composition;
@@ -73,5 +74,10 @@ GoldenCase readGoldenCase(const std::string& name);
 // Reads one more line of tags, such as "0 orlu.control.reqID int 5", or a line of the request, such as
 // "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
 void changeGolden(GoldenCase& golden, const std::string& line);
+
+// The same request with every tag in a composition, over another value in the capture result: whatever asks
+// the capture result alone finds the other value. Tags that a composition has, be it "none", stay as they
+// are.
+GoldenCase withOverrides(const GoldenCase& golden);
 
 }  // namespace orlu::test

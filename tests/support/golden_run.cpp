@@ -73,6 +73,7 @@ jobject javaValue(const GoldenValue& value) {
 void fill(const std::map<std::string, GoldenValue>& tags, jobject target,
           void (*set)(jobject, const char*, jobject)) {
   for (const auto& [tag, value] : tags) {
+    if (value.type == "none") continue;
     const LocalFrame frame;
     set(target, tag.c_str(), javaValue(value));
   }

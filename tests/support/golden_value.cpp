@@ -203,6 +203,12 @@ GoldenValue parseGoldenValue(const std::string& text, int frame) {
   return value;
 }
 
+GoldenValue otherValue(const GoldenValue& value) {
+  GoldenValue other = value;
+  for (uint8_t& byte : other.bytes) byte = static_cast<uint8_t>(byte == 1 ? 2 : 1);
+  return other;
+}
+
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes) {
   const std::string size = '[' + std::to_string(bytes.size()) + ']';
   if (type == "text") {

@@ -17,9 +17,10 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 // What a variation came to, compared line by line.
 class Outcome {
 public:
-  explicit Outcome(const GoldenVariation& variation) {
+  Outcome(const GoldenVariation& variation, bool isOverridden) {
     GoldenCase golden = readGoldenCase(variation.base);
     for (const GoldenLine& line : variation.changes) changeGolden(golden, line.text);
+    if (isOverridden) golden = withOverrides(golden);
     Algo algo;
     const LogCapture log;
     mRun = runGolden(golden, algo, [this](MetadataUpdater& updater) {
@@ -142,12 +143,15 @@ std::vector<GoldenFailure> checkVariation(const GoldenVariation& variation) {
     return {
         {variation.place, "nothing is expected"}
     };
-  const Outcome outcome(variation);
   std::vector<GoldenFailure> failures;
-  for (const GoldenLine& line : variation.expectations) {
-    const std::string found = outcome.found(line.text);
-    if (found != line.text)
-      failures.push_back({line.place, "\n  expected " + line.text + "\n  found    " + found});
+  for (const bool isOverridden : {false, true}) {
+    const Outcome outcome(variation, isOverridden);
+    for (const GoldenLine& line : variation.expectations) {
+      const std::string found = outcome.found(line.text);
+      if (found == line.text) continue;
+      const char* const where = isOverridden ? "with every tag in a composition\n" : "\n";
+      failures.push_back({line.place, where + ("  expected " + line.text) + "\n  found    " + found});
+    }
   }
   return failures;
 }
