@@ -2,14 +2,23 @@
 
 #include <utility>
 
-#include "log.h"
-#include "metadata_updater_rows.h"
+#include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
-constexpr char kOperation[] = "updateAlgoType";  // named by the lines of its parts
+bool hasEngineAlgorithm(const Shot& shot) {
+  return shot.listHas("engineDualbokeh") || shot.listHas("engineDualbokehVerify") ||
+         shot.listHas("engineDualbokehAngle") || shot.listHas("engineDistortion") ||
+         shot.listHas("engineDualbokehEasyCalib");
+}
+
+std::vector<std::string> multiFrameBokeh(const Shot& shot) {
+  std::vector<std::string> list = {"night", "dualBokeh"};
+  if (shot.listHas("beauty")) list.emplace_back("beauty");
+  if (shot.listHas("jpegEncode")) list.emplace_back("jpegEncode");
+  return list;
+}
 
 }  // namespace
 
@@ -20,71 +29,60 @@ void MetadataUpdater::updateAlgoType() {
   editAlgoList();
 }
 
-// Each step sees the list as the client sent it, with what earlier steps appended. Their order is meant.
+// Each step sees the list as the client sent it, with what earlier steps appended (Oddity 17). Where two
+// write the same key, the algorithms get the later one's.
 void MetadataUpdater::updateAlgorithmParameters() {
-  const bool isRaw = isRawFormat() != 0;
+  const bool isRaw = mShot.isRaw();
   if (isRaw) {
     clearProcessedAlgoTag();
   } else {
     updateProcessedAlgoTag();
   }
-  if (listHas("gra")) updateGra();
-  if (listHas("beauty")) updateBeauty();
-  if (listHas("jpegBokehOnly")) updateJpegRefocus();
-  if (hasEngineAlgorithm()) updateEngine();
+  if (mShot.listHas("gra")) updateGra();
+  if (mShot.listHas("beauty")) updateBeauty();
+  if (mShot.listHas("jpegBokehOnly")) updateJpegRefocus();
+  if (hasEngineAlgorithm(mShot)) updateEngine();
   if (isRaw) updateRawAlgorithms();
-  if ((isRaw || mRequest->isStopProcess()) && listHas("lightstream")) updateLightstream();
-  if (!isRaw && (listHas("superns") || listHas("supernsll"))) updateSuperNsYuv();
+  if ((isRaw || mRequest->isStopProcess()) && mShot.listHas("lightstream")) updateLightstream();
+  if (!isRaw && (mShot.listHas("superns") || mShot.listHas("supernsll"))) updateSuperNsYuv();
   updateRawNR();
   updateDoubleExpo();
-  if (listHas("jpegEncode")) updateJpegEncode();
-  if (listHas("upscale") || mIsUpscale != 0) updateUpscale();
-  if (listHas("rawenhance")) updataRawenhance();
-  if (listHas("zoom")) updateZoom();
+  if (mShot.listHas("jpegEncode")) updateJpegEncode();
+  if (mShot.listHas("upscale") || mIsUpscale != 0) updateUpscale();
+  if (mShot.listHas("rawenhance")) updataRawenhance();
+  if (mShot.listHas("zoom")) updateZoom();
   updateFrameClarity();
 }
 
-bool MetadataUpdater::hasEngineAlgorithm() const {
-  return listHas("engineDualbokeh") || listHas("engineDualbokehVerify") || listHas("engineDualbokehAngle") ||
-         listHas("engineDistortion") || listHas("engineDualbokehEasyCalib");
-}
-
 void MetadataUpdater::updateRawAlgorithms() {
-  if (listHas("llhdr")) updateRawLLHDR();
-  if (listHas("superns") || listHas("supernsll")) updateSuperNS();
-  if (listHas("pixelshift") && !(mIsRawnrCapture != 0 && mIsSatFusion)) updatePixelShift();
-  if (listHas("rawhdr") || listHas("superstar") || listHas("supermoonRaw")) updateRawHdr();
+  if (mShot.listHas("llhdr")) updateRawLLHDR();
+  if (mShot.listHas("superns") || mShot.listHas("supernsll")) updateSuperNS();
+  if (mShot.listHas("pixelshift") && !(mIsRawnrCapture != 0 && mIsSatFusion)) updatePixelShift();
+  if (mShot.listHas("rawhdr") || mShot.listHas("superstar") || mShot.listHas("supermoonRaw")) updateRawHdr();
 }
 
 // Combinations that must not run together. Each rule sees what the ones before it left.
 void MetadataUpdater::editAlgoList() {
-  const bool isRaw = isRawFormat() != 0;
-  if (listHas("dualBokeh") && listHas("jpegEncode")) append("refocusJpegPack");
+  constexpr char kOperation[] = "updateAlgoType";  // of which this is a part
+  const bool isRaw = mShot.isRaw();
+  if (mShot.listHas("dualBokeh") && mShot.listHas("jpegEncode")) mShot.append("refocusJpegPack");
   if (isRaw) {
     LOGD_AS(kOperation, "enableLTMZoom remove jpeg encode");
-    removeAlgoFromAlgoList(*mAlgoList, "jpegEncode");
+    mShot.remove("jpegEncode");
   }
   if (mEnableHwMFNR != 0) {
     LOGD_AS(kOperation, "check MFNR opened, night shot pass.");
-    removeAlgoFromAlgoList(*mAlgoList, "night");
+    mShot.remove("night");
   }
-  if (listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0) replaceByMultiFrameBokeh();
-  if (isRaw && listHas("dualBokeh") && (listHas("supernsll") || listHas("llhdr"))) {
-    removeAlgoFromAlgoList(*mAlgoList, "dualBokeh");
-  }
-  if (listHas("jpegEncode")) removeAlgoFromAlgoList(*mAlgoList, "lightstream");
-  // Nobody here sets this flag. It is for a client that can do no more than these four.
+  if (mShot.listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0) *mAlgoList = multiFrameBokeh(mShot);
+  const bool isNightRaw = isRaw && (mShot.listHas("supernsll") || mShot.listHas("llhdr"));
+  if (isNightRaw && mShot.listHas("dualBokeh")) mShot.remove("dualBokeh");
+  if (mShot.listHas("jpegEncode")) mShot.remove("lightstream");
+  // No tag sets this flag. It is for a client that can do no more than these four.
   if (mUseFilterList != 0) {
     std::vector<std::string> supported = {"beauty", "filter", "blackImg", "distortion"};
     AlgoListSupportFilter(supported, *mAlgoList);
   }
-}
-
-void MetadataUpdater::replaceByMultiFrameBokeh() {
-  std::vector<std::string> list = {"night", "dualBokeh"};
-  if (listHas("beauty")) list.emplace_back("beauty");
-  if (listHas("jpegEncode")) list.emplace_back("jpegEncode");
-  *mAlgoList = std::move(list);
 }
 
 }  // namespace orlu

@@ -1,13 +1,16 @@
 // Small steps that pass one capture feature's settings on.
 
-#include "image_format.h"
-#include "log.h"
-#include "metadata_updater_rows.h"
+#include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+// What "beauty_extra_params" holds: the switch that removes blemishes, and room.
+struct BeautyExtraParams {
+  int32_t deblacknevus = 0;
+  uint8_t reserved[76] = {};
+};
+static_assert(sizeof(BeautyExtraParams) == 80);
 
 int32_t narrowed(int64_t value) {
   return static_cast<int32_t>(value);
@@ -15,26 +18,27 @@ int32_t narrowed(int64_t value) {
 
 }  // namespace
 
-// Appends its name also when the list holds it.
+// Appends its name also where the list holds it (Oddity 19).
 void MetadataUpdater::updatePanorama() {
+  const auto panorama = mShot.copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
   // clang-format off
-  const auto panorama = copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
-  copy<int32_t>("orlu.control.pano.picturesize_width",                kParameter, "pano_picture_size_width");
-  copy<int32_t>("orlu.control.pano.picturesize_height",               kParameter, "pano_picture_size_height");
+  mShot.copy<int32_t>("orlu.control.pano.picturesize_width",  kParameter, "pano_picture_size_width");
+  mShot.copy<int32_t>("orlu.control.pano.picturesize_height", kParameter, "pano_picture_size_height");
   // clang-format on
-  if (panorama != 0) append("panorama");
+  if (panorama != 0) mShot.append("panorama");
 }
 
 void MetadataUpdater::clearProcessedAlgoTag() {
-  write(kParameter, "processed_algo", ProcessedAlgo());
+  mShot.write<ProcessedAlgo>(kParameter, "processed_algo", {});
 }
 
-// The application's tag joins what is there: it is handed back after each pass, and so gathers.
+// ORs the application's algorithm bits into the block's. The block's value returns with each pass, so that
+// bits accumulate (Oddity 39).
 void MetadataUpdater::updateProcessedAlgoTag() {
-  const auto fromApplication = readOr<int64_t>(0, "orlu.parameter.processedAlgo", firstFrame());
-  auto processed = readBack<ProcessedAlgo>(kParameter, "processed_algo");
+  const auto fromApplication = mShot.readOr<int64_t>("orlu.parameter.processedAlgo");
+  auto processed = mShot.readBack<ProcessedAlgo>(kParameter, "processed_algo");
   processed.words[ProcessedAlgo::kApplicationWord] |= static_cast<uint64_t>(fromApplication);
-  write(kParameter, "processed_algo", processed);
+  mShot.write<ProcessedAlgo>(kParameter, "processed_algo", processed);
   const uint64_t* const word = processed.words;
   LOGD("update debug processed algo from AP [0x%llx 0x%llx 0x%llx 0x%llx 0x%llx] ",
        static_cast<unsigned long long>(word[0]), static_cast<unsigned long long>(word[1]),
@@ -45,30 +49,31 @@ void MetadataUpdater::updateProcessedAlgoTag() {
 void MetadataUpdater::updateGra() {
   int32_t isGra = 0;
   if (mIsRawnrCapture != 0) {
-    const auto left = readOr(Ints<2>(), "orlu.control.RequestLeftInThisSnapshot", firstFrame());
+    const auto left = mShot.readOr<Ints<2>>("orlu.control.RequestLeftInThisSnapshot");
     LOGD("frameNum  %d %d", left[0], left[1]);
     isGra = left == Ints<2>{6, 4} ? 0 : 1;
   }
-  write(kControl, "is_gra_capture", isGra);
+  mShot.write<int32_t>(kControl, "is_gra_capture", isGra);
 }
 
+// All of the composition alone: they are the application's orders (Oddity 52).
 void MetadataUpdater::updateJpegRefocus() {
-  const Frame composition = firstCompositionOnly();
+  const Frame app = mShot.frames().first().compositionOnly();
   // clang-format off
-  const auto command = copy<Text<64>>(composition, "orlu.refocus.command",       kParameter, "refocus_command");
-  const auto level   = copy<int32_t> (composition, "orlu.control.refocus_level", kControl,   "refocus_level");
-  const auto x       = copy<int32_t> (composition, "orlu.refocus.pointRatioX",   kParameter, "refocus_point_x");
-  const auto y       = copy<int32_t> (composition, "orlu.refocus.pointRatioY",   kParameter, "refocus_point_y");
+  const auto command = mShot.copy<Text<64>>(app, "orlu.refocus.command",       kParameter, "refocus_command");
+  const auto level   = mShot.copy<int32_t> (app, "orlu.control.refocus_level", kControl,   "refocus_level");
+  const auto x       = mShot.copy<int32_t> (app, "orlu.refocus.pointRatioX",   kParameter, "refocus_point_x");
+  const auto y       = mShot.copy<int32_t> (app, "orlu.refocus.pointRatioY",   kParameter, "refocus_point_y");
   // clang-format on
   LOGD("refocusPointX %d refocusPointY %d refocusLevel %d refocusCommand %s", x, y, level, command.data);
 }
 
 void MetadataUpdater::updateUpscale() {
   // clang-format off
-  const auto width     = copy<int32_t>("algo.param.dstwidth",     kSystem, "upscale_width");
-  const auto height    = copy<int32_t>("algo.param.dstheight",    kSystem, "upscale_height");
-  const auto strides   = copy<Ints<4>>("algo.param.dststrides",   kSystem, "upscale_stride");
-  const auto scanlines = copy<Ints<4>>("algo.param.dstscanlines", kSystem, "upscale_scanline");
+  const auto width     = mShot.copy<int32_t>("algo.param.dstwidth",     kSystem, "upscale_width");
+  const auto height    = mShot.copy<int32_t>("algo.param.dstheight",    kSystem, "upscale_height");
+  const auto strides   = mShot.copy<Ints<4>>("algo.param.dststrides",   kSystem, "upscale_stride");
+  const auto scanlines = mShot.copy<Ints<4>>("algo.param.dstscanlines", kSystem, "upscale_scanline");
   // clang-format on
   LOGD("upscaleWidth: %d, upscaleHeight: %d, upscaleStride: %d, upscaleScanline: %d", width, height,
        strides[0], scanlines[0]);
@@ -87,27 +92,45 @@ void MetadataUpdater::updateUpscale() {
 void MetadataUpdater::updataRawenhance() {
   constexpr int32_t kMotionVersionBits = 0xF;
   constexpr int32_t kRawEnhanceVersion = 3;
-  const auto version = readOr<int32_t>(0, "orlu.control.motionVersion", firstFrame());
-  write<int32_t>(kParameter, "motion_rawenhance",
-                 (version & kMotionVersionBits) == kRawEnhanceVersion ? 1 : 0);
-  write(kControl, "motion_level", readOr<int32_t>(-1, "orlu.control.motion_level", firstFrame()));
-  writeRawPacking();
-}
-
-void MetadataUpdater::writeRawPacking() {
-  write<int32_t>(kParameter, "raw_packed_type", 2);
-  if (getImageFormat() == kFormatMipiRaw10) write<int32_t>(kParameter, "raw_bit_per_pixel", 10);
+  const auto version = mShot.readOr<int32_t>("orlu.control.motionVersion");
+  const bool isEnhanced = (version & kMotionVersionBits) == kRawEnhanceVersion;
+  mShot.write<int32_t>(kParameter, "motion_rawenhance", isEnhanced ? 1 : 0);
+  mShot.write<int32_t>(kControl, "motion_level", mShot.readOr<int32_t>("orlu.control.motion_level", -1));
+  writeRawPacking(mShot);
 }
 
 void MetadataUpdater::updateLightstream() {
   constexpr int32_t kLightstreamCallback = 2;
   const auto inputNum = static_cast<int32_t>(mRequest->inputFrames().size());
   const int32_t isLastCall = mRequest->isStopProcess() || inputNum > 1 ? 1 : 0;
-  write(kParameter, "lightstream_last_call_flag", isLastCall);
-  write(kParameter, "lightstream_input_num", inputNum + isLastCall);
-  const jobject composition = firstFrame().composition;
+  mShot.write<int32_t>(kParameter, "lightstream_last_call_flag", isLastCall);
+  mShot.write<int32_t>(kParameter, "lightstream_input_num", inputNum + isLastCall);
+  const jobject composition = mShot.frames().first().composition;
   if (composition != nullptr) mParser->putInt(kLightstreamCallback, "CallbackFlag", composition);
-  copy<int32_t>("orlu.control.lightStreamMode", kParameter, "lightstream_mode");
+  mShot.copy<int32_t>("orlu.control.lightStreamMode", kParameter, "lightstream_mode");
+}
+
+void MetadataUpdater::updateZoom() {
+  const auto aec = mShot.readOr<Aec>(kAecTag);
+  mShot.write<float>(kSystem, "adrc_gain", aec[kAecAdrcGain]);
+  LOGD("zoom adrcGain %f", static_cast<double>(aec[kAecAdrcGain]));
+}
+
+void MetadataUpdater::updateBeauty() {
+  // clang-format off
+  mShot.copy<Ints<22>>("orlu.control.beautyNewParams",    kParameter, "beauty_new_params");
+  mShot.copy<Ints<10>>("orlu.control.makeupParams",       kParameter, "makeup_params");
+  mShot.copy<Ints<8>> ("orlu.control.makeup.type",        kParameter, "heavy_makeup_type");
+  mShot.copy<Ints<8>> ("orlu.control.makeup.value",       kParameter, "heavy_makeup_value");
+  mShot.copy<int32_t> ("orlu.control.makeup.ismalevalue", kParameter, "is_makeup_use_male_value");
+  // clang-format on
+  const Frame app = mShot.frames().first().compositionOnly();  // Oddity 52
+  mShot.copy<Chars<80>>(app, "orlu.control.eyelightType", kParameter, "eyelight_type");
+  // On unless the application says otherwise, unlike every other row (Oddity 34).
+  BeautyExtraParams extra;
+  if (mShot.read("orlu.control.beauty_deblacknevus", extra.deblacknevus) != 0) extra.deblacknevus = 1;
+  mShot.write<BeautyExtraParams>(kParameter, "beauty_extra_params", extra);
+  mShot.copy<int32_t>("orlu.control.isNativeMode", kParameter, "isNativeBeauty");
 }
 
 }  // namespace orlu

@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
+#include <cstring>
+#include <iterator>
 
-#include "image_format.h"
+#include "camera_role.h"
 #include "jni_support.h"
-#include "log.h"
-#include "metadata_updater_rows.h"
+#include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 constexpr char kOperation[] = "updateCommonTags";  // named by the lines of its parts
 
 // Frames in the lists that the algorithms take.
@@ -29,200 +28,228 @@ constexpr int32_t kDigitalGainUnit = 4096;
 // "com.orlu.current_ui_module" of an application page that zooms by the user's ratio.
 constexpr int32_t kModuleWithUserZoom = 7;
 
-// The camera that a bokeh session stands for; empty for every other session.
-std::string_view bokehCameraType(int32_t session) {
-  switch (session) {
-    case 5:
-      return "BokehMoon";
-    case 4:
-      return "BokehTele2";
-    case 3:
-      return "Bokeh";
-    default:
-      return {};
+void writeSensorTags(const Shot& shot, int32_t& isRawnrCapture) {
+  const auto stabilization =
+      shot.copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
+  LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
+  // Only the application says so (Oddity 52).
+  const Frame composition = shot.frames().first().compositionOnly();
+  const auto fromUserApp =
+      shot.copy<int32_t>(composition, "orlu.control.callFromUserApp", kControl, "call_from_user_app");
+  LOGD_AS(kOperation, "call from user app %d", fromUserApp);
+  shot.copy<SCR_Type>("orlu.feedback.SensorCropRegions", kSensor, "sensor_crop_region");
+  shot.write<_tagOrluSize>(kSensor, "sensor_active_size", readActiveSize(shot));
+  // clang-format off
+  shot.copy<Ints<2>>       ("com.orlu.image_sizes",       kSystem,  "image_size_max");
+  shot.keep(isRawnrCapture, "orlu.control.is_rawnr_mode", kControl, "is_rawnr_capture");
+  shot.copy<int32_t>       ("orlu.control.bokeh_facula",  kControl, "bokeh_facula_capture");
+  // clang-format on
+}
+
+void writePictureTags(const Shot& shot) {
+  const auto filmSize = shot.copy<int32_t>("orlu.control.filmSize", kControl, "film_size");
+  const auto doubleExposure = shot.readOr<int32_t>("orlu.doubleExpo.capture");
+  if (filmSize == 1 && doubleExposure == 0) shot.append("blackImg");
+  shot.write<bool>(kParameter, "is_mipi_raw_input", shot.inputFormat() == kFormatMipiRaw10);
+  shot.copy<int32_t>("orlu.control.camera_id", kSensor, "camera_id");
+  const auto mirror = shot.copy<int32_t>("orlu.control.mirror", kSensor, "is_mirror");
+  if (mirror == 1) shot.append("flip");
+}
+
+void writeZoomRatios(const Shot& shot) {
+  const auto platform = shot.copy<float>("android.control.zoomRatio", kZoom, "platform_zoom_ratio");
+  LOGD_AS(kOperation, "updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f",
+          static_cast<double>(platform));
+  shot.copy<float>("orlu.control.zoom_ratio", kZoom, "orlu_zoom_ratio");
+  const auto bokeh = shot.copy<float>("com.orlu.zoomRatioFocallen50mmBokeh", kZoom, "bokeh50mm_zoom_ratio");
+  LOGD_AS(kOperation, "zoomRatioBokeh50mm:%0.2f", static_cast<double>(bokeh));
+}
+
+// Whole units; the fraction is lost (Oddity 20).
+void writeGain(const Shot& shot, const char* tag, int32_t unit, const char* key) {
+  const int32_t wholeUnits = shot.readOr<int32_t>(tag) / unit;
+  shot.write<float>(kParameter, key, static_cast<float>(wholeUnits));
+}
+
+void writeShotTags(const Shot& shot, Ints<25>& frontEvControl) {
+  shot.copy<int32_t>("orlu.control.sensorMode", kSensor, "remosaic_mode");
+  writeGain(shot, "orlu.feedback.analog_gain", kAnalogGainUnit, "analog_gain");
+  writeGain(shot, "orlu.feedback.digital_gain", kDigitalGainUnit, "digital_gain");
+  // clang-format off
+  shot.copy<Bytes<8482>>("orlu.parameter.remosaicOTPData",   kSensor, "remosaic_eeprom_data");
+  shot.copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem, "awb_cct");
+  // The exposure control's real gain follows it under the same key (Oddity 18).
+  shot.copy<float>      ("orlu.feedback.RealGain",           kSystem, "flash_real_gain");
+  shot.copy<float>      ("orlu.feedback.AdrcGain",           kSystem, "flash_adrc_gain");
+  // clang-format on
+  const bool isFlashOn = shot.readOr<int32_t>("android.control.aeMode") == kAeModeAlwaysFlash;
+  shot.write<int32_t>(kControl, "flash_mode", isFlashOn ? 1 : 0);
+  const auto frameFlag = shot.copy<int64_t>("orlu.control.frameFlag", kControl, "frame_flag");
+  LOGD_AS(kOperation, "frameFlag: %lld", static_cast<long long>(frameFlag));
+  shot.copy<int32_t>("orlu.control.extremeMode", kControl, "is_extreme_front");
+  shot.keep(frontEvControl, "orlu.parameter.OrluFrontCaptureFrameEvControl", kFeedback,
+            "front_superns_capture_frame_ev_control_info");
+  shot.copy<int32_t>("orlu.parameter.portraitNightMode", kParameter, "portrait_night_mode");
+}
+
+// A fresh updater knows no master frames yet, so that both lists are zero (Oddity 15).
+void writeFrameLists(const Shot& shot, const FrameList& masters) {
+  Ints<kListedFrames> ids = {};
+  Longs<kListedFrames> timestamps = {};
+  const int count = std::min(masters.size(), kListedFrames);
+  for (int i = 0; i < count; ++i) {
+    const auto slot = static_cast<size_t>(i);
+    shot.read(masters.at(i), "orlu.control.reqID", ids[slot]);
+    shot.read(masters.at(i), "android.sensor.timestamp", timestamps[slot]);
+    LOGD_AS(kOperation, "start process input timeStamps[%d]=%lld, reqId = %lld .", i,
+            static_cast<long long>(timestamps[slot]), static_cast<long long>(ids[slot]));
   }
+  shot.write<Ints<kListedFrames>>(kControl, "frame_id", ids);
+  shot.write<Longs<kListedFrames>>(kControl, "input_frame_timestamp", timestamps);
 }
 
-// Whole units; the fraction is lost, deliberately.
-float wholeUnits(int32_t value, int32_t unit) {
-  return static_cast<float>(value / unit);
+// 16 bytes, without a terminating zero when the camera's name fills them.
+void writeCameraType(const Shot& shot) {
+  int32_t session = 0;
+  const int status = shot.read("com.orlu.MultiCameraBokehSelectSessionId", session);
+  LOGD_AS(kOperation, "multiCameraBokehSelectSessionId %d ret %d", session, status);
+  Bytes<16> type;
+  const std::string_view name = bokehCameraType(session);
+  if (name.empty()) {
+    shot.read("com.orlu.chi.override.CameraType", type);
+  } else {
+    std::copy_n(name.begin(), std::min(name.size(), sizeof type.data), type.data);
+  }
+  shot.write<Bytes<16>>(kSensor, "camera_type", type);
 }
 
-}  // namespace
-
-void MetadataUpdater::updateCommonTags() {
-  read(mEnableHwMFNR, "orlu.parameter.enableHwMFNR");
-  updatePreviewAlgoPrivateData2Shot();
-  updateBokehNight();  // Before the raw noise reduction mode is read below, and meant so.
-  write<int32_t>(kControl, "is_call_from_app", 1);
-  updateSensorTags();
-  updateZoomRatios();
-  updateFaceInfo();
-  updateFrameIdentity();
-  updateShotTags();
-  updateFrameLists();
-  write<int32_t>(kControl, "bokeh_algo_step", listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0 ? 1 : 0);
-  updateCameraType();
-  updatePhaseDetection();
-  updateDigitalZoom();
-  writeExposureControl(readOr(Aec(), kAecTag, firstFrame()));
-  copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
-  write(kParameter, "rawhdr_shot_mode",
-        readOr(Ints<3>(), "orlu.parameter.rawHDRParams", firstCaptureResultOnly())[0]);
-  const auto temperature = copy<int32_t>("orlu.capture.temperature", kParameter, "highTemperature");
-  LOGD_BARE(kShortLogTag, "%s: highTemperature: %d", __func__, temperature);
-  const int32_t scene = readSceneType();
-  write(kFeedback, "scene_type", scene);
-  LOGD_BARE(kShortLogTag, "%s: sceneType: %d", __func__, scene);
-  const auto& outputs = mRequest->outputFrames();
-  write<bool>(kControl, "use_graphic_buffer", !outputs.empty() && outputs.front().nativeHandle != nullptr);
+// Types 3 and 4 always are, type 2 only while the camera has not compensated it.
+bool isUsable(int32_t pdafType, int32_t isCompensated) {
+  return pdafType == 3 || pdafType == 4 || (pdafType == 2 && isCompensated == 0);
 }
 
-// Asks the algorithms which values of the system they want, and fills them from the shot's metadata.
-void MetadataUpdater::updatePreviewAlgoPrivateData2Shot() {
-  paramSystemDownloadToAlgo([this](const char* section, const char* key, void* data, unsigned size) {
-    return downloadPrivateData(section, key, data, size);
-  });
+// Phase-detection autofocus data of the sensor, for the algorithms that refocus.
+void writePhaseDetection(const Shot& shot) {
+  const auto bytes = shot.readOr<Bytes<sizeof(SensorPdafInfo)>>("orlu.feedback.sensor_pdaf_info");
+  const auto isCompensated = shot.readOr<int32_t>("orlu.feedback.isPDCompensation");
+  SensorPdafInfo sensor;
+  std::memcpy(&sensor, bytes.data, sizeof sensor);
+
+  const bool usable = isUsable(sensor.type, isCompensated);
+  PdafInfo info;
+  if (usable) {
+    std::copy_n(sensor.info.header, std::size(info.header), info.header);
+    // The count is handed on as it stands, also past the table (Oddity 33).
+    info.count = sensor.info.count;
+    std::copy_n(sensor.info.pairs, std::clamp(info.count, 0, PdafInfo::kPairs), info.pairs);
+  }
+  shot.write<PdafInfo>(kSensor, "pdaf_info", info);
+  shot.write<bool>(kSensor, "has_pdaf_info", usable);
 }
 
-int MetadataUpdater::downloadPrivateData(const char* section, const char* key, void* data, unsigned size) {
+void writeDigitalZoom(const Shot& shot) {
+  const auto module = shot.readOr<int32_t>("com.orlu.current_ui_module");
+  const bool isUserZoom = shot.listHas("dualBokeh") || module == kModuleWithUserZoom;
+  const char* const tag = isUserZoom ? "orlu.control.zoom_ratio" : "orlu.parameter.digitalzoom";
+  const auto ratio = shot.readOr<float>(tag);
+  LOGD_AS(kOperation, "updateCommonTags tag:%s digitalzoomratio=%f", tag, static_cast<double>(ratio));
+  shot.write<float>(kZoom, "digital_zoom_ratio", ratio);
+}
+
+int downloadPrivateData(const Shot& shot, const char* section, const char* key, void* data, unsigned size) {
   if (section == nullptr || key == nullptr || data == nullptr) return -1;
   char tag[128] = {};
   std::snprintf(tag, sizeof tag, "%s.%s", section, key);
   LOGD_AS("updatePreviewAlgoPrivateData2Shot", "checkxx download %s.%s : data %p, size %zu", section, key,
           data, static_cast<size_t>(size));
   mendText(tag);
-  const Frame first = firstFrame();
-  return mParser->getArrayBytes(static_cast<char*>(data), static_cast<int>(size), tag, first.captureResult,
-                                first.composition);
+  ByteBuffer buffer = {data, static_cast<int>(size)};
+  return shot.read(tag, buffer);
 }
 
-// clang-format off
-void MetadataUpdater::updateSensorTags() {
-  const auto stabilization = copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
-  LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
-  const auto fromUserApp = copy<int32_t>(firstCompositionOnly(), "orlu.control.callFromUserApp", kControl, "call_from_user_app");
-  LOGD_AS(kOperation, "call from user app %d", fromUserApp);
-  copy<SCR_Type>       ("orlu.feedback.SensorCropRegions", kSensor,  "sensor_crop_region");
-  write(kSensor, "sensor_active_size", readActiveSize());
-  copy<Ints<2>>        ("com.orlu.image_sizes",            kSystem,  "image_size_max");
-  keep(mIsRawnrCapture, "orlu.control.is_rawnr_mode",      kControl, "is_rawnr_capture");
-  copy<int32_t>        ("orlu.control.bokeh_facula",       kControl, "bokeh_facula_capture");
-  const auto filmSize = copy<int32_t>("orlu.control.filmSize", kControl, "film_size");
-  const auto doubleExposure = readOr<int32_t>(0, "orlu.doubleExpo.capture", firstFrame());
-  if (filmSize == 1 && doubleExposure == 0) append("blackImg");
-  write<bool>(kParameter, "is_mipi_raw_input", getImageFormat() == kFormatMipiRaw10);
-  copy<int32_t>        ("orlu.control.camera_id",          kSensor,  "camera_id");
-  const auto mirror = copy<int32_t>("orlu.control.mirror", kSensor,  "is_mirror");
-  if (mirror == 1) append("flip");
+}  // namespace
+
+void MetadataUpdater::updateCommonTags() {
+  mShot.read("orlu.parameter.enableHwMFNR", mEnableHwMFNR);
+  updatePreviewAlgoPrivateData2Shot();
+  updateBokehNight();  // before the raw noise reduction mode is read (Oddity 16)
+  mShot.write<int32_t>(kControl, "is_call_from_app", 1);
+  writeSensorTags(mShot, mIsRawnrCapture);
+  writePictureTags(mShot);
+  writeZoomRatios(mShot);
+  updateFaceInfo();
+  updateFrameIdentity();
+  writeShotTags(mShot, mFrontEvControl);
+  writeFrameLists(mShot, masterFrames());
+  const bool isBokehStep = mShot.listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0;
+  mShot.write<int32_t>(kControl, "bokeh_algo_step", isBokehStep ? 1 : 0);
+  writeCameraType(mShot);
+  writePhaseDetection(mShot);
+  writeDigitalZoom(mShot);
+  writeExposureControl(mShot, mShot.readOr<Aec>(kAecTag));
+  mShot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
+  // The camera's own, which no application may change (Oddity 52).
+  const Frame camera = mShot.frames().first().captureResultOnly();
+  const auto rawHdr = mShot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
+  mShot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
+  const auto temperature = mShot.copy<int32_t>("orlu.capture.temperature", kParameter, "highTemperature");
+  LOGD_BARE(kShortLogTag, "%s: highTemperature: %d", __func__, temperature);
+  const int32_t scene = readSceneType(mShot);
+  mShot.write<int32_t>(kFeedback, "scene_type", scene);
+  LOGD_BARE(kShortLogTag, "%s: sceneType: %d", __func__, scene);
+  const auto& outputs = mRequest->outputFrames();
+  const bool isHardwareBuffer = !outputs.empty() && outputs.front().nativeHandle != nullptr;
+  mShot.write<bool>(kControl, "use_graphic_buffer", isHardwareBuffer);
 }
 
-void MetadataUpdater::updateZoomRatios() {
-  const auto platform = copy<float>("android.control.zoomRatio",          kZoom, "platform_zoom_ratio");
-  LOGD_AS(kOperation, "updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f", static_cast<double>(platform));
-  copy<float>                      ("orlu.control.zoom_ratio",            kZoom, "orlu_zoom_ratio");
-  const auto bokeh50mm = copy<float>("com.orlu.zoomRatioFocallen50mmBokeh", kZoom, "bokeh50mm_zoom_ratio");
-  LOGD_AS(kOperation, "zoomRatioBokeh50mm:%0.2f", static_cast<double>(bokeh50mm));
+// Asks the algorithms which values of the system they want, and fills them from the shot's metadata.
+void MetadataUpdater::updatePreviewAlgoPrivateData2Shot() {
+  paramSystemDownloadToAlgo([this](const char* section, const char* key, void* data, unsigned size) {
+    return downloadPrivateData(mShot, section, key, data, size);
+  });
 }
 
 void MetadataUpdater::updateFrameIdentity() {
   mBasicFrameIndex = -1;
-  keep(mBasicFrameIndex, isRawFormat() != 0 ? "algo.param.basic_frame_index" : "orlu.parameter.basic_frame_index",
-                                                     kControl, "input_basic_frameidx");
-  mIsSatFusion = readOr<int32_t>(0, "orlu.control.sat_fusionStatus", firstFrame()) > 0;
-  write(kControl, "is_sat_fusion", mIsSatFusion);
-  read(mFusionBasicFrameSelect, "algo.param.fusion_basic_frame_select");
-  write<bool>(kControl, "is_fusion_Select", mFusionBasicFrameSelect > 0);
-  keep(mJpegOrientation, "android.jpeg.orientation", kControl, "jpeg_rotation");
-  write(kControl, "device_rotation", mJpegOrientation);
-  // The line comes before the request id is read, and tells the one that stood here.
-  LOGD_BARE(kShortLogTag, "start process basic frame idx %d, rotation %d, reqId = %ld input fusionselect %d, satfusion %d.",
-            mBasicFrameIndex, mJpegOrientation, static_cast<long>(mRequestId), mFusionBasicFrameSelect, mIsSatFusion);
-  read(mRequestId, "orlu.control.reqID");
-  write<int64_t>(kControl, "frame_number", mRequestId);
-  const Text<16> localTime = readOr(Text<16>(), "orlu.control.localtime", firstFrame());
-  write<uint64_t>(kControl, "dump_timestamp", std::strtoull(localTime.data, nullptr, 0));
+  const bool isRaw = mShot.isRaw();
+  mShot.keep(mBasicFrameIndex, isRaw ? "algo.param.basic_frame_index" : "orlu.parameter.basic_frame_index",
+             kControl, "input_basic_frameidx");
+  mIsSatFusion = mShot.readOr<int32_t>("orlu.control.sat_fusionStatus") > 0;
+  mShot.write<bool>(kControl, "is_sat_fusion", mIsSatFusion);
+  mShot.read("algo.param.fusion_basic_frame_select", mFusionBasicFrameSelect);
+  mShot.write<bool>(kControl, "is_fusion_Select", mFusionBasicFrameSelect > 0);
+  mShot.keep(mJpegOrientation, "android.jpeg.orientation", kControl, "jpeg_rotation");
+  mShot.write<int32_t>(kControl, "device_rotation", mJpegOrientation);
+  // In front of the row that reads the request id (Oddity 51).
+  LOGD_BARE(kShortLogTag,
+            "start process basic frame idx %d, rotation %d, reqId = %ld input fusionselect %d, satfusion %d.",
+            mBasicFrameIndex, mJpegOrientation, static_cast<long>(mRequestId), mFusionBasicFrameSelect,
+            mIsSatFusion);
+  mShot.read("orlu.control.reqID", mRequestId);
+  mShot.write<int64_t>(kControl, "frame_number", mRequestId);
+  const auto localTime = mShot.readOr<Text<16>>("orlu.control.localtime");
+  mShot.write<uint64_t>(kControl, "dump_timestamp", std::strtoull(localTime.data, nullptr, 0));
 }
 
-void MetadataUpdater::updateShotTags() {
-  copy<int32_t>    ("orlu.control.sensorMode",          kSensor,    "remosaic_mode");
-  write(kParameter, "analog_gain",  wholeUnits(readOr<int32_t>(0, "orlu.feedback.analog_gain",  firstFrame()), kAnalogGainUnit));
-  write(kParameter, "digital_gain", wholeUnits(readOr<int32_t>(0, "orlu.feedback.digital_gain", firstFrame()), kDigitalGainUnit));
-  copy<Bytes<8482>>("orlu.parameter.remosaicOTPData",   kSensor,    "remosaic_eeprom_data");
-  copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem,    "awb_cct");
-  copy<float>      ("orlu.feedback.RealGain",           kSystem,    "flash_real_gain");  // replaced below, meant
-  copy<float>      ("orlu.feedback.AdrcGain",           kSystem,    "flash_adrc_gain");
-  const auto aeMode = readOr<int32_t>(0, "android.control.aeMode", firstFrame());
-  write<int32_t>(kControl, "flash_mode", aeMode == kAeModeAlwaysFlash ? 1 : 0);
-  const auto frameFlag = copy<int64_t>("orlu.control.frameFlag", kControl, "frame_flag");
-  LOGD_AS(kOperation, "frameFlag: %lld", static_cast<long long>(frameFlag));
-  copy<int32_t>    ("orlu.control.extremeMode",         kControl,   "is_extreme_front");
-  keep(mFrontEvControl, "orlu.parameter.OrluFrontCaptureFrameEvControl",
-                                                        kFeedback,  "front_superns_capture_frame_ev_control_info");
-  copy<int32_t>    ("orlu.parameter.portraitNightMode", kParameter, "portrait_night_mode");
-}
-// clang-format on
-
-// The master frames are found after this step, so that both lists are zero for a fresh updater. That order is
-// meant.
-void MetadataUpdater::updateFrameLists() {
-  Ints<kListedFrames> ids = {};
-  Longs<kListedFrames> timestamps = {};
-  const int count = std::min(masterFrameNum(), kListedFrames);
-  for (int i = 0; i < count; ++i) {
-    const auto slot = static_cast<size_t>(i);
-    read(ids[slot], "orlu.control.reqID", masterFrameAt(i));
-    read(timestamps[slot], "android.sensor.timestamp", masterFrameAt(i));
-    LOGD_AS(kOperation, "start process input timeStamps[%d]=%lld, reqId = %lld .", i,
-            static_cast<long long>(timestamps[slot]), static_cast<long long>(ids[slot]));
+void MetadataUpdater::updateFaceInfo() {
+  const auto isEmpty = [](const __tagOrluRect& rect) {
+    return rect.left >= rect.right || rect.top >= rect.bottom;
+  };
+  _tagOrluFaceInfo faces = readFaces(mShot, mShot.frames().first());
+  // The first empty rectangle ends the list, also when valid ones follow.
+  const auto* const end = faces.rects + faces.count;
+  const auto* const empty = std::find_if(faces.rects, faces.rects + faces.count, isEmpty);
+  if (empty != end) {
+    faces.count = static_cast<int32_t>(empty - faces.rects);
+    LOGD_AS(kOperation, "faceRect is error, change faceNum to available faceNum: %d", faces.count);
   }
-  write(kControl, "frame_id", ids);
-  write(kControl, "input_frame_timestamp", timestamps);
-}
-
-// 16 bytes, without a terminating zero when the camera's name fills them.
-void MetadataUpdater::updateCameraType() {
-  int32_t session = 0;
-  const int status = read(session, "com.orlu.MultiCameraBokehSelectSessionId");
-  LOGD_AS(kOperation, "multiCameraBokehSelectSessionId %d ret %d", session, status);
-  Bytes<16> type;
-  const std::string_view name = bokehCameraType(session);
-  if (name.empty()) {
-    read(type, "com.orlu.chi.override.CameraType");
-  } else {
-    std::copy_n(name.begin(), std::min(name.size(), sizeof type.data), type.data);
+  if (const AlgoFrameInfo* input = mShot.firstInput()) {
+    convertFace(faces, input->width, input->height, isRawImageFormat(input->format));
   }
-  write(kSensor, "camera_type", type);
-}
-
-void MetadataUpdater::updateDigitalZoom() {
-  const auto module = readOr<int32_t>(0, "com.orlu.current_ui_module", firstFrame());
-  float ratio = 0;
-  if (!listHas("dualBokeh") && module != kModuleWithUserZoom) {
-    read(ratio, "orlu.parameter.digitalzoom");
-    LOGD_AS(kOperation, "updateCommonTags tag:orlu.parameter.digitalzoom digitalzoomratio=%f",
-            static_cast<double>(ratio));
-  } else {
-    read(ratio, "orlu.control.zoom_ratio");
-    LOGD_AS(kOperation, "updateCommonTags tag:orlu.control.zoom_ratio digitalzoomratio=%f",
-            static_cast<double>(ratio));
-  }
-  write(kZoom, "digital_zoom_ratio", ratio);
-}
-
-// Ten keys, of which "flash_real_gain" replaces what another step wrote, deliberately. A ratio of two zeros
-// is written as it is, not a number.
-void MetadataUpdater::writeExposureControl(const Aec& aec) {
-  write(kSystem, "lux_index_shot", aec[kAecLuxIndex]);
-  write(kSystem, "exp_index", aec[kAecExposureIndex]);
-  write(kSystem, "flash_real_gain", aec[kAecRealGain]);
-  write(kSystem, "safe_gain", aec[kAecSafeGain]);
-  write(kSystem, "long_gain", aec[kAecLongGain]);
-  write(kSystem, "sensor_gain", aec[kAecSensorGain]);
-  write(kSystem, "adrc_gain", aec[kAecAdrcGain]);
-  write(kSystem, "dark_boost_gain", aec[kAecDarkBoostGain]);
-  write(kSystem, "isp_gain", aec[kAecIspGain]);
-  write(kSystem, "exp_sensitivity_ratio", aec[kAecLongSensitivity] / aec[kAecShortSensitivity]);
+  mShot.write<_tagOrluFaceInfo>(kSystem, "face_info", faces);
+  const __tagOrluRect& first = faces.rects[0];
+  LOGD_AS(kOperation, "start process input face num %d (%d %d %d %d)", faces.count, first.left, first.top,
+          first.right, first.bottom);
 }
 
 }  // namespace orlu

@@ -1,41 +1,37 @@
 // A shot of two exposures over each other, which has an algorithm chain of its own.
 
-#include "log.h"
-#include "metadata_updater_rows.h"
+#include "metadata_updater_steps.h"
 
 namespace orlu {
-namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
-
-}  // namespace
-
-// The misspelt keys and tags are the system's.
+// Tags and keys say "insensity" (Oddity 36).
 void MetadataUpdater::updateDoubleExpo() {
-  const auto isShot = copy<int32_t>("orlu.doubleExpo.capture", kParameter, "is_double_expo_shot");
+  const auto isShot = mShot.copy<int32_t>("orlu.doubleExpo.capture", kParameter, "is_double_expo_shot");
   LOGD("%s: isDoubleExpoShot %d", __func__, isShot);
   if (isShot == 0 || mRequest->inputFrames().size() != 2) return;
 
   *mAlgoList = {"dualexpo", "jpegEncode"};
-  const Frame second = frameAt(1);
-  // clang-format off
-  const auto procType      = copy<int32_t>(        "orlu.doubleExpo.procType",               kParameter, "double_expo_shot_proc_type");
-  const auto watermarkType = copy<int32_t>(        "orlu.doubleExpo.watermarkType",          kControl,   "watermark_type");
-  const auto filmSize      = copy<int32_t>(        "orlu.control.filmSize",                  kControl,   "film_size");
-  if (filmSize == 1) append("blackImg");
-  const auto isMirror      = copy<int32_t>(        "orlu.doubleExpo.isMirror",               kSensor,    "is_mirror");
-  if (isMirror == 1) append("flip");
-  const auto rotation      = copy<int32_t>(        "orlu.doubleExpo.jpegOrientation",        kControl,   "jpeg_rotation");
-  copy<int32_t>                           (second, "orlu.doubleExpo.jpegOrientation",        kParameter, "double_expo_shot_need_input_02r180_rotation");
-  const auto r180Mirror    = copy<int32_t>(        "orlu.doubleExpo.input02_need_r180mirror", kParameter, "double_expo_shot_need_input_02r180_mirror");
-  const auto alpha         = copy<int32_t>(        "orlu.doubleExpo.alphaInsensity",         kParameter, "double_expo_shot_alpha_insensity");
-  copy<int32_t>                           (        "orlu.doubleExpo.brightType",             kParameter, "double_expo_shot_bright_type");
-  // clang-format on
-  if (mIsUpscale == 1) append("upscale");
+  const auto procType =
+      mShot.copy<int32_t>("orlu.doubleExpo.procType", kParameter, "double_expo_shot_proc_type");
+  const auto watermarkType = mShot.copy<int32_t>("orlu.doubleExpo.watermarkType", kControl, "watermark_type");
+  const auto filmSize = mShot.copy<int32_t>("orlu.control.filmSize", kControl, "film_size");
+  if (filmSize == 1) mShot.append("blackImg");
+  const auto isMirror = mShot.copy<int32_t>("orlu.doubleExpo.isMirror", kSensor, "is_mirror");
+  if (isMirror == 1) mShot.append("flip");
+  // The second frame's rotation has the first one's tag (Oddity 36).
+  constexpr char kRotationTag[] = "orlu.doubleExpo.jpegOrientation";
+  const auto rotation = mShot.copy<int32_t>(kRotationTag, kControl, "jpeg_rotation");
+  mShot.copy<int32_t>(mShot.frames().at(1), kRotationTag, kParameter,
+                      "double_expo_shot_need_input_02r180_rotation");
+  const auto r180Mirror = mShot.copy<int32_t>("orlu.doubleExpo.input02_need_r180mirror", kParameter,
+                                              "double_expo_shot_need_input_02r180_mirror");
+  const auto alpha =
+      mShot.copy<int32_t>("orlu.doubleExpo.alphaInsensity", kParameter, "double_expo_shot_alpha_insensity");
+  mShot.copy<int32_t>("orlu.doubleExpo.brightType", kParameter, "double_expo_shot_bright_type");
+  if (mIsUpscale == 1) mShot.append("upscale");
   LOGD(
-      "%s: doubleExpo procType %d isMirror %d watermarkType %d jpegRotation %d r180mirror %d alphaInsensity "
-      "%d "
-      "mIsUpscale %d",
+      "%s: doubleExpo procType %d isMirror %d watermarkType %d jpegRotation %d r180mirror %d "
+      "alphaInsensity %d mIsUpscale %d",
       __func__, procType, isMirror, watermarkType, rotation, r180Mirror, alpha, mIsUpscale);
 }
 

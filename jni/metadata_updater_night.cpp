@@ -2,39 +2,19 @@
 
 #include <algorithm>
 
-#include "log.h"
-#include "metadata_updater_rows.h"
+#include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
-
-constexpr size_t kHdrSlots = 6;
-
-float milliseconds(const Aec& aec, size_t element = kAecExposureTime) {
-  return aec[element] / kNanosecondsPerMillisecond;
+void logPair(const char* operation, const char* domain, const char* name, float first, float last) {
+  LOGD_AS(operation, "%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(last));
 }
 
-void logPair(const char* operation, const char* domain, const char* name, float first, float second) {
-  LOGD_AS(operation, "%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(second));
-}
-
-}  // namespace
-
-void MetadataUpdater::updateSuperNsYuv() {
-  writeSuperNs(__func__, "YUVDomainSuperns");
-}
-
-// The raw domain takes the same figures from the same frames.
-void MetadataUpdater::updateSuperNS() {
-  writeSuperNs(__func__, "RawDomainSuperns");
-}
-
-// The log lines name `operation` and begin with `domain`.
-void MetadataUpdater::writeSuperNs(const char* operation, const char* domain) {
-  const Aec a = readOr(Aec(), kAecTag, firstFrame());
-  const Aec b = readOr(Aec(), kAecTag, masterFrameAt(mCaptureResultNum - 1));
+// Of the first frame and the last one. The log lines name `operation` and begin with `domain`.
+void writeSuperNs(const Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
+  const auto a = shot.readOr<Aec>(kAecTag);
+  const auto b = shot.readOr<Aec>(lastFrame, kAecTag);
   logPair(operation, domain, "superNSAdrcGain", a[kAecAdrcGain], b[kAecAdrcGain]);
   logPair(operation, domain, "superNSRealGain", a[kAecRealGain], b[kAecRealGain]);
   logPair(operation, domain, "superNSLongGain", a[kAecLongGain], b[kAecLongGain]);
@@ -42,84 +22,102 @@ void MetadataUpdater::writeSuperNs(const char* operation, const char* domain) {
   logPair(operation, domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
   logPair(operation, domain, "hdrShutters", milliseconds(a), milliseconds(b));
 
-  // The two flash entries are crossed: real gains, the first frame's first and the last frame's last. Meant
-  // so.
+  // The two flash entries are crossed: both are real gains, the first frame's in the first slot and the last
+  // frame's in the last (Oddity 29).
   // clang-format off
-  write(kParameter, "superns_adrc_gain",       Floats<2>{a[kAecAdrcGain], b[kAecAdrcGain]});
-  write(kParameter, "superns_real_gain",       Floats<2>{a[kAecRealGain], b[kAecRealGain]});
-  write(kParameter, "superns_long_gain",       Floats<2>{a[kAecLongGain], b[kAecLongGain]});
-  write(kParameter, "superns_flash_adrc_gain", Floats<2>{a[kAecRealGain], 0});
-  write(kParameter, "superns_flash_real_gain", Floats<2>{0, b[kAecRealGain]});
-  write(kParameter, "hdr_gains",               Floats<kHdrSlots>{a[kAecRealGain], b[kAecRealGain]});
-  write(kParameter, "hdr_shutters",            Floats<kHdrSlots>{milliseconds(a), milliseconds(b)});
+  shot.write<Floats<2>>(kParameter, "superns_adrc_gain",       {a[kAecAdrcGain], b[kAecAdrcGain]});
+  shot.write<Floats<2>>(kParameter, "superns_real_gain",       {a[kAecRealGain], b[kAecRealGain]});
+  shot.write<Floats<2>>(kParameter, "superns_long_gain",       {a[kAecLongGain], b[kAecLongGain]});
+  shot.write<Floats<2>>(kParameter, "superns_flash_adrc_gain", {a[kAecRealGain], 0});
+  shot.write<Floats<2>>(kParameter, "superns_flash_real_gain", {0, b[kAecRealGain]});
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains",       {a[kAecRealGain], b[kAecRealGain]});
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters",    {milliseconds(a), milliseconds(b)});
   // clang-format on
 }
 
-// Low-light HDR: the last frame but one has the normal exposure, the last one the short.
+// In the low-light raw step the normal frame's "isp_gain" and "sensor_gain_normal" are its short elements,
+// and the ratios are set in another order than their elements have (Oddity 30). The normal time is a float
+// here (Oddity 31).
+void writeLowLight(const Shot& shot, const Aec& normal, const Aec& brief) {
+  // clang-format off
+  shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
+  shot.write<float>(kSystem, "exp_index",             normal[kAecExposureIndex]);
+  shot.write<float>(kSystem, "flash_real_gain",       normal[kAecRealGain]);
+  shot.write<float>(kSystem, "safe_gain",             normal[kAecSafeGain]);
+  shot.write<float>(kSystem, "long_gain",             normal[kAecLongGain]);
+  shot.write<float>(kSystem, "adrc_gain",             normal[kAecAdrcGain]);
+  shot.write<float>(kSystem, "dark_boost_gain",       normal[kAecDarkBoostGain]);
+  shot.write<float>(kSystem, "isp_gain",              normal[kAecIspGainShort]);
+  shot.write<float>(kSystem, "drc_gain_dark",         longToSafeSensitivity(normal));
+  shot.write<float>(kSystem, "sensor_gain_normal",    normal[kAecSensorGainShort]);
+  shot.write<float>(kSystem, "isp_gain_normal",       normal[kAecIspGainNormal]);
+  shot.write<float>(kSystem, "isp_gain_short",        brief[kAecIspGainShort]);
+  shot.write<float>(kSystem, "exp_time_normal",       milliseconds(normal, kAecExposureTimeNormal));
+  shot.write<float>(kSystem, "adrc_gain_normal",      normal[kAecAdrcGainNormal]);
+  shot.write<float>(kSystem, "exp_sensitivity_ratio", normal[kAecExposureSensitivityRatio]);
+  shot.write<float>(kSystem, "exp_gain_ratio",        normal[kAecExposureGainRatio]);
+  shot.write<float>(kSystem, "exp_time_ratio",        normal[kAecExposureTimeRatio]);
+  shot.write<float>(kSystem, "sensor_gain_short",     brief[kAecSensorGainShort]);
+  shot.write<float>(kSystem, "exp_time_short",        milliseconds(brief));
+  // clang-format on
+}
+
+}  // namespace
+
+// The last frame is counted among all frames and looked up among the master frames.
+void MetadataUpdater::updateSuperNsYuv() {
+  writeSuperNs(mShot, masterFrameAt(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
+}
+
+// The raw domain takes the same figures from the same frames.
+void MetadataUpdater::updateSuperNS() {
+  writeSuperNs(mShot, masterFrameAt(mCaptureResultNum - 1), __func__, "RawDomainSuperns");
+}
+
+// The last frame but one has the normal exposure, the last one the short.
 void MetadataUpdater::updateRawLLHDR() {
   constexpr int kUsualFrames = 7;
   const int n = mCaptureResultNum;
+  // Fewer are taken all the same (Oddity 53).
   if (n < kUsualFrames) LOGD("updateRAWLLHDRInfo error, input num %d < 7", n);
   if (n < 2) return;
 
-  Aec normal = {};
-  read(normal, kAecTag, frameAt(n - 2));
-  // Both frames share one record: what the normal frame left stays under what the short one lacks.
-  Aec shorter = normal;
-  read(shorter, kAecTag, frameAt(n - 1));
+  const auto normal = mShot.readOr<Aec>(mShot.frames().at(n - 2), kAecTag);
+  // Both frames share one record: what the normal frame left stays under what the short one lacks
+  // (Oddity 21).
+  const auto brief = mShot.readOr<Aec>(mShot.frames().at(n - 1), kAecTag, normal);
   LOGD(
       "CAMERA_MODE_LLHDR expoTimeShort %f, sensorGainShort %f, expTimeNormal %f, sensorGainNormal: %f, "
       "expindex = %f",
-      static_cast<double>(milliseconds(shorter)), static_cast<double>(shorter[kAecSensorGainShort]),
+      static_cast<double>(milliseconds(brief)), static_cast<double>(brief[kAecSensorGainShort]),
       static_cast<double>(milliseconds(normal, kAecExposureTimeNormal)),
       static_cast<double>(normal[kAecSensorGainShort]), static_cast<double>(normal[kAecExposureIndex]));
-
-  // clang-format off
-  write(kSystem, "lux_index_shot",        normal[0]);
-  write(kSystem, "exp_index",             normal[1]);
-  write(kSystem, "flash_real_gain",       normal[2]);
-  write(kSystem, "safe_gain",             normal[3]);
-  write(kSystem, "long_gain",             normal[4]);
-  write(kSystem, "adrc_gain",             normal[6]);
-  write(kSystem, "dark_boost_gain",       normal[7]);
-  write(kSystem, "isp_gain",              normal[13]);
-  write(kSystem, "drc_gain_dark",         normal[11] / normal[10]);
-  write(kSystem, "sensor_gain_normal",    normal[12]);
-  write(kSystem, "isp_gain_normal",       normal[16]);
-  write(kSystem, "isp_gain_short",        shorter[13]);
-  write(kSystem, "exp_time_normal",       milliseconds(normal, 17));
-  write(kSystem, "adrc_gain_normal",      normal[18]);
-  write(kSystem, "exp_sensitivity_ratio", normal[19]);
-  write(kSystem, "exp_gain_ratio",        normal[21]);
-  write(kSystem, "exp_time_ratio",        normal[20]);
-  write(kSystem, "sensor_gain_short",     shorter[12]);
-  write(kSystem, "exp_time_short",        milliseconds(shorter, 14));
-  // clang-format on
+  writeLowLight(mShot, normal, brief);
 }
 
 void MetadataUpdater::updateRawNR() {
-  if (readOr<int32_t>(0, "orlu.control.is_rawnr_mode", firstFrame()) == 0) return;
-  const Aec aec = readOr(Aec(), kAecTag, firstFrame());
-  write(kSystem, "flash_real_gain", aec[kAecRealGain]);
+  if (mShot.readOr<int32_t>("orlu.control.is_rawnr_mode") == 0) return;
+  const auto aec = mShot.readOr<Aec>(kAecTag);
+  mShot.write<float>(kSystem, "flash_real_gain", aec[kAecRealGain]);
 }
 
 void MetadataUpdater::updateBokehNight() {
-  write<bool>(kControl, "is_bokeh_raw_nr", mIsRawnrCapture != 0 && listHas("dualBokeh"));
+  mShot.write<bool>(kControl, "is_bokeh_raw_nr", mIsRawnrCapture != 0 && mShot.listHas("dualBokeh"));
 }
 
 // Gains and shutters of the first frames, zero where there is none.
 void MetadataUpdater::updateRawHdr() {
   Floats<kHdrSlots> gains = {};
-  Floats<kHdrSlots> shutters = {};
+  Floats<kHdrSlots> shutters = {};  // milliseconds
   const size_t count = std::min(kHdrSlots, mCaptureResults->size());
-  const CameraMetadataParser::RepeatedTag repeated(*mParser, kAecTag);
+  const auto repeated = mShot.repeated(kAecTag);
   for (size_t i = 0; i < count; ++i) {
-    const Aec aec = readOr(Aec(), kAecTag, frameAt(static_cast<int>(i)));
+    const auto aec = mShot.readOr<Aec>(mShot.frames().at(static_cast<int>(i)), kAecTag);
     gains[i] = aec[kAecRealGain];
     shutters[i] = milliseconds(aec);
   }
-  write(kParameter, "hdr_gains", gains);
-  write(kParameter, "hdr_shutters", shutters);
+  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", gains);
+  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", shutters);
 }
 
 }  // namespace orlu

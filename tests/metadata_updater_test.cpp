@@ -155,12 +155,5 @@ TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
   EXPECT_EQ(5, value);
 }
 
-TEST(MetadataUpdaterTest, KnowsTheCameraOfEachZoomRatio) {
-  // clang-format off
-  const std::map<float, int> expected = {{0.6F, 1}, {1.0F, 2}, {2.0F, 3}, {2.5F, 6}, {5.0F, 5}};
-  // clang-format on
-  EXPECT_EQ(expected, (std::map<float, int>(satCameraRoles().begin(), satCameraRoles().end())));
-}
-
 }  // namespace
 }  // namespace orlu

@@ -1,0 +1,25 @@
+// Conversions that must give on every machine what the 32-bit ARM device gives.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace orlu {
+
+// Float to integer as the ARM instruction converts: toward zero, saturating, NaN to 0.
+inline int32_t toInt(float value) {
+  // Exact in a double, and so are the limits of the integer.
+  const double wide = value;
+  if (std::isnan(wide)) return 0;
+  if (wide <= std::numeric_limits<int32_t>::min()) return std::numeric_limits<int32_t>::min();
+  if (wide >= std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();
+  return static_cast<int32_t>(wide);
+}
+
+// The number of pixels from `first` to `last`, both included. Wraps where an int32_t has no room for it.
+inline int32_t extent(int32_t first, int32_t last) {
+  return static_cast<int32_t>(static_cast<uint32_t>(last) - static_cast<uint32_t>(first) + 1U);
+}
+
+}  // namespace orlu

@@ -1,0 +1,63 @@
+// The exposure control record that the camera attaches to each frame, and what is computed from it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "arithmetic.h"
+
+namespace orlu {
+
+enum AecElement : size_t {
+  kAecLuxIndex = 0,
+  kAecExposureIndex = 1,
+  kAecRealGain = 2,
+  kAecSafeGain = 3,
+  kAecLongGain = 4,
+  kAecSensorGain = 5,
+  kAecAdrcGain = 6,
+  kAecDarkBoostGain = 7,
+  kAecIspGain = 8,
+  kAecShortSensitivity = 9,
+  kAecSafeSensitivity = 10,
+  kAecLongSensitivity = 11,
+  kAecSensorGainShort = 12,
+  kAecIspGainShort = 13,
+  kAecExposureTime = 14,  // nanoseconds
+  kAecSensorGainNormal = 15,
+  kAecIspGainNormal = 16,
+  kAecExposureTimeNormal = 17,  // nanoseconds
+  kAecAdrcGainNormal = 18,
+  kAecExposureSensitivityRatio = 19,
+  kAecExposureTimeRatio = 20,
+  kAecExposureGainRatio = 21,
+  kAecSize = 22
+};
+
+using Aec = std::array<float, kAecSize>;
+
+constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
+
+// An exposure time of the record, in milliseconds.
+inline float milliseconds(const Aec& aec, AecElement time = kAecExposureTime) {
+  return aec[time] / kNanosecondsPerMillisecond;
+}
+
+// Ratios of the record's sensitivities. Where it is empty they are no numbers, and are handed on so.
+inline float longToShortSensitivity(const Aec& aec) {
+  return aec[kAecLongSensitivity] / aec[kAecShortSensitivity];
+}
+inline float longToSafeSensitivity(const Aec& aec) {
+  return aec[kAecLongSensitivity] / aec[kAecSafeSensitivity];
+}
+
+// Whole milliseconds of the normal exposure. A front camera with exposure control of its own derives it from
+// sensitivity and gain.
+inline int32_t normalExposureTime(const Aec& aec, bool hasFrontControl) {
+  const float nanoseconds =
+      hasFrontControl ? aec[kAecShortSensitivity] / aec[kAecRealGain] : aec[kAecExposureTimeNormal];
+  return toInt(nanoseconds / kNanosecondsPerMillisecond);
+}
+
+}  // namespace orlu

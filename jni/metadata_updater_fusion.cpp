@@ -1,0 +1,67 @@
+// The two frames that a two-camera fusion works on: bokeh, or a switching multi-camera system.
+
+#include "fusion_frames.h"
+#include "metadata_updater_steps.h"
+
+namespace orlu {
+namespace {
+
+constexpr char kOperation[] = "updateDebug";  // of which this is a part
+
+// When and under which ids the frames were taken. A frame past the list leaves its entry 0.
+void writeFrameIds(const Shot& shot, const FusionFrames& frames) {
+  constexpr char kTimestampTag[] = "orlu.feedback.sensor_timestamp";
+  constexpr char kRequestIdTag[] = "orlu.control.reqID";
+  const auto repeatedTimestamp = shot.repeated(kTimestampTag);
+  const auto repeatedRequestId = shot.repeated(kRequestIdTag);
+  Longs<2> timestamps = {};
+  Longs<2> requestIds = {};
+  for (int i = 0; i < shot.frames().size(); ++i) {
+    const auto timestamp = shot.readOr<int64_t>(shot.frames().at(i), kTimestampTag);
+    const auto requestId = shot.readOr<int32_t>(shot.frames().at(i), kRequestIdTag);
+    for (size_t slot = 0; slot < frames.size(); ++slot) {
+      if (i != frames[slot]) continue;
+      timestamps[slot] = timestamp;
+      requestIds[slot] = requestId;
+    }
+    LOGD_AS(kOperation, "CHECKXX FUSION  %d TIMESTAMP:%lld, reqID:%d", i, static_cast<long long>(timestamp),
+            requestId);
+  }
+  shot.write<Longs<2>>(kControl, "bokeh_timestamp", timestamps);
+  shot.write<Longs<2>>(kControl, "bokeh_request_id", requestIds);
+}
+
+// Both frames share one record: what the first left stays under what the second lacks (Oddity 21). The
+// composition stands for the capture result too (Oddity 22).
+void writeExposureTimes(const Shot& shot, const FusionFrames& frames) {
+  Floats<2> times = {};  // milliseconds
+  Aec aec = {};
+  for (size_t slot = 0; slot < frames.size(); ++slot) {
+    if (frames[slot] >= shot.frames().size()) continue;
+    const jobject composition = shot.frames().at(frames[slot]).composition;
+    shot.read({composition, composition}, kAecTag, aec);
+    times[slot] = milliseconds(aec);
+  }
+  shot.write<Floats<2>>(kControl, "bokeh_expotime", times);
+}
+
+}  // namespace
+
+// Only where two cameras' frames are fused, and there are two at least.
+void MetadataUpdater::updateFusionFrames() {
+  FusionShot fusion;
+  fusion.isSatFusion = mIsSatFusion;
+  fusion.isDualBokeh = mShot.listHas("dualBokeh");
+  if (!fusion.isSatFusion && !fusion.isDualBokeh) return;
+  if (mShot.isRaw() || mCaptureResultCompositions->size() < 2) return;
+
+  fusion.isHdr = mShot.listHas("hdr");
+  fusion.isPixelShift = mShot.listHas("pixelshift");
+  fusion.baseFrame = mBasicFrameIndex;
+  fusion.frameNum = mCaptureResultNum;
+  const FusionFrames frames = fusionFramesOf(fusion);
+  writeFrameIds(mShot, frames);
+  writeExposureTimes(mShot, frames);
+}
+
+}  // namespace orlu
