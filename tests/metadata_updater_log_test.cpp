@@ -78,7 +78,7 @@ std::vector<GoldenCase> allCaptures() {
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + "variations")) {
     for (const GoldenVariation& variation : readGoldenVariations(entry.path())) {
       GoldenCase& capture = captures.emplace_back(readGoldenCase(variation.base));
-      for (const GoldenLine& line : variation.changes) changeGolden(capture, line.text);
+      for (const GoldenLine& line : variation.changes) changeGolden(capture, line);
     }
   }
   return captures;

@@ -23,7 +23,7 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 GoldenCase golden(const std::string& name, const std::vector<std::string>& changes = {}) {
   GoldenCase read = test::readGoldenCase(name);
-  for (const std::string& line : changes) test::changeGolden(read, line);
+  for (const std::string& line : changes) test::changeGolden(read, {line, {}});
   return read;
 }
 

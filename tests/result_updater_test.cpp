@@ -5,8 +5,10 @@
 
 #include <array>
 #include <cstring>
+#include <map>
 #include <numeric>
 #include <set>
+#include <sstream>
 
 #include "algo.h"
 #include "case_name.h"
@@ -66,6 +68,7 @@ LeftValue outlineValue() {
 // A value that the algorithms may leave, and what is put for it. A value that makes several puts has a row
 // for each.
 struct Result {
+  std::string algorithms;  // those that leave it, any of which is enough; empty: it is read for every list
   LeftValue left;
   std::string put;    // composition, key and type; empty: nothing is put
   std::string set;    // what is put when all values are left,
@@ -87,50 +90,50 @@ std::vector<double> scores() {
 // clang-format off
 // In the order of the puts. The decoded size replaces what stood under the refocus keys before.
 const std::vector<Result> kResults = {
-    {left("feedback", "refocus_point_x", {11}),               "0 orlu.refocus.pointRatioX Integer",             " 11", " 0"},
-    {left("feedback", "refocus_point_y", {12}),               "0 orlu.refocus.pointRatioY Integer",             " 12", " 0"},
-    {left("feedback", "refocus_aperture", {13}),              "0 orlu.control.refocus_level Integer",           " 13", " 0"},
-    {left("feedback", "refocus_jpeg_width", {14}),            "0 orlu.refocus.imgW Integer",                    " 14", " 0"},
-    {left("feedback", "refocus_jpeg_height", {15}),           "0 orlu.refocus.imgH Integer",                    " 15", " 0"},
-    {left("feedback", "encoded_jpeg_size", {7777}),           "0 orlu.refocus.initJpegSize Integer",            " 7777", " 0"},
-    {left("feedback", "encoded_jpeg_size", {7777}),           "0 orlu.refocus.saveJpegSize Integer",            " 7777", " 0"},
-    {left("feedback", "decoded_jpeg_size", {17, 18}),         "0 orlu.refocus.imgW Integer",                    " 17", " 0"},
-    {left("feedback", "decoded_jpeg_size", {17, 18}),         "0 orlu.refocus.imgH Integer",                    " 18", " 0"},
-    {left("feedback", "refocus_ret_info", counting(64, 1000)), "0 orlu.refocus.retInfo int[]",                  numbers(64, 1000, 1), numbers(64, 0, 0)},
-    {left("parameter", "doc_jpeg_size", {9000}),              "0 orlu.feedback.doc_size Integer",               " 9000", " 0"},
-    {left("parameter", "rectify_wh", {320, 240}),             "",                                               "", ""},
-    {left("feedback", "doc_process_type", {3}),               "0 orlu.feedback.doc_algoType Integer",           " 3", " 0"},
-    {left("feedback", "doc_class_type", {5}),                 "0 orlu.feedback.doc_category Integer",           " 5", " 0"},
-    {left("parameter", "step_beauty_type", {1}),              "",                                               "", ""},
-    {outlineValue(),                                          "0 orlu.feedback.pOutlinesX int[]",               numbers(120, 1000, 1), "none"},
-    {outlineValue(),                                          "0 orlu.feedback.pOutlinesY int[]",               numbers(120, 5000, -1), "none"},
-    {outlineValue(),                                          "0 orlu.feedback.beautyPose float[]",             " 0.25 1.25 2.25", "none"},
-    {left<float>("feedback", "face_skin_value", {4.5F, 5.5F, 6.5F}), "0 orlu.feedback.faceSkinValue float[]",   " 4.5 5.5 6.5", "none"},
-    {outlineValue(),                                          "0 orlu.feedback.beautyFaceRect int[]",           " 22 21 23 24", "none"},
-    {outlineValue(),                                          "0 orlu.feedback.beautyFaceNum Integer",          " 2", "none"},
-    {left("feedback", "jpeg_encoded_by_hw", {1}),             "0 orlu.feedback.jpegEncodedType Integer",        " 1", " 0"},
-    {left("feedback", "output_refocus_jpeg_pack_size", {8888}), "",                                             "", ""},
-    {left("feedback", "lightstream_crop_region", {11, 12, 13, 14}), "0 orlu.feedback.lightstreamCropRegion int[]", " 11 12 13 14", " 0 0 0 0"},
-    {left<float>("feedback", "lightstream_zoom_ratio", {2.5F}), "0 orlu.feedback.lightstreamZoomRatio Float",   " 2.5", " 0.0"},
-    {left("feedback", "hdr_choosed_frame", {4}),              "0 orlu.feedback.hdrChoosedFrame Integer",        " 4", " -1"},
-    {left("feedback", "segment_detect_result", {2}),          "0 orlu.feedback.segmentResult Integer",          " 2", " -1"},
-    {left("feedback", "bestmoment_index", {6}),               "0 orlu.feedback.bestmoment_index Integer",       " 6", " 0"}};
+    {"jpegBokehOnly",         left("feedback", "refocus_point_x", {11}),               "0 orlu.refocus.pointRatioX Integer",             " 11", " 0"},
+    {"jpegBokehOnly",         left("feedback", "refocus_point_y", {12}),               "0 orlu.refocus.pointRatioY Integer",             " 12", " 0"},
+    {"jpegBokehOnly",         left("feedback", "refocus_aperture", {13}),              "0 orlu.control.refocus_level Integer",           " 13", " 0"},
+    {"jpegBokehOnly",         left("feedback", "refocus_jpeg_width", {14}),            "0 orlu.refocus.imgW Integer",                    " 14", " 0"},
+    {"jpegBokehOnly",         left("feedback", "refocus_jpeg_height", {15}),           "0 orlu.refocus.imgH Integer",                    " 15", " 0"},
+    {"jpegBokehOnly",         left("feedback", "encoded_jpeg_size", {7777}),           "0 orlu.refocus.initJpegSize Integer",            " 7777", " 0"},
+    {"jpegBokehOnly",         left("feedback", "encoded_jpeg_size", {7777}),           "0 orlu.refocus.saveJpegSize Integer",            " 7777", " 0"},
+    {"jpegBokehOnly",         left("feedback", "decoded_jpeg_size", {17, 18}),         "0 orlu.refocus.imgW Integer",                    " 17", " 0"},
+    {"jpegBokehOnly",         left("feedback", "decoded_jpeg_size", {17, 18}),         "0 orlu.refocus.imgH Integer",                    " 18", " 0"},
+    {"jpegBokehOnly",         left("feedback", "refocus_ret_info", counting(64, 1000)), "0 orlu.refocus.retInfo int[]",                  numbers(64, 1000, 1), numbers(64, 0, 0)},
+    {"ppt",                   left("parameter", "doc_jpeg_size", {9000}),              "0 orlu.feedback.doc_size Integer",               " 9000", " 0"},
+    {"ppt",                   left("parameter", "rectify_wh", {320, 240}),             "",                                               "", ""},
+    {"ppt",                   left("feedback", "doc_process_type", {3}),               "0 orlu.feedback.doc_algoType Integer",           " 3", " 0"},
+    {"ppt",                   left("feedback", "doc_class_type", {5}),                 "0 orlu.feedback.doc_category Integer",           " 5", " 0"},
+    {"",                      left("parameter", "step_beauty_type", {1}),              "",                                               "", ""},
+    {"",                      outlineValue(),                                          "0 orlu.feedback.pOutlinesX int[]",               numbers(120, 1000, 1), "none"},
+    {"",                      outlineValue(),                                          "0 orlu.feedback.pOutlinesY int[]",               numbers(120, 5000, -1), "none"},
+    {"",                      outlineValue(),                                          "0 orlu.feedback.beautyPose float[]",             " 0.25 1.25 2.25", "none"},
+    {"",                      left<float>("feedback", "face_skin_value", {4.5F, 5.5F, 6.5F}), "0 orlu.feedback.faceSkinValue float[]",   " 4.5 5.5 6.5", "none"},
+    {"",                      outlineValue(),                                          "0 orlu.feedback.beautyFaceRect int[]",           " 22 21 23 24", "none"},
+    {"",                      outlineValue(),                                          "0 orlu.feedback.beautyFaceNum Integer",          " 2", "none"},
+    {"jpegEncode",            left("feedback", "jpeg_encoded_by_hw", {1}),             "0 orlu.feedback.jpegEncodedType Integer",        " 1", " 0"},
+    {"jpegEncode",            left("feedback", "output_refocus_jpeg_pack_size", {8888}), "",                                             "", ""},
+    {"lightstream",           left("feedback", "lightstream_crop_region", {11, 12, 13, 14}), "0 orlu.feedback.lightstreamCropRegion int[]", " 11 12 13 14", " 0 0 0 0"},
+    {"lightstream",           left<float>("feedback", "lightstream_zoom_ratio", {2.5F}), "0 orlu.feedback.lightstreamZoomRatio Float",   " 2.5", " 0.0"},
+    {"hdr",                   left("feedback", "hdr_choosed_frame", {4}),              "0 orlu.feedback.hdrChoosedFrame Integer",        " 4", " -1"},
+    {"dualBokeh singleBokeh", left("feedback", "segment_detect_result", {2}),          "0 orlu.feedback.segmentResult Integer",          " 2", " -1"},
+    {"bestMoment",            left("feedback", "bestmoment_index", {6}),               "0 orlu.feedback.bestmoment_index Integer",       " 6", " 0"}};
 
 // What every request ends with. The gains go into the last composition; of the processed algorithms, one word is put.
 const std::vector<Result> kEnd = {
-    {left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
-    {left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0 0"},
-    {left("feedback", "current_base_frame_idx", {1}),         "",                                               "", ""},
-    {left<int64_t>("control", "current_base_frame_time", {1234}), "0 orlu.feedback.basicFrameTimestamp Long",   " 1234", "none"},
-    {left("parameter", "rawhdr_shot_ae_params", {5, -1001}),  "",                                               "", ""},
-    {left("feedback", "tunning_mode", {8}),                   "0 orlu.feedback.TunningMode Integer",            " 12", " 0"},
-    {left("feedback", "rawhdr_track_mode", {21}),             "0 orlu.feedback.AlgoRAWHDRMode Integer",         " 21", " 0"},
-    {left("feedback", "rawhdr_track_scenetype", {22}),        "0 orlu.feedback.AlgoRAWHDRSceneType Integer",    " 22", " 0"},
-    {left<float>("system", "real_gain", {1.5F}),              "",                                               "", ""},
-    {left<float>("system", "dark_boost_gain", {2.5F}),        "1 orlu.feedback.rawhdrISPAEParams float[]",      " 1.5 2.5", " 0 0"},
-    {left<uint64_t>("parameter", "processed_algo", {0x11, 0x22, 0x33, 0xFFFFFFFFFFFFFF00, 0x55}), "0 orlu.parameter.processedAlgo Long", " -256", " 0"},
-    {left<uint8_t>("feedback", "pure2proc_enabled", {200}),   "0 orlu.feedback.pure2proc.enabled Integer",      " 200", " 0"},
-    {left("feedback", "supermoon_capture_result", {31}),      "0 orlu.feedback.superMoonCaptureResult Integer", " 31", " -1"}};
+    {"", left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
+    {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0 0"},
+    {"", left("feedback", "current_base_frame_idx", {1}),         "",                                               "", ""},
+    {"", left<int64_t>("control", "current_base_frame_time", {1234}), "0 orlu.feedback.basicFrameTimestamp Long",   " 1234", "none"},
+    {"", left("parameter", "rawhdr_shot_ae_params", {5, -1001}),  "",                                               "", ""},
+    {"", left("feedback", "tunning_mode", {8}),                   "0 orlu.feedback.TunningMode Integer",            " 12", " 0"},
+    {"", left("feedback", "rawhdr_track_mode", {21}),             "0 orlu.feedback.AlgoRAWHDRMode Integer",         " 21", " 0"},
+    {"", left("feedback", "rawhdr_track_scenetype", {22}),        "0 orlu.feedback.AlgoRAWHDRSceneType Integer",    " 22", " 0"},
+    {"", left<float>("system", "real_gain", {1.5F}),              "",                                               "", ""},
+    {"", left<float>("system", "dark_boost_gain", {2.5F}),        "1 orlu.feedback.rawhdrISPAEParams float[]",      " 1.5 2.5", " 0 0"},
+    {"", left<uint64_t>("parameter", "processed_algo", {0x11, 0x22, 0x33, 0xFFFFFFFFFFFFFF00, 0x55}), "0 orlu.parameter.processedAlgo Long", " -256", " 0"},
+    {"", left<uint8_t>("feedback", "pure2proc_enabled", {200}),   "0 orlu.feedback.pure2proc.enabled Integer",      " 200", " 0"},
+    {"", left("feedback", "supermoon_capture_result", {31}),      "0 orlu.feedback.superMoonCaptureResult Integer", " 31", " -1"}};
 // clang-format on
 
 std::string putsOf(const std::vector<Result>& results, std::string Result::*value) {
@@ -139,6 +142,19 @@ std::string putsOf(const std::vector<Result>& results, std::string Result::*valu
     if (!result.put.empty() && result.*value != "none") text += result.put + result.*value + '\n';
   }
   return text;
+}
+
+// Those of `results` that a list with this algorithm alone asks for.
+std::vector<Result> resultsOf(const std::string& algorithm, const std::vector<Result>& results) {
+  std::vector<Result> asked;
+  for (const Result& result : results) {
+    std::istringstream names(result.algorithms);
+    std::string name;
+    while (names >> name && name != algorithm) {
+    }
+    if (result.algorithms.empty() || name == algorithm) asked.push_back(result);
+  }
+  return asked;
 }
 
 const std::string kUnsetEnd = putsOf(kEnd, &Result::unset);
@@ -209,6 +225,45 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmsLeft) {
     reads.insert(call.section + ' ' + call.key + ' ' + std::to_string(call.bytes.size()));
   }
   EXPECT_EQ(values, reads);
+}
+
+// One name at a time, so that no name passes for another.
+TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
+  for (const std::string algorithm : {"jpegBokehOnly", "ppt", "jpegEncode", "dualBokeh", "singleBokeh",
+                                      "lightstream", "hdr", "bestMoment", "refocusJpegPack", "night", ""}) {
+    SCOPED_TRACE(algorithm);
+    ResultScene scene;
+    scene.algorithms = {algorithm};
+    scene.requestType = "stopProcess";
+    scene.values = everythingValues();
+    scene.compositions = {test::compositionAt(1), test::compositionAt(2)};
+    scene.translate();
+    EXPECT_EQ(putsOf(resultsOf(algorithm, kResults), &Result::set) + putsOf(kEnd, &Result::set),
+              scene.puts());
+  }
+}
+
+// Who keeps a result in a shot's metadata needs its tag in the host's table.
+TEST(ResultUpdaterTest, EveryResultIsATagOfItsType) {
+  const std::map<std::string, std::string> types = {
+      {"Integer",  "INT"         },
+      {"Long",     "LONG"        },
+      {"Float",    "FLOAT"       },
+      {"int[]",    "INT_ARRAY"   },
+      {"long[]",   "LONG_ARRAY"  },
+      {"float[]",  "FLOAT_ARRAY" },
+      {"double[]", "DOUBLE_ARRAY"}
+  };
+  for (const auto& results : {kResults, kEnd}) {
+    for (const Result& result : results) {
+      std::istringstream put(result.put);
+      std::string composition;
+      std::string tag;
+      std::string type;
+      if (!(put >> composition >> tag >> type)) continue;
+      EXPECT_EQ(types.at(type), test::typeOfTag(tag)) << test::tagTableHint(tag, types.at(type));
+    }
+  }
 }
 
 TEST_F(ResultUpdaterStepsTest, PutInitialValuesAndCopeWithoutOutputs) {
@@ -327,11 +382,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterConditionTest, testing::Values(
     documentCase("DocumentWithoutHeight", 320, 0, "0"),
     ResultCase{"JpegOfSingleBokeh", {"singleBokeh", "jpegEncode"}, "capture", kJpegValues, kEncodedType + kSegment, kEncodedOutput,
                "", "D encoded jpeg size 7777\n"},
-    ResultCase{"DualBokehAlone", {"dualBokeh"}, "capture", kJpegValues, kSegment},
     ResultCase{"RefocusPack", {"refocusJpegPack"}, "capture", kJpegValues, "", kPackedOutput},
     ResultCase{"LightStreamLongerType", {"lightstream"}, "stopProcessAll", {}, kNoLightStream},
     ResultCase{"LightStreamShorterType", {"lightstream"}, "stopProces", {}, ""},
-    ResultCase{"StopOfOthers", {"night"}, "stopProcess", {}, ""},
     ResultCase{"StepBeautyOff", {}, "capture", {left("parameter", "step_beauty_type", {0})}, ""},
     ResultCase{"StepBeautyNegative", {}, "capture", {left("parameter", "step_beauty_type", {-1})}, ""}),
     test::CaseName());

@@ -1,9 +1,8 @@
 #include "fixtures.h"
 
 #include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 
 namespace orlu::test {
 namespace {
@@ -49,10 +48,14 @@ jobject weighted(const char* clazz, const std::vector<__tagOrluRect>& rects, int
 }  // namespace
 
 void expectNoException(const char* what) {
-  if (!env()->ExceptionCheck()) return;
-  std::fprintf(stderr, "Java threw at %s\n", what);
-  env()->ExceptionDescribe();
-  std::abort();
+  jthrowable thrown = env()->ExceptionOccurred();
+  if (thrown == nullptr) return;
+  env()->ExceptionClear();
+  const jmethodID toString =
+      env()->GetMethodID(env()->GetObjectClass(thrown), "toString", "()Ljava/lang/String;");
+  jobject text = env()->CallObjectMethod(thrown, toString);
+  if (env()->ExceptionCheck()) env()->ExceptionClear();
+  throw std::runtime_error(std::string("Java threw at ") + what + ": " + stringOf(text));
 }
 
 jclass findClass(const char* name) {
@@ -266,6 +269,16 @@ jobject newThrowingComposition() {
 
 jobject newThrowingMap() {
   return newObject("com/orlu/test/ThrowingMap", "()V");
+}
+
+std::string typeOfTag(const std::string& tag) {
+  jobject type = callStatic("android/hardware/camera2/impl/TagTable", "typeOf",
+                            "(Ljava/lang/String;)Landroid/hardware/camera2/impl/TagType;", javaString(tag));
+  return type == nullptr ? "" : stringOf(callObject(type, "name", "()Ljava/lang/String;"));
+}
+
+std::string tagTableHint(const std::string& tag, const std::string& type) {
+  return "add a line to host/java/android/hardware/camera2/impl/tags.txt: " + tag + ' ' + type;
 }
 
 void registerTag(const char* tag, const char* type) {

@@ -22,19 +22,19 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// Ends the test program with the Java exception that is pending, if there is one.
+// Throws std::runtime_error with the Java exception that is pending, if there is one: the test fails.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
 jobject newObject(const char* clazz, const char* signature, ...);
-// What a method answers, which the signature tells: nothing, a boolean, int or long, or else an object. Ends
-// the test program when it throws.
+// What a method returns, which the signature says: nothing, a boolean, int or long, or else an object.
+// std::runtime_error when it throws.
 jvalue call(jobject object, const char* method, const char* signature, ...);
 template <typename... Arguments>
 jobject callObject(jobject object, const char* method, const char* signature, Arguments... arguments) {
   return call(object, method, signature, arguments...).l;
 }
-// The same of a static method that answers an object or nothing.
+// The same of a static method that returns an object or nothing.
 jobject callStatic(const char* clazz, const char* method, const char* signature, ...);
 int intField(jobject object, const char* name);
 jobject objectField(jobject object, const char* name, const char* signature);
@@ -86,6 +86,10 @@ jobject getKey(jobject composition, const char* key);
 jobject newThrowingComposition();
 // A HashMap whose put() throws.
 jobject newThrowingMap();
+// The store's type of a tag, a constant of TagType; empty for a tag that it does not know.
+std::string typeOfTag(const std::string& tag);
+// What to do about a tag that the store does not know as this type.
+std::string tagTableHint(const std::string& tag, const std::string& type);
 // Makes a tag known to the store. `type` is a constant of TagType.
 void registerTag(const char* tag, const char* type);
 

@@ -61,8 +61,8 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
 }
 
 // "c2 orlu.control.reqID int 5" goes into the composition of frame 2, "* ..." into every capture result.
-void addTag(std::vector<GoldenFrame>& frames, const std::string& line) {
-  std::istringstream in(line);
+void addTag(std::vector<GoldenFrame>& frames, const GoldenLine& line) {
+  std::istringstream in(line.text);
   std::string where;
   std::string tag;
   in >> where >> tag;
@@ -72,7 +72,7 @@ void addTag(std::vector<GoldenFrame>& frames, const std::string& line) {
   for (size_t i = 0; i < frames.size(); ++i) {
     if (which != "*" && which != std::to_string(i)) continue;
     auto& tags = composition ? frames[i].composition : frames[i].captureResult;
-    tags[tag] = parseGoldenValue(value, static_cast<int>(i));
+    tags[tag] = {parseGoldenValue(value, static_cast<int>(i)), line.place};
   }
 }
 
@@ -87,7 +87,7 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
     size_t count = 0;
     in >> count;
     golden.frames.assign(count, {});
-    for (const std::string& line : golden.tagLines) addTag(golden.frames, line);
+    for (const GoldenLine& line : golden.tagLines) addTag(golden.frames, line);
   } else if (word == "algorithms") {
     golden.algorithms = wordsOf(in);
   } else {
@@ -120,7 +120,7 @@ private:
     } else if (mSection == "[request]") {
       readRequest(mGolden, word, in);
     } else if (mSection == "[tags]") {
-      changeGolden(mGolden, line.text);
+      changeGolden(mGolden, line);
     } else if (mSection == "[after]") {
       mGolden.after.push_back(line);
     } else {
@@ -184,8 +184,8 @@ GoldenCase readGoldenCase(const std::string& name) {
   return golden;
 }
 
-void changeGolden(GoldenCase& golden, const std::string& line) {
-  std::istringstream in(line);
+void changeGolden(GoldenCase& golden, const GoldenLine& line) {
+  std::istringstream in(line.text);
   std::string word;
   in >> word;
   if (word[0] == '*' || word[0] == 'c' || std::isdigit(static_cast<unsigned char>(word[0]))) {
@@ -204,7 +204,7 @@ GoldenCase withOverrides(const GoldenCase& golden) {
   GoldenCase changed = golden;
   for (GoldenFrame& frame : changed.frames) {
     for (auto& [tag, value] : frame.captureResult) {
-      if (frame.composition.emplace(tag, value).second) value = otherValue(value);
+      if (frame.composition.emplace(tag, value).second) value.bytes = otherValue(value).bytes;
     }
   }
   return changed;

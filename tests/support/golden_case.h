@@ -31,11 +31,15 @@ struct GoldenImage {
   bool hardware = false;
 };
 
+struct GoldenTag : GoldenValue {
+  GoldenPlace place;
+};
+
 // The tags of one frame: what the camera reported, and the composition over it. "none" is a value, too: the
 // tag is not there.
 struct GoldenFrame {
-  std::map<std::string, GoldenValue> captureResult;
-  std::map<std::string, GoldenValue> composition;
+  std::map<std::string, GoldenTag> captureResult;
+  std::map<std::string, GoldenTag> composition;
 };
 
 // One setValue() call.
@@ -50,7 +54,7 @@ struct GoldenWrite {
 
 struct GoldenCase {
   // The lines that `frames` come from.
-  std::vector<std::string> tagLines;
+  std::vector<GoldenLine> tagLines;
 
   std::string requestType;
   std::vector<GoldenImage> inputs;
@@ -73,7 +77,7 @@ GoldenCase readGoldenCase(const std::string& name);
 
 // Reads one more line of tags, such as "0 orlu.control.reqID int 5", or a line of the request, such as
 // "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
-void changeGolden(GoldenCase& golden, const std::string& line);
+void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
 // The same request with every tag in a composition, over another value in the capture result: whatever asks
 // the capture result alone finds the other value. Tags that a composition has, be it "none", stay as they

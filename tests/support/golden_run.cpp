@@ -3,6 +3,7 @@
 #include <cutils/properties.h>
 
 #include <algorithm>
+#include <cctype>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -69,21 +70,50 @@ jobject javaValue(const GoldenValue& value) {
   throw std::runtime_error("no tag has the type " + type);
 }
 
+// The constant of TagType for a golden type: "ints" is INT_ARRAY.
+std::string tagTypeOf(const std::string& type) {
+  static const std::map<std::string, std::string> types = {
+      {"bytes",   "BYTES"              },
+      {"faces",   "FACES"              },
+      {"regions", "METERING_RECTANGLES"}
+  };
+  const auto special = types.find(type);
+  if (special != types.end()) return special->second;
+  std::string name = type;
+  for (char& letter : name) letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+  if (name.back() == 'S') name.replace(name.size() - 1, 1, "_ARRAY");
+  return name;
+}
+
+// Only a capture result knows what tags there are, and their types.
+void setKnownTag(jobject metadata, const char* tag, const GoldenTag& value) {
+  try {
+    setTag(metadata, tag, javaValue(value));
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(value.place.file + ':' + std::to_string(value.place.line) + ": " + error.what() +
+                             "; " + tagTableHint(tag, tagTypeOf(value.type)));
+  }
+}
+
+void putTag(jobject composition, const char* tag, const GoldenTag& value) {
+  putKey(composition, tag, javaValue(value));
+}
+
 // One tag makes several references; with a frame for each, a long burst needs no more than a short one.
-void fill(const std::map<std::string, GoldenValue>& tags, jobject target,
-          void (*set)(jobject, const char*, jobject)) {
+void fill(const std::map<std::string, GoldenTag>& tags, jobject target,
+          void (*set)(jobject, const char*, const GoldenTag&)) {
   for (const auto& [tag, value] : tags) {
     if (value.type == "none") continue;
     const LocalFrame frame;
-    set(target, tag.c_str(), javaValue(value));
+    set(target, tag.c_str(), value);
   }
 }
 
 jobject compositionOf(const GoldenFrame& frame) {
   jobject metadata = newMetadata();
-  fill(frame.captureResult, metadata, setTag);
+  fill(frame.captureResult, metadata, setKnownTag);
   jobject composition = newComposition(metadata);
-  fill(frame.composition, composition, putKey);
+  fill(frame.composition, composition, putTag);
   return composition;
 }
 

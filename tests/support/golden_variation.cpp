@@ -19,7 +19,7 @@ class Outcome {
 public:
   Outcome(const GoldenVariation& variation, bool isOverridden) {
     GoldenCase golden = readGoldenCase(variation.base);
-    for (const GoldenLine& line : variation.changes) changeGolden(golden, line.text);
+    for (const GoldenLine& line : variation.changes) changeGolden(golden, line);
     if (isOverridden) golden = withOverrides(golden);
     Algo algo;
     const LogCapture log;
