@@ -27,7 +27,7 @@ const std::map<float, SATCameraRoleType>& satCameraRoles();
 int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 
 // What the session ids of "com.orlu.MultiCameraBokehSelectSessionId" mean: the camera's type, and the cameras
-// of its composition. Empty for every other id: the shot's tags tell then.
+// of its composition. Empty for every other id, where the shot's own tags name them.
 std::string_view bokehCameraType(int32_t session);
 std::string_view bokehCameraComposition(int32_t session);
 

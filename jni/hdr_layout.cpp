@@ -11,11 +11,11 @@ bool isNight(uint64_t mode) {
   return (mode & kNightFrameBit) != 0;
 }
 
-// Counts the frames from `first` on by their modes, of which HDR comes before night, and keeps the indices of
-// the HDR frames from slot `hdrSlot` on.
-HdrLayout walk(const std::vector<uint64_t>& modes, size_t first, size_t hdrSlot, HdrFrameIndex& hdrFrames) {
+// Counts the frames of [first, last) by their modes, of which HDR comes before night, and keeps the indices
+// of the HDR frames from slot `hdrSlot` on.
+HdrLayout walk(const FrameModes& modes, size_t first, size_t last, size_t hdrSlot, HdrFrameIndex& hdrFrames) {
   HdrLayout found;
-  for (size_t i = first; i < modes.size(); ++i) {
+  for (size_t i = first; i < last; ++i) {
     const auto index = static_cast<int32_t>(i);
     if (isHdr(modes[i])) {
       const size_t slot = hdrSlot + static_cast<size_t>(found.hdrCount++);
@@ -28,24 +28,24 @@ HdrLayout walk(const std::vector<uint64_t>& modes, size_t first, size_t hdrSlot,
   return found;
 }
 
-HdrLayout layoutOf5(const std::vector<uint64_t>& modes, HdrFrameIndex& hdrFrames) {
-  HdrLayout layout = walk(modes, 0, 1, hdrFrames);
+HdrLayout layoutOf5(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
+  HdrLayout layout = walk(modes, 0, 5, 1, hdrFrames);
   if (layout.nightCount > 0) hdrFrames[0] = layout.nightIndex;
   if (layout.hdrCount == 4 && layout.nightCount == 1) layout.type = kHdr5Yuv;
   return layout;
 }
 
-HdrLayout layoutOf7(const std::vector<uint64_t>& modes, HdrFrameIndex& hdrFrames) {
-  HdrLayout layout = walk(modes, 0, 0, hdrFrames);
+HdrLayout layoutOf7(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
+  HdrLayout layout = walk(modes, 0, 7, 0, hdrFrames);
   if (layout.hdrCount == 6 && layout.nightCount == 1) layout.type = kHdr7Yuv;
   return layout;
 }
 
 // The first three frames count as night frames alone, the others as HDR frames alone.
-HdrLayout layoutOf9(const std::vector<uint64_t>& modes, HdrFrameIndex& hdrFrames) {
+HdrLayout layoutOf9(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
   constexpr size_t kNightFrames = 3;
   HdrLayout layout;
-  layout.hdrCount = walk(modes, kNightFrames, 0, hdrFrames).hdrCount;
+  layout.hdrCount = walk(modes, kNightFrames, 9, 0, hdrFrames).hdrCount;
   for (size_t i = 0; i < kNightFrames; ++i) layout.nightCount += isNight(modes[i]) ? 1 : 0;
   if (layout.hdrCount == 6 && layout.nightCount == 3) layout.type = kHdr9Yuv;
   return layout;
@@ -57,8 +57,8 @@ bool isBracketed(int frameNum) {
   return frameNum == 5 || frameNum == 7 || frameNum == 9;
 }
 
-HdrLayout hdrLayoutOf(const std::vector<uint64_t>& modes, HdrFrameIndex& hdrFrames) {
-  switch (modes.size()) {
+HdrLayout hdrLayoutOf(const FrameModes& modes, int frameNum, HdrFrameIndex& hdrFrames) {
+  switch (frameNum) {
     case 5:
       return layoutOf5(modes, hdrFrames);
     case 7:

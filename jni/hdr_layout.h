@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace orlu {
 
@@ -25,6 +24,9 @@ enum HdrProcessType : int32_t {
 constexpr uint64_t kHdrFrameBit = 2;
 constexpr uint64_t kNightFrameBit = 8;
 
+// Mode bits of the first frames; the longest layout has nine.
+using FrameModes = std::array<uint64_t, 9>;
+
 struct HdrLayout {
   HdrProcessType type = kHdrNone;
   int32_t nightIndex = 0;  // of the last night frame, also where the layout does not match
@@ -32,12 +34,12 @@ struct HdrLayout {
   int nightCount = 0;
 };
 
-// Whether the modes of so many frames decide: 5, 7 and 9.
+// Whether the modes of so many frames decide: of 5, 7 and 9.
 bool isBracketed(int frameNum);
 
-// The layout of frames with these modes; kHdrNone for any number of frames that is not bracketed. The indices
+// The layout of `frameNum` frames with these modes; kHdrNone for a number that is not bracketed. The indices
 // of the HDR frames found go into `hdrFrames`, also where the layout does not match (Oddity 24); with five
 // frames they begin at slot 1, and slot 0 is the night frame's.
-HdrLayout hdrLayoutOf(const std::vector<uint64_t>& modes, HdrFrameIndex& hdrFrames);
+HdrLayout hdrLayoutOf(const FrameModes& modes, int frameNum, HdrFrameIndex& hdrFrames);
 
 }  // namespace orlu

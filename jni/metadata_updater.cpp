@@ -44,11 +44,6 @@ int MetadataUpdater::getImageFormat() {
   return mShot.inputFormat();
 }
 
-Frame MetadataUpdater::masterFrameAt(int index) const {
-  const FrameList masters = masterFrames();
-  return index < masters.size() ? masters.at(index) : masters.last();
-}
-
 void MetadataUpdater::updateMetadata() {
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);

@@ -57,8 +57,6 @@ private:
   void getMasterFrames();
   uint64_t getCurrentMode(jobject captureResult, jobject composition);
   FrameList masterFrames() const { return {mMasterCaptureResults, mMasterCompositions}; }
-  // An index past the master frames means the last of them.
-  Frame masterFrameAt(int index) const;
 
   // metadata_updater_cameras.cpp
   void updateFromCameraCharacteristics();
@@ -75,7 +73,6 @@ private:
   // metadata_updater_input_format.cpp
   void updateRawFormat();
   void updateYuvFormat();
-  void updateHdrGains();
   void updateRegions();
 
   // metadata_updater_hdr.cpp

@@ -5,7 +5,7 @@
 namespace orlu {
 namespace {
 
-// What "beauty_extra_params" holds: the switch that removes blemishes, and room.
+// What "beauty_extra_params" holds: the switch that removes blemishes, then reserved bytes.
 struct BeautyExtraParams {
   int32_t deblacknevus = 0;
   uint8_t reserved[76] = {};

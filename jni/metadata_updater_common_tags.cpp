@@ -139,7 +139,7 @@ void writePhaseDetection(const Shot& shot) {
   PdafInfo info;
   if (usable) {
     std::copy_n(sensor.info.header, std::size(info.header), info.header);
-    // The count is handed on as it stands, also past the table (Oddity 33).
+    // The count is handed on as it came, also past the table (Oddity 33).
     info.count = sensor.info.count;
     std::copy_n(sensor.info.pairs, std::clamp(info.count, 0, PdafInfo::kPairs), info.pairs);
   }

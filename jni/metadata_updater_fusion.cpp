@@ -32,7 +32,7 @@ void writeFrameIds(const Shot& shot, const FusionFrames& frames) {
 }
 
 // Both frames share one record: what the first left stays under what the second lacks (Oddity 21). The
-// composition stands for the capture result too (Oddity 22).
+// composition is handed in as the capture result too (Oddity 22).
 void writeExposureTimes(const Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
   Aec aec = {};

@@ -39,11 +39,12 @@ void MetadataUpdater::updateHdrProcessType() {
     layout.type = kHdr3;
   } else if (isBracketed(frameNum)) {
     const auto repeated = mShot.repeated(kFrameModeTag);
-    std::vector<uint64_t> modes;
+    FrameModes modes = {};
     for (int i = 0; i < frameNum; ++i) {
-      modes.push_back(getCurrentMode(masters.at(i).captureResult, masters.at(i).composition));
+      const Frame frame = masters.at(i);
+      modes[static_cast<size_t>(i)] = getCurrentMode(frame.captureResult, frame.composition);
     }
-    layout = hdrLayoutOf(modes, mHdrFrameIndex);
+    layout = hdrLayoutOf(modes, frameNum, mHdrFrameIndex);
     logLayout(layout, frameNum);
     if (layout.type != kHdrNone) {
       // Nine frames leave it as it is (Oddity 25).

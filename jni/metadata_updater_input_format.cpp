@@ -83,6 +83,24 @@ void writeUserSettings(const Shot& shot) {
   shot.copy<Ints<10>>("orlu.control.3dLightParams", kParameter, "light_3d_params");
 }
 
+// Gains and shutters of the HDR frames, zero where there is no frame.
+void writeHdrGains(const Shot& shot, const FrameList& masters, const HdrFrameIndex& hdrFrames) {
+  Floats<kHdrSlots> gains = {};
+  Floats<kHdrSlots> shutters = {};  // milliseconds
+  const size_t count = std::min(static_cast<size_t>(masters.size()), kHdrSlots);
+  const auto repeated = shot.repeated(kAecTag);
+  for (size_t slot = 0; slot < count; ++slot) {
+    const auto aec = shot.readOr<Aec>(masters.atOrLast(hdrFrames[slot]), kAecTag);
+    gains[slot] = aec[kAecRealGain];
+    shutters[slot] = milliseconds(aec);
+    const int i = static_cast<int>(slot);
+    LOGD_AS(kOperation, "hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i,
+            static_cast<double>(gains[slot]), i, static_cast<double>(shutters[slot]), hdrFrames[slot]);
+  }
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", gains);
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", shutters);
+}
+
 void writeCrop(const Shot& shot) {
   const auto crop = shot.copy<__tagOrluRect>("android.scaler.cropRegion", kZoom, "zoom_woi_rect");
   LOGD_AS(kOperation, "zoomWoiRect(%d, %d, %d, %d)", crop.left, crop.top, crop.right, crop.bottom);
@@ -139,7 +157,7 @@ void writeDocument(const Shot& shot) {
 // The keys say "sport", and the count's record is as long as the tag's (Oddity 32).
 void writeBrightSpots(const Shot& shot) {
   const auto spots = shot.readOr<Floats<1 + 2 * kBrightSpots>>("orlu.control.bright_spot");
-  // The count is handed on as it stands, also past the table (Oddity 33).
+  // The count is handed on as it came, also past the table (Oddity 33).
   const int32_t count = toInt(spots[0]);
   Floats<2 * kBrightSpots> points = {};
   std::copy_n(&spots[1], 2 * std::clamp(count, 0, kBrightSpots), points.begin());
@@ -182,7 +200,7 @@ void MetadataUpdater::updateYuvFormat() {
   writeWatermark(mShot);
   mShot.keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");
   writeUserSettings(mShot);
-  updateHdrGains();
+  writeHdrGains(mShot, masterFrames(), mHdrFrameIndex);
   writeCrop(mShot);
   updateRegions();
   mShot.read("orlu.control.isUpscale", mIsUpscale);
@@ -199,24 +217,6 @@ void MetadataUpdater::updateYuvFormat() {
   writeSatCropRegions(mShot);
   writeDocument(mShot);
   writeBrightSpots(mShot);
-}
-
-// Gains and shutters of the HDR frames, zero where there is no frame.
-void MetadataUpdater::updateHdrGains() {
-  Floats<kHdrSlots> gains = {};
-  Floats<kHdrSlots> shutters = {};  // milliseconds
-  const size_t count = std::min(mMasterCaptureResults.size(), kHdrSlots);
-  const auto repeated = mShot.repeated(kAecTag);
-  for (size_t slot = 0; slot < count; ++slot) {
-    const auto aec = mShot.readOr<Aec>(masterFrameAt(mHdrFrameIndex[slot]), kAecTag);
-    gains[slot] = aec[kAecRealGain];
-    shutters[slot] = milliseconds(aec);
-    const int i = static_cast<int>(slot);
-    LOGD_AS(kOperation, "hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i,
-            static_cast<double>(gains[slot]), i, static_cast<double>(shutters[slot]), mHdrFrameIndex[slot]);
-  }
-  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", gains);
-  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", shutters);
 }
 
 // The regions are handed over as they were read where there is nothing to convert them with. Only the

@@ -66,12 +66,12 @@ void writeLowLight(const Shot& shot, const Aec& normal, const Aec& brief) {
 
 // The last frame is counted among all frames and looked up among the master frames.
 void MetadataUpdater::updateSuperNsYuv() {
-  writeSuperNs(mShot, masterFrameAt(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
+  writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }
 
 // The raw domain takes the same figures from the same frames.
 void MetadataUpdater::updateSuperNS() {
-  writeSuperNs(mShot, masterFrameAt(mCaptureResultNum - 1), __func__, "RawDomainSuperns");
+  writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "RawDomainSuperns");
 }
 
 // The last frame but one has the normal exposure, the last one the short.

@@ -9,7 +9,7 @@ namespace orlu {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 // The tag of the few lines that are written whatever the log level.
-[[maybe_unused]] constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
+constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 

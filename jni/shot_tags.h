@@ -77,6 +77,8 @@ public:
   Frame at(int index) const { return {element(*mCaptureResults, index), element(*mCompositions, index)}; }
   Frame first() const { return at(0); }
   Frame last() const { return at(size() - 1); }
+  // An index past the list means its last frame.
+  Frame atOrLast(int index) const { return index < size() ? at(index) : last(); }
 
 private:
   static jobject element(const std::vector<jobject>& objects, int index) {
@@ -155,7 +157,7 @@ int get(P& p, Bytes<N>& v, const char* tag, const Frame& f) {
 
 }  // namespace getter
 
-// The frames of one shot and the parser that reads them. Without a frame in the call, the first one is meant.
+// The frames of one shot and the parser that reads them. A call that names no frame reads the first one.
 class ShotTags {
 public:
   // Borrows all of it.
