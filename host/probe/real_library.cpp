@@ -94,7 +94,11 @@ RealLibrary openRealLibrary(const std::string& path) {
   }
   library.stage = "entry";
   library.entry = reinterpret_cast<RealLibrary::Entry>(dlsym(handle, kEntryName));
-  if (library.entry == nullptr) library.error = loaderError();
+  if (library.entry == nullptr) {
+    library.error = loaderError();
+  } else {
+    library.stage = "";
+  }
   return library;
 }
 
