@@ -65,6 +65,7 @@ using orlu::standin::StandIn;
 EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
   if (table == nullptr) return;
   StandIn::instance().trace().open();
+  StandIn::instance().entry();
   const auto script = StandIn::instance().script().current();
   orlu::standin::fillTable(orlu::standin::TableFiller(*script), *table);
 }

@@ -28,6 +28,14 @@ struct WantedValue {
   unsigned size = 0;  // bytes
 };
 
+// What an operation throws that the script makes throw.
+struct ScriptedException {};
+
+// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: as they should be;
+// on a thread of their own, meanwhile; when the operation has returned, on whichever thread destroys the
+// block.
+enum class VisitorUse { kHere, kOtherThread, kLater };
+
 // One operation as the library was asked for it, in the order of the calls. Borrowed for the observer's call
 // only.
 struct AlgoCall {
@@ -57,6 +65,14 @@ struct AlgoScript {
   bool callBackBeforeReturn = false;   // on the caller's thread, inside process()
   bool attachThread = true;            // whether the calling-back thread is attached to the Java VM
   std::chrono::milliseconds delay{0};  // from process() to the (first) callback
+  std::set<std::string> throwing;      // operations that throw; of "AlgoInterfaceEntry" too
+  // Operations that leave a Java exception on their thread; "callback": on the way into the callback.
+  std::set<std::string> leaving;
+  bool finishInDestroyClient =
+      false;                    // destroyClient waits for its requests' callbacks instead of dropping them
+  std::function<void()> entry;  // called in AlgoInterfaceEntry, before it fills the table
+  VisitorUse visitorUse = VisitorUse::kHere;
+  std::function<void(int)> visited;  // called with what each visitor returned
   std::vector<ScriptedValue> values;
   std::vector<WantedValue> wanted;
   std::function<void(const AlgoCall&)> observer;  // called on the thread of the operation, before it is done

@@ -24,6 +24,16 @@ bool isAttached(JavaVM* vm) {
 
 }  // namespace
 
+void leaveJavaException() {
+  JavaVM* const vm = findVm();
+  JNIEnv* env = nullptr;
+  if (vm == nullptr || vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) != JNI_OK) return;
+  if (env->ExceptionCheck()) return;
+  const jclass clazz = env->FindClass("java/lang/IllegalStateException");
+  env->ThrowNew(clazz, "left by the algorithm library");
+  env->DeleteLocalRef(clazz);
+}
+
 void attachToJava() {
   JavaVM* const vm = findVm();
   if (vm == nullptr || isAttached(vm)) return;

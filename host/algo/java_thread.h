@@ -1,8 +1,10 @@
-// This thread and the Java VM. Without a VM in the process both do nothing.
+// This thread and the Java VM. Without a VM in the process all of them do nothing.
 #pragma once
 
 namespace orlu::standin {
 
+// Leaves a Java exception pending on this thread, if it is attached.
+void leaveJavaException();
 // Attaches as a daemon, so that the VM does not wait for this thread to end.
 void attachToJava();
 void detachFromJava();

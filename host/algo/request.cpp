@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "callback_message.h"
+#include "java_thread.h"
 
 namespace orlu::standin {
 namespace {
@@ -30,6 +31,7 @@ bool Request::asksFor(const char* algorithm) const {
 }
 
 void Request::callBack() const {
+  if (mScript->leaving.count("callback") != 0) leaveJavaException();
   sendCallback(mCookie, callbackMessage(mNativeReq, kShotCallback, nullptr, 0), {});
 }
 

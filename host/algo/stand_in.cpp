@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "java_thread.h"
+
 namespace orlu::standin {
 namespace {
 
@@ -37,21 +39,28 @@ bool isKill(const std::vector<uint8_t>& data) {
   return startsWith(std::string(data.begin(), data.end()), kNotifyKill);
 }
 
-// The boundary lets no exception through; memory may run out, an observer may throw.
-template <typename Body>
-int guarded(const Body& body) noexcept {
-  try {
-    return body();
-  } catch (...) {
-    return -1;
-  }
-}
-
 }  // namespace
 
 StandIn& StandIn::instance() {
   static auto* const instance = new StandIn;
   return *instance;
+}
+
+// An operation. It lets no exception through but the script's; memory may run out, an observer may throw.
+// What creates something misbehaves before, so that nobody has to free it, everything else when its work is
+// done.
+template <typename Body>
+int StandIn::guarded(const char* operation, const Body& body) const {
+  const auto script = mScript.current();
+  const bool creates = startsWith(operation, "create");
+  if (creates) misbehave(*script, operation);
+  int status = -1;
+  try {
+    status = body();
+  } catch (...) {
+  }
+  if (!creates) misbehave(*script, operation);
+  return status;
 }
 
 AlgoCounts StandIn::count() const {
@@ -64,7 +73,7 @@ AlgoCounts StandIn::count() const {
 }
 
 int StandIn::init(const AlgoInitRecord& record) {
-  return guarded([&] {
+  return guarded("init", [&] {
     AlgoCall call = callOf("init");
     call.init = &record;
     announce(call);
@@ -74,7 +83,7 @@ int StandIn::init(const AlgoInitRecord& record) {
 }
 
 int StandIn::process(const AlgoProcessRecord& record) {
-  return guarded([&] {
+  return guarded("process", [&] {
     AlgoCall call = callOf("process");
     call.process = &record;
     announce(call);
@@ -91,18 +100,19 @@ int StandIn::process(const AlgoProcessRecord& record) {
 }
 
 int StandIn::uninit(const AlgoUninitRecord& record) {
-  return guarded([&] {
+  return guarded("uninit", [&] {
     AlgoCall call = callOf("uninit");
     call.uninit = &record;
     announce(call);
     mTrace.uninit(record);
-    if (record.mode == kUninitForGood) mWorker.abandon(record.client);
+    const bool dropsRequests = record.mode == kUninitForGood && !mScript.current()->finishInDestroyClient;
+    if (dropsRequests) mWorker.abandon(record.client);
     return 0;
   });
 }
 
 int StandIn::getData(const AlgoGetDataRecord& record) {
-  return guarded([&] {
+  return guarded("getData", [&] {
     AlgoCall call = callOf("getData", record.block);
     call.getData = &record;
     announce(call);
@@ -115,7 +125,7 @@ int StandIn::getData(const AlgoGetDataRecord& record) {
 }
 
 int StandIn::flush(const AlgoFlushRecord& record) {
-  return guarded([&] {
+  return guarded("flush", [&] {
     AlgoCall call = callOf("flush");
     call.flush = &record;
     announce(call);
@@ -125,7 +135,7 @@ int StandIn::flush(const AlgoFlushRecord& record) {
 }
 
 int StandIn::command(const AlgoCommandRecord& record) {
-  return guarded([&] {
+  return guarded("command", [&] {
     AlgoCall call = callOf("command");
     call.command = &record;
     announce(call);
@@ -144,7 +154,7 @@ int StandIn::command(const AlgoCommandRecord& record) {
 
 void* StandIn::createClient(const AlgoCreateClientRecord& record) {
   void* client = nullptr;
-  guarded([&] {
+  guarded("createClient", [&] {
     AlgoCall call = callOf("createClient");
     call.createClient = &record;
     announce(call);
@@ -156,18 +166,19 @@ void* StandIn::createClient(const AlgoCreateClientRecord& record) {
 }
 
 int StandIn::destroyClient(void* client) {
-  return guarded([&] {
+  return guarded("destroyClient", [&] {
     AlgoCall call = callOf("destroyClient");
     call.client = client;
     announce(call);
     mTrace.operation("destroyClient");
+    if (mScript.current()->finishInDestroyClient) mWorker.drain(client, kFlushLimit);
     mWorker.abandon(client);
     return mClients.destroy(client) ? 0 : -1;
   });
 }
 
 int StandIn::translateParamFile(const AlgoTranslateParamFileRecord& record) {
-  return guarded([&] {
+  return guarded("translateParamFile", [&] {
     AlgoCall call = callOf("translateParamFile");
     call.translateParamFile = &record;
     announce(call);
@@ -178,7 +189,7 @@ int StandIn::translateParamFile(const AlgoTranslateParamFileRecord& record) {
 
 void* StandIn::createMetadata(int kind) {
   void* block = nullptr;
-  guarded([&] {
+  guarded("createMetadata", [&] {
     announce(callOf("createMetadata"));
     block = mBlocks.create(kind);
     mTrace.block("createMetadata", block);
@@ -188,9 +199,10 @@ void* StandIn::createMetadata(int kind) {
 }
 
 void StandIn::destroyMetadata(void* block) {
-  guarded([&] {
+  guarded("destroyMetadata", [&] {
     announce(callOf("destroyMetadata", block));
     mTrace.block("destroyMetadata", block);
+    mVisits.callKept(block);
     mBlocks.destroy(block);
     return 0;
   });
@@ -198,7 +210,7 @@ void StandIn::destroyMetadata(void* block) {
 
 unsigned StandIn::getSize(void* block) {
   unsigned size = 0;
-  guarded([&] {
+  guarded("getSize", [&] {
     announce(callOf("getSize", block));
     const auto set = mBlocks.find(block);
     if (set) size = static_cast<unsigned>(set->size());
@@ -208,7 +220,7 @@ unsigned StandIn::getSize(void* block) {
 }
 
 int StandIn::setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
-  return guarded([&] {
+  return guarded("setValue", [&] {
     announce(valueCallOf("setValue", block, section, key, data, size));
     mTrace.setValue(block, section, key, data, size);
     const auto set = mBlocks.find(block);
@@ -217,7 +229,7 @@ int StandIn::setValue(void* block, const char* section, const char* key, void* d
 }
 
 int StandIn::getValue(void* block, const char* section, const char* key, void* data, unsigned size) {
-  return guarded([&] {
+  return guarded("getValue", [&] {
     const auto set = mBlocks.find(block);
     const int status = set ? set->get(section, key, data, size) : -1;
     announce(valueCallOf("getValue", block, section, key, data, size));
@@ -226,7 +238,7 @@ int StandIn::getValue(void* block, const char* section, const char* key, void* d
 }
 
 int StandIn::setRaw(void* block, const char* bytes, unsigned size) {
-  return guarded([&] {
+  return guarded("setRaw", [&] {
     announce(valueCallOf("setRaw", block, nullptr, nullptr, bytes, size));
     const auto set = mBlocks.find(block);
     return set ? set->setRaw(bytes, size) : -1;
@@ -234,14 +246,13 @@ int StandIn::setRaw(void* block, const char* bytes, unsigned size) {
 }
 
 int StandIn::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor) {
-  return guarded([&] {
+  return guarded("paramAlgoUpdateToSystem", [&] {
     announce(callOf("paramAlgoUpdateToSystem", block));
     const auto set = mBlocks.find(block);
     if (!set || !visitor) return -1;
     int result = 0;
     for (ParameterSet::Value& value : set->values(kFeedback)) {
-      const auto size = static_cast<unsigned>(value.bytes.size());
-      const int status = visitor(value.section.c_str(), value.key.c_str(), value.bytes.data(), size);
+      const int status = mVisits.visit(*mScript.current(), block, visitor, value);
       if (status != 0) result = status;
     }
     return result;
@@ -249,15 +260,15 @@ int StandIn::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& vis
 }
 
 int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor) {
-  return guarded([&] {
+  return guarded("paramSystemDownloadToAlgo", [&] {
     announce(callOf("paramSystemDownloadToAlgo", block));
     const auto set = mBlocks.find(block);
     if (!set || !visitor) return -1;
     // A value that the system does not know is no failure.
     for (const WantedValue& wanted : mScript.current()->wanted) {
-      std::vector<uint8_t> bytes(wanted.size);
-      if (visitor(wanted.section.c_str(), wanted.key.c_str(), bytes.data(), wanted.size) != 0) continue;
-      set->set(wanted.section.c_str(), wanted.key.c_str(), bytes.data(), bytes.size());
+      ParameterSet::Value value = {wanted.section, wanted.key, std::vector<uint8_t>(wanted.size)};
+      if (mVisits.visit(*mScript.current(), block, visitor, value) != 0) continue;
+      set->set(wanted.section.c_str(), wanted.key.c_str(), value.bytes.data(), value.bytes.size());
     }
     return 0;
   });
@@ -266,6 +277,17 @@ int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& v
 void StandIn::announce(const AlgoCall& call) const {
   const auto script = mScript.current();
   if (script->observer) script->observer(call);
+}
+
+void StandIn::misbehave(const AlgoScript& script, const std::string& operation) {
+  if (script.leaving.count(operation) != 0) leaveJavaException();
+  if (script.throwing.count(operation) != 0) throw ScriptedException();
+}
+
+void StandIn::entry() {
+  const auto script = mScript.current();
+  if (script->entry) script->entry();
+  misbehave(*script, "AlgoInterfaceEntry");
 }
 
 void StandIn::work(Request& request) {

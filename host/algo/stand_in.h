@@ -1,5 +1,5 @@
 // The library behind its tables: clients, metadata blocks, the worker, and the script that tests steer it by.
-// Every operation tells the script's observer and the trace of itself. No operation throws.
+// Every operation tells the script's observer and the trace of itself. None throws but as the script says.
 #pragma once
 
 #include <chrono>
@@ -12,6 +12,7 @@
 #include "parameter_files.h"
 #include "script_holder.h"
 #include "trace.h"
+#include "visits.h"
 #include "worker.h"
 
 namespace orlu::standin {
@@ -25,6 +26,9 @@ public:
   Trace& trace() { return mTrace; }
   AlgoCounts count() const;
   bool waitIdle(std::chrono::milliseconds limit) { return mWorker.drainAll(limit); }
+
+  // What the script wants of the library's entry.
+  void entry();
 
   // The callables of the tables. -1 for a block that is not live.
   int init(const AlgoInitRecord& record);
@@ -49,7 +53,10 @@ public:
 private:
   StandIn() = default;
 
+  template <typename Body>
+  int guarded(const char* operation, const Body& body) const;
   void announce(const AlgoCall& call) const;
+  static void misbehave(const AlgoScript& script, const std::string& operation);
   void work(Request& request);
   std::string answer(const std::string& cmd) const;
   std::shared_ptr<ParameterSet> parametersOf(const std::vector<AlgoMetadataEntry>& entries) const;
@@ -59,6 +66,7 @@ private:
   BlockRegistry mBlocks;
   Clients mClients;
   ParameterFiles mParameterFiles;
+  Visits mVisits;
   Worker mWorker{[this](Request& request) { work(request); }};
 };
 
