@@ -15,11 +15,10 @@ constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
 AlgoNativeProvider* AlgoNativeProvider::getInstance() {
   static AlgoNativeProvider* const instance = new AlgoNativeProvider();
+  // Not in the constructor: others would wait for the library's entry, and it for ever for a client of its
+  // own.
+  if (instance->mIsFirst.exchange(false)) instance->initAlgoInterface(&instance->mCallbacks);
   return instance;
-}
-
-AlgoNativeProvider::AlgoNativeProvider() {
-  initAlgoInterface(&mCallbacks);
 }
 
 bool AlgoNativeProvider::initAlgoInterface(AlgoInterfaceCallbacks* table) {
@@ -28,21 +27,28 @@ bool AlgoNativeProvider::initAlgoInterface(AlgoInterfaceCallbacks* table) {
     return false;
   }
   *table = AlgoInterfaceCallbacks();
-  const std::lock_guard<std::mutex> lock(mMutex);
-  mEntry = nullptr;
+  const Entry entry = findEntry();
+  if (entry == nullptr) return false;
+  try {
+    entry(table);
+  } catch (...) {
+    LOGE("%s threw", kEntryName);
+    *table = AlgoInterfaceCallbacks();
+    return false;
+  }
+  return true;
+}
 
+AlgoNativeProvider::Entry AlgoNativeProvider::findEntry() {
+  const std::lock_guard<std::mutex> lock(mMutex);
   if (mLibrary == nullptr) mLibrary = dlopen(kLibraryName, RTLD_NOW);
   if (mLibrary == nullptr) {
-    LOGE("dlopen error: %s", dlerror());
-    return false;
+    LOGE_AS("initAlgoInterface", "dlopen error: %s", dlerror());
+    return nullptr;
   }
-  mEntry = reinterpret_cast<Entry>(dlsym(mLibrary, kEntryName));
-  if (mEntry == nullptr) {
-    LOGE("dlsym failed: %s", dlerror());
-    return false;
-  }
-  mEntry(table);
-  return true;
+  const auto entry = reinterpret_cast<Entry>(dlsym(mLibrary, kEntryName));
+  if (entry == nullptr) LOGE_AS("initAlgoInterface", "dlsym failed: %s", dlerror());
+  return entry;
 }
 
 }  // namespace orlu

@@ -1,6 +1,7 @@
 // Loads the algorithm interface library, once for the process, and fills in tables of its operations.
 #pragma once
 
+#include <atomic>
 #include <mutex>
 
 #include "algo_interface.h"
@@ -9,27 +10,31 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // The one provider, made on first use (from any thread) and never destroyed.
+  // The one provider, made on first use (from any thread) and never destroyed. Whoever is first opens the
+  // library by filling in the provider's own table; nobody waits for that.
   static AlgoNativeProvider* getInstance();
 
-  // Opens the library by filling in a table of its own.
-  AlgoNativeProvider();
+  AlgoNativeProvider() = default;
   AlgoNativeProvider(const AlgoNativeProvider&) = delete;
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;
   virtual ~AlgoNativeProvider() = default;
 
   // Empties the caller's table and has the library fill it in. False, with the reason logged and the table
-  // left empty, when there is no table, no library or no entry. From any thread: clients are made on several.
+  // left empty, when there is no table, no library or no entry, or when the entry throws. From any thread:
+  // clients are made on several, and the library's entry may make one itself.
   bool initAlgoInterface(AlgoInterfaceCallbacks* table);
 
 private:
   using Entry = void (*)(AlgoInterfaceCallbacks*);
 
-  std::mutex mMutex;  // guards the two below
+  // The library's entry, which is looked up anew each time; null with the reason logged. Opens the library.
+  Entry findEntry();
+
+  std::mutex mMutex;  // guards the library's handle; free while the entry runs
   // Null until the library is open. It is never closed: the callables in every client's table, and the
   // library's threads that call back, run its code until the process ends.
   void* mLibrary = nullptr;
-  Entry mEntry = nullptr;
+  std::atomic<bool> mIsFirst{true};
   AlgoInterfaceCallbacks mCallbacks;
 };
 

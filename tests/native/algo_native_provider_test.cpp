@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
 #include "algo.h"
 #include "algo_native_context.h"
 #include "error_lines.h"
@@ -49,6 +54,25 @@ TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
   first.flush();
   EXPECT_EQ(1, log.errors("_V_VASJNI-AlgoNativeContext", "flush failed"));
   EXPECT_EQ("createClient createClient flush", algo.operations());
+}
+
+// The lock is free while the entry runs: this one makes a client of its own, on this thread and on another.
+TEST(AlgoNativeProviderDeathTest, LetsTheEntryMakeClients) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process whose first client this is
+  const auto makeClients = [] {
+    test::Algo algo;
+    std::atomic<int> entered = 0;
+    algo.script.entry = [&entered] {
+      if (++entered > 1) return;
+      AlgoNativeContext inner;
+      std::thread([] { AlgoNativeContext other; }).join();
+    };
+    algo.use();
+    { AlgoNativeContext context; }
+    std::fprintf(stderr, "entered %d clients %d\n", entered.load(), test::Algo::counts().clients);
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(makeClients(), testing::ExitedWithCode(0), "entered 4 clients 0");
 }
 
 }  // namespace
