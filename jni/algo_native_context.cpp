@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "algo_native_provider.h"
 #include "log.h"
 
 namespace orlu {
@@ -15,13 +14,14 @@ constexpr ALGO_REQUEST_TYPE kUninitTypes[] = {kRequestPreview, kRequestCapture, 
 
 }  // namespace
 
-AlgoNativeContext::AlgoNativeContext() {
+AlgoNativeContext::AlgoNativeContext(JavaVM* javaVm) {
   LOGD("create client");
-  if (!AlgoNativeProvider::getInstance()->initAlgoInterface(&mCallbacks)) LOGE("init algo interface failed");
-  if (mCallbacks.createClient) {
+  mTable = std::make_shared<const AlgoGuardedTable>(javaVm);
+  const auto& createClient = mTable->operations().createClient;
+  if (createClient) {
     AlgoCreateClientRecord record;
     record.interfaceVersion = kAlgoTableVersion;
-    mClient = mCallbacks.createClient(record);
+    mClient = mTable->call<void*>("createClient", createClient, nullptr, record);
   } else {
     LOGE("create client failed");
   }
@@ -29,26 +29,34 @@ AlgoNativeContext::AlgoNativeContext() {
 }
 
 AlgoNativeContext::~AlgoNativeContext() {
-  LOGD("destroy client %p", mClient);
-  if (mCallbacks.destroyClient) {
-    mCallbacks.destroyClient(mClient);
+  destroyClient();
+}
+
+void AlgoNativeContext::destroyClient() {
+  if (std::exchange(mIsClientDestroyed, true)) return;
+  LOGD_AS("~AlgoNativeContext", "destroy client %p", mClient);
+  const Table table = mTable;
+  if (table->operations().destroyClient) {
+    table->call("destroyClient", table->operations().destroyClient, -1, mClient);
   } else {
-    LOGE("destroy client failed");
+    LOGE_AS("~AlgoNativeContext", "destroy client failed");
   }
 }
 
 void AlgoNativeContext::init() {
-  if (!mCallbacks.init) {
+  const Table table = mTable;
+  if (!table->operations().init) {
     LOGE("init failed");
     return;
   }
   AlgoInitRecord record;
   record.client = mClient;
-  mCallbacks.init(record);
+  table->call("init", table->operations().init, -1, record);
 }
 
 void AlgoNativeContext::uninit(int mode) {
-  if (!mCallbacks.uninit) {
+  const Table table = mTable;
+  if (!table->operations().uninit) {
     LOGE("uninit failed");
     return;
   }
@@ -57,22 +65,24 @@ void AlgoNativeContext::uninit(int mode) {
     record.type = type;
     record.client = mClient;
     record.mode = mode;
-    mCallbacks.uninit(record);
+    table->call("uninit", table->operations().uninit, -1, record);
   }
 }
 
 void AlgoNativeContext::flush() {
-  if (!mCallbacks.flush) {
+  const Table table = mTable;
+  if (!table->operations().flush) {
     LOGE("flush failed");
     return;
   }
   AlgoFlushRecord record;
   record.client = mClient;
-  mCallbacks.flush(record);
+  table->call("flush", table->operations().flush, -1, record);
 }
 
 void AlgoNativeContext::abort(uint64_t first, uint64_t second, void* metadata) {
-  if (!mCallbacks.command) {
+  const Table table = mTable;
+  if (!table->operations().command) {
     LOGE("abort failed");
     return;
   }
@@ -80,19 +90,20 @@ void AlgoNativeContext::abort(uint64_t first, uint64_t second, void* metadata) {
   record.client = mClient;
   record.first = first;
   record.second = second;
-  record.metadata.push_back(entryOf(metadata));
-  mCallbacks.command(record);
+  record.metadata.push_back(table->entryOf(metadata));
+  table->call("command", table->operations().command, -1, record);
 }
 
 void AlgoNativeContext::notify() {
-  if (!mCallbacks.command) {
+  const Table table = mTable;
+  if (!table->operations().command) {
     LOGE("notify failed");
     return;
   }
   AlgoCommandRecord record;
   record.client = mClient;
   record.data.assign(kNotifyKill, kNotifyKill + sizeof kNotifyKill);
-  mCallbacks.command(record);
+  table->call("command", table->operations().command, -1, record);
 }
 
 void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList,
@@ -100,7 +111,8 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
                                 const std::vector<AlgoFrameInfo>& outputs, void* metadata,
                                 uint64_t callbackCookie, uint64_t reqId,
                                 const std::vector<uint8_t>& metadataBytes) {
-  if (!mCallbacks.process || !mCallbacks.metadataOps.getSize) {
+  const Table table = mTable;
+  if (!table->operations().process || !table->operations().metadataOps.getSize) {
     LOGE("process failed");
     return;
   }
@@ -114,12 +126,13 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
   record.inputFrames = inputs;
   record.outputFrames = outputs;
   record.metadata.reserve(2);
-  record.metadata.push_back(entryOf(metadata));
+  record.metadata.push_back(table->entryOf(metadata));
 
-  void* const raw = createBlock(kCameraMetadataBlock);
+  void* const raw = table->createBlock(kCameraMetadataBlock);
   const auto rawSize = static_cast<unsigned>(metadataBytes.size());
-  if (raw != nullptr && mCallbacks.metadataOps.setRaw) {
-    mCallbacks.metadataOps.setRaw(raw, reinterpret_cast<const char*>(metadataBytes.data()), rawSize);
+  const auto& setRaw = table->operations().metadataOps.setRaw;
+  if (raw != nullptr && setRaw) {
+    table->call("setRaw", setRaw, -1, raw, reinterpret_cast<const char*>(metadataBytes.data()), rawSize);
   }
   AlgoMetadataEntry rawEntry;
   rawEntry.kind = kCameraMetadataBlock;
@@ -127,30 +140,36 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
   rawEntry.size = rawSize;
   record.metadata.push_back(rawEntry);
 
-  mCallbacks.process(record);
-  destroyMetadata(raw);
+  table->call("process", table->operations().process, -1, record);
+  // Java may have ended the request and destroyed the client meanwhile, and this object with it.
+  table->destroyBlock(raw);
 }
 
 std::vector<uint8_t> AlgoNativeContext::getData(const std::string& cmd) {
-  if (!mCallbacks.getData) {
+  const Table table = mTable;
+  if (!table->operations().getData) {
     LOGE("get data failed");
     return {};
   }
+  std::vector<uint8_t> result(kQueryResultSize);
   AlgoGetDataRecord record;
   record.cmd = cmd;
-  record.block = createMetadata();
-  record.size = sizeOf(record.block);
+  record.block = table->createBlock(kParameterBlock);
+  record.size = table->sizeOf(record.block);
   record.client = mClient;
-  mCallbacks.getData(record);
-
-  std::vector<uint8_t> result(kQueryResultSize);
-  getValue(record.block, kFeedback, kQueryResult, result.data(), kQueryResultSize);
-  destroyMetadata(record.block);
+  table->call("getData", table->operations().getData, -1, record);
+  const auto& getValue = table->operations().metadataOps.getValue;
+  if (record.block != nullptr && getValue) {
+    table->call("getValue", getValue, -1, record.block, kFeedback, kQueryResult, result.data(),
+                kQueryResultSize);
+  }
+  table->destroyBlock(record.block);
   return result;
 }
 
 int AlgoNativeContext::translateParamFile(int fd, int size, const std::string& identifier) {
-  if (!mCallbacks.translateParamFile) {
+  const Table table = mTable;
+  if (!table->operations().translateParamFile) {
     LOGE("translateParamFile failed");
     return 0;
   }
@@ -159,62 +178,46 @@ int AlgoNativeContext::translateParamFile(int fd, int size, const std::string& i
   record.fd = fd;
   record.size = size;
   record.identifier = identifier;
-  mCallbacks.translateParamFile(record);
+  table->call("translateParamFile", table->operations().translateParamFile, -1, record);
   return 0;
 }
 
 void* AlgoNativeContext::createMetadata() {
-  return createBlock(kParameterBlock);
-}
-
-void* AlgoNativeContext::createBlock(AlgoMetadataKind kind) {
-  if (!mCallbacks.metadataOps.createMetadata) {
-    LOGE("createMetadata failed");
-    return nullptr;
-  }
-  return mCallbacks.metadataOps.createMetadata(kind);
+  return Table(mTable)->createBlock(kParameterBlock);
 }
 
 void AlgoNativeContext::destroyMetadata(void* block) {
-  if (block == nullptr) return;
-  if (!mCallbacks.metadataOps.destroyMetadata) {
-    LOGE("destroyMetadata failed");
-    return;
-  }
-  mCallbacks.metadataOps.destroyMetadata(block);
+  Table(mTable)->destroyBlock(block);
 }
 
 int AlgoNativeContext::setValue(void* block, const char* section, const char* key, void* data,
                                 unsigned size) {
-  if (block == nullptr || !mCallbacks.metadataOps.setValue) return -1;
-  return mCallbacks.metadataOps.setValue(block, section, key, data, size);
+  const Table table = mTable;
+  const auto& operation = table->operations().metadataOps.setValue;
+  if (block == nullptr || !operation) return -1;
+  return table->call("setValue", operation, -1, block, section, key, data, size);
 }
 
 int AlgoNativeContext::getValue(void* block, const char* section, const char* key, void* data,
                                 unsigned size) {
-  if (block == nullptr || !mCallbacks.metadataOps.getValue) return -1;
-  return mCallbacks.metadataOps.getValue(block, section, key, data, size);
+  const Table table = mTable;
+  const auto& operation = table->operations().metadataOps.getValue;
+  if (block == nullptr || !operation) return -1;
+  return table->call("getValue", operation, -1, block, section, key, data, size);
 }
 
-int AlgoNativeContext::paramAlgoUpdateToSystem(void* block, AlgoMetadataVisitor visitor) {
-  if (block == nullptr || !mCallbacks.metadataOps.paramAlgoUpdateToSystem) return -1;
-  return mCallbacks.metadataOps.paramAlgoUpdateToSystem(block, std::move(visitor));
+int AlgoNativeContext::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor) {
+  const Table table = mTable;
+  const auto& operation = table->operations().metadataOps.paramAlgoUpdateToSystem;
+  if (block == nullptr || !operation) return -1;
+  return table->call("paramAlgoUpdateToSystem", operation, -1, block, LentVisitor(visitor).get());
 }
 
-int AlgoNativeContext::paramSystemDownloadToAlgo(void* block, AlgoMetadataVisitor visitor) {
-  if (block == nullptr || !mCallbacks.metadataOps.paramSystemDownloadToAlgo) return -1;
-  return mCallbacks.metadataOps.paramSystemDownloadToAlgo(block, std::move(visitor));
-}
-
-AlgoMetadataEntry AlgoNativeContext::entryOf(void* parameterBlock) const {
-  AlgoMetadataEntry entry;
-  entry.block = parameterBlock;
-  entry.size = sizeOf(parameterBlock);
-  return entry;
-}
-
-unsigned AlgoNativeContext::sizeOf(void* block) const {
-  return block == nullptr || !mCallbacks.metadataOps.getSize ? 0 : mCallbacks.metadataOps.getSize(block);
+int AlgoNativeContext::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor) {
+  const Table table = mTable;
+  const auto& operation = table->operations().metadataOps.paramSystemDownloadToAlgo;
+  if (block == nullptr || !operation) return -1;
+  return table->call("paramSystemDownloadToAlgo", operation, -1, block, LentVisitor(visitor).get());
 }
 
 }  // namespace orlu

@@ -1,25 +1,38 @@
 // One client's connection to the algorithm library: the table of its operations and the client handle that it
-// answered. The only room that calls that library.
+// returned. The only class that calls that library.
 //
-// An operation that the library does not offer is logged by its failure message and skipped. Metadata blocks
-// are handles of the library: who creates one destroys it. Operations on a null block are skipped.
+// An operation that the library does not offer is logged by its failure message and skipped. One that throws
+// is logged ("<operation> threw") and counts as not offered; a Java exception that it leaves on the calling
+// thread is logged and cleared. Metadata blocks are handles of the library: who creates one destroys it.
+// Operations on a null block are skipped.
+//
+// Safe from any thread as far as the algorithm library is. The context may be destroyed, on any thread, while
+// an operation of its own is under way: the library may be done with a request before process() has returned.
 #pragma once
 
+#include <jni.h>
+
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "algo_guarded_table.h"
 #include "algo_interface.h"
 
 namespace orlu {
 
 class AlgoNativeContext {
 public:
-  // Gets a table of its own from the provider and creates a client of the library.
-  AlgoNativeContext();
+  // Gets a table of its own from the provider and creates a client of the library. `javaVm`, which may be
+  // null, is where Java exceptions are looked for.
+  explicit AlgoNativeContext(JavaVM* javaVm = nullptr);
   AlgoNativeContext(const AlgoNativeContext&) = delete;
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
+
+  // Ends the library's client, once; the destructor does it otherwise. The library may call back meanwhile.
+  void destroyClient();
 
   void init();
   // Uninitialises every request type. `mode`: 0 destroy, 1 release, 2 release of a raw format.
@@ -30,9 +43,9 @@ public:
   // Tells the library that this process goes away.
   void notify();
 
-  // Submits a request; its end is told through the callback whose address is the cookie. `metadata` stays the
-  // caller's and must outlive the request, as must the frames' memory. `metadataBytes`: one capture result,
-  // serialised; copied.
+  // Submits a request. The library reports completion by calling the callback whose address is the cookie.
+  // `metadata` stays the caller's and must outlive the request, as must the frames' memory. `metadataBytes`:
+  // one capture result, serialised; copied.
   void process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList, uint64_t nativeReq,
                const std::vector<AlgoFrameInfo>& inputs, const std::vector<AlgoFrameInfo>& outputs,
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
@@ -47,21 +60,21 @@ public:
   void* createMetadata();
   void destroyMetadata(void* block);
   // The parameter channel: copies `size` bytes in or, at most, out. 0, or the library's own status; -1 when
-  // the operation could not be called.
+  // the operation could not be called or threw.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
-  // Walk the values that the algorithms pass up, or want passed down. Answers as above.
-  int paramAlgoUpdateToSystem(void* block, AlgoMetadataVisitor visitor);
-  int paramSystemDownloadToAlgo(void* block, AlgoMetadataVisitor visitor);
+  // Walk the values that the algorithms pass up, or want passed down. The visitor is called on this thread
+  // until the operation returns; a call at another place returns -1 without it. Results as above.
+  int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
+  int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
 private:
-  void* createBlock(AlgoMetadataKind kind);
-  AlgoMetadataEntry entryOf(void* parameterBlock) const;
-  // The block's bytes; 0 when they can't be asked for.
-  unsigned sizeOf(void* block) const;
+  // Whoever calls an operation holds the table until it has returned.
+  using Table = std::shared_ptr<const AlgoGuardedTable>;
 
-  AlgoInterfaceCallbacks mCallbacks;
+  Table mTable;
   void* mClient = nullptr;
+  bool mIsClientDestroyed = false;
 };
 
 }  // namespace orlu

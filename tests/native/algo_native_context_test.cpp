@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <sstream>
+#include <thread>
 #include <utility>
 
 #include "algo.h"
@@ -204,6 +206,47 @@ TEST(AlgoNativeContextTest, NeverAsksForANullBlock) {
   EXPECT_EQ(-1, context.paramAlgoUpdateToSystem(nullptr, nullptr));
   EXPECT_EQ(-1, context.paramSystemDownloadToAlgo(nullptr, nullptr));
   EXPECT_EQ("", library.takeLines());
+}
+
+// The library may be done with a request before process() returns, and Java with its client.
+TEST(AlgoNativeContextTest, MayBeDestroyedDuringItsOperations) {
+  test::Algo algo;
+  algo.script.callbacks = 0;
+  std::unique_ptr<AlgoNativeContext> context;
+  algo.script.observer = [&context](const standin::AlgoCall& call) {
+    if (call.operation == "process") std::thread([&context] { context.reset(); }).join();
+    if (call.operation == "flush") context.reset();
+  };
+  algo.use();
+  context = std::make_unique<AlgoNativeContext>();
+  context->process(kRequestCapture, {}, 1, {}, {}, nullptr, 0, 1, {'r', 'a', 'w'});
+  context = std::make_unique<AlgoNativeContext>();
+  context->flush();
+  EXPECT_EQ(0, test::Algo::counts().clients);
+  EXPECT_EQ(0, test::Algo::counts().cameraBlocks);
+}
+
+TEST(AlgoNativeContextTest, LendsVisitorsToTheThreadAndTheTimeOfTheCall) {
+  for (const auto use : {standin::VisitorUse::kOtherThread, standin::VisitorUse::kLater}) {
+    test::Algo algo;
+    std::vector<int> statuses;
+    algo.script.visitorUse = use;
+    algo.script.wanted = {
+        {"orlu.algo.control", "asked", 4}
+    };
+    algo.script.visited = [&statuses](int status) { statuses.push_back(status); };
+    algo.use();
+    AlgoNativeContext context;
+    void* const block = context.createMetadata();
+    EXPECT_EQ(0, context.setValue(block, kFeedback, "score", &gValue, sizeof gValue));
+    int visits = 0;
+    const auto visitor = [&visits](auto...) { return ++visits; };
+    context.paramAlgoUpdateToSystem(block, visitor);
+    context.paramSystemDownloadToAlgo(block, visitor);
+    context.destroyMetadata(block);
+    EXPECT_EQ((std::vector<int>{-1, -1}), statuses);
+    EXPECT_EQ(0, visits);
+  }
 }
 
 // What the operations log without one callable. Without one of those that free, something would be left.
