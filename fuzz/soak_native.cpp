@@ -50,9 +50,7 @@ private:
 
   void end(uint64_t request) {
     AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-    std::vector<std::string> list;
-    map->getAlgoList(request, list);
-    void* const block = map->takeMetadataHandle(request);
+    void* const block = map->getMetadataHandle(request);
     int64_t value = 0;
     mClient.context().getValue(block, kControl, "frame_flag", &value, sizeof value);
     mClient.context().destroyMetadata(block);

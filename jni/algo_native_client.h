@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "algo_interface.h"
+#include "algo_native_callback.h"
 #include "algo_native_context.h"
 
 namespace orlu {
@@ -17,11 +18,18 @@ public:
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient(const AlgoNativeClient&) = delete;
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // Must run on a thread that is attached to the VM, else the callback class stays referenced.
+  // Ends the algorithm library's client first, which may still call back meanwhile, then the callbacks, then
+  // its full-async requests that were never announced to Java. Must run on a thread that is attached to the
+  // VM, else the callback class stays referenced. Java may cause it from a callback.
   virtual ~AlgoNativeClient();
 
+  // The client behind a Java handle, of which a 32-bit machine has the lower half; null for none.
+  static AlgoNativeClient* of(int64_t handle);
+  int64_t handle() const;
+
   AlgoNativeContext& context() { return mContext; }
-  // What a request hands to the algorithm library to be called back by; of use while the client lives.
+  // What a request hands to the algorithm library to be called back by. Valid until the process ends; when
+  // the client is gone, callbacks are ignored.
   uint64_t callbackCookie() const;
 
   // Every callback of the algorithm library, on its own threads. What is not understood is ignored.
@@ -36,21 +44,11 @@ public:
   void onPostProcessDataCommonShot(uint64_t nativeReq);
 
 private:
-  // The calling thread's environment, when it can call callbackFromNative(); else null, logged for
-  // `function`.
-  JNIEnv* callbackEnv(const char* function) const;
-  // Tells Java that a full-async request is done. False, logged for `function`, when Java can't be reached.
-  bool announceCommonShot(uint64_t nativeReq, const char* function);
-  void callBack(JNIEnv* env, int64_t reqId, jobject map);
+  AlgoNativeClient(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex);
 
   AlgoNativeClient* mSelf;
-  int64_t mClientId;
-  int mAlgoContextIndex;
   AlgoNativeContext mContext;
-  AlgoResultCallback mResultCallback;
-  JavaVM* mJavaVm = nullptr;
-  jclass mCallbackClass = nullptr;  // a global reference, owned
-  jmethodID mPostDataMethod = nullptr;
+  AlgoNativeCallback* mCallback;  // outlives this object
 };
 
 }  // namespace orlu

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <utility>
 
 #include "log.h"
@@ -17,7 +18,8 @@ AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 // True when the callback arrived before the time was over.
 bool waitUntilReceived(AlgoNativeRequest& request) {
   std::unique_lock<std::mutex> lock(request.mutex);
-  return request.condition.wait_for(lock, kCallbackTimeout, [&request] { return request.received; });
+  return request.condition.wait_for(lock, kCallbackTimeout,
+                                    [&request] { return request.state == AlgoRequestState::kDone; });
 }
 
 }  // namespace
@@ -26,16 +28,17 @@ AlgoNativeRequestMap* AlgoNativeRequestMap::getInstance() {
   return gRequestMap;
 }
 
-uint64_t AlgoNativeRequestMap::create(int64_t reqId, void* metadata, bool isFullAsync) {
-  auto* request = new AlgoNativeRequest();
+uint64_t AlgoNativeRequestMap::create(int64_t reqId, void* metadata, bool isFullAsync, const void* owner) {
+  auto request = std::make_unique<AlgoNativeRequest>();
   request->reqId = reqId;
   request->metadata = metadata;
   request->isFullAsync = isFullAsync;
+  request->owner = owner;
 
   std::lock_guard<std::mutex> lock(mMutex);
+  mRequests.push_back(request.get());
   request->nativeReq = mNextId++;
-  mRequests.push_back(request);
-  return request->nativeReq;
+  return request.release()->nativeReq;
 }
 
 bool AlgoNativeRequestMap::remove(uint64_t nativeReq) {
@@ -54,10 +57,7 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   AlgoNativeRequest* const request = findRequestLocked(nativeReq);
   if (request == nullptr) return false;
-  {
-    std::lock_guard<std::mutex> requestLock(request->mutex);
-    request->received = true;
-  }
+  setStateLocked(*request, AlgoRequestState::kDone);
   // Outside the record's mutex: the woken thread takes that first, and would go to sleep on it again. The
   // record stays until the map's mutex is free.
   request->condition.notify_all();
@@ -98,12 +98,6 @@ void* AlgoNativeRequestMap::getMetadataHandle(uint64_t nativeReq) {
   return request == nullptr ? nullptr : request->metadata;
 }
 
-void* AlgoNativeRequestMap::takeMetadataHandle(uint64_t nativeReq) {
-  std::lock_guard<std::mutex> lock(mMutex);
-  AlgoNativeRequest* const request = findRequestLocked(nativeReq);
-  return request == nullptr ? nullptr : std::exchange(request->metadata, nullptr);
-}
-
 int64_t AlgoNativeRequestMap::getRequestId(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   const AlgoNativeRequest* request = findRequestLocked(nativeReq);
@@ -132,6 +126,43 @@ bool AlgoNativeRequestMap::setAlgoList(uint64_t nativeReq, const std::vector<std
   if (request == nullptr) return false;
   request->algoList = algoList;
   return true;
+}
+
+bool AlgoNativeRequestMap::setAnnounced(uint64_t nativeReq) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  AlgoNativeRequest* const request = findRequestLocked(nativeReq);
+  if (request == nullptr) return false;
+  setStateLocked(*request, AlgoRequestState::kDone);
+  return true;
+}
+
+bool AlgoNativeRequestMap::takeAnnounced(uint64_t nativeReq, void*& metadata,
+                                         std::vector<std::string>& algoList) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  AlgoNativeRequest* const request = findRequestLocked(nativeReq);
+  if (request == nullptr || !request->isFullAsync || request->state != AlgoRequestState::kDone) return false;
+  algoList = request->algoList;
+  metadata = request->metadata;
+  setStateLocked(*request, AlgoRequestState::kEnding);
+  return true;
+}
+
+bool AlgoNativeRequestMap::removeUnannounced(const void* owner, void*& metadata) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  const auto found = std::find_if(mRequests.begin(), mRequests.end(), [owner](const AlgoNativeRequest* r) {
+    return r->owner == owner && r->isFullAsync && r->state == AlgoRequestState::kSubmitted;
+  });
+  if (found == mRequests.end()) return false;
+  metadata = (*found)->metadata;
+  delete *found;
+  mRequests.erase(found);
+  return true;
+}
+
+void AlgoNativeRequestMap::setStateLocked(AlgoNativeRequest& request, AlgoRequestState state) {
+  std::lock_guard<std::mutex> lock(request.mutex);
+  // What is being ended stays so, however often the library calls back.
+  if (request.state != AlgoRequestState::kEnding) request.state = state;
 }
 
 AlgoNativeRequest* AlgoNativeRequestMap::findRequestLocked(uint64_t nativeReq) const {

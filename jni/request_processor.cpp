@@ -19,12 +19,8 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 
-AlgoNativeClient* clientOf(int64_t inst) {
-  return reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(inst));
-}
-
 void* printable(int64_t inst) {
-  return clientOf(inst);
+  return AlgoNativeClient::of(inst);
 }
 
 // A string of the parameter object in a buffer of fixed size, zero-padded, perhaps without a terminating
@@ -91,15 +87,15 @@ int64_t RequestProcessor::create(JNIEnv* env, jobject param) {
   auto* client = new AlgoNativeClient(env, clientId, algoContextIndex);
   LOGD("create X, inst %p, clientId %lld, index %d", static_cast<void*>(client),
        static_cast<long long>(clientId), algoContextIndex);
-  return static_cast<int64_t>(reinterpret_cast<uintptr_t>(client));
+  return client->handle();
 }
 
 int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     LOGE("destroy native client failed, client is null!");
     return -1;
   }
-  AlgoNativeClient* const client = clientOf(inst);
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
   LOGD("destroy E, %p", printable(inst));
   LOGD("destroy flush, %p", printable(inst));
   client->context().flush();
@@ -111,12 +107,12 @@ int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
 }
 
 int RequestProcessor::init(JNIEnv* /*env*/, int64_t inst, jobject /*object*/) {
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     LOGE("init failed, client is null!");
     return -1;
   }
   LOGD("init E, %p", printable(inst));
-  clientOf(inst)->context().init();
+  AlgoNativeClient::of(inst)->context().init();
   LOGD("init X");
   return 0;
 }
@@ -128,35 +124,35 @@ int RequestProcessor::release(JNIEnv* env, int64_t inst, jobject param) {
   int32_t format = 0;
   const bool found = parser.getIntOrlu(format, "imageFormat", param) == 0;
   LOGD("release format: %d", format);
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     LOGE("release failed, client is null!");
     return -1;
   }
-  clientOf(inst)->context().uninit(releaseMode(found, format));
+  AlgoNativeClient::of(inst)->context().uninit(releaseMode(found, format));
   LOGD("release X");
   return 0;
 }
 
 int RequestProcessor::flush(JNIEnv* /*env*/, int64_t inst, jobject /*a*/, jobject /*b*/) {
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     LOGE("flush failed, client is null!");
     return -1;
   }
   LOGD("flush E, %p", printable(inst));
-  clientOf(inst)->context().flush();
+  AlgoNativeClient::of(inst)->context().flush();
   LOGD("flush X");
   return 0;
 }
 
 int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, jobject param) {
   LOGD("abort E, %p", printable(inst));
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     LOGE("abort failed, client is null!");
     return -1;
   }
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
-  AlgoNativeContext& context = clientOf(inst)->context();
+  AlgoNativeContext& context = AlgoNativeClient::of(inst)->context();
   void* const metadata = context.createMetadata();
   if (readAbort(parser, param, context, metadata)) context.abort(0, 0, metadata);
   context.destroyMetadata(metadata);
@@ -165,7 +161,7 @@ int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, job
 }
 
 jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
-  if (inst == 0 || param == nullptr) {
+  if (AlgoNativeClient::of(inst) == nullptr || param == nullptr) {
     LOGE("get data failed, input is null %p %p", printable(inst), static_cast<void*>(param));
     return nullptr;
   }
@@ -173,7 +169,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string cmd = StringParameter<1024>(parser, "cmd", param).text();
   LOGD("cmd %s", cmd.c_str());
-  const std::vector<uint8_t> data = clientOf(inst)->context().getData(cmd);
+  const std::vector<uint8_t> data = AlgoNativeClient::of(inst)->context().getData(cmd);
   std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
   LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
   if (data.empty()) return nullptr;
@@ -183,7 +179,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
 }
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
-  if (inst == 0) {
+  if (AlgoNativeClient::of(inst) == nullptr) {
     // The other function's words and a debug line, deliberately.
     LOGD("get data failed, input is null, %p", printable(inst));
     return -1;
@@ -194,7 +190,7 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
   LOGD("translateParamFiles filefd %d, bufferSize %d algoFlag %s", fd, size, identifier.c_str());
-  clientOf(inst)->context().translateParamFile(fd, size, identifier);
+  AlgoNativeClient::of(inst)->context().translateParamFile(fd, size, identifier);
   // Descriptor 0 deliberately stays open.
   if (fd >= 1) close(fd);
   LOGD("translateParamFiles end");
@@ -204,8 +200,8 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
 void RequestProcessor::notify(JNIEnv* env, int64_t inst, jobject /*param*/) {
   LOGE("notify inst %p", printable(inst));
   std::unique_ptr<AlgoNativeClient> temporary;
-  if (inst == 0) temporary = std::make_unique<AlgoNativeClient>(env, -1, -1);
-  (temporary ? temporary.get() : clientOf(inst))->context().notify();
+  if (AlgoNativeClient::of(inst) == nullptr) temporary = std::make_unique<AlgoNativeClient>(env, -1, -1);
+  (temporary ? temporary.get() : AlgoNativeClient::of(inst))->context().notify();
   temporary.reset();
   LOGE("notify inst %p, service abort", printable(inst));
   std::abort();

@@ -1,9 +1,9 @@
 // The façade behind the twelve native methods: checks the client handle, reads what Java handed over, and
 // drives the client's context.
 //
-// A handle is the address of an AlgoNativeClient; 0 is the only one that is rejected, with -1 and a logged
-// line. The int-returning members answer 0 for every other one: what goes wrong further down is logged there.
-// Calls for one client come one at a time.
+// A handle is the address of an AlgoNativeClient; that of none is the only one that is rejected, with -1 and
+// a logged line. The int-returning members return 0 for every other one: what goes wrong further down is
+// logged there. Calls for one client come one at a time.
 #pragma once
 
 #include <jni.h>
@@ -17,6 +17,8 @@
 #include "vrequest.h"
 
 namespace orlu {
+
+struct RequestInFlight;
 
 class RequestProcessor {
 public:
@@ -44,14 +46,14 @@ public:
   // `inputs`, `outputs` or `compositions` is null, else 0, also after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // The second half of a full-async request that was announced under "nativeRequestAddr". Answers as above.
+  // The second half of a full-async request that was announced under "nativeRequestAddr". Any other
+  // request is taken for an unknown one. Returns as above.
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 
 private:
-  static int processImageAlgo(VRequest& request, std::vector<std::string>& algoList, AlgoNativeClient* client,
-                              void* metadata, CameraMetadataParser* parser, uint64_t reqId,
-                              uint64_t nativeReq, bool isFullAsync, int resultIndex);
+  static void enterIntoMap(RequestInFlight& flight);
+  static int processImageAlgo(RequestInFlight& flight, int resultIndex);
 };
 
 }  // namespace orlu

@@ -1,5 +1,8 @@
 // The way of one request: from Java to the algorithms, and back.
 
+#include <optional>
+#include <utility>
+
 #include "algo_list.h"
 #include "algo_native_request_map.h"
 #include "log.h"
@@ -33,29 +36,52 @@ int metadataFrame(MetadataUpdater& updater, const VRequest& request) {
   return hdrType == kFiveFrameHdr && inRange ? frameIndex : 0;
 }
 
-// The composition that names a request to end may name any. Only a full-async one is ended so: the thread
-// that waits for another still uses its block, and destroys it.
-bool canBeEnded(uint64_t nativeReq) {
-  bool isFullAsync = false;
-  return AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, isFullAsync) && isFullAsync;
-}
-
-// Ends a request: its results go to Java, its parameter block and its entry in the map are freed.
-void finishRequest(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
-                   void* metadata, CameraMetadataParser& parser, uint64_t nativeReq) {
-  ResultUpdater(client, algoList, request, metadata, &parser).updateResult();
-  client->context().destroyMetadata(metadata);
-  AlgoNativeRequestMap::getInstance()->remove(nativeReq);
+bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outputs, jobject compositions) {
+  return client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr;
 }
 
 }  // namespace
 
+// A request between two of its stages. It owns its parameter block and its entry in the map until they are
+// freed or left to a later stage, also when memory runs out on the way.
+struct RequestInFlight {
+  RequestInFlight(AlgoNativeClient* itsClient, VRequest& itsRequest, CameraMetadataParser& itsParser)
+      : client(itsClient), request(itsRequest), parser(itsParser) {}
+  RequestInFlight(const RequestInFlight&) = delete;
+  RequestInFlight& operator=(const RequestInFlight&) = delete;
+  ~RequestInFlight() { free(); }
+
+  // Writes the results, and ends the request.
+  void finish() {
+    ResultUpdater(client, algoList, request, metadata, &parser).updateResult();
+    free();
+  }
+  // processImageUpdateResult() ends it, which may happen any time from now on, or else the end of its client.
+  void leave() { isOwned = false; }
+
+  AlgoNativeClient* const client;
+  VRequest& request;
+  CameraMetadataParser& parser;
+  std::vector<std::string> algoList;
+  void* metadata = nullptr;
+  bool isFullAsync = false;
+  bool isOwned = true;
+  std::optional<uint64_t> nativeReq;  // once it is in the map
+
+private:
+  void free() {
+    if (!std::exchange(isOwned, false)) return;
+    client->context().destroyMetadata(metadata);
+    if (nativeReq) AlgoNativeRequestMap::getInstance()->remove(*nativeReq);
+  }
+};
+
 int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                    jobject outputs, jobject compositions) {
-  auto* const client = reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(inst));
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
   LOGD("process image E, %p %p %p %p %p", static_cast<void*>(client), static_cast<void*>(request),
        static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
-  if (client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr) {
+  if (isAnythingNull(client, inputs, outputs, compositions)) {
     LOGE("process image failed, input is null, %p %p %p %p", static_cast<void*>(client),
          static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
     return -1;
@@ -65,55 +91,60 @@ int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, j
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const jobject first = vrequest.firstComposition();
   parser.knowFrame(vrequest.firstCaptureResult(), first);
-  std::vector<std::string> algoList;
-  parser.getStringArray(algoList, kAlgoTypeKey, nullptr, first);
-  void* const metadata = client->context().createMetadata();
-  MetadataUpdater updater(client, algoList, vrequest, metadata, &parser);
+  RequestInFlight flight(client, vrequest, parser);
+  parser.getStringArray(flight.algoList, kAlgoTypeKey, nullptr, first);
+  flight.metadata = client->context().createMetadata();
+  MetadataUpdater updater(client, flight.algoList, vrequest, flight.metadata, &parser);
   updater.updateMetadata();
 
   int32_t isAsync = 0;
   parser.getIntOrlu(isAsync, "isFullAsync", first);
-  const bool isFullAsync = isAsync != 0;
-  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-  const uint64_t nativeReq = map->create(vrequest.requestId(), metadata, isFullAsync);
-  map->setAlgoList(nativeReq, algoList);
-  LOGD("algo list: %s, reqId = %lld, nativeReq %llu, isAsync %d", printAlgoList(algoList).c_str(),
-       static_cast<long long>(vrequest.requestId()), static_cast<unsigned long long>(nativeReq), isAsync);
+  flight.isFullAsync = isAsync != 0;
+  enterIntoMap(flight);
+  LOGD("algo list: %s, reqId = %lld, nativeReq %llu, isAsync %d", printAlgoList(flight.algoList).c_str(),
+       static_cast<long long>(vrequest.requestId()), static_cast<unsigned long long>(*flight.nativeReq),
+       isAsync);
 
+  if (flight.isFullAsync) flight.leave();
   if (!updater.skipAlgoProcess()) {
-    processImageAlgo(vrequest, algoList, client, metadata, &parser,
-                     static_cast<uint64_t>(vrequest.requestId()), nativeReq, isFullAsync,
-                     metadataFrame(updater, vrequest));
-  } else if (isFullAsync) {
-    client->onPostProcessDataCommonShot(nativeReq);
+    processImageAlgo(flight, metadataFrame(updater, vrequest));
+  } else if (flight.isFullAsync) {
+    client->onPostProcessDataCommonShot(*flight.nativeReq);
   }
-  // A full-async request lives on until processImageUpdateResult().
-  if (!isFullAsync) finishRequest(client, algoList, vrequest, metadata, parser, nativeReq);
+  // A full-async request may have ended by now, and its client as well.
+  if (!flight.isFullAsync) flight.finish();
   LOGD("process image X");
   return 0;
 }
 
-int RequestProcessor::processImageAlgo(VRequest& request, std::vector<std::string>& algoList,
-                                       AlgoNativeClient* client, void* metadata, CameraMetadataParser* parser,
-                                       uint64_t reqId, uint64_t nativeReq, bool isFullAsync,
-                                       int resultIndex) {
+void RequestProcessor::enterIntoMap(RequestInFlight& flight) {
+  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
+  flight.nativeReq =
+      map->create(flight.request.requestId(), flight.metadata, flight.isFullAsync, flight.client);
+  map->setAlgoList(*flight.nativeReq, flight.algoList);
+}
+
+int RequestProcessor::processImageAlgo(RequestInFlight& flight, int resultIndex) {
+  const VRequest& request = flight.request;
   const auto index = static_cast<size_t>(resultIndex);
   const std::vector<jobject>& results = request.captureResults();
   const std::vector<uint8_t> metadataBytes =
-      parser->getMetadata(index < results.size() ? results[index] : nullptr);
-  client->context().process(requestTypeOf(request), algoList, nativeReq, request.inputFrames(),
-                            request.outputFrames(), metadata, client->callbackCookie(), reqId, metadataBytes);
-  if (!isFullAsync) AlgoNativeRequestMap::getInstance()->waitForCallback(nativeReq);
+      flight.parser.getMetadata(index < results.size() ? results[index] : nullptr);
+  flight.client->context().process(requestTypeOf(request), flight.algoList, *flight.nativeReq,
+                                   request.inputFrames(), request.outputFrames(), flight.metadata,
+                                   flight.client->callbackCookie(),
+                                   static_cast<uint64_t>(request.requestId()), metadataBytes);
+  if (!flight.isFullAsync) AlgoNativeRequestMap::getInstance()->waitForCallback(*flight.nativeReq);
   return 0;
 }
 
 int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                                jobject outputs, jobject compositions) {
-  auto* const client = reinterpret_cast<AlgoNativeClient*>(static_cast<uintptr_t>(inst));
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
   LOGD("process image update result E, %p %p %p %p %p", static_cast<void*>(client),
        static_cast<void*>(request), static_cast<void*>(inputs), static_cast<void*>(outputs),
        static_cast<void*>(compositions));
-  if (client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr) {
+  if (isAnythingNull(client, inputs, outputs, compositions)) {
     LOGE("process image update result failed, input is null, %p %p %p %p", static_cast<void*>(client),
          static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
     return -1;
@@ -127,18 +158,15 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
   parser.getLongOrlu(address, "nativeRequestAddr", first);
   const auto nativeReq = static_cast<uint64_t>(address);
 
-  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-  std::vector<std::string> algoList;
-  const bool known = canBeEnded(nativeReq) && map->getAlgoList(nativeReq, algoList);
-  if (!known) parser.getStringArray(algoList, kAlgoTypeKey, nullptr, first);
+  RequestInFlight flight(client, vrequest, parser);
+  const bool known =
+      AlgoNativeRequestMap::getInstance()->takeAnnounced(nativeReq, flight.metadata, flight.algoList);
+  if (known) flight.nativeReq = nativeReq;
+  if (!known) parser.getStringArray(flight.algoList, kAlgoTypeKey, nullptr, first);
   LOGD("update result algo list: %s, reqId = %lld, nativeReq %llu getAlgoListResult %d",
-       printAlgoList(algoList).c_str(), static_cast<long long>(vrequest.requestId()),
+       printAlgoList(flight.algoList).c_str(), static_cast<long long>(vrequest.requestId()),
        static_cast<unsigned long long>(nativeReq), known ? 1 : 0);
-  if (known) {
-    finishRequest(client, algoList, vrequest, map->takeMetadataHandle(nativeReq), parser, nativeReq);
-  } else {
-    ResultUpdater(client, algoList, vrequest, nullptr, &parser).updateResult();
-  }
+  flight.finish();
   LOGD("process image update result X");
   return 0;
 }

@@ -1,11 +1,16 @@
 // What the algorithm library may do wrong while a request is on its way. None of it may harm the process,
 // keep the request from ending, or leave anything behind.
 
+#include <algorithm>
+#include <sstream>
 #include <thread>
+#include <utility>
 
 #include "callback_data.h"
+#include "callback_recorder.h"
 #include "case_name.h"
 #include "request_scene.h"
+#include "static_call_hook.h"
 
 namespace orlu {
 namespace {
@@ -102,6 +107,146 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_TRUE(isKnown(mSubmitted.nativeReq));
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+}
+
+// Operations that throw, and that leave a Java exception behind. What creates something fails before it has,
+// the others when their work is done.
+class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
+protected:
+  // What a whole life of a client stores, by the name of the value.
+  std::string storedIn(test::CallbackRecorder& recorder) {
+    mAlgo.forget();
+    mAlgo.use();
+    native([&] { mInst = RequestProcessor::create(env(), nullptr); });
+    native([&] { RequestProcessor::init(env(), mInst, nullptr); });
+    // Without an entry nothing is offered, and nobody would call back for the ten seconds that a request
+    // waits.
+    const bool isOffered = mAlgo.script.throwing.count("AlgoInterfaceEntry") == 0;
+    if (isOffered) native([&] { EXPECT_EQ(0, process()); });
+    native([&] { EXPECT_EQ(0, process(1)); });
+    EXPECT_TRUE(test::Algo::waitIdle(60'000));
+    native([&] { updateResult(mSubmitted.nativeReq); });
+    callTheRest();
+    native([&] { RequestProcessor::destroy(env(), std::exchange(mInst, 0)); });
+    std::string stored = recorder.reports().empty() ? "" : "announced\n";
+    for (const test::RecordedCall& call : mAlgo.calls()) {
+      if (call.operation == "setValue") stored += call.key + ' ' + hexOf(call.bytes) + '\n';
+    }
+    return stored;
+  }
+  static void native(const std::function<void()>& call) {
+    call();
+    EXPECT_FALSE(env()->ExceptionCheck());
+    env()->ExceptionClear();
+  }
+  static std::string hexOf(const std::vector<uint8_t>& bytes) {
+    std::ostringstream text;
+    for (size_t i = 0; i < bytes.size() && i < 8; ++i) text << std::hex << int{bytes[i]} << ' ';
+    return text.str();
+  }
+
+  test::CallbackRecorder mRecorder;
+};
+
+TEST_P(UnrulyOperationTest, ThrowsInVain) {
+  mAlgo.script.throwing = {GetParam()};
+  storedIn(mRecorder);
+  EXPECT_TRUE(mLog.contains(GetParam() + std::string(" threw"))) << mLog.text();
+}
+
+TEST_P(UnrulyOperationTest, LeavesAJavaExceptionThatChangesNothing) {
+  setAlgoList({"night"});
+  for (const char* key : {"orlu.control.mirror", "orlu.capture.temperature", "orlu.control.filter.mask"}) {
+    putKey(mCompositions[0], key, test::javaInt(33));
+  }
+  const std::string usual = storedIn(mRecorder);
+  mAlgo.script.leaving = {GetParam()};
+  EXPECT_EQ(usual, storedIn(mRecorder));
+  EXPECT_TRUE(mLog.contains("left a Java exception")) << mLog.text();
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, UnrulyOperationTest,
+                         testing::Values("AlgoInterfaceEntry", "init", "process", "uninit", "getData",
+                                         "flush", "command", "createClient", "destroyClient",
+                                         "translateParamFile", "createMetadata", "destroyMetadata", "getSize",
+                                         "setValue", "getValue", "setRaw", "paramSystemDownloadToAlgo"),
+                         [](const auto& operation) { return std::string(operation.param); });
+
+TEST_F(AlgoFaultsTest, CallsBackWithAJavaExceptionPending) {
+  test::CallbackRecorder recorder;
+  mAlgo.script.leaving = {"callback"};
+  create();
+  EXPECT_EQ(0, process(1));
+  EXPECT_TRUE(test::Algo::waitIdle(60'000));
+  EXPECT_NE("", recorder.reports());
+  EXPECT_TRUE(mLog.contains("left a Java exception"));
+  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+}
+
+// The ordinary end of a session with shots in flight.
+TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
+  test::CallbackRecorder recorder;
+  mAlgo.script.delay = std::chrono::milliseconds(50);
+  mAlgo.script.notOffered = {"flush"};
+  mAlgo.script.finishInDestroyClient = true;
+  mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
+    own(call);
+    if (call.operation != "destroyClient") return;
+    const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(mSubmitted.callbackCookie);
+    (*callback)(android::hardware::hidl_vec<uint8_t>(test::shotCallback(mSubmitted.nativeReq)), {}, {});
+  };
+  create();
+  EXPECT_EQ(0, process(1));
+  RequestProcessor::destroy(env(), std::exchange(mInst, 0));
+  const std::string reports = recorder.reports();
+  EXPECT_EQ(2, std::count(reports.begin(), reports.end(), '\n')) << "from this thread and from its own";
+  create();
+  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+}
+
+// Java gives the client up after a time-out, say; only then does the library call back, if at all.
+TEST_F(AlgoFaultsTest, CallsBackWhenItsClientIsGone) {
+  test::CallbackRecorder recorder;
+  mAlgo.script.callbacks = 0;
+  create();
+  EXPECT_EQ(0, process(1));
+  RequestProcessor::destroy(env(), std::exchange(mInst, 0));
+  for (bool attached : {true, false}) {
+    test::Algo::sendCallback(mSubmitted.callbackCookie, test::shotCallback(mSubmitted.nativeReq), {},
+                             attached);
+  }
+  EXPECT_EQ("", recorder.reports());
+  EXPECT_TRUE(mLog.contains("callback for a client that is gone, 2 so far")) << mLog.text();
+}
+
+// Java ends its request and destroys its client in a callback that comes before process() has returned.
+TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
+  mAlgo.script.callBackBeforeReturn = true;
+  create();
+  const test::StaticCallHook hook([this](va_list) {
+    const test::LocalFrame frame;
+    EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+    EXPECT_EQ(0, RequestProcessor::destroy(env(), std::exchange(mInst, 0)));
+  });
+  EXPECT_EQ(0, process(1));
+  EXPECT_EQ(0, mInst);
+}
+
+// While it is submitted, and before it is announced.
+TEST_F(AlgoFaultsTest, NobodyEndsARequestByGuessingItsId) {
+  mAlgo.script.callbacks = 0;
+  mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
+    own(call);
+    if (call.operation == "process") updateResult(mSubmitted.nativeReq);
+  };
+  create();
+  EXPECT_EQ(0, process(1));
+  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+  EXPECT_TRUE(isKnown(mSubmitted.nativeReq));
+  EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
+  test::Algo::sendCallback(mSubmitted.callbackCookie, test::shotCallback(mSubmitted.nativeReq), {}, true);
+  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+  EXPECT_FALSE(isKnown(mSubmitted.nativeReq));
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdarg>
-#include <functional>
 #include <memory>
 #include <thread>
 
@@ -17,7 +15,7 @@
 #include "fixtures.h"
 #include "jni_table.h"
 #include "log_capture.h"
-#include "scoped_jni_functions.h"
+#include "static_call_hook.h"
 
 namespace orlu {
 namespace {
@@ -94,29 +92,16 @@ TEST_F(AlgoNativeClientJvmTest, AnnouncesAFullAsyncRequest) {
   }
 }
 
-// Stands before the static calls that the main thread makes, during its life.
-struct StaticCallHook {
-  explicit StaticCallHook(std::function<void(va_list)> onCall) : functions(env()) {
-    hook = std::move(onCall);
-    functions.table().CallStaticVoidMethodV = [](JNIEnv*, jclass, jmethodID, va_list arguments) {
-      hook(arguments);
-    };
-  }
-
-  test::ScopedJniFunctions functions;
-  static inline std::function<void(va_list)> hook;
-};
-
 TEST_F(AlgoNativeClientJvmTest, PassesZeroFirst) {
   std::vector<int> first;
-  const StaticCallHook spy([&](va_list arguments) { first.push_back(va_arg(arguments, jint)); });
+  const test::StaticCallHook spy([&](va_list arguments) { first.push_back(va_arg(arguments, jint)); });
   receiveBoth();
   EXPECT_EQ((std::vector<int>{0, 0}), first);
 }
 
 // What the client touches afterwards is found by AddressSanitizer.
 TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
-  const StaticCallHook destroying([&](va_list) { mClient.reset(); });
+  const test::StaticCallHook destroying([&](va_list) { mClient.reset(); });
   mClient->onPostProcessDataCommonShot(mFullAsync);
 }
 
@@ -182,6 +167,13 @@ TEST_F(AlgoNativeClientJvmTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
                              "cropRegion:[l=1 t=-2 w=640 h=480], dataSize: 48";
     EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, line)) << mLog.text();
   }
+}
+
+TEST_F(AlgoNativeClientJvmTest, HandlesWithoutABufferAreNone) {
+  android::hardware::hidl_vec<android::hardware::hidl_handle> handles;
+  handles.setToExternal(nullptr, 3);
+  mClient->onPostProcessData(android::hardware::hidl_vec<uint8_t>(lightStreamCallback()), {}, handles);
+  EXPECT_EQ(lightStreamReport(""), mRecorder.reports());
 }
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamNeedsItsFortyEightBytes) {

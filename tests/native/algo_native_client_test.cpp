@@ -3,6 +3,7 @@
 #include "algo_native_client.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <climits>
 #include <memory>
@@ -78,6 +79,21 @@ TEST_F(AlgoNativeClientTest, IgnoresDataThatEndsBeforeTheNameDoes) {
   EXPECT_EQ(1, debugLines(kShot));
 }
 
+// Only the beginning can be read: whoever copies the name before comparing its length ends here.
+TEST_F(AlgoNativeClientTest, ReadsNoNameOfMoreThanAGigabyte) {
+  constexpr size_t kSize = 1'400'000'000;
+  void* const memory = mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(MAP_FAILED, memory);
+  ASSERT_EQ(0, mprotect(memory, 4096, PROT_READ | PROT_WRITE));
+  const std::vector<uint8_t> beginning = callbackData(0, kSize - 20, "shotCb");
+  std::memcpy(memory, beginning.data(), beginning.size());
+  android::hardware::hidl_vec<uint8_t> data;
+  data.setToExternal(static_cast<uint8_t*>(memory), kSize);
+  mClient->onPostProcessData(data, {}, {});
+  EXPECT_EQ(0, debugLines(kShot));
+  munmap(memory, kSize);
+}
+
 TEST_F(AlgoNativeClientTest, WakesTheWaiterOfASynchronousRequest) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t id = map->create(55, nullptr, false);
@@ -96,6 +112,35 @@ TEST_F(AlgoNativeClientTest, TellsOfItsLife) {
   mClient.reset();
   EXPECT_EQ(1, debugLines("AlgoNativeClient destructor"));
   EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
+}
+
+// A full-async request of a client that goes before the library calls back, or that it never calls back for.
+TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
+  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
+  const uint64_t cookie = mClient->callbackCookie();
+  const uint64_t waiting = map->create(55, nullptr, false);
+  mClient.reset();
+  for (int i = 0; i < 2; ++i) test::Algo::sendCallback(cookie, shotCallback(waiting), {}, false);
+  EXPECT_EQ(1, mLog.errors(kTag, "callback for a client that is gone, 2 so far")) << mLog.text();
+  EXPECT_FALSE(mLog.contains("notify reqId"));
+  map->remove(waiting);
+}
+
+// AddressSanitizer and ThreadSanitizer look on.
+TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
+  for (int round = 0; round < 20; ++round) {
+    AlgoNativeClient* const client = new AlgoNativeClient(nullptr, round, 0);
+    const uint64_t cookie = client->callbackCookie();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+      threads.emplace_back([cookie] {
+        for (int k = 0; k < 5; ++k)
+          test::Algo::sendCallback(cookie, shotCallback(kUnknownRequest), {}, false);
+      });
+    }
+    delete client;
+    for (std::thread& thread : threads) thread.join();
+  }
 }
 
 // What goes wrong is a race that ThreadSanitizer sees, or a client without its operations.

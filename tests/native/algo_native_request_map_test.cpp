@@ -45,8 +45,6 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   EXPECT_EQ(70, mMap.getRequestId(0));
   EXPECT_EQ(-0x100000001, mMap.getRequestId(2));
   EXPECT_EQ(&block, mMap.getMetadataHandle(0));
-  EXPECT_EQ(&block, mMap.takeMetadataHandle(0));
-  EXPECT_EQ(nullptr, mMap.takeMetadataHandle(0)) << "one of those who end a request gets it";
   bool isFullAsync = true;
   EXPECT_TRUE(mMap.getIsFullAsync(0, isFullAsync));
   EXPECT_FALSE(isFullAsync);
@@ -61,6 +59,42 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   for (uint64_t id : {0, 2, 3}) EXPECT_TRUE(mMap.remove(id));
 }
 
+TEST_F(AlgoNativeRequestMapTest, LetsOneCallerEndAnAnnouncedRequest) {
+  int block = 0;
+  const uint64_t waitedFor = mMap.create(1, &block, false);
+  const uint64_t announced = mMap.create(2, &block, true);
+  EXPECT_TRUE(mMap.setAlgoList(announced, {"hdr"}));
+  EXPECT_TRUE(mMap.onCallbackReceived(waitedFor));
+  List list = {"old"};
+  void* metadata = &list;
+  for (uint64_t id : {waitedFor, announced}) EXPECT_FALSE(mMap.takeAnnounced(id, metadata, list));
+  EXPECT_EQ(List{"old"}, list);
+  EXPECT_EQ(&list, metadata);
+  EXPECT_TRUE(mMap.setAnnounced(announced));
+  EXPECT_TRUE(mMap.takeAnnounced(announced, metadata, list));
+  EXPECT_EQ(List{"hdr"}, list);
+  EXPECT_EQ(&block, metadata);
+  EXPECT_TRUE(mMap.setAnnounced(announced)) << "the library calls back once more";
+  EXPECT_FALSE(mMap.takeAnnounced(announced, metadata, list));
+  for (uint64_t id : {waitedFor, announced}) EXPECT_TRUE(mMap.remove(id));
+}
+
+TEST_F(AlgoNativeRequestMapTest, GivesUpWhatWasNeverAnnounced) {
+  int blocks[5] = {};
+  const void* const owner = &mLog;
+  const uint64_t kept[] = {mMap.create(1, &blocks[0], true, owner), mMap.create(2, &blocks[1], false, owner),
+                           mMap.create(3, &blocks[2], true)};
+  mMap.setAnnounced(kept[0]);
+  for (int i : {3, 4}) mMap.create(4, &blocks[i], true, owner);
+  void* metadata = nullptr;
+  for (int i : {3, 4}) {
+    EXPECT_TRUE(mMap.removeUnannounced(owner, metadata));
+    EXPECT_EQ(&blocks[i], metadata);
+  }
+  EXPECT_FALSE(mMap.removeUnannounced(owner, metadata));
+  for (uint64_t id : kept) EXPECT_TRUE(mMap.remove(id));
+}
+
 TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
   EXPECT_TRUE(mMap.remove(mMap.create(70, &mLog, true)));
   for (uint64_t id : {uint64_t{0}, uint64_t{1}, UINT64_MAX}) {
@@ -68,7 +102,7 @@ TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
     EXPECT_FALSE(mMap.onCallbackReceived(id));
     EXPECT_FALSE(mMap.waitForCallback(id));
     EXPECT_EQ(nullptr, mMap.getMetadataHandle(id));
-    EXPECT_EQ(nullptr, mMap.takeMetadataHandle(id));
+    EXPECT_FALSE(mMap.setAnnounced(id));
     EXPECT_EQ(-1, mMap.getRequestId(id));
     EXPECT_FALSE(mMap.setAlgoList(id, {"hdr"}));
     bool isFullAsync = false;
@@ -167,7 +201,7 @@ TEST_F(AlgoNativeRequestMapTest, ManyThreadsAtOnce) {
         EXPECT_TRUE(mMap.onCallbackReceived(id));
         EXPECT_TRUE(mMap.waitForCallback(id));
         EXPECT_EQ(i, mMap.getRequestId(id));
-        EXPECT_EQ(&ids, mMap.takeMetadataHandle(id));
+        EXPECT_EQ(&ids, mMap.getMetadataHandle(id));
         EXPECT_TRUE(mMap.getAlgoList(id, list));
         EXPECT_TRUE(mMap.getIsFullAsync(id, isFullAsync));
         EXPECT_TRUE(mMap.remove(id));

@@ -1,0 +1,246 @@
+#include "algo_native_callback.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <mutex>
+
+#include "algo_native_request_map.h"
+#include "camera_metadata_parser.h"
+#include "jni_support.h"
+#include "log.h"
+
+namespace orlu {
+namespace {
+
+using android::hardware::hidl_handle;
+using android::hardware::hidl_vec;
+
+constexpr char kLogTag[] = "_V_VASJNI-AlgoNativeClient";
+
+constexpr char kCallbackClass[] = "com/orlu/orlu3rdalgoservice/binderserver/RequestProcessor";
+constexpr char kCallbackMethod[] = "callbackFromNative";
+constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
+
+// Local references that one callback into Java makes: the parser's classes, a map and its values.
+constexpr jint kCallbackReferences = 96;
+
+// Guards who is open and who is inside Java.
+std::mutex gMutex;
+
+// Whether a name of `length` bytes is this one. The length is compared first: it is the sender's.
+template <size_t N>
+bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
+  return length == N - 1 && std::memcmp(name, known, length) == 0;
+}
+
+// The first integer of the first handle; false when there is no such handle.
+bool firstHandleWord(const hidl_vec<hidl_handle>& handles, int32_t& word) {
+  if (handles.size() == 0 || handles.data() == nullptr) return false;
+  const native_handle_t* handle = handles[0].getNativeHandle();
+  if (handle == nullptr || handle->numFds < 0 || handle->numInts < 0 ||
+      (handle->numFds == 0 && handle->numInts == 0)) {
+    return false;
+  }
+  word = handle->data[0];
+  return true;
+}
+
+}  // namespace
+
+// Keeps the callback class referenced while a callback uses it.
+class AlgoNativeCallback::InsideJava {
+public:
+  InsideJava(AlgoNativeCallback& callback, JNIEnv* env) : mCallback(callback), mEnv(env) {
+    const std::lock_guard<std::mutex> lock(gMutex);
+    mIsIn = mCallback.mIsOpen;
+    if (mIsIn) ++mCallback.mInsideJava;
+  }
+  InsideJava(const InsideJava&) = delete;
+  InsideJava& operator=(const InsideJava&) = delete;
+  ~InsideJava() {
+    if (!mIsIn) return;
+    {
+      const std::lock_guard<std::mutex> lock(gMutex);
+      if (--mCallback.mInsideJava > 0 || mCallback.mIsOpen) return;
+    }
+    mEnv->DeleteGlobalRef(mCallback.mCallbackClass);
+  }
+
+  // False when the client went meanwhile.
+  explicit operator bool() const { return mIsIn; }
+
+private:
+  AlgoNativeCallback& mCallback;
+  JNIEnv* mEnv;
+  bool mIsIn;
+};
+
+AlgoNativeCallback* AlgoNativeCallback::create(JNIEnv* env, JavaVM* javaVm, int64_t clientId,
+                                               int algoContextIndex) {
+  return new AlgoNativeCallback(env, javaVm, clientId, algoContextIndex);
+}
+
+AlgoNativeCallback::AlgoNativeCallback(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex)
+    : mClientId(clientId), mJavaVm(javaVm), mAlgoContextIndex(algoContextIndex) {
+  mResultCallback = [this](const hidl_vec<uint8_t>& data, const hidl_vec<uint8_t>& /*extra*/,
+                           const hidl_vec<hidl_handle>& handles) {
+    try {
+      onPostProcessData(data, handles);
+    } catch (...) {
+      LOGE_AS("onPostProcessData", "onPostProcessData threw");
+    }
+  };
+  if (env != nullptr) findCallbackMethod(env);
+}
+
+void AlgoNativeCallback::findCallbackMethod(JNIEnv* env) {
+  ScopedLocalRef<jclass> found(env, env->FindClass(kCallbackClass));
+  clearException(env);
+  if (!found) return;
+  mCallbackClass = static_cast<jclass>(env->NewGlobalRef(found.get()));
+  if (mCallbackClass == nullptr) return;
+  mPostDataMethod = env->GetStaticMethodID(mCallbackClass, kCallbackMethod, kCallbackSignature);
+  clearException(env);
+}
+
+uint64_t AlgoNativeCallback::cookie() const {
+  return reinterpret_cast<uintptr_t>(&mResultCallback);
+}
+
+JNIEnv* AlgoNativeCallback::environment() const {
+  JNIEnv* env = nullptr;
+  if (mJavaVm == nullptr) return nullptr;
+  return mJavaVm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) == JNI_OK ? env : nullptr;
+}
+
+void AlgoNativeCallback::close(JNIEnv* env) {
+  {
+    const std::lock_guard<std::mutex> lock(gMutex);
+    mIsOpen = false;
+    if (mInsideJava > 0) return;
+  }
+  if (env != nullptr && mCallbackClass != nullptr) env->DeleteGlobalRef(mCallbackClass);
+}
+
+bool AlgoNativeCallback::isOpen(const char* operation) {
+  uint32_t ignored = 0;
+  {
+    const std::lock_guard<std::mutex> lock(gMutex);
+    if (mIsOpen) return true;
+    ignored = ++mIgnored;
+  }
+  LOGE_AS(operation, "callback for a client that is gone, %u so far", ignored);
+  return false;
+}
+
+void AlgoNativeCallback::onPostProcessData(const hidl_vec<uint8_t>& data,
+                                           const hidl_vec<hidl_handle>& handles) {
+  if (!isOpen(__func__)) return;
+  const size_t size = data.size();
+  LOGD("on callback %d %d", static_cast<int>(size), static_cast<int>(handles.size()));
+  if (size <= kCallbackNameOffset || data.data() == nullptr) return;
+
+  CallbackHeader header;
+  std::memcpy(&header, data.data(), kCallbackNameOffset);
+  const size_t room = size - kCallbackNameOffset;
+  if (header.nameLength < 1 || static_cast<size_t>(header.nameLength) > room) return;
+  const auto nameLength = static_cast<size_t>(header.nameLength);
+  const uint8_t* const name = data.data() + kCallbackNameOffset;
+  if (isName(name, nameLength, kLightStreamCallback)) {
+    const auto payloadSize = static_cast<int>(std::min<size_t>(room - nameLength, INT_MAX));
+    onPostProcessDataLightStream(name + nameLength, payloadSize, handles);
+  } else if (isName(name, nameLength, kShotCallback)) {
+    onPostProcessDataCommonShot(header.nativeReq);
+  }
+}
+
+void AlgoNativeCallback::onPostProcessDataCommonShot(uint64_t nativeReq) {
+  const auto printedReq = static_cast<unsigned long long>(nativeReq);
+  const auto clientId = static_cast<long long>(mClientId);
+  LOGD("%s: E, clientId = %lld, algoContextIndex = %d, nativeReq %llu", __func__, clientId, mAlgoContextIndex,
+       printedReq);
+  bool isFullAsync = false;
+  if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, isFullAsync)) return;
+  if (isFullAsync) {
+    if (!announceCommonShot(nativeReq, __func__)) return;
+  } else {
+    AlgoNativeRequestMap::getInstance()->onCallbackReceived(nativeReq);
+  }
+  LOGD("%s: X, clientId = %lld, algoContextIndex = %d, nativeReq %llu, isFullAsync %d", __func__, clientId,
+       mAlgoContextIndex, printedReq, isFullAsync ? 1 : 0);
+}
+
+bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, const char* operation) {
+  // Also when Java can't be reached: it may know the id from elsewhere, and nobody else will end the request.
+  AlgoNativeRequestMap::getInstance()->setAnnounced(nativeReq);
+  JNIEnv* const env = callbackEnv(operation);
+  if (env == nullptr) return false;
+  const InsideJava inside(*this, env);
+  if (!inside) return false;
+  const int64_t reqId = AlgoNativeRequestMap::getInstance()->getRequestId(nativeReq);
+  LOGD_AS(operation, "%s: clientId = %lld, algoContextIndex = %d, reqId = %lld, nativeReq %llu", operation,
+          static_cast<long long>(mClientId), mAlgoContextIndex, static_cast<long long>(reqId),
+          static_cast<unsigned long long>(nativeReq));
+  ScopedLocalFrame frame(env, kCallbackReferences);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, true) != 0) LOGE_AS(operation, "init parser failed");
+  jobject map = parser.createHashMap();
+  parser.putLongIntoHashMap(static_cast<int64_t>(nativeReq), "nativeRequestAddr", map);
+  callBack(env, reqId, map, operation);
+  return true;
+}
+
+void AlgoNativeCallback::onPostProcessDataLightStream(const uint8_t* payload, int size,
+                                                      const hidl_vec<hidl_handle>& handles) {
+  JNIEnv* const env = callbackEnv(__func__);
+  if (env == nullptr) return;
+  LightStreamEvent event;
+  if (payload == nullptr || size < static_cast<int>(sizeof event)) return;
+  std::memcpy(&event, payload, sizeof event);
+  const InsideJava inside(*this, env);
+  if (!inside) return;
+
+  ScopedLocalFrame frame(env, kCallbackReferences);
+  CameraMetadataParser parser;
+  if (parser.initFromEnv(env, true) != 0) LOGE("init parser failed");
+  jobject map = parser.createHashMap();
+  int32_t sharedFd = -1;
+  if (firstHandleWord(handles, sharedFd)) parser.putIntIntoHashMap(sharedFd, "sharedFd", map);
+  parser.putLongIntoHashMap(event.eventType, "eventType", map);
+  parser.putFloatIntoHashMap(event.zoomRatio, "zoomRatio", map);
+  parser.putIntArrayIntoHashMap(event.cropRegion, 4, "cropRegion", map);
+  LOGD(
+      "%s: sharedFd: %d, clientId = %lld, algoContextIndex = %d, reqId = %lld, eventType:%lld zoomRatio:%f, "
+      "cropRegion:[l=%d t=%d w=%d h=%d], dataSize: %d",
+      __func__, sharedFd, static_cast<long long>(mClientId), mAlgoContextIndex,
+      static_cast<long long>(event.reqId), static_cast<long long>(event.eventType),
+      static_cast<double>(event.zoomRatio), event.cropRegion[0], event.cropRegion[1], event.cropRegion[2],
+      event.cropRegion[3], size);
+  callBack(env, event.reqId, map, __func__);
+}
+
+JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
+  // A thread that is not attached gets no further than this: attaching it here would leave it attached for
+  // ever. The attach below only confirms the one that is there.
+  JNIEnv* env = environment();
+  if (env == nullptr || mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr) != JNI_OK) {
+    LOGE_AS(operation, "%s: JavaVM GetEnv ERROR", operation);
+    return nullptr;
+  }
+  if (clearException(env)) LOGE_AS(operation, "callback left a Java exception");
+  if (mPostDataMethod == nullptr) {
+    LOGE_AS(operation, "%s: postDataMethod not find", operation);
+    return nullptr;
+  }
+  return env;
+}
+
+void AlgoNativeCallback::callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const {
+  env->CallStaticVoidMethod(mCallbackClass, mPostDataMethod, static_cast<jint>(0),
+                            static_cast<jlong>(mClientId), static_cast<jint>(mAlgoContextIndex),
+                            static_cast<jlong>(reqId), map);
+  if (clearException(env)) LOGE_AS(operation, "%s threw", kCallbackMethod);
+}
+
+}  // namespace orlu
