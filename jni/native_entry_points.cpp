@@ -1,57 +1,89 @@
 // The library's only exports: the native methods of the Java service. The Java `this` is never used.
+//
+// Nothing may be thrown into the VM. What runs out of memory fails alone: it is logged, and Java gets -1,
+// null or the handle that is none.
 
+#include <cstdlib>
+
+#include "log.h"
 #include "request_processor.h"
 
+namespace orlu {
+namespace {
+
+constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
+
+template <typename Result, typename... Parameters, typename... Arguments>
+Result guarded(const char* operation, Result failed, Result (*member)(Parameters...),
+               Arguments... arguments) {
+  try {
+    return member(arguments...);
+  } catch (...) {
+    LOGE_AS(operation, "%s threw", operation);
+    return failed;
+  }
+}
+
+}  // namespace
+}  // namespace orlu
+
+using orlu::guarded;
 using orlu::RequestProcessor;
 
 #define ORLU_NATIVE(result, name) \
   extern "C" JNIEXPORT result JNICALL Java_com_orlu_orlu3rdalgoservice_Orlu3rdAlgoService_##name
+#define ORLU_FORWARD(failed, member, ...) guarded(#member, failed, &RequestProcessor::member, __VA_ARGS__)
 
 ORLU_NATIVE(jlong, createNativeClient)(JNIEnv* env, jobject, jobject param) {
-  return RequestProcessor::create(env, param);
+  return ORLU_FORWARD(int64_t{0}, create, env, param);
 }
 
 ORLU_NATIVE(jint, destroyNativeClient)(JNIEnv* env, jobject, jlong inst) {
-  return RequestProcessor::destroy(env, inst);
+  return ORLU_FORWARD(-1, destroy, env, inst);
 }
 
 ORLU_NATIVE(jint, algoInit)(JNIEnv* env, jobject, jlong inst, jobject param) {
-  return RequestProcessor::init(env, inst, param);
+  return ORLU_FORWARD(-1, init, env, inst, param);
 }
 
 ORLU_NATIVE(jint, algoRelease)(JNIEnv* env, jobject, jlong inst, jobject param) {
-  return RequestProcessor::release(env, inst, param);
+  return ORLU_FORWARD(-1, release, env, inst, param);
 }
 
 ORLU_NATIVE(jint, flush)(JNIEnv* env, jobject, jlong inst, jobject a, jobject b) {
-  return RequestProcessor::flush(env, inst, a, b);
+  return ORLU_FORWARD(-1, flush, env, inst, a, b);
 }
 
 ORLU_NATIVE(jint, abort)(JNIEnv* env, jobject, jlong inst, jobject a, jobject param) {
-  return RequestProcessor::abortRequest(env, inst, a, param);
+  return ORLU_FORWARD(-1, abortRequest, env, inst, a, param);
 }
 
 ORLU_NATIVE(jstring, getData)(JNIEnv* env, jobject, jlong inst, jobject param) {
-  return RequestProcessor::getData(env, inst, param);
+  return ORLU_FORWARD(jstring{}, getData, env, inst, param);
 }
 
 ORLU_NATIVE(jint, translateParamFiles)
 (JNIEnv* env, jobject, jlong inst, jobject sharedMemory, jobject param) {
-  return RequestProcessor::translateParamFiles(env, inst, sharedMemory, param);
+  return ORLU_FORWARD(-1, translateParamFiles, env, inst, sharedMemory, param);
 }
 
+// Ends the process, whatever happens on the way.
 ORLU_NATIVE(void, notify)(JNIEnv* env, jobject, jlong inst, jobject param) {
-  RequestProcessor::notify(env, inst, param);
+  try {
+    RequestProcessor::notify(env, inst, param);
+  } catch (...) {
+    std::abort();
+  }
 }
 
 ORLU_NATIVE(jint, processImage)
 (JNIEnv* env, jobject, jlong inst, jobject request, jobject inputs, jobject outputs, jobject compositions) {
-  return RequestProcessor::processImage(env, inst, request, inputs, outputs, compositions);
+  return ORLU_FORWARD(-1, processImage, env, inst, request, inputs, outputs, compositions);
 }
 
 ORLU_NATIVE(jint, processImageUpdateResult)
 (JNIEnv* env, jobject, jlong inst, jobject request, jobject inputs, jobject outputs, jobject compositions) {
-  return RequestProcessor::processImageUpdateResult(env, inst, request, inputs, outputs, compositions);
+  return ORLU_FORWARD(-1, processImageUpdateResult, env, inst, request, inputs, outputs, compositions);
 }
 
 ORLU_NATIVE(jint, getVersion)(JNIEnv*, jobject) {
