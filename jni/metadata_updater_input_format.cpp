@@ -83,22 +83,19 @@ void writeUserSettings(const Shot& shot) {
   shot.copy<Ints<10>>("orlu.control.3dLightParams", kParameter, "light_3d_params");
 }
 
-// Gains and shutters of the HDR frames, zero where there is no frame.
+// `hdrFrames` are indices among the master frames.
 void writeHdrGains(const Shot& shot, const FrameList& masters, const HdrFrameIndex& hdrFrames) {
-  Floats<kHdrSlots> gains = {};
-  Floats<kHdrSlots> shutters = {};  // milliseconds
-  const size_t count = std::min(static_cast<size_t>(masters.size()), kHdrSlots);
+  HdrExposures exposures;
+  const int count = std::min(masters.size(), static_cast<int>(kHdrSlots));
   const auto repeated = shot.repeated(kAecTag);
-  for (size_t slot = 0; slot < count; ++slot) {
-    const auto aec = shot.readOr<Aec>(masters.atOrLast(hdrFrames[slot]), kAecTag);
-    gains[slot] = aec[kAecRealGain];
-    shutters[slot] = milliseconds(aec);
-    const int i = static_cast<int>(slot);
+  for (int i = 0; i < count; ++i) {
+    const auto slot = static_cast<size_t>(i);
+    exposures.set(slot, shot.readOr<Aec>(masters.atOrLast(hdrFrames[slot]), kAecTag));
     LOGD_AS(kOperation, "hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i,
-            static_cast<double>(gains[slot]), i, static_cast<double>(shutters[slot]), hdrFrames[slot]);
+            static_cast<double>(exposures.gains[slot]), i, static_cast<double>(exposures.shutters[slot]),
+            hdrFrames[slot]);
   }
-  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", gains);
-  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", shutters);
+  writeHdrExposures(shot, exposures);
 }
 
 void writeCrop(const Shot& shot) {

@@ -30,9 +30,11 @@ void writeSuperNs(const Shot& shot, const Frame& lastFrame, const char* operatio
   shot.write<Floats<2>>(kParameter, "superns_long_gain",       {a[kAecLongGain], b[kAecLongGain]});
   shot.write<Floats<2>>(kParameter, "superns_flash_adrc_gain", {a[kAecRealGain], 0});
   shot.write<Floats<2>>(kParameter, "superns_flash_real_gain", {0, b[kAecRealGain]});
-  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains",       {a[kAecRealGain], b[kAecRealGain]});
-  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters",    {milliseconds(a), milliseconds(b)});
   // clang-format on
+  HdrExposures exposures;
+  exposures.set(0, a);
+  exposures.set(1, b);
+  writeHdrExposures(shot, exposures);
 }
 
 // In the low-light raw step the normal frame's "isp_gain" and "sensor_gain_normal" are its short elements,
@@ -105,19 +107,15 @@ void MetadataUpdater::updateBokehNight() {
   mShot.write<bool>(kControl, "is_bokeh_raw_nr", mIsRawnrCapture != 0 && mShot.listHas("dualBokeh"));
 }
 
-// Gains and shutters of the first frames, zero where there is none.
+// Of the first frames.
 void MetadataUpdater::updateRawHdr() {
-  Floats<kHdrSlots> gains = {};
-  Floats<kHdrSlots> shutters = {};  // milliseconds
-  const size_t count = std::min(kHdrSlots, mCaptureResults->size());
+  HdrExposures exposures;
+  const int count = std::min(mCaptureResultNum, static_cast<int>(kHdrSlots));
   const auto repeated = mShot.repeated(kAecTag);
-  for (size_t i = 0; i < count; ++i) {
-    const auto aec = mShot.readOr<Aec>(mShot.frames().at(static_cast<int>(i)), kAecTag);
-    gains[i] = aec[kAecRealGain];
-    shutters[i] = milliseconds(aec);
+  for (int i = 0; i < count; ++i) {
+    exposures.set(static_cast<size_t>(i), mShot.readOr<Aec>(mShot.frames().at(i), kAecTag));
   }
-  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", gains);
-  mShot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", shutters);
+  writeHdrExposures(mShot, exposures);
 }
 
 }  // namespace orlu

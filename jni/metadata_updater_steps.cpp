@@ -49,6 +49,11 @@ void writeExposureControl(const Shot& shot, const Aec& aec) {
   // clang-format on
 }
 
+void writeHdrExposures(const Shot& shot, const HdrExposures& exposures) {
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", exposures.gains);
+  shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", exposures.shutters);
+}
+
 void writeRawPacking(const Shot& shot) {
   shot.write<int32_t>(kParameter, "raw_packed_type", 2);
   if (shot.inputFormat() == kFormatMipiRaw10) shot.write<int32_t>(kParameter, "raw_bit_per_pixel", 10);

@@ -25,6 +25,17 @@ Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
 int32_t readSceneType(const Shot& shot);
 // Ten keys of a frame's exposure control.
 void writeExposureControl(const Shot& shot, const Aec& aec);
+// Gains and exposure times in milliseconds of HDR frames, zero in the slots without one.
+struct HdrExposures {
+  Floats<kHdrSlots> gains = {};
+  Floats<kHdrSlots> shutters = {};
+
+  void set(size_t slot, const Aec& aec) {
+    gains[slot] = aec[kAecRealGain];
+    shutters[slot] = milliseconds(aec);
+  }
+};
+void writeHdrExposures(const Shot& shot, const HdrExposures& exposures);
 // How raw pixels are packed.
 void writeRawPacking(const Shot& shot);
 
