@@ -1,6 +1,7 @@
 // Conversions that must give on every machine what the 32-bit ARM device gives.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -15,6 +16,12 @@ inline int32_t toInt(float value) {
   if (wide <= std::numeric_limits<int32_t>::min()) return std::numeric_limits<int32_t>::min();
   if (wide >= std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();
   return static_cast<int32_t>(wide);
+}
+
+// A sum or a product of sizes, taken in 64 bits, as a record of 32 bits can hold it.
+inline int32_t saturated(int64_t value) {
+  return static_cast<int32_t>(
+      std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
 // The number of pixels from `first` to `last`, both included. Wraps where an int32_t has no room for it.

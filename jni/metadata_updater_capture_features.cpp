@@ -12,10 +12,6 @@ struct BeautyExtraParams {
 };
 static_assert(sizeof(BeautyExtraParams) == 80);
 
-int32_t narrowed(int64_t value) {
-  return static_cast<int32_t>(value);
-}
-
 }  // namespace
 
 // Appends its name also where the list holds it (Oddity 19).
@@ -85,8 +81,8 @@ void MetadataUpdater::updateUpscale() {
   output.height = height;
   output.stride[0] = strides[0];
   output.scanline[0] = scanlines[0];
-  output.planeSize[0] = narrowed(plane);
-  output.planeSize[1] = narrowed(plane / 2);
+  output.planeSize[0] = saturated(plane);
+  output.planeSize[1] = saturated(plane / 2);
 }
 
 void MetadataUpdater::updataRawenhance() {

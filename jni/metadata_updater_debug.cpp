@@ -3,9 +3,7 @@
 
 #include <cutils/properties.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <limits>
 
 #include "metadata_updater_steps.h"
 
@@ -19,9 +17,7 @@ int32_t propertyAsInt(const char* name) {
   char text[128] = {};
   static_assert(sizeof text >= PROPERTY_VALUE_MAX);
   property_get(name, text, "0");
-  const long value = std::strtol(text, nullptr, 10);
-  return static_cast<int32_t>(
-      std::clamp<long>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+  return saturated(std::strtol(text, nullptr, 10));
 }
 
 void logFrameSettings(const Shot& shot, int index) {

@@ -9,6 +9,7 @@
 #include <limits>
 #include <utility>
 
+#include "arithmetic.h"
 #include "image_format.h"
 #include "jni_support.h"
 #include "log.h"
@@ -18,12 +19,6 @@ namespace orlu {
 namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-VRequest";
-
-// A product of sizes as the frame record can hold it.
-int32_t saturated(int64_t value) {
-  return static_cast<int32_t>(
-      std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
-}
 
 int32_t product(int32_t a, int32_t b, int32_t divisor = 1) {
   return saturated(int64_t{a} * b / divisor);
