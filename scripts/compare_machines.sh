@@ -17,7 +17,7 @@ trap 'rm -rf "$work"' EXIT
 results_of() {
   local folder=$work/$1
   mkdir "$folder"
-  if ! "$root/run" "${@:2}" --json "$folder/results.json" --out "$folder/images" "${requests[@]}" \
+  if ! "$root/run" "${@:2}" --wide --json "$folder/results.json" --out "$folder/images" "${requests[@]}" \
     >"$folder/summary.txt"; then
     cat "$folder/summary.txt" >&2
     die "a request failed on $1"

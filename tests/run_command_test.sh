@@ -86,7 +86,7 @@ command_ends 0 --check right.json "$root/samples/night.json"
 request ', "colour": 1' >bad.json
 refused "bad.json: colour: unknown field; known here: about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request" \
   right.json bad.json
-command_ends 0 --log --photo "$root/samples/photos/portrait.jpg" --out photo
+command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out photo
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
 grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log shows no log"
 
@@ -95,8 +95,10 @@ samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"
 [ ! -s err ] || fail "the log is not silent: $(cat err)"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
-if grep '^  problem ' out; then fail "a sample had a problem"; fi
-prints "orlu.algo.control    jpeg_rotation" '"capture" on client 7'
+[ "$(grep -c '^verdict  ok$' out)" -eq $((${#samples[@]} + 1)) ] || fail "not every verdict is ok: $(grep '^verdict' out)"
+[ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is no verdict: $(tail -n 1 out)"
+if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
+prints "control/jpeg_rotation" '"capture" on client 7'
 
 # of_sample NAME: what was printed of this sample.
 of_sample() {
@@ -109,7 +111,7 @@ put_by() {
 }
 
 read -r before after <<<"$(of_sample night |
-  sed -n 's/.*PSNR of luma .*: \([0-9.]*\) dB before, \([0-9.]*\) dB after.*/\1 \2/p')"
+  sed -n 's/.*luma PSNR \([0-9.]*\) dB before, \([0-9.]*\) dB after.*/\1 \2/p')"
 awk -v before="${before:-0}" -v after="${after:-0}" 'BEGIN { exit !(before > 10 && after > before + 3) }' ||
   fail "PSNR $before dB before, $after dB after"
 of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night shot ran $(of_sample night)"

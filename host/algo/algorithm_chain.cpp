@@ -57,6 +57,7 @@ RunReport AlgorithmChain::run() {
   leaveRefocus();
   leaveLightStream();
   leaveProcessedAlgo();
+  reportSkipped();
   const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
   mReport.milliseconds = took.count();
   return std::move(mReport);
@@ -69,6 +70,14 @@ bool AlgorithmChain::asksForMerge() const {
 
 void AlgorithmChain::markRan(const char* algorithm) {
   mReport.ran.emplace_back(algorithm);
+}
+
+void AlgorithmChain::reportSkipped() {
+  for (const std::string& name : mRequest.algoList()) {
+    const bool isKnown = std::any_of(std::begin(kProcessedBits), std::end(kProcessedBits),
+                                     [&name](const ProcessedBit& row) { return name == row.algorithm; });
+    if (!isKnown) mReport.skipped.push_back(name);
+  }
 }
 
 void AlgorithmChain::readInputs() {
@@ -132,7 +141,10 @@ void AlgorithmChain::changePicture() {
   if (asksFor("flip") && mirrorLeftRight(mPicture.view())) markRan("flip");
   if (!asksFor("upscale") || mRequest.outputs().empty()) return;
   const AlgoFrameInfo& output = mRequest.outputs()[0].info();
-  if (output.width == mPicture.view().width && output.height == mPicture.view().height) return;
+  if (output.width == mPicture.view().width && output.height == mPicture.view().height) {
+    mReport.skipped.emplace_back("upscale");
+    return;
+  }
   Picture scaled = scaleTo(mPicture.view(), output.width, output.height);
   if (scaled.empty()) return;
   mPicture = std::move(scaled);

@@ -20,6 +20,8 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
+  // Asked for and left alone knowingly: not known here, or with nothing to do.
+  std::vector<std::string> skipped;
   double milliseconds = 0;
   std::vector<FrameReport> frames;  // one for each input, when they were judged
 };
@@ -34,6 +36,7 @@ private:
   bool asksFor(const char* algorithm) const { return mRequest.asksFor(algorithm); }
   bool asksForMerge() const;
   void markRan(const char* algorithm);
+  void reportSkipped();
   void readInputs();
   void judgeFrames();
   void reportFrames(const std::vector<Shift>& shifts);

@@ -153,6 +153,7 @@ void Trace::done(uint64_t nativeReq, const RunReport& report) {
       {"op",           "done"             },
       {"nativeReq",    nativeReq          },
       {"ran",          report.ran         },
+      {"skipped",      report.skipped     },
       {"milliseconds", report.milliseconds},
       {"frames",       frames             }
   });

@@ -11,9 +11,11 @@ final class Options {
     boolean params;
     boolean oneClient;
     boolean check;
+    boolean wide;
     Path out = Path.of("out");
     Path photo;
     Path json;
+    Path events;
 
     /** Reads the arguments; one that is not understood is an IllegalArgumentException for people. */
     static Options parse(String[] arguments) {
@@ -24,9 +26,11 @@ final class Options {
                 // The launcher has opened the log and chosen the machine already.
                 case "--log", "--arm" -> { }
                 case "--one-client" -> options.oneClient = true;
+                case "--wide" -> options.wide = true;
                 case "--check" -> options.check = true;
                 case "--out" -> options.out = value(arguments, ++i);
                 case "--photo" -> options.photo = photo(value(arguments, ++i));
+                case "--events" -> options.events = value(arguments, ++i);
                 case "--json" -> options.json = value(arguments, ++i);
                 default -> options.files.add(file(arguments[i]));
             }

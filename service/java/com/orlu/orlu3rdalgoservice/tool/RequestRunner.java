@@ -8,18 +8,20 @@ import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
+import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedComposition;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.NoiseMeasure;
 import com.orlu.orlu3rdalgoservice.tool.report.OutputImages;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
-import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.verdict.Callbacks;
 
 import java.io.IOException;
 import java.nio.file.Path;
@@ -31,11 +33,15 @@ import java.util.Objects;
 
 /** Carries one request through the native library on a client, as the service does, and reports on it. */
 final class RequestRunner {
-    private static final long CALLBACK_MILLISECONDS = 15_000;
+    private static final long CALLBACK_MILLISECONDS = RequestReport.CALLBACK_SECONDS * 1000L;
+    /** How much longer a callback that did not come is waited for, to tell a late one from none. */
+    private static final long LATE_MILLISECONDS = 2_000;
+    private static final long POLL_MILLISECONDS = 50;
 
     private final ServiceClient mClient;
-    private final TraceReader mTraces;
+    private final LineFile mEvents;
     private final Path mOut;
+    private final boolean mKeepsLookups;
     private final RequestReport mReport;
     private final RequestFile mRequest;
 
@@ -43,12 +49,14 @@ final class RequestRunner {
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     private final List<ImageBuffer> mOutputs = new ArrayList<>();
 
-    RequestRunner(RequestReport report, ServiceClient client, TraceReader traces, Path out) {
+    RequestRunner(RequestReport report, ServiceClient client, LineFile events, Options options) {
         mReport = report;
         mRequest = report.request;
         mClient = client;
-        mTraces = traces;
-        mOut = out;
+        mEvents = events;
+        mOut = options.out;
+        // They are many, and cost as much as the request.
+        mKeepsLookups = options.events != null;
     }
 
     /** Runs the request on frames made of its photo, which are none when it has no inputs. */
@@ -59,17 +67,47 @@ final class RequestRunner {
             makeImages(frames);
             process(inbox);
             mReport.callbacks = inbox.reports();
-            mReport.trace = mTraces.next();
-            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, mOutputs));
-            mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, mOutputs));
+            awaitLateCallback();
+            List<OutputReader> outputs = mOutputs.stream().map(OutputReader::of).toList();
+            reportProblems(outputs);
+            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, outputs));
+            mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, outputs));
         } finally {
             mInputs.forEach(ImageBuffer::close);
             mOutputs.forEach(ImageBuffer::close);
         }
     }
 
+    // Only when the wait ended without one: then a moment more shows whether one comes at all.
+    private void awaitLateCallback() throws IOException {
+        mReport.events.add(mEvents.next());
+        long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;
+        while (new Callbacks(mReport).isMissing() && !new Callbacks(mReport).hasEnd()
+                && System.nanoTime() < end && sleep()) {
+            mReport.events.add(mEvents.next());
+        }
+    }
+
+    private static boolean sleep() {
+        try {
+            Thread.sleep(POLL_MILLISECONDS);
+            return true;
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+            return false;
+        }
+    }
+
+    private void reportProblems(List<OutputReader> outputs) {
+        for (int i = 0; i < outputs.size(); ++i) {
+            if (!outputs.get(i).problem().isEmpty()) {
+                mReport.outputProblems.add("output " + i + " is " + outputs.get(i).problem());
+            }
+        }
+    }
+
     private void makeCompositions() throws IOException {
-        EventLog events = EventLog.ofEnvironment();
+        EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (FramePlan frame : mRequest.frames().frames()) {
             RecordedComposition composition = new RecordedComposition(frame.captureResult());
             frame.composition().forEach(composition::putMetadata);
@@ -103,15 +141,17 @@ final class RequestRunner {
         List<VImageIPC> outputs = descriptors(mOutputs);
         outputs.forEach(image -> mReport.outputsBefore.add(ImageState.of(image)));
         List<Map<String, Object>> before = snapshots();
+        mReport.waitStart = System.nanoTime();
         check("processImage", mReport.stopwatch.time("process",
                 () -> service.processImage(mClient.handle(), request, inputs, outputs, mCompositions)));
         if (mRequest.fullAsync()) {
             Long address = mReport.stopwatch.time("wait", () -> inbox.awaitRequest(CALLBACK_MILLISECONDS));
-            if (address == null) {
-                mReport.problems.add("no callback within " + CALLBACK_MILLISECONDS / 1000 + " s");
-            } else {
+            mReport.waitEnd = System.nanoTime();
+            if (address != null) {
                 updateResult(service, request, inputs, outputs, address, before);
             }
+        } else {
+            mReport.waitEnd = System.nanoTime();
         }
         outputs.forEach(image -> mReport.outputsAfter.add(ImageState.of(image)));
         mReport.put.addAll(changes(before));
@@ -128,7 +168,7 @@ final class RequestRunner {
 
     private void check(String call, int status) {
         if (status != 0) {
-            mReport.problems.add(call + " answered " + status);
+            mReport.problems.add(call + " returned " + status);
         }
     }
 

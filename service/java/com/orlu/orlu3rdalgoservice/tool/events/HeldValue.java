@@ -62,7 +62,8 @@ final class HeldValue {
             return place;
         }
         return value instanceof Rational rational
-                ? list(rational.getNumerator(), rational.getDenominator()) : new JsonPrimitive(value.toString());
+                ? list(rational.getNumerator(), rational.getDenominator())
+                : new JsonPrimitive(value.toString());
     }
 
     private static JsonArray list(int... numbers) {

@@ -1,2 +1,2 @@
-/** What the Java side adds to the events of the probe: every look-up in the stores, every value put. */
+/** The events of a run (docs/events.md): writing those of the Java half, and reading all of them. */
 package com.orlu.orlu3rdalgoservice.tool.events;

@@ -12,11 +12,13 @@ public final class OutputReader {
     private byte[] mJpeg;
     private Mosaic mMosaic;
     private Picture mPicture;
+    private final boolean mUntouched;
     private String mProblem = "";
 
     private OutputReader(ImageBuffer image) {
         mImage = image;
-        if (!isUntouched()) {
+        mUntouched = isAllZero();
+        if (!mUntouched) {
             read();
         }
     }
@@ -27,6 +29,10 @@ public final class OutputReader {
 
     /** Whether all bytes are still zero. */
     public boolean isUntouched() {
+        return mUntouched;
+    }
+
+    private boolean isAllZero() {
         ByteBuffer bytes = mImage.bytes();
         for (int i = 0; i < bytes.capacity(); ++i) {
             if (bytes.get(i) != 0) {
@@ -48,11 +54,19 @@ public final class OutputReader {
 
     /** The picture of any other image and of a JPEG that can be decoded, else null. */
     public Picture picture() {
+        if (mPicture == null && mJpeg != null) {
+            mPicture = PixelReader.decodeJpeg(mJpeg);
+        }
         return mPicture;
     }
 
     /** Why there is nothing, empty when there is something. */
     public String problem() {
+        boolean isEmptyJpeg = mImage.descriptor().mFormat.equals(PixelFormat.JPEG.name())
+                && mImage.descriptor().mPlaneSizes[0] == 0;
+        if (mUntouched) {
+            return "untouched (all its bytes are 0)" + (isEmptyJpeg ? " and of size 0" : "");
+        }
         return mProblem;
     }
 
@@ -71,7 +85,7 @@ public final class OutputReader {
         ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
                 image.mRowStrides[0], 0, old.bits(), 0);
         if (sum(format.planeSizes(plan.strideBytes(), plan.height(), 0)) > mImage.bytes().capacity()) {
-            mProblem = "its description asks for more bytes than it has";
+            mProblem = "described as larger than its memory";
         } else if (format.isRaw()) {
             mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
         } else {
@@ -81,12 +95,11 @@ public final class OutputReader {
 
     private void readJpeg(int size) {
         if (size < 1 || size > mImage.bytes().capacity()) {
-            mProblem = "its JPEG size is " + size;
+            mProblem = "a JPEG of size " + size;
             return;
         }
         mJpeg = new byte[size];
         mImage.bytes().get(0, mJpeg);
-        mPicture = PixelReader.decodeJpeg(mJpeg);
     }
 
     private static int sum(int[] values) {

@@ -6,10 +6,11 @@ import java.util.List;
  * What the algorithm library reports of the work it did for a request.
  *
  * @param ran          the algorithms that did something, in their order
+ * @param skipped      handed on but left alone knowingly: not known to it, or with nothing to do
  * @param milliseconds that the work took
  * @param frames       what it found out about each frame, empty when it looked at none
  */
-record AlgorithmPass(List<String> ran, double milliseconds, List<Frame> frames) {
+record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds, List<Frame> frames) {
     /**
      * One frame's judgement.
      *

@@ -15,8 +15,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Writes what happened to requests as JSON, to be compared between two machines: parameters in their order,
- * algorithm lists, values put, output descriptions. Times, pointers and memory stay out of it.
+ * Writes what happened to requests as JSON: parameters in their order, algorithm lists, values put, output
+ * descriptions, the verdict, times. Pointers and memory stay out of it. All but the times, also those in a
+ * verdict's words, is the same on every machine.
  */
 public final class JsonReport {
     private final JsonArray mReports = new JsonArray();
@@ -27,22 +28,40 @@ public final class JsonReport {
         object.addProperty("id", report.request.id());
         object.addProperty("type", report.request.type());
         object.add("algorithmsBefore", strings(report.askedAlgorithms()));
-        if (report.trace != null) {
-            if (report.trace.algorithms != null) {
-                object.add("algorithmsAfter", strings(report.trace.algorithms));
-            }
-            object.add("parameters", parameters(report.trace.parameters));
+        Handover handover = report.handover();
+        if (handover.process() != null) {
+            object.add("algorithmsAfter", strings(handover.algorithms()));
         }
+        object.add("parameters", parameters(handover.parameters()));
         object.add("put", put(report.put));
         object.add("outputsBefore", outputs(report.outputsBefore));
         object.add("outputsAfter", outputs(report.outputsAfter));
         object.add("problems", strings(report.problems));
+        object.add("verdict", verdict(report.verdict));
+        JsonObject times = new JsonObject();
+        report.stopwatch.stages().forEach(times::addProperty);
+        object.add("milliseconds", times);
+        mReports.add(object);
+    }
+
+    /** The verdict of a run that ended before its reports were there. */
+    public void add(Verdict verdict) {
+        JsonObject object = new JsonObject();
+        object.add("verdict", verdict(verdict));
         mReports.add(object);
     }
 
     public void write(Path file) throws IOException {
         Gson gson = new GsonBuilder().setPrettyPrinting().disableHtmlEscaping().create();
         Files.writeString(file, gson.toJson(mReports) + "\n");
+    }
+
+    private static JsonObject verdict(Verdict verdict) {
+        JsonObject object = new JsonObject();
+        object.addProperty("ok", verdict.status() == Verdict.OK);
+        object.addProperty("status", verdict.status());
+        object.add("reasons", strings(verdict.reasons()));
+        return object;
     }
 
     private static JsonArray strings(List<String> texts) {
@@ -57,6 +76,9 @@ public final class JsonReport {
             JsonObject object = new JsonObject();
             object.addProperty("section", parameter.section());
             object.addProperty("key", parameter.key());
+            ParameterType type = ParameterTypes.of(parameter.section(), parameter.key());
+            object.addProperty("type", type.text());
+            object.add("value", ParameterFormatter.json(type, parameter.bytes()));
             object.addProperty("hex", HexFormat.of().formatHex(parameter.bytes()));
             array.add(object);
         }

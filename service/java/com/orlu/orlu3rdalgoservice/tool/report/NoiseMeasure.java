@@ -1,6 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
-import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
@@ -11,7 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import java.util.ArrayList;
 import java.util.List;
 
-/** How near the base frame and the result are to the photo, for requests that noise was added to. */
+/** How near the base frame and the result are to the clean photo, for requests that noise was added to. */
 public final class NoiseMeasure {
     private final RequestReport mReport;
     private final FrameSetPlan mFrames;
@@ -22,7 +21,7 @@ public final class NoiseMeasure {
     }
 
     /** A line for each output that shows the base frame's part of the photo. */
-    public List<String> lines(List<SynthesisedFrame> frames, List<ImageBuffer> outputs) {
+    public List<String> lines(List<SynthesisedFrame> frames, List<OutputReader> outputs) {
         List<String> lines = new ArrayList<>();
         int base = mReport.baseFrame();
         // A frame that was darkened or brightened on purpose has no clean photo to be compared with.
@@ -30,7 +29,7 @@ public final class NoiseMeasure {
             return lines;
         }
         for (int i = 0; i < outputs.size(); ++i) {
-            String line = line(frames.get(base), OutputReader.of(outputs.get(i)));
+            String line = line(frames.get(base), outputs.get(i));
             if (line != null) {
                 lines.add("output " + i + ", " + line);
             }
@@ -43,7 +42,7 @@ public final class NoiseMeasure {
         if (output.mosaic() != null) {
             int bits = output.mosaic().bits();
             Mosaic reference = Mosaic.of(clean, bits);
-            return line("all samples", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
+            return line("raw", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
                     Psnr.ofMosaic(reference, output.mosaic()));
         }
         return output.picture() == null ? null : line("luma", Psnr.ofLuma(clean, base.shot()),
@@ -52,7 +51,7 @@ public final class NoiseMeasure {
 
     private static String line(String what, double before, double after) {
         return Double.isNaN(after) ? null
-                : "PSNR of %s against the clean photo: %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
+                : "%s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
                         what, before, after, after - before);
     }
 }

@@ -1,6 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
-import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
@@ -29,7 +28,7 @@ public final class OutputImages {
     }
 
     /** Writes what there is to write and answers a line on each image. */
-    public List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> outputs) throws IOException {
+    public List<String> write(List<SynthesisedFrame> frames, List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
         List<String> lines = new ArrayList<>();
         if (!frames.isEmpty()) {
@@ -38,15 +37,12 @@ public final class OutputImages {
             lines.add(file + " (frame " + mBase + " as it went in)");
         }
         for (int i = 0; i < outputs.size(); ++i) {
-            lines.add(write(OutputReader.of(outputs.get(i)), mName + "-out" + i));
+            lines.add(write(outputs.get(i), mName + "-out" + i));
         }
         return lines;
     }
 
     private String write(OutputReader output, String name) throws IOException {
-        if (output.isUntouched()) {
-            return name + ": not written, nothing was put into the image";
-        }
         if (output.jpeg() != null) {
             Path file = mFolder.resolve(name + ".jpg");
             Files.write(file, output.jpeg());
@@ -58,7 +54,7 @@ public final class OutputImages {
             return file + " (raw mosaic)";
         }
         if (output.picture() == null) {
-            return name + ": not written, " + output.problem();
+            return name + ": not written, the image is " + output.problem();
         }
         Path file = mFolder.resolve(name + ".png");
         ImageIO.write(output.picture().toImage(), "png", file.toFile());

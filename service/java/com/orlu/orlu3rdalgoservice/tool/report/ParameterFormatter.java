@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
+import com.google.gson.JsonElement;
+import com.google.gson.JsonPrimitive;
+
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
@@ -7,6 +10,7 @@ import java.util.ArrayList;
 import java.util.HexFormat;
 import java.util.List;
 import java.util.function.IntFunction;
+import java.util.stream.IntStream;
 
 /** Writes a parameter's value for people. Bytes that don't fit their type are shown in hex. */
 final class ParameterFormatter {
@@ -32,6 +36,35 @@ final class ParameterFormatter {
     static String format(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
         return formatter.fits(type) ? formatter.value(type) : formatter.hex();
+    }
+
+    /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    static JsonElement json(ParameterType type, byte[] bytes) {
+        ParameterFormatter formatter = new ParameterFormatter(bytes);
+        Object value = formatter.fits(type) ? formatter.plain(type) : null;
+        return value != null ? ValueFormatter.json(value) : new JsonPrimitive(format(type, bytes));
+    }
+
+    // The value as Java has it; null for a record.
+    private Object plain(ParameterType type) {
+        return switch (type) {
+            case INT, COUNT -> intAt(0);
+            case LONG -> mBytes.getLong(0);
+            case FLOAT -> floatAt(0);
+            case BOOL -> mBytes.get(0) != 0;
+            case INTS, RECT, CROP -> IntStream.range(0, mSize / 4).map(i -> intAt(4 * i)).toArray();
+            case LONGS -> IntStream.range(0, mSize / 8).mapToLong(i -> mBytes.getLong(8 * i)).toArray();
+            case DOUBLES -> IntStream.range(0, mSize / 8).mapToDouble(i -> mBytes.getDouble(8 * i)).toArray();
+            case FLOATS -> floats();
+            case TEXT -> text();
+            default -> null;
+        };
+    }
+
+    private float[] floats() {
+        float[] values = new float[mSize / 4];
+        mBytes.asFloatBuffer().get(values);
+        return values;
     }
 
     private boolean fits(ParameterType type) {
@@ -64,7 +97,7 @@ final class ParameterFormatter {
             case FLOATS -> list(mSize / 4, i -> number(floatAt(4 * i)));
             case BITS -> list(mSize / 8, i -> "0x" + Long.toHexString(mBytes.getLong(8 * i)));
             case DOUBLES -> list(mSize / 8, i -> number(mBytes.getDouble(8 * i)));
-            case TEXT -> text();
+            case TEXT -> '"' + text() + '"';
             case MILLISECONDS -> milliseconds();
             case COUNT -> Integer.toString(intAt(0));
             case RECT -> rect(0);
@@ -91,7 +124,7 @@ final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // The bits of a float that is not tiny are an int of many hours, but for the two ints that say "too long".
+    // The bits of a float that is not tiny are an int of many hours, but for the two ints that mean too long.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
@@ -135,7 +168,7 @@ final class ParameterFormatter {
         while (end < mSize && mBytes.get(end) != 0) {
             ++end;
         }
-        return '"' + new String(mBytes.array(), 0, end, StandardCharsets.UTF_8) + '"';
+        return new String(mBytes.array(), 0, end, StandardCharsets.UTF_8);
     }
 
     private String rect(int offset) {
@@ -154,8 +187,9 @@ final class ParameterFormatter {
     }
 
     private String faceOutline() {
-        return "%d faces, first point (%d, %d), pose (%s, %s, %s), rect %s".formatted(intAt(0), intAt(4), intAt(8),
-                number(floatAt(9608)), number(floatAt(9612)), number(floatAt(9616)), rect(10536));
+        return "%d faces, first point (%d, %d), pose (%s, %s, %s), rect %s".formatted(
+                intAt(0), intAt(4), intAt(8), number(floatAt(9608)), number(floatAt(9612)),
+                number(floatAt(9616)), rect(10536));
     }
 
     private String exif() {

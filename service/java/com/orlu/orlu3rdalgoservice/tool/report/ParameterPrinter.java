@@ -1,26 +1,42 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
 import java.io.PrintStream;
+import java.util.ArrayList;
 import java.util.List;
-import java.util.function.Function;
 
-/** Prints every parameter in the order in which it was handed over. */
+/** Prints every parameter in the order of the writes, those that a later one replaces marked. */
 public final class ParameterPrinter {
+    private static final int KEY_WIDTH = 40;
+    private static final String REPLACED = "~ ";
+
     private ParameterPrinter() {
     }
 
-    public static void print(List<Parameter> parameters, PrintStream to) {
-        String row = "  %-" + width(parameters, Parameter::section) + "s  %-"
-                + width(parameters, Parameter::key) + "s  %-15s  %s%n";
+    /** Lines fit 80 columns unless they are to be wide. */
+    public static void print(Handover handover, PrintStream to, boolean wide) {
+        LinePrinter lines = new LinePrinter(to, wide);
+        List<Parameter> parameters = handover.parameters();
+        List<String> names = new ArrayList<>();
         for (Parameter parameter : parameters) {
+            names.add(wide ? parameter.section() + "/" + parameter.key() : Handover.shortName(parameter));
+        }
+        int longest = names.stream().mapToInt(String::length).max().orElse(1);
+        String row = "%s%-" + (wide ? longest : Math.min(longest, KEY_WIDTH)) + "s  %-9s  %s";
+        boolean anyReplaced = false;
+        for (int i = 0; i < parameters.size(); ++i) {
+            Parameter parameter = parameters.get(i);
             ParameterType type = ParameterTypes.of(parameter.section(), parameter.key());
-            to.printf(row, parameter.section(), parameter.key(), type.text(),
-                    ParameterFormatter.format(type, parameter.bytes()));
+            boolean isReplaced = handover.isReplaced(i);
+            anyReplaced |= isReplaced;
+            lines.plain(row.formatted(isReplaced ? REPLACED : "  ", names.get(i), type.text(),
+                    ParameterFormatter.format(type, parameter.bytes())));
+        }
+        if (anyReplaced) {
+            lines.plain("  (" + REPLACED.strip() + " a later line sets the same key)");
+        }
+        if (lines.hasCut()) {
+            lines.plain("  (lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
         }
         to.println();
-    }
-
-    private static int width(List<Parameter> parameters, Function<Parameter, String> column) {
-        return parameters.stream().map(column).mapToInt(String::length).max().orElse(1);
     }
 }

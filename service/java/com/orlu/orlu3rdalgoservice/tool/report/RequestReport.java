@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
@@ -11,6 +12,9 @@ import java.util.Map;
 
 /** All that happened to one request. Filled in by RequestRunner, read by the printers. */
 public final class RequestReport {
+    /** How long a request is waited for: by the library itself, or here for a full-async one. */
+    public static final int CALLBACK_SECONDS = 10;
+
     public final RequestFile request;
     public final Stopwatch stopwatch = new Stopwatch();
     /** The images as they were handed in, with their sizes. */
@@ -22,17 +26,41 @@ public final class RequestReport {
     public final List<Map<String, Object>> put = new ArrayList<>();
     /** What was reported to Java while the request ran. */
     public List<Map<String, Object>> callbacks = List.of();
-    /** What the algorithm library traced; null when it doesn't. */
-    public Trace trace;
+    /** What passed between the library and the algorithm library. */
+    public final RecordedEvents events = new RecordedEvents();
+    /** When the request was submitted and when the wait for its end was over, by System.nanoTime(). */
+    public long waitStart;
+    public long waitEnd;
+    /** What the algorithm library says that it did; null when it says nothing. */
+    public AlgorithmPass pass;
     /** Lines on the images that were written. */
     public final List<String> images = new ArrayList<>();
     /** Lines on how much noise went. */
     public final List<String> noise = new ArrayList<>();
-    /** What went wrong, for people. Empty when the request went through. */
+    /** What Java was told to be wrong. */
     public final List<String> problems = new ArrayList<>();
+    /** What is wrong with the outputs, if the algorithms were to write them. */
+    public final List<String> outputProblems = new ArrayList<>();
+    public Verdict verdict = Verdict.ok();
 
     public RequestReport(RequestFile request) {
         this.request = request;
+    }
+
+    /** What the request handed to the algorithm library, of the events so far. */
+    public Handover handover() {
+        return new Handover(events);
+    }
+
+    /** Algorithms handed on that did nothing though the library has them; none when it does not say. */
+    public List<String> idleAlgorithms() {
+        List<String> idle = new ArrayList<>(handover().algorithms());
+        if (pass == null) {
+            return List.of();
+        }
+        idle.removeAll(pass.ran());
+        idle.removeAll(pass.skipped());
+        return idle;
     }
 
     /** The algorithm list that the request asks for, empty when it has none. */

@@ -13,68 +13,60 @@ import java.util.Map;
 
 /** Prints what happened to a request, for people. */
 public final class Summary {
-    private static final String INDENT = "  ";
-
     private final RequestReport mReport;
     private final PrintStream mTo;
+    private final LinePrinter mLines;
 
-    public Summary(RequestReport report, PrintStream to) {
+    /** Lines fit 80 columns unless they are to be wide. */
+    public Summary(RequestReport report, PrintStream to, boolean wide) {
         mReport = report;
         mTo = to;
+        mLines = new LinePrinter(to, wide);
     }
 
+    /** Prints all but the parameters and the verdict. */
     public void print() {
         printIn();
         printAlgorithms();
         printBack();
-        lines("images", mReport.images);
-        lines("noise", mReport.noise);
-        lines("problem", mReport.problems);
-        line("time", times());
-        mTo.println();
-    }
-
-    private void line(String label, String text) {
-        mTo.println(INDENT + "%-12s".formatted(label) + text);
-    }
-
-    private void lines(String label, List<String> lines) {
-        String shown = label;
-        for (String text : lines) {
-            line(shown, text);
-            shown = "";
+        mLines.lines("images", mReport.images);
+        mLines.lines("noise", mReport.noise);
+        mLines.list("time", times());
+        if (mLines.hasCut()) {
+            mLines.line("", "(lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
         }
+        mTo.println();
     }
 
     private void printIn() {
         RequestFile request = mReport.request;
-        mTo.println(request.about().isEmpty() ? request.file().toString() : request.about());
-        line("file", request.file().toString());
-        line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
+        mLines.plain(request.about().isEmpty() ? request.file().toString() : request.about());
+        mLines.line("file", request.file().toString());
+        mLines.line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
                 + (request.fullAsync() ? ", full-async" : ""));
-        line("in", images(mReport.inputs));
+        mLines.list("in", images(mReport.inputs));
         if (!mReport.inputs.isEmpty()) {
-            line("", synthesis(request));
+            mLines.list("", synthesis(request));
         }
-        lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
+        mLines.lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
         int frames = request.frames().frames().size();
-        line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
+        mLines.line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
 
-    private static String images(List<ImagePlan> images) {
+    private static List<String> images(List<ImagePlan> images) {
         if (images.isEmpty()) {
-            return "no image";
+            return List.of("no image");
         }
         ImagePlan first = images.get(0);
-        return images.size() + " x " + first.name() + " " + first.width() + "x" + first.height() + ", stride "
-                + first.strideBytes() + ", " + (first.hardware() ? "hardware buffers" : "shared memory");
+        return List.of(images.size() + " x " + first.name() + " " + first.width() + "x" + first.height(),
+                "stride " + first.strideBytes(), first.hardware() ? "hardware buffers" : "shared memory");
     }
 
-    private static String synthesis(RequestFile request) {
+    private static List<String> synthesis(RequestFile request) {
         FrameSetPlan frames = request.frames();
         double noise = frames.frames().stream().mapToDouble(FramePlan::noise).max().orElse(0);
         double blur = frames.frames().stream().mapToDouble(FramePlan::blur).max().orElse(0);
-        List<String> parts = new ArrayList<>();
+        List<String> parts = new ArrayList<>(List.of("made of " + request.photo()));
         if (noise > 0) {
             parts.add("noise " + noise + " of 255");
         }
@@ -84,7 +76,7 @@ public final class Summary {
         if (frames.margin() > 0) {
             parts.add("shifts up to " + frames.margin() + " pixels");
         }
-        return "made of " + request.photo() + (parts.isEmpty() ? "" : " with " + String.join(", ", parts));
+        return parts;
     }
 
     private static String description(ImageState image) {
@@ -94,27 +86,56 @@ public final class Summary {
     }
 
     private void printAlgorithms() {
-        line("asked for", list(mReport.askedAlgorithms()));
-        if (mReport.trace == null) {
-            line("handed on", "not known: this algorithm library writes no trace");
+        List<String> asked = mReport.askedAlgorithms();
+        mLines.list("asked for", orEmptyList(asked));
+        Handover handover = mReport.handover();
+        if (mReport.events.calls().isEmpty()) {
+            mLines.line("handed on", "not known: no probe stands before the algorithm library");
             return;
         }
-        Trace trace = mReport.trace;
-        line("handed on", trace.algorithms == null ? "nothing: the request went without an algorithm pass"
-                : list(trace.algorithms));
-        if (trace.pass != null) {
-            line("ran", ran(trace.pass.ran()) + " in " + milliseconds(trace.pass.milliseconds()));
-            lines("", frames(trace.pass.frames()));
+        if (handover.process() == null) {
+            mLines.line("handed on", "nothing: the request went without an algorithm pass");
+        } else {
+            List<String> handedOn = handover.algorithms();
+            mLines.list("handed on", orEmptyList(handedOn.stream()
+                    .map(name -> asked.contains(name) ? name : name + " (appended)").toList()));
+            optionalList("taken away", asked.stream().filter(name -> !handedOn.contains(name)).toList());
+            printPass();
         }
-        line("parameters", trace.parameters.size() + " handed over");
+        mLines.line("parameters", handover.parameters().size() + " handed over");
+        List<String> again = new ArrayList<>();
+        handover.repeatedKeys().forEach((key, count) -> again.add(key + " (" + count + " times)"));
+        optionalList("set again", again);
     }
 
-    private static String ran(List<String> algorithms) {
-        return algorithms.isEmpty() ? "nothing: passed through" : list(algorithms);
+    private void printPass() {
+        AlgorithmPass pass = mReport.pass;
+        if (pass == null) {
+            mLines.line("ran", "not known: the algorithm library does not say");
+            return;
+        }
+        List<String> ran = new ArrayList<>(
+                pass.ran().isEmpty() ? List.of("nothing: passed through") : pass.ran());
+        int last = ran.size() - 1;
+        ran.set(last, ran.get(last) + " in " + milliseconds(pass.milliseconds()));
+        mLines.list("ran", ran);
+        List<String> nobody = new ArrayList<>(mReport.idleAlgorithms());
+        nobody.addAll(pass.skipped());
+        optionalList("nobody ran", nobody);
+        if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
+            mLines.line("", "(not this library's, or with nothing to do)");
+        }
+        mLines.lines("", frames(pass.frames()));
     }
 
-    private static String list(List<String> algorithms) {
-        return algorithms.isEmpty() ? "(empty list)" : String.join(", ", algorithms);
+    private void optionalList(String label, List<String> parts) {
+        if (!parts.isEmpty()) {
+            mLines.list(label, parts);
+        }
+    }
+
+    private static List<String> orEmptyList(List<String> algorithms) {
+        return algorithms.isEmpty() ? List.of("(empty list)") : algorithms;
     }
 
     private static List<String> frames(List<AlgorithmPass.Frame> frames) {
@@ -137,10 +158,10 @@ public final class Summary {
                 put.add("frame " + i + "  " + value.getKey() + " = " + ValueFormatter.text(value.getValue()));
             }
         }
-        lines("put", put.isEmpty() ? List.of("nothing") : put);
+        mLines.lines("put", put.isEmpty() ? List.of("nothing") : put);
         List<String> changes = changes();
-        lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
-        lines("callback", mReport.callbacks.stream().map(Summary::callback).toList());
+        mLines.lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
+        mReport.callbacks.forEach(values -> mLines.list("callback", callback(values)));
     }
 
     private List<String> changes() {
@@ -157,16 +178,16 @@ public final class Summary {
         return lines;
     }
 
-    private static String callback(Map<String, Object> values) {
+    private static List<String> callback(Map<String, Object> values) {
         List<String> parts = new ArrayList<>();
         values.forEach((key, value) -> parts.add(key + " = " + ValueFormatter.text(value)));
-        return String.join(", ", parts);
+        return parts;
     }
 
-    private String times() {
+    private List<String> times() {
         List<String> parts = new ArrayList<>();
         mReport.stopwatch.stages().forEach((stage, time) -> parts.add(stage + " " + milliseconds(time)));
-        return String.join(", ", parts);
+        return parts;
     }
 
     private static String milliseconds(double value) {

@@ -38,6 +38,9 @@ final class ValueFormatter {
             }
             return array;
         }
+        if (value instanceof Boolean flag) {
+            return new JsonPrimitive(flag);
+        }
         boolean finite = value instanceof Number number && Double.isFinite(number.doubleValue());
         return finite ? new JsonPrimitive((Number) value) : new JsonPrimitive(String.valueOf(value));
     }

@@ -1,0 +1,47 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+
+/** Judges a run whose process ended before the command did, in another process, by what it left behind. */
+final class PostMortem {
+    private static final String REPORT = "crash.log";
+
+    private final Options mOptions;
+    private final int mExitStatus;
+
+    /** The exit status is the dead process's, as a shell has it: 128 and the number of the signal. */
+    PostMortem(Options options, int exitStatus) {
+        mOptions = options;
+        mExitStatus = exitStatus;
+    }
+
+    /** Prints the verdict, and keeps the last events and the VM's own report beside the images. */
+    int run() throws IOException {
+        RecordedEvents events = new RecordedEvents();
+        events.add(LineFile.fromStart(WorkFolder.events(), LineFile::isNoLookup).next());
+        Path vmReport = WorkFolder.vmReport();
+        boolean hasVmReport = vmReport != null && Files.exists(vmReport);
+        Crash crash = new Crash(events, mExitStatus, hasVmReport ? Files.readString(vmReport) : "");
+        Files.createDirectories(mOptions.out);
+        Path file = mOptions.out.resolve(REPORT);
+        Files.writeString(file, crash.report());
+        Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
+        Session.keepEvents(mOptions);
+        if (mOptions.json != null) {
+            JsonReport json = new JsonReport();
+            json.add(verdict);
+            json.write(mOptions.json);
+        }
+        System.out.println(verdict.line());
+        return verdict.status();
+    }
+}

@@ -1,0 +1,156 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.report.Summary;
+import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.verdict.Judge;
+import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
+
+import java.io.IOException;
+import java.io.PrintStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.StandardCopyOption;
+import java.util.ArrayList;
+import java.util.List;
+
+/** Runs the requests of one command line, one after the other, and prints what happened. */
+final class Session {
+    private final Options mOptions;
+    private final PrintStream mTo = System.out;
+    private final TraceReader mTraces;
+    private final LineFile mEvents;
+    private final JsonReport mJson = new JsonReport();
+    private final List<Verdict> mVerdicts = new ArrayList<>();
+
+    private ServiceClient mClient;
+
+    Session(Options options) {
+        mOptions = options;
+        String trace = System.getenv(TraceReader.VARIABLE);
+        mTraces = new TraceReader(trace == null || trace.isEmpty() ? null : Path.of(trace));
+        // Look-ups are many, and nothing here asks for them.
+        mEvents = new LineFile(WorkFolder.events(), LineFile::isNoLookup);
+    }
+
+    /** Returns one of Verdict's statuses, the first that is not OK. */
+    int run() throws RequestFileException, ErrnoException, IOException {
+        // All are read before the first runs, so that a mistake in the last shows at once.
+        List<RequestFile> requests = new ArrayList<>();
+        for (Path file : mOptions.requests()) {
+            requests.add(RequestFileReader.read(file, mOptions.photo));
+        }
+        return mOptions.check ? check(requests) : runAll(requests);
+    }
+
+    // Frames are made as well, since a photo can be too small for a request.
+    private int check(List<RequestFile> requests) throws RequestFileException {
+        for (RequestFile request : requests) {
+            frames(request);
+            mTo.println(request.file() + ": right");
+        }
+        return Verdict.OK;
+    }
+
+    private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {
+        for (int i = 0; i < requests.size(); ++i) {
+            if (i > 0) {
+                mTo.println();
+            }
+            RequestReport report = runOne(requests.get(i), !mOptions.oneClient || i == requests.size() - 1);
+            print(report);
+            mJson.add(report);
+            mVerdicts.add(report.verdict);
+        }
+        if (mOptions.json != null) {
+            mJson.write(mOptions.json);
+        }
+        keepEvents(mOptions);
+        return overall(requests);
+    }
+
+    /** Copies the events to where --events says. */
+    static void keepEvents(Options options) throws IOException {
+        Path events = WorkFolder.events();
+        if (options.events != null && events != null && Files.exists(events)) {
+            Files.copy(events, options.events, StandardCopyOption.REPLACE_EXISTING);
+        }
+    }
+
+    private void print(RequestReport report) {
+        new Summary(report, mTo, mOptions.wide).print();
+        if (mOptions.params) {
+            ParameterPrinter.print(report.handover(), mTo, mOptions.wide);
+        }
+        mTo.println(report.verdict.line());
+    }
+
+    // One verdict on several requests stands behind all of theirs.
+    private int overall(List<RequestFile> requests) {
+        List<String> failed = new ArrayList<>();
+        int status = Verdict.OK;
+        for (int i = 0; i < requests.size(); ++i) {
+            if (mVerdicts.get(i).status() != Verdict.OK) {
+                status = status == Verdict.OK ? mVerdicts.get(i).status() : status;
+                failed.add(requests.get(i).file().toString());
+            }
+        }
+        if (requests.size() > 1) {
+            String reason = "%d of %d requests: %s".formatted(
+                    failed.size(), requests.size(), String.join(", ", failed));
+            mTo.println();
+            mTo.println(new Verdict(status, List.of(reason)).line());
+        }
+        return status;
+    }
+
+    private RequestReport runOne(RequestFile request, boolean lastOfClient)
+            throws RequestFileException, ErrnoException, IOException {
+        List<SynthesisedFrame> frames = frames(request);
+        RequestReport report = new RequestReport(request);
+        if (mClient == null) {
+            mClient = new ServiceClient(request, report.stopwatch);
+        }
+        report.events.add(mEvents.next());
+        // With a library that can't be used a request would only wait for a callback.
+        if (LibraryCheck.of(report.events).status() == Verdict.OK) {
+            new RequestRunner(report, mClient, mEvents, mOptions).run(frames);
+        }
+        if (lastOfClient) {
+            mClient.end(request, report.stopwatch);
+            mClient = null;
+        }
+        report.events.add(mEvents.next());
+        report.pass = mTraces.next();
+        report.verdict = Judge.of(report);
+        return report;
+    }
+
+    private List<SynthesisedFrame> frames(RequestFile request) throws RequestFileException {
+        if (request.inputs().isEmpty()) {
+            return List.of();
+        }
+        Picture photo = FrameSynthesis.load(request.photo());
+        if (photo == null) {
+            String problem = "no photo that can be read: " + request.photo();
+            if (mOptions.photo != null) {
+                throw new IllegalArgumentException("--photo: " + problem);
+            }
+            throw new RequestFileException(request.file().toString(), "photo", problem);
+        }
+        boolean raw = request.inputs().stream().anyMatch(image -> image.format().isRaw());
+        return new FrameSynthesis(request.frames(), raw).frames(request.file(), photo);
+    }
+}

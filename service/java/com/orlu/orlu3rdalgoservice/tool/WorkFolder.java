@@ -1,0 +1,40 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import java.io.IOException;
+import java.io.UncheckedIOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+
+/** The folder that the launcher makes for one run and removes after it, named by the property orlu.work. */
+final class WorkFolder {
+    private WorkFolder() {
+    }
+
+    /** The events' file, which need not be there; null when the launcher names none. */
+    static Path events() {
+        String file = System.getenv("ORLU_EVENTS");
+        return file == null || file.isEmpty() ? null : Path.of(file);
+    }
+
+    /** The VM's report on its crash, which need not be there; null when there is no folder. */
+    static Path vmReport() {
+        return file("vm_report.log");
+    }
+
+    /** Says to the launcher that the command came to its end: nothing else ended the process. */
+    static void markFinished() {
+        Path marker = file("finished");
+        if (marker != null) {
+            try {
+                Files.writeString(marker, "");
+            } catch (IOException e) {
+                throw new UncheckedIOException(e);
+            }
+        }
+    }
+
+    private static Path file(String name) {
+        String folder = System.getProperty("orlu.work");
+        return folder == null ? null : Path.of(folder, name);
+    }
+}

@@ -1,0 +1,70 @@
+#!/bin/bash
+# Runs ./run over algorithm libraries with one fault each, and looks at its last line and its status:
+# verdict_test.sh BUILD_FOLDER. The waits for a callback are long, so four rows run at a time.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export ORLU_BUILD=$1
+unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PLANTED
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+echo "no library" >"$folder/text.so"
+
+# sample | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular expression
+rows() {
+  cat <<'ROWS'
+capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too short
+capture|none.so|3|the algorithm library can't be opened: .*none\.so: .*No such file or directory
+capture|without_entry|3|the algorithm library .*planted_without_entry\.so has no AlgoInterfaceEntry: .*
+capture|lacks:process|3|the algorithm library .*planted_algo\.so lacks process
+capture|lacks:setValue|3|the algorithm library .*planted_algo\.so lacks setValue
+capture|lacks:flush|0|
+capture|answers:createClient|3|createClient returned no client
+capture|answers:init|1|init returned -22
+capture|answers:setValue|1|setValue returned -22 \([0-9]+ times\)
+capture|answers:getValue|1|output 0 is a JPEG of size 0
+capture|answers:process|1|no callback for request 103 within 10 s; process was called and returned -22 after [0-9.]+ ms
+capture|throws:init|.|.*init threw std::runtime_error: planted.*
+capture|throws:process|.|.*process.* threw std::runtime_error: planted.*
+capture|silent|1|no callback for request 103 within 10 s; process was called and returned 0 after [0-9.]+ ms
+capture|name|1|no callback for request 103 within 10 s; process .* ms; 1 callback ignored: name "shotcb"
+capture|id|1|no callback .*; 1 callback ignored: it names the native request 0x1 instead of 0x0
+capture|late|1|no callback .*; 1 callback ignored: it came after 11\.[0-9] s
+capture|unattached|0|
+night-async|unattached|1|no callback .*; 1 callback ignored: its thread ".*" is unknown to the VM
+capture|idle|1|handed on, but nobody ran: jpegEncode; output 0 is untouched \(all its bytes are 0\) and of size 0
+watermark|untouched|1|output 0 is untouched \(all its bytes are 0\)
+capture|empty|1|output 0 is a JPEG of size 0
+capture|aborts:process|1|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in process of request 103; the crash file is shots/crash\.log
+capture|segfaults:setValue|1|.*planted_algo\.so ended the process by signal 11 \(SIGSEGV at planted_algo\.so\+0x[0-9a-f]+\) in setValue of .*; the crash file is shots/crash\.log
+capture|aborts:createClient|3|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in createClient; .*
+ROWS
+}
+
+# check SAMPLE FAULT STATUS PATTERN: one row, in a folder of its own. Prints what is wrong.
+check() {
+  local sample=$1 fault=$2 wanted=$3 pattern=$4 status=0 library=$ORLU_BUILD/planted/planted_algo.so line left
+  case $fault in
+    *.so) library=$folder/$fault ;;
+    without_entry) library=$ORLU_BUILD/planted/planted_without_entry.so ;;
+  esac
+  mkdir "$folder/$sample-$fault" && cd "$folder/$sample-$fault" || return
+  ORLU_ALGO_LIBRARY=$library ORLU_PLANTED=$fault "$root/run" --out shots --json report \
+    "$root/samples/$sample.json" >out 2>err || status=$?
+  line=$(tail -n 1 out)
+  pattern="^verdict  ${pattern:+FAILED: $pattern}"
+  [ "$wanted" != 0 ] || pattern="^verdict  ok"
+  [[ $status =~ ^$wanted$ && $line =~ $pattern$ ]] ||
+    echo "FAILED: $sample, $fault: status $status instead of $wanted, \"$line\" instead of \"$pattern\": $(cat err)"
+  grep -q "\"status\": $status" report || echo "FAILED: $sample, $fault: the report says another status"
+  left=$(find . -mindepth 1 -maxdepth 1 ! -name out ! -name err ! -name report ! -name shots)
+  [ -z "$left" ] || echo "FAILED: $sample, $fault: leaves $left in the caller's folder"
+}
+
+rows | {
+  while IFS='|' read -r sample fault status pattern; do
+    check "$sample" "$fault" "$status" "$pattern" &
+    while [ "$(jobs -rp | wc -l)" -ge 4 ]; do wait -n; done
+  done
+  wait
+} | tee "$folder/failures"
+[ ! -s "$folder/failures" ] && echo "All passed: $(rows | wc -l) faults"
