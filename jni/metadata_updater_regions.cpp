@@ -4,29 +4,20 @@
 #include "region_mapper.h"
 
 namespace orlu {
-namespace {
 
 // One of the two metering regions and its texts.
-struct MeteringTexts {
+struct MetadataUpdater::MeteringTexts {
   const char* operation;  // that the lines name
   const char* tag;
   const char* label;
   const char* unscaled;
 };
 
-bool needsScaling(const Shot& shot, _tagOrluSize active, _tagOrluSize image) {
-  RegionScale scale;
-  scale.remosaicType = shot.readOr<int32_t>("com.orlu.RemosaicType");
-  scale.sensorCrop = shot.readOr<SCR_Type>("orlu.feedback.SensorCropRegions");
-  const auto fullSize = shot.readOr<Ints<2>>("com.orlu.image_sizes");
-  scale.fullSize = {fullSize[0], fullSize[1]};
-  return needsScaling(active, image, scale);
-}
+namespace {
 
 // `unscaled` is logged when the rectangle keeps its scale.
-__tagOrluRect mapToImage(const Shot& shot, const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image,
+__tagOrluRect mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image, bool isScaled,
                          const char* operation, const char* unscaled) {
-  const bool isScaled = needsScaling(shot, active, image);
   if (!isScaled) LOGD_AS(operation, "%s", unscaled);
   return mappedToImage(rect, active, image, isScaled);
 }
@@ -41,33 +32,15 @@ void logConversion(const char* operation, const char* label, _tagOrluSize active
           static_cast<double>(zoom));
 }
 
-// Leaves `region` where there is no input or no active array.
-void convertMetering(const Shot& shot, __tagOrluRect& region, const MeteringTexts& texts) {
-  const AlgoFrameInfo* const input = shot.firstInput();
-  if (input == nullptr) {
-    LOGE_AS(texts.operation, "%s failed, image size 0", texts.operation);
-    return;
-  }
-  const _tagOrluSize image = {input->width, input->height};
-  const _tagOrluSize active = readActiveSize(shot);
-  const __tagOrluRect orig = shot.readOr<MeteringRegion>(texts.tag).rect;
-  const auto zoom = shot.readOr<float>("android.control.zoomRatio");
-  if (hasZeroSide(active)) return;
-
-  region = mapToImage(shot, orig, active, image, texts.operation, texts.unscaled);
-  // Without zoom nothing is clamped, unlike faces (Oddity 27).
-  if (zoom > 1.0F) {
-    region = zoomedAboutCentre(region, image, zoom);
-    clampToImage(region, image);
-    emptyIfCrossed(region);
-  }
-  logConversion(texts.operation, texts.label, active, image, orig, region, zoom);
-}
-
 }  // namespace
 
 bool MetadataUpdater::needRemapRegion(_tagOrluSize activeSize, int width, int height) {
-  return needsScaling(mShot, activeSize, {width, height});
+  RegionScale scale;
+  scale.remosaicType = mShot.readOr<int32_t>("com.orlu.RemosaicType");
+  scale.sensorCrop = mShot.readOr<SCR_Type>("orlu.feedback.SensorCropRegions");
+  const auto fullSize = mShot.readOr<Ints<2>>("com.orlu.image_sizes");
+  scale.fullSize = {fullSize[0], fullSize[1]};
+  return needsScaling(activeSize, {width, height}, scale);
 }
 
 void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom) {
@@ -83,7 +56,8 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
   const __tagOrluRect orig = face.rects[0];
   for (int k = 0; k < face.count; ++k) {
     __tagOrluRect& rect = face.rects[k];
-    rect = mapToImage(mShot, rect, active, image, __func__, "shotFace call from app set ratio to 1.0");
+    const bool isScaled = needRemapRegion(active, width, height);
+    rect = mapToImage(rect, active, image, isScaled, __func__, "shotFace call from app set ratio to 1.0");
     face.orientations[k] = orientation;
     LOGD("shotFace.rects[%d] rect(l=%d, t=%d, r=%d, b=%d)", k, rect.left, rect.top, rect.right, rect.bottom);
     if (isZoomed) rect = zoomedAboutCentre(rect, image, zoom);
@@ -96,16 +70,38 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
   }
 }
 
+// Leaves `region` where there is no input or no active array.
+void MetadataUpdater::convertMetering(__tagOrluRect& region, const MeteringTexts& texts) {
+  const AlgoFrameInfo* const input = mShot.firstInput();
+  if (input == nullptr) {
+    LOGE_AS(texts.operation, "%s failed, image size 0", texts.operation);
+    return;
+  }
+  const _tagOrluSize image = {input->width, input->height};
+  const _tagOrluSize active = readActiveSize(mShot);
+  const __tagOrluRect orig = mShot.readOr<MeteringRegion>(texts.tag).rect;
+  const auto zoom = mShot.readOr<float>("android.control.zoomRatio");
+  if (hasZeroSide(active)) return;
+
+  const bool isScaled = needRemapRegion(active, image.width, image.height);
+  region = mapToImage(orig, active, image, isScaled, texts.operation, texts.unscaled);
+  // Without zoom nothing is clamped, unlike faces (Oddity 27).
+  if (zoom > 1.0F) {
+    region = zoomedAboutCentre(region, image, zoom);
+    clampToImage(region, image);
+    emptyIfCrossed(region);
+  }
+  logConversion(texts.operation, texts.label, active, image, orig, region, zoom);
+}
+
 void MetadataUpdater::setVAFAfRegionShot(__tagOrluRect& region) {
-  convertMetering(
-      mShot, region,
-      {__func__, "android.control.afRegions", "shotAF", "shotafRegion call from app set ratio to 1.0"});
+  convertMetering(region, {__func__, "android.control.afRegions", "shotAF",
+                           "shotafRegion call from app set ratio to 1.0"});
 }
 
 void MetadataUpdater::setVAFAeRegion(__tagOrluRect& region) {
-  convertMetering(
-      mShot, region,
-      {__func__, "android.control.aeRegions", "shotAE", "shotAERegion call from app set ratio to 1.0"});
+  convertMetering(region, {__func__, "android.control.aeRegions", "shotAE",
+                           "shotAERegion call from app set ratio to 1.0"});
 }
 
 }  // namespace orlu
