@@ -59,6 +59,7 @@ private:
   FrameList masterFrames() const { return {mMasterCaptureResults, mMasterCompositions}; }
 
   // metadata_updater_cameras.cpp
+  void updateCameraType();
   void updateFromCameraCharacteristics();
   void updateSat();
   void updateEngine();

@@ -7,6 +7,31 @@
 #include "metadata_updater_steps.h"
 
 namespace orlu {
+namespace {
+
+// What a bokeh session's cameras are called, or else what the tag says. A text that fills the field has no
+// terminating zero. `operation` is named by the line.
+template <typename Field>
+Field readBokehText(const Shot& shot, const char* operation, std::string_view (*nameOf)(int32_t),
+                    const char* tag) {
+  int32_t session = 0;
+  const int status = shot.read("com.orlu.MultiCameraBokehSelectSessionId", session);
+  LOGD_AS(operation, "multiCameraBokehSelectSessionId %d ret %d", session, status);
+  const std::string_view name = nameOf(session);
+  if (name.empty()) return shot.readOr<Field>(tag);
+  Field field;
+  std::copy_n(name.begin(), std::min(name.size(), sizeof field.data), field.data);
+  return field;
+}
+
+}  // namespace
+
+// A part of updateCommonTags.
+void MetadataUpdater::updateCameraType() {
+  const auto type = readBokehText<Bytes<16>>(mShot, "updateCommonTags", bokehCameraType,
+                                             "com.orlu.chi.override.CameraType");
+  mShot.write<Bytes<16>>(kSensor, "camera_type", type);
+}
 
 void MetadataUpdater::updateFromCameraCharacteristics() {
   mShot.keep(mCameraFacing, "android.lens.facing", kSensor, "camera_facing");
@@ -19,16 +44,8 @@ void MetadataUpdater::updateSat() {
 }
 
 void MetadataUpdater::updateEngine() {
-  int32_t session = 0;
-  const int status = mShot.read("com.orlu.MultiCameraBokehSelectSessionId", session);
-  LOGD("multiCameraBokehSelectSessionId %d ret %d", session, status);
-  Chars<65> composition;
-  const std::string_view name = bokehCameraComposition(session);
-  if (name.empty()) {
-    mShot.read("com.orlu.chi.override.CameraComposition", composition);
-  } else {
-    std::copy(name.begin(), name.end(), composition.data);
-  }
+  const auto composition = readBokehText<Chars<65>>(mShot, __func__, bokehCameraComposition,
+                                                    "com.orlu.chi.override.CameraComposition");
   mShot.write<Chars<65>>(kSensor, "camera_composition", composition);
 }
 

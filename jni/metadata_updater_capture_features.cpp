@@ -54,7 +54,7 @@ void MetadataUpdater::updateGra() {
 
 // All of the composition alone: they are the application's orders (Oddity 52).
 void MetadataUpdater::updateJpegRefocus() {
-  const Frame app = mShot.frames().first().compositionOnly();
+  const Frame app = mShot.first().compositionOnly();
   // clang-format off
   const auto command = mShot.copy<Text<64>>(app, "orlu.refocus.command",       kParameter, "refocus_command");
   const auto level   = mShot.copy<int32_t> (app, "orlu.control.refocus_level", kControl,   "refocus_level");
@@ -101,7 +101,7 @@ void MetadataUpdater::updateLightstream() {
   const int32_t isLastCall = mRequest->isStopProcess() || inputNum > 1 ? 1 : 0;
   mShot.write<int32_t>(kParameter, "lightstream_last_call_flag", isLastCall);
   mShot.write<int32_t>(kParameter, "lightstream_input_num", inputNum + isLastCall);
-  const jobject composition = mShot.frames().first().composition;
+  const jobject composition = mShot.first().composition;
   if (composition != nullptr) mParser->putInt(kLightstreamCallback, "CallbackFlag", composition);
   mShot.copy<int32_t>("orlu.control.lightStreamMode", kParameter, "lightstream_mode");
 }
@@ -120,7 +120,7 @@ void MetadataUpdater::updateBeauty() {
   mShot.copy<Ints<8>> ("orlu.control.makeup.value",       kParameter, "heavy_makeup_value");
   mShot.copy<int32_t> ("orlu.control.makeup.ismalevalue", kParameter, "is_makeup_use_male_value");
   // clang-format on
-  const Frame app = mShot.frames().first().compositionOnly();  // Oddity 52
+  const Frame app = mShot.first().compositionOnly();  // Oddity 52
   mShot.copy<Chars<80>>(app, "orlu.control.eyelightType", kParameter, "eyelight_type");
   // On unless the application says otherwise, unlike every other row (Oddity 34).
   BeautyExtraParams extra;

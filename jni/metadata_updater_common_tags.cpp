@@ -6,7 +6,6 @@
 #include <cstring>
 #include <iterator>
 
-#include "camera_role.h"
 #include "jni_support.h"
 #include "metadata_updater_steps.h"
 
@@ -33,7 +32,7 @@ void writeSensorTags(const Shot& shot, int32_t& isRawnrCapture) {
       shot.copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
   LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
   // Only the application says so (Oddity 52).
-  const Frame composition = shot.frames().first().compositionOnly();
+  const Frame composition = shot.first().compositionOnly();
   const auto fromUserApp =
       shot.copy<int32_t>(composition, "orlu.control.callFromUserApp", kControl, "call_from_user_app");
   LOGD_AS(kOperation, "call from user app %d", fromUserApp);
@@ -108,21 +107,6 @@ void writeFrameLists(const Shot& shot, const FrameList& masters) {
   shot.write<Longs<kListedFrames>>(kControl, "input_frame_timestamp", timestamps);
 }
 
-// 16 bytes, without a terminating zero when the camera's name fills them.
-void writeCameraType(const Shot& shot) {
-  int32_t session = 0;
-  const int status = shot.read("com.orlu.MultiCameraBokehSelectSessionId", session);
-  LOGD_AS(kOperation, "multiCameraBokehSelectSessionId %d ret %d", session, status);
-  Bytes<16> type;
-  const std::string_view name = bokehCameraType(session);
-  if (name.empty()) {
-    shot.read("com.orlu.chi.override.CameraType", type);
-  } else {
-    std::copy_n(name.begin(), std::min(name.size(), sizeof type.data), type.data);
-  }
-  shot.write<Bytes<16>>(kSensor, "camera_type", type);
-}
-
 // Types 3 and 4 always are, type 2 only while the camera has not compensated it.
 bool isUsable(int32_t pdafType, int32_t isCompensated) {
   return pdafType == 3 || pdafType == 4 || (pdafType == 2 && isCompensated == 0);
@@ -183,13 +167,13 @@ void MetadataUpdater::updateCommonTags() {
   writeFrameLists(mShot, masterFrames());
   const bool isBokehStep = mShot.listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0;
   mShot.write<int32_t>(kControl, "bokeh_algo_step", isBokehStep ? 1 : 0);
-  writeCameraType(mShot);
+  updateCameraType();
   writePhaseDetection(mShot);
   writeDigitalZoom(mShot);
   writeExposureControl(mShot, mShot.readOr<Aec>(kAecTag));
   mShot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
   // The camera's own, which no application may change (Oddity 52).
-  const Frame camera = mShot.frames().first().captureResultOnly();
+  const Frame camera = mShot.first().captureResultOnly();
   const auto rawHdr = mShot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
   mShot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
   const auto temperature = mShot.copy<int32_t>("orlu.capture.temperature", kParameter, "highTemperature");
@@ -235,7 +219,7 @@ void MetadataUpdater::updateFaceInfo() {
   const auto isEmpty = [](const __tagOrluRect& rect) {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
-  _tagOrluFaceInfo faces = readFaces(mShot, mShot.frames().first());
+  _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
   // The first empty rectangle ends the list, also when valid ones follow.
   const auto* const end = faces.rects + faces.count;
   const auto* const empty = std::find_if(faces.rects, faces.rects + faces.count, isEmpty);

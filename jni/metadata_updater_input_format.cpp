@@ -124,7 +124,7 @@ void writeShotGains(const Shot& shot) {
 }
 
 void writeSatCropRegions(const Shot& shot) {
-  const Ints<4> ltwh = readSatCropRegions(shot, shot.frames().first());
+  const Ints<4> ltwh = readSatCropRegions(shot, shot.first());
   shot.write<Ints<4>>(kZoom, "sat_crop_regions", ltwh);
   LOGD_AS(kOperation, "algo process: satCropRegions ltwh %d %d %d %d", ltwh[0], ltwh[1], ltwh[2], ltwh[3]);
 }

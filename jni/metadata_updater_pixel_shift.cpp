@@ -39,8 +39,7 @@ AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
 
 // The identity where the platform reported none.
 AlgorithmMatrix readColourMatrix(const Shot& shot) {
-  const auto matrix =
-      shot.readOr<PlatformMatrix>(shot.frames().first().captureResultOnly(), "orlu.feedback.ccm");
+  const auto matrix = shot.readOr<PlatformMatrix>(shot.first().captureResultOnly(), "orlu.feedback.ccm");
   if (!isEmpty(matrix)) return reordered(matrix);
   LOGD_AS(kOperation, "pixelshift ccmMatrix is empty use default value");
   return {1, 0, 0, 0, 1, 0, 0, 0, 1};
@@ -77,8 +76,8 @@ void MetadataUpdater::updatePixelShift() {
   mShot.write<AlgorithmMatrix>(kParameter, "ccm_matrix", ccm);
   const auto gamma = mShot.copy<GammaTable>("orlu.feedback.gamma", kParameter, "gamma_table");
   // The camera's own (Oddity 52).
-  const auto gtm = mShot.copy<ToneTable>(mShot.frames().first().captureResultOnly(),
-                                         "orlu.feedback.gtmPackedData", kParameter, "gtm_table");
+  const auto gtm = mShot.copy<ToneTable>(mShot.first().captureResultOnly(), "orlu.feedback.gtmPackedData",
+                                         kParameter, "gtm_table");
   logTables(ccm, crop, gamma, gtm);
   LOGD("pixelshift algonative:digitalzoomratio=%f,cameraSatRole=%d", static_cast<double>(zoom), satRole);
   mShot.keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");

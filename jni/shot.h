@@ -44,7 +44,7 @@ public:
   }
   template <typename T>
   T copy(const char* tag, const char* section, const char* key) const {
-    return copy<T>(frames().first(), tag, section, key);
+    return copy<T>(first(), tag, section, key);
   }
 
   template <typename T>

@@ -164,6 +164,7 @@ public:
   ShotTags(CameraMetadataParser& parser, const FrameList& frames) : mParser(&parser), mFrames(frames) {}
 
   const FrameList& frames() const { return mFrames; }
+  Frame first() const { return mFrames.first(); }
 
   // Reads a tag into `value`, which stays as it is where the frame lacks the tag. Returns 0, or -1 then.
   template <typename T>
@@ -172,7 +173,7 @@ public:
   }
   template <typename T>
   int read(const char* tag, T& value) const {
-    return read(mFrames.first(), tag, value);
+    return read(first(), tag, value);
   }
 
   // The tag's value, or `initial` where the frame lacks it. Arrays and records keep the part of `initial`
@@ -184,7 +185,7 @@ public:
   }
   template <typename T>
   T readOr(const char* tag, std::common_type_t<T> initial = T()) const {
-    return readOr<T>(mFrames.first(), tag, initial);
+    return readOr<T>(first(), tag, initial);
   }
 
   // While the returned object lives, reading `tag` from one frame after the other makes its Java key once.
