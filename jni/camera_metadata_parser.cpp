@@ -6,9 +6,6 @@
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-CameraMetadataParser";
-constexpr char kShortLogTag[] = "VASJNI-CameraMetadataParser";
-
 // Local references that the cache holds until the native method returns: its classes, with some to spare for
 // what is looked up through them.
 constexpr jint kLocalReferences = 96;
@@ -39,14 +36,15 @@ struct CameraMetadataParser::Table {
       CLASS("android/hardware/camera2/CameraCharacteristics$Key", mClazzCharacteristicsKey),
       METHOD("<init>", "(Ljava/lang/String;Ljava/lang/Class;)V", mCharacteristicsConstructorKey),
       CLASS("android/hardware/camera2/CameraCharacteristics", mClazzCameraCharacteristics),
-      METHOD("get", "(Landroid/hardware/camera2/CameraCharacteristics$Key;)Ljava/lang/Object;", mMethodCharacteristicsGet),
+      METHOD("get", "(Landroid/hardware/camera2/CameraCharacteristics$Key;)Ljava/lang/Object;",
+             mMethodCharacteristicsGet),
       CLASS("java/lang/Integer", mClazzInt),
       METHOD("intValue", "()I", mMethodIntValue),
       METHOD("<init>", "(I)V", mConstructorInt),
       CLASS("java/lang/Float", mClazzFloat),
       METHOD("floatValue", "()F", mMethodFloatValue),
       METHOD("<init>", "(F)V", mConstructorFloat),
-      // The presence test of Double deliberately looks at the Float class, and the Double rows end the walk.
+      // Oddity 7: Double is examined through the Float class, and its rows end the walk.
       CLASS("java/lang/Double", mClazzDouble).examining(&P::mClazzFloat).with(Row::kStop),
       METHOD("doubleValue", "()D", mMethodDoubleValue).with(Row::kStop),
       METHOD("<init>", "(D)V", mConstructorDouble).with(Row::kStop),
@@ -55,7 +53,7 @@ struct CameraMetadataParser::Table {
       METHOD("<init>", "(J)V", mConstructorLong),
       CLASS("[I", mClazzPrimitiveIntArray),
       CLASS("[Ljava/lang/Integer;", mClazzIntArray),
-      // Reported with the name of "[I", deliberately.
+      // Oddity 8.
       CLASS("[J", mClazzPrimitiveLongArray).reportedAs("mClazzPrimitiveIntArray"),
       CLASS("[Ljava/lang/Long;", mClazzLongArray),
       CLASS("[F", mClazzPrimitiveFloatArray),
@@ -76,8 +74,9 @@ struct CameraMetadataParser::Table {
       FIELD("bottom", "I", mRectFieldBottom),
       CLASS("android/hardware/camera2/params/MeteringRectangle", mClazzMeteringRectangle),
       METHOD("getRect", "()Landroid/graphics/Rect;", mMethodGetRect),
-      // Looked up without its class too, and reported as the row above, deliberately.
-      METHOD("getMeteringWeight", "()I", mMethodGetMeteringWeight).with(Row::kAnyClass | Row::kBareTag).reportedAs("mMethodGetRect"),
+      // Oddity 9.
+      METHOD("getMeteringWeight", "()I", mMethodGetMeteringWeight)
+          .with(Row::kAnyClass | Row::kBareTag).reportedAs("mMethodGetRect"),
       CLASS("[Landroid/hardware/camera2/params/MeteringRectangle;", mClazzMeteringRectangleArray),
       CLASS("android/location/Location", mClazzLocation),
       METHOD("getLatitude", "()D", mMethodGetLatitude),
@@ -88,10 +87,16 @@ struct CameraMetadataParser::Table {
       CLASS("android/util/Rational", mClazzRational),
       METHOD("getNumerator", "()I", mMethodGetNumerator),
       METHOD("getDenominator", "()I", mMethodGetDenominator),
-      // The methods are looked up even when their class is missing, deliberately.
-      CLASS("com/orlu/orlu3rdalgoservice/CaptureResultComposition", mClazzCaptureResultComposition).with(Row::kComposition),
-      METHOD("getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;", mMethodGetMetadata).with(Row::kComposition | Row::kAnyClass),
-      METHOD("putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V", mMethodPutMetadata).with(Row::kComposition | Row::kAnyClass),
+  };
+  // Oddity 9 again: the methods do without their class.
+  static constexpr Row kCompositionRows[] = {
+      CLASS("com/orlu/orlu3rdalgoservice/CaptureResultComposition", mClazzCaptureResultComposition),
+      METHOD("getMetadata", "(Ljava/lang/String;)Ljava/lang/Object;", mMethodGetMetadata)
+          .with(Row::kAnyClass),
+      METHOD("putMetadata", "(Ljava/lang/String;Ljava/lang/Object;)V", mMethodPutMetadata)
+          .with(Row::kAnyClass),
+  };
+  static constexpr Row kHashMapRows[] = {
       CLASS("java/util/HashMap", mClazzHashMap).with(Row::kStop),
       METHOD("<init>", "()V", mConstructorHashMap),
       METHOD("put", "(Ljava/lang/Object;Ljava/lang/Object;)Ljava/lang/Object;", mMethodHashMapPut),
@@ -111,20 +116,11 @@ int CameraMetadataParser::initFromEnv(JNIEnv* env, bool withoutComposition) {
     return -1;
   }
   reserveLocalReferences(mEnv, kLocalReferences);
-
-  int result = 0;
-  JniMemberWalk<CameraMetadataParser> walk(mEnv, *this, Table::kRows,
-                                           withoutComposition ? Table::Row::kComposition : Table::Row::kNone);
-  while (const Table::Row* row = walk.nextMissing()) {
-    result = -1;
-    if (row->has(Table::Row::kBareTag)) {
-      LOGE_BARE(kShortLogTag, "%s is null", row->label);
-    } else {
-      LOGE("%s is null", row->label);
-    }
-    if (row->has(Table::Row::kStop)) break;
-  }
-  return result;
+  JniMemberWalk<CameraMetadataParser> walk(mEnv, *this, LOG_PLACE, kShortLogTag);
+  walk.resolve(Table::kRows);
+  if (!withoutComposition) walk.resolve(Table::kCompositionRows);
+  walk.resolve(Table::kHashMapRows);
+  return walk.result();
 }
 
 }  // namespace orlu

@@ -10,6 +10,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "jni_support.h"
@@ -27,9 +29,23 @@ class CameraMetadataParser {
     jclass valueClass = nullptr;  // of `typed`
   };
 
+  // Objects that should be of one class, in the order of the frames. Each is checked when it is first used.
+  class FrameObjects {
+  public:
+    void reset(const std::vector<jobject>& objects);
+    // For any object; one of the list that has passed is not checked again.
+    bool isInstance(JNIEnv* env, jobject object, jclass clazz);
+
+  private:
+    const std::vector<jobject>* mObjects = nullptr;
+    std::vector<jobject> mPassed;  // at the same indices; null for those that were not checked, or failed
+    size_t mLast = 0;              // frames are mostly read one after the other
+  };
+
 public:
-  // Keeps the Java objects of a tag for its life, where the tag is read from one frame after the other. Of
-  // several the last one made ends first.
+  // RAII cache: while it lives, reads of `tag` reuse one set of Java key objects. The tag is recognised by
+  // its address, so the reads name the same constant. If several are alive, destroy in reverse order of
+  // creation.
   class RepeatedTag {
   public:
     // `tag` must live as long.
@@ -42,26 +58,26 @@ public:
     friend class CameraMetadataParser;
 
     CameraMetadataParser& mParser;
-    const char* mTag;
+    std::string_view mTag;
     RepeatedTag* mOuter;
     KeyObjects mObjects;
   };
 
-  // An empty parser; initFromEnv() makes it of use.
+  // Call initFromEnv() before any other operation.
   CameraMetadataParser() = default;
-  // A parser initialised for a request, with the composition class.
+  // The same as initFromEnv(env, false), for callers that do not ask for its result.
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
-  // Resolves every class and member that the operations use, for the calling thread. Each missing one is
-  // logged. `withoutComposition` leaves the composition class out: callback threads may not be able to see
-  // it. Answers 0 when all was found, else -1; what was found is of use all the same.
+  // Resolves every class and member that the operations use, for the calling thread, and logs each missing
+  // one. `withoutComposition` leaves the composition class out: callback threads may not be able to see it.
+  // Returns 0 when all was found, else -1; the operations that need nothing of what is missing still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
-  // Checks the class of these two once, for all lookups from them until the next initialisation; either may
-  // be null. They must live as long.
-  void knowFrame(jobject captureResult, jobject composition);
+  // Declares the objects of a request's frames, so that the class of each is checked once instead of in every
+  // lookup. Borrows both lists and their objects until the next initialisation.
+  void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
-  // Lookups. `key` is whole characters of UTF-8, as for the getters and putters. The answer is a new local
+  // Lookups. `key` is whole characters of UTF-8, as for the getters and putters. They return a new local
   // reference, or null: for an absent value, for a value that could not be asked for, and when
   // `captureResult`, `parameter` or `characteristics` is null or of another class.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
@@ -72,12 +88,12 @@ public:
   jobject getMetadataObjectFromCharacteristics(jobject characteristics, const char* key, jclass valueClass);
 
   // Getters from a capture result that `parameter`, its composition, overrides; either may be null. They
-  // answer 0, or -1 and a logged line when the value is missing or of the wrong type. Capacities and sizes
+  // return 0, or -1 with a logged line when the value is missing or of the wrong type. Capacities and sizes
   // count elements and bytes; elements behind those that were read keep their values.
   int getInt(int32_t& value, const char* key, jobject captureResult, jobject parameter);
   int getFloat(float& value, const char* key, jobject captureResult, jobject parameter);
   int getLong(int64_t& value, const char* key, jobject captureResult, jobject parameter);
-  // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero.
+  // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero (oddity 13).
   int getString(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getArrayBytes(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);
@@ -87,7 +103,7 @@ public:
   // Appends every string, without a limit.
   int getStringArray(std::vector<std::string>& values, const char* key, jobject captureResult,
                      jobject parameter);
-  // The count becomes the array's length even when fewer faces fit, on purpose.
+  // The count becomes the array's length, even when fewer faces fit (oddity 11).
   int getFaceInfo(_tagOrluFaceInfo& faces, int capacity, const char* key, jobject captureResult,
                   jobject parameter);
   // Faces as four ints each; an incomplete last one is not counted.
@@ -95,7 +111,7 @@ public:
                       jobject parameter);
   int getRectInfo(__tagOrluRect& rect, const char* key, jobject captureResult, jobject parameter);
   int getRectInfo_ex(SCR_Type& crop, const char* key, jobject captureResult, jobject parameter);
-  // The first rectangle of the array; an empty array answers -1 without a line.
+  // The first rectangle of the array. Returns -1 without a line for an empty array.
   int getMeteringRectangle(__tagOrluRect& rect, int32_t& weight, const char* key, jobject captureResult,
                            jobject parameter);
   int getGpsLocation(GpsLocation& location, const char* key, jobject captureResult, jobject parameter);
@@ -119,10 +135,10 @@ public:
   int getCharacteristicsRectInfo(__tagOrluRect& rect, const char* key, jobject characteristics);
   int getCharacteristicsRectInfo_ex(SCR_Type& crop, const char* key, jobject characteristics);
 
-  // A whole capture result, serialised as its parcel is; empty when it can't be.
+  // A whole capture result, as the bytes that its parcel has; empty, with a logged line, when a step fails.
   std::vector<uint8_t> getMetadata(jobject captureResult);
 
-  // Putters into a composition: box the value and store it under the key. They answer 0, or -1 and a logged
+  // Putters into a composition: box the value and store it under the key. They return 0, or -1 with a logged
   // line. Arrays are copied whole; `count` has no limit.
   int putInt(const int32_t& value, const char* key, jobject composition);
   int putFloat(const float& value, const char* key, jobject composition);
@@ -131,11 +147,13 @@ public:
   int putLongArray(const int64_t* values, int count, const char* key, jobject composition);
   int putFloatArray(const float* values, int count, const char* key, jobject composition);
   int putDoubleArray(const double* values, int count, const char* key, jobject composition);
+  // The store that they share: 0, or -1 without a line.
   int putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key, jobject value);
 
   // A new, empty HashMap as a local reference, or null and a logged line.
   jobject createHashMap();
-  // Putters into such a map; answers as above.
+  // Putters into such a map; they return the same.
+  // The store that they share: 0, or -1 without a line.
   int putObjectIntoHashMap(jobject map, const char* key, jobject value);
   int putIntIntoHashMap(const int32_t& value, const char* key, jobject map);
   int putFloatIntoHashMap(const float& value, const char* key, jobject map);
@@ -143,38 +161,64 @@ public:
   int putIntArrayIntoHashMap(const int32_t* values, int count, const char* key, jobject map);
 
 private:
-  using Store = int (CameraMetadataParser::*)(jobject container, const char* key, jobject value);
+  static constexpr char kLogTag[] = "_V_VASJNI-CameraMetadataParser";
+  static constexpr char kShortLogTag[] = "VASJNI-CameraMetadataParser";
 
-  // camera_metadata_parser_getters.cpp
+  struct Table;  // the rows of the cache
+  template <typename T>
+  struct Boxed;  // how a boxed value of T is made and read
+  friend struct Table;
+
+  // camera_metadata_parser_lookups.cpp
+  // A class that is asked with the platform's typed keys.
+  struct TypedSource {
+    jclass clazz;
+    jclass keyClass;
+    jmethodID keyConstructor;
+    jmethodID get;
+  };
   bool isComposition(jobject parameter);
-  KeyObjects& keyObjects(const char* key, KeyObjects& fresh);
+  KeyObjects& keyObjects(std::string_view key, KeyObjects& fresh);
   jstring newName(const char* key);
   jobject askComposition(jobject parameter, jstring name, const char* key);
-  jobject askTyped(jobject source, jclass sourceClass, jclass keyClass, jmethodID keyConstructor,
-                   jmethodID get, KeyObjects& objects, const char* key, jclass valueClass);
-  jobject cleared(jobject value, const char* key);
-  // Each takes over the looked-up value, which may be null.
-  int unpack(int32_t& out, const char* key, jobject value);
-  int unpack(float& out, const char* key, jobject value);
-  int unpack(int64_t& out, const char* key, jobject value);
-  int unpack(__tagOrluRect& out, const char* key, jobject value);
-  int unpack(SCR_Type& out, const char* key, jobject value);
-  int unpack(GpsLocation& out, const char* key, jobject value);
-  int unpack(Rational& out, const char* key, jobject value);
-  int unpackString(char* buffer, int size, const char* key, jobject value);
-  int unpackBytes(char* buffer, int size, const char* key, jobject value);
-  int unpackStrings(std::vector<std::string>& out, const char* key, jobject value);
-  int unpackFaces(_tagOrluFaceInfo& out, int capacity, const char* key, jobject value);
-  int unpackIntFaces(_tagOrluFaceInfo& out, int capacity, const char* key, jobject value);
-  int unpackMetering(__tagOrluRect& rect, int32_t* weight, const char* key, jobject value);
+  jobject askTyped(const TypedSource& source, jobject object, KeyObjects& objects, const char* key,
+                   jclass valueClass, const char* operation);
+  jobject unlessThrown(jobject value, const char* key, const char* operation);
+  jobject callObject(jobject object, jmethodID method);
+  jobject parcelOf(jobject cameraMetadata);
+
+  // camera_metadata_parser_getters.cpp
+  enum Unpacked { kRead, kWrongType, kEmpty };
+  // Where a value goes that is more than one object of C++.
+  struct TextOut;
+  struct BytesOut;
   template <typename T>
-  int unpackScalar(T& out, const char* key, jobject value);
+  struct ArrayOut;
   template <typename T>
-  int unpackArray(T* out, int capacity, const char* key, jobject value);
+  struct BoxedArrayOut;
+  struct FacesOut;
+  struct IntFacesOut;
+  struct MeteringOut;
+  template <typename Out>
+  int read(const char* getter, const char* key, jobject value, Out&& out);
+  template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
+  Unpacked unpack(Number& out, jobject value);
+  Unpacked unpack(__tagOrluRect& out, jobject value);
+  Unpacked unpack(SCR_Type& out, jobject value);
+  Unpacked unpack(GpsLocation& out, jobject value);
+  Unpacked unpack(Rational& out, jobject value);
+  Unpacked unpack(std::vector<std::string>& out, jobject value);
+  Unpacked unpack(const TextOut& out, jobject value);
+  Unpacked unpack(const BytesOut& out, jobject value);
   template <typename T>
-  int unpackBoxedArray(T* out, int capacity, const char* key, jobject value);
-  int missing(const char* key);
-  int wrongType(const char* key);
+  Unpacked unpack(const ArrayOut<T>& out, jobject value);
+  template <typename T>
+  Unpacked unpack(const BoxedArrayOut<T>& out, jobject value);
+  Unpacked unpack(const FacesOut& out, jobject value);
+  Unpacked unpack(const IntFacesOut& out, jobject value);
+  Unpacked unpack(const MeteringOut& out, jobject value);
+  template <typename Number>
+  Number callNumber(Number (JNIEnv::*call)(jobject, jmethodID, ...), jobject object, jmethodID method);
   template <typename T>
   bool unbox(T& out, jobject boxed);
   template <typename T>
@@ -182,27 +226,18 @@ private:
   template <typename T>
   void copyBoxed(T* out, int capacity, jobject array);
   bool readRect(__tagOrluRect& out, jobject rect);
-  void copyBytes(char* buffer, int size, jbyteArray array);
-  bool appendString(std::vector<std::string>& out, jobject string);
-  jobject callObject(jobject object, jmethodID method);
-  std::vector<uint8_t> marshal(jobject cameraMetadata);
 
   // camera_metadata_parser_putters.cpp
+  using Store = int (CameraMetadataParser::*)(jobject container, const char* key, jobject value);
   template <typename T>
-  int putBoxed(T value, jmethodID constructor, const char* key, jobject container, Store into);
+  int putBoxed(const char* putter, T value, const char* key, jobject container, Store into);
   template <typename T>
-  int putArray(const T* values, int count, jclass required, const char* key, jobject container, Store into);
-  int stored(int result, const char* key);
-  int invalidPut(const char* key);
-
-  struct Table;  // the rows of the cache
-  template <typename T>
-  struct Boxed;  // how a boxed value of T is made and read
-  friend struct Table;
+  int putArray(const char* putter, const T* values, int count, jclass required, const char* key,
+               jobject container, Store into);
 
   JNIEnv* mEnv = nullptr;
-  jobject mKnownCaptureResult = nullptr;  // borrowed, and of its class
-  jobject mKnownComposition = nullptr;
+  FrameObjects mCaptureResults;
+  FrameObjects mCompositions;
   RepeatedTag* mRepeatedTag = nullptr;  // the last one made
 
   jclass mClazzKey = nullptr;

@@ -1,5 +1,8 @@
+// The getters: a lookup and an unpacking each.
+
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "camera_metadata_parser.h"
 #include "camera_metadata_parser_boxing.h"
@@ -7,364 +10,76 @@
 #include "log.h"
 
 namespace orlu {
-namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-CameraMetadataParser";
+// ---- Where values go
 
-// How many of `length` elements go into `capacity` slots; none when either is below 1.
-int copyCount(int length, int capacity) {
-  return std::max(0, std::min(length, capacity));
-}
-
-}  // namespace
-
-// ---- Lookups
-
-void CameraMetadataParser::knowFrame(jobject captureResult, jobject composition) {
-  if (mEnv == nullptr) return;
-  mKnownCaptureResult = isInstance(mEnv, captureResult, mClazzCaptureResult) ? captureResult : nullptr;
-  mKnownComposition = isInstance(mEnv, composition, mClazzCaptureResultComposition) ? composition : nullptr;
-}
-
-CameraMetadataParser::RepeatedTag::RepeatedTag(CameraMetadataParser& parser, const char* tag)
-    : mParser(parser), mTag(tag), mOuter(parser.mRepeatedTag), mObjects(parser.mEnv) {
-  parser.mRepeatedTag = this;
-}
-
-// Those that are kept for the key, else `fresh`.
-CameraMetadataParser::KeyObjects& CameraMetadataParser::keyObjects(const char* key, KeyObjects& fresh) {
-  for (RepeatedTag* tag = mRepeatedTag; tag != nullptr; tag = tag->mOuter) {
-    if (std::strcmp(tag->mTag, key) == 0) return tag->mObjects;
+// A string's bytes, and those of a byte array. The buffer is zeroed, whatever is found.
+struct CameraMetadataParser::BytesOut {
+  BytesOut(char* buffer, int capacity) : data(buffer), size(capacity) {
+    std::fill_n(data, std::max(0, size), '\0');
   }
-  return fresh;
-}
 
-bool CameraMetadataParser::isComposition(jobject parameter) {
-  if (parameter == nullptr) return false;
-  return parameter == mKnownComposition || isInstance(mEnv, parameter, mClazzCaptureResultComposition);
-}
+  char* data;
+  int size;
+};
+struct CameraMetadataParser::TextOut : BytesOut {
+  using BytesOut::BytesOut;
+};
 
-jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, const char* key,
-                                                                 jclass valueClass) {
-  return getMetadataObjectFromCaptureResult(captureResult, nullptr, key, valueClass);
-}
+// A primitive or a boxed array, and one that must be boxed.
+template <typename T>
+struct CameraMetadataParser::ArrayOut {
+  T* values;
+  int capacity;
+};
+template <typename T>
+struct CameraMetadataParser::BoxedArrayOut {
+  T* values;
+  int capacity;
+};
 
-jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key,
-                                                                          jclass /*valueClass*/) {
-  if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, newName(key));
-  return askComposition(parameter, name.get(), key);
-}
+// At most `capacity` faces of an array of faces, and of one that has four ints for each.
+struct CameraMetadataParser::FacesOut {
+  _tagOrluFaceInfo& faces;
+  int capacity;
+};
+struct CameraMetadataParser::IntFacesOut {
+  _tagOrluFaceInfo& faces;
+  int capacity;
+};
 
-jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, jobject parameter,
-                                                                 const char* key, jclass valueClass) {
-  if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
-  KeyObjects fresh(mEnv);
-  KeyObjects& objects = keyObjects(key, fresh);
-  if (!objects.name) objects.name.reset(newName(key));
-  if (mMethodGetMetadata != nullptr && isComposition(parameter)) {
-    jobject value = askComposition(parameter, objects.name.get(), key);
-    if (value != nullptr) return value;
-  }
-  return askTyped(captureResult, mClazzCaptureResult, mClazzKey, mConstructorKey, mMethodGet, objects, key,
-                  valueClass);
-}
-
-jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject characteristics, const char* key,
-                                                                   jclass valueClass) {
-  if (mEnv == nullptr || characteristics == nullptr) return nullptr;
-  KeyObjects objects(mEnv);
-  objects.name.reset(newName(key));
-  return askTyped(characteristics, mClazzCameraCharacteristics, mClazzCharacteristicsKey,
-                  mCharacteristicsConstructorKey, mMethodCharacteristicsGet, objects, key, valueClass);
-}
-
-// A key's Java string; null when the VM has no memory for it.
-jstring CameraMetadataParser::newName(const char* key) {
-  jstring name = mEnv->NewStringUTF(key);
-  if (name == nullptr) clearException(mEnv);
-  return name;
-}
-
-jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, const char* key) {
-  if (name == nullptr) return nullptr;
-  return cleared(mEnv->CallObjectMethod(parameter, mMethodGetMetadata, name), key);
-}
-
-// Asks a capture result or characteristics with the platform's typed key.
-jobject CameraMetadataParser::askTyped(jobject source, jclass sourceClass, jclass keyClass,
-                                       jmethodID keyConstructor, jmethodID get, KeyObjects& objects,
-                                       const char* key, jclass valueClass) {
-  if (keyClass == nullptr || keyConstructor == nullptr || get == nullptr || valueClass == nullptr ||
-      source == nullptr) {
-    return nullptr;
-  }
-  const bool isKnown = source == mKnownCaptureResult && sourceClass == mClazzCaptureResult;
-  if (!isKnown && !isInstance(mEnv, source, sourceClass)) return nullptr;
-  if (!objects.name) return nullptr;
-  if (!objects.typed || objects.valueClass != valueClass) {
-    objects.typed.reset(mEnv->NewObject(keyClass, keyConstructor, objects.name.get(), valueClass));
-    objects.valueClass = valueClass;
-  }
-  if (!objects.typed) return cleared(nullptr, key);
-  return cleared(mEnv->CallObjectMethod(source, get, objects.typed.get()), key);
-}
-
-// The value, unless Java threw instead of answering it.
-jobject CameraMetadataParser::cleared(jobject value, const char* key) {
-  if (!clearException(mEnv)) return value;
-  LOGE("get %s is null", key);
-  return nullptr;
-}
-
-// ---- Getters: one source and one unpacking each
-
-int CameraMetadataParser::getInt(int32_t& value, const char* key, jobject captureResult, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzInt));
-}
-
-int CameraMetadataParser::getFloat(float& value, const char* key, jobject captureResult, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzFloat));
-}
-
-int CameraMetadataParser::getLong(int64_t& value, const char* key, jobject captureResult, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzLong));
-}
-
-int CameraMetadataParser::getString(char* buffer, int size, const char* key, jobject captureResult,
-                                    jobject parameter) {
-  return unpackString(buffer, size, key,
-                      getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzString));
-}
-
-int CameraMetadataParser::getArrayBytes(char* buffer, int size, const char* key, jobject captureResult,
-                                        jobject parameter) {
-  return unpackBytes(buffer, size, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzByteArray));
-}
-
-int CameraMetadataParser::getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult,
-                                      jobject parameter) {
-  return unpackArray(values, capacity, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzIntArray));
-}
-
-int CameraMetadataParser::getFloatArray(float* values, int capacity, const char* key, jobject captureResult,
-                                        jobject parameter) {
-  return unpackArray(values, capacity, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzFloatArray));
-}
-
-int CameraMetadataParser::getDoubleArray(double* values, int capacity, const char* key, jobject captureResult,
-                                         jobject parameter) {
-  return unpackArray(values, capacity, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzDoubleArray));
-}
-
-int CameraMetadataParser::getLongArray(int64_t* values, int capacity, const char* key, jobject captureResult,
-                                       jobject parameter) {
-  return unpackArray(values, capacity, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzLongArray));
-}
-
-int CameraMetadataParser::getStringArray(std::vector<std::string>& values, const char* key,
-                                         jobject captureResult, jobject parameter) {
-  return unpackStrings(values, key,
-                       getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzStringArray));
-}
-
-int CameraMetadataParser::getFaceInfo(_tagOrluFaceInfo& faces, int capacity, const char* key,
-                                      jobject captureResult, jobject parameter) {
-  return unpackFaces(faces, capacity, key,
-                     getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzFaceArray));
-}
-
-int CameraMetadataParser::getIntFaceArray(_tagOrluFaceInfo& faces, int capacity, const char* key,
-                                          jobject captureResult, jobject parameter) {
-  return unpackIntFaces(faces, capacity, key,
-                        getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzIntArray));
-}
-
-int CameraMetadataParser::getRectInfo(__tagOrluRect& rect, const char* key, jobject captureResult,
-                                      jobject parameter) {
-  return unpack(rect, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzRect));
-}
-
-int CameraMetadataParser::getRectInfo_ex(SCR_Type& crop, const char* key, jobject captureResult,
-                                         jobject parameter) {
-  return unpack(crop, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzRect));
-}
-
-int CameraMetadataParser::getMeteringRectangle(__tagOrluRect& rect, int32_t& weight, const char* key,
-                                               jobject captureResult, jobject parameter) {
-  return unpackMetering(
-      rect, &weight, key,
-      getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzMeteringRectangleArray));
-}
-
-int CameraMetadataParser::getGpsLocation(GpsLocation& location, const char* key, jobject captureResult,
-                                         jobject parameter) {
-  return unpack(location, key,
-                getMetadataObjectFromCaptureResult(captureResult, parameter, key, mClazzLocation));
-}
-
-int CameraMetadataParser::getIntOrlu(int32_t& value, const char* key, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzInt));
-}
-
-int CameraMetadataParser::getLongOrlu(int64_t& value, const char* key, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzLong));
-}
-
-int CameraMetadataParser::getFloatOrlu(float& value, const char* key, jobject parameter) {
-  return unpack(value, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzFloat));
-}
-
-int CameraMetadataParser::getStringOrlu(char* buffer, int size, const char* key, jobject parameter) {
-  return unpackString(buffer, size, key,
-                      getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzString));
-}
-
-int CameraMetadataParser::getFaceInfoOrlu(_tagOrluFaceInfo& faces, int capacity, const char* key,
-                                          jobject parameter) {
-  return unpackFaces(faces, capacity, key,
-                     getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzFaceArray));
-}
-
-int CameraMetadataParser::getRectInfoOrlu(__tagOrluRect& rect, const char* key, jobject parameter) {
-  return unpack(rect, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzRect));
-}
-
-int CameraMetadataParser::getMeteringRectangleOrlu(__tagOrluRect& rect, const char* key, jobject parameter) {
-  return unpackMetering(
-      rect, nullptr, key,
-      getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzMeteringRectangleArray));
-}
-
-int CameraMetadataParser::getIntArrayOrlu(int32_t* values, int capacity, const char* key, jobject parameter) {
-  return unpackBoxedArray(values, capacity, key,
-                          getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzIntArray));
-}
-
-int CameraMetadataParser::getFloatArrayOrlu(float* values, int capacity, const char* key, jobject parameter) {
-  return unpackBoxedArray(values, capacity, key,
-                          getMetadataObjectFromOrluAlgorithmParameter(parameter, key, mClazzFloatArray));
-}
-
-int CameraMetadataParser::getCharacteristicsInt(int32_t& value, const char* key, jobject characteristics) {
-  return unpack(value, key, getMetadataObjectFromCharacteristics(characteristics, key, mClazzInt));
-}
-
-int CameraMetadataParser::getCharacteristicsIntArray(int32_t* values, int capacity, const char* key,
-                                                     jobject characteristics) {
-  return unpackBoxedArray(values, capacity, key,
-                          getMetadataObjectFromCharacteristics(characteristics, key, mClazzIntArray));
-}
-
-int CameraMetadataParser::getCharacteristicsRational(Rational& value, const char* key,
-                                                     jobject characteristics) {
-  return unpack(value, key, getMetadataObjectFromCharacteristics(characteristics, key, mClazzRational));
-}
-
-int CameraMetadataParser::getCharacteristicsRectInfo(__tagOrluRect& rect, const char* key,
-                                                     jobject characteristics) {
-  return unpack(rect, key, getMetadataObjectFromCharacteristics(characteristics, key, mClazzRect));
-}
-
-int CameraMetadataParser::getCharacteristicsRectInfo_ex(SCR_Type& crop, const char* key,
-                                                        jobject characteristics) {
-  return unpack(crop, key, getMetadataObjectFromCharacteristics(characteristics, key, mClazzRect));
-}
+// The weight may be null.
+struct CameraMetadataParser::MeteringOut {
+  __tagOrluRect& rect;
+  int32_t* weight;
+};
 
 // ---- Unpacking
 
-int CameraMetadataParser::missing(const char* key) {
-  LOGE("get %s is null", key);
-  return -1;
-}
-
-int CameraMetadataParser::wrongType(const char* key) {
-  LOGE("wrong object type %s", key);
-  return -1;
-}
-
-int CameraMetadataParser::unpack(int32_t& out, const char* key, jobject value) {
-  return unpackScalar(out, key, value);
-}
-
-int CameraMetadataParser::unpack(float& out, const char* key, jobject value) {
-  return unpackScalar(out, key, value);
-}
-
-int CameraMetadataParser::unpack(int64_t& out, const char* key, jobject value) {
-  return unpackScalar(out, key, value);
-}
-
-int CameraMetadataParser::unpack(__tagOrluRect& out, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  return readRect(out, value) ? 0 : wrongType(key);
-}
-
-int CameraMetadataParser::unpack(SCR_Type& out, const char* key, jobject value) {
-  __tagOrluRect rect;
-  const int status = unpack(rect, key, value);
-  if (status != 0) return status;
-  // The rectangle class has no fifth field on any platform so far, so the flag stays false.
-  std::memset(&out, 0, sizeof out);
-  out.left = rect.left;
-  out.right = rect.right;
-  out.top = rect.top;
-  out.bottom = rect.bottom;
-  return 0;
-}
-
-int CameraMetadataParser::unpack(GpsLocation& out, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (mMethodGetLatitude == nullptr || mMethodGetLongitude == nullptr || mMethodGetAltitude == nullptr ||
-      mMethodGetTimestamp == nullptr || mMethodHasAltitude == nullptr ||
-      !isInstance(mEnv, value, mClazzLocation)) {
-    return wrongType(key);
+// Unpacks what was looked up and frees it. Returns 0, or -1 with a line that names the getter.
+template <typename Out>
+int CameraMetadataParser::read(const char* getter, const char* key, jobject value, Out&& out) {
+  const ScopedLocalRef<> owned(mEnv, value);
+  if (!owned) {
+    LOGE_AS(getter, "get %s is null", key);
+    return -1;
   }
-  out.latitude = mEnv->CallDoubleMethod(value, mMethodGetLatitude);
-  clearException(mEnv);
-  out.longitude = mEnv->CallDoubleMethod(value, mMethodGetLongitude);
-  clearException(mEnv);
-  out.altitude = mEnv->CallDoubleMethod(value, mMethodGetAltitude);
-  clearException(mEnv);
-  out.timestamp = mEnv->CallLongMethod(value, mMethodGetTimestamp);
-  clearException(mEnv);
-  out.hasAltitude = mEnv->CallBooleanMethod(value, mMethodHasAltitude) != JNI_FALSE ? 1 : 0;
-  clearException(mEnv);
-  return 0;
+  const Unpacked unpacked = unpack(out, value);
+  if (unpacked == kWrongType) LOGE_AS(getter, "wrong object type %s", key);
+  return unpacked == kRead ? 0 : -1;
 }
 
-int CameraMetadataParser::unpack(Rational& out, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (mMethodGetNumerator == nullptr || mMethodGetDenominator == nullptr ||
-      !isInstance(mEnv, value, mClazzRational)) {
-    return wrongType(key);
-  }
-  out.numerator = mEnv->CallIntMethod(value, mMethodGetNumerator);
-  clearException(mEnv);
-  out.denominator = mEnv->CallIntMethod(value, mMethodGetDenominator);
-  clearException(mEnv);
-  return 0;
+template <typename Number, typename>
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(Number& out, jobject value) {
+  return isInstance(mEnv, value, this->*Boxed<Number>::kClass) && unbox(out, value) ? kRead : kWrongType;
 }
 
-template <typename T>
-int CameraMetadataParser::unpackScalar(T& out, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  return unbox(out, value) ? 0 : wrongType(key);
-}
-
+// Reads an object of T's boxing class, or null. False when there is nothing to read. The VM's own checker
+// (-Xcheck:jni) wants each call of a method followed by a look for an exception, also where none can come.
 template <typename T>
 bool CameraMetadataParser::unbox(T& out, jobject boxed) {
   using Box = Boxed<T>;
-  if (this->*Box::kValueMethod == nullptr || !isInstance(mEnv, boxed, this->*Box::kClass)) return false;
+  if (boxed == nullptr || this->*Box::kValueMethod == nullptr) return false;
   const auto value = (mEnv->*Box::kCall)(boxed, this->*Box::kValueMethod);
   if (clearException(mEnv)) return false;
   out = static_cast<T>(value);
@@ -372,54 +87,46 @@ bool CameraMetadataParser::unbox(T& out, jobject boxed) {
 }
 
 template <typename T>
-int CameraMetadataParser::unpackArray(T* out, int capacity, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (isInstance(mEnv, value, this->*Boxed<T>::kPrimitiveArrayClass)) {
-    copyPrimitives(out, capacity, value);
-  } else if (isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) {
-    copyBoxed(out, capacity, value);
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const ArrayOut<T>& out, jobject value) {
+  // Capture results have boxed arrays; a composition may have either.
+  if (isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) {
+    copyBoxed(out.values, out.capacity, value);
+  } else if (isInstance(mEnv, value, this->*Boxed<T>::kPrimitiveArrayClass)) {
+    copyPrimitives(out.values, out.capacity, value);
   } else {
-    return wrongType(key);
+    return kWrongType;
   }
-  return 0;
+  return kRead;
 }
 
 template <typename T>
-int CameraMetadataParser::unpackBoxedArray(T* out, int capacity, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) return wrongType(key);
-  copyBoxed(out, capacity, value);
-  return 0;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const BoxedArrayOut<T>& out, jobject value) {
+  if (!isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) return kWrongType;
+  copyBoxed(out.values, out.capacity, value);
+  return kRead;
 }
 
 template <typename T>
 void CameraMetadataParser::copyPrimitives(T* out, int capacity, jobject array) {
-  using Box = Boxed<T>;
-  const auto typed = static_cast<typename Box::PrimitiveArray>(array);
-  auto* elements = (mEnv->*Box::kGetElements)(typed, nullptr);
-  if (elements == nullptr) {
-    clearException(mEnv);
-    return;
-  }
-  std::copy_n(elements, copyCount(mEnv->GetArrayLength(typed), capacity), out);
-  (mEnv->*Box::kReleaseElements)(typed, elements, 0);
+  using Element = typename Boxed<T>::Element;
+  ScopedElements<Element>(mEnv, static_cast<typename JniArray<Element>::Type>(array)).copyTo(out, capacity);
 }
 
+// The array's class says that its elements are boxed values of T, or null.
 template <typename T>
 void CameraMetadataParser::copyBoxed(T* out, int capacity, jobject array) {
   const auto typed = static_cast<jobjectArray>(array);
-  const int count = copyCount(mEnv->GetArrayLength(typed), capacity);
+  const int count = std::min(static_cast<int>(mEnv->GetArrayLength(typed)), capacity);
   for (int i = 0; i < count; ++i) {
-    ScopedLocalRef<> element(mEnv, mEnv->GetObjectArrayElement(typed, i));
+    const ScopedLocalRef<> element(mEnv, mEnv->GetObjectArrayElement(typed, i));
     unbox(out[i], element.get());
   }
 }
 
+// Reads an object of the rectangle class, or null. False when there is nothing to read.
 bool CameraMetadataParser::readRect(__tagOrluRect& out, jobject rect) {
-  if (mRectFieldLeft == nullptr || mRectFieldRight == nullptr || mRectFieldTop == nullptr ||
-      mRectFieldBottom == nullptr || !isInstance(mEnv, rect, mClazzRect)) {
+  if (rect == nullptr || mRectFieldLeft == nullptr || mRectFieldRight == nullptr ||
+      mRectFieldTop == nullptr || mRectFieldBottom == nullptr) {
     return false;
   }
   out.left = mEnv->GetIntField(rect, mRectFieldLeft);
@@ -429,166 +136,193 @@ bool CameraMetadataParser::readRect(__tagOrluRect& out, jobject rect) {
   return true;
 }
 
-// What a method without arguments answers, as a new local reference; null when it can't be called.
-jobject CameraMetadataParser::callObject(jobject object, jmethodID method) {
-  if (object == nullptr || method == nullptr) return nullptr;
-  jobject answer = mEnv->CallObjectMethod(object, method);
-  return clearException(mEnv) ? nullptr : answer;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(__tagOrluRect& out, jobject value) {
+  return isInstance(mEnv, value, mClazzRect) && readRect(out, value) ? kRead : kWrongType;
 }
 
-void CameraMetadataParser::copyBytes(char* buffer, int size, jbyteArray array) {
-  jbyte* elements = mEnv->GetByteArrayElements(array, nullptr);
-  if (elements == nullptr) {
-    clearException(mEnv);
-    return;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobject value) {
+  __tagOrluRect rect;
+  const Unpacked unpacked = unpack(rect, value);
+  if (unpacked != kRead) return unpacked;
+  // The rectangle class has no fifth field on any platform so far, so the flag stays false.
+  std::memset(&out, 0, sizeof out);
+  out.left = rect.left;
+  out.right = rect.right;
+  out.top = rect.top;
+  out.bottom = rect.bottom;
+  return kRead;
+}
+
+// Calls a method that returns a number; 0 when it throws.
+template <typename Number>
+Number CameraMetadataParser::callNumber(Number (JNIEnv::*call)(jobject, jmethodID, ...), jobject object,
+                                        jmethodID method) {
+  const Number number = (mEnv->*call)(object, method);
+  return clearException(mEnv) ? Number() : number;
+}
+
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(GpsLocation& out, jobject value) {
+  if (mMethodGetLatitude == nullptr || mMethodGetLongitude == nullptr || mMethodGetAltitude == nullptr ||
+      mMethodGetTimestamp == nullptr || mMethodHasAltitude == nullptr ||
+      !isInstance(mEnv, value, mClazzLocation)) {
+    return kWrongType;
   }
-  std::copy_n(elements, copyCount(mEnv->GetArrayLength(array), size), buffer);
-  mEnv->ReleaseByteArrayElements(array, elements, 0);
+  out.latitude = callNumber(&JNIEnv::CallDoubleMethod, value, mMethodGetLatitude);
+  out.longitude = callNumber(&JNIEnv::CallDoubleMethod, value, mMethodGetLongitude);
+  out.altitude = callNumber(&JNIEnv::CallDoubleMethod, value, mMethodGetAltitude);
+  out.timestamp = callNumber(&JNIEnv::CallLongMethod, value, mMethodGetTimestamp);
+  out.hasAltitude = callNumber(&JNIEnv::CallBooleanMethod, value, mMethodHasAltitude) != JNI_FALSE ? 1 : 0;
+  return kRead;
 }
 
-int CameraMetadataParser::unpackString(char* buffer, int size, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  std::fill_n(buffer, std::max(0, size), '\0');
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, mClazzString)) return wrongType(key);
-  ScopedLocalRef<jbyteArray> bytes(mEnv, static_cast<jbyteArray>(callObject(value, mMethodGetBytes)));
-  if (!bytes) return wrongType(key);
-  copyBytes(buffer, size, bytes.get());
-  return 0;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(Rational& out, jobject value) {
+  if (mMethodGetNumerator == nullptr || mMethodGetDenominator == nullptr ||
+      !isInstance(mEnv, value, mClazzRational)) {
+    return kWrongType;
+  }
+  out.numerator = callNumber(&JNIEnv::CallIntMethod, value, mMethodGetNumerator);
+  out.denominator = callNumber(&JNIEnv::CallIntMethod, value, mMethodGetDenominator);
+  return kRead;
 }
 
-int CameraMetadataParser::unpackBytes(char* buffer, int size, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  std::fill_n(buffer, std::max(0, size), '\0');
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, mClazzByteArray)) return wrongType(key);
-  copyBytes(buffer, size, static_cast<jbyteArray>(value));
-  return 0;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const BytesOut& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzByteArray)) return kWrongType;
+  ScopedElements<jbyte>(mEnv, static_cast<jbyteArray>(value)).copyTo(out.data, out.size);
+  return kRead;
 }
 
-bool CameraMetadataParser::appendString(std::vector<std::string>& out, jobject string) {
-  if (!isInstance(mEnv, string, mClazzString)) return false;
-  ScopedLocalRef<jbyteArray> bytes(mEnv, static_cast<jbyteArray>(callObject(string, mMethodGetBytes)));
-  if (!bytes) return false;
-  const int length = mEnv->GetArrayLength(bytes.get());
-  std::string text(static_cast<size_t>(length), '\0');
-  copyBytes(text.data(), length, bytes.get());
-  out.push_back(std::move(text));
-  return true;
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const TextOut& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzString)) return kWrongType;
+  const ScopedLocalRef<jbyteArray> bytes(mEnv, static_cast<jbyteArray>(callObject(value, mMethodGetBytes)));
+  if (!bytes) return kWrongType;
+  ScopedElements<jbyte>(mEnv, bytes.get()).copyTo(out.data, out.size);
+  return kRead;
 }
 
-int CameraMetadataParser::unpackStrings(std::vector<std::string>& out, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, mClazzStringArray)) return wrongType(key);
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(std::vector<std::string>& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzStringArray)) return kWrongType;
   const auto array = static_cast<jobjectArray>(value);
   const int length = mEnv->GetArrayLength(array);
   for (int i = 0; i < length; ++i) {
-    ScopedLocalRef<> element(mEnv, mEnv->GetObjectArrayElement(array, i));
-    appendString(out, element.get());
+    const ScopedLocalRef<> string(mEnv, mEnv->GetObjectArrayElement(array, i));
+    const ScopedLocalRef<jbyteArray> bytes(
+        mEnv, static_cast<jbyteArray>(callObject(string.get(), mMethodGetBytes)));
+    if (!bytes) continue;
+    const ScopedElements<jbyte> elements(mEnv, bytes.get());
+    std::string text(static_cast<size_t>(elements.length()), '\0');
+    elements.copyTo(text.data(), elements.length());
+    out.push_back(std::move(text));
   }
-  return 0;
+  return kRead;
 }
 
-int CameraMetadataParser::unpackFaces(_tagOrluFaceInfo& out, int capacity, const char* key, jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, mClazzFaceArray)) return wrongType(key);
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const FacesOut& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzFaceArray)) return kWrongType;
   const auto array = static_cast<jobjectArray>(value);
-  out.count = mEnv->GetArrayLength(array);
-  const int count = copyCount(out.count, std::min(capacity, kMaxFaces));
+  out.faces.count = mEnv->GetArrayLength(array);
+  const int count = std::min({out.faces.count, out.capacity, kMaxFaces});
   for (int i = 0; i < count; ++i) {
-    ScopedLocalRef<> face(mEnv, mEnv->GetObjectArrayElement(array, i));
-    ScopedLocalRef<> bounds(mEnv, callObject(face.get(), mMethodGetBounds));
-    readRect(out.rects[i], bounds.get());
+    const ScopedLocalRef<> face(mEnv, mEnv->GetObjectArrayElement(array, i));
+    const ScopedLocalRef<> bounds(mEnv, callObject(face.get(), mMethodGetBounds));
+    readRect(out.faces.rects[i], bounds.get());
   }
-  return 0;
+  return kRead;
 }
 
-int CameraMetadataParser::unpackIntFaces(_tagOrluFaceInfo& out, int capacity, const char* key,
-                                         jobject value) {
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const IntFacesOut& out, jobject value) {
   constexpr int kIntsPerFace = 4;
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  const bool primitive = isInstance(mEnv, value, mClazzPrimitiveIntArray);
-  if (!primitive && !isInstance(mEnv, value, mClazzIntArray)) return wrongType(key);
-  out.count = mEnv->GetArrayLength(static_cast<jarray>(value)) / kIntsPerFace;
-  const int faces = copyCount(out.count, std::min(capacity, kMaxFaces));
-  if (faces == 0) return 0;
+  const bool boxed = isInstance(mEnv, value, mClazzIntArray);
+  if (!boxed && !isInstance(mEnv, value, mClazzPrimitiveIntArray)) return kWrongType;
+  out.faces.count = mEnv->GetArrayLength(static_cast<jarray>(value)) / kIntsPerFace;
+  const int faces = std::min({out.faces.count, out.capacity, kMaxFaces});
+  if (faces < 1) return kRead;
   // The record's rectangles are the four ints of each face, one after the other.
   int32_t ints[kMaxFaces * kIntsPerFace];
-  std::memcpy(ints, out.rects, sizeof ints);
-  if (primitive) {
-    copyPrimitives(ints, faces * kIntsPerFace, value);
-  } else {
+  std::memcpy(ints, out.faces.rects, sizeof ints);
+  if (boxed) {
     copyBoxed(ints, faces * kIntsPerFace, value);
+  } else {
+    copyPrimitives(ints, faces * kIntsPerFace, value);
   }
-  std::memcpy(out.rects, ints, sizeof ints);
-  return 0;
+  std::memcpy(out.faces.rects, ints, sizeof ints);
+  return kRead;
 }
 
-int CameraMetadataParser::unpackMetering(__tagOrluRect& rect, int32_t* weight, const char* key,
-                                         jobject value) {
-  ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) return missing(key);
-  if (!isInstance(mEnv, value, mClazzMeteringRectangleArray)) return wrongType(key);
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const MeteringOut& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzMeteringRectangleArray)) return kWrongType;
   const auto array = static_cast<jobjectArray>(value);
-  if (mEnv->GetArrayLength(array) < 1) return -1;
-  ScopedLocalRef<> first(mEnv, mEnv->GetObjectArrayElement(array, 0));
-  ScopedLocalRef<> bounds(mEnv, callObject(first.get(), mMethodGetRect));
-  readRect(rect, bounds.get());
-  if (weight != nullptr && first && mMethodGetMeteringWeight != nullptr) {
-    const jint read = mEnv->CallIntMethod(first.get(), mMethodGetMeteringWeight);
-    if (!clearException(mEnv)) *weight = read;
+  if (mEnv->GetArrayLength(array) < 1) return kEmpty;
+  const ScopedLocalRef<> first(mEnv, mEnv->GetObjectArrayElement(array, 0));
+  const ScopedLocalRef<> bounds(mEnv, callObject(first.get(), mMethodGetRect));
+  readRect(out.rect, bounds.get());
+  if (out.weight != nullptr && first && mMethodGetMeteringWeight != nullptr) {
+    const jint weight = mEnv->CallIntMethod(first.get(), mMethodGetMeteringWeight);
+    if (!clearException(mEnv)) *out.weight = weight;
   }
-  return 0;
+  return kRead;
 }
 
-// ---- Serialising
+// ---- The getters: one row each, with its name, the class that its key is typed with, and its outputs
 
-std::vector<uint8_t> CameraMetadataParser::getMetadata(jobject captureResult) {
-  if (captureResult == nullptr || mEnv == nullptr) {
-    LOGE("get metadata failed, input is null");
-    return {};
-  }
-  jfieldID results = nullptr;
-  if (isInstance(mEnv, captureResult, mClazzCaptureResult)) {
-    results = mEnv->GetFieldID(mClazzCaptureResult, "mResults",
-                               "Landroid/hardware/camera2/impl/CameraMetadataNative;");
-    clearException(mEnv);
-  }
-  if (results == nullptr) LOGE("cameraNativeFiled is null");
-  ScopedLocalRef<> native(mEnv, results == nullptr ? nullptr : mEnv->GetObjectField(captureResult, results));
-  if (!native) LOGE("camerametadataNative is null");
-  return marshal(native.get());
-}
+using P = CameraMetadataParser;
 
-// The bytes of a parcel that the camera metadata (or nothing, when it is null) was written to.
-std::vector<uint8_t> CameraMetadataParser::marshal(jobject cameraMetadata) {
-  ScopedLocalRef<> parcel(mEnv, mMethodParcelObtain == nullptr
-                                    ? nullptr
-                                    : mEnv->CallStaticObjectMethod(mClazzParcel, mMethodParcelObtain));
-  clearException(mEnv);
-  if (!parcel) LOGE("parcel is null");
-  if (parcel && mMethodPushAllowFds != nullptr) {
-    mEnv->CallBooleanMethod(parcel.get(), mMethodPushAllowFds, static_cast<jboolean>(JNI_FALSE));
-    clearException(mEnv);
+#define LIST(...) __VA_ARGS__
+#define FROM_RESULT(name, slot, outputs, ...)                                                           \
+  int P::name(LIST outputs, const char* key, jobject captureResult, jobject parameter) {                \
+    return read(__func__, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, slot), \
+                __VA_ARGS__);                                                                           \
   }
-  if (parcel && mMethodWriteToParcel != nullptr &&
-      isInstance(mEnv, cameraMetadata, mClazzCameraMetadataNative)) {
-    mEnv->CallVoidMethod(cameraMetadata, mMethodWriteToParcel, parcel.get(), 0);
-    clearException(mEnv);
+#define FROM_PARAMETER(name, slot, outputs, ...)                                                  \
+  int P::name(LIST outputs, const char* key, jobject parameter) {                                 \
+    return read(__func__, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, slot), \
+                __VA_ARGS__);                                                                     \
   }
-  ScopedLocalRef<jbyteArray> bytes(mEnv,
-                                   static_cast<jbyteArray>(callObject(parcel.get(), mMethodParcelMarshall)));
-  if (!bytes) {
-    LOGE("metadata is null");
-    return {};
+#define FROM_CHARACTERISTICS(name, slot, outputs, ...)                                           \
+  int P::name(LIST outputs, const char* key, jobject characteristics) {                          \
+    return read(__func__, key, getMetadataObjectFromCharacteristics(characteristics, key, slot), \
+                __VA_ARGS__);                                                                    \
   }
-  const int length = mEnv->GetArrayLength(bytes.get());
-  std::vector<uint8_t> result(static_cast<size_t>(length));
-  copyBytes(reinterpret_cast<char*>(result.data()), length, bytes.get());
-  return result;
-}
+
+// clang-format off
+FROM_RESULT(getInt,          mClazzInt,         (int32_t& v),                v)
+FROM_RESULT(getFloat,        mClazzFloat,       (float& v),                  v)
+FROM_RESULT(getLong,         mClazzLong,        (int64_t& v),                v)
+FROM_RESULT(getString,       mClazzString,      (char* v, int size),         TextOut(v, size))
+FROM_RESULT(getArrayBytes,   mClazzByteArray,   (char* v, int size),         BytesOut(v, size))
+FROM_RESULT(getIntArray,     mClazzIntArray,    (int32_t* v, int n),         ArrayOut<int32_t>{v, n})
+FROM_RESULT(getFloatArray,   mClazzFloatArray,  (float* v, int n),           ArrayOut<float>{v, n})
+FROM_RESULT(getDoubleArray,  mClazzDoubleArray, (double* v, int n),          ArrayOut<double>{v, n})
+FROM_RESULT(getLongArray,    mClazzLongArray,   (int64_t* v, int n),         ArrayOut<int64_t>{v, n})
+FROM_RESULT(getStringArray,  mClazzStringArray, (std::vector<std::string>& v), v)
+FROM_RESULT(getFaceInfo,     mClazzFaceArray,   (_tagOrluFaceInfo& v, int n), FacesOut{v, n})
+FROM_RESULT(getIntFaceArray, mClazzIntArray,    (_tagOrluFaceInfo& v, int n), IntFacesOut{v, n})
+FROM_RESULT(getRectInfo,     mClazzRect,        (__tagOrluRect& v),          v)
+FROM_RESULT(getRectInfo_ex,  mClazzRect,        (SCR_Type& v),               v)
+FROM_RESULT(getMeteringRectangle, mClazzMeteringRectangleArray, (__tagOrluRect& v, int32_t& w),
+            MeteringOut{v, &w})
+FROM_RESULT(getGpsLocation,  mClazzLocation,    (GpsLocation& v),            v)
+
+FROM_PARAMETER(getIntOrlu,        mClazzInt,        (int32_t& v),            v)
+FROM_PARAMETER(getLongOrlu,       mClazzLong,       (int64_t& v),            v)
+FROM_PARAMETER(getFloatOrlu,      mClazzFloat,      (float& v),              v)
+FROM_PARAMETER(getStringOrlu,     mClazzString,     (char* v, int size),     TextOut(v, size))
+FROM_PARAMETER(getFaceInfoOrlu,   mClazzFaceArray,  (_tagOrluFaceInfo& v, int n), FacesOut{v, n})
+FROM_PARAMETER(getRectInfoOrlu,   mClazzRect,       (__tagOrluRect& v),      v)
+FROM_PARAMETER(getMeteringRectangleOrlu, mClazzMeteringRectangleArray, (__tagOrluRect& v),
+               MeteringOut{v, nullptr})
+FROM_PARAMETER(getIntArrayOrlu,   mClazzIntArray,   (int32_t* v, int n),     BoxedArrayOut<int32_t>{v, n})
+FROM_PARAMETER(getFloatArrayOrlu, mClazzFloatArray, (float* v, int n),       BoxedArrayOut<float>{v, n})
+
+FROM_CHARACTERISTICS(getCharacteristicsInt,         mClazzInt,      (int32_t& v),        v)
+FROM_CHARACTERISTICS(getCharacteristicsIntArray,    mClazzIntArray, (int32_t* v, int n),
+                     BoxedArrayOut<int32_t>{v, n})
+FROM_CHARACTERISTICS(getCharacteristicsRational,    mClazzRational, (Rational& v),       v)
+FROM_CHARACTERISTICS(getCharacteristicsRectInfo,    mClazzRect,     (__tagOrluRect& v),  v)
+FROM_CHARACTERISTICS(getCharacteristicsRectInfo_ex, mClazzRect,     (SCR_Type& v),       v)
+// clang-format on
+#undef LIST
+#undef FROM_RESULT
+#undef FROM_PARAMETER
+#undef FROM_CHARACTERISTICS
 
 }  // namespace orlu

@@ -6,8 +6,6 @@
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-CameraMetadataParser";
-
 constexpr auto kIntoComposition = &CameraMetadataParser::putMetadataObjectIntoCaptureResultComposition;
 constexpr auto kIntoHashMap = &CameraMetadataParser::putObjectIntoHashMap;
 
@@ -18,119 +16,94 @@ constexpr auto kIntoHashMap = &CameraMetadataParser::putObjectIntoHashMap;
 int CameraMetadataParser::putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key,
                                                                         jobject value) {
   if (value == nullptr || mMethodPutMetadata == nullptr || !isComposition(composition)) return -1;
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
-  if (name) mEnv->CallVoidMethod(composition, mMethodPutMetadata, name.get(), value);
+  const ScopedLocalRef<jstring> name(mEnv, newName(key));
+  if (!name) return -1;
+  mEnv->CallVoidMethod(composition, mMethodPutMetadata, name.get(), value);
   return clearException(mEnv) ? -1 : 0;
 }
 
 int CameraMetadataParser::putObjectIntoHashMap(jobject map, const char* key, jobject value) {
   if (value == nullptr || mMethodHashMapPut == nullptr || !isInstance(mEnv, map, mClazzHashMap)) return -1;
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(key));
-  ScopedLocalRef<> previous(
-      mEnv, name ? mEnv->CallObjectMethod(map, mMethodHashMapPut, name.get(), value) : nullptr);
+  const ScopedLocalRef<jstring> name(mEnv, newName(key));
+  if (!name) return -1;
+  const ScopedLocalRef<> previous(mEnv, mEnv->CallObjectMethod(map, mMethodHashMapPut, name.get(), value));
   return clearException(mEnv) ? -1 : 0;
 }
 
 // ---- Boxing
 
-// Boxes a scalar and stores it.
+// Boxes a scalar and stores it. The lines name the putter.
 template <typename T>
-int CameraMetadataParser::putBoxed(T value, jmethodID constructor, const char* key, jobject container,
+int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key, jobject container,
                                    Store into) {
   const jclass clazz = this->*Boxed<T>::kClass;
-  if (clazz == nullptr || constructor == nullptr || container == nullptr) return invalidPut(key);
-  ScopedLocalRef<> boxed(mEnv, mEnv->NewObject(clazz, constructor, value));
-  clearException(mEnv);
-  return stored((this->*into)(container, key, boxed.get()), key);
-}
-
-// Copies an array into a new Java one and stores that. `required` is the class whose absence makes it fail.
-template <typename T>
-int CameraMetadataParser::putArray(const T* values, int count, jclass required, const char* key,
-                                   jobject container, Store into) {
-  using Box = Boxed<T>;
-  if (required == nullptr || container == nullptr) return invalidPut(key);
-  ScopedLocalRef<typename Box::PrimitiveArray> array(mEnv, (mEnv->*Box::kNewArray)(count));
-  if (!clearException(mEnv) && array) {
-    (mEnv->*Box::kSetRegion)(array.get(), 0, count, reinterpret_cast<const typename Box::Element*>(values));
+  const jmethodID constructor = this->*Boxed<T>::kConstructor;
+  if (clazz == nullptr || constructor == nullptr || container == nullptr) {
+    LOGE_AS(putter, "put %s, input param is null", key);
+    return -1;
   }
-  return stored((this->*into)(container, key, array.get()), key);
-}
-
-int CameraMetadataParser::invalidPut(const char* key) {
-  LOGE("put %s, input param is null", key);
+  const ScopedLocalRef<> boxed(mEnv, clearIfNull(mEnv, mEnv->NewObject(clazz, constructor, value)));
+  if ((this->*into)(container, key, boxed.get()) == 0) return 0;
+  LOGE_AS(putter, "put %s is null", key);
   return -1;
 }
 
-int CameraMetadataParser::stored(int result, const char* key) {
-  if (result == 0) return 0;
-  LOGE("put %s is null", key);
+// Copies an array into a new Java one and stores that. It fails without the class `required`.
+template <typename T>
+int CameraMetadataParser::putArray(const char* putter, const T* values, int count, jclass required,
+                                   const char* key, jobject container, Store into) {
+  using Element = typename Boxed<T>::Element;
+  using Functions = JniArray<Element>;
+  if (required == nullptr || container == nullptr) {
+    LOGE_AS(putter, "put %s, input param is null", key);
+    return -1;
+  }
+  const ScopedLocalRef<typename Functions::Type> array(mEnv,
+                                                       clearIfNull(mEnv, (mEnv->*Functions::kNew)(count)));
+  if (array) (mEnv->*Functions::kSetRegion)(array.get(), 0, count, reinterpret_cast<const Element*>(values));
+  if ((this->*into)(container, key, array.get()) == 0) return 0;
+  LOGE_AS(putter, "put %s is null", key);
   return -1;
 }
-
-// ---- Into a composition
-
-int CameraMetadataParser::putInt(const int32_t& value, const char* key, jobject composition) {
-  return putBoxed(value, mConstructorInt, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putFloat(const float& value, const char* key, jobject composition) {
-  return putBoxed(value, mConstructorFloat, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putLong(const int64_t& value, const char* key, jobject composition) {
-  return putBoxed(value, mConstructorLong, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putIntArray(const int32_t* values, int count, const char* key,
-                                      jobject composition) {
-  return putArray(values, count, mClazzIntArray, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putLongArray(const int64_t* values, int count, const char* key,
-                                       jobject composition) {
-  // Asks for the Integer[] class, not the Long[] one, deliberately.
-  return putArray(values, count, mClazzIntArray, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putFloatArray(const float* values, int count, const char* key,
-                                        jobject composition) {
-  return putArray(values, count, mClazzFloatArray, key, composition, kIntoComposition);
-}
-
-int CameraMetadataParser::putDoubleArray(const double* values, int count, const char* key,
-                                         jobject composition) {
-  return putArray(values, count, mClazzDoubleArray, key, composition, kIntoComposition);
-}
-
-// ---- Into a hash map
 
 jobject CameraMetadataParser::createHashMap() {
   if (mClazzHashMap == nullptr || mConstructorHashMap == nullptr) {
     LOGE("createHashMap failed, input is null");
     return nullptr;
   }
-  jobject map = mEnv->NewObject(mClazzHashMap, mConstructorHashMap);
-  clearException(mEnv);
+  jobject map = clearIfNull(mEnv, mEnv->NewObject(mClazzHashMap, mConstructorHashMap));
   if (map == nullptr) LOGE("createHashMap failed");
   return map;
 }
 
-int CameraMetadataParser::putIntIntoHashMap(const int32_t& value, const char* key, jobject map) {
-  return putBoxed(value, mConstructorInt, key, map, kIntoHashMap);
-}
+// ---- The putters: one row each, with its name, the type of its values, and where they go
 
-int CameraMetadataParser::putFloatIntoHashMap(const float& value, const char* key, jobject map) {
-  return putBoxed(value, mConstructorFloat, key, map, kIntoHashMap);
-}
+using P = CameraMetadataParser;
 
-int CameraMetadataParser::putLongIntoHashMap(const int64_t& value, const char* key, jobject map) {
-  return putBoxed(value, mConstructorLong, key, map, kIntoHashMap);
-}
+#define PUT(name, T, into)                                          \
+  int P::name(const T& value, const char* key, jobject container) { \
+    return putBoxed(__func__, value, key, container, into);         \
+  }
+#define PUT_ARRAY(name, T, required, into)                                      \
+  int P::name(const T* values, int count, const char* key, jobject container) { \
+    return putArray(__func__, values, count, required, key, container, into);   \
+  }
 
-int CameraMetadataParser::putIntArrayIntoHashMap(const int32_t* values, int count, const char* key,
-                                                 jobject map) {
-  return putArray(values, count, mClazzIntArray, key, map, kIntoHashMap);
-}
+// clang-format off
+PUT(putInt,             int32_t, kIntoComposition)
+PUT(putFloat,           float,   kIntoComposition)
+PUT(putLong,            int64_t, kIntoComposition)
+PUT_ARRAY(putIntArray,    int32_t, mClazzIntArray,    kIntoComposition)
+PUT_ARRAY(putLongArray,   int64_t, mClazzIntArray,    kIntoComposition)  // Oddity 12.
+PUT_ARRAY(putFloatArray,  float,   mClazzFloatArray,  kIntoComposition)
+PUT_ARRAY(putDoubleArray, double,  mClazzDoubleArray, kIntoComposition)
+
+PUT(putIntIntoHashMap,   int32_t, kIntoHashMap)
+PUT(putFloatIntoHashMap, float,   kIntoHashMap)
+PUT(putLongIntoHashMap,  int64_t, kIntoHashMap)
+PUT_ARRAY(putIntArrayIntoHashMap, int32_t, mClazzIntArray, kIntoHashMap)
+// clang-format on
+#undef PUT
+#undef PUT_ARRAY
 
 }  // namespace orlu

@@ -1,4 +1,4 @@
-// Tables of the Java classes and members that an object keeps: one row each, resolved in order.
+// Tables of the Java classes and members that an object keeps: one row each, resolved and reported in order.
 #pragma once
 
 #include <jni.h>
@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "jni_support.h"
+#include "log.h"
 
 namespace orlu {
 
@@ -14,11 +15,9 @@ template <typename Owner>
 struct JniMember {
   enum class Kind { kClass, kMethod, kStaticMethod, kField };
   enum Flag : unsigned {
-    kNone = 0,
-    kStop = 1,         // nothing behind this row is resolved when it is missing
-    kAnyClass = 2,     // looked up even when the row's class is missing
-    kBareTag = 4,      // reported under the short tag, without file and line
-    kComposition = 8,  // belongs to the composition class
+    kStop = 1,      // if this row is missing, stop: later rows stay null
+    kAnyClass = 2,  // look the member up even if its class row failed
+    kBareTag = 4,   // log under the short tag, without file:line
   };
 
   Kind kind;
@@ -27,13 +26,13 @@ struct JniMember {
   jclass Owner::*clazz;      // a class row: its slot
   jmethodID Owner::*method;  // a method row: its slot
   jfieldID Owner::*field;    // a field row: its slot
-  const char* label;         // what a report calls the row
+  const char* label;         // what is logged as null when the row is missing
   unsigned flags;
-  jclass Owner::*examined;  // the slot that tells whether a class row was found
+  jclass Owner::*examined;  // a class row: the slot that must not be null for the class to count as found
 
   bool has(Flag flag) const { return (flags & flag) != 0; }
 
-  // The same row with other flags, another label or another slot to look at.
+  // The row with other flags, another label or another slot to examine.
   constexpr JniMember with(unsigned newFlags) const {
     JniMember row = *this;
     row.flags = newFlags;
@@ -72,63 +71,72 @@ constexpr JniMember<Owner> jniField(const char* name, const char* signature, jfi
   return {JniMember<Owner>::Kind::kField, name, signature, nullptr, nullptr, slot, label, 0, nullptr};
 }
 
-// Walks the rows of a table once and fills the owner's slots in. A lookup on a class that was not found
-// answers null without reaching the VM, and an exception that a lookup leaves is cleared.
+// Resolves the rows of tables, one table after the other, into their owner's slots, and logs each row that is
+// missing. A lookup on a class that was not found gives null without reaching the VM, and an exception that a
+// lookup leaves is cleared.
 template <typename Owner>
 class JniMemberWalk {
 public:
   using Row = JniMember<Owner>;
 
-  template <size_t N>
-  JniMemberWalk(JNIEnv* env, Owner& owner, const Row (&rows)[N], unsigned skippedFlags = 0)
-      : mEnv(env), mOwner(owner), mNext(rows), mEnd(rows + N), mSkippedFlags(skippedFlags) {}
+  // `place` is where the lines come from; `shortTag` is the tag of those without file:line.
+  JniMemberWalk(JNIEnv* env, Owner& owner, const LogPlace& place, const char* shortTag)
+      : mEnv(env), mOwner(owner), mPlace(place), mShortTag(shortTag) {}
 
-  // Resolves rows until one is missing; answers that row, or null when the table is done.
-  const Row* nextMissing() {
-    while (mNext != mEnd) {
-      const Row& row = *mNext++;
-      if ((row.flags & mSkippedFlags) == 0 && !resolve(row)) return &row;
+  // Does nothing behind a missing row that stops.
+  template <size_t N>
+  void resolve(const Row (&rows)[N]) {
+    for (const Row& row : rows) {
+      if (mStopped) return;
+      if (!resolve(row)) report(row);
     }
-    return nullptr;
   }
+
+  // 0 when every row was found, else -1.
+  int result() const { return mResult; }
 
 private:
   bool resolve(const Row& row) {
     if (row.kind == Row::Kind::kClass) {
-      mClass = mOwner.*row.clazz = checked(mEnv->FindClass(row.name));
+      mClass = mOwner.*row.clazz = clearIfNull(mEnv, mEnv->FindClass(row.name));
       mClassFound = mOwner.*row.examined != nullptr;
       return mClassFound;
     }
-    if (!mClassFound && !row.has(Row::kAnyClass)) return true;  // reported with its class
+    if (!mClassFound && !row.has(Row::kAnyClass)) return true;  // its class was logged
     return row.kind == Row::Kind::kField ? resolveField(row) : resolveMethod(row);
   }
   bool resolveMethod(const Row& row) {
     jmethodID id = nullptr;
     if (mClass != nullptr) {
-      id = checked(row.kind == Row::Kind::kStaticMethod
-                       ? mEnv->GetStaticMethodID(mClass, row.name, row.signature)
-                       : mEnv->GetMethodID(mClass, row.name, row.signature));
+      id = clearIfNull(mEnv, row.kind == Row::Kind::kStaticMethod
+                                 ? mEnv->GetStaticMethodID(mClass, row.name, row.signature)
+                                 : mEnv->GetMethodID(mClass, row.name, row.signature));
     }
     mOwner.*row.method = id;
     return id != nullptr;
   }
   bool resolveField(const Row& row) {
-    jfieldID id = mClass == nullptr ? nullptr : checked(mEnv->GetFieldID(mClass, row.name, row.signature));
+    jfieldID id = nullptr;
+    if (mClass != nullptr) id = clearIfNull(mEnv, mEnv->GetFieldID(mClass, row.name, row.signature));
     mOwner.*row.field = id;
     return id != nullptr;
   }
-  // What was found left no exception: only a lookup that failed does.
-  template <typename T>
-  T checked(T found) {
-    if (found == nullptr) clearException(mEnv);
-    return found;
+  void report(const Row& row) {
+    mResult = -1;
+    mStopped = row.has(Row::kStop);
+    if (row.has(Row::kBareTag)) {
+      LOGE_BARE(mShortTag, "%s is null", row.label);
+    } else {
+      LOGE_AT(mPlace, "%s is null", row.label);
+    }
   }
 
   JNIEnv* mEnv;
   Owner& mOwner;
-  const Row* mNext;
-  const Row* mEnd;
-  unsigned mSkippedFlags;  // rows with one of these are left alone
+  LogPlace mPlace;
+  const char* mShortTag;
+  int mResult = 0;
+  bool mStopped = false;
   jclass mClass = nullptr;
   bool mClassFound = false;
 };

@@ -3,6 +3,8 @@
 
 #include <jni.h>
 
+#include <algorithm>
+
 namespace orlu {
 
 // Clears a pending Java exception. True when there was one.
@@ -10,6 +12,14 @@ inline bool clearException(JNIEnv* env) {
   if (!env->ExceptionCheck()) return false;
   env->ExceptionClear();
   return true;
+}
+
+// Returns `result`, of a function that leaves an exception only when it returns null, and clears that
+// exception.
+template <typename T>
+T clearIfNull(JNIEnv* env, T result) {
+  if (result == nullptr) clearException(env);
+  return result;
 }
 
 // Owns one local reference; a raw jobject parameter anywhere in this library is borrowed.
@@ -61,17 +71,92 @@ private:
   bool mPushed;
 };
 
-// Tells the VM that `count` local references more will be alive until the native method returns.
+// The characters of a Java string during its life, in the VM's form of UTF-8, zero-terminated.
+class ScopedUtfChars {
+public:
+  // `string` may be null.
+  ScopedUtfChars(JNIEnv* env, jstring string)
+      : mEnv(env),
+        mString(string),
+        mChars(string == nullptr ? nullptr : clearIfNull(env, env->GetStringUTFChars(string, nullptr))) {}
+  ScopedUtfChars(const ScopedUtfChars&) = delete;
+  ScopedUtfChars& operator=(const ScopedUtfChars&) = delete;
+  ~ScopedUtfChars() {
+    if (mChars != nullptr) mEnv->ReleaseStringUTFChars(mString, mChars);
+  }
+
+  // Null for a null string, and when the VM has no memory for the characters.
+  const char* get() const { return mChars; }
+
+private:
+  JNIEnv* mEnv;
+  jstring mString;
+  const char* mChars;
+};
+
+// The VM's functions for arrays, by the type of their elements.
+template <typename Element>
+struct JniArray;
+#define ORLU_JNI_ARRAY(Element, Name)                                               \
+  template <>                                                                       \
+  struct JniArray<Element> {                                                        \
+    using Type = Element##Array;                                                    \
+    static constexpr auto kNew = &JNIEnv::New##Name##Array;                         \
+    static constexpr auto kGetElements = &JNIEnv::Get##Name##ArrayElements;         \
+    static constexpr auto kReleaseElements = &JNIEnv::Release##Name##ArrayElements; \
+    static constexpr auto kSetRegion = &JNIEnv::Set##Name##ArrayRegion;             \
+  }
+ORLU_JNI_ARRAY(jbyte, Byte);
+ORLU_JNI_ARRAY(jint, Int);
+ORLU_JNI_ARRAY(jlong, Long);
+ORLU_JNI_ARRAY(jfloat, Float);
+ORLU_JNI_ARRAY(jdouble, Double);
+#undef ORLU_JNI_ARRAY
+
+// The elements of a Java array during its life. The array gets them back at the end.
+template <typename Element>
+class ScopedElements {
+  using Functions = JniArray<Element>;
+
+public:
+  ScopedElements(JNIEnv* env, typename Functions::Type array)
+      : mEnv(env),
+        mArray(array),
+        mElements(clearIfNull(env, (env->*Functions::kGetElements)(array, nullptr))),
+        mLength(mElements == nullptr ? 0 : env->GetArrayLength(array)) {}
+  ScopedElements(const ScopedElements&) = delete;
+  ScopedElements& operator=(const ScopedElements&) = delete;
+  ~ScopedElements() {
+    if (mElements != nullptr) (mEnv->*Functions::kReleaseElements)(mArray, mElements, 0);
+  }
+
+  // Null, and a length of 0, when the VM has no memory for the elements.
+  Element* get() const { return mElements; }
+  jsize length() const { return mLength; }
+
+  // Copies the first elements, at most `capacity` of them; none when that is below 1.
+  template <typename T>
+  void copyTo(T* out, int capacity) const {
+    std::copy_n(mElements, std::max(0, std::min(static_cast<int>(mLength), capacity)), out);
+  }
+
+private:
+  JNIEnv* mEnv;
+  typename Functions::Type mArray;
+  Element* mElements;
+  jsize mLength;
+};
+
+// Asks the VM to keep room for `count` more local references until the native method returns.
 inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }
 
-// Makes '?' of every byte that belongs to no whole character, in a zero-terminated text that came from
-// elsewhere: given to NewStringUTF(), a VM may read past the end of a character that is cut short, or end the
-// process.
+// Replaces by '?' every byte of `text` that is not part of a complete (modified) UTF-8 character.
+// NewStringUTF() on a cut character may read past the end or abort. `text` is zero-terminated.
 void mendText(char* text);
 
-// IsInstanceOf() that takes a null object or a class that was not found for "no".
+// IsInstanceOf(), and false for a null object or a class that was not found.
 inline bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
   return object != nullptr && clazz != nullptr && env->IsInstanceOf(object, clazz);
 }

@@ -1,7 +1,10 @@
-// Logging macros. Each .cpp file names its tag as `kLogTag` before it logs.
+// Logging macros. Their tag is `kLogTag`, as it is known in the place of the call: a member of the class, or a
+// constant of the file.
 //
-// Every line begins with the source file's base name, the line and the function. Debug lines are
-// written only while the maker's log level admits them; errors always.
+// Every line begins with the source file's base name, the line, and the operation that it is about. LOGE()
+// and LOGD() show the function that contains them; a helper shows its caller's operation instead, by
+// LOGE_AS() and LOGD_AS(). Debug lines are written only while the maker's log level admits them; errors
+// always.
 #pragma once
 
 #include <android/log.h>
@@ -15,9 +18,16 @@ inline bool isDebugLogOn() {
   return gVAFCtrlLogLevel < kFirstSilentLogLevel;
 }
 
-// The base name of the .cpp file that includes this, found once: most lines are errors about tags that a shot
-// does not carry, and few of them are ever read.
+// Base name of the including .cpp, computed once per file, because error lines are frequent and rarely read.
 [[maybe_unused]] static const char* const kLogFile = get_filename(__BASE_FILE__);
+
+// Where a line comes from, for a helper in a header.
+struct LogPlace {
+  const char* tag;
+  const char* file;
+  int line;
+  const char* operation;
+};
 
 }  // namespace orlu
 
@@ -27,7 +37,6 @@ inline bool isDebugLogOn() {
                       __VA_ARGS__)
 #define ORLU_LOG_BARE(priority, tag, format, ...) __android_log_print(priority, tag, format "%s", __VA_ARGS__)
 
-// For a helper, which is never shown: the line names the operation that it works for.
 #define LOGE_AS(operation, ...) ORLU_LOG_LINE(ANDROID_LOG_ERROR, operation, __VA_ARGS__, "")
 #define LOGD_AS(operation, ...)                                                               \
   do {                                                                                        \
@@ -37,6 +46,11 @@ inline bool isDebugLogOn() {
 #define LOGE(...) LOGE_AS(__func__, __VA_ARGS__)
 #define LOGD(...) LOGD_AS(__func__, __VA_ARGS__)
 
-// The few lines that carry a shorter tag and no prefix; not gated.
+#define LOG_PLACE (::orlu::LogPlace{kLogTag, ::orlu::kLogFile, __LINE__, __func__})
+#define LOGE_AT(place, format, ...)                                                                     \
+  __android_log_print(ANDROID_LOG_ERROR, (place).tag, "%s:%d %s() " format, (place).file, (place).line, \
+                      (place).operation, __VA_ARGS__)
+
+// The few lines that carry a shorter tag and no prefix. They are written whatever the log level.
 #define LOGE_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_ERROR, tag, __VA_ARGS__, "")
 #define LOGD_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_DEBUG, tag, __VA_ARGS__, "")

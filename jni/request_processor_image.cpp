@@ -90,7 +90,7 @@ int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, j
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const jobject first = vrequest.firstComposition();
-  parser.knowFrame(vrequest.firstCaptureResult(), first);
+  parser.checkFramesOnce(vrequest.captureResults(), vrequest.captureResultCompositions());
   RequestInFlight flight(client, vrequest, parser);
   parser.getStringArray(flight.algoList, kAlgoTypeKey, nullptr, first);
   flight.metadata = client->context().createMetadata();
@@ -153,7 +153,7 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const jobject first = vrequest.firstComposition();
-  parser.knowFrame(vrequest.firstCaptureResult(), first);
+  parser.checkFramesOnce(vrequest.captureResults(), vrequest.captureResultCompositions());
   int64_t address = 0;
   parser.getLongOrlu(address, "nativeRequestAddr", first);
   const auto nativeReq = static_cast<uint64_t>(address);

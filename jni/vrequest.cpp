@@ -84,10 +84,6 @@ jobject VRequest::firstComposition() const {
   return mCaptureResultCompositions.empty() ? nullptr : mCaptureResultCompositions.front();
 }
 
-jobject VRequest::firstCaptureResult() const {
-  return mCaptureResults.empty() ? nullptr : mCaptureResults.front();
-}
-
 int VRequest::initFromEnv(JNIEnv* env) {
   mEnv = env;
   if (mEnv == nullptr) {
@@ -96,17 +92,9 @@ int VRequest::initFromEnv(JNIEnv* env) {
   }
   mReservedReferences = kLocalReferences;
   reserveLocalReferences(mEnv, mReservedReferences);
-  int result = 0;
-  JniMemberWalk<VRequest> walk(mEnv, *this, Table::kRows);
-  while (const Table::Row* row = walk.nextMissing()) {
-    result = -1;
-    if (row->has(Table::Row::kBareTag)) {
-      LOGE_BARE(kShortLogTag, "%s is null", row->label);
-    } else {
-      LOGE("%s is null", row->label);
-    }
-  }
-  return result;
+  JniMemberWalk<VRequest> walk(mEnv, *this, LOG_PLACE, kShortLogTag);
+  walk.resolve(Table::kRows);
+  return walk.result();
 }
 
 void VRequest::getRequestInfo(jobject request) {

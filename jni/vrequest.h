@@ -36,9 +36,8 @@ public:
   // One entry per frame, same order in both; borrowed, and null where the Java side had none.
   const std::vector<jobject>& captureResultCompositions() const { return mCaptureResultCompositions; }
   const std::vector<jobject>& captureResults() const { return mCaptureResults; }
-  // The first frame's, or null when there is none.
+  // The first frame's composition, or null when there is none.
   jobject firstComposition() const;
-  jobject firstCaptureResult() const;
 
   // Write a property of output image `index` into its frame record and its Java descriptor. An index that is
   // not below both numbers of outputs is logged and changes nothing.

@@ -237,8 +237,15 @@ inline P parserWithout(const std::string& hidden) {
   return P(env());
 }
 
-inline std::string parserLine(const std::string& message) {
-  return errorLine("CameraMetadataParser", message);
+// The parser's lines as "operation() message"; a line of another kind with all that makes it so.
+inline Lines parserErrors(const LogCapture& log) {
+  Lines lines;
+  for (const LogLine& line : log.lines()) {
+    const bool isUsual = line.tag == "_V_VASJNI-CameraMetadataParser" && line.priority == ANDROID_LOG_ERROR &&
+                         line.file.rfind("camera_metadata_parser", 0) == 0;
+    lines.push_back(isUsual ? line.function + "() " + line.message : line.tag + ": " + line.text());
+  }
+  return lines;
 }
 
 }  // namespace orlu::test

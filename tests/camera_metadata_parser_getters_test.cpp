@@ -4,7 +4,6 @@
 
 #include "camera_metadata_parser_getter_table.h"
 #include "case_name.h"
-#include "error_lines.h"
 #include "jni_table.h"
 
 namespace orlu::test {
@@ -18,11 +17,11 @@ protected:
   }
   void expectValue(jobject source, jobject parameter) {
     EXPECT_EQ(mValue, read(source, parameter));
-    EXPECT_EQ(Lines(), errorLines(mLog));
+    EXPECT_EQ(Lines(), parserErrors(mLog));
   }
   void expectMissing(const char* what, jobject source, jobject parameter = nullptr) {
     EXPECT_EQ("-1:", read(source, parameter)) << what;
-    EXPECT_EQ(Lines{mMissing}, errorLines(mLog)) << what;
+    EXPECT_EQ(Lines{mMissing}, parserErrors(mLog)) << what;
   }
   bool isOverridable() const { return mGetter.source == kResult; }
   jobject full() const { return sourceOf(mGetter, true); }
@@ -33,7 +32,10 @@ protected:
   LogCapture mLog;
   const Getter& mGetter = GetParam();
   const std::string mValue = std::string("0: ") + mGetter.text;
-  const std::string mMissing = parserLine(std::string("get ") + mGetter.key + " is null");
+  std::string missing(const std::string& operation, const std::string& key = GetParam().key) const {
+    return operation + "() get " + key + " is null";
+  }
+  const std::string mMissing = missing(mGetter.name);
 };
 
 TEST_P(CameraMetadataParserGetterTest, ReadsAValue) {
@@ -61,23 +63,26 @@ TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
   if (mGetter.source == kCharacteristics) return;  // they answer in the type that it is asked for
   jobject wrong = compositionWith(mGetter.key, mGetter.wrong());
   EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition wins";
-  EXPECT_EQ(Lines{parserLine(std::string("wrong object type ") + mGetter.key)}, errorLines(mLog));
+  EXPECT_EQ(Lines{std::string(mGetter.name) + "() wrong object type " + mGetter.key}, parserErrors(mLog));
   mParser.initFromEnv(env(), true);
   EXPECT_EQ(isOverridable() ? mValue : "-1:", read(full(), wrong)) << "a parser without the class";
 }
 
 TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
+  const std::string thrown = missing("getMetadataObjectFromOrluAlgorithmParameter");
   if (mGetter.source == kParameter) {
     EXPECT_EQ("-1:", read(newThrowingComposition()));
-    EXPECT_EQ((Lines{mMissing, mMissing}), errorLines(mLog)) << "one for the lookup, one for the getter";
+    EXPECT_EQ((Lines{thrown, mMissing}), parserErrors(mLog)) << "one for the lookup, one for the getter";
     return;
   }
-  const std::string unknown = parserLine("get no.such.tag is null");
-  EXPECT_EQ("-1:", read(full(), nullptr, "no.such.tag"));
-  EXPECT_EQ((Lines{unknown, unknown}), errorLines(mLog));
+  const std::string lookup =
+      isOverridable() ? "getMetadataObjectFromCaptureResult" : "getMetadataObjectFromCharacteristics";
+  const std::string tag = "no.such.tag";
+  EXPECT_EQ("-1:", read(full(), nullptr, tag.c_str()));
+  EXPECT_EQ((Lines{missing(lookup, tag), missing(mGetter.name, tag)}), parserErrors(mLog));
   if (!isOverridable()) return;
   EXPECT_EQ(mValue, read(full(), newThrowingComposition())) << "asks the capture result next";
-  EXPECT_EQ(Lines{mMissing}, errorLines(mLog));
+  EXPECT_EQ(Lines{thrown}, parserErrors(mLog));
 }
 
 INSTANTIATE_TEST_SUITE_P(Getters, CameraMetadataParserGetterTest, testing::ValuesIn(kGetters), CaseName());
@@ -100,7 +105,7 @@ TEST_P(CameraMetadataParserSpecialTest, IsReadAsFarAsItGoes) {
   const LogCapture log;
   jobject composition = compositionWith("key", c.make());
   EXPECT_EQ(c.text, readBy(parser, c.read, {"key", composition, composition, c.capacity}));
-  EXPECT_EQ(Lines(), errorLines(log));
+  EXPECT_EQ(Lines(), parserErrors(log));
 }
 
 jobject countedFaces(int count) {

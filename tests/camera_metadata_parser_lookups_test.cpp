@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "camera_metadata_parser_getter_table.h"
-#include "error_lines.h"
 #include "jni_table.h"
 
 namespace orlu::test {
@@ -61,6 +60,27 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   }
 }
 
+// Frames are checked once each, and an object that is none is not taken for one.
+TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
+  jobject composition = compositionWith("i", javaInt(4));
+  const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
+  const std::vector<jobject> compositions = {composition, javaString("composition"), composition};
+  mParser.checkFramesOnce(results, compositions);
+  const JniTable table(env());
+  for (int round = 1; round <= 3; ++round) {
+    for (size_t i = 0; i < results.size(); ++i) {
+      int32_t value = 0;
+      int64_t timestamp = 0;
+      mParser.getInt(value, "i", results[i], compositions[i]);
+      mParser.getLong(timestamp, "android.sensor.timestamp", results[i], compositions[i]);
+      EXPECT_EQ(i == 1 ? 0 : 4, value);
+      EXPECT_EQ(i == 1 ? 0 : 5, timestamp);
+    }
+  }
+  // Of the two good frames: both objects once, and two values in each round. Of the other one: all of it.
+  EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
+}
+
 // ---- Serialising
 
 TEST_F(CameraMetadataParserLookupTest, SerialisesAsAParcel) {
@@ -72,7 +92,7 @@ TEST_F(CameraMetadataParserLookupTest, SerialisesAsAParcel) {
   const JniTable table(env());
   EXPECT_EQ(expected, mParser.getMetadata(result));
   EXPECT_EQ(expected, mParser.getMetadata(result));
-  EXPECT_EQ(Lines(), errorLines(mLog));
+  EXPECT_EQ(Lines(), parserErrors(mLog));
   EXPECT_EQ(0, table.localReferences());
   EXPECT_EQ(0, table.heldArrays());
 }
@@ -106,8 +126,8 @@ TEST_F(CameraMetadataParserLookupTest, SerialisesNothingAfterAFailingStep) {
     EXPECT_TRUE(mParser.getMetadata(source).empty()) << step.hidden;
     EXPECT_FALSE(env()->ExceptionCheck());
     Lines expected;
-    for (const std::string& message : step.messages) expected.push_back(parserLine(message));
-    EXPECT_EQ(expected, errorLines(mLog)) << step.hidden;
+    for (const std::string& message : step.messages) expected.push_back("getMetadata() " + message);
+    EXPECT_EQ(expected, parserErrors(mLog)) << step.hidden;
   }
 }
 

@@ -39,17 +39,17 @@ const Putter kPutters[] = {
     {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "long[] 5000000001 -2", kIntegers},
     {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2", kFloats},
     {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2", kDoubles},
-    {"putNoInts",      kComposition, PUT(putIntArray, nullptr, 0), "int[]", kIntegers},
-    {"putIntIntoMap",  kHashMap, PUT(putIntIntoHashMap, -4), "Integer -4", kInteger},
-    {"putFloatIntoMap", kHashMap, PUT(putFloatIntoHashMap, 2.5F), "Float 2.5", kFloat},
-    {"putLongIntoMap", kHashMap, PUT(putLongIntoHashMap, kBig), "Long 5000000001", kLong},
-    {"putIntsIntoMap", kHashMap, PUT(putIntArrayIntoHashMap, kIntValues, 3), "int[] 1 -2 3", kIntegers},
+    {"putIntArray_none", kComposition, PUT(putIntArray, nullptr, 0), "int[]", kIntegers},
+    {"putIntIntoHashMap", kHashMap, PUT(putIntIntoHashMap, -4), "Integer -4", kInteger},
+    {"putFloatIntoHashMap", kHashMap, PUT(putFloatIntoHashMap, 2.5F), "Float 2.5", kFloat},
+    {"putLongIntoHashMap", kHashMap, PUT(putLongIntoHashMap, kBig), "Long 5000000001", kLong},
+    {"putIntArrayIntoHashMap", kHashMap, PUT(putIntArrayIntoHashMap, kIntValues, 3), "int[] 1 -2 3", kIntegers},
 };
 #undef PUT
 // clang-format on
 
-const std::string kNoInput = parserLine("put some.key, input param is null");
-const std::string kNotPut = parserLine("put some.key is null");
+constexpr char kNoInput[] = "put some.key, input param is null";
+constexpr char kNotPut[] = "put some.key is null";
 
 // The one value of a map.
 jobject valueIn(jobject map) {
@@ -75,7 +75,8 @@ protected:
   }
   void expectFailure(const std::string& line, P& parser, jobject container, const std::string& what) {
     EXPECT_EQ(-1, put(parser, container)) << what;
-    EXPECT_EQ(Lines{line}, errorLines(mLog)) << what;
+    const std::string putter = mPutter.name;
+    EXPECT_EQ(Lines{putter.substr(0, putter.find('_')) + "() " + line}, parserErrors(mLog)) << what;
   }
 
   LocalFrame mFrame;
@@ -88,7 +89,7 @@ TEST_P(CameraMetadataParserPutterTest, StoresAJavaValueUnderTheKey) {
   jobject container = newContainer();
   EXPECT_EQ(0, put(mParser, container));
   EXPECT_EQ(0, put(mParser, container)) << "over a value";
-  EXPECT_EQ(Lines(), errorLines(mLog));
+  EXPECT_EQ(Lines(), parserErrors(mLog));
   EXPECT_EQ(mPutter.stored, describeJava(isMap() ? valueIn(container) : getKey(container, kKey)));
 }
 
@@ -151,7 +152,7 @@ TEST_F(CameraMetadataParserPuttersTest, StoreObjectsAsTheyAre) {
   EXPECT_EQ(-1, mParser.putMetadataObjectIntoCaptureResultComposition(nullptr, kKey, value));
   EXPECT_EQ(-1, mParser.putObjectIntoHashMap(map, kKey, nullptr));
   EXPECT_EQ(-1, mParser.putObjectIntoHashMap(nullptr, kKey, value));
-  EXPECT_EQ(Lines(), errorLines(mLog));
+  EXPECT_EQ(Lines(), parserErrors(mLog));
 }
 
 TEST_F(CameraMetadataParserPuttersTest, TellWhyThereIsNoMap) {
@@ -159,13 +160,13 @@ TEST_F(CameraMetadataParserPuttersTest, TellWhyThereIsNoMap) {
     P parser = parserWithout(hidden);
     mLog.clear();
     EXPECT_EQ(nullptr, parser.createHashMap());
-    EXPECT_EQ(Lines{parserLine("createHashMap failed, input is null")}, errorLines(mLog)) << hidden;
+    EXPECT_EQ(Lines{"createHashMap() createHashMap failed, input is null"}, parserErrors(mLog)) << hidden;
   }
   mLog.clear();
   JniTable table(env());
   table.fail("NewObjectV");
   EXPECT_EQ(nullptr, mParser.createHashMap());
-  EXPECT_EQ(Lines{parserLine("createHashMap failed")}, errorLines(mLog));
+  EXPECT_EQ(Lines{"createHashMap() createHashMap failed"}, parserErrors(mLog));
 }
 
 }  // namespace

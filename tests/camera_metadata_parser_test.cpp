@@ -6,8 +6,8 @@
 #include <iterator>
 #include <sstream>
 
+#include "camera_metadata_parser_getter_table.h"
 #include "case_name.h"
-#include "error_lines.h"
 #include "fixtures.h"
 #include "jni_table.h"
 #include "paths.h"
@@ -56,7 +56,7 @@ std::string classOf(const Entry& entry) {
 
 std::string isNull(const std::string& name) {
   if (name.rfind("short:", 0) == 0) return "VASJNI-CameraMetadataParser: " + name.substr(6) + " is null";
-  return test::errorLine("CameraMetadataParser", name + " is null");
+  return "initFromEnv() " + name + " is null";
 }
 
 class CameraMetadataParserTest : public testing::Test {
@@ -86,12 +86,12 @@ TEST_F(CameraMetadataParserTest, LooksEverythingUpInOrder) {
     EXPECT_EQ(withoutComposition ? 29 : 30, table.localReferences())
         << "the classes, until the native method returns";
   }
-  EXPECT_EQ(Lines(), errorLines(mLog));
+  EXPECT_EQ(Lines(), test::parserErrors(mLog));
 }
 
 TEST_F(CameraMetadataParserTest, NeedsAnEnvironment) {
   EXPECT_EQ(-1, mParser.initFromEnv(nullptr, false));
-  EXPECT_EQ(Lines{isNull("mEnv")}, errorLines(mLog));
+  EXPECT_EQ(Lines{isNull("mEnv")}, test::parserErrors(mLog));
 }
 
 class CameraMetadataParserMissingTest : public CameraMetadataParserTest,
@@ -104,7 +104,7 @@ TEST_P(CameraMetadataParserMissingTest, TellsWhatIsMissingAndGoesOn) {
   EXPECT_EQ(-1, init(false));
   Lines errors;
   for (const std::string& name : missing.told) errors.push_back(isNull(name));
-  EXPECT_EQ(missing.told.empty() ? Lines{isNull(missing.name)} : errors, errorLines(mLog));
+  EXPECT_EQ(missing.told.empty() ? Lines{isNull(missing.name)} : errors, test::parserErrors(mLog));
   // The members of a missing class are not looked up, and nothing is behind the walk's end.
   Lines lookups;
   for (const Entry& entry : kEntries) {
