@@ -1,5 +1,5 @@
-// Logging macros. Their tag is `kLogTag`, as it is known in the place of the call: a member of the class, or a
-// constant of the file.
+// Logging macros. Their tag is `kLogTag`, as it is known in the place of the call: a member of the class, or
+// a constant of the file.
 //
 // Every line begins with the source file's base name, the line, and the operation that it is about. LOGE()
 // and LOGD() show the function that contains them; a helper shows its caller's operation instead, by
