@@ -5,7 +5,7 @@
 # What ./run takes: compiler, build tools, JDK, and the libraries of the host layer.
 readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
-  libgoogle-gson-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev
+  libgoogle-gson-java libpicocli-java libturbojpeg0-dev libexif-dev nlohmann-json3-dev
 )
 # What the tests take beside that: their library, and the tools that look into files.
 readonly test_packages=(libgtest-dev binutils python3)

@@ -79,7 +79,10 @@ refused '--photo: no photo that can be read: photo.jpg' --photo photo.jpg
 refused 'unknown option --colour; --help lists all' --colour
 refused '--out needs a value' --out
 command_ends 0 --help
-prints "usage: ./run" "--params" "--log" "--out DIR" "--photo FILE" "--one-client" "--check" "--json FILE"
+prints "usage: ./run [options]" "--params" "--out=DIR"
+# What the shell prints without a build is what the options say of themselves.
+command_ends 0 --check --help
+diff "$root/service/run_help.txt" out >&2 || fail "service/run_help.txt is not what ./run --check --help prints"
 request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
 [ "$(cat out)" = $'right.json: right\n'"$root/samples/night.json: right" ] || fail "--check: $(cat out)"

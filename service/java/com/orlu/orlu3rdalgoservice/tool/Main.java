@@ -27,6 +27,9 @@ public final class Main {
     private static int status(String[] arguments) {
         try {
             Options options = Options.parse(arguments);
+            if (options == null) {
+                return Verdict.OK;
+            }
             String died = System.getProperty("orlu.died");
             return died == null ? new Session(options).run()
                     : new PostMortem(options, Integer.parseInt(died)).run();

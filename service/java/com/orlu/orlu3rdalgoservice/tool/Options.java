@@ -2,38 +2,125 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
-import java.util.ArrayList;
 import java.util.List;
 
-/** The command line of ./run, which prints service/run_help.txt itself. */
-final class Options {
-    final List<Path> files = new ArrayList<>();
-    boolean params;
-    boolean oneClient;
-    boolean check;
-    boolean wide;
-    Path out = Path.of("out");
-    Path photo;
-    Path json;
-    Path events;
+import picocli.CommandLine;
+import picocli.CommandLine.MissingParameterException;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.OptionSpec;
+import picocli.CommandLine.Model.PositionalParamSpec;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.ParseResult;
+import picocli.CommandLine.UnmatchedArgumentException;
 
-    /** Reads the arguments; one that is not understood is an IllegalArgumentException for people. */
+/**
+ * The command line of ./run: every option, with its words in the help, of which service/run_help.txt is a
+ * copy for a machine without a build. The rows are calls and not annotations, which the VM would read for 50 ms.
+ */
+final class Options {
+    private static final int HELP_COLUMNS = 80;
+    private static final String ABOUT = """
+
+            Sends camera requests through the post-processing library, as the service does, and tells what \
+            went in, what ran and what came back. Without a request file it takes samples/night.json.
+            """;
+    private static final String STATUSES = """
+
+            The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
+            status is 0 when all went well, 1 when a request failed, 2 when the command line or a request file \
+            can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
+            opened, has no entry, lacks a callable that no request can do without, or makes no client. When it ends the \
+            process, DIR/crash.log says where.
+            """;
+    private static final String VARIABLES = """
+            Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
+            another algorithm library before the stand-in.
+            """;
+
+    final boolean params;
+    final boolean wide;
+    final boolean oneClient;
+    final boolean check;
+    final Path out;
+    final Path photo;
+    final Path json;
+    final Path events;
+
+    private final List<Path> mFiles;
+
+    private Options(ParseResult line) {
+        params = line.hasMatchedOption("--params");
+        wide = line.hasMatchedOption("--wide");
+        oneClient = line.hasMatchedOption("--one-client");
+        check = line.hasMatchedOption("--check");
+        out = line.matchedOptionValue("--out", Path.of("out"));
+        photo = line.matchedOptionValue("--photo", null);
+        json = line.matchedOptionValue("--json", null);
+        events = line.matchedOptionValue("--events", null);
+        mFiles = line.matchedPositionalValue(0, List.of());
+    }
+
+    private static CommandSpec commandSpec() {
+        CommandSpec command = CommandSpec.create().name("./run");
+        command.addOption(flag("print every parameter handed to the algorithms", "--params"));
+        command.addOption(flag("print lines of any length, instead of cutting them to 80 columns", "--wide"));
+        // The launcher looks for these two itself, before it starts a VM.
+        command.addOption(flag("run the 32-bit ARM library, in an ARM JVM under an emulator", "--arm"));
+        command.addOption(flag("show the library's log on standard error", "--log"));
+        command.addOption(path("DIR", "write the resulting images there (default: out)", "--out"));
+        command.addOption(
+                path("FILE", "make the frames of this photo instead of the request's own", "--photo"));
+        command.addOption(flag("run all requests on one client instead of one for each", "--one-client"));
+        command.addOption(flag("only read the request files and say whether they are right", "--check"));
+        command.addOption(path("FILE",
+                "write parameters, algorithm lists, results, times and the verdict as JSON", "--json"));
+        command.addOption(path("FILE", "keep all that passed between the library and the algorithm library, "
+                + "and every look-up of a tag, as JSON lines (docs/events.md)", "--events"));
+        command.addOption(
+                OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
+        command.addPositional(PositionalParamSpec.builder().paramLabel("request.json").arity("0..*")
+                .hidden(true).type(List.class).auxiliaryTypes(Path.class).build());
+        command.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
+                .customSynopsis("./run [options] [request.json ...]").description(ABOUT)
+                .footer(STATUSES, VARIABLES);
+        return command;
+    }
+
+    private static OptionSpec flag(String description, String name) {
+        return OptionSpec.builder(name).description(description).build();
+    }
+
+    private static OptionSpec path(String label, String description, String name) {
+        return OptionSpec.builder(name).paramLabel(label).type(Path.class).description(description).build();
+    }
+
+    /**
+     * Reads the arguments, and returns null when they only ask for the help, which is printed then. What is
+     * not understood is an IllegalArgumentException for people.
+     */
     static Options parse(String[] arguments) {
-        Options options = new Options();
-        for (int i = 0; i < arguments.length; ++i) {
-            switch (arguments[i]) {
-                case "--params" -> options.params = true;
-                // The launcher has opened the log and chosen the machine already.
-                case "--log", "--arm" -> { }
-                case "--one-client" -> options.oneClient = true;
-                case "--wide" -> options.wide = true;
-                case "--check" -> options.check = true;
-                case "--out" -> options.out = value(arguments, ++i);
-                case "--photo" -> options.photo = photo(value(arguments, ++i));
-                case "--events" -> options.events = value(arguments, ++i);
-                case "--json" -> options.json = value(arguments, ++i);
-                default -> options.files.add(file(arguments[i]));
+        CommandLine command = new CommandLine(commandSpec()).setOverwrittenOptionsAllowed(true);
+        try {
+            ParseResult line = command.parseArgs(arguments);
+            if (line.isUsageHelpRequested()) {
+                command.usage(System.out);
+                return null;
             }
+            return checked(new Options(line));
+        } catch (UnmatchedArgumentException e) {
+            throw new IllegalArgumentException(
+                    "unknown option " + e.getUnmatched().get(0) + "; --help lists all", e);
+        } catch (MissingParameterException e) {
+            throw new IllegalArgumentException(
+                    ((OptionSpec) e.getMissing().get(0)).longestName() + " needs a value", e);
+        } catch (ParameterException e) {
+            throw new IllegalArgumentException(e.getMessage(), e);
+        }
+    }
+
+    private static Options checked(Options options) {
+        if (options.photo != null && !Files.isRegularFile(options.photo)) {
+            throw new IllegalArgumentException("--photo: no such photo: " + options.photo);
         }
         return options;
     }
@@ -41,30 +128,6 @@ final class Options {
     /** The request files, or the one that the launcher names when there are none. */
     List<Path> requests() {
         String usual = System.getProperty("orlu.request");
-        if (!files.isEmpty() || usual == null) {
-            return files;
-        }
-        return List.of(Path.of(usual));
-    }
-
-    private static Path value(String[] arguments, int index) {
-        if (index >= arguments.length) {
-            throw new IllegalArgumentException(arguments[index - 1] + " needs a value");
-        }
-        return Path.of(arguments[index]);
-    }
-
-    private static Path photo(Path photo) {
-        if (!Files.isRegularFile(photo)) {
-            throw new IllegalArgumentException("--photo: no such photo: " + photo);
-        }
-        return photo;
-    }
-
-    private static Path file(String argument) {
-        if (argument.startsWith("-")) {
-            throw new IllegalArgumentException("unknown option " + argument + "; --help lists all");
-        }
-        return Path.of(argument);
+        return !mFiles.isEmpty() || usual == null ? mFiles : List.of(Path.of(usual));
     }
 }
