@@ -28,12 +28,11 @@ ALGO_REQUEST_TYPE requestTypeOf(const VRequest& request) {
 
 // The capture result whose camera metadata goes with the request.
 int metadataFrame(MetadataUpdater& updater, const VRequest& request) {
-  constexpr int kFiveFrameHdr = 6;
   int hdrType = 0;
   int frameIndex = -1;
   updater.updateRawnrHDRFrameIndex(hdrType, frameIndex);
   const bool inRange = frameIndex >= 1 && static_cast<size_t>(frameIndex) < request.captureResults().size();
-  return hdrType == kFiveFrameHdr && inRange ? frameIndex : 0;
+  return hdrType == kHdr5Yuv && inRange ? frameIndex : 0;
 }
 
 bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outputs, jobject compositions) {
