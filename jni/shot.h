@@ -6,8 +6,8 @@
 //   keep   The same through a member, whose value stays where the frame lacks the tag.
 //            shot.keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");
 //   read, change, write   For everything else: readOr(), or read() where the status counts; then write().
-//            shot.write<int32_t>(kControl, "flash_mode", shot.readOr<int32_t>("android.control.aeMode") ==
-//            3);
+//            const auto gain = shot.readOr<int32_t>("orlu.feedback.analog_gain");
+//            shot.write<float>(kParameter, "analog_gain", static_cast<float>(gain / 1024));
 //
 // The first argument may be the frame to read from; without it the first frame is read. A type is named once
 // and says both the getter and the width.
