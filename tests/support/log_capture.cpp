@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <map>
 
 namespace orlu::test {
 namespace {
 
 std::atomic<LogCapture*> gInnermost{nullptr};
+
+// Lines that were logged before, by "priority tag: file function() message".
+std::mutex gEverythingMutex;
+std::map<std::string, LogLine> gEverything;
 
 LogLine parseLine(const __android_log_message& logged) {
   LogLine line = {logged.priority, logged.tag, "", "", logged.message};
@@ -39,8 +44,20 @@ void LogCapture::log(const __android_log_message* message) {
   LogCapture* const capture = gInnermost;
   if (capture == nullptr) return;
   const LogLine line = parseLine(*message);
-  const std::lock_guard<std::mutex> lock(capture->mMutex);
-  capture->mLines.push_back(line);
+  {
+    const std::lock_guard<std::mutex> lock(capture->mMutex);
+    capture->mLines.push_back(line);
+  }
+  if (line.file.empty()) return;
+  const std::lock_guard<std::mutex> lock(gEverythingMutex);
+  gEverything.emplace(std::to_string(line.priority) + line.tag + line.text(), line);
+}
+
+std::vector<LogLine> LogCapture::everything() {
+  const std::lock_guard<std::mutex> lock(gEverythingMutex);
+  std::vector<LogLine> lines;
+  for (const auto& [text, line] : gEverything) lines.push_back(line);
+  return lines;
 }
 
 std::vector<LogLine> LogCapture::lines() const {

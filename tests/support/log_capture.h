@@ -38,6 +38,8 @@ public:
   }
   // Whether "tag: file function() message" of any line has this part.
   bool contains(const std::string& part) const;
+  // Every line with a prefix that any capture took so far, once for each of its messages.
+  static std::vector<LogLine> everything();
   // All lines as "tag: file function() message", each with its end of line.
   std::string text() const;
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "log_capture.h"
+#include "log_texts.h"
 
 namespace orlu::test {
 
@@ -25,9 +26,11 @@ class LogOfFailures : public testing::EmptyTestEventListener {
   LogCapture mLog;
 };
 
+// Also fails when a test logged a line that no text in golden/logs has.
 inline int runTests() {
   testing::UnitTest::GetInstance()->listeners().Append(new LogOfFailures());
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  return LogTexts().haveAll(LogCapture::everything()) ? result : 1;
 }
 
 }  // namespace orlu::test
