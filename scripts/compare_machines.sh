@@ -1,6 +1,6 @@
 #!/bin/bash
 # Runs requests on this machine and on the ARM one, and compares parameters, algorithm lists, values put back,
-# output descriptors and images.
+# output descriptors, images and events.
 #   scripts/compare_machines.sh [request.json ...]      all samples when none is named
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -17,8 +17,8 @@ trap 'rm -rf "$work"' EXIT
 results_of() {
   local folder=$work/$1
   mkdir "$folder"
-  if ! "$root/run" "${@:2}" --wide --json "$folder/results.json" --out "$folder/images" "${requests[@]}" \
-    >"$folder/summary.txt"; then
+  if ! "$root/run" "${@:2}" --wide --json "$folder/results.json" --events "$folder/events" --out "$folder/images" \
+    "${requests[@]}" >"$folder/summary.txt"; then
     cat "$folder/summary.txt" >&2
     die "a request failed on $1"
   fi

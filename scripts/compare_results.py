@@ -5,6 +5,7 @@ compare_results.py FOLDER FOLDER: each holds what one machine left behind,
   results.json  parameters in their order, algorithm lists, values put back, output descriptors
   summary.txt   what ./run printed: which algorithms ran, frames kept and moved, callbacks
   images/       the output images
+  events        what passed between the library, the algorithm library and the Java stores
 
 All must be equal but for times: how long something took, and the time of day in a JPEG's EXIF block.
 """
@@ -13,6 +14,8 @@ import json
 import re
 import sys
 from pathlib import Path
+
+from compare_events import compare_events, count_events
 
 DURATION = re.compile(r"\b\d+\.\d ms\b")
 # A descriptor is a number of the process.
@@ -91,12 +94,14 @@ def counts(folder):
     parameters = sum(len(report.get("parameters", [])) for report in reports)
     put = sum(len(composition) for report in reports for composition in report["put"])
     images = sum(1 for _ in (folder / "images").iterdir())
-    return f"{len(reports)} requests, {parameters} parameters, {put} values put back, {images} images"
+    return (f"{len(reports)} requests, {parameters} parameters, {put} values put back, {images} images, "
+            f"{count_events(folder)} events")
 
 
 def main():
     one, other = (Path(argument) for argument in sys.argv[1:3])
-    found = [*compare_results(one, other), *compare_summaries(one, other), *compare_images(one, other)]
+    found = [*compare_results(one, other), *compare_summaries(one, other), *compare_images(one, other),
+             *compare_events(one, other)]
     print(f"{one.name} / {other.name}: {counts(one)}: "
           + (f"{len(found)} differences" if found else "all the same"))
     for line in found[:SHOWN]:
