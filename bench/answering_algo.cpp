@@ -13,6 +13,7 @@ using android::hardware::hidl_vec;
 int gToken = 0;
 
 std::atomic<ProcessHandler> gHandler{nullptr};
+std::atomic<TableFilter> gFilter{nullptr};
 thread_local uint64_t gLastNativeRequest = 0;
 
 // A callback's data without a payload.
@@ -57,6 +58,10 @@ void setProcessHandler(ProcessHandler handler) {
   gHandler = handler;
 }
 
+void setTableFilter(TableFilter filter) {
+  gFilter = filter;
+}
+
 void callBack(uint64_t cookie, uint64_t nativeReq) {
   ShotMessage message(nativeReq);
   hidl_vec<uint8_t> data;
@@ -79,4 +84,5 @@ extern "C" void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
   table->createClient = [](const orlu::AlgoCreateClientRecord&) -> void* { return &orlu::bench::gToken; };
   table->destroyClient = [](void*) { return 0; };
   orlu::bench::fillMetadataOps(table->metadataOps);
+  if (const orlu::bench::TableFilter filter = orlu::bench::gFilter) filter(table);
 }

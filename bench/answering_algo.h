@@ -10,6 +10,10 @@ namespace orlu::bench {
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 
+// What is done with each table that is filled in from now on; null: nothing.
+using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
+void setTableFilter(TableFilter filter);
+
 // Tells that a request is done, on the calling thread, without taking memory.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 

@@ -17,6 +17,7 @@ void registerWakeupBenches(const BenchSize& size);
 void registerGrowthBenches(const BenchSize& size);
 void registerFlightBenches(const BenchSize& size);
 void registerClientsBenches(const BenchSize& size);
+void registerProbeBenches(const BenchSize& size);
 void registerMemoryBenches(const BenchSize& size);
 
 }  // namespace orlu::bench

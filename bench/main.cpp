@@ -61,6 +61,7 @@ int main(int argc, char** argv) {
   orlu::bench::registerGrowthBenches(size);
   orlu::bench::registerFlightBenches(size);
   orlu::bench::registerClientsBenches(size);
+  orlu::bench::registerProbeBenches(size);
   if (size.memoryRequests > 0) orlu::bench::registerMemoryBenches(size);
   warmUp(size);
   benchmark::RunSpecifiedBenchmarks();

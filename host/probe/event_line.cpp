@@ -31,6 +31,11 @@ void append(std::string& text, Number value, int base = 10) {
   text.append(digits, std::to_chars(digits, digits + sizeof digits, value, base).ptr);
 }
 
+// Stands for itself in a JSON text.
+bool isPlain(char character) {
+  return character >= 0x20 && character < 0x7F && character != '"' && character != '\\';
+}
+
 bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
@@ -113,9 +118,12 @@ EventLine& EventLine::bytes(const char* name, const void* data, size_t size) {
   begin(name);
   mText += '"';
   const auto* const bytes = static_cast<const uint8_t*>(data);
-  for (size_t i = 0; i < std::min(size, kMostBytes); ++i) {
-    mText += kDigits[bytes[i] >> 4];
-    mText += kDigits[bytes[i] & 0xF];
+  const size_t count = std::min(size, kMostBytes);
+  size_t place = mText.size();
+  mText.resize(place + 2 * count);
+  for (size_t i = 0; i < count; ++i) {
+    mText[place++] = kDigits[bytes[i] >> 4];
+    mText[place++] = kDigits[bytes[i] & 0xF];
   }
   mText += '"';
   return *this;
@@ -163,13 +171,17 @@ void EventLine::begin(const char* name) {
   const char last = mText.back();
   if (last != '{' && last != '[') mText += ',';
   if (name == nullptr) return;
-  quote(name);
-  mText += ':';
+  ((mText += '"') += name) += "\":";
 }
 
 void EventLine::quote(std::string_view value) {
   mText += '"';
   while (!value.empty()) {
+    const auto plain =
+        static_cast<size_t>(std::find_if_not(value.begin(), value.end(), isPlain) - value.begin());
+    mText += value.substr(0, plain);
+    value.remove_prefix(plain);
+    if (value.empty()) break;
     const auto byte = static_cast<unsigned char>(value[0]);
     const size_t length = characterLength(value);
     if (length == 0) {
