@@ -30,7 +30,8 @@ capture|name|1|no callback for request 103 within 10 s; process .* ms; 1 callbac
 capture|id|1|no callback .*; 1 callback ignored: it names the native request 0x1 instead of 0x0
 capture|late|1|no callback .*; 1 callback ignored: it came after 11\.[0-9] s
 capture|unattached|0|
-night-async|unattached|1|no callback .*; 1 callback ignored: its thread ".*" is unknown to the VM
+night-async|unattached|1|no callback .*; 1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
+lightstream-stop|unattached|1|1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
 capture|idle|1|handed on, but nobody ran: jpegEncode; output 0 is untouched \(all its bytes are 0\) and of size 0
 watermark|untouched|1|output 0 is untouched \(all its bytes are 0\)
 capture|empty|1|output 0 is a JPEG of size 0

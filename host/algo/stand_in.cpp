@@ -77,7 +77,6 @@ int StandIn::init(const AlgoInitRecord& record) {
     AlgoCall call = callOf("init");
     call.init = &record;
     announce(call);
-    mTrace.init(record);
     return 0;
   });
 }
@@ -87,7 +86,6 @@ int StandIn::process(const AlgoProcessRecord& record) {
     AlgoCall call = callOf("process");
     call.process = &record;
     announce(call);
-    mTrace.process(record);
     const auto script = mScript.current();
     auto request = std::make_unique<Request>(record, script, parametersOf(record.metadata));
     if (script->callBackBeforeReturn) {
@@ -104,7 +102,6 @@ int StandIn::uninit(const AlgoUninitRecord& record) {
     AlgoCall call = callOf("uninit");
     call.uninit = &record;
     announce(call);
-    mTrace.uninit(record);
     const bool dropsRequests = record.mode == kUninitForGood && !mScript.current()->finishInDestroyClient;
     if (dropsRequests) mWorker.abandon(record.client);
     return 0;
@@ -116,7 +113,6 @@ int StandIn::getData(const AlgoGetDataRecord& record) {
     AlgoCall call = callOf("getData", record.block);
     call.getData = &record;
     announce(call);
-    mTrace.getData(record);
     const auto set = mBlocks.find(record.block);
     if (!set) return -1;
     const std::string text = answer(record.cmd);
@@ -129,7 +125,6 @@ int StandIn::flush(const AlgoFlushRecord& record) {
     AlgoCall call = callOf("flush");
     call.flush = &record;
     announce(call);
-    mTrace.operation("flush");
     return mWorker.drain(record.client, kFlushLimit) ? 0 : -1;
   });
 }
@@ -139,7 +134,6 @@ int StandIn::command(const AlgoCommandRecord& record) {
     AlgoCall call = callOf("command");
     call.command = &record;
     announce(call);
-    mTrace.command(record);
     if (isKill(record.data)) {
       mWorker.abandonAll();
       return 0;
@@ -158,7 +152,6 @@ void* StandIn::createClient(const AlgoCreateClientRecord& record) {
     AlgoCall call = callOf("createClient");
     call.createClient = &record;
     announce(call);
-    mTrace.operation("createClient");
     client = mClients.create(record);
     return 0;
   });
@@ -170,7 +163,6 @@ int StandIn::destroyClient(void* client) {
     AlgoCall call = callOf("destroyClient");
     call.client = client;
     announce(call);
-    mTrace.operation("destroyClient");
     if (mScript.current()->finishInDestroyClient) mWorker.drain(client, kFlushLimit);
     mWorker.abandon(client);
     return mClients.destroy(client) ? 0 : -1;
@@ -182,7 +174,6 @@ int StandIn::translateParamFile(const AlgoTranslateParamFileRecord& record) {
     AlgoCall call = callOf("translateParamFile");
     call.translateParamFile = &record;
     announce(call);
-    mTrace.translateParamFile(record);
     return mParameterFiles.read(record);
   });
 }
@@ -192,7 +183,6 @@ void* StandIn::createMetadata(int kind) {
   guarded("createMetadata", [&] {
     announce(callOf("createMetadata"));
     block = mBlocks.create(kind);
-    mTrace.block("createMetadata", block);
     return 0;
   });
   return block;
@@ -201,7 +191,6 @@ void* StandIn::createMetadata(int kind) {
 void StandIn::destroyMetadata(void* block) {
   guarded("destroyMetadata", [&] {
     announce(callOf("destroyMetadata", block));
-    mTrace.block("destroyMetadata", block);
     mVisits.callKept(block);
     mBlocks.destroy(block);
     return 0;
@@ -222,7 +211,6 @@ unsigned StandIn::getSize(void* block) {
 int StandIn::setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
   return guarded("setValue", [&] {
     announce(valueCallOf("setValue", block, section, key, data, size));
-    mTrace.setValue(block, section, key, data, size);
     const auto set = mBlocks.find(block);
     return set ? set->set(section, key, data, size) : -1;
   });

@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.report;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonPrimitive;
 
+import java.math.BigInteger;
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
@@ -50,6 +51,7 @@ final class ParameterFormatter {
         return switch (type) {
             case INT, COUNT -> intAt(0);
             case LONG -> mBytes.getLong(0);
+            case UNSIGNED_LONG -> new BigInteger(value(type));
             case FLOAT -> floatAt(0);
             case BOOL -> mBytes.get(0) != 0;
             case INTS, RECT, CROP -> IntStream.range(0, mSize / 4).map(i -> intAt(4 * i)).toArray();

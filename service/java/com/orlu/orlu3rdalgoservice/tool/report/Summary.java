@@ -26,6 +26,12 @@ public final class Summary {
 
     /** Prints all but the parameters and the verdict. */
     public void print() {
+        printRequest();
+        if (mReport.verdict.status() == Verdict.UNUSABLE) {
+            mLines.line("not run", "the algorithm library can't be used");
+            mTo.println();
+            return;
+        }
         printIn();
         printAlgorithms();
         printBack();
@@ -38,18 +44,21 @@ public final class Summary {
         mTo.println();
     }
 
-    private void printIn() {
+    private void printRequest() {
         RequestFile request = mReport.request;
         mLines.plain(request.about().isEmpty() ? request.file().toString() : request.about());
         mLines.line("file", request.file().toString());
         mLines.line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
                 + (request.fullAsync() ? ", full-async" : ""));
+    }
+
+    private void printIn() {
         mLines.list("in", images(mReport.inputs));
         if (!mReport.inputs.isEmpty()) {
-            mLines.list("", synthesis(request));
+            mLines.list("", synthesis(mReport.request));
         }
         mLines.lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
-        int frames = request.frames().frames().size();
+        int frames = mReport.request.frames().frames().size();
         mLines.line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
 

@@ -24,7 +24,7 @@ public final class TraceReader {
 
     /** A reader of a file that may not be there yet; null for none. */
     public TraceReader(Path file) {
-        mLines = new LineFile(file, line -> line.contains("\"op\":\"done\""));
+        mLines = new LineFile(file, line -> line.contains("\"done\""));
     }
 
     /** The last request that was finished since the last call, null when there was none. */

@@ -86,7 +86,8 @@ public final class Callbacks {
                     + (mProcess == null ? "none" : mProcess.begin().text("nativeReq"));
         }
         if (isUnreachable(callback)) {
-            return "its thread \"" + callback.text("thread") + "\" is unknown to the VM";
+            return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
+                    + "\" is unknown to the VM";
         }
         // Behind one that came in time it is only one too many.
         if (name.equals(SHOT) && isLate(callback) && isMissing()) {
