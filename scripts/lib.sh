@@ -38,19 +38,20 @@ as_root() {
 # follow LOG PATTERN: copies standard input to the end of LOG. Of the lines that match the pattern, a terminal shows
 # the latest, in one line that is rewritten and cleared at the end; elsewhere one goes out every ten seconds.
 follow() {
-  local pattern=$2 line shown=$SECONDS
+  local pattern=$2 line shown=$SECONDS clear=''
   while IFS= read -r line; do
     printf '%s\n' "$line" >&3
     if [[ ! $line =~ $pattern ]]; then
       continue
     elif [ -t 2 ]; then
       printf '\r\e[K%.*s' "$((${COLUMNS:-80} - 1))" "$line" >&2
+      clear=$'\r\e[K'
     elif ((SECONDS - shown >= 10)); then
       printf '%s\n' "$line" >&2
       shown=$SECONDS
     fi
   done 3>>"$1"
-  [ ! -t 2 ] || printf '\r\e[K' >&2
+  printf %s "$clear" >&2
 }
 
 # Name and version of every package of this machine's architecture, a line each; empty until it is asked for.

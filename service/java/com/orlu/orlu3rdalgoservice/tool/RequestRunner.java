@@ -14,6 +14,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.NoiseMeasure;
 import com.orlu.orlu3rdalgoservice.tool.report.OutputImages;
@@ -65,7 +66,9 @@ final class RequestRunner {
             mRequest.properties().forEach(SystemProperties::set);
             makeCompositions();
             makeImages(frames);
+            Progress.show("processing " + mInputs.size() + " inputs");
             process(inbox);
+            Progress.show("comparing and writing " + mOutputs.size() + " outputs");
             mReport.callbacks = inbox.reports();
             awaitLateCallback();
             List<OutputReader> outputs = mOutputs.stream().map(OutputReader::of).toList();
@@ -118,6 +121,7 @@ final class RequestRunner {
 
     private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException {
         for (ImagePlan plan : mRequest.inputs()) {
+            Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
             Picture picture = frames.get(plan.frame()).shot();
             ImagePlan sized = plan.sized(picture.width(), picture.height());
             mInputs.add(ImageBuffer.holding(picture, sized));

@@ -5,6 +5,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
@@ -69,7 +70,12 @@ final class Session {
             if (i > 0) {
                 mTo.println();
             }
-            RequestReport report = runOne(requests.get(i), !mOptions.oneClient || i == requests.size() - 1);
+            RequestReport report;
+            try {
+                report = runOne(requests.get(i), !mOptions.oneClient || i == requests.size() - 1);
+            } finally {
+                Progress.end();
+            }
             print(report);
             mJson.add(report);
             mVerdicts.add(report.verdict);

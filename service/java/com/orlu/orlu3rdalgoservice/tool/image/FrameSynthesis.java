@@ -60,6 +60,7 @@ public final class FrameSynthesis {
         }
         List<SynthesisedFrame> frames = new ArrayList<>();
         for (int i = 0; i < mPlan.frames().size(); ++i) {
+            Progress.show("making frame " + (i + 1) + " of " + mPlan.frames().size());
             frames.add(frame(i, sized, width, height));
         }
         return frames;
