@@ -1,6 +1,7 @@
 // Which two frames of a shot a two-camera fusion works on.
 #pragma once
 
+#include <algorithm>
 #include <array>
 
 namespace orlu {
@@ -21,10 +22,7 @@ struct FusionShot {
 // Fusion of a switching system wins over bokeh: its slave is the last frame, and its master the base frame,
 // which a pixel shift always has at 0. Bokeh with HDR takes the pair behind the first two frames.
 inline FusionFrames fusionFramesOf(const FusionShot& shot) {
-  if (shot.isSatFusion) {
-    const bool isBaseKnown = shot.baseFrame >= 0 && !shot.isPixelShift;
-    return {isBaseKnown ? shot.baseFrame : 0, shot.frameNum - 1};
-  }
+  if (shot.isSatFusion) return {shot.isPixelShift ? 0 : std::max(shot.baseFrame, 0), shot.frameNum - 1};
   if (shot.isDualBokeh && shot.isHdr) return {2, 3};
   return {0, 1};
 }

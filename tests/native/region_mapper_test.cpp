@@ -52,6 +52,11 @@ TEST(RegionMapperTest, ScalesUnlessTheCallerGaveImageCoordinates) {
   const SCR_Type crop = {0, 0, 2000, 1500, false, {}};
   const SCR_Type flagged = {0, 0, 2000, 1500, true, {}};
   EXPECT_FALSE(needsScaling(active, {2000, 1500}, {0, crop, {}}));
+  EXPECT_FALSE(needsScaling(active, active,
+                            {
+                                0, {0,      0, 4000, 3000, false, {}},
+                                 {}
+  }));
   EXPECT_TRUE(needsScaling(active, {2000, 1501}, {0, crop, {}}));
   EXPECT_TRUE(needsScaling(active, {2000, 1500}, {0, flagged, {}}));
   EXPECT_TRUE(needsScaling(active, {2000, 1500}, {-1, crop, {}}));
