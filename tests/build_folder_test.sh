@@ -1,0 +1,83 @@
+#!/bin/bash
+# Tests that a build folder follows what changes, with a project of one file in C++ in the place of this one.
+set -uo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+failures=0
+
+# builds TEXT: the project is built, says this text on the way, and no more.
+builds() {
+  local said
+  said=$(bash -c 'set -euo pipefail; root=$1; source "$2/scripts/lib.sh"; build_preset dev' x "$root" "$here" 2>&1)
+  if [ "$said" != "$1" ]; then
+    echo "FAILED: \"$1\" was expected instead of: $said"
+    failures=$((failures + 1))
+  fi
+}
+
+# answers NUMBER: the program that was built ends with it.
+answers() {
+  local status=0
+  "$root/build/dev/answer" || status=$?
+  if [ "$status" -ne "$1" ]; then
+    echo "FAILED: the program answers $status instead of $1"
+    failures=$((failures + 1))
+  fi
+}
+
+root=$folder/first
+first_time='Building dev; the first time takes a minute or two'
+mkdir -p "$root/scripts"
+cp "$here/scripts/build_folder.sh" "$root/scripts"
+cat >"$root/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.25)
+project(answer LANGUAGES CXX)
+option(ORLU_TESTS "" ON)
+file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+add_executable(answer ${sources})
+target_compile_definitions(answer PRIVATE ${DEFINED})
+END
+presets() {
+  # shellcheck disable=SC2016 # CMake expands these
+  printf '{"version": 6, "configurePresets": [{"name": "dev", "generator": "Ninja",
+    "binaryDir": "${sourceDir}/build/dev", "cacheVariables": {"DEFINED": "%s"}}]}' "$1" >"$root/CMakePresets.json"
+}
+presets ANSWER=1
+echo 'int main() { return ANSWER; }' >"$root/main.cpp"
+
+builds "$first_time"
+answers 1
+builds ''
+
+presets ANSWER=2
+builds ''
+answers 2
+
+# An older file in the place of a newer one, and another name.
+echo 'int main() { return 3; }' >"$folder/older.cpp"
+touch -d '2 days ago' "$folder/older.cpp"
+mv "$folder/older.cpp" "$root/main.cpp"
+builds ''
+answers 3
+mv "$root/main.cpp" "$root/other.cpp"
+builds ''
+answers 3
+
+echo 'cmake 3.0' >>"$root/build/dev/packages.txt"
+builds "There is no longer cmake 3.0: setting up build/dev afresh
+$first_time"
+
+cp -r "$root" "$folder/second"
+root=$folder/second
+builds "This checkout was moved or copied from $folder/first: setting up build/dev afresh
+$first_time"
+answers 3
+builds ''
+
+rm -f "$root/build/dev/setup.txt" "$root/build/dev/build.ninja"
+builds "$first_time"
+answers 3
+
+[ "$failures" -eq 0 ] && echo "All passed"
+exit $((failures > 0))
