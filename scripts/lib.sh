@@ -11,9 +11,12 @@ readonly run_packages=(
 readonly test_packages=(libgtest-dev binutils python3)
 # The cross compiler, and what runs its programs here. What they link and load comes from the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
+# What the ARM build of clang takes besides; GoogleTest as source, to be built with libc++.
+readonly arm_clang_packages=(clang lld llvm googletest)
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)
+
 
 # Patient while somebody else installs something.
 readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)

@@ -177,7 +177,7 @@ TEST_F(AlgoNativeClientJvmTest, HandlesWithoutABufferAreNone) {
 }
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamNeedsItsFortyEightBytes) {
-  for (size_t size : {0, 1, 47}) receive(lightStreamCallback(size));
+  for (size_t size : {0U, 1U, 47U}) receive(lightStreamCallback(size));
   EXPECT_EQ("", mRecorder.reports());
   receive(lightStreamCallback(61));
   EXPECT_EQ(lightStreamReport(""), mRecorder.reports());

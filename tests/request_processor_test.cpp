@@ -229,7 +229,7 @@ TEST_F(RequestProcessorTest, AbortSendsWhatIsNamed) {
 }
 
 TEST_F(RequestProcessorTest, GetDataCutsItsCommand) {
-  for (const size_t length : {0, 1023, 1024, 2000}) {
+  for (const size_t length : {0U, 1023U, 1024U, 2000U}) {
     mTrace.clear();
     if (length != 0) putKey(mParam, "cmd", javaString(std::string(length, 'c')));
     EXPECT_EQ("", test::stringOf(RequestProcessor::getData(env(), mInst, mParam)));

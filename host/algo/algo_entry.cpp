@@ -74,8 +74,8 @@ EXPORTED void AlgoStandInSetScript(const orlu::standin::AlgoScript* script) {
   StandIn::instance().script().set(script);
 }
 
-EXPORTED orlu::standin::AlgoCounts AlgoStandInCount() {
-  return StandIn::instance().count();
+EXPORTED void AlgoStandInCount(orlu::standin::AlgoCounts* counts) {
+  *counts = StandIn::instance().count();
 }
 
 EXPORTED void AlgoStandInSendCallback(uint64_t callbackCookie, const uint8_t* data, uint32_t size,

@@ -87,7 +87,7 @@ struct AlgoCounts {
 };
 
 using SetScriptFunction = void (*)(const AlgoScript* script);
-using CountFunction = AlgoCounts (*)();
+using CountFunction = void (*)(AlgoCounts* counts);
 using SendCallbackFunction = void (*)(uint64_t callbackCookie, const uint8_t* data, uint32_t size,
                                       const native_handle_t* const* handles, uint32_t handleCount,
                                       bool attachThread);
@@ -97,7 +97,8 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Takes a copy of the script, for every operation that starts from now on; null: back to the usual work.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-extern "C" orlu::standin::AlgoCounts AlgoStandInCount();
+// Fills in what the library holds now.
+extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
 // Calls back with these bytes and handles from a new thread and waits for it to end.
 extern "C" void AlgoStandInSendCallback(uint64_t callbackCookie, const uint8_t* data, uint32_t size,
                                         const native_handle_t* const* handles, uint32_t handleCount,

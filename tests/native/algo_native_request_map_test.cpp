@@ -56,7 +56,7 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   EXPECT_TRUE(mMap.getAlgoList(0, list));
   EXPECT_EQ(List(), list);
 
-  for (uint64_t id : {0, 2, 3}) EXPECT_TRUE(mMap.remove(id));
+  for (uint64_t id : {0U, 2U, 3U}) EXPECT_TRUE(mMap.remove(id));
 }
 
 TEST_F(AlgoNativeRequestMapTest, LetsOneCallerEndAnAnnouncedRequest) {
@@ -140,7 +140,7 @@ TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
     });
   }
   for (const std::atomic<int>& thread : threadIds) test::untilAsleep(thread);
-  for (size_t i : {3, 0, 5, 1, 4, 2}) {
+  for (size_t i : {3U, 0U, 5U, 1U, 4U, 2U}) {
     calledBack[i] = true;
     EXPECT_TRUE(mMap.onCallbackReceived(i));
     waiters[i].join();
@@ -210,7 +210,7 @@ TEST_F(AlgoNativeRequestMapTest, ManyThreadsAtOnce) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  for (size_t i : {1, 2, 3}) created[0].merge(created[i]);
+  for (size_t i : {1U, 2U, 3U}) created[0].merge(created[i]);
   EXPECT_EQ(400U, created[0].size()) << "an id was given to two requests";
 }
 

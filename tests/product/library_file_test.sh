@@ -1,11 +1,12 @@
 #!/bin/bash
 # Looks into the library's file, as the loader of a phone does.
-#   library_file_test.sh LIBRARY READELF STRIP arm|host
+#   library_file_test.sh LIBRARY READELF STRIP arm|host libstdc++|libc++
 set -euo pipefail
 library=$1
 readelf=$2
 strip=$3
 machine=$4
+cxx_library=$5
 readonly size_budget=$((200 * 1024))
 failures=0
 
@@ -47,12 +48,13 @@ expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
 
 # The loader finds all of them beside the library; those of the algorithms are opened later.
 needed=$(dynamic NEEDED)
-toolchain='^(libstdc\+\+|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
+toolchain='^(libstdc\+\+|libc\+\+|libc\+\+abi|libunwind|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
 expect "the device's libraries that it needs" \
   "libandroid.so libcutils.so liblog.so libnativewindow.so liborlu.camera3rd.log.so" \
   "$(tr ' ' '\n' <<<"$needed" | grep -Ev "$toolchain" | xargs)"
-expect_match "the C++ library" 'libstdc\+\+\.so\.6' "$needed"
+expect "the C++ library" "$cxx_library" "$(tr ' ' '\n' <<<"$needed" | sed -nE 's/^(libstdc\+\+|libc\+\+)\.so\.[0-9]$/\1/p' | xargs)"
 expect "its own name" liborlu.vas.native.interface.so "$(dynamic SONAME)"
+# shellcheck disable=SC2016 # the loader's word, not the shell's
 expect "where it looks for libraries" '$ORIGIN' "$(dynamic RUNPATH)"
 expect "old ways to look for libraries" "" "$(dynamic RPATH)"
 

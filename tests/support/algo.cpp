@@ -70,7 +70,9 @@ void Algo::forget() {
 }
 
 standin::AlgoCounts Algo::counts() {
-  return standInFunction<standin::CountFunction>("AlgoStandInCount")();
+  standin::AlgoCounts counts;
+  standInFunction<standin::CountFunction>("AlgoStandInCount")(&counts);
+  return counts;
 }
 
 bool Algo::waitIdle(int milliseconds) {

@@ -1,0 +1,16 @@
+# The same machine with the phone's compiler and C++ library: clang, lld and libc++. Clang is this machine's
+# own; the C and C++ libraries come from the private root, libgcc from Debian's cross compiler.
+include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
+
+# GoogleTest, which is built here too, asks for a C compiler.
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_CXX_COMPILER clang++)
+foreach(language C CXX)
+  set(CMAKE_${language}_COMPILER_TARGET arm-linux-gnueabihf)
+  set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN /usr)
+endforeach()
+set(CMAKE_SYSROOT ${ORLU_ARM_ROOT})
+
+string(APPEND CMAKE_CXX_FLAGS_INIT " -stdlib=libc++")
+string(APPEND CMAKE_SHARED_LINKER_FLAGS_INIT " -fuse-ld=lld")
+string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -fuse-ld=lld")
