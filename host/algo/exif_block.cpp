@@ -191,9 +191,10 @@ void addAngle(ExifBuilder& exif, int tag, double degrees) {
   // Rounded once as a whole, so that no part ever reads 60.
   const auto parts = static_cast<int64_t>(std::llround(std::fabs(degrees) * 3600 * kDenominator));
   const int64_t minutes = parts / (60 * int64_t{kDenominator});
+  const int64_t wholeDegrees = minutes / 60;
   const double seconds = static_cast<double>(parts % (60 * int64_t{kDenominator})) / kDenominator;
   exif.addRationals(EXIF_IFD_GPS, tag,
-                    {static_cast<double>(minutes / 60), static_cast<double>(minutes % 60), seconds},
+                    {static_cast<double>(wholeDegrees), static_cast<double>(minutes % 60), seconds},
                     kDenominator);
 }
 

@@ -10,7 +10,7 @@
 namespace orlu::standin {
 namespace {
 
-constexpr size_t kChunk = 64 * 1024;
+constexpr size_t kChunk = size_t{64} * 1024;
 
 // Carries a CRC-32 (the polynomial of zip files) on over more bytes; it starts with 0.
 uint32_t updateCrc(uint32_t crc, const uint8_t* bytes, size_t size) {

@@ -17,7 +17,7 @@ struct SourcePosition {
 SourcePosition sourceOf(int target, int targets, int sources) {
   // The centres of both grids' pixels are laid over each other.
   const int64_t position =
-      (static_cast<int64_t>(2 * target + 1) * sources * kFraction) / (2 * targets) - kFraction / 2;
+      (2 * int64_t{target} + 1) * sources * kFraction / (2 * int64_t{targets}) - kFraction / 2;
   const auto bounded = static_cast<int>(std::clamp<int64_t>(position, 0, int64_t{sources - 1} * kFraction));
   const int first = bounded / kFraction;
   return {first, std::min(first + 1, sources - 1), bounded % kFraction};
@@ -29,6 +29,7 @@ int between(int first, int second, int weight) {
 
 void scalePlane(const Plane& from, const Plane& to) {
   std::vector<SourcePosition> columns;
+  columns.reserve(static_cast<size_t>(to.columns));
   for (int x = 0; x < to.columns; ++x) columns.push_back(sourceOf(x, to.columns, from.columns));
   for (int y = 0; y < to.rows; ++y) {
     const SourcePosition rows = sourceOf(y, to.rows, from.rows);

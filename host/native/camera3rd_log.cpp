@@ -11,7 +11,7 @@ namespace {
 int initialLogLevel() {
   char value[PROPERTY_VALUE_MAX];
   property_get("persist.sys.camera3rd.loglevel", value, "3");
-  return std::atoi(value);
+  return static_cast<int>(std::strtol(value, nullptr, 10));
 }
 
 }  // namespace

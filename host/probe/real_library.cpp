@@ -51,7 +51,7 @@ std::string nextLibrary(const void* caller) {
   folders.push_back(folderOf(own) + "/../lib");
   folders.insert(folders.end(), {"/vendor/lib", "/system/lib"});
   for (const std::string& folder : folders) {
-    const std::string file = folder + "/" + kLibraryName;
+    std::string file = folder + "/" + kLibraryName;
     struct stat status;
     if (stat(file.c_str(), &status) == 0 && !areSameFile(file, own)) return file;
   }

@@ -1,6 +1,7 @@
 #include "golden_value.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <iomanip>
@@ -70,7 +71,7 @@ std::string describeNumbers(const Bytes& bytes) {
     const auto isSame = [&](size_t other) { return std::memcmp(&values[i], &values[other], sizeof(T)) == 0; };
     for (times = 1; i + times < values.size() && isSame(i + times);) ++times;
     // "Not a number" has a sign, in which machines differ.
-    const bool isNan = values[i] != values[i];
+    const bool isNan = std::isnan(static_cast<double>(values[i]));
     isNan ? out << " nan" : out << ' ' << +values[i];
     if (times > 1) out << '*' << times;
   }

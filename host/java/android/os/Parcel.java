@@ -108,7 +108,7 @@ public final class Parcel {
     }
 
     public void writeByteArray(byte[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             room(values.length).put(values);
             written();
         }
@@ -119,7 +119,7 @@ public final class Parcel {
     }
 
     public void writeIntArray(int[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             Arrays.stream(values).forEach(this::writeInt);
         }
     }
@@ -129,7 +129,7 @@ public final class Parcel {
     }
 
     public void writeLongArray(long[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             Arrays.stream(values).forEach(this::writeLong);
         }
     }
@@ -139,7 +139,7 @@ public final class Parcel {
     }
 
     public void writeFloatArray(float[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             for (float value : values) {
                 writeFloat(value);
             }
@@ -151,7 +151,7 @@ public final class Parcel {
     }
 
     public void writeDoubleArray(double[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             Arrays.stream(values).forEach(this::writeDouble);
         }
     }
@@ -161,7 +161,7 @@ public final class Parcel {
     }
 
     public void writeStringArray(String[] values) {
-        if (writeLength(values == null ? NULL_LENGTH : values.length)) {
+        if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
             Arrays.stream(values).forEach(this::writeString);
         }
     }

@@ -158,14 +158,14 @@ public final class HostileRequest implements AutoCloseable {
     }
 
     private CaptureResultComposition parameter() {
-        CaptureResultComposition parameter = new CaptureResultComposition();
+        CaptureResultComposition made = new CaptureResultComposition();
         for (String key : PARAMETERS) {
             if (mValues.chance(70)) {
-                parameter.putMetadata(key, mValues.chance(50) ? mValues.anything()
+                made.putMetadata(key, mValues.chance(50) ? mValues.anything()
                         : mValues.chance(50) ? mValues.text() : (Object) mValues.aLong());
             }
         }
-        return parameter;
+        return made;
     }
 
     @Override
