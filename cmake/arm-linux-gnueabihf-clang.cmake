@@ -10,6 +10,9 @@ foreach(language C CXX)
   set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN /usr)
 endforeach()
 set(CMAKE_SYSROOT ${ORLU_ARM_ROOT})
+# The tests read what the cross compiler's tools print.
+set(CMAKE_READELF arm-linux-gnueabihf-readelf CACHE FILEPATH "")
+set(CMAKE_STRIP arm-linux-gnueabihf-strip CACHE FILEPATH "")
 
 string(APPEND CMAKE_CXX_FLAGS_INIT " -stdlib=libc++")
 string(APPEND CMAKE_SHARED_LINKER_FLAGS_INIT " -fuse-ld=lld")
