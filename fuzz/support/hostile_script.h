@@ -21,9 +21,9 @@ inline uint32_t hostileWord(Random& random) {
 }
 
 // Words of hostile numbers, cut to any length about the value's own.
-inline standin::ScriptedValue hostileValue(Random& random, const ResultValues& values, const char* key) {
-  const size_t sizes[] = {0, 1, values.size - 1, values.size, values.size, values.size + 1, 100'000};
-  standin::ScriptedValue scripted = {values.section, key, {}};
+inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& value) {
+  const size_t sizes[] = {0, 1, value.size - 1, value.size, value.size, value.size + 1, 100'000};
+  standin::ScriptedValue scripted = {value.section, value.key, {}};
   scripted.bytes.resize(sizes[random() % std::size(sizes)]);
   for (size_t i = 0; i < scripted.bytes.size() && i < 400; i += 4) {
     const uint32_t word = hostileWord(random);
@@ -48,10 +48,8 @@ inline standin::AlgoScript hostileScript(Random& random) {
   if (chance(random, 20)) script.callbacks = 2;
   script.callBackBeforeReturn = chance(random, 20);
   script.attachThread = chance(random, 80);
-  for (const ResultValues& values : kResultValues) {
-    for (const char* key : values.keys) {
-      if (chance(random, 40)) script.values.push_back(hostileValue(random, values, key));
-    }
+  for (const ResultValue& value : kResultValues) {
+    if (chance(random, 40)) script.values.push_back(hostileValue(random, value));
   }
   const char* const kNames[] = {"", "some_key", "%s%n", "\xE2\x82", "\xF0\x9F\x98\x80"};
   const std::string longName(200, 'x');

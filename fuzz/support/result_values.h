@@ -1,41 +1,32 @@
-// The values that the result half of a request reads from its parameter set, with the bytes of each.
+// The values that the result half of a request reads from its parameter set, with the bytes of each, and the
+// algorithms that it looks for: CMake makes both lists of the table of parameters and of the library's
+// sources.
 #pragma once
 
-#include <vector>
-
-#include "algo_interface.h"
+#include <cstdint>
 
 namespace orlu::fuzz {
 
-// Values of one section and size.
-struct ResultValues {
+struct ResultValue {
   const char* section;
+  const char* key;
   unsigned size;
-  std::vector<const char*> keys;
 };
 
-// clang-format off
-const ResultValues kResultValues[] = {
-    {kFeedback,      4, {"refocus_point_x", "refocus_point_y", "refocus_aperture", "refocus_jpeg_width",
-                         "refocus_jpeg_height", "encoded_jpeg_size", "doc_process_type", "doc_class_type",
-                         "jpeg_encoded_by_hw", "output_refocus_jpeg_pack_size", "lightstream_zoom_ratio",
-                         "hdr_choosed_frame", "segment_detect_result", "bestmoment_index",
-                         "current_base_frame_idx", "tunning_mode", "rawhdr_track_mode",
-                         "rawhdr_track_scenetype", "supermoon_capture_result"}},
-    {kFeedback,      1, {"pure2proc_enabled"}},
-    {kFeedback,      8, {"decoded_jpeg_size"}},
-    {kFeedback,     12, {"face_skin_value"}},
-    {kFeedback,     16, {"lightstream_crop_region"}},
-    {kFeedback,     80, {"frame_select_result"}},
-    {kFeedback,    256, {"refocus_ret_info"}},
-    {kFeedback,  10736, {"face_outline"}},
-    {kParameter,     4, {"doc_jpeg_size", "step_beauty_type"}},
-    {kParameter,     8, {"rectify_wh", "rawhdr_shot_ae_params"}},
-    {kParameter,    40, {"processed_algo"}},
-    {kParameter,   400, {"frame_clarity_score"}},
-    {kControl,       8, {"current_base_frame_time"}},
-    {kSystem,        4, {"real_gain", "dark_boost_gain"}},
+constexpr ResultValue kResultValues[] = {
+#include "result_values.inc"
 };
-// clang-format on
+
+constexpr const char* kResultAlgorithms[] = {
+#include "result_algorithms.inc"
+};
+
+// A name in a byte of an input. It says nothing of the name's place in its list, so that a longer list leaves
+// the inputs of a corpus what they are.
+constexpr uint8_t nameByte(const char* name) {
+  uint32_t hash = 2166136261U;
+  for (; *name != '\0'; ++name) hash = (hash ^ static_cast<uint8_t>(*name)) * 16777619U;
+  return static_cast<uint8_t>(hash % 223);
+}
 
 }  // namespace orlu::fuzz

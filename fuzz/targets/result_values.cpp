@@ -11,24 +11,34 @@
 
 namespace fake_jni = orlu::fuzz::fake_jni;
 using orlu::fuzz::Input;
+using orlu::fuzz::kResultAlgorithms;
 using orlu::fuzz::kResultValues;
+using orlu::fuzz::nameByte;
 
 namespace {
 
-constexpr const char* kAlgorithms[] = {
-    "frameClarOnly", "jpegBokehOnly", "ppt",        "jpegEncode",  "lightstream",
-    "hdr",           "dualBokeh",     "bestMoment", "singleBokeh", "refocusJpegPack"};
+// The algorithms: how many bytes, and one for each name.
+std::vector<std::string> algorithmList(Input& input) {
+  const std::string bytes = input.text(input.byte());
+  std::vector<std::string> list;
+  for (const char* name : kResultAlgorithms) {
+    if (bytes.find(static_cast<char>(nameByte(name))) != std::string::npos) list.emplace_back(name);
+  }
+  return list;
+}
 
-// Each value: one byte for its size, one that its bytes begin with; the rest follow from that.
+// The values: how many, and for each the byte of its name, one for its size, and one that all its bytes are
+// or, in a short value, that it begins with.
 void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
-  for (const auto& values : kResultValues) {
-    for (const char* key : values.keys) {
-      const uint8_t kind = input.byte() % 4;
-      if (kind == 0) continue;
-      std::string bytes =
-          kind == 1 ? input.text(8) : std::string(values.size, static_cast<char>(input.byte()));
-      if (kind == 3) bytes += "more than its record";
-      context.setValue(block, values.section, key, bytes.data(), static_cast<unsigned>(bytes.size()));
+  for (int left = input.byte(); left > 0; --left) {
+    const uint8_t name = input.byte();
+    const uint8_t kind = input.byte() % 3;
+    const std::string start = input.text(kind == 0 ? 8 : 1);
+    for (const auto& value : kResultValues) {
+      if (nameByte(value.key) != name) continue;
+      std::string bytes = kind == 0 || start.empty() ? start : std::string(value.size, start[0]);
+      if (kind == 2) bytes += "more than its record";
+      context.setValue(block, value.section, value.key, bytes.data(), static_cast<unsigned>(bytes.size()));
     }
   }
 }
@@ -43,10 +53,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   fake_jni::setChoices(nullptr, 0);
   fake_jni::setNumber(input.byte() % 64);  // also the size of every list
-  std::vector<std::string> list;
-  for (const char* name : kAlgorithms) {
-    if (input.byte() % 2 == 1) list.emplace_back(name);
-  }
+  std::vector<std::string> list = algorithmList(input);
   void* const block = client->context().createMetadata();
   leaveValues(input, client->context(), block);
 
