@@ -1,23 +1,18 @@
 #include "result_updater.h"
 
-#include <array>
 #include <memory>
 
 #include "image_format.h"
-#include "log.h"
 #include "metadata_records.h"
-#include "result_updater_rows.h"
+#include "result_updater_log.h"
+#include "shot_tags.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
-constexpr char kShortLogTag[] = "VASJNI-ResultUpdater";
-
 constexpr char kJpegName[] = "JPEG";
 
-// The function that the document lines name.
-constexpr char kUpdateResult[] = "updateResult";
+constexpr char kOperation[] = "updateResult";  // named by the lines of its parts
 
 }  // namespace
 
@@ -26,11 +21,11 @@ ResultUpdater::ResultUpdater(AlgoNativeClient* client, std::vector<std::string>&
     : mAlgoList(algoList), mClient(client), mRequest(request), mMetadata(metadata), mParser(parser) {}
 
 int ResultUpdater::setValue(const char* section, const char* key, void* value, unsigned int size) {
-  return mClient->context().setValue(mMetadata, section, key, value, size);
+  return parameters().setBytes(section, key, value, size);
 }
 
 int ResultUpdater::getValue(const char* section, const char* key, void* value, unsigned int size) {
-  return mClient->context().getValue(mMetadata, section, key, value, size);
+  return parameters().getBytes(section, key, value, size);
 }
 
 void ResultUpdater::put(int32_t value, const char* key) {
@@ -50,7 +45,7 @@ void ResultUpdater::put(const float* values, int count, const char* key) {
 }
 
 int32_t ResultUpdater::copyFeedback(const char* key, const char* resultKey, int32_t initial) {
-  const auto value = readValue<int32_t>(kFeedback, key, initial);
+  const auto value = parameters().get<int32_t>(kFeedback, key, initial);
   put(value, resultKey);
   return value;
 }
@@ -83,51 +78,52 @@ void ResultUpdater::updateRefocus() {
   copyFeedback("encoded_jpeg_size",   "orlu.refocus.saveJpegSize");
   // clang-format on
 
-  // Deliberately replaces the width and height above.
-  const auto decoded = readValue<_tagOrluSize>(kFeedback, "decoded_jpeg_size");
+  // Replaces the width and height above (Oddity 18).
+  const auto decoded = parameters().get<_tagOrluSize>(kFeedback, "decoded_jpeg_size");
   put(decoded.width, "orlu.refocus.imgW");
   put(decoded.height, "orlu.refocus.imgH");
 
-  const auto info = readValue<std::array<int32_t, 64>>(kFeedback, "refocus_ret_info");
+  const auto info = parameters().get<Ints<64>>(kFeedback, "refocus_ret_info");
   put(info.data(), static_cast<int>(info.size()), "orlu.refocus.retInfo");
 }
 
 // The rectified document is output 1.
 void ResultUpdater::updateDocument() {
   constexpr int kDocumentOutput = 1;
-  const auto docJpegSize = readValue<int32_t>(kParameter, "doc_jpeg_size");
-  const auto rectified = readValue<_tagOrluSize>(kParameter, "rectify_wh");
-  const auto processType = readValue<int32_t>(kFeedback, "doc_process_type");
-  const auto classType = readValue<int32_t>(kFeedback, "doc_class_type");
-  LOGD("document: %s, algoProcessType value is %d  ", kUpdateResult, processType);
-  LOGD("document %s: algoClassType result is %d", kUpdateResult, classType);
+  const auto docJpegSize = parameters().get<int32_t>(kParameter, "doc_jpeg_size");
+  const auto rectified = parameters().get<_tagOrluSize>(kParameter, "rectify_wh");
+  const auto processType = parameters().get<int32_t>(kFeedback, "doc_process_type");
+  const auto classType = parameters().get<int32_t>(kFeedback, "doc_class_type");
+  LOGD_AS(kOperation, "document: %s, algoProcessType value is %d  ", kOperation, processType);
+  LOGD_AS(kOperation, "document %s: algoClassType result is %d", kOperation, classType);
 
   const int32_t size = rectified.width >= 1 && rectified.height >= 1 ? docJpegSize : 0;
   mRequest.setResultImageWH(rectified.width, rectified.height, kDocumentOutput);
   mRequest.setResultImageFormat(kFormatJpeg, kJpegName, kDocumentOutput);
   mRequest.setResultJpegSize(size, kDocumentOutput);
   put(size, "orlu.feedback.doc_size");
-  LOGD("docJpegSize:%d w %d h %d", docJpegSize, rectified.width, rectified.height);
+  LOGD_AS(kOperation, "docJpegSize:%d w %d h %d", docJpegSize, rectified.width, rectified.height);
   put(processType, "orlu.feedback.doc_algoType");
   put(classType, "orlu.feedback.doc_category");
 }
 
 void ResultUpdater::updateStepBeauty() {
-  if (readValue<int32_t>(kParameter, "step_beauty_type") < 1) return;
+  if (parameters().get<int32_t>(kParameter, "step_beauty_type") < 1) return;
   const auto outline = std::make_unique<FaceOutline>();
-  getValue(kFeedback, "face_outline", outline.get(), sizeof *outline);
-  std::array<int32_t, FaceOutline::kPoints> x = {};
-  std::array<int32_t, FaceOutline::kPoints> y = {};
+  parameters().getBytes(kFeedback, "face_outline", outline.get(), sizeof *outline);
+  Ints<FaceOutline::kPoints> x = {};
+  Ints<FaceOutline::kPoints> y = {};
   for (size_t i = 0; i < x.size(); ++i) {
     x[i] = outline->points[i].x;
     y[i] = outline->points[i].y;
   }
-  const auto skin = readValue<std::array<float, 3>>(kFeedback, "face_skin_value");
-  // The first two words change places, on purpose.
+  const auto skin = parameters().get<Floats<3>>(kFeedback, "face_skin_value");
+  // The first two words change places (Oddity 40).
   const int32_t* const word = outline->faceRect;
   const int32_t rect[] = {word[1], word[0], word[2], word[3]};
-  LOGD("algo process beautyfile beautyFaceNum = %d", outline->faceCount);
-  LOGD("algo process beautyfile beautyFaceRect[%d %d %d %d]", rect[0], rect[1], rect[2], rect[3]);
+  LOGD_AS(kOperation, "algo process beautyfile beautyFaceNum = %d", outline->faceCount);
+  LOGD_AS(kOperation, "algo process beautyfile beautyFaceRect[%d %d %d %d]", rect[0], rect[1], rect[2],
+          rect[3]);
 
   put(x.data(), FaceOutline::kPoints, "orlu.feedback.pOutlinesX");
   put(y.data(), FaceOutline::kPoints, "orlu.feedback.pOutlinesY");
@@ -139,45 +135,45 @@ void ResultUpdater::updateStepBeauty() {
 
 void ResultUpdater::updateJpegEncodedType() {
   const int32_t type = copyFeedback("jpeg_encoded_by_hw", "orlu.feedback.jpegEncodedType");
-  LOGD("jpeg encode hw/sw:%d", type);
+  LOGD_AS(kOperation, "jpeg encode hw/sw:%d", type);
 }
 
 void ResultUpdater::updateJpegSize() {
   if (listHas("refocusJpegPack") || (listHas("jpegEncode") && listHas("dualBokeh"))) {
-    const auto size = readValue<int32_t>(kFeedback, "output_refocus_jpeg_pack_size");
+    const auto size = parameters().get<int32_t>(kFeedback, "output_refocus_jpeg_pack_size");
     mRequest.setResultJpegSize(size, 0);
     mRequest.setResultImageFormat(kFormatJpeg, kJpegName, 0);
-    LOGD("refocus pack size %d", size);
+    LOGD_AS(kOperation, "refocus pack size %d", size);
   } else if (listHas("jpegEncode")) {
-    const auto size = readValue<int32_t>(kFeedback, "encoded_jpeg_size");
+    const auto size = parameters().get<int32_t>(kFeedback, "encoded_jpeg_size");
     mRequest.setResultJpegSize(size, 0);
-    // Only tells the Java side again what the output already is.
+    // Gives the Java side once more what the output already is.
     const AlgoFrameInfo output =
         mRequest.outputFrames().empty() ? AlgoFrameInfo() : mRequest.outputFrames()[0];
     mRequest.setResultImageWH(output.width, output.height, 0);
     mRequest.setResultImageFormat(kFormatJpeg, kJpegName, 0);
-    LOGD("encoded jpeg size %d", size);
+    LOGD_AS(kOperation, "encoded jpeg size %d", size);
   }
 }
 
 // The end of a series of light-stream shots.
 void ResultUpdater::updateLightstream() {
-  const auto crop = readValue<std::array<int32_t, 4>>(kFeedback, "lightstream_crop_region");
+  const auto crop = parameters().get<Ints<4>>(kFeedback, "lightstream_crop_region");
   put(crop.data(), 4, "orlu.feedback.lightstreamCropRegion");
-  const auto zoom = readValue<float>(kFeedback, "lightstream_zoom_ratio");
+  const auto zoom = parameters().get<float>(kFeedback, "lightstream_zoom_ratio");
   put(zoom, "orlu.feedback.lightstreamZoomRatio");
-  LOGD("lightstream stop, zoom %f crop (l %d t %d w %d h %d)", static_cast<double>(zoom), crop[0], crop[1],
-       crop[2], crop[3]);
+  LOGD_AS(kOperation, "lightstream stop, zoom %f crop (l %d t %d w %d h %d)", static_cast<double>(zoom),
+          crop[0], crop[1], crop[2], crop[3]);
 }
 
 void ResultUpdater::updateDetections() {
   if (listHas("hdr")) {
     const int32_t frame = copyFeedback("hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
-    LOGD("algo process hdrChoosedFrame = %d", frame);
+    LOGD_AS(kOperation, "algo process hdrChoosedFrame = %d", frame);
   }
   if (listHas("singleBokeh") || listHas("dualBokeh")) {
     const int32_t result = copyFeedback("segment_detect_result", "orlu.feedback.segmentResult", -1);
-    LOGD("algo process segmentDetectResult = %d", result);
+    LOGD_AS(kOperation, "algo process segmentDetectResult = %d", result);
   }
   if (listHas("bestMoment")) {
     const int32_t index = copyFeedback("bestmoment_index", "orlu.feedback.bestmoment_index");

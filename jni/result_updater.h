@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "algo_list.h"
 #include "algo_native_client.h"
 #include "camera_metadata_parser.h"
+#include "parameter_channel.h"
 #include "vrequest.h"
 
 namespace orlu {
@@ -33,7 +35,7 @@ public:
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
 private:
-  // result_updater.cpp: one step for each theme, in the order they run.
+  // result_updater.cpp: the parts of updateResult, in the order they run.
   void updateRefocus();
   void updateDocument();
   void updateStepBeauty();
@@ -48,7 +50,7 @@ private:
   int updateSelectBasicFrameIndex();      // -1 when there is no frame to choose
   std::vector<int64_t> readTimestamps();  // one per capture result, nanoseconds, 0 where it has none
 
-  // result_updater_raw_algo.cpp. All answer 0.
+  // result_updater_raw_algo.cpp. All return 0.
   int updateParamsFromRawAlgo();
   int updateTunningMode();
   int updateRAWHDRTrackingInfor();
@@ -57,18 +59,18 @@ private:
   int updateProrawPure2ProcState();
   int updateCaptureResultForSuperMoon();
 
+  ParameterChannel parameters() const { return {mClient->context(), mMetadata}; }
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>
-  bool listHas(const char (&name)[N]) const;
-  // A value of the parameter set; `initial` when it is not there.
-  template <typename T>
-  T readValue(const char* section, const char* key, T initial = T());
+  bool listHas(const char (&name)[N]) const {
+    return isAlgoListContains(mAlgoList, name);
+  }
   // Put into the first composition, when there is one.
   void put(int32_t value, const char* key);
   void put(float value, const char* key);
   void put(const int32_t* values, int count, const char* key);
   void put(const float* values, int count, const char* key);
-  // Row: an int of the feedback section becomes a key of the first composition. Answers the value.
+  // Row: an int of the feedback section becomes a key of the first composition. Returns the value.
   int32_t copyFeedback(const char* key, const char* resultKey, int32_t initial = 0);
 
   std::vector<std::string>& mAlgoList;

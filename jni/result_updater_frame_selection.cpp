@@ -2,21 +2,19 @@
 // by their timestamps, algorithms by their indices.
 
 #include <algorithm>
-#include <array>
 
-#include "log.h"
-#include "result_updater_rows.h"
+#include "result_updater.h"
+#include "result_updater_log.h"
+#include "shot_tags.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
-
 // Room in the algorithms' tables. A frame past them has no score, and counts as not kept.
 constexpr size_t kMaxScores = 50;
 constexpr size_t kMaxSelections = 20;
-using Scores = std::array<double, kMaxScores>;
-using Selections = std::array<int32_t, kMaxSelections>;
+using Scores = Doubles<kMaxScores>;
+using Selections = Ints<kMaxSelections>;
 
 double scoreAt(const Scores& scores, size_t frame) {
   return frame < scores.size() ? scores[frame] : 0.0;
@@ -28,25 +26,26 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 
 }  // namespace
 
+// Of the capture results alone: the time is the camera's (Oddity 52).
 std::vector<int64_t> ResultUpdater::readTimestamps() {
   constexpr char kTag[] = "android.sensor.timestamp";
-  const CameraMetadataParser::RepeatedTag repeated(*mParser, kTag);
-  const std::vector<jobject>& captureResults = mRequest.captureResults();
-  std::vector<int64_t> timestamps(captureResults.size());
+  const ShotTags tags(*mParser, FrameList(mRequest.captureResults(), mRequest.captureResultCompositions()));
+  const auto repeated = tags.repeated(kTag);
+  std::vector<int64_t> timestamps(mRequest.captureResults().size());
   for (size_t i = 0; i < timestamps.size(); ++i) {
-    mParser->getLong(timestamps[i], kTag, captureResults[i], nullptr);
+    tags.read(tags.frames().at(static_cast<int>(i)).captureResultOnly(), kTag, timestamps[i]);
   }
   return timestamps;
 }
 
 int ResultUpdater::updateFrameClarity() {
   const size_t imageNum = mRequest.inputFrames().size();
-  const auto scores = readValue<Scores>(kParameter, "frame_clarity_score");
+  const auto scores = parameters().get<Scores>(kParameter, "frame_clarity_score");
   if (!hasComposition()) {
     LOGE("updateForFrameClarity failed, captureResultCompositions size < 1");
     return -1;
   }
-  // One entry per input image, also where the table has no score for it.
+  // One entry for each input image, also where the table has no score for it (Oddity 42).
   std::vector<double> perImage(imageNum);
   std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.begin());
   mParser->putDoubleArray(perImage.data(), static_cast<int>(imageNum), "orlu.feedback.clarityScore",
@@ -60,8 +59,8 @@ int ResultUpdater::updateFrameClarity() {
 int ResultUpdater::updateFrameSelectResult() {
   Selections nothingSelected;
   nothingSelected.fill(-1);
-  const auto selections = readValue<Selections>(kFeedback, "frame_select_result", nothingSelected);
-  const auto scores = readValue<Scores>(kParameter, "frame_clarity_score");
+  const auto selections = parameters().get<Selections>(kFeedback, "frame_select_result", nothingSelected);
+  const auto scores = parameters().get<Scores>(kParameter, "frame_clarity_score");
   const std::vector<int64_t> timestamps = readTimestamps();
   for (size_t i = 0; i < timestamps.size(); ++i) {
     LOGD("frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d", static_cast<int>(i),
@@ -96,8 +95,8 @@ int ResultUpdater::updateFrameSelectResult() {
 
 int ResultUpdater::updateSelectBasicFrameIndex() {
   const std::vector<int64_t> timestamps = readTimestamps();
-  auto index = readValue<int32_t>(kFeedback, "current_base_frame_idx", -1);
-  const auto time = readValue<int64_t>(kControl, "current_base_frame_time");
+  auto index = parameters().get<int32_t>(kFeedback, "current_base_frame_idx", -1);
+  const auto time = parameters().get<int64_t>(kControl, "current_base_frame_time");
   if (index < 0) return 0;
 
   int64_t result = time;

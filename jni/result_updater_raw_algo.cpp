@@ -1,19 +1,12 @@
 // What the raw-domain algorithms report back. Each step asks for a composition first, and logs when there is
 // none.
 
-#include <array>
-
-#include "log.h"
 #include "metadata_records.h"
-#include "result_updater_rows.h"
+#include "result_updater.h"
+#include "result_updater_log.h"
+#include "shot_tags.h"
 
 namespace orlu {
-namespace {
-
-constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
-constexpr char kShortLogTag[] = "VASJNI-ResultUpdater";
-
-}  // namespace
 
 int ResultUpdater::updateParamsFromRawAlgo() {
   updateTunningMode();
@@ -32,8 +25,8 @@ int ResultUpdater::updateTunningMode() {
     LOGE("updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }
-  auto mode = readValue<int32_t>(kFeedback, "tunning_mode");
-  const auto aeParams = readValue<std::array<int32_t, 2>>(kParameter, "rawhdr_shot_ae_params");
+  auto mode = parameters().get<int32_t>(kFeedback, "tunning_mode");
+  const auto aeParams = parameters().get<Ints<2>>(kParameter, "rawhdr_shot_ae_params");
   if (aeParams[1] < kShortExposureLimit) mode |= kShortExposureMode;
   LOGD("updateMarkMode %d", mode);
   if (mParser->putInt(mode, "orlu.feedback.TunningMode", mRequest.firstComposition()) != 0) {
@@ -47,8 +40,8 @@ int ResultUpdater::updateRAWHDRTrackingInfor() {
     LOGE("RAWHDRTrackingInfor failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto mode = readValue<int32_t>(kFeedback, "rawhdr_track_mode");
-  const auto sceneType = readValue<int32_t>(kFeedback, "rawhdr_track_scenetype");
+  const auto mode = parameters().get<int32_t>(kFeedback, "rawhdr_track_mode");
+  const auto sceneType = parameters().get<int32_t>(kFeedback, "rawhdr_track_scenetype");
   LOGD("AlgoRAWHDRMode %d, AlgoRAWHDRSceneType %d, mMetadatas size =%d .", mode, sceneType,
        static_cast<int>(mRequest.captureResultCompositions().size()));
   if (mParser->putInt(mode, "orlu.feedback.AlgoRAWHDRMode", mRequest.firstComposition()) != 0) {
@@ -65,9 +58,9 @@ int ResultUpdater::updateShortGainForRAWHDR() {
     LOGD("rawhdrISPAEParams failed,captureResultCompositions size < 1");
     return 0;
   }
-  const float gains[] = {readValue<float>(kSystem, "real_gain"),
-                         readValue<float>(kSystem, "dark_boost_gain")};
-  // Into the last composition, unlike everything else, deliberately.
+  const float gains[] = {parameters().get<float>(kSystem, "real_gain"),
+                         parameters().get<float>(kSystem, "dark_boost_gain")};
+  // Into the last composition, unlike everything else (Oddity 41).
   const jobject last = mRequest.captureResultCompositions().back();
   if (mParser->putFloatArray(gains, 2, "orlu.feedback.rawhdrISPAEParams", last) != 0) {
     LOGE("put rawhdrISPAEParams fail");
@@ -80,7 +73,7 @@ int ResultUpdater::updateProcessedAlgoTag() {
     LOGE("updateProcessedAlgoTag failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto processed = readValue<ProcessedAlgo>(kParameter, "processed_algo");
+  const auto processed = parameters().get<ProcessedAlgo>(kParameter, "processed_algo");
   const uint64_t* const word = processed.words;
   LOGD("update debug processed algo to AP [0x%llx 0x%llx 0x%llx 0x%llx 0x%llx] ",
        static_cast<unsigned long long>(word[0]), static_cast<unsigned long long>(word[1]),
@@ -98,7 +91,7 @@ int ResultUpdater::updateProrawPure2ProcState() {
     LOGD("updateProrawPure2ProcState failed,captureResultCompositions size < 1");
     return 0;
   }
-  const int32_t enabled = readValue<uint8_t>(kFeedback, "pure2proc_enabled");
+  const int32_t enabled = parameters().get<uint8_t>(kFeedback, "pure2proc_enabled");
   if (mParser->putInt(enabled, "orlu.feedback.pure2proc.enabled", mRequest.firstComposition()) != 0) {
     LOGE("pCameraMetadataParser->putInt pure2procEnabled fail");
   }
@@ -107,11 +100,11 @@ int ResultUpdater::updateProrawPure2ProcState() {
 
 int ResultUpdater::updateCaptureResultForSuperMoon() {
   if (!hasComposition()) {
-    // Names the other function, as it always has.
+    // Names the other function (Oddity 43).
     LOGE_BARE(kShortLogTag, "updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto result = readValue<int32_t>(kFeedback, "supermoon_capture_result", -1);
+  const auto result = parameters().get<int32_t>(kFeedback, "supermoon_capture_result", -1);
   LOGD_BARE(kShortLogTag, "update supermoon capture result %d", result);
   if (mParser->putInt(result, "orlu.feedback.superMoonCaptureResult", mRequest.firstComposition()) != 0) {
     LOGE_BARE(kShortLogTag, "pCameraMetadataParser->putInt fail");

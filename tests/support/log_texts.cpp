@@ -39,22 +39,9 @@ std::string keyOf(const LogLine& line) {
 
 // Lines that show a helper still. To be empty.
 bool isKnownDifference(const LogLine& line) {
-  static const std::set<std::string> known = {"missing",
-                                              "wrongType",
-                                              "cleared",
-                                              "stored",
-                                              "readAbort",
-                                              "attachMemory",
-                                              "attachHardwareBuffer",
-                                              "readFormat",
-                                              "updateDetections",
-                                              "updateDocument",
-                                              "updateJpegEncodedType",
-                                              "updateJpegSize",
-                                              "updateLightstream",
-                                              "updateStepBeauty",
-                                              "invalidPut",
-                                              "marshal"};
+  static const std::set<std::string> known = {
+      "missing",    "wrongType",  "cleared", "stored", "readAbort", "attachMemory", "attachHardwareBuffer",
+      "readFormat", "invalidPut", "marshal"};
   return known.count(line.function) != 0;
 }
 
