@@ -53,10 +53,10 @@ function(orlu_add_jar name source_dir)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)
   set(classes ${CMAKE_CURRENT_BINARY_DIR}/${name}-classes)
   set(jar ${ORLU_JAVA_OUTPUT_DIRECTORY}/${name}.jar)
-  set(class_path ${JAR_CLASS_PATH})
-  foreach(dependency IN LISTS JAR_DEPENDS)
-    list(APPEND class_path ${ORLU_JAVA_OUTPUT_DIRECTORY}/${dependency}.jar)
-  endforeach()
+  # The names of targets order the commands; only the files make one run again.
+  set(jars ${JAR_DEPENDS})
+  list(TRANSFORM jars REPLACE "(.+)" "${ORLU_JAVA_OUTPUT_DIRECTORY}/\\1.jar")
+  set(class_path ${JAR_CLASS_PATH} ${jars})
   set(class_path_option "")
   if(class_path)
     string(REPLACE ";" ":" joined "${class_path}")
@@ -74,7 +74,7 @@ function(orlu_add_jar name source_dir)
     COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -d ${classes} ${class_path_option} ${sources}
     ${copy_resources}
     COMMAND ${Java_JAR_EXECUTABLE} --create --file ${jar} -C ${classes} .
-    DEPENDS ${sources} ${resource_files} ${JAR_DEPENDS}
+    DEPENDS ${sources} ${resource_files} ${JAR_DEPENDS} ${jars}
     COMMENT "Java ${name}.jar"
     VERBATIM)
   add_custom_target(${name} ALL DEPENDS ${jar})
