@@ -28,6 +28,7 @@ struct StoreCase : test::NamedCase {
   jobject (*value)();  // null: the tag is not set
   const char* askedClass;
   const char* answer;
+  const char* heard;  // by a listener
 };
 
 class HostMetadataTest : public testing::TestWithParam<StoreCase> {};
@@ -38,6 +39,10 @@ TEST_P(HostMetadataTest, AnswersInTheTypeThatIsAskedFor) {
   jobject metadata = test::newMetadata();
   if (c.value != nullptr) test::setTag(metadata, c.tag, c.value());
   EXPECT_EQ(c.answer, ask(test::newCaptureResult(metadata), c.tag, c.askedClass));
+  jobject log = test::newObject("com/orlu/test/LookupLog", "()V");
+  test::call(metadata, "setLookupListener", "(Landroid/hardware/camera2/impl/LookupListener;)V", log);
+  EXPECT_EQ(c.answer, ask(test::newCaptureResult(metadata), c.tag, c.askedClass));
+  EXPECT_EQ(std::string(c.tag) + ": " + c.heard, test::toStringOf(log));
 }
 
 constexpr char kInt[] = "android.control.aeMode";
@@ -46,17 +51,17 @@ constexpr char kFloats[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Cases, HostMetadataTest, testing::Values(
-    StoreCase{"IntAsInteger",     kInt,    [] { return test::javaInt(5); },             "java/lang/Integer",   "Integer 5"},
-    StoreCase{"IntAsInts",        kInt,    [] { return test::javaInt(5); },             "[I",                  "int[] 5"},
-    StoreCase{"IntAsLong",        kInt,    [] { return test::javaInt(5); },             "java/lang/Long",      "refused"},
-    StoreCase{"LongAsLong",       kLong,   [] { return test::javaLong(1LL << 40); },    "java/lang/Long",      "Long 1099511627776"},
-    StoreCase{"LongAsInteger",    kLong,   [] { return test::javaLong(7); },            "java/lang/Integer",   "refused"},
-    StoreCase{"FloatsAsFloats",   kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[F",                  "float[] 1.5 2"},
-    StoreCase{"FloatsAsObjects",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[Ljava/lang/Float;",  "Float[] 1.5 2.0"},
-    StoreCase{"FloatsAsFloat",    kFloats, [] { return test::javaFloats({1.5F, 2}); },  "java/lang/Float",     "refused"},
-    StoreCase{"FloatsAsDoubles",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[D",                  "refused"},
-    StoreCase{"Absent",           kInt,    nullptr,                                     "java/lang/Integer",   "null"},
-    StoreCase{"Unknown",          "no.tag", nullptr,                                    "java/lang/Integer",   "refused"}),
+    StoreCase{"IntAsInteger",     kInt,    [] { return test::javaInt(5); },             "java/lang/Integer",   "Integer 5",  "Integer of Integer"},
+    StoreCase{"IntAsInts",        kInt,    [] { return test::javaInt(5); },             "[I",                  "int[] 5",  "int[] of Integer"},
+    StoreCase{"IntAsLong",        kInt,    [] { return test::javaInt(5); },             "java/lang/Long",      "refused",  "Long of Integer, refused"},
+    StoreCase{"LongAsLong",       kLong,   [] { return test::javaLong(1LL << 40); },    "java/lang/Long",      "Long 1099511627776",  "Long of Long"},
+    StoreCase{"LongAsInteger",    kLong,   [] { return test::javaLong(7); },            "java/lang/Integer",   "refused",  "Integer of Long, refused"},
+    StoreCase{"FloatsAsFloats",   kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[F",                  "float[] 1.5 2",  "float[] of float[]"},
+    StoreCase{"FloatsAsObjects",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[Ljava/lang/Float;",  "Float[] 1.5 2.0",  "Float[] of float[]"},
+    StoreCase{"FloatsAsFloat",    kFloats, [] { return test::javaFloats({1.5F, 2}); },  "java/lang/Float",     "refused",  "Float of float[], refused"},
+    StoreCase{"FloatsAsDoubles",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[D",                  "refused",  "double[] of float[], refused"},
+    StoreCase{"Absent",           kInt,    nullptr,                                     "java/lang/Integer",   "null",  "Integer of nothing"},
+    StoreCase{"Unknown",          "no.tag", nullptr,                                    "java/lang/Integer",   "refused",  "Integer of nothing, refused"}),
     test::CaseName());
 // clang-format on
 

@@ -93,6 +93,19 @@ command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out ph
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
 grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log shows no log"
 
+echo "== Events"
+command_ends 0 --events events --out photo "$root/samples/portrait.json"
+head -n 1 events | grep -q '"event":"header","format":"orlu-events","version":1,' || fail "$(head -n 1 events)"
+[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "not every call ends"
+while read -r event; do
+  grep -qF -- "$event" events || fail "no such event: $event"
+done <<'EVENTS'
+"source":"composition","tag":"orlu.control.algoType","outcome":"found","held":"String[]","value":["singleBokeh","jpegEncode"]}
+"source":"composition","tag":"orlu.control.portrait.state","outcome":"absent"}
+"source":"captureResult","tag":"orlu.control.portrait.state","outcome":"found","asked":"Integer","held":"Integer","value":1}
+"event":"put","frame":0,"tag":"orlu.feedback.segmentResult","held":"Integer","value":-1}
+EVENTS
+
 echo "== Every sample"
 samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"

@@ -1,0 +1,20 @@
+package com.orlu.test;
+
+import android.hardware.camera2.impl.LookupListener;
+
+/** The last look-up that it heard of: "Long of Integer, refused". */
+public final class LookupLog implements LookupListener {
+    private String mText = "";
+
+    @Override
+    public void onLookup(String tag, Class<?> asked, Object held, RuntimeException thrown) {
+        mText = tag + ": " + asked.getSimpleName() + " of "
+                + (held == null ? "nothing" : held.getClass().getSimpleName())
+                + (thrown == null ? "" : ", refused");
+    }
+
+    @Override
+    public String toString() {
+        return mText;
+    }
+}
