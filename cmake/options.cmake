@@ -46,8 +46,9 @@ else()
   endif()
 endif()
 
-# orlu_add_jar(NAME SOURCE_DIR CLASS_PATH_JARS...): compiles every source below SOURCE_DIR with its resources
-# into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS the jar targets made here.
+# orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every source
+# below SOURCE_DIR into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS targets made by this function,
+# RESOURCES files below SOURCE_DIR that go into the jar.
 function(orlu_add_jar name source_dir)
   cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)

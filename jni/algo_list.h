@@ -19,7 +19,7 @@ void removeAlgoFromAlgoList(std::vector<std::string>& list, const char* name, in
 // Erases from `list` every entry that does not equal some entry of `supported`, which stays as it is.
 void AlgoListSupportFilter(std::vector<std::string>& supported, std::vector<std::string>& list);
 
-// The same three with a string literal, whose length is taken from its type.
+// The first two with a string literal, whose length is taken from its type.
 template <size_t N>
 bool isAlgoListContains(const std::vector<std::string>& list, const char (&name)[N]) {
   return isAlgoListContains(list, name, static_cast<int>(N - 1));

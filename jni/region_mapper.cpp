@@ -36,7 +36,8 @@ int32_t mapped(int32_t value, float ratio, int64_t offset) {
 }
 
 int32_t zoomed(int32_t value, int32_t size, float zoom) {
-  const auto centre = static_cast<float>(size / 2);
+  const int32_t half = size / 2;  // whole pixels
+  const auto centre = static_cast<float>(half);
   return toInt(centre + zoom * (static_cast<float>(value) - centre));
 }
 

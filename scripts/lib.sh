@@ -16,7 +16,10 @@ readonly arm_clang_packages=(clang lld llvm googletest)
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)
-
+# What scripts/lint.sh takes besides ./test: a checker for each language.
+readonly lint_packages=(
+  clang-tidy shellcheck ecj blueprint-tools golang-go golang-github-google-blueprint-dev git
+)
 
 # Patient while somebody else installs something.
 readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)

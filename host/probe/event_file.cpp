@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <system_error>
 
 namespace orlu::probe {
 
@@ -18,7 +18,8 @@ bool EventFile::open() {
   mPath = path;
   mDescriptor = path.empty() ? -1 : ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
   if (!path.empty() && mDescriptor < 0) {
-    std::fprintf(stderr, "ORLU_EVENTS: %s: %s\n", path.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "ORLU_EVENTS: %s: %s\n", path.c_str(),
+                 std::generic_category().message(errno).c_str());
   }
   return isOn();
 }

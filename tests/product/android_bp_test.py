@@ -2,6 +2,7 @@
 """Reads Android.bp, which can't be built here, and compares it with what CMake builds.
 
 android_bp_test.py ANDROID_BP SOURCE... (relative to the file's folder)
+android_bp_test.py --read ANDROID_BP    prints what it reads, as read_android_bp.go does with the platform's parser
 """
 
 import json
@@ -57,5 +58,10 @@ class AndroidBpTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    if sys.argv[1] == "--read":
+        with open(sys.argv[2], encoding="utf-8") as bp:
+            module_kind, properties = read_module(bp.read())
+        print(json.dumps({"kind": module_kind, **properties}, indent=1, sort_keys=True, ensure_ascii=False))
+        sys.exit()
     AndroidBpTest.path, *AndroidBpTest.sources = sys.argv[1:]
     unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,63 @@
+#!/bin/bash
+# Looks for mistakes without running anything; every finding is an error.
+#   scripts/lint.sh              all checks
+#   scripts/lint.sh shell java   these alone
+# cpp: clang-tidy with .clang-tidy; shell: shellcheck; java: the Eclipse compiler with
+# scripts/ecj.prefs; android_bp: the platform's own formatter and parser.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+source scripts/lib.sh
+
+readonly checks=(cpp shell java android_bp)
+readonly build=build/dev
+
+# Every source that the build for this machine knows, as many at a time as there are processors.
+lint_cpp() {
+  build_preset dev --tests orlu-host-framework
+  sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' $build/compile_commands.json | grep -v "^$root/build/" | sort -u |
+    xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p $build 2> >(grep -v ' warnings\{0,1\} generated' >&2)
+}
+
+# What is only sourced has variables of the scripts around it.
+lint_shell() {
+  local file scripts=() sourced=()
+  while IFS= read -r file; do
+    case $(head -c 40 "$file" | tr -d '\0') in
+      '#!/bin/bash'*) scripts+=("$file") ;;
+      '# shellcheck shell='*) sourced+=("$file") ;;
+    esac
+  done < <(git ls-files)
+  shellcheck -x "${scripts[@]}"
+  shellcheck -x -e SC2034,SC2154 "${sourced[@]}"
+}
+
+# Each folder as CMake compiles it.
+lint_java() {
+  local folder
+  build_preset dev --tests orlu-tests
+  for folder in host/java service/java tests/java fuzz/java; do
+    mapfile -t sources < <(git ls-files "$folder/*.java")
+    ecj --release 17 -proc:none -d none -properties scripts/ecj.prefs \
+      -cp $build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/gson.jar "${sources[@]}"
+  done
+}
+
+# The test android_bp compares what it reads with CMake's sources; here its reader is compared with the platform's.
+lint_android_bp() {
+  local unformatted
+  unformatted=$(bpfmt -l Android.bp)
+  if [ -n "$unformatted" ]; then
+    bpfmt -d Android.bp
+    die "Android.bp is not as the platform's formatter writes it: bpfmt -w Android.bp"
+  fi
+  diff <(python3 tests/product/android_bp_test.py --read Android.bp) \
+    <(GO111MODULE=off GOPATH=/usr/share/gocode GOCACHE=$root/build/go-cache \
+      go run tests/product/read_android_bp.go Android.bp)
+}
+
+install_missing "to look for mistakes" "${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}"
+for check in "${@:-${checks[@]}}"; do
+  echo "== Lint: $check"
+  "lint_$check"
+done
