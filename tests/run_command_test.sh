@@ -109,7 +109,9 @@ EVENTS
 echo "== Every sample"
 samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"
-[ ! -s err ] || fail "the log is not silent: $(cat err)"
+# A slow machine may say how far it is.
+log=$(grep -vE '^(making|filling|processing|comparing) ' err)
+[ -z "$log" ] || fail "the log is not silent: $log"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
 [ "$(grep -c '^verdict  ok$' out)" -eq $((${#samples[@]} + 1)) ] || fail "not every verdict is ok: $(grep '^verdict' out)"
 [ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is no verdict: $(tail -n 1 out)"

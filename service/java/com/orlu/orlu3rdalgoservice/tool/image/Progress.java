@@ -10,7 +10,7 @@ public final class Progress {
     private static final long PAUSE_NANOSECONDS = TERMINAL ? 50_000_000L : 10_000_000_000L;
     private static final String CLEAR_LINE = "\r\033[K";
 
-    private static long sNext = System.nanoTime() + (TERMINAL ? FIRST_NANOSECONDS : PAUSE_NANOSECONDS);
+    private static long sNext = firstLine();
     private static boolean sShown;
 
     private Progress() {}
@@ -31,12 +31,17 @@ public final class Progress {
         }
     }
 
-    /** Clears the line on a terminal. To be called before anything else is printed. */
+    /** Clears the line on a terminal. To be called when a request ends, before anything else is printed. */
     public static void end() {
+        sNext = firstLine();
         if (sShown) {
             System.err.print(CLEAR_LINE);
             System.err.flush();
             sShown = false;
         }
+    }
+
+    private static long firstLine() {
+        return System.nanoTime() + (TERMINAL ? FIRST_NANOSECONDS : PAUSE_NANOSECONDS);
     }
 }
