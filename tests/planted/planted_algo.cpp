@@ -1,11 +1,13 @@
 // An algorithm library with one fault, for the tests of what is said about it: the stand-in's table with one
 // thing changed. ORLU_PLANTED names the fault:
-//   lacks:NAME  answers:NAME  throws:NAME  aborts:NAME  segfaults:NAME     one callable, by its name
+//   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
+//   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
 //   silent  late  name  id  unattached     what becomes of the callback
 //   idle  untouched  empty                 what is made of the request
 // PLANTED_WITHOUT_ENTRY builds a library that is none.
 #include <dlfcn.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -75,6 +77,7 @@ void spoilCallable(AlgoInterfaceCallbacks& table, const Fault& fault) {
       if (kind == "throws") throw std::runtime_error("planted");
       if (kind == "aborts") end(SIGABRT);
       if (kind == "segfaults") end(SIGSEGV);
+      if (kind == "hangs") pause();
       if constexpr (std::is_arithmetic_v<Result>) return static_cast<Result>(kInvalid);
       if constexpr (std::is_pointer_v<Result>) return nullptr;
     };

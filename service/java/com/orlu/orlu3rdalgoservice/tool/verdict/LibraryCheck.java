@@ -61,7 +61,7 @@ public final class LibraryCheck {
     }
 
     private static void checkClient(RecordedEvents events, List<String> reasons) {
-        for (String operation : List.of("entry", "createClient", "init")) {
+        for (String operation : List.of("entry", "createClient")) {
             Call call = events.last(operation);
             if (call != null && call.hasThrown()) {
                 reasons.add(operation + " " + call.outcome());
