@@ -49,6 +49,7 @@ isolated() {
 
 # mirror: prints where this machine has the release from.
 mirror() {
+  # shellcheck disable=SC2016 # apt-get's words, not the shell's
   apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
     sed -n "s/^$release main //p" | head -n 1
 }

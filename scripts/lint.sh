@@ -34,12 +34,13 @@ lint_shell() {
 
 # Each folder as CMake compiles it.
 lint_java() {
-  local folder
+  local folder class_path=/usr/share/java/gson.jar:/usr/share/java/picocli.jar
+  class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar
   build_preset dev --tests orlu-tests
   for folder in host/java service/java tests/java fuzz/java; do
     mapfile -t sources < <(git ls-files "$folder/*.java")
     ecj --release 17 -proc:none -d none -properties scripts/ecj.prefs \
-      -cp $build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/gson.jar "${sources[@]}"
+      -cp "$class_path" "${sources[@]}"
   done
 }
 
