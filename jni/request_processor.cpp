@@ -70,7 +70,7 @@ bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& c
     context.setValue(metadata, kControl, "abort_val", &value, sizeof value);
     valid = true;
   }
-  LOGD("abort key %s no error %d", key.text().c_str(), valid ? 1 : 0);
+  LOGD_AS("abortRequest", "abort key %s no error %d", key.text().c_str(), valid ? 1 : 0);
   return valid;
 }
 

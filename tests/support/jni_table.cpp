@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "jni_functions.h"
+
 namespace orlu::test {
 namespace {
 
@@ -75,47 +77,18 @@ struct JniTableFunctions {
   }
 };
 
-#define COUNT(function) JniTableFunctions::count<&JNINativeInterface_::function>(*this, #function)
-
 JniTable::JniTable(JNIEnv* env) : mFunctions(env) {
   gTable = this;
   JNINativeInterface_& table = mFunctions.table();
+#define X(function) JniTableFunctions::count<&JNINativeInterface_::function>(*this, #function);
+  ORLU_JNI_METHODS
+  ORLU_JNI_PLAIN
+#undef X
   table.FindClass = JniTableFunctions::findClass;
   table.GetMethodID = JniTableFunctions::getMethod;
   table.GetStaticMethodID = JniTableFunctions::getStaticMethod;
   table.GetFieldID = JniTableFunctions::getField;
   table.DeleteLocalRef = JniTableFunctions::deleteLocalRef;
-  COUNT(CallObjectMethodV);
-  COUNT(CallStaticObjectMethodV);
-  COUNT(CallIntMethodV);
-  COUNT(CallLongMethodV);
-  COUNT(CallFloatMethodV);
-  COUNT(CallVoidMethodV);
-  COUNT(CallStaticVoidMethodV);
-  COUNT(NewObjectV);
-  COUNT(NewStringUTF);
-  COUNT(NewIntArray);
-  COUNT(NewLongArray);
-  COUNT(NewFloatArray);
-  COUNT(NewDoubleArray);
-  COUNT(GetObjectClass);
-  COUNT(GetObjectField);
-  COUNT(GetObjectArrayElement);
-  COUNT(GetIntField);
-  COUNT(IsInstanceOf);
-  COUNT(GetStringUTFChars);
-  COUNT(ReleaseStringUTFChars);
-  COUNT(GetByteArrayElements);
-  COUNT(GetIntArrayElements);
-  COUNT(GetLongArrayElements);
-  COUNT(GetFloatArrayElements);
-  COUNT(GetDoubleArrayElements);
-  COUNT(ReleaseByteArrayElements);
-  COUNT(ReleaseIntArrayElements);
-  COUNT(ReleaseLongArrayElements);
-  COUNT(ReleaseFloatArrayElements);
-  COUNT(ReleaseDoubleArrayElements);
-  COUNT(DeleteGlobalRef);
   table.NewGlobalRef = JniTableFunctions::newGlobalRef;
 }
 
