@@ -1,13 +1,14 @@
 #include "image_format.h"
 
 #include "log.h"
+#include "vrequest.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kLogTag[] = "_V_VASJNI-VRequest";
+constexpr auto& kLogTag = VRequest::kLogTag;
 
-// Spelled so on purpose: log readers search for it.
+// Oddity 4.
 constexpr char kUndefined[] = "undefineFromat";
 
 // Names of the codes 1 to 33.

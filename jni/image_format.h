@@ -8,10 +8,11 @@ namespace orlu {
 // The code's name, static text; "undefineFromat" for a code without one.
 const char* formatToStr(int format);
 
-// True for RAW16 and MIPI_RAW10 alone: the other raw codes deliberately count as not raw.
+// True for RAW16 and MIPI_RAW10 alone (oddity 1).
 bool isRawImageFormat(int format);
 
-// Logs one line about an image, at debug level. `label` is "in" or "out".
+// Logs one line about image `index`, at debug level. `label` is "in" or "out"; `usedSharedMemory` is 1 when
+// its memory is shared memory, else 0.
 void printImageInfo(const AlgoFrameInfo& frame, const char* label, int index, int usedSharedMemory);
 
 }  // namespace orlu

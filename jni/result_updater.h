@@ -8,12 +8,13 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
-#include "algo_list.h"
 #include "algo_native_client.h"
 #include "camera_metadata_parser.h"
 #include "parameter_channel.h"
+#include "shot_tags.h"
 #include "vrequest.h"
 
 namespace orlu {
@@ -35,7 +36,10 @@ public:
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
 private:
-  // result_updater.cpp: the parts of updateResult, in the order they run.
+  static constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
+  static constexpr char kShortLogTag[] = "VASJNI-ResultUpdater";
+
+  // result_updater.cpp: the parts of updateResult() by theme, in the order in which they run.
   void updateRefocus();
   void updateDocument();
   void updateStepBeauty();
@@ -59,25 +63,25 @@ private:
   int updateProrawPure2ProcState();
   int updateCaptureResultForSuperMoon();
 
-  ParameterChannel parameters() const { return {mClient->context(), mMetadata}; }
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>
-  bool listHas(const char (&name)[N]) const {
-    return isAlgoListContains(mAlgoList, name);
-  }
-  // Put into the first composition, when there is one.
-  void put(int32_t value, const char* key);
-  void put(float value, const char* key);
-  void put(const int32_t* values, int count, const char* key);
-  void put(const float* values, int count, const char* key);
-  // Row: an int of the feedback section becomes a key of the first composition. Returns the value.
-  int32_t copyFeedback(const char* key, const char* resultKey, int32_t initial = 0);
+  bool listHas(const char (&name)[N]) const;
+  // Puts a value into a frame's composition, or into the first one. Returns 0, also when the request has no
+  // composition, or -1 when the parser could not store it.
+  template <typename T>
+  int put(const Frame& frame, const char* resultKey, const std::common_type_t<T>& value);
+  template <typename T>
+  int put(const char* resultKey, const std::common_type_t<T>& value);
+  // Row: a parameter, or `initial` when the block has none, becomes a key of the first composition. Returns
+  // the value.
+  template <typename T>
+  T copy(const char* section, const char* key, const char* resultKey, std::common_type_t<T> initial = T());
 
   std::vector<std::string>& mAlgoList;
-  AlgoNativeClient* mClient;
   VRequest& mRequest;
-  void* mMetadata;
   CameraMetadataParser* mParser;
+  ParameterChannel mChannel;
+  ShotTags mTags;
 };
 
 }  // namespace orlu

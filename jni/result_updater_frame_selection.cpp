@@ -1,16 +1,15 @@
-// Which frames the algorithms kept, how sharp they are, and which one is the base. Applications know frames
+// Which frames the algorithms kept, how sharp they are, and which one is the base. Applications name frames
 // by their timestamps, algorithms by their indices.
 
 #include <algorithm>
 
-#include "result_updater.h"
-#include "result_updater_log.h"
-#include "shot_tags.h"
+#include "log.h"
+#include "result_updater_rows.h"
 
 namespace orlu {
 namespace {
 
-// Room in the algorithms' tables. A frame past them has no score, and counts as not kept.
+// Sizes of the algorithms' tables. A frame past them has the score 0, and counts as not kept.
 constexpr size_t kMaxScores = 50;
 constexpr size_t kMaxSelections = 20;
 using Scores = Doubles<kMaxScores>;
@@ -26,30 +25,28 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 
 }  // namespace
 
-// Of the capture results alone: the time is the camera's (Oddity 52).
 std::vector<int64_t> ResultUpdater::readTimestamps() {
-  constexpr char kTag[] = "android.sensor.timestamp";
-  const ShotTags tags(*mParser, FrameList(mRequest.captureResults(), mRequest.captureResultCompositions()));
-  const auto repeated = tags.repeated(kTag);
-  std::vector<int64_t> timestamps(mRequest.captureResults().size());
-  for (size_t i = 0; i < timestamps.size(); ++i) {
-    tags.read(tags.frames().at(static_cast<int>(i)).captureResultOnly(), kTag, timestamps[i]);
+  constexpr char kTimestampTag[] = "android.sensor.timestamp";
+  const FrameList& frames = mTags.frames();
+  const CameraMetadataParser::RepeatedTag repeated = mTags.repeated(kTimestampTag);
+  std::vector<int64_t> timestamps(static_cast<size_t>(frames.size()));
+  for (int i = 0; i < frames.size(); ++i) {
+    mTags.read(frames.at(i).captureResultOnly(), kTimestampTag, timestamps[static_cast<size_t>(i)]);
   }
   return timestamps;
 }
 
 int ResultUpdater::updateFrameClarity() {
   const size_t imageNum = mRequest.inputFrames().size();
-  const auto scores = parameters().get<Scores>(kParameter, "frame_clarity_score");
+  const auto scores = mChannel.get<Scores>(kParameter, "frame_clarity_score");
   if (!hasComposition()) {
     LOGE("updateForFrameClarity failed, captureResultCompositions size < 1");
     return -1;
   }
-  // One entry for each input image, also where the table has no score for it (Oddity 42).
+  // Oddity 42: one entry per input image, also where the table has no score for it.
   std::vector<double> perImage(imageNum);
   std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.begin());
-  mParser->putDoubleArray(perImage.data(), static_cast<int>(imageNum), "orlu.feedback.clarityScore",
-                          mRequest.firstComposition());
+  put<std::vector<double>>("orlu.feedback.clarityScore", perImage);
   for (size_t i = 0; i < imageNum; ++i) {
     LOGD("updateForFrameClarity i = %d,clarityScore = %f", static_cast<int>(i), perImage[i]);
   }
@@ -59,8 +56,8 @@ int ResultUpdater::updateFrameClarity() {
 int ResultUpdater::updateFrameSelectResult() {
   Selections nothingSelected;
   nothingSelected.fill(-1);
-  const auto selections = parameters().get<Selections>(kFeedback, "frame_select_result", nothingSelected);
-  const auto scores = parameters().get<Scores>(kParameter, "frame_clarity_score");
+  const auto selections = mChannel.get<Selections>(kFeedback, "frame_select_result", nothingSelected);
+  const auto scores = mChannel.get<Scores>(kParameter, "frame_clarity_score");
   const std::vector<int64_t> timestamps = readTimestamps();
   for (size_t i = 0; i < timestamps.size(); ++i) {
     LOGD("frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d", static_cast<int>(i),
@@ -86,17 +83,15 @@ int ResultUpdater::updateFrameSelectResult() {
     LOGE("callbackFrameSelectResult failed, captureResultCompositions size < 1");
     return 0;
   }
-  mParser->putLongArray(kept.data(), static_cast<int>(kept.size()), "orlu.feedback.frameSelectResult",
-                        mRequest.firstComposition());
-  mParser->putDoubleArray(thrownScores.data(), static_cast<int>(thrownScores.size()),
-                          "orlu.feedback.clarityScore", mRequest.firstComposition());
+  put<std::vector<int64_t>>("orlu.feedback.frameSelectResult", kept);
+  put<std::vector<double>>("orlu.feedback.clarityScore", thrownScores);
   return 0;
 }
 
 int ResultUpdater::updateSelectBasicFrameIndex() {
   const std::vector<int64_t> timestamps = readTimestamps();
-  auto index = parameters().get<int32_t>(kFeedback, "current_base_frame_idx", -1);
-  const auto time = parameters().get<int64_t>(kControl, "current_base_frame_time");
+  auto index = mChannel.get<int32_t>(kFeedback, "current_base_frame_idx", -1);
+  const auto time = mChannel.get<int64_t>(kControl, "current_base_frame_time");
   if (index < 0) return 0;
 
   int64_t result = time;
@@ -118,7 +113,7 @@ int ResultUpdater::updateSelectBasicFrameIndex() {
     LOGE("callbackSelectBasicFrameIndex failed, captureResultCompositions size < 1");
     return 0;
   }
-  mParser->putLong(result, "orlu.feedback.basicFrameTimestamp", mRequest.firstComposition());
+  put<int64_t>("orlu.feedback.basicFrameTimestamp", result);
   LOGD("callbackSelectBasicFrameIndex currentBaseFrameIdx %d, resultTimeStamps %ld", index,
        static_cast<long>(result));
   return 0;

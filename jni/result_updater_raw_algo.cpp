@@ -1,10 +1,9 @@
-// What the raw-domain algorithms report back. Each step asks for a composition first, and logs when there is
-// none.
+// What the raw-domain algorithms report back. Each step logs, and does nothing else, when the request has no
+// composition.
 
+#include "log.h"
 #include "metadata_records.h"
-#include "result_updater.h"
-#include "result_updater_log.h"
-#include "shot_tags.h"
+#include "result_updater_rows.h"
 
 namespace orlu {
 
@@ -25,11 +24,11 @@ int ResultUpdater::updateTunningMode() {
     LOGE("updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }
-  auto mode = parameters().get<int32_t>(kFeedback, "tunning_mode");
-  const auto aeParams = parameters().get<Ints<2>>(kParameter, "rawhdr_shot_ae_params");
+  auto mode = mChannel.get<int32_t>(kFeedback, "tunning_mode");
+  const auto aeParams = mChannel.get<Ints<2>>(kParameter, "rawhdr_shot_ae_params");
   if (aeParams[1] < kShortExposureLimit) mode |= kShortExposureMode;
   LOGD("updateMarkMode %d", mode);
-  if (mParser->putInt(mode, "orlu.feedback.TunningMode", mRequest.firstComposition()) != 0) {
+  if (put<int32_t>("orlu.feedback.TunningMode", mode) != 0) {
     LOGE("pCameraMetadataParser->putInt fail");
   }
   return 0;
@@ -40,14 +39,14 @@ int ResultUpdater::updateRAWHDRTrackingInfor() {
     LOGE("RAWHDRTrackingInfor failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto mode = parameters().get<int32_t>(kFeedback, "rawhdr_track_mode");
-  const auto sceneType = parameters().get<int32_t>(kFeedback, "rawhdr_track_scenetype");
+  const auto mode = mChannel.get<int32_t>(kFeedback, "rawhdr_track_mode");
+  const auto sceneType = mChannel.get<int32_t>(kFeedback, "rawhdr_track_scenetype");
   LOGD("AlgoRAWHDRMode %d, AlgoRAWHDRSceneType %d, mMetadatas size =%d .", mode, sceneType,
        static_cast<int>(mRequest.captureResultCompositions().size()));
-  if (mParser->putInt(mode, "orlu.feedback.AlgoRAWHDRMode", mRequest.firstComposition()) != 0) {
+  if (put<int32_t>("orlu.feedback.AlgoRAWHDRMode", mode) != 0) {
     LOGE("pCameraMetadataParser->putInt AlgoRAWHDRMode fail");
   }
-  if (mParser->putInt(sceneType, "orlu.feedback.AlgoRAWHDRSceneType", mRequest.firstComposition()) != 0) {
+  if (put<int32_t>("orlu.feedback.AlgoRAWHDRSceneType", sceneType) != 0) {
     LOGE("pCameraMetadataParser->putInt AlgoRAWHDRSceneType fail");
   }
   return 0;
@@ -58,11 +57,10 @@ int ResultUpdater::updateShortGainForRAWHDR() {
     LOGD("rawhdrISPAEParams failed,captureResultCompositions size < 1");
     return 0;
   }
-  const float gains[] = {parameters().get<float>(kSystem, "real_gain"),
-                         parameters().get<float>(kSystem, "dark_boost_gain")};
-  // Into the last composition, unlike everything else (Oddity 41).
-  const jobject last = mRequest.captureResultCompositions().back();
-  if (mParser->putFloatArray(gains, 2, "orlu.feedback.rawhdrISPAEParams", last) != 0) {
+  const Floats<2> gains = {mChannel.get<float>(kSystem, "real_gain"),
+                           mChannel.get<float>(kSystem, "dark_boost_gain")};
+  // Oddity 41: into the last composition, unlike everything else.
+  if (put<Floats<2>>(mTags.frames().last(), "orlu.feedback.rawhdrISPAEParams", gains) != 0) {
     LOGE("put rawhdrISPAEParams fail");
   }
   return 0;
@@ -73,14 +71,14 @@ int ResultUpdater::updateProcessedAlgoTag() {
     LOGE("updateProcessedAlgoTag failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto processed = parameters().get<ProcessedAlgo>(kParameter, "processed_algo");
+  const auto processed = mChannel.get<ProcessedAlgo>(kParameter, "processed_algo");
   const uint64_t* const word = processed.words;
   LOGD("update debug processed algo to AP [0x%llx 0x%llx 0x%llx 0x%llx 0x%llx] ",
        static_cast<unsigned long long>(word[0]), static_cast<unsigned long long>(word[1]),
        static_cast<unsigned long long>(word[2]), static_cast<unsigned long long>(word[3]),
        static_cast<unsigned long long>(word[4]));
   const auto forApplication = static_cast<int64_t>(word[ProcessedAlgo::kApplicationWord]);
-  if (mParser->putLong(forApplication, "orlu.parameter.processedAlgo", mRequest.firstComposition()) != 0) {
+  if (put<int64_t>("orlu.parameter.processedAlgo", forApplication) != 0) {
     LOGE("pCameraMetadataParser->putInt fail");
   }
   return 0;
@@ -91,8 +89,8 @@ int ResultUpdater::updateProrawPure2ProcState() {
     LOGD("updateProrawPure2ProcState failed,captureResultCompositions size < 1");
     return 0;
   }
-  const int32_t enabled = parameters().get<uint8_t>(kFeedback, "pure2proc_enabled");
-  if (mParser->putInt(enabled, "orlu.feedback.pure2proc.enabled", mRequest.firstComposition()) != 0) {
+  const int32_t enabled = mChannel.get<uint8_t>(kFeedback, "pure2proc_enabled");
+  if (put<int32_t>("orlu.feedback.pure2proc.enabled", enabled) != 0) {
     LOGE("pCameraMetadataParser->putInt pure2procEnabled fail");
   }
   return 0;
@@ -100,13 +98,13 @@ int ResultUpdater::updateProrawPure2ProcState() {
 
 int ResultUpdater::updateCaptureResultForSuperMoon() {
   if (!hasComposition()) {
-    // Names the other function (Oddity 43).
+    // Oddity 43: names the other function.
     LOGE_BARE(kShortLogTag, "updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }
-  const auto result = parameters().get<int32_t>(kFeedback, "supermoon_capture_result", -1);
+  const auto result = mChannel.get<int32_t>(kFeedback, "supermoon_capture_result", -1);
   LOGD_BARE(kShortLogTag, "update supermoon capture result %d", result);
-  if (mParser->putInt(result, "orlu.feedback.superMoonCaptureResult", mRequest.firstComposition()) != 0) {
+  if (put<int32_t>("orlu.feedback.superMoonCaptureResult", result) != 0) {
     LOGE_BARE(kShortLogTag, "pCameraMetadataParser->putInt fail");
   }
   return 0;

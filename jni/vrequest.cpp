@@ -8,12 +8,10 @@
 #include "jni_member_table.h"
 #include "jni_support.h"
 #include "log.h"
+#include "starts_with.h"
 
 namespace orlu {
 namespace {
-
-constexpr char kLogTag[] = "_V_VASJNI-VRequest";
-constexpr char kShortLogTag[] = "VASJNI-VRequest";
 
 // Local references of the cache, with some to spare for what is looked up and freed again.
 constexpr jint kLocalReferences = 32;
@@ -52,10 +50,12 @@ struct VRequest::Table {
       METHOD("getRequestId", "()J", mMethodGetRequestId),
       METHOD("getRequestType", "()Ljava/lang/String;", mMethodGetRequestType),
       CLASS("com/orlu/orlu3rdalgoservice/CaptureResultComposition", mClazzCaptureResultCommposition),
-      METHOD("assembleResultComposition", "()Landroid/hardware/camera2/CaptureResult;", mMethodAssembleResultComposition),
-      FIELD("mCaptureResult", "Landroid/hardware/camera2/CaptureResult;", mFieldCaptureResult).with(Row::kBareTag),
+      METHOD("assembleResultComposition", "()Landroid/hardware/camera2/CaptureResult;",
+             mMethodAssembleResultComposition),
+      FIELD("mCaptureResult", "Landroid/hardware/camera2/CaptureResult;", mFieldCaptureResult)
+          .with(Row::kBareTag),
       CLASS("java/lang/String", mClazzString),
-      // Reported as the list's method, on purpose.
+      // Oddity 10.
       METHOD("length", "()I", mMethodStringLength).reportedAs("mMethodGetListElement"),
   };
   // clang-format on
@@ -77,7 +77,7 @@ VRequest::~VRequest() {
 }
 
 bool VRequest::isStopProcess() const {
-  return mRequestType.compare(0, 11, "stopProcess") == 0;
+  return startsWith(mRequestType.c_str(), "stopProcess");
 }
 
 jobject VRequest::firstComposition() const {
@@ -158,15 +158,8 @@ std::string VRequest::convertJavaString(jobject string) {
     LOGE("convert jstring failed, input is null");
     return {};
   }
-  const auto typed = static_cast<jstring>(string);
-  const char* chars = mEnv->GetStringUTFChars(typed, nullptr);
-  if (chars == nullptr) {
-    clearException(mEnv);
-    return {};
-  }
-  std::string text(chars);
-  mEnv->ReleaseStringUTFChars(typed, chars);
-  return text;
+  const ScopedUtfChars chars(mEnv, static_cast<jstring>(string));
+  return chars.get() == nullptr ? std::string() : chars.get();
 }
 
 jobject VRequest::getCaptureResult(jobject composition) {
@@ -205,7 +198,7 @@ int VRequest::getListSize(jobject list) {
   return count;
 }
 
-// The list is one that getListSize() answered a size of: it is not asked for its class again.
+// The list is one whose size getListSize() returned, so its class is not checked again.
 jobject VRequest::getListElement(jobject list, int index) {
   if (mMethodGetListElement == nullptr || list == nullptr) {
     LOGE("get list elemet failed, input is null");
@@ -224,13 +217,7 @@ void VRequest::getIntArray(int32_t* values, int count, jintArray array) {
     LOGE("get int array failed, input is null");
     return;
   }
-  jint* elements = mEnv->GetIntArrayElements(array, nullptr);
-  if (elements == nullptr) {
-    clearException(mEnv);
-    return;
-  }
-  std::copy_n(elements, std::max(0, std::min(count, static_cast<int>(mEnv->GetArrayLength(array)))), values);
-  mEnv->ReleaseIntArrayElements(array, elements, 0);
+  ScopedElements<jint>(mEnv, array).copyTo(values, count);
 }
 
 bool VRequest::isResultIndex(int index) const {
@@ -250,15 +237,10 @@ void VRequest::setResultJpegSize(int size, int index) {
   ScopedLocalRef<jintArray> sizes(
       mEnv, static_cast<jintArray>(mEnv->GetObjectField(mOutputImages[k], mFieldVImageIPCPlaneSizes)));
   if (!sizes) return;
-  jint* elements = mEnv->GetIntArrayElements(sizes.get(), nullptr);
-  if (elements == nullptr) {
-    clearException(mEnv);
-    return;
-  }
-  const jsize length = mEnv->GetArrayLength(sizes.get());
-  if (length >= 1) elements[0] = size;
-  mEnv->SetIntArrayRegion(sizes.get(), 0, length, elements);
-  mEnv->ReleaseIntArrayElements(sizes.get(), elements, 0);
+  const ScopedElements<jint> elements(mEnv, sizes.get());
+  if (elements.get() == nullptr) return;
+  if (elements.length() >= 1) elements.get()[0] = size;
+  mEnv->SetIntArrayRegion(sizes.get(), 0, elements.length(), elements.get());
 }
 
 void VRequest::setResultImageWH(int width, int height, int index) {
@@ -282,8 +264,8 @@ void VRequest::setResultImageFormat(int format, const char* formatName, int inde
   const auto k = static_cast<size_t>(index);
   mOutputFrames[k].format = format;
   if (mFieldVImageIPCFormat == nullptr || !isInstance(mEnv, mOutputImages[k], mClazzVImageIPC)) return;
-  ScopedLocalRef<jstring> name(mEnv, mEnv->NewStringUTF(formatName));
-  if (clearException(mEnv)) return;
+  const ScopedLocalRef<jstring> name(mEnv, clearIfNull(mEnv, mEnv->NewStringUTF(formatName)));
+  if (!name) return;
   mEnv->SetObjectField(mOutputImages[k], mFieldVImageIPCFormat, name.get());
 }
 

@@ -17,6 +17,9 @@ namespace orlu {
 
 class VRequest {
 public:
+  // The tag of this class and of the image line.
+  static constexpr char kLogTag[] = "_V_VASJNI-VRequest";
+
   // Reads everything out of the four Java objects, any of which may be null: the request, and the lists of
   // VImageIPC inputs and outputs and of CaptureResultCompositions. What can't be read is logged and left
   // zero.
@@ -28,7 +31,7 @@ public:
 
   int64_t requestId() const { return mRequestId; }
   const std::string& requestType() const { return mRequestType; }
-  // True for a request that ends a series of shots: only the beginning of its type is looked at.
+  // True for a request that ends a series of shots: its type begins with "stopProcess".
   bool isStopProcess() const;
   const std::vector<AlgoFrameInfo>& inputFrames() const { return mInputFrames; }
   const std::vector<AlgoFrameInfo>& outputFrames() const { return mOutputFrames; }
@@ -46,6 +49,8 @@ public:
   void setResultImageFormat(int format, const char* formatName, int index);
 
 private:
+  static constexpr char kShortLogTag[] = "VASJNI-VRequest";
+
   struct Table;  // the rows of the cache
   friend struct Table;
 
@@ -67,9 +72,9 @@ private:
   // vrequest_image.cpp
   AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
   void readGeometry(AlgoFrameInfo& frame, jobject image);
-  void readFormat(AlgoFrameInfo& frame, jobject image);
-  void attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
-  void attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle);
+  void readFormat(AlgoFrameInfo& frame, jobject image, const char* operation);
+  bool attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
+  bool attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle);
   // The field's object as a new local reference; null when the field could not be resolved.
   template <typename T>
   T objectField(jobject image, jfieldID field) {
@@ -90,8 +95,8 @@ private:
   std::vector<int> mOutputSharedMemoryFlags;
 
   JNIEnv* mEnv = nullptr;
-  // Alive until the call returns. A VM may count a reservation from the beginning of the call, so each one
-  // includes those before it.
+  // Local references reserved for this call. Some VMs count a reservation from the start of the call, so each
+  // new one must include the earlier ones.
   jint mReservedReferences = 0;
   jclass mClazzList = nullptr;
   jmethodID mMethodGetListElement = nullptr;

@@ -13,12 +13,11 @@
 #include "image_format.h"
 #include "jni_support.h"
 #include "log.h"
+#include "starts_with.h"
 #include "vrequest.h"
 
 namespace orlu {
 namespace {
-
-constexpr char kLogTag[] = "_V_VASJNI-VRequest";
 
 int32_t product(int32_t a, int32_t b, int32_t divisor = 1) {
   return saturated(int64_t{a} * b / divisor);
@@ -28,8 +27,8 @@ int32_t twoBytesPerPixel(const AlgoFrameInfo& frame) {
   return product(product(frame.width, frame.height), 2);
 }
 
-// How the format names that Java uses classify an image. Names are compared by their beginnings, in an order
-// that depends on the name's length.
+// Classifies an image by the format name that Java gives it. Names are compared by their beginnings, in an
+// order that depends on the name's length.
 class FormatClassifier {
 public:
   FormatClassifier(AlgoFrameInfo& frame, const char* name, size_t length)
@@ -40,7 +39,7 @@ public:
     mFrame.planeCount = 1;
     if (mLength < 4) return false;
     if (begins("NV21")) return yuv(kFormatNv21);
-    // YV12 and YU12 data count as NV12, deliberately.
+    // Oddity 2: YV12 and YU12 data count as NV12.
     if (begins("NV12") || begins("YU12") || begins("YV12")) return yuv(kFormatNv12);
     if (mLength >= 10) {
       if (begins("MIPI_RAW10")) return mipiRaw10();
@@ -56,10 +55,7 @@ public:
   }
 
 private:
-  template <size_t N>
-  bool begins(const char (&prefix)[N]) const {
-    return std::strncmp(mName, prefix, N - 1) == 0;
-  }
+  bool begins(const char* prefix) const { return startsWith(mName, prefix); }
   bool format(AlgoImageFormat code) {
     mFrame.format = code;
     return true;
@@ -72,12 +68,12 @@ private:
     mFrame.planeSize[0] = std::max(product(mFrame.stride[0], mFrame.height), mFrame.planeSize[0]);
     return format(kFormatMipiRaw10);
   }
-  // The stride becomes the width in pixels, deliberately not in bytes.
+  // Oddity 3: the stride becomes the width, in pixels and not in bytes ...
   bool raw16() {
     mFrame.stride[0] = mFrame.width;
     return rawSensor();
   }
-  // Unlike RAW16 the stride stays as it came, on purpose.
+  // ... while here it stays as it came.
   bool rawSensor() {
     mFrame.planeSize[0] = std::max(twoBytesPerPixel(mFrame), mFrame.planeSize[0]);
     return format(kFormatRaw16);
@@ -99,7 +95,7 @@ int64_t wordCount(const native_handle_t& handle) {
   return handle.numFds < 0 || handle.numInts < 0 ? 0 : int64_t{handle.numFds} + handle.numInts;
 }
 
-// Copies a platform handle. More words than fit stay uncopied; their counts are told all the same.
+// Copies a platform handle. When there are more words than fit, only their counts are copied.
 void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   to.version = from.version;
   to.numFds = from.numFds;
@@ -107,15 +103,15 @@ void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   const int64_t bytes = wordCount(from) * static_cast<int64_t>(sizeof(int32_t));
   if (bytes < static_cast<int64_t>(sizeof to.data))
     std::memcpy(to.data, from.data, static_cast<size_t>(bytes));
-  std::swap(to.data[0], to.data[1]);
+  std::swap(to.data[0], to.data[1]);  // oddity 5
 }
 
-// The descriptor of the pixels: the handle's second word, by design. -1 when it has no second one.
+// The descriptor of the pixels: the handle's second word (oddity 5). -1 when it has no second one.
 int32_t pixelDescriptor(const native_handle_t& handle) {
   return wordCount(handle) >= 2 ? handle.data[1] : -1;
 }
 
-// Sizes that the Java side left out, or gave as the whole memory.
+// Replaces sizes that the Java side left out, or gave as the whole memory.
 void fixNvPlanes(AlgoFrameInfo& frame) {
   if (frame.planeSize[1] <= 0) frame.planeSize[1] = product(frame.stride[0], frame.scanline[0], 2);
   if (frame.planeSize[0] >= frame.fdSize[0]) frame.planeSize[0] = product(frame.stride[0], frame.scanline[0]);
@@ -130,11 +126,13 @@ AlgoFrameInfo VRequest::convertVImageIPC(jobject image, int& usedSharedMemory, A
     return frame;
   }
   readGeometry(frame, image);
-  readFormat(frame, image);
+  readFormat(frame, image, __func__);
   frame.scanline[0] = frame.height;
-  frame.size = sumOfPlanes(frame);
+  frame.size = sumOfPlanes(frame);  // before fixNvPlanes(): oddity 6
   usedSharedMemory = 0;
-  attachMemory(frame, image, usedSharedMemory, handle);
+  if (!attachMemory(frame, image, usedSharedMemory, handle)) {
+    LOGE("convert image failed, invalid image data");
+  }
   if (frame.format == kFormatNv21 || frame.format == kFormatNv12) fixNvPlanes(frame);
   return frame;
 }
@@ -148,53 +146,46 @@ void VRequest::readGeometry(AlgoFrameInfo& frame, jobject image) {
   getIntArray(frame.planeSize, kMaxPlanes, sizes.get());
 }
 
-void VRequest::readFormat(AlgoFrameInfo& frame, jobject image) {
-  ScopedLocalRef<jstring> format(mEnv, objectField<jstring>(image, mFieldVImageIPCFormat));
-  const char* chars = nullptr;
+void VRequest::readFormat(AlgoFrameInfo& frame, jobject image, const char* operation) {
+  const ScopedLocalRef<jstring> format(mEnv, objectField<jstring>(image, mFieldVImageIPCFormat));
   jint length = 0;
   if (format && mMethodStringLength != nullptr) {
     length = mEnv->CallIntMethod(format.get(), mMethodStringLength);
     clearException(mEnv);
-    chars = mEnv->GetStringUTFChars(format.get(), nullptr);
-    if (chars == nullptr) clearException(mEnv);
   }
+  const ScopedUtfChars chars(mEnv, mMethodStringLength == nullptr ? nullptr : format.get());
   // A null name counts as an empty one.
-  const char* const name = chars == nullptr ? "" : chars;
-  if (!FormatClassifier(frame, name, chars == nullptr ? 0 : static_cast<size_t>(length)).classify()) {
-    LOGE("unknown format %s", name);
+  const char* const name = chars.get() == nullptr ? "" : chars.get();
+  if (!FormatClassifier(frame, name, chars.get() == nullptr ? 0 : static_cast<size_t>(length)).classify()) {
+    LOGE_AS(operation, "unknown format %s", name);
   }
-  if (chars != nullptr) mEnv->ReleaseStringUTFChars(format.get(), chars);
 }
 
-void VRequest::attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory,
+// False when the image has no memory.
+bool VRequest::attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory,
                             AlgoNativeHandle* handle) {
-  ScopedLocalRef<> sharedMemory(mEnv, objectField<jobject>(image, mFieldVImageIPCDataShmem));
-  ScopedLocalRef<> hardwareBuffer(mEnv, objectField<jobject>(image, mFieldVImageIPCDataHwbuff));
-  if (sharedMemory) {
-    frame.fd[0] = ASharedMemory_dupFromJava(mEnv, sharedMemory.get());
-    frame.fdCount = 1;
-    frame.fdSize[0] = saturated(static_cast<int64_t>(
-        std::min<size_t>(ASharedMemory_getSize(frame.fd[0]), std::numeric_limits<int32_t>::max())));
-    usedSharedMemory = 1;
-  } else if (hardwareBuffer) {
-    attachHardwareBuffer(frame, hardwareBuffer.get(), handle);
-  } else {
-    LOGE("convert image failed, invalid image data");
-  }
+  const ScopedLocalRef<> sharedMemory(mEnv, objectField<jobject>(image, mFieldVImageIPCDataShmem));
+  const ScopedLocalRef<> hardwareBuffer(mEnv, objectField<jobject>(image, mFieldVImageIPCDataHwbuff));
+  if (!sharedMemory) return hardwareBuffer && attachHardwareBuffer(frame, hardwareBuffer.get(), handle);
+  frame.fd[0] = ASharedMemory_dupFromJava(mEnv, sharedMemory.get());
+  frame.fdCount = 1;
+  frame.fdSize[0] = saturated(static_cast<int64_t>(
+      std::min<size_t>(ASharedMemory_getSize(frame.fd[0]), std::numeric_limits<int32_t>::max())));
+  usedSharedMemory = 1;
+  return true;
 }
 
-void VRequest::attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle) {
+// False when the buffer has no handle, as a closed one.
+bool VRequest::attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle) {
   const AHardwareBuffer* buffer = AHardwareBuffer_fromHardwareBuffer(mEnv, hardwareBuffer);
   const native_handle_t* native = buffer == nullptr ? nullptr : AHardwareBuffer_getNativeHandle(buffer);
-  if (native == nullptr) {
-    LOGE("convert image failed, invalid image data");
-    return;
-  }
+  if (native == nullptr) return false;
   frame.fd[0] = pixelDescriptor(*native);
   copyHandle(*native, *handle);
   frame.nativeHandle = handle;
   frame.fdCount = 1;
   frame.fdSize[0] = frame.size;
+  return true;
 }
 
 }  // namespace orlu
