@@ -36,6 +36,7 @@ enum AecElement : size_t {
 };
 
 using Aec = std::array<float, kAecSize>;
+inline constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
 

@@ -107,7 +107,7 @@ void MetadataUpdater::updateLightstream() {
 }
 
 void MetadataUpdater::updateZoom() {
-  const auto aec = mShot.readOr<Aec>(kAecTag);
+  const auto aec = mShot.exposureOf(mShot.first());
   mShot.write<float>(kSystem, "adrc_gain", aec[kAecAdrcGain]);
   LOGD("zoom adrcGain %f", static_cast<double>(aec[kAecAdrcGain]));
 }

@@ -170,7 +170,7 @@ void MetadataUpdater::updateCommonTags() {
   updateCameraType();
   writePhaseDetection(mShot);
   writeDigitalZoom(mShot);
-  writeExposureControl(mShot, mShot.readOr<Aec>(kAecTag));
+  writeExposureControl(mShot, mShot.exposureOf(mShot.first()));
   mShot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
   // The camera's own, which no application may change (Oddity 52).
   const Frame camera = mShot.first().captureResultOnly();

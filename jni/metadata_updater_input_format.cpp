@@ -90,7 +90,7 @@ void writeHdrGains(const Shot& shot, const FrameList& masters, const HdrFrameInd
   const auto repeated = shot.repeated(kAecTag);
   for (int i = 0; i < count; ++i) {
     const auto slot = static_cast<size_t>(i);
-    exposures.set(slot, shot.readOr<Aec>(masters.atOrLast(hdrFrames[slot]), kAecTag));
+    exposures.set(slot, shot.exposureOf(masters.atOrLast(hdrFrames[slot])));
     LOGD_AS(kOperation, "hdrGains[%d]: %f, hdrShutters[%d]: %f, hdrFrameIndex:%d", i,
             static_cast<double>(exposures.gains[slot]), i, static_cast<double>(exposures.shutters[slot]),
             hdrFrames[slot]);
@@ -114,7 +114,7 @@ bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
 }
 
 void writeShotGains(const Shot& shot) {
-  const auto aec = shot.readOr<Aec>(kAecTag);
+  const auto aec = shot.exposureOf(shot.first());
   shot.write<float>(kSystem, "safe_gain", aec[kAecSafeGain]);
   shot.write<float>(kSystem, "adrc_gain", aec[kAecAdrcGain]);
   shot.write<float>(kSystem, "drc_gain_dark", aec[kAecDarkBoostGain]);

@@ -13,7 +13,7 @@ void logPair(const char* operation, const char* domain, const char* name, float 
 
 // Of the first frame and the last one. The log lines name `operation` and begin with `domain`.
 void writeSuperNs(const Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
-  const auto a = shot.readOr<Aec>(kAecTag);
+  const auto a = shot.exposureOf(shot.first());
   const auto b = shot.readOr<Aec>(lastFrame, kAecTag);
   logPair(operation, domain, "superNSAdrcGain", a[kAecAdrcGain], b[kAecAdrcGain]);
   logPair(operation, domain, "superNSRealGain", a[kAecRealGain], b[kAecRealGain]);
@@ -99,7 +99,7 @@ void MetadataUpdater::updateRawLLHDR() {
 
 void MetadataUpdater::updateRawNR() {
   if (mShot.readOr<int32_t>("orlu.control.is_rawnr_mode") == 0) return;
-  const auto aec = mShot.readOr<Aec>(kAecTag);
+  const auto aec = mShot.exposureOf(mShot.first());
   mShot.write<float>(kSystem, "flash_real_gain", aec[kAecRealGain]);
 }
 
@@ -113,7 +113,7 @@ void MetadataUpdater::updateRawHdr() {
   const int count = std::min(mCaptureResultNum, static_cast<int>(kHdrSlots));
   const auto repeated = mShot.repeated(kAecTag);
   for (int i = 0; i < count; ++i) {
-    exposures.set(static_cast<size_t>(i), mShot.readOr<Aec>(mShot.frames().at(i), kAecTag));
+    exposures.set(static_cast<size_t>(i), mShot.exposureOf(mShot.frames().at(i)));
   }
   writeHdrExposures(mShot, exposures);
 }

@@ -11,8 +11,6 @@ constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
 // The tag of the few lines that are written whatever the log level.
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
-constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
-
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
 // The faces of a frame in the active array's coordinates, kMaxFaces at most.

@@ -18,6 +18,7 @@
 
 #include "algo_interface.h"
 #include "algo_list.h"
+#include "exposure.h"
 #include "image_format.h"
 #include "parameter_channel.h"
 #include "shot_tags.h"
@@ -66,6 +67,21 @@ public:
     return mParameters.get<T>(section, key, initial);
   }
 
+  // A frame's exposure control, zero where the frame lacks it. Steps ask for the first frame's again and
+  // again, and it is 22 boxed numbers, so the first one that was there is kept.
+  Aec exposureOf(const Frame& frame) const {
+    const bool isKept = mHasExposure && frame.captureResult == mExposureFrame.captureResult &&
+                        frame.composition == mExposureFrame.composition;
+    if (isKept) return mExposure;
+    Aec aec = {};
+    if (read(frame, kAecTag, aec) == 0 && !mHasExposure) {
+      mHasExposure = true;
+      mExposureFrame = frame;
+      mExposure = aec;
+    }
+    return aec;
+  }
+
   const ParameterChannel& parameters() const { return mParameters; }
 
   // Whether the algorithm list holds a name that begins with this literal.
@@ -91,6 +107,9 @@ private:
   VRequest* mRequest;
   std::vector<std::string>* mAlgoList;
   ParameterChannel mParameters;
+  mutable bool mHasExposure = false;
+  mutable Frame mExposureFrame;
+  mutable Aec mExposure = {};
 };
 
 }  // namespace orlu
