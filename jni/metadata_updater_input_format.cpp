@@ -170,7 +170,7 @@ void MetadataUpdater::updateRawFormat() {
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlRGain", kSystem, "awb_rgain");
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlBGain", kSystem, "awb_bgain");
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlGGain", kSystem, "awb_ggain");
-  mShot.copy<Floats<884>>(last, "android.statistics.lensShadingMap",  kSystem, "shading_map");
+  mShot.copyLarge<Floats<884>>(last, "android.statistics.lensShadingMap", kSystem, "shading_map");
   mShot.copy<int32_t>    (last, "orlu.feedback.AWBFrameControlCCT",   kSystem, "awb_cct");
   mShot.copy<float>      (last, "orlu.feedback.ISPDigitalGain",       kSystem, "isp_gain_short");
   mShot.copy<float>      (last, "orlu.control.sensor_gain",           kSystem, "sensor_gain_short");

@@ -13,6 +13,7 @@
 // and says both the getter and the width.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,14 @@ public:
   template <typename T>
   T copy(const char* tag, const char* section, const char* key) const {
     return copy<T>(first(), tag, section, key);
+  }
+
+  // For a type that takes more of the stack than a request may find left.
+  template <typename T>
+  void copyLarge(const Frame& frame, const char* tag, const char* section, const char* key) const {
+    const auto value = std::make_unique<T>();
+    read(frame, tag, *value);
+    write<T>(section, key, *value);
   }
 
   template <typename T>
