@@ -137,15 +137,18 @@ TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
   EXPECT_EQ(0, callInt("destroyNativeClient", "(J)I", inst));
 }
 
-TEST_F(RequestProcessorTest, HandleZeroIsRejected) {
+// Of a handle, a 32-bit machine has the lower half.
+TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
   using P = RequestProcessor;
+  constexpr int64_t kNone = sizeof(void*) == 4 ? int64_t{1} << 32 : 0;
   putKey(mParam, "imageFormat", javaInt(37));
-  for (const int answer : {P::destroy(env(), 0), P::init(env(), 0, mParam), P::release(env(), 0, mParam),
-                           P::flush(env(), 0, mParam, mParam), P::abortRequest(env(), 0, mParam, mParam),
-                           P::translateParamFiles(env(), 0, nullptr, mParam)}) {
+  for (const int answer :
+       {P::destroy(env(), kNone), P::init(env(), kNone, mParam), P::release(env(), kNone, mParam),
+        P::flush(env(), kNone, mParam, mParam), P::abortRequest(env(), kNone, mParam, mParam),
+        P::translateParamFiles(env(), kNone, nullptr, mParam)}) {
     EXPECT_EQ(-1, answer);
   }
-  EXPECT_EQ(nullptr, P::getData(env(), 0, mParam));
+  EXPECT_EQ(nullptr, P::getData(env(), kNone, mParam));
   EXPECT_EQ(nullptr, P::getData(env(), mInst, nullptr));
   EXPECT_EQ("", mTrace);
   std::ostringstream param;
