@@ -37,6 +37,8 @@ final class Session {
     private final List<Verdict> mVerdicts = new ArrayList<>();
 
     private ServiceClient mClient;
+    /** What was found of the algorithm library when the client was made. */
+    private Verdict mLibrary;
 
     Session(Options options) {
         mOptions = options;
@@ -128,10 +130,12 @@ final class Session {
         RequestReport report = new RequestReport(request);
         if (mClient == null) {
             mClient = new ServiceClient(request, report.stopwatch);
+            report.events.add(mEvents.next());
+            mLibrary = LibraryCheck.of(report.events);
         }
-        report.events.add(mEvents.next());
         // With a library that can't be used a request would only wait for a callback.
-        if (LibraryCheck.of(report.events).status() == Verdict.OK) {
+        boolean isUsable = mLibrary.status() == Verdict.OK;
+        if (isUsable) {
             new RequestRunner(report, mClient, mEvents, mOptions).run(frames);
         }
         if (lastOfClient) {
@@ -140,7 +144,7 @@ final class Session {
         }
         report.events.add(mEvents.next());
         report.pass = mTraces.next();
-        report.verdict = Judge.of(report);
+        report.verdict = isUsable ? Judge.of(report) : mLibrary;
         return report;
     }
 

@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Judges one request by its events and by what came of its outputs. */
+/** Judges one request over a usable library by its events and by what came of its outputs. */
 public final class Judge {
     /** Their results are answers: below 0 when a key is not there, or when a visitor does not know it. */
     private static final Set<String> ANSWERING =
@@ -26,8 +26,7 @@ public final class Judge {
     }
 
     public static Verdict of(RequestReport report) {
-        Verdict library = LibraryCheck.of(report.events);
-        return library.status() == Verdict.OK ? new Judge(report).judge() : library;
+        return new Judge(report).judge();
     }
 
     private Verdict judge() {
