@@ -64,7 +64,7 @@ final class Options {
         CommandSpec command = CommandSpec.create().name("./run");
         command.addOption(flag("print every parameter handed to the algorithms", "--params"));
         command.addOption(flag("print lines of any length, instead of cutting them to 80 columns", "--wide"));
-        // The launcher looks for these two itself, before it starts a VM.
+        // The launcher looks for these two itself, before it starts a VM, and for --version.
         command.addOption(flag("run the 32-bit ARM library, in an ARM JVM under an emulator", "--arm"));
         command.addOption(flag("show the library's log on standard error", "--log"));
         command.addOption(path("DIR", "write the resulting images there (default: out)", "--out"));
@@ -78,6 +78,8 @@ final class Options {
                 + "and every look-up of a tag, as JSON lines (docs/events.md)", "--events"));
         command.addOption(
                 OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
+        command.addOption(
+                OptionSpec.builder("--version").versionHelp(true).description("print the version").build());
         command.addPositional(PositionalParamSpec.builder().paramLabel("request.json").arity("0..*")
                 .hidden(true).type(List.class).auxiliaryTypes(Path.class).build());
         command.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
@@ -105,6 +107,9 @@ final class Options {
             if (line.isUsageHelpRequested()) {
                 command.usage(System.out);
                 return null;
+            }
+            if (line.isVersionHelpRequested()) {
+                throw new IllegalArgumentException("--version stands before all else");
             }
             return checked(new Options(line));
         } catch (UnmatchedArgumentException e) {
