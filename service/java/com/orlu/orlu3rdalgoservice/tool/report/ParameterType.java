@@ -5,7 +5,7 @@ enum ParameterType {
     INT("int"),
     INTS("int[]"),
     LONG("long"),
-    UNSIGNED_LONG("unsigned long"),
+    UNSIGNED_LONG("ulong"),
     LONGS("long[]"),
     FLOAT("float"),
     FLOATS("float[]"),
@@ -15,7 +15,7 @@ enum ParameterType {
     BOOL("bool"),
     TEXT("text"),
     /** A time in milliseconds: an int, or a float where the low-light raw step hands it over. */
-    MILLISECONDS("milliseconds"),
+    MILLISECONDS("ms"),
     /** An int count, then bytes that are not used. */
     COUNT("count"),
     /** Left, top, right, bottom. */
@@ -23,12 +23,12 @@ enum ParameterType {
     /** Left, top, width, height. */
     CROP("crop"),
     /** The sensor's crop: left, right, top, bottom and a flag. */
-    SENSOR_CROP("sensor crop"),
+    SENSOR_CROP("sensor"),
     FACES("faces"),
-    FACE_OUTLINE("face outline"),
+    FACE_OUTLINE("outline"),
     EXIF("exif"),
-    REFOCUS_PACK("refocus pack"),
-    PHASE_DETECTION("phase detection"),
+    REFOCUS_PACK("refocus"),
+    PHASE_DETECTION("pdaf"),
     BYTES("bytes"),
     /** No row in parameters.txt. */
     UNKNOWN("unknown");
