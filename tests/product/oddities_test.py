@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+"""Holds docs/oddities.md beside the code: each number that the code names has its paragraph, each paragraph is named
+where its rule is kept, and what holds a rule is there.
+
+oddities_test.py PROJECT_FOLDER
+"""
+
+import pathlib
+import re
+import sys
+
+PARTS = ("Expected", "Done", "Depends on it", "Held by")
+
+
+def paragraphs(text):
+    """Number -> (line, the paragraph's parts by name)."""
+    found = {}
+    for match in re.finditer(r"^### (\d+)\. .+\n((?:.+\n)*)", text + "\n", re.MULTILINE):
+        line = text.count("\n", 0, match.start()) + 1
+        body = re.sub(r"\n  +", " ", match[2])
+        found[int(match[1])] = (line, dict(re.findall(r"^- ([^:]+): (.+)$", body, re.MULTILINE)))
+    return found
+
+
+def named_in_code(folder):
+    """Number -> the first place that names it."""
+    places = {}
+    for path in sorted((folder / "jni").iterdir()):
+        text = re.sub(r"\n\s*//", " ", path.read_text())
+        for match in re.finditer(r"Oddit(?:y|ies) (\d+(?:(?:, | and |\s+)+\d+)*)", text):
+            for number in re.findall(r"\d+", match[1]):
+                places.setdefault(int(number), path.name)
+    return places
+
+
+def names_of_tests(folder):
+    """Suites, tests, golden texts and their variations."""
+    names = set()
+    for path in (folder / "tests").rglob("*_test.cpp"):
+        for suite, test in re.findall(r"^TEST(?:_[FP])?\((\w+),\s*(\w+)\)", path.read_text(), re.MULTILINE):
+            names |= {suite, f"{suite}.{test}"}
+    golden = folder / "tests" / "golden"
+    for path in golden.rglob("*.txt"):
+        names |= {path.name, str(path.relative_to(golden))}
+        names |= set(re.findall(r"^= (\w+) of ", path.read_text(), re.MULTILINE))
+    return names
+
+
+def mistakes(folder):
+    page = "docs/oddities.md"
+    found = paragraphs((folder / page).read_text())
+    code = named_in_code(folder)
+    tests = names_of_tests(folder)
+    for number in sorted(code.keys() - found.keys()):
+        yield f"jni/{code[number]}: Oddity {number} has no paragraph in {page}"
+    if sorted(found) != list(range(1, len(found) + 1)):
+        yield f"{page}: the numbers are not 1 to {len(found)}, each once"
+    for number, (line, parts) in sorted(found.items()):
+        if number not in code:
+            yield f"{page}:{line}: no code says Oddity {number} where the rule is kept"
+        if tuple(parts) != PARTS:
+            yield f"{page}:{line}: oddity {number} has the parts {tuple(parts)}, expected {PARTS}"
+        holders = re.findall(r"`([^`]+)`", parts.get("Held by", ""))
+        if not holders:
+            yield f"{page}:{line}: nothing holds oddity {number}"
+        for name in holders:
+            if name not in tests:
+                yield f"{page}:{line}: oddity {number} is held by {name}, which is no test and no golden text"
+
+
+if __name__ == "__main__":
+    lines = list(mistakes(pathlib.Path(sys.argv[1])))
+    print("\n".join(lines))
+    sys.exit(1 if lines else 0)
