@@ -293,6 +293,23 @@ struct AlgoInterfaceCallbacks {
   std::function<int(const AlgoTranslateParamFileRecord&)> translateParamFile;
 };
 
+// The records and tables that hold strings or functions have the sizes of the phone's C++ library; another
+// one's differ (docs/arm.md).
+#if UINTPTR_MAX == UINT32_MAX && defined(_LIBCPP_VERSION)
+static_assert(sizeof(AlgoGetDataRecord) == 24);
+static_assert(offsetof(AlgoGetDataRecord, block) == 12);
+static_assert(sizeof(AlgoTranslateParamFileRecord) == 24);
+static_assert(offsetof(AlgoTranslateParamFileRecord, identifier) == 12);
+static_assert(sizeof(AlgoMetadataVisitor) == 24);
+static_assert(sizeof(AlgoMetadataOps) == 216);
+static_assert(offsetof(AlgoMetadataOps, setValue) == 72);
+static_assert(offsetof(AlgoMetadataOps, paramSystemDownloadToAlgo) == 192);
+static_assert(sizeof(AlgoInterfaceCallbacks) == 464);
+static_assert(offsetof(AlgoInterfaceCallbacks, init) == 8);
+static_assert(offsetof(AlgoInterfaceCallbacks, metadataOps) == 224);
+static_assert(offsetof(AlgoInterfaceCallbacks, translateParamFile) == 440);
+#endif
+
 }  // namespace orlu
 
 // The algorithm library's one export: fills the table in, whose callables stay valid until the process ends.

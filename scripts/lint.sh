@@ -2,14 +2,14 @@
 # Looks for mistakes without running anything; every finding is an error.
 #   scripts/lint.sh              all checks
 #   scripts/lint.sh shell java   these alone
-# cpp: clang-tidy with .clang-tidy; shell: shellcheck; java: the Eclipse compiler with
+# cpp: clang-tidy with .clang-tidy; headers: each compiles alone; shell: shellcheck; java: the Eclipse compiler with
 # scripts/ecj.prefs; android_bp: the platform's own formatter and parser.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 source scripts/lib.sh
 
-readonly checks=(cpp shell java android_bp)
+readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
 # Every source that the build for this machine knows, as many at a time as there are processors.
@@ -18,6 +18,8 @@ lint_cpp() {
   sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' $build/compile_commands.json | grep -v "^$root/build/" | sort -u |
     xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p $build 2> >(grep -v ' warnings\{0,1\} generated' >&2)
 }
+
+lint_headers() { build_preset dev --tests headers_alone; }
 
 # What is only sourced has variables of the scripts around it.
 lint_shell() {

@@ -1,0 +1,19 @@
+# Every header compiles alone, whatever was included before it: the target headers_alone compiles one source for
+# each, which includes it twice. scripts/lint.sh builds it.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+  bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
+# What clang alone builds, for libFuzzer.
+list(FILTER headers EXCLUDE REGEX "^fuzz/support/(fake_jni|target)[.]h$")
+
+set(sources "")
+foreach(header IN LISTS headers)
+  set(source ${CMAKE_BINARY_DIR}/headers_alone/${header}.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "#include \"@header@\"\n#include \"@header@\"\n" @ONLY)
+  list(APPEND sources ${source})
+endforeach()
+
+add_library(headers_alone OBJECT EXCLUDE_FROM_ALL ${sources})
+target_include_directories(headers_alone PRIVATE
+  ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR}/fuzz/generated bench fuzz/support host/algo host/probe jni tests tests/support)
+target_compile_options(headers_alone PRIVATE -O0 -g0)
+target_link_libraries(headers_alone PRIVATE orlu_options orlu_host_headers)
