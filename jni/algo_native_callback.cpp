@@ -227,7 +227,7 @@ void AlgoNativeCallback::onPostProcessDataLightStream(const uint8_t* payload, in
 
 JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
   // A thread that is not attached gets no further than this: attaching it here would leave it attached for
-  // ever. The attach below only confirms the one that is there.
+  // ever (Oddity 47). The attach below only confirms the one that is there.
   JNIEnv* env = environment();
   if (env == nullptr || mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr) != JNI_OK) {
     LOGE_AS(operation, "%s: JavaVM GetEnv ERROR", operation);
@@ -242,6 +242,7 @@ JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
 }
 
 void AlgoNativeCallback::callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const {
+  // 0 for every kind of callback (Oddity 48).
   env->CallStaticVoidMethod(mCallbackClass, mPostDataMethod, static_cast<jint>(0),
                             static_cast<jlong>(mClientId), static_cast<jint>(mAlgoContextIndex),
                             static_cast<jlong>(reqId), map);

@@ -93,7 +93,7 @@ public:
   int getInt(int32_t& value, const char* key, jobject captureResult, jobject parameter);
   int getFloat(float& value, const char* key, jobject captureResult, jobject parameter);
   int getLong(int64_t& value, const char* key, jobject captureResult, jobject parameter);
-  // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero (oddity 13).
+  // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero (Oddity 13).
   int getString(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getArrayBytes(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);
@@ -103,7 +103,7 @@ public:
   // Appends every string, without a limit.
   int getStringArray(std::vector<std::string>& values, const char* key, jobject captureResult,
                      jobject parameter);
-  // The count becomes the array's length, even when fewer faces fit (oddity 11).
+  // The count becomes the array's length, even when fewer faces fit (Oddity 11).
   int getFaceInfo(_tagOrluFaceInfo& faces, int capacity, const char* key, jobject captureResult,
                   jobject parameter);
   // Faces as four ints each; an incomplete last one is not counted.

@@ -8,7 +8,7 @@ namespace orlu {
 // The code's name, static text; "undefineFromat" for a code without one.
 const char* formatToStr(int format);
 
-// True for RAW16 and MIPI_RAW10 alone (oddity 1).
+// True for RAW16 and MIPI_RAW10 alone (Oddity 1).
 bool isRawImageFormat(int format);
 
 // Logs one line about image `index`, at debug level. `label` is "in" or "out"; `usedSharedMemory` is 1 when

@@ -148,6 +148,7 @@ void writeDocument(const Shot& shot) {
   shot.write<int32_t>(kParameter, "hasDocArea",            area);
   // clang-format on
   LOGD_AS(kOperation, "orlu.control.document.pack %d", pack);
+  // Once more for production logs (Oddity 50).
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 

@@ -64,7 +64,7 @@ bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& c
 
   bool valid = false;
   int64_t value = 0;
-  // Only the beginning counts, so that a longer key matches as well.
+  // Only the beginning counts; another key is dropped without an error (Oddity 54).
   if (std::memcmp(key.data.data(), kFrameFlag, sizeof kFrameFlag - 1) == 0 &&
       parser.getLongOrlu(value, "AbortVal", param) == 0) {
     context.setValue(metadata, kControl, "abort_val", &value, sizeof value);
@@ -100,7 +100,8 @@ int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
   LOGD("destroy flush, %p", printable(inst));
   client->context().flush();
   LOGD("destroy uninit, %p", printable(inst));
-  client->context().uninit(0);
+  // Also for a client that was released before (Oddity 45).
+  client->context().uninit(kModeUnknownFormat);
   delete client;
   LOGD("destroy X");
   return 0;
@@ -180,7 +181,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
   if (AlgoNativeClient::of(inst) == nullptr) {
-    // The other function's words and a debug line, deliberately.
+    // Another operation's words, in a debug line (Oddity 43).
     LOGD("get data failed, input is null, %p", printable(inst));
     return -1;
   }
@@ -191,7 +192,7 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
   LOGD("translateParamFiles filefd %d, bufferSize %d algoFlag %s", fd, size, identifier.c_str());
   AlgoNativeClient::of(inst)->context().translateParamFile(fd, size, identifier);
-  // Descriptor 0 deliberately stays open.
+  // Descriptor 0 stays open (Oddity 44).
   if (fd >= 1) close(fd);
   LOGD("translateParamFiles end");
   return 0;

@@ -133,6 +133,7 @@ int RequestProcessor::processImageAlgo(RequestInFlight& flight, int resultIndex)
                                    request.inputFrames(), request.outputFrames(), flight.metadata,
                                    flight.client->callbackCookie(),
                                    static_cast<uint64_t>(request.requestId()), metadataBytes);
+  // A request that timed out goes on to its results (Oddity 46).
   if (!flight.isFullAsync) AlgoNativeRequestMap::getInstance()->waitForCallback(*flight.nativeReq);
   return 0;
 }

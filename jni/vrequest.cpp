@@ -201,6 +201,7 @@ int VRequest::getListSize(jobject list) {
 // The list is one whose size getListSize() returned, so its class is not checked again.
 jobject VRequest::getListElement(jobject list, int index) {
   if (mMethodGetListElement == nullptr || list == nullptr) {
+    // Spelled so (Oddity 49).
     LOGE("get list elemet failed, input is null");
     return nullptr;
   }

@@ -103,10 +103,10 @@ void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   const int64_t bytes = wordCount(from) * static_cast<int64_t>(sizeof(int32_t));
   if (bytes < static_cast<int64_t>(sizeof to.data))
     std::memcpy(to.data, from.data, static_cast<size_t>(bytes));
-  std::swap(to.data[0], to.data[1]);  // oddity 5
+  std::swap(to.data[0], to.data[1]);  // Oddity 5
 }
 
-// The descriptor of the pixels: the handle's second word (oddity 5). -1 when it has no second one.
+// The descriptor of the pixels: the handle's second word (Oddity 5). -1 when it has no second one.
 int32_t pixelDescriptor(const native_handle_t& handle) {
   return wordCount(handle) >= 2 ? handle.data[1] : -1;
 }
@@ -128,7 +128,7 @@ AlgoFrameInfo VRequest::convertVImageIPC(jobject image, int& usedSharedMemory, A
   readGeometry(frame, image);
   readFormat(frame, image, __func__);
   frame.scanline[0] = frame.height;
-  frame.size = sumOfPlanes(frame);  // before fixNvPlanes(): oddity 6
+  frame.size = sumOfPlanes(frame);  // before fixNvPlanes(): Oddity 6
   usedSharedMemory = 0;
   if (!attachMemory(frame, image, usedSharedMemory, handle)) {
     LOGE("convert image failed, invalid image data");
