@@ -16,8 +16,10 @@ capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too s
 capture|none.so|3|the algorithm library can't be opened: .*none\.so: .*No such file or directory
 capture|without_entry|3|the algorithm library .*planted_without_entry\.so has no AlgoInterfaceEntry: .*
 capture|lacks:process|3|the algorithm library .*planted_algo\.so lacks process
-capture|lacks:setValue|3|the algorithm library .*planted_algo\.so lacks setValue
+capture|lacks:getSize|3|the algorithm library .*planted_algo\.so lacks getSize
+capture|lacks:setValue|1|the algorithm library .*planted_algo\.so lacks setValue
 capture|lacks:flush|0|
+capture|lacks:init|0|
 capture|answers:createClient|3|createClient returned no client
 capture|answers:init|1|init returned -22
 capture|answers:setValue|1|setValue returned -22 \([0-9]+ times\)
@@ -39,30 +41,39 @@ capture|empty|1|output 0 is a JPEG of size 0
 capture|aborts:process|1|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in process of request 103; the crash file is shots/crash\.log
 capture|segfaults:setValue|1|.*planted_algo\.so ended the process by signal 11 \(SIGSEGV at planted_algo\.so\+0x[0-9a-f]+\) in setValue of .*; the crash file is shots/crash\.log
 capture|aborts:createClient|3|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in createClient; .*
-capture|hangs:process|1|stopped by signal 2 \(SIGINT\), with process of request 103 still running; .*
+capture|hangs:process|1|stopped by signal 15 \(SIGTERM\), with process of request 103 still running; .*
 ROWS
+}
+
+# lose_patience GROUP: ends a run that hangs, once it does.
+lose_patience() {
+  local i
+  for ((i = 0; i < 600; ++i)); do
+    if grep -qs '"op":"process"' events; then break; fi
+    sleep 0.1
+  done
+  kill -TERM -- "-$1"
 }
 
 # check SAMPLE FAULT STATUS PATTERN: one row, in a folder of its own. Prints what is wrong.
 check() {
   local sample=$1 fault=$2 wanted=$3 pattern=$4 status=0 library=$ORLU_BUILD/planted/planted_algo.so line left
-  local patience=()
   case $fault in
     *.so) library=$folder/$fault ;;
     without_entry) library=$ORLU_BUILD/planted/planted_without_entry.so ;;
   esac
   mkdir "$folder/$sample-$fault" && cd "$folder/$sample-$fault" || return
-  # Somebody loses patience with a library that hangs.
-  [[ $fault != hangs:* ]] || patience=(timeout --preserve-status -s INT 8)
-  ORLU_ALGO_LIBRARY=$library ORLU_PLANTED=$fault "${patience[@]}" "$root/run" --out shots --json report \
-    "$root/samples/$sample.json" >out 2>err || status=$?
+  ORLU_ALGO_LIBRARY=$library ORLU_PLANTED=$fault ORLU_EVENTS=$PWD/events setsid "$root/run" --out shots \
+    --json report "$root/samples/$sample.json" >out 2>err &
+  [[ $fault != hangs:* ]] || lose_patience "$!"
+  wait "$!" || status=$?
   line=$(tail -n 1 out)
   pattern="^verdict  ${pattern:+FAILED: $pattern}"
   [ "$wanted" != 0 ] || pattern="^verdict  ok"
   [[ $status =~ ^$wanted$ && $line =~ $pattern$ ]] ||
     echo "FAILED: $sample, $fault: status $status instead of $wanted, \"$line\" instead of \"$pattern\": $(cat err)"
   grep -q "\"status\": $status" report || echo "FAILED: $sample, $fault: the report says another status"
-  left=$(find . -mindepth 1 -maxdepth 1 ! -name out ! -name err ! -name report ! -name shots)
+  left=$(find . -mindepth 1 -maxdepth 1 ! -name out ! -name err ! -name report ! -name shots ! -name events)
   [ -z "$left" ] || echo "FAILED: $sample, $fault: leaves $left in the caller's folder"
 }
 

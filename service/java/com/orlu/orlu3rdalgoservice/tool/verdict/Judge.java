@@ -31,6 +31,7 @@ public final class Judge {
 
     private Verdict judge() {
         mReasons.addAll(mReport.problems);
+        LibraryCheck.addMissingCarriers(mReport.events, mReasons);
         boolean isMissing = mCallbacks.isMissing();
         checkOperations(isMissing ? mReport.handover().process() : null);
         if (isMissing) {

@@ -10,9 +10,10 @@ import java.util.List;
 
 /** Whether an algorithm library can be used at all, by what happened until its first client was there. */
 public final class LibraryCheck {
-    // Without these a request waits for a callback that nothing makes, or loses its values.
-    private static final List<String> MANDATORY = List.of(
-            "createClient", "process", "createMetadata", "getSize", "setValue", "getValue");
+    // Without these no request is submitted, and each waits for a callback that nothing makes.
+    private static final List<String> MANDATORY = List.of("process", "getSize");
+    // Without these a request runs, but its parameters or its results get lost.
+    private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");
 
     private LibraryCheck() {
     }
@@ -22,7 +23,7 @@ public final class LibraryCheck {
         List<String> reasons = new ArrayList<>();
         checkLoad(events.last("load"), reasons);
         if (reasons.isEmpty()) {
-            checkTable(path(events), events.events("table"), reasons);
+            addMissing(events, MANDATORY, reasons);
             checkClient(events, reasons);
         }
         return reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.UNUSABLE, reasons);
@@ -50,13 +51,17 @@ public final class LibraryCheck {
         }
     }
 
-    private static void checkTable(String path, List<Event> tables, List<String> reasons) {
-        List<String> missing = new ArrayList<>(MANDATORY);
-        if (!tables.isEmpty()) {
-            missing.retainAll(tables.get(tables.size() - 1).texts("missing"));
-            if (!missing.isEmpty()) {
-                reasons.add("the algorithm library " + path + " lacks " + String.join(", ", missing));
-            }
+    /** Adds a reason when a library that can be used lacks what carries parameters and results. */
+    static void addMissingCarriers(RecordedEvents events, List<String> reasons) {
+        addMissing(events, CARRYING_VALUES, reasons);
+    }
+
+    private static void addMissing(RecordedEvents events, List<String> needed, List<String> reasons) {
+        List<Event> tables = events.events("table");
+        List<String> missing = new ArrayList<>(needed);
+        missing.retainAll(tables.isEmpty() ? List.of() : tables.get(tables.size() - 1).texts("missing"));
+        if (!missing.isEmpty()) {
+            reasons.add("the algorithm library " + path(events) + " lacks " + String.join(", ", missing));
         }
     }
 
