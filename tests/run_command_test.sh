@@ -64,7 +64,7 @@ refused_request 'outputs[0].format: needs one of NV21, NV12, YU12, YV12, MIPI_RA
 refused_request 'photo: no such photo: a?b' "$(request ', "photo": "a\u0000b"')"
 refused_request 'properties.level: needs a name, and a value of at most 91 bytes' \
   "$(request ", \"properties\": {\"level\": \"$(printf '%092d' 0)\"}")"
-refused_request 'fullAsync: needs a frame, whose composition tells it' \
+refused_request 'fullAsync: needs a frame, whose composition says it' \
   '{"request": {"id": 1}, "fullAsync": true, "frames": [], "inputs": [], "outputs": []}'
 refused_request 'not JSON: it ends too early' '{"request": {"id": 1}'
 refused_request 'not JSON, line 1 column 11' '{"about": no}'

@@ -31,7 +31,7 @@ public final class Parcel {
         mSize = 0;
     }
 
-    /** Says whether descriptors may be written; answers what was so before. */
+    /** Says whether descriptors may be written; returns what was so before. */
     public boolean pushAllowFds(boolean allowFds) {
         boolean before = mAllowFds;
         mAllowFds = allowFds;
@@ -43,10 +43,10 @@ public final class Parcel {
         return Arrays.copyOf(mData.array(), mSize);
     }
 
-    /** Replaces the contents by bytes that {@link #marshall} answered; the position is behind them. */
+    /** Replaces the contents by bytes that {@link #marshall} returned; the position is behind them. */
     public void unmarshall(byte[] data, int offset, int length) {
         recycle();
-        room(length).put(data, offset, length);
+        space(length).put(data, offset, length);
         written();
     }
 
@@ -63,7 +63,7 @@ public final class Parcel {
     }
 
     public void writeInt(int value) {
-        room(Integer.BYTES).putInt(value);
+        space(Integer.BYTES).putInt(value);
         written();
     }
 
@@ -72,7 +72,7 @@ public final class Parcel {
     }
 
     public void writeLong(long value) {
-        room(Long.BYTES).putLong(value);
+        space(Long.BYTES).putLong(value);
         written();
     }
 
@@ -81,7 +81,7 @@ public final class Parcel {
     }
 
     public void writeFloat(float value) {
-        room(Float.BYTES).putFloat(value);
+        space(Float.BYTES).putFloat(value);
         written();
     }
 
@@ -90,7 +90,7 @@ public final class Parcel {
     }
 
     public void writeDouble(double value) {
-        room(Double.BYTES).putDouble(value);
+        space(Double.BYTES).putDouble(value);
         written();
     }
 
@@ -109,7 +109,7 @@ public final class Parcel {
 
     public void writeByteArray(byte[] values) {
         if (writeLength(values == null ? NULL_LENGTH : values.length) && values != null) {
-            room(values.length).put(values);
+            space(values.length).put(values);
             written();
         }
     }
@@ -210,8 +210,8 @@ public final class Parcel {
         return mData;
     }
 
-    // The buffer at its position, with room for so many bytes more.
-    private ByteBuffer room(int bytes) {
+    // The buffer at its position, with space for so many bytes more.
+    private ByteBuffer space(int bytes) {
         int needed = mData.position() + bytes;
         if (needed > mData.capacity()) {
             int position = mData.position();

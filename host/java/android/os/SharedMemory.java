@@ -46,7 +46,7 @@ public final class SharedMemory implements AutoCloseable {
         return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
     }
 
-    /** Ends a mapping, told by the very buffer that the map answered. It must not be touched again. */
+    /** Ends a mapping, given the very buffer that the map returned. It must not be touched again. */
     public static void unmap(ByteBuffer mapping) {
         if (!mapping.isDirect()) {
             throw new IllegalArgumentException("The buffer is no mapping");

@@ -38,7 +38,7 @@ public class CaptureResultComposition {
         mMetadata.put(key, value);
     }
 
-    /** Makes a capture result of the camera's report. The native side calls it once and keeps the answer. */
+    /** Makes a capture result of the camera's report. The native side calls it once and keeps the result. */
     public CaptureResult assembleResultComposition() {
         return new CaptureResult(mSource);
     }

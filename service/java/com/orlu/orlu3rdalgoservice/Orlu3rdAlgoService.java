@@ -9,10 +9,10 @@ public final class Orlu3rdAlgoService {
         System.loadLibrary("orlu.vas.native.interface");
     }
 
-    /** Makes a client from "algoContextIndex" and "clientId". Answers its handle, never 0. */
+    /** Makes a client from "algoContextIndex" and "clientId". Returns its handle, never 0. */
     public native long createNativeClient(Object param);
 
-    /** Ends a client for good. Answers 0, or -1 for handle 0, as all calls here that answer an int. */
+    /** Ends a client for good. Returns 0, or -1 for handle 0, as all calls here that return an int. */
     public native int destroyNativeClient(long inst);
 
     /** Readies a client for requests. The parameter object is not read. */

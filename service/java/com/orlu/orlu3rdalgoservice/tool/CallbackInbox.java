@@ -35,7 +35,7 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
         return List.copyOf(mReports);
     }
 
-    /** Waits until a request is reported done and answers its native id, null when the time is over first. */
+    /** Waits until a request is reported done. Returns its native id, null when the time is over first. */
     synchronized Long awaitRequest(long milliseconds) {
         long end = System.nanoTime() + milliseconds * NANOSECONDS_PER_MILLISECOND;
         Long done = doneRequest();

@@ -15,22 +15,22 @@ import picocli.CommandLine.UnmatchedArgumentException;
 
 /**
  * The command line of ./run: every option, with its words in the help, of which service/run_help.txt is a
- * copy for a machine without a build. The rows are calls and not annotations, which the VM would read for 50 ms.
+ * copy for a machine without a build. The rows are calls and not annotations, whose reading costs 50 ms.
  */
 final class Options {
     private static final int HELP_COLUMNS = 80;
     private static final String ABOUT = """
 
-            Sends camera requests through the post-processing library, as the service does, and tells what \
+            Sends camera requests through the post-processing library, as the service does, and shows what \
             went in, what ran and what came back. Without a request file it takes samples/night.json.
             """;
     private static final String STATUSES = """
 
             The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
-            status is 0 when all went well, 1 when a request failed, 2 when the command line or a request file \
-            can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
-            opened, has no entry, lacks a callable that no request can do without, or makes no client. When it ends the \
-            process, DIR/crash.log says where.
+            status is 0 when all went well, 1 when a request failed, 2 when the command line or a request \
+            file can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
+            opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
+            it ends the process, DIR/crash.log says where.
             """;
     private static final String VARIABLES = """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \

@@ -48,7 +48,7 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Memory for an output, all zero. A JPEG gets the room of the pixels and some, or the capacity given. */
+    /** Memory for an output, all zero. A JPEG gets as much as the pixels and some, or the capacity given. */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException {
         int usual = plan.width() * plan.height() * 3 / 2 + JPEG_HEADROOM;
         return new ImageBuffer(plan, plan.capacity() > 0 ? plan.capacity() : usual);

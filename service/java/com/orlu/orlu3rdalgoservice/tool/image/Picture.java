@@ -119,7 +119,7 @@ public final class Picture {
         return convolved(kernel, 1, 0).convolved(kernel, 0, 1);
     }
 
-    // StrictMath answers the same on every machine.
+    // StrictMath returns the same on every machine.
     private static float[] gaussian(double deviation) {
         int radius = (int) Math.ceil(3 * deviation);
         double[] weights = new double[2 * radius + 1];

@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 /**
- * Shows on standard error how far work is that takes longer than a moment: on a terminal in one line, which is
- * rewritten; elsewhere in a line every ten seconds. The launcher says which it is in the property orlu.terminal.
+ * Shows on standard error how far work is that takes longer than a moment: on a terminal in one line, which
+ * is rewritten; elsewhere in a line every ten seconds. The property orlu.terminal says which it is.
  */
 public final class Progress {
     private static final boolean TERMINAL = Boolean.getBoolean("orlu.terminal");

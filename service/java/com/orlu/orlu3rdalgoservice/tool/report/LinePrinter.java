@@ -50,7 +50,7 @@ final class LinePrinter {
         StringBuilder text = new StringBuilder();
         for (int i = 0; i < parts.size(); ++i) {
             String part = parts.get(i) + (i + 1 < parts.size() ? ", " : "");
-            if (!mWide && !text.isEmpty() && text.length() + part.stripTrailing().length() > room()) {
+            if (!mWide && !text.isEmpty() && text.length() + part.stripTrailing().length() > columnsLeft()) {
                 line(shown, text.toString().stripTrailing());
                 shown = "";
                 text.setLength(0);
@@ -60,7 +60,7 @@ final class LinePrinter {
         line(shown, text.toString());
     }
 
-    private static int room() {
+    private static int columnsLeft() {
         return COLUMNS - INDENT.length() - LABEL_WIDTH;
     }
 

@@ -27,7 +27,7 @@ public final class OutputImages {
         mName = report.request.file().getFileName().toString().replaceFirst("\\.json$", "");
     }
 
-    /** Writes what there is to write and answers a line on each image. */
+    /** Writes what there is to write, and returns a line on each image. */
     public List<String> write(List<SynthesisedFrame> frames, List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
         List<String> lines = new ArrayList<>();

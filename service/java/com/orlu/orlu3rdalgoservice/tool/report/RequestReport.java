@@ -37,7 +37,7 @@ public final class RequestReport {
     public final List<String> images = new ArrayList<>();
     /** Lines on how much noise went. */
     public final List<String> noise = new ArrayList<>();
-    /** What Java was told to be wrong. */
+    /** Calls into the native library that returned an error. */
     public final List<String> problems = new ArrayList<>();
     /** What is wrong with the outputs, if the algorithms were to write them. */
     public final List<String> outputProblems = new ArrayList<>();
@@ -70,7 +70,7 @@ public final class RequestReport {
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
-    /** The frame that the algorithms took as base, by the timestamp that they answer; else the first. */
+    /** The frame that the algorithms took as base, by the timestamp that they return; else the first. */
     int baseFrame() {
         Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
         List<FramePlan> frames = request.frames().frames();

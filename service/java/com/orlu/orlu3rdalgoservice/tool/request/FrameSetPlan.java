@@ -8,7 +8,7 @@ import java.util.List;
  * @param frames   one for each capture result
  * @param maxShift the largest shift drawn, in pixels to each side
  * @param seed     of noise and shifts; the same seed makes the same frames everywhere
- * @param width    of the frames, 0 for the photo's less the room for the shifts
+ * @param width    of the frames, 0 for the photo's less the margins for the shifts
  * @param height   likewise
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {

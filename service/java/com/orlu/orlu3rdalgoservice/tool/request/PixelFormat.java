@@ -37,7 +37,7 @@ public enum PixelFormat {
         return this == YU12 || this == YV12;
     }
 
-    /** Bytes of a row without padding. A JPEG has no rows; it is told by its width. */
+    /** Bytes of a row without padding. A JPEG has no rows; its width counts as one. */
     int tightStride(int width) {
         return switch (this) {
             case MIPI_RAW10 -> (width + 3) / 4 * 5;
@@ -52,7 +52,7 @@ public enum PixelFormat {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
 
-    /** Bytes of each plane; a JPEG's is the room that it may fill. */
+    /** Bytes of each plane; a JPEG's is what it may fill. */
     public int[] planeSizes(int stride, int height, int capacity) {
         if (this == JPEG) {
             return new int[] {capacity};
@@ -61,7 +61,7 @@ public enum PixelFormat {
     }
 
     /**
-     * The number that the platform has for this format, as the service is told it when it releases a client.
+     * The number that the platform has for this format. The service passes it on to release a client.
      */
     int platformCode() {
         return switch (this) {

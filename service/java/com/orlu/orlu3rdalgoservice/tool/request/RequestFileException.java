@@ -4,7 +4,7 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 public final class RequestFileException extends Exception {
     private static final long serialVersionUID = 1;
 
-    /** The field may be empty, when the file as a whole is meant. */
+    /** The field may be empty, when it is about the whole file. */
     public RequestFileException(String file, String field, String problem) {
         super(oneLine(file + ": " + (field.isEmpty() ? "" : field + ": ") + problem));
     }

@@ -63,7 +63,7 @@ public final class RequestFileReader {
         if (frames.frames().isEmpty()) {
             for (String needing : fullAsync ? List.of("fullAsync", "algorithms") : List.of("algorithms")) {
                 if (members.has(needing)) {
-                    throw members.get(needing).error("needs a frame, whose composition tells it");
+                    throw members.get(needing).error("needs a frame, whose composition says it");
                 }
             }
             return;

@@ -12,7 +12,7 @@ import java.util.Set;
 
 /** Judges one request over a usable library by its events and by what came of its outputs. */
 public final class Judge {
-    /** Their results are answers: below 0 when a key is not there, or when a visitor does not know it. */
+    /** Below 0 they say that a key is not there, or that a visitor does not know it. */
     private static final Set<String> ANSWERING =
             Set.of("getValue", "visit", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo");
 
