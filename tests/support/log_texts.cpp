@@ -37,12 +37,6 @@ std::string keyOf(const LogLine& line) {
   return (line.priority == ANDROID_LOG_ERROR ? "E " : "D ") + line.tag + ' ' + line.function;
 }
 
-// Lines that show a helper still. To be empty.
-bool isKnownDifference(const LogLine& line) {
-  static const std::set<std::string> known = {"attachMemory", "attachHardwareBuffer", "readFormat"};
-  return known.count(line.function) != 0;
-}
-
 }  // namespace
 
 LogTexts::LogTexts() {
@@ -83,7 +77,7 @@ bool LogTexts::findBelow(const std::string& key, const std::string& message) {
 bool LogTexts::haveAll(const std::vector<LogLine>& lines) {
   std::set<std::string> missing;
   for (const LogLine& line : lines) {
-    if (line.file.empty() || isKnownDifference(line) || find(line)) continue;
+    if (line.file.empty() || find(line)) continue;
     missing.insert(keyOf(line) + "() " + line.message.substr(0, line.message.find_first_of("0123456789")));
   }
   for (const std::string& line : missing) {
