@@ -74,6 +74,10 @@ EXPORTED void AlgoStandInSetScript(const orlu::standin::AlgoScript* script) {
   StandIn::instance().script().set(script);
 }
 
+EXPORTED void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script) {
+  orlu::standin::ScriptHolder::setOwn(script);
+}
+
 EXPORTED void AlgoStandInCount(orlu::standin::AlgoCounts* counts) {
   *counts = StandIn::instance().count();
 }

@@ -97,6 +97,9 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Takes a copy of the script, for every operation that starts from now on; null: back to the usual work.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
+// The same for the operations that the calling thread asks for, which then keep to this script alone; null:
+// to the common one again.
+extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
 // Fills in what the library holds now.
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
 // Calls back with these bytes and handles from a new thread and waits for it to end.

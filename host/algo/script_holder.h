@@ -1,4 +1,5 @@
-// The script in force. An operation takes it once, when it starts, and keeps to it.
+// The script in force: the calling thread's own, or else the common one. An operation takes it once, when it
+// starts, and keeps to it; a request keeps to the one of its process().
 #pragma once
 
 #include <memory>
@@ -12,6 +13,8 @@ class ScriptHolder {
 public:
   // Null: the usual work.
   void set(const AlgoScript* script);
+  // For the calling thread alone. Null: it has none of its own.
+  static void setOwn(const AlgoScript* script);
   // Never null.
   std::shared_ptr<const AlgoScript> current() const;
 

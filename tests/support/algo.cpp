@@ -26,6 +26,11 @@ void setScript(const standin::AlgoScript* script) {
   standInFunction<standin::SetScriptFunction>("AlgoStandInSetScript")(script);
 }
 
+void setThreadScript(const standin::AlgoScript* script) {
+  static const auto setOwn = standInFunction<standin::SetScriptFunction>("AlgoStandInSetThreadScript");
+  setOwn(script);
+}
+
 Algo::Algo() {
   use();
 }

@@ -21,6 +21,9 @@ struct RecordedCall {
 // Hands the stand-in a script, or null for its usual work. Nothing is recorded.
 void setScript(const standin::AlgoScript* script);
 
+// The same for the calling thread alone; null: it keeps to the common script again.
+void setThreadScript(const standin::AlgoScript* script);
+
 class Algo {
 public:
   Algo();
