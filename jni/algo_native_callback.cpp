@@ -177,22 +177,26 @@ void AlgoNativeCallback::onPostProcessDataCommonShot(uint64_t nativeReq) {
 }
 
 bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, const char* operation) {
-  // Also when Java can't be reached: it may know the id from elsewhere, and nobody else will end the request.
-  AlgoNativeRequestMap::getInstance()->setAnnounced(nativeReq);
+  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   JNIEnv* const env = callbackEnv(operation);
-  if (env == nullptr) return false;
+  if (env == nullptr) {
+    // Java may know the id from elsewhere, and nobody else will end the request.
+    map->setAnnounced(nativeReq);
+    return false;
+  }
+  // A client that went meanwhile ends the request, which it does unless that counts as announced.
   const InsideJava inside(*this, env);
-  if (!inside) return false;
-  const int64_t reqId = AlgoNativeRequestMap::getInstance()->getRequestId(nativeReq);
+  if (!inside || !map->setAnnounced(nativeReq)) return false;
+  const int64_t reqId = map->getRequestId(nativeReq);
   LOGD_AS(operation, "%s: clientId = %lld, algoContextIndex = %d, reqId = %lld, nativeReq %llu", operation,
           static_cast<long long>(mClientId), mAlgoContextIndex, static_cast<long long>(reqId),
           static_cast<unsigned long long>(nativeReq));
   ScopedLocalFrame frame(env, kCallbackReferences);
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, true) != 0) LOGE_AS(operation, "init parser failed");
-  jobject map = parser.createHashMap();
-  parser.putLongIntoHashMap(static_cast<int64_t>(nativeReq), "nativeRequestAddr", map);
-  callBack(env, reqId, map, operation);
+  jobject values = parser.createHashMap();
+  parser.putLongIntoHashMap(static_cast<int64_t>(nativeReq), "nativeRequestAddr", values);
+  callBack(env, reqId, values, operation);
   return true;
 }
 

@@ -51,7 +51,8 @@ private:
   // The calling thread's environment, when it can call callbackFromNative(), without a pending exception;
   // else null, logged for `operation`.
   JNIEnv* callbackEnv(const char* operation) const;
-  // Tells Java that a full-async request is done. False, logged for `operation`, when Java can't be reached.
+  // Tells Java that a full-async request is done. False when Java can't be reached, which is logged for
+  // `operation`, or when the client has gone meanwhile and ends the request.
   bool announceCommonShot(uint64_t nativeReq, const char* operation);
   void callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const;
 

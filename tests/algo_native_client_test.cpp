@@ -105,6 +105,30 @@ TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   mClient->onPostProcessDataCommonShot(mFullAsync);
 }
 
+// Between the callback's looking for the client and its announcement.
+TEST_F(AlgoNativeClientJvmTest, EndsARequestThatItsCallbackCanNoLongerAnnounce) {
+  static std::unique_ptr<AlgoNativeClient>* client = nullptr;
+  static const JNINativeInterface_* original = nullptr;
+  void* const block = mClient->context().createMetadata();
+  const uint64_t request = AlgoNativeRequestMap::getInstance()->create(kReqId, block, true, mClient.get());
+  const uint64_t cookie = mClient->callbackCookie();
+  client = &mClient;
+  {
+    test::ScopedJniFunctions functions(env());
+    original = &functions.original();
+    functions.table().ExceptionCheck = [](JNIEnv* environment) {
+      const std::unique_ptr<AlgoNativeClient> ending = std::move(*client);
+      return original->ExceptionCheck(environment);
+    };
+    (*reinterpret_cast<AlgoResultCallback*>(cookie))(
+        android::hardware::hidl_vec<uint8_t>(shotCallback(request)), {}, {});
+  }
+  EXPECT_EQ(nullptr, mClient);
+  EXPECT_EQ("", mRecorder.reports());
+  EXPECT_FALSE(AlgoNativeRequestMap::getInstance()->remove(request)) << "it stays for good";
+  EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
+}
+
 // Attached, it stays so, and local references do not pile up on it: the VM complains of them when the test
 // program ends.
 TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
