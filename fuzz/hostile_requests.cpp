@@ -21,6 +21,7 @@
 #include "jni_table.h"
 #include "jvm.h"
 #include "log_capture.h"
+#include "options.h"
 #include "request_processor.h"
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/common_interface_defs.h>
@@ -145,7 +146,7 @@ private:
 
   // Bytes that no algorithm sends, from threads of both kinds.
   void callBack() {
-    std::vector<uint8_t> bytes(mRandom() % 90);
+    std::vector<uint8_t> bytes(static_cast<size_t>(mRandom() % 90));
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(mRandom());
     const std::string name = chance(mRandom, 50) ? kShotCallback : kLightStreamCallback;
     if (bytes.size() > 40) {
@@ -231,10 +232,11 @@ int sendAll(uint64_t seed, uint64_t count) {
 int main(int argc, char** argv) {
   uint64_t seed = 1;
   uint64_t count = 1'000;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    if (std::strcmp(argv[i], "--seed") == 0) seed = std::strtoull(argv[i + 1], nullptr, 10);
-    if (std::strcmp(argv[i], "--count") == 0) count = std::strtoull(argv[i + 1], nullptr, 10);
-  }
+  orlu::fuzz::readNumbers(argc, argv,
+                          {
+                              {"seed",  &seed},
+                              { "count", &count,     1}
+  });
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::test::silenceLog();
   orlu::fuzz::watchForDeath();

@@ -1,4 +1,4 @@
-// What the soaks share: their mix of requests, their progress, and what they tell at the end.
+// The soak's progress, and what it prints at its end.
 #pragma once
 
 #include <malloc.h>
@@ -8,8 +8,7 @@
 #include <cinttypes>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -17,26 +16,6 @@
 #include "figures.h"
 
 namespace orlu::fuzz {
-
-enum SoakKind { kSynchronous, kFullAsync, kAborted, kSkipped, kSkippedAsync, kSoakKinds };
-
-// The mix: of each 20 requests, 11 synchronous ones first.
-inline SoakKind soakKind(uint64_t index) {
-  const uint64_t place = index % 20;
-  if (place < 11) return kSynchronous;
-  if (place < 16) return kFullAsync;
-  if (place < 18) return kAborted;
-  return place == 18 ? kSkipped : kSkippedAsync;
-}
-
-inline bool isFullAsync(SoakKind kind) {
-  return kind != kSynchronous && kind != kSkipped;
-}
-
-inline uint64_t requestsAskedFor(int argc, char** argv) {
-  const bool isAsked = argc == 3 && std::strcmp(argv[1], "--requests") == 0;
-  return isAsked ? std::strtoull(argv[2], nullptr, 10) : 200'000;
-}
 
 inline bool same(const char* what, int before, int after) {
   std::printf("%-22s %d, then %d\n", what, before, after);
@@ -58,8 +37,11 @@ class SoakWatch {
 public:
   explicit SoakWatch(uint64_t requests) : mRequests(requests) {}
 
-  // Called by the soak's threads. False when enough were asked for.
-  bool next() { return mStarted.fetch_add(1) < mRequests; }
+  // Called by the soak's threads: the next request's number. None when enough were asked for.
+  std::optional<uint64_t> next() {
+    const uint64_t request = mStarted.fetch_add(1);
+    return request < mRequests ? std::optional(request) : std::nullopt;
+  }
   void done() { mDone.fetch_add(1); }
 
   // Until all are done.

@@ -5,12 +5,12 @@ import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
 import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
 import java.util.List;
 import java.util.Map;
-import java.util.concurrent.BlockingQueue;
-import java.util.concurrent.LinkedBlockingQueue;
+import java.util.Queue;
+import java.util.concurrent.ConcurrentLinkedQueue;
 
 /** Hears what the native side reports, from its making on. Soaks take from it what is done. */
 public final class Callbacks implements CallbackListener {
-    private static final BlockingQueue<Long> DONE = new LinkedBlockingQueue<>();
+    private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
     private final boolean mThrows;
 
     public Callbacks(boolean isThrowing) {
@@ -28,14 +28,19 @@ public final class Callbacks implements CallbackListener {
             throw new IllegalStateException("callback");
         }
         if (values.get("nativeRequestAddr") instanceof Long address) {
-            DONE.add(address);
+            DONE.add(new long[] {requestId, address});
         }
     }
 
-    /** Compositions that end a request which was announced as done and nobody took yet; waits for one. */
-    public static List<CaptureResultComposition> takeDone() throws InterruptedException {
+    /** The id and the address of a request that was announced and nobody took yet; null when there is none. */
+    public static long[] takeDone() {
+        return DONE.poll();
+    }
+
+    /** Compositions that end the request with this address. */
+    public static List<CaptureResultComposition> toEnd(long address) {
         CaptureResultComposition composition = new CaptureResultComposition();
-        composition.putMetadata("nativeRequestAddr", DONE.take());
+        composition.putMetadata("nativeRequestAddr", address);
         return List.of(composition);
     }
 }

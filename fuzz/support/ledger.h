@@ -1,0 +1,56 @@
+// What became of each request, as independent witnesses saw it: the operations that the algorithm library was
+// asked for, the Java side, the log, and the thread that sent it.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+#include "soak_plan.h"
+
+namespace orlu::fuzz {
+
+class Ledger {
+public:
+  // For requests 0 to `requests` - 1.
+  Ledger(uint64_t seed, uint64_t requests);
+
+  SoakPlan plan(uint64_t request) const { return soakPlan(mSeed, request); }
+  const SoakWay& way(uint64_t request) const { return kSoakWays[plan(request).way]; }
+
+  // What was seen. Safe from any thread. The block is the request's parameter block.
+  void sawBlock(uint64_t request, void* block);
+  void sawBlockDestroyed(void* block);
+  void sawProcess(uint64_t request) { ++mSeen[request].processed; }
+  void sawTimeout(uint64_t request) { ++mSeen[request].timedOut; }
+  void sawReturn(uint64_t request) { ++mSeen[request].returned; }
+  void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
+
+  // Prints a row for each way, and how the first few requests ended that should have ended otherwise. True
+  // when there was none, and every request is in a column.
+  bool print() const;
+
+private:
+  struct Seen {
+    std::atomic<uint8_t> processed{0};
+    std::atomic<uint8_t> timedOut{0};
+    std::atomic<uint8_t> returned{0};
+    std::atomic<uint8_t> ended{0};
+    std::atomic<bool> announced{false};  // a callback that comes twice is announced twice
+  };
+  using Counts = std::array<uint64_t, kEndings>;
+
+  Ending ending(uint64_t request) const;
+  bool isExpected(uint64_t request) const;
+
+  const uint64_t mSeed;
+  const uint64_t mRequests;
+  const std::unique_ptr<Seen[]> mSeen;
+  std::mutex mMutex;  // guards what follows
+  std::unordered_map<void*, uint64_t> mBlocks;
+};
+
+}  // namespace orlu::fuzz

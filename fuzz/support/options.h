@@ -1,0 +1,50 @@
+// The options of these programs: names with a number each.
+#pragma once
+
+#include <getopt.h>
+
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace orlu::fuzz {
+
+struct NumberOption {
+  const char* name;
+  uint64_t* value;  // holds the default
+  uint64_t least = 0;
+};
+
+[[noreturn]] inline void endWithUsage(const char* program, const std::vector<NumberOption>& options) {
+  std::fprintf(stderr, "usage: %s", program);
+  for (const NumberOption& option : options) {
+    std::fprintf(stderr, " [--%s N=%llu]", option.name, static_cast<unsigned long long>(*option.value));
+  }
+  std::fputc('\n', stderr);
+  std::exit(2);
+}
+
+// Reads the command line. Ends the program with status 2 and a line of usage when it has anything else.
+inline void readNumbers(int argc, char** argv, const std::vector<NumberOption>& options) {
+  std::vector<option> known;
+  for (const NumberOption& option : options) known.push_back({option.name, required_argument, nullptr, 0});
+  known.push_back({});
+  for (int index = 0; optind < argc;) {
+    if (getopt_long(argc, argv, "", known.data(), &index) != 0) endWithUsage(argv[0], options);
+    const NumberOption& option = options[static_cast<size_t>(index)];
+    uint64_t number = 0;
+    const char* const end = optarg + std::strlen(optarg);
+    const auto [rest, error] = std::from_chars(optarg, end, number);
+    if (error != std::errc() || rest != end || number < option.least) {
+      std::fprintf(stderr, "%s: --%s takes a number from %llu on, not \"%s\"\n", argv[0], option.name,
+                   static_cast<unsigned long long>(option.least), optarg);
+      endWithUsage(argv[0], options);
+    }
+    *option.value = number;
+  }
+}
+
+}  // namespace orlu::fuzz

@@ -1,0 +1,67 @@
+#include "soak_log.h"
+
+#include <android/log.h>
+
+#include <atomic>
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+namespace orlu::fuzz {
+namespace {
+
+constexpr uint64_t kUnexpectedShown = 10;
+
+// An error line that the plans ask for.
+struct Expected {
+  const char* part;
+  const char* name;
+  std::atomic<uint64_t> count{0};
+};
+Expected gExpected[] = {
+    {" time out",                          "waits that timed out"                           },
+    {" threw",                             "C++ exceptions caught"                          },
+    {"left a Java exception",              "Java exceptions cleared"                        },
+    {"callback for a client that is gone", "callbacks for a client that was gone"           },
+    {"JavaVM GetEnv ERROR",                "callbacks on a thread that the VM does not know"},
+};
+std::atomic<uint64_t> gUnexpected{0};
+thread_local int tTimeouts = 0;
+
+// Missing tags are no news: these requests carry few.
+constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
+
+void onLine(const __android_log_message* line) {
+  if (line->priority < ANDROID_LOG_ERROR || std::strcmp(line->tag, kTagReader) == 0) return;
+  for (Expected& expected : gExpected) {
+    if (std::strstr(line->message, expected.part) == nullptr) continue;
+    ++expected.count;
+    if (&expected == &gExpected[0]) ++tTimeouts;
+    return;
+  }
+  if (gUnexpected.fetch_add(1) < kUnexpectedShown) {
+    std::fprintf(stderr, "unexpected line: %s: %s\n", line->tag, line->message);
+  }
+}
+
+}  // namespace
+
+void watchLog() {
+  __android_log_set_logger(onLine);
+}
+
+int takeTimeouts() {
+  return std::exchange(tTimeouts, 0);
+}
+
+bool printLogged() {
+  for (const Expected& expected : gExpected) {
+    std::printf("%-48s %9" PRIu64 "\n", expected.name, expected.count.load());
+  }
+  std::printf("%-48s %9" PRIu64 "\n", "other error lines", gUnexpected.load());
+  return gUnexpected == 0;
+}
+
+}  // namespace orlu::fuzz

@@ -1,0 +1,142 @@
+// What the soak does with each of its requests, and how that one must end. Both follow from the soak's seed
+// and the request's number alone, before anything is sent.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
+namespace orlu::fuzz {
+
+enum class Ending : uint8_t {
+  kAnswered,     // a synchronous request that its callback woke
+  kTimedOut,     // one that no callback woke
+  kSkipped,      // one that the library was never asked for
+  kAnnounced,    // a full-async one that Java heard of, and ended
+  kUnannounced,  // one that Java did not hear of: ended by its id, or with its client
+  kNone          // none of these, or several
+};
+constexpr size_t kEndings = 6;
+
+enum class SoakKind : uint8_t { kSynchronous, kFullAsync, kAborted, kSkipped, kSkipAsync };
+constexpr size_t kSoakKinds = 5;
+
+constexpr bool isFullAsync(SoakKind kind) {
+  return kind != SoakKind::kSynchronous && kind != SoakKind::kSkipped;
+}
+
+constexpr bool isSkipped(SoakKind kind) {
+  return kind == SoakKind::kSkipped || kind == SoakKind::kSkipAsync;
+}
+
+enum class SoakCallbacks : uint8_t {
+  kOnce,
+  kTwice,
+  kBeforeReturn,    // on the thread that asks, inside process()
+  kForeign,         // on a thread that the VM does not know
+  kReordered,       // on a thread of the soak's own, in any order
+  kReorderedAway,   // on one that the VM does not know
+  kDropped,         // none
+  kLate,            // when the request timed out, or when its client is gone
+  kRacing,          // about when the request times out, or while its client ends
+  kInDestroyClient  // by the library, while it destroys its client
+};
+
+// A row of the ledger.
+struct SoakWay {
+  unsigned share;  // of a thousand requests
+  const char* name;
+  SoakKind kind;
+  SoakCallbacks callbacks;
+  Ending ending;
+};
+
+using Kind = SoakKind;
+using Calls = SoakCallbacks;
+using End = Ending;
+
+// clang-format off
+constexpr SoakWay kSoakWays[] = {
+  {260, "synchronous",              Kind::kSynchronous, Calls::kOnce,            End::kAnswered},
+  { 50, "  called back twice",      Kind::kSynchronous, Calls::kTwice,           End::kAnswered},
+  { 50, "  before process returns", Kind::kSynchronous, Calls::kBeforeReturn,    End::kAnswered},
+  { 50, "  on a foreign thread",    Kind::kSynchronous, Calls::kForeign,         End::kAnswered},
+  { 50, "  in another order",       Kind::kSynchronous, Calls::kReordered,       End::kAnswered},
+  { 50, "  and on foreign threads", Kind::kSynchronous, Calls::kReorderedAway,   End::kAnswered},
+  { 10, "  dropped",                Kind::kSynchronous, Calls::kDropped,         End::kTimedOut},
+  { 10, "  after the time-out",     Kind::kSynchronous, Calls::kLate,            End::kTimedOut},
+  { 10, "  about the time-out",     Kind::kSynchronous, Calls::kRacing,          End::kAnswered},
+  { 50, "skipped",                  Kind::kSkipped,     Calls::kDropped,         End::kSkipped},
+  { 50, "skipped, full-async",      Kind::kSkipAsync,   Calls::kDropped,         End::kSkipped},
+  {130, "full-async",               Kind::kFullAsync,   Calls::kOnce,            End::kAnnounced},
+  { 50, "  called back twice",      Kind::kFullAsync,   Calls::kTwice,           End::kAnnounced},
+  { 40, "  before process returns", Kind::kFullAsync,   Calls::kBeforeReturn,    End::kAnnounced},
+  { 50, "  in another order",       Kind::kFullAsync,   Calls::kReordered,       End::kAnnounced},
+  { 10, "  on a foreign thread",    Kind::kFullAsync,   Calls::kForeign,         End::kUnannounced},
+  { 40, "  aborted",                Kind::kAborted,     Calls::kOnce,            End::kAnnounced},
+  { 10, "  in destroyClient",       Kind::kFullAsync,   Calls::kInDestroyClient, End::kAnnounced},
+  { 10, "  at the client's end",    Kind::kFullAsync,   Calls::kRacing,          End::kAnnounced},
+  { 10, "  after the client's end", Kind::kFullAsync,   Calls::kLate,            End::kUnannounced},
+  { 10, "  dropped",                Kind::kFullAsync,   Calls::kDropped,         End::kUnannounced},
+};
+
+// One row for each operation that misbehaves when its work is done.
+struct SoakFault {
+  const char* operation;
+  bool isJava;  // it leaves a Java exception; else it throws a C++ one
+};
+constexpr SoakFault kSoakFaults[] = {
+  {"process",  false}, {"process",  true},
+  {"setValue", false}, {"setValue", true},
+  {"getValue", false}, {"getValue", true},
+  {"setRaw",   false}, {"setRaw",   true},
+  {"getSize",  false}, {"getSize",  true},
+  {"command",  false}, {"command",  true},
+  {"callback", true},
+  {"paramSystemDownloadToAlgo", false}, {"paramAlgoUpdateToSystem", true},
+};
+// The same at a client's end.
+constexpr SoakFault kSoakEndFaults[] = {
+  {"flush",         false}, {"flush",         true},
+  {"uninit",        false}, {"uninit",        true},
+  {"destroyClient", false}, {"destroyClient", true},
+};
+// clang-format on
+
+// Where two things race, another ending is as good; none anywhere else.
+constexpr Ending otherEnding(const SoakWay& way) {
+  if (way.callbacks != SoakCallbacks::kRacing) return Ending::kNone;
+  return isFullAsync(way.kind) ? Ending::kUnannounced : Ending::kTimedOut;
+}
+
+// Even bits from uneven ones (SplitMix64).
+constexpr uint64_t mixed(uint64_t value) {
+  value += 0x9E3779B97F4A7C15;
+  value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9;
+  value = (value ^ (value >> 27)) * 0x94D049BB133111EB;
+  return value ^ (value >> 31);
+}
+
+struct SoakPlan {
+  size_t way;              // index of kSoakWays
+  const SoakFault* fault;  // null for none
+};
+
+constexpr SoakPlan soakPlan(uint64_t seed, uint64_t request) {
+  constexpr unsigned kFaultEvery = 16;
+  const uint64_t bits = mixed(mixed(seed) + request);
+  auto place = static_cast<unsigned>(bits % 1'000);
+  size_t way = 0;
+  for (; place >= kSoakWays[way].share; ++way) place -= kSoakWays[way].share;
+  const bool isFaulty = (bits >> 32) % kFaultEvery == 0;
+  return {way, isFaulty ? &kSoakFaults[(bits >> 40) % std::size(kSoakFaults)] : nullptr};
+}
+
+constexpr unsigned sharesOfSoakWays() {
+  unsigned sum = 0;
+  for (const SoakWay& way : kSoakWays) sum += way.share;
+  return sum;
+}
+static_assert(sharesOfSoakWays() == 1'000);
+
+}  // namespace orlu::fuzz
