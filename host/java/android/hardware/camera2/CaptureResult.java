@@ -1,6 +1,10 @@
 package android.hardware.camera2;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.impl.TagTable;
+import java.util.ArrayList;
+import java.util.Collections;
+import java.util.List;
 
 /** What the camera reported about one frame. */
 public class CaptureResult {
@@ -14,6 +18,15 @@ public class CaptureResult {
     /** The tag's value as the key's type; null when it is absent. Throws for a tag that no table knows. */
     public <T> T get(Key<T> key) {
         return mResults.lookUp(key.getName(), key.mType);
+    }
+
+    /** The keys of the tags that are there. */
+    public List<Key<?>> getKeys() {
+        List<Key<?>> keys = new ArrayList<>();
+        for (String tag : mResults.tags()) {
+            keys.add(new Key<>(tag, TagTable.typeOf(tag).stored()));
+        }
+        return Collections.unmodifiableList(keys);
     }
 
     /** A tag's name and the type that its value is asked for in. */

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
@@ -45,6 +47,7 @@ final class Options {
     final Path photo;
     final Path json;
     final Path events;
+    final Path record;
 
     private final List<Path> mFiles;
 
@@ -57,6 +60,7 @@ final class Options {
         photo = line.matchedOptionValue("--photo", null);
         json = line.matchedOptionValue("--json", null);
         events = line.matchedOptionValue("--events", null);
+        record = line.matchedOptionValue("--record", null);
         mFiles = line.matchedPositionalValue(0, List.of());
     }
 
@@ -76,6 +80,8 @@ final class Options {
                 "write parameters, algorithm lists, results, times and the verdict as JSON", "--json"));
         command.addOption(path("FILE", "keep all that passed between the library and the algorithm library, "
                 + "and every look-up of a tag, as JSON lines (docs/events.md)", "--events"));
+        command.addOption(path("DIR",
+                "record each request in a folder there (docs/recording.md)", "--record"));
         command.addOption(
                 OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
         command.addOption(
@@ -128,6 +134,12 @@ final class Options {
             throw new IllegalArgumentException("--photo: no such photo: " + options.photo);
         }
         return options;
+    }
+
+    /** The recorder that --record, else the recorder's own property asks for; null when neither does. */
+    RequestRecorder recorder() {
+        return record == null ? RequestRecorder.ofProperties()
+                : new RequestRecorder(record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
     }
 
     /** The request files, or the one that the launcher names when there are none. */

@@ -4,7 +4,6 @@ import android.os.SystemProperties;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
-import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
@@ -46,7 +45,7 @@ final class RequestRunner {
     private final RequestReport mReport;
     private final RequestFile mRequest;
 
-    private final List<CaptureResultComposition> mCompositions = new ArrayList<>();
+    private final List<RecordedComposition> mCompositions = new ArrayList<>();
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     private final List<ImageBuffer> mOutputs = new ArrayList<>();
 
@@ -109,13 +108,19 @@ final class RequestRunner {
         }
     }
 
-    private void makeCompositions() throws IOException {
-        EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
+    private void makeCompositions() {
         for (FramePlan frame : mRequest.frames().frames()) {
             RecordedComposition composition = new RecordedComposition(frame.captureResult());
             frame.composition().forEach(composition::putMetadata);
-            composition.record(events, mCompositions.size());
             mCompositions.add(composition);
+        }
+    }
+
+    // From the call on, so that no event is of what is recorded before it.
+    private void recordLookups() throws IOException {
+        EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
+        for (int i = 0; i < mCompositions.size(); ++i) {
+            mCompositions.get(i).record(events, i);
         }
     }
 
@@ -138,36 +143,34 @@ final class RequestRunner {
         return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
-    private void process(CallbackInbox inbox) {
-        Orlu3rdAlgoService service = mClient.service();
+    private void process(CallbackInbox inbox) throws IOException {
         VRequest request = new VRequest(mRequest.id(), mRequest.type());
-        List<VImageIPC> inputs = descriptors(mInputs);
         List<VImageIPC> outputs = descriptors(mOutputs);
         outputs.forEach(image -> mReport.outputsBefore.add(ImageState.of(image)));
-        List<Map<String, Object>> before = snapshots();
-        mReport.waitStart = System.nanoTime();
-        check("processImage", mReport.stopwatch.time("process",
-                () -> service.processImage(mClient.handle(), request, inputs, outputs, mCompositions)));
-        if (mRequest.fullAsync()) {
-            Long address = mReport.stopwatch.time("wait", () -> inbox.awaitRequest(CALLBACK_MILLISECONDS));
-            mReport.waitEnd = System.nanoTime();
-            if (address != null) {
-                updateResult(service, request, inputs, outputs, address, before);
+        try (RequestCall call = new RequestCall(mClient, request, mRequest.properties(), descriptors(mInputs),
+                outputs, mCompositions)) {
+            recordLookups();
+            List<Map<String, Object>> before = snapshots();
+            mReport.waitStart = System.nanoTime();
+            check("processImage", mReport.stopwatch.time("process", call::process));
+            if (mRequest.fullAsync()) {
+                awaitResult(inbox, call, before);
+            } else {
+                mReport.waitEnd = System.nanoTime();
             }
-        } else {
-            mReport.waitEnd = System.nanoTime();
+            outputs.forEach(image -> mReport.outputsAfter.add(ImageState.of(image)));
+            mReport.put.addAll(changes(before));
         }
-        outputs.forEach(image -> mReport.outputsAfter.add(ImageState.of(image)));
-        mReport.put.addAll(changes(before));
     }
 
-    private void updateResult(Orlu3rdAlgoService service, VRequest request, List<VImageIPC> inputs,
-            List<VImageIPC> outputs, Long address, List<Map<String, Object>> before) {
-        mCompositions.get(0).putMetadata("nativeRequestAddr", address);
-        before.get(0).put("nativeRequestAddr", address);
-        check("processImageUpdateResult", mReport.stopwatch.time("update result",
-                () -> service.processImageUpdateResult(
-                        mClient.handle(), request, inputs, outputs, mCompositions)));
+    private void awaitResult(CallbackInbox inbox, RequestCall call, List<Map<String, Object>> before) {
+        Long address = mReport.stopwatch.time("wait", () -> inbox.awaitRequest(CALLBACK_MILLISECONDS));
+        mReport.waitEnd = System.nanoTime();
+        if (address != null) {
+            before.get(0).put("nativeRequestAddr", address);
+            check("processImageUpdateResult",
+                    mReport.stopwatch.time("update result", () -> call.update(address)));
+        }
     }
 
     private void check(String call, int status) {

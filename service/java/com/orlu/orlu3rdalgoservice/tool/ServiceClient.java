@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.report.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
@@ -11,9 +12,11 @@ final class ServiceClient {
     private final CaptureResultComposition mParam = new CaptureResultComposition();
     private final long mClientId;
     private final long mHandle;
+    private final RequestRecorder mRecorder;
 
-    /** Creates and initialises the client that a request names. */
-    ServiceClient(RequestFile request, Stopwatch stopwatch) {
+    /** Creates and initialises the client that a request names. Its requests are recorded; null: they are not. */
+    ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
+        mRecorder = recorder;
         mClientId = request.clientId();
         mParam.putMetadata("clientId", mClientId);
         mParam.putMetadata("algoContextIndex", request.algoContextIndex());
@@ -22,10 +25,18 @@ final class ServiceClient {
         if (mHandle == 0 || status != 0) {
             throw new IllegalStateException("the native client can't be made: status " + status);
         }
+        if (recorder != null) {
+            recorder.addClient(mHandle, mParam);
+        }
     }
 
     Orlu3rdAlgoService service() {
         return mService;
+    }
+
+    /** Null when nothing is to be recorded. */
+    RequestRecorder recorder() {
+        return mRecorder;
     }
 
     long handle() {
@@ -38,6 +49,9 @@ final class ServiceClient {
 
     /** Releases and destroys the client, with the image format of its last request. */
     void end(RequestFile request, Stopwatch stopwatch) {
+        if (mRecorder != null) {
+            mRecorder.removeClient(mHandle);
+        }
         mParam.putMetadata("imageFormat", request.imageFormat());
         stopwatch.time("release", () -> mService.algoRelease(mHandle, mParam));
         stopwatch.time("destroy", () -> mService.destroyNativeClient(mHandle));

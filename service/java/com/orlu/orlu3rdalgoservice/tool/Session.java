@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
@@ -36,12 +37,16 @@ final class Session {
     private final JsonReport mJson = new JsonReport();
     private final List<Verdict> mVerdicts = new ArrayList<>();
 
+    /** Null when nothing is to be recorded. */
+    private final RequestRecorder mRecorder;
+
     private ServiceClient mClient;
     /** What was found of the algorithm library when the client was made. */
     private Verdict mLibrary;
 
     Session(Options options) {
         mOptions = options;
+        mRecorder = options.recorder();
         String trace = System.getenv(TraceReader.VARIABLE);
         mTraces = new TraceReader(trace == null || trace.isEmpty() ? null : Path.of(trace));
         // Look-ups are many, and nothing here asks for them.
@@ -129,7 +134,7 @@ final class Session {
         List<SynthesisedFrame> frames = frames(request);
         RequestReport report = new RequestReport(request);
         if (mClient == null) {
-            mClient = new ServiceClient(request, report.stopwatch);
+            mClient = new ServiceClient(request, report.stopwatch, mRecorder);
             report.events.add(mEvents.next());
             mLibrary = LibraryCheck.of(report.events);
         }

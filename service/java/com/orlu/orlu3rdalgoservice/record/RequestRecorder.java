@@ -1,0 +1,186 @@
+package com.orlu.orlu3rdalgoservice.record;
+
+import android.hardware.HardwareBuffer;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+
+import java.io.File;
+import java.nio.ByteBuffer;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.Collections;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.function.Function;
+import java.util.function.Supplier;
+import java.util.logging.Logger;
+
+/**
+ * Records each request of the service in a folder of its own, beside the call that runs it. What goes wrong with
+ * a recording costs the recording, never the request: it is logged, and the request runs on. From any thread.
+ */
+public final class RequestRecorder {
+    /** The Java system property that switches recording on by naming the folder of the recordings. */
+    public static final String FOLDER_PROPERTY = "orlu.record";
+    /** The property of how many recordings are kept. The oldest make way. */
+    public static final String COUNT_PROPERTY = "orlu.record.count";
+    /** The property of how many bytes one recording has at most. Pixels that don't fit are left out. */
+    public static final String BYTES_PROPERTY = "orlu.record.bytes";
+
+    private static final int USUAL_COUNT = 16;
+    private static final long USUAL_BYTES = 1L << 30;
+    /** Full-async requests whose results are still to come. A lost one is not kept open for good. */
+    private static final int MOST_OPEN = 16;
+    private static final Logger LOG = Logger.getLogger("RequestRecorder");
+
+    private final File mFolder;
+    private final int mCount;
+    private final long mBytes;
+    private final Map<Long, CaptureResultComposition> mClients = new HashMap<>();
+    private final List<Recording> mOpen = new ArrayList<>();
+
+    private Supplier<Map<String, String>> mProperties = Collections::emptyMap;
+    private Function<HardwareBuffer, ByteBuffer> mMapper = buffer -> null;
+    private int mMade;
+
+    /** A recorder into this folder, which is made when it is not there. */
+    public RequestRecorder(File folder, int count, long bytes) {
+        mFolder = folder;
+        mCount = Math.max(1, count);
+        mBytes = bytes;
+    }
+
+    /** The recorder that the properties ask for; null when they don't, and then nothing is to be called. */
+    public static RequestRecorder ofProperties() {
+        String folder = System.getProperty(FOLDER_PROPERTY, "");
+        return folder.isEmpty() ? null : new RequestRecorder(new File(folder),
+                Integer.getInteger(COUNT_PROPERTY, USUAL_COUNT), Long.getLong(BYTES_PROPERTY, USUAL_BYTES));
+    }
+
+    /** Sets who knows the system properties that the native library reads. */
+    public void setProperties(Supplier<Map<String, String>> properties) {
+        mProperties = properties;
+    }
+
+    /**
+     * Sets who maps a hardware buffer's pixels, which the platform's public classes can't: it returns the pixels,
+     * which the recorder unmaps, or null. Without one, only the buffers' descriptions are recorded.
+     */
+    public void setMapper(Function<HardwareBuffer, ByteBuffer> mapper) {
+        mMapper = mapper;
+    }
+
+    /** Says of which values a client was made. To be called after createNativeClient. */
+    public synchronized void addClient(long inst, CaptureResultComposition param) {
+        mClients.put(inst, param);
+    }
+
+    /** Says that a client is gone. */
+    public synchronized void removeClient(long inst) {
+        mClients.remove(inst);
+    }
+
+    /** {@link Orlu3rdAlgoService#processImage}, recorded. */
+    public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs, Object outputs,
+            Object compositions) {
+        Recording recording = begin(service, inst, request, inputs, outputs, compositions);
+        return recording.processImage(service, inst, request, inputs, outputs, compositions);
+    }
+
+    /** {@link Orlu3rdAlgoService#processImageUpdateResult}, added to the recording of the same request. */
+    public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
+            Object outputs, Object compositions) {
+        Recording recording = take(inst, request);
+        if (recording == null) {
+            return service.processImageUpdateResult(inst, request, inputs, outputs, compositions);
+        }
+        return recording.processImageUpdateResult(service, inst, request, inputs, outputs, compositions);
+    }
+
+    /** Writes all that is known before the request runs. Returns its recording, in which nothing may have failed. */
+    public synchronized Recording begin(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
+            Object outputs, Object compositions) {
+        Recording recording = new Recording(this, inst, request);
+        recording.guard(() -> {
+            makeWay();
+            RecordFile file = new RecordFile(nextFolder(request), mBytes);
+            recording.open(file, mMapper, service, mClients.get(inst), mProperties.get());
+            recording.before(inputs, outputs, compositions);
+        });
+        if (recording.isFullAsync()) {
+            mOpen.add(recording);
+            if (mOpen.size() > MOST_OPEN) {
+                mOpen.remove(0).close();
+            }
+        }
+        return recording;
+    }
+
+    private synchronized Recording take(long inst, Object request) {
+        for (Recording recording : mOpen) {
+            if (recording.isOf(inst, request)) {
+                mOpen.remove(recording);
+                return recording;
+            }
+        }
+        return null;
+    }
+
+    synchronized void forget(Recording recording) {
+        mOpen.remove(recording);
+    }
+
+    private File nextFolder(Object request) {
+        String id = Recording.idOf(request);
+        File folder;
+        do {
+            ++mMade;
+            folder = new File(mFolder, String.format(Locale.ROOT, "%06d-request-%s", mMade, id));
+        } while (folder.exists() || numberTaken(mMade));
+        return folder;
+    }
+
+    private boolean numberTaken(int number) {
+        String prefix = String.format(Locale.ROOT, "%06d-", number);
+        return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
+    }
+
+    // Only folders with the names that are given here are ever removed.
+    private File[] recordings() {
+        File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,}-request-.*"));
+        if (folders == null) {
+            return new File[0];
+        }
+        Arrays.sort(folders);
+        return folders;
+    }
+
+    private void makeWay() {
+        File[] old = recordings();
+        if (old.length > 0) {
+            // Goes on after the newest, so that names tell the order also after a restart.
+            String newest = old[old.length - 1].getName();
+            mMade = Math.max(mMade, Integer.parseInt(newest.substring(0, newest.indexOf('-'))));
+        }
+        for (int i = 0; i <= old.length - mCount; ++i) {
+            File[] files = old[i].listFiles();
+            for (File file : files == null ? new File[0] : files) {
+                delete(file);
+            }
+            delete(old[i]);
+        }
+    }
+
+    private static void delete(File file) {
+        if (!file.delete()) {
+            LOG.warning("can't remove the old recording " + file);
+        }
+    }
+
+    static void warn(String what) {
+        LOG.warning(what);
+    }
+}
