@@ -10,8 +10,9 @@ import java.util.Locale;
 import java.util.zip.CRC32;
 
 /**
- * The files of one recording's folder. The lines of its parts go into "recording", each with its CRC-32 before it
- * and written whole before the next step, so that a process that ends leaves all that was done until then.
+ * The files of one recording's folder. The lines of its parts go into "recording", each with its CRC-32
+ * before it and written whole before the next step, so that a process that ends leaves all that was done
+ * until then.
  */
 final class RecordFile implements AutoCloseable {
     static final String NAME = "recording";

@@ -22,8 +22,8 @@ import java.util.function.Function;
 import java.util.function.IntSupplier;
 
 /**
- * The recording of one request, while it is written. The first thing that fails ends it, after a line that says
- * what failed where that can still be written.
+ * The recording of one request, while it is written. The first thing that fails ends it, after a line that
+ * says what failed where that can still be written.
  */
 public final class Recording {
     private static final int VERSION = 1;
@@ -160,9 +160,13 @@ public final class Recording {
         int index = 0;
         for (Object element : (List<?>) images) {
             VImageIPC image = (VImageIPC) element;
-            JsonText line = new JsonText(part).add("index", index).add("format", String.valueOf(image.mFormat))
-                    .add("width", image.mWidth).add("height", image.mHeight)
-                    .add("rowStrides", image.mRowStrides).add("planeSizes", image.mPlaneSizes);
+            JsonText line = new JsonText(part)
+                                    .add("index", index)
+                                    .add("format", String.valueOf(image.mFormat))
+                                    .add("width", image.mWidth)
+                                    .add("height", image.mHeight)
+                                    .add("rowStrides", image.mRowStrides)
+                                    .add("planeSizes", image.mPlaneSizes);
             ByteBuffer pixels = map(image, line);
             if (pixels != null) {
                 try {
@@ -207,8 +211,8 @@ public final class Recording {
     }
 
     /** Runs the request, and writes what came of it; of a full-async one only that it was taken. */
-    public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs, Object outputs,
-            Object compositions) {
+    public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
+            Object outputs, Object compositions) {
         int status = timed("processed",
                 () -> service.processImage(inst, request, inputs, outputs, compositions));
         if (!mIsFullAsync) {
@@ -222,7 +226,8 @@ public final class Recording {
             Object outputs, Object compositions) {
         // The caller says by a value in the first composition which native request it is.
         guard(() -> {
-            Map<String, Object> first = ((CaptureResultComposition) ((List<?>) compositions).get(0)).snapshot();
+            Map<String, Object> first =
+                    ((CaptureResultComposition) ((List<?>) compositions).get(0)).snapshot();
             mFile.write(new JsonText("updating").addValues("composition", changes(mBefore.get(0), first)));
             mBefore.set(0, first);
         });

@@ -19,8 +19,9 @@ import java.util.function.Supplier;
 import java.util.logging.Logger;
 
 /**
- * Records each request of the service in a folder of its own, beside the call that runs it. What goes wrong with
- * a recording costs the recording, never the request: it is logged, and the request runs on. From any thread.
+ * Records each request of the service in a folder of its own, beside the call that runs it. What goes wrong
+ * with a recording costs the recording, never the request: it is logged, and the request runs on. From any
+ * thread.
  */
 public final class RequestRecorder {
     /** The Java system property that switches recording on by naming the folder of the recordings. */
@@ -66,8 +67,8 @@ public final class RequestRecorder {
     }
 
     /**
-     * Sets who maps a hardware buffer's pixels, which the platform's public classes can't: it returns the pixels,
-     * which the recorder unmaps, or null. Without one, only the buffers' descriptions are recorded.
+     * Sets who maps a hardware buffer's pixels, which the platform's public classes can't: it returns the
+     * pixels, which the recorder unmaps, or null. Without one, only the buffers' descriptions are recorded.
      */
     public void setMapper(Function<HardwareBuffer, ByteBuffer> mapper) {
         mMapper = mapper;
@@ -84,8 +85,8 @@ public final class RequestRecorder {
     }
 
     /** {@link Orlu3rdAlgoService#processImage}, recorded. */
-    public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs, Object outputs,
-            Object compositions) {
+    public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
+            Object outputs, Object compositions) {
         Recording recording = begin(service, inst, request, inputs, outputs, compositions);
         return recording.processImage(service, inst, request, inputs, outputs, compositions);
     }
@@ -100,7 +101,10 @@ public final class RequestRecorder {
         return recording.processImageUpdateResult(service, inst, request, inputs, outputs, compositions);
     }
 
-    /** Writes all that is known before the request runs. Returns its recording, in which nothing may have failed. */
+    /**
+     * Writes all that is known before the request runs. Returns its recording, in which nothing may have
+     * failed.
+     */
     public synchronized Recording begin(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = new Recording(this, inst, request);

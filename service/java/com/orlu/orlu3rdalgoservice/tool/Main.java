@@ -26,6 +26,9 @@ public final class Main {
 
     private static int status(String[] arguments) {
         try {
+            if (RecordingCommand.isOne(arguments)) {
+                return recordingStatus(arguments);
+            }
             Options options = Options.parse(arguments);
             if (options == null) {
                 return Verdict.OK;
@@ -43,6 +46,18 @@ public final class Main {
         } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
             return failed(e.getMessage());
         }
+    }
+
+    private static int recordingStatus(String[] arguments)
+            throws RequestFileException, ErrnoException, IOException {
+        if (System.getProperty("orlu.died") == null) {
+            return RecordingCommand.run(arguments);
+        }
+        RecordingOptions options = RecordingOptions.parse(arguments);
+        if (options.record != null) {
+            PostMortem.completeRecordings(options.record);
+        }
+        return failed("the process ended");
     }
 
     private static int failed(String problem) {

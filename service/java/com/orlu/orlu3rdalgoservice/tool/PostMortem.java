@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
@@ -10,6 +11,7 @@ import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
+import java.util.stream.Stream;
 
 /** Judges a run whose process ended before the command did, in another process, by what it left behind. */
 final class PostMortem {
@@ -36,6 +38,9 @@ final class PostMortem {
         Files.writeString(file, crash.report());
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions);
+        if (mOptions.record != null) {
+            completeRecordings(mOptions.record);
+        }
         if (mOptions.json != null) {
             JsonReport json = new JsonReport();
             json.add(verdict);
@@ -43,5 +48,18 @@ final class PostMortem {
         }
         System.out.println(verdict.line());
         return verdict.status();
+    }
+
+    /** Puts the events beside a recording that was not ended, of which there is at most one: the last. */
+    static void completeRecordings(Path folder) throws IOException {
+        Path events = WorkFolder.events();
+        if (!Files.isDirectory(folder) || events == null || !Files.exists(events)) {
+            return;
+        }
+        try (Stream<Path> folders = Files.list(folder)) {
+            for (Path recording : folders.filter(RecordedRequest::isRecording).toList()) {
+                RecordedRequest.addEvents(recording, events);
+            }
+        }
     }
 }

@@ -12,7 +12,9 @@ import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import java.util.List;
 import java.util.Map;
 
-/** The two calls that carry one request through the native library, recorded where the client has a recorder. */
+/**
+ * The two calls that carry one request through the native library, recorded where the client has a recorder.
+ */
 final class RequestCall implements AutoCloseable {
     private final Orlu3rdAlgoService mService;
     private final long mHandle;
@@ -24,8 +26,9 @@ final class RequestCall implements AutoCloseable {
     private final Recording mRecording;
 
     /** Records what goes in already. The properties are those that were set for this request. */
-    RequestCall(ServiceClient client, VRequest request, Map<String, String> properties, List<VImageIPC> inputs,
-            List<VImageIPC> outputs, List<? extends CaptureResultComposition> compositions) {
+    RequestCall(ServiceClient client, VRequest request, Map<String, String> properties,
+            List<VImageIPC> inputs, List<VImageIPC> outputs,
+            List<? extends CaptureResultComposition> compositions) {
         mService = client.service();
         mHandle = client.handle();
         mRequest = request;

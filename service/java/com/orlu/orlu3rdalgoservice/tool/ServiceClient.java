@@ -14,7 +14,10 @@ final class ServiceClient {
     private final long mHandle;
     private final RequestRecorder mRecorder;
 
-    /** Creates and initialises the client that a request names. Its requests are recorded; null: they are not. */
+    /**
+     * Creates and initialises the client that a request names. Its requests are recorded; null: they are
+     * not.
+     */
     ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
         mRecorder = recorder;
         mClientId = request.clientId();

@@ -1,8 +1,25 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
+import com.google.gson.JsonElement;
+
 /** One value that was handed to the algorithm library, in its bytes. */
-record Parameter(String section, String key, byte[] bytes) {
+public record Parameter(String section, String key, byte[] bytes) {
     boolean hasKeyOf(Parameter other) {
         return key.equals(other.key) && section.equals(other.section);
+    }
+
+    /** The section without the beginning that all have, and the key. */
+    public String name() {
+        return Handover.shortName(this);
+    }
+
+    /** The value for people. */
+    public String text() {
+        return ParameterFormatter.format(ParameterTypes.of(section, key), bytes);
+    }
+
+    /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    public JsonElement json() {
+        return ParameterFormatter.json(ParameterTypes.of(section, key), bytes);
     }
 }

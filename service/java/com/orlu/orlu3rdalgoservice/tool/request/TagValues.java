@@ -57,7 +57,7 @@ final class TagValues {
     }
 
     // {"long": 5} and the like; null when the field is not of this form.
-    private static Object explicit(JsonField field, ValueReader reader) throws RequestFileException {
+    static Object explicit(JsonField field, ValueReader reader) throws RequestFileException {
         if (!field.isObject() || field.anyMembers().size() != 1) {
             return null;
         }

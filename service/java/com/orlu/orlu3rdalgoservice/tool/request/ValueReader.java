@@ -16,6 +16,7 @@ import java.util.List;
  */
 final class ValueReader {
     private static final int LARGEST_RUN = 1 << 16;
+    private static final List<String> NO_JSON_NUMBERS = List.of("NaN", "Infinity", "-Infinity");
     private static final int SURE_FACE = 100;
 
     private final int mFrame;
@@ -52,11 +53,17 @@ final class ValueReader {
 
     double number(JsonField field) throws RequestFileException {
         if (!field.isObject()) {
-            return field.number().doubleValue();
+            return real(field);
         }
         JsonMembers counter = field.members("first", "step");
         return counter.require("first").number().add(
                 counter.require("step").number().multiply(frame())).doubleValue();
+    }
+
+    // The texts are those of numbers that JSON has no form for.
+    private static double real(JsonField field) throws RequestFileException {
+        boolean isText = field.isString() && NO_JSON_NUMBERS.contains(field.string());
+        return isText ? Double.parseDouble(field.string()) : field.number().doubleValue();
     }
 
     int[] integers(JsonField field) throws RequestFileException {
@@ -81,7 +88,7 @@ final class ValueReader {
         List<JsonField> elements = elements(field);
         double[] values = new double[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            values[i] = elements.get(i).number().doubleValue();
+            values[i] = real(elements.get(i));
         }
         return values;
     }

@@ -1,0 +1,86 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * A run of this command in a process of its own, with another library or machine, which may end its process.
+ * It records what it does in a folder of its own, so that no two runs write the same files.
+ */
+final class ChildRun {
+    private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
+
+    private final Path mFolder;
+    private final boolean mArm;
+    private final Path mLibrary;
+
+    /**
+     * The library is an algorithm library, or another build of the native one by its file's name; null for
+     * none.
+     */
+    ChildRun(String name, boolean arm, Path library) throws IOException {
+        String work = System.getProperty("orlu.work");
+        mFolder = Files.createTempDirectory(Path.of(work), name + "-");
+        mArm = arm;
+        mLibrary = library;
+    }
+
+    /** Runs a recording again. Returns the folder of the new recording. */
+    Path play(Path recording) throws IOException {
+        return start(List.of("play", recording.toString()));
+    }
+
+    /** Runs a request file, and returns the folder of its recording. */
+    Path run(Path request) throws IOException {
+        return start(List.of(request.toString(), "--out", mFolder.resolve("images").toString()));
+    }
+
+    private Path start(List<String> arguments) throws IOException {
+        Path record = mFolder.resolve("recordings");
+        Path log = mFolder.resolve("log");
+        List<String> command = new ArrayList<>(List.of(System.getProperty("orlu.launcher")));
+        command.addAll(arguments);
+        command.addAll(List.of("--record", record.toString()));
+        if (mArm) {
+            command.add("--arm");
+        }
+        ProcessBuilder builder = new ProcessBuilder(command).redirectErrorStream(true)
+                .redirectOutput(log.toFile());
+        setEnvironment(builder.environment());
+        int status;
+        try {
+            status = builder.start().waitFor();
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+            throw new IllegalStateException("interrupted", e);
+        }
+        if (!Files.isDirectory(record)) {
+            throw new IllegalStateException(
+                    "the request did not run, status " + status + ": " + Files.readString(log));
+        }
+        return record;
+    }
+
+    private void setEnvironment(Map<String, String> environment) {
+        // These are of this process; the other makes its own.
+        environment.remove("ORLU_EVENTS");
+        environment.remove("ORLU_ALGO_TRACE");
+        environment.put("LD_LIBRARY_PATH", System.getProperty("orlu.libraryPath", ""));
+        if (mArm) {
+            environment.remove("ORLU_BUILD");
+        }
+        if (mLibrary == null) {
+            return;
+        }
+        Path library = mLibrary.toAbsolutePath();
+        if (library.getFileName().toString().equals(NATIVE_LIBRARY)) {
+            environment.put("ORLU_NATIVE_FOLDER", library.getParent().toString());
+        } else {
+            environment.put("ORLU_ALGO_LIBRARY", library.toString());
+        }
+    }
+}

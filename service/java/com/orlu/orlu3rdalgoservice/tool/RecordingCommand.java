@@ -1,0 +1,197 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.recording.Comparison;
+import com.orlu.orlu3rdalgoservice.tool.recording.OutputComparison;
+import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
+import com.orlu.orlu3rdalgoservice.tool.recording.RecordingSummary;
+import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.recording.Trimmer;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Set;
+import java.util.stream.Stream;
+
+/**
+ * The subcommands on recordings: info, replay, trim, diff, and play, which replay starts in a process of its
+ * own.
+ */
+final class RecordingCommand {
+    private static final int SHOWN = 20;
+    private static final int EQUAL = 0;
+    private static final int DIFFERENT = 1;
+
+    private final RecordingOptions mOptions;
+
+    private RecordingCommand(RecordingOptions options) {
+        mOptions = options;
+    }
+
+    /** Whether the command line is one of these. */
+    static boolean isOne(String[] arguments) {
+        return arguments.length > 0 && RecordingOptions.NAMES.contains(arguments[0]);
+    }
+
+    /** Runs the command line. Returns 0, 1 for a difference, or one of Verdict's statuses. */
+    static int run(String[] arguments) throws RequestFileException, ErrnoException, IOException {
+        RecordingOptions options = RecordingOptions.parse(arguments);
+        if (options == null) {
+            return Verdict.OK;
+        }
+        RecordingCommand command = new RecordingCommand(options);
+        return switch (options.command) {
+            case "info" -> command.info();
+            case "replay" -> command.replay();
+            case "trim" -> command.trim();
+            case "diff" -> command.diff();
+            default -> new RecordingPlayer(RecordedRequest.read(options.files.get(0)), options.record).run();
+        };
+    }
+
+    private int info() throws RequestFileException, IOException {
+        for (Path file : mOptions.files) {
+            for (Path folder : recordings(file)) {
+                new RecordingSummary(RecordedRequest.read(folder), System.out).print();
+            }
+        }
+        return Verdict.OK;
+    }
+
+    private int trim() throws RequestFileException, IOException {
+        RecordedRequest recorded = RecordedRequest.read(mOptions.files.get(0));
+        new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels).write(mOptions.out);
+        System.out.println("written " + mOptions.out + " (" + megabytes(mOptions.out) + " of "
+                + megabytes(recorded.folder()) + ")");
+        return Verdict.OK;
+    }
+
+    private static String megabytes(Path folder) throws IOException {
+        long bytes = 0;
+        try (Stream<Path> files = Files.list(folder)) {
+            for (Path file : files.toList()) {
+                bytes += Files.size(file);
+            }
+        }
+        return "%.2f MB".formatted(bytes / 1e6);
+    }
+
+    private int replay() throws RequestFileException, IOException {
+        int status = EQUAL;
+        for (Path file : mOptions.files) {
+            for (Path folder : recordings(file)) {
+                status = Math.max(status, replay(folder));
+            }
+        }
+        return status;
+    }
+
+    private int replay(Path folder) throws RequestFileException, IOException {
+        RecordedRequest recorded = RecordedRequest.read(folder);
+        // What can't be run again is said before a process is started for it.
+        recorded.toRequest();
+        RunRecord before = RunRecord.of(recorded, folder.toString());
+        ChildRun child = new ChildRun("replay-" + folder.toAbsolutePath().normalize().getFileName(),
+                mOptions.arm, mOptions.libraries.isEmpty() ? null : mOptions.libraries.get(0));
+        RunRecord after = RunRecord.of(RecordedRequest.read(only(child.play(folder))), "this run");
+        recorded.notes().forEach(note -> System.out.println("  note: " + note));
+        if (!before.isKnown()) {
+            System.out.println(folder + ": ran, " + after.parameters().size()
+                    + " parameters; nothing was recorded to compare with");
+            return EQUAL;
+        }
+        return compare(folder.toString(), before, after);
+    }
+
+    private int diff() throws RequestFileException, IOException {
+        List<List<RunRecord>> sides = new ArrayList<>();
+        for (int i = 0; i < 2; ++i) {
+            Path library = mOptions.libraries.size() < 2 ? null : mOptions.libraries.get(i);
+            sides.add(runs(mOptions.files.get(mOptions.files.size() == 1 ? 0 : i), i, library));
+        }
+        if (sides.get(0).size() != sides.get(1).size()) {
+            System.out.println("different: " + sides.get(0).size() + " requests / " + sides.get(1).size());
+            return DIFFERENT;
+        }
+        int status = EQUAL;
+        for (int i = 0; i < sides.get(0).size(); ++i) {
+            RunRecord one = sides.get(0).get(i);
+            RunRecord other = sides.get(1).get(i);
+            status = Math.max(status, compare(one.name() + " / " + other.name(), one, other));
+        }
+        return status;
+    }
+
+    // What a side of a diff did: read, or run first.
+    private List<RunRecord> runs(Path file, int side, Path library) throws RequestFileException, IOException {
+        List<Path> folders;
+        ChildRun child = new ChildRun("side" + (side + 1), false, library);
+        if (Files.isDirectory(file)) {
+            folders = recordings(file);
+            if (library != null) {
+                folders = List.of(only(child.play(only(file))));
+            }
+        } else if (library != null || file.toString().endsWith(".json")) {
+            folders = recordings(child.run(file));
+        } else {
+            return List.of(RunRecord.ofEvents(file));
+        }
+        List<RunRecord> runs = new ArrayList<>();
+        for (Path folder : folders) {
+            runs.add(RunRecord.of(RecordedRequest.read(folder), Files.isDirectory(file) ? folder.toString()
+                    : library == null ? file.toString() : file + " with " + library.getFileName()));
+        }
+        return runs;
+    }
+
+    private int compare(String title, RunRecord one, RunRecord other)
+            throws RequestFileException, IOException {
+        Set<String> ignored = new HashSet<>(mOptions.ignored);
+        Path name = Path.of(one.name()).getFileName();
+        Comparison comparison = new Comparison(one, other, ignored, mOptions.tolerance,
+                new OutputComparison(mOptions.out, String.valueOf(name)));
+        List<String> differences = comparison.differences();
+        System.out.println(title + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
+                + comparison.compared());
+        differences.stream().limit(SHOWN).forEach(line -> System.out.println("  " + line));
+        if (differences.size() > SHOWN) {
+            System.out.println("  and " + (differences.size() - SHOWN) + " differences more");
+        }
+        comparison.notes().forEach(note -> System.out.println("  note: " + note));
+        return differences.isEmpty() ? EQUAL : DIFFERENT;
+    }
+
+    private static Path only(Path folder) throws RequestFileException, IOException {
+        List<Path> folders = recordings(folder);
+        if (folders.size() != 1) {
+            throw new IllegalArgumentException(
+                    folder + " has " + folders.size() + " recordings; name one of them");
+        }
+        return folders.get(0);
+    }
+
+    /** A recording itself, or all in a folder of them by their names. */
+    private static List<Path> recordings(Path folder) throws RequestFileException, IOException {
+        if (RecordedRequest.isRecording(folder)) {
+            return List.of(folder);
+        }
+        if (!Files.isDirectory(folder)) {
+            throw new RequestFileException(folder.toString(), "", "no such folder");
+        }
+        try (Stream<Path> inside = Files.list(folder)) {
+            List<Path> found = inside.filter(RecordedRequest::isRecording).sorted().toList();
+            if (found.isEmpty()) {
+                throw new RequestFileException(
+                        folder.toString(), "", "no recording: it has no file recording");
+            }
+            return found;
+        }
+    }
+}

@@ -1,0 +1,150 @@
+package com.orlu.orlu3rdalgoservice.tool.recording;
+
+import com.google.gson.JsonElement;
+import com.google.gson.JsonNull;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.events.Call;
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.report.Handover;
+import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/** What one run of a request did, taken from its recording or from its events alone. */
+public final class RunRecord {
+    private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
+
+    private final String mName;
+    private final boolean mIsComplete;
+    private final boolean mHasEvents;
+    private final List<Parameter> mParameters;
+    private final List<byte[]> mCameraMetadata = new ArrayList<>();
+    private final List<List<String>> mAlgorithms = new ArrayList<>();
+    private final Map<String, String> mOutcomes = new LinkedHashMap<>();
+    private final Map<String, Double> mTimes = new LinkedHashMap<>();
+    private final List<Map<String, JsonElement>> mPuts = new ArrayList<>();
+    private final List<RecordedImage> mResults;
+
+    private RunRecord(String name, RecordedEvents events, boolean isComplete, List<RecordedImage> results) {
+        mName = name;
+        mIsComplete = isComplete;
+        mResults = results;
+        mHasEvents = !events.calls().isEmpty();
+        mParameters = new Handover(events).parameters();
+        events.calls("setRaw").forEach(call -> mCameraMetadata.add(call.begin().bytes("bytes")));
+        for (Call call : events.calls("process")) {
+            mAlgorithms.add(call.begin().texts("algoList"));
+            mOutcomes.put("process " + mAlgorithms.size(), call.outcome());
+            if (call.end() != null) {
+                mTimes.put("process " + mAlgorithms.size(), call.end().milliseconds());
+            }
+        }
+        if (!mAlgorithms.isEmpty()) {
+            mOutcomes.put("callbacks",
+                    events.calls("callback")
+                            .stream()
+                            .map(call -> call.begin().text("name"))
+                            .toList()
+                            .toString());
+        }
+    }
+
+    /** A recording's run, under this name for people. */
+    public static RunRecord of(RecordedRequest recorded, String name) throws RequestFileException {
+        RunRecord run = new RunRecord(name, recorded.events(),
+                recorded.isComplete() && recorded.problem().isEmpty(), recorded.images("result"));
+        for (String call : List.of("processed", "updated")) {
+            JsonObject part = recorded.part(call);
+            if (part != null) {
+                JsonElement status = part.get(part.has("thrown") ? "thrown" : "status");
+                run.mOutcomes.put(call, status.getAsString());
+                if (part.has("ns")) {
+                    run.mTimes.put(call, part.get("ns").getAsLong() / NANOSECONDS_PER_MILLISECOND);
+                }
+            }
+        }
+        for (JsonObject part : recorded.parts("put")) {
+            Map<String, JsonElement> values = new LinkedHashMap<>();
+            part.getAsJsonObject("values").entrySet().forEach(
+                    put -> values.put(put.getKey(), put.getValue()));
+            run.mPuts.add(values);
+        }
+        return run;
+    }
+
+    /** The run of a request in events alone, which have no images. */
+    public static RunRecord ofEvents(Path file) throws RequestFileException {
+        RecordedEvents events = new RecordedEvents();
+        events.add(EventLines.read(file));
+        if (events.calls().isEmpty()) {
+            throw new RequestFileException(
+                    file.toString(), "", "no recording, no request file, and no events");
+        }
+        RunRecord run = new RunRecord(file.toString(), events, true, List.of());
+        for (Event put : events.events("put")) {
+            while (run.mPuts.size() <= put.number("frame")) {
+                run.mPuts.add(new LinkedHashMap<>());
+            }
+            run.mPuts.get((int) put.number("frame")).put(put.text("tag"),
+                    put.has("value") ? put.fields().get("value") : JsonNull.INSTANCE);
+        }
+        return run;
+    }
+
+    public String name() {
+        return mName;
+    }
+
+    /** Whether it came to its end. */
+    public boolean isComplete() {
+        return mIsComplete;
+    }
+
+    /** Whether anything that it did is known; not of a recording that lost some frames since. */
+    public boolean isKnown() {
+        return mHasEvents || !mOutcomes.isEmpty();
+    }
+
+    /** Whether the probe was there. */
+    boolean hasEvents() {
+        return mHasEvents;
+    }
+
+    public List<Parameter> parameters() {
+        return mParameters;
+    }
+
+    List<byte[]> cameraMetadata() {
+        return mCameraMetadata;
+    }
+
+    List<List<String>> algorithms() {
+        return mAlgorithms;
+    }
+
+    /** What each call came to: "processed" 0, "process 1" "returned 0". */
+    Map<String, String> outcomes() {
+        return mOutcomes;
+    }
+
+    /** Milliseconds, likewise. */
+    Map<String, Double> times() {
+        return mTimes;
+    }
+
+    /** For each frame, what was put. */
+    List<Map<String, JsonElement>> puts() {
+        return mPuts;
+    }
+
+    List<RecordedImage> results() {
+        return mResults;
+    }
+}

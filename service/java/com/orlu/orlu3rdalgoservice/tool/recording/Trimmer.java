@@ -1,0 +1,115 @@
+package com.orlu.orlu3rdalgoservice.tool.recording;
+
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Set;
+import java.util.TreeSet;
+
+/**
+ * Writes a smaller copy of a recording. Without some frames the request is another one, so that what came of
+ * it is left out then. Without pixels what came of it stays, but for the output's pixels.
+ */
+public final class Trimmer {
+    private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().serializeNulls().create();
+    private static final Set<String> WHAT_CAME_OF_IT =
+            Set.of("processed", "updating", "updated", "put", "result", "events");
+
+    private final RecordedRequest mRecorded;
+    private final Set<Integer> mFrames;
+    private final boolean mKeepsPixels;
+    private final ByteArrayOutputStream mLines = new ByteArrayOutputStream();
+
+    /** Keeps these frames, all when there are none here. */
+    public Trimmer(RecordedRequest recorded, Set<Integer> frames, boolean keepsPixels) {
+        mRecorded = recorded;
+        mFrames = new TreeSet<>(frames);
+        mKeepsPixels = keepsPixels;
+    }
+
+    /** Writes the copy into a folder that must not be there. */
+    public void write(Path folder) throws RequestFileException, IOException {
+        int frames = mRecorded.parts("frame").size();
+        int inputs = mRecorded.parts("input").size();
+        mRecorded.toRequest();
+        for (int frame : mFrames) {
+            if (frame < 0 || frame >= frames) {
+                throw new IllegalArgumentException(
+                        "--frames: the recording has the frames 0 to " + (frames - 1) + ", not " + frame);
+            }
+        }
+        if (!mFrames.isEmpty() && inputs % frames != 0) {
+            throw new IllegalArgumentException("--frames: which of the " + inputs
+                    + " inputs belong to which of the " + frames + " frames is not known");
+        }
+        if (Files.exists(folder)) {
+            throw new IllegalArgumentException("--out: " + folder + " is there already");
+        }
+        Files.createDirectories(folder);
+        writeParts(folder, Math.max(1, inputs / Math.max(1, frames)));
+        Files.write(folder.resolve(RecordedRequest.LINES), mLines.toByteArray());
+    }
+
+    private void writeParts(Path folder, int inputsPerFrame) throws RequestFileException, IOException {
+        List<Integer> counts = new ArrayList<>(List.of(0, 0));
+        for (JsonObject part : mRecorded.parts()) {
+            String name = part.get("part").getAsString();
+            if (name.equals("eventsAt") || !mFrames.isEmpty() && WHAT_CAME_OF_IT.contains(name)) {
+                continue;
+            }
+            JsonObject copy = part.deepCopy();
+            if (name.equals("frame") && !renumber(copy, counts, 0, 1)
+                    || name.equals("input") && !renumber(copy, counts, 1, inputsPerFrame)) {
+                continue;
+            }
+            copyBytes(part, copy, folder, name);
+            write(copy);
+        }
+    }
+
+    // Returns whether the part is kept.
+    private boolean renumber(JsonObject part, List<Integer> counts, int which, int perFrame) {
+        if (!mFrames.isEmpty() && !mFrames.contains(part.get("index").getAsInt() / perFrame)) {
+            return false;
+        }
+        part.addProperty("index", counts.get(which));
+        counts.set(which, counts.get(which) + 1);
+        return true;
+    }
+
+    private void copyBytes(JsonObject part, JsonObject copy, Path folder, String name)
+            throws RequestFileException, IOException {
+        if (!part.has("file")) {
+            return;
+        }
+        if (!mKeepsPixels && !name.equals("events")) {
+            copy.remove("file");
+            copy.remove("crc");
+            copy.addProperty("kept", "no: trimmed");
+            return;
+        }
+        byte[] bytes = mRecorded.checkedBytes(part.get("file").getAsString(), part.get("crc").getAsString());
+        String file = copy.has("index") && name.equals("input") ? "input" + copy.get("index") + ".bin"
+                : part.get("file").getAsString();
+        copy.addProperty("file", file);
+        Files.write(folder.resolve(file), bytes);
+    }
+
+    private void write(JsonObject part) {
+        byte[] text = GSON.toJson(part).getBytes(StandardCharsets.UTF_8);
+        String check = RecordedRequest.check(text, 0, text.length) + " ";
+        mLines.writeBytes(check.getBytes(StandardCharsets.US_ASCII));
+        mLines.writeBytes(text);
+        mLines.write('\n');
+    }
+}

@@ -1,0 +1,86 @@
+#!/bin/bash
+# Records samples, and replays, trims, cuts and compares the recordings: recording_test.sh BUILD_FOLDER
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export ORLU_BUILD=$1
+unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PLANTED ORLU_ALGO_LIBRARY
+planted=$ORLU_BUILD/planted/planted_algo.so
+stand_in=$ORLU_BUILD/lib/liborlu.vac.interface.so
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failures=0
+
+fail() {
+  echo "FAILED: $*"
+  failures=$((failures + 1))
+}
+
+# ends STATUS PATTERN ARGUMENT...: ./run ends so, and prints a line that this regular expression finds.
+ends() {
+  local wanted=$1 pattern=$2 status=0
+  shift 2
+  "$root/run" "$@" >out 2>err || status=$?
+  [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat out err)"
+  cat out err | grep -qE -- "$pattern" || fail "./run $*: no line is \"$pattern\": $(cat out err)"
+}
+
+echo "== Every sample is recorded, and does the same again"
+samples=("$root"/samples/*.json)
+ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
+ends 0 '/000001-request.*: equal, 1[0-9][0-9] parameters, 1 frames, 1 outputs' replay shots
+[ "$(grep -c ': equal, ' out)" -eq ${#samples[@]} ] || fail "not every sample was replayed: $(cat out)"
+
+echo "== Runs that go wrong are recorded up to there"
+export ORLU_ALGO_LIBRARY=$planted
+ORLU_PLANTED=silent ends 1 '^verdict  FAILED: no callback' --record silent --out images "$root/samples/capture.json"
+ORLU_PLANTED=silent ends 0 ': equal, 1[0-9][0-9] parameters' replay silent
+ends 1 '^  callbacks: \[\] / \[shotCb\]$' replay silent --against "$stand_in"
+ORLU_PLANTED=aborts:process ends 1 '^verdict  FAILED: .*SIGABRT' --record dead --out images "$root/samples/capture.json"
+ends 0 'open  *process has not returned' info dead
+ORLU_PLANTED=aborts:process ends 0 ': equal, 1[0-9][0-9] parameters' replay dead
+ends 0 'did not come to its end: compared up to there' replay dead --against "$stand_in"
+unset ORLU_ALGO_LIBRARY
+
+echo "== Trimmed"
+night=$(echo shots/*-request-101)
+ends 0 '^written few ' trim "$night" --out few --frames 0,2
+ends 0 '^few: ran, 1[0-9][0-9] parameters; nothing was recorded' replay few
+ends 0 '^written none ' trim "$night" --out none --no-pixels
+ends 0 '^none: equal, 129 parameters' replay none --ignore 'output 0' --ignore orlu.feedback.basicFrameTimestamp
+ends 2 'frames 0 to 6, not 7' trim "$night" --out seven --frames 7
+ends 2 'none is there already' trim "$night" --out none
+
+echo "== Cut at any byte, and damaged"
+size=$(stat -c %s "$night/recording")
+RANDOM=14
+for ((i = 0; i < 12; ++i)); do
+  rm -rf cut && cp -r "$night" cut
+  at=$((RANDOM * 32768 + RANDOM))
+  truncate -s $((at % size)) cut/recording
+  status=0
+  "$root/run" info cut >out 2>err || status=$?
+  case $status in
+    0) grep -q 'end  *not reached: ' out || fail "cut at $((at % size)): $(cat out)" ;;
+    2) grep -q 'cut/recording: no recording that can be read: ' err || fail "cut at $((at % size)): $(cat err)" ;;
+    *) fail "cut at $((at % size)): status $status: $(cat out err)" ;;
+  esac
+done
+rm -rf cut && cp -r "$night" cut
+sed -i '6s/android/androit/' cut/recording
+ends 0 'end  *not reached: line 6 is damaged: its check is' info cut
+ends 2 'cut/recording: ends before the request ran: line 6 is damaged' replay cut
+rm -rf cut && cp -r "$night" cut
+truncate -s 1000 cut/input3.bin
+ends 1 'cut/input3.bin: is cut or damaged: its 1000 bytes' replay cut
+
+echo "== Compared"
+ends 1 '^  updated: not reached / 0$' diff "$root/samples/night.json" "$root/samples/night-async.json"
+ends 0 ': equal, ' diff "$root/samples/night.json" "$root/samples/night-async.json" --ignore updated
+ORLU_PLANTED=untouched ends 1 '  output 0' diff "$root/samples/watermark.json" --lib "$stand_in" --lib "$planted" --out pictures
+ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
+ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"
+ends 2 'diff needs two runs' diff "$night"
+
+[ "$failures" -eq 0 ] && echo "All passed"
+exit $((failures > 0))
