@@ -53,8 +53,8 @@ final class RecordingOptions {
         switch (name) {
             case "info" -> positional(spec, "FOLDER", "1..*", "Says what is in recordings.");
             case "replay" -> {
-                positional(spec, "FOLDER", "1..*", "Runs recordings again, and compares what they do with what "
-                        + "was recorded. The status is 0 when all is equal, 1 when something is different.");
+                positional(spec, "FOLDER", "1..*", "Runs recordings again, and compares what they do with what"
+                        + " was recorded. The status is 0 when all is equal, 1 when something is different.");
                 spec.addOption(path("LIBRARY", "run with this library: an algorithm library, or another "
                         + "build of the native one", "--against").build());
                 spec.addOption(flag("run the 32-bit ARM library", "--arm"));
@@ -64,16 +64,16 @@ final class RecordingOptions {
                 positional(spec, "FOLDER", "1", "Writes a smaller copy of a recording.");
                 spec.addOption(path("DIR", "the folder of the copy, which must not be there", "--out")
                         .required(true).build());
-                spec.addOption(list("N,N...", Integer.class, "keep these frames and their inputs, and leave out "
-                        + "what came of the request", "--frames").splitRegex(",").build());
+                spec.addOption(list("N", Integer.class, "keep these frames and their inputs, and leave "
+                        + "out what came of the request", "--frames").splitRegex(",").build());
                 spec.addOption(flag("leave the pixels out", "--no-pixels"));
             }
             case "diff" -> {
-                positional(spec, "A [B]", "1..2", "Compares two runs: recordings or folders of them, events, or "
-                        + "request files, which are run first. The status is 0 when all is equal, 1 when "
+                positional(spec, "A [B]", "1..2", "Compares two runs: recordings or folders of them, events, "
+                        + "or request files, which are run first. The status is 0 when all is equal, 1 when "
                         + "something is different.");
-                spec.addOption(list("LIBRARY", Path.class, "given twice: run the one A, or A and B, with these "
-                        + "two libraries", "--lib").build());
+                spec.addOption(list("LIBRARY", Path.class, "given twice: run the one A, or A and B, with "
+                        + "these two libraries", "--lib").build());
                 addComparison(spec);
             }
             default -> {
@@ -88,8 +88,8 @@ final class RecordingOptions {
     }
 
     private static void addComparison(CommandSpec spec) {
-        spec.addOption(list("NAME", String.class, "leave out this parameter, value put, call or output; can be "
-                + "given again", "--ignore").build());
+        spec.addOption(list("NAME", String.class, "leave out this parameter, value put, call or output; can "
+                + "be given again", "--ignore").build());
         spec.addOption(OptionSpec.builder("--tolerance").paramLabel("N").type(Double.class)
                 .description("take numbers and samples of 255 that differ by no more for equal").build());
         spec.addOption(path("DIR", "write pictures of outputs that differ there", "--out").build());
