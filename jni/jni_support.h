@@ -66,6 +66,9 @@ public:
     if (mPushed) mEnv->PopLocalFrame(nullptr);
   }
 
+  // False when the VM had no memory for the frame.
+  explicit operator bool() const { return mPushed; }
+
 private:
   JNIEnv* mEnv;
   bool mPushed;

@@ -45,29 +45,6 @@ int MetadataUpdater::getImageFormat() {
 }
 
 void MetadataUpdater::updateMetadata() {
-  // Tags that more than one step reads. Any other is read once, and its Java key is freed at once.
-  const CameraMetadataParser::RepeatedTag repeated[] = {
-      mShot.repeated("android.control.zoomRatio"),
-      mShot.repeated("android.sensor.info.activeArraySize"),
-      mShot.repeated("orlu.feedback.SensorCropRegions"),
-      mShot.repeated("com.orlu.image_sizes"),
-      mShot.repeated("com.orlu.RemosaicType"),
-      mShot.repeated("orlu.doubleExpo.capture"),
-      mShot.repeated("orlu.control.filmSize"),
-      mShot.repeated("orlu.control.zoom_ratio"),
-      mShot.repeated("orlu.control.is_rawnr_mode"),
-      mShot.repeated("orlu.control.document.pack"),
-      mShot.repeated("com.orlu.node.preview.sceneMode"),
-      mShot.repeated("orlu.node.preview.sceneMode"),
-      mShot.repeated("orlu.control.sceneMode"),
-      mShot.repeated("com.orlu.current_ui_module"),
-      mShot.repeated("android.jpeg.orientation"),
-      mShot.repeated("android.control.afRegions"),
-      mShot.repeated("android.control.aeRegions"),
-      mShot.repeated("android.control.aeMode"),
-      mShot.repeated("android.sensor.timestamp"),
-  };
-  static_cast<void>(repeated);
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);
   // An application that only redraws its watermark on a finished image needs nothing else (Oddity 14).

@@ -112,7 +112,8 @@ private:
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
   struct MeteringTexts;
-  void convertMetering(__tagOrluRect& region, const MeteringTexts& texts);
+  void convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
+                       const MeteringTexts& texts);
 
   // metadata_updater_double_exposure.cpp, _jpeg_encode.cpp, _pixel_shift.cpp, _frame_clarity.cpp
   void updateDoubleExpo();

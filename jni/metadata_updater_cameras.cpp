@@ -36,7 +36,7 @@ void MetadataUpdater::updateCameraType() {
 void MetadataUpdater::updateFromCameraCharacteristics() {
   mShot.keep(mCameraFacing, "android.lens.facing", kSensor, "camera_facing");
   mShot.keep(mBayerFilter, "android.sensor.info.colorFilterArrangement", kSensor, "bayer_filter");
-  mShot.copy<int32_t>("com.orlu.RemosaicType", kSensor, "remosaic_type");
+  mShot.write<int32_t>(kSensor, "remosaic_type", mShot.remosaicType());
 }
 
 void MetadataUpdater::updateSat() {

@@ -37,10 +37,10 @@ void writeSensorTags(const Shot& shot, int32_t& isRawnrCapture) {
   const auto fromUserApp =
       shot.copy<int32_t>(composition, "orlu.control.callFromUserApp", kControl, "call_from_user_app");
   LOGD_AS(kOperation, "call from user app %d", fromUserApp);
-  shot.copy<SCR_Type>("orlu.feedback.SensorCropRegions", kSensor, "sensor_crop_region");
+  shot.write<SCR_Type>(kSensor, "sensor_crop_region", shot.sensorCrop());
   shot.write<_tagOrluSize>(kSensor, "sensor_active_size", readActiveSize(shot));
+  shot.write<Ints<2>>(kSystem, "image_size_max", shot.imageSizes());
   // clang-format off
-  shot.copy<Ints<2>>       ("com.orlu.image_sizes",       kSystem,  "image_size_max");
   shot.keep(isRawnrCapture, "orlu.control.is_rawnr_mode", kControl, "is_rawnr_capture");
   shot.copy<int32_t>       ("orlu.control.bokeh_facula",  kControl, "bokeh_facula_capture");
   // clang-format on
@@ -57,7 +57,8 @@ void writePictureTags(const Shot& shot) {
 }
 
 void writeZoomRatios(const Shot& shot) {
-  const auto platform = shot.copy<float>("android.control.zoomRatio", kZoom, "platform_zoom_ratio");
+  const float platform = shot.zoomRatio();
+  shot.write<float>(kZoom, "platform_zoom_ratio", platform);
   LOGD_AS(kOperation, "updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f",
           static_cast<double>(platform));
   shot.copy<float>("orlu.control.zoom_ratio", kZoom, "orlu_zoom_ratio");
@@ -76,7 +77,7 @@ void writeShotTags(const Shot& shot, Ints<25>& frontEvControl) {
   writeGain(shot, "orlu.feedback.analog_gain", kAnalogGainUnit, "analog_gain");
   writeGain(shot, "orlu.feedback.digital_gain", kDigitalGainUnit, "digital_gain");
   // clang-format off
-  shot.copyLarge<Bytes<8482>>(shot.frames().first(), "orlu.parameter.remosaicOTPData", kSensor, "remosaic_eeprom_data");
+  shot.copy<Bytes<8482>>(shot.frames().first(), "orlu.parameter.remosaicOTPData", kSensor, "remosaic_eeprom_data");
   shot.copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem, "awb_cct");
   // The exposure control's real gain follows it under the same key (Oddity 18).
   shot.copy<float>      ("orlu.feedback.RealGain",           kSystem, "flash_real_gain");

@@ -171,7 +171,7 @@ void MetadataUpdater::updateRawFormat() {
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlRGain", kSystem, "awb_rgain");
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlBGain", kSystem, "awb_bgain");
   mShot.copy<float>      (      "orlu.feedback.AWBFrameControlGGain", kSystem, "awb_ggain");
-  mShot.copyLarge<Floats<884>>(last, "android.statistics.lensShadingMap", kSystem, "shading_map");
+  mShot.copy<Floats<884>>(last, "android.statistics.lensShadingMap", kSystem, "shading_map");
   mShot.copy<int32_t>    (last, "orlu.feedback.AWBFrameControlCCT",   kSystem, "awb_cct");
   mShot.copy<float>      (last, "orlu.feedback.ISPDigitalGain",       kSystem, "isp_gain_short");
   mShot.copy<float>      (last, "orlu.control.sensor_gain",           kSystem, "sensor_gain_short");
@@ -220,11 +220,11 @@ void MetadataUpdater::updateYuvFormat() {
 // The regions are handed over as they were read where there is nothing to convert them with. Only the
 // exposure region's weight is handed over.
 void MetadataUpdater::updateRegions() {
-  auto af = mShot.readOr<MeteringRegion>("android.control.afRegions");
+  MeteringRegion af = mShot.focusRegion();
   setVAFAfRegionShot(af.rect);
   mShot.write<__tagOrluRect>(kSystem, "af_regions", af.rect);
 
-  auto ae = mShot.readOr<MeteringRegion>("android.control.aeRegions");
+  MeteringRegion ae = mShot.exposureRegion();
   setVAFAeRegion(ae.rect);
   mShot.write<__tagOrluRect>(kSystem, "ae_regions", ae.rect);
   mShot.write<int32_t>(kSystem, "ae_weight", ae.weight);

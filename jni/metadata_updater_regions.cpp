@@ -5,10 +5,9 @@
 
 namespace orlu {
 
-// One of the two metering regions and its texts.
+// The texts of one of the two metering regions.
 struct MetadataUpdater::MeteringTexts {
   const char* operation;  // that the lines name
-  const char* tag;
   const char* label;
   const char* unscaled;
 };
@@ -36,9 +35,9 @@ void logConversion(const char* operation, const char* label, _tagOrluSize active
 
 bool MetadataUpdater::needRemapRegion(_tagOrluSize activeSize, int width, int height) {
   RegionScale scale;
-  scale.remosaicType = mShot.readOr<int32_t>("com.orlu.RemosaicType");
-  scale.sensorCrop = mShot.readOr<SCR_Type>("orlu.feedback.SensorCropRegions");
-  const auto fullSize = mShot.readOr<Ints<2>>("com.orlu.image_sizes");
+  scale.remosaicType = mShot.remosaicType();
+  scale.sensorCrop = mShot.sensorCrop();
+  const Ints<2> fullSize = mShot.imageSizes();
   scale.fullSize = {fullSize[0], fullSize[1]};
   return needsScaling(activeSize, {width, height}, scale);
 }
@@ -49,7 +48,7 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
   const _tagOrluSize active = readActiveSize(mShot);
   // The remainder keeps the sign of the angle.
   const int32_t orientation = mShot.readOr<int32_t>("android.jpeg.orientation") % 360;
-  const auto zoom = mShot.readOr<float>("android.control.zoomRatio");
+  const float zoom = mShot.zoomRatio();
   if (hasZeroSide(active) || face.count < 1) return;
 
   const bool isZoomed = zoom > 1.0F && !skipZoom && !mShot.listHas("rawhdr");
@@ -71,7 +70,8 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
 }
 
 // Leaves `region` where there is no input or no active array.
-void MetadataUpdater::convertMetering(__tagOrluRect& region, const MeteringTexts& texts) {
+void MetadataUpdater::convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
+                                      const MeteringTexts& texts) {
   const AlgoFrameInfo* const input = mShot.firstInput();
   if (input == nullptr) {
     LOGE_AS(texts.operation, "%s failed, image size 0", texts.operation);
@@ -79,8 +79,8 @@ void MetadataUpdater::convertMetering(__tagOrluRect& region, const MeteringTexts
   }
   const _tagOrluSize image = {input->width, input->height};
   const _tagOrluSize active = readActiveSize(mShot);
-  const __tagOrluRect orig = mShot.readOr<MeteringRegion>(texts.tag).rect;
-  const auto zoom = mShot.readOr<float>("android.control.zoomRatio");
+  const __tagOrluRect orig = (mShot.*read)().rect;
+  const float zoom = mShot.zoomRatio();
   if (hasZeroSide(active)) return;
 
   const bool isScaled = needRemapRegion(active, image.width, image.height);
@@ -95,13 +95,13 @@ void MetadataUpdater::convertMetering(__tagOrluRect& region, const MeteringTexts
 }
 
 void MetadataUpdater::setVAFAfRegionShot(__tagOrluRect& region) {
-  convertMetering(region, {__func__, "android.control.afRegions", "shotAF",
-                           "shotafRegion call from app set ratio to 1.0"});
+  convertMetering(region, &Shot::focusRegion,
+                  {__func__, "shotAF", "shotafRegion call from app set ratio to 1.0"});
 }
 
 void MetadataUpdater::setVAFAeRegion(__tagOrluRect& region) {
-  convertMetering(region, {__func__, "android.control.aeRegions", "shotAE",
-                           "shotAERegion call from app set ratio to 1.0"});
+  convertMetering(region, &Shot::exposureRegion,
+                  {__func__, "shotAE", "shotAERegion call from app set ratio to 1.0"});
 }
 
 }  // namespace orlu

@@ -16,7 +16,7 @@ _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame) {
 }
 
 _tagOrluSize readActiveSize(const Shot& shot) {
-  const auto active = shot.readOr<__tagOrluRect>("android.sensor.info.activeArraySize");
+  const __tagOrluRect active = shot.activeArray();
   return {active.right, active.bottom};
 }
 

@@ -15,6 +15,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "algo_interface.h"
@@ -28,6 +29,9 @@
 namespace orlu {
 
 class Shot : public ShotTags {
+  template <typename T>
+  using Copied = std::conditional_t<(sizeof(T) > 1024), void, T>;
+
 public:
   // Borrows all of it.
   Shot(CameraMetadataParser& parser, VRequest& request, std::vector<std::string>& algoList,
@@ -37,24 +41,23 @@ public:
         mAlgoList(&algoList),
         mParameters(parameters) {}
 
-  // Return the value that was written.
+  // Return the value that was written, or nothing where it takes more of the stack than a request may find
+  // left: such a value is held on the heap.
   template <typename T>
-  T copy(const Frame& frame, const char* tag, const char* section, const char* key) const {
-    const T value = readOr<T>(frame, tag);
-    write<T>(section, key, value);
-    return value;
+  Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) const {
+    if constexpr (std::is_void_v<Copied<T>>) {
+      const auto value = std::make_unique<T>();
+      read(frame, tag, *value);
+      write<T>(section, key, *value);
+    } else {
+      const T value = readOr<T>(frame, tag);
+      write<T>(section, key, value);
+      return value;
+    }
   }
   template <typename T>
-  T copy(const char* tag, const char* section, const char* key) const {
+  Copied<T> copy(const char* tag, const char* section, const char* key) const {
     return copy<T>(first(), tag, section, key);
-  }
-
-  // For a type that takes more of the stack than a request may find left.
-  template <typename T>
-  void copyLarge(const Frame& frame, const char* tag, const char* section, const char* key) const {
-    const auto value = std::make_unique<T>();
-    read(frame, tag, *value);
-    write<T>(section, key, *value);
   }
 
   template <typename T>
@@ -91,6 +94,15 @@ public:
     return aec;
   }
 
+  // The regions of the first frame and what they are mapped by, zero where the frame lacks it.
+  __tagOrluRect activeArray() const { return mActiveArray.of(*this); }
+  float zoomRatio() const { return mZoomRatio.of(*this); }
+  int32_t remosaicType() const { return mRemosaicType.of(*this); }
+  SCR_Type sensorCrop() const { return mSensorCrop.of(*this); }
+  Ints<2> imageSizes() const { return mImageSizes.of(*this); }
+  MeteringRegion focusRegion() const { return mFocusRegion.of(*this); }
+  MeteringRegion exposureRegion() const { return mExposureRegion.of(*this); }
+
   const ParameterChannel& parameters() const { return mParameters; }
 
   // Whether the algorithm list holds a name that begins with this literal.
@@ -119,6 +131,13 @@ private:
   mutable bool mHasExposure = false;
   mutable Frame mExposureFrame;
   mutable Aec mExposure = {};
+  KeptTag<__tagOrluRect> mActiveArray{"android.sensor.info.activeArraySize"};
+  KeptTag<float> mZoomRatio{"android.control.zoomRatio"};
+  KeptTag<int32_t> mRemosaicType{"com.orlu.RemosaicType"};
+  KeptTag<SCR_Type> mSensorCrop{"orlu.feedback.SensorCropRegions"};
+  KeptTag<Ints<2>> mImageSizes{"com.orlu.image_sizes"};
+  KeptTag<MeteringRegion> mFocusRegion{"android.control.afRegions"};
+  KeptTag<MeteringRegion> mExposureRegion{"android.control.aeRegions"};
 };
 
 }  // namespace orlu

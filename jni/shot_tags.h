@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -197,6 +198,25 @@ public:
 private:
   CameraMetadataParser* mParser;
   FrameList mFrames;
+};
+
+// A tag of the first frame that several steps read. Once it was there its value is kept; a missing one is
+// looked for, and logged, each time. The text must live as long.
+template <typename T>
+class KeptTag {
+public:
+  explicit KeptTag(const char* tag) : mTag(tag) {}
+
+  // Zero where the frame lacks it.
+  T of(const ShotTags& tags) const {
+    T value = mKept.value_or(T());
+    if (!mKept && tags.read(mTag, value) == 0) mKept = value;
+    return value;
+  }
+
+private:
+  const char* mTag;
+  mutable std::optional<T> mKept;
 };
 
 }  // namespace orlu

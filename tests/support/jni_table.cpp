@@ -75,6 +75,18 @@ struct JniTableFunctions {
     }
     gTable->mFunctions.original().DeleteLocalRef(env, object);
   }
+  // References that are made in a frame end with it.
+  static jint JNICALL pushLocalFrame(JNIEnv* env, jint capacity) {
+    if (!gTable->mInsideVm) gTable->mFrames.push_back(gTable->mLocalReferences);
+    return gTable->mFunctions.original().PushLocalFrame(env, capacity);
+  }
+  static jobject JNICALL popLocalFrame(JNIEnv* env, jobject result) {
+    if (!gTable->mInsideVm && !gTable->mFrames.empty()) {
+      gTable->mLocalReferences = gTable->mFrames.back();
+      gTable->mFrames.pop_back();
+    }
+    return gTable->mFunctions.original().PopLocalFrame(env, result);
+  }
 };
 
 JniTable::JniTable(JNIEnv* env) : mFunctions(env) {
@@ -90,6 +102,8 @@ JniTable::JniTable(JNIEnv* env) : mFunctions(env) {
   table.GetFieldID = JniTableFunctions::getField;
   table.DeleteLocalRef = JniTableFunctions::deleteLocalRef;
   table.NewGlobalRef = JniTableFunctions::newGlobalRef;
+  table.PushLocalFrame = JniTableFunctions::pushLocalFrame;
+  table.PopLocalFrame = JniTableFunctions::popLocalFrame;
 }
 
 JniTable::~JniTable() {

@@ -54,6 +54,7 @@ private:
   std::map<std::string, int> mCalls;
   std::vector<std::string> mLookups;
   int mLocalReferences = 0;
+  std::vector<int> mFrames;  // mLocalReferences when each was pushed
   bool mInsideVm = false;
 };
 
