@@ -18,10 +18,21 @@ public final class Main {
     public static void main(String[] arguments) {
         // Numbers look the same everywhere.
         Locale.setDefault(Locale.ROOT);
-        int status = status(arguments);
-        WorkFolder.markFinished();
+        String trialLibrary = System.getProperty("orlu.trial.library");
+        int status = trialLibrary == null ? status(arguments) : trials(arguments, trialLibrary);
+        if (trialLibrary == null) {
+            WorkFolder.markFinished();
+        }
         // Threads of the algorithm library may still be attached, and would keep the VM alive.
         System.exit(status);
+    }
+
+    private static int trials(String[] arguments, String library) {
+        try {
+            return TrialSession.run(arguments, library);
+        } catch (IOException e) {
+            return failed("can't write or read " + e.getMessage());
+        }
     }
 
     private static int status(String[] arguments) {

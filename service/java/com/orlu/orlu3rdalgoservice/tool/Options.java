@@ -40,6 +40,8 @@ final class Options {
             """;
 
     final boolean params;
+    final boolean tags;
+    final boolean strict;
     final boolean wide;
     final boolean oneClient;
     final boolean check;
@@ -48,11 +50,15 @@ final class Options {
     final Path json;
     final Path events;
     final Path record;
+    /** Keys of parameters, perhaps with their sections, and words such as "all". */
+    final List<String> explain;
 
     private final List<Path> mFiles;
 
     private Options(ParseResult line) {
         params = line.hasMatchedOption("--params");
+        tags = line.hasMatchedOption("--tags");
+        strict = line.hasMatchedOption("--strict");
         wide = line.hasMatchedOption("--wide");
         oneClient = line.hasMatchedOption("--one-client");
         check = line.hasMatchedOption("--check");
@@ -61,12 +67,20 @@ final class Options {
         json = line.matchedOptionValue("--json", null);
         events = line.matchedOptionValue("--events", null);
         record = line.matchedOptionValue("--record", null);
+        explain = line.matchedOptionValue("--explain", List.of());
         mFiles = line.matchedPositionalValue(0, List.of());
     }
 
     private static CommandSpec commandSpec() {
         CommandSpec command = CommandSpec.create().name("./run");
         command.addOption(flag("print every parameter handed to the algorithms", "--params"));
+        command.addOption(OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
+                .auxiliaryTypes(String.class).arity("1")
+                .description("say who wrote this parameter and which tags it depends on, found by trying: "
+                        + "a key, \"algorithms\" or \"all\" (docs/explain.md)").build());
+        command.addOption(flag("print what was read of each frame's tags, what was not, and what stands where "
+                + "one is absent", "--tags"));
+        command.addOption(flag("fail when a tag is never read, or of a wrong type", "--strict"));
         command.addOption(flag("print lines of any length, instead of cutting them to 80 columns", "--wide"));
         // The launcher looks for these two itself, before it starts a VM, and for --version.
         command.addOption(flag("run the 32-bit ARM library, in an ARM JVM under an emulator", "--arm"));
@@ -140,6 +154,16 @@ final class Options {
     RequestRecorder recorder() {
         return record == null ? RequestRecorder.ofProperties()
                 : new RequestRecorder(record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
+    }
+
+    /** Whether look-ups of tags are to be recorded: they are many, and cost as much as the request. */
+    boolean needsLookups() {
+        return events != null || needsTrials();
+    }
+
+    /** Whether anything is asked for that the launcher's trials find, and look-ups tell. */
+    boolean needsTrials() {
+        return tags || strict || !explain.isEmpty();
     }
 
     /** The request files, or the one that the launcher names when there are none. */

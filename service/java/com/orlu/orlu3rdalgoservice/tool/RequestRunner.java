@@ -55,8 +55,7 @@ final class RequestRunner {
         mClient = client;
         mEvents = events;
         mOut = options.out;
-        // They are many, and cost as much as the request.
-        mKeepsLookups = options.events != null;
+        mKeepsLookups = options.needsLookups();
     }
 
     /** Runs the request on frames made of its photo, which are none when it has no inputs. */

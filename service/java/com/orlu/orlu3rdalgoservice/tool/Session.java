@@ -4,11 +4,17 @@ import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.explain.ExplanationPrinter;
+import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
+import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
+import com.orlu.orlu3rdalgoservice.tool.explain.TagCheck;
+import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Summary;
@@ -39,6 +45,7 @@ final class Session {
 
     /** Null when nothing is to be recorded. */
     private final RequestRecorder mRecorder;
+    private final SourceLines mSourceLines = new SourceLines();
 
     private ServiceClient mClient;
     /** What was found of the algorithm library when the client was made. */
@@ -49,8 +56,8 @@ final class Session {
         mRecorder = options.recorder();
         String trace = System.getenv(TraceReader.VARIABLE);
         mTraces = new TraceReader(trace == null || trace.isEmpty() ? null : Path.of(trace));
-        // Look-ups are many, and nothing here asks for them.
-        mEvents = new LineFile(WorkFolder.events(), LineFile::isNoLookup);
+        mEvents = new LineFile(
+                WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
 
     /** Returns one of Verdict's statuses, the first that is not OK. */
@@ -83,6 +90,12 @@ final class Session {
             } finally {
                 Progress.end();
             }
+            if (mOptions.needsTrials()) {
+                report.dependences = TrialSession.found(i);
+            }
+            if (mOptions.strict) {
+                report.verdict = new TagCheck(Readings.of(report)).strict(report.verdict);
+            }
             print(report);
             mJson.add(report);
             mVerdicts.add(report.verdict);
@@ -106,6 +119,14 @@ final class Session {
         new Summary(report, mTo, mOptions.wide).print();
         if (mOptions.params) {
             ParameterPrinter.print(report.handover(), mTo, mOptions.wide);
+        }
+        if (mOptions.tags) {
+            new TagPrinter(report, new LinePrinter(mTo, mOptions.wide)).print();
+        }
+        if (!mOptions.explain.isEmpty()) {
+            mSourceLines.learn(report.events);
+            new ExplanationPrinter(report, mSourceLines, new LinePrinter(mTo, mOptions.wide))
+                    .print(mOptions.explain);
         }
         mTo.println(report.verdict.line());
     }

@@ -21,6 +21,11 @@ final class WorkFolder {
         return file("vm_report.log");
     }
 
+    /** What the trials found, which need not be there; null when there is no folder. */
+    static Path trials() {
+        return file("trials.json");
+    }
+
     /** Says to the launcher that the command came to its end: nothing else ended the process. */
     static void markFinished() {
         Path marker = file("finished");

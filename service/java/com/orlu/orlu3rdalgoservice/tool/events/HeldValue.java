@@ -16,12 +16,12 @@ import java.lang.reflect.Array;
 import java.util.HexFormat;
 
 /** Writes a value of a store in the form that a request file has for it. */
-final class HeldValue {
+public final class HeldValue {
     private HeldValue() {
     }
 
     /** Numbers that JSON has no form for (NaN, infinity) and objects of other classes become texts. */
-    static JsonElement json(Object value) {
+    public static JsonElement json(Object value) {
         if (value == null) {
             return JsonNull.INSTANCE;
         }

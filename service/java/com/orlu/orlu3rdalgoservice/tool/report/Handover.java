@@ -11,7 +11,8 @@ import java.util.Map;
 
 /** What a request handed to the algorithm library, whichever that is: the probe saw it pass. */
 public final class Handover {
-    private static final String SECTION_PREFIX = "orlu.algo.";
+    /** How every section begins. */
+    public static final String SECTION_PREFIX = "orlu.algo.";
 
     private final List<Parameter> mParameters = new ArrayList<>();
     private final Call mProcess;
@@ -41,7 +42,7 @@ public final class Handover {
     }
 
     /** Whether a later write replaces the one at this index. */
-    boolean isReplaced(int index) {
+    public boolean isReplaced(int index) {
         Parameter parameter = mParameters.get(index);
         return mParameters.subList(index + 1, mParameters.size()).stream().anyMatch(parameter::hasKeyOf);
     }
@@ -49,15 +50,13 @@ public final class Handover {
     /** "section/key" of each key that was set more than once, with how often. */
     Map<String, Integer> repeatedKeys() {
         Map<String, Integer> counts = new LinkedHashMap<>();
-        mParameters.forEach(parameter -> counts.merge(shortName(parameter), 1, Integer::sum));
+        mParameters.forEach(parameter -> counts.merge(parameter.name(), 1, Integer::sum));
         counts.values().removeIf(count -> count == 1);
         return counts;
     }
 
-    /** The section without the beginning that all have, and the key. */
-    static String shortName(Parameter parameter) {
-        String section = parameter.section();
-        return (section.startsWith(SECTION_PREFIX) ? section.substring(SECTION_PREFIX.length()) : section)
-                + "/" + parameter.key();
+    /** "section/key" without the beginning that all sections have. */
+    public static String shortName(String name) {
+        return name.startsWith(SECTION_PREFIX) ? name.substring(SECTION_PREFIX.length()) : name;
     }
 }

@@ -38,6 +38,9 @@ public final class JsonReport {
         object.add("outputsAfter", outputs(report.outputsAfter));
         object.add("problems", strings(report.problems));
         object.add("verdict", verdict(report.verdict));
+        if (report.dependences != null) {
+            object.add("trials", report.dependences.json());
+        }
         JsonObject times = new JsonObject();
         report.stopwatch.stages().forEach(times::addProperty);
         object.add("milliseconds", times);

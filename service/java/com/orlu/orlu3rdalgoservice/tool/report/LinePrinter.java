@@ -4,7 +4,7 @@ import java.io.PrintStream;
 import java.util.List;
 
 /** Prints labelled lines of at most 80 columns, or of any length when they are to be wide. */
-final class LinePrinter {
+public final class LinePrinter {
     private static final int COLUMNS = 80;
     private static final String INDENT = "  ";
     private static final int LABEL_WIDTH = 12;
@@ -15,28 +15,36 @@ final class LinePrinter {
     private final boolean mWide;
     private boolean mHasCut;
 
-    LinePrinter(PrintStream to, boolean wide) {
+    public LinePrinter(PrintStream to, boolean wide) {
         mTo = to;
         mWide = wide;
     }
 
     /** Whether any line was cut so far. */
-    boolean hasCut() {
+    public boolean hasCut() {
         return mHasCut;
     }
 
+    /** An empty line, after one that says how to see what was cut. */
+    public void printNotes() {
+        if (mHasCut) {
+            mTo.println("  (lines that end in " + CUT + " are cut: --wide shows them whole)");
+        }
+        mTo.println();
+    }
+
     /** One line without a label, cut where it is too long. */
-    void plain(String text) {
+    public void plain(String text) {
         mTo.println(cut(text));
     }
 
     /** One line, cut where it is too long. */
-    void line(String label, String text) {
+    public void line(String label, String text) {
         plain(INDENT + ("%-" + LABEL_WIDTH + "s").formatted(label) + text);
     }
 
     /** Several lines under one label, each cut where it is too long. */
-    void lines(String label, List<String> lines) {
+    public void lines(String label, List<String> lines) {
         String shown = label;
         for (String text : lines) {
             line(shown, text);
@@ -45,7 +53,7 @@ final class LinePrinter {
     }
 
     /** A list, which goes on in the next line where it is too long. */
-    void list(String label, List<String> parts) {
+    public void list(String label, List<String> parts) {
         String shown = label;
         StringBuilder text = new StringBuilder();
         for (int i = 0; i < parts.size(); ++i) {

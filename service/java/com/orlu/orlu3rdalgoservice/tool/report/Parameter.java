@@ -10,7 +10,7 @@ public record Parameter(String section, String key, byte[] bytes) {
 
     /** The section without the beginning that all have, and the key. */
     public String name() {
-        return Handover.shortName(this);
+        return Handover.shortName(fullName());
     }
 
     /** The value for people. */
@@ -21,5 +21,15 @@ public record Parameter(String section, String key, byte[] bytes) {
     /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
     public JsonElement json() {
         return ParameterFormatter.json(ParameterTypes.of(section, key), bytes);
+    }
+
+    /** The whole section, and the key. */
+    public String fullName() {
+        return section + "/" + key;
+    }
+
+    /** What the bytes are, in a word. */
+    public String type() {
+        return ParameterTypes.of(section, key).text();
     }
 }

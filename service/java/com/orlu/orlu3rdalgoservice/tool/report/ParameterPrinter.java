@@ -18,7 +18,7 @@ public final class ParameterPrinter {
         List<Parameter> parameters = handover.parameters();
         List<String> names = new ArrayList<>();
         for (Parameter parameter : parameters) {
-            names.add(wide ? parameter.section() + "/" + parameter.key() : Handover.shortName(parameter));
+            names.add(wide ? parameter.fullName() : parameter.name());
         }
         int longest = names.stream().mapToInt(String::length).max().orElse(1);
         String row = "%s%-" + (wide ? longest : Math.min(longest, KEY_WIDTH)) + "s  %-9s  %s";
@@ -34,9 +34,6 @@ public final class ParameterPrinter {
         if (anyReplaced) {
             lines.plain("  (" + REPLACED.strip() + " a later line sets the same key)");
         }
-        if (lines.hasCut()) {
-            lines.plain("  (lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
-        }
-        to.println();
+        lines.printNotes();
     }
 }

@@ -5,6 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.ArrayList;
 import java.util.List;
@@ -42,6 +43,8 @@ public final class RequestReport {
     /** What is wrong with the outputs, if the algorithms were to write them. */
     public final List<String> outputProblems = new ArrayList<>();
     public Verdict verdict = Verdict.ok();
+    /** Which tags the parameters depend on, when somebody asked; else null. */
+    public Dependences dependences;
 
     public RequestReport(RequestFile request) {
         this.request = request;

@@ -1,0 +1,101 @@
+// An algorithm library for trials: process() calls back before it returns, and what a request handed over
+// until then is one record of bytes that Java takes. One request at a time, on one thread.
+
+#include <jni.h>
+
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu::trial {
+namespace {
+
+using android::hardware::hidl_handle;
+using android::hardware::hidl_vec;
+
+// Its address is every client and block. Nothing is ever kept behind it.
+int gToken = 0;
+
+// The record: section, key and value of each write, each as a 32-bit length in the machine's order and so
+// many bytes. The algorithm list has the section "", and a write for the list and for each name.
+std::vector<uint8_t> gRecord;
+
+void append(const void* bytes, size_t size) {
+  const auto length = static_cast<int32_t>(size);
+  const auto* const lengthBytes = reinterpret_cast<const uint8_t*>(&length);
+  const auto* const first = static_cast<const uint8_t*>(bytes);
+  gRecord.insert(gRecord.end(), lengthBytes, lengthBytes + sizeof length);
+  gRecord.insert(gRecord.end(), first, first + size);
+}
+
+void appendWrite(std::string_view section, std::string_view key, const void* value, size_t size) {
+  append(section.data(), section.size());
+  append(key.data(), key.size());
+  append(value, size);
+}
+
+int setValue(void* /*block*/, const char* section, const char* key, void* data, unsigned size) {
+  appendWrite(section, key, data, size);
+  return 0;
+}
+
+void callBack(const AlgoProcessRecord& record) {
+  constexpr size_t kNameLength = sizeof kShotCallback - 1;
+  CallbackHeader header = {};
+  header.nativeReq = record.nativeReq;
+  header.nameLength = kNameLength;
+  std::vector<uint8_t> message(kCallbackNameOffset + kNameLength);
+  std::memcpy(message.data(), &header, kCallbackNameOffset);
+  std::memcpy(message.data() + kCallbackNameOffset, kShotCallback, kNameLength);
+  (*reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(record.callbackCookie)))(
+      hidl_vec<uint8_t>(message), hidl_vec<uint8_t>(), hidl_vec<hidl_handle>());
+}
+
+int process(const AlgoProcessRecord& record) {
+  appendWrite("", "algorithms", "", 0);
+  for (const std::string& name : record.algoList) appendWrite("", "algorithms", name.data(), name.size());
+  callBack(record);
+  return 0;
+}
+
+void fillMetadataOps(AlgoMetadataOps& ops) {
+  ops.createMetadata = [](int) -> void* { return &gToken; };
+  ops.destroyMetadata = [](void*) {};
+  ops.getSize = [](void*) { return 0U; };
+  ops.setValue = setValue;
+  ops.getValue = [](void*, const char*, const char*, void*, unsigned) { return -1; };
+  ops.setRaw = [](void*, const char*, unsigned) { return 0; };
+  ops.paramAlgoUpdateToSystem = [](void*, const AlgoMetadataVisitor&) { return 0; };
+  ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
+}
+
+}  // namespace
+}  // namespace orlu::trial
+
+#define EXPORTED extern "C" __attribute__((visibility("default")))
+
+EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
+  table->init = [](const orlu::AlgoInitRecord&) { return 0; };
+  table->process = orlu::trial::process;
+  table->uninit = [](const orlu::AlgoUninitRecord&) { return 0; };
+  table->flush = [](const orlu::AlgoFlushRecord&) { return 0; };
+  table->command = [](const orlu::AlgoCommandRecord&) { return 0; };
+  table->createClient = [](const orlu::AlgoCreateClientRecord&) -> void* { return &orlu::trial::gToken; };
+  table->destroyClient = [](void*) { return 0; };
+  orlu::trial::fillMetadataOps(table->metadataOps);
+}
+
+// TrialLibrary.take(): the record since the last call; null when the VM has no memory for it.
+EXPORTED JNIEXPORT jbyteArray JNICALL
+Java_com_orlu_orlu3rdalgoservice_tool_trial_TrialLibrary_take(JNIEnv* env, jclass /*clazz*/) {
+  std::vector<uint8_t>& record = orlu::trial::gRecord;
+  const auto size = static_cast<jsize>(record.size());
+  jbyteArray bytes = env->NewByteArray(size);
+  if (bytes != nullptr) {
+    env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte*>(record.data()));
+  }
+  record.clear();
+  return bytes;
+}

@@ -1,0 +1,88 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.system.ErrnoException;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonElement;
+import com.google.gson.JsonParser;
+
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+import com.orlu.orlu3rdalgoservice.tool.trial.Trials;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+
+/**
+ * The trials of one command line. They have a process of their own, before the command's, because the native
+ * library opens the algorithm library once, and here that is the one that answers at once. What they find is
+ * left in the work folder.
+ */
+final class TrialSession {
+    private TrialSession() {
+    }
+
+    /** Runs the trials of all requests. What can't be read is left to the command to complain about. */
+    static int run(String[] arguments, String library) throws IOException {
+        JsonArray all = new JsonArray();
+        try {
+            Options options = Options.parse(arguments);
+            if (options == null || options.check) {
+                return Verdict.OK;
+            }
+            for (Path file : options.requests()) {
+                Progress.show("trying what each tag of " + file + " changes");
+                all.add(trials(RequestFileReader.read(file, options.photo), library).json());
+            }
+            Progress.end();
+        } catch (IllegalArgumentException | RequestFileException e) {
+            return Verdict.REFUSED;
+        } catch (ErrnoException | OutOfMemoryError e) {
+            all.add(Dependences.unknown("the trials ended: " + e.getMessage()).json());
+        }
+        Files.writeString(WorkFolder.trials(), all.toString());
+        return Verdict.OK;
+    }
+
+    /** What the process before found for a request of this command line. */
+    static Dependences found(int request) throws IOException {
+        Path file = WorkFolder.trials();
+        if (file == null || !Files.exists(file)) {
+            return Dependences.unknown("the trials' process ended before it was done");
+        }
+        List<JsonElement> all = JsonParser.parseString(Files.readString(file)).getAsJsonArray().asList();
+        return Dependences.of(all.get(Math.min(request, all.size() - 1)).getAsJsonObject());
+    }
+
+    private static Dependences trials(RequestFile request, String library)
+            throws RequestFileException, ErrnoException {
+        int width = request.frames().width();
+        int height = request.frames().height();
+        boolean isSized = request.inputs().isEmpty() || width > 0;
+        Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
+        if (photo != null) {
+            Picture frame = new FrameSynthesis(bareFrame(request.frames()), false)
+                    .frames(request.file(), photo).get(0).shot();
+            width = frame.width();
+            height = frame.height();
+        }
+        return Trials.of(request, width, height, library);
+    }
+
+    // One frame of the size that all have, with nothing done to its pixels.
+    private static FrameSetPlan bareFrame(FrameSetPlan set) {
+        FramePlan first = set.frames().get(0);
+        FramePlan bare = new FramePlan(first.captureResult(), first.composition(), 0, 0, 1, new int[2]);
+        return new FrameSetPlan(List.of(bare), set.margin(), set.seed(), set.width(), set.height());
+    }
+}

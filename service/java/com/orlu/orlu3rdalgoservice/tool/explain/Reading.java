@@ -1,0 +1,45 @@
+package com.orlu.orlu3rdalgoservice.tool.explain;
+
+/**
+ * What became of one tag of one frame.
+ *
+ * @param frame   from 0
+ * @param tag     its name
+ * @param source  "composition" or "captureResult"
+ * @param outcome what came of asking for it
+ * @param asked   the class that it was asked for as, "" when that is not known
+ * @param held    the class that it is held as, "" when it is absent
+ * @param value   as a request file has it, "" when it is absent
+ */
+public record Reading(
+        int frame, String tag, String source, Outcome outcome, String asked, String held, String value) {
+    /** What came of asking. */
+    public enum Outcome {
+        FOUND,
+        ABSENT,
+        WRONG_TYPE,
+        /** No table knows the tag. */
+        UNKNOWN,
+        /** Nobody asked. */
+        NEVER_READ
+    }
+
+    public boolean isInComposition() {
+        return source.equals("composition");
+    }
+
+    boolean is(Outcome other) {
+        return outcome == other;
+    }
+
+    /** What it is, in words after the frame. */
+    public String text() {
+        String place = isInComposition() ? "composition     " : "capture result  ";
+        return switch (outcome) {
+            case FOUND, NEVER_READ -> place + value;
+            case ABSENT -> "absent, so the default stands";
+            case WRONG_TYPE -> place + held + " " + value + " instead of " + asked;
+            case UNKNOWN -> "known to no table, so the default stands";
+        };
+    }
+}

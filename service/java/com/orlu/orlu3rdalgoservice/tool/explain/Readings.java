@@ -1,0 +1,121 @@
+package com.orlu.orlu3rdalgoservice.tool.explain;
+
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
+import com.orlu.orlu3rdalgoservice.tool.events.HeldValue;
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
+import java.util.Collection;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/** What became of every tag of a request: of each that was asked for, and of each that the request has. */
+public final class Readings {
+    private record Key(int frame, String tag, boolean inComposition) {
+    }
+
+    private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
+    private final Dependences mDependences;
+
+    /** The dependences say as what a composition's values are asked for; they may be unknown. */
+    Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
+        mDependences = dependences;
+        events.events("lookup").forEach(this::add);
+        for (int i = 0; i < frames.size(); ++i) {
+            FramePlan frame = frames.get(i);
+            for (String tag : frame.composition().keySet()) {
+                addNeverRead(i, tag, true, frame.composition().get(tag));
+            }
+            for (String tag : frame.captureResult().tags()) {
+                addNeverRead(i, tag, false, frame.captureResult().get(tag));
+            }
+        }
+    }
+
+    /** Of a request whose look-ups were recorded. */
+    public static Readings of(RequestReport report) {
+        Dependences dependences = report.dependences;
+        return new Readings(report.events, report.request.frames().frames(),
+                dependences != null ? dependences : Dependences.unknown("nobody asked"));
+    }
+
+    /** All, in the order in which they were first asked for; what never was is last. */
+    public Collection<Reading> all() {
+        return mReadings.values();
+    }
+
+    /** A tag's reading in the store that trials changed; null when there is none. */
+    Reading of(Dependence tag) {
+        return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
+    }
+
+    /** What lies in the capture result under a value of the composition; null when nothing does. */
+    Reading under(Reading reading) {
+        Reading under = reading.isInComposition()
+                ? mReadings.get(new Key(reading.frame(), reading.tag(), false)) : null;
+        return under == null || under.value().isEmpty() ? null : under;
+    }
+
+    /** The value of the composition that hides this one of the capture result; null when none does. */
+    Reading over(Reading reading) {
+        Reading over = reading.isInComposition() ? null
+                : mReadings.get(new Key(reading.frame(), reading.tag(), true));
+        return over == null || over.is(Outcome.NEVER_READ) ? null : over;
+    }
+
+    private void add(Event lookup) {
+        int frame = (int) lookup.number("frame");
+        String tag = lookup.text("tag");
+        boolean inComposition = lookup.text("source").equals("composition");
+        Outcome outcome = switch (lookup.text("outcome")) {
+            case "found" -> Outcome.FOUND;
+            case "wrongType" -> Outcome.WRONG_TYPE;
+            case "thrown" -> Outcome.UNKNOWN;
+            default -> Outcome.ABSENT;
+        };
+        Key inResult = new Key(frame, tag, false);
+        if (inComposition && outcome == Outcome.ABSENT && mReadings.containsKey(inResult)) {
+            return;
+        }
+        if (!inComposition) {
+            // The composition was asked before, and had none.
+            mReadings.computeIfPresent(
+                    new Key(frame, tag, true), (key, reading) -> reading.is(Outcome.ABSENT) ? null : reading);
+        }
+        String asked = inComposition ? askedClass(frame, tag) : lookup.text("asked");
+        String held = lookup.text("held");
+        if (inComposition && outcome == Outcome.FOUND && !fits(held, asked)) {
+            outcome = Outcome.WRONG_TYPE;
+        }
+        String value = lookup.has("value") ? lookup.fields().get("value").toString() : "";
+        put(new Reading(frame, tag, lookup.text("source"), outcome, asked, held, value));
+    }
+
+    // A tag asked for again is what it was, unless another type was asked for this time.
+    private void put(Reading reading) {
+        mReadings.merge(new Key(reading.frame(), reading.tag(), reading.isInComposition()), reading,
+                (first, again) -> again.is(Outcome.WRONG_TYPE) ? again : first);
+    }
+
+    private void addNeverRead(int frame, String tag, boolean inComposition, Object value) {
+        mReadings.putIfAbsent(new Key(frame, tag, inComposition), new Reading(frame, tag,
+                inComposition ? "composition" : "captureResult", Outcome.NEVER_READ, "",
+                value.getClass().getSimpleName(), HeldValue.json(value).toString()));
+    }
+
+    private String askedClass(int frame, String tag) {
+        return mDependences.of(frame, tag).stream().map(Dependence::asked).findFirst().orElse("");
+    }
+
+    // A composition's array may be one of numbers where a capture result's is one of their objects.
+    private static boolean fits(String held, String asked) {
+        String boxed = held.equals("int[]") ? "Integer[]"
+                : held.substring(0, 1).toUpperCase() + held.substring(1);
+        return asked.isEmpty() || asked.equals(held) || asked.equals(boxed);
+    }
+}

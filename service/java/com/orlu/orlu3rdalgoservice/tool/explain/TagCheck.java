@@ -1,0 +1,49 @@
+package com.orlu.orlu3rdalgoservice.tool.explain;
+
+import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Set;
+import java.util.TreeSet;
+import java.util.function.Predicate;
+
+/** Finds tags that are of no use to a request as they are: misspelt, misplaced, or of a wrong type. */
+public final class TagCheck {
+    private final Readings mReadings;
+    private final Set<String> mRead = new HashSet<>();
+
+    public TagCheck(Readings readings) {
+        mReadings = readings;
+        for (Reading reading : readings.all()) {
+            if (!reading.is(Outcome.NEVER_READ)) {
+                mRead.add(reading.tag());
+            }
+        }
+    }
+
+    /** Whether the request has the tag and nobody asked for it, of no frame. */
+    boolean isNeverRead(Reading reading) {
+        return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
+    }
+
+    /** The verdict with what --strict finds after its reasons. */
+    public Verdict strict(Verdict verdict) {
+        List<String> reasons = new ArrayList<>(verdict.reasons());
+        addReason(reasons, "never read", this::isNeverRead);
+        addReason(reasons, "of a wrong type", reading -> reading.is(Outcome.WRONG_TYPE));
+        boolean isFailed = verdict.status() != Verdict.OK || reasons.isEmpty();
+        return isFailed ? new Verdict(verdict.status(), reasons) : new Verdict(Verdict.FAILED, reasons);
+    }
+
+    private void addReason(List<String> reasons, String problem, Predicate<Reading> has) {
+        Set<String> tags = new TreeSet<>();
+        mReadings.all().stream().filter(has).forEach(reading -> tags.add(reading.tag()));
+        if (!tags.isEmpty()) {
+            reasons.add((tags.size() == 1 ? "1 tag " : tags.size() + " tags ") + problem + ": "
+                    + String.join(", ", tags));
+        }
+    }
+}

@@ -1,0 +1,51 @@
+package com.orlu.orlu3rdalgoservice.tool.explain;
+
+import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.TreeMap;
+
+/** Rows on tags, in which frames of which the same is said share one. */
+final class TagRows {
+    // By tag, then by what is said: the frames.
+    private final Map<String, Map<String, List<Integer>>> mRows = new TreeMap<>();
+
+    void add(String tag, int frame, String text) {
+        mRows.computeIfAbsent(tag, key -> new LinkedHashMap<>())
+                .computeIfAbsent(text, key -> new ArrayList<>()).add(frame);
+    }
+
+    boolean isEmpty() {
+        return mRows.isEmpty();
+    }
+
+    /** How many tags there are. */
+    int size() {
+        return mRows.size();
+    }
+
+    /** Each tag in a line, and below it what is said of its frames. */
+    void print(LinePrinter to, String indent) {
+        mRows.forEach((tag, texts) -> {
+            to.plain(indent + tag);
+            texts.forEach((text, frames) -> to.plain(indent + "  %-11s  %s".formatted(frames(frames), text)));
+        });
+    }
+
+    // "frames 0-3,5"
+    private static String frames(List<Integer> frames) {
+        StringBuilder text = new StringBuilder();
+        for (int i = 0; i < frames.size(); ++i) {
+            int first = i;
+            while (i + 1 < frames.size() && frames.get(i + 1) == frames.get(i) + 1) {
+                ++i;
+            }
+            text.append(text.isEmpty() ? "" : ",").append(frames.get(first));
+            text.append(i > first ? "-" + frames.get(i) : "");
+        }
+        return (frames.size() == 1 ? "frame " : "frames ") + text;
+    }
+}

@@ -1,0 +1,54 @@
+package com.orlu.orlu3rdalgoservice.tool.trial;
+
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+import java.nio.charset.StandardCharsets;
+import java.util.ArrayList;
+import java.util.List;
+
+/** The algorithm library of trials, which the native library has opened before any of this is called. */
+final class TrialLibrary {
+    /** What the algorithm list is called among the parameters. */
+    static final String ALGORITHMS = "algorithms";
+
+    private TrialLibrary() {
+    }
+
+    /** One value that was handed over, under its section and key with a slash between. */
+    record Write(String name, byte[] value) {
+    }
+
+    // The bytes that host/trial/trial_algo.cpp describes.
+    private static native byte[] take();
+
+    /** The file is the one that the native library finds under the algorithm library's name. */
+    static void load(String file) {
+        System.load(file);
+    }
+
+    /** What was handed over since the last call, in order. */
+    static byte[] takeRecord() {
+        byte[] record = take();
+        if (record == null) {
+            throw new OutOfMemoryError("no memory for a trial's record");
+        }
+        return record;
+    }
+
+    static List<Write> parse(byte[] record) {
+        ByteBuffer bytes = ByteBuffer.wrap(record).order(ByteOrder.nativeOrder());
+        List<Write> writes = new ArrayList<>();
+        while (bytes.hasRemaining()) {
+            String section = new String(next(bytes), StandardCharsets.UTF_8);
+            String key = new String(next(bytes), StandardCharsets.UTF_8);
+            writes.add(new Write(section.isEmpty() ? key : section + "/" + key, next(bytes)));
+        }
+        return writes;
+    }
+
+    private static byte[] next(ByteBuffer bytes) {
+        byte[] part = new byte[bytes.getInt()];
+        bytes.get(part);
+        return part;
+    }
+}

@@ -1,0 +1,174 @@
+package com.orlu.orlu3rdalgoservice.tool.trial;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+import android.os.SystemProperties;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
+import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * A request that is translated again and again, on one client and over the same images, whose pixels nobody
+ * looks at. What a trial changes in its frames is put back.
+ */
+final class TrialRequest implements AutoCloseable {
+    private static final String NATIVE_REQUEST = "nativeRequestAddr";
+
+    /** One frame's metadata. */
+    record Frame(CameraMetadataNative captureResult, Map<String, Object> composition) {
+    }
+
+    /** A value, null for none, in the composition or the capture result of a frame. */
+    record Change(int frame, boolean inComposition, String tag, Object value) {
+    }
+
+    /** Where a frame was asked for a tag, and as which class its capture result was, null when it was not. */
+    record Asked(boolean composition, Class<?> captureResult) {
+    }
+
+    /** What one frame was asked for. */
+    private final List<Map<String, Asked>> mAsked = new ArrayList<>();
+
+    private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
+    private final CaptureResultComposition mParam = new CaptureResultComposition();
+    private final long mClient;
+    private final VRequest mRequest;
+    private final List<Frame> mFrames = new ArrayList<>();
+    private final List<ImageBuffer> mImages = new ArrayList<>();
+    private final List<VImageIPC> mInputs = new ArrayList<>();
+    private final List<VImageIPC> mOutputs = new ArrayList<>();
+    private final CallbackListener mListener = (client, context, request, values) -> heard(values);
+
+    private Object mDone;
+
+    /** The images' sizes are those of the frames where the file gives none. */
+    TrialRequest(RequestFile file, int width, int height) throws ErrnoException {
+        file.properties().forEach(SystemProperties::set);
+        for (FramePlan frame : file.frames().frames()) {
+            mFrames.add(new Frame(frame.captureResult(), frame.composition()));
+            mAsked.add(new LinkedHashMap<>());
+        }
+        mRequest = new VRequest(file.id(), file.type());
+        for (var plan : file.inputs()) {
+            mInputs.add(image(ImageBuffer.empty(plan.sized(width, height))));
+        }
+        for (var plan : file.outputs()) {
+            mOutputs.add(image(ImageBuffer.empty(plan.sized(width, height))));
+        }
+        mParam.putMetadata("clientId", file.clientId());
+        mParam.putMetadata("algoContextIndex", file.algoContextIndex());
+        mClient = mService.createNativeClient(mParam);
+        mService.algoInit(mClient, mParam);
+        RequestProcessor.addListener(mListener);
+    }
+
+    private VImageIPC image(ImageBuffer image) {
+        mImages.add(image);
+        return image.descriptor();
+    }
+
+    List<Frame> frames() {
+        return mFrames;
+    }
+
+    /** What the frame was asked for by all runs since the last call. */
+    Map<String, Asked> takeAsked(int frame) {
+        Map<String, Asked> asked = mAsked.get(frame);
+        mAsked.set(frame, new LinkedHashMap<>());
+        return asked;
+    }
+
+    /**
+     * Translates the request with some values changed, and returns the record of what was handed over. A
+     * value that the capture result can't hold is an IllegalArgumentException, and nothing runs.
+     */
+    byte[] run(List<Change> changes) {
+        List<Object> before = new ArrayList<>();
+        try {
+            for (Change change : changes) {
+                Object held = held(change);
+                set(change, change.value());
+                before.add(held);
+            }
+            return run();
+        } finally {
+            for (int i = 0; i < before.size(); ++i) {
+                set(changes.get(i), before.get(i));
+            }
+        }
+    }
+
+    private Object held(Change change) {
+        Frame frame = mFrames.get(change.frame());
+        return change.inComposition() ? frame.composition().get(change.tag())
+                : frame.captureResult().get(change.tag());
+    }
+
+    private void set(Change change, Object value) {
+        Frame frame = mFrames.get(change.frame());
+        if (!change.inComposition()) {
+            frame.captureResult().set(change.tag(), value);
+        } else if (value == null) {
+            frame.composition().remove(change.tag());
+        } else {
+            frame.composition().put(change.tag(), value);
+        }
+    }
+
+    private byte[] run() {
+        List<CaptureResultComposition> compositions = new ArrayList<>();
+        for (int i = 0; i < mFrames.size(); ++i) {
+            compositions.add(composition(mFrames.get(i), mAsked.get(i)));
+        }
+        mDone = null;
+        mService.processImage(mClient, mRequest, mInputs, mOutputs, compositions);
+        byte[] record = TrialLibrary.takeRecord();
+        if (mDone != null) {
+            // A full-async request is only over with its results.
+            compositions.get(0).putMetadata(NATIVE_REQUEST, mDone);
+            mService.processImageUpdateResult(mClient, mRequest, mInputs, mOutputs, compositions);
+            TrialLibrary.takeRecord();
+        }
+        return record;
+    }
+
+    private static CaptureResultComposition composition(Frame frame, Map<String, Asked> asked) {
+        TrialComposition composition = new TrialComposition(frame.captureResult(),
+                key -> asked.merge(key, new Asked(true, null), TrialRequest::both));
+        frame.captureResult().setLookupListener((tag, type, held, thrown) ->
+                asked.merge(tag, new Asked(false, type), TrialRequest::both));
+        frame.composition().forEach(composition::putMetadata);
+        return composition;
+    }
+
+    private static Asked both(Asked one, Asked other) {
+        return new Asked(one.composition() || other.composition(),
+                one.captureResult() != null ? one.captureResult() : other.captureResult());
+    }
+
+    private void heard(Map<String, Object> values) {
+        if (values.containsKey(NATIVE_REQUEST)) {
+            mDone = values.get(NATIVE_REQUEST);
+        }
+    }
+
+    @Override
+    public void close() {
+        RequestProcessor.removeListener(mListener);
+        mService.algoRelease(mClient, mParam);
+        mService.destroyNativeClient(mClient);
+        mImages.forEach(ImageBuffer::close);
+    }
+}

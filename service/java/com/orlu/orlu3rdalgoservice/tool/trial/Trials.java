@@ -1,0 +1,204 @@
+package com.orlu.orlu3rdalgoservice.tool.trial;
+
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Asked;
+import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Change;
+import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Frame;
+
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+import java.util.TreeMap;
+
+/**
+ * Translates a request with one tag changed at a time, and notes which parameters change. Each frame's tag is
+ * given a few values of its own. Then the tag is given many in all frames at once, and one that changes more
+ * than was known is tried on each frame alone: so a tag of ten frames costs little more than one of one.
+ */
+public final class Trials {
+    /** How many values of each frame's tag are always tried on that frame alone. */
+    private static final int ALONE = 5;
+    private static final int BASELINES = 3;
+    private static final double NANOSECONDS = 1e9;
+
+    private final TrialRequest mRequest;
+    private final Recording mBaseline;
+    private final Set<String> mUnsteady = new HashSet<>();
+
+    private int mRuns;
+
+    // A tag of a frame, in one of its stores, with the values to try.
+    private static final class Subject {
+        final int frame;
+        final boolean inComposition;
+        final String tag;
+        final List<Object> values;
+        final Set<String> parameters = new HashSet<>();
+        final Set<String> together = new HashSet<>();
+        String asked;
+
+        Subject(int frame, boolean inComposition, String tag, Class<?> asked, List<Object> values) {
+            this.frame = frame;
+            this.inComposition = inComposition;
+            this.tag = tag;
+            this.asked = asked == null ? "" : asked.getSimpleName();
+            this.values = values;
+        }
+
+        Dependence dependence() {
+            return new Dependence(
+                    frame, inComposition ? "composition" : "captureResult", tag, asked, parameters, together);
+        }
+    }
+
+    private Trials(TrialRequest request) {
+        mRequest = request;
+        mBaseline = new Recording(run(List.of()));
+    }
+
+    /**
+     * Runs the trials of a request, whose images have the width and height where the file gives none. Frames
+     * and compositions are afterwards as they were. It loads the algorithm library of trials, whose file must
+     * be what the native library finds under the algorithm library's name.
+     */
+    public static Dependences of(RequestFile file, int width, int height, String library)
+            throws ErrnoException {
+        TrialLibrary.load(library);
+        try (TrialRequest request = new TrialRequest(file, width, height)) {
+            return of(request);
+        }
+    }
+
+    private static Dependences of(TrialRequest request) {
+        long start = System.nanoTime();
+        Trials trials = new Trials(request);
+        List<Subject> subjects = trials.subjects();
+        trials.findUnsteady();
+        Map<String, List<Subject>> byTag = new TreeMap<>();
+        subjects.forEach(
+                subject -> byTag.computeIfAbsent(subject.tag, tag -> new ArrayList<>()).add(subject));
+        byTag.values().forEach(trials::tryTag);
+        List<Dependence> all =
+                byTag.values().stream().flatMap(List::stream).map(Subject::dependence).toList();
+        String problem = trials.differences(List.of()).isEmpty() ? ""
+                : "a trial left something behind: the unchanged request is no longer translated as before";
+        double seconds = (System.nanoTime() - start) / NANOSECONDS;
+        return new Dependences(all, trials.mUnsteady, trials.mRuns, seconds, problem);
+    }
+
+    private byte[] run(List<Change> changes) {
+        ++mRuns;
+        return mRequest.run(changes);
+    }
+
+    // A clock's value needs time to change.
+    private void findUnsteady() {
+        for (int i = 0; i < BASELINES; ++i) {
+            try {
+                Thread.sleep(2);
+            } catch (InterruptedException e) {
+                Thread.currentThread().interrupt();
+            }
+            mUnsteady.addAll(mBaseline.differences(run(List.of())));
+        }
+    }
+
+    private Set<String> differences(List<Change> changes) {
+        byte[] record;
+        try {
+            record = run(changes);
+        } catch (IllegalArgumentException e) {
+            // No value for that tag.
+            return Set.of();
+        }
+        Set<String> names = mBaseline.differences(record);
+        if (!names.isEmpty() && !mUnsteady.isEmpty()) {
+            names = new HashSet<>(names);
+            names.removeAll(mUnsteady);
+        }
+        return names;
+    }
+
+    // What the first translation asked for.
+    private List<Subject> subjects() {
+        List<Map<String, Asked>> asked = new ArrayList<>();
+        for (int i = 0; i < mRequest.frames().size(); ++i) {
+            asked.add(mRequest.takeAsked(i));
+        }
+        List<Subject> subjects = new ArrayList<>();
+        for (int i = 0; i < asked.size(); ++i) {
+            for (Map.Entry<String, Asked> entry : asked.get(i).entrySet()) {
+                addSubjects(subjects, i, entry.getKey(), entry.getValue());
+            }
+        }
+        return subjects;
+    }
+
+    private void addSubjects(List<Subject> subjects, int frame, String tag, Asked asked) {
+        Frame stores = mRequest.frames().get(frame);
+        Object over = asked.composition() ? stores.composition().get(tag) : null;
+        if (over != null) {
+            subjects.add(new Subject(frame, true, tag, asked.captureResult(), OtherValues.insteadOf(over)));
+        }
+        TagType type = TagTable.typeOf(tag);
+        boolean isAskedThere = asked.captureResult() != null && type != null;
+        Object held = isAskedThere ? stores.captureResult().get(tag) : null;
+        if (held != null) {
+            subjects.add(new Subject(frame, false, tag, asked.captureResult(), OtherValues.insteadOf(held)));
+        } else if (over == null) {
+            // Absent. A tag that no table knows can be in a composition only.
+            subjects.add(new Subject(frame, !isAskedThere, tag, asked.captureResult(),
+                    OtherValues.of(type != null ? type : TagType.INT)));
+        }
+    }
+
+    private void tryTag(List<Subject> subjects) {
+        for (Subject subject : subjects) {
+            for (int i = 0; i < Math.min(ALONE, subject.values.size()); ++i) {
+                subject.parameters.addAll(differences(List.of(change(subject, i))));
+            }
+            learnAskedClass(subject);
+        }
+        Set<String> known = new HashSet<>();
+        subjects.forEach(subject -> known.addAll(subject.parameters));
+        int most = subjects.stream().mapToInt(subject -> subject.values.size()).max().orElse(0);
+        for (int i = subjects.size() == 1 ? ALONE : 0; i < most; ++i) {
+            tryTogether(subjects, i, known);
+        }
+    }
+
+    private static Change change(Subject subject, int index) {
+        return new Change(subject.frame, subject.inComposition, subject.tag, subject.values.get(index));
+    }
+
+    // Without the composition's value the capture result is asked, and for a class.
+    private void learnAskedClass(Subject subject) {
+        Asked asked = mRequest.takeAsked(subject.frame).get(subject.tag);
+        if (subject.asked.isEmpty() && asked != null && asked.captureResult() != null) {
+            subject.asked = asked.captureResult().getSimpleName();
+        }
+    }
+
+    private void tryTogether(List<Subject> subjects, int index, Set<String> known) {
+        List<Subject> having = subjects.stream().filter(subject -> index < subject.values.size()).toList();
+        Set<String> found = differences(having.stream().map(subject -> change(subject, index)).toList());
+        if (known.containsAll(found)) {
+            return;
+        }
+        Set<String> unclaimed = new HashSet<>(found);
+        for (Subject subject : having) {
+            Set<String> alone = having.size() == 1 ? found : differences(List.of(change(subject, index)));
+            subject.parameters.addAll(alone);
+            unclaimed.removeAll(alone);
+        }
+        unclaimed.removeAll(known);
+        having.forEach(subject -> subject.together.addAll(unclaimed));
+        known.addAll(found);
+    }
+}
