@@ -99,8 +99,11 @@ final class OtherValues {
         return type == byte.class || type == Byte.class ? (Object) (byte) number : (Object) number;
     }
 
+    // The same number can come of several rules; arrays are never the same.
     private void add(Object value) {
-        mValues.add(value);
+        if (!mValues.contains(value)) {
+            mValues.add(value);
+        }
     }
 
     private void addOthers(Object value) {

@@ -143,10 +143,15 @@ public final class Trials {
     private void addSubjects(List<Subject> subjects, int frame, String tag, Asked asked) {
         Frame stores = mRequest.frames().get(frame);
         Object over = asked.composition() ? stores.composition().get(tag) : null;
-        if (over != null) {
-            subjects.add(new Subject(frame, true, tag, asked.captureResult(), OtherValues.insteadOf(over)));
-        }
         TagType type = TagTable.typeOf(tag);
+        if (over != null) {
+            List<Object> values = OtherValues.insteadOf(over);
+            if (type != null && !type.stored().isInstance(over)) {
+                // One of a wrong type is as good as none.
+                values.addAll(OtherValues.of(type));
+            }
+            subjects.add(new Subject(frame, true, tag, asked.captureResult(), values));
+        }
         boolean isAskedThere = asked.captureResult() != null && type != null;
         Object held = isAskedThere ? stores.captureResult().get(tag) : null;
         if (held != null) {

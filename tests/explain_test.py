@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+"""Changes tags of each sample, one at a time, and checks that what changes is what ./run --explain says:
+explain_test.py BUILD_FOLDER. Then checks what is printed of known cases."""
+
+import concurrent.futures
+import json
+import os
+import pathlib
+import random
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = pathlib.Path(sys.argv[1]).resolve()
+CHANGES_PER_SAMPLE = 12
+SIDE = 64  # Small frames: nobody looks at the pixels.
+
+# sample | parameter | all tags that it depends on, with the frames: found by hand, in the library's source
+KNOWN = """
+hdr7      | parameter/hdr_process_type    | orlu.control.currentModeEx 0-6
+night     | control/film_size             | orlu.control.filmSize 0
+portrait  | sensor/camera_type            | com.orlu.MultiCameraBokehSelectSessionId 0, com.orlu.chi.override.CameraType 0
+"""
+
+
+def run(folder, *arguments):
+    environment = dict(os.environ, ORLU_BUILD=str(BUILD),
+                       ORLU_ALGO_LIBRARY=str(BUILD / "trial/liborlu.vac.interface.so"))
+    return subprocess.run([ROOT / "run", "--out", folder / "out", *arguments], env=environment, cwd=folder,
+                          text=True, capture_output=True, check=False)
+
+
+def small(sample):
+    """The request with small frames, each of which has all its tags for itself."""
+    request = json.loads(sample.read_text())
+    if "photo" in request:
+        request["photo"] = str(sample.parent / request["photo"])
+    frames = request.get("frames", [])
+    frames = frames if isinstance(frames, dict) else {"each": frames}
+    each = frames.get("each", [])
+    common = frames.pop("common", {})
+    frames["each"] = []
+    for index in range(frames.get("count", max(1, len(each)))):
+        own = each[index] if index < len(each) else {}
+        stores = {store: {**common.get(store, {}), **own.get(store, {})}
+                  for store in ("captureResult", "composition")}
+        frames["each"].append({**own, **stores})
+    request["frames"] = {**frames, "width": SIDE, "height": SIDE}
+    return request
+
+
+def other(value, chance):
+    """Another value of the same type; None where there is none but to take it away."""
+    if isinstance(value, bool) or value is None:
+        return None
+    if isinstance(value, (int, float)):
+        return value + chance.choice([1, -1, 2, 5])
+    if isinstance(value, str):
+        return value + "1"
+    if isinstance(value, list) and value:
+        index = chance.randrange(len(value))
+        changed = other(value[index], chance)
+        return value[:index] + ([] if changed is None else [changed]) + value[index + 1:]
+    if isinstance(value, dict):
+        numbers = [key for key, number in value.items() if isinstance(number, int) and key != "step"]
+        if numbers:
+            key = chance.choice(numbers)
+            return {**value, key: value[key] + 1}
+    return None
+
+
+def changes(request, chance):
+    """Requests with one tag changed each, after the frame and the name of the tag."""
+    places = [(index, store, tag) for index, frame in enumerate(request["frames"]["each"])
+              for store in ("captureResult", "composition") for tag in frame[store]]
+    for index, store, tag in chance.sample(places, min(CHANGES_PER_SAMPLE, len(places))):
+        changed = json.loads(json.dumps(request))
+        tags = changed["frames"]["each"][index][store]
+        value = other(tags[tag], chance) if chance.random() < 0.6 else None
+        if value is None:
+            del tags[tag]
+        else:
+            tags[tag] = value
+        yield index, tag, changed
+
+
+def handed_over(report):
+    """Every value of each parameter, in order, and the algorithm list."""
+    values = {}
+    for parameter in report["parameters"]:
+        values.setdefault(f"{parameter['section']}/{parameter['key']}", []).append(parameter["hex"])
+    if "algorithmsAfter" in report:
+        values["algorithms"] = report["algorithmsAfter"]
+    return values
+
+
+def short(name):
+    return name.removeprefix("orlu.algo.")
+
+
+def check_sample(sample, folder):
+    """What is wrong, a line each, and how often a change changed something."""
+    folder.mkdir()
+    request = small(sample)
+    requests = [(None, None, request), *changes(request, random.Random(sample.stem))]
+    files = []
+    for number, (_, _, changed) in enumerate(requests):
+        files.append(f"{number}.json")
+        (folder / files[-1]).write_text(json.dumps(changed))
+    explained = run(folder, "--explain", "all", "--json", "explained", files[0])
+    plain = run(folder, "--json", "plain", *files)
+    if not (folder / "explained").exists() or not (folder / "plain").exists():
+        return [f"{sample.stem}: {explained.stderr}{plain.stderr}{plain.stdout[-200:]}"], 0
+    trials = json.loads((folder / "explained").read_text())[0]["trials"]
+    reports = [handed_over(report) for report in json.loads((folder / "plain").read_text())]
+    problems = [f"{sample.stem}: {trials['problem']}"] if trials["problem"] else []
+    named = {}
+    for tag in trials["tags"]:
+        named.setdefault((tag["frame"], tag["tag"]), set()).update(tag["parameters"])
+    effects = 0
+    for (frame, tag, _), report in zip(requests[1:], reports[1:]):
+        changed = {name for name in report.keys() | reports[0].keys()
+                   if report.get(name) != reports[0].get(name)} - set(trials["unsteady"])
+        effects += bool(changed)
+        for name in sorted(changed - named.get((frame, tag), set())):
+            problems.append(f"{sample.stem}: {tag} of frame {frame} changes {short(name)}, which is not explained")
+    return problems + known_problems(sample, trials), effects
+
+
+def known_problems(sample, trials):
+    problems = []
+    for row in KNOWN.strip().splitlines():
+        name, parameter, tags = (column.strip() for column in row.split("|"))
+        if name != sample.stem:
+            continue
+        wanted = set()
+        for tag, frames in (text.split() for text in tags.split(",")):
+            first, _, last = frames.partition("-")
+            wanted |= {(int(frame), tag) for frame in range(int(first), int(last or first) + 1)}
+        found = {(tag["frame"], tag["tag"]) for tag in trials["tags"]
+                 if any(short(name) == parameter for name in tag["parameters"]) and len(tag["parameters"]) < 60}
+        if found != wanted:
+            problems.append(f"{name}: {parameter} depends on {sorted(found)} instead of {sorted(wanted)}")
+    return problems
+
+
+def check_printed(folder):
+    """A request with a tag of each fate: lines that must be printed, whole."""
+    folder.mkdir()
+    request = small(ROOT / "samples/capture.json")
+    frame = request["frames"]["each"][0]
+    frame["composition"].update({"orlu.control.filmSize": {"string": "5"}, "orlu.control.camera_id": 3,
+                                 "orlu.control.misspelt": 1})
+    (folder / "fates.json").write_text(json.dumps(request))
+    result = run(folder, "--tags", "--strict", "--explain", "film_size", "fates.json")
+    wanted = """
+tags put over by the composition: 1
+    frame 0      3 over the capture result's 0
+tags of a wrong type, so that the default stands: 1
+    frame 0      composition     String "5" instead of Integer: the algori [...]
+tags never read: 2
+  orlu.control.misspelt
+    frame 0      composition     1
+explain  control/film_size
+  counts      0 (int)
+                frame 0      composition     String "5" instead of Integer
+"""
+    lines = result.stdout.splitlines()
+    problems = [f"not printed: {line}" for line in wanted.strip("\n").splitlines() if line not in lines]
+    reasons = "2 tags never read: orlu.control.currentModeEx, orlu.control.misspelt; 1 tag of a wrong type: orlu.control.filmSize"
+    if result.returncode != 1 or reasons not in lines[-1]:
+        problems.append(f"status {result.returncode}, {lines[-1]}")
+    problems += [f"{len(line)} columns: {line}" for line in lines[:-1] if len(line) > 80]
+    return problems
+
+
+def main():
+    samples = sorted((ROOT / "samples").glob("*.json"))
+    with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        folder = pathlib.Path(name)
+        results = list(pool.map(lambda sample: check_sample(sample, folder / sample.stem), samples))
+        problems = [problem for found, _ in results for problem in found] + check_printed(folder / "printed")
+    effects = sum(effects for _, effects in results)
+    if effects < len(samples):
+        problems.append(f"only {effects} changes changed anything")
+    print("\n".join(problems) or f"All explained: {effects} changes of {len(samples)} samples changed something")
+    return bool(problems)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
