@@ -34,16 +34,27 @@ inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& va
   return scripted;
 }
 
+// What is missing must not make the request wait for a callback that can't come: the last ones stay.
+// clang-format off
+constexpr const char* kOperations[] = {
+    "init", "uninit", "getData", "flush", "command", "translateParamFile", "createClient", "createMetadata",
+    "setValue", "getValue", "setRaw", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo",
+    "process", "getSize", "destroyMetadata", "destroyClient", "callback"};
+// clang-format on
+constexpr size_t kMayBeMissing = 13;
+
+inline const char* someOperation(Random& random, size_t count) {
+  return kOperations[static_cast<size_t>(random() % count)];
+}
+
 inline standin::AlgoScript hostileScript(Random& random) {
-  // What is missing must not make the request wait for a callback that can't come.
-  // clang-format off
-  constexpr const char* kMayBeMissing[] = {
-      "init", "uninit", "getData", "flush", "command", "translateParamFile", "createClient", "createMetadata",
-      "setValue", "getValue", "setRaw", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo"};
-  // clang-format on
   standin::AlgoScript script;
   script.runAlgorithms = chance(random, 10);
-  if (chance(random, 20)) script.notOffered.insert(kMayBeMissing[random() % std::size(kMayBeMissing)]);
+  if (chance(random, 20)) script.notOffered.insert(someOperation(random, kMayBeMissing));
+  if (chance(random, 20)) script.throwing.insert(someOperation(random, std::size(kOperations)));
+  if (chance(random, 20)) script.leaving.insert(someOperation(random, std::size(kOperations)));
+  script.finishInDestroyClient = chance(random, 20);
+  script.visitorUse = static_cast<standin::VisitorUse>(random() % 3);
   if (chance(random, 20)) script.processResult = static_cast<int>(hostileWord(random));
   if (chance(random, 20)) script.callbacks = 2;
   script.callBackBeforeReturn = chance(random, 20);
