@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <numeric>
 #include <vector>
 
@@ -17,9 +18,14 @@ const char* nameOf(Ending ending) {
   return kEndingNames[static_cast<size_t>(ending)];
 }
 
+// A column's width, with the blanks before it.
+int widthOf(size_t column) {
+  return std::max(8, static_cast<int>(std::strlen(kEndingNames[column]))) + 2;
+}
+
 void printRow(const char* name, const std::array<uint64_t, kEndings>& counts) {
-  std::printf("%-26s %9" PRIu64, name, std::accumulate(counts.begin(), counts.end(), uint64_t{0}));
-  for (const uint64_t count : counts) std::printf(" %15" PRIu64, count);
+  std::printf("%-25s %9" PRIu64, name, std::accumulate(counts.begin(), counts.end(), uint64_t{0}));
+  for (size_t i = 0; i < kEndings; ++i) std::printf("%*" PRIu64, widthOf(i), counts[i]);
   std::putchar('\n');
 }
 
@@ -70,8 +76,8 @@ bool Ledger::print() const {
     ++sum[column];
     if (!isExpected(request)) unexpected.push_back(request);
   }
-  std::printf("%-26s %9s", "how a request ended", "requests");
-  for (const char* name : kEndingNames) std::printf(" %15s", name);
+  std::printf("%-25s %9s", "how a request ended", "requests");
+  for (size_t i = 0; i < kEndings; ++i) std::printf("%*s", widthOf(i), kEndingNames[i]);
   std::putchar('\n');
   for (size_t i = 0; i < rows.size(); ++i) printRow(kSoakWays[i].name, rows[i]);
   printRow("all", sum);

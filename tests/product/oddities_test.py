@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Holds docs/oddities.md beside the code: each number that the code names has its paragraph, each paragraph is named
-where its rule is kept, and what holds a rule is there.
+where its rule is kept, and what holds a rule is there. So are the tests that docs/robustness.md names.
 
 oddities_test.py PROJECT_FOLDER
 """
@@ -66,6 +66,10 @@ def mistakes(folder):
         for name in holders:
             if name not in tests:
                 yield f"{page}:{line}: oddity {number} is held by {name}, which is no test and no golden text"
+    page = "docs/robustness.md"
+    for name in re.findall(r"`(\w+Test(?:\.\w+)?)`", (folder / page).read_text()):
+        if name not in tests:
+            yield f"{page}: {name} is no test"
 
 
 if __name__ == "__main__":
