@@ -101,8 +101,11 @@ void AlgorithmChain::judgeFrames() {
   for (size_t i = 0; i < std::min(mInputs.size(), kMostSelections); ++i) {
     if (mSelection.kept[i]) selected[i] = static_cast<int32_t>(i);
   }
-  const size_t scores = std::min(mInputs.size(), kMostScores);
-  parameters.set(kParameter, "frame_clarity_score", mSelection.sharpness.data(), scores * sizeof(double));
+  // One for each frame, in a table that is always read whole.
+  double scores[kMostScores] = {};
+  const size_t count = std::min(mInputs.size(), kMostScores);
+  std::copy_n(mSelection.sharpness.begin(), count, scores);
+  parameters.set(kParameter, "frame_clarity_score", scores, sizeof scores);
   parameters.set(kFeedback, "frame_select_result", selected, sizeof selected);
   parameters.write<int32_t>(kFeedback, "current_base_frame_idx", mSelection.base);
   if (sharpestOnly) markRan("frameClarOnly");
