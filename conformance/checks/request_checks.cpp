@@ -1,0 +1,357 @@
+// Requests: submission, callbacks, what may be in them, and their images.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <new>
+
+#include "checks.h"
+#include "known_names.h"
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr double kSoonMilliseconds = 100;
+// How long a callback too many is waited for.
+constexpr std::chrono::milliseconds kSettle{250};
+constexpr size_t kLeastCallbackBytes = 21;
+constexpr char kNoCallback[] = "no callback for ";
+
+std::string describe(const AlgoFrameInfo& frame) {
+  return std::to_string(frame.width) + " x " + std::to_string(frame.height) + " of format " +
+         std::to_string(frame.format);
+}
+
+// A record on pages of its own, which go when process() has returned.
+class DoomedRecord {
+public:
+  explicit DoomedRecord(const AlgoProcessRecord& record) {
+    mBytes = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    mMemory = mmap(nullptr, mBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    mRecord = new (mMemory) AlgoProcessRecord(record);
+  }
+  DoomedRecord(const DoomedRecord&) = delete;
+  DoomedRecord& operator=(const DoomedRecord&) = delete;
+  ~DoomedRecord() { munmap(mMemory, mBytes); }
+
+  AlgoProcessRecord& operator*() { return *mRecord; }
+  // Overwrites all that the record holds, and takes the record away.
+  void doom() {
+    for (std::string& name : mRecord->algoList) std::fill(name.begin(), name.end(), '#');
+    for (auto* frames : {&mRecord->inputFrames, &mRecord->outputFrames}) {
+      for (AlgoFrameInfo& frame : *frames) {
+        if (frame.nativeHandle != nullptr)
+          std::memset(static_cast<void*>(frame.nativeHandle), 0xDB, sizeof *frame.nativeHandle);
+        std::memset(static_cast<void*>(&frame), 0xDB, sizeof frame);
+      }
+    }
+    for (AlgoMetadataEntry& entry : mRecord->metadata)
+      std::memset(static_cast<void*>(&entry), 0xDB, sizeof entry);
+    mRecord->~AlgoProcessRecord();
+    std::memset(mMemory, 0xDB, mBytes);
+    mprotect(mMemory, mBytes, PROT_NONE);
+  }
+
+private:
+  size_t mBytes;
+  void* mMemory;
+  AlgoProcessRecord* mRecord;
+};
+
+// Lends descriptors of an image to one request, and puts a decoy file under their numbers when they are
+// closed.
+class LentImage {
+public:
+  explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
+    mFrame.fd[0] = dup(mFrame.fd[0]);
+    mZeros.resize(image.size());
+    [[maybe_unused]] const ssize_t written = write(mDecoy, mZeros.data(), mZeros.size());
+    if (mFrame.nativeHandle == nullptr) return;
+    mFrame.nativeHandle = image.newHandle();
+    mFrame.nativeHandle->data[0] = mFrame.fd[0];
+  }
+  LentImage(const LentImage&) = delete;
+  LentImage& operator=(const LentImage&) = delete;
+  ~LentImage() {
+    close(mFrame.fd[0]);
+    close(mDecoy);
+    delete mFrame.nativeHandle;
+  }
+
+  const AlgoFrameInfo& frame() const { return mFrame; }
+  void takeBack() const { dup2(mDecoy, mFrame.fd[0]); }
+  bool isDecoyUntouched() const {
+    std::vector<char> now(mZeros.size());
+    return pread(mDecoy, now.data(), now.size(), 0) == static_cast<ssize_t>(now.size()) && now == mZeros;
+  }
+
+private:
+  AlgoFrameInfo mFrame;
+  int mDecoy;
+  std::vector<char> mZeros;
+};
+
+// Runs one request whose record goes at once, and compares its output with that of one whose record stayed.
+void runDoomed(bool isHardwareBuffer) {
+  Scene scene;
+  ImageShape shape;
+  shape.isHardwareBuffer = isHardwareBuffer;
+  const Image input(shape, 3);
+  const Image kept(shape, 4);
+  const Image output(shape, 4);
+  Request request;
+  request.nativeReq = 5;
+  request.inputs = {&input};
+  request.outputs = {&kept};
+  submit(scene.client, scene.inbox, scene.parameters, request);
+  HOLDS(scene.inbox.waitFor(5)) << kNoCallback << "a request whose record stays";
+
+  const LentImage lentInput(input);
+  const LentImage lentOutput(output);
+  auto raw = std::make_unique<Block>(kCameraMetadataBlock);
+  request.nativeReq = 6;
+  AlgoProcessRecord record = request.record(scene.client, scene.inbox, scene.parameters, raw->handle());
+  record.inputFrames = {lentInput.frame()};
+  record.outputFrames = {lentOutput.frame()};
+  DoomedRecord doomed(record);
+  call(-1, Library::open()->bareTable().process, *doomed);
+  step("the record was taken away when process had returned");
+  doomed.doom();
+  raw->destroy();
+  lentInput.takeBack();
+  lentOutput.takeBack();
+  HOLDS(scene.inbox.waitFor(6)) << kNoCallback << "a request whose record went when process had returned";
+  HOLDS(output.bytes() == kept.bytes())
+      << "the output differs when the record and its descriptors, "
+      << (isHardwareBuffer ? "of hardware buffers, " : "") << "are gone once process has returned";
+  HOLDS(lentInput.isDecoyUntouched() && lentOutput.isDecoyUntouched())
+      << "a file is written that took the number of a descriptor closed after process";
+}
+
+// How an image is laid out, for the matrix of requests.
+struct Layout {
+  const char* name;
+  int32_t padding;
+  int32_t paddingRows;
+  bool isHardwareBuffer;
+};
+constexpr Layout kLayouts[] = {
+    {"in shared memory",            0,  0, false},
+    {"with padded rows",            32, 0, false},
+    {"with padding between planes", 0,  6, false},
+    {"in a hardware buffer",        0,  0, true },
+    {"in a padded hardware buffer", 64, 2, true },
+};
+
+// Submits requests of every kind; each has a name for the evidence.
+class RequestMatrix {
+public:
+  void submitOne(const std::string& what, Request request) {
+    step("a request " + what);
+    mNames.push_back(what);
+    request.nativeReq = mNames.size();
+    mBlocks.push_back(std::make_unique<Block>());
+    submit(mClient, mInbox, *mBlocks.back(), request);
+  }
+
+  const Image* image(const ImageShape& shape) {
+    mImages.push_back(std::make_unique<Image>(shape, static_cast<int>(mImages.size())));
+    return mImages.back().get();
+  }
+
+  void waitForAll() {
+    step("waiting for the callbacks of " + std::to_string(mNames.size()) + " requests");
+    std::string missing;
+    for (size_t id = 0; id < mNames.size(); ++id) {
+      // Whoever was not called back once is not waited for any more.
+      const bool came = missing.empty() ? mInbox.waitFor(id + 1) : mInbox.count(id + 1) > 0;
+      if (!came) missing += (missing.empty() ? "" : "; ") + mNames[id];
+    }
+    HOLDS(missing.empty()) << kNoCallback << "a request " << missing;
+    note(std::to_string(mNames.size()) + " kinds of request");
+  }
+
+private:
+  Client mClient;
+  Inbox mInbox;
+  std::vector<std::string> mNames;  // by the request's id, less 1
+  std::vector<std::unique_ptr<Block>> mBlocks;
+  std::vector<std::unique_ptr<Image>> mImages;
+};
+
+void submitImages(RequestMatrix& matrix) {
+  for (int32_t format : Image::formats()) {
+    for (const Layout& layout : kLayouts) {
+      Request request;
+      const ImageShape shape = {format, 64, 48, layout.padding, layout.paddingRows, layout.isHardwareBuffer};
+      request.inputs = {matrix.image(shape)};
+      request.outputs = {matrix.image(shape)};
+      matrix.submitOne("with an image " + describe(request.inputs[0]->frame()) + " " + layout.name, request);
+    }
+  }
+}
+
+void submitLists(RequestMatrix& matrix) {
+  const Image* const input = matrix.image({});
+  const Image* const output = matrix.image({});
+  for (const auto& [what, algorithms] : std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"for no algorithm",                    {}                                              },
+           {"for an unknown algorithm",            {"conformNoSuchThing"}                          },
+           {"for an algorithm with an empty name", {""}                                            },
+           {"for every algorithm",                 {std::begin(kAlgorithms), std::end(kAlgorithms)}}
+  }) {
+    for (int32_t type : {kRequestPreview, kRequestCapture, kRequestStop}) {
+      for (const auto& inputs : {std::vector<const Image*>{}, {input}}) {
+        for (const auto& outputs : {
+                 std::vector<const Image*>{},
+                  {       output},
+                  { output, output}
+        }) {
+          matrix.submitOne("of type " + std::to_string(type) + " " + what + ", with " +
+                               std::to_string(inputs.size()) + " inputs and " +
+                               std::to_string(outputs.size()) + " outputs",
+                           {type, 0, 77, algorithms, inputs, outputs});
+        }
+      }
+    }
+  }
+  Request fifty;
+  fifty.inputs.assign(50, input);
+  fifty.outputs = {output};
+  matrix.submitOne("with 50 frames", fifty);
+  fifty.algorithms = {"night"};
+  matrix.submitOne("for night with 50 frames", fifty);
+}
+
+// Size of a JPEG that is left, and whether it is one.
+void judgeJpeg(const Scene& scene, const Image& output) {
+  int32_t size = 0;
+  if (scene.parameters.get(kFeedback, "encoded_jpeg_size", &size, sizeof size) != 0) {
+    const std::vector<uint8_t> bytes = output.bytes();
+    HOLDS(bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != 0xD8)
+        << "a JPEG is written, and its size is not left under encoded_jpeg_size";
+    note("jpegEncode is not offered");
+    return;
+  }
+  const std::vector<uint8_t> bytes = output.bytes();
+  HOLDS(size >= 4 && static_cast<size_t>(size) <= bytes.size())
+      << "encoded_jpeg_size is " << size << ", in an output of " << bytes.size();
+  if (size < 4 || static_cast<size_t>(size) > bytes.size()) return;
+  const auto end = static_cast<size_t>(size);
+  HOLDS(bytes[0] == 0xFF && bytes[1] == 0xD8) << "the JPEG does not begin with its marker";
+  HOLDS(bytes[end - 2] == 0xFF && bytes[end - 1] == 0xD9)
+      << "there is no end marker where encoded_jpeg_size, " << size << ", says that the JPEG ends";
+  note("a JPEG of " + std::to_string(size) + " bytes");
+}
+
+}  // namespace
+
+void checkProcess() {
+  OPEN_LIBRARY(library);
+  runDoomed(false);
+  runDoomed(true);
+  Scene scene;
+  Request request;
+  request.algorithms = {"night"};
+  request.inputs.assign(12, &scene.input);
+  request.outputs = {&scene.output};
+  submit(scene.client, scene.inbox, scene.parameters, request);
+  HOLDS(scene.inbox.waitFor(request.nativeReq)) << kNoCallback << "a request of 12 frames";
+  const double longest = library->observer().longestProcessMilliseconds();
+  const std::string took = "process took " + std::to_string(longest) + " ms at most";
+  longest > kSoonMilliseconds ? warn(took + "; the service's caller waits for it") : note(took);
+}
+
+void checkCallbacks() {
+  OPEN_LIBRARY(library);
+  Scene scene;
+  std::atomic<bool> isInside{false};
+  std::atomic<int> insideProcess{0};
+  const std::thread::id self = std::this_thread::get_id();
+  scene.inbox.onCallback([&](const Message& message) {
+    if (isInside && message.thread == self) ++insideProcess;
+  });
+  const std::vector<uint64_t> ids = {0, 1, 2, UINT32_MAX, uint64_t{1} << 32, UINT64_MAX};
+  for (uint64_t id : ids) {
+    Request request;
+    request.nativeReq = id;
+    request.inputs = {&scene.input};
+    request.outputs = {&scene.output};
+    step("request " + hex(id));
+    isInside = true;
+    submit(scene.client, scene.inbox, scene.parameters, request);
+    isInside = false;
+    HOLDS(scene.inbox.waitFor(id)) << "no callback for request " << hex(id) << " within "
+                                   << options().patienceSeconds << " s";
+  }
+  std::this_thread::sleep_for(kSettle);
+  for (uint64_t id : ids) {
+    const size_t count = scene.inbox.count(id);
+    HOLDS(count <= 1) << count << " callbacks for request " << hex(id);
+  }
+  for (const Message& message : scene.inbox.messages()) {
+    HOLDS(message.data.size() >= kLeastCallbackBytes)
+        << "a callback of " << message.data.size() << " bytes, fewer than " << kLeastCallbackBytes;
+    const std::string name = message.name();
+    HOLDS(name == kShotCallback || name == kLightStreamCallback)
+        << "a callback with the name \"" << name << "\"";
+    bool isKnown = name != kShotCallback;
+    for (uint64_t id : ids) isKnown = isKnown || message.nativeReq() == id;
+    HOLDS(isKnown) << "a callback for request " << hex(message.nativeReq()) << ", which there never was";
+  }
+  if (insideProcess > 0)
+    warn(std::to_string(insideProcess) + " callbacks came inside process, on the caller's thread");
+  note(std::to_string(ids.size()) + " requests");
+}
+
+void checkRequests() {
+  OPEN_LIBRARY(library);
+  RequestMatrix matrix;
+  submitImages(matrix);
+  submitLists(matrix);
+  matrix.waitForAll();
+}
+
+void checkOutputs() {
+  OPEN_LIBRARY(library);
+  for (int32_t format : Image::formats()) {
+    for (const Layout& layout : kLayouts) {
+      Scene scene;
+      // An odd size, too, and one whose memory ends where a page does.
+      for (const auto& [width, height] : {
+               std::pair{64, 64},
+               std::pair{67, 45}
+      }) {
+        const ImageShape shape = {
+            format, width, height, layout.padding, layout.paddingRows, layout.isHardwareBuffer};
+        const Image input(shape, 5);
+        const Image output(shape, 6);
+        Request request;
+        request.nativeReq = static_cast<uint64_t>(width);
+        request.inputs = {&input};
+        request.outputs = {&output};
+        const std::string what = describe(input.frame()) + " " + layout.name;
+        step("an image " + what);
+        submit(scene.client, scene.inbox, scene.parameters, request);
+        HOLDS(scene.inbox.waitFor(request.nativeReq)) << kNoCallback << "an image " << what;
+        HOLDS(output.strayWrite().empty()) << what << ": " << output.strayWrite();
+        HOLDS(input.isAsMade() && input.strayWrite().empty()) << what << ": the input is written";
+      }
+    }
+  }
+  Scene scene;
+  const Image jpeg({kFormatJpeg, 256, 256, 0, 0, false}, 7);
+  Request request;
+  request.algorithms = {"jpegEncode"};
+  request.inputs = {&scene.input};
+  request.outputs = {&jpeg};
+  step("a request for jpegEncode");
+  submit(scene.client, scene.inbox, scene.parameters, request);
+  HOLDS(scene.inbox.waitFor(request.nativeReq)) << kNoCallback << "a request for jpegEncode";
+  HOLDS(jpeg.strayWrite().empty()) << jpeg.strayWrite();
+  judgeJpeg(scene, jpeg);
+}
+
+}  // namespace orlu::conform

@@ -1,0 +1,60 @@
+// An image of a request: a memory file with a pattern in it, and more of the file behind the image, where
+// nobody has anything to write.
+#pragma once
+
+#include <cutils/native_handle.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu::conform {
+
+struct ImageShape {
+  int32_t format = kFormatNv21;
+  int32_t width = 64;
+  int32_t height = 48;
+  int32_t padding = 0;      // bytes at the end of each row
+  int32_t paddingRows = 0;  // rows between the planes
+  bool isHardwareBuffer = false;
+};
+
+class Image {
+public:
+  // `filler` decides the pattern, so that two images differ.
+  explicit Image(const ImageShape& shape = {}, int filler = 1);
+  Image(const Image&) = delete;
+  Image& operator=(const Image&) = delete;
+  ~Image();
+
+  // The record as the service builds it. The descriptors stay this image's.
+  AlgoFrameInfo frame() const;
+  // A poisoned record must not be followed into these.
+  AlgoNativeHandle* newHandle() const;
+
+  int fd() const { return mFd; }
+  size_t size() const { return mSize; }
+  // The image's bytes as they are now.
+  std::vector<uint8_t> bytes() const;
+  bool isAsMade() const { return bytes() == mPattern; }
+  // "" or what was written outside the planes: between them, or behind the image.
+  std::string strayWrite() const;
+
+  // Formats that the service hands over, by its names.
+  static const std::vector<int32_t>& formats();
+  static constexpr size_t kGuardBytes = 8192;
+
+private:
+  AlgoFrameInfo layOut() const;
+
+  const ImageShape mShape;
+  size_t mSize = 0;
+  int mFd = -1;
+  int mOtherFd = -1;  // the first descriptor of a hardware buffer, which is not the pixels'
+  std::vector<uint8_t> mPattern;
+  AlgoNativeHandle* mHandle = nullptr;
+};
+
+}  // namespace orlu::conform

@@ -1,0 +1,203 @@
+// The command behind ./run conform: runs the checks over one algorithm library.
+#include <getopt.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <sstream>
+
+#include "contract.h"
+#include "library.h"
+#include "report.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr char kUsage[] =
+    "conform [LIBRARY] [OPTION...]: does this algorithm library behave?\n"
+    "\n"
+    "  --only NAME[,NAME...]   some of the checks\n"
+    "  --list                  the checks' names, and what each is about\n"
+    "  --json                  the report as JSON, on standard output\n"
+    "  --junit FILE            the report as JUnit XML, for CI\n"
+    "  --contract              what the service's side promises to the algorithm library\n"
+    "  --hostile SECONDS       how long random parameters are sent (3); --long: a minute\n"
+    "  --seed NUMBER           of the random parameters (1)\n"
+    "  --patience SECONDS      how long each callback is waited for (10)\n"
+    "  --limit SECONDS         how long each check may take (120)\n"
+    "\n"
+    "Each check runs in a process of its own. The status is 0 when none fails, 1 when one does, 2 when the\n"
+    "command line can't be taken.\n";
+
+std::vector<CheckResult> gResults;
+bool gIsQuiet = false;
+
+// A test of GoogleTest's in this process, which waits for the check in its own.
+class CheckTest : public testing::Test {
+public:
+  explicit CheckTest(const Check& check) : mCheck(check) {}
+
+  void TestBody() override {
+    const Outcome outcome = runApart(mCheck);
+    for (const std::string& text : outcome.evidence) {
+      if (outcome.verdict == Verdict::kFailed) ADD_FAILURE() << text;
+    }
+    gResults.push_back({&mCheck, outcome});
+    if (!gIsQuiet) {
+      std::printf("%s\n", lineOf(gResults.back()).c_str());
+      std::fflush(stdout);
+    }
+    if (outcome.verdict == Verdict::kSkipped)
+      GTEST_SKIP() << (outcome.evidence.empty() ? "" : outcome.evidence[0]);
+  }
+
+private:
+  const Check& mCheck;
+};
+
+enum Flag { kOnly = 1, kList, kJson, kJunit, kContract, kHostile, kLong, kSeed, kPatience, kLimit, kHelp };
+
+constexpr option kFlags[] = {
+    {"only",     required_argument, nullptr, kOnly    },
+    {"list",     no_argument,       nullptr, kList    },
+    {"json",     no_argument,       nullptr, kJson    },
+    {"junit",    required_argument, nullptr, kJunit   },
+    {"contract", no_argument,       nullptr, kContract},
+    {"hostile",  required_argument, nullptr, kHostile },
+    {"long",     no_argument,       nullptr, kLong    },
+    {"seed",     required_argument, nullptr, kSeed    },
+    {"patience", required_argument, nullptr, kPatience},
+    {"limit",    required_argument, nullptr, kLimit   },
+    {"help",     no_argument,       nullptr, kHelp    },
+    {nullptr,    0,                 nullptr, 0        },
+};
+
+[[noreturn]] void refuse(const std::string& text) {
+  std::fprintf(stderr, "conform: %s; see --help\n", text.c_str());
+  std::exit(2);
+}
+
+bool isCheck(const std::string& name) {
+  for (const Check& check : allChecks()) {
+    if (name == check.name) return true;
+  }
+  return false;
+}
+
+// GoogleTest's filter for the names of some checks.
+std::string filterFor(const std::string& names) {
+  std::string filter;
+  std::istringstream list(names);
+  for (std::string name; std::getline(list, name, ',');) {
+    if (!isCheck(name)) refuse("there is no check \"" + name + "\"");
+    filter += ":conform." + name;
+  }
+  return filter;
+}
+
+double positive(const char* text, const char* flag) {
+  char* end = nullptr;
+  const double number = std::strtod(text, &end);
+  if (*text == '\0' || *end != '\0' || number < 0 || number > 1e6) {
+    refuse(std::string("--") + flag + " takes a number that is not negative, not \"" + text + "\"");
+  }
+  return number;
+}
+
+void listChecks() {
+  for (const Check& check : allChecks()) std::printf("%-12s%s\n", check.name, check.promise);
+}
+
+// Takes the command line; answers what asks for no check at once.
+void readCommandLine(int argc, char** argv) {
+  std::string filter;
+  int index = 0;
+  for (int flag = 0; (flag = getopt_long(argc, argv, "", kFlags, &index)) != -1;) {
+    Options& taken = options();
+    switch (flag) {
+      case kOnly:
+        filter += filterFor(optarg);
+        break;
+      case kJson:
+        gIsQuiet = true;
+        break;
+      case kJunit:
+        testing::GTEST_FLAG(output) = std::string("xml:") + optarg;
+        break;
+      case kHostile:
+        taken.hostileSeconds = positive(optarg, "hostile");
+        break;
+      case kLong:
+        taken.hostileSeconds = 60;
+        break;
+      case kSeed:
+        taken.seed = static_cast<unsigned>(positive(optarg, "seed"));
+        break;
+      case kPatience:
+        taken.patienceSeconds = static_cast<int>(positive(optarg, "patience"));
+        break;
+      case kLimit:
+        taken.limitSeconds = static_cast<int>(positive(optarg, "limit"));
+        break;
+      case kList:
+        listChecks();
+        std::exit(0);
+      case kContract:
+        std::fputs(contract().c_str(), stdout);
+        std::exit(0);
+      case kHelp:
+        std::fputs(kUsage, stdout);
+        std::exit(0);
+      default:
+        std::exit(2);
+    }
+  }
+  if (optind < argc) options().library = argv[optind++];
+  if (optind < argc) refuse(std::string("one library at a time, not \"") + argv[optind] + "\" as well");
+  if (!filter.empty()) testing::GTEST_FLAG(filter) = filter.substr(1);
+}
+
+void registerChecks() {
+  for (const Check& check : allChecks()) {
+    testing::RegisterTest("conform", check.name, nullptr, nullptr, __FILE__, __LINE__,
+                          [&check]() -> testing::Test* { return new CheckTest(check); });
+  }
+  auto& listeners = testing::UnitTest::GetInstance()->listeners();
+  delete listeners.Release(listeners.default_result_printer());
+  listeners.Append(newCheckListener());
+}
+
+int runChecks() {
+  int status = RUN_ALL_TESTS();
+  size_t counts[3] = {};
+  for (const CheckResult& result : gResults) {
+    ++counts[static_cast<int>(result.outcome.verdict)];
+    if (result.outcome.evidence == std::vector<std::string>{kUnusable}) status = 1;
+  }
+  if (gIsQuiet) {
+    std::printf("%s\n", jsonOf(gResults).c_str());
+  } else {
+    std::printf("%zu passed, %zu failed, %zu skipped\n", counts[0], counts[1], counts[2]);
+  }
+  return status;
+}
+
+}  // namespace
+}  // namespace orlu::conform
+
+// A segmentation fault of the library is told by the operation that it was in, and the Java VM has uses for
+// it.
+extern "C" const char* __asan_default_options() {
+  return "handle_segv=0:handle_abort=0";
+}
+
+int main(int argc, char** argv) {
+  using namespace orlu::conform;
+  options().library = ORLU_CONFORM_LIBRARY;
+  options().jvm = ORLU_CONFORM_JVM;
+  readCommandLine(argc, argv);
+  int count = 1;
+  testing::InitGoogleTest(&count, argv);
+  registerChecks();
+  return runChecks();
+}

@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Runs the kit over every mutant and compares the checks that fail with mutants.txt: mutants_test.py BUILD"""
+import json
+import os
+import re
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+here = Path(__file__).parent
+build = Path(sys.argv[1])
+# Mostly they wait: for callbacks that do not come, and for ones too many.
+AT_ONCE = 8
+# Less patience than with a library that somebody hopes will pass.
+QUICK = ["--json", "--patience", "2", "--limit", "15", "--hostile", "0.3"]
+
+
+def judge(library, mutant=""):
+    """The checks that fail, and those that warn with a "?"; none for what is no report."""
+    ran = subprocess.run([build / "bin/conform", build / "mutants" / library, *QUICK],
+                         env={**os.environ, "ORLU_MUTANT": mutant}, capture_output=True, text=True)
+    try:
+        checks = json.loads(ran.stdout)["checks"]
+    except json.JSONDecodeError:
+        return {f"no report: {ran.stdout}{ran.stderr}"}
+    failed = {c["name"] for c in checks if c["verdict"] == "failed"}
+    return failed | {c["name"] + "?" for c in checks if c["warnings"] and c["name"] not in failed}
+
+
+def compare(row):
+    mutant, wanted = row[0], set(row[1:])
+    # Waits of a loaded machine look like faults; a fault stays one when it is looked at again.
+    for _ in range(2):
+        found = judge("libmutant_algo.so", mutant)
+        if found == wanted:
+            return None
+    return f"{mutant} fails {' '.join(sorted(found)) or 'nothing'} instead of {' '.join(sorted(wanted))}"
+
+
+table = (here / "mutants/mutants.txt").read_text()
+rows = [line.split() for line in table.splitlines() if re.match("[a-z]", line)]
+source = (here / "mutants/mutant_algo.cpp").read_text()
+planted = set(re.findall(r'\{"(\w+)",\s*\w+\}', source))
+wrong = [f"{name} is not in both of mutants.txt and mutant_algo.cpp" for name in planted ^ {row[0] for row in rows}]
+with ThreadPoolExecutor(AT_ONCE) as pool:
+    wrong += [text for text in pool.map(compare, rows) if text]
+unbound = judge("libmutant_unbound.so")
+if unbound != {"loading"}:
+    wrong.append(f"mutant_unbound fails {unbound} instead of loading")
+names = subprocess.run([build / "bin/conform", "--list"], capture_output=True, text=True).stdout
+for check in (line.split()[0] for line in names.splitlines()):
+    if not any(row[1].rstrip("?") == check for row in rows):
+        wrong.append(f"no mutant proves the check {check}")
+for text in wrong:
+    print("FAILED:", text)
+if not wrong:
+    print(f"All passed: {len(rows) + 1} mutants")
+sys.exit(1 if wrong else 0)

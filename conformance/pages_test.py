@@ -1,0 +1,23 @@
+#!/usr/bin/env python3
+"""Compares docs/conformance.md with what the kit prints of itself: pages_test.py CONFORM PROJECT"""
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+page = (Path(sys.argv[2]) / "docs/conformance.md").read_text()
+
+
+def printed(flag):
+    return subprocess.run([sys.argv[1], flag], capture_output=True, text=True, check=True).stdout
+
+
+wrong = []
+if not page.endswith("prints this.\n\n" + printed("--contract")):
+    wrong.append("the page's contract is not the one that --contract prints")
+described = re.findall(r"^\| `(\w+)` \| (.*?) \|", page, re.MULTILINE)
+if described != [tuple(line.split(None, 1)) for line in printed("--list").splitlines()]:
+    wrong.append("the page's checks are not those that --list prints")
+for text in wrong:
+    print("FAILED: docs/conformance.md:", text)
+sys.exit(1 if wrong else 0)
