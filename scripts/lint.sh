@@ -36,7 +36,7 @@ lint_shell() {
 
 # Each folder as CMake compiles it.
 lint_java() {
-  local folder class_path=/usr/share/java/gson.jar:/usr/share/java/picocli.jar
+  local folder class_path=$java_libraries
   class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar
   build_preset dev --tests orlu-tests
   for folder in host/java service/java tests/java fuzz/java; do

@@ -9,10 +9,10 @@ import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedComposition;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.NoiseMeasure;
@@ -21,6 +21,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Callbacks;
 
 import java.io.IOException;
@@ -59,7 +60,7 @@ final class RequestRunner {
     }
 
     /** Runs the request on frames made of its photo, which are none when it has no inputs. */
-    void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException {
+    void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException, RequestFileException {
         try (CallbackInbox inbox = new CallbackInbox(mClient.clientId())) {
             mRequest.properties().forEach(SystemProperties::set);
             makeCompositions();
@@ -71,7 +72,7 @@ final class RequestRunner {
             awaitLateCallback();
             List<OutputReader> outputs = mOutputs.stream().map(OutputReader::of).toList();
             reportProblems(outputs);
-            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, outputs));
+            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, mInputs, outputs));
             mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, outputs));
         } finally {
             mInputs.forEach(ImageBuffer::close);
@@ -123,18 +124,19 @@ final class RequestRunner {
         }
     }
 
-    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException {
+    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException, RequestFileException {
+        FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
             Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
-            Picture picture = frames.get(plan.frame()).shot();
-            ImagePlan sized = plan.sized(picture.width(), picture.height());
-            mInputs.add(ImageBuffer.holding(picture, sized));
-            mReport.inputs.add(sized);
+            if (plan.file() == null) {
+                mInputs.add(ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan)));
+            } else {
+                mInputs.add(ImageBuffer.ofFile(plan));
+            }
+            mReport.inputs.add(mInputs.get(mInputs.size() - 1).plan());
         }
-        int width = frames.isEmpty() ? mRequest.frames().width() : frames.get(0).shot().width();
-        int height = frames.isEmpty() ? mRequest.frames().height() : frames.get(0).shot().height();
         for (ImagePlan plan : mRequest.outputs()) {
-            mOutputs.add(ImageBuffer.empty(plan.sized(width, height)));
+            mOutputs.add(ImageBuffer.empty(size.applyTo(plan)));
         }
     }
 

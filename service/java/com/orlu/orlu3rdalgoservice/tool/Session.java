@@ -9,6 +9,8 @@ import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagCheck;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
+import com.orlu.orlu3rdalgoservice.tool.image.FilePixels;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
@@ -20,6 +22,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Summary;
 import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
@@ -65,7 +68,13 @@ final class Session {
         // All are read before the first runs, so that a mistake in the last shows at once.
         List<RequestFile> requests = new ArrayList<>();
         for (Path file : mOptions.requests()) {
-            requests.add(RequestFileReader.read(file, mOptions.photo));
+            RequestFile request = RequestFileReader.read(file, mOptions.photo);
+            for (ImagePlan image : request.inputs()) {
+                if (image.file() != null) {
+                    new FilePixels(image).check();
+                }
+            }
+            requests.add(request);
         }
         return mOptions.check ? check(requests) : runAll(requests);
     }
@@ -174,10 +183,20 @@ final class Session {
         return report;
     }
 
+    // The photo's frames, which are none when no input needs them. What fits neither is an error.
     private List<SynthesisedFrame> frames(RequestFile request) throws RequestFileException {
-        if (request.inputs().isEmpty()) {
-            return List.of();
+        List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request) : List.of();
+        FrameSize size = FrameSize.of(request, frames);
+        for (ImagePlan image : request.inputs()) {
+            size.applyTo(image);
         }
+        for (ImagePlan image : request.outputs()) {
+            size.applyTo(image);
+        }
+        return frames;
+    }
+
+    private List<SynthesisedFrame> synthesised(RequestFile request) throws RequestFileException {
         Picture photo = FrameSynthesis.load(request.photo());
         if (photo == null) {
             String problem = "no photo that can be read: " + request.photo();
@@ -186,7 +205,8 @@ final class Session {
             }
             throw new RequestFileException(request.file().toString(), "photo", problem);
         }
-        boolean raw = request.inputs().stream().anyMatch(image -> image.format().isRaw());
+        boolean raw = request.inputs().stream().anyMatch(
+                image -> image.file() == null && image.format().isRaw());
         return new FrameSynthesis(request.frames(), raw).frames(request.file(), photo);
     }
 }

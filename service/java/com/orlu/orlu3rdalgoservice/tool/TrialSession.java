@@ -6,9 +6,11 @@ import com.google.gson.JsonArray;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonParser;
 
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
@@ -66,17 +68,11 @@ final class TrialSession {
 
     private static Dependences trials(RequestFile request, String library)
             throws RequestFileException, ErrnoException {
-        int width = request.frames().width();
-        int height = request.frames().height();
-        boolean isSized = request.inputs().isEmpty() || width > 0;
+        boolean isSized = !request.needsPhoto() || request.frames().width() > 0;
         Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
-        if (photo != null) {
-            Picture frame = new FrameSynthesis(bareFrame(request.frames()), false)
-                    .frames(request.file(), photo).get(0).shot();
-            width = frame.width();
-            height = frame.height();
-        }
-        return Trials.of(request, width, height, library);
+        List<SynthesisedFrame> frames = photo == null ? List.of()
+                : new FrameSynthesis(bareFrame(request.frames()), false).frames(request.file(), photo);
+        return Trials.of(request, FrameSize.of(request, frames), library);
     }
 
     // One frame of the size that all have, with nothing done to its pixels.

@@ -7,6 +7,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
@@ -21,13 +22,11 @@ public final class ImageBuffer implements AutoCloseable {
 
     private ImageBuffer(ImagePlan plan, int jpegRoom) throws ErrnoException {
         mPlan = plan;
-        int stride = plan.strideBytes();
         mDescriptor.mFormat = plan.name();
         mDescriptor.mWidth = plan.width();
         mDescriptor.mHeight = plan.height();
-        mDescriptor.mRowStrides = plan.format().strides(stride);
-        mDescriptor.mPlaneSizes =
-                plan.format().planeSizes(stride, plan.height(), Math.max(jpegRoom, plan.capacity()));
+        mDescriptor.mRowStrides = plan.strides();
+        mDescriptor.mPlaneSizes = plan.planeSizes(Math.max(jpegRoom, plan.capacity()));
         int size = 0;
         for (int planeSize : mDescriptor.mPlaneSizes) {
             size += planeSize;
@@ -45,6 +44,18 @@ public final class ImageBuffer implements AutoCloseable {
         }
         ImageBuffer image = new ImageBuffer(plan, 0);
         PixelWriter.write(picture, plan, image.mBytes);
+        return image;
+    }
+
+    /** Memory for an input that has a file, holding the pixels of that. */
+    public static ImageBuffer ofFile(ImagePlan plan) throws ErrnoException, RequestFileException {
+        ImageBuffer image = new ImageBuffer(plan, 0);
+        try {
+            new FilePixels(plan).fill(image.mBytes);
+        } catch (RequestFileException e) {
+            image.close();
+            throw e;
+        }
         return image;
     }
 
@@ -85,7 +96,7 @@ public final class ImageBuffer implements AutoCloseable {
         return HardwareBuffer.USAGE_CPU_READ_OFTEN | HardwareBuffer.USAGE_CPU_WRITE_OFTEN;
     }
 
-    ImagePlan plan() {
+    public ImagePlan plan() {
         return mPlan;
     }
 

@@ -69,7 +69,8 @@ public final class ImageDifference {
     }
 
     private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
-        return new ImagePlan(format, format.name(), false, width, height, stride, 0, bits, 0);
+        return new ImagePlan(
+                format, format.name(), false, width, height, stride, 0, bits, 0, null, null);
     }
 
     private static ByteBuffer buffer(byte[] bytes) {

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
+
 /**
  * Raw samples behind a colour filter: red and green in even rows, green and blue in odd ones.
  *
@@ -20,6 +22,15 @@ public record Mosaic(int width, int height, int bits, int[] samples) {
             }
         }
         return mosaic;
+    }
+
+    /** Hands over all samples. */
+    void copyTo(SampleSink to) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                to.put(x, y, samples[y * width + x]);
+            }
+        }
     }
 
     public int white() {

@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/** What an output image holds, read by the description that the native side left. */
+/** What an image holds after a request, read by the description that the native side left. */
 public final class OutputReader {
     private final ImageBuffer mImage;
     private byte[] mJpeg;
@@ -83,8 +83,8 @@ public final class OutputReader {
         }
         ImagePlan old = mImage.plan();
         ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
-                image.mRowStrides[0], 0, old.bits(), 0);
-        if (sum(format.planeSizes(plan.strideBytes(), plan.height(), 0)) > mImage.bytes().capacity()) {
+                image.mRowStrides[0], 0, old.bits(), 0, old.file(), old.place());
+        if (sum(plan.planeSizes(0)) > mImage.bytes().capacity()) {
             mProblem = "described as larger than its memory";
         } else if (format.isRaw()) {
             mMosaic = PixelReader.readMosaic(plan, mImage.bytes());

@@ -3,6 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.awt.Graphics2D;
 import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
+import java.awt.image.IndexColorModel;
+import java.awt.image.Raster;
 import java.util.Random;
 
 /**
@@ -24,6 +26,11 @@ public final class Picture {
 
     static Picture of(BufferedImage image) {
         Picture picture = new Picture(image.getWidth(), image.getHeight());
+        Raster raster = image.getRaster();
+        if (raster.getNumBands() == 1 && !(image.getColorModel() instanceof IndexColorModel)) {
+            picture.fillGray(raster, image.getColorModel().getComponentSize(0));
+            return picture;
+        }
         for (int y = 0; y < picture.mHeight; ++y) {
             for (int x = 0; x < picture.mWidth; ++x) {
                 int rgb = image.getRGB(x, y);
@@ -31,6 +38,17 @@ public final class Picture {
             }
         }
         return picture;
+    }
+
+    // The platform takes gray for linear, and would brighten it.
+    private void fillGray(Raster raster, int bits) {
+        float scale = WHITE / ((1 << bits) - 1);
+        for (int y = 0; y < mHeight; ++y) {
+            for (int x = 0; x < mWidth; ++x) {
+                float gray = raster.getSample(x, y, 0) * scale;
+                set(x, y, gray, gray, gray);
+            }
+        }
     }
 
     public int width() {

@@ -22,8 +22,8 @@ final class PixelReader {
         return switch (plan.format()) {
             case NV21 -> readYuv(plan, from, 1, 0, 2);
             case NV12 -> readYuv(plan, from, 0, 1, 2);
-            case YU12 -> readYuv(plan, from, 0, plan.strideBytes() * plan.height() / 4, 1);
-            case YV12 -> readYuv(plan, from, plan.strideBytes() * plan.height() / 4, 0, 1);
+            case YU12 -> readYuv(plan, from, 0, secondChroma(plan), 1);
+            case YV12 -> readYuv(plan, from, secondChroma(plan), 0, 1);
             case R8G8B8A8 -> readRgba(plan, from);
             default -> throw new IllegalArgumentException(plan.format() + " holds no picture");
         };
@@ -39,13 +39,15 @@ final class PixelReader {
         }
     }
 
+    // Both chroma values are at their own offset behind the luma; step is the distance to the next pair.
     private static Picture readYuv(ImagePlan plan, ByteBuffer from, int blueOffset, int redOffset, int step) {
         Picture picture = new Picture(plan.width(), plan.height());
         int stride = plan.strideBytes();
-        int chroma = stride * plan.height();
+        int chroma = plan.planeSizes(0)[0];
+        int chromaStride = plan.strides()[1];
         for (int y = 0; y < plan.height(); ++y) {
             for (int x = 0; x < plan.width(); ++x) {
-                int at = chroma + y / 2 * (stride * step / 2) + x / 2 * step;
+                int at = chroma + y / 2 * chromaStride + x / 2 * step;
                 float luma = from.get(y * stride + x) & 255;
                 float blue = (from.get(at + blueOffset) & 255) - MIDDLE;
                 float red = (from.get(at + redOffset) & 255) - MIDDLE;
@@ -54,6 +56,11 @@ final class PixelReader {
             }
         }
         return picture;
+    }
+
+    // Where the second of two chroma planes begins behind the first.
+    private static int secondChroma(ImagePlan plan) {
+        return plan.strides()[1] * plan.height() / 2;
     }
 
     private static Picture readRgba(ImagePlan plan, ByteBuffer from) {

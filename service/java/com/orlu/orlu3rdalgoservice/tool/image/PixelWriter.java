@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
@@ -30,8 +32,7 @@ final class PixelWriter {
             case NV12 -> writeYuv(picture, plan, to, 0, 1, 2);
             case YU12 -> writeYuv(picture, plan, to, 0, plan.strideBytes() * plan.height() / 4, 1);
             case YV12 -> writeYuv(picture, plan, to, plan.strideBytes() * plan.height() / 4, 0, 1);
-            case MIPI_RAW10 -> writePacked10(Mosaic.of(picture, plan.bits()), plan.strideBytes(), to);
-            case RAW16, RAW_SENSOR -> write16(Mosaic.of(picture, plan.bits()), plan.strideBytes(), to);
+            case MIPI_RAW10, RAW16, RAW_SENSOR -> Mosaic.of(picture, plan.bits()).copyTo(samples(plan, to));
             case R8G8B8A8 -> writeRgba(picture, plan.strideBytes(), to);
             case JPEG -> throw new IllegalArgumentException("a JPEG is encoded");
         }
@@ -86,26 +87,23 @@ final class PixelWriter {
         return (byte) Math.min(255, Math.round(MIDDLE + sum / 4));
     }
 
-    private static void write16(Mosaic mosaic, int stride, ByteBuffer to) {
-        for (int y = 0; y < mosaic.height(); ++y) {
-            for (int x = 0; x < mosaic.width(); ++x) {
-                to.putShort(y * stride + 2 * x, (short) mosaic.samples()[y * mosaic.width() + x]);
-            }
+    /** Writes samples of a raw image one by one, row by row. */
+    static SampleSink samples(ImagePlan plan, ByteBuffer to) {
+        int stride = plan.strideBytes();
+        if (plan.format() == PixelFormat.MIPI_RAW10) {
+            int shift = 10 - plan.bits();
+            return (x, y, sample) -> putPacked10(to, y * stride, x, sample << shift);
         }
+        return (x, y, sample) -> to.putShort(y * stride + 2 * x, (short) sample);
     }
 
     // Four samples in five bytes: the upper eight bits of each, then the lower two of all.
-    private static void writePacked10(Mosaic mosaic, int stride, ByteBuffer to) {
-        for (int y = 0; y < mosaic.height(); ++y) {
-            for (int x = 0; x < mosaic.width(); ++x) {
-                int sample = mosaic.samples()[y * mosaic.width() + x] << (10 - mosaic.bits());
-                int group = y * stride + x / 4 * 5;
-                to.put(group + x % 4, (byte) (sample >> 2));
-                int low = group + 4;
-                int keep = x % 4 == 0 ? 0 : to.get(low);
-                to.put(low, (byte) (keep | (sample & 3) << (x % 4 * 2)));
-            }
-        }
+    private static void putPacked10(ByteBuffer to, int row, int x, int sample) {
+        int group = row + x / 4 * 5;
+        int low = group + 4;
+        to.put(group + x % 4, (byte) (sample >> 2));
+        int keep = x % 4 == 0 ? 0 : to.get(low);
+        to.put(low, (byte) (keep | (sample & 3) << (x % 4 * 2)));
     }
 
     private static void writeRgba(Picture picture, int stride, ByteBuffer to) {

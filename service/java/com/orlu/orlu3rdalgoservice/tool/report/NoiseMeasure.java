@@ -24,8 +24,10 @@ public final class NoiseMeasure {
     public List<String> lines(List<SynthesisedFrame> frames, List<OutputReader> outputs) {
         List<String> lines = new ArrayList<>();
         int base = mReport.baseFrame();
-        // A frame that was darkened or brightened on purpose has no clean photo to be compared with.
-        if (frames.isEmpty() || !mFrames.hasNoise() || mFrames.frames().get(base).gain() != 1) {
+        // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
+        // brightened on purpose.
+        if (!mReport.request.isOfPhoto(base) || !mFrames.hasNoise()
+                || mFrames.frames().get(base).gain() != 1) {
             return lines;
         }
         for (int i = 0; i < outputs.size(); ++i) {

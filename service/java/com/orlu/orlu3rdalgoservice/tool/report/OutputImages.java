@@ -1,7 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 
 import java.io.ByteArrayOutputStream;
@@ -28,13 +30,16 @@ public final class OutputImages {
     }
 
     /** Writes what there is to write, and returns a line on each image. */
-    public List<String> write(List<SynthesisedFrame> frames, List<OutputReader> outputs) throws IOException {
+    public List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
+            List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
         List<String> lines = new ArrayList<>();
-        if (!frames.isEmpty()) {
-            Path file = mFolder.resolve(mName + "-base.png");
-            ImageIO.write(frames.get(mBase).shot().toImage(), "png", file.toFile());
-            lines.add(file + " (frame " + mBase + " as it went in)");
+        for (ImageBuffer input : inputs) {
+            if (lines.isEmpty() && input.plan().frame() == mBase) {
+                String file = input.plan().file() != null ? write(OutputReader.of(input), mName + "-base")
+                        : writePng(frames.get(mBase).shot(), mName + "-base");
+                lines.add(file + " (frame " + mBase + " as it went in)");
+            }
         }
         for (int i = 0; i < outputs.size(); ++i) {
             lines.add(write(outputs.get(i), mName + "-out" + i));
@@ -56,8 +61,12 @@ public final class OutputImages {
         if (output.picture() == null) {
             return name + ": not written, the image is " + output.problem();
         }
+        return writePng(output.picture(), name);
+    }
+
+    private String writePng(Picture picture, String name) throws IOException {
         Path file = mFolder.resolve(name + ".png");
-        ImageIO.write(output.picture().toImage(), "png", file.toFile());
+        ImageIO.write(picture.toImage(), "png", file.toFile());
         return file.toString();
     }
 

@@ -55,7 +55,10 @@ public final class Summary {
     private void printIn() {
         mLines.list("in", images(mReport.inputs));
         if (!mReport.inputs.isEmpty()) {
-            mLines.list("", synthesis(mReport.request));
+            files(mReport.inputs).forEach(line -> mLines.line("", line));
+            if (mReport.request.needsPhoto()) {
+                mLines.list("", synthesis(mReport.request));
+            }
         }
         mLines.lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
         int frames = mReport.request.frames().frames().size();
@@ -69,6 +72,12 @@ public final class Summary {
         ImagePlan first = images.get(0);
         return List.of(images.size() + " x " + first.name() + " " + first.width() + "x" + first.height(),
                 "stride " + first.strideBytes(), first.hardware() ? "hardware buffers" : "shared memory");
+    }
+
+    private static List<String> files(List<ImagePlan> images) {
+        return images.stream().filter(image -> image.file() != null).map(image -> "frame " + image.frame()
+                + " from " + image.file().path() + ", " + image.name() + " " + image.width() + "x"
+                + image.height() + ", stride " + image.strideBytes()).toList();
     }
 
     private static List<String> synthesis(RequestFile request) {

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import java.util.List;
+
 /**
  * One image as a request file describes it.
  *
@@ -11,21 +13,66 @@ package com.orlu.orlu3rdalgoservice.tool.request;
  * @param stride   bytes a row, 0 for rows without padding
  * @param capacity bytes that the memory holds at least, 0 for what the pixels need
  * @param bits     bits of a raw sample
- * @param frame    which frame's pixels an input takes
+ * @param frame    which frame an input belongs to
+ * @param file     what an input's pixels come from, null for the request's photo
+ * @param place    the description in the request file, for errors
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
-        int capacity, int bits, int frame) {
-    ImagePlan withFrame(int index) {
-        return new ImagePlan(format, name, hardware, width, height, stride, capacity, bits, index);
+        int capacity, int bits, int frame, ImageFile file, Place place) {
+    /**
+     * Where a request file describes an image.
+     *
+     * @param requestFile its name
+     * @param field       the path of the image's field
+     */
+    public record Place(String requestFile, String field) {
+        /** What is wrong with a member of the image's description, as an exception to be thrown. */
+        public RequestFileException error(String member, String problem) {
+            return new RequestFileException(requestFile, field + "." + member, problem);
+        }
     }
 
-    /** The same image with the frames' size where the file gives none. */
-    public ImagePlan sized(int frameWidth, int frameHeight) {
-        return new ImagePlan(format, name, hardware, width > 0 ? width : frameWidth,
-                height > 0 ? height : frameHeight, stride, capacity, bits, frame);
+    ImagePlan withFrame(int index) {
+        return new ImagePlan(
+                format, name, hardware, width, height, stride, capacity, bits, index, file, place);
+    }
+
+    ImagePlan withFile(ImageFile pixels) {
+        return new ImagePlan(
+                format, name, hardware, width, height, stride, capacity, bits, frame, pixels, place);
+    }
+
+    /** The same image with the frames' size where the file gives none. A stride below a row is an error. */
+    public ImagePlan sized(int frameWidth, int frameHeight) throws RequestFileException {
+        ImagePlan sized = new ImagePlan(format, name, hardware, width > 0 ? width : frameWidth,
+                height > 0 ? height : frameHeight, stride, capacity, bits, frame, file, place);
+        int row = format.tightStride(sized.width);
+        if (stride > 0 && stride < row) {
+            throw place.error("stride", "needs at least " + row + " bytes, a row of " + sized.width
+                    + " pixels, found " + stride);
+        }
+        return sized;
     }
 
     public int strideBytes() {
         return Math.max(stride, format.tightStride(width));
+    }
+
+    /** Bytes a row of each plane. */
+    public int[] strides() {
+        List<ImageFile.Plane> planes = filePlanes();
+        return planes.isEmpty() ? format.strides(strideBytes())
+                : planes.stream().mapToInt(ImageFile.Plane::stride).toArray();
+    }
+
+    /** Bytes of each plane; a JPEG that comes from no file may fill the capacity. */
+    public int[] planeSizes(int jpegCapacity) {
+        List<ImageFile.Plane> planes = filePlanes();
+        return planes.isEmpty() ? format.planeSizes(strideBytes(), height, jpegCapacity)
+                : planes.stream().mapToInt(ImageFile.Plane::size).toArray();
+    }
+
+    private List<ImageFile.Plane> filePlanes() {
+        return file == null ? List.of() : file.planes();
     }
 }

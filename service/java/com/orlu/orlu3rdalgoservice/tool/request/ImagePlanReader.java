@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.Collections;
 import java.util.List;
 
 /** Reads "inputs" and "outputs" of a request file. */
@@ -8,10 +10,16 @@ final class ImagePlanReader {
     private static final int LARGEST_SIDE = 8192;
     private static final int LARGEST_CAPACITY = 1 << 29;
     private static final int MOST_PER_FRAME = 4;
+    static final int USUAL_BITS = 10;
 
+    private static final int LARGEST_STRIDE = ImageFileReader.LARGEST_SIDE * 4;
+
+    private final Path mRequestFile;
     private final int mFrames;
 
-    ImagePlanReader(int frames) {
+    /** Files of images are looked for beside the request file. */
+    ImagePlanReader(Path requestFile, int frames) {
+        mRequestFile = requestFile;
         mFrames = frames;
     }
 
@@ -25,43 +33,72 @@ final class ImagePlanReader {
             }
             return images;
         }
-        JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "perFrame");
+        JsonMembers members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, MOST_PER_FRAME, 1);
-        ImagePlan image = image(members, 0);
-        for (int i = 0; i < mFrames * perFrame; ++i) {
-            images.add(image.withFrame(i / perFrame));
+        int count = mFrames * perFrame;
+        List<JsonField> files = members.has("file") ? members.get("file").list(count)
+                : Collections.nCopies(count, null);
+        for (int i = 0; i < count; ++i) {
+            images.add(image(field, members, files.get(i)).withFrame(i / perFrame));
         }
         return images;
     }
 
     private ImagePlan input(JsonField field, int index) throws RequestFileException {
-        JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "frame");
+        JsonMembers members = members(field, "frame");
         if (mFrames == 0) {
-            throw field.error("there is no frame to take the pixels from");
+            throw field.error("there is no frame that it could belong to");
         }
-        return image(members, members.integer("frame", 0, mFrames - 1, Math.min(index, mFrames - 1)));
+        int frame = members.integer("frame", 0, mFrames - 1, Math.min(index, mFrames - 1));
+        return image(field, members, members.get("file")).withFrame(frame);
+    }
+
+    private static JsonMembers members(JsonField field, String last) throws RequestFileException {
+        JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "file", "width",
+                "height", "offset", "planes", last);
+        if (!members.has("file")) {
+            for (String member : List.of("width", "height", "offset", "planes")) {
+                if (members.has(member)) {
+                    throw members.get(member).error(
+                            "needs the field file beside it: the pixels are a photo's");
+                }
+            }
+        }
+        return members;
     }
 
     List<ImagePlan> outputs(JsonField field) throws RequestFileException {
         List<ImagePlan> images = new ArrayList<>();
         for (JsonField output : field.list()) {
-            images.add(image(output.members(
-                    "format", "name", "memory", "width", "height", "stride", "capacity", "bits"), 0));
+            images.add(image(output, output.members("format", "name", "memory", "width", "height", "stride",
+                    "capacity", "bits"), null));
         }
         return images;
     }
 
-    private ImagePlan image(JsonMembers members, int frame) throws RequestFileException {
+    // The file's field is null for an image that comes from none.
+    private ImagePlan image(JsonField field, JsonMembers members, JsonField file)
+            throws RequestFileException {
         JsonField formatField = members.require("format");
         PixelFormat format = PixelFormat.named(formatField.string());
         if (format == null) {
             throw formatField.needs("one of " + PixelFormat.names());
         }
-        int bits = members.integer("bits", 8, format == PixelFormat.MIPI_RAW10 ? 10 : 16, 10);
-        return new ImagePlan(format, members.string("name", format.name()), hardware(members),
-                side(members, "width"), side(members, "height"),
-                members.integer("stride", 0, LARGEST_SIDE * 4, 0),
-                members.integer("capacity", 0, LARGEST_CAPACITY, 0), bits, frame);
+        ImageFileReader source =
+                file == null ? null : new ImageFileReader(mRequestFile, file, members, format);
+        ImagePlan image = new ImagePlan(format, members.string("name", format.name()), hardware(members),
+                source == null ? side(members, "width") : source.width(),
+                source == null ? side(members, "height") : source.height(),
+                members.integer("stride", 0, LARGEST_STRIDE, 0),
+                members.integer("capacity", 0, LARGEST_CAPACITY, 0),
+                members.integer("bits", 8, format.mostBits(),
+                        source == null ? USUAL_BITS : Math.min(source.bits(), format.mostBits())),
+                0, null, field.place());
+        if (source == null) {
+            return image;
+        }
+        ImagePlan sized = image.sized(source.width(), source.height());
+        return sized.withFile(source.file(sized.strideBytes()));
     }
 
     private static int side(JsonMembers members, String name) throws RequestFileException {

@@ -37,6 +37,11 @@ final class JsonField {
         return error("needs " + what + ", found " + quote());
     }
 
+    /** This field as an image's place. */
+    ImagePlan.Place place() {
+        return new ImagePlan.Place(mFile, mPath);
+    }
+
     private String quote() {
         if (mElement.isJsonObject()) {
             return "an object";

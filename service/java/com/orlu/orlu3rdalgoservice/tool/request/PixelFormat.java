@@ -28,12 +28,17 @@ public enum PixelFormat {
         return this == MIPI_RAW10 || this == RAW16 || this == RAW_SENSOR;
     }
 
+    /** Bits that a raw sample can have. */
+    int mostBits() {
+        return this == MIPI_RAW10 ? 10 : 16;
+    }
+
     public boolean isYuv() {
         return this == NV21 || this == NV12 || isPlanar();
     }
 
     /** Whether the chroma lies in two planes of its own. */
-    boolean isPlanar() {
+    public boolean isPlanar() {
         return this == YU12 || this == YV12;
     }
 
@@ -45,6 +50,11 @@ public enum PixelFormat {
             case R8G8B8A8 -> width * 4;
             default -> width;
         };
+    }
+
+    /** Bytes of the pixels in a row of a plane. */
+    int rowBytes(int plane, int width) {
+        return plane > 0 && isPlanar() ? width / 2 : tightStride(width);
     }
 
     /** Strides of the planes that the native side reads. */

@@ -24,4 +24,13 @@ import java.util.Map;
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
         List<ImagePlan> inputs, List<ImagePlan> outputs) {
+    /** Whether any input is made of the photo. */
+    public boolean needsPhoto() {
+        return inputs.stream().anyMatch(image -> image.file() == null);
+    }
+
+    /** Whether a frame has an input made of the photo, so that there is a clean picture of it. */
+    public boolean isOfPhoto(int frame) {
+        return inputs.stream().anyMatch(image -> image.file() == null && image.frame() == frame);
+    }
 }

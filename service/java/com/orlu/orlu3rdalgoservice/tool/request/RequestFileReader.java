@@ -1,8 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
 import java.nio.charset.StandardCharsets;
-import java.nio.file.Files;
-import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
 import java.util.LinkedHashMap;
 import java.util.List;
@@ -33,7 +31,7 @@ public final class RequestFileReader {
         boolean fullAsync = members.bool("fullAsync", false);
         FrameSetPlan frames = FrameSetReader.read(members.require("frames"));
         putServiceValues(members, fullAsync, frames);
-        ImagePlanReader images = new ImagePlanReader(frames.frames().size());
+        ImagePlanReader images = new ImagePlanReader(mFile, frames.frames().size());
         List<ImagePlan> inputs = images.inputs(members.require("inputs"));
         List<ImagePlan> outputs = images.outputs(members.require("outputs"));
         JsonMembers client = client(members);
@@ -43,8 +41,7 @@ public final class RequestFileReader {
                 client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
                 client.integer("algoContextIndex", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
                 client.integer("imageFormat", 0, Integer.MAX_VALUE, releaseFormat(inputs)),
-                properties(members), fullAsync, photo(members, field, !inputs.isEmpty()), frames, inputs,
-                outputs);
+                properties(members), fullAsync, photo(members, field, inputs), frames, inputs, outputs);
     }
 
     private static JsonMembers client(JsonMembers members) throws RequestFileException {
@@ -102,25 +99,17 @@ public final class RequestFileReader {
         return property.getBytes(StandardCharsets.UTF_8).length > LONGEST_PROPERTY;
     }
 
-    private Path photo(JsonMembers members, JsonField root, boolean needed) throws RequestFileException {
+    private Path photo(JsonMembers members, JsonField root, List<ImagePlan> inputs)
+            throws RequestFileException {
         if (mOtherPhoto != null) {
             return mOtherPhoto;
         }
         if (!members.has("photo")) {
-            if (needed) {
+            if (inputs.stream().anyMatch(image -> image.file() == null)) {
                 throw root.error("needs the field photo: the inputs are made of one");
             }
             return null;
         }
-        JsonField field = members.get("photo");
-        try {
-            Path photo = mFile.resolveSibling(field.string());
-            if (Files.isRegularFile(photo)) {
-                return photo;
-            }
-        } catch (InvalidPathException e) {
-            // A name that no file can have.
-        }
-        throw field.error("no such photo: " + field.string());
+        return ImageFileReader.existing(mFile, members.get("photo"), "photo");
     }
 }

@@ -10,9 +10,11 @@ import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
 import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -54,7 +56,7 @@ final class TrialRequest implements AutoCloseable {
     private Object mDone;
 
     /** The images' sizes are those of the frames where the file gives none. */
-    TrialRequest(RequestFile file, int width, int height) throws ErrnoException {
+    TrialRequest(RequestFile file, FrameSize size) throws ErrnoException, RequestFileException {
         file.properties().forEach(SystemProperties::set);
         for (FramePlan frame : file.frames().frames()) {
             mFrames.add(new Frame(frame.captureResult(), frame.composition()));
@@ -62,10 +64,10 @@ final class TrialRequest implements AutoCloseable {
         }
         mRequest = new VRequest(file.id(), file.type());
         for (var plan : file.inputs()) {
-            mInputs.add(image(ImageBuffer.empty(plan.sized(width, height))));
+            mInputs.add(image(ImageBuffer.empty(size.applyTo(plan))));
         }
         for (var plan : file.outputs()) {
-            mOutputs.add(image(ImageBuffer.empty(plan.sized(width, height))));
+            mOutputs.add(image(ImageBuffer.empty(size.applyTo(plan))));
         }
         mParam.putMetadata("clientId", file.clientId());
         mParam.putMetadata("algoContextIndex", file.algoContextIndex());

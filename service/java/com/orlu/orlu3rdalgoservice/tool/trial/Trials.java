@@ -4,7 +4,9 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Asked;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Change;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Frame;
@@ -63,14 +65,14 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request, whose images have the width and height where the file gives none. Frames
+     * Runs the trials of a request, whose images have this size where the file gives none. Frames
      * and compositions are afterwards as they were. It loads the algorithm library of trials, whose file must
      * be what the native library finds under the algorithm library's name.
      */
-    public static Dependences of(RequestFile file, int width, int height, String library)
-            throws ErrnoException {
+    public static Dependences of(RequestFile file, FrameSize size, String library)
+            throws ErrnoException, RequestFileException {
         TrialLibrary.load(library);
-        try (TrialRequest request = new TrialRequest(file, width, height)) {
+        try (TrialRequest request = new TrialRequest(file, size)) {
             return of(request);
         }
     }

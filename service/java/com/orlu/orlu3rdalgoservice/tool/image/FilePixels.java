@@ -1,0 +1,85 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageFile;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.EOFException;
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.channels.FileChannel;
+
+/** The pixels of an input that come from a file. */
+public final class FilePixels {
+    private final ImagePlan mPlan;
+    private final ImageFile mFile;
+    private int mLargestSample;
+
+    /** For an input that has a file. */
+    public FilePixels(ImagePlan plan) {
+        mPlan = plan;
+        mFile = plan.file();
+    }
+
+    /** Decodes a file that is not taken byte by byte, for its errors alone. */
+    public void check() throws RequestFileException {
+        if (mFile.kind() != ImageFileKind.BYTES) {
+            fill(null);
+        }
+    }
+
+    /** Fills the image's memory; null for only decoding. Nothing is written past its description. */
+    void fill(ByteBuffer to) throws RequestFileException {
+        try {
+            if (mFile.kind() == ImageFileKind.BYTES) {
+                copyPlanes(to);
+            } else if (mPlan.format().isRaw()) {
+                readSamples(to == null ? (x, y, sample) -> { } : PixelWriter.samples(mPlan, to));
+            } else {
+                Picture picture = Picture.of(PictureFile.open(mFile.path()).decode());
+                if (to != null) {
+                    PixelWriter.write(picture, mPlan, to);
+                }
+            }
+        } catch (IOException e) {
+            throw mPlan.place().error("file", mFile.path() + ": " + e.getMessage());
+        }
+    }
+
+    // One plane follows the other in memory.
+    private void copyPlanes(ByteBuffer to) throws IOException {
+        try (FileChannel channel = FileChannel.open(mFile.path())) {
+            int at = 0;
+            for (ImageFile.Plane plane : mFile.planes()) {
+                ByteBuffer part = to.slice(at, plane.size());
+                channel.position(plane.offset());
+                while (part.hasRemaining()) {
+                    if (channel.read(part) < 0) {
+                        throw new EOFException("it became shorter while it was read");
+                    }
+                }
+                at += plane.size();
+            }
+        }
+    }
+
+    private void readSamples(SampleSink to) throws IOException {
+        SampleSink measured = (x, y, sample) -> {
+            mLargestSample = Math.max(mLargestSample, sample);
+            to.put(x, y, sample);
+        };
+        if (mFile.kind() == ImageFileKind.DNG) {
+            DngFile.open(mFile.path()).readSamples(measured);
+        } else {
+            PictureFile.open(mFile.path()).readSamples(measured);
+        }
+        if (mLargestSample >> mPlan.bits() != 0) {
+            throw new IOException("a sample is " + mLargestSample + ", more than " + mPlan.bits()
+                    + " bits hold (the field bits)");
+        }
+    }
+}

@@ -1,0 +1,28 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.util.List;
+
+/**
+ * The size of images that name none: that of the frames made of a photo, else of the first input's file, else
+ * what the request file says of its frames.
+ */
+public record FrameSize(int width, int height) {
+    public static FrameSize of(RequestFile request, List<SynthesisedFrame> frames) {
+        if (!frames.isEmpty()) {
+            return new FrameSize(frames.get(0).shot().width(), frames.get(0).shot().height());
+        }
+        if (!request.inputs().isEmpty() && request.inputs().get(0).file() != null) {
+            return new FrameSize(request.inputs().get(0).width(), request.inputs().get(0).height());
+        }
+        return new FrameSize(request.frames().width(), request.frames().height());
+    }
+
+    /** The image with this size where it has none. A stride below a row is a RequestFileException. */
+    public ImagePlan applyTo(ImagePlan plan) throws RequestFileException {
+        return plan.sized(width, height);
+    }
+}

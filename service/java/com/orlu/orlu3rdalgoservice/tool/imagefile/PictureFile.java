@@ -1,0 +1,79 @@
+package com.orlu.orlu3rdalgoservice.tool.imagefile;
+
+import java.awt.image.BufferedImage;
+import java.awt.image.Raster;
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.Iterator;
+
+import javax.imageio.ImageIO;
+import javax.imageio.ImageReader;
+import javax.imageio.stream.ImageInputStream;
+
+/** A PNG, TIFF or JPEG file. What can't be read is an IOException whose message says what is wrong. */
+public final class PictureFile {
+    private final Path mPath;
+    private final int mWidth;
+    private final int mHeight;
+
+    private PictureFile(Path path, int width, int height) {
+        mPath = path;
+        mWidth = width;
+        mHeight = height;
+    }
+
+    private interface Use<T> {
+        T of(ImageReader reader) throws IOException;
+    }
+
+    /** Reads the header alone. */
+    public static PictureFile open(Path path) throws IOException {
+        return with(path, reader -> new PictureFile(path, reader.getWidth(0), reader.getHeight(0)));
+    }
+
+    public int width() {
+        return mWidth;
+    }
+
+    public int height() {
+        return mHeight;
+    }
+
+    /** Decodes the picture, in the colours and bits that the file has. */
+    public BufferedImage decode() throws IOException {
+        return with(mPath, reader -> reader.read(0));
+    }
+
+    /** Hands over the samples of a picture of one sample a pixel; any other is an IOException. */
+    public void readSamples(SampleSink to) throws IOException {
+        Raster raster = decode().getRaster();
+        if (raster.getNumBands() != 1) {
+            throw new IOException("needs one sample a pixel for a raw format, found "
+                    + raster.getNumBands());
+        }
+        for (int y = 0; y < mHeight; ++y) {
+            for (int x = 0; x < mWidth; ++x) {
+                to.put(x, y, raster.getSample(x, y, 0));
+            }
+        }
+    }
+
+    private static <T> T with(Path path, Use<T> use) throws IOException {
+        try (ImageInputStream stream = ImageIO.createImageInputStream(path.toFile())) {
+            Iterator<ImageReader> readers = ImageIO.getImageReaders(stream);
+            if (!readers.hasNext()) {
+                throw new IOException("no picture of a known form");
+            }
+            ImageReader reader = readers.next();
+            try {
+                reader.setInput(stream, true, true);
+                return use.of(reader);
+            } finally {
+                reader.dispose();
+            }
+        } catch (RuntimeException e) {
+            // The decoders let these pass on damaged files.
+            throw new IOException("damaged: " + e.getMessage(), e);
+        }
+    }
+}

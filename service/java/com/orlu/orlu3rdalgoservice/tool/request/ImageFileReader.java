@@ -1,0 +1,199 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.InvalidPathException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/** Reads the part of an input's description that is about its file, and checks it against the file. */
+final class ImageFileReader {
+    /** A side of the largest sensors, and more than a photo's frames may have. */
+    static final int LARGEST_SIDE = 1 << 14;
+    private static final int LARGEST_PLANE = 1 << 29;
+    private static final long LARGEST_OFFSET = 1L << 48;
+
+    private final JsonMembers mMembers;
+    private final JsonField mField;
+    private final PixelFormat mFormat;
+    private final Path mPath;
+    private final ImageFileKind mKind;
+    private int mWidth;
+    private int mHeight;
+    private int mBits = ImagePlanReader.USUAL_BITS;
+
+    /** The field holds the file's name; the members are those of the image. */
+    ImageFileReader(Path requestFile, JsonField field, JsonMembers members, PixelFormat format)
+            throws RequestFileException {
+        mMembers = members;
+        mField = field;
+        mFormat = format;
+        mPath = existing(requestFile, field, "file");
+        ImageFileKind kind = ImageFileKind.of(mPath);
+        // An encoded picture is the very bytes of its file.
+        mKind = kind == ImageFileKind.JPEG && format == PixelFormat.JPEG ? ImageFileKind.BYTES : kind;
+        readSize(kind);
+    }
+
+    /** The file that a field names, beside the request file; an error when there is none. */
+    static Path existing(Path requestFile, JsonField field, String what) throws RequestFileException {
+        try {
+            Path path = requestFile.resolveSibling(field.string());
+            if (Files.isRegularFile(path)) {
+                return path;
+            }
+        } catch (InvalidPathException e) {
+            // A name that no file can have.
+        }
+        throw field.error("no such " + what + ": " + field.string());
+    }
+
+    int width() {
+        return mWidth;
+    }
+
+    int height() {
+        return mHeight;
+    }
+
+    /** Bits of a raw sample where the description names none. */
+    int bits() {
+        return mBits;
+    }
+
+    private void readSize(ImageFileKind kind) throws RequestFileException {
+        try {
+            if (kind == ImageFileKind.BYTES) {
+                mWidth = mMembers.require("width").integer(1, LARGEST_SIDE);
+                mHeight = mMembers.require("height").integer(1, LARGEST_SIDE);
+            } else if (kind == ImageFileKind.DNG) {
+                DngFile dng = DngFile.open(mPath);
+                setSize(dng.width(), dng.height());
+                mBits = dng.bits();
+            } else {
+                PictureFile picture = PictureFile.open(mPath);
+                setSize(picture.width(), picture.height());
+                mBits = Short.SIZE;
+            }
+        } catch (IOException e) {
+            throw mField.error(mPath + ": " + e.getMessage());
+        }
+        checkFormat(kind);
+    }
+
+    private void setSize(int width, int height) throws RequestFileException {
+        mWidth = agreeing("width", width);
+        mHeight = agreeing("height", height);
+    }
+
+    // The header knows; who writes the size as well is to know when it is another.
+    private int agreeing(String member, int inFile) throws RequestFileException {
+        if (inFile > LARGEST_SIDE) {
+            throw mField.error(
+                    mPath + ": " + member + " needs at most " + LARGEST_SIDE + ", found " + inFile);
+        }
+        if (mMembers.has(member) && mMembers.get(member).integer(0, LARGEST_SIDE) != inFile) {
+            throw mMembers.get(member).needs(inFile + ", which the header of " + mPath + " says");
+        }
+        return inFile;
+    }
+
+    private void checkFormat(ImageFileKind kind) throws RequestFileException {
+        if (kind == ImageFileKind.DNG && !mFormat.isRaw()) {
+            throw mField.error("a DNG file needs a raw format, found " + mFormat);
+        }
+        if (mFormat == PixelFormat.JPEG && mKind != ImageFileKind.BYTES) {
+            throw mField.error("the format JPEG needs a JPEG file");
+        }
+        if (kind == ImageFileKind.JPEG && mFormat.isRaw()) {
+            throw mField.error("a JPEG file holds no raw samples for " + mFormat);
+        }
+        if (mFormat.isYuv() && (mWidth % 2 != 0 || mHeight % 2 != 0)) {
+            throw mField.error(mFormat + " needs even sides, found " + mWidth + "x" + mHeight);
+        }
+        if (kind != ImageFileKind.BYTES) {
+            for (String member : List.of("offset", "planes")) {
+                if (mMembers.has(member)) {
+                    throw mMembers.get(member).error("a file with a header of its own has no such field");
+                }
+            }
+        }
+    }
+
+    /** The file, with the planes that rows of this many bytes have. */
+    ImageFile file(int stride) throws RequestFileException {
+        if (mKind != ImageFileKind.BYTES) {
+            return new ImageFile(mPath, mKind, List.of());
+        }
+        long size = size();
+        long offset = mMembers.integer("offset", 0L, LARGEST_OFFSET, 0L);
+        if (mFormat == PixelFormat.JPEG) {
+            return jpeg(offset, size, stride);
+        }
+        List<JsonField> own = mMembers.has("planes") ? mMembers.get("planes").list() : null;
+        int[] strides = mFormat.strides(stride);
+        if (own != null && own.size() != strides.length) {
+            throw mMembers.get("planes").error("needs " + strides.length + " planes for " + mFormat
+                    + ", found " + own.size());
+        }
+        List<ImageFile.Plane> planes = new ArrayList<>();
+        for (int i = 0; i < strides.length; ++i) {
+            JsonField field = own == null ? mField : own.get(i);
+            JsonMembers members = own == null ? new JsonMembers(mField, Map.of())
+                    : field.members("offset", "stride", "size");
+            ImageFile.Plane plane = plane(members, i, offset, strides[i]);
+            checkInFile(field, plane, i, size);
+            planes.add(plane);
+            offset = plane.offset() + plane.size();
+        }
+        return new ImageFile(mPath, mKind, planes);
+    }
+
+    private ImageFile jpeg(long offset, long size, int stride) throws RequestFileException {
+        if (offset >= size || size - offset > LARGEST_PLANE) {
+            throw mField.error(mPath + ": needs from 1 to " + LARGEST_PLANE + " bytes of a JPEG at "
+                    + offset + ", found " + (size - offset));
+        }
+        return new ImageFile(
+                mPath, mKind, List.of(new ImageFile.Plane(offset, stride, (int) (size - offset))));
+    }
+
+    // The last row of a plane may end with its pixels.
+    private ImageFile.Plane plane(JsonMembers members, int index, long offset, int usualStride)
+            throws RequestFileException {
+        int rows = rows(index);
+        int row = mFormat.rowBytes(index, mWidth);
+        int stride = members.integer("stride", row, LARGEST_PLANE / rows, usualStride);
+        int least = stride * (rows - 1) + row;
+        int size = members.integer("size", least, LARGEST_PLANE, stride * rows);
+        return new ImageFile.Plane(members.integer("offset", 0L, LARGEST_OFFSET, offset), stride, size);
+    }
+
+    // The two chroma planes of a planar format count as one.
+    private int rows(int index) {
+        return index == 0 || mFormat.isPlanar() ? mHeight : mHeight / 2;
+    }
+
+    private void checkInFile(JsonField field, ImageFile.Plane plane, int index, long size)
+            throws RequestFileException {
+        long end = plane.offset() + plane.size();
+        if (end > size) {
+            throw field.error(mPath + ": plane " + index + " needs " + end + " bytes (" + plane.size()
+                    + " at " + plane.offset() + "), found " + size);
+        }
+    }
+
+    private long size() throws RequestFileException {
+        try {
+            return Files.size(mPath);
+        } catch (IOException e) {
+            throw mField.error(mPath + ": can't be read");
+        }
+    }
+}

@@ -1,0 +1,185 @@
+#!/usr/bin/env python3
+"""Request files whose images come from files: what the library gets of them, and what is refused.
+
+image_files_test.py BUILD_FOLDER
+"""
+
+import json
+import os
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from image_files import dng, png, read_png, tiff  # noqa: E402
+
+ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+WIDTH, HEIGHT = 16, 12
+SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
+GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
+failures = []
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{what}: expected {str(wanted)[:400]}, found {str(found)[:400]}")
+
+
+def little_endian_rows(rows, stride):
+    return b"".join(b"".join(s.to_bytes(2, "little") for s in row).ljust(stride, b"\xee") for row in rows)
+
+
+def packed10_rows(rows, stride):
+    packed = b""
+    for row in rows:
+        groups = (row[i:i + 4] for i in range(0, len(row), 4))
+        packed += b"".join(bytes([s >> 2 for s in g] + [sum((s & 3) << 2 * i for i, s in enumerate(g))])
+                           for g in groups).ljust(stride, b"\xee")
+    return packed
+
+
+def write_files():
+    gray_rows = b"".join(bytes(row).ljust(20, b"\xee") for row in GRAY)
+    files = {
+        "tight.raw": little_endian_rows(SAMPLES, 32),
+        "padded.raw": b"header" + little_endian_rows(SAMPLES, 40),
+        "packed.raw10": packed10_rows(SAMPLES, 20),
+        "tight.nv21": bytes(sum(GRAY, [])) + bytes([128]) * (WIDTH * HEIGHT // 2),
+        # The luma's padding rows and the chroma of another stride are between and behind.
+        "planes.yuv": b"\x80" * 150 + gray_rows + b"\xee" * 40,
+        "a.dng": dng(SAMPLES, white=1023, rows_per_strip=5),
+        "packed.dng": dng(SAMPLES, bits=10, big_endian=True),
+        "tiled.dng": dng(SAMPLES, tile=(10, 8), white=1023),
+        "thumbnail.dng": dng(SAMPLES, thumbnail=True),
+        "a.png": png(SAMPLES, 16), "gray.png": png(GRAY, 8), "a.tiff": tiff(SAMPLES),
+        "jpeg.dng": dng(SAMPLES, compression=7), "cut.dng": dng(SAMPLES)[:-1], "text.dng": b"no image",
+        "strips.dng": dng(SAMPLES, rows_per_strip=5, strips=2),
+        "cut.png": png(GRAY, 8)[:70], "odd.png": png([row[:15] for row in GRAY], 8),
+    }
+    for name, content in files.items():
+        Path(name).write_bytes(content)
+
+
+def run(*requests, check=False):
+    """Runs the requests, as shot0.json and so on, in one command."""
+    files = [Path(f"shot{i}.json") for i in range(len(requests))]
+    for file, request in zip(files, requests):
+        file.write_text(json.dumps(request))
+    command = [ROOT / "run", "--wide", *(["--check"] if check else ["--out", "out"]), *files]
+    return subprocess.run(command, capture_output=True, text=True, env={**os.environ, "ORLU_BUILD": BUILD},
+                          check=False)
+
+
+def request(*inputs):
+    frames = [{"captureResult": {"android.sensor.timestamp": 1000 + i}} for i in range(len(inputs))]
+    return {"request": {"id": 1}, "algorithms": ["none"], "frames": frames, "inputs": list(inputs),
+            "outputs": [{"format": inputs[0].get("format", "RAW16"), "stride": inputs[0].get("stride", 0)}]}
+
+
+def netpbm(path):
+    """The samples of a PGM file of two bytes a sample; None when there is none."""
+    if not Path(path).exists():
+        return None
+    data = Path(path).read_bytes().split(b"\n", 3)[3]
+    pairs = [int.from_bytes(data[i:i + 2], "big") for i in range(0, len(data), 2)]
+    return [pairs[i:i + WIDTH] for i in range(0, len(pairs), WIDTH)]
+
+
+def takes_raw():
+    """Each form of file hands the same samples to the library, which passes them through to the output."""
+    size = {"width": WIDTH, "height": HEIGHT}
+    images = (
+        {"file": "tight.raw", "format": "RAW16", **size},
+        {"file": "padded.raw", "format": "RAW_SENSOR", "offset": 6, "stride": 40, **size},
+        {"file": "padded.raw", "format": "RAW_SENSOR", "planes": [{"offset": 6, "stride": 40, "size": 472}],
+         "memory": "hardware", **size},
+        {"file": "packed.raw10", "format": "MIPI_RAW10", **size},
+        {"file": "a.dng", "format": "RAW16"}, {"file": "a.dng", "format": "MIPI_RAW10"},
+        {"file": "packed.dng", "format": "RAW16"}, {"file": "tiled.dng", "format": "RAW16"},
+        {"file": "thumbnail.dng", "format": "RAW_SENSOR", "stride": 64, **size},
+        {"file": "a.png", "format": "RAW16"}, {"file": "a.tiff", "format": "RAW16"})
+    done = run(*(request(image) for image in images))
+    expect(f"raw files: {done.stderr}{done.stdout}", (0, False), (done.returncode, "noise" in done.stdout))
+    for i, image in enumerate(images):
+        expect(f"{image} in", SAMPLES, netpbm(f"out/shot{i}-base.pgm"))
+        expect(f"{image} out", SAMPLES, netpbm(f"out/shot{i}-out0.pgm"))
+
+
+def takes_pictures():
+    planes = [{"offset": 150, "stride": 20, "size": 280}, {"offset": 0, "stride": 24, "size": 136}]
+    images = (
+        {"file": "gray.png", "format": "NV21", "stride": 32}, {"file": "gray.png", "format": "YV12"},
+        {"file": "gray.png", "format": "R8G8B8A8"},
+        {"file": "tight.nv21", "format": "NV21", "width": WIDTH, "height": HEIGHT},
+        {"file": "planes.yuv", "format": "NV21", "width": WIDTH, "height": HEIGHT, "planes": planes})
+    done = run(*(request(image) for image in images))
+    expect(f"pictures: {done.stderr}{done.stdout}", 0, done.returncode)
+    for i, image in enumerate(images):
+        expect(f"{image} in", [[s for s in row for _ in range(3)] for row in GRAY],
+               read_png(Path(f"out/shot{i}-base.png").read_bytes()))
+
+
+def takes_several():
+    """Every image has its own file, beside images made of the photo, whose frame alone is measured."""
+    mixed = request({"format": "NV21"}, {"file": "gray.png", "format": "NV21", "frame": 1})
+    mixed.update(photo=str(ROOT / "samples/photos/table.jpg"), frames={
+        "count": 2, "noise": 5, "width": WIDTH, "height": HEIGHT, "common": {"captureResult": {
+            "android.sensor.timestamp": {"first": 1, "step": 1}}}})
+    two = request({}, {})
+    two["inputs"] = {"format": "RAW16", "file": ["a.dng", "packed.dng"]}
+    done = run(mixed, two)
+    for part in ("frame 1 from gray.png", "output 0, luma PSNR", "  2 x RAW16 16x12, ",
+                 "frame 1 from packed.dng"):
+        expect(f"{part}: {done.stderr}{done.stdout}", 1, done.stdout.count(part))
+
+
+def refuses():
+    raw = {"file": "tight.raw", "format": "RAW16", "width": WIDTH, "height": HEIGHT}
+    nv21 = {"file": "tight.nv21", "format": "NV21", "width": WIDTH, "height": HEIGHT}
+    for image, problem in (
+            ({**raw, "file": "none.raw"}, "file: no such file: none.raw"),
+            ({"format": "RAW16", "file": "tight.raw", "width": 16}, "needs the field height"),
+            ({"format": "RAW16", "width": 16},
+             "width: needs the field file beside it: the pixels are a photo's"),
+            ({**raw, "stride": 30}, "stride: needs at least 32 bytes, a row of 16 pixels, found 30"),
+            ({**raw, "height": 13}, "file: tight.raw: plane 0 needs 416 bytes (416 at 0), found 384"),
+            ({**raw, "offset": 1}, "file: tight.raw: plane 0 needs 385 bytes (384 at 1), found 384"),
+            ({**nv21, "stride": 18}, "file: tight.nv21: plane 1 needs 324 bytes (108 at 216), found 288"),
+            ({**nv21, "planes": [{}]}, "planes: needs 2 planes for NV21, found 1"),
+            ({**nv21, "planes": [{"size": 10}, {}]},
+             "planes[0].size: needs a whole number from 192 to 536870912, found 10"),
+            ({**nv21, "width": 15}, "file: NV21 needs even sides, found 15x12"),
+            ({"file": "odd.png", "format": "NV21"}, "file: NV21 needs even sides, found 15x12"),
+            ({"file": "a.dng", "format": "RAW16", "width": 18},
+             "width: needs 16, which the header of a.dng says, found 18"),
+            ({"file": "a.dng", "format": "NV21"}, "file: a DNG file needs a raw format, found NV21"),
+            ({"file": "a.dng", "format": "RAW16", "bits": 9},
+             "file: a.dng: a sample is 1016, more than 9 bits hold (the field bits)"),
+            ({"file": "a.dng", "format": "RAW16", "offset": 4},
+             "offset: a file with a header of its own has no such field"),
+            ({"file": "jpeg.dng", "format": "RAW16"}, "file: jpeg.dng: Compression needs 1, found 7"),
+            ({"file": "cut.dng", "format": "RAW16"},
+             "file: cut.dng: too short: strip or tile 0 needs {size} bytes, found {short}"),
+            ({"file": "strips.dng", "format": "RAW16"}, "file: strips.dng: needs 3 strips or tiles, found 2"),
+            ({"file": "gray.png", "format": "JPEG"}, "file: the format JPEG needs a JPEG file")):
+        cut = Path("cut.dng").stat().st_size
+        line = f"run: shot0.json: inputs[0]{'' if problem.startswith('needs') else '.'}" + problem.format(
+            size=cut + 1, short=cut)
+        if problem.startswith("needs"):
+            line = line.replace("inputs[0]", "inputs[0]: ")
+        done = run(request(image), check=True)
+        expect(image, (2, line), (done.returncode, done.stderr.rstrip("\n")))
+    for name in ("text.dng", "cut.png"):
+        done = run(request({"file": name, "format": "RAW16"}))
+        expect(name, [2, True, 1, ""], [done.returncode, done.stderr.startswith(
+            f"run: shot0.json: inputs[0].file: {name}: "), done.stderr.count("\n"), done.stdout])
+
+
+with tempfile.TemporaryDirectory() as folder:
+    os.chdir(folder)
+    write_files()
+    for case in (takes_raw, takes_pictures, takes_several, refuses):
+        case()
+print("\n".join(failures) or "All passed")
+sys.exit(bool(failures))

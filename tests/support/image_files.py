@@ -1,0 +1,112 @@
+"""Image files made byte by byte, right ones and wrong ones: DNG, TIFF and PNG."""
+
+import struct
+import zlib
+
+SHORT, LONG = 3, 4
+
+
+def pack_samples(rows, bits, order):
+    """Samples row by row: whole ones in the file's byte order, others from the highest bit on."""
+    if bits == 16:
+        return b"".join(struct.pack(f"{order}{len(row)}H", *row) for row in rows)
+    packed = b""
+    for row in rows:
+        text = "".join(f"{sample:0{bits}b}" for sample in row)
+        text += "0" * (-len(text) % 8)
+        packed += int(text, 2).to_bytes(len(text) // 8, "big")
+    return packed
+
+
+def directory(entries, at, order):
+    """A directory of (tag, type, values) that lies at this offset, with long values behind it."""
+    entries = sorted(entries)
+    behind = at + 2 + 12 * len(entries) + 4
+    head, tail = struct.pack(f"{order}H", len(entries)), b""
+    for tag, kind, values in entries:
+        packed = values if isinstance(values, bytes) else struct.pack(
+            f"{order}{len(values)}{'H' if kind == SHORT else 'I'}", *values)
+        count = len(values) // 8 if kind in (5, 10) else len(values)
+        if len(packed) > 4:
+            head += struct.pack(f"{order}HHII", tag, kind, count, behind + len(tail))
+            tail += packed + b"\0" * (len(packed) % 2)
+        else:
+            head += struct.pack(f"{order}HHI", tag, kind, count) + packed.ljust(4, b"\0")
+    return head + b"\0" * 4 + tail
+
+
+def blocks_of(rows, rows_per_strip, tile):
+    if tile is None:
+        return [rows[top:top + rows_per_strip] for top in range(0, len(rows), rows_per_strip)]
+    width, height = tile
+    blocks = []
+    for top in range(0, len(rows), height):
+        for left in range(0, len(rows[0]), width):
+            block = [(row[left:left + width] + [0] * width)[:width] for row in rows[top:top + height]]
+            blocks.append(block + [[0] * width] * (height - len(block)))
+    return blocks
+
+
+def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=None, compression=1,
+        thumbnail=False, strips=None, photometric=32803, extra=()):
+    """A DNG file. With a thumbnail the raw image is in a directory below the first; strips keeps so many."""
+    order = ">" if big_endian else "<"
+    rows_per_strip = rows_per_strip or len(rows)
+    blocks = [pack_samples(block, bits, order) for block in blocks_of(rows, rows_per_strip, tile)][:strips]
+
+    def raw(offsets):
+        entries = [(256, LONG, [len(rows[0])]), (257, LONG, [len(rows)]), (258, SHORT, [bits]),
+                   (259, SHORT, [compression]), (262, SHORT, [photometric]), (277, SHORT, [1]), *extra]
+        if white:
+            entries.append((0xC61D, SHORT, [white]))
+        if tile:
+            return entries + [(322, LONG, [tile[0]]), (323, LONG, [tile[1]]), (324, LONG, offsets)]
+        return entries + [(273, LONG, offsets), (278, LONG, [rows_per_strip]),
+                          (279, LONG, [len(block) for block in blocks])]
+
+    def headers(offsets):
+        if not thumbnail:
+            return directory(raw(offsets), 8, order)
+        first = [(256, LONG, [1]), (257, LONG, [1]), (262, SHORT, [2]), (330, LONG, [100])]
+        return directory(first, 8, order).ljust(92, b"\0") + directory(raw(offsets), 100, order)
+
+    start = 8 + len(headers([0] * len(blocks)))
+    offsets = [start + sum(len(b) for b in blocks[:i]) for i in range(len(blocks))]
+    mark = struct.pack(f"{order}2sHI", b"MM" if big_endian else b"II", 42, 8)
+    return mark + headers(offsets) + b"".join(blocks)
+
+
+def tiff(rows):
+    """A grey TIFF file of 16 bits."""
+    return dng(rows, photometric=1)
+
+
+def png(rows, bits):
+    """A grey PNG file."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    lines = b"".join(b"\0" + pack_samples([row], bits, ">") for row in rows)
+    header = struct.pack(">IIBBBBB", len(rows[0]), len(rows), bits, 0, 0, 0, 0)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(lines))
+            + chunk(b"IEND", b""))
+
+
+def read_png(data):
+    """The rows of an RGB PNG file of 8 bits, each a list of its samples."""
+    width, height = struct.unpack(">II", data[16:24])
+    at, packed = 8, b""
+    while at < len(data):
+        size, kind = struct.unpack(">I4s", data[at:at + 8])
+        packed += data[at + 8:at + 8 + size] if kind == b"IDAT" else b""
+        at += size + 12
+    lines, rows, above = zlib.decompress(packed), [], [0] * (3 * width)
+    for y in range(height):
+        line = lines[y * (3 * width + 1):(y + 1) * (3 * width + 1)]
+        row = []
+        for i, byte in enumerate(line[1:]):
+            left, corner = (row[i - 3], above[i - 3]) if i > 2 else (0, 0)
+            nearest = min((left, above[i], corner), key=lambda s: abs(left + above[i] - corner - s))
+            row.append((byte + (0, left, above[i], (left + above[i]) // 2, nearest)[line[0]]) % 256)
+        rows.append(row)
+        above = row
+    return rows
