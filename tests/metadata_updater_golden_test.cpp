@@ -4,77 +4,81 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <ostream>
 
-#include "case_name.h"
-#include "golden_check.h"
-#include "golden_variation.h"
-#include "log_capture.h"
-#include "paths.h"
+#include "golden_run.h"
+#include "log_texts.h"
 
 namespace orlu::test {
 
-void PrintTo(const GoldenVariation& variation, std::ostream* out) {
-  *out << variation.name << " of " << variation.base;
+void PrintTo(const GoldenCase& golden, std::ostream* out) {
+  *out << golden.name;
 }
 
 namespace {
 
-// Every text in a folder of golden texts: one that is added is run.
-std::vector<std::filesystem::path> textsIn(const std::string& folder) {
-  std::vector<std::filesystem::path> texts;
-  for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + folder)) {
-    if (entry.path().extension() == ".txt") texts.push_back(entry.path());
-  }
-  std::sort(texts.begin(), texts.end());
-  return texts;
+void report(const std::vector<GoldenLine>& failures) {
+  for (const GoldenLine& line : failures) ADD_FAILURE_AT(line.file.c_str(), line.number) << line.text;
 }
 
-std::vector<std::string> captureNames() {
-  std::vector<std::string> names;
-  for (const auto& path : textsIn("")) names.push_back(path.stem());
-  return names;
-}
-
-std::vector<GoldenVariation> allVariations() {
-  std::vector<GoldenVariation> all;
-  for (const auto& path : textsIn("variations")) {
-    const std::vector<GoldenVariation> read = readGoldenVariations(path);
-    all.insert(all.end(), read.begin(), read.end());
-  }
-  return all;
-}
-
-void report(const std::vector<GoldenFailure>& failures) {
-  for (const GoldenFailure& failure : failures) {
-    ADD_FAILURE_AT(failure.place.file.c_str(), failure.place.line) << failure.text;
+// Checks a request as it is written, and with its tags in compositions.
+template <typename Check>
+void checkBoth(const GoldenCase& golden, const Check& check) {
+  Algo algo;
+  for (const bool isOverridden : {false, true}) {
+    SCOPED_TRACE(isOverridden ? "with every tag in a composition, over another value" : "as it is written");
+    const LogCapture log;
+    const GoldenRun run = runGolden(isOverridden ? withOverrides(golden) : golden, algo);
+    report(check(run, log));
   }
 }
 
-class MetadataUpdaterGoldenTest : public testing::TestWithParam<std::string> {};
+struct FirstWord {
+  std::string operator()(const testing::TestParamInfo<GoldenCase>& tested) const {
+    return tested.param.name.substr(0, tested.param.name.find(' '));
+  }
+};
+
+class MetadataUpdaterGoldenTest : public testing::TestWithParam<GoldenCase> {};
 
 TEST_P(MetadataUpdaterGoldenTest, TranslatesAsWritten) {
-  const GoldenCase golden = readGoldenCase(GetParam());
-  Algo algo;
-  const LogCapture log;
-  report(checkGolden(golden, runGolden(golden, algo)));
-  SCOPED_TRACE("with every tag in a composition, over another value");
-  report(checkGolden(golden, runGolden(withOverrides(golden), algo)));
+  checkBoth(GetParam(), [](const auto& run, const auto&) { return checkGoldenText(GetParam(), run); });
 }
 
-INSTANTIATE_TEST_SUITE_P(Captures, MetadataUpdaterGoldenTest, testing::ValuesIn(captureNames()),
-                         [](const auto& tested) { return tested.param; });
+INSTANTIATE_TEST_SUITE_P(Captures, MetadataUpdaterGoldenTest, testing::ValuesIn(allGoldenTexts()),
+                         FirstWord());
 
-class MetadataUpdaterVariationTest : public testing::TestWithParam<GoldenVariation> {};
+class MetadataUpdaterVariationTest : public testing::TestWithParam<GoldenCase> {};
 
 TEST_P(MetadataUpdaterVariationTest, ChangesWhatItMust) {
-  report(checkVariation(GetParam()));
+  checkBoth(GetParam(),
+            [](const auto& run, const auto& log) { return checkGoldenVariation(GetParam(), run, log); });
 }
 
-INSTANTIATE_TEST_SUITE_P(Variations, MetadataUpdaterVariationTest, testing::ValuesIn(allVariations()),
-                         CaseName());
+INSTANTIATE_TEST_SUITE_P(Variations, MetadataUpdaterVariationTest, testing::ValuesIn(allGoldenVariations()),
+                         FirstWord());
+
+// An engineer who reads a log looks for the name that the line says, so that no helper's name may stand
+// there.
+TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
+  Algo algo;
+  algo.script.wanted = {
+      {"orlu.parameter", "remosaicOTPData", 8}
+  };
+  algo.use();
+  const LogCapture log;
+  for (const auto& captures : {allGoldenTexts(), allGoldenVariations()}) {
+    for (const GoldenCase& capture : captures) {
+      // Again, which knows the master frames now from the beginning, and lists them.
+      runGolden(capture, algo, [](MetadataUpdater& updater) { updater.updateMetadata(); });
+    }
+  }
+  LogTexts texts;
+  EXPECT_TRUE(texts.haveAll(log.lines()));
+  for (const GoldenLine& line : texts.unseen("MetadataUpdater")) {
+    ADD_FAILURE_AT(line.file.c_str(), line.number) << "never logged: " << line.text;
+  }
+}
 
 }  // namespace
 }  // namespace orlu::test

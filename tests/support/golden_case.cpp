@@ -1,8 +1,9 @@
 #include "golden_case.h"
 
 #include <algorithm>
-#include <cctype>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -17,35 +18,17 @@ std::string restOf(std::istream& in) {
   return rest;
 }
 
-std::vector<std::string> wordsOf(std::istream& in) {
-  std::vector<std::string> words;
-  for (std::string word; in >> word;) words.push_back(word);
-  return words;
-}
-
 void expect(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
-}
-
-// "640x480"
-void parseSize(const std::string& text, int& width, int& height) {
-  char by = 0;
-  std::istringstream in(text);
-  expect(in >> width >> by >> height && by == 'x', "a size is missing");
-}
-
-int defaultStride(const std::string& format, int width) {
-  return format.compare(0, 3, "RAW") == 0 ? 2 * width : width;
 }
 
 // "NV21 640x480 [stride 640] shared|hardware [x5]", or "none"
 void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   GoldenImage image;
-  std::string size;
-  in >> image.format >> size;
-  if (image.format == "none") return;
-  parseSize(size, image.width, image.height);
-  image.stride = defaultStride(image.format, image.width);
+  char by = 0;
+  if (in >> image.format; image.format == "none") return;
+  expect(in >> image.width >> by >> image.height && by == 'x', "a size is missing");
+  image.stride = image.format.compare(0, 3, "RAW") == 0 ? 2 * image.width : image.width;
   int times = 1;
   for (std::string word; in >> word;) {
     if (word == "stride") {
@@ -72,24 +55,22 @@ void addTag(std::vector<GoldenFrame>& frames, const GoldenLine& line) {
   for (size_t i = 0; i < frames.size(); ++i) {
     if (which != "*" && which != std::to_string(i)) continue;
     auto& tags = composition ? frames[i].composition : frames[i].captureResult;
-    tags[tag] = {parseGoldenValue(value, static_cast<int>(i)), line.place};
+    tags[tag] = {parseGoldenValue(value, static_cast<int>(i)), line};
   }
 }
 
 void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) {
   if (word == "type") {
     in >> golden.requestType;
-  } else if (word == "input") {
-    addImages(golden.inputs, in);
-  } else if (word == "output") {
-    addImages(golden.outputs, in);
+  } else if (word == "input" || word == "output") {
+    addImages(word == "input" ? golden.inputs : golden.outputs, in);
   } else if (word == "frames") {
     size_t count = 0;
     in >> count;
     golden.frames.assign(count, {});
     for (const GoldenLine& line : golden.tagLines) addTag(golden.frames, line);
   } else if (word == "algorithms") {
-    golden.algorithms = wordsOf(in);
+    golden.algorithms.assign(std::istream_iterator<std::string>(in), std::istream_iterator<std::string>());
   } else {
     expect(word == "property", "unknown line of a request");
     std::string name;
@@ -98,97 +79,118 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
   }
 }
 
-class Reader {
-public:
-  explicit Reader(GoldenCase& golden) : mGolden(golden) {}
+// "section key value"; behind "~", in place of what stands so far under a section and a key.
+void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, const GoldenLine& line) {
+  const bool isReplacing = first == "~";
+  std::string section = first;
+  std::string key;
+  if (isReplacing) in >> section;
+  in >> key;
+  GoldenWrite write = {section + ' ' + key, parseGoldenValue(restOf(in), 0), line};
+  if (!isReplacing) return golden.writes.push_back(write);
+  const std::vector<std::string> names = namesOf(golden.writes);
+  const auto at = std::find(names.begin(), names.end(), write.name);
+  expect(at != names.end(), "nothing to replace");
+  GoldenWrite& replaced = golden.writes[static_cast<size_t>(at - names.begin())];
+  write.name = replaced.name;
+  replaced = write;
+}
 
-  // `name` is relative to the folder of golden texts.
-  void readFile(const std::string& name) {
-    readGoldenLines(goldenFolder() + name + ".txt", [this](const GoldenLine& line) { readLine(line); });
-  }
-
-private:
-  void readLine(const GoldenLine& line) {
+// `name` is relative to the folder of golden texts.
+void readText(GoldenCase& golden, const std::string& name, std::string section) {
+  readGoldenLines(goldenFolder() + name + ".txt", [&](const GoldenLine& line) {
     std::istringstream in(line.text);
     std::string word;
     in >> word;
     if (word[0] == '[') {
-      mSection = word;
+      section = word;
     } else if (word == "include") {
-      in >> word;
-      readFile("shared/" + word);
-    } else if (mSection == "[request]") {
-      readRequest(mGolden, word, in);
-    } else if (mSection == "[tags]") {
-      changeGolden(mGolden, line);
-    } else if (mSection == "[after]") {
-      mGolden.after.push_back(line);
+      readText(golden, "shared/" + restOf(in), section);
+    } else if (section == "[request]") {
+      readRequest(golden, word, in);
+    } else if (section == "[tags]") {
+      changeGolden(golden, line);
+    } else if (section == "[after]") {
+      golden.after.push_back(line);
     } else {
-      expect(mSection == "[writes]", "no section");
-      readWrite(word, in, line.place);
+      expect(section == "[writes]", "no section");
+      readWrite(golden, word, in, line);
     }
-  }
+  });
+}
 
-  void readWrite(const std::string& word, std::istream& in, const GoldenPlace& place) {
-    GoldenWrite write = {word, "", {}, place};
-    const bool isReplacing = word == "~";
-    if (isReplacing) in >> write.section;
-    in >> write.key;
-    write.value = parseGoldenValue(restOf(in), 0);
-    if (isReplacing) {
-      replace(write);
-    } else {
-      mGolden.writes.push_back(write);
-    }
+// "= Name of text" begins a variation of it; "> ..." is what it expects, any other line what it changes.
+void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& line) {
+  std::istringstream in(line.text.substr(1));
+  if (line.text[0] == '=') {
+    const std::string name = restOf(in);
+    const size_t of = name.find(" of ");
+    expect(of != std::string::npos, "no base");
+    variations.push_back(readGoldenCase(name.substr(of + 4)));
+    variations.back().name = name;
+    return;
   }
-
-  // Replaces what stands so far under a section and a key, which "key#2" says which of.
-  void replace(GoldenWrite write) {
-    const size_t hash = write.key.find('#');
-    int left = hash == std::string::npos ? 1 : std::stoi(write.key.substr(hash + 1));
-    write.key.resize(std::min(hash, write.key.size()));
-    for (GoldenWrite& candidate : mGolden.writes) {
-      if (candidate.name() != write.name() || --left > 0) continue;
-      candidate = write;
-      return;
-    }
-    throw std::runtime_error("nothing to replace");
+  expect(!variations.empty(), "of no variation");
+  if (line.text[0] == '>') {
+    variations.back().expectations.push_back({restOf(in), line.file, line.number});
+  } else {
+    changeGolden(variations.back(), line);
   }
+}
 
-  GoldenCase& mGolden;
-  std::string mSection;
-};
+// Every text in a folder: one that is added is read.
+std::vector<std::filesystem::path> textsIn(const std::string& folder) {
+  std::vector<std::filesystem::path> texts;
+  for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + folder)) {
+    if (entry.path().extension() == ".txt") texts.push_back(entry.path());
+  }
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
 
 }  // namespace
 
 void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read) {
   std::ifstream in(path);
   if (!in) throw std::runtime_error(path + ": can't be read");
-  GoldenLine line = {
-      "", {path, 0}
-  };
+  GoldenLine line = {"", path, 0};
   while (std::getline(in, line.text)) {
-    ++line.place.line;
+    ++line.number;
     if (line.text.empty() || line.text[0] == '#') continue;
     try {
       read(line);
     } catch (const std::runtime_error& error) {
-      throw std::runtime_error(path + ':' + std::to_string(line.place.line) + ": " + error.what());
+      throw std::runtime_error(path + ':' + std::to_string(line.number) + ": " + error.what());
     }
   }
 }
 
 GoldenCase readGoldenCase(const std::string& name) {
   GoldenCase golden;
-  Reader(golden).readFile(name);
+  golden.name = name;
+  readText(golden, name, "");
   return golden;
+}
+
+std::vector<GoldenCase> allGoldenTexts() {
+  std::vector<GoldenCase> texts;
+  for (const auto& path : textsIn("")) texts.push_back(readGoldenCase(path.stem()));
+  return texts;
+}
+
+std::vector<GoldenCase> allGoldenVariations() {
+  std::vector<GoldenCase> all;
+  for (const auto& path : textsIn("variations")) {
+    readGoldenLines(path, [&all](const GoldenLine& line) { readVariationLine(all, line); });
+  }
+  return all;
 }
 
 void changeGolden(GoldenCase& golden, const GoldenLine& line) {
   std::istringstream in(line.text);
   std::string word;
   in >> word;
-  if (word[0] == '*' || word[0] == 'c' || std::isdigit(static_cast<unsigned char>(word[0]))) {
+  if (word.find_first_of("*c0123456789") == 0) {
     golden.tagLines.push_back(line);
     addTag(golden.frames, line);
     return;
@@ -204,10 +206,21 @@ GoldenCase withOverrides(const GoldenCase& golden) {
   GoldenCase changed = golden;
   for (GoldenFrame& frame : changed.frames) {
     for (auto& [tag, value] : frame.captureResult) {
-      if (frame.composition.emplace(tag, value).second) value.bytes = otherValue(value).bytes;
+      if (!frame.composition.emplace(tag, value).second) continue;
+      for (uint8_t& byte : value.bytes) byte = byte == 1 ? 2 : 1;
     }
   }
   return changed;
+}
+
+std::vector<std::string> namesOf(const std::vector<GoldenWrite>& writes) {
+  std::map<std::string, int> times;
+  std::vector<std::string> names;
+  for (const GoldenWrite& write : writes) {
+    const int turn = ++times[write.name];
+    names.push_back(write.name + (turn == 1 ? "" : "#" + std::to_string(turn)));
+  }
+  return names;
 }
 
 }  // namespace orlu::test

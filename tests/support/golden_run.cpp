@@ -4,33 +4,25 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
+#include <iomanip>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
 
+#include "algo_list.h"
 #include "fixtures.h"
+#include "frame_text.h"
+#include "java_text.h"
 
 namespace orlu::test {
 namespace {
 
 constexpr char kAlgoTypeKey[] = "orlu.control.algoType";
 constexpr char kSectionPrefix[] = "orlu.algo.";
-
-// Sets the system properties of a request, and empties them in the end.
-class Properties {
-public:
-  explicit Properties(const GoldenCase& golden) : mGolden(golden) {
-    for (const auto& [name, value] : golden.properties) property_set(name.c_str(), value.c_str());
-  }
-  Properties(const Properties&) = delete;
-  Properties& operator=(const Properties&) = delete;
-  ~Properties() {
-    for (const auto& [name, value] : mGolden.properties) property_set(name.c_str(), "");
-  }
-
-private:
-  const GoldenCase& mGolden;
-};
+constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
+constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 std::vector<__tagOrluRect> rectsOf(const GoldenValue& value) {
   const std::vector<int32_t> numbers = value.numbers<int32_t>();
@@ -90,7 +82,7 @@ void setKnownTag(jobject metadata, const char* tag, const GoldenTag& value) {
   try {
     setTag(metadata, tag, javaValue(value));
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error(value.place.file + ':' + std::to_string(value.place.line) + ": " + error.what() +
+    throw std::runtime_error(value.line.file + ':' + std::to_string(value.line.number) + ": " + error.what() +
                              "; " + tagTableHint(tag, tagTypeOf(value.type)));
   }
 }
@@ -144,94 +136,223 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
   const std::string prefix = kSectionPrefix;
   for (const RecordedCall& call : calls) {
     if (call.operation != "setValue") continue;
-    const bool known = call.section.compare(0, prefix.size(), prefix) == 0;
+    const bool isKnown = call.section.compare(0, prefix.size(), prefix) == 0;
+    const std::string section = isKnown ? call.section.substr(prefix.size()) : "?" + call.section;
     writes.push_back({
-        known ? call.section.substr(prefix.size()) : "?" + call.section,
-        call.key,
-        {"bytes",   call.bytes},
-        {         }
+        section + ' ' + call.key, {"bytes",        call.bytes},
+             {              }
     });
   }
   return writes;
 }
 
-// "0 orlu.control.sth int 5"
-std::string putLine(int frame, const std::string& key, jobject value) {
-  const bool isInt = env()->IsInstanceOf(value, findClass("java/lang/Integer"));
-  return std::to_string(frame) + ' ' + key + (isInt ? " int " + std::to_string(intOf(value)) : " not an int");
-}
-
-void addPuts(std::vector<std::string>& puts, const GoldenFrame& given, jobject composition, int frame) {
-  jobject map = callObject(composition, "snapshot", "()Ljava/util/Map;");
-  jobject keys = callObject(map, "keySet", "()Ljava/util/Set;");
-  const auto array = static_cast<jobjectArray>(callObject(keys, "toArray", "()[Ljava/lang/Object;"));
-  for (jsize i = 0; i < env()->GetArrayLength(array); ++i) {
-    const std::string key = stringOf(env()->GetObjectArrayElement(array, i));
-    if (key == kAlgoTypeKey || given.composition.count(key) != 0) continue;
-    puts.push_back(putLine(frame, key, getKey(composition, key.c_str())));
-  }
-}
-
-// All fields of an image's record.
-std::string describeFrame(const AlgoFrameInfo& frame) {
+// "output 0 unchanged", or its sizes as a golden text has them, and all of its record if anything else
+// changed.
+std::string describeOutput(size_t index, AlgoFrameInfo expected, const AlgoFrameInfo& after) {
   std::ostringstream out;
-  out << "format " << frame.format << ' ' << frame.width << 'x' << frame.height << " size " << frame.size
-      << " planes " << frame.planeCount << " handle " << frame.nativeHandle << " reserved " << frame.reserved
-      << " fds " << frame.fdCount;
-  for (int i = 0; i < kMaxPlanes; ++i) {
-    out << " | " << frame.stride[i] << ' ' << frame.scanline[i] << ' ' << frame.planeSize[i] << ' '
-        << frame.planeData[i] << ' ' << frame.fd[i] << ' ' << frame.fdSize[i];
-  }
+  out << "output " << index << ' ';
+  if (std::memcmp(&after, &expected, sizeof after) == 0) return out.str() + "unchanged";
+  expected.width = after.width;
+  expected.height = after.height;
+  expected.stride[0] = after.stride[0];
+  expected.scanline[0] = after.scanline[0];
+  std::copy_n(after.planeSize, 2, expected.planeSize);
+  out << after.width << 'x' << after.height << " stride " << after.stride[0] << " scanline "
+      << after.scanline[0] << " planes " << after.planeSize[0] << ' ' << after.planeSize[1];
+  if (std::memcmp(&after, &expected, sizeof after) != 0)
+    out << " of " << frameText(after) << " instead of " << frameText(expected);
   return out.str();
 }
+
+std::string algorithmsLine(const std::vector<std::string>& algorithms) {
+  return algorithms.empty() ? "algorithms" : "algorithms " + printAlgoList(algorithms);
+}
+
+std::string numbersLine(const char* name, int first, int second) {
+  return std::string(name) + ' ' + std::to_string(first) + ' ' + std::to_string(second);
+}
+
+// `text` about the line of a golden text.
+GoldenLine failure(const GoldenLine& line, const std::string& text) {
+  return {text, line.file, line.number};
+}
+
+// The n-th write of a key belongs to the n-th line of that key.
+void compareWrites(std::vector<GoldenLine>& failures, const std::vector<GoldenWrite>& expected,
+                   const std::vector<GoldenWrite>& found) {
+  const std::vector<std::string> expectedNames = namesOf(expected);
+  const std::vector<std::string> foundNames = namesOf(found);
+  std::map<std::string, GoldenLine> lineOf;
+  for (size_t i = 0; i < expected.size(); ++i) {
+    const auto at = std::find(foundNames.begin(), foundNames.end(), expectedNames[i]);
+    lineOf[expectedNames[i]] = expected[i].line;
+    if (at == foundNames.end()) {
+      failures.push_back(failure(expected[i].line, "missing: " + expectedNames[i]));
+      continue;
+    }
+    const GoldenValue& value = expected[i].value;
+    const std::string text = describeBytes(value.type, value.bytes);
+    const std::string foundText =
+        describeBytes(value.type, found[static_cast<size_t>(at - foundNames.begin())].value.bytes);
+    if (foundText == text) continue;
+    failures.push_back(
+        failure(expected[i].line, expectedNames[i] + "\n  expected " + text + "\n  found    " + foundText));
+  }
+  for (size_t i = 0; i < found.size(); ++i) {
+    if (lineOf.count(foundNames[i]) != 0) continue;
+    const std::string before = i == 0 ? "nothing" : foundNames[i - 1];
+    failures.push_back(failure(lineOf[before], "surplus: " + foundNames[i] + ' ' +
+                                                   describeBytes("bytes", found[i].value.bytes) +
+                                                   ", written behind " + before));
+  }
+  for (size_t i = 0; failures.empty() && i < expected.size(); ++i) {
+    if (foundNames[i] == expectedNames[i]) continue;
+    failures.push_back(
+        failure(expected[i].line, "order: expected " + expectedNames[i] + ", found " + foundNames[i]));
+  }
+}
+
+// What a variation came to, compared line by line.
+class Outcome {
+public:
+  Outcome(const GoldenRun& run, const LogCapture& log) : mRun(run), mLines(log.lines()) {}
+
+  // The expectation itself when it is met, else what there is in its place.
+  std::string found(const std::string& expectation) const {
+    std::istringstream in(expectation);
+    std::string word;
+    in >> word;
+    if (word == "times") return foundTimes(in);
+    if (word == "short" || word == "log" || word == "error") return word + logged(in, word);
+    if (word == "no") word = "skip";
+    for (const auto& lines : {mRun.after, mRun.more}) {
+      for (const std::string& line : lines) {
+        if (line.compare(0, word.size(), word) == 0 || line == "no " + word) return line;
+      }
+    }
+    return foundWrite(expectation, word, in);
+  }
+
+private:
+  // "2 system face_info": how often a key was written.
+  std::string foundTimes(std::istream& in) const {
+    int expected = 0;
+    std::string name;
+    std::getline(in >> expected >> std::ws, name);
+    const auto times = std::count_if(mRun.writes.begin(), mRun.writes.end(),
+                                     [&name](const GoldenWrite& write) { return write.name == name; });
+    return "times " + std::to_string(times) + ' ' + name;
+  }
+
+  // "2 "message"": how often a line was logged. Lines of the short tag have no prefix.
+  std::string logged(std::istream& in, const std::string& kind) const {
+    const bool isShort = kind == "short";
+    int expected = 0;
+    in >> expected;
+    const std::string message = quotedText(in);
+    const auto times = std::count_if(mLines.begin(), mLines.end(), [&](const LogLine& line) {
+      return line.priority == (kind == "error" ? ANDROID_LOG_ERROR : ANDROID_LOG_DEBUG) &&
+             line.tag == (isShort ? kShortLogTag : kLogTag) && line.message == message &&
+             (isShort ? line.file.empty() : line.file.rfind("metadata_updater", 0) == 0);
+    });
+    std::ostringstream out;
+    out << ' ' << times << ' ' << std::quoted(message);
+    return out.str();
+  }
+
+  // "system ae_weight int 7": the value last written.
+  std::string foundWrite(const std::string& expectation, const std::string& section, std::istream& in) const {
+    std::string key;
+    std::string text;
+    std::getline(in >> key >> std::ws, text);
+    const std::string name = section + ' ' + key;
+    const GoldenValue expected = parseGoldenValue(text, 0);
+    const auto last = std::find_if(mRun.writes.rbegin(), mRun.writes.rend(),
+                                   [&name](const GoldenWrite& write) { return write.name == name; });
+    if (last == mRun.writes.rend()) return name + " not written";
+    const std::string found = describeBytes(expected.type, last->value.bytes);
+    return found == describeBytes(expected.type, expected.bytes) ? expectation : name + ' ' + found;
+  }
+
+  const GoldenRun& mRun;
+  const std::vector<LogLine> mLines;
+};
 
 }  // namespace
 
 GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
                     const std::function<void(MetadataUpdater&)>& inspect) {
   const LocalFrame localFrame;
-  const Properties properties(golden);
+  for (const auto& [name, value] : golden.properties) property_set(name.c_str(), value.c_str());
   std::vector<jobject> compositions;
   for (const GoldenFrame& frame : golden.frames) compositions.push_back(compositionOf(frame));
   if (!compositions.empty()) putKey(compositions[0], kAlgoTypeKey, javaStrings(golden.algorithms));
   VRequest request(env(), newRequest(1, golden.requestType.c_str()), listOf(golden.inputs, imageOf),
                    listOf(golden.outputs, imageOf), javaList(compositions));
 
-  GoldenRun run;
   CameraMetadataParser parser(env());
-  parser.getStringArray(run.algorithms, kAlgoTypeKey, nullptr, request.firstComposition());
+  std::vector<std::string> algorithms;
+  parser.getStringArray(algorithms, kAlgoTypeKey, nullptr, request.firstComposition());
   AlgoNativeClient client(nullptr, 1, 0);
   const std::unique_ptr<void, std::function<void(void*)>> metadata(
       client.context().createMetadata(), [&client](void* block) { client.context().destroyMetadata(block); });
-  run.outputsBefore = request.outputFrames();
-  MetadataUpdater updater(&client, run.algorithms, request, metadata.get(), &parser);
+  const std::vector<AlgoFrameInfo> outputsBefore = request.outputFrames();
+  MetadataUpdater updater(&client, algorithms, request, metadata.get(), &parser);
   algo.forget();
+  const PutRecorder recorder(compositions);
   updater.updateMetadata();
+  for (const auto& [name, value] : golden.properties) property_set(name.c_str(), "");
+
+  GoldenRun run;
   run.writes = writesOf(algo.calls());
-  run.skip = updater.skipAlgoProcess();
-  run.outputsAfter = request.outputFrames();
-  if (inspect) inspect(updater);
-  for (size_t i = 0; i < compositions.size(); ++i) {
-    const LocalFrame frame;
-    addPuts(run.puts, golden.frames[i], compositions[i], static_cast<int>(i));
+  run.after.push_back(algorithmsLine(algorithms));
+  std::istringstream puts(recorder.text());
+  for (std::string put; std::getline(puts, put);) run.after.push_back("put " + put);
+  for (size_t i = 0; i < outputsBefore.size(); ++i) {
+    const std::string line = describeOutput(i, outputsBefore[i], request.outputFrames()[i]);
+    (line.find("unchanged") == std::string::npos ? run.after : run.more).push_back(line);
   }
+  if (outputsBefore.empty()) run.more.emplace_back("output none");
+  updater.skipAlgoProcess() ? run.after.emplace_back("skip") : run.more.emplace_back("no skip");
+  if (inspect) inspect(updater);
+  int hdrType = 7;
+  int nightIndex = 7;
+  updater.updateRawnrHDRFrameIndex(hdrType, nightIndex);
+  run.more.push_back(numbersLine("rawnr", hdrType, nightIndex));
+  run.more.push_back(numbersLine("format", updater.getImageFormat(), updater.isRawFormat()));
   return run;
 }
 
-std::string describeOutput(const GoldenRun& run, size_t index) {
-  const AlgoFrameInfo& after = run.outputsAfter[index];
-  AlgoFrameInfo expected = run.outputsBefore[index];
-  if (describeFrame(after) == describeFrame(expected)) return std::to_string(index) + " unchanged";
-  expected.width = after.width;
-  expected.height = after.height;
-  expected.stride[0] = after.stride[0];
-  expected.scanline[0] = after.scanline[0];
-  std::copy_n(after.planeSize, 2, expected.planeSize);
-  std::ostringstream out;
-  out << index << ' ' << after.width << 'x' << after.height << " stride " << after.stride[0] << " scanline "
-      << after.scanline[0] << " planes " << after.planeSize[0] << ' ' << after.planeSize[1];
-  if (describeFrame(after) != describeFrame(expected)) out << " of " << describeFrame(after);
-  return out.str();
+std::vector<GoldenLine> checkGoldenText(const GoldenCase& golden, const GoldenRun& run) {
+  std::vector<GoldenLine> failures;
+  std::vector<std::string> surplus = run.after;
+  for (const GoldenLine& line : golden.after) {
+    const auto same = std::find(surplus.begin(), surplus.end(), line.text);
+    if (same == surplus.end()) {
+      failures.push_back(failure(line, "missing: " + line.text));
+    } else {
+      surplus.erase(same);
+    }
+  }
+  for (const std::string& line : surplus) failures.push_back(failure(golden.after.at(0), "surplus: " + line));
+  compareWrites(failures, golden.writes, run.writes);
+  return failures;
+}
+
+std::vector<GoldenLine> checkGoldenVariation(const GoldenCase& golden, const GoldenRun& run,
+                                             const LogCapture& log) {
+  if (golden.expectations.empty())
+    return {
+        {golden.name + " expects nothing", "", 0}
+    };
+  const Outcome outcome(run, log);
+  std::vector<GoldenLine> failures;
+  for (const GoldenLine& line : golden.expectations) {
+    const std::string found = outcome.found(line.text);
+    if (found != line.text)
+      failures.push_back(failure(line, "\n  expected " + line.text + "\n  found    " + found));
+  }
+  return failures;
 }
 
 }  // namespace orlu::test

@@ -20,33 +20,23 @@ using Bytes = std::vector<uint8_t>;
   throw std::runtime_error(what + ": '" + text + "'");
 }
 
-template <typename T>
-T parsePlain(const std::string& text, char** end) {
-  if constexpr (std::is_integral_v<T>) {
-    return static_cast<T>(std::strtoll(text.c_str(), end, 0));
-  } else if constexpr (std::is_same_v<T, float>) {
-    return std::strtof(text.c_str(), end);
-  } else {
-    return std::strtod(text.c_str(), end);
-  }
-}
-
 // A number, "number/number" or "number+numberi".
 template <typename T>
 T parseNumber(const std::string& text, int frame) {
+  const auto plain = [](const char* from, char** end) {
+    if constexpr (std::is_integral_v<T>) return static_cast<T>(std::strtoll(from, end, 0));
+    return static_cast<T>(std::strtod(from, end));
+  };
   char* end = nullptr;
-  T value = parsePlain<T>(text, &end);
-  const std::string rest = end;
-  const std::string second = rest.empty() ? "" : rest.substr(1);
-  const char* unread = rest.c_str();
-  if (!second.empty() && rest[0] == '/') {
-    value = static_cast<T>(value / parsePlain<T>(second, &end));
-    unread = end;
-  } else if (!second.empty() && rest[0] == '+') {
-    value = static_cast<T>(value + static_cast<T>(frame) * parsePlain<T>(second, &end));
-    unread = std::strcmp(end, "i") == 0 ? "" : "?";
+  T value = plain(text.c_str(), &end);
+  if (*end == '/' && end[1] != '\0') {
+    value = static_cast<T>(value / plain(end + 1, &end));
+  } else if (*end == '+') {
+    value = static_cast<T>(value + static_cast<T>(frame) * plain(end + 1, &end));
+    if (*end != 'i') fail("not a number", text);
+    ++end;
   }
-  if (text.empty() || *unread != '\0') fail("not a number", text);
+  if (text.empty() || *end != '\0') fail("not a number", text);
   return value;
 }
 
@@ -55,11 +45,8 @@ void append(Bytes& bytes, const std::string& word, int frame) {
   const size_t star = word.find('*');
   const T value = parseNumber<T>(word.substr(0, star), frame);
   const int times = star == std::string::npos ? 1 : parseNumber<int>(word.substr(star + 1), 0);
-  for (int i = 0; i < times; ++i) {
-    const size_t at = bytes.size();
-    bytes.resize(at + sizeof value);
-    std::memcpy(bytes.data() + at, &value, sizeof value);
-  }
+  const auto* const raw = reinterpret_cast<const uint8_t*>(&value);
+  for (int i = 0; i < times; ++i) bytes.insert(bytes.end(), raw, raw + sizeof value);
 }
 
 template <typename T>
@@ -87,7 +74,7 @@ struct NumberType {
 template <typename T>
 constexpr NumberType kNumberType = {sizeof(T), append<T>, describeNumbers<T>};
 
-// Answers null for a type that isn't a number. "ints" is as good as "int" here.
+// Returns null for a type that isn't a number. "ints" is as good as "int" here.
 const NumberType* numberType(std::string type) {
   static const std::map<std::string, NumberType> types = {
       {"byte",   kNumberType<uint8_t>},
@@ -104,59 +91,41 @@ const NumberType* numberType(std::string type) {
   return found == types.end() ? nullptr : &found->second;
 }
 
-// One "offset:type=value,value" of a record.
-void putPart(Bytes& bytes, const std::string& part, int frame) {
-  const size_t colon = part.find(':');
-  const size_t equals = part.find('=');
-  if (colon == std::string::npos || equals == std::string::npos || equals < colon) {
-    fail("not a part of a record", part);
-  }
-  std::string words = part.substr(equals + 1);
-  const std::string type = part.substr(colon + 1, equals - colon - 1);
-  Bytes packed;
-  if (type == "text") {
-    std::istringstream in(words);
+// A text, or numbers as far as the words go.
+Bytes parseWords(const std::string& type, std::istream& in, int frame) {
+  if (type == "text" || type == "string") {
     const std::string text = quotedText(in);
-    packed.assign(text.begin(), text.end());
-  } else {
-    const NumberType* const numbers = numberType(type);
-    std::replace(words.begin(), words.end(), ',', ' ');
-    std::istringstream in(words);
-    for (std::string word; numbers != nullptr && in >> word;) numbers->append(packed, word, frame);
+    return {text.begin(), text.end()};
   }
-  const auto offset = static_cast<size_t>(parseNumber<int>(part.substr(0, colon), 0));
-  if (packed.empty() || offset + packed.size() > bytes.size()) fail("does not fit the record", part);
-  std::memcpy(bytes.data() + offset, packed.data(), packed.size());
-}
-
-// "bytes[152]" becomes "bytes", and its size is answered; 0 without one.
-size_t takeSize(std::string& type) {
-  const size_t bracket = type.find('[');
-  if (bracket == std::string::npos) return 0;
-  const int size = parseNumber<int>(type.substr(bracket + 1, type.size() - bracket - 2), 0);
-  type.resize(bracket);
-  return static_cast<size_t>(size);
-}
-
-Bytes parseSized(const std::string& type, size_t size, std::istream& in, int frame) {
-  Bytes bytes(size);
-  if (type != "text" && type != "bytes" && type != "zero") fail("unknown type", type);
-  if (type == "text") {
-    const std::string text = quotedText(in);
-    if (text.size() > size) fail("text is too long", text);
-    std::memcpy(bytes.data(), text.data(), text.size());
-  }
-  for (std::string part; type == "bytes" && in >> part;) putPart(bytes, part, frame);
-  return bytes;
-}
-
-Bytes parseLocation(std::istream& in, int frame) {
   Bytes bytes;
   std::string word;
-  for (int i = 0; i < 3 && in >> word; ++i) append<double>(bytes, word, frame);
-  in >> word;
-  append<int64_t>(bytes, word, frame);
+  if (type == "location") {
+    for (int i = 0; i < 3 && in >> word; ++i) append<double>(bytes, word, frame);
+    in >> word;
+    append<int64_t>(bytes, word, frame);
+    return bytes;
+  }
+  const NumberType* const numbers = numberType(type);
+  if (numbers == nullptr) fail("unknown type", type);
+  while (in >> word) numbers->append(bytes, word, frame);
   return bytes;
+}
+
+void put(Bytes& bytes, size_t offset, const Bytes& part, const std::string& text) {
+  if (part.empty() || offset + part.size() > bytes.size()) fail("does not fit the record", text);
+  std::copy(part.begin(), part.end(), bytes.begin() + static_cast<ptrdiff_t>(offset));
+}
+
+// One "offset:type=value,value" of a record.
+void putPart(Bytes& bytes, std::string part, int frame) {
+  const size_t colon = part.find(':');
+  const size_t equals = part.find('=');
+  if (equals == std::string::npos || equals < colon) fail("not a part of a record", part);
+  const std::string type = part.substr(colon + 1, equals - colon - 1);
+  if (type != "text") std::replace(part.begin(), part.end(), ',', ' ');
+  std::istringstream in(part.substr(equals + 1));
+  const auto offset = static_cast<size_t>(parseNumber<int>(part.substr(0, colon), 0));
+  put(bytes, offset, parseWords(type, in, frame), part);
 }
 
 // The words of a record that aren't zero.
@@ -169,7 +138,7 @@ std::string describeRecord(Bytes bytes) {
     float real = 0;
     std::memcpy(&real, &words[i], sizeof real);
     out << ' ' << i * sizeof(int32_t) << ":int=" << words[i];
-    if (real > 1e-20F || real < -1e-20F) out << "(float=" << real << ')';
+    if (std::abs(real) > 1e-20F) out << "(float=" << real << ')';
   }
   return out.str();
 }
@@ -186,28 +155,21 @@ GoldenValue parseGoldenValue(const std::string& text, int frame) {
   std::istringstream in(text);
   GoldenValue value;
   in >> value.type;
-  const size_t size = takeSize(value.type);
-  if (size > 0) {
-    value.bytes = parseSized(value.type, size, in, frame);
-  } else if (value.type == "string") {
-    const std::string words = quotedText(in);
-    value.bytes.assign(words.begin(), words.end());
-  } else if (value.type == "location") {
-    value.bytes = parseLocation(in, frame);
-  } else if (const NumberType* const numbers = numberType(value.type); numbers != nullptr) {
-    for (std::string word; in >> word;) numbers->append(value.bytes, word, frame);
+  const size_t bracket = value.type.find('[');
+  if (bracket != std::string::npos) {
+    const std::string size = value.type.substr(bracket + 1, value.type.size() - bracket - 2);
+    value.bytes.resize(static_cast<size_t>(parseNumber<int>(size, 0)));
+    value.type.resize(bracket);
+    const bool isText = value.type == "text";
+    if (!isText && value.type != "bytes" && value.type != "zero") fail("unknown type", text);
+    if (isText) put(value.bytes, 0, parseWords("text", in, frame), text);
+    for (std::string part; value.type == "bytes" && in >> part;) putPart(value.bytes, part, frame);
   } else if (value.type != "none") {
-    fail("unknown type", text);
+    value.bytes = parseWords(value.type, in, frame);
   }
   std::string rest;
   if (in.clear(), in >> rest) fail("too many words", text);
   return value;
-}
-
-GoldenValue otherValue(const GoldenValue& value) {
-  GoldenValue other = value;
-  for (uint8_t& byte : other.bytes) byte = static_cast<uint8_t>(byte == 1 ? 2 : 1);
-  return other;
 }
 
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes) {

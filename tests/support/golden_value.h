@@ -39,9 +39,6 @@ std::string quotedText(std::istream& in);
 // Reads "type words..." as of a frame. Throws std::runtime_error for what it does not understand.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
-// A value of the same type and size, of which every number differs.
-GoldenValue otherValue(const GoldenValue& value);
-
 // The bytes in the notation above, as values of `type`; as integers when they can't be. Other bytes have
 // another text, but "not a number" is the same as any other.
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes);

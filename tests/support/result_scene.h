@@ -4,7 +4,6 @@
 
 #include <jni.h>
 
-#include <cstdarg>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -15,47 +14,8 @@
 #include "java_text.h"
 #include "log_capture.h"
 #include "result_updater.h"
-#include "scoped_jni_functions.h"
 
 namespace orlu::test {
-
-// Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with
-// the index of the composition, the key and the value.
-class PutRecorder {
-public:
-  explicit PutRecorder(std::vector<jobject> compositions)
-      : mCompositions(std::move(compositions)), mFunctions(env()) {
-    gRecorder = this;
-    mFunctions.table().CallVoidMethodV = call;
-  }
-  PutRecorder(const PutRecorder&) = delete;
-  PutRecorder& operator=(const PutRecorder&) = delete;
-
-  const std::string& text() const { return mText; }
-
-private:
-  static void JNICALL call(JNIEnv* jni, jobject object, jmethodID method, va_list arguments) {
-    va_list copy;
-    va_copy(copy, arguments);
-    gRecorder->record(object, copy);
-    va_end(copy);
-    gRecorder->mFunctions.original().CallVoidMethodV(jni, object, method, arguments);
-  }
-
-  void record(jobject object, va_list arguments) {
-    for (size_t i = 0; i < mCompositions.size(); ++i) {
-      if (!env()->IsSameObject(object, mCompositions[i])) continue;
-      jobject key = va_arg(arguments, jobject);
-      jobject value = va_arg(arguments, jobject);
-      mText += std::to_string(i) + ' ' + stringOf(key) + ' ' + describeJava(value) + '\n';
-    }
-  }
-
-  static inline PutRecorder* gRecorder = nullptr;
-  std::vector<jobject> mCompositions;
-  ScopedJniFunctions mFunctions;
-  std::string mText;
-};
 
 // What an algorithm left in the parameter set; the section without "orlu.algo.".
 struct LeftValue {
