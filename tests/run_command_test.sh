@@ -83,6 +83,12 @@ prints "usage: ./run [options]" "--params" "--out=DIR"
 # What the shell prints without a build is what the options say of themselves.
 command_ends 0 --check --help
 diff "$root/service/run_help.txt" out >&2 || fail "service/run_help.txt is not what ./run --check --help prints"
+# First it needs no build; elsewhere the options print it.
+for arguments in --version "--check --version"; do
+  # shellcheck disable=SC2086 # two words
+  command_ends 0 $arguments
+  grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "$arguments: $(cat out)"
+done
 request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
 [ "$(cat out)" = $'right.json: right\n'"$root/samples/night.json: right" ] || fail "--check: $(cat out)"

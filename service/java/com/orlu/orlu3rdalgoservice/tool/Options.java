@@ -72,7 +72,8 @@ final class Options {
     }
 
     private static CommandSpec commandSpec() {
-        CommandSpec command = CommandSpec.create().name("./run");
+        CommandSpec command =
+                CommandSpec.create().name("./run").version(System.getProperty("orlu.version", "unknown"));
         command.addOption(flag("print every parameter handed to the algorithms", "--params"));
         command.addOption(OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
                 .auxiliaryTypes(String.class).arity("1")
@@ -82,7 +83,7 @@ final class Options {
                 + "one is absent", "--tags"));
         command.addOption(flag("fail when a tag is never read, or of a wrong type", "--strict"));
         command.addOption(flag("print lines of any length, instead of cutting them to 80 columns", "--wide"));
-        // The launcher looks for these two itself, before it starts a VM, and for --version.
+        // The launcher looks for these two itself, before it starts a VM.
         command.addOption(flag("run the 32-bit ARM library, in an ARM JVM under an emulator", "--arm"));
         command.addOption(flag("show the library's log on standard error", "--log"));
         command.addOption(path("DIR", "write the resulting images there (default: out)", "--out"));
@@ -117,8 +118,8 @@ final class Options {
     }
 
     /**
-     * Reads the arguments, and returns null when they only ask for the help, which is printed then. What is
-     * not understood is an IllegalArgumentException for people.
+     * Reads the arguments, and returns null when they only ask for the help or the version, which is printed
+     * then. What is not understood is an IllegalArgumentException for people.
      */
     static Options parse(String[] arguments) {
         CommandLine command = new CommandLine(commandSpec()).setOverwrittenOptionsAllowed(true);
@@ -129,7 +130,8 @@ final class Options {
                 return null;
             }
             if (line.isVersionHelpRequested()) {
-                throw new IllegalArgumentException("--version stands before all else");
+                command.printVersionHelp(System.out);
+                return null;
             }
             return checked(new Options(line));
         } catch (UnmatchedArgumentException e) {
