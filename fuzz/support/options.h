@@ -18,6 +18,7 @@ struct NumberOption {
   uint64_t least = 0;
 };
 
+// NOLINTBEGIN(concurrency-mt-unsafe): a program reads its options before it has a second thread.
 [[noreturn]] inline void endWithUsage(const char* program, const std::vector<NumberOption>& options) {
   std::fprintf(stderr, "usage: %s", program);
   for (const NumberOption& option : options) {
@@ -46,5 +47,6 @@ inline void readNumbers(int argc, char** argv, const std::vector<NumberOption>& 
     *option.value = number;
   }
 }
+// NOLINTEND(concurrency-mt-unsafe)
 
 }  // namespace orlu::fuzz
