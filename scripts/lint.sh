@@ -12,11 +12,24 @@ source scripts/lib.sh
 readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
-# Every source that the build for this machine knows, as many at a time as there are processors.
+# Every source that a build for this machine knows, as many at a time as there are processors. Configuring the builds
+# is enough; some of their options are GCC's alone.
 lint_cpp() {
-  build_preset dev --tests orlu-host-framework
-  sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' $build/compile_commands.json | grep -v "^$root/build/" | sort -u |
-    xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p $build 2> >(grep -v ' warnings\{0,1\} generated' >&2)
+  local preset source
+  local -A preset_of=()
+  install_missing "to read all sources" libbenchmark-dev "${fuzz_packages[@]}"
+  build_preset fuzz build.ninja
+  build_preset bench build.ninja
+  build_preset dev --tests build.ninja
+  for preset in fuzz bench dev; do
+    while IFS= read -r source; do
+      preset_of[$source]=$preset
+    done < <(sed -n "s,^ *\"file\": \"$root/\(.*\)\".*,\1,p" build/$preset/compile_commands.json | grep -v '^build/')
+  done
+  for source in "${!preset_of[@]}"; do
+    echo "build/${preset_of[$source]} $source"
+  done | sort |
+    xargs -P "$(nproc)" -n 2 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p 2> >(grep -v ' warnings\{0,1\} generated' >&2)
 }
 
 lint_headers() { build_preset dev --tests headers_alone; }
