@@ -232,11 +232,11 @@ int sendAll(uint64_t seed, uint64_t count) {
 int main(int argc, char** argv) {
   uint64_t seed = 1;
   uint64_t count = 1'000;
-  orlu::fuzz::readNumbers(argc, argv,
-                          {
-                              {"seed",  &seed},
-                              { "count", &count,     1}
-  });
+  const std::vector<orlu::fuzz::NumberOption> options = {
+      {"seed",  &seed,  0},
+      {"count", &count, 1}
+  };
+  orlu::fuzz::readNumbers(argc, argv, options);
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::test::silenceLog();
   orlu::fuzz::watchForDeath();

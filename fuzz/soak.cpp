@@ -86,6 +86,7 @@ int soak(uint64_t seed, uint64_t requests) {
   std::printf("first, to make what is made once:\n");
   SoakWatch warmUp(kWarmUp);
   bool sound = soakClients(seed + 1, kWarmUp, arguments, warmUp);
+  sound &= printLogged();
   globalReferences();
 
   const int references = globalReferences();
@@ -109,11 +110,11 @@ int soak(uint64_t seed, uint64_t requests) {
 int main(int argc, char** argv) {
   uint64_t requests = 200'000;
   uint64_t seed = 1;
-  orlu::fuzz::readNumbers(argc, argv,
-                          {
-                              {"requests", &requests, 1},
-                              {"seed",          &seed             }
-  });
+  const std::vector<orlu::fuzz::NumberOption> options = {
+      {"requests", &requests, 1},
+      {"seed",     &seed,     0}
+  };
+  orlu::fuzz::readNumbers(argc, argv, options);
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::fuzz::watchLog();
   const int result = orlu::fuzz::soak(seed, requests);

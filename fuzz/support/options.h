@@ -15,15 +15,13 @@ namespace orlu::fuzz {
 struct NumberOption {
   const char* name;
   uint64_t* value;  // holds the default
-  uint64_t least = 0;
+  uint64_t least;
 };
 
 // NOLINTBEGIN(concurrency-mt-unsafe): a program reads its options before it has a second thread.
 [[noreturn]] inline void endWithUsage(const char* program, const std::vector<NumberOption>& options) {
   std::fprintf(stderr, "usage: %s", program);
-  for (const NumberOption& option : options) {
-    std::fprintf(stderr, " [--%s N=%llu]", option.name, static_cast<unsigned long long>(*option.value));
-  }
+  for (const NumberOption& option : options) std::fprintf(stderr, " [--%s N]", option.name);
   std::fputc('\n', stderr);
   std::exit(2);
 }

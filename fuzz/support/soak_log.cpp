@@ -57,11 +57,12 @@ int takeTimeouts() {
 }
 
 bool printLogged() {
-  for (const Expected& expected : gExpected) {
-    std::printf("%-48s %9" PRIu64 "\n", expected.name, expected.count.load());
+  for (Expected& expected : gExpected) {
+    std::printf("%-48s %9" PRIu64 "\n", expected.name, expected.count.exchange(0));
   }
-  std::printf("%-48s %9" PRIu64 "\n", "other error lines", gUnexpected.load());
-  return gUnexpected == 0;
+  const uint64_t unexpected = gUnexpected.exchange(0);
+  std::printf("%-48s %9" PRIu64 "\n", "other error lines", unexpected);
+  return unexpected == 0;
 }
 
 }  // namespace orlu::fuzz

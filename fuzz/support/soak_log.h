@@ -7,7 +7,8 @@ namespace orlu::fuzz {
 void watchLog();
 // Requests of this thread that timed out since the last call.
 int takeTimeouts();
-// Prints the counts, and the first few error lines that no plan asks for. True when there was none.
+// Prints the counts since the last call. Error lines that no plan asks for are shown as they come, the first
+// few; false when there was one.
 bool printLogged();
 
 }  // namespace orlu::fuzz

@@ -45,7 +45,11 @@ void attachToJava() {
 
 void detachFromJava() {
   JavaVM* const vm = findVm();
-  if (vm != nullptr && isAttached(vm)) vm->DetachCurrentThread();
+  JNIEnv* env = nullptr;
+  if (vm == nullptr || vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) != JNI_OK) return;
+  // The VM would print what the script left.
+  env->ExceptionClear();
+  vm->DetachCurrentThread();
 }
 
 }  // namespace orlu::standin
