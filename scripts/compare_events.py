@@ -1,11 +1,16 @@
+#!/usr/bin/env python3
 """Compares the events of two runs of the same requests: docs/events.md has their form.
+
+compare_events.py FILE FILE
 
 Equal must be, for each thread, what was called in which order, with which values, and what came of it. Left out is
 what a machine decides: times, addresses, numbers of threads, calls and descriptors, and the files' places.
 """
 
 import json
+import sys
 from itertools import zip_longest
+from pathlib import Path
 
 # Differ from run to run: times and numbers; addresses. How many frames a call came through is the compiler's choice.
 OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine", "pointerBits", "probe")
@@ -39,7 +44,7 @@ def without_descriptors(handle):
 
 def compare_events(one, other):
     """Yields a line for each difference; only the first of a thread, which the rest follows from."""
-    left, right = read(one / "events"), read(other / "events")
+    left, right = read(one), read(other)
     if len(left) != len(right):
         yield f"events: {len(left)} threads / {len(right)} threads"
     for thread, (events, counterparts) in enumerate(zip(left, right)):
@@ -49,5 +54,15 @@ def compare_events(one, other):
                 break
 
 
-def count_events(folder):
-    return sum(len(events) for events in read(folder / "events"))
+def main():
+    one, other = (Path(argument) for argument in sys.argv[1:3])
+    found = list(compare_events(one, other))
+    count = sum(len(events) for events in read(one))
+    print(f"{count} events: " + (f"{len(found)} differences" if found else "all the same"))
+    for line in found:
+        print(f"  {line}")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Runs requests on this machine and on the ARM one, and compares parameters, algorithm lists, values put back,
-# output descriptors, images and events.
+# output descriptors, images, what was printed, and events. Then the ARM machine runs what this one recorded.
 #   scripts/compare_machines.sh [request.json ...]      all samples when none is named
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -17,14 +17,25 @@ trap 'rm -rf "$work"' EXIT
 results_of() {
   local folder=$work/$1
   mkdir "$folder"
-  if ! "$root/run" "${@:2}" --wide --json "$folder/results.json" --events "$folder/events" --out "$folder/images" \
+  if ! "$root/run" "${@:2}" --wide --record "$folder/recordings" --events "$folder/events" --out "$folder/images" \
     "${requests[@]}" >"$folder/summary.txt"; then
     cat "$folder/summary.txt" >&2
     die "a request failed on $1"
   fi
 }
 
+# summary MACHINE: which algorithms ran, frames kept and moved, callbacks, without times, folders and descriptors.
+summary() {
+  sed -E "s#$work/$1##g; s/\b[0-9]+\.[0-9] ms\b/* ms/g; s/\bsharedFd = [0-9]+/sharedFd = */g" "$work/$1/summary.txt"
+}
+
 requests=("$@")
 results_of host
 results_of arm --arm
-python3 "$root/scripts/compare_results.py" "$work/host" "$work/arm"
+status=0
+"$root/run" diff "$work/host/recordings" "$work/arm/recordings" --out "$root/out/machines" || status=1
+diff <(summary host) <(summary arm) || status=1
+python3 "$root/scripts/compare_events.py" "$work/host/events" "$work/arm/events" || status=1
+# What one machine recorded, the other runs again.
+"$root/run" replay --arm "$work/host/recordings" || status=1
+exit "$status"

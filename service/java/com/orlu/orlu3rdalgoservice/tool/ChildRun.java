@@ -29,9 +29,11 @@ final class ChildRun {
         mLibrary = library;
     }
 
-    /** Runs a recording again. Returns the folder of the new recording. */
-    Path play(Path recording) throws IOException {
-        return start(List.of("play", recording.toString()));
+    /** Runs recordings again. Returns the folder of the new ones, which are fewer when the process ended. */
+    Path play(List<Path> recordings) throws IOException {
+        List<String> arguments = new ArrayList<>(List.of("play"));
+        recordings.forEach(recording -> arguments.add(recording.toString()));
+        return start(arguments);
     }
 
     /** Runs a request file, and returns the folder of its recording. */

@@ -52,7 +52,7 @@ final class RecordingCommand {
             case "replay" -> command.replay();
             case "trim" -> command.trim();
             case "diff" -> command.diff();
-            default -> new RecordingPlayer(RecordedRequest.read(options.files.get(0)), options.record).run();
+            default -> command.play();
         };
     }
 
@@ -83,31 +83,48 @@ final class RecordingCommand {
         return "%.2f MB".formatted(bytes / 1e6);
     }
 
+    private int play() throws RequestFileException, ErrnoException, IOException {
+        int status = Verdict.OK;
+        for (Path folder : mOptions.files) {
+            status = Math.max(status, new RecordingPlayer(RecordedRequest.read(folder), mOptions.record).run());
+        }
+        return status;
+    }
+
     private int replay() throws RequestFileException, IOException {
-        int status = EQUAL;
+        List<Path> folders = new ArrayList<>();
         for (Path file : mOptions.files) {
-            for (Path folder : recordings(file)) {
-                status = Math.max(status, replay(folder));
+            folders.addAll(recordings(file));
+        }
+        // What can't be run again is said before a process is started for it.
+        List<RecordedRequest> recorded = new ArrayList<>();
+        for (Path folder : folders) {
+            recorded.add(RecordedRequest.read(folder));
+            recorded.get(recorded.size() - 1).toRequest();
+        }
+        Path library = mOptions.libraries.isEmpty() ? null : mOptions.libraries.get(0);
+        int status = EQUAL;
+        for (int done = 0; done < folders.size();) {
+            // One process for all, and another for those after one that ended its process.
+            ChildRun child = new ChildRun("replay", mOptions.arm, library);
+            for (Path again : recordings(child.play(folders.subList(done, folders.size())))) {
+                status = Math.max(status, replay(recorded.get(done), again));
+                ++done;
             }
         }
         return status;
     }
 
-    private int replay(Path folder) throws RequestFileException, IOException {
-        RecordedRequest recorded = RecordedRequest.read(folder);
-        // What can't be run again is said before a process is started for it.
-        recorded.toRequest();
-        RunRecord before = RunRecord.of(recorded, folder.toString());
-        ChildRun child = new ChildRun("replay-" + folder.toAbsolutePath().normalize().getFileName(),
-                mOptions.arm, mOptions.libraries.isEmpty() ? null : mOptions.libraries.get(0));
-        RunRecord after = RunRecord.of(RecordedRequest.read(only(child.play(folder))), "this run");
+    private int replay(RecordedRequest recorded, Path again) throws RequestFileException, IOException {
+        RunRecord before = RunRecord.of(recorded, recorded.folder().toString());
+        RunRecord after = RunRecord.of(RecordedRequest.read(again), "this run");
         recorded.notes().forEach(note -> System.out.println("  note: " + note));
         if (!before.isKnown()) {
-            System.out.println(folder + ": ran, " + after.parameters().size()
+            System.out.println(before.name() + ": ran, " + after.parameters().size()
                     + " parameters; nothing was recorded to compare with");
             return EQUAL;
         }
-        return compare(folder.toString(), before, after);
+        return compare(before.name(), before, after);
     }
 
     private int diff() throws RequestFileException, IOException {
@@ -136,7 +153,7 @@ final class RecordingCommand {
         if (Files.isDirectory(file)) {
             folders = recordings(file);
             if (library != null) {
-                folders = List.of(only(child.play(only(file))));
+                folders = List.of(only(child.play(List.of(only(file)))));
             }
         } else if (library != null || file.toString().endsWith(".json")) {
             folders = recordings(child.run(file));

@@ -77,7 +77,7 @@ final class RecordingOptions {
                 addComparison(spec);
             }
             default -> {
-                positional(spec, "FOLDER", "1", "Runs a recording again and records that.");
+                positional(spec, "FOLDER", "1..*", "Runs recordings again and records that.");
                 spec.addOption(path("DIR", "where to", "--record").required(true).build());
                 spec.addOption(flag("run the 32-bit ARM library", "--arm"));
             }

@@ -55,6 +55,8 @@ final class RecordingPlayer {
             mImages.forEach(RecordingPlayer::close);
         }
         client.end(request, stopwatch);
+        // Those of one request are not the next one's.
+        request.properties().keySet().forEach(name -> SystemProperties.set(name, ""));
         return Verdict.OK;
     }
 
