@@ -1,0 +1,126 @@
+// The recorder of the service: what goes wrong with a recording never reaches the request.
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "request_scene.h"
+
+namespace orlu {
+namespace {
+
+#define OBJECT "Ljava/lang/Object;"
+#define SERVICE "com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService"
+constexpr char kRecorder[] = "com/orlu/orlu3rdalgoservice/record/RequestRecorder";
+constexpr char kPlainCall[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
+constexpr char kRecordedCall[] = "(L" SERVICE ";J" OBJECT OBJECT OBJECT OBJECT ")I";
+
+class RequestRecorderTest : public test::RequestScene {
+protected:
+  RequestRecorderTest() {
+    std::string name = std::filesystem::temp_directory_path() / "recorder_XXXXXX";
+    mFolder = mkdtemp(name.data());
+    mAlgo.use();
+    mClient =
+        test::call(mService, "createNativeClient", "(" OBJECT ")J", static_cast<jobject>(mCompositions[0])).j;
+  }
+  void TearDown() override {
+    test::call(mService, "destroyNativeClient", "(J)I", mClient);
+    std::filesystem::remove_all(mFolder);
+    RequestScene::TearDown();
+  }
+
+  // Into a folder of this name in the test's own.
+  jobject newRecorder(const std::string& name, int count, int64_t bytes) const {
+    jobject file =
+        test::newObject("java/io/File", "(Ljava/lang/String;)V", test::javaString(mFolder + "/" + name));
+    return test::newObject(kRecorder, "(Ljava/io/File;IJ)V", file, count, bytes);
+  }
+  // The status of a request, "thrown" when it throws.
+  std::string run(jobject recorder, jobject inputs, jobject compositions) {
+    mTrace.clear();
+    try {
+      jobject request = test::newRequest(kReqId, "capture");
+      const int status = recorder == nullptr ? test::call(mService, "processImage", kPlainCall, mClient,
+                                                          request, inputs, mOutputs, compositions)
+                                                   .i
+                                             : test::call(recorder, "processImage", kRecordedCall, mService,
+                                                          mClient, request, inputs, mOutputs, compositions)
+                                                   .i;
+      return std::to_string(status) + ": " + mTrace;
+    } catch (const std::runtime_error& e) {
+      test::env()->ExceptionClear();
+      return "thrown";
+    }
+  }
+  // The names of the folders of recordings, each with the last part written.
+  std::vector<std::string> recordings(const std::string& name) const {
+    std::vector<std::string> found;
+    if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
+    for (const auto& entry : std::filesystem::directory_iterator(mFolder + "/" + name)) {
+      std::ifstream file(entry.path() / "recording");
+      std::string last;
+      for (std::string line; std::getline(file, line);) last = line;
+      const size_t part = last.find("\"part\":\"") + 8;
+      const std::string lastPart = last.empty() ? "" : last.substr(part, last.find('"', part) - part);
+      found.push_back(entry.path().filename().string() + " " + lastPart);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  const jobject mService = test::newObject(SERVICE, "()V");
+  std::string mFolder;
+  jlong mClient = 0;
+};
+
+TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
+  std::ofstream(mFolder + "/file") << "no folder";
+  const jobject closed = test::newSmallImage();
+  test::call(test::objectField(closed, "mImageDataShmem", "Landroid/os/SharedMemory;"), "close", "()V");
+  const jobject compositions = test::javaList(mCompositions);
+  const jobject closedInputs = test::javaList({closed});
+  const jobject throwing = test::javaList({test::newThrowingComposition()});
+  const jobject nulls = test::newUnrulyList(1, false, false);
+  const struct {
+    const char* fault;
+    const char* folder;
+    int64_t bytes;
+    jobject inputs;
+    jobject compositions;
+    const char* lastPart;
+  } cases[] = {
+      {"none",                  "plain",  1 << 20, mInputs,      compositions, "end"    },
+      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions, nullptr  },
+      {"no bytes are left",     "full",   700,     mInputs,      compositions, "request"},
+      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions, "failed" },
+      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,     "failed" },
+      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,      "failed" },
+      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,        "failed" },
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.fault);
+    const std::string plain = run(nullptr, c.inputs, c.compositions);
+    EXPECT_EQ(plain, run(newRecorder(c.folder, 4, c.bytes), c.inputs, c.compositions));
+    std::vector<std::string> expected;
+    if (c.lastPart != nullptr) expected.push_back(std::string("000001-request-8589934593 ") + c.lastPart);
+    EXPECT_EQ(expected, recordings(c.folder));
+  }
+}
+
+TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
+  std::filesystem::create_directories(mFolder + "/few/000000-mine");
+  const jobject recorder = newRecorder("few", 2, 1 << 20);
+  for (int i = 0; i < 4; ++i) run(recorder, mInputs, test::javaList(mCompositions));
+  // A new process goes on after the newest.
+  run(newRecorder("few", 2, 1 << 20), mInputs, test::javaList(mCompositions));
+  const std::vector<std::string> kept = {"000000-mine ", "000004-request-8589934593 end",
+                                         "000005-request-8589934593 end"};
+  EXPECT_EQ(kept, recordings("few"));
+}
+
+}  // namespace
+}  // namespace orlu
