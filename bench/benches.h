@@ -18,6 +18,7 @@ void registerGrowthBenches(const BenchSize& size);
 void registerFlightBenches(const BenchSize& size);
 void registerClientsBenches(const BenchSize& size);
 void registerProbeBenches(const BenchSize& size);
+void registerRecorderBenches(const BenchSize& size);
 void registerMemoryBenches(const BenchSize& size);
 
 }  // namespace orlu::bench

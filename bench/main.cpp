@@ -62,6 +62,7 @@ int main(int argc, char** argv) {
   orlu::bench::registerFlightBenches(size);
   orlu::bench::registerClientsBenches(size);
   orlu::bench::registerProbeBenches(size);
+  orlu::bench::registerRecorderBenches(size);
   if (size.memoryRequests > 0) orlu::bench::registerMemoryBenches(size);
   warmUp(size);
   benchmark::RunSpecifiedBenchmarks();

@@ -1,0 +1,79 @@
+// A request through the service's Java class with the recorder beside it, over one without, in turn. The
+// images are small, so this is what a recording costs besides its pixels.
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "benches.h"
+#include "kinds.h"
+#include "measured.h"
+
+namespace orlu::bench {
+namespace {
+
+#define OBJECT "Ljava/lang/Object;"
+#define SERVICE "com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService"
+constexpr char kRecorder[] = "com/orlu/orlu3rdalgoservice/record/RequestRecorder";
+constexpr char kPlainCall[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
+constexpr char kRecordedCall[] = "(L" SERVICE ";J" OBJECT OBJECT OBJECT OBJECT ")I";
+
+jobject newRecorder(const std::string& folder) {
+  jobject file = test::newObject("java/io/File", "(Ljava/lang/String;)V", test::javaString(folder));
+  return test::newObject(kRecorder, "(Ljava/io/File;IJ)V", file, 1, int64_t{1} << 30);
+}
+
+void recorderBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
+  Shot shot(plan);
+  std::string folder = std::filesystem::temp_directory_path() / "recorder_bench_XXXXXX";
+  if (mkdtemp(folder.data()) == nullptr) return state.SkipWithError("no folder can be made");
+  const jobject service = test::newObject(SERVICE, "()V");
+  const jlong client = test::call(service, "createNativeClient", "(" OBJECT ")J", shot.firstComposition()).j;
+  const jobject recorder = newRecorder(folder);
+  const auto seconds = [&](bool isRecorded) {
+    shot.refresh();
+    const NativeFrame frame;
+    const auto begin = Clock::now();
+    if (isRecorded) {
+      test::call(recorder, "processImage", kRecordedCall, service, client, shot.request(), shot.inputs(),
+                 shot.outputs(), shot.compositions());
+    } else {
+      test::call(service, "processImage", kPlainCall, client, shot.request(), shot.inputs(), shot.outputs(),
+                 shot.compositions());
+    }
+    return Seconds(Clock::now() - begin).count();
+  };
+  for (int i = 0; i < warmUp; ++i) seconds(i % 2 == 0);
+  std::vector<double> plainTimes;
+  std::vector<double> times;
+  for (auto _ : state) {
+    plainTimes.push_back(seconds(false));
+    times.push_back(seconds(true));
+    state.SetIterationTime(times.back());
+  }
+  test::call(service, "destroyNativeClient", "(J)I", client);
+  uintmax_t bytes = 0;
+  for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {
+    if (file.is_regular_file()) bytes += file.file_size();
+  }
+  std::filesystem::remove_all(folder);
+  state.counters["recorded_us"] = median(times) * 1e6;
+  state.counters["plain_us"] = median(plainTimes) * 1e6;
+  state.counters["ratio"] = median(ratios(times, plainTimes));
+  state.counters["bytes"] = static_cast<double>(bytes);
+}
+
+}  // namespace
+
+void registerRecorderBenches(const BenchSize& size) {
+  for (const Kind& kind : kinds()) {
+    benchmark::RegisterBenchmark(
+        (std::string("recorder/") + kind.name).c_str(),
+        [=](benchmark::State& state) { recorderBench(state, kind.plan, size.warmUp() / 10); })
+        ->UseManualTime()
+        ->Iterations(size.requests() / 5)
+        ->Unit(benchmark::kMicrosecond);
+  }
+}
+
+}  // namespace orlu::bench
