@@ -21,6 +21,15 @@ import picocli.CommandLine.UnmatchedArgumentException;
  */
 final class Options {
     private static final int HELP_COLUMNS = 80;
+    private static final String[] SYNOPSIS = {
+        "./run [options] [request.json ...]",
+        "       ./run conform [LIBRARY]      whether an algorithm library behaves",
+        "       ./run info FOLDER...         what is in recordings of requests",
+        "       ./run replay FOLDER...       run recordings again, and compare",
+        "       ./run trim FOLDER --out DIR  write a smaller copy of a recording",
+        "       ./run diff A B               compare two runs of a request",
+        "       (each of these has a --help of its own)",
+    };
     private static final String ABOUT = """
 
             Sends camera requests through the post-processing library, as the service does, and shows what \
@@ -104,7 +113,7 @@ final class Options {
         command.addPositional(PositionalParamSpec.builder().paramLabel("request.json").arity("0..*")
                 .hidden(true).type(List.class).auxiliaryTypes(Path.class).build());
         command.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
-                .customSynopsis("./run [options] [request.json ...]").description(ABOUT)
+                .customSynopsis(SYNOPSIS).description(ABOUT)
                 .footer(STATUSES, VARIABLES);
         return command;
     }
