@@ -86,7 +86,8 @@ final class RecordingCommand {
     private int play() throws RequestFileException, ErrnoException, IOException {
         int status = Verdict.OK;
         for (Path folder : mOptions.files) {
-            status = Math.max(status, new RecordingPlayer(RecordedRequest.read(folder), mOptions.record).run());
+            status = Math.max(
+                    status, new RecordingPlayer(RecordedRequest.read(folder), mOptions.record).run());
         }
         return status;
     }
