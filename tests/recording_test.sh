@@ -77,6 +77,7 @@ ends 1 'cut/input3.bin: is cut or damaged: its 1000 bytes' replay cut
 echo "== Compared"
 ends 1 '^  updated: not reached / 0$' diff "$root/samples/night.json" "$root/samples/night-async.json"
 ends 0 ': equal, ' diff "$root/samples/night.json" "$root/samples/night-async.json" --ignore updated
+ends 1 'frame 0 was given isFullAsync = \{"int":0\} / \{"int":1\}' diff "$night" shots/*-request-102
 ORLU_PLANTED=untouched ends 1 '  output 0' diff "$root/samples/watermark.json" --lib "$stand_in" --lib "$planted" --out pictures
 ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
 ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.recording.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.recording.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
@@ -84,10 +85,12 @@ final class RecordingCommand {
     }
 
     private int play() throws RequestFileException, ErrnoException, IOException {
+        // One for all, since it counts them: a 32-bit VM under the emulator can't list a folder.
+        RequestRecorder recorder =
+                new RequestRecorder(mOptions.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
         int status = Verdict.OK;
         for (Path folder : mOptions.files) {
-            status = Math.max(
-                    status, new RecordingPlayer(RecordedRequest.read(folder), mOptions.record).run());
+            status = Math.max(status, new RecordingPlayer(RecordedRequest.read(folder), recorder).run());
         }
         return status;
     }

@@ -20,7 +20,6 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
 
 import java.io.IOException;
-import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
@@ -30,9 +29,9 @@ final class RecordingPlayer {
     private final RequestRecorder mRecorder;
     private final List<VImageIPC> mImages = new ArrayList<>();
 
-    RecordingPlayer(RecordedRequest recorded, Path record) {
+    RecordingPlayer(RecordedRequest recorded, RequestRecorder recorder) {
         mRecorded = recorded;
-        mRecorder = new RequestRecorder(record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
+        mRecorder = recorder;
     }
 
     /** Returns Verdict's status of the library; what the request came to is in the new recording. */

@@ -24,6 +24,9 @@ public final class Comparison {
     // An address of the process.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
+    private static final int MOST_INPUTS = 12;
+    private static final int LONGEST_INPUT = 40;
+
     private final RunRecord mOne;
     private final RunRecord mOther;
     private final Set<String> mIgnored;
@@ -74,6 +77,7 @@ public final class Comparison {
                 notes.add(run.name() + " did not come to its end: compared up to there");
             }
         }
+        notes.addAll(inputs());
         mOne.times().forEach((call, time) -> {
             Double counterpart = mOther.times().get(call);
             if (counterpart != null) {
@@ -81,6 +85,35 @@ public final class Comparison {
             }
         });
         return notes;
+    }
+
+    // What one run was given and the other was not: the tags that a difference can come from.
+    private List<String> inputs() {
+        List<String> lines = new ArrayList<>();
+        for (int frame = 0; frame < Math.min(mOne.frames().size(), mOther.frames().size()); ++frame) {
+            for (String source : List.of("captureResult", "composition")) {
+                JsonObject one = mOne.frames().get(frame).getAsJsonObject(source);
+                JsonObject other = mOther.frames().get(frame).getAsJsonObject(source);
+                Set<String> tags = new LinkedHashSet<>(one.keySet());
+                tags.addAll(other.keySet());
+                tags.removeIf(tag -> Objects.equals(one.get(tag), other.get(tag)));
+                for (String tag : tags) {
+                    lines.add("frame " + frame + " was given " + tag + " = " + given(one, tag) + " / "
+                            + given(other, tag));
+                }
+            }
+        }
+        int most = Math.min(lines.size(), MOST_INPUTS);
+        List<String> shown = new ArrayList<>(lines.subList(0, most));
+        if (lines.size() > most) {
+            shown.add("and " + (lines.size() - most) + " other values given differ");
+        }
+        return shown;
+    }
+
+    private static String given(JsonObject values, String tag) {
+        String text = values.has(tag) ? values.get(tag).toString() : "none";
+        return text.length() <= LONGEST_INPUT ? text : text.substring(0, LONGEST_INPUT) + "...";
     }
 
     /** How much was compared. */

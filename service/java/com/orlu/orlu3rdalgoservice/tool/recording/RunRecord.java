@@ -31,6 +31,7 @@ public final class RunRecord {
     private final Map<String, Double> mTimes = new LinkedHashMap<>();
     private final List<Map<String, JsonElement>> mPuts = new ArrayList<>();
     private final List<RecordedImage> mResults;
+    private final List<JsonObject> mFrames = new ArrayList<>();
 
     private RunRecord(String name, RecordedEvents events, boolean isComplete, List<RecordedImage> results) {
         mName = name;
@@ -70,6 +71,7 @@ public final class RunRecord {
                 }
             }
         }
+        run.mFrames.addAll(recorded.parts("frame"));
         for (JsonObject part : recorded.parts("put")) {
             Map<String, JsonElement> values = new LinkedHashMap<>();
             part.getAsJsonObject("values").entrySet().forEach(
@@ -142,6 +144,11 @@ public final class RunRecord {
     /** For each frame, what was put. */
     List<Map<String, JsonElement>> puts() {
         return mPuts;
+    }
+
+    /** What went in, for each frame: "captureResult" and "composition". Empty when only events are known. */
+    List<JsonObject> frames() {
+        return mFrames;
     }
 
     List<RecordedImage> results() {
