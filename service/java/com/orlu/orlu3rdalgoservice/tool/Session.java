@@ -129,10 +129,11 @@ final class Session {
         if (mOptions.params) {
             ParameterPrinter.print(report.handover(), mTo, mOptions.wide);
         }
-        if (mOptions.tags) {
+        boolean hasRun = report.verdict.status() != Verdict.UNUSABLE;
+        if (hasRun && mOptions.tags) {
             new TagPrinter(report, new LinePrinter(mTo, mOptions.wide)).print();
         }
-        if (!mOptions.explain.isEmpty()) {
+        if (hasRun && !mOptions.explain.isEmpty()) {
             mSourceLines.learn(report.events);
             new ExplanationPrinter(report, mSourceLines, new LinePrinter(mTo, mOptions.wide))
                     .print(mOptions.explain);

@@ -49,8 +49,8 @@ final class TrialSession {
             Progress.end();
         } catch (IllegalArgumentException | RequestFileException e) {
             return Verdict.REFUSED;
-        } catch (ErrnoException | OutOfMemoryError e) {
-            all.add(Dependences.unknown("the trials ended: " + e.getMessage()).json());
+        } catch (ErrnoException | IllegalStateException | OutOfMemoryError | UnsatisfiedLinkError e) {
+            all.add(Dependences.unknown("the trials ended early: " + e.getMessage()).json());
         }
         Files.writeString(WorkFolder.trials(), all.toString());
         return Verdict.OK;

@@ -81,7 +81,8 @@ public final class ExplanationPrinter {
 
     private void printWrites(String name) {
         if (name.equals(Dependences.ALGORITHMS)) {
-            mLines.list("is", mHandover.process() == null ? List.of("handed to nobody") : mHandover.algorithms());
+            mLines.list("is", mHandover.process() == null ? List.of("handed to nobody")
+                    : mHandover.algorithms());
             return;
         }
         int[] writes = IntStream.range(0, mPlaces.size())

@@ -50,12 +50,12 @@ public final class Readings {
     }
 
     /** A tag's reading in the store that trials changed; null when there is none. */
-    Reading of(Dependence tag) {
+    public Reading of(Dependence tag) {
         return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
     }
 
     /** What lies in the capture result under a value of the composition; null when nothing does. */
-    Reading under(Reading reading) {
+    public Reading under(Reading reading) {
         Reading under = reading.isInComposition()
                 ? mReadings.get(new Key(reading.frame(), reading.tag(), false)) : null;
         return under == null || under.value().isEmpty() ? null : under;

@@ -40,7 +40,7 @@ public final class SourceLines {
     }
 
     /** Why lines are missing, "" when none is. */
-    String problem() {
+    public String problem() {
         return mProblem;
     }
 
@@ -48,7 +48,7 @@ public final class SourceLines {
      * For each call the line that says most of it: of the lines on its way, innermost first, the first that
      * the fewest kinds of call share, so that what all calls go through is left out. Null when none is known.
      */
-    List<Place> of(List<Call> calls, List<String> kinds) {
+    public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
         Map<Place, Set<String>> kindsOf = new HashMap<>();
         for (int i = 0; i < calls.size(); ++i) {

@@ -29,13 +29,15 @@ public final class TagCheck {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }
 
-    /** The verdict with what --strict finds after its reasons. */
+    /** The verdict with what --strict finds after its reasons: of a request that did not run, nothing. */
     public Verdict strict(Verdict verdict) {
+        if (verdict.status() == Verdict.UNUSABLE) {
+            return verdict;
+        }
         List<String> reasons = new ArrayList<>(verdict.reasons());
         addReason(reasons, "never read", this::isNeverRead);
         addReason(reasons, "of a wrong type", reading -> reading.is(Outcome.WRONG_TYPE));
-        boolean isFailed = verdict.status() != Verdict.OK || reasons.isEmpty();
-        return isFailed ? new Verdict(verdict.status(), reasons) : new Verdict(Verdict.FAILED, reasons);
+        return reasons.isEmpty() ? verdict : new Verdict(Verdict.FAILED, reasons);
     }
 
     private void addReason(List<String> reasons, String problem, Predicate<Reading> has) {
