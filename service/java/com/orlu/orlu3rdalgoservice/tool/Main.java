@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
@@ -39,6 +40,10 @@ public final class Main {
         try {
             if (RecordingCommand.isOne(arguments)) {
                 return recordingStatus(arguments);
+            }
+            if (ImportCommand.isOne(arguments)) {
+                ImportCommand.run(arguments, System.out);
+                return Verdict.OK;
             }
             Options options = Options.parse(arguments);
             if (options == null) {

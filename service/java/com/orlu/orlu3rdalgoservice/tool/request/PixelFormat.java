@@ -43,7 +43,7 @@ public enum PixelFormat {
     }
 
     /** Bytes of a row without padding. A JPEG has no rows; its width counts as one. */
-    int tightStride(int width) {
+    public int tightStride(int width) {
         return switch (this) {
             case MIPI_RAW10 -> (width + 3) / 4 * 5;
             case RAW16, RAW_SENSOR -> width * 2;

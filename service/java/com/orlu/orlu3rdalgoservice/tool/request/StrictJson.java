@@ -24,7 +24,7 @@ import java.util.regex.Pattern;
 /**
  * Reads a whole JSON file. What Gson's own tree reader lets pass, such as a field given twice, is an error.
  */
-final class StrictJson {
+public final class StrictJson {
     private static final Pattern PLACE = Pattern.compile("line (\\d+) column (\\d+)");
     // Deep enough for any request; deeper, and the recursion below would end in a stack overflow.
     private static final int MAX_DEPTH = 64;
@@ -39,7 +39,7 @@ final class StrictJson {
     }
 
     /** Reads the file. All that can be wrong with it as JSON is a RequestFileException. */
-    static JsonElement read(Path path) throws RequestFileException {
+    public static JsonElement read(Path path) throws RequestFileException {
         String file = path.toString();
         try (Reader reader = Files.newBufferedReader(path, StandardCharsets.UTF_8)) {
             return new StrictJson(file, reader).document();

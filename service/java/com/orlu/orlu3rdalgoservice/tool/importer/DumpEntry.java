@@ -1,0 +1,29 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import java.util.List;
+
+/**
+ * One entry of a metadata buffer as the camera service's dump prints it.
+ *
+ * @param line   of the file, from 1
+ * @param tag    section and name
+ * @param number the tag's number in hexadecimal
+ * @param type   byte, int32, int64, float, double or rational
+ * @param count  of the values that the buffer holds
+ * @param values those that are printed; a rational as "n/d"
+ */
+record DumpEntry(int line, String tag, String number, String type, long count, List<String> values) {
+    String place() {
+        return "line " + line;
+    }
+
+    /** Why the values are not all there and whole, null when they are. */
+    String incompleteness() {
+        if (values.size() == count) {
+            return null;
+        }
+        return values.size() < count
+                ? "incomplete entry: " + values.size() + " of " + count + " values are printed"
+                : "damaged entry: " + values.size() + " values, its count is " + count;
+    }
+}

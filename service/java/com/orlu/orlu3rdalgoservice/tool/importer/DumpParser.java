@@ -1,0 +1,97 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import java.util.ArrayList;
+import java.util.List;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/**
+ * Reads the metadata buffers in a dump of the camera service; any other text may be around them. What is cut
+ * or damaged is noted, and the rest is read.
+ */
+final class DumpParser {
+    private static final String BUFFER = "Dumping camera metadata array";
+    private static final Pattern SIZE = Pattern.compile(": (\\d{1,9}) / \\d+ entries");
+    private static final Pattern ENTRY = Pattern.compile(
+            "\\s*(\\S+\\.\\S+) \\(([0-9a-fA-F]+)\\): "
+                    + "(byte|int32|int64|float|double|rational)\\[(\\d{1,9})\\]\\s*");
+    private static final Pattern CUT_ENTRY = Pattern.compile("\\s*\\S+\\.\\S+ \\([0-9a-fA-F]+\\)?:?.*");
+    private static final Pattern RATIONAL = Pattern.compile("\\(\\s*(-?\\d+)\\s*/\\s*(-?\\d+)\\s*\\)");
+
+    private final Notes mNotes;
+    private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
+    private List<DumpEntry> mBuffer;
+    private int mBufferLine;
+    private int mAnnounced = -1;
+
+    DumpParser(Notes notes) {
+        mNotes = notes;
+    }
+
+    /** The buffers in the text's order. */
+    List<List<DumpEntry>> parse(List<String> lines) {
+        for (int i = 0; i < lines.size(); ++i) {
+            String line = lines.get(i);
+            Matcher entry = ENTRY.matcher(line);
+            if (line.contains(BUFFER)) {
+                begin(line, i + 1);
+            } else if (entry.matches()) {
+                if (mBuffer == null) {
+                    begin("", i + 1);
+                }
+                mBuffer.add(new DumpEntry(i + 1, entry.group(1), entry.group(2), entry.group(3),
+                        Long.parseLong(entry.group(4)), new ArrayList<>()));
+            } else if (line.strip().startsWith("[") && mBuffer != null && !mBuffer.isEmpty()) {
+                addValues(mBuffer.get(mBuffer.size() - 1), line.strip(), i + 1);
+            } else if (mBuffer != null && CUT_ENTRY.matcher(line).matches()) {
+                mNotes.add("line " + (i + 1), "no entry, dropped: " + line.strip());
+            }
+        }
+        end();
+        return mBuffers;
+    }
+
+    private void begin(String line, int number) {
+        end();
+        if (line.contains("Not allocated")) {
+            mNotes.add("line " + number, "a buffer that is not allocated");
+            return;
+        }
+        Matcher size = SIZE.matcher(line);
+        mAnnounced = size.find() ? Integer.parseInt(size.group(1)) : -1;
+        mBuffer = new ArrayList<>();
+        mBufferLine = number;
+        mBuffers.add(mBuffer);
+    }
+
+    private void end() {
+        if (mBuffer != null && mAnnounced >= 0 && mAnnounced != mBuffer.size()) {
+            mNotes.add("line " + mBufferLine, "the buffer has " + mAnnounced + " entries, found "
+                    + mBuffer.size());
+        }
+        mBuffer = null;
+        mAnnounced = -1;
+    }
+
+    // A line that is cut before its closing bracket may have lost digits of its last value.
+    private void addValues(DumpEntry entry, String line, int number) {
+        boolean isWhole = line.endsWith("]");
+        String text = line.substring(1, isWhole ? line.length() - 1 : line.length());
+        List<String> values = new ArrayList<>();
+        if (entry.type().equals("rational")) {
+            Matcher rational = RATIONAL.matcher(text);
+            while (rational.find()) {
+                values.add(rational.group(1) + "/" + rational.group(2));
+            }
+        } else if (!text.isBlank()) {
+            values.addAll(List.of(text.strip().split("\\s+")));
+        }
+        if (!isWhole) {
+            mNotes.add("line " + number, "the line is cut");
+            if (!values.isEmpty() && !Character.isWhitespace(line.charAt(line.length() - 1))) {
+                values.remove(values.size() - 1);
+            }
+        }
+        entry.values().addAll(values);
+    }
+}

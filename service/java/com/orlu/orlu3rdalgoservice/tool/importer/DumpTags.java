@@ -1,0 +1,254 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonElement;
+import com.google.gson.JsonObject;
+import com.google.gson.JsonPrimitive;
+
+import java.io.ByteArrayOutputStream;
+import java.math.BigDecimal;
+import java.nio.charset.StandardCharsets;
+import java.util.HashMap;
+import java.util.HexFormat;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * Turns the entries of one buffer, which have the camera layer's types, into the tags of a frame, which have
+ * Java's.
+ */
+final class DumpTags {
+    private static final String FACE_RECTANGLES = "android.statistics.faceRectangles";
+    private static final String FACE_SCORES = "android.statistics.faceScores";
+    private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
+    private static final String GPS_METHOD = "android.jpeg.gpsProcessingMethod";
+    private static final String GPS_TIME = "android.jpeg.gpsTimestamp";
+    /** Entries that make one tag together, and the type of each. */
+    private static final Map<String, String> PARTS = Map.of(FACE_RECTANGLES, "int32", FACE_SCORES, "byte",
+            GPS_COORDINATES, "double", GPS_METHOD, "byte", GPS_TIME, "int64");
+
+    private final Notes mNotes;
+    private final ImportedFrame mFrame = new ImportedFrame();
+    private final Map<String, DumpEntry> mParts = new HashMap<>();
+
+    private DumpTags(Notes notes) {
+        mNotes = notes;
+    }
+
+    static ImportedFrame of(List<DumpEntry> buffer, Notes notes) {
+        DumpTags tags = new DumpTags(notes);
+        buffer.forEach(tags::add);
+        tags.addFaces();
+        tags.addLocation();
+        return tags.mFrame;
+    }
+
+    private void add(DumpEntry entry) {
+        TagType type = TagTable.typeOf(entry.tag());
+        String wanted = PARTS.containsKey(entry.tag()) ? PARTS.get(entry.tag()) : layerType(type);
+        String problem = null;
+        if (wanted == null) {
+            problem = "unknown tag " + entry.number();
+        } else if (!List.of(wanted.split(" ")).contains(entry.type())) {
+            problem = "other type: " + entry.type() + " instead of " + wanted.replace(" ", " or ");
+        } else {
+            problem = entry.incompleteness();
+        }
+        if (problem != null) {
+            mNotes.add(entry.place(), entry.tag() + " dropped, " + problem);
+        } else if (PARTS.containsKey(entry.tag())) {
+            mParts.put(entry.tag(), entry);
+        } else {
+            put(entry, entry.tag(), () -> value(type, entry));
+        }
+    }
+
+    /** What the camera layer holds a tag of this type in; null for one that it has none for. */
+    private static String layerType(TagType type) {
+        return type == null ? null : switch (type) {
+            case INT, INT_ARRAY -> "int32 byte";
+            case LONG, LONG_ARRAY -> "int64";
+            case FLOAT, FLOAT_ARRAY -> "float";
+            case DOUBLE, DOUBLE_ARRAY -> "double";
+            case STRING, STRING_ARRAY, BYTES -> "byte";
+            case RECT, METERING_RECTANGLES -> "int32";
+            case RATIONAL -> "rational";
+            case FACES, LOCATION -> null;
+        };
+    }
+
+    private interface Value {
+        JsonElement get() throws DamagedValueException;
+    }
+
+    private void put(DumpEntry entry, String tag, Value value) {
+        try {
+            mFrame.put(tag, value.get(), entry.place(), mNotes);
+        } catch (DamagedValueException e) {
+            mNotes.add(entry.place(), tag + " dropped, " + e.getMessage());
+        }
+    }
+
+    private static JsonElement value(TagType type, DumpEntry entry) throws DamagedValueException {
+        return switch (type) {
+            case INT, LONG, FLOAT, DOUBLE -> number(entry, only(entry));
+            case STRING -> new JsonPrimitive(text(entry));
+            case STRING_ARRAY -> array(List.of(text(entry).split("\0")));
+            case BYTES -> new JsonPrimitive(HexFormat.of().formatHex(bytes(entry)));
+            case RECT -> {
+                int[] edges = groups(entry, 4)[0];
+                yield array(List.of(edges[0], edges[1], edges[0] + edges[2], edges[1] + edges[3]));
+            }
+            case METERING_RECTANGLES -> {
+                JsonArray regions = new JsonArray();
+                for (int[] region : groups(entry, 5)) {
+                    JsonObject object = rect(region);
+                    object.addProperty("weight", region[4]);
+                    regions.add(object);
+                }
+                yield regions;
+            }
+            case RATIONAL -> {
+                String[] parts = only(entry).split("/");
+                yield array(List.of(integer(entry, parts[0]), integer(entry, parts[1])));
+            }
+            default -> {
+                JsonArray numbers = new JsonArray();
+                for (String value : entry.values()) {
+                    numbers.add(number(entry, value));
+                }
+                yield numbers;
+            }
+        };
+    }
+
+    private static String only(DumpEntry entry) throws DamagedValueException {
+        if (entry.values().size() != 1) {
+            throw new DamagedValueException("other type: " + entry.type() + "[" + entry.count()
+                    + "] instead of one value");
+        }
+        return entry.values().get(0);
+    }
+
+    // Of NaN and infinities, which the dump writes as C does, a request file knows the names that Java has.
+    private static JsonPrimitive number(DumpEntry entry, String text) throws DamagedValueException {
+        int named = Enumerations.number(entry.tag(), text);
+        if (named >= 0) {
+            return new JsonPrimitive(named);
+        }
+        if (text.matches("-?(nan|inf)")) {
+            return new JsonPrimitive(text.endsWith("nan") ? "NaN" : text.replace("inf", "Infinity"));
+        }
+        // The dump prints no exponents.
+        if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
+            throw new DamagedValueException("no number and no known name: " + text);
+        }
+        return new JsonPrimitive(new BigDecimal(text));
+    }
+
+    private static int integer(DumpEntry entry, String text) throws DamagedValueException {
+        try {
+            return Integer.parseInt(text);
+        } catch (NumberFormatException e) {
+            throw new DamagedValueException("no " + entry.type() + ": " + text);
+        }
+    }
+
+    private static BigDecimal milliseconds(DumpEntry seconds) throws DamagedValueException {
+        String text = only(seconds);
+        if (!text.matches("\\d{1,18}")) {
+            throw new DamagedValueException("no time in seconds: " + text);
+        }
+        return new BigDecimal(text).movePointRight(3);
+    }
+
+    private static byte[] bytes(DumpEntry entry) throws DamagedValueException {
+        ByteArrayOutputStream bytes = new ByteArrayOutputStream();
+        for (String value : entry.values()) {
+            bytes.write(integer(entry, value));
+        }
+        return bytes.toByteArray();
+    }
+
+    // Ends with a zero byte, mostly.
+    private static String text(DumpEntry entry) throws DamagedValueException {
+        return new String(bytes(entry), StandardCharsets.UTF_8).replaceFirst("\0+$", "");
+    }
+
+    private static int[][] groups(DumpEntry entry, int size) throws DamagedValueException {
+        if (entry.values().size() % size != 0 || size == 4 && entry.values().isEmpty()) {
+            throw new DamagedValueException("other type: int32[" + entry.count() + "] instead of groups of "
+                    + size);
+        }
+        int[][] groups = new int[entry.values().size() / size][size];
+        for (int i = 0; i < entry.values().size(); ++i) {
+            groups[i / size][i % size] = integer(entry, entry.values().get(i));
+        }
+        return groups;
+    }
+
+    private static JsonArray array(List<?> values) {
+        JsonArray array = new JsonArray();
+        values.forEach(value -> array.add(value instanceof Number number ? new JsonPrimitive(number)
+                : new JsonPrimitive((String) value)));
+        return array;
+    }
+
+    private static JsonObject rect(int[] edges) {
+        JsonObject object = new JsonObject();
+        object.addProperty("left", edges[0]);
+        object.addProperty("top", edges[1]);
+        object.addProperty("right", edges[2]);
+        object.addProperty("bottom", edges[3]);
+        return object;
+    }
+
+    // Unlike any other rectangle, a face's is held by its edges.
+    private void addFaces() {
+        DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
+        DumpEntry scores = mParts.get(FACE_SCORES);
+        if (rectangles == null || rectangles.values().isEmpty()) {
+            return;
+        }
+        put(rectangles, "android.statistics.faces", () -> {
+            JsonArray faces = new JsonArray();
+            int[][] edges = groups(rectangles, 4);
+            for (int i = 0; i < edges.length; ++i) {
+                JsonObject face = rect(edges[i]);
+                if (scores != null && i < scores.values().size()) {
+                    face.add("score", number(scores, scores.values().get(i)));
+                }
+                faces.add(face);
+            }
+            return faces;
+        });
+    }
+
+    // The time is held in seconds, and a Location's is in milliseconds.
+    private void addLocation() {
+        DumpEntry coordinates = mParts.get(GPS_COORDINATES);
+        if (coordinates == null) {
+            return;
+        }
+        put(coordinates, "android.jpeg.gpsLocation", () -> {
+            List<String> values = coordinates.values();
+            if (values.size() != 3) {
+                throw new DamagedValueException("other type: double[" + values.size() + "] instead of three");
+            }
+            JsonObject location = new JsonObject();
+            location.add("latitude", number(coordinates, values.get(0)));
+            location.add("longitude", number(coordinates, values.get(1)));
+            location.add("altitude", number(coordinates, values.get(2)));
+            if (mParts.containsKey(GPS_METHOD)) {
+                location.addProperty("provider", text(mParts.get(GPS_METHOD)));
+            }
+            if (mParts.containsKey(GPS_TIME)) {
+                location.addProperty("time", milliseconds(mParts.get(GPS_TIME)));
+            }
+            return location;
+        });
+    }
+}

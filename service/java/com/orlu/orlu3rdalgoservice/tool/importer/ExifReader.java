@@ -1,0 +1,198 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import com.drew.imaging.ImageMetadataReader;
+import com.drew.imaging.ImageProcessingException;
+import com.drew.lang.GeoLocation;
+import com.drew.lang.Rational;
+import com.drew.metadata.Directory;
+import com.drew.metadata.Metadata;
+import com.drew.metadata.Tag;
+import com.drew.metadata.exif.ExifDirectoryBase;
+import com.drew.metadata.exif.ExifThumbnailDirectory;
+import com.drew.metadata.exif.GpsDirectory;
+
+import com.google.gson.JsonElement;
+import com.google.gson.JsonObject;
+import com.google.gson.JsonPrimitive;
+
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.Set;
+import java.util.TreeSet;
+
+/** Reads what a DNG or JPEG file says in its EXIF block as the tags of a frame. */
+final class ExifReader {
+    private static final int TAG_WHITE_LEVEL = 0xC61D;
+    private static final double NANOSECONDS = 1e9;
+    /** The first four bytes of a filter's pattern (0 red, 1 green, 2 blue), by the number that it has. */
+    private static final List<String> PATTERNS =
+            List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
+    private static final int FLASH_FIRED = 1;
+
+    private final Notes mNotes;
+    private final Metadata mMetadata;
+    private final ImportedFrame mFrame = new ImportedFrame();
+    private final Set<Integer> mTaken = new TreeSet<>();
+
+    private ExifReader(Metadata metadata, Notes notes) {
+        mMetadata = metadata;
+        mNotes = notes;
+    }
+
+    /** Reads the file; one that is no picture of a known form is a RequestFileException. */
+    static ImportedFrame read(Path file, Notes notes) throws RequestFileException {
+        try {
+            ExifReader reader = new ExifReader(ImageMetadataReader.readMetadata(file.toFile()), notes);
+            reader.addAll();
+            return reader.mFrame;
+        } catch (ImageProcessingException | IOException | RuntimeException e) {
+            // The last are what the library lets pass on damaged files.
+            throw new RequestFileException(file.toString(), "", "can't be read: " + e.getMessage());
+        }
+    }
+
+    private void addAll() {
+        Double exposure = number(ExifDirectoryBase.TAG_EXPOSURE_TIME);
+        if (exposure != null) {
+            put("android.sensor.exposureTime", whole(exposure * NANOSECONDS), "ExposureTime");
+        }
+        put("android.sensor.sensitivity", number(ExifDirectoryBase.TAG_ISO_EQUIVALENT), "ISO");
+        put("android.lens.aperture", number(ExifDirectoryBase.TAG_FNUMBER), "FNumber");
+        put("android.lens.focalLength", number(ExifDirectoryBase.TAG_FOCAL_LENGTH), "FocalLength");
+        put("orlu.feedback.focalLengthIn35mm", number(ExifDirectoryBase.TAG_35MM_FILM_EQUIV_FOCAL_LENGTH),
+                "FocalLengthIn35mmFilm");
+        put("android.sensor.info.whiteLevel", number(TAG_WHITE_LEVEL), "WhiteLevel");
+        Double distance = number(ExifDirectoryBase.TAG_SUBJECT_DISTANCE);
+        put("android.lens.focusDistance", distance == null ? null : 1 / distance, "SubjectDistance");
+        addFlash();
+        addChoice("android.jpeg.orientation", ExifDirectoryBase.TAG_ORIENTATION, "Orientation",
+                new int[] {-1, 0, -1, 180, -1, -1, 90, -1, 270});
+        // Only automatic and not are known; off is what the camera has for the latter.
+        addChoice("android.control.awbMode", ExifDirectoryBase.TAG_WHITE_BALANCE_MODE, "WhiteBalance",
+                new int[] {1, 0});
+        addPattern();
+        addLocation();
+        noteOthers();
+    }
+
+    private void addFlash() {
+        Double flash = number(ExifDirectoryBase.TAG_FLASH);
+        if (flash != null) {
+            boolean isFired = (flash.intValue() & FLASH_FIRED) != 0;
+            put("android.flash.mode", isFired ? 1.0 : 0.0, "Flash");
+            put("android.flash.state", isFired ? 3.0 : 2.0, "Flash");
+        }
+    }
+
+    private void addChoice(String tag, int exifTag, String name, int[] values) {
+        Double number = number(exifTag);
+        if (number == null) {
+            return;
+        }
+        int index = number.intValue();
+        if (index >= 0 && index < values.length && values[index] >= 0) {
+            put(tag, (double) values[index], name);
+        } else {
+            mNotes.add(name, tag + " dropped, nothing there is like " + index);
+        }
+    }
+
+    private void addPattern() {
+        for (int exifTag : List.of(
+                ExifDirectoryBase.TAG_CFA_PATTERN_2, ExifDirectoryBase.TAG_CFA_PATTERN)) {
+            Directory directory = holding(exifTag);
+            byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
+            if (pattern != null && pattern.length >= 4) {
+                mTaken.add(exifTag);
+                // The second has its size in front, as two numbers of two bytes.
+                byte[] colors = Arrays.copyOfRange(pattern, pattern.length - 4, pattern.length);
+                int number = PATTERNS.indexOf(Arrays.toString(colors));
+                if (number >= 0) {
+                    put("android.sensor.info.colorFilterArrangement", (double) number, "CFAPattern");
+                    return;
+                }
+                mNotes.add("CFAPattern", "dropped, no arrangement is " + Arrays.toString(colors));
+            }
+        }
+    }
+
+    private void addLocation() {
+        GpsDirectory gps = mMetadata.getFirstDirectoryOfType(GpsDirectory.class);
+        GeoLocation place = gps == null ? null : gps.getGeoLocation();
+        if (gps == null || place == null) {
+            return;
+        }
+        JsonObject location = new JsonObject();
+        location.addProperty("latitude", place.getLatitude());
+        location.addProperty("longitude", place.getLongitude());
+        Rational altitude = gps.getRational(GpsDirectory.TAG_ALTITUDE);
+        if (altitude != null && altitude.getDenominator() != 0) {
+            Integer below = gps.getInteger(GpsDirectory.TAG_ALTITUDE_REF);
+            location.addProperty("altitude", (below != null && below == 1 ? -1 : 1) * altitude.doubleValue());
+        }
+        if (gps.getGpsDate() != null) {
+            location.addProperty("time", gps.getGpsDate().getTime());
+        }
+        mFrame.put("android.jpeg.gpsLocation", location, "GPS", mNotes);
+    }
+
+    private void put(String tag, Double value, String place) {
+        if (value != null && Double.isFinite(value)) {
+            JsonElement number = value == Math.rint(value) && Math.abs(value) < 1L << 53
+                    ? new JsonPrimitive(value.longValue()) : new JsonPrimitive(value);
+            mFrame.put(tag, number, place, mNotes);
+        } else if (value != null) {
+            mNotes.add(place, tag + " dropped, it is no finite number");
+        }
+    }
+
+    private static double whole(double value) {
+        return Double.isFinite(value) ? Math.rint(value) : value;
+    }
+
+    // A value of the first directory that has one; a thumbnail has values of its own.
+    private Directory holding(int tag) {
+        for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
+            if (directory.containsTag(tag) && !(directory instanceof ExifThumbnailDirectory)) {
+                return directory;
+            }
+        }
+        return null;
+    }
+
+    private Double number(int tag) {
+        Directory directory = holding(tag);
+        if (directory == null) {
+            return null;
+        }
+        mTaken.add(tag);
+        Rational[] several = directory.getRationalArray(tag);
+        Double number = several != null && several.length > 0 ? Double.valueOf(several[0].doubleValue())
+                : directory.getDoubleObject(tag);
+        if (number == null) {
+            mNotes.add(directory.getTagName(tag), "dropped, it is no number");
+        }
+        return number;
+    }
+
+    private void noteOthers() {
+        List<String> names = new ArrayList<>();
+        for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
+            for (Tag tag : directory.getTags()) {
+                if (!mTaken.contains(tag.getTagType()) && !(directory instanceof GpsDirectory)
+                        && !(directory instanceof ExifThumbnailDirectory)) {
+                    names.add(tag.hasTagName() ? tag.getTagName() : tag.getTagTypeHex());
+                }
+            }
+            directory.getErrors().forEach(error -> mNotes.add("EXIF", "damaged: " + error));
+        }
+        if (!names.isEmpty()) {
+            mNotes.add("EXIF", "no tag is like " + String.join(", ", names));
+        }
+    }
+}

@@ -1,0 +1,48 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.io.IOException;
+import java.nio.file.Path;
+
+/**
+ * A file that becomes an input.
+ *
+ * @param file   with the pixels
+ * @param format that the input has
+ * @param size   of pixels without a header, else null
+ */
+record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
+    /** Of a file with a header; an IOException says what is wrong with it. */
+    static ImportedPicture of(Path file, ImageFileKind kind) throws IOException {
+        if (kind == ImageFileKind.DNG) {
+            DngFile.open(file);
+            return new ImportedPicture(file, PixelFormat.RAW16, null);
+        }
+        PictureFile picture = PictureFile.open(file);
+        boolean isEven = picture.width() % 2 == 0 && picture.height() % 2 == 0;
+        return new ImportedPicture(file, isEven ? PixelFormat.NV21 : PixelFormat.R8G8B8A8, null);
+    }
+
+    /** The input of a request file that lies in this folder. */
+    JsonObject input(Path folder, int frame) {
+        JsonObject input = new JsonObject();
+        input.addProperty("file", relative(folder, file));
+        input.addProperty("format", format.name());
+        if (size != null) {
+            input.addProperty("width", size.width());
+            input.addProperty("height", size.height());
+        }
+        input.addProperty("frame", frame);
+        return input;
+    }
+
+    static String relative(Path folder, Path file) {
+        return folder.toAbsolutePath().normalize().relativize(file.toAbsolutePath().normalize()).toString();
+    }
+}

@@ -1,0 +1,153 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.function.Predicate;
+
+/**
+ * Gathers frames and pictures from files of several forms. A text that begins with a brace is an image test's
+ * JSON, any other text a dump; the rest are pictures.
+ */
+final class Importer {
+    private static final int MOST_FRAMES = 60;
+    private static final int PROBE_BYTES = 4096;
+
+    private final Notes mNotes;
+    private final List<ImportedFrame> mFrames = new ArrayList<>();
+    private final List<ImportedFrame> mExifFrames = new ArrayList<>();
+    private final List<ImportedPicture> mPictures = new ArrayList<>();
+    private final List<Expected> mExpected = new ArrayList<>();
+
+    /** A picture that a JSON file announces, until it is found. */
+    private record Expected(SuiteOutput output, Path json) {
+    }
+
+    Importer(Notes notes) {
+        mNotes = notes;
+    }
+
+    /** Reads the files: first those that say what the others are. One of no known form is an error. */
+    void read(List<Path> files) throws RequestFileException, IOException {
+        List<Path> pixels = new ArrayList<>();
+        for (Path file : files) {
+            mNotes.begin(file);
+            ImageFileKind kind = ImageFileKind.of(file);
+            if (kind != ImageFileKind.BYTES) {
+                readPicture(file, kind);
+            } else if (!isText(file)) {
+                pixels.add(file);
+            } else if (firstCharacter(file) == '{') {
+                readSuite(file);
+            } else {
+                readDump(file);
+            }
+        }
+        for (ImportedPicture picture : mPictures) {
+            takeExpected(expected -> expected.output().kind() == ImageFileKind.of(picture.file()));
+        }
+        pixels.forEach(this::readPixels);
+        List.copyOf(mExpected).forEach(this::find);
+        while (mFrames.size() > MOST_FRAMES) {
+            mNotes.add("frame " + (mFrames.size() - 1), "dropped: a request has at most " + MOST_FRAMES);
+            mFrames.remove(mFrames.size() - 1);
+        }
+    }
+
+    /** The frames: of dumps and JSON, else one of each picture's EXIF block. */
+    List<ImportedFrame> frames() {
+        return mFrames.isEmpty() ? mExifFrames : mFrames;
+    }
+
+    List<ImportedPicture> pictures() {
+        return mPictures;
+    }
+
+    private static byte[] beginning(Path file) throws IOException {
+        try (var stream = Files.newInputStream(file)) {
+            return stream.readNBytes(PROBE_BYTES);
+        }
+    }
+
+    // Pixels of any size hold a zero byte soon.
+    private static boolean isText(Path file) throws IOException {
+        String name = file.getFileName().toString();
+        return !name.matches(".*\\.(raw\\d*|yuv|nv\\d\\d|bin)")
+                && new String(beginning(file), StandardCharsets.ISO_8859_1).indexOf('\0') < 0;
+    }
+
+    private static char firstCharacter(Path file) throws IOException {
+        String text = new String(beginning(file), StandardCharsets.UTF_8).strip();
+        return text.isEmpty() ? ' ' : text.charAt(0);
+    }
+
+    private void readSuite(Path file) throws RequestFileException {
+        SuiteReader suite = new SuiteReader(mNotes);
+        suite.read(file);
+        mFrames.addAll(suite.frames());
+        suite.outputs().forEach(output -> mExpected.add(new Expected(output, file)));
+    }
+
+    private void readDump(Path file) throws RequestFileException, IOException {
+        // Bytes that are no text are replaced, and show in the notes as what they are.
+        List<String> lines = new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList();
+        List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
+        if (frames.isEmpty()) {
+            throw new RequestFileException(file.toString(), "",
+                    "no form that is known: neither a metadata buffer with entries, nor JSON, nor a picture");
+        }
+        mFrames.addAll(frames);
+    }
+
+    private void readPicture(Path file, ImageFileKind kind) throws RequestFileException {
+        mExifFrames.add(kind == ImageFileKind.PNG ? new ImportedFrame() : ExifReader.read(file, mNotes));
+        addPicture(file, kind);
+    }
+
+    private void addPicture(Path file, ImageFileKind kind) {
+        try {
+            mPictures.add(ImportedPicture.of(file, kind));
+        } catch (IOException e) {
+            mNotes.add("", "its pixels are no input: " + e.getMessage());
+        }
+    }
+
+    private void readPixels(Path file) {
+        mNotes.begin(file);
+        long size = file.toFile().length();
+        Expected expected = takeExpected(other -> other.output().isOfSize(size));
+        if (expected != null) {
+            mPictures.add(new ImportedPicture(file, expected.output().format(), expected.output()));
+        } else {
+            mNotes.add("", "dropped: no output of a JSON file has its " + size + " bytes");
+        }
+    }
+
+    private Expected takeExpected(Predicate<Expected> which) {
+        Expected first = mExpected.stream().filter(which).findFirst().orElse(null);
+        mExpected.remove(first);
+        return first;
+    }
+
+    // What is not named may be beside the JSON file, under its name.
+    private void find(Expected expected) {
+        SuiteOutput output = expected.output();
+        mNotes.begin(expected.json());
+        String stem = expected.json().getFileName().toString().replaceFirst("\\.[^.]*$", "");
+        Path file = expected.json().resolveSibling(stem + "." + output.name());
+        if (!Files.isRegularFile(file)) {
+            mNotes.add("outputs", "no picture is named for " + output.name() + " " + output.width() + "x"
+                    + output.height() + ", and there is no " + file.getFileName());
+        } else if (output.kind() == ImageFileKind.BYTES) {
+            readPixels(file);
+        } else {
+            addPicture(file, output.kind());
+        }
+    }
+}

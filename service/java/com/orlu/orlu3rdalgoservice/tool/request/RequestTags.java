@@ -1,0 +1,24 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import com.google.gson.JsonElement;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+
+/** What a request file can hold of tags, for those who write one. */
+public final class RequestTags {
+    private RequestTags() {
+    }
+
+    /** Why a request file can't hold this value of a tag, null when it can. */
+    public static String problemOf(String tag, JsonElement value) {
+        try {
+            new CameraMetadataNative().set(tag, TagValues.ofTag(tag, new JsonField("", "", value), 0));
+            return null;
+        } catch (RequestFileException e) {
+            // The field and the file are the caller's.
+            return e.getMessage().replaceFirst("^: ", "");
+        } catch (IllegalArgumentException e) {
+            return e.getMessage();
+        }
+    }
+}

@@ -1,0 +1,188 @@
+#!/usr/bin/env python3
+"""What ./run import makes of a dump, an image test's JSON and EXIF blocks, whole, cut and damaged.
+
+importing_test.py BUILD_FOLDER
+"""
+
+import json
+import os
+import struct
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from image_files import LONG, SHORT, directory, dng  # noqa: E402
+
+ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+FORMS = ROOT / "tests/importing"
+RATIONAL, BYTE, TEXT = 5, 1, 2
+failures = []
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{what}: expected {str(wanted)[:600]}, found {str(found)[:600]}")
+
+
+def run(*arguments):
+    return subprocess.run([ROOT / "run", *arguments], capture_output=True, text=True, check=False,
+                          env={**os.environ, "ORLU_BUILD": str(BUILD)})
+
+
+def imported(*arguments):
+    """What is written, and what is said without the files' names."""
+    done = run("import", *arguments, "--out", "made/shot.json")
+    expect(f"{arguments} {done.stderr}", 0, done.returncode)
+    return json.loads(Path("made/shot.json").read_text()), done.stdout.splitlines()
+
+
+def rational(*numbers):
+    return b"".join(struct.pack("<II", int(number * 1000), 1000) for number in numbers)
+
+
+def exif_entries():
+    return [(33434, RATIONAL, rational(0.04)), (33437, RATIONAL, rational(1.8)), (34855, SHORT, [3200]),
+            (37377, RATIONAL, struct.pack("<II", 1, 0)), (37386, RATIONAL, rational(5.6)),
+            (37385, SHORT, [1]), (41989, SHORT, [26]), (41987, SHORT, [0])]
+
+
+def jpeg_with_exif():
+    """The photo, of 592x400, with an EXIF block put in front."""
+    photo = (ROOT / "samples/photos/table.jpg").read_bytes()
+    first = directory([(274, SHORT, [6]), (271, TEXT, b"made by hand\0"), (34665, LONG, [200]),
+                       (34853, LONG, [600])], 8, "<").ljust(192, b"\0")
+    sub = directory(exif_entries(), 200, "<").ljust(400, b"\0")
+    gps = directory([(1, TEXT, b"N\0"), (2, RATIONAL, rational(48, 15, 0)), (3, TEXT, b"W\0"),
+                     (4, RATIONAL, rational(11, 30, 0)), (6, RATIONAL, rational(519))], 600, "<")
+    block = b"Exif\0\0" + b"II*\0\x08\0\0\0" + first + sub + gps
+    return photo[:2] + b"\xff\xe1" + struct.pack(">H", len(block) + 2) + block + photo[2:]
+
+
+def reads_dump():
+    shot, lines = imported(FORMS / "dump.txt", "--algorithms", "night,jpegEncode",
+                           "--photo", ROOT / "samples/photos/table.jpg")
+    expect("dump", [{"captureResult": {
+        "android.control.aeMode": 2,
+        "android.control.aeRegions": [
+            {"left": 100, "top": 200, "right": 300, "bottom": 400, "weight": 1000},
+            {"left": 1, "top": 2, "right": 3, "bottom": 4, "weight": 0}],
+        "android.control.zoomRatio": 1.5,
+        "android.jpeg.gpsLocation": {"latitude": 48.25, "longitude": -11.5, "altitude": 519,
+                                     "provider": "network", "time": 1700000000000},
+        "android.lens.facing": 1, "android.scaler.cropRegion": [16, 32, 4016, 3032],
+        "android.sensor.exposureTime": 33333333, "android.sensor.info.activeArraySize": [0, 0, 4096, 3072],
+        "android.sensor.sensitivity": 3200, "android.sensor.timestamp": 812000000001,
+        "android.statistics.faces": [{"left": 100, "top": 200, "right": 300, "bottom": 400, "score": 90},
+                                     {"left": 5, "top": 6, "right": 70, "bottom": 80, "score": 51}],
+        "orlu.control.beauty_param.enable": 1, "orlu.control.currentModeEx": 8,
+        "orlu.control.localtime": "1700", "orlu.control.sensor_gain": "NaN",
+        "orlu.feedback.ccm": [1, -2, 3, 4, -5],
+        "orlu.feedback.sensor_pdaf_info": "01ff00"}}], shot["frames"])
+    expect("dump's images", [["night", "jpegEncode"], {"format": "NV21"}, [{"format": "JPEG"}]],
+           [shot["algorithms"], shot["inputs"], shot["outputs"]])
+    expect("dump's notes", [
+        "line 6: android.control.afMode dropped, no number and no known name: SIDEWAYS",
+        "line 14: android.control.aeLock dropped, unknown tag 10002",
+        "line 24: android.lens.focalLength dropped, other type: int64 instead of float",
+        "line 39: android.statistics.lensShadingMap dropped, incomplete entry: 16 of 884 values are printed",
+        "line 48: orlu.control.isNativeMode dropped, other type: int32[2] instead of one value",
+        "line 50: orlu.control.reqID dropped, incomplete entry: 0 of 1 values are printed",
+        "line 58: unknownSection.unknownTag dropped, unknown tag 80ff0001",
+        "line 61: a buffer that is not allocated",
+        "line 64: the buffer is no result, having no android.sensor.timestamp: dropped",
+        "line 69: the buffer describes a camera: its tags are taken where a result has none",
+        "line 69: android.info.supportedHardwareLevel dropped, unknown tag 150000"],
+        sorted((line.split("dump.txt: ")[1] for line in lines if "dump.txt: " in line),
+               key=lambda line: int(line.split()[1][:-1])))
+    expect("dump runs", 0, run("--out", "out", "made/shot.json").returncode)
+
+
+def reads_suite():
+    raw = [bytes([seed]) + bytes(16 * 12 * 2 - 1) for seed in (1, 2)]
+    for name, content in (("0.raw", raw[0]), ("1.raw", raw[1]), ("odd.raw", raw[0][1:])):
+        Path(name).write_bytes(content)
+    shot, lines = imported("0.raw", FORMS / "suite.json", "1.raw", "odd.raw")
+    expect("suite", [{"captureResult": {
+        "android.control.aeMode": 1,
+        "android.control.aeRegions": [{"left": 1, "top": 2, "right": 31, "bottom": 42, "weight": 5}],
+        "android.lens.aperture": 1.8, "android.sensor.exposureTime": 33333333,
+        "android.sensor.info.activeArraySize": {"left": 0, "top": 0, "right": 4096, "bottom": 3072},
+        "android.sensor.sensitivity": 3200, "android.sensor.timestamp": 812000000001,
+        "android.statistics.faces": [{"left": 1, "top": 2, "right": 30, "bottom": 40, "score": 77}],
+        "com.orlu.image_sizes": [4096, 3072], "orlu.control.isNativeMode": 1,
+        "orlu.feedback.sensor_pdaf_info": {"int8": [1, -1, 0]}}},
+        {"captureResult": {"android.sensor.info.activeArraySize": {
+            "left": 0, "top": 0, "right": 4096, "bottom": 3072},
+            "android.sensor.sensitivity": 1, "android.sensor.timestamp": 812000000002}}], shot["frames"])
+    expect("suite's inputs", [
+        {"file": f"../{i}.raw", "format": "RAW16", "width": 16, "height": 12, "frame": i} for i in range(2)],
+        shot["inputs"])
+    expect("suite's notes", [
+        "captureResults[0]: android.control.aeLock dropped, unknown tag",
+        'captureResults[0]: android.jpeg.gpsLocation dropped, needs an object, found "Location[gps 48.25]"',
+        'captureResults[1]: android.sensor.sensitivity dropped, needs a number, found "high"',
+        "captureResults[2]: dropped, it is no object of tags",
+        "outputs[2]: dropped, it needs a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
+        "captureRequest: not taken: it is no result",
+        "odd.raw: dropped: no output of a JSON file has its 383 bytes"],
+        [line.split("suite.json: ")[-1] for line in lines[:-1]])
+    expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)
+
+
+def reads_exif():
+    Path("a.jpg").write_bytes(jpeg_with_exif())
+    rows = [[512] * 16] * 12
+    Path("a.dng").write_bytes(dng(rows, white=1023, extra=[
+        (33422, BYTE, bytes([2, 1, 1, 0])), (34855, SHORT, [400]), (33434, RATIONAL, rational(0.5))]))
+    shot, lines = imported("a.jpg", "a.dng")
+    expect("EXIF", [{"captureResult": {
+        "android.control.awbMode": 1, "android.flash.mode": 1, "android.flash.state": 3,
+        "android.jpeg.gpsLocation": {"latitude": 48.25, "longitude": -11.5, "altitude": 519},
+        "android.jpeg.orientation": 90, "android.lens.aperture": 1.8, "android.lens.focalLength": 5.6,
+        "android.sensor.exposureTime": 40000000, "android.sensor.sensitivity": 3200,
+        "orlu.feedback.focalLengthIn35mm": 26}}, {"captureResult": {
+            "android.sensor.exposureTime": 500000000, "android.sensor.info.colorFilterArrangement": 3,
+            "android.sensor.info.whiteLevel": 1023, "android.sensor.sensitivity": 400}}], shot["frames"])
+    expect("EXIF inputs", [["../a.jpg", "NV21", 0], ["../a.dng", "RAW16", 1]],
+           [[i["file"], i["format"], i["frame"]] for i in shot["inputs"]])
+    expect("EXIF notes", [True], ["Make" in lines[0] and "Shutter Speed" in lines[0]])
+
+
+def survives_damage():
+    """Cut anywhere, a file is read as far as it goes or refused in one line."""
+    sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
+               "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 16] * 12)}
+    for name, data in sources.items():
+        ends = (9, len(data) // 3, len(data) // 2) if name != "a.jpg" else (9, 60, 300)
+        damaged = [data[:end] for end in ends] + [data[:150] + b"\xff\0[(" * 20 + data[230:]]
+        for i, content in enumerate(damaged):
+            Path(name).write_bytes(content)
+            done = run("import", name, "--out", "made/cut.json")
+            told = done.stderr.splitlines()
+            expect(f"{name} damaged {i}: {told}", [True, True, False],
+                   [done.returncode in (0, 2), len(told) == done.returncode // 2,
+                    "Exception" in done.stdout + done.stderr])
+    expect("cut dump", ["line 23: the line is cut", "line 2: the buffer has 26 entries, found 9"],
+           cut_dump_notes())
+    for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
+                            ((FORMS / "dump.txt",),
+                             "Missing required option: '--out=FILE'; ./run import --help")):
+        done = run("import", *arguments)
+        expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
+
+
+def cut_dump_notes():
+    text = (FORMS / "dump.txt").read_text()
+    Path("cut.txt").write_text(text[:text.index("BACK") + 2])
+    _, lines = imported("cut.txt")
+    return [line.split("cut.txt: ")[1] for line in lines if "is cut" in line or "has 26" in line]
+
+
+with tempfile.TemporaryDirectory() as folder:
+    os.chdir(folder)
+    for case in (reads_dump, reads_suite, reads_exif, survives_damage):
+        case()
+print("\n".join(failures) or "All passed")
+sys.exit(bool(failures))
