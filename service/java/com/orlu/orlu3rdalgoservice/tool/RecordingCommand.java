@@ -175,9 +175,9 @@ final class RecordingCommand {
     private int compare(String title, RunRecord one, RunRecord other)
             throws RequestFileException, IOException {
         Set<String> ignored = new HashSet<>(mOptions.ignored);
-        Path name = Path.of(one.name()).getFileName();
+        String name = Path.of(one.name()).getFileName().toString().replaceFirst("(\\.json)?( with .*)?$", "");
         Comparison comparison = new Comparison(one, other, ignored, mOptions.tolerance,
-                new OutputComparison(mOptions.out, String.valueOf(name)));
+                new OutputComparison(mOptions.out, name));
         List<String> differences = comparison.differences();
         System.out.println(title + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
                 + comparison.compared());
