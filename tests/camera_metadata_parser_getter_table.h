@@ -141,7 +141,7 @@ std::string reader(P& parser, const Ask& ask) {
 enum Source { kResult, kParameter, kCharacteristics };
 
 inline jobject fraction() {
-  return javaRational(1, 2);
+  return newObject("android/util/Rational", "(II)V", 1, 2);
 }
 
 struct Getter : NamedCase {
@@ -192,7 +192,7 @@ inline const Getter kGetters[] = {
 
     {CHARACTERISTICS(getCharacteristicsInt),         "android.lens.facing",                 JAVA(javaInt(4)), "4"},
     {CHARACTERISTICS(getCharacteristicsIntArray),    "com.orlu.image_sizes",                JAVA(javaInts({1, 2, 3})), "1 2 3"},
-    {CHARACTERISTICS(getCharacteristicsRational),    "orlu.test.rational",                  JAVA(javaRational(-1, 3)), "-1 3"},
+    {CHARACTERISTICS(getCharacteristicsRational),    "orlu.test.rational",                  JAVA(newObject("android/util/Rational", "(II)V", -1, 3)), "-1 3"},
     {CHARACTERISTICS(getCharacteristicsRectInfo),    "android.sensor.info.activeArraySize", JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
     {CHARACTERISTICS(getCharacteristicsRectInfo_ex), "android.sensor.info.activeArraySize", JAVA(javaRect({1, 2, 3, 4})), "1 3 2 4 0"},
 };
@@ -213,7 +213,12 @@ inline jobject sourceOf(const Getter& getter, bool hasValue) {
   if (getter.source == kParameter) {
     return hasValue ? compositionWith(getter.key, getter.value()) : newComposition();
   }
-  registerTag("orlu.test.rational", "RATIONAL");
+  jobject rational =
+      callStatic("android/hardware/camera2/impl/TagType", "valueOf",
+                 "(Ljava/lang/String;)Landroid/hardware/camera2/impl/TagType;", javaString("RATIONAL"));
+  callStatic("android/hardware/camera2/impl/TagTable", "register",
+             "(Ljava/lang/String;Landroid/hardware/camera2/impl/TagType;)V", javaString("orlu.test.rational"),
+             rational);
   jobject metadata = newMetadata();
   if (hasValue) setTag(metadata, getter.key, getter.value());
   return getter.source == kResult ? newCaptureResult(metadata) : newCharacteristics(metadata);

@@ -37,8 +37,8 @@ const Putter kPutters[] = {
     {"putIntArray",    kComposition, PUT(putIntArray, kIntValues, 3), "int[] 1 -2 3", kIntegers},
     // Asks for the Integer[] class on purpose.
     {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "long[] 5000000001 -2", kIntegers},
-    {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2", kFloats},
-    {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2", kDoubles},
+    {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2.0", kFloats},
+    {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2.0", kDoubles},
     {"putIntArray_none", kComposition, PUT(putIntArray, nullptr, 0), "int[]", kIntegers},
     {"putIntIntoHashMap", kHashMap, PUT(putIntIntoHashMap, -4), "Integer -4", kInteger},
     {"putFloatIntoHashMap", kHashMap, PUT(putFloatIntoHashMap, 2.5F), "Float 2.5", kFloat},
@@ -97,7 +97,9 @@ TEST_P(CameraMetadataParserPutterTest, NeedsAContainer) {
   expectFailure(kNoInput, mParser, nullptr, "null");
   expectFailure(kNotPut, mParser, isMap() ? newComposition() : mParser.createHashMap(),
                 "the other container");
-  expectFailure(kNotPut, mParser, isMap() ? newThrowingMap() : newThrowingComposition(), "one that throws");
+  expectFailure(kNotPut, mParser,
+                isMap() ? newObject("com/orlu/test/ThrowingMap", "()V") : newThrowingComposition(),
+                "one that throws");
 }
 
 TEST_P(CameraMetadataParserPutterTest, NeedsItsClassesAndMembers) {

@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, HostMetadataTest, testing::Values(
     StoreCase{"IntAsLong",        kInt,    [] { return test::javaInt(5); },             "java/lang/Long",      "refused",  "Long of Integer, refused"},
     StoreCase{"LongAsLong",       kLong,   [] { return test::javaLong(1LL << 40); },    "java/lang/Long",      "Long 1099511627776",  "Long of Long"},
     StoreCase{"LongAsInteger",    kLong,   [] { return test::javaLong(7); },            "java/lang/Integer",   "refused",  "Integer of Long, refused"},
-    StoreCase{"FloatsAsFloats",   kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[F",                  "float[] 1.5 2",  "float[] of float[]"},
+    StoreCase{"FloatsAsFloats",   kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[F",                  "float[] 1.5 2.0",  "float[] of float[]"},
     StoreCase{"FloatsAsObjects",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[Ljava/lang/Float;",  "Float[] 1.5 2.0",  "Float[] of float[]"},
     StoreCase{"FloatsAsFloat",    kFloats, [] { return test::javaFloats({1.5F, 2}); },  "java/lang/Float",     "refused",  "Float of float[], refused"},
     StoreCase{"FloatsAsDoubles",  kFloats, [] { return test::javaFloats({1.5F, 2}); },  "[D",                  "refused",  "double[] of float[], refused"},

@@ -65,9 +65,9 @@ void translateClarity(ResultScene& scene, int inputs, int compositions) {
 TEST(ResultUpdaterClarityTest, PutsOneScoreForEachInputAndNothingElse) {
   // The table has fifty scores.
   const std::pair<int, std::string> cases[] = {
-      {0,               ""},
-      {  3, " 0.5 1.5 2.5"  },
-      { 52,  numbers(50,    0.5) + " 0 0"}
+      {0,                  ""},
+      {  3,    " 0.5 1.5 2.5"  },
+      { 52, numbers(50,   0.5) + " 0.0 0.0"}
   };
   for (const auto& [inputs, expected] : cases) {
     ResultScene scene;
@@ -132,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterSelectTest, testing::Values(
     SelectCase{"IndexOfTheCount",  3,  {0, 3, -1},        "none",                ""},
     SelectCase{"IndexFarOut",      2,  {0, 0x7FFFFFFF},   "none",                ""},
     SelectCase{"OutOfUnusedEntry", 2,  {1, 0, 99},        " 1001 1000",          ""},
-    SelectCase{"PastScores",       52, first20(),         numbers(20, 1000),     numbers(30, 20.5) + " 0 0"},
+    SelectCase{"PastScores",       52, first20(),         numbers(20, 1000),     numbers(30, 20.5) + " 0.0 0.0"},
     SelectCase{"LateFrameKept",    25, {24},              " 1024",               numbers(24, 1.5)}),
     test::CaseName());
 // clang-format on

@@ -122,7 +122,7 @@ const std::vector<Result> kResults = {
 // What every request ends with. The gains go into the last composition; of the processed algorithms, one word is put.
 const std::vector<Result> kEnd = {
     {"", left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
-    {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0 0"},
+    {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0.0 0.0"},
     {"", left("feedback", "current_base_frame_idx", {1}),         "",                                               "", ""},
     {"", left<int64_t>("control", "current_base_frame_time", {1234}), "0 orlu.feedback.basicFrameTimestamp Long",   " 1234", "none"},
     {"", left("parameter", "rawhdr_shot_ae_params", {5, -1001}),  "",                                               "", ""},
@@ -130,7 +130,7 @@ const std::vector<Result> kEnd = {
     {"", left("feedback", "rawhdr_track_mode", {21}),             "0 orlu.feedback.AlgoRAWHDRMode Integer",         " 21", " 0"},
     {"", left("feedback", "rawhdr_track_scenetype", {22}),        "0 orlu.feedback.AlgoRAWHDRSceneType Integer",    " 22", " 0"},
     {"", left<float>("system", "real_gain", {1.5F}),              "",                                               "", ""},
-    {"", left<float>("system", "dark_boost_gain", {2.5F}),        "1 orlu.feedback.rawhdrISPAEParams float[]",      " 1.5 2.5", " 0 0"},
+    {"", left<float>("system", "dark_boost_gain", {2.5F}),        "1 orlu.feedback.rawhdrISPAEParams float[]",      " 1.5 2.5", " 0.0 0.0"},
     {"", left<uint64_t>("parameter", "processed_algo", {0x11, 0x22, 0x33, 0xFFFFFFFFFFFFFF00, 0x55}), "0 orlu.parameter.processedAlgo Long", " -256", " 0"},
     {"", left<uint8_t>("feedback", "pure2proc_enabled", {200}),   "0 orlu.feedback.pure2proc.enabled Integer",      " 200", " 0"},
     {"", left("feedback", "supermoon_capture_result", {31}),      "0 orlu.feedback.superMoonCaptureResult Integer", " 31", " -1"}};

@@ -31,11 +31,6 @@ inline std::string errorText(const LogCapture& log, const std::string& tag) {
   return text;
 }
 
-// The line of an error that a class logs under its own tag.
-inline std::string errorLine(const std::string& clazz, const std::string& message) {
-  return "_V_VASJNI-" + clazz + ": * " + message;
-}
-
 // One text, of which a failure prints the lines that differ.
 inline std::string joined(const Lines& lines) {
   std::string text;

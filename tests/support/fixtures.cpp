@@ -118,36 +118,30 @@ void setObjectField(jobject object, const char* name, const char* signature, job
   env()->SetObjectField(object, fieldOf(object, name, signature), value);
 }
 
-jobject javaInt(int32_t value) {
-  return newObject("java/lang/Integer", "(I)V", static_cast<jint>(value));
-}
-jobject javaLong(int64_t value) {
-  return newObject("java/lang/Long", "(J)V", static_cast<jlong>(value));
-}
-jobject javaFloat(float value) {
-  return newObject("java/lang/Float", "(F)V", static_cast<double>(value));
-}
-jobject javaDouble(double value) {
-  return newObject("java/lang/Double", "(D)V", value);
-}
 jobject javaString(const std::string& value) {
   return env()->NewStringUTF(value.c_str());
 }
-jobject javaInts(const std::vector<int32_t>& values) {
-  return primitives(values, &JNIEnv::NewIntArray, &JNIEnv::SetIntArrayRegion);
-}
-jobject javaLongs(const std::vector<int64_t>& values) {
-  return primitives(values, &JNIEnv::NewLongArray, &JNIEnv::SetLongArrayRegion);
-}
-jobject javaFloats(const std::vector<float>& values) {
-  return primitives(values, &JNIEnv::NewFloatArray, &JNIEnv::SetFloatArrayRegion);
-}
-jobject javaDoubles(const std::vector<double>& values) {
-  return primitives(values, &JNIEnv::NewDoubleArray, &JNIEnv::SetDoubleArrayRegion);
-}
-jobject javaBytes(const std::vector<uint8_t>& values) {
-  return primitives(values, &JNIEnv::NewByteArray, &JNIEnv::SetByteArrayRegion);
-}
+
+// Boxed values, and arrays. A float travels among variable arguments as a double.
+#define JAVA_BOX(Type, Class, signature, T, JavaT)                              \
+  jobject java##Type(T value) {                                                 \
+    return newObject("java/lang/" Class, signature, static_cast<JavaT>(value)); \
+  }
+#define JAVA_ARRAY(Type, T)                                                                \
+  jobject java##Type##s(const std::vector<T>& values) {                                    \
+    return primitives(values, &JNIEnv::New##Type##Array, &JNIEnv::Set##Type##ArrayRegion); \
+  }
+JAVA_BOX(Int, "Integer", "(I)V", int32_t, jint)
+JAVA_BOX(Long, "Long", "(J)V", int64_t, jlong)
+JAVA_BOX(Float, "Float", "(F)V", float, double)
+JAVA_BOX(Double, "Double", "(D)V", double, double)
+JAVA_ARRAY(Int, int32_t)
+JAVA_ARRAY(Long, int64_t)
+JAVA_ARRAY(Float, float)
+JAVA_ARRAY(Double, double)
+JAVA_ARRAY(Byte, uint8_t)
+#undef JAVA_BOX
+#undef JAVA_ARRAY
 
 jobject javaArray(const char* elementClass, const std::vector<jobject>& elements) {
   jobjectArray array =
@@ -186,10 +180,6 @@ jobject javaLocation(double latitude, double longitude, double altitude, int64_t
   return location;
 }
 
-jobject javaRational(int32_t numerator, int32_t denominator) {
-  return newObject("android/util/Rational", "(II)V", numerator, denominator);
-}
-
 jobject javaList(const std::vector<jobject>& elements) {
   jobject list = newObject("java/util/ArrayList", "()V");
   for (jobject element : elements) call(list, "add", "(Ljava/lang/Object;)Z", element);
@@ -203,7 +193,6 @@ jobject newUnrulyList(int size, bool sizeThrows, bool getThrows) {
 int32_t intOf(jobject value) {
   return call(value, "intValue", "()I").i;
 }
-
 std::string stringOf(jobject value) {
   if (value == nullptr) return "(null)";
   const char* chars = env()->GetStringUTFChars(static_cast<jstring>(value), nullptr);
@@ -214,15 +203,6 @@ std::string stringOf(jobject value) {
 
 std::vector<int32_t> intsOf(jobject value) {
   return elementsOf<int32_t>(value, &JNIEnv::GetIntArrayRegion);
-}
-std::vector<int64_t> longsOf(jobject value) {
-  return elementsOf<int64_t>(value, &JNIEnv::GetLongArrayRegion);
-}
-std::vector<float> floatsOf(jobject value) {
-  return elementsOf<float>(value, &JNIEnv::GetFloatArrayRegion);
-}
-std::vector<double> doublesOf(jobject value) {
-  return elementsOf<double>(value, &JNIEnv::GetDoubleArrayRegion);
 }
 
 jobject newMetadata() {
@@ -267,10 +247,6 @@ jobject newThrowingComposition() {
   return newObject("com/orlu/test/ThrowingComposition", "()V");
 }
 
-jobject newThrowingMap() {
-  return newObject("com/orlu/test/ThrowingMap", "()V");
-}
-
 std::string typeOfTag(const std::string& tag) {
   jobject type = callStatic("android/hardware/camera2/impl/TagTable", "typeOf",
                             "(Ljava/lang/String;)Landroid/hardware/camera2/impl/TagType;", javaString(tag));
@@ -279,13 +255,6 @@ std::string typeOfTag(const std::string& tag) {
 
 std::string tagTableHint(const std::string& tag, const std::string& type) {
   return "add a line to host/java/android/hardware/camera2/impl/tags.txt: " + tag + ' ' + type;
-}
-
-void registerTag(const char* tag, const char* type) {
-  callStatic("android/hardware/camera2/impl/TagTable", "register",
-             "(Ljava/lang/String;Landroid/hardware/camera2/impl/TagType;)V", javaString(tag),
-             callStatic("android/hardware/camera2/impl/TagType", "valueOf",
-                        "(Ljava/lang/String;)Landroid/hardware/camera2/impl/TagType;", javaString(type)));
 }
 
 jobject newSharedMemory(int size) {

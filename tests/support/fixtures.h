@@ -58,7 +58,6 @@ jobject javaRect(const __tagOrluRect& rect);
 jobject javaFaces(const std::vector<__tagOrluRect>& faces);
 jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight);
 jobject javaLocation(double latitude, double longitude, double altitude, int64_t time);
-jobject javaRational(int32_t numerator, int32_t denominator);
 jobject javaList(const std::vector<jobject>& elements);
 // A list that claims `size` elements, all of them null unless get() throws.
 jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
@@ -67,9 +66,6 @@ jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 int32_t intOf(jobject value);
 std::string stringOf(jobject value);
 std::vector<int32_t> intsOf(jobject value);
-std::vector<int64_t> longsOf(jobject value);
-std::vector<float> floatsOf(jobject value);
-std::vector<double> doublesOf(jobject value);
 
 // Metadata.
 jobject newMetadata();
@@ -84,14 +80,10 @@ void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
 // A composition that throws, whatever is asked of it.
 jobject newThrowingComposition();
-// A HashMap whose put() throws.
-jobject newThrowingMap();
 // The store's type of a tag, a constant of TagType; empty for a tag that it does not know.
 std::string typeOfTag(const std::string& tag);
 // What to do about a tag that the store does not know as this type.
 std::string tagTableHint(const std::string& tag, const std::string& type);
-// Makes a tag known to the store. `type` is a constant of TagType.
-void registerTag(const char* tag, const char* type);
 
 // Images.
 jobject newSharedMemory(int size);

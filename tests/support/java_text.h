@@ -4,7 +4,6 @@
 #include <jni.h>
 
 #include <cstdarg>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,34 +17,18 @@ inline std::string toStringOf(jobject value) {
   return stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
 }
 
-// A value by its class and contents: "Integer 5", "float[] 1.5 2", "Integer[] 1 2".
+// A value by its class and contents: "Integer 5", "float[] 1.5 2.0", "Integer[] 1 2".
 inline std::string describeJava(jobject value) {
   if (value == nullptr) return "null";
   jobject clazz = callObject(value, "getClass", "()Ljava/lang/Class;");
-  const std::string name = stringOf(callObject(clazz, "getSimpleName", "()Ljava/lang/String;"));
-  std::ostringstream text;
-  text.precision(17);
-  text << name;
-  const auto list = [&](const auto& numbers) {
-    for (const auto number : numbers) text << ' ' << number;
-  };
-  if (name == "int[]") {
-    list(intsOf(value));
-  } else if (name == "long[]") {
-    list(longsOf(value));
-  } else if (name == "float[]") {
-    list(floatsOf(value));
-  } else if (name == "double[]") {
-    list(doublesOf(value));
-  } else if (name.find('[') == std::string::npos) {
-    text << ' ' << toStringOf(value);
-  } else {
-    const auto array = static_cast<jobjectArray>(value);
-    for (jsize i = 0; i < env()->GetArrayLength(array); ++i) {
-      text << ' ' << toStringOf(env()->GetObjectArrayElement(array, i));
-    }
+  std::string text = stringOf(callObject(clazz, "getSimpleName", "()Ljava/lang/String;"));
+  if (text.find('[') == std::string::npos) return text + ' ' + toStringOf(value);
+  for (jsize i = 0; i < env()->GetArrayLength(static_cast<jarray>(value)); ++i) {
+    jobject element =
+        callStatic("java/lang/reflect/Array", "get", "(Ljava/lang/Object;I)Ljava/lang/Object;", value, i);
+    text += ' ' + toStringOf(element);
   }
-  return text.str();
+  return text;
 }
 
 // Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with

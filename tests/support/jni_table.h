@@ -43,10 +43,11 @@ private:
   friend struct JniTableFunctions;
 
   jclass findClass(const char* name);
-  template <typename Id, typename Original>
-  Id findMember(jclass clazz, const char* name, const char* signature, Original original);
+  template <typename Id>
+  Id findMember(Id (*original)(JNIEnv*, jclass, const char*, const char*), jclass clazz, const char* name,
+                const char* signature);
+  void noteObject(const std::string& function, jobject object);
   std::string nameOf(jclass clazz);
-  void throwOutOfMemory();
 
   ScopedJniFunctions mFunctions;
   std::set<std::string> mHidden;

@@ -29,12 +29,9 @@ std::string patternOf(const std::string& message) {
   return pattern;
 }
 
-std::string keyOf(char priority, const std::string& clazz, const std::string& operation) {
-  return std::string(1, priority) + " _V_VASJNI-" + clazz + ' ' + operation;
-}
-
-std::string keyOf(const LogLine& line) {
-  return (line.priority == ANDROID_LOG_ERROR ? "E " : "D ") + line.tag + ' ' + line.function;
+// "D _V_VASJNI-VRequest getRequestInfo() "
+std::string prefixOf(const LogLine& line) {
+  return (line.priority == ANDROID_LOG_ERROR ? "E " : "D ") + line.tag + ' ' + line.function + "() ";
 }
 
 }  // namespace
@@ -50,38 +47,32 @@ LogTexts::LogTexts() {
         return;
       }
       if (quote != 2 || line.text.back() != '"') throw std::runtime_error("neither D nor E before a text");
-      const std::string message = line.text.substr(quote + 1, line.text.size() - quote - 2);
+      const std::string message = patternOf(line.text.substr(quote + 1, line.text.size() - quote - 2));
       std::istringstream names(operations);
       for (std::string operation; names >> operation;) {
-        mForms[keyOf(line.text[0], clazz, operation)].push_back({line, patternOf(message)});
+        const std::string prefix = line.text.substr(0, 2) + "_V_VASJNI-" + clazz + ' ' + operation + "() ";
+        mForms.push_back({line, clazz, prefix + message});
       }
     });
   }
 }
 
-bool LogTexts::find(const LogLine& line) {
-  LogLine ofAny = line;
-  ofAny.function = "*";
-  return findBelow(keyOf(line), line.message) || findBelow(keyOf(ofAny), line.message);
-}
-
-bool LogTexts::findBelow(const std::string& key, const std::string& message) {
-  std::vector<Form>& forms = mForms[key];
-  const auto form = std::find_if(forms.begin(), forms.end(), [&message](const Form& candidate) {
-    return fnmatch(candidate.pattern.c_str(), message.c_str(), 0) == 0;
-  });
-  if (form != forms.end()) form->isSeen = true;
-  return form != forms.end();
-}
-
 bool LogTexts::haveAll(const std::vector<LogLine>& lines) {
-  std::set<std::string> missing;
+  std::set<std::string> texts;
   for (const LogLine& line : lines) {
-    if (line.file.empty() || find(line)) continue;
-    missing.insert(keyOf(line) + "() " + line.message.substr(0, line.message.find_first_of("0123456789")));
+    if (!line.file.empty()) texts.insert(prefixOf(line) + line.message);
+  }
+  std::set<std::string> missing;
+  for (const std::string& text : texts) {
+    const auto form = std::find_if(mForms.begin(), mForms.end(), [&text](const Form& candidate) {
+      return fnmatch(candidate.pattern.c_str(), text.c_str(), 0) == 0;
+    });
+    if (form != mForms.end()) form->isSeen = true;
+    if (form == mForms.end())
+      missing.insert(text.substr(0, text.find_first_of("0123456789", text.find('('))));
   }
   for (const std::string& line : missing) {
-    const size_t clazz = line.find_last_of('-', line.find(' ', 2)) + 1;
+    const size_t clazz = line.find('-') + 1;
     std::fprintf(stderr, "%slogs/%s.txt:1: no text for: %s\n", goldenFolder().c_str(),
                  line.substr(clazz, line.find(' ', clazz) - clazz).c_str(), line.c_str());
   }
@@ -90,11 +81,8 @@ bool LogTexts::haveAll(const std::vector<LogLine>& lines) {
 
 std::vector<GoldenLine> LogTexts::unseen(const std::string& clazz) const {
   std::vector<GoldenLine> lines;
-  for (const auto& [key, forms] : mForms) {
-    if (key.find("-" + clazz + ' ') == std::string::npos) continue;
-    for (const Form& form : forms) {
-      if (!form.isSeen) lines.push_back(form.line);
-    }
+  for (const Form& form : mForms) {
+    if (form.clazz == clazz && !form.isSeen) lines.push_back(form.line);
   }
   return lines;
 }

@@ -3,7 +3,6 @@
 // stand there.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -17,24 +16,21 @@ public:
   // Reads all texts. Throws std::runtime_error, with the file and the line, for what it does not understand.
   LogTexts();
 
-  // Marks the line's text as seen. False when the line has none.
-  bool find(const LogLine& line);
-  // Prints each of these lines that has no text, figures left out, once. Returns whether all have one.
+  // Marks the texts of these lines as seen, and prints each line that has none, figures left out, once.
+  // Returns whether all have one.
   bool haveAll(const std::vector<LogLine>& lines);
-  // The texts of a class that find() has not seen.
+  // The texts of a class that haveAll() has not seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;
 
 private:
   struct Form {
     GoldenLine line;
-    std::string pattern;  // of fnmatch()
+    std::string clazz;
+    std::string pattern;  // of fnmatch(): "D _V_VASJNI-VRequest getRequestInfo() request info: *"
     bool isSeen = false;
   };
 
-  bool findBelow(const std::string& key, const std::string& message);
-
-  // By "D _V_VASJNI-VRequest getRequestInfo".
-  std::map<std::string, std::vector<Form>> mForms;
+  std::vector<Form> mForms;
 };
 
 }  // namespace orlu::test
