@@ -194,7 +194,7 @@ struct RecorderFunctions {
       } else if constexpr (std::is_floating_point_v<T>) {
         value.real = argument;
       } else {
-        value.integer = argument;
+        value.integer = argument;  // NOLINT(bugprone-signed-char-misuse): a jbyte is a number
       }
     }
 

@@ -17,7 +17,6 @@
 namespace orlu::probe {
 namespace {
 
-using android::hardware::hidl_handle;
 using android::hardware::hidl_vec;
 using Json = nlohmann::ordered_json;
 
@@ -59,6 +58,7 @@ AlgoInterfaceCallbacks realTable() {
 
 class ProbeTest : public testing::Test {
 protected:
+  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before and after a test.
   ProbeTest() {
     setenv("ORLU_EVENTS", mPath.c_str(), 1);
     recorder().open();
@@ -68,6 +68,7 @@ protected:
     recorder().open();
     std::remove(mPath.c_str());
   }
+  // NOLINTEND(concurrency-mt-unsafe)
 
   std::vector<Json> events() const {
     std::ifstream file(mPath);
