@@ -172,7 +172,7 @@ std::string numbersLine(const char* name, int first, int second) {
   return std::string(name) + ' ' + std::to_string(first) + ' ' + std::to_string(second);
 }
 
-// `text` about the line of a golden text.
+// What is wrong, at the line of the golden text that says otherwise.
 GoldenLine failure(const GoldenLine& line, const std::string& text) {
   return {text, line.file, line.number};
 }

@@ -17,8 +17,8 @@ namespace orlu::test {
 struct GoldenRun {
   std::vector<GoldenWrite> writes;  // in order; their types are "bytes"
   std::vector<std::string> after;   // the lines that a text has below [after]
-  // What a variation may ask for beside them: the first output and whether to skip, in other words when they
-  // are as before; the updater's answers about its input format and the bracketing.
+  // What a variation may ask for beside those lines: outputs that did not change, "no skip", the first
+  // input's format and the bracketing.
   std::vector<std::string> more;
 };
 

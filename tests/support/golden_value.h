@@ -1,14 +1,5 @@
-// A value of a golden text: its type, and its bytes as they travel.
-//
-//   int 5 | long 5 | float 1/3 | double 2.5 | byte 1            one number; a quotient is taken in its type
-//   ints 1 2 0*8 | longs | floats | doubles                     several; "0*8" is eight of them
-//   text[16] "SAT" | zero[64]                                   so many bytes
-//   bytes[152] 0:long=5 16:floats=1.5,2                         so many bytes, zero where nothing stands
-// and for tags alone
-//   string "words" | rect l t r b | faces l t r b ... | regions l t r b weight | location lat long alt time |
-//   none
-//
-// A number "7+2i" stands for 7 in frame 0, 9 in frame 1, and so on.
+// A value of a golden text: its type, and its bytes as they travel. tests/golden/README.md describes the
+// notation.
 #pragma once
 
 #include <cstddef>

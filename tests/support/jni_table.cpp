@@ -14,7 +14,7 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
-  // Stands for `Member`: counts its calls and passes them on, unless they are to fail.
+  // Replaces `Member`: counts its calls and passes them on, unless they are to fail.
   template <auto Member>
   struct Counted;
 
