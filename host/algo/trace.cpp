@@ -1,5 +1,9 @@
 #include "trace.h"
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdlib>
 
 #include <nlohmann/json.hpp>
@@ -11,6 +15,12 @@ using Json = nlohmann::ordered_json;
 
 const char* orEmpty(const char* text) {
   return text == nullptr ? "" : text;
+}
+
+// On the clock of the events (docs/events.md), in nanoseconds.
+int64_t now() {
+  const auto sinceBoot = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceBoot).count();
 }
 
 }  // namespace
@@ -36,6 +46,8 @@ void Trace::done(uint64_t nativeReq, const RunReport& report) {
   }
   const Json line = {
       {"op",           "done"             },
+      {"t",            now()              },
+      {"tid",          syscall(SYS_gettid)},
       {"nativeReq",    nativeReq          },
       {"ran",          report.ran         },
       {"skipped",      report.skipped     },

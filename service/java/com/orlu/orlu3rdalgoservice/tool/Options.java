@@ -58,6 +58,7 @@ final class Options {
     final Path photo;
     final Path json;
     final Path events;
+    final Path timeline;
     final Path record;
     /** Keys of parameters, perhaps with their sections, and words such as "all". */
     final List<String> explain;
@@ -75,6 +76,7 @@ final class Options {
         photo = line.matchedOptionValue("--photo", null);
         json = line.matchedOptionValue("--json", null);
         events = line.matchedOptionValue("--events", null);
+        timeline = line.matchedOptionValue("--timeline", null);
         record = line.matchedOptionValue("--record", null);
         explain = line.matchedOptionValue("--explain", List.of());
         mFiles = line.matchedPositionalValue(0, List.of());
@@ -104,8 +106,10 @@ final class Options {
                 "write parameters, algorithm lists, results, times and the verdict as JSON", "--json"));
         command.addOption(path("FILE", "keep all that passed between the library and the algorithm library, "
                 + "and every look-up of a tag, as JSON lines (docs/events.md)", "--events"));
+        command.addOption(path("FILE",
+                "write a timeline of the run that trace viewers open (docs/timeline.md)", "--timeline"));
         command.addOption(path("DIR",
-                "record each request in a folder there (docs/recording.md)", "--record"));
+                "record each request in a folder (docs/recording.md)", "--record"));
         command.addOption(
                 OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
         command.addOption(

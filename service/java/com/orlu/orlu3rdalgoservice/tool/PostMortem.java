@@ -5,6 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
 
 import java.io.IOException;
@@ -37,7 +38,7 @@ final class PostMortem {
         Path file = mOptions.out.resolve(REPORT);
         Files.writeString(file, crash.report());
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
-        Session.keepEvents(mOptions);
+        Session.keepEvents(mOptions, new Timeline());
         if (mOptions.record != null) {
             completeRecordings(mOptions.record);
         }

@@ -26,6 +26,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Judge;
 import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
 
@@ -44,6 +45,7 @@ final class Session {
     private final TraceReader mTraces;
     private final LineFile mEvents;
     private final JsonReport mJson = new JsonReport();
+    private final Timeline mTimeline = new Timeline();
     private final List<Verdict> mVerdicts = new ArrayList<>();
 
     /** Null when nothing is to be recorded. */
@@ -57,8 +59,7 @@ final class Session {
     Session(Options options) {
         mOptions = options;
         mRecorder = options.recorder();
-        String trace = System.getenv(TraceReader.VARIABLE);
-        mTraces = new TraceReader(trace == null || trace.isEmpty() ? null : Path.of(trace));
+        mTraces = new TraceReader(WorkFolder.algorithmTrace());
         mEvents = new LineFile(
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
@@ -107,20 +108,24 @@ final class Session {
             }
             print(report);
             mJson.add(report);
+            mTimeline.add(report);
             mVerdicts.add(report.verdict);
         }
         if (mOptions.json != null) {
             mJson.write(mOptions.json);
         }
-        keepEvents(mOptions);
+        keepEvents(mOptions, mTimeline);
         return overall(requests);
     }
 
-    /** Copies the events to where --events says. */
-    static void keepEvents(Options options) throws IOException {
+    /** Copies the events to where --events says, and writes the timeline to where --timeline says. */
+    static void keepEvents(Options options, Timeline timeline) throws IOException {
         Path events = WorkFolder.events();
         if (options.events != null && events != null && Files.exists(events)) {
             Files.copy(events, options.events, StandardCopyOption.REPLACE_EXISTING);
+        }
+        if (options.timeline != null) {
+            timeline.write(options.timeline, events, WorkFolder.algorithmTrace());
         }
     }
 

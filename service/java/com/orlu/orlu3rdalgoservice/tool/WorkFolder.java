@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
+import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
+
 import java.io.IOException;
 import java.io.UncheckedIOException;
 import java.nio.file.Files;
@@ -12,7 +15,16 @@ final class WorkFolder {
 
     /** The events' file, which need not be there; null when the launcher names none. */
     static Path events() {
-        String file = System.getenv("ORLU_EVENTS");
+        return ofEnvironment(EventLog.VARIABLE);
+    }
+
+    /** The file of what the algorithm library says of its work, likewise. */
+    static Path algorithmTrace() {
+        return ofEnvironment(TraceReader.VARIABLE);
+    }
+
+    private static Path ofEnvironment(String variable) {
+        String file = System.getenv(variable);
         return file == null || file.isEmpty() ? null : Path.of(file);
     }
 

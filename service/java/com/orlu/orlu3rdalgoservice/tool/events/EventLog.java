@@ -42,6 +42,11 @@ public final class EventLog {
         }
     }
 
+    /** The kernel's number of the thread that calls, 0 when it is unknown. */
+    public static int thisThread() {
+        return THREAD.get().tid();
+    }
+
     /** The log that the environment names; null when it names none. */
     public static synchronized EventLog ofEnvironment() throws IOException {
         String path = System.getenv(VARIABLE);

@@ -42,7 +42,7 @@ public final class JsonReport {
             object.add("trials", report.dependences.json());
         }
         JsonObject times = new JsonObject();
-        report.stopwatch.stages().forEach(times::addProperty);
+        report.stopwatch.milliseconds().forEach(times::addProperty);
         object.add("milliseconds", times);
         mReports.add(object);
     }

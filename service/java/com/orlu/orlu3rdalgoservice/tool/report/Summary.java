@@ -204,7 +204,8 @@ public final class Summary {
 
     private List<String> times() {
         List<String> parts = new ArrayList<>();
-        mReport.stopwatch.stages().forEach((stage, time) -> parts.add(stage + " " + milliseconds(time)));
+        mReport.stopwatch.milliseconds().forEach(
+                (stage, time) -> parts.add(stage + " " + milliseconds(time)));
         return parts;
     }
 

@@ -1,0 +1,133 @@
+#!/usr/bin/env python3
+"""Checks that what ./run --timeline writes is what viewers of the JSON trace format show rightly:
+timeline_test.py BUILD_FOLDER"""
+
+import collections
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = pathlib.Path(sys.argv[1]).resolve()
+ENVIRONMENT = {key: value for key, value in os.environ.items()
+               if key not in ("ANDROID_LOG_TAGS", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PLANTED")}
+
+# samples | planted fault | how many slices of a name or category | points of each arrow
+CASES = """
+night | | request 1, translation 1, algorithms 1, wait for the callback 1, results 1, Java: process 1 | stf
+night-async | | translation 1, algorithms 1, Java: wait 1, wait for the callback 0, results 1 | stf
+sat-fusion | | translation 1, algorithms 1, results 1, Java: init 1, Java: destroy 1 | stf
+night-async capture | | request 2, algorithms 2, wait for the callback 1, results 2, Java: create 2 | stf stf
+no-pass | | translation 0, wait for the callback 0, callback 0, Java: process 1 |
+capture | silent | translation 1, algorithms 1, wait for the callback 1, callback 0 |
+night-async | silent | Java: wait 1, wait for the callback 0, callback 0, Java: update result 0 |
+capture | aborts:process | translation 1, process 1, wait for the callback 0, Java: process 0 |
+"""
+
+failures = []
+
+
+def nanoseconds(microseconds):
+    return round(microseconds * 1000)
+
+
+def bounds(slice_):
+    start = nanoseconds(slice_["ts"])
+    return start, start + nanoseconds(slice_["dur"])
+
+
+def nesting_problems(slices):
+    around = []
+    for start, end, name in sorted((*bounds(s), s["name"]) for s in slices):
+        around = [outer for outer in around if outer[1] > start]
+        yield from (f"{name} ends behind {outer[2]}"
+                    for outer in around if outer[0] < start and outer[1] < end)
+        around.append((start, end, name))
+
+
+def arrows(events):
+    found = collections.defaultdict(list)
+    for event in events:
+        if event["ph"] in "stf":
+            found[event["id"], event["name"], event["cat"]].append(event)
+    return found.values()
+
+
+def arrow_problems(arrow, slices):
+    times = [event["ts"] for event in arrow]
+    if times != sorted(times):
+        yield "an arrow leads back in time"
+    wanted = ["process", "callback", "results"][:len(arrow)]
+    for event, name in zip(arrow, wanted):
+        at = nanoseconds(event["ts"])
+        lane = [s for s in slices if s["tid"] == event["tid"]]
+        if not any(s["name"] == name and bounds(s)[0] <= at < bounds(s)[1] for s in lane):
+            yield f"an arrow's point {event['ph']} is in no slice {name}"
+    if arrow[-1].get("bp") != "e":
+        yield "an arrow's end is not bound to the slice around it"
+
+
+def problems(trace, slice_counts, arrow_points):
+    events = trace["traceEvents"]
+    slices = [event for event in events if event["ph"] == "X"]
+    for event in events:
+        if not isinstance(event["pid"], int) or not isinstance(event["tid"], int) or event["pid"] <= 0:
+            yield f"no numbers of process and thread: {event}"
+    if any(s["ts"] < 0 or s["dur"] < 0 for s in slices):
+        yield "a slice begins before the timeline, or ends before it begins"
+    names = {event["tid"]: event["args"]["name"] for event in events if event["name"] == "thread_name"}
+    for tid in {s["tid"] for s in slices}:
+        lane = [s for s in slices if s["tid"] == tid]
+        yield from nesting_problems(lane)
+        wanted = "algorithm library" if any(s["cat"] == "algorithms" for s in lane) else "Java"
+        if not names.get(tid, "").startswith(wanted):
+            yield f"a lane has the name {names.get(tid)} instead of {wanted}"
+    for row in slice_counts.split(","):
+        name, count = row.strip().rsplit(" ", 1)
+        found = [s for s in slices if name in (s["cat"], s["name"])]
+        # Of the category "request", those that show a whole request alone.
+        found = [s for s in found if name != "request" or "verdict" in s["args"]]
+        if len(found) != int(count):
+            yield f"{len(found)} slices {name} instead of {count}"
+    found = arrows(events)
+    if [("".join(event["ph"] for event in arrow)) for arrow in found] != arrow_points.split():
+        yield f"the arrows are {[[event['ph'] for event in arrow] for arrow in found]}, not {arrow_points}"
+    for arrow in found:
+        yield from arrow_problems(arrow, slices)
+
+
+def wait_ends_with_callback(trace):
+    """Of a request alone: its thread waits while the algorithms run, and no longer."""
+    at = {s["name"].split(":")[0]: bounds(s) for s in trace["traceEvents"] if s["ph"] == "X"}
+    wait, callback, work = at["wait for the callback"], at["callback"], at["algorithms"]
+    return at["process"][1] <= wait[0] < work[1] <= callback[0] < wait[1] <= at["results"][0]
+
+
+with tempfile.TemporaryDirectory() as folder:
+    for case in CASES.strip().splitlines():
+        samples, fault, slice_counts, arrow_points = (field.strip() for field in case.split("|"))
+        environment = dict(ENVIRONMENT, ORLU_BUILD=str(BUILD))
+        if fault:
+            environment.update(ORLU_ALGO_LIBRARY=str(BUILD / "planted/planted_algo.so"), ORLU_PLANTED=fault)
+        file = pathlib.Path(folder) / "timeline.json"
+        file.unlink(missing_ok=True)
+        result = subprocess.run(
+            [ROOT / "run", "--out", "shots", "--timeline", file,
+             *(ROOT / f"samples/{sample}.json" for sample in samples.split())],
+            env=environment, cwd=folder, text=True, capture_output=True, check=False)
+        if not file.exists():
+            failures.append(f"{samples}, {fault}: no timeline: {result.stderr}")
+            continue
+        timeline = json.loads(file.read_text())
+        failures += [f"{samples}, {fault}: {problem}"
+                     for problem in problems(timeline, slice_counts, arrow_points)]
+        if samples == "night" and not wait_ends_with_callback(timeline):
+            failures.append("night: the wait is not from process to callback")
+
+for failure in failures:
+    print("FAILED:", failure)
+print("All passed" if not failures else f"{len(failures)} failures")
+sys.exit(bool(failures))
