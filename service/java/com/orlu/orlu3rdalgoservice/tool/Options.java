@@ -43,6 +43,10 @@ final class Options {
             opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
             it ends the process, DIR/crash.log says where.
             """;
+    private static final String SUBCOMMANDS = """
+            Subcommands, each with a --help of its own: import makes a request file of what a camera wrote \
+            (docs/importing.md); info, replay, trim and diff work on recordings (docs/recording.md).
+            """;
     private static final String VARIABLES = """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
             another algorithm library before the stand-in.
@@ -118,7 +122,7 @@ final class Options {
                 .hidden(true).type(List.class).auxiliaryTypes(Path.class).build());
         command.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
                 .customSynopsis(SYNOPSIS).description(ABOUT)
-                .footer(STATUSES, VARIABLES);
+                .footer(STATUSES, SUBCOMMANDS, VARIABLES);
         return command;
     }
 

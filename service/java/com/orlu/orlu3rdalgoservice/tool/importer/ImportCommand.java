@@ -91,8 +91,16 @@ public final class ImportCommand {
         importer.read(files);
         Path folder = out.toAbsolutePath().getParent();
         Files.createDirectories(folder);
-        Files.writeString(out, new RequestWriter(folder, importer).text(files, algorithms, photo));
-        RequestFileReader.read(out, null);
+        // It is read as ./run will read it, before it takes its place.
+        String text = new RequestWriter(folder, importer).text(files, algorithms, photo);
+        Path trial = Files.createTempFile(folder, "import", ".json");
+        try {
+            Files.writeString(trial, text);
+            RequestFileReader.read(trial, null);
+        } finally {
+            Files.delete(trial);
+        }
+        Files.writeString(out, text);
         notes.lines().forEach(to::println);
         int tags = importer.frames().stream().mapToInt(frame -> frame.tags().size()).sum();
         to.println(out + ": " + importer.frames().size() + " frames with " + tags + " tags, "
