@@ -1,5 +1,7 @@
 // The recorder of the service: what goes wrong with a recording never reaches the request.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -18,10 +20,17 @@ constexpr char kRecorder[] = "com/orlu/orlu3rdalgoservice/record/RequestRecorder
 constexpr char kPlainCall[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
 constexpr char kRecordedCall[] = "(L" SERVICE ";J" OBJECT OBJECT OBJECT OBJECT ")I";
 
+// In memory where there is such a folder: under the emulator a 32-bit VM can't list one of a file system
+// whose positions have 64 bits, and the recorder then finds no old recordings.
+std::filesystem::path temporaryFolder() {
+  constexpr char kMemory[] = "/dev/shm";
+  return access(kMemory, W_OK) == 0 ? kMemory : std::filesystem::temp_directory_path();
+}
+
 class RequestRecorderTest : public test::RequestScene {
 protected:
   RequestRecorderTest() {
-    std::string name = std::filesystem::temp_directory_path() / "recorder_XXXXXX";
+    std::string name = temporaryFolder() / "recorder_XXXXXX";
     mFolder = mkdtemp(name.data());
     mAlgo.use();
     mClient =
