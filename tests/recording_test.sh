@@ -83,5 +83,20 @@ ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
 ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"
 ends 2 'diff needs two runs' diff "$night"
 
+echo "== Because of which tag"
+sed "s#photos/#$root/samples/&#" "$root/samples/night.json" >plain.json
+sed -e 's/"android.jpeg.orientation": 0/"android.jpeg.orientation": 90/' \
+  -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >turned.json
+ends 0 '^verdict  ok$' --record turns --out images plain.json turned.json
+because='^    because of frame 0 android.jpeg.orientation = \{"int":0\} / \{"int":90\}$'
+for sides in "plain.json turned.json" "$(echo turns/*)"; do
+  # shellcheck disable=SC2086
+  ends 1 "$because" diff $sides
+  grep -A1 'control/jpeg_rotation: 0 / 90$' out | grep -qE "$because" || fail "diff $sides: $(cat out)"
+  grep -A1 'control/auto_test_open: ' out | grep -q 'no tag that differs explains it' || fail "diff $sides: $(cat out)"
+done
+ends 1 'control/jpeg_rotation: 0 / 90$' diff turns/* --no-explain
+! grep -q 'because of' out || fail "explained all the same: $(cat out)"
+
 [ "$failures" -eq 0 ] && echo "All passed"
 exit $((failures > 0))

@@ -1,5 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import com.google.gson.JsonParser;
+
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -41,6 +45,17 @@ final class ChildRun {
         return start(List.of(request.toString(), "--out", mFolder.resolve("images").toString()));
     }
 
+    /** Tries what each tag of a recording changes. */
+    Dependences trials(Path recording) throws IOException {
+        Path found;
+        try {
+            found = start(List.of("trials", recording.toString()));
+        } catch (IllegalStateException e) {
+            return Dependences.unknown(e.getMessage());
+        }
+        return Dependences.of(JsonParser.parseString(Files.readString(found)).getAsJsonObject());
+    }
+
     private Path start(List<String> arguments) throws IOException {
         Path record = mFolder.resolve("recordings");
         Path log = mFolder.resolve("log");
@@ -60,7 +75,7 @@ final class ChildRun {
             Thread.currentThread().interrupt();
             throw new IllegalStateException("interrupted", e);
         }
-        if (!Files.isDirectory(record)) {
+        if (!Files.exists(record)) {
             throw new IllegalStateException(
                     "the request did not run, status " + status + ": " + Files.readString(log));
         }

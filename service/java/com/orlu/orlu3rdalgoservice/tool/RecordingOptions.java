@@ -17,7 +17,7 @@ import picocli.CommandLine.ParseResult;
 
 /** The command lines of the subcommands on recordings. */
 final class RecordingOptions {
-    static final Set<String> NAMES = Set.of("info", "replay", "trim", "diff", "play");
+    static final Set<String> NAMES = Set.of("info", "replay", "trim", "diff", "play", "trials");
 
     private static final int HELP_COLUMNS = 80;
 
@@ -31,6 +31,7 @@ final class RecordingOptions {
     final Path record;
     final Set<Integer> frames;
     final boolean keepsPixels;
+    final boolean explains;
 
     private RecordingOptions(String name, ParseResult line) {
         command = name;
@@ -46,6 +47,7 @@ final class RecordingOptions {
         record = line.matchedOptionValue("--record", null);
         frames = new TreeSet<>(line.matchedOptionValue("--frames", List.<Integer>of()));
         keepsPixels = !line.hasMatchedOption("--no-pixels");
+        explains = !line.hasMatchedOption("--no-explain");
     }
 
     private static CommandSpec spec(String name) {
@@ -76,6 +78,10 @@ final class RecordingOptions {
                         + "these two libraries", "--lib").build());
                 addComparison(spec);
             }
+            case "trials" -> {
+                positional(spec, "FOLDER", "1", "Tries what each tag of a recording changes.");
+                spec.addOption(path("FILE", "where to", "--record").required(true).build());
+            }
             default -> {
                 positional(spec, "FOLDER", "1..*", "Runs recordings again and records that.");
                 spec.addOption(path("DIR", "where to", "--record").required(true).build());
@@ -88,6 +94,8 @@ final class RecordingOptions {
     }
 
     private static void addComparison(CommandSpec spec) {
+        spec.addOption(flag("don't find out because of which tags parameters differ, which takes some seconds",
+                "--no-explain"));
         spec.addOption(list("NAME", String.class, "leave out this parameter, value put, call or output; can "
                 + "be given again", "--ignore").build());
         spec.addOption(OptionSpec.builder("--tolerance").paramLabel("N").type(Double.class)

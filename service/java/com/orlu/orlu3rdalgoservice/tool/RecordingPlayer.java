@@ -51,7 +51,7 @@ final class RecordingPlayer {
         try {
             play(request, client);
         } finally {
-            mImages.forEach(RecordingPlayer::close);
+            mImages.forEach(RecordedImage::close);
         }
         client.end(request, stopwatch);
         // Those of one request are not the next one's.
@@ -88,14 +88,5 @@ final class RecordingPlayer {
         }
         mImages.addAll(images);
         return images;
-    }
-
-    private static void close(VImageIPC image) {
-        if (image.mImageDataHwbuff != null) {
-            image.mImageDataHwbuff.close();
-        }
-        if (image.mImageDataShmem != null) {
-            image.mImageDataShmem.close();
-        }
     }
 }

@@ -6,11 +6,14 @@ import com.google.gson.JsonArray;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonParser;
 
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.recording.RecordedImage;
+import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
@@ -23,6 +26,7 @@ import com.orlu.orlu3rdalgoservice.tool.trial.Trials;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.List;
 
 /**
@@ -36,6 +40,9 @@ final class TrialSession {
 
     /** Runs the trials of all requests. What can't be read is left to the command to complain about. */
     static int run(String[] arguments, String library) throws IOException {
+        if (RecordingCommand.isOne(arguments)) {
+            return runRecorded(RecordingOptions.parse(arguments), library);
+        }
         JsonArray all = new JsonArray();
         try {
             Options options = Options.parse(arguments);
@@ -54,6 +61,35 @@ final class TrialSession {
         }
         Files.writeString(WorkFolder.trials(), all.toString());
         return Verdict.OK;
+    }
+
+    // The trials of one recording, which go where the command line says.
+    private static int runRecorded(RecordingOptions options, String library) throws IOException {
+        List<VImageIPC> images = new ArrayList<>();
+        Dependences found;
+        try {
+            RecordedRequest recorded = RecordedRequest.read(options.files.get(0));
+            RequestFile request = recorded.toRequest();
+            List<VImageIPC> inputs = empty(recorded, "input", images);
+            found = Trials.of(request, inputs, empty(recorded, "output", images), library);
+        } catch (RequestFileException | ErrnoException | IllegalStateException | OutOfMemoryError
+                | UnsatisfiedLinkError e) {
+            found = Dependences.unknown("the trials ended early: " + e.getMessage());
+        } finally {
+            images.forEach(RecordedImage::close);
+        }
+        Files.writeString(options.record, found.json().toString());
+        return Verdict.OK;
+    }
+
+    private static List<VImageIPC> empty(RecordedRequest recorded, String part, List<VImageIPC> images)
+            throws ErrnoException {
+        List<VImageIPC> made = new ArrayList<>();
+        for (RecordedImage image : recorded.images(part)) {
+            made.add(image.makeEmpty());
+            images.add(made.get(made.size() - 1));
+        }
+        return made;
     }
 
     /** What the process before found for a request of this command line. */

@@ -5,6 +5,7 @@ import com.google.gson.JsonObject;
 
 import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
 import java.util.ArrayList;
@@ -17,7 +18,7 @@ import java.util.Objects;
 import java.util.Set;
 
 /**
- * Compares what two runs did, in the order of the work. Each difference is one line: the first run's, " / ",
+ * Compares what two runs did, in the order of the work. Each difference has one line: the first run's, " / ",
  * the other's.
  */
 public final class Comparison {
@@ -25,14 +26,13 @@ public final class Comparison {
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
     private static final int MOST_INPUTS = 12;
-    private static final int LONGEST_INPUT = 40;
 
     private final RunRecord mOne;
     private final RunRecord mOther;
     private final Set<String> mIgnored;
     private final double mTolerance;
     private final OutputComparison mOutputs;
-    private final List<String> mDifferences = new ArrayList<>();
+    private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
      * Compares. Ignored are parameters, values put, calls and outputs of these names; numbers that differ by
@@ -47,16 +47,16 @@ public final class Comparison {
         mOutputs = outputs;
     }
 
-    /** A line for each difference. A run that did not end is compared as far as it goes. */
-    public List<String> differences() throws RequestFileException, IOException {
+    /** All differences. A run that did not end is compared as far as it goes. */
+    public List<Difference> differences() throws RequestFileException, IOException {
         boolean bothComplete = mOne.isComplete() && mOther.isComplete();
         if (mOne.isComplete() && !mOther.isComplete()) {
-            mDifferences.add("end: reached / not reached");
+            differ("end", "reached", "not reached");
         }
         if (mOne.hasEvents() && mOther.hasEvents()) {
             compareParameters(bothComplete);
             compareCameraMetadata(bothComplete);
-            compareLists("algorithm list", mOne.algorithms(), mOther.algorithms(), bothComplete);
+            compareAlgorithms(mOne.algorithms(), mOther.algorithms(), bothComplete);
         }
         if (bothComplete) {
             compareOutcomes();
@@ -87,33 +87,15 @@ public final class Comparison {
         return notes;
     }
 
-    // What one run was given and the other was not: the tags that a difference can come from.
     private List<String> inputs() {
+        List<GivenTag> given = GivenTag.of(mOne, mOther);
         List<String> lines = new ArrayList<>();
-        for (int frame = 0; frame < Math.min(mOne.frames().size(), mOther.frames().size()); ++frame) {
-            for (String source : List.of("captureResult", "composition")) {
-                JsonObject one = mOne.frames().get(frame).getAsJsonObject(source);
-                JsonObject other = mOther.frames().get(frame).getAsJsonObject(source);
-                Set<String> tags = new LinkedHashSet<>(one.keySet());
-                tags.addAll(other.keySet());
-                tags.removeIf(tag -> Objects.equals(one.get(tag), other.get(tag)));
-                for (String tag : tags) {
-                    lines.add("frame " + frame + " was given " + tag + " = " + given(one, tag) + " / "
-                            + given(other, tag));
-                }
-            }
+        given.stream().limit(MOST_INPUTS).forEach(tag
+                -> lines.add("frame " + tag.frame() + " was given " + tag.text()));
+        if (given.size() > MOST_INPUTS) {
+            lines.add("and " + (given.size() - MOST_INPUTS) + " other values given differ");
         }
-        int most = Math.min(lines.size(), MOST_INPUTS);
-        List<String> shown = new ArrayList<>(lines.subList(0, most));
-        if (lines.size() > most) {
-            shown.add("and " + (lines.size() - most) + " other values given differ");
-        }
-        return shown;
-    }
-
-    private static String given(JsonObject values, String tag) {
-        String text = values.has(tag) ? values.get(tag).toString() : "none";
-        return text.length() <= LONGEST_INPUT ? text : text.substring(0, LONGEST_INPUT) + "...";
+        return lines;
     }
 
     /** How much was compared. */
@@ -125,7 +107,11 @@ public final class Comparison {
     }
 
     private void differ(String what, Object one, Object other) {
-        mDifferences.add(what + ": " + one + " / " + other);
+        differIn("", what, one, other);
+    }
+
+    private void differIn(String parameter, String what, Object one, Object other) {
+        mDifferences.add(new Difference(what + ": " + one + " / " + other, parameter));
     }
 
     private List<Parameter> wanted(RunRecord run) {
@@ -151,8 +137,9 @@ public final class Comparison {
         }
         if (whole && one.size() != other.size()) {
             boolean isOne = one.size() > common;
-            differ("parameter " + common, isOne ? text(one.get(common)) : "none",
-                    isOne ? "none" : text(other.get(common)));
+            Parameter more = (isOne ? one : other).get(common);
+            differIn(more.fullName(), "parameter " + common, isOne ? text(more) : "none",
+                    isOne ? "none" : text(more));
             differ("parameters", one.size() + " in all", other.size() + " in all");
         }
     }
@@ -167,7 +154,7 @@ public final class Comparison {
             // A key that is written for each frame, or again, says which write it is.
             int writes = countOf(ones, one.name());
             String write = writes > 1 ? ", write " + indexOf(ones, one) + " of " + writes : "";
-            differ(where + one.name() + write, one.text(), other.text());
+            differIn(one.fullName(), where + one.name() + write, one.text(), other.text());
         }
     }
 
@@ -198,7 +185,8 @@ public final class Comparison {
                 compareValues("parameter ", one, other, left.get(i), right.get(i));
             }
             if (whole && left.size() != right.size()) {
-                differ("parameter " + name, written(left), written(right));
+                differIn((left.isEmpty() ? right : left).get(0).fullName(), "parameter " + name,
+                        written(left), written(right));
             }
         }
     }
@@ -231,11 +219,11 @@ public final class Comparison {
         }
     }
 
-    private void compareLists(String what, List<List<String>> one, List<List<String>> other, boolean whole) {
+    private void compareAlgorithms(List<List<String>> one, List<List<String>> other, boolean whole) {
         int common = Math.min(one.size(), other.size());
-        if (!mIgnored.contains(what)
+        if (!mIgnored.contains("algorithm list")
                 && (whole ? !one.equals(other) : !one.subList(0, common).equals(other.subList(0, common)))) {
-            differ(what, one, other);
+            differIn(Dependences.ALGORITHMS, "algorithm list", one, other);
         }
     }
 
@@ -281,8 +269,8 @@ public final class Comparison {
         }
         for (int i = 0; i < Math.min(mOne.results().size(), mOther.results().size()); ++i) {
             if (!mIgnored.contains("output " + i)) {
-                mDifferences.addAll(
-                        mOutputs.differences(i, mOne.results().get(i), mOther.results().get(i), mTolerance));
+                mOutputs.differences(i, mOne.results().get(i), mOther.results().get(i), mTolerance)
+                        .forEach(line -> mDifferences.add(new Difference(line, "")));
             }
         }
     }

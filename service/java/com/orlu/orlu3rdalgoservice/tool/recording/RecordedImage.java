@@ -68,13 +68,21 @@ public final class RecordedImage {
 
     /** A new image of the same description, memory and bytes. The caller closes its memory. */
     public VImageIPC make() throws RequestFileException, ErrnoException {
+        return make(bytes());
+    }
+
+    /** The same without the bytes, all 0, also where those that were kept are damaged. */
+    public VImageIPC makeEmpty() throws ErrnoException {
+        return make(null);
+    }
+
+    private VImageIPC make(byte[] bytes) throws ErrnoException {
         VImageIPC image = new VImageIPC();
         image.mFormat = format();
         image.mWidth = number("width");
         image.mHeight = number("height");
         image.mRowStrides = numbers("rowStrides");
         image.mPlaneSizes = numbers("planeSizes");
-        byte[] bytes = bytes();
         ByteBuffer memory;
         switch (mPart.get("memory").getAsString()) {
             case "hardware" -> {
@@ -95,5 +103,15 @@ public final class RecordedImage {
         }
         SharedMemory.unmap(memory);
         return image;
+    }
+
+    /** Gives the memory of an image back that was made here. */
+    public static void close(VImageIPC image) {
+        if (image.mImageDataHwbuff != null) {
+            image.mImageDataHwbuff.close();
+        }
+        if (image.mImageDataShmem != null) {
+            image.mImageDataShmem.close();
+        }
     }
 }

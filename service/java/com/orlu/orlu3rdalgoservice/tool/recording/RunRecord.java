@@ -32,6 +32,7 @@ public final class RunRecord {
     private final List<Map<String, JsonElement>> mPuts = new ArrayList<>();
     private final List<RecordedImage> mResults;
     private final List<JsonObject> mFrames = new ArrayList<>();
+    private Path mFolder;
 
     private RunRecord(String name, RecordedEvents events, boolean isComplete, List<RecordedImage> results) {
         mName = name;
@@ -71,6 +72,7 @@ public final class RunRecord {
                 }
             }
         }
+        run.mFolder = recorded.folder();
         run.mFrames.addAll(recorded.parts("frame"));
         for (JsonObject part : recorded.parts("put")) {
             Map<String, JsonElement> values = new LinkedHashMap<>();
@@ -102,6 +104,11 @@ public final class RunRecord {
 
     public String name() {
         return mName;
+    }
+
+    /** The folder of its recording, null when only events are known. */
+    public Path folder() {
+        return mFolder;
     }
 
     /** Whether it came to its end. */

@@ -2,7 +2,6 @@ package com.orlu.orlu3rdalgoservice.tool.trial;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
 import android.os.SystemProperties;
-import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
@@ -10,11 +9,8 @@ import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
 import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
-import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
-import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -48,37 +44,27 @@ final class TrialRequest implements AutoCloseable {
     private final long mClient;
     private final VRequest mRequest;
     private final List<Frame> mFrames = new ArrayList<>();
-    private final List<ImageBuffer> mImages = new ArrayList<>();
-    private final List<VImageIPC> mInputs = new ArrayList<>();
-    private final List<VImageIPC> mOutputs = new ArrayList<>();
+    private final List<VImageIPC> mInputs;
+    private final List<VImageIPC> mOutputs;
     private final CallbackListener mListener = (client, context, request, values) -> heard(values);
 
     private Object mDone;
 
-    /** The images' sizes are those of the frames where the file gives none. */
-    TrialRequest(RequestFile file, FrameSize size) throws ErrnoException, RequestFileException {
+    /** The images of the file's request are the caller's. */
+    TrialRequest(RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs) {
+        mInputs = inputs;
+        mOutputs = outputs;
         file.properties().forEach(SystemProperties::set);
         for (FramePlan frame : file.frames().frames()) {
             mFrames.add(new Frame(frame.captureResult(), frame.composition()));
             mAsked.add(new LinkedHashMap<>());
         }
         mRequest = new VRequest(file.id(), file.type());
-        for (var plan : file.inputs()) {
-            mInputs.add(image(ImageBuffer.empty(size.applyTo(plan))));
-        }
-        for (var plan : file.outputs()) {
-            mOutputs.add(image(ImageBuffer.empty(size.applyTo(plan))));
-        }
         mParam.putMetadata("clientId", file.clientId());
         mParam.putMetadata("algoContextIndex", file.algoContextIndex());
         mClient = mService.createNativeClient(mParam);
         mService.algoInit(mClient, mParam);
         RequestProcessor.addListener(mListener);
-    }
-
-    private VImageIPC image(ImageBuffer image) {
-        mImages.add(image);
-        return image.descriptor();
     }
 
     List<Frame> frames() {
@@ -171,6 +157,5 @@ final class TrialRequest implements AutoCloseable {
         RequestProcessor.removeListener(mListener);
         mService.algoRelease(mClient, mParam);
         mService.destroyNativeClient(mClient);
-        mImages.forEach(ImageBuffer::close);
     }
 }

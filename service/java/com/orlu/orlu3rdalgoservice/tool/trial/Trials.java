@@ -4,7 +4,10 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Asked;
@@ -65,16 +68,40 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request, whose images have this size where the file gives none. Frames
-     * and compositions are afterwards as they were. It loads the algorithm library of trials, whose file must
-     * be what the native library finds under the algorithm library's name.
+     * Runs the trials of a request, whose images have this size where the file gives none. What of(file,
+     * inputs, outputs, library) says holds here too.
      */
     public static Dependences of(RequestFile file, FrameSize size, String library)
             throws ErrnoException, RequestFileException {
+        List<ImageBuffer> images = new ArrayList<>();
+        try {
+            return of(file, empty(file.inputs(), size, images), empty(file.outputs(), size, images), library);
+        } finally {
+            images.forEach(ImageBuffer::close);
+        }
+    }
+
+    /**
+     * Runs the trials of a request over these images, which stay the caller's. Frames and compositions are
+     * afterwards as they were. It loads the algorithm library of trials, whose file must be what the native
+     * library finds under the algorithm library's name.
+     */
+    public static Dependences of(
+            RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {
         TrialLibrary.load(library);
-        try (TrialRequest request = new TrialRequest(file, size)) {
+        try (TrialRequest request = new TrialRequest(file, inputs, outputs)) {
             return of(request);
         }
+    }
+
+    private static List<VImageIPC> empty(List<ImagePlan> plans, FrameSize size, List<ImageBuffer> images)
+            throws ErrnoException, RequestFileException {
+        List<VImageIPC> descriptors = new ArrayList<>();
+        for (ImagePlan plan : plans) {
+            images.add(ImageBuffer.empty(size.applyTo(plan)));
+            descriptors.add(images.get(images.size() - 1).descriptor());
+        }
+        return descriptors;
     }
 
     private static Dependences of(TrialRequest request) {

@@ -1,0 +1,78 @@
+package com.orlu.orlu3rdalgoservice.tool.recording;
+
+import com.orlu.orlu3rdalgoservice.tool.report.Handover;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
+import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * Says because of which tags a parameter of two runs differs: those that the runs were given differently, and
+ * that it depends on in one run or the other.
+ */
+public final class Causes {
+    private static final int SHOWN = 3;
+
+    private record Place(int frame, String source, String tag) {
+    }
+
+    private final List<GivenTag> mGiven;
+    private final List<Dependences> mRuns;
+    /** What each tag does in the runs, a tag that is asked for in none being absent. */
+    private final Map<Place, List<Dependence>> mTags = new HashMap<>();
+
+    /** The tags that were given differently, and what the trials of each run found. */
+    public Causes(List<GivenTag> given, List<Dependences> runs) {
+        mGiven = given;
+        mRuns = runs;
+        for (Dependences run : runs) {
+            for (Dependence tag : run.all()) {
+                mTags.computeIfAbsent(new Place(tag.frame(), tag.source(), tag.tag()),
+                        place -> new ArrayList<>()).add(tag);
+            }
+        }
+    }
+
+    /** The lines on a difference that can come from tags; the tags that change least else are first. */
+    public List<String> lines(Difference difference) {
+        String name = difference.parameter();
+        List<GivenTag> tags = mGiven.stream().filter(tag -> changes(tag, name))
+                .sorted(Comparator.comparingInt(this::reach)).toList();
+        List<String> lines = new ArrayList<>();
+        for (GivenTag tag : tags.subList(0, Math.min(SHOWN, tags.size()))) {
+            lines.add("because of frame " + tag.frame() + " " + tag.text());
+        }
+        if (tags.size() > SHOWN) {
+            lines.add("and " + (tags.size() - SHOWN) + " tags more");
+        }
+        if (tags.isEmpty()) {
+            lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
+                    ? Handover.shortName(name) + " changes by itself: no two translations agree"
+                    : "no tag that differs explains it");
+        }
+        return lines;
+    }
+
+    /** What the trials can't be relied on for, "" when they can. */
+    public String problem() {
+        return mRuns.stream().map(Dependences::problem).filter(problem -> !problem.isEmpty()).findFirst()
+                .orElse("");
+    }
+
+    private List<Dependence> inRuns(GivenTag tag) {
+        return mTags.getOrDefault(new Place(tag.frame(), tag.source(), tag.tag()), List.of());
+    }
+
+    private boolean changes(GivenTag tag, String parameter) {
+        return inRuns(tag).stream().anyMatch(
+                each -> each.parameters().contains(parameter) || each.together().contains(parameter));
+    }
+
+    private int reach(GivenTag tag) {
+        return inRuns(tag).stream().mapToInt(each -> each.parameters().size()).max().orElse(0);
+    }
+}
