@@ -65,7 +65,7 @@ private:
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
-    mFrame.fd[0] = dup(mFrame.fd[0]);
+    mFrame.fd[0] = fcntl(mFrame.fd[0], F_DUPFD_CLOEXEC, 0);
     mZeros.resize(image.size());
     [[maybe_unused]] const ssize_t written = write(mDecoy, mZeros.data(), mZeros.size());
     if (mFrame.nativeHandle == nullptr) return;

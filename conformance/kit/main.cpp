@@ -72,6 +72,7 @@ constexpr option kFlags[] = {
     {nullptr,    0,                 nullptr, 0        },
 };
 
+// NOLINTBEGIN(concurrency-mt-unsafe): the command line is read before there is a second thread.
 [[noreturn]] void refuse(const std::string& text) {
   std::fprintf(stderr, "conform: %s; see --help\n", text.c_str());
   std::exit(2);
@@ -154,6 +155,7 @@ void readCommandLine(int argc, char** argv) {
   }
   if (optind < argc) options().library = argv[optind++];
   if (optind < argc) refuse(std::string("one library at a time, not \"") + argv[optind] + "\" as well");
+  // NOLINTEND(concurrency-mt-unsafe)
   if (!filter.empty()) testing::GTEST_FLAG(filter) = filter.substr(1);
 }
 

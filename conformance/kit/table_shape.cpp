@@ -45,6 +45,7 @@ private:
 template <typename Callable>
 bool isWhole(const Callable& callable, const CodeRanges& code) {
   uintptr_t words[sizeof(Callable) / sizeof(uintptr_t)];
+  // NOLINTNEXTLINE(bugprone-undefined-memory-manipulation): its words are only looked at
   std::memcpy(words, &callable, sizeof callable);
   const size_t count = std::size(words);
   return code.hold(words[count - 2]) && code.hold(words[count - 1]);

@@ -2,6 +2,7 @@
 // output, and calls back. docs/algorithm_library.md shows it; the conformance kit finds nothing wrong with
 // it.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <jni.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -100,8 +101,8 @@ int process(const AlgoProcessRecord& record) {
   if (!record.inputFrames.empty() && !record.outputFrames.empty()) {
     from = record.inputFrames[0];
     to = record.outputFrames[0];
-    fds[0] = dup(from.fd[0]);
-    fds[1] = dup(to.fd[0]);
+    fds[0] = fcntl(from.fd[0], F_DUPFD_CLOEXEC, 0);
+    fds[1] = fcntl(to.fd[0], F_DUPFD_CLOEXEC, 0);
   }
   {
     const std::lock_guard<std::mutex> lock(gMutex);

@@ -1,6 +1,7 @@
 // The minimal library with one fault planted, for the proof that the kit finds it. ORLU_MUTANT names the
 // fault; mutants.txt says which checks each one fails.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <jni.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -25,7 +26,6 @@ extern "C" int orluNoSuchFunction();
 namespace orlu::mutants {
 namespace {
 
-using android::hardware::hidl_handle;
 using android::hardware::hidl_vec;
 using Table = AlgoInterfaceCallbacks;
 using Bytes = std::vector<uint8_t>;
@@ -433,7 +433,8 @@ void leaveWrongJpegSize(Table& table) {
 
 // leaks
 void leakDescriptor(Table& table) {
-  onProcess(table, [](const AlgoProcessRecord&) { [[maybe_unused]] const int kept = dup(0); });
+  onProcess(table,
+            [](const AlgoProcessRecord&) { [[maybe_unused]] const int kept = fcntl(0, F_DUPFD_CLOEXEC, 0); });
 }
 void leakMemory(Table& table) {
   static std::map<int, std::string> kept;  // reachable, so that no leak check but growth tells
@@ -445,7 +446,7 @@ void leakThread(Table& table) {
 void leakMapping(Table& table) {
   onProcess(table, [](const AlgoProcessRecord& record) {
     if (record.inputFrames.empty()) return;
-    mmap(nullptr, 100, PROT_READ, MAP_SHARED, record.inputFrames[0].fd[0], 0);
+    (void)mmap(nullptr, 100, PROT_READ, MAP_SHARED, record.inputFrames[0].fd[0], 0);
   });
 }
 
