@@ -203,7 +203,7 @@ final class RecordingCommand {
         if (given.isEmpty() && differences.stream().anyMatch(Difference::canComeFromTags)) {
             System.out.println("  note: " + (one.folder() == null || other.folder() == null
                     ? "events alone don't say because of which tags parameters differ"
-                    : "no tag differs: it is the library, a system property, or the request and its images"));
+                    : "no tag differs: the library, a property, the number of frames or the images do"));
         } else if (causes != null && !causes.problem().isEmpty()) {
             System.out.println("  note: tags are not known, or not all: " + causes.problem());
         }

@@ -89,11 +89,32 @@ public final class Comparison {
 
     private List<String> inputs() {
         List<GivenTag> given = GivenTag.of(mOne, mOther);
-        List<String> lines = new ArrayList<>();
+        List<String> lines = new ArrayList<>(settings());
         given.stream().limit(MOST_INPUTS).forEach(tag
                 -> lines.add("frame " + tag.frame() + " was given " + tag.text()));
         if (given.size() > MOST_INPUTS) {
             lines.add("and " + (given.size() - MOST_INPUTS) + " other values given differ");
+        }
+        return lines;
+    }
+
+    private List<String> settings() {
+        if (mOne.folder() == null || mOther.folder() == null) {
+            return List.of();
+        }
+        Set<String> names = new LinkedHashSet<>(mOne.settings().keySet());
+        names.addAll(mOther.settings().keySet());
+        List<String> lines = new ArrayList<>();
+        for (String name : names) {
+            JsonElement one = mOne.settings().get(name);
+            JsonElement other = mOther.settings().get(name);
+            if (!Objects.equals(one, other)) {
+                lines.add("given " + name + " = " + (one == null ? "none" : one) + " / "
+                        + (other == null ? "none" : other));
+            }
+        }
+        if (mOne.frames().size() != mOther.frames().size()) {
+            lines.add("given frames: " + mOne.frames().size() + " / " + mOther.frames().size());
         }
         return lines;
     }

@@ -64,8 +64,8 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return (from > 0 ? "..." : "") + text.substring(from, end) + (end < text.length() ? "..." : "");
     }
 
-    /** The tag with both values. */
+    /** The tag with both values; of the capture result, unless the text says otherwise. */
     public String text() {
-        return tag + " = " + one + " / " + other;
+        return tag + " = " + one + " / " + other + (source.equals("composition") ? ", composition" : "");
     }
 }

@@ -32,6 +32,7 @@ public final class RunRecord {
     private final List<Map<String, JsonElement>> mPuts = new ArrayList<>();
     private final List<RecordedImage> mResults;
     private final List<JsonObject> mFrames = new ArrayList<>();
+    private final Map<String, JsonElement> mSettings = new LinkedHashMap<>();
     private Path mFolder;
 
     private RunRecord(String name, RecordedEvents events, boolean isComplete, List<RecordedImage> results) {
@@ -74,6 +75,11 @@ public final class RunRecord {
         }
         run.mFolder = recorded.folder();
         run.mFrames.addAll(recorded.parts("frame"));
+        run.addSettings("client ", recorded.part("client"));
+        run.addSettings("property ", recorded.part("properties"));
+        if (recorded.part("request") != null) {
+            run.mSettings.put("request type", recorded.part("request").get("type"));
+        }
         for (JsonObject part : recorded.parts("put")) {
             Map<String, JsonElement> values = new LinkedHashMap<>();
             part.getAsJsonObject("values").entrySet().forEach(
@@ -81,6 +87,13 @@ public final class RunRecord {
             run.mPuts.add(values);
         }
         return run;
+    }
+
+    private void addSettings(String kind, JsonObject part) {
+        if (part != null) {
+            part.getAsJsonObject("values").entrySet().forEach(
+                    value -> mSettings.put(kind + value.getKey(), value.getValue()));
+        }
     }
 
     /** The run of a request in events alone, which have no images. */
@@ -156,6 +169,11 @@ public final class RunRecord {
     /** What went in, for each frame: "captureResult" and "composition". Empty when only events are known. */
     List<JsonObject> frames() {
         return mFrames;
+    }
+
+    /** What went in beside the frames and images, by what it is: "property ...", "client ...". */
+    Map<String, JsonElement> settings() {
+        return mSettings;
     }
 
     List<RecordedImage> results() {
