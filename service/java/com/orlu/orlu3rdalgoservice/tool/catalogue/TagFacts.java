@@ -1,0 +1,43 @@
+package com.orlu.orlu3rdalgoservice.tool.catalogue;
+
+import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * What is known of a tag beside its type.
+ *
+ * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for a number with meanings, "-" for none
+ * @param meaning one sentence or two
+ * @param values  its values that have a meaning, as far as this library knows any
+ */
+public record TagFacts(String unit, String meaning, List<Value> values) {
+    private static final String NO_UNIT = "-";
+    private static final Map<String, TagFacts> TAGS = load();
+
+    /** A value, "bit-8" for one of a bit, and what it does. */
+    public record Value(String value, String meaning) {
+    }
+
+    /** The facts on a tag; null for one that has no row. */
+    public static TagFacts of(String tag) {
+        return TAGS.get(tag);
+    }
+
+    /** Whether it is counted in some unit. */
+    public boolean hasUnit() {
+        return !unit.equals(NO_UNIT);
+    }
+
+    private static Map<String, TagFacts> load() {
+        Map<String, TagFacts> tags = new HashMap<>();
+        for (String[] row : Table.rows("tags.txt", 3)) {
+            tags.put(row[0], new TagFacts(row[1], row[2], new ArrayList<>()));
+        }
+        for (String[] row : Table.rows("values.txt", 3)) {
+            tags.get(row[0]).values().add(new Value(row[1], row[2]));
+        }
+        return tags;
+    }
+}
