@@ -168,7 +168,7 @@ def survives_damage():
            cut_dump_notes())
     for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
                             ((FORMS / "dump.txt",),
-                             "Missing required option: '--out=FILE'; ./run import --help")):
+                             "needs --out FILE; see ./run import --help")):
         done = run("import", *arguments)
         expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
 

@@ -14,20 +14,30 @@ namespace orlu::conform {
 namespace {
 
 constexpr char kUsage[] =
-    "conform [LIBRARY] [OPTION...]: does this algorithm library behave?\n"
+    "usage: ./run conform [options] [LIBRARY]\n"
     "\n"
-    "  --only NAME[,NAME...]   some of the checks\n"
-    "  --list                  the checks' names, and what each is about\n"
-    "  --json                  the report as JSON, on standard output\n"
-    "  --junit FILE            the report as JUnit XML, for CI\n"
-    "  --contract              what the service's side promises to the algorithm library\n"
-    "  --hostile SECONDS       how long random parameters are sent (3); --long: a minute\n"
-    "  --seed NUMBER           of the random parameters (1)\n"
-    "  --patience SECONDS      how long each callback is waited for (10)\n"
-    "  --limit SECONDS         how long each check may take (120)\n"
+    "Checks whether an algorithm library behaves: the stand-in when none is named\n"
+    "(docs/conformance.md).\n"
     "\n"
-    "Each check runs in a process of its own. The status is 0 when none fails, 1 when one does, 2 when the\n"
-    "command line can't be taken.\n";
+    "  --only NAME[,NAME...]  some of the checks\n"
+    "  --list                 the checks' names, and what each is about\n"
+    "  --json                 the report as JSON, on standard output\n"
+    "  --junit FILE           the report as JUnit XML, for CI\n"
+    "  --contract             what the service's side promises to the library\n"
+    "  --hostile SECONDS      how long random parameters are sent (3)\n"
+    "  --long                 a minute of random parameters\n"
+    "  --seed NUMBER          of the random parameters (1)\n"
+    "  --patience SECONDS     how long each callback is waited for (10)\n"
+    "  --limit SECONDS        how long each check may take (120)\n"
+    "  --arm                  a 32-bit ARM library, under an emulator\n"
+    "  --help                 print this\n"
+    "\n"
+    "Examples:\n"
+    "  ./run conform /path/to/liborlu.vac.interface.so\n"
+    "  ./run conform --only setValue,getValue\n"
+    "\n"
+    "Each check runs in a process of its own. The status is 0 when none fails, 1 when\n"
+    "one does, 2 when the command line can't be taken.\n";
 
 std::vector<CheckResult> gResults;
 bool gIsQuiet = false;

@@ -2,7 +2,6 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
@@ -38,20 +37,13 @@ public final class Main {
 
     private static int status(String[] arguments) {
         try {
-            if (RecordingCommand.isOne(arguments)) {
-                return recordingStatus(arguments);
-            }
-            if (ImportCommand.isOne(arguments)) {
-                ImportCommand.run(arguments, System.out);
-                return Verdict.OK;
-            }
-            Options options = Options.parse(arguments);
-            if (options == null) {
+            Commands.Invocation invocation = Commands.parse(arguments);
+            if (invocation == null) {
                 return Verdict.OK;
             }
             String died = System.getProperty("orlu.died");
-            return died == null ? new Session(options).run()
-                    : new PostMortem(options, Integer.parseInt(died)).run();
+            return died == null ? invocation.command().run(invocation.line())
+                    : invocation.command().afterDeath(invocation.line(), Integer.parseInt(died));
         } catch (IllegalArgumentException | RequestFileException e) {
             System.err.println("run: " + e.getMessage());
             return Verdict.REFUSED;
@@ -62,18 +54,6 @@ public final class Main {
         } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
             return failed(e.getMessage());
         }
-    }
-
-    private static int recordingStatus(String[] arguments)
-            throws RequestFileException, ErrnoException, IOException {
-        if (System.getProperty("orlu.died") == null) {
-            return RecordingCommand.run(arguments);
-        }
-        RecordingOptions options = RecordingOptions.parse(arguments);
-        if (options.record != null) {
-            PostMortem.completeRecordings(options.record);
-        }
-        return failed("the process ended");
     }
 
     private static int failed(String problem) {

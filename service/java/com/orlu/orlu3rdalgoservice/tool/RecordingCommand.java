@@ -3,6 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.recording.Causes;
 import com.orlu.orlu3rdalgoservice.tool.recording.Comparison;
@@ -26,40 +28,67 @@ import java.util.List;
 import java.util.Set;
 import java.util.stream.Stream;
 
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.ParseResult;
+
 /**
  * The subcommands on recordings: info, replay, trim, diff, and play, which replay starts in a process of its
  * own. Its trials, likewise, are TrialSession's.
  */
-final class RecordingCommand {
+final class RecordingCommand implements Command {
     private static final int SHOWN = 20;
     private static final int EQUAL = 0;
     private static final int DIFFERENT = 1;
 
-    private final RecordingOptions mOptions;
+    private final String mName;
+    private final String mAbout;
+    private RecordingOptions mOptions;
 
-    private RecordingCommand(RecordingOptions options) {
-        mOptions = options;
+    /** A subcommand of one of RecordingOptions' names; with an empty phrase on it, the help leaves it out. */
+    RecordingCommand(String name, String about) {
+        mName = name;
+        mAbout = about;
     }
 
-    /** Whether the command line is one of these. */
-    static boolean isOne(String[] arguments) {
-        return arguments.length > 0 && RecordingOptions.NAMES.contains(arguments[0]);
+    @Override
+    public String name() {
+        return mName;
     }
 
-    /** Runs the command line. Returns 0, 1 for a difference, or one of Verdict's statuses. */
-    static int run(String[] arguments) throws RequestFileException, ErrnoException, IOException {
-        RecordingOptions options = RecordingOptions.parse(arguments);
-        if (options == null) {
-            return Verdict.OK;
-        }
-        RecordingCommand command = new RecordingCommand(options);
-        return switch (options.command) {
-            case "info" -> command.info();
-            case "replay" -> command.replay();
-            case "trim" -> command.trim();
-            case "diff" -> command.diff();
-            default -> command.play();
+    @Override
+    public String about() {
+        return mAbout;
+    }
+
+    @Override
+    public CommandSpec spec() {
+        return RecordingOptions.spec(mName);
+    }
+
+    @Override
+    public Launch launch() {
+        return mName.equals("trials") ? Launch.ONLY_TRIALS : Launch.JAVA;
+    }
+
+    @Override
+    public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
+        mOptions = RecordingOptions.of(mName, line);
+        return switch (mName) {
+            case "info" -> info();
+            case "replay" -> replay();
+            case "trim" -> trim();
+            case "diff" -> diff();
+            default -> play();
         };
+    }
+
+    @Override
+    public int afterDeath(ParseResult line, int exitStatus) throws IOException {
+        Path record = RecordingOptions.of(mName, line).record;
+        if (record != null) {
+            PostMortem.completeRecordings(record);
+        }
+        throw new IllegalStateException("the process ended");
     }
 
     private int info() throws RequestFileException, IOException {

@@ -40,13 +40,17 @@ final class TrialSession {
 
     /** Runs the trials of all requests. What can't be read is left to the command to complain about. */
     static int run(String[] arguments, String library) throws IOException {
-        if (RecordingCommand.isOne(arguments)) {
-            return runRecorded(RecordingOptions.parse(arguments), library);
-        }
         JsonArray all = new JsonArray();
         try {
-            Options options = Options.parse(arguments);
-            if (options == null || options.check) {
+            Commands.Invocation invocation = Commands.parse(arguments);
+            if (invocation == null) {
+                return Verdict.OK;
+            }
+            if (invocation.command() != Commands.USUAL) {
+                return runRecorded(RecordingOptions.of("trials", invocation.line()), library);
+            }
+            Options options = Options.of(invocation.line());
+            if (options.check) {
                 return Verdict.OK;
             }
             for (Path file : options.requests()) {

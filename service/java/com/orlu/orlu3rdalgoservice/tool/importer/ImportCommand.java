@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
+import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 
@@ -7,48 +10,43 @@ import java.io.IOException;
 import java.io.PrintStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
-import java.util.Arrays;
 import java.util.List;
 
-import picocli.CommandLine;
 import picocli.CommandLine.Model.CommandSpec;
-import picocli.CommandLine.Model.OptionSpec;
-import picocli.CommandLine.Model.PositionalParamSpec;
-import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.ParseResult;
 
 /** The subcommand import: makes a request file of what cameras write. */
-public final class ImportCommand {
-    private static final String NAME = "import";
-    private static final int HELP_COLUMNS = 80;
+public final class ImportCommand implements Command {
     private static final String ABOUT = "Writes a request file of a camera service's text dump, the JSON "
             + "of a camera image test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that "
             + "is dropped where it was and why (docs/importing.md).";
 
-    private ImportCommand() {
+    @Override
+    public String name() {
+        return "import";
     }
 
-    /** Whether the command line is this one. */
-    public static boolean isOne(String[] arguments) {
-        return arguments.length > 0 && arguments[0].equals(NAME);
+    @Override
+    public String about() {
+        return "make a request file of what a camera wrote";
     }
 
-    /**
-     * Runs the command line; what it drops is printed. Arguments that are not understood are an
-     * IllegalArgumentException, files that can't be taken a RequestFileException, and nothing is written.
-     */
-    public static void run(String[] arguments, PrintStream to) throws RequestFileException, IOException {
-        CommandLine command = new CommandLine(spec());
-        ParseResult line;
-        try {
-            line = command.parseArgs(Arrays.copyOfRange(arguments, 1, arguments.length));
-        } catch (ParameterException e) {
-            throw new IllegalArgumentException(e.getMessage() + "; ./run import --help", e);
-        }
-        if (line.isUsageHelpRequested()) {
-            command.usage(to);
-            return;
-        }
+    @Override
+    public CommandSpec spec() {
+        CommandSpec spec = Arguments.command("import [options] FILE... --out FILE", List.of(ABOUT),
+                List.of("./run import dump.txt shot.dng --out shot.json", "./run shot.json"));
+        spec.addPositional(Arguments.positional("FILE", "1..*", Path.class));
+        spec.addOption(Arguments.neededPath("--out", "FILE", "the request file"));
+        spec.addOption(Arguments.path("--photo", "FILE",
+                "make the inputs of this photo, where no picture is imported"));
+        spec.addOption(Arguments.list("--algorithms", "NAME", String.class,
+                "the list to ask for, such as night,jpegEncode").splitRegex(",").build());
+        return spec;
+    }
+
+    /** What it drops is printed. When a file can't be taken, nothing is written. */
+    @Override
+    public int run(ParseResult line) throws RequestFileException, IOException {
         List<Path> files = line.matchedPositionalValue(0, List.of());
         Path photo = line.matchedOptionValue("--photo", null);
         for (Path file : files) {
@@ -58,30 +56,14 @@ public final class ImportCommand {
             needFile(photo);
         }
         write(files, line.matchedOptionValue("--out", null), photo,
-                line.matchedOptionValue("--algorithms", List.of()), to);
+                line.matchedOptionValue("--algorithms", List.of()), System.out);
+        return Verdict.OK;
     }
 
     private static void needFile(Path file) {
         if (!Files.isRegularFile(file)) {
             throw new IllegalArgumentException("no such file: " + file);
         }
-    }
-
-    private static CommandSpec spec() {
-        CommandSpec spec = CommandSpec.create().name("./run " + NAME);
-        spec.addPositional(PositionalParamSpec.builder().paramLabel("FILE").arity("1..*").type(List.class)
-                .auxiliaryTypes(Path.class).build());
-        spec.addOption(OptionSpec.builder("--out").paramLabel("FILE").type(Path.class).required(true)
-                .description("the request file").build());
-        spec.addOption(OptionSpec.builder("--photo").paramLabel("FILE").type(Path.class)
-                .description("make the inputs of this photo, where no picture is imported").build());
-        spec.addOption(OptionSpec.builder("--algorithms").paramLabel("NAME").type(List.class)
-                .auxiliaryTypes(String.class).splitRegex(",")
-                .description("the list to ask for, such as night,jpegEncode").build());
-        spec.addOption(OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
-        spec.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
-                .description("", ABOUT, "");
-        return spec;
     }
 
     private static void write(List<Path> files, Path out, Path photo, List<String> algorithms, PrintStream to)

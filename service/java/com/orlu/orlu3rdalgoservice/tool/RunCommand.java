@@ -1,0 +1,114 @@
+package com.orlu.orlu3rdalgoservice.tool;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.command.Launch;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.List;
+
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.OptionSpec;
+import picocli.CommandLine.Model.UsageMessageSpec;
+import picocli.CommandLine.ParseResult;
+
+/** What ./run does without a subcommand: it runs requests. */
+final class RunCommand implements Command {
+    private static final String ABOUT = "Sends camera requests through the post-processing library, as the "
+            + "service does, and shows what went in, what ran and what came back. Without a request file it "
+            + "takes samples/night.json.";
+    private static final List<String> EXAMPLES = List.of(
+            "./run samples/clarity.json            another request",
+            "./run --params samples/capture.json   every parameter handed over",
+            "./run --log --photo my.jpg            the library's log, frames of a photo",
+            "./run diff a.json b.json              what two requests do differently");
+    private static final String STATUSES = """
+
+            The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
+            status is 0 when all went well, 1 when a request failed, 2 when the command line or a request \
+            file can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
+            opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
+            it ends the process, DIR/crash.log says where.
+            """;
+    private static final String VARIABLES = """
+            Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
+            another algorithm library before the stand-in.
+            """;
+
+    @Override
+    public String name() {
+        return "";
+    }
+
+    @Override
+    public String about() {
+        return "";
+    }
+
+    @Override
+    public CommandSpec spec() {
+        CommandSpec command = Arguments.command("[options] [request.json ...]", List.of(ABOUT), EXAMPLES)
+                .version(System.getProperty("orlu.version", "unknown"));
+        command.addOption(Arguments.flag("--params", "print every parameter handed to the algorithms"));
+        command.addOption(OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
+                .auxiliaryTypes(String.class).arity("1").userObject(Launch.TRIALS)
+                .description("say who wrote this parameter and which tags it depends on, found by trying: "
+                        + "a key, \"algorithms\" or \"all\" (docs/explain.md)").build());
+        command.addOption(Arguments.flag("--tags", "print what was read of each frame's tags, what was not, "
+                + "and what stands where one is absent", Launch.TRIALS));
+        command.addOption(Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type",
+                Launch.TRIALS));
+        command.addOption(Arguments.flag("--wide",
+                "print lines of any length, instead of cutting them to 80 columns"));
+        command.addOption(Arguments.flag("--arm",
+                "run the 32-bit ARM library, in an ARM JVM under an emulator", Launch.ARM));
+        command.addOption(Arguments.flag("--log", "show the library's log on standard error", Launch.LOG));
+        command.addOption(Arguments.path("--out", "DIR",
+                "write the resulting images there (default: out)"));
+        command.addOption(Arguments.path("--photo", "FILE",
+                "make the frames of this photo instead of the request's own"));
+        command.addOption(Arguments.flag("--one-client",
+                "run all requests on one client instead of one for each"));
+        command.addOption(Arguments.flag("--check",
+                "only read the request files and say whether they are right"));
+        command.addOption(Arguments.path("--json", "FILE",
+                "write parameters, algorithm lists, results, times and the verdict as JSON"));
+        command.addOption(Arguments.path("--events", "FILE",
+                "keep all that passed between the library and the algorithm library, and every look-up of a "
+                        + "tag, as JSON lines (docs/events.md)"));
+        command.addOption(Arguments.path("--timeline", "FILE",
+                "write a timeline of the run that trace viewers open (docs/timeline.md)"));
+        command.addOption(Arguments.path("--record", "DIR",
+                "record each request in a folder (docs/recording.md)"));
+        command.addOption(OptionSpec.builder("--version").versionHelp(true).userObject(Launch.VERSION)
+                .order(Integer.MAX_VALUE).description("print the version").build());
+        command.addPositional(Arguments.positional("request.json", "0..*", Path.class));
+        addToHelp(command.usageMessage());
+        return command;
+    }
+
+    private static void addToHelp(UsageMessageSpec help) {
+        help.customSynopsis("./run [options] [request.json ...]", "       ./run SUBCOMMAND ...");
+        help.commandListHeading("%nSubcommands, each with a --help of its own:%n");
+        String[] examples = help.footer();
+        String[] all = new String[examples.length + 2];
+        System.arraycopy(examples, 0, all, 0, examples.length);
+        all[examples.length] = STATUSES;
+        all[examples.length + 1] = VARIABLES;
+        help.footer(all);
+    }
+
+    @Override
+    public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
+        return new Session(Options.of(line)).run();
+    }
+
+    @Override
+    public int afterDeath(ParseResult line, int exitStatus) throws IOException {
+        return new PostMortem(Options.of(line), exitStatus).run();
+    }
+}

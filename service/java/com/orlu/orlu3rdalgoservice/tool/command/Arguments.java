@@ -1,0 +1,86 @@
+package com.orlu.orlu3rdalgoservice.tool.command;
+
+import java.nio.file.Path;
+import java.util.List;
+
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.OptionSpec;
+import picocli.CommandLine.Model.PositionalParamSpec;
+
+/**
+ * Makes options and arguments of subcommands. They are made by calls and not by annotations, whose reading
+ * costs 50 ms. A label says what a value is: DIR or FOLDER, FILE, LIBRARY.
+ */
+public final class Arguments {
+    private static final int HELP_COLUMNS = 80;
+
+    private Arguments() {
+    }
+
+    /**
+     * A command with the option --help. The synopsis is a line such as "info FOLDER...", the texts say what
+     * the command does, a paragraph each, and the examples are lines that can be typed.
+     */
+    public static CommandSpec command(String synopsis, List<String> texts, List<String> examples) {
+        CommandSpec spec = CommandSpec.create().name("./run");
+        spec.addOption(OptionSpec.builder("--help", "-h").usageHelp(true).userObject(Launch.HELP)
+                .description("print this").order(Integer.MAX_VALUE).build());
+        spec.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
+                .customSynopsis("./run " + synopsis).description(paragraphs(texts))
+                .optionListHeading("%nOptions:%n");
+        if (!examples.isEmpty()) {
+            spec.usageMessage().footerHeading("%nExamples:%n").footer(lines(examples));
+        }
+        return spec;
+    }
+
+    private static String[] paragraphs(List<String> texts) {
+        String[] lines = new String[2 * texts.size()];
+        for (int i = 0; i < texts.size(); ++i) {
+            lines[2 * i] = "";
+            lines[2 * i + 1] = texts.get(i);
+        }
+        return lines;
+    }
+
+    private static String[] lines(List<String> examples) {
+        String[] lines = new String[examples.size()];
+        for (int i = 0; i < lines.length; ++i) {
+            lines[i] = "  " + examples.get(i);
+        }
+        return lines;
+    }
+
+    /** An option without a value. */
+    public static OptionSpec flag(String name, String description) {
+        return flag(name, description, Launch.JAVA);
+    }
+
+    /** An option without a value that the launcher acts on. */
+    public static OptionSpec flag(String name, String description, Launch launch) {
+        return OptionSpec.builder(name).description(description).userObject(launch).build();
+    }
+
+    /** An option whose value is a path. */
+    public static OptionSpec path(String name, String label, String description) {
+        return OptionSpec.builder(name).paramLabel(label).type(Path.class).description(description).build();
+    }
+
+    /** The same, to be given. */
+    public static OptionSpec neededPath(String name, String label, String description) {
+        return OptionSpec.builder(name).paramLabel(label).type(Path.class).description(description)
+                .required(true).build();
+    }
+
+    /** An option that can be given again; its value is the list of all. */
+    public static OptionSpec.Builder list(String name, String label, Class<?> of, String description) {
+        return OptionSpec.builder(name).paramLabel(label).type(List.class).auxiliaryTypes(of)
+                .description(description);
+    }
+
+    /** The arguments that are no options, as many as picocli's arity says; their value is a list. */
+    public static PositionalParamSpec positional(String label, String arity, Class<?> of) {
+        return PositionalParamSpec.builder().paramLabel(label).arity(arity).hidden(true)
+                .required(!arity.startsWith("0")).type(List.class).auxiliaryTypes(of).build();
+    }
+}

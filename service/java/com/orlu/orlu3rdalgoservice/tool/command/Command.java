@@ -1,0 +1,44 @@
+package com.orlu.orlu3rdalgoservice.tool.command;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+
+import java.io.IOException;
+
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.ParseResult;
+
+/**
+ * A subcommand of ./run. Making one must cost nothing, since all are made for each command line. Commands has
+ * a row for each.
+ */
+public interface Command {
+    /** The word after ./run. */
+    String name();
+
+    /** What it does, as a phrase for the list of subcommands; empty for one that is not listed. */
+    String about();
+
+    /** Its options and arguments, from Arguments. Only made for the command that runs, and for the help. */
+    CommandSpec spec();
+
+    /**
+     * Does what the arguments ask for, and returns 0, 1 for a difference, or one of Verdict's statuses. An
+     * IllegalArgumentException is a mistake in the arguments, with a message for people.
+     */
+    int run(ParseResult line) throws RequestFileException, ErrnoException, IOException;
+
+    /**
+     * Does what is left to do when the process that ran this ended before it was done, and returns a status.
+     * This process is another one. The exit status is the dead one's, as a shell has it.
+     */
+    default int afterDeath(ParseResult line, int exitStatus) throws IOException {
+        throw new IllegalStateException("the process ended");
+    }
+
+    /** What the launcher does for this subcommand. */
+    default Launch launch() {
+        return Launch.JAVA;
+    }
+}

@@ -1,0 +1,31 @@
+package com.orlu.orlu3rdalgoservice.tool.command;
+
+import java.util.Locale;
+
+/**
+ * What the launcher, the script ./run, must do for an option or a subcommand before or instead of starting
+ * the Java half. The generated table service/command/options.txt has these words in its last column.
+ */
+public enum Launch {
+    /** Nothing: the Java half does all. */
+    JAVA,
+    /** Build and start the ARM machine instead of this one. */
+    ARM,
+    /** Let the library's log through. */
+    LOG,
+    /** Run the trials first, in a process of their own. */
+    TRIALS,
+    /** Run the trials and nothing else. */
+    ONLY_TRIALS,
+    /** Print the help of the subcommand, without a build. */
+    HELP,
+    /** Print the version, without a build. */
+    VERSION,
+    /** Start the program that checks algorithm libraries. */
+    CONFORM;
+
+    /** The word in the table. */
+    public String word() {
+        return this == JAVA ? "-" : name().toLowerCase(Locale.ROOT).replace('_', '-');
+    }
+}
