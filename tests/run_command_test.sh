@@ -108,6 +108,23 @@ done <<'EVENTS'
 "event":"put","frame":0,"tag":"orlu.feedback.segmentResult","held":"Integer","value":-1}
 EVENTS
 
+echo "== Requests of one name"
+# small WIDTH: a request of one frame so wide.
+small() {
+  sed -e "s#photos/#$root/samples/&#" -e "s/\"count\": 1,/& \"width\": $1, \"height\": 48,/" "$root/samples/capture.json"
+}
+mkdir -p a b
+small 64 >a/x.json
+small 96 >b/x.json
+command_ends 0 --out same --json same.json a/x.json b/x.json ./a/x.json
+prints 'named       b-x, ' 'named       x-2, '
+grep -o '"name": .*' same.json | tr -d '\n' | grep -qx '"name": "x",.*"b-x",.*"x-2",' || fail "names: $(grep '"name"' same.json)"
+for name in x:64 b-x:96 x-2:64; do
+  file=same/${name%:*}-base.png
+  # The width is in the bytes 16 to 19 of a PNG.
+  [ "$(od -An -j 16 -N 4 -tu1 "$file" | xargs)" = "0 0 0 ${name#*:}" ] || fail "$file is not of width ${name#*:}"
+done
+
 echo "== Every sample"
 samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"

@@ -18,6 +18,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Summary;
 import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
@@ -90,13 +91,14 @@ final class Session {
     }
 
     private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {
+        List<String> names = RequestNames.of(mOptions.requests());
         for (int i = 0; i < requests.size(); ++i) {
             if (i > 0) {
                 mTo.println();
             }
-            RequestReport report;
+            RequestReport report = new RequestReport(requests.get(i), names.get(i));
             try {
-                report = runOne(requests.get(i), !mOptions.oneClient || i == requests.size() - 1);
+                runOne(report, !mOptions.oneClient || i == requests.size() - 1);
             } finally {
                 Progress.end();
             }
@@ -165,10 +167,10 @@ final class Session {
         return status;
     }
 
-    private RequestReport runOne(RequestFile request, boolean lastOfClient)
+    private void runOne(RequestReport report, boolean lastOfClient)
             throws RequestFileException, ErrnoException, IOException {
+        RequestFile request = report.request;
         List<SynthesisedFrame> frames = frames(request);
-        RequestReport report = new RequestReport(request);
         if (mClient == null) {
             mClient = new ServiceClient(request, report.stopwatch, mRecorder);
             report.events.add(mEvents.next());
@@ -186,7 +188,6 @@ final class Session {
         report.events.add(mEvents.next());
         report.pass = mTraces.next();
         report.verdict = isUsable ? Judge.of(report) : mLibrary;
-        return report;
     }
 
     // The photo's frames, which are none when no input needs them. What fits neither is an error.

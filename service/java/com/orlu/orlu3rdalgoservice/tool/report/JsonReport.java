@@ -25,6 +25,7 @@ public final class JsonReport {
     public void add(RequestReport report) {
         JsonObject object = new JsonObject();
         object.addProperty("file", report.request.file().getFileName().toString());
+        object.addProperty("name", report.name);
         object.addProperty("id", report.request.id());
         object.addProperty("type", report.request.type());
         object.add("algorithmsBefore", strings(report.askedAlgorithms()));

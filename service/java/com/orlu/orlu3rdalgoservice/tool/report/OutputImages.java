@@ -26,7 +26,7 @@ public final class OutputImages {
     public OutputImages(RequestReport report, Path folder) {
         mFolder = folder;
         mBase = report.baseFrame();
-        mName = report.request.file().getFileName().toString().replaceFirst("\\.json$", "");
+        mName = report.name;
     }
 
     /** Writes what there is to write, and returns a line on each image. */

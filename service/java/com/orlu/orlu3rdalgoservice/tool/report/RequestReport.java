@@ -17,6 +17,8 @@ public final class RequestReport {
     public static final int CALLBACK_SECONDS = 10;
 
     public final RequestFile request;
+    /** What its files are named after; no other request of this run has this name. */
+    public final String name;
     public final Stopwatch stopwatch = new Stopwatch();
     /** The images as they were handed in, with their sizes. */
     public final List<ImagePlan> inputs = new ArrayList<>();
@@ -46,8 +48,10 @@ public final class RequestReport {
     /** Which tags the parameters depend on, when somebody asked; else null. */
     public Dependences dependences;
 
-    public RequestReport(RequestFile request) {
+    /** The name is one of RequestNames. */
+    public RequestReport(RequestFile request, String name) {
         this.request = request;
+        this.name = name;
     }
 
     /** What the request handed to the algorithm library, of the events so far. */

@@ -48,6 +48,9 @@ public final class Summary {
         RequestFile request = mReport.request;
         mLines.plain(request.about().isEmpty() ? request.file().toString() : request.about());
         mLines.line("file", request.file().toString());
+        if (!mReport.name.equals(RequestNames.stem(request.file()))) {
+            mLines.line("named", mReport.name + ", since the file of another request has the same name");
+        }
         mLines.line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
                 + (request.fullAsync() ? ", full-async" : ""));
     }
