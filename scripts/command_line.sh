@@ -13,7 +13,7 @@ read_command_line() {
   while read -r name argument value launch; do
     launch_of[$name $argument]=$launch
   done <<<"$table"
-  if [ "${1:-run}" != run ] && [ -n "${launch_of[$1 .]:-}" ]; then
+  if [ $# -gt 0 ] && [ -n "${launch_of[$1 .]:-}" ]; then
     command=$1
   fi
   for argument in . "$@"; do

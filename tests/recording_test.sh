@@ -2,19 +2,9 @@
 # Records samples, and replays, trims, cuts and compares the recordings: recording_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export ORLU_BUILD=$1
-unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PLANTED ORLU_ALGO_LIBRARY
+source "$root/tests/command.sh"
 planted=$ORLU_BUILD/planted/planted_algo.so
 stand_in=$ORLU_BUILD/lib/liborlu.vac.interface.so
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 
 # ends STATUS PATTERN ARGUMENT...: ./run ends so, and prints a line that this regular expression finds.
 ends() {
@@ -99,5 +89,4 @@ done
 ends 1 'control/jpeg_rotation: 0 / 90$' diff turns/* --no-explain
 ! grep -q 'because of' out || fail "explained all the same: $(cat out)"
 
-[ "$failures" -eq 0 ] && echo "All passed"
-exit $((failures > 0))
+ended

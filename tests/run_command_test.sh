@@ -2,43 +2,7 @@
 # Tests the command ./run with what is built already: run_command_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-source "$root/scripts/lib.sh"
-export ORLU_BUILD=$1
-unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
-
-# command_ends STATUS ARGUMENT...: runs ./run; what it prints goes into the files out and err.
-command_ends() {
-  local wanted=$1 status=0
-  shift
-  "$root/run" "$@" >out 2>err || status=$?
-  [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
-}
-
-# prints TEXT...: what the last command printed holds each.
-prints() {
-  local text
-  for text in "$@"; do
-    grep -qF -- "$text" out || fail "\"$text\" is not printed: $(cat out)"
-  done
-}
-
-# refused LINE ARGUMENT...: the command does nothing but say this one line.
-refused() {
-  local line=$1
-  shift
-  command_ends 2 "$@"
-  [ "$(cat err)" = "run: $line" ] || fail "\"run: $line\" was expected instead of: $(cat err)"
-  [ ! -s out ] || fail "$* printed: $(cat out)"
-}
+source "$root/tests/command.sh"
 
 # refused_request LINE REQUEST: a request file of this text is refused.
 refused_request() {
@@ -74,17 +38,7 @@ refused "$folder: can't be read" "$folder"
 
 echo "== Options"
 echo '{}' >photo.jpg
-refused '--photo: no such photo: none.jpg' --photo none.jpg
 refused '--photo: no photo that can be read: photo.jpg' --photo photo.jpg
-refused 'unknown option --colour; see ./run --help' --colour
-refused '--out needs a value; see ./run --help' --out
-command_ends 0 --help
-prints "usage: ./run [options]" "--params" "--out=DIR"
-command_ends 0 --version
-grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--version: $(cat out)"
-# What the launcher knows and prints without a build is what Java knows.
-"$root/scripts/command_files.sh" "$ORLU_BUILD" "$folder/command"
-diff -r "$root/service/command" command >&2 || fail "service/command is old: cmake --build build/dev --target command-files"
 request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
 [ "$(cat out)" = $'right.json: right\n'"$root/samples/night.json: right" ] || fail "--check: $(cat out)"
@@ -171,5 +125,4 @@ of_sample clarity | grep -Eq 'frame 2 .* kept$' || fail "not the sharpest frame 
 prints "handed on   nothing: the request went without an algorithm pass" "no-pass-out0: not written"
 if of_sample no-pass | grep '^  ran '; then fail "no-pass ran"; fi
 
-[ "$failures" -eq 0 ] && echo "All passed"
-exit $((failures > 0))
+ended

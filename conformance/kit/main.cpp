@@ -19,7 +19,7 @@ constexpr char kUsage[] =
     "Checks whether an algorithm library behaves: the stand-in when none is named\n"
     "(docs/conformance.md).\n"
     "\n"
-    "  --only NAME[,NAME...]  some of the checks\n"
+    "  --only CHECK[,...]     some of the checks\n"
     "  --list                 the checks' names, and what each is about\n"
     "  --json                 the report as JSON, on standard output\n"
     "  --junit FILE           the report as JUnit XML, for CI\n"

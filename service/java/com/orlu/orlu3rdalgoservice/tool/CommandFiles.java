@@ -32,14 +32,15 @@ public final class CommandFiles {
         Path folder = Path.of(arguments[0]);
         Files.createDirectories(folder.resolve("help"));
         List<String> rows = new ArrayList<>();
-        add(Commands.USUAL, "run", rows, folder);
+        add(Commands.USUAL, rows, folder);
         for (Command command : Commands.NAMED) {
-            add(command, command.name(), rows, folder);
+            add(command, rows, folder);
         }
         Files.writeString(folder.resolve("options.txt"), HEAD + String.join("", rows));
     }
 
-    private static void add(Command command, String name, List<String> rows, Path folder) throws IOException {
+    private static void add(Command command, List<String> rows, Path folder) throws IOException {
+        String name = command.name();
         boolean isListed = command == Commands.USUAL || !command.about().isEmpty();
         rows.add(row(name, ".", isListed ? "listed" : "hidden", command.launch()));
         CommandSpec spec = command.spec();

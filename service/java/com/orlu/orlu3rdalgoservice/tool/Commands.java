@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.command.LauncherCommand;
 import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
+import com.orlu.orlu3rdalgoservice.tool.request.NearestWord;
 
 import java.util.Arrays;
 import java.util.List;
@@ -31,6 +32,10 @@ final class Commands {
             // The program has the help of its own, since it has the options.
             new LauncherCommand("conform", "check whether an algorithm library behaves", Launch.CONFORM,
                     List.of(), List.of()),
+            new LauncherCommand("completion", "print the completion for bash", Launch.COMPLETION,
+                    List.of("Prints what lets bash complete subcommands, options and their values, for this "
+                            + "and any other checkout's ./run."),
+                    List.of("source <(./run completion)")),
             new RecordingCommand("play", ""),
             new RecordingCommand("trials", ""));
 
@@ -46,7 +51,7 @@ final class Commands {
      * then. What is not understood is an IllegalArgumentException for people.
      */
     static Invocation parse(String[] arguments) {
-        Command named = arguments.length == 0 ? null : named(arguments[0]);
+        Command named = arguments.length == 0 ? null : ofName(arguments[0]);
         Command command = named == null ? USUAL : named;
         CommandLine reader = reader(command);
         int from = named == null ? 0 : 1;
@@ -66,7 +71,11 @@ final class Commands {
         }
     }
 
-    private static Command named(String name) {
+    // Null for a word that is none's.
+    private static Command ofName(String name) {
+        if (USUAL.name().equals(name)) {
+            return USUAL;
+        }
         for (Command command : NAMED) {
             if (command.name().equals(name)) {
                 return command;
@@ -86,8 +95,9 @@ final class Commands {
     private static String problem(ParameterException e) {
         if (e instanceof UnmatchedArgumentException unmatched) {
             String first = unmatched.getUnmatched().get(0);
-            return unmatched.isUnknownOption() ? "unknown option " + first + didYouMean(unmatched)
-                    : "one argument too many: " + first;
+            return !unmatched.isUnknownOption() ? "one argument too many: " + first
+                    : "unknown option " + first + NearestWord.question(first.replaceFirst("=.*", ""),
+                            e.getCommandLine().getCommandSpec().optionsMap().keySet());
         }
         if (e instanceof MissingParameterException missing) {
             ArgSpec first = missing.getMissing().get(0);
@@ -96,17 +106,16 @@ final class Commands {
                     : "needs " + (first instanceof OptionSpec option ? option.longestName() + " " : "")
                             + first.paramLabel();
         }
+        if (e.getArgSpec() instanceof OptionSpec option && e.getValue() != null) {
+            return option.longestName() + " needs " + option.paramLabel() + ", found \"" + e.getValue() + "\"";
+        }
         return e.getMessage();
     }
 
-    private static String didYouMean(UnmatchedArgumentException unmatched) {
-        List<String> near = unmatched.getSuggestions();
-        return near.isEmpty() ? "" : " (did you mean " + near.get(0) + "?)";
-    }
-
-    /** The nearest subcommand to a word, as a question in brackets; empty when none is near. */
+    /** A question in brackets on the subcommand that this word resembles; empty when it resembles none. */
     static String didYouMean(String word) {
-        return didYouMean(new UnmatchedArgumentException(listing(), List.of(word)));
+        return NearestWord.question(word, NAMED.stream().filter(command -> !command.about().isEmpty())
+                .map(Command::name).toList());
     }
 
     /** The help of a command. */

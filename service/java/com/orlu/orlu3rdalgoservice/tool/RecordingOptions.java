@@ -48,15 +48,15 @@ final class RecordingOptions {
     /** The options and arguments of the subcommand of this name. */
     static CommandSpec spec(String name) {
         return switch (name) {
-            case "info" -> command("info FOLDER...", "FOLDER", "1..*",
+            case "info" -> command("info FOLDER...", "FOLDER", Integer.MAX_VALUE,
                     List.of("Says what is in recordings."), List.of("./run info shots"));
             case "replay" -> replay();
             case "trim" -> trim();
             case "diff" -> diff();
-            case "trials" -> recording(command("trials FOLDER --record FILE", "FOLDER", "1",
+            case "trials" -> recording(command("trials FOLDER --record FILE", "FOLDER", 1,
                     List.of("Tries what each tag of a recording changes."), List.of()), "FILE");
             default -> {
-                CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER", "1..*",
+                CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER", Integer.MAX_VALUE,
                         List.of("Runs recordings again and records that."), List.of()), "DIR");
                 spec.addOption(Arguments.flag("--arm", "run the 32-bit ARM library", Launch.ARM));
                 yield spec;
@@ -65,7 +65,7 @@ final class RecordingOptions {
     }
 
     private static CommandSpec replay() {
-        CommandSpec spec = command("replay [options] FOLDER...", "FOLDER", "1..*",
+        CommandSpec spec = command("replay [options] FOLDER...", "FOLDER", Integer.MAX_VALUE,
                 List.of("Runs recordings again, and compares what they do with what was recorded. The status "
                         + "is 0 when all is equal, 1 when something is different."),
                 List.of("./run --record shots samples/night.json", "./run replay shots",
@@ -79,18 +79,18 @@ final class RecordingOptions {
     }
 
     private static CommandSpec trim() {
-        CommandSpec spec = command("trim [options] FOLDER --out DIR", "FOLDER", "1",
+        CommandSpec spec = command("trim [options] FOLDER --out DIR", "FOLDER", 1,
                 List.of("Writes a smaller copy of a recording."),
                 List.of("./run trim shots/000001-request-101 --out few --frames 0,2"));
         spec.addOption(Arguments.neededPath("--out", "DIR", "the folder of the copy, which must not be there"));
-        spec.addOption(Arguments.list("--frames", "N", Integer.class, "keep these frames and their inputs, "
+        spec.addOption(Arguments.list("--frames", "NUMBER", Integer.class, "keep these frames and their inputs, "
                 + "and leave out what came of the request").splitRegex(",").build());
         spec.addOption(Arguments.flag("--no-pixels", "leave the pixels out"));
         return spec;
     }
 
     private static CommandSpec diff() {
-        CommandSpec spec = command("diff [options] A [B]", "A", "1..2",
+        CommandSpec spec = command("diff [options] A [B]", "A", 2,
                 List.of("Compares two runs: recordings or folders of them, events, or request files, which "
                         + "are run first. The status is 0 when all is equal, 1 when something is different."),
                 List.of("./run diff samples/night.json samples/night-async.json",
@@ -106,15 +106,15 @@ final class RecordingOptions {
                 "don't find out because of which tags parameters differ, which takes some seconds"));
         spec.addOption(Arguments.list("--ignore", "NAME", String.class,
                 "leave out this parameter, value put, call or output; can be given again").build());
-        spec.addOption(OptionSpec.builder("--tolerance").paramLabel("N").type(Double.class)
+        spec.addOption(OptionSpec.builder("--tolerance").paramLabel("NUMBER").type(Double.class)
                 .description("take numbers and samples of 255 that differ by no more for equal").build());
         spec.addOption(Arguments.path("--out", "DIR", "write pictures of outputs that differ there"));
     }
 
-    private static CommandSpec command(String synopsis, String label, String arity, List<String> texts,
+    private static CommandSpec command(String synopsis, String label, int most, List<String> texts,
             List<String> examples) {
         CommandSpec spec = Arguments.command(synopsis, texts, examples);
-        spec.addPositional(Arguments.positional(label, arity, Path.class));
+        spec.addPositional(Arguments.positional(label, 1, most, Path.class));
         return spec;
     }
 

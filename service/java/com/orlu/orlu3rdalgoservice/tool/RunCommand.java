@@ -8,6 +8,7 @@ import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.IOException;
+import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
 
@@ -41,7 +42,7 @@ final class RunCommand implements Command {
 
     @Override
     public String name() {
-        return "";
+        return "run";
     }
 
     @Override
@@ -86,7 +87,7 @@ final class RunCommand implements Command {
                 "record each request in a folder (docs/recording.md)"));
         command.addOption(OptionSpec.builder("--version").versionHelp(true).userObject(Launch.VERSION)
                 .order(Integer.MAX_VALUE).description("print the version").build());
-        command.addPositional(Arguments.positional("request.json", "0..*", Path.class));
+        command.addPositional(Arguments.positional("request.json", 0, Path.class));
         addToHelp(command.usageMessage());
         return command;
     }
@@ -104,7 +105,20 @@ final class RunCommand implements Command {
 
     @Override
     public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
-        return new Session(Options.of(line)).run();
+        Options options = Options.of(line);
+        for (Path file : options.requests()) {
+            needFile(file);
+        }
+        return new Session(options).run();
+    }
+
+    // A word without a dot or a folder was rather meant as a subcommand.
+    private static void needFile(Path file) {
+        String word = file.toString();
+        if (!Files.exists(file) && word.matches("[A-Za-z]+")) {
+            throw new IllegalArgumentException(
+                    word + ": no such file or subcommand" + Commands.didYouMean(word) + "; see ./run --help");
+        }
     }
 
     @Override

@@ -9,7 +9,8 @@ import picocli.CommandLine.Model.PositionalParamSpec;
 
 /**
  * Makes options and arguments of subcommands. They are made by calls and not by annotations, whose reading
- * costs 50 ms. A label says what a value is: DIR or FOLDER, FILE, LIBRARY.
+ * costs 50 ms. A label says what a value is, for the help and for the completion, which knows what to offer
+ * for DIR and FOLDER, FILE, LIBRARY, KEY, TAG, ALGORITHM and others (scripts/completion.bash).
  */
 public final class Arguments {
     private static final int HELP_COLUMNS = 80;
@@ -78,9 +79,17 @@ public final class Arguments {
                 .description(description);
     }
 
-    /** The arguments that are no options, as many as picocli's arity says; their value is a list. */
-    public static PositionalParamSpec positional(String label, String arity, Class<?> of) {
-        return PositionalParamSpec.builder().paramLabel(label).arity(arity).hidden(true)
-                .required(!arity.startsWith("0")).type(List.class).auxiliaryTypes(of).build();
+    /** The arguments that are no options, from so many on; their value is a list. */
+    public static PositionalParamSpec positional(String label, int least, Class<?> of) {
+        return positional(label, least, Integer.MAX_VALUE, of);
+    }
+
+    /** The same, so many at most. */
+    public static PositionalParamSpec positional(String label, int least, int most, Class<?> of) {
+        String last = most == Integer.MAX_VALUE ? "*" : String.valueOf(most - 1);
+        String arity = most == Integer.MAX_VALUE ? "*" : String.valueOf(most);
+        return PositionalParamSpec.builder().paramLabel(label).index("0.." + last)
+                .arity(least + ".." + arity).required(least > 0).hidden(true).type(List.class)
+                .auxiliaryTypes(of).build();
     }
 }

@@ -22,7 +22,9 @@ public enum Launch {
     /** Print the version, without a build. */
     VERSION,
     /** Start the program that checks algorithm libraries. */
-    CONFORM;
+    CONFORM,
+    /** Print the completion for bash, without a build. */
+    COMPLETION;
 
     /** The word in the table. */
     public String word() {

@@ -35,11 +35,11 @@ public final class ImportCommand implements Command {
     public CommandSpec spec() {
         CommandSpec spec = Arguments.command("import [options] FILE... --out FILE", List.of(ABOUT),
                 List.of("./run import dump.txt shot.dng --out shot.json", "./run shot.json"));
-        spec.addPositional(Arguments.positional("FILE", "1..*", Path.class));
+        spec.addPositional(Arguments.positional("FILE", 1, Path.class));
         spec.addOption(Arguments.neededPath("--out", "FILE", "the request file"));
         spec.addOption(Arguments.path("--photo", "FILE",
                 "make the inputs of this photo, where no picture is imported"));
-        spec.addOption(Arguments.list("--algorithms", "NAME", String.class,
+        spec.addOption(Arguments.list("--algorithms", "ALGORITHM", String.class,
                 "the list to ask for, such as night,jpegEncode").splitRegex(",").build());
         return spec;
     }

@@ -1,0 +1,65 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import java.util.Collection;
+import java.util.Locale;
+
+/** Finds what somebody who mistyped a word probably meant. */
+public final class NearestWord {
+    /** A beginning of fewer letters begins too many words. */
+    private static final int LEAST_BEGINNING = 3;
+
+    private NearestWord() {
+    }
+
+    /** The known word that is nearest, the first of several; null when none is near. */
+    public static String of(String word, Collection<String> known) {
+        String nearest = null;
+        // A third of the letters may be wrong, and in a long word not more than four.
+        int least = Math.min(4, word.length() / 3) + 1;
+        for (String candidate : known) {
+            int distance = distance(word.toLowerCase(Locale.ROOT), candidate.toLowerCase(Locale.ROOT));
+            if (distance < least) {
+                nearest = candidate;
+                least = distance;
+            }
+        }
+        return nearest;
+    }
+
+    /** " (did you mean NEAREST?)", or nothing when no known word is near. */
+    public static String question(String word, Collection<String> known) {
+        String nearest = of(word, known);
+        return nearest == null ? "" : " (did you mean " + nearest + "?)";
+    }
+
+    private static int distance(String word, String candidate) {
+        if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
+            return Math.min(1, candidate.length() - word.length());
+        }
+        return edits(word, candidate);
+    }
+
+    // How many letters are to be put in, left out, changed, or swapped with their neighbours.
+    private static int edits(String word, String candidate) {
+        int[] beforeLast = null;
+        int[] last = new int[candidate.length() + 1];
+        for (int j = 0; j < last.length; ++j) {
+            last[j] = j;
+        }
+        for (int i = 1; i <= word.length(); ++i) {
+            int[] row = new int[last.length];
+            row[0] = i;
+            for (int j = 1; j < row.length; ++j) {
+                boolean isSame = word.charAt(i - 1) == candidate.charAt(j - 1);
+                row[j] = Math.min(Math.min(last[j], row[j - 1]) + 1, last[j - 1] + (isSame ? 0 : 1));
+                if (i > 1 && j > 1 && word.charAt(i - 1) == candidate.charAt(j - 2)
+                        && word.charAt(i - 2) == candidate.charAt(j - 1)) {
+                    row[j] = Math.min(row[j], beforeLast[j - 2] + 1);
+                }
+            }
+            beforeLast = last;
+            last = row;
+        }
+        return last[candidate.length()];
+    }
+}

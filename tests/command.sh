@@ -1,0 +1,45 @@
+# shellcheck shell=bash
+# What the tests of the command ./run share. Sourced by them with the build folder as their first argument; they set
+# root. The work is done in a folder that goes with the test.
+export ORLU_BUILD=$1
+unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PLANTED ORLU_ALGO_LIBRARY
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failures=0
+
+fail() {
+  echo "FAILED: $*"
+  failures=$((failures + 1))
+}
+
+# command_ends STATUS ARGUMENT...: runs ./run; what it prints goes into the files out and err.
+command_ends() {
+  local wanted=$1 status=0
+  shift
+  "$root/run" "$@" >out 2>err || status=$?
+  [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
+}
+
+# prints TEXT...: what the last command printed holds each.
+prints() {
+  local text
+  for text in "$@"; do
+    grep -qF -- "$text" out || fail "\"$text\" is not printed: $(cat out)"
+  done
+}
+
+# refused LINE ARGUMENT...: the command does nothing but say this one line.
+refused() {
+  local line=$1
+  shift
+  command_ends 2 "$@"
+  [ "$(cat err)" = "run: $line" ] || fail "\"run: $line\" was expected instead of: $(cat err)"
+  [ ! -s out ] || fail "$* printed: $(cat out)"
+}
+
+# ended: the test's own end.
+ended() {
+  [ "$failures" -eq 0 ] && echo "All passed"
+  exit $((failures > 0))
+}

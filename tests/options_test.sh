@@ -1,0 +1,127 @@
+#!/bin/bash
+# Tests the command line of ./run, its help and its completion: options_test.sh BUILD_FOLDER
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+source "$root/tests/command.sh"
+
+echo "== What is refused"
+mkdir -p a b
+while IFS='|' read -r arguments line; do
+  read -ra words <<<"$arguments"
+  refused "$line" "${words[@]}"
+done <<'REFUSED'
+--colour|unknown option --colour; see ./run --help
+--jason|unknown option --jason (did you mean --json?); see ./run --help
+--pram|unknown option --pram (did you mean --params?); see ./run --help
+--out|--out needs a value; see ./run --help
+--photo none.jpg|--photo: no such photo: none.jpg
+infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
+colour|colour: no such file or subcommand; see ./run --help
+none.json|none.json: no such file
+run none.json|none.json: no such file
+info|needs FOLDER; see ./run info --help
+info none|no such file: none
+info --ouput a|unknown option --ouput; see ./run info --help
+trim a|needs --out DIR; see ./run trim --help
+trim a b --out c|one argument too many: b; see ./run trim --help
+trim a --out c --frames 1,x|--frames needs NUMBER, found "x"; see ./run trim --help
+diff a|diff needs two runs, or --lib twice; see ./run diff --help
+diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
+import|needs --out FILE; see ./run import --help
+REFUSED
+
+echo "== Help and version, without a build"
+export ORLU_BUILD=none
+while read -r subcommand kind _; do
+  [ "$kind" = . ] || continue
+  for help in --help -h; do
+    command_ends 0 "$subcommand" $help
+    [ ! -s err ] || fail "$subcommand $help: $(cat err)"
+  done
+  if [ -e "$root/service/command/help/$subcommand.txt" ]; then
+    head -n 1 out | grep -q '^usage: ./run' || fail "$subcommand --help begins with $(head -n 1 out)"
+    if grep -n '.\{81\}' out; then fail "the help of $subcommand is wider than 80 columns"; fi
+  fi
+done < <(grep -v '^#' "$root/service/command/options.txt" | grep listed)
+command_ends 0 samples/night.json --help
+prints "usage: ./run [options]" "--params" "--out=DIR" "  replay  "
+for arguments in --version "--check --version"; do
+  # shellcheck disable=SC2086 # two words
+  command_ends 0 $arguments
+  grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "$arguments: $(cat out)"
+done
+export ORLU_BUILD=$1
+
+echo "== What the launcher knows is what the options say"
+"$root/scripts/command_files.sh" "$ORLU_BUILD" "$folder/command"
+diff -r "$root/service/command" command >&2 || fail "service/command is old: cmake --build build/dev --target command-files"
+# launched WORDS ARGUMENT...: what the launcher finds in this command line.
+launched() {
+  local wanted=$1
+  shift
+  read_command_line "$@"
+  # shellcheck disable=SC2154 # it sets launches
+  [ "$(xargs <<<"$launches")" = "$wanted" ] || fail "./run $*: the launcher finds $launches instead of $wanted"
+}
+source "$root/scripts/command_line.sh"
+launched "-"
+launched "- -" samples/arm
+launched "- arm - trials log" --arm x.json --explain=key --log
+launched "- - arm" --out --arm
+launched "-" -- --arm
+launched "- - - -" replay --arm --log
+launched "conform - -" conform --arm
+launched "only-trials - - - -" trials a --record b
+
+echo "== Completion"
+command_ends 0 completion
+bash -n out || fail "the completion can't be read"
+# completed LINE WORD...: bash offers these words, perhaps among others, after a line; "!" before one that it must not.
+completed() {
+  local line=$1 word offered
+  shift
+  read -ra COMP_WORDS <<<"${line//=/ = }"
+  [[ $line != *[\ =] ]] || COMP_WORDS+=('')
+  COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+  COMPREPLY=()
+  _orlu_run "${COMP_WORDS[0]}"
+  offered=" ${COMPREPLY[*]} "
+  for word in "$@"; do
+    case $word in
+      !*) [[ $offered != *" ${word#!} "* ]] || fail "after \"$line\" completion offers ${word#!}" ;;
+      *) [[ $offered == *" $word "* ]] || fail "after \"$line\" completion offers no $word but$offered" ;;
+    esac
+  done
+}
+# shellcheck disable=SC1091 # it was written above
+source out
+cp "$root/samples/night.json" mine.json
+touch photo.jpg lib.so
+cd "$root" || exit 1
+while IFS='|' read -r line offered; do
+  read -ra words <<<"${offered//\~/$folder}"
+  completed "${line//\~/$folder}" "${words[@]}"
+done <<'CASES'
+./run re|replay !run !play !trials
+./run --ex|--explain !--params
+./run -|--out --check --help !--frames
+./run --out=sam|samples !samples/night.json
+./run --out sam|samples
+./run --explain exif_info|exif_info_for_write !control/exif_info
+./run --explain=control/jpeg|control/jpeg_rotation
+./run samples/nig|samples/night.json samples/night-async.json
+./run nig|samples/night.json samples/night-async.json
+./run ~/|~/mine.json ~/a !~/photo.jpg
+./run --photo ~/p|~/photo.jpg
+./run replay --against ~/|~/lib.so ~/a !~/mine.json
+./run info sam|samples !samples/night.json
+./run trim -|--frames --no-pixels --out !--params
+./run import ~/|~/photo.jpg ~/mine.json
+./run conform --p|--patience
+./run conform --only set|setValue
+./run diff samples/night.json samples/nig|samples/night-async.json
+CASES
+cd "$folder" || exit 1
+completed "$root/run replay --ag" --against
+completed "./run m" mine.json
+ended
