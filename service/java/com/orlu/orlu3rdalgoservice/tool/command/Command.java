@@ -32,6 +32,8 @@ public interface Command {
     /**
      * Does what is left to do when the process that ran this ended before it was done, and returns a status.
      * This process is another one. The exit status is the dead one's, as a shell has it.
+     *
+     * @throws IOException when what is left can't be read or written
      */
     default int afterDeath(ParseResult line, int exitStatus) throws IOException {
         throw new IllegalStateException("the process ended");

@@ -41,8 +41,8 @@ public final class NearestWord {
 
     // How many letters are to be put in, left out, changed, or swapped with their neighbours.
     private static int edits(String word, String candidate) {
-        int[] beforeLast = null;
         int[] last = new int[candidate.length() + 1];
+        int[] beforeLast = last;
         for (int j = 0; j < last.length; ++j) {
             last[j] = j;
         }
