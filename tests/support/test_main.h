@@ -11,16 +11,37 @@
 
 namespace orlu::test {
 
-// Keeps the terminal free of the log of tests that pass. A test that fails shows the last lines of its own.
+// The end of a text whose lines all have an end.
+inline std::string lastLines(const std::string& text, size_t count) {
+  size_t start = text.size();
+  for (; count > 0 && start > 1; --count) start = text.rfind('\n', start - 2) + 1;  // npos + 1 is 0
+  return text.substr(start);
+}
+
+// Keeps the terminal free of the log of tests that pass. A test that fails shows the last lines of its own,
+// and then again what failed, which the log would bury.
 class LogOfFailures : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override { mLog.clear(); }
   void OnTestEnd(const testing::TestInfo& test) override {
-    const std::string text = test.result()->Passed() ? "" : mLog.text();
+    const std::string text = test.result()->Failed() ? mLog.text() : "";
     if (text.empty()) return;
-    constexpr size_t kMostBytes = 4'000;
-    const size_t start = text.size() > kMostBytes ? text.find('\n', text.size() - kMostBytes) + 1 : 0;
+    const std::string end = lastLines(text, 30);
     std::fprintf(stderr, "%s of %s.%s logged, as far as it was not captured:\n%s",
-                 start > 0 ? "The last" : "All", test.test_suite_name(), test.name(), text.c_str() + start);
+                 end.size() < text.size() ? "The last" : "All", test.test_suite_name(), test.name(),
+                 end.c_str());
+    for (int i = 0; i < test.result()->total_part_count(); ++i) {
+      const testing::TestPartResult& part = test.result()->GetTestPartResult(i);
+      if (part.failed()) printFailure(test, part);
+    }
+  }
+
+  // The file and line, and as much of the message as a reader needs to know it by.
+  static void printFailure(const testing::TestInfo& test, const testing::TestPartResult& part) {
+    constexpr size_t kMostBytes = 300;
+    const std::string message = part.summary();
+    std::fprintf(stderr, "FAILED %s.%s at %s:%d: %s%s\n", test.test_suite_name(), test.name(),
+                 part.file_name() == nullptr ? "?" : part.file_name(), part.line_number(),
+                 message.substr(0, kMostBytes).c_str(), message.size() > kMostBytes ? "..." : "");
   }
 
   LogCapture mLog;
