@@ -2,6 +2,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,6 +18,15 @@ namespace {
 constexpr char kQuick[] = "--quick";
 constexpr char kMemory[] = "--memory=";
 
+int64_t numberOf(const char* text) {
+  int64_t number = 0;
+  const char* const end = text + std::strlen(text);
+  const auto [read, error] = std::from_chars(text, end, number);
+  if (error == std::errc() && read == end && number >= 0) return number;
+  std::fprintf(stderr, "request_bench: --memory needs a number that is not negative, found \"%s\"\n", text);
+  std::exit(2);
+}
+
 // Takes our own arguments out.
 orlu::bench::BenchSize readSize(int& argc, char** argv) {
   orlu::bench::BenchSize size;
@@ -24,7 +35,7 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
     if (std::strcmp(argv[i], kQuick) == 0) {
       size.quick = true;
     } else if (std::strncmp(argv[i], kMemory, sizeof kMemory - 1) == 0) {
-      size.memoryRequests = std::atoll(argv[i] + sizeof kMemory - 1);
+      size.memoryRequests = numberOf(argv[i] + sizeof kMemory - 1);
     } else {
       argv[kept++] = argv[i];
     }
