@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The catalogue's tables have a row for each tag, in its place, and none for what does not exist.
+"""The catalogue's tables have a row for each tag, algorithm and image format, and none for what does not exist.
 
 catalogue_table_test.py ROOT (the project's folder)
 """
@@ -11,6 +11,12 @@ from pathlib import Path
 ROOT = Path(sys.argv[1])
 CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
+PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/request/PixelFormat.java"
+# The library classifies it, and request files can't have it.
+LIBRARY_FORMAT = "MIPI_RAW12"
+# A list of algorithm names, or one that is looked for, added or taken out.
+NAME = re.compile(r'(?:listHas|append|remove|emplace_back|asksFor|listed)\("(\w+)"|^ +\{"(\w+)", +1U <<')
+NAMES = re.compile(r'(?:list|mAlgoList|supported) = \{([^}]*)\};')
 
 failures = []
 
@@ -26,8 +32,37 @@ def rows(file, columns):
                 yield number, row
 
 
-def check_names(file, columns, names, what, every=True, once=True):
-    """Rows begin with a name of names, which are sorted; every name has a row; a row ends in a sentence."""
+def algorithms():
+    """Every name in the library, the stand-in and the samples."""
+    names = set()
+    for source in [*(ROOT / "jni").glob("*.cpp"), *(ROOT / "host/algo").glob("*.cpp")]:
+        text = source.read_text()
+        names |= {name for line in text.splitlines() for match in NAME.findall(line) for name in match if name}
+        names |= {name for literals in NAMES.findall(text) for name in re.findall(r'"(\w+)"', literals)}
+    for sample in (ROOT / "samples").glob("*.json"):
+        names |= set(re.findall(r'"(\w+)"', re.search(r'"algorithms": \[(.*)\]', sample.read_text()).group(1)))
+    return sorted(names, key=str.lower)
+
+
+def formats():
+    text = PIXEL_FORMAT.read_text()
+    return sorted(re.findall(r"^    ([A-Z0-9_]+)[,;]", text, re.MULTILINE) + [LIBRARY_FORMAT])
+
+
+def check_once(file, kinds):
+    """What must be said of each name is said, and nothing of an unknown kind."""
+    said = {}
+    for number, (name, kind, _) in rows(file, 3):
+        said.setdefault(name, []).append(kind)
+        if kind not in kinds:
+            failures.append(f"{file.relative_to(ROOT)}:{number}: unknown kind {kind}")
+    for name, found in said.items():
+        failures.extend(f"{file.relative_to(ROOT)}: {name} needs {least} row {kind}" for kind, least in kinds.items()
+                        if least and found.count(kind) != least)
+
+
+def check_names(file, columns, names, what, every=True, once=True, sentence=True):
+    """Rows begin with a name of names, in their order; every name has a row; a row ends in a sentence."""
     found = []
     for number, row in rows(file, columns):
         place = f"{file.relative_to(ROOT)}:{number}"
@@ -35,23 +70,28 @@ def check_names(file, columns, names, what, every=True, once=True):
             failures.append(f"{place}: there is no {what} {row[0]}")
         if once and row[0] in found:
             failures.append(f"{place}: {row[0]} has a row already")
-        if not re.search(r"[.!?]$", row[-1]):
+        if sentence and not re.search(r"[.!?]$", row[-1]):
             failures.append(f"{place}: {row[-1]!r} is no sentence")
         found.append(row[0])
     if every:
         failures.extend(f"{file.relative_to(ROOT)}: no row for the {what} {name}"
                         for name in names if name not in found)
-        if not failures and found != list(names):
-            wrong = next(a for a, b in zip(found, names) if a != b)
-            failures.append(f"{file.relative_to(ROOT)}: {wrong} is not where {TAGS.name} has it")
+        order = list(dict.fromkeys(found))
+        if not failures and order != list(names):
+            wrong = next(a for a, b in zip(order, names) if a != b)
+            failures.append(f"{file.relative_to(ROOT)}: {wrong} is not where the order puts it")
     return len(found)
 
 
 def main():
     tags = [row[0] for _, row in rows(TAGS, 2)]
     counts = [check_names(CATALOGUE / "tags.txt", 3, tags, "tag"),
-              check_names(CATALOGUE / "values.txt", 3, tags, "tag", every=False, once=False)]
-    print(*failures, f"{counts} rows of tags and values", sep="\n")
+              check_names(CATALOGUE / "values.txt", 3, tags, "tag", every=False, once=False),
+              check_names(CATALOGUE / "algorithms.txt", 3, algorithms(), "algorithm", once=False),
+              check_names(CATALOGUE / "formats.txt", 3, formats(), "format", once=False, sentence=False)]
+    check_once(CATALOGUE / "algorithms.txt", {"is": 1, "added": 0, "removed": 0, "does": 0, "returns": 0})
+    check_once(CATALOGUE / "formats.txt", dict.fromkeys(("is", "code", "planes", "row", "stride", "files"), 1))
+    print(*failures, f"{counts} rows of tags, values, algorithms and formats", sep="\n")
     return 1 if failures or not all(counts) else 0
 
 

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import com.orlu.orlu3rdalgoservice.tool.catalogue.CatalogueCommand;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.command.LauncherCommand;
@@ -32,6 +33,15 @@ final class Commands {
             // The program has the help of its own, since it has the options.
             new LauncherCommand("conform", "check whether an algorithm library behaves", Launch.CONFORM,
                     List.of(), List.of()),
+            new CatalogueCommand("tags", "list tags: type, unit, meaning, who reads them", "TAG",
+                    "orlu.control.currentModeEx"),
+            new CatalogueCommand("algorithms", "list algorithms: what adds and removes them",
+                    "ALGORITHM", "hdr"),
+            new CatalogueCommand("parameters", "list parameters: type, bytes, the tags they come from", "KEY",
+                    "hdr_process_type"),
+            new CatalogueCommand("formats", "list image formats: planes, strides, files", "FORMAT",
+                    "RAW16"),
+            new CatalogueCommand("samples", "list the samples and what each shows", "SAMPLE", "night"),
             new LauncherCommand("completion", "print the completion for bash", Launch.COMPLETION,
                     List.of("Prints what lets bash complete subcommands, options and their values, for this "
                             + "and any other checkout's ./run."),

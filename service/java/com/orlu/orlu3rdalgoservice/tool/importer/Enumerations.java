@@ -11,7 +11,7 @@ import java.util.List;
 import java.util.Map;
 
 /** The numbers of tags that a dump prints by a name: the lines of enumerations.txt. */
-final class Enumerations {
+public final class Enumerations {
     /** What a flag without a line of its own is printed as. */
     private static final List<String> FLAG = List.of("FALSE", "TRUE");
     private static final Map<String, List<String>> NAMES = load();
@@ -22,6 +22,11 @@ final class Enumerations {
     /** The number of a name, -1 for one that the tag does not know. */
     static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
+    }
+
+    /** The names of a tag's numbers 0, 1, ...; none for a tag without a line. */
+    public static List<String> names(String tag) {
+        return NAMES.getOrDefault(tag, List.of());
     }
 
     private static Map<String, List<String>> load() {

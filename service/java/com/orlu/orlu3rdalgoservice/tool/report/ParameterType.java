@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.report;
 
 /** How a parameter's bytes are to be read. */
-enum ParameterType {
+public enum ParameterType {
     INT("int"),
     INTS("int[]"),
     LONG("long"),
@@ -39,7 +39,8 @@ enum ParameterType {
         mText = text;
     }
 
-    String text() {
+    /** What it is called for people. */
+    public String text() {
         return mText;
     }
 }

@@ -1,0 +1,356 @@
+#!/usr/bin/env python3
+"""Finds by trial what the catalogue says of tags and parameters: which depends on which, who reads and writes them,
+what stands where tags are absent, and what became of each sample's algorithms.
+
+make_catalogue.py                     writes the table, service/java/.../tool/catalogue/found.txt, and docs/contract.md
+make_catalogue.py --page              writes the page alone, of the tables as they are
+make_catalogue.py --check             compares the two with what is found, and writes nothing
+make_catalogue.py --check SAMPLE...   looks at these samples alone (names without .json): nothing must be missing
+
+A whole run takes about a minute. Needs a built ./run, or lets it build; ORLU_BUILD names a build folder.
+"""
+
+import concurrent.futures
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/found.txt"
+ALGORITHMS = TABLE.with_name("algorithms.txt")
+TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
+PAGE = ROOT / "docs/contract.md"
+HEAD = """\
+# Found by trial and in the source, and written by scripts/make_catalogue.py: not to be edited. Rows are sorted.
+#   absent PARAMETER VALUE         the value where no tag is there: "0" where all bytes are zero
+#   algorithm NAME SAMPLE FATE     what became of it: asked or added; kept or removed; ran or skipped by the stand-in
+#   depends TAG PARAMETER          another value of the tag changes the parameter; "*" is most of them
+#   puts, reads TAG FUNCTION FILE    who puts it into a composition or the callback's map, who asks for it
+#   returns PARAMETER FUNCTION FILE  who reads it back
+#   writes PARAMETER FUNCTION FILE   who hands it over
+"""
+LONGEST_VALUE = 60
+# Nearly everything depends on it, so that the page leaves it out.
+ALGORITHM_LIST = "orlu.control.algoType"
+# What no sample asks for is in these: each algorithm of the catalogue, on processed and on raw input.
+ALL_OF = ("capture", "raw-night")
+
+
+# -- In the source: which function a literal is in.
+
+FUNCTION = re.compile(r"^(?!namespace|struct|class|enum|using|template|static_assert)\w[\w:<>,&*~ ]*?(\w+)\(")
+KEPT_TAG = re.compile(r'KeptTag<.*> m(\w)(\w*)\{"([\w.]+)"\}')
+TAG_CONSTANT = re.compile(r'constexpr char (k\w+)\[\] = "([\w.]+)"')
+SECTIONS = "Control|Parameter|Sensor|Feedback|System|Zoom"
+PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
+# What is read under a constant; what is handed over in the block of an abort, which no sample makes.
+OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
+ABORT = ("abort_key", "abort_val")
+# What a shot keeps is read by calling it. The exposure control is the one that takes a frame.
+SHOT = r"(?:hot\.|Shot::)"
+EXPOSURE_TAG = "kAecTag"
+EXPOSURE = "exposureOf"
+
+
+def functions(file):
+    """Each line of a source with the function that it is in, "" outside of one."""
+    inside = ""
+    for line in file.read_text().splitlines():
+        match = FUNCTION.match(line)
+        if match and not line.rstrip().endswith(";"):
+            inside = match.group(1)
+        yield inside, line
+        if line.startswith("}"):
+            inside = ""
+
+
+def source_rows(tags):
+    jni = ROOT / "jni"
+    names = {tag: {f'"{re.escape(tag)}"'} for tag in tags}
+    for header in jni.glob("*.h"):
+        for constant, tag in TAG_CONSTANT.findall(header.read_text()):
+            names.get(tag, set()).update({constant} | ({SHOT + EXPOSURE} if constant == EXPOSURE_TAG else set()))
+        for first, rest, tag in KEPT_TAG.findall(header.read_text()):
+            names[tag].add(SHOT + first.lower() + rest)
+    rows = set()
+    for file in sorted(jni.glob("*.cpp")):
+        # A constant of one file counts in that file alone.
+        own = {tag: set(words) for tag, words in names.items()}
+        for constant, tag in TAG_CONSTANT.findall(file.read_text()):
+            own.get(tag, set()).add(constant)
+        patterns = {tag: re.compile("|".join(rf"{word}(?!\w)" for word in sorted(words)))
+                    for tag, words in own.items()}
+        for function, line in functions(file):
+            if not function or line.lstrip().startswith("//"):
+                continue
+            for tag, pattern in patterns.items():
+                if pattern.search(line):
+                    rows.add(f"{'puts' if is_put(file, line) else 'reads'} {tag} {function} jni/{file.name}")
+            # The metadata updater reads some of its own again, and what an earlier pass left.
+            if file.name.startswith("result_updater") or "readBack<" in line:
+                for section, key in PARAMETER.findall(line):
+                    rows.add(f"returns {section.lower()}/{key} {function} jni/{file.name}")
+            for constant, key in OTHER_RETURNS.items():
+                if constant in line:
+                    rows.add(f"returns {key} {function} jni/{file.name}")
+            for key in ABORT:
+                if f'"{key}"' in line:
+                    rows.add(f"writes control/{key} {function} jni/{file.name}")
+    return rows
+
+
+# A result updater reads a tag through a constant, and puts every other. The callback puts values into a map.
+def is_put(file, line):
+    if file.name.startswith("algo_native_callback"):
+        return True
+    return file.name.startswith("result_updater") and not re.search(r"\bkTimestampTag\b", line)
+
+
+# -- By trial.
+
+def algorithms():
+    names = []
+    for line in ALGORITHMS.read_text().splitlines():
+        if line and not line.startswith("#") and line.split()[0] not in names:
+            names.append(line.split()[0])
+    return names
+
+
+def requests(samples):
+    """What is run: name, request, and whether its tags are to be tried."""
+    for sample in samples:
+        request = json.loads((ROOT / "samples" / f"{sample}.json").read_text())
+        yield sample, request, True
+        yield f"{sample}-bare", bare(request), False
+        if sample in ALL_OF:
+            everything = {**request, "algorithms": [name for name in algorithms() if name != "frameClarOnly"]}
+            yield f"{sample}-all", everything, True
+            yield f"{sample}-all-bare", bare(everything), False
+
+
+def bare(request):
+    """The same without any tag; a photo's frames stay, and the image's sizes."""
+    frames = request["frames"]
+    kept = {name: value for name, value in frames.items() if name not in ("common", "each")}
+    return {**request, "frames": kept}
+
+
+def run(folder, name, request, is_tried):
+    """The report, the printed text, and the stand-in's trace."""
+    request = {**request, "photo": str(ROOT / "samples" / request["photo"])}
+    (folder / f"{name}.json").write_text(json.dumps(request))
+    trace = folder / f"{name}.trace"
+    environment = dict(os.environ, ORLU_ALGO_TRACE=str(trace))
+    command = [ROOT / "run", "--wide", "--out", folder / f"{name}.out", "--json", folder / f"{name}.report"]
+    command += ["--explain", "all"] if is_tried else []
+    result = subprocess.run(command + [folder / f"{name}.json"], env=environment, cwd=folder, text=True,
+                            capture_output=True, check=False)
+    if not (folder / f"{name}.report").exists():
+        sys.exit(f"make_catalogue: {name}: {result.stderr}{result.stdout[-500:]}")
+    report = json.loads((folder / f"{name}.report").read_text())[0]
+    if report.get("trials", {}).get("problem"):
+        sys.exit(f"make_catalogue: {name}: {report['trials']['problem']}")
+    lines = trace.read_text().splitlines() if trace.exists() else []
+    return report, result.stdout, [json.loads(line) for line in lines]
+
+
+def short(name):
+    return name.removeprefix("orlu.algo.")
+
+
+def absent_rows(report):
+    last = {f"{short(each['section'])}/{each['key']}": each for each in report["parameters"]}
+    for name, parameter in last.items():
+        yield f"absent {name} {'0' if not parameter['hex'].strip('0') else value_text(parameter['value'])}"
+
+
+def value_text(value):
+    if isinstance(value, list) and len(value) > 1 and len(set(value)) == 1:
+        return f"{value_text(value[0])} in all {len(value)}"
+    text = value if isinstance(value, str) else json.dumps(value)
+    return text if len(text) <= LONGEST_VALUE else text[:LONGEST_VALUE].rsplit(" ", 1)[0] + " ..."
+
+
+def algorithm_rows(sample, report, trace):
+    asked, kept = report["algorithmsBefore"], report.get("algorithmsAfter", [])
+    done = next((line for line in trace if line.get("op") == "done"), {})
+    for name in sorted(set(asked + kept)):
+        fate = ["asked" if name in asked else "added"]
+        if "algorithmsAfter" not in report:
+            fate.append("not submitted")
+        elif name not in kept:
+            fate.append("removed")
+        elif name in done.get("ran", []):
+            fate.append("ran")
+        elif name in done.get("skipped", []):
+            fate.append("skipped")
+        yield f"algorithm {name} {sample} {' '.join(fate)}"
+
+
+def dependence_rows(report):
+    names = {f"{each['section']}/{each['key']}" for each in report["parameters"]}
+    for tag in report["trials"]["tags"]:
+        changed = tag["parameters"] + tag["together"]
+        if len(tag["parameters"]) > len(names) / 2:
+            yield f"depends {tag['tag']} *"
+        else:
+            yield from (f"depends {tag['tag']} {short(name)}" for name in changed)
+
+
+def writer_rows(text):
+    name = ""
+    for line in text.splitlines():
+        heading = re.match(r"explain  (\w+/\w+)", line)
+        name = heading.group(1) if heading else name
+        writer = re.match(r" +by (\w+), (jni/\w+\.cpp):\d+", line)
+        if writer:
+            yield f"writes {name} {writer.group(1)} {writer.group(2)}"
+
+
+def asked_tags(report):
+    return {tag["tag"] for tag in report["trials"]["tags"]}
+
+
+def found(samples, tags):
+    """All rows, and the tags that were asked for."""
+    rows, asked = set(), set()
+    with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        runs = list(requests(samples))
+        results = pool.map(lambda each: run(Path(name), *each), runs)
+        for (request, _, is_tried), (report, text, trace) in zip(runs, results):
+            if is_tried:
+                rows |= set(dependence_rows(report)) | set(writer_rows(text))
+                asked |= asked_tags(report)
+            else:
+                rows |= set(absent_rows(report))
+            if request in samples:
+                rows |= set(algorithm_rows(request, report, trace))
+    return rows | source_rows(tags), asked
+
+
+# -- The page, from what the command says of the table.
+
+def catalogue(part):
+    result = subprocess.run([ROOT / "run", part, "--json"], text=True, capture_output=True, check=True)
+    return json.loads(result.stdout)
+
+
+def table(heading, rows):
+    cells = [heading, ["---"] * len(heading), *rows]
+    return "".join("| " + " | ".join(str(cell).replace("|", "\\|") for cell in row) + " |\n" for row in cells)
+
+
+def code(texts):
+    return ", ".join(f"`{text}`" for text in texts)
+
+
+def functions_of(places):
+    return code(dict.fromkeys(place.split(" ")[0] for place in places))
+
+
+def handed_over():
+    """A table for each section."""
+    text, sections = "", {}
+    for entry in catalogue("parameters"):
+        if "in" in entry["direction"]:
+            sections.setdefault(entry["section"], []).append(entry)
+    for section, entries in sections.items():
+        rows = [[f"`{entry['key']}`", entry["type"], entry["bytes"], " or ".join(entry["withoutTags"]) or "not sent",
+                 code(tag for tag in entry["tags"] if tag != ALGORITHM_LIST), functions_of(entry["writtenBy"])]
+                for entry in entries]
+        text += f"### {section}\n\n"
+        text += table(["key", "type", "bytes", "without tags", "tags that change it", "written by"], rows) + "\n"
+    return text.rstrip("\n") + "\n"
+
+
+def read_back():
+    return table(["section", "key", "type", "bytes", "read by"],
+                 [[entry["section"], f"`{entry['key']}`", entry["type"], entry["bytes"],
+                   functions_of(entry["readBackBy"])]
+                  for entry in catalogue("parameters") if "out" in entry["direction"]])
+
+
+def algorithm_page():
+    return table(["algorithm", "what it is", "added", "removed", "in the list, it does", "read back", "stand-in"],
+                 [[f"`{entry['name']}`", entry["is"], " ".join(entry["added"]), " ".join(entry["removed"]),
+                   " ".join(entry["does"]), " ".join(entry["returns"]), entry["standIn"]]
+                  for entry in catalogue("algorithms")])
+
+
+def tag_page():
+    return table(["tag", "type", "unit", "meaning", "read by", "put back by"],
+                 [[f"`{entry['name']}`", entry["type"], entry["unit"], entry["meaning"],
+                   "nobody" if "nobody" in str(entry["readBy"]) else functions_of(entry["readBy"]),
+                   functions_of(entry["putBackBy"])] for entry in catalogue("tags")])
+
+
+def value_page():
+    return table(["tag", "value", "meaning"],
+                 [[f"`{entry['name']}`", value["value"], value["meaning"]]
+                  for entry in catalogue("tags") for value in entry["values"]])
+
+
+def format_page():
+    fields = ("is", "code", "planes", "row", "stride", "files")
+    return table(["format", *fields], [[f"`{entry['name']}`", *(entry[field] for field in fields)]
+                                       for entry in catalogue("formats")])
+
+
+TABLES = {"parameters": handed_over, "results": read_back, "algorithms": algorithm_page, "tags": tag_page,
+          "values": value_page, "formats": format_page}
+
+
+def page():
+    """The page with its tables made anew; what lies between them is written by hand."""
+    text = PAGE.read_text()
+    for name, make in TABLES.items():
+        start, end = f"<!-- made: {name} -->\n", "<!-- end -->\n"
+        before, rest = text.split(start)
+        text = before + start + make() + end + rest.split(end, 1)[1]
+    return text
+
+
+def write_page():
+    """Of tables that the command has in its build."""
+    if "ORLU_BUILD" in os.environ:
+        subprocess.run(["cmake", "--build", os.environ["ORLU_BUILD"], "--target", "orlu-service"], check=True,
+                       stdout=subprocess.DEVNULL)
+    PAGE.write_text(page())
+
+
+def main():
+    arguments = sys.argv[1:]
+    if arguments == ["--page"]:
+        write_page()
+        return 0
+    is_check = arguments[:1] == ["--check"]
+    chosen = arguments[1:] if is_check else []
+    samples = chosen or sorted(path.stem for path in (ROOT / "samples").glob("*.json"))
+    tags = [line.split()[0] for line in TAGS.read_text().splitlines() if line and not line.startswith("#")]
+    rows, asked = found(samples, tags)
+    problems = []
+    if not chosen:
+        read = {row.split()[1] for row in rows if row.startswith("reads ")}
+        problems += [f"{tag} is asked for, and no function of jni/ names it" for tag in sorted(asked - read)]
+        problems += [f"{tag} is named in jni/, and no sample makes it asked for" for tag in sorted(read - asked)]
+    known = set(TABLE.read_text().splitlines()) if TABLE.exists() else set()
+    known = {line for line in known if not line.startswith("#")}
+    if is_check:
+        gone = set() if chosen else known - rows
+        problems += [f"{TABLE.name} lacks: {row}" for row in sorted(rows - known)]
+        problems += [f"{TABLE.name} has in vain: {row}" for row in sorted(gone)]
+    else:
+        TABLE.write_text(HEAD + "".join(f"{row}\n" for row in sorted(rows)))
+        write_page()
+    if is_check and page() != PAGE.read_text():
+        problems.append(f"{PAGE.relative_to(ROOT)} is not what the command makes: scripts/make_catalogue.py --page")
+    print(*problems, f"{len(rows)} rows of {len(samples)} samples", sep="\n")
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,73 @@
+package com.orlu.orlu3rdalgoservice.tool.catalogue;
+
+import com.orlu.orlu3rdalgoservice.tool.report.ParameterType;
+
+import java.util.List;
+import java.util.Map;
+import java.util.stream.Collectors;
+
+/** The parameters that cross to the algorithm library, or back. */
+final class ParameterCatalogue implements Catalogue {
+    private static final String FILE = "/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt";
+    private static final int COLUMNS = 5;
+    /** As many as there are frames. */
+    private static final String BY_FRAMES = "*";
+    /** Bytes of an element, of what can have several. */
+    private static final Map<String, Integer> ELEMENTS =
+            Map.of("INTS", 4, "FLOATS", 4, "LONGS", 8, "DOUBLES", 8, "BITS", 8);
+
+    @Override
+    public String one() {
+        return "parameter";
+    }
+
+    @Override
+    public String help() {
+        return "Lists the parameters that the library hands to the algorithm library (in) and reads back (out), "
+                + "by section without orlu.algo. and key: type and bytes. Of one it says also which functions "
+                + "write it or read it back, the tags that change it, and what it is where no tag is there.";
+    }
+
+    @Override
+    public List<String> columns() {
+        return List.of("type", "bytes", "direction");
+    }
+
+    @Override
+    public String below(Entry entry) {
+        String name = entry.name();
+        String by = Found.writersOf(name).stream().map(place -> place.replaceFirst(" .*", "")).distinct()
+                .collect(Collectors.joining(", "));
+        List<String> tags = Found.tagsOf(name);
+        return by + (tags.isEmpty() ? "" : " of " + String.join(", ", tags));
+    }
+
+    @Override
+    public List<Entry> entries() {
+        return Table.rows(FILE, COLUMNS).stream().map(ParameterCatalogue::entry).toList();
+    }
+
+    private static Entry entry(String[] row) {
+        String name = row[0] + "/" + row[1];
+        return new Entry(name).with("section", "orlu.algo." + row[0]).with("key", row[1])
+                .with("type", type(row[2], row[3]))
+                .with("bytes", row[3].equals(BY_FRAMES) ? "8 x frames" : Integer.valueOf(row[3]))
+                .with("direction", List.of(row[4].split(","))).with("elements", elements(row[2], row[3]))
+                .with("writtenBy", Found.writersOf(name)).with("readBackBy", Found.returnersOf(name))
+                .with("tags", Found.tagsOf(name)).with("withoutTags", Found.absentValues(name));
+    }
+
+    private static String type(String type, String bytes) {
+        String text = ParameterType.valueOf(type).text();
+        return text.endsWith("[]") && !bytes.equals(BY_FRAMES)
+                ? text.replace("]", elements(type, bytes) + "]") : text;
+    }
+
+    private static Object elements(String type, String bytes) {
+        if (bytes.equals(BY_FRAMES)) {
+            return "frames";
+        }
+        int size = Integer.parseInt(bytes);
+        return size / ELEMENTS.getOrDefault(type, size);
+    }
+}

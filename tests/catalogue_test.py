@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+"""Asks ./run for tags, algorithms, parameters, formats and samples, and compares claims with runs:
+catalogue_test.py BUILD_FOLDER"""
+
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = pathlib.Path(sys.argv[1]).resolve()
+PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
+# What claims are compared with, and looked into for drift: one on processed input, one on raw.
+SAMPLES = ("capture", "hdr5")
+
+# arguments | status | lines, or parts of the error, of which each must be printed
+CASES = """
+tags currentModeEx                | 0 | tag orlu.control.currentModeEx ;   unit         bits ;   changes      algorithms, parameter/hdr_process_type, parameter/hdr_shutters,
+tags currentModeEx                | 0 |   values       bit-2  The frame is one of an HDR bracket; wins over bit 8.
+tags aeExposure                   | 0 | tag android.control.aeExposureCompensation ;   unit         EV/10
+tags android.control.aeMode       | 0 |                3  ON_ALWAYS_FLASH. The flash fires: "flash_mode" becomes 1.
+tags orlu.control.motion_level    | 0 |   when absent  control/motion_level  -1
+tags orlu.feedback.TunningMode    | 0 |   put back by  updateTunningMode (result_updater_raw_algo.cpp)
+tags android.jpeg.quality         | 0 |   read by      nobody: no function of the library asks for it
+tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
+tags currentModEx                 | 2 | run: no tag has currentModEx in its name (did you mean currentModeEx?)
+algorithms hdr                    | 0 | algorithm hdr ;   stand-in     runs it ;   samples      hdr5  added ran
+algorithms jpegEncode             | 0 |   removed      Of raw input. ;                raw-night          asked removed
+algorithms beauti                 | 2 | did you mean beauty?
+parameters film_size              | 0 | parameter control/film_size ;   type         int ;   bytes        4 ;   tags         orlu.control.filmSize, orlu.doubleExpo.capture
+parameters control/film_size      | 0 |   written by   updateDoubleExpo (metadata_updater_double_exposure.cpp)
+parameters orlu_zoom_ratio        | 0 |   without tags 0
+parameters zoom/                  | 0 | zoom/sat_crop_regions      crop   16  in
+parameters nonsense               | 2 | run: no parameter has nonsense in its name
+formats RAW16                     | 0 |   code         18 ALGO_IMG_RAW16 ;   row          W * 2
+formats nv                        | 0 | NV12  2 ALGO_IMG_NV12 ; NV21  1 ALGO_IMG_NV21
+samples night                     | 0 |   inputs       7 NV21, shared, stride 640 ;   algorithms   night, jpegEncode
+samples nigth                     | 2 | did you mean night?
+samples night day                 | 2 | one argument too many: day
+"""
+
+problems = []
+
+
+def run(*arguments):
+    return subprocess.run([ROOT / "run", *arguments], env=dict(os.environ, ORLU_BUILD=str(BUILD)), text=True,
+                          capture_output=True, check=False)
+
+
+def check_cases():
+    for row in CASES.strip("\n").splitlines():
+        arguments, status, texts = row.split("|", 2)
+        result = run(*arguments.split())
+        if result.returncode != int(status):
+            problems.append(f"{arguments.strip()}: status {result.returncode}, {result.stderr}")
+        for text in texts[1:].split(" ; "):
+            is_there = text in result.stdout.splitlines() if status.strip() == "0" else text in result.stderr
+            if not is_there:
+                problems.append(f"{arguments.strip()}: not printed: {text}")
+
+
+def check_lists():
+    """Every entry is listed and in the JSON; no line is longer than a terminal. Returns the JSON of each part."""
+    parts = {}
+    for part in PARTS:
+        listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)
+        problems.extend(f"{part}: {len(line)} columns: {line}" for line in listed if len(line) > 80)
+        names = [entry["name"] for entry in parts[part]]
+        shown = [line.split()[0] for line in listed[:-2] if not line.startswith(" ")]
+        if names != shown or not names:
+            problems.append(f"{part}: lists {len(shown)} entries, and {len(names)} in JSON")
+    return parts
+
+
+def check_claims(parts):
+    """Types and bytes are those of runs."""
+    parameters = {(entry["section"], entry["key"]): entry for entry in parts["parameters"]}
+    java_types = {entry["name"]: entry["javaType"] for entry in parts["tags"]}
+    with tempfile.TemporaryDirectory() as folder:
+        files = [ROOT / f"samples/{sample}.json" for sample in SAMPLES]
+        run("--out", folder, "--json", f"{folder}/json", "--events", f"{folder}/events", *files)
+        reports = json.loads(pathlib.Path(folder, "json").read_text())
+        events = [json.loads(line) for line in pathlib.Path(folder, "events").read_text().splitlines()]
+    compared = 0
+    for report in reports:
+        for parameter in report["parameters"]:
+            entry = parameters[parameter["section"], parameter["key"]]
+            size = len(parameter["hex"]) // 2
+            compared += 1
+            if entry["bytes"] not in ("8 x frames", size) or "in" not in entry["direction"]:
+                problems.append(f"{entry['name']}: {size} bytes were handed over, not {entry['bytes']}")
+    for event in events:
+        held = event.get("held")
+        if event["event"] == "lookup" and held and event["source"] == "captureResult":
+            compared += 1
+            if java_types[event["tag"]] != held:
+                problems.append(f"{event['tag']}: a {held} was found, not a {java_types[event['tag']]}")
+    if compared < 300:
+        problems.append(f"only {compared} claims were compared")
+
+
+def main():
+    check_cases()
+    check_claims(check_lists())
+    drift = subprocess.run([ROOT / "scripts/make_catalogue.py", "--check", *SAMPLES], text=True, check=False,
+                           env=dict(os.environ, ORLU_BUILD=str(BUILD)), capture_output=True)
+    if drift.returncode:
+        problems.append(f"scripts/make_catalogue.py writes another table:\n{drift.stdout}{drift.stderr}")
+    print("\n".join(problems) or f"{len(CASES.strip().splitlines())} cases, no drift: {drift.stdout.strip()}")
+    return bool(problems)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
