@@ -1,0 +1,95 @@
+// What the mutants are made with. A mutant is the minimal library with one fault planted in its table.
+#pragma once
+
+#include <sys/mman.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "algo_interface.h"
+
+namespace orlu::mutants {
+
+using Table = AlgoInterfaceCallbacks;
+using Bytes = std::vector<uint8_t>;
+using Send = std::function<void(const Bytes&)>;  // calls the caller's function back
+
+struct Mutant {
+  const char* name;
+  void (*plant)(Table& table);
+};
+
+std::vector<Mutant> tableMutants();
+std::vector<Mutant> blockMutants();
+std::vector<Mutant> requestMutants();
+
+// How often the entry was called in this process.
+extern std::atomic<int> gEntries;
+
+// A callback's bytes: its header, this name, and so many zeros.
+Bytes message(uint64_t nativeReq, const std::string& name, size_t payload = 0);
+
+// The id in a callback's bytes.
+uint64_t requestOf(const Bytes& bytes);
+
+// Calls the caller's function behind a cookie.
+void sendTo(uint64_t cookie, const Bytes& bytes);
+
+// Puts `change` between the minimal library's callbacks and the caller's function. It gets the record's list
+// too.
+template <typename Change>
+void onCallback(Table& table, Change change) {
+  table.process = [change, process = table.process](const AlgoProcessRecord& record) {
+    AlgoProcessRecord changed = record;
+    // Called once, and then done with.
+    auto* const own = new std::shared_ptr<AlgoResultCallback>(std::make_shared<AlgoResultCallback>());
+    **own = [change, own, cookie = record.callbackCookie, block = record.metadata[0].block,
+             list = record.algoList](const auto& data, const auto&, const auto&) {
+      const std::unique_ptr<std::shared_ptr<AlgoResultCallback>> owner(own);
+      const std::shared_ptr<AlgoResultCallback> kept = *owner;
+      change(
+          Bytes(data.begin(), data.end()), [cookie](const Bytes& bytes) { sendTo(cookie, bytes); }, block,
+          list);
+    };
+    changed.callbackCookie = reinterpret_cast<uintptr_t>(own->get());
+    return process(changed);
+  };
+}
+
+// Calls `before` with each record, before the minimal library gets it.
+template <typename Before>
+void onProcess(Table& table, Before before) {
+  table.process = [before, process = table.process](const AlgoProcessRecord& record) {
+    before(record);
+    return process(record);
+  };
+}
+
+// Does the work on a thread of its own, so many milliseconds from now.
+void later(int milliseconds, std::function<void()> work);
+
+// Every callback comes 25 ms late.
+void delayCallbacks(Table& table);
+
+// Leaves a result in a block, as an algorithm does.
+void leaveResult(const Table& table, void* block, const char* section, const char* key, Bytes bytes);
+
+// Whether the list begins with this algorithm.
+bool asksFor(const std::vector<std::string>& list, const char* name);
+
+// The first output's memory and more, of the caller's file; changed by `change`.
+template <typename Change>
+void touch(int fd, size_t size, Change change) {
+  auto* const memory = static_cast<uint8_t*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
+  if (memory == MAP_FAILED) return;
+  change(memory);
+  munmap(memory, size);
+}
+
+}  // namespace orlu::mutants
