@@ -2,7 +2,9 @@
 # What the tests of the command ./run share. Sourced by them with the build folder as their first argument; they set
 # root. The work is done in a folder that goes with the test.
 export ORLU_BUILD=$1
-unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PLANTED ORLU_ALGO_LIBRARY
+unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
+# shellcheck disable=SC2034  # for those who source this
+planted=$ORLU_BUILD/planted/planted_algo.so stand_in=$ORLU_BUILD/lib/liborlu.vac.interface.so
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -19,6 +21,15 @@ command_ends() {
   shift
   "$root/run" "$@" >out 2>err || status=$?
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
+}
+
+# ends STATUS PATTERN ARGUMENT...: ./run ends so, and prints a line that this regular expression finds.
+ends() {
+  local wanted=$1 pattern=$2 status=0
+  shift 2
+  "$root/run" "$@" >out 2>err || status=$?
+  [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat out err)"
+  grep -qE -- "$pattern" out err || fail "./run $*: no line is \"$pattern\": $(cat out err)"
 }
 
 # prints TEXT...: what the last command printed holds each.

@@ -3,17 +3,6 @@
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
-planted=$ORLU_BUILD/planted/planted_algo.so
-stand_in=$ORLU_BUILD/lib/liborlu.vac.interface.so
-
-# ends STATUS PATTERN ARGUMENT...: ./run ends so, and prints a line that this regular expression finds.
-ends() {
-  local wanted=$1 pattern=$2 status=0
-  shift 2
-  "$root/run" "$@" >out 2>err || status=$?
-  [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat out err)"
-  grep -qE -- "$pattern" out err || fail "./run $*: no line is \"$pattern\": $(cat out err)"
-}
 
 echo "== Every sample is recorded, and does the same again"
 samples=("$root"/samples/*.json)

@@ -1,8 +1,8 @@
 #include "call_fields.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "callback_name.h"
 #include "java_thread_state.h"
 
 namespace orlu::probe {
@@ -100,15 +100,8 @@ void add(EventLine& line, const CallbackArguments& message) {
   const JavaThreadState thread = javaThreadState();
   line.answer("attached", thread != JavaThreadState::kNoVm, thread == JavaThreadState::kAttached);
   line.number("size", static_cast<int64_t>(message.data.size())).bytes("bytes", bytes, size);
-  if (size >= kCallbackNameOffset) {
-    CallbackHeader header;
-    std::memcpy(&header, bytes, kCallbackNameOffset);
-    const auto length = static_cast<size_t>(header.nameLength);
-    if (header.nameLength >= 0 && length <= size - kCallbackNameOffset) {
-      line.hex("nativeReq", header.nativeReq);
-      line.text("name", {reinterpret_cast<const char*>(bytes) + kCallbackNameOffset, length});
-    }
-  }
+  const CallbackName callback = callbackName(message.data);
+  if (callback.isWhole) line.hex("nativeReq", callback.nativeReq).text("name", callback.name);
   line.number("extra", static_cast<int64_t>(message.extra.size())).beginList("handles");
   for (const hidl_handle& handle : message.handles) addHandle(line, nullptr, handle.getNativeHandle());
   line.endList();

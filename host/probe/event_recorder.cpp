@@ -28,6 +28,7 @@ private:
 }  // namespace
 
 void EventRecorder::open() {
+  mPixels.open();
   if (!mFile.open()) return;
   {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -68,6 +69,7 @@ void EventRecorder::before(const WatchedCall& call) noexcept {
   if (!mFile.isOn()) return;
   const ErrnoKeeper keeper;
   try {
+    mPixels.before(call);
     EventLine line("begin");
     line.call(call.number, call.operation);
     addInputs(line, call);
@@ -86,6 +88,7 @@ void EventRecorder::after(const WatchedCall& call, const WatchedEnd& end) noexce
     line.call(call.number, call.operation);
     addOutputs(line, call, end);
     mFile.write(line.finish());
+    mPixels.after(call, end);
   } catch (...) {
     // As above.
   }

@@ -7,6 +7,7 @@
 #include "call_site.h"
 #include "event_file.h"
 #include "event_line.h"
+#include "pixel_recorder.h"
 #include "real_library.h"
 #include "table_watch.h"
 
@@ -30,6 +31,7 @@ private:
   void introduce(const Module& module);
 
   EventFile mFile;
+  PixelRecorder mPixels{mFile};
   ModuleTable mModules;
   std::mutex mMutex;  // guards the next
   std::set<const Module*> mIntroduced;

@@ -4,6 +4,7 @@
 //   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
 //   silent  late  name  id  unattached     what becomes of the callback
 //   idle  untouched  empty                 what is made of the request
+//   scribbles                              an output is written once more after the callback
 // PLANTED_WITHOUT_ENTRY builds a library that is none.
 #include <dlfcn.h>
 #include <sys/resource.h>
@@ -35,6 +36,9 @@ constexpr int kInvalid = -22;
 constexpr std::chrono::seconds kLate{11};
 
 std::thread gLate;
+// Of the last request: its parameter block, and a descriptor of its first output.
+void* gBlock = nullptr;
+int gOutput = -1;
 
 struct Fault {
   std::string kind;
@@ -123,6 +127,20 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
   record.callbackCookie = reinterpret_cast<uintptr_t>(own);
   if (fault.kind == "idle") record.algoList.clear();
   if (fault.kind == "untouched") record.outputFrames.clear();
+  if (fault.kind == "scribbles" && !record.outputFrames.empty()) {
+    gBlock = block;
+    gOutput = dup(record.outputFrames[0].fd[0]);
+  }
+}
+
+// The block of a request goes after its callback, on the thread that waits for it.
+void scribbleAfter(const std::function<void(void*)>& real, void* block) {
+  real(block);
+  if (gOutput < 0 || block != gBlock) return;
+  constexpr off_t kPlace = 1000;
+  if (pwrite(gOutput, "scribbled", 9, kPlace) != 9) std::abort();
+  close(gOutput);
+  gOutput = -1;
 }
 
 // Waits for its callbacks, as a good library does.
@@ -143,6 +161,9 @@ extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(
     orlu::AlgoProcessRecord spoilt = record;
     spoilRequest(fault, spoilt, real.metadataOps);
     return real.process(spoilt);
+  };
+  table->metadataOps.destroyMetadata = [real = table->metadataOps.destroyMetadata](void* destroyed) {
+    scribbleAfter(real, destroyed);
   };
   table->destroyClient = [real = table->destroyClient](void* client) { return endClient(real, client); };
   spoilCallable(*table, fault);

@@ -1,12 +1,15 @@
 package com.orlu.orlu3rdalgoservice.record;
 
 import java.io.File;
+import java.io.FileInputStream;
 import java.io.FileOutputStream;
 import java.io.IOException;
 import java.nio.ByteBuffer;
 import java.nio.channels.FileChannel;
 import java.nio.charset.StandardCharsets;
+import java.util.HashSet;
 import java.util.Locale;
+import java.util.Set;
 import java.util.zip.CRC32;
 
 /**
@@ -19,6 +22,7 @@ final class RecordFile implements AutoCloseable {
 
     private final File mFolder;
     private final FileOutputStream mLines;
+    private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
     /** Makes the folder, which may hold this many bytes in all. */
@@ -60,7 +64,37 @@ final class RecordFile implements AutoCloseable {
                 file.write(rest);
             }
         }
+        mChecks.add(hex(check) + " " + bytes.remaining());
         part.add("file", name).add("crc", hex(check));
+    }
+
+    /**
+     * Moves a file of this check into the folder, under its name; one whose bytes are in the folder already is
+     * only removed. Returns false for one that is too large, which is removed as well.
+     */
+    boolean takeFile(File file, String check) throws IOException {
+        long size = file.length();
+        boolean isHere = mChecks.contains(check + " " + size);
+        boolean fits = size <= mBytesLeft;
+        if (!isHere && fits) {
+            mBytesLeft -= size;
+            move(file, new File(mFolder, file.getName()));
+        }
+        if (file.exists() && !file.delete()) {
+            RequestRecorder.warn("can't remove " + file);
+        }
+        return isHere || fits;
+    }
+
+    // Another file system takes a copy.
+    private static void move(File file, File to) throws IOException {
+        if (file.renameTo(to)) {
+            return;
+        }
+        try (FileInputStream from = new FileInputStream(file);
+                FileOutputStream stream = new FileOutputStream(to)) {
+            from.getChannel().transferTo(0, file.length(), stream.getChannel());
+        }
     }
 
     private void take(int bytes) throws IOException {

@@ -12,7 +12,6 @@ import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 
 import java.io.File;
 import java.io.IOException;
-import java.io.RandomAccessFile;
 import java.nio.ByteBuffer;
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -27,8 +26,6 @@ import java.util.function.IntSupplier;
  */
 public final class Recording {
     private static final int VERSION = 1;
-    /** The probe's environment variable: what passes during the request is copied from its file. */
-    private static final String EVENTS_VARIABLE = "ORLU_EVENTS";
 
     /** A step of recording, which may fail. */
     interface Step {
@@ -44,8 +41,8 @@ public final class Recording {
     private boolean mIsFullAsync;
     private boolean mIsOver;
     private List<Map<String, Object>> mBefore = new ArrayList<>();
-    private File mEvents;
-    private long mEventsStart;
+    /** Null without a probe. */
+    private EventCopy mEvents;
 
     Recording(RequestRecorder owner, long inst, Object request) {
         mOwner = owner;
@@ -108,13 +105,7 @@ public final class Recording {
         file.write(new JsonText("client").addValues("values",
                 client == null ? new LinkedHashMap<>() : client.snapshot()));
         file.write(new JsonText("properties").addValues("values", properties));
-        String path = System.getenv(EVENTS_VARIABLE);
-        if (path != null && !path.isEmpty()) {
-            mEvents = new File(path);
-            mEventsStart = mEvents.length();
-            // For whoever reads a recording whose process ended.
-            file.write(new JsonText("eventsAt").add("file", path).add("from", mEventsStart));
-        }
+        mEvents = EventCopy.begin(file);
     }
 
     void before(Object inputs, Object outputs, Object compositions) throws IOException, ErrnoException {
@@ -281,24 +272,12 @@ public final class Recording {
     public void close() {
         mOwner.forget(this);
         guard(() -> {
-            copyEvents();
+            if (mEvents != null) {
+                mEvents.end(mFile, idOf(mRequest));
+            }
             mFile.write(new JsonText("end"));
             mFile.close();
             mIsOver = true;
         });
-    }
-
-    private void copyEvents() throws IOException {
-        if (mEvents == null || !mEvents.isFile()) {
-            return;
-        }
-        try (RandomAccessFile from = new RandomAccessFile(mEvents, "r")) {
-            byte[] bytes = new byte[Math.toIntExact(Math.max(0, from.length() - mEventsStart))];
-            from.seek(mEventsStart);
-            from.readFully(bytes);
-            JsonText line = new JsonText("events");
-            mFile.writeBytes("events", ByteBuffer.wrap(bytes), line);
-            mFile.write(line);
-        }
     }
 }

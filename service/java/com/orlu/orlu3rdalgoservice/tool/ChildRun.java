@@ -86,6 +86,7 @@ final class ChildRun {
         // These are of this process; the other makes its own.
         environment.remove("ORLU_EVENTS");
         environment.remove("ORLU_ALGO_TRACE");
+        environment.remove("ORLU_PIXELS");
         environment.put("LD_LIBRARY_PATH", System.getProperty("orlu.libraryPath", ""));
         if (mArm) {
             environment.remove("ORLU_BUILD");

@@ -59,7 +59,7 @@ final class PostMortem {
         }
         try (Stream<Path> folders = Files.list(folder)) {
             for (Path recording : folders.filter(RecordedRequest::isRecording).toList()) {
-                RecordedRequest.addEvents(recording, events);
+                RecordedRequest.addEvents(recording, events, WorkFolder.pixels());
             }
         }
     }

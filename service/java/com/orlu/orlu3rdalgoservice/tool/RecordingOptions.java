@@ -119,7 +119,7 @@ final class RecordingOptions {
     }
 
     private static CommandSpec recording(CommandSpec spec, String label) {
-        spec.addOption(Arguments.neededPath("--record", label, "where to"));
+        spec.addOption(Arguments.neededPath("--record", label, "where to", Launch.PIXELS));
         return spec;
     }
 

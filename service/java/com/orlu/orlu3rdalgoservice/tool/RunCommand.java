@@ -84,7 +84,7 @@ final class RunCommand implements Command {
         command.addOption(Arguments.path("--timeline", "FILE",
                 "write a timeline of the run that trace viewers open (docs/timeline.md)"));
         command.addOption(Arguments.path("--record", "DIR",
-                "record each request in a folder (docs/recording.md)"));
+                "record each request in a folder (docs/recording.md)", Launch.PIXELS));
         command.addOption(OptionSpec.builder("--version").versionHelp(true).userObject(Launch.VERSION)
                 .order(Integer.MAX_VALUE).description("print the version").build());
         command.addPositional(Arguments.positional("request.json", 0, Path.class));

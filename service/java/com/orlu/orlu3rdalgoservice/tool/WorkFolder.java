@@ -23,6 +23,11 @@ final class WorkFolder {
         return ofEnvironment(TraceReader.VARIABLE);
     }
 
+    /** The folder of the probe's pixels, likewise. */
+    static Path pixels() {
+        return ofEnvironment("ORLU_PIXELS");
+    }
+
     private static Path ofEnvironment(String variable) {
         String file = System.getenv(variable);
         return file == null || file.isEmpty() ? null : Path.of(file);

@@ -64,13 +64,28 @@ public final class Arguments {
 
     /** An option whose value is a path. */
     public static OptionSpec path(String name, String label, String description) {
-        return OptionSpec.builder(name).paramLabel(label).type(Path.class).description(description).build();
+        return path(name, label, description, Launch.JAVA);
     }
 
-    /** The same, to be given. */
+    /** The same, on which the launcher acts. */
+    public static OptionSpec path(String name, String label, String description, Launch launch) {
+        return pathBuilder(name, label, description, launch).build();
+    }
+
+    /** An option whose value is a path, to be given. */
     public static OptionSpec neededPath(String name, String label, String description) {
+        return neededPath(name, label, description, Launch.JAVA);
+    }
+
+    /** The same, on which the launcher acts. */
+    public static OptionSpec neededPath(String name, String label, String description, Launch launch) {
+        return pathBuilder(name, label, description, launch).required(true).build();
+    }
+
+    private static OptionSpec.Builder pathBuilder(
+            String name, String label, String description, Launch launch) {
         return OptionSpec.builder(name).paramLabel(label).type(Path.class).description(description)
-                .required(true).build();
+                .userObject(launch);
     }
 
     /** An option that can be given again; its value is the list of all. */

@@ -11,6 +11,8 @@ public enum Launch {
     JAVA,
     /** Build and start the ARM machine instead of this one. */
     ARM,
+    /** Have the probe keep the pixels of both directions. */
+    PIXELS,
     /** Let the library's log through. */
     LOG,
     /** Run the trials first, in a process of their own. */

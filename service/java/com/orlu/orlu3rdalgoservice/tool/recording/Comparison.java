@@ -61,6 +61,7 @@ public final class Comparison {
         if (bothComplete) {
             compareOutcomes();
             comparePuts();
+            compareHanded();
             compareOutputs();
         }
         return mDifferences;
@@ -78,6 +79,10 @@ public final class Comparison {
             }
         }
         notes.addAll(inputs());
+        for (RunRecord run : List.of(mOne, mOther)) {
+            run.handed().stream().filter(image -> image.match() == HandedImage.Match.DIFFERENT).forEach(
+                    image -> notes.add(run.name() + ": " + image.name() + ": " + image.text()));
+        }
         mOne.times().forEach((call, time) -> {
             Double counterpart = mOther.times().get(call);
             if (counterpart != null) {
@@ -282,6 +287,22 @@ public final class Comparison {
 
     private static String text(JsonElement put) {
         return put == null ? "not put" : put.toString();
+    }
+
+    // What the library was given and left, beside what Java had; only of runs whose probes kept pixels.
+    private void compareHanded() {
+        for (HandedImage one : known(mOne)) {
+            for (HandedImage other : known(mOther)) {
+                if (one.name().equals(other.name()) && !one.text().equals(other.text())
+                        && !mIgnored.contains(one.kind() + " " + one.index())) {
+                    differ(one.name(), one.text(), other.text());
+                }
+            }
+        }
+    }
+
+    private static List<HandedImage> known(RunRecord run) {
+        return run.handed().stream().filter(image -> image.match() != HandedImage.Match.UNKNOWN).toList();
     }
 
     private void compareOutputs() throws RequestFileException, IOException {

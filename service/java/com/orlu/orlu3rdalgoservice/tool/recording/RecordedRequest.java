@@ -8,6 +8,7 @@ import com.google.gson.JsonObject;
 import com.google.gson.JsonParseException;
 import com.google.gson.JsonParser;
 
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
@@ -125,9 +126,10 @@ public final class RecordedRequest {
     }
 
     /**
-     * Puts the events of a recording whose process ended beside it, cut out of the file that they went into.
+     * Puts the events of a recording whose process ended beside it, cut out of the file that they went into,
+     * and the pixels that they name, of this folder; null for none.
      */
-    public static void addEvents(Path folder, Path events) throws IOException {
+    public static void addEvents(Path folder, Path events, Path pixels) throws IOException {
         try {
             RecordedRequest recorded = read(folder);
             JsonObject at = recorded.part("eventsAt");
@@ -135,9 +137,19 @@ public final class RecordedRequest {
                 byte[] all = Files.readAllBytes(events);
                 int from = (int) Math.min(all.length, at.get("from").getAsLong());
                 Files.write(folder.resolve(EVENTS), Arrays.copyOfRange(all, from, all.length));
+                recorded.addPixels(pixels);
             }
         } catch (RequestFileException e) {
             System.err.println("run: " + e.getMessage());
+        }
+    }
+
+    private void addPixels(Path from) throws RequestFileException, IOException {
+        for (Event event : events().events("pixels")) {
+            String name = event.text("file");
+            if (from != null && !name.isEmpty() && Files.isRegularFile(from.resolve(name))) {
+                Files.copy(from.resolve(name), mFolder.resolve(name));
+            }
         }
     }
 

@@ -84,6 +84,9 @@ public final class RecordingSummary {
         int puts = run.puts().stream().mapToInt(Map::size).sum();
         line("put", puts + " values into " + run.puts().size() + " frames");
         printImages("result");
+        for (HandedImage image : run.handed()) {
+            line(image.call(), image.kind() + " " + image.index() + ", " + image.text());
+        }
         // The callback of a full-async request returns after its results were fetched.
         if (!mRecorded.isComplete()) {
             events.open().forEach(call -> line("open", call.operation() + " has not returned"));

@@ -33,6 +33,7 @@ public final class RunRecord {
     private final List<RecordedImage> mResults;
     private final List<JsonObject> mFrames = new ArrayList<>();
     private final Map<String, JsonElement> mSettings = new LinkedHashMap<>();
+    private final List<HandedImage> mHanded = new ArrayList<>();
     private Path mFolder;
 
     private RunRecord(String name, RecordedEvents events, boolean isComplete, List<RecordedImage> results) {
@@ -74,6 +75,7 @@ public final class RunRecord {
             }
         }
         run.mFolder = recorded.folder();
+        run.mHanded.addAll(HandedImage.of(recorded));
         run.mFrames.addAll(recorded.parts("frame"));
         run.addSettings("client ", recorded.part("client"));
         run.addSettings("property ", recorded.part("properties"));
@@ -174,6 +176,11 @@ public final class RunRecord {
     /** What went in beside the frames and images, by what it is: "property ...", "client ...". */
     Map<String, JsonElement> settings() {
         return mSettings;
+    }
+
+    /** The images as the algorithm library saw them; none where the probe kept none. */
+    List<HandedImage> handed() {
+        return mHanded;
     }
 
     List<RecordedImage> results() {

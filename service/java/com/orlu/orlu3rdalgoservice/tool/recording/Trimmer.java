@@ -4,6 +4,7 @@ import com.google.gson.Gson;
 import com.google.gson.GsonBuilder;
 import com.google.gson.JsonObject;
 
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.ByteArrayOutputStream;
@@ -103,6 +104,19 @@ public final class Trimmer {
                 : part.get("file").getAsString();
         copy.addProperty("file", file);
         Files.write(folder.resolve(file), bytes);
+        if (name.equals("events") && mKeepsPixels) {
+            copyHanded(folder);
+        }
+    }
+
+    // What the library saw of the images, where that is in files of its own.
+    private void copyHanded(Path folder) throws RequestFileException, IOException {
+        for (Event event : mRecorded.events().events("pixels")) {
+            String file = event.text("file");
+            if (!file.isEmpty() && Files.isRegularFile(mRecorded.folder().resolve(file))) {
+                Files.write(folder.resolve(file), mRecorded.checkedBytes(file, event.text("crc")));
+            }
+        }
     }
 
     private void write(JsonObject part) {

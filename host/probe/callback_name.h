@@ -1,0 +1,30 @@
+// What the bytes of a callback say of it.
+#pragma once
+
+#include <cstring>
+#include <string_view>
+
+#include "algo_interface.h"
+
+namespace orlu::probe {
+
+struct CallbackName {
+  bool isWhole = false;  // whether there is a name; else the rest is empty
+  uint64_t nativeReq = 0;
+  std::string_view name;  // in the bytes
+};
+
+inline CallbackName callbackName(const android::hardware::hidl_vec<uint8_t>& bytes) {
+  CallbackName found;
+  const size_t size = bytes.data() == nullptr ? 0 : bytes.size();
+  if (size < kCallbackNameOffset) return found;
+  CallbackHeader header;
+  std::memcpy(&header, bytes.data(), kCallbackNameOffset);
+  const auto length = static_cast<size_t>(header.nameLength);
+  if (header.nameLength < 0 || length > size - kCallbackNameOffset) return found;
+  return {
+      true, header.nativeReq, {reinterpret_cast<const char*>(bytes.data()) + kCallbackNameOffset, length}
+  };
+}
+
+}  // namespace orlu::probe

@@ -1,0 +1,70 @@
+// Keeps the pixels of requests, as the algorithm library sees them: the inputs when it gets them, the outputs
+// when it calls back.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "event_file.h"
+#include "table_watch.h"
+
+namespace orlu::probe {
+
+class PixelRecorder {
+public:
+  // Names of the files that it writes go into the events.
+  explicit PixelRecorder(const EventFile& events) : mEvents(events) {}
+
+  // Looks at ORLU_PIXELS, the folder, which is made when it is not there, and at ORLU_PIXELS_BYTES: what the
+  // files that were written by this process and are still there have at most. Without a folder nothing is
+  // kept.
+  void open();
+
+  void before(const WatchedCall& call);
+  void after(const WatchedCall& call, const WatchedEnd& end);
+
+private:
+  // An output of a request that has not called back: the caller may close its own descriptor meanwhile.
+  struct Output {
+    int fd;  // ours
+    int32_t size;
+  };
+  struct Request {
+    uint64_t process;  // the number of its call
+    uint64_t cookie;
+    uint64_t nativeReq;
+    uint64_t reqId;
+    const void* client;
+    std::vector<Output> outputs;
+  };
+  struct File {
+    std::string path;
+    uint64_t size;
+  };
+  // Whose image it is: one of `call`, which is the process or the callback of a request.
+  struct Place {
+    const WatchedCall& call;
+    uint64_t reqId;
+    const char* kind;
+    size_t index;
+  };
+
+  void submit(const WatchedCall& call);
+  void callBack(const WatchedCall& call);
+  void keep(const Place& place, int fd, int32_t size);
+  uint64_t bytesLeft();
+  template <typename Which>
+  void forget(Which which);
+
+  const EventFile& mEvents;
+  std::mutex mMutex;  // guards the rest
+  std::string mFolder;
+  uint64_t mMostBytes = 0;
+  std::deque<Request> mRequests;
+  std::vector<File> mFiles;
+};
+
+}  // namespace orlu::probe

@@ -1,0 +1,74 @@
+package com.orlu.orlu3rdalgoservice.record;
+
+import java.io.File;
+import java.io.IOException;
+import java.io.RandomAccessFile;
+import java.nio.ByteBuffer;
+import java.nio.charset.StandardCharsets;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/**
+ * The probe's events of one request, cut out of the file that they go into, and the pixels that the probe
+ * kept of it, which are moved from the probe's folder into the recording's where they are not those of Java.
+ */
+final class EventCopy {
+    /** The probe's environment variables: its file of events, and its folder of pixels. */
+    private static final String EVENTS_VARIABLE = "ORLU_EVENTS";
+    private static final String PIXELS_VARIABLE = "ORLU_PIXELS";
+
+    private final File mEvents;
+    private final long mStart;
+
+    private EventCopy(File events) {
+        mEvents = events;
+        mStart = events.length();
+    }
+
+    /** The events from here on, noted for whoever reads a recording whose process ended; null without a probe. */
+    static EventCopy begin(RecordFile to) throws IOException {
+        String path = System.getenv(EVENTS_VARIABLE);
+        if (path == null || path.isEmpty()) {
+            return null;
+        }
+        EventCopy copy = new EventCopy(new File(path));
+        to.write(new JsonText("eventsAt").add("file", path).add("from", copy.mStart));
+        return copy;
+    }
+
+    /** Puts the events until now, and the pixels of the request of this id, into the recording. */
+    void end(RecordFile to, String requestId) throws IOException {
+        if (!mEvents.isFile()) {
+            return;
+        }
+        byte[] bytes;
+        try (RandomAccessFile from = new RandomAccessFile(mEvents, "r")) {
+            bytes = new byte[Math.toIntExact(Math.max(0, from.length() - mStart))];
+            from.seek(mStart);
+            from.readFully(bytes);
+        }
+        JsonText line = new JsonText("events");
+        to.writeBytes("events", ByteBuffer.wrap(bytes), line);
+        to.write(line);
+        String folder = System.getenv(PIXELS_VARIABLE);
+        if (folder != null && !folder.isEmpty()) {
+            movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to);
+        }
+    }
+
+    // Requests that run at the same time write into the same events. The folder itself can't be listed in a
+    // 32-bit process on every file system.
+    private static void movePixels(File folder, String events, String requestId, RecordFile to)
+            throws IOException {
+        Pattern line = Pattern.compile("\"event\":\"pixels\"[^\n]*\"reqId\":" + Pattern.quote(requestId)
+                + ",[^\n]*\"file\":\"([^\"/\\\\]+)\",\"crc\":\"([0-9a-f]+)\"");
+        Matcher found = line.matcher(events);
+        while (found.find()) {
+            File file = new File(folder, found.group(1));
+            if (file.isFile() && !to.takeFile(file, found.group(2))) {
+                to.write(new JsonText("pixels").add("file", file.getName())
+                        .add("kept", "no: the recording would have more bytes than it may"));
+            }
+        }
+    }
+}
