@@ -4,47 +4,18 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
 
-# refused_request LINE REQUEST: a request file of this text is refused.
-refused_request() {
-  printf '%s' "$2" >bad.json
-  refused "bad.json: $1" bad.json
-}
-
 # request FIELDS: the text of a request without images, with these fields more.
 request() {
   echo "{\"request\": {\"id\": 1}, \"frames\": [{}], \"inputs\": [], \"outputs\": []$1}"
 }
-
-echo "== Request files that can't be taken"
-refused_request 'fullAsync: needs true or false, found "yes"' "$(request ', "fullAsync": "yes"')"
-refused_request 'needs the field outputs' '{"request": {"id": 1}, "frames": [], "inputs": []}'
-refused_request 'frames[0].captureResult."no.such.tag": no such tag' \
-  '{"request": {"id": 1}, "frames": [{"captureResult": {"no.such.tag": 1}}], "inputs": [], "outputs": []}'
-refused_request 'frames[0].captureResult."android.control.aeMode": needs a number, found "on"' \
-  '{"request": {"id": 1}, "frames": [{"captureResult": {"android.control.aeMode": "on"}}], "inputs": [], "outputs": []}'
-refused_request 'outputs[0].format: needs one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found "NV12x"' \
-  '{"request": {"id": 1}, "frames": [], "inputs": [], "outputs": [{"format": "NV12x"}]}'
-# shellcheck disable=SC1003 # the sequence is JSON's
-refused_request 'photo: no such photo: a?b' "$(request ', "photo": "a\u0000b"')"
-refused_request 'properties.level: needs a name, and a value of at most 91 bytes' \
-  "$(request ", \"properties\": {\"level\": \"$(printf '%092d' 0)\"}")"
-refused_request 'fullAsync: needs a frame, whose composition says it' \
-  '{"request": {"id": 1}, "fullAsync": true, "frames": [], "inputs": [], "outputs": []}'
-refused_request 'not JSON: it ends too early' '{"request": {"id": 1}'
-refused_request 'not JSON, line 1 column 11' '{"about": no}'
-refused_request 'the field "id" is given twice' '{"request": {"id": 1, "id": 2}}'
-refused 'none.json: no such file' none.json
-refused "$folder: can't be read" "$folder"
 
 echo "== Options"
 echo '{}' >photo.jpg
 refused '--photo: no photo that can be read: photo.jpg' --photo photo.jpg
 request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
-[ "$(cat out)" = $'right.json: right\n'"$root/samples/night.json: right" ] || fail "--check: $(cat out)"
-request ', "colour": 1' >bad.json
-refused "bad.json: colour: unknown field; known here: about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request" \
-  right.json bad.json
+prints "right.json: right: 1 frame, in nothing, out nothing, no algorithms" \
+  "$root/samples/night.json: right: 7 frames, in 7 NV21 632x416, out JPEG 632x416, night jpegEncode"
 command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out photo
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
 grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log shows no log"

@@ -3,15 +3,16 @@ package com.orlu.orlu3rdalgoservice.tool;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.explain.ExplanationPrinter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagCheck;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
-import com.orlu.orlu3rdalgoservice.tool.image.FilePixels;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
@@ -26,7 +27,6 @@ import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Judge;
 import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
@@ -46,6 +46,7 @@ final class Session {
     private final TraceReader mTraces;
     private final LineFile mEvents;
     private final JsonReport mJson = new JsonReport();
+    private final Photos mPhotos = new Photos();
     private final Timeline mTimeline = new Timeline();
     private final List<Verdict> mVerdicts = new ArrayList<>();
 
@@ -67,27 +68,17 @@ final class Session {
 
     /** Returns one of Verdict's statuses, the first that is not OK. */
     int run() throws RequestFileException, ErrnoException, IOException {
-        // All are read before the first runs, so that a mistake in the last shows at once.
-        List<RequestFile> requests = new ArrayList<>();
-        for (Path file : mOptions.requests()) {
-            RequestFile request = RequestFileReader.read(file, mOptions.photo);
-            for (ImagePlan image : request.inputs()) {
-                if (image.file() != null) {
-                    new FilePixels(image).check();
-                }
-            }
-            requests.add(request);
+        // All are checked before the first runs, so that a mistake in the last shows at once.
+        RequestChecker checker = new RequestChecker(mOptions.photo, mPhotos);
+        mOptions.requests().forEach(checker::check);
+        if (mOptions.check) {
+            checker.printUnderstood(mTo);
         }
-        return mOptions.check ? check(requests) : runAll(requests);
-    }
-
-    // Frames are made as well, since a photo can be too small for a request.
-    private int check(List<RequestFile> requests) throws RequestFileException {
-        for (RequestFile request : requests) {
-            frames(request);
-            mTo.println(request.file() + ": right");
+        checker.printMistakes(System.err, mOptions.strict);
+        if (!checker.isRight(mOptions.strict)) {
+            return Verdict.REFUSED;
         }
-        return Verdict.OK;
+        return mOptions.check ? Verdict.OK : runAll(checker.requests());
     }
 
     private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {
@@ -204,16 +195,12 @@ final class Session {
     }
 
     private List<SynthesisedFrame> synthesised(RequestFile request) throws RequestFileException {
-        Picture photo = FrameSynthesis.load(request.photo());
+        Picture photo = mPhotos.load(request.photo());
         if (photo == null) {
-            String problem = "no photo that can be read: " + request.photo();
-            if (mOptions.photo != null) {
-                throw new IllegalArgumentException("--photo: " + problem);
-            }
-            throw new RequestFileException(request.file().toString(), "photo", problem);
+            throw request.place().error("photo", "no photo that can be read: " + request.photo());
         }
         boolean raw = request.inputs().stream().anyMatch(
                 image -> image.file() == null && image.format().isRaw());
-        return new FrameSynthesis(request.frames(), raw).frames(request.file(), photo);
+        return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
     }
 }

@@ -111,7 +111,7 @@ final class TrialSession {
         boolean isSized = !request.needsPhoto() || request.frames().width() > 0;
         Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
         List<SynthesisedFrame> frames = photo == null ? List.of()
-                : new FrameSynthesis(bareFrame(request.frames()), false).frames(request.file(), photo);
+                : new FrameSynthesis(bareFrame(request.frames()), false).frames(request.place(), photo);
         return Trials.of(request, FrameSize.of(request, frames), library);
     }
 

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.Place;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.awt.image.BufferedImage;
@@ -46,33 +47,46 @@ public final class FrameSynthesis {
     }
 
     /** All frames of a photo. A photo too small for the shifts is a RequestFileException. */
-    public List<SynthesisedFrame> frames(Path file, Picture photo) throws RequestFileException {
-        int margin = mPlan.margin();
-        Picture sized = sized(photo, margin);
-        int width = (sized.width() - 2 * margin) / GROUP * GROUP;
-        int height = (sized.height() - 2 * margin) / GROUP * GROUP;
-        if (mPlan.width() > 0) {
-            width = mPlan.width();
-            height = mPlan.height();
-        }
-        if (width < GROUP || height < GROUP) {
-            throw new RequestFileException(file.toString(), "photo", "too small for the frames' shifts");
-        }
+    public List<SynthesisedFrame> frames(Place file, Picture photo) throws RequestFileException {
+        FrameSize size = size(file, photo);
+        FrameSize part = partSize(photo);
+        Picture sized = part.width() == photo.width() && part.height() == photo.height() ? photo
+                : photo.scaledTo(part.width(), part.height());
         List<SynthesisedFrame> frames = new ArrayList<>();
         for (int i = 0; i < mPlan.frames().size(); ++i) {
             Progress.show("making frame " + (i + 1) + " of " + mPlan.frames().size());
-            frames.add(frame(i, sized, width, height));
+            frames.add(frame(i, sized, size.width(), size.height()));
         }
         return frames;
     }
 
-    private Picture sized(Picture photo, int margin) {
+    /** The size of a photo's frames. A photo too small for the shifts is a RequestFileException. */
+    public FrameSize size(Place file, Picture photo) throws RequestFileException {
         if (mPlan.width() > 0) {
-            return photo.scaledTo(mPlan.width() + 2 * margin, mPlan.height() + 2 * margin);
+            return checked(file, mPlan.width(), mPlan.height());
+        }
+        FrameSize part = partSize(photo);
+        int margins = 2 * mPlan.margin();
+        return checked(file, (part.width() - margins) / GROUP * GROUP,
+                (part.height() - margins) / GROUP * GROUP);
+    }
+
+    private static FrameSize checked(Place file, int width, int height) throws RequestFileException {
+        if (width < GROUP || height < GROUP) {
+            throw file.error("photo", "too small for the frames' shifts");
+        }
+        return new FrameSize(width, height);
+    }
+
+    // The size that a photo is brought to, margins and all.
+    private FrameSize partSize(Picture photo) {
+        int margins = 2 * mPlan.margin();
+        if (mPlan.width() > 0) {
+            return new FrameSize(mPlan.width() + margins, mPlan.height() + margins);
         }
         int side = Math.max(photo.width(), photo.height());
-        return side <= LARGEST_SIDE ? photo : photo.scaledTo(
-                scaled(photo.width(), side), scaled(photo.height(), side));
+        return side <= LARGEST_SIDE ? new FrameSize(photo.width(), photo.height())
+                : new FrameSize(scaled(photo.width(), side), scaled(photo.height(), side));
     }
 
     private static int scaled(int length, int side) {

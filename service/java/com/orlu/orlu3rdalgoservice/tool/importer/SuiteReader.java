@@ -9,7 +9,7 @@ import com.google.gson.JsonObject;
 import com.google.gson.JsonPrimitive;
 
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
-import com.orlu.orlu3rdalgoservice.tool.request.StrictJson;
+import com.orlu.orlu3rdalgoservice.tool.request.JsonTree;
 
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -35,7 +35,7 @@ final class SuiteReader {
     }
 
     void read(Path file) throws RequestFileException {
-        JsonElement root = StrictJson.read(file);
+        JsonElement root = JsonTree.read(file);
         if (!root.isJsonObject()) {
             throw new RequestFileException(file.toString(), "", "needs an object");
         }

@@ -12,6 +12,7 @@ import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.Place;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.TypedValue;
@@ -235,7 +236,7 @@ public final class RecordedRequest {
         int context = client.get("algoContextIndex") instanceof Integer index ? index : 0;
         return new RequestFile(mFolder, "", request.get("id").getAsLong(), request.get("type").getAsString(),
                 clientId, context, CAMERA_IMAGE_FORMAT, properties, fullAsync, null,
-                new FrameSetPlan(frames, 0, 0, 0, 0), List.of(), List.of());
+                new FrameSetPlan(frames, 0, 0, 0, 0), List.of(), List.of(), Place.ofFile(mFolder.toString()));
     }
 
     private FramePlan frame(JsonObject frame, String place) throws RequestFileException {

@@ -35,7 +35,7 @@ final class ByteRecords {
         byte[] record = new byte[members.require("size").integer(0, LARGEST)];
         if (members.has("parts")) {
             for (JsonField part : members.get("parts").list()) {
-                place(record, part);
+                part.mistakes().attempt(() -> place(record, part));
             }
         }
         return record;
@@ -59,7 +59,10 @@ final class ByteRecords {
     private static byte[] packed(JsonField field, Map<String, JsonField> members)
             throws RequestFileException {
         if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
-            throw field.error("needs exactly one of " + String.join(", ", PACKINGS));
+            String word = members.isEmpty() ? "" : members.keySet().iterator().next();
+            throw field.error("needs exactly one of " + String.join(", ", PACKINGS) + ", found "
+                    + (members.size() == 1 ? JsonField.quoted(word) : members.size() + " fields")
+                    + NearestName.hint(word, PACKINGS));
         }
         String packing = members.keySet().iterator().next();
         JsonField values = members.get(packing);
@@ -70,21 +73,26 @@ final class ByteRecords {
         };
     }
 
-    private static byte[] numbers(String packing, List<JsonField> values) throws RequestFileException {
+    private static byte[] numbers(String packing, List<JsonField> values) {
         ByteBuffer buffer = ByteBuffer.allocate(values.size() * Double.BYTES).order(ByteOrder.LITTLE_ENDIAN);
         for (JsonField value : values) {
-            switch (packing) {
-                case "int8" -> buffer.put((byte) value.integer(Byte.MIN_VALUE, 255));
-                case "int16" -> buffer.putShort((short) value.integer(Short.MIN_VALUE, 65535));
-                case "int32" -> buffer.putInt(value.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
-                case "int64" -> buffer.putLong(value.integer(Long.MIN_VALUE, Long.MAX_VALUE));
-                case "float" -> buffer.putFloat(value.number().floatValue());
-                default -> buffer.putDouble(value.number().doubleValue());
-            }
+            value.mistakes().attempt(() -> put(packing, value, buffer));
         }
         byte[] bytes = new byte[buffer.position()];
         buffer.flip().get(bytes);
         return bytes;
+    }
+
+    private static void put(String packing, JsonField value, ByteBuffer buffer)
+            throws RequestFileException {
+        switch (packing) {
+            case "int8" -> buffer.put((byte) value.integer(Byte.MIN_VALUE, 255));
+            case "int16" -> buffer.putShort((short) value.integer(Short.MIN_VALUE, 65535));
+            case "int32" -> buffer.putInt(value.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
+            case "int64" -> buffer.putLong(value.integer(Long.MIN_VALUE, Long.MAX_VALUE));
+            case "float" -> buffer.putFloat(value.single());
+            default -> buffer.putDouble(value.real());
+        }
     }
 
     private static byte[] hex(JsonField field) throws RequestFileException {

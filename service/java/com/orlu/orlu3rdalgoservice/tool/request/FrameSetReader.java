@@ -1,11 +1,18 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
 
 import java.util.ArrayList;
+import java.util.Collections;
+import java.util.IdentityHashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.Set;
 
 /**
  * Reads "frames" of a request file: a list of frames, or an object with their count, what they have in
@@ -16,72 +23,73 @@ final class FrameSetReader {
     private static final int LARGEST_SHIFT = 64;
     private static final int LARGEST_SIDE = 8192;
 
-    private FrameSetReader() {
+    private final JsonField mField;
+    private final Mistakes mMistakes;
+    /** What all frames have in common is read for each of them; what is wrong there is noted once. */
+    private final Set<JsonValue> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
+
+    private FrameSetReader(JsonField field) {
+        mField = field;
+        mMistakes = field.mistakes();
     }
 
+    /** The frames. RequestFileException when it is not clear how many there are. */
     static FrameSetPlan read(JsonField field) throws RequestFileException {
-        if (field.isList()) {
-            List<JsonField> each = field.list();
-            return new FrameSetPlan(frames(each.size(), each, new JsonMembers(field, Map.of())), 0, 1, 0, 0);
+        return new FrameSetReader(field).set();
+    }
+
+    private FrameSetPlan set() throws RequestFileException {
+        if (mField.isList()) {
+            List<JsonField> each = mField.list();
+            return new FrameSetPlan(frames(each.size(), each, JsonMembers.none()), 0, 1, 0, 0);
         }
-        JsonMembers set = field.members(
+        JsonMembers set = mField.members(
                 "count", "common", "each", "noise", "blur", "gain", "shift", "seed", "width", "height");
         List<JsonField> each = set.has("each") ? set.get("each").list() : List.of();
-        int count = set.integer("count", 0, MOST_FRAMES, Math.max(1, each.size()));
+        int count = set.has("count") ? set.get("count").integer(0, MOST_FRAMES) : Math.max(1, each.size());
         if (each.size() > count) {
             throw set.get("each").error("has " + each.size() + " frames, more than count");
         }
         if (set.has("width") != set.has("height")) {
-            throw field.error("needs both width and height, or neither");
+            mMistakes.add(mField.error("needs both width and height, or neither"));
         }
         return new FrameSetPlan(frames(count, each, set), set.integer("shift", 0, LARGEST_SHIFT, 0),
-                set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), side(set, "width"),
-                side(set, "height"));
+                set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), set.side("width", LARGEST_SIDE),
+                set.side("height", LARGEST_SIDE));
     }
 
-    // Even, because chroma and mosaics come in pairs of pixels.
-    private static int side(JsonMembers set, String name) throws RequestFileException {
-        int side = set.integer(name, 0, LARGEST_SIDE, 0);
-        if (side % 2 != 0) {
-            throw set.get(name).needs("an even number");
-        }
-        return side;
-    }
-
-    private static List<FramePlan> frames(int count, List<JsonField> each, JsonMembers set)
-            throws RequestFileException {
+    private List<FramePlan> frames(int count, List<JsonField> each, JsonMembers set) {
+        JsonMembers common = set.members("common", "captureResult", "composition");
         List<FramePlan> frames = new ArrayList<>();
         for (int i = 0; i < count; ++i) {
-            frames.add(frame(i, set, i < each.size() ? each.get(i) : null));
+            frames.add(frame(i, set, common, i < each.size() ? each.get(i) : null));
         }
         return frames;
     }
 
-    private static FramePlan frame(int index, JsonMembers set, JsonField own) throws RequestFileException {
+    private FramePlan frame(int index, JsonMembers set, JsonMembers common, JsonField field) {
         CameraMetadataNative report = new CameraMetadataNative();
         Map<String, Object> composition = new LinkedHashMap<>();
-        if (set.has("common")) {
-            addTags(set.get("common").members("captureResult", "composition"), index, report, composition);
-        }
-        JsonMembers members = new JsonMembers(own, Map.of());
-        if (own != null) {
-            members = own.members("captureResult", "composition", "noise", "blur", "gain", "shift");
-            addTags(members, index, report, composition);
-        }
+        addTags(common, index, report, composition);
+        JsonMembers own = field == null ? JsonMembers.none() : mMistakes.attempt(() -> field.members(
+                "captureResult", "composition", "noise", "blur", "gain", "shift"), JsonMembers.none());
+        addTags(own, index, report, composition);
         return new FramePlan(report, composition,
-                members.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
-                members.number("blur", 0, 20, ofFrame(set, "blur", index, 20, 0)),
-                members.number("gain", 0, 100, ofFrame(set, "gain", index, 100, 1)), shift(members));
+                own.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
+                own.number("blur", 0, 20, ofFrame(set, "blur", index, 20, 0)),
+                own.number("gain", 0, 100, ofFrame(set, "gain", index, 100, 1)),
+                mMistakes.attempt(() -> shift(own), null));
     }
 
     // A number for all frames, or a list with one for each.
-    private static double ofFrame(JsonMembers set, String name, int index, double most, double fallback)
-            throws RequestFileException {
+    private double ofFrame(JsonMembers set, String name, int index, double most, double fallback) {
         if (!set.has(name) || !set.get(name).isList()) {
             return set.number(name, 0, most, fallback);
         }
-        List<JsonField> values = set.get(name).list();
-        return index < values.size() ? values.get(index).number(0, most) : fallback;
+        return mMistakes.attempt(() -> {
+            List<JsonField> values = set.get(name).list();
+            return index < values.size() ? values.get(index).number(0, most) : fallback;
+        }, fallback);
     }
 
     private static int[] shift(JsonMembers members) throws RequestFileException {
@@ -93,23 +101,46 @@ final class FrameSetReader {
             xy.get(1).integer(-LARGEST_SHIFT, LARGEST_SHIFT)};
     }
 
-    private static void addTags(JsonMembers members, int frame, CameraMetadataNative report,
-            Map<String, Object> composition) throws RequestFileException {
-        if (members.has("captureResult")) {
-            for (Map.Entry<String, JsonField> tag : members.get("captureResult").anyMembers().entrySet()) {
-                setTag(report, tag.getKey(), tag.getValue(), frame);
-            }
+    private void addTags(JsonMembers members, int frame, CameraMetadataNative report,
+            Map<String, Object> composition) {
+        tags(members, "captureResult").forEach((tag, field) -> read(tag, field, () ->
+                setTag(report, tag, field, frame)));
+        tags(members, "composition").forEach((key, field) -> read(key, field, () ->
+                composition.put(key, TagValues.ofKey(key, field, frame))));
+    }
+
+    private Map<String, JsonField> tags(JsonMembers members, String name) {
+        return members.has(name) ? mMistakes.attempt(members.get(name)::anyMembers, Map.of()) : Map.of();
+    }
+
+    // Mistakes in a tag's value say what the tag is.
+    private void read(String tag, JsonField field, Mistakes.Check reading) {
+        if (mWrong.contains(field.value())) {
+            return;
         }
-        if (members.has("composition")) {
-            for (Map.Entry<String, JsonField> key : members.get("composition").anyMembers().entrySet()) {
-                composition.put(key.getKey(), TagValues.ofKey(key.getKey(), key.getValue(), frame));
+        int before = mMistakes.size();
+        mMistakes.attempt(reading);
+        TagType type = TagTable.typeOf(tag);
+        if (mMistakes.size() > before) {
+            mWrong.add(field.value());
+            if (type != null) {
+                mMistakes.annotate(before, "; the tag is " + typeAndUnit(tag, type));
             }
         }
     }
 
-    private static void setTag(CameraMetadataNative report, String tag, JsonField field, int frame)
+    private static String typeAndUnit(String tag, TagType type) {
+        TagFacts facts = TagFacts.of(tag);
+        return type + (facts != null && facts.hasUnit() ? " (" + facts.unit() + ")" : "");
+    }
+
+    private void setTag(CameraMetadataNative report, String tag, JsonField field, int frame)
             throws RequestFileException {
+        int before = mMistakes.size();
         Object value = TagValues.ofTag(tag, field, frame);
+        if (mMistakes.size() > before) {
+            return;
+        }
         try {
             report.set(tag, value);
         } catch (IllegalArgumentException e) {

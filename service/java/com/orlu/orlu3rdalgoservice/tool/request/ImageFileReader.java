@@ -10,7 +10,6 @@ import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Map;
 
 /** Reads the part of an input's description that is about its file, and checks it against the file. */
 final class ImageFileReader {
@@ -51,7 +50,7 @@ final class ImageFileReader {
         } catch (InvalidPathException e) {
             // A name that no file can have.
         }
-        throw field.error("no such " + what + ": " + field.string());
+        throw field.error("no such " + what + ": " + JsonField.cut(field.string()));
     }
 
     int width() {
@@ -120,7 +119,8 @@ final class ImageFileReader {
         if (kind != ImageFileKind.BYTES) {
             for (String member : List.of("offset", "planes")) {
                 if (mMembers.has(member)) {
-                    throw mMembers.get(member).error("a file with a header of its own has no such field");
+                    mField.mistakes().add(
+                            mMembers.get(member).error("a file with a header of its own has no such field"));
                 }
             }
         }
@@ -145,10 +145,11 @@ final class ImageFileReader {
         List<ImageFile.Plane> planes = new ArrayList<>();
         for (int i = 0; i < strides.length; ++i) {
             JsonField field = own == null ? mField : own.get(i);
-            JsonMembers members = own == null ? new JsonMembers(mField, Map.of())
-                    : field.members("offset", "stride", "size");
+            JsonMembers members =
+                    own == null ? JsonMembers.none() : field.members("offset", "stride", "size");
             ImageFile.Plane plane = plane(members, i, offset, strides[i]);
-            checkInFile(field, plane, i, size);
+            int index = i;
+            mField.mistakes().attempt(() -> checkInFile(field, plane, index, size));
             planes.add(plane);
             offset = plane.offset() + plane.size();
         }
@@ -165,8 +166,7 @@ final class ImageFileReader {
     }
 
     // The last row of a plane may end with its pixels.
-    private ImageFile.Plane plane(JsonMembers members, int index, long offset, int usualStride)
-            throws RequestFileException {
+    private ImageFile.Plane plane(JsonMembers members, int index, long offset, int usualStride) {
         int rows = rows(index);
         int row = mFormat.rowBytes(index, mWidth);
         int stride = members.integer("stride", row, LARGEST_PLANE / rows, usualStride);

@@ -19,19 +19,6 @@ import java.util.List;
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Place place) {
-    /**
-     * Where a request file describes an image.
-     *
-     * @param requestFile its name
-     * @param field       the path of the image's field
-     */
-    public record Place(String requestFile, String field) {
-        /** What is wrong with a member of the image's description, as an exception to be thrown. */
-        public RequestFileException error(String member, String problem) {
-            return new RequestFileException(requestFile, field + "." + member, problem);
-        }
-    }
-
     ImagePlan withFrame(int index) {
         return new ImagePlan(
                 format, name, hardware, width, height, stride, capacity, bits, index, file, place);

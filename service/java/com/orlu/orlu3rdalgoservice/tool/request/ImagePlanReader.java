@@ -11,15 +11,19 @@ final class ImagePlanReader {
     private static final int LARGEST_CAPACITY = 1 << 29;
     private static final int MOST_PER_FRAME = 4;
     static final int USUAL_BITS = 10;
+    private static final List<String> MEMORIES = List.of("shared", "hardware");
 
     private static final int LARGEST_STRIDE = ImageFileReader.LARGEST_SIDE * 4;
 
     private final Path mRequestFile;
+    private final Mistakes mMistakes;
     private final int mFrames;
+    private boolean mNeedsPhoto;
 
-    /** Files of images are looked for beside the request file. */
-    ImagePlanReader(Path requestFile, int frames) {
+    /** Files of images are looked for beside the request file. The frames are -1 where they are not known. */
+    ImagePlanReader(Path requestFile, Mistakes mistakes, int frames) {
         mRequestFile = requestFile;
+        mMistakes = mistakes;
         mFrames = frames;
     }
 
@@ -29,19 +33,28 @@ final class ImagePlanReader {
         if (field.isList()) {
             List<JsonField> fields = field.list();
             for (int i = 0; i < fields.size(); ++i) {
-                images.add(input(fields.get(i), i));
+                int index = i;
+                mMistakes.attempt(() -> images.add(input(fields.get(index), index)));
             }
             return images;
         }
         JsonMembers members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, MOST_PER_FRAME, 1);
-        int count = mFrames * perFrame;
-        List<JsonField> files = members.has("file") ? members.get("file").list(count)
-                : Collections.nCopies(count, null);
+        // Of frames that are not known, one stands for all.
+        int count = Math.abs(mFrames) * perFrame;
+        JsonField file = members.get("file");
+        List<JsonField> none = Collections.nCopies(count, null);
+        List<JsonField> files = file == null || mFrames < 0 ? none
+                : mMistakes.attempt(() -> file.list(count), none);
         for (int i = 0; i < count; ++i) {
             images.add(image(field, members, files.get(i)).withFrame(i / perFrame));
         }
         return images;
+    }
+
+    /** Whether any of the inputs read has no file of its own. */
+    boolean needsPhoto() {
+        return mNeedsPhoto;
     }
 
     private ImagePlan input(JsonField field, int index) throws RequestFileException {
@@ -49,18 +62,22 @@ final class ImagePlanReader {
         if (mFrames == 0) {
             throw field.error("there is no frame that it could belong to");
         }
-        int frame = members.integer("frame", 0, mFrames - 1, Math.min(index, mFrames - 1));
+        int last = mFrames < 0 ? Integer.MAX_VALUE : mFrames - 1;
+        int frame = members.integer("frame", 0, last, Math.min(index, last));
         return image(field, members, members.get("file")).withFrame(frame);
     }
 
-    private static JsonMembers members(JsonField field, String last) throws RequestFileException {
+    private JsonMembers members(JsonField field, String last) throws RequestFileException {
         JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
-            for (String member : List.of("width", "height", "offset", "planes")) {
+            // Who gives one of these has forgotten the file rather than the photo.
+            List<String> ofFiles = List.of("width", "height", "offset", "planes");
+            mNeedsPhoto |= mFrames != 0 && ofFiles.stream().noneMatch(members::has);
+            for (String member : ofFiles) {
                 if (members.has(member)) {
-                    throw members.get(member).error(
-                            "needs the field file beside it: the pixels are a photo's");
+                    mMistakes.add(members.get(member).error(
+                            "needs the field file beside it: the pixels are a photo's"));
                 }
             }
         }
@@ -70,8 +87,8 @@ final class ImagePlanReader {
     List<ImagePlan> outputs(JsonField field) throws RequestFileException {
         List<ImagePlan> images = new ArrayList<>();
         for (JsonField output : field.list()) {
-            images.add(image(output, output.members("format", "name", "memory", "width", "height", "stride",
-                    "capacity", "bits"), null));
+            mMistakes.attempt(() -> images.add(image(output, output.members("format", "name", "memory",
+                    "width", "height", "stride", "capacity", "bits"), null)));
         }
         return images;
     }
@@ -79,41 +96,45 @@ final class ImagePlanReader {
     // The file's field is null for an image that comes from none.
     private ImagePlan image(JsonField field, JsonMembers members, JsonField file)
             throws RequestFileException {
-        JsonField formatField = members.require("format");
-        PixelFormat format = PixelFormat.named(formatField.string());
-        if (format == null) {
-            throw formatField.needs("one of " + PixelFormat.names());
-        }
-        ImageFileReader source =
-                file == null ? null : new ImageFileReader(mRequestFile, file, members, format);
-        ImagePlan image = new ImagePlan(format, members.string("name", format.name()), hardware(members),
-                source == null ? side(members, "width") : source.width(),
-                source == null ? side(members, "height") : source.height(),
+        PixelFormat format = mMistakes.attempt(() -> format(members), null);
+        // Whatever is wrong with the rest is said as well.
+        boolean isHardware = hardware(members);
+        int before = mMistakes.errors();
+        ImageFileReader source = file == null || format == null ? null
+                : mMistakes.attempt(() -> new ImageFileReader(mRequestFile, file, members, format), null);
+        boolean isFileWrong = mMistakes.errors() > before;
+        ImagePlan image = new ImagePlan(format, members.string("name", String.valueOf(format)), isHardware,
+                source != null ? source.width() : file == null ? members.side("width", LARGEST_SIDE) : 0,
+                source != null ? source.height() : file == null ? members.side("height", LARGEST_SIDE) : 0,
                 members.integer("stride", 0, LARGEST_STRIDE, 0),
                 members.integer("capacity", 0, LARGEST_CAPACITY, 0),
-                members.integer("bits", 8, format.mostBits(),
-                        source == null ? USUAL_BITS : Math.min(source.bits(), format.mostBits())),
-                0, null, field.place());
-        if (source == null) {
+                bits(members, format, source), 0, null, field);
+        if (source == null || isFileWrong) {
             return image;
         }
         ImagePlan sized = image.sized(source.width(), source.height());
         return sized.withFile(source.file(sized.strideBytes()));
     }
 
-    private static int side(JsonMembers members, String name) throws RequestFileException {
-        int side = members.integer(name, 0, LARGEST_SIDE, 0);
-        if (side % 2 != 0) {
-            throw members.get(name).needs("an even number");
+    private static PixelFormat format(JsonMembers members) throws RequestFileException {
+        JsonField field = members.require("format");
+        PixelFormat format = PixelFormat.named(field.string());
+        if (format == null) {
+            throw field.needsName("one of " + String.join(", ", PixelFormat.names()), PixelFormat.names());
         }
-        return side;
+        return format;
     }
 
-    private static boolean hardware(JsonMembers members) throws RequestFileException {
-        String memory = members.string("memory", "shared");
-        if (!memory.equals("shared") && !memory.equals("hardware")) {
-            throw members.get("memory").needs("\"shared\" or \"hardware\"");
+    private static int bits(JsonMembers members, PixelFormat format, ImageFileReader source) {
+        int most = format == null ? Short.SIZE : format.mostBits();
+        return members.integer("bits", 8, most, source == null ? USUAL_BITS : Math.min(source.bits(), most));
+    }
+
+    private boolean hardware(JsonMembers members) {
+        String memory = members.string("memory", MEMORIES.get(0));
+        if (!MEMORIES.contains(memory)) {
+            mMistakes.add(members.get("memory").needsName("\"shared\" or \"hardware\"", MEMORIES));
         }
-        return memory.equals("hardware");
+        return memory.equals(MEMORIES.get(1));
     }
 }

@@ -1,10 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonPrimitive;
-
 import java.math.BigDecimal;
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -13,78 +8,141 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** A value of a request file together with its place in it, so that every complaint names file and field. */
-final class JsonField {
-    private static final int LONGEST_QUOTE = 40;
+/**
+ * A value of a file together with its place in it, so that every complaint names file, line, column and
+ * field. What a method can't return is a RequestFileException, unless it says that a mistake is only noted.
+ */
+final class JsonField implements Place {
+    private static final int LONGEST_QUOTE = 60;
 
-    private final String mFile;
-    private final String mPath;
-    private final JsonElement mElement;
+    private final Mistakes mMistakes;
+    private final JsonField mParent;
+    /** The last part of the path as it is shown: ".name" or "[5]". */
+    private final String mStep;
+    private final JsonValue mValue;
 
-    JsonField(String file, String path, JsonElement element) {
-        mFile = file;
-        mPath = path;
-        mElement = element;
+    private JsonField(Mistakes mistakes, JsonField parent, String step, JsonValue value) {
+        mMistakes = mistakes;
+        mParent = parent;
+        mStep = step;
+        mValue = value;
+    }
+
+    /** A whole value, whose path is empty for that of a file. */
+    JsonField(Mistakes mistakes, String path, JsonValue value) {
+        this(mistakes, null, path, value);
+    }
+
+    Mistakes mistakes() {
+        return mMistakes;
+    }
+
+    JsonValue value() {
+        return mValue;
+    }
+
+    /** A text without its end when it is long. */
+    static String cut(String text) {
+        return text.length() <= LONGEST_QUOTE ? text : text.substring(0, LONGEST_QUOTE) + "...";
+    }
+
+    static String quoted(String text) {
+        return '"' + cut(text).replace("\\", "\\\\").replace("\"", "\\\"") + '"';
+    }
+
+    private String path() {
+        String path = mParent == null ? mStep : mParent.path() + mStep;
+        return path.startsWith(".") ? path.substring(1) : path;
+    }
+
+    private Mistake mistake(int line, int column, String problem, boolean isWarning) {
+        return new Mistake(mMistakes.file(), line, column, path(), problem, isWarning);
     }
 
     /** What is wrong with this field, as an exception to be thrown. */
     RequestFileException error(String problem) {
-        return new RequestFileException(mFile, mPath, problem);
+        return new RequestFileException(mistake(mValue.line(), mValue.column(), problem, false));
     }
 
     /** "needs X, found Y" for this field. */
     RequestFileException needs(String what) {
-        return error("needs " + what + ", found " + quote());
+        return error("needs " + what + ", found " + found());
     }
 
-    /** This field as an image's place. */
-    ImagePlan.Place place() {
-        return new ImagePlan.Place(mFile, mPath);
+    /** "needs X, found Y" for a text of this field that is none of the names. */
+    RequestFileException needsName(String what, List<String> names) {
+        String hint = isString() ? NearestName.hint((String) mValue.content(), names) : "";
+        return error("needs " + what + ", found " + found() + hint);
     }
 
-    private String quote() {
-        if (mElement.isJsonObject()) {
+    /** Notes what seems wrong with this field. */
+    void warn(String problem) {
+        mMistakes.add(mistake(mValue.line(), mValue.column(), problem, true));
+    }
+
+    @Override
+    public RequestFileException error(String member, String problem) {
+        return memberOrThis(member).error(problem);
+    }
+
+    @Override
+    public void warn(String member, String problem) {
+        memberOrThis(member).warn(problem);
+    }
+
+    // A member that is not there has the place of the object.
+    private JsonField memberOrThis(String name) {
+        JsonValue.Member member = isObject() ? mValue.members().get(name) : null;
+        return member != null ? child(name, member.value())
+                : new JsonField(mMistakes, this, step(name), mValue);
+    }
+
+    /** What this field is, for a message. */
+    String found() {
+        if (isObject()) {
             return "an object";
         }
-        if (mElement.isJsonArray()) {
+        if (isList()) {
             return "a list";
         }
-        String text = mElement.toString();
-        return text.length() <= LONGEST_QUOTE ? text : text.substring(0, LONGEST_QUOTE) + "...";
+        return isString() ? quoted((String) mValue.content()) : cut(String.valueOf(mValue.content()));
     }
 
     boolean isObject() {
-        return mElement.isJsonObject();
+        return mValue.content() instanceof Map;
     }
 
     boolean isList() {
-        return mElement.isJsonArray();
+        return mValue.content() instanceof List;
     }
 
     boolean isString() {
-        return mElement.isJsonPrimitive() && mElement.getAsJsonPrimitive().isString();
+        return mValue.content() instanceof String;
     }
 
     boolean isNumber() {
-        return mElement.isJsonPrimitive() && mElement.getAsJsonPrimitive().isNumber();
+        return mValue.content() instanceof BigDecimal;
     }
 
     boolean isBoolean() {
-        return mElement.isJsonPrimitive() && mElement.getAsJsonPrimitive().isBoolean();
+        return mValue.content() instanceof Boolean;
     }
 
     /** Whether this is a number written without a fraction and an exponent. */
     boolean isWholeNumber() {
-        return isNumber() && mElement.getAsBigDecimal().scale() == 0;
+        return mValue.content() instanceof BigDecimal number && number.scale() == 0;
     }
 
-    /** The members of an object that may only have the fields named. */
+    /** The members of an object. Those of other names than the ones known here are noted as mistakes. */
     JsonMembers members(String... known) throws RequestFileException {
         Map<String, JsonField> members = anyMembers();
         Set<String> allowed = new TreeSet<>(List.of(known));
         for (Map.Entry<String, JsonField> member : members.entrySet()) {
             if (!allowed.contains(member.getKey())) {
-                throw member.getValue().error("unknown field; known here: " + String.join(", ", allowed));
+                JsonValue.Member name = mValue.members().get(member.getKey());
+                String problem = "unknown field; known here: " + String.join(", ", allowed)
+                        + NearestName.hint(member.getKey(), allowed);
+                mMistakes.add(member.getValue().mistake(name.line(), name.column(), problem, false));
             }
         }
         return new JsonMembers(this, members);
@@ -95,17 +153,17 @@ final class JsonField {
         if (!isObject()) {
             throw needs("an object");
         }
-        JsonObject object = mElement.getAsJsonObject();
         Map<String, JsonField> members = new LinkedHashMap<>();
-        for (Map.Entry<String, JsonElement> entry : object.entrySet()) {
-            members.put(entry.getKey(), child(entry.getKey(), entry.getValue()));
-        }
+        mValue.members().forEach((name, member) -> members.put(name, child(name, member.value())));
         return members;
     }
 
-    private JsonField child(String name, JsonElement element) {
-        String shown = name.matches("\\w+") ? name : "\"" + name + "\"";
-        return new JsonField(mFile, mPath.isEmpty() ? shown : mPath + "." + shown, element);
+    private JsonField child(String name, JsonValue value) {
+        return new JsonField(mMistakes, this, step(name), value);
+    }
+
+    private static String step(String name) {
+        return "." + (name.matches("\\w{1,60}") ? name : quoted(name));
     }
 
     /** The elements of a list. */
@@ -113,10 +171,10 @@ final class JsonField {
         if (!isList()) {
             throw needs("a list");
         }
-        JsonArray array = mElement.getAsJsonArray();
+        List<?> values = (List<?>) mValue.content();
         List<JsonField> fields = new ArrayList<>();
-        for (int i = 0; i < array.size(); ++i) {
-            fields.add(new JsonField(mFile, mPath + "[" + i + "]", array.get(i)));
+        for (int i = 0; i < values.size(); ++i) {
+            fields.add(new JsonField(mMistakes, this, "[" + i + "]", (JsonValue) values.get(i)));
         }
         return fields;
     }
@@ -134,13 +192,14 @@ final class JsonField {
         if (!isString()) {
             throw needs("a text");
         }
-        return mElement.getAsString();
+        return (String) mValue.content();
     }
 
+    /** The texts of a list. One that is none is noted as a mistake, and empty here. */
     List<String> strings() throws RequestFileException {
         List<String> strings = new ArrayList<>();
         for (JsonField field : list()) {
-            strings.add(field.string());
+            strings.add(mMistakes.attempt(field::string, ""));
         }
         return strings;
     }
@@ -149,14 +208,14 @@ final class JsonField {
         if (!isBoolean()) {
             throw needs("true or false");
         }
-        return mElement.getAsBoolean();
+        return (Boolean) mValue.content();
     }
 
     BigDecimal number() throws RequestFileException {
         if (!isNumber()) {
             throw needs("a number");
         }
-        return ((JsonPrimitive) mElement).getAsBigDecimal();
+        return (BigDecimal) mValue.content();
     }
 
     /** A number in a range, both ends included. */
@@ -164,6 +223,20 @@ final class JsonField {
         double value = number().doubleValue();
         if (value < least || value > most) {
             throw needs("a number from " + least + " to " + most);
+        }
+        return value;
+    }
+
+    /** A number that a double holds. */
+    double real() throws RequestFileException {
+        return number(-Double.MAX_VALUE, Double.MAX_VALUE);
+    }
+
+    /** A number that a float holds, rounded to one. */
+    float single() throws RequestFileException {
+        float value = (float) real();
+        if (Float.isInfinite(value)) {
+            throw needs("a number that a float holds (up to " + Float.MAX_VALUE + ")");
         }
         return value;
     }

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
 import java.util.Arrays;
-import java.util.stream.Collectors;
+import java.util.List;
 
 /** The layouts of pixels that the tool can write and read, under the names that the native side knows. */
 public enum PixelFormat {
@@ -20,8 +20,8 @@ public enum PixelFormat {
         return Arrays.stream(values()).filter(format -> format.name().equals(name)).findFirst().orElse(null);
     }
 
-    static String names() {
-        return Arrays.stream(values()).map(Enum::name).collect(Collectors.joining(", "));
+    static List<String> names() {
+        return Arrays.stream(values()).map(Enum::name).toList();
     }
 
     public boolean isRaw() {

@@ -20,10 +20,11 @@ import java.util.Map;
  * @param frames           the capture results and how their pixels are made
  * @param inputs           the images in, without size where they take the frames'
  * @param outputs          the images out, likewise
+ * @param place            the whole file, for errors
  */
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
-        List<ImagePlan> inputs, List<ImagePlan> outputs) {
+        List<ImagePlan> inputs, List<ImagePlan> outputs, Place place) {
     /** Whether any input is made of the photo. */
     public boolean needsPhoto() {
         return inputs.stream().anyMatch(image -> image.file() == null);

@@ -6,92 +6,110 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Reads a request file. Whatever it does not know, or can't use, is a RequestFileException. */
+/** Reads a request file. Whatever it does not know, or can't use, is a mistake. */
 public final class RequestFileReader {
     private static final int LONGEST_PROPERTY = 91;
 
     private final Path mFile;
     private final Path mOtherPhoto;
+    private final Mistakes mMistakes;
 
-    private RequestFileReader(Path file, Path otherPhoto) {
+    private RequestFileReader(Path file, Path otherPhoto, Mistakes mistakes) {
         mFile = file;
         mOtherPhoto = otherPhoto;
+        mMistakes = mistakes;
     }
 
-    /** Reads a file; a photo other than null replaces the file's own. */
+    /**
+     * Reads a file; a photo other than null replaces the file's own. The first mistake is a
+     * RequestFileException.
+     */
     public static RequestFile read(Path file, Path otherPhoto) throws RequestFileException {
-        RequestFileReader reader = new RequestFileReader(file, otherPhoto);
-        return reader.root(new JsonField(file.toString(), "", StrictJson.read(file)));
+        Mistakes mistakes = new Mistakes(file.toString());
+        RequestFile request = read(file, otherPhoto, mistakes);
+        mistakes.throwFirst();
+        return request;
+    }
+
+    /** The same, with all mistakes and warnings noted; null when there is any mistake. */
+    public static RequestFile read(Path file, Path otherPhoto, Mistakes mistakes) {
+        JsonValue root = JsonFileReader.read(file, mistakes);
+        if (root == null) {
+            return null;
+        }
+        JsonField field = new JsonField(mistakes, "", root);
+        RequestFileReader reader = new RequestFileReader(file, otherPhoto, mistakes);
+        RequestFile request = mistakes.attempt(() -> reader.root(field), null);
+        return mistakes.errors() == 0 ? request : null;
     }
 
     private RequestFile root(JsonField field) throws RequestFileException {
         JsonMembers members = field.members("about", "request", "client", "properties", "algorithms",
                 "fullAsync", "photo", "frames", "inputs", "outputs");
-        JsonMembers request = members.require("request").members("id", "type");
+        JsonMembers request = mMistakes.attempt(
+                () -> members.require("request").members("id", "type"), null);
+        long id = request == null ? 0 : mMistakes.attempt(
+                () -> request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), 0L);
         boolean fullAsync = members.bool("fullAsync", false);
-        FrameSetPlan frames = FrameSetReader.read(members.require("frames"));
-        putServiceValues(members, fullAsync, frames);
-        ImagePlanReader images = new ImagePlanReader(mFile, frames.frames().size());
-        List<ImagePlan> inputs = images.inputs(members.require("inputs"));
-        List<ImagePlan> outputs = images.outputs(members.require("outputs"));
-        JsonMembers client = client(members);
-        return new RequestFile(mFile, members.string("about", ""),
-                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE),
-                request.string("type", "capture"),
+        FrameSetPlan frames = mMistakes.attempt(() -> FrameSetReader.read(members.require("frames")), null);
+        if (frames != null) {
+            putServiceValues(members, fullAsync, frames);
+        }
+        ImagePlanReader images =
+                new ImagePlanReader(mFile, mMistakes, frames == null ? -1 : frames.frames().size());
+        List<ImagePlan> inputs = mMistakes.attempt(() -> images.inputs(members.require("inputs")), null);
+        List<ImagePlan> outputs = mMistakes.attempt(() -> images.outputs(members.require("outputs")), null);
+        JsonMembers client = members.members("client", "clientId", "algoContextIndex", "imageFormat");
+        return new RequestFile(mFile, members.string("about", ""), id,
+                request == null ? "" : request.string("type", "capture"),
                 client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
                 client.integer("algoContextIndex", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
                 client.integer("imageFormat", 0, Integer.MAX_VALUE, releaseFormat(inputs)),
-                properties(members), fullAsync, photo(members, field, inputs), frames, inputs, outputs);
-    }
-
-    private static JsonMembers client(JsonMembers members) throws RequestFileException {
-        return members.has("client")
-                ? members.get("client").members("clientId", "algoContextIndex", "imageFormat")
-                : new JsonMembers(null, Map.of());
+                properties(members), fullAsync, mMistakes.attempt(() -> photo(members, field, images), null),
+                frames, inputs, outputs, field);
     }
 
     private static int releaseFormat(List<ImagePlan> inputs) {
-        return inputs.isEmpty() ? PixelFormat.NV21.platformCode() : inputs.get(0).format().platformCode();
+        PixelFormat format = inputs == null || inputs.isEmpty() ? null : inputs.get(0).format();
+        return (format == null ? PixelFormat.NV21 : format).platformCode();
     }
 
     // What the service puts into the first composition of every request.
-    private static void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetPlan frames)
-            throws RequestFileException {
+    private void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetPlan frames) {
+        List<String> algorithms = members.has("algorithms")
+                ? mMistakes.attempt(members.get("algorithms")::strings, List.of()) : null;
         if (frames.frames().isEmpty()) {
             for (String needing : fullAsync ? List.of("fullAsync", "algorithms") : List.of("algorithms")) {
                 if (members.has(needing)) {
-                    throw members.get(needing).error("needs a frame, whose composition says it");
+                    mMistakes.add(members.get(needing).error("needs a frame, whose composition says it"));
                 }
             }
             return;
         }
         Map<String, Object> first = frames.frames().get(0).composition();
         putOnce(first, "isFullAsync", fullAsync ? 1 : 0, members.get("fullAsync"));
-        if (members.has("algorithms")) {
-            JsonField algorithms = members.get("algorithms");
-            putOnce(first, "orlu.control.algoType", algorithms.strings().toArray(new String[0]), algorithms);
+        if (algorithms != null) {
+            putOnce(first, "orlu.control.algoType", algorithms.toArray(new String[0]),
+                    members.get("algorithms"));
         }
     }
 
-    private static void putOnce(Map<String, Object> composition, String key, Object value, JsonField field)
-            throws RequestFileException {
+    private void putOnce(Map<String, Object> composition, String key, Object value, JsonField field) {
         if (composition.putIfAbsent(key, value) != null && field != null) {
-            throw field.error("the first composition has " + key + " already");
+            mMistakes.add(field.error("the first composition has " + key + " already"));
         }
     }
 
-    private static Map<String, String> properties(JsonMembers members) throws RequestFileException {
+    private Map<String, String> properties(JsonMembers members) {
         Map<String, String> properties = new LinkedHashMap<>();
-        if (members.has("properties")) {
-            for (Map.Entry<String, JsonField> property : members.get("properties").anyMembers().entrySet()) {
-                JsonField field = property.getValue();
-                if (property.getKey().isEmpty() || tooLong(field.string())) {
-                    throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY
-                            + " bytes");
-                }
-                properties.put(property.getKey(), field.string());
+        Map<String, JsonField> fields = members.has("properties")
+                ? mMistakes.attempt(members.get("properties")::anyMembers, Map.of()) : Map.of();
+        fields.forEach((name, field) -> mMistakes.attempt(() -> {
+            if (name.isEmpty() || tooLong(field.string())) {
+                throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY + " bytes");
             }
-        }
+            properties.put(name, field.string());
+        }));
         return properties;
     }
 
@@ -99,13 +117,13 @@ public final class RequestFileReader {
         return property.getBytes(StandardCharsets.UTF_8).length > LONGEST_PROPERTY;
     }
 
-    private Path photo(JsonMembers members, JsonField root, List<ImagePlan> inputs)
+    private Path photo(JsonMembers members, JsonField root, ImagePlanReader images)
             throws RequestFileException {
         if (mOtherPhoto != null) {
             return mOtherPhoto;
         }
         if (!members.has("photo")) {
-            if (inputs.stream().anyMatch(image -> image.file() == null)) {
+            if (images.needsPhoto()) {
                 throw root.error("needs the field photo: the inputs are made of one");
             }
             return null;

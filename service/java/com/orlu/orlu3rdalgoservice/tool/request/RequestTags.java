@@ -11,12 +11,15 @@ public final class RequestTags {
 
     /** Why a request file can't hold this value of a tag, null when it can. */
     public static String problemOf(String tag, JsonElement value) {
+        Mistakes mistakes = new Mistakes("");
         try {
-            new CameraMetadataNative().set(tag, TagValues.ofTag(tag, new JsonField("", "", value), 0));
+            JsonField field = new JsonField(mistakes, "", JsonTree.withPlaces(value));
+            new CameraMetadataNative().set(tag, TagValues.ofTag(tag, field, 0));
+            mistakes.throwFirst();
             return null;
         } catch (RequestFileException e) {
             // The field and the file are the caller's.
-            return e.getMessage().replaceFirst("^: ", "");
+            return e.mistake().problem();
         } catch (IllegalArgumentException e) {
             return e.getMessage();
         }

@@ -16,7 +16,7 @@ final class TagValues {
     static Object ofTag(String tag, JsonField field, int frame) throws RequestFileException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
-            throw field.error("no such tag");
+            throw field.error("no such tag" + NearestName.hint(tag, TagTable.names()));
         }
         return typed(type, field, new ValueReader(frame));
     }
@@ -39,7 +39,7 @@ final class TagValues {
         return switch (type) {
             case INT -> reader.integer(field);
             case LONG -> reader.longInteger(field);
-            case FLOAT -> (float) reader.number(field);
+            case FLOAT -> reader.single(field);
             case DOUBLE -> reader.number(field);
             case STRING -> field.string();
             case BYTES -> ByteRecords.read(field);
@@ -66,7 +66,7 @@ final class TagValues {
         return switch (only.getKey()) {
             case "int" -> reader.integer(value);
             case "long" -> reader.longInteger(value);
-            case "float" -> (float) reader.number(value);
+            case "float" -> reader.single(value);
             case "double" -> reader.number(value);
             case "boolean" -> value.bool();
             case "string" -> value.string();
@@ -91,7 +91,7 @@ final class TagValues {
             return value == (int) value ? (Object) (int) value : (Object) value;
         }
         if (field.isNumber()) {
-            return field.number().doubleValue();
+            return field.real();
         }
         if (field.isString()) {
             return field.string();

@@ -18,8 +18,10 @@ public final class TypedValue {
         if (element.isJsonNull()) {
             return null;
         }
-        JsonField field = new JsonField(file, place, element);
+        Mistakes mistakes = new Mistakes(file);
+        JsonField field = new JsonField(mistakes, place, JsonTree.withPlaces(element));
         Object value = TagValues.explicit(field, new ValueReader(0));
+        mistakes.throwFirst();
         if (value == null) {
             throw field.needs("a value with its type such as {\"long\": 5}");
         }

@@ -60,17 +60,31 @@ final class ValueReader {
                 counter.require("step").number().multiply(frame())).doubleValue();
     }
 
+    /** A number as a float. */
+    float single(JsonField field) throws RequestFileException {
+        return field.isObject() ? (float) number(field) : realSingle(field);
+    }
+
     // The texts are those of numbers that JSON has no form for.
+    private static boolean isSpecial(JsonField field) throws RequestFileException {
+        return field.isString() && NO_JSON_NUMBERS.contains(field.string());
+    }
+
     private static double real(JsonField field) throws RequestFileException {
-        boolean isText = field.isString() && NO_JSON_NUMBERS.contains(field.string());
-        return isText ? Double.parseDouble(field.string()) : field.number().doubleValue();
+        return isSpecial(field) ? Double.parseDouble(field.string()) : field.real();
+    }
+
+    private static float realSingle(JsonField field) throws RequestFileException {
+        return isSpecial(field) ? Float.parseFloat(field.string()) : field.single();
     }
 
     int[] integers(JsonField field) throws RequestFileException {
         List<JsonField> elements = elements(field);
         int[] values = new int[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            values[i] = elements.get(i).integer(Integer.MIN_VALUE, Integer.MAX_VALUE);
+            JsonField element = elements.get(i);
+            values[i] = field.mistakes().attempt(
+                    () -> element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE), 0);
         }
         return values;
     }
@@ -79,7 +93,8 @@ final class ValueReader {
         List<JsonField> elements = elements(field);
         long[] values = new long[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            values[i] = elements.get(i).integer(Long.MIN_VALUE, Long.MAX_VALUE);
+            JsonField element = elements.get(i);
+            values[i] = field.mistakes().attempt(() -> element.integer(Long.MIN_VALUE, Long.MAX_VALUE), 0L);
         }
         return values;
     }
@@ -88,16 +103,18 @@ final class ValueReader {
         List<JsonField> elements = elements(field);
         double[] values = new double[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            values[i] = real(elements.get(i));
+            JsonField element = elements.get(i);
+            values[i] = field.mistakes().attempt(() -> real(element), 0.0);
         }
         return values;
     }
 
     float[] floats(JsonField field) throws RequestFileException {
-        double[] wide = doubles(field);
-        float[] values = new float[wide.length];
+        List<JsonField> elements = elements(field);
+        float[] values = new float[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            values[i] = (float) wide[i];
+            JsonField element = elements.get(i);
+            values[i] = field.mistakes().attempt(() -> realSingle(element), 0f);
         }
         return values;
     }
@@ -132,7 +149,8 @@ final class ValueReader {
         List<JsonField> elements = field.list();
         Face[] faces = new Face[elements.size()];
         for (int i = 0; i < faces.length; ++i) {
-            faces[i] = face(elements.get(i));
+            JsonField element = elements.get(i);
+            faces[i] = field.mistakes().attempt(() -> face(element), null);
         }
         return faces;
     }
@@ -149,7 +167,8 @@ final class ValueReader {
         List<JsonField> elements = field.list();
         MeteringRectangle[] regions = new MeteringRectangle[elements.size()];
         for (int i = 0; i < regions.length; ++i) {
-            regions[i] = meteringRectangle(elements.get(i));
+            JsonField element = elements.get(i);
+            regions[i] = field.mistakes().attempt(() -> meteringRectangle(element), null);
         }
         return regions;
     }

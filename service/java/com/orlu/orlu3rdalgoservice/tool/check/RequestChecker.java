@@ -1,0 +1,121 @@
+package com.orlu.orlu3rdalgoservice.tool.check;
+
+import com.orlu.orlu3rdalgoservice.tool.image.FilePixels;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.Photos;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+
+import java.io.PrintStream;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+/** Reads request files and what they name, and finds all that is wrong with any of them before one runs. */
+public final class RequestChecker {
+    private final Path mOtherPhoto;
+    private final Photos mPhotos;
+    private final List<RequestFile> mRequests = new ArrayList<>();
+    private final List<String> mUnderstood = new ArrayList<>();
+    private final List<Mistakes> mMistakes = new ArrayList<>();
+
+    /** The photo, where it is not null, replaces those of the files. */
+    public RequestChecker(Path otherPhoto, Photos photos) {
+        mOtherPhoto = otherPhoto;
+        mPhotos = photos;
+    }
+
+    /** Checks one file. A bad photo of the command line is an IllegalArgumentException. */
+    public void check(Path file) {
+        Mistakes mistakes = new Mistakes(file.toString());
+        mMistakes.add(mistakes);
+        RequestFile request = RequestFileReader.read(file, mOtherPhoto, mistakes);
+        if (request == null) {
+            return;
+        }
+        for (ImagePlan image : request.inputs()) {
+            if (image.file() != null) {
+                mistakes.attempt(() -> new FilePixels(image).check());
+            }
+        }
+        mistakes.attempt(() -> checkSizes(request, mistakes));
+        if (mistakes.errors() == 0) {
+            mRequests.add(request);
+        }
+    }
+
+    private void checkSizes(RequestFile request, Mistakes mistakes) throws RequestFileException {
+        FrameSize size = request.needsPhoto()
+                ? new FrameSynthesis(request.frames(), false).size(request.place(), photo(request))
+                : FrameSize.of(request, List.of());
+        List<ImagePlan> inputs = sized(request.inputs(), size, mistakes);
+        List<ImagePlan> outputs = sized(request.outputs(), size, mistakes);
+        mUnderstood.add(Understood.line(request, inputs, outputs));
+    }
+
+    // A stride below a row is a mistake.
+    private static List<ImagePlan> sized(List<ImagePlan> images, FrameSize size, Mistakes mistakes) {
+        List<ImagePlan> sized = new ArrayList<>();
+        for (ImagePlan image : images) {
+            mistakes.attempt(() -> sized.add(size.applyTo(image)));
+        }
+        return sized;
+    }
+
+    private Picture photo(RequestFile request) throws RequestFileException {
+        Picture photo = mPhotos.load(request.photo());
+        if (photo != null) {
+            return photo;
+        }
+        String problem = "no photo that can be read: " + request.photo();
+        if (mOtherPhoto != null) {
+            throw new IllegalArgumentException("--photo: " + problem);
+        }
+        throw request.place().error("photo", problem);
+    }
+
+    /** The requests of the files without a mistake. */
+    public List<RequestFile> requests() {
+        return mRequests;
+    }
+
+    /** Whether all files can be taken; strictly, warnings keep one from it as well. */
+    public boolean isRight(boolean isStrict) {
+        return errors() == 0 && (!isStrict || warnings() == 0);
+    }
+
+    private int errors() {
+        return mMistakes.stream().mapToInt(Mistakes::errors).sum();
+    }
+
+    private int warnings() {
+        return mMistakes.stream().mapToInt(Mistakes::warnings).sum();
+    }
+
+    /** Prints what was understood of each file without a mistake. */
+    public void printUnderstood(PrintStream to) {
+        mUnderstood.forEach(to::println);
+    }
+
+    /** Prints a line for each mistake and warning, and at last their counts; nothing when all is well. */
+    public void printMistakes(PrintStream to, boolean isStrict) {
+        for (Mistakes mistakes : mMistakes) {
+            mistakes.lines().forEach(to::println);
+        }
+        long wrong = mMistakes.stream().filter(mistakes -> mistakes.errors() > 0).count();
+        if (errors() + warnings() > 0) {
+            to.println("run: " + counted(errors(), "mistake") + ", " + counted(warnings(), "warning") + ", "
+                    + wrong + " of " + counted(mMistakes.size(), "file") + " can't be taken"
+                    + (isRight(isStrict) ? "" : "; nothing runs"));
+        }
+    }
+
+    static String counted(long count, String what) {
+        return count + " " + what + (count == 1 ? "" : "s");
+    }
+}

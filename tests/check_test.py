@@ -1,0 +1,229 @@
+#!/usr/bin/env python3
+"""What ./run says of request files that are wrong: each mistake of each file, with its place.
+
+check_test.py BUILD_FOLDER
+"""
+
+import os
+import random
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+MUTATIONS = 16  # of each sample
+LINE = re.compile(r"^(?P<file>[^:]+):(?P<line>\d+):(?P<column>\d+): (?P<text>.+)$")
+LONG = "9" * 401
+failures = []
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{str(what)[:300]}:\n  expected {str(wanted)[:700]}\n  found    {str(found)[:700]}")
+
+
+def run(*arguments):
+    return subprocess.run([ROOT / "run", *arguments], env={**os.environ, "ORLU_BUILD": str(BUILD)},
+                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+
+
+def request(frames='"frames": [{}]', more="", inputs="[]", outputs="[]"):
+    """The text of a request, whose second line begins with the frames."""
+    return f'{{"request": {{"id": 1}}, "inputs": {inputs}, "outputs": {outputs},\n{frames}{more}}}'
+
+
+def tag(name, value):
+    """A request with a tag, whose value begins at line 3 column 1."""
+    return request(f'"frames": [{{"captureResult": {{"{name}":\n{value}}}}}]')
+
+
+INT = "needs a whole number from -2147483648 to 2147483647, found"
+FORMATS = "needs one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found"
+# A file's text, and the lines on it, without its name.
+SYNTAX = [
+    ("", "1:1: not JSON: the file is empty"),
+    ('{"request": {"id": 1}', "1:22: not JSON: it ends too early"),
+    ('{"about": "x', "1:13: not JSON: it ends too early, within a text"),
+    ('{"about": "x\n"}', "1:13: not JSON: a text needs its closing quote on the same line"),
+    ('{"about": no}', "1:11: not JSON: unexpected no; texts need double quotes"),
+    ('{"about": True}', "1:11: not JSON: unexpected True; did you mean true?"),
+    ('{"about": NaN}', '1:11: not JSON: unexpected NaN; did you mean "NaN"?'),
+    ("{'about': 1}", "1:2: not JSON: unexpected '''; texts need double quotes"),
+    ("{about: 1}", "1:2: not JSON: unexpected 'a'; names of fields need double quotes"),
+    ('{"about" 1}', "1:10: not JSON: unexpected '1'; needs a colon behind the field's name"),
+    ('{"about": "x"\n "photo": 1}', "2:2: not JSON: unexpected '\"'; needs a comma or the end before it"),
+    ('{"about": "x",\n}', "2:1: not JSON: unexpected '}'; the comma before it is one too many"),
+    ('{"frames": [1, ]}', "1:16: not JSON: unexpected ']'; the comma before it is one too many"),
+    ("\n# note\n{}", "2:1: not JSON: unexpected '#'; comments begin with //"),
+    ('{"about": .5}', "1:11: not JSON: unexpected '.'; a number begins with a digit or a minus"),
+    ('{"about": 01}', "1:11: not JSON: invalid numeric value: Leading zeroes not allowed"),
+    ('{"about": 1]', "1:12: not JSON: unexpected close marker ']': expected '}'"),
+    ("{} {}", "1:4: not JSON: more text after the end of the value"),
+    (b'{\n"about": "\xff"}', "2:11: needs UTF-8, found a byte that is none"),
+    ("[" * 70 + "]" * 70, "1:1: needs an object, found a list",
+     "1:66: needs at most 64 levels of objects and lists, found more"),
+    ("[" + "0," * 500_000 + "0]", "1:1000000: needs at most 500000 values, found more"),
+    (b" " * (8 << 20) + b"1", "needs at most 8388608 bytes, found 8388609"),
+    (request(more=f', "about": {LONG}'), "2:26: about: needs a text, found 0",
+     f"2:26: needs a number that some type holds, found {LONG[:60]}..."),
+    (request(more=', "about": "x",\n"about": "y"'),
+     '3:1: the field "about" is given twice, first at line 2 column 17'),
+]
+TIME = 'frames[0].captureResult."android.sensor.exposureTime"'
+FIELDS = [
+    ("5", "1:1: needs an object, found 5"),
+    ("{}", "1:1: needs the field request", "1:1: needs the field frames", "1:1: needs the field inputs",
+     "1:1: needs the field outputs"),
+    (request(more=', "fullAsync": "yes"'), '2:30: fullAsync: needs true or false, found "yes"'),
+    (request(more=', "photo": "a\\u0000b"'), "2:26: photo: no such photo: a?b"),
+    (request(more=f', "properties": {{"a": "{92 * "0"}", "b": 1}}'),
+     "2:37: properties.a: needs a name, and a value of at most 91 bytes",
+     "2:138: properties.b: needs a text, found 1"),
+    (request('"frames": []', ', "fullAsync": true, "algorithms": []'),
+     "2:28: fullAsync: needs a frame, whose composition says it",
+     "2:48: algorithms: needs a frame, whose composition says it"),
+    (request('"frames": {"count": 2, "nois": 1, "width": 2, "each": [{"shift": [1, 99]}, 7]}'),
+     "2:11: frames: needs both width and height, or neither",
+     "2:24: frames.nois: unknown field; known here: blur, common, count, each, gain, height, noise, seed, "
+     'shift, width; did you mean "noise"?',
+     "2:70: frames.each[0].shift[1]: needs a whole number from -64 to 64, found 99",
+     "2:76: frames.each[1]: needs an object, found 7"),
+    (request('"frames": {"count": 1, "each": [{}, {}]}'),
+     "2:32: frames.each: has 2 frames, more than count"),
+    (request(inputs='{"format": "nv21", "memory": "hard", "stride": -1}'),
+     f'1:45: inputs.format: {FORMATS} "nv21"; did you mean "NV21"?',
+     '1:63: inputs.memory: needs "shared" or "hardware", found "hard"',
+     "1:81: inputs.stride: needs a whole number from 0 to 65536, found -1",
+     "1:1: needs the field photo: the inputs are made of one"),
+    (request(outputs='[{"format": "RAW16", "width": 3}, {"bits": 17}]'),
+     "1:79: outputs[0].width: needs an even number, found 3", "1:83: outputs[1]: needs the field format",
+     "1:92: outputs[1].bits: needs a whole number from 8 to 16, found 17"),
+    (tag("android.sensor.exposureTime", '{"first": 1, "stp": 2}'),
+     f"3:1: {TIME}: needs the field step; the tag is LONG (ns)",
+     f'3:14: {TIME}.stp: unknown field; known here: first, step; did you mean "step"?; the tag is LONG (ns)'),
+    (request(more=', "algoritms": ["night"]'),
+     "2:17: algoritms: unknown field; known here: about, algorithms, client, frames, fullAsync, inputs, "
+     'outputs, photo, properties, request; did you mean "algorithms"?'),
+]
+TAGS = [
+    ("no.such.tag", "1", "no such tag"),
+    ("currentModeEx", "1", 'no such tag; did you mean "orlu.control.currentModeEx"?'),
+    ("orlu.control.curentModeEx", "1", 'no such tag; did you mean "orlu.control.currentModeEx"?'),
+    ("orlu.feedback.zoom_ratio", "1", 'no such tag; did you mean "orlu.control.zoom_ratio"?'),
+    ("android.control.aeMode", '"on"', 'needs a number, found "on"; the tag is INT (code)'),
+    ("android.control.aeMode", "2.5", f"{INT} 2.5; the tag is INT (code)"),
+    ("android.control.aeMode", str(2**70), f"{INT} {2**70}; the tag is INT (code)"),
+    ("android.sensor.exposureTime", f'"{100 * "a"}"',
+     f'needs a number, found "{60 * "a"}..."; the tag is LONG (ns)'),
+    ("android.lens.aperture", "1e39",
+     "needs a number that a float holds (up to 3.4028235E38), found 1E+39; the tag is FLOAT (f-number)"),
+    ("android.scaler.cropRegion", "[1, 2]", "needs a list of 4, found 2 elements; the tag is RECT (px)"),
+    ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
+     'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt"; did you mean '
+     '"text"?; the tag is BYTES (text)'),
+]
+
+
+def check(*texts):
+    """Statuses and lines of ./run --check over files of these texts, those of each file on their own."""
+    names = [f"{i}.json" for i in range(len(texts))]
+    for name, text in zip(names, texts):
+        Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
+    done = run("--check", *names)
+    lines = done.stderr.splitlines()
+    return done, [[line[len(name) + 1:].lstrip() for line in lines if line.startswith(name + ":")]
+                  for name in names]
+
+
+def says_each():
+    cases = SYNTAX + FIELDS
+    for name, value, problem in TAGS:
+        shown = name if name.isalnum() else f'"{name}"'
+        cases.append((tag(name, value), f"3:1: frames[0].captureResult.{shown}: {problem}"))
+    done, found = check(*(case[0] for case in cases))
+    for (text, *wanted), lines in zip(cases, found):
+        expect(text[:200], sorted(wanted), sorted(lines))
+    count = sum(len(case) - 1 for case in cases)
+    expect("the last line", f"run: {count} mistakes, 0 warnings, {len(cases)} of {len(cases)} files can't be "
+           "taken; nothing runs", done.stderr.splitlines()[-1])
+    expect("status and output", (2, ""), (done.returncode, done.stdout))
+
+
+def says_all_in_order():
+    """Wrong files keep right ones from running, and what frames have in common is said once."""
+    Path("right.json").write_text(request())
+    texts = ",\n".join(['"x"'] * 150)
+    Path("many.json").write_text(request(
+        '"frames": {"count": 60, "common": {"captureResult": {"com.orlu.image_sizes": [\n' + texts
+        + '],\n"android.sensor.timestamp": {"first": 1, "step": 1e18}}}}'))
+    done = run("right.json", "none.json", "many.json", ".")
+    lines = done.stderr.splitlines()
+    expect("files", ["none.json: no such file", "many.json: and 51 more", ".: can't be read",
+                     "run: 153 mistakes, 0 warnings, 3 of 4 files can't be taken; nothing runs"],
+           [lines[0], *lines[101:]])
+    places = [int(LINE.match(line)["line"]) for line in lines[1:101]]
+    expect("the lines' order", list(range(3, 103)), places)
+    expect("a run", (2, ""), (done.returncode, done.stdout))
+    expect("a check", "right.json: right: 1 frame, in nothing, out nothing, no algorithms\n",
+           run("--check", "right.json", "none.json").stdout)
+
+
+def takes_comments():
+    """A mark of UTF-8 and comments are welcome; a name with a tab in it is shown in one line."""
+    done, found = check("\ufeff// note\n" + request(more='/* one */, "a\\tb": 1, "\\u20ac": 2'))
+    expect(done.stderr, ['3:26: "a?b"', '3:37: "\u20ac"'], [line.split(": unknown")[0] for line in found[0]])
+    done, found = check("// note\n" + request(more="/* one\n */"))
+    expect(done.stderr, (0, []), (done.returncode, found[0]))
+
+
+def mutated(text, chance):
+    """The text with one thing in it changed, at a random place."""
+    tokens = list(re.finditer(r'"[^"]*"|-?\d[\d.]*|[\[\]{},:]', text))
+    one, other = sorted(chance.sample(tokens, 2), key=lambda token: token.start())
+    before, between, after = text[:one.start()], text[one.end():other.start()], text[other.end():]
+    replacement = chance.choice(
+        ["5", "-1.5", '"x"', "[]", "{}", "null", "true", "1e999", '{"long": 1}', "[1, 2]"])
+    number = chance.choice([token for token in tokens if token.group()[0] in "-0123456789"])
+    return chance.choice([
+        text[:number.start()] + chance.choice(["0", "1", "2", "7"]) + text[number.end():],
+        before + text[one.end():], before + replacement + text[one.end():], text[:one.start() + 1],
+        before + other.group() + between + one.group() + after, before + one.group() * 2 + text[one.end():]])
+
+
+def survives_mutations():
+    """Whatever is wrong, a file is right or each of its lines names a place; nothing ends the command."""
+    chance = random.Random(20)
+    folder = Path("mutated")
+    folder.mkdir()
+    (folder / "photos").symlink_to(ROOT / "samples/photos")
+    files = []
+    for sample in sorted((ROOT / "samples").glob("*.json")):
+        for i in range(MUTATIONS):
+            files.append(folder / f"{sample.stem}-{i}.json")
+            files[-1].write_text(mutated(sample.read_text(), chance))
+    done = run("--check", *map(str, files))
+    *lines, last = done.stderr.splitlines()
+    right = {line.split(": right: ")[0] for line in done.stdout.splitlines()}
+    wrong = set()
+    for line in lines:
+        match = LINE.match(line)
+        if not match or "Exception" in line:
+            failures.append(f"a line names no place: {line}")
+        elif "warning: " not in line:
+            wrong.add(match["file"])
+            length = len(Path(match["file"]).read_text().splitlines()) + 1
+            expect(line, True, 1 <= int(match["line"]) <= length and int(match["column"]) >= 1)
+    expect("right or wrong", {str(file) for file in files}, right | wrong)
+    expect("right and wrong", set(), right & wrong)
+    expect(f"{len(right)} right, {len(wrong)} wrong", True, len(right) > 20 and len(wrong) > 200)
+    expect(last, (2, True), (done.returncode, f"{len(wrong)} of {len(files)} files can't be taken" in last))
+
+
+with tempfile.TemporaryDirectory() as temporary:
+    os.chdir(temporary)
+    for case in (says_each, says_all_in_order, takes_comments, survives_mutations):
+        case()
+print("\n".join(failures) or "All passed")
+sys.exit(bool(failures))
