@@ -48,8 +48,8 @@ SYNTAX = [
     ('{"about": "x', "1:13: not JSON: it ends too early, within a text"),
     ('{"about": "x\n"}', "1:13: not JSON: a text needs its closing quote on the same line"),
     ('{"about": no}', "1:11: not JSON: unexpected no; texts need double quotes"),
-    ('{"about": True}', "1:11: not JSON: unexpected True; did you mean true?"),
-    ('{"about": NaN}', '1:11: not JSON: unexpected NaN; did you mean "NaN"?'),
+    ('{"about": True}', "1:11: not JSON: unexpected True (did you mean true?)"),
+    ('{"about": NaN}', '1:11: not JSON: unexpected NaN (did you mean "NaN"?)'),
     ("{'about': 1}", "1:2: not JSON: unexpected '''; texts need double quotes"),
     ("{about: 1}", "1:2: not JSON: unexpected 'a'; names of fields need double quotes"),
     ('{"about" 1}', "1:10: not JSON: unexpected '1'; needs a colon behind the field's name"),
@@ -87,14 +87,14 @@ FIELDS = [
     (request('"frames": {"count": 2, "nois": 1, "width": 2, "each": [{"shift": [1, 99]}, 7]}'),
      "2:11: frames: needs both width and height, or neither",
      "2:24: frames.nois: unknown field; known here: blur, common, count, each, gain, height, noise, seed, "
-     'shift, width; did you mean "noise"?',
+     'shift, width (did you mean noise?)',
      "2:70: frames.each[0].shift[1]: needs a whole number from -64 to 64, found 99",
      "2:76: frames.each[1]: needs an object, found 7"),
     (request('"frames": {"count": 1, "each": [{}, {}]}'),
      "2:32: frames.each: has 2 frames, more than count"),
     (request(inputs='{"format": "nv21", "memory": "hard", "stride": -1}'),
-     f'1:45: inputs.format: {FORMATS} "nv21"; did you mean "NV21"?',
-     '1:63: inputs.memory: needs "shared" or "hardware", found "hard"',
+     f'1:45: inputs.format: {FORMATS} "nv21" (did you mean NV21?)',
+     '1:63: inputs.memory: needs "shared" or "hardware", found "hard" (did you mean hardware?)',
      "1:81: inputs.stride: needs a whole number from 0 to 65536, found -1",
      "1:1: needs the field photo: the inputs are made of one"),
     (request(outputs='[{"format": "RAW16", "width": 3}, {"bits": 17}]'),
@@ -102,16 +102,16 @@ FIELDS = [
      "1:92: outputs[1].bits: needs a whole number from 8 to 16, found 17"),
     (tag("android.sensor.exposureTime", '{"first": 1, "stp": 2}'),
      f"3:1: {TIME}: needs the field step; the tag is LONG (ns)",
-     f'3:14: {TIME}.stp: unknown field; known here: first, step; did you mean "step"?; the tag is LONG (ns)'),
+     f'3:14: {TIME}.stp: unknown field; known here: first, step (did you mean step?); the tag is LONG (ns)'),
     (request(more=', "algoritms": ["night"]'),
      "2:17: algoritms: unknown field; known here: about, algorithms, client, frames, fullAsync, inputs, "
-     'outputs, photo, properties, request; did you mean "algorithms"?'),
+     'outputs, photo, properties, request (did you mean algorithms?)'),
 ]
 TAGS = [
     ("no.such.tag", "1", "no such tag"),
-    ("currentModeEx", "1", 'no such tag; did you mean "orlu.control.currentModeEx"?'),
-    ("orlu.control.curentModeEx", "1", 'no such tag; did you mean "orlu.control.currentModeEx"?'),
-    ("orlu.feedback.zoom_ratio", "1", 'no such tag; did you mean "orlu.control.zoom_ratio"?'),
+    ("currentModeEx", "1", 'no such tag (did you mean orlu.control.currentModeEx?)'),
+    ("orlu.control.curentModeEx", "1", 'no such tag (did you mean orlu.control.currentModeEx?)'),
+    ("orlu.feedback.zoom_ratio", "1", 'no such tag (did you mean orlu.control.zoom_ratio?)'),
     ("android.control.aeMode", '"on"', 'needs a number, found "on"; the tag is INT (code)'),
     ("android.control.aeMode", "2.5", f"{INT} 2.5; the tag is INT (code)"),
     ("android.control.aeMode", str(2**70), f"{INT} {2**70}; the tag is INT (code)"),
@@ -121,8 +121,8 @@ TAGS = [
      "needs a number that a float holds (up to 3.4028235E38), found 1E+39; the tag is FLOAT (f-number)"),
     ("android.scaler.cropRegion", "[1, 2]", "needs a list of 4, found 2 elements; the tag is RECT (px)"),
     ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
-     'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt"; did you mean '
-     '"text"?; the tag is BYTES (text)'),
+     'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
+     'mean text?); the tag is BYTES (text)'),
 ]
 
 

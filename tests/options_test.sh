@@ -17,8 +17,7 @@ done <<'REFUSED'
 --photo none.jpg|--photo: no such photo: none.jpg
 infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
 colour|colour: no such file or subcommand; see ./run --help
-none.json|none.json: no such file
-run none.json|none.json: no such file
+run --photo none.jpg|--photo: no such photo: none.jpg
 info|needs FOLDER; see ./run info --help
 info none|no such file: none
 info --ouput a|unknown option --ouput; see ./run info --help

@@ -62,7 +62,7 @@ final class ByteRecords {
             String word = members.isEmpty() ? "" : members.keySet().iterator().next();
             throw field.error("needs exactly one of " + String.join(", ", PACKINGS) + ", found "
                     + (members.size() == 1 ? JsonField.quoted(word) : members.size() + " fields")
-                    + NearestName.hint(word, PACKINGS));
+                    + NearestWord.question(word, PACKINGS));
         }
         String packing = members.keySet().iterator().next();
         JsonField values = members.get(packing);

@@ -71,7 +71,7 @@ final class JsonField implements Place {
 
     /** "needs X, found Y" for a text of this field that is none of the names. */
     RequestFileException needsName(String what, List<String> names) {
-        String hint = isString() ? NearestName.hint((String) mValue.content(), names) : "";
+        String hint = isString() ? NearestWord.question((String) mValue.content(), names) : "";
         return error("needs " + what + ", found " + found() + hint);
     }
 
@@ -141,7 +141,7 @@ final class JsonField implements Place {
             if (!allowed.contains(member.getKey())) {
                 JsonValue.Member name = mValue.members().get(member.getKey());
                 String problem = "unknown field; known here: " + String.join(", ", allowed)
-                        + NearestName.hint(member.getKey(), allowed);
+                        + NearestWord.question(member.getKey(), allowed);
                 mMistakes.add(member.getValue().mistake(name.line(), name.column(), problem, false));
             }
         }

@@ -7,6 +7,7 @@ import java.util.Locale;
 public final class NearestWord {
     /** A beginning of fewer letters begins too many words. */
     private static final int LEAST_BEGINNING = 3;
+    private static final int LONGEST_WORD = 100;
 
     private NearestWord() {
     }
@@ -15,9 +16,10 @@ public final class NearestWord {
     public static String of(String word, Collection<String> known) {
         String nearest = null;
         // A third of the letters may be wrong, and in a long word not more than four.
-        int least = Math.min(4, word.length() / 3) + 1;
+        int least = word.length() > LONGEST_WORD ? 0 : Math.min(4, word.length() / 3) + 1;
+        String lower = word.toLowerCase(Locale.ROOT);
         for (String candidate : known) {
-            int distance = distance(word.toLowerCase(Locale.ROOT), candidate.toLowerCase(Locale.ROOT));
+            int distance = distance(lower, candidate.toLowerCase(Locale.ROOT), least);
             if (distance < least) {
                 nearest = candidate;
                 least = distance;
@@ -32,11 +34,20 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
     }
 
-    private static int distance(String word, String candidate) {
+    // The section of a tag is easily left out or mistaken: what is behind the last dot counts on its own as well.
+    private static int distance(String word, String candidate, int least) {
+        int whole = distanceOfParts(word, candidate, least);
+        int section = candidate.lastIndexOf('.') + 1;
+        return section == 0 ? whole : Math.min(whole, 1 + distanceOfParts(
+                word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
+    }
+
+    // Any number from the least one on stands for one that is too large.
+    private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());
         }
-        return edits(word, candidate);
+        return Math.abs(word.length() - candidate.length()) >= least ? least : edits(word, candidate);
     }
 
     // How many letters are to be put in, left out, changed, or swapped with their neighbours.

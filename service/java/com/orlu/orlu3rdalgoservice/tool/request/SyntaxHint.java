@@ -41,7 +41,7 @@ record SyntaxHint(String problem, int charactersBack) {
             String found = word.group(1);
             String meant = WORDS.get(found.replace("-", ""));
             return new SyntaxHint("unexpected " + JsonField.cut(found)
-                    + (meant != null ? "; did you mean " + meant + "?" : "; texts need double quotes"),
+                    + (meant != null ? " (did you mean " + meant + "?)" : "; texts need double quotes"),
                     back(text, found, at));
         }
         if (message.startsWith("Illegal unquoted character ((CTRL-CHAR, code 10)")) {

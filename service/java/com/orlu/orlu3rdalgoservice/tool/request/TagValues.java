@@ -16,7 +16,7 @@ final class TagValues {
     static Object ofTag(String tag, JsonField field, int frame) throws RequestFileException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
-            throw field.error("no such tag" + NearestName.hint(tag, TagTable.names()));
+            throw field.error("no such tag" + NearestWord.question(tag, TagTable.names()));
         }
         return typed(type, field, new ValueReader(frame));
     }
