@@ -38,7 +38,6 @@ _orlu_requests() {
 # _orlu_parameters: keys, and with a slash their sections before them.
 _orlu_parameters() {
   local section key rest
-  _orlu_offer all algorithms
   while read -r section key rest; do
     case $section in
       '' | '#'*) ;;
@@ -59,7 +58,11 @@ _orlu_value() {
     LIBRARY) _orlu_paths file .so ;;
     request.json) _orlu_requests ;;
     FILE | A) _orlu_paths file ;;
-    *KEY) _orlu_parameters ;;
+    KEY) _orlu_parameters ;;
+    '[SECTION/]KEY')
+      _orlu_offer all algorithms
+      _orlu_parameters
+      ;;
     TAG) _orlu_offer < <(_orlu_column "$root/host/java/android/hardware/camera2/impl/tags.txt") ;;
     ALGORITHM) _orlu_offer < <(_orlu_column "$java/catalogue/algorithms.txt") ;;
     FORMAT) _orlu_offer < <(_orlu_column "$java/catalogue/formats.txt") ;;

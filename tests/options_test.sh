@@ -6,6 +6,7 @@ source "$root/tests/command.sh"
 
 echo "== What is refused"
 mkdir -p a b
+touch mine.json b/mine.json
 while IFS='|' read -r arguments line; do
   read -ra words <<<"$arguments"
   refused "$line" "${words[@]}"
@@ -28,6 +29,11 @@ diff a|diff needs two runs, or --lib twice; see ./run diff --help
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
 REFUSED
+command_ends 2 mime.json b/minr.json none/mine.json
+for line in 'mime.json: no such file (did you mean mine.json?)' 'b/minr.json: no such file (did you mean b/mine.json?)' \
+  'none/mine.json: no such file'; do
+  grep -qxF "$line" err || fail "\"$line\" is not said: $(cat err)"
+done
 
 echo "== Help and version, without a build"
 export ORLU_BUILD=none
@@ -108,6 +114,13 @@ done <<'CASES'
 ./run --out sam|samples
 ./run --explain exif_info|exif_info_for_write !control/exif_info
 ./run --explain=control/jpeg|control/jpeg_rotation
+./run --explain al|all algorithms
+./run tags orlu.control.currentM|orlu.control.currentModeEx !orlu.control.algoType
+./run parameters hdr_pro|hdr_process_type
+./run parameters al|!all
+./run algorithms ni|night !jpegEncode
+./run formats RAW|RAW16 RAW_SENSOR !NV21
+./run samples hdr|hdr5 hdr7 !night
 ./run samples/nig|samples/night.json samples/night-async.json
 ./run nig|samples/night.json samples/night-async.json
 ./run ~/|~/mine.json ~/a !~/photo.jpg

@@ -43,7 +43,7 @@ public final class CommandFiles {
         String name = command.name();
         boolean isListed = command == Commands.USUAL || !command.about().isEmpty();
         rows.add(row(name, ".", isListed ? "listed" : "hidden", command.launch()));
-        CommandSpec spec = command.spec();
+        CommandSpec spec = Commands.specOf(command);
         for (ArgSpec argument : spec.positionalParameters()) {
             rows.add(row(name, "-", argument.paramLabel(), Launch.JAVA));
         }

@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.CatalogueCommand;
+import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.command.LauncherCommand;
@@ -94,8 +95,13 @@ final class Commands {
         return null;
     }
 
+    /** The options and arguments of a command, with --help. */
+    static CommandSpec specOf(Command command) {
+        return command.spec().addOption(Arguments.help());
+    }
+
     private static CommandLine reader(Command command) {
-        return new CommandLine(command.spec()).setOverwrittenOptionsAllowed(true);
+        return new CommandLine(specOf(command)).setOverwrittenOptionsAllowed(true);
     }
 
     private static String helpOf(Command command) {
@@ -140,7 +146,7 @@ final class Commands {
         CommandLine usual = reader(USUAL);
         for (Command command : NAMED) {
             if (!command.about().isEmpty()) {
-                CommandSpec spec = command.spec();
+                CommandSpec spec = specOf(command);
                 spec.usageMessage().description(command.about());
                 usual.addSubcommand(command.name(), spec);
             }

@@ -26,14 +26,15 @@ final class RunCommand implements Command {
             "./run samples/clarity.json            another request",
             "./run --params samples/capture.json   every parameter handed over",
             "./run --log --photo my.jpg            the library's log, frames of a photo",
-            "./run diff a.json b.json              what two requests do differently");
+            "./run diff a.json b.json              what two requests do differently",
+            "./run tags zoom                       what is known of the tags on zoom");
     private static final String STATUSES = """
 
             The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
             status is 0 when all went well, 1 when a request failed, 2 when the command line or a request \
             file can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
             opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
-            it ends the process, DIR/crash.log says where.
+            it ends the process, the file crash.log beside the images says where.
             """;
     private static final String VARIABLES = """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
@@ -54,39 +55,39 @@ final class RunCommand implements Command {
     public CommandSpec spec() {
         CommandSpec command = Arguments.command("[options] [request.json ...]", List.of(ABOUT), EXAMPLES)
                 .version(System.getProperty("orlu.version", "unknown"));
-        command.addOption(Arguments.flag("--params", "print every parameter handed to the algorithms"));
-        command.addOption(OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
-                .auxiliaryTypes(String.class).arity("1").userObject(Launch.TRIALS)
-                .description("say who wrote this parameter and which tags it depends on, found by trying: "
-                        + "a key, \"algorithms\" or \"all\" (docs/explain.md)").build());
-        command.addOption(Arguments.flag("--tags", "print what was read of each frame's tags, what was not, "
-                + "and what stands where one is absent", Launch.TRIALS));
-        command.addOption(Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type",
-                Launch.TRIALS));
-        command.addOption(Arguments.flag("--wide",
-                "print lines of any length, instead of cutting them to 80 columns"));
-        command.addOption(Arguments.flag("--arm",
-                "run the 32-bit ARM library, in an ARM JVM under an emulator", Launch.ARM));
-        command.addOption(Arguments.flag("--log", "show the library's log on standard error", Launch.LOG));
-        command.addOption(Arguments.path("--out", "DIR",
-                "write the resulting images there (default: out)"));
-        command.addOption(Arguments.path("--photo", "FILE",
-                "make the frames of this photo instead of the request's own"));
-        command.addOption(Arguments.flag("--one-client",
-                "run all requests on one client instead of one for each"));
-        command.addOption(Arguments.flag("--check",
-                "only read the request files and say whether they are right"));
-        command.addOption(Arguments.path("--json", "FILE",
-                "write parameters, algorithm lists, results, times and the verdict as JSON"));
-        command.addOption(Arguments.path("--events", "FILE",
-                "keep all that passed between the library and the algorithm library, and every look-up of a "
-                        + "tag, as JSON lines (docs/events.md)"));
-        command.addOption(Arguments.path("--timeline", "FILE",
-                "write a timeline of the run that trace viewers open (docs/timeline.md)"));
-        command.addOption(Arguments.path("--record", "DIR",
-                "record each request in a folder (docs/recording.md)", Launch.PIXELS));
+        Arguments.addGroup(command, "What is shown", List.of(
+                Arguments.flag("--params", "print every parameter handed to the algorithms"),
+                OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
+                        .auxiliaryTypes(String.class).arity("1").userObject(Launch.TRIALS)
+                        .description("say who wrote this parameter and which tags it depends on, found by "
+                                + "trying: a key, \"algorithms\" or \"all\" (docs/explain.md)").build(),
+                Arguments.flag("--tags", "print what was read of each frame's tags, what was not, and what "
+                        + "stands where one is absent", Launch.TRIALS),
+                Arguments.flag("--log", "show the library's log on standard error", Launch.LOG),
+                Arguments.flag("--wide",
+                        "print lines of any length, instead of cutting them to 80 columns")));
+        Arguments.addGroup(command, "What is written", List.of(
+                Arguments.path("--out", "DIR", "write the resulting images there (default: out)"),
+                Arguments.path("--json", "FILE",
+                        "write parameters, algorithm lists, results, times and the verdict as JSON"),
+                Arguments.path("--events", "FILE",
+                        "keep all that passed between the library and the algorithm library, and every "
+                                + "look-up of a tag, as JSON lines (docs/events.md)"),
+                Arguments.path("--timeline", "FILE",
+                        "write a timeline of the run that trace viewers open (docs/timeline.md)"),
+                Arguments.path("--record", "DIR", "record each request in a folder (docs/recording.md)",
+                        Launch.PIXELS)));
+        Arguments.addGroup(command, "What is run", List.of(
+                Arguments.flag("--check", "only read the request files and say whether they are right"),
+                Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type",
+                        Launch.TRIALS),
+                Arguments.path("--photo", "FILE",
+                        "make the frames of this photo instead of the request's own"),
+                Arguments.flag("--one-client", "run all requests on one client instead of one for each"),
+                Arguments.flag("--arm", "run the 32-bit ARM library, in an ARM JVM under an emulator",
+                        Launch.ARM)));
         command.addOption(OptionSpec.builder("--version").versionHelp(true).userObject(Launch.VERSION)
-                .order(Integer.MAX_VALUE).description("print the version").build());
+                .description("print the version").build());
         command.addPositional(Arguments.positional("request.json", 0, Path.class));
         addToHelp(command.usageMessage());
         return command;

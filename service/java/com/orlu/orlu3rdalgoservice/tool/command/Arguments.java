@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.command;
 import java.nio.file.Path;
 import java.util.List;
 
+import picocli.CommandLine.Model.ArgGroupSpec;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Model.OptionSpec;
 import picocli.CommandLine.Model.PositionalParamSpec;
@@ -19,13 +20,11 @@ public final class Arguments {
     }
 
     /**
-     * A command with the option --help. The synopsis is a line such as "info FOLDER...", the texts say what
+     * A command, to which Commands adds --help. The synopsis is a line such as "info FOLDER...", the texts say what
      * the command does, a paragraph each, and the examples are lines that can be typed.
      */
     public static CommandSpec command(String synopsis, List<String> texts, List<String> examples) {
         CommandSpec spec = CommandSpec.create().name("./run");
-        spec.addOption(OptionSpec.builder("--help", "-h").usageHelp(true).userObject(Launch.HELP)
-                .description("print this").order(Integer.MAX_VALUE).build());
         spec.usageMessage().width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
                 .customSynopsis("./run " + synopsis).description(paragraphs(texts))
                 .optionListHeading("%nOptions:%n");
@@ -50,6 +49,19 @@ public final class Arguments {
             lines[i] = "  " + examples.get(i);
         }
         return lines;
+    }
+
+    /** Options that stand together in the help, below a heading. */
+    public static void addGroup(CommandSpec spec, String heading, List<OptionSpec> options) {
+        ArgGroupSpec.Builder group = ArgGroupSpec.builder().heading("%n" + heading + ":%n").validate(false);
+        options.forEach(group::addArg);
+        spec.addArgGroup(group.build());
+    }
+
+    /** The option that every command has. */
+    public static OptionSpec help() {
+        return OptionSpec.builder("--help", "-h").usageHelp(true).userObject(Launch.HELP)
+                .description("print this").build();
     }
 
     /** An option without a value. */

@@ -57,7 +57,7 @@ final class JsonFileReader {
             String text = decoded(Files.readAllBytes(path), mistakes);
             return text == null ? null : new JsonFileReader(text, mistakes).document();
         } catch (NoSuchFileException e) {
-            mistakes.add(0, 0, "", "no such file");
+            mistakes.add(0, 0, "", "no such file" + NearestWord.questionOnFile(path));
         } catch (IOException e) {
             mistakes.add(0, 0, "", "can't be read");
         }

@@ -1,6 +1,13 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import java.io.IOException;
+import java.nio.file.DirectoryStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.Collection;
+import java.util.Collections;
+import java.util.List;
 import java.util.Locale;
 
 /** Finds what somebody who mistyped a word probably meant. */
@@ -32,6 +39,21 @@ public final class NearestWord {
     public static String question(String word, Collection<String> known) {
         String nearest = of(word, known);
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
+    }
+
+    /** The same for a request file that is not there, of those in its folder. */
+    static String questionOnFile(Path file) {
+        String ending = ".json";
+        List<String> names = new ArrayList<>();
+        Path folder = file.getParent() == null ? Path.of("") : file.getParent();
+        try (DirectoryStream<Path> files = Files.newDirectoryStream(folder, "*" + ending)) {
+            files.forEach(other -> names.add(other.getFileName().toString().replace(ending, "")));
+        } catch (IOException e) {
+            return "";
+        }
+        Collections.sort(names);
+        String nearest = of(file.getFileName().toString().replace(ending, ""), names);
+        return nearest == null ? "" : " (did you mean " + folder.resolve(nearest + ending) + "?)";
     }
 
     // The section of a tag is easily left out or mistaken: what is behind the last dot counts on its own as well.
