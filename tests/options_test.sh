@@ -28,6 +28,11 @@ trim a --out c --frames 1,x|--frames needs NUMBER, found "x"; see ./run trim --h
 diff a|diff needs two runs, or --lib twice; see ./run diff --help
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
+conform --onyl x|unknown option --onyl; see ./run conform --help
+conform --junit|--junit needs a value; see ./run conform --help
+conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help
+conform --seed few|--seed takes a number that is not negative, not "few"; see ./run conform --help
+conform a.so b.so|one library at a time, not "b.so" as well; see ./run conform --help
 REFUSED
 command_ends 2 mime.json b/minr.json none/mine.json
 for line in 'mime.json: no such file (did you mean mine.json?)' 'b/minr.json: no such file (did you mean b/mine.json?)' \

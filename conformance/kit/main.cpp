@@ -84,7 +84,7 @@ constexpr option kFlags[] = {
 
 // NOLINTBEGIN(concurrency-mt-unsafe): the command line is read before there is a second thread.
 [[noreturn]] void refuse(const std::string& text) {
-  std::fprintf(stderr, "conform: %s; see --help\n", text.c_str());
+  std::fprintf(stderr, "run: %s; see ./run conform --help\n", text.c_str());
   std::exit(2);
 }
 
@@ -100,7 +100,7 @@ std::string filterFor(const std::string& names) {
   std::string filter;
   std::istringstream list(names);
   for (std::string name; std::getline(list, name, ',');) {
-    if (!isCheck(name)) refuse("there is no check \"" + name + "\"");
+    if (!isCheck(name)) refuse("there is no check \"" + name + "\" (--list names all)");
     filter += ":conform." + name;
   }
   return filter;
@@ -123,7 +123,8 @@ void listChecks() {
 void readCommandLine(int argc, char** argv) {
   std::string filter;
   int index = 0;
-  for (int flag = 0; (flag = getopt_long(argc, argv, "", kFlags, &index)) != -1;) {
+  // Its own words would name this program by its path.
+  for (int flag = 0; (flag = getopt_long(argc, argv, ":", kFlags, &index)) != -1;) {
     Options& taken = options();
     switch (flag) {
       case kOnly:
@@ -159,8 +160,10 @@ void readCommandLine(int argc, char** argv) {
       case kHelp:
         std::fputs(kUsage, stdout);
         std::exit(0);
+      case ':':
+        refuse(std::string(argv[optind - 1]) + " needs a value");
       default:
-        std::exit(2);
+        refuse(std::string("unknown option ") + argv[optind - 1]);
     }
   }
   if (optind < argc) options().library = argv[optind++];

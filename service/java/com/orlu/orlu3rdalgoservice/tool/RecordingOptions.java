@@ -54,10 +54,10 @@ final class RecordingOptions {
             case "trim" -> trim();
             case "diff" -> diff();
             case "trials" -> recording(command("trials FOLDER --record FILE", "FOLDER", 1,
-                    List.of("Tries what each tag of a recording changes."), List.of()), "FILE");
+                    List.of("Tries what each tag of a recording changes."), List.of()), "FILE", Launch.JAVA);
             default -> {
                 CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER", Integer.MAX_VALUE,
-                        List.of("Runs recordings again and records that."), List.of()), "DIR");
+                        List.of("Runs recordings again and records that."), List.of()), "DIR", Launch.PIXELS);
                 spec.addOption(Arguments.flag("--arm", "run the 32-bit ARM library", Launch.ARM));
                 yield spec;
             }
@@ -118,8 +118,8 @@ final class RecordingOptions {
         return spec;
     }
 
-    private static CommandSpec recording(CommandSpec spec, String label) {
-        spec.addOption(Arguments.neededPath("--record", label, "where to", Launch.PIXELS));
+    private static CommandSpec recording(CommandSpec spec, String label, Launch launch) {
+        spec.addOption(Arguments.neededPath("--record", label, "where to", launch));
         return spec;
     }
 
