@@ -27,7 +27,7 @@ public final class CommandFiles {
     private CommandFiles() {
     }
 
-    /** Writes into the folder that the argument names: options.txt, and help/SUBCOMMAND.txt, but for conform's. */
+    /** Writes into the folder that is named: options.txt, and help/SUBCOMMAND.txt, but for conform's. */
     public static void main(String[] arguments) throws IOException {
         Path folder = Path.of(arguments[0]);
         Files.createDirectories(folder.resolve("help"));

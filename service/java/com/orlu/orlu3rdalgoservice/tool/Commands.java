@@ -123,7 +123,8 @@ final class Commands {
                             + first.paramLabel();
         }
         if (e.getArgSpec() instanceof OptionSpec option && e.getValue() != null) {
-            return option.longestName() + " needs " + option.paramLabel() + ", found \"" + e.getValue() + "\"";
+            return "%s needs %s, found \"%s\"".formatted(
+                    option.longestName(), option.paramLabel(), e.getValue());
         }
         return e.getMessage();
     }

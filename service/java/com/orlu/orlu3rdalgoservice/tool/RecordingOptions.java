@@ -16,6 +16,9 @@ import picocli.CommandLine.ParseResult;
 
 /** The command lines of the subcommands on recordings. */
 final class RecordingOptions {
+    private static final String FOLDERS =
+            "FOLDER is a recording, or a folder of recordings (docs/recording.md).";
+
     final String command;
     final List<Path> files;
     final List<Path> libraries;
@@ -49,15 +52,16 @@ final class RecordingOptions {
     static CommandSpec spec(String name) {
         return switch (name) {
             case "info" -> command("info FOLDER...", "FOLDER", Integer.MAX_VALUE,
-                    List.of("Says what is in recordings."), List.of("./run info shots"));
+                    List.of("Says what is in recordings: the request, its frames and images, how far it "
+                            + "came.", FOLDERS), List.of("./run info shots"));
             case "replay" -> replay();
             case "trim" -> trim();
             case "diff" -> diff();
             case "trials" -> recording(command("trials FOLDER --record FILE", "FOLDER", 1,
                     List.of("Tries what each tag of a recording changes."), List.of()), "FILE", Launch.JAVA);
             default -> {
-                CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER", Integer.MAX_VALUE,
-                        List.of("Runs recordings again and records that."), List.of()), "DIR", Launch.PIXELS);
+                CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER",
+                        Integer.MAX_VALUE, List.of("Runs recordings again and records that."), List.of()), "DIR", Launch.PIXELS);
                 spec.addOption(Arguments.flag("--arm", "run the 32-bit ARM library", Launch.ARM));
                 yield spec;
             }
@@ -67,7 +71,7 @@ final class RecordingOptions {
     private static CommandSpec replay() {
         CommandSpec spec = command("replay [options] FOLDER...", "FOLDER", Integer.MAX_VALUE,
                 List.of("Runs recordings again, and compares what they do with what was recorded. The status "
-                        + "is 0 when all is equal, 1 when something is different."),
+                        + "is 0 when all is equal, 1 when something is different.", FOLDERS),
                 List.of("./run --record shots samples/night.json", "./run replay shots",
                         "./run replay shots --against other/liborlu.vac.interface.so"));
         spec.addOption(Arguments.path("--against", "LIBRARY",
@@ -80,19 +84,21 @@ final class RecordingOptions {
 
     private static CommandSpec trim() {
         CommandSpec spec = command("trim [options] FOLDER --out DIR", "FOLDER", 1,
-                List.of("Writes a smaller copy of a recording."),
+                List.of("Writes a smaller copy of a recording (docs/recording.md)."),
                 List.of("./run trim shots/000001-request-101 --out few --frames 0,2"));
-        spec.addOption(Arguments.neededPath("--out", "DIR", "the folder of the copy, which must not be there"));
-        spec.addOption(Arguments.list("--frames", "NUMBER", Integer.class, "keep these frames and their inputs, "
-                + "and leave out what came of the request").splitRegex(",").build());
+        spec.addOption(Arguments.neededPath("--out", "DIR",
+                "the folder of the copy, which must not be there"));
+        spec.addOption(Arguments.list("--frames", "NUMBER", Integer.class, "keep these frames and their "
+                + "inputs, and leave out what came of the request").splitRegex(",").build());
         spec.addOption(Arguments.flag("--no-pixels", "leave the pixels out"));
         return spec;
     }
 
     private static CommandSpec diff() {
         CommandSpec spec = command("diff [options] A [B]", "A", 2,
-                List.of("Compares two runs: recordings or folders of them, events, or request files, which "
-                        + "are run first. The status is 0 when all is equal, 1 when something is different."),
+                List.of("Compares two runs. A and B are recordings or folders of them, files that "
+                        + "--events wrote, or request files, which are run first. The status is 0 when all is "
+                        + "equal, 1 when something is different."),
                 List.of("./run diff samples/night.json samples/night-async.json",
                         "./run diff samples/night.json --lib old.so --lib new.so"));
         spec.addOption(Arguments.list("--lib", "LIBRARY", Path.class,
@@ -107,7 +113,8 @@ final class RecordingOptions {
         spec.addOption(Arguments.list("--ignore", "NAME", String.class,
                 "leave out this parameter, value put, call or output; can be given again").build());
         spec.addOption(OptionSpec.builder("--tolerance").paramLabel("NUMBER").type(Double.class)
-                .description("take numbers and samples of 255 that differ by no more for equal").build());
+                .description("take for equal what differs by no more: numbers, and samples of images from "
+                        + "0 to 255").build());
         spec.addOption(Arguments.path("--out", "DIR", "write pictures of outputs that differ there"));
     }
 
