@@ -10,7 +10,7 @@ import java.util.regex.Pattern;
 
 /**
  * The probe's events of one request, cut out of the file that they go into, and the pixels that the probe
- * kept of it, which are moved from the probe's folder into the recording's where they are not those of Java.
+ * kept of it, which are moved out of the probe's folder where they are not those of Java.
  */
 final class EventCopy {
     /** The probe's environment variables: its file of events, and its folder of pixels. */
@@ -25,7 +25,9 @@ final class EventCopy {
         mStart = events.length();
     }
 
-    /** The events from here on, noted for whoever reads a recording whose process ended; null without a probe. */
+    /**
+     * The events from here on, noted for whoever reads a recording whose process ended; null without a probe.
+     */
     static EventCopy begin(RecordFile to) throws IOException {
         String path = System.getenv(EVENTS_VARIABLE);
         if (path == null || path.isEmpty()) {

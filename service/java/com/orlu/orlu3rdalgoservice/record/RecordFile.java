@@ -69,8 +69,8 @@ final class RecordFile implements AutoCloseable {
     }
 
     /**
-     * Moves a file of this check into the folder, under its name; one whose bytes are in the folder already is
-     * only removed. Returns false for one that is too large, which is removed as well.
+     * Moves a file of this check into the folder, under its name; one whose bytes are in the folder already
+     * is only removed. Returns false for one that is too large, which is removed as well.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

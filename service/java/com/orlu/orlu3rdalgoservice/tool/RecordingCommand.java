@@ -5,27 +5,18 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
-import com.orlu.orlu3rdalgoservice.tool.image.Progress;
-import com.orlu.orlu3rdalgoservice.tool.recording.Causes;
-import com.orlu.orlu3rdalgoservice.tool.recording.Comparison;
-import com.orlu.orlu3rdalgoservice.tool.recording.Difference;
-import com.orlu.orlu3rdalgoservice.tool.recording.GivenTag;
-import com.orlu.orlu3rdalgoservice.tool.recording.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordingSummary;
 import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.recording.Trimmer;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
-import java.util.HashSet;
 import java.util.List;
-import java.util.Set;
 import java.util.stream.Stream;
 
 import picocli.CommandLine.Model.CommandSpec;
@@ -36,7 +27,6 @@ import picocli.CommandLine.ParseResult;
  * own. Its trials, likewise, are TrialSession's.
  */
 final class RecordingCommand implements Command {
-    private static final int SHOWN = 20;
     private static final int EQUAL = 0;
     private static final int DIFFERENT = 1;
 
@@ -208,46 +198,7 @@ final class RecordingCommand implements Command {
 
     private int compare(String title, RunRecord one, RunRecord other)
             throws RequestFileException, IOException {
-        Set<String> ignored = new HashSet<>(mOptions.ignored);
-        String name = Path.of(one.name()).getFileName().toString().replaceFirst("(\\.json)?( with .*)?$", "");
-        Comparison comparison = new Comparison(one, other, ignored, mOptions.tolerance,
-                new OutputComparison(mOptions.out, name));
-        List<Difference> differences = comparison.differences();
-        List<GivenTag> given = GivenTag.of(one, other);
-        Causes causes = mOptions.explains && !given.isEmpty()
-                && differences.stream().anyMatch(Difference::canComeFromTags)
-                ? causes(given, one, other) : null;
-        System.out.println(title + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
-                + comparison.compared());
-        for (Difference difference : differences.subList(0, Math.min(SHOWN, differences.size()))) {
-            System.out.println("  " + difference.text());
-            if (causes != null && difference.canComeFromTags()) {
-                causes.lines(difference).forEach(line -> System.out.println("    " + line));
-            }
-        }
-        if (differences.size() > SHOWN) {
-            System.out.println("  and " + (differences.size() - SHOWN) + " differences more");
-        }
-        comparison.notes().forEach(note -> System.out.println("  note: " + note));
-        if (given.isEmpty() && differences.stream().anyMatch(Difference::canComeFromTags)) {
-            System.out.println("  note: " + (one.folder() == null || other.folder() == null
-                    ? "events alone don't say because of which tags parameters differ"
-                    : "no tag differs: the library, a property, the number of frames or the images do"));
-        } else if (causes != null && !causes.problem().isEmpty()) {
-            System.out.println("  note: tags are not known, or not all: " + causes.problem());
-        }
-        return differences.isEmpty() ? EQUAL : DIFFERENT;
-    }
-
-    // A tag may matter in one of the runs alone, so that both are tried.
-    private static Causes causes(List<GivenTag> given, RunRecord one, RunRecord other) throws IOException {
-        List<Dependences> found = new ArrayList<>();
-        for (RunRecord run : List.of(one, other)) {
-            Progress.show("trying what each tag of " + run.name() + " changes");
-            found.add(new ChildRun("trials", false, null).trials(run.folder()));
-        }
-        Progress.end();
-        return new Causes(given, found);
+        return new ComparisonReport(mOptions, one, other).print(title) ? EQUAL : DIFFERENT;
     }
 
     private static Path only(Path folder) throws RequestFileException, IOException {

@@ -7,8 +7,11 @@ import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.HashMap;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.Set;
+import java.util.TreeSet;
 
 /**
  * Says because of which tags a parameter of two runs differs: those that the runs were given differently, and
@@ -37,14 +40,18 @@ public final class Causes {
         }
     }
 
-    /** The lines on a difference that can come from tags; the tags that change least else are first. */
+    /**
+     * The lines on a difference that can come from tags, each with its frames; the tags that change least
+     * else are first. Where no tag that differs explains it, the last line says on what it depends all the
+     * same.
+     */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();
-        List<GivenTag> tags = mGiven.stream().filter(tag -> changes(tag, name))
-                .sorted(Comparator.comparingInt(this::reach)).toList();
+        List<List<GivenTag>> tags = GivenNotes.grouped(mGiven.stream().filter(tag -> changes(tag, name))
+                .sorted(Comparator.comparingInt(this::reach)).toList());
         List<String> lines = new ArrayList<>();
-        for (GivenTag tag : tags.subList(0, Math.min(SHOWN, tags.size()))) {
-            lines.add("because of frame " + tag.frame() + " " + tag.text());
+        for (List<GivenTag> tag : tags.subList(0, Math.min(SHOWN, tags.size()))) {
+            lines.add("because of " + GivenNotes.text(tag, ""));
         }
         if (tags.size() > SHOWN) {
             lines.add("and " + (tags.size() - SHOWN) + " tags more");
@@ -52,9 +59,25 @@ public final class Causes {
         if (tags.isEmpty()) {
             lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
                     ? Handover.shortName(name) + " changes by itself: no two translations agree"
-                    : "no tag that differs explains it");
+                    : "no tag that differs explains it; " + dependsOn(name));
         }
         return lines;
+    }
+
+    // The tags of a parameter, whether they differ or not.
+    private String dependsOn(String name) {
+        Map<String, Set<Integer>> tags = new LinkedHashMap<>();
+        mRuns.stream().flatMap(run -> run.of(name).stream())
+                .sorted(Comparator.comparingInt(tag -> tag.parameters().size()))
+                .forEach(tag -> tags.computeIfAbsent(tag.tag(), key -> new TreeSet<>()).add(tag.frame()));
+        if (tags.isEmpty()) {
+            return mRuns.stream().allMatch(run -> run.problem().isEmpty()) ? "it depends on no tag of any frame"
+                    : "on which it depends is not known";
+        }
+        List<String> found = new ArrayList<>();
+        tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));
+        return "it depends on " + String.join(", ", found.subList(0, Math.min(SHOWN, found.size())))
+                + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " tags more" : "");
     }
 
     /** What the trials can't be relied on for, "" when they can. */

@@ -3,18 +3,15 @@ package com.orlu.orlu3rdalgoservice.tool.recording;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
-import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
 import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
 import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Map;
-import java.util.Objects;
 import java.util.Set;
 
 /**
@@ -25,12 +22,10 @@ public final class Comparison {
     // An address of the process.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
-    private static final int MOST_INPUTS = 12;
-
     private final RunRecord mOne;
     private final RunRecord mOther;
     private final Set<String> mIgnored;
-    private final double mTolerance;
+    private final Closeness mCloseness;
     private final OutputComparison mOutputs;
     private final List<Difference> mDifferences = new ArrayList<>();
 
@@ -43,7 +38,7 @@ public final class Comparison {
         mOne = one;
         mOther = other;
         mIgnored = ignored;
-        mTolerance = tolerance;
+        mCloseness = new Closeness(tolerance);
         mOutputs = outputs;
     }
 
@@ -54,7 +49,8 @@ public final class Comparison {
             differ("end", "reached", "not reached");
         }
         if (mOne.hasEvents() && mOther.hasEvents()) {
-            compareParameters(bothComplete);
+            mDifferences.addAll(
+                    new ParameterComparison(mIgnored, mCloseness).differences(mOne, mOther, bothComplete));
             compareCameraMetadata(bothComplete);
             compareAlgorithms(mOne.algorithms(), mOther.algorithms(), bothComplete);
         }
@@ -78,7 +74,7 @@ public final class Comparison {
                 notes.add(run.name() + " did not come to its end: compared up to there");
             }
         }
-        notes.addAll(inputs());
+        notes.addAll(new GivenNotes(mOne, mOther).lines());
         for (RunRecord run : List.of(mOne, mOther)) {
             run.handed().stream().filter(image -> image.match() == HandedImage.Match.DIFFERENT).forEach(
                     image -> notes.add(run.name() + ": " + image.name() + ": " + image.text()));
@@ -90,38 +86,6 @@ public final class Comparison {
             }
         });
         return notes;
-    }
-
-    private List<String> inputs() {
-        List<GivenTag> given = GivenTag.of(mOne, mOther);
-        List<String> lines = new ArrayList<>(settings());
-        given.stream().limit(MOST_INPUTS).forEach(tag
-                -> lines.add("frame " + tag.frame() + " was given " + tag.text()));
-        if (given.size() > MOST_INPUTS) {
-            lines.add("and " + (given.size() - MOST_INPUTS) + " other values given differ");
-        }
-        return lines;
-    }
-
-    private List<String> settings() {
-        if (mOne.folder() == null || mOther.folder() == null) {
-            return List.of();
-        }
-        Set<String> names = new LinkedHashSet<>(mOne.settings().keySet());
-        names.addAll(mOther.settings().keySet());
-        List<String> lines = new ArrayList<>();
-        for (String name : names) {
-            JsonElement one = mOne.settings().get(name);
-            JsonElement other = mOther.settings().get(name);
-            if (!Objects.equals(one, other)) {
-                lines.add("given " + name + " = " + (one == null ? "none" : one) + " / "
-                        + (other == null ? "none" : other));
-            }
-        }
-        if (mOne.frames().size() != mOther.frames().size()) {
-            lines.add("given frames: " + mOne.frames().size() + " / " + mOther.frames().size());
-        }
-        return lines;
     }
 
     /** How much was compared. */
@@ -138,96 +102,6 @@ public final class Comparison {
 
     private void differIn(String parameter, String what, Object one, Object other) {
         mDifferences.add(new Difference(what + ": " + one + " / " + other, parameter));
-    }
-
-    private List<Parameter> wanted(RunRecord run) {
-        return run.parameters()
-                .stream()
-                .filter(parameter
-                        -> !mIgnored.contains(parameter.name()) && !mIgnored.contains(parameter.key()))
-                .toList();
-    }
-
-    private void compareParameters(boolean whole) {
-        List<Parameter> one = wanted(mOne);
-        List<Parameter> other = wanted(mOther);
-        int common = Math.min(one.size(), other.size());
-        for (int i = 0; i < common; ++i) {
-            if (!one.get(i).name().equals(other.get(i).name())) {
-                differ("parameter " + i, text(one.get(i)),
-                        text(other.get(i)) + ", another order from there on");
-                compareByKey(one, other, whole);
-                return;
-            }
-            compareValues("parameter " + i + " ", one, other, one.get(i), other.get(i));
-        }
-        if (whole && one.size() != other.size()) {
-            boolean isOne = one.size() > common;
-            Parameter more = (isOne ? one : other).get(common);
-            differIn(more.fullName(), "parameter " + common, isOne ? text(more) : "none",
-                    isOne ? "none" : text(more));
-            differ("parameters", one.size() + " in all", other.size() + " in all");
-        }
-    }
-
-    private static String text(Parameter parameter) {
-        return parameter.name() + " = " + parameter.text();
-    }
-
-    private void compareValues(
-            String where, List<Parameter> ones, List<Parameter> others, Parameter one, Parameter other) {
-        if (!Arrays.equals(one.bytes(), other.bytes()) && !isClose(one.json(), other.json())) {
-            // A key that is written for each frame, or again, says which write it is.
-            int writes = countOf(ones, one.name());
-            String write = writes > 1 ? ", write " + indexOf(ones, one) + " of " + writes : "";
-            differIn(one.fullName(), where + one.name() + write, one.text(), other.text());
-        }
-    }
-
-    private static int countOf(List<Parameter> parameters, String name) {
-        return (int) parameters.stream().filter(parameter -> parameter.name().equals(name)).count();
-    }
-
-    private static int indexOf(List<Parameter> parameters, Parameter wanted) {
-        int index = 0;
-        for (Parameter parameter : parameters) {
-            index += parameter.name().equals(wanted.name()) ? 1 : 0;
-            if (parameter == wanted) {
-                break;
-            }
-        }
-        return index;
-    }
-
-    private void compareByKey(List<Parameter> one, List<Parameter> other, boolean whole) {
-        Map<String, List<Parameter>> ones = byName(one);
-        Map<String, List<Parameter>> others = byName(other);
-        Set<String> names = new LinkedHashSet<>(ones.keySet());
-        names.addAll(others.keySet());
-        for (String name : names) {
-            List<Parameter> left = ones.getOrDefault(name, List.of());
-            List<Parameter> right = others.getOrDefault(name, List.of());
-            for (int i = 0; i < Math.min(left.size(), right.size()); ++i) {
-                compareValues("parameter ", one, other, left.get(i), right.get(i));
-            }
-            if (whole && left.size() != right.size()) {
-                differIn((left.isEmpty() ? right : left).get(0).fullName(), "parameter " + name,
-                        written(left), written(right));
-            }
-        }
-    }
-
-    private static Map<String, List<Parameter>> byName(List<Parameter> parameters) {
-        Map<String, List<Parameter>> byName = new LinkedHashMap<>();
-        parameters.forEach(parameter
-                -> byName.computeIfAbsent(parameter.name(), name -> new ArrayList<>()).add(parameter));
-        return byName;
-    }
-
-    private static String written(List<Parameter> writes) {
-        return writes.isEmpty() ? "not written"
-                                : "written " + writes.size() + (writes.size() == 1 ? " time, " : " times, ")
-                        + writes.get(0).text();
     }
 
     private void compareCameraMetadata(boolean whole) {
@@ -278,8 +152,10 @@ public final class Comparison {
             keys.removeAll(mIgnored);
             keys.removeAll(NEVER_EQUAL);
             for (String key : keys) {
-                if (!isClose(one.get(key), other.get(key))) {
-                    differ("frame " + frame + " put " + key, text(one.get(key)), text(other.get(key)));
+                if (!mCloseness.isClose(one.get(key), other.get(key))) {
+                    mDifferences.add(new Difference("frame " + frame + " put " + key + ": "
+                            + ValueDifference.of(text(one.get(key)), text(other.get(key)),
+                                    list(one.get(key)), list(other.get(key))), ""));
                 }
             }
         }
@@ -287,6 +163,13 @@ public final class Comparison {
 
     private static String text(JsonElement put) {
         return put == null ? "not put" : put.toString();
+    }
+
+    // The elements of a value that is a list: {"ints": [1, 2]}.
+    private static JsonElement list(JsonElement put) {
+        return put instanceof JsonObject typed && typed.size() == 1
+                ? typed.entrySet().iterator().next().getValue()
+                : put;
     }
 
     // What the library was given and left, beside what Java had; only of runs whose probes kept pixels.
@@ -311,34 +194,9 @@ public final class Comparison {
         }
         for (int i = 0; i < Math.min(mOne.results().size(), mOther.results().size()); ++i) {
             if (!mIgnored.contains("output " + i)) {
-                mOutputs.differences(i, mOne.results().get(i), mOther.results().get(i), mTolerance)
+                mOutputs.differences(i, mOne.results().get(i), mOther.results().get(i), mCloseness.tolerance())
                         .forEach(line -> mDifferences.add(new Difference(line, "")));
             }
         }
-    }
-
-    // Numbers at the same place of the same structure; all else must be equal.
-    private boolean isClose(JsonElement one, JsonElement other) {
-        if (one == null || other == null) {
-            return one == other;
-        }
-        if (one.isJsonArray() && other.isJsonArray()
-                && one.getAsJsonArray().size() == other.getAsJsonArray().size()) {
-            for (int i = 0; i < one.getAsJsonArray().size(); ++i) {
-                if (!isClose(one.getAsJsonArray().get(i), other.getAsJsonArray().get(i))) {
-                    return false;
-                }
-            }
-            return true;
-        }
-        if (one instanceof JsonObject left && other instanceof JsonObject right
-                && left.keySet().equals(right.keySet())) {
-            return left.keySet().stream().allMatch(name -> isClose(left.get(name), right.get(name)));
-        }
-        boolean areNumbers = one.isJsonPrimitive() && other.isJsonPrimitive()
-                && one.getAsJsonPrimitive().isNumber() && other.getAsJsonPrimitive().isNumber();
-        return Objects.equals(one, other)
-                || mTolerance > 0 && areNumbers
-                && Math.abs(one.getAsDouble() - other.getAsDouble()) <= mTolerance;
     }
 }

@@ -21,7 +21,7 @@ import java.util.List;
 record HandedImage(String call, String kind, int index, String text, Match match) {
     enum Match { SAME, DIFFERENT, UNKNOWN }
 
-    private static final String SAME = "as Java has it";
+    private static final String AS_IN_JAVA = "as Java has it";
 
     /** All that the probe kept of a recording; none without its pixels. */
     static List<HandedImage> of(RecordedRequest recorded) throws RequestFileException {
@@ -50,8 +50,8 @@ record HandedImage(String call, String kind, int index, String text, Match match
             try {
                 int at = mismatch(recorded, event, counterpart);
                 match = at < 0 ? Match.SAME : Match.DIFFERENT;
-                text = at < 0 ? SAME
-                        : "not " + SAME + " from byte " + at + " on"
+                text = at < 0 ? AS_IN_JAVA
+                        : "not " + AS_IN_JAVA + " from byte " + at + " on"
                                 + (isInput ? "" : ": written after the callback");
             } catch (RequestFileException e) {
                 text = e.getMessage();
@@ -79,7 +79,7 @@ record HandedImage(String call, String kind, int index, String text, Match match
         return isThere ? "" : "not kept";
     }
 
-    // The first byte that differs from Java's, -1 for none. The recorder leaves a file out whose bytes it has.
+    // The first byte that differs from Java's, -1 for none. A file whose bytes the recorder has is left out.
     private static int mismatch(RecordedRequest recorded, Event event, RecordedImage inJava)
             throws RequestFileException {
         if (isOfSameCheck(event, inJava)) {

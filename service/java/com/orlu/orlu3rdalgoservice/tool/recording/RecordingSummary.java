@@ -9,17 +9,22 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.PrintStream;
 import java.time.Instant;
+import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 
 /** Says what is in a recording. */
 public final class RecordingSummary {
+    private static final int LABEL_WIDTH = 18;
+
     private final RecordedRequest mRecorded;
     private final PrintStream mTo;
+    private final WrappedLines mLines;
 
     public RecordingSummary(RecordedRequest recorded, PrintStream to) {
         mRecorded = recorded;
         mTo = to;
+        mLines = new WrappedLines(to);
     }
 
     /** Prints a line on each thing, down to where the recording ends. */
@@ -37,7 +42,10 @@ public final class RecordingSummary {
         for (String name : List.of("client", "properties")) {
             JsonObject part = mRecorded.part(name);
             if (part != null && part.getAsJsonObject("values").size() > 0) {
-                line(name, part.get("values").toString());
+                List<String> values = new ArrayList<>();
+                part.getAsJsonObject("values").entrySet().forEach(
+                        value -> values.add(value.getKey() + " = " + value.getValue()));
+                line(name, String.join(", ", values));
             }
         }
         printFrames();
@@ -48,23 +56,42 @@ public final class RecordingSummary {
     }
 
     private void line(String name, String text) {
-        mTo.printf("  %-11s %s%n", name, text);
+        mLines.print(2, LABEL_WIDTH, name, text);
     }
 
-    private void printFrames() {
-        int frame = 0;
-        for (JsonObject part : mRecorded.parts("frame")) {
-            line("frame " + frame++, part.getAsJsonObject("captureResult").size() + " tags of the camera, "
-                    + part.getAsJsonObject("composition").size() + " values of the service");
+    // One line for those that follow each other and have the same text: "frame 1 to 6".
+    private void lines(String name, List<String> texts) {
+        for (int start = 0; start < texts.size();) {
+            int end = start + 1;
+            while (end < texts.size() && texts.get(end).equals(texts.get(start))) {
+                ++end;
+            }
+            line(name + " " + start + (end - start == 1 ? "" : " to " + (end - 1)), texts.get(start));
+            start = end;
         }
     }
 
+    private void printFrames() {
+        lines("frame", mRecorded.parts("frame").stream().map(part ->
+                part.getAsJsonObject("captureResult").size() + " tags of the camera, "
+                        + part.getAsJsonObject("composition").size() + " values of the service").toList());
+    }
+
     private void printImages(String part) {
-        int index = 0;
-        for (RecordedImage image : mRecorded.images(part)) {
-            String bytes = image.hasBytes() ? image.part().get("file").getAsString()
-                    : image.part().has("kept") ? "bytes not kept" : "";
-            line(part + " " + index++, image.text() + (bytes.isEmpty() ? "" : ", " + bytes));
+        lines(part, mRecorded.images(part).stream().map(image -> image.text() + bytes(image)).toList());
+    }
+
+    private static String bytes(RecordedImage image) {
+        if (!image.hasBytes()) {
+            return image.part().has("kept") ? ", bytes not kept" : "";
+        }
+        return ", " + image.number("size") + " bytes";
+    }
+
+    private void printHanded(List<HandedImage> images) {
+        for (String call : List.of("process", "callback")) {
+            lines(call + (call.equals("process") ? " in" : " out"),
+                    images.stream().filter(image -> image.call().equals(call)).map(HandedImage::text).toList());
         }
     }
 
@@ -84,9 +111,7 @@ public final class RecordingSummary {
         int puts = run.puts().stream().mapToInt(Map::size).sum();
         line("put", puts + " values into " + run.puts().size() + " frames");
         printImages("result");
-        for (HandedImage image : run.handed()) {
-            line(image.call(), image.kind() + " " + image.index() + ", " + image.text());
-        }
+        printHanded(run.handed());
         // The callback of a full-async request returns after its results were fetched.
         if (!mRecorded.isComplete()) {
             events.open().forEach(call -> line("open", call.operation() + " has not returned"));

@@ -33,6 +33,7 @@ public final class RunRecord {
     private final List<RecordedImage> mResults;
     private final List<JsonObject> mFrames = new ArrayList<>();
     private final Map<String, JsonElement> mSettings = new LinkedHashMap<>();
+    private final List<RecordedImage> mInputs = new ArrayList<>();
     private final List<HandedImage> mHanded = new ArrayList<>();
     private Path mFolder;
 
@@ -75,6 +76,7 @@ public final class RunRecord {
             }
         }
         run.mFolder = recorded.folder();
+        run.mInputs.addAll(recorded.images("input"));
         run.mHanded.addAll(HandedImage.of(recorded));
         run.mFrames.addAll(recorded.parts("frame"));
         run.addSettings("client ", recorded.part("client"));
@@ -176,6 +178,11 @@ public final class RunRecord {
     /** What went in beside the frames and images, by what it is: "property ...", "client ...". */
     Map<String, JsonElement> settings() {
         return mSettings;
+    }
+
+    /** The images that went in. */
+    List<RecordedImage> inputs() {
+        return mInputs;
     }
 
     /** The images as the algorithm library saw them; none where the probe kept none. */
