@@ -57,8 +57,8 @@ def check_once(file, kinds):
         if kind not in kinds:
             failures.append(f"{file.relative_to(ROOT)}:{number}: unknown kind {kind}")
     for name, found in said.items():
-        failures.extend(f"{file.relative_to(ROOT)}: {name} needs {least} row {kind}" for kind, least in kinds.items()
-                        if least and found.count(kind) != least)
+        failures.extend(f"{file.relative_to(ROOT)}: {name} needs {least} row {kind}"
+                        for kind, least in kinds.items() if least and found.count(kind) != least)
 
 
 def check_names(file, columns, names, what, every=True, once=True, sentence=True):

@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.CatalogueCommand;
+import com.orlu.orlu3rdalgoservice.tool.catalogue.NewCommand;
+import com.orlu.orlu3rdalgoservice.tool.catalogue.SchemaCommand;
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
@@ -43,6 +45,8 @@ final class Commands {
             new CatalogueCommand("formats", "list image formats: planes, strides, files", "FORMAT",
                     "RAW16"),
             new CatalogueCommand("samples", "list the samples and what each shows", "SAMPLE", "night"),
+            new NewCommand(),
+            new SchemaCommand(),
             new LauncherCommand("completion", "print the completion for bash", Launch.COMPLETION,
                     List.of("Prints what lets bash complete subcommands, options and their values, for this "
                             + "and any other checkout's ./run."),

@@ -14,8 +14,8 @@ final class AlgorithmCatalogue implements Catalogue {
 
     @Override
     public String help() {
-        return "Lists the algorithms that a request can ask for. Of one it says also when the library adds it "
-                + "or takes it out, what changes when it is in the list, what is read back, whether the "
+        return "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
+                + "it or takes it out, what changes when it is in the list, what is read back, whether the "
                 + "stand-in runs it, and what became of it in each sample.";
     }
 

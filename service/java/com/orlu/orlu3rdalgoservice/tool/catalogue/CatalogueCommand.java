@@ -11,7 +11,7 @@ import java.util.List;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
-/** A subcommand that shows a part of the catalogue: all of it, what a word is a part of, or one entry whole. */
+/** A subcommand that shows a part of the catalogue: all, what a word is a part of, or one entry whole. */
 public final class CatalogueCommand implements Command {
     private final String mName;
     private final String mAbout;
@@ -53,7 +53,8 @@ public final class CatalogueCommand implements Command {
     @Override
     public CommandSpec spec() {
         CommandSpec spec = Arguments.command(name() + " [" + mLabel + "] [--json]",
-                List.of(catalogue().help(), mLabel + " is a part of a name, or a whole one, of which all is shown."),
+                List.of(catalogue().help(),
+                        mLabel + " is a part of a name, or a whole one, of which all is shown."),
                 List.of("./run " + name(), "./run " + name() + " " + mExample));
         spec.addPositional(Arguments.positional(mLabel, 0, 1, String.class));
         spec.addOption(Arguments.flag("--json", "print all that is known of each, as a JSON list"));

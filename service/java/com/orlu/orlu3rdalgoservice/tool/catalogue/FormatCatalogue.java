@@ -13,9 +13,9 @@ final class FormatCatalogue implements Catalogue {
 
     @Override
     public String help() {
-        return "Lists the image formats: what the pixels are, the code that the algorithm library gets, planes, "
-                + "bytes of a row of a picture W pixels wide, what becomes of strides, which files a request "
-                + "file can fill an image from, and which samples have it.";
+        return "Lists the image formats: what the pixels are, the code that the algorithm library gets, "
+                + "planes, bytes of a row of a picture W pixels wide, what becomes of strides, which files a "
+                + "request file can fill an image from, and which samples have it.";
     }
 
     @Override

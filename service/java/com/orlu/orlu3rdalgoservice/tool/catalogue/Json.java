@@ -18,7 +18,7 @@ import java.util.Map;
 /** JSON as maps, lists, texts, numbers and flags. */
 final class Json {
     private static final JsonFactory FACTORY = new JsonFactory()
-            .enable(JsonParser.Feature.ALLOW_COMMENTS).enable(JsonParser.Feature.ALLOW_YAML_COMMENTS);
+            .enable(JsonParser.Feature.ALLOW_COMMENTS);
 
     private Json() {
     }

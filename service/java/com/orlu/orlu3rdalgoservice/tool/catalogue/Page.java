@@ -106,7 +106,8 @@ final class Page {
 
     // "readBy" as "read by".
     private static String label(String field) {
-        return field.equals("standIn") ? "stand-in" : field.replaceAll("([A-Z])", " $1").toLowerCase(Locale.ROOT);
+        return field.equals("standIn") ? "stand-in"
+                : field.replaceAll("([A-Z])", " $1").toLowerCase(Locale.ROOT);
     }
 
     private static String pad(String text, int width) {

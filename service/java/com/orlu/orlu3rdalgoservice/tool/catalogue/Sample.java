@@ -74,7 +74,8 @@ record Sample(String name, Map<String, Object> request) {
     }
 
     int frames() {
-        return frameSet().get("count") instanceof Number count ? count.intValue() : Math.max(1, each().size());
+        return frameSet().get("count") instanceof Number count ? count.intValue()
+                : Math.max(1, each().size());
     }
 
     /** The images of a part, "inputs" or "outputs", each kind once: "7 NV21, shared". */

@@ -13,8 +13,8 @@ final class SampleCatalogue implements Catalogue {
 
     @Override
     public String help() {
-        return "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it says "
-                + "also its images, and the tags that few other samples set.";
+        return "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it "
+                + "says also its images, and the tags that few other samples set.";
     }
 
     @Override
@@ -36,7 +36,8 @@ final class SampleCatalogue implements Catalogue {
     }
 
     private static Entry entry(Sample sample, Map<String, Integer> uses, int few) {
-        List<String> rare = sample.tags().keySet().stream().filter(tag -> uses.get(tag) <= few).sorted().toList();
+        List<String> rare = sample.tags().keySet().stream()
+                .filter(tag -> uses.get(tag) <= few).sorted().toList();
         int frames = sample.frames();
         return new Entry(sample.name()).with("about", sample.about())
                 .with("file", "samples/" + sample.name() + ".json")

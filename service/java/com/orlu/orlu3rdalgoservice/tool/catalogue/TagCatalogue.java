@@ -23,8 +23,8 @@ final class TagCatalogue implements Catalogue {
 
     @Override
     public String help() {
-        return "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it says "
-                + "also which values have a meaning, which functions read it or put it back, which "
+        return "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it "
+                + "says also which values have a meaning, which functions read it or put it back, which "
                 + "parameters change with it, what those are where no tag is there, and what samples set.";
     }
 
@@ -91,7 +91,8 @@ final class TagCatalogue implements Catalogue {
         for (Sample sample : samples) {
             Map<String, Object> tags = sample.tags();
             if (tags.containsKey(tag)) {
-                byValue.merge(shortened(Json.line(tags.get(tag))), sample.name(), (one, more) -> one + ", " + more);
+                byValue.merge(shortened(Json.line(tags.get(tag))), sample.name(),
+                        (one, more) -> one + ", " + more);
             }
         }
         return records("value", byValue, "in");

@@ -44,8 +44,10 @@ public final class RequestFileReader {
     }
 
     private RequestFile root(JsonField field) throws RequestFileException {
-        JsonMembers members = field.members("about", "request", "client", "properties", "algorithms",
-                "fullAsync", "photo", "frames", "inputs", "outputs");
+        JsonMembers members = field.members("$schema", "about", "request", "client", "properties",
+                "algorithms", "fullAsync", "photo", "frames", "inputs", "outputs");
+        // For editors alone.
+        members.string("$schema", "");
         JsonMembers request = mMistakes.attempt(
                 () -> members.require("request").members("id", "type"), null);
         long id = request == null ? 0 : mMistakes.attempt(

@@ -1,0 +1,114 @@
+package com.orlu.orlu3rdalgoservice.tool.catalogue;
+
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+
+import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.importer.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.io.IOException;
+import java.io.InputStream;
+import java.util.Arrays;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.ParseResult;
+
+/** The subcommand schema: prints a JSON schema of request files, which completes and explains in editors. */
+public final class SchemaCommand implements Command {
+    private static final String FILE = "request.schema.json";
+    private static final String DEFINITIONS = "#/definitions/";
+
+    @Override
+    public String name() {
+        return "schema";
+    }
+
+    @Override
+    public String about() {
+        return "print a JSON schema of request files, for editors";
+    }
+
+    @Override
+    public CommandSpec spec() {
+        return Arguments.command("schema", List.of("Prints a JSON schema (draft 7) of request files, with "
+                + "every tag, its type and what it says. Editors check and complete with it "
+                + "(docs/request_files.md)."),
+                List.of("./run schema > request.schema.json"));
+    }
+
+    @Override
+    public int run(ParseResult line) throws IOException {
+        System.out.print(Json.pretty(schema()));
+        return Verdict.OK;
+    }
+
+    // The file beside this class, filled with tags, algorithms and formats.
+    private static Map<String, Object> schema() throws IOException {
+        Map<String, Object> schema;
+        try (InputStream stream = SchemaCommand.class.getResourceAsStream(FILE)) {
+            schema = object(Json.read(stream));
+        }
+        Map<String, Object> definitions = object(schema.get("definitions"));
+        definitions.put("algorithm", algorithm());
+        definitions.put("format", Map.of("enum",
+                Arrays.stream(PixelFormat.values()).map(Enum::name).toList()));
+        Map<String, Object> reported = object(object(definitions.get("captureResult")).get("properties"));
+        Map<String, Object> composed = object(object(definitions.get("composition")).get("properties"));
+        for (String tag : TagTable.names()) {
+            reported.put(tag, described(tag, reference(TagTable.typeOf(tag).name())));
+            composed.put(tag, described(tag, Map.of("anyOf",
+                    List.of(reference(TagTable.typeOf(tag).name()), reference("typedValue")))));
+        }
+        return schema;
+    }
+
+    @SuppressWarnings("unchecked")
+    private static Map<String, Object> object(Object value) {
+        return (Map<String, Object>) value;
+    }
+
+    private static Map<String, Object> reference(String definition) {
+        return Map.of("$ref", DEFINITIONS + definition);
+    }
+
+    // A name that nobody knows is no mistake: another algorithm library may have it.
+    private static Map<String, Object> algorithm() {
+        Map<String, Object> known = new LinkedHashMap<>();
+        known.put("enum", AlgorithmCatalogue.names());
+        return Map.of("anyOf", List.of(known, Map.of("type", "string")));
+    }
+
+    // Other members beside a reference are ignored, so that it is wrapped.
+    private static Map<String, Object> described(String tag, Map<String, Object> type) {
+        Map<String, Object> property = new LinkedHashMap<>();
+        property.put("description", description(tag));
+        if (type.containsKey("$ref")) {
+            property.put("allOf", List.of(type));
+        } else {
+            property.putAll(type);
+        }
+        return property;
+    }
+
+    /** What an editor shows of a tag. */
+    private static String description(String tag) {
+        TagFacts facts = TagFacts.of(tag);
+        TagType type = TagTable.typeOf(tag);
+        StringBuilder text = new StringBuilder(facts.meaning()).append(" (").append(type.name());
+        text.append(facts.hasUnit() ? ", " + facts.unit() : "").append(')');
+        List<String> names = Enumerations.names(tag);
+        for (int i = 0; i < names.size(); ++i) {
+            text.append(i == 0 ? " " : ", ").append(i).append(' ').append(names.get(i));
+        }
+        for (TagFacts.Value value : facts.values()) {
+            text.append("\n").append(value.value()).append(": ").append(value.meaning());
+        }
+        return text.toString();
+    }
+}

@@ -1,0 +1,176 @@
+#!/usr/bin/python3
+"""Compares the schema of request files with what ./run takes, and runs what ./run new makes:
+request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which is Debian's own Python's."""
+
+import copy
+import json
+import os
+import pathlib
+import random
+import re
+import subprocess
+import sys
+import tempfile
+
+import jsonschema
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = pathlib.Path(sys.argv[1]).resolve()
+MUTATIONS = 12  # of each sample
+VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
+          {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
+
+# member of capture.json | value: neither the schema nor ./run takes it
+WRONG = """
+misspelt                                                     | 1
+request.id                                                   | "101"
+request.identifier                                           | 5
+algorithms                                                   | "night"
+fullAsync                                                    | 1
+properties                                                   | {"persist.sys.camera3rd.autotest": 1}
+frames.count                                                 | 61
+frames.width                                                 | 640
+frames.noise                                                 | 256
+frames.common.captureResult.orlu.control.currentModEx        | 8
+frames.common.captureResult.android.sensor.exposureTime      | "10 ms"
+frames.common.captureResult.android.lens.facing              | 2147483648
+frames.common.captureResult.android.sensor.info.activeArraySize | [0, 0, 4096]
+frames.common.captureResult.android.jpeg.gpsLocation         | {"latitude": 91, "longitude": 0}
+frames.common.captureResult.android.statistics.faces         | [{"left": 1, "top": 2, "right": 3}]
+frames.common.captureResult.com.orlu.chi.override.CameraType | {"texts": "Master"}
+frames.common.composition                                    | {"orlu.control.mirror": {"int": 1, "long": 2}}
+inputs.format                                                | "NV22"
+inputs.memory                                                | "private"
+inputs.width                                                 | 640
+outputs                                                      | {"format": "JPEG"}
+outputs.0.stride                                             | -1
+outputs.0.perFrame                                           | 2
+"""
+
+problems = []
+
+
+def run(*arguments):
+    return subprocess.run([ROOT / "run", *arguments], env=dict(os.environ, ORLU_BUILD=str(BUILD)), text=True,
+                          capture_output=True, check=False)
+
+
+def refused(folder, requests):
+    """The numbers of the requests in which ./run finds mistakes, with the first of them."""
+    files = []
+    for number, request in enumerate(requests):
+        files.append(folder / f"{number}.json")
+        files[-1].write_text(json.dumps(request))
+    result = run("--check", *files)
+    if "Exception" in result.stderr:
+        problems.append(result.stderr)
+    mistakes = re.findall(rf"{re.escape(str(folder))}/(\d+)\.json:\d+:\d+: (?!warning)(.*)", result.stderr)
+    return {int(number): text for number, text in reversed(mistakes)}
+
+
+def with_member(request, path, value):
+    """A copy with a member set; the names of tags have dots, so that what is left after a store is one name."""
+    copied = copy.deepcopy(request)
+    match = re.fullmatch(r"(.*)\.(captureResult)\.(.*)", path)
+    names = [*match.group(1).split("."), match.group(2), match.group(3)] if match else path.split(".")
+    place = copied
+    for name in names[:-1]:
+        place = place[int(name)] if isinstance(place, list) else place[name]
+    place[names[-1]] = value
+    return copied
+
+
+def check_wrong(folder, schema, sample):
+    rows = [[column.strip() for column in row.split("|", 1)] for row in WRONG.strip().splitlines()]
+    requests = [with_member(sample, path, json.loads(value)) for path, value in rows]
+    mistakes = refused(folder, requests)
+    for number, (path, value) in enumerate(rows):
+        if schema.is_valid(requests[number]):
+            problems.append(f"the schema takes {path} {value}")
+        if number not in mistakes:
+            problems.append(f"./run takes {path} {value}")
+
+
+def places(value, path=()):
+    """Each value below, with the way to it."""
+    members = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
+    for name, member in members:
+        yield (*path, name)
+        yield from places(member, (*path, name))
+
+
+def mutations(samples):
+    """Each sample with one value changed or gone, in a few random places."""
+    chance = random.Random(1)
+    for sample in samples:
+        for path in chance.sample(list(places(sample)), MUTATIONS):
+            mutated = copy.deepcopy(sample)
+            place = mutated
+            for name in path[:-1]:
+                place = place[name]
+            if chance.random() < 0.2:
+                del place[path[-1]]
+            else:
+                place[path[-1]] = chance.choice(VALUES)
+            yield path, mutated
+
+
+def check_mutations(folder, schema, samples):
+    """What ./run takes, the schema takes. It can't know all that ./run refuses, as a file that is not there."""
+    mutated = list(mutations(samples))
+    mistakes = refused(folder, [request for _, request in mutated])
+    for number, (path, request) in enumerate(mutated):
+        error = jsonschema.exceptions.best_match(schema.iter_errors(request))
+        if error and number not in mistakes:
+            problems.append(f"./run takes {path}, the schema does not: {error.message[:200]}")
+    refusals = sum(not schema.is_valid(request) for _, request in mutated)
+    if len(mistakes) < len(mutated) / 4 or refusals < len(mistakes) * 2 / 3:
+        problems.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")
+
+
+def check_new(folder, schema):
+    kinds = [line.split()[0] for line in run("new").stdout.splitlines()]
+    files = [folder / f"{kind}.json" for kind in kinds]
+    for kind, file in zip(kinds, files):
+        made = run("new", kind, "--out", file)
+        if made.returncode:
+            problems.append(f"new {kind}: {made.stderr}")
+        text = re.sub(r"^ *//.*$", "", file.read_text(), flags=re.MULTILINE)
+        problems.extend(f"new {kind}: {error.message[:200]}" for error in schema.iter_errors(json.loads(text)))
+        problems.extend(f"new {kind}: {len(line)} columns: {line}" for line in file.read_text().splitlines()
+                        if len(line) > 110)
+    result = run("--out", folder / "out", *files)
+    verdicts = [line for line in result.stdout.splitlines() if line.startswith("verdict")]
+    if result.returncode or len(verdicts) <= len(kinds) or len(kinds) < 20:
+        problems.append(f"of {len(kinds)} kinds {verdicts}: {result.stderr}")
+    for arguments, text in ((["nite"], "no kind of capture is called nite"), (["hdr6"], "(did you mean hdr"),
+                            (["hdr5", "--out", files[0]], "there is a file already"),
+                            (["--out", "x"], "needs a KIND")):
+        failed = run("new", *arguments)
+        if failed.returncode != 2 or text not in failed.stderr:
+            problems.append(f"new {arguments}: status {failed.returncode}, {failed.stderr}")
+
+
+def main():
+    text = json.loads(run("schema").stdout)
+    jsonschema.Draft7Validator.check_schema(text)
+    schema = jsonschema.Draft7Validator(text)
+    samples = [json.loads(file.read_text()) for file in sorted((ROOT / "samples").glob("*.json"))]
+    for sample in samples:
+        problems.extend(f"{sample['about']}: {error.message[:200]}"
+                        for error in schema.iter_errors({**sample, "$schema": "request.schema.json"}))
+        # Its photos are beside the samples, and what is made of them is elsewhere.
+        if "photo" in sample:
+            sample["photo"] = str(ROOT / "samples" / sample["photo"])
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        capture = json.loads((ROOT / "samples/capture.json").read_text())
+        check_wrong(folder, schema, {**capture, "photo": str(ROOT / "samples" / capture["photo"])})
+        check_mutations(folder, schema, samples)
+        check_new(folder, schema)
+    print("\n".join(problems) or f"{len(samples)} samples, {MUTATIONS} mutations each")
+    return bool(problems)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
