@@ -6,7 +6,8 @@ source "$root/tests/command.sh"
 
 echo "== What is refused"
 mkdir -p a b
-touch mine.json b/mine.json
+touch mine.json b/mine.json old
+cp "$root/samples/night.json" request.json
 while IFS='|' read -r arguments line; do
   read -ra words <<<"$arguments"
   refused "$line" "${words[@]}"
@@ -19,6 +20,12 @@ done <<'REFUSED'
 infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
 colour|colour: no such file or subcommand; see ./run --help
 run --photo none.jpg|--photo: no such photo: none.jpg
+--out a --json request.json|--json would write over a request file: request.json
+--out a --events old --timeline ./old|--events and --timeline name the same file: ./old
+--out a --timeline a|--timeline: needs a file, found a folder: a
+--out a --json none/report|--json: no such folder: none
+--out old|--out: needs a folder, found a file: old
+--out a --record old|--record: needs a folder, found a file: old
 info|needs FOLDER; see ./run info --help
 info none|no such file: none
 info --ouput a|unknown option --ouput; see ./run info --help
@@ -105,7 +112,6 @@ completed() {
 }
 # shellcheck disable=SC1091 # it was written above
 source out
-cp "$root/samples/night.json" mine.json
 touch photo.jpg lib.so
 cd "$root" || exit 1
 while IFS='|' read -r line offered; do

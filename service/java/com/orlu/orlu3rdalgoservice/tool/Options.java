@@ -59,6 +59,12 @@ final class Options {
                 : new RequestRecorder(record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
     }
 
+    /** Refuses what can't be written or must not, with an IllegalArgumentException. */
+    void checkWritten() {
+        new WrittenFiles().folder("--out", out).folder("--record", record)
+                .file("--json", json).file("--events", events).file("--timeline", timeline);
+    }
+
     /** Whether look-ups of tags are to be recorded: they are many, and cost as much as the request. */
     boolean needsLookups() {
         return events != null || needsTrials();

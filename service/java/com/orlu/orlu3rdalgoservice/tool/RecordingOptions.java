@@ -61,7 +61,8 @@ final class RecordingOptions {
                     List.of("Tries what each tag of a recording changes."), List.of()), "FILE", Launch.JAVA);
             default -> {
                 CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER",
-                        Integer.MAX_VALUE, List.of("Runs recordings again and records that."), List.of()), "DIR", Launch.PIXELS);
+                        Integer.MAX_VALUE, List.of("Runs recordings again and records that."),
+                        List.of()), "DIR", Launch.PIXELS);
                 spec.addOption(Arguments.flag("--arm", "run the 32-bit ARM library", Launch.ARM));
                 yield spec;
             }
@@ -97,8 +98,8 @@ final class RecordingOptions {
     private static CommandSpec diff() {
         CommandSpec spec = command("diff [options] A [B]", "A", 2,
                 List.of("Compares two runs. A and B are recordings or folders of them, files that "
-                        + "--events wrote, or request files, which are run first. The status is 0 when all is "
-                        + "equal, 1 when something is different."),
+                        + "--events wrote, or request files, which are run first. The status is 0 when all "
+                        + "is equal, 1 when something is different."),
                 List.of("./run diff samples/night.json samples/night-async.json",
                         "./run diff samples/night.json --lib old.so --lib new.so"));
         spec.addOption(Arguments.list("--lib", "LIBRARY", Path.class,

@@ -78,7 +78,11 @@ final class Session {
         if (!checker.isRight(mOptions.strict)) {
             return Verdict.REFUSED;
         }
-        return mOptions.check ? Verdict.OK : runAll(checker.requests());
+        if (mOptions.check) {
+            return Verdict.OK;
+        }
+        mOptions.checkWritten();
+        return runAll(checker.requests());
     }
 
     private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {

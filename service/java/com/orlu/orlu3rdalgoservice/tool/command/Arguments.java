@@ -20,8 +20,8 @@ public final class Arguments {
     }
 
     /**
-     * A command, to which Commands adds --help. The synopsis is a line such as "info FOLDER...", the texts say what
-     * the command does, a paragraph each, and the examples are lines that can be typed.
+     * A command, to which Commands adds --help. The synopsis is a line such as "info FOLDER...", the texts
+     * say what the command does, a paragraph each, and the examples are lines that can be typed.
      */
     public static CommandSpec command(String synopsis, List<String> texts, List<String> examples) {
         CommandSpec spec = CommandSpec.create().name("./run");
