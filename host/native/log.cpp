@@ -1,6 +1,9 @@
-// liblog.so: lines in logcat's "threadtime" format on standard error.
+// liblog.so: lines in logcat's "threadtime" format on standard error. Where ORLU_LOG_FILE names a file, every
+// line is appended to that as well, whatever ANDROID_LOG_TAGS says: time (nanoseconds of CLOCK_MONOTONIC),
+// thread, priority's letter, tag and text, with tabs between them.
 
 #include <android/log.h>
+#include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -63,15 +66,49 @@ bool isLogged(int priority, const char* tag) {
   return priority >= (filter == filters().tags.end() ? gMinimumPriority.load() : filter->second);
 }
 
+char letterOf(int priority) {
+  return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
+}
+
+// The file that is kept beside what is shown; -1 for none. Open until the process ends.
+int openLogFile() {
+  const char* const path = std::getenv("ORLU_LOG_FILE");
+  if (path == nullptr || *path == '\0') return -1;
+  return open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+}
+
+int logFile() {
+  static const int file = openLogFile();
+  return file;
+}
+
+// One write for a line, so that lines of several threads don't mix. A text of several lines becomes one.
+void keep(int priority, const char* tag, const char* text) {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  std::string line = std::to_string(now.tv_sec * 1'000'000'000LL + now.tv_nsec) + '\t' +
+                     std::to_string(syscall(SYS_gettid)) + '\t' + letterOf(priority) + '\t' + tag + '\t';
+  const size_t start = line.size();
+  line += text;
+  for (size_t i = start; i < line.size(); ++i) {
+    if (line[i] == '\n' || line[i] == '\r') line[i] = ' ';
+  }
+  line += '\n';
+  [[maybe_unused]] const ssize_t written = write(logFile(), line.data(), line.size());
+}
+
 }  // namespace
 
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
-  if (!isLogged(prio, tag)) return -EPERM;
+  const bool isShown = isLogged(prio, tag);
+  if (!isShown && logFile() < 0) return -EPERM;
   char line[kLineSize] = "";
   va_list arguments;
   va_start(arguments, fmt);
   std::vsnprintf(line, sizeof line, fmt, arguments);
   va_end(arguments);
+  if (logFile() >= 0) keep(prio, tag == nullptr ? "" : tag, line);
+  if (!isShown) return -EPERM;
   const __android_log_message message = {sizeof message, 0, prio, tag == nullptr ? "" : tag,
                                          nullptr,        0, line};
   gLogger.load()(&message);
@@ -91,8 +128,7 @@ void __android_log_stderr_logger(const struct __android_log_message* log_message
   std::strftime(time, sizeof time, "%m-%d %H:%M:%S", &local);
   const int priority = log_message->priority;
   std::fprintf(stderr, "%s.%03ld %5d %5ld %c %-8s: %s\n", time, now.tv_nsec / 1'000'000, getpid(),
-               static_cast<long>(syscall(SYS_gettid)),
-               priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?', log_message->tag,
+               static_cast<long>(syscall(SYS_gettid)), letterOf(priority), log_message->tag,
                log_message->message);
 }
 
