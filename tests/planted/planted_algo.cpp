@@ -5,6 +5,8 @@
 //   silent  late  name  id  unattached     what becomes of the callback
 //   idle  untouched  empty                 what is made of the request
 //   scribbles                              an output is written once more after the callback
+//   inputStride  outputStride  swapped  elsewhere  black  clipped  green  half
+//                                          what becomes of the images, which are NV21 (planted_images.h)
 // PLANTED_WITHOUT_ENTRY builds a library that is none.
 #include <dlfcn.h>
 #include <sys/resource.h>
@@ -20,6 +22,7 @@
 
 #include "algo_interface.h"
 #include "callables.h"
+#include "planted_images.h"
 
 #ifndef PLANTED_WITHOUT_ENTRY
 
@@ -118,13 +121,15 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
   void* const block = record.metadata[0].block;
   // Lives until the process ends, as the stand-in may use it until then.
   auto* const own =
-      new AlgoResultCallback([=, kind = fault.kind, setValue = ops.setValue](
+      new AlgoResultCallback([=, kind = fault.kind, setValue = ops.setValue, outputs = record.outputFrames](
                                  const Bytes& data, const Bytes& extra, const Handles& handles) {
         int32_t size = 0;
+        spoilOutputs(kind, outputs);
         if (kind == "empty") setValue(block, kFeedback, "encoded_jpeg_size", &size, sizeof size);
         callBack(kind, *real, data, extra, handles);
       });
   record.callbackCookie = reinterpret_cast<uintptr_t>(own);
+  spoilFrames(fault.kind, record);
   if (fault.kind == "idle") record.algoList.clear();
   if (fault.kind == "untouched") record.outputFrames.clear();
   if (fault.kind == "scribbles" && !record.outputFrames.empty()) {

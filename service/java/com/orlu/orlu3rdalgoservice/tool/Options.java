@@ -21,6 +21,7 @@ final class Options {
     final Path json;
     final Path events;
     final Path timeline;
+    final Path report;
     final Path record;
     /** Keys of parameters, perhaps with their sections, and words such as "all". */
     final List<String> explain;
@@ -39,6 +40,7 @@ final class Options {
         json = line.matchedOptionValue("--json", null);
         events = line.matchedOptionValue("--events", null);
         timeline = line.matchedOptionValue("--timeline", null);
+        report = line.matchedOptionValue("--report", null);
         record = line.matchedOptionValue("--record", null);
         explain = line.matchedOptionValue("--explain", List.of());
         mFiles = line.matchedPositionalValue(0, List.of());
@@ -72,7 +74,7 @@ final class Options {
 
     /** Whether anything is asked for that the launcher's trials find, and look-ups tell. */
     boolean needsTrials() {
-        return tags || strict || !explain.isEmpty();
+        return tags || strict || report != null || !explain.isEmpty();
     }
 
     /** The request files, or the one that the launcher names when there are none. */

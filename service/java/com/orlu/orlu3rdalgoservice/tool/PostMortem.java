@@ -1,10 +1,19 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
-import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
+import com.orlu.orlu3rdalgoservice.tool.page.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestNames;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
 
@@ -39,6 +48,9 @@ final class PostMortem {
         Files.writeString(file, crash.report());
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions, new Timeline());
+        if (mOptions.report != null) {
+            writePage(verdict);
+        }
         if (mOptions.record != null) {
             completeRecordings(mOptions.record);
         }
@@ -49,6 +61,32 @@ final class PostMortem {
         }
         System.out.println(verdict.line());
         return verdict.status();
+    }
+
+    // The requests before it have their pages already.
+    private void writePage(Verdict verdict) throws IOException {
+        List<Path> requests = mOptions.requests();
+        PageFolder pages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
+        pages.resume();
+        if (pages.count() < requests.size()) {
+            try {
+                RequestReport report = new RequestReport(
+                        RequestFileReader.read(requests.get(pages.count()), mOptions.photo),
+                        RequestNames.of(requests).get(pages.count()));
+                report.verdict = verdict;
+                report.dependences = TrialSession.found(pages.count());
+                SourceLines source = new SourceLines();
+                RecordedEvents all = new RecordedEvents();
+                List<JsonObject> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
+                all.add(lines);
+                source.learn(all);
+                report.events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
+                System.out.println("  page        " + pages.add(report, null, new Timeline(), source));
+            } catch (RequestFileException e) {
+                System.err.println("run: no page: " + e.getMessage());
+            }
+        }
+        pages.writeIndex(requests);
     }
 
     /** Puts the events beside a recording that was not ended, of which there is at most one: the last. */

@@ -15,6 +15,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.page.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.report.NoiseMeasure;
 import com.orlu.orlu3rdalgoservice.tool.report.OutputImages;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
@@ -44,14 +45,18 @@ final class RequestRunner {
     private final Path mOut;
     private final boolean mKeepsLookups;
     private final RequestReport mReport;
+    private final Exhibits mExhibits;
     private final RequestFile mRequest;
 
     private final List<RecordedComposition> mCompositions = new ArrayList<>();
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     private final List<ImageBuffer> mOutputs = new ArrayList<>();
 
-    RequestRunner(RequestReport report, ServiceClient client, LineFile events, Options options) {
+    /** With exhibits, which are null for none, what a page shows of the images is kept there. */
+    RequestRunner(RequestReport report, Exhibits exhibits, ServiceClient client, LineFile events,
+            Options options) {
         mReport = report;
+        mExhibits = exhibits;
         mRequest = report.request;
         mClient = client;
         mEvents = events;
@@ -65,6 +70,9 @@ final class RequestRunner {
             mRequest.properties().forEach(SystemProperties::set);
             makeCompositions();
             makeImages(frames);
+            if (mExhibits != null) {
+                mExhibits.before(mInputs);
+            }
             Progress.show("processing " + mInputs.size() + " inputs");
             process(inbox);
             Progress.show("comparing and writing " + mOutputs.size() + " outputs");
@@ -74,6 +82,9 @@ final class RequestRunner {
             reportProblems(outputs);
             mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, mInputs, outputs));
             mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, outputs));
+            if (mExhibits != null) {
+                mExhibits.after(mReport.baseFrame(), mInputs, mOutputs, outputs);
+            }
         } finally {
             mInputs.forEach(ImageBuffer::close);
             mOutputs.forEach(ImageBuffer::close);

@@ -16,6 +16,8 @@ import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.page.Exhibits;
+import com.orlu.orlu3rdalgoservice.tool.page.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
@@ -52,6 +54,8 @@ final class Session {
 
     /** Null when nothing is to be recorded. */
     private final RequestRecorder mRecorder;
+    /** Null when no page is wanted. */
+    private PageFolder mPages;
     private final SourceLines mSourceLines = new SourceLines();
 
     private ServiceClient mClient;
@@ -87,13 +91,17 @@ final class Session {
 
     private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {
         List<String> names = RequestNames.of(mOptions.requests());
+        if (mOptions.report != null) {
+            mPages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
+        }
         for (int i = 0; i < requests.size(); ++i) {
             if (i > 0) {
                 mTo.println();
             }
             RequestReport report = new RequestReport(requests.get(i), names.get(i));
+            Exhibits exhibits = mPages == null ? null : new Exhibits();
             try {
-                runOne(report, !mOptions.oneClient || i == requests.size() - 1);
+                runOne(report, exhibits, !mOptions.oneClient || i == requests.size() - 1);
             } finally {
                 Progress.end();
             }
@@ -103,15 +111,21 @@ final class Session {
             if (mOptions.strict) {
                 report.verdict = new TagCheck(Readings.of(report)).strict(report.verdict);
             }
+            mTimeline.add(report);
+            if (mPages != null) {
+                report.page = mPages.add(report, exhibits, mTimeline, mSourceLines);
+            }
             print(report);
             mJson.add(report);
-            mTimeline.add(report);
             mVerdicts.add(report.verdict);
         }
         if (mOptions.json != null) {
             mJson.write(mOptions.json);
         }
         keepEvents(mOptions, mTimeline);
+        if (mPages != null) {
+            mPages.writeIndex(mOptions.requests());
+        }
         return overall(requests);
     }
 
@@ -133,7 +147,7 @@ final class Session {
         }
         boolean hasRun = report.verdict.status() != Verdict.UNUSABLE;
         if (hasRun && mOptions.tags) {
-            new TagPrinter(report, new LinePrinter(mTo, mOptions.wide)).print();
+            new TagPrinter(report).print(new LinePrinter(mTo, mOptions.wide));
         }
         if (hasRun && !mOptions.explain.isEmpty()) {
             mSourceLines.learn(report.events);
@@ -157,12 +171,15 @@ final class Session {
             String reason = "%d of %d requests: %s".formatted(
                     failed.size(), requests.size(), String.join(", ", failed));
             mTo.println();
+            if (mPages != null) {
+                mTo.println("  page        " + mPages.index());
+            }
             mTo.println(new Verdict(status, List.of(reason)).line());
         }
         return status;
     }
 
-    private void runOne(RequestReport report, boolean lastOfClient)
+    private void runOne(RequestReport report, Exhibits exhibits, boolean lastOfClient)
             throws RequestFileException, ErrnoException, IOException {
         RequestFile request = report.request;
         List<SynthesisedFrame> frames = frames(request);
@@ -174,7 +191,7 @@ final class Session {
         // With a library that can't be used a request would only wait for a callback.
         boolean isUsable = mLibrary.status() == Verdict.OK;
         if (isUsable) {
-            new RequestRunner(report, mClient, mEvents, mOptions).run(frames);
+            new RequestRunner(report, exhibits, mClient, mEvents, mOptions).run(frames);
         }
         if (lastOfClient) {
             mClient.end(request, report.stopwatch);

@@ -100,7 +100,8 @@ final class TrialSession {
     static Dependences found(int request) throws IOException {
         Path file = WorkFolder.trials();
         if (file == null || !Files.exists(file)) {
-            return Dependences.unknown("the trials' process ended before it was done");
+            return Dependences.unknown("off".equals(System.getenv("ORLU_TRIALS"))
+                    ? "ORLU_TRIALS=off left the trials out" : "the trials' process ended before it was done");
         }
         List<JsonElement> all = JsonParser.parseString(Files.readString(file)).getAsJsonArray().asList();
         return Dependences.of(all.get(Math.min(request, all.size() - 1)).getAsJsonObject());

@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.events.EventLog;
+import com.orlu.orlu3rdalgoservice.tool.page.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
 
 import java.io.IOException;
@@ -26,6 +27,16 @@ final class WorkFolder {
     /** The folder of the probe's pixels, likewise. */
     static Path pixels() {
         return ofEnvironment("ORLU_PIXELS");
+    }
+
+    /** The file of the native side's log, likewise. */
+    static Path log() {
+        return ofEnvironment("ORLU_LOG_FILE");
+    }
+
+    /** What a run's pages are made of. */
+    static PageFolder.Sources pageSources() {
+        return new PageFolder.Sources(events(), algorithmTrace(), log(), file("pages.json"));
     }
 
     private static Path ofEnvironment(String variable) {

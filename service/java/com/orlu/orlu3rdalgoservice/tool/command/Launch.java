@@ -17,6 +17,8 @@ public enum Launch {
     LOG,
     /** Run the trials first, in a process of their own. */
     TRIALS,
+    /** The same, and keep the library's log for the page. */
+    REPORT,
     /** Run the trials and nothing else. */
     ONLY_TRIALS,
     /** Print the help of the subcommand, without a build. */

@@ -13,28 +13,55 @@ import java.util.List;
 import java.util.Map;
 import java.util.function.Predicate;
 
-/** Prints what became of each frame's tags. */
+/** Says what became of each frame's tags, in groups. */
 public final class TagPrinter {
     private static final String INDENT = "  ";
 
     private final Readings mReadings;
     private final TagCheck mCheck;
     private final Dependences mDependences;
-    private final LinePrinter mLines;
     // The last value of each parameter, which counts.
     private final Map<String, Parameter> mParameters = new LinkedHashMap<>();
 
-    public TagPrinter(RequestReport report, LinePrinter lines) {
+    public TagPrinter(RequestReport report) {
         mReadings = Readings.of(report);
         mCheck = new TagCheck(mReadings);
         mDependences = report.dependences;
-        mLines = lines;
         report.handover().parameters().forEach(parameter -> mParameters.put(parameter.fullName(), parameter));
     }
 
-    /** Prints a heading and rows for each way that a tag can go; one that no tag went is left out. */
-    public void print() {
-        print("read", reading -> reading.is(Outcome.FOUND));
+    /** Prints a heading and rows for each group. */
+    public void print(LinePrinter lines) {
+        groups().forEach((heading, rows) -> {
+            lines.plain("tags " + heading + ": " + rows.size());
+            rows.print(lines, INDENT);
+        });
+        lines.printNotes();
+    }
+
+    /** The tags by the way that they went, under its heading; a way that no tag went is left out. */
+    public Map<String, TagRows> groups() {
+        Map<String, TagRows> groups = new LinkedHashMap<>();
+        groups.put("read", rows(reading -> reading.is(Outcome.FOUND)));
+        groups.put("put over by the composition", hidden());
+        groups.put("of a wrong type, so that the default stands", defaults(Outcome.WRONG_TYPE));
+        groups.put("absent, so that the default stands", defaults(Outcome.ABSENT));
+        groups.put("known to no table, so that the default stands", defaults(Outcome.UNKNOWN));
+        groups.put("read of other frames only", rows(reading -> reading.is(Outcome.NEVER_READ)
+                && mReadings.over(reading) == null && !mCheck.isNeverRead(reading)));
+        groups.put("never read", rows(mCheck::isNeverRead));
+        groups.values().removeIf(TagRows::isEmpty);
+        return groups;
+    }
+
+    private TagRows rows(Predicate<Reading> wanted) {
+        TagRows rows = new TagRows();
+        mReadings.all().stream().filter(wanted)
+                .forEach(reading -> rows.add(reading.tag(), reading.frame(), reading.text()));
+        return rows;
+    }
+
+    private TagRows hidden() {
         TagRows hidden = new TagRows();
         for (Reading reading : mReadings.all()) {
             Reading under = mReadings.under(reading);
@@ -43,31 +70,10 @@ public final class TagPrinter {
                         + under.value());
             }
         }
-        print("put over by the composition", hidden);
-        printDefaults("of a wrong type, so that the default stands", Outcome.WRONG_TYPE);
-        printDefaults("absent, so that the default stands", Outcome.ABSENT);
-        printDefaults("known to no table, so that the default stands", Outcome.UNKNOWN);
-        print("read of other frames only", reading -> reading.is(Outcome.NEVER_READ)
-                && mReadings.over(reading) == null && !mCheck.isNeverRead(reading));
-        print("never read", mCheck::isNeverRead);
-        mLines.printNotes();
+        return hidden;
     }
 
-    private void print(String heading, Predicate<Reading> wanted) {
-        TagRows rows = new TagRows();
-        mReadings.all().stream().filter(wanted)
-                .forEach(reading -> rows.add(reading.tag(), reading.frame(), reading.text()));
-        print(heading, rows);
-    }
-
-    private void print(String heading, TagRows rows) {
-        if (!rows.isEmpty()) {
-            mLines.plain("tags " + heading + ": " + rows.size());
-            rows.print(mLines, INDENT);
-        }
-    }
-
-    private void printDefaults(String heading, Outcome outcome) {
+    private TagRows defaults(Outcome outcome) {
         TagRows rows = new TagRows();
         for (Reading reading : mReadings.all()) {
             if (reading.is(outcome)) {
@@ -75,7 +81,7 @@ public final class TagPrinter {
                 rows.add(reading.tag(), reading.frame(), held + defaults(reading));
             }
         }
-        print(heading, rows);
+        return rows;
     }
 
     // The parameters that another value would change, as they are.

@@ -9,7 +9,11 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /** Rows on tags, in which frames of which the same is said share one. */
-final class TagRows {
+public final class TagRows {
+    /** What is said of some frames of a tag; they are words such as "frames 0-3,5". */
+    public record Row(String tag, String frames, String text) {
+    }
+
     // By tag, then by what is said: the frames.
     private final Map<String, Map<String, List<Integer>>> mRows = new TreeMap<>();
 
@@ -18,8 +22,16 @@ final class TagRows {
                 .computeIfAbsent(text, key -> new ArrayList<>()).add(frame);
     }
 
-    boolean isEmpty() {
+    public boolean isEmpty() {
         return mRows.isEmpty();
+    }
+
+    /** All rows, by tag. */
+    public List<Row> rows() {
+        List<Row> rows = new ArrayList<>();
+        mRows.forEach((tag, texts) ->
+                texts.forEach((text, frames) -> rows.add(new Row(tag, frames(frames), text))));
+        return rows;
     }
 
     /** How many tags there are. */

@@ -104,7 +104,8 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor;
     }
 
-    ByteBuffer bytes() {
+    /** The memory itself, from byte 0 on, while the image is not closed. */
+    public ByteBuffer bytes() {
         return mBytes;
     }
 

@@ -43,7 +43,7 @@ public final class ImageDifference {
             return null;
         }
         if (format == PixelFormat.JPEG) {
-            return ofPictures(PixelReader.decodeJpeg(one), PixelReader.decodeJpeg(other));
+            return of(PixelReader.decodeJpeg(one), PixelReader.decodeJpeg(other));
         }
         int size = Arrays.stream(format.planeSizes(stride, height, 0)).sum();
         if (width < 1 || height < 1 || size > one.length || size > other.length) {
@@ -51,7 +51,7 @@ public final class ImageDifference {
         }
         if (!format.isRaw()) {
             ImagePlan plan = plan(format, width, height, stride, 0);
-            return ofPictures(
+            return of(
                     PixelReader.readPicture(plan, buffer(one)), PixelReader.readPicture(plan, buffer(other)));
         }
         Mosaic left = mosaic(format, width, height, stride, one);
@@ -62,7 +62,8 @@ public final class ImageDifference {
         return new ImageDifference(grey(left), grey(right), Psnr.ofMosaic(left, right));
     }
 
-    private static ImageDifference ofPictures(Picture one, Picture other) {
+    /** Compares two pictures; null when one is, or when they are of different sizes. */
+    public static ImageDifference of(Picture one, Picture other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();
         return isSame ? new ImageDifference(one, other, Psnr.ofLuma(one, other)) : null;

@@ -4,15 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
-import java.io.ByteArrayOutputStream;
-import java.io.IOException;
 import java.nio.ByteBuffer;
-
-import javax.imageio.IIOImage;
-import javax.imageio.ImageIO;
-import javax.imageio.ImageWriteParam;
-import javax.imageio.ImageWriter;
-import javax.imageio.stream.ImageOutputStream;
 
 /**
  * Writes a picture into memory in one of the formats. Chroma is that of JPEG files, one value for four
@@ -40,20 +32,7 @@ final class PixelWriter {
 
     /** The picture as the bytes of a JPEG file. */
     static byte[] encodeJpeg(Picture picture) {
-        ImageWriter writer = ImageIO.getImageWritersByFormatName("jpeg").next();
-        ImageWriteParam param = writer.getDefaultWriteParam();
-        param.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
-        param.setCompressionQuality(JPEG_QUALITY);
-        ByteArrayOutputStream bytes = new ByteArrayOutputStream();
-        try (ImageOutputStream stream = ImageIO.createImageOutputStream(bytes)) {
-            writer.setOutput(stream);
-            writer.write(null, new IIOImage(picture.toImage(), null, null), param);
-        } catch (IOException e) {
-            throw new IllegalStateException("writing to memory can't fail", e);
-        } finally {
-            writer.dispose();
-        }
-        return bytes.toByteArray();
+        return JpegEncoder.encode(picture.toImage(), JPEG_QUALITY);
     }
 
     // Both chroma values stand at their own offset behind the luma; step is the distance to the next pair.

@@ -10,7 +10,7 @@ import java.util.List;
  * @param milliseconds that the work took
  * @param frames       what it found out about each frame, empty when it looked at none
  */
-record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds, List<Frame> frames) {
+public record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds, List<Frame> frames) {
     /**
      * One frame's judgement.
      *
@@ -18,6 +18,6 @@ record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds
      * @param shift     {x, y} in pixels against the base frame, null when it was not measured
      * @param kept      whether the frame went into the result
      */
-    record Frame(double sharpness, int[] shift, boolean kept) {
+    public record Frame(double sharpness, int[] shift, boolean kept) {
     }
 }

@@ -45,6 +45,8 @@ public final class RequestReport {
     /** What is wrong with the outputs, if the algorithms were to write them. */
     public final List<String> outputProblems = new ArrayList<>();
     public Verdict verdict = Verdict.ok();
+    /** A line on the page that shows all this; "" for none. */
+    public String page = "";
     /** Which tags the parameters depend on, when somebody asked; else null. */
     public Dependences dependences;
 
@@ -71,14 +73,14 @@ public final class RequestReport {
     }
 
     /** The algorithm list that the request asks for, empty when it has none. */
-    List<String> askedAlgorithms() {
+    public List<String> askedAlgorithms() {
         List<FramePlan> frames = request.frames().frames();
         Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
     /** The frame that the algorithms took as base, by the timestamp that they return; else the first. */
-    int baseFrame() {
+    public int baseFrame() {
         Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
         List<FramePlan> frames = request.frames().frames();
         for (int i = 0; timestamp != null && i < frames.size(); ++i) {

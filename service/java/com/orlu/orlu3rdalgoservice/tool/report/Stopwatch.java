@@ -30,7 +30,7 @@ public final class Stopwatch {
     }
 
     /** Milliseconds by stage, in the order of the work. */
-    Map<String, Double> milliseconds() {
+    public Map<String, Double> milliseconds() {
         Map<String, Double> times = new LinkedHashMap<>();
         mStages.forEach(stage -> times.put(
                 stage.name(), (stage.end() - stage.start()) / NANOSECONDS_PER_MILLISECOND));

@@ -38,6 +38,9 @@ public final class Summary {
         mLines.lines("images", mReport.images);
         mLines.lines("noise", mReport.noise);
         mLines.list("time", times());
+        if (!mReport.page.isEmpty()) {
+            mLines.line("page", mReport.page);
+        }
         if (mLines.hasCut()) {
             mLines.line("", "(lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
         }

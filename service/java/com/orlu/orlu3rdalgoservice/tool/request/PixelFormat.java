@@ -53,7 +53,7 @@ public enum PixelFormat {
     }
 
     /** Bytes of the pixels in a row of a plane. */
-    int rowBytes(int plane, int width) {
+    public int rowBytes(int plane, int width) {
         return plane > 0 && isPlanar() ? width / 2 : tightStride(width);
     }
 

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.timeline;
 
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
@@ -12,6 +14,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Stopwatch.Stage;
 
 import java.io.IOException;
+import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -29,9 +32,10 @@ public final class Timeline {
             "event", "t", "tid", "thread", "op", "from", "bytes", "metadata", "inputs", "outputs", "handles");
 
     private final List<Slice> mJava = new ArrayList<>();
-    private final List<Slice> mWork = new ArrayList<>();
-    private final RecordedEvents mEvents = new RecordedEvents();
+    private List<Slice> mWork = List.of();
+    private RecordedEvents mEvents = new RecordedEvents();
     private long mEnd;
+    private long mOrigin;
 
     /** Adds what Java did for a request on the thread that calls this. */
     public void add(RequestReport report) {
@@ -58,6 +62,14 @@ public final class Timeline {
      * need not be there; null for none. So need not the events.
      */
     public void write(Path file, Path events, Path algorithmTrace) throws IOException {
+        Gson gson = new GsonBuilder().disableHtmlEscaping().create();
+        Files.writeString(file, gson.toJson(trace(events, algorithmTrace)) + "\n");
+    }
+
+    /** The same as an object; what is added later can follow, and the timeline be made again. */
+    public JsonObject trace(Path events, Path algorithmTrace) throws IOException {
+        mEvents = new RecordedEvents();
+        mEnd = 0;
         List<JsonObject> lines = LineFile.fromStart(events, LineFile::isNoLookup).next();
         int first = 0;
         for (int i = 0; i < lines.size(); ++i) {
@@ -73,7 +85,8 @@ public final class Timeline {
             start = Math.min(start, slice.start());
             mEnd = Math.max(mEnd, slice.end());
         }
-        readWork(algorithmTrace, start);
+        mWork = work(algorithmTrace, start);
+        mOrigin = start;
         List<Event> headers = mEvents.events("header");
         TraceFile trace = new TraceFile(headers.isEmpty() ? 0 : headers.get(0).number("pid"), start);
         nameLanes(trace);
@@ -81,10 +94,11 @@ public final class Timeline {
         mWork.forEach(trace::add);
         mEvents.calls().forEach(call -> trace.add(slice(call)));
         RequestTrack.of(mEvents).forEach(request -> addRequest(trace, request));
-        trace.write(file);
+        return trace.json();
     }
 
-    private void readWork(Path algorithmTrace, long start) throws IOException {
+    private static List<Slice> work(Path algorithmTrace, long start) throws IOException {
+        List<Slice> work = new ArrayList<>();
         for (JsonObject line : LineFile.fromStart(algorithmTrace, text -> text.contains("\"done\"")).next()) {
             Event done = new Event(line);
             // The file may be older than this run; and another library may not say when and where.
@@ -96,10 +110,16 @@ public final class Timeline {
             args.add("ran", line.get("ran"));
             args.add("skipped", line.get("skipped"));
             List<String> ran = done.texts("ran");
-            mWork.add(new Slice("algorithms: " + (ran.isEmpty() ? "none" : String.join(", ", ran)),
+            work.add(new Slice("algorithms: " + (ran.isEmpty() ? "none" : String.join(", ", ran)),
                     "algorithms", tid(done),
                     done.time() - (long) (milliseconds * NANOSECONDS_PER_MILLISECOND), done.time(), args));
         }
+        return work;
+    }
+
+    /** What the times of the last trace count from, by System.nanoTime(). */
+    public long origin() {
+        return mOrigin;
     }
 
     // A thread is the algorithm library's when the first that it does is to work or to call back.

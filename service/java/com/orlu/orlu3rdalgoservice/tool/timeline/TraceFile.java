@@ -1,13 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.timeline;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
 import com.google.gson.JsonArray;
 import com.google.gson.JsonObject;
 
-import java.io.IOException;
-import java.nio.file.Files;
-import java.nio.file.Path;
 import java.util.ArrayDeque;
 import java.util.ArrayList;
 import java.util.Comparator;
@@ -67,12 +62,12 @@ final class TraceFile {
         }
     }
 
-    void write(Path file) throws IOException {
+    /** The whole, to be called once. */
+    JsonObject json() {
         mLanes.values().forEach(this::addLane);
         JsonObject trace = new JsonObject();
         trace.add("traceEvents", mEvents);
-        Gson gson = new GsonBuilder().disableHtmlEscaping().create();
-        Files.writeString(file, gson.toJson(trace) + "\n");
+        return trace;
     }
 
     // Viewers show a lane rightly only when its slices nest, so that none may end after the one around it.

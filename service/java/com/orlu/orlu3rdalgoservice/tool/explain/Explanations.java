@@ -1,0 +1,120 @@
+package com.orlu.orlu3rdalgoservice.tool.explain;
+
+import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines.Place;
+import com.orlu.orlu3rdalgoservice.tool.report.Handover;
+import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
+import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
+import java.util.LinkedHashSet;
+import java.util.List;
+import java.util.Set;
+import java.util.stream.IntStream;
+
+/** What is known of a request's parameters: who wrote each, and which tags it depends on. */
+public final class Explanations {
+    private static final String UNKNOWN_PLACE = "an unknown line";
+
+    private final Handover mHandover;
+    private final Dependences mDependences;
+    private final Readings mReadings;
+    private final List<Place> mPlaces;
+    /** Every name that the request wrote. */
+    private final Set<String> mNames = new LinkedHashSet<>();
+
+    /**
+     * One write of a parameter.
+     *
+     * @param isReplaced whether a later one counts instead
+     * @param place      the function, file and line that made it, in words
+     */
+    public record Write(Parameter parameter, boolean isReplaced, String place) {
+    }
+
+    /** Of a request whose look-ups were recorded and whose trials are there. */
+    public Explanations(RequestReport report, SourceLines source) {
+        mHandover = report.handover();
+        mDependences = report.dependences;
+        mReadings = Readings.of(report);
+        mPlaces = source.of(report.events.calls("setValue"),
+                mHandover.parameters().stream().map(Parameter::fullName).toList());
+        mHandover.parameters().forEach(parameter -> mNames.add(parameter.fullName()));
+        mNames.add(Dependences.ALGORITHMS);
+    }
+
+    Handover handover() {
+        return mHandover;
+    }
+
+    /** What the request wrote, in its order, and the algorithm list. */
+    public Set<String> names() {
+        return mNames;
+    }
+
+    /** The same, and what it would write if a tag had another value. */
+    Set<String> possibleNames() {
+        Set<String> possible = new LinkedHashSet<>(mNames);
+        mDependences.all().forEach(tag -> possible.addAll(tag.parameters()));
+        return possible;
+    }
+
+    /** Every write of the request, in its order. */
+    public List<Write> writes() {
+        return IntStream.range(0, mPlaces.size()).mapToObj(this::write).toList();
+    }
+
+    /** The writes of one parameter. */
+    List<Write> writes(String name) {
+        return IntStream.range(0, mPlaces.size())
+                .filter(i -> mHandover.parameters().get(i).fullName().equals(name))
+                .mapToObj(this::write).toList();
+    }
+
+    private Write write(int index) {
+        Place place = mPlaces.get(index);
+        return new Write(mHandover.parameters().get(index), mHandover.isReplaced(index),
+                place == null ? UNKNOWN_PLACE : place.text());
+    }
+
+    /** Whether a parameter changes with nothing changed. */
+    public boolean isUnsteady(String name) {
+        return mDependences.unsteady().contains(name);
+    }
+
+    /** The tags that a parameter depends on, without those that most parameters do. */
+    public TagRows tags(String name) {
+        TagRows rows = new TagRows();
+        mDependences.of(name).stream().filter(tag -> !isGeneral(tag)).forEach(tag -> rows.add(tag.tag(),
+                tag.frame(), text(tag) + (tag.parameters().contains(name) ? "" : " (all frames together)")));
+        return rows;
+    }
+
+    /** The tags that most parameters depend on: each would have to name them. */
+    public TagRows generalTags() {
+        TagRows rows = new TagRows();
+        mDependences.all().stream().filter(this::isGeneral)
+                .forEach(tag -> rows.add(tag.tag(), tag.frame(), text(tag)));
+        return rows;
+    }
+
+    private String text(Dependence tag) {
+        Reading reading = mReadings.of(tag);
+        return reading == null ? "asked for in trials only" : reading.text();
+    }
+
+    private boolean isGeneral(Dependence tag) {
+        return tag.parameters().size() > mNames.size() / 2;
+    }
+
+    /** Why the tags are not known, or not all; "" when they are. */
+    public String problem() {
+        return mDependences.problem();
+    }
+
+    /** How the tags were found, in words. */
+    public String effort() {
+        return "found by %d trials in %.1f s: docs/explain.md says what they can miss"
+                .formatted(mDependences.trials(), mDependences.seconds());
+    }
+}

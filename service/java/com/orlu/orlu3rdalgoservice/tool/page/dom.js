@@ -1,0 +1,71 @@
+"use strict";
+// Helpers that every part uses.
+
+const data = JSON.parse(document.getElementById("data").textContent);
+
+// An element: h("p", {class: "faint", onclick: f}, "text", child, [more]). What is null is left out.
+function h(name, attributes, ...children) {
+  return fill(document.createElement(name), attributes, children);
+}
+
+// The same in a drawing.
+function s(name, attributes, ...children) {
+  return fill(document.createElementNS("http://www.w3.org/2000/svg", name), attributes, children);
+}
+
+function fill(element, attributes, children) {
+  for (const [key, value] of Object.entries(attributes || {})) {
+    if (key.startsWith("on")) element.addEventListener(key.slice(2), value);
+    else if (value === true) element.setAttribute(key, "");
+    else if (value !== null && value !== undefined && value !== false) element.setAttribute(key, value);
+  }
+  for (const child of children.flat(2)) {
+    if (child !== null && child !== undefined) element.append(child);
+  }
+  return element;
+}
+
+function plural(count, word) {
+  return count + " " + word + (count === 1 ? "" : "s");
+}
+
+function milliseconds(value) {
+  if (value >= 1000) return (value / 1000).toFixed(2) + " s";
+  return value.toFixed(value < 10 ? 2 : 1) + " ms";
+}
+
+function bytes(count) {
+  return String(count).replace(/\B(?=(\d{3})+$)/g, ",") + " bytes";
+}
+
+// A button that stays down: its state is in aria-pressed.
+function toggle(text, isDown, title, onChange) {
+  const button = h("button", {type: "button", "aria-pressed": String(isDown), title}, text);
+  button.addEventListener("click", () => onChange(button.getAttribute("aria-pressed") !== "true"));
+  return button;
+}
+
+function press(button, isDown) {
+  button.setAttribute("aria-pressed", String(isDown));
+}
+
+// A field that filters rows as it is typed into.
+function filterField(label, onChange) {
+  return h("input", {
+    type: "search",
+    placeholder: label + "  ( / )",
+    "aria-label": label,
+    class: "filter",
+    oninput: event => onChange(event.target.value.trim().toLowerCase()),
+  });
+}
+
+// Whether all words are in the text, in any order.
+function matches(text, words) {
+  return words === "" || words.split(/\s+/).every(word => text.includes(word));
+}
+
+// The part of the path behind the last slash.
+function baseName(path) {
+  return path.slice(path.lastIndexOf("/") + 1);
+}

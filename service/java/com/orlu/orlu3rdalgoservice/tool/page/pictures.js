@@ -1,0 +1,54 @@
+// The first tab: what went in beside what came out, and every input small.
+
+function picturesPanel() {
+  const images = data.images;
+  if (!images) {
+    return {
+      element: h("p", {class: "card"}, "There are no pictures: the process ended before the request did."),
+    };
+  }
+  if (images.inputs.length + images.outputs.length === 0) {
+    return {
+      element: h("p", {class: "card"}, "There are no pictures: the request did not run, or has no images."),
+    };
+  }
+  const thumbs = images.inputs.map((image, i) => inputThumb(image, i, index => compare.setInput(index)));
+  const mark = index => thumbs.forEach((thumb, i) => press(thumb, i === index));
+  const compare = new Compare(images, mark);
+  mark(images.base);
+  const element = h(
+    "div",
+    null,
+    compare.element,
+    h("h2", {style: "margin:1rem 0 0.4rem"}, plural(images.inputs.length, "input") + " "),
+    h(
+      "p",
+      {class: "faint"},
+      "Click one to show it above. Outputs are compared with the one marked base: " +
+        "the frame that the algorithms name as theirs, else the first.",
+    ),
+    h("div", {class: "strip"}, thumbs),
+  );
+  return {element, compare};
+}
+
+function inputThumb(image, index, onChoose) {
+  const frames = data.algorithms.frames || [];
+  const frame = frames[image.frame];
+  const marks = [
+    index === data.images.base ? "base" : null,
+    frame && !frame.kept ? "dropped" : null,
+    image.written ? "written to" : null,
+  ]
+    .filter(Boolean)
+    .join(", ");
+  return h(
+    "button",
+    {type: "button", "aria-pressed": "false", onclick: () => onChoose(index)},
+    image.small
+      ? h("img", {src: image.small, alt: image.name})
+      : h("div", {class: "none"}, image.problem.startsWith("untouched") ? "all bytes 0" : "no picture"),
+    h("b", null, image.name),
+    " frame " + image.frame + (marks ? ", " + marks : ""),
+  );
+}

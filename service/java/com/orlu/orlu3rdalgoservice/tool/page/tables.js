@@ -1,0 +1,73 @@
+// Tables that filter.
+
+// A row is {cells: [...], text: what the filter looks at, class}. A head that begins with "-" is left out,
+// with its column, where the window is narrow. Returns the element and show(isWanted).
+function table(heads, rows) {
+  const classes = heads.map((head, i) =>
+    [i === 0 ? "key" : "", head.startsWith("-") ? "narrow-hide" : ""].join(" "),
+  );
+  const body = h("tbody");
+  const element = h(
+    "table",
+    null,
+    h(
+      "thead",
+      null,
+      h(
+        "tr",
+        null,
+        heads.map((head, i) => h("th", {class: classes[i]}, head.replace(/^-/, ""))),
+      ),
+    ),
+    body,
+  );
+  for (const row of rows) {
+    row.element = h(
+      "tr",
+      {class: row.class || null},
+      row.cells.map((cell, i) => h("td", {class: classes[i]}, cell)),
+    );
+    row.text = (row.text || row.cells.join(" ")).toLowerCase();
+    body.append(row.element);
+  }
+  const show = isWanted => {
+    let count = 0;
+    for (const row of rows) {
+      row.element.hidden = !isWanted(row);
+      count += row.element.hidden ? 0 : 1;
+      if (row.detail) row.detail.hidden = row.element.hidden || !row.isOpen;
+    }
+    return count;
+  };
+  return {element, show};
+}
+
+// A filter over rows, with how many are left.
+function filtered(label, heads, rows) {
+  const made = table(heads, rows);
+  const count = h("span", {class: "faint", "aria-live": "polite"}, rows.length + " rows");
+  const field = filterField(label, words => {
+    count.textContent = made.show(row => matches(row.text, words)) + " of " + rows.length + " rows";
+  });
+  return {
+    element: h(
+      "div",
+      null,
+      h("div", {class: "tools"}, field, count),
+      h("div", {class: "scroll"}, made.element),
+    ),
+    field,
+  };
+}
+
+// Rows on tags: [tag, frames, what is said].
+function tagTable(rows) {
+  return h(
+    "div",
+    {class: "scroll"},
+    table(
+      ["tag", "frames", "what was found"],
+      rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), row[2]]})),
+    ).element,
+  );
+}
