@@ -269,7 +269,7 @@ def handed_over():
 
 def read_back():
     return table(["section", "key", "type", "bytes", "read by"],
-                 [[entry["section"], f"`{entry['key']}`", entry["type"], entry["bytes"],
+                 [[entry["section"], f"`{entry['key']}`", entry["type"], str(entry["bytes"]).split(" ")[0],
                    functions_of(entry["readBackBy"])]
                   for entry in catalogue("parameters") if "out" in entry["direction"]])
 

@@ -26,7 +26,7 @@ tags orlu.feedback.TunningMode    | 0 |   put back by  updateTunningMode (result
 tags android.jpeg.quality         | 0 |   read by      nobody: no function of the library asks for it
 tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
 tags currentModEx                 | 2 | run: no tag has currentModEx in its name (did you mean currentModeEx?)
-algorithms hdr                    | 0 | algorithm hdr ;   stand-in     runs it ;   samples      hdr5  added ran
+algorithms hdr                    | 0 | algorithm hdr ;   stand-in     runs ;   samples      hdr5  added ran
 algorithms jpegEncode             | 0 |   removed      Of raw input. ;                raw-night          asked removed
 algorithms beauti                 | 2 | did you mean beauty?
 parameters film_size              | 0 | parameter control/film_size ;   type         int ;   bytes        4 ;   tags         orlu.control.filmSize, orlu.doubleExpo.capture
@@ -35,7 +35,7 @@ parameters orlu_zoom_ratio        | 0 |   without tags 0
 parameters zoom/                  | 0 | zoom/sat_crop_regions      crop   16  in
 parameters nonsense               | 2 | run: no parameter has nonsense in its name
 formats RAW16                     | 0 |   code         18 ALGO_IMG_RAW16 ;   row          W * 2
-formats nv                        | 0 | NV12  2 ALGO_IMG_NV12 ; NV21  1 ALGO_IMG_NV21
+formats nv                        | 0 | NV12    2 ALGO_IMG_NV12 ; NV21    1 ALGO_IMG_NV21
 samples night                     | 0 |   inputs       7 NV21, shared, stride 640 ;   algorithms   night, jpegEncode
 samples nigth                     | 2 | did you mean night?
 samples night day                 | 2 | one argument too many: day
@@ -68,7 +68,7 @@ def check_lists():
         listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)
         problems.extend(f"{part}: {len(line)} columns: {line}" for line in listed if len(line) > 80)
         names = [entry["name"] for entry in parts[part]]
-        shown = [line.split()[0] for line in listed[:-2] if not line.startswith(" ")]
+        shown = [line.split()[0] for line in listed[1:-2] if not line.startswith(" ")]
         if names != shown or not names:
             problems.append(f"{part}: lists {len(shown)} entries, and {len(names)} in JSON")
     return parts
@@ -89,7 +89,7 @@ def check_claims(parts):
             entry = parameters[parameter["section"], parameter["key"]]
             size = len(parameter["hex"]) // 2
             compared += 1
-            if entry["bytes"] not in ("8 x frames", size) or "in" not in entry["direction"]:
+            if entry["bytes"] not in ("400 or 8 x frames", size) or "in" not in entry["direction"]:
                 problems.append(f"{entry['name']}: {size} bytes were handed over, not {entry['bytes']}")
     for event in events:
         held = event.get("held")

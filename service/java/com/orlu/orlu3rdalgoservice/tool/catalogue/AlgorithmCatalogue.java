@@ -59,9 +59,9 @@ final class AlgorithmCatalogue implements Catalogue {
 
     private static String standIn(Map<String, String> fates) {
         if (fates.values().stream().anyMatch(fate -> fate.endsWith(" ran"))) {
-            return "runs it";
+            return "runs";
         }
         return fates.values().stream().anyMatch(fate -> fate.endsWith(" skipped"))
-                ? "skips it" : "is not asked by any sample";
+                ? "skips" : "in no sample";
     }
 }

@@ -54,7 +54,7 @@ public final class NewCommand implements Command {
         if (out != null) {
             throw new IllegalArgumentException("--out needs a KIND; ./run new lists them");
         }
-        kinds.forEach((name, kind) -> System.out.printf("%-16s  %s%n", name, kind.about()));
+        kinds.forEach((name, kind) -> System.out.printf("%-15s  %s%n", name, kind.about()));
     }
 
     private static void write(String name, Map<String, Kind> kinds, Path out) throws IOException {

@@ -26,19 +26,28 @@ final class Page {
     void list(Catalogue catalogue, String command, List<Entry> entries) {
         List<String> fields = new ArrayList<>(List.of("name"));
         fields.addAll(catalogue.columns());
-        int[] starts = starts(fields.stream().mapToInt(field -> widest(field, entries)).toArray());
+        Entry heading = new Entry(catalogue.one().toUpperCase(Locale.ROOT));
+        catalogue.columns().forEach(field -> heading.with(field, label(field).toUpperCase(Locale.ROOT)));
+        int[] widths = fields.stream()
+                .mapToInt(field -> Math.max(widest(field, entries), heading.text(field).length())).toArray();
+        int[] starts = starts(widths);
+        line(heading, fields, starts);
         for (Entry entry : entries) {
-            StringBuilder line = new StringBuilder(entry.name());
-            for (int i = 1; i < starts.length; ++i) {
-                line.append(GAP).append(" ".repeat(Math.max(0, starts[i] - line.length())))
-                        .append(entry.text(fields.get(i)));
-            }
-            mTo.println(line.toString().stripTrailing());
+            line(entry, fields, starts);
             wrap(" ".repeat(BELOW), BELOW, catalogue.below(entry));
         }
         mTo.println();
         mTo.println("%d %s; ./run %s NAME shows all that is known of one".formatted(
                 entries.size(), command, command));
+    }
+
+    private void line(Entry entry, List<String> fields, int[] starts) {
+        StringBuilder line = new StringBuilder();
+        for (int i = 0; i < starts.length; ++i) {
+            int gap = i == 0 ? 0 : Math.max(GAP.length(), starts[i] - line.length());
+            line.append(" ".repeat(gap)).append(entry.text(fields.get(i)));
+        }
+        mTo.println(line.toString().stripTrailing());
     }
 
     // Where columns begin. When they take too much, the longest names reach into the next column.

@@ -5,12 +5,13 @@ import com.orlu.orlu3rdalgoservice.tool.report.ParameterType;
 import java.util.List;
 import java.util.Map;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** The parameters that cross to the algorithm library, or back. */
 final class ParameterCatalogue implements Catalogue {
     private static final String FILE = "/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt";
     private static final int COLUMNS = 5;
-    /** As many as there are frames. */
+    /** As many as there are frames; or fifty zeros, where the camera has no scores. Read back are fifty. */
     private static final String BY_FRAMES = "*";
     /** Bytes of an element, of what can have several. */
     private static final Map<String, Integer> ELEMENTS =
@@ -37,10 +38,17 @@ final class ParameterCatalogue implements Catalogue {
     @Override
     public String below(Entry entry) {
         String name = entry.name();
-        String by = Found.writersOf(name).stream().map(place -> place.replaceFirst(" .*", "")).distinct()
-                .collect(Collectors.joining(", "));
         List<String> tags = Found.tagsOf(name);
-        return by + (tags.isEmpty() ? "" : " of " + String.join(", ", tags));
+        return Stream.of(functions("by ", Found.writersOf(name)),
+                tags.isEmpty() ? "" : "from " + String.join(", ", tags),
+                functions("read back by ", Found.returnersOf(name)))
+                .filter(part -> !part.isEmpty()).collect(Collectors.joining("; "));
+    }
+
+    // Without their files.
+    private static String functions(String before, List<String> places) {
+        return places.isEmpty() ? "" : before + places.stream().map(place -> place.replaceFirst(" .*", ""))
+                .distinct().collect(Collectors.joining(", "));
     }
 
     @Override
@@ -52,7 +60,7 @@ final class ParameterCatalogue implements Catalogue {
         String name = row[0] + "/" + row[1];
         return new Entry(name).with("section", "orlu.algo." + row[0]).with("key", row[1])
                 .with("type", type(row[2], row[3]))
-                .with("bytes", row[3].equals(BY_FRAMES) ? "8 x frames" : Integer.valueOf(row[3]))
+                .with("bytes", row[3].equals(BY_FRAMES) ? "400 or 8 x frames" : Integer.valueOf(row[3]))
                 .with("direction", List.of(row[4].split(","))).with("elements", elements(row[2], row[3]))
                 .with("writtenBy", Found.writersOf(name)).with("readBackBy", Found.returnersOf(name))
                 .with("tags", Found.tagsOf(name)).with("withoutTags", Found.absentValues(name));
@@ -66,7 +74,7 @@ final class ParameterCatalogue implements Catalogue {
 
     private static Object elements(String type, String bytes) {
         if (bytes.equals(BY_FRAMES)) {
-            return "frames";
+            return "50, or one a frame";
         }
         int size = Integer.parseInt(bytes);
         return size / ELEMENTS.getOrDefault(type, size);
