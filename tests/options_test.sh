@@ -18,6 +18,7 @@ done <<'REFUSED'
 --out|--out needs a value; see ./run --help
 --photo none.jpg|--photo: no such photo: none.jpg
 infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
+--out a replay|the subcommand comes first: ./run replay ...; see ./run --help
 colour|colour: no such file or subcommand; see ./run --help
 run --photo none.jpg|--photo: no such photo: none.jpg
 --out a --json request.json|--json would write over a request file: request.json

@@ -28,6 +28,7 @@ final class Commands {
     static final Command USUAL = new RunCommand();
     /** The others, in the order of the help. A new one is a row here. */
     static final List<Command> NAMED = List.of(
+            new NewCommand(),
             new ImportCommand(),
             new RecordingCommand("info", "say what is in recordings of requests"),
             new RecordingCommand("replay", "run recordings again, and compare"),
@@ -45,7 +46,6 @@ final class Commands {
             new CatalogueCommand("formats", "list image formats: planes, strides, files", "FORMAT",
                     "RAW16"),
             new CatalogueCommand("samples", "list the samples and what each shows", "SAMPLE", "night"),
-            new NewCommand(),
             new SchemaCommand(),
             new LauncherCommand("completion", "print the completion for bash", Launch.COMPLETION,
                     List.of("Prints what lets bash complete subcommands, options and their values, for this "
@@ -133,10 +133,18 @@ final class Commands {
         return e.getMessage();
     }
 
+    /** Whether a subcommand in the help has this name. */
+    static boolean isListed(String word) {
+        return listed().contains(word);
+    }
+
     /** A question in brackets on the subcommand that this word resembles; empty when it resembles none. */
     static String didYouMean(String word) {
-        return NearestWord.question(word, NAMED.stream().filter(command -> !command.about().isEmpty())
-                .map(Command::name).toList());
+        return NearestWord.question(word, listed());
+    }
+
+    private static List<String> listed() {
+        return NAMED.stream().filter(command -> !command.about().isEmpty()).map(Command::name).toList();
     }
 
     /** The help of a command. */

@@ -63,7 +63,7 @@ final class Options {
 
     /** Refuses what can't be written or must not, with an IllegalArgumentException. */
     void checkWritten() {
-        new WrittenFiles().folder("--out", out).folder("--record", record)
+        new WrittenFiles().folder("--out", out).folder("--record", record).folder("--report", report)
                 .file("--json", json).file("--events", events).file("--timeline", timeline);
     }
 

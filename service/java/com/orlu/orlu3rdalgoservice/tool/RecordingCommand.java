@@ -26,44 +26,31 @@ import picocli.CommandLine.ParseResult;
  * The subcommands on recordings: info, replay, trim, diff, and play, which replay starts in a process of its
  * own. Its trials, likewise, are TrialSession's.
  */
-final class RecordingCommand implements Command {
+final class RecordingCommand extends Command {
     private static final int EQUAL = 0;
     private static final int DIFFERENT = 1;
 
-    private final String mName;
-    private final String mAbout;
     private RecordingOptions mOptions;
 
     /** A subcommand of one of RecordingOptions' names; with an empty phrase on it, the help leaves it out. */
     RecordingCommand(String name, String about) {
-        mName = name;
-        mAbout = about;
-    }
-
-    @Override
-    public String name() {
-        return mName;
-    }
-
-    @Override
-    public String about() {
-        return mAbout;
+        super(name, about);
     }
 
     @Override
     public CommandSpec spec() {
-        return RecordingOptions.spec(mName);
+        return RecordingOptions.spec(name());
     }
 
     @Override
     public Launch launch() {
-        return mName.equals("trials") ? Launch.ONLY_TRIALS : Launch.JAVA;
+        return name().equals("trials") ? Launch.ONLY_TRIALS : Launch.JAVA;
     }
 
     @Override
     public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
-        mOptions = RecordingOptions.of(mName, line);
-        return switch (mName) {
+        mOptions = RecordingOptions.of(name(), line);
+        return switch (name()) {
             case "info" -> info();
             case "replay" -> replay();
             case "trim" -> trim();
@@ -74,7 +61,7 @@ final class RecordingCommand implements Command {
 
     @Override
     public int afterDeath(ParseResult line, int exitStatus) throws IOException {
-        Path record = RecordingOptions.of(mName, line).record;
+        Path record = RecordingOptions.of(name(), line).record;
         if (record != null) {
             PostMortem.completeRecordings(record);
         }

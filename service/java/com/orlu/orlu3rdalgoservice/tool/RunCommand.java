@@ -18,7 +18,7 @@ import picocli.CommandLine.Model.UsageMessageSpec;
 import picocli.CommandLine.ParseResult;
 
 /** What ./run does without a subcommand: it runs requests. */
-final class RunCommand implements Command {
+final class RunCommand extends Command {
     private static final String ABOUT = "Sends camera requests through the post-processing library, as the "
             + "service does, and shows what went in, what ran and what came back. Without a request file it "
             + "takes samples/night.json.";
@@ -41,14 +41,8 @@ final class RunCommand implements Command {
             another algorithm library before the stand-in.
             """;
 
-    @Override
-    public String name() {
-        return "run";
-    }
-
-    @Override
-    public String about() {
-        return "";
+    RunCommand() {
+        super("run", "");
     }
 
     @Override
@@ -75,8 +69,8 @@ final class RunCommand implements Command {
                                 + "look-up of a tag, as JSON lines (docs/events.md)"),
                 Arguments.path("--timeline", "FILE",
                         "write a timeline of the run that trace viewers open (docs/timeline.md)"),
-                Arguments.path("--report", "DIR", "write a page on each request that a browser shows: pictures, "
-                        + "memory, timeline, parameters, tags, log, and what looks wrong (docs/report.md)",
+                Arguments.path("--report", "DIR", "write a page on each request that a browser shows: "
+                        + "pictures, memory, timeline, parameters, tags, log, and what looks wrong (docs/report.md)",
                         Launch.REPORT),
                 Arguments.path("--record", "DIR", "record each request in a folder (docs/recording.md)",
                         Launch.PIXELS)));
@@ -119,10 +113,15 @@ final class RunCommand implements Command {
     // A word without a dot or a folder was rather meant as a subcommand.
     private static void needFile(Path file) {
         String word = file.toString();
-        if (!Files.exists(file) && word.matches("[A-Za-z]+")) {
-            throw new IllegalArgumentException(
-                    word + ": no such file or subcommand" + Commands.didYouMean(word) + "; see ./run --help");
+        if (Files.exists(file) || !word.matches("[A-Za-z]+")) {
+            return;
         }
+        if (Commands.isListed(word)) {
+            throw new IllegalArgumentException(
+                    "the subcommand comes first: ./run " + word + " ...; see ./run --help");
+        }
+        throw new IllegalArgumentException(
+                word + ": no such file or subcommand" + Commands.didYouMean(word) + "; see ./run --help");
     }
 
     @Override

@@ -10,8 +10,8 @@ import java.util.Map;
 import java.util.regex.Pattern;
 
 /**
- * Refuses what options ask to be written where that can't be or must not, before anything runs: a run may take
- * long, and "--json samples/night.json" without a file's name between them would cost the request.
+ * Refuses what options ask to be written where that can't be or must not, before anything runs: a run may
+ * take long, and "--json samples/night.json" without a file's name between them would cost the request.
  */
 final class WrittenFiles {
     private static final Pattern REQUEST = Pattern.compile("\"request\"\\s*:\\s*\\{");

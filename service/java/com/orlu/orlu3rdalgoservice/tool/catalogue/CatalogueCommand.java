@@ -12,9 +12,7 @@ import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
 /** A subcommand that shows a part of the catalogue: all, what a word is a part of, or one entry whole. */
-public final class CatalogueCommand implements Command {
-    private final String mName;
-    private final String mAbout;
+public final class CatalogueCommand extends Command {
     private final String mLabel;
     private final String mExample;
 
@@ -23,25 +21,14 @@ public final class CatalogueCommand implements Command {
      * is called there and in the completion, and an example.
      */
     public CatalogueCommand(String name, String about, String label, String example) {
-        mName = name;
-        mAbout = about;
+        super(name, about);
         mLabel = label;
         mExample = example;
     }
 
-    @Override
-    public String name() {
-        return mName;
-    }
-
-    @Override
-    public String about() {
-        return mAbout;
-    }
-
     // Made when it is asked for: every run of ./run makes the command.
     private Catalogue catalogue() {
-        return switch (mName) {
+        return switch (name()) {
             case "tags" -> new TagCatalogue();
             case "algorithms" -> new AlgorithmCatalogue();
             case "parameters" -> new ParameterCatalogue();
@@ -72,7 +59,7 @@ public final class CatalogueCommand implements Command {
         } else if (!words.isEmpty() && wanted.size() == 1) {
             new Page(System.out).detail(catalogue.one(), wanted.get(0));
         } else {
-            new Page(System.out).list(catalogue, mName, wanted);
+            new Page(System.out).list(catalogue, name(), wanted);
         }
         return Verdict.OK;
     }

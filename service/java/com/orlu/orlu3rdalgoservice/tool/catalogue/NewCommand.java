@@ -15,15 +15,9 @@ import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
 /** The subcommand new: prints or writes a request file to start from, for each kind of capture. */
-public final class NewCommand implements Command {
-    @Override
-    public String name() {
-        return "new";
-    }
-
-    @Override
-    public String about() {
-        return "print a request file to start from";
+public final class NewCommand extends Command {
+    public NewCommand() {
+        super("new", "print a request file to start from");
     }
 
     @Override

@@ -20,18 +20,12 @@ import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
 /** The subcommand schema: prints a JSON schema of request files, which completes and explains in editors. */
-public final class SchemaCommand implements Command {
+public final class SchemaCommand extends Command {
     private static final String FILE = "request.schema.json";
     private static final String DEFINITIONS = "#/definitions/";
 
-    @Override
-    public String name() {
-        return "schema";
-    }
-
-    @Override
-    public String about() {
-        return "print a JSON schema of request files, for editors";
+    public SchemaCommand() {
+        super("schema", "print a JSON schema of request files, for editors");
     }
 
     @Override

@@ -6,9 +6,7 @@ import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
 /** A subcommand that the launcher runs itself. Here it is only known, for the help and the completion. */
-public final class LauncherCommand implements Command {
-    private final String mName;
-    private final String mAbout;
+public final class LauncherCommand extends Command {
     private final Launch mLaunch;
     private final List<String> mTexts;
     private final List<String> mExamples;
@@ -16,26 +14,15 @@ public final class LauncherCommand implements Command {
     /** The texts and examples are those of Arguments.command. */
     public LauncherCommand(String name, String about, Launch launch, List<String> texts,
             List<String> examples) {
-        mName = name;
-        mAbout = about;
+        super(name, about);
         mLaunch = launch;
         mTexts = texts;
         mExamples = examples;
     }
 
     @Override
-    public String name() {
-        return mName;
-    }
-
-    @Override
-    public String about() {
-        return mAbout;
-    }
-
-    @Override
     public CommandSpec spec() {
-        return Arguments.command(mName, mTexts, mExamples);
+        return Arguments.command(name(), mTexts, mExamples);
     }
 
     @Override

@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 import com.orlu.orlu3rdalgoservice.tool.report.Handover;
 import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
+import com.orlu.orlu3rdalgoservice.tool.request.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
@@ -57,6 +58,13 @@ public final class ExplanationPrinter {
                 .map(Handover::shortName).toList();
         if (!near.isEmpty()) {
             mLines.list("perhaps", near);
+            return;
+        }
+        // With its section where that was typed.
+        String nearest = NearestWord.of(word, possible.stream().map(Handover::shortName)
+                .map(name -> word.contains("/") ? name : name.replaceFirst(".*/", "")).toList());
+        if (nearest != null) {
+            mLines.line("perhaps", nearest);
         }
     }
 

@@ -16,19 +16,13 @@ import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
 /** The subcommand import: makes a request file of what cameras write. */
-public final class ImportCommand implements Command {
+public final class ImportCommand extends Command {
     private static final String ABOUT = "Writes a request file of a camera service's text dump, the JSON "
             + "of a camera image test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that "
             + "is dropped where it was and why (docs/importing.md).";
 
-    @Override
-    public String name() {
-        return "import";
-    }
-
-    @Override
-    public String about() {
-        return "make a request file of what a camera wrote";
+    public ImportCommand() {
+        super("import", "make a request file of what a camera wrote");
     }
 
     @Override
