@@ -5,6 +5,7 @@ catalogue_test.py BUILD_FOLDER"""
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -14,29 +15,32 @@ BUILD = pathlib.Path(sys.argv[1]).resolve()
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
 # What claims are compared with, and looked into for drift: one on processed input, one on raw.
 SAMPLES = ("capture", "hdr5")
+# Where values are tried that capture.json has no use for: the sample, and an algorithm that it is to ask for.
+BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
+         "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 
 # arguments | status | lines, or parts of the error, of which each must be printed
 CASES = """
-tags currentModeEx                | 0 | tag orlu.control.currentModeEx ;   unit         bits ;   changes      algorithms, parameter/hdr_process_type, parameter/hdr_shutters,
-tags currentModeEx                | 0 |   values       bit-2  The frame is one of an HDR bracket; wins over bit 8.
-tags aeExposure                   | 0 | tag android.control.aeExposureCompensation ;   unit         EV/10
-tags android.control.aeMode       | 0 |                3  ON_ALWAYS_FLASH. The flash fires: "flash_mode" becomes 1.
-tags orlu.control.motion_level    | 0 |   when absent  control/motion_level  -1
-tags orlu.feedback.TunningMode    | 0 |   put back by  updateTunningMode (result_updater_raw_algo.cpp)
-tags android.jpeg.quality         | 0 |   read by      nobody: no function of the library asks for it
+tags currentModeEx                | 0 | tag orlu.control.currentModeEx ; unit bits ; changes algorithms, parameter/hdr_process_type, parameter/hdr_shutters,
+tags currentModeEx                | 0 | values bit-2 The frame is one of an HDR bracket; wins over bit 8.
+tags aeExposure                   | 0 | tag android.control.aeExposureCompensation ; unit EV/10
+tags android.control.aeMode       | 0 | 3 ON_ALWAYS_FLASH. The flash fires: "flash_mode" becomes 1.
+tags orlu.control.motion_level    | 0 | when absent control/motion_level -1
+tags orlu.feedback.TunningMode    | 0 | put back by updateTunningMode (result_updater_raw_algo.cpp)
+tags android.jpeg.quality         | 0 | read by nobody: no function of the library asks for it
 tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
 tags currentModEx                 | 2 | run: no tag has currentModEx in its name (did you mean currentModeEx?)
-algorithms hdr                    | 0 | algorithm hdr ;   stand-in     runs ;   samples      hdr5  added ran
-algorithms jpegEncode             | 0 |   removed      Of raw input. ;                raw-night          asked removed
+algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; samples hdr5 added ran
+algorithms jpegEncode             | 0 | removed Of raw input. ; raw-night asked removed
 algorithms beauti                 | 2 | did you mean beauty?
-parameters film_size              | 0 | parameter control/film_size ;   type         int ;   bytes        4 ;   tags         orlu.control.filmSize, orlu.doubleExpo.capture
-parameters control/film_size      | 0 |   written by   updateDoubleExpo (metadata_updater_double_exposure.cpp)
-parameters orlu_zoom_ratio        | 0 |   without tags 0
-parameters zoom/                  | 0 | zoom/sat_crop_regions      crop   16  in
+parameters film_size              | 0 | parameter control/film_size ; type int ; bytes 4 ; tags orlu.control.filmSize, orlu.doubleExpo.capture
+parameters control/film_size      | 0 | written by updateDoubleExpo (metadata_updater_double_exposure.cpp)
+parameters orlu_zoom_ratio        | 0 | without tags 0
+parameters zoom/                  | 0 | zoom/sat_crop_regions crop 16 in
 parameters nonsense               | 2 | run: no parameter has nonsense in its name
-formats RAW16                     | 0 |   code         18 ALGO_IMG_RAW16 ;   row          W * 2
-formats nv                        | 0 | NV12    2 ALGO_IMG_NV12 ; NV21    1 ALGO_IMG_NV21
-samples night                     | 0 |   inputs       7 NV21, shared, stride 640 ;   algorithms   night, jpegEncode
+formats RAW16                     | 0 | code 18 ALGO_IMG_RAW16 ; row W * 2
+formats nv                        | 0 | NV12 2 ALGO_IMG_NV12 ; NV21 1 ALGO_IMG_NV21
+samples night                     | 0 | inputs 7 NV21, shared, stride 640 ; algorithms night, jpegEncode
 samples nigth                     | 2 | did you mean night?
 samples night day                 | 2 | one argument too many: day
 """
@@ -55,8 +59,11 @@ def check_cases():
         result = run(*arguments.split())
         if result.returncode != int(status):
             problems.append(f"{arguments.strip()}: status {result.returncode}, {result.stderr}")
-        for text in texts[1:].split(" ; "):
-            is_there = text in result.stdout.splitlines() if status.strip() == "0" else text in result.stderr
+        # Columns are as wide as they must be.
+        lines = [" ".join(line.split()) for line in result.stdout.splitlines()]
+        for text in texts.split(" ; "):
+            text = " ".join(text.split())
+            is_there = text in lines if status.strip() == "0" else text in result.stderr
             if not is_there:
                 problems.append(f"{arguments.strip()}: not printed: {text}")
 
@@ -101,9 +108,46 @@ def check_claims(parts):
         problems.append(f"only {compared} claims were compared")
 
 
+def with_tag(tag, value):
+    """A request whose first frame has the value: a number, "[0]>0" for an element, ">0" for one above."""
+    sample, algorithm = BASES.get(tag, ("capture", "jpegEncode"))
+    request = json.loads((ROOT / f"samples/{sample}.json").read_text())
+    request["photo"] = str(ROOT / "samples" / request["photo"])
+    request["algorithms"] = [algorithm]
+    numbers = [int(number) for number in re.findall(r"\d+", value)]
+    number = numbers[0] + (1 if ">" in value and "=" not in value else 0)
+    request["frames"]["common"]["captureResult"][tag] = number if len(numbers) == 1 else numbers
+    return request
+
+
+def check_values(tags):
+    """What a value is said to append or to change is appended and changed."""
+    claims = []
+    for entry in tags:
+        for value in entry["values"]:
+            claims += [(entry["name"], value["value"], algorithm, None)
+                       for algorithm in re.findall(r'ppends the algorithm "(\w+)"', value["meaning"])]
+            claims += [(entry["name"], value["value"], *change)
+                       for change in re.findall(r'"(\w+)" becomes (\d+)', value["meaning"])]
+    with tempfile.TemporaryDirectory() as folder:
+        files = [pathlib.Path(folder, f"{number}.json") for number in range(len(claims))]
+        for file, (tag, value, _, _) in zip(files, claims):
+            file.write_text(json.dumps(with_tag(tag, value)))
+        run("--out", folder, "--json", f"{folder}/reports", *files)
+        reports = json.loads(pathlib.Path(folder, "reports").read_text())
+    for report, (tag, value, name, number) in zip(reports, claims):
+        found = {each["key"]: each["value"] for each in report["parameters"]}
+        if number is None and name not in report["algorithmsAfter"] or number and found.get(name) != int(number):
+            problems.append(f"{tag} {value}: {name} {number or 'is not appended'}, but {found.get(name)}")
+    if len(claims) < 10 or len(reports) != len(claims):
+        problems.append(f"of {len(claims)} claims on values {len(reports)} were tried")
+
+
 def main():
     check_cases()
-    check_claims(check_lists())
+    parts = check_lists()
+    check_claims(parts)
+    check_values(parts["tags"])
     drift = subprocess.run([ROOT / "scripts/make_catalogue.py", "--check", *SAMPLES], text=True, check=False,
                            env=dict(os.environ, ORLU_BUILD=str(BUILD)), capture_output=True)
     if drift.returncode:

@@ -26,8 +26,8 @@ final class ParameterCatalogue implements Catalogue {
     public String help() {
         return "Lists the parameters that the library hands to the algorithm library (in) and reads back "
                 + "(out), by section without orlu.algo. and key: type and bytes. Of one it says also which "
-                + "functions write it or read it back, the tags that change it, and what it is where no tag is "
-                + "there.";
+                + "functions write it or read it back, the tags that change it, and what it is where no tag "
+                + "is there.";
     }
 
     @Override
