@@ -9,6 +9,7 @@ import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordingSummary;
 import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.recording.Trimmer;
+import com.orlu.orlu3rdalgoservice.tool.recording.WrappedLines;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
@@ -79,9 +80,12 @@ final class RecordingCommand extends Command {
 
     private int trim() throws RequestFileException, IOException {
         RecordedRequest recorded = RecordedRequest.read(mOptions.files.get(0));
-        new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels).write(mOptions.out);
+        Trimmer trimmer =
+                new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels, mOptions.crop);
+        trimmer.write(mOptions.out);
         System.out.println("written " + mOptions.out + " (" + megabytes(mOptions.out) + " of "
                 + megabytes(recorded.folder()) + ")");
+        trimmer.notes().forEach(note -> new WrappedLines(System.out).print(2, "note: " + note));
         return Verdict.OK;
     }
 
@@ -133,11 +137,19 @@ final class RecordingCommand extends Command {
     private int replay(RecordedRequest recorded, Path again) throws RequestFileException, IOException {
         RunRecord before = RunRecord.of(recorded, recorded.folder().toString());
         RunRecord after = RunRecord.of(RecordedRequest.read(again), "this run");
-        recorded.notes().forEach(note -> System.out.println("  note: " + note));
+        WrappedLines to = new WrappedLines(System.out);
+        recorded.notes().forEach(note -> to.print(2, "note: " + note));
+        if (!recorded.trimmed().isEmpty()) {
+            to.print(2, "note: this recording is trimmed: " + recorded.trimmed());
+        }
         if (!before.isKnown()) {
-            System.out.println(before.name() + ": ran, " + after.parameters().size()
-                    + " parameters; nothing was recorded to compare with");
-            return EQUAL;
+            boolean isRight = after.isComplete() && !after.hasFailed();
+            System.out.println(before.name() + ": " + (isRight ? "ran" : "went wrong") + ", "
+                    + after.parameters().size() + " parameters; nothing was recorded to compare with");
+            if (!isRight) {
+                to.print(2, "came to " + after.outcomes());
+            }
+            return isRight ? EQUAL : DIFFERENT;
         }
         return compare(before.name(), before, after);
     }

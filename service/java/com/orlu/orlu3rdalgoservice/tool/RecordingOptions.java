@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
+import com.orlu.orlu3rdalgoservice.tool.recording.CropArea;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -29,6 +30,8 @@ final class RecordingOptions {
     final Path record;
     final Set<Integer> frames;
     final boolean keepsPixels;
+    /** Null to keep whole images. */
+    final CropArea crop;
     final boolean explains;
 
     private RecordingOptions(String name, ParseResult line) {
@@ -45,6 +48,8 @@ final class RecordingOptions {
         record = line.matchedOptionValue("--record", null);
         frames = new TreeSet<>(line.matchedOptionValue("--frames", List.<Integer>of()));
         keepsPixels = !line.hasMatchedOption("--no-pixels");
+        String area = line.matchedOptionValue("--crop", null);
+        crop = area == null ? null : CropArea.parse(area);
         explains = !line.hasMatchedOption("--no-explain");
     }
 
@@ -86,11 +91,15 @@ final class RecordingOptions {
     private static CommandSpec trim() {
         CommandSpec spec = command("trim [options] FOLDER --out DIR", "FOLDER", 1,
                 List.of("Writes a smaller copy of a recording (docs/recording.md)."),
-                List.of("./run trim shots/000001-request-101 --out few --frames 0,2"));
+                List.of("./run trim shots/000001-request-101 --out few --frames 0,2",
+                        "./run trim shots/000001-request-101 --out small --crop 320,240"));
         spec.addOption(Arguments.neededPath("--out", "DIR",
                 "the folder of the copy, which must not be there"));
         spec.addOption(Arguments.list("--frames", "NUMBER", Integer.class, "keep these frames and their "
                 + "inputs, and leave out what came of the request").splitRegex(",").build());
+        spec.addOption(OptionSpec.builder("--crop").paramLabel("AREA").type(String.class).description(
+                "keep this part of each image, WIDTH,HEIGHT of the middle or X,Y,WIDTH,HEIGHT, and leave out "
+                        + "what came of the request").build());
         spec.addOption(Arguments.flag("--no-pixels", "leave the pixels out"));
         return spec;
     }

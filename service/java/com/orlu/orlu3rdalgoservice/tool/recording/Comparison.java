@@ -194,7 +194,8 @@ public final class Comparison {
         }
         for (int i = 0; i < Math.min(mOne.results().size(), mOther.results().size()); ++i) {
             if (!mIgnored.contains("output " + i)) {
-                mOutputs.differences(i, mOne.results().get(i), mOther.results().get(i), mCloseness.tolerance())
+                mOutputs.differences(
+                        i, mOne.results().get(i), mOther.results().get(i), mCloseness.tolerance())
                         .forEach(line -> mDifferences.add(new Difference(line, "")));
             }
         }

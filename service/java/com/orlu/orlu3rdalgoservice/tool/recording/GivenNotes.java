@@ -10,7 +10,7 @@ import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
 
-/** What two runs were given differently: settings, images, and tags, each with all frames where it differs. */
+/** What two runs were given differently: settings, images, and tags, each with all frames. */
 final class GivenNotes {
     private static final int MOST_TAGS = 12;
 

@@ -182,6 +182,21 @@ public final class RecordedRequest {
         return found.isEmpty() ? null : found.get(0);
     }
 
+    /** What of a request was left out by trimming, "" when it is whole: "cropped to 320x240, frames 0, 2". */
+    public String trimmed() {
+        JsonObject part = part("trimmed");
+        if (part == null) {
+            return "";
+        }
+        List<Integer> frames = new ArrayList<>();
+        if (part.has("frames")) {
+            part.getAsJsonArray("frames").forEach(frame -> frames.add(frame.getAsInt()));
+        }
+        String crop = part.has("crop") ? "cropped to " + part.get("crop").getAsString() : "";
+        String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the recording";
+        return crop + (crop.isEmpty() || kept.isEmpty() ? "" : ", ") + kept;
+    }
+
     /** What of the request can't be made again, known after toRequest(). */
     public List<String> notes() {
         return mNotes;

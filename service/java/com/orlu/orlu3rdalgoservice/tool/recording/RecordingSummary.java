@@ -39,6 +39,9 @@ public final class RecordingSummary {
         if (request != null) {
             line("request", request.get("id") + " \"" + request.get("type").getAsString() + "\"");
         }
+        if (!mRecorded.trimmed().isEmpty()) {
+            line("trimmed", mRecorded.trimmed());
+        }
         for (String name : List.of("client", "properties")) {
             JsonObject part = mRecorded.part(name);
             if (part != null && part.getAsJsonObject("values").size() > 0) {
@@ -91,7 +94,8 @@ public final class RecordingSummary {
     private void printHanded(List<HandedImage> images) {
         for (String call : List.of("process", "callback")) {
             lines(call + (call.equals("process") ? " in" : " out"),
-                    images.stream().filter(image -> image.call().equals(call)).map(HandedImage::text).toList());
+                    images.stream().filter(image -> image.call().equals(call)).map(HandedImage::text)
+                            .toList());
         }
     }
 

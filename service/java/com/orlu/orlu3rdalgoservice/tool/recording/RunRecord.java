@@ -156,8 +156,15 @@ public final class RunRecord {
     }
 
     /** What each call came to: "processed" 0, "process 1" "returned 0". */
-    Map<String, String> outcomes() {
+    public Map<String, String> outcomes() {
         return mOutcomes;
+    }
+
+    /** Whether a call to the library returned something else than 0, or a request was not called back. */
+    public boolean hasFailed() {
+        boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
+        return isSilent || List.of("processed", "updated").stream()
+                .anyMatch(call -> !mOutcomes.getOrDefault(call, "0").equals("0"));
     }
 
     /** Milliseconds, likewise. */

@@ -19,7 +19,8 @@ import java.util.TreeSet;
 
 /**
  * Writes a smaller copy of a recording. Without some frames the request is another one, so that what came of
- * it is left out then. Without pixels what came of it stays, but for the output's pixels.
+ * it is left out then, and likewise where images are cropped. Without pixels what came of it stays, but for
+ * the output's pixels.
  */
 public final class Trimmer {
     private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().serializeNulls().create();
@@ -29,13 +30,21 @@ public final class Trimmer {
     private final RecordedRequest mRecorded;
     private final Set<Integer> mFrames;
     private final boolean mKeepsPixels;
+    private final CropArea mCrop;
+    private final List<String> mNotes = new ArrayList<>();
     private final ByteArrayOutputStream mLines = new ByteArrayOutputStream();
 
-    /** Keeps these frames, all when there are none here. */
-    public Trimmer(RecordedRequest recorded, Set<Integer> frames, boolean keepsPixels) {
+    /** Keeps these frames, all when there are none here, and of each image this area, all of it for null. */
+    public Trimmer(RecordedRequest recorded, Set<Integer> frames, boolean keepsPixels, CropArea crop) {
         mRecorded = recorded;
         mFrames = new TreeSet<>(frames);
         mKeepsPixels = keepsPixels;
+        mCrop = crop;
+    }
+
+    /** What the copy has otherwise than one might think, known when it is written. */
+    public List<String> notes() {
+        return mNotes;
     }
 
     /** Writes the copy into a folder that must not be there. */
@@ -56,6 +65,9 @@ public final class Trimmer {
         if (Files.exists(folder)) {
             throw new IllegalArgumentException("--out: " + folder + " is there already");
         }
+        if (mCrop != null) {
+            checkCrop();
+        }
         Files.createDirectories(folder);
         writeParts(folder, Math.max(1, inputs / Math.max(1, frames)));
         Files.write(folder.resolve(RecordedRequest.LINES), mLines.toByteArray());
@@ -65,17 +77,86 @@ public final class Trimmer {
         List<Integer> counts = new ArrayList<>(List.of(0, 0));
         for (JsonObject part : mRecorded.parts()) {
             String name = part.get("part").getAsString();
-            if (name.equals("eventsAt") || !mFrames.isEmpty() && WHAT_CAME_OF_IT.contains(name)) {
+            boolean isOther = !mFrames.isEmpty() || mCrop != null;
+            if (name.equals("eventsAt") || isOther && WHAT_CAME_OF_IT.contains(name)) {
                 continue;
+            }
+            if (name.equals("request") && isOther) {
+                write(trimmed());
             }
             JsonObject copy = part.deepCopy();
             if (name.equals("frame") && !renumber(copy, counts, 0, 1)
                     || name.equals("input") && !renumber(copy, counts, 1, inputsPerFrame)) {
                 continue;
             }
-            copyBytes(part, copy, folder, name);
+            ImageCrop crop = null;
+            if (mCrop != null && (name.equals("input") || name.equals("output"))) {
+                crop = crop(part, name, copy);
+            }
+            copyBytes(part, copy, folder, crop);
             write(copy);
         }
+    }
+
+    // Goes before the request: what a reader may not take for the whole of it.
+    private JsonObject trimmed() {
+        JsonObject part = new JsonObject();
+        part.addProperty("part", "trimmed");
+        if (!mFrames.isEmpty()) {
+            part.add("frames", GSON.toJsonTree(mFrames));
+        }
+        if (mCrop != null) {
+            part.addProperty("crop", mCrop.toString());
+        }
+        return part;
+    }
+
+    // Every image is tried before anything is written.
+    private void checkCrop() {
+        for (RecordedImage image : mRecorded.images("input")) {
+            if (ImageCrop.of(image, mCrop, nameOf(image.part(), "input")) == null) {
+                mNotes.add(nameOf(image.part(), "input") + " is " + image.format() + ": left as it is");
+            }
+        }
+        for (RecordedImage image : mRecorded.images("output")) {
+            if (!hasSizeOfInputs(image)) {
+                mNotes.add(nameOf(image.part(), "output") + " is not as large as the inputs: left as it is");
+            } else {
+                ImageCrop.of(image, mCrop, nameOf(image.part(), "output"));
+            }
+        }
+        Set<String> tags = SizeTags.of(mRecorded.parts("frame"));
+        if (!tags.isEmpty()) {
+            mNotes.add(
+                    "these tags hold sizes or places and are left as they are: " + String.join(", ", tags));
+        }
+    }
+
+    private static String nameOf(JsonObject part, String name) {
+        return name + " " + part.get("index");
+    }
+
+    private boolean hasSizeOfInputs(RecordedImage image) {
+        List<RecordedImage> inputs = mRecorded.images("input");
+        return !inputs.isEmpty() && inputs.get(0).number("width") == image.number("width")
+                && inputs.get(0).number("height") == image.number("height");
+    }
+
+    // Puts the smaller description into the copy. Returns how its bytes are cut, null when they are not.
+    private ImageCrop crop(JsonObject part, String name, JsonObject copy) {
+        RecordedImage image = new RecordedImage(mRecorded, part);
+        if (name.equals("output") && !hasSizeOfInputs(image)) {
+            return null;
+        }
+        ImageCrop crop = ImageCrop.of(image, mCrop, nameOf(part, name));
+        if (crop != null) {
+            crop.part().entrySet().stream().filter(field -> !field.getKey().equals("index"))
+                    .forEach(field -> copy.add(field.getKey(), field.getValue()));
+        } else if (name.equals("output")) {
+            copy.addProperty("width", mCrop.width());
+            copy.addProperty("height", mCrop.height());
+        }
+        return crop;
     }
 
     // Returns whether the part is kept.
@@ -88,11 +169,12 @@ public final class Trimmer {
         return true;
     }
 
-    private void copyBytes(JsonObject part, JsonObject copy, Path folder, String name)
+    private void copyBytes(JsonObject part, JsonObject copy, Path folder, ImageCrop crop)
             throws RequestFileException, IOException {
         if (!part.has("file")) {
             return;
         }
+        String name = part.get("part").getAsString();
         if (!mKeepsPixels && !name.equals("events")) {
             copy.remove("file");
             copy.remove("crc");
@@ -103,6 +185,10 @@ public final class Trimmer {
         String file = copy.has("index") && name.equals("input") ? "input" + copy.get("index") + ".bin"
                 : part.get("file").getAsString();
         copy.addProperty("file", file);
+        if (crop != null) {
+            bytes = crop.bytes(bytes);
+            copy.addProperty("crc", RecordedRequest.check(bytes, 0, bytes.length));
+        }
         Files.write(folder.resolve(file), bytes);
         if (name.equals("events") && mKeepsPixels) {
             copyHanded(folder);

@@ -1,0 +1,184 @@
+#!/usr/bin/env python3
+"""Trimmed recordings: every pixel of a cropped image, the description around it, and that the copies run.
+
+trimming_test.py BUILD_FOLDER
+"""
+
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import zlib
+from pathlib import Path
+
+ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+WIDTH, HEIGHT = 32, 24
+X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
+# For each image: format | memory | planes as (stride, bytes behind the last row) | bytes of each plane to a column of
+# the image | rows of the image to one of each plane's. Planes follow each other.
+LAYOUTS = {
+    "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
+    "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),
+    "nv12": ("NV12", "shared", [(40, 80), (40, -8)], [1, 1], [1, 2]),
+    "yu12": ("YU12", "shared", [(36, 0)], [1, .5, .5], [1, 2, 2]),
+    "yv12": ("YV12", "hardware", [(32, 0)], [1, .5, .5], [1, 2, 2]),
+    "raw16": ("RAW16", "shared", [(64, 0)], [2], [1]),
+    "sensor": ("RAW_SENSOR", "hardware", [(72, 0)], [2], [1]),
+    "raw10": ("MIPI_RAW10", "hardware", [(44, 0)], [1.25], [1]),
+    "rgba": ("R8G8B8A8", "hardware", [(136, 0)], [4], [1]),
+}
+failures = []
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{what}: expected {str(wanted)[:300]}, found {str(found)[:300]}")
+
+
+def run(status, *arguments):
+    done = subprocess.run([ROOT / "run", *arguments], capture_output=True, text=True, check=False,
+                          env={**os.environ, "ORLU_BUILD": BUILD})
+    if status not in (None, done.returncode):
+        failures.append(f"{arguments}: status {done.returncode} instead of {status}: "
+                        f"{done.stdout}{done.stderr}")
+    return done.stdout + done.stderr
+
+
+def planes_of(layout):
+    """Where each plane begins, its stride, its bytes a row, and its rows; the memory's size."""
+    _, _, planes, column, subsampling = layout
+    strides = [planes[0][0]] + [planes[-1][0] if len(planes) > 1 else int(planes[0][0] * c)
+                                for c in column[1:]]
+    found, at = [], 0
+    for i, stride in enumerate(strides):
+        rows = HEIGHT // subsampling[i]
+        found.append((at, stride, int(WIDTH * column[i]), rows))
+        at += stride * rows + (planes[i][1] if i < len(planes) else 0)
+    return found, at
+
+
+def value(plane, row, byte):
+    return (plane * 91 + row * 37 + byte * 3 + 1) % 255 + 1
+
+
+def request(name, layout):
+    planes, size = planes_of(layout)
+    pixels = bytearray(size)
+    for i, (at, stride, row_bytes, rows) in enumerate(planes):
+        for row in range(rows):
+            start = at + row * stride
+            pixels[start:start + row_bytes] = bytes(value(i, row, b) for b in range(row_bytes))
+    Path(f"{name}.bin").write_bytes(pixels)
+    image = {"format": layout[0], "memory": layout[1], "width": WIDTH, "height": HEIGHT,
+             "file": f"{name}.bin", "stride": layout[2][0][0], "frame": 0}
+    if len(layout[2]) > 1:
+        second = planes[1][0]
+        image["planes"] = [{"offset": 0, "stride": layout[2][0][0], "size": second},
+                           {"offset": second, "stride": layout[2][1][0], "size": size - second}]
+    sample = json.loads((ROOT / "samples" / "watermark.json").read_text())
+    return {**{key: sample[key] for key in ("client", "algorithms")}, "request": {"id": 1, "type": "capture"},
+            "about": name, "frames": [sample["frames"]["common"] if "frames" in sample else {}],
+            "inputs": [image],
+            "outputs": [{key: image[key] for key in ("format", "memory", "width", "height")}]}
+
+
+def parts(folder):
+    lines = (folder / "recording").read_text().splitlines()
+    for line in lines:
+        expect(f"{folder} check", f"{zlib.crc32(line[9:].encode()):08x}", line[:8])
+    return [json.loads(line[9:]) for line in lines]
+
+
+def check_crop(name, layout, folder):
+    whole, size = planes_of(layout)
+    found = parts(folder)
+    image = next(part for part in found if part["part"] == "input")
+    output = next(part for part in found if part["part"] == "output")
+    pixels = (folder / image["file"]).read_bytes()
+    expect(f"{name} check", f"{zlib.crc32(pixels):08x}", image["crc"])
+    expect(f"{name} size", image["size"], len(pixels))
+    for part in (image, output):
+        expect(f"{name} {part['part']} area", (NEW_WIDTH, NEW_HEIGHT), (part["width"], part["height"]))
+    # What is behind the rows of a plane, and behind a plane, stays.
+    column, subsampling = layout[3], layout[4]
+    at = 0
+    for i, (old, stride, row_bytes, rows) in enumerate(whole):
+        new_row, new_rows = int(NEW_WIDTH * column[i]), NEW_HEIGHT // subsampling[i]
+        new_stride = stride - row_bytes + new_row
+        for row in range(new_rows):
+            first_row, first = Y // subsampling[i], int(X * column[i])
+            wanted = bytes(value(i, first_row + row, first + b) for b in range(new_row))
+            start = at + row * new_stride
+            expect(f"{name} plane {i} row {row}", wanted, pixels[start:start + new_row])
+        if i < len(image["rowStrides"]):
+            expect(f"{name} stride {i}", new_stride, image["rowStrides"][i])
+        behind = (whole[i + 1][0] if i + 1 < len(whole) else size) - old - stride * rows
+        at += new_stride * new_rows + behind
+    expect(f"{name} memory", at, len(pixels))
+    expect(f"{name} planes", len(pixels), sum(image["planeSizes"]))
+    expect(f"{name} left out", [], [part["part"] for part in found
+                                    if part["part"] in ("processed", "put", "result", "events")])
+
+
+def check_every_layout():
+    for name, layout in LAYOUTS.items():
+        Path(f"{name}.json").write_text(json.dumps(request(name, layout)))
+    run(None, "--record", "shots", "--out", "out", *[f"{name}.json" for name in LAYOUTS])
+    shots = sorted(Path("shots").iterdir())
+    expect("recordings", len(LAYOUTS), len(shots))
+    for shot, (name, layout) in zip(shots, LAYOUTS.items()):
+        said = run(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
+        expect(f"{name} note", True, "note: these tags hold sizes or places" in said)
+        check_crop(name, layout, Path("cropped") / name)
+    said = run(0, "replay", "cropped")
+    expect("replayed", len(LAYOUTS), said.count(": ran, "))
+    expect("said", len(LAYOUTS), said.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
+    # The middle, in steps that every format has.
+    said = run(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + run(0, "info", "middle")
+    expect("the middle", True, "cropped to 20x12" in said)
+    pixels = Path("middle/input0.bin").read_bytes()
+    expect("the middle's rows", bytes(value(0, 6, 4 + b) for b in range(20)), pixels[:20])
+    for area, problem in {
+        "12": "needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 12",
+        "8,6,12,10,2": "needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 8,6,12,10,2",
+        "2,6,12,10": "needs columns that are multiples of 4 and even rows, found 2,6,12,10",
+        "8,3,12,10": "needs columns that are multiples of 4 and even rows, found 8,3,12,10",
+        "0,12": "needs columns that are multiples of 4 and even rows, found 0,12",
+        "24,6,12,10": "12x10 from 24,6 does not lie in input 0, which has 32x24",
+        "36,10": "36x10 does not lie in input 0, which has 32x24",
+    }.items():
+        said = run(2, "trim", shots[0], "--out", "refused", "--crop", area)
+        expect(area, f"run: --crop: {problem}\n", said)
+    expect("nothing is left", False, Path("refused").exists())
+
+
+def check_samples():
+    """Some frames, and cropped, of several kinds: how many inputs and outputs are left."""
+    kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
+    run(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
+    for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
+        frames = [part for part in parts(shot) if part["part"] == "frame"]
+        kept = [len(frames) - 1]
+        said = run(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
+        expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: left as it is" in said)
+        found = parts(Path("few") / kind)
+        expect(f"{kind} frames", [{**frames[kept[0]], "index": 0}],
+               [part for part in found if part["part"] == "frame"])
+        images = [part for part in found if part["part"] == "input"]
+        expect(f"{kind} inputs", list(range(inputs)), [image["index"] for image in images])
+        expect(f"{kind} files", True, all((Path("few") / kind / image["file"]).exists() for image in images))
+    said = run(0, "replay", "few")
+    expect("kinds replayed", len(kinds), said.count(": ran, "))
+
+
+for variable in ("ORLU_EVENTS", "ORLU_ALGO_TRACE", "ORLU_ALGO_LIBRARY", "ORLU_PLANTED", "ORLU_PIXELS"):
+    os.environ.pop(variable, None)
+with tempfile.TemporaryDirectory() as temporary:
+    os.chdir(temporary)
+    Path("cropped").mkdir()
+    check_every_layout()
+    check_samples()
+    os.chdir("/")
+print("\n".join(failures) or "All passed")
+sys.exit(bool(failures))
