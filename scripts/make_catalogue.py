@@ -252,6 +252,10 @@ def functions_of(places):
     return code(dict.fromkeys(place.split(" ")[0] for place in places))
 
 
+def type_of(entry):
+    return entry["type"] + (f" (`{entry['record']}`)" if entry["record"] else "")
+
+
 def handed_over():
     """A table for each section."""
     text, sections = "", {}
@@ -259,7 +263,7 @@ def handed_over():
         if "in" in entry["direction"]:
             sections.setdefault(entry["section"], []).append(entry)
     for section, entries in sections.items():
-        rows = [[f"`{entry['key']}`", entry["type"], entry["bytes"], " or ".join(entry["withoutTags"]) or "not sent",
+        rows = [[f"`{entry['key']}`", type_of(entry), entry["bytes"], " or ".join(entry["withoutTags"]) or "not sent",
                  code(tag for tag in entry["tags"] if tag != ALGORITHM_LIST), functions_of(entry["writtenBy"])]
                 for entry in entries]
         text += f"### {section}\n\n"
@@ -269,7 +273,7 @@ def handed_over():
 
 def read_back():
     return table(["section", "key", "type", "bytes", "read by"],
-                 [[entry["section"], f"`{entry['key']}`", entry["type"], str(entry["bytes"]).split(" ")[0],
+                 [[entry["section"], f"`{entry['key']}`", type_of(entry), str(entry["bytes"]).split(" ")[0],
                    functions_of(entry["readBackBy"])]
                   for entry in catalogue("parameters") if "out" in entry["direction"]])
 

@@ -12,6 +12,8 @@ ROOT = Path(sys.argv[1])
 CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/request/PixelFormat.java"
+PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt"
+CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
 # The library classifies it, and request files can't have it.
 LIBRARY_FORMAT = "MIPI_RAW12"
 # A list of algorithm names, or one that is looked for, added or taken out.
@@ -83,12 +85,26 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
     return len(found)
 
 
+def check_words(file, keys):
+    """A quoted word is a parameter or an algorithm, a name in brackets a function of the library."""
+    functions = "".join(source.read_text() for source in (ROOT / "jni").glob("*.cpp"))
+    for number, row in rows(file, 3):
+        place = f"{file.relative_to(ROOT)}:{number}"
+        failures.extend(f"{place}: nothing is called {word}" for word in re.findall(r'"(\w+)"', row[-1])
+                        if word not in keys)
+        failures.extend(f"{place}: there is no function {name}" for name in re.findall(r"\((upda\w+)\)", row[-1])
+                        if f"::{name}(" not in functions)
+
+
 def main():
     tags = [row[0] for _, row in rows(TAGS, 2)]
     counts = [check_names(CATALOGUE / "tags.txt", 3, tags, "tag"),
               check_names(CATALOGUE / "values.txt", 3, tags, "tag", every=False, once=False),
               check_names(CATALOGUE / "algorithms.txt", 3, algorithms(), "algorithm", once=False),
               check_names(CATALOGUE / "formats.txt", 3, formats(), "format", once=False, sentence=False)]
+    keys = {row[1] for _, row in rows(PARAMETERS, 5)} | set(algorithms()) | CAMERA_TYPES
+    for table in ("algorithms.txt", "values.txt", "tags.txt"):
+        check_words(CATALOGUE / table, keys)
     check_once(CATALOGUE / "algorithms.txt", {"is": 1, "added": 0, "removed": 0, "does": 0, "returns": 0})
     check_once(CATALOGUE / "formats.txt", dict.fromkeys(("is", "code", "planes", "row", "stride", "files"), 1))
     print(*failures, f"{counts} rows of tags, values, algorithms and formats", sep="\n")

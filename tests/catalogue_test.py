@@ -33,6 +33,7 @@ tags currentModEx                 | 2 | run: no tag has currentModEx in its name
 algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; samples hdr5 added ran
 algorithms jpegEncode             | 0 | removed Of raw input. ; raw-night asked removed
 algorithms beauti                 | 2 | did you mean beauty?
+parameters exif_info_for_write    | 0 | record ExifInfo ; bytes 152
 parameters film_size              | 0 | parameter control/film_size ; type int ; bytes 4 ; tags orlu.control.filmSize, orlu.doubleExpo.capture
 parameters control/film_size      | 0 | written by updateDoubleExpo (metadata_updater_double_exposure.cpp)
 parameters orlu_zoom_ratio        | 0 | without tags 0
@@ -90,6 +91,10 @@ def check_claims(parts):
         run("--out", folder, "--json", f"{folder}/json", "--events", f"{folder}/events", *files)
         reports = json.loads(pathlib.Path(folder, "json").read_text())
         events = [json.loads(line) for line in pathlib.Path(folder, "events").read_text().splitlines()]
+    header = (ROOT / "jni/metadata_records.h").read_text()
+    problems.extend(f"{entry['name']}: no record {entry['record']} of {entry['bytes']} bytes"
+                    for entry in parts["parameters"] if entry["record"]
+                    and f"sizeof({entry['record']}) == {entry['bytes']})" not in header)
     compared = 0
     for report in reports:
         for parameter in report["parameters"]:

@@ -17,6 +17,11 @@ final class ParameterCatalogue implements Catalogue {
     private static final Map<String, Integer> ELEMENTS =
             Map.of("INTS", 4, "FLOATS", 4, "LONGS", 8, "DOUBLES", 8, "BITS", 8);
 
+    /** What the bytes are a record of, in jni/metadata_records.h. */
+    private static final Map<String, String> RECORDS = Map.of("EXIF", "ExifInfo", "FACES", "_tagOrluFaceInfo",
+            "FACE_OUTLINE", "FaceOutline", "REFOCUS_PACK", "RefocusPackParams", "PHASE_DETECTION", "PdafInfo",
+            "SENSOR_CROP", "SCR_Type", "RECT", "__tagOrluRect", "BITS", "ProcessedAlgo");
+
     @Override
     public String one() {
         return "parameter";
@@ -61,6 +66,7 @@ final class ParameterCatalogue implements Catalogue {
         return new Entry(name).with("section", "orlu.algo." + row[0]).with("key", row[1])
                 .with("type", type(row[2], row[3]))
                 .with("bytes", row[3].equals(BY_FRAMES) ? "400 or 8 x frames" : Integer.valueOf(row[3]))
+                .with("record", RECORDS.getOrDefault(row[2], ""))
                 .with("direction", List.of(row[4].split(","))).with("elements", elements(row[2], row[3]))
                 .with("writtenBy", Found.writersOf(name)).with("readBackBy", Found.returnersOf(name))
                 .with("tags", Found.tagsOf(name)).with("withoutTags", Found.absentValues(name));
