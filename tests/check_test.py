@@ -124,6 +124,63 @@ TAGS = [
      'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
      'mean text?); the tag is BYTES (text)'),
 ]
+# Fields of a request, and the lines on it, without the word "warning".
+SHOT = '"frames": [{"captureResult": {'
+WARNINGS = [
+    (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
+     '2:32: algorithms[0]: nothing here knows the algorithm "nigth" (did you mean night?)',
+     '2:41: algorithms[1]: nothing here knows the algorithm "nightly", which counts as night since it '
+     'begins so'),
+    (request(more=', "properties": {"persist.sys.camera3rd.autotst": "1", "vendor.any": "1"}'),
+     '2:65: properties."persist.sys.camera3rd.autotst": this library does not read this property '
+     "(did you mean persist.sys.camera3rd.autotest?)"),
+    (request('"frames": [{"composition": {"isFulAsync": 1, "orlu.control.camera_id": {"long": 5}}}]'),
+     "2:43: frames[0].composition.isFulAsync: no tag has this name (did you mean isFullAsync?)",
+     '2:72: frames[0].composition."orlu.control.camera_id": needs Integer as the tag, which is INT, found '
+     'Long: '
+     "it counts as absent"),
+    (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
+     "2:11: frames: orlu.control.currentModeEx makes no bracket of 5 HDR frames (bit 2), 0 night frames "
+     "(bit 8) "
+     "and 0 others; needs 5 or 7 frames with one night frame, or 9 that begin with 3 of them, the rest HDR "
+     "frames"),
+    (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
+     '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '
+     '{"first": ..., "step": ...} counts'),
+    (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 1}]'),
+     "1:34: inputs: needs as many images of each frame, found 1 of frame 0 and 0 of frame 1",
+     "1:44: inputs[0].file: a has 20 bytes behind the last plane"),
+    (request(SHOT + '"android.sensor.exposureTime": 10, "android.jpeg.orientation": 45}}]'),
+     f"2:62: {TIME}: is in ns, and hardly 10; most cameras report from 1000 to 100000000000",
+     '2:94: frames[0].captureResult."android.jpeg.orientation": needs 0, 90, 180 or 270, found 45'),
+    (request(SHOT + '"android.sensor.info.activeArraySize": [0, 0, 9, 9],\n"android.scaler.cropRegion": '
+             '[1, 1, 10, 5],\n"android.statistics.faces": [[4, 4, 2, 5]]}}]'),
+     '3:30: frames[0].captureResult."android.scaler.cropRegion": [1, 1, 10, 5] reaches out of the active '
+     'array '
+     "[0, 0, 9, 9]",
+     '4:29: frames[0].captureResult."android.statistics.faces": face 0 needs left, top, right and bottom, '
+     'found '
+     "[4, 4, 2, 5], whose right or bottom comes first"),
+    (request(inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 3}]'),
+     "1:44: inputs[0].file: a has 12 bytes behind the last plane"),
+    (request(inputs='[{"file": "a", "format": "RAW_SENSOR", "width": 3, "height": 3}]'),
+     "1:44: inputs[0].file: a has 6 bytes behind the last plane; rows of 8 bytes would fill it (the field "
+     "stride)"),
+    (request(inputs='[{"file": "a", "format": "RAW16", "width": 3, "height": 3, "stride": 8}]'),
+     "1:103: inputs[0].stride: rows of RAW16 can't have padding: the library hands on the width instead of "
+     "the "
+     "stride; needs 6, found 8 (or RAW_SENSOR)"),
+    (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}, '
+             '{"file": "a", "format": "RAW16", "width": 6, "height": 2}]'),
+     "1:136: inputs[1].width: image 0 of frame 1 has 6x2, that of frame 0 has 4x3"),
+    (request('"frames": {"width": 64, "height": 64}',
+             inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}]'),
+     "2:11: frames: the size 64x64 is not used: the first input's file has 4x3"),
+    (request(outputs='[{"format": "JPEG", "width": 64, "height": 64, "capacity": 255}, '
+             '{"format": "NV21", "width": 64, "height": 64, "capacity": 99}]'),
+     "1:108: outputs[0].capacity: a JPEG of 64x64 hardly fits into 255 bytes",
+     "1:172: outputs[1].capacity: the pixels take 6144 bytes, found 99: the memory has what they take"),
+]
 
 
 def check(*texts):
@@ -146,9 +203,30 @@ def says_each():
     for (text, *wanted), lines in zip(cases, found):
         expect(text[:200], sorted(wanted), sorted(lines))
     count = sum(len(case) - 1 for case in cases)
-    expect("the last line", f"run: {count} mistakes, 0 warnings, {len(cases)} of {len(cases)} files can't be "
-           "taken; nothing runs", done.stderr.splitlines()[-1])
+    files = len(cases)
+    expect("the last line", f"run: {count} mistakes and 0 warnings in {files} of {files} files; nothing runs",
+           done.stderr.splitlines()[-1])
     expect("status and output", (2, ""), (done.returncode, done.stdout))
+
+
+def warns():
+    """A warning keeps nothing from running, unless --strict is given; a sample has none."""
+    Path("a").write_bytes(bytes(24))
+    done, found = check(*(case[0] for case in WARNINGS))
+    for (text, *wanted), lines in zip(WARNINGS, found):
+        expect(text[:200], [re.sub(": ", ": warning: ", line, count=1) for line in wanted], lines)
+    expect("status and right files", (0, len(WARNINGS)), (done.returncode, done.stdout.count(": right: ")))
+    samples = run("--check", "--strict", *sorted((ROOT / "samples").glob("*.json")))
+    expect("samples", (0, ""), (samples.returncode, samples.stderr))
+    strict = run("--strict", "--check", "0.json")
+    expect("a strict check", (2, "run: 0 mistakes and 2 warnings in 1 of 1 file; nothing runs"),
+           (strict.returncode, strict.stderr.splitlines()[-1]))
+    Path("warned.json").write_text(
+        (ROOT / "samples/capture.json").read_text().replace('["jpegEncode"]', '["jpegEncode", "sharp"]')
+        .replace("photos/", str(ROOT / "samples/photos") + "/"))
+    done = run("warned.json")
+    expect(f"a run: {done.stderr}", (0, 2, True),
+           (done.returncode, done.stderr.count("\n"), done.stdout.endswith("verdict  ok\n")))
 
 
 def says_all_in_order():
@@ -161,7 +239,7 @@ def says_all_in_order():
     done = run("right.json", "none.json", "many.json", ".")
     lines = done.stderr.splitlines()
     expect("files", ["none.json: no such file", "many.json: and 51 more", ".: can't be read",
-                     "run: 153 mistakes, 0 warnings, 3 of 4 files can't be taken; nothing runs"],
+                     "run: 153 mistakes and 0 warnings in 3 of 4 files; nothing runs"],
            [lines[0], *lines[101:]])
     places = [int(LINE.match(line)["line"]) for line in lines[1:101]]
     expect("the lines' order", list(range(3, 103)), places)
@@ -218,12 +296,12 @@ def survives_mutations():
     expect("right or wrong", {str(file) for file in files}, right | wrong)
     expect("right and wrong", set(), right & wrong)
     expect(f"{len(right)} right, {len(wrong)} wrong", True, len(right) > 20 and len(wrong) > 200)
-    expect(last, (2, True), (done.returncode, f"{len(wrong)} of {len(files)} files can't be taken" in last))
+    expect(last, (2, True), (done.returncode, last.endswith(f" of {len(files)} files; nothing runs")))
 
 
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
-    for case in (says_each, says_all_in_order, takes_comments, survives_mutations):
+    for case in (says_each, warns, says_all_in_order, takes_comments, survives_mutations):
         case()
 print("\n".join(failures) or "All passed")
 sys.exit(bool(failures))

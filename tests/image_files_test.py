@@ -19,7 +19,7 @@ ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve(
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
-REFUSED = "run: 1 mistake, 0 warnings, 1 of 1 file can't be taken; nothing runs"
+REFUSED = "run: 1 mistake and 0 warnings in 1 of 1 file; nothing runs"
 failures = []
 
 

@@ -6,7 +6,7 @@ import java.util.List;
 import java.util.Map;
 
 /** The algorithms that a request can ask for, or that the library adds. */
-final class AlgorithmCatalogue implements Catalogue {
+public final class AlgorithmCatalogue implements Catalogue {
     @Override
     public String one() {
         return "algorithm";
@@ -40,7 +40,7 @@ final class AlgorithmCatalogue implements Catalogue {
     }
 
     /** The names of all. */
-    static List<String> names() {
+    public static List<String> names() {
         return Table.rows("algorithms.txt", 3).stream().map(row -> row[0]).distinct().toList();
     }
 

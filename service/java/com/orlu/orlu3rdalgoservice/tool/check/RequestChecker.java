@@ -55,6 +55,7 @@ public final class RequestChecker {
                 : FrameSize.of(request, List.of());
         List<ImagePlan> inputs = sized(request.inputs(), size, mistakes);
         List<ImagePlan> outputs = sized(request.outputs(), size, mistakes);
+        SizeAdvice.give(request, inputs, outputs);
         mUnderstood.add(Understood.line(request, inputs, outputs));
     }
 
@@ -107,10 +108,10 @@ public final class RequestChecker {
         for (Mistakes mistakes : mMistakes) {
             mistakes.lines().forEach(to::println);
         }
-        long wrong = mMistakes.stream().filter(mistakes -> mistakes.errors() > 0).count();
-        if (errors() + warnings() > 0) {
-            to.println("run: " + counted(errors(), "mistake") + ", " + counted(warnings(), "warning") + ", "
-                    + wrong + " of " + counted(mMistakes.size(), "file") + " can't be taken"
+        long named = mMistakes.stream().filter(file -> file.errors() + file.warnings() > 0).count();
+        if (named > 0) {
+            to.println("run: " + counted(errors(), "mistake") + " and " + counted(warnings(), "warning")
+                    + " in " + named + " of " + counted(mMistakes.size(), "file")
                     + (isRight(isStrict) ? "" : "; nothing runs"));
         }
     }

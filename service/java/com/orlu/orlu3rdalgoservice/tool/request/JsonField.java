@@ -92,9 +92,8 @@ final class JsonField implements Place {
 
     // A member that is not there has the place of the object.
     private JsonField memberOrThis(String name) {
-        JsonValue.Member member = isObject() ? mValue.members().get(name) : null;
-        return member != null ? child(name, member.value())
-                : new JsonField(mMistakes, this, step(name), mValue);
+        JsonField member = find(name);
+        return member != null ? member : new JsonField(mMistakes, this, step(name), mValue);
     }
 
     /** What this field is, for a message. */
@@ -158,6 +157,19 @@ final class JsonField implements Place {
         return members;
     }
 
+    /** The field at a path of members below this one, null when there is none. */
+    JsonField find(String... names) {
+        JsonField field = this;
+        for (String name : names) {
+            JsonValue.Member member = field.isObject() ? field.mValue.members().get(name) : null;
+            if (member == null) {
+                return null;
+            }
+            field = field.child(name, member.value());
+        }
+        return field;
+    }
+
     private JsonField child(String name, JsonValue value) {
         return new JsonField(mMistakes, this, step(name), value);
     }
@@ -171,7 +183,12 @@ final class JsonField implements Place {
         if (!isList()) {
             throw needs("a list");
         }
-        List<?> values = (List<?>) mValue.content();
+        return elements();
+    }
+
+    /** The same for what is known to be one; no elements where it is none. */
+    List<JsonField> elements() {
+        List<?> values = isList() ? (List<?>) mValue.content() : List.of();
         List<JsonField> fields = new ArrayList<>();
         for (int i = 0; i < values.size(); ++i) {
             fields.add(new JsonField(mMistakes, this, "[" + i + "]", (JsonValue) values.get(i)));

@@ -56,7 +56,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + folder.resolve(nearest + ending) + "?)";
     }
 
-    // The section of a tag is easily left out or mistaken: what is behind the last dot counts on its own as well.
+    // The section of a tag is easily left out or mistaken: what is behind the last dot counts on its own.
     private static int distance(String word, String candidate, int least) {
         int whole = distanceOfParts(word, candidate, least);
         int section = candidate.lastIndexOf('.') + 1;

@@ -40,7 +40,11 @@ public final class RequestFileReader {
         JsonField field = new JsonField(mistakes, "", root);
         RequestFileReader reader = new RequestFileReader(file, otherPhoto, mistakes);
         RequestFile request = mistakes.attempt(() -> reader.root(field), null);
-        return mistakes.errors() == 0 ? request : null;
+        if (mistakes.errors() > 0) {
+            return null;
+        }
+        RequestAdvice.give(request, field);
+        return request;
     }
 
     private RequestFile root(JsonField field) throws RequestFileException {

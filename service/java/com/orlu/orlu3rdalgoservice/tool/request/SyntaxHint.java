@@ -47,8 +47,8 @@ record SyntaxHint(String problem, int charactersBack) {
         if (message.startsWith("Illegal unquoted character ((CTRL-CHAR, code 10)")) {
             return new SyntaxHint("a text needs its closing quote on the same line", 1);
         }
-        return new SyntaxHint(
-                message.substring(0, 1).toLowerCase(Locale.ROOT) + message.substring(1).replaceFirst(" \\(.*", ""), 1);
+        String first = message.substring(0, 1).toLowerCase(Locale.ROOT);
+        return new SyntaxHint(first + message.substring(1).replaceFirst(" \\(.*", ""), 1);
     }
 
     private static int back(String text, String found, int at) {

@@ -1,0 +1,136 @@
+package com.orlu.orlu3rdalgoservice.tool.check;
+
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageFile;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+
+/** Warns of images whose sizes can be meant, and hardly are. */
+final class SizeAdvice {
+    /** A JPEG of fewer bytes a pixel than the inverse of this is a poor one. */
+    private static final int PIXELS_A_BYTE = 16;
+
+    private SizeAdvice() {
+    }
+
+    /** Notes the warnings on a request's images, which have their sizes. */
+    static void give(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
+        onFrameSize(request);
+        inputs.forEach(SizeAdvice::onStride);
+        onInputSizes(inputs);
+        onFiles(inputs);
+        for (ImagePlan output : outputs) {
+            onStride(output);
+            onCapacity(output);
+        }
+    }
+
+    // The first file's size is what images without a size get.
+    private static void onFrameSize(RequestFile request) {
+        ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
+        boolean isOther = first != null && first.file() != null && !request.needsPhoto()
+                && (first.width() != request.frames().width() || first.height() != request.frames().height());
+        if (isOther && request.frames().width() > 0) {
+            request.place().warn("frames", "the size " + request.frames().width() + "x"
+                    + request.frames().height() + " is not used: the first input's file has " + size(first));
+        }
+    }
+
+    // Of this format the library hands the stride on as the width.
+    private static void onStride(ImagePlan image) {
+        int row = image.format().tightStride(image.width());
+        if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
+            image.place().warn("stride", "rows of RAW16 can't have padding: the library hands on the width "
+                    + "instead of the stride; needs " + row + ", found " + image.strideBytes()
+                    + " (or RAW_SENSOR)");
+        }
+    }
+
+    // The first image of a frame is one camera's, the second perhaps another's.
+    private static void onInputSizes(List<ImagePlan> inputs) {
+        Map<Integer, Integer> ofFrame = new HashMap<>();
+        Map<Integer, ImagePlan> first = new HashMap<>();
+        for (ImagePlan image : inputs) {
+            int index = ofFrame.merge(image.frame(), 1, Integer::sum);
+            ImagePlan other = first.putIfAbsent(index, image);
+            if (other != null && (other.width() != image.width() || other.height() != image.height())) {
+                image.place().warn("width", "image " + (index - 1) + " of frame " + image.frame() + " has "
+                        + size(image) + ", that of frame " + other.frame() + " has " + size(other));
+            }
+        }
+    }
+
+    private static String size(ImagePlan image) {
+        return image.width() + "x" + image.height();
+    }
+
+    private static void onCapacity(ImagePlan output) {
+        int pixels = output.width() * output.height();
+        if (output.format() != PixelFormat.JPEG && output.capacity() > 0) {
+            int needed = 0;
+            for (int plane : output.planeSizes(0)) {
+                needed += plane;
+            }
+            if (output.capacity() < needed) {
+                output.place().warn("capacity", "the pixels take " + needed + " bytes, found "
+                        + output.capacity() + ": the memory has what they take");
+            }
+        } else if (output.capacity() > 0 && output.capacity() < pixels / PIXELS_A_BYTE) {
+            output.place().warn("capacity", "a JPEG of " + size(output) + " hardly fits into "
+                    + output.capacity() + " bytes");
+        }
+    }
+
+    // What lies behind the pixels is another image's, or the size or stride is wrong.
+    private static void onFiles(List<ImagePlan> inputs) {
+        Map<Path, Long> ends = new HashMap<>();
+        inputs.stream().filter(SizeAdvice::isOfBytes).forEach(image -> ends.merge(
+                image.file().path(), end(image.file()), Math::max));
+        for (ImagePlan image : inputs) {
+            if (isOfBytes(image) && ends.containsKey(image.file().path())) {
+                long end = ends.remove(image.file().path());
+                onRest(image, end, sizeOf(image.file().path()));
+            }
+        }
+    }
+
+    private static boolean isOfBytes(ImagePlan image) {
+        return image.file() != null && image.file().kind() == ImageFileKind.BYTES
+                && image.format() != PixelFormat.JPEG;
+    }
+
+    private static long end(ImageFile file) {
+        return file.planes().stream().mapToLong(plane -> plane.offset() + plane.size()).max().orElse(0);
+    }
+
+    private static long sizeOf(Path path) {
+        try {
+            return Files.size(path);
+        } catch (IOException e) {
+            return 0;
+        }
+    }
+
+    private static void onRest(ImagePlan image, long end, long size) {
+        if (size <= end) {
+            return;
+        }
+        List<ImageFile.Plane> planes = image.file().planes();
+        long pixels = size - planes.get(0).offset();
+        // Half as many rows of chroma follow the luma's.
+        long rows = planes.size() == 1 ? image.height() : image.height() * 3L / 2;
+        long row = pixels / rows;
+        boolean fits = pixels % rows == 0 && row > image.strideBytes() && row < 2L * image.strideBytes();
+        image.place().warn("file", image.file().path() + " has " + (size - end)
+                + " bytes behind the last plane"
+                + (fits ? "; rows of " + row + " bytes would fill it (the field stride)" : ""));
+    }
+}

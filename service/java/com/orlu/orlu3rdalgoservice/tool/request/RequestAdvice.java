@@ -1,0 +1,187 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.impl.TagTable;
+import android.hardware.camera2.impl.TagType;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.AlgorithmCatalogue;
+
+import java.util.List;
+import java.util.Map;
+import java.util.TreeMap;
+
+/** Warns of what a request file may say, and hardly means. */
+final class RequestAdvice {
+    private static final String ALGORITHMS = "orlu.control.algoType";
+    private static final String MODE = "orlu.control.currentModeEx";
+    private static final String TIME = "android.sensor.timestamp";
+    private static final long HDR_FRAME_BIT = 2;
+    private static final long NIGHT_FRAME_BIT = 8;
+    /** What this library reads; an algorithm library may read others. */
+    private static final List<String> PROPERTIES = List.of("persist.sys.camera3rd.autotest");
+
+    private final RequestFile mRequest;
+    private final List<FramePlan> mFrames;
+    private final JsonField mRoot;
+
+    private RequestAdvice(RequestFile request, JsonField root) {
+        mRequest = request;
+        mFrames = request.frames().frames();
+        mRoot = root;
+    }
+
+    /** Notes the warnings on a request that was read of this field. */
+    static void give(RequestFile request, JsonField root) {
+        RequestAdvice advice = new RequestAdvice(request, root);
+        advice.onAlgorithms();
+        advice.onProperties();
+        advice.onCompositions();
+        advice.onModes();
+        advice.onTimestamps();
+        advice.onInputs();
+        for (int i = 0; i < advice.mFrames.size(); ++i) {
+            int frame = i;
+            TagAdvice.give(advice.mFrames.get(i).captureResult(),
+                    tag -> advice.field(frame, "captureResult", tag));
+        }
+    }
+
+    // Where a frame's tag is given: by itself, or for all frames.
+    private JsonField field(int frame, String part, String tag) {
+        JsonField frames = mRoot.find("frames");
+        JsonField list = frames.isList() ? frames : frames.find("each");
+        List<JsonField> each = list == null ? List.of() : list.elements();
+        JsonField own = frame < each.size() ? each.get(frame).find(part, tag) : null;
+        JsonField common = own == null && frames.isObject() ? frames.find("common", part, tag) : null;
+        return own != null ? own : common != null ? common : frames;
+    }
+
+    private String[] algorithms() {
+        Object asked = mFrames.isEmpty() ? null : mFrames.get(0).composition().get(ALGORITHMS);
+        return asked instanceof String[] names ? names : new String[0];
+    }
+
+    private boolean asksFor(String algorithm) {
+        return List.of(algorithms()).contains(algorithm);
+    }
+
+    private void onAlgorithms() {
+        String[] names = algorithms();
+        if (names.length == 0) {
+            return;
+        }
+        JsonField list = mRoot.find("algorithms");
+        List<JsonField> fields = list == null ? List.of() : list.elements();
+        List<String> known = AlgorithmCatalogue.names();
+        for (int i = 0; i < names.length; ++i) {
+            JsonField field = i < fields.size() ? fields.get(i) : field(0, "composition", ALGORITHMS);
+            String name = names[i];
+            if (known.contains(name)) {
+                continue;
+            }
+            String longest = known.stream().filter(name::startsWith).reduce("", (a, b) ->
+                    a.length() > b.length() ? a : b);
+            field.warn("nothing here knows the algorithm " + JsonField.quoted(name)
+                    + (longest.isEmpty() ? NearestWord.question(name, known)
+                            : ", which counts as " + longest + " since it begins so"));
+        }
+    }
+
+    private void onProperties() {
+        for (String name : mRequest.properties().keySet()) {
+            String nearest = PROPERTIES.contains(name) ? null : NearestWord.of(name, PROPERTIES);
+            if (nearest != null) {
+                mRoot.find("properties", name).warn("this library does not read this property"
+                        + NearestWord.question(name, PROPERTIES));
+            }
+        }
+    }
+
+    // A composition's value is found by its class, a capture result's by its tag.
+    private void onCompositions() {
+        for (int i = 0; i < mFrames.size(); ++i) {
+            for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {
+                TagType type = TagTable.typeOf(entry.getKey());
+                Class<?> found = entry.getValue().getClass();
+                if (type == null) {
+                    field(i, "composition", entry.getKey()).warn("no tag has this name"
+                            + NearestWord.question(entry.getKey(), TagTable.names()));
+                } else if (found != type.stored()) {
+                    field(i, "composition", entry.getKey()).warn("needs " + type.stored().getSimpleName()
+                            + " as the tag, which is " + type + ", found " + found.getSimpleName()
+                            + ": it counts as absent");
+                }
+            }
+        }
+    }
+
+    private void onModes() {
+        // Every second frame counts where two cameras' frames may be interleaved.
+        if (asksFor("dualBokeh") || mFrames.isEmpty()) {
+            return;
+        }
+        StringBuilder modes = new StringBuilder();
+        for (FramePlan frame : mFrames) {
+            long mode = modeOf(frame);
+            modes.append((mode & HDR_FRAME_BIT) != 0 ? 'h' : (mode & NIGHT_FRAME_BIT) != 0 ? 'n' : '-');
+        }
+        long hdr = modes.chars().filter(mode -> mode == 'h').count();
+        long night = modes.chars().filter(mode -> mode == 'n').count();
+        boolean isLayout = switch (mFrames.size()) {
+            case 3 -> asksFor("hdr");
+            case 5, 7 -> hdr == mFrames.size() - 1 && night == 1;
+            case 9 -> hasNineLayout();
+            default -> false;
+        };
+        if (hdr > 0 && !isLayout) {
+            mRoot.find("frames").warn(MODE + " makes no bracket of " + hdr + " HDR frames (bit 2), " + night
+                    + " night frames (bit 8) and " + (mFrames.size() - hdr - night) + " others; needs 5 or "
+                    + "7 frames with one night frame, or 9 that begin with 3 of them, the rest HDR frames");
+        }
+    }
+
+    // The first three frames count as night frames whatever their other bit is.
+    private boolean hasNineLayout() {
+        for (int i = 0; i < mFrames.size(); ++i) {
+            if ((modeOf(mFrames.get(i)) & (i < 3 ? NIGHT_FRAME_BIT : HDR_FRAME_BIT)) == 0) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // Composition first, as the library has it.
+    private static long modeOf(FramePlan frame) {
+        Object value = frame.composition().get(MODE);
+        return value instanceof Number number ? number.longValue() : number(frame.captureResult(), MODE);
+    }
+
+    private static long number(CameraMetadataNative report, String tag) {
+        return report.get(tag) instanceof Number number ? number.longValue() : 0;
+    }
+
+    private void onTimestamps() {
+        Map<Long, Integer> frames = new TreeMap<>();
+        for (int i = 0; i < mFrames.size(); ++i) {
+            long time = number(mFrames.get(i).captureResult(), TIME);
+            Integer other = time == 0 ? null : frames.putIfAbsent(time, i);
+            if (other != null) {
+                field(i, "captureResult", TIME).warn("frames " + other + " and " + i + " have the same time "
+                        + time + "; {\"first\": ..., \"step\": ...} counts");
+                return;
+            }
+        }
+    }
+
+    private void onInputs() {
+        int[] counts = new int[mFrames.size()];
+        mRequest.inputs().forEach(image -> ++counts[image.frame()]);
+        for (int i = 1; i < counts.length && !mRequest.inputs().isEmpty(); ++i) {
+            if (counts[i] != counts[0]) {
+                mRoot.find("inputs").warn("needs as many images of each frame, found " + counts[0]
+                        + " of frame 0 and " + counts[i] + " of frame " + i);
+                return;
+            }
+        }
+    }
+}

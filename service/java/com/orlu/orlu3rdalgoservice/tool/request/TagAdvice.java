@@ -1,0 +1,87 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import android.graphics.Rect;
+import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.params.Face;
+import android.hardware.camera2.params.MeteringRectangle;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
+
+import java.util.List;
+import java.util.function.Function;
+
+/** Warns of values that no camera reports, which are most often in another unit than their tag's. */
+final class TagAdvice {
+    private static final String ARRAY = "android.sensor.info.activeArraySize";
+    private static final String CROP = "android.scaler.cropRegion";
+    private static final String FACES = "android.statistics.faces";
+    private static final List<Range> RANGES = List.of(
+            new Range("android.sensor.exposureTime", 1e3, 1e11),
+            new Range("android.sensor.frameDuration", 1e5, 1e11),
+            new Range("android.sensor.sensitivity", 1, 1e7),
+            new Range("android.lens.aperture", 0.5, 64),
+            new Range("android.lens.focalLength", 0.5, 1000),
+            new Range("android.lens.focusDistance", 0, 100),
+            new Range("android.jpeg.quality", 1, 100),
+            new Range("android.control.zoomRatio", 0.1, 200),
+            new Range("orlu.control.zoom_ratio", 0.1, 200));
+
+    private TagAdvice() {
+    }
+
+    private record Range(String tag, double least, double most) {
+    }
+
+    /** Notes the warnings on one frame's report; the function finds the field of a tag. */
+    static void give(CameraMetadataNative report, Function<String, JsonField> fieldOf) {
+        for (Range range : RANGES) {
+            if (report.get(range.tag()) instanceof Number number
+                    && (number.doubleValue() < range.least() || number.doubleValue() > range.most())) {
+                fieldOf.apply(range.tag()).warn("is in " + TagFacts.of(range.tag()).unit() + ", and hardly "
+                        + number + "; most cameras report from " + shown(range.least()) + " to "
+                        + shown(range.most()));
+            }
+        }
+        if (report.get("android.jpeg.orientation") instanceof Integer degrees && degrees % 90 != 0) {
+            fieldOf.apply("android.jpeg.orientation").warn("needs 0, 90, 180 or 270, found " + degrees);
+        }
+        onRectangles(report, fieldOf);
+    }
+
+    private static String shown(double limit) {
+        return limit == (long) limit ? String.valueOf((long) limit) : String.valueOf(limit);
+    }
+
+    private static void onRectangles(CameraMetadataNative report, Function<String, JsonField> fieldOf) {
+        Rect array = report.get(ARRAY) instanceof Rect size ? size : null;
+        if (report.get(CROP) instanceof Rect crop) {
+            onRectangle(crop, array, fieldOf.apply(CROP), "");
+        }
+        if (report.get(FACES) instanceof Face[] faces) {
+            for (int i = 0; i < faces.length; ++i) {
+                onRectangle(faces[i].getBounds(), array, fieldOf.apply(FACES), "face " + i + " ");
+            }
+        }
+        for (String tag : List.of("android.control.aeRegions", "android.control.afRegions")) {
+            if (report.get(tag) instanceof MeteringRectangle[] regions) {
+                for (int i = 0; i < regions.length; ++i) {
+                    onRectangle(regions[i].getRect(), array, fieldOf.apply(tag), "region " + i + " ");
+                }
+            }
+        }
+    }
+
+    private static void onRectangle(Rect found, Rect array, JsonField field, String what) {
+        if (found.right < found.left || found.bottom < found.top) {
+            field.warn(what + "needs left, top, right and bottom, found " + shown(found)
+                    + ", whose right or bottom comes first");
+        } else if (array != null && (found.left < array.left || found.top < array.top
+                || found.right > array.right || found.bottom > array.bottom)) {
+            field.warn(what + shown(found) + " reaches out of the active array " + shown(array));
+        }
+    }
+
+    private static String shown(Rect rect) {
+        return "[" + rect.left + ", " + rect.top + ", " + rect.right + ", " + rect.bottom + "]";
+    }
+}
