@@ -104,7 +104,8 @@ FIELDS = [
      f"3:1: {TIME}: needs the field step; the tag is LONG (ns)",
      f'3:14: {TIME}.stp: unknown field; known here: first, step (did you mean step?); the tag is LONG (ns)'),
     (request(more=', "algoritms": ["night"]'),
-     "2:17: algoritms: unknown field; known here: about, algorithms, client, frames, fullAsync, inputs, "
+     "2:17: algoritms: unknown field; known here: $schema, about, algorithms, client, frames, fullAsync, "
+     "inputs, "
      'outputs, photo, properties, request (did you mean algorithms?)'),
 ]
 TAGS = [

@@ -168,7 +168,7 @@ explain  control/film_size
 """
     lines = result.stdout.splitlines()
     problems = [f"not printed: {line}" for line in wanted.strip("\n").splitlines() if line not in lines]
-    reasons = "2 tags never read: orlu.control.currentModeEx, orlu.control.misspelt; 1 tag of a wrong type: orlu.control.filmSize"
+    reasons = "2 tags never read: orlu.control.currentModeEx, orlu.control.misspelt; 1 tag of a wrong type: orlu.control.filmSize; 2 warnings on the request file"
     if result.returncode != 1 or reasons not in lines[-1]:
         problems.append(f"status {result.returncode}, {lines[-1]}")
     problems += [f"{len(line)} columns: {line}" for line in lines[:-1] if len(line) > 80]

@@ -75,7 +75,7 @@ def run(*requests, check=False):
 
 def request(*inputs):
     frames = [{"captureResult": {"android.sensor.timestamp": 1000 + i}} for i in range(len(inputs))]
-    return {"request": {"id": 1}, "algorithms": ["none"], "frames": frames, "inputs": list(inputs),
+    return {"request": {"id": 1}, "algorithms": ["engineDistortion"], "frames": frames, "inputs": list(inputs),
             "outputs": [{"format": inputs[0].get("format", "RAW16"), "stride": inputs[0].get("stride", 0)}]}
 
 

@@ -76,8 +76,8 @@ final class RunCommand extends Command {
                         Launch.PIXELS)));
         Arguments.addGroup(command, "What is run", List.of(
                 Arguments.flag("--check", "only read the request files and say whether they are right"),
-                Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type, and take no "
-                        + "request file with a warning", Launch.TRIALS),
+                Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type, or the "
+                        + "request file has a warning", Launch.TRIALS),
                 Arguments.path("--photo", "FILE",
                         "make the frames of this photo instead of the request's own"),
                 Arguments.flag("--one-client", "run all requests on one client instead of one for each"),

@@ -78,18 +78,21 @@ final class Session {
         if (mOptions.check) {
             checker.printUnderstood(mTo);
         }
-        checker.printMistakes(System.err, mOptions.strict);
-        if (!checker.isRight(mOptions.strict)) {
+        // A strict run goes on with warnings, and fails with them in its verdict.
+        boolean isStrict = mOptions.strict && mOptions.check;
+        checker.printMistakes(System.err, isStrict);
+        if (!checker.isRight(isStrict)) {
             return Verdict.REFUSED;
         }
         if (mOptions.check) {
             return Verdict.OK;
         }
         mOptions.checkWritten();
-        return runAll(checker.requests());
+        return runAll(checker);
     }
 
-    private int runAll(List<RequestFile> requests) throws RequestFileException, ErrnoException, IOException {
+    private int runAll(RequestChecker checker) throws RequestFileException, ErrnoException, IOException {
+        List<RequestFile> requests = checker.requests();
         List<String> names = RequestNames.of(mOptions.requests());
         if (mOptions.report != null) {
             mPages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
@@ -109,7 +112,8 @@ final class Session {
                 report.dependences = TrialSession.found(i);
             }
             if (mOptions.strict) {
-                report.verdict = new TagCheck(Readings.of(report)).strict(report.verdict);
+                report.verdict =
+                        new TagCheck(Readings.of(report)).strict(report.verdict, checker.warnings(i));
             }
             mTimeline.add(report);
             if (mPages != null) {

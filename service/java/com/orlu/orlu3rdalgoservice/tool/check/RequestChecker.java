@@ -94,6 +94,11 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::errors).sum();
     }
 
+    /** How many warnings there are on one file, by its place among those checked. */
+    public int warnings(int file) {
+        return mMistakes.get(file).warnings();
+    }
+
     private int warnings() {
         return mMistakes.stream().mapToInt(Mistakes::warnings).sum();
     }

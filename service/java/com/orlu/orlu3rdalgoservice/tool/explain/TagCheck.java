@@ -29,14 +29,20 @@ public final class TagCheck {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }
 
-    /** The verdict with what --strict finds after its reasons: of a request that did not run, nothing. */
-    public Verdict strict(Verdict verdict) {
+    /**
+     * The verdict with what --strict finds after its reasons, and how many warnings the request file has. Of a
+     * request that did not run it is the same.
+     */
+    public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {
             return verdict;
         }
         List<String> reasons = new ArrayList<>(verdict.reasons());
         addReason(reasons, "never read", this::isNeverRead);
         addReason(reasons, "of a wrong type", reading -> reading.is(Outcome.WRONG_TYPE));
+        if (warnings > 0) {
+            reasons.add((warnings == 1 ? "1 warning" : warnings + " warnings") + " on the request file");
+        }
         return reasons.isEmpty() ? verdict : new Verdict(Verdict.FAILED, reasons);
     }
 
