@@ -6,31 +6,21 @@ import java.util.List;
 import java.util.Map;
 
 /** The algorithms that a request can ask for, or that the library adds. */
-public final class AlgorithmCatalogue implements Catalogue {
-    @Override
-    public String one() {
-        return "algorithm";
+public final class AlgorithmCatalogue {
+    private static final String HELP =
+            "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
+            + "it or takes it out, what changes when it is in the list, what is read back, whether the "
+            + "stand-in runs it, and what became of it in each sample.";
+
+    private AlgorithmCatalogue() {
     }
 
-    @Override
-    public String help() {
-        return "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
-                + "it or takes it out, what changes when it is in the list, what is read back, whether the "
-                + "stand-in runs it, and what became of it in each sample.";
+    static Catalogue catalogue() {
+        return new Catalogue("algorithm", HELP, List.of("standIn"),
+                entry -> entry.text("is"), AlgorithmCatalogue::entries);
     }
 
-    @Override
-    public List<String> columns() {
-        return List.of("standIn");
-    }
-
-    @Override
-    public String below(Entry entry) {
-        return entry.text("is");
-    }
-
-    @Override
-    public List<Entry> entries() {
+    private static List<Entry> entries() {
         Map<String, Map<String, List<String>>> rows = new LinkedHashMap<>();
         for (String[] row : Table.rows("algorithms.txt", 3)) {
             rows.computeIfAbsent(row[0], name -> new LinkedHashMap<>())

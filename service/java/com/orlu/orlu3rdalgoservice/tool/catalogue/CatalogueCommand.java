@@ -29,11 +29,11 @@ public final class CatalogueCommand extends Command {
     // Made when it is asked for: every run of ./run makes the command.
     private Catalogue catalogue() {
         return switch (name()) {
-            case "tags" -> new TagCatalogue();
-            case "algorithms" -> new AlgorithmCatalogue();
-            case "parameters" -> new ParameterCatalogue();
-            case "formats" -> new FormatCatalogue();
-            default -> new SampleCatalogue();
+            case "tags" -> TagCatalogue.catalogue();
+            case "algorithms" -> AlgorithmCatalogue.catalogue();
+            case "parameters" -> ParameterCatalogue.catalogue();
+            case "formats" -> FormatCatalogue.catalogue();
+            default -> SampleCatalogue.catalogue();
         };
     }
 
@@ -52,7 +52,7 @@ public final class CatalogueCommand extends Command {
     public int run(ParseResult line) {
         List<String> words = line.matchedPositionalValue(0, List.of());
         Catalogue catalogue = catalogue();
-        List<Entry> all = catalogue.entries();
+        List<Entry> all = catalogue.entries().get();
         List<Entry> wanted = words.isEmpty() ? all : wanted(catalogue.one(), all, words.get(0));
         if (line.hasMatchedOption("--json")) {
             System.out.print(Json.pretty(wanted.stream().map(Entry::facts).toList()));

@@ -5,31 +5,21 @@ import java.util.List;
 import java.util.Map;
 
 /** The image formats. */
-final class FormatCatalogue implements Catalogue {
-    @Override
-    public String one() {
-        return "format";
+final class FormatCatalogue {
+    private static final String HELP =
+            "Lists the image formats: what the pixels are, the code that the algorithm library gets, "
+            + "planes, bytes of a row of a picture W pixels wide, what becomes of strides, which files a "
+            + "request file can fill an image from, and which samples have it.";
+
+    private FormatCatalogue() {
     }
 
-    @Override
-    public String help() {
-        return "Lists the image formats: what the pixels are, the code that the algorithm library gets, "
-                + "planes, bytes of a row of a picture W pixels wide, what becomes of strides, which files a "
-                + "request file can fill an image from, and which samples have it.";
+    static Catalogue catalogue() {
+        return new Catalogue("format", HELP, List.of("code"),
+                entry -> entry.text("is"), FormatCatalogue::entries);
     }
 
-    @Override
-    public List<String> columns() {
-        return List.of("code");
-    }
-
-    @Override
-    public String below(Entry entry) {
-        return entry.text("is");
-    }
-
-    @Override
-    public List<Entry> entries() {
+    private static List<Entry> entries() {
         Map<String, Entry> entries = new LinkedHashMap<>();
         for (String[] row : Table.rows("formats.txt", 3)) {
             entries.computeIfAbsent(row[0], Entry::new).with(row[1], row[2]);

@@ -34,7 +34,7 @@ final class Page {
         line(heading, fields, starts);
         for (Entry entry : entries) {
             line(entry, fields, starts);
-            wrap(" ".repeat(BELOW), BELOW, catalogue.below(entry));
+            wrap(" ".repeat(BELOW), BELOW, catalogue.below().apply(entry));
         }
         mTo.println();
         mTo.println("%d %s; ./run %s NAME shows all that is known of one".formatted(

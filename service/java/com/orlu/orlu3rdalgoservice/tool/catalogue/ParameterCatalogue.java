@@ -8,7 +8,7 @@ import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /** The parameters that cross to the algorithm library, or back. */
-final class ParameterCatalogue implements Catalogue {
+final class ParameterCatalogue {
     private static final String FILE = "/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt";
     private static final int COLUMNS = 5;
     /** As many as there are frames; or fifty zeros, where the camera has no scores. Read back are fifty. */
@@ -22,26 +22,21 @@ final class ParameterCatalogue implements Catalogue {
             "FACE_OUTLINE", "FaceOutline", "REFOCUS_PACK", "RefocusPackParams", "PHASE_DETECTION", "PdafInfo",
             "SENSOR_CROP", "SCR_Type", "RECT", "__tagOrluRect", "BITS", "ProcessedAlgo");
 
-    @Override
-    public String one() {
-        return "parameter";
+    private static final String HELP =
+            "Lists the parameters that the library hands to the algorithm library (in) and reads back "
+            + "(out), by section without orlu.algo. and key: type and bytes. Of one it says also which "
+            + "functions write it or read it back, the tags that change it, and what it is where no tag "
+            + "is there.";
+
+    private ParameterCatalogue() {
     }
 
-    @Override
-    public String help() {
-        return "Lists the parameters that the library hands to the algorithm library (in) and reads back "
-                + "(out), by section without orlu.algo. and key: type and bytes. Of one it says also which "
-                + "functions write it or read it back, the tags that change it, and what it is where no tag "
-                + "is there.";
+    static Catalogue catalogue() {
+        return new Catalogue("parameter", HELP, List.of("type", "bytes", "direction"),
+                ParameterCatalogue::below, ParameterCatalogue::entries);
     }
 
-    @Override
-    public List<String> columns() {
-        return List.of("type", "bytes", "direction");
-    }
-
-    @Override
-    public String below(Entry entry) {
+    private static String below(Entry entry) {
         String name = entry.name();
         List<String> tags = Found.tagsOf(name);
         return Stream.of(functions("by ", Found.writersOf(name)),
@@ -56,8 +51,7 @@ final class ParameterCatalogue implements Catalogue {
                 .distinct().collect(Collectors.joining(", "));
     }
 
-    @Override
-    public List<Entry> entries() {
+    private static List<Entry> entries() {
         return Table.rows(FILE, COLUMNS).stream().map(ParameterCatalogue::entry).toList();
     }
 

@@ -5,30 +5,20 @@ import java.util.List;
 import java.util.Map;
 
 /** The request files of the folder samples. */
-final class SampleCatalogue implements Catalogue {
-    @Override
-    public String one() {
-        return "sample";
+final class SampleCatalogue {
+    private static final String HELP =
+            "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it "
+            + "says also its images, and the tags that few other samples set.";
+
+    private SampleCatalogue() {
     }
 
-    @Override
-    public String help() {
-        return "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it "
-                + "says also its images, and the tags that few other samples set.";
+    static Catalogue catalogue() {
+        return new Catalogue("sample", HELP, List.of("shape", "algorithms"),
+                entry -> entry.text("about"), SampleCatalogue::entries);
     }
 
-    @Override
-    public List<String> columns() {
-        return List.of("shape", "algorithms");
-    }
-
-    @Override
-    public String below(Entry entry) {
-        return entry.text("about");
-    }
-
-    @Override
-    public List<Entry> entries() {
+    private static List<Entry> entries() {
         List<Sample> samples = Sample.all();
         Map<String, Integer> uses = new HashMap<>();
         samples.forEach(sample -> sample.tags().keySet().forEach(tag -> uses.merge(tag, 1, Integer::sum)));

@@ -10,36 +10,26 @@ import java.util.List;
 import java.util.Map;
 
 /** The tags of capture results and compositions. */
-final class TagCatalogue implements Catalogue {
+final class TagCatalogue {
     /** Most parameters hang on it, so that those without it say nothing. */
     private static final String ALGORITHMS = "orlu.control.algoType";
     private static final int LONGEST_VALUE = 60;
     private static final String MOST = "nearly all parameters of some requests";
 
-    @Override
-    public String one() {
-        return "tag";
+    private static final String HELP =
+            "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it "
+            + "says also which values have a meaning, which functions read it or put it back, which "
+            + "parameters change with it, what those are where no tag is there, and what samples set.";
+
+    private TagCatalogue() {
     }
 
-    @Override
-    public String help() {
-        return "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it "
-                + "says also which values have a meaning, which functions read it or put it back, which "
-                + "parameters change with it, what those are where no tag is there, and what samples set.";
+    static Catalogue catalogue() {
+        return new Catalogue("tag", HELP, List.of("type", "unit"),
+                entry -> entry.text("meaning"), TagCatalogue::entries);
     }
 
-    @Override
-    public List<String> columns() {
-        return List.of("type", "unit");
-    }
-
-    @Override
-    public String below(Entry entry) {
-        return entry.text("meaning");
-    }
-
-    @Override
-    public List<Entry> entries() {
+    private static List<Entry> entries() {
         List<Sample> samples = Sample.all();
         return TagTable.names().stream().map(tag -> entry(tag, samples)).toList();
     }
