@@ -20,6 +20,9 @@ MUTATIONS = 12  # of each sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
 
+# Where ./run finds an unknown field, and the schema's definition: "" is the file itself.
+FIELDS = {"": "", "request": "", "client": "", "frames": "frameSet", "frames.common": "frameSet",
+          "frames.each[0]": "frame", "inputs": "commonInput", "inputs[0]": "input", "outputs[0]": "output"}
 # member of capture.json | value: neither the schema nor ./run takes it
 WRONG = """
 misspelt                                                     | 1
@@ -128,6 +131,26 @@ def check_mutations(folder, schema, samples):
         problems.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")
 
 
+def check_fields(folder, schema):
+    """At each place where ./run lists the fields that it knows, the schema knows the same."""
+    for inputs in ({"x": 1}, [{"x": 1}]):
+        (folder / "fields.json").write_text(json.dumps({
+            "x": 1, "request": {"x": 1}, "client": {"x": 1}, "frames": {"x": 1, "common": {"x": 1}, "each": [{"x": 1}]},
+            "inputs": inputs, "outputs": [{"x": 1}]}))
+        listed = re.findall(r": (\S*?)\.?x: unknown field; known here: (.*)",
+                            run("--check", folder / "fields.json").stderr)
+        for place, names in listed:
+            known = FIELDS[place]
+            properties = schema["definitions"][known] if known in schema["definitions"] else schema
+            properties = properties["properties"]
+            if place in ("request", "client", "frames.common"):
+                properties = properties[place.split(".")[-1]]["properties"]
+            if sorted(properties) != names.split(", "):
+                problems.append(f"{place or 'the file'} has {names}, in the schema {', '.join(sorted(properties))}")
+        if len(listed) != len(FIELDS) - 1:
+            problems.append(f"of {len(FIELDS) - 1} places ./run lists the fields of {len(listed)}")
+
+
 def check_new(folder, schema):
     kinds = [line.split()[0] for line in run("new").stdout.splitlines()]
     files = [folder / f"{kind}.json" for kind in kinds]
@@ -167,6 +190,7 @@ def main():
         capture = json.loads((ROOT / "samples/capture.json").read_text())
         check_wrong(folder, schema, {**capture, "photo": str(ROOT / "samples" / capture["photo"])})
         check_mutations(folder, schema, samples)
+        check_fields(folder, text)
         check_new(folder, schema)
     print("\n".join(problems) or f"{len(samples)} samples, {MUTATIONS} mutations each")
     return bool(problems)
