@@ -16,6 +16,7 @@ ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve(
 MUTATIONS = 16  # of each sample
 LINE = re.compile(r"^(?P<file>[^:]+):(?P<line>\d+):(?P<column>\d+): (?P<text>.+)$")
 LONG = "9" * 401
+PHOTO = ROOT / "samples/photos/portrait.jpg"
 failures = []
 
 
@@ -103,6 +104,14 @@ FIELDS = [
     (tag("android.sensor.exposureTime", '{"first": 1, "stp": 2}'),
      f"3:1: {TIME}: needs the field step; the tag is LONG (ns)",
      f'3:14: {TIME}.stp: unknown field; known here: first, step (did you mean step?); the tag is LONG (ns)'),
+    (request(inputs='{"format": "NV21", "stride": 10}', outputs='[{"format": "R8G8B8A8", "stride": 2047}]',
+             more=f', "photo": "{PHOTO}"'),
+     "1:63: inputs.stride: needs at least 512 bytes, a row of 512 pixels, found 10",
+     "1:113: outputs[0].stride: needs at least 2048 bytes, a row of 512 pixels, found 2047"),
+    (request('"frames": {"shift": 64, "width": 2, "height": 2}', inputs='{"format": "NV21"}',
+             more=f', "photo": "{PHOTO}"'), "2:60: photo: too small for the frames' shifts"),
+    (request(inputs='{"format": "NV21"}', more=', "photo": "0.json"'),
+     "2:26: photo: no photo that can be read: 0.json"),
     (request(more=', "algoritms": ["night"]'),
      "2:17: algoritms: unknown field; known here: $schema, about, algorithms, client, frames, fullAsync, "
      "inputs, "

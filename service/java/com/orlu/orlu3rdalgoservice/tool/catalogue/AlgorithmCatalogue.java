@@ -31,7 +31,7 @@ public final class AlgorithmCatalogue {
 
     /** The names of all. */
     public static List<String> names() {
-        return Table.rows("algorithms.txt", 3).stream().map(row -> row[0]).distinct().toList();
+        return Table.firstWords("algorithms.txt");
     }
 
     private static Entry entry(String name, Map<String, List<String>> facts) {

@@ -7,7 +7,9 @@ import java.io.InputStreamReader;
 import java.io.UncheckedIOException;
 import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
+import java.util.LinkedHashSet;
 import java.util.List;
+import java.util.Set;
 
 /**
  * The rows of a table in a text file beside this class: words with blanks between, the last one to the
@@ -20,25 +22,39 @@ final class Table {
     /** The rows of a file, each of this many columns; one with fewer is an IllegalStateException. */
     static List<String[]> rows(String file, int columns) {
         List<String[]> rows = new ArrayList<>();
+        for (String line : lines(file)) {
+            String[] row = line.split(" +", columns);
+            if (row.length != columns) {
+                throw new IllegalStateException(file + ": needs " + columns + " columns: " + line);
+            }
+            rows.add(row);
+        }
+        return rows;
+    }
+
+    /** The first column of a file, each word of it once. */
+    static List<String> firstWords(String file) {
+        Set<String> words = new LinkedHashSet<>();
+        for (String line : lines(file)) {
+            words.add(line.substring(0, line.indexOf(' ')));
+        }
+        return new ArrayList<>(words);
+    }
+
+    // Those that are neither blank nor a comment.
+    private static List<String> lines(String file) {
+        List<String> lines = new ArrayList<>();
         try (InputStream stream = Table.class.getResourceAsStream(file);
                 BufferedReader reader = new BufferedReader(
                         new InputStreamReader(stream, StandardCharsets.UTF_8))) {
-            int number = 0;
             for (String line = reader.readLine(); line != null; line = reader.readLine()) {
-                ++number;
-                if (line.isBlank() || line.startsWith("#")) {
-                    continue;
+                if (!line.isBlank() && !line.startsWith("#")) {
+                    lines.add(line.trim());
                 }
-                String[] row = line.trim().split(" +", columns);
-                if (row.length != columns) {
-                    throw new IllegalStateException(
-                            file + ":" + number + ": needs " + columns + " columns: " + line);
-                }
-                rows.add(row);
             }
         } catch (IOException e) {
             throw new UncheckedIOException(e);
         }
-        return rows;
+        return lines;
     }
 }

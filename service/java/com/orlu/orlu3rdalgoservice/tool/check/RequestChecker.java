@@ -15,13 +15,14 @@ import java.io.PrintStream;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.function.Supplier;
 
 /** Reads request files and what they name, and finds all that is wrong with any of them before one runs. */
 public final class RequestChecker {
     private final Path mOtherPhoto;
     private final Photos mPhotos;
     private final List<RequestFile> mRequests = new ArrayList<>();
-    private final List<String> mUnderstood = new ArrayList<>();
+    private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
     /** The photo, where it is not null, replaces those of the files. */
@@ -55,8 +56,10 @@ public final class RequestChecker {
                 : FrameSize.of(request, List.of());
         List<ImagePlan> inputs = sized(request.inputs(), size, mistakes);
         List<ImagePlan> outputs = sized(request.outputs(), size, mistakes);
-        SizeAdvice.give(request, inputs, outputs);
-        mUnderstood.add(Understood.line(request, inputs, outputs));
+        if (mistakes.errors() == 0) {
+            SizeAdvice.give(request, inputs, outputs);
+            mUnderstood.add(() -> Understood.line(request, inputs, outputs));
+        }
     }
 
     // A stride below a row is a mistake.
@@ -105,7 +108,7 @@ public final class RequestChecker {
 
     /** Prints what was understood of each file without a mistake. */
     public void printUnderstood(PrintStream to) {
-        mUnderstood.forEach(to::println);
+        mUnderstood.forEach(line -> to.println(line.get()));
     }
 
     /** Prints a line for each mistake and warning, and at last their counts; nothing when all is well. */

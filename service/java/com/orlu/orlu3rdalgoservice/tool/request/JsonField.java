@@ -5,7 +5,6 @@ import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.Set;
 import java.util.TreeSet;
 
 /**
@@ -17,20 +16,22 @@ final class JsonField implements Place {
 
     private final Mistakes mMistakes;
     private final JsonField mParent;
-    /** The last part of the path as it is shown: ".name" or "[5]". */
-    private final String mStep;
+    /** The name in an object; null in a list. */
+    private final String mName;
+    private final int mIndex;
     private final JsonValue mValue;
 
-    private JsonField(Mistakes mistakes, JsonField parent, String step, JsonValue value) {
+    private JsonField(Mistakes mistakes, JsonField parent, String name, int index, JsonValue value) {
         mMistakes = mistakes;
         mParent = parent;
-        mStep = step;
+        mName = name;
+        mIndex = index;
         mValue = value;
     }
 
     /** A whole value, whose path is empty for that of a file. */
     JsonField(Mistakes mistakes, String path, JsonValue value) {
-        this(mistakes, null, path, value);
+        this(mistakes, null, path, 0, value);
     }
 
     Mistakes mistakes() {
@@ -51,8 +52,15 @@ final class JsonField implements Place {
     }
 
     private String path() {
-        String path = mParent == null ? mStep : mParent.path() + mStep;
-        return path.startsWith(".") ? path.substring(1) : path;
+        if (mParent == null) {
+            return mName;
+        }
+        String before = mParent.path();
+        if (mName == null) {
+            return before + "[" + mIndex + "]";
+        }
+        String shown = mName.matches("[$\\w]{1,60}") ? mName : quoted(mName);
+        return before.isEmpty() ? shown : before + "." + shown;
     }
 
     private Mistake mistake(int line, int column, String problem, boolean isWarning) {
@@ -93,7 +101,7 @@ final class JsonField implements Place {
     // A member that is not there has the place of the object.
     private JsonField memberOrThis(String name) {
         JsonField member = find(name);
-        return member != null ? member : new JsonField(mMistakes, this, step(name), mValue);
+        return member != null ? member : new JsonField(mMistakes, this, name, 0, mValue);
     }
 
     /** What this field is, for a message. */
@@ -135,11 +143,11 @@ final class JsonField implements Place {
     /** The members of an object. Those of other names than the ones known here are noted as mistakes. */
     JsonMembers members(String... known) throws RequestFileException {
         Map<String, JsonField> members = anyMembers();
-        Set<String> allowed = new TreeSet<>(List.of(known));
+        List<String> allowed = List.of(known);
         for (Map.Entry<String, JsonField> member : members.entrySet()) {
             if (!allowed.contains(member.getKey())) {
                 JsonValue.Member name = mValue.members().get(member.getKey());
-                String problem = "unknown field; known here: " + String.join(", ", allowed)
+                String problem = "unknown field; known here: " + String.join(", ", new TreeSet<>(allowed))
                         + NearestWord.question(member.getKey(), allowed);
                 mMistakes.add(member.getValue().mistake(name.line(), name.column(), problem, false));
             }
@@ -171,11 +179,7 @@ final class JsonField implements Place {
     }
 
     private JsonField child(String name, JsonValue value) {
-        return new JsonField(mMistakes, this, step(name), value);
-    }
-
-    private static String step(String name) {
-        return "." + (name.matches("\\w{1,60}") ? name : quoted(name));
+        return new JsonField(mMistakes, this, name, 0, value);
     }
 
     /** The elements of a list. */
@@ -191,7 +195,7 @@ final class JsonField implements Place {
         List<?> values = isList() ? (List<?>) mValue.content() : List.of();
         List<JsonField> fields = new ArrayList<>();
         for (int i = 0; i < values.size(); ++i) {
-            fields.add(new JsonField(mMistakes, this, "[" + i + "]", (JsonValue) values.get(i)));
+            fields.add(new JsonField(mMistakes, this, null, i, (JsonValue) values.get(i)));
         }
         return fields;
     }
