@@ -32,6 +32,10 @@ protected:
   RequestRecorderTest() {
     std::string name = temporaryFolder() / "recorder_XXXXXX";
     mFolder = mkdtemp(name.data());
+    mAlgo.script.observer = [this, before = mAlgo.script.observer](const standin::AlgoCall& call) {
+      before(call);
+      if (call.operation == "process") mDuring();
+    };
     mAlgo.use();
     mClient =
         test::call(mService, "createNativeClient", "(" OBJECT ")J", static_cast<jobject>(mCompositions[0])).j;
@@ -84,6 +88,7 @@ protected:
   const jobject mService = test::newObject(SERVICE, "()V");
   std::string mFolder;
   jlong mClient = 0;
+  std::function<void()> mDuring = [] {};  // while the request runs
 };
 
 TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
@@ -94,6 +99,13 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
   const jobject closedInputs = test::javaList({closed});
   const jobject throwing = test::javaList({test::newThrowingComposition()});
   const jobject nulls = test::newUnrulyList(1, false, false);
+  const auto valued = [](const char* what) {
+    const jobject composition = test::newComposition();
+    test::putKey(
+        composition, "odd",
+        test::newObject("com/orlu/test/ThrowingValue", "(Ljava/lang/String;)V", test::javaString(what)));
+    return test::javaList({composition});
+  };
   const struct {
     const char* fault;
     const char* folder;
@@ -102,13 +114,16 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
     jobject compositions;
     const char* lastPart;
   } cases[] = {
-      {"none",                  "plain",  1 << 20, mInputs,      compositions, "end"    },
-      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions, nullptr  },
-      {"no bytes are left",     "full",   700,     mInputs,      compositions, "request"},
-      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions, "failed" },
-      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,     "failed" },
-      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,      "failed" },
-      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,        "failed" },
+      {"none",                  "plain",  1 << 20, mInputs,      compositions,        "end"    },
+      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions,        nullptr  },
+      {"no bytes are left",     "full",   700,     mInputs,      compositions,        "request"},
+      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions,        "failed" },
+      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,            "failed" },
+      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,             "failed" },
+      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,               "failed" },
+      {"a value without text",  "text",   1 << 20, mInputs,      valued("exception"), "end"    },
+      {"want of memory",        "memory", 1 << 20, mInputs,      valued("memory"),    "failed" },
+      {"want of stack",         "stack",  1 << 20, mInputs,      valued("stack"),     "failed" },
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.fault);
@@ -118,6 +133,21 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
     if (c.lastPart != nullptr) expected.push_back(std::string("000001-request-8589934593 ") + c.lastPart);
     EXPECT_EQ(expected, recordings(c.folder));
   }
+}
+
+// What happens to the folder while the request runs.
+TEST_F(RequestRecorderTest, TheFolderMayGoDuringTheRequest) {
+  const jobject compositions = test::javaList(mCompositions);
+  const std::string plain = run(nullptr, mInputs, compositions);
+  mDuring = [this] { std::filesystem::remove_all(mFolder + "/gone"); };
+  EXPECT_EQ(plain, run(newRecorder("gone", 4, 1 << 20), mInputs, compositions));
+  EXPECT_TRUE(recordings("gone").empty());
+  // A file of the name that an output's pixels get is a folder.
+  mDuring = [this] {
+    std::filesystem::create_directories(mFolder + "/taken/000001-request-8589934593/output0.bin");
+  };
+  EXPECT_EQ(plain, run(newRecorder("taken", 4, 1 << 20), mInputs, compositions));
+  EXPECT_EQ(recordings("taken"), std::vector<std::string>{"000001-request-8589934593 failed"});
 }
 
 TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {

@@ -74,22 +74,25 @@ public final class Recording {
         }
         try {
             step.run();
-        } catch (IOException | ErrnoException | RuntimeException | OutOfMemoryError e) {
+        } catch (IOException | ErrnoException | RuntimeException | Error e) {
+            // Errors too: a value's own code can want more memory or a deeper stack than there is.
             mIsOver = true;
-            RequestRecorder.warn("request " + idOf(mRequest) + " is not recorded any further: " + e);
-            closeAfter(e);
+            boolean hasReason = closeAfter(e);
+            RequestRecorder.warn("request " + idOf(mRequest) + " is not recorded any further: " + e
+                    + (hasReason || mFile == null ? "" : " (" + mFile.folder() + " does not say why)"));
         }
     }
 
-    private void closeAfter(Throwable problem) {
+    // Returns whether the recording has the reason. A full disk takes no last line.
+    private boolean closeAfter(Throwable problem) {
         if (mFile == null) {
-            return;
+            return false;
         }
         try (RecordFile file = mFile) {
             file.write(new JsonText("failed").add("what", problem.toString()));
-        } catch (IOException | RuntimeException e) {
-            // A full disk takes no last line either. Its absence says as much.
-            RequestRecorder.warn("the recording " + mFile.folder() + " ends without its reason");
+            return true;
+        } catch (IOException | RuntimeException | Error e) {
+            return false;
         }
     }
 

@@ -70,12 +70,20 @@ final class RecordingCommand extends Command {
     }
 
     private int info() throws RequestFileException, IOException {
+        int status = Verdict.OK;
         for (Path file : mOptions.files) {
             for (Path folder : recordings(file)) {
-                new RecordingSummary(RecordedRequest.read(folder), System.out).print();
+                try {
+                    new RecordingSummary(RecordedRequest.read(folder), System.out).print();
+                } catch (RequestFileException e) {
+                    // The others may be whole.
+                    System.out.flush();
+                    System.err.println("run: " + e.getMessage());
+                    status = Verdict.REFUSED;
+                }
             }
         }
-        return Verdict.OK;
+        return status;
     }
 
     private int trim() throws RequestFileException, IOException {

@@ -71,7 +71,8 @@ public final class Causes {
                 .sorted(Comparator.comparingInt(tag -> tag.parameters().size()))
                 .forEach(tag -> tags.computeIfAbsent(tag.tag(), key -> new TreeSet<>()).add(tag.frame()));
         if (tags.isEmpty()) {
-            return problem().isEmpty() ? "it depends on no tag of any frame" : "on which it depends is not known";
+            return problem().isEmpty() ? "it depends on no tag of any frame"
+                    : "on which it depends is not known";
         }
         List<String> found = new ArrayList<>();
         tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));

@@ -53,7 +53,8 @@ final class ImageCrop {
 
     private void plan(RecordedImage image, String name) {
         int[] strides = image.numbers("rowStrides");
-        int[] sizes = image.numbers("planeSizes");
+        int[] given = image.numbers("planeSizes");
+        int[] sizes = given == null ? new int[0] : given;
         if (strides == null || strides.length == 0 || strides[0] < mFormat.tightStride(mWidth)) {
             throw new IllegalArgumentException("--crop: " + name + " has rows of "
                     + (strides == null || strides.length == 0 ? "no size" : strides[0] + " bytes"));
@@ -61,7 +62,7 @@ final class ImageCrop {
         int newStride = cut(strides[0], 0);
         int end = addPlane(0, 0, strides[0], newStride, 1);
         int newEnd = newStride * mArea.height();
-        int[] newSizes = sizes == null ? new int[0] : sizes.clone();
+        int[] newSizes = sizes.clone();
         int[] newStrides = strides.clone();
         newStrides[0] = newStride;
         // A first plane may end with its last row's pixels, or have rows of padding.

@@ -219,6 +219,19 @@ public final class RecordedRequest {
         return bytes;
     }
 
+    /** What is wrong with the file of events; "" when it is whole, or there is none. */
+    String eventsProblem() {
+        JsonObject part = part(EVENTS);
+        try {
+            if (part != null && part.has("file")) {
+                checkedBytes(part.get("file").getAsString(), part.get("crc").getAsString());
+            }
+            return "";
+        } catch (RequestFileException e) {
+            return e.getMessage();
+        }
+    }
+
     /** What passed between the libraries: the whole lines, none when the probe was not there. */
     public RecordedEvents events() throws RequestFileException {
         RecordedEvents events = new RecordedEvents();

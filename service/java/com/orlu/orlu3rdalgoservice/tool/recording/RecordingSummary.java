@@ -88,6 +88,11 @@ public final class RecordingSummary {
         if (!image.hasBytes()) {
             return image.part().has("kept") ? ", bytes not kept" : "";
         }
+        try {
+            image.bytes();
+        } catch (RequestFileException e) {
+            return ", " + e.getMessage();
+        }
         return ", " + image.number("size") + " bytes";
     }
 
@@ -101,6 +106,9 @@ public final class RecordingSummary {
 
     private void printRun() throws RequestFileException {
         RecordedEvents events = mRecorded.events();
+        if (!mRecorded.eventsProblem().isEmpty()) {
+            line("events", mRecorded.eventsProblem());
+        }
         if (!events.calls().isEmpty()) {
             Handover handover = new Handover(events);
             line("handed on",

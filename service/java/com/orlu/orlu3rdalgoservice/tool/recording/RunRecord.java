@@ -61,8 +61,23 @@ public final class RunRecord {
         }
     }
 
-    /** A recording's run, under this name for people. */
+    /**
+     * A recording's run, under this name for people. RequestFileException when its events are damaged so that
+     * they can't be understood.
+     */
     public static RunRecord of(RecordedRequest recorded, String name) throws RequestFileException {
+        try {
+            return read(recorded, name);
+        } catch (IllegalArgumentException | IllegalStateException | ClassCastException e) {
+            String problem = recorded.eventsProblem();
+            if (problem.isEmpty()) {
+                throw e;
+            }
+            throw new RequestFileException(recorded.folder().toString(), "", problem);
+        }
+    }
+
+    private static RunRecord read(RecordedRequest recorded, String name) throws RequestFileException {
         RunRecord run = new RunRecord(name, recorded.events(),
                 recorded.isComplete() && recorded.problem().isEmpty(), recorded.images("result"));
         for (String call : List.of("processed", "updated")) {

@@ -1,0 +1,20 @@
+package com.orlu.test;
+
+/** A value of metadata whose text can't be had. */
+public final class ThrowingValue {
+    private final String mWhat;
+
+    /** What toString() throws: "exception", "memory" or "stack". */
+    public ThrowingValue(String what) {
+        mWhat = what;
+    }
+
+    @Override
+    public String toString() {
+        return switch (mWhat) {
+            case "memory" -> String.valueOf(new long[Integer.MAX_VALUE]);
+            case "stack" -> mWhat + this;
+            default -> throw new IllegalStateException("thrown instead of a text");
+        };
+    }
+}

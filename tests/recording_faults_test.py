@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""Recordings that are cut or damaged anywhere, and full disks: recording_faults_test.py BUILD_FOLDER"""
+
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+SAMPLES = ("capture", "bokeh", "raw16", "night-async")
+DAMAGED_OF_EACH = 75
+REPLAYED = 8
+failures = []
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{what}: expected {str(wanted)[:300]}, found {str(found)[:900]}")
+
+
+def run(*arguments, prefix=(), **environment):
+    done = subprocess.run([*prefix, ROOT / "run", *arguments], capture_output=True, text=True, check=False,
+                          env={**os.environ, "ORLU_BUILD": str(BUILD), **environment})
+    return done.returncode, done.stdout, done.stderr
+
+
+def request(sample):
+    return str(ROOT / "samples" / f"{sample}.json")
+
+
+def damage(shot, copy, chance):
+    """Cuts a file of the copy, or turns a bit of it over. Returns what info has to say; None: it refuses."""
+    shutil.copytree(shot, copy)
+    file = copy / chance.choice([file.name for file in shot.iterdir()] + ["recording"] * 4)
+    whole = file.read_bytes()
+    at = chance.randrange(len(whole))
+    is_cut = chance.random() < 0.5
+    damaged = bytearray(whole)
+    damaged[at] ^= 1 << chance.randrange(8)
+    file.write_bytes(whole[:at] if is_cut else damaged)
+    if file.name != "recording":
+        return f"{file.name}: is cut or damaged"
+    line = whole[:at].count(b"\n") + 1
+    if line == 1:
+        return None
+    if not is_cut:
+        return f"not reached: line {line} "
+    is_between = whole[at - 1:at] == b"\n"
+    return "not reached: the process ended" if is_between else f"not reached: line {line} is cut"
+
+
+def check_damage(shots):
+    chance = random.Random(14)
+    wanted = {}
+    for i in range(DAMAGED_OF_EACH * len(shots)):
+        copy = Path("damaged") / f"{i:04}"
+        wanted[str(copy)] = damage(shots[i % len(shots)], copy, chance)
+    status, out, err = run("info", "damaged")
+    expect("info of all", 2, status)
+    found = dict(re.findall(r"^(damaged/\d+)\n((?:  .*\n)*)", out, re.MULTILINE))
+    for copy, text in wanted.items():
+        if text is None:
+            # Without its first line it is no recording.
+            expect(copy, True, f"run: {copy}/recording: no recording that can be read: " in err)
+        else:
+            joined = re.sub(r"\n +", " ", found.get(copy, "nothing"))
+            expect(f"{copy}, {text}", True, text in joined)
+    expect("each is in one place", len(wanted), len(found) + err.count("no recording that can be read"))
+    expect("longest line", True, max(map(len, out.splitlines())) <= 110)
+    for copy in chance.sample(sorted(wanted), REPLAYED):
+        status, out, err = run("replay", copy, "--no-explain")
+        expect(f"replay {copy}, {wanted[copy]}: {out}{err}", True,
+               bool(re.search("(equal|different|ran), | damaged| is cut|no recording|ends before", out + err)))
+        expect(f"replay {copy}: {err}", False, "Exception" in err)
+
+
+def results(folder):
+    """The outputs without the time of the day in their EXIF blocks."""
+    return {file.name: re.sub(rb"\d{4}:\d\d:\d\d \d\d:\d\d:\d\d", b"", file.read_bytes())
+            for file in sorted(Path(folder).glob("*-out*"))}
+
+
+def check_full_disk():
+    """A request whose recording's disk is full has the same results, and one line in the log."""
+    alone = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-Urm"]
+    mounted = subprocess.run([*alone, "mount", "-t", "tmpfs", "tmpfs", "/mnt"], capture_output=True,
+                             check=False)
+    if mounted.returncode != 0:
+        print("skipped: no file system of a given size can be mounted here")
+        return
+    Path("full").mkdir()
+    status, plain, _ = run("--out", "plain", request("capture"))
+    expect("without a recorder", 0, status)
+    parameters = [line for line in plain.splitlines() if "parameters" in line]
+    has_reason = False
+    # Folder and line file alone; some lines; the input not whole; the output not whole; no events.
+    for size, option in ((4, ""), (8, ""), (300, ""), (700, ""), (900, ""), (4, "ro")):
+        script = (f"mount -t tmpfs -o size={size}k tmpfs full && "
+                  f"{'mount -o remount,ro full && ' if option else ''}"
+                  "{ \"$@\"; status=$?; cp -r full/. kept; exit $status; }")
+        shutil.rmtree("kept", ignore_errors=True)
+        Path("kept").mkdir()
+        status, out, err = run("--record", "full/shots", "--out", "images", request("capture"),
+                               prefix=(*alone, "bash", "-c", script, "bash"), ORLU_PIXELS="full/pixels")
+        what = f"a disk of {size} KiB {option}"
+        expect(f"{what}: {out}{err}", 0, status)
+        expect(f"{what}: the same results", True, results("plain") == results("images"))
+        expect(f"{what}: parameters", parameters, [line for line in out.splitlines() if "parameters" in line])
+        expect(f"{what}: log {err}", 1, err.count("WARNING: request 103 is not recorded any further: "))
+        for shot in Path("kept").glob("shots/*"):
+            status, out, err = run("info", str(shot))
+            expect(f"{what}: info {out}{err}", True,
+                   "not reached: " in out or "no recording that can be read: " in err)
+            has_reason |= "not reached: recording failed: java.io.IOException: No space left on device" in out
+    expect("a full disk is the reason in some", True, has_reason)
+
+
+for variable in ("ORLU_EVENTS", "ORLU_ALGO_TRACE", "ORLU_ALGO_LIBRARY", "ORLU_PLANTED", "ORLU_PIXELS"):
+    os.environ.pop(variable, None)
+with tempfile.TemporaryDirectory() as temporary:
+    os.chdir(temporary)
+    expect("recorded", 0, run("--record", "shots", "--out", "out", *map(request, SAMPLES))[0])
+    check_damage(sorted(Path("shots").iterdir()))
+    check_full_disk()
+    os.chdir("/")
+print("\n".join(failures) or "All passed")
+sys.exit(bool(failures))
