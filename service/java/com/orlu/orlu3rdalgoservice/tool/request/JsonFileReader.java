@@ -9,6 +9,7 @@ import com.fasterxml.jackson.core.JsonToken;
 import com.fasterxml.jackson.core.json.JsonReadFeature;
 
 import java.io.IOException;
+import java.io.InputStream;
 import java.math.BigDecimal;
 import java.nio.ByteBuffer;
 import java.nio.CharBuffer;
@@ -49,12 +50,16 @@ final class JsonFileReader {
 
     /** The file's value; null when it has none, or too much, which is then among the mistakes. */
     static JsonValue read(Path path, Mistakes mistakes) {
-        try {
-            if (Files.isRegularFile(path) && Files.size(path) > MOST_BYTES) {
-                mistakes.add(0, 0, "", "needs at most " + MOST_BYTES + " bytes, found " + Files.size(path));
+        try (InputStream file = Files.newInputStream(path)) {
+            boolean isTooLarge = Files.size(path) > MOST_BYTES;
+            // A pipe has no size, and may have no end.
+            byte[] bytes = isTooLarge ? new byte[0] : file.readNBytes(MOST_BYTES + 1);
+            if (isTooLarge || bytes.length > MOST_BYTES) {
+                mistakes.add(0, 0, "", "needs at most " + MOST_BYTES + " bytes, found "
+                        + (isTooLarge ? Files.size(path) : "more"));
                 return null;
             }
-            String text = decoded(Files.readAllBytes(path), mistakes);
+            String text = decoded(bytes, mistakes);
             return text == null ? null : new JsonFileReader(text, mistakes).document();
         } catch (NoSuchFileException e) {
             mistakes.add(0, 0, "", "no such file" + NearestWord.questionOnFile(path));
