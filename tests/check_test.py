@@ -255,6 +255,10 @@ def says_all_in_order():
     places = [int(LINE.match(line)["line"]) for line in lines[1:101]]
     expect("the lines' order", list(range(3, 103)), places)
     expect("a run", (2, ""), (done.returncode, done.stdout))
+    Path("more.json").write_text(tag("com.orlu.image_sizes", "[" + ",\n".join(['"x"'] * 1100) + "]"))
+    expect("over 1000", ["more.json: and over 900 more",
+                         "run: over 1000 mistakes and 0 warnings in 1 of 1 file; nothing runs"],
+           run("more.json").stderr.splitlines()[100:])
     expect("a check", "right.json: right: 1 frame, in nothing, out nothing, no algorithms\n",
            run("--check", "right.json", "none.json").stdout)
 

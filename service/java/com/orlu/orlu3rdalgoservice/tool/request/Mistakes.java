@@ -91,6 +91,11 @@ public final class Mistakes {
         return mErrors;
     }
 
+    /** Whether there are more than are kept and counted. */
+    public boolean areMore() {
+        return mDropped > 0;
+    }
+
     public int warnings() {
         return mMistakes.size() - mErrors;
     }
