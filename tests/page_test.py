@@ -24,11 +24,11 @@ LARGEST_PAGE = 3_000_000
 FAULTS = """
 padded | | |
 night | inputStride | stride | 632 for its stride of 640
-padded | outputStride | stride rows-missing rows-missing | padding holds pixels
+padded | outputStride | stride | padding holds pixels
 night | swapped | colours-exchanged | U and V
 raw16 | elsewhere | wrong-buffer | input 0
 watermark | untouched | untouched | output 0
-padded | black | black | mean brightness is 0.0
+padded | black | black | Output 0 is black: its mean brightness is 0.0
 padded | clipped | clipped | 100 %
 padded | green | plane-untouched | plane VU
 padded | half | rows-missing | last 200 of 400 rows
@@ -154,11 +154,12 @@ def check_faults(folder):
         found = [kind for kind in found if name != "slanted" or kind != "frame-twice"]
         check(f"{where} findings", found == kinds.split(), f"{found} instead of {kinds}")
         said = " ".join(finding["what"] + " " + finding["why"] for finding in data["findings"])
-        check(f"{where} says", words in said, f"no “{words}” but: {said}")
+        check(f"{where} says", words in said and "%" not in said.replace(" %", ""), f"no “{words}” but: {said}")
         tabs = {finding["tab"] for finding in data["findings"]}
         check(f"{where} leads to", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
         if fault == "aborts:process":
             check(where + " no parameters of the process that ended", len(data["parameters"]) > 90)
+            check(where + " no report on the end", "SIGABRT" in data["crash"], data["crash"][:200])
             check(where + " no explanations", data["explained"]["orlu.algo.control/film_size"]["tags"])
             open_calls = [event["name"] for event in data["trace"] if event.get("args", {}).get("outcome") ==
                           "has not returned"]

@@ -49,7 +49,7 @@ final class PostMortem {
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions, new Timeline());
         if (mOptions.report != null) {
-            writePage(verdict);
+            writePage(verdict, crash.report());
         }
         if (mOptions.record != null) {
             completeRecordings(mOptions.record);
@@ -64,7 +64,7 @@ final class PostMortem {
     }
 
     // The requests before it have their pages already.
-    private void writePage(Verdict verdict) throws IOException {
+    private void writePage(Verdict verdict, String crash) throws IOException {
         List<Path> requests = mOptions.requests();
         PageFolder pages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
         pages.resume();
@@ -74,6 +74,7 @@ final class PostMortem {
                         RequestFileReader.read(requests.get(pages.count()), mOptions.photo),
                         RequestNames.of(requests).get(pages.count()));
                 report.verdict = verdict;
+                report.crash = crash;
                 report.dependences = TrialSession.found(pages.count());
                 SourceLines source = new SourceLines();
                 RecordedEvents all = new RecordedEvents();

@@ -35,7 +35,7 @@ record Finding(String kind, boolean isSure, String what, String why, Tab tab) {
         JsonObject json = new JsonObject();
         json.addProperty("kind", kind);
         json.addProperty("severity", isSure ? "wrong" : "look");
-        json.addProperty("what", what);
+        json.addProperty("what", what.substring(0, 1).toUpperCase() + what.substring(1));
         json.addProperty("why", why);
         json.addProperty("tab", tab.name().toLowerCase());
         return json;

@@ -74,8 +74,11 @@ final class ImageFindings {
             checkBlack(output);
             return;
         }
-        checkPlanes(output);
-        checkShear(output);
+        if (output.facts().shear() != 0) {
+            addSlanted(output);
+        } else {
+            checkPlanes(output);
+        }
         ImageExhibit base = mExhibits.base();
         if (base != null && base.facts() != null) {
             checkBrightness(output, base);
@@ -114,14 +117,13 @@ final class ImageFindings {
 
     private void checkBlack(ImageExhibit output) {
         ImageExhibit base = mExhibits.base();
-        boolean isDarkInput =
-                base != null && base.facts() != null && base.facts().meanLuma() < DARK_INPUT_MEAN;
+        PictureFacts input = base == null ? null : base.facts();
+        String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
+                ? "What went in is as dark (%.1f): look at the frames first.".formatted(input.meanLuma())
+                : "What went in is not. The algorithm library wrote black pixels: look at the "
+                        + "exposure and gain parameters, then at the algorithms that ran.";
         wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
-                        output.name(), output.facts().meanLuma()),
-                isDarkInput ? "What went in is as dark (%.1f): look at the frames first.".formatted(
-                                base.facts().meanLuma())
-                        : "What went in is not. The algorithm library wrote black pixels: look at the "
-                                + "exposure and gain parameters, then at the algorithms that ran.");
+                output.name(), output.facts().meanLuma()), why);
     }
 
     // Memory of an output is zero before, so that rows that still are were not written.
@@ -144,15 +146,10 @@ final class ImageFindings {
         }
     }
 
-    private void checkShear(ImageExhibit output) {
+    private void addSlanted(ImageExhibit output) {
         int shear = output.facts().shear();
-        if (shear == 0) {
-            return;
-        }
-        wrong("stride", Tab.MEMORY, "%s is slanted: each row fits the one above when it is moved by %d "
-                + "pixels."
-                        .formatted(output.name(), Math.abs(shear))
-                        + " It was written or read with a wrong stride.",
+        wrong("stride", Tab.MEMORY, "%s is slanted, by %d pixels from row to row: ".formatted(
+                        output.name(), Math.abs(shear)) + "it was written or read with a wrong stride.",
                 cause(output, Math.abs(shear)));
     }
 
@@ -165,8 +162,8 @@ final class ImageFindings {
             return "What went in is not. The output's padding holds pixels in %d rows of %d: %s".formatted(
                     written.usedPadding(), written.rows(), mistaken(written));
         }
-        ImageExhibit base = mExhibits.base();
-        PlaneUse read = base == null ? written : base.memory().planes().get(0);
+        ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
+        PlaneUse read = base.memory().planes().get(0);
         // Samples may have several bytes.
         int padding = read.stride() - read.rowBytes();
         boolean isIt = padding > 0 && padding % shear == 0;

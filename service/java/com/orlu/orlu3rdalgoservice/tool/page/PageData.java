@@ -203,6 +203,7 @@ final class PageData {
         mJson.add("callbacks", callbacks);
         ByteArrayOutputStream printed = new ByteArrayOutputStream();
         new Summary(mReport, new PrintStream(printed, true, StandardCharsets.UTF_8), true).print();
+        mJson.addProperty("crash", mReport.crash);
         mJson.addProperty("printed", printed.toString(StandardCharsets.UTF_8));
     }
 

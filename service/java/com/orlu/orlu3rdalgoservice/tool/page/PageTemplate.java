@@ -13,8 +13,8 @@ final class PageTemplate {
     private static final List<String> STYLES = List.of("page.css", "parts.css");
     // What all pages have.
     private static final List<String> COMMON = List.of("dom.js", "theme.js");
-    private static final List<String> REQUEST = List.of("histogram.js", "compare.js", "pictures.js",
-            "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js");
+    private static final List<String> REQUEST = List.of("histogram.js", "loupe.js", "compare.js",
+            "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js");
     private static final List<String> INDEX = List.of("index.js");
 
     private PageTemplate() {

@@ -7,23 +7,23 @@ import java.awt.image.BufferedImage;
 
 /** What can be measured of one picture: how bright it is, where its colours lie, whether its rows fit. */
 final class PictureFacts {
-    static final int GRID = 16;
+    private static final int GRID = 16;
     private static final int LEVELS = 256;
     private static final int WHITE = 255;
 
     private final int mWidth;
     private final int mHeight;
     private final int[][] mHistograms = new int[4][LEVELS];
-    private final float[] mLuma;
     /** Means of (blue - luma) and (red - luma) in a grid over the picture. */
     private final double[][] mBlue = new double[GRID][GRID];
     private final double[][] mRed = new double[GRID][GRID];
     private final int mClipped;
+    private final int mShear;
 
     PictureFacts(BufferedImage image) {
         mWidth = image.getWidth();
         mHeight = image.getHeight();
-        mLuma = new float[mWidth * mHeight];
+        float[] luma = new float[mWidth * mHeight];
         int[][] counts = new int[GRID][GRID];
         int[] row = new int[mWidth];
         int clipped = 0;
@@ -34,20 +34,21 @@ final class PictureFacts {
                 int red = row[x] >> 16 & 255;
                 int green = row[x] >> 8 & 255;
                 int blue = row[x] & 255;
-                float luma = 0.299f * red + 0.587f * green + 0.114f * blue;
-                mLuma[y * mWidth + x] = luma;
-                ++mHistograms[0][Math.round(luma)];
+                float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
+                luma[y * mWidth + x] = brightness;
+                ++mHistograms[0][Math.round(brightness)];
                 ++mHistograms[1][red];
                 ++mHistograms[2][green];
                 ++mHistograms[3][blue];
                 clipped += Math.min(red, Math.min(green, blue)) >= WHITE - 1 ? 1 : 0;
                 int gridX = x * GRID / mWidth;
-                mBlue[gridY][gridX] += blue - luma;
-                mRed[gridY][gridX] += red - luma;
+                mBlue[gridY][gridX] += blue - brightness;
+                mRed[gridY][gridX] += red - brightness;
                 ++counts[gridY][gridX];
             }
         }
         mClipped = clipped;
+        mShear = new Shear(luma, mWidth, mHeight).pixels();
         divide(mBlue, counts);
         divide(mRed, counts);
     }
@@ -60,18 +61,22 @@ final class PictureFacts {
         }
     }
 
+    private int pixels() {
+        return mWidth * mHeight;
+    }
+
     /** Mean brightness, 0 to 255. */
     double meanLuma() {
         double sum = 0;
         for (int level = 0; level < LEVELS; ++level) {
             sum += (double) level * mHistograms[0][level];
         }
-        return sum / mLuma.length;
+        return sum / pixels();
     }
 
     /** The brightness that this part of the pixels, 0 to 1, does not exceed. */
     int lumaAt(double part) {
-        long left = Math.round(part * mLuma.length);
+        long left = Math.round(part * pixels());
         int level = 0;
         while (level < WHITE && left > mHistograms[0][level]) {
             left -= mHistograms[0][level];
@@ -82,12 +87,7 @@ final class PictureFacts {
 
     /** The part of the pixels that are white in all channels, 0 to 1. */
     double clipped() {
-        return (double) mClipped / mLuma.length;
-    }
-
-    /** How far the picture's colours lie from grey on average, in levels. */
-    double colour() {
-        return distance(mBlue, new double[GRID][GRID]) + distance(mRed, new double[GRID][GRID]);
+        return (double) mClipped / pixels();
     }
 
     /** How far the colours of two pictures lie apart on average, wherever these are of the same part. */
@@ -112,7 +112,7 @@ final class PictureFacts {
 
     /** By how many pixels each row is moved against the one above; 0 when rows fit as they are. */
     int shear() {
-        return new Shear(mLuma, mWidth, mHeight).pixels();
+        return mShear;
     }
 
     /** The counts of luma, red, green and blue by level. */

@@ -1,6 +1,5 @@
 // Two pictures to compare: side by side, in turns, or their difference; and a magnifier over both.
 
-const LOUPE = 160;
 const FLICKER_MILLISECONDS = 500;
 
 class Compare {
@@ -11,8 +10,7 @@ class Compare {
     this.output = 0;
     this.mode = "pair";
     this.showsOutput = true;
-    this.loupeOn = false;
-    this.at = {x: 0.5, y: 0.5};
+    this.loupe = new Loupe();
     this.timer = null;
     this.brightness = 1;
     this.element = h("div", {class: "compare"});
@@ -34,9 +32,6 @@ class Compare {
     ];
     this.auto = h("input", {type: "checkbox", id: "auto", onchange: () => this.setTimer()});
     this.autoLabel = h("label", {for: "auto"}, this.auto, " by itself");
-    this.loupeButton = toggle("Magnifier 1:1", false, "Follow the pointer or the arrow keys (m)", on =>
-      this.setLoupe(on),
-    );
     const bright = h("input", {
       type: "range",
       min: 1,
@@ -54,7 +49,7 @@ class Compare {
       {class: "tools"},
       this.modeButtons,
       this.autoLabel,
-      this.loupeButton,
+      h("span", null, this.loupe.button, " ", this.loupe.scaleChoice),
       h("label", null, "Brighten ", bright),
       this.outputChoice(),
     );
@@ -93,7 +88,8 @@ class Compare {
       this.setMode("flicker");
     } else {
       this.showsOutput = !this.showsOutput;
-      this.show();
+      this.showTurn();
+      this.loupe.move();
     }
   }
 
@@ -105,18 +101,6 @@ class Compare {
     }
   }
 
-  setLoupe(on) {
-    this.loupeOn = on;
-    press(this.loupeButton, on);
-    this.moveLoupe();
-  }
-
-  // By a part of the picture, from the keyboard.
-  stepLoupe(x, y) {
-    this.at = {x: Math.min(1, Math.max(0, this.at.x + x)), y: Math.min(1, Math.max(0, this.at.y + y))};
-    this.moveLoupe();
-  }
-
   show() {
     for (const button of this.modeButtons) press(button, button.dataset.mode === this.mode);
     this.autoLabel.hidden = this.mode !== "flicker";
@@ -124,15 +108,24 @@ class Compare {
     const input = this.images.inputs[this.input];
     const output = this.images.outputs[this.output];
     this.stageBox.className = this.mode === "pair" ? "pair" : "pair single";
+    this.loupe.stages = [];
     const shown =
-      this.mode === "pair"
-        ? [this.figure("In", input), this.figure("Out", output)]
-        : this.mode === "difference"
-          ? [this.difference()]
-          : [this.showsOutput ? this.figure("Out", output) : this.figure("In", input)];
+      this.mode === "difference"
+        ? [this.difference()]
+        : [this.figure("In", input), this.figure("Out", output)];
     this.stageBox.replaceChildren(...shown);
+    this.showTurn();
     this.applyBrightness();
-    this.moveLoupe();
+    this.loupe.move();
+  }
+
+  // In turns, the one that is not shown is there all the same: nothing is drawn anew.
+  showTurn() {
+    const [input, output] = this.stageBox.children;
+    if (output) {
+      input.hidden = this.mode === "flicker" && this.showsOutput;
+      output.hidden = this.mode === "flicker" && !this.showsOutput;
+    }
   }
 
   applyBrightness() {
@@ -181,7 +174,7 @@ class Compare {
       "figure",
       null,
       caption,
-      this.stage(image.large || image.small, image.name, image.facts),
+      this.loupe.stage(image.large || image.small, image.name, image.facts),
       histogram(image.facts),
       h("div", {class: "faint"}, histogramText(image.facts)),
     );
@@ -218,75 +211,14 @@ class Compare {
             " against " +
             base.name +
             ", " +
+            "made " +
             found.amplification +
-            " times enlarged: grey is equal, lighter is brighter in the output; " +
+            " times larger: grey is equal, lighter is brighter in the output; " +
             psnr,
         ),
       ),
-      this.stage(found.picture, "difference", base.facts),
+      this.loupe.stage(found.picture, "difference", base.facts),
     );
-  }
-
-  stage(source, name, facts) {
-    const image = h("img", {src: source, alt: name, draggable: "false"});
-    const stage = h("div", {class: "stage", onpointermove: event => this.point(event, image)}, image);
-    stage.facts = facts;
-    image.addEventListener("load", () => this.moveLoupe());
-    return stage;
-  }
-
-  // Where the picture lies in its element: it keeps its shape, and may have a border beside or above it.
-  static box(image, facts) {
-    const scale = Math.min(image.clientWidth / facts.width, image.clientHeight / facts.height);
-    const width = facts.width * scale;
-    const height = facts.height * scale;
-    return {left: (image.clientWidth - width) / 2, top: (image.clientHeight - height) / 2, width, height};
-  }
-
-  point(event, image) {
-    if (!this.loupeOn) return;
-    const outer = image.getBoundingClientRect();
-    const box = Compare.box(image, image.parentElement.facts);
-    const part = (at, from, size) => Math.min(1, Math.max(0, (at - from) / size));
-    this.at = {
-      x: part(event.clientX - outer.left, box.left, box.width),
-      y: part(event.clientY - outer.top, box.top, box.height),
-    };
-    this.moveLoupe();
-  }
-
-  moveLoupe() {
-    for (const stage of this.stageBox.querySelectorAll(".stage")) {
-      const old = stage.querySelector(".loupe");
-      if (old) old.remove();
-      const image = stage.querySelector("img");
-      if (!this.loupeOn || !image || image.clientWidth === 0) continue;
-      const {width, height} = stage.facts;
-      const box = Compare.box(image, stage.facts);
-      const half = LOUPE / 2;
-      stage.append(
-        h("div", {
-          class: "loupe",
-          style:
-            "left:" +
-            (box.left + this.at.x * box.width - half) +
-            "px;top:" +
-            (box.top + this.at.y * box.height - half) +
-            "px;background-image:url(" +
-            image.src +
-            ");background-size:" +
-            width +
-            "px " +
-            height +
-            "px;background-position:" +
-            (half - this.at.x * width) +
-            "px " +
-            (half - this.at.y * height) +
-            "px;filter:" +
-            (image.style.filter || "none"),
-        }),
-      );
-    }
   }
 }
 

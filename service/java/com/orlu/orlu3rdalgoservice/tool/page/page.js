@@ -17,6 +17,7 @@ const KEYS = [
   ["s", "in and out side by side"],
   ["d", "the difference"],
   ["m", "magnifier; arrow keys move it"],
+  ["z", "its magnification"],
   ["+  -  0", "zoom in the timeline"],
   ["← →", "the slice before or behind in the timeline"],
   ["t", "light or dark"],
@@ -105,7 +106,9 @@ function showFacts() {
     [
       "handed on",
       !handedOn
-        ? "nothing: no algorithm pass"
+        ? data.findings.some(finding => /^(crash|unusable)$/.test(finding.kind))
+          ? "nothing"
+          : "nothing: no algorithm pass"
         : handedOn.length === 0
           ? list(handedOn)
           : handedOn.map(name => name + (asked.includes(name) ? "" : " (appended)")).join(", "),
@@ -181,7 +184,7 @@ function showTab(name, doScroll) {
   }
   const panel = made.get(name);
   if (panel.onShow) panel.onShow();
-  if (panel.compare) panel.compare.moveLoupe();
+  if (panel.compare) panel.compare.loupe.move();
   if (doScroll) document.getElementById("tabs").scrollIntoView({behavior: "smooth"});
 }
 
@@ -214,15 +217,16 @@ function pressedKey(event) {
     f: () => pictures.flicker(),
     s: () => pictures.setMode("pair"),
     d: () => pictures.setMode("difference"),
-    m: () => pictures.setLoupe(!pictures.loupeOn),
+    z: () => pictures.loupe.nextScale(),
+    m: () => pictures.loupe.set(!pictures.loupe.isOn),
   }[event.key];
   if (/^[1-7]$/.test(event.key)) {
     showTab(PANELS[Number(event.key) - 1][0]);
   } else if (picture && pictures) {
     showTab("pictures");
     picture();
-  } else if (arrow && compare && compare.loupeOn && event.target.getAttribute("role") !== "tab") {
-    compare.stepLoupe(arrow[0] / 50, arrow[1] / 50);
+  } else if (arrow && compare && compare.loupe.isOn && event.target.getAttribute("role") !== "tab") {
+    compare.loupe.step(arrow[0] / 50, arrow[1] / 50);
   } else if (act) {
     act();
   } else {
@@ -239,5 +243,5 @@ showTab("pictures");
 document.addEventListener("keydown", pressedKey);
 window.addEventListener(
   "resize",
-  () => made.get("pictures").compare && made.get("pictures").compare.moveLoupe(),
+  () => made.get("pictures").compare && made.get("pictures").compare.loupe.move(),
 );

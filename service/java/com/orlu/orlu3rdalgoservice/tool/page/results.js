@@ -33,15 +33,25 @@ function resultsPanel() {
           "Output descriptors: " +
             (changed.length === 0 ? "none changed" : plural(changed.length, "field") + " changed"),
         ),
-        h(
-          "div",
-          {class: "scroll"},
-          table(
-            ["output", "field", "before", "after"],
-            data.descriptors.map(row => ({cells: row, class: row[2] !== row[3] ? "changed" : null})),
-          ).element,
-        ),
+        data.descriptors.length === 0
+          ? null
+          : h(
+              "div",
+              {class: "scroll"},
+              table(
+                ["output", "field", "before", "after"],
+                data.descriptors.map(row => ({cells: row, class: row[2] !== row[3] ? "changed" : null})),
+              ).element,
+            ),
       ),
+      data.crash
+        ? h(
+            "details",
+            {class: "card", open: true},
+            h("summary", null, "How the process ended"),
+            h("pre", null, data.crash),
+          )
+        : null,
       callbacksCard(),
       h("details", {class: "card"}, h("summary", null, "As ./run printed it"), h("pre", null, data.printed)),
     ),

@@ -139,7 +139,7 @@ class TimelineView {
   slice(slice, lane, x) {
     const width = Math.max(isOpen(slice) ? 6 : 1.2, x(slice.dur));
     const y = lane.top + LANE_HEAD + slice.depth * ROW;
-    const kind = isOpen(slice) ? "open" : isWait(slice) ? "wait" : slice.cat;
+    const kind = isOpen(slice) ? "open" : isWait(slice) ? "wait" : isWhole(slice) ? "java" : slice.cat;
     const rect = s(
       "rect",
       {
@@ -238,6 +238,11 @@ class TimelineView {
 
 function isOpen(slice) {
   return slice.args !== undefined && slice.args.outcome === "has not returned";
+}
+
+// The command's own work around a request, which has the name of its file.
+function isWhole(slice) {
+  return slice.cat === "request" && slice.name === baseName(data.file);
 }
 
 function isWait(slice) {

@@ -45,6 +45,8 @@ public final class RequestReport {
     /** What is wrong with the outputs, if the algorithms were to write them. */
     public final List<String> outputProblems = new ArrayList<>();
     public Verdict verdict = Verdict.ok();
+    /** What is known of the end of the process, when that came first; else "". */
+    public String crash = "";
     /** A line on the page that shows all this; "" for none. */
     public String page = "";
     /** Which tags the parameters depend on, when somebody asked; else null. */
