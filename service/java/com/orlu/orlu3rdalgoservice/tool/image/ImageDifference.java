@@ -45,12 +45,12 @@ public final class ImageDifference {
         if (format == PixelFormat.JPEG) {
             return of(PixelReader.decodeJpeg(one), PixelReader.decodeJpeg(other));
         }
-        int size = Arrays.stream(format.planeSizes(stride, height, 0)).sum();
-        if (width < 1 || height < 1 || size > one.length || size > other.length) {
+        ImagePlan plan = plan(format, width, height, stride, 0);
+        if (stride < format.tightStride(width)
+                || !PixelReader.fits(plan, Math.min(one.length, other.length))) {
             return null;
         }
         if (!format.isRaw()) {
-            ImagePlan plan = plan(format, width, height, stride, 0);
             return of(
                     PixelReader.readPicture(plan, buffer(one)), PixelReader.readPicture(plan, buffer(other)));
         }

@@ -84,8 +84,10 @@ public final class OutputReader {
         ImagePlan old = mImage.plan();
         ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
                 image.mRowStrides[0], 0, old.bits(), 0, old.file(), old.place());
-        if (sum(plan.planeSizes(0)) > mImage.bytes().capacity()) {
-            mProblem = "described as larger than its memory";
+        if (!PixelReader.fits(plan, mImage.bytes().capacity())) {
+            mProblem = image.mWidth < 1 || image.mHeight < 1
+                    ? "described as " + image.mWidth + "x" + image.mHeight
+                    : "described as larger than its memory";
         } else if (format.isRaw()) {
             mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
         } else {
@@ -100,13 +102,5 @@ public final class OutputReader {
         }
         mJpeg = new byte[size];
         mImage.bytes().get(0, mJpeg);
-    }
-
-    private static int sum(int[] values) {
-        int sum = 0;
-        for (int value : values) {
-            sum += value;
-        }
-        return sum;
     }
 }

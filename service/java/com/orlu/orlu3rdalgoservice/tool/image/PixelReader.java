@@ -7,6 +7,7 @@ import java.awt.image.BufferedImage;
 import java.io.ByteArrayInputStream;
 import java.io.IOException;
 import java.nio.ByteBuffer;
+import java.util.Arrays;
 
 import javax.imageio.ImageIO;
 
@@ -15,6 +16,26 @@ final class PixelReader {
     private static final int MIDDLE = 128;
 
     private PixelReader() {
+    }
+
+    /**
+     * Whether all pixels of this description lie in a memory of so many bytes. Of odd sizes the last chroma
+     * can lie behind the planes' usual end.
+     */
+    static boolean fits(ImagePlan plan, int capacity) {
+        if (plan.width() < 1 || plan.height() < 1
+                || (long) plan.strideBytes() * plan.height() > Integer.MAX_VALUE) {
+            return false;
+        }
+        int[] sizes = plan.planeSizes(0);
+        long end = Arrays.stream(sizes).asLongStream().sum();
+        if (plan.format().isYuv()) {
+            int lastX = (plan.width() - 1) / 2;
+            long lastRow = sizes[0] + (plan.height() - 1) / 2 * (long) plan.strides()[1];
+            end = Math.max(end, 1 + lastRow
+                    + (plan.format().isPlanar() ? secondChroma(plan) + lastX : 2 * lastX + 1));
+        }
+        return end <= capacity;
     }
 
     /** The picture in a memory of this description; raw formats have none. */
