@@ -12,8 +12,8 @@ readonly run_packages=(
 java_libraries=/usr/share/java/gson.jar:/usr/share/java/jackson-core.jar:/usr/share/java/picocli.jar
 java_libraries+=:/usr/share/java/metadata-extractor.jar:/usr/share/java/xmpcore.jar
 readonly java_libraries
-# What the tests take beside that: their library, and the tools that look into files.
-readonly test_packages=(libgtest-dev binutils python3 python3-jsonschema)
+# What the tests take beside that: their libraries, and the tools that look into files.
+readonly test_packages=(libgtest-dev junit4 binutils python3 python3-jsonschema)
 # The cross compiler, and what runs its programs here. What they link and load comes from the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 # What the ARM build of clang takes besides; GoogleTest as source, to be built with libc++.

@@ -50,9 +50,9 @@ lint_shell() {
 # Each folder as CMake compiles it.
 lint_java() {
   local folder class_path=$java_libraries
-  class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar
+  class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/junit4.jar
   build_preset dev --tests orlu-tests
-  for folder in host/java service/java tests/java fuzz/java; do
+  for folder in host/java service/java tests/java tests/tool fuzz/java; do
     mapfile -t sources < <(git ls-files "$folder/*.java")
     ecj --release 17 -proc:none -d none -properties scripts/ecj.prefs \
       -cp "$class_path" "${sources[@]}"

@@ -1,0 +1,220 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import static org.junit.Assert.assertArrayEquals;
+import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertNull;
+
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import org.junit.Test;
+
+import java.awt.image.BufferedImage;
+import java.nio.ByteBuffer;
+import java.nio.ByteOrder;
+import java.util.Arrays;
+import java.util.HexFormat;
+import java.util.Random;
+
+/** Where each sample of a picture lies in the memory of each format, and what is computed of the samples. */
+public final class PixelsTest {
+    /** What the memory holds before: no format has it as a value of these pictures. */
+    private static final byte UNTOUCHED = (byte) 0xEE;
+
+    private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
+        return new ImagePlan(
+                format, format.name(), false, width, height, stride, 0, bits, 0, null, null);
+    }
+
+    private static ByteBuffer memory(int size) {
+        byte[] bytes = new byte[size];
+        Arrays.fill(bytes, UNTOUCHED);
+        return ByteBuffer.wrap(bytes).order(ByteOrder.LITTLE_ENDIAN);
+    }
+
+    private static ByteBuffer hex(String text) {
+        return ByteBuffer.wrap(HexFormat.of().parseHex(text.replace(" ", ""))).order(ByteOrder.LITTLE_ENDIAN);
+    }
+
+    /** Four blocks of two by two pixels: red and green above blue and white. */
+    private static Picture blocks() {
+        Picture picture = new Picture(4, 4);
+        for (int y = 0; y < 4; ++y) {
+            for (int x = 0; x < 4; ++x) {
+                boolean isWhite = x > 1 && y > 1;
+                picture.set(x, y, isWhite || x < 2 && y < 2 ? 255 : 0, x > 1 ? 255 : 0, y > 1 ? 255 : 0);
+            }
+        }
+        return picture;
+    }
+
+    private static String text(Picture picture) {
+        StringBuilder text = new StringBuilder();
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                text.append(x > 0 ? " " : y > 0 ? "; " : "");
+                for (int channel = 0; channel < Picture.CHANNELS; ++channel) {
+                    text.append("%02x".formatted(picture.byteAt(x, y, channel)));
+                }
+            }
+        }
+        return text.toString();
+    }
+
+    @Test
+    public void writesEachFormat() {
+        // The luma of red is 4c, of green 96, of blue 1d; their blue chroma 55, 2c, ff, the red ff, 15, 6b.
+        String luma = "4c4c9696 4c4c9696 1d1dffff 1d1dffff";
+        String padded = "4c4c9696eeee 4c4c9696eeee 1d1dffffeeee 1d1dffffeeee";
+        Object[][] rows = {
+            {PixelFormat.NV21, 0, luma + "ff55152c 6bff8080"},
+            {PixelFormat.NV12, 0, luma + "55ff2c15 ff6b8080"},
+            {PixelFormat.YU12, 0, luma + "552c ff80 ff15 6b80"},
+            {PixelFormat.YV12, 0, luma + "ff15 6b80 552c ff80"},
+            {PixelFormat.NV21, 6, padded + "ff55152ceeee 6bff8080eeee"},
+            {PixelFormat.YV12, 6, padded + "ff15ee 6b80ee 552cee ff80ee"},
+            {PixelFormat.R8G8B8A8, 20, "ff0000ff ff0000ff 00ff00ff 00ff00ff eeeeeeee".repeat(2)
+                + "0000ffff 0000ffff ffffffff ffffffff eeeeeeee".repeat(2)},
+        };
+        for (Object[] row : rows) {
+            ImagePlan plan = plan((PixelFormat) row[0], 4, 4, (int) row[1], 0);
+            ByteBuffer wanted = hex((String) row[2]);
+            ByteBuffer to = memory(wanted.capacity());
+            PixelWriter.write(blocks(), plan, to);
+            assertEquals(row[0] + ", stride " + row[1], HexFormat.of().formatHex(wanted.array()),
+                    HexFormat.of().formatHex(to.array()));
+        }
+    }
+
+    @Test
+    public void readsEachFormat() {
+        // Two blocks: luma 64 and 80; blue chroma 80 and 90, red chroma 70 and 80.
+        String luma = "64648080 64648080";
+        String wanted = "4e6f64 4e6f64 807a9c 807a9c";
+        Object[][] rows = {
+            {PixelFormat.NV21, 4, luma + "7080 8090"},
+            {PixelFormat.NV12, 4, luma + "8070 9080"},
+            {PixelFormat.YU12, 4, luma + "8090 7080"},
+            {PixelFormat.YV12, 4, luma + "7080 8090"},
+            {PixelFormat.YU12, 6, "64648080eeee 64648080eeee 8090ee 7080ee"},
+            {PixelFormat.NV12, 8, "64648080eeeeeeee 64648080eeeeeeee 80709080eeeeeeee"},
+        };
+        for (Object[] row : rows) {
+            Picture read = PixelReader.readPicture(
+                    plan((PixelFormat) row[0], 4, 2, (int) row[1], 0), hex((String) row[2]));
+            assertEquals(row[0] + ", stride " + row[1], wanted + "; " + wanted, text(read));
+        }
+        assertEquals("010203 040506; 070809 0a0b0c", text(PixelReader.readPicture(
+                plan(PixelFormat.R8G8B8A8, 2, 2, 12, 0),
+                hex("010203ff 040506ff eeeeeeee 070809ff 0a0b0cff eeeeeeee"))));
+        assertNull("no JPEG", PixelReader.decodeJpeg(new byte[] {1, 2, 3}));
+    }
+
+    @Test
+    public void packsRawSamples() {
+        int[] samples = {0x3FF, 0x001, 0x2A2, 0x1C3, 0x004, 0x155, 0x3A8, 0x20F};
+        Object[][] rows = {
+            // The lower two bits of all four are in the fifth byte, the first sample's lowest.
+            {PixelFormat.MIPI_RAW10, 10, 8, 12, "ff00a870e7 0155ea83c4 eeee"},
+            {PixelFormat.RAW16, 16, 8, 18, "ff030100a202c301 04005501a8030f02 eeee"},
+            {PixelFormat.RAW_SENSOR, 12, 4, 0, "ff030100a202c301 04005501a8030f02"},
+        };
+        for (Object[] row : rows) {
+            int width = (int) row[2];
+            ImagePlan plan = plan((PixelFormat) row[0], width, 8 / width, (int) row[3], (int) row[1]);
+            ByteBuffer wanted = hex((String) row[4]);
+            ByteBuffer to = memory(wanted.capacity());
+            new Mosaic(width, 8 / width, 10, samples).copyTo(PixelWriter.samples(plan, to));
+            assertEquals(row[0].toString(), HexFormat.of().formatHex(wanted.array()),
+                    HexFormat.of().formatHex(to.array()));
+            assertArrayEquals(row[0].toString(), samples, PixelReader.readMosaic(plan, to).samples());
+        }
+        // Samples of 8 bits are the upper ones of ten.
+        ImagePlan narrow = plan(PixelFormat.MIPI_RAW10, 4, 1, 0, 8);
+        ByteBuffer to = memory(5);
+        new Mosaic(4, 1, 8, new int[] {255, 1, 128, 2}).copyTo(PixelWriter.samples(narrow, to));
+        assertArrayEquals(new byte[] {(byte) 255, 1, (byte) 128, 2, 0}, to.array());
+        assertArrayEquals(new int[] {255, 1, 128, 2}, PixelReader.readMosaic(narrow, to).samples());
+        // A row that is written once more keeps nothing of the lower bits before.
+        Arrays.fill(to.array(), (byte) 255);
+        new Mosaic(4, 1, 10, new int[4]).copyTo(PixelWriter.samples(plan(narrow.format(), 4, 1, 0, 10), to));
+        assertArrayEquals(new byte[5], to.array());
+    }
+
+    @Test
+    public void filtersColors() {
+        Picture picture = new Picture(2, 2);
+        for (int i = 0; i < 4; ++i) {
+            picture.set(i % 2, i / 2, 51, 102, 204);
+        }
+        Mosaic mosaic = Mosaic.of(picture, 10);
+        assertArrayEquals("RGGB", new int[] {205, 409, 409, 818}, mosaic.samples());
+        assertEquals(1023, mosaic.white());
+        assertEquals("3366cc 3366cc; 3366cc 3366cc", text(Demosaic.of(mosaic)));
+        // What a sample lacks is the mean around it; a mosaic of one row has no blue.
+        assertEquals("ff1400 aa1400 551400",
+                text(Demosaic.of(new Mosaic(3, 1, 8, new int[] {255, 20, 85}))));
+    }
+
+    @Test
+    public void measuresNoise() {
+        Picture black = new Picture(10, 10);
+        Picture one = new Picture(10, 10);
+        one.set(3, 4, 255, 255, 255);
+        Mosaic dark = new Mosaic(10, 10, 10, new int[100]);
+        Mosaic raw = new Mosaic(10, 10, 10, new int[100]);
+        raw.samples()[7] = 1023;
+        Object[][] rows = {
+            {"one pixel of a hundred", 20.0, Psnr.ofLuma(black, one)},
+            {"one sample of a hundred", 20.0, Psnr.ofMosaic(dark, raw)},
+            {"equal", Double.POSITIVE_INFINITY, Psnr.ofLuma(one, one)},
+            {"equal samples", Double.POSITIVE_INFINITY, Psnr.ofMosaic(raw, raw)},
+            {"wider", Double.NaN, Psnr.ofLuma(black, new Picture(11, 10))},
+            {"taller", Double.NaN, Psnr.ofLuma(black, new Picture(10, 11))},
+            {"taller samples", Double.NaN, Psnr.ofMosaic(dark, new Mosaic(10, 11, 10, new int[110]))},
+        };
+        for (Object[] row : rows) {
+            assertEquals((String) row[0], (double) row[1], (double) row[2], 1e-4);
+        }
+    }
+
+    @Test
+    public void changesPictures() {
+        Picture point = new Picture(9, 9);
+        point.set(4, 4, 200, 100, 50);
+        Picture blurred = point.blurred(1);
+        // 0.399 * 0.399 of the value stays; as much goes to the left as to the right, and up as down.
+        assertEquals("201008", text(blurred.crop(4, 4, 1, 1)));
+        assertEquals(text(blurred.crop(3, 4, 1, 1)), text(blurred.crop(5, 4, 1, 1)));
+        assertEquals(text(blurred.crop(4, 2, 1, 1)), text(blurred.crop(4, 6, 1, 1)));
+        Picture even = new Picture(3, 3);
+        for (int i = 0; i < 9; ++i) {
+            even.set(i % 3, i / 3, 90, 300, -5);
+        }
+        assertEquals("edges go on outside", "5aff00", text(even.blurred(2).crop(0, 2, 1, 1)));
+        assertEquals("b4ff00", text(even.brightened(2).crop(1, 1, 1, 1)));
+        Picture grey = new Picture(64, 64);
+        Picture noisy = grey.brightened(1);
+        for (int i = 0; i < 64 * 64; ++i) {
+            noisy.set(i % 64, i / 64, 128, 128, 128);
+        }
+        // Noise of deviation 8 on each channel is 8 * sqrt(0.299^2 + 0.587^2 + 0.114^2) = 5.35 in luma.
+        assertEquals(33.6, Psnr.ofLuma(noisy, noisy.withNoise(8, new Random(1))), 0.3);
+        assertEquals(text(noisy.withNoise(8, new Random(7))), text(noisy.withNoise(8, new Random(7))));
+    }
+
+    @Test
+    public void takesPicturesOfAnyDepth() {
+        BufferedImage grey = new BufferedImage(2, 1, BufferedImage.TYPE_USHORT_GRAY);
+        grey.getRaster().setSample(0, 0, 0, 0x8080);
+        grey.getRaster().setSample(1, 0, 0, 0xFFFF);
+        assertEquals("gray is no linear light", "808080 ffffff", text(Picture.of(grey)));
+        BufferedImage bits = new BufferedImage(2, 1, BufferedImage.TYPE_BYTE_BINARY);
+        bits.setRGB(1, 0, 0xFFFFFF);
+        assertEquals("000000 ffffff", text(Picture.of(bits)));
+        BufferedImage colors = new BufferedImage(1, 1, BufferedImage.TYPE_3BYTE_BGR);
+        colors.setRGB(0, 0, 0x112233);
+        assertEquals("112233", text(Picture.of(colors)));
+        assertEquals(0x112233, Picture.of(colors).toImage().getRGB(0, 0) & 0xFFFFFF);
+    }
+}
