@@ -52,7 +52,7 @@ std::string copyMemory(int fd, uint64_t size, int file) {
         mmap(nullptr, static_cast<size_t>(window), PROT_READ, MAP_SHARED, fd, static_cast<off_t>(done));
     if (memory == MAP_FAILED) return "can't be mapped: " + errorText();
     const bool isWritten = writeAll(file, static_cast<const uint8_t*>(memory), window);
-    const std::string problem = isWritten ? "" : "can't be written: " + errorText();
+    std::string problem = isWritten ? "" : "can't be written: " + errorText();
     munmap(memory, static_cast<size_t>(window));
     if (!isWritten) return problem;
     done += window;
