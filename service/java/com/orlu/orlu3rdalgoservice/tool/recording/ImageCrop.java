@@ -66,7 +66,10 @@ final class ImageCrop {
         int[] newStrides = strides.clone();
         newStrides[0] = newStride;
         // A first plane may end with its last row's pixels, or have rows of padding.
-        if (newSizes.length > 0 && sizes[0] > 0 && sizes[0] < mSize) {
+        // All the memory is one plane only where there are no others.
+        boolean isPlane = sizes.length > 0 && sizes[0] > 0
+                && sizes[0] <= (mFormat.isYuv() ? mSize - 1 : mSize);
+        if (isPlane) {
             newEnd += sizes[0] - end;
             end = sizes[0];
         }

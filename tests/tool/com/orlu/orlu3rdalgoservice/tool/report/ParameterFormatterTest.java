@@ -138,8 +138,8 @@ public final class ParameterFormatterTest {
                 .putDouble(96, -122.25).putDouble(104, 30).putLong(112, 1_700_000_000_000L);
         String begin = "exposure 10000000000 ns, ISO %s, aperture 1.8, sensitivity 5, zoom 2, "
                 + "focal length 5.4 mm, in 35 mm %s, flash mode 10, flash state %s, AWB mode 12, "
-                + "scene mode 13, AE mode 14, AE compensation 15 steps of 34/35, filter 16 intensity 0.25 mask 18, "
-                + "timestamp 77, location %s";
+                + "scene mode 13, AE mode 14, AE compensation 15 steps of 34/35, filter 16 intensity 0.25 "
+                + "mask 18, timestamp 77, location %s";
         // The offsets of the flags, and what each of them hides.
         Object[][] rows = {
             {-1, "2", "26.5", "33", "47.5, -122.25, altitude 30, time 1700000000000"},

@@ -1,0 +1,39 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import static org.junit.Assert.assertEquals;
+
+import org.junit.Test;
+
+import java.util.List;
+
+/** Which known word a mistyped one is met with. */
+public final class NearestWordTest {
+    private static final List<String> WORDS = List.of("inputs", "outputs", "frames", "fullAsync", "id",
+            "android.sensor.timestamp", "android.sensor.exposureTime", "orlu.control.currentModeEx", "bits");
+
+    @Test
+    public void meetsMistypedWords() {
+        String[][] rows = {
+            // Left out, put in, changed, swapped; capitals count for nothing.
+            {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
+            {"FRAMES", "frames"}, {"fullasync", "fullAsync"}, {"farmes", "frames"}, {"Ipnuts", "inputs"},
+            // A third of the letters may be wrong, but none of two.
+            {"frxxes", "frames"}, {"fxxxes", null}, {"ix", null}, {"ID", "id"}, {"bist", "bits"},
+            {"btsi", null},
+            // The beginning of a word, of three letters at least.
+            {"ful", "fullAsync"}, {"fu", null}, {"outp", "outputs"},
+            // A tag without its section, or with another.
+            {"timestamp", "android.sensor.timestamp"}, {"timestmap", "android.sensor.timestamp"},
+            {"android.lens.exposureTime", "android.sensor.exposureTime"},
+            {"orlu.control.curentModeEx", "orlu.control.currentModeEx"},
+            {"currentMode", "orlu.control.currentModeEx"},
+            {"", null}, {"x".repeat(101), null}, {"something else", null},
+        };
+        for (String[] row : rows) {
+            assertEquals(row[0], row[1], NearestWord.of(row[0], WORDS));
+        }
+        assertEquals("the first of two as near", "bat", NearestWord.of("bxt", List.of("bat", "bit")));
+        assertEquals(" (did you mean bits?)", NearestWord.question("bit", WORDS));
+        assertEquals("", NearestWord.question("nothing", WORDS));
+    }
+}
