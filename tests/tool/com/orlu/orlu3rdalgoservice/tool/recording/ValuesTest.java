@@ -61,7 +61,7 @@ public final class ValuesTest {
         String word = "x".repeat(54);
         // A line of 110 columns stays whole; the word that passes it goes below, and a longer one is not cut.
         String[][] rows = {
-            {word + " " + word + "x", "  " + word + "\n      " + word + "x\n"},
+            {word + " " + word, "  " + word + "\n      " + word + "\n"},
             {word + " " + "y".repeat(53), "  " + word + " " + "y".repeat(53) + "\n"},
             {"a " + "y".repeat(200) + " b", "  a\n      " + "y".repeat(200) + "\n      b\n"},
         };

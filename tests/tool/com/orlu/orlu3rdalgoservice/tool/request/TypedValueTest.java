@@ -2,6 +2,10 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 
 import static org.junit.Assert.assertEquals;
 
+import android.graphics.Rect;
+import android.hardware.camera2.params.Face;
+import android.hardware.camera2.params.MeteringRectangle;
+
 import com.google.gson.JsonParser;
 
 import org.junit.Test;
@@ -19,11 +23,25 @@ public final class TypedValueTest {
         if (value.getClass().isArray()) {
             StringJoiner parts = new StringJoiner(" ", value.getClass().getSimpleName() + " ", "");
             for (int i = 0; i < Array.getLength(value); ++i) {
-                parts.add(String.valueOf(Array.get(value, i)));
+                parts.add(element(Array.get(value, i)));
             }
             return parts.toString();
         }
+        if (value instanceof Rect) {
+            return "Rect " + element(value);
+        }
         return value.getClass().getSimpleName() + " " + value;
+    }
+
+    private static String element(Object value) {
+        if (value instanceof Face face) {
+            return element(face.getBounds()) + "/" + face.getScore();
+        }
+        if (value instanceof MeteringRectangle region) {
+            return element(region.getRect()) + "/" + region.getMeteringWeight();
+        }
+        return value instanceof Rect rect
+                ? "%d,%d,%d,%d".formatted(rect.left, rect.top, rect.right, rect.bottom) : "" + value;
     }
 
     private static String read(String json) {
@@ -64,6 +82,14 @@ public final class TypedValueTest {
             {"{bytes: {size: 1048577}}", "refused"}, {"{bytes: {size: 4, parts: [{hex: '01'}]}}", "refused"},
             {"{bytes: {int8: 1, int16: 1}}", "refused"}, {"{bytes: {int9: 1}}", "refused"},
             {"{int: 1, long: 1}", "refused"}, {"{word: 1}", "refused"}, {"5", "refused"},
+            {"{rect: [1, 2, 3, 4]}", "Rect 1,2,3,4"},
+            {"{rect: {left: 1, top: 2, right: 3, bottom: 4}}", "Rect 1,2,3,4"},
+            // A face that names no score is a sure one, an area without weight counts most.
+            {"{faces: [[1, 2, 3, 4], {left: 1, top: 2, right: 3, bottom: 4, score: 7}]}",
+                "Face[] 1,2,3,4/100 1,2,3,4/7"},
+            {"{faces: [{left: 1, top: 2, right: 3, bottom: 4, score: 101}]}", "refused"},
+            {"{regions: [{left: 1, top: 2, right: 3, bottom: 4}]}", "MeteringRectangle[] 1,2,3,4/1000"},
+            {"{regions: [{left: 1, top: 2, right: 3, bottom: 4, weight: 1001}]}", "refused"},
             {"{location: {latitude: 91, longitude: 0}}", "refused"},
             {"{location: {latitude: 0, longitude: -181}}", "refused"},
             {"{location: {latitude: 0}}", "refused"}, {"{rect: [1, 2, 3]}", "refused"},
