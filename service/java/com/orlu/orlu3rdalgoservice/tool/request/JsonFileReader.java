@@ -34,17 +34,21 @@ final class JsonFileReader {
     private static final int MAX_DEPTH = 64;
     private static final int LONGEST_NUMBER = 400;
     private static final int MAX_EXPONENT = 400;
+    /** So many commas too many are passed over. */
+    private static final int MOST_COMMAS = 100;
 
     private final Mistakes mMistakes;
     private final String mText;
     private final JsonParser mParser;
+    private final int mCommas;
     private int mValues;
 
-    private JsonFileReader(String text, Mistakes mistakes) throws IOException {
+    private JsonFileReader(String text, Mistakes mistakes, int commas) throws IOException {
         JsonFactory factory = new JsonFactoryBuilder().enable(JsonReadFeature.ALLOW_JAVA_COMMENTS)
                 .disable(JsonFactory.Feature.INTERN_FIELD_NAMES).build();
         mMistakes = mistakes;
         mText = text;
+        mCommas = commas;
         mParser = factory.createParser(text);
     }
 
@@ -60,7 +64,7 @@ final class JsonFileReader {
                 return null;
             }
             String text = decoded(bytes, mistakes);
-            return text == null ? null : new JsonFileReader(text, mistakes).document();
+            return text == null ? null : new JsonFileReader(text, mistakes, 0).document();
         } catch (NoSuchFileException e) {
             mistakes.add(0, 0, "", "no such file" + NearestWord.questionOnFile(path));
         } catch (IOException e) {
@@ -102,8 +106,15 @@ final class JsonFileReader {
             mMistakes.add(e.getLocation().getLineNr(),
                     Math.max(1, e.getLocation().getColumnNr() - hint.charactersBack()), "",
                     "not JSON: " + hint.problem());
-            return null;
+            return hint.comma() < 0 || mCommas == MOST_COMMAS ? null
+                    : new JsonFileReader(without(hint.comma()), mMistakes, mCommas + 1).document();
         }
+    }
+
+    // A comma too many is the mistake that editing makes most: with a blank for it, everything keeps its
+    // place, and the others are found too.
+    private String without(int comma) {
+        return mText.substring(0, comma) + ' ' + mText.substring(comma + 1);
     }
 
     private void add(JsonLocation at, String problem) {

@@ -13,8 +13,9 @@ import java.util.regex.Pattern;
  *
  * @param problem        in words
  * @param charactersBack how far before the parser's own place it begins
+ * @param comma          where the one comma is in the text without which there is no mistake; -1 for none
  */
-record SyntaxHint(String problem, int charactersBack) {
+record SyntaxHint(String problem, int charactersBack, int comma) {
     private static final Pattern CHARACTER =
             Pattern.compile("Unexpected character \\('(.)' \\(code", Pattern.DOTALL);
     private static final Pattern WORD = Pattern.compile("(?:Unrecognized|Non-standard) token '([^']*)'");
@@ -22,6 +23,10 @@ record SyntaxHint(String problem, int charactersBack) {
     private static final Map<String, String> WORDS = Map.of("True", "true", "TRUE", "true", "False", "false",
             "FALSE", "false", "None", "null", "NULL", "null", "nil", "null", "undefined", "null",
             "NaN", "\"NaN\"", "Infinity", "\"Infinity\"");
+
+    private SyntaxHint(String problem, int charactersBack) {
+        this(problem, charactersBack, -1);
+    }
 
     static SyntaxHint of(JsonParseException e, String text) {
         String message = e.getOriginalMessage();
@@ -33,8 +38,10 @@ record SyntaxHint(String problem, int charactersBack) {
         Matcher character = CHARACTER.matcher(message);
         if (character.find()) {
             String found = character.group(1);
-            return new SyntaxHint("unexpected '" + found + "'" + ofCharacter(found, message, text, at),
-                    back(text, found, at));
+            int back = back(text, found, at);
+            int comma = "}]".contains(found) ? commaBefore(text, at - back) : -1;
+            return new SyntaxHint("unexpected '" + found + "'" + ofCharacter(found, message, comma), back,
+                    comma);
         }
         Matcher word = WORD.matcher(message);
         if (word.find()) {
@@ -56,9 +63,9 @@ record SyntaxHint(String problem, int charactersBack) {
         return from < 0 ? 0 : at - from;
     }
 
-    private static String ofCharacter(String found, String message, String text, int at) {
+    private static String ofCharacter(String found, String message, int comma) {
         return switch (found) {
-            case "}", "]" -> isAfterComma(text, at) ? "; the comma before it is one too many" : "";
+            case "}", "]" -> comma >= 0 ? "; the comma before it is one too many" : "";
             case "'" -> "; texts need double quotes";
             case "#" -> "; comments begin with //";
             case ".", "+" -> "; a number begins with a digit or a minus";
@@ -68,11 +75,11 @@ record SyntaxHint(String problem, int charactersBack) {
         };
     }
 
-    private static boolean isAfterComma(String text, int at) {
-        int before = Math.min(at, text.length() - 1);
-        while (before >= 0 && " \t\r\n}]".indexOf(text.charAt(before)) >= 0) {
+    private static int commaBefore(String text, int at) {
+        int before = at - 1;
+        while (before >= 0 && " \t\r\n".indexOf(text.charAt(before)) >= 0) {
             --before;
         }
-        return before >= 0 && text.charAt(before) == ',';
+        return before >= 0 && text.charAt(before) == ',' ? before : -1;
     }
 }
