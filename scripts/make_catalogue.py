@@ -218,6 +218,8 @@ def asked_tags(report):
 def found(samples, tags):
     """All rows, and the tags that were asked for."""
     rows, asked = set(), set()
+    # What is to be built is built before several runs at once would.
+    subprocess.run([ROOT / "run", "--check"], stdout=subprocess.DEVNULL, check=True)
     with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         runs = list(requests(samples))
         results = pool.map(lambda each: run(Path(name), *each), runs)
