@@ -76,15 +76,15 @@ public final class PageFolder {
         JsonObject data = new PageData(report, exhibits, source).json();
         data.addProperty("hasIndex", mHasIndex);
         JsonObject trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
-        TimelinePart part = new TimelinePart(trace, timeline.origin());
+        RequestTimeline own = new RequestTimeline(trace, timeline.origin());
         if (exhibits == null) {
-            part.from(mEnd);
+            own.from(mEnd);
         } else {
-            part.ofLastRequest();
+            own.ofLastRequest();
         }
-        data.add("trace", part.events());
-        data.addProperty("start", part.start());
-        data.add("log", LogLines.between(mSources.log(), part.start(), part.end()));
+        data.add("trace", own.events());
+        data.addProperty("start", own.start());
+        data.add("log", LogLines.between(mSources.log(), own.start(), own.end()));
         // The index has a name of its own.
         String name = report.name.equals("index") ? "index-request" : report.name;
         Path file = mFolder.resolve(name + ".html");

@@ -4,8 +4,8 @@ import com.google.gson.JsonArray;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
-/** The part of a run's timeline, in the JSON trace format, that belongs to one request. */
-final class TimelinePart {
+/** What of the timeline of a run, in the JSON trace format, belongs to one request. */
+final class RequestTimeline {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
     private final JsonArray mEvents;
@@ -14,7 +14,7 @@ final class TimelinePart {
     private double mEnd = Double.MAX_VALUE;
 
     /** The origin is the time that the trace's times count from, by System.nanoTime(). */
-    TimelinePart(JsonObject trace, long origin) {
+    RequestTimeline(JsonObject trace, long origin) {
         mEvents = trace.getAsJsonArray("traceEvents");
         mOrigin = origin;
     }
@@ -46,9 +46,9 @@ final class TimelinePart {
                 : mOrigin + (long) (mEnd * NANOSECONDS_PER_MICROSECOND);
     }
 
-    /** Names of lanes, slices and arrows; times are microseconds from the start of this part. */
+    /** Names of lanes, slices and arrows; times are microseconds from the first one. */
     JsonArray events() {
-        JsonArray part = new JsonArray();
+        JsonArray own = new JsonArray();
         for (JsonElement element : mEvents) {
             JsonObject event = element.getAsJsonObject().deepCopy();
             if (event.has("ts")) {
@@ -59,8 +59,8 @@ final class TimelinePart {
                 event.addProperty("ts", Math.round(1000 * (time - mStart)) / 1000.0);
             }
             event.remove("pid");
-            part.add(event);
+            own.add(event);
         }
-        return part;
+        return own;
     }
 }
