@@ -14,6 +14,9 @@ from pathlib import Path
 
 # Differ from run to run: times and numbers; addresses. How many frames a call came through is the compiler's choice.
 OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine", "pointerBits", "probe")
+# Of written pixels also: their file is named after the process, and a JPEG says in which second it was made.
+# ./run diff compares the pixels themselves.
+OF_THE_PIXELS = ("file", "crc")
 
 
 def read(file):
@@ -27,7 +30,8 @@ def read(file):
 
 
 def plain(event):
-    event = {field: value for field, value in event.items() if field not in OF_THE_RUN}
+    left_out = OF_THE_RUN + (OF_THE_PIXELS if event["event"] == "pixels" else ())
+    event = {field: value for field, value in event.items() if field not in left_out}
     for image in event.get("inputs", []) + event.get("outputs", []):
         image["planes"] = [int(plane, 16) != 0 for plane in image["planes"]]
         image["fds"] = len(image["fds"])
