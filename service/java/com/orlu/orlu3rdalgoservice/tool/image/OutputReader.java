@@ -8,6 +8,9 @@ import java.nio.ByteBuffer;
 
 /** What an image holds after a request, read by the description that the native side left. */
 public final class OutputReader {
+    /** Of this many pixels a row's bytes can still be counted. */
+    private static final int LARGEST_SIDE = 1 << 28;
+
     private final ImageBuffer mImage;
     private byte[] mJpeg;
     private Mosaic mMosaic;
@@ -63,7 +66,7 @@ public final class OutputReader {
     /** Why there is nothing, empty when there is something. */
     public String problem() {
         boolean isEmptyJpeg = mImage.descriptor().mFormat.equals(PixelFormat.JPEG.name())
-                && mImage.descriptor().mPlaneSizes[0] == 0;
+                && firstPlaneSize() == 0;
         if (mUntouched) {
             return "untouched (all its bytes are 0)" + (isEmptyJpeg ? " and of size 0" : "");
         }
@@ -78,21 +81,41 @@ public final class OutputReader {
             format = mImage.plan().format();
         }
         if (format == PixelFormat.JPEG) {
-            readJpeg(image.mPlaneSizes[0]);
+            readJpeg(firstPlaneSize());
+            return;
+        }
+        mProblem = problemOf(format, image);
+        if (!mProblem.isEmpty()) {
             return;
         }
         ImagePlan old = mImage.plan();
         ImagePlan plan = new ImagePlan(format, image.mFormat, old.hardware(), image.mWidth, image.mHeight,
                 image.mRowStrides[0], 0, old.bits(), 0, old.file(), old.place());
         if (!PixelReader.fits(plan, mImage.bytes().capacity())) {
-            mProblem = image.mWidth < 1 || image.mHeight < 1
-                    ? "described as " + image.mWidth + "x" + image.mHeight
-                    : "described as larger than its memory";
+            mProblem = "described as larger than its memory";
         } else if (format.isRaw()) {
             mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
         } else {
             mPicture = PixelReader.readPicture(plan, mImage.bytes());
         }
+    }
+
+    private int firstPlaneSize() {
+        int[] sizes = mImage.descriptor().mPlaneSizes;
+        return sizes == null || sizes.length == 0 ? 0 : sizes[0];
+    }
+
+    /** Why no pixels can be read by this description, whatever its memory; empty when they can. */
+    static String problemOf(PixelFormat format, VImageIPC image) {
+        if (image.mWidth < 1 || image.mHeight < 1 || image.mWidth > LARGEST_SIDE) {
+            return "described as " + image.mWidth + "x" + image.mHeight;
+        }
+        if (image.mRowStrides == null || image.mRowStrides.length == 0) {
+            return "described without a row stride";
+        }
+        int row = format.tightStride(image.mWidth);
+        return image.mRowStrides[0] >= row ? "" : "described with rows of " + image.mRowStrides[0]
+                + " bytes, of which " + image.mWidth + " pixels need " + row;
     }
 
     private void readJpeg(int size) {

@@ -1,0 +1,32 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import static org.junit.Assert.assertEquals;
+
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import org.junit.Test;
+
+/** Which descriptions that an algorithm library leaves are not read by. */
+public final class OutputReaderTest {
+    @Test
+    public void refusesRowsThatHoldNoPixels() {
+        Object[][] rows = {
+            {PixelFormat.NV21, 8, 8, ""},
+            {PixelFormat.NV21, 8, 12, ""},
+            {PixelFormat.NV21, 8, 0, "described with rows of 0 bytes, of which 8 pixels need 8"},
+            {PixelFormat.NV21, 8, -8, "described with rows of -8 bytes, of which 8 pixels need 8"},
+            {PixelFormat.RAW16, 8, 8, "described with rows of 8 bytes, of which 8 pixels need 16"},
+            {PixelFormat.MIPI_RAW10, 6, 8, "described with rows of 8 bytes, of which 6 pixels need 10"},
+            {PixelFormat.R8G8B8A8, 1 << 30, 8, "described as 1073741824x2"},
+            {PixelFormat.NV21, 8, null, "described without a row stride"},
+        };
+        for (Object[] row : rows) {
+            VImageIPC image = new VImageIPC();
+            image.mWidth = (int) row[1];
+            image.mHeight = 2;
+            image.mRowStrides = row[2] == null ? new int[0] : new int[] {(int) row[2]};
+            assertEquals(row[3], OutputReader.problemOf((PixelFormat) row[0], image));
+        }
+    }
+}
