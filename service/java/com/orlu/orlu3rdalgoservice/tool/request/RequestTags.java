@@ -14,8 +14,10 @@ public final class RequestTags {
         Mistakes mistakes = new Mistakes("");
         try {
             JsonField field = new JsonField(mistakes, "", JsonTree.withPlaces(value));
-            new CameraMetadataNative().set(tag, TagValues.ofTag(tag, field, 0));
+            Object read = TagValues.ofTag(tag, field, 0);
+            // What is wrong with an element says more than that the tag does not take the rest.
             mistakes.throwFirst();
+            new CameraMetadataNative().set(tag, read);
             return null;
         } catch (RequestFileException e) {
             // The field and the file are the caller's.
