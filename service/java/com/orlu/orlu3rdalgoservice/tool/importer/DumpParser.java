@@ -21,6 +21,8 @@ final class DumpParser {
     private final Notes mNotes;
     private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
     private List<DumpEntry> mBuffer;
+    /** Whose values the next lines hold; null behind text that is no entry. */
+    private DumpEntry mEntry;
     private int mBufferLine;
     private int mAnnounced = -1;
 
@@ -39,12 +41,16 @@ final class DumpParser {
                 if (mBuffer == null) {
                     begin("", i + 1);
                 }
-                mBuffer.add(new DumpEntry(i + 1, entry.group(1), entry.group(2), entry.group(3),
-                        Long.parseLong(entry.group(4)), new ArrayList<>()));
-            } else if (line.strip().startsWith("[") && mBuffer != null && !mBuffer.isEmpty()) {
-                addValues(mBuffer.get(mBuffer.size() - 1), line.strip(), i + 1);
-            } else if (mBuffer != null && CUT_ENTRY.matcher(line).matches()) {
-                mNotes.add("line " + (i + 1), "no entry, dropped: " + line.strip());
+                mEntry = new DumpEntry(i + 1, entry.group(1), entry.group(2), entry.group(3),
+                        Long.parseLong(entry.group(4)), new ArrayList<>());
+                mBuffer.add(mEntry);
+            } else if (line.strip().startsWith("[") && mEntry != null) {
+                addValues(mEntry, line.strip(), i + 1);
+            } else if (!line.isBlank()) {
+                mEntry = null;
+                if (mBuffer != null && CUT_ENTRY.matcher(line).matches()) {
+                    mNotes.add("line " + (i + 1), "no entry, dropped: " + line.strip());
+                }
             }
         }
         end();
@@ -70,6 +76,7 @@ final class DumpParser {
                     + mBuffer.size());
         }
         mBuffer = null;
+        mEntry = null;
         mAnnounced = -1;
     }
 

@@ -21,6 +21,7 @@ import java.util.Map;
  * Java's.
  */
 final class DumpTags {
+    private static final int UNSIGNED_MOST = 255;
     private static final String FACE_RECTANGLES = "android.statistics.faceRectangles";
     private static final String FACE_SCORES = "android.statistics.faceScores";
     private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
@@ -100,7 +101,7 @@ final class DumpTags {
             case BYTES -> new JsonPrimitive(HexFormat.of().formatHex(bytes(entry)));
             case RECT -> {
                 int[] edges = groups(entry, 4)[0];
-                yield array(List.of(edges[0], edges[1], edges[0] + edges[2], edges[1] + edges[3]));
+                yield array(List.of(edges[0], edges[1], edge(edges[0], edges[2]), edge(edges[1], edges[3])));
             }
             case METERING_RECTANGLES -> {
                 JsonArray regions = new JsonArray();
@@ -146,7 +147,8 @@ final class DumpTags {
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
             throw new DamagedValueException("no number and no known name: " + text);
         }
-        return new JsonPrimitive(new BigDecimal(text));
+        return entry.type().equals("byte") ? new JsonPrimitive(byteOf(entry, text))
+                : new JsonPrimitive(new BigDecimal(text));
     }
 
     private static int integer(DumpEntry entry, String text) throws DamagedValueException {
@@ -155,6 +157,23 @@ final class DumpTags {
         } catch (NumberFormatException e) {
             throw new DamagedValueException("no " + entry.type() + ": " + text);
         }
+    }
+
+    // Bytes are printed without a sign, or with one.
+    private static int byteOf(DumpEntry entry, String text) throws DamagedValueException {
+        int value = integer(entry, text);
+        if (value < Byte.MIN_VALUE || value > UNSIGNED_MOST) {
+            throw new DamagedValueException("no byte: " + text);
+        }
+        return value;
+    }
+
+    private static int edge(int start, int size) throws DamagedValueException {
+        long edge = (long) start + size;
+        if (edge != (int) edge) {
+            throw new DamagedValueException("no int32: an edge of " + edge);
+        }
+        return (int) edge;
     }
 
     private static BigDecimal milliseconds(DumpEntry seconds) throws DamagedValueException {
@@ -168,7 +187,7 @@ final class DumpTags {
     private static byte[] bytes(DumpEntry entry) throws DamagedValueException {
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
         for (String value : entry.values()) {
-            bytes.write(integer(entry, value));
+            bytes.write(byteOf(entry, value));
         }
         return bytes.toByteArray();
     }

@@ -16,7 +16,10 @@ final class ImportedFrame {
     void put(String tag, JsonElement value, String place, Notes notes) {
         String problem = RequestTags.problemOf(tag, value);
         if (problem == null) {
-            mTags.put(tag, value);
+            JsonElement before = mTags.put(tag, value);
+            if (before != null && !before.equals(value)) {
+                notes.add(place, tag + " is there again: " + before + " dropped");
+            }
         } else {
             notes.add(place, tag + " dropped, " + problem);
         }

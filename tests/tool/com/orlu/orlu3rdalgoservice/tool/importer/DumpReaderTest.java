@@ -1,0 +1,43 @@
+package com.orlu.orlu3rdalgoservice.tool.importer;
+
+import static org.junit.Assert.assertEquals;
+
+import org.junit.Test;
+
+import java.nio.file.Path;
+import java.util.List;
+
+/** What a frame gets of one entry of a dump, and which values are damaged. */
+public final class DumpReaderTest {
+    @Test
+    public void takesAnEntryOrSaysWhyNot() {
+        String sizes = "android.scaler.cropRegion (d0000): int32[4]";
+        String gain = "android.sensor.sensitivity (e0002): int32[1]";
+        String bytes = "orlu.feedback.sensor_pdaf_info (1): byte[2]";
+        String[][] rows = {
+            {bytes, "[255 0 ]", "\"ff00\"", ""},
+            {bytes, "[-1 -128 ]", "\"ff80\"", ""},
+            {bytes, "[256 0 ]", null, "line 1: T dropped, no byte: 256"},
+            {bytes, "[-129 0 ]", null, "line 1: T dropped, no byte: -129"},
+            {"orlu.control.localtime (1): byte[2]", "[305 0 ]", null, "line 1: T dropped, no byte: 305"},
+            {"android.control.aeMode (1): byte[1]", "[300 ]", null, "line 1: T dropped, no byte: 300"},
+            {sizes, "[1 2 3 4 ]", "[1,2,4,6]", ""},
+            {sizes, "[2147483647 0 1 1 ]", null,
+                "line 1: T dropped, no int32: an edge of 2147483648"},
+            {gain, "[100 ]\n" + gain + "\n[100 ]\n" + gain + "\n[200 ]", "200",
+                "line 5: T is there again: 100 dropped"},
+            {gain, "[100 ]\nandroid.lens.aperture (8): float[99999999999]\n[1.0 ]", "100",
+                "line 3: no entry, dropped: android.lens.aperture (8): float[99999999999]"},
+            {gain, "[100 ]\n== Events\n[1] opened", "100", ""},
+        };
+        for (String[] row : rows) {
+            Notes notes = new Notes();
+            notes.begin(Path.of("a"));
+            String tag = row[0].split(" ")[0];
+            List<ImportedFrame> frames = new DumpReader(notes).frames((row[0] + "\n" + row[1]).lines().toList());
+            assertEquals(row[1], String.valueOf(row[2]), String.valueOf(frames.get(0).tags().get(tag)));
+            assertEquals(row[1], row[3], String.join("\n", notes.lines()).replace(tag, "T")
+                    .replace("a: ", ""));
+        }
+    }
+}
