@@ -123,12 +123,24 @@ def reads_suite():
         "captureResults[0]: android.control.aeLock dropped, unknown tag",
         'captureResults[0]: android.jpeg.gpsLocation dropped, needs an object, found "Location[gps 48.25]"',
         'captureResults[1]: android.sensor.sensitivity dropped, needs a number, found "high"',
+        "captureResults[1]: android.control.aeRegions dropped, needs a whole number from -2147483648 to "
+        "2147483647, found 2147483648",
         "captureResults[2]: dropped, it is no object of tags",
         "outputs[2]: dropped, it needs a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
         "captureRequest: not taken: it is no result",
         "odd.raw: dropped: no output of a JSON file has its 383 bytes"],
         [line.split("suite.json: ")[-1] for line in lines[:-1]])
     expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)
+
+
+def takes_pictures_by_name_and_size():
+    """Pictures of one size are told apart by their names, also when one of them is not there."""
+    outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
+    for given in ((), ("two.raw",)):
+        Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
+        Path("two.raw").write_bytes(bytes(384))
+        shot, lines = imported("two.json", *given)
+        expect(f"two outputs of a size {lines}", ["RAW16"], [image["format"] for image in shot["inputs"]])
 
 
 def reads_exif():
@@ -168,7 +180,14 @@ def survives_damage():
            cut_dump_notes())
     for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
                             ((FORMS / "dump.txt",),
-                             "needs --out FILE; see ./run import --help")):
+                             "needs --out FILE; see ./run import --help"),
+                            (("cut.txt", "--out", "cut.txt"),
+                             "--out would write over what is imported: cut.txt"),
+                            (("cut.txt", "--out", "made"), "--out: needs a file, found a folder: made"),
+                            (("cut.txt", "--out", "cut.txt/a.json"),
+                             f"--out: no folder can be made here: {Path.cwd()}/cut.txt"),
+                            (("made", "--out", "a.json"),
+                             "needs a file with bytes to read, found another kind: made")):
         done = run("import", *arguments)
         expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
 
@@ -182,7 +201,7 @@ def cut_dump_notes():
 
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
-    for case in (reads_dump, reads_suite, reads_exif, survives_damage):
+    for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif, survives_damage):
         case()
 print("\n".join(failures) or "All passed")
 sys.exit(bool(failures))

@@ -43,20 +43,42 @@ public final class ImportCommand extends Command {
     public int run(ParseResult line) throws RequestFileException, IOException {
         List<Path> files = line.matchedPositionalValue(0, List.of());
         Path photo = line.matchedOptionValue("--photo", null);
+        Path out = line.matchedOptionValue("--out", null);
+        if (Files.isDirectory(out)) {
+            throw new IllegalArgumentException("--out: needs a file, found a folder: " + out);
+        }
         for (Path file : files) {
-            needFile(file);
+            needFile(file, out);
         }
         if (photo != null) {
-            needFile(photo);
+            needFile(photo, out);
         }
-        write(files, line.matchedOptionValue("--out", null), photo,
-                line.matchedOptionValue("--algorithms", List.of()), System.out);
+        write(files, out, photo, line.matchedOptionValue("--algorithms", List.of()), System.out);
         return Verdict.OK;
     }
 
-    private static void needFile(Path file) {
+    private static void needFile(Path file, Path out) throws IOException {
         if (!Files.isRegularFile(file)) {
-            throw new IllegalArgumentException("no such file: " + file);
+            throw new IllegalArgumentException(
+                    (Files.exists(file) ? "needs a file with bytes to read, found another kind: "
+                            : "no such file: ") + file);
+        }
+        if (!Files.isReadable(file)) {
+            throw new IllegalArgumentException("can't be read: " + file);
+        }
+        if (Files.exists(out) && Files.isSameFile(file, out)) {
+            throw new IllegalArgumentException("--out would write over what is imported: " + out);
+        }
+    }
+
+    private static void makeFolder(Path folder) {
+        try {
+            Files.createDirectories(folder);
+        } catch (IOException e) {
+            throw new IllegalArgumentException("--out: no folder can be made here: " + folder, e);
+        }
+        if (!Files.isWritable(folder)) {
+            throw new IllegalArgumentException("--out: can't write into the folder " + folder);
         }
     }
 
@@ -66,7 +88,7 @@ public final class ImportCommand extends Command {
         Importer importer = new Importer(notes);
         importer.read(files);
         Path folder = out.toAbsolutePath().getParent();
-        Files.createDirectories(folder);
+        makeFolder(folder);
         // It is read as ./run will read it, before it takes its place.
         String text = new RequestWriter(folder, importer).text(files, algorithms, photo);
         Path trial = Files.createTempFile(folder, "import", ".json");

@@ -121,7 +121,13 @@ final class Importer {
     private void readPixels(Path file) {
         mNotes.begin(file);
         long size = file.toFile().length();
-        Expected expected = takeExpected(other -> other.output().isOfSize(size));
+        String name = file.getFileName().toString();
+        // Pictures of several formats can be as large as one another.
+        Expected expected = takeExpected(
+                other -> other.output().isOfSize(size) && name.endsWith("." + other.output().name()));
+        if (expected == null) {
+            expected = takeExpected(other -> other.output().isOfSize(size));
+        }
         if (expected != null) {
             mPictures.add(new ImportedPicture(file, expected.output().format(), expected.output()));
         } else {
