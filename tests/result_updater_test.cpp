@@ -245,6 +245,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
 
 // Who keeps a result in a shot's metadata needs its tag in the host's table.
 TEST(ResultUpdaterTest, EveryResultIsATagOfItsType) {
+  const test::LocalFrame frame;
   const std::map<std::string, std::string> types = {
       {"Integer",  "INT"         },
       {"Long",     "LONG"        },
