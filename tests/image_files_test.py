@@ -145,6 +145,8 @@ def refuses():
     nv21 = {"file": "tight.nv21", "format": "NV21", "width": WIDTH, "height": HEIGHT}
     for image, problem in (
             ({**raw, "file": "none.raw"}, "file: no such file: none.raw"),
+            ({**raw, "file": "/dev/zero"},
+             "file: needs a file with bytes, found another kind of one: /dev/zero"),
             ({"format": "RAW16", "file": "tight.raw", "width": 16}, "needs the field height"),
             ({"format": "RAW16", "width": 16},
              "width: needs the field file beside it: the pixels are a photo's"),

@@ -45,7 +45,13 @@ final class ImageFileReader {
         try {
             Path path = requestFile.resolveSibling(field.string());
             if (Files.isRegularFile(path)) {
-                return path;
+                if (Files.isReadable(path)) {
+                    return path;
+                }
+                throw field.error("can't be read: " + path);
+            }
+            if (Files.exists(path)) {
+                throw field.error("needs a file with bytes, found another kind of one: " + path);
             }
         } catch (InvalidPathException e) {
             // A name that no file can have.
