@@ -5,7 +5,13 @@ import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
 import java.awt.image.IndexColorModel;
 import java.awt.image.Raster;
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.Random;
+
+import javax.imageio.ImageIO;
 
 /**
  * A colour picture of red, green and blue from 0 to 255, with fractions so that noise and blur lose nothing.
@@ -107,6 +113,14 @@ public final class Picture {
             }
         }
         return image;
+    }
+
+    /** Writes a PNG file. */
+    public void writePng(Path file) throws IOException {
+        ByteArrayOutputStream png = new ByteArrayOutputStream();
+        ImageIO.write(toImage(), "png", png);
+        // Given the file, ImageIO would print a stack when that can't be written.
+        Files.write(file, png.toByteArray());
     }
 
     /** A sample rounded to a byte's range. */

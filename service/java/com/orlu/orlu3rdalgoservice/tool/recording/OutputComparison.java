@@ -15,8 +15,6 @@ import java.util.List;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-import javax.imageio.ImageIO;
-
 /** Compares outputs by their descriptions and bytes, and writes pictures of those that differ. */
 public final class OutputComparison {
     // The time of the day in a JPEG's EXIF block.
@@ -117,7 +115,7 @@ public final class OutputComparison {
 
     private Path write(Picture picture, String name) throws IOException {
         Path file = mPictures.resolve(name);
-        ImageIO.write(picture.toImage(), "png", file.toFile());
+        picture.writePng(file);
         return file;
     }
 }

@@ -15,8 +15,6 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-import javax.imageio.ImageIO;
-
 /** Writes a request's output images as files, and the base frame beside them to compare with. */
 public final class OutputImages {
     private final Path mFolder;
@@ -66,7 +64,7 @@ public final class OutputImages {
 
     private String writePng(Picture picture, String name) throws IOException {
         Path file = mFolder.resolve(name + ".png");
-        ImageIO.write(picture.toImage(), "png", file.toFile());
+        picture.writePng(file);
         return file.toString();
     }
 
