@@ -34,6 +34,7 @@ trim a|needs --out DIR; see ./run trim --help
 trim a b --out c|one argument too many: b; see ./run trim --help
 trim a --out c --frames 1,x|--frames needs NUMBER, found "x"; see ./run trim --help
 diff a|diff needs two runs, or --lib twice; see ./run diff --help
+diff . . --out old|--out: needs a folder, found a file: old
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
 conform --onyl x|unknown option --onyl; see ./run conform --help

@@ -29,6 +29,12 @@ ends 0 '^written none ' trim "$night" --out none --no-pixels
 ends 0 '^none: equal, 129 parameters' replay none --ignore 'output 0' --ignore orlu.feedback.basicFrameTimestamp
 ends 2 'frames 0 to 6, not 7' trim "$night" --out seven --frames 7
 ends 2 'none is there already' trim "$night" --out none
+ends 2 'shots has [0-9]* recordings; name one of them' trim shots --out one --frames 0
+ends 0 '^written again ' trim few --out again --frames 1 --crop 64,64
+ends 0 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64,$' info again
+grep -q '^  *only frame 1 of the copy$' out || fail "trimmed twice: $(cat out)"
+ends 0 'recorded ' info shots
+! grep -E '.{81}' out || fail "longer than 80 columns"
 
 echo "== Cut and damaged; tests/recording_faults_test.py has more"
 rm -rf cut && cp -r "$night" cut
@@ -47,6 +53,7 @@ ORLU_PLANTED=untouched ends 1 '  output 0' diff "$root/samples/watermark.json" -
 ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
 ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"
 ends 2 'diff needs two runs' diff "$night"
+ends 2 '--tolerance needs a NUMBER of 0 or more, found -1' diff "$night" "$night" --tolerance -1
 
 echo "== Because of which tag"
 sed "s#photos/#$root/samples/&#" "$root/samples/night.json" >plain.json
@@ -61,6 +68,9 @@ for sides in "plain.json turned.json" "$(echo turns/*)"; do
   grep -A1 'control/auto_test_open: ' out | grep -q 'explains it; it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "diff $sides: $(cat out)"
   grep -q 'note: given property persist.sys.camera3rd.autotest = ' out || fail "diff $sides: $(cat out)"
 done
+mkdir short && cp -r "$night" short
+ends 1 '^different: 1 requests / 2; nothing to compare with turns/000002-request-101$' diff short turns
+grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fail "not compared: $(cat out)"
 # Where no tag differs, the frame is named all the same.
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json

@@ -18,6 +18,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 import picocli.CommandLine.Model.CommandSpec;
@@ -87,7 +88,7 @@ final class RecordingCommand extends Command {
     }
 
     private int trim() throws RequestFileException, IOException {
-        RecordedRequest recorded = RecordedRequest.read(mOptions.files.get(0));
+        RecordedRequest recorded = RecordedRequest.read(only(mOptions.files.get(0)));
         Trimmer trimmer =
                 new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels, mOptions.crop);
         trimmer.write(mOptions.out);
@@ -168,12 +169,16 @@ final class RecordingCommand extends Command {
             Path library = mOptions.libraries.size() < 2 ? null : mOptions.libraries.get(i);
             sides.add(runs(mOptions.files.get(mOptions.files.size() == 1 ? 0 : i), i, library));
         }
-        if (sides.get(0).size() != sides.get(1).size()) {
-            System.out.println("different: " + sides.get(0).size() + " requests / " + sides.get(1).size());
-            return DIFFERENT;
-        }
+        int common = Math.min(sides.get(0).size(), sides.get(1).size());
         int status = EQUAL;
-        for (int i = 0; i < sides.get(0).size(); ++i) {
+        if (sides.get(0).size() != sides.get(1).size()) {
+            List<RunRecord> longer = sides.get(0).size() > common ? sides.get(0) : sides.get(1);
+            new WrappedLines(System.out).print(0, "different: " + sides.get(0).size() + " requests / "
+                    + sides.get(1).size() + "; nothing to compare with "
+                    + longer.stream().skip(common).map(RunRecord::name).collect(Collectors.joining(", ")));
+            status = DIFFERENT;
+        }
+        for (int i = 0; i < common; ++i) {
             RunRecord one = sides.get(0).get(i);
             RunRecord other = sides.get(1).get(i);
             status = Math.max(status, compare(one.name() + " / " + other.name(), one, other));

@@ -153,6 +153,12 @@ final class RecordingOptions {
                 throw new IllegalArgumentException("no such file: " + file);
             }
         }
+        if (tolerance < 0) {
+            throw new IllegalArgumentException("--tolerance needs a NUMBER of 0 or more, found " + tolerance);
+        }
+        if (out != null && Files.exists(out) && !Files.isDirectory(out)) {
+            throw new IllegalArgumentException("--out: needs a folder, found a file: " + out);
+        }
         if (command.equals("diff") && libraries.size() != 2 && (files.size() != 2 || !libraries.isEmpty())) {
             throw new IllegalArgumentException("diff needs two runs, or --lib twice; see ./run diff --help");
         }

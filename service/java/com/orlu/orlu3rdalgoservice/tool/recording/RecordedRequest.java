@@ -182,18 +182,26 @@ public final class RecordedRequest {
         return found.isEmpty() ? null : found.get(0);
     }
 
-    /** What of a request was left out by trimming, "" when it is whole: "cropped to 320x240, frames 0, 2". */
+    /**
+     * What of a request was left out by trimming, once or several times, "" when it is whole: "cropped to
+     * 320x240, only frames 0, 2 of the recording".
+     */
     public String trimmed() {
-        JsonObject part = part("trimmed");
-        if (part == null) {
-            return "";
+        StringBuilder text = new StringBuilder();
+        for (JsonObject part : parts("trimmed")) {
+            // Frames of a copy that was trimmed again are those of that copy.
+            text.append(text.isEmpty() ? trimmed(part, "recording") : ", then " + trimmed(part, "copy"));
         }
+        return text.toString();
+    }
+
+    private static String trimmed(JsonObject part, String of) {
         List<Integer> frames = new ArrayList<>();
         if (part.has("frames")) {
             part.getAsJsonArray("frames").forEach(frame -> frames.add(frame.getAsInt()));
         }
         String crop = part.has("crop") ? "cropped to " + part.get("crop").getAsString() : "";
-        String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the recording";
+        String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the " + of;
         return crop + (crop.isEmpty() || kept.isEmpty() ? "" : ", ") + kept;
     }
 

@@ -16,6 +16,7 @@ import java.util.Map;
 /** Says what is in a recording. */
 public final class RecordingSummary {
     private static final int LABEL_WIDTH = 18;
+    private static final int TERMINAL_COLUMNS = 80;
 
     private final RecordedRequest mRecorded;
     private final PrintStream mTo;
@@ -24,7 +25,7 @@ public final class RecordingSummary {
     public RecordingSummary(RecordedRequest recorded, PrintStream to) {
         mRecorded = recorded;
         mTo = to;
-        mLines = new WrappedLines(to);
+        mLines = new WrappedLines(to, TERMINAL_COLUMNS);
     }
 
     /** Prints a line on each thing, down to where the recording ends. */

@@ -82,6 +82,7 @@ public final class Trimmer {
                 continue;
             }
             if (name.equals("request") && isOther) {
+                // Behind those of the copy that it is a copy of.
                 write(trimmed());
             }
             JsonObject copy = part.deepCopy();

@@ -10,9 +10,16 @@ public final class WrappedLines {
     private static final int FURTHER = 4;
 
     private final PrintStream mTo;
+    private final int mColumns;
 
     public WrappedLines(PrintStream to) {
+        this(to, COLUMNS);
+    }
+
+    /** Lines of at most so many columns, but for a word that has more. */
+    WrappedLines(PrintStream to, int columns) {
         mTo = to;
+        mColumns = columns;
     }
 
     /** A line that begins so far to the right, and goes on four columns further. */
@@ -28,12 +35,12 @@ public final class WrappedLines {
         lines.stream().skip(1).forEach(mTo::println);
     }
 
-    private static List<String> wrapped(int indent, int further, String text) {
+    private List<String> wrapped(int indent, int further, String text) {
         List<String> lines = new ArrayList<>();
         StringBuilder line = new StringBuilder(" ".repeat(indent));
         int start = indent;
         for (String word : text.split(" ")) {
-            if (line.length() > start && line.length() + word.length() >= COLUMNS) {
+            if (line.length() > start && line.length() + word.length() >= mColumns) {
                 lines.add(line.toString());
                 start = indent + further;
                 line = new StringBuilder(" ".repeat(start));

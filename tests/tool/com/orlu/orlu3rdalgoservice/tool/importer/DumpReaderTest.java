@@ -34,7 +34,8 @@ public final class DumpReaderTest {
             Notes notes = new Notes();
             notes.begin(Path.of("a"));
             String tag = row[0].split(" ")[0];
-            List<ImportedFrame> frames = new DumpReader(notes).frames((row[0] + "\n" + row[1]).lines().toList());
+            List<String> lines = (row[0] + "\n" + row[1]).lines().toList();
+            List<ImportedFrame> frames = new DumpReader(notes).frames(lines);
             assertEquals(row[1], String.valueOf(row[2]), String.valueOf(frames.get(0).tags().get(tag)));
             assertEquals(row[1], row[3], String.join("\n", notes.lines()).replace(tag, "T")
                     .replace("a: ", ""));
