@@ -5,7 +5,7 @@
 
 # What the root holds, with what it depends on; a change makes a new root.
 readonly arm_root_packages=(
-  openjdk-17-jre-headless libturbojpeg0-dev libexif-dev nlohmann-json3-dev libgtest-dev libstdc++6
+  openjdk-17-jre-headless libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev libgtest-dev libstdc++6
   libc++-14-dev libc++abi-14-dev
 )
 

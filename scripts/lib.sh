@@ -6,7 +6,7 @@
 readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libgoogle-gson-java libjackson2-core-java libpicocli-java libmetadata-extractor-java
-  libturbojpeg0-dev libexif-dev nlohmann-json3-dev
+  libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev
 )
 # The libraries of its Java half.
 java_libraries=/usr/share/java/gson.jar:/usr/share/java/jackson-core.jar:/usr/share/java/picocli.jar

@@ -145,9 +145,10 @@ def takes_pictures_by_name_and_size():
 
 def reads_exif():
     Path("a.jpg").write_bytes(jpeg_with_exif())
-    rows = [[512] * 16] * 12
-    Path("a.dng").write_bytes(dng(rows, white=1023, extra=[
-        (33422, BYTE, bytes([2, 1, 1, 0])), (34855, SHORT, [400]), (33434, RATIONAL, rational(0.5))]))
+    rows = [[512] * 32] * 24
+    blue_first = [(33421, SHORT, [2, 2]), (33422, BYTE, bytes([2, 1, 1, 0]))]
+    Path("a.dng").write_bytes(dng(rows, white=1023, pattern=blue_first, components=2, extra=[
+        (34855, SHORT, [400]), (33434, RATIONAL, rational(0.5))]))
     shot, lines = imported("a.jpg", "a.dng")
     expect("EXIF", [{"captureResult": {
         "android.control.awbMode": 1, "android.flash.mode": 1, "android.flash.state": 3,
@@ -165,7 +166,7 @@ def reads_exif():
 def survives_damage():
     """Cut anywhere, a file is read as far as it goes or refused in one line."""
     sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
-               "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 16] * 12)}
+               "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 32] * 24)}
     for name, data in sources.items():
         ends = (9, len(data) // 3, len(data) // 2) if name != "a.jpg" else (9, 60, 300)
         damaged = [data[:end] for end in ends] + [data[:150] + b"\xff\0[(" * 20 + data[230:]]

@@ -2,8 +2,9 @@
 
 import struct
 import zlib
+from pathlib import Path
 
-SHORT, LONG = 3, 4
+BYTE, SHORT, LONG = 1, 3, 4
 
 
 def pack_samples(rows, bits, order):
@@ -35,6 +36,29 @@ def directory(entries, at, order):
     return head + b"\0" * 4 + tail
 
 
+def lossless_jpeg(rows, bits, components):
+    """A lossless JPEG (SOF3) whose components are neighbours in a row, each predicted from the one before."""
+    every = range(components)
+    frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
+    lengths = [17 * (i == 4) for i in range(16)]
+    head = (b"\xff\xd8\xff\xc4" + struct.pack(">HB16B17B", 36, 0, *lengths, *range(17))
+            + b"\xff\xc3" + frame + b"".join(bytes([i, 0x11, 0]) for i in every)
+            + b"\xff\xda" + struct.pack(">HB", 6 + 2 * components, components)
+            + b"".join(bytes([i, 0]) for i in every) + b"\1\0\0")
+    text = []
+    for y, row in enumerate(rows):
+        for x, sample in enumerate(row):
+            first = rows[y - 1][x] if y else 1 << bits - 1
+            step = (sample - (row[x - components] if x >= components else first) + 32768) % 65536 - 32768
+            size = abs(step).bit_length()
+            text.append(f"{size:05b}")
+            if 0 < size < 16:
+                text.append(f"{step if step > 0 else step + (1 << size) - 1:0{size}b}")
+    packed = "".join(text)
+    packed += "1" * (-len(packed) % 8)
+    return head + int(packed, 2).to_bytes(len(packed) // 8, "big").replace(b"\xff", b"\xff\0") + b"\xff\xd9"
+
+
 def blocks_of(rows, rows_per_strip, tile):
     if tile is None:
         return [rows[top:top + rows_per_strip] for top in range(0, len(rows), rows_per_strip)]
@@ -47,16 +71,25 @@ def blocks_of(rows, rows_per_strip, tile):
     return blocks
 
 
+RED_FIRST = [(33421, SHORT, [2, 2]), (33422, BYTE, bytes([0, 1, 1, 2]))]
+
+
 def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=None, compression=1,
-        thumbnail=False, strips=None, photometric=32803, extra=()):
-    """A DNG file. With a thumbnail the raw image is in a directory below the first; strips keeps so many."""
+        components=0, thumbnail=False, strips=None, backwards=False, photometric=32803, pattern=None,
+        extra=()):
+    """A DNG file; with components of lossless JPEG. With a thumbnail the raw image is in a directory below
+    the first; strips keeps so many strips or tiles; backwards lets the last one come first."""
     order = ">" if big_endian else "<"
+    compression = 7 if components else compression
     rows_per_strip = rows_per_strip or len(rows)
-    blocks = [pack_samples(block, bits, order) for block in blocks_of(rows, rows_per_strip, tile)][:strips]
+    blocks = [lossless_jpeg(block, bits, components) if components else pack_samples(block, bits, order)
+              for block in blocks_of(rows, rows_per_strip, tile)][:strips]
+    version = [(50706, BYTE, bytes([1, 4, 0, 0]))]
 
     def raw(offsets):
         entries = [(256, LONG, [len(rows[0])]), (257, LONG, [len(rows)]), (258, SHORT, [bits]),
-                   (259, SHORT, [compression]), (262, SHORT, [photometric]), (277, SHORT, [1]), *extra]
+                   (259, SHORT, [compression]), (262, SHORT, [photometric]), (277, SHORT, [1]),
+                   *(RED_FIRST if pattern is None else pattern), *extra]
         if white:
             entries.append((0xC61D, SHORT, [white]))
         if tile:
@@ -66,14 +99,15 @@ def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=N
 
     def headers(offsets):
         if not thumbnail:
-            return directory(raw(offsets), 8, order)
-        first = [(256, LONG, [1]), (257, LONG, [1]), (262, SHORT, [2]), (330, LONG, [100])]
+            return directory(raw(offsets) + version, 8, order)
+        first = [(256, LONG, [1]), (257, LONG, [1]), (262, SHORT, [2]), (330, LONG, [100])] + version
         return directory(first, 8, order).ljust(92, b"\0") + directory(raw(offsets), 100, order)
 
     start = 8 + len(headers([0] * len(blocks)))
-    offsets = [start + sum(len(b) for b in blocks[:i]) for i in range(len(blocks))]
+    offsets = [start + sum(len(b) for b in (blocks[i + 1:] if backwards else blocks[:i]))
+               for i in range(len(blocks))]
     mark = struct.pack(f"{order}2sHI", b"MM" if big_endian else b"II", 42, 8)
-    return mark + headers(offsets) + b"".join(blocks)
+    return mark + headers(offsets) + b"".join(blocks[::-1] if backwards else blocks)
 
 
 def tiff(rows):
@@ -89,6 +123,16 @@ def png(rows, bits):
     header = struct.pack(">IIBBBBB", len(rows[0]), len(rows), bits, 0, 0, 0, 0)
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(lines))
             + chunk(b"IEND", b""))
+
+
+def read_pgm(path):
+    """The samples of a PGM file of two bytes a sample; None when there is none."""
+    if not Path(path).exists():
+        return None
+    _, size, _, data = Path(path).read_bytes().split(b"\n", 3)
+    width, height = map(int, size.split())
+    samples = struct.unpack(f">{width * height}H", data)
+    return [list(samples[i:i + width]) for i in range(0, len(samples), width)]
 
 
 def read_png(data):
