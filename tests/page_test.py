@@ -29,15 +29,19 @@ night | swapped | colours-exchanged | U and V
 raw16 | elsewhere | wrong-buffer | input 0
 watermark | untouched | untouched | output 0
 padded | black | black | Output 0 is black: its mean brightness is 0.0
+padded | dark | dark | much darker than input 0
 padded | clipped | clipped | 100 %
+padded | stamped | input-written | input 0 have changed
 padded | green | plane-untouched | plane VU
 padded | half | rows-missing | last 200 of 400 rows
+night | selects | |
 capture | silent | time-out | no callback for request 103
 capture | aborts:process | crash | SIGABRT
 capture | lacks:process | unusable | lacks process
 capture | answers:init | failed-call | init returned -22
 capture | empty | unreadable written-behind | a JPEG of size 0
 slanted | | stride | request's own file
+capture | oversized | past-end unreadable | bytes past its memory
 missing | | frame-missing | frame 1
 twice | | frame-twice | frame 2
 """
@@ -157,6 +161,9 @@ def check_faults(folder):
         check(f"{where} says", words in said and "%" not in said.replace(" %", ""), f"no “{words}” but: {said}")
         tabs = {finding["tab"] for finding in data["findings"]}
         check(f"{where} leads to", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
+        if fault == "selects":
+            base = data["images"]["base"], data["images"]["baseNamedBy"]
+            check(f"{where} compares with", base == (2, "orlu.feedback.frameSelectResult"), base)
         if fault == "aborts:process":
             check(where + " no parameters of the process that ended", len(data["parameters"]) > 90)
             check(where + " no report on the end", "SIGABRT" in data["crash"], data["crash"][:200])

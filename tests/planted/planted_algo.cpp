@@ -3,19 +3,23 @@
 //   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
 //   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
 //   silent  late  name  id  unattached     what becomes of the callback
-//   idle  untouched  empty                 what is made of the request
+//   idle  untouched                        what is made of the request
+//   empty  oversized  selects              what becomes of the results
 //   scribbles                              an output is written once more after the callback
-//   inputStride  outputStride  swapped  elsewhere  black  clipped  green  half
+//   inputStride  outputStride  swapped  elsewhere  black  dark  clipped  green  half  stamped
 //                                          what becomes of the images, which are NV21 (planted_images.h)
 // PLANTED_WITHOUT_ENTRY builds a library that is none.
 #include <dlfcn.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <iterator>
 #include <stdexcept>
 #include <thread>
 #include <type_traits>
@@ -35,6 +39,8 @@ using Bytes = hidl_vec<uint8_t>;
 using Handles = hidl_vec<hidl_handle>;
 
 constexpr int kInvalid = -22;
+// Bytes of a JPEG, more than any output of a test has.
+constexpr int32_t kOversized = 1 << 24;
 // Past the ten seconds that a request is waited for.
 constexpr std::chrono::seconds kLate{11};
 
@@ -115,17 +121,32 @@ void callBack(const std::string& kind, const AlgoResultCallback& real, const Byt
   }
 }
 
+// Empty and oversized are a JPEG's sizes; selected is the third frame, and none is the base.
+void spoilResults(const std::string& kind, const std::function<void(const char*, void*, unsigned)>& set) {
+  int32_t size = kind == "empty" ? 0 : kOversized;
+  if (kind == "empty" || kind == "oversized") set("encoded_jpeg_size", &size, sizeof size);
+  if (kind != "selects") return;
+  int32_t selected[20];
+  std::fill(std::begin(selected), std::end(selected), -1);
+  selected[0] = 2;
+  int32_t base = -1;
+  set("frame_select_result", selected, sizeof selected);
+  set("current_base_frame_idx", &base, sizeof base);
+}
+
 void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetadataOps& ops) {
   const auto* const real =
       reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(record.callbackCookie));
   void* const block = record.metadata[0].block;
   // Lives until the process ends, as the stand-in may use it until then.
-  auto* const own =
-      new AlgoResultCallback([=, kind = fault.kind, setValue = ops.setValue, outputs = record.outputFrames](
-                                 const Bytes& data, const Bytes& extra, const Handles& handles) {
-        int32_t size = 0;
+  auto* const own = new AlgoResultCallback(
+      [=, kind = fault.kind, setValue = ops.setValue, outputs = record.outputFrames,
+       inputs = record.inputFrames](const Bytes& data, const Bytes& extra, const Handles& handles) {
         spoilOutputs(kind, outputs);
-        if (kind == "empty") setValue(block, kFeedback, "encoded_jpeg_size", &size, sizeof size);
+        if (kind == "stamped") stamp(inputs.at(0));
+        spoilResults(kind, [&](const char* key, void* value, unsigned size) {
+          setValue(block, kFeedback, key, value, size);
+        });
         callBack(kind, *real, data, extra, handles);
       });
   record.callbackCookie = reinterpret_cast<uintptr_t>(own);

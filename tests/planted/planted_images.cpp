@@ -3,11 +3,14 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace orlu::planted {
 namespace {
 
 constexpr uint8_t kNoColour = 128;
+constexpr uint8_t kDarker = 6;
+constexpr int kStampBytes = 16;
 
 void takeWidthForStride(std::vector<AlgoFrameInfo>& frames) {
   for (AlgoFrameInfo& frame : frames) {
@@ -21,11 +24,21 @@ void spoilPixels(const std::string& kind, const AlgoFrameInfo& frame, uint8_t* p
   if (kind == "black" || kind == "clipped") {
     std::fill(pixels, pixels + luma, kind == "black" ? 0 : UINT8_MAX);
     std::fill(pixels + luma, pixels + all, kNoColour);
+  } else if (kind == "dark") {
+    std::transform(pixels, pixels + luma, pixels, [](uint8_t level) { return level / kDarker; });
   } else if (kind == "green") {
     std::fill(pixels + luma, pixels + all, 0);
   } else if (kind == "half") {
     std::fill(pixels + frame.height / 2 * frame.stride[0], pixels + luma, 0);
   }
+}
+
+void withPixels(const AlgoFrameInfo& frame, const std::function<void(uint8_t*)>& change) {
+  const auto size = static_cast<size_t>(frame.fdSize[0]);
+  void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, frame.fd[0], 0);
+  if (memory == MAP_FAILED) return;
+  change(static_cast<uint8_t*>(memory));
+  munmap(memory, size);
 }
 
 }  // namespace
@@ -42,12 +55,12 @@ void spoilFrames(const std::string& kind, AlgoProcessRecord& record) {
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs) {
   for (const AlgoFrameInfo& frame : outputs) {
     if (frame.format != kFormatNv21 || frame.fdCount == 0) continue;
-    const auto size = static_cast<size_t>(frame.fdSize[0]);
-    void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, frame.fd[0], 0);
-    if (memory == MAP_FAILED) continue;
-    spoilPixels(kind, frame, static_cast<uint8_t*>(memory));
-    munmap(memory, size);
+    withPixels(frame, [&](uint8_t* pixels) { spoilPixels(kind, frame, pixels); });
   }
+}
+
+void stamp(const AlgoFrameInfo& frame) {
+  withPixels(frame, [](uint8_t* pixels) { std::fill(pixels, pixels + kStampBytes, UINT8_MAX); });
 }
 
 }  // namespace orlu::planted

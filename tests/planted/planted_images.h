@@ -13,8 +13,11 @@ namespace orlu::planted {
 // change nothing.
 void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 
-// Changes what the stand-in made, in shared memory: "black", "clipped" to white, "green" without colour
-// values, "half" without the lower rows. Others change nothing.
+// Changes what the stand-in made, in shared memory: "black", "dark", "clipped" to white, "green" without
+// colour values, "half" without the lower rows. Others change nothing.
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs);
+
+// Writes into the memory of a frame that was to be read only.
+void stamp(const AlgoFrameInfo& frame);
 
 }  // namespace orlu::planted

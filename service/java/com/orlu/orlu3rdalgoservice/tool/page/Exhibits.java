@@ -8,6 +8,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.report.BaseFrame;
 
 import java.util.ArrayList;
 import java.util.List;
@@ -22,6 +23,7 @@ public final class Exhibits {
     private final List<ImageExhibit> mOutputs = new ArrayList<>();
     private final JsonArray mDifferences = new JsonArray();
     private int mBase;
+    private String mNamedBy = "";
 
     /** To be called before the request is handed over. */
     public void before(List<ImageBuffer> inputs) {
@@ -29,8 +31,9 @@ public final class Exhibits {
     }
 
     /** To be called after it; the outputs' readers are those of the outputs, in their order. */
-    public void after(int baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
+    public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
+        mNamedBy = baseFrame.namedBy();
         Picture base = null;
         for (int i = 0; i < inputs.size(); ++i) {
             Progress.show("drawing input " + (i + 1) + " of " + inputs.size());
@@ -40,7 +43,7 @@ public final class Exhibits {
             if (input.checksum() != mChecksums.get(i)) {
                 input.markWritten();
             }
-            if (base == null && frame == baseFrame && input.picture() != null) {
+            if (base == null && frame == baseFrame.index() && input.picture() != null) {
                 base = input.picture();
                 mBase = i;
             }
@@ -87,6 +90,7 @@ public final class Exhibits {
     JsonObject json() {
         JsonObject json = new JsonObject();
         json.addProperty("base", mBase);
+        json.addProperty("baseNamedBy", mNamedBy);
         JsonArray inputs = new JsonArray();
         int left = INPUT_BYTES;
         for (int i = 0; i < mInputs.size(); ++i) {

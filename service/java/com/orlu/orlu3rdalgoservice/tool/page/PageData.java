@@ -9,7 +9,6 @@ import com.orlu.orlu3rdalgoservice.tool.explain.Explanations;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagRows;
-import com.orlu.orlu3rdalgoservice.tool.page.Finding.Tab;
 import com.orlu.orlu3rdalgoservice.tool.report.AlgorithmPass;
 import com.orlu.orlu3rdalgoservice.tool.report.Handover;
 import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
@@ -105,27 +104,10 @@ final class PageData {
         if (mExhibits != null) {
             findings.addAll(new ImageFindings(mExhibits, mReport.handover().process() != null).all());
         }
-        addFewerImages(findings);
         findings.sort(Comparator.comparing(finding -> !finding.isSure()));
         JsonArray array = new JsonArray();
         findings.forEach(finding -> array.add(finding.json()));
         mJson.add("findings", array);
-    }
-
-    // What the algorithm library was handed, by the probe.
-    private void addFewerImages(List<Finding> findings) {
-        Handover handover = mReport.handover();
-        if (handover.process() == null || !handover.process().begin().has("inputs")) {
-            return;
-        }
-        int handed = handover.process().begin().fields().getAsJsonArray("inputs").size();
-        if (handed < mReport.inputs.size()) {
-            findings.add(Finding.look("inputs-fewer", Tab.MEMORY,
-                    "The algorithm library was handed %d of %d inputs.".formatted(
-                            handed, mReport.inputs.size()),
-                    "An input of a format that the library does not know, or without memory, is left out: "
-                            + "see the log."));
-        }
     }
 
     private void addParameters() {

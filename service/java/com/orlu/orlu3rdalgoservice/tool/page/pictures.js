@@ -25,7 +25,10 @@ function picturesPanel() {
       "p",
       {class: "faint"},
       "Click one to show it above. Outputs are compared with the one marked base: " +
-        "the frame that the algorithms name as theirs, else the first.",
+        (images.baseNamedBy
+          ? "the frame that the result names (" + images.baseNamedBy + ")."
+          : "the first, as the result names none.") +
+        (data.algorithms.frames ? " Kept and dropped are what the algorithm library says of a frame." : ""),
     ),
     h("div", {class: "strip"}, thumbs),
   );
@@ -37,7 +40,7 @@ function inputThumb(image, index, onChoose) {
   const frame = frames[image.frame];
   const marks = [
     index === data.images.base ? "base" : null,
-    frame && !frame.kept ? "dropped" : null,
+    frame ? (frame.kept ? "kept" : "dropped") : null,
     image.written ? "written to" : null,
   ]
     .filter(Boolean)

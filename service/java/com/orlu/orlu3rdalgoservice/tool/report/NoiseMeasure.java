@@ -23,7 +23,7 @@ public final class NoiseMeasure {
     /** A line for each output that shows the base frame's part of the photo. */
     public List<String> lines(List<SynthesisedFrame> frames, List<OutputReader> outputs) {
         List<String> lines = new ArrayList<>();
-        int base = mReport.baseFrame();
+        int base = mReport.baseFrame().index();
         // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
         // brightened on purpose.
         if (!mReport.request.isOfPhoto(base) || !mFrames.hasNoise()

@@ -23,7 +23,7 @@ public final class OutputImages {
 
     public OutputImages(RequestReport report, Path folder) {
         mFolder = folder;
-        mBase = report.baseFrame();
+        mBase = report.baseFrame().index();
         mName = report.name;
     }
 

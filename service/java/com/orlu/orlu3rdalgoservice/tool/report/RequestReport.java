@@ -81,15 +81,8 @@ public final class RequestReport {
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
-    /** The frame that the algorithms took as base, by the timestamp that they return; else the first. */
-    public int baseFrame() {
-        Object timestamp = put.isEmpty() ? null : put.get(0).get("orlu.feedback.basicFrameTimestamp");
-        List<FramePlan> frames = request.frames().frames();
-        for (int i = 0; timestamp != null && i < frames.size(); ++i) {
-            if (timestamp.equals(frames.get(i).captureResult().get("android.sensor.timestamp"))) {
-                return i;
-            }
-        }
-        return 0;
+    /** The frame to compare the outputs with: the one that the result names, else the first. */
+    public BaseFrame baseFrame() {
+        return BaseFrame.of(this);
     }
 }
