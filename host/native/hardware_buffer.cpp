@@ -5,22 +5,20 @@
 #include <unistd.h>
 #include <vndk/hardware_buffer.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <limits>
 #include <memory>
 
+#include "buffer_handle.h"
+
 struct AHardwareBuffer {
   AHardwareBuffer_Desc desc;
   native_handle_t* handle;  // owned, with its descriptors
-  std::atomic<int> references{1};
 };
 
 namespace {
 
-constexpr int kAttributesWord = 0;
-constexpr int kPixelsWord = 1;
 constexpr int kDescriptors = 2;
 constexpr int kIntegers = 4;
 constexpr off_t kAttributesSize = 4096;
@@ -72,8 +70,8 @@ int memoryFile(const char* name, off_t size) {
 native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, int pixels) {
   native_handle_t* const handle = native_handle_create(kDescriptors, kIntegers);
   if (handle == nullptr) return nullptr;
-  handle->data[kAttributesWord] = attributes;
-  handle->data[kPixelsWord] = pixels;
+  handle->data[orlu::host::kAttributesWord] = attributes;
+  handle->data[orlu::host::kPixelsWord] = pixels;
   int* const integers = &handle->data[kDescriptors];
   integers[0] = static_cast<int>(desc.width);
   integers[1] = static_cast<int>(desc.height);
@@ -106,27 +104,17 @@ int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer**
 int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
                                      int32_t method, AHardwareBuffer** outBuffer) {
   if (desc == nullptr || handle == nullptr || outBuffer == nullptr) return -EINVAL;
-  native_handle_t* owned = nullptr;
-  if (method == AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER) {
-    owned = const_cast<native_handle_t*>(handle);
-  } else if (method == AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_CLONE) {
-    owned = native_handle_clone(handle);
-  }
-  if (owned == nullptr) return -EINVAL;
+  if (method != AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER) return -EINVAL;
   auto buffer = std::make_unique<AHardwareBuffer>();
   buffer->desc = *desc;
   buffer->desc.stride = desc->width;
-  buffer->handle = owned;
+  buffer->handle = const_cast<native_handle_t*>(handle);
   *outBuffer = buffer.release();
   return 0;
 }
 
-void AHardwareBuffer_acquire(AHardwareBuffer* buffer) {
-  buffer->references.fetch_add(1);
-}
-
 void AHardwareBuffer_release(AHardwareBuffer* buffer) {
-  if (buffer == nullptr || buffer->references.fetch_sub(1) != 1) return;
+  if (buffer == nullptr) return;
   native_handle_close(buffer->handle);
   native_handle_delete(buffer->handle);
   delete buffer;

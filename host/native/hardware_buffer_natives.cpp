@@ -5,6 +5,8 @@
 #include <sys/mman.h>
 #include <vndk/hardware_buffer.h>
 
+#include "buffer_handle.h"
+
 namespace {
 
 AHardwareBuffer* bufferOf(jlong address) {
@@ -69,10 +71,9 @@ extern "C" JNIEXPORT jintArray JNICALL Java_android_hardware_HardwareBuffer_nDes
 // The pixels as a direct buffer; null when they can't be mapped. SharedMemory.unmap() ends the mapping.
 extern "C" JNIEXPORT jobject JNICALL Java_android_hardware_HardwareBuffer_nMapPixels(JNIEnv* env, jclass,
                                                                                      jlong address) {
-  constexpr int kPixelsWord = 1;
   const native_handle_t* handle = AHardwareBuffer_getNativeHandle(bufferOf(address));
-  if (handle == nullptr || handle->numFds <= kPixelsWord) return nullptr;
-  const int fd = handle->data[kPixelsWord];
+  if (handle == nullptr || handle->numFds <= orlu::host::kPixelsWord) return nullptr;
+  const int fd = handle->data[orlu::host::kPixelsWord];
   const size_t size = ASharedMemory_getSize(fd);
   void* const pixels = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
   return pixels == MAP_FAILED ? nullptr : env->NewDirectByteBuffer(pixels, static_cast<jlong>(size));

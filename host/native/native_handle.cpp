@@ -1,11 +1,9 @@
 // libcutils.so: native handles.
 
 #include <cutils/native_handle.h>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -22,23 +20,6 @@ native_handle_t* native_handle_create(int numFds, int numInts) {
   handle->numFds = numFds;
   handle->numInts = numInts;
   return handle;
-}
-
-native_handle_t* native_handle_clone(const native_handle_t* handle) {
-  native_handle_t* clone = native_handle_create(handle->numFds, handle->numInts);
-  if (clone == nullptr) return nullptr;
-  for (int i = 0; i < handle->numFds; ++i) {
-    clone->data[i] = fcntl(handle->data[i], F_DUPFD_CLOEXEC, 0);
-    if (clone->data[i] < 0) {
-      clone->numFds = i;
-      native_handle_close(clone);
-      native_handle_delete(clone);
-      return nullptr;
-    }
-  }
-  std::memcpy(&clone->data[handle->numFds], &handle->data[handle->numFds],
-              static_cast<size_t>(handle->numInts) * sizeof(int));
-  return clone;
 }
 
 int native_handle_delete(native_handle_t* handle) {

@@ -26,8 +26,6 @@ typedef struct native_handle {
 
 // A zeroed handle with room for the words; null when the counts are negative or above 1024.
 native_handle_t* native_handle_create(int numFds, int numInts);
-// A handle with duplicates of the descriptors; null on failure.
-native_handle_t* native_handle_clone(const native_handle_t* handle);
 // Frees the handle, without closing its descriptors. 0.
 int native_handle_delete(native_handle_t* handle);
 // Closes the handle's descriptors. 0.

@@ -91,22 +91,6 @@ public final class CameraMetadataNative implements Parcelable {
         }
     }
 
-    /**
-     * Replaces what is set by what {@link #writeToParcel} wrote. Throws IllegalArgumentException for a tag
-     * that no table knows or knows otherwise, and IllegalStateException when the parcel ends too soon;
-     * nothing is changed then.
-     */
-    public void readFromParcel(Parcel source) {
-        Map<String, Object> values = new TreeMap<>();
-        int count = source.readInt();
-        for (int i = 0; i < count; i++) {
-            String tag = source.readString();
-            values.put(tag, TagParcel.read(source, typeOf(tag)));
-        }
-        mValues.clear();
-        mValues.putAll(values);
-    }
-
     private static TagType typeOf(String tag) {
         TagType type = tag == null ? null : TagTable.typeOf(tag);
         if (type == null) {

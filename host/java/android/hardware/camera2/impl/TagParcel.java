@@ -40,39 +40,11 @@ final class TagParcel {
         }
     }
 
-    static Object read(Parcel parcel, TagType type) {
-        if (parcel.readInt() != type.ordinal() || (!type.isCounted() && parcel.readInt() != 1)) {
-            throw new IllegalArgumentException("The parcel holds another type than " + type);
-        }
-        return switch (type) {
-            case INT -> parcel.readInt();
-            case LONG -> parcel.readLong();
-            case FLOAT -> parcel.readFloat();
-            case DOUBLE -> parcel.readDouble();
-            case STRING -> parcel.readString();
-            case BYTES -> parcel.createByteArray();
-            case INT_ARRAY -> parcel.createIntArray();
-            case LONG_ARRAY -> parcel.createLongArray();
-            case FLOAT_ARRAY -> parcel.createFloatArray();
-            case DOUBLE_ARRAY -> parcel.createDoubleArray();
-            case STRING_ARRAY -> parcel.createStringArray();
-            case RECT -> readRect(parcel);
-            case FACES -> readFaces(parcel);
-            case METERING_RECTANGLES -> readRegions(parcel);
-            case LOCATION -> readLocation(parcel);
-            case RATIONAL -> new Rational(parcel.readInt(), parcel.readInt());
-        };
-    }
-
     private static void writeRect(Parcel parcel, Rect rect) {
         parcel.writeInt(rect.left);
         parcel.writeInt(rect.top);
         parcel.writeInt(rect.right);
         parcel.writeInt(rect.bottom);
-    }
-
-    private static Rect readRect(Parcel parcel) {
-        return new Rect(parcel.readInt(), parcel.readInt(), parcel.readInt(), parcel.readInt());
     }
 
     private static void writeFaces(Parcel parcel, Face[] faces) {
@@ -83,28 +55,12 @@ final class TagParcel {
         }
     }
 
-    private static Face[] readFaces(Parcel parcel) {
-        Face[] faces = new Face[parcel.readLength()];
-        for (int i = 0; i < faces.length; i++) {
-            faces[i] = new Face(readRect(parcel), parcel.readInt());
-        }
-        return faces;
-    }
-
     private static void writeRegions(Parcel parcel, MeteringRectangle[] regions) {
         parcel.writeInt(regions.length);
         for (MeteringRectangle region : regions) {
             writeRect(parcel, region.getRect());
             parcel.writeInt(region.getMeteringWeight());
         }
-    }
-
-    private static MeteringRectangle[] readRegions(Parcel parcel) {
-        MeteringRectangle[] regions = new MeteringRectangle[parcel.readLength()];
-        for (int i = 0; i < regions.length; i++) {
-            regions[i] = new MeteringRectangle(readRect(parcel), parcel.readInt());
-        }
-        return regions;
     }
 
     private static void writeLocation(Parcel parcel, Location location) {
@@ -114,18 +70,5 @@ final class TagParcel {
         parcel.writeInt(location.hasAltitude() ? 1 : 0);
         parcel.writeDouble(location.getAltitude());
         parcel.writeLong(location.getTime());
-    }
-
-    private static Location readLocation(Parcel parcel) {
-        Location location = new Location(parcel.readString());
-        location.setLatitude(parcel.readDouble());
-        location.setLongitude(parcel.readDouble());
-        boolean hasAltitude = parcel.readInt() != 0;
-        double altitude = parcel.readDouble();
-        if (hasAltitude) {
-            location.setAltitude(altitude);
-        }
-        location.setTime(parcel.readLong());
-        return location;
     }
 }
