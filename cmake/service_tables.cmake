@@ -1,0 +1,43 @@
+# Tables of what the service calls things, as rows of C++, for programs that need all of these names. CMake runs
+# again when one of their sources changes.
+set(ORLU_PARAMETER_TABLE
+  ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt)
+
+# orlu_parameter_rows(FILE [ROW_END]): writes the parameters' rows that end so, or all, as {section, key, bytes},
+# from the table that ./run shows them by.
+function(orlu_parameter_rows file)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ORLU_PARAMETER_TABLE})
+  file(STRINGS ${ORLU_PARAMETER_TABLE} rows REGEX "^[a-z].*${ARGN}$")
+  set(text "")
+  foreach(row IN LISTS rows)
+    string(REGEX REPLACE "^([a-z]+) +([A-Za-z0-9_]+) +[A-Z_]+ +([0-9*]+) .*"
+      "{\"orlu.algo.\\1\", \"\\2\", \\3},\n" row "${row}")
+    string(REPLACE "*" "400" row "${row}")  # one for each frame: fifty doubles
+    string(APPEND text "${row}")
+  endforeach()
+  if(NOT text)
+    message(FATAL_ERROR "No rows that end with \"${ARGN}\" in ${ORLU_PARAMETER_TABLE}")
+  endif()
+  file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
+endfunction()
+
+# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes these names, and those that sources of jni/ ask an algorithm
+# list for, as texts.
+function(orlu_algorithm_rows file pattern)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/jni/${pattern})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
+  set(names "")
+  foreach(source IN LISTS sources)
+    file(STRINGS ${source} lines REGEX "listHas\\(\"")
+    string(REGEX MATCHALL "listHas\\(\"[A-Za-z0-9]+" found "${lines}")
+    list(APPEND names ${found})
+  endforeach()
+  if(NOT names)
+    message(FATAL_ERROR "No algorithms in jni/${pattern}")
+  endif()
+  list(TRANSFORM names REPLACE "listHas\\(\"" "")
+  list(PREPEND names ${ARGN})
+  list(REMOVE_DUPLICATES names)
+  list(JOIN names "\",\n\"" names)
+  file(CONFIGURE OUTPUT ${file} CONTENT "\"${names}\",\n" @ONLY)
+endfunction()
