@@ -3,15 +3,14 @@
 catalogue_test.py BUILD_FOLDER"""
 
 import json
-import os
-import pathlib
 import re
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-BUILD = pathlib.Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, failures, finish, run  # noqa: E402
+
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
 # What claims are compared with, and looked into for drift: one on processed input, one on raw.
 SAMPLES = ("capture", "hdr5")
@@ -46,12 +45,6 @@ samples nigth                     | 2 | did you mean night?
 samples night day                 | 2 | one argument too many: day
 """
 
-problems = []
-
-
-def run(*arguments):
-    return subprocess.run([ROOT / "run", *arguments], env=dict(os.environ, ORLU_BUILD=str(BUILD)), text=True,
-                          capture_output=True, check=False)
 
 
 def check_cases():
@@ -59,14 +52,14 @@ def check_cases():
         arguments, status, texts = row.split("|", 2)
         result = run(*arguments.split())
         if result.returncode != int(status):
-            problems.append(f"{arguments.strip()}: status {result.returncode}, {result.stderr}")
+            failures.append(f"{arguments.strip()}: status {result.returncode}, {result.stderr}")
         # Columns are as wide as they must be.
         lines = [" ".join(line.split()) for line in result.stdout.splitlines()]
         for text in texts.split(" ; "):
             text = " ".join(text.split())
             is_there = text in lines if status.strip() == "0" else text in result.stderr
             if not is_there:
-                problems.append(f"{arguments.strip()}: not printed: {text}")
+                failures.append(f"{arguments.strip()}: not printed: {text}")
 
 
 def check_lists():
@@ -74,11 +67,11 @@ def check_lists():
     parts = {}
     for part in PARTS:
         listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)
-        problems.extend(f"{part}: {len(line)} columns: {line}" for line in listed if len(line) > 80)
+        failures.extend(f"{part}: {len(line)} columns: {line}" for line in listed if len(line) > 80)
         names = [entry["name"] for entry in parts[part]]
         shown = [line.split()[0] for line in listed[1:-2] if not line.startswith(" ")]
         if names != shown or not names:
-            problems.append(f"{part}: lists {len(shown)} entries, and {len(names)} in JSON")
+            failures.append(f"{part}: lists {len(shown)} entries, and {len(names)} in JSON")
     return parts
 
 
@@ -89,10 +82,10 @@ def check_claims(parts):
     with tempfile.TemporaryDirectory() as folder:
         files = [ROOT / f"samples/{sample}.json" for sample in SAMPLES]
         run("--out", folder, "--json", f"{folder}/json", "--events", f"{folder}/events", *files)
-        reports = json.loads(pathlib.Path(folder, "json").read_text())
-        events = [json.loads(line) for line in pathlib.Path(folder, "events").read_text().splitlines()]
+        reports = json.loads(Path(folder, "json").read_text())
+        events = [json.loads(line) for line in Path(folder, "events").read_text().splitlines()]
     header = (ROOT / "jni/metadata_records.h").read_text()
-    problems.extend(f"{entry['name']}: no record {entry['record']} of {entry['bytes']} bytes"
+    failures.extend(f"{entry['name']}: no record {entry['record']} of {entry['bytes']} bytes"
                     for entry in parts["parameters"] if entry["record"]
                     and f"sizeof({entry['record']}) == {entry['bytes']})" not in header)
     compared = 0
@@ -102,15 +95,15 @@ def check_claims(parts):
             size = len(parameter["hex"]) // 2
             compared += 1
             if entry["bytes"] not in ("400 or 8 x frames", size) or "in" not in entry["direction"]:
-                problems.append(f"{entry['name']}: {size} bytes were handed over, not {entry['bytes']}")
+                failures.append(f"{entry['name']}: {size} bytes were handed over, not {entry['bytes']}")
     for event in events:
         held = event.get("held")
         if event["event"] == "lookup" and held and event["source"] == "captureResult":
             compared += 1
             if java_types[event["tag"]] != held:
-                problems.append(f"{event['tag']}: a {held} was found, not a {java_types[event['tag']]}")
+                failures.append(f"{event['tag']}: a {held} was found, not a {java_types[event['tag']]}")
     if compared < 300:
-        problems.append(f"only {compared} claims were compared")
+        failures.append(f"only {compared} claims were compared")
 
 
 def with_tag(tag, value):
@@ -135,17 +128,17 @@ def check_values(tags):
             claims += [(entry["name"], value["value"], *change)
                        for change in re.findall(r'"(\w+)" becomes (\d+)', value["meaning"])]
     with tempfile.TemporaryDirectory() as folder:
-        files = [pathlib.Path(folder, f"{number}.json") for number in range(len(claims))]
+        files = [Path(folder, f"{number}.json") for number in range(len(claims))]
         for file, (tag, value, _, _) in zip(files, claims):
             file.write_text(json.dumps(with_tag(tag, value)))
         run("--out", folder, "--json", f"{folder}/reports", *files)
-        reports = json.loads(pathlib.Path(folder, "reports").read_text())
+        reports = json.loads(Path(folder, "reports").read_text())
     for report, (tag, value, name, number) in zip(reports, claims):
         found = {each["key"]: each["value"] for each in report["parameters"]}
         if number is None and name not in report["algorithmsAfter"] or number and found.get(name) != int(number):
-            problems.append(f"{tag} {value}: {name} {number or 'is not appended'}, but {found.get(name)}")
+            failures.append(f"{tag} {value}: {name} {number or 'is not appended'}, but {found.get(name)}")
     if len(claims) < 10 or len(reports) != len(claims):
-        problems.append(f"of {len(claims)} claims on values {len(reports)} were tried")
+        failures.append(f"of {len(claims)} claims on values {len(reports)} were tried")
 
 
 def main():
@@ -153,13 +146,11 @@ def main():
     parts = check_lists()
     check_claims(parts)
     check_values(parts["tags"])
-    drift = subprocess.run([ROOT / "scripts/make_catalogue.py", "--check", *SAMPLES], text=True, check=False,
-                           env=dict(os.environ, ORLU_BUILD=str(BUILD)), capture_output=True)
+    drift = run("--check", *SAMPLES, command=[ROOT / "scripts/make_catalogue.py"])
     if drift.returncode:
-        problems.append(f"scripts/make_catalogue.py writes another table:\n{drift.stdout}{drift.stderr}")
-    print("\n".join(problems) or f"{len(CASES.strip().splitlines())} cases, no drift: {drift.stdout.strip()}")
-    return bool(problems)
+        failures.append(f"scripts/make_catalogue.py writes another table:\n{drift.stdout}{drift.stderr}")
+    finish(f"{len(CASES.strip().splitlines())} cases, no drift: {drift.stdout.strip()}")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

@@ -7,27 +7,17 @@ check_test.py BUILD_FOLDER
 import os
 import random
 import re
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, expect, failures, finish, run  # noqa: E402
+
 MUTATIONS = 16  # of each sample
 LINE = re.compile(r"^(?P<file>[^:]+):(?P<line>\d+):(?P<column>\d+): (?P<text>.+)$")
 LONG = "9" * 401
 PHOTO = ROOT / "samples/photos/portrait.jpg"
-failures = []
-
-
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{str(what)[:300]}:\n  expected {str(wanted)[:700]}\n  found    {str(found)[:700]}")
-
-
-def run(*arguments):
-    return subprocess.run([ROOT / "run", *arguments], env={**os.environ, "ORLU_BUILD": str(BUILD)},
-                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
 
 
 def request(frames='"frames": [{}]', more="", inputs="[]", outputs="[]"):
@@ -322,5 +312,4 @@ with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
     for case in (says_each, warns, says_all_in_order, takes_comments, survives_mutations):
         case()
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()

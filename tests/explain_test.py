@@ -5,14 +5,14 @@ explain_test.py BUILD_FOLDER. Then checks what is printed of known cases."""
 import concurrent.futures
 import json
 import os
-import pathlib
 import random
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-BUILD = pathlib.Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import BUILD, ROOT, failures, finish, run  # noqa: E402
+
 CHANGES_PER_SAMPLE = 12
 SIDE = 64  # Small frames: nobody looks at the pixels.
 
@@ -24,11 +24,9 @@ portrait  | sensor/camera_type            | com.orlu.MultiCameraBokehSelectSessi
 """
 
 
-def run(folder, *arguments):
-    environment = dict(os.environ, ORLU_BUILD=str(BUILD),
-                       ORLU_ALGO_LIBRARY=str(BUILD / "trial/liborlu.vac.interface.so"))
-    return subprocess.run([ROOT / "run", "--out", folder / "out", *arguments], env=environment, cwd=folder,
-                          text=True, capture_output=True, check=False)
+def run_in(folder, *arguments):
+    return run("--out", folder / "out", *arguments, cwd=folder,
+               ORLU_ALGO_LIBRARY=str(BUILD / "trial/liborlu.vac.interface.so"))
 
 
 def small(sample):
@@ -108,8 +106,8 @@ def check_sample(sample, folder):
     for number, (_, _, changed) in enumerate(requests):
         files.append(f"{number}.json")
         (folder / files[-1]).write_text(json.dumps(changed))
-    explained = run(folder, "--explain", "all", "--json", "explained", files[0])
-    plain = run(folder, "--json", "plain", *files)
+    explained = run_in(folder, "--explain", "all", "--json", "explained", files[0])
+    plain = run_in(folder, "--json", "plain", *files)
     if not (folder / "explained").exists() or not (folder / "plain").exists():
         return [f"{sample.stem}: {explained.stderr}{plain.stderr}{plain.stdout[-200:]}"], 0
     trials = json.loads((folder / "explained").read_text())[0]["trials"]
@@ -153,7 +151,7 @@ def check_printed(folder):
     frame["composition"].update({"orlu.control.filmSize": {"string": "5"}, "orlu.control.camera_id": 3,
                                  "orlu.control.misspelt": 1})
     (folder / "fates.json").write_text(json.dumps(request))
-    result = run(folder, "--tags", "--strict", "--explain", "film_size", "fates.json")
+    result = run_in(folder, "--tags", "--strict", "--explain", "film_size", "fates.json")
     wanted = """
 tags put over by the composition: 1
     frame 0      3 over the capture result's 0
@@ -178,15 +176,15 @@ explain  control/film_size
 def main():
     samples = sorted((ROOT / "samples").glob("*.json"))
     with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        folder = pathlib.Path(name)
+        folder = Path(name)
         results = list(pool.map(lambda sample: check_sample(sample, folder / sample.stem), samples))
-        problems = [problem for found, _ in results for problem in found] + check_printed(folder / "printed")
+        failures.extend(problem for found, _ in results for problem in found)
+        failures.extend(check_printed(folder / "printed"))
     effects = sum(effects for _, effects in results)
     if effects < len(samples):
-        problems.append(f"only {effects} changes changed anything")
-    print("\n".join(problems) or f"All explained: {effects} changes of {len(samples)} samples changed something")
-    return bool(problems)
+        failures.append(f"only {effects} changes changed anything")
+    finish(f"All explained: {effects} changes of {len(samples)} samples changed something")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

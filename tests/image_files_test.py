@@ -7,27 +7,20 @@ image_files_test.py BUILD_FOLDER
 import json
 import os
 import re
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, expect, finish, run  # noqa: E402
 from image_files import dng, png, read_pgm, read_png, tiff  # noqa: E402
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
 # No DNG file is as small as that.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
 REFUSED = "run: 1 mistake and 0 warnings in 1 of 1 file; nothing runs"
-failures = []
-
-
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{what}: expected {str(wanted)[:400]}, found {str(found)[:400]}")
 
 
 def little_endian_rows(rows, stride):
@@ -65,14 +58,12 @@ def write_files():
         Path(name).write_bytes(content)
 
 
-def run(*requests, check=False):
+def run_requests(*requests, check=False):
     """Runs the requests, as shot0.json and so on, in one command."""
     files = [Path(f"shot{i}.json") for i in range(len(requests))]
     for file, request in zip(files, requests):
         file.write_text(json.dumps(request))
-    command = [ROOT / "run", "--wide", *(["--check"] if check else ["--out", "out"]), *files]
-    return subprocess.run(command, capture_output=True, text=True, env={**os.environ, "ORLU_BUILD": BUILD},
-                          check=False)
+    return run("--wide", *(["--check"] if check else ["--out", "out"]), *files)
 
 
 def request(*inputs):
@@ -94,7 +85,7 @@ def takes_raw():
         {"file": "packed.dng", "format": "RAW16"}, {"file": "tiled.dng", "format": "RAW16"},
         {"file": "thumbnail.dng", "format": "RAW_SENSOR", "stride": 80},
         {"file": "a.png", "format": "RAW16"}, {"file": "a.tiff", "format": "RAW16"})
-    done = run(*(request(image) for image in images))
+    done = run_requests(*(request(image) for image in images))
     expect(f"raw files: {done.stderr}{done.stdout}", (0, False), (done.returncode, "noise" in done.stdout))
     for i, image in enumerate(images):
         samples = SENSOR if image["file"].endswith(".dng") else SAMPLES
@@ -109,7 +100,7 @@ def takes_pictures():
         {"file": "gray.png", "format": "R8G8B8A8"},
         {"file": "tight.nv21", "format": "NV21", "width": WIDTH, "height": HEIGHT},
         {"file": "planes.yuv", "format": "NV21", "width": WIDTH, "height": HEIGHT, "planes": planes})
-    done = run(*(request(image) for image in images))
+    done = run_requests(*(request(image) for image in images))
     expect(f"pictures: {done.stderr}{done.stdout}", 0, done.returncode)
     for i, image in enumerate(images):
         expect(f"{image} in", [[s for s in row for _ in range(3)] for row in GRAY],
@@ -124,7 +115,7 @@ def takes_several():
             "android.sensor.timestamp": {"first": 1, "step": 1}}}})
     two = request({}, {})
     two["inputs"] = {"format": "RAW16", "file": ["a.dng", "packed.dng"]}
-    done = run(mixed, two)
+    done = run_requests(mixed, two)
     for part in ("frame 1 from gray.png", "output 0, luma PSNR", "  2 x RAW16 32x24, ",
                  "frame 1 from packed.dng"):
         expect(f"{part}: {done.stderr}{done.stdout}", 1, done.stdout.count(part))
@@ -169,11 +160,11 @@ def refuses():
         cut = Path("cut.dng").stat().st_size
         line = f"inputs[0]{': ' if problem.startswith('needs') else '.'}" + problem.format(
             size=cut + 1, short=cut)
-        done = run(request(image), check=True)
+        done = run_requests(request(image), check=True)
         expect(image, (2, [f"shot0.json:1:: {line}", REFUSED]),
                (done.returncode, without_columns(done.stderr)))
     for name in ("text.dng", "cut.png"):
-        done = run(request({"file": name, "format": "RAW16"}))
+        done = run_requests(request({"file": name, "format": "RAW16"}))
         lines = without_columns(done.stderr)
         expect(f"{name}: {lines}", [2, True, [REFUSED], ""], [done.returncode, lines[0].startswith(
             f"shot0.json:1:: inputs[0].file: {name}: "), lines[1:], done.stdout])
@@ -184,5 +175,4 @@ with tempfile.TemporaryDirectory() as folder:
     write_files()
     for case in (takes_raw, takes_pictures, takes_several, refuses):
         case()
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()

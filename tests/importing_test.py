@@ -7,28 +7,16 @@ importing_test.py BUILD_FOLDER
 import json
 import os
 import struct
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, expect, finish, run  # noqa: E402
 from image_files import LONG, SHORT, directory, dng  # noqa: E402
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
 FORMS = ROOT / "tests/importing"
 RATIONAL, BYTE, TEXT = 5, 1, 2
-failures = []
-
-
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{what}: expected {str(wanted)[:600]}, found {str(found)[:600]}")
-
-
-def run(*arguments):
-    return subprocess.run([ROOT / "run", *arguments], capture_output=True, text=True, check=False,
-                          env={**os.environ, "ORLU_BUILD": str(BUILD)})
 
 
 def imported(*arguments):
@@ -204,5 +192,4 @@ with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
     for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif, survives_damage):
         case()
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()

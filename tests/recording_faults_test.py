@@ -10,21 +10,17 @@ import sys
 import tempfile
 from pathlib import Path
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, expect, finish, run  # noqa: E402
+
 SAMPLES = ("capture", "bokeh", "raw16", "night-async")
 DAMAGED_OF_EACH = 75
 REPLAYED = 8
-failures = []
 
 
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{what}: expected {str(wanted)[:300]}, found {str(found)[:900]}")
-
-
-def run(*arguments, prefix=(), **environment):
-    done = subprocess.run([*prefix, ROOT / "run", *arguments], capture_output=True, text=True, check=False,
-                          env={**os.environ, "ORLU_BUILD": str(BUILD), **environment})
+def outcome(*arguments, **how):
+    """Status, standard output and standard error of ./run."""
+    done = run(*arguments, **how)
     return done.returncode, done.stdout, done.stderr
 
 
@@ -59,7 +55,7 @@ def check_damage(shots):
     for i in range(DAMAGED_OF_EACH * len(shots)):
         copy = Path("damaged") / f"{i:04}"
         wanted[str(copy)] = damage(shots[i % len(shots)], copy, chance)
-    status, out, err = run("info", "damaged")
+    status, out, err = outcome("info", "damaged")
     expect("info of all", 2, status)
     found = dict(re.findall(r"^(damaged/\d+)\n((?:  .*\n)*)", out, re.MULTILINE))
     for copy, text in wanted.items():
@@ -72,7 +68,7 @@ def check_damage(shots):
     expect("each is in one place", len(wanted), len(found) + err.count("no recording that can be read"))
     expect("longest line", True, max(map(len, out.splitlines())) <= 110)
     for copy in chance.sample(sorted(wanted), REPLAYED):
-        status, out, err = run("replay", copy, "--no-explain")
+        status, out, err = outcome("replay", copy, "--no-explain")
         expect(f"replay {copy}, {wanted[copy]}: {out}{err}", True,
                bool(re.search("(equal|different|ran), | damaged| is cut|no recording|ends before", out + err)))
         expect(f"replay {copy}: {err}", False, "Exception" in err)
@@ -93,7 +89,7 @@ def check_full_disk():
         print("skipped: no file system of a given size can be mounted here")
         return
     Path("full").mkdir()
-    status, plain, _ = run("--out", "plain", request("capture"))
+    status, plain, _ = outcome("--out", "plain", request("capture"))
     expect("without a recorder", 0, status)
     parameters = [line for line in plain.splitlines() if "parameters" in line]
     has_reason = False
@@ -104,28 +100,26 @@ def check_full_disk():
                   "{ \"$@\"; status=$?; cp -r full/. kept; exit $status; }")
         shutil.rmtree("kept", ignore_errors=True)
         Path("kept").mkdir()
-        status, out, err = run("--record", "full/shots", "--out", "images", request("capture"),
-                               prefix=(*alone, "bash", "-c", script, "bash"), ORLU_PIXELS="full/pixels")
+        status, out, err = outcome("--record", "full/shots", "--out", "images", request("capture"),
+                                   command=(*alone, "bash", "-c", script, "bash", ROOT / "run"),
+                                   ORLU_PIXELS="full/pixels")
         what = f"a disk of {size} KiB {option}"
         expect(f"{what}: {out}{err}", 0, status)
         expect(f"{what}: the same results", True, results("plain") == results("images"))
         expect(f"{what}: parameters", parameters, [line for line in out.splitlines() if "parameters" in line])
         expect(f"{what}: log {err}", 1, err.count("WARNING: request 103 is not recorded any further: "))
         for shot in Path("kept").glob("shots/*"):
-            status, out, err = run("info", str(shot))
+            status, out, err = outcome("info", str(shot))
             expect(f"{what}: info {out}{err}", True,
                    "not reached: " in out or "no recording that can be read: " in err)
             has_reason |= "not reached: recording failed: java.io.IOException: No space left on device" in out
     expect("a full disk is the reason in some", True, has_reason)
 
 
-for variable in ("ORLU_EVENTS", "ORLU_ALGO_TRACE", "ORLU_ALGO_LIBRARY", "ORLU_PLANTED", "ORLU_PIXELS"):
-    os.environ.pop(variable, None)
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
-    expect("recorded", 0, run("--record", "shots", "--out", "out", *map(request, SAMPLES))[0])
+    expect("recorded", 0, outcome("--record", "shots", "--out", "out", *map(request, SAMPLES))[0])
     check_damage(sorted(Path("shots").iterdir()))
     check_full_disk()
     os.chdir("/")
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()

@@ -4,18 +4,17 @@ request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which is Debian's
 
 import copy
 import json
-import os
-import pathlib
 import random
 import re
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
 import jsonschema
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-BUILD = pathlib.Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, failures, finish, run  # noqa: E402
+
 MUTATIONS = 12  # of each sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
@@ -50,12 +49,6 @@ outputs.0.stride                                             | -1
 outputs.0.perFrame                                           | 2
 """
 
-problems = []
-
-
-def run(*arguments):
-    return subprocess.run([ROOT / "run", *arguments], env=dict(os.environ, ORLU_BUILD=str(BUILD)), text=True,
-                          capture_output=True, check=False)
 
 
 def refused(folder, requests):
@@ -66,7 +59,7 @@ def refused(folder, requests):
         files[-1].write_text(json.dumps(request))
     result = run("--check", *files)
     if "Exception" in result.stderr:
-        problems.append(result.stderr)
+        failures.append(result.stderr)
     mistakes = re.findall(rf"{re.escape(str(folder))}/(\d+)\.json:\d+:\d+: (?!warning)(.*)", result.stderr)
     return {int(number): text for number, text in reversed(mistakes)}
 
@@ -89,9 +82,9 @@ def check_wrong(folder, schema, sample):
     mistakes = refused(folder, requests)
     for number, (path, value) in enumerate(rows):
         if schema.is_valid(requests[number]):
-            problems.append(f"the schema takes {path} {value}")
+            failures.append(f"the schema takes {path} {value}")
         if number not in mistakes:
-            problems.append(f"./run takes {path} {value}")
+            failures.append(f"./run takes {path} {value}")
 
 
 def places(value, path=()):
@@ -125,10 +118,10 @@ def check_mutations(folder, schema, samples):
     for number, (path, request) in enumerate(mutated):
         error = jsonschema.exceptions.best_match(schema.iter_errors(request))
         if error and number not in mistakes:
-            problems.append(f"./run takes {path}, the schema does not: {error.message[:200]}")
+            failures.append(f"./run takes {path}, the schema does not: {error.message[:200]}")
     refusals = sum(not schema.is_valid(request) for _, request in mutated)
     if len(mistakes) < len(mutated) / 4 or refusals < len(mistakes) * 2 / 3:
-        problems.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")
+        failures.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")
 
 
 def check_fields(folder, schema):
@@ -146,9 +139,9 @@ def check_fields(folder, schema):
             if place in ("request", "client", "frames.common"):
                 properties = properties[place.split(".")[-1]]["properties"]
             if sorted(properties) != names.split(", "):
-                problems.append(f"{place or 'the file'} has {names}, in the schema {', '.join(sorted(properties))}")
+                failures.append(f"{place or 'the file'} has {names}, in the schema {', '.join(sorted(properties))}")
         if len(listed) != len(FIELDS) - 1:
-            problems.append(f"of {len(FIELDS) - 1} places ./run lists the fields of {len(listed)}")
+            failures.append(f"of {len(FIELDS) - 1} places ./run lists the fields of {len(listed)}")
 
 
 def check_new(folder, schema):
@@ -157,21 +150,21 @@ def check_new(folder, schema):
     for kind, file in zip(kinds, files):
         made = run("new", kind, "--out", file)
         if made.returncode:
-            problems.append(f"new {kind}: {made.stderr}")
+            failures.append(f"new {kind}: {made.stderr}")
         text = re.sub(r"^ *//.*$", "", file.read_text(), flags=re.MULTILINE)
-        problems.extend(f"new {kind}: {error.message[:200]}" for error in schema.iter_errors(json.loads(text)))
-        problems.extend(f"new {kind}: {len(line)} columns: {line}" for line in file.read_text().splitlines()
+        failures.extend(f"new {kind}: {error.message[:200]}" for error in schema.iter_errors(json.loads(text)))
+        failures.extend(f"new {kind}: {len(line)} columns: {line}" for line in file.read_text().splitlines()
                         if len(line) > 110)
     result = run("--out", folder / "out", *files)
     verdicts = [line for line in result.stdout.splitlines() if line.startswith("verdict")]
     if result.returncode or len(verdicts) <= len(kinds) or len(kinds) < 20:
-        problems.append(f"of {len(kinds)} kinds {verdicts}: {result.stderr}")
+        failures.append(f"of {len(kinds)} kinds {verdicts}: {result.stderr}")
     for arguments, text in ((["nite"], "no kind of capture is called nite"), (["hdr6"], "(did you mean hdr"),
                             (["hdr5", "--out", files[0]], "there is a file already"),
                             (["--out", "x"], "needs a KIND")):
         failed = run("new", *arguments)
         if failed.returncode != 2 or text not in failed.stderr:
-            problems.append(f"new {arguments}: status {failed.returncode}, {failed.stderr}")
+            failures.append(f"new {arguments}: status {failed.returncode}, {failed.stderr}")
 
 
 def main():
@@ -180,21 +173,20 @@ def main():
     schema = jsonschema.Draft7Validator(text)
     samples = [json.loads(file.read_text()) for file in sorted((ROOT / "samples").glob("*.json"))]
     for sample in samples:
-        problems.extend(f"{sample['about']}: {error.message[:200]}"
+        failures.extend(f"{sample['about']}: {error.message[:200]}"
                         for error in schema.iter_errors({**sample, "$schema": "request.schema.json"}))
         # Its photos are beside the samples, and what is made of them is elsewhere.
         if "photo" in sample:
             sample["photo"] = str(ROOT / "samples" / sample["photo"])
     with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
+        folder = Path(name)
         capture = json.loads((ROOT / "samples/capture.json").read_text())
         check_wrong(folder, schema, {**capture, "photo": str(ROOT / "samples" / capture["photo"])})
         check_mutations(folder, schema, samples)
         check_fields(folder, text)
         check_new(folder, schema)
-    print("\n".join(problems) or f"{len(samples)} samples, {MUTATIONS} mutations each")
-    return bool(problems)
+    finish(f"{len(samples)} samples, {MUTATIONS} mutations each")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

@@ -4,16 +4,13 @@ timeline_test.py BUILD_FOLDER"""
 
 import collections
 import json
-import os
-import pathlib
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-BUILD = pathlib.Path(sys.argv[1]).resolve()
-ENVIRONMENT = {key: value for key, value in os.environ.items()
-               if key not in ("ANDROID_LOG_TAGS", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PLANTED")}
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import BUILD, ROOT, failures, finish, run  # noqa: E402
+
 
 # samples | planted fault | how many slices of a name or category | points of each arrow
 CASES = """
@@ -27,7 +24,6 @@ night-async | silent | Java: wait 1, wait for the callback 0, callback 0, Java: 
 capture | aborts:process | translation 1, process 1, wait for the callback 0, Java: process 0 |
 """
 
-failures = []
 
 
 def nanoseconds(microseconds):
@@ -109,15 +105,12 @@ def wait_ends_with_callback(trace):
 with tempfile.TemporaryDirectory() as folder:
     for case in CASES.strip().splitlines():
         samples, fault, slice_counts, arrow_points = (field.strip() for field in case.split("|"))
-        environment = dict(ENVIRONMENT, ORLU_BUILD=str(BUILD))
-        if fault:
-            environment.update(ORLU_ALGO_LIBRARY=str(BUILD / "planted/planted_algo.so"), ORLU_PLANTED=fault)
-        file = pathlib.Path(folder) / "timeline.json"
+        planted = {"ORLU_ALGO_LIBRARY": str(BUILD / "planted/planted_algo.so"), "ORLU_PLANTED": fault}
+        file = Path(folder) / "timeline.json"
         file.unlink(missing_ok=True)
-        result = subprocess.run(
-            [ROOT / "run", "--out", "shots", "--timeline", file,
-             *(ROOT / f"samples/{sample}.json" for sample in samples.split())],
-            env=environment, cwd=folder, text=True, capture_output=True, check=False)
+        result = run("--out", "shots", "--timeline", file,
+                     *(ROOT / f"samples/{sample}.json" for sample in samples.split()), cwd=folder,
+                     **(planted if fault else {}))
         if not file.exists():
             failures.append(f"{samples}, {fault}: no timeline: {result.stderr}")
             continue
@@ -127,7 +120,4 @@ with tempfile.TemporaryDirectory() as folder:
         if samples == "night" and not wait_ends_with_callback(timeline):
             failures.append("night: the wait is not from process to callback")
 
-for failure in failures:
-    print("FAILED:", failure)
-print("All passed" if not failures else f"{len(failures)} failures")
-sys.exit(bool(failures))
+finish()

@@ -6,13 +6,14 @@ trimming_test.py BUILD_FOLDER
 
 import json
 import os
-import subprocess
 import sys
 import tempfile
 import zlib
 from pathlib import Path
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
+sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import ROOT, expect, failures, finish, run  # noqa: E402
+
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
 # For each image: format | memory | planes as (stride, bytes behind the last row) | bytes of each plane to a column of
@@ -28,17 +29,11 @@ LAYOUTS = {
     "raw10": ("MIPI_RAW10", "hardware", [(44, 0)], [1.25], [1]),
     "rgba": ("R8G8B8A8", "hardware", [(136, 0)], [4], [1]),
 }
-failures = []
 
 
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{what}: expected {str(wanted)[:300]}, found {str(found)[:300]}")
-
-
-def run(status, *arguments):
-    done = subprocess.run([ROOT / "run", *arguments], capture_output=True, text=True, check=False,
-                          env={**os.environ, "ORLU_BUILD": BUILD})
+def said_by(status, *arguments):
+    """What ./run prints, which ends with this status, or with any for None."""
+    done = run(*arguments)
     if status not in (None, done.returncode):
         failures.append(f"{arguments}: status {done.returncode} instead of {status}: "
                         f"{done.stdout}{done.stderr}")
@@ -124,18 +119,18 @@ def check_crop(name, layout, folder):
 def check_every_layout():
     for name, layout in LAYOUTS.items():
         Path(f"{name}.json").write_text(json.dumps(request(name, layout)))
-    run(None, "--record", "shots", "--out", "out", *[f"{name}.json" for name in LAYOUTS])
+    said_by(None, "--record", "shots", "--out", "out", *[f"{name}.json" for name in LAYOUTS])
     shots = sorted(Path("shots").iterdir())
     expect("recordings", len(LAYOUTS), len(shots))
     for shot, (name, layout) in zip(shots, LAYOUTS.items()):
-        said = run(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
+        said = said_by(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
         expect(f"{name} note", True, "note: these tags hold sizes or places" in said)
         check_crop(name, layout, Path("cropped") / name)
-    said = run(0, "replay", "cropped")
+    said = said_by(0, "replay", "cropped")
     expect("replayed", len(LAYOUTS), said.count(": ran, "))
     expect("said", len(LAYOUTS), said.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
     # The middle, in steps that every format has.
-    said = run(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + run(0, "info", "middle")
+    said = said_by(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + said_by(0, "info", "middle")
     expect("the middle", True, "cropped to 20x12" in said)
     pixels = Path("middle/input0.bin").read_bytes()
     expect("the middle's rows", bytes(value(0, 6, 4 + b) for b in range(20)), pixels[:20])
@@ -148,7 +143,7 @@ def check_every_layout():
         "24,6,12,10": "12x10 from 24,6 does not lie in input 0, which has 32x24",
         "36,10": "36x10 does not lie in input 0, which has 32x24",
     }.items():
-        said = run(2, "trim", shots[0], "--out", "refused", "--crop", area)
+        said = said_by(2, "trim", shots[0], "--out", "refused", "--crop", area)
         expect(area, f"run: --crop: {problem}\n", said)
     expect("nothing is left", False, Path("refused").exists())
 
@@ -156,11 +151,11 @@ def check_every_layout():
 def check_samples():
     """Some frames, and cropped, of several kinds: how many inputs and outputs are left."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
-    run(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
+    said_by(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
         frames = [part for part in parts(shot) if part["part"] == "frame"]
         kept = [len(frames) - 1]
-        said = run(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
+        said = said_by(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
         expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: left as it is" in said)
         found = parts(Path("few") / kind)
         expect(f"{kind} frames", [{**frames[kept[0]], "index": 0}],
@@ -168,17 +163,14 @@ def check_samples():
         images = [part for part in found if part["part"] == "input"]
         expect(f"{kind} inputs", list(range(inputs)), [image["index"] for image in images])
         expect(f"{kind} files", True, all((Path("few") / kind / image["file"]).exists() for image in images))
-    said = run(0, "replay", "few")
+    said = said_by(0, "replay", "few")
     expect("kinds replayed", len(kinds), said.count(": ran, "))
 
 
-for variable in ("ORLU_EVENTS", "ORLU_ALGO_TRACE", "ORLU_ALGO_LIBRARY", "ORLU_PLANTED", "ORLU_PIXELS"):
-    os.environ.pop(variable, None)
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
     Path("cropped").mkdir()
     check_every_layout()
     check_samples()
     os.chdir("/")
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()

@@ -1,0 +1,35 @@
+"""What the tests of the command share: ./run over a build that is there, and what failed.
+
+The build's folder is the test's first argument.
+"""
+
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+BUILD = Path(sys.argv[1]).resolve()
+# What changes the course of ./run, and whoever runs the tests may have set.
+SWITCHES = ("ANDROID_LOG_TAGS", "ORLU_ALGO_LIBRARY", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PIXELS",
+            "ORLU_PLANTED")
+failures = []
+
+
+def run(*arguments, command=(ROOT / "run",), cwd=None, **variables):
+    """What became of ./run with these arguments and, in its environment, these variables."""
+    inherited = {name: value for name, value in os.environ.items() if name not in SWITCHES}
+    environment = {**inherited, "ORLU_BUILD": str(BUILD), **variables}
+    return subprocess.run([*command, *arguments], cwd=cwd, env=environment, encoding="utf-8",
+                          capture_output=True, check=False)
+
+
+def expect(what, wanted, found):
+    if wanted != found:
+        failures.append(f"{str(what)[:300]}:\n  expected {str(wanted)[:700]}\n  found    {str(found)[:700]}")
+
+
+def finish(passed="All passed"):
+    """Ends the test, with what failed or this line."""
+    print("\n".join(failures) or passed)
+    sys.exit(bool(failures))
