@@ -15,6 +15,6 @@ endforeach()
 add_library(headers_alone OBJECT EXCLUDE_FROM_ALL ${sources})
 target_include_directories(headers_alone PRIVATE
   ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR}/conformance/generated ${CMAKE_BINARY_DIR}/fuzz/generated
-  bench conformance conformance/kit fuzz/support host/algo host/probe jni tests tests/support)
+  bench conformance conformance/kit fuzz/support host/algo host/probe host/trial jni tests tests/support)
 target_compile_options(headers_alone PRIVATE -O0 -g0)
 target_link_libraries(headers_alone PRIVATE orlu_options orlu_host_headers)

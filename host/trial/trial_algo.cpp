@@ -3,20 +3,16 @@
 
 #include <jni.h>
 
-#include <cstring>
 #include <string_view>
 #include <vector>
 
 #include "algo_interface.h"
+#include "answering_table.h"
 
 namespace orlu::trial {
 namespace {
 
-using android::hardware::hidl_handle;
-using android::hardware::hidl_vec;
-
-// Its address is every client and block. Nothing is ever kept behind it.
-int gToken = 0;
+int gToken = 0;  // its address is every client and block
 
 // The record: section, key and value of each write, each as a 32-bit length in the machine's order and so
 // many bytes. The algorithm list has the section "", and a write for the list and for each name.
@@ -41,34 +37,11 @@ int setValue(void* /*block*/, const char* section, const char* key, void* data, 
   return 0;
 }
 
-void callBack(const AlgoProcessRecord& record) {
-  constexpr size_t kNameLength = sizeof kShotCallback - 1;
-  CallbackHeader header = {};
-  header.nativeReq = record.nativeReq;
-  header.nameLength = kNameLength;
-  std::vector<uint8_t> message(kCallbackNameOffset + kNameLength);
-  std::memcpy(message.data(), &header, kCallbackNameOffset);
-  std::memcpy(message.data() + kCallbackNameOffset, kShotCallback, kNameLength);
-  (*reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(record.callbackCookie)))(
-      hidl_vec<uint8_t>(message), hidl_vec<uint8_t>(), hidl_vec<hidl_handle>());
-}
-
 int process(const AlgoProcessRecord& record) {
   appendWrite("", "algorithms", "", 0);
   for (const std::string& name : record.algoList) appendWrite("", "algorithms", name.data(), name.size());
-  callBack(record);
+  callBackDone(record.callbackCookie, record.nativeReq);
   return 0;
-}
-
-void fillMetadataOps(AlgoMetadataOps& ops) {
-  ops.createMetadata = [](int) -> void* { return &gToken; };
-  ops.destroyMetadata = [](void*) {};
-  ops.getSize = [](void*) { return 0U; };
-  ops.setValue = setValue;
-  ops.getValue = [](void*, const char*, const char*, void*, unsigned) { return -1; };
-  ops.setRaw = [](void*, const char*, unsigned) { return 0; };
-  ops.paramAlgoUpdateToSystem = [](void*, const AlgoMetadataVisitor&) { return 0; };
-  ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
 }
 
 }  // namespace
@@ -77,14 +50,9 @@ void fillMetadataOps(AlgoMetadataOps& ops) {
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
-  table->init = [](const orlu::AlgoInitRecord&) { return 0; };
+  orlu::trial::fillAnsweringTable(*table, &orlu::trial::gToken);
   table->process = orlu::trial::process;
-  table->uninit = [](const orlu::AlgoUninitRecord&) { return 0; };
-  table->flush = [](const orlu::AlgoFlushRecord&) { return 0; };
-  table->command = [](const orlu::AlgoCommandRecord&) { return 0; };
-  table->createClient = [](const orlu::AlgoCreateClientRecord&) -> void* { return &orlu::trial::gToken; };
-  table->destroyClient = [](void*) { return 0; };
-  orlu::trial::fillMetadataOps(table->metadataOps);
+  table->metadataOps.setValue = orlu::trial::setValue;
 }
 
 // TrialLibrary.take(): the record since the last call; null when the VM has no memory for it.

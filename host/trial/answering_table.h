@@ -1,0 +1,45 @@
+// The table of an algorithm library that answers at once and keeps nothing, for the trials and the
+// benchmarks.
+#pragma once
+
+#include <cstring>
+
+#include "algo_interface.h"
+
+namespace orlu::trial {
+
+// Fills every callable but process(). `token` is every client and block; nothing is ever kept behind it.
+inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
+  table.init = [](const AlgoInitRecord&) { return 0; };
+  table.uninit = [](const AlgoUninitRecord&) { return 0; };
+  table.flush = [](const AlgoFlushRecord&) { return 0; };
+  table.command = [](const AlgoCommandRecord&) { return 0; };
+  table.createClient = [token](const AlgoCreateClientRecord&) { return token; };
+  table.destroyClient = [](void*) { return 0; };
+  AlgoMetadataOps& ops = table.metadataOps;
+  ops.createMetadata = [token](int) { return token; };
+  ops.destroyMetadata = [](void*) {};
+  ops.getSize = [](void*) { return 0U; };
+  ops.setValue = [](void*, const char*, const char*, void*, unsigned) { return 0; };
+  ops.getValue = [](void*, const char*, const char*, void*, unsigned) { return -1; };
+  ops.setRaw = [](void*, const char*, unsigned) { return 0; };
+  ops.paramAlgoUpdateToSystem = [](void*, const AlgoMetadataVisitor&) { return 0; };
+  ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
+}
+
+// Calls the result callback behind the cookie on this thread: the request is done. Takes nothing from the
+// heap.
+inline void callBackDone(uint64_t cookie, uint64_t nativeReq) {
+  constexpr size_t kNameLength = sizeof kShotCallback - 1;
+  CallbackHeader header = {};
+  header.nativeReq = nativeReq;
+  header.nameLength = kNameLength;
+  uint8_t message[kCallbackNameOffset + kNameLength];
+  std::memcpy(message, &header, kCallbackNameOffset);
+  std::memcpy(message + kCallbackNameOffset, kShotCallback, kNameLength);
+  android::hardware::hidl_vec<uint8_t> data;
+  data.setToExternal(message, sizeof message);
+  (*reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie)))(data, {}, {});
+}
+
+}  // namespace orlu::trial
