@@ -8,39 +8,24 @@
 #include "benches.h"
 #include "kinds.h"
 #include "measured.h"
+#include "recorder_calls.h"
 
 namespace orlu::bench {
 namespace {
-
-#define OBJECT "Ljava/lang/Object;"
-#define SERVICE "com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService"
-constexpr char kRecorder[] = "com/orlu/orlu3rdalgoservice/record/RequestRecorder";
-constexpr char kPlainCall[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
-constexpr char kRecordedCall[] = "(L" SERVICE ";J" OBJECT OBJECT OBJECT OBJECT ")I";
-
-jobject newRecorder(const std::string& folder) {
-  jobject file = test::newObject("java/io/File", "(Ljava/lang/String;)V", test::javaString(folder));
-  return test::newObject(kRecorder, "(Ljava/io/File;IJ)V", file, 1, int64_t{1} << 30);
-}
 
 void recorderBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
   Shot shot(plan);
   std::string folder = std::filesystem::temp_directory_path() / "recorder_bench_XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) return state.SkipWithError("no folder can be made");
-  const jobject service = test::newObject(SERVICE, "()V");
-  const jlong client = test::call(service, "createNativeClient", "(" OBJECT ")J", shot.firstComposition()).j;
-  const jobject recorder = newRecorder(folder);
+  const jobject service = test::newService();
+  const jlong client = test::newServiceClient(service, shot.firstComposition());
+  const jobject recorder = test::newRecorder(folder, 1, int64_t{1} << 30);
   const auto seconds = [&](bool isRecorded) {
     shot.refresh();
     const NativeFrame frame;
     const auto begin = Clock::now();
-    if (isRecorded) {
-      test::call(recorder, "processImage", kRecordedCall, service, client, shot.request(), shot.inputs(),
-                 shot.outputs(), shot.compositions());
-    } else {
-      test::call(service, "processImage", kPlainCall, client, shot.request(), shot.inputs(), shot.outputs(),
-                 shot.compositions());
-    }
+    test::processImage(isRecorded ? recorder : nullptr, service, client, shot.request(), shot.inputs(),
+                       shot.outputs(), shot.compositions());
     return Seconds(Clock::now() - begin).count();
   };
   for (int i = 0; i < warmUp; ++i) seconds(i % 2 == 0);
@@ -51,7 +36,7 @@ void recorderBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
     times.push_back(seconds(true));
     state.SetIterationTime(times.back());
   }
-  test::call(service, "destroyNativeClient", "(J)I", client);
+  test::destroyServiceClient(service, client);
   uintmax_t bytes = 0;
   for (const auto& file : std::filesystem::recursive_directory_iterator(folder)) {
     if (file.is_regular_file()) bytes += file.file_size();

@@ -9,16 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "recorder_calls.h"
 #include "request_scene.h"
 
 namespace orlu {
 namespace {
-
-#define OBJECT "Ljava/lang/Object;"
-#define SERVICE "com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService"
-constexpr char kRecorder[] = "com/orlu/orlu3rdalgoservice/record/RequestRecorder";
-constexpr char kPlainCall[] = "(J" OBJECT OBJECT OBJECT OBJECT ")I";
-constexpr char kRecordedCall[] = "(L" SERVICE ";J" OBJECT OBJECT OBJECT OBJECT ")I";
 
 // In memory where there is such a folder: under the emulator a 32-bit VM can't list one of a file system
 // whose positions have 64 bits, and the recorder then finds no old recordings.
@@ -37,32 +32,24 @@ protected:
       if (call.operation == "process") mDuring();
     };
     mAlgo.use();
-    mClient =
-        test::call(mService, "createNativeClient", "(" OBJECT ")J", static_cast<jobject>(mCompositions[0])).j;
+    mClient = test::newServiceClient(mService, mCompositions[0]);
   }
   void TearDown() override {
-    test::call(mService, "destroyNativeClient", "(J)I", mClient);
+    test::destroyServiceClient(mService, mClient);
     std::filesystem::remove_all(mFolder);
     RequestScene::TearDown();
   }
 
   // Into a folder of this name in the test's own.
   jobject newRecorder(const std::string& name, int count, int64_t bytes) const {
-    jobject file =
-        test::newObject("java/io/File", "(Ljava/lang/String;)V", test::javaString(mFolder + "/" + name));
-    return test::newObject(kRecorder, "(Ljava/io/File;IJ)V", file, count, bytes);
+    return test::newRecorder(mFolder + "/" + name, count, bytes);
   }
   // The status of a request, "thrown" when it throws.
   std::string run(jobject recorder, jobject inputs, jobject compositions) {
     mTrace.clear();
     try {
-      jobject request = test::newRequest(kReqId, "capture");
-      const int status = recorder == nullptr ? test::call(mService, "processImage", kPlainCall, mClient,
-                                                          request, inputs, mOutputs, compositions)
-                                                   .i
-                                             : test::call(recorder, "processImage", kRecordedCall, mService,
-                                                          mClient, request, inputs, mOutputs, compositions)
-                                                   .i;
+      const int status = test::processImage(recorder, mService, mClient, test::newRequest(kReqId, "capture"),
+                                            inputs, mOutputs, compositions);
       return std::to_string(status) + ": " + mTrace;
     } catch (const std::runtime_error& e) {
       test::env()->ExceptionClear();
@@ -85,7 +72,7 @@ protected:
     return found;
   }
 
-  const jobject mService = test::newObject(SERVICE, "()V");
+  const jobject mService = test::newService();
   std::string mFolder;
   jlong mClient = 0;
   std::function<void()> mDuring = [] {};  // while the request runs

@@ -1,0 +1,46 @@
+// How the tests and the benchmarks call the service's Java class, and the recorder around it.
+#pragma once
+
+#include <jni.h>
+
+#include <string>
+
+#include "fixtures.h"
+
+namespace orlu::test {
+
+// A service, which makes its clients and runs their requests.
+inline jobject newService() {
+  return newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");
+}
+
+// The address of a client that lasts until destroyServiceClient().
+inline jlong newServiceClient(jobject service, jobject composition) {
+  return call(service, "createNativeClient", "(Ljava/lang/Object;)J", composition).j;
+}
+
+inline void destroyServiceClient(jobject service, jlong client) {
+  call(service, "destroyNativeClient", "(J)I", client);
+}
+
+// A recorder into this folder, of so many recordings of so many bytes at most.
+inline jobject newRecorder(const std::string& folder, int count, int64_t bytes) {
+  jobject file = newObject("java/io/File", "(Ljava/lang/String;)V", javaString(folder));
+  return newObject("com/orlu/orlu3rdalgoservice/record/RequestRecorder", "(Ljava/io/File;IJ)V", file, count,
+                   bytes);
+}
+
+// The status of a request, through the recorder, or past it when that is null.
+inline int processImage(jobject recorder, jobject service, jlong client, jobject request, jobject inputs,
+                        jobject outputs, jobject compositions) {
+#define OBJECTS "Ljava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;"
+  if (recorder == nullptr) {
+    return call(service, "processImage", "(J" OBJECTS ")I", client, request, inputs, outputs, compositions).i;
+  }
+  return call(recorder, "processImage", "(Lcom/orlu/orlu3rdalgoservice/Orlu3rdAlgoService;J" OBJECTS ")I",
+              service, client, request, inputs, outputs, compositions)
+      .i;
+#undef OBJECTS
+}
+
+}  // namespace orlu::test
