@@ -15,7 +15,6 @@ namespace {
 
 constexpr char kKey[] = "conform_key";
 constexpr char kOtherKey[] = "conform_key2";
-constexpr size_t kMostBytes = 8482;  // the largest parameter that the service sets
 
 std::string pattern(size_t size, int seed) {
   std::string bytes(size, '\0');

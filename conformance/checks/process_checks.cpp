@@ -23,7 +23,6 @@ namespace {
 
 constexpr uint64_t kWarmUp = 50;
 constexpr uint64_t kRequests = 200;
-constexpr size_t kMostBytes = 8482;
 
 // What a process holds; the largest growth that is noise.
 struct Holding {

@@ -27,6 +27,9 @@ constexpr ParameterSize kParameters[] = {
 #include "parameter_sizes.inc"
 };
 
+// Bytes of the largest parameter that the service sets, "remosaic_eeprom_data".
+constexpr size_t kMostBytes = 8482;
+
 // Algorithms that the service knows by name.
 constexpr const char* kAlgorithms[] = {
 #include "algorithm_names.inc"
