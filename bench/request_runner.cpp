@@ -6,6 +6,7 @@
 #include "answering_algo.h"
 #include "jni_recorder.h"
 #include "log.h"
+#include "log_capture.h"
 #include "request_processor.h"
 
 namespace orlu::bench {
@@ -124,7 +125,7 @@ LogLines RequestRunner::logLines() {
 void silenceLog() {
   gVAFCtrlLogLevel = kFirstSilentLogLevel;
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);
-  __android_log_set_logger([](const __android_log_message*) {});
+  test::silenceLog();
 }
 
 }  // namespace orlu::bench

@@ -103,6 +103,7 @@ TEST_F(AlgoNativeClientJvmTest, PassesZeroFirst) {
 TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   const test::StaticCallHook destroying([&](va_list) { mClient.reset(); });
   mClient->onPostProcessDataCommonShot(mFullAsync);
+  EXPECT_EQ(nullptr, mClient) << "Java was not called";
 }
 
 // Between the callback's looking for the client and its announcement.

@@ -1,31 +1,24 @@
 // The recorder of the service: what goes wrong with a recording never reaches the request.
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "paths.h"
 #include "recorder_calls.h"
 #include "request_scene.h"
 
 namespace orlu {
 namespace {
 
-// In memory where there is such a folder: under the emulator a 32-bit VM can't list one of a file system
-// whose positions have 64 bits, and the recorder then finds no old recordings.
-std::filesystem::path temporaryFolder() {
-  constexpr char kMemory[] = "/dev/shm";
-  return access(kMemory, W_OK) == 0 ? kMemory : std::filesystem::temp_directory_path();
-}
-
 class RequestRecorderTest : public test::RequestScene {
 protected:
   RequestRecorderTest() {
-    std::string name = temporaryFolder() / "recorder_XXXXXX";
+    std::string name = test::temporaryFolder() + "recorder_XXXXXX";
     mFolder = mkdtemp(name.data());
     mAlgo.script.observer = [this, before = mAlgo.script.observer](const standin::AlgoCall& call) {
       before(call);

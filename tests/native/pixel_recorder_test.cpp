@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "event_recorder.h"
+#include "paths.h"
 #include "pixel_file.h"
 
 namespace orlu::probe {
@@ -44,11 +45,6 @@ size_t openDescriptors() {
   size_t open = 0;
   for (int fd = 0; fd < kMost; ++fd) open += fcntl(fd, F_GETFD) >= 0 ? 1 : 0;
   return open;
-}
-
-// In memory where there is such a folder, for the same reason.
-std::string temporaryFolder() {
-  return access("/dev/shm", W_OK) == 0 ? "/dev/shm/" : testing::TempDir();
 }
 
 TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
@@ -205,7 +201,7 @@ protected:
   }
 
   AlgoInterfaceCallbacks mTable;
-  const std::string mFolder = temporaryFolder() + "pixels_folder_" + std::to_string(getpid());
+  const std::string mFolder = test::temporaryFolder() + "pixels_folder_" + std::to_string(getpid());
   const std::string mEvents = mFolder + ".events";
 };
 
