@@ -2,7 +2,6 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 
 import com.fasterxml.jackson.core.JsonFactory;
 import com.fasterxml.jackson.core.JsonFactoryBuilder;
-import com.fasterxml.jackson.core.JsonLocation;
 import com.fasterxml.jackson.core.JsonParseException;
 import com.fasterxml.jackson.core.JsonParser;
 import com.fasterxml.jackson.core.JsonToken;
@@ -34,22 +33,22 @@ final class JsonFileReader {
     private static final int MAX_DEPTH = 64;
     private static final int LONGEST_NUMBER = 400;
     private static final int MAX_EXPONENT = 400;
-    /** So many commas too many are passed over. */
-    private static final int MOST_COMMAS = 100;
+    /** So many slips are passed over. */
+    private static final int MOST_MENDS = 100;
 
     private final Mistakes mMistakes;
-    private final String mText;
+    private final MendedText mText;
     private final JsonParser mParser;
-    private final int mCommas;
     private int mValues;
 
-    private JsonFileReader(String text, Mistakes mistakes, int commas) throws IOException {
+    private JsonFileReader(MendedText text, Mistakes mistakes) throws IOException {
+        // Texts in single quotes are read, and are mistakes.
         JsonFactory factory = new JsonFactoryBuilder().enable(JsonReadFeature.ALLOW_JAVA_COMMENTS)
+                .enable(JsonReadFeature.ALLOW_SINGLE_QUOTES)
                 .disable(JsonFactory.Feature.INTERN_FIELD_NAMES).build();
         mMistakes = mistakes;
         mText = text;
-        mCommas = commas;
-        mParser = factory.createParser(text);
+        mParser = factory.createParser(text.text());
     }
 
     /** The file's value; null when it has none, or too much, which is then among the mistakes. */
@@ -64,7 +63,7 @@ final class JsonFileReader {
                 return null;
             }
             String text = decoded(bytes, mistakes);
-            return text == null ? null : new JsonFileReader(text, mistakes, 0).document();
+            return text == null ? null : new JsonFileReader(new MendedText(text), mistakes).document();
         } catch (NoSuchFileException e) {
             mistakes.add(0, 0, "", "no such file" + NearestWord.questionOnFile(path));
         } catch (IOException e) {
@@ -97,33 +96,42 @@ final class JsonFileReader {
             }
             JsonValue root = value(0);
             if (mValues <= MOST_VALUES && mParser.nextToken() != null) {
-                add(mParser.getTokenLocation(), "not JSON: more text after the end of the value");
+                add(tokenStart(), "not JSON: more text after the end of the value");
                 return null;
             }
             return mValues <= MOST_VALUES ? root : null;
         } catch (JsonParseException e) {
-            SyntaxHint hint = SyntaxHint.of(e, mText);
-            mMistakes.add(e.getLocation().getLineNr(),
-                    Math.max(1, e.getLocation().getColumnNr() - hint.charactersBack()), "",
-                    "not JSON: " + hint.problem());
-            return hint.comma() < 0 || mCommas == MOST_COMMAS ? null
-                    : new JsonFileReader(without(hint.comma()), mMistakes, mCommas + 1).document();
+            // With the slip mended, the mistakes behind it are found too.
+            SyntaxHint hint = SyntaxHint.of(e, mText.text());
+            add(hint.at(), "not JSON: " + hint.problem());
+            if (hint.mend() == null || mText.mends() == MOST_MENDS) {
+                return null;
+            }
+            mText.mend(hint.mend());
+            return new JsonFileReader(mText, mMistakes).document();
         }
     }
 
-    // A comma too many is the mistake that editing makes most: with a blank for it, everything keeps its
-    // place, and the others are found too.
-    private String without(int comma) {
-        return mText.substring(0, comma) + ' ' + mText.substring(comma + 1);
+    private void add(long at, String problem) {
+        MendedText.Position position = mText.position(at);
+        mMistakes.add(position.line(), position.column(), "", problem);
     }
 
-    private void add(JsonLocation at, String problem) {
-        mMistakes.add(at.getLineNr(), at.getColumnNr(), "", problem);
+    // The offset of the current token.
+    private long tokenStart() {
+        return mParser.getTokenLocation().getCharOffset();
+    }
+
+    // Of a name or a text.
+    private void needDoubleQuotes(long at) {
+        if (mText.text().charAt((int) at) == '\'') {
+            add(at, "not JSON: unexpected '''; texts need double quotes");
+        }
     }
 
     // The parser is at the value's first token, and then at its last one.
     private JsonValue value(int depth) throws IOException {
-        JsonLocation at = mParser.getTokenLocation();
+        long at = tokenStart();
         Object content = null;
         if (++mValues == MOST_VALUES + 1) {
             add(at, "needs at most " + MOST_VALUES + " values, found more");
@@ -133,14 +141,15 @@ final class JsonFileReader {
         } else {
             content = content(depth);
         }
-        return new JsonValue(content, at.getLineNr(), at.getColumnNr());
+        MendedText.Position position = mText.position(at);
+        return new JsonValue(content, position.line(), position.column());
     }
 
     private Object content(int depth) throws IOException {
         return switch (mParser.currentToken()) {
             case START_OBJECT -> object(depth);
             case START_ARRAY -> array(depth);
-            case VALUE_STRING -> mParser.getText();
+            case VALUE_STRING -> string();
             case VALUE_NUMBER_INT, VALUE_NUMBER_FLOAT -> number();
             case VALUE_TRUE -> true;
             case VALUE_FALSE -> false;
@@ -148,11 +157,17 @@ final class JsonFileReader {
         };
     }
 
+    private String string() throws IOException {
+        needDoubleQuotes(tokenStart());
+        return mParser.getText();
+    }
+
     private Map<String, JsonValue.Member> object(int depth) throws IOException {
         Map<String, JsonValue.Member> members = new LinkedHashMap<>();
         while (mValues <= MOST_VALUES && mParser.nextToken() != JsonToken.END_OBJECT) {
             String name = mParser.currentName();
-            JsonLocation at = mParser.getTokenLocation();
+            long at = tokenStart();
+            needDoubleQuotes(at);
             mParser.nextToken();
             JsonValue.Member first = members.get(name);
             if (first != null) {
@@ -160,7 +175,8 @@ final class JsonFileReader {
                         + first.line() + " column " + first.column());
             }
             JsonValue value = value(depth + 1);
-            members.putIfAbsent(name, new JsonValue.Member(at.getLineNr(), at.getColumnNr(), value));
+            MendedText.Position position = mText.position(at);
+            members.putIfAbsent(name, new JsonValue.Member(position.line(), position.column(), value));
         }
         return members;
     }
@@ -186,7 +202,7 @@ final class JsonFileReader {
                 // An exponent that no BigDecimal holds.
             }
         }
-        add(mParser.getTokenLocation(), "needs a number that some type holds, found " + JsonField.cut(text));
+        add(tokenStart(), "needs a number that some type holds, found " + JsonField.cut(text));
         return BigDecimal.ZERO;
     }
 }
