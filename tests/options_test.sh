@@ -37,7 +37,8 @@ diff a|diff needs two runs, or --lib twice; see ./run diff --help
 diff . . --out old|--out: needs a folder, found a file: old
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
-conform --onyl x|unknown option --onyl; see ./run conform --help
+trials|needs FOLDER; see ./run trials --help
+conform --onyl x|unknown option --onyl (did you mean --only?); see ./run conform --help
 conform --junit|--junit needs a value; see ./run conform --help
 conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help
 conform --seed few|--seed takes a number that is not negative, not "few"; see ./run conform --help
@@ -48,6 +49,26 @@ for line in 'mime.json: no such file (did you mean mine.json?)' 'b/minr.json: no
   'none/mine.json: no such file'; do
   grep -qxF "$line" err || fail "\"$line\" is not said: $(cat err)"
 done
+
+echo "== What is refused before a build"
+# A checkout without anything to build: what goes on finds no build.
+mkdir bare
+mkdir bare/service
+cp -r "$root/run" "$root/scripts" bare
+cp -r "$root/service/command" bare/service
+while IFS='|' read -r arguments line; do
+  read -ra words <<<"$arguments"
+  status=0
+  ORLU_BUILD='' bare/run "${words[@]}" >out 2>err || status=$?
+  [ "$status $(cat err)" = "2 run: $line" ] || fail "./run $arguments without a build: $status $(cat err)"
+done <<'UNBUILT'
+--jason|unknown option --jason (did you mean --json?); see ./run --help
+--out --json a --paramss=1|unknown option --paramss=1 (did you mean --params?); see ./run --help
+tags --jsn|unknown option --jsn (did you mean --json?); see ./run tags --help
+reply|reply: no such file or subcommand (did you mean replay?); see ./run --help
+--log info a|the subcommand comes first: ./run info ...; see ./run --help
+UNBUILT
+rm -r bare
 
 echo "== Help and version, without a build"
 export ORLU_BUILD=none

@@ -8,7 +8,6 @@ import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.command.LauncherCommand;
 import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
-import com.orlu.orlu3rdalgoservice.tool.request.NearestWord;
 
 import java.util.Arrays;
 import java.util.List;
@@ -105,7 +104,8 @@ final class Commands {
     }
 
     private static CommandLine reader(Command command) {
-        return new CommandLine(specOf(command)).setOverwrittenOptionsAllowed(true);
+        return new CommandLine(specOf(command)).setOverwrittenOptionsAllowed(true)
+                .setExpandAtFiles(false);
     }
 
     private static String helpOf(Command command) {
@@ -115,9 +115,8 @@ final class Commands {
     private static String problem(ParameterException e) {
         if (e instanceof UnmatchedArgumentException unmatched) {
             String first = unmatched.getUnmatched().get(0);
-            return !unmatched.isUnknownOption() ? "one argument too many: " + first
-                    : "unknown option " + first + NearestWord.question(first.replaceFirst("=.*", ""),
-                            e.getCommandLine().getCommandSpec().optionsMap().keySet());
+            // The launcher refused unknown options, with the nearest known one.
+            return (unmatched.isUnknownOption() ? "unknown option " : "one argument too many: ") + first;
         }
         if (e instanceof MissingParameterException missing) {
             ArgSpec first = missing.getMissing().get(0);
@@ -131,20 +130,6 @@ final class Commands {
                     option.longestName(), option.paramLabel(), e.getValue());
         }
         return e.getMessage();
-    }
-
-    /** Whether a subcommand in the help has this name. */
-    static boolean isListed(String word) {
-        return listed().contains(word);
-    }
-
-    /** A question in brackets on the subcommand that this word resembles; empty when it resembles none. */
-    static String didYouMean(String word) {
-        return NearestWord.question(word, listed());
-    }
-
-    private static List<String> listed() {
-        return NAMED.stream().filter(command -> !command.about().isEmpty()).map(Command::name).toList();
     }
 
     /** The help of a command. */

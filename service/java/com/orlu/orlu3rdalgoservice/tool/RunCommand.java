@@ -8,7 +8,6 @@ import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.IOException;
-import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
 
@@ -103,25 +102,7 @@ final class RunCommand extends Command {
 
     @Override
     public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
-        Options options = Options.of(line);
-        for (Path file : options.requests()) {
-            needFile(file);
-        }
-        return new Session(options).run();
-    }
-
-    // A word without a dot or a folder was rather meant as a subcommand.
-    private static void needFile(Path file) {
-        String word = file.toString();
-        if (Files.exists(file) || !word.matches("[A-Za-z]+")) {
-            return;
-        }
-        if (Commands.isListed(word)) {
-            throw new IllegalArgumentException(
-                    "the subcommand comes first: ./run " + word + " ...; see ./run --help");
-        }
-        throw new IllegalArgumentException(
-                word + ": no such file or subcommand" + Commands.didYouMean(word) + "; see ./run --help");
+        return new Session(Options.of(line)).run();
     }
 
     @Override

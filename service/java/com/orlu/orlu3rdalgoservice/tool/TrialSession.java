@@ -59,6 +59,10 @@ final class TrialSession {
             }
             Progress.end();
         } catch (IllegalArgumentException | RequestFileException e) {
+            if (arguments.length > 0 && arguments[0].equals("trials")) {
+                // No command comes behind these that would say it.
+                System.err.println("run: " + e.getMessage());
+            }
             return Verdict.REFUSED;
         } catch (ErrnoException | IllegalStateException | OutOfMemoryError | UnsatisfiedLinkError e) {
             all.add(Dependences.unknown("the trials ended early: " + e.getMessage()).json());
