@@ -165,6 +165,9 @@ def check_faults(folder):
             base = data["images"]["base"], data["images"]["baseNamedBy"]
             check(f"{where} compares with", base == (2, "orlu.feedback.frameSelectResult"), base)
         if fault == "aborts:process":
+            images = data["images"]
+            check(where + " no picture of the input", images["lost"] and not images["outputs"] and
+                  ["large" in image for image in images["inputs"]] == [True])
             check(where + " no parameters of the process that ended", len(data["parameters"]) > 90)
             check(where + " no report on the end", "SIGABRT" in data["crash"], data["crash"][:200])
             check(where + " no explanations", data["explained"]["orlu.algo.control/film_size"]["tags"])

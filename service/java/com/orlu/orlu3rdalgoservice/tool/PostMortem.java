@@ -1,17 +1,27 @@
 package com.orlu.orlu3rdalgoservice.tool;
 
+import android.system.ErrnoException;
+
 import com.google.gson.JsonObject;
 
 import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.image.Photos;
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.page.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.page.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
@@ -20,6 +30,7 @@ import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.Stream;
 
@@ -82,12 +93,33 @@ final class PostMortem {
                 all.add(lines);
                 source.learn(all);
                 report.events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
-                System.out.println("  page        " + pages.add(report, null, new Timeline(), source));
+                System.out.println("  page        " + pages.add(report, inputs(report.request), new Timeline(), source));
             } catch (RequestFileException e) {
                 System.err.println("run: no page: " + e.getMessage());
             }
         }
         pages.writeIndex(requests);
+    }
+
+    // Null when they can't be made again: the page has no pictures then.
+    private static Exhibits inputs(RequestFile request) throws IOException {
+        List<ImageBuffer> inputs = new ArrayList<>();
+        try {
+            List<SynthesisedFrame> frames = RequestImages.frames(request, new Photos());
+            FrameSize size = FrameSize.of(request, frames);
+            for (ImagePlan plan : request.inputs()) {
+                inputs.add(RequestImages.input(plan, frames, size));
+            }
+            Exhibits exhibits = new Exhibits();
+            exhibits.afterCrash(inputs);
+            return exhibits;
+        } catch (ErrnoException | RequestFileException e) {
+            System.err.println("run: no pictures in the page: " + e.getMessage());
+            return null;
+        } finally {
+            inputs.forEach(ImageBuffer::close);
+            Progress.end();
+        }
     }
 
     /** Puts the events beside a recording that was not ended, of which there is at most one: the last. */

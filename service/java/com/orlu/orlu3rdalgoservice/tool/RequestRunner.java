@@ -139,11 +139,7 @@ final class RequestRunner {
         FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
             Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
-            if (plan.file() == null) {
-                mInputs.add(ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan)));
-            } else {
-                mInputs.add(ImageBuffer.ofFile(plan));
-            }
+            mInputs.add(RequestImages.input(plan, frames, size));
             mReport.inputs.add(mInputs.get(mInputs.size() - 1).plan());
         }
         for (ImagePlan plan : mRequest.outputs()) {

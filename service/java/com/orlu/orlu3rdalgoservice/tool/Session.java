@@ -10,10 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagCheck;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
-import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
-import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.page.Exhibits;
@@ -26,7 +23,6 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Summary;
 import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
@@ -186,7 +182,7 @@ final class Session {
     private void runOne(RequestReport report, Exhibits exhibits, boolean lastOfClient)
             throws RequestFileException, ErrnoException, IOException {
         RequestFile request = report.request;
-        List<SynthesisedFrame> frames = frames(request);
+        List<SynthesisedFrame> frames = RequestImages.frames(request, mPhotos);
         if (mClient == null) {
             mClient = new ServiceClient(request, report.stopwatch, mRecorder);
             report.events.add(mEvents.next());
@@ -204,28 +200,5 @@ final class Session {
         report.events.add(mEvents.next());
         report.pass = mTraces.next();
         report.verdict = isUsable ? Judge.of(report) : mLibrary;
-    }
-
-    // The photo's frames, which are none when no input needs them. What fits neither is an error.
-    private List<SynthesisedFrame> frames(RequestFile request) throws RequestFileException {
-        List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request) : List.of();
-        FrameSize size = FrameSize.of(request, frames);
-        for (ImagePlan image : request.inputs()) {
-            size.applyTo(image);
-        }
-        for (ImagePlan image : request.outputs()) {
-            size.applyTo(image);
-        }
-        return frames;
-    }
-
-    private List<SynthesisedFrame> synthesised(RequestFile request) throws RequestFileException {
-        Picture photo = mPhotos.load(request.photo());
-        if (photo == null) {
-            throw request.place().error("photo", "no photo that can be read: " + request.photo());
-        }
-        boolean raw = request.inputs().stream().anyMatch(
-                image -> image.file() == null && image.format().isRaw());
-        return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
     }
 }

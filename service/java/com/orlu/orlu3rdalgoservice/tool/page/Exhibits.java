@@ -24,10 +24,18 @@ public final class Exhibits {
     private final JsonArray mDifferences = new JsonArray();
     private int mBase;
     private String mNamedBy = "";
+    private boolean mIsLost;
 
     /** To be called before the request is handed over. */
     public void before(List<ImageBuffer> inputs) {
         inputs.forEach(image -> mChecksums.add(ImageExhibit.checksum(image)));
+    }
+
+    /** Instead of the others when the process ended: the inputs made again, as they went in. */
+    public void afterCrash(List<ImageBuffer> inputs) {
+        mIsLost = true;
+        before(inputs);
+        after(new BaseFrame(0, ""), inputs, List.of(), List.of());
     }
 
     /** To be called after it; the outputs' readers are those of the outputs, in their order. */
@@ -86,11 +94,17 @@ public final class Exhibits {
         return mInputs.isEmpty() ? null : mInputs.get(mBase);
     }
 
+    /** Whether the outputs were lost with the process. */
+    boolean isLost() {
+        return mIsLost;
+    }
+
     /** Inputs, outputs and differences; "large" is absent where a picture is there as a small one only. */
     JsonObject json() {
         JsonObject json = new JsonObject();
         json.addProperty("base", mBase);
         json.addProperty("baseNamedBy", mNamedBy);
+        json.addProperty("lost", mIsLost);
         JsonArray inputs = new JsonArray();
         int left = INPUT_BYTES;
         for (int i = 0; i < mInputs.size(); ++i) {

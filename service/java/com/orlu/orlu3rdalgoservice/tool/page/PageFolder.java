@@ -69,7 +69,7 @@ public final class PageFolder {
 
     /**
      * Writes the page of the request that ended last, which is in the timeline; one whose process ended
-     * before has null for exhibits, and is not. Returns a line that says where the page is.
+     * before is not, and has null for exhibits where its inputs can't be made again. Returns a line that says where the page is.
      */
     public String add(RequestReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
@@ -77,7 +77,7 @@ public final class PageFolder {
         data.addProperty("hasIndex", mHasIndex);
         JsonObject trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
         RequestTimeline own = new RequestTimeline(trace, timeline.origin());
-        if (exhibits == null) {
+        if (exhibits == null || exhibits.isLost()) {
             own.from(mEnd);
         } else {
             own.ofLastRequest();

@@ -1,6 +1,7 @@
 // Two pictures to compare: side by side, in turns, or their difference; and a magnifier over both.
 
 const FLICKER_MILLISECONDS = 500;
+const LOST = "The process ended before the request did: what the output held is not known.";
 
 class Compare {
   constructor(images, onInput) {
@@ -140,7 +141,7 @@ class Compare {
         "figure",
         null,
         h("figcaption", null, h("b", null, label)),
-        h("div", {class: "stage"}, h("div", {class: "none"}, "The request has none.")),
+        h("div", {class: "stage"}, h("div", {class: "none"}, this.images.lost ? LOST : "The request has none.")),
       );
     }
     const layout = image.layout;

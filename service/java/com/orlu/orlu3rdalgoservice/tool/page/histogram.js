@@ -30,5 +30,6 @@ function histogram(facts) {
 
 function histogramText(facts) {
   const clipped = facts.clipped >= 0.001 ? ", " + (100 * facts.clipped).toFixed(1) + " % white" : "";
-  return "mean brightness " + facts.mean + " of 255" + clipped;
+  const legend = "Histogram, dark to bright: grey is brightness, the lines are red, green and blue. ";
+  return legend + "Mean brightness " + facts.mean + " of 255" + clipped;
 }

@@ -20,6 +20,7 @@ function memoryPanel() {
         "Each plane is drawn to scale: a row of bytes is a row of the drawing, its padding is on the right. " +
           "Below it lies the whole memory from its first byte to its last.",
       ),
+      data.images.lost ? h("p", null, LOST) : null,
       h(
         "p",
         {class: "legend"},

@@ -170,7 +170,7 @@ function tagsPanel() {
 function tagGroup(group) {
   const made = table(
     ["tag", "frames", "what was found"],
-    group.rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), row[2]]})),
+    group.rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), foundText(row[2])]})),
   );
   const isWrong = /wrong type|no table/.test(group.heading);
   const isOpen = isWrong || group.heading === "read";

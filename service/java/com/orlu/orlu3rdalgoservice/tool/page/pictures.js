@@ -24,10 +24,7 @@ function picturesPanel() {
     h(
       "p",
       {class: "faint"},
-      "Click one to show it above. Outputs are compared with the one marked base: " +
-        (images.baseNamedBy
-          ? "the frame that the result names (" + images.baseNamedBy + ")."
-          : "the first, as the result names none.") +
+      "Click one to show it above. " + (images.lost ? "They were made again, as they went in. " : baseText(images)) +
         (data.algorithms.frames ? " Kept and dropped are what the algorithm library says of a frame." : ""),
     ),
     h("div", {class: "strip"}, thumbs),
@@ -35,11 +32,21 @@ function picturesPanel() {
   return {element, compare};
 }
 
+// What the outputs are compared with, and who says so.
+function baseText(images) {
+  return (
+    "Outputs are compared with the one marked base: " +
+    (images.baseNamedBy
+      ? "the frame that the result names (" + images.baseNamedBy + ")."
+      : "the first, as the result names none.")
+  );
+}
+
 function inputThumb(image, index, onChoose) {
   const frames = data.algorithms.frames || [];
   const frame = frames[image.frame];
   const marks = [
-    index === data.images.base ? "base" : null,
+    index === data.images.base && !data.images.lost ? "base" : null,
     frame ? (frame.kept ? "kept" : "dropped") : null,
     image.written ? "written to" : null,
   ]

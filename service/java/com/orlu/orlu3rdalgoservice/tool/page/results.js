@@ -103,7 +103,7 @@ function logPanel() {
     ],
     text: tag + " " + text,
   }));
-  const made = table(["-ms", "level", "-thread", "-class", "text"], rows);
+  const made = table(["-ms from the start", "level", "-thread", "-class", "text"], rows);
   const state = {words: "", level: 0, tag: ""};
   const count = h("span", {class: "faint", "aria-live": "polite"}, rows.length + " lines");
   const apply = () => {
@@ -129,7 +129,7 @@ function logPanel() {
         apply();
       },
     },
-    LEVELS.map(([, name], i) => h("option", {value: i}, "from " + name + " on")),
+    LEVELS.map(([, name], i) => h("option", {value: i}, name + (i < LEVELS.length - 1 ? " and above" : ""))),
   );
   const tags = [...new Set(rows.map(row => row.tag))].sort();
   const tag = h(

@@ -60,6 +60,11 @@ function filtered(label, heads, rows) {
   };
 }
 
+// The value behind where it was found: "capture result 1" would be the second of these.
+function foundText(text) {
+  return text.replace(/^(capture result|composition) +(?=\S)/, "$1: ");
+}
+
 // Rows on tags: [tag, frames, what is said].
 function tagTable(rows) {
   return h(
@@ -67,7 +72,7 @@ function tagTable(rows) {
     {class: "scroll"},
     table(
       ["tag", "frames", "what was found"],
-      rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), row[2]]})),
+      rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), foundText(row[2])]})),
     ).element,
   );
 }

@@ -23,7 +23,12 @@ class TimelineView {
     this.detail = h(
       "div",
       {class: "card", "aria-live": "polite"},
-      h("p", {class: "faint"}, "Click a slice, or move with the arrow keys, to see what it is."),
+      h(
+        "p",
+        {class: "faint"},
+        "Click a slice, or move with the arrow keys, to see what it is. Each row is a call, below it what it " +
+          "called; times count from the first slice. Arrows lead from process to its callback to the results.",
+      ),
       this.openSlices(),
     );
     const button = (text, title, act) => h("button", {type: "button", title, onclick: act}, text);
