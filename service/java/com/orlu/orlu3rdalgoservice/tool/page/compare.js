@@ -7,7 +7,9 @@ class Compare {
   constructor(images, onInput) {
     this.images = images;
     this.onInput = onInput;
-    this.input = images.base;
+    // What was written into an input in error is what there is to see.
+    const written = images.inputs.findIndex(image => image.written);
+    this.input = written < 0 ? images.base : written;
     this.output = 0;
     this.mode = "pair";
     this.showsOutput = true;
@@ -160,6 +162,7 @@ class Compare {
           "×" +
           layout.height +
           (image.raw ? ", raw, shown in colour" : "") +
+          (image.written ? ", written to" : "") +
           scaleText(image),
       ),
     );

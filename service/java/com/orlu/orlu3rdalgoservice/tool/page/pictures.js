@@ -15,7 +15,7 @@ function picturesPanel() {
   const thumbs = images.inputs.map((image, i) => inputThumb(image, i, index => compare.setInput(index)));
   const mark = index => thumbs.forEach((thumb, i) => press(thumb, i === index));
   const compare = new Compare(images, mark);
-  mark(images.base);
+  mark(compare.input);
   const element = h(
     "div",
     null,

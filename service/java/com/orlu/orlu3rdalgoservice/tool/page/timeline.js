@@ -319,7 +319,7 @@ function hatch() {
     s(
       "marker",
       {id: "head", viewBox: "0 0 8 8", refX: 7, refY: 4, markerWidth: 7, markerHeight: 7, orient: "auto"},
-      s("path", {d: "M0,0 L8,4 L0,8 z", fill: "var(--wrong)"}),
+      s("path", {d: "M0,0 L8,4 L0,8 z", fill: "var(--text)"}),
     ),
   );
 }
