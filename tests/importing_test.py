@@ -36,13 +36,13 @@ def exif_entries():
             (37385, SHORT, [1]), (41989, SHORT, [26]), (41987, SHORT, [0])]
 
 
-def jpeg_with_exif():
+def jpeg_with_exif(entries=None, degrees=rational(48, 15, 0)):
     """The photo, of 592x400, with an EXIF block put in front."""
     photo = (ROOT / "samples/photos/table.jpg").read_bytes()
     first = directory([(274, SHORT, [6]), (271, TEXT, b"made by hand\0"), (34665, LONG, [200]),
                        (34853, LONG, [600])], 8, "<").ljust(192, b"\0")
-    sub = directory(exif_entries(), 200, "<").ljust(400, b"\0")
-    gps = directory([(1, TEXT, b"N\0"), (2, RATIONAL, rational(48, 15, 0)), (3, TEXT, b"W\0"),
+    sub = directory(entries or exif_entries(), 200, "<").ljust(400, b"\0")
+    gps = directory([(1, TEXT, b"N\0"), (2, RATIONAL, degrees), (3, TEXT, b"W\0"),
                      (4, RATIONAL, rational(11, 30, 0)), (6, RATIONAL, rational(519))], 600, "<")
     block = b"Exif\0\0" + b"II*\0\x08\0\0\0" + first + sub + gps
     return photo[:2] + b"\xff\xe1" + struct.pack(">H", len(block) + 2) + block + photo[2:]
@@ -151,6 +151,22 @@ def reads_exif():
     expect("EXIF notes", [True], ["Make" in lines[0] and "Shutter Speed" in lines[0]])
 
 
+def drops_odd_exif():
+    """Numbers over zero are none, and of two speeds the first counts."""
+    none = struct.pack("<II", 0, 0)
+    Path("odd.jpg").write_bytes(jpeg_with_exif(
+        [(33434, RATIONAL, none), (33437, RATIONAL, none), (34855, SHORT, [100, 200])],
+        struct.pack("<IIIIII", 1, 0, 0, 1, 0, 1)))
+    shot, lines = imported("odd.jpg")
+    expect("odd EXIF", {"android.jpeg.orientation": 90, "android.sensor.sensitivity": 100},
+           shot["frames"][0]["captureResult"])
+    expect("odd EXIF's notes", [
+        "ExposureTime: android.sensor.exposureTime dropped, it is no finite number",
+        "FNumber: android.lens.aperture dropped, it is no finite number",
+        "GPS: android.jpeg.gpsLocation dropped, it is no finite place"],
+        [line.split("odd.jpg: ")[1] for line in lines if "dropped" in line])
+
+
 def survives_damage():
     """Cut anywhere, a file is read as far as it goes or refused in one line."""
     sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
@@ -190,6 +206,7 @@ def cut_dump_notes():
 
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
-    for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif, survives_damage):
+    for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif,
+                 drops_odd_exif, survives_damage):
         case()
 finish()

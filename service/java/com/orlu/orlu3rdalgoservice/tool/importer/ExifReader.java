@@ -18,6 +18,7 @@ import com.google.gson.JsonPrimitive;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.IOException;
+import java.lang.reflect.Array;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
@@ -127,6 +128,10 @@ final class ExifReader {
         if (gps == null || place == null) {
             return;
         }
+        if (!Double.isFinite(place.getLatitude()) || !Double.isFinite(place.getLongitude())) {
+            mNotes.add("GPS", "android.jpeg.gpsLocation dropped, it is no finite place");
+            return;
+        }
         JsonObject location = new JsonObject();
         location.addProperty("latitude", place.getLatitude());
         location.addProperty("longitude", place.getLongitude());
@@ -171,13 +176,24 @@ final class ExifReader {
             return null;
         }
         mTaken.add(tag);
-        Rational[] several = directory.getRationalArray(tag);
-        Double number = several != null && several.length > 0 ? Double.valueOf(several[0].doubleValue())
-                : directory.getDoubleObject(tag);
+        Double number = first(directory, tag);
         if (number == null) {
             mNotes.add(directory.getTagName(tag), "dropped, it is no number");
         }
         return number;
+    }
+
+    // Of several numbers, such as the speeds of two standards, the first. The reader takes 0/0 for 0.
+    private static Double first(Directory directory, int tag) {
+        Object held = directory.getObject(tag);
+        if (held != null && held.getClass().isArray() && Array.getLength(held) > 0) {
+            held = Array.get(held, 0);
+        }
+        if (held instanceof Rational ratio) {
+            return ratio.getNumerator() / (double) ratio.getDenominator();
+        }
+        return held instanceof Number number ? Double.valueOf(number.doubleValue())
+                : directory.getDoubleObject(tag);
     }
 
     private void noteOthers() {
