@@ -55,6 +55,15 @@ ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"
 ends 2 'diff needs two runs' diff "$night"
 ends 2 '--tolerance needs a NUMBER of 0 or more, found -1' diff "$night" "$night" --tolerance -1
 
+echo "== What is stopped leaves no folder behind"
+mkdir stopped
+TMPDIR=$PWD/stopped ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=silent \
+  setsid "$root/run" diff "$root/samples/capture.json" "$root/samples/night.json" >out 2>&1 &
+until compgen -G 'stopped/*/side1-*/recordings/*/recording' >/dev/null || ! kill -0 $! 2>/dev/null; do sleep 0.1; done
+kill -TERM -- -$! || fail "the comparison ended too early: $(cat out)"
+wait $!
+[ -z "$(ls stopped)" ] || fail "left behind: $(find stopped)"
+
 echo "== Because of which tag"
 sed "s#photos/#$root/samples/&#" "$root/samples/night.json" >plain.json
 sed -e 's/"android.jpeg.orientation": 0/"android.jpeg.orientation": 90/' \

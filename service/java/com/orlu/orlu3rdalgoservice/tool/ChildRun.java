@@ -18,6 +18,9 @@ import java.util.Map;
 final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
 
+    /** Whether this process is being stopped. */
+    private static volatile boolean sIsEnding;
+
     private final Path mFolder;
     private final boolean mArm;
     private final Path mLibrary;
@@ -70,7 +73,13 @@ final class ChildRun {
         setEnvironment(builder.environment());
         int status;
         try {
-            status = builder.start().waitFor();
+            Process child = builder.start();
+            Runtime.getRuntime().addShutdownHook(new Thread(() -> endBeforeThis(child)));
+            status = child.waitFor();
+            if (sIsEnding) {
+                // What an interrupted run came to is nothing to go on with.
+                Thread.currentThread().join();
+            }
         } catch (InterruptedException e) {
             Thread.currentThread().interrupt();
             throw new IllegalStateException("interrupted", e);
@@ -80,6 +89,18 @@ final class ChildRun {
                     "the request did not run, status " + status + ": " + Files.readString(log));
         }
         return record;
+    }
+
+    // The launcher removes this process's folder as soon as it ends: a child must not write there any more.
+    private static void endBeforeThis(Process child) {
+        sIsEnding = true;
+        child.descendants().forEach(ProcessHandle::destroy);
+        child.destroy();
+        try {
+            child.waitFor();
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+        }
     }
 
     private void setEnvironment(Map<String, String> environment) {
