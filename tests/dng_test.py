@@ -8,22 +8,15 @@ import json
 import os
 import random
 import re
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
+from command import expect, finish, run  # noqa: E402
 from image_files import BYTE, SHORT, dng, read_pgm  # noqa: E402
 
-ROOT, BUILD = Path(__file__).resolve().parent.parent, Path(sys.argv[1]).resolve()
 NO_DNG = "not a DNG file, or a damaged one: no header with a DNGVersion in it"
-failures = []
-
-
-def expect(what, wanted, found):
-    if wanted != found:
-        failures.append(f"{what}: expected {str(wanted)[:400]}, found {str(found)[:400]}")
 
 
 def sensor(bits):
@@ -33,7 +26,7 @@ def sensor(bits):
     return rows
 
 
-def run(option, contents):
+def run_with(option, contents):
     """What ./run says of requests with these files as input, shot0.dng and so on."""
     requests = []
     for i, content in enumerate(contents):
@@ -43,8 +36,7 @@ def run(option, contents):
             "request": {"id": 1}, "algorithms": ["engineDistortion"],
             "frames": [{"captureResult": {"android.sensor.timestamp": 1}}],
             "inputs": [{"file": f"shot{i}.dng", "format": "RAW16"}], "outputs": [{"format": "RAW16"}]}))
-    return subprocess.run([ROOT / "run", *option, *requests], capture_output=True, text=True, check=False,
-                          env={**os.environ, "ORLU_BUILD": BUILD})
+    return run(*option, *requests)
 
 
 def takes_every_sample():
@@ -56,7 +48,7 @@ def takes_every_sample():
     files.append({"bits": 12, "components": 2, "thumbnail": True, "tile": (40, 32), "big_endian": True})
     # LibRaw crops to the active area and scales only where it develops.
     files.append({"bits": 12, "extra": [(50829, SHORT, [1, 1, 23, 31]), (50714, SHORT, [64])]})
-    done = run(["--out", "out"], [dng(sensor(file["bits"]), **file) for file in files])
+    done = run_with(["--out", "out"], [dng(sensor(file["bits"]), **file) for file in files])
     expect(f"DNG files: {done.stderr}{done.stdout[-300:]}", 0, done.returncode)
     for i, file in enumerate(files):
         expect(file, sensor(file["bits"]), read_pgm(f"out/shot{i}-base.pgm"))
@@ -81,7 +73,7 @@ def refuses():
         # The second tile's header, which LibRaw takes for the end of all tiles.
         (b"\xff\xd8".join(packed.rsplit(b"\xff\xd8", 1)[:1]) + b"\xff\xd9" + packed.rsplit(b"\xff\xd8", 1)[1],
          "damaged: strip or tile 1 lacks 384 of 384 samples"))
-    done = run(["--check"], [content for content, _ in table])
+    done = run_with(["--check"], [content for content, _ in table])
     for i, line in enumerate(re.sub(r"json:1:\d+", "json", done.stderr).splitlines()[:-1]):
         expect(f"refused {i}", f"shot{i}.json: inputs[0].file: shot{i}.dng: {table[i][1]}", line)
     expect("refused", len(table), len(done.stderr.splitlines()) - 1)
@@ -99,10 +91,10 @@ def survives_damage():
         for _ in range(dice.choice((1, 8))):
             damaged[dice.randrange(dice.choice((300, len(data))))] ^= 1 << dice.randrange(8)
         flipped.append(bytes(damaged))
-    done = run(["--check"], cut)
+    done = run_with(["--check"], cut)
     expect(f"cut: {done.stdout}", [2, len(cut) + 1, ""],
            [done.returncode, len(done.stderr.splitlines()), done.stdout])
-    done = run(["--check"], flipped)
+    done = run_with(["--check"], flipped)
     told = [line for line in (done.stdout + done.stderr).splitlines() if re.match(r"shot\d+\.json:", line)]
     expect(f"flipped: {done.stderr[-300:]}", [2, len(flipped)], [done.returncode, len(told)])
 
@@ -111,5 +103,4 @@ with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
     for case in (takes_every_sample, refuses, survives_damage):
         case()
-print("\n".join(failures) or "All passed")
-sys.exit(bool(failures))
+finish()
