@@ -15,8 +15,8 @@ enum CreateFromHandleMethod {
   AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER = 2,
 };
 
-// Makes a buffer around a handle of any counts. REGISTER, the one method here, takes the handle over, and closes
-// and deletes it with the buffer. 0, or a negative errno.
+// Makes a buffer around a handle of any counts. REGISTER, the one method here, takes the handle over, and
+// closes and deletes it with the buffer. 0, or a negative errno.
 int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
                                      int32_t method, AHardwareBuffer** outBuffer);
 
