@@ -1,5 +1,6 @@
 #!/bin/bash
-# Makes the archive of parsed classes with which ./run's VM starts in half the time: archive_classes.sh BUILD_FOLDER
+# Makes the archive of parsed classes with which ./run's VM starts in half the time:
+#   archive_classes.sh BUILD_FOLDER
 # The classes are those that a run of two samples loads. Without that run there is an empty archive, which ./run leaves
 # out: a library that fails today must not keep the rest from being built.
 set -euo pipefail

@@ -1,12 +1,13 @@
 #!/bin/bash
-# Tries commands of this project on a bare Debian 12: a minimal root with nothing installed, a clean clone of what is
-# committed, and an empty environment. A command that fails, or a picture that is missing, fails this one.
+# Tries commands of this project on a bare Debian 12: a minimal root with nothing installed, a clean clone of
+# what is committed, and an empty environment. A command that fails, or a picture that is missing, fails this
+# one.
 #   scripts/bare_machine.sh              ./run and then ./test
 #   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in a root of its own
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
 #                                        a root for each argument, with the commands in it
-# Needs root, since it mounts /proc and /dev there. They are mounted in a mount namespace that ends with its last
-# process, so that nothing stays mounted, and nothing is mounted where the root is deleted.
+# Needs root, since it mounts /proc and /dev there. They are mounted in a mount namespace that ends with its
+# last process, so that nothing stays mounted, and nothing is mounted where the root is deleted.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"
@@ -37,7 +38,8 @@ clean_up() {
   done
 }
 
-# isolated COMMAND...: runs it with mounts and processes of its own, all of which end with it, and with this script.
+# isolated COMMAND...: runs it with mounts and processes of its own, all of which end with it, and with this
+# script.
 isolated() {
   setpriv --pdeathsig KILL unshare --mount --propagation private --pid --fork --kill-child "$@" &
   child=$!
@@ -73,8 +75,8 @@ fetch_archive() {
   rm -rf --one-file-system "$work/minimal"
 }
 
-# take_over_sources ROOT: package sources, their keys and apt's settings, as this machine has them. Settings that
-# start programs stay here, since the programs do.
+# take_over_sources ROOT: package sources, their keys and apt's settings, as this machine has them. Settings
+# that start programs stay here, since the programs do.
 take_over_sources() {
   local file
   rm -rf "$1"/etc/apt/sources.list*
@@ -107,7 +109,8 @@ in_root() {
       sh -c "cd /vas && $2"' sh "$1" "$2"
 }
 
-# try_commands NUMBER COMMANDS: tries them one after another in a root; a line for each goes into the file times.
+# try_commands NUMBER COMMANDS: tries them one after another in a root; a line for each goes into the file
+# times.
 try_commands() {
   local place=$work/root$1 command commands status
   make_root "$place"

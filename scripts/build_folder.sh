@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Keeps a preset's folder below build/ up to date. Sourced by lib.sh.
 #
-# Ninja finds what changed, and runs CMake again when one of its files did. What Ninja does not see is compared
-# here, with what the last build left in the folder:
+# Ninja finds what changed, and runs CMake again when one of its files did. What Ninja does not see is
+# compared here, with what the last build left in the folder:
 #   setup.txt      the checkout's place, the presets and the switches that CMake was run with
 #   packages.txt   the versions of what compiles and of what is compiled in
 #   built          its date is the start of the last build that went well
@@ -30,8 +30,8 @@ discard_strange() {
   fi
 }
 
-# tests_of FOLDER: ON when the tests were configured there and can still be; ./run does not take them away from
-# somebody who also runs ./test.
+# tests_of FOLDER: ON when the tests were configured there and can still be; ./run does not take them away
+# from somebody who also runs ./test.
 tests_of() {
   local missing
   if grep -qs '^ORLU_TESTS:BOOL=ON' "$1/CMakeCache.txt" && are_installed "${test_packages[@]}"; then
@@ -48,7 +48,8 @@ setup_of() {
   cat "$root"/CMake*Presets.json
 }
 
-# touch_older FOLDER: a source that was replaced by one with an older date (cp -p, mv, tar) looks unchanged to Ninja.
+# touch_older FOLDER: a source that was replaced by one with an older date (cp -p, mv, tar) looks unchanged to
+# Ninja.
 touch_older() {
   if [ -e "$1/built" ]; then
     find "$root" \( -path "$root/build" -o -path "$root/out" -o -path "$root/.git" \) -prune -o \
@@ -56,8 +57,8 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake unless it ran with this setup. --fresh forgets what another setup left in
-# CMake's cache, and keeps what is compiled.
+# configure PRESET TESTS SETUP: runs CMake unless it ran with this setup. --fresh forgets what another setup
+# left in CMake's cache, and keeps what is compiled.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&
@@ -80,9 +81,9 @@ compile() {
   mv "$folder/building" "$folder/built"
 }
 
-# build_preset PRESET [--tests] [TARGET...]: brings build/PRESET up to date, all of it when no target is named. The
-# tests are configured with --tests, or when they were before. What CMake and Ninja say is shown in full only when
-# the build fails. Two builds of a preset wait for each other.
+# build_preset PRESET [--tests] [TARGET...]: brings build/PRESET up to date, all of it when no target is
+# named. The tests are configured with --tests, or when they were before. What CMake and Ninja say is shown in
+# full only when the build fails. Two builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

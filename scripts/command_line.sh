@@ -1,11 +1,11 @@
 # shellcheck shell=bash
-# What the launcher must know of a command line before it starts the Java half. Sourced by run; the caller sets
-# root. The options themselves stand in Java, and service/command/options.txt is made of them.
+# What the launcher must know of a command line before it starts the Java half. Sourced by run; the caller
+# sets root. The options themselves stand in Java, and service/command/options.txt is made of them.
 
 # read_command_line ARGUMENT...: sets command to the subcommand, "run" when none is named, and launches to the
 # words that the table has in its last column for the subcommand and for each of its options that is given.
-# Unknown is set to the first option that the subcommand has not, and stray to the first word that is neither a
-# file nor an option's value.
+# Unknown is set to the first option that the subcommand has not, and stray to the first word that is neither
+# a file nor an option's value.
 read_command_line() {
   local name argument value launch table known awaited=''
   local -A launch_of=() value_of=()

@@ -12,8 +12,10 @@ import sys
 from itertools import zip_longest
 from pathlib import Path
 
-# Differ from run to run: times and numbers; addresses. How many frames a call came through is the compiler's choice.
-OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine", "pointerBits", "probe")
+# Differ from run to run: times and numbers; addresses. How many frames a call came through is the compiler's
+# choice.
+OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine",
+              "pointerBits", "probe")
 # Of written pixels also: their file is named after the process, and a JPEG says in which second it was made.
 # ./run diff compares the pixels themselves.
 OF_THE_PIXELS = ("file", "crc")

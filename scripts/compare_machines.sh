@@ -24,7 +24,8 @@ results_of() {
   fi
 }
 
-# summary MACHINE: which algorithms ran, frames kept and moved, callbacks, without times, folders and descriptors.
+# summary MACHINE: which algorithms ran, frames kept and moved, callbacks, without times, folders and
+# descriptors.
 summary() {
   sed -E "s#$work/$1##g; s/\b[0-9]+\.[0-9] ms\b/* ms/g; s/\bsharedFd = [0-9]+/sharedFd = */g" "$work/$1/summary.txt"
 }

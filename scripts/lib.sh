@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Shared by ./run, ./test, .ci/run and the scripts beside them: packages, and where Java is. To be sourced by bash
-# with "pipefail" set; the caller sets root to this project's folder.
+# Shared by ./run, ./test, .ci/run and the scripts beside them: packages, and where Java is. To be sourced by
+# bash with "pipefail" set; the caller sets root to this project's folder.
 
 # What ./run takes: compiler, build tools, JDK, and the libraries of the host layer.
 readonly run_packages=(
@@ -46,8 +46,9 @@ as_root() {
   fi
 }
 
-# follow LOG PATTERN: copies standard input to the end of LOG. Of the lines that match the pattern, a terminal shows
-# the latest, in one line that is rewritten and cleared at the end; elsewhere one goes out every ten seconds.
+# follow LOG PATTERN: copies standard input to the end of LOG. Of the lines that match the pattern, a terminal
+# shows the latest, in one line that is rewritten and cleared at the end; elsewhere one goes out every ten
+# seconds.
 follow() {
   local pattern=$2 line shown=$SECONDS clear=''
   while IFS= read -r line; do
@@ -87,7 +88,8 @@ are_installed() {
   [ ${#missing[@]} -eq 0 ]
 }
 
-# apt_get ARGUMENT...: changes packages of this machine; what apt-get says is shown in full only when it fails.
+# apt_get ARGUMENT...: changes packages of this machine; what apt-get says is shown in full only when it
+# fails.
 apt_get() {
   local log
   log=$(mktemp)

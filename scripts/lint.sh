@@ -12,9 +12,9 @@ source scripts/lib.sh
 readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
-# Every source that a build for this machine knows, as many at a time as there are processors. Configuring the builds
-# is enough; some of their options are GCC's alone. The timed benchmarks are left out: the loops of their library look
-# like dead stores and leaks.
+# Every source that a build for this machine knows, as many at a time as there are processors. Configuring the
+# builds is enough; some of their options are GCC's alone. The timed benchmarks are left out: the loops of
+# their library look like dead stores and leaks.
 lint_cpp() {
   local preset source
   local -A preset_of=()
@@ -59,7 +59,8 @@ lint_java() {
   done
 }
 
-# The test android_bp compares what it reads with CMake's sources; here its reader is compared with the platform's.
+# The test android_bp compares what it reads with CMake's sources; here its reader is compared with the
+# platform's.
 lint_android_bp() {
   local unformatted
   unformatted=$(bpfmt -l Android.bp)

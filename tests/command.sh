@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# What the tests of the command ./run share. Sourced by them with the build folder as their first argument; they set
-# root. The work is done in a folder that goes with the test.
+# What the tests of the command ./run share. Sourced by them with the build folder as their first argument;
+# they set root. The work is done in a folder that goes with the test.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # for those who source this

@@ -116,7 +116,8 @@ launched "only-trials - - - -" trials a --record b
 echo "== Completion"
 command_ends 0 completion
 bash -n out || fail "the completion can't be read"
-# completed LINE WORD...: bash offers these words, perhaps among others, after a line; "!" before one that it must not.
+# completed LINE WORD...: bash offers these words, perhaps among others, after a line; "!" before one that it
+# must not.
 completed() {
   local line=$1 word offered
   shift

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Recordings with the pixels that the algorithm library saw, of both directions: recorded_pixels_test.sh BUILD_FOLDER
+# Recordings with the pixels that the algorithm library saw, of both directions: recorded_pixels_test.sh
+# BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"

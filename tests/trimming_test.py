@@ -16,8 +16,8 @@ from command import ROOT, expect, failures, finish, run  # noqa: E402
 
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
-# For each image: format | memory | planes as (stride, bytes behind the last row) | bytes of each plane to a column of
-# the image | rows of the image to one of each plane's. Planes follow each other.
+# For each image: format | memory | planes as (stride, bytes behind the last row) | bytes of each plane to a
+# column of the image | rows of the image to one of each plane's. Planes follow each other.
 LAYOUTS = {
     "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
     "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),

@@ -9,7 +9,8 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 echo "no library" >"$folder/text.so"
 
-# sample | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular expression
+# sample | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular
+# expression
 rows() {
   cat <<'ROWS'
 capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too short

@@ -1,6 +1,6 @@
 #!/bin/bash
-# The build for the NDK as far as it goes without one: configures it with a toolchain file that passes for the NDK's,
-# and looks whether the library, and nothing that needs this machine, would be built.
+# The build for the NDK as far as it goes without one: configures it with a toolchain file that passes for the
+# NDK's, and looks whether the library, and nothing that needs this machine, would be built.
 #   android_preset_test.sh PROJECT
 set -euo pipefail
 project=$1

@@ -32,7 +32,7 @@ public final class Callbacks implements CallbackListener {
         }
     }
 
-    /** The id and the address of a request that was announced and nobody took yet; null when there is none. */
+    /** The id and address of a request that was announced and nobody took yet; null when there is none. */
     public static long[] takeDone() {
         return DONE.poll();
     }

@@ -92,8 +92,10 @@ final class PostMortem {
                 List<JsonObject> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
                 all.add(lines);
                 source.learn(all);
-                report.events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
-                System.out.println("  page        " + pages.add(report, inputs(report.request), new Timeline(), source));
+                report.events.add(
+                        lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
+                System.out.println(
+                        "  page        " + pages.add(report, inputs(report.request), new Timeline(), source));
             } catch (RequestFileException e) {
                 System.err.println("run: no page: " + e.getMessage());
             }

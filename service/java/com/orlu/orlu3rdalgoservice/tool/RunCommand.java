@@ -69,7 +69,8 @@ final class RunCommand extends Command {
                 Arguments.path("--timeline", "FILE",
                         "write a timeline of the run that trace viewers open (docs/timeline.md)"),
                 Arguments.path("--report", "DIR", "write a page on each request that a browser shows: "
-                        + "pictures, memory, timeline, parameters, tags, log, and what looks wrong (docs/report.md)",
+                        + "pictures, memory, timeline, parameters, tags, log, and what looks wrong "
+                        + "(docs/report.md)",
                         Launch.REPORT),
                 Arguments.path("--record", "DIR", "record each request in a folder (docs/recording.md)",
                         Launch.PIXELS)));

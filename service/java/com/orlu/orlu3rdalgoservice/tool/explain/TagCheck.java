@@ -30,8 +30,8 @@ public final class TagCheck {
     }
 
     /**
-     * The verdict with what --strict finds after its reasons, and how many warnings the request file has. Of a
-     * request that did not run it is the same.
+     * The verdict with what --strict finds after its reasons, and how many warnings the request file has. Of
+     * a request that did not run it is the same.
      */
     public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {

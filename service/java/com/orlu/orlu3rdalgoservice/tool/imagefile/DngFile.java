@@ -7,8 +7,8 @@ import java.nio.file.Path;
 
 /**
  * The sensor's samples in a DNG file: of all its images the one behind a colour filter, in strips or tiles
- * without compression or with lossless JPEG. LibRaw decodes them, in a native library that is opened with this
- * class. What can't be read is an IOException whose message says what is wrong.
+ * without compression or with lossless JPEG. LibRaw decodes them, in a native library that is opened with
+ * this class. What can't be read is an IOException whose message says what is wrong.
  */
 public final class DngFile {
     static {
