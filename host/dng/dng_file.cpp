@@ -45,13 +45,11 @@ DngFile::DngFile(const char* path)
 void DngFile::noteTag(void* self, int tag, int type, int length, unsigned order, void*, INT64) {
   auto* const file = static_cast<DngFile*>(self);
   const int image = (tag >> 20) - 1;
-  const int name = tag & 0xFFFF;
-  if (image < 0 || image >= LIBRAW_IFD_MAXCOUNT || name < kTileWidth || name > kTileOffsets) return;
+  if (image < 0 || image >= LIBRAW_IFD_MAXCOUNT) return;
   Tiling& tiling = file->mTilings[image];
-  if (name == kTileOffsets) {
-    tiling.count = length;
-    return;
-  }
+  const int name = tag & 0xFFFF;
+  if (name == kTileOffsets) tiling.count = length;
+  if (name != kTileWidth && name != kTileLength) return;
   unsigned value = file->get4();
   if (type == kShort) value = order == kLittleEndian ? value & 0xFFFF : value >> 16;
   (name == kTileWidth ? tiling.width : tiling.height) = int(value);
