@@ -104,7 +104,7 @@ final class PostMortem {
     }
 
     // Null when they can't be made again: the page has no pictures then.
-    private static Exhibits inputs(RequestFile request) throws IOException {
+    private static Exhibits inputs(RequestFile request) {
         List<ImageBuffer> inputs = new ArrayList<>();
         try {
             List<SynthesisedFrame> frames = RequestImages.frames(request, new Photos());
