@@ -10,6 +10,11 @@ import java.util.List;
 /** One line of the events. A field that is absent or null reads as "", 0 or an empty list. */
 public record Event(JsonObject fields) {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
+    private static final List<String> NUMBERS =
+            List.of("t", "tid", "pid", "n", "of", "ns", "reqId", "nativeReq", "index", "size", "frame");
+    private static final List<String> TEXTS =
+            List.of("event", "op", "thread", "at", "image", "file", "crc", "section", "key");
+    private static final List<String> LISTS = List.of("algoList", "from", "missing");
 
     /** "begin", "end", "table" and so on. */
     public String kind() {
@@ -29,6 +34,24 @@ public record Event(JsonObject fields) {
     /** How long the operation of an end took. */
     public double milliseconds() {
         return number("ns") / NANOSECONDS_PER_MILLISECOND;
+    }
+
+    /** Whether the fields have their forms; when not, the line is damaged, and reading the field throws. */
+    public boolean isWhole() {
+        try {
+            NUMBERS.forEach(this::number);
+            TEXTS.forEach(this::text);
+            LISTS.forEach(this::texts);
+            bytes("bytes");
+            if (kind().equals("end")) {
+                number("result");
+            }
+            return true;
+        } catch (IllegalArgumentException | IllegalStateException | UnsupportedOperationException
+                | ClassCastException e) {
+            // What the library of JSON throws where a value is of another kind.
+            return false;
+        }
     }
 
     public boolean has(String name) {

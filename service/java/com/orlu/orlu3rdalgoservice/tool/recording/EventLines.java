@@ -5,6 +5,7 @@ import com.google.gson.JsonObject;
 import com.google.gson.JsonParseException;
 import com.google.gson.JsonParser;
 
+import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 
 import java.io.IOException;
@@ -40,9 +41,9 @@ final class EventLines {
     private static JsonObject parse(String line) {
         try {
             JsonElement element = JsonParser.parseString(line);
-            return element.isJsonObject() && element.getAsJsonObject().has("event")
-                    ? element.getAsJsonObject()
-                    : null;
+            boolean isEvent = element.isJsonObject() && element.getAsJsonObject().has("event")
+                    && new Event(element.getAsJsonObject()).isWhole();
+            return isEvent ? element.getAsJsonObject() : null;
         } catch (JsonParseException e) {
             return null;
         }
