@@ -32,6 +32,14 @@ ends() {
   grep -qE -- "$pattern" out err || fail "./run $*: no line is \"$pattern\": $(cat out err)"
 }
 
+# info_says PATTERN FOLDER: ./run info has a line on this recording that the regular expression finds, in however
+# many lines a terminal gets it.
+info_says() {
+  command_ends 0 info "$2"
+  sed -E ':on; $!N; s/\n {20}/ /; t on; P; D' out >lines
+  grep -qE -- "$1" lines || fail "./run info $2: no line is \"$1\": $(cat out)"
+}
+
 # prints TEXT...: what the last command printed holds each.
 prints() {
   local text

@@ -9,7 +9,7 @@ echo "== Both directions of every sample are kept, and are what Java has"
 # One request has no algorithm pass.
 mapfile -t samples < <(find "$root/samples" -name '*.json' ! -name no-pass.json | sort)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
-ends 0 '^  process in 0 to 6 [0-9]+ bytes, as Java has it$' info shots
+info_says '^  process in 0 to 6 [0-9]+ bytes, as Java has it$' shots
 # count PATTERN: how many images the lines of this pattern are on, as in "input 0 to 6".
 count() {
   grep -E "^  $1" out | sed -E 's/^  (process |callback )?[a-z]+ //' |
@@ -27,13 +27,13 @@ echo "== A library that writes on after its callback"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=scribbles ends 0 'ok$' --record late --out images \
   "$root"/samples/capture.json "$root"/samples/night-async.json
 for shot in late/*; do
-  ends 0 '^  callback out 0  *[0-9]+ bytes, not as Java has it from byte 1000 on: written after the callback$' info "$shot"
+  info_says '^  callback out 0  *[0-9]+ bytes, not as Java has it from byte 1000 on: written after the callback$' "$shot"
   ends 1 '^  callback output 0: .*not as Java has it from byte 1000 on: written after the callback / ' replay "$shot"
 done
 ends 0 '^written all ' trim "$shot" --out all
-ends 0 '^  callback out 0 .*, not as Java has it from byte 1000 on' info all
+info_says '^  callback out 0 .*, not as Java has it from byte 1000 on' all
 ends 0 '^written none ' trim "$shot" --out none --no-pixels
-ends 0 '^  callback out 0  *[0-9]+ bytes, Java.s is not recorded$' info none
+info_says '^  callback out 0  *[0-9]+ bytes, Java.s is not recorded$' none
 
 echo "== An input that the library was given otherwise"
 python3 - shots/*-request-103 <<'PYTHON'
@@ -54,15 +54,15 @@ shot=$(echo shots/*-request-103)
 ends 1 '^  process input 0: [0-9]+ bytes, not as Java has it from byte 77 on / [0-9]+ bytes, as Java has it$' replay "$shot"
 ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
-ends 0 'process-input0.*: is cut or damaged:' info "$shot"
+info_says 'process-input0.*: is cut or damaged:' "$shot"
 
 echo "== Bounded, into a folder of one's own, and of a process that ended"
 ORLU_PIXELS_BYTES=1000 ends 0 '^verdict  ok$' --record few --out images "$root/samples/capture.json"
-ends 0 '^  process in 0  *kept: no: more bytes than ORLU_PIXELS_BYTES allows$' info few
+info_says '^  process in 0  *kept: no: more bytes than ORLU_PIXELS_BYTES allows$' few
 ORLU_PIXELS=$folder/mine ends 0 '^verdict  ok$' --out images "$root/samples/capture.json"
 [ "$(find mine -name 'process-input0-*' -o -name 'callback-output0-*' | wc -l)" -eq 2 ] || fail "not two files: $(find mine)"
 ORLU_PIXELS=/proc/none ends 0 'ORLU_PIXELS: /proc/none: No such file' --out images "$root/samples/capture.json"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=aborts:process ends 1 'SIGABRT' --record dead --out images "$root/samples/capture.json"
-ends 0 '^  process in 0  *[0-9]+ bytes, as Java has it$' info dead
+info_says '^  process in 0  *[0-9]+ bytes, as Java has it$' dead
 
 ended

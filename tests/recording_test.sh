@@ -16,7 +16,7 @@ ORLU_PLANTED=silent ends 1 '^verdict  FAILED: no callback' --record silent --out
 ORLU_PLANTED=silent ends 0 ': equal, 1[0-9][0-9] parameters' replay silent
 ends 1 '^  callbacks: \[\] / \[shotCb\]$' replay silent --against "$stand_in"
 ORLU_PLANTED=aborts:process ends 1 '^verdict  FAILED: .*SIGABRT' --record dead --out images "$root/samples/capture.json"
-ends 0 'open  *process has not returned' info dead
+info_says 'open  *process has not returned' dead
 ORLU_PLANTED=aborts:process ends 0 ': equal, 1[0-9][0-9] parameters' replay dead
 ends 0 'did not come to its end: compared up to there' replay dead --against "$stand_in"
 unset ORLU_ALGO_LIBRARY
@@ -31,15 +31,15 @@ ends 2 'frames 0 to 6, not 7' trim "$night" --out seven --frames 7
 ends 2 'none is there already' trim "$night" --out none
 ends 2 'shots has [0-9]* recordings; name one of them' trim shots --out one --frames 0
 ends 0 '^written again ' trim few --out again --frames 1 --crop 64,64
-ends 0 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64,$' info again
+info_says 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64, only frame 1 of the copy$' again
 grep -q '^  *only frame 1 of the copy$' out || fail "trimmed twice: $(cat out)"
-ends 0 'recorded ' info shots
+info_says 'recorded ' shots
 ! grep -E '.{81}' out || fail "longer than 80 columns"
 
 echo "== Cut and damaged; tests/recording_faults_test.py has more"
 rm -rf cut && cp -r "$night" cut
 sed -i '6s/android/androit/' cut/recording
-ends 0 'end  *not reached: line 6 is damaged: its check is' info cut
+info_says 'end  *not reached: line 6 is damaged: its check is' cut
 ends 2 'cut/recording: ends before the request ran: line 6 is damaged' replay cut
 rm -rf cut && cp -r "$night" cut
 truncate -s 1000 cut/input3.bin
