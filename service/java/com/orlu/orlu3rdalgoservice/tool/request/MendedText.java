@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
 import java.util.ArrayList;
+import java.util.Collections;
 import java.util.List;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
@@ -52,16 +53,8 @@ final class MendedText {
             int end = mend.from() + mend.replacement().length();
             original = original >= end ? original - end + mend.to() : Math.min(original, mend.from());
         }
-        int least = 0;
-        int beyond = mLineStarts.size();
-        while (beyond - least > 1) {
-            int middle = (least + beyond) / 2;
-            if (mLineStarts.get(middle) <= original) {
-                least = middle;
-            } else {
-                beyond = middle;
-            }
-        }
-        return new Position(least + 1, original - mLineStarts.get(least) + 1);
+        int found = Collections.binarySearch(mLineStarts, original);
+        int line = found >= 0 ? found : -found - 2;
+        return new Position(line + 1, original - mLineStarts.get(line) + 1);
     }
 }
