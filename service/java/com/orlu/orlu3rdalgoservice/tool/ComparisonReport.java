@@ -8,7 +8,7 @@ import com.orlu.orlu3rdalgoservice.tool.recording.GivenTag;
 import com.orlu.orlu3rdalgoservice.tool.recording.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.recording.WrappedLines;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
@@ -35,7 +35,7 @@ final class ComparisonReport {
     }
 
     /** Prints all under this title. Returns whether the runs are equal. */
-    boolean print(String title) throws RequestFileException, IOException {
+    boolean print(String title) throws MistakeException, IOException {
         String name = Path.of(mOne.name()).getFileName().toString()
                 .replaceFirst("(\\.json)?( with .*)?$", "");
         Comparison comparison = new Comparison(mOne, mOther, new HashSet<>(mOptions.ignored),

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.util.List;
@@ -44,7 +44,7 @@ public final class Main {
             String died = System.getProperty("orlu.died");
             return died == null ? invocation.command().run(invocation.line())
                     : invocation.command().afterDeath(invocation.line(), Integer.parseInt(died));
-        } catch (IllegalArgumentException | RequestFileException e) {
+        } catch (IllegalArgumentException | MistakeException e) {
             System.err.println("run: " + e.getMessage());
             return Verdict.REFUSED;
         } catch (IOException e) {

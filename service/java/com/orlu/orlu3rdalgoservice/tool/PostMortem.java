@@ -22,8 +22,8 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Crash;
 
@@ -96,7 +96,7 @@ final class PostMortem {
                         lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
                 System.out.println(
                         "  page        " + pages.add(report, inputs(report.request), new Timeline(), source));
-            } catch (RequestFileException e) {
+            } catch (MistakeException e) {
                 System.err.println("run: no page: " + e.getMessage());
             }
         }
@@ -115,7 +115,7 @@ final class PostMortem {
             Exhibits exhibits = new Exhibits();
             exhibits.afterCrash(inputs);
             return exhibits;
-        } catch (ErrnoException | RequestFileException e) {
+        } catch (ErrnoException | MistakeException e) {
             System.err.println("run: no pictures in the page: " + e.getMessage());
             return null;
         } finally {

@@ -11,7 +11,7 @@ import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.recording.Trimmer;
 import com.orlu.orlu3rdalgoservice.tool.recording.WrappedLines;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -50,7 +50,7 @@ final class RecordingCommand extends Command {
     }
 
     @Override
-    public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
+    public int run(ParseResult line) throws MistakeException, ErrnoException, IOException {
         mOptions = RecordingOptions.of(name(), line);
         return switch (name()) {
             case "info" -> info();
@@ -70,13 +70,13 @@ final class RecordingCommand extends Command {
         throw new IllegalStateException("the process ended");
     }
 
-    private int info() throws RequestFileException, IOException {
+    private int info() throws MistakeException, IOException {
         int status = Verdict.OK;
         for (Path file : mOptions.files) {
             for (Path folder : recordings(file)) {
                 try {
                     new RecordingSummary(RecordedRequest.read(folder), System.out).print();
-                } catch (RequestFileException e) {
+                } catch (MistakeException e) {
                     // The others may be whole.
                     System.out.flush();
                     System.err.println("run: " + e.getMessage());
@@ -87,7 +87,7 @@ final class RecordingCommand extends Command {
         return status;
     }
 
-    private int trim() throws RequestFileException, IOException {
+    private int trim() throws MistakeException, IOException {
         RecordedRequest recorded = RecordedRequest.read(only(mOptions.files.get(0)));
         Trimmer trimmer =
                 new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels, mOptions.crop);
@@ -108,7 +108,7 @@ final class RecordingCommand extends Command {
         return "%.2f MB".formatted(bytes / 1e6);
     }
 
-    private int play() throws RequestFileException, ErrnoException, IOException {
+    private int play() throws MistakeException, ErrnoException, IOException {
         // One for all, since it counts them: a 32-bit VM under the emulator can't list a folder.
         RequestRecorder recorder =
                 new RequestRecorder(mOptions.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
@@ -119,7 +119,7 @@ final class RecordingCommand extends Command {
         return status;
     }
 
-    private int replay() throws RequestFileException, IOException {
+    private int replay() throws MistakeException, IOException {
         List<Path> folders = new ArrayList<>();
         for (Path file : mOptions.files) {
             folders.addAll(recordings(file));
@@ -143,7 +143,7 @@ final class RecordingCommand extends Command {
         return status;
     }
 
-    private int replay(RecordedRequest recorded, Path again) throws RequestFileException, IOException {
+    private int replay(RecordedRequest recorded, Path again) throws MistakeException, IOException {
         RunRecord before = RunRecord.of(recorded, recorded.folder().toString());
         RunRecord after = RunRecord.of(RecordedRequest.read(again), "this run");
         WrappedLines to = new WrappedLines(System.out);
@@ -163,7 +163,7 @@ final class RecordingCommand extends Command {
         return compare(before.name(), before, after);
     }
 
-    private int diff() throws RequestFileException, IOException {
+    private int diff() throws MistakeException, IOException {
         List<List<RunRecord>> sides = new ArrayList<>();
         for (int i = 0; i < 2; ++i) {
             Path library = mOptions.libraries.size() < 2 ? null : mOptions.libraries.get(i);
@@ -187,7 +187,7 @@ final class RecordingCommand extends Command {
     }
 
     // What a side of a diff did: read, or run first.
-    private List<RunRecord> runs(Path file, int side, Path library) throws RequestFileException, IOException {
+    private List<RunRecord> runs(Path file, int side, Path library) throws MistakeException, IOException {
         List<Path> folders;
         ChildRun child = new ChildRun("side" + (side + 1), false, library);
         if (Files.isDirectory(file)) {
@@ -209,11 +209,11 @@ final class RecordingCommand extends Command {
     }
 
     private int compare(String title, RunRecord one, RunRecord other)
-            throws RequestFileException, IOException {
+            throws MistakeException, IOException {
         return new ComparisonReport(mOptions, one, other).print(title) ? EQUAL : DIFFERENT;
     }
 
-    private static Path only(Path folder) throws RequestFileException, IOException {
+    private static Path only(Path folder) throws MistakeException, IOException {
         List<Path> folders = recordings(folder);
         if (folders.size() != 1) {
             throw new IllegalArgumentException(
@@ -223,17 +223,17 @@ final class RecordingCommand extends Command {
     }
 
     /** A recording itself, or all in a folder of them by their names. */
-    private static List<Path> recordings(Path folder) throws RequestFileException, IOException {
+    private static List<Path> recordings(Path folder) throws MistakeException, IOException {
         if (RecordedRequest.isRecording(folder)) {
             return List.of(folder);
         }
         if (!Files.isDirectory(folder)) {
-            throw new RequestFileException(folder.toString(), "", "no such folder");
+            throw new MistakeException(folder.toString(), "", "no such folder");
         }
         try (Stream<Path> inside = Files.list(folder)) {
             List<Path> found = inside.filter(RecordedRequest::isRecording).sorted().toList();
             if (found.isEmpty()) {
-                throw new RequestFileException(
+                throw new MistakeException(
                         folder.toString(), "", "no recording: it has no file recording");
             }
             return found;

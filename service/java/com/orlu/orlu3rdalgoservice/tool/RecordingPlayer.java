@@ -16,7 +16,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
 
 import java.io.IOException;
@@ -35,7 +35,7 @@ final class RecordingPlayer {
     }
 
     /** Returns Verdict's status of the library; what the request came to is in the new recording. */
-    int run() throws RequestFileException, ErrnoException, IOException {
+    int run() throws MistakeException, ErrnoException, IOException {
         RequestFile request = mRecorded.toRequest();
         Stopwatch stopwatch = new Stopwatch();
         request.properties().forEach(SystemProperties::set);
@@ -59,7 +59,7 @@ final class RecordingPlayer {
         return Verdict.OK;
     }
 
-    private void play(RequestFile request, ServiceClient client) throws RequestFileException, ErrnoException {
+    private void play(RequestFile request, ServiceClient client) throws MistakeException, ErrnoException {
         List<CaptureResultComposition> compositions = new ArrayList<>();
         for (FramePlan frame : request.frames().frames()) {
             CaptureResultComposition composition = new CaptureResultComposition(frame.captureResult());
@@ -81,7 +81,7 @@ final class RecordingPlayer {
         }
     }
 
-    private List<VImageIPC> make(String part) throws RequestFileException, ErrnoException {
+    private List<VImageIPC> make(String part) throws MistakeException, ErrnoException {
         List<VImageIPC> images = new ArrayList<>();
         for (RecordedImage image : mRecorded.images(part)) {
             images.add(image.make());

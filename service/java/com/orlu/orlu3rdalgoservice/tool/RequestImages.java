@@ -10,7 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.util.List;
 
@@ -21,7 +21,7 @@ final class RequestImages {
 
     /** The photo's frames, which are none when no input needs them. What fits neither is an error. */
     static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
-            throws RequestFileException {
+            throws MistakeException {
         List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request, photos) : List.of();
         FrameSize size = FrameSize.of(request, frames);
         for (ImagePlan image : request.inputs()) {
@@ -34,7 +34,7 @@ final class RequestImages {
     }
 
     private static List<SynthesisedFrame> synthesised(RequestFile request, Photos photos)
-            throws RequestFileException {
+            throws MistakeException {
         Picture photo = photos.load(request.photo());
         if (photo == null) {
             throw request.place().error("photo", "no photo that can be read: " + request.photo());
@@ -46,7 +46,7 @@ final class RequestImages {
 
     /** An input of these frames, or of its file. The caller closes it. */
     static ImageBuffer input(ImagePlan plan, List<SynthesisedFrame> frames, FrameSize size)
-            throws ErrnoException, RequestFileException {
+            throws ErrnoException, MistakeException {
         return plan.file() == null
                 ? ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan))
                 : ImageBuffer.ofFile(plan);

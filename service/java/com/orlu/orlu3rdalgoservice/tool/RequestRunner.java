@@ -22,7 +22,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Callbacks;
 
 import java.io.IOException;
@@ -65,7 +65,7 @@ final class RequestRunner {
     }
 
     /** Runs the request on frames made of its photo, which are none when it has no inputs. */
-    void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException, RequestFileException {
+    void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException, MistakeException {
         try (CallbackInbox inbox = new CallbackInbox(mClient.clientId())) {
             mRequest.properties().forEach(SystemProperties::set);
             makeCompositions();
@@ -135,7 +135,7 @@ final class RequestRunner {
         }
     }
 
-    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException, RequestFileException {
+    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
             Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());

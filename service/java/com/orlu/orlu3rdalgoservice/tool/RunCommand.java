@@ -5,7 +5,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.file.Path;
@@ -102,7 +102,7 @@ final class RunCommand extends Command {
     }
 
     @Override
-    public int run(ParseResult line) throws RequestFileException, ErrnoException, IOException {
+    public int run(ParseResult line) throws MistakeException, ErrnoException, IOException {
         return new Session(Options.of(line)).run();
     }
 

@@ -24,7 +24,7 @@ import com.orlu.orlu3rdalgoservice.tool.report.Summary;
 import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
 import com.orlu.orlu3rdalgoservice.tool.verdict.Judge;
 import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
@@ -67,7 +67,7 @@ final class Session {
     }
 
     /** Returns one of Verdict's statuses, the first that is not OK. */
-    int run() throws RequestFileException, ErrnoException, IOException {
+    int run() throws MistakeException, ErrnoException, IOException {
         // All are checked before the first runs, so that a mistake in the last shows at once.
         RequestChecker checker = new RequestChecker(mOptions.photo, mPhotos);
         mOptions.requests().forEach(checker::check);
@@ -87,7 +87,7 @@ final class Session {
         return runAll(checker);
     }
 
-    private int runAll(RequestChecker checker) throws RequestFileException, ErrnoException, IOException {
+    private int runAll(RequestChecker checker) throws MistakeException, ErrnoException, IOException {
         List<RequestFile> requests = checker.requests();
         List<String> names = RequestNames.of(mOptions.requests());
         if (mOptions.report != null) {
@@ -180,7 +180,7 @@ final class Session {
     }
 
     private void runOne(RequestReport report, Exhibits exhibits, boolean lastOfClient)
-            throws RequestFileException, ErrnoException, IOException {
+            throws MistakeException, ErrnoException, IOException {
         RequestFile request = report.request;
         List<SynthesisedFrame> frames = RequestImages.frames(request, mPhotos);
         if (mClient == null) {

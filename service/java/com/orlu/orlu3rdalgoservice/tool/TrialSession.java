@@ -18,8 +18,8 @@ import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.trial.Trials;
 
@@ -58,7 +58,7 @@ final class TrialSession {
                 all.add(trials(RequestFileReader.read(file, options.photo), library).json());
             }
             Progress.end();
-        } catch (IllegalArgumentException | RequestFileException e) {
+        } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
                 // No command comes behind these that would say it.
                 System.err.println("run: " + e.getMessage());
@@ -80,7 +80,7 @@ final class TrialSession {
             RequestFile request = recorded.toRequest();
             List<VImageIPC> inputs = empty(recorded, "input", images);
             found = Trials.of(request, inputs, empty(recorded, "output", images), library);
-        } catch (RequestFileException | ErrnoException | IllegalStateException | OutOfMemoryError
+        } catch (MistakeException | ErrnoException | IllegalStateException | OutOfMemoryError
                 | UnsatisfiedLinkError e) {
             found = Dependences.unknown("the trials ended early: " + e.getMessage());
         } finally {
@@ -112,7 +112,7 @@ final class TrialSession {
     }
 
     private static Dependences trials(RequestFile request, String library)
-            throws RequestFileException, ErrnoException {
+            throws MistakeException, ErrnoException {
         boolean isSized = !request.needsPhoto() || request.frames().width() > 0;
         Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
         List<SynthesisedFrame> frames = photo == null ? List.of()

@@ -6,10 +6,10 @@ import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
 import java.io.PrintStream;
 import java.nio.file.Path;
@@ -50,7 +50,7 @@ public final class RequestChecker {
         }
     }
 
-    private void checkSizes(RequestFile request, Mistakes mistakes) throws RequestFileException {
+    private void checkSizes(RequestFile request, Mistakes mistakes) throws MistakeException {
         FrameSize size = request.needsPhoto()
                 ? new FrameSynthesis(request.frames(), false).size(request.place(), photo(request))
                 : FrameSize.of(request, List.of());
@@ -71,7 +71,7 @@ public final class RequestChecker {
         return sized;
     }
 
-    private Picture photo(RequestFile request) throws RequestFileException {
+    private Picture photo(RequestFile request) throws MistakeException {
         Picture photo = mPhotos.load(request.photo());
         if (photo != null) {
             return photo;

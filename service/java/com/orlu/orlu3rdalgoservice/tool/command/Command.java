@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.command;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 
@@ -43,7 +43,7 @@ public abstract class Command {
      * Does what the arguments ask for, and returns 0, 1 for a difference, or one of Verdict's statuses. An
      * IllegalArgumentException is a mistake in the arguments, with a message for people.
      */
-    public abstract int run(ParseResult line) throws RequestFileException, ErrnoException, IOException;
+    public abstract int run(ParseResult line) throws MistakeException, ErrnoException, IOException;
 
     /**
      * Does what is left to do when the process that ran this ended before it was done, and returns a status.

@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 import com.orlu.orlu3rdalgoservice.tool.report.Handover;
 import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.request.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.LinkedHashSet;

@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageFile;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.EOFException;
 import java.io.IOException;
@@ -26,14 +26,14 @@ public final class FilePixels {
     }
 
     /** Decodes a file that is not taken byte by byte, for its errors alone. */
-    public void check() throws RequestFileException {
+    public void check() throws MistakeException {
         if (mFile.kind() != ImageFileKind.BYTES) {
             fill(null);
         }
     }
 
     /** Fills the image's memory; null for only decoding. Nothing is written past its description. */
-    void fill(ByteBuffer to) throws RequestFileException {
+    void fill(ByteBuffer to) throws MistakeException {
         try {
             if (mFile.kind() == ImageFileKind.BYTES) {
                 copyPlanes(to);

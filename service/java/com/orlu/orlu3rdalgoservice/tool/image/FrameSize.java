@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.util.List;
 
@@ -21,8 +21,8 @@ public record FrameSize(int width, int height) {
         return new FrameSize(request.frames().width(), request.frames().height());
     }
 
-    /** The image with this size where it has none. A stride below a row is a RequestFileException. */
-    public ImagePlan applyTo(ImagePlan plan) throws RequestFileException {
+    /** The image with this size where it has none. A stride below a row is a MistakeException. */
+    public ImagePlan applyTo(ImagePlan plan) throws MistakeException {
         return plan.sized(width, height);
     }
 }

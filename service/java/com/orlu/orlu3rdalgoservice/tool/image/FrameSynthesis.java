@@ -2,8 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
-import com.orlu.orlu3rdalgoservice.tool.request.Place;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
 import java.awt.image.BufferedImage;
 import java.io.IOException;
@@ -46,8 +46,8 @@ public final class FrameSynthesis {
         }
     }
 
-    /** All frames of a photo. A photo too small for the shifts is a RequestFileException. */
-    public List<SynthesisedFrame> frames(Place file, Picture photo) throws RequestFileException {
+    /** All frames of a photo. A photo too small for the shifts is a MistakeException. */
+    public List<SynthesisedFrame> frames(Place file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
         Picture sized = part.width() == photo.width() && part.height() == photo.height() ? photo
@@ -60,8 +60,8 @@ public final class FrameSynthesis {
         return frames;
     }
 
-    /** The size of a photo's frames. A photo too small for the shifts is a RequestFileException. */
-    public FrameSize size(Place file, Picture photo) throws RequestFileException {
+    /** The size of a photo's frames. A photo too small for the shifts is a MistakeException. */
+    public FrameSize size(Place file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
             return checked(file, mPlan.width(), mPlan.height());
         }
@@ -71,7 +71,7 @@ public final class FrameSynthesis {
                 (part.height() - margins) / GROUP * GROUP);
     }
 
-    private static FrameSize checked(Place file, int width, int height) throws RequestFileException {
+    private static FrameSize checked(Place file, int width, int height) throws MistakeException {
         if (width < GROUP || height < GROUP) {
             throw file.error("photo", "too small for the frames' shifts");
         }

@@ -7,7 +7,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
@@ -48,11 +48,11 @@ public final class ImageBuffer implements AutoCloseable {
     }
 
     /** Memory for an input that has a file, holding the pixels of that. */
-    public static ImageBuffer ofFile(ImagePlan plan) throws ErrnoException, RequestFileException {
+    public static ImageBuffer ofFile(ImagePlan plan) throws ErrnoException, MistakeException {
         ImageBuffer image = new ImageBuffer(plan, 0);
         try {
             new FilePixels(plan).fill(image.mBytes);
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             image.close();
             throw e;
         }

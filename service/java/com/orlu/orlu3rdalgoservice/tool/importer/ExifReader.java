@@ -15,7 +15,7 @@ import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 import com.google.gson.JsonPrimitive;
 
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.lang.reflect.Array;
@@ -45,15 +45,15 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads the file; one that is no picture of a known form is a RequestFileException. */
-    static ImportedFrame read(Path file, Notes notes) throws RequestFileException {
+    /** Reads the file; one that is no picture of a known form is a MistakeException. */
+    static ImportedFrame read(Path file, Notes notes) throws MistakeException {
         try {
             ExifReader reader = new ExifReader(ImageMetadataReader.readMetadata(file.toFile()), notes);
             reader.addAll();
             return reader.mFrame;
         } catch (ImageProcessingException | IOException | RuntimeException e) {
             // The last are what the library lets pass on damaged files.
-            throw new RequestFileException(file.toString(), "", "can't be read: " + e.getMessage());
+            throw new MistakeException(file.toString(), "", "can't be read: " + e.getMessage());
         }
     }
 

@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.io.PrintStream;
@@ -40,7 +40,7 @@ public final class ImportCommand extends Command {
 
     /** What it drops is printed. When a file can't be taken, nothing is written. */
     @Override
-    public int run(ParseResult line) throws RequestFileException, IOException {
+    public int run(ParseResult line) throws MistakeException, IOException {
         List<Path> files = line.matchedPositionalValue(0, List.of());
         Path photo = line.matchedOptionValue("--photo", null);
         Path out = line.matchedOptionValue("--out", null);
@@ -83,7 +83,7 @@ public final class ImportCommand extends Command {
     }
 
     private static void write(List<Path> files, Path out, Path photo, List<String> algorithms, PrintStream to)
-            throws RequestFileException, IOException {
+            throws MistakeException, IOException {
         Notes notes = new Notes();
         Importer importer = new Importer(notes);
         importer.read(files);

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -34,7 +34,7 @@ final class Importer {
     }
 
     /** Reads the files: first those that say what the others are. One of no known form is an error. */
-    void read(List<Path> files) throws RequestFileException, IOException {
+    void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
             mNotes.begin(file);
@@ -87,25 +87,25 @@ final class Importer {
         return text.isEmpty() ? ' ' : text.charAt(0);
     }
 
-    private void readSuite(Path file) throws RequestFileException {
+    private void readSuite(Path file) throws MistakeException {
         SuiteReader suite = new SuiteReader(mNotes);
         suite.read(file);
         mFrames.addAll(suite.frames());
         suite.outputs().forEach(output -> mExpected.add(new Expected(output, file)));
     }
 
-    private void readDump(Path file) throws RequestFileException, IOException {
+    private void readDump(Path file) throws MistakeException, IOException {
         // Bytes that are no text are replaced, and show in the notes as what they are.
         List<String> lines = new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList();
         List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
         if (frames.isEmpty()) {
-            throw new RequestFileException(file.toString(), "",
+            throw new MistakeException(file.toString(), "",
                     "no form that is known: neither a metadata buffer with entries, nor JSON, nor a picture");
         }
         mFrames.addAll(frames);
     }
 
-    private void readPicture(Path file, ImageFileKind kind) throws RequestFileException {
+    private void readPicture(Path file, ImageFileKind kind) throws MistakeException {
         mExifFrames.add(kind == ImageFileKind.PNG ? new ImportedFrame() : ExifReader.read(file, mNotes));
         addPicture(file, kind);
     }

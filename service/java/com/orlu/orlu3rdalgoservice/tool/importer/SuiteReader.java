@@ -8,8 +8,8 @@ import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 import com.google.gson.JsonPrimitive;
 
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.JsonTree;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -34,16 +34,16 @@ final class SuiteReader {
         return mOutputs;
     }
 
-    void read(Path file) throws RequestFileException {
+    void read(Path file) throws MistakeException {
         JsonElement root = JsonTree.read(file);
         if (!root.isJsonObject()) {
-            throw new RequestFileException(file.toString(), "", "needs an object");
+            throw new MistakeException(file.toString(), "", "needs an object");
         }
         JsonObject shot = root.getAsJsonObject();
         addFrame("captureResult", shot.get("captureResult"));
         addEach("captureResults", shot.get("captureResults"), this::addFrame);
         if (mFrames.isEmpty()) {
-            throw new RequestFileException(
+            throw new MistakeException(
                     file.toString(), "", "needs captureResult or captureResults, objects of tags");
         }
         // What never changes is no part of a result there, and is looked for in one here.

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.recording;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
@@ -43,7 +43,7 @@ public final class Comparison {
     }
 
     /** All differences. A run that did not end is compared as far as it goes. */
-    public List<Difference> differences() throws RequestFileException, IOException {
+    public List<Difference> differences() throws MistakeException, IOException {
         boolean bothComplete = mOne.isComplete() && mOther.isComplete();
         if (mOne.isComplete() && !mOther.isComplete()) {
             differ("end", "reached", "not reached");
@@ -188,7 +188,7 @@ public final class Comparison {
         return run.handed().stream().filter(image -> image.match() != HandedImage.Match.UNKNOWN).toList();
     }
 
-    private void compareOutputs() throws RequestFileException, IOException {
+    private void compareOutputs() throws MistakeException, IOException {
         if (mOne.results().size() != mOther.results().size()) {
             differ("outputs", mOne.results().size(), mOther.results().size());
         }

@@ -6,7 +6,7 @@ import com.google.gson.JsonParseException;
 import com.google.gson.JsonParser;
 
 import com.orlu.orlu3rdalgoservice.tool.events.Event;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -20,12 +20,12 @@ final class EventLines {
     private EventLines() {
     }
 
-    static List<JsonObject> read(Path file) throws RequestFileException {
+    static List<JsonObject> read(Path file) throws MistakeException {
         String text;
         try {
             text = new String(Files.readAllBytes(file), StandardCharsets.UTF_8);
         } catch (IOException e) {
-            throw new RequestFileException(file.toString(), "", "can't be read");
+            throw new MistakeException(file.toString(), "", "can't be read");
         }
         List<JsonObject> events = new ArrayList<>();
         for (String line : text.substring(0, text.lastIndexOf('\n') + 1).split("\n")) {

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.recording;
 
 import com.orlu.orlu3rdalgoservice.tool.events.Event;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.file.Files;
 import java.util.ArrayList;
@@ -24,7 +24,7 @@ record HandedImage(String call, String kind, int index, String text, Match match
     private static final String AS_IN_JAVA = "as Java has it";
 
     /** All that the probe kept of a recording; none without its pixels. */
-    static List<HandedImage> of(RecordedRequest recorded) throws RequestFileException {
+    static List<HandedImage> of(RecordedRequest recorded) throws MistakeException {
         List<HandedImage> images = new ArrayList<>();
         if (recorded.part("request") == null) {
             return images;
@@ -53,7 +53,7 @@ record HandedImage(String call, String kind, int index, String text, Match match
                 text = at < 0 ? AS_IN_JAVA
                         : "not " + AS_IN_JAVA + " from byte " + at + " on"
                                 + (isInput ? "" : ": written after the callback");
-            } catch (RequestFileException e) {
+            } catch (MistakeException e) {
                 text = e.getMessage();
             }
         }
@@ -81,7 +81,7 @@ record HandedImage(String call, String kind, int index, String text, Match match
 
     // The first byte that differs from Java's, -1 for none. A file whose bytes the recorder has is left out.
     private static int mismatch(RecordedRequest recorded, Event event, RecordedImage inJava)
-            throws RequestFileException {
+            throws MistakeException {
         if (isOfSameCheck(event, inJava)) {
             return -1;
         }

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.recording;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -30,7 +30,7 @@ public final class OutputComparison {
     }
 
     List<String> differences(int index, RecordedImage one, RecordedImage other, double tolerance)
-            throws RequestFileException, IOException {
+            throws MistakeException, IOException {
         List<String> differences = new ArrayList<>();
         String output = "output " + index;
         for (String field : List.of("format", "width", "height", "rowStrides", "planeSizes")) {
@@ -65,7 +65,7 @@ public final class OutputComparison {
         return image.format().equals(PixelFormat.JPEG.name());
     }
 
-    private static byte[] content(RecordedImage image) throws RequestFileException {
+    private static byte[] content(RecordedImage image) throws MistakeException {
         byte[] bytes = image.bytes();
         int[] planes = image.numbers("planeSizes");
         if (bytes == null || !isJpeg(image) || planes == null || planes.length == 0) {

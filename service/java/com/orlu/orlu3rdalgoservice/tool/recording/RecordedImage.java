@@ -8,7 +8,7 @@ import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.ByteBuffer;
 
@@ -60,14 +60,14 @@ public final class RecordedImage {
         return mPart.has("file");
     }
 
-    /** The bytes; null when none were kept. RequestFileException when their file is cut or damaged. */
-    byte[] bytes() throws RequestFileException {
+    /** The bytes; null when none were kept. MistakeException when their file is cut or damaged. */
+    byte[] bytes() throws MistakeException {
         return hasBytes()
                 ? mOwner.checkedBytes(mPart.get("file").getAsString(), mPart.get("crc").getAsString()) : null;
     }
 
     /** A new image of the same description, memory and bytes. The caller closes its memory. */
-    public VImageIPC make() throws RequestFileException, ErrnoException {
+    public VImageIPC make() throws MistakeException, ErrnoException {
         return make(bytes());
     }
 

@@ -12,10 +12,10 @@ import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
-import com.orlu.orlu3rdalgoservice.tool.request.Place;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
 import com.orlu.orlu3rdalgoservice.tool.request.TypedValue;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -52,8 +52,8 @@ public final class RecordedRequest {
         return Files.isRegularFile(folder.resolve(LINES));
     }
 
-    /** Reads a folder. RequestFileException for one that holds no recording, or one of another version. */
-    public static RecordedRequest read(Path folder) throws RequestFileException {
+    /** Reads a folder. MistakeException for one that holds no recording, or one of another version. */
+    public static RecordedRequest read(Path folder) throws MistakeException {
         RecordedRequest recorded = new RecordedRequest(folder);
         recorded.readLines();
         JsonObject header = recorded.part("header");
@@ -69,11 +69,11 @@ public final class RecordedRequest {
         return recorded;
     }
 
-    private RequestFileException error(String field, String problem) {
-        return new RequestFileException(mFolder.resolve(LINES).toString(), field, problem);
+    private MistakeException error(String field, String problem) {
+        return new MistakeException(mFolder.resolve(LINES).toString(), field, problem);
     }
 
-    private void readLines() throws RequestFileException {
+    private void readLines() throws MistakeException {
         byte[] bytes = bytesOf(LINES);
         int start = 0;
         for (int number = 1; start < bytes.length; ++number) {
@@ -116,12 +116,12 @@ public final class RecordedRequest {
         return "%08x".formatted(check.getValue());
     }
 
-    private byte[] bytesOf(String name) throws RequestFileException {
+    private byte[] bytesOf(String name) throws MistakeException {
         Path file = mFolder.resolve(name);
         try {
             return Files.readAllBytes(file);
         } catch (IOException e) {
-            throw new RequestFileException(
+            throw new MistakeException(
                     file.toString(), "", Files.exists(file) ? "can't be read" : "no such file");
         }
     }
@@ -140,12 +140,12 @@ public final class RecordedRequest {
                 Files.write(folder.resolve(EVENTS), Arrays.copyOfRange(all, from, all.length));
                 recorded.addPixels(pixels);
             }
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             System.err.println("run: " + e.getMessage());
         }
     }
 
-    private void addPixels(Path from) throws RequestFileException, IOException {
+    private void addPixels(Path from) throws MistakeException, IOException {
         for (Event event : events().events("pixels")) {
             String name = event.text("file");
             if (from != null && !name.isEmpty() && Files.isRegularFile(from.resolve(name))) {
@@ -216,11 +216,11 @@ public final class RecordedRequest {
     }
 
     /** The bytes of a file of this recording, which have this check. */
-    byte[] checkedBytes(String name, String check) throws RequestFileException {
+    byte[] checkedBytes(String name, String check) throws MistakeException {
         byte[] bytes = bytesOf(name);
         String found = check(bytes, 0, bytes.length);
         if (!check.equals(found)) {
-            throw new RequestFileException(mFolder.resolve(name).toString(), "",
+            throw new MistakeException(mFolder.resolve(name).toString(), "",
                     "is cut or damaged: its " + bytes.length + " bytes have the check " + found
                             + " instead of " + check);
         }
@@ -235,13 +235,13 @@ public final class RecordedRequest {
                 checkedBytes(part.get("file").getAsString(), part.get("crc").getAsString());
             }
             return "";
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             return e.getMessage();
         }
     }
 
     /** What passed between the libraries: the whole lines, none when the probe was not there. */
-    public RecordedEvents events() throws RequestFileException {
+    public RecordedEvents events() throws MistakeException {
         RecordedEvents events = new RecordedEvents();
         if (Files.isRegularFile(mFolder.resolve(EVENTS))) {
             events.add(EventLines.read(mFolder.resolve(EVENTS)));
@@ -250,10 +250,10 @@ public final class RecordedRequest {
     }
 
     /**
-     * The request to be run again, without its images. RequestFileException when its frames were not
+     * The request to be run again, without its images. MistakeException when its frames were not
      * reached.
      */
-    public RequestFile toRequest() throws RequestFileException {
+    public RequestFile toRequest() throws MistakeException {
         JsonObject request = part("request");
         if (request == null || part("running") == null) {
             throw error("", "ends before the request ran" + (mProblem.isEmpty() ? "" : ": " + mProblem));
@@ -275,7 +275,7 @@ public final class RecordedRequest {
                 new FrameSetPlan(frames, 0, 0, 0, 0), List.of(), List.of(), Place.ofFile(mFolder.toString()));
     }
 
-    private FramePlan frame(JsonObject frame, String place) throws RequestFileException {
+    private FramePlan frame(JsonObject frame, String place) throws MistakeException {
         CameraMetadataNative captureResult = new CameraMetadataNative();
         for (Map.Entry<String, Object> tag : values(frame, "captureResult", place).entrySet()) {
             if (TagTable.typeOf(tag.getKey()) == null) {
@@ -292,7 +292,7 @@ public final class RecordedRequest {
     }
 
     private Map<String, Object> values(JsonObject part, String member, String place)
-            throws RequestFileException {
+            throws MistakeException {
         Map<String, Object> values = new LinkedHashMap<>();
         if (part == null || !part.has(member)) {
             return values;

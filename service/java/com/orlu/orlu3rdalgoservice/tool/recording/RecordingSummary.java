@@ -5,7 +5,7 @@ import com.google.gson.JsonObject;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.report.Handover;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.PrintStream;
 import java.time.Instant;
@@ -29,7 +29,7 @@ public final class RecordingSummary {
     }
 
     /** Prints a line on each thing, down to where the recording ends. */
-    public void print() throws RequestFileException {
+    public void print() throws MistakeException {
         JsonObject header = mRecorded.part("header");
         mTo.println(mRecorded.folder());
         line("recorded",
@@ -91,7 +91,7 @@ public final class RecordingSummary {
         }
         try {
             image.bytes();
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             return ", " + e.getMessage();
         }
         return ", " + image.number("size") + " bytes";
@@ -105,7 +105,7 @@ public final class RecordingSummary {
         }
     }
 
-    private void printRun() throws RequestFileException {
+    private void printRun() throws MistakeException {
         RecordedEvents events = mRecorded.events();
         if (!mRecorded.eventsProblem().isEmpty()) {
             line("events", mRecorded.eventsProblem());
@@ -131,7 +131,7 @@ public final class RecordingSummary {
         }
     }
 
-    private void printEnd() throws RequestFileException {
+    private void printEnd() throws MistakeException {
         JsonObject failed = mRecorded.part("failed");
         String reason = !mRecorded.problem().isEmpty() ? mRecorded.problem()
                 : failed != null ? "recording failed: " + failed.get("what").getAsString()

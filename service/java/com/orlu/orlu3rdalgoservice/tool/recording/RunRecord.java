@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.tool.events.Event;
 import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.report.Handover;
 import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -62,10 +62,10 @@ public final class RunRecord {
     }
 
     /**
-     * A recording's run, under this name for people. RequestFileException when its events are damaged so that
+     * A recording's run, under this name for people. MistakeException when its events are damaged so that
      * they can't be understood.
      */
-    public static RunRecord of(RecordedRequest recorded, String name) throws RequestFileException {
+    public static RunRecord of(RecordedRequest recorded, String name) throws MistakeException {
         try {
             return read(recorded, name);
         } catch (IllegalArgumentException | IllegalStateException | ClassCastException e) {
@@ -73,11 +73,11 @@ public final class RunRecord {
             if (problem.isEmpty()) {
                 throw e;
             }
-            throw new RequestFileException(recorded.folder().toString(), "", problem);
+            throw new MistakeException(recorded.folder().toString(), "", problem);
         }
     }
 
-    private static RunRecord read(RecordedRequest recorded, String name) throws RequestFileException {
+    private static RunRecord read(RecordedRequest recorded, String name) throws MistakeException {
         RunRecord run = new RunRecord(name, recorded.events(),
                 recorded.isComplete() && recorded.problem().isEmpty(), recorded.images("result"));
         for (String call : List.of("processed", "updated")) {
@@ -116,11 +116,11 @@ public final class RunRecord {
     }
 
     /** The run of a request in events alone, which have no images. */
-    public static RunRecord ofEvents(Path file) throws RequestFileException {
+    public static RunRecord ofEvents(Path file) throws MistakeException {
         RecordedEvents events = new RecordedEvents();
         events.add(EventLines.read(file));
         if (events.calls().isEmpty()) {
-            throw new RequestFileException(
+            throw new MistakeException(
                     file.toString(), "", "no recording, no request file, and no events");
         }
         RunRecord run = new RunRecord(file.toString(), events, true, List.of());

@@ -5,7 +5,7 @@ import com.google.gson.GsonBuilder;
 import com.google.gson.JsonObject;
 
 import com.orlu.orlu3rdalgoservice.tool.events.Event;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
@@ -48,7 +48,7 @@ public final class Trimmer {
     }
 
     /** Writes the copy into a folder that must not be there. */
-    public void write(Path folder) throws RequestFileException, IOException {
+    public void write(Path folder) throws MistakeException, IOException {
         int frames = mRecorded.parts("frame").size();
         int inputs = mRecorded.parts("input").size();
         mRecorded.toRequest();
@@ -73,7 +73,7 @@ public final class Trimmer {
         Files.write(folder.resolve(RecordedRequest.LINES), mLines.toByteArray());
     }
 
-    private void writeParts(Path folder, int inputsPerFrame) throws RequestFileException, IOException {
+    private void writeParts(Path folder, int inputsPerFrame) throws MistakeException, IOException {
         List<Integer> counts = new ArrayList<>(List.of(0, 0));
         for (JsonObject part : mRecorded.parts()) {
             String name = part.get("part").getAsString();
@@ -171,7 +171,7 @@ public final class Trimmer {
     }
 
     private void copyBytes(JsonObject part, JsonObject copy, Path folder, ImageCrop crop)
-            throws RequestFileException, IOException {
+            throws MistakeException, IOException {
         if (!part.has("file")) {
             return;
         }
@@ -197,7 +197,7 @@ public final class Trimmer {
     }
 
     // What the library saw of the images, where that is in files of its own.
-    private void copyHanded(Path folder) throws RequestFileException, IOException {
+    private void copyHanded(Path folder) throws MistakeException, IOException {
         for (Event event : mRecorded.events().events("pixels")) {
             String file = event.text("file");
             if (!file.isEmpty() && Files.isRegularFile(mRecorded.folder().resolve(file))) {

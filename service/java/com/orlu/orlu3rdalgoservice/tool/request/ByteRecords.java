@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
@@ -20,7 +23,7 @@ final class ByteRecords {
     private ByteRecords() {
     }
 
-    static byte[] read(JsonField field) throws RequestFileException {
+    static byte[] read(JsonField field) throws MistakeException {
         if (field.isString()) {
             return hex(field);
         }
@@ -30,7 +33,7 @@ final class ByteRecords {
         return field.anyMembers().containsKey("size") ? sized(field) : packed(field, field.anyMembers());
     }
 
-    private static byte[] sized(JsonField field) throws RequestFileException {
+    private static byte[] sized(JsonField field) throws MistakeException {
         JsonMembers members = field.members("size", "parts");
         byte[] record = new byte[members.require("size").integer(0, LARGEST)];
         if (members.has("parts")) {
@@ -41,7 +44,7 @@ final class ByteRecords {
         return record;
     }
 
-    private static void place(byte[] record, JsonField part) throws RequestFileException {
+    private static void place(byte[] record, JsonField part) throws MistakeException {
         Map<String, JsonField> members = part.anyMembers();
         JsonField at = members.remove("at");
         if (at == null) {
@@ -57,7 +60,7 @@ final class ByteRecords {
     }
 
     private static byte[] packed(JsonField field, Map<String, JsonField> members)
-            throws RequestFileException {
+            throws MistakeException {
         if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
             String word = members.isEmpty() ? "" : members.keySet().iterator().next();
             throw field.error("needs exactly one of " + String.join(", ", PACKINGS) + ", found "
@@ -84,7 +87,7 @@ final class ByteRecords {
     }
 
     private static void put(String packing, JsonField value, ByteBuffer buffer)
-            throws RequestFileException {
+            throws MistakeException {
         switch (packing) {
             case "int8" -> buffer.put((byte) value.integer(Byte.MIN_VALUE, 255));
             case "int16" -> buffer.putShort((short) value.integer(Short.MIN_VALUE, 65535));
@@ -95,7 +98,7 @@ final class ByteRecords {
         }
     }
 
-    private static byte[] hex(JsonField field) throws RequestFileException {
+    private static byte[] hex(JsonField field) throws MistakeException {
         try {
             return HexFormat.of().parseHex(field.string().replace(" ", ""));
         } catch (IllegalArgumentException e) {

@@ -5,6 +5,8 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
 import java.util.ArrayList;
 import java.util.Collections;
@@ -33,12 +35,12 @@ final class FrameSetReader {
         mMistakes = field.mistakes();
     }
 
-    /** The frames. RequestFileException when it is not clear how many there are. */
-    static FrameSetPlan read(JsonField field) throws RequestFileException {
+    /** The frames. MistakeException when it is not clear how many there are. */
+    static FrameSetPlan read(JsonField field) throws MistakeException {
         return new FrameSetReader(field).set();
     }
 
-    private FrameSetPlan set() throws RequestFileException {
+    private FrameSetPlan set() throws MistakeException {
         if (mField.isList()) {
             List<JsonField> each = mField.list();
             return new FrameSetPlan(frames(each.size(), each, JsonMembers.none()), 0, 1, 0, 0);
@@ -92,7 +94,7 @@ final class FrameSetReader {
         }, fallback);
     }
 
-    private static int[] shift(JsonMembers members) throws RequestFileException {
+    private static int[] shift(JsonMembers members) throws MistakeException {
         if (!members.has("shift")) {
             return null;
         }
@@ -135,7 +137,7 @@ final class FrameSetReader {
     }
 
     private void setTag(CameraMetadataNative report, String tag, JsonField field, int frame)
-            throws RequestFileException {
+            throws MistakeException {
         int before = mMistakes.size();
         Object value = TagValues.ofTag(tag, field, frame);
         if (mMistakes.size() > before) {

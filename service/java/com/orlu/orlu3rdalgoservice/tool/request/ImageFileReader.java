@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -29,7 +30,7 @@ final class ImageFileReader {
 
     /** The field holds the file's name; the members are those of the image. */
     ImageFileReader(Path requestFile, JsonField field, JsonMembers members, PixelFormat format)
-            throws RequestFileException {
+            throws MistakeException {
         mMembers = members;
         mField = field;
         mFormat = format;
@@ -41,7 +42,7 @@ final class ImageFileReader {
     }
 
     /** The file that a field names, beside the request file; an error when there is none. */
-    static Path existing(Path requestFile, JsonField field, String what) throws RequestFileException {
+    static Path existing(Path requestFile, JsonField field, String what) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
             if (Files.isRegularFile(path)) {
@@ -72,7 +73,7 @@ final class ImageFileReader {
         return mBits;
     }
 
-    private void readSize(ImageFileKind kind) throws RequestFileException {
+    private void readSize(ImageFileKind kind) throws MistakeException {
         try {
             if (kind == ImageFileKind.BYTES) {
                 mWidth = mMembers.require("width").integer(1, LARGEST_SIDE);
@@ -92,13 +93,13 @@ final class ImageFileReader {
         checkFormat(kind);
     }
 
-    private void setSize(int width, int height) throws RequestFileException {
+    private void setSize(int width, int height) throws MistakeException {
         mWidth = agreeing("width", width);
         mHeight = agreeing("height", height);
     }
 
     // The header knows; who writes the size as well is to know when it is another.
-    private int agreeing(String member, int inFile) throws RequestFileException {
+    private int agreeing(String member, int inFile) throws MistakeException {
         if (inFile > LARGEST_SIDE) {
             throw mField.error(
                     mPath + ": " + member + " needs at most " + LARGEST_SIDE + ", found " + inFile);
@@ -109,7 +110,7 @@ final class ImageFileReader {
         return inFile;
     }
 
-    private void checkFormat(ImageFileKind kind) throws RequestFileException {
+    private void checkFormat(ImageFileKind kind) throws MistakeException {
         if (kind == ImageFileKind.DNG && !mFormat.isRaw()) {
             throw mField.error("a DNG file needs a raw format, found " + mFormat);
         }
@@ -133,7 +134,7 @@ final class ImageFileReader {
     }
 
     /** The file, with the planes that rows of this many bytes have. */
-    ImageFile file(int stride) throws RequestFileException {
+    ImageFile file(int stride) throws MistakeException {
         if (mKind != ImageFileKind.BYTES) {
             return new ImageFile(mPath, mKind, List.of());
         }
@@ -162,7 +163,7 @@ final class ImageFileReader {
         return new ImageFile(mPath, mKind, planes);
     }
 
-    private ImageFile jpeg(long offset, long size, int stride) throws RequestFileException {
+    private ImageFile jpeg(long offset, long size, int stride) throws MistakeException {
         if (offset >= size || size - offset > LARGEST_PLANE) {
             throw mField.error(mPath + ": needs from 1 to " + LARGEST_PLANE + " bytes of a JPEG at "
                     + offset + ", found " + (size - offset));
@@ -187,7 +188,7 @@ final class ImageFileReader {
     }
 
     private void checkInFile(JsonField field, ImageFile.Plane plane, int index, long size)
-            throws RequestFileException {
+            throws MistakeException {
         long end = plane.offset() + plane.size();
         if (end > size) {
             throw field.error(mPath + ": plane " + index + " needs " + end + " bytes (" + plane.size()
@@ -195,7 +196,7 @@ final class ImageFileReader {
         }
     }
 
-    private long size() throws RequestFileException {
+    private long size() throws MistakeException {
         try {
             return Files.size(mPath);
         } catch (IOException e) {

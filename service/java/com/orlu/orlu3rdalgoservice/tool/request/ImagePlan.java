@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
+
 import java.util.List;
 
 /**
@@ -30,7 +33,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
     }
 
     /** The same image with the frames' size where the file gives none. A stride below a row is an error. */
-    public ImagePlan sized(int frameWidth, int frameHeight) throws RequestFileException {
+    public ImagePlan sized(int frameWidth, int frameHeight) throws MistakeException {
         ImagePlan sized = new ImagePlan(format, name, hardware, width > 0 ? width : frameWidth,
                 height > 0 ? height : frameHeight, stride, capacity, bits, frame, file, place);
         int row = format.tightStride(sized.width);

@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Collections;
@@ -28,7 +31,7 @@ final class ImagePlanReader {
     }
 
     /** A list of images, or one description that every frame has an image of. */
-    List<ImagePlan> inputs(JsonField field) throws RequestFileException {
+    List<ImagePlan> inputs(JsonField field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         if (field.isList()) {
             List<JsonField> fields = field.list();
@@ -57,7 +60,7 @@ final class ImagePlanReader {
         return mNeedsPhoto;
     }
 
-    private ImagePlan input(JsonField field, int index) throws RequestFileException {
+    private ImagePlan input(JsonField field, int index) throws MistakeException {
         JsonMembers members = members(field, "frame");
         if (mFrames == 0) {
             throw field.error("there is no frame that it could belong to");
@@ -67,7 +70,7 @@ final class ImagePlanReader {
         return image(field, members, members.get("file")).withFrame(frame);
     }
 
-    private JsonMembers members(JsonField field, String last) throws RequestFileException {
+    private JsonMembers members(JsonField field, String last) throws MistakeException {
         JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
@@ -84,7 +87,7 @@ final class ImagePlanReader {
         return members;
     }
 
-    List<ImagePlan> outputs(JsonField field) throws RequestFileException {
+    List<ImagePlan> outputs(JsonField field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         for (JsonField output : field.list()) {
             mMistakes.attempt(() -> images.add(image(output, output.members("format", "name", "memory",
@@ -95,7 +98,7 @@ final class ImagePlanReader {
 
     // The file's field is null for an image that comes from none.
     private ImagePlan image(JsonField field, JsonMembers members, JsonField file)
-            throws RequestFileException {
+            throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
         // Whatever is wrong with the rest is said as well.
         boolean isHardware = hardware(members);
@@ -116,7 +119,7 @@ final class ImagePlanReader {
         return sized.withFile(source.file(sized.strideBytes()));
     }
 
-    private static PixelFormat format(JsonMembers members) throws RequestFileException {
+    private static PixelFormat format(JsonMembers members) throws MistakeException {
         JsonField field = members.require("format");
         PixelFormat format = PixelFormat.named(field.string());
         if (format == null) {

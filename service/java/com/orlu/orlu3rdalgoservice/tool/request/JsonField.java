@@ -1,5 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Mistake;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
+
 import java.math.BigDecimal;
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -9,7 +15,7 @@ import java.util.TreeSet;
 
 /**
  * A value of a file together with its place in it, so that every complaint names file, line, column and
- * field. What a method can't return is a RequestFileException, unless it says that a mistake is only noted.
+ * field. What a method can't return is a MistakeException, unless it says that a mistake is only noted.
  */
 final class JsonField implements Place {
     private static final int LONGEST_QUOTE = 60;
@@ -68,17 +74,17 @@ final class JsonField implements Place {
     }
 
     /** What is wrong with this field, as an exception to be thrown. */
-    RequestFileException error(String problem) {
-        return new RequestFileException(mistake(mValue.line(), mValue.column(), problem, false));
+    MistakeException error(String problem) {
+        return new MistakeException(mistake(mValue.line(), mValue.column(), problem, false));
     }
 
     /** "needs X, found Y" for this field. */
-    RequestFileException needs(String what) {
+    MistakeException needs(String what) {
         return error("needs " + what + ", found " + found());
     }
 
     /** "needs X, found Y" for a text of this field that is none of the names. */
-    RequestFileException needsName(String what, List<String> names) {
+    MistakeException needsName(String what, List<String> names) {
         String hint = isString() ? NearestWord.question((String) mValue.content(), names) : "";
         return error("needs " + what + ", found " + found() + hint);
     }
@@ -89,7 +95,7 @@ final class JsonField implements Place {
     }
 
     @Override
-    public RequestFileException error(String member, String problem) {
+    public MistakeException error(String member, String problem) {
         return memberOrThis(member).error(problem);
     }
 
@@ -141,7 +147,7 @@ final class JsonField implements Place {
     }
 
     /** The members of an object. Those of other names than the ones known here are noted as mistakes. */
-    JsonMembers members(String... known) throws RequestFileException {
+    JsonMembers members(String... known) throws MistakeException {
         Map<String, JsonField> members = anyMembers();
         List<String> allowed = List.of(known);
         for (Map.Entry<String, JsonField> member : members.entrySet()) {
@@ -156,7 +162,7 @@ final class JsonField implements Place {
     }
 
     /** The members of an object of any fields, in the file's order. */
-    Map<String, JsonField> anyMembers() throws RequestFileException {
+    Map<String, JsonField> anyMembers() throws MistakeException {
         if (!isObject()) {
             throw needs("an object");
         }
@@ -183,7 +189,7 @@ final class JsonField implements Place {
     }
 
     /** The elements of a list. */
-    List<JsonField> list() throws RequestFileException {
+    List<JsonField> list() throws MistakeException {
         if (!isList()) {
             throw needs("a list");
         }
@@ -201,7 +207,7 @@ final class JsonField implements Place {
     }
 
     /** The elements of a list of exactly so many. */
-    List<JsonField> list(int count) throws RequestFileException {
+    List<JsonField> list(int count) throws MistakeException {
         List<JsonField> fields = list();
         if (fields.size() != count) {
             throw error("needs a list of " + count + ", found " + fields.size() + " elements");
@@ -209,7 +215,7 @@ final class JsonField implements Place {
         return fields;
     }
 
-    String string() throws RequestFileException {
+    String string() throws MistakeException {
         if (!isString()) {
             throw needs("a text");
         }
@@ -217,7 +223,7 @@ final class JsonField implements Place {
     }
 
     /** The texts of a list. One that is none is noted as a mistake, and empty here. */
-    List<String> strings() throws RequestFileException {
+    List<String> strings() throws MistakeException {
         List<String> strings = new ArrayList<>();
         for (JsonField field : list()) {
             strings.add(mMistakes.attempt(field::string, ""));
@@ -225,14 +231,14 @@ final class JsonField implements Place {
         return strings;
     }
 
-    boolean bool() throws RequestFileException {
+    boolean bool() throws MistakeException {
         if (!isBoolean()) {
             throw needs("true or false");
         }
         return (Boolean) mValue.content();
     }
 
-    BigDecimal number() throws RequestFileException {
+    BigDecimal number() throws MistakeException {
         if (!isNumber()) {
             throw needs("a number");
         }
@@ -240,7 +246,7 @@ final class JsonField implements Place {
     }
 
     /** A number in a range, both ends included. */
-    double number(double least, double most) throws RequestFileException {
+    double number(double least, double most) throws MistakeException {
         double value = number().doubleValue();
         if (value < least || value > most) {
             throw needs("a number from " + least + " to " + most);
@@ -249,12 +255,12 @@ final class JsonField implements Place {
     }
 
     /** A number that a double holds. */
-    double real() throws RequestFileException {
+    double real() throws MistakeException {
         return number(-Double.MAX_VALUE, Double.MAX_VALUE);
     }
 
     /** A number that a float holds, rounded to one. */
-    float single() throws RequestFileException {
+    float single() throws MistakeException {
         float value = (float) real();
         if (Float.isInfinite(value)) {
             throw needs("a number that a float holds (up to " + Float.MAX_VALUE + ")");
@@ -263,7 +269,7 @@ final class JsonField implements Place {
     }
 
     /** A whole number in a range, both ends included. */
-    long integer(long least, long most) throws RequestFileException {
+    long integer(long least, long most) throws MistakeException {
         BigDecimal value = number();
         try {
             long whole = value.longValueExact();
@@ -276,7 +282,7 @@ final class JsonField implements Place {
         throw needs("a whole number from " + least + " to " + most);
     }
 
-    int integer(int least, int most) throws RequestFileException {
+    int integer(int least, int most) throws MistakeException {
         return (int) integer((long) least, (long) most);
     }
 }

@@ -7,6 +7,9 @@ import com.fasterxml.jackson.core.JsonParser;
 import com.fasterxml.jackson.core.JsonToken;
 import com.fasterxml.jackson.core.json.JsonReadFeature;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+
 import java.io.IOException;
 import java.io.InputStream;
 import java.math.BigDecimal;

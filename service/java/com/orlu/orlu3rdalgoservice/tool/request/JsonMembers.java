@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 import java.util.Map;
 
 /**
@@ -30,7 +33,7 @@ final class JsonMembers {
     }
 
     /** A member that must be there. */
-    JsonField require(String name) throws RequestFileException {
+    JsonField require(String name) throws MistakeException {
         if (!has(name)) {
             throw mOwner.error("needs the field " + name);
         }

@@ -6,6 +6,9 @@ import com.google.gson.JsonNull;
 import com.google.gson.JsonObject;
 import com.google.gson.JsonPrimitive;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 import java.math.BigDecimal;
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -18,8 +21,8 @@ public final class JsonTree {
     private JsonTree() {
     }
 
-    /** Reads a file that is no request. What is wrong with it as JSON is a RequestFileException. */
-    public static JsonElement read(Path path) throws RequestFileException {
+    /** Reads a file that is no request. What is wrong with it as JSON is a MistakeException. */
+    public static JsonElement read(Path path) throws MistakeException {
         Mistakes mistakes = new Mistakes(path.toString());
         JsonValue root = JsonFileReader.read(path, mistakes);
         mistakes.throwFirst();

@@ -5,6 +5,7 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.AlgorithmCatalogue;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
 import java.util.List;
 import java.util.Map;

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
+
 import java.nio.file.Path;
 import java.util.List;
 import java.util.Map;

@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 import java.util.LinkedHashMap;
@@ -22,9 +25,9 @@ public final class RequestFileReader {
 
     /**
      * Reads a file; a photo other than null replaces the file's own. The first mistake is a
-     * RequestFileException.
+     * MistakeException.
      */
-    public static RequestFile read(Path file, Path otherPhoto) throws RequestFileException {
+    public static RequestFile read(Path file, Path otherPhoto) throws MistakeException {
         Mistakes mistakes = new Mistakes(file.toString());
         RequestFile request = read(file, otherPhoto, mistakes);
         mistakes.throwFirst();
@@ -47,7 +50,7 @@ public final class RequestFileReader {
         return request;
     }
 
-    private RequestFile root(JsonField field) throws RequestFileException {
+    private RequestFile root(JsonField field) throws MistakeException {
         JsonMembers members = field.members("$schema", "about", "request", "client", "properties",
                 "algorithms", "fullAsync", "photo", "frames", "inputs", "outputs");
         // For editors alone.
@@ -124,7 +127,7 @@ public final class RequestFileReader {
     }
 
     private Path photo(JsonMembers members, JsonField root, ImagePlanReader images)
-            throws RequestFileException {
+            throws MistakeException {
         if (mOtherPhoto != null) {
             return mOtherPhoto;
         }

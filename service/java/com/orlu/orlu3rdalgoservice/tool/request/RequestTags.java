@@ -4,6 +4,9 @@ import com.google.gson.JsonElement;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 /** What a request file can hold of tags, for those who write one. */
 public final class RequestTags {
     private RequestTags() {
@@ -19,7 +22,7 @@ public final class RequestTags {
             mistakes.throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             // The field and the file are the caller's.
             return e.mistake().problem();
         } catch (IllegalArgumentException e) {

@@ -3,6 +3,9 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+
 import java.util.Map;
 
 /**
@@ -13,7 +16,7 @@ final class TagValues {
     }
 
     /** The value of a tag of the camera's report: the table of tags decides the type. */
-    static Object ofTag(String tag, JsonField field, int frame) throws RequestFileException {
+    static Object ofTag(String tag, JsonField field, int frame) throws MistakeException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
             throw field.error("no such tag" + NearestWord.question(tag, TagTable.names()));
@@ -24,7 +27,7 @@ final class TagValues {
     /**
      * The value of a composition's key: its tag's type, an explicit one, or the one that the JSON suggests.
      */
-    static Object ofKey(String key, JsonField field, int frame) throws RequestFileException {
+    static Object ofKey(String key, JsonField field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);
         if (explicit != null) {
@@ -35,7 +38,7 @@ final class TagValues {
     }
 
     private static Object typed(TagType type, JsonField field, ValueReader reader)
-            throws RequestFileException {
+            throws MistakeException {
         return switch (type) {
             case INT -> reader.integer(field);
             case LONG -> reader.longInteger(field);
@@ -57,7 +60,7 @@ final class TagValues {
     }
 
     // {"long": 5} and the like; null when the field is not of this form.
-    static Object explicit(JsonField field, ValueReader reader) throws RequestFileException {
+    static Object explicit(JsonField field, ValueReader reader) throws MistakeException {
         if (!field.isObject() || field.anyMembers().size() != 1) {
             return null;
         }
@@ -85,7 +88,7 @@ final class TagValues {
         };
     }
 
-    private static Object plain(JsonField field) throws RequestFileException {
+    private static Object plain(JsonField field) throws MistakeException {
         if (field.isWholeNumber()) {
             long value = field.integer(Long.MIN_VALUE, Long.MAX_VALUE);
             return value == (int) value ? (Object) (int) value : (Object) value;
@@ -105,7 +108,7 @@ final class TagValues {
         throw field.needs("a value, or one with its type such as {\"long\": 5}");
     }
 
-    private static Object plainList(JsonField field) throws RequestFileException {
+    private static Object plainList(JsonField field) throws MistakeException {
         ValueReader reader = new ValueReader(0);
         boolean strings = false;
         boolean fractions = false;

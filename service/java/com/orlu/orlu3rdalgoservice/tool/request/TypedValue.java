@@ -3,6 +3,9 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonObject;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
 /** A value of metadata with its type's name, {"long": 5}, as recordings have them. */
 public final class TypedValue {
     private TypedValue() {
@@ -14,7 +17,7 @@ public final class TypedValue {
     }
 
     /** The value; null for JSON's null. The place is the field's in an error. */
-    public static Object read(String file, String place, JsonElement element) throws RequestFileException {
+    public static Object read(String file, String place, JsonElement element) throws MistakeException {
         if (element.isJsonNull()) {
             return null;
         }

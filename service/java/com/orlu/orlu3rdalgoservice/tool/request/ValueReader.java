@@ -6,6 +6,8 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
 import java.math.BigDecimal;
 import java.util.Collections;
 import java.util.List;
@@ -26,15 +28,15 @@ final class ValueReader {
         mFrame = frame;
     }
 
-    int integer(JsonField field) throws RequestFileException {
+    int integer(JsonField field) throws MistakeException {
         return Math.toIntExact(whole(field, Integer.MIN_VALUE, Integer.MAX_VALUE));
     }
 
-    long longInteger(JsonField field) throws RequestFileException {
+    long longInteger(JsonField field) throws MistakeException {
         return whole(field, Long.MIN_VALUE, Long.MAX_VALUE);
     }
 
-    private long whole(JsonField field, long least, long most) throws RequestFileException {
+    private long whole(JsonField field, long least, long most) throws MistakeException {
         if (!field.isObject()) {
             return field.integer(least, most);
         }
@@ -51,7 +53,7 @@ final class ValueReader {
         return BigDecimal.valueOf(mFrame);
     }
 
-    double number(JsonField field) throws RequestFileException {
+    double number(JsonField field) throws MistakeException {
         if (!field.isObject()) {
             return real(field);
         }
@@ -61,24 +63,24 @@ final class ValueReader {
     }
 
     /** A number as a float. */
-    float single(JsonField field) throws RequestFileException {
+    float single(JsonField field) throws MistakeException {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }
 
     // The texts are those of numbers that JSON has no form for.
-    private static boolean isSpecial(JsonField field) throws RequestFileException {
+    private static boolean isSpecial(JsonField field) throws MistakeException {
         return field.isString() && NO_JSON_NUMBERS.contains(field.string());
     }
 
-    private static double real(JsonField field) throws RequestFileException {
+    private static double real(JsonField field) throws MistakeException {
         return isSpecial(field) ? Double.parseDouble(field.string()) : field.real();
     }
 
-    private static float realSingle(JsonField field) throws RequestFileException {
+    private static float realSingle(JsonField field) throws MistakeException {
         return isSpecial(field) ? Float.parseFloat(field.string()) : field.single();
     }
 
-    int[] integers(JsonField field) throws RequestFileException {
+    int[] integers(JsonField field) throws MistakeException {
         List<JsonField> elements = elements(field);
         int[] values = new int[elements.size()];
         for (int i = 0; i < values.length; ++i) {
@@ -89,7 +91,7 @@ final class ValueReader {
         return values;
     }
 
-    long[] longs(JsonField field) throws RequestFileException {
+    long[] longs(JsonField field) throws MistakeException {
         List<JsonField> elements = elements(field);
         long[] values = new long[elements.size()];
         for (int i = 0; i < values.length; ++i) {
@@ -99,7 +101,7 @@ final class ValueReader {
         return values;
     }
 
-    double[] doubles(JsonField field) throws RequestFileException {
+    double[] doubles(JsonField field) throws MistakeException {
         List<JsonField> elements = elements(field);
         double[] values = new double[elements.size()];
         for (int i = 0; i < values.length; ++i) {
@@ -109,7 +111,7 @@ final class ValueReader {
         return values;
     }
 
-    float[] floats(JsonField field) throws RequestFileException {
+    float[] floats(JsonField field) throws MistakeException {
         List<JsonField> elements = elements(field);
         float[] values = new float[elements.size()];
         for (int i = 0; i < values.length; ++i) {
@@ -119,7 +121,7 @@ final class ValueReader {
         return values;
     }
 
-    private List<JsonField> elements(JsonField field) throws RequestFileException {
+    private List<JsonField> elements(JsonField field) throws MistakeException {
         if (!field.isObject()) {
             return field.list();
         }
@@ -127,11 +129,11 @@ final class ValueReader {
         return Collections.nCopies(run.require("count").integer(0, LARGEST_RUN), run.require("fill"));
     }
 
-    String[] strings(JsonField field) throws RequestFileException {
+    String[] strings(JsonField field) throws MistakeException {
         return field.strings().toArray(new String[0]);
     }
 
-    Rect rect(JsonField field) throws RequestFileException {
+    Rect rect(JsonField field) throws MistakeException {
         if (field.isList()) {
             List<JsonField> edges = field.list(4);
             return new Rect(integer(edges.get(0)), integer(edges.get(1)), integer(edges.get(2)),
@@ -140,12 +142,12 @@ final class ValueReader {
         return rect(field.members("left", "top", "right", "bottom"));
     }
 
-    private Rect rect(JsonMembers members) throws RequestFileException {
+    private Rect rect(JsonMembers members) throws MistakeException {
         return new Rect(integer(members.require("left")), integer(members.require("top")),
                 integer(members.require("right")), integer(members.require("bottom")));
     }
 
-    Face[] faces(JsonField field) throws RequestFileException {
+    Face[] faces(JsonField field) throws MistakeException {
         List<JsonField> elements = field.list();
         Face[] faces = new Face[elements.size()];
         for (int i = 0; i < faces.length; ++i) {
@@ -155,7 +157,7 @@ final class ValueReader {
         return faces;
     }
 
-    private Face face(JsonField field) throws RequestFileException {
+    private Face face(JsonField field) throws MistakeException {
         if (field.isList()) {
             return new Face(rect(field), SURE_FACE);
         }
@@ -163,7 +165,7 @@ final class ValueReader {
         return new Face(rect(members), members.integer("score", 1, 100, SURE_FACE));
     }
 
-    MeteringRectangle[] meteringRectangles(JsonField field) throws RequestFileException {
+    MeteringRectangle[] meteringRectangles(JsonField field) throws MistakeException {
         List<JsonField> elements = field.list();
         MeteringRectangle[] regions = new MeteringRectangle[elements.size()];
         for (int i = 0; i < regions.length; ++i) {
@@ -173,12 +175,12 @@ final class ValueReader {
         return regions;
     }
 
-    private MeteringRectangle meteringRectangle(JsonField field) throws RequestFileException {
+    private MeteringRectangle meteringRectangle(JsonField field) throws MistakeException {
         JsonMembers members = field.members("left", "top", "right", "bottom", "weight");
         return new MeteringRectangle(rect(members), members.integer("weight", 0, 1000, 1000));
     }
 
-    Location location(JsonField field) throws RequestFileException {
+    Location location(JsonField field) throws MistakeException {
         JsonMembers members = field.members("provider", "latitude", "longitude", "altitude", "time");
         Location location = new Location(members.string("provider", "gps"));
         location.setLatitude(members.require("latitude").number(-90, 90));
@@ -190,7 +192,7 @@ final class ValueReader {
         return location;
     }
 
-    Rational rational(JsonField field) throws RequestFileException {
+    Rational rational(JsonField field) throws MistakeException {
         if (field.isList()) {
             List<JsonField> parts = field.list(2);
             return new Rational(integer(parts.get(0)), integer(parts.get(1)));

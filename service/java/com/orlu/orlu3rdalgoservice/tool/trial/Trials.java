@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFileException;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Asked;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Change;
 import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Frame;
@@ -72,7 +72,7 @@ public final class Trials {
      * inputs, outputs, library) says holds here too.
      */
     public static Dependences of(RequestFile file, FrameSize size, String library)
-            throws ErrnoException, RequestFileException {
+            throws ErrnoException, MistakeException {
         List<ImageBuffer> images = new ArrayList<>();
         try {
             return of(file, empty(file.inputs(), size, images), empty(file.outputs(), size, images), library);
@@ -95,7 +95,7 @@ public final class Trials {
     }
 
     private static List<VImageIPC> empty(List<ImagePlan> plans, FrameSize size, List<ImageBuffer> images)
-            throws ErrnoException, RequestFileException {
+            throws ErrnoException, MistakeException {
         List<VImageIPC> descriptors = new ArrayList<>();
         for (ImagePlan plan : plans) {
             images.add(ImageBuffer.empty(size.applyTo(plan)));

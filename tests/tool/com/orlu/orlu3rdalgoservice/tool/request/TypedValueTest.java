@@ -10,6 +10,8 @@ import com.google.gson.JsonParser;
 
 import org.junit.Test;
 
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
 import java.lang.reflect.Array;
 import java.util.HexFormat;
 import java.util.StringJoiner;
@@ -47,7 +49,7 @@ public final class TypedValueTest {
     private static String read(String json) {
         try {
             return text(TypedValue.read("f", "tag", JsonParser.parseString(json)));
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             return "refused";
         }
     }

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.request;
+package com.orlu.orlu3rdalgoservice.tool.text;
 
 import java.io.IOException;
 import java.nio.file.DirectoryStream;
@@ -10,7 +10,7 @@ import java.util.Collections;
 import java.util.List;
 import java.util.Locale;
 
-/** Finds what somebody who mistyped a word probably meant. */
+/** Finds the known word that a mistyped one probably means. */
 public final class NearestWord {
     /** A beginning of fewer letters begins too many words. */
     private static final int LEAST_BEGINNING = 3;
@@ -41,8 +41,8 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
     }
 
-    /** The same for a request file that is not there, of those in its folder. */
-    static String questionOnFile(Path file) {
+    /** Returns such a question for a missing request file, with the nearest file of its folder. */
+    public static String questionOnFile(Path file) {
         String ending = ".json";
         List<String> names = new ArrayList<>();
         Path folder = file.getParent() == null ? Path.of("") : file.getParent();

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.request;
+package com.orlu.orlu3rdalgoservice.tool.text;
 
 import static org.junit.Assert.assertEquals;
 

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.request;
+package com.orlu.orlu3rdalgoservice.tool.text;
 
 import java.util.ArrayList;
 import java.util.Comparator;
@@ -7,8 +7,8 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * All that is wrong with one file, and what seems so. Reading goes on behind a mistake with some other value,
- * and what was read is thrown away in the end.
+ * The errors and warnings of one file. After an error, the reader continues with a fallback value to find
+ * more of them; what it has read is discarded at the end.
  */
 public final class Mistakes {
     private static final int MOST_KEPT = 1000;
@@ -20,25 +20,25 @@ public final class Mistakes {
     private int mErrors;
 
     /** Something that is read, or fails. */
-    interface Reading<T> {
-        T read() throws RequestFileException;
+    public interface Reading<T> {
+        T read() throws MistakeException;
     }
 
     /** Something that is checked, or fails. */
     public interface Check {
-        void run() throws RequestFileException;
+        void run() throws MistakeException;
     }
 
     public Mistakes(String file) {
         mFile = file;
     }
 
-    String file() {
+    public String file() {
         return mFile;
     }
 
-    /** Adds one, unless it is there already: what all frames have in common is read for each of them. */
-    void add(Mistake mistake) {
+    /** Adds a mistake unless the list has it: what all frames share is read once for each frame. */
+    public void add(Mistake mistake) {
         if (mMistakes.size() == MOST_KEPT) {
             ++mDropped;
         } else if (mMistakes.add(mistake) && !mistake.isWarning()) {
@@ -46,26 +46,31 @@ public final class Mistakes {
         }
     }
 
-    /** Adds what a method made to be thrown, so that the rest is read. */
-    void add(RequestFileException e) {
+    /** Adds the mistake of an exception instead of throwing it, so that reading continues. */
+    public void add(MistakeException e) {
         add(e.mistake());
     }
 
-    void add(int line, int column, String field, String problem) {
-        add(new Mistake(mFile, line, column, field, problem, false));
+    /** Returns a mistake of this file that is not noted yet. */
+    public Mistake at(int line, int column, String field, String problem, boolean isWarning) {
+        return new Mistake(mFile, line, column, field, problem, isWarning);
     }
 
-    /** What is read, or the fallback when that fails, which is noted. */
-    <T> T attempt(Reading<T> reading, T fallback) {
+    public void add(int line, int column, String field, String problem) {
+        add(at(line, column, field, problem, false));
+    }
+
+    /** Returns what is read; if that fails, notes the mistake and returns the fallback. */
+    public <T> T attempt(Reading<T> reading, T fallback) {
         try {
             return reading.read();
-        } catch (RequestFileException e) {
+        } catch (MistakeException e) {
             add(e.mistake());
             return fallback;
         }
     }
 
-    /** Runs a check, and notes what it throws. */
+    /** Runs a check and notes the mistake it throws. */
     public void attempt(Check check) {
         attempt(() -> {
             check.run();
@@ -73,25 +78,25 @@ public final class Mistakes {
         }, null);
     }
 
-    /** Adds a note to the text of every mistake behind the first so many. */
-    void annotate(int first, String note) {
+    /** Appends a note to every mistake after the first `first` ones. */
+    public void annotate(int first, String note) {
         List<Mistake> all = new ArrayList<>(mMistakes);
         all.subList(first, all.size()).replaceAll(mistake -> mistake.withNote(note));
         mMistakes.clear();
         mMistakes.addAll(all);
     }
 
-    /** How many were kept so far, warnings among them. */
-    int size() {
+    /** The number of mistakes kept so far, including warnings. */
+    public int size() {
         return mMistakes.size();
     }
 
-    /** How many of them keep the file from being taken. */
+    /** The number of errors. */
     public int errors() {
         return mErrors;
     }
 
-    /** Whether there are more than are kept and counted. */
+    /** Whether mistakes were dropped because there were too many. */
     public boolean areMore() {
         return mDropped > 0;
     }
@@ -100,11 +105,11 @@ public final class Mistakes {
         return mMistakes.size() - mErrors;
     }
 
-    /** Throws the first mistake, in the file's order. */
-    void throwFirst() throws RequestFileException {
+    /** Throws the first error in the file's order, if there is any. */
+    public void throwFirst() throws MistakeException {
         for (Mistake mistake : sorted()) {
             if (!mistake.isWarning()) {
-                throw new RequestFileException(mistake);
+                throw new MistakeException(mistake);
             }
         }
     }
@@ -115,7 +120,7 @@ public final class Mistakes {
         return sorted;
     }
 
-    /** A line for each, in the file's order; of very many the first ones, and how many there are more. */
+    /** Returns a line for each of the first mistakes in order, and one with the count of the rest. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
         sorted().stream().limit(MOST_PRINTED).forEach(mistake -> lines.add(mistake.text()));

@@ -1,21 +1,21 @@
-package com.orlu.orlu3rdalgoservice.tool.request;
+package com.orlu.orlu3rdalgoservice.tool.text;
 
 /**
- * One thing that is wrong with a file, or seems so.
+ * An error or a warning about a file.
  *
  * @param file      its name
  * @param line      from 1; 0 for a file without lines
  * @param column    from 1, in UTF-16 units as editors count them
  * @param field     the path of the field, empty for the whole file
  * @param problem   what was expected and found
- * @param isWarning whether the file can be taken all the same
+ * @param isWarning whether the file is usable all the same
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
     /** One line, in the form that editors take as a place to jump to. */
     public String text() {
         String place = line == 0 ? file : file + ":" + line + ":" + column;
         String about = (isWarning ? "warning: " : "") + (field.isEmpty() ? "" : field + ": ");
-        return (place + ": " + about + problem).replaceAll("\\p{Cntrl}", "?");
+        return Printable.line(place + ": " + about + problem);
     }
 
     Mistake withNote(String note) {

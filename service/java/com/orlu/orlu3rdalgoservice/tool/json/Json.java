@@ -1,0 +1,378 @@
+package com.orlu.orlu3rdalgoservice.tool.json;
+
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+import com.orlu.orlu3rdalgoservice.tool.text.Place;
+
+import java.math.BigDecimal;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Collection;
+import java.util.List;
+import java.util.Map;
+import java.util.TreeSet;
+
+/**
+ * A value of a JSON text. The tree is immutable, and each value knows its file, line, column and path.
+ *
+ * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: needs a text, found
+ * 5") if the value has another type. An accessor with a fallback returns it if the member is absent; it also
+ * returns it for a member of another type, and notes that in mistakes(). Nothing else is thrown.
+ */
+public final class Json implements Place {
+    private static final int LONGEST_QUOTE = 60;
+    private static final Json NONE = new Json(new Mistakes(""), null, "", 0, Spot.NONE, Spot.NONE, Map.of());
+
+    private final Mistakes mMistakes;
+    private final Json mParent;
+    /** The name in an object, or the path of the root; null in a list. */
+    private final String mName;
+    private final int mIndex;
+    private final Spot mNameSpot;
+    private final Spot mSpot;
+    /** A Map of String to Json, a List of Json, a String, BigDecimal or Boolean, or null. */
+    private final Object mContent;
+
+    /** A line and a column from 1, in UTF-16 units; 0 if there is none. */
+    record Spot(int line, int column) {
+        static final Spot NONE = new Spot(0, 0);
+    }
+
+    Json(Mistakes mistakes, Json parent, String name, int index, Spot nameSpot, Spot spot, Object content) {
+        mMistakes = mistakes;
+        mParent = parent;
+        mName = name;
+        mIndex = index;
+        mNameSpot = nameSpot;
+        mSpot = spot;
+        mContent = content;
+    }
+
+    /** Reads a file. Comments as in Java are allowed. Throws the first mistake. */
+    public static Json read(Path file) throws MistakeException {
+        Mistakes mistakes = new Mistakes(file.toString());
+        Json root = read(file, mistakes);
+        mistakes.throwFirst();
+        return root;
+    }
+
+    /** Reads a file and notes all mistakes, at most one of them of syntax; null if there is no tree. */
+    public static Json read(Path file, Mistakes mistakes) {
+        return JsonReader.read(file, mistakes);
+    }
+
+    /** Reads a text, such as a line of a file, that begins at this line of the file. */
+    public static Json parse(String file, int line, String text) throws MistakeException {
+        Mistakes mistakes = new Mistakes(file);
+        Json root = JsonReader.parse(text, line, mistakes);
+        mistakes.throwFirst();
+        return root;
+    }
+
+    /** An object without members, for one that is absent. */
+    public static Json none() {
+        return NONE;
+    }
+
+    /** The mistakes noted in this tree's file. */
+    public Mistakes mistakes() {
+        return mMistakes;
+    }
+
+    /** The line of the file, from 1; 0 if there is no file. */
+    public int line() {
+        return mSpot.line();
+    }
+
+    /** Where the value is in the tree: inputs[0].format; empty for the root. */
+    public String path() {
+        if (mParent == null) {
+            return mName;
+        }
+        String before = mParent.path();
+        if (mName == null) {
+            return before + "[" + mIndex + "]";
+        }
+        String shown = mName.matches("[$\\w]{1,60}") ? mName : quoted(mName);
+        return before.isEmpty() ? shown : before + "." + shown;
+    }
+
+    Spot nameSpot() {
+        return mNameSpot;
+    }
+
+    /** The content as Java has it, for a writer: Map, List, String, BigDecimal, Boolean or null. */
+    Object content() {
+        return mContent;
+    }
+
+    // Mistakes.
+
+    /** Returns an exception that reports a problem of this value. */
+    public MistakeException error(String problem) {
+        return new MistakeException(mMistakes.at(mSpot.line(), mSpot.column(), path(), problem, false));
+    }
+
+    /** Returns an exception: "needs X, found Y". */
+    public MistakeException needs(String what) {
+        return error("needs " + what + ", found " + found());
+    }
+
+    /** Returns an exception for a text that is not one of the names, with the nearest of them. */
+    public MistakeException needsName(String what, Collection<String> names) {
+        String hint = isString() ? NearestWord.question((String) mContent, names) : "";
+        return error("needs " + what + ", found " + found() + hint);
+    }
+
+    /** Notes a warning about this value. */
+    public void warn(String problem) {
+        mMistakes.add(mMistakes.at(mSpot.line(), mSpot.column(), path(), problem, true));
+    }
+
+    @Override
+    public MistakeException error(String member, String problem) {
+        return memberOrThis(member).error(problem);
+    }
+
+    @Override
+    public void warn(String member, String problem) {
+        memberOrThis(member).warn(problem);
+    }
+
+    // An absent member has the place of the object.
+    private Json memberOrThis(String name) {
+        Json member = get(name);
+        return member != null ? member : new Json(mMistakes, this, name, 0, mSpot, mSpot, null);
+    }
+
+    /** What this value is, for a message. */
+    public String found() {
+        if (isObject()) {
+            return "an object";
+        }
+        return isList() ? "a list" : isString() ? quoted((String) mContent) : cut(String.valueOf(mContent));
+    }
+
+    static String cut(String text) {
+        return text.length() <= LONGEST_QUOTE ? text : text.substring(0, LONGEST_QUOTE) + "...";
+    }
+
+    /** Returns a text in quotes, cut if it is long, for a message. */
+    public static String quoted(String text) {
+        return '"' + cut(text).replace("\\", "\\\\").replace("\"", "\\\"") + '"';
+    }
+
+    // Types.
+
+    public boolean isObject() {
+        return mContent instanceof Map;
+    }
+
+    public boolean isList() {
+        return mContent instanceof List;
+    }
+
+    public boolean isString() {
+        return mContent instanceof String;
+    }
+
+    public boolean isNumber() {
+        return mContent instanceof BigDecimal;
+    }
+
+    public boolean isBoolean() {
+        return mContent instanceof Boolean;
+    }
+
+    public boolean isNull() {
+        return mContent == null;
+    }
+
+    /** Whether this is a number without a fraction and an exponent. */
+    public boolean isWholeNumber() {
+        return mContent instanceof BigDecimal number && number.scale() == 0;
+    }
+
+    // Values.
+
+    public String string() throws MistakeException {
+        if (mContent instanceof String text) {
+            return text;
+        }
+        throw needs("a text");
+    }
+
+    public boolean bool() throws MistakeException {
+        if (mContent instanceof Boolean flag) {
+            return flag;
+        }
+        throw needs("true or false");
+    }
+
+    public BigDecimal number() throws MistakeException {
+        if (mContent instanceof BigDecimal number) {
+            return number;
+        }
+        throw needs("a number");
+    }
+
+    /** A number in a range, both ends included. */
+    public double number(double least, double most) throws MistakeException {
+        double value = number().doubleValue();
+        if (value < least || value > most) {
+            throw needs("a number from " + least + " to " + most);
+        }
+        return value;
+    }
+
+    /** A number that a double holds. */
+    public double real() throws MistakeException {
+        return number(-Double.MAX_VALUE, Double.MAX_VALUE);
+    }
+
+    /** A number that a float holds, rounded to one. */
+    public float single() throws MistakeException {
+        float value = (float) real();
+        if (Float.isInfinite(value)) {
+            throw needs("a number that a float holds (up to " + Float.MAX_VALUE + ")");
+        }
+        return value;
+    }
+
+    /** A whole number in a range, both ends included. */
+    public long integer(long least, long most) throws MistakeException {
+        BigDecimal value = number();
+        try {
+            long whole = value.longValueExact();
+            if (whole >= least && whole <= most) {
+                return whole;
+            }
+        } catch (ArithmeticException e) {
+            // A fraction, or too large for a long: the message below names both.
+        }
+        throw needs("a whole number from " + least + " to " + most);
+    }
+
+    public int integer(int least, int most) throws MistakeException {
+        return (int) integer((long) least, (long) most);
+    }
+
+    /** The elements of a list. */
+    public List<Json> list() throws MistakeException {
+        if (!isList()) {
+            throw needs("a list");
+        }
+        return elements();
+    }
+
+    /** The elements of a list of exactly this many. */
+    public List<Json> list(int count) throws MistakeException {
+        List<Json> elements = list();
+        if (elements.size() != count) {
+            throw error("needs a list of " + count + ", found " + elements.size() + " elements");
+        }
+        return elements;
+    }
+
+    /** The elements of a list; none if this is not a list. */
+    @SuppressWarnings("unchecked")
+    public List<Json> elements() {
+        return isList() ? (List<Json>) mContent : List.of();
+    }
+
+    /** The texts of a list. An element of another type is noted as a mistake and left empty. */
+    public List<String> strings() throws MistakeException {
+        List<String> strings = new ArrayList<>();
+        for (Json element : list()) {
+            strings.add(mMistakes.attempt(element::string, ""));
+        }
+        return strings;
+    }
+
+    // Members.
+
+    /** The members of an object with any names, in the file's order. */
+    public Map<String, Json> members() throws MistakeException {
+        if (!isObject()) {
+            throw needs("an object");
+        }
+        return contentMembers();
+    }
+
+    @SuppressWarnings("unchecked")
+    private Map<String, Json> contentMembers() {
+        return isObject() ? (Map<String, Json>) mContent : Map.of();
+    }
+
+    /** This object, whose members of other names than these are noted as mistakes. */
+    public Json allowing(String... names) throws MistakeException {
+        List<String> allowed = List.of(names);
+        members().forEach((name, member) -> {
+            if (!allowed.contains(name)) {
+                String problem = "unknown field; known here: " + String.join(", ", new TreeSet<>(allowed))
+                        + NearestWord.question(name, allowed);
+                Spot spot = member.mNameSpot;
+                mMistakes.add(mMistakes.at(spot.line(), spot.column(), member.path(), problem, false));
+            }
+        });
+        return this;
+    }
+
+    /** Whether this is an object with such a member, null included. */
+    public boolean has(String name) {
+        return get(name) != null;
+    }
+
+    /** A member; null if it is absent. */
+    public Json get(String name) {
+        return contentMembers().get(name);
+    }
+
+    /** The value at a path of members below this one; null if it is absent. */
+    public Json find(String... names) {
+        Json value = this;
+        for (int i = 0; value != null && i < names.length; ++i) {
+            value = value.get(names[i]);
+        }
+        return value;
+    }
+
+    /** A member that must be there. */
+    public Json require(String name) throws MistakeException {
+        Json member = members().get(name);
+        if (member == null) {
+            throw error("needs the field " + name);
+        }
+        return member;
+    }
+
+    private <T> T optional(String name, Mistakes.Reading<T> reading, T fallback) {
+        return has(name) ? mMistakes.attempt(reading, fallback) : fallback;
+    }
+
+    public String string(String name, String fallback) {
+        return optional(name, () -> get(name).string(), fallback);
+    }
+
+    public boolean bool(String name, boolean fallback) {
+        return optional(name, () -> get(name).bool(), fallback);
+    }
+
+    public int integer(String name, int least, int most, int fallback) {
+        return optional(name, () -> get(name).integer(least, most), fallback);
+    }
+
+    public long integer(String name, long least, long most, long fallback) {
+        return optional(name, () -> get(name).integer(least, most), fallback);
+    }
+
+    public double number(String name, double least, double most, double fallback) {
+        return optional(name, () -> get(name).number(least, most), fallback);
+    }
+
+    /** A member that is an object with these names alone; one without members if it is absent. */
+    public Json object(String name, String... names) {
+        return optional(name, () -> get(name).allowing(names), NONE);
+    }
+}

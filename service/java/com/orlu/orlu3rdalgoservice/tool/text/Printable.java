@@ -1,0 +1,47 @@
+package com.orlu.orlu3rdalgoservice.tool.text;
+
+import java.util.function.IntPredicate;
+
+/** Foreign text made safe for a terminal, a log or a page. */
+public final class Printable {
+    private Printable() {
+    }
+
+    /**
+     * Returns the text in one line: control characters (C0, C1), line separators, characters that change the
+     * direction of what follows, and unpaired surrogates become an escape sequence such as \u001b.
+     */
+    public static String line(String text) {
+        return escaped(text, Printable::isUnsafe);
+    }
+
+    /** Returns the text with line ends and tabs kept, and everything else escaped as line() does. */
+    public static String lines(String text) {
+        return escaped(text, c -> c != '\n' && c != '\t' && isUnsafe(c));
+    }
+
+    private static String escaped(String text, IntPredicate isUnsafe) {
+        if (text.codePoints().noneMatch(isUnsafe)) {
+            return text;
+        }
+        StringBuilder escaped = new StringBuilder();
+        text.codePoints().forEach(c -> {
+            if (isUnsafe.test(c)) {
+                escaped.append(String.format("\\u%04x", c));
+            } else {
+                escaped.appendCodePoint(c);
+            }
+        });
+        return escaped.toString();
+    }
+
+    private static boolean isUnsafe(int c) {
+        return Character.isISOControl(c) || isDirection(c) || c == 0x2028 || c == 0x2029
+                || c >= Character.MIN_SURROGATE && c <= Character.MAX_SURROGATE;
+    }
+
+    private static boolean isDirection(int c) {
+        return c == 0x061c || c == 0x200e || c == 0x200f || c >= 0x202a && c <= 0x202e
+                || c >= 0x2066 && c <= 0x2069;
+    }
+}
