@@ -1,7 +1,7 @@
 # Tables of what the service calls things, as rows of C++, for programs that need all of these names. CMake runs
 # again when one of their sources changes.
 set(ORLU_PARAMETER_TABLE
-  ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt)
+  ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 
 # orlu_parameter_rows(FILE [ROW_END]): writes the parameters' rows that end so, or all, as {section, key, bytes},
 # from the table that ./run shows them by.

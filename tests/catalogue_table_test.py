@@ -12,7 +12,7 @@ ROOT = Path(sys.argv[1])
 CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/request/PixelFormat.java"
-PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt"
+PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt"
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
 # The library classifies it, and request files can't have it.
 LIBRARY_FORMAT = "MIPI_RAW12"

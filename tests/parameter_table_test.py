@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(sys.argv[1])
-TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt"
+TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt"
 SECTIONS = "control|parameter|sensor|feedback|system|zoom"
 GOLDEN_LINE = re.compile(rf"(?:> |~ )?({SECTIONS}) (\S+?)(?:#\d+)? ([a-z]+)(?:\[(\d+)\])?((?: \S+)*)\s*$")
 ELEMENT_SIZES = {"byte": 1, "int": 4, "long": 8, "float": 4, "double": 8}

@@ -2,7 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;

@@ -5,13 +5,15 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
-import com.orlu.orlu3rdalgoservice.tool.recording.RecordedRequest;
-import com.orlu.orlu3rdalgoservice.tool.recording.RecordingSummary;
-import com.orlu.orlu3rdalgoservice.tool.recording.RunRecord;
-import com.orlu.orlu3rdalgoservice.tool.recording.Trimmer;
-import com.orlu.orlu3rdalgoservice.tool.recording.WrappedLines;
-import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.compare.ComparisonReport;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
+import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
+import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.view.RecordingSummary;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -210,7 +212,9 @@ final class RecordingCommand extends Command {
 
     private int compare(String title, RunRecord one, RunRecord other)
             throws MistakeException, IOException {
-        return new ComparisonReport(mOptions, one, other).print(title) ? EQUAL : DIFFERENT;
+        ComparisonReport.Options options = new ComparisonReport.Options(
+                mOptions.ignored, mOptions.tolerance, mOptions.out, mOptions.explains);
+        return new ComparisonReport(options, one, other).print(title) ? EQUAL : DIFFERENT;
     }
 
     private static Path only(Path folder) throws MistakeException, IOException {

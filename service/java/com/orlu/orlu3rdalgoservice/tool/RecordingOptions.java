@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
-import com.orlu.orlu3rdalgoservice.tool.recording.CropArea;
+import com.orlu.orlu3rdalgoservice.tool.model.CropArea;
 
 import java.nio.file.Files;
 import java.nio.file.Path;

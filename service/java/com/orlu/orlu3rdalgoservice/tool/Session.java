@@ -4,7 +4,6 @@ import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
-import com.orlu.orlu3rdalgoservice.tool.events.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.explain.ExplanationPrinter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
@@ -13,21 +12,26 @@ import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.page.Exhibits;
-import com.orlu.orlu3rdalgoservice.tool.page.PageFolder;
-import com.orlu.orlu3rdalgoservice.tool.report.JsonReport;
-import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
-import com.orlu.orlu3rdalgoservice.tool.report.ParameterPrinter;
-import com.orlu.orlu3rdalgoservice.tool.report.RequestNames;
-import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
-import com.orlu.orlu3rdalgoservice.tool.report.Summary;
-import com.orlu.orlu3rdalgoservice.tool.report.TraceReader;
-import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
+import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
+import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
+import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
+import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.timeline.Timeline;
-import com.orlu.orlu3rdalgoservice.tool.verdict.Judge;
-import com.orlu.orlu3rdalgoservice.tool.verdict.LibraryCheck;
+import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
+import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
+import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.view.Summary;
+import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
 
 import java.io.IOException;
 import java.io.PrintStream;
@@ -191,7 +195,8 @@ final class Session {
         // With a library that can't be used a request would only wait for a callback.
         boolean isUsable = mLibrary.status() == Verdict.OK;
         if (isUsable) {
-            new RequestRunner(report, exhibits, mClient, mEvents, mOptions).run(frames);
+            new RequestRunner(report, exhibits, mClient, mEvents, mOptions.out, mOptions.needsLookups())
+                    .run(frames);
         }
         if (lastOfClient) {
             mClient.end(request, report.stopwatch);

@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
 import java.io.IOException;

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
-import com.orlu.orlu3rdalgoservice.tool.report.ParameterType;
+import com.orlu.orlu3rdalgoservice.tool.tags.ParameterType;
 
 import java.util.List;
 import java.util.Map;
@@ -9,7 +9,7 @@ import java.util.stream.Stream;
 
 /** The parameters that cross to the algorithm library, or back. */
 final class ParameterCatalogue {
-    private static final String FILE = "/com/orlu/orlu3rdalgoservice/tool/report/parameters.txt";
+    private static final String FILE = "/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt";
     private static final int COLUMNS = 5;
     /** As many as there are frames; or fifty zeros, where the camera has no scores. Read back are fifty. */
     private static final String BY_FRAMES = "*";

@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.report.Handover;
-import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
-import com.orlu.orlu3rdalgoservice.tool.report.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Handover;
+import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 

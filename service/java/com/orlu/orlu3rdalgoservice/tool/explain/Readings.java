@@ -1,11 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.events.Event;
-import com.orlu.orlu3rdalgoservice.tool.events.HeldValue;
-import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
-import com.orlu.orlu3rdalgoservice.tool.report.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 

@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.events.Call;
-import com.orlu.orlu3rdalgoservice.tool.events.Event;
-import com.orlu.orlu3rdalgoservice.tool.events.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
-import com.orlu.orlu3rdalgoservice.tool.report.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 
 import java.util.ArrayList;
 import java.util.HashSet;

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.report.LinePrinter;
+import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;

@@ -1,0 +1,102 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Handover;
+import com.orlu.orlu3rdalgoservice.tool.text.Frames;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
+import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.HashMap;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+import java.util.TreeSet;
+
+/**
+ * Says because of which tags a parameter of two runs differs: those that the runs were given differently, and
+ * that it depends on in one run or the other.
+ */
+public final class Causes {
+    private static final int SHOWN = 3;
+
+    private record Place(int frame, String source, String tag) {
+    }
+
+    private final List<GivenTag> mGiven;
+    private final List<Dependences> mRuns;
+    /** What each tag does in the runs, a tag that is asked for in none being absent. */
+    private final Map<Place, List<Dependence>> mTags = new HashMap<>();
+
+    /** The tags that were given differently, and what the trials of each run found. */
+    public Causes(List<GivenTag> given, List<Dependences> runs) {
+        mGiven = given;
+        mRuns = runs;
+        for (Dependences run : runs) {
+            for (Dependence tag : run.all()) {
+                mTags.computeIfAbsent(new Place(tag.frame(), tag.source(), tag.tag()),
+                        place -> new ArrayList<>()).add(tag);
+            }
+        }
+    }
+
+    /**
+     * The lines on a difference that can come from tags, each with its frames; the tags that change least
+     * else are first. Where no tag that differs explains it, the last line says on what it depends all the
+     * same.
+     */
+    public List<String> lines(Difference difference) {
+        String name = difference.parameter();
+        List<List<GivenTag>> tags = GivenNotes.grouped(mGiven.stream().filter(tag -> changes(tag, name))
+                .sorted(Comparator.comparingInt(this::reach)).toList());
+        List<String> lines = new ArrayList<>();
+        for (List<GivenTag> tag : tags.subList(0, Math.min(SHOWN, tags.size()))) {
+            lines.add("because of " + GivenNotes.text(tag, ""));
+        }
+        if (tags.size() > SHOWN) {
+            lines.add("and " + (tags.size() - SHOWN) + " tags more");
+        }
+        if (tags.isEmpty()) {
+            lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
+                    ? Handover.shortName(name) + " changes by itself: no two translations agree"
+                    : "no tag that differs explains it; " + dependsOn(name));
+        }
+        return lines;
+    }
+
+    // The tags of a parameter, whether they differ or not.
+    private String dependsOn(String name) {
+        Map<String, Set<Integer>> tags = new LinkedHashMap<>();
+        mRuns.stream().flatMap(run -> run.of(name).stream())
+                .sorted(Comparator.comparingInt(tag -> tag.parameters().size()))
+                .forEach(tag -> tags.computeIfAbsent(tag.tag(), key -> new TreeSet<>()).add(tag.frame()));
+        if (tags.isEmpty()) {
+            return problem().isEmpty() ? "it depends on no tag of any frame"
+                    : "on which it depends is not known";
+        }
+        List<String> found = new ArrayList<>();
+        tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));
+        return "it depends on " + String.join(", ", found.subList(0, Math.min(SHOWN, found.size())))
+                + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " tags more" : "");
+    }
+
+    /** What the trials can't be relied on for, "" when they can. */
+    public String problem() {
+        return mRuns.stream().map(Dependences::problem).filter(problem -> !problem.isEmpty()).findFirst()
+                .orElse("");
+    }
+
+    private List<Dependence> inRuns(GivenTag tag) {
+        return mTags.getOrDefault(new Place(tag.frame(), tag.source(), tag.tag()), List.of());
+    }
+
+    private boolean changes(GivenTag tag, String parameter) {
+        return inRuns(tag).stream().anyMatch(
+                each -> each.parameters().contains(parameter) || each.together().contains(parameter));
+    }
+
+    private int reach(GivenTag tag) {
+        return inRuns(tag).stream().mapToInt(each -> each.parameters().size()).max().orElse(0);
+    }
+}

@@ -1,0 +1,94 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.List;
+
+/** Compares two runs and prints what differs, because of which tags, and what could not be compared. */
+public final class ComparisonReport {
+    private static final int SHOWN = 20;
+
+    /**
+     * What is compared, and how.
+     *
+     * @param ignored   names of parameters, values, calls and outputs to leave out
+     * @param tolerance by which numbers and samples may differ
+     * @param out       folder for pictures of outputs that differ; null for none
+     * @param explains  whether to find the tags that a difference comes from
+     */
+    public record Options(List<String> ignored, double tolerance, Path out, boolean explains) {
+    }
+
+    private final Options mOptions;
+    private final RunRecord mOne;
+    private final RunRecord mOther;
+    private final List<GivenTag> mGiven;
+    private final WrappedLines mTo = new WrappedLines(System.out);
+
+    public ComparisonReport(Options options, RunRecord one, RunRecord other) {
+        mOptions = options;
+        mOne = one;
+        mOther = other;
+        mGiven = GivenTag.of(one, other);
+    }
+
+    /** Prints all under this title. Returns whether the runs are equal. */
+    public boolean print(String title) throws MistakeException, IOException {
+        String name = Path.of(mOne.name()).getFileName().toString()
+                .replaceFirst("(\\.json)?( with .*)?$", "");
+        Comparison comparison = new Comparison(mOne, mOther, new HashSet<>(mOptions.ignored()),
+                mOptions.tolerance(), new OutputComparison(mOptions.out(), name));
+        List<Difference> differences = comparison.differences();
+        boolean canComeFromTags = differences.stream().anyMatch(Difference::canComeFromTags);
+        Causes causes = mOptions.explains() && canComeFromTags && hasFrames() ? causes() : null;
+        System.out.println(title + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
+                + comparison.compared());
+        for (Difference difference : differences.subList(0, Math.min(SHOWN, differences.size()))) {
+            mTo.print(2, difference.text());
+            if (causes != null && difference.canComeFromTags()) {
+                causes.lines(difference).forEach(line -> mTo.print(4, line));
+            }
+        }
+        if (differences.size() > SHOWN) {
+            mTo.print(2, "and " + (differences.size() - SHOWN) + " differences more");
+        }
+        comparison.notes().forEach(this::note);
+        if (canComeFromTags && !hasFrames()) {
+            note("events alone don't say because of which tags parameters differ");
+        } else if (canComeFromTags && mGiven.isEmpty()) {
+            note("no tag differs: the library, a property, the number of frames or the images do");
+        }
+        if (causes != null && !causes.problem().isEmpty()) {
+            note("tags are not known, or not all: " + causes.problem());
+        }
+        return differences.isEmpty();
+    }
+
+    private void note(String text) {
+        mTo.print(2, "note: " + text);
+    }
+
+    private boolean hasFrames() {
+        return mOne.folder() != null && mOther.folder() != null;
+    }
+
+    // A tag may matter in one of the runs alone, so that both are tried, unless they were given the same.
+    private Causes causes() throws IOException {
+        List<Dependences> found = new ArrayList<>();
+        for (RunRecord run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
+            Progress.show("trying what each tag of " + run.name() + " changes");
+            found.add(new ChildRun("trials", false, null).trials(run.folder()));
+        }
+        Progress.end();
+        return new Causes(mGiven, found);
+    }
+}

@@ -1,0 +1,73 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+
+import java.util.ArrayList;
+import java.util.LinkedHashSet;
+import java.util.List;
+import java.util.Objects;
+import java.util.Set;
+
+/**
+ * A tag of one frame, or a value of its composition, that two runs were given differently.
+ *
+ * @param frame  from 0
+ * @param source "captureResult" or "composition"
+ * @param tag    its name
+ * @param one    the first run's value as a recording has it, "none" when it has none
+ * @param other  the other run's
+ */
+public record GivenTag(int frame, String source, String tag, String one, String other) {
+    private static final int LONGEST = 40;
+    private static final int SHOWN_BEFORE = 15;
+
+    /** All of the frames that both runs have, by frame. None when a run is known by its events alone. */
+    public static List<GivenTag> of(RunRecord one, RunRecord other) {
+        List<GivenTag> tags = new ArrayList<>();
+        for (int frame = 0; frame < Math.min(one.frames().size(), other.frames().size()); ++frame) {
+            for (String source : List.of("captureResult", "composition")) {
+                addDiffering(tags, frame, source, one.frames().get(frame).getAsJsonObject(source),
+                        other.frames().get(frame).getAsJsonObject(source));
+            }
+        }
+        return tags;
+    }
+
+    private static void addDiffering(
+            List<GivenTag> tags, int frame, String source, JsonObject one, JsonObject other) {
+        Set<String> names = new LinkedHashSet<>(one.keySet());
+        names.addAll(other.keySet());
+        names.removeIf(name -> Objects.equals(one.get(name), other.get(name)));
+        for (String name : names) {
+            String value = text(one, name);
+            String counterpart = text(other, name);
+            int from = start(value, counterpart);
+            tags.add(new GivenTag(frame, source, name, cut(value, from), cut(counterpart, from)));
+        }
+    }
+
+    private static String text(JsonObject values, String tag) {
+        return values.has(tag) ? values.get(tag).toString() : "none";
+    }
+
+    // Where long values are shown from, so that what differs is seen.
+    private static int start(String one, String other) {
+        int same = 0;
+        while (same < Math.min(one.length(), other.length()) && one.charAt(same) == other.charAt(same)) {
+            ++same;
+        }
+        return same < LONGEST - SHOWN_BEFORE ? 0 : same - SHOWN_BEFORE;
+    }
+
+    private static String cut(String text, int from) {
+        int end = Math.min(text.length(), from + LONGEST);
+        return (from > 0 ? "..." : "") + text.substring(from, end) + (end < text.length() ? "..." : "");
+    }
+
+    /** The tag with both values; of the capture result, unless the text says otherwise. */
+    public String text() {
+        return tag + " = " + one + " / " + other + (source.equals("composition") ? ", composition" : "");
+    }
+}

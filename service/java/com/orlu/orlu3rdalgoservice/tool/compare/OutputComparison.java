@@ -1,0 +1,122 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedImage;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/** Compares outputs by their descriptions and bytes, and writes pictures of those that differ. */
+public final class OutputComparison {
+    // The time of the day in a JPEG's EXIF block.
+    private static final Pattern EXIF_TIME = Pattern.compile("\\d{4}:\\d\\d:\\d\\d \\d\\d:\\d\\d:\\d\\d\0");
+
+    private final Path mPictures;
+    private final String mName;
+
+    /** Pictures go into the folder, null for none, under names that begin with the name. */
+    public OutputComparison(Path pictures, String name) {
+        mPictures = pictures;
+        mName = name;
+    }
+
+    List<String> differences(int index, RecordedImage one, RecordedImage other, double tolerance)
+            throws MistakeException, IOException {
+        List<String> differences = new ArrayList<>();
+        String output = "output " + index;
+        for (String field : List.of("format", "width", "height", "rowStrides", "planeSizes")) {
+            String left = String.valueOf(one.part().get(field));
+            String right = String.valueOf(other.part().get(field));
+            // A picture that is nearly the same is a JPEG of another size.
+            boolean isFree = tolerance > 0 && isJpeg(one) && field.equals("planeSizes");
+            if (!left.equals(right) && !isFree) {
+                differences.add(output + " " + field + ": " + left + " / " + right);
+            }
+        }
+        byte[] left = content(one);
+        byte[] right = content(other);
+        if (left == null || right == null) {
+            if (left != right && one.hasBytes() != other.hasBytes()) {
+                differences.add(output + " bytes: " + kept(left) + " / " + kept(right));
+            }
+        } else if (!Arrays.equals(left, right)) {
+            String pixels = pixels(index, one, left, right, tolerance);
+            if (!pixels.isEmpty()) {
+                differences.add(output + ": " + pixels);
+            }
+        }
+        return differences;
+    }
+
+    private static String kept(byte[] bytes) {
+        return bytes == null ? "not kept" : bytes.length + " bytes";
+    }
+
+    private static boolean isJpeg(RecordedImage image) {
+        return image.format().equals(PixelFormat.JPEG.name());
+    }
+
+    private static byte[] content(RecordedImage image) throws MistakeException {
+        byte[] bytes = image.bytes();
+        int[] planes = image.numbers("planeSizes");
+        if (bytes == null || !isJpeg(image) || planes == null || planes.length == 0) {
+            return bytes;
+        }
+        byte[] file = Arrays.copyOf(bytes, Math.max(0, Math.min(planes[0], bytes.length)));
+        Matcher time = EXIF_TIME.matcher(new String(file, StandardCharsets.ISO_8859_1));
+        while (time.find()) {
+            Arrays.fill(file, time.start(), time.end(), (byte) 0);
+        }
+        return file;
+    }
+
+    // Empty when the pixels differ by no more than the tolerance.
+    private String pixels(int index, RecordedImage image, byte[] one, byte[] other, double tolerance)
+            throws IOException {
+        int at = Arrays.mismatch(one, other);
+        int[] strides = image.numbers("rowStrides");
+        ImageDifference difference = strides == null || strides.length == 0
+                ? null
+                : ImageDifference.of(image.format(), image.number("width"), image.number("height"),
+                        strides[0], one, other);
+        if (difference == null) {
+            return "different from byte " + at + " on";
+        }
+        if (difference.firstRow() < 0) {
+            return "all pixels are equal, bytes beside them differ from byte " + at + " on";
+        }
+        if (tolerance > 0 && difference.most() <= tolerance) {
+            return "";
+        }
+        return "%d is the first row that differs, the most by %d of 255, PSNR %.1f dB%s".formatted(
+                difference.firstRow(), difference.most(), difference.psnr(), write(index, difference));
+    }
+
+    private String write(int index, ImageDifference difference) throws IOException {
+        if (mPictures == null) {
+            return "";
+        }
+        Files.createDirectories(mPictures);
+        String name = mName + "-out" + index;
+        write(difference.one(), name + "-one.png");
+        write(difference.other(), name + "-other.png");
+        return "; " + write(difference.picture(), name + "-difference.png") + " ("
+                + ImageDifference.AMPLIFICATION + " times)";
+    }
+
+    private Path write(Picture picture, String name) throws IOException {
+        Path file = mPictures.resolve(name);
+        picture.writePng(file);
+        return file;
+    }
+}

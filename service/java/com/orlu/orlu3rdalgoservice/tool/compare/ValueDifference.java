@@ -1,0 +1,81 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonElement;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
+
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.HexFormat;
+import java.util.List;
+
+/** What differs between two values: both where they are short, else the fields, elements or bytes that do. */
+final class ValueDifference {
+    private static final int LONGEST = 70;
+    private static final int SHOWN = 3;
+    // Between the fields of a record, but not within the brackets of one.
+    private static final String BETWEEN_FIELDS = ", (?![^(\\[]*[)\\]])";
+
+    private ValueDifference() {
+    }
+
+    /** "ONE / OTHER" of two parameters whose bytes differ. */
+    static String of(Parameter one, Parameter other) {
+        String text = of(one.text(), other.text(), one.json(), other.json());
+        return text.isEmpty() ? bytes(one.bytes(), other.bytes()) : text;
+    }
+
+    /** The same of two values that differ, which are shown as these texts. */
+    static String of(String one, String other, JsonElement oneValue, JsonElement otherValue) {
+        if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
+            return one + " / " + other;
+        }
+        List<String> found = oneValue instanceof JsonArray left && otherValue instanceof JsonArray right
+                        && left.size() == right.size()
+                ? elements(left, right)
+                : fields(one.split(BETWEEN_FIELDS), other.split(BETWEEN_FIELDS));
+        if (found.isEmpty()) {
+            return one.equals(other) ? "" : cut(one) + " / " + cut(other);
+        }
+        String more = found.size() > SHOWN ? "; " + (found.size() - SHOWN) + " more" : "";
+        return String.join("; ", found.subList(0, Math.min(SHOWN, found.size()))) + more;
+    }
+
+    private static List<String> elements(JsonArray one, JsonArray other) {
+        List<String> found = new ArrayList<>();
+        for (int i = 0; i < one.size(); ++i) {
+            if (!one.get(i).equals(other.get(i))) {
+                found.add("[" + i + "] " + cut(one.get(i).toString()) + " / " + cut(other.get(i).toString()));
+            }
+        }
+        return found;
+    }
+
+    private static List<String> fields(String[] one, String[] other) {
+        List<String> found = new ArrayList<>();
+        for (int i = 0; one.length > 1 && one.length == other.length && i < one.length; ++i) {
+            if (!one[i].equals(other[i])) {
+                found.add(cut(one[i]) + " / " + cut(other[i]));
+            }
+        }
+        return found;
+    }
+
+    private static String bytes(byte[] one, byte[] other) {
+        if (one.length != other.length) {
+            return one.length + " bytes / " + other.length + " bytes";
+        }
+        int at = Arrays.mismatch(one, other);
+        return "byte " + at + " of " + one.length + ": " + hex(one[at]) + " / " + hex(other[at]);
+    }
+
+    private static String hex(byte value) {
+        return HexFormat.of().toHexDigits(value);
+    }
+
+    /** A text that is not too long for a line. */
+    static String cut(String text) {
+        return text.length() <= LONGEST / 2 ? text : text.substring(0, LONGEST / 2) + "...";
+    }
+}

@@ -1,0 +1,2 @@
+/** Compares what two runs of a request did. */
+package com.orlu.orlu3rdalgoservice.tool.compare;

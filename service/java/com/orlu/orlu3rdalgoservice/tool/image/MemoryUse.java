@@ -1,0 +1,89 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.nio.ByteBuffer;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+
+/** An image's memory: the planes that its description has, and what lies behind them. */
+public final class MemoryUse {
+    private final int mSize;
+    private final List<PlaneUse> mPlanes = new ArrayList<>();
+    private int mUsedBehind;
+    private int mFirstBehind = -1;
+
+    /** The usual format counts where the description's is a name of the request's own. */
+    public MemoryUse(VImageIPC image, PixelFormat usual, ByteBuffer memory) {
+        mSize = memory.capacity();
+        PixelFormat named = PixelFormat.named(image.mFormat);
+        PixelFormat format = named == null ? usual : named;
+        int offset = 0;
+        for (int i = 0; i < image.mPlaneSizes.length; ++i) {
+            int size = image.mPlaneSizes[i];
+            boolean isFile = format == PixelFormat.JPEG;
+            int stride = isFile ? size : image.mRowStrides[Math.min(i, image.mRowStrides.length - 1)];
+            int row = isFile ? size : format.rowBytes(i, image.mWidth);
+            mPlanes.add(new PlaneUse(name(format, i), offset, size, stride, row, memory));
+            offset += size;
+        }
+        for (int at = Math.max(0, offset); at < mSize; ++at) {
+            if (memory.get(at) != 0) {
+                mFirstBehind = mFirstBehind < 0 ? at : mFirstBehind;
+                ++mUsedBehind;
+            }
+        }
+    }
+
+    private static String name(PixelFormat format, int plane) {
+        return switch (format) {
+            case JPEG -> "JPEG file";
+            case R8G8B8A8 -> "RGBA";
+            case MIPI_RAW10, RAW16, RAW_SENSOR -> "raw samples";
+            case NV21 -> plane == 0 ? "Y" : "VU";
+            case NV12 -> plane == 0 ? "Y" : "UV";
+            case YU12 -> plane == 0 ? "Y" : "U, V";
+            case YV12 -> plane == 0 ? "Y" : "V, U";
+        };
+    }
+
+    /** Bytes in all. */
+    int size() {
+        return mSize;
+    }
+
+    public List<PlaneUse> planes() {
+        return mPlanes;
+    }
+
+    /** Bytes by which the planes reach past the memory's end; 0 when they fit. */
+    public int missing() {
+        return Math.max(0, mPlanes.stream().mapToInt(PlaneUse::end).max().orElse(0) - mSize);
+    }
+
+    /** How many bytes behind the planes are not zero. */
+    public int usedBehind() {
+        return mUsedBehind;
+    }
+
+    public JsonObject json(VImageIPC image) {
+        JsonObject json = new JsonObject();
+        json.addProperty("memory", mSize);
+        json.addProperty("format", image.mFormat);
+        json.addProperty("width", image.mWidth);
+        json.addProperty("height", image.mHeight);
+        json.addProperty("strides", Arrays.toString(image.mRowStrides));
+        JsonArray planes = new JsonArray();
+        mPlanes.forEach(plane -> planes.add(plane.json()));
+        json.add("planes", planes);
+        json.addProperty("missing", missing());
+        json.addProperty("usedBehind", mUsedBehind);
+        json.addProperty("firstBehind", mFirstBehind);
+        return json;
+    }
+}

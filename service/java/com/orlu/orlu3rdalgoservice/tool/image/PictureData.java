@@ -1,0 +1,60 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import java.awt.Graphics2D;
+import java.awt.RenderingHints;
+import java.awt.image.BufferedImage;
+import java.util.Base64;
+
+/** A picture as a page has it: a JPEG file inside the page. */
+public record PictureData(byte[] jpeg, int width, int height) {
+    /** No picture takes more bytes than these; a page has several. */
+    private static final int LARGEST = 800_000;
+    private static final float[] QUALITIES = {0.9f, 0.8f, 0.7f};
+    private static final float SMALL_QUALITY = 0.8f;
+
+    /** Of the picture's own size, or a half, a quarter and so on where that would take too many bytes. */
+    public static PictureData of(BufferedImage image) {
+        BufferedImage scaled = image;
+        while (true) {
+            for (float quality : QUALITIES) {
+                byte[] jpeg = JpegEncoder.encode(scaled, quality);
+                if (jpeg.length <= LARGEST) {
+                    return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
+                }
+            }
+            scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2));
+        }
+    }
+
+    /** The bytes of a file as they are; where they are too many, of the picture that it holds. */
+    public static PictureData of(byte[] file, BufferedImage image) {
+        return file.length <= LARGEST ? new PictureData(file, image.getWidth(), image.getHeight())
+                : of(image);
+    }
+
+    /** A small copy, of at most this width. */
+    public static PictureData small(BufferedImage image, int width) {
+        BufferedImage scaled = image.getWidth() <= width ? image : scaled(image, width);
+        return new PictureData(
+                JpegEncoder.encode(scaled, SMALL_QUALITY), scaled.getWidth(), scaled.getHeight());
+    }
+
+    private static BufferedImage scaled(BufferedImage image, int width) {
+        // Halves first: a large step at once would leave most pixels out.
+        BufferedImage from = image.getWidth() >= 2 * width + 2
+                ? scaled(image, (image.getWidth() + 1) / 2) : image;
+        int height = Math.max(1, (int) Math.round((double) image.getHeight() * width / image.getWidth()));
+        BufferedImage to = new BufferedImage(width, height, BufferedImage.TYPE_INT_RGB);
+        Graphics2D graphics = to.createGraphics();
+        graphics.setRenderingHint(
+                RenderingHints.KEY_INTERPOLATION, RenderingHints.VALUE_INTERPOLATION_BILINEAR);
+        graphics.drawImage(from, 0, 0, width, height, null);
+        graphics.dispose();
+        return to;
+    }
+
+    /** As a page's source of an image. */
+    public String uri() {
+        return "data:image/jpeg;base64," + Base64.getEncoder().encodeToString(jpeg);
+    }
+}

@@ -1,0 +1,137 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+
+import java.awt.image.BufferedImage;
+
+/** What can be measured of one picture: how bright it is, where its colours lie, whether its rows fit. */
+public final class PictureFacts {
+    private static final int GRID = 16;
+    private static final int LEVELS = 256;
+    private static final int WHITE = 255;
+
+    private final int mWidth;
+    private final int mHeight;
+    private final int[][] mHistograms = new int[4][LEVELS];
+    /** Means of (blue - luma) and (red - luma) in a grid over the picture. */
+    private final double[][] mBlue = new double[GRID][GRID];
+    private final double[][] mRed = new double[GRID][GRID];
+    private final int mClipped;
+    private final int mShear;
+
+    public PictureFacts(BufferedImage image) {
+        mWidth = image.getWidth();
+        mHeight = image.getHeight();
+        float[] luma = new float[mWidth * mHeight];
+        int[][] counts = new int[GRID][GRID];
+        int[] row = new int[mWidth];
+        int clipped = 0;
+        for (int y = 0; y < mHeight; ++y) {
+            image.getRGB(0, y, mWidth, 1, row, 0, mWidth);
+            int gridY = y * GRID / mHeight;
+            for (int x = 0; x < mWidth; ++x) {
+                int red = row[x] >> 16 & 255;
+                int green = row[x] >> 8 & 255;
+                int blue = row[x] & 255;
+                float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
+                luma[y * mWidth + x] = brightness;
+                ++mHistograms[0][Math.round(brightness)];
+                ++mHistograms[1][red];
+                ++mHistograms[2][green];
+                ++mHistograms[3][blue];
+                clipped += Math.min(red, Math.min(green, blue)) >= WHITE - 1 ? 1 : 0;
+                int gridX = x * GRID / mWidth;
+                mBlue[gridY][gridX] += blue - brightness;
+                mRed[gridY][gridX] += red - brightness;
+                ++counts[gridY][gridX];
+            }
+        }
+        mClipped = clipped;
+        mShear = new Shear(luma, mWidth, mHeight).pixels();
+        divide(mBlue, counts);
+        divide(mRed, counts);
+    }
+
+    private static void divide(double[][] sums, int[][] counts) {
+        for (int y = 0; y < GRID; ++y) {
+            for (int x = 0; x < GRID; ++x) {
+                sums[y][x] /= Math.max(1, counts[y][x]);
+            }
+        }
+    }
+
+    private int pixels() {
+        return mWidth * mHeight;
+    }
+
+    /** Mean brightness, 0 to 255. */
+    public double meanLuma() {
+        double sum = 0;
+        for (int level = 0; level < LEVELS; ++level) {
+            sum += (double) level * mHistograms[0][level];
+        }
+        return sum / pixels();
+    }
+
+    /** The brightness that this part of the pixels, 0 to 1, does not exceed. */
+    public int lumaAt(double part) {
+        long left = Math.round(part * pixels());
+        int level = 0;
+        while (level < WHITE && left > mHistograms[0][level]) {
+            left -= mHistograms[0][level];
+            ++level;
+        }
+        return level;
+    }
+
+    /** The part of the pixels that are white in all channels, 0 to 1. */
+    public double clipped() {
+        return (double) mClipped / pixels();
+    }
+
+    /** How far the colours of two pictures lie apart on average, wherever these are of the same part. */
+    public double colourDistance(PictureFacts other) {
+        return distance(mBlue, other.mBlue) + distance(mRed, other.mRed);
+    }
+
+    /** The same, with blue and red exchanged in the other one. */
+    public double exchangedDistance(PictureFacts other) {
+        return distance(mBlue, other.mRed) + distance(mRed, other.mBlue);
+    }
+
+    private static double distance(double[][] one, double[][] other) {
+        double sum = 0;
+        for (int y = 0; y < GRID; ++y) {
+            for (int x = 0; x < GRID; ++x) {
+                sum += Math.abs(one[y][x] - other[y][x]);
+            }
+        }
+        return sum / (GRID * GRID);
+    }
+
+    /** By how many pixels each row is moved against the one above; 0 when rows fit as they are. */
+    public int shear() {
+        return mShear;
+    }
+
+    /** The counts of luma, red, green and blue by level. */
+    public JsonObject json() {
+        JsonObject json = new JsonObject();
+        json.addProperty("width", mWidth);
+        json.addProperty("height", mHeight);
+        json.addProperty("mean", Math.round(10 * meanLuma()) / 10.0);
+        json.addProperty("clipped", Math.round(1000 * clipped()) / 1000.0);
+        String[] names = {"luma", "red", "green", "blue"};
+        JsonObject histograms = new JsonObject();
+        for (int i = 0; i < names.length; ++i) {
+            JsonArray counts = new JsonArray();
+            for (int count : mHistograms[i]) {
+                counts.add(count);
+            }
+            histograms.add(names[i], counts);
+        }
+        json.add("histogram", histograms);
+        return json;
+    }
+}

@@ -1,0 +1,125 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+
+import java.nio.ByteBuffer;
+
+/** Where one plane lies in an image's memory, and which of its bytes are not zero. */
+public final class PlaneUse {
+    private static final int MOST_BANDS = 48;
+    private static final int PERCENT = 100;
+
+    private final String mName;
+    private final int mOffset;
+    private final int mSize;
+    private final int mStride;
+    private final int mRowBytes;
+    private final int mRows;
+    private final int[] mPixels;
+    private final int[] mPadding;
+    private int mUsedRows;
+    private int mUsedPadding;
+    private int mEmptyTail;
+
+    /**
+     * Looks at a plane of this place and shape, in bytes. What lies past the memory's end counts as zero; a
+     * row's bytes behind the pixels are padding.
+     */
+    PlaneUse(String name, int offset, int size, int stride, int rowBytes, ByteBuffer memory) {
+        mName = name;
+        mOffset = offset;
+        mSize = size;
+        mStride = Math.max(1, stride);
+        mRowBytes = Math.max(1, Math.min(rowBytes, mStride));
+        mRows = Math.max(1, size / mStride);
+        int bands = Math.min(MOST_BANDS, mRows);
+        mPixels = new int[bands];
+        mPadding = new int[bands];
+        int[] rowsOf = new int[bands];
+        for (int row = 0; row < mRows; ++row) {
+            int band = (int) ((long) row * bands / mRows);
+            int at = offset + row * mStride;
+            boolean hasPixels = hasData(memory, at, mRowBytes);
+            boolean hasPadding = hasData(memory, at + mRowBytes, mStride - mRowBytes);
+            mPixels[band] += hasPixels ? 1 : 0;
+            mPadding[band] += hasPadding ? 1 : 0;
+            mUsedRows += hasPixels ? 1 : 0;
+            mUsedPadding += hasPadding ? 1 : 0;
+            mEmptyTail = hasPixels ? 0 : mEmptyTail + 1;
+            ++rowsOf[band];
+        }
+        for (int band = 0; band < bands; ++band) {
+            mPixels[band] = mPixels[band] * PERCENT / rowsOf[band];
+            mPadding[band] = mPadding[band] * PERCENT / rowsOf[band];
+        }
+    }
+
+    private static boolean hasData(ByteBuffer memory, int from, int size) {
+        int end = (int) Math.min(memory.capacity(), (long) from + size);
+        for (int at = Math.max(0, from); at < end; ++at) {
+            if (memory.get(at) != 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    public String name() {
+        return mName;
+    }
+
+    int end() {
+        return mOffset + mSize;
+    }
+
+    public int stride() {
+        return mStride;
+    }
+
+    public int rowBytes() {
+        return mRowBytes;
+    }
+
+    public int rows() {
+        return mRows;
+    }
+
+    /** Rows with a pixel byte that is not zero. */
+    public int usedRows() {
+        return mUsedRows;
+    }
+
+    /** Rows with a padding byte that is not zero. */
+    public int usedPadding() {
+        return mUsedPadding;
+    }
+
+    /** How many of the last rows have only zero pixels. */
+    public int emptyTail() {
+        return mEmptyTail;
+    }
+
+    JsonObject json() {
+        JsonObject json = new JsonObject();
+        json.addProperty("name", mName);
+        json.addProperty("offset", mOffset);
+        json.addProperty("size", mSize);
+        json.addProperty("stride", mStride);
+        json.addProperty("rowBytes", mRowBytes);
+        json.addProperty("rows", mRows);
+        json.addProperty("usedRows", mUsedRows);
+        json.addProperty("usedPadding", mUsedPadding);
+        json.add("pixels", array(mPixels));
+        json.add("padding", array(mPadding));
+        return json;
+    }
+
+    private static JsonArray array(int[] numbers) {
+        JsonArray array = new JsonArray();
+        for (int number : numbers) {
+            array.add(number);
+        }
+        return array;
+    }
+}

@@ -1,0 +1,99 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/** The callbacks of one request, and what became of each. */
+public final class Callbacks {
+    private static final String SHOT = "shotCb";
+    private static final String LIGHT_STREAM = "lightStreamCb";
+    private static final double NANOSECONDS_PER_SECOND = 1e9;
+
+    private final RequestReport mReport;
+    private final Call mProcess;
+    private final List<Call> mCallbacks;
+
+    public Callbacks(RequestReport report) {
+        mReport = report;
+        mProcess = report.handover().process();
+        mCallbacks = report.events.calls("callback");
+    }
+
+    /** Whether the request was submitted and nothing that counts ended it. */
+    public boolean isMissing() {
+        return mProcess != null && mCallbacks.stream().noneMatch(callback -> isEndInTime(callback.begin()));
+    }
+
+    /** Whether a callback ended the request, in time or not. */
+    public boolean hasEnd() {
+        return mCallbacks.stream().anyMatch(callback -> isEnd(callback.begin()));
+    }
+
+    /** Why callbacks were ignored, each reason once and with how often when it was several times. */
+    List<String> ignored() {
+        Map<String, Integer> counts = new LinkedHashMap<>();
+        for (Call callback : mCallbacks) {
+            String reason = ignored(callback);
+            if (!reason.isEmpty()) {
+                counts.merge(reason, 1, Integer::sum);
+            }
+        }
+        List<String> reasons = new ArrayList<>();
+        counts.forEach((reason, count) -> reasons.add(reason + (count == 1 ? "" : " (" + count + " times)")));
+        return reasons;
+    }
+
+    private boolean isEnd(Event callback) {
+        return callback.text("name").equals(SHOT) && isOfRequest(callback);
+    }
+
+    private boolean isEndInTime(Event callback) {
+        return isEnd(callback) && !isLate(callback) && !isUnreachable(callback);
+    }
+
+    private boolean isLate(Event callback) {
+        return callback.time() > mReport.waitEnd;
+    }
+
+    // A waiting request is woken by any thread; Java is called only on one that the VM knows.
+    private boolean isUnreachable(Event callback) {
+        boolean callsJava = callback.text("name").equals(LIGHT_STREAM) || mReport.request.fullAsync();
+        return callsJava && callback.has("attached") && !callback.flag("attached");
+    }
+
+    private boolean isOfRequest(Event callback) {
+        return mProcess != null && callback.number("nativeReq") == mProcess.begin().number("nativeReq");
+    }
+
+    // Why a callback was ignored, "" when it was not.
+    private String ignored(Call call) {
+        Event callback = call.begin();
+        String name = callback.text("name");
+        if (!callback.has("name")) {
+            return "its " + callback.number("size") + " bytes hold no name";
+        }
+        if (!name.equals(SHOT) && !name.equals(LIGHT_STREAM)) {
+            return "name \"" + name + "\"";
+        }
+        if (name.equals(SHOT) && !isOfRequest(callback)) {
+            return "it names the native request " + callback.text("nativeReq") + " instead of "
+                    + (mProcess == null ? "none" : mProcess.begin().text("nativeReq"));
+        }
+        if (isUnreachable(callback)) {
+            return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
+                    + "\" is unknown to the VM";
+        }
+        // Behind one that came in time it is only one too many.
+        if (name.equals(SHOT) && isLate(callback) && isMissing()) {
+            return "it came after %.1f s".formatted(
+                    (callback.time() - mReport.waitStart) / NANOSECONDS_PER_SECOND);
+        }
+        return "";
+    }
+}

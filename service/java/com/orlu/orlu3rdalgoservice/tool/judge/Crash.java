@@ -1,0 +1,113 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/** Who ended the process, by the operations that had not returned when it died. */
+public final class Crash {
+    private static final int LAST_EVENTS = 40;
+    private static final int SIGNAL_BASE = 128;
+    private static final int INTERRUPT = 2;
+    private static final int TERMINATE = 15;
+    /** Operations before the first request: a library that dies in one of them can't be used at all. */
+    private static final Set<String> OPENING = Set.of("load", "entry", "createClient", "init");
+    private static final Map<Integer, String> SIGNALS = Map.of(2, "SIGINT", 4, "SIGILL", 6, "SIGABRT",
+            7, "SIGBUS", 8, "SIGFPE", 9, "SIGKILL", 11, "SIGSEGV", 15, "SIGTERM");
+
+    private static final Pattern VM_SIGNAL =
+            Pattern.compile("^#\\s+(SIG[A-Z]+) \\(0x([0-9a-f]+)\\)", Pattern.MULTILINE);
+    private static final Pattern VM_FRAME = Pattern.compile("^# C\\s+\\[(.+?)]", Pattern.MULTILINE);
+
+    private final RecordedEvents mEvents;
+    private final int mExitStatus;
+    private final String mVmReport;
+    private final Call mOpen;
+
+    /** The events of the whole run, what the process ended with, and the VM's report, "" for none. */
+    public Crash(RecordedEvents events, int exitStatus, String vmReport) {
+        mEvents = events;
+        mExitStatus = exitStatus;
+        mVmReport = vmReport;
+        List<Call> open = events.open();
+        mOpen = open.isEmpty() ? null : open.get(open.size() - 1);
+    }
+
+    /** One of Verdict's. */
+    public int status() {
+        return mOpen != null && OPENING.contains(mOpen.operation()) ? Verdict.UNUSABLE : Verdict.FAILED;
+    }
+
+    /** The library, the operation, and how it ended, in one line. */
+    public String reason() {
+        String path = LibraryCheck.path(mEvents);
+        if (wasStopped()) {
+            return "stopped by " + ending()
+                    + (mOpen == null ? "" : ", with " + operation(mOpen) + " still running");
+        }
+        if (path.isEmpty()) {
+            return "the process ended by " + ending() + " before an algorithm library was open";
+        }
+        return "the algorithm library " + path + " ended the process by " + ending() + " " + place();
+    }
+
+    private boolean wasStopped() {
+        return mExitStatus == SIGNAL_BASE + INTERRUPT || mExitStatus == SIGNAL_BASE + TERMINATE;
+    }
+
+    private String ending() {
+        if (mExitStatus <= SIGNAL_BASE) {
+            return "exit " + mExitStatus;
+        }
+        // The VM handles a signal by aborting, and says in its report which one it was, and where.
+        Matcher fault = VM_SIGNAL.matcher(mVmReport);
+        if (fault.find()) {
+            Matcher frame = VM_FRAME.matcher(mVmReport);
+            return "signal " + Integer.parseInt(fault.group(2), 16) + " (" + fault.group(1)
+                    + (frame.find() ? " at " + frame.group(1) : "") + ")";
+        }
+        int signal = mExitStatus - SIGNAL_BASE;
+        return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
+    }
+
+    // With nothing open it was a thread of the library's own, or the process's regular end.
+    private String place() {
+        if (mOpen != null) {
+            return "in " + operation(mOpen);
+        }
+        List<Call> calls = mEvents.calls();
+        if (calls.isEmpty()) {
+            return "before its first operation";
+        }
+        Call last = calls.get(calls.size() - 1);
+        return last.hasThrown() ? "after " + operation(last) + " " + last.outcome()
+                : "on a thread of its own; the last operation was " + operation(last);
+    }
+
+    private static String operation(Call call) {
+        Event begin = call.begin();
+        return call.operation() + switch (call.operation()) {
+            case "process" -> " of request " + begin.text("reqId");
+            case "setValue", "getValue", "visit" -> " of " + begin.text("section") + "/" + begin.text("key");
+            default -> "";
+        };
+    }
+
+    /** The reason, what was open, and the last events, for a file. */
+    public String report() {
+        StringBuilder text = new StringBuilder(reason()).append("\n\nOperations that had not returned:\n");
+        mEvents.open().forEach(call -> text.append(call.begin().fields()).append('\n'));
+        List<Event> events = mEvents.events();
+        text.append("\nThe last events:\n");
+        events.subList(Math.max(0, events.size() - LAST_EVENTS), events.size())
+                .forEach(event -> text.append(event.fields()).append('\n'));
+        text.append("\nNo core was kept; with ORLU_CORES=1 in the environment the system keeps one.\n\n");
+        return text.append(mVmReport).toString();
+    }
+}

@@ -1,0 +1,43 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.google.gson.JsonObject;
+
+/**
+ * Something of a request that looks wrong.
+ *
+ * @param kind   a word for programs
+ * @param isSure whether it is wrong; else it may be, and is to be looked at
+ * @param what   what is seen, a sentence
+ * @param why    what it usually comes from and where to look, sentences
+ * @param tab    the part of the page that shows it
+ */
+public record Finding(String kind, boolean isSure, String what, String why, Tab tab) {
+    /** The parts of a page. */
+    enum Tab {
+        PICTURES,
+        MEMORY,
+        TIMELINE,
+        PARAMETERS,
+        TAGS,
+        RESULTS,
+        LOG
+    }
+
+    static Finding wrong(String kind, Tab tab, String what, String why) {
+        return new Finding(kind, true, what, why, tab);
+    }
+
+    static Finding look(String kind, Tab tab, String what, String why) {
+        return new Finding(kind, false, what, why, tab);
+    }
+
+    public JsonObject json() {
+        JsonObject json = new JsonObject();
+        json.addProperty("kind", kind);
+        json.addProperty("severity", isSure ? "wrong" : "look");
+        json.addProperty("what", what.substring(0, 1).toUpperCase() + what.substring(1));
+        json.addProperty("why", why);
+        json.addProperty("tab", tab.name().toLowerCase());
+        return json;
+    }
+}

@@ -1,0 +1,241 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.orlu.orlu3rdalgoservice.tool.image.PictureFacts;
+import com.orlu.orlu3rdalgoservice.tool.image.PlaneUse;
+import com.orlu.orlu3rdalgoservice.tool.judge.Finding.Tab;
+
+import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+
+/** Looks for what is wrong with a request's images: each output beside the input that it was made of. */
+public final class ImageFindings {
+    // Levels of 255.
+    private static final double BLACK_MEAN = 3;
+    private static final int BLACK_LEVEL = 12;
+    private static final double DARK_INPUT_MEAN = 8;
+    private static final double LEAST_COLOUR_DISTANCE = 6;
+    // Parts of all pixels or rows.
+    private static final double NEARLY_ALL = 0.99;
+    private static final double MUCH_CLIPPED = 0.25;
+    private static final double LITTLE_CLIPPED = 0.05;
+    private static final double LEAST_TAIL = 0.01;
+    private static final double HALF = 0.5;
+    private static final double DARKER = 0.3;
+
+    private final Exhibits mExhibits;
+    private final boolean mHasPass;
+    private final List<Finding> mFindings = new ArrayList<>();
+
+    /** With no pass, nobody was to write the outputs. */
+    public ImageFindings(Exhibits exhibits, boolean hasPass) {
+        mExhibits = exhibits;
+        mHasPass = hasPass;
+    }
+
+    public List<Finding> all() {
+        for (ImageExhibit output : mExhibits.outputs()) {
+            checkMemory(output);
+            if (mHasPass) {
+                checkOutput(output);
+            }
+        }
+        checkInputs();
+        return mFindings;
+    }
+
+    private void wrong(String kind, Tab tab, String what, String why) {
+        mFindings.add(Finding.wrong(kind, tab, what, why));
+    }
+
+    private void look(String kind, Tab tab, String what, String why) {
+        mFindings.add(Finding.look(kind, tab, what, why));
+    }
+
+    private void checkMemory(ImageExhibit image) {
+        if (image.memory().missing() > 0) {
+            wrong("past-end", Tab.MEMORY, "The planes of %s reach %d bytes past its memory."
+                            .formatted(image.name(), image.memory().missing()),
+                    "Its description (size, strides, plane sizes) does not fit the buffer. Whoever reads "
+                            + "it reads foreign memory, or nothing.");
+        }
+        if (image.memory().usedBehind() > 0 && !image.problem().isEmpty()) {
+            look("written-behind", Tab.MEMORY, "%d bytes behind the planes of %s were written."
+                            .formatted(image.memory().usedBehind(), image.name()),
+                    "The data is there, but the description does not cover it.");
+        }
+    }
+
+    private void checkOutput(ImageExhibit output) {
+        if (output.facts() == null) {
+            checkNoPicture(output);
+            return;
+        }
+        if (isBlack(output.facts())) {
+            checkBlack(output);
+            return;
+        }
+        if (output.facts().shear() != 0) {
+            addSlanted(output);
+        } else {
+            checkPlanes(output);
+        }
+        ImageExhibit base = mExhibits.base();
+        if (base != null && base.facts() != null) {
+            checkBrightness(output, base);
+            checkColours(output, base);
+        }
+    }
+
+    private void checkNoPicture(ImageExhibit output) {
+        boolean isUntouched = output.problem().startsWith("untouched");
+        String written = String.join(", ", writtenInputs());
+        if (isUntouched && !written.isEmpty()) {
+            wrong("wrong-buffer", Tab.MEMORY, "Nothing was written into %s, but the bytes of %s have changed."
+                            .formatted(output.name(), written),
+                    "The algorithm library wrote into the wrong buffer: it mixed up inputs and outputs, "
+                            + "or mapped the wrong descriptor.");
+        } else if (isUntouched) {
+            wrong("untouched", Tab.MEMORY, "Nothing was written into %s: all its bytes are still 0."
+                            .formatted(output.name()),
+                    "It shows as black. The algorithm library never wrote there: see in the timeline "
+                            + "whether it worked and called back, and in the memory which buffer it was "
+                            + "given.");
+        } else {
+            wrong("unreadable", Tab.MEMORY,
+                    "%s can't be shown: it is %s.".formatted(output.name(), output.problem()),
+                    "The description that came back does not fit the bytes that are there.");
+        }
+    }
+
+    private List<String> writtenInputs() {
+        return mExhibits.inputs().stream().filter(ImageExhibit::isWritten).map(ImageExhibit::name).toList();
+    }
+
+    private static boolean isBlack(PictureFacts facts) {
+        return facts.meanLuma() < BLACK_MEAN && facts.lumaAt(NEARLY_ALL) < BLACK_LEVEL;
+    }
+
+    private void checkBlack(ImageExhibit output) {
+        ImageExhibit base = mExhibits.base();
+        PictureFacts input = base == null ? null : base.facts();
+        String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
+                ? "What went in is as dark (%.1f): look at the frames first.".formatted(input.meanLuma())
+                : "What went in is not. The algorithm library wrote black pixels: look at the "
+                        + "exposure and gain parameters, then at the algorithms that ran.";
+        wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
+                output.name(), output.facts().meanLuma()), why);
+    }
+
+    // Memory of an output is zero before, so that rows that still are were not written.
+    private void checkPlanes(ImageExhibit output) {
+        for (PlaneUse plane : output.memory().planes()) {
+            if (plane.rows() < 2) {
+                continue;
+            }
+            if (plane.usedRows() == 0) {
+                wrong("plane-untouched", Tab.MEMORY, "Nothing was written into the plane %s of %s."
+                                .formatted(plane.name(), output.name()),
+                        "Colours that are all 0 show as green. The plane's address or size was wrong, or "
+                                + "it was forgotten.");
+            } else if (plane.emptyTail() > Math.max(1, LEAST_TAIL * plane.rows())) {
+                look("rows-missing", Tab.MEMORY, "The last %d of %d rows of the plane %s of %s are still 0."
+                                .formatted(plane.emptyTail(), plane.rows(), plane.name(), output.name()),
+                        "Fewer rows were written than the image has, or rows were written too close "
+                                + "together, with a smaller stride.");
+            }
+        }
+    }
+
+    private void addSlanted(ImageExhibit output) {
+        int shear = output.facts().shear();
+        wrong("stride", Tab.MEMORY, "%s is slanted, by %d pixels from row to row: ".formatted(
+                        output.name(), Math.abs(shear)) + "it was written or read with a wrong stride.",
+                cause(output, Math.abs(shear)));
+    }
+
+    private String cause(ImageExhibit output, int shear) {
+        if (mExhibits.inputs().stream().anyMatch(ImageFindings::isSlanted)) {
+            return "What went in is slanted already: the stride of the request's own file is wrong.";
+        }
+        PlaneUse written = output.memory().planes().get(0);
+        if (written.usedPadding() > HALF * written.rows()) {
+            return "What went in is not. The output's padding holds pixels in %d rows of %d: %s".formatted(
+                    written.usedPadding(), written.rows(), mistaken(written));
+        }
+        ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
+        PlaneUse read = base.memory().planes().get(0);
+        // Samples may have several bytes.
+        int padding = read.stride() - read.rowBytes();
+        boolean isIt = padding > 0 && padding % shear == 0;
+        return "What went in is not. " + (isIt
+                ? "The rows of %s have %d bytes of padding: %s".formatted(
+                        base.name(), padding, mistaken(read))
+                : "The algorithm library took one stride for another: compare those in the memory.");
+    }
+
+    private static String mistaken(PlaneUse plane) {
+        return "the algorithm library took %d for its stride of %d bytes.".formatted(
+                plane.rowBytes(), plane.stride());
+    }
+
+    private static boolean isSlanted(ImageExhibit image) {
+        return image.facts() != null && image.facts().shear() != 0;
+    }
+
+    private void checkBrightness(ImageExhibit output, ImageExhibit base) {
+        double mean = output.facts().meanLuma();
+        if (output.facts().clipped() > MUCH_CLIPPED && base.facts().clipped() < LITTLE_CLIPPED) {
+            look("clipped", Tab.PICTURES, "%.0f %% of %s are white; of %s it is %.0f %%.".formatted(
+                            100 * output.facts().clipped(), output.name(), base.name(),
+                            100 * base.facts().clipped()),
+                    "Bright parts are lost: look at the exposure and gain parameters, and at the histogram.");
+        }
+        if (mean < DARKER * base.facts().meanLuma()) {
+            look("dark", Tab.PICTURES, "%s is much darker than %s: %.0f instead of %.0f of 255 on average."
+                            .formatted(output.name(), base.name(), mean, base.facts().meanLuma()),
+                    "Look at the exposure and gain parameters, and at the histogram.");
+        }
+    }
+
+    private void checkColours(ImageExhibit output, ImageExhibit base) {
+        double straight = base.facts().colourDistance(output.facts());
+        double exchanged = base.facts().exchangedDistance(output.facts());
+        if (straight > LEAST_COLOUR_DISTANCE && exchanged < HALF * straight) {
+            wrong("colours-exchanged", Tab.PICTURES,
+                    "Red and blue are exchanged in %s.".formatted(output.name()),
+                    "The planes U and V were taken for one another, as when NV12 is written for NV21: "
+                            + "compare the format of the output in the memory with what the algorithm "
+                            + "library writes.");
+        }
+    }
+
+    private void checkInputs() {
+        List<String> written = writtenInputs();
+        if (!written.isEmpty() && mFindings.stream().noneMatch(each -> each.kind().equals("wrong-buffer"))) {
+            wrong("input-written", Tab.MEMORY,
+                    "The bytes of %s have changed.".formatted(String.join(", ", written)),
+                    "The algorithm library wrote where it should only read.");
+        }
+        boolean hasOther = mExhibits.inputs().stream().anyMatch(input -> !isDark(input));
+        Map<Long, ImageExhibit> seen = new HashMap<>();
+        for (ImageExhibit input : mExhibits.inputs()) {
+            ImageExhibit same = seen.putIfAbsent(input.checksum(), input);
+            if (hasOther && isDark(input)) {
+                wrong("frame-missing", Tab.PICTURES,
+                        "There is no picture in %s (frame %d), while others have one.".formatted(
+                                input.name(), input.frame()),
+                        "The frame is missing from the burst. It spoils what is merged of all.");
+            } else if (same != null && input.isOfFile() && same.frame() != input.frame()) {
+                look("frame-twice", Tab.PICTURES, "%s (frame %d) holds the same bytes as %s (frame %d)."
+                                .formatted(input.name(), input.frame(), same.name(), same.frame()),
+                        "A frame was handed over twice, perhaps instead of another.");
+            }
+        }
+    }
+
+    private static boolean isDark(ImageExhibit input) {
+        return input.facts() == null || isBlack(input.facts());
+    }
+}

@@ -1,0 +1,106 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+
+/** Judges one request over a usable library by its events and by what came of its outputs. */
+public final class Judge {
+    /** Below 0 they say that a key is not there, or that a visitor does not know it. */
+    private static final Set<String> ANSWERING =
+            Set.of("getValue", "visit", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo");
+
+    private final RequestReport mReport;
+    private final Callbacks mCallbacks;
+    private final List<String> mReasons = new ArrayList<>();
+
+    private Judge(RequestReport report) {
+        mReport = report;
+        mCallbacks = new Callbacks(report);
+    }
+
+    public static Verdict of(RequestReport report) {
+        return new Judge(report).judge();
+    }
+
+    private Verdict judge() {
+        mReasons.addAll(mReport.problems);
+        LibraryCheck.addMissingCarriers(mReport.events, mReasons);
+        boolean isMissing = mCallbacks.isMissing();
+        checkOperations(isMissing ? mReport.handover().process() : null);
+        if (isMissing) {
+            mReasons.add(noCallback());
+        } else {
+            checkIgnored();
+            checkAlgorithms();
+            checkOutputs();
+        }
+        return mReasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, mReasons);
+    }
+
+    // An operation that failed a hundred times is one reason. What came of one call is said elsewhere.
+    private void checkOperations(Call except) {
+        Map<String, Integer> counts = new LinkedHashMap<>();
+        for (Call call : mReport.events.calls()) {
+            if (call != except && hasFailed(call)) {
+                counts.merge(call.operation() + " " + outcome(call), 1, Integer::sum);
+            }
+        }
+        counts.forEach((text, count) -> mReasons.add(text + (count == 1 ? "" : " (" + count + " times)")));
+    }
+
+    private static boolean hasFailed(Call call) {
+        boolean isBelow = call.end() != null && call.end().text("result").startsWith("-");
+        return call.hasThrown() || isBelow && !ANSWERING.contains(call.operation()) || hasNoBlock(call);
+    }
+
+    private static boolean hasNoBlock(Call call) {
+        return call.operation().equals("createMetadata") && call.returned(0);
+    }
+
+    private static String outcome(Call call) {
+        return hasNoBlock(call) ? "returned no block" : call.outcome();
+    }
+
+    private String noCallback() {
+        Call process = mReport.handover().process();
+        String text = "no callback for request %d within %d s; process was called and %s".formatted(
+                mReport.request.id(), RequestReport.CALLBACK_SECONDS, process.outcome());
+        if (process.end() != null) {
+            text += " after %.1f ms".formatted(process.end().milliseconds());
+        }
+        List<String> ignored = mCallbacks.ignored();
+        return ignored.isEmpty() ? text : text + "; " + ignoredText(ignored);
+    }
+
+    private static String ignoredText(List<String> ignored) {
+        return ignored.size() + (ignored.size() == 1 ? " callback" : " callbacks") + " ignored: "
+                + String.join(", ", ignored);
+    }
+
+    // Also of a request that ended well: a light-stream event may be lost, a message misspelt.
+    private void checkIgnored() {
+        List<String> ignored = mCallbacks.ignored();
+        if (!ignored.isEmpty()) {
+            mReasons.add(ignoredText(ignored));
+        }
+    }
+
+    private void checkAlgorithms() {
+        List<String> idle = mReport.idleAlgorithms();
+        if (!idle.isEmpty()) {
+            mReasons.add("handed on, but nobody ran: " + String.join(", ", idle));
+        }
+    }
+
+    private void checkOutputs() {
+        if (mReport.handover().process() != null) {
+            mReasons.addAll(mReport.outputProblems);
+        }
+    }
+}

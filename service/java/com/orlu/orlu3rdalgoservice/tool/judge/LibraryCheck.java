@@ -1,0 +1,79 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+
+import java.util.ArrayList;
+import java.util.List;
+
+/** Whether an algorithm library can be used at all, by what happened until its first client was there. */
+public final class LibraryCheck {
+    // Without these no request is submitted, and each waits for a callback that nothing makes.
+    private static final List<String> MANDATORY = List.of("process", "getSize");
+    // Without these a request runs, but its parameters or its results get lost.
+    private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");
+
+    private LibraryCheck() {
+    }
+
+    /** The verdict on these events: UNUSABLE, or ok when nothing in them says otherwise. */
+    public static Verdict of(RecordedEvents events) {
+        List<String> reasons = new ArrayList<>();
+        checkLoad(events.last("load"), reasons);
+        if (reasons.isEmpty()) {
+            addMissing(events, MANDATORY, reasons);
+            checkClient(events, reasons);
+        }
+        return reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.UNUSABLE, reasons);
+    }
+
+    /** The real algorithm library's path; "" when it is not known. */
+    static String path(RecordedEvents events) {
+        Call load = events.last("load");
+        return load == null ? "" : load.begin().text("path");
+    }
+
+    private static void checkLoad(Call load, List<String> reasons) {
+        if (load == null || load.end() == null || load.returned(0)) {
+            return;
+        }
+        String path = load.begin().text("path");
+        String error = load.end().text("error");
+        if (path.isEmpty()) {
+            reasons.add("no algorithm library was found: " + error);
+        } else if (load.end().text("stage").equals("entry")) {
+            reasons.add("the algorithm library " + path + " has no AlgoInterfaceEntry: " + error);
+        } else {
+            reasons.add("the algorithm library can't be opened: " + (error.contains(path) ? "" : path + ": ")
+                    + error);
+        }
+    }
+
+    /** Adds a reason when a library that can be used lacks what carries parameters and results. */
+    static void addMissingCarriers(RecordedEvents events, List<String> reasons) {
+        addMissing(events, CARRYING_VALUES, reasons);
+    }
+
+    private static void addMissing(RecordedEvents events, List<String> needed, List<String> reasons) {
+        List<Event> tables = events.events("table");
+        List<String> missing = new ArrayList<>(needed);
+        missing.retainAll(tables.isEmpty() ? List.of() : tables.get(tables.size() - 1).texts("missing"));
+        if (!missing.isEmpty()) {
+            reasons.add("the algorithm library " + path(events) + " lacks " + String.join(", ", missing));
+        }
+    }
+
+    private static void checkClient(RecordedEvents events, List<String> reasons) {
+        for (String operation : List.of("entry", "createClient")) {
+            Call call = events.last(operation);
+            if (call != null && call.hasThrown()) {
+                reasons.add(operation + " " + call.outcome());
+            }
+        }
+        Call create = events.last("createClient");
+        if (create != null && create.returned(0)) {
+            reasons.add("createClient returned no client");
+        }
+    }
+}

@@ -1,0 +1,28 @@
+package com.orlu.orlu3rdalgoservice.tool.judge;
+
+import java.util.List;
+
+/**
+ * How a run went.
+ *
+ * @param status  what the command exits with
+ * @param reasons what was wrong, most telling first; none when all went well
+ */
+public record Verdict(int status, List<String> reasons) {
+    public static final int OK = 0;
+    /** A request failed on its way. */
+    public static final int FAILED = 1;
+    /** The command line or a request file can't be taken. */
+    public static final int REFUSED = 2;
+    /** The algorithm library can't be opened, or lacks what no request can do without. */
+    public static final int UNUSABLE = 3;
+
+    public static Verdict ok() {
+        return new Verdict(OK, List.of());
+    }
+
+    /** The line that a run ends with. */
+    public String line() {
+        return "verdict  " + (status == OK ? "ok" : "FAILED: " + String.join("; ", reasons));
+    }
+}

@@ -1,0 +1,49 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+/** One operation between the two libraries: how it began, and how it ended if it did. */
+public final class Call {
+    private final Event mBegin;
+    private Event mEnd;
+
+    Call(Event begin) {
+        mBegin = begin;
+    }
+
+    void end(Event end) {
+        mEnd = end;
+    }
+
+    public String operation() {
+        return mBegin.operation();
+    }
+
+    public Event begin() {
+        return mBegin;
+    }
+
+    /** How it ended; null when it has not returned: it hangs, or ended the process. */
+    public Event end() {
+        return mEnd;
+    }
+
+    public boolean hasThrown() {
+        return mEnd != null && mEnd.has("thrown");
+    }
+
+    /** Whether it returned this number or handle. */
+    public boolean returned(long result) {
+        return mEnd != null && mEnd.has("result") && mEnd.number("result") == result;
+    }
+
+    /** What came of it, in words that follow the operation's name. */
+    public String outcome() {
+        if (mEnd == null) {
+            return "has not returned";
+        }
+        if (hasThrown()) {
+            String what = mEnd.text("what");
+            return "threw " + mEnd.text("thrown") + (what.isEmpty() ? "" : ": " + what);
+        }
+        return mEnd.has("result") ? "returned " + mEnd.text("result") : "returned";
+    }
+}

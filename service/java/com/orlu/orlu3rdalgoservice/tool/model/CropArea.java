@@ -1,0 +1,52 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+/**
+ * Which pixels of an image are kept.
+ *
+ * @param x      the first column, -1 for the middle
+ * @param y      the first row, likewise
+ * @param width  of what is kept
+ * @param height likewise
+ */
+public record CropArea(int x, int y, int width, int height) {
+    /** Packed samples go in fours, and so do the columns of every format: all images get the same area. */
+    private static final int COLUMNS = 4;
+    private static final int ROWS = 2;
+
+    /** "WIDTH,HEIGHT" or "X,Y,WIDTH,HEIGHT". IllegalArgumentException for anything else. */
+    public static CropArea parse(String text) {
+        if (!text.matches("\\d{1,6},\\d{1,6}(,\\d{1,6},\\d{1,6})?")) {
+            throw new IllegalArgumentException(
+                    "--crop: needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found " + text);
+        }
+        String[] parts = text.split(",");
+        int size = parts.length - 2;
+        CropArea area = new CropArea(size == 0 ? -1 : Integer.parseInt(parts[0]),
+                size == 0 ? -1 : Integer.parseInt(parts[1]), Integer.parseInt(parts[size]),
+                Integer.parseInt(parts[size + 1]));
+        if (area.width < 1 || area.height < 1 || area.width % COLUMNS != 0 || area.height % ROWS != 0
+                || area.x > 0 && area.x % COLUMNS != 0 || area.y > 0 && area.y % ROWS != 0) {
+            throw new IllegalArgumentException(
+                    "--crop: needs columns that are multiples of 4 and even rows, found " + text);
+        }
+        return area;
+    }
+
+    /** The same in an image of this size. IllegalArgumentException, which calls it so, where it is larger. */
+    CropArea in(int imageWidth, int imageHeight, String image) {
+        CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,
+                y < 0 ? (imageHeight - height) / 2 / ROWS * ROWS : y, width, height);
+        if (placed.x < 0 || placed.y < 0 || placed.x + width > imageWidth
+                || placed.y + height > imageHeight) {
+            throw new IllegalArgumentException("--crop: " + this + " does not lie in " + image
+                    + ", which has " + imageWidth + "x" + imageHeight);
+        }
+        return placed;
+    }
+
+    /** "320x240 from 16,8", or without the place. */
+    @Override
+    public String toString() {
+        return width + "x" + height + (x < 0 ? "" : " from " + x + "," + y);
+    }
+}

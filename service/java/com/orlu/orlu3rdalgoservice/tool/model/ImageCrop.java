@@ -1,0 +1,169 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+
+import java.util.ArrayList;
+import java.util.List;
+
+/**
+ * Cuts an image of a recording down to an area: its bytes, and its description. Rows and planes keep the
+ * padding that they have behind them, so that the smaller image lies in memory as the larger one did.
+ */
+final class ImageCrop {
+    private final JsonObject mPart;
+    private final PixelFormat mFormat;
+    private final int mWidth;
+    private final int mHeight;
+    private final CropArea mArea;
+    private final List<Plane> mPlanes = new ArrayList<>();
+    private final int mSize;
+
+    // Rows of one plane, or of one of two chroma planes, from here on in the memory.
+    private record Plane(int at, int newAt, int stride, int newStride, int rows, int newRows, int firstByte,
+            int firstRow, int bytes) {
+        int end() {
+            return at + stride * rows;
+        }
+    }
+
+    private ImageCrop(RecordedImage image, CropArea area) {
+        mPart = image.part().deepCopy();
+        mFormat = PixelFormat.named(image.format());
+        mWidth = image.number("width");
+        mHeight = image.number("height");
+        mSize = image.number("size");
+        mArea = area;
+    }
+
+    /**
+     * Plans the cut. IllegalArgumentException for an image, called by this name, that is not as large as the
+     * area or whose description makes no sense; null for a format whose pixels can't be cut out.
+     */
+    static ImageCrop of(RecordedImage image, CropArea area, String name) {
+        ImageCrop crop = new ImageCrop(image, area.in(image.number("width"), image.number("height"), name));
+        if (crop.mFormat == null || crop.mFormat == PixelFormat.JPEG) {
+            return null;
+        }
+        crop.plan(image, name);
+        return crop;
+    }
+
+    private void plan(RecordedImage image, String name) {
+        int[] strides = image.numbers("rowStrides");
+        int[] given = image.numbers("planeSizes");
+        int[] sizes = given == null ? new int[0] : given;
+        if (strides == null || strides.length == 0 || strides[0] < mFormat.tightStride(mWidth)) {
+            throw new IllegalArgumentException("--crop: " + name + " has rows of "
+                    + (strides == null || strides.length == 0 ? "no size" : strides[0] + " bytes"));
+        }
+        int newStride = cut(strides[0], 0);
+        int end = addPlane(0, 0, strides[0], newStride, 1);
+        int newEnd = newStride * mArea.height();
+        int[] newSizes = sizes.clone();
+        int[] newStrides = strides.clone();
+        newStrides[0] = newStride;
+        // A first plane may end with its last row's pixels, or have rows of padding.
+        // All the memory is one plane only where there are no others.
+        boolean isPlane = sizes.length > 0 && sizes[0] > 0
+                && sizes[0] <= (mFormat.isYuv() ? mSize - 1 : mSize);
+        if (isPlane) {
+            newEnd += sizes[0] - end;
+            end = sizes[0];
+        }
+        if (newSizes.length > 0) {
+            newSizes[0] = newEnd;
+        }
+        if (mFormat.isYuv()) {
+            int planes = mFormat.isPlanar() ? 2 : 1;
+            int stride = strides.length > 1 && strides[1] > 0 ? strides[1] : strides[0] / planes;
+            int newChroma = cut(stride, 1);
+            int chroma = end;
+            for (int i = 0; i < planes; ++i) {
+                end = addPlane(end, newEnd, stride, newChroma, 2);
+                newEnd += newChroma * mArea.height() / 2;
+            }
+            if (strides.length > 1 && strides[1] > 0) {
+                newStrides[1] = newChroma;
+            }
+            if (newSizes.length > 1 && sizes[1] > 0) {
+                newEnd += sizes[1] - (end - chroma);
+                newSizes[1] = sizes[1] - (end - chroma) + newChroma * mArea.height() / 2 * planes;
+                end = chroma + sizes[1];
+            }
+        }
+        checkMemory(name);
+        describe(newStrides, newSizes, newEnd + Math.max(0, mSize - end));
+    }
+
+    private int cut(int stride, int plane) {
+        int divisor = plane > 0 && mFormat.isPlanar() ? 2 : 1;
+        return stride - (mFormat.tightStride(mWidth) - mFormat.tightStride(mArea.width())) / divisor;
+    }
+
+    // Returns where it ends.
+    private int addPlane(int at, int newAt, int stride, int newStride, int subsampling) {
+        int divisor = subsampling > 1 && mFormat.isPlanar() ? 2 : 1;
+        mPlanes.add(new Plane(at, newAt, stride, newStride, mHeight / subsampling,
+                mArea.height() / subsampling, mFormat.tightStride(mArea.x()) / divisor,
+                mArea.y() / subsampling, mFormat.tightStride(mArea.width()) / divisor));
+        return mPlanes.get(mPlanes.size() - 1).end();
+    }
+
+    // The last row may end with its pixels.
+    private void checkMemory(String name) {
+        for (Plane plane : mPlanes) {
+            int last = plane.at() + plane.stride() * (plane.firstRow() + plane.newRows() - 1)
+                    + plane.firstByte() + plane.bytes();
+            if (mPart.has("file") && last > mSize || plane.newStride() < plane.bytes()) {
+                throw new IllegalArgumentException(
+                        "--crop: " + name + " has " + mSize + " bytes, fewer than its rows");
+            }
+        }
+    }
+
+    private void describe(int[] strides, int[] sizes, int size) {
+        int columns = mWidth - mArea.width();
+        mPart.addProperty("width", mArea.width());
+        mPart.addProperty("height", mArea.height());
+        mPart.add("rowStrides", array(strides));
+        mPart.add("planeSizes", array(sizes));
+        if (mPart.has("size")) {
+            mPart.addProperty("size", size);
+        }
+        if (mPart.has("bufferWidth") && mPart.get("bufferHeight").getAsInt() == 1) {
+            mPart.addProperty("bufferWidth", size);
+        } else if (mPart.has("bufferWidth")) {
+            mPart.addProperty("bufferWidth", mPart.get("bufferWidth").getAsInt() - columns);
+            mPart.addProperty("bufferHeight",
+                    mPart.get("bufferHeight").getAsInt() - (mHeight - mArea.height()));
+        }
+    }
+
+    private static JsonArray array(int[] numbers) {
+        JsonArray array = new JsonArray();
+        for (int number : numbers) {
+            array.add(number);
+        }
+        return array;
+    }
+
+    /** What describes the smaller image; file and check are still the larger one's. */
+    JsonObject part() {
+        return mPart;
+    }
+
+    /** The bytes of the smaller image, whose padding is 0. */
+    byte[] bytes(byte[] from) {
+        byte[] to = new byte[mPart.get("size").getAsInt()];
+        for (Plane plane : mPlanes) {
+            for (int row = 0; row < plane.newRows(); ++row) {
+                int at = plane.at() + (plane.firstRow() + row) * plane.stride() + plane.firstByte();
+                System.arraycopy(from, at, to, plane.newAt() + row * plane.newStride(), plane.bytes());
+            }
+        }
+        return to;
+    }
+}

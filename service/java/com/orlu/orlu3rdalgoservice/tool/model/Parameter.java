@@ -1,0 +1,38 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.google.gson.JsonElement;
+
+import com.orlu.orlu3rdalgoservice.tool.tags.ParameterFormatter;
+import com.orlu.orlu3rdalgoservice.tool.tags.ParameterTypes;
+
+/** One value that was handed to the algorithm library, in its bytes. */
+public record Parameter(String section, String key, byte[] bytes) {
+    boolean hasKeyOf(Parameter other) {
+        return key.equals(other.key) && section.equals(other.section);
+    }
+
+    /** The section without the beginning that all have, and the key. */
+    public String name() {
+        return Handover.shortName(fullName());
+    }
+
+    /** The value for people. */
+    public String text() {
+        return ParameterFormatter.format(ParameterTypes.of(section, key), bytes);
+    }
+
+    /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    public JsonElement json() {
+        return ParameterFormatter.json(ParameterTypes.of(section, key), bytes);
+    }
+
+    /** The whole section, and the key. */
+    public String fullName() {
+        return section + "/" + key;
+    }
+
+    /** What the bytes are, in a word. */
+    public String type() {
+        return ParameterTypes.of(section, key).text();
+    }
+}

@@ -1,0 +1,65 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.google.gson.JsonObject;
+
+import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+
+/** The events of a stretch of time, with each operation's begin and end put together. */
+public final class RecordedEvents {
+    private final List<Event> mEvents = new ArrayList<>();
+    private final List<Call> mCalls = new ArrayList<>();
+    private final Map<Long, Call> mOpen = new HashMap<>();
+
+    /** Adds lines in the file's order. An end whose begin is not here is left out of the calls. */
+    public void add(List<JsonObject> lines) {
+        for (JsonObject line : lines) {
+            add(new Event(line));
+        }
+    }
+
+    private void add(Event event) {
+        mEvents.add(event);
+        if (event.kind().equals("begin")) {
+            Call call = new Call(event);
+            mCalls.add(call);
+            mOpen.put(event.number("n"), call);
+        } else if (event.kind().equals("end")) {
+            Call call = mOpen.remove(event.number("n"));
+            if (call != null) {
+                call.end(event);
+            }
+        }
+    }
+
+    public List<Event> events() {
+        return mEvents;
+    }
+
+    public List<Event> events(String kind) {
+        return mEvents.stream().filter(event -> event.kind().equals(kind)).toList();
+    }
+
+    /** All operations, in the order in which they began. */
+    public List<Call> calls() {
+        return mCalls;
+    }
+
+    /** All calls of an operation, likewise. */
+    public List<Call> calls(String operation) {
+        return mCalls.stream().filter(call -> call.operation().equals(operation)).toList();
+    }
+
+    /** The last call of an operation, null when there is none. */
+    public Call last(String operation) {
+        List<Call> calls = calls(operation);
+        return calls.isEmpty() ? null : calls.get(calls.size() - 1);
+    }
+
+    /** The operations that have not returned. */
+    public List<Call> open() {
+        return mCalls.stream().filter(call -> call.end() == null).toList();
+    }
+}

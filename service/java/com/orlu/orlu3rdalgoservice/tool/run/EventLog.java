@@ -1,0 +1,79 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
+import com.google.gson.JsonObject;
+
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.channels.FileChannel;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.StandardOpenOption;
+
+/** Appends events to the file that the probe writes into, a line and a write each. From any thread. */
+public final class EventLog {
+    /** The environment variable that names the file. */
+    public static final String VARIABLE = "ORLU_EVENTS";
+
+    private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().serializeNulls().create();
+    private static final ThreadLocal<ThreadName> THREAD = ThreadLocal.withInitial(ThreadName::ofThisOne);
+
+    private static EventLog sOfEnvironment;
+
+    private final FileChannel mFile;
+
+    private EventLog(FileChannel file) {
+        mFile = file;
+    }
+
+    // The thread as the kernel knows it, and the probe.
+    private record ThreadName(int tid, String name) {
+        static ThreadName ofThisOne() {
+            try {
+                Path thread = Path.of("/proc/thread-self");
+                int tid = Integer.parseInt(Files.readSymbolicLink(thread).getFileName().toString());
+                return new ThreadName(tid, Files.readString(thread.resolve("comm")).strip());
+            } catch (IOException e) {
+                // Without /proc it stays unknown: native code that asks for a tag must not hear of it.
+                return new ThreadName(0, Thread.currentThread().getName());
+            }
+        }
+    }
+
+    /** The kernel's number of the thread that calls, 0 when it is unknown. */
+    public static int thisThread() {
+        return THREAD.get().tid();
+    }
+
+    /** The log that the environment names; null when it names none. */
+    public static synchronized EventLog ofEnvironment() throws IOException {
+        String path = System.getenv(VARIABLE);
+        if (sOfEnvironment == null && path != null && !path.isEmpty()) {
+            sOfEnvironment = new EventLog(FileChannel.open(Path.of(path), StandardOpenOption.WRITE,
+                    StandardOpenOption.CREATE, StandardOpenOption.APPEND));
+        }
+        return sOfEnvironment;
+    }
+
+    /** An event that happens now, on this thread: its fields are to be added, and it is to be written. */
+    public JsonObject begin(String event) {
+        ThreadName thread = THREAD.get();
+        JsonObject line = new JsonObject();
+        line.addProperty("t", System.nanoTime());
+        line.addProperty("tid", thread.tid());
+        line.addProperty("thread", thread.name());
+        line.addProperty("event", event);
+        return line;
+    }
+
+    /** Writes the event. The native code that is under way never hears of a file that can't be written. */
+    public void write(JsonObject line) {
+        try {
+            mFile.write(ByteBuffer.wrap((GSON.toJson(line) + '\n').getBytes(StandardCharsets.UTF_8)));
+        } catch (IOException e) {
+            System.err.println("run: events: " + e.getMessage());
+        }
+    }
+}

@@ -1,0 +1,86 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
+import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+/** Writes a request's output images as files, and the base frame beside them to compare with. */
+public final class OutputImages {
+    private final Path mFolder;
+    private final String mName;
+    private final int mBase;
+
+    public OutputImages(RequestReport report, Path folder) {
+        mFolder = folder;
+        mBase = report.baseFrame().index();
+        mName = report.name;
+    }
+
+    /** Writes what there is to write, and returns a line on each image. */
+    public List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
+            List<OutputReader> outputs) throws IOException {
+        Files.createDirectories(mFolder);
+        List<String> lines = new ArrayList<>();
+        for (ImageBuffer input : inputs) {
+            if (lines.isEmpty() && input.plan().frame() == mBase) {
+                String file = input.plan().file() != null ? write(OutputReader.of(input), mName + "-base")
+                        : writePng(frames.get(mBase).shot(), mName + "-base");
+                lines.add(file + " (frame " + mBase + " as it went in)");
+            }
+        }
+        for (int i = 0; i < outputs.size(); ++i) {
+            lines.add(write(outputs.get(i), mName + "-out" + i));
+        }
+        return lines;
+    }
+
+    private String write(OutputReader output, String name) throws IOException {
+        if (output.jpeg() != null) {
+            Path file = mFolder.resolve(name + ".jpg");
+            Files.write(file, output.jpeg());
+            return file + " (" + output.jpeg().length + " bytes)";
+        }
+        if (output.mosaic() != null) {
+            Path file = mFolder.resolve(name + ".pgm");
+            Files.write(file, pgm(output.mosaic()));
+            return file + " (raw mosaic)";
+        }
+        if (output.picture() == null) {
+            return name + ": not written, the image is " + output.problem();
+        }
+        return writePng(output.picture(), name);
+    }
+
+    private String writePng(Picture picture, String name) throws IOException {
+        Path file = mFolder.resolve(name + ".png");
+        picture.writePng(file);
+        return file.toString();
+    }
+
+    // Sixteen bits a sample, most significant byte first, as the format asks.
+    private static byte[] pgm(Mosaic mosaic) {
+        // A white below 256 would mean one byte a sample.
+        int white = Math.max(256, mosaic.white());
+        String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + white + "\n";
+        ByteArrayOutputStream bytes = new ByteArrayOutputStream();
+        bytes.writeBytes(header.getBytes(StandardCharsets.US_ASCII));
+        ByteBuffer samples = ByteBuffer.allocate(mosaic.samples().length * Short.BYTES);
+        for (int sample : mosaic.samples()) {
+            samples.putShort((short) sample);
+        }
+        bytes.writeBytes(samples.array());
+        return bytes.toByteArray();
+    }
+}

@@ -1,0 +1,81 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
+
+/** A composition whose look-ups, those in its capture result too, and values put are events. */
+public final class RecordedComposition extends CaptureResultComposition {
+    private final CameraMetadataNative mCaptureResult;
+
+    private EventLog mEvents;
+    private int mFrame;
+
+    /** A composition over what the camera reported, which is not recorded yet. */
+    public RecordedComposition(CameraMetadataNative captureResult) {
+        super(captureResult);
+        mCaptureResult = captureResult;
+    }
+
+    /** Records from now on, as the frame of this index; null: no longer. */
+    public void record(EventLog events, int frame) {
+        mEvents = events;
+        mFrame = frame;
+        mCaptureResult.setLookupListener(events == null ? null
+                : (tag, asked, held, thrown) -> lookup("captureResult", tag, asked, held, thrown));
+    }
+
+    @Override
+    public Object getMetadata(String key) {
+        Object value = super.getMetadata(key);
+        if (mEvents != null) {
+            lookup("composition", key, null, value, null);
+        }
+        return value;
+    }
+
+    @Override
+    public void putMetadata(String key, Object value) {
+        super.putMetadata(key, value);
+        if (mEvents != null) {
+            JsonObject line = mEvents.begin("put");
+            line.addProperty("frame", mFrame);
+            line.addProperty("tag", key);
+            addHeld(line, value);
+            mEvents.write(line);
+        }
+    }
+
+    private void lookup(String source, String tag, Class<?> asked, Object held, RuntimeException thrown) {
+        JsonObject line = mEvents.begin("lookup");
+        line.addProperty("frame", mFrame);
+        line.addProperty("source", source);
+        line.addProperty("tag", tag);
+        line.addProperty("outcome", outcome(held, thrown));
+        if (asked != null) {
+            line.addProperty("asked", asked.getSimpleName());
+        }
+        addHeld(line, held);
+        if (thrown != null) {
+            line.addProperty("what", thrown.toString());
+        }
+        mEvents.write(line);
+    }
+
+    private static String outcome(Object held, RuntimeException thrown) {
+        if (thrown != null) {
+            return held == null ? "thrown" : "wrongType";
+        }
+        return held == null ? "absent" : "found";
+    }
+
+    private static void addHeld(JsonObject line, Object held) {
+        if (held != null) {
+            line.addProperty("held", held.getClass().getSimpleName());
+            line.add("value", HeldValue.json(held));
+        }
+    }
+}

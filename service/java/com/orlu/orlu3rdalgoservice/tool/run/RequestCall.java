@@ -1,0 +1,70 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import android.hardware.HardwareBuffer;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.record.Recording;
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+
+import java.util.List;
+import java.util.Map;
+
+/**
+ * The two calls that carry one request through the native library, recorded where the client has a recorder.
+ */
+public final class RequestCall implements AutoCloseable {
+    private final Orlu3rdAlgoService mService;
+    private final long mHandle;
+    private final VRequest mRequest;
+    private final List<VImageIPC> mInputs;
+    private final List<VImageIPC> mOutputs;
+    private final List<? extends CaptureResultComposition> mCompositions;
+    /** Null when nothing is recorded. */
+    private final Recording mRecording;
+
+    /** Records what goes in already. The properties are those that were set for this request. */
+    public RequestCall(ServiceClient client, VRequest request, Map<String, String> properties,
+            List<VImageIPC> inputs, List<VImageIPC> outputs,
+            List<? extends CaptureResultComposition> compositions) {
+        mService = client.service();
+        mHandle = client.handle();
+        mRequest = request;
+        mInputs = inputs;
+        mOutputs = outputs;
+        mCompositions = compositions;
+        RequestRecorder recorder = client.recorder();
+        if (recorder == null) {
+            mRecording = null;
+            return;
+        }
+        recorder.setProperties(() -> properties);
+        recorder.setMapper(HardwareBuffer::mapPixels);
+        mRecording = recorder.begin(mService, mHandle, request, inputs, outputs, compositions);
+    }
+
+    public int process() {
+        return mRecording == null
+                ? mService.processImage(mHandle, mRequest, mInputs, mOutputs, mCompositions)
+                : mRecording.processImage(mService, mHandle, mRequest, mInputs, mOutputs, mCompositions);
+    }
+
+    /** Fetches the results of the native request at this address. */
+    public int update(Long address) {
+        mCompositions.get(0).putMetadata("nativeRequestAddr", address);
+        return mRecording == null
+                ? mService.processImageUpdateResult(mHandle, mRequest, mInputs, mOutputs, mCompositions)
+                : mRecording.processImageUpdateResult(
+                        mService, mHandle, mRequest, mInputs, mOutputs, mCompositions);
+    }
+
+    /** Ends the recording, also of a full-async request whose callback did not come. */
+    @Override
+    public void close() {
+        if (mRecording != null) {
+            mRecording.close();
+        }
+    }
+}

@@ -1,0 +1,54 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.image.Photos;
+import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.util.List;
+
+/** Makes a request's images: the same each time, so that another process can make them again. */
+public final class RequestImages {
+    private RequestImages() {
+    }
+
+    /** The photo's frames, which are none when no input needs them. What fits neither is an error. */
+    public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
+            throws MistakeException {
+        List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request, photos) : List.of();
+        FrameSize size = FrameSize.of(request, frames);
+        for (ImagePlan image : request.inputs()) {
+            size.applyTo(image);
+        }
+        for (ImagePlan image : request.outputs()) {
+            size.applyTo(image);
+        }
+        return frames;
+    }
+
+    private static List<SynthesisedFrame> synthesised(RequestFile request, Photos photos)
+            throws MistakeException {
+        Picture photo = photos.load(request.photo());
+        if (photo == null) {
+            throw request.place().error("photo", "no photo that can be read: " + request.photo());
+        }
+        boolean raw = request.inputs().stream().anyMatch(
+                image -> image.file() == null && image.format().isRaw());
+        return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
+    }
+
+    /** An input of these frames, or of its file. The caller closes it. */
+    public static ImageBuffer input(ImagePlan plan, List<SynthesisedFrame> frames, FrameSize size)
+            throws ErrnoException, MistakeException {
+        return plan.file() == null
+                ? ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan))
+                : ImageBuffer.ofFile(plan);
+    }
+}

@@ -1,0 +1,61 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
+import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+
+/** One client of the native library, from its creation to its end, with the time of each step. */
+public final class ServiceClient {
+    private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
+    private final CaptureResultComposition mParam = new CaptureResultComposition();
+    private final long mClientId;
+    private final long mHandle;
+    private final RequestRecorder mRecorder;
+
+    /**
+     * Creates and initialises the client that a request names. Its requests are recorded; null: they are
+     * not.
+     */
+    public ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
+        mRecorder = recorder;
+        mClientId = request.clientId();
+        mParam.putMetadata("clientId", mClientId);
+        mParam.putMetadata("algoContextIndex", request.algoContextIndex());
+        mHandle = stopwatch.time("create", () -> mService.createNativeClient(mParam));
+        int status = stopwatch.time("init", () -> mService.algoInit(mHandle, mParam));
+        if (mHandle == 0 || status != 0) {
+            throw new IllegalStateException("the native client can't be made: status " + status);
+        }
+        if (recorder != null) {
+            recorder.addClient(mHandle, mParam);
+        }
+    }
+
+    Orlu3rdAlgoService service() {
+        return mService;
+    }
+
+    /** Null when nothing is to be recorded. */
+    RequestRecorder recorder() {
+        return mRecorder;
+    }
+
+    long handle() {
+        return mHandle;
+    }
+
+    public long clientId() {
+        return mClientId;
+    }
+
+    /** Releases and destroys the client, with the image format of its last request. */
+    public void end(RequestFile request, Stopwatch stopwatch) {
+        if (mRecorder != null) {
+            mRecorder.removeClient(mHandle);
+        }
+        mParam.putMetadata("imageFormat", request.imageFormat());
+        stopwatch.time("release", () -> mService.algoRelease(mHandle, mParam));
+        stopwatch.time("destroy", () -> mService.destroyNativeClient(mHandle));
+    }
+}

@@ -1,0 +1,2 @@
+/** Forms of tag values and parameters. */
+package com.orlu.orlu3rdalgoservice.tool.tags;

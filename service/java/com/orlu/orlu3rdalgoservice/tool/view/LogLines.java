@@ -1,0 +1,49 @@
+package com.orlu.orlu3rdalgoservice.tool.view;
+
+import com.google.gson.JsonArray;
+
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+/** The log of the native side, as the host's log library writes it where ORLU_LOG_FILE says. */
+final class LogLines {
+    private static final int FIELDS = 5;
+
+    private LogLines() {
+    }
+
+    /**
+     * The lines of a stretch of time by System.nanoTime(), from its start to before its end, each as [time,
+     * thread, level, class, text]; none when the file is not there or null.
+     */
+    static JsonArray between(Path file, long start, long end) throws IOException {
+        JsonArray lines = new JsonArray();
+        for (String line : read(file)) {
+            String[] fields = line.split("\t", FIELDS);
+            if (fields.length < FIELDS || !fields[0].matches("[0-9]{1,18}")) {
+                continue;
+            }
+            long time = Long.parseLong(fields[0]);
+            if (time >= start && time < end) {
+                JsonArray row = new JsonArray();
+                row.add(time);
+                for (int i = 1; i < FIELDS; ++i) {
+                    row.add(fields[i]);
+                }
+                lines.add(row);
+            }
+        }
+        return lines;
+    }
+
+    private static List<String> read(Path file) throws IOException {
+        if (file == null || !Files.exists(file)) {
+            return List.of();
+        }
+        return new ArrayList<>(new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList());
+    }
+}

@@ -1,0 +1,156 @@
+package com.orlu.orlu3rdalgoservice.tool.view;
+
+import com.google.gson.JsonArray;
+import com.google.gson.JsonObject;
+import com.google.gson.JsonParser;
+
+import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
+import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
+import com.orlu.orlu3rdalgoservice.tool.judge.ImageExhibit;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+
+/**
+ * The folder of a run's pages: one for each request, written as soon as the request is over, and an index
+ * when there are several. What is written so far is kept in the work folder, so that another process can go
+ * on when this one ends.
+ */
+public final class PageFolder {
+    private static final double BYTES_PER_KILOBYTE = 1000;
+    /** What the index has of a page's data. */
+    private static final List<String> ENTRY_FIELDS =
+            List.of("file", "about", "verdict", "findings", "algorithms", "milliseconds");
+
+    private final Path mFolder;
+    private final Sources mSources;
+    private final boolean mHasIndex;
+    private JsonArray mEntries = new JsonArray();
+    private long mEnd;
+
+    /**
+     * What a page is made of beside a report. Files may be null or not there.
+     *
+     * @param events         what passed between the libraries
+     * @param algorithmTrace what the algorithm library says of its work
+     * @param log            the native side's log
+     * @param state          what was written so far
+     */
+    public record Sources(Path events, Path algorithmTrace, Path log, Path state) {
+    }
+
+    /** A folder for the pages of so many requests; it is made when the first is written. */
+    public PageFolder(Path folder, Sources sources, int requests) {
+        mFolder = folder;
+        mSources = sources;
+        mHasIndex = requests > 1;
+    }
+
+    /** Goes on where another process ended. */
+    public void resume() throws IOException {
+        if (mSources.state() != null && Files.exists(mSources.state())) {
+            JsonObject state = JsonParser.parseString(Files.readString(mSources.state())).getAsJsonObject();
+            mEntries = state.getAsJsonArray("entries");
+            mEnd = state.get("end").getAsLong();
+        }
+    }
+
+    /** How many requests have a page. */
+    public int count() {
+        return mEntries.size();
+    }
+
+    /** When the last of them was over, by System.nanoTime(); 0 when there is none. */
+    public long end() {
+        return mEnd;
+    }
+
+    /**
+     * Writes the page of the request that ended last, which is in the timeline; one whose process ended
+     * before is not, and has null for exhibits where its inputs can't be made again. Returns a line that says where the page is.
+     */
+    public String add(RequestReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
+            throws IOException {
+        JsonObject data = new PageData(report, exhibits, source).json();
+        data.addProperty("hasIndex", mHasIndex);
+        JsonObject trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
+        RequestTimeline own = new RequestTimeline(trace, timeline.origin());
+        if (exhibits == null || exhibits.isLost()) {
+            own.from(mEnd);
+        } else {
+            own.ofLastRequest();
+        }
+        data.add("trace", own.events());
+        data.addProperty("start", own.start());
+        data.add("log", LogLines.between(mSources.log(), own.start(), own.end()));
+        // The index has a name of its own.
+        String name = report.name.equals("index") ? "index-request" : report.name;
+        Path file = mFolder.resolve(name + ".html");
+        mEntries.add(entry(report, exhibits, data, file));
+        Files.createDirectories(mFolder);
+        String page = PageTemplate.request(name, data);
+        Files.writeString(file, page);
+        mEnd = System.nanoTime();
+        keepState();
+        return "%s (%.0f kB)".formatted(file, page.length() / BYTES_PER_KILOBYTE);
+    }
+
+    private static JsonObject entry(
+            RequestReport report, Exhibits exhibits, JsonObject data, Path file) {
+        JsonObject entry = new JsonObject();
+        entry.addProperty("page", file.getFileName().toString());
+        for (String field : ENTRY_FIELDS) {
+            entry.add(field, data.get(field));
+        }
+        if (exhibits != null && exhibits.base() != null && exhibits.base().small() != null) {
+            entry.addProperty("in", exhibits.base().small().uri());
+        }
+        if (exhibits != null && !exhibits.outputs().isEmpty()) {
+            ImageExhibit output = exhibits.outputs().get(0);
+            entry.addProperty("problem", output.problem());
+            if (output.small() != null) {
+                entry.addProperty("out", output.small().uri());
+            }
+        }
+        entry.addProperty("id", report.request.id());
+        return entry;
+    }
+
+    private void keepState() throws IOException {
+        if (mSources.state() != null) {
+            JsonObject state = new JsonObject();
+            state.add("entries", mEntries);
+            state.addProperty("end", mEnd);
+            Files.writeString(mSources.state(), state.toString());
+        }
+    }
+
+    /** Writes the index when the run was to have several requests; those without a page have not run. */
+    public void writeIndex(Iterable<Path> requests) throws IOException {
+        if (!mHasIndex) {
+            return;
+        }
+        JsonArray entries = mEntries.deepCopy();
+        int index = 0;
+        for (Path request : requests) {
+            if (index >= mEntries.size()) {
+                JsonObject entry = new JsonObject();
+                entry.addProperty("file", request.toString());
+                entries.add(entry);
+            }
+            ++index;
+        }
+        JsonObject data = new JsonObject();
+        data.add("entries", entries);
+        Files.createDirectories(mFolder);
+        Files.writeString(index(), PageTemplate.index("Requests", data));
+    }
+
+    /** The file of the page that leads to the others. */
+    public Path index() {
+        return mFolder.resolve("index.html");
+    }
+}

@@ -1,0 +1,134 @@
+package com.orlu.orlu3rdalgoservice.tool.view;
+
+import com.google.gson.JsonElement;
+import com.google.gson.JsonObject;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Call;
+import com.orlu.orlu3rdalgoservice.tool.model.Event;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+
+import java.util.ArrayList;
+import java.util.List;
+
+/** What belongs to one submitted request, among the calls of a run: found by its parameters' block. */
+final class RequestTrack {
+    private static final String SHOT = "shotCb";
+
+    private final Call mProcess;
+    /** Of the parameters; "" when the request has none. */
+    private final String mBlock;
+    private final List<Call> mBefore;
+    private final List<Call> mAfter;
+
+    private RequestTrack(Call process, List<Call> before, List<Call> after) {
+        mProcess = process;
+        mBlock = parameterBlock(process.begin());
+        mBefore = before;
+        mAfter = after;
+    }
+
+    /** One track for each call of process. */
+    static List<RequestTrack> of(RecordedEvents events) {
+        List<Call> calls = events.calls();
+        List<RequestTrack> tracks = new ArrayList<>();
+        for (int i = 0; i < calls.size(); ++i) {
+            if (calls.get(i).operation().equals("process")) {
+                tracks.add(new RequestTrack(
+                        calls.get(i), calls.subList(0, i), calls.subList(i + 1, calls.size())));
+            }
+        }
+        return tracks;
+    }
+
+    private static String parameterBlock(Event process) {
+        if (process.has("metadata")) {
+            for (JsonElement element : process.fields().getAsJsonArray("metadata")) {
+                JsonObject metadata = element.getAsJsonObject();
+                if (metadata.get("kind").getAsInt() == 0) {
+                    return metadata.get("block").getAsString();
+                }
+            }
+        }
+        return "";
+    }
+
+    Call process() {
+        return mProcess;
+    }
+
+    /** The first parameter that was written on the thread of process; null when there is none. */
+    Call firstWrite() {
+        Call first = null;
+        for (int i = mBefore.size() - 1; i >= 0; --i) {
+            Call call = mBefore.get(i);
+            // A block that was destroyed was another with the same handle.
+            if (call.operation().equals("destroyMetadata") && isOnBlock(call)) {
+                break;
+            }
+            if (call.operation().equals("setValue") && isOnBlock(call) && isOnThread(call, mProcess)) {
+                first = call;
+            }
+        }
+        return first;
+    }
+
+    /** The callback that ends the request, else the first one with its cookie; null when there is none. */
+    Call callback() {
+        Call other = null;
+        for (Call call : mAfter) {
+            Event begin = call.begin();
+            if (call.operation().equals("callback") && begin.number("of") == mProcess.begin().number("n")) {
+                if (begin.text("name").equals(SHOT)) {
+                    return call;
+                }
+                other = other == null ? call : other;
+            }
+        }
+        return other;
+    }
+
+    /** The calls that read results, and the one that destroys the parameters, on the thread of the first. */
+    List<Call> results() {
+        List<Call> results = new ArrayList<>();
+        for (Call call : mAfter) {
+            if (isOnBlock(call) && (results.isEmpty() || isOnThread(call, results.get(0)))) {
+                boolean isEnd = call.operation().equals("destroyMetadata");
+                if (!isEnd || !results.isEmpty()) {
+                    results.add(call);
+                }
+                if (isEnd) {
+                    break;
+                }
+            }
+        }
+        return results;
+    }
+
+    /** The calls on the thread of process behind it that only tidy up, and the one after these, if any. */
+    List<Call> untilNext() {
+        List<Call> calls = new ArrayList<>();
+        for (Call call : mAfter) {
+            boolean isInside = mProcess.end() == null || call.begin().time() < mProcess.end().time();
+            if (isOnThread(call, mProcess) && !isInside) {
+                calls.add(call);
+                if (!isTidyingUp(call)) {
+                    break;
+                }
+            }
+        }
+        return calls;
+    }
+
+    /** Whether the call destroys another block than the parameters, as the camera's metadata. */
+    boolean isTidyingUp(Call call) {
+        return call.operation().equals("destroyMetadata") && !isOnBlock(call);
+    }
+
+    private boolean isOnBlock(Call call) {
+        return !mBlock.isEmpty() && call.begin().text("block").equals(mBlock);
+    }
+
+    private static boolean isOnThread(Call call, Call other) {
+        return call.begin().number("tid") == other.begin().number("tid");
+    }
+}

@@ -1,0 +1,228 @@
+package com.orlu.orlu3rdalgoservice.tool.view;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.AlgorithmPass;
+import com.orlu.orlu3rdalgoservice.tool.model.Handover;
+import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
+import com.orlu.orlu3rdalgoservice.tool.tags.ValueFormatter;
+import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
+
+import java.io.PrintStream;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/** Prints what happened to a request, for people. */
+public final class Summary {
+    private final RequestReport mReport;
+    private final PrintStream mTo;
+    private final LinePrinter mLines;
+
+    /** Lines fit 80 columns unless they are to be wide. */
+    public Summary(RequestReport report, PrintStream to, boolean wide) {
+        mReport = report;
+        mTo = to;
+        mLines = new LinePrinter(to, wide);
+    }
+
+    /** Prints all but the parameters and the verdict. */
+    public void print() {
+        printRequest();
+        if (mReport.verdict.status() == Verdict.UNUSABLE) {
+            mLines.line("not run", "the algorithm library can't be used");
+            mTo.println();
+            return;
+        }
+        printIn();
+        printAlgorithms();
+        printBack();
+        mLines.lines("images", mReport.images);
+        mLines.lines("noise", mReport.noise);
+        mLines.list("time", times());
+        if (!mReport.page.isEmpty()) {
+            mLines.line("page", mReport.page);
+        }
+        if (mLines.hasCut()) {
+            mLines.line("", "(lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
+        }
+        mTo.println();
+    }
+
+    private void printRequest() {
+        RequestFile request = mReport.request;
+        mLines.plain(request.about().isEmpty() ? request.file().toString() : request.about());
+        mLines.line("file", request.file().toString());
+        if (!mReport.name.equals(RequestNames.stem(request.file()))) {
+            mLines.line("named", mReport.name + ", since the file of another request has the same name");
+        }
+        mLines.line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
+                + (request.fullAsync() ? ", full-async" : ""));
+    }
+
+    private void printIn() {
+        mLines.list("in", images(mReport.inputs));
+        if (!mReport.inputs.isEmpty()) {
+            files(mReport.inputs).forEach(line -> mLines.line("", line));
+            if (mReport.request.needsPhoto()) {
+                mLines.list("", synthesis(mReport.request));
+            }
+        }
+        mLines.lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
+        int frames = mReport.request.frames().frames().size();
+        mLines.line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
+    }
+
+    private static List<String> images(List<ImagePlan> images) {
+        if (images.isEmpty()) {
+            return List.of("no image");
+        }
+        ImagePlan first = images.get(0);
+        return List.of(images.size() + " x " + first.name() + " " + first.width() + "x" + first.height(),
+                "stride " + first.strideBytes(), first.hardware() ? "hardware buffers" : "shared memory");
+    }
+
+    private static List<String> files(List<ImagePlan> images) {
+        return images.stream().filter(image -> image.file() != null).map(image -> "frame " + image.frame()
+                + " from " + image.file().path() + ", " + image.name() + " " + image.width() + "x"
+                + image.height() + ", stride " + image.strideBytes()).toList();
+    }
+
+    private static List<String> synthesis(RequestFile request) {
+        FrameSetPlan frames = request.frames();
+        double noise = frames.frames().stream().mapToDouble(FramePlan::noise).max().orElse(0);
+        double blur = frames.frames().stream().mapToDouble(FramePlan::blur).max().orElse(0);
+        List<String> parts = new ArrayList<>(List.of("made of " + request.photo()));
+        if (noise > 0) {
+            parts.add("noise " + noise + " of 255");
+        }
+        if (blur > 0) {
+            parts.add("blur up to " + blur + " pixels");
+        }
+        if (frames.margin() > 0) {
+            parts.add("shifts up to " + frames.margin() + " pixels");
+        }
+        return parts;
+    }
+
+    private static String description(ImageState image) {
+        Map<String, String> fields = image.fields();
+        return fields.get("format") + " " + fields.get("width") + "x" + fields.get("height")
+                + ", plane sizes " + fields.get("plane sizes");
+    }
+
+    private void printAlgorithms() {
+        List<String> asked = mReport.askedAlgorithms();
+        mLines.list("asked for", orEmptyList(asked));
+        Handover handover = mReport.handover();
+        if (mReport.events.calls().isEmpty()) {
+            mLines.line("handed on", "not known: no probe stands before the algorithm library");
+            return;
+        }
+        if (handover.process() == null) {
+            mLines.line("handed on", "nothing: the request went without an algorithm pass");
+        } else {
+            List<String> handedOn = handover.algorithms();
+            mLines.list("handed on", orEmptyList(handedOn.stream()
+                    .map(name -> asked.contains(name) ? name : name + " (appended)").toList()));
+            optionalList("taken away", asked.stream().filter(name -> !handedOn.contains(name)).toList());
+            printPass();
+        }
+        mLines.line("parameters", handover.parameters().size() + " handed over");
+        List<String> again = new ArrayList<>();
+        handover.repeatedKeys().forEach((key, count) -> again.add(key + " (" + count + " times)"));
+        optionalList("set again", again);
+    }
+
+    private void printPass() {
+        AlgorithmPass pass = mReport.pass;
+        if (pass == null) {
+            mLines.line("ran", "not known: the algorithm library does not say");
+            return;
+        }
+        List<String> ran = new ArrayList<>(
+                pass.ran().isEmpty() ? List.of("nothing: passed through") : pass.ran());
+        int last = ran.size() - 1;
+        ran.set(last, ran.get(last) + " in " + milliseconds(pass.milliseconds()));
+        mLines.list("ran", ran);
+        List<String> nobody = new ArrayList<>(mReport.idleAlgorithms());
+        nobody.addAll(pass.skipped());
+        optionalList("nobody ran", nobody);
+        if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
+            mLines.line("", "(not this library's, or with nothing to do)");
+        }
+        mLines.lines("", frames(pass.frames()));
+    }
+
+    private void optionalList(String label, List<String> parts) {
+        if (!parts.isEmpty()) {
+            mLines.list(label, parts);
+        }
+    }
+
+    private static List<String> orEmptyList(List<String> algorithms) {
+        return algorithms.isEmpty() ? List.of("(empty list)") : algorithms;
+    }
+
+    private static List<String> frames(List<AlgorithmPass.Frame> frames) {
+        List<String> lines = new ArrayList<>();
+        for (int i = 0; i < frames.size(); ++i) {
+            AlgorithmPass.Frame frame = frames.get(i);
+            lines.add("frame %d%s%s%s".formatted(i,
+                    Double.isNaN(frame.sharpness()) ? "" : "  sharpness %.2f".formatted(frame.sharpness()),
+                    frame.shift() == null ? ""
+                            : "  moved by (%d, %d)".formatted(frame.shift()[0], frame.shift()[1]),
+                    frame.kept() ? "  kept" : "  dropped"));
+        }
+        return lines;
+    }
+
+    private void printBack() {
+        List<String> put = new ArrayList<>();
+        for (int i = 0; i < mReport.put.size(); ++i) {
+            for (Map.Entry<String, Object> value : mReport.put.get(i).entrySet()) {
+                put.add("frame " + i + "  " + value.getKey() + " = " + ValueFormatter.text(value.getValue()));
+            }
+        }
+        mLines.lines("put", put.isEmpty() ? List.of("nothing") : put);
+        List<String> changes = changes();
+        mLines.lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
+        mReport.callbacks.forEach(values -> mLines.list("callback", callback(values)));
+    }
+
+    private List<String> changes() {
+        List<String> lines = new ArrayList<>();
+        for (int i = 0; i < mReport.outputsAfter.size(); ++i) {
+            Map<String, String> after = mReport.outputsAfter.get(i).fields();
+            for (Map.Entry<String, String> field : mReport.outputsBefore.get(i).fields().entrySet()) {
+                String now = after.get(field.getKey());
+                if (!field.getValue().equals(now)) {
+                    lines.add("output " + i + "  " + field.getKey() + " " + field.getValue() + " -> " + now);
+                }
+            }
+        }
+        return lines;
+    }
+
+    private static List<String> callback(Map<String, Object> values) {
+        List<String> parts = new ArrayList<>();
+        values.forEach((key, value) -> parts.add(key + " = " + ValueFormatter.text(value)));
+        return parts;
+    }
+
+    private List<String> times() {
+        List<String> parts = new ArrayList<>();
+        mReport.stopwatch.milliseconds().forEach(
+                (stage, time) -> parts.add(stage + " " + milliseconds(time)));
+        return parts;
+    }
+
+    private static String milliseconds(double value) {
+        return "%.1f ms".formatted(value);
+    }
+}

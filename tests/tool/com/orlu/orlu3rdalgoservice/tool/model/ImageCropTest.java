@@ -1,0 +1,142 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertNull;
+import static org.junit.Assert.assertThrows;
+
+import com.google.gson.JsonObject;
+import com.google.gson.JsonParser;
+
+import java.util.Arrays;
+import java.util.HexFormat;
+
+import org.junit.Test;
+
+/** Which bytes of an image stay when an area is cut out, and how the smaller image is described. */
+public final class ImageCropTest {
+    private static JsonObject json(String text) {
+        return JsonParser.parseString(text.replace('\'', '"')).getAsJsonObject();
+    }
+
+    private static RecordedImage image(
+            String format, int width, int height, String strides, String sizes, int size) {
+        return new RecordedImage(null, json(("{'format': '%s', 'width': %d, 'height': %d, 'rowStrides': %s, "
+                + "'planeSizes': %s, 'size': %d, 'file': 'x'}").formatted(
+                        format, width, height, strides, sizes, size)));
+    }
+
+    /** Bytes that are their own offsets. */
+    private static byte[] offsets(int size) {
+        byte[] bytes = new byte[size];
+        for (int i = 0; i < size; ++i) {
+            bytes[i] = (byte) i;
+        }
+        return bytes;
+    }
+
+    // Format; strides, plane sizes and bytes before; the area; strides and plane sizes after, and the bytes.
+    // All are eight pixels wide and four high, and padding is 00.
+    private static final Object[][] ROWS = {
+        {"R8G8B8A8", "[32]", "[128]", 128, "4,0,4,2", "[16]", "[32]",
+            "101112131415161718191a1b1c1d1e1f 303132333435363738393a3b3c3d3e3f"},
+        {"RAW16", "[18]", "[72]", 72, "4,2,4,2", "[10]", "[20]", "2c2d2e2f303132330000 3e3f4041424344450000"},
+        {"MIPI_RAW10", "[10]", "[40]", 40, "4,2,4,2", "[5]", "[10]", "191a1b1c1d 2324252627"},
+        {"NV21", "[8,8]", "[32,16]", 48, "4,2,4,2", "[4,4]", "[8,4]", "14151617 1c1d1e1f 2c2d2e2f"},
+        {"NV12", "[8,10]", "[32,20]", 52, "0,2,4,2", "[4,6]", "[8,6]", "10111213 18191a1b 2a2b2c2d0000"},
+        {"YU12", "[8,4]", "[32,16]", 48, "4,0,4,2", "[4,2]", "[8,4]", "04050607 0c0d0e0f 2223 2a2b"},
+        {"YV12", "[10,5]", "[40,20]", 60, "4,2,4,2", "[6,3]", "[12,6]",
+            "18191a1b0000 222324250000 2f3000 393a00"},
+        // Rows and bytes of padding behind the luma, the chroma and the whole.
+        {"NV21", "[8,8]", "[40,20]", 64, "4,2,4,2", "[4,4]", "[16,8]",
+            "14151617 1c1d1e1f 0000000000000000 34353637 00000000 00000000"},
+        // A description that names one stride alone: planar chroma has half of it.
+        {"YU12", "[8]", "[32]", 48, "4,2,4,2", "[4]", "[8]", "14151617 1c1d1e1f 2627 2e2f"},
+        // The last row ends with its pixels.
+        {"RAW16", "[20]", "[76]", 76, "0,2,4,2", "[12]", "[20]", "28292a2b2c2d2e2f00000000 3c3d3e3f40414243"},
+    };
+
+    @Test
+    public void keepsTheArea() {
+        for (Object[] row : ROWS) {
+            String name = row[0] + " " + row[1] + row[2];
+            RecordedImage image =
+                    image((String) row[0], 8, 4, (String) row[1], (String) row[2], (int) row[3]);
+            ImageCrop crop = ImageCrop.of(image, CropArea.parse((String) row[4]), "it");
+            JsonObject part = crop.part();
+            assertEquals(name, row[5] + " " + row[6], part.get("rowStrides") + " " + part.get("planeSizes"));
+            byte[] wanted = HexFormat.of().parseHex(((String) row[7]).replace(" ", ""));
+            assertEquals(name + ", size", wanted.length, part.get("size").getAsInt());
+            assertEquals(name + ", bytes", HexFormat.of().formatHex(wanted),
+                    HexFormat.of().formatHex(crop.bytes(offsets((int) row[3]))));
+            assertEquals(name, "4x2", part.get("width") + "x" + part.get("height"));
+            assertEquals("the larger one stays as it is", 8, image.part().get("width").getAsInt());
+        }
+    }
+
+    @Test
+    public void describesBuffers() {
+        Object[][] rows = {
+            // A buffer of bytes has its size as its width; another is as much smaller as the image.
+            {128, 1, "32x1"}, {10, 4, "6x2"}, {8, 6, "4x4"},
+        };
+        for (Object[] row : rows) {
+            RecordedImage image = image("R8G8B8A8", 8, 4, "[32]", "[128]", 128);
+            image.part().addProperty("bufferWidth", (int) row[0]);
+            image.part().addProperty("bufferHeight", (int) row[1]);
+            JsonObject part = ImageCrop.of(image, CropArea.parse("4,2"), "it").part();
+            assertEquals(Arrays.toString(row), row[2],
+                    part.get("bufferWidth") + "x" + part.get("bufferHeight"));
+        }
+    }
+
+    @Test
+    public void refusesWhatMakesNoSense() {
+        Object[][] rows = {
+            {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: it has rows of no size"},
+            {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: it has rows of no size"},
+            {image("RAW16", 8, 4, "[15]", "[64]", 64), "--crop: it has rows of 15 bytes"},
+            {image("RAW16", 8, 4, "[16]", "[56]", 55), "--crop: it has 55 bytes, fewer than its rows"},
+            {image("NV21", 8, 4, "[8,8]", "[32,16]", 47), "--crop: it has 47 bytes, fewer than its rows"},
+            {image("RAW16", 4, 4, "[8]", "[32]", 32),
+                "--crop: 4x2 from 4,2 does not lie in it, which has 4x4"},
+        };
+        for (Object[] row : rows) {
+            assertEquals(row[1], assertThrows((String) row[1], IllegalArgumentException.class,
+                    () -> ImageCrop.of((RecordedImage) row[0], CropArea.parse("4,2,4,2"), "it"))
+                    .getMessage());
+        }
+        for (String format : new String[] {"JPEG", "XYZ"}) {
+            assertNull(format, ImageCrop.of(image(format, 8, 4, "[8]", "[99]", 99),
+                    CropArea.parse("4,2"), "it"));
+        }
+    }
+
+    @Test
+    public void placesAreas() {
+        // What is given, the image's size, and the area in it; its end behind "!" is what is wrong.
+        String[][] rows = {
+            {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
+            {"8,6", "8x6", "8x6 from 0,0"},
+            {"12,8,8,2", "20x10", "8x2 from 12,8"}, {"0,0,20,10", "20x10", "20x10 from 0,0"},
+            {"16,0,8,2", "20x10", "!does not lie"}, {"0,10,4,2", "20x10", "!does not lie"},
+            {"24,2", "20x10", "!does not lie"}, {"4,12", "20x10", "!does not lie"},
+            {"6,2", "20x10", "!multiples of 4"}, {"4,3", "20x10", "!multiples of 4"},
+            {"2,0,4,2", "20x10", "!multiples of 4"}, {"0,1,4,2", "20x10", "!multiples of 4"},
+            {"0,2", "20x10", "!multiples of 4"}, {"4,0", "20x10", "!multiples of 4"},
+            {"4", "20x10", "!WIDTH,HEIGHT or"}, {"4,2,4", "20x10", "!WIDTH,HEIGHT or"},
+            {"-4,2", "20x10", "!WIDTH,HEIGHT or"}, {"1000000,2", "20x10", "!WIDTH,HEIGHT or"},
+        };
+        for (String[] row : rows) {
+            String[] size = row[1].split("x");
+            String found;
+            try {
+                found = CropArea.parse(row[0]).in(Integer.parseInt(size[0]), Integer.parseInt(size[1]), "it")
+                        .toString();
+            } catch (IllegalArgumentException e) {
+                found = row[2].startsWith("!") && e.getMessage().contains(row[2].substring(1)) ? row[2]
+                        : e.getMessage();
+            }
+            assertEquals(row[0] + " of " + row[1], row[2], found);
+        }
+    }
+}
