@@ -35,60 +35,42 @@ FORMATS = "needs one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R
 MISSING = [f"1:1: needs the field {name}" for name in ("request", "frames", "inputs", "outputs")]
 KNOWN = "$schema, about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request"
 # A file's text, and the lines on it, without its name.
+NAME = "was expecting double-quote to start field name"
+COLON = "was expecting a colon to separate field name and value"
+VALUES = "(JSON String, Number, Array, Object or token 'null', 'true' or 'false')"
 SYNTAX = [
     ("", "1:1: not JSON: the file is empty"),
     ('{"request": {"id": 1}',
-     "1:22: not JSON: it ends too early; needs '}' for the one opened at line 1 column 1",
-     *MISSING[1:]),
+     "1:22: not JSON: the file ends too early, within the object that begins at line 1 column 1"),
     (request(frames='"frames": [{}', outputs="[1")[:-1],
-     "2:9: not JSON: unexpected ':'; needs a comma or the end before it"),
-    ('{"about": "x', "1:13: not JSON: it ends too early, within a text"),
-    ('{"about": "x\n"}', "1:13: not JSON: a text needs its closing quote on the same line"),
-    ('{"about": no}', "1:11: not JSON: unexpected no; texts need double quotes", *MISSING),
-    ('{"about": True}', "1:11: not JSON: unexpected True (did you mean true?)",
-     "1:11: about: needs a text, found true", *MISSING),
-    ('{"about": NaN}', '1:11: not JSON: unexpected NaN (did you mean "NaN"?)', *MISSING),
-    ("{'about': '1', \"photo\": 1}", "1:2: not JSON: unexpected '''; texts need double quotes",
-     "1:11: not JSON: unexpected '''; texts need double quotes",
-     "1:25: photo: needs a text, found 1", *MISSING),
-    ("{about: 1, photo = 2}", "1:2: not JSON: unexpected 'a'; names of fields need double quotes",
-     "1:9: about: needs a text, found 1",
-     "1:12: not JSON: unexpected 'p'; names of fields need double quotes",
-     "1:18: not JSON: unexpected '='; needs a colon behind the field's name",
-     "1:20: photo: needs a text, found 2", *MISSING),
-    ('{"about" 1}', "1:10: not JSON: unexpected '1'; needs a colon behind the field's name",
-     "1:10: about: needs a text, found 1", *MISSING),
-    ('{"about", 1}', "1:9: not JSON: unexpected ','; needs a colon behind the field's name"),
+     "2:9: not JSON: unexpected character (':' (code 58)): was expecting comma to separate Array entries"),
+    ('{\n"about": ["x',
+     "2:13: not JSON: the file ends too early, within the list that begins at line 2 column 10"),
+    ('{"about": "x\n"}', "1:13: not JSON: illegal unquoted character ((CTRL-CHAR, code 10)): has to be "
+     "escaped using backslash to be included in string value"),
+    ('{"about": no}', f"1:12: not JSON: unrecognized token 'no': was expecting {VALUES}"),
+    ('{"about": NaN}', "1:13: not JSON: non-standard token 'NaN'"),
+    ("{'about': '1', \"photo\": 1}", f"1:2: not JSON: unexpected character (''' (code 39)): {NAME}"),
+    ("{about: 1, photo = 2}", f"1:2: not JSON: unexpected character ('a' (code 97)): {NAME}"),
+    ('{"about" 1}', f"1:10: not JSON: unexpected character ('1' (code 49)): {COLON}"),
     ('{"about": "x" // "y"\n"photo": 1 "id": 2}',
-     "2:1: not JSON: unexpected '\"'; needs a comma or the end before it",
-     "2:10: photo: needs a text, found 1",
-     "2:12: not JSON: unexpected '\"'; needs a comma or the end before it",
-     f"2:12: id: unknown field; known here: {KNOWN}", *MISSING),
-    (request(inputs="[1 2; {}]"), "1:1: needs the field photo: the inputs are made of one",
-     "1:35: inputs[0]: needs an object, found 1",
-     "1:37: not JSON: unexpected '2'; needs a comma or the end before it",
-     "1:37: inputs[1]: needs an object, found 2",
-     "1:38: not JSON: unexpected ';'; needs a comma or the end before it",
-     "1:40: inputs[2]: needs the field format"),
+     "2:1: not JSON: unexpected character ('\"' (code 34)): was expecting comma to separate Object entries"),
+    (request(inputs="[1 2; {}]"),
+     "1:37: not JSON: unexpected character ('2' (code 50)): was expecting comma to separate Array entries"),
     (request(inputs="[10ms]"),
-     "1:37: not JSON: unexpected 'm'; a number has no unit or letter behind it"),
-    (request(more=",\n"), "3:1: not JSON: unexpected '}'; the comma before it is one too many"),
-    (request(frames='"frames": [{}, ],\n"about": 1', inputs="[1, ]"),
-     "1:38: not JSON: unexpected ']'; the comma before it is one too many",
-     "1:35: inputs[0]: needs an object, found 1",
-     "2:16: not JSON: unexpected ']'; the comma before it is one too many",
-     "3:10: about: needs a text, found 1"),
-    ("\n# note\n{}", "2:1: not JSON: unexpected '#'; comments begin with //",
-     *(line.replace("1:1:", "3:1:") for line in MISSING)),
-    ('{"about": .5}', "1:11: not JSON: unexpected '.'; a number begins with a digit or a minus",
-     "1:11: about: needs a text, found 0.5", *MISSING),
+     "1:37: not JSON: unexpected character ('m' (code 109)): was expecting comma to separate Array entries"),
+    (request(more=",\n"), f"3:1: not JSON: unexpected character ('}}' (code 125)): {NAME}"),
+    ("\n# note\n{}", f"2:1: not JSON: unexpected character ('#' (code 35)): expected a valid value {VALUES}"),
+    ('{"about": .5}',
+     f"1:11: not JSON: unexpected character ('.' (code 46)): expected a valid value {VALUES}"),
     ('{"about": 01}', "1:11: not JSON: invalid numeric value: Leading zeroes not allowed"),
-    ('{"about": 1]',
-     "1:12: not JSON: unexpected ']'; needs '}' first, for the one opened at line 1 column 1"),
+    ('{"about": 1]', "1:12: not JSON: unexpected close marker ']': expected '}' (for Object starting at "
+     "[Source: UNKNOWN; line: 1, column: 1])"),
+    ('{"about": \x1b[2J}', "1:11: not JSON: illegal character ((CTRL-CHAR, code 27)): only regular white "
+     "space (\\r, \\n, \\t) is allowed between tokens"),
     ("{} {}", "1:4: not JSON: more text after the end of the value"),
-    (b'{\n"about": "\xff"}', "2:11: needs UTF-8, found a byte that is none"),
-    ("[" * 70 + "]" * 70, "1:1: needs an object, found a list",
-     "1:66: needs at most 64 levels of objects and lists, found more"),
+    (b'{\n"about": "\xff"}', "2:11: needs UTF-8, found an invalid byte"),
+    ("[" * 70 + "]" * 70, "1:66: needs at most 64 levels of objects and lists, found more"),
     ("[" + "0," * 500_000 + "0]", "1:1000000: needs at most 500000 values, found more"),
     (b" " * (8 << 20) + b"1", "needs at most 8388608 bytes, found 8388609"),
     (request(more=f', "about": {LONG}'), "2:26: about: needs a text, found 0",
@@ -287,7 +269,8 @@ def says_all_in_order():
 def takes_comments():
     """A mark of UTF-8 and comments are welcome; a name with a tab in it is shown in one line."""
     done, found = check("\ufeff// note\n" + request(more='/* one */, "a\\tb": 1, "\\u20ac": 2'))
-    expect(done.stderr, ['3:26: "a\\u0009b"', '3:37: "\u20ac"'], [line.split(": unknown")[0] for line in found[0]])
+    expect(done.stderr, ['3:26: "a\\u0009b"', '3:37: "\u20ac"'],
+           [line.split(": unknown")[0] for line in found[0]])
     done, found = check("// note\n" + request(more="/* one\n */"))
     expect(done.stderr, (0, []), (done.returncode, found[0]))
 

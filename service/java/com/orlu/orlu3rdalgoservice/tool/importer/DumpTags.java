@@ -3,14 +3,12 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonPrimitive;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.io.ByteArrayOutputStream;
 import java.math.BigDecimal;
 import java.nio.charset.StandardCharsets;
+import java.util.ArrayList;
 import java.util.HashMap;
 import java.util.HexFormat;
 import java.util.List;
@@ -82,7 +80,7 @@ final class DumpTags {
     }
 
     private interface Value {
-        JsonElement get() throws DamagedValueException;
+        Object get() throws DamagedValueException;
     }
 
     private void put(DumpEntry entry, String tag, Value value) {
@@ -93,31 +91,31 @@ final class DumpTags {
         }
     }
 
-    private static JsonElement value(TagType type, DumpEntry entry) throws DamagedValueException {
+    private static Object value(TagType type, DumpEntry entry) throws DamagedValueException {
         return switch (type) {
             case INT, LONG, FLOAT, DOUBLE -> number(entry, only(entry));
-            case STRING -> new JsonPrimitive(text(entry));
-            case STRING_ARRAY -> array(List.of(text(entry).split("\0")));
-            case BYTES -> new JsonPrimitive(HexFormat.of().formatHex(bytes(entry)));
+            case STRING -> text(entry);
+            case STRING_ARRAY -> text(entry).split("\0");
+            case BYTES -> HexFormat.of().formatHex(bytes(entry));
             case RECT -> {
                 int[] edges = groups(entry, 4)[0];
-                yield array(List.of(edges[0], edges[1], edge(edges[0], edges[2]), edge(edges[1], edges[3])));
+                yield List.of(edges[0], edges[1], edge(edges[0], edges[2]), edge(edges[1], edges[3]));
             }
             case METERING_RECTANGLES -> {
-                JsonArray regions = new JsonArray();
+                List<Object> regions = new ArrayList<>();
                 for (int[] region : groups(entry, 5)) {
-                    JsonObject object = rect(region);
-                    object.addProperty("weight", region[4]);
+                    Map<String, Object> object = rect(region);
+                    object.put("weight", region[4]);
                     regions.add(object);
                 }
                 yield regions;
             }
             case RATIONAL -> {
                 String[] parts = only(entry).split("/");
-                yield array(List.of(integer(entry, parts[0]), integer(entry, parts[1])));
+                yield List.of(integer(entry, parts[0]), integer(entry, parts[1]));
             }
             default -> {
-                JsonArray numbers = new JsonArray();
+                List<Object> numbers = new ArrayList<>();
                 for (String value : entry.values()) {
                     numbers.add(number(entry, value));
                 }
@@ -135,20 +133,19 @@ final class DumpTags {
     }
 
     // Of NaN and infinities, which the dump writes as C does, a request file knows the names that Java has.
-    private static JsonPrimitive number(DumpEntry entry, String text) throws DamagedValueException {
+    private static Object number(DumpEntry entry, String text) throws DamagedValueException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {
-            return new JsonPrimitive(named);
+            return named;
         }
         if (text.matches("-?(nan|inf)")) {
-            return new JsonPrimitive(text.endsWith("nan") ? "NaN" : text.replace("inf", "Infinity"));
+            return text.endsWith("nan") ? "NaN" : text.replace("inf", "Infinity");
         }
         // The dump prints no exponents.
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
             throw new DamagedValueException("no number and no known name: " + text);
         }
-        return entry.type().equals("byte") ? new JsonPrimitive(byteOf(entry, text))
-                : new JsonPrimitive(new BigDecimal(text));
+        return entry.type().equals("byte") ? (Object) byteOf(entry, text) : new BigDecimal(text);
     }
 
     private static int integer(DumpEntry entry, String text) throws DamagedValueException {
@@ -209,20 +206,8 @@ final class DumpTags {
         return groups;
     }
 
-    private static JsonArray array(List<?> values) {
-        JsonArray array = new JsonArray();
-        values.forEach(value -> array.add(value instanceof Number number ? new JsonPrimitive(number)
-                : new JsonPrimitive((String) value)));
-        return array;
-    }
-
-    private static JsonObject rect(int[] edges) {
-        JsonObject object = new JsonObject();
-        object.addProperty("left", edges[0]);
-        object.addProperty("top", edges[1]);
-        object.addProperty("right", edges[2]);
-        object.addProperty("bottom", edges[3]);
-        return object;
+    private static Map<String, Object> rect(int[] edges) {
+        return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
     // Unlike any other rectangle, a face's is held by its edges.
@@ -233,12 +218,12 @@ final class DumpTags {
             return;
         }
         put(rectangles, "android.statistics.faces", () -> {
-            JsonArray faces = new JsonArray();
+            List<Object> faces = new ArrayList<>();
             int[][] edges = groups(rectangles, 4);
             for (int i = 0; i < edges.length; ++i) {
-                JsonObject face = rect(edges[i]);
+                Map<String, Object> face = rect(edges[i]);
                 if (scores != null && i < scores.values().size()) {
-                    face.add("score", number(scores, scores.values().get(i)));
+                    face.put("score", number(scores, scores.values().get(i)));
                 }
                 faces.add(face);
             }
@@ -257,15 +242,14 @@ final class DumpTags {
             if (values.size() != 3) {
                 throw new DamagedValueException("other type: double[" + values.size() + "] instead of three");
             }
-            JsonObject location = new JsonObject();
-            location.add("latitude", number(coordinates, values.get(0)));
-            location.add("longitude", number(coordinates, values.get(1)));
-            location.add("altitude", number(coordinates, values.get(2)));
+            Map<String, Object> location = JsonWriter.object("latitude", number(coordinates, values.get(0)),
+                    "longitude", number(coordinates, values.get(1)),
+                    "altitude", number(coordinates, values.get(2)));
             if (mParts.containsKey(GPS_METHOD)) {
-                location.addProperty("provider", text(mParts.get(GPS_METHOD)));
+                location.put("provider", text(mParts.get(GPS_METHOD)));
             }
             if (mParts.containsKey(GPS_TIME)) {
-                location.addProperty("time", milliseconds(mParts.get(GPS_TIME)));
+                location.put("time", milliseconds(mParts.get(GPS_TIME)));
             }
             return location;
         });

@@ -11,10 +11,7 @@ import com.drew.metadata.exif.ExifDirectoryBase;
 import com.drew.metadata.exif.ExifThumbnailDirectory;
 import com.drew.metadata.exif.GpsDirectory;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonPrimitive;
-
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
@@ -23,6 +20,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
+import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
@@ -132,25 +130,23 @@ final class ExifReader {
             mNotes.add("GPS", "android.jpeg.gpsLocation dropped, it is no finite place");
             return;
         }
-        JsonObject location = new JsonObject();
-        location.addProperty("latitude", place.getLatitude());
-        location.addProperty("longitude", place.getLongitude());
+        Map<String, Object> location = JsonWriter.object(
+                "latitude", place.getLatitude(), "longitude", place.getLongitude());
         Rational altitude = gps.getRational(GpsDirectory.TAG_ALTITUDE);
         if (altitude != null && altitude.getDenominator() != 0) {
             Integer below = gps.getInteger(GpsDirectory.TAG_ALTITUDE_REF);
-            location.addProperty("altitude", (below != null && below == 1 ? -1 : 1) * altitude.doubleValue());
+            location.put("altitude", (below != null && below == 1 ? -1 : 1) * altitude.doubleValue());
         }
         if (gps.getGpsDate() != null) {
-            location.addProperty("time", gps.getGpsDate().getTime());
+            location.put("time", gps.getGpsDate().getTime());
         }
         mFrame.put("android.jpeg.gpsLocation", location, "GPS", mNotes);
     }
 
     private void put(String tag, Double value, String place) {
         if (value != null && Double.isFinite(value)) {
-            JsonElement number = value == Math.rint(value) && Math.abs(value) < 1L << 53
-                    ? new JsonPrimitive(value.longValue()) : new JsonPrimitive(value);
-            mFrame.put(tag, number, place, mNotes);
+            boolean isWhole = value == Math.rint(value) && Math.abs(value) < 1L << 53;
+            mFrame.put(tag, isWhole ? (Object) value.longValue() : value, place, mNotes);
         } else if (value != null) {
             mNotes.add(place, tag + " dropped, it is no finite number");
         }

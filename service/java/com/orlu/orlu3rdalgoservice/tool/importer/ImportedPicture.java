@@ -1,14 +1,14 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
 import java.io.IOException;
 import java.nio.file.Path;
+import java.util.Map;
 
 /**
  * A file that becomes an input.
@@ -30,15 +30,14 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
     }
 
     /** The input of a request file that lies in this folder. */
-    JsonObject input(Path folder, int frame) {
-        JsonObject input = new JsonObject();
-        input.addProperty("file", relative(folder, file));
-        input.addProperty("format", format.name());
+    Map<String, Object> input(Path folder, int frame) {
+        Map<String, Object> input =
+                JsonWriter.object("file", relative(folder, file), "format", format.name());
         if (size != null) {
-            input.addProperty("width", size.width());
-            input.addProperty("height", size.height());
+            input.put("width", size.width());
+            input.put("height", size.height());
         }
-        input.addProperty("frame", frame);
+        input.put("frame", frame);
         return input;
     }
 

@@ -1,11 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
 import java.nio.file.Path;
@@ -15,8 +10,6 @@ import java.util.stream.Collectors;
 
 /** Writes frames and pictures as the text of a request file, a tag a line. */
 final class RequestWriter {
-    private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().create();
-
     private final Path mFolder;
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
@@ -31,14 +24,14 @@ final class RequestWriter {
     /** The text; the photo, from which inputs are made when there is no picture, may be null. */
     String text(List<Path> sources, List<String> algorithms, Path photo) {
         List<String> members = new ArrayList<>();
-        members.add(member("about", GSON.toJsonTree("Imported from " + sources.stream()
-                .map(source -> source.getFileName().toString()).collect(Collectors.joining(", ")))));
+        members.add(member("about", "Imported from " + sources.stream()
+                .map(source -> source.getFileName().toString()).collect(Collectors.joining(", "))));
         members.add("\"request\": {\"id\": 1, \"type\": \"capture\"}");
         if (!algorithms.isEmpty()) {
-            members.add(member("algorithms", GSON.toJsonTree(algorithms)));
+            members.add(member("algorithms", algorithms));
         }
         if (mPictures.isEmpty() && photo != null) {
-            members.add(member("photo", GSON.toJsonTree(ImportedPicture.relative(mFolder, photo))));
+            members.add(member("photo", ImportedPicture.relative(mFolder, photo)));
         }
         members.add("\"frames\": [\n" + mFrames.stream().map(RequestWriter::frame)
                 .collect(Collectors.joining(",\n")) + "\n  ]");
@@ -46,35 +39,33 @@ final class RequestWriter {
         return "{\n  " + String.join(",\n  ", members) + "\n}\n";
     }
 
-    private static String member(String name, JsonElement value) {
-        return GSON.toJson(name) + ": " + GSON.toJson(value);
+    private static String member(String name, Object value) {
+        return JsonWriter.line(name) + ": " + JsonWriter.line(value);
     }
 
     private static String frame(ImportedFrame frame) {
         List<String> tags = new ArrayList<>();
-        frame.tags().forEach((tag, value) -> tags.add("      " + member(tag, value)));
+        frame.tags().forEach((tag, value) -> tags.add("      " + JsonWriter.line(tag) + ": " + value));
         return "    {\"captureResult\": {\n" + String.join(",\n", tags) + "\n    }}";
     }
 
     // Algorithms return what they took, or an encoded picture when they are asked for one.
     private List<String> images(List<String> algorithms, Path photo) {
-        JsonArray inputs = new JsonArray();
+        List<Object> inputs = new ArrayList<>();
         for (int i = 0; i < mPictures.size(); ++i) {
             inputs.add(mPictures.get(i).input(mFolder, Math.min(i, mFrames.size() - 1)));
         }
         PixelFormat format = mPictures.isEmpty() ? PixelFormat.NV21 : mPictures.get(0).format();
-        JsonObject image = image(format);
+        Object image = image(format);
         if (mPictures.isEmpty() && photo == null) {
-            return List.of(member("inputs", inputs), member("outputs", new JsonArray()));
+            return List.of(member("inputs", inputs), member("outputs", List.of()));
         }
-        JsonArray outputs = new JsonArray();
-        outputs.add(algorithms.contains("jpegEncode") ? image(PixelFormat.JPEG) : image);
+        List<Object> outputs =
+                List.of(algorithms.contains("jpegEncode") ? image(PixelFormat.JPEG) : image);
         return List.of(member("inputs", mPictures.isEmpty() ? image : inputs), member("outputs", outputs));
     }
 
-    private static JsonObject image(PixelFormat format) {
-        JsonObject image = new JsonObject();
-        image.addProperty("format", format.name());
-        return image;
+    private static Object image(PixelFormat format) {
+        return JsonWriter.object("format", format.name());
     }
 }

@@ -1,9 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 
 import java.nio.file.Path;
@@ -26,27 +24,14 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));
     private static final int LARGEST_SIDE = 1 << 14;
 
-    /** Of an element of "outputs"; null when it is none. */
-    static SuiteOutput of(JsonElement element) {
-        if (!element.isJsonObject()) {
-            return null;
-        }
-        JsonObject output = element.getAsJsonObject();
-        String name = output.has("format") && output.get("format").isJsonPrimitive()
-                ? output.get("format").getAsString() : "";
-        int width = side(output.get("width"));
-        int height = side(output.get("height"));
+    /** The picture of an element of "outputs"; null if the element does not describe one. */
+    static SuiteOutput of(Json output) {
+        String name = output.string("format", "");
+        int width = output.integer("width", 1, LARGEST_SIDE, 0);
+        int height = output.integer("height", 1, LARGEST_SIDE, 0);
         ImageFileKind kind = ImageFileKind.of(Path.of("a." + name.replaceAll("\\W", "")));
         return FORMATS.containsKey(name) && width > 0 && height > 0
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;
-    }
-
-    private static int side(JsonElement element) {
-        if (element == null || !element.isJsonPrimitive() || !element.getAsJsonPrimitive().isNumber()) {
-            return 0;
-        }
-        double side = element.getAsDouble();
-        return side == Math.rint(side) && side <= LARGEST_SIDE ? (int) side : 0;
     }
 
     /** Whether a file of this many bytes without a header can be it. */

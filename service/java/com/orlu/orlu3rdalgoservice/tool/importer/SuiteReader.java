@@ -3,18 +3,18 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonPrimitive;
-
-import com.orlu.orlu3rdalgoservice.tool.request.JsonTree;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.math.BigDecimal;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.function.Consumer;
+import java.util.function.Function;
 
 /** Reads the JSON that a camera image test writes beside its pictures. */
 final class SuiteReader {
@@ -35,163 +35,113 @@ final class SuiteReader {
     }
 
     void read(Path file) throws MistakeException {
-        JsonElement root = JsonTree.read(file);
-        if (!root.isJsonObject()) {
-            throw new MistakeException(file.toString(), "", "needs an object");
+        Json shot = Json.read(file);
+        Map<String, Json> members = shot.members();
+        if (shot.has("captureResult")) {
+            addFrame(shot.get("captureResult"));
         }
-        JsonObject shot = root.getAsJsonObject();
-        addFrame("captureResult", shot.get("captureResult"));
-        addEach("captureResults", shot.get("captureResults"), this::addFrame);
+        addEach(shot.get("captureResults"), this::addFrame);
         if (mFrames.isEmpty()) {
-            throw new MistakeException(
-                    file.toString(), "", "needs captureResult or captureResults, objects of tags");
+            throw shot.error("needs captureResult or captureResults, objects of tags");
         }
-        // What never changes is no part of a result there, and is looked for in one here.
+        // What never changes is not part of a result there; here it is looked up in one.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
-            addTags(properties, "cameraProperties", shot.get("cameraProperties"));
+            addTags(properties, shot.get("cameraProperties"));
             mFrames.forEach(frame -> frame.fillFrom(properties));
         }
-        addEach("outputs", shot.get("outputs"), this::addOutput);
-        for (String member : shot.keySet()) {
+        addEach(shot.get("outputs"), this::addOutput);
+        for (String member : members.keySet()) {
             if (!List.of("cameraProperties", "captureResult", "captureResults", "outputs").contains(member)) {
                 mNotes.add(member, "not taken: it is no result");
             }
         }
     }
 
-    private interface Element {
-        void add(String place, JsonElement element);
-    }
-
-    private void addEach(String place, JsonElement list, Element each) {
-        if (list != null && !list.isJsonArray()) {
-            mNotes.add(place, "dropped, it is no list");
+    private void addEach(Json list, Consumer<Json> add) {
+        if (list != null && !list.isList()) {
+            mNotes.add(list.path(), "dropped, it is no list");
         } else if (list != null) {
-            for (int i = 0; i < list.getAsJsonArray().size(); ++i) {
-                each.add(place + "[" + i + "]", list.getAsJsonArray().get(i));
-            }
+            list.elements().forEach(add);
         }
     }
 
-    private void addFrame(String place, JsonElement result) {
-        if (result != null) {
-            ImportedFrame frame = new ImportedFrame();
-            if (addTags(frame, place, result)) {
-                mFrames.add(frame);
-            }
+    private void addFrame(Json result) {
+        ImportedFrame frame = new ImportedFrame();
+        if (addTags(frame, result)) {
+            mFrames.add(frame);
         }
     }
 
-    private boolean addTags(ImportedFrame frame, String place, JsonElement tags) {
-        if (!tags.isJsonObject()) {
-            mNotes.add(place, "dropped, it is no object of tags");
+    private boolean addTags(ImportedFrame frame, Json tags) {
+        if (!tags.isObject()) {
+            mNotes.add(tags.path(), "dropped, it is no object of tags");
             return false;
         }
-        for (Map.Entry<String, JsonElement> tag : tags.getAsJsonObject().entrySet()) {
+        for (Map.Entry<String, Json> tag : tags.entries().entrySet()) {
             TagType type = TagTable.typeOf(tag.getKey());
-            if (tag.getValue().isJsonNull()) {
+            if (tag.getValue().isNull()) {
                 continue;
             }
             if (type == null) {
-                mNotes.add(place, tag.getKey() + " dropped, unknown tag");
+                mNotes.add(tags.path(), tag.getKey() + " dropped, unknown tag");
             } else {
-                frame.put(tag.getKey(), converted(type, tag.getValue()), place, mNotes);
+                frame.put(tag.getKey(), converted(type, tag.getValue()), tags.path(), mNotes);
             }
         }
         return true;
     }
 
-    // What is of no form that is known goes on as it is, and is complained about by its type.
-    private static JsonElement converted(TagType type, JsonElement value) {
+    // A value of an unknown form stays as it is; the note then says what its tag's type needs.
+    private static Object converted(TagType type, Json value) {
         return switch (type) {
-            case INT -> isBoolean(value) ? new JsonPrimitive(value.getAsBoolean() ? 1 : 0) : value;
-            case BYTES -> value.isJsonArray() ? object("int8", value) : value;
-            case INT_ARRAY -> hasAll(value, "width", "height")
-                    ? list(value.getAsJsonObject().get("width"), value.getAsJsonObject().get("height"))
-                    : value;
+            case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;
+            case BYTES -> value.isList() ? JsonWriter.object("int8", value) : value;
+            case INT_ARRAY -> value.has("width") && value.has("height")
+                    ? List.of(value.get("width"), value.get("height")) : value;
             case METERING_RECTANGLES -> each(value, SuiteReader::region);
             case FACES -> each(value, SuiteReader::face);
             default -> value;
         };
     }
 
-    private interface Conversion {
-        JsonElement of(JsonObject object);
+    private static Object each(Json value, Function<Json, Object> conversion) {
+        return value.isList() ? value.elements().stream().map(conversion).toList() : value;
     }
 
-    private static JsonElement each(JsonElement value, Conversion conversion) {
-        if (!value.isJsonArray()) {
-            return value;
-        }
-        JsonArray converted = new JsonArray();
-        for (JsonElement element : value.getAsJsonArray()) {
-            converted.add(element.isJsonObject() ? conversion.of(element.getAsJsonObject()) : element);
-        }
-        return converted;
-    }
-
-    private static JsonElement region(JsonObject region) {
-        for (String member : List.of("x", "y", "width", "height")) {
-            if (!isNumber(region.get(member))) {
-                return region;
+    private static Object region(Json region) {
+        try {
+            BigDecimal left = region.require("x").number();
+            BigDecimal top = region.require("y").number();
+            Map<String, Object> edges = JsonWriter.object("left", left, "top", top,
+                    "right", left.add(region.require("width").number()),
+                    "bottom", top.add(region.require("height").number()));
+            if (region.has("weight")) {
+                edges.put("weight", region.get("weight"));
             }
+            return edges;
+        } catch (MistakeException e) {
+            return region;
         }
-        JsonObject edges = new JsonObject();
-        edges.add("left", region.get("x"));
-        edges.add("top", region.get("y"));
-        edges.add("right", sum(region.get("x"), region.get("width")));
-        edges.add("bottom", sum(region.get("y"), region.get("height")));
-        if (region.has("weight")) {
-            edges.add("weight", region.get("weight"));
-        }
-        return edges;
     }
 
-    // Eyes, mouth and id are nothing that the library asks for.
-    private static JsonElement face(JsonObject face) {
-        if (!face.has("bounds") || !face.get("bounds").isJsonObject()) {
+    // The library does not ask for eyes, mouth and id.
+    private static Object face(Json face) {
+        try {
+            Map<String, Object> edges = new LinkedHashMap<>(face.require("bounds").members());
+            if (face.has("score")) {
+                edges.put("score", face.get("score"));
+            }
+            return edges;
+        } catch (MistakeException e) {
             return face;
         }
-        JsonObject edges = face.getAsJsonObject("bounds").deepCopy();
-        if (face.has("score")) {
-            edges.add("score", face.get("score"));
-        }
-        return edges;
     }
 
-    private static JsonPrimitive sum(JsonElement one, JsonElement other) {
-        return new JsonPrimitive(one.getAsBigDecimal().add(other.getAsBigDecimal()));
-    }
-
-    private static boolean isBoolean(JsonElement value) {
-        return value.isJsonPrimitive() && value.getAsJsonPrimitive().isBoolean();
-    }
-
-    private static boolean isNumber(JsonElement value) {
-        return value != null && value.isJsonPrimitive() && value.getAsJsonPrimitive().isNumber();
-    }
-
-    private static boolean hasAll(JsonElement value, String... members) {
-        return value.isJsonObject() && value.getAsJsonObject().keySet().containsAll(List.of(members));
-    }
-
-    private static JsonArray list(JsonElement... values) {
-        JsonArray list = new JsonArray();
-        List.of(values).forEach(list::add);
-        return list;
-    }
-
-    private static JsonObject object(String member, JsonElement value) {
-        JsonObject object = new JsonObject();
-        object.add(member, value);
-        return object;
-    }
-
-    private void addOutput(String place, JsonElement element) {
+    private void addOutput(Json element) {
         SuiteOutput output = SuiteOutput.of(element);
         if (output == null) {
-            mNotes.add(place, "dropped, it needs a format of " + SuiteOutput.FORMATS.keySet()
+            mNotes.add(element.path(), "dropped, it needs a format of " + SuiteOutput.FORMATS.keySet()
                     + ", width and height");
         } else {
             mOutputs.add(output);

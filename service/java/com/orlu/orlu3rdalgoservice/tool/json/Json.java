@@ -154,7 +154,8 @@ public final class Json implements Place {
         return isList() ? "a list" : isString() ? quoted((String) mContent) : cut(String.valueOf(mContent));
     }
 
-    static String cut(String text) {
+    /** Returns a text without its end if it is long. */
+    public static String cut(String text) {
         return text.length() <= LONGEST_QUOTE ? text : text.substring(0, LONGEST_QUOTE) + "...";
     }
 
@@ -183,6 +184,10 @@ public final class Json implements Place {
 
     public boolean isBoolean() {
         return mContent instanceof Boolean;
+    }
+
+    public boolean isTrue() {
+        return Boolean.TRUE.equals(mContent);
     }
 
     public boolean isNull() {
@@ -297,11 +302,12 @@ public final class Json implements Place {
         if (!isObject()) {
             throw needs("an object");
         }
-        return contentMembers();
+        return entries();
     }
 
+    /** The members of an object; none if this is not an object. */
     @SuppressWarnings("unchecked")
-    private Map<String, Json> contentMembers() {
+    public Map<String, Json> entries() {
         return isObject() ? (Map<String, Json>) mContent : Map.of();
     }
 
@@ -326,7 +332,7 @@ public final class Json implements Place {
 
     /** A member; null if it is absent. */
     public Json get(String name) {
-        return contentMembers().get(name);
+        return entries().get(name);
     }
 
     /** The value at a path of members below this one; null if it is absent. */

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
@@ -7,6 +8,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.HexFormat;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -23,30 +25,30 @@ final class ByteRecords {
     private ByteRecords() {
     }
 
-    static byte[] read(JsonField field) throws MistakeException {
+    static byte[] read(Json field) throws MistakeException {
         if (field.isString()) {
             return hex(field);
         }
         if (!field.isObject()) {
             throw field.needs("bytes: a hex text or an object such as {\"int32\": [1, 2]}");
         }
-        return field.anyMembers().containsKey("size") ? sized(field) : packed(field, field.anyMembers());
+        return field.members().containsKey("size") ? sized(field) : packed(field, field.members());
     }
 
-    private static byte[] sized(JsonField field) throws MistakeException {
-        JsonMembers members = field.members("size", "parts");
+    private static byte[] sized(Json field) throws MistakeException {
+        Json members = field.allowing("size", "parts");
         byte[] record = new byte[members.require("size").integer(0, LARGEST)];
         if (members.has("parts")) {
-            for (JsonField part : members.get("parts").list()) {
+            for (Json part : members.get("parts").list()) {
                 part.mistakes().attempt(() -> place(record, part));
             }
         }
         return record;
     }
 
-    private static void place(byte[] record, JsonField part) throws MistakeException {
-        Map<String, JsonField> members = part.anyMembers();
-        JsonField at = members.remove("at");
+    private static void place(byte[] record, Json part) throws MistakeException {
+        Map<String, Json> members = new LinkedHashMap<>(part.members());
+        Json at = members.remove("at");
         if (at == null) {
             throw part.error("needs the field at, the offset in the record");
         }
@@ -59,16 +61,16 @@ final class ByteRecords {
         System.arraycopy(bytes, 0, record, offset, bytes.length);
     }
 
-    private static byte[] packed(JsonField field, Map<String, JsonField> members)
+    private static byte[] packed(Json field, Map<String, Json> members)
             throws MistakeException {
         if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
             String word = members.isEmpty() ? "" : members.keySet().iterator().next();
             throw field.error("needs exactly one of " + String.join(", ", PACKINGS) + ", found "
-                    + (members.size() == 1 ? JsonField.quoted(word) : members.size() + " fields")
+                    + (members.size() == 1 ? Json.quoted(word) : members.size() + " fields")
                     + NearestWord.question(word, PACKINGS));
         }
         String packing = members.keySet().iterator().next();
-        JsonField values = members.get(packing);
+        Json values = members.get(packing);
         return switch (packing) {
             case "hex" -> hex(values);
             case "text" -> values.string().getBytes(StandardCharsets.UTF_8);
@@ -76,9 +78,9 @@ final class ByteRecords {
         };
     }
 
-    private static byte[] numbers(String packing, List<JsonField> values) {
+    private static byte[] numbers(String packing, List<Json> values) {
         ByteBuffer buffer = ByteBuffer.allocate(values.size() * Double.BYTES).order(ByteOrder.LITTLE_ENDIAN);
-        for (JsonField value : values) {
+        for (Json value : values) {
             value.mistakes().attempt(() -> put(packing, value, buffer));
         }
         byte[] bytes = new byte[buffer.position()];
@@ -86,7 +88,7 @@ final class ByteRecords {
         return bytes;
     }
 
-    private static void put(String packing, JsonField value, ByteBuffer buffer)
+    private static void put(String packing, Json value, ByteBuffer buffer)
             throws MistakeException {
         switch (packing) {
             case "int8" -> buffer.put((byte) value.integer(Byte.MIN_VALUE, 255));
@@ -98,7 +100,7 @@ final class ByteRecords {
         }
     }
 
-    private static byte[] hex(JsonField field) throws MistakeException {
+    private static byte[] hex(Json field) throws MistakeException {
         try {
             return HexFormat.of().parseHex(field.string().replace(" ", ""));
         } catch (IllegalArgumentException e) {

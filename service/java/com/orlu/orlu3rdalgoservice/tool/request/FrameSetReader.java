@@ -5,6 +5,7 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
@@ -23,31 +24,30 @@ import java.util.Set;
 final class FrameSetReader {
     private static final int MOST_FRAMES = 60;
     private static final int LARGEST_SHIFT = 64;
-    private static final int LARGEST_SIDE = 8192;
 
-    private final JsonField mField;
+    private final Json mField;
     private final Mistakes mMistakes;
     /** What all frames have in common is read for each of them; what is wrong there is noted once. */
-    private final Set<JsonValue> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
+    private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
-    private FrameSetReader(JsonField field) {
+    private FrameSetReader(Json field) {
         mField = field;
         mMistakes = field.mistakes();
     }
 
     /** The frames. MistakeException when it is not clear how many there are. */
-    static FrameSetPlan read(JsonField field) throws MistakeException {
+    static FrameSetPlan read(Json field) throws MistakeException {
         return new FrameSetReader(field).set();
     }
 
     private FrameSetPlan set() throws MistakeException {
         if (mField.isList()) {
-            List<JsonField> each = mField.list();
-            return new FrameSetPlan(frames(each.size(), each, JsonMembers.none()), 0, 1, 0, 0);
+            List<Json> each = mField.list();
+            return new FrameSetPlan(frames(each.size(), each, Json.none()), 0, 1, 0, 0);
         }
-        JsonMembers set = mField.members(
+        Json set = mField.allowing(
                 "count", "common", "each", "noise", "blur", "gain", "shift", "seed", "width", "height");
-        List<JsonField> each = set.has("each") ? set.get("each").list() : List.of();
+        List<Json> each = set.has("each") ? set.get("each").list() : List.of();
         int count = set.has("count") ? set.get("count").integer(0, MOST_FRAMES) : Math.max(1, each.size());
         if (each.size() > count) {
             throw set.get("each").error("has " + each.size() + " frames, more than count");
@@ -56,12 +56,12 @@ final class FrameSetReader {
             mMistakes.add(mField.error("needs both width and height, or neither"));
         }
         return new FrameSetPlan(frames(count, each, set), set.integer("shift", 0, LARGEST_SHIFT, 0),
-                set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), set.side("width", LARGEST_SIDE),
-                set.side("height", LARGEST_SIDE));
+                set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), ImagePlanReader.side(set, "width"),
+                ImagePlanReader.side(set, "height"));
     }
 
-    private List<FramePlan> frames(int count, List<JsonField> each, JsonMembers set) {
-        JsonMembers common = set.members("common", "captureResult", "composition");
+    private List<FramePlan> frames(int count, List<Json> each, Json set) {
+        Json common = set.object("common", "captureResult", "composition");
         List<FramePlan> frames = new ArrayList<>();
         for (int i = 0; i < count; ++i) {
             frames.add(frame(i, set, common, i < each.size() ? each.get(i) : null));
@@ -69,12 +69,12 @@ final class FrameSetReader {
         return frames;
     }
 
-    private FramePlan frame(int index, JsonMembers set, JsonMembers common, JsonField field) {
+    private FramePlan frame(int index, Json set, Json common, Json field) {
         CameraMetadataNative report = new CameraMetadataNative();
         Map<String, Object> composition = new LinkedHashMap<>();
         addTags(common, index, report, composition);
-        JsonMembers own = field == null ? JsonMembers.none() : mMistakes.attempt(() -> field.members(
-                "captureResult", "composition", "noise", "blur", "gain", "shift"), JsonMembers.none());
+        Json own = field == null ? Json.none() : mMistakes.attempt(() -> field.allowing(
+                "captureResult", "composition", "noise", "blur", "gain", "shift"), Json.none());
         addTags(own, index, report, composition);
         return new FramePlan(report, composition,
                 own.number("noise", 0, 255, ofFrame(set, "noise", index, 255, 0)),
@@ -84,26 +84,26 @@ final class FrameSetReader {
     }
 
     // A number for all frames, or a list with one for each.
-    private double ofFrame(JsonMembers set, String name, int index, double most, double fallback) {
+    private double ofFrame(Json set, String name, int index, double most, double fallback) {
         if (!set.has(name) || !set.get(name).isList()) {
             return set.number(name, 0, most, fallback);
         }
         return mMistakes.attempt(() -> {
-            List<JsonField> values = set.get(name).list();
+            List<Json> values = set.get(name).list();
             return index < values.size() ? values.get(index).number(0, most) : fallback;
         }, fallback);
     }
 
-    private static int[] shift(JsonMembers members) throws MistakeException {
+    private static int[] shift(Json members) throws MistakeException {
         if (!members.has("shift")) {
             return null;
         }
-        List<JsonField> xy = members.get("shift").list(2);
+        List<Json> xy = members.get("shift").list(2);
         return new int[] {xy.get(0).integer(-LARGEST_SHIFT, LARGEST_SHIFT),
             xy.get(1).integer(-LARGEST_SHIFT, LARGEST_SHIFT)};
     }
 
-    private void addTags(JsonMembers members, int frame, CameraMetadataNative report,
+    private void addTags(Json members, int frame, CameraMetadataNative report,
             Map<String, Object> composition) {
         tags(members, "captureResult").forEach((tag, field) -> read(tag, field, () ->
                 setTag(report, tag, field, frame)));
@@ -111,20 +111,20 @@ final class FrameSetReader {
                 composition.put(key, TagValues.ofKey(key, field, frame))));
     }
 
-    private Map<String, JsonField> tags(JsonMembers members, String name) {
-        return members.has(name) ? mMistakes.attempt(members.get(name)::anyMembers, Map.of()) : Map.of();
+    private Map<String, Json> tags(Json members, String name) {
+        return members.has(name) ? mMistakes.attempt(members.get(name)::members, Map.of()) : Map.of();
     }
 
     // Mistakes in a tag's value say what the tag is.
-    private void read(String tag, JsonField field, Mistakes.Check reading) {
-        if (mWrong.contains(field.value())) {
+    private void read(String tag, Json field, Mistakes.Check reading) {
+        if (mWrong.contains(field)) {
             return;
         }
         int before = mMistakes.size();
         mMistakes.attempt(reading);
         TagType type = TagTable.typeOf(tag);
         if (mMistakes.size() > before) {
-            mWrong.add(field.value());
+            mWrong.add(field);
             if (type != null) {
                 mMistakes.annotate(before, "; the tag is " + typeAndUnit(tag, type));
             }
@@ -136,7 +136,7 @@ final class FrameSetReader {
         return type + (facts != null && facts.hasUnit() ? " (" + facts.unit() + ")" : "");
     }
 
-    private void setTag(CameraMetadataNative report, String tag, JsonField field, int frame)
+    private void setTag(CameraMetadataNative report, String tag, Json field, int frame)
             throws MistakeException {
         int before = mMistakes.size();
         Object value = TagValues.ofTag(tag, field, frame);

@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
@@ -19,8 +20,8 @@ final class ImageFileReader {
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
 
-    private final JsonMembers mMembers;
-    private final JsonField mField;
+    private final Json mMembers;
+    private final Json mField;
     private final PixelFormat mFormat;
     private final Path mPath;
     private final ImageFileKind mKind;
@@ -29,7 +30,7 @@ final class ImageFileReader {
     private int mBits = ImagePlanReader.USUAL_BITS;
 
     /** The field holds the file's name; the members are those of the image. */
-    ImageFileReader(Path requestFile, JsonField field, JsonMembers members, PixelFormat format)
+    ImageFileReader(Path requestFile, Json field, Json members, PixelFormat format)
             throws MistakeException {
         mMembers = members;
         mField = field;
@@ -42,7 +43,7 @@ final class ImageFileReader {
     }
 
     /** The file that a field names, beside the request file; an error when there is none. */
-    static Path existing(Path requestFile, JsonField field, String what) throws MistakeException {
+    static Path existing(Path requestFile, Json field, String what) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
             if (Files.isRegularFile(path)) {
@@ -57,7 +58,7 @@ final class ImageFileReader {
         } catch (InvalidPathException e) {
             // A name that no file can have.
         }
-        throw field.error("no such " + what + ": " + JsonField.cut(field.string()));
+        throw field.error("no such " + what + ": " + Json.cut(field.string()));
     }
 
     int width() {
@@ -143,7 +144,7 @@ final class ImageFileReader {
         if (mFormat == PixelFormat.JPEG) {
             return jpeg(offset, size, stride);
         }
-        List<JsonField> own = mMembers.has("planes") ? mMembers.get("planes").list() : null;
+        List<Json> own = mMembers.has("planes") ? mMembers.get("planes").list() : null;
         int[] strides = mFormat.strides(stride);
         if (own != null && own.size() != strides.length) {
             throw mMembers.get("planes").error("needs " + strides.length + " planes for " + mFormat
@@ -151,9 +152,9 @@ final class ImageFileReader {
         }
         List<ImageFile.Plane> planes = new ArrayList<>();
         for (int i = 0; i < strides.length; ++i) {
-            JsonField field = own == null ? mField : own.get(i);
-            JsonMembers members =
-                    own == null ? JsonMembers.none() : field.members("offset", "stride", "size");
+            Json field = own == null ? mField : own.get(i);
+            Json members =
+                    own == null ? Json.none() : field.allowing("offset", "stride", "size");
             ImageFile.Plane plane = plane(members, i, offset, strides[i]);
             int index = i;
             mField.mistakes().attempt(() -> checkInFile(field, plane, index, size));
@@ -173,7 +174,7 @@ final class ImageFileReader {
     }
 
     // The last row of a plane may end with its pixels.
-    private ImageFile.Plane plane(JsonMembers members, int index, long offset, int usualStride) {
+    private ImageFile.Plane plane(Json members, int index, long offset, int usualStride) {
         int rows = rows(index);
         int row = mFormat.rowBytes(index, mWidth);
         int stride = members.integer("stride", row, LARGEST_PLANE / rows, usualStride);
@@ -187,7 +188,7 @@ final class ImageFileReader {
         return index == 0 || mFormat.isPlanar() ? mHeight : mHeight / 2;
     }
 
-    private void checkInFile(JsonField field, ImageFile.Plane plane, int index, long size)
+    private void checkInFile(Json field, ImageFile.Plane plane, int index, long size)
             throws MistakeException {
         long end = plane.offset() + plane.size();
         if (end > size) {

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
@@ -31,23 +32,23 @@ final class ImagePlanReader {
     }
 
     /** A list of images, or one description that every frame has an image of. */
-    List<ImagePlan> inputs(JsonField field) throws MistakeException {
+    List<ImagePlan> inputs(Json field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         if (field.isList()) {
-            List<JsonField> fields = field.list();
+            List<Json> fields = field.list();
             for (int i = 0; i < fields.size(); ++i) {
                 int index = i;
                 mMistakes.attempt(() -> images.add(input(fields.get(index), index)));
             }
             return images;
         }
-        JsonMembers members = members(field, "perFrame");
+        Json members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, MOST_PER_FRAME, 1);
         // Of frames that are not known, one stands for all.
         int count = Math.abs(mFrames) * perFrame;
-        JsonField file = members.get("file");
-        List<JsonField> none = Collections.nCopies(count, null);
-        List<JsonField> files = file == null || mFrames < 0 ? none
+        Json file = members.get("file");
+        List<Json> none = Collections.nCopies(count, null);
+        List<Json> files = file == null || mFrames < 0 ? none
                 : mMistakes.attempt(() -> file.list(count), none);
         for (int i = 0; i < count; ++i) {
             images.add(image(field, members, files.get(i)).withFrame(i / perFrame));
@@ -60,8 +61,8 @@ final class ImagePlanReader {
         return mNeedsPhoto;
     }
 
-    private ImagePlan input(JsonField field, int index) throws MistakeException {
-        JsonMembers members = members(field, "frame");
+    private ImagePlan input(Json field, int index) throws MistakeException {
+        Json members = members(field, "frame");
         if (mFrames == 0) {
             throw field.error("there is no frame that it could belong to");
         }
@@ -70,8 +71,8 @@ final class ImagePlanReader {
         return image(field, members, members.get("file")).withFrame(frame);
     }
 
-    private JsonMembers members(JsonField field, String last) throws MistakeException {
-        JsonMembers members = field.members("format", "name", "memory", "stride", "bits", "file", "width",
+    private Json members(Json field, String last) throws MistakeException {
+        Json members = field.allowing("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
             // Who gives one of these has forgotten the file rather than the photo.
@@ -87,17 +88,17 @@ final class ImagePlanReader {
         return members;
     }
 
-    List<ImagePlan> outputs(JsonField field) throws MistakeException {
+    List<ImagePlan> outputs(Json field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
-        for (JsonField output : field.list()) {
-            mMistakes.attempt(() -> images.add(image(output, output.members("format", "name", "memory",
+        for (Json output : field.list()) {
+            mMistakes.attempt(() -> images.add(image(output, output.allowing("format", "name", "memory",
                     "width", "height", "stride", "capacity", "bits"), null)));
         }
         return images;
     }
 
     // The file's field is null for an image that comes from none.
-    private ImagePlan image(JsonField field, JsonMembers members, JsonField file)
+    private ImagePlan image(Json field, Json members, Json file)
             throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
         // Whatever is wrong with the rest is said as well.
@@ -107,8 +108,8 @@ final class ImagePlanReader {
                 : mMistakes.attempt(() -> new ImageFileReader(mRequestFile, file, members, format), null);
         boolean isFileWrong = mMistakes.errors() > before;
         ImagePlan image = new ImagePlan(format, members.string("name", String.valueOf(format)), isHardware,
-                source != null ? source.width() : file == null ? members.side("width", LARGEST_SIDE) : 0,
-                source != null ? source.height() : file == null ? members.side("height", LARGEST_SIDE) : 0,
+                source != null ? source.width() : file == null ? side(members, "width") : 0,
+                source != null ? source.height() : file == null ? side(members, "height") : 0,
                 members.integer("stride", 0, LARGEST_STRIDE, 0),
                 members.integer("capacity", 0, LARGEST_CAPACITY, 0),
                 bits(members, format, source), 0, null, field);
@@ -119,8 +120,8 @@ final class ImagePlanReader {
         return sized.withFile(source.file(sized.strideBytes()));
     }
 
-    private static PixelFormat format(JsonMembers members) throws MistakeException {
-        JsonField field = members.require("format");
+    private static PixelFormat format(Json members) throws MistakeException {
+        Json field = members.require("format");
         PixelFormat format = PixelFormat.named(field.string());
         if (format == null) {
             throw field.needsName("one of " + String.join(", ", PixelFormat.names()), PixelFormat.names());
@@ -128,12 +129,21 @@ final class ImagePlanReader {
         return format;
     }
 
-    private static int bits(JsonMembers members, PixelFormat format, ImageFileReader source) {
+    private static int bits(Json members, PixelFormat format, ImageFileReader source) {
         int most = format == null ? Short.SIZE : format.mostBits();
         return members.integer("bits", 8, most, source == null ? USUAL_BITS : Math.min(source.bits(), most));
     }
 
-    private boolean hardware(JsonMembers members) {
+    /** An even number of pixels; 0 if the member is absent. */
+    static int side(Json members, String name) {
+        int side = members.integer(name, 0, LARGEST_SIDE, 0);
+        if (side % 2 != 0) {
+            members.mistakes().add(members.get(name).needs("an even number"));
+        }
+        return side;
+    }
+
+    private boolean hardware(Json members) {
         String memory = members.string("memory", MEMORIES.get(0));
         if (!MEMORIES.contains(memory)) {
             mMistakes.add(members.get("memory").needsName("\"shared\" or \"hardware\"", MEMORIES));

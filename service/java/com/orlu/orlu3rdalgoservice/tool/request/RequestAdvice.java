@@ -5,6 +5,7 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.AlgorithmCatalogue;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
 import java.util.List;
@@ -23,16 +24,16 @@ final class RequestAdvice {
 
     private final RequestFile mRequest;
     private final List<FramePlan> mFrames;
-    private final JsonField mRoot;
+    private final Json mRoot;
 
-    private RequestAdvice(RequestFile request, JsonField root) {
+    private RequestAdvice(RequestFile request, Json root) {
         mRequest = request;
         mFrames = request.frames().frames();
         mRoot = root;
     }
 
     /** Notes the warnings on a request that was read of this field. */
-    static void give(RequestFile request, JsonField root) {
+    static void give(RequestFile request, Json root) {
         RequestAdvice advice = new RequestAdvice(request, root);
         advice.onAlgorithms();
         advice.onProperties();
@@ -48,12 +49,12 @@ final class RequestAdvice {
     }
 
     // Where a frame's tag is given: by itself, or for all frames.
-    private JsonField field(int frame, String part, String tag) {
-        JsonField frames = mRoot.find("frames");
-        JsonField list = frames.isList() ? frames : frames.find("each");
-        List<JsonField> each = list == null ? List.of() : list.elements();
-        JsonField own = frame < each.size() ? each.get(frame).find(part, tag) : null;
-        JsonField common = own == null && frames.isObject() ? frames.find("common", part, tag) : null;
+    private Json field(int frame, String part, String tag) {
+        Json frames = mRoot.find("frames");
+        Json list = frames.isList() ? frames : frames.find("each");
+        List<Json> each = list == null ? List.of() : list.elements();
+        Json own = frame < each.size() ? each.get(frame).find(part, tag) : null;
+        Json common = own == null && frames.isObject() ? frames.find("common", part, tag) : null;
         return own != null ? own : common != null ? common : frames;
     }
 
@@ -71,18 +72,18 @@ final class RequestAdvice {
         if (names.length == 0) {
             return;
         }
-        JsonField list = mRoot.find("algorithms");
-        List<JsonField> fields = list == null ? List.of() : list.elements();
+        Json list = mRoot.find("algorithms");
+        List<Json> fields = list == null ? List.of() : list.elements();
         List<String> known = AlgorithmCatalogue.names();
         for (int i = 0; i < names.length; ++i) {
-            JsonField field = i < fields.size() ? fields.get(i) : field(0, "composition", ALGORITHMS);
+            Json field = i < fields.size() ? fields.get(i) : field(0, "composition", ALGORITHMS);
             String name = names[i];
             if (known.contains(name)) {
                 continue;
             }
             String longest = known.stream().filter(name::startsWith).reduce("", (a, b) ->
                     a.length() > b.length() ? a : b);
-            field.warn("nothing here knows the algorithm " + JsonField.quoted(name)
+            field.warn("nothing here knows the algorithm " + Json.quoted(name)
                     + (longest.isEmpty() ? NearestWord.question(name, known)
                             : ", which counts as " + longest + " since it begins so"));
         }

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
@@ -36,11 +37,10 @@ public final class RequestFileReader {
 
     /** The same, with all mistakes and warnings noted; null when there is any mistake. */
     public static RequestFile read(Path file, Path otherPhoto, Mistakes mistakes) {
-        JsonValue root = JsonFileReader.read(file, mistakes);
-        if (root == null) {
+        Json field = Json.read(file, mistakes);
+        if (field == null) {
             return null;
         }
-        JsonField field = new JsonField(mistakes, "", root);
         RequestFileReader reader = new RequestFileReader(file, otherPhoto, mistakes);
         RequestFile request = mistakes.attempt(() -> reader.root(field), null);
         if (mistakes.errors() > 0) {
@@ -50,13 +50,13 @@ public final class RequestFileReader {
         return request;
     }
 
-    private RequestFile root(JsonField field) throws MistakeException {
-        JsonMembers members = field.members("$schema", "about", "request", "client", "properties",
+    private RequestFile root(Json field) throws MistakeException {
+        Json members = field.allowing("$schema", "about", "request", "client", "properties",
                 "algorithms", "fullAsync", "photo", "frames", "inputs", "outputs");
         // For editors alone.
         members.string("$schema", "");
-        JsonMembers request = mMistakes.attempt(
-                () -> members.require("request").members("id", "type"), null);
+        Json request = mMistakes.attempt(
+                () -> members.require("request").allowing("id", "type"), null);
         long id = request == null ? 0 : mMistakes.attempt(
                 () -> request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), 0L);
         boolean fullAsync = members.bool("fullAsync", false);
@@ -68,7 +68,7 @@ public final class RequestFileReader {
                 new ImagePlanReader(mFile, mMistakes, frames == null ? -1 : frames.frames().size());
         List<ImagePlan> inputs = mMistakes.attempt(() -> images.inputs(members.require("inputs")), null);
         List<ImagePlan> outputs = mMistakes.attempt(() -> images.outputs(members.require("outputs")), null);
-        JsonMembers client = members.members("client", "clientId", "algoContextIndex", "imageFormat");
+        Json client = members.object("client", "clientId", "algoContextIndex", "imageFormat");
         return new RequestFile(mFile, members.string("about", ""), id,
                 request == null ? "" : request.string("type", "capture"),
                 client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
@@ -84,7 +84,7 @@ public final class RequestFileReader {
     }
 
     // What the service puts into the first composition of every request.
-    private void putServiceValues(JsonMembers members, boolean fullAsync, FrameSetPlan frames) {
+    private void putServiceValues(Json members, boolean fullAsync, FrameSetPlan frames) {
         List<String> algorithms = members.has("algorithms")
                 ? mMistakes.attempt(members.get("algorithms")::strings, List.of()) : null;
         if (frames.frames().isEmpty()) {
@@ -103,16 +103,16 @@ public final class RequestFileReader {
         }
     }
 
-    private void putOnce(Map<String, Object> composition, String key, Object value, JsonField field) {
+    private void putOnce(Map<String, Object> composition, String key, Object value, Json field) {
         if (composition.putIfAbsent(key, value) != null && field != null) {
             mMistakes.add(field.error("the first composition has " + key + " already"));
         }
     }
 
-    private Map<String, String> properties(JsonMembers members) {
+    private Map<String, String> properties(Json members) {
         Map<String, String> properties = new LinkedHashMap<>();
-        Map<String, JsonField> fields = members.has("properties")
-                ? mMistakes.attempt(members.get("properties")::anyMembers, Map.of()) : Map.of();
+        Map<String, Json> fields = members.has("properties")
+                ? mMistakes.attempt(members.get("properties")::members, Map.of()) : Map.of();
         fields.forEach((name, field) -> mMistakes.attempt(() -> {
             if (name.isEmpty() || tooLong(field.string())) {
                 throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY + " bytes");
@@ -126,7 +126,7 @@ public final class RequestFileReader {
         return property.getBytes(StandardCharsets.UTF_8).length > LONGEST_PROPERTY;
     }
 
-    private Path photo(JsonMembers members, JsonField root, ImagePlanReader images)
+    private Path photo(Json members, Json root, ImagePlanReader images)
             throws MistakeException {
         if (mOtherPhoto != null) {
             return mOtherPhoto;

@@ -6,6 +6,7 @@ import android.hardware.camera2.params.Face;
 import android.hardware.camera2.params.MeteringRectangle;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 
 import java.util.List;
 import java.util.function.Function;
@@ -33,7 +34,7 @@ final class TagAdvice {
     }
 
     /** Notes the warnings on one frame's report; the function finds the field of a tag. */
-    static void give(CameraMetadataNative report, Function<String, JsonField> fieldOf) {
+    static void give(CameraMetadataNative report, Function<String, Json> fieldOf) {
         for (Range range : RANGES) {
             if (report.get(range.tag()) instanceof Number number
                     && (number.doubleValue() < range.least() || number.doubleValue() > range.most())) {
@@ -52,7 +53,7 @@ final class TagAdvice {
         return limit == (long) limit ? String.valueOf((long) limit) : String.valueOf(limit);
     }
 
-    private static void onRectangles(CameraMetadataNative report, Function<String, JsonField> fieldOf) {
+    private static void onRectangles(CameraMetadataNative report, Function<String, Json> fieldOf) {
         Rect array = report.get(ARRAY) instanceof Rect size ? size : null;
         if (report.get(CROP) instanceof Rect crop) {
             onRectangle(crop, array, fieldOf.apply(CROP), "");
@@ -71,7 +72,7 @@ final class TagAdvice {
         }
     }
 
-    private static void onRectangle(Rect found, Rect array, JsonField field, String what) {
+    private static void onRectangle(Rect found, Rect array, Json field, String what) {
         if (found.right < found.left || found.bottom < found.top) {
             field.warn(what + "needs left, top, right and bottom, found " + shown(found)
                     + ", whose right or bottom comes first");

@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
@@ -16,7 +17,7 @@ final class TagValues {
     }
 
     /** The value of a tag of the camera's report: the table of tags decides the type. */
-    static Object ofTag(String tag, JsonField field, int frame) throws MistakeException {
+    static Object ofTag(String tag, Json field, int frame) throws MistakeException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
             throw field.error("no such tag" + NearestWord.question(tag, TagTable.names()));
@@ -27,7 +28,7 @@ final class TagValues {
     /**
      * The value of a composition's key: its tag's type, an explicit one, or the one that the JSON suggests.
      */
-    static Object ofKey(String key, JsonField field, int frame) throws MistakeException {
+    static Object ofKey(String key, Json field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);
         if (explicit != null) {
@@ -37,7 +38,7 @@ final class TagValues {
         return type != null ? typed(type, field, reader) : plain(field);
     }
 
-    private static Object typed(TagType type, JsonField field, ValueReader reader)
+    private static Object typed(TagType type, Json field, ValueReader reader)
             throws MistakeException {
         return switch (type) {
             case INT -> reader.integer(field);
@@ -60,12 +61,12 @@ final class TagValues {
     }
 
     // {"long": 5} and the like; null when the field is not of this form.
-    static Object explicit(JsonField field, ValueReader reader) throws MistakeException {
-        if (!field.isObject() || field.anyMembers().size() != 1) {
+    static Object explicit(Json field, ValueReader reader) throws MistakeException {
+        if (!field.isObject() || field.members().size() != 1) {
             return null;
         }
-        Map.Entry<String, JsonField> only = field.anyMembers().entrySet().iterator().next();
-        JsonField value = only.getValue();
+        Map.Entry<String, Json> only = field.members().entrySet().iterator().next();
+        Json value = only.getValue();
         return switch (only.getKey()) {
             case "int" -> reader.integer(value);
             case "long" -> reader.longInteger(value);
@@ -88,7 +89,7 @@ final class TagValues {
         };
     }
 
-    private static Object plain(JsonField field) throws MistakeException {
+    private static Object plain(Json field) throws MistakeException {
         if (field.isWholeNumber()) {
             long value = field.integer(Long.MIN_VALUE, Long.MAX_VALUE);
             return value == (int) value ? (Object) (int) value : (Object) value;
@@ -108,11 +109,11 @@ final class TagValues {
         throw field.needs("a value, or one with its type such as {\"long\": 5}");
     }
 
-    private static Object plainList(JsonField field) throws MistakeException {
+    private static Object plainList(Json field) throws MistakeException {
         ValueReader reader = new ValueReader(0);
         boolean strings = false;
         boolean fractions = false;
-        for (JsonField element : field.list()) {
+        for (Json element : field.list()) {
             strings |= element.isString();
             fractions |= element.isNumber() && !element.isWholeNumber();
         }

@@ -6,6 +6,7 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.math.BigDecimal;
@@ -28,19 +29,19 @@ final class ValueReader {
         mFrame = frame;
     }
 
-    int integer(JsonField field) throws MistakeException {
+    int integer(Json field) throws MistakeException {
         return Math.toIntExact(whole(field, Integer.MIN_VALUE, Integer.MAX_VALUE));
     }
 
-    long longInteger(JsonField field) throws MistakeException {
+    long longInteger(Json field) throws MistakeException {
         return whole(field, Long.MIN_VALUE, Long.MAX_VALUE);
     }
 
-    private long whole(JsonField field, long least, long most) throws MistakeException {
+    private long whole(Json field, long least, long most) throws MistakeException {
         if (!field.isObject()) {
             return field.integer(least, most);
         }
-        JsonMembers counter = field.members("first", "step");
+        Json counter = field.allowing("first", "step");
         BigDecimal value = BigDecimal.valueOf(counter.require("first").integer(least, most)).add(
                 BigDecimal.valueOf(counter.require("step").integer(least, most)).multiply(frame()));
         if (value.compareTo(BigDecimal.valueOf(least)) < 0 || value.compareTo(BigDecimal.valueOf(most)) > 0) {
@@ -53,135 +54,135 @@ final class ValueReader {
         return BigDecimal.valueOf(mFrame);
     }
 
-    double number(JsonField field) throws MistakeException {
+    double number(Json field) throws MistakeException {
         if (!field.isObject()) {
             return real(field);
         }
-        JsonMembers counter = field.members("first", "step");
+        Json counter = field.allowing("first", "step");
         return counter.require("first").number().add(
                 counter.require("step").number().multiply(frame())).doubleValue();
     }
 
     /** A number as a float. */
-    float single(JsonField field) throws MistakeException {
+    float single(Json field) throws MistakeException {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }
 
     // The texts are those of numbers that JSON has no form for.
-    private static boolean isSpecial(JsonField field) throws MistakeException {
+    private static boolean isSpecial(Json field) throws MistakeException {
         return field.isString() && NO_JSON_NUMBERS.contains(field.string());
     }
 
-    private static double real(JsonField field) throws MistakeException {
+    private static double real(Json field) throws MistakeException {
         return isSpecial(field) ? Double.parseDouble(field.string()) : field.real();
     }
 
-    private static float realSingle(JsonField field) throws MistakeException {
+    private static float realSingle(Json field) throws MistakeException {
         return isSpecial(field) ? Float.parseFloat(field.string()) : field.single();
     }
 
-    int[] integers(JsonField field) throws MistakeException {
-        List<JsonField> elements = elements(field);
+    int[] integers(Json field) throws MistakeException {
+        List<Json> elements = elements(field);
         int[] values = new int[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             values[i] = field.mistakes().attempt(
                     () -> element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE), 0);
         }
         return values;
     }
 
-    long[] longs(JsonField field) throws MistakeException {
-        List<JsonField> elements = elements(field);
+    long[] longs(Json field) throws MistakeException {
+        List<Json> elements = elements(field);
         long[] values = new long[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             values[i] = field.mistakes().attempt(() -> element.integer(Long.MIN_VALUE, Long.MAX_VALUE), 0L);
         }
         return values;
     }
 
-    double[] doubles(JsonField field) throws MistakeException {
-        List<JsonField> elements = elements(field);
+    double[] doubles(Json field) throws MistakeException {
+        List<Json> elements = elements(field);
         double[] values = new double[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             values[i] = field.mistakes().attempt(() -> real(element), 0.0);
         }
         return values;
     }
 
-    float[] floats(JsonField field) throws MistakeException {
-        List<JsonField> elements = elements(field);
+    float[] floats(Json field) throws MistakeException {
+        List<Json> elements = elements(field);
         float[] values = new float[elements.size()];
         for (int i = 0; i < values.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             values[i] = field.mistakes().attempt(() -> realSingle(element), 0f);
         }
         return values;
     }
 
-    private List<JsonField> elements(JsonField field) throws MistakeException {
+    private List<Json> elements(Json field) throws MistakeException {
         if (!field.isObject()) {
             return field.list();
         }
-        JsonMembers run = field.members("fill", "count");
+        Json run = field.allowing("fill", "count");
         return Collections.nCopies(run.require("count").integer(0, LARGEST_RUN), run.require("fill"));
     }
 
-    String[] strings(JsonField field) throws MistakeException {
+    String[] strings(Json field) throws MistakeException {
         return field.strings().toArray(new String[0]);
     }
 
-    Rect rect(JsonField field) throws MistakeException {
+    Rect rect(Json field) throws MistakeException {
         if (field.isList()) {
-            List<JsonField> edges = field.list(4);
+            List<Json> edges = field.list(4);
             return new Rect(integer(edges.get(0)), integer(edges.get(1)), integer(edges.get(2)),
                     integer(edges.get(3)));
         }
-        return rect(field.members("left", "top", "right", "bottom"));
+        return sides(field.allowing("left", "top", "right", "bottom"));
     }
 
-    private Rect rect(JsonMembers members) throws MistakeException {
+    private Rect sides(Json members) throws MistakeException {
         return new Rect(integer(members.require("left")), integer(members.require("top")),
                 integer(members.require("right")), integer(members.require("bottom")));
     }
 
-    Face[] faces(JsonField field) throws MistakeException {
-        List<JsonField> elements = field.list();
+    Face[] faces(Json field) throws MistakeException {
+        List<Json> elements = field.list();
         Face[] faces = new Face[elements.size()];
         for (int i = 0; i < faces.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             faces[i] = field.mistakes().attempt(() -> face(element), null);
         }
         return faces;
     }
 
-    private Face face(JsonField field) throws MistakeException {
+    private Face face(Json field) throws MistakeException {
         if (field.isList()) {
             return new Face(rect(field), SURE_FACE);
         }
-        JsonMembers members = field.members("left", "top", "right", "bottom", "score");
-        return new Face(rect(members), members.integer("score", 1, 100, SURE_FACE));
+        Json members = field.allowing("left", "top", "right", "bottom", "score");
+        return new Face(sides(members), members.integer("score", 1, 100, SURE_FACE));
     }
 
-    MeteringRectangle[] meteringRectangles(JsonField field) throws MistakeException {
-        List<JsonField> elements = field.list();
+    MeteringRectangle[] meteringRectangles(Json field) throws MistakeException {
+        List<Json> elements = field.list();
         MeteringRectangle[] regions = new MeteringRectangle[elements.size()];
         for (int i = 0; i < regions.length; ++i) {
-            JsonField element = elements.get(i);
+            Json element = elements.get(i);
             regions[i] = field.mistakes().attempt(() -> meteringRectangle(element), null);
         }
         return regions;
     }
 
-    private MeteringRectangle meteringRectangle(JsonField field) throws MistakeException {
-        JsonMembers members = field.members("left", "top", "right", "bottom", "weight");
-        return new MeteringRectangle(rect(members), members.integer("weight", 0, 1000, 1000));
+    private MeteringRectangle meteringRectangle(Json field) throws MistakeException {
+        Json members = field.allowing("left", "top", "right", "bottom", "weight");
+        return new MeteringRectangle(sides(members), members.integer("weight", 0, 1000, 1000));
     }
 
-    Location location(JsonField field) throws MistakeException {
-        JsonMembers members = field.members("provider", "latitude", "longitude", "altitude", "time");
+    Location location(Json field) throws MistakeException {
+        Json members = field.allowing("provider", "latitude", "longitude", "altitude", "time");
         Location location = new Location(members.string("provider", "gps"));
         location.setLatitude(members.require("latitude").number(-90, 90));
         location.setLongitude(members.require("longitude").number(-180, 180));
@@ -192,12 +193,12 @@ final class ValueReader {
         return location;
     }
 
-    Rational rational(JsonField field) throws MistakeException {
+    Rational rational(Json field) throws MistakeException {
         if (field.isList()) {
-            List<JsonField> parts = field.list(2);
+            List<Json> parts = field.list(2);
             return new Rational(integer(parts.get(0)), integer(parts.get(1)));
         }
-        JsonMembers members = field.members("numerator", "denominator");
+        Json members = field.allowing("numerator", "denominator");
         return new Rational(integer(members.require("numerator")), integer(members.require("denominator")));
     }
 }

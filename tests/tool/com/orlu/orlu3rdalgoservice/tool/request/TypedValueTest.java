@@ -6,10 +6,9 @@ import android.graphics.Rect;
 import android.hardware.camera2.params.Face;
 import android.hardware.camera2.params.MeteringRectangle;
 
-import com.google.gson.JsonParser;
-
 import org.junit.Test;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.lang.reflect.Array;
@@ -46,9 +45,14 @@ public final class TypedValueTest {
                 ? "%d,%d,%d,%d".formatted(rect.left, rect.top, rect.right, rect.bottom) : "" + value;
     }
 
+    // The rows leave the quotes of names out.
+    private static String quoted(String json) {
+        return json.replace('\'', '"').replaceAll("([{ ])([a-z0-9]+):", "$1\"$2\":");
+    }
+
     private static String read(String json) {
         try {
-            return text(TypedValue.read("f", "tag", JsonParser.parseString(json)));
+            return text(TypedValue.read(Json.parse("f", 1, quoted(json))));
         } catch (MistakeException e) {
             return "refused";
         }
