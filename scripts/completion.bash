@@ -64,8 +64,8 @@ _orlu_value() {
       _orlu_parameters
       ;;
     TAG) _orlu_offer < <(_orlu_column "$root/host/java/android/hardware/camera2/impl/tags.txt") ;;
-    ALGORITHM) _orlu_offer < <(_orlu_column "$java/catalogue/algorithms.txt") ;;
-    FORMAT) _orlu_offer < <(_orlu_column "$java/catalogue/formats.txt") ;;
+    ALGORITHM) _orlu_offer < <(_orlu_column "$java/tags/algorithms.txt") ;;
+    FORMAT) _orlu_offer < <(_orlu_column "$java/tags/formats.txt") ;;
     KIND) _orlu_offer < <(_orlu_column "$java/catalogue/kinds.txt" | grep -vE "^(every$|with-)") ;;
     SAMPLE) _orlu_offer < <(cd "$root/samples" && printf '%s\n' *.json | sed 's/\.json$//') ;;
     CHECK) _orlu_offer < <(_orlu_checks) ;;

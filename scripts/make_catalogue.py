@@ -21,7 +21,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/found.txt"
-ALGORITHMS = TABLE.with_name("algorithms.txt")
+ALGORITHMS = TABLE.parent.with_name("tags") / "algorithms.txt"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 HEAD = """\

@@ -9,9 +9,9 @@ import sys
 from pathlib import Path
 
 ROOT = Path(sys.argv[1])
-CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue"
+CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
-PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/request/PixelFormat.java"
+PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/PixelFormat.java"
 PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt"
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
 # The library classifies it, and request files can't have it.

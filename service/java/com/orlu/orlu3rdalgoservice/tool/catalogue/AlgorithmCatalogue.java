@@ -1,12 +1,14 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
+import com.orlu.orlu3rdalgoservice.tool.tags.Table;
+
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
 /** The algorithms that a request can ask for, or that the library adds. */
-public final class AlgorithmCatalogue {
+final class AlgorithmCatalogue {
     private static final String HELP =
             "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
             + "it or takes it out, what changes when it is in the list, what is read back, whether the "
@@ -27,11 +29,6 @@ public final class AlgorithmCatalogue {
                     .computeIfAbsent(row[1], kind -> new ArrayList<>()).add(row[2]);
         }
         return rows.entrySet().stream().map(entry -> entry(entry.getKey(), entry.getValue())).toList();
-    }
-
-    /** The names of all. */
-    public static List<String> names() {
-        return Table.firstWords("algorithms.txt");
     }
 
     private static Entry entry(String name, Map<String, List<String>> facts) {

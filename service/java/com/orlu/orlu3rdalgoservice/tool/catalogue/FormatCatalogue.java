@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
+import com.orlu.orlu3rdalgoservice.tool.tags.Table;
+
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;

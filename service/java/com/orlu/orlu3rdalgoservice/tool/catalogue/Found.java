@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
+import com.orlu.orlu3rdalgoservice.tool.tags.Table;
+
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -21,7 +23,7 @@ final class Found {
     private final Map<String, Map<String, Set<String>>> mRows = new TreeMap<>();
 
     private Found() {
-        for (String[] row : Table.rows("found.txt", 3)) {
+        for (String[] row : Table.rows("/com/orlu/orlu3rdalgoservice/tool/catalogue/found.txt", 3)) {
             add(row[0], row[1], row[2]);
             if (row[0].equals("depends")) {
                 add("of", row[2], row[1]);

@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
-import com.orlu.orlu3rdalgoservice.tool.importer.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.tags.Table;
+import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -30,7 +32,7 @@ final class Kind {
     /** All, by name. */
     static Map<String, Kind> all() {
         Map<String, Kind> kinds = new LinkedHashMap<>();
-        for (String[] row : Table.rows("kinds.txt", 3)) {
+        for (String[] row : Table.rows("/com/orlu/orlu3rdalgoservice/tool/catalogue/kinds.txt", 3)) {
             kinds.computeIfAbsent(row[0], Kind::new).mRows
                     .computeIfAbsent(row[1], field -> new ArrayList<>()).add(row[2]);
         }

@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterType;
+import com.orlu.orlu3rdalgoservice.tool.tags.Table;
 
 import java.util.List;
 import java.util.Map;

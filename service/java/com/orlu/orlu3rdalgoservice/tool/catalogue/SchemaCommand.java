@@ -5,9 +5,11 @@ import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.importer.Enumerations;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.AlgorithmNames;
+import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 
 import java.io.IOException;
 import java.io.InputStream;
@@ -74,7 +76,7 @@ public final class SchemaCommand extends Command {
     // A name that nobody knows is no mistake: another algorithm library may have it.
     private static Map<String, Object> algorithm() {
         Map<String, Object> known = new LinkedHashMap<>();
-        known.put("enum", AlgorithmCatalogue.names());
+        known.put("enum", AlgorithmNames.all());
         return Map.of("anyOf", List.of(known, Map.of("type", "string")));
     }
 

@@ -3,7 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.catalogue;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.importer.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 
 import java.util.LinkedHashMap;
 import java.util.List;

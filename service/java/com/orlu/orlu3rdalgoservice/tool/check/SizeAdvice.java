@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.check;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageFile;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.io.IOException;
 import java.nio.file.Files;

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedImage;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;

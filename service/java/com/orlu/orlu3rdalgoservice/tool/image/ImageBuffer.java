@@ -6,7 +6,7 @@ import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.ByteBuffer;

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;

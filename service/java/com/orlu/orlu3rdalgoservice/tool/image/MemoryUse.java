@@ -4,7 +4,7 @@ import com.google.gson.JsonArray;
 import com.google.gson.JsonObject;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 import java.util.ArrayList;

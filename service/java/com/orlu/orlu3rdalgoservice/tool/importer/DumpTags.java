@@ -4,6 +4,7 @@ import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 
 import java.io.ByteArrayOutputStream;
 import java.math.BigDecimal;

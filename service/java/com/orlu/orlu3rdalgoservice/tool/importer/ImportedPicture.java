@@ -4,7 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.io.IOException;
 import java.nio.file.Path;

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.file.Path;
 import java.util.ArrayList;

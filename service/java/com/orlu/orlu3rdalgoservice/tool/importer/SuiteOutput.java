@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.file.Path;
 import java.util.Map;

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.model;
 import com.google.gson.JsonArray;
 import com.google.gson.JsonObject;
 
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.util.ArrayList;
 import java.util.List;

@@ -4,8 +4,8 @@ import android.hardware.camera2.impl.CameraMetadataNative;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 

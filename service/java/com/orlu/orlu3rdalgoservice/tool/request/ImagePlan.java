@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Place;
 

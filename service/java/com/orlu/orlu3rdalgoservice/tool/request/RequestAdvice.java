@@ -4,8 +4,8 @@ import android.hardware.camera2.impl.CameraMetadataNative;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.catalogue.AlgorithmCatalogue;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.tags.AlgorithmNames;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
 import java.util.List;
@@ -74,7 +74,7 @@ final class RequestAdvice {
         }
         Json list = mRoot.find("algorithms");
         List<Json> fields = list == null ? List.of() : list.elements();
-        List<String> known = AlgorithmCatalogue.names();
+        List<String> known = AlgorithmNames.all();
         for (int i = 0; i < names.length; ++i) {
             Json field = i < fields.size() ? fields.get(i) : field(0, "composition", ALGORITHMS);
             String name = names[i];

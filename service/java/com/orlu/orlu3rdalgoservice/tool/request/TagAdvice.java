@@ -5,8 +5,8 @@ import android.hardware.camera2.impl.CameraMetadataNative;
 import android.hardware.camera2.params.Face;
 import android.hardware.camera2.params.MeteringRectangle;
 
-import com.orlu.orlu3rdalgoservice.tool.catalogue.TagFacts;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 
 import java.util.List;
 import java.util.function.Function;

@@ -1,2 +1,2 @@
-/** Forms of tag values and parameters. */
+/** Facts of tags, parameters, algorithms and formats, and how their values are shown. */
 package com.orlu.orlu3rdalgoservice.tool.tags;

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import static org.junit.Assert.assertEquals;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
-import com.orlu.orlu3rdalgoservice.tool.request.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import org.junit.Test;
 

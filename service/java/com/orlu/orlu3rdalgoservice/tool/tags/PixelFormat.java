@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.request;
+package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.util.Arrays;
 import java.util.List;
@@ -20,7 +20,7 @@ public enum PixelFormat {
         return Arrays.stream(values()).filter(format -> format.name().equals(name)).findFirst().orElse(null);
     }
 
-    static List<String> names() {
+    public static List<String> names() {
         return Arrays.stream(values()).map(Enum::name).toList();
     }
 
@@ -29,7 +29,7 @@ public enum PixelFormat {
     }
 
     /** Bits that a raw sample can have. */
-    int mostBits() {
+    public int mostBits() {
         return this == MIPI_RAW10 ? 10 : 16;
     }
 
@@ -73,7 +73,7 @@ public enum PixelFormat {
     /**
      * The number that the platform has for this format. The service passes it on to release a client.
      */
-    int platformCode() {
+    public int platformCode() {
         return switch (this) {
             case MIPI_RAW10 -> 37;
             case RAW16, RAW_SENSOR -> 32;

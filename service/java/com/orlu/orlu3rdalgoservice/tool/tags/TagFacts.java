@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.catalogue;
+package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.util.ArrayList;
 import java.util.HashMap;

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.catalogue;
+package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.io.BufferedReader;
 import java.io.IOException;
@@ -12,15 +12,15 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * The rows of a table in a text file beside this class: words with blanks between, the last one to the
- * line's end.
+ * Reads a table in a text file beside this class: a row a line, its columns separated by blanks. The last
+ * column reaches to the end of the line. Blank lines and lines that begin with # don't count.
  */
-final class Table {
+public final class Table {
     private Table() {
     }
 
-    /** The rows of a file, each of this many columns; one with fewer is an IllegalStateException. */
-    static List<String[]> rows(String file, int columns) {
+    /** Returns the rows, each of this many columns; throws IllegalStateException if one has fewer. */
+    public static List<String[]> rows(String file, int columns) {
         List<String[]> rows = new ArrayList<>();
         for (String line : lines(file)) {
             String[] row = line.split(" +", columns);
@@ -32,7 +32,7 @@ final class Table {
         return rows;
     }
 
-    /** The first column of a file, each word of it once. */
+    /** Returns the first column, each word once. */
     static List<String> firstWords(String file) {
         Set<String> words = new LinkedHashSet<>();
         for (String line : lines(file)) {

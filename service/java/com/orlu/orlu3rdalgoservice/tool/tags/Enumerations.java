@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.importer;
+package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.io.BufferedReader;
 import java.io.IOException;
@@ -20,7 +20,7 @@ public final class Enumerations {
     }
 
     /** The number of a name, -1 for one that the tag does not know. */
-    static int number(String tag, String name) {
+    public static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
     }
 
