@@ -12,7 +12,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.view.RecordingSummary;
 
 import java.io.IOException;
@@ -96,7 +96,8 @@ final class RecordingCommand extends Command {
         trimmer.write(mOptions.out);
         System.out.println("written " + mOptions.out + " (" + megabytes(mOptions.out) + " of "
                 + megabytes(recorded.folder()) + ")");
-        trimmer.notes().forEach(note -> new WrappedLines(System.out).print(2, "note: " + note));
+        TextLayout notes = new TextLayout(System.out, TextLayout.REPORT);
+        trimmer.notes().forEach(note -> notes.print(2, "note: " + note));
         return Verdict.OK;
     }
 
@@ -148,7 +149,7 @@ final class RecordingCommand extends Command {
     private int replay(RecordedRequest recorded, Path again) throws MistakeException, IOException {
         RunRecord before = RunRecord.of(recorded, recorded.folder().toString());
         RunRecord after = RunRecord.of(RecordedRequest.read(again), "this run");
-        WrappedLines to = new WrappedLines(System.out);
+        TextLayout to = new TextLayout(System.out, TextLayout.REPORT);
         recorded.notes().forEach(note -> to.print(2, "note: " + note));
         if (!recorded.trimmed().isEmpty()) {
             to.print(2, "note: this recording is trimmed: " + recorded.trimmed());
@@ -175,7 +176,8 @@ final class RecordingCommand extends Command {
         int status = EQUAL;
         if (sides.get(0).size() != sides.get(1).size()) {
             List<RunRecord> longer = sides.get(0).size() > common ? sides.get(0) : sides.get(1);
-            new WrappedLines(System.out).print(0, "different: " + sides.get(0).size() + " requests / "
+            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: "
+                    + sides.get(0).size() + " requests / "
                     + sides.get(1).size() + "; nothing to compare with "
                     + longer.stream().skip(common).map(RunRecord::name).collect(Collectors.joining(", ")));
             status = DIFFERENT;

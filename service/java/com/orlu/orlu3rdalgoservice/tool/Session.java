@@ -25,8 +25,8 @@ import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
 import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;
@@ -151,11 +151,11 @@ final class Session {
         }
         boolean hasRun = report.verdict.status() != Verdict.UNUSABLE;
         if (hasRun && mOptions.tags) {
-            new TagPrinter(report).print(new LinePrinter(mTo, mOptions.wide));
+            new TagPrinter(report).print(new TextLayout(mTo, mOptions.wide));
         }
         if (hasRun && !mOptions.explain.isEmpty()) {
             mSourceLines.learn(report.events);
-            new ExplanationPrinter(report, mSourceLines, new LinePrinter(mTo, mOptions.wide))
+            new ExplanationPrinter(report, mSourceLines, new TextLayout(mTo, mOptions.wide))
                     .print(mOptions.explain);
         }
         mTo.println(report.verdict.line());

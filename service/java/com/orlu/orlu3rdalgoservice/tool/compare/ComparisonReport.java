@@ -4,7 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
@@ -32,7 +32,7 @@ public final class ComparisonReport {
     private final RunRecord mOne;
     private final RunRecord mOther;
     private final List<GivenTag> mGiven;
-    private final WrappedLines mTo = new WrappedLines(System.out);
+    private final TextLayout mTo = new TextLayout(System.out, TextLayout.REPORT);
 
     public ComparisonReport(Options options, RunRecord one, RunRecord other) {
         mOptions = options;

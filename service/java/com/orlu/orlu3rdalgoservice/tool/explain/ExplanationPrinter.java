@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.LinkedHashSet;
@@ -18,9 +18,9 @@ public final class ExplanationPrinter {
 
     private final Explanations mExplanations;
     private final SourceLines mSource;
-    private final LinePrinter mLines;
+    private final TextLayout mLines;
 
-    public ExplanationPrinter(RequestReport report, SourceLines source, LinePrinter lines) {
+    public ExplanationPrinter(RequestReport report, SourceLines source, TextLayout lines) {
         mExplanations = new Explanations(report, source);
         mSource = source;
         mLines = lines;

@@ -4,7 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
@@ -31,7 +31,7 @@ public final class TagPrinter {
     }
 
     /** Prints a heading and rows for each group. */
-    public void print(LinePrinter lines) {
+    public void print(TextLayout lines) {
         groups().forEach((heading, rows) -> {
             lines.plain("tags " + heading + ": " + rows.size());
             rows.print(lines, INDENT);

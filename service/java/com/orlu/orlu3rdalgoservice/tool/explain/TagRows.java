@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -40,7 +40,7 @@ public final class TagRows {
     }
 
     /** Each tag in a line, and below it what is said of its frames. */
-    void print(LinePrinter to, String indent) {
+    void print(TextLayout to, String indent) {
         mRows.forEach((tag, texts) -> {
             to.plain(indent + tag);
             texts.forEach((text, frames) -> to.plain(indent + "  %-11s  %s".formatted(frames(frames), text)));

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterFormatter;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterType;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterTypes;
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.PrintStream;
 import java.util.ArrayList;
@@ -21,7 +21,7 @@ public final class ParameterPrinter {
 
     /** Lines fit 80 columns unless they are to be wide. */
     public static void print(Handover handover, PrintStream to, boolean wide) {
-        LinePrinter lines = new LinePrinter(to, wide);
+        TextLayout lines = new TextLayout(to, wide);
         List<Parameter> parameters = handover.parameters();
         List<String> names = new ArrayList<>();
         for (Parameter parameter : parameters) {

@@ -10,7 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.PrintStream;
 import java.time.Instant;
@@ -21,16 +21,15 @@ import java.util.Map;
 /** Says what is in a recording. */
 public final class RecordingSummary {
     private static final int LABEL_WIDTH = 18;
-    private static final int TERMINAL_COLUMNS = 80;
 
     private final RecordedRequest mRecorded;
     private final PrintStream mTo;
-    private final WrappedLines mLines;
+    private final TextLayout mLines;
 
     public RecordingSummary(RecordedRequest recorded, PrintStream to) {
         mRecorded = recorded;
         mTo = to;
-        mLines = new WrappedLines(to, TERMINAL_COLUMNS);
+        mLines = new TextLayout(to, TextLayout.TERMINAL);
     }
 
     /** Prints a line on each thing, down to where the recording ends. */

@@ -11,7 +11,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.tags.ValueFormatter;
-import com.orlu.orlu3rdalgoservice.tool.text.LinePrinter;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.PrintStream;
 import java.util.ArrayList;
@@ -22,13 +22,13 @@ import java.util.Map;
 public final class Summary {
     private final RequestReport mReport;
     private final PrintStream mTo;
-    private final LinePrinter mLines;
+    private final TextLayout mLines;
 
     /** Lines fit 80 columns unless they are to be wide. */
     public Summary(RequestReport report, PrintStream to, boolean wide) {
         mReport = report;
         mTo = to;
-        mLines = new LinePrinter(to, wide);
+        mLines = new TextLayout(to, wide);
     }
 
     /** Prints all but the parameters and the verdict. */
@@ -49,7 +49,7 @@ public final class Summary {
             mLines.line("page", mReport.page);
         }
         if (mLines.hasCut()) {
-            mLines.line("", "(lines that end in " + LinePrinter.CUT + " are cut: --wide shows them whole)");
+            mLines.line("", "(lines that end in " + TextLayout.CUT + " are cut: --wide shows them whole)");
         }
         mTo.println();
     }

@@ -5,7 +5,7 @@ import static org.junit.Assert.assertEquals;
 import com.google.gson.JsonElement;
 import com.google.gson.JsonParser;
 
-import com.orlu.orlu3rdalgoservice.tool.text.WrappedLines;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.ByteArrayOutputStream;
 import java.io.PrintStream;
@@ -69,11 +69,11 @@ public final class ValuesTest {
         };
         for (String[] row : rows) {
             ByteArrayOutputStream bytes = new ByteArrayOutputStream();
-            new WrappedLines(new PrintStream(bytes)).print(2, row[0]);
+            new TextLayout(new PrintStream(bytes), TextLayout.REPORT).print(2, row[0]);
             assertEquals(row[1], bytes.toString());
         }
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
-        new WrappedLines(new PrintStream(bytes)).print(2, 8, "label", word + " " + word);
+        new TextLayout(new PrintStream(bytes), TextLayout.REPORT).print(2, 8, "label", word + " " + word);
         assertEquals("  label   " + word + "\n" + " ".repeat(10) + word + "\n", bytes.toString());
     }
 }
