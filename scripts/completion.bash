@@ -66,7 +66,7 @@ _orlu_value() {
     TAG) _orlu_offer < <(_orlu_column "$root/host/java/android/hardware/camera2/impl/tags.txt") ;;
     ALGORITHM) _orlu_offer < <(_orlu_column "$java/tags/algorithms.txt") ;;
     FORMAT) _orlu_offer < <(_orlu_column "$java/tags/formats.txt") ;;
-    KIND) _orlu_offer < <(_orlu_column "$java/catalogue/kinds.txt" | grep -vE "^(every$|with-)") ;;
+    KIND) _orlu_offer < <(cd "$root/samples" && printf "%s\n" *.json | sed "s/\.json$//") ;;
     SAMPLE) _orlu_offer < <(cd "$root/samples" && printf '%s\n' *.json | sed 's/\.json$//') ;;
     CHECK) _orlu_offer < <(_orlu_checks) ;;
   esac

@@ -2,9 +2,9 @@
 """Finds by trial what the catalogue says of tags and parameters: which depends on which, who reads and writes them,
 what stands where tags are absent, and what became of each sample's algorithms.
 
-make_catalogue.py                     writes the table, service/java/.../tool/catalogue/found.txt, and docs/contract.md
-make_catalogue.py --page              writes the page alone, of the tables as they are
-make_catalogue.py --check             compares the two with what is found, and writes nothing
+make_catalogue.py                     writes service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
+make_catalogue.py --texts             writes both from the tables, the samples and what was found before
+make_catalogue.py --check             compares both with what is found, and writes nothing
 make_catalogue.py --check SAMPLE...   looks at these samples alone (names without .json): nothing must be missing
 
 A whole run takes about a minute. Needs a built ./run, or lets it build; ORLU_BUILD names a build folder.
@@ -19,23 +19,13 @@ import sys
 import tempfile
 from pathlib import Path
 
+import catalogue_entries
+
 ROOT = Path(__file__).resolve().parent.parent
-TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/found.txt"
-ALGORITHMS = TABLE.parent.with_name("tags") / "algorithms.txt"
+CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/catalogue.json"
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
-HEAD = """\
-# Found by trial and in the source, and written by scripts/make_catalogue.py: not to be edited. Rows are sorted.
-#   absent PARAMETER VALUE         the value where no tag is there: "0" where all bytes are zero
-#   algorithm NAME SAMPLE FATE     what became of it: asked or added; kept or removed; ran or skipped by the stand-in
-#   depends TAG PARAMETER          another value of the tag changes the parameter; "*" is most of them
-#   puts, reads TAG FUNCTION FILE    who puts it into a composition or the callback's map, who asks for it
-#   returns PARAMETER FUNCTION FILE  who reads it back
-#   writes PARAMETER FUNCTION FILE   who hands it over
-"""
 LONGEST_VALUE = 60
-# Nearly everything depends on it, so that the page leaves it out.
-ALGORITHM_LIST = "orlu.control.algoType"
 # What no sample asks for is in these: each algorithm of the catalogue, on processed and on raw input.
 ALL_OF = ("capture", "raw-night")
 
@@ -112,14 +102,6 @@ def is_put(file, line):
 
 # -- By trial.
 
-def algorithms():
-    names = []
-    for line in ALGORITHMS.read_text().splitlines():
-        if line and not line.startswith("#") and line.split()[0] not in names:
-            names.append(line.split()[0])
-    return names
-
-
 def requests(samples):
     """What is run: name, request, and whether its tags are to be tried."""
     for sample in samples:
@@ -127,7 +109,8 @@ def requests(samples):
         yield sample, request, True
         yield f"{sample}-bare", bare(request), False
         if sample in ALL_OF:
-            everything = {**request, "algorithms": [name for name in algorithms() if name != "frameClarOnly"]}
+            names = [name for name in catalogue_entries.algorithm_names() if name != "frameClarOnly"]
+            everything = {**request, "algorithms": names}
             yield f"{sample}-all", everything, True
             yield f"{sample}-all-bare", bare(everything), False
 
@@ -234,12 +217,7 @@ def found(samples, tags):
     return rows | source_rows(tags), asked
 
 
-# -- The page, from what the command says of the table.
-
-def catalogue(part):
-    result = subprocess.run([ROOT / "run", part, "--json"], text=True, capture_output=True, check=True)
-    return json.loads(result.stdout)
-
+# -- The page.
 
 def table(heading, rows):
     cells = [heading, ["---"] * len(heading), *rows]
@@ -258,102 +236,96 @@ def type_of(entry):
     return entry["type"] + (f" (`{entry['record']}`)" if entry["record"] else "")
 
 
-def handed_over():
+def handed_over(catalogue):
     """A table for each section."""
     text, sections = "", {}
-    for entry in catalogue("parameters"):
+    for entry in catalogue["parameters"]:
         if "in" in entry["direction"]:
             sections.setdefault(entry["section"], []).append(entry)
     for section, entries in sections.items():
         rows = [[f"`{entry['key']}`", type_of(entry), entry["bytes"], " or ".join(entry["withoutTags"]) or "not sent",
-                 code(tag for tag in entry["tags"] if tag != ALGORITHM_LIST), functions_of(entry["writtenBy"])]
+                 code(tag for tag in entry["tags"] if tag != catalogue_entries.ALGORITHM_LIST),
+                 functions_of(entry["writtenBy"])]
                 for entry in entries]
         text += f"### {section}\n\n"
         text += table(["key", "type", "bytes", "without tags", "tags that change it", "written by"], rows) + "\n"
     return text.rstrip("\n") + "\n"
 
 
-def read_back():
+def read_back(catalogue):
     return table(["section", "key", "type", "bytes", "read by"],
                  [[entry["section"], f"`{entry['key']}`", type_of(entry), str(entry["bytes"]).split(" ")[0],
                    functions_of(entry["readBackBy"])]
-                  for entry in catalogue("parameters") if "out" in entry["direction"]])
+                  for entry in catalogue["parameters"] if "out" in entry["direction"]])
 
 
-def algorithm_page():
+def algorithm_page(catalogue):
     return table(["algorithm", "what it is", "added", "removed", "in the list, it does", "read back", "stand-in"],
                  [[f"`{entry['name']}`", entry["is"], " ".join(entry["added"]), " ".join(entry["removed"]),
                    " ".join(entry["does"]), " ".join(entry["returns"]), entry["standIn"]]
-                  for entry in catalogue("algorithms")])
+                  for entry in catalogue["algorithms"]])
 
 
-def tag_page():
+def tag_page(catalogue):
     return table(["tag", "type", "unit", "meaning", "read by", "put back by"],
                  [[f"`{entry['name']}`", entry["type"], entry["unit"], entry["meaning"],
                    "nobody" if "nobody" in str(entry["readBy"]) else functions_of(entry["readBy"]),
-                   functions_of(entry["putBackBy"])] for entry in catalogue("tags")])
+                   functions_of(entry["putBackBy"])] for entry in catalogue["tags"]])
 
 
-def value_page():
+def value_page(catalogue):
     return table(["tag", "value", "meaning"],
                  [[f"`{entry['name']}`", value["value"], value["meaning"]]
-                  for entry in catalogue("tags") for value in entry["values"]])
+                  for entry in catalogue["tags"] for value in entry["values"]])
 
 
-def format_page():
+def format_page(catalogue):
     fields = ("is", "code", "planes", "row", "stride", "files")
     return table(["format", *fields], [[f"`{entry['name']}`", *(entry[field] for field in fields)]
-                                       for entry in catalogue("formats")])
+                                       for entry in catalogue["formats"]])
 
 
 TABLES = {"parameters": handed_over, "results": read_back, "algorithms": algorithm_page, "tags": tag_page,
           "values": value_page, "formats": format_page}
 
 
-def page():
+def page(catalogue):
     """The page with its tables made anew; what lies between them is written by hand."""
     text = PAGE.read_text()
     for name, make in TABLES.items():
         start, end = f"<!-- made: {name} -->\n", "<!-- end -->\n"
         before, rest = text.split(start)
-        text = before + start + make() + end + rest.split(end, 1)[1]
+        text = before + start + make(catalogue) + end + rest.split(end, 1)[1]
     return text
-
-
-def write_page():
-    """Of tables that the command has in its build."""
-    if "ORLU_BUILD" in os.environ:
-        subprocess.run(["cmake", "--build", os.environ["ORLU_BUILD"], "--target", "orlu-service"], check=True,
-                       stdout=subprocess.DEVNULL)
-    PAGE.write_text(page())
 
 
 def main():
     arguments = sys.argv[1:]
-    if arguments == ["--page"]:
-        write_page()
-        return 0
     is_check = arguments[:1] == ["--check"]
     chosen = arguments[1:] if is_check else []
-    samples = chosen or sorted(path.stem for path in (ROOT / "samples").glob("*.json"))
-    tags = [line.split()[0] for line in TAGS.read_text().splitlines() if line and not line.startswith("#")]
-    rows, asked = found(samples, tags)
+    known = catalogue_entries.rows_of(json.loads(CATALOGUE.read_text()))
     problems = []
-    if not chosen:
-        read = {row.split()[1] for row in rows if row.startswith("reads ")}
-        problems += [f"{tag} is asked for, and no function of jni/ names it" for tag in sorted(asked - read)]
-        problems += [f"{tag} is named in jni/, and no sample makes it asked for" for tag in sorted(read - asked)]
-    known = set(TABLE.read_text().splitlines()) if TABLE.exists() else set()
-    known = {line for line in known if not line.startswith("#")}
+    if arguments == ["--texts"]:
+        rows, samples = known, []
+    else:
+        samples = chosen or [sample.name for sample in catalogue_entries.samples()]
+        tags = [line.split()[0] for line in TAGS.read_text().splitlines() if line and not line.startswith("#")]
+        rows, asked = found(samples, tags)
+        if not chosen:
+            read = {row.split()[1] for row in rows if row.startswith("reads ")}
+            problems += [f"{tag} is asked for, and no function of jni/ names it" for tag in sorted(asked - read)]
+            problems += [f"{tag} is named in jni/, and no sample makes it asked for" for tag in sorted(read - asked)]
+    catalogue = catalogue_entries.parts(known if chosen else rows)
+    texts = {CATALOGUE: catalogue_entries.text(catalogue), PAGE: page(catalogue)}
     if is_check:
         gone = set() if chosen else known - rows
-        problems += [f"{TABLE.name} lacks: {row}" for row in sorted(rows - known)]
-        problems += [f"{TABLE.name} has in vain: {row}" for row in sorted(gone)]
+        problems += [f"{CATALOGUE.name} lacks: {row}" for row in sorted(rows - known)]
+        problems += [f"{CATALOGUE.name} has in vain: {row}" for row in sorted(gone)]
+        problems += [f"{file.relative_to(ROOT)} is out of date: scripts/make_catalogue.py --texts"
+                     for file, text in texts.items() if text != file.read_text()]
     else:
-        TABLE.write_text(HEAD + "".join(f"{row}\n" for row in sorted(rows)))
-        write_page()
-    if is_check and page() != PAGE.read_text():
-        problems.append(f"{PAGE.relative_to(ROOT)} is not what the command makes: scripts/make_catalogue.py --page")
+        for file, text in texts.items():
+            file.write_text(text)
     print(*problems, f"{len(rows)} rows of {len(samples)} samples", sep="\n")
     return 1 if problems else 0
 

@@ -29,7 +29,7 @@ tags orlu.feedback.TunningMode    | 0 | put back by updateTunningMode (result_up
 tags android.jpeg.quality         | 0 | read by nobody: no function of the library asks for it
 tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
 tags currentModEx                 | 2 | run: no tag has currentModEx in its name (did you mean currentModeEx?)
-algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; samples hdr5 added ran
+algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; hdr5 added ran
 algorithms jpegEncode             | 0 | removed Of raw input. ; raw-night asked removed
 algorithms beauti                 | 2 | did you mean beauty?
 parameters exif_info_for_write    | 0 | record ExifInfo ; bytes 152

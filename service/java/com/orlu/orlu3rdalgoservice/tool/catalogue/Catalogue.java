@@ -1,18 +1,98 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.io.InputStream;
+import java.io.UncheckedIOException;
+import java.nio.charset.StandardCharsets;
 import java.util.List;
+import java.util.Map;
 import java.util.function.Function;
-import java.util.function.Supplier;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /**
- * One part of the catalogue.
+ * One part of catalogue.json, which scripts/make_catalogue.py writes, and how people see it.
  *
  * @param one     what an entry is called, such as "tag"
- * @param help    what the help says of it
- * @param columns the fields that a line of the list shows after the name
- * @param below   what is shown below that line of an entry; "" for nothing
- * @param entries all entries, by name
+ * @param help    what the help says of the part
+ * @param columns the fields that the list shows after the name
+ * @param below   the text below an entry's line of the list
  */
-record Catalogue(String one, String help, List<String> columns, Function<Entry, String> below,
-        Supplier<List<Entry>> entries) {
+record Catalogue(String one, String help, List<String> columns, Function<Json, String> below) {
+    private static final String FILE = "catalogue.json";
+    private static final Map<String, Catalogue> PARTS = Map.of(
+            "tags", new Catalogue("tag",
+                    "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it "
+                    + "says also which values have a meaning, which functions read it or put it back, which "
+                    + "parameters change with it, what those are where no tag is there, and what samples set.",
+                    List.of("type", "unit"), entry -> text(entry.get("meaning"))),
+            "algorithms", new Catalogue("algorithm",
+                    "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
+                    + "it or takes it out, what changes when it is in the list, what is read back, whether the "
+                    + "stand-in runs it, and what became of it in each sample.",
+                    List.of("standIn"), entry -> text(entry.get("is"))),
+            "parameters", new Catalogue("parameter",
+                    "Lists the parameters that the library hands to the algorithm library (in) and reads back "
+                    + "(out), by section without orlu.algo. and key: type and bytes. Of one it says also which "
+                    + "functions write it or read it back, the tags that change it, and what it is where no tag "
+                    + "is there.",
+                    List.of("type", "bytes", "direction"), Catalogue::belowParameter),
+            "formats", new Catalogue("format",
+                    "Lists the image formats: what the pixels are, the code that the algorithm library gets, "
+                    + "planes, bytes of a row of a picture W pixels wide, what becomes of strides, which files a "
+                    + "request file can fill an image from, and which samples have it.",
+                    List.of("code"), entry -> text(entry.get("is"))),
+            "samples", new Catalogue("sample",
+                    "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it "
+                    + "says also its images, and the tags that few other samples set.",
+                    List.of("shape", "algorithms"), entry -> text(entry.get("about"))));
+
+    /** Returns a part by its name: tags, algorithms, parameters, formats or samples. */
+    static Catalogue of(String part) {
+        return PARTS.get(part);
+    }
+
+    /** Returns the entries of a part, in the order of the list. */
+    static List<Json> entries(String part) {
+        try (InputStream stream = Catalogue.class.getResourceAsStream(FILE)) {
+            String text = new String(stream.readAllBytes(), StandardCharsets.UTF_8);
+            return Json.parse(FILE, 1, text).require(part).list();
+        } catch (MistakeException e) {
+            throw new IllegalStateException(e);
+        } catch (IOException e) {
+            throw new UncheckedIOException(e);
+        }
+    }
+
+    /** Returns an entry's name. */
+    static String name(Json entry) {
+        return entry.string("name", "");
+    }
+
+    /** Returns a value as a text: a list with commas, the values of an object with blanks between them. */
+    static String text(Json value) {
+        if (value.isList()) {
+            return value.elements().stream().map(Catalogue::text).collect(Collectors.joining(", "));
+        }
+        return value.isObject()
+                ? value.entries().values().stream().map(Catalogue::text).collect(Collectors.joining("  "))
+                : value.asText();
+    }
+
+    private static String belowParameter(Json entry) {
+        String tags = text(entry.get("tags"));
+        return Stream.of(functions("by ", entry.get("writtenBy")), tags.isEmpty() ? "" : "from " + tags,
+                functions("read back by ", entry.get("readBackBy")))
+                .filter(part -> !part.isEmpty()).collect(Collectors.joining("; "));
+    }
+
+    // Without their files.
+    private static String functions(String before, Json places) {
+        String names = places.elements().stream().map(place -> text(place).replaceFirst(" .*", "")).distinct()
+                .collect(Collectors.joining(", "));
+        return names.isEmpty() ? "" : before + names;
+    }
 }

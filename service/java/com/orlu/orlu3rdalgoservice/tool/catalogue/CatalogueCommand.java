@@ -2,11 +2,14 @@ package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
-import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
+import java.util.stream.Stream;
 
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
@@ -26,21 +29,10 @@ public final class CatalogueCommand extends Command {
         mExample = example;
     }
 
-    // Made when it is asked for: every run of ./run makes the command.
-    private Catalogue catalogue() {
-        return switch (name()) {
-            case "tags" -> TagCatalogue.catalogue();
-            case "algorithms" -> AlgorithmCatalogue.catalogue();
-            case "parameters" -> ParameterCatalogue.catalogue();
-            case "formats" -> FormatCatalogue.catalogue();
-            default -> SampleCatalogue.catalogue();
-        };
-    }
-
     @Override
     public CommandSpec spec() {
         CommandSpec spec = Arguments.command(name() + " [" + mLabel + "] [--json]",
-                List.of(catalogue().help(),
+                List.of(Catalogue.of(name()).help(),
                         mLabel + " is a part of a name, or a whole one, of which all is shown."),
                 List.of("./run " + name(), "./run " + name() + " " + mExample));
         spec.addPositional(Arguments.positional(mLabel, 0, 1, String.class));
@@ -51,38 +43,39 @@ public final class CatalogueCommand extends Command {
     @Override
     public int run(ParseResult line) {
         List<String> words = line.matchedPositionalValue(0, List.of());
-        Catalogue catalogue = catalogue();
-        List<Entry> all = catalogue.entries().get();
-        List<Entry> wanted = words.isEmpty() ? all : wanted(catalogue.one(), all, words.get(0));
+        List<Json> all = Catalogue.entries(name());
+        List<Json> wanted = words.isEmpty() ? all : wanted(all, words.get(0));
         if (line.hasMatchedOption("--json")) {
-            System.out.print(Json.pretty(wanted.stream().map(Entry::facts).toList()));
+            System.out.print(JsonWriter.pretty(wanted));
         } else if (!words.isEmpty() && wanted.size() == 1) {
-            new Page(System.out).detail(catalogue.one(), wanted.get(0));
+            new Page(System.out).detail(name(), wanted.get(0));
         } else {
-            new Page(System.out).list(catalogue, name(), wanted);
+            new Page(System.out).list(name(), wanted);
         }
         return Verdict.OK;
     }
 
-    // The entry of that name, else those of which the word is a part.
-    private static List<Entry> wanted(String one, List<Entry> all, String word) {
-        List<Entry> exact = all.stream().filter(entry -> entry.isCalled(word)).toList();
+    // The entry of that name, or of that name after a slash; else those of which the word is a part.
+    private List<Json> wanted(List<Json> all, String word) {
+        List<Json> exact = all.stream().filter(entry -> ("/" + Catalogue.name(entry)).endsWith("/" + word))
+                .toList();
         if (!exact.isEmpty()) {
             return exact;
         }
-        List<Entry> near = all.stream().filter(entry -> entry.contains(word)).toList();
+        String part = word.toLowerCase(Locale.ROOT);
+        List<Json> near = all.stream()
+                .filter(entry -> Catalogue.name(entry).toLowerCase(Locale.ROOT).contains(part)).toList();
         if (near.isEmpty()) {
-            throw new IllegalArgumentException("no " + one + " has " + word + " in its name"
-                    + NearestWord.question(word, names(all)));
+            throw new IllegalArgumentException("no " + Catalogue.of(name()).one() + " has " + word
+                    + " in its name" + NearestWord.question(word, names(all)));
         }
         return near;
     }
 
-    // Whole names, and what people say instead: the part behind the last dot or slash.
-    private static List<String> names(List<Entry> all) {
-        List<String> names = new ArrayList<>();
-        all.forEach(entry -> names.add(entry.name()));
-        all.forEach(entry -> names.add(entry.name().replaceFirst(".*[./]", "")));
-        return names;
+    // Whole names, and what people type instead: the part after the last dot or slash.
+    private static List<String> names(List<Json> all) {
+        List<String> names = all.stream().map(Catalogue::name).toList();
+        return Stream.concat(names.stream(), names.stream().map(name -> name.replaceFirst(".*[./]", "")))
+                .toList();
     }
 }

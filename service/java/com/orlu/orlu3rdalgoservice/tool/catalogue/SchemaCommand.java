@@ -5,15 +5,18 @@ import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.tags.AlgorithmNames;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.io.InputStream;
-import java.util.Arrays;
+import java.nio.charset.StandardCharsets;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -39,23 +42,23 @@ public final class SchemaCommand extends Command {
     }
 
     @Override
-    public int run(ParseResult line) throws IOException {
-        System.out.print(Json.pretty(schema()));
+    public int run(ParseResult line) throws IOException, MistakeException {
+        System.out.print(JsonWriter.pretty(schema()));
         return Verdict.OK;
     }
 
-    // The file beside this class, filled with tags, algorithms and formats.
-    private static Map<String, Object> schema() throws IOException {
+    // The file beside this class, with tags, algorithms and formats added.
+    private static Map<String, Object> schema() throws IOException, MistakeException {
         Map<String, Object> schema;
         try (InputStream stream = SchemaCommand.class.getResourceAsStream(FILE)) {
-            schema = object(Json.read(stream));
+            String text = new String(stream.readAllBytes(), StandardCharsets.UTF_8);
+            schema = new LinkedHashMap<>(Json.parse(FILE, 1, text).members());
         }
-        Map<String, Object> definitions = object(schema.get("definitions"));
+        Map<String, Object> definitions = opened(schema, "definitions");
         definitions.put("algorithm", algorithm());
-        definitions.put("format", Map.of("enum",
-                Arrays.stream(PixelFormat.values()).map(Enum::name).toList()));
-        Map<String, Object> reported = object(object(definitions.get("captureResult")).get("properties"));
-        Map<String, Object> composed = object(object(definitions.get("composition")).get("properties"));
+        definitions.put("format", Map.of("enum", PixelFormat.names()));
+        Map<String, Object> reported = opened(opened(definitions, "captureResult"), "properties");
+        Map<String, Object> composed = opened(opened(definitions, "composition"), "properties");
         for (String tag : TagTable.names()) {
             reported.put(tag, described(tag, reference(TagTable.typeOf(tag).name())));
             composed.put(tag, described(tag, Map.of("anyOf",
@@ -64,9 +67,11 @@ public final class SchemaCommand extends Command {
         return schema;
     }
 
-    @SuppressWarnings("unchecked")
-    private static Map<String, Object> object(Object value) {
-        return (Map<String, Object>) value;
+    // Replaces a member, an object, by a copy that can be changed, and returns that.
+    private static Map<String, Object> opened(Map<String, Object> object, String name) throws MistakeException {
+        Map<String, Object> copy = new LinkedHashMap<>(((Json) object.get(name)).members());
+        object.put(name, copy);
+        return copy;
     }
 
     private static Map<String, Object> reference(String definition) {
@@ -75,9 +80,7 @@ public final class SchemaCommand extends Command {
 
     // A name that nobody knows is no mistake: another algorithm library may have it.
     private static Map<String, Object> algorithm() {
-        Map<String, Object> known = new LinkedHashMap<>();
-        known.put("enum", AlgorithmNames.all());
-        return Map.of("anyOf", List.of(known, Map.of("type", "string")));
+        return Map.of("anyOf", List.of(Map.of("enum", AlgorithmNames.all()), Map.of("type", "string")));
     }
 
     // Other members beside a reference are ignored, so that it is wrapped.

@@ -146,12 +146,17 @@ public final class Json implements Place {
         return member != null ? member : new Json(mMistakes, this, name, 0, mSpot, mSpot, null);
     }
 
+    /** A text without quotes, a number, "true", "false" or "null"; "" for an object or a list. */
+    public String asText() {
+        return isObject() || isList() ? "" : String.valueOf(mContent);
+    }
+
     /** What this value is, for a message. */
     public String found() {
         if (isObject()) {
             return "an object";
         }
-        return isList() ? "a list" : isString() ? quoted((String) mContent) : cut(String.valueOf(mContent));
+        return isList() ? "a list" : isString() ? quoted(asText()) : cut(asText());
     }
 
     /** Returns a text without its end if it is long. */

@@ -15,12 +15,12 @@ import java.util.Set;
  * Reads a table in a text file beside this class: a row a line, its columns separated by blanks. The last
  * column reaches to the end of the line. Blank lines and lines that begin with # don't count.
  */
-public final class Table {
+final class Table {
     private Table() {
     }
 
     /** Returns the rows, each of this many columns; throws IllegalStateException if one has fewer. */
-    public static List<String[]> rows(String file, int columns) {
+    static List<String[]> rows(String file, int columns) {
         List<String[]> rows = new ArrayList<>();
         for (String line : lines(file)) {
             String[] row = line.split(" +", columns);
