@@ -25,7 +25,7 @@ import picocli.CommandLine.ParseResult;
 public final class NewCommand extends Command {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");
     private static final String PHOTO = "\"photo\": \"";
-    private static final int WIDTH = 90;
+    private static final int WIDTH = 98;
     private static final int FURTHER = 4;
     private static final int MOST_NAMES = 7;
     private static final int MOST_VALUES = 4;
