@@ -9,6 +9,7 @@ import os
 import struct
 import sys
 import tempfile
+import zlib
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
@@ -197,6 +198,45 @@ def survives_damage():
         expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
 
 
+def png_header(width, height):
+    """A PNG file of this size without its pixels."""
+    def chunk(name, data):
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+    header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+    return b"\x89PNG\r\n\x1a\n" + header + chunk(b"IDAT", zlib.compress(bytes(99))) + chunk(b"IEND", b"")
+
+
+def distrusts_strangers():
+    """What would take gigabytes or minutes is refused, a stack or an escape sequence never printed."""
+    result = ("Dumping camera metadata array: 1 / 1 entries\n"
+              " android.sensor.timestamp (e0010): int64[1]\n [5 ]\n")
+    exif = jpeg_with_exif()
+    rows = [
+        ("big.png", png_header(16000, 16000),
+         "its pixels are no input: needs at most 134217728 pixels, found 16000x16000"),
+        ("wide.png", png_header(20000, 2), "needs sides of at most 16384 pixels, found 20000x2"),
+        ("many.txt", (result * 70).encode(), "10 results dropped: a request has at most 60 frames"),
+        ("dots.txt", (result + "a." * 600000 + "\n").encode(), "line 4: dropped, it has 1200000 characters"),
+        ("slow.txt", (result + "." * 900000 + "\n").encode(), "1 frames with 1 tags"),
+        ("large.txt", b"a\n" * (5 << 20), "needs at most 8388608 bytes for a dump, found 10485760"),
+        ("esc.txt", (result + " android.control.aeMode (1): byte[1]\n [\x1b[2J\x9b\u202e]\n").encode(),
+         "no number and no known name: \\u001b[2J\\u009b\\u202e"),
+        ("esc.json", json.dumps({"captureResult": {"a\x1b[2J": 1}}).encode(),
+         "a\\u001b[2J dropped, unknown tag"),
+        ("many.json", json.dumps({"captureResults": [{}] * 1000, "outputs": [7] * 2000}).encode(),
+         "and 1001 more notes"),
+        ("marker.jpg", exif.replace(b"II*\0", b"IIx\0", 1), "can't be read: Unexpected TIFF marker: 0x78"),
+        ("empty.tif", b"", "can't be read: Attempt to read from beyond end"),
+    ]
+    for name, content, line in rows:
+        Path(name).write_bytes(content)
+        done = run("import", name, "--out", "made/strange.json")
+        printed = done.stdout + done.stderr
+        expect(f"{name}: {printed[:300]}", (True, True, []),
+               (line in printed, done.returncode in (0, 2),
+                [c for c in printed if ord(c) < 32 and c != "\n" or 127 <= ord(c) < 160 or c == "\u202e"]))
+
+
 def cut_dump_notes():
     text = (FORMS / "dump.txt").read_text()
     Path("cut.txt").write_text(text[:text.index("BACK") + 2])
@@ -207,6 +247,6 @@ def cut_dump_notes():
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
     for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif,
-                 drops_odd_exif, survives_damage):
+                 drops_odd_exif, survives_damage, distrusts_strangers):
         case()
 finish()

@@ -25,29 +25,30 @@ record Catalogue(String one, String help, List<String> columns, Function<Json, S
     private static final String FILE = "catalogue.json";
     private static final Map<String, Catalogue> PARTS = Map.of(
             "tags", new Catalogue("tag",
-                    "Lists the tags of capture results and compositions: type, unit and meaning. Of one tag it "
-                    + "says also which values have a meaning, which functions read it or put it back, which "
-                    + "parameters change with it, what those are where no tag is there, and what samples set.",
+                    "Lists the tags of capture results and compositions: type, unit and meaning. Of "
+                    + "one tag it says also which values have a meaning, which functions read it or put "
+                    + "it back, which parameters change with it, what those are where no tag is there, "
+                    + "and what samples set.",
                     List.of("type", "unit"), entry -> text(entry.get("meaning"))),
             "algorithms", new Catalogue("algorithm",
-                    "Lists the algorithms that a request can ask for. Of one it says also when the library adds "
-                    + "it or takes it out, what changes when it is in the list, what is read back, whether the "
-                    + "stand-in runs it, and what became of it in each sample.",
+                    "Lists the algorithms that a request can ask for. Of one it says also when the "
+                    + "library adds it or takes it out, what changes when it is in the list, what is "
+                    + "read back, whether the stand-in runs it, and what became of it in each sample.",
                     List.of("standIn"), entry -> text(entry.get("is"))),
             "parameters", new Catalogue("parameter",
-                    "Lists the parameters that the library hands to the algorithm library (in) and reads back "
-                    + "(out), by section without orlu.algo. and key: type and bytes. Of one it says also which "
-                    + "functions write it or read it back, the tags that change it, and what it is where no tag "
-                    + "is there.",
+                    "Lists the parameters that the library hands to the algorithm library (in) and "
+                    + "reads back (out), by section without orlu.algo. and key: type and bytes. Of one "
+                    + "it says also which functions write it or read it back, the tags that change it, "
+                    + "and what it is where no tag is there.",
                     List.of("type", "bytes", "direction"), Catalogue::belowParameter),
             "formats", new Catalogue("format",
-                    "Lists the image formats: what the pixels are, the code that the algorithm library gets, "
-                    + "planes, bytes of a row of a picture W pixels wide, what becomes of strides, which files a "
-                    + "request file can fill an image from, and which samples have it.",
+                    "Lists the image formats: what the pixels are, the code that the algorithm library "
+                    + "gets, planes, bytes of a row of a picture W pixels wide, what becomes of strides, "
+                    + "which files a request file can fill an image from, and which samples have it.",
                     List.of("code"), entry -> text(entry.get("is"))),
             "samples", new Catalogue("sample",
-                    "Lists the request files in samples/: what each shows, its frames and algorithms. Of one it "
-                    + "says also its images, and the tags that few other samples set.",
+                    "Lists the request files in samples/: what each shows, its frames and algorithms. "
+                    + "Of one it says also its images, and the tags that few other samples set.",
                     List.of("shape", "algorithms"), entry -> text(entry.get("about"))));
 
     /** Returns a part by its name: tags, algorithms, parameters, formats or samples. */

@@ -110,7 +110,8 @@ public final class NewCommand extends Command {
         TagFacts facts = TagFacts.of(name);
         return switch (name) {
             case "algorithms" -> List.of("./run algorithms lists them; the library may add and remove some.");
-            case "photo" -> List.of("The frames are made of this; inputs with a \"file\" come from files instead.");
+            case "photo" -> List.of(
+                    "The frames are made of this; inputs with a \"file\" come from files instead.");
             default -> facts == null ? List.of() : comments(name, facts);
         };
     }

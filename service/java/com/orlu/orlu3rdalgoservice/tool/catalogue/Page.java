@@ -47,7 +47,8 @@ final class Page {
     private void line(List<String> cells, int[] starts) {
         StringBuilder line = new StringBuilder();
         for (int i = 0; i < starts.length; ++i) {
-            line.append(" ".repeat(i == 0 ? 0 : Math.max(GAP, starts[i] - line.length()))).append(cells.get(i));
+            int gap = i == 0 ? 0 : Math.max(GAP, starts[i] - line.length());
+            line.append(" ".repeat(gap)).append(cells.get(i));
         }
         mTo.println(line.toString().stripTrailing());
     }

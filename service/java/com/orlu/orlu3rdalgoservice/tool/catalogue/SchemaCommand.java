@@ -68,7 +68,8 @@ public final class SchemaCommand extends Command {
     }
 
     // Replaces a member, an object, by a copy that can be changed, and returns that.
-    private static Map<String, Object> opened(Map<String, Object> object, String name) throws MistakeException {
+    private static Map<String, Object> opened(Map<String, Object> object, String name)
+            throws MistakeException {
         Map<String, Object> copy = new LinkedHashMap<>(((Json) object.get(name)).members());
         object.put(name, copy);
         return copy;

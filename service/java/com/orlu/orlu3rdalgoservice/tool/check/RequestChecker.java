@@ -119,7 +119,8 @@ public final class RequestChecker {
         long named = mMistakes.stream().filter(file -> file.errors() + file.warnings() > 0).count();
         if (named > 0) {
             String over = mMistakes.stream().anyMatch(Mistakes::areMore) ? "over " : "";
-            to.println("run: " + over + counted(errors(), "mistake") + " and " + counted(warnings(), "warning")
+            to.println("run: " + over + counted(errors(), "mistake") + " and "
+                    + counted(warnings(), "warning")
                     + " in " + named + " of " + counted(mMistakes.size(), "file")
                     + (isRight(isStrict) ? "" : "; nothing runs"));
         }

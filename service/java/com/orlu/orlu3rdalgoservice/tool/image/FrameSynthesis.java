@@ -1,19 +1,17 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
-import java.awt.image.BufferedImage;
 import java.io.IOException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
 import java.util.function.Supplier;
-
-import javax.imageio.ImageIO;
 
 /**
  * Makes a request's frames of one photo: each is a part of it, moved by a small shift, blurred, brightened or
@@ -39,8 +37,7 @@ public final class FrameSynthesis {
     /** The photo, null when it can't be read as one. */
     public static Picture load(Path photo) {
         try {
-            BufferedImage image = ImageIO.read(photo.toFile());
-            return image == null ? null : Picture.of(image);
+            return Picture.of(PictureFile.open(photo).decode());
         } catch (IOException e) {
             return null;
         }

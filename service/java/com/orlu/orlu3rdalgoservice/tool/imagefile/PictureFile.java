@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.imagefile;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+
 import java.awt.image.BufferedImage;
 import java.awt.image.Raster;
 import java.io.IOException;
@@ -12,6 +14,8 @@ import javax.imageio.stream.ImageInputStream;
 
 /** A PNG, TIFF or JPEG file. What can't be read is an IOException whose message says what is wrong. */
 public final class PictureFile {
+    private static final int MOST_PIXELS = 1 << 27;
+
     private final Path mPath;
     private final int mWidth;
     private final int mHeight;
@@ -26,9 +30,15 @@ public final class PictureFile {
         T of(ImageReader reader) throws IOException;
     }
 
-    /** Reads the header alone. */
+    /** Reads the header alone, and refuses a picture that would take too much memory. */
     public static PictureFile open(Path path) throws IOException {
-        return with(path, reader -> new PictureFile(path, reader.getWidth(0), reader.getHeight(0)));
+        PictureFile file =
+                with(path, reader -> new PictureFile(path, reader.getWidth(0), reader.getHeight(0)));
+        if ((long) file.mWidth * file.mHeight > MOST_PIXELS) {
+            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + file.mWidth + "x"
+                    + file.mHeight);
+        }
+        return file;
     }
 
     public int width() {
@@ -73,7 +83,7 @@ public final class PictureFile {
             }
         } catch (RuntimeException e) {
             // The decoders let these pass on damaged files.
-            throw new IOException("damaged: " + e.getMessage(), e);
+            throw new IOException("damaged: " + Printable.message(e), e);
         }
     }
 }

@@ -10,12 +10,16 @@ import java.util.regex.Pattern;
  * or damaged is noted, and the rest is read.
  */
 final class DumpParser {
+    /** More values than a tag can hold. */
+    private static final int MOST_VALUES = 1 << 20;
+    /** A longer line is no dump's. */
+    private static final int LONGEST_LINE = 1 << 20;
     private static final String BUFFER = "Dumping camera metadata array";
     private static final Pattern SIZE = Pattern.compile(": (\\d{1,9}) / \\d+ entries");
     private static final Pattern ENTRY = Pattern.compile(
-            "\\s*(\\S+\\.\\S+) \\(([0-9a-fA-F]+)\\): "
+            "\\s*+([^\\s.]++\\.\\S++) \\(([0-9a-fA-F]++)\\): "
                     + "(byte|int32|int64|float|double|rational)\\[(\\d{1,9})\\]\\s*");
-    private static final Pattern CUT_ENTRY = Pattern.compile("\\s*\\S+\\.\\S+ \\([0-9a-fA-F]+\\)?:?.*");
+    private static final Pattern CUT_ENTRY = Pattern.compile("\\s*+[^\\s.]++\\.\\S++ \\([0-9a-fA-F]++.*");
     private static final Pattern RATIONAL = Pattern.compile("\\(\\s*(-?\\d+)\\s*/\\s*(-?\\d+)\\s*\\)");
 
     private final Notes mNotes;
@@ -35,7 +39,9 @@ final class DumpParser {
         for (int i = 0; i < lines.size(); ++i) {
             String line = lines.get(i);
             Matcher entry = ENTRY.matcher(line);
-            if (line.contains(BUFFER)) {
+            if (line.length() > LONGEST_LINE) {
+                mNotes.add("line " + (i + 1), "dropped, it has " + line.length() + " characters");
+            } else if (line.contains(BUFFER)) {
                 begin(line, i + 1);
             } else if (entry.matches()) {
                 if (mBuffer == null) {
@@ -82,6 +88,9 @@ final class DumpParser {
 
     // A line that is cut before its closing bracket may have lost digits of its last value.
     private void addValues(DumpEntry entry, String line, int number) {
+        if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
+            return;
+        }
         boolean isWhole = line.endsWith("]");
         String text = line.substring(1, isWhole ? line.length() - 1 : line.length());
         List<String> values = new ArrayList<>();

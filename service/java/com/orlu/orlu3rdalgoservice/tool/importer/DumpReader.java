@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
+import com.orlu.orlu3rdalgoservice.tool.request.Limits;
+
 import java.util.ArrayList;
 import java.util.List;
 
@@ -22,23 +24,31 @@ final class DumpReader {
         buffers.removeIf(List::isEmpty);
         boolean hasResults = buffers.stream().anyMatch(buffer -> has(buffer, TIMESTAMP));
         List<ImportedFrame> frames = new ArrayList<>();
-        List<ImportedFrame> descriptions = new ArrayList<>();
+        ImportedFrame description = new ImportedFrame();
+        boolean hasDescription = false;
+        int dropped = 0;
         for (List<DumpEntry> buffer : buffers) {
             if (OF_DESCRIPTIONS.stream().anyMatch(tag -> has(buffer, tag))) {
                 mNotes.add(buffer.get(0).place(), "the buffer describes a camera: its tags are taken where "
                         + "a result has none");
-                descriptions.add(DumpTags.of(buffer, mNotes));
+                description.fillFrom(DumpTags.of(buffer, mNotes));
+                hasDescription = true;
             } else if (hasResults && !has(buffer, TIMESTAMP)) {
                 mNotes.add(buffer.get(0).place(), "the buffer is no result, having no " + TIMESTAMP
                         + ": dropped");
+            } else if (frames.size() == Limits.FRAMES) {
+                ++dropped;
             } else {
                 frames.add(DumpTags.of(buffer, mNotes));
             }
         }
-        if (frames.isEmpty()) {
-            frames.addAll(descriptions);
+        if (dropped > 0) {
+            mNotes.add("", dropped + " results dropped: a request has at most " + Limits.FRAMES + " frames");
         }
-        frames.forEach(frame -> descriptions.forEach(frame::fillFrom));
+        if (frames.isEmpty() && hasDescription) {
+            frames.add(description);
+        }
+        frames.forEach(frame -> frame.fillFrom(description));
         return frames;
     }
 

@@ -1,7 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.drew.imaging.ImageMetadataReader;
 import com.drew.imaging.ImageProcessingException;
+import com.drew.imaging.jpeg.JpegSegmentReader;
+import com.drew.imaging.jpeg.JpegSegmentType;
+import com.drew.imaging.tiff.TiffMetadataReader;
+import com.drew.imaging.tiff.TiffReader;
+import com.drew.lang.ByteArrayReader;
 import com.drew.lang.GeoLocation;
 import com.drew.lang.Rational;
 import com.drew.metadata.Directory;
@@ -9,13 +13,17 @@ import com.drew.metadata.Metadata;
 import com.drew.metadata.Tag;
 import com.drew.metadata.exif.ExifDirectoryBase;
 import com.drew.metadata.exif.ExifThumbnailDirectory;
+import com.drew.metadata.exif.ExifTiffHandler;
 import com.drew.metadata.exif.GpsDirectory;
 
+import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.lang.reflect.Array;
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
@@ -26,6 +34,7 @@ import java.util.TreeSet;
 
 /** Reads what a DNG or JPEG file says in its EXIF block as the tags of a frame. */
 final class ExifReader {
+    private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
     /** The first four bytes of a filter's pattern (0 red, 1 green, 2 blue), by the number that it has. */
@@ -43,16 +52,31 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads the file; one that is no picture of a known form is a MistakeException. */
-    static ImportedFrame read(Path file, Notes notes) throws MistakeException {
+    /** Reads a JPEG file, or a DNG or another TIFF file. Throws if it has no such structure. */
+    static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
-            ExifReader reader = new ExifReader(ImageMetadataReader.readMetadata(file.toFile()), notes);
+            Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)
+                    : TiffMetadataReader.readMetadata(file.toFile());
+            ExifReader reader = new ExifReader(metadata, notes);
             reader.addAll();
             return reader.mFrame;
         } catch (ImageProcessingException | IOException | RuntimeException e) {
-            // The last are what the library lets pass on damaged files.
-            throw new MistakeException(file.toString(), "", "can't be read: " + e.getMessage());
+            // The library lets the last ones through on damaged files.
+            throw new MistakeException(file.toString(), "", "can't be read: " + Printable.message(e));
         }
+    }
+
+    // The library's own reader of JPEG files prints a stack if an EXIF block is damaged.
+    private static Metadata ofJpeg(Path file) throws ImageProcessingException, IOException {
+        Metadata metadata = new Metadata();
+        for (byte[] segment : JpegSegmentReader.readSegments(file.toFile(), List.of(JpegSegmentType.APP1))
+                .getSegments(JpegSegmentType.APP1)) {
+            if (new String(segment, StandardCharsets.ISO_8859_1).startsWith(EXIF)) {
+                new TiffReader().processTiff(
+                        new ByteArrayReader(segment), new ExifTiffHandler(metadata, null), EXIF.length());
+            }
+        }
+        return metadata;
     }
 
     private void addAll() {

@@ -89,20 +89,14 @@ public final class ImportCommand extends Command {
         importer.read(files);
         Path folder = out.toAbsolutePath().getParent();
         makeFolder(folder);
-        // It is read as ./run will read it, before it takes its place.
+        // Checked as ./run will check it.
         String text = new RequestWriter(folder, importer).text(files, algorithms, photo);
-        Path trial = Files.createTempFile(folder, "import", ".json");
-        try {
-            Files.writeString(trial, text);
-            RequestFileReader.read(trial, null);
-        } finally {
-            Files.delete(trial);
-        }
+        RequestFileReader.check(out, text);
         Files.writeString(out, text);
         notes.lines().forEach(to::println);
         int tags = importer.frames().stream().mapToInt(frame -> frame.tags().size()).sum();
         to.println(out + ": " + importer.frames().size() + " frames with " + tags + " tags, "
-                + importer.pictures().size() + " pictures, " + notes.lines().size() + " notes");
+                + importer.pictures().size() + " pictures, " + notes.count() + " notes");
         if (importer.pictures().isEmpty() && photo == null) {
             to.println(out + ": no inputs; --photo makes them of a photo");
         }

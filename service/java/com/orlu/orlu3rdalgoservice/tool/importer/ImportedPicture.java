@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.request.Limits;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.io.IOException;
@@ -25,6 +26,10 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
             return new ImportedPicture(file, PixelFormat.RAW16, null);
         }
         PictureFile picture = PictureFile.open(file);
+        if (Math.max(picture.width(), picture.height()) > Limits.FILE_SIDE) {
+            throw new IOException("needs sides of at most " + Limits.FILE_SIDE + " pixels, found "
+                    + picture.width() + "x" + picture.height());
+        }
         boolean isEven = picture.width() % 2 == 0 && picture.height() % 2 == 0;
         return new ImportedPicture(file, isEven ? PixelFormat.NV21 : PixelFormat.R8G8B8A8, null);
     }

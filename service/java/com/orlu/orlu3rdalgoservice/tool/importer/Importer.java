@@ -1,7 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
+import com.orlu.orlu3rdalgoservice.tool.request.Limits;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -16,7 +18,8 @@ import java.util.function.Predicate;
  * JSON, any other text a dump; the rest are pictures.
  */
 final class Importer {
-    private static final int MOST_FRAMES = 60;
+    private static final int MOST_DUMP_BYTES = 8 << 20;
+    private static final int MOST_OUTPUTS = Limits.FRAMES * Limits.IMAGES;
     private static final int PROBE_BYTES = 4096;
 
     private final Notes mNotes;
@@ -54,9 +57,15 @@ final class Importer {
         }
         pixels.forEach(this::readPixels);
         List.copyOf(mExpected).forEach(this::find);
-        while (mFrames.size() > MOST_FRAMES) {
-            mNotes.add("frame " + (mFrames.size() - 1), "dropped: a request has at most " + MOST_FRAMES);
-            mFrames.remove(mFrames.size() - 1);
+        limit("frame", mFrames, Limits.FRAMES);
+        limit("frame", mExifFrames, Limits.FRAMES);
+        limit("picture", mPictures, MOST_OUTPUTS);
+    }
+
+    private void limit(String what, List<?> all, int most) {
+        if (all.size() > most) {
+            mNotes.add("", what + "s from " + most + " on dropped: found " + all.size());
+            all.subList(most, all.size()).clear();
         }
     }
 
@@ -91,10 +100,15 @@ final class Importer {
         SuiteReader suite = new SuiteReader(mNotes);
         suite.read(file);
         mFrames.addAll(suite.frames());
-        suite.outputs().forEach(output -> mExpected.add(new Expected(output, file)));
+        suite.outputs().stream().limit(MOST_OUTPUTS)
+                .forEach(output -> mExpected.add(new Expected(output, file)));
     }
 
     private void readDump(Path file) throws MistakeException, IOException {
+        if (Files.size(file) > MOST_DUMP_BYTES) {
+            throw new MistakeException(file.toString(), "", "needs at most " + MOST_DUMP_BYTES
+                    + " bytes for a dump, found " + Files.size(file));
+        }
         // Bytes that are no text are replaced, and show in the notes as what they are.
         List<String> lines = new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList();
         List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
@@ -106,7 +120,8 @@ final class Importer {
     }
 
     private void readPicture(Path file, ImageFileKind kind) throws MistakeException {
-        mExifFrames.add(kind == ImageFileKind.PNG ? new ImportedFrame() : ExifReader.read(file, mNotes));
+        mExifFrames.add(kind == ImageFileKind.PNG ? new ImportedFrame()
+                : ExifReader.read(file, kind, mNotes));
         addPicture(file, kind);
     }
 
@@ -114,7 +129,7 @@ final class Importer {
         try {
             mPictures.add(ImportedPicture.of(file, kind));
         } catch (IOException e) {
-            mNotes.add("", "its pixels are no input: " + e.getMessage());
+            mNotes.add("", "its pixels are no input: " + Printable.message(e));
         }
     }
 

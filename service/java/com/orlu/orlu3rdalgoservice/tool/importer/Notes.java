@@ -1,25 +1,40 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** What an import drops or reads in a way that may surprise, each with where and why, a line each. */
+/** What an import drops, or reads in a way that may surprise: a line each, with the place and the reason. */
 final class Notes {
+    private static final int MOST = 1000;
+
     private final List<String> mLines = new ArrayList<>();
     private Path mFile;
+    private int mCount;
 
-    /** The file that the next notes are about. */
+    /** Begins the notes about a file. */
     void begin(Path file) {
         mFile = file;
     }
 
     void add(String place, String problem) {
-        String line = mFile + ": " + (place.isEmpty() ? "" : place + ": ") + problem;
-        mLines.add(line.replaceAll("\\p{Cntrl}", "?"));
+        if (++mCount <= MOST) {
+            mLines.add(Printable.line(mFile + ": " + (place.isEmpty() ? "" : place + ": ") + problem));
+        }
     }
 
+    int count() {
+        return mCount;
+    }
+
+    /** The first notes, and how many more there are. */
     List<String> lines() {
-        return mLines;
+        List<String> lines = new ArrayList<>(mLines);
+        if (mCount > MOST) {
+            lines.add("and " + (mCount - MOST) + " more notes");
+        }
+        return lines;
     }
 }

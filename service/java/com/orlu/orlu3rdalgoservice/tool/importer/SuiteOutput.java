@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.request.Limits;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.file.Path;
@@ -22,13 +23,12 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,
             "raw10", PixelFormat.MIPI_RAW10, "yuv", PixelFormat.YU12, "jpeg", PixelFormat.JPEG,
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));
-    private static final int LARGEST_SIDE = 1 << 14;
 
     /** The picture of an element of "outputs"; null if the element does not describe one. */
     static SuiteOutput of(Json output) {
         String name = output.string("format", "");
-        int width = output.integer("width", 1, LARGEST_SIDE, 0);
-        int height = output.integer("height", 1, LARGEST_SIDE, 0);
+        int width = output.integer("width", 1, Limits.FILE_SIDE, 0);
+        int height = output.integer("height", 1, Limits.FILE_SIDE, 0);
         ImageFileKind kind = ImageFileKind.of(Path.of("a." + name.replaceAll("\\W", "")));
         return FORMATS.containsKey(name) && width > 0 && height > 0
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;

@@ -32,7 +32,7 @@ import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 
-/** Builds the tree of a JSON text. A foreign text can't use more memory, stack or time than the limits allow. */
+/** Builds the tree of a JSON text. Limits bound the memory, stack and time that a foreign text can use. */
 final class JsonReader {
     static final int MOST_BYTES = 8 << 20;
     static final int MOST_VALUES = 500_000;
@@ -121,7 +121,7 @@ final class JsonReader {
         } catch (JsonEOFException e) {
             throw mistake(spot(e.getLocation()), "not JSON: the file ends too early" + unclosed());
         } catch (JsonParseException e) {
-            // Jackson has consumed the character, and names a switch of its own that would allow some of them.
+            // Jackson has consumed the character. Some messages name a switch that would allow it.
             Json.Spot next = spot(e.getLocation());
             String message = e.getOriginalMessage().replaceFirst(": enable .*", "");
             throw mistake(new Json.Spot(next.line(), Math.max(1, next.column() - 1)), "not JSON: "

@@ -11,8 +11,8 @@ import java.util.Map;
 import java.util.stream.IntStream;
 
 /**
- * Writes JSON. A value is a Json, a Map with texts as keys, an Iterable, an array, a String, a Number, a Boolean
- * or null. NaN and the infinities, which JSON lacks, become texts. Control characters are escaped.
+ * Writes JSON. A value is a Json, a Map with texts as keys, an Iterable, an array, a String, a Number, a
+ * Boolean or null. NaN and the infinities, which JSON lacks, become texts. Control characters are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";

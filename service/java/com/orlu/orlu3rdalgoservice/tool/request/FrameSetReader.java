@@ -22,7 +22,6 @@ import java.util.Set;
  * common, and a list of what is each one's own.
  */
 final class FrameSetReader {
-    private static final int MOST_FRAMES = 60;
     private static final int LARGEST_SHIFT = 64;
 
     private final Json mField;
@@ -48,7 +47,7 @@ final class FrameSetReader {
         Json set = mField.allowing(
                 "count", "common", "each", "noise", "blur", "gain", "shift", "seed", "width", "height");
         List<Json> each = set.has("each") ? set.get("each").list() : List.of();
-        int count = set.has("count") ? set.get("count").integer(0, MOST_FRAMES) : Math.max(1, each.size());
+        int count = set.has("count") ? set.get("count").integer(0, Limits.FRAMES) : Math.max(1, each.size());
         if (each.size() > count) {
             throw set.get("each").error("has " + each.size() + " frames, more than count");
         }

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -16,8 +17,6 @@ import java.util.List;
 
 /** Reads the part of an input's description that is about its file, and checks it against the file. */
 final class ImageFileReader {
-    /** A side of the largest sensors, and more than a photo's frames may have. */
-    static final int LARGEST_SIDE = 1 << 14;
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
 
@@ -78,8 +77,8 @@ final class ImageFileReader {
     private void readSize(ImageFileKind kind) throws MistakeException {
         try {
             if (kind == ImageFileKind.BYTES) {
-                mWidth = mMembers.require("width").integer(1, LARGEST_SIDE);
-                mHeight = mMembers.require("height").integer(1, LARGEST_SIDE);
+                mWidth = mMembers.require("width").integer(1, Limits.FILE_SIDE);
+                mHeight = mMembers.require("height").integer(1, Limits.FILE_SIDE);
             } else if (kind == ImageFileKind.DNG) {
                 DngFile dng = DngFile.open(mPath);
                 setSize(dng.width(), dng.height());
@@ -90,7 +89,7 @@ final class ImageFileReader {
                 mBits = Short.SIZE;
             }
         } catch (IOException e) {
-            throw mField.error(mPath + ": " + e.getMessage());
+            throw mField.error(mPath + ": " + Printable.message(e));
         }
         checkFormat(kind);
     }
@@ -102,11 +101,11 @@ final class ImageFileReader {
 
     // The header knows; who writes the size as well is to know when it is another.
     private int agreeing(String member, int inFile) throws MistakeException {
-        if (inFile > LARGEST_SIDE) {
+        if (inFile > Limits.FILE_SIDE) {
             throw mField.error(
-                    mPath + ": " + member + " needs at most " + LARGEST_SIDE + ", found " + inFile);
+                    mPath + ": " + member + " needs at most " + Limits.FILE_SIDE + ", found " + inFile);
         }
-        if (mMembers.has(member) && mMembers.get(member).integer(0, LARGEST_SIDE) != inFile) {
+        if (mMembers.has(member) && mMembers.get(member).integer(0, Limits.FILE_SIDE) != inFile) {
             throw mMembers.get(member).needs(inFile + ", which the header of " + mPath + " says");
         }
         return inFile;

@@ -12,13 +12,11 @@ import java.util.List;
 
 /** Reads "inputs" and "outputs" of a request file. */
 final class ImagePlanReader {
-    private static final int LARGEST_SIDE = 8192;
     private static final int LARGEST_CAPACITY = 1 << 29;
-    private static final int MOST_PER_FRAME = 4;
     static final int USUAL_BITS = 10;
     private static final List<String> MEMORIES = List.of("shared", "hardware");
 
-    private static final int LARGEST_STRIDE = ImageFileReader.LARGEST_SIDE * 4;
+    private static final int LARGEST_STRIDE = Limits.FILE_SIDE * 4;
 
     private final Path mRequestFile;
     private final Mistakes mMistakes;
@@ -44,7 +42,7 @@ final class ImagePlanReader {
             return images;
         }
         Json members = members(field, "perFrame");
-        int perFrame = members.integer("perFrame", 1, MOST_PER_FRAME, 1);
+        int perFrame = members.integer("perFrame", 1, Limits.IMAGES, 1);
         // Of frames that are not known, one stands for all.
         int count = Math.abs(mFrames) * perFrame;
         Json file = members.get("file");
@@ -137,7 +135,7 @@ final class ImagePlanReader {
 
     /** An even number of pixels; 0 if the member is absent. */
     static int side(Json members, String name) {
-        int side = members.integer(name, 0, LARGEST_SIDE, 0);
+        int side = members.integer(name, 0, Limits.SIDE, 0);
         if (side % 2 != 0) {
             members.mistakes().add(members.get(name).needs("an even number"));
         }

@@ -36,12 +36,21 @@ public final class RequestFileReader {
         return request;
     }
 
-    /** The same, with all mistakes and warnings noted; null when there is any mistake. */
+    /** Reads a file and notes all mistakes and warnings; null if there is any mistake. */
     public static RequestFile read(Path file, Path otherPhoto, Mistakes mistakes) {
-        Json field = Json.read(file, mistakes);
-        if (field == null) {
-            return null;
-        }
+        Json root = Json.read(file, mistakes);
+        return root == null ? null : read(file, otherPhoto, root);
+    }
+
+    /** Checks a text as the content of a file, which need not exist. The first mistake is thrown. */
+    public static void check(Path file, String text) throws MistakeException {
+        Json root = Json.parse(file.toString(), 1, text);
+        read(file, null, root);
+        root.mistakes().throwFirst();
+    }
+
+    private static RequestFile read(Path file, Path otherPhoto, Json field) {
+        Mistakes mistakes = field.mistakes();
         RequestFileReader reader = new RequestFileReader(file, otherPhoto, mistakes);
         RequestFile request = mistakes.attempt(() -> reader.root(field), null);
         if (mistakes.errors() > 0) {

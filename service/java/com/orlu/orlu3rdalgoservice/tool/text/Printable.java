@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.text;
 
+import java.io.EOFException;
 import java.util.function.IntPredicate;
 
 /** Foreign text made safe for a terminal, a log or a page. */
@@ -13,6 +14,13 @@ public final class Printable {
      */
     public static String line(String text) {
         return escaped(text, Printable::isUnsafe);
+    }
+
+    /** Returns what an exception says, in one line; never empty. */
+    public static String message(Exception e) {
+        String message = e.getMessage();
+        return message != null && !message.isBlank() ? line(message)
+                : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }
 
     /** Returns the text with line ends and tabs kept, and everything else escaped as line() does. */
