@@ -43,7 +43,7 @@ _orlu_parameters() {
       '' | '#'*) ;;
       *) if [[ $typed == */* ]]; then _orlu_offer "$section/$key"; else _orlu_offer "$key"; fi ;;
     esac
-  done <"$java/report/parameters.txt"
+  done <"$java/tags/parameters.txt"
 }
 
 # _orlu_checks: the checks of ./run conform, as its page has them in a table.

@@ -37,7 +37,7 @@ diff a|diff needs two runs, or --lib twice; see ./run diff --help
 diff . . --out old|--out: needs a folder, found a file: old
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
-trials|needs FOLDER; see ./run trials --help
+trials|needs REQUEST; see ./run trials --help
 conform --onyl x|unknown option --onyl (did you mean --only?); see ./run conform --help
 conform --junit|--junit needs a value; see ./run conform --help
 conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help

@@ -41,20 +41,20 @@ import json, pathlib, sys, zlib
 folder = pathlib.Path(sys.argv[1])
 pixels = bytearray((folder / "input0.bin").read_bytes())
 pixels[77] ^= 1
-lines = (folder / "events").read_text().splitlines()
+lines = (folder / "events.jsonl").read_text().splitlines()
 for i, line in enumerate(lines):
     event = json.loads(line)
     if event["event"] == "pixels" and event["image"] == "input":
         (folder / event["file"]).write_bytes(pixels)
         event["crc"] = f"{zlib.crc32(pixels):08x}"
         lines[i] = json.dumps(event)
-(folder / "events").write_text("\n".join(lines) + "\n")
+(folder / "events.jsonl").write_text("\n".join(lines) + "\n")
 PYTHON
 shot=$(echo shots/*-request-103)
 ends 1 '^  process input 0: [0-9]+ bytes, not as Java has it from byte 77 on / [0-9]+ bytes, as Java has it$' replay "$shot"
 ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
-info_says 'process-input0.*: is cut or damaged:' "$shot"
+info_says 'process-input0[^ ]* is cut or damaged: needs [0-9]* bytes, found 1000' "$shot"
 
 echo "== Bounded, into a folder of one's own, and of a process that ended"
 ORLU_PIXELS_BYTES=1000 ends 0 '^verdict  ok$' --record few --out images "$root/samples/capture.json"

@@ -38,12 +38,32 @@ info_says 'recorded ' shots
 
 echo "== Cut and damaged; tests/recording_faults_test.py has more"
 rm -rf cut && cp -r "$night" cut
-sed -i '6s/android/androit/' cut/recording
-info_says 'end  *not reached: line 6 is damaged: its check is' cut
-ends 2 'cut/recording: ends before the request ran: line 6 is damaged' replay cut
+truncate -s 1000 cut/outcome.json
+info_says 'end  *not reached: cut/outcome.json:' cut
+ends 0 'cut did not come to its end: compared up to there' replay cut
+truncate -s 1000 cut/request.json
+ends 2 'cut/request.json:[0-9]+:[0-9]+: ' replay cut
 rm -rf cut && cp -r "$night" cut
 truncate -s 1000 cut/input3.bin
-ends 1 'cut/input3.bin: is cut or damaged: its 1000 bytes' replay cut
+ends 2 'inputs\[3\].file: cut/input3.bin is cut or damaged: needs [0-9]* bytes, found 1000' replay cut
+mkdir old && touch old/recording
+ends 2 'recordings of version 1 are no longer read; record the request again' info old
+
+echo "== Recordings of strangers"
+printf x >outside
+cp -r "$night" strange
+for name in ../outside "$PWD/outside" /dev/zero link.bin fifo.bin folder.bin; do
+  ln -sf ../outside strange/link.bin
+  [ -e strange/fifo.bin ] || mkfifo strange/fifo.bin
+  mkdir -p strange/folder.bin
+  sed "s#\"file\":\"input3.bin\"#\"file\":\"$name\"#" "$night/request.json" >strange/request.json
+  ends 2 '^run: strange/request.json:[0-9]+:[0-9]+: inputs\[3\].file: ' replay strange
+  timeout 60 "$root/run" trim strange --out stolen >out 2>&1 && fail "trimmed with $name"
+  rm -rf stolen
+done
+cp "$night/request.json" strange/request.json
+rm strange/outcome.json && ln -s ../outside strange/outcome.json
+info_says 'end  *not reached: the process ended' strange
 
 echo "== Compared"
 ends 1 '^  updated: not reached / 0$' diff "$root/samples/night.json" "$root/samples/night-async.json"
@@ -51,7 +71,7 @@ ends 0 ': equal, ' diff "$root/samples/night.json" "$root/samples/night-async.js
 ends 1 'frame 0 was given isFullAsync = \{"int":0\} / \{"int":1\}, composition$' diff "$night" shots/*-request-102
 ORLU_PLANTED=untouched ends 1 '  output 0' diff "$root/samples/watermark.json" --lib "$stand_in" --lib "$planted" --out pictures
 ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
-ends 0 ': equal, 129 parameters' diff "$night/events" "$night/events"
+ends 0 ': equal, 129 parameters' diff "$night/events.jsonl" "$night/events.jsonl"
 ends 2 'diff needs two runs' diff "$night"
 ends 2 '--tolerance needs a NUMBER of 0 or more, found -1' diff "$night" "$night" --tolerance -1
 
@@ -59,7 +79,7 @@ echo "== What is stopped leaves no folder behind"
 mkdir stopped
 TMPDIR=$PWD/stopped ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=silent \
   setsid "$root/run" diff "$root/samples/capture.json" "$root/samples/night.json" >out 2>&1 &
-until compgen -G 'stopped/*/side1-*/recordings/*/recording' >/dev/null || ! kill -0 $! 2>/dev/null; do sleep 0.1; done
+until compgen -G 'stopped/*/side1-*/recordings/*/request.json' >/dev/null || ! kill -0 $! 2>/dev/null; do sleep 0.1; done
 kill -TERM -- -$! || fail "the comparison ended too early: $(cat out)"
 wait $!
 [ -z "$(ls stopped)" ] || fail "left behind: $(find stopped)"

@@ -49,17 +49,18 @@ protected:
       return "thrown";
     }
   }
-  // The names of the folders of recordings, each with the last part written.
+  // The names of the folders of recordings, each with what was written last: "end" is a whole outcome.
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;
     if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
     for (const auto& entry : std::filesystem::directory_iterator(mFolder + "/" + name)) {
-      std::ifstream file(entry.path() / "recording");
-      std::string last;
-      for (std::string line; std::getline(file, line);) last = line;
-      const size_t part = last.find("\"part\":\"") + 8;
-      const std::string lastPart = last.empty() ? "" : last.substr(part, last.find('"', part) - part);
-      found.push_back(entry.path().filename().string() + " " + lastPart);
+      std::ifstream file(entry.path() / "outcome.json");
+      std::string outcome;
+      std::getline(file, outcome);
+      const std::string last = outcome.empty()                         ? ""
+                               : outcome.rfind("{\"failed\":", 0) == 0 ? "failed"
+                                                                       : "end";
+      found.push_back(entry.path().filename().string() + " " + last);
     }
     std::sort(found.begin(), found.end());
     return found;
@@ -94,16 +95,16 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
     jobject compositions;
     const char* lastPart;
   } cases[] = {
-      {"none",                  "plain",  1 << 20, mInputs,      compositions,        "end"    },
-      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions,        nullptr  },
-      {"no bytes are left",     "full",   700,     mInputs,      compositions,        "request"},
-      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions,        "failed" },
-      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,            "failed" },
-      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,             "failed" },
-      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,               "failed" },
-      {"a value without text",  "text",   1 << 20, mInputs,      valued("exception"), "end"    },
-      {"want of memory",        "memory", 1 << 20, mInputs,      valued("memory"),    "failed" },
-      {"want of stack",         "stack",  1 << 20, mInputs,      valued("stack"),     "failed" },
+      {"none",                  "plain",  1 << 20, mInputs,      compositions,        "end"   },
+      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions,        nullptr },
+      {"no bytes are left",     "full",   700,     mInputs,      compositions,        "failed"},
+      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions,        "failed"},
+      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,            "failed"},
+      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,             "failed"},
+      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,               "failed"},
+      {"a value without text",  "text",   1 << 20, mInputs,      valued("exception"), "end"   },
+      {"want of memory",        "memory", 1 << 20, mInputs,      valued("memory"),    "failed"},
+      {"want of stack",         "stack",  1 << 20, mInputs,      valued("stack"),     "failed"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.fault);

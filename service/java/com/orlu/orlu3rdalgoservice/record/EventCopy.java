@@ -25,21 +25,25 @@ final class EventCopy {
         mStart = events.length();
     }
 
-    /**
-     * The events from here on, noted for whoever reads a recording whose process ended; null without a probe.
-     */
-    static EventCopy begin(RecordFile to) throws IOException {
+    /** The events from here on; null without a probe. */
+    static EventCopy begin() {
         String path = System.getenv(EVENTS_VARIABLE);
         if (path == null || path.isEmpty()) {
             return null;
         }
-        EventCopy copy = new EventCopy(new File(path));
-        to.write(new JsonText("eventsAt").add("file", path).add("from", copy.mStart));
-        return copy;
+        return new EventCopy(new File(path));
     }
 
-    /** Puts the events until now, and the pixels of the request of this id, into the recording. */
-    void end(RecordFile to, String requestId) throws IOException {
+    /** The first byte of the events, for whoever copies them after the process ended. */
+    long start() {
+        return mStart;
+    }
+
+    /**
+     * Puts the events until now, and the pixels of the request of this id, into the recording, and adds to
+     * the text what it has of them.
+     */
+    void end(RecordFolder to, String requestId, JsonText text) throws IOException {
         if (!mEvents.isFile()) {
             return;
         }
@@ -49,27 +53,28 @@ final class EventCopy {
             from.seek(mStart);
             from.readFully(bytes);
         }
-        JsonText line = new JsonText("events");
-        to.writeBytes("events", ByteBuffer.wrap(bytes), line);
-        to.write(line);
+        text.object("events").add("size", bytes.length);
+        to.writeBytes(RecordFolder.EVENTS, ByteBuffer.wrap(bytes), text);
+        text.end();
         String folder = System.getenv(PIXELS_VARIABLE);
         if (folder != null && !folder.isEmpty()) {
-            movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to);
+            text.list("leftOut");
+            movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to, text);
+            text.end();
         }
     }
 
     // Requests that run at the same time write into the same events. The folder itself can't be listed in a
     // 32-bit process on every file system.
-    private static void movePixels(File folder, String events, String requestId, RecordFile to)
-            throws IOException {
+    private static void movePixels(File folder, String events, String requestId, RecordFolder to,
+            JsonText text) throws IOException {
         Pattern line = Pattern.compile("\"event\":\"pixels\"[^\n]*\"reqId\":" + Pattern.quote(requestId)
                 + ",[^\n]*\"file\":\"([^\"/\\\\]+)\",\"crc\":\"([0-9a-f]+)\"");
         Matcher found = line.matcher(events);
         while (found.find()) {
             File file = new File(folder, found.group(1));
             if (file.isFile() && !to.takeFile(file, found.group(2))) {
-                to.write(new JsonText("pixels").add("file", file.getName())
-                        .add("kept", "no: the recording would have more bytes than it may"));
+                text.element().add("file", file.getName()).add("kept", RecordFolder.TOO_LARGE).end();
             }
         }
     }

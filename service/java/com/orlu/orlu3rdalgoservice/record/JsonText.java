@@ -7,14 +7,18 @@ import android.location.Location;
 import android.util.Rational;
 
 import java.lang.reflect.Array;
+import java.util.ArrayDeque;
+import java.util.Collections;
+import java.util.Deque;
 import java.util.Map;
 
 /**
- * One JSON object that is written member by member. A value of metadata is an object of its type's name and
- * itself, as a request file has it ({"long": 5}), so that reading it makes the same object again. A value of
- * another class is {"class": its name, "text": what toString() returns}.
+ * Writes a JSON object. A value of metadata is an object with its type's name, as a request file has it
+ * ({"long": 5}), so that reading it makes the same object again. A value of another class is {"class": its
+ * name, "text": what toString() returns}.
  */
 final class JsonText {
+    private static final int IMAGE_LEVEL = 3;
     private static final char[] HEX = "0123456789abcdef".toCharArray();
     // As a request file names them.
     private static final Map<Class<?>, String> TYPE_NAMES = Map.ofEntries(
@@ -37,14 +41,47 @@ final class JsonText {
             Map.entry(Rational.class, "rational"));
 
     private final StringBuilder mText = new StringBuilder("{");
+    private final Deque<Character> mOpen = new ArrayDeque<>(Collections.singleton('}'));
 
-    JsonText(String part) {
-        add("part", part);
+    /** Begins a member that is an object. */
+    JsonText object(String name) {
+        name(name);
+        return open('{', '}');
+    }
+
+    /** Begins a member that is a list. */
+    JsonText list(String name) {
+        name(name);
+        return open('[', ']');
+    }
+
+    /** Begins an element of a list, an object. */
+    JsonText element() {
+        separate();
+        return open('{', '}');
+    }
+
+    private JsonText open(char first, char last) {
+        mText.append(first);
+        mOpen.push(last);
+        return this;
+    }
+
+    /** Ends what was begun last. */
+    JsonText end() {
+        mText.append(mOpen.pop());
+        return this;
     }
 
     JsonText add(String name, String value) {
         name(name);
         quote(value);
+        return this;
+    }
+
+    JsonText add(String name, boolean value) {
+        name(name);
+        mText.append(value);
         return this;
     }
 
@@ -64,34 +101,45 @@ final class JsonText {
         return this;
     }
 
-    /** Adds an object of typed values, one for each key. A value that throws is written as what it threw. */
+    /** Adds an object of typed values. A value that throws is written as what it threw. */
     JsonText addValues(String name, Map<String, ?> values) {
-        name(name);
-        mText.append('{');
-        values.forEach((key, value) -> {
-            name(key);
+        object(name);
+        return addAll(values).end();
+    }
+
+    /** Adds typed values to the object that was begun last. */
+    JsonText addAll(Map<String, ?> values) {
+        for (Map.Entry<String, ?> entry : values.entrySet()) {
+            name(entry.getKey());
             int start = mText.length();
             try {
-                typed(value);
+                typed(entry.getValue());
             } catch (RuntimeException e) {
                 mText.setLength(start);
-                other(value.getClass().getName(), "can't be read: " + e.getClass().getName());
+                other(entry.getValue().getClass().getName(), "can't be read: " + e.getClass().getName());
             }
-        });
-        mText.append('}');
+        }
         return this;
     }
 
+    /** The text with everything ended that was begun. */
     @Override
     public String toString() {
-        return mText + "}";
+        StringBuilder whole = new StringBuilder(mText);
+        mOpen.forEach(whole::append);
+        return whole.append('\n').toString();
+    }
+
+    private void separate() {
+        char last = mText.charAt(mText.length() - 1);
+        if (last != '{' && last != '[') {
+            // An image is a line, and so is a tag.
+            mText.append(mOpen.size() == IMAGE_LEVEL ? "," : ",\n");
+        }
     }
 
     private void name(String name) {
-        char last = mText.charAt(mText.length() - 1);
-        if (last != '{') {
-            mText.append(',');
-        }
+        separate();
         quote(name);
         mText.append(':');
     }

@@ -21,11 +21,11 @@ import java.util.function.Function;
 import java.util.function.IntSupplier;
 
 /**
- * The recording of one request, while it is written. The first thing that fails ends it, after a line that
- * says what failed where that can still be written.
+ * The recording of one request, while it is written: what went in before the request runs, what came of it
+ * after. The first thing that fails ends it; the outcome then says what failed, where that can be written.
  */
 public final class Recording {
-    private static final int VERSION = 1;
+    private static final int VERSION = 2;
 
     /** A step of recording, which may fail. */
     interface Step {
@@ -36,7 +36,8 @@ public final class Recording {
     private final long mInst;
     private final Object mRequest;
 
-    private RecordFile mFile;
+    private RecordFolder mFolder;
+    private final JsonText mOutcome = new JsonText();
     private Function<HardwareBuffer, ByteBuffer> mMapper;
     private boolean mIsFullAsync;
     private boolean mIsOver;
@@ -52,7 +53,7 @@ public final class Recording {
 
     /** The folder that this is written into; null when there is none. */
     public File folder() {
-        return mFile == null ? null : mFile.folder();
+        return mFolder == null ? null : mFolder.folder();
     }
 
     boolean isFullAsync() {
@@ -77,55 +78,72 @@ public final class Recording {
         } catch (IOException | ErrnoException | RuntimeException | Error e) {
             // Errors too: a value's own code can want more memory or a deeper stack than there is.
             mIsOver = true;
-            boolean hasReason = closeAfter(e);
+            boolean hasReason = hasReason(e);
             RequestRecorder.warn("request " + idOf(mRequest) + " is not recorded any further: " + e
-                    + (hasReason || mFile == null ? "" : " (" + mFile.folder() + " does not say why)"));
+                    + (hasReason || mFolder == null ? "" : " (" + mFolder.folder() + " does not say why)"));
         }
     }
 
-    // Returns whether the recording has the reason. A full disk takes no last line.
-    private boolean closeAfter(Throwable problem) {
-        if (mFile == null) {
+    // Leaves the reason in the recording. A full disk takes none.
+    private boolean hasReason(Throwable problem) {
+        if (mFolder == null) {
             return false;
         }
-        try (RecordFile file = mFile) {
-            file.write(new JsonText("failed").add("what", problem.toString()));
+        try {
+            mFolder.fail(problem.toString());
             return true;
         } catch (IOException | RuntimeException | Error e) {
             return false;
         }
     }
 
-    void open(RecordFile file, Function<HardwareBuffer, ByteBuffer> mapper, Orlu3rdAlgoService service,
-            CaptureResultComposition client, Map<String, String> properties) throws IOException {
-        mFile = file;
+    void open(RecordFolder folder, Function<HardwareBuffer, ByteBuffer> mapper) {
+        mFolder = folder;
         mMapper = mapper;
-        file.write(new JsonText("header").add("format", "orlu-recording").add("version", VERSION)
+        mEvents = EventCopy.begin();
+    }
+
+    void before(Orlu3rdAlgoService service, CaptureResultComposition client, Map<String, String> properties,
+            Object inputs, Object outputs, Object compositions) throws IOException, ErrnoException {
+        VRequest request = (VRequest) mRequest;
+        JsonText text = new JsonText();
+        text.object("recording").add("format", "orlu-recording").add("version", VERSION)
                 .add("milliseconds", System.currentTimeMillis()).add("interface", service.getVersion())
                 .add("system", System.getProperty("os.name") + " " + System.getProperty("os.version"))
                 .add("machine", String.valueOf(System.getProperty("os.arch")))
-                .add("java", String.valueOf(System.getProperty("java.version"))));
-        file.write(new JsonText("client").addValues("values",
-                client == null ? new LinkedHashMap<>() : client.snapshot()));
-        file.write(new JsonText("properties").addValues("values", properties));
-        mEvents = EventCopy.begin(file);
-    }
-
-    void before(Object inputs, Object outputs, Object compositions) throws IOException, ErrnoException {
-        VRequest request = (VRequest) mRequest;
-        mFile.write(new JsonText("request").add("id", request.getRequestId())
-                .add("type", String.valueOf(request.getRequestType())));
-        int frame = 0;
+                .add("java", String.valueOf(System.getProperty("java.version")));
+        if (mEvents != null) {
+            text.add("eventsFrom", mEvents.start());
+        }
+        text.end().object("request").add("id", request.getRequestId())
+                .add("type", String.valueOf(request.getRequestType())).end();
+        addClient(text, client == null ? new LinkedHashMap<>() : client.snapshot());
+        text.object("properties");
+        properties.forEach(text::add);
+        text.end().list("frames");
         for (Object element : (List<?>) compositions) {
             CaptureResultComposition composition = (CaptureResultComposition) element;
             Map<String, Object> values = composition.snapshot();
             mBefore.add(values);
-            mFile.write(new JsonText("frame").add("index", frame++)
-                    .addValues("captureResult", tagsOf(composition)).addValues("composition", values));
+            text.element().addValues("captureResult", tagsOf(composition)).addValues("composition", values)
+                    .end();
         }
+        text.end();
         mIsFullAsync = !mBefore.isEmpty() && Integer.valueOf(1).equals(mBefore.get(0).get("isFullAsync"));
-        writeImages("input", "input", inputs, true);
-        writeImages("output", "before", outputs, false);
+        addImages(text, "inputs", "input", inputs, true);
+        addImages(text, "outputs", "before", outputs, false);
+        mFolder.write(RecordFolder.REQUEST, text);
+    }
+
+    // What the library makes a client of.
+    private static void addClient(JsonText text, Map<String, Object> values) {
+        text.object("client");
+        for (String name : new String[] {"clientId", "algoContextIndex"}) {
+            if (values.get(name) instanceof Number) {
+                text.add(name, ((Number) values.get(name)).longValue());
+            }
+        }
+        text.end();
     }
 
     private static Map<String, Object> tagsOf(CaptureResultComposition composition) {
@@ -149,42 +167,42 @@ public final class Recording {
     }
 
     // Pixels that are all 0, as new memory has them, are in no file.
-    private void writeImages(String part, String prefix, Object images, boolean always)
+    private void addImages(JsonText text, String name, String prefix, Object images, boolean always)
             throws IOException, ErrnoException {
-        int index = 0;
-        for (Object element : (List<?>) images) {
-            VImageIPC image = (VImageIPC) element;
-            JsonText line = new JsonText(part)
-                                    .add("index", index)
-                                    .add("format", String.valueOf(image.mFormat))
-                                    .add("width", image.mWidth)
-                                    .add("height", image.mHeight)
-                                    .add("rowStrides", image.mRowStrides)
-                                    .add("planeSizes", image.mPlaneSizes);
-            ByteBuffer pixels = map(image, line);
+        List<?> all = (List<?>) images;
+        text.list(name);
+        for (int i = 0; i < all.size(); ++i) {
+            VImageIPC image = (VImageIPC) all.get(i);
+            text.element().add("format", String.valueOf(image.mFormat)).add("width", image.mWidth)
+                    .add("height", image.mHeight).add("rowStrides", image.mRowStrides)
+                    .add("planeSizes", image.mPlaneSizes);
+            if (name.equals("inputs") && !mBefore.isEmpty() && all.size() % mBefore.size() == 0) {
+                text.add("frame", i / (all.size() / mBefore.size()));
+            }
+            ByteBuffer pixels = map(image, text);
             if (pixels != null) {
                 try {
-                    line.add("size", pixels.remaining());
+                    text.add("size", pixels.remaining());
                     if (always || !isZero(pixels)) {
-                        mFile.writeBytes(prefix + index + ".bin", pixels, line);
+                        mFolder.writeBytes(prefix + i + ".bin", pixels, text);
                     }
                 } finally {
                     SharedMemory.unmap(pixels);
                 }
             }
-            mFile.write(line);
-            ++index;
+            text.end();
         }
+        text.end();
     }
 
-    private ByteBuffer map(VImageIPC image, JsonText line) throws ErrnoException {
+    private ByteBuffer map(VImageIPC image, JsonText text) throws ErrnoException {
         HardwareBuffer buffer = image.mImageDataHwbuff;
         if (buffer != null) {
-            line.add("memory", "hardware").add("bufferWidth", buffer.getWidth())
-                    .add("bufferHeight", buffer.getHeight()).add("bufferFormat", buffer.getFormat());
+            text.add("memory", "hardware").add(
+                    "buffer", new int[] {buffer.getWidth(), buffer.getHeight(), buffer.getFormat()});
             return mMapper.apply(buffer);
         }
-        line.add("memory", image.mImageDataShmem == null ? "none" : "shared");
+        text.add("memory", image.mImageDataShmem == null ? "none" : "shared");
         return image.mImageDataShmem == null ? null : image.mImageDataShmem.mapReadOnly();
     }
 
@@ -207,7 +225,7 @@ public final class Recording {
     /** Runs the request, and writes what came of it; of a full-async one only that it was taken. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
-        int status = timed("processed",
+        int status = timed("processed", null,
                 () -> service.processImage(inst, request, inputs, outputs, compositions));
         if (!mIsFullAsync) {
             finish(outputs, compositions);
@@ -219,43 +237,50 @@ public final class Recording {
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         // The caller says by a value in the first composition which native request it is.
+        Map<String, Object> given = new LinkedHashMap<>();
         guard(() -> {
             Map<String, Object> first =
                     ((CaptureResultComposition) ((List<?>) compositions).get(0)).snapshot();
-            mFile.write(new JsonText("updating").addValues("composition", changes(mBefore.get(0), first)));
+            given.putAll(changes(mBefore.get(0), first));
             mBefore.set(0, first);
         });
-        int status = timed("updated",
+        int status = timed("updated", given,
                 () -> service.processImageUpdateResult(inst, request, inputs, outputs, compositions));
         finish(outputs, compositions);
         return status;
     }
 
-    private int timed(String part, IntSupplier call) {
-        guard(() -> mFile.write(new JsonText("running").add("nanoTime", System.nanoTime())));
+    private int timed(String name, Map<String, Object> given, IntSupplier call) {
         long start = System.nanoTime();
         int status;
         try {
             status = call.getAsInt();
         } catch (RuntimeException | Error e) {
-            guard(() -> mFile.write(new JsonText(part).add("thrown", e.toString())));
+            guard(() -> addCall(name, given, start).add("thrown", e.toString()).end());
             close();
             throw e;
         }
         long nanoseconds = System.nanoTime() - start;
-        guard(() -> mFile.write(new JsonText(part).add("status", status).add("ns", nanoseconds)));
+        guard(() -> addCall(name, given, start).add("status", status).add("ns", nanoseconds).end());
         return status;
+    }
+
+    private JsonText addCall(String name, Map<String, Object> given, long start) {
+        mOutcome.object(name).add("start", start);
+        return given == null ? mOutcome : mOutcome.addValues("composition", given);
     }
 
     private void finish(Object outputs, Object compositions) {
         guard(() -> {
+            mOutcome.list("put");
             int frame = 0;
             for (Object composition : (List<?>) compositions) {
-                Map<String, Object> put = changes(mBefore.get(frame),
+                Map<String, Object> put = changes(mBefore.get(frame++),
                         ((CaptureResultComposition) composition).snapshot());
-                mFile.write(new JsonText("put").add("frame", frame++).addValues("values", put));
+                mOutcome.element().addAll(put).end();
             }
-            writeImages("result", "output", outputs, true);
+            mOutcome.end();
+            addImages(mOutcome, "outputs", "output", outputs, true);
         });
         close();
     }
@@ -276,10 +301,9 @@ public final class Recording {
         mOwner.forget(this);
         guard(() -> {
             if (mEvents != null) {
-                mEvents.end(mFile, idOf(mRequest));
+                mEvents.end(mFolder, idOf(mRequest), mOutcome);
             }
-            mFile.write(new JsonText("end"));
-            mFile.close();
+            mFolder.write(RecordFolder.OUTCOME, mOutcome);
             mIsOver = true;
         });
     }

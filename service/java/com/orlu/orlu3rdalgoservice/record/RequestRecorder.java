@@ -110,9 +110,8 @@ public final class RequestRecorder {
         Recording recording = new Recording(this, inst, request);
         recording.guard(() -> {
             makeWay();
-            RecordFile file = new RecordFile(nextFolder(request), mBytes);
-            recording.open(file, mMapper, service, mClients.get(inst), mProperties.get());
-            recording.before(inputs, outputs, compositions);
+            recording.open(new RecordFolder(nextFolder(request), mBytes), mMapper);
+            recording.before(service, mClients.get(inst), mProperties.get(), inputs, outputs, compositions);
         });
         if (recording.isFullAsync()) {
             mOpen.add(recording);

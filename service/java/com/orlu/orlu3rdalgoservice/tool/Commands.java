@@ -50,7 +50,6 @@ final class Commands {
                     List.of("Prints what lets bash complete subcommands, options and their values, for this "
                             + "and any other checkout's ./run."),
                     List.of("source <(./run completion)")),
-            new RecordingCommand("play", ""),
             new RecordingCommand("trials", ""));
 
     /** A command line that is understood: a command, and what its arguments say. */

@@ -2,22 +2,21 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.judge.Crash;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
@@ -91,7 +90,7 @@ final class PostMortem {
                 report.dependences = TrialSession.found(pages.count());
                 SourceLines source = new SourceLines();
                 RecordedEvents all = new RecordedEvents();
-                List<JsonObject> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
+                List<Json> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
                 all.add(lines);
                 source.learn(all);
                 report.events.add(
@@ -133,8 +132,8 @@ final class PostMortem {
             return;
         }
         try (Stream<Path> folders = Files.list(folder)) {
-            for (Path recording : folders.filter(RecordedRequest::isRecording).toList()) {
-                RecordedRequest.addEvents(recording, events, WorkFolder.pixels());
+            for (Path recording : folders.filter(RunFolder::isRun).toList()) {
+                RunFolder.complete(recording, events, WorkFolder.pixels());
             }
         }
     }

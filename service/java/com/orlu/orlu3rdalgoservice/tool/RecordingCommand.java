@@ -2,14 +2,14 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.command.Command;
 import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.compare.ComparisonReport;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
@@ -26,10 +26,7 @@ import java.util.stream.Stream;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
-/**
- * The subcommands on recordings: info, replay, trim, diff, and play, which replay starts in a process of its
- * own. Its trials, likewise, are TrialSession's.
- */
+/** The subcommands on recordings: info, replay, trim and diff. The trials of one are TrialSession's. */
 final class RecordingCommand extends Command {
     private static final int EQUAL = 0;
     private static final int DIFFERENT = 1;
@@ -59,7 +56,7 @@ final class RecordingCommand extends Command {
             case "replay" -> replay();
             case "trim" -> trim();
             case "diff" -> diff();
-            default -> play();
+            default -> throw new IllegalStateException("only the launcher runs " + name());
         };
     }
 
@@ -75,9 +72,9 @@ final class RecordingCommand extends Command {
     private int info() throws MistakeException, IOException {
         int status = Verdict.OK;
         for (Path file : mOptions.files) {
-            for (Path folder : recordings(file)) {
+            for (Path folder : RunFolder.in(file)) {
                 try {
-                    new RecordingSummary(RecordedRequest.read(folder), System.out).print();
+                    new RecordingSummary(RunFolder.read(folder, ""), System.out).print();
                 } catch (MistakeException e) {
                     // The others may be whole.
                     System.out.flush();
@@ -90,7 +87,7 @@ final class RecordingCommand extends Command {
     }
 
     private int trim() throws MistakeException, IOException {
-        RecordedRequest recorded = RecordedRequest.read(only(mOptions.files.get(0)));
+        Run recorded = read(only(mOptions.files.get(0)));
         Trimmer trimmer =
                 new Trimmer(recorded, mOptions.frames, mOptions.keepsPixels, mOptions.crop);
         trimmer.write(mOptions.out);
@@ -111,34 +108,27 @@ final class RecordingCommand extends Command {
         return "%.2f MB".formatted(bytes / 1e6);
     }
 
-    private int play() throws MistakeException, ErrnoException, IOException {
-        // One for all, since it counts them: a 32-bit VM under the emulator can't list a folder.
-        RequestRecorder recorder =
-                new RequestRecorder(mOptions.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
-        int status = Verdict.OK;
-        for (Path folder : mOptions.files) {
-            status = Math.max(status, new RecordingPlayer(RecordedRequest.read(folder), recorder).run());
-        }
-        return status;
+    private static Run read(Path folder) throws MistakeException {
+        return RunFolder.read(folder, folder.toString());
     }
 
     private int replay() throws MistakeException, IOException {
-        List<Path> folders = new ArrayList<>();
-        for (Path file : mOptions.files) {
-            folders.addAll(recordings(file));
-        }
         // What can't be run again is said before a process is started for it.
-        List<RecordedRequest> recorded = new ArrayList<>();
-        for (Path folder : folders) {
-            recorded.add(RecordedRequest.read(folder));
-            recorded.get(recorded.size() - 1).toRequest();
+        List<Run> recorded = new ArrayList<>();
+        List<Path> requests = new ArrayList<>();
+        for (Path file : mOptions.files) {
+            for (Path folder : RunFolder.in(file)) {
+                recorded.add(read(folder));
+                requests.add(folder.resolve(RunFolder.REQUEST));
+                checkFiles(recorded.get(recorded.size() - 1));
+            }
         }
         Path library = mOptions.libraries.isEmpty() ? null : mOptions.libraries.get(0);
         int status = EQUAL;
-        for (int done = 0; done < folders.size();) {
+        for (int done = 0; done < requests.size();) {
             // One process for all, and another for those after one that ended its process.
             ChildRun child = new ChildRun("replay", mOptions.arm, library);
-            for (Path again : recordings(child.play(folders.subList(done, folders.size())))) {
+            for (Path again : RunFolder.in(child.run(requests.subList(done, requests.size())))) {
                 status = Math.max(status, replay(recorded.get(done), again));
                 ++done;
             }
@@ -146,13 +136,22 @@ final class RecordingCommand extends Command {
         return status;
     }
 
-    private int replay(RecordedRequest recorded, Path again) throws MistakeException, IOException {
-        RunRecord before = RunRecord.of(recorded, recorded.folder().toString());
-        RunRecord after = RunRecord.of(RecordedRequest.read(again), "this run");
+    private static void checkFiles(Run run) throws MistakeException {
+        for (List<ImageLayout> images : List.of(run.inputs(), run.outputs())) {
+            for (ImageLayout image : images) {
+                if (image.file() != null) {
+                    image.file().check();
+                }
+            }
+        }
+    }
+
+    private int replay(Run before, Path again) throws MistakeException, IOException {
+        Run after = RunFolder.read(again, "this run");
         TextLayout to = new TextLayout(System.out, TextLayout.REPORT);
-        recorded.notes().forEach(note -> to.print(2, "note: " + note));
-        if (!recorded.trimmed().isEmpty()) {
-            to.print(2, "note: this recording is trimmed: " + recorded.trimmed());
+        before.notes().forEach(note -> to.print(2, "note: " + note));
+        if (!before.trimmed().isEmpty()) {
+            to.print(2, "note: this recording is trimmed: " + before.trimmed());
         }
         if (!before.isKnown()) {
             boolean isRight = after.isComplete() && !after.hasFailed();
@@ -167,7 +166,7 @@ final class RecordingCommand extends Command {
     }
 
     private int diff() throws MistakeException, IOException {
-        List<List<RunRecord>> sides = new ArrayList<>();
+        List<List<Run>> sides = new ArrayList<>();
         for (int i = 0; i < 2; ++i) {
             Path library = mOptions.libraries.size() < 2 ? null : mOptions.libraries.get(i);
             sides.add(runs(mOptions.files.get(mOptions.files.size() == 1 ? 0 : i), i, library));
@@ -175,44 +174,41 @@ final class RecordingCommand extends Command {
         int common = Math.min(sides.get(0).size(), sides.get(1).size());
         int status = EQUAL;
         if (sides.get(0).size() != sides.get(1).size()) {
-            List<RunRecord> longer = sides.get(0).size() > common ? sides.get(0) : sides.get(1);
-            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: "
-                    + sides.get(0).size() + " requests / "
+            List<Run> longer = sides.get(0).size() > common ? sides.get(0) : sides.get(1);
+            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: " + sides.get(0).size() + " requests / "
                     + sides.get(1).size() + "; nothing to compare with "
-                    + longer.stream().skip(common).map(RunRecord::name).collect(Collectors.joining(", ")));
+                    + longer.stream().skip(common).map(Run::name).collect(Collectors.joining(", ")));
             status = DIFFERENT;
         }
         for (int i = 0; i < common; ++i) {
-            RunRecord one = sides.get(0).get(i);
-            RunRecord other = sides.get(1).get(i);
+            Run one = sides.get(0).get(i);
+            Run other = sides.get(1).get(i);
             status = Math.max(status, compare(one.name() + " / " + other.name(), one, other));
         }
         return status;
     }
 
     // What a side of a diff did: read, or run first.
-    private List<RunRecord> runs(Path file, int side, Path library) throws MistakeException, IOException {
+    private List<Run> runs(Path file, int side, Path library) throws MistakeException, IOException {
         List<Path> folders;
         ChildRun child = new ChildRun("side" + (side + 1), false, library);
         if (Files.isDirectory(file)) {
-            folders = recordings(file);
-            if (library != null) {
-                folders = List.of(only(child.play(List.of(only(file)))));
-            }
+            folders = library == null ? RunFolder.in(file)
+                    : RunFolder.in(child.run(List.of(only(file).resolve(RunFolder.REQUEST))));
         } else if (library != null || file.toString().endsWith(".json")) {
-            folders = recordings(child.run(file));
+            folders = RunFolder.in(child.run(List.of(file)));
         } else {
-            return List.of(RunRecord.ofEvents(file));
+            return List.of(Run.ofEvents(file));
         }
-        List<RunRecord> runs = new ArrayList<>();
+        List<Run> runs = new ArrayList<>();
         for (Path folder : folders) {
-            runs.add(RunRecord.of(RecordedRequest.read(folder), Files.isDirectory(file) ? folder.toString()
+            runs.add(RunFolder.read(folder, Files.isDirectory(file) ? folder.toString()
                     : library == null ? file.toString() : file + " with " + library.getFileName()));
         }
         return runs;
     }
 
-    private int compare(String title, RunRecord one, RunRecord other)
+    private int compare(String title, Run one, Run other)
             throws MistakeException, IOException {
         ComparisonReport.Options options = new ComparisonReport.Options(
                 mOptions.ignored, mOptions.tolerance, mOptions.out, mOptions.explains);
@@ -220,29 +216,11 @@ final class RecordingCommand extends Command {
     }
 
     private static Path only(Path folder) throws MistakeException, IOException {
-        List<Path> folders = recordings(folder);
+        List<Path> folders = RunFolder.in(folder);
         if (folders.size() != 1) {
             throw new IllegalArgumentException(
                     folder + " has " + folders.size() + " recordings; name one of them");
         }
         return folders.get(0);
-    }
-
-    /** A recording itself, or all in a folder of them by their names. */
-    private static List<Path> recordings(Path folder) throws MistakeException, IOException {
-        if (RecordedRequest.isRecording(folder)) {
-            return List.of(folder);
-        }
-        if (!Files.isDirectory(folder)) {
-            throw new MistakeException(folder.toString(), "", "no such folder");
-        }
-        try (Stream<Path> inside = Files.list(folder)) {
-            List<Path> found = inside.filter(RecordedRequest::isRecording).sorted().toList();
-            if (found.isEmpty()) {
-                throw new MistakeException(
-                        folder.toString(), "", "no recording: it has no file recording");
-            }
-            return found;
-        }
     }
 }

@@ -62,15 +62,8 @@ final class RecordingOptions {
             case "replay" -> replay();
             case "trim" -> trim();
             case "diff" -> diff();
-            case "trials" -> recording(command("trials FOLDER --record FILE", "FOLDER", 1,
-                    List.of("Tries what each tag of a recording changes."), List.of()), "FILE", Launch.JAVA);
-            default -> {
-                CommandSpec spec = recording(command("play FOLDER... --record DIR", "FOLDER",
-                        Integer.MAX_VALUE, List.of("Runs recordings again and records that."),
-                        List.of()), "DIR", Launch.PIXELS);
-                spec.addOption(Arguments.flag("--arm", "run the 32-bit ARM library", Launch.ARM));
-                yield spec;
-            }
+            default -> recording(command("trials REQUEST --record FILE", "REQUEST", 1,
+                    List.of("Tries what each tag of a request changes."), List.of()), "FILE", Launch.JAVA);
         };
     }
 

@@ -2,19 +2,12 @@ package com.orlu.orlu3rdalgoservice.tool;
 
 import android.system.ErrnoException;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonParser;
-
-import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedImage;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
@@ -41,22 +34,23 @@ final class TrialSession {
 
     /** Runs the trials of all requests. What can't be read is left to the command to complain about. */
     static int run(String[] arguments, String library) throws IOException {
-        JsonArray all = new JsonArray();
+        List<Dependences> all = new ArrayList<>();
+        Path to = WorkFolder.trials();
         try {
             Commands.Invocation invocation = Commands.parse(arguments);
             if (invocation == null) {
                 return Verdict.OK;
             }
             if (invocation.command() != Commands.USUAL) {
-                return runRecorded(RecordingOptions.of("trials", invocation.line()), library);
-            }
-            Options options = Options.of(invocation.line());
-            if (options.check) {
-                return Verdict.OK;
-            }
-            for (Path file : options.requests()) {
-                Progress.show("trying what each tag of " + file + " changes");
-                all.add(trials(RequestFileReader.read(file, options.photo), library).json());
+                RecordingOptions options = RecordingOptions.of("trials", invocation.line());
+                to = options.record;
+                all.add(trials(RequestFileReader.read(options.files.get(0), null), library));
+            } else if (!Options.of(invocation.line()).check) {
+                Options options = Options.of(invocation.line());
+                for (Path file : options.requests()) {
+                    Progress.show("trying what each tag of " + file + " changes");
+                    all.add(trials(RequestFileReader.read(file, options.photo), library));
+                }
             }
             Progress.end();
         } catch (IllegalArgumentException | MistakeException e) {
@@ -66,39 +60,10 @@ final class TrialSession {
             }
             return Verdict.REFUSED;
         } catch (ErrnoException | IllegalStateException | OutOfMemoryError | UnsatisfiedLinkError e) {
-            all.add(Dependences.unknown("the trials ended early: " + e.getMessage()).json());
+            all.add(Dependences.unknown("the trials ended early: " + e.getMessage()));
         }
-        Files.writeString(WorkFolder.trials(), all.toString());
+        Dependences.write(to, all);
         return Verdict.OK;
-    }
-
-    // The trials of one recording, which go where the command line says.
-    private static int runRecorded(RecordingOptions options, String library) throws IOException {
-        List<VImageIPC> images = new ArrayList<>();
-        Dependences found;
-        try {
-            RecordedRequest recorded = RecordedRequest.read(options.files.get(0));
-            RequestFile request = recorded.toRequest();
-            List<VImageIPC> inputs = empty(recorded, "input", images);
-            found = Trials.of(request, inputs, empty(recorded, "output", images), library);
-        } catch (MistakeException | ErrnoException | IllegalStateException | OutOfMemoryError
-                | UnsatisfiedLinkError e) {
-            found = Dependences.unknown("the trials ended early: " + e.getMessage());
-        } finally {
-            images.forEach(RecordedImage::close);
-        }
-        Files.writeString(options.record, found.json().toString());
-        return Verdict.OK;
-    }
-
-    private static List<VImageIPC> empty(RecordedRequest recorded, String part, List<VImageIPC> images)
-            throws ErrnoException {
-        List<VImageIPC> made = new ArrayList<>();
-        for (RecordedImage image : recorded.images(part)) {
-            made.add(image.makeEmpty());
-            images.add(made.get(made.size() - 1));
-        }
-        return made;
     }
 
     /** What the process before found for a request of this command line. */
@@ -108,8 +73,8 @@ final class TrialSession {
             return Dependences.unknown("off".equals(System.getenv("ORLU_TRIALS"))
                     ? "ORLU_TRIALS=off left the trials out" : "the trials' process ended before it was done");
         }
-        List<JsonElement> all = JsonParser.parseString(Files.readString(file)).getAsJsonArray().asList();
-        return Dependences.of(all.get(Math.min(request, all.size() - 1)).getAsJsonObject());
+        List<Dependences> all = Dependences.read(file);
+        return all.get(Math.min(request, all.size() - 1));
     }
 
     private static Dependences trials(RequestFile request, String library)

@@ -39,12 +39,18 @@ public final class RequestChecker {
         if (request == null) {
             return;
         }
+        boolean isRecorded = false;
         for (ImagePlan image : request.inputs()) {
+            isRecorded |= image.layout() != null;
             if (image.file() != null) {
                 mistakes.attempt(() -> new FilePixels(image).check());
+            } else if (image.layout() != null && image.layout().file() != null) {
+                mistakes.attempt(image.layout().file()::check);
             }
         }
-        mistakes.attempt(() -> checkSizes(request, mistakes));
+        if (!isRecorded) {
+            mistakes.attempt(() -> checkSizes(request, mistakes));
+        }
         if (mistakes.errors() == 0) {
             mRequests.add(request);
         }

@@ -1,9 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
-import java.util.Objects;
+import java.util.List;
+import java.util.Map;
 
 /**
  * Whether two values are equal but for numbers at the same place that differ by no more than a tolerance.
@@ -12,27 +13,33 @@ import java.util.Objects;
  */
 record Closeness(double tolerance) {
     /** Null is close to null alone. */
-    boolean isClose(JsonElement one, JsonElement other) {
+    boolean isClose(Json one, Json other) {
         if (one == null || other == null) {
             return one == other;
         }
-        if (one.isJsonArray() && other.isJsonArray()
-                && one.getAsJsonArray().size() == other.getAsJsonArray().size()) {
-            for (int i = 0; i < one.getAsJsonArray().size(); ++i) {
-                if (!isClose(one.getAsJsonArray().get(i), other.getAsJsonArray().get(i))) {
-                    return false;
-                }
-            }
+        if (JsonWriter.line(one).equals(JsonWriter.line(other))) {
             return true;
         }
-        if (one instanceof JsonObject left && other instanceof JsonObject right
-                && left.keySet().equals(right.keySet())) {
-            return left.keySet().stream().allMatch(name -> isClose(left.get(name), right.get(name)));
+        if (one.isNumber() && other.isNumber()) {
+            double difference = Double.parseDouble(one.text()) - Double.parseDouble(other.text());
+            return tolerance > 0 && Math.abs(difference) <= tolerance;
         }
-        boolean areNumbers = one.isJsonPrimitive() && other.isJsonPrimitive()
-                && one.getAsJsonPrimitive().isNumber() && other.getAsJsonPrimitive().isNumber();
-        return Objects.equals(one, other)
-                || tolerance > 0 && areNumbers
-                && Math.abs(one.getAsDouble() - other.getAsDouble()) <= tolerance;
+        if (one.isObject() && other.isObject()) {
+            Map<String, Json> left = one.entries();
+            Map<String, Json> right = other.entries();
+            return left.keySet().equals(right.keySet())
+                    && left.keySet().stream().allMatch(name -> isClose(left.get(name), right.get(name)));
+        }
+        List<Json> left = one.elements();
+        List<Json> right = other.elements();
+        if (!one.isList() || left.size() != right.size()) {
+            return false;
+        }
+        for (int i = 0; i < left.size(); ++i) {
+            if (!isClose(left.get(i), right.get(i))) {
+                return false;
+            }
+        }
+        return true;
     }
 }

@@ -1,10 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.HandedImage;
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
@@ -24,8 +23,8 @@ public final class Comparison {
     // An address of the process.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
-    private final RunRecord mOne;
-    private final RunRecord mOther;
+    private final Run mOne;
+    private final Run mOther;
     private final Set<String> mIgnored;
     private final Closeness mCloseness;
     private final OutputComparison mOutputs;
@@ -36,7 +35,7 @@ public final class Comparison {
      * no more than the tolerance are equal.
      */
     public Comparison(
-            RunRecord one, RunRecord other, Set<String> ignored, double tolerance, OutputComparison outputs) {
+            Run one, Run other, Set<String> ignored, double tolerance, OutputComparison outputs) {
         mOne = one;
         mOther = other;
         mIgnored = ignored;
@@ -66,9 +65,9 @@ public final class Comparison {
     }
 
     /** What could not be compared, and times: no differences. */
-    public List<String> notes() {
+    public List<String> notes() throws MistakeException {
         List<String> notes = new ArrayList<>();
-        for (RunRecord run : List.of(mOne, mOther)) {
+        for (Run run : List.of(mOne, mOther)) {
             if (!run.hasEvents()) {
                 notes.add(run.name() + " has no events of the probe: parameters are not compared");
             }
@@ -77,7 +76,7 @@ public final class Comparison {
             }
         }
         notes.addAll(new GivenNotes(mOne, mOther).lines());
-        for (RunRecord run : List.of(mOne, mOther)) {
+        for (Run run : List.of(mOne, mOther)) {
             run.handed().stream().filter(image -> image.match() == HandedImage.Match.DIFFERENT).forEach(
                     image -> notes.add(run.name() + ": " + image.name() + ": " + image.text()));
         }
@@ -147,8 +146,8 @@ public final class Comparison {
             differ("frames with values put", mOne.puts().size(), mOther.puts().size());
         }
         for (int frame = 0; frame < Math.min(mOne.puts().size(), mOther.puts().size()); ++frame) {
-            Map<String, JsonElement> one = mOne.puts().get(frame);
-            Map<String, JsonElement> other = mOther.puts().get(frame);
+            Map<String, Json> one = mOne.puts().get(frame);
+            Map<String, Json> other = mOther.puts().get(frame);
             Set<String> keys = new LinkedHashSet<>(one.keySet());
             keys.addAll(other.keySet());
             keys.removeAll(mIgnored);
@@ -163,15 +162,13 @@ public final class Comparison {
         }
     }
 
-    private static String text(JsonElement put) {
-        return put == null ? "not put" : put.toString();
+    private static String text(Json put) {
+        return put == null ? "not put" : JsonWriter.line(put);
     }
 
     // The elements of a value that is a list: {"ints": [1, 2]}.
-    private static JsonElement list(JsonElement put) {
-        return put instanceof JsonObject typed && typed.size() == 1
-                ? typed.entrySet().iterator().next().getValue()
-                : put;
+    private static Json list(Json put) {
+        return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
     // What the library was given and left, beside what Java had; only of runs whose probes kept pixels.
@@ -186,7 +183,7 @@ public final class Comparison {
         }
     }
 
-    private static List<HandedImage> known(RunRecord run) {
+    private static List<HandedImage> known(Run run) {
         return run.handed().stream().filter(image -> image.match() != HandedImage.Match.UNKNOWN).toList();
     }
 

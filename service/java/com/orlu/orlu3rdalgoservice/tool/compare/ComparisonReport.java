@@ -1,7 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
@@ -29,12 +30,12 @@ public final class ComparisonReport {
     }
 
     private final Options mOptions;
-    private final RunRecord mOne;
-    private final RunRecord mOther;
+    private final Run mOne;
+    private final Run mOther;
     private final List<GivenTag> mGiven;
     private final TextLayout mTo = new TextLayout(System.out, TextLayout.REPORT);
 
-    public ComparisonReport(Options options, RunRecord one, RunRecord other) {
+    public ComparisonReport(Options options, Run one, Run other) {
         mOptions = options;
         mOne = one;
         mOther = other;
@@ -84,9 +85,9 @@ public final class ComparisonReport {
     // A tag may matter in one of the runs alone, so that both are tried, unless they were given the same.
     private Causes causes() throws IOException {
         List<Dependences> found = new ArrayList<>();
-        for (RunRecord run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
+        for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
             Progress.show("trying what each tag of " + run.name() + " changes");
-            found.add(new ChildRun("trials", false, null).trials(run.folder()));
+            found.add(new ChildRun("trials", false, null).trials(run.folder().resolve(RunFolder.REQUEST)));
         }
         Progress.end();
         return new Causes(mGiven, found);

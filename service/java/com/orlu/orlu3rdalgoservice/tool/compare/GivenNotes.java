@@ -1,32 +1,33 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
-import com.google.gson.JsonElement;
-
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Map;
-import java.util.Objects;
 import java.util.Set;
 
 /** What two runs were given differently: settings, images, and tags, each with all frames. */
 final class GivenNotes {
     private static final int MOST_TAGS = 12;
 
-    private final RunRecord mOne;
-    private final RunRecord mOther;
+    private final Run mOne;
+    private final Run mOther;
     private final List<String> mLines = new ArrayList<>();
 
-    GivenNotes(RunRecord one, RunRecord other) {
+    GivenNotes(Run one, Run other) {
         mOne = one;
         mOther = other;
     }
 
-    List<String> lines() {
+    List<String> lines() throws MistakeException {
         if (mOne.folder() != null && mOther.folder() != null) {
             addSettings();
             addInputs();
@@ -60,20 +61,25 @@ final class GivenNotes {
         return text(tag, tag.size() == 1 ? " was given" : " were given");
     }
 
-    private void addSettings() {
-        Set<String> names = new LinkedHashSet<>(mOne.settings().keySet());
-        names.addAll(mOther.settings().keySet());
+    private void addSettings() throws MistakeException {
+        Map<String, Json> one = mOne.settings();
+        Map<String, Json> other = mOther.settings();
+        Set<String> names = new LinkedHashSet<>(one.keySet());
+        names.addAll(other.keySet());
         for (String name : names) {
-            JsonElement one = mOne.settings().get(name);
-            JsonElement other = mOther.settings().get(name);
-            if (!Objects.equals(one, other)) {
-                mLines.add("given " + name + " = " + (one == null ? "none" : one) + " / "
-                        + (other == null ? "none" : other));
+            String left = text(one.get(name));
+            String right = text(other.get(name));
+            if (!left.equals(right)) {
+                mLines.add("given " + name + " = " + left + " / " + right);
             }
         }
         if (mOne.frames().size() != mOther.frames().size()) {
             mLines.add("given frames: " + mOne.frames().size() + " / " + mOther.frames().size());
         }
+    }
+
+    private static String text(Json value) {
+        return value == null ? "none" : JsonWriter.line(value);
     }
 
     // Pixels are told apart by their checks.
@@ -84,9 +90,9 @@ final class GivenNotes {
         }
         List<Integer> differ = new ArrayList<>();
         for (int i = 0; i < common; ++i) {
-            JsonElement one = mOne.inputs().get(i).part().get("crc");
-            JsonElement other = mOther.inputs().get(i).part().get("crc");
-            if (one != null && other != null && !one.equals(other)) {
+            RecordedFile one = mOne.inputs().get(i).file();
+            RecordedFile other = mOther.inputs().get(i).file();
+            if (one != null && other != null && !one.crc().equals(other.crc())) {
                 differ.add(i);
             }
             if (!mOne.inputs().get(i).text().equals(mOther.inputs().get(i).text())) {

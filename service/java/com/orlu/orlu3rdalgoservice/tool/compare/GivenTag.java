@@ -1,13 +1,13 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
-import com.google.gson.JsonObject;
-
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 
 import java.util.ArrayList;
 import java.util.LinkedHashSet;
 import java.util.List;
-import java.util.Objects;
+import java.util.Map;
 import java.util.Set;
 
 /**
@@ -24,22 +24,22 @@ public record GivenTag(int frame, String source, String tag, String one, String 
     private static final int SHOWN_BEFORE = 15;
 
     /** All of the frames that both runs have, by frame. None when a run is known by its events alone. */
-    public static List<GivenTag> of(RunRecord one, RunRecord other) {
+    public static List<GivenTag> of(Run one, Run other) {
         List<GivenTag> tags = new ArrayList<>();
         for (int frame = 0; frame < Math.min(one.frames().size(), other.frames().size()); ++frame) {
             for (String source : List.of("captureResult", "composition")) {
-                addDiffering(tags, frame, source, one.frames().get(frame).getAsJsonObject(source),
-                        other.frames().get(frame).getAsJsonObject(source));
+                addDiffering(tags, frame, source, one.frames().get(frame).get(source).entries(),
+                        other.frames().get(frame).get(source).entries());
             }
         }
         return tags;
     }
 
     private static void addDiffering(
-            List<GivenTag> tags, int frame, String source, JsonObject one, JsonObject other) {
+            List<GivenTag> tags, int frame, String source, Map<String, Json> one, Map<String, Json> other) {
         Set<String> names = new LinkedHashSet<>(one.keySet());
         names.addAll(other.keySet());
-        names.removeIf(name -> Objects.equals(one.get(name), other.get(name)));
+        names.removeIf(name -> text(one, name).equals(text(other, name)));
         for (String name : names) {
             String value = text(one, name);
             String counterpart = text(other, name);
@@ -48,8 +48,8 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         }
     }
 
-    private static String text(JsonObject values, String tag) {
-        return values.has(tag) ? values.get(tag).toString() : "none";
+    private static String text(Map<String, Json> values, String tag) {
+        return values.containsKey(tag) ? JsonWriter.line(values.get(tag)) : "none";
     }
 
     // Where long values are shown from, so that what differs is seen.

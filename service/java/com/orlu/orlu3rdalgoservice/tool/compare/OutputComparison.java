@@ -2,7 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedImage;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
@@ -30,13 +31,13 @@ public final class OutputComparison {
         mName = name;
     }
 
-    List<String> differences(int index, RecordedImage one, RecordedImage other, double tolerance)
+    List<String> differences(int index, ImageLayout one, ImageLayout other, double tolerance)
             throws MistakeException, IOException {
         List<String> differences = new ArrayList<>();
         String output = "output " + index;
         for (String field : List.of("format", "width", "height", "rowStrides", "planeSizes")) {
-            String left = String.valueOf(one.part().get(field));
-            String right = String.valueOf(other.part().get(field));
+            String left = JsonWriter.line(one.json().get(field));
+            String right = JsonWriter.line(other.json().get(field));
             // A picture that is nearly the same is a JPEG of another size.
             boolean isFree = tolerance > 0 && isJpeg(one) && field.equals("planeSizes");
             if (!left.equals(right) && !isFree) {
@@ -46,7 +47,7 @@ public final class OutputComparison {
         byte[] left = content(one);
         byte[] right = content(other);
         if (left == null || right == null) {
-            if (left != right && one.hasBytes() != other.hasBytes()) {
+            if (left != right && (one.file() == null) != (other.file() == null)) {
                 differences.add(output + " bytes: " + kept(left) + " / " + kept(right));
             }
         } else if (!Arrays.equals(left, right)) {
@@ -62,13 +63,13 @@ public final class OutputComparison {
         return bytes == null ? "not kept" : bytes.length + " bytes";
     }
 
-    private static boolean isJpeg(RecordedImage image) {
+    private static boolean isJpeg(ImageLayout image) {
         return image.format().equals(PixelFormat.JPEG.name());
     }
 
-    private static byte[] content(RecordedImage image) throws MistakeException {
+    private static byte[] content(ImageLayout image) throws MistakeException {
         byte[] bytes = image.bytes();
-        int[] planes = image.numbers("planeSizes");
+        int[] planes = image.planeSizes();
         if (bytes == null || !isJpeg(image) || planes == null || planes.length == 0) {
             return bytes;
         }
@@ -81,13 +82,13 @@ public final class OutputComparison {
     }
 
     // Empty when the pixels differ by no more than the tolerance.
-    private String pixels(int index, RecordedImage image, byte[] one, byte[] other, double tolerance)
+    private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws IOException {
         int at = Arrays.mismatch(one, other);
-        int[] strides = image.numbers("rowStrides");
+        int[] strides = image.rowStrides();
         ImageDifference difference = strides == null || strides.length == 0
                 ? null
-                : ImageDifference.of(image.format(), image.number("width"), image.number("height"),
+                : ImageDifference.of(image.format(), image.width(), image.height(),
                         strides[0], one, other);
         if (difference == null) {
             return "different from byte " + at + " on";

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 
 import java.util.ArrayList;
 import java.util.Arrays;
@@ -23,7 +23,7 @@ final class ParameterComparison {
     }
 
     /** All differences; what one run has more than the other counts when both came to their ends. */
-    List<Difference> differences(RunRecord one, RunRecord other, boolean whole) {
+    List<Difference> differences(Run one, Run other, boolean whole) {
         compareInOrder(wanted(one), wanted(other), whole);
         return mDifferences;
     }
@@ -32,7 +32,7 @@ final class ParameterComparison {
         mDifferences.add(new Difference(what + ": " + one + " / " + other, parameter));
     }
 
-    private List<Parameter> wanted(RunRecord run) {
+    private List<Parameter> wanted(Run run) {
         return run.parameters()
                 .stream()
                 .filter(parameter

@@ -1,8 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 
 import java.util.ArrayList;
@@ -27,13 +26,13 @@ final class ValueDifference {
     }
 
     /** The same of two values that differ, which are shown as these texts. */
-    static String of(String one, String other, JsonElement oneValue, JsonElement otherValue) {
+    static String of(String one, String other, Json oneValue, Json otherValue) {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;
         }
-        List<String> found = oneValue instanceof JsonArray left && otherValue instanceof JsonArray right
-                        && left.size() == right.size()
-                ? elements(left, right)
+        List<String> found = oneValue != null && otherValue != null && oneValue.isList() && otherValue.isList()
+                        && oneValue.elements().size() == otherValue.elements().size()
+                ? elements(oneValue.elements(), otherValue.elements())
                 : fields(one.split(BETWEEN_FIELDS), other.split(BETWEEN_FIELDS));
         if (found.isEmpty()) {
             return one.equals(other) ? "" : cut(one) + " / " + cut(other);
@@ -42,11 +41,13 @@ final class ValueDifference {
         return String.join("; ", found.subList(0, Math.min(SHOWN, found.size()))) + more;
     }
 
-    private static List<String> elements(JsonArray one, JsonArray other) {
+    private static List<String> elements(List<Json> one, List<Json> other) {
         List<String> found = new ArrayList<>();
         for (int i = 0; i < one.size(); ++i) {
-            if (!one.get(i).equals(other.get(i))) {
-                found.add("[" + i + "] " + cut(one.get(i).toString()) + " / " + cut(other.get(i).toString()));
+            String left = JsonWriter.line(one.get(i));
+            String right = JsonWriter.line(other.get(i));
+            if (!left.equals(right)) {
+                found.add("[" + i + "] " + cut(left) + " / " + cut(right));
             }
         }
         return found;

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
@@ -92,7 +93,7 @@ public final class Readings {
         if (inComposition && outcome == Outcome.FOUND && !fits(held, asked)) {
             outcome = Outcome.WRONG_TYPE;
         }
-        String value = lookup.has("value") ? lookup.fields().get("value").toString() : "";
+        String value = lookup.has("value") ? JsonWriter.line(lookup.fields().get("value")) : "";
         put(new Reading(frame, tag, lookup.text("source"), outcome, asked, held, value));
     }
 
@@ -105,7 +106,7 @@ public final class Readings {
     private void addNeverRead(int frame, String tag, boolean inComposition, Object value) {
         mReadings.putIfAbsent(new Key(frame, tag, inComposition), new Reading(frame, tag,
                 inComposition ? "composition" : "captureResult", Outcome.NEVER_READ, "",
-                value.getClass().getSimpleName(), HeldValue.json(value).toString()));
+                value.getClass().getSimpleName(), JsonWriter.line(HeldValue.json(value))));
     }
 
     private String askedClass(int frame, String tag) {

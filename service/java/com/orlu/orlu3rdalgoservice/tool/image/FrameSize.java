@@ -15,7 +15,7 @@ public record FrameSize(int width, int height) {
         if (!frames.isEmpty()) {
             return new FrameSize(frames.get(0).shot().width(), frames.get(0).shot().height());
         }
-        if (!request.inputs().isEmpty() && request.inputs().get(0).file() != null) {
+        if (!request.inputs().isEmpty() && !request.inputs().get(0).isOfPhoto()) {
             return new FrameSize(request.inputs().get(0).width(), request.inputs().get(0).height());
         }
         return new FrameSize(request.frames().width(), request.frames().height());

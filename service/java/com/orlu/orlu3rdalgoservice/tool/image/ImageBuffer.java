@@ -5,6 +5,7 @@ import android.os.SharedMemory;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
@@ -34,6 +35,48 @@ public final class ImageBuffer implements AutoCloseable {
         mBytes = allocate(Math.max(1, Math.max(size, plan.capacity()))).order(ByteOrder.LITTLE_ENDIAN);
     }
 
+    private ImageBuffer(ImagePlan plan, ImageLayout layout) throws ErrnoException, MistakeException {
+        mPlan = plan;
+        mDescriptor.mFormat = layout.format();
+        mDescriptor.mWidth = layout.width();
+        mDescriptor.mHeight = layout.height();
+        mDescriptor.mRowStrides = layout.rowStrides();
+        mDescriptor.mPlaneSizes = layout.planeSizes();
+        mBytes = memory(layout).order(ByteOrder.LITTLE_ENDIAN);
+    }
+
+    private ByteBuffer memory(ImageLayout layout) throws ErrnoException, MistakeException {
+        switch (layout.memory()) {
+            case "hardware" -> {
+                int[] buffer = layout.buffer();
+                try {
+                    mDescriptor.mImageDataHwbuff =
+                            HardwareBuffer.create(buffer[0], buffer[1], buffer[2], 1, usage());
+                } catch (IllegalArgumentException e) {
+                    throw mPlan.place().error("buffer", e.getMessage());
+                }
+                return mDescriptor.mImageDataHwbuff.mapPixels();
+            }
+            case "shared" -> {
+                mDescriptor.mImageDataShmem = SharedMemory.create("orlu-image", Math.max(1, layout.size()));
+                return mDescriptor.mImageDataShmem.mapReadWrite();
+            }
+            default -> {
+                return ByteBuffer.allocate(0);
+            }
+        }
+    }
+
+    /** Memory for an image as a recorder found it, with the bytes that were kept. */
+    public static ImageBuffer recorded(ImagePlan plan) throws ErrnoException, MistakeException {
+        byte[] bytes = plan.layout().bytes();
+        ImageBuffer image = new ImageBuffer(plan, plan.layout());
+        if (bytes != null) {
+            image.mBytes.put(0, bytes, 0, Math.min(bytes.length, image.mBytes.capacity()));
+        }
+        return image;
+    }
+
     /** Memory for an input, holding the picture. */
     public static ImageBuffer holding(Picture picture, ImagePlan plan) throws ErrnoException {
         if (plan.format() == PixelFormat.JPEG) {
@@ -60,7 +103,10 @@ public final class ImageBuffer implements AutoCloseable {
     }
 
     /** Memory for an output, all zero. A JPEG gets as much as the pixels and some, or the capacity given. */
-    public static ImageBuffer empty(ImagePlan plan) throws ErrnoException {
+    public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
+        if (plan.layout() != null) {
+            return new ImageBuffer(plan, plan.layout());
+        }
         int usual = plan.width() * plan.height() * 3 / 2 + JPEG_HEADROOM;
         return new ImageBuffer(plan, plan.capacity() > 0 ? plan.capacity() : usual);
     }
@@ -111,10 +157,12 @@ public final class ImageBuffer implements AutoCloseable {
 
     @Override
     public void close() {
-        SharedMemory.unmap(mBytes);
+        if (mBytes.isDirect()) {
+            SharedMemory.unmap(mBytes);
+        }
         if (mDescriptor.mImageDataHwbuff != null) {
             mDescriptor.mImageDataHwbuff.close();
-        } else {
+        } else if (mDescriptor.mImageDataShmem != null) {
             mDescriptor.mImageDataShmem.close();
         }
     }

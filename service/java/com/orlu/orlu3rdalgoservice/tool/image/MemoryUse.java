@@ -1,15 +1,14 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 
 /** An image's memory: the planes that its description has, and what lies behind them. */
 public final class MemoryUse {
@@ -24,7 +23,7 @@ public final class MemoryUse {
         PixelFormat named = PixelFormat.named(image.mFormat);
         PixelFormat format = named == null ? usual : named;
         int offset = 0;
-        for (int i = 0; i < image.mPlaneSizes.length; ++i) {
+        for (int i = 0; image.mPlaneSizes != null && i < image.mPlaneSizes.length; ++i) {
             int size = image.mPlaneSizes[i];
             boolean isFile = format == PixelFormat.JPEG;
             int stride = isFile ? size : image.mRowStrides[Math.min(i, image.mRowStrides.length - 1)];
@@ -71,19 +70,19 @@ public final class MemoryUse {
         return mUsedBehind;
     }
 
-    public JsonObject json(VImageIPC image) {
-        JsonObject json = new JsonObject();
-        json.addProperty("memory", mSize);
-        json.addProperty("format", image.mFormat);
-        json.addProperty("width", image.mWidth);
-        json.addProperty("height", image.mHeight);
-        json.addProperty("strides", Arrays.toString(image.mRowStrides));
-        JsonArray planes = new JsonArray();
+    public Map<String, Object> json(VImageIPC image) {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("memory", mSize);
+        json.put("format", image.mFormat);
+        json.put("width", image.mWidth);
+        json.put("height", image.mHeight);
+        json.put("strides", Arrays.toString(image.mRowStrides));
+        List<Object> planes = new ArrayList<>();
         mPlanes.forEach(plane -> planes.add(plane.json()));
-        json.add("planes", planes);
-        json.addProperty("missing", missing());
-        json.addProperty("usedBehind", mUsedBehind);
-        json.addProperty("firstBehind", mFirstBehind);
+        json.put("planes", planes);
+        json.put("missing", missing());
+        json.put("usedBehind", mUsedBehind);
+        json.put("firstBehind", mFirstBehind);
         return json;
     }
 }

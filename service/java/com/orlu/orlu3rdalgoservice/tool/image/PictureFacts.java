@@ -1,9 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import java.awt.image.BufferedImage;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
 
 /** What can be measured of one picture: how bright it is, where its colours lie, whether its rows fit. */
 public final class PictureFacts {
@@ -116,22 +117,22 @@ public final class PictureFacts {
     }
 
     /** The counts of luma, red, green and blue by level. */
-    public JsonObject json() {
-        JsonObject json = new JsonObject();
-        json.addProperty("width", mWidth);
-        json.addProperty("height", mHeight);
-        json.addProperty("mean", Math.round(10 * meanLuma()) / 10.0);
-        json.addProperty("clipped", Math.round(1000 * clipped()) / 1000.0);
+    public Map<String, Object> json() {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("width", mWidth);
+        json.put("height", mHeight);
+        json.put("mean", Math.round(10 * meanLuma()) / 10.0);
+        json.put("clipped", Math.round(1000 * clipped()) / 1000.0);
         String[] names = {"luma", "red", "green", "blue"};
-        JsonObject histograms = new JsonObject();
+        Map<String, Object> histograms = new LinkedHashMap<>();
         for (int i = 0; i < names.length; ++i) {
-            JsonArray counts = new JsonArray();
+            List<Object> counts = new ArrayList<>();
             for (int count : mHistograms[i]) {
                 counts.add(count);
             }
-            histograms.add(names[i], counts);
+            histograms.put(names[i], counts);
         }
-        json.add("histogram", histograms);
+        json.put("histogram", histograms);
         return json;
     }
 }

@@ -1,9 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import java.nio.ByteBuffer;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
 
 /** Where one plane lies in an image's memory, and which of its bytes are not zero. */
 public final class PlaneUse {
@@ -100,23 +101,23 @@ public final class PlaneUse {
         return mEmptyTail;
     }
 
-    JsonObject json() {
-        JsonObject json = new JsonObject();
-        json.addProperty("name", mName);
-        json.addProperty("offset", mOffset);
-        json.addProperty("size", mSize);
-        json.addProperty("stride", mStride);
-        json.addProperty("rowBytes", mRowBytes);
-        json.addProperty("rows", mRows);
-        json.addProperty("usedRows", mUsedRows);
-        json.addProperty("usedPadding", mUsedPadding);
-        json.add("pixels", array(mPixels));
-        json.add("padding", array(mPadding));
+    Map<String, Object> json() {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("name", mName);
+        json.put("offset", mOffset);
+        json.put("size", mSize);
+        json.put("stride", mStride);
+        json.put("rowBytes", mRowBytes);
+        json.put("rows", mRows);
+        json.put("usedRows", mUsedRows);
+        json.put("usedPadding", mUsedPadding);
+        json.put("pixels", array(mPixels));
+        json.put("padding", array(mPadding));
         return json;
     }
 
-    private static JsonArray array(int[] numbers) {
-        JsonArray array = new JsonArray();
+    private static List<Object> array(int[] numbers) {
+        List<Object> array = new ArrayList<>();
         for (int number : numbers) {
             array.add(number);
         }

@@ -70,6 +70,12 @@ public final class Json implements Place {
         return root;
     }
 
+    /** The tree of what a JSON writer takes. */
+    public static Json of(Object value) {
+        return value instanceof Json json ? json
+                : JsonReader.parse(JsonWriter.line(value), 0, new Mistakes(""));
+    }
+
     /** An object without members, for one that is absent. */
     public static Json none() {
         return NONE;
@@ -205,6 +211,11 @@ public final class Json implements Place {
     }
 
     // Values.
+
+    /** A text, a number, a truth value or null as a text. */
+    public String text() {
+        return String.valueOf(mContent);
+    }
 
     public String string() throws MistakeException {
         if (mContent instanceof String text) {

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
@@ -102,11 +103,11 @@ public final class Crash {
     /** The reason, what was open, and the last events, for a file. */
     public String report() {
         StringBuilder text = new StringBuilder(reason()).append("\n\nOperations that had not returned:\n");
-        mEvents.open().forEach(call -> text.append(call.begin().fields()).append('\n'));
+        mEvents.open().forEach(call -> text.append(JsonWriter.line(call.begin().fields())).append('\n'));
         List<Event> events = mEvents.events();
         text.append("\nThe last events:\n");
         events.subList(Math.max(0, events.size() - LAST_EVENTS), events.size())
-                .forEach(event -> text.append(event.fields()).append('\n'));
+                .forEach(event -> text.append(JsonWriter.line(event.fields())).append('\n'));
         text.append("\nNo core was kept; with ORLU_CORES=1 in the environment the system keeps one.\n\n");
         return text.append(mVmReport).toString();
     }

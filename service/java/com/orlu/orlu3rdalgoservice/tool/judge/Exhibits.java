@@ -1,8 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
@@ -12,7 +9,9 @@ import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 
 import java.util.ArrayList;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 
 /** What a page needs of a request's images, taken while their memory is there. */
 public final class Exhibits {
@@ -22,7 +21,7 @@ public final class Exhibits {
     private final List<Long> mChecksums = new ArrayList<>();
     private final List<ImageExhibit> mInputs = new ArrayList<>();
     private final List<ImageExhibit> mOutputs = new ArrayList<>();
-    private final JsonArray mDifferences = new JsonArray();
+    private final List<Object> mDifferences = new ArrayList<>();
     private int mBase;
     private String mNamedBy = "";
     private boolean mIsLost;
@@ -71,14 +70,14 @@ public final class Exhibits {
         if (difference == null) {
             return;
         }
-        JsonObject json = new JsonObject();
-        json.addProperty("output", output);
-        json.addProperty("most", difference.most());
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("output", output);
+        json.put("most", difference.most());
         if (Double.isFinite(difference.psnr())) {
-            json.addProperty("psnr", Math.round(10 * difference.psnr()) / 10.0);
+            json.put("psnr", Math.round(10 * difference.psnr()) / 10.0);
         }
-        json.addProperty("amplification", ImageDifference.AMPLIFICATION);
-        json.addProperty("picture", PictureData.of(difference.picture().toImage()).uri());
+        json.put("amplification", ImageDifference.AMPLIFICATION);
+        json.put("picture", PictureData.of(difference.picture().toImage()).uri());
         mDifferences.add(json);
     }
 
@@ -101,12 +100,12 @@ public final class Exhibits {
     }
 
     /** Inputs, outputs and differences; "large" is absent where a picture is there as a small one only. */
-    public JsonObject json() {
-        JsonObject json = new JsonObject();
-        json.addProperty("base", mBase);
-        json.addProperty("baseNamedBy", mNamedBy);
-        json.addProperty("lost", mIsLost);
-        JsonArray inputs = new JsonArray();
+    public Map<String, Object> json() {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("base", mBase);
+        json.put("baseNamedBy", mNamedBy);
+        json.put("lost", mIsLost);
+        List<Object> inputs = new ArrayList<>();
         int left = INPUT_BYTES;
         for (int i = 0; i < mInputs.size(); ++i) {
             ImageExhibit input = mInputs.get(i);
@@ -114,19 +113,19 @@ public final class Exhibits {
             left -= isShown && i != mBase ? input.large().jpeg().length : 0;
             inputs.add(json(input, isShown));
         }
-        json.add("inputs", inputs);
-        JsonArray outputs = new JsonArray();
+        json.put("inputs", inputs);
+        List<Object> outputs = new ArrayList<>();
         mOutputs.forEach(output -> outputs.add(json(output, output.large() != null)));
-        json.add("outputs", outputs);
-        json.add("differences", mDifferences);
+        json.put("outputs", outputs);
+        json.put("differences", mDifferences);
         return json;
     }
 
-    private static JsonObject json(ImageExhibit image, boolean withLarge) {
-        JsonObject json = image.json();
+    private static Map<String, Object> json(ImageExhibit image, boolean withLarge) {
+        Map<String, Object> json = image.json();
         if (withLarge) {
-            json.addProperty("large", image.large().uri());
-            json.addProperty("largeWidth", image.large().width());
+            json.put("large", image.large().uri());
+            json.put("largeWidth", image.large().width());
         }
         return json;
     }

@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
-import com.google.gson.JsonObject;
+import java.util.LinkedHashMap;
+import java.util.Map;
 
 /**
  * Something of a request that looks wrong.
@@ -31,13 +32,13 @@ public record Finding(String kind, boolean isSure, String what, String why, Tab 
         return new Finding(kind, false, what, why, tab);
     }
 
-    public JsonObject json() {
-        JsonObject json = new JsonObject();
-        json.addProperty("kind", kind);
-        json.addProperty("severity", isSure ? "wrong" : "look");
-        json.addProperty("what", what.substring(0, 1).toUpperCase() + what.substring(1));
-        json.addProperty("why", why);
-        json.addProperty("tab", tab.name().toLowerCase());
+    public Map<String, Object> json() {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("kind", kind);
+        json.put("severity", isSure ? "wrong" : "look");
+        json.put("what", what.substring(0, 1).toUpperCase() + what.substring(1));
+        json.put("why", why);
+        json.put("tab", tab.name().toLowerCase());
         return json;
     }
 }

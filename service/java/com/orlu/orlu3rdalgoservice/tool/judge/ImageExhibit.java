@@ -1,7 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.image.Demosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.MemoryUse;
@@ -12,6 +10,8 @@ import com.orlu.orlu3rdalgoservice.tool.image.PictureFacts;
 
 import java.awt.image.BufferedImage;
 import java.nio.ByteBuffer;
+import java.util.LinkedHashMap;
+import java.util.Map;
 import java.util.zip.CRC32;
 
 /** One image of a request after it, as a page shows it. */
@@ -23,7 +23,7 @@ public final class ImageExhibit {
     private final boolean mIsRaw;
     private final String mProblem;
     private final MemoryUse mMemory;
-    private final JsonObject mMemoryJson;
+    private final Map<String, Object> mMemoryJson;
     private final boolean mIsHardware;
     private final boolean mIsOfFile;
     private boolean mIsWritten;
@@ -40,7 +40,7 @@ public final class ImageExhibit {
         mIsRaw = read.mosaic() != null;
         mProblem = read.problem();
         mIsHardware = image.plan().hardware();
-        mIsOfFile = image.plan().file() != null;
+        mIsOfFile = !image.plan().isOfPhoto();
         mMemory = new MemoryUse(image.descriptor(), image.plan().format(), image.bytes());
         mMemoryJson = mMemory.json(image.descriptor());
         mChecksum = checksum(image);
@@ -122,18 +122,18 @@ public final class ImageExhibit {
     }
 
     /** All but the pictures. */
-    JsonObject json() {
-        JsonObject json = new JsonObject();
-        json.addProperty("name", mName);
-        json.addProperty("frame", mFrame);
-        json.addProperty("raw", mIsRaw);
-        json.addProperty("hardware", mIsHardware);
-        json.addProperty("problem", problem());
-        json.addProperty("written", mIsWritten);
-        json.add("layout", mMemoryJson);
+    Map<String, Object> json() {
+        Map<String, Object> json = new LinkedHashMap<>();
+        json.put("name", mName);
+        json.put("frame", mFrame);
+        json.put("raw", mIsRaw);
+        json.put("hardware", mIsHardware);
+        json.put("problem", problem());
+        json.put("written", mIsWritten);
+        json.put("layout", mMemoryJson);
         if (mFacts != null) {
-            json.add("facts", mFacts.json());
-            json.addProperty("small", mSmall.uri());
+            json.put("facts", mFacts.json());
+            json.put("small", mSmall.uri());
         }
         return json;
     }

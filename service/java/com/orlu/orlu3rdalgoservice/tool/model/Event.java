@@ -1,20 +1,19 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 
 import java.util.ArrayList;
 import java.util.HexFormat;
 import java.util.List;
 
-/** One line of the events. A field that is absent or null reads as "", 0 or an empty list. */
-public record Event(JsonObject fields) {
+/**
+ * One line of the events. A field that is absent, null or of another type reads as "", 0 or an empty list: the
+ * line may come from a stranger's file.
+ */
+public record Event(Json fields) {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
-    private static final List<String> NUMBERS =
-            List.of("t", "tid", "pid", "n", "of", "ns", "reqId", "nativeReq", "index", "size", "frame");
-    private static final List<String> TEXTS =
-            List.of("event", "op", "thread", "at", "image", "file", "crc", "section", "key");
-    private static final List<String> LISTS = List.of("algoList", "from", "missing");
+    private static final String HANDLE = "0x[0-9a-fA-F]{1,16}";
+    private static final String HEX = "([0-9a-fA-F]{2})*";
 
     /** "begin", "end", "table" and so on. */
     public String kind() {
@@ -36,55 +35,52 @@ public record Event(JsonObject fields) {
         return number("ns") / NANOSECONDS_PER_MILLISECOND;
     }
 
-    /** Whether the fields have their forms; when not, the line is damaged, and reading the field throws. */
-    public boolean isWhole() {
-        try {
-            NUMBERS.forEach(this::number);
-            TEXTS.forEach(this::text);
-            LISTS.forEach(this::texts);
-            bytes("bytes");
-            if (kind().equals("end")) {
-                number("result");
-            }
-            return true;
-        } catch (IllegalArgumentException | IllegalStateException | UnsupportedOperationException
-                | ClassCastException e) {
-            // What the library of JSON throws where a value is of another kind.
-            return false;
-        }
-    }
-
     public boolean has(String name) {
-        JsonElement field = fields.get(name);
-        return field != null && !field.isJsonNull();
+        return fields.has(name) && !fields.get(name).isNull();
     }
 
+    /** A text, or a number or a truth value as one. */
     public String text(String name) {
-        return has(name) ? fields.get(name).getAsString() : "";
+        Json field = fields.get(name);
+        return field == null || field.isNull() || field.isList() || field.isObject() ? "" : field.text();
     }
 
     /** A number, or a handle in hexadecimal. */
     public long number(String name) {
-        String text = text(name);
-        if (text.startsWith("0x")) {
-            return Long.parseUnsignedLong(text.substring(2), 16);
+        Json field = fields.get(name);
+        if (field != null && field.isString() && field.text().matches(HANDLE)) {
+            return Long.parseUnsignedLong(field.text().substring(2), 16);
         }
-        return text.isEmpty() ? 0 : fields.get(name).getAsLong();
+        return (long) real(name);
+    }
+
+    /** A number with a fraction. */
+    public double real(String name) {
+        Json field = fields.get(name);
+        return field != null && field.isNumber() ? Double.parseDouble(field.text()) : 0;
     }
 
     public boolean flag(String name) {
-        return has(name) && fields.get(name).getAsBoolean();
+        return text(name).equals("true");
     }
 
     public byte[] bytes(String name) {
-        return HexFormat.of().parseHex(text(name));
+        String text = text(name);
+        return text.matches(HEX) ? HexFormat.of().parseHex(text) : new byte[0];
     }
 
     public List<String> texts(String name) {
         List<String> texts = new ArrayList<>();
-        if (has(name)) {
-            fields.getAsJsonArray(name).forEach(element -> texts.add(element.getAsString()));
+        for (Json element : elements(name)) {
+            if (element.isString()) {
+                texts.add(element.text());
+            }
         }
         return texts;
+    }
+
+    /** The elements of a list. */
+    public List<Json> elements(String name) {
+        return fields.has(name) ? fields.get(name).elements() : List.of();
     }
 }

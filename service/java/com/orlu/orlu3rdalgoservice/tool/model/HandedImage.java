@@ -1,8 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
-import java.nio.file.Files;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
@@ -21,35 +22,36 @@ public record HandedImage(String call, String kind, int index, String text, Matc
     public enum Match { SAME, DIFFERENT, UNKNOWN }
 
     private static final String AS_IN_JAVA = "as Java has it";
+    private static final int NOT_KEPT = -2;
 
-    /** All that the probe kept of a recording; none without its pixels. */
-    static List<HandedImage> of(RecordedRequest recorded) throws MistakeException {
+    /** All that the probe kept of a run; none without its pixels. */
+    static List<HandedImage> of(Run run) {
         List<HandedImage> images = new ArrayList<>();
-        if (recorded.part("request") == null) {
-            return images;
-        }
-        long id = recorded.part("request").get("id").getAsLong();
-        for (Event event : recorded.events().events("pixels")) {
-            if (event.number("reqId") == id) {
-                images.add(of(recorded, event));
+        for (Event event : run.events().events("pixels")) {
+            if (event.number("reqId") == run.request().id()) {
+                images.add(of(run, event));
             }
         }
         return images;
     }
 
-    private static HandedImage of(RecordedRequest recorded, Event event) {
+    private static HandedImage of(Run run, Event event) {
         String kind = event.text("image");
         boolean isInput = kind.equals("input");
-        int index = (int) event.number("index");
-        List<RecordedImage> inJava = recorded.images(isInput ? "input" : "result");
-        RecordedImage counterpart = index < inJava.size() ? inJava.get(index) : null;
-        String text = unknown(recorded, event, counterpart);
+        long index = event.number("index");
+        List<ImageLayout> inJava = isInput ? run.inputs() : run.results();
+        ImageLayout counterpart = index >= 0 && index < inJava.size() ? inJava.get((int) index) : null;
         Match match = Match.UNKNOWN;
-        if (text.isEmpty()) {
+        String text;
+        if (event.has("kept")) {
+            text = "kept: " + event.text("kept");
+        } else if (counterpart == null || counterpart.file() == null) {
+            text = "Java's is not recorded";
+        } else {
             try {
-                int at = mismatch(recorded, event, counterpart);
-                match = at < 0 ? Match.SAME : Match.DIFFERENT;
-                text = at < 0 ? AS_IN_JAVA
+                int at = mismatch(run, event, counterpart);
+                match = at == NOT_KEPT ? Match.UNKNOWN : at < 0 ? Match.SAME : Match.DIFFERENT;
+                text = at == NOT_KEPT ? "not kept" : at < 0 ? AS_IN_JAVA
                         : "not " + AS_IN_JAVA + " from byte " + at + " on"
                                 + (isInput ? "" : ": written after the callback");
             } catch (MistakeException e) {
@@ -57,34 +59,20 @@ public record HandedImage(String call, String kind, int index, String text, Matc
             }
         }
         String size = event.has("size") ? event.number("size") + " bytes, " : "";
-        return new HandedImage(event.text("at"), kind, index, size + text, match);
-    }
-
-    private static boolean isOfSameCheck(Event event, RecordedImage inJava) {
-        return inJava.part().get("crc").getAsString().equals(event.text("crc"))
-                && inJava.number("size") == event.number("size");
-    }
-
-    // Why nothing can be said, "" when something can.
-    private static String unknown(RecordedRequest recorded, Event event, RecordedImage inJava) {
-        if (event.has("kept")) {
-            return "kept: " + event.text("kept");
-        }
-        if (inJava == null || !inJava.hasBytes()) {
-            return "Java's is not recorded";
-        }
-        boolean isThere = isOfSameCheck(event, inJava)
-                || Files.exists(recorded.folder().resolve(event.text("file")));
-        return isThere ? "" : "not kept";
+        return new HandedImage(event.text("at"), kind, (int) index, size + text, match);
     }
 
     // The first byte that differs from Java's, -1 for none. A file whose bytes the recorder has is left out.
-    private static int mismatch(RecordedRequest recorded, Event event, RecordedImage inJava)
-            throws MistakeException {
-        if (isOfSameCheck(event, inJava)) {
+    private static int mismatch(Run run, Event event, ImageLayout inJava) throws MistakeException {
+        if (inJava.file().crc().equals(event.text("crc")) && inJava.size() == event.number("size")) {
             return -1;
         }
-        byte[] bytes = recorded.checkedBytes(event.text("file"), event.text("crc"));
+        RecordedFile file = RecordedFile.named(run.folder(), event.fields().require("file"),
+                event.fields().require("size").integer(0, RecordedFile.MOST_BYTES), event.text("crc"));
+        if (!RecordedFile.isRegular(file.path())) {
+            return NOT_KEPT;
+        }
+        byte[] bytes = file.bytes();
         byte[] counterpart = inJava.bytes();
         // The library may get less of the memory than Java has.
         int common = Math.min(bytes.length, counterpart.length);

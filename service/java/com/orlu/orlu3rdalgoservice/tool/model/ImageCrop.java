@@ -1,8 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.util.ArrayList;
@@ -13,7 +11,8 @@ import java.util.List;
  * padding that they have behind them, so that the smaller image lies in memory as the larger one did.
  */
 final class ImageCrop {
-    private final JsonObject mPart;
+    private final ImageLayout mImage;
+    private ImageLayout mCropped;
     private final PixelFormat mFormat;
     private final int mWidth;
     private final int mHeight;
@@ -29,12 +28,12 @@ final class ImageCrop {
         }
     }
 
-    private ImageCrop(RecordedImage image, CropArea area) {
-        mPart = image.part().deepCopy();
+    private ImageCrop(ImageLayout image, CropArea area) {
+        mImage = image;
         mFormat = PixelFormat.named(image.format());
-        mWidth = image.number("width");
-        mHeight = image.number("height");
-        mSize = image.number("size");
+        mWidth = image.width();
+        mHeight = image.height();
+        mSize = image.size();
         mArea = area;
     }
 
@@ -42,8 +41,8 @@ final class ImageCrop {
      * Plans the cut. IllegalArgumentException for an image, called by this name, that is not as large as the
      * area or whose description makes no sense; null for a format whose pixels can't be cut out.
      */
-    static ImageCrop of(RecordedImage image, CropArea area, String name) {
-        ImageCrop crop = new ImageCrop(image, area.in(image.number("width"), image.number("height"), name));
+    static ImageCrop of(ImageLayout image, CropArea area, String name) {
+        ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
         if (crop.mFormat == null || crop.mFormat == PixelFormat.JPEG) {
             return null;
         }
@@ -51,9 +50,9 @@ final class ImageCrop {
         return crop;
     }
 
-    private void plan(RecordedImage image, String name) {
-        int[] strides = image.numbers("rowStrides");
-        int[] given = image.numbers("planeSizes");
+    private void plan(ImageLayout image, String name) {
+        int[] strides = image.rowStrides();
+        int[] given = image.planeSizes();
         int[] sizes = given == null ? new int[0] : given;
         if (strides == null || strides.length == 0 || strides[0] < mFormat.tightStride(mWidth)) {
             throw new IllegalArgumentException("--crop: " + name + " has rows of "
@@ -117,7 +116,7 @@ final class ImageCrop {
         for (Plane plane : mPlanes) {
             int last = plane.at() + plane.stride() * (plane.firstRow() + plane.newRows() - 1)
                     + plane.firstByte() + plane.bytes();
-            if (mPart.has("file") && last > mSize || plane.newStride() < plane.bytes()) {
+            if (mImage.file() != null && last > mSize || plane.newStride() < plane.bytes()) {
                 throw new IllegalArgumentException(
                         "--crop: " + name + " has " + mSize + " bytes, fewer than its rows");
             }
@@ -125,39 +124,26 @@ final class ImageCrop {
     }
 
     private void describe(int[] strides, int[] sizes, int size) {
-        int columns = mWidth - mArea.width();
-        mPart.addProperty("width", mArea.width());
-        mPart.addProperty("height", mArea.height());
-        mPart.add("rowStrides", array(strides));
-        mPart.add("planeSizes", array(sizes));
-        if (mPart.has("size")) {
-            mPart.addProperty("size", size);
+        int[] buffer = mImage.buffer().clone();
+        if (buffer.length > 0 && buffer[1] == 1) {
+            buffer[0] = size;
+        } else if (buffer.length > 0) {
+            buffer[0] -= mWidth - mArea.width();
+            buffer[1] -= mHeight - mArea.height();
         }
-        if (mPart.has("bufferWidth") && mPart.get("bufferHeight").getAsInt() == 1) {
-            mPart.addProperty("bufferWidth", size);
-        } else if (mPart.has("bufferWidth")) {
-            mPart.addProperty("bufferWidth", mPart.get("bufferWidth").getAsInt() - columns);
-            mPart.addProperty("bufferHeight",
-                    mPart.get("bufferHeight").getAsInt() - (mHeight - mArea.height()));
-        }
+        mCropped = new ImageLayout(mImage.format(), mArea.width(), mArea.height(), strides,
+                mImage.planeSizes() == null ? null : sizes, mImage.memory(), buffer,
+                mImage.memory().equals("none") ? 0 : size, mImage.file(), mImage.kept(), mImage.frame());
     }
 
-    private static JsonArray array(int[] numbers) {
-        JsonArray array = new JsonArray();
-        for (int number : numbers) {
-            array.add(number);
-        }
-        return array;
-    }
-
-    /** What describes the smaller image; file and check are still the larger one's. */
-    JsonObject part() {
-        return mPart;
+    /** The description of the smaller image; its file is still the larger one's. */
+    ImageLayout image() {
+        return mCropped;
     }
 
     /** The bytes of the smaller image, whose padding is 0. */
     byte[] bytes(byte[] from) {
-        byte[] to = new byte[mPart.get("size").getAsInt()];
+        byte[] to = new byte[mCropped.size()];
         for (Plane plane : mPlanes) {
             for (int row = 0; row < plane.newRows(); ++row) {
                 int at = plane.at() + (plane.firstRow() + row) * plane.stride() + plane.firstByte();

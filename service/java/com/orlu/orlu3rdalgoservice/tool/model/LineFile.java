@@ -1,8 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.Gson;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonParseException;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.io.RandomAccessFile;
@@ -16,7 +15,6 @@ import java.util.function.Predicate;
 public final class LineFile {
     private final Path mFile;
     private final Predicate<String> mWanted;
-    private final Gson mGson = new Gson();
     private long mRead;
 
     /** Whether a line of the events is no look-up of a tag, of which there are as many as of all others. */
@@ -42,8 +40,8 @@ public final class LineFile {
      * The wanted lines that came since the last call. Only whole lines count: what is still being written is
      * left for the next time. A line that is no JSON object is an IllegalStateException.
      */
-    public List<JsonObject> next() throws IOException {
-        List<JsonObject> objects = new ArrayList<>();
+    public List<Json> next() throws IOException {
+        List<Json> objects = new ArrayList<>();
         for (String line : newLines()) {
             if (mWanted.test(line)) {
                 objects.add(parse(line));
@@ -52,16 +50,14 @@ public final class LineFile {
         return objects;
     }
 
-    private JsonObject parse(String line) {
+    private Json parse(String line) {
         try {
-            JsonObject object = mGson.fromJson(line, JsonObject.class);
-            if (object != null) {
-                return object;
-            }
-        } catch (JsonParseException e) {
+            Json object = Json.parse(mFile.toString(), 0, line);
+            object.members();
+            return object;
+        } catch (MistakeException e) {
             throw new IllegalStateException(mFile + " has an odd line: " + line, e);
         }
-        throw new IllegalStateException(mFile + " has an empty line");
     }
 
     private List<String> newLines() throws IOException {

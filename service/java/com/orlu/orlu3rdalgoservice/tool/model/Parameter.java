@@ -1,7 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.JsonElement;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterFormatter;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterTypes;
 
@@ -22,8 +21,8 @@ public record Parameter(String section, String key, byte[] bytes) {
     }
 
     /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
-    public JsonElement json() {
-        return ParameterFormatter.json(ParameterTypes.of(section, key), bytes);
+    public Json json() {
+        return Json.of(ParameterFormatter.json(ParameterTypes.of(section, key), bytes));
     }
 
     /** The whole section, and the key. */

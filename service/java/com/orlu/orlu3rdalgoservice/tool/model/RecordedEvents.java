@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 
 import java.util.ArrayList;
 import java.util.HashMap;
@@ -14,8 +14,8 @@ public final class RecordedEvents {
     private final Map<Long, Call> mOpen = new HashMap<>();
 
     /** Adds lines in the file's order. An end whose begin is not here is left out of the calls. */
-    public void add(List<JsonObject> lines) {
-        for (JsonObject line : lines) {
+    public void add(List<Json> lines) {
+        for (Json line : lines) {
             add(new Event(line));
         }
     }

@@ -1,8 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 
 import java.io.IOException;
 import java.nio.file.Path;
@@ -26,29 +24,22 @@ public final class TraceReader {
 
     /** The last request that was finished since the last call, null when there was none. */
     public AlgorithmPass next() throws IOException {
-        List<JsonObject> lines = mLines.next();
+        List<Json> lines = mLines.next();
         return lines.isEmpty() ? null : pass(new Event(lines.get(lines.size() - 1)));
     }
 
     private static AlgorithmPass pass(Event done) {
         List<AlgorithmPass.Frame> frames = new ArrayList<>();
-        if (done.has("frames")) {
-            for (JsonElement frame : done.fields().getAsJsonArray("frames")) {
-                frames.add(frame(new Event(frame.getAsJsonObject())));
-            }
-        }
-        double milliseconds = done.has("milliseconds") ? done.fields().get("milliseconds").getAsDouble() : 0;
-        return new AlgorithmPass(done.texts("ran"), done.texts("skipped"), milliseconds, frames);
+        done.elements("frames").forEach(frame -> frames.add(frame(new Event(frame))));
+        return new AlgorithmPass(
+                done.texts("ran"), done.texts("skipped"), done.real("milliseconds"), frames);
     }
 
     private static AlgorithmPass.Frame frame(Event frame) {
-        int[] shift = null;
-        if (frame.has("shift")) {
-            JsonArray xy = frame.fields().getAsJsonArray("shift");
-            shift = new int[] {xy.get(0).getAsInt(), xy.get(1).getAsInt()};
-        }
-        double sharpness =
-                frame.has("sharpness") ? frame.fields().get("sharpness").getAsDouble() : Double.NaN;
+        List<Json> xy = frame.elements("shift");
+        int[] shift = xy.size() != 2 ? null
+                : new int[] {Integer.parseInt(xy.get(0).text()), Integer.parseInt(xy.get(1).text())};
+        double sharpness = frame.has("sharpness") ? frame.real("sharpness") : Double.NaN;
         return new AlgorithmPass.Frame(sharpness, shift, !frame.has("kept") || frame.flag("kept"));
     }
 }

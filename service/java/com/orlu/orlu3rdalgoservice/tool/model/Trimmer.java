@@ -1,41 +1,39 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
-import java.io.ByteArrayOutputStream;
 import java.io.IOException;
-import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
+import java.util.zip.CRC32;
 
 /**
- * Writes a smaller copy of a recording. Without some frames the request is another one, so that what came of
- * it is left out then, and likewise where images are cropped. Without pixels what came of it stays, but for
- * the output's pixels.
+ * Writes a smaller copy of a run's folder. With fewer frames or smaller images the request is another one: what
+ * came of it is left out. Without pixels what came of it stays, except for the pixels of its outputs.
  */
 public final class Trimmer {
-    private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().serializeNulls().create();
-    private static final Set<String> WHAT_CAME_OF_IT =
-            Set.of("processed", "updating", "updated", "put", "result", "events");
+    private static final String TRIMMED = "no: trimmed";
 
-    private final RecordedRequest mRecorded;
+    private final Run mRun;
     private final Set<Integer> mFrames;
     private final boolean mKeepsPixels;
     private final CropArea mCrop;
     private final List<String> mNotes = new ArrayList<>();
-    private final ByteArrayOutputStream mLines = new ByteArrayOutputStream();
+    private Path mFolder;
 
     /** Keeps these frames, all when there are none here, and of each image this area, all of it for null. */
-    public Trimmer(RecordedRequest recorded, Set<Integer> frames, boolean keepsPixels, CropArea crop) {
-        mRecorded = recorded;
+    public Trimmer(Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop) {
+        mRun = run;
         mFrames = new TreeSet<>(frames);
         mKeepsPixels = keepsPixels;
         mCrop = crop;
@@ -48,9 +46,8 @@ public final class Trimmer {
 
     /** Writes the copy into a folder that must not be there. */
     public void write(Path folder) throws MistakeException, IOException {
-        int frames = mRecorded.parts("frame").size();
-        int inputs = mRecorded.parts("input").size();
-        mRecorded.toRequest();
+        int frames = mRun.frames().size();
+        int inputs = mRun.inputs().size();
         for (int frame : mFrames) {
             if (frame < 0 || frame >= frames) {
                 throw new IllegalArgumentException(
@@ -67,149 +64,166 @@ public final class Trimmer {
         if (mCrop != null) {
             checkCrop();
         }
+        mFolder = folder;
         Files.createDirectories(folder);
-        writeParts(folder, Math.max(1, inputs / Math.max(1, frames)));
-        Files.write(folder.resolve(RecordedRequest.LINES), mLines.toByteArray());
-    }
-
-    private void writeParts(Path folder, int inputsPerFrame) throws MistakeException, IOException {
-        List<Integer> counts = new ArrayList<>(List.of(0, 0));
-        for (JsonObject part : mRecorded.parts()) {
-            String name = part.get("part").getAsString();
-            boolean isOther = !mFrames.isEmpty() || mCrop != null;
-            if (name.equals("eventsAt") || isOther && WHAT_CAME_OF_IT.contains(name)) {
-                continue;
-            }
-            if (name.equals("request") && isOther) {
-                // Behind those of the copy that it is a copy of.
-                write(trimmed());
-            }
-            JsonObject copy = part.deepCopy();
-            if (name.equals("frame") && !renumber(copy, counts, 0, 1)
-                    || name.equals("input") && !renumber(copy, counts, 1, inputsPerFrame)) {
-                continue;
-            }
-            ImageCrop crop = null;
-            if (mCrop != null && (name.equals("input") || name.equals("output"))) {
-                crop = crop(part, name, copy);
-            }
-            copyBytes(part, copy, folder, crop);
-            write(copy);
+        writeJson(RunFolder.REQUEST, request(Math.max(1, inputs / Math.max(1, frames))));
+        if (mFrames.isEmpty() && mCrop == null) {
+            copyOutcome();
         }
     }
 
-    // Goes before the request: what a reader may not take for the whole of it.
-    private JsonObject trimmed() {
-        JsonObject part = new JsonObject();
-        part.addProperty("part", "trimmed");
+    private void writeJson(String name, Map<String, Object> json) throws IOException {
+        Files.writeString(mFolder.resolve(name), JsonWriter.pretty(json));
+    }
+
+    private Map<String, Object> request(int inputsPerFrame) throws MistakeException, IOException {
+        Map<String, Object> request = new LinkedHashMap<>(mRun.root().members());
+        Map<String, Object> header = new LinkedHashMap<>(mRun.header().members());
+        header.remove("eventsFrom");
+        request.put("recording", header);
+        boolean isOther = !mFrames.isEmpty() || mCrop != null;
+        if (isOther) {
+            List<Object> trimmed = new ArrayList<>(
+                    mRun.root().has("trimmed") ? mRun.root().get("trimmed").elements() : List.of());
+            trimmed.add(trimmed());
+            request.put("trimmed", trimmed);
+        }
+        List<Object> frames = new ArrayList<>();
+        for (int i = 0; i < mRun.frames().size(); ++i) {
+            if (isKept(i)) {
+                frames.add(mRun.frames().get(i));
+            }
+        }
+        request.put("frames", frames);
+        request.put("inputs", inputs(inputsPerFrame));
+        request.put("outputs", outputs());
+        return request;
+    }
+
+    private boolean isKept(int frame) {
+        return mFrames.isEmpty() || mFrames.contains(frame);
+    }
+
+    private Map<String, Object> trimmed() {
+        Map<String, Object> trimmed = new LinkedHashMap<>();
         if (!mFrames.isEmpty()) {
-            part.add("frames", GSON.toJsonTree(mFrames));
+            trimmed.put("frames", mFrames);
         }
         if (mCrop != null) {
-            part.addProperty("crop", mCrop.toString());
+            trimmed.put("crop", mCrop.toString());
         }
-        return part;
+        return trimmed;
+    }
+
+    private List<Object> inputs(int perFrame) throws MistakeException, IOException {
+        List<Object> images = new ArrayList<>();
+        for (int i = 0; i < mRun.inputs().size(); ++i) {
+            ImageLayout image = mRun.inputs().get(i);
+            if (isKept(i / perFrame)) {
+                ImageCrop crop = mCrop == null ? null : ImageCrop.of(image, mCrop, "input " + i);
+                ImageLayout copy = copied(image, crop, "input" + images.size() + ".bin");
+                images.add((mFrames.isEmpty() ? copy : copy.withFrame(images.size() / perFrame)).json());
+            }
+        }
+        return images;
+    }
+
+    private List<Object> outputs() throws MistakeException, IOException {
+        List<Object> images = new ArrayList<>();
+        for (ImageLayout image : mRun.outputs()) {
+            ImageCrop crop = mCrop == null || !hasSizeOfInputs(image) ? null
+                    : ImageCrop.of(image, mCrop, "output " + images.size());
+            ImageLayout copy = copied(image, crop, "before" + images.size() + ".bin");
+            if (crop == null && mCrop != null && hasSizeOfInputs(image)) {
+                copy = copy.withSides(mCrop.width(), mCrop.height());
+            }
+            images.add(copy.json());
+        }
+        return images;
+    }
+
+    // The description of the copy, whose bytes are written.
+    private ImageLayout copied(ImageLayout image, ImageCrop crop, String name)
+            throws MistakeException, IOException {
+        ImageLayout described = crop == null ? image : crop.image();
+        if (image.file() == null || !mKeepsPixels) {
+            return image.file() == null ? described : described.withFile(null, TRIMMED);
+        }
+        byte[] bytes = crop == null ? image.bytes() : crop.bytes(image.bytes());
+        Files.write(mFolder.resolve(name), bytes);
+        return described.withFile(
+                new RecordedFile(mFolder.resolve(name), bytes.length, crc(bytes), null), "");
+    }
+
+    private static String crc(byte[] bytes) {
+        CRC32 check = new CRC32();
+        check.update(bytes);
+        return "%08x".formatted(check.getValue());
+    }
+
+    private void copyOutcome() throws MistakeException, IOException {
+        Path events = mRun.folder().resolve(RunFolder.EVENTS);
+        if (RecordedFile.isRegular(events)) {
+            Files.copy(events, mFolder.resolve(RunFolder.EVENTS));
+        }
+        if (!RecordedFile.isRegular(mRun.folder().resolve(RunFolder.OUTCOME))) {
+            return;
+        }
+        Map<String, Object> outcome = new LinkedHashMap<>(mRun.outcome().members());
+        if (outcome.isEmpty()) {
+            return;
+        }
+        List<Object> images = new ArrayList<>();
+        for (ImageLayout image : mRun.results()) {
+            images.add(copied(image, null, "output" + images.size() + ".bin").json());
+        }
+        if (outcome.containsKey("outputs")) {
+            outcome.put("outputs", images);
+        }
+        writeJson(RunFolder.OUTCOME, outcome);
+        if (mKeepsPixels) {
+            copyHanded();
+        }
+    }
+
+    // What the library saw of the images, where that is in files of its own.
+    private void copyHanded() throws MistakeException, IOException {
+        for (Event event : mRun.events().events("pixels")) {
+            Json name = event.fields().get("file");
+            if (name != null) {
+                RecordedFile file = RecordedFile.named(mRun.folder(), name,
+                        event.fields().require("size").integer(0, RecordedFile.MOST_BYTES), event.text("crc"));
+                if (RecordedFile.isRegular(file.path())) {
+                    Files.write(mFolder.resolve(name.string()), file.bytes());
+                }
+            }
+        }
     }
 
     // Every image is tried before anything is written.
-    private void checkCrop() {
-        for (RecordedImage image : mRecorded.images("input")) {
-            if (ImageCrop.of(image, mCrop, nameOf(image.part(), "input")) == null) {
-                mNotes.add(nameOf(image.part(), "input") + " is " + image.format() + ": left as it is");
+    private void checkCrop() throws MistakeException {
+        for (int i = 0; i < mRun.inputs().size(); ++i) {
+            ImageLayout image = mRun.inputs().get(i);
+            if (ImageCrop.of(image, mCrop, "input " + i) == null) {
+                mNotes.add("input " + i + " is " + image.format() + ": left as it is");
             }
         }
-        for (RecordedImage image : mRecorded.images("output")) {
-            if (!hasSizeOfInputs(image)) {
-                mNotes.add(nameOf(image.part(), "output") + " is not as large as the inputs: left as it is");
+        for (int i = 0; i < mRun.outputs().size(); ++i) {
+            if (!hasSizeOfInputs(mRun.outputs().get(i))) {
+                mNotes.add("output " + i + " is not as large as the inputs: left as it is");
             } else {
-                ImageCrop.of(image, mCrop, nameOf(image.part(), "output"));
+                ImageCrop.of(mRun.outputs().get(i), mCrop, "output " + i);
             }
         }
-        Set<String> tags = SizeTags.of(mRecorded.parts("frame"));
+        Set<String> tags = SizeTags.of(mRun);
         if (!tags.isEmpty()) {
             mNotes.add(
                     "these tags hold sizes or places and are left as they are: " + String.join(", ", tags));
         }
     }
 
-    private static String nameOf(JsonObject part, String name) {
-        return name + " " + part.get("index");
-    }
-
-    private boolean hasSizeOfInputs(RecordedImage image) {
-        List<RecordedImage> inputs = mRecorded.images("input");
-        return !inputs.isEmpty() && inputs.get(0).number("width") == image.number("width")
-                && inputs.get(0).number("height") == image.number("height");
-    }
-
-    // Puts the smaller description into the copy. Returns how its bytes are cut, null when they are not.
-    private ImageCrop crop(JsonObject part, String name, JsonObject copy) {
-        RecordedImage image = new RecordedImage(mRecorded, part);
-        if (name.equals("output") && !hasSizeOfInputs(image)) {
-            return null;
-        }
-        ImageCrop crop = ImageCrop.of(image, mCrop, nameOf(part, name));
-        if (crop != null) {
-            crop.part().entrySet().stream().filter(field -> !field.getKey().equals("index"))
-                    .forEach(field -> copy.add(field.getKey(), field.getValue()));
-        } else if (name.equals("output")) {
-            copy.addProperty("width", mCrop.width());
-            copy.addProperty("height", mCrop.height());
-        }
-        return crop;
-    }
-
-    // Returns whether the part is kept.
-    private boolean renumber(JsonObject part, List<Integer> counts, int which, int perFrame) {
-        if (!mFrames.isEmpty() && !mFrames.contains(part.get("index").getAsInt() / perFrame)) {
-            return false;
-        }
-        part.addProperty("index", counts.get(which));
-        counts.set(which, counts.get(which) + 1);
-        return true;
-    }
-
-    private void copyBytes(JsonObject part, JsonObject copy, Path folder, ImageCrop crop)
-            throws MistakeException, IOException {
-        if (!part.has("file")) {
-            return;
-        }
-        String name = part.get("part").getAsString();
-        if (!mKeepsPixels && !name.equals("events")) {
-            copy.remove("file");
-            copy.remove("crc");
-            copy.addProperty("kept", "no: trimmed");
-            return;
-        }
-        byte[] bytes = mRecorded.checkedBytes(part.get("file").getAsString(), part.get("crc").getAsString());
-        String file = copy.has("index") && name.equals("input") ? "input" + copy.get("index") + ".bin"
-                : part.get("file").getAsString();
-        copy.addProperty("file", file);
-        if (crop != null) {
-            bytes = crop.bytes(bytes);
-            copy.addProperty("crc", RecordedRequest.check(bytes, 0, bytes.length));
-        }
-        Files.write(folder.resolve(file), bytes);
-        if (name.equals("events") && mKeepsPixels) {
-            copyHanded(folder);
-        }
-    }
-
-    // What the library saw of the images, where that is in files of its own.
-    private void copyHanded(Path folder) throws MistakeException, IOException {
-        for (Event event : mRecorded.events().events("pixels")) {
-            String file = event.text("file");
-            if (!file.isEmpty() && Files.isRegularFile(mRecorded.folder().resolve(file))) {
-                Files.write(folder.resolve(file), mRecorded.checkedBytes(file, event.text("crc")));
-            }
-        }
-    }
-
-    private void write(JsonObject part) {
-        byte[] text = GSON.toJson(part).getBytes(StandardCharsets.UTF_8);
-        String check = RecordedRequest.check(text, 0, text.length) + " ";
-        mLines.writeBytes(check.getBytes(StandardCharsets.US_ASCII));
-        mLines.writeBytes(text);
-        mLines.write('\n');
+    private boolean hasSizeOfInputs(ImageLayout image) {
+        return !mRun.inputs().isEmpty() && mRun.inputs().get(0).width() == image.width()
+                && mRun.inputs().get(0).height() == image.height();
     }
 }

@@ -20,9 +20,27 @@ import java.util.List;
  * @param frame    which frame an input belongs to
  * @param file     what an input's pixels come from, null for the request's photo
  * @param place    the description in the request file, for errors
+ * @param layout   what a recorder found, which wins over all else; null for an image that no recorder described
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
-        int capacity, int bits, int frame, ImageFile file, Place place) {
+        int capacity, int bits, int frame, ImageFile file, Place place, ImageLayout layout) {
+    /** An image that no recorder described. */
+    public ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
+            int capacity, int bits, int frame, ImageFile file, Place place) {
+        this(format, name, hardware, width, height, stride, capacity, bits, frame, file, place, null);
+    }
+
+    /** An image as a recorder found it. Of a format that is not known here, the bytes have no rows. */
+    static ImagePlan exact(ImageLayout layout, Place place) {
+        PixelFormat known = PixelFormat.named(layout.format());
+        PixelFormat format = known == null ? PixelFormat.JPEG : known;
+        int[] strides = layout.rowStrides();
+        return new ImagePlan(format, layout.format(), layout.memory().equals("hardware"), layout.width(),
+                layout.height(), strides == null || strides.length == 0 ? 0 : strides[0], 0,
+                Math.min(ImagePlanReader.USUAL_BITS, format.mostBits()), Math.max(0, layout.frame()), null, place,
+                layout);
+    }
+
     ImagePlan withFrame(int index) {
         return new ImagePlan(
                 format, name, hardware, width, height, stride, capacity, bits, index, file, place);
@@ -35,6 +53,9 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
 
     /** The same image with the frames' size where the file gives none. A stride below a row is an error. */
     public ImagePlan sized(int frameWidth, int frameHeight) throws MistakeException {
+        if (layout != null) {
+            return this;
+        }
         ImagePlan sized = new ImagePlan(format, name, hardware, width > 0 ? width : frameWidth,
                 height > 0 ? height : frameHeight, stride, capacity, bits, frame, file, place);
         int row = format.tightStride(sized.width);
@@ -43,6 +64,11 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                     + " pixels, found " + stride);
         }
         return sized;
+    }
+
+    /** Whether the pixels are made of the request's photo. */
+    public boolean isOfPhoto() {
+        return file == null && layout == null;
     }
 
     public int strideBytes() {

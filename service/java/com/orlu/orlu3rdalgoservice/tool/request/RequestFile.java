@@ -29,11 +29,11 @@ public record RequestFile(Path file, String about, long id, String type, long cl
         List<ImagePlan> inputs, List<ImagePlan> outputs, Place place) {
     /** Whether any input is made of the photo. */
     public boolean needsPhoto() {
-        return inputs.stream().anyMatch(image -> image.file() == null);
+        return inputs.stream().anyMatch(ImagePlan::isOfPhoto);
     }
 
     /** Whether a frame has an input made of the photo, so that there is a clean picture of it. */
     public boolean isOfPhoto(int frame) {
-        return inputs.stream().anyMatch(image -> image.file() == null && image.frame() == frame);
+        return inputs.stream().anyMatch(image -> image.isOfPhoto() && image.frame() == frame);
     }
 }

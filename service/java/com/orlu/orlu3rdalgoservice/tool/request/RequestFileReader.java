@@ -52,11 +52,16 @@ public final class RequestFileReader {
     private static RequestFile read(Path file, Path otherPhoto, Json field) {
         Mistakes mistakes = field.mistakes();
         RequestFileReader reader = new RequestFileReader(file, otherPhoto, mistakes);
-        RequestFile request = mistakes.attempt(() -> reader.root(field), null);
+        boolean isRecorded = field.has(RecordedRequestReader.MARK);
+        RequestFile request = mistakes.attempt(() -> isRecorded
+                ? new RecordedRequestReader(file, mistakes).read(field) : reader.root(field), null);
         if (mistakes.errors() > 0) {
             return null;
         }
-        RequestAdvice.give(request, field);
+        if (!isRecorded) {
+            // A recording holds what happened, right or not.
+            RequestAdvice.give(request, field);
+        }
         return request;
     }
 

@@ -1,10 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 /** A value of metadata with its type's name, {"long": 5}, as recordings have them. */
@@ -13,8 +9,8 @@ public final class TypedValue {
     }
 
     /** Whether this is a value of a class without a form of its own; only a text of it was recorded. */
-    public static boolean isOfOtherClass(JsonElement element) {
-        return element instanceof JsonObject object && object.has("class");
+    public static boolean isOfOtherClass(Json field) {
+        return field.has("class");
     }
 
     /** The value; null for JSON's null. */
@@ -28,11 +24,5 @@ public final class TypedValue {
             throw field.needs("a value with its type such as {\"long\": 5}");
         }
         return value;
-    }
-
-    /** The value of an element that comes from a line of this file; the place is the field's in an error. */
-    public static Object read(String file, String place, JsonElement element) throws MistakeException {
-        String text = "{" + JsonWriter.line(place) + ": " + element + "}";
-        return read(Json.parse(file, 0, text).require(place));
     }
 }

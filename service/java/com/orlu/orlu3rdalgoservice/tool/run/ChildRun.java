@@ -1,7 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import com.google.gson.JsonParser;
-
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
@@ -36,27 +34,20 @@ public final class ChildRun {
         mLibrary = library;
     }
 
-    /** Runs recordings again. Returns the folder of the new ones, which are fewer when the process ended. */
-    public Path play(List<Path> recordings) throws IOException {
-        List<String> arguments = new ArrayList<>(List.of("play"));
-        recordings.forEach(recording -> arguments.add(recording.toString()));
+    /** Runs request files, and returns the folder of their recordings; fewer if the process ended. */
+    public Path run(List<Path> requests) throws IOException {
+        List<String> arguments = new ArrayList<>(List.of("--out", mFolder.resolve("images").toString()));
+        requests.forEach(request -> arguments.add(request.toString()));
         return start(arguments);
     }
 
-    /** Runs a request file, and returns the folder of its recording. */
-    public Path run(Path request) throws IOException {
-        return start(List.of(request.toString(), "--out", mFolder.resolve("images").toString()));
-    }
-
-    /** Tries what each tag of a recording changes. */
-    public Dependences trials(Path recording) throws IOException {
-        Path found;
+    /** Tries what each tag of a request changes. */
+    public Dependences trials(Path request) throws IOException {
         try {
-            found = start(List.of("trials", recording.toString()));
+            return Dependences.read(start(List.of("trials", request.toString()))).get(0);
         } catch (IllegalStateException e) {
             return Dependences.unknown(e.getMessage());
         }
-        return Dependences.of(JsonParser.parseString(Files.readString(found)).getAsJsonObject());
     }
 
     private Path start(List<String> arguments) throws IOException {

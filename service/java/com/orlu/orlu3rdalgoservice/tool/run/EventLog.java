@@ -1,8 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.io.IOException;
 import java.nio.ByteBuffer;
@@ -11,13 +9,13 @@ import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.StandardOpenOption;
+import java.util.Map;
 
 /** Appends events to the file that the probe writes into, a line and a write each. From any thread. */
 public final class EventLog {
     /** The environment variable that names the file. */
     public static final String VARIABLE = "ORLU_EVENTS";
 
-    private static final Gson GSON = new GsonBuilder().disableHtmlEscaping().serializeNulls().create();
     private static final ThreadLocal<ThreadName> THREAD = ThreadLocal.withInitial(ThreadName::ofThisOne);
 
     private static EventLog sOfEnvironment;
@@ -58,20 +56,15 @@ public final class EventLog {
     }
 
     /** An event that happens now, on this thread: its fields are to be added, and it is to be written. */
-    public JsonObject begin(String event) {
+    public Map<String, Object> begin(String event) {
         ThreadName thread = THREAD.get();
-        JsonObject line = new JsonObject();
-        line.addProperty("t", System.nanoTime());
-        line.addProperty("tid", thread.tid());
-        line.addProperty("thread", thread.name());
-        line.addProperty("event", event);
-        return line;
+        return JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread", thread.name(), "event", event);
     }
 
     /** Writes the event. The native code that is under way never hears of a file that can't be written. */
-    public void write(JsonObject line) {
+    public void write(Map<String, Object> line) {
         try {
-            mFile.write(ByteBuffer.wrap((GSON.toJson(line) + '\n').getBytes(StandardCharsets.UTF_8)));
+            mFile.write(ByteBuffer.wrap((JsonWriter.line(line) + '\n').getBytes(StandardCharsets.UTF_8)));
         } catch (IOException e) {
             System.err.println("run: events: " + e.getMessage());
         }

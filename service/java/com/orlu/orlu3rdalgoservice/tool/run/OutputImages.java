@@ -35,7 +35,7 @@ public final class OutputImages {
         List<String> lines = new ArrayList<>();
         for (ImageBuffer input : inputs) {
             if (lines.isEmpty() && input.plan().frame() == mBase) {
-                String file = input.plan().file() != null ? write(OutputReader.of(input), mName + "-base")
+                String file = !input.plan().isOfPhoto() ? write(OutputReader.of(input), mName + "-base")
                         : writePng(frames.get(mBase).shot(), mName + "-base");
                 lines.add(file + " (frame " + mBase + " as it went in)");
             }

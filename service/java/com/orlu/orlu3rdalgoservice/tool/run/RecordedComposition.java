@@ -2,10 +2,10 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
 
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
+
+import java.util.Map;
 
 /** A composition whose look-ups, those in its capture result too, and values put are events. */
 public final class RecordedComposition extends CaptureResultComposition {
@@ -41,26 +41,26 @@ public final class RecordedComposition extends CaptureResultComposition {
     public void putMetadata(String key, Object value) {
         super.putMetadata(key, value);
         if (mEvents != null) {
-            JsonObject line = mEvents.begin("put");
-            line.addProperty("frame", mFrame);
-            line.addProperty("tag", key);
+            Map<String, Object> line = mEvents.begin("put");
+            line.put("frame", mFrame);
+            line.put("tag", key);
             addHeld(line, value);
             mEvents.write(line);
         }
     }
 
     private void lookup(String source, String tag, Class<?> asked, Object held, RuntimeException thrown) {
-        JsonObject line = mEvents.begin("lookup");
-        line.addProperty("frame", mFrame);
-        line.addProperty("source", source);
-        line.addProperty("tag", tag);
-        line.addProperty("outcome", outcome(held, thrown));
+        Map<String, Object> line = mEvents.begin("lookup");
+        line.put("frame", mFrame);
+        line.put("source", source);
+        line.put("tag", tag);
+        line.put("outcome", outcome(held, thrown));
         if (asked != null) {
-            line.addProperty("asked", asked.getSimpleName());
+            line.put("asked", asked.getSimpleName());
         }
         addHeld(line, held);
         if (thrown != null) {
-            line.addProperty("what", thrown.toString());
+            line.put("what", thrown.toString());
         }
         mEvents.write(line);
     }
@@ -72,10 +72,10 @@ public final class RecordedComposition extends CaptureResultComposition {
         return held == null ? "absent" : "found";
     }
 
-    private static void addHeld(JsonObject line, Object held) {
+    private static void addHeld(Map<String, Object> line, Object held) {
         if (held != null) {
-            line.addProperty("held", held.getClass().getSimpleName());
-            line.add("value", HeldValue.json(held));
+            line.put("held", held.getClass().getSimpleName());
+            line.put("value", HeldValue.json(held));
         }
     }
 }

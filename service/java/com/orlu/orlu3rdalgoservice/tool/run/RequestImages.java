@@ -40,15 +40,15 @@ public final class RequestImages {
             throw request.place().error("photo", "no photo that can be read: " + request.photo());
         }
         boolean raw = request.inputs().stream().anyMatch(
-                image -> image.file() == null && image.format().isRaw());
+                image -> image.isOfPhoto() && image.format().isRaw());
         return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
     }
 
     /** An input of these frames, or of its file. The caller closes it. */
     public static ImageBuffer input(ImagePlan plan, List<SynthesisedFrame> frames, FrameSize size)
             throws ErrnoException, MistakeException {
-        return plan.file() == null
+        return plan.isOfPhoto()
                 ? ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan))
-                : ImageBuffer.ofFile(plan);
+                : plan.layout() != null ? ImageBuffer.recorded(plan) : ImageBuffer.ofFile(plan);
     }
 }

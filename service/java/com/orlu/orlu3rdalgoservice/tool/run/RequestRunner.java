@@ -139,7 +139,8 @@ public final class RequestRunner {
             mReport.inputs.add(mInputs.get(mInputs.size() - 1).plan());
         }
         for (ImagePlan plan : mRequest.outputs()) {
-            mOutputs.add(ImageBuffer.empty(size.applyTo(plan)));
+            mOutputs.add(plan.layout() == null ? ImageBuffer.empty(size.applyTo(plan))
+                    : ImageBuffer.recorded(plan));
         }
     }
 

@@ -6,44 +6,32 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonNull;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonPrimitive;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
-import java.lang.reflect.Array;
+import java.util.Arrays;
 import java.util.HexFormat;
+import java.util.Map;
 
-/** Writes a value of a store in the form that a request file has for it. */
+/** Turns a value of a store into what a JSON writer takes, in the form that a request file has for it. */
 public final class HeldValue {
     private HeldValue() {
     }
 
-    /** Numbers that JSON has no form for (NaN, infinity) and objects of other classes become texts. */
-    public static JsonElement json(Object value) {
-        if (value == null) {
-            return JsonNull.INSTANCE;
-        }
+    /** Objects of other classes become texts. */
+    public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
-            return new JsonPrimitive(HexFormat.of().formatHex(bytes));
+            return HexFormat.of().formatHex(bytes);
         }
-        if (value.getClass().isArray()) {
-            JsonArray array = new JsonArray();
-            for (int i = 0; i < Array.getLength(value); ++i) {
-                array.add(json(Array.get(value, i)));
-            }
-            return array;
+        if (value instanceof Object[] objects) {
+            return Arrays.stream(objects).map(HeldValue::json).toList();
         }
-        if (value instanceof Number number && Double.isFinite(number.doubleValue())) {
-            return new JsonPrimitive(number);
-        }
-        return value instanceof Boolean truth ? new JsonPrimitive(truth) : object(value);
+        boolean isPlain = value == null || value instanceof Number || value instanceof Boolean;
+        return isPlain || value.getClass().isArray() ? value : object(value);
     }
 
-    private static JsonElement object(Object value) {
+    private static Object object(Object value) {
         if (value instanceof Rect rect) {
-            return list(rect.left, rect.top, rect.right, rect.bottom);
+            return new int[] {rect.left, rect.top, rect.right, rect.bottom};
         }
         if (value instanceof Face face) {
             return sides(face.getBounds(), "score", face.getScore());
@@ -52,35 +40,20 @@ public final class HeldValue {
             return sides(region.getRect(), "weight", region.getMeteringWeight());
         }
         if (value instanceof Location location) {
-            JsonObject place = new JsonObject();
-            place.addProperty("latitude", location.getLatitude());
-            place.addProperty("longitude", location.getLongitude());
+            Map<String, Object> place = JsonWriter.object(
+                    "latitude", location.getLatitude(), "longitude", location.getLongitude());
             if (location.hasAltitude()) {
-                place.addProperty("altitude", location.getAltitude());
+                place.put("altitude", location.getAltitude());
             }
-            place.addProperty("time", location.getTime());
+            place.put("time", location.getTime());
             return place;
         }
         return value instanceof Rational rational
-                ? list(rational.getNumerator(), rational.getDenominator())
-                : new JsonPrimitive(value.toString());
+                ? new int[] {rational.getNumerator(), rational.getDenominator()} : value.toString();
     }
 
-    private static JsonArray list(int... numbers) {
-        JsonArray array = new JsonArray();
-        for (int number : numbers) {
-            array.add(number);
-        }
-        return array;
-    }
-
-    private static JsonObject sides(Rect rect, String name, int number) {
-        JsonObject object = new JsonObject();
-        object.addProperty("left", rect.left);
-        object.addProperty("top", rect.top);
-        object.addProperty("right", rect.right);
-        object.addProperty("bottom", rect.bottom);
-        object.addProperty(name, number);
-        return object;
+    private static Map<String, Object> sides(Rect rect, String name, int number) {
+        return JsonWriter.object("left", rect.left, "top", rect.top, "right", rect.right, "bottom", rect.bottom,
+                name, number);
     }
 }

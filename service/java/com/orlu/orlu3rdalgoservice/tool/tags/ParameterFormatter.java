@@ -1,8 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.tags;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonPrimitive;
-
 import java.math.BigInteger;
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
@@ -40,10 +37,10 @@ public final class ParameterFormatter {
     }
 
     /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
-    public static JsonElement json(ParameterType type, byte[] bytes) {
+    public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
         Object value = formatter.fits(type) ? formatter.plain(type) : null;
-        return value != null ? ValueFormatter.json(value) : new JsonPrimitive(format(type, bytes));
+        return value != null ? ValueFormatter.json(value) : format(type, bytes);
     }
 
     // The value as Java has it; null for a record.

@@ -1,11 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.tags;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonPrimitive;
-
 import java.lang.reflect.Array;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
 
 /** Writes the values that the native side puts into compositions, for people and as JSON. */
@@ -29,19 +26,12 @@ public final class ValueFormatter {
         return "[" + String.join(", ", parts) + rest + "]";
     }
 
-    /** Whole. Numbers that JSON has no form for (NaN, infinity) and objects become texts. */
-    public static JsonElement json(Object value) {
-        if (value.getClass().isArray()) {
-            JsonArray array = new JsonArray();
-            for (int i = 0; i < Array.getLength(value); ++i) {
-                array.add(json(Array.get(value, i)));
-            }
-            return array;
+    /** For a JSON writer. Objects become texts. */
+    public static Object json(Object value) {
+        if (value instanceof Object[] objects) {
+            return Arrays.stream(objects).map(ValueFormatter::json).toList();
         }
-        if (value instanceof Boolean flag) {
-            return new JsonPrimitive(flag);
-        }
-        boolean finite = value instanceof Number number && Double.isFinite(number.doubleValue());
-        return finite ? new JsonPrimitive((Number) value) : new JsonPrimitive(String.valueOf(value));
+        boolean isPlain = value instanceof Number || value instanceof Boolean || value.getClass().isArray();
+        return isPlain ? value : String.valueOf(value);
     }
 }

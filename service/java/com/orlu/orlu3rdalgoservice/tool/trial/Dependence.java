@@ -1,9 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.trial;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
@@ -19,34 +20,15 @@ import java.util.TreeSet;
  */
 public record Dependence(int frame, String source, String tag, String asked, Set<String> parameters,
         Set<String> together) {
-    JsonObject json() {
-        JsonObject object = new JsonObject();
-        object.addProperty("frame", frame);
-        object.addProperty("source", source);
-        object.addProperty("tag", tag);
-        object.addProperty("asked", asked);
-        object.add("parameters", array(parameters));
-        object.add("together", array(together));
-        return object;
+    Map<String, Object> json() {
+        return JsonWriter.object("frame", frame, "source", source, "tag", tag, "asked", asked,
+                "parameters", new TreeSet<>(parameters), "together", new TreeSet<>(together));
     }
 
-    static Dependence of(JsonObject object) {
-        return new Dependence(object.get("frame").getAsInt(), object.get("source").getAsString(),
-                object.get("tag").getAsString(), object.get("asked").getAsString(),
-                set(object.getAsJsonArray("parameters")), set(object.getAsJsonArray("together")));
-    }
-
-    static JsonArray array(Set<String> names) {
-        JsonArray array = new JsonArray();
-        new TreeSet<>(names).forEach(array::add);
-        return array;
-    }
-
-    static Set<String> set(JsonArray array) {
-        Set<String> names = new TreeSet<>();
-        for (JsonElement name : array) {
-            names.add(name.getAsString());
-        }
-        return names;
+    static Dependence of(Json json) throws MistakeException {
+        return new Dependence(json.require("frame").integer(0, Integer.MAX_VALUE),
+                json.require("source").string(), json.require("tag").string(), json.require("asked").string(),
+                new TreeSet<>(json.require("parameters").strings()),
+                new TreeSet<>(json.require("together").strings()));
     }
 }

@@ -1,11 +1,17 @@
 package com.orlu.orlu3rdalgoservice.tool.trial;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Map;
 import java.util.Set;
+import java.util.TreeSet;
 
 /**
  * What the trials of one request found.
@@ -38,24 +44,37 @@ public record Dependences(
         return all.stream().filter(each -> each.frame() == frame && each.tag().equals(tag)).toList();
     }
 
-    public JsonObject json() {
-        JsonObject object = new JsonObject();
-        object.addProperty("trials", trials);
-        object.addProperty("seconds", seconds);
-        object.addProperty("problem", problem);
-        object.add("unsteady", Dependence.array(unsteady));
-        JsonArray array = new JsonArray();
-        all.forEach(tag -> array.add(tag.json()));
-        object.add("tags", array);
-        return object;
+    /** For a JSON writer. */
+    public Map<String, Object> json() {
+        return JsonWriter.object("trials", trials, "seconds", seconds, "problem", problem,
+                "unsteady", new TreeSet<>(unsteady), "tags", all.stream().map(Dependence::json).toList());
     }
 
-    /** What json() made. */
-    public static Dependences of(JsonObject object) {
+    private static Dependences of(Json json) throws MistakeException {
         List<Dependence> all = new ArrayList<>();
-        object.getAsJsonArray("tags").forEach(tag -> all.add(Dependence.of(tag.getAsJsonObject())));
-        return new Dependences(all, Dependence.set(object.getAsJsonArray("unsteady")),
-                object.get("trials").getAsInt(), object.get("seconds").getAsDouble(),
-                object.get("problem").getAsString());
+        for (Json tag : json.require("tags").list()) {
+            all.add(Dependence.of(tag));
+        }
+        return new Dependences(all, new TreeSet<>(json.require("unsteady").strings()),
+                json.require("trials").integer(0, Integer.MAX_VALUE), json.require("seconds").real(),
+                json.require("problem").string());
+    }
+
+    /** Writes what the trials of several requests found, a line each. */
+    public static void write(Path file, List<Dependences> requests) throws IOException {
+        Files.write(file, requests.stream().map(found -> JsonWriter.line(found.json())).toList());
+    }
+
+    /** Reads what write() wrote. */
+    public static List<Dependences> read(Path file) throws IOException {
+        List<Dependences> requests = new ArrayList<>();
+        for (String line : Files.readAllLines(file)) {
+            try {
+                requests.add(of(Json.parse(file.toString(), requests.size() + 1, line)));
+            } catch (MistakeException e) {
+                throw new IOException(e.getMessage(), e);
+            }
+        }
+        return requests;
     }
 }

@@ -1,11 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
@@ -18,7 +14,9 @@ import com.orlu.orlu3rdalgoservice.tool.tags.ValueFormatter;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.HexFormat;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -28,90 +26,89 @@ import java.util.Map;
  * verdict's words, is the same on every machine.
  */
 public final class JsonReport {
-    private final JsonArray mReports = new JsonArray();
+    private final List<Object> mReports = new ArrayList<>();
 
     public void add(RequestReport report) {
-        JsonObject object = new JsonObject();
-        object.addProperty("file", report.request.file().getFileName().toString());
-        object.addProperty("name", report.name);
-        object.addProperty("id", report.request.id());
-        object.addProperty("type", report.request.type());
-        object.add("algorithmsBefore", strings(report.askedAlgorithms()));
+        Map<String, Object> object = new LinkedHashMap<>();
+        object.put("file", report.request.file().getFileName().toString());
+        object.put("name", report.name);
+        object.put("id", report.request.id());
+        object.put("type", report.request.type());
+        object.put("algorithmsBefore", strings(report.askedAlgorithms()));
         Handover handover = report.handover();
         if (handover.process() != null) {
-            object.add("algorithmsAfter", strings(handover.algorithms()));
+            object.put("algorithmsAfter", strings(handover.algorithms()));
         }
-        object.add("parameters", parameters(handover.parameters()));
-        object.add("put", put(report.put));
-        object.add("outputsBefore", outputs(report.outputsBefore));
-        object.add("outputsAfter", outputs(report.outputsAfter));
-        object.add("problems", strings(report.problems));
-        object.add("verdict", verdict(report.verdict));
+        object.put("parameters", parameters(handover.parameters()));
+        object.put("put", put(report.put));
+        object.put("outputsBefore", outputs(report.outputsBefore));
+        object.put("outputsAfter", outputs(report.outputsAfter));
+        object.put("problems", strings(report.problems));
+        object.put("verdict", verdict(report.verdict));
         if (report.dependences != null) {
-            object.add("trials", report.dependences.json());
+            object.put("trials", report.dependences.json());
         }
-        JsonObject times = new JsonObject();
-        report.stopwatch.milliseconds().forEach(times::addProperty);
-        object.add("milliseconds", times);
+        Map<String, Object> times = new LinkedHashMap<>();
+        report.stopwatch.milliseconds().forEach(times::put);
+        object.put("milliseconds", times);
         mReports.add(object);
     }
 
     /** The verdict of a run that ended before its reports were there. */
     public void add(Verdict verdict) {
-        JsonObject object = new JsonObject();
-        object.add("verdict", verdict(verdict));
+        Map<String, Object> object = new LinkedHashMap<>();
+        object.put("verdict", verdict(verdict));
         mReports.add(object);
     }
 
     public void write(Path file) throws IOException {
-        Gson gson = new GsonBuilder().setPrettyPrinting().disableHtmlEscaping().create();
-        Files.writeString(file, gson.toJson(mReports) + "\n");
+        Files.writeString(file, JsonWriter.pretty(mReports));
     }
 
-    private static JsonObject verdict(Verdict verdict) {
-        JsonObject object = new JsonObject();
-        object.addProperty("ok", verdict.status() == Verdict.OK);
-        object.addProperty("status", verdict.status());
-        object.add("reasons", strings(verdict.reasons()));
+    private static Map<String, Object> verdict(Verdict verdict) {
+        Map<String, Object> object = new LinkedHashMap<>();
+        object.put("ok", verdict.status() == Verdict.OK);
+        object.put("status", verdict.status());
+        object.put("reasons", strings(verdict.reasons()));
         return object;
     }
 
-    private static JsonArray strings(List<String> texts) {
-        JsonArray array = new JsonArray();
+    private static List<Object> strings(List<String> texts) {
+        List<Object> array = new ArrayList<>();
         texts.forEach(array::add);
         return array;
     }
 
-    private static JsonArray parameters(List<Parameter> parameters) {
-        JsonArray array = new JsonArray();
+    private static List<Object> parameters(List<Parameter> parameters) {
+        List<Object> array = new ArrayList<>();
         for (Parameter parameter : parameters) {
-            JsonObject object = new JsonObject();
-            object.addProperty("section", parameter.section());
-            object.addProperty("key", parameter.key());
+            Map<String, Object> object = new LinkedHashMap<>();
+            object.put("section", parameter.section());
+            object.put("key", parameter.key());
             ParameterType type = ParameterTypes.of(parameter.section(), parameter.key());
-            object.addProperty("type", type.text());
-            object.add("value", ParameterFormatter.json(type, parameter.bytes()));
-            object.addProperty("hex", HexFormat.of().formatHex(parameter.bytes()));
+            object.put("type", type.text());
+            object.put("value", ParameterFormatter.json(type, parameter.bytes()));
+            object.put("hex", HexFormat.of().formatHex(parameter.bytes()));
             array.add(object);
         }
         return array;
     }
 
-    private static JsonArray put(List<Map<String, Object>> compositions) {
-        JsonArray array = new JsonArray();
+    private static List<Object> put(List<Map<String, Object>> compositions) {
+        List<Object> array = new ArrayList<>();
         for (Map<String, Object> composition : compositions) {
-            JsonObject object = new JsonObject();
-            composition.forEach((key, value) -> object.add(key, ValueFormatter.json(value)));
+            Map<String, Object> object = new LinkedHashMap<>();
+            composition.forEach((key, value) -> object.put(key, ValueFormatter.json(value)));
             array.add(object);
         }
         return array;
     }
 
-    private static JsonArray outputs(List<ImageState> outputs) {
-        JsonArray array = new JsonArray();
+    private static List<Object> outputs(List<ImageState> outputs) {
+        List<Object> array = new ArrayList<>();
         for (ImageState output : outputs) {
-            JsonObject object = new JsonObject();
-            output.fields().forEach(object::addProperty);
+            Map<String, Object> object = new LinkedHashMap<>();
+            output.fields().forEach(object::put);
             array.add(object);
         }
         return array;

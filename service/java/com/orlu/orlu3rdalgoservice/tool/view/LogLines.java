@@ -1,7 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonArray;
-
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
@@ -20,8 +18,8 @@ final class LogLines {
      * The lines of a stretch of time by System.nanoTime(), from its start to before its end, each as [time,
      * thread, level, class, text]; none when the file is not there or null.
      */
-    static JsonArray between(Path file, long start, long end) throws IOException {
-        JsonArray lines = new JsonArray();
+    static List<Object> between(Path file, long start, long end) throws IOException {
+        List<Object> lines = new ArrayList<>();
         for (String line : read(file)) {
             String[] fields = line.split("\t", FIELDS);
             if (fields.length < FIELDS || !fields[0].matches("[0-9]{1,18}")) {
@@ -29,7 +27,7 @@ final class LogLines {
             }
             long time = Long.parseLong(fields[0]);
             if (time >= start && time < end) {
-                JsonArray row = new JsonArray();
+                List<Object> row = new ArrayList<>();
                 row.add(time);
                 for (int i = 1; i < FIELDS; ++i) {
                     row.add(fields[i]);

@@ -1,13 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
 import com.orlu.orlu3rdalgoservice.tool.explain.Explanations;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagRows;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Finding;
 import com.orlu.orlu3rdalgoservice.tool.judge.ImageFindings;
@@ -26,6 +23,7 @@ import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.HexFormat;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -34,7 +32,7 @@ final class PageData {
     private final RequestReport mReport;
     private final Exhibits mExhibits;
     private final SourceLines mSource;
-    private final JsonObject mJson = new JsonObject();
+    private final Map<String, Object> mJson = new LinkedHashMap<>();
 
     /** The exhibits are null when the process ended before they were there. */
     PageData(RequestReport report, Exhibits exhibits, SourceLines source) {
@@ -43,12 +41,12 @@ final class PageData {
         mSource = source;
     }
 
-    JsonObject json() {
+    Map<String, Object> json() {
         addRequest();
         addAlgorithms();
         addFindings();
         if (mExhibits != null) {
-            mJson.add("images", mExhibits.json());
+            mJson.put("images", mExhibits.json());
         }
         if (mReport.verdict.status() != Verdict.UNUSABLE) {
             mSource.learn(mReport.events);
@@ -61,45 +59,45 @@ final class PageData {
 
     private void addRequest() {
         RequestFile request = mReport.request;
-        mJson.addProperty("about", request.about());
-        mJson.addProperty("file", request.file().toString());
-        mJson.addProperty("id", request.id());
-        mJson.addProperty("type", request.type());
-        mJson.addProperty("client", request.clientId());
-        mJson.addProperty("fullAsync", request.fullAsync());
-        JsonObject verdict = new JsonObject();
-        verdict.addProperty("ok", mReport.verdict.status() == Verdict.OK);
-        verdict.addProperty("line", mReport.verdict.line());
-        verdict.add("reasons", strings(mReport.verdict.reasons()));
-        mJson.add("verdict", verdict);
-        JsonObject times = new JsonObject();
-        mReport.stopwatch.milliseconds().forEach(times::addProperty);
-        mJson.add("milliseconds", times);
+        mJson.put("about", request.about());
+        mJson.put("file", request.file().toString());
+        mJson.put("id", request.id());
+        mJson.put("type", request.type());
+        mJson.put("client", request.clientId());
+        mJson.put("fullAsync", request.fullAsync());
+        Map<String, Object> verdict = new LinkedHashMap<>();
+        verdict.put("ok", mReport.verdict.status() == Verdict.OK);
+        verdict.put("line", mReport.verdict.line());
+        verdict.put("reasons", strings(mReport.verdict.reasons()));
+        mJson.put("verdict", verdict);
+        Map<String, Object> times = new LinkedHashMap<>();
+        mReport.stopwatch.milliseconds().forEach(times::put);
+        mJson.put("milliseconds", times);
     }
 
     private void addAlgorithms() {
-        JsonObject algorithms = new JsonObject();
-        algorithms.add("asked", strings(mReport.askedAlgorithms()));
+        Map<String, Object> algorithms = new LinkedHashMap<>();
+        algorithms.put("asked", strings(mReport.askedAlgorithms()));
         Handover handover = mReport.handover();
         if (handover.process() != null) {
-            algorithms.add("handedOn", strings(handover.algorithms()));
+            algorithms.put("handedOn", strings(handover.algorithms()));
         }
         AlgorithmPass pass = mReport.pass;
         if (pass != null) {
-            algorithms.add("ran", strings(pass.ran()));
-            algorithms.addProperty("milliseconds", pass.milliseconds());
-            JsonArray frames = new JsonArray();
+            algorithms.put("ran", strings(pass.ran()));
+            algorithms.put("milliseconds", pass.milliseconds());
+            List<Object> frames = new ArrayList<>();
             for (AlgorithmPass.Frame frame : pass.frames()) {
-                JsonObject json = new JsonObject();
-                json.addProperty("kept", frame.kept());
+                Map<String, Object> json = new LinkedHashMap<>();
+                json.put("kept", frame.kept());
                 if (!Double.isNaN(frame.sharpness())) {
-                    json.addProperty("sharpness", frame.sharpness());
+                    json.put("sharpness", frame.sharpness());
                 }
                 frames.add(json);
             }
-            algorithms.add("frames", frames);
+            algorithms.put("frames", frames);
         }
-        mJson.add("algorithms", algorithms);
+        mJson.put("algorithms", algorithms);
     }
 
     private void addFindings() {
@@ -108,92 +106,92 @@ final class PageData {
             findings.addAll(new ImageFindings(mExhibits, mReport.handover().process() != null).all());
         }
         findings.sort(Comparator.comparing(finding -> !finding.isSure()));
-        JsonArray array = new JsonArray();
+        List<Object> array = new ArrayList<>();
         findings.forEach(finding -> array.add(finding.json()));
-        mJson.add("findings", array);
+        mJson.put("findings", array);
     }
 
     private void addParameters() {
         Explanations explanations = new Explanations(mReport, mSource);
-        JsonArray writes = new JsonArray();
+        List<Object> writes = new ArrayList<>();
         for (Explanations.Write write : explanations.writes()) {
             Parameter parameter = write.parameter();
-            JsonObject json = new JsonObject();
-            json.addProperty("section", Handover.shortName(parameter.section()));
-            json.addProperty("key", parameter.key());
-            json.addProperty("name", parameter.fullName());
-            json.addProperty("type", parameter.type());
-            json.addProperty("value", parameter.text());
-            json.addProperty("bytes", parameter.bytes().length);
-            json.addProperty("hex", HexFormat.of().formatHex(parameter.bytes()));
-            json.addProperty("replaced", write.isReplaced());
-            json.addProperty("place", write.place());
+            Map<String, Object> json = new LinkedHashMap<>();
+            json.put("section", Handover.shortName(parameter.section()));
+            json.put("key", parameter.key());
+            json.put("name", parameter.fullName());
+            json.put("type", parameter.type());
+            json.put("value", parameter.text());
+            json.put("bytes", parameter.bytes().length);
+            json.put("hex", HexFormat.of().formatHex(parameter.bytes()));
+            json.put("replaced", write.isReplaced());
+            json.put("place", write.place());
             writes.add(json);
         }
-        mJson.add("parameters", writes);
-        JsonObject explained = new JsonObject();
+        mJson.put("parameters", writes);
+        Map<String, Object> explained = new LinkedHashMap<>();
         for (String name : explanations.names()) {
-            JsonObject json = new JsonObject();
-            json.addProperty("unsteady", explanations.isUnsteady(name));
-            json.add("tags", rows(explanations.tags(name)));
-            explained.add(name, json);
+            Map<String, Object> json = new LinkedHashMap<>();
+            json.put("unsteady", explanations.isUnsteady(name));
+            json.put("tags", rows(explanations.tags(name)));
+            explained.put(name, json);
         }
-        mJson.add("explained", explained);
-        mJson.add("generalTags", rows(explanations.generalTags()));
-        mJson.addProperty("explanationProblem", explanations.problem());
-        mJson.addProperty("explanationEffort", explanations.effort());
+        mJson.put("explained", explained);
+        mJson.put("generalTags", rows(explanations.generalTags()));
+        mJson.put("explanationProblem", explanations.problem());
+        mJson.put("explanationEffort", explanations.effort());
     }
 
     private void addTags() {
-        JsonArray groups = new JsonArray();
+        List<Object> groups = new ArrayList<>();
         new TagPrinter(mReport).groups().forEach((heading, rows) -> {
-            JsonObject group = new JsonObject();
-            group.addProperty("heading", heading);
-            group.add("rows", rows(rows));
+            Map<String, Object> group = new LinkedHashMap<>();
+            group.put("heading", heading);
+            group.put("rows", rows(rows));
             groups.add(group);
         });
-        mJson.add("tags", groups);
+        mJson.put("tags", groups);
     }
 
     // Each as [tag, frames, what is said].
-    private static JsonArray rows(TagRows rows) {
-        JsonArray array = new JsonArray();
+    private static List<Object> rows(TagRows rows) {
+        List<Object> array = new ArrayList<>();
         rows.rows().forEach(row -> array.add(strings(List.of(row.tag(), row.frames(), row.text()))));
         return array;
     }
 
     private void addResults() {
-        JsonArray put = new JsonArray();
+        List<Object> put = new ArrayList<>();
         for (int i = 0; i < mReport.put.size(); ++i) {
             for (Map.Entry<String, Object> value : mReport.put.get(i).entrySet()) {
                 put.add(strings(List.of("frame " + i, value.getKey(),
-                        HeldValue.json(value.getValue()).toString())));
+                        JsonWriter.line(HeldValue.json(value.getValue())))));
             }
         }
-        mJson.add("put", put);
-        JsonArray descriptors = new JsonArray();
+        mJson.put("put", put);
+        List<Object> descriptors = new ArrayList<>();
         for (int i = 0; i < mReport.outputsAfter.size(); ++i) {
             int output = i;
             Map<String, String> after = mReport.outputsAfter.get(i).fields();
             mReport.outputsBefore.get(i).fields().forEach((field, before) -> descriptors.add(
                     strings(List.of("output " + output, field, before, String.valueOf(after.get(field))))));
         }
-        mJson.add("descriptors", descriptors);
-        JsonArray callbacks = new JsonArray();
+        mJson.put("descriptors", descriptors);
+        List<Object> callbacks = new ArrayList<>();
         for (Map<String, Object> callback : mReport.callbacks) {
-            JsonObject json = new JsonObject();
-            callback.forEach((key, value) -> json.add(key, HeldValue.json(value)));
+            Map<String, Object> json = new LinkedHashMap<>();
+            callback.forEach((key, value) -> json.put(key, HeldValue.json(value)));
             callbacks.add(json);
         }
-        mJson.add("callbacks", callbacks);
+        mJson.put("callbacks", callbacks);
         ByteArrayOutputStream printed = new ByteArrayOutputStream();
         new Summary(mReport, new PrintStream(printed, true, StandardCharsets.UTF_8), true).print();
-        mJson.addProperty("crash", mReport.crash);
-        mJson.addProperty("printed", printed.toString(StandardCharsets.UTF_8));
+        mJson.put("crash", mReport.crash);
+        mJson.put("printed", printed.toString(StandardCharsets.UTF_8));
     }
 
-    private static JsonElement strings(List<String> texts) {
-        JsonArray array = new JsonArray();
+    private static Object strings(List<String> texts) {
+        List<Object> array = new ArrayList<>();
         texts.forEach(array::add);
         return array;
     }

@@ -1,18 +1,20 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-import com.google.gson.JsonParser;
-
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.ImageExhibit;
 import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 
 /**
  * The folder of a run's pages: one for each request, written as soon as the request is over, and an index
@@ -28,7 +30,7 @@ public final class PageFolder {
     private final Path mFolder;
     private final Sources mSources;
     private final boolean mHasIndex;
-    private JsonArray mEntries = new JsonArray();
+    private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
     /**
@@ -52,9 +54,13 @@ public final class PageFolder {
     /** Goes on where another process ended. */
     public void resume() throws IOException {
         if (mSources.state() != null && Files.exists(mSources.state())) {
-            JsonObject state = JsonParser.parseString(Files.readString(mSources.state())).getAsJsonObject();
-            mEntries = state.getAsJsonArray("entries");
-            mEnd = state.get("end").getAsLong();
+            try {
+                Json state = Json.read(mSources.state());
+                mEntries.addAll(state.require("entries").list());
+                mEnd = state.require("end").integer(0L, Long.MAX_VALUE);
+            } catch (MistakeException e) {
+                throw new IOException(e.getMessage(), e);
+            }
         }
     }
 
@@ -74,18 +80,18 @@ public final class PageFolder {
      */
     public String add(RequestReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
-        JsonObject data = new PageData(report, exhibits, source).json();
-        data.addProperty("hasIndex", mHasIndex);
-        JsonObject trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
+        Map<String, Object> data = new PageData(report, exhibits, source).json();
+        data.put("hasIndex", mHasIndex);
+        List<Map<String, Object>> trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
         RequestTimeline own = new RequestTimeline(trace, timeline.origin());
         if (exhibits == null || exhibits.isLost()) {
             own.from(mEnd);
         } else {
             own.ofLastRequest();
         }
-        data.add("trace", own.events());
-        data.addProperty("start", own.start());
-        data.add("log", LogLines.between(mSources.log(), own.start(), own.end()));
+        data.put("trace", own.events());
+        data.put("start", own.start());
+        data.put("log", LogLines.between(mSources.log(), own.start(), own.end()));
         // The index has a name of its own.
         String name = report.name.equals("index") ? "index-request" : report.name;
         Path file = mFolder.resolve(name + ".html");
@@ -98,33 +104,33 @@ public final class PageFolder {
         return "%s (%.0f kB)".formatted(file, page.length() / BYTES_PER_KILOBYTE);
     }
 
-    private static JsonObject entry(
-            RequestReport report, Exhibits exhibits, JsonObject data, Path file) {
-        JsonObject entry = new JsonObject();
-        entry.addProperty("page", file.getFileName().toString());
+    private static Map<String, Object> entry(
+            RequestReport report, Exhibits exhibits, Map<String, Object> data, Path file) {
+        Map<String, Object> entry = new LinkedHashMap<>();
+        entry.put("page", file.getFileName().toString());
         for (String field : ENTRY_FIELDS) {
-            entry.add(field, data.get(field));
+            entry.put(field, data.get(field));
         }
         if (exhibits != null && exhibits.base() != null && exhibits.base().small() != null) {
-            entry.addProperty("in", exhibits.base().small().uri());
+            entry.put("in", exhibits.base().small().uri());
         }
         if (exhibits != null && !exhibits.outputs().isEmpty()) {
             ImageExhibit output = exhibits.outputs().get(0);
-            entry.addProperty("problem", output.problem());
+            entry.put("problem", output.problem());
             if (output.small() != null) {
-                entry.addProperty("out", output.small().uri());
+                entry.put("out", output.small().uri());
             }
         }
-        entry.addProperty("id", report.request.id());
+        entry.put("id", report.request.id());
         return entry;
     }
 
     private void keepState() throws IOException {
         if (mSources.state() != null) {
-            JsonObject state = new JsonObject();
-            state.add("entries", mEntries);
-            state.addProperty("end", mEnd);
-            Files.writeString(mSources.state(), state.toString());
+            Map<String, Object> state = new LinkedHashMap<>();
+            state.put("entries", mEntries);
+            state.put("end", mEnd);
+            Files.writeString(mSources.state(), JsonWriter.line(state));
         }
     }
 
@@ -133,18 +139,18 @@ public final class PageFolder {
         if (!mHasIndex) {
             return;
         }
-        JsonArray entries = mEntries.deepCopy();
+        List<Object> entries = new ArrayList<>(mEntries);
         int index = 0;
         for (Path request : requests) {
             if (index >= mEntries.size()) {
-                JsonObject entry = new JsonObject();
-                entry.addProperty("file", request.toString());
+                Map<String, Object> entry = new LinkedHashMap<>();
+                entry.put("file", request.toString());
                 entries.add(entry);
             }
             ++index;
         }
-        JsonObject data = new JsonObject();
-        data.add("entries", entries);
+        Map<String, Object> data = new LinkedHashMap<>();
+        data.put("entries", entries);
         Files.createDirectories(mFolder);
         Files.writeString(index(), PageTemplate.index("Requests", data));
     }

@@ -1,7 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.Gson;
-import com.google.gson.JsonElement;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.io.IOException;
 import java.io.InputStream;
@@ -21,16 +20,16 @@ final class PageTemplate {
     }
 
     /** The page on one request. */
-    static String request(String title, JsonElement data) throws IOException {
+    static String request(String title, Object data) throws IOException {
         return page("page.html", title, REQUEST, data);
     }
 
     /** The page that leads to those of several requests. */
-    static String index(String title, JsonElement data) throws IOException {
+    static String index(String title, Object data) throws IOException {
         return page("index.html", title, INDEX, data);
     }
 
-    private static String page(String html, String title, List<String> scripts, JsonElement data)
+    private static String page(String html, String title, List<String> scripts, Object data)
             throws IOException {
         StringBuilder script = new StringBuilder();
         for (List<String> names : List.of(COMMON, scripts)) {
@@ -42,9 +41,9 @@ final class PageTemplate {
         for (String name : STYLES) {
             style.append(resource(name));
         }
-        // In data nothing can end the element around it: Gson escapes what HTML gives a meaning to.
+        // Nothing in the data can end the element around it.
         return resource(html).replace("@title@", escaped(title)).replace("@style@", style)
-                .replace("@script@", script).replace("@data@", new Gson().toJson(data));
+                .replace("@script@", script).replace("@data@", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e").replace("&", "\\u0026"));
     }
 
     private static String escaped(String text) {

@@ -1,70 +1,63 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.HandedImage;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedImage;
-import com.orlu.orlu3rdalgoservice.tool.model.RecordedRequest;
-import com.orlu.orlu3rdalgoservice.tool.model.RunRecord;
-import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.PrintStream;
 import java.time.Instant;
-import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
+import java.util.stream.Collectors;
 
 /** Says what is in a recording. */
 public final class RecordingSummary {
     private static final int LABEL_WIDTH = 18;
+    private static final long MOST_MILLISECONDS = 1L << 50;
 
-    private final RecordedRequest mRecorded;
+    private final Run mRun;
     private final PrintStream mTo;
     private final TextLayout mLines;
 
-    public RecordingSummary(RecordedRequest recorded, PrintStream to) {
-        mRecorded = recorded;
+    public RecordingSummary(Run run, PrintStream to) {
+        mRun = run;
         mTo = to;
         mLines = new TextLayout(to, TextLayout.TERMINAL);
     }
 
     /** Prints a line on each thing, down to where the recording ends. */
     public void print() throws MistakeException {
-        JsonObject header = mRecorded.part("header");
-        mTo.println(mRecorded.folder());
-        line("recorded",
-                Instant.ofEpochMilli(header.get("milliseconds").getAsLong()) + " on "
-                        + header.get("machine").getAsString() + ", " + header.get("system").getAsString()
-                        + ", interface " + header.get("interface"));
-        JsonObject request = mRecorded.part("request");
-        if (request != null) {
-            line("request", request.get("id") + " \"" + request.get("type").getAsString() + "\"");
-        }
-        if (!mRecorded.trimmed().isEmpty()) {
-            line("trimmed", mRecorded.trimmed());
+        Json header = mRun.header();
+        mTo.println(mRun.folder());
+        line("recorded", Instant.ofEpochMilli(header.require("milliseconds").integer(0, MOST_MILLISECONDS))
+                + " on " + header.string("machine", "") + ", " + header.string("system", "") + ", interface "
+                + header.require("interface").text());
+        line("request", mRun.request().id() + " \"" + mRun.request().type() + "\"");
+        if (!mRun.trimmed().isEmpty()) {
+            line("trimmed", mRun.trimmed());
         }
         for (String name : List.of("client", "properties")) {
-            JsonObject part = mRecorded.part(name);
-            if (part != null && part.getAsJsonObject("values").size() > 0) {
-                List<String> values = new ArrayList<>();
-                part.getAsJsonObject("values").entrySet().forEach(
-                        value -> values.add(value.getKey() + " = " + value.getValue()));
-                line(name, String.join(", ", values));
+            Map<String, Json> part = mRun.root().has(name) ? mRun.root().get(name).members() : Map.of();
+            if (!part.isEmpty()) {
+                line(name, part.entrySet().stream().map(value -> value.getKey() + " = "
+                        + JsonWriter.line(value.getValue())).collect(Collectors.joining(", ")));
             }
         }
         printFrames();
-        printImages("input");
-        printImages("output");
+        printImages("input", mRun.inputs());
+        printImages("output", mRun.outputs());
         printRun();
         printEnd();
     }
 
     private void line(String name, String text) {
-        mLines.print(2, LABEL_WIDTH, name, text);
+        mLines.print(2, LABEL_WIDTH, name, Printable.line(text));
     }
 
     // One line for those that follow each other and have the same text: "frame 1 to 6".
@@ -80,25 +73,25 @@ public final class RecordingSummary {
     }
 
     private void printFrames() {
-        lines("frame", mRecorded.parts("frame").stream().map(part ->
-                part.getAsJsonObject("captureResult").size() + " tags of the camera, "
-                        + part.getAsJsonObject("composition").size() + " values of the service").toList());
+        lines("frame", mRun.frames().stream().map(frame ->
+                frame.get("captureResult").entries().size() + " tags of the camera, "
+                        + frame.get("composition").entries().size() + " values of the service").toList());
     }
 
-    private void printImages(String part) {
-        lines(part, mRecorded.images(part).stream().map(image -> image.text() + bytes(image)).toList());
+    private void printImages(String name, List<ImageLayout> images) {
+        lines(name, images.stream().map(image -> image.text() + bytes(image)).toList());
     }
 
-    private static String bytes(RecordedImage image) {
-        if (!image.hasBytes()) {
-            return image.part().has("kept") ? ", bytes not kept" : "";
+    private static String bytes(ImageLayout image) {
+        if (image.file() == null) {
+            return image.kept().isEmpty() ? "" : ", bytes not kept";
         }
         try {
             image.bytes();
         } catch (MistakeException e) {
             return ", " + e.getMessage();
         }
-        return ", " + image.number("size") + " bytes";
+        return ", " + image.size() + " bytes";
     }
 
     private void printHanded(List<HandedImage> images) {
@@ -109,41 +102,31 @@ public final class RecordingSummary {
         }
     }
 
-    private void printRun() throws MistakeException {
-        RecordedEvents events = mRecorded.events();
-        if (!mRecorded.eventsProblem().isEmpty()) {
-            line("events", mRecorded.eventsProblem());
+    private void printRun() {
+        if (!mRun.eventsProblem().isEmpty()) {
+            line("events", mRun.eventsProblem());
         }
-        if (!events.calls().isEmpty()) {
-            Handover handover = new Handover(events);
-            line("handed on",
-                    handover.parameters().size() + " parameters, algorithms " + handover.algorithms());
+        if (mRun.hasEvents()) {
+            line("handed on", mRun.parameters().size() + " parameters, algorithms "
+                    + new Handover(mRun.events()).algorithms());
         }
-        RunRecord run = RunRecord.of(mRecorded, "");
-        run.outcomes().forEach(this::line);
-        if (!run.isKnown()) {
+        mRun.outcomes().forEach(this::line);
+        if (!mRun.isKnown()) {
             line("run", "not recorded");
             return;
         }
-        int puts = run.puts().stream().mapToInt(Map::size).sum();
-        line("put", puts + " values into " + run.puts().size() + " frames");
-        printImages("result");
-        printHanded(run.handed());
+        int puts = mRun.puts().stream().mapToInt(Map::size).sum();
+        line("put", puts + " values into " + mRun.puts().size() + " frames");
+        printImages("result", mRun.results());
+        printHanded(mRun.handed());
         // The callback of a full-async request returns after its results were fetched.
-        if (!mRecorded.isComplete()) {
-            events.open().forEach(call -> line("open", call.operation() + " has not returned"));
+        if (!mRun.isComplete()) {
+            mRun.events().open().forEach(call -> line("open", call.operation() + " has not returned"));
         }
     }
 
-    private void printEnd() throws MistakeException {
-        JsonObject failed = mRecorded.part("failed");
-        String reason = !mRecorded.problem().isEmpty() ? mRecorded.problem()
-                : failed != null ? "recording failed: " + failed.get("what").getAsString()
-                                 : "the process ended";
-        line("end", mRecorded.isComplete() ? "whole" : "not reached: " + reason);
-        RequestFile request = mRecorded.part("running") == null ? null : mRecorded.toRequest();
-        if (request != null) {
-            mRecorded.notes().forEach(note -> line("note", note));
-        }
+    private void printEnd() {
+        line("end", mRun.isComplete() ? "whole" : "not reached: " + mRun.problem());
+        mRun.notes().forEach(note -> line("note", note));
     }
 }

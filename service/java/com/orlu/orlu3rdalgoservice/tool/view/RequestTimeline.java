@@ -1,31 +1,31 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
 
 /** What of the timeline of a run, in the JSON trace format, belongs to one request. */
 final class RequestTimeline {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
-    private final JsonArray mEvents;
+    private final List<Map<String, Object>> mEvents;
     private final long mOrigin;
     private double mStart;
     private double mEnd = Double.MAX_VALUE;
 
     /** The origin is the time that the trace's times count from, by System.nanoTime(). */
-    RequestTimeline(JsonObject trace, long origin) {
-        mEvents = trace.getAsJsonArray("traceEvents");
+    RequestTimeline(List<Map<String, Object>> trace, long origin) {
+        mEvents = trace;
         mOrigin = origin;
     }
 
     /** Takes what lies inside the last request that Java's calls were timed of. */
     void ofLastRequest() {
-        for (JsonElement element : mEvents) {
-            JsonObject event = element.getAsJsonObject();
-            if (event.has("args") && event.getAsJsonObject("args").has("verdict")) {
-                mStart = event.get("ts").getAsDouble();
-                mEnd = mStart + event.get("dur").getAsDouble();
+        for (Map<String, Object> event : mEvents) {
+            if (event.get("args") instanceof Map<?, ?> args && args.containsKey("verdict")) {
+                mStart = (double) event.get("ts");
+                mEnd = mStart + (double) event.get("dur");
             }
         }
     }
@@ -47,16 +47,15 @@ final class RequestTimeline {
     }
 
     /** Names of lanes, slices and arrows; times are microseconds from the first one. */
-    JsonArray events() {
-        JsonArray own = new JsonArray();
-        for (JsonElement element : mEvents) {
-            JsonObject event = element.getAsJsonObject().deepCopy();
-            if (event.has("ts")) {
-                double time = event.get("ts").getAsDouble();
+    List<Object> events() {
+        List<Object> own = new ArrayList<>();
+        for (Map<String, Object> each : mEvents) {
+            Map<String, Object> event = new LinkedHashMap<>(each);
+            if (event.get("ts") instanceof Double time) {
                 if (time < mStart || time > mEnd) {
                     continue;
                 }
-                event.addProperty("ts", Math.round(1000 * (time - mStart)) / 1000.0);
+                event.put("ts", Math.round(1000 * (time - mStart)) / 1000.0);
             }
             event.remove("pid");
             own.add(event);

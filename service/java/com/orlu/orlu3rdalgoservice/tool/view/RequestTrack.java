@@ -1,8 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
@@ -41,12 +39,10 @@ final class RequestTrack {
     }
 
     private static String parameterBlock(Event process) {
-        if (process.has("metadata")) {
-            for (JsonElement element : process.fields().getAsJsonArray("metadata")) {
-                JsonObject metadata = element.getAsJsonObject();
-                if (metadata.get("kind").getAsInt() == 0) {
-                    return metadata.get("block").getAsString();
-                }
+        for (Json element : process.elements("metadata")) {
+            Event metadata = new Event(element);
+            if (metadata.has("kind") && metadata.number("kind") == 0) {
+                return metadata.text("block");
             }
         }
         return "";

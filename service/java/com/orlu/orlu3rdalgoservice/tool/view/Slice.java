@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonObject;
+import java.util.Map;
 
 /**
  * A stretch of time in which a thread did one thing.
@@ -9,7 +9,7 @@ import com.google.gson.JsonObject;
  * @param start by System.nanoTime(), as the end
  * @param args  what a viewer shows when the slice is selected
  */
-record Slice(String name, String category, int tid, long start, long end, JsonObject args) {
+record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
     boolean contains(long time) {
         return start <= time && time <= end;
     }

@@ -1,10 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.Gson;
-import com.google.gson.GsonBuilder;
-import com.google.gson.JsonElement;
-import com.google.gson.JsonObject;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
@@ -44,16 +41,16 @@ public final class Timeline {
             return;
         }
         int tid = EventLog.thisThread();
-        JsonObject args = new JsonObject();
-        args.addProperty("file", report.request.file().toString());
-        args.addProperty("id", report.request.id());
-        args.addProperty("verdict", report.verdict.line());
+        Map<String, Object> args = new LinkedHashMap<>();
+        args.put("file", report.request.file().toString());
+        args.put("id", report.request.id());
+        args.put("verdict", report.verdict.line());
         String name = report.request.file().getFileName().toString();
         mJava.add(new Slice(name, "request", tid, stages.get(0).start(),
                 stages.get(stages.size() - 1).end(), args));
         for (Stage stage : stages) {
             mJava.add(new Slice(
-                    "Java: " + stage.name(), "java", tid, stage.start(), stage.end(), new JsonObject()));
+                    "Java: " + stage.name(), "java", tid, stage.start(), stage.end(), new LinkedHashMap<>()));
         }
     }
 
@@ -62,15 +59,15 @@ public final class Timeline {
      * need not be there; null for none. So need not the events.
      */
     public void write(Path file, Path events, Path algorithmTrace) throws IOException {
-        Gson gson = new GsonBuilder().disableHtmlEscaping().create();
-        Files.writeString(file, gson.toJson(trace(events, algorithmTrace)) + "\n");
+        Files.writeString(file,
+                JsonWriter.line(JsonWriter.object("traceEvents", trace(events, algorithmTrace))) + "\n");
     }
 
-    /** The same as an object; what is added later can follow, and the timeline be made again. */
-    public JsonObject trace(Path events, Path algorithmTrace) throws IOException {
+    /** Its trace events; what is added later can follow, and the timeline be made again. */
+    public List<Map<String, Object>> trace(Path events, Path algorithmTrace) throws IOException {
         mEvents = new RecordedEvents();
         mEnd = 0;
-        List<JsonObject> lines = LineFile.fromStart(events, LineFile::isNoLookup).next();
+        List<Json> lines = LineFile.fromStart(events, LineFile::isNoLookup).next();
         int first = 0;
         for (int i = 0; i < lines.size(); ++i) {
             first = new Event(lines.get(i)).kind().equals("header") ? i : first;
@@ -94,21 +91,21 @@ public final class Timeline {
         mWork.forEach(trace::add);
         mEvents.calls().forEach(call -> trace.add(slice(call)));
         RequestTrack.of(mEvents).forEach(request -> addRequest(trace, request));
-        return trace.json();
+        return trace.events();
     }
 
     private static List<Slice> work(Path algorithmTrace, long start) throws IOException {
         List<Slice> work = new ArrayList<>();
-        for (JsonObject line : LineFile.fromStart(algorithmTrace, text -> text.contains("\"done\"")).next()) {
+        for (Json line : LineFile.fromStart(algorithmTrace, text -> text.contains("\"done\"")).next()) {
             Event done = new Event(line);
             // The file may be older than this run; and another library may not say when and where.
             if (!done.has("tid") || !done.has("milliseconds") || done.time() < start) {
                 continue;
             }
-            double milliseconds = line.get("milliseconds").getAsDouble();
-            JsonObject args = new JsonObject();
-            args.add("ran", line.get("ran"));
-            args.add("skipped", line.get("skipped"));
+            double milliseconds = done.real("milliseconds");
+            Map<String, Object> args = new LinkedHashMap<>();
+            args.put("ran", done.texts("ran"));
+            args.put("skipped", done.texts("skipped"));
             List<String> ran = done.texts("ran");
             work.add(new Slice("algorithms: " + (ran.isEmpty() ? "none" : String.join(", ", ran)),
                     "algorithms", tid(done),
@@ -139,15 +136,15 @@ public final class Timeline {
     }
 
     private Slice slice(Call call) {
-        JsonObject args = new JsonObject();
-        for (Map.Entry<String, JsonElement> field : call.begin().fields().entrySet()) {
+        Map<String, Object> args = new LinkedHashMap<>();
+        for (Map.Entry<String, Json> field : call.begin().fields().entries().entrySet()) {
             if (!NOT_SHOWN.contains(field.getKey())) {
-                args.add(field.getKey(), field.getValue());
+                args.put(field.getKey(), field.getValue());
             }
         }
-        args.addProperty("outcome", call.outcome());
+        args.put("outcome", call.outcome());
         if (call.end() != null) {
-            args.addProperty("ns", call.end().number("ns"));
+            args.put("ns", call.end().number("ns"));
         }
         return new Slice(
                 call.operation(), "library", tid(call.begin()), call.begin().time(), end(call), args);
@@ -203,10 +200,10 @@ public final class Timeline {
     }
 
     private static Slice slice(String name, Event of, long start, long end) {
-        JsonObject args = new JsonObject();
+        Map<String, Object> args = new LinkedHashMap<>();
         for (String field : List.of("reqId", "nativeReq", "algoList")) {
             if (of.has(field)) {
-                args.add(field, of.fields().get(field));
+                args.put(field, of.fields().get(field));
             }
         }
         return new Slice(name, "request", tid(of), start, end, args);

@@ -1,12 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.google.gson.JsonArray;
-import com.google.gson.JsonObject;
-
 import java.util.ArrayDeque;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.Deque;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
@@ -18,7 +16,7 @@ final class TraceFile {
     private final long mPid;
     private final long mOrigin;
     private final Map<Integer, List<Slice>> mLanes = new TreeMap<>();
-    private final JsonArray mEvents = new JsonArray();
+    private final List<Map<String, Object>> mEvents = new ArrayList<>();
 
     /** A point in time in a thread's lane. */
     record Point(int tid, long time) {
@@ -28,8 +26,8 @@ final class TraceFile {
     TraceFile(long pid, long origin) {
         mPid = pid;
         mOrigin = origin;
-        JsonObject args = new JsonObject();
-        args.addProperty("name", "post-processing service");
+        Map<String, Object> args = new LinkedHashMap<>();
+        args.put("name", "post-processing service");
         addMetadata("process_name", 0, args);
     }
 
@@ -39,11 +37,11 @@ final class TraceFile {
 
     /** Names a lane, and gives it its place: a smaller index is further up. */
     void nameLane(int tid, String name, int index) {
-        JsonObject nameArgs = new JsonObject();
-        nameArgs.addProperty("name", name);
+        Map<String, Object> nameArgs = new LinkedHashMap<>();
+        nameArgs.put("name", name);
         addMetadata("thread_name", tid, nameArgs);
-        JsonObject indexArgs = new JsonObject();
-        indexArgs.addProperty("sort_index", index);
+        Map<String, Object> indexArgs = new LinkedHashMap<>();
+        indexArgs.put("sort_index", index);
         addMetadata("thread_sort_index", tid, indexArgs);
     }
 
@@ -51,23 +49,21 @@ final class TraceFile {
     void addArrow(long id, List<Point> points) {
         for (int i = 0; i < points.size(); ++i) {
             boolean isLast = i == points.size() - 1;
-            JsonObject event = event(i == 0 ? "s" : isLast ? "f" : "t", "request", points.get(i).tid());
-            event.addProperty("cat", "request");
-            event.addProperty("id", id);
-            event.addProperty("ts", microseconds(points.get(i).time() - mOrigin));
+            Map<String, Object> event = event(i == 0 ? "s" : isLast ? "f" : "t", "request", points.get(i).tid());
+            event.put("cat", "request");
+            event.put("id", id);
+            event.put("ts", microseconds(points.get(i).time() - mOrigin));
             if (isLast) {
-                event.addProperty("bp", "e");
+                event.put("bp", "e");
             }
             mEvents.add(event);
         }
     }
 
-    /** The whole, to be called once. */
-    JsonObject json() {
+    /** All trace events, to be called once. */
+    List<Map<String, Object>> events() {
         mLanes.values().forEach(this::addLane);
-        JsonObject trace = new JsonObject();
-        trace.add("traceEvents", mEvents);
-        return trace;
+        return mEvents;
     }
 
     // Viewers show a lane rightly only when its slices nest, so that none may end after the one around it.
@@ -87,26 +83,26 @@ final class TraceFile {
     }
 
     private void addSlice(Slice slice) {
-        JsonObject event = event("X", slice.name(), slice.tid());
-        event.addProperty("cat", slice.category());
-        event.addProperty("ts", microseconds(slice.start() - mOrigin));
-        event.addProperty("dur", microseconds(slice.end() - slice.start()));
-        event.add("args", slice.args());
+        Map<String, Object> event = event("X", slice.name(), slice.tid());
+        event.put("cat", slice.category());
+        event.put("ts", microseconds(slice.start() - mOrigin));
+        event.put("dur", microseconds(slice.end() - slice.start()));
+        event.put("args", slice.args());
         mEvents.add(event);
     }
 
-    private void addMetadata(String name, int tid, JsonObject args) {
-        JsonObject event = event("M", name, tid);
-        event.add("args", args);
+    private void addMetadata(String name, int tid, Map<String, Object> args) {
+        Map<String, Object> event = event("M", name, tid);
+        event.put("args", args);
         mEvents.add(event);
     }
 
-    private JsonObject event(String phase, String name, int tid) {
-        JsonObject event = new JsonObject();
-        event.addProperty("ph", phase);
-        event.addProperty("name", name);
-        event.addProperty("pid", mPid);
-        event.addProperty("tid", tid);
+    private Map<String, Object> event(String phase, String name, int tid) {
+        Map<String, Object> event = new LinkedHashMap<>();
+        event.put("ph", phase);
+        event.put("name", name);
+        event.put("pid", mPid);
+        event.put("tid", tid);
         return event;
     }
 

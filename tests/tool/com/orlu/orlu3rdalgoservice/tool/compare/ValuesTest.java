@@ -2,9 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import static org.junit.Assert.assertEquals;
 
-import com.google.gson.JsonElement;
-import com.google.gson.JsonParser;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.ByteArrayOutputStream;
@@ -14,12 +13,12 @@ import org.junit.Test;
 
 /** How values of two runs are compared, and the lines that say so. */
 public final class ValuesTest {
-    private static JsonElement json(String text) {
-        return text == null ? null : JsonParser.parseString(text);
+    private static Json json(String text) throws MistakeException {
+        return text == null ? null : Json.parse("f", 1, text);
     }
 
     @Test
-    public void comparesWithinTheTolerance() {
+    public void comparesWithinTheTolerance() throws MistakeException {
         Object[][] rows = {
             {0.0, "1", "1", true}, {0.0, "1", "1.0000001", false}, {0.5, "1", "1.5", true},
             {0.5, "1.5", "1", true}, {0.5, "1", "1.51", false}, {0.5, "-1", "1", false},
@@ -37,7 +36,7 @@ public final class ValuesTest {
     }
 
     @Test
-    public void namesWhatDiffers() {
+    public void namesWhatDiffers() throws MistakeException {
         String begin = "exposure 10000000 ns, ISO 100, location (1, 2), in 35 mm none, flash mode 0, ";
         String many = "aaaa 1, bbbb 1, cccc 1, dddd 1, eeee 1, ffff 1, gggg 1";
         String number = "123456789012345678901234567890123456";

@@ -4,9 +4,9 @@ import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertFalse;
 import static org.junit.Assert.assertTrue;
 
-import com.google.gson.JsonParser;
-
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.util.List;
 
@@ -14,16 +14,20 @@ import org.junit.Test;
 
 /** Who is said to have ended the process, by its events, its exit status and the VM's report. */
 public final class CrashTest {
-    private static final String LOAD = "begin 1 load path: '/a.so'\nend 1 load\n";
+    private static final String LOAD = "begin 1 load 'path': '/a.so'\nend 1 load\n";
 
     /** A line for each event: "begin N OP", "end N OP", and further fields. */
     private static RecordedEvents events(String text) {
         RecordedEvents events = new RecordedEvents();
         text.lines().forEach(line -> {
             String[] words = line.split(" ", 4);
-            String event = "{event: %s, n: %s, op: %s%s}".formatted(
+            String event = "{'event': '%s', 'n': %s, 'op': '%s'%s}".formatted(
                     words[0], words[1], words[2], words.length > 3 ? ", " + words[3] : "");
-            events.add(List.of(JsonParser.parseString(event).getAsJsonObject()));
+            try {
+                events.add(List.of(Json.parse("f", 1, event.replace('\'', '"'))));
+            } catch (MistakeException e) {
+                throw new AssertionError(e);
+            }
         });
         return events;
     }
@@ -33,20 +37,20 @@ public final class CrashTest {
         String report = "# A fatal error\n#  SIGBUS (0x7) at pc=0x00\n# C  [liba.so+0x123]  f+0x3\n";
         String ended = "the algorithm library /a.so ended the process by ";
         Object[][] rows = {
-            {LOAD + "begin 2 process reqId: 7", 139, "",
+            {LOAD + "begin 2 process 'reqId': 7", 139, "",
                 ended + "signal 11 (SIGSEGV) in process of request 7"},
-            {LOAD + "begin 2 process reqId: 7", 134, report,
+            {LOAD + "begin 2 process 'reqId': 7", 134, report,
                 ended + "signal 7 (SIGBUS at liba.so+0x123) in process of request 7"},
-            {LOAD + "begin 2 process reqId: 7", 3, "",
+            {LOAD + "begin 2 process 'reqId': 7", 3, "",
                 ended + "exit 3 in process of request 7"},
-            {LOAD + "begin 2 process reqId: 7\nbegin 3 setValue section: s, key: k", 136, "",
+            {LOAD + "begin 2 process 'reqId': 7\nbegin 3 setValue 'section': 's', 'key': 'k'", 136, "",
                 ended + "signal 8 (SIGFPE) in setValue of s/k"},
             {LOAD + "begin 2 init", 132, "", ended + "signal 4 (SIGILL) in init"},
             {LOAD + "begin 2 init\nend 2 init", 193, "",
                 ended + "signal 65 on a thread of its own; the last operation was init"},
-            {LOAD + "begin 2 init\nend 2 init thrown: int, what: 5", 134, "",
+            {LOAD + "begin 2 init\nend 2 init 'thrown': 'int', 'what': '5'", 134, "",
                 ended + "signal 6 (SIGABRT) after init threw int: 5"},
-            {LOAD + "begin 2 process reqId: 7", 130, "",
+            {LOAD + "begin 2 process 'reqId': 7", 130, "",
                 "stopped by signal 2 (SIGINT), with process of request 7 still running"},
             {LOAD, 143, "", "stopped by signal 15 (SIGTERM)"},
             {LOAD, 128, "", ended + "exit 128 on a thread of its own; the last operation was load"},
@@ -77,7 +81,7 @@ public final class CrashTest {
     public void reportsTheLastEvents() {
         StringBuilder lines = new StringBuilder(LOAD);
         for (int n = 2; n < 50; ++n) {
-            lines.append("begin ").append(n).append(" visit section: s, key: k\n");
+            lines.append("begin ").append(n).append(" visit 'section': 's', 'key': 'k'\n");
         }
         String report = new Crash(events(lines.toString()), 139, "the VM's").report();
         String last = report.substring(report.indexOf("\nThe last events:\n"));

@@ -4,9 +4,12 @@ import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertNull;
 import static org.junit.Assert.assertThrows;
 
-import com.google.gson.JsonObject;
-import com.google.gson.JsonParser;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.HexFormat;
 
@@ -14,15 +17,22 @@ import org.junit.Test;
 
 /** Which bytes of an image stay when an area is cut out, and how the smaller image is described. */
 public final class ImageCropTest {
-    private static JsonObject json(String text) {
-        return JsonParser.parseString(text.replace('\'', '"')).getAsJsonObject();
+    private static ImageLayout image(
+            String format, int width, int height, String strides, String sizes, int size) {
+        return image(format, width, height, strides, sizes, size, "");
     }
 
-    private static RecordedImage image(
-            String format, int width, int height, String strides, String sizes, int size) {
-        return new RecordedImage(null, json(("{'format': '%s', 'width': %d, 'height': %d, 'rowStrides': %s, "
-                + "'planeSizes': %s, 'size': %d, 'file': 'x'}").formatted(
-                        format, width, height, strides, sizes, size)));
+    private static ImageLayout image(
+            String format, int width, int height, String strides, String sizes, int size, String buffer) {
+        String text = ("{'format': '%s', 'width': %d, 'height': %d, 'rowStrides': %s, 'planeSizes': %s, "
+                + "'size': %d, 'file': 'x', 'crc': '', 'memory': '%s'%s}").formatted(format, width, height, strides,
+                        sizes, size, buffer.isEmpty() ? "shared" : "hardware",
+                        buffer.isEmpty() ? "" : ", 'buffer': " + buffer);
+        try {
+            return ImageLayout.read(Path.of("f"), Json.parse("f", 1, text.replace('\'', '"')));
+        } catch (MistakeException e) {
+            throw new AssertionError(e);
+        }
     }
 
     /** Bytes that are their own offsets. */
@@ -59,17 +69,18 @@ public final class ImageCropTest {
     public void keepsTheArea() {
         for (Object[] row : ROWS) {
             String name = row[0] + " " + row[1] + row[2];
-            RecordedImage image =
+            ImageLayout image =
                     image((String) row[0], 8, 4, (String) row[1], (String) row[2], (int) row[3]);
             ImageCrop crop = ImageCrop.of(image, CropArea.parse((String) row[4]), "it");
-            JsonObject part = crop.part();
-            assertEquals(name, row[5] + " " + row[6], part.get("rowStrides") + " " + part.get("planeSizes"));
+            ImageLayout cropped = crop.image();
+            assertEquals(name, row[5] + " " + row[6], JsonWriter.line(cropped.rowStrides()) + " "
+                    + JsonWriter.line(cropped.planeSizes()));
             byte[] wanted = HexFormat.of().parseHex(((String) row[7]).replace(" ", ""));
-            assertEquals(name + ", size", wanted.length, part.get("size").getAsInt());
+            assertEquals(name + ", size", wanted.length, cropped.size());
             assertEquals(name + ", bytes", HexFormat.of().formatHex(wanted),
                     HexFormat.of().formatHex(crop.bytes(offsets((int) row[3]))));
-            assertEquals(name, "4x2", part.get("width") + "x" + part.get("height"));
-            assertEquals("the larger one stays as it is", 8, image.part().get("width").getAsInt());
+            assertEquals(name, "4x2", cropped.width() + "x" + cropped.height());
+            assertEquals("the larger one stays as it is", 8, image.width());
         }
     }
 
@@ -80,12 +91,10 @@ public final class ImageCropTest {
             {128, 1, "32x1"}, {10, 4, "6x2"}, {8, 6, "4x4"},
         };
         for (Object[] row : rows) {
-            RecordedImage image = image("R8G8B8A8", 8, 4, "[32]", "[128]", 128);
-            image.part().addProperty("bufferWidth", (int) row[0]);
-            image.part().addProperty("bufferHeight", (int) row[1]);
-            JsonObject part = ImageCrop.of(image, CropArea.parse("4,2"), "it").part();
-            assertEquals(Arrays.toString(row), row[2],
-                    part.get("bufferWidth") + "x" + part.get("bufferHeight"));
+            ImageLayout image = image("R8G8B8A8", 8, 4, "[32]", "[128]", 128,
+                    "[" + row[0] + ", " + row[1] + ", 1]");
+            int[] buffer = ImageCrop.of(image, CropArea.parse("4,2"), "it").image().buffer();
+            assertEquals(Arrays.toString(row), row[2], buffer[0] + "x" + buffer[1]);
         }
     }
 
@@ -102,7 +111,7 @@ public final class ImageCropTest {
         };
         for (Object[] row : rows) {
             assertEquals(row[1], assertThrows((String) row[1], IllegalArgumentException.class,
-                    () -> ImageCrop.of((RecordedImage) row[0], CropArea.parse("4,2,4,2"), "it"))
+                    () -> ImageCrop.of((ImageLayout) row[0], CropArea.parse("4,2,4,2"), "it"))
                     .getMessage());
         }
         for (String format : new String[] {"JPEG", "XYZ"}) {

@@ -10,7 +10,7 @@ import org.junit.Test;
 import org.junit.rules.TemporaryFolder;
 
 /** How far a file of events is read in which bits were turned over. */
-public final class EventLinesTest {
+public final class RunFolderTest {
     private static final String WHOLE =
             "{\"event\":\"end\",\"n\":3,\"op\":\"createClient\",\"result\":\"0x7f\"}\n";
 
@@ -22,17 +22,17 @@ public final class EventLinesTest {
         Object[][] rows = {
             {2, "{\"event\":\"end\",\"n\":4,\"result\":-1,\"bytes\":null}"},
             {2, "{\"event\":\"begin\",\"n\":4,\"bytes\":\"0aff\",\"algoList\":[\"hdr\"]}"},
-            {1, "{\"event\":\"begin\",\"n\":4,\"bytes\":\"0agf\"}"},
-            {1, "{\"event\":\"begin\",\"bytes\":\"0af\"}"},
-            {1, "{\"event\":\"begin\",\"n\":\"0xx4\"}"}, {1, "{\"event\":\"begin\",\"reqId\":1e}"},
-            {1, "{\"event\":\"end\",\"result\":\"0x7g\"}"}, {1, "{\"event\":\"end\",\"result\":[1,2]}"},
-            {1, "{\"event\":\"begin\",\"op\":{\"a\":1}}"}, {1, "{\"event\":\"begin\",\"algoList\":\"hdr\"}"},
+            // A field of a wrong type reads as an absent one.
+            {2, "{\"event\":\"begin\",\"n\":4,\"bytes\":\"0agf\"}"},
+            {2, "{\"event\":\"begin\",\"bytes\":\"0af\",\"n\":\"0xx4\",\"op\":{\"a\":1}}"},
+            {2, "{\"event\":\"end\",\"result\":[1,2],\"algoList\":\"hdr\"}"},
+            {1, "{\"event\":\"begin\",\"reqId\":1e}"}, {1, "[\"event\"]"}, {1, "null"},
             {1, "{\"evenp\":\"begin\"}"}, {1, "{\"event\":\"begin\""},
         };
         for (Object[] row : rows) {
             Path file = folder.newFile().toPath();
             Files.writeString(file, WHOLE + row[1] + "\n");
-            assertEquals((String) row[1], row[0], EventLines.read(file).size());
+            assertEquals((String) row[1], row[0], RunFolder.events(file).events().size());
         }
     }
 }

@@ -1,0 +1,114 @@
+package com.orlu.orlu3rdalgoservice.record;
+
+import java.io.File;
+import java.io.FileInputStream;
+import java.io.FileOutputStream;
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.channels.FileChannel;
+import java.nio.charset.StandardCharsets;
+import java.util.HashSet;
+import java.util.Locale;
+import java.util.Set;
+import java.util.zip.CRC32;
+
+/** The folder of one recording. Each of its texts is one file, written at once. */
+final class RecordFolder {
+    /** What went in, in the form of a request file. Written before the request runs. */
+    static final String REQUEST = "request.json";
+    /** What came of it. A process that ended before has none. */
+    static final String OUTCOME = "outcome.json";
+    static final String EVENTS = "events.jsonl";
+    static final String TOO_LARGE = "no: the recording would have more bytes than it may";
+
+    private final File mFolder;
+    private final Set<String> mChecks = new HashSet<>();
+    private long mBytesLeft;
+
+    /** Makes the folder, which may hold this many bytes in all. */
+    RecordFolder(File folder, long mostBytes) throws IOException {
+        if (!folder.mkdirs()) {
+            throw new IOException("can't make the folder " + folder);
+        }
+        mFolder = folder;
+        mBytesLeft = mostBytes;
+    }
+
+    void write(String name, JsonText text) throws IOException {
+        byte[] bytes = text.toString().getBytes(StandardCharsets.UTF_8);
+        mBytesLeft -= bytes.length;
+        if (mBytesLeft < 0) {
+            throw new IOException("the recording would have more bytes than it may");
+        }
+        writeAll(name, ByteBuffer.wrap(bytes));
+    }
+
+    /** Replaces the outcome by the reason why there is none, whatever that takes. */
+    void fail(String what) throws IOException {
+        writeAll(OUTCOME, ByteBuffer.wrap(
+                new JsonText().add("failed", what).toString().getBytes(StandardCharsets.UTF_8)));
+    }
+
+    private void writeAll(String name, ByteBuffer bytes) throws IOException {
+        File file = new File(mFolder, name);
+        try (FileOutputStream stream = new FileOutputStream(file); FileChannel channel = stream.getChannel()) {
+            while (bytes.hasRemaining()) {
+                channel.write(bytes);
+            }
+        } catch (IOException e) {
+            // Half a file is of no use, and leaves no room on a full disk to say so.
+            if (file.isFile() && !file.delete()) {
+                RequestRecorder.warn("can't remove " + file);
+            }
+            throw e;
+        }
+    }
+
+    /** Writes the bytes into a file, and adds its name and check to the text; without, why not. */
+    void writeBytes(String name, ByteBuffer bytes, JsonText text) throws IOException {
+        if (bytes.remaining() > mBytesLeft) {
+            text.add("kept", TOO_LARGE);
+            return;
+        }
+        mBytesLeft -= bytes.remaining();
+        CRC32 check = new CRC32();
+        check.update(bytes.duplicate());
+        writeAll(name, bytes.duplicate());
+        String crc = String.format(Locale.ROOT, "%08x", check.getValue());
+        mChecks.add(crc + " " + bytes.remaining());
+        text.add("file", name).add("crc", crc);
+    }
+
+    /**
+     * Moves a file of this check into the folder, under its name; one whose bytes are in the folder already
+     * is only removed. Returns false for one that is too large, which is removed as well.
+     */
+    boolean takeFile(File file, String check) throws IOException {
+        long size = file.length();
+        boolean isHere = mChecks.contains(check + " " + size);
+        boolean fits = size <= mBytesLeft;
+        if (!isHere && fits) {
+            mBytesLeft -= size;
+            move(file, new File(mFolder, file.getName()));
+        }
+        if (file.exists() && !file.delete()) {
+            RequestRecorder.warn("can't remove " + file);
+        }
+        return isHere || fits;
+    }
+
+    // Another file system takes a copy.
+    private static void move(File file, File to) throws IOException {
+        if (file.renameTo(to)) {
+            return;
+        }
+        try (FileInputStream from = new FileInputStream(file);
+                FileOutputStream stream = new FileOutputStream(to)) {
+            from.getChannel().transferTo(0, file.length(), stream.getChannel());
+        }
+    }
+
+    File folder() {
+        return mFolder;
+    }
+}

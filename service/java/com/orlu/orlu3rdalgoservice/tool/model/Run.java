@@ -1,0 +1,273 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.text.Frames;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/** What one run of a request did, read from its folder or from its events alone. It does not change. */
+public final class Run {
+    private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
+
+    private final String mName;
+    private final Path mFolder;
+    private final RequestFile mRequest;
+    private final Json mRoot;
+    private final Json mOutcome;
+    private final String mProblem;
+    private final List<String> mNotes;
+    private final RecordedEvents mEvents;
+    private final List<Parameter> mParameters;
+    private final List<byte[]> mCameraMetadata = new ArrayList<>();
+    private final List<List<String>> mAlgorithms = new ArrayList<>();
+    private final Map<String, String> mOutcomes = new LinkedHashMap<>();
+    private final Map<String, Double> mTimes = new LinkedHashMap<>();
+    private final List<Map<String, Json>> mPuts = new ArrayList<>();
+    private final List<ImageLayout> mResults = new ArrayList<>();
+    private final List<HandedImage> mHanded = new ArrayList<>();
+
+    private Run(String name, Path folder, RequestFile request, Json root, Json outcome, String problem,
+            List<String> notes, RecordedEvents events) {
+        mName = name;
+        mFolder = folder;
+        mRequest = request;
+        mRoot = root;
+        mOutcome = outcome;
+        mProblem = problem;
+        mNotes = notes;
+        mEvents = events;
+        mParameters = new Handover(events).parameters();
+        events.calls("setRaw").forEach(call -> mCameraMetadata.add(call.begin().bytes("bytes")));
+        for (Call call : events.calls("process")) {
+            mAlgorithms.add(call.begin().texts("algoList"));
+            mOutcomes.put("process " + mAlgorithms.size(), call.outcome());
+            if (call.end() != null) {
+                mTimes.put("process " + mAlgorithms.size(), call.end().milliseconds());
+            }
+        }
+        if (!mAlgorithms.isEmpty()) {
+            mOutcomes.put("callbacks", events.calls("callback").stream()
+                    .map(call -> call.begin().text("name")).toList().toString());
+        }
+    }
+
+    static Run of(String name, Path folder, RequestFile request, Json root, Json outcome, String problem,
+            List<String> notes) throws MistakeException {
+        Run run = new Run(name, folder, request, root, outcome, problem, notes,
+                RunFolder.events(folder.resolve(RunFolder.EVENTS)));
+        if (!outcome.has("failed")) {
+            run.readOutcome();
+        }
+        run.mHanded.addAll(HandedImage.of(run));
+        return run;
+    }
+
+    private void readOutcome() throws MistakeException {
+        for (String call : List.of("processed", "updated")) {
+            Json made = mOutcome.get(call);
+            if (made != null) {
+                mOutcomes.put(call, made.require(made.has("thrown") ? "thrown" : "status").text());
+                if (made.has("ns")) {
+                    mTimes.put(call, made.get("ns").real() / NANOSECONDS_PER_MILLISECOND);
+                }
+            }
+        }
+        for (Json frame : mOutcome.has("put") ? mOutcome.get("put").list() : List.<Json>of()) {
+            mPuts.add(frame.members());
+        }
+        for (Json image : mOutcome.has("outputs") ? mOutcome.get("outputs").list() : List.<Json>of()) {
+            mResults.add(ImageLayout.read(mFolder, image));
+        }
+    }
+
+    /** The run of a request in a file of events alone, which has no images. */
+    public static Run ofEvents(Path file) throws MistakeException {
+        RecordedEvents events = RunFolder.events(file);
+        if (events.calls().isEmpty()) {
+            throw new MistakeException(file.toString(), "", "no recording, no request file, and no events");
+        }
+        Run run = new Run(
+                file.toString(), null, null, Json.none(), Json.none(), "", List.of(), events);
+        for (Event put : events.events("put")) {
+            long frame = put.number("frame");
+            if (frame < 0 || frame > events.events().size()) {
+                throw put.fields().error("frame", "needs the number of a frame, found " + frame);
+            }
+            while (run.mPuts.size() <= frame) {
+                run.mPuts.add(new LinkedHashMap<>());
+            }
+            if (put.has("value")) {
+                run.mPuts.get((int) frame).put(put.text("tag"), put.fields().get("value"));
+            }
+        }
+        return run;
+    }
+
+    public String name() {
+        return mName;
+    }
+
+    /** Its folder, null if only events are known. */
+    public Path folder() {
+        return mFolder;
+    }
+
+    /** The request that ran; null if only events are known. */
+    public RequestFile request() {
+        return mRequest;
+    }
+
+    /** All of request.json, and all of outcome.json; without members where there is none. */
+    public Json root() {
+        return mRoot;
+    }
+
+    public Json outcome() {
+        return mOutcome;
+    }
+
+    /** Who recorded it, and when. */
+    public Json header() {
+        return mRoot.has("recording") ? mRoot.get("recording") : Json.none();
+    }
+
+    /** What of the request can't be made again. */
+    public List<String> notes() {
+        return mNotes;
+    }
+
+    public RecordedEvents events() {
+        return mEvents;
+    }
+
+    /** What is wrong with the file of events; empty if it is whole, or there is none. */
+    public String eventsProblem() {
+        return mFolder == null ? "" : RunFolder.eventsProblem(mFolder, mOutcome);
+    }
+
+    /** Whether it came to its end. */
+    public boolean isComplete() {
+        return mProblem.isEmpty();
+    }
+
+    /** Why it did not come to its end, empty if it did. */
+    public String problem() {
+        return mProblem;
+    }
+
+    /** Whether anything that it did is known; not of a recording that lost some frames since. */
+    public boolean isKnown() {
+        return hasEvents() || !mOutcomes.isEmpty();
+    }
+
+    /** Whether the probe was there. */
+    public boolean hasEvents() {
+        return !mEvents.calls().isEmpty();
+    }
+
+    public List<Parameter> parameters() {
+        return mParameters;
+    }
+
+    public List<byte[]> cameraMetadata() {
+        return mCameraMetadata;
+    }
+
+    public List<List<String>> algorithms() {
+        return mAlgorithms;
+    }
+
+    /** What each call came to: "processed" 0, "process 1" "returned 0". */
+    public Map<String, String> outcomes() {
+        return mOutcomes;
+    }
+
+    /** Whether a call to the library returned something else than 0, or a request was not called back. */
+    public boolean hasFailed() {
+        boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
+        return isSilent || List.of("processed", "updated").stream()
+                .anyMatch(call -> !mOutcomes.getOrDefault(call, "0").equals("0"));
+    }
+
+    /** Milliseconds of each call. */
+    public Map<String, Double> times() {
+        return mTimes;
+    }
+
+    /** For each frame, what was put. */
+    public List<Map<String, Json>> puts() {
+        return mPuts;
+    }
+
+    /** What went in, for each frame: "captureResult" and "composition". None if only events are known. */
+    public List<Json> frames() {
+        return mRoot.has("frames") ? mRoot.get("frames").elements() : List.of();
+    }
+
+    /** What went in beside the frames and images, by what it is: "property ...", "client ...". */
+    public Map<String, Json> settings() throws MistakeException {
+        Map<String, Json> settings = new LinkedHashMap<>();
+        for (String part : List.of("client", "properties")) {
+            String kind = part.equals("client") ? "client " : "property ";
+            if (mRoot.has(part)) {
+                mRoot.get(part).members().forEach((name, value) -> settings.put(kind + name, value));
+            }
+        }
+        Json type = mRoot.find("request", "type");
+        if (type != null) {
+            settings.put("request type", type);
+        }
+        return settings;
+    }
+
+    /** The images that went in. */
+    public List<ImageLayout> inputs() {
+        return mRequest == null ? List.of() : mRequest.inputs().stream().map(ImagePlan::layout).toList();
+    }
+
+    /** The images for the results, before. */
+    public List<ImageLayout> outputs() {
+        return mRequest == null ? List.of() : mRequest.outputs().stream().map(ImagePlan::layout).toList();
+    }
+
+    /** The images as the algorithm library saw them; none where the probe kept none. */
+    public List<HandedImage> handed() {
+        return mHanded;
+    }
+
+    /** The images with the results. */
+    public List<ImageLayout> results() {
+        return mResults;
+    }
+
+    /**
+     * What of a request was left out by trimming, once or several times, "" if it is whole: "cropped to
+     * 320x240, only frames 0, 2 of the recording".
+     */
+    public String trimmed() throws MistakeException {
+        StringBuilder text = new StringBuilder();
+        for (Json cut : mRoot.has("trimmed") ? mRoot.get("trimmed").list() : List.<Json>of()) {
+            // Frames of a copy that was trimmed again are those of that copy.
+            text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
+        }
+        return text.toString();
+    }
+
+    private static String trimmed(Json cut, String of) throws MistakeException {
+        List<Integer> frames = new ArrayList<>();
+        for (Json frame : cut.has("frames") ? cut.get("frames").list() : List.<Json>of()) {
+            frames.add(frame.integer(0, Integer.MAX_VALUE));
+        }
+        String crop = cut.has("crop") ? "cropped to " + cut.get("crop").string() : "";
+        String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the " + of;
+        return crop + (crop.isEmpty() || kept.isEmpty() ? "" : ", ") + kept;
+    }
+}

@@ -1,0 +1,185 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
+import java.io.IOException;
+import java.io.RandomAccessFile;
+import java.nio.ByteBuffer;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.stream.Stream;
+
+/**
+ * The folder of a run: request.json, the images that went in, events.jsonl, the images that came out,
+ * outcome.json. A process that ended before its run did leaves one without an outcome. The folder may come from
+ * a stranger.
+ */
+public final class RunFolder {
+    public static final String REQUEST = "request.json";
+    public static final String OUTCOME = "outcome.json";
+    public static final String EVENTS = "events.jsonl";
+    /** What recordings of version 1 had instead. */
+    private static final String OLD = "recording";
+    private static final int MOST_EVENT_BYTES = 1 << 28;
+
+    private RunFolder() {
+    }
+
+    /** Whether a folder is that of a run, which may be damaged. */
+    public static boolean isRun(Path folder) {
+        return Stream.of(REQUEST, OUTCOME, OLD).anyMatch(name -> RecordedFile.isRegular(folder.resolve(name)));
+    }
+
+    /** The folder itself, or all of runs in it by their names. */
+    public static List<Path> in(Path folder) throws MistakeException, IOException {
+        if (isRun(folder)) {
+            return List.of(folder);
+        }
+        if (!Files.isDirectory(folder)) {
+            throw new MistakeException(folder.toString(), "", "no such folder");
+        }
+        try (Stream<Path> inside = Files.list(folder)) {
+            List<Path> found = inside.filter(RunFolder::isRun).sorted().toList();
+            if (found.isEmpty()) {
+                throw new MistakeException(folder.toString(), "", "no recording: it has no " + REQUEST);
+            }
+            return found;
+        }
+    }
+
+    /** Reads a run, under this name for people. MistakeException if its request can't be read. */
+    public static Run read(Path folder, String name) throws MistakeException {
+        Path file = folder.resolve(REQUEST);
+        Mistakes mistakes = new Mistakes(file.toString());
+        String problem = "";
+        Json outcome = Json.none();
+        if (RecordedFile.isRegular(folder.resolve(OUTCOME))) {
+            try {
+                outcome = Json.read(folder.resolve(OUTCOME));
+                outcome.members();
+            } catch (MistakeException e) {
+                outcome = Json.none();
+                problem = e.getMessage();
+            }
+            if (outcome.has("failed")) {
+                problem = "recording failed: " + outcome.get("failed").text();
+            }
+        } else {
+            problem = "the process ended";
+        }
+        if (!RecordedFile.isRegular(file)) {
+            throw new MistakeException(file.toString(), "", RecordedFile.isRegular(folder.resolve(OLD))
+                    ? "no such file: recordings of version 1 are no longer read; record the request again"
+                    : "no such regular file: " + problem);
+        }
+        RequestFile request = RequestFileReader.read(file, null, mistakes);
+        mistakes.throwFirst();
+        Json root = Json.read(file);
+        if (!root.has("recording")) {
+            throw root.error("needs the field recording: no recorder wrote this file");
+        }
+        return Run.of(name, folder, request, root, outcome, problem, mistakes.lines());
+    }
+
+    /** What is wrong with the events of an outcome; empty if they are whole, or there are none. */
+    static String eventsProblem(Path folder, Json outcome) {
+        try {
+            Json events = outcome.get("events");
+            if (events != null && events.has("file")) {
+                RecordedFile.named(folder, events.get("file"),
+                        events.require("size").integer(0, MOST_EVENT_BYTES), events.require("crc").string()).bytes();
+            }
+            return "";
+        } catch (MistakeException e) {
+            return e.getMessage();
+        }
+    }
+
+    /** The events of a file that nobody writes into any more, up to the first line that is cut or damaged. */
+    public static RecordedEvents events(Path file) throws MistakeException {
+        RecordedEvents events = new RecordedEvents();
+        if (!RecordedFile.isRegular(file)) {
+            return events;
+        }
+        List<Json> lines = new ArrayList<>();
+        String text = text(file);
+        int number = 0;
+        for (String line : text.substring(0, text.lastIndexOf('\n') + 1).split("\n")) {
+            Json event = event(file, ++number, line);
+            if (event == null) {
+                break;
+            }
+            lines.add(event);
+        }
+        events.add(lines);
+        return events;
+    }
+
+    private static String text(Path file) throws MistakeException {
+        try {
+            long size = Files.size(file);
+            if (size > MOST_EVENT_BYTES) {
+                throw new MistakeException(file.toString(), "",
+                        "needs at most " + MOST_EVENT_BYTES + " bytes, found " + size);
+            }
+            ByteBuffer bytes = ByteBuffer.allocate((int) size);
+            RecordedFile.read(file, bytes);
+            return new String(bytes.array(), 0, bytes.position(), StandardCharsets.UTF_8);
+        } catch (IOException e) {
+            throw new MistakeException(file.toString(), "", "can't be read");
+        }
+    }
+
+    private static Json event(Path file, int number, String line) {
+        try {
+            Json event = Json.parse(file.toString(), number, line);
+            return event.has("event") ? event : null;
+        } catch (MistakeException e) {
+            return null;
+        }
+    }
+
+    /**
+     * Completes the folder of a run whose process ended: cuts its events out of the file that they went into,
+     * and copies the pixels that they name from this folder; null for none.
+     */
+    public static void complete(Path folder, Path events, Path pixels) throws IOException {
+        Path file = folder.resolve(REQUEST);
+        if (!RecordedFile.isRegular(file) || Files.exists(folder.resolve(OUTCOME))
+                || Files.exists(folder.resolve(EVENTS))) {
+            return;
+        }
+        try {
+            Json from = Json.read(file).find("recording", "eventsFrom");
+            if (from == null) {
+                return;
+            }
+            copyFrom(events, from.integer(0L, Long.MAX_VALUE), folder.resolve(EVENTS));
+            for (Event event : events(folder.resolve(EVENTS)).events("pixels")) {
+                String name = event.text("file");
+                if (pixels != null && !name.isEmpty() && Files.isRegularFile(pixels.resolve(name))) {
+                    Files.copy(pixels.resolve(name), folder.resolve(name));
+                }
+            }
+        } catch (MistakeException e) {
+            System.err.println("run: " + e.getMessage());
+        }
+    }
+
+    private static void copyFrom(Path events, long start, Path to) throws IOException {
+        try (RandomAccessFile all = new RandomAccessFile(events.toFile(), "r")) {
+            byte[] bytes = new byte[Math.toIntExact(Math.max(0, all.length() - start))];
+            all.seek(start);
+            all.readFully(bytes);
+            Files.write(to, bytes);
+        }
+    }
+}

@@ -1,0 +1,119 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.nio.file.Path;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * An image exactly as a recorder found it, also where its description makes no sense.
+ *
+ * @param format     its name for the native side
+ * @param width      pixels
+ * @param height     pixels
+ * @param rowStrides bytes a row of each plane; null if the image had none
+ * @param planeSizes bytes of each plane; null if the image had none
+ * @param memory     "shared", "hardware" or "none"
+ * @param buffer     width, height and format of a hardware buffer, else empty
+ * @param size       bytes of its memory
+ * @param file       its bytes; null if they were not kept, or all 0
+ * @param kept       why they were not kept, else empty
+ * @param frame      the frame of an input, -1 if it is not known
+ */
+public record ImageLayout(String format, int width, int height, int[] rowStrides, int[] planeSizes,
+        String memory, int[] buffer, int size, RecordedFile file, String kept, int frame) {
+    private static final int MOST_PLANES = 16;
+    private static final List<String> MEMORIES = List.of("shared", "hardware", "none");
+
+    /** Reads the description of an image in the recording of this folder. */
+    public static ImageLayout read(Path folder, Json image) throws MistakeException {
+        image.allowing("format", "width", "height", "rowStrides", "planeSizes", "frame", "memory", "buffer",
+                "size", "file", "crc", "kept");
+        String memory = image.require("memory").string();
+        if (!MEMORIES.contains(memory)) {
+            throw image.get("memory").needsName("one of " + String.join(", ", MEMORIES), MEMORIES);
+        }
+        int size = whole(image, "size", 0, RecordedFile.MOST_BYTES, 0);
+        RecordedFile file = image.has("file")
+                ? RecordedFile.named(folder, image.get("file"), size, image.require("crc").string()) : null;
+        int[] buffer = memory.equals("hardware") ? numbers(image.require("buffer"), 3) : new int[0];
+        return new ImageLayout(image.require("format").string(),
+                whole(image, "width", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
+                whole(image, "height", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
+                numbers(image.require("rowStrides"), -1), numbers(image.require("planeSizes"), -1), memory,
+                buffer, size, file, image.has("kept") ? image.get("kept").string() : "",
+                whole(image, "frame", 0, Integer.MAX_VALUE, -1));
+    }
+
+    // Unlike a request file's, a mistake here ends the reading.
+    private static int whole(Json image, String name, int least, int most, int absent)
+            throws MistakeException {
+        return image.has(name) ? image.get(name).integer(least, most) : absent;
+    }
+
+    private static int[] numbers(Json field, int count) throws MistakeException {
+        if (field.isNull()) {
+            return null;
+        }
+        List<Json> elements = count < 0 ? field.list() : field.list(count);
+        if (elements.size() > MOST_PLANES) {
+            throw field.error("needs at most " + MOST_PLANES + " planes, found " + elements.size());
+        }
+        int[] numbers = new int[elements.size()];
+        for (int i = 0; i < numbers.length; ++i) {
+            numbers[i] = elements.get(i).integer(Integer.MIN_VALUE, Integer.MAX_VALUE);
+        }
+        return numbers;
+    }
+
+    /** The description as a recording has it. */
+    public Map<String, Object> json() {
+        Map<String, Object> json = JsonWriter.object("format", format, "width", width, "height", height,
+                "rowStrides", rowStrides, "planeSizes", planeSizes, "memory", memory, "size", size);
+        if (frame >= 0) {
+            json.put("frame", frame);
+        }
+        if (buffer.length > 0) {
+            json.put("buffer", buffer);
+        }
+        if (file != null) {
+            json.put("file", file.path().getFileName().toString());
+            json.put("crc", file.crc());
+        }
+        if (!kept.isEmpty()) {
+            json.put("kept", kept);
+        }
+        return json;
+    }
+
+    /** The same image with other bytes; null and the reason for none. */
+    public ImageLayout withFile(RecordedFile other, String reason) {
+        return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
+                other == null ? size : other.size(), other, reason, frame);
+    }
+
+    /** The same image with other sides. */
+    public ImageLayout withSides(int otherWidth, int otherHeight) {
+        return new ImageLayout(format, otherWidth, otherHeight, rowStrides, planeSizes, memory, buffer, size, file,
+                kept, frame);
+    }
+
+    /** The same image as one of another frame. */
+    public ImageLayout withFrame(int other) {
+        return new ImageLayout(
+                format, width, height, rowStrides, planeSizes, memory, buffer, size, file, kept, other);
+    }
+
+    /** "NV21 632x416, shared". */
+    public String text() {
+        return format + " " + width + "x" + height + ", " + memory;
+    }
+
+    /** The bytes; null if none were kept. */
+    public byte[] bytes() throws MistakeException {
+        return file == null ? null : file.bytes();
+    }
+}

@@ -1,0 +1,94 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.nio.channels.FileChannel;
+import java.nio.file.Files;
+import java.nio.file.LinkOption;
+import java.nio.file.Path;
+import java.nio.file.StandardOpenOption;
+import java.nio.file.attribute.BasicFileAttributes;
+import java.util.regex.Pattern;
+import java.util.zip.CRC32;
+
+/**
+ * A file of a recording. The recording may come from a stranger: its file is a plain name in its folder, a
+ * regular file that is opened without following links, and has exactly the size that the recording states.
+ *
+ * @param path  where it lies
+ * @param size  in bytes
+ * @param crc   the CRC-32 of its bytes in hexadecimal; empty if it is not known
+ * @param field the member that names it, for errors
+ */
+public record RecordedFile(Path path, int size, String crc, Json field) {
+    /** The largest file that is read. */
+    public static final int MOST_BYTES = 1 << 30;
+    private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_][A-Za-z0-9_.-]{0,99}");
+
+    /** The file of this folder that a field names. It is not opened yet. */
+    public static RecordedFile named(Path folder, Json field, int size, String crc) throws MistakeException {
+        if (!PLAIN_NAME.matcher(field.string()).matches()) {
+            throw field.needs("the name of a file in the recording's folder");
+        }
+        return new RecordedFile(folder.resolve(field.string()), size, crc, field);
+    }
+
+    /** Whether this is a regular file, and no link to one. */
+    public static boolean isRegular(Path file) {
+        return Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS);
+    }
+
+    /** Throws unless a regular file of that size is there. */
+    public void check() throws MistakeException {
+        try {
+            BasicFileAttributes found = Files.readAttributes(
+                    path, BasicFileAttributes.class, LinkOption.NOFOLLOW_LINKS);
+            if (!found.isRegularFile()) {
+                throw field.error(path + ": needs a regular file, found " + kind(found));
+            }
+            if (found.size() != size) {
+                throw field.error(path + " is cut or damaged: needs " + size + " bytes, found " + found.size());
+            }
+        } catch (IOException e) {
+            throw field.error(path + ": no such file");
+        }
+    }
+
+    private static String kind(BasicFileAttributes found) {
+        return found.isSymbolicLink() ? "a link" : found.isDirectory() ? "a folder" : "a special file";
+    }
+
+    /** The bytes, which are checked. */
+    public byte[] bytes() throws MistakeException {
+        check();
+        byte[] bytes = new byte[size];
+        try {
+            read(path, ByteBuffer.wrap(bytes));
+        } catch (IOException e) {
+            throw field.error(path + " can't be read");
+        }
+        if (!crc.isEmpty()) {
+            CRC32 check = new CRC32();
+            check.update(bytes);
+            String found = "%08x".formatted(check.getValue());
+            if (!found.equals(crc)) {
+                throw field.error(path + " is cut or damaged: its " + size + " bytes have the check " + found
+                        + " instead of " + crc);
+            }
+        }
+        return bytes;
+    }
+
+    /** Fills the buffer from the start of a file that is no link. A shorter file leaves the rest as it is. */
+    public static void read(Path file, ByteBuffer to) throws IOException {
+        try (FileChannel channel = FileChannel.open(
+                file, StandardOpenOption.READ, LinkOption.NOFOLLOW_LINKS)) {
+            while (to.hasRemaining() && channel.read(to) >= 0) {
+                continue;
+            }
+        }
+    }
+}

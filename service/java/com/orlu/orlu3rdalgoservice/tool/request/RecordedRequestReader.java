@@ -1,0 +1,112 @@
+package com.orlu.orlu3rdalgoservice.tool.request;
+
+import android.hardware.camera2.impl.CameraMetadataNative;
+import android.hardware.camera2.impl.TagTable;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * Reads a request file that a recorder wrote: values have their types, images their exact descriptions. A value
+ * that can't be made again is a warning, and left out.
+ */
+final class RecordedRequestReader {
+    /** The member that only a recorder writes. */
+    static final String MARK = "recording";
+    private static final String FORMAT = "orlu-recording";
+    private static final int VERSION = 2;
+    private static final int CAMERA_IMAGE_FORMAT = 35;
+    private static final int MOST_FRAMES = 1000;
+    private static final int MOST_IMAGES = 4000;
+
+    private final Path mFile;
+    private final Mistakes mMistakes;
+
+    RecordedRequestReader(Path file, Mistakes mistakes) {
+        mFile = file;
+        mMistakes = mistakes;
+    }
+
+    RequestFile read(Json root) throws MistakeException {
+        root.allowing("about", MARK, "trimmed", "request", "client", "properties", "frames", "inputs", "outputs");
+        checkVersion(root.require(MARK));
+        Json request = root.require("request").allowing("id", "type");
+        Map<String, String> properties = new LinkedHashMap<>();
+        for (Map.Entry<String, Json> property : root.require("properties").members().entrySet()) {
+            properties.put(property.getKey(), property.getValue().string());
+        }
+        List<FramePlan> frames = new ArrayList<>();
+        for (Json frame : limited(root.require("frames"), MOST_FRAMES)) {
+            frames.add(frame(frame.allowing("captureResult", "composition")));
+        }
+        boolean fullAsync = !frames.isEmpty()
+                && Integer.valueOf(1).equals(frames.get(0).composition().get("isFullAsync"));
+        Json client = root.object("client", "clientId", "algoContextIndex");
+        return new RequestFile(mFile, root.string("about", ""),
+                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), request.require("type").string(),
+                client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
+                client.integer("algoContextIndex", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
+                CAMERA_IMAGE_FORMAT, properties, fullAsync, null, new FrameSetPlan(frames, 0, 0, 0, 0),
+                images(root.require("inputs")), images(root.require("outputs")), root);
+    }
+
+    private static void checkVersion(Json header) throws MistakeException {
+        String format = header.require("format").string();
+        int version = header.require("version").integer(0, Integer.MAX_VALUE);
+        if (!format.equals(FORMAT) || version != VERSION) {
+            throw header.error("needs " + FORMAT + " version " + VERSION + ", found " + Json.cut(format)
+                    + " version " + version);
+        }
+    }
+
+    private static List<Json> limited(Json list, int most) throws MistakeException {
+        if (list.list().size() > most) {
+            throw list.error("needs at most " + most + " elements, found " + list.list().size());
+        }
+        return list.list();
+    }
+
+    private FramePlan frame(Json frame) throws MistakeException {
+        CameraMetadataNative captureResult = new CameraMetadataNative();
+        values(frame.require("captureResult")).forEach((tag, value) -> {
+            if (TagTable.typeOf(tag) == null) {
+                frame.get("captureResult").warn(tag, "no such tag is known here: left out");
+                return;
+            }
+            try {
+                captureResult.set(tag, value);
+            } catch (IllegalArgumentException e) {
+                frame.get("captureResult").warn(tag, e.getMessage());
+            }
+        });
+        return new FramePlan(captureResult, values(frame.require("composition")), 0, 0, 1, null);
+    }
+
+    private Map<String, Object> values(Json object) throws MistakeException {
+        Map<String, Object> values = new LinkedHashMap<>();
+        object.members().forEach((name, field) -> {
+            if (TypedValue.isOfOtherClass(field)) {
+                field.warn("left out, a value of the class " + field.get("class").found());
+            } else {
+                mMistakes.attempt(() -> values.put(name, TypedValue.read(field)), null);
+            }
+        });
+        return values;
+    }
+
+    private List<ImagePlan> images(Json list) throws MistakeException {
+        List<ImagePlan> images = new ArrayList<>();
+        for (Json image : limited(list, MOST_IMAGES)) {
+            mMistakes.attempt(() -> images.add(
+                    ImagePlan.exact(ImageLayout.read(mFile.resolveSibling(""), image), image)));
+        }
+        return images;
+    }
+}
