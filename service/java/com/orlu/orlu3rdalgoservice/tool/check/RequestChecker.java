@@ -17,7 +17,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Supplier;
 
-/** Reads request files and what they name, and finds all that is wrong with any of them before one runs. */
+/** Reads request files and the files they name, and finds all mistakes before the first request runs. */
 public final class RequestChecker {
     private final Path mOtherPhoto;
     private final Photos mPhotos;
@@ -25,13 +25,13 @@ public final class RequestChecker {
     private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
-    /** The photo, where it is not null, replaces those of the files. */
+    /** A photo other than null replaces those of the files. */
     public RequestChecker(Path otherPhoto, Photos photos) {
         mOtherPhoto = otherPhoto;
         mPhotos = photos;
     }
 
-    /** Checks one file. A bad photo of the command line is an IllegalArgumentException. */
+    /** Checks one file. Throws IllegalArgumentException if the photo of the command line is invalid. */
     public void check(Path file) {
         Mistakes mistakes = new Mistakes(file.toString());
         mMistakes.add(mistakes);
@@ -68,7 +68,7 @@ public final class RequestChecker {
         }
     }
 
-    // A stride below a row is a mistake.
+    // Notes strides that are too small for a row.
     private static List<ImagePlan> sized(List<ImagePlan> images, FrameSize size, Mistakes mistakes) {
         List<ImagePlan> sized = new ArrayList<>();
         for (ImagePlan image : images) {
@@ -94,7 +94,7 @@ public final class RequestChecker {
         return mRequests;
     }
 
-    /** Whether all files can be taken; strictly, warnings keep one from it as well. */
+    /** Whether there are no mistakes and, if strict, no warnings. */
     public boolean isRight(boolean isStrict) {
         return errors() == 0 && (!isStrict || warnings() == 0);
     }
@@ -103,7 +103,7 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::errors).sum();
     }
 
-    /** How many warnings there are on one file, by its place among those checked. */
+    /** The number of warnings about a file, given by its index. */
     public int warnings(int file) {
         return mMistakes.get(file).warnings();
     }
@@ -112,12 +112,12 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::warnings).sum();
     }
 
-    /** Prints what was understood of each file without a mistake. */
+    /** Prints a line about each file without a mistake. */
     public void printUnderstood(PrintStream to) {
         mUnderstood.forEach(line -> to.println(line.get()));
     }
 
-    /** Prints a line for each mistake and warning, and at last their counts; nothing when all is well. */
+    /** Prints a line for each mistake and warning, and their counts; nothing if there are none. */
     public void printMistakes(PrintStream to, boolean isStrict) {
         for (Mistakes mistakes : mMistakes) {
             mistakes.lines().forEach(to::println);

@@ -13,7 +13,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Warns of images whose sizes can be meant, and hardly are. */
+/** Warns about image sizes that are legal and probably unintended. */
 final class SizeAdvice {
     /** A JPEG of fewer bytes a pixel than the inverse of this is a poor one. */
     private static final int PIXELS_A_BYTE = 16;
@@ -21,7 +21,7 @@ final class SizeAdvice {
     private SizeAdvice() {
     }
 
-    /** Notes the warnings on a request's images, which have their sizes. */
+    /** Notes the warnings about a request's images, whose sizes are known. */
     static void give(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         onFrameSize(request);
         inputs.forEach(SizeAdvice::onStride);
@@ -33,7 +33,7 @@ final class SizeAdvice {
         }
     }
 
-    // The first file's size is what images without a size get.
+    // Images without a size get that of the first file.
     private static void onFrameSize(RequestFile request) {
         ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()
@@ -44,7 +44,7 @@ final class SizeAdvice {
         }
     }
 
-    // Of this format the library hands the stride on as the width.
+    // The library passes on the stride of this format as its width.
     private static void onStride(ImagePlan image) {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
@@ -84,8 +84,8 @@ final class SizeAdvice {
                         + output.capacity() + ": the memory has what they take");
             }
         } else if (output.capacity() > 0 && output.capacity() < pixels / PIXELS_A_BYTE) {
-            output.place().warn("capacity", "a JPEG of " + size(output) + " hardly fits into "
-                    + output.capacity() + " bytes");
+            output.place().warn("capacity", output.capacity()
+                    + " bytes are probably too few for a JPEG of " + size(output));
         }
     }
 

@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Collectors;
 
-/** Says in one line what was understood of a request file. */
+/** Summarises a request file in one line. */
 final class Understood {
     private Understood() {
     }

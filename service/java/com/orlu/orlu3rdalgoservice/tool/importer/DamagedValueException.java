@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-/** A printed value that can't be taken; the message says why. */
+/** An invalid printed value; the message gives the reason. */
 final class DamagedValueException extends Exception {
     private static final long serialVersionUID = 1;
 

@@ -17,7 +17,7 @@ record DumpEntry(int line, String tag, String number, String type, long count, L
         return "line " + line;
     }
 
-    /** Why the values are not all there and whole, null when they are. */
+    /** Why values are missing or too many; null if they are complete. */
     String incompleteness() {
         if (values.size() == count) {
             return null;

@@ -6,13 +6,13 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Reads the metadata buffers in a dump of the camera service; any other text may be around them. What is cut
- * or damaged is noted, and the rest is read.
+ * Reads the metadata buffers in a dump of the camera service, between any other text. Notes what is cut or
+ * damaged and reads the rest.
  */
 final class DumpParser {
     /** More values than a tag can hold. */
     private static final int MOST_VALUES = 1 << 20;
-    /** A longer line is no dump's. */
+    /** No dump has longer lines. */
     private static final int LONGEST_LINE = 1 << 20;
     private static final String BUFFER = "Dumping camera metadata array";
     private static final Pattern SIZE = Pattern.compile(": (\\d{1,9}) / \\d+ entries");
@@ -25,7 +25,7 @@ final class DumpParser {
     private final Notes mNotes;
     private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
     private List<DumpEntry> mBuffer;
-    /** Whose values the next lines hold; null behind text that is no entry. */
+    /** The entry that the next lines of values belong to; null after any other text. */
     private DumpEntry mEntry;
     private int mBufferLine;
     private int mAnnounced = -1;
@@ -34,7 +34,7 @@ final class DumpParser {
         mNotes = notes;
     }
 
-    /** The buffers in the text's order. */
+    /** Returns the buffers in the text's order. */
     List<List<DumpEntry>> parse(List<String> lines) {
         for (int i = 0; i < lines.size(); ++i) {
             String line = lines.get(i);

@@ -5,10 +5,10 @@ import com.orlu.orlu3rdalgoservice.tool.request.Limits;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Finds the capture results among the metadata buffers of a dump, which holds more than those. */
+/** Finds the capture results among the metadata buffers of a dump. */
 final class DumpReader {
     private static final String TIMESTAMP = "android.sensor.timestamp";
-    /** What a camera's description has, and neither a result nor a request. */
+    /** Tags that only the description of a camera has. */
     private static final List<String> OF_DESCRIPTIONS =
             List.of("android.info.supportedHardwareLevel", "android.request.availableCapabilities");
 
@@ -18,7 +18,7 @@ final class DumpReader {
         mNotes = notes;
     }
 
-    /** The frames of a dump, none when there is no buffer in the text. */
+    /** Returns the frames of a dump; none if it has no buffer. */
     List<ImportedFrame> frames(List<String> lines) {
         List<List<DumpEntry>> buffers = new ArrayList<>(new DumpParser(mNotes).parse(lines));
         buffers.removeIf(List::isEmpty);

@@ -16,8 +16,7 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Turns the entries of one buffer, which have the camera layer's types, into the tags of a frame, which have
- * Java's.
+ * Converts the entries of one buffer, of the camera layer's types, to the tags of a frame, of Java's types.
  */
 final class DumpTags {
     private static final int UNSIGNED_MOST = 255;
@@ -26,7 +25,7 @@ final class DumpTags {
     private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
     private static final String GPS_METHOD = "android.jpeg.gpsProcessingMethod";
     private static final String GPS_TIME = "android.jpeg.gpsTimestamp";
-    /** Entries that make one tag together, and the type of each. */
+    /** Entries that form one tag together, and their types. */
     private static final Map<String, String> PARTS = Map.of(FACE_RECTANGLES, "int32", FACE_SCORES, "byte",
             GPS_COORDINATES, "double", GPS_METHOD, "byte", GPS_TIME, "int64");
 
@@ -66,7 +65,7 @@ final class DumpTags {
         }
     }
 
-    /** What the camera layer holds a tag of this type in; null for one that it has none for. */
+    /** The camera layer's types for a tag of this type; null if it has none. */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";
@@ -133,7 +132,7 @@ final class DumpTags {
         return entry.values().get(0);
     }
 
-    // Of NaN and infinities, which the dump writes as C does, a request file knows the names that Java has.
+    // The dump writes NaN and infinities as C does, a request file as Java does.
     private static Object number(DumpEntry entry, String text) throws DamagedValueException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {
@@ -190,7 +189,7 @@ final class DumpTags {
         return bytes.toByteArray();
     }
 
-    // Ends with a zero byte, mostly.
+    // Without the zero byte that ends most texts.
     private static String text(DumpEntry entry) throws DamagedValueException {
         return new String(bytes(entry), StandardCharsets.UTF_8).replaceFirst("\0+$", "");
     }
@@ -211,7 +210,7 @@ final class DumpTags {
         return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
-    // Unlike any other rectangle, a face's is held by its edges.
+    // Unlike other rectangles, a face's has edges instead of sizes.
     private void addFaces() {
         DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
         DumpEntry scores = mParts.get(FACE_SCORES);
@@ -232,7 +231,7 @@ final class DumpTags {
         });
     }
 
-    // The time is held in seconds, and a Location's is in milliseconds.
+    // The entry has seconds, a Location milliseconds.
     private void addLocation() {
         DumpEntry coordinates = mParts.get(GPS_COORDINATES);
         if (coordinates == null) {

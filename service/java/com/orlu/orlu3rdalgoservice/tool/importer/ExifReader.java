@@ -32,12 +32,12 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** Reads what a DNG or JPEG file says in its EXIF block as the tags of a frame. */
+/** Reads the EXIF block of a DNG, TIFF or JPEG file as the tags of a frame. */
 final class ExifReader {
     private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
-    /** The first four bytes of a filter's pattern (0 red, 1 green, 2 blue), by the number that it has. */
+    /** The patterns of colour filters (0 red, 1 green, 2 blue), in the order of their numbers. */
     private static final List<String> PATTERNS =
             List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
     private static final int FLASH_FIRED = 1;
@@ -95,7 +95,7 @@ final class ExifReader {
         addFlash();
         addChoice("android.jpeg.orientation", ExifDirectoryBase.TAG_ORIENTATION, "Orientation",
                 new int[] {-1, 0, -1, 180, -1, -1, 90, -1, 270});
-        // Only automatic and not are known; off is what the camera has for the latter.
+        // EXIF knows automatic and manual white balance; manual becomes off.
         addChoice("android.control.awbMode", ExifDirectoryBase.TAG_WHITE_BALANCE_MODE, "WhiteBalance",
                 new int[] {1, 0});
         addPattern();
@@ -132,7 +132,7 @@ final class ExifReader {
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
             if (pattern != null && pattern.length >= 4) {
                 mTaken.add(exifTag);
-                // The second has its size in front, as two numbers of two bytes.
+                // The second tag begins with the pattern's size, two numbers of two bytes.
                 byte[] colors = Arrays.copyOfRange(pattern, pattern.length - 4, pattern.length);
                 int number = PATTERNS.indexOf(Arrays.toString(colors));
                 if (number >= 0) {
@@ -180,7 +180,7 @@ final class ExifReader {
         return Double.isFinite(value) ? Math.rint(value) : value;
     }
 
-    // A value of the first directory that has one; a thumbnail has values of its own.
+    // The first directory with the tag, except that of a thumbnail.
     private Directory holding(int tag) {
         for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
             if (directory.containsTag(tag) && !(directory instanceof ExifThumbnailDirectory)) {
@@ -203,7 +203,7 @@ final class ExifReader {
         return number;
     }
 
-    // Of several numbers, such as the speeds of two standards, the first. The reader takes 0/0 for 0.
+    // The first of several numbers, such as speeds by two standards. The library would read 0/0 as 0.
     private static Double first(Directory directory, int tag) {
         Object held = directory.getObject(tag);
         if (held != null && held.getClass().isArray() && Array.getLength(held) > 0) {

@@ -15,7 +15,7 @@ import java.util.List;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParseResult;
 
-/** The subcommand import: makes a request file of what cameras write. */
+/** The subcommand import: makes a request file from what cameras write. */
 public final class ImportCommand extends Command {
     private static final String ABOUT = "Writes a request file of a camera service's text dump, the JSON "
             + "of a camera image test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that "
@@ -38,7 +38,7 @@ public final class ImportCommand extends Command {
         return spec;
     }
 
-    /** What it drops is printed. When a file can't be taken, nothing is written. */
+    /** Prints what it drops. Writes nothing if a file is invalid. */
     @Override
     public int run(ParseResult line) throws MistakeException, IOException {
         List<Path> files = line.matchedPositionalValue(0, List.of());
@@ -89,7 +89,7 @@ public final class ImportCommand extends Command {
         importer.read(files);
         Path folder = out.toAbsolutePath().getParent();
         makeFolder(folder);
-        // Checked as ./run will check it.
+        // Checked as ./run would check it.
         String text = new RequestWriter(folder, importer).text(files, algorithms, photo);
         RequestFileReader.check(out, text);
         Files.writeString(out, text);

@@ -24,7 +24,7 @@ final class ImportedFrame {
         }
     }
 
-    /** Takes the tags of another that this one has not. */
+    /** Adds the other frame's tags that this one lacks. */
     void fillFrom(ImportedFrame other) {
         other.mTags.forEach(mTags::putIfAbsent);
     }

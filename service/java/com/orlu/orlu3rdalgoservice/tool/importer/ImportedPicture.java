@@ -19,7 +19,7 @@ import java.util.Map;
  * @param size   of pixels without a header, else null
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
-    /** Of a file with a header; an IOException says what is wrong with it. */
+    /** Reads the header of a file; an IOException says what is wrong with it. */
     static ImportedPicture of(Path file, ImageFileKind kind) throws IOException {
         if (kind == ImageFileKind.DNG) {
             DngFile.open(file);
@@ -34,7 +34,7 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
         return new ImportedPicture(file, isEven ? PixelFormat.NV21 : PixelFormat.R8G8B8A8, null);
     }
 
-    /** The input of a request file that lies in this folder. */
+    /** Returns the input for a request file in this folder. */
     Map<String, Object> input(Path folder, int frame) {
         Map<String, Object> input =
                 JsonWriter.object("file", relative(folder, file), "format", format.name());

@@ -14,8 +14,8 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Gathers frames and pictures from files of several forms. A text that begins with a brace is an image test's
- * JSON, any other text a dump; the rest are pictures.
+ * Gathers frames and pictures from files of several forms: pictures by their names, an image test's JSON if
+ * a text begins with a brace, any other text as a dump, and pixels without a header.
  */
 final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -28,7 +28,7 @@ final class Importer {
     private final List<ImportedPicture> mPictures = new ArrayList<>();
     private final List<Expected> mExpected = new ArrayList<>();
 
-    /** A picture that a JSON file announces, until it is found. */
+    /** A picture that a JSON file announces and that has not been found yet. */
     private record Expected(SuiteOutput output, Path json) {
     }
 
@@ -36,7 +36,7 @@ final class Importer {
         mNotes = notes;
     }
 
-    /** Reads the files: first those that say what the others are. One of no known form is an error. */
+    /** Reads the files; those that describe others first. Throws if one has no known form. */
     void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
@@ -69,7 +69,7 @@ final class Importer {
         }
     }
 
-    /** The frames: of dumps and JSON, else one of each picture's EXIF block. */
+    /** The frames of dumps and JSON files; without any, one for each picture's EXIF block. */
     List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
     }
@@ -84,7 +84,7 @@ final class Importer {
         }
     }
 
-    // Pixels of any size hold a zero byte soon.
+    // Pixels have a zero byte near their start.
     private static boolean isText(Path file) throws IOException {
         String name = file.getFileName().toString();
         return !name.matches(".*\\.(raw\\d*|yuv|nv\\d\\d|bin)")
@@ -109,7 +109,7 @@ final class Importer {
             throw new MistakeException(file.toString(), "", "needs at most " + MOST_DUMP_BYTES
                     + " bytes for a dump, found " + Files.size(file));
         }
-        // Bytes that are no text are replaced, and show in the notes as what they are.
+        // Invalid bytes are replaced, and notes show the replacement.
         List<String> lines = new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList();
         List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
         if (frames.isEmpty()) {
@@ -137,7 +137,7 @@ final class Importer {
         mNotes.begin(file);
         long size = file.toFile().length();
         String name = file.getFileName().toString();
-        // Pictures of several formats can be as large as one another.
+        // Pictures of different formats can have the same size.
         Expected expected = takeExpected(
                 other -> other.output().isOfSize(size) && name.endsWith("." + other.output().name()));
         if (expected == null) {
@@ -156,7 +156,7 @@ final class Importer {
         return first;
     }
 
-    // What is not named may be beside the JSON file, under its name.
+    // A picture that is not on the command line may lie beside the JSON file, under its name.
     private void find(Expected expected) {
         SuiteOutput output = expected.output();
         mNotes.begin(expected.json());

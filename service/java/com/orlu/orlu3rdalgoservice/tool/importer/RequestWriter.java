@@ -14,14 +14,14 @@ final class RequestWriter {
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
 
-    /** The request file is to lie in this folder. */
+    /** Writes for a request file in this folder. */
     RequestWriter(Path folder, Importer imported) {
         mFolder = folder;
         mFrames = imported.frames();
         mPictures = imported.pictures();
     }
 
-    /** The text; the photo, from which inputs are made when there is no picture, may be null. */
+    /** Returns the text. Without pictures, inputs are made of the photo, which may be null. */
     String text(List<Path> sources, List<String> algorithms, Path photo) {
         List<String> members = new ArrayList<>();
         members.add(member("about", "Imported from " + sources.stream()
@@ -49,7 +49,7 @@ final class RequestWriter {
         return "    {\"captureResult\": {\n" + String.join(",\n", tags) + "\n    }}";
     }
 
-    // Algorithms return what they took, or an encoded picture when they are asked for one.
+    // The output has the input's format, or is a JPEG if one is asked for.
     private List<String> images(List<String> algorithms, Path photo) {
         List<Object> inputs = new ArrayList<>();
         for (int i = 0; i < mPictures.size(); ++i) {

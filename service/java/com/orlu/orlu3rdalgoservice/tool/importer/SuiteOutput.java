@@ -10,7 +10,7 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /**
- * A picture that an image test says it wrote.
+ * A picture that an image test says it has written.
  *
  * @param name   of the format there
  * @param format of the pixels
@@ -34,7 +34,7 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;
     }
 
-    /** Whether a file of this many bytes without a header can be it. */
+    /** Whether it can be a file of this many bytes without a header. */
     boolean isOfSize(long bytes) {
         long size = 0;
         for (int plane : format.planeSizes(format.tightStride(width), height, 0)) {

@@ -26,7 +26,7 @@ final class FrameSetReader {
 
     private final Json mField;
     private final Mistakes mMistakes;
-    /** What all frames have in common is read for each of them; what is wrong there is noted once. */
+    /** Invalid values. Those common to all frames are read for each frame, and noted once. */
     private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
     private FrameSetReader(Json field) {
@@ -34,7 +34,7 @@ final class FrameSetReader {
         mMistakes = field.mistakes();
     }
 
-    /** The frames. MistakeException when it is not clear how many there are. */
+    /** Reads the frames. Throws if their number is unknown. */
     static FrameSetPlan read(Json field) throws MistakeException {
         return new FrameSetReader(field).set();
     }
@@ -114,7 +114,7 @@ final class FrameSetReader {
         return members.has(name) ? mMistakes.attempt(members.get(name)::members, Map.of()) : Map.of();
     }
 
-    // Mistakes in a tag's value say what the tag is.
+    // A mistake in a tag's value ends with the tag's type.
     private void read(String tag, Json field, Mistakes.Check reading) {
         if (mWrong.contains(field)) {
             return;

@@ -15,7 +15,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Reads the part of an input's description that is about its file, and checks it against the file. */
+/** Reads what an input's description says about its file, and compares it with the file. */
 final class ImageFileReader {
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
@@ -42,7 +42,7 @@ final class ImageFileReader {
         readSize(kind);
     }
 
-    /** The file that a field names, beside the request file; an error when there is none. */
+    /** Returns the file that a field names, relative to the request file; throws if it is missing. */
     static Path existing(Path requestFile, Json field, String what) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
@@ -56,7 +56,7 @@ final class ImageFileReader {
                 throw field.error("needs a file with bytes, found another kind of one: " + path);
             }
         } catch (InvalidPathException e) {
-            // A name that no file can have.
+            // No file can have this name.
         }
         throw field.error("no such " + what + ": " + Json.cut(field.string()));
     }
@@ -69,7 +69,7 @@ final class ImageFileReader {
         return mHeight;
     }
 
-    /** Bits of a raw sample where the description names none. */
+    /** Bits of a raw sample if the description has none. */
     int bits() {
         return mBits;
     }
@@ -99,7 +99,7 @@ final class ImageFileReader {
         mHeight = agreeing("height", height);
     }
 
-    // The header knows; who writes the size as well is to know when it is another.
+    // The header decides. A different size in the request file is a mistake.
     private int agreeing(String member, int inFile) throws MistakeException {
         if (inFile > Limits.FILE_SIDE) {
             throw mField.error(
@@ -134,7 +134,7 @@ final class ImageFileReader {
         }
     }
 
-    /** The file, with the planes that rows of this many bytes have. */
+    /** Returns the file with its planes, whose rows have this many bytes if the field gives no other. */
     ImageFile file(int stride) throws MistakeException {
         if (mKind != ImageFileKind.BYTES) {
             return new ImageFile(mPath, mKind, List.of());
@@ -173,7 +173,7 @@ final class ImageFileReader {
                 mPath, mKind, List.of(new ImageFile.Plane(offset, stride, (int) (size - offset))));
     }
 
-    // The last row of a plane may end with its pixels.
+    // The last row of a plane may lack its padding.
     private ImageFile.Plane plane(Json members, int index, long offset, int usualStride) {
         int rows = rows(index);
         int row = mFormat.rowBytes(index, mWidth);
@@ -183,7 +183,7 @@ final class ImageFileReader {
         return new ImageFile.Plane(members.integer("offset", 0L, LARGEST_OFFSET, offset), stride, size);
     }
 
-    // The two chroma planes of a planar format count as one.
+    // Both chroma planes of a planar format count as one.
     private int rows(int index) {
         return index == 0 || mFormat.isPlanar() ? mHeight : mHeight / 2;
     }

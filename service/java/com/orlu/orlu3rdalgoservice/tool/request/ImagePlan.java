@@ -51,7 +51,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 format, name, hardware, width, height, stride, capacity, bits, frame, pixels, place);
     }
 
-    /** The same image with the frames' size where the file gives none. A stride below a row is an error. */
+    /** Returns the image with the frames' size if it has none. Throws if the stride is less than a row. */
     public ImagePlan sized(int frameWidth, int frameHeight) throws MistakeException {
         if (layout != null) {
             return this;
@@ -75,14 +75,14 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
         return Math.max(stride, format.tightStride(width));
     }
 
-    /** Bytes a row of each plane. */
+    /** Bytes of a row, for each plane. */
     public int[] strides() {
         List<ImageFile.Plane> planes = filePlanes();
         return planes.isEmpty() ? format.strides(strideBytes())
                 : planes.stream().mapToInt(ImageFile.Plane::stride).toArray();
     }
 
-    /** Bytes of each plane; a JPEG that comes from no file may fill the capacity. */
+    /** Bytes of each plane; a JPEG without a file may fill the capacity. */
     public int[] planeSizes(int jpegCapacity) {
         List<ImageFile.Plane> planes = filePlanes();
         return planes.isEmpty() ? format.planeSizes(strideBytes(), height, jpegCapacity)

@@ -23,14 +23,14 @@ final class ImagePlanReader {
     private final int mFrames;
     private boolean mNeedsPhoto;
 
-    /** Files of images are looked for beside the request file. The frames are -1 where they are not known. */
+    /** Looks for files of images beside the request file. The number of frames is -1 if it is unknown. */
     ImagePlanReader(Path requestFile, Mistakes mistakes, int frames) {
         mRequestFile = requestFile;
         mMistakes = mistakes;
         mFrames = frames;
     }
 
-    /** A list of images, or one description that every frame has an image of. */
+    /** Reads a list of images, or one description for an image of each frame. */
     List<ImagePlan> inputs(Json field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         if (field.isList()) {
@@ -43,7 +43,7 @@ final class ImagePlanReader {
         }
         Json members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, Limits.IMAGES, 1);
-        // Of frames that are not known, one stands for all.
+        // If the number of frames is unknown, one stands for all.
         int count = Math.abs(mFrames) * perFrame;
         Json file = members.get("file");
         List<Json> none = Collections.nCopies(count, null);
@@ -74,7 +74,7 @@ final class ImagePlanReader {
         Json members = field.allowing("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
-            // Who gives one of these has forgotten the file rather than the photo.
+            // Whoever gives one of these has forgotten the file, not the photo.
             List<String> ofFiles = List.of("width", "height", "offset", "planes");
             mNeedsPhoto |= mFrames != 0 && ofFiles.stream().noneMatch(members::has);
             for (String member : ofFiles) {
@@ -96,11 +96,11 @@ final class ImagePlanReader {
         return images;
     }
 
-    // The file's field is null for an image that comes from none.
+    // The field of the file is null for an image without one.
     private ImagePlan image(Json field, Json members, Json file)
             throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
-        // Whatever is wrong with the rest is said as well.
+        // Reading goes on to find the other mistakes.
         boolean isHardware = hardware(members);
         int before = mMistakes.errors();
         ImageFileReader source = file == null || format == null ? null

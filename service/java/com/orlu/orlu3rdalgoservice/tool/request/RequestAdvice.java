@@ -12,7 +12,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Warns of what a request file may say, and hardly means. */
+/** Warns about what is legal in a request file and probably unintended. */
 final class RequestAdvice {
     private static final String ALGORITHMS = "orlu.control.algoType";
     private static final String MODE = "orlu.control.currentModeEx";
@@ -32,7 +32,7 @@ final class RequestAdvice {
         mRoot = root;
     }
 
-    /** Notes the warnings on a request that was read of this field. */
+    /** Notes the warnings about a request that was read from this value. */
     static void give(RequestFile request, Json root) {
         RequestAdvice advice = new RequestAdvice(request, root);
         advice.onAlgorithms();
@@ -48,7 +48,7 @@ final class RequestAdvice {
         }
     }
 
-    // Where a frame's tag is given: by itself, or for all frames.
+    // The field that gives a frame its tag: its own, or that of all frames.
     private Json field(int frame, String part, String tag) {
         Json frames = mRoot.find("frames");
         Json list = frames.isList() ? frames : frames.find("each");

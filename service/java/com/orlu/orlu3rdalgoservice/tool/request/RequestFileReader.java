@@ -11,7 +11,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Reads a request file. Whatever it does not know, or can't use, is a mistake. */
+/** Reads a request file. Unknown fields and invalid values are mistakes. */
 public final class RequestFileReader {
     private static final int LONGEST_PROPERTY = 91;
 
@@ -25,10 +25,7 @@ public final class RequestFileReader {
         mMistakes = mistakes;
     }
 
-    /**
-     * Reads a file; a photo other than null replaces the file's own. The first mistake is a
-     * MistakeException.
-     */
+    /** Reads a file; a photo other than null replaces the file's own. Throws the first mistake. */
     public static RequestFile read(Path file, Path otherPhoto) throws MistakeException {
         Mistakes mistakes = new Mistakes(file.toString());
         RequestFile request = read(file, otherPhoto, mistakes);
@@ -98,7 +95,7 @@ public final class RequestFileReader {
         return (format == null ? PixelFormat.NV21 : format).platformCode();
     }
 
-    // What the service puts into the first composition of every request.
+    // Adds what the service puts into the first composition of every request.
     private void putServiceValues(Json members, boolean fullAsync, FrameSetPlan frames) {
         List<String> algorithms = members.has("algorithms")
                 ? mMistakes.attempt(members.get("algorithms")::strings, List.of()) : null;

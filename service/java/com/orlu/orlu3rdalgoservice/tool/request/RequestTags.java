@@ -5,7 +5,7 @@ import android.hardware.camera2.impl.CameraMetadataNative;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
-/** What a request file can hold of tags, for those who write one. */
+/** Checks tags for writers of request files. */
 public final class RequestTags {
     private RequestTags() {
     }
@@ -15,12 +15,12 @@ public final class RequestTags {
         try {
             Json field = Json.parse("", 0, value);
             Object read = TagValues.ofTag(tag, field, 0);
-            // What is wrong with an element says more than that the tag does not take the rest.
+            // A mistake in an element is more precise than the refusal of the tag.
             field.mistakes().throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;
         } catch (MistakeException e) {
-            // The field and the file are the caller's.
+            // The caller knows the field and the file.
             return e.mistake().problem();
         } catch (IllegalArgumentException e) {
             return e.getMessage();

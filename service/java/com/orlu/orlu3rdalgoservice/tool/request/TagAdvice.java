@@ -11,7 +11,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 import java.util.List;
 import java.util.function.Function;
 
-/** Warns of values that no camera reports, which are most often in another unit than their tag's. */
+/** Warns about values that no camera reports. Most of them are in another unit than the tag's. */
 final class TagAdvice {
     private static final String ARRAY = "android.sensor.info.activeArraySize";
     private static final String CROP = "android.scaler.cropRegion";
@@ -33,14 +33,14 @@ final class TagAdvice {
     private record Range(String tag, double least, double most) {
     }
 
-    /** Notes the warnings on one frame's report; the function finds the field of a tag. */
+    /** Notes the warnings about a frame's capture result; the function finds the field of a tag. */
     static void give(CameraMetadataNative report, Function<String, Json> fieldOf) {
         for (Range range : RANGES) {
             if (report.get(range.tag()) instanceof Number number
                     && (number.doubleValue() < range.least() || number.doubleValue() > range.most())) {
-                fieldOf.apply(range.tag()).warn("is in " + TagFacts.of(range.tag()).unit() + ", and hardly "
-                        + number + "; most cameras report from " + shown(range.least()) + " to "
-                        + shown(range.most()));
+                fieldOf.apply(range.tag()).warn("is probably wrong: the unit is "
+                        + TagFacts.of(range.tag()).unit() + ", cameras report " + shown(range.least())
+                        + " to " + shown(range.most()) + ", found " + number);
             }
         }
         if (report.get("android.jpeg.orientation") instanceof Integer degrees && degrees % 90 != 0) {

@@ -9,14 +9,23 @@ import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
 import java.util.Map;
 
-/**
- * Turns a field of "captureResult" or "composition" into the Java object that stands for it on the device.
- */
+/** Converts a field of "captureResult" or "composition" to the Java object that the device has for it. */
 final class TagValues {
+    /** The types of values that name their type. */
+    private static final Map<String, TagType> TYPES = Map.ofEntries(Map.entry("int", TagType.INT),
+            Map.entry("long", TagType.LONG), Map.entry("float", TagType.FLOAT),
+            Map.entry("double", TagType.DOUBLE), Map.entry("string", TagType.STRING),
+            Map.entry("bytes", TagType.BYTES), Map.entry("ints", TagType.INT_ARRAY),
+            Map.entry("longs", TagType.LONG_ARRAY), Map.entry("floats", TagType.FLOAT_ARRAY),
+            Map.entry("doubles", TagType.DOUBLE_ARRAY), Map.entry("strings", TagType.STRING_ARRAY),
+            Map.entry("rect", TagType.RECT), Map.entry("faces", TagType.FACES),
+            Map.entry("regions", TagType.METERING_RECTANGLES), Map.entry("location", TagType.LOCATION),
+            Map.entry("rational", TagType.RATIONAL));
+
     private TagValues() {
     }
 
-    /** The value of a tag of the camera's report: the table of tags decides the type. */
+    /** Returns the value of a capture result's tag; the table of tags decides the type. */
     static Object ofTag(String tag, Json field, int frame) throws MistakeException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
@@ -25,9 +34,7 @@ final class TagValues {
         return typed(type, field, new ValueReader(frame));
     }
 
-    /**
-     * The value of a composition's key: its tag's type, an explicit one, or the one that the JSON suggests.
-     */
+    /** Returns the value of a composition's key, of an explicit type, the tag's, or the one JSON suggests. */
     static Object ofKey(String key, Json field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);
@@ -60,33 +67,17 @@ final class TagValues {
         };
     }
 
-    // {"long": 5} and the like; null when the field is not of this form.
+    // {"long": 5} and the like; null if the field does not have this form.
     static Object explicit(Json field, ValueReader reader) throws MistakeException {
-        if (!field.isObject() || field.members().size() != 1) {
+        if (field.entries().size() != 1) {
             return null;
         }
-        Map.Entry<String, Json> only = field.members().entrySet().iterator().next();
-        Json value = only.getValue();
-        return switch (only.getKey()) {
-            case "int" -> reader.integer(value);
-            case "long" -> reader.longInteger(value);
-            case "float" -> reader.single(value);
-            case "double" -> reader.number(value);
-            case "boolean" -> value.bool();
-            case "string" -> value.string();
-            case "bytes" -> ByteRecords.read(value);
-            case "ints" -> reader.integers(value);
-            case "longs" -> reader.longs(value);
-            case "floats" -> reader.floats(value);
-            case "doubles" -> reader.doubles(value);
-            case "strings" -> reader.strings(value);
-            case "rect" -> reader.rect(value);
-            case "faces" -> reader.faces(value);
-            case "regions" -> reader.meteringRectangles(value);
-            case "location" -> reader.location(value);
-            case "rational" -> reader.rational(value);
-            default -> null;
-        };
+        Map.Entry<String, Json> only = field.entries().entrySet().iterator().next();
+        if (only.getKey().equals("boolean")) {
+            return only.getValue().bool();
+        }
+        TagType type = TYPES.get(only.getKey());
+        return type == null ? null : typed(type, only.getValue(), reader);
     }
 
     private static Object plain(Json field) throws MistakeException {

@@ -24,7 +24,7 @@ final class ValueReader {
 
     private final int mFrame;
 
-    /** A reader for the values of one frame, which counters count from 0. */
+    /** Reads values of this frame; counters start at frame 0. */
     ValueReader(int frame) {
         mFrame = frame;
     }
@@ -68,7 +68,7 @@ final class ValueReader {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }
 
-    // The texts are those of numbers that JSON has no form for.
+    // JSON lacks these numbers, so texts stand for them.
     private static boolean isSpecial(Json field) throws MistakeException {
         return field.isString() && NO_JSON_NUMBERS.contains(field.string());
     }
@@ -81,44 +81,43 @@ final class ValueReader {
         return isSpecial(field) ? Float.parseFloat(field.string()) : field.single();
     }
 
+    private interface ElementReader {
+        void read(int index, Json element) throws MistakeException;
+    }
+
+    // Notes the mistakes of elements, whose values stay 0 or null.
+    private static void each(List<Json> elements, ElementReader reader) {
+        for (int i = 0; i < elements.size(); ++i) {
+            int index = i;
+            elements.get(i).mistakes().attempt(() -> reader.read(index, elements.get(index)));
+        }
+    }
+
     int[] integers(Json field) throws MistakeException {
         List<Json> elements = elements(field);
         int[] values = new int[elements.size()];
-        for (int i = 0; i < values.length; ++i) {
-            Json element = elements.get(i);
-            values[i] = field.mistakes().attempt(
-                    () -> element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE), 0);
-        }
+        each(elements, (i, element) -> values[i] = element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
         return values;
     }
 
     long[] longs(Json field) throws MistakeException {
         List<Json> elements = elements(field);
         long[] values = new long[elements.size()];
-        for (int i = 0; i < values.length; ++i) {
-            Json element = elements.get(i);
-            values[i] = field.mistakes().attempt(() -> element.integer(Long.MIN_VALUE, Long.MAX_VALUE), 0L);
-        }
+        each(elements, (i, element) -> values[i] = element.integer(Long.MIN_VALUE, Long.MAX_VALUE));
         return values;
     }
 
     double[] doubles(Json field) throws MistakeException {
         List<Json> elements = elements(field);
         double[] values = new double[elements.size()];
-        for (int i = 0; i < values.length; ++i) {
-            Json element = elements.get(i);
-            values[i] = field.mistakes().attempt(() -> real(element), 0.0);
-        }
+        each(elements, (i, element) -> values[i] = real(element));
         return values;
     }
 
     float[] floats(Json field) throws MistakeException {
         List<Json> elements = elements(field);
         float[] values = new float[elements.size()];
-        for (int i = 0; i < values.length; ++i) {
-            Json element = elements.get(i);
-            values[i] = field.mistakes().attempt(() -> realSingle(element), 0f);
-        }
+        each(elements, (i, element) -> values[i] = realSingle(element));
         return values;
     }
 
@@ -149,12 +148,8 @@ final class ValueReader {
     }
 
     Face[] faces(Json field) throws MistakeException {
-        List<Json> elements = field.list();
-        Face[] faces = new Face[elements.size()];
-        for (int i = 0; i < faces.length; ++i) {
-            Json element = elements.get(i);
-            faces[i] = field.mistakes().attempt(() -> face(element), null);
-        }
+        Face[] faces = new Face[field.list().size()];
+        each(field.list(), (i, element) -> faces[i] = face(element));
         return faces;
     }
 
@@ -167,12 +162,8 @@ final class ValueReader {
     }
 
     MeteringRectangle[] meteringRectangles(Json field) throws MistakeException {
-        List<Json> elements = field.list();
-        MeteringRectangle[] regions = new MeteringRectangle[elements.size()];
-        for (int i = 0; i < regions.length; ++i) {
-            Json element = elements.get(i);
-            regions[i] = field.mistakes().attempt(() -> meteringRectangle(element), null);
-        }
+        MeteringRectangle[] regions = new MeteringRectangle[field.list().size()];
+        each(field.list(), (i, element) -> regions[i] = meteringRectangle(element));
         return regions;
     }
 

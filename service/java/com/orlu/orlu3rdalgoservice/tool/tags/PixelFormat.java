@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 import java.util.Arrays;
 import java.util.List;
 
-/** The layouts of pixels that the tool can write and read, under the names that the native side knows. */
+/** The pixel layouts that the tool reads and writes, named as the native side names them. */
 public enum PixelFormat {
     NV21,
     NV12,
@@ -15,7 +15,7 @@ public enum PixelFormat {
     R8G8B8A8,
     JPEG;
 
-    /** The format of this name, null when there is none. */
+    /** The format of this name; null if there is none. */
     public static PixelFormat named(String name) {
         return Arrays.stream(values()).filter(format -> format.name().equals(name)).findFirst().orElse(null);
     }
@@ -28,7 +28,7 @@ public enum PixelFormat {
         return this == MIPI_RAW10 || this == RAW16 || this == RAW_SENSOR;
     }
 
-    /** Bits that a raw sample can have. */
+    /** The most bits that a raw sample can have. */
     public int mostBits() {
         return this == MIPI_RAW10 ? 10 : 16;
     }

@@ -6,7 +6,7 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * What is known of a tag beside its type.
+ * Facts of a tag besides its type.
  *
  * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for a number with meanings, "-" for none
  * @param meaning one sentence or two
@@ -16,16 +16,16 @@ public record TagFacts(String unit, String meaning, List<Value> values) {
     private static final String NO_UNIT = "-";
     private static final Map<String, TagFacts> TAGS = load();
 
-    /** A value, "bit-8" for one of a bit, and what it does. */
+    /** A value, or "bit-8" for a bit, and its meaning. */
     public record Value(String value, String meaning) {
     }
 
-    /** The facts on a tag; null for one that has no row. */
+    /** The facts of a tag; null if it has no row. */
     public static TagFacts of(String tag) {
         return TAGS.get(tag);
     }
 
-    /** Whether it is counted in some unit. */
+    /** Whether the tag has a unit. */
     public boolean hasUnit() {
         return !unit.equals(NO_UNIT);
     }

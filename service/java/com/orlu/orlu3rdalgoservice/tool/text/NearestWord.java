@@ -12,17 +12,17 @@ import java.util.Locale;
 
 /** Finds the known word that a mistyped one probably means. */
 public final class NearestWord {
-    /** A beginning of fewer letters begins too many words. */
+    /** Shorter beginnings match too many words. */
     private static final int LEAST_BEGINNING = 3;
     private static final int LONGEST_WORD = 100;
 
     private NearestWord() {
     }
 
-    /** The known word that is nearest, the first of several; null when none is near. */
+    /** Returns the nearest known word, the first of several; null if none is near. */
     public static String of(String word, Collection<String> known) {
         String nearest = null;
-        // A third of the letters may be wrong, and in a long word not more than four.
+        // A third of the letters may be wrong, at most four.
         int least = word.length() > LONGEST_WORD ? 0 : Math.min(4, word.length() / 3) + 1;
         String lower = word.toLowerCase(Locale.ROOT);
         for (String candidate : known) {
@@ -35,7 +35,7 @@ public final class NearestWord {
         return nearest;
     }
 
-    /** " (did you mean NEAREST?)", or nothing when no known word is near. */
+    /** Returns " (did you mean NEAREST?)"; an empty text if no known word is near. */
     public static String question(String word, Collection<String> known) {
         String nearest = of(word, known);
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
@@ -56,7 +56,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + folder.resolve(nearest + ending) + "?)";
     }
 
-    // The section of a tag is easily left out or mistaken: what is behind the last dot counts on its own.
+    // People omit or mistake the section of a tag, so the part after the last dot also counts on its own.
     private static int distance(String word, String candidate, int least) {
         int whole = distanceOfParts(word, candidate, least);
         int section = candidate.lastIndexOf('.') + 1;
@@ -64,7 +64,7 @@ public final class NearestWord {
                 word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
     }
 
-    // Any number from the least one on stands for one that is too large.
+    // Returns `least` or more if the distance is at least that.
     private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());
@@ -72,7 +72,7 @@ public final class NearestWord {
         return Math.abs(word.length() - candidate.length()) >= least ? least : edits(word, candidate);
     }
 
-    // How many letters are to be put in, left out, changed, or swapped with their neighbours.
+    // The number of letters to insert, delete, change, or swap with their neighbours.
     private static int edits(String word, String candidate) {
         int[] last = new int[candidate.length() + 1];
         int[] beforeLast = last;
