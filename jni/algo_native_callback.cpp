@@ -233,7 +233,7 @@ JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
   // A thread that is not attached gets no further than this: attaching it here would leave it attached for
   // ever (Oddity 47). The attach below only confirms the one that is there.
   JNIEnv* env = environment();
-  if (env == nullptr || mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(&env), nullptr) != JNI_OK) {
+  if (env == nullptr || attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr) != JNI_OK) {
     LOGE_AS(operation, "%s: JavaVM GetEnv ERROR", operation);
     return nullptr;
   }

@@ -22,6 +22,14 @@ T clearIfNull(JNIEnv* env, T result) {
   return result;
 }
 
+// Calls JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(): the JDK's jni.h declares their `env`
+// as void**, Android's as JNIEnv**. `arguments` may be null. Returns what the VM returns.
+template <typename Env>
+jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env,
+                  JavaVMAttachArgs* arguments) {
+  return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
+}
+
 // Owns one local reference; a raw jobject parameter anywhere in this library is borrowed.
 template <typename T = jobject>
 class ScopedLocalRef {

@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "algo_interface.h"
+#include "jni_support.h"
 
 using namespace orlu;
 
@@ -86,8 +87,8 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   std::memcpy(message.data(), &header, kCallbackNameOffset);
   message.insert(message.end(), kShotCallback, kShotCallback + header.nameLength);
   JavaVM* const vm = findVm();
-  void* env = nullptr;
-  if (vm != nullptr) vm->AttachCurrentThreadAsDaemon(&env, nullptr);
+  JNIEnv* env = nullptr;
+  if (vm != nullptr) attachThread(vm, &JavaVM::AttachCurrentThreadAsDaemon, &env, nullptr);
   const auto& callback = *reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
   callback(android::hardware::hidl_vec<uint8_t>(message), {}, {});
   if (vm != nullptr) vm->DetachCurrentThread();

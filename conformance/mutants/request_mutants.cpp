@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <map>
 
+#include "jni_support.h"
 #include "mutant.h"
 
 namespace orlu::mutants {
@@ -82,9 +83,9 @@ void callUnattached(Table& table) {
 void endAttached(Table& table) {
   onCallback(table, [](const Bytes& bytes, const Send& send, void*, const auto&) {
     std::thread([&] {
-      void* env = nullptr;
+      JNIEnv* env = nullptr;
       JavaVM* const vm = findVm();
-      if (vm != nullptr) vm->AttachCurrentThreadAsDaemon(&env, nullptr);
+      if (vm != nullptr) attachThread(vm, &JavaVM::AttachCurrentThreadAsDaemon, &env, nullptr);
       send(bytes);
     }).join();
   });

@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <jni.h>
 
+#include "jni_support.h"
+
 namespace orlu::standin {
 namespace {
 
@@ -39,8 +41,8 @@ void attachToJava() {
   if (vm == nullptr || isAttached(vm)) return;
   char name[] = "orlu-algo";
   JavaVMAttachArgs args = {JNI_VERSION_1_4, name, nullptr};
-  void* env = nullptr;
-  vm->AttachCurrentThreadAsDaemon(&env, &args);
+  JNIEnv* env = nullptr;
+  attachThread(vm, &JavaVM::AttachCurrentThreadAsDaemon, &env, &args);
 }
 
 void detachFromJava() {
