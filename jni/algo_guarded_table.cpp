@@ -18,7 +18,13 @@ AlgoGuardedTable::AlgoGuardedTable(JavaVM* javaVm) : mJavaVm(javaVm) {
   if (!AlgoNativeProvider::getInstance()->initAlgoInterface(&mOperations)) {
     LOGE_AS("AlgoNativeContext", "init algo interface failed");
   }
-  clearLeftException("AlgoInterfaceEntry");
+  clearLeftException(environment(), "AlgoInterfaceEntry");
+}
+
+JNIEnv* AlgoGuardedTable::environment() const {
+  JNIEnv* env = nullptr;
+  if (mJavaVm == nullptr) return nullptr;
+  return mJavaVm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) == JNI_OK ? env : nullptr;
 }
 
 void* AlgoGuardedTable::createBlock(AlgoMetadataKind kind) const {
@@ -27,7 +33,7 @@ void* AlgoGuardedTable::createBlock(AlgoMetadataKind kind) const {
     LOGE_AS("createMetadata", "createMetadata failed");
     return nullptr;
   }
-  return call<void*>("createMetadata", create, nullptr, kind);
+  return call<void*>(environment(), "createMetadata", create, nullptr, kind);
 }
 
 void AlgoGuardedTable::destroyBlock(void* block) const {
@@ -42,12 +48,12 @@ void AlgoGuardedTable::destroyBlock(void* block) const {
   } catch (...) {
     logThrew("destroyMetadata");
   }
-  clearLeftException("destroyMetadata");
+  clearLeftException(environment(), "destroyMetadata");
 }
 
 unsigned AlgoGuardedTable::sizeOf(void* block) const {
   const auto& getSize = mOperations.metadataOps.getSize;
-  return block == nullptr || !getSize ? 0 : call("getSize", getSize, 0U, block);
+  return block == nullptr || !getSize ? 0 : call(environment(), "getSize", getSize, 0U, block);
 }
 
 AlgoMetadataEntry AlgoGuardedTable::entryOf(void* parameterBlock) const {
@@ -57,16 +63,27 @@ AlgoMetadataEntry AlgoGuardedTable::entryOf(void* parameterBlock) const {
   return entry;
 }
 
+int AlgoGuardedTable::setValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
+                               unsigned size) const {
+  const auto& operation = mOperations.metadataOps.setValue;
+  if (block == nullptr || !operation) return -1;
+  return call(env, "setValue", operation, -1, block, section, key, data, size);
+}
+
+int AlgoGuardedTable::getValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
+                               unsigned size) const {
+  const auto& operation = mOperations.metadataOps.getValue;
+  if (block == nullptr || !operation) return -1;
+  return call(env, "getValue", operation, -1, block, section, key, data, size);
+}
+
 void AlgoGuardedTable::logThrew(const char* operation) {
   LOGE_AS(operation, "%s threw", operation);
 }
 
 // With an exception pending, every later look at a tag would find nothing.
-void AlgoGuardedTable::clearLeftException(const char* operation) const {
-  JNIEnv* env = nullptr;
-  if (mJavaVm == nullptr) return;
-  if (mJavaVm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) != JNI_OK) return;
-  if (clearException(env)) LOGE_AS(operation, "%s left a Java exception", operation);
+void AlgoGuardedTable::clearLeftException(JNIEnv* env, const char* operation) {
+  if (env != nullptr && clearException(env)) LOGE_AS(operation, "%s left a Java exception", operation);
 }
 
 struct LentVisitor::Loan {

@@ -15,39 +15,49 @@ namespace orlu {
 
 class AlgoGuardedTable {
 public:
-  // Gets a table from the provider; it is empty when there is no library. `javaVm`, which may be null, is
-  // where Java exceptions are looked for.
+  // Gets a table from the provider; it is empty if there is no library. `javaVm` may be null: then no Java
+  // exception is looked for.
   explicit AlgoGuardedTable(JavaVM* javaVm);
   AlgoGuardedTable(const AlgoGuardedTable&) = delete;
   AlgoGuardedTable& operator=(const AlgoGuardedTable&) = delete;
 
   const AlgoInterfaceCallbacks& operations() const { return mOperations; }
 
-  // What the callable returns, or `failed` when it throws. The callable must be offered.
+  // The calling thread's environment; null if it has none, or there is no VM.
+  JNIEnv* environment() const;
+
+  // Calls an operation that the library offers, on a thread whose environment is `env` (null if it has none).
+  // Returns what the operation returns, or `failed` if it throws.
   template <typename Result, typename... Parameters, typename... Arguments>
-  Result call(const char* operation, const std::function<Result(Parameters...)>& callable, Result failed,
-              Arguments&&... arguments) const {
+  Result call(JNIEnv* env, const char* operation, const std::function<Result(Parameters...)>& callable,
+              Result failed, Arguments&&... arguments) const {
     Result result = failed;
     try {
       result = callable(std::forward<Arguments>(arguments)...);
     } catch (...) {
       logThrew(operation);
     }
-    clearLeftException(operation);
+    clearLeftException(env, operation);
     return result;
   }
 
-  // A new block, or null; a failure to offer it is logged.
+  // A new block, or null; logs if the library does not offer it.
   void* createBlock(AlgoMetadataKind kind) const;
   // Null is skipped.
   void destroyBlock(void* block) const;
-  // The block's bytes; 0 when they can't be asked for.
+  // The block's bytes; 0 if it is null or the library can't tell.
   unsigned sizeOf(void* block) const;
   AlgoMetadataEntry entryOf(void* parameterBlock) const;
+  // Copies `size` bytes into the block or, at most, out of it. Returns 0, the library's own status, or -1 if
+  // the block is null, or the operation missing or throwing.
+  int setValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
+               unsigned size) const;
+  int getValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
+               unsigned size) const;
 
 private:
   static void logThrew(const char* operation);
-  void clearLeftException(const char* operation) const;
+  static void clearLeftException(JNIEnv* env, const char* operation);
 
   JavaVM* mJavaVm;
   AlgoInterfaceCallbacks mOperations;

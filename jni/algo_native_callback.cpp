@@ -55,7 +55,7 @@ class AlgoNativeCallback::InsideJava {
 public:
   InsideJava(AlgoNativeCallback& callback, JNIEnv* env) : mCallback(callback), mEnv(env) {
     const std::lock_guard<std::mutex> lock(gMutex);
-    mIsIn = mCallback.mIsOpen;
+    mIsIn = mCallback.mContext != nullptr;
     if (mIsIn) ++mCallback.mInsideJava;
   }
   InsideJava(const InsideJava&) = delete;
@@ -64,7 +64,7 @@ public:
     if (!mIsIn) return;
     {
       const std::lock_guard<std::mutex> lock(gMutex);
-      if (--mCallback.mInsideJava > 0 || mCallback.mIsOpen) return;
+      if (--mCallback.mInsideJava > 0 || mCallback.mContext) return;
     }
     mEnv->DeleteGlobalRef(mCallback.mCallbackClass);
   }
@@ -78,16 +78,22 @@ private:
   bool mIsIn;
 };
 
-AlgoNativeCallback* AlgoNativeCallback::create(JNIEnv* env, JavaVM* javaVm, int64_t clientId,
+AlgoNativeCallback* AlgoNativeCallback::create(JNIEnv* env, JavaVM* javaVm,
+                                               std::shared_ptr<AlgoNativeContext> context, int64_t clientId,
                                                int algoContextIndex) {
-  auto* const callback = new AlgoNativeCallback(env, javaVm, clientId, algoContextIndex);
+  auto* const callback = new AlgoNativeCallback(env, javaVm, std::move(context), clientId, algoContextIndex);
   const std::lock_guard<std::mutex> lock(gMutex);
   callback->mPrevious = std::exchange(gLatest, callback);
   return callback;
 }
 
-AlgoNativeCallback::AlgoNativeCallback(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex)
-    : mClientId(clientId), mJavaVm(javaVm), mAlgoContextIndex(algoContextIndex) {
+AlgoNativeCallback::AlgoNativeCallback(JNIEnv* env, JavaVM* javaVm,
+                                       std::shared_ptr<AlgoNativeContext> context, int64_t clientId,
+                                       int algoContextIndex)
+    : mClientId(clientId),
+      mJavaVm(javaVm),
+      mAlgoContextIndex(algoContextIndex),
+      mContext(std::move(context)) {
   mResultCallback = [this](const hidl_vec<uint8_t>& data, const hidl_vec<uint8_t>& /*extra*/,
                            const hidl_vec<hidl_handle>& handles) {
     try {
@@ -120,28 +126,30 @@ JNIEnv* AlgoNativeCallback::environment() const {
 }
 
 void AlgoNativeCallback::close(JNIEnv* env) {
+  std::shared_ptr<AlgoNativeContext> context;  // freed outside the mutex
   {
     const std::lock_guard<std::mutex> lock(gMutex);
-    mIsOpen = false;
+    context.swap(mContext);
     if (mInsideJava > 0) return;
   }
   if (env != nullptr && mCallbackClass != nullptr) env->DeleteGlobalRef(mCallbackClass);
 }
 
-bool AlgoNativeCallback::isOpen(const char* operation) {
+std::shared_ptr<AlgoNativeContext> AlgoNativeCallback::open(const char* operation) {
   uint32_t ignored = 0;
   {
     const std::lock_guard<std::mutex> lock(gMutex);
-    if (mIsOpen) return true;
+    if (mContext) return mContext;
     ignored = ++mIgnored;
   }
   LOGE_AS(operation, "callback for a client that is gone, %u so far", ignored);
-  return false;
+  return nullptr;
 }
 
 void AlgoNativeCallback::onPostProcessData(const hidl_vec<uint8_t>& data,
                                            const hidl_vec<hidl_handle>& handles) {
-  if (!isOpen(__func__)) return;
+  const std::shared_ptr<AlgoNativeContext> context = open(__func__);
+  if (!context) return;
   const size_t size = data.size();
   LOGD("on callback %d %d", static_cast<int>(size), static_cast<int>(handles.size()));
   if (size <= kCallbackNameOffset || data.data() == nullptr) return;
@@ -156,38 +164,52 @@ void AlgoNativeCallback::onPostProcessData(const hidl_vec<uint8_t>& data,
     const auto payloadSize = static_cast<int>(std::min<size_t>(room - nameLength, INT_MAX));
     onPostProcessDataLightStream(name + nameLength, payloadSize, handles);
   } else if (isName(name, nameLength, kShotCallback)) {
-    onPostProcessDataCommonShot(header.nativeReq);
+    handleShot(header.nativeReq, *context, "onPostProcessDataCommonShot");
   }
 }
 
 void AlgoNativeCallback::onPostProcessDataCommonShot(uint64_t nativeReq) {
-  const auto printedReq = static_cast<unsigned long long>(nativeReq);
-  const auto clientId = static_cast<long long>(mClientId);
-  LOGD("%s: E, clientId = %lld, algoContextIndex = %d, nativeReq %llu", __func__, clientId, mAlgoContextIndex,
-       printedReq);
-  bool isFullAsync = false;
-  if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, isFullAsync)) return;
-  if (isFullAsync) {
-    if (!announceCommonShot(nativeReq, __func__)) return;
-  } else {
-    AlgoNativeRequestMap::getInstance()->onCallbackReceived(nativeReq);
-  }
-  LOGD("%s: X, clientId = %lld, algoContextIndex = %d, nativeReq %llu, isFullAsync %d", __func__, clientId,
-       mAlgoContextIndex, printedReq, isFullAsync ? 1 : 0);
+  const std::shared_ptr<AlgoNativeContext> context = open(__func__);
+  if (context) handleShot(nativeReq, *context, __func__);
 }
 
-bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, const char* operation) {
+void AlgoNativeCallback::handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation) {
+  const auto printedReq = static_cast<unsigned long long>(nativeReq);
+  const auto clientId = static_cast<long long>(mClientId);
+  LOGD_AS(operation, "%s: E, clientId = %lld, algoContextIndex = %d, nativeReq %llu", operation, clientId,
+          mAlgoContextIndex, printedReq);
+  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
+  bool isFullAsync = false;
+  const bool isKnown = map->getIsFullAsync(nativeReq, isFullAsync);
+  if (isKnown && !isFullAsync) {
+    map->onCallbackReceived(nativeReq);
+  } else {
+    // Java may have finished the request before, and left the block to the library.
+    context.destroyMetadata(map->releaseBlock(nativeReq, kUsedByLibrary));
+    if (!isKnown || !announceCommonShot(nativeReq, context, operation)) return;
+  }
+  LOGD_AS(operation, "%s: X, clientId = %lld, algoContextIndex = %d, nativeReq %llu, isFullAsync %d",
+          operation, clientId, mAlgoContextIndex, printedReq, isFullAsync ? 1 : 0);
+}
+
+bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context,
+                                            const char* operation) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   JNIEnv* const env = callbackEnv(operation);
-  if (env == nullptr) {
-    // Java may know the id from elsewhere, and nobody else will end the request.
-    map->setAnnounced(nativeReq);
-    return false;
-  }
-  // A client that went meanwhile ends the request, which it does unless that counts as announced.
+  if (env == nullptr) return false;
   const InsideJava inside(*this, env);
-  if (!inside || !map->setAnnounced(nativeReq)) return false;
+  if (!inside) return false;
   const int64_t reqId = map->getRequestId(nativeReq);
+  // Before Java is called, which may finish the request in that call.
+  if (!map->setAnnounced(nativeReq)) return false;
+  if (!callWithAddress(env, nativeReq, reqId, operation)) {
+    context.destroyMetadata(map->withdrawAnnouncement(nativeReq));
+  }
+  return true;
+}
+
+bool AlgoNativeCallback::callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId,
+                                         const char* operation) const {
   LOGD_AS(operation, "%s: clientId = %lld, algoContextIndex = %d, reqId = %lld, nativeReq %llu", operation,
           static_cast<long long>(mClientId), mAlgoContextIndex, static_cast<long long>(reqId),
           static_cast<unsigned long long>(nativeReq));
@@ -195,9 +217,9 @@ bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, const char* oper
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, true) != 0) LOGE_AS(operation, "init parser failed");
   jobject values = parser.createHashMap();
+  if (values == nullptr) return false;
   parser.putLongIntoHashMap(static_cast<int64_t>(nativeReq), "nativeRequestAddr", values);
-  callBack(env, reqId, values, operation);
-  return true;
+  return callBack(env, reqId, values, operation);
 }
 
 void AlgoNativeCallback::onPostProcessDataLightStream(const uint8_t* payload, int size,
@@ -245,12 +267,14 @@ JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
   return env;
 }
 
-void AlgoNativeCallback::callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const {
+bool AlgoNativeCallback::callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const {
   // 0 for every kind of callback (Oddity 48).
   env->CallStaticVoidMethod(mCallbackClass, mPostDataMethod, static_cast<jint>(0),
                             static_cast<jlong>(mClientId), static_cast<jint>(mAlgoContextIndex),
                             static_cast<jlong>(reqId), map);
-  if (clearException(env)) LOGE_AS(operation, "%s threw", kCallbackMethod);
+  if (!clearException(env)) return true;
+  LOGE_AS(operation, "%s threw", kCallbackMethod);
+  return false;
 }
 
 }  // namespace orlu

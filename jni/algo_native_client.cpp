@@ -24,20 +24,25 @@ AlgoNativeClient::AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContex
 
 AlgoNativeClient::AlgoNativeClient(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex)
     : mSelf(this),
-      mContext(javaVm),
-      mCallback(AlgoNativeCallback::create(env, javaVm, clientId, algoContextIndex)) {
+      mContext(std::make_shared<AlgoNativeContext>(javaVm)),
+      mCallback(AlgoNativeCallback::create(env, javaVm, mContext, clientId, algoContextIndex)) {
   LOGD("AlgoNativeClient constructor");
 }
 
 AlgoNativeClient::~AlgoNativeClient() {
+  if (mSelf != this) return;
   LOGD("AlgoNativeClient destructor");
-  // The library may call back until its client has gone.
-  mContext.destroyClient();
   JNIEnv* const env = mCallback->environment();
   if (env == nullptr) LOGE("%s: JavaVM GetEnv ERROR", __func__);
+  // The library may call back until its client is destroyed.
+  mContext->destroyClient();
   mCallback->close(env);
+  releaseRequests();
+}
+
+void AlgoNativeClient::releaseRequests() {
   void* block = nullptr;
-  while (AlgoNativeRequestMap::getInstance()->removeUnannounced(this, block)) mContext.destroyMetadata(block);
+  while (AlgoNativeRequestMap::getInstance()->releaseOwned(owner(), block)) mContext->destroyMetadata(block);
 }
 
 AlgoNativeClient* AlgoNativeClient::of(int64_t handle) {

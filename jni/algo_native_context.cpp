@@ -1,7 +1,5 @@
 #include "algo_native_context.h"
 
-#include <utility>
-
 #include "log.h"
 
 namespace orlu {
@@ -16,12 +14,12 @@ constexpr ALGO_REQUEST_TYPE kUninitTypes[] = {kRequestPreview, kRequestCapture, 
 
 AlgoNativeContext::AlgoNativeContext(JavaVM* javaVm) {
   LOGD("create client");
-  mTable = std::make_shared<const AlgoGuardedTable>(javaVm);
-  const auto& createClient = mTable->operations().createClient;
+  mTable = std::make_unique<const AlgoGuardedTable>(javaVm);
+  const auto& createClient = operations().createClient;
   if (createClient) {
     AlgoCreateClientRecord record;
     record.interfaceVersion = kAlgoTableVersion;
-    mClient = mTable->call<void*>("createClient", createClient, nullptr, record);
+    mClient = mTable->call<void*>(mTable->environment(), "createClient", createClient, nullptr, record);
   } else {
     LOGE("create client failed");
   }
@@ -33,30 +31,38 @@ AlgoNativeContext::~AlgoNativeContext() {
 }
 
 void AlgoNativeContext::destroyClient() {
-  if (std::exchange(mIsClientDestroyed, true)) return;
+  if (mIsClientDestroyed.exchange(true)) return;
   LOGD_AS("~AlgoNativeContext", "destroy client %p", mClient);
-  const Table table = mTable;
-  if (table->operations().destroyClient) {
-    table->call("destroyClient", table->operations().destroyClient, -1, mClient);
+  const auto& destroy = operations().destroyClient;
+  if (destroy) {
+    mTable->call(mTable->environment(), "destroyClient", destroy, -1, mClient);
   } else {
     LOGE_AS("~AlgoNativeContext", "destroy client failed");
   }
 }
 
+template <typename Record>
+void AlgoNativeContext::submit(const char* name, const std::function<int(const Record&)>& callable,
+                               const Record& record) {
+  // Java may destroy the client inside an earlier operation of the same native.
+  if (mIsClientDestroyed) return;
+  mTable->call(mTable->environment(), name, callable, -1, record);
+}
+
 void AlgoNativeContext::init() {
-  const Table table = mTable;
-  if (!table->operations().init) {
+  const auto& init = operations().init;
+  if (!init) {
     LOGE("init failed");
     return;
   }
   AlgoInitRecord record;
   record.client = mClient;
-  table->call("init", table->operations().init, -1, record);
+  submit("init", init, record);
 }
 
 void AlgoNativeContext::uninit(int mode) {
-  const Table table = mTable;
-  if (!table->operations().uninit) {
+  const auto& uninit = operations().uninit;
+  if (!uninit) {
     LOGE("uninit failed");
     return;
   }
@@ -65,24 +71,24 @@ void AlgoNativeContext::uninit(int mode) {
     record.type = type;
     record.client = mClient;
     record.mode = mode;
-    table->call("uninit", table->operations().uninit, -1, record);
+    submit("uninit", uninit, record);
   }
 }
 
 void AlgoNativeContext::flush() {
-  const Table table = mTable;
-  if (!table->operations().flush) {
+  const auto& flush = operations().flush;
+  if (!flush) {
     LOGE("flush failed");
     return;
   }
   AlgoFlushRecord record;
   record.client = mClient;
-  table->call("flush", table->operations().flush, -1, record);
+  submit("flush", flush, record);
 }
 
 void AlgoNativeContext::abort(uint64_t first, uint64_t second, void* metadata) {
-  const Table table = mTable;
-  if (!table->operations().command) {
+  const auto& command = operations().command;
+  if (!command) {
     LOGE("abort failed");
     return;
   }
@@ -90,20 +96,20 @@ void AlgoNativeContext::abort(uint64_t first, uint64_t second, void* metadata) {
   record.client = mClient;
   record.first = first;
   record.second = second;
-  record.metadata.push_back(table->entryOf(metadata));
-  table->call("command", table->operations().command, -1, record);
+  record.metadata.push_back(mTable->entryOf(metadata));
+  submit("command", command, record);
 }
 
 void AlgoNativeContext::notify() {
-  const Table table = mTable;
-  if (!table->operations().command) {
+  const auto& command = operations().command;
+  if (!command) {
     LOGE("notify failed");
     return;
   }
   AlgoCommandRecord record;
   record.client = mClient;
   record.data.assign(kNotifyKill, kNotifyKill + sizeof kNotifyKill);
-  table->call("command", table->operations().command, -1, record);
+  submit("command", command, record);
 }
 
 void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList,
@@ -111,8 +117,8 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
                                 const std::vector<AlgoFrameInfo>& outputs, void* metadata,
                                 uint64_t callbackCookie, uint64_t reqId,
                                 const std::vector<uint8_t>& metadataBytes) {
-  const Table table = mTable;
-  if (!table->operations().process || !table->operations().metadataOps.getSize) {
+  const auto& process = operations().process;
+  if (!process || !operations().metadataOps.getSize) {
     LOGE("process failed");
     return;
   }
@@ -126,13 +132,14 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
   record.inputFrames = inputs;
   record.outputFrames = outputs;
   record.metadata.reserve(2);
-  record.metadata.push_back(table->entryOf(metadata));
+  record.metadata.push_back(mTable->entryOf(metadata));
 
-  void* const raw = table->createBlock(kCameraMetadataBlock);
+  void* const raw = mTable->createBlock(kCameraMetadataBlock);
   const auto rawSize = static_cast<unsigned>(metadataBytes.size());
-  const auto& setRaw = table->operations().metadataOps.setRaw;
+  const auto& setRaw = operations().metadataOps.setRaw;
   if (raw != nullptr && setRaw) {
-    table->call("setRaw", setRaw, -1, raw, reinterpret_cast<const char*>(metadataBytes.data()), rawSize);
+    mTable->call(mTable->environment(), "setRaw", setRaw, -1, raw,
+                 reinterpret_cast<const char*>(metadataBytes.data()), rawSize);
   }
   AlgoMetadataEntry rawEntry;
   rawEntry.kind = kCameraMetadataBlock;
@@ -140,36 +147,31 @@ void AlgoNativeContext::process(ALGO_REQUEST_TYPE type, const std::vector<std::s
   rawEntry.size = rawSize;
   record.metadata.push_back(rawEntry);
 
-  table->call("process", table->operations().process, -1, record);
-  // Java may have ended the request and destroyed the client meanwhile, and this object with it.
-  table->destroyBlock(raw);
+  submit("process", process, record);
+  mTable->destroyBlock(raw);
 }
 
 std::vector<uint8_t> AlgoNativeContext::getData(const std::string& cmd) {
-  const Table table = mTable;
-  if (!table->operations().getData) {
+  const auto& getData = operations().getData;
+  if (!getData) {
     LOGE("get data failed");
     return {};
   }
   std::vector<uint8_t> result(kQueryResultSize);
   AlgoGetDataRecord record;
   record.cmd = cmd;
-  record.block = table->createBlock(kParameterBlock);
-  record.size = table->sizeOf(record.block);
+  record.block = mTable->createBlock(kParameterBlock);
+  record.size = mTable->sizeOf(record.block);
   record.client = mClient;
-  table->call("getData", table->operations().getData, -1, record);
-  const auto& getValue = table->operations().metadataOps.getValue;
-  if (record.block != nullptr && getValue) {
-    table->call("getValue", getValue, -1, record.block, kFeedback, kQueryResult, result.data(),
-                kQueryResultSize);
-  }
-  table->destroyBlock(record.block);
+  submit("getData", getData, record);
+  getValue(record.block, kFeedback, kQueryResult, result.data(), kQueryResultSize);
+  mTable->destroyBlock(record.block);
   return result;
 }
 
 int AlgoNativeContext::translateParamFile(int fd, int size, const std::string& identifier) {
-  const Table table = mTable;
-  if (!table->operations().translateParamFile) {
+  const auto& translate = operations().translateParamFile;
+  if (!translate) {
     LOGE("translateParamFile failed");
     return 0;
   }
@@ -178,46 +180,41 @@ int AlgoNativeContext::translateParamFile(int fd, int size, const std::string& i
   record.fd = fd;
   record.size = size;
   record.identifier = identifier;
-  table->call("translateParamFile", table->operations().translateParamFile, -1, record);
+  submit("translateParamFile", translate, record);
   return 0;
 }
 
 void* AlgoNativeContext::createMetadata() {
-  return Table(mTable)->createBlock(kParameterBlock);
+  return mTable->createBlock(kParameterBlock);
 }
 
 void AlgoNativeContext::destroyMetadata(void* block) {
-  Table(mTable)->destroyBlock(block);
+  mTable->destroyBlock(block);
 }
 
 int AlgoNativeContext::setValue(void* block, const char* section, const char* key, void* data,
                                 unsigned size) {
-  const Table table = mTable;
-  const auto& operation = table->operations().metadataOps.setValue;
-  if (block == nullptr || !operation) return -1;
-  return table->call("setValue", operation, -1, block, section, key, data, size);
+  return mTable->setValue(mTable->environment(), block, section, key, data, size);
 }
 
 int AlgoNativeContext::getValue(void* block, const char* section, const char* key, void* data,
                                 unsigned size) {
-  const Table table = mTable;
-  const auto& operation = table->operations().metadataOps.getValue;
-  if (block == nullptr || !operation) return -1;
-  return table->call("getValue", operation, -1, block, section, key, data, size);
+  return mTable->getValue(mTable->environment(), block, section, key, data, size);
 }
 
 int AlgoNativeContext::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor) {
-  const Table table = mTable;
-  const auto& operation = table->operations().metadataOps.paramAlgoUpdateToSystem;
-  if (block == nullptr || !operation) return -1;
-  return table->call("paramAlgoUpdateToSystem", operation, -1, block, LentVisitor(visitor).get());
+  return visit("paramAlgoUpdateToSystem", operations().metadataOps.paramAlgoUpdateToSystem, block, visitor);
 }
 
 int AlgoNativeContext::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor) {
-  const Table table = mTable;
-  const auto& operation = table->operations().metadataOps.paramSystemDownloadToAlgo;
-  if (block == nullptr || !operation) return -1;
-  return table->call("paramSystemDownloadToAlgo", operation, -1, block, LentVisitor(visitor).get());
+  return visit("paramSystemDownloadToAlgo", operations().metadataOps.paramSystemDownloadToAlgo, block,
+               visitor);
+}
+
+int AlgoNativeContext::visit(const char* name, const std::function<int(void*, AlgoMetadataVisitor)>& callable,
+                             void* block, const AlgoMetadataVisitor& visitor) {
+  if (block == nullptr || !callable) return -1;
+  return mTable->call(mTable->environment(), name, callable, -1, block, LentVisitor(visitor).get());
 }
 
 }  // namespace orlu

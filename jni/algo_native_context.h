@@ -6,13 +6,16 @@
 // thread is logged and cleared. Metadata blocks are handles of the library: who creates one destroys it.
 // Operations on a null block are skipped.
 //
-// Safe from any thread as far as the algorithm library is. The context may be destroyed, on any thread, while
-// an operation of its own is under way: the library may be done with a request before process() has returned.
+// Safe from any thread as far as the algorithm library is. Whoever calls an operation keeps the context alive
+// until the operation has returned; the library's client may be destroyed meanwhile, by Java inside a
+// callback. After that the library gets no operation on this client any more.
 #pragma once
 
 #include <jni.h>
 
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,16 +34,16 @@ public:
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Ends the library's client, once; the destructor does it otherwise. The library may call back meanwhile.
+  // Destroys the library's client, once; else the destructor does. The library may call back meanwhile.
   void destroyClient();
 
   void init();
   // Uninitialises every request type. `mode`: 0 destroy, 1 release, 2 release of a raw format.
   void uninit(int mode);
   void flush();
-  // What is aborted stands in the parameter block.
+  // The parameter block names the frame to abort.
   void abort(uint64_t first, uint64_t second, void* metadata);
-  // Tells the library that this process goes away.
+  // Tells the library that this process is about to end.
   void notify();
 
   // Submits a request. The library reports completion by calling the callback whose address is the cookie.
@@ -68,13 +71,21 @@ public:
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
-private:
-  // Whoever calls an operation holds the table until it has returned.
-  using Table = std::shared_ptr<const AlgoGuardedTable>;
+  // For the parameter channel, which uses it on one thread. Valid as long as this object.
+  const AlgoGuardedTable& table() const { return *mTable; }
+  // The library gets nothing more on this client, and calls nobody back.
+  bool isClientDestroyed() const { return mIsClientDestroyed; }
 
-  Table mTable;
+private:
+  const AlgoInterfaceCallbacks& operations() const { return mTable->operations(); }
+  template <typename Record>
+  void submit(const char* name, const std::function<int(const Record&)>& callable, const Record& record);
+  int visit(const char* name, const std::function<int(void*, AlgoMetadataVisitor)>& callable, void* block,
+            const AlgoMetadataVisitor& visitor);
+
+  std::unique_ptr<const AlgoGuardedTable> mTable;
   void* mClient = nullptr;
-  bool mIsClientDestroyed = false;
+  std::atomic<bool> mIsClientDestroyed{false};
 };
 
 }  // namespace orlu

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <utility>
 
 #include "log.h"
 
@@ -15,11 +14,15 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// True when the callback arrived before the time was over.
+// Java has finished a full-async request, or nobody will. Its record stays while somebody uses the block.
+bool isFinished(const AlgoNativeRequest& request) {
+  return (request.blockUsers & kUsedByJava) == 0;
+}
+
+// False if the time is over before the callback arrives.
 bool waitUntilReceived(AlgoNativeRequest& request) {
   std::unique_lock<std::mutex> lock(request.mutex);
-  return request.condition.wait_for(lock, kCallbackTimeout,
-                                    [&request] { return request.state == AlgoRequestState::kDone; });
+  return request.condition.wait_for(lock, kCallbackTimeout, [&request] { return request.received; });
 }
 
 }  // namespace
@@ -57,7 +60,10 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   AlgoNativeRequest* const request = findRequestLocked(nativeReq);
   if (request == nullptr) return false;
-  setStateLocked(*request, AlgoRequestState::kDone);
+  {
+    std::lock_guard<std::mutex> recordLock(request->mutex);
+    request->received = true;
+  }
   // Outside the record's mutex: the woken thread takes that first, and would go to sleep on it again. The
   // record stays until the map's mutex is free.
   request->condition.notify_all();
@@ -132,43 +138,83 @@ bool AlgoNativeRequestMap::setAnnounced(uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   AlgoNativeRequest* const request = findRequestLocked(nativeReq);
   if (request == nullptr) return false;
-  setStateLocked(*request, AlgoRequestState::kDone);
+  request->isAnnounced = true;
   return true;
 }
 
-bool AlgoNativeRequestMap::takeAnnounced(uint64_t nativeReq, void*& metadata,
+void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  const auto found = findAnyLocked(nativeReq);
+  if (found == mRequests.end() || isFinished(**found)) return nullptr;
+  AlgoNativeRequest& request = **found;
+  request.isAnnounced = false;
+  // A client that went meanwhile has left the request to Java, which will not hear of it.
+  const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
+  return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
+}
+
+void* AlgoNativeRequestMap::releaseBlock(uint64_t nativeReq, AlgoBlockUser user) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  const auto found = findAnyLocked(nativeReq);
+  return found == mRequests.end() ? nullptr : releaseLocked(found, user);
+}
+
+bool AlgoNativeRequestMap::takeForFinish(uint64_t nativeReq, void*& metadata,
                                          std::vector<std::string>& algoList) {
   std::lock_guard<std::mutex> lock(mMutex);
   AlgoNativeRequest* const request = findRequestLocked(nativeReq);
-  if (request == nullptr || !request->isFullAsync || request->state != AlgoRequestState::kDone) return false;
+  if (request == nullptr || !request->isFullAsync || request->isFinishing) return false;
+  const bool isSubmitted = (request->blockUsers & kUsedBySubmission) == 0;
+  if (!request->isAnnounced && !isSubmitted) return false;
   algoList = request->algoList;
   metadata = request->metadata;
-  setStateLocked(*request, AlgoRequestState::kEnding);
+  request->isFinishing = true;
   return true;
 }
 
-bool AlgoNativeRequestMap::removeUnannounced(const void* owner, void*& metadata) {
+void* AlgoNativeRequestMap::finish(uint64_t nativeReq) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  const auto found = findAnyLocked(nativeReq);
+  if (found == mRequests.end()) return nullptr;
+  LOGD_AS("remove", "remove from map reqId = %lld", static_cast<long long>((*found)->reqId));
+  return releaseLocked(found, kUsedByJava);
+}
+
+bool AlgoNativeRequestMap::releaseOwned(const void* owner, void*& metadata) {
   std::lock_guard<std::mutex> lock(mMutex);
   const auto found = std::find_if(mRequests.begin(), mRequests.end(), [owner](const AlgoNativeRequest* r) {
-    return r->owner == owner && r->isFullAsync && r->state == AlgoRequestState::kSubmitted;
+    return r->owner == owner && r->isFullAsync && !r->isOwnerGone;
   });
   if (found == mRequests.end()) return false;
-  metadata = (*found)->metadata;
-  delete *found;
-  mRequests.erase(found);
+  AlgoNativeRequest& request = **found;
+  request.isOwnerGone = true;
+  const bool isJavas = request.isAnnounced || request.isFinishing;
+  metadata = releaseLocked(found, isJavas ? kUsedByLibrary : kUsedByLibrary | kUsedByJava);
   return true;
 }
 
-void AlgoNativeRequestMap::setStateLocked(AlgoNativeRequest& request, AlgoRequestState state) {
-  std::lock_guard<std::mutex> lock(request.mutex);
-  // What is being ended stays so, however often the library calls back.
-  if (request.state != AlgoRequestState::kEnding) request.state = state;
+// Takes users off the block. The last one gets it, and the record is gone.
+void* AlgoNativeRequestMap::releaseLocked(Requests::iterator request, unsigned users) {
+  AlgoNativeRequest* const record = *request;
+  if (record->blockUsers == 0) return nullptr;
+  record->blockUsers &= ~users;
+  if (record->blockUsers != 0) return nullptr;
+  void* const metadata = record->metadata;
+  mRequests.erase(request);
+  delete record;
+  return metadata;
 }
 
 AlgoNativeRequest* AlgoNativeRequestMap::findRequestLocked(uint64_t nativeReq) const {
-  const auto found = std::find_if(mRequests.begin(), mRequests.end(),
-                                  [=](const AlgoNativeRequest* r) { return r->nativeReq == nativeReq; });
+  const auto found = std::find_if(mRequests.begin(), mRequests.end(), [=](const AlgoNativeRequest* r) {
+    return r->nativeReq == nativeReq && !isFinished(*r);
+  });
   return found == mRequests.end() ? nullptr : *found;
+}
+
+AlgoNativeRequestMap::Requests::iterator AlgoNativeRequestMap::findAnyLocked(uint64_t nativeReq) {
+  return std::find_if(mRequests.begin(), mRequests.end(),
+                      [=](const AlgoNativeRequest* r) { return r->nativeReq == nativeReq; });
 }
 
 }  // namespace orlu

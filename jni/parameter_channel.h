@@ -13,8 +13,10 @@ namespace orlu {
 
 class ParameterChannel {
 public:
-  // Borrows both. `block` may be null: nothing is stored then, and every value read is its initial one.
-  ParameterChannel(AlgoNativeContext& context, void* block) : mContext(&context), mBlock(block) {}
+  // Borrows both, and is used on this thread only. If `block` is null, nothing is stored, and every value
+  // read is its initial one.
+  ParameterChannel(const AlgoNativeContext& context, void* block)
+      : mTable(&context.table()), mEnv(mTable->environment()), mBlock(block) {}
 
   void* block() const { return mBlock; }
 
@@ -37,15 +39,16 @@ public:
   // Any number of bytes. These return the context's status: 0, the library's own, or -1 when the operation
   // could not be called.
   int getBytes(const char* section, const char* key, void* data, unsigned size) const {
-    return mContext->getValue(mBlock, section, key, data, size);
+    return mTable->getValue(mEnv, mBlock, section, key, data, size);
   }
   int setBytes(const char* section, const char* key, const void* data, unsigned size) const {
     // The library copies the bytes and changes none, though its pointer would let it.
-    return mContext->setValue(mBlock, section, key, const_cast<void*>(data), size);
+    return mTable->setValue(mEnv, mBlock, section, key, const_cast<void*>(data), size);
   }
 
 private:
-  AlgoNativeContext* mContext;
+  const AlgoGuardedTable* mTable;
+  JNIEnv* mEnv;  // of the thread that made the channel; every call would ask the VM for it otherwise
   void* mBlock;
 };
 

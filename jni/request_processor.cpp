@@ -19,10 +19,6 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 
-void* printable(int64_t inst) {
-  return AlgoNativeClient::of(inst);
-}
-
 // A string of the parameter object in a buffer of fixed size, zero-padded, perhaps without a terminating
 // zero.
 template <size_t N>
@@ -91,69 +87,76 @@ int64_t RequestProcessor::create(JNIEnv* env, jobject param) {
 }
 
 int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  if (client == nullptr) {
     LOGE("destroy native client failed, client is null!");
     return -1;
   }
-  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
-  LOGD("destroy E, %p", printable(inst));
-  LOGD("destroy flush, %p", printable(inst));
-  client->context().flush();
-  LOGD("destroy uninit, %p", printable(inst));
+  AlgoNativeClient copy = client->copyForNative();
+  LOGD("destroy E, %p", static_cast<void*>(client));
+  LOGD("destroy flush, %p", static_cast<void*>(client));
+  copy.context().flush();
+  LOGD("destroy uninit, %p", static_cast<void*>(client));
   // Also for a client that was released before (Oddity 45).
-  client->context().uninit(kModeUnknownFormat);
-  delete client;
+  copy.context().uninit(kModeUnknownFormat);
+  // Java may have destroyed the client inside these two.
+  if (!copy.context().isClientDestroyed()) delete client;
   LOGD("destroy X");
   return 0;
 }
 
 int RequestProcessor::init(JNIEnv* /*env*/, int64_t inst, jobject /*object*/) {
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  if (client == nullptr) {
     LOGE("init failed, client is null!");
     return -1;
   }
-  LOGD("init E, %p", printable(inst));
-  AlgoNativeClient::of(inst)->context().init();
+  LOGD("init E, %p", static_cast<void*>(client));
+  client->copyForNative().context().init();
   LOGD("init X");
   return 0;
 }
 
 int RequestProcessor::release(JNIEnv* env, int64_t inst, jobject param) {
-  LOGD("release E, %p", printable(inst));
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  LOGD("release E, %p", static_cast<void*>(client));
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   int32_t format = 0;
   const bool found = parser.getIntOrlu(format, "imageFormat", param) == 0;
   LOGD("release format: %d", format);
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  if (client == nullptr) {
     LOGE("release failed, client is null!");
     return -1;
   }
-  AlgoNativeClient::of(inst)->context().uninit(releaseMode(found, format));
+  client->copyForNative().context().uninit(releaseMode(found, format));
   LOGD("release X");
   return 0;
 }
 
 int RequestProcessor::flush(JNIEnv* /*env*/, int64_t inst, jobject /*a*/, jobject /*b*/) {
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  if (client == nullptr) {
     LOGE("flush failed, client is null!");
     return -1;
   }
-  LOGD("flush E, %p", printable(inst));
-  AlgoNativeClient::of(inst)->context().flush();
+  LOGD("flush E, %p", static_cast<void*>(client));
+  client->copyForNative().context().flush();
   LOGD("flush X");
   return 0;
 }
 
 int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, jobject param) {
-  LOGD("abort E, %p", printable(inst));
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  LOGD("abort E, %p", static_cast<void*>(client));
+  if (client == nullptr) {
     LOGE("abort failed, client is null!");
     return -1;
   }
+  AlgoNativeClient copy = client->copyForNative();
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
-  AlgoNativeContext& context = AlgoNativeClient::of(inst)->context();
+  AlgoNativeContext& context = copy.context();
   void* const metadata = context.createMetadata();
   if (readAbort(parser, param, context, metadata)) context.abort(0, 0, metadata);
   context.destroyMetadata(metadata);
@@ -162,15 +165,16 @@ int RequestProcessor::abortRequest(JNIEnv* env, int64_t inst, jobject /*a*/, job
 }
 
 jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
-  if (AlgoNativeClient::of(inst) == nullptr || param == nullptr) {
-    LOGE("get data failed, input is null %p %p", printable(inst), static_cast<void*>(param));
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  if (client == nullptr || param == nullptr) {
+    LOGE("get data failed, input is null %p %p", static_cast<void*>(client), static_cast<void*>(param));
     return nullptr;
   }
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string cmd = StringParameter<1024>(parser, "cmd", param).text();
   LOGD("cmd %s", cmd.c_str());
-  const std::vector<uint8_t> data = AlgoNativeClient::of(inst)->context().getData(cmd);
+  const std::vector<uint8_t> data = client->copyForNative().context().getData(cmd);
   std::string text(data.begin(), std::find(data.begin(), data.end(), 0));
   LOGD("get data ret size %d, %s", static_cast<int>(data.size()), text.c_str());
   if (data.empty()) return nullptr;
@@ -180,9 +184,10 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
 }
 
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
-  if (AlgoNativeClient::of(inst) == nullptr) {
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  if (client == nullptr) {
     // Another operation's words, in a debug line (Oddity 43).
-    LOGD("get data failed, input is null, %p", printable(inst));
+    LOGD("get data failed, input is null, %p", static_cast<void*>(client));
     return -1;
   }
   const int fd = duplicate(env, sharedMemory);
@@ -191,7 +196,7 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
   const std::string identifier = StringParameter<128>(parser, "identifier", param).text();
   LOGD("translateParamFiles filefd %d, bufferSize %d algoFlag %s", fd, size, identifier.c_str());
-  AlgoNativeClient::of(inst)->context().translateParamFile(fd, size, identifier);
+  client->copyForNative().context().translateParamFile(fd, size, identifier);
   // Descriptor 0 stays open (Oddity 44).
   if (fd >= 1) close(fd);
   LOGD("translateParamFiles end");
@@ -199,12 +204,13 @@ int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sha
 }
 
 void RequestProcessor::notify(JNIEnv* env, int64_t inst, jobject /*param*/) {
-  LOGE("notify inst %p", printable(inst));
+  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
+  LOGE("notify inst %p", static_cast<void*>(client));
   std::unique_ptr<AlgoNativeClient> temporary;
-  if (AlgoNativeClient::of(inst) == nullptr) temporary = std::make_unique<AlgoNativeClient>(env, -1, -1);
-  (temporary ? temporary.get() : AlgoNativeClient::of(inst))->context().notify();
+  if (client == nullptr) temporary = std::make_unique<AlgoNativeClient>(env, -1, -1);
+  (temporary ? *temporary : *client).copyForNative().context().notify();
   temporary.reset();
-  LOGE("notify inst %p, service abort", printable(inst));
+  LOGE("notify inst %p, service abort", static_cast<void*>(client));
   std::abort();
 }
 

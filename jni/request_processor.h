@@ -1,9 +1,10 @@
 // The façade behind the twelve native methods: checks the client handle, reads what Java handed over, and
 // drives the client's context.
 //
-// A handle is the address of an AlgoNativeClient; that of none is the only one that is rejected, with -1 and
-// a logged line. The int-returning members return 0 for every other one: what goes wrong further down is
-// logged there. Calls for one client come one at a time.
+// A handle is the address of an AlgoNativeClient. Handle 0 is rejected: the call logs an error and returns
+// -1. Every other handle is trusted, and the int-returning members return 0: failures further down are logged
+// there. Calls for one client come one at a time, except that Java may call any member, destroy() included,
+// inside a callback of the algorithm library.
 #pragma once
 
 #include <jni.h>
@@ -17,8 +18,6 @@
 #include "vrequest.h"
 
 namespace orlu {
-
-struct RequestInFlight;
 
 class RequestProcessor {
 public:
@@ -46,14 +45,17 @@ public:
   // `inputs`, `outputs` or `compositions` is null, else 0, also after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // The second half of a full-async request that was announced under "nativeRequestAddr". Any other
-  // request is taken for an unknown one. Returns as above.
+  // The second half of the full-async request under "nativeRequestAddr": writes its results and finishes it.
+  // A synchronous request, and one that is still being submitted and not announced, count as unknown: nothing
+  // but initial values is written. Returns as above.
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 
-private:
-  static void enterIntoMap(RequestInFlight& flight);
-  static int processImageAlgo(RequestInFlight& flight, int resultIndex);
+  // Submits a request and, if it is synchronous, waits for its callback, ten seconds at most. The metadata of
+  // the capture result `resultIndex` goes with it. Always 0.
+  static int processImageAlgo(VRequest& request, std::vector<std::string>& algoList, AlgoNativeClient* client,
+                              void* metadata, CameraMetadataParser* parser, uint64_t reqId,
+                              uint64_t nativeReq, bool isFullAsync, int resultIndex);
 };
 
 }  // namespace orlu

@@ -9,6 +9,7 @@
 #include "metadata_updater.h"
 #include "request_processor.h"
 #include "result_updater.h"
+#include "starts_with.h"
 
 namespace orlu {
 namespace {
@@ -16,13 +17,8 @@ namespace {
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 constexpr char kAlgoTypeKey[] = "orlu.control.algoType";
 
-// Request types are compared by their beginnings.
-bool begins(const std::string& text, const char* prefix) {
-  return text.rfind(prefix, 0) == 0;
-}
-
 ALGO_REQUEST_TYPE requestTypeOf(const VRequest& request) {
-  if (begins(request.requestType(), "previewProcess")) return kRequestPreview;
+  if (startsWith(request.requestType().c_str(), "previewProcess")) return kRequestPreview;
   return request.isStopProcess() ? kRequestStop : kRequestCapture;
 }
 
@@ -39,52 +35,84 @@ bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outp
   return client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr;
 }
 
-}  // namespace
-
-// A request between two of its stages. It owns its parameter block and its entry in the map until they are
-// freed or left to a later stage, also when memory runs out on the way.
-struct RequestInFlight {
-  RequestInFlight(AlgoNativeClient* itsClient, VRequest& itsRequest, CameraMetadataParser& itsParser)
-      : client(itsClient), request(itsRequest), parser(itsParser) {}
+// A request between two of its stages. It owns its parameter block, and its entry in the map, until they are
+// finished or left to a later stage, also if memory runs out on the way.
+class RequestInFlight {
+public:
+  RequestInFlight(AlgoNativeClient& client, VRequest& request, CameraMetadataParser& parser)
+      : mClient(client), mRequest(request), mParser(parser) {}
   RequestInFlight(const RequestInFlight&) = delete;
   RequestInFlight& operator=(const RequestInFlight&) = delete;
-  ~RequestInFlight() { free(); }
+  ~RequestInFlight() { letGo(); }
 
-  // Writes the results, and ends the request.
-  void finish() {
-    ResultUpdater(client, algoList, request, metadata, &parser).updateResult();
-    free();
+  // Enters a new request into the map, which gives a full-async one its block.
+  void enter() {
+    nativeReq = map().create(mRequest.requestId(), metadata, isFullAsync, mClient.owner());
+    map().setAlgoList(*nativeReq, algoList);
+    if (isFullAsync) mStage = kSubmitted;
   }
-  // processImageUpdateResult() ends it, which may happen any time from now on, or else the end of its client.
-  void leave() { isOwned = false; }
+  // Takes a full-async request out of Java's hands. False if the id is not one that Java may finish.
+  bool take(uint64_t id) {
+    if (!map().takeForFinish(id, metadata, algoList)) return false;
+    nativeReq = id;
+    mStage = kFinishing;
+    return true;
+  }
+  // Writes the results and finishes the request. Not inlined: the updater takes much of a small stack.
+  [[gnu::noinline]] void finish() {
+    ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
+    letGo();
+  }
+  // The request's stage is over: what it owns goes, and its user of the block.
+  void letGo() {
+    AlgoNativeContext& context = mClient.context();
+    switch (std::exchange(mStage, kOver)) {
+      case kOwned:
+        context.destroyMetadata(metadata);
+        if (nativeReq) map().remove(*nativeReq);
+        break;
+      case kSubmitted:
+        context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
+        // The client's end did not see a request that was entered later.
+        if (context.isClientDestroyed()) mClient.releaseRequests();
+        break;
+      case kFinishing:
+        context.destroyMetadata(map().finish(*nativeReq));
+        break;
+      case kOver:
+        break;
+    }
+  }
 
-  AlgoNativeClient* const client;
-  VRequest& request;
-  CameraMetadataParser& parser;
   std::vector<std::string> algoList;
   void* metadata = nullptr;
   bool isFullAsync = false;
-  bool isOwned = true;
   std::optional<uint64_t> nativeReq;  // once it is in the map
 
 private:
-  void free() {
-    if (!std::exchange(isOwned, false)) return;
-    client->context().destroyMetadata(metadata);
-    if (nativeReq) AlgoNativeRequestMap::getInstance()->remove(*nativeReq);
-  }
+  enum Stage { kOwned, kSubmitted, kFinishing, kOver };
+
+  static AlgoNativeRequestMap& map() { return *AlgoNativeRequestMap::getInstance(); }
+
+  AlgoNativeClient& mClient;
+  VRequest& mRequest;
+  CameraMetadataParser& mParser;
+  Stage mStage = kOwned;
 };
+
+}  // namespace
 
 int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                    jobject outputs, jobject compositions) {
-  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
-  LOGD("process image E, %p %p %p %p %p", static_cast<void*>(client), static_cast<void*>(request),
+  AlgoNativeClient* const original = AlgoNativeClient::of(inst);
+  LOGD("process image E, %p %p %p %p %p", static_cast<void*>(original), static_cast<void*>(request),
        static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
-  if (isAnythingNull(client, inputs, outputs, compositions)) {
-    LOGE("process image failed, input is null, %p %p %p %p", static_cast<void*>(client),
+  if (isAnythingNull(original, inputs, outputs, compositions)) {
+    LOGE("process image failed, input is null, %p %p %p %p", static_cast<void*>(original),
          static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
     return -1;
   }
+  AlgoNativeClient client = original->copyForNative();
   VRequest vrequest(env, request, inputs, outputs, compositions);
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
@@ -92,63 +120,64 @@ int RequestProcessor::processImage(JNIEnv* env, int64_t inst, jobject request, j
   parser.checkFramesOnce(vrequest.captureResults(), vrequest.captureResultCompositions());
   RequestInFlight flight(client, vrequest, parser);
   parser.getStringArray(flight.algoList, kAlgoTypeKey, nullptr, first);
-  flight.metadata = client->context().createMetadata();
-  MetadataUpdater updater(client, flight.algoList, vrequest, flight.metadata, &parser);
+  flight.metadata = client.context().createMetadata();
+  MetadataUpdater updater(&client, flight.algoList, vrequest, flight.metadata, &parser);
   updater.updateMetadata();
 
   int32_t isAsync = 0;
   parser.getIntOrlu(isAsync, "isFullAsync", first);
   flight.isFullAsync = isAsync != 0;
-  enterIntoMap(flight);
+  flight.enter();
   LOGD("algo list: %s, reqId = %lld, nativeReq %llu, isAsync %d", printAlgoList(flight.algoList).c_str(),
        static_cast<long long>(vrequest.requestId()), static_cast<unsigned long long>(*flight.nativeReq),
        isAsync);
 
-  if (flight.isFullAsync) flight.leave();
   if (!updater.skipAlgoProcess()) {
-    processImageAlgo(flight, metadataFrame(updater, vrequest));
+    processImageAlgo(vrequest, flight.algoList, &client, flight.metadata, &parser,
+                     static_cast<uint64_t>(vrequest.requestId()), *flight.nativeReq, flight.isFullAsync,
+                     metadataFrame(updater, vrequest));
   } else if (flight.isFullAsync) {
-    client->onPostProcessDataCommonShot(*flight.nativeReq);
+    client.onPostProcessDataCommonShot(*flight.nativeReq);
   }
-  // A full-async request may have ended by now, and its client as well.
-  if (!flight.isFullAsync) flight.finish();
+  if (flight.isFullAsync) {
+    flight.letGo();
+  } else {
+    flight.finish();
+  }
   LOGD("process image X");
   return 0;
 }
 
-void RequestProcessor::enterIntoMap(RequestInFlight& flight) {
-  AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
-  flight.nativeReq =
-      map->create(flight.request.requestId(), flight.metadata, flight.isFullAsync, flight.client);
-  map->setAlgoList(*flight.nativeReq, flight.algoList);
-}
-
-int RequestProcessor::processImageAlgo(RequestInFlight& flight, int resultIndex) {
-  const VRequest& request = flight.request;
+int RequestProcessor::processImageAlgo(VRequest& request, std::vector<std::string>& algoList,
+                                       AlgoNativeClient* client, void* metadata, CameraMetadataParser* parser,
+                                       uint64_t reqId, uint64_t nativeReq, bool isFullAsync,
+                                       int resultIndex) {
   const auto index = static_cast<size_t>(resultIndex);
   const std::vector<jobject>& results = request.captureResults();
   const std::vector<uint8_t> metadataBytes =
-      flight.parser.getMetadata(index < results.size() ? results[index] : nullptr);
-  flight.client->context().process(requestTypeOf(request), flight.algoList, *flight.nativeReq,
-                                   request.inputFrames(), request.outputFrames(), flight.metadata,
-                                   flight.client->callbackCookie(),
-                                   static_cast<uint64_t>(request.requestId()), metadataBytes);
-  // A request that timed out goes on to its results (Oddity 46).
-  if (!flight.isFullAsync) AlgoNativeRequestMap::getInstance()->waitForCallback(*flight.nativeReq);
+      parser->getMetadata(index < results.size() ? results[index] : nullptr);
+  client->context().process(requestTypeOf(request), algoList, nativeReq, request.inputFrames(),
+                            request.outputFrames(), metadata, client->callbackCookie(), reqId, metadataBytes);
+  // Nobody calls back for a client that Java has destroyed meanwhile. A request that times out goes on to its
+  // results (Oddity 46).
+  if (!isFullAsync && !client->context().isClientDestroyed()) {
+    AlgoNativeRequestMap::getInstance()->waitForCallback(nativeReq);
+  }
   return 0;
 }
 
 int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                                jobject outputs, jobject compositions) {
-  AlgoNativeClient* const client = AlgoNativeClient::of(inst);
-  LOGD("process image update result E, %p %p %p %p %p", static_cast<void*>(client),
+  AlgoNativeClient* const original = AlgoNativeClient::of(inst);
+  LOGD("process image update result E, %p %p %p %p %p", static_cast<void*>(original),
        static_cast<void*>(request), static_cast<void*>(inputs), static_cast<void*>(outputs),
        static_cast<void*>(compositions));
-  if (isAnythingNull(client, inputs, outputs, compositions)) {
-    LOGE("process image update result failed, input is null, %p %p %p %p", static_cast<void*>(client),
+  if (isAnythingNull(original, inputs, outputs, compositions)) {
+    LOGE("process image update result failed, input is null, %p %p %p %p", static_cast<void*>(original),
          static_cast<void*>(inputs), static_cast<void*>(outputs), static_cast<void*>(compositions));
     return -1;
   }
+  AlgoNativeClient client = original->copyForNative();
   VRequest vrequest(env, request, inputs, outputs, compositions);
   CameraMetadataParser parser;
   if (parser.initFromEnv(env, false) != 0) LOGE("init parser failed");
@@ -159,9 +188,7 @@ int RequestProcessor::processImageUpdateResult(JNIEnv* env, int64_t inst, jobjec
   const auto nativeReq = static_cast<uint64_t>(address);
 
   RequestInFlight flight(client, vrequest, parser);
-  const bool known =
-      AlgoNativeRequestMap::getInstance()->takeAnnounced(nativeReq, flight.metadata, flight.algoList);
-  if (known) flight.nativeReq = nativeReq;
+  const bool known = flight.take(nativeReq);
   if (!known) parser.getStringArray(flight.algoList, kAlgoTypeKey, nullptr, first);
   LOGD("update result algo list: %s, reqId = %lld, nativeReq %llu getAlgoListResult %d",
        printAlgoList(flight.algoList).c_str(), static_cast<long long>(vrequest.requestId()),

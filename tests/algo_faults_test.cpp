@@ -232,21 +232,29 @@ TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
   EXPECT_EQ(0, mInst);
 }
 
-// While it is submitted, and before it is announced.
-TEST_F(AlgoFaultsTest, NobodyEndsARequestByGuessingItsId) {
+// While it is being submitted and not announced. Then Java may finish it early, once; its block stays until
+// the library calls back.
+TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   mAlgo.script.callbacks = 0;
   mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
     own(call);
-    if (call.operation == "process") updateResult(mSubmitted.nativeReq);
+    if (call.operation != "process") return;
+    updateResult(mSubmitted.nativeReq);
+    EXPECT_EQ(0, result());
+  };
+  mAnswers = {
+      {"tunning_mode", kTuningMode}
   };
   create();
   EXPECT_EQ(0, process(1));
-  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
   EXPECT_TRUE(isKnown(mSubmitted.nativeReq));
-  EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
-  test::Algo::sendCallback(mSubmitted.callbackCookie, test::shotCallback(mSubmitted.nativeReq), {}, true);
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+  EXPECT_EQ(kTuningMode, result()) << "the values were there";
   EXPECT_FALSE(isKnown(mSubmitted.nativeReq));
+  EXPECT_EQ(1, test::Algo::counts().parameterBlocks) << "the library may still use it";
+  EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
+  test::Algo::sendCallback(mSubmitted.callbackCookie, test::shotCallback(mSubmitted.nativeReq), {}, false);
+  EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
 }
 
 }  // namespace

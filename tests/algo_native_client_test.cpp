@@ -107,11 +107,11 @@ TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
 }
 
 // Between the callback's looking for the client and its announcement.
-TEST_F(AlgoNativeClientJvmTest, EndsARequestThatItsCallbackCanNoLongerAnnounce) {
+TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnounce) {
   static std::unique_ptr<AlgoNativeClient>* client = nullptr;
   static const JNINativeInterface_* original = nullptr;
   void* const block = mClient->context().createMetadata();
-  const uint64_t request = AlgoNativeRequestMap::getInstance()->create(kReqId, block, true, mClient.get());
+  const uint64_t request = AlgoNativeRequestMap::getInstance()->create(kReqId, block, true, mClient->owner());
   const uint64_t cookie = mClient->callbackCookie();
   client = &mClient;
   {
@@ -121,6 +121,7 @@ TEST_F(AlgoNativeClientJvmTest, EndsARequestThatItsCallbackCanNoLongerAnnounce) 
       const std::unique_ptr<AlgoNativeClient> ending = std::move(*client);
       return original->ExceptionCheck(environment);
     };
+    EXPECT_EQ(nullptr, AlgoNativeRequestMap::getInstance()->releaseBlock(request, kUsedBySubmission));
     (*reinterpret_cast<AlgoResultCallback*>(cookie))(
         android::hardware::hidl_vec<uint8_t>(shotCallback(request)), {}, {});
   }

@@ -208,22 +208,37 @@ TEST(AlgoNativeContextTest, NeverAsksForANullBlock) {
   EXPECT_EQ("", library.takeLines());
 }
 
-// The library may be done with a request before process() returns, and Java with its client.
-TEST(AlgoNativeContextTest, MayBeDestroyedDuringItsOperations) {
-  test::Algo algo;
-  algo.script.callbacks = 0;
-  std::unique_ptr<AlgoNativeContext> context;
-  algo.script.observer = [&context](const standin::AlgoCall& call) {
-    if (call.operation == "process") std::thread([&context] { context.reset(); }).join();
-    if (call.operation == "flush") context.reset();
-  };
-  algo.use();
-  context = std::make_unique<AlgoNativeContext>();
-  context->process(kRequestCapture, {}, 1, {}, {}, nullptr, 0, 1, {'r', 'a', 'w'});
-  context = std::make_unique<AlgoNativeContext>();
-  context->flush();
-  EXPECT_EQ(0, test::Algo::counts().clients);
-  EXPECT_EQ(0, test::Algo::counts().cameraBlocks);
+// Java destroys the client inside a callback; what the operation goes on with stays valid.
+TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
+  for (const char* inside : {"init", "uninit", "flush", "command", "process", "getData", "translateParamFile",
+                             "createMetadata", "setRaw", "getSize"}) {
+    SCOPED_TRACE(inside);
+    test::Algo algo;
+    algo.script.callbacks = 0;
+    AlgoNativeContext* context = nullptr;
+    int later = 0;
+    algo.script.observer = [&](const standin::AlgoCall& call) {
+      if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
+      // Operations that name the client. The one that is under way is counted once.
+      for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {
+        if (call.operation == name && context->isClientDestroyed()) ++later;
+      }
+    };
+    algo.use();
+    AlgoNativeContext used;
+    context = &used;
+    used.init();
+    used.flush();
+    used.translateParamFile(1, 1, "");
+    used.getData("version");
+    used.abort(0, 0, nullptr);
+    used.process(kRequestCapture, {}, 1, {}, {}, nullptr, 0, 1, {'r', 'a', 'w'});
+    used.uninit(0);
+    EXPECT_GE(1, later);
+    EXPECT_EQ(0, test::Algo::counts().clients);
+    EXPECT_EQ(0, test::Algo::counts().cameraBlocks);
+    EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
+  }
 }
 
 TEST(AlgoNativeContextTest, LendsVisitorsToTheThreadAndTheTimeOfTheCall) {

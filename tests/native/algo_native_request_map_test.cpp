@@ -59,40 +59,100 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   for (uint64_t id : {0U, 2U, 3U}) EXPECT_TRUE(mMap.remove(id));
 }
 
-TEST_F(AlgoNativeRequestMapTest, LetsOneCallerEndAnAnnouncedRequest) {
+TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   int block = 0;
-  const uint64_t waitedFor = mMap.create(1, &block, false);
-  const uint64_t announced = mMap.create(2, &block, true);
-  EXPECT_TRUE(mMap.setAlgoList(announced, {"hdr"}));
-  EXPECT_TRUE(mMap.onCallbackReceived(waitedFor));
   List list = {"old"};
   void* metadata = &list;
-  for (uint64_t id : {waitedFor, announced}) EXPECT_FALSE(mMap.takeAnnounced(id, metadata, list));
-  EXPECT_EQ(List{"old"}, list);
-  EXPECT_EQ(&list, metadata);
-  EXPECT_TRUE(mMap.setAnnounced(announced));
-  EXPECT_TRUE(mMap.takeAnnounced(announced, metadata, list));
-  EXPECT_EQ(List{"hdr"}, list);
-  EXPECT_EQ(&block, metadata);
-  EXPECT_TRUE(mMap.setAnnounced(announced)) << "the library calls back once more";
-  EXPECT_FALSE(mMap.takeAnnounced(announced, metadata, list));
-  for (uint64_t id : {waitedFor, announced}) EXPECT_TRUE(mMap.remove(id));
+  const uint64_t waitedFor = mMap.create(1, &block, false);
+  EXPECT_TRUE(mMap.onCallbackReceived(waitedFor));
+  EXPECT_FALSE(mMap.takeForFinish(waitedFor, metadata, list)) << "another thread waits for it";
+  EXPECT_TRUE(mMap.remove(waitedFor));
+
+  for (const bool isAnnounced : {true, false}) {
+    SCOPED_TRACE(isAnnounced);
+    list = {"old"};
+    metadata = &list;
+    const uint64_t id = mMap.create(2, &block, true);
+    EXPECT_TRUE(mMap.setAlgoList(id, {"hdr"}));
+    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "it is being submitted";
+    EXPECT_EQ(List{"old"}, list);
+    EXPECT_EQ(&list, metadata);
+    if (isAnnounced) {
+      EXPECT_TRUE(mMap.setAnnounced(id));
+    } else {
+      EXPECT_EQ(nullptr, mMap.releaseBlock(id, kUsedBySubmission));
+    }
+    EXPECT_TRUE(mMap.takeForFinish(id, metadata, list));
+    EXPECT_EQ(List{"hdr"}, list);
+    EXPECT_EQ(&block, metadata);
+    EXPECT_TRUE(mMap.setAnnounced(id)) << "the library calls back once more";
+    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "it is taken";
+    EXPECT_EQ(nullptr, mMap.finish(id)) << "the library, or the submission, still uses the block";
+    EXPECT_EQ(2 - (isAnnounced ? 1 : 0), mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 2"));
+    EXPECT_EQ(-1, mMap.getRequestId(id)) << "it is known";
+    EXPECT_FALSE(mMap.setAnnounced(id));
+    EXPECT_EQ(isAnnounced ? nullptr : &block, mMap.releaseBlock(id, kUsedByLibrary));
+    EXPECT_EQ(isAnnounced ? &block : nullptr, mMap.releaseBlock(id, kUsedBySubmission));
+  }
 }
 
-TEST_F(AlgoNativeRequestMapTest, GivesUpWhatWasNeverAnnounced) {
-  int blocks[5] = {};
+// Whoever comes last gets the block, in each order in which the three users may let go of it.
+TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
   const void* const owner = &mLog;
-  const uint64_t kept[] = {mMap.create(1, &blocks[0], true, owner), mMap.create(2, &blocks[1], false, owner),
-                           mMap.create(3, &blocks[2], true)};
-  mMap.setAnnounced(kept[0]);
-  for (int i : {3, 4}) mMap.create(4, &blocks[i], true, owner);
-  void* metadata = nullptr;
-  for (int i : {3, 4}) {
-    EXPECT_TRUE(mMap.removeUnannounced(owner, metadata));
-    EXPECT_EQ(&blocks[i], metadata);
+  for (const char* order : {"SLJ", "LSJ", "LJS", "SJL", "SJO", "SOJ", "OS"}) {
+    SCOPED_TRACE(order);
+    int block = 0;
+    const uint64_t id = mMap.create(7, &block, true, owner);
+    for (const char* step = order; *step != 0; ++step) {
+      void* got = nullptr;
+      List list;
+      void* taken = nullptr;
+      switch (*step) {
+        case 'S':
+          got = mMap.releaseBlock(id, kUsedBySubmission);
+          break;
+        case 'L':
+          got = mMap.releaseBlock(id, kUsedByLibrary);
+          mMap.setAnnounced(id);
+          break;
+        case 'O':
+          if (step[1] != 0) mMap.takeForFinish(id, taken, list);
+          EXPECT_TRUE(mMap.releaseOwned(owner, got));
+          break;
+        default:
+          mMap.takeForFinish(id, taken, list);
+          got = mMap.finish(id);
+      }
+      EXPECT_EQ(step[1] == 0 ? &block : nullptr, got) << *step;
+    }
+    void* none = nullptr;
+    EXPECT_FALSE(mMap.releaseOwned(owner, none)) << "something is left";
+    EXPECT_FALSE(mMap.remove(id));
   }
-  EXPECT_FALSE(mMap.removeUnannounced(owner, metadata));
-  for (uint64_t id : kept) EXPECT_TRUE(mMap.remove(id));
+}
+
+TEST_F(AlgoNativeRequestMapTest, FinishesWhatItsOwnerLeaves) {
+  int blocks[4] = {};
+  const void* const owner = &mLog;
+  const uint64_t announced = mMap.create(1, &blocks[0], true, owner);
+  const uint64_t synchronous = mMap.create(2, &blocks[1], false, owner);
+  const uint64_t failed = mMap.create(3, &blocks[2], true, owner);
+  const uint64_t others = mMap.create(4, &blocks[3], true);
+  for (uint64_t id : {announced, failed}) {
+    EXPECT_EQ(nullptr, mMap.releaseBlock(id, kUsedBySubmission));
+    EXPECT_EQ(nullptr, mMap.releaseBlock(id, kUsedByLibrary));
+    EXPECT_TRUE(mMap.setAnnounced(id));
+  }
+  EXPECT_EQ(nullptr, mMap.withdrawAnnouncement(failed));
+  void* metadata = nullptr;
+  EXPECT_TRUE(mMap.releaseOwned(owner, metadata));
+  EXPECT_EQ(nullptr, metadata) << "Java knows the request";
+  EXPECT_TRUE(mMap.releaseOwned(owner, metadata));
+  EXPECT_EQ(&blocks[2], metadata);
+  EXPECT_FALSE(mMap.releaseOwned(owner, metadata));
+  EXPECT_EQ(&blocks[0], mMap.withdrawAnnouncement(announced)) << "Java does not hear of it after all";
+  for (uint64_t id : {synchronous, others}) EXPECT_TRUE(mMap.remove(id));
+  for (uint64_t id : {announced, failed}) EXPECT_FALSE(mMap.remove(id));
 }
 
 TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
@@ -103,6 +163,9 @@ TEST_F(AlgoNativeRequestMapTest, KnowsNoOtherIds) {
     EXPECT_FALSE(mMap.waitForCallback(id));
     EXPECT_EQ(nullptr, mMap.getMetadataHandle(id));
     EXPECT_FALSE(mMap.setAnnounced(id));
+    EXPECT_EQ(nullptr, mMap.withdrawAnnouncement(id));
+    EXPECT_EQ(nullptr, mMap.releaseBlock(id, kUsedByLibrary));
+    EXPECT_EQ(nullptr, mMap.finish(id));
     EXPECT_EQ(-1, mMap.getRequestId(id));
     EXPECT_FALSE(mMap.setAlgoList(id, {"hdr"}));
     bool isFullAsync = false;
