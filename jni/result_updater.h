@@ -49,10 +49,13 @@ private:
   void updateDetections();
 
   // result_updater_frame_selection.cpp
-  int updateFrameClarity();               // -1 without a composition
-  int updateFrameSelectResult();          // -1 when a frame index is out of range
-  int updateSelectBasicFrameIndex();      // -1 when there is no frame to choose
-  std::vector<int64_t> readTimestamps();  // one per capture result, nanoseconds, 0 where it has none
+  int updateFrameClarity();           // -1 without a composition
+  int updateFrameSelectResult();      // -1 when a frame index is out of range
+  int updateSelectBasicFrameIndex();  // -1 when there is no frame to choose
+  // One per capture result, nanoseconds, 0 where it has none. `log` gets each frame's number and timestamp
+  // before the next frame is read.
+  template <typename Logger>
+  std::vector<int64_t> readTimestamps(const Logger& log);
 
   // result_updater_raw_algo.cpp. All return 0.
   int updateParamsFromRawAlgo();

@@ -25,13 +25,15 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 
 }  // namespace
 
-std::vector<int64_t> ResultUpdater::readTimestamps() {
+template <typename Logger>
+std::vector<int64_t> ResultUpdater::readTimestamps(const Logger& log) {
   constexpr char kTimestampTag[] = "android.sensor.timestamp";
   const FrameList& frames = mTags.frames();
   const CameraMetadataParser::RepeatedTag repeated = mTags.repeated(kTimestampTag);
   std::vector<int64_t> timestamps(static_cast<size_t>(frames.size()));
-  for (int i = 0; i < frames.size(); ++i) {
-    mTags.read(frames.at(i).captureResultOnly(), kTimestampTag, timestamps[static_cast<size_t>(i)]);
+  for (size_t i = 0; i < timestamps.size(); ++i) {
+    mTags.read(frames.at(static_cast<int>(i)).captureResultOnly(), kTimestampTag, timestamps[i]);
+    log(i, timestamps[i]);
   }
   return timestamps;
 }
@@ -58,11 +60,12 @@ int ResultUpdater::updateFrameSelectResult() {
   nothingSelected.fill(-1);
   const auto selections = mChannel.get<Selections>(kFeedback, "frame_select_result", nothingSelected);
   const auto scores = mChannel.get<Scores>(kParameter, "frame_clarity_score");
-  const std::vector<int64_t> timestamps = readTimestamps();
-  for (size_t i = 0; i < timestamps.size(); ++i) {
-    LOGD("frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d", static_cast<int>(i),
-         scoreAt(scores, i), static_cast<long long>(timestamps[i]), selectionAt(selections, i));
-  }
+  const char* const operation = __func__;
+  const std::vector<int64_t> timestamps = readTimestamps([&](size_t i, int64_t timestamp) {
+    LOGD_AS(operation, "frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d",
+            static_cast<int>(i), scoreAt(scores, i), static_cast<long long>(timestamp),
+            selectionAt(selections, i));
+  });
 
   std::vector<int64_t> kept;
   std::vector<double> thrownScores;
@@ -89,7 +92,7 @@ int ResultUpdater::updateFrameSelectResult() {
 }
 
 int ResultUpdater::updateSelectBasicFrameIndex() {
-  const std::vector<int64_t> timestamps = readTimestamps();
+  const std::vector<int64_t> timestamps = readTimestamps([](size_t, int64_t) {});
   auto index = mChannel.get<int32_t>(kFeedback, "current_base_frame_idx", -1);
   const auto time = mChannel.get<int64_t>(kControl, "current_base_frame_time");
   if (index < 0) return 0;

@@ -191,5 +191,18 @@ TEST(ResultUpdaterTimestampTest, IsZeroForAFrameWithoutOne) {
             linesWith(scene.puts(), {"frameSelectResult", "basicFrame"}));
 }
 
+// So that a line about a missing timestamp stands before the line of its frame.
+TEST(ResultUpdaterTimestampTest, IsReadAndLoggedFrameByFrame) {
+  ResultScene scene;
+  scene.compositions = {test::newComposition(), test::newComposition()};
+  scene.translate();
+  size_t at = 0;
+  for (const char* line : {"get android.sensor.timestamp is null\n", "frameSelect update 0 ",
+                           "get android.sensor.timestamp is null\n", "frameSelect update 1 "}) {
+    at = scene.wholeLog().find(line, at);
+    EXPECT_NE(std::string::npos, at) << line << scene.wholeLog();
+  }
+}
+
 }  // namespace
 }  // namespace orlu

@@ -69,6 +69,7 @@ public:
     ResultUpdater(&mClient, algorithms, *mRequest, mBlock, &parser).updateResult();
     mPuts = recorder.text();
     for (const LogLine& line : capture.lines()) mLog += describe(line);
+    mWholeLog = capture.text();
     mClient.context().destroyMetadata(mBlock);
   }
 
@@ -76,6 +77,8 @@ public:
   // Priority and message of each line of the result updater, without its prefix: "D updateMarkMode 4". A
   // line of the short tag, which has no prefix, begins with "D*" or "E*".
   const std::string& log() const { return mLog; }
+  // The lines of everyone, as LogCapture::text() has them.
+  const std::string& wholeLog() const { return mWholeLog; }
   // An output as Java and the algorithms see it: format, size, bytes of planes; "" when nothing changed.
   std::string changeOfOutput(size_t index) const {
     const std::string now = describeOutput(index);
@@ -123,6 +126,7 @@ private:
   std::unique_ptr<VRequest> mRequest;
   std::vector<std::string> mOutputsBefore;
   std::string mPuts;
+  std::string mWholeLog;
   std::string mLog;
 };
 
