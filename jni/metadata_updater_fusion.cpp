@@ -31,13 +31,12 @@ void writeFrameIds(const Shot& shot, const FusionFrames& frames) {
   shot.write<Longs<2>>(kControl, "bokeh_request_id", requestIds);
 }
 
-// Both frames share one record: what the first left stays under what the second lacks (Oddity 21). The
-// composition is handed in as the capture result too (Oddity 22).
+// Both frames share one record: what the first left stays under what the second lacks (Oddity 21), all of it
+// where there is no second frame. The composition is handed in as the capture result too (Oddity 22).
 void writeExposureTimes(const Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
   Aec aec = {};
   for (size_t slot = 0; slot < frames.size(); ++slot) {
-    if (frames[slot] >= shot.frames().size()) continue;
     const jobject composition = shot.frames().at(frames[slot]).composition;
     shot.read({composition, composition}, kAecTag, aec);
     times[slot] = milliseconds(aec);
