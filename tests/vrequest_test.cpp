@@ -88,8 +88,7 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   test::JniTable table(env());
   table.hide(GetParam().lookup);
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
-  EXPECT_EQ(std::string(GetParam().label) + " is null\ninit request failed\n" + kNullErrors,
-            test::errorText(mLog, kTag));
+  EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
 
   // Nothing of the rest reaches for it.
   VRequest request(env(), javaRequest, images, images, compositions);
@@ -103,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(Entries, VRequestMissingTest, testing::ValuesIn(kEntrie
 TEST_F(VRequestTest, WantsAnEnvironment) {
   jobject list = test::javaList({});
   const VRequest request(nullptr, test::newRequest(5, "shot"), list, list, list);
-  EXPECT_EQ(std::string("mEnv is null\ninit request failed\n") + kNullErrors, test::errorText(mLog, kTag));
+  EXPECT_EQ(std::string("mEnv is null\n") + kNullErrors, test::errorText(mLog, kTag));
 }
 
 TEST_F(VRequestTest, ReadsARequest) {
