@@ -24,9 +24,9 @@ inline int32_t saturated(int64_t value) {
       std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
-// The number of pixels from `first` to `last`, both included. Wraps where an int32_t has no room for it.
+// The number of pixels from `first` to `last`, both included; saturates.
 inline int32_t extent(int32_t first, int32_t last) {
-  return static_cast<int32_t>(static_cast<uint32_t>(last) - static_cast<uint32_t>(first) + 1U);
+  return saturated(int64_t{last} - first + 1);
 }
 
 }  // namespace orlu

@@ -27,7 +27,9 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
   for (const auto& c : cases) EXPECT_EQ(c.to, toInt(c.from)) << c.from;
   EXPECT_EQ(100, extent(10, 109));
   EXPECT_EQ(1, extent(5, 5));
-  EXPECT_EQ(kMin, extent(0, kMax));
+  EXPECT_EQ(kMax, extent(0, kMax));
+  EXPECT_EQ(kMax, extent(kMin, kMax));
+  EXPECT_EQ(kMin, extent(kMax, kMin));
 }
 
 // Every element is its own index, in nanoseconds times a million.
