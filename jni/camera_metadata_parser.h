@@ -43,9 +43,8 @@ class CameraMetadataParser {
   };
 
 public:
-  // RAII cache: while it lives, reads of `tag` reuse one set of Java key objects. The tag is recognised by
-  // its address, so the reads name the same constant. If several are alive, destroy in reverse order of
-  // creation.
+  // RAII cache: while it lives, reads of any key that equals `tag` reuse one set of Java key objects. If
+  // several are alive, destroy in reverse order of creation.
   class RepeatedTag {
   public:
     // `tag` must live as long.
