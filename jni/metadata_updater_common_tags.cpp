@@ -222,18 +222,20 @@ void MetadataUpdater::updateFaceInfo() {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
   _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
-  // The first empty rectangle ends the list, also when valid ones follow.
-  const auto* const end = faces.rects + faces.count;
-  const auto* const empty = std::find_if(faces.rects, faces.rects + faces.count, isEmpty);
-  if (empty != end) {
-    faces.count = static_cast<int32_t>(empty - faces.rects);
+  // The first empty rectangle ends the list, also when valid ones follow. What is past the table counts as
+  // empty.
+  const __tagOrluRect* const rects = faces.rects;
+  const auto* const tableEnd = rects + std::min(faces.count, kMaxFaces);
+  const auto available = static_cast<int32_t>(std::find_if(rects, tableEnd, isEmpty) - rects);
+  if (available < faces.count) {
+    faces.count = available;
     LOGD_AS(kOperation, "faceRect is error, change faceNum to available faceNum: %d", faces.count);
   }
   if (const AlgoFrameInfo* input = mShot.firstInput()) {
     convertFace(faces, input->width, input->height, isRawImageFormat(input->format));
   }
   mShot.write<_tagOrluFaceInfo>(kSystem, "face_info", faces);
-  const __tagOrluRect& first = faces.rects[0];
+  const __tagOrluRect& first = rects[0];
   LOGD_AS(kOperation, "start process input face num %d (%d %d %d %d)", faces.count, first.left, first.top,
           first.right, first.bottom);
 }

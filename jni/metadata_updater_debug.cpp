@@ -3,6 +3,7 @@
 
 #include <cutils/properties.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "metadata_updater_steps.h"
@@ -26,7 +27,8 @@ void logFrameSettings(const Shot& shot, int index) {
   const auto watermarkType = shot.readOr<int32_t>(frame, "orlu.control.watermark");
   const auto isUpscale = shot.readOr<int32_t>(frame, "orlu.control.isUpscale");
   const auto rotation = shot.readOr<int32_t>(frame, "android.jpeg.orientation");
-  const _tagOrluFaceInfo faces = readFaces(shot, frame);
+  _tagOrluFaceInfo faces = readFaces(shot, frame);
+  faces.count = std::min(faces.count, kMaxFaces);
   LOGD_AS(kOperation,
           "%s: metadata[%d] isMirror %d watermarkType %d isUpscale %d jpegRotation %d face_num %d",
           kOperation, index, isMirror, watermarkType, isUpscale, rotation, faces.count);

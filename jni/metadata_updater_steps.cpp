@@ -1,7 +1,5 @@
 #include "metadata_updater_steps.h"
 
-#include <algorithm>
-
 namespace orlu {
 
 // The camera's own face list is only asked where the combined one of a multi-camera system is not there.
@@ -10,8 +8,6 @@ _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame) {
   if (shot.read(frame, "orlu.feedback.satFaceRect", combined) != 0) {
     shot.read(frame, "android.statistics.faces", combined.faces);
   }
-  // The tag's count may be past the table (Oddity 11).
-  combined.faces.count = std::min(combined.faces.count, kMaxFaces);
   return combined.faces;
 }
 

@@ -13,7 +13,8 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
-// The faces of a frame in the active array's coordinates, kMaxFaces at most.
+// The faces of a frame in the active array's coordinates. Their count is the tag's, also past the table
+// (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
 // Width and height of the active array, zero where the camera does not say.
 _tagOrluSize readActiveSize(const Shot& shot);
