@@ -51,7 +51,8 @@ final class RecordFolder {
 
     private void writeAll(String name, ByteBuffer bytes) throws IOException {
         File file = new File(mFolder, name);
-        try (FileOutputStream stream = new FileOutputStream(file); FileChannel channel = stream.getChannel()) {
+        try (FileOutputStream stream = new FileOutputStream(file);
+                FileChannel channel = stream.getChannel()) {
             while (bytes.hasRemaining()) {
                 channel.write(bytes);
             }

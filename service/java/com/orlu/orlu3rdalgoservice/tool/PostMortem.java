@@ -15,17 +15,19 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
+import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
 import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
 
 import java.io.IOException;
@@ -78,25 +80,25 @@ final class PostMortem {
     // The requests before it have their pages already.
     private void writePage(Verdict verdict, String crash) throws IOException {
         List<Path> requests = mOptions.requests();
-        PageFolder pages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
+        PageFolder pages = new PageFolder(mOptions.report, PageFolder.Sources.ofWorkFolder(), requests
+                .size());
         pages.resume();
         if (pages.count() < requests.size()) {
             try {
-                RequestReport report = new RequestReport(
-                        RequestFileReader.read(requests.get(pages.count()), mOptions.photo),
-                        RequestNames.of(requests).get(pages.count()));
-                report.verdict = verdict;
-                report.crash = crash;
-                report.dependences = TrialSession.found(pages.count());
-                SourceLines source = new SourceLines();
                 RecordedEvents all = new RecordedEvents();
+                RecordedEvents own = new RecordedEvents();
                 List<Json> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
                 all.add(lines);
+                own.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
+                SourceLines source = new SourceLines();
                 source.learn(all);
-                report.events.add(
-                        lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
+                RequestFile request = RequestFileReader.read(requests.get(pages.count()), mOptions.photo);
+                Run run = Run.of(RequestNames.of(requests).get(pages.count()), request, own, List.of(),
+                        null, null);
+                RunReport report = new RunReport(
+                        run, ImageResults.NONE, verdict, TrialSession.found(pages.count()), "", crash);
                 System.out.println(
-                        "  page        " + pages.add(report, inputs(report.request), new Timeline(), source));
+                        "  page        " + pages.add(report, inputs(request), new Timeline(), source));
             } catch (MistakeException e) {
                 System.err.println("run: no page: " + e.getMessage());
             }

@@ -175,7 +175,8 @@ final class RecordingCommand extends Command {
         int status = EQUAL;
         if (sides.get(0).size() != sides.get(1).size()) {
             List<Run> longer = sides.get(0).size() > common ? sides.get(0) : sides.get(1);
-            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: " + sides.get(0).size() + " requests / "
+            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: " + sides.get(0).size()
+                    + " requests / "
                     + sides.get(1).size() + "; nothing to compare with "
                     + longer.stream().skip(common).map(Run::name).collect(Collectors.joining(", ")));
             status = DIFFERENT;

@@ -9,27 +9,37 @@ import com.orlu.orlu3rdalgoservice.tool.explain.Readings;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagCheck;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
+import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.judge.Callbacks;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
+import com.orlu.orlu3rdalgoservice.tool.run.NoiseMeasure;
+import com.orlu.orlu3rdalgoservice.tool.run.OutputImages;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
 import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
 import com.orlu.orlu3rdalgoservice.tool.view.Summary;
 import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
 
@@ -43,6 +53,10 @@ import java.util.List;
 
 /** Runs the requests of one command line, one after the other, and prints what happened. */
 final class Session {
+    /** How much longer a callback that did not come is waited for, to tell a late one from none. */
+    private static final long LATE_MILLISECONDS = 2_000;
+    private static final long POLL_MILLISECONDS = 50;
+
     private final Options mOptions;
     private final PrintStream mTo = System.out;
     private final TraceReader mTraces;
@@ -95,33 +109,32 @@ final class Session {
         List<RequestFile> requests = checker.requests();
         List<String> names = RequestNames.of(mOptions.requests());
         if (mOptions.report != null) {
-            mPages = new PageFolder(mOptions.report, WorkFolder.pageSources(), requests.size());
+            mPages = new PageFolder(mOptions.report, PageFolder.Sources.ofWorkFolder(), requests.size());
         }
         for (int i = 0; i < requests.size(); ++i) {
             if (i > 0) {
                 mTo.println();
             }
-            RequestReport report = new RequestReport(requests.get(i), names.get(i));
+            RunReport report;
             Exhibits exhibits = mPages == null ? null : new Exhibits();
             try {
-                runOne(report, exhibits, !mOptions.oneClient || i == requests.size() - 1);
+                report = runOne(names.get(i), requests.get(i), exhibits, !mOptions.oneClient
+                        || i == requests.size() - 1);
             } finally {
                 Progress.end();
             }
-            if (mOptions.needsTrials()) {
-                report.dependences = TrialSession.found(i);
-            }
-            if (mOptions.strict) {
-                report.verdict =
-                        new TagCheck(Readings.of(report)).strict(report.verdict, checker.warnings(i));
-            }
+            Dependences dependences = mOptions.needsTrials() ? TrialSession.found(i) : null;
+            Verdict verdict = !mOptions.strict ? report.verdict()
+                    : new TagCheck(Readings.of(report.run(), dependences))
+                            .strict(report.verdict(), checker.warnings(i));
+            report = new RunReport(report.run(), report.images(), verdict, dependences, "", "");
             mTimeline.add(report);
             if (mPages != null) {
-                report.page = mPages.add(report, exhibits, mTimeline, mSourceLines);
+                report = report.withPage(mPages.add(report, exhibits, mTimeline, mSourceLines));
             }
             print(report);
             mJson.add(report);
-            mVerdicts.add(report.verdict);
+            mVerdicts.add(verdict);
         }
         if (mOptions.json != null) {
             mJson.write(mOptions.json);
@@ -144,21 +157,21 @@ final class Session {
         }
     }
 
-    private void print(RequestReport report) {
+    private void print(RunReport report) {
         new Summary(report, mTo, mOptions.wide).print();
         if (mOptions.params) {
-            ParameterPrinter.print(report.handover(), mTo, mOptions.wide);
+            ParameterPrinter.print(report.run().handover(), mTo, mOptions.wide);
         }
-        boolean hasRun = report.verdict.status() != Verdict.UNUSABLE;
+        boolean hasRun = report.verdict().status() != Verdict.UNUSABLE;
         if (hasRun && mOptions.tags) {
-            new TagPrinter(report).print(new TextLayout(mTo, mOptions.wide));
+            new TagPrinter(report.run(), report.dependences()).print(new TextLayout(mTo, mOptions.wide));
         }
         if (hasRun && !mOptions.explain.isEmpty()) {
-            mSourceLines.learn(report.events);
-            new ExplanationPrinter(report, mSourceLines, new TextLayout(mTo, mOptions.wide))
-                    .print(mOptions.explain);
+            mSourceLines.learn(report.run().events());
+            new ExplanationPrinter(report.run(), report.dependences(), mSourceLines,
+                    new TextLayout(mTo, mOptions.wide)).print(mOptions.explain);
         }
-        mTo.println(report.verdict.line());
+        mTo.println(report.verdict().line());
     }
 
     // One verdict on several requests stands behind all of theirs.
@@ -183,27 +196,79 @@ final class Session {
         return status;
     }
 
-    private void runOne(RequestReport report, Exhibits exhibits, boolean lastOfClient)
+    private RunReport runOne(String name, RequestFile request, Exhibits exhibits, boolean lastOfClient)
             throws MistakeException, ErrnoException, IOException {
-        RequestFile request = report.request;
+        RecordedEvents events = new RecordedEvents();
+        Stopwatch stopwatch = new Stopwatch();
         List<SynthesisedFrame> frames = RequestImages.frames(request, mPhotos);
         if (mClient == null) {
-            mClient = new ServiceClient(request, report.stopwatch, mRecorder);
-            report.events.add(mEvents.next());
-            mLibrary = LibraryCheck.of(report.events);
+            mClient = new ServiceClient(request, stopwatch, mRecorder);
+            events.add(mEvents.next());
+            mLibrary = LibraryCheck.of(events);
         }
+        RequestRunner runner = null;
+        ImageResults images = ImageResults.NONE;
         // With a library that can't be used a request would only wait for a callback.
-        boolean isUsable = mLibrary.status() == Verdict.OK;
-        if (isUsable) {
-            new RequestRunner(report, exhibits, mClient, mEvents, mOptions.out, mOptions.needsLookups())
-                    .run(frames);
+        if (mLibrary.status() == Verdict.OK) {
+            runner = new RequestRunner(request, mClient, stopwatch, mOptions.needsLookups());
+            try (RequestRunner closed = runner) {
+                closed.make(frames);
+                if (exhibits != null) {
+                    exhibits.before(closed.inputs());
+                }
+                closed.process();
+                awaitLateCallback(request, closed, events);
+                images = results(name, request, closed, frames, exhibits);
+            }
         }
         if (lastOfClient) {
-            mClient.end(request, report.stopwatch);
+            mClient.end(request, stopwatch);
             mClient = null;
         }
-        report.events.add(mEvents.next());
-        report.pass = mTraces.next();
-        report.verdict = isUsable ? Judge.of(report) : mLibrary;
+        events.add(mEvents.next());
+        Run run = Run.of(name, request, events, stopwatch.stages(), mTraces.next(), runner);
+        Verdict verdict = runner == null ? mLibrary : Judge.of(run, images.problems());
+        return new RunReport(run, images, verdict, null, "", "");
+    }
+
+    // Only when the wait ended without one: then a moment more shows whether one comes at all.
+    private void awaitLateCallback(RequestFile request, RequestRunner runner, RecordedEvents events)
+            throws IOException {
+        long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;
+        Callbacks callbacks;
+        do {
+            events.add(mEvents.next());
+            callbacks = new Callbacks(events, request.fullAsync(), runner.waitStart(), runner.waitEnd());
+        } while (callbacks.isMissing() && !callbacks.hasEnd() && System.nanoTime() < end && sleep());
+    }
+
+    private static boolean sleep() {
+        try {
+            Thread.sleep(POLL_MILLISECONDS);
+            return true;
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+            return false;
+        }
+    }
+
+    private ImageResults results(String name, RequestFile request, RequestRunner runner,
+            List<SynthesisedFrame> frames, Exhibits exhibits) throws IOException {
+        Progress.show("comparing and writing " + runner.outputs().size() + " outputs");
+        List<OutputReader> outputs = runner.outputs().stream().map(OutputReader::of).toList();
+        List<String> problems = new ArrayList<>();
+        for (int i = 0; i < outputs.size(); ++i) {
+            if (!outputs.get(i).problem().isEmpty()) {
+                problems.add("output " + i + " is " + outputs.get(i).problem());
+            }
+        }
+        BaseFrame base = BaseFrame.of(request, runner.put());
+        List<String> files =
+                new OutputImages(name, base.index(), mOptions.out).write(frames, runner.inputs(), outputs);
+        List<String> noise = new NoiseMeasure(request, base.index()).lines(frames, outputs);
+        if (exhibits != null) {
+            exhibits.after(base, runner.inputs(), runner.outputs(), outputs);
+        }
+        return new ImageResults(files, noise, problems);
     }
 }

@@ -82,12 +82,20 @@ public final class ComparisonReport {
         return mOne.folder() != null && mOther.folder() != null;
     }
 
+    private static Dependences trials(Path request) throws IOException {
+        try {
+            return Dependences.read(new ChildRun("trials", false, null).trials(request)).get(0);
+        } catch (IllegalStateException e) {
+            return Dependences.unknown(e.getMessage());
+        }
+    }
+
     // A tag may matter in one of the runs alone, so that both are tried, unless they were given the same.
     private Causes causes() throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
             Progress.show("trying what each tag of " + run.name() + " changes");
-            found.add(new ChildRun("trials", false, null).trials(run.folder().resolve(RunFolder.REQUEST)));
+            found.add(trials(run.folder().resolve(RunFolder.REQUEST)));
         }
         Progress.end();
         return new Causes(mGiven, found);

@@ -30,7 +30,8 @@ final class ValueDifference {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;
         }
-        List<String> found = oneValue != null && otherValue != null && oneValue.isList() && otherValue.isList()
+        List<String> found = oneValue != null && otherValue != null && oneValue.isList() && otherValue
+                .isList()
                         && oneValue.elements().size() == otherValue.elements().size()
                 ? elements(oneValue.elements(), otherValue.elements())
                 : fields(one.split(BETWEEN_FIELDS), other.split(BETWEEN_FIELDS));

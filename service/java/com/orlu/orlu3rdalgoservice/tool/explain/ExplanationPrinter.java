@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
@@ -20,8 +20,8 @@ public final class ExplanationPrinter {
     private final SourceLines mSource;
     private final TextLayout mLines;
 
-    public ExplanationPrinter(RequestReport report, SourceLines source, TextLayout lines) {
-        mExplanations = new Explanations(report, source);
+    public ExplanationPrinter(Run run, Dependences dependences, SourceLines source, TextLayout lines) {
+        mExplanations = new Explanations(run, dependences, source);
         mSource = source;
         mLines = lines;
     }

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines.Place;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
@@ -33,11 +33,11 @@ public final class Explanations {
     }
 
     /** Of a request whose look-ups were recorded and whose trials are there. */
-    public Explanations(RequestReport report, SourceLines source) {
-        mHandover = report.handover();
-        mDependences = report.dependences;
-        mReadings = Readings.of(report);
-        mPlaces = source.of(report.events.calls("setValue"),
+    public Explanations(Run run, Dependences dependences, SourceLines source) {
+        mHandover = run.handover();
+        mDependences = dependences;
+        mReadings = Readings.of(run, dependences);
+        mPlaces = source.of(run.events().calls("setValue"),
                 mHandover.parameters().stream().map(Parameter::fullName).toList());
         mHandover.parameters().forEach(parameter -> mNames.add(parameter.fullName()));
         mNames.add(Dependences.ALGORITHMS);

@@ -4,7 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
@@ -39,9 +39,8 @@ public final class Readings {
     }
 
     /** Of a request whose look-ups were recorded. */
-    public static Readings of(RequestReport report) {
-        Dependences dependences = report.dependences;
-        return new Readings(report.events, report.request.frames().frames(),
+    public static Readings of(Run run, Dependences dependences) {
+        return new Readings(run.events(), run.request().frames().frames(),
                 dependences != null ? dependences : Dependences.unknown("nobody asked"));
     }
 

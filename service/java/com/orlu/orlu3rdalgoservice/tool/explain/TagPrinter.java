@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
 import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
@@ -23,11 +23,11 @@ public final class TagPrinter {
     // The last value of each parameter, which counts.
     private final Map<String, Parameter> mParameters = new LinkedHashMap<>();
 
-    public TagPrinter(RequestReport report) {
-        mReadings = Readings.of(report);
+    public TagPrinter(Run run, Dependences dependences) {
+        mReadings = Readings.of(run, dependences);
         mCheck = new TagCheck(mReadings);
-        mDependences = report.dependences;
-        report.handover().parameters().forEach(parameter -> mParameters.put(parameter.fullName(), parameter));
+        mDependences = dependences;
+        run.handover().parameters().forEach(parameter -> mParameters.put(parameter.fullName(), parameter));
     }
 
     /** Prints a heading and rows for each group. */

@@ -2,7 +2,8 @@ package com.orlu.orlu3rdalgoservice.tool.judge;
 
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Handover;
+import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -15,14 +16,19 @@ public final class Callbacks {
     private static final String LIGHT_STREAM = "lightStreamCb";
     private static final double NANOSECONDS_PER_SECOND = 1e9;
 
-    private final RequestReport mReport;
+    private final boolean mIsFullAsync;
+    private final long mWaitStart;
+    private final long mWaitEnd;
     private final Call mProcess;
     private final List<Call> mCallbacks;
 
-    public Callbacks(RequestReport report) {
-        mReport = report;
-        mProcess = report.handover().process();
-        mCallbacks = report.events.calls("callback");
+    /** Those of a request that was waited for from and until these times of System.nanoTime(). */
+    public Callbacks(RecordedEvents events, boolean isFullAsync, long waitStart, long waitEnd) {
+        mIsFullAsync = isFullAsync;
+        mWaitStart = waitStart;
+        mWaitEnd = waitEnd;
+        mProcess = new Handover(events).process();
+        mCallbacks = events.calls("callback");
     }
 
     /** Whether the request was submitted and nothing that counts ended it. */
@@ -58,12 +64,12 @@ public final class Callbacks {
     }
 
     private boolean isLate(Event callback) {
-        return callback.time() > mReport.waitEnd;
+        return callback.time() > mWaitEnd;
     }
 
     // A waiting request is woken by any thread; Java is called only on one that the VM knows.
     private boolean isUnreachable(Event callback) {
-        boolean callsJava = callback.text("name").equals(LIGHT_STREAM) || mReport.request.fullAsync();
+        boolean callsJava = callback.text("name").equals(LIGHT_STREAM) || mIsFullAsync;
         return callsJava && callback.has("attached") && !callback.flag("attached");
     }
 
@@ -92,7 +98,7 @@ public final class Callbacks {
         // Behind one that came in time it is only one too many.
         if (name.equals(SHOT) && isLate(callback) && isMissing()) {
             return "it came after %.1f s".formatted(
-                    (callback.time() - mReport.waitStart) / NANOSECONDS_PER_SECOND);
+                    (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);
         }
         return "";
     }

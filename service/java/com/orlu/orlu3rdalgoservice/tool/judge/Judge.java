@@ -1,7 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -15,24 +16,28 @@ public final class Judge {
     private static final Set<String> ANSWERING =
             Set.of("getValue", "visit", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo");
 
-    private final RequestReport mReport;
+    private final Run mRun;
+    private final List<String> mOutputProblems;
     private final Callbacks mCallbacks;
     private final List<String> mReasons = new ArrayList<>();
 
-    private Judge(RequestReport report) {
-        mReport = report;
-        mCallbacks = new Callbacks(report);
+    private Judge(Run run, List<String> outputProblems) {
+        mRun = run;
+        mOutputProblems = outputProblems;
+        mCallbacks = new Callbacks(
+                run.events(), run.request().fullAsync(), run.waitStart(), run.waitEnd());
     }
 
-    public static Verdict of(RequestReport report) {
-        return new Judge(report).judge();
+    /** The problems are those of outputs that the algorithms were to write. */
+    public static Verdict of(Run run, List<String> outputProblems) {
+        return new Judge(run, outputProblems).judge();
     }
 
     private Verdict judge() {
-        mReasons.addAll(mReport.problems);
-        LibraryCheck.addMissingCarriers(mReport.events, mReasons);
+        mReasons.addAll(mRun.problems());
+        LibraryCheck.addMissingCarriers(mRun.events(), mReasons);
         boolean isMissing = mCallbacks.isMissing();
-        checkOperations(isMissing ? mReport.handover().process() : null);
+        checkOperations(isMissing ? mRun.handover().process() : null);
         if (isMissing) {
             mReasons.add(noCallback());
         } else {
@@ -46,7 +51,7 @@ public final class Judge {
     // An operation that failed a hundred times is one reason. What came of one call is said elsewhere.
     private void checkOperations(Call except) {
         Map<String, Integer> counts = new LinkedHashMap<>();
-        for (Call call : mReport.events.calls()) {
+        for (Call call : mRun.events().calls()) {
             if (call != except && hasFailed(call)) {
                 counts.merge(call.operation() + " " + outcome(call), 1, Integer::sum);
             }
@@ -68,9 +73,9 @@ public final class Judge {
     }
 
     private String noCallback() {
-        Call process = mReport.handover().process();
+        Call process = mRun.handover().process();
         String text = "no callback for request %d within %d s; process was called and %s".formatted(
-                mReport.request.id(), RequestReport.CALLBACK_SECONDS, process.outcome());
+                mRun.request().id(), RequestRunner.CALLBACK_SECONDS, process.outcome());
         if (process.end() != null) {
             text += " after %.1f ms".formatted(process.end().milliseconds());
         }
@@ -92,15 +97,15 @@ public final class Judge {
     }
 
     private void checkAlgorithms() {
-        List<String> idle = mReport.idleAlgorithms();
+        List<String> idle = mRun.idleAlgorithms();
         if (!idle.isEmpty()) {
             mReasons.add("handed on, but nobody ran: " + String.join(", ", idle));
         }
     }
 
     private void checkOutputs() {
-        if (mReport.handover().process() != null) {
-            mReasons.addAll(mReport.outputProblems);
+        if (mRun.handover().process() != null) {
+            mReasons.addAll(mOutputProblems);
         }
     }
 }

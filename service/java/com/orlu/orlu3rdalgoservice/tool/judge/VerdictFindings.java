@@ -22,8 +22,8 @@ public final class VerdictFindings {
                             + "where it happened. Everything behind that is missing from this page.",
                     "ended the process", "stopped by signal"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
-                    "Nothing was handed on, and there is no output to look at. What the verdict names is missing "
-                            + "from that file, or the file is not the one that was meant.",
+                    "Nothing was handed on, and there is no output to look at. What the verdict names is "
+                            + "missing from that file, or the file is not the one that was meant.",
                     "the algorithm library", "no algorithm library", "createClient"),
             new Kind("time-out", Tab.TIMELINE,
                     "The request timed out: no callback ended it, so that no result was fetched.",

@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.List;
 import java.util.Map;
@@ -17,20 +18,20 @@ public record BaseFrame(int index, String namedBy) {
     private static final String SELECTED = "orlu.feedback.frameSelectResult";
 
     /** By the base's timestamp, else by that of the only frame that was selected. */
-    static BaseFrame of(RequestReport report) {
-        Map<String, Object> put = report.put.isEmpty() ? Map.of() : report.put.get(0);
-        int base = withTimestamp(report, put.get(BASE));
+    public static BaseFrame of(RequestFile request, List<Map<String, Object>> puts) {
+        Map<String, Object> put = puts.isEmpty() ? Map.of() : puts.get(0);
+        int base = withTimestamp(request, put.get(BASE));
         if (base >= 0) {
             return new BaseFrame(base, BASE);
         }
         base = put.get(SELECTED) instanceof long[] selected && selected.length == 1
-                ? withTimestamp(report, selected[0]) : -1;
+                ? withTimestamp(request, selected[0]) : -1;
         return base >= 0 ? new BaseFrame(base, SELECTED) : new BaseFrame(0, "");
     }
 
     // -1 when no frame has this timestamp.
-    private static int withTimestamp(RequestReport report, Object timestamp) {
-        List<FramePlan> frames = report.request.frames().frames();
+    private static int withTimestamp(RequestFile request, Object timestamp) {
+        List<FramePlan> frames = request.frames().frames();
         return IntStream.range(0, frames.size()).filter(i -> timestamp != null && timestamp.equals(
                 frames.get(i).captureResult().get("android.sensor.timestamp"))).findFirst().orElse(-1);
     }

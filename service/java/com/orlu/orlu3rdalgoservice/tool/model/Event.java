@@ -7,8 +7,8 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * One line of the events. A field that is absent, null or of another type reads as "", 0 or an empty list: the
- * line may come from a stranger's file.
+ * One line of the events. A field that is absent, null or of another type reads as "", 0 or an empty list:
+ * the line may come from a stranger's file.
  */
 public record Event(Json fields) {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;

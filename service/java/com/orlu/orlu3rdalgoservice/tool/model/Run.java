@@ -1,11 +1,15 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -13,7 +17,10 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** What one run of a request did, read from its folder or from its events alone. It does not change. */
+/**
+ * What one run of a request did: in this process, or read from its folder or its events. It does not
+ * change.
+ */
 public final class Run {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
@@ -33,6 +40,17 @@ public final class Run {
     private final List<Map<String, Json>> mPuts = new ArrayList<>();
     private final List<ImageLayout> mResults = new ArrayList<>();
     private final List<HandedImage> mHanded = new ArrayList<>();
+    private final Handover mHandover;
+    // Of a run in this process alone.
+    private final List<Stage> mStages = new ArrayList<>();
+    private final List<Map<String, Object>> mPut = new ArrayList<>();
+    private final List<Map<String, Object>> mCallbacks = new ArrayList<>();
+    private final List<String> mProblems = new ArrayList<>();
+    private List<ImagePlan> mInputPlans = List.of();
+    private List<ImageLayout> mOutputsBefore = List.of();
+    private AlgorithmPass mPass;
+    private long mWaitStart;
+    private long mWaitEnd;
 
     private Run(String name, Path folder, RequestFile request, Json root, Json outcome, String problem,
             List<String> notes, RecordedEvents events) {
@@ -44,7 +62,8 @@ public final class Run {
         mProblem = problem;
         mNotes = notes;
         mEvents = events;
-        mParameters = new Handover(events).parameters();
+        mHandover = new Handover(events);
+        mParameters = mHandover.parameters();
         events.calls("setRaw").forEach(call -> mCameraMetadata.add(call.begin().bytes("bytes")));
         for (Call call : events.calls("process")) {
             mAlgorithms.add(call.begin().texts("algoList"));
@@ -86,6 +105,29 @@ public final class Run {
         for (Json image : mOutcome.has("outputs") ? mOutcome.get("outputs").list() : List.<Json>of()) {
             mResults.add(ImageLayout.read(mFolder, image));
         }
+    }
+
+    /**
+     * The run of a request in this process, under the name that its files have. The pass is null if the
+     * library does not tell its work, the runner if the request did not run.
+     */
+    public static Run of(String name, RequestFile request, RecordedEvents events, List<Stage> stages,
+            AlgorithmPass pass, RequestRunner runner) {
+        Run run = new Run(
+                name, null, request, Json.none(), Json.none(), "", List.of(), events);
+        run.mStages.addAll(stages);
+        run.mPass = pass;
+        if (runner != null) {
+            run.mPut.addAll(runner.put());
+            run.mCallbacks.addAll(runner.callbacks());
+            run.mProblems.addAll(runner.problems());
+            run.mInputPlans = runner.inputPlans();
+            run.mOutputsBefore = runner.outputsBefore();
+            run.mResults.addAll(runner.outputsAfter());
+            run.mWaitStart = runner.waitStart();
+            run.mWaitEnd = runner.waitEnd();
+        }
+        return run;
     }
 
     /** The run of a request in a file of events alone, which has no images. */
@@ -269,5 +311,83 @@ public final class Run {
         String crop = cut.has("crop") ? "cropped to " + cut.get("crop").string() : "";
         String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the " + of;
         return crop + (crop.isEmpty() || kept.isEmpty() ? "" : ", ") + kept;
+    }
+
+    /** What was handed to the algorithm library. */
+    public Handover handover() {
+        return mHandover;
+    }
+
+    /** The algorithm list that the request asks for, empty if it has none. */
+    public List<String> askedAlgorithms() {
+        List<FramePlan> frames = mRequest.frames().frames();
+        Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
+        return list instanceof String[] names ? List.of(names) : List.of();
+    }
+
+    /** Algorithms handed on that did nothing though the library has them; none if it does not say. */
+    public List<String> idleAlgorithms() {
+        if (mPass == null) {
+            return List.of();
+        }
+        List<String> idle = new ArrayList<>(mHandover.algorithms());
+        idle.removeAll(mPass.ran());
+        idle.removeAll(mPass.skipped());
+        return idle;
+    }
+
+    /** What the algorithm library says that it did; null if it says nothing. */
+    public AlgorithmPass pass() {
+        return mPass;
+    }
+
+    /** The inputs as they were handed in, with their sizes. */
+    public List<ImagePlan> inputPlans() {
+        return mInputPlans;
+    }
+
+    /** Descriptions of the outputs before and after. */
+    public List<ImageLayout> outputsBefore() {
+        return mOutputsBefore;
+    }
+
+    public List<ImageLayout> outputsAfter() {
+        return mResults;
+    }
+
+    /** For each composition, the keys that the native side put or changed. */
+    public List<Map<String, Object>> put() {
+        return mPut;
+    }
+
+    /** What was reported to Java while the request ran. */
+    public List<Map<String, Object>> callbacks() {
+        return mCallbacks;
+    }
+
+    /** Calls into the native library that returned an error. */
+    public List<String> problems() {
+        return mProblems;
+    }
+
+    /** The stages in the order of the work, and the milliseconds of each. */
+    public List<Stage> stages() {
+        return mStages;
+    }
+
+    public Map<String, Double> milliseconds() {
+        Map<String, Double> times = new LinkedHashMap<>();
+        mStages.forEach(stage -> times.put(
+                stage.name(), (stage.end() - stage.start()) / NANOSECONDS_PER_MILLISECOND));
+        return times;
+    }
+
+    /** When the request was submitted and when the wait for its end was over, by System.nanoTime(). */
+    public long waitStart() {
+        return mWaitStart;
+    }
+
+    public long waitEnd() {
+        return mWaitEnd;
     }
 }

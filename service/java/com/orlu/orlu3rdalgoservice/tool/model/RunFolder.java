@@ -19,8 +19,8 @@ import java.util.stream.Stream;
 
 /**
  * The folder of a run: request.json, the images that went in, events.jsonl, the images that came out,
- * outcome.json. A process that ended before its run did leaves one without an outcome. The folder may come from
- * a stranger.
+ * outcome.json. A process that ended before its run did leaves one without an outcome. The folder may come
+ * from a stranger.
  */
 public final class RunFolder {
     public static final String REQUEST = "request.json";
@@ -35,7 +35,8 @@ public final class RunFolder {
 
     /** Whether a folder is that of a run, which may be damaged. */
     public static boolean isRun(Path folder) {
-        return Stream.of(REQUEST, OUTCOME, OLD).anyMatch(name -> RecordedFile.isRegular(folder.resolve(name)));
+        return Stream.of(REQUEST, OUTCOME, OLD).anyMatch(name -> RecordedFile.isRegular(folder
+                .resolve(name)));
     }
 
     /** The folder itself, or all of runs in it by their names. */
@@ -95,7 +96,8 @@ public final class RunFolder {
             Json events = outcome.get("events");
             if (events != null && events.has("file")) {
                 RecordedFile.named(folder, events.get("file"),
-                        events.require("size").integer(0, MOST_EVENT_BYTES), events.require("crc").string()).bytes();
+                        events.require("size").integer(0, MOST_EVENT_BYTES), events.require("crc").string())
+                        .bytes();
             }
             return "";
         } catch (MistakeException e) {

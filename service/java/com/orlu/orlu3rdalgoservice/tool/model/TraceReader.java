@@ -12,9 +12,6 @@ import java.util.List;
  * Only the one of a finished request is read. Another library than the stand-in may write none.
  */
 public final class TraceReader {
-    /** The environment variable that names the file. */
-    public static final String VARIABLE = "ORLU_ALGO_TRACE";
-
     private final LineFile mLines;
 
     /** A reader of a file that may not be there yet; null for none. */

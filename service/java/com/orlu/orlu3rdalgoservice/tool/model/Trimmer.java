@@ -18,8 +18,8 @@ import java.util.TreeSet;
 import java.util.zip.CRC32;
 
 /**
- * Writes a smaller copy of a run's folder. With fewer frames or smaller images the request is another one: what
- * came of it is left out. Without pixels what came of it stays, except for the pixels of its outputs.
+ * Writes a smaller copy of a run's folder. With fewer frames or smaller images the request is another one:
+ * what came of it is left out. Without pixels what came of it stays, except for the pixels of its outputs.
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
@@ -192,7 +192,8 @@ public final class Trimmer {
             Json name = event.fields().get("file");
             if (name != null) {
                 RecordedFile file = RecordedFile.named(mRun.folder(), name,
-                        event.fields().require("size").integer(0, RecordedFile.MOST_BYTES), event.text("crc"));
+                        event.fields().require("size").integer(0, RecordedFile.MOST_BYTES), event
+                        .text("crc"));
                 if (RecordedFile.isRegular(file.path())) {
                     Files.write(mFolder.resolve(name.string()), file.bytes());
                 }

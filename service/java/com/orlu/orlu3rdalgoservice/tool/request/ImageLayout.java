@@ -1,10 +1,13 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.file.Path;
+import java.util.Arrays;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -27,6 +30,27 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         String memory, int[] buffer, int size, RecordedFile file, String kept, int frame) {
     private static final int MOST_PLANES = 16;
     private static final List<String> MEMORIES = List.of("shared", "hardware", "none");
+
+    /** The description of an image in this process. */
+    public static ImageLayout of(VImageIPC image) {
+        String memory = image.mImageDataHwbuff != null ? "hardware"
+                : image.mImageDataShmem == null ? "none" : "shared";
+        return new ImageLayout(image.mFormat, image.mWidth, image.mHeight,
+                image.mRowStrides == null ? null : image.mRowStrides.clone(),
+                image.mPlaneSizes == null ? null : image.mPlaneSizes.clone(), memory, new int[0], 0, null,
+                "", -1);
+    }
+
+    /** What the native side may change, by names for people. */
+    public Map<String, String> fields() {
+        Map<String, String> fields = new LinkedHashMap<>();
+        fields.put("format", format);
+        fields.put("width", Integer.toString(width));
+        fields.put("height", Integer.toString(height));
+        fields.put("row strides", Arrays.toString(rowStrides));
+        fields.put("plane sizes", Arrays.toString(planeSizes));
+        return fields;
+    }
 
     /** Reads the description of an image in the recording of this folder. */
     public static ImageLayout read(Path folder, Json image) throws MistakeException {
@@ -97,7 +121,8 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
 
     /** The same image with other sides. */
     public ImageLayout withSides(int otherWidth, int otherHeight) {
-        return new ImageLayout(format, otherWidth, otherHeight, rowStrides, planeSizes, memory, buffer, size, file,
+        return new ImageLayout(format, otherWidth, otherHeight, rowStrides, planeSizes, memory, buffer,
+                size, file,
                 kept, frame);
     }
 

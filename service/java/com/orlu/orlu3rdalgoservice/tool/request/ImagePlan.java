@@ -20,7 +20,8 @@ import java.util.List;
  * @param frame    which frame an input belongs to
  * @param file     what an input's pixels come from, null for the request's photo
  * @param place    the description in the request file, for errors
- * @param layout   what a recorder found, which wins over all else; null for an image that no recorder described
+ * @param layout   what a recorder found, which wins over all else; null for an image that no recorder
+ *                 described
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Place place, ImageLayout layout) {
@@ -37,7 +38,8 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
         int[] strides = layout.rowStrides();
         return new ImagePlan(format, layout.format(), layout.memory().equals("hardware"), layout.width(),
                 layout.height(), strides == null || strides.length == 0 ? 0 : strides[0], 0,
-                Math.min(ImagePlanReader.USUAL_BITS, format.mostBits()), Math.max(0, layout.frame()), null, place,
+                Math.min(ImagePlanReader.USUAL_BITS, format.mostBits()), Math.max(0, layout.frame()), null,
+                place,
                 layout);
     }
 

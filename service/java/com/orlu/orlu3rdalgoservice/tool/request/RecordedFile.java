@@ -50,7 +50,8 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
                 throw field.error(path + ": needs a regular file, found " + kind(found));
             }
             if (found.size() != size) {
-                throw field.error(path + " is cut or damaged: needs " + size + " bytes, found " + found.size());
+                throw field.error(path + " is cut or damaged: needs " + size + " bytes, found " + found
+                        .size());
             }
         } catch (IOException e) {
             throw field.error(path + ": no such file");

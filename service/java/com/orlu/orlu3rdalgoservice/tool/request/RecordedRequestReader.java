@@ -14,8 +14,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Reads a request file that a recorder wrote: values have their types, images their exact descriptions. A value
- * that can't be made again is a warning, and left out.
+ * Reads a request file that a recorder wrote: values have their types, images their exact descriptions. A
+ * value that can't be made again is a warning, and left out.
  */
 final class RecordedRequestReader {
     /** The member that only a recorder writes. */
@@ -35,7 +35,8 @@ final class RecordedRequestReader {
     }
 
     RequestFile read(Json root) throws MistakeException {
-        root.allowing("about", MARK, "trimmed", "request", "client", "properties", "frames", "inputs", "outputs");
+        root.allowing("about", MARK, "trimmed", "request", "client", "properties", "frames", "inputs",
+                "outputs");
         checkVersion(root.require(MARK));
         Json request = root.require("request").allowing("id", "type");
         Map<String, String> properties = new LinkedHashMap<>();
@@ -50,7 +51,8 @@ final class RecordedRequestReader {
                 && Integer.valueOf(1).equals(frames.get(0).composition().get("isFullAsync"));
         Json client = root.object("client", "clientId", "algoContextIndex");
         return new RequestFile(mFile, root.string("about", ""),
-                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), request.require("type").string(),
+                request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), request.require("type")
+                .string(),
                 client.integer("clientId", Long.MIN_VALUE, Long.MAX_VALUE, 1L),
                 client.integer("algoContextIndex", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
                 CAMERA_IMAGE_FORMAT, properties, fullAsync, null, new FrameSetPlan(frames, 0, 0, 0, 0),

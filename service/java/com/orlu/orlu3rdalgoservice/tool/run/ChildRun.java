@@ -1,7 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
-
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -41,13 +39,9 @@ public final class ChildRun {
         return start(arguments);
     }
 
-    /** Tries what each tag of a request changes. */
-    public Dependences trials(Path request) throws IOException {
-        try {
-            return Dependences.read(start(List.of("trials", request.toString()))).get(0);
-        } catch (IllegalStateException e) {
-            return Dependences.unknown(e.getMessage());
-        }
+    /** Tries what each tag of a request changes, and returns the file of what was found. */
+    public Path trials(Path request) throws IOException {
+        return start(List.of("trials", request.toString()));
     }
 
     private Path start(List<String> arguments) throws IOException {

@@ -58,7 +58,8 @@ public final class EventLog {
     /** An event that happens now, on this thread: its fields are to be added, and it is to be written. */
     public Map<String, Object> begin(String event) {
         ThreadName thread = THREAD.get();
-        return JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread", thread.name(), "event", event);
+        return JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread", thread.name(),
+                "event", event);
     }
 
     /** Writes the event. The native code that is under way never hears of a file that can't be written. */

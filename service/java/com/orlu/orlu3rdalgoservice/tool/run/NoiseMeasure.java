@@ -5,34 +5,35 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Psnr;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.ArrayList;
 import java.util.List;
 
 /** How near the base frame and the result are to the clean photo, for requests that noise was added to. */
 public final class NoiseMeasure {
-    private final RequestReport mReport;
+    private final RequestFile mRequest;
+    private final int mBase;
     private final FrameSetPlan mFrames;
 
-    public NoiseMeasure(RequestReport report) {
-        mReport = report;
-        mFrames = report.request.frames();
+    public NoiseMeasure(RequestFile request, int base) {
+        mRequest = request;
+        mBase = base;
+        mFrames = request.frames();
     }
 
     /** A line for each output that shows the base frame's part of the photo. */
     public List<String> lines(List<SynthesisedFrame> frames, List<OutputReader> outputs) {
         List<String> lines = new ArrayList<>();
-        int base = mReport.baseFrame().index();
         // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
         // brightened on purpose.
-        if (!mReport.request.isOfPhoto(base) || !mFrames.hasNoise()
-                || mFrames.frames().get(base).gain() != 1) {
+        if (!mRequest.isOfPhoto(mBase) || !mFrames.hasNoise()
+                || mFrames.frames().get(mBase).gain() != 1) {
             return lines;
         }
         for (int i = 0; i < outputs.size(); ++i) {
-            String line = line(frames.get(base), outputs.get(i));
+            String line = line(frames.get(mBase), outputs.get(i));
             if (line != null) {
                 lines.add("output " + i + ", " + line);
             }

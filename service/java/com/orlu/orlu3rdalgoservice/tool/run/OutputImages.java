@@ -5,7 +5,6 @@ import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
@@ -22,10 +21,11 @@ public final class OutputImages {
     private final String mName;
     private final int mBase;
 
-    public OutputImages(RequestReport report, Path folder) {
+    /** Files in this folder, whose names begin with the name; the base is a frame's number. */
+    public OutputImages(String name, int base, Path folder) {
         mFolder = folder;
-        mBase = report.baseFrame().index();
-        mName = report.name;
+        mBase = base;
+        mName = name;
     }
 
     /** Writes what there is to write, and returns a line on each image. */

@@ -8,119 +8,99 @@ import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
-import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
-import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.judge.Callbacks;
-import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
-import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
-import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 
-/** Carries one request through the native library on a client, as the service does, and reports on it. */
-public final class RequestRunner {
-    private static final long CALLBACK_MILLISECONDS = RequestReport.CALLBACK_SECONDS * 1000L;
-    /** How much longer a callback that did not come is waited for, to tell a late one from none. */
-    private static final long LATE_MILLISECONDS = 2_000;
-    private static final long POLL_MILLISECONDS = 50;
+/**
+ * Carries one request through the native library on a client, as the service does. What it saw stays known
+ * after it is closed, which gives the images' memory back.
+ */
+public final class RequestRunner implements AutoCloseable {
+    /** How long a request is waited for: by the library itself, or here for a full-async one. */
+    public static final int CALLBACK_SECONDS = 10;
 
-    private final ServiceClient mClient;
-    private final LineFile mEvents;
-    private final Path mOut;
-    private final boolean mKeepsLookups;
-    private final RequestReport mReport;
-    private final Exhibits mExhibits;
     private final RequestFile mRequest;
-
+    private final ServiceClient mClient;
+    private final Stopwatch mStopwatch;
+    private final boolean mKeepsLookups;
+    private final CallbackInbox mInbox;
     private final List<RecordedComposition> mCompositions = new ArrayList<>();
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     private final List<ImageBuffer> mOutputs = new ArrayList<>();
+    private final List<ImagePlan> mInputPlans = new ArrayList<>();
+    private final List<ImageLayout> mOutputsBefore = new ArrayList<>();
+    private final List<ImageLayout> mOutputsAfter = new ArrayList<>();
+    private final List<Map<String, Object>> mPut = new ArrayList<>();
+    private final List<String> mProblems = new ArrayList<>();
+    private long mWaitStart;
+    private long mWaitEnd;
 
-    /** With exhibits, which are null for none, what a page shows of the images is kept there. */
-    public RequestRunner(RequestReport report, Exhibits exhibits, ServiceClient client, LineFile events,
-            Path out, boolean keepsLookups) {
-        mReport = report;
-        mExhibits = exhibits;
-        mRequest = report.request;
+    /** A runner on this client. With lookups, each look-up of a tag is an event. */
+    public RequestRunner(
+            RequestFile request, ServiceClient client, Stopwatch stopwatch, boolean keepsLookups) {
+        mRequest = request;
         mClient = client;
-        mEvents = events;
-        mOut = out;
+        mStopwatch = stopwatch;
         mKeepsLookups = keepsLookups;
+        mInbox = new CallbackInbox(client.clientId());
     }
 
-    /** Runs the request on frames made of its photo, which are none when it has no inputs. */
-    public void run(List<SynthesisedFrame> frames) throws ErrnoException, IOException, MistakeException {
-        try (CallbackInbox inbox = new CallbackInbox(mClient.clientId())) {
-            mRequest.properties().forEach(SystemProperties::set);
-            makeCompositions();
-            makeImages(frames);
-            if (mExhibits != null) {
-                mExhibits.before(mInputs);
-            }
-            Progress.show("processing " + mInputs.size() + " inputs");
-            process(inbox);
-            Progress.show("comparing and writing " + mOutputs.size() + " outputs");
-            mReport.callbacks = inbox.reports();
-            awaitLateCallback();
-            List<OutputReader> outputs = mOutputs.stream().map(OutputReader::of).toList();
-            reportProblems(outputs);
-            mReport.images.addAll(new OutputImages(mReport, mOut).write(frames, mInputs, outputs));
-            mReport.noise.addAll(new NoiseMeasure(mReport).lines(frames, outputs));
-            if (mExhibits != null) {
-                mExhibits.after(mReport.baseFrame(), mInputs, mOutputs, outputs);
-            }
-        } finally {
-            mInputs.forEach(ImageBuffer::close);
-            mOutputs.forEach(ImageBuffer::close);
-        }
-    }
-
-    // Only when the wait ended without one: then a moment more shows whether one comes at all.
-    private void awaitLateCallback() throws IOException {
-        mReport.events.add(mEvents.next());
-        long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;
-        while (new Callbacks(mReport).isMissing() && !new Callbacks(mReport).hasEnd()
-                && System.nanoTime() < end && sleep()) {
-            mReport.events.add(mEvents.next());
-        }
-    }
-
-    private static boolean sleep() {
-        try {
-            Thread.sleep(POLL_MILLISECONDS);
-            return true;
-        } catch (InterruptedException e) {
-            Thread.currentThread().interrupt();
-            return false;
-        }
-    }
-
-    private void reportProblems(List<OutputReader> outputs) {
-        for (int i = 0; i < outputs.size(); ++i) {
-            if (!outputs.get(i).problem().isEmpty()) {
-                mReport.outputProblems.add("output " + i + " is " + outputs.get(i).problem());
-            }
-        }
-    }
-
-    private void makeCompositions() {
+    /** Makes what is handed over, of these frames of the photo; none if no input needs them. */
+    public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
+        mRequest.properties().forEach(SystemProperties::set);
         for (FramePlan frame : mRequest.frames().frames()) {
             RecordedComposition composition = new RecordedComposition(frame.captureResult());
             frame.composition().forEach(composition::putMetadata);
             mCompositions.add(composition);
         }
+        FrameSize size = FrameSize.of(mRequest, frames);
+        for (ImagePlan plan : mRequest.inputs()) {
+            Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
+            mInputs.add(RequestImages.input(plan, frames, size));
+            mInputPlans.add(mInputs.get(mInputs.size() - 1).plan());
+        }
+        for (ImagePlan plan : mRequest.outputs()) {
+            mOutputs.add(plan.layout() == null ? ImageBuffer.empty(size.applyTo(plan))
+                    : ImageBuffer.recorded(plan));
+        }
+    }
+
+    /** Runs the request, and waits for its result. */
+    public void process() throws IOException {
+        Progress.show("processing " + mInputs.size() + " inputs");
+        VRequest request = new VRequest(mRequest.id(), mRequest.type());
+        List<VImageIPC> outputs = descriptors(mOutputs);
+        outputs.forEach(image -> mOutputsBefore.add(ImageLayout.of(image)));
+        try (RequestCall call = new RequestCall(mClient, request, mRequest.properties(), descriptors(mInputs),
+                outputs, mCompositions)) {
+            recordLookups();
+            List<Map<String, Object>> before = snapshots();
+            mWaitStart = System.nanoTime();
+            check("processImage", mStopwatch.time("process", call::process));
+            if (mRequest.fullAsync()) {
+                awaitResult(call, before);
+            } else {
+                mWaitEnd = System.nanoTime();
+            }
+            outputs.forEach(image -> mOutputsAfter.add(ImageLayout.of(image)));
+            addChanges(before);
+        }
+    }
+
+    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
+        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
     // From the call on, so that no event is of what is recorded before it.
@@ -131,56 +111,18 @@ public final class RequestRunner {
         }
     }
 
-    private void makeImages(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
-        FrameSize size = FrameSize.of(mRequest, frames);
-        for (ImagePlan plan : mRequest.inputs()) {
-            Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
-            mInputs.add(RequestImages.input(plan, frames, size));
-            mReport.inputs.add(mInputs.get(mInputs.size() - 1).plan());
-        }
-        for (ImagePlan plan : mRequest.outputs()) {
-            mOutputs.add(plan.layout() == null ? ImageBuffer.empty(size.applyTo(plan))
-                    : ImageBuffer.recorded(plan));
-        }
-    }
-
-    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
-        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
-    }
-
-    private void process(CallbackInbox inbox) throws IOException {
-        VRequest request = new VRequest(mRequest.id(), mRequest.type());
-        List<VImageIPC> outputs = descriptors(mOutputs);
-        outputs.forEach(image -> mReport.outputsBefore.add(ImageState.of(image)));
-        try (RequestCall call = new RequestCall(mClient, request, mRequest.properties(), descriptors(mInputs),
-                outputs, mCompositions)) {
-            recordLookups();
-            List<Map<String, Object>> before = snapshots();
-            mReport.waitStart = System.nanoTime();
-            check("processImage", mReport.stopwatch.time("process", call::process));
-            if (mRequest.fullAsync()) {
-                awaitResult(inbox, call, before);
-            } else {
-                mReport.waitEnd = System.nanoTime();
-            }
-            outputs.forEach(image -> mReport.outputsAfter.add(ImageState.of(image)));
-            mReport.put.addAll(changes(before));
-        }
-    }
-
-    private void awaitResult(CallbackInbox inbox, RequestCall call, List<Map<String, Object>> before) {
-        Long address = mReport.stopwatch.time("wait", () -> inbox.awaitRequest(CALLBACK_MILLISECONDS));
-        mReport.waitEnd = System.nanoTime();
+    private void awaitResult(RequestCall call, List<Map<String, Object>> before) {
+        Long address = mStopwatch.time("wait", () -> mInbox.awaitRequest(CALLBACK_SECONDS * 1000L));
+        mWaitEnd = System.nanoTime();
         if (address != null) {
             before.get(0).put("nativeRequestAddr", address);
-            check("processImageUpdateResult",
-                    mReport.stopwatch.time("update result", () -> call.update(address)));
+            check("processImageUpdateResult", mStopwatch.time("update result", () -> call.update(address)));
         }
     }
 
     private void check(String call, int status) {
         if (status != 0) {
-            mReport.problems.add(call + " returned " + status);
+            mProblems.add(call + " returned " + status);
         }
     }
 
@@ -189,8 +131,7 @@ public final class RequestRunner {
     }
 
     // A value put again is another object, so that a key put with the value it had shows as well.
-    private List<Map<String, Object>> changes(List<Map<String, Object>> before) {
-        List<Map<String, Object>> all = new ArrayList<>();
+    private void addChanges(List<Map<String, Object>> before) {
         for (int i = 0; i < mCompositions.size(); ++i) {
             Map<String, Object> old = before.get(i);
             Map<String, Object> changed = new LinkedHashMap<>();
@@ -199,8 +140,61 @@ public final class RequestRunner {
                     changed.put(key, Objects.requireNonNullElse(value, "null"));
                 }
             });
-            all.add(changed);
+            mPut.add(changed);
         }
-        return all;
+    }
+
+    /** The images, until this is closed. */
+    public List<ImageBuffer> inputs() {
+        return mInputs;
+    }
+
+    public List<ImageBuffer> outputs() {
+        return mOutputs;
+    }
+
+    /** The inputs as they were handed over, with their sizes. */
+    public List<ImagePlan> inputPlans() {
+        return mInputPlans;
+    }
+
+    /** Descriptions of the outputs before and after. */
+    public List<ImageLayout> outputsBefore() {
+        return mOutputsBefore;
+    }
+
+    public List<ImageLayout> outputsAfter() {
+        return mOutputsAfter;
+    }
+
+    /** For each composition, the keys that the native side put or changed. */
+    public List<Map<String, Object>> put() {
+        return mPut;
+    }
+
+    /** What was reported to Java while the request ran. */
+    public List<Map<String, Object>> callbacks() {
+        return mInbox.reports();
+    }
+
+    /** Calls into the native library that returned an error. */
+    public List<String> problems() {
+        return mProblems;
+    }
+
+    /** When the request was submitted and when the wait for its end was over, by System.nanoTime(). */
+    public long waitStart() {
+        return mWaitStart;
+    }
+
+    public long waitEnd() {
+        return mWaitEnd;
+    }
+
+    @Override
+    public void close() {
+        mInbox.close();
+        mInputs.forEach(ImageBuffer::close);
+        mOutputs.forEach(ImageBuffer::close);
     }
 }

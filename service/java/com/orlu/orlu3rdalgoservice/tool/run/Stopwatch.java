@@ -1,15 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
 import java.util.ArrayList;
-import java.util.LinkedHashMap;
 import java.util.List;
-import java.util.Map;
 import java.util.function.Supplier;
 
 /** How long each stage of a request took. */
 public final class Stopwatch {
-    private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
-
     private final List<Stage> mStages = new ArrayList<>();
 
     /** A stage's name, and when it began and ended by System.nanoTime(). */
@@ -27,13 +23,5 @@ public final class Stopwatch {
     /** The stages in the order of the work. */
     public List<Stage> stages() {
         return mStages;
-    }
-
-    /** Milliseconds by stage, in the order of the work. */
-    public Map<String, Double> milliseconds() {
-        Map<String, Double> times = new LinkedHashMap<>();
-        mStages.forEach(stage -> times.put(
-                stage.name(), (stage.end() - stage.start()) / NANOSECONDS_PER_MILLISECOND));
-        return times;
     }
 }

@@ -1,8 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
-import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
-
 import java.io.IOException;
 import java.io.UncheckedIOException;
 import java.nio.file.Files;
@@ -20,7 +17,7 @@ public final class WorkFolder {
 
     /** The file of what the algorithm library says of its work, likewise. */
     public static Path algorithmTrace() {
-        return ofEnvironment(TraceReader.VARIABLE);
+        return ofEnvironment("ORLU_ALGO_TRACE");
     }
 
     /** The folder of the probe's pixels, likewise. */
@@ -29,13 +26,13 @@ public final class WorkFolder {
     }
 
     /** The file of the native side's log, likewise. */
-    static Path log() {
+    public static Path log() {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
-    /** What a run's pages are made of. */
-    public static PageFolder.Sources pageSources() {
-        return new PageFolder.Sources(events(), algorithmTrace(), log(), file("pages.json"));
+    /** What was written of pages so far. */
+    public static Path pages() {
+        return file("pages.json");
     }
 
     private static Path ofEnvironment(String variable) {

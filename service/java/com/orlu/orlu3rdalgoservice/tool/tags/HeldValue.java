@@ -53,7 +53,8 @@ public final class HeldValue {
     }
 
     private static Map<String, Object> sides(Rect rect, String name, int number) {
-        return JsonWriter.object("left", rect.left, "top", rect.top, "right", rect.right, "bottom", rect.bottom,
+        return JsonWriter.object("left", rect.left, "top", rect.top, "right", rect.right, "bottom",
+                rect.bottom,
                 name, number);
     }
 }

@@ -1,11 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterFormatter;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterType;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterTypes;
@@ -28,28 +27,28 @@ import java.util.Map;
 public final class JsonReport {
     private final List<Object> mReports = new ArrayList<>();
 
-    public void add(RequestReport report) {
+    public void add(RunReport report) {
         Map<String, Object> object = new LinkedHashMap<>();
-        object.put("file", report.request.file().getFileName().toString());
-        object.put("name", report.name);
-        object.put("id", report.request.id());
-        object.put("type", report.request.type());
-        object.put("algorithmsBefore", strings(report.askedAlgorithms()));
-        Handover handover = report.handover();
+        object.put("file", report.run().request().file().getFileName().toString());
+        object.put("name", report.run().name());
+        object.put("id", report.run().request().id());
+        object.put("type", report.run().request().type());
+        object.put("algorithmsBefore", strings(report.run().askedAlgorithms()));
+        Handover handover = report.run().handover();
         if (handover.process() != null) {
             object.put("algorithmsAfter", strings(handover.algorithms()));
         }
         object.put("parameters", parameters(handover.parameters()));
-        object.put("put", put(report.put));
-        object.put("outputsBefore", outputs(report.outputsBefore));
-        object.put("outputsAfter", outputs(report.outputsAfter));
-        object.put("problems", strings(report.problems));
-        object.put("verdict", verdict(report.verdict));
-        if (report.dependences != null) {
-            object.put("trials", report.dependences.json());
+        object.put("put", put(report.run().put()));
+        object.put("outputsBefore", outputs(report.run().outputsBefore()));
+        object.put("outputsAfter", outputs(report.run().outputsAfter()));
+        object.put("problems", strings(report.run().problems()));
+        object.put("verdict", verdict(report.verdict()));
+        if (report.dependences() != null) {
+            object.put("trials", report.dependences().json());
         }
         Map<String, Object> times = new LinkedHashMap<>();
-        report.stopwatch.milliseconds().forEach(times::put);
+        report.run().milliseconds().forEach(times::put);
         object.put("milliseconds", times);
         mReports.add(object);
     }
@@ -104,9 +103,9 @@ public final class JsonReport {
         return array;
     }
 
-    private static List<Object> outputs(List<ImageState> outputs) {
+    private static List<Object> outputs(List<ImageLayout> outputs) {
         List<Object> array = new ArrayList<>();
-        for (ImageState output : outputs) {
+        for (ImageLayout output : outputs) {
             Map<String, Object> object = new LinkedHashMap<>();
             output.fields().forEach(object::put);
             array.add(object);

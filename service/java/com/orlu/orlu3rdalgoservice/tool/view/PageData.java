@@ -13,7 +13,6 @@ import com.orlu.orlu3rdalgoservice.tool.judge.VerdictFindings;
 import com.orlu.orlu3rdalgoservice.tool.model.AlgorithmPass;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 
@@ -29,13 +28,13 @@ import java.util.Map;
 
 /** All that a page shows of one request, but the timeline and the log, as JSON. */
 final class PageData {
-    private final RequestReport mReport;
+    private final RunReport mReport;
     private final Exhibits mExhibits;
     private final SourceLines mSource;
     private final Map<String, Object> mJson = new LinkedHashMap<>();
 
     /** The exhibits are null when the process ended before they were there. */
-    PageData(RequestReport report, Exhibits exhibits, SourceLines source) {
+    PageData(RunReport report, Exhibits exhibits, SourceLines source) {
         mReport = report;
         mExhibits = exhibits;
         mSource = source;
@@ -48,8 +47,8 @@ final class PageData {
         if (mExhibits != null) {
             mJson.put("images", mExhibits.json());
         }
-        if (mReport.verdict.status() != Verdict.UNUSABLE) {
-            mSource.learn(mReport.events);
+        if (mReport.verdict().status() != Verdict.UNUSABLE) {
+            mSource.learn(mReport.run().events());
             addParameters();
             addTags();
         }
@@ -58,7 +57,7 @@ final class PageData {
     }
 
     private void addRequest() {
-        RequestFile request = mReport.request;
+        RequestFile request = mReport.run().request();
         mJson.put("about", request.about());
         mJson.put("file", request.file().toString());
         mJson.put("id", request.id());
@@ -66,23 +65,23 @@ final class PageData {
         mJson.put("client", request.clientId());
         mJson.put("fullAsync", request.fullAsync());
         Map<String, Object> verdict = new LinkedHashMap<>();
-        verdict.put("ok", mReport.verdict.status() == Verdict.OK);
-        verdict.put("line", mReport.verdict.line());
-        verdict.put("reasons", strings(mReport.verdict.reasons()));
+        verdict.put("ok", mReport.verdict().status() == Verdict.OK);
+        verdict.put("line", mReport.verdict().line());
+        verdict.put("reasons", strings(mReport.verdict().reasons()));
         mJson.put("verdict", verdict);
         Map<String, Object> times = new LinkedHashMap<>();
-        mReport.stopwatch.milliseconds().forEach(times::put);
+        mReport.run().milliseconds().forEach(times::put);
         mJson.put("milliseconds", times);
     }
 
     private void addAlgorithms() {
         Map<String, Object> algorithms = new LinkedHashMap<>();
-        algorithms.put("asked", strings(mReport.askedAlgorithms()));
-        Handover handover = mReport.handover();
+        algorithms.put("asked", strings(mReport.run().askedAlgorithms()));
+        Handover handover = mReport.run().handover();
         if (handover.process() != null) {
             algorithms.put("handedOn", strings(handover.algorithms()));
         }
-        AlgorithmPass pass = mReport.pass;
+        AlgorithmPass pass = mReport.run().pass();
         if (pass != null) {
             algorithms.put("ran", strings(pass.ran()));
             algorithms.put("milliseconds", pass.milliseconds());
@@ -101,9 +100,9 @@ final class PageData {
     }
 
     private void addFindings() {
-        List<Finding> findings = new ArrayList<>(VerdictFindings.of(mReport.verdict));
+        List<Finding> findings = new ArrayList<>(VerdictFindings.of(mReport.verdict()));
         if (mExhibits != null) {
-            findings.addAll(new ImageFindings(mExhibits, mReport.handover().process() != null).all());
+            findings.addAll(new ImageFindings(mExhibits, mReport.run().handover().process() != null).all());
         }
         findings.sort(Comparator.comparing(finding -> !finding.isSure()));
         List<Object> array = new ArrayList<>();
@@ -112,7 +111,7 @@ final class PageData {
     }
 
     private void addParameters() {
-        Explanations explanations = new Explanations(mReport, mSource);
+        Explanations explanations = new Explanations(mReport.run(), mReport.dependences(), mSource);
         List<Object> writes = new ArrayList<>();
         for (Explanations.Write write : explanations.writes()) {
             Parameter parameter = write.parameter();
@@ -144,7 +143,7 @@ final class PageData {
 
     private void addTags() {
         List<Object> groups = new ArrayList<>();
-        new TagPrinter(mReport).groups().forEach((heading, rows) -> {
+        new TagPrinter(mReport.run(), mReport.dependences()).groups().forEach((heading, rows) -> {
             Map<String, Object> group = new LinkedHashMap<>();
             group.put("heading", heading);
             group.put("rows", rows(rows));
@@ -162,23 +161,23 @@ final class PageData {
 
     private void addResults() {
         List<Object> put = new ArrayList<>();
-        for (int i = 0; i < mReport.put.size(); ++i) {
-            for (Map.Entry<String, Object> value : mReport.put.get(i).entrySet()) {
+        for (int i = 0; i < mReport.run().put().size(); ++i) {
+            for (Map.Entry<String, Object> value : mReport.run().put().get(i).entrySet()) {
                 put.add(strings(List.of("frame " + i, value.getKey(),
                         JsonWriter.line(HeldValue.json(value.getValue())))));
             }
         }
         mJson.put("put", put);
         List<Object> descriptors = new ArrayList<>();
-        for (int i = 0; i < mReport.outputsAfter.size(); ++i) {
+        for (int i = 0; i < mReport.run().outputsAfter().size(); ++i) {
             int output = i;
-            Map<String, String> after = mReport.outputsAfter.get(i).fields();
-            mReport.outputsBefore.get(i).fields().forEach((field, before) -> descriptors.add(
+            Map<String, String> after = mReport.run().outputsAfter().get(i).fields();
+            mReport.run().outputsBefore().get(i).fields().forEach((field, before) -> descriptors.add(
                     strings(List.of("output " + output, field, before, String.valueOf(after.get(field))))));
         }
         mJson.put("descriptors", descriptors);
         List<Object> callbacks = new ArrayList<>();
-        for (Map<String, Object> callback : mReport.callbacks) {
+        for (Map<String, Object> callback : mReport.run().callbacks()) {
             Map<String, Object> json = new LinkedHashMap<>();
             callback.forEach((key, value) -> json.put(key, HeldValue.json(value)));
             callbacks.add(json);
@@ -186,7 +185,7 @@ final class PageData {
         mJson.put("callbacks", callbacks);
         ByteArrayOutputStream printed = new ByteArrayOutputStream();
         new Summary(mReport, new PrintStream(printed, true, StandardCharsets.UTF_8), true).print();
-        mJson.put("crash", mReport.crash);
+        mJson.put("crash", mReport.crash());
         mJson.put("printed", printed.toString(StandardCharsets.UTF_8));
     }
 

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.ImageExhibit;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
@@ -42,6 +42,11 @@ public final class PageFolder {
      * @param state          what was written so far
      */
     public record Sources(Path events, Path algorithmTrace, Path log, Path state) {
+        /** Those that the launcher makes for a run. */
+        public static Sources ofWorkFolder() {
+            return new Sources(WorkFolder.events(), WorkFolder.algorithmTrace(), WorkFolder.log(),
+                    WorkFolder.pages());
+        }
     }
 
     /** A folder for the pages of so many requests; it is made when the first is written. */
@@ -76,9 +81,10 @@ public final class PageFolder {
 
     /**
      * Writes the page of the request that ended last, which is in the timeline; one whose process ended
-     * before is not, and has null for exhibits where its inputs can't be made again. Returns a line that says where the page is.
+     * before is not, and has null for exhibits where its inputs can't be made again. Returns a line that
+     * says where the page is.
      */
-    public String add(RequestReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
+    public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
         Map<String, Object> data = new PageData(report, exhibits, source).json();
         data.put("hasIndex", mHasIndex);
@@ -93,7 +99,7 @@ public final class PageFolder {
         data.put("start", own.start());
         data.put("log", LogLines.between(mSources.log(), own.start(), own.end()));
         // The index has a name of its own.
-        String name = report.name.equals("index") ? "index-request" : report.name;
+        String name = report.run().name().equals("index") ? "index-request" : report.run().name();
         Path file = mFolder.resolve(name + ".html");
         mEntries.add(entry(report, exhibits, data, file));
         Files.createDirectories(mFolder);
@@ -105,7 +111,7 @@ public final class PageFolder {
     }
 
     private static Map<String, Object> entry(
-            RequestReport report, Exhibits exhibits, Map<String, Object> data, Path file) {
+            RunReport report, Exhibits exhibits, Map<String, Object> data, Path file) {
         Map<String, Object> entry = new LinkedHashMap<>();
         entry.put("page", file.getFileName().toString());
         for (String field : ENTRY_FIELDS) {
@@ -121,7 +127,7 @@ public final class PageFolder {
                 entry.put("out", output.small().uri());
             }
         }
-        entry.put("id", report.request.id());
+        entry.put("id", report.run().request().id());
         return entry;
     }
 

@@ -43,7 +43,8 @@ final class PageTemplate {
         }
         // Nothing in the data can end the element around it.
         return resource(html).replace("@title@", escaped(title)).replace("@style@", style)
-                .replace("@script@", script).replace("@data@", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e").replace("&", "\\u0026"));
+                .replace("@script@", script).replace("@data@", JsonWriter.line(data).replace("<", "\\u003c")
+                        .replace(">", "\\u003e").replace("&", "\\u0026"));
     }
 
     private static String escaped(String text) {

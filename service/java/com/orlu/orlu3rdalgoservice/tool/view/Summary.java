@@ -1,12 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
-import com.orlu.orlu3rdalgoservice.tool.image.ImageState;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.AlgorithmPass;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
@@ -20,12 +19,12 @@ import java.util.Map;
 
 /** Prints what happened to a request, for people. */
 public final class Summary {
-    private final RequestReport mReport;
+    private final RunReport mReport;
     private final PrintStream mTo;
     private final TextLayout mLines;
 
     /** Lines fit 80 columns unless they are to be wide. */
-    public Summary(RequestReport report, PrintStream to, boolean wide) {
+    public Summary(RunReport report, PrintStream to, boolean wide) {
         mReport = report;
         mTo = to;
         mLines = new TextLayout(to, wide);
@@ -34,7 +33,7 @@ public final class Summary {
     /** Prints all but the parameters and the verdict. */
     public void print() {
         printRequest();
-        if (mReport.verdict.status() == Verdict.UNUSABLE) {
+        if (mReport.verdict().status() == Verdict.UNUSABLE) {
             mLines.line("not run", "the algorithm library can't be used");
             mTo.println();
             return;
@@ -42,11 +41,11 @@ public final class Summary {
         printIn();
         printAlgorithms();
         printBack();
-        mLines.lines("images", mReport.images);
-        mLines.lines("noise", mReport.noise);
+        mLines.lines("images", mReport.images().files());
+        mLines.lines("noise", mReport.images().noise());
         mLines.list("time", times());
-        if (!mReport.page.isEmpty()) {
-            mLines.line("page", mReport.page);
+        if (!mReport.page().isEmpty()) {
+            mLines.line("page", mReport.page());
         }
         if (mLines.hasCut()) {
             mLines.line("", "(lines that end in " + TextLayout.CUT + " are cut: --wide shows them whole)");
@@ -55,26 +54,27 @@ public final class Summary {
     }
 
     private void printRequest() {
-        RequestFile request = mReport.request;
+        RequestFile request = mReport.run().request();
         mLines.plain(request.about().isEmpty() ? request.file().toString() : request.about());
         mLines.line("file", request.file().toString());
-        if (!mReport.name.equals(RequestNames.stem(request.file()))) {
-            mLines.line("named", mReport.name + ", since the file of another request has the same name");
+        if (!mReport.run().name().equals(RequestNames.stem(request.file()))) {
+            mLines.line("named", mReport.run().name()
+                    + ", since the file of another request has the same name");
         }
         mLines.line("request", request.id() + " \"" + request.type() + "\" on client " + request.clientId()
                 + (request.fullAsync() ? ", full-async" : ""));
     }
 
     private void printIn() {
-        mLines.list("in", images(mReport.inputs));
-        if (!mReport.inputs.isEmpty()) {
-            files(mReport.inputs).forEach(line -> mLines.line("", line));
-            if (mReport.request.needsPhoto()) {
-                mLines.list("", synthesis(mReport.request));
+        mLines.list("in", images(mReport.run().inputPlans()));
+        if (!mReport.run().inputPlans().isEmpty()) {
+            files(mReport.run().inputPlans()).forEach(line -> mLines.line("", line));
+            if (mReport.run().request().needsPhoto()) {
+                mLines.list("", synthesis(mReport.run().request()));
             }
         }
-        mLines.lines("out", mReport.outputsBefore.stream().map(Summary::description).toList());
-        int frames = mReport.request.frames().frames().size();
+        mLines.lines("out", mReport.run().outputsBefore().stream().map(Summary::description).toList());
+        int frames = mReport.run().request().frames().frames().size();
         mLines.line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
 
@@ -110,17 +110,17 @@ public final class Summary {
         return parts;
     }
 
-    private static String description(ImageState image) {
+    private static String description(ImageLayout image) {
         Map<String, String> fields = image.fields();
         return fields.get("format") + " " + fields.get("width") + "x" + fields.get("height")
                 + ", plane sizes " + fields.get("plane sizes");
     }
 
     private void printAlgorithms() {
-        List<String> asked = mReport.askedAlgorithms();
+        List<String> asked = mReport.run().askedAlgorithms();
         mLines.list("asked for", orEmptyList(asked));
-        Handover handover = mReport.handover();
-        if (mReport.events.calls().isEmpty()) {
+        Handover handover = mReport.run().handover();
+        if (mReport.run().events().calls().isEmpty()) {
             mLines.line("handed on", "not known: no probe stands before the algorithm library");
             return;
         }
@@ -140,7 +140,7 @@ public final class Summary {
     }
 
     private void printPass() {
-        AlgorithmPass pass = mReport.pass;
+        AlgorithmPass pass = mReport.run().pass();
         if (pass == null) {
             mLines.line("ran", "not known: the algorithm library does not say");
             return;
@@ -150,7 +150,7 @@ public final class Summary {
         int last = ran.size() - 1;
         ran.set(last, ran.get(last) + " in " + milliseconds(pass.milliseconds()));
         mLines.list("ran", ran);
-        List<String> nobody = new ArrayList<>(mReport.idleAlgorithms());
+        List<String> nobody = new ArrayList<>(mReport.run().idleAlgorithms());
         nobody.addAll(pass.skipped());
         optionalList("nobody ran", nobody);
         if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
@@ -184,22 +184,22 @@ public final class Summary {
 
     private void printBack() {
         List<String> put = new ArrayList<>();
-        for (int i = 0; i < mReport.put.size(); ++i) {
-            for (Map.Entry<String, Object> value : mReport.put.get(i).entrySet()) {
+        for (int i = 0; i < mReport.run().put().size(); ++i) {
+            for (Map.Entry<String, Object> value : mReport.run().put().get(i).entrySet()) {
                 put.add("frame " + i + "  " + value.getKey() + " = " + ValueFormatter.text(value.getValue()));
             }
         }
         mLines.lines("put", put.isEmpty() ? List.of("nothing") : put);
         List<String> changes = changes();
         mLines.lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
-        mReport.callbacks.forEach(values -> mLines.list("callback", callback(values)));
+        mReport.run().callbacks().forEach(values -> mLines.list("callback", callback(values)));
     }
 
     private List<String> changes() {
         List<String> lines = new ArrayList<>();
-        for (int i = 0; i < mReport.outputsAfter.size(); ++i) {
-            Map<String, String> after = mReport.outputsAfter.get(i).fields();
-            for (Map.Entry<String, String> field : mReport.outputsBefore.get(i).fields().entrySet()) {
+        for (int i = 0; i < mReport.run().outputsAfter().size(); ++i) {
+            Map<String, String> after = mReport.run().outputsAfter().get(i).fields();
+            for (Map.Entry<String, String> field : mReport.run().outputsBefore().get(i).fields().entrySet()) {
                 String now = after.get(field.getKey());
                 if (!field.getValue().equals(now)) {
                     lines.add("output " + i + "  " + field.getKey() + " " + field.getValue() + " -> " + now);
@@ -217,7 +217,7 @@ public final class Summary {
 
     private List<String> times() {
         List<String> parts = new ArrayList<>();
-        mReport.stopwatch.milliseconds().forEach(
+        mReport.run().milliseconds().forEach(
                 (stage, time) -> parts.add(stage + " " + milliseconds(time)));
         return parts;
     }

@@ -6,7 +6,6 @@ import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
-import com.orlu.orlu3rdalgoservice.tool.model.RequestReport;
 import com.orlu.orlu3rdalgoservice.tool.run.EventLog;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 
@@ -35,17 +34,17 @@ public final class Timeline {
     private long mOrigin;
 
     /** Adds what Java did for a request on the thread that calls this. */
-    public void add(RequestReport report) {
-        List<Stage> stages = report.stopwatch.stages();
+    public void add(RunReport report) {
+        List<Stage> stages = report.run().stages();
         if (stages.isEmpty()) {
             return;
         }
         int tid = EventLog.thisThread();
         Map<String, Object> args = new LinkedHashMap<>();
-        args.put("file", report.request.file().toString());
-        args.put("id", report.request.id());
-        args.put("verdict", report.verdict.line());
-        String name = report.request.file().getFileName().toString();
+        args.put("file", report.run().request().file().toString());
+        args.put("id", report.run().request().id());
+        args.put("verdict", report.verdict().line());
+        String name = report.run().request().file().getFileName().toString();
         mJava.add(new Slice(name, "request", tid, stages.get(0).start(),
                 stages.get(stages.size() - 1).end(), args));
         for (Stage stage : stages) {

@@ -49,7 +49,8 @@ final class TraceFile {
     void addArrow(long id, List<Point> points) {
         for (int i = 0; i < points.size(); ++i) {
             boolean isLast = i == points.size() - 1;
-            Map<String, Object> event = event(i == 0 ? "s" : isLast ? "f" : "t", "request", points.get(i).tid());
+            Map<String, Object> event = event(i == 0 ? "s" : isLast ? "f" : "t", "request", points.get(i)
+                    .tid());
             event.put("cat", "request");
             event.put("id", id);
             event.put("ts", microseconds(points.get(i).time() - mOrigin));

@@ -25,7 +25,8 @@ public final class ImageCropTest {
     private static ImageLayout image(
             String format, int width, int height, String strides, String sizes, int size, String buffer) {
         String text = ("{'format': '%s', 'width': %d, 'height': %d, 'rowStrides': %s, 'planeSizes': %s, "
-                + "'size': %d, 'file': 'x', 'crc': '', 'memory': '%s'%s}").formatted(format, width, height, strides,
+                + "'size': %d, 'file': 'x', 'crc': '', 'memory': '%s'%s}").formatted(format, width, height,
+                        strides,
                         sizes, size, buffer.isEmpty() ? "shared" : "hardware",
                         buffer.isEmpty() ? "" : ", 'buffer': " + buffer);
         try {
