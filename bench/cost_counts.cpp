@@ -92,8 +92,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string path = argv[argc - 1];
-  if (!orlu::test::startJvm({"orlu-service", "orlu-host-framework", "/usr/share/java/gson.jar",
-                             "/usr/share/java/jackson-core.jar"},
+  if (!orlu::test::startJvm({"orlu-service", "orlu-host-framework", "/usr/share/java/jackson-core.jar"},
                             {"-Xmx256m", "-XX:+UseSerialGC", "-XX:-UsePerfData"})) {
     return 2;
   }

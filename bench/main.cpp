@@ -48,7 +48,7 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
 // heap.
 bool startVm() {
   return orlu::test::startJvm(
-      {"orlu-service", "orlu-host-framework", "/usr/share/java/gson.jar", "/usr/share/java/jackson-core.jar"},
+      {"orlu-service", "orlu-host-framework", "/usr/share/java/jackson-core.jar"},
       {"-Xms256m", "-Xmx256m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC", "-XX:-UsePerfData"});
 }
 

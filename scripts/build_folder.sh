@@ -10,7 +10,7 @@
 
 # The packages whose files go into what is built: compilers, the JDK, headers and jars.
 readonly libraries='(lib(c\+\+|stdc\+\+|c6|clang-rt|exif|raw|turbojpeg|gtest|benchmark)|nlohmann-json3)[^ ]*-dev[^ ]*'
-readonly compiled_in="^(cmake|g\\+\\+[^ ]*|clang(-[0-9]+)?|openjdk-17-j[dr][ek]-headless|libgoogle-gson-java|libjackson2-core-java|$libraries) "
+readonly compiled_in="^(cmake|g\\+\\+[^ ]*|clang(-[0-9]+)?|openjdk-17-j[dr][ek]-headless|libjackson2-core-java|$libraries) "
 
 # start_afresh FOLDER REASON: says so, and throws away what was built.
 start_afresh() {

@@ -5,11 +5,11 @@
 # What ./run takes: compiler, build tools, JDK, and the libraries of the host layer.
 readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
-  libgoogle-gson-java libjackson2-core-java libpicocli-java libmetadata-extractor-java
+  libjackson2-core-java libpicocli-java libmetadata-extractor-java
   libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev
 )
 # The libraries of its Java half.
-java_libraries=/usr/share/java/gson.jar:/usr/share/java/jackson-core.jar:/usr/share/java/picocli.jar
+java_libraries=/usr/share/java/jackson-core.jar:/usr/share/java/picocli.jar
 java_libraries+=:/usr/share/java/metadata-extractor.jar:/usr/share/java/xmpcore.jar
 readonly java_libraries
 # What the tests take beside that: their libraries, and the tools that look into files.

@@ -29,7 +29,7 @@ public final class Run {
     private final RequestFile mRequest;
     private final Json mRoot;
     private final Json mOutcome;
-    private final String mProblem;
+    private String mProblem;
     private final List<String> mNotes;
     private final RecordedEvents mEvents;
     private final List<Parameter> mParameters;
@@ -82,8 +82,11 @@ public final class Run {
             List<String> notes) throws MistakeException {
         Run run = new Run(name, folder, request, root, outcome, problem, notes,
                 RunFolder.events(folder.resolve(RunFolder.EVENTS)));
-        if (!outcome.has("failed")) {
+        try {
             run.readOutcome();
+        } catch (MistakeException e) {
+            // What was read before is used.
+            run.mProblem = problem.isEmpty() ? e.getMessage() : problem;
         }
         run.mHanded.addAll(HandedImage.of(run));
         return run;
