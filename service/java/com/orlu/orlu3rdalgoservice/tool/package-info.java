@@ -1,5 +1,6 @@
 /**
- * The command behind ./run. Its packages use each other one way: explain uses report, report uses trial and
- * image, which use request.
+ * The command behind ./run. Its packages are layers, each of which uses only those before it: text, json, tags,
+ * imagefile, request, image, check, run, model, judge, trial, explain, compare, command, importer, catalogue,
+ * view, and this one. A run makes events and a folder, model.Run is what it did, and the rest shows that.
  */
 package com.orlu.orlu3rdalgoservice.tool;
