@@ -64,7 +64,8 @@ public final class JsonWriter {
         } else if (value instanceof String || isWithoutForm(value)) {
             writeText(value.toString());
         } else if (value instanceof Number || value instanceof Boolean || value == null) {
-            mText.append(value);
+            // A BigDecimal has a plus in its exponent, and a double has none.
+            mText.append(String.valueOf(value).replace("E+", "E"));
         } else {
             throw new IllegalArgumentException("no JSON for " + value.getClass());
         }
