@@ -33,6 +33,7 @@ ends 2 'shots has [0-9]* recordings; name one of them' trim shots --out one --fr
 ends 0 '^written again ' trim few --out again --frames 1 --crop 64,64
 info_says 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64, only frame 1 of the copy$' again
 grep -q '^  *only frame 1 of the copy$' out || fail "trimmed twice: $(cat out)"
+grep -q '^  end  *whole$' out || fail "no end: $(cat out)"
 info_says 'recorded ' shots
 ! grep -E '.{81}' out || fail "longer than 80 columns"
 

@@ -87,7 +87,9 @@ public final class RunFolder {
         if (!root.has("recording")) {
             throw root.error("needs the field recording: no recorder wrote this file");
         }
-        return Run.of(name, folder, request, root, outcome, problem, mistakes.lines());
+        // Trimming left out what came of it.
+        boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
+        return Run.of(name, folder, request, root, outcome, isWhole ? "" : problem, mistakes.lines());
     }
 
     /** What is wrong with the events of an outcome; empty if they are whole, or there are none. */
