@@ -22,7 +22,7 @@ import java.util.TreeSet;
  */
 public final class Json implements Place {
     private static final int LONGEST_QUOTE = 60;
-    private static final Json NONE = new Json(new Mistakes(""), null, "", 0, Spot.NONE, Spot.NONE, Map.of());
+    private static final Json NONE = new Json(new Mistakes(""), null, "", 0, Spot.NOWHERE, Spot.NOWHERE, Map.of());
 
     private final Mistakes mMistakes;
     private final Json mParent;
@@ -36,7 +36,7 @@ public final class Json implements Place {
 
     /** A line and a column from 1, in UTF-16 units; 0 if there is none. */
     record Spot(int line, int column) {
-        static final Spot NONE = new Spot(0, 0);
+        static final Spot NOWHERE = new Spot(0, 0);
     }
 
     Json(Mistakes mistakes, Json parent, String name, int index, Spot nameSpot, Spot spot, Object content) {

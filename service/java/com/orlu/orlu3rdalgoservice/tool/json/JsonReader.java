@@ -113,7 +113,7 @@ final class JsonReader {
             if (mParser.nextToken() == null) {
                 throw mistake(new Json.Spot(mFirstLine, 1), "not JSON: the file is empty");
             }
-            Json root = value(null, "", 0, Json.Spot.NONE, 0);
+            Json root = value(null, "", 0, Json.Spot.NOWHERE, 0);
             if (mParser.nextToken() != null) {
                 throw mistake(tokenStart(), "not JSON: more text after the end of the value");
             }
@@ -173,7 +173,7 @@ final class JsonReader {
                 Json list = new Json(mMistakes, parent, name, index, nameSpot, spot,
                         Collections.unmodifiableList(elements));
                 while (mParser.nextToken() != JsonToken.END_ARRAY) {
-                    elements.add(value(list, null, elements.size(), Json.Spot.NONE, level + 1));
+                    elements.add(value(list, null, elements.size(), Json.Spot.NOWHERE, level + 1));
                 }
                 yield list;
             }

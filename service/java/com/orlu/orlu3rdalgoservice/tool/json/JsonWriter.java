@@ -62,7 +62,7 @@ public final class JsonWriter {
             writeAll('[', IntStream.range(0, Array.getLength(value)).mapToObj(i -> Array.get(value, i))
                     .iterator(), ']', newLine);
         } else if (value instanceof String || isWithoutForm(value)) {
-            writeText(value.toString());
+            writeText(String.valueOf(value));
         } else if (value instanceof Number || value instanceof Boolean || value == null) {
             // A BigDecimal has a plus in its exponent, and a double has none.
             mText.append(String.valueOf(value).replace("E+", "E"));

@@ -25,8 +25,10 @@ public final class HeldValue {
         if (value instanceof Object[] objects) {
             return Arrays.stream(objects).map(HeldValue::json).toList();
         }
-        boolean isPlain = value == null || value instanceof Number || value instanceof Boolean;
-        return isPlain || value.getClass().isArray() ? value : object(value);
+        if (value == null || value instanceof Number || value instanceof Boolean) {
+            return value;
+        }
+        return value.getClass().isArray() ? value : object(value);
     }
 
     private static Object object(Object value) {
