@@ -9,7 +9,7 @@ folder=${2:-$root/service/command}
 new=$(mktemp -d)
 trap 'rm -rf "$new"' EXIT
 "$(debian_java_home "")/bin/java" -cp "$1/java/orlu-service.jar:$1/java/orlu-host-framework.jar:$java_libraries" \
-  com.orlu.orlu3rdalgoservice.tool.CommandFiles "$new"
+  com.orlu.orlu3rdalgoservice.tool.cli.CommandFiles "$new"
 # A program of its own, with options of its own, which its help lists with the labels of their values.
 "$1/bin/conform" --help >"$new/help/conform.txt"
 sed -nE 's/^usage: .* \[([A-Z]+)\]$/- \1/p; s/^  (--[a-z]+) ([A-Z]+).*/\1 \2/p; s/^  (--[a-z]+)  .*/\1 -/p' \

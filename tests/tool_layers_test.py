@@ -6,9 +6,9 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent / "service/java/com/orlu/orlu3rdalgoservice/tool"
-# From the bottom to the top; the last one is tool itself.
-LAYERS = ("text", "json", "tags", "imagefile", "request", "image", "check", "run", "model", "judge", "trial",
-          "explain", "compare", "command", "importer", "catalogue", "view", "")
+# From the bottom to the top.
+LAYERS = ("text", "json", "tags", "imagefile", "request", "image", "check", "run", "model", "judge",
+          "explain", "compare", "importer", "catalogue", "view", "cli")
 IMPORT = re.compile(r"^import (?:static )?com\.orlu\.orlu3rdalgoservice\.tool\.(?:(\w+)\.)?[A-Z]\w*", re.MULTILINE)
 
 wrong = [f"{folder.name}: no such layer" for folder in ROOT.iterdir()

@@ -57,7 +57,7 @@ EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
 
 // TrialLibrary.take(): the record since the last call; null when the VM has no memory for it.
 EXPORTED JNIEXPORT jbyteArray JNICALL
-Java_com_orlu_orlu3rdalgoservice_tool_trial_TrialLibrary_take(JNIEnv* env, jclass /*clazz*/) {
+Java_com_orlu_orlu3rdalgoservice_tool_explain_TrialLibrary_take(JNIEnv* env, jclass /*clazz*/) {
   std::vector<uint8_t>& record = orlu::trial::gRecord;
   const auto size = static_cast<jsize>(record.size());
   jbyteArray bytes = env->NewByteArray(size);

@@ -1,6 +1,6 @@
 /**
  * The command behind ./run. Its packages are layers, each of which uses only those before it: text, json, tags,
- * imagefile, request, image, check, run, model, judge, trial, explain, compare, command, importer, catalogue,
- * view, and this one. A run makes events and a folder, model.Run is what it did, and the rest shows that.
+ * imagefile, request, image, check, run, model, judge, explain, compare, importer, catalogue,
+ * view, cli. A run makes events and a folder, model.Run is what it did, and the rest shows that.
  */
 package com.orlu.orlu3rdalgoservice.tool;

@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.cli.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.cli.Command;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;

@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.catalogue;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.cli.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.cli.Command;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;

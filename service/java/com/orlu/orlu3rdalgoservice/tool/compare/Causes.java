@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
+import com.orlu.orlu3rdalgoservice.tool.model.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.ArrayList;
 import java.util.Comparator;

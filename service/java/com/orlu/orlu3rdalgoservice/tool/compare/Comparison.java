@@ -2,10 +2,10 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.HandedImage;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
 import java.util.ArrayList;

@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.io.IOException;
 import java.nio.file.Path;

@@ -1,11 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.LinkedHashSet;
 import java.util.List;

@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependence;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 import java.util.LinkedHashMap;
 import java.util.List;

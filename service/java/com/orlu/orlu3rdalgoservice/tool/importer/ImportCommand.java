@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
+import com.orlu.orlu3rdalgoservice.tool.cli.Arguments;
+import com.orlu.orlu3rdalgoservice.tool.cli.Command;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;

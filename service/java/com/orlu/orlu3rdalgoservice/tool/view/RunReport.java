@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 
 /**
  * What the views show of a run.

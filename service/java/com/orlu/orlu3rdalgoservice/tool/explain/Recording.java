@@ -1,6 +1,6 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.explain;
 
-import com.orlu.orlu3rdalgoservice.tool.trial.TrialLibrary.Write;
+import com.orlu.orlu3rdalgoservice.tool.explain.TrialLibrary.Write;
 
 import java.util.ArrayList;
 import java.util.Arrays;

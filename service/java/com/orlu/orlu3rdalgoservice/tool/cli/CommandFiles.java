@@ -1,7 +1,5 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 
 import java.io.IOException;
 import java.nio.file.Files;

@@ -1,12 +1,8 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.tool.catalogue.CatalogueCommand;
 import com.orlu.orlu3rdalgoservice.tool.catalogue.NewCommand;
 import com.orlu.orlu3rdalgoservice.tool.catalogue.SchemaCommand;
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.command.Launch;
-import com.orlu.orlu3rdalgoservice.tool.command.LauncherCommand;
 import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
 
 import java.util.Arrays;

@@ -1,18 +1,20 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.explain.TrialRequest.Asked;
+import com.orlu.orlu3rdalgoservice.tool.explain.TrialRequest.Change;
+import com.orlu.orlu3rdalgoservice.tool.explain.TrialRequest.Frame;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependence;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Asked;
-import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Change;
-import com.orlu.orlu3rdalgoservice.tool.trial.TrialRequest.Frame;
 
 import java.util.ArrayList;
 import java.util.HashSet;

@@ -1,9 +1,7 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.compare.ComparisonReport;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;

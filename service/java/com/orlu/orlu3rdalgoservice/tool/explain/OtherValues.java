@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import android.graphics.Rect;
 import android.hardware.camera2.impl.TagType;

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.model;
 
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;

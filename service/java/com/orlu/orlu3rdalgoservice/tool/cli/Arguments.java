@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.command;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import java.nio.file.Path;
 import java.util.List;

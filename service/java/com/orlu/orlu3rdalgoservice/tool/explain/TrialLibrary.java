@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.explain;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
@@ -8,9 +8,6 @@ import java.util.List;
 
 /** The algorithm library of trials, which the native library has opened before any of this is called. */
 final class TrialLibrary {
-    /** What the algorithm list is called among the parameters. */
-    static final String ALGORITHMS = "algorithms";
-
     private TrialLibrary() {
     }
 

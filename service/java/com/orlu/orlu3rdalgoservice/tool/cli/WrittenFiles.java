@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import java.io.IOException;
 import java.io.Reader;

@@ -1,10 +1,7 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Command;
-import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;

@@ -1,7 +1,5 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
-import com.orlu.orlu3rdalgoservice.tool.command.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.command.Launch;
 import com.orlu.orlu3rdalgoservice.tool.model.CropArea;
 
 import java.nio.file.Files;

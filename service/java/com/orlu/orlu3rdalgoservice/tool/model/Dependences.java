@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool.trial;
+package com.orlu.orlu3rdalgoservice.tool.model;
 
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
@@ -25,7 +25,7 @@ import java.util.TreeSet;
 public record Dependences(
         List<Dependence> all, Set<String> unsteady, int trials, double seconds, String problem) {
     /** The name of the algorithm list among the parameters. */
-    public static final String ALGORITHMS = TrialLibrary.ALGORITHMS;
+    public static final String ALGORITHMS = "algorithms";
 
     /** Nothing is known, for a reason. */
     public static Dependences unknown(String problem) {

@@ -1,4 +1,4 @@
-package com.orlu.orlu3rdalgoservice.tool;
+package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
@@ -19,6 +19,7 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
@@ -35,7 +36,6 @@ import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
-import com.orlu.orlu3rdalgoservice.tool.trial.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;

@@ -1,4 +1,0 @@
-/**
- * Finds by trial which tags a request's parameters depend on, over an algorithm library that answers at once.
- */
-package com.orlu.orlu3rdalgoservice.tool.trial;
