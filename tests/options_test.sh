@@ -38,7 +38,7 @@ diff . . --out old|--out: needs a folder, found a file: old
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
 trials|needs REQUEST; see ./run trials --help
-conform --onyl x|unknown option --onyl (did you mean --only?); see ./run conform --help
+conform --onyl x|unknown option --onyl; see ./run conform --help
 conform --junit|--junit needs a value; see ./run conform --help
 conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help
 conform --seed few|--seed takes a number that is not negative, not "few"; see ./run conform --help
@@ -50,68 +50,27 @@ for line in 'mime.json: no such file (did you mean mine.json?)' 'b/minr.json: no
   grep -qxF "$line" err || fail "\"$line\" is not said: $(cat err)"
 done
 
-echo "== What is refused before a build"
-# A checkout without anything to build: what goes on finds no build.
-mkdir bare
-mkdir bare/service
-cp -r "$root/run" "$root/scripts" bare
-cp -r "$root/service/command" bare/service
-while IFS='|' read -r arguments line; do
-  read -ra words <<<"$arguments"
-  status=0
-  ORLU_BUILD='' bare/run "${words[@]}" >out 2>err || status=$?
-  [ "$status $(cat err)" = "2 run: $line" ] || fail "./run $arguments without a build: $status $(cat err)"
-done <<'UNBUILT'
---jason|unknown option --jason (did you mean --json?); see ./run --help
---out --json a --paramss=1|unknown option --paramss=1 (did you mean --params?); see ./run --help
-tags --jsn|unknown option --jsn (did you mean --json?); see ./run tags --help
-reply|reply: no such file or subcommand (did you mean replay?); see ./run --help
---log info a|the subcommand comes first: ./run info ...; see ./run --help
-UNBUILT
-rm -r bare
-
 echo "== Help and version, without a build"
 export ORLU_BUILD=none
-while read -r subcommand kind _; do
-  [ "$kind" = . ] || continue
-  for help in --help -h; do
-    command_ends 0 "$subcommand" $help
-    [ ! -s err ] || fail "$subcommand $help: $(cat err)"
-  done
-  if [ -e "$root/service/command/help/$subcommand.txt" ]; then
-    head -n 1 out | grep -q '^usage: ./run' || fail "$subcommand --help begins with $(head -n 1 out)"
-    if grep -n '.\{81\}' out; then fail "the help of $subcommand is wider than 80 columns"; fi
-  fi
-done < <(grep -v '^#' "$root/service/command/options.txt" | grep listed)
-command_ends 0 samples/night.json --help
-prints "usage: ./run [options]" "--params" "--out=DIR" "  replay  "
-for arguments in --version "--check --version"; do
-  # shellcheck disable=SC2086 # two words
-  command_ends 0 $arguments
-  grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "$arguments: $(cat out)"
+for help in --help -h; do
+  command_ends 0 $help
+  diff "$root/service/help.txt" out >&2 || fail "$help prints something else than service/help.txt"
 done
+command_ends 0 --version
+grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--version: $(cat out)"
 export ORLU_BUILD=$1
 
-echo "== What the launcher knows is what the options say"
-"$root/scripts/command_files.sh" "$ORLU_BUILD" "$folder/command"
-diff -r "$root/service/command" command >&2 || fail "service/command is old: cmake --build build/dev --target command-files"
-# launched WORDS ARGUMENT...: what the launcher finds in this command line.
-launched() {
-  local wanted=$1
-  shift
-  read_command_line "$@"
-  # shellcheck disable=SC2154 # it sets launches
-  [ "$(xargs <<<"$launches")" = "$wanted" ] || fail "./run $*: the launcher finds $launches instead of $wanted"
-}
-source "$root/scripts/command_line.sh"
-launched "-"
-launched "- -" samples/arm
-launched "- arm - trials log" --arm x.json --explain=key --log
-launched "- - arm" --out --arm
-launched "-" -- --arm
-launched "- - - -" replay --arm --log
-launched "conform - -" conform --arm
-launched "only-trials - - - -" trials a --record b
+echo "== Help and version of the Java half"
+command_ends 0 samples/night.json --help
+diff "$root/service/help.txt" out >&2 || fail "service/help.txt is old: ./run run --help >service/help.txt"
+command_ends 0 --check --version
+grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--check --version: $(cat out)"
+while read -r subcommand; do
+  command_ends 0 "$subcommand" --help
+  [ ! -s err ] || fail "$subcommand --help: $(cat err)"
+  grep -q "^usage: ./run $subcommand" out || fail "$subcommand --help begins with $(head -n 1 out)"
+  if grep -n '.\{81\}' out; then fail "the help of $subcommand is wider than 80 columns"; fi
+done < <(sed -n '/^Subcommands/,/^$/s/^  \([a-z]*\) .*/\1/p' "$root/service/help.txt")
 
 echo "== Completion"
 command_ends 0 completion
@@ -125,7 +84,7 @@ completed() {
   [[ $line != *[\ =] ]] || COMP_WORDS+=('')
   COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
   COMPREPLY=()
-  _orlu_run "${COMP_WORDS[0]}"
+  _complete_run "${COMP_WORDS[0]}"
   offered=" ${COMPREPLY[*]} "
   for word in "$@"; do
     case $word in
@@ -134,6 +93,9 @@ completed() {
     esac
   done
 }
+# Bash has this only while it completes.
+# shellcheck disable=SC2317 # the completion calls it
+compopt() { :; }
 # shellcheck disable=SC1091 # it was written above
 source out
 touch photo.jpg lib.so
@@ -142,33 +104,34 @@ while IFS='|' read -r line offered; do
   read -ra words <<<"${offered//\~/$folder}"
   completed "${line//\~/$folder}" "${words[@]}"
 done <<'CASES'
-./run re|replay !run !play !trials
+./run re|replay !trials
 ./run --ex|--explain !--params
 ./run -|--out --check --help !--frames
-./run --out=sam|samples !samples/night.json
 ./run --out sam|samples
-./run --explain exif_info|exif_info_for_write !control/exif_info
-./run --explain=control/jpeg|control/jpeg_rotation
+./run --explain exif_info|exif_info_for_write
 ./run --explain al|all algorithms
 ./run tags orlu.control.currentM|orlu.control.currentModeEx !orlu.control.algoType
 ./run parameters hdr_pro|hdr_process_type
-./run parameters al|!all
 ./run algorithms ni|night !jpegEncode
 ./run formats RAW|RAW16 RAW_SENSOR !NV21
 ./run samples hdr|hdr5 hdr7 !night
+./run new hdr|hdr5 hdr7 !night
 ./run samples/nig|samples/night.json samples/night-async.json
-./run nig|samples/night.json samples/night-async.json
-./run ~/|~/mine.json ~/a !~/photo.jpg
+./run ~/|~/mine.json ~/a
 ./run --photo ~/p|~/photo.jpg
-./run replay --against ~/|~/lib.so ~/a !~/mine.json
-./run info sam|samples !samples/night.json
+./run replay --against ~/|~/lib.so ~/a
 ./run trim -|--frames --no-pixels --out !--params
 ./run import ~/|~/photo.jpg ~/mine.json
+./run import --algorithms ni|night
 ./run conform --p|--patience
-./run conform --only set|setValue
 ./run diff samples/night.json samples/nig|samples/night-async.json
 CASES
 cd "$folder" || exit 1
-completed "$root/run replay --ag" --against
 completed "./run m" mine.json
+# The program lists its own options, which the completion has again.
+command_ends 0 conform --help
+read -ra listed < <(sed -nE 's/^  (--[a-z]+) .*/\1/p' out | xargs)
+completed "./run conform -" "${listed[@]}"
+[ ${#COMPREPLY[@]} -eq $((${#listed[@]} + 1)) ] ||
+  fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
 ended

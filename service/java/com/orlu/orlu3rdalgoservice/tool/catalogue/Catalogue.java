@@ -21,7 +21,7 @@ import java.util.stream.Stream;
  * @param columns the fields that the list shows after the name
  * @param below   the text below an entry's line of the list
  */
-record Catalogue(String one, String help, List<String> columns, Function<Json, String> below) {
+public record Catalogue(String one, String help, List<String> columns, Function<Json, String> below) {
     private static final String FILE = "catalogue.json";
     private static final Map<String, Catalogue> PARTS = Map.of(
             "tags", new Catalogue("tag",
@@ -52,12 +52,12 @@ record Catalogue(String one, String help, List<String> columns, Function<Json, S
                     List.of("shape", "algorithms"), entry -> text(entry.get("about"))));
 
     /** Returns a part by its name: tags, algorithms, parameters, formats or samples. */
-    static Catalogue of(String part) {
+    public static Catalogue of(String part) {
         return PARTS.get(part);
     }
 
     /** Returns the entries of a part, in the order of the list. */
-    static List<Json> entries(String part) {
+    public static List<Json> entries(String part) {
         try (InputStream stream = Catalogue.class.getResourceAsStream(FILE)) {
             String text = new String(stream.readAllBytes(), StandardCharsets.UTF_8);
             return Json.parse(FILE, 1, text).require(part).list();
@@ -69,12 +69,12 @@ record Catalogue(String one, String help, List<String> columns, Function<Json, S
     }
 
     /** Returns an entry's name. */
-    static String name(Json entry) {
+    public static String name(Json entry) {
         return entry.string("name", "");
     }
 
     /** Returns a value as a text: a list with commas, the values of an object with blanks between them. */
-    static String text(Json value) {
+    public static String text(Json value) {
         if (value.isList()) {
             return value.elements().stream().map(Catalogue::text).collect(Collectors.joining(", "));
         }

@@ -11,7 +11,7 @@ import java.util.Map;
 import java.util.stream.Stream;
 
 /** Prints entries for people: as wide as a terminal, without cutting anything. */
-final class Page {
+public final class Page {
     private static final int GAP = 2;
     private static final int BELOW = 4;
     private static final int LABEL = 15;
@@ -20,13 +20,13 @@ final class Page {
     private final PrintStream mTo;
     private final TextLayout mLayout;
 
-    Page(PrintStream to) {
+    public Page(PrintStream to) {
         mTo = to;
         mLayout = new TextLayout(to, TextLayout.TERMINAL);
     }
 
     /** Prints a line for each entry with a text below it, and the number of entries. */
-    void list(String part, List<Json> entries) {
+    public void list(String part, List<Json> entries) {
         Catalogue catalogue = Catalogue.of(part);
         List<String> fields = Stream.concat(Stream.of("name"), catalogue.columns().stream()).toList();
         List<String> heading = Stream.concat(Stream.of(catalogue.one()),
@@ -68,7 +68,7 @@ final class Page {
     }
 
     /** Prints all fields of one entry. */
-    void detail(String part, Json entry) {
+    public void detail(String part, Json entry) {
         mTo.println(Catalogue.of(part).one() + " " + Catalogue.name(entry));
         entry.entries().forEach((field, value) -> {
             if (!field.equals("name") && !Catalogue.text(value).isEmpty()) {

@@ -1,117 +1,169 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
-import com.orlu.orlu3rdalgoservice.tool.catalogue.CatalogueCommand;
-import com.orlu.orlu3rdalgoservice.tool.catalogue.NewCommand;
-import com.orlu.orlu3rdalgoservice.tool.catalogue.SchemaCommand;
-import com.orlu.orlu3rdalgoservice.tool.importer.ImportCommand;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.List;
+import java.util.function.Supplier;
+import java.util.stream.Stream;
 
 import picocli.CommandLine;
 import picocli.CommandLine.MissingParameterException;
 import picocli.CommandLine.Model.ArgSpec;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Model.OptionSpec;
+import picocli.CommandLine.Model.PositionalParamSpec;
+import picocli.CommandLine.Model.UsageMessageSpec;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.ParseResult;
 import picocli.CommandLine.UnmatchedArgumentException;
 
-/** The subcommands of ./run, and the reading of its command line. */
+/** The subcommands of ./run, and the parser of its command line. */
 final class Commands {
-    /** What runs when no subcommand is named. */
-    static final Command USUAL = new RunCommand();
-    /** The others, in the order of the help. A new one is a row here. */
-    static final List<Command> NAMED = List.of(
-            new NewCommand(),
-            new ImportCommand(),
-            new RecordingCommand("info", "say what is in recordings of requests"),
-            new RecordingCommand("replay", "run recordings again, and compare"),
-            new RecordingCommand("trim", "write a smaller copy of a recording"),
-            new RecordingCommand("diff", "compare two runs of a request"),
-            // The program has the help of its own, since it has the options.
-            new LauncherCommand("conform", "check whether an algorithm library behaves", Launch.CONFORM,
-                    List.of(), List.of()),
-            new CatalogueCommand("tags", "list tags: type, unit, meaning, who reads them", "TAG",
-                    "orlu.control.currentModeEx"),
-            new CatalogueCommand("algorithms", "list algorithms: what adds and removes them",
-                    "ALGORITHM", "hdr"),
-            new CatalogueCommand("parameters", "list parameters: type, bytes, the tags they come from", "KEY",
-                    "hdr_process_type"),
-            new CatalogueCommand("formats", "list image formats: planes, strides, files", "FORMAT",
-                    "RAW16"),
-            new CatalogueCommand("samples", "list the samples and what each shows", "SAMPLE", "night"),
-            new SchemaCommand(),
-            new LauncherCommand("completion", "print the completion for bash", Launch.COMPLETION,
-                    List.of("Prints what lets bash complete subcommands, options and their values, for this "
-                            + "and any other checkout's ./run."),
-                    List.of("source <(./run completion)")),
-            new RecordingCommand("trials", ""));
+    private static final int HELP_COLUMNS = 80;
 
-    /** A command line that is understood: a command, and what its arguments say. */
-    record Invocation(Command command, ParseResult line) {
+    // An empty phrase keeps a subcommand out of the help.
+    private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
+
+    /** What runs when no subcommand is named. */
+    private static final Row USUAL = new Row("run", "", RunCommand::new);
+    /**
+     * The others, in the order of the help. Only the one that runs is made: reading annotations takes time.
+     */
+    private static final List<Row> NAMED = List.of(
+            new Row("new", "print a request file to start from", NewCommand::new),
+            new Row("import", "make a request file of what a camera wrote", ImportCommand::new),
+            new Row("info", "say what is in recordings of requests", InfoCommand::new),
+            new Row("replay", "run recordings again, and compare", ReplayCommand::new),
+            new Row("trim", "write a smaller copy of a recording", TrimCommand::new),
+            new Row("diff", "compare two runs of a request", DiffCommand::new),
+            new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
+                    "--only= --list --json --junit= --contract --hostile= --long --seed= --patience= "
+                    + "--limit= --arm")),
+            new Row("tags", "list tags: type, unit, meaning, who reads them",
+                    () -> new CatalogueCommand("tags", "TAG", "orlu.control.currentModeEx")),
+            new Row("algorithms", "list algorithms: what adds and removes them",
+                    () -> new CatalogueCommand("algorithms", "ALGORITHM", "hdr")),
+            new Row("parameters", "list parameters: type, bytes, the tags they come from",
+                    () -> new CatalogueCommand("parameters", "KEY", "hdr_process_type")),
+            new Row("formats", "list image formats: planes, strides, files",
+                    () -> new CatalogueCommand("formats", "FORMAT", "RAW16")),
+            new Row("samples", "list the samples and what each shows",
+                    () -> new CatalogueCommand("samples", "SAMPLE", "night")),
+            new Row("schema", "print a JSON schema of request files, for editors", SchemaCommand::new),
+            new Row("completion", "print the completion for bash", CompletionCommand::new),
+            new Row("trials", "", TrialsCommand::new));
 
     private Commands() {
     }
 
     /**
-     * Reads the arguments, and returns null when they only ask for the help or the version, which is printed
-     * then. What is not understood is an IllegalArgumentException for people.
+     * Returns the subcommand with its options set, or null if the arguments only ask for the help or the
+     * version, which is printed. An invalid command line is an IllegalArgumentException for people.
      */
-    static Invocation parse(String[] arguments) {
-        Command named = arguments.length == 0 ? null : ofName(arguments[0]);
-        Command command = named == null ? USUAL : named;
+    static Subcommand parse(String[] arguments) {
+        Row named = arguments.length == 0 ? null : ofName(arguments[0]);
+        Row row = named == null ? USUAL : named;
+        Subcommand command = row.maker().get();
         CommandLine reader = reader(command);
-        int from = named == null ? 0 : 1;
+        String help = "; see ./run" + (row == USUAL ? "" : " " + row.name()) + " --help";
         try {
-            ParseResult line = reader.parseArgs(Arrays.copyOfRange(arguments, from, arguments.length));
+            ParseResult line = reader.parseArgs(
+                    Arrays.copyOfRange(arguments, named == null ? 0 : 1, arguments.length));
             if (line.isUsageHelpRequested()) {
-                System.out.print(help(command));
+                CommandLine shown = row == USUAL ? withSubcommands(reader) : reader;
+                // picocli ends lines with blanks where a column is empty.
+                System.out.print(shown.getUsageMessage().replaceAll(" +\n", "\n"));
                 return null;
             }
             if (line.isVersionHelpRequested()) {
                 reader.printVersionHelp(System.out);
                 return null;
             }
-            return new Invocation(command, line);
         } catch (ParameterException e) {
-            throw new IllegalArgumentException(problem(e) + "; see " + helpOf(command), e);
+            throw new IllegalArgumentException(problem(e) + help, e);
         }
+        if (command instanceof RunCommand run) {
+            run.files.stream().filter(Commands::isStray).findFirst().ifPresent(word -> {
+                throw new IllegalArgumentException(strayProblem(word.toString()) + help);
+            });
+        }
+        return command;
     }
 
-    // Null for a word that is none's.
-    private static Command ofName(String name) {
-        if (USUAL.name().equals(name)) {
-            return USUAL;
-        }
-        for (Command command : NAMED) {
-            if (command.name().equals(name)) {
-                return command;
-            }
-        }
-        return null;
+    // Null if no subcommand has that name.
+    private static Row ofName(String name) {
+        return Stream.concat(Stream.of(USUAL), NAMED.stream()).filter(row -> row.name().equals(name))
+                .findFirst().orElse(null);
     }
 
-    /** The options and arguments of a command, with --help. */
-    static CommandSpec specOf(Command command) {
-        return command.spec().addOption(Arguments.help());
+    private static Stream<Row> listed() {
+        return NAMED.stream().filter(row -> !row.about().isEmpty());
     }
 
-    private static CommandLine reader(Command command) {
-        return new CommandLine(specOf(command)).setOverwrittenOptionsAllowed(true)
+    private static CommandLine reader(Subcommand command) {
+        CommandLine reader = new CommandLine(command).setOverwrittenOptionsAllowed(true)
                 .setExpandAtFiles(false);
+        CommandSpec spec = reader.getCommandSpec();
+        command.describe(spec);
+        spec.name("./run").addOption(
+                OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
+        UsageMessageSpec usage = spec.usageMessage();
+        usage.width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
+                .optionListHeading("%nOptions:%n");
+        usage.description(Stream.of(usage.description()).flatMap(text -> Stream.of("", text))
+                .toArray(String[]::new));
+        if (usage.footer().length > 0) {
+            usage.footerHeading("%nExamples:%n");
+        }
+        return reader;
     }
 
-    private static String helpOf(Command command) {
-        return command == USUAL ? "./run --help" : "./run " + command.name() + " --help";
+    /** Adds the listed subcommands, with the phrases of the help. */
+    static CommandLine withSubcommands(CommandLine usual) {
+        listed().forEach(row -> {
+            CommandSpec spec = reader(row.maker().get()).getCommandSpec();
+            spec.usageMessage().description(row.about());
+            usual.addSubcommand(row.name(), spec);
+        });
+        return usual;
+    }
+
+    /** The whole command line, for the completion. */
+    static CommandLine whole() {
+        CommandLine usual = withSubcommands(reader(USUAL.maker().get()));
+        Stream.concat(Stream.of(usual), usual.getSubcommands().values().stream()).forEach(command -> {
+            // picocli completes no argument that the help leaves out.
+            CommandSpec spec = command.getCommandSpec();
+            for (PositionalParamSpec hidden : List.copyOf(spec.positionalParameters())) {
+                spec.remove(hidden);
+                spec.addPositional(hidden.toBuilder().hidden(false).build());
+            }
+        });
+        return usual;
+    }
+
+    // A word alone is more likely a mistyped subcommand than a file.
+    private static boolean isStray(Path file) {
+        return file.toString().matches("[A-Za-z]+") && !Files.exists(file);
+    }
+
+    private static String strayProblem(String word) {
+        List<String> names = listed().map(Row::name).toList();
+        return names.contains(word) ? "the subcommand comes first: ./run " + word + " ..."
+                : word + ": no such file or subcommand" + NearestWord.question(word, names);
     }
 
     private static String problem(ParameterException e) {
         if (e instanceof UnmatchedArgumentException unmatched) {
             String first = unmatched.getUnmatched().get(0);
-            // The launcher refused unknown options, with the nearest known one.
-            return (unmatched.isUnknownOption() ? "unknown option " : "one argument too many: ") + first;
+            return unmatched.isUnknownOption()
+                    ? "unknown option " + first + NearestWord.question(first.replaceFirst("=.*", ""),
+                            List.copyOf(e.getCommandLine().getCommandSpec().optionsMap().keySet()))
+                    : "one argument too many: " + first;
         }
         if (e instanceof MissingParameterException missing) {
             ArgSpec first = missing.getMissing().get(0);
@@ -125,25 +177,5 @@ final class Commands {
                     option.longestName(), option.paramLabel(), e.getValue());
         }
         return e.getMessage();
-    }
-
-    /** The help of a command. */
-    static String help(Command command) {
-        CommandLine shown = command == USUAL ? listing() : reader(command);
-        // picocli ends lines with blanks where a column is empty.
-        return shown.getUsageMessage().replaceAll(" +\n", "\n");
-    }
-
-    // The usual command with the others below it, which reading a command line does without.
-    private static CommandLine listing() {
-        CommandLine usual = reader(USUAL);
-        for (Command command : NAMED) {
-            if (!command.about().isEmpty()) {
-                CommandSpec spec = specOf(command);
-                spec.usageMessage().description(command.about());
-                usual.addSubcommand(command.name(), spec);
-            }
-        }
-        return usual;
     }
 }

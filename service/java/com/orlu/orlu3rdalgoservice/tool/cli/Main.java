@@ -38,13 +38,12 @@ public final class Main {
 
     private static int status(String[] arguments) {
         try {
-            Commands.Invocation invocation = Commands.parse(arguments);
-            if (invocation == null) {
+            Subcommand command = Commands.parse(arguments);
+            if (command == null) {
                 return Verdict.OK;
             }
             String died = System.getProperty("orlu.died");
-            return died == null ? invocation.command().run(invocation.line())
-                    : invocation.command().afterDeath(invocation.line(), Integer.parseInt(died));
+            return died == null ? command.run() : command.afterDeath(Integer.parseInt(died));
         } catch (IllegalArgumentException | MistakeException e) {
             System.err.println("run: " + e.getMessage());
             return Verdict.REFUSED;

@@ -41,11 +41,11 @@ import java.util.stream.Stream;
 final class PostMortem {
     private static final String REPORT = "crash.log";
 
-    private final Options mOptions;
+    private final RunCommand mOptions;
     private final int mExitStatus;
 
     /** The exit status is the dead process's, as a shell has it: 128 and the number of the signal. */
-    PostMortem(Options options, int exitStatus) {
+    PostMortem(RunCommand options, int exitStatus) {
         mOptions = options;
         mExitStatus = exitStatus;
     }
@@ -57,21 +57,21 @@ final class PostMortem {
         Path vmReport = WorkFolder.vmReport();
         boolean hasVmReport = vmReport != null && Files.exists(vmReport);
         Crash crash = new Crash(events, mExitStatus, hasVmReport ? Files.readString(vmReport) : "");
-        Files.createDirectories(mOptions.out);
-        Path file = mOptions.out.resolve(REPORT);
+        Files.createDirectories(mOptions.written.out);
+        Path file = mOptions.written.out.resolve(REPORT);
         Files.writeString(file, crash.report());
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions, new Timeline());
-        if (mOptions.report != null) {
+        if (mOptions.written.report != null) {
             writePage(verdict, crash.report());
         }
-        if (mOptions.record != null) {
-            completeRecordings(mOptions.record);
+        if (mOptions.written.record != null) {
+            completeRecordings(mOptions.written.record);
         }
-        if (mOptions.json != null) {
+        if (mOptions.written.json != null) {
             JsonReport json = new JsonReport();
             json.add(verdict);
-            json.write(mOptions.json);
+            json.write(mOptions.written.json);
         }
         System.out.println(verdict.line());
         return verdict.status();
@@ -80,7 +80,7 @@ final class PostMortem {
     // The requests before it have their pages already.
     private void writePage(Verdict verdict, String crash) throws IOException {
         List<Path> requests = mOptions.requests();
-        PageFolder pages = new PageFolder(mOptions.report, PageFolder.Sources.ofWorkFolder(), requests
+        PageFolder pages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(), requests
                 .size());
         pages.resume();
         if (pages.count() < requests.size()) {
@@ -92,7 +92,8 @@ final class PostMortem {
                 own.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
                 SourceLines source = new SourceLines();
                 source.learn(all);
-                RequestFile request = RequestFileReader.read(requests.get(pages.count()), mOptions.photo);
+                RequestFile request = RequestFileReader.read(requests.get(pages.count()),
+                        mOptions.tried.photo);
                 Run run = Run.of(RequestNames.of(requests).get(pages.count()), request, own, List.of(),
                         null, null);
                 RunReport report = new RunReport(

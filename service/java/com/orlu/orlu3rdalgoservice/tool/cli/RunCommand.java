@@ -2,109 +2,164 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
+import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.List;
 
+import picocli.CommandLine.ArgGroup;
+import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
-import picocli.CommandLine.Model.OptionSpec;
-import picocli.CommandLine.Model.UsageMessageSpec;
-import picocli.CommandLine.ParseResult;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
 
-/** What ./run does without a subcommand: it runs requests. */
-final class RunCommand extends Command {
-    private static final String ABOUT = "Sends camera requests through the post-processing library, as the "
-            + "service does, and shows what went in, what ran and what came back. Without a request file it "
-            + "takes samples/night.json.";
-    private static final List<String> EXAMPLES = List.of(
-            "./run samples/clarity.json            another request",
-            "./run --params samples/capture.json   every parameter handed over",
-            "./run --log --photo my.jpg            the library's log, frames of a photo",
-            "./run diff a.json b.json              what two requests do differently",
-            "./run tags zoom                       what is known of the tags on zoom");
-    private static final String STATUSES = """
+/** What ./run does without a subcommand: it runs requests. The launcher acts on some of the options, too. */
+@Command(customSynopsis = {"./run [options] [request.json ...]", "       ./run SUBCOMMAND ..."},
+        commandListHeading = "%nSubcommands, each with a --help of its own:%n",
+        description = "Sends camera requests through the post-processing library, as the service does, and "
+                + "shows what went in, what ran and what came back. Without a request file it takes "
+                + "samples/night.json.",
+        footer = {
+            "  ./run samples/clarity.json            another request",
+            "  ./run --params samples/capture.json   every parameter handed over",
+            "  ./run --log --photo my.jpg            the library's log, frames of a photo",
+            "  ./run diff a.json b.json              what two requests do differently",
+            "  ./run tags zoom                       what is known of the tags on zoom",
+            """
 
             The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
             status is 0 when all went well, 1 when a request failed, 2 when the command line or a request \
             file can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
             opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
             it ends the process, the file crash.log beside the images says where.
-            """;
-    private static final String VARIABLES = """
+            """,
+            """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
             another algorithm library before the stand-in.
-            """;
+            """})
+final class RunCommand implements Subcommand {
+    @ArgGroup(heading = "%nWhat is shown:%n", validate = false)
+    Shown shown = new Shown();
+    @ArgGroup(heading = "%nWhat is written:%n", validate = false)
+    Written written = new Written();
+    @ArgGroup(heading = "%nWhat is run:%n", validate = false)
+    Tried tried = new Tried();
+    @Parameters(paramLabel = "request.json", hidden = true)
+    List<Path> files = new ArrayList<>();
+    @Option(names = "--version", versionHelp = true, description = "print the version")
+    private boolean mVersion;
 
-    RunCommand() {
-        super("run", "");
+    static final class Shown {
+        @Option(names = "--params", description = "print every parameter handed to the algorithms")
+        boolean params;
+        /** Keys of parameters, perhaps with their sections, and words such as "all". */
+        @Option(names = "--explain", paramLabel = "[SECTION/]KEY", arity = "1",
+                completionCandidates = Candidates.Explained.class,
+                description = "say who wrote this parameter and which tags it depends on, found by trying: "
+                        + "a key, \"algorithms\" or \"all\" (docs/explain.md)")
+        List<String> explain = new ArrayList<>();
+        @Option(names = "--tags", description = "print what was read of each frame's tags, what was not, "
+                + "and what stands where one is absent")
+        boolean tags;
+        @Option(names = "--log", description = "show the library's log on standard error")
+        boolean log;
+        @Option(names = "--wide", description = "print lines of any length, instead of cutting them to 80 "
+                + "columns")
+        boolean wide;
+    }
+
+    static final class Written {
+        @Option(names = "--out", paramLabel = "DIR", description = "write the resulting images there "
+                + "(default: out)")
+        Path out = Path.of("out");
+        @Option(names = "--json", paramLabel = "FILE",
+                description = "write parameters, algorithm lists, results, times and the verdict as JSON")
+        Path json;
+        @Option(names = "--events", paramLabel = "FILE", description = "keep all that passed between the "
+                + "library and the algorithm library, and every look-up of a tag, as JSON lines "
+                + "(docs/events.md)")
+        Path events;
+        @Option(names = "--timeline", paramLabel = "FILE",
+                description = "write a timeline of the run that trace viewers open (docs/timeline.md)")
+        Path timeline;
+        @Option(names = "--report", paramLabel = "DIR", description = "write a page on each request that a "
+                + "browser shows: pictures, memory, timeline, parameters, tags, log, and what looks wrong "
+                + "(docs/report.md)")
+        Path report;
+        @Option(names = "--record", paramLabel = "DIR",
+                description = "record each request in a folder (docs/recording.md)")
+        Path record;
+    }
+
+    static final class Tried {
+        @Option(names = "--check", description = "only read the request files and say whether they are right")
+        boolean check;
+        @Option(names = "--strict", description = "fail when a tag is never read, or of a wrong type, or "
+                + "the request file has a warning")
+        boolean strict;
+        @Option(names = "--photo", paramLabel = "FILE",
+                description = "make the frames of this photo instead of the request's own")
+        Path photo;
+        @Option(names = "--one-client", description = "run all requests on one client instead of one for "
+                + "each")
+        boolean oneClient;
+        @Option(names = "--arm", description = "run the 32-bit ARM library, in an ARM JVM under an emulator")
+        boolean arm;
     }
 
     @Override
-    public CommandSpec spec() {
-        CommandSpec command = Arguments.command("[options] [request.json ...]", List.of(ABOUT), EXAMPLES)
-                .version(System.getProperty("orlu.version", "unknown"));
-        Arguments.addGroup(command, "What is shown", List.of(
-                Arguments.flag("--params", "print every parameter handed to the algorithms"),
-                OptionSpec.builder("--explain").paramLabel("[SECTION/]KEY").type(List.class)
-                        .auxiliaryTypes(String.class).arity("1").userObject(Launch.TRIALS)
-                        .description("say who wrote this parameter and which tags it depends on, found by "
-                                + "trying: a key, \"algorithms\" or \"all\" (docs/explain.md)").build(),
-                Arguments.flag("--tags", "print what was read of each frame's tags, what was not, and what "
-                        + "stands where one is absent", Launch.TRIALS),
-                Arguments.flag("--log", "show the library's log on standard error", Launch.LOG),
-                Arguments.flag("--wide",
-                        "print lines of any length, instead of cutting them to 80 columns")));
-        Arguments.addGroup(command, "What is written", List.of(
-                Arguments.path("--out", "DIR", "write the resulting images there (default: out)"),
-                Arguments.path("--json", "FILE",
-                        "write parameters, algorithm lists, results, times and the verdict as JSON"),
-                Arguments.path("--events", "FILE",
-                        "keep all that passed between the library and the algorithm library, and every "
-                                + "look-up of a tag, as JSON lines (docs/events.md)"),
-                Arguments.path("--timeline", "FILE",
-                        "write a timeline of the run that trace viewers open (docs/timeline.md)"),
-                Arguments.path("--report", "DIR", "write a page on each request that a browser shows: "
-                        + "pictures, memory, timeline, parameters, tags, log, and what looks wrong "
-                        + "(docs/report.md)",
-                        Launch.REPORT),
-                Arguments.path("--record", "DIR", "record each request in a folder (docs/recording.md)",
-                        Launch.PIXELS)));
-        Arguments.addGroup(command, "What is run", List.of(
-                Arguments.flag("--check", "only read the request files and say whether they are right"),
-                Arguments.flag("--strict", "fail when a tag is never read, or of a wrong type, or the "
-                        + "request file has a warning", Launch.TRIALS),
-                Arguments.path("--photo", "FILE",
-                        "make the frames of this photo instead of the request's own"),
-                Arguments.flag("--one-client", "run all requests on one client instead of one for each"),
-                Arguments.flag("--arm", "run the 32-bit ARM library, in an ARM JVM under an emulator",
-                        Launch.ARM)));
-        command.addOption(OptionSpec.builder("--version").versionHelp(true).userObject(Launch.VERSION)
-                .description("print the version").build());
-        command.addPositional(Arguments.positional("request.json", 0, Path.class));
-        addToHelp(command.usageMessage());
-        return command;
-    }
-
-    private static void addToHelp(UsageMessageSpec help) {
-        help.customSynopsis("./run [options] [request.json ...]", "       ./run SUBCOMMAND ...");
-        help.commandListHeading("%nSubcommands, each with a --help of its own:%n");
-        String[] examples = help.footer();
-        String[] all = new String[examples.length + 2];
-        System.arraycopy(examples, 0, all, 0, examples.length);
-        all[examples.length] = STATUSES;
-        all[examples.length + 1] = VARIABLES;
-        help.footer(all);
+    public void describe(CommandSpec spec) {
+        spec.version(System.getProperty("orlu.version", "unknown"));
     }
 
     @Override
-    public int run(ParseResult line) throws MistakeException, ErrnoException, IOException {
-        return new Session(Options.of(line)).run();
+    public int run() throws MistakeException, ErrnoException, IOException {
+        return new Session(checked()).run();
     }
 
     @Override
-    public int afterDeath(ParseResult line, int exitStatus) throws IOException {
-        return new PostMortem(Options.of(line), exitStatus).run();
+    public int afterDeath(int exitStatus) throws IOException {
+        return new PostMortem(checked(), exitStatus).run();
+    }
+
+    /** Returns this if the photo is there; else throws an IllegalArgumentException. */
+    RunCommand checked() {
+        if (tried.photo != null && !Files.isRegularFile(tried.photo)) {
+            throw new IllegalArgumentException("--photo: no such photo: " + tried.photo);
+        }
+        return this;
+    }
+
+    /** The recorder that --record, else the recorder's own property asks for; null when neither does. */
+    RequestRecorder recorder() {
+        return written.record == null ? RequestRecorder.ofProperties()
+                : new RequestRecorder(written.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
+    }
+
+    /** Throws an IllegalArgumentException if a file or folder can't or must not be written. */
+    void checkWritten() {
+        new GivenPaths().folder("--out", written.out).folder("--record", written.record)
+                .folder("--report", written.report).file("--json", written.json)
+                .file("--events", written.events).file("--timeline", written.timeline);
+    }
+
+    /** Whether look-ups of tags are to be recorded: they are many, and cost as much as the request. */
+    boolean needsLookups() {
+        return written.events != null || needsTrials();
+    }
+
+    /** Whether the launcher runs the trials first, for something that is asked for. */
+    boolean needsTrials() {
+        return shown.tags || tried.strict || written.report != null || !shown.explain.isEmpty();
+    }
+
+    /** The request files, or the one that the launcher names when there are none. */
+    List<Path> requests() {
+        String usual = System.getProperty("orlu.request");
+        return !files.isEmpty() || usual == null ? files : List.of(Path.of(usual));
     }
 }

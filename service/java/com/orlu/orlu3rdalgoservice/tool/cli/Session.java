@@ -57,7 +57,7 @@ final class Session {
     private static final long LATE_MILLISECONDS = 2_000;
     private static final long POLL_MILLISECONDS = 50;
 
-    private final Options mOptions;
+    private final RunCommand mOptions;
     private final PrintStream mTo = System.out;
     private final TraceReader mTraces;
     private final LineFile mEvents;
@@ -76,7 +76,7 @@ final class Session {
     /** What was found of the algorithm library when the client was made. */
     private Verdict mLibrary;
 
-    Session(Options options) {
+    Session(RunCommand options) {
         mOptions = options;
         mRecorder = options.recorder();
         mTraces = new TraceReader(WorkFolder.algorithmTrace());
@@ -87,18 +87,18 @@ final class Session {
     /** Returns one of Verdict's statuses, the first that is not OK. */
     int run() throws MistakeException, ErrnoException, IOException {
         // All are checked before the first runs, so that a mistake in the last shows at once.
-        RequestChecker checker = new RequestChecker(mOptions.photo, mPhotos);
+        RequestChecker checker = new RequestChecker(mOptions.tried.photo, mPhotos);
         mOptions.requests().forEach(checker::check);
-        if (mOptions.check) {
+        if (mOptions.tried.check) {
             checker.printUnderstood(mTo);
         }
         // A strict run goes on with warnings, and fails with them in its verdict.
-        boolean isStrict = mOptions.strict && mOptions.check;
+        boolean isStrict = mOptions.tried.strict && mOptions.tried.check;
         checker.printMistakes(System.err, isStrict);
         if (!checker.isRight(isStrict)) {
             return Verdict.REFUSED;
         }
-        if (mOptions.check) {
+        if (mOptions.tried.check) {
             return Verdict.OK;
         }
         mOptions.checkWritten();
@@ -108,8 +108,9 @@ final class Session {
     private int runAll(RequestChecker checker) throws MistakeException, ErrnoException, IOException {
         List<RequestFile> requests = checker.requests();
         List<String> names = RequestNames.of(mOptions.requests());
-        if (mOptions.report != null) {
-            mPages = new PageFolder(mOptions.report, PageFolder.Sources.ofWorkFolder(), requests.size());
+        if (mOptions.written.report != null) {
+            mPages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(),
+                    requests.size());
         }
         for (int i = 0; i < requests.size(); ++i) {
             if (i > 0) {
@@ -118,13 +119,13 @@ final class Session {
             RunReport report;
             Exhibits exhibits = mPages == null ? null : new Exhibits();
             try {
-                report = runOne(names.get(i), requests.get(i), exhibits, !mOptions.oneClient
+                report = runOne(names.get(i), requests.get(i), exhibits, !mOptions.tried.oneClient
                         || i == requests.size() - 1);
             } finally {
                 Progress.end();
             }
             Dependences dependences = mOptions.needsTrials() ? TrialSession.found(i) : null;
-            Verdict verdict = !mOptions.strict ? report.verdict()
+            Verdict verdict = !mOptions.tried.strict ? report.verdict()
                     : new TagCheck(Readings.of(report.run(), dependences))
                             .strict(report.verdict(), checker.warnings(i));
             report = new RunReport(report.run(), report.images(), verdict, dependences, "", "");
@@ -136,8 +137,8 @@ final class Session {
             mJson.add(report);
             mVerdicts.add(verdict);
         }
-        if (mOptions.json != null) {
-            mJson.write(mOptions.json);
+        if (mOptions.written.json != null) {
+            mJson.write(mOptions.written.json);
         }
         keepEvents(mOptions, mTimeline);
         if (mPages != null) {
@@ -147,29 +148,30 @@ final class Session {
     }
 
     /** Copies the events to where --events says, and writes the timeline to where --timeline says. */
-    static void keepEvents(Options options, Timeline timeline) throws IOException {
+    static void keepEvents(RunCommand options, Timeline timeline) throws IOException {
         Path events = WorkFolder.events();
-        if (options.events != null && events != null && Files.exists(events)) {
-            Files.copy(events, options.events, StandardCopyOption.REPLACE_EXISTING);
+        if (options.written.events != null && events != null && Files.exists(events)) {
+            Files.copy(events, options.written.events, StandardCopyOption.REPLACE_EXISTING);
         }
-        if (options.timeline != null) {
-            timeline.write(options.timeline, events, WorkFolder.algorithmTrace());
+        if (options.written.timeline != null) {
+            timeline.write(options.written.timeline, events, WorkFolder.algorithmTrace());
         }
     }
 
     private void print(RunReport report) {
-        new Summary(report, mTo, mOptions.wide).print();
-        if (mOptions.params) {
-            ParameterPrinter.print(report.run().handover(), mTo, mOptions.wide);
+        new Summary(report, mTo, mOptions.shown.wide).print();
+        if (mOptions.shown.params) {
+            ParameterPrinter.print(report.run().handover(), mTo, mOptions.shown.wide);
         }
         boolean hasRun = report.verdict().status() != Verdict.UNUSABLE;
-        if (hasRun && mOptions.tags) {
-            new TagPrinter(report.run(), report.dependences()).print(new TextLayout(mTo, mOptions.wide));
+        if (hasRun && mOptions.shown.tags) {
+            new TagPrinter(report.run(), report.dependences()).print(new TextLayout(mTo,
+                    mOptions.shown.wide));
         }
-        if (hasRun && !mOptions.explain.isEmpty()) {
+        if (hasRun && !mOptions.shown.explain.isEmpty()) {
             mSourceLines.learn(report.run().events());
             new ExplanationPrinter(report.run(), report.dependences(), mSourceLines,
-                    new TextLayout(mTo, mOptions.wide)).print(mOptions.explain);
+                    new TextLayout(mTo, mOptions.shown.wide)).print(mOptions.shown.explain);
         }
         mTo.println(report.verdict().line());
     }
@@ -264,7 +266,8 @@ final class Session {
         }
         BaseFrame base = BaseFrame.of(request, runner.put());
         List<String> files =
-                new OutputImages(name, base.index(), mOptions.out).write(frames, runner.inputs(), outputs);
+                new OutputImages(name, base.index(), mOptions.written.out).write(frames, runner.inputs(),
+                        outputs);
         List<String> noise = new NoiseMeasure(request, base.index()).lines(frames, outputs);
         if (exhibits != null) {
             exhibits.after(base, runner.inputs(), runner.outputs(), outputs);

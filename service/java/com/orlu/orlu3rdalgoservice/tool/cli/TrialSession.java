@@ -37,19 +37,15 @@ final class TrialSession {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();
         try {
-            Commands.Invocation invocation = Commands.parse(arguments);
-            if (invocation == null) {
-                return Verdict.OK;
-            }
-            if (invocation.command() != Commands.USUAL) {
-                RecordingOptions options = RecordingOptions.of("trials", invocation.line());
-                to = options.record;
-                all.add(trials(RequestFileReader.read(options.files.get(0), null), library));
-            } else if (!Options.of(invocation.line()).check) {
-                Options options = Options.of(invocation.line());
-                for (Path file : options.requests()) {
+            Subcommand command = Commands.parse(arguments);
+            if (command instanceof TrialsCommand alone) {
+                to = alone.record;
+                GivenPaths.checkRead(List.of(alone.request));
+                all.add(trials(RequestFileReader.read(alone.request, null), library));
+            } else if (command instanceof RunCommand run && !run.checked().tried.check) {
+                for (Path file : run.requests()) {
                     Progress.show("trying what each tag of " + file + " changes");
-                    all.add(trials(RequestFileReader.read(file, options.photo), library));
+                    all.add(trials(RequestFileReader.read(file, run.tried.photo), library));
                 }
             }
             Progress.end();

@@ -7,7 +7,7 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /** The tags of one frame, each with the JSON text that a request file has for its value. */
-final class ImportedFrame {
+public final class ImportedFrame {
     private final Map<String, String> mTags = new TreeMap<>();
 
     /** Takes a tag whose value, as JsonWriter takes it, has the tag's type; notes any other. */
@@ -33,7 +33,7 @@ final class ImportedFrame {
         return mTags.containsKey(tag);
     }
 
-    Map<String, String> tags() {
+    public Map<String, String> tags() {
         return mTags;
     }
 }

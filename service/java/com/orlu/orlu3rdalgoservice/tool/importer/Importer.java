@@ -17,7 +17,7 @@ import java.util.function.Predicate;
  * Gathers frames and pictures from files of several forms: pictures by their names, an image test's JSON if
  * a text begins with a brace, any other text as a dump, and pixels without a header.
  */
-final class Importer {
+public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
     private static final int MOST_OUTPUTS = Limits.FRAMES * Limits.IMAGES;
     private static final int PROBE_BYTES = 4096;
@@ -32,12 +32,12 @@ final class Importer {
     private record Expected(SuiteOutput output, Path json) {
     }
 
-    Importer(Notes notes) {
+    public Importer(Notes notes) {
         mNotes = notes;
     }
 
     /** Reads the files; those that describe others first. Throws if one has no known form. */
-    void read(List<Path> files) throws MistakeException, IOException {
+    public void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
             mNotes.begin(file);
@@ -70,11 +70,11 @@ final class Importer {
     }
 
     /** The frames of dumps and JSON files; without any, one for each picture's EXIF block. */
-    List<ImportedFrame> frames() {
+    public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
     }
 
-    List<ImportedPicture> pictures() {
+    public List<ImportedPicture> pictures() {
         return mPictures;
     }
 

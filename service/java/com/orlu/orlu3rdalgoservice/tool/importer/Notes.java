@@ -7,7 +7,7 @@ import java.util.ArrayList;
 import java.util.List;
 
 /** What an import drops, or reads in a way that may surprise: a line each, with the place and the reason. */
-final class Notes {
+public final class Notes {
     private static final int MOST = 1000;
 
     private final List<String> mLines = new ArrayList<>();
@@ -25,12 +25,12 @@ final class Notes {
         }
     }
 
-    int count() {
+    public int count() {
         return mCount;
     }
 
     /** The first notes, and how many more there are. */
-    List<String> lines() {
+    public List<String> lines() {
         List<String> lines = new ArrayList<>(mLines);
         if (mCount > MOST) {
             lines.add("and " + (mCount - MOST) + " more notes");

@@ -9,20 +9,20 @@ import java.util.List;
 import java.util.stream.Collectors;
 
 /** Writes frames and pictures as the text of a request file, a tag a line. */
-final class RequestWriter {
+public final class RequestWriter {
     private final Path mFolder;
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
 
     /** Writes for a request file in this folder. */
-    RequestWriter(Path folder, Importer imported) {
+    public RequestWriter(Path folder, Importer imported) {
         mFolder = folder;
         mFrames = imported.frames();
         mPictures = imported.pictures();
     }
 
     /** Returns the text. Without pictures, inputs are made of the photo, which may be null. */
-    String text(List<Path> sources, List<String> algorithms, Path photo) {
+    public String text(List<Path> sources, List<String> algorithms, Path photo) {
         List<String> members = new ArrayList<>();
         members.add(member("about", "Imported from " + sources.stream()
                 .map(source -> source.getFileName().toString()).collect(Collectors.joining(", "))));

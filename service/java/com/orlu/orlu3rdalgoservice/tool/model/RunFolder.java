@@ -56,6 +56,16 @@ public final class RunFolder {
         }
     }
 
+    /** The only run in a folder, or the folder itself; an IllegalArgumentException if there are several. */
+    public static Path only(Path folder) throws MistakeException, IOException {
+        List<Path> folders = in(folder);
+        if (folders.size() != 1) {
+            throw new IllegalArgumentException(
+                    folder + " has " + folders.size() + " recordings; name one of them");
+        }
+        return folders.get(0);
+    }
+
     /** Reads a run, under this name for people. MistakeException if its request can't be read. */
     public static Run read(Path folder, String name) throws MistakeException {
         Path file = folder.resolve(REQUEST);

@@ -6,21 +6,34 @@ import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.HashMap;
+import java.util.List;
 import java.util.Map;
 import java.util.regex.Pattern;
 
 /**
- * Refuses what options ask to be written where that can't be or must not, before anything runs: a run may
- * take long, and "--json samples/night.json" without a file's name between them would cost the request.
+ * Checks the paths of a command line before anything runs: a run may take long, and
+ * "--json samples/night.json", with the file's name forgotten, would cost the request.
  */
-final class WrittenFiles {
+final class GivenPaths {
+    /** What the help says of a FOLDER. */
+    static final String RECORDINGS = "FOLDER is a recording, or a folder of recordings (docs/recording.md).";
+
     private static final Pattern REQUEST = Pattern.compile("\"request\"\\s*:\\s*\\{");
     private static final int HEAD = 64 << 10;
 
     private final Map<Path, String> mFiles = new HashMap<>();
 
+    /** Throws an IllegalArgumentException for the first that isn't there. */
+    static void checkRead(List<Path> paths) {
+        for (Path path : paths) {
+            if (!Files.exists(path)) {
+                throw new IllegalArgumentException("no such file: " + path);
+            }
+        }
+    }
+
     /** Adds an option's file, which may be null; an IllegalArgumentException when it can't be written. */
-    WrittenFiles file(String option, Path file) {
+    GivenPaths file(String option, Path file) {
         if (file == null) {
             return this;
         }
@@ -42,7 +55,7 @@ final class WrittenFiles {
     }
 
     /** Adds an option's folder, which may be null and need not be there yet. */
-    WrittenFiles folder(String option, Path folder) {
+    GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
             throw new IllegalArgumentException(option + ": needs a folder, found a file: " + folder);
         }

@@ -3,11 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.catalogue;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.cli.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.cli.Command;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
-import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.tags.AlgorithmNames;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
@@ -21,36 +17,19 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-import picocli.CommandLine.Model.CommandSpec;
-import picocli.CommandLine.ParseResult;
 
-/** The subcommand schema: prints a JSON schema of request files, which completes and explains in editors. */
-public final class SchemaCommand extends Command {
+/** The JSON schema of request files, with which editors complete and explain. */
+public final class RequestSchema {
     private static final String FILE = "request.schema.json";
     private static final String DEFINITIONS = "#/definitions/";
 
-    public SchemaCommand() {
-        super("schema", "print a JSON schema of request files, for editors");
+    private RequestSchema() {
     }
 
-    @Override
-    public CommandSpec spec() {
-        return Arguments.command("schema", List.of("Prints a JSON schema (draft 7) of request files, with "
-                + "every tag, its type and what it says. Editors check and complete with it "
-                + "(docs/request_files.md)."),
-                List.of("./run schema > request.schema.json"));
-    }
-
-    @Override
-    public int run(ParseResult line) throws IOException, MistakeException {
-        System.out.print(JsonWriter.pretty(schema()));
-        return Verdict.OK;
-    }
-
-    // The file beside this class, with tags, algorithms and formats added.
-    private static Map<String, Object> schema() throws IOException, MistakeException {
+    /** Returns the file beside this class, with tags, algorithms and formats added. */
+    public static Map<String, Object> of() throws IOException, MistakeException {
         Map<String, Object> schema;
-        try (InputStream stream = SchemaCommand.class.getResourceAsStream(FILE)) {
+        try (InputStream stream = RequestSchema.class.getResourceAsStream(FILE)) {
             String text = new String(stream.readAllBytes(), StandardCharsets.UTF_8);
             schema = new LinkedHashMap<>(Json.parse(FILE, 1, text).members());
         }

@@ -1,12 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.catalogue;
 
-import com.orlu.orlu3rdalgoservice.tool.cli.Arguments;
-import com.orlu.orlu3rdalgoservice.tool.cli.Command;
-import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
-import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.IOException;
@@ -18,11 +13,9 @@ import java.util.List;
 import java.util.Set;
 import java.util.regex.Pattern;
 
-import picocli.CommandLine.Model.CommandSpec;
-import picocli.CommandLine.ParseResult;
 
-/** The subcommand new: prints or writes the sample of a kind of capture, with a comment on each tag. */
-public final class NewCommand extends Command {
+/** Samples as a start for request files, with a comment on each tag. */
+public final class CommentedSample {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");
     private static final String PHOTO = "\"photo\": \"";
     private static final int WIDTH = 98;
@@ -32,58 +25,14 @@ public final class NewCommand extends Command {
     /** Units that say nothing beside the value. */
     private static final List<String> NO_UNITS = List.of("-", "code", "text", "bits");
 
-    public NewCommand() {
-        super("new", "print a request file to start from");
+    private CommentedSample() {
     }
 
-    @Override
-    public CommandSpec spec() {
-        CommandSpec spec = Arguments.command("new [KIND] [--out FILE]",
-                List.of("Prints the sample of a kind of capture, with a comment on each tag. It runs as it "
-                        + "is. Without KIND it lists them."),
-                List.of("./run new", "./run new hdr5 --out mine.json", "./run mine.json"));
-        spec.addPositional(Arguments.positional("KIND", 0, 1, String.class));
-        spec.addOption(Arguments.path("--out", "FILE", "write it to FILE, which must not exist"));
-        return spec;
-    }
-
-    @Override
-    public int run(ParseResult line) throws IOException {
-        List<String> words = line.matchedPositionalValue(0, List.of());
-        Path out = line.matchedOptionValue("--out", null);
-        List<Json> samples = Catalogue.entries("samples");
-        if (words.isEmpty()) {
-            list(samples, out);
-        } else {
-            write(words.get(0), samples.stream().map(Catalogue::name).toList(), out);
-        }
-        return Verdict.OK;
-    }
-
-    private static void list(List<Json> samples, Path out) {
-        if (out != null) {
-            throw new IllegalArgumentException("--out needs a KIND; ./run new lists them");
-        }
-        samples.forEach(sample -> System.out.printf("%-17s  %s%n", Catalogue.name(sample),
-                Catalogue.text(sample.get("about"))));
-    }
-
-    private static void write(String kind, List<String> kinds, Path out) throws IOException {
-        if (!kinds.contains(kind)) {
-            throw new IllegalArgumentException("no kind of capture is called " + kind
-                    + NearestWord.question(kind, kinds) + "; ./run new lists them");
-        }
+    /** Returns the sample of this name for a file in `folder`, with paths from there. */
+    public static String of(String kind, Path folder) throws IOException {
         Path samples = Path.of(System.getProperty("orlu.launcher")).resolveSibling("samples");
-        Path folder = out == null ? Path.of("") : out.toAbsolutePath().normalize().getParent();
-        String text = commented(kind, Files.readAllLines(samples.resolve(kind + ".json")),
+        return commented(kind, Files.readAllLines(samples.resolve(kind + ".json")),
                 folder.toRealPath().relativize(samples.toRealPath()));
-        if (out == null) {
-            System.out.print(text);
-        } else if (Files.exists(out)) {
-            throw new IllegalArgumentException("--out: there is a file already: " + out);
-        } else {
-            Files.writeString(out, text);
-        }
     }
 
     // The samples' folder as it is seen from the file's.

@@ -1,0 +1,40 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.Catalogue;
+
+import java.util.Iterator;
+import java.util.List;
+import java.util.stream.Stream;
+
+/** What bash offers for values that the catalogue knows. It is read when the completion is printed. */
+final class Candidates {
+    private Candidates() {
+    }
+
+    /** Names of a part of the catalogue, without what is before a slash. */
+    static List<String> of(String part) {
+        return Catalogue.entries(part).stream().map(entry -> Catalogue.name(entry).replaceFirst(".*/", ""))
+                .toList();
+    }
+
+    static final class Explained implements Iterable<String> {
+        @Override
+        public Iterator<String> iterator() {
+            return Stream.concat(Stream.of("all", "algorithms"), of("parameters").stream()).iterator();
+        }
+    }
+
+    static final class Algorithms implements Iterable<String> {
+        @Override
+        public Iterator<String> iterator() {
+            return of("algorithms").iterator();
+        }
+    }
+
+    static final class Kinds implements Iterable<String> {
+        @Override
+        public Iterator<String> iterator() {
+            return of("samples").iterator();
+        }
+    }
+}

@@ -1,0 +1,91 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.Catalogue;
+import com.orlu.orlu3rdalgoservice.tool.catalogue.Page;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
+
+import java.util.List;
+import java.util.Locale;
+import java.util.stream.Stream;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.PositionalParamSpec;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** A subcommand that shows a part of the catalogue: all, what a word is a part of, or one entry whole. */
+@Command
+final class CatalogueCommand implements Subcommand {
+    private final String mName;
+    private final String mLabel;
+    private final String mExample;
+
+    @Parameters(index = "0", arity = "0..1", hidden = true)
+    private String mWord;
+    @Option(names = "--json", description = "print all that is known of each, as a JSON list")
+    private boolean mJson;
+
+    /**
+     * "tags", "algorithms", "parameters", "formats" or "samples", with what a word is called in the help,
+     * and an example.
+     */
+    CatalogueCommand(String name, String label, String example) {
+        mName = name;
+        mLabel = label;
+        mExample = example;
+    }
+
+    @Override
+    public void describe(CommandSpec spec) {
+        PositionalParamSpec word = spec.positionalParameters().get(0);
+        spec.remove(word);
+        spec.addPositional(word.toBuilder().paramLabel(mLabel)
+                .completionCandidates(() -> Candidates.of(mName).iterator()).build());
+        spec.usageMessage().customSynopsis("./run " + mName + " [" + mLabel + "] [--json]")
+                .description(Catalogue.of(mName).help(),
+                        mLabel + " is a part of a name, or a whole one, of which all is shown.")
+                .footer("  ./run " + mName, "  ./run " + mName + " " + mExample);
+    }
+
+    @Override
+    public int run() {
+        List<Json> all = Catalogue.entries(mName);
+        List<Json> wanted = mWord == null ? all : wanted(all, mWord);
+        if (mJson) {
+            System.out.print(JsonWriter.pretty(wanted));
+        } else if (mWord != null && wanted.size() == 1) {
+            new Page(System.out).detail(mName, wanted.get(0));
+        } else {
+            new Page(System.out).list(mName, wanted);
+        }
+        return Verdict.OK;
+    }
+
+    // The entry of that name, or of that name after a slash; else those of which the word is a part.
+    private List<Json> wanted(List<Json> all, String word) {
+        List<Json> exact = all.stream().filter(entry -> ("/" + Catalogue.name(entry)).endsWith("/" + word))
+                .toList();
+        if (!exact.isEmpty()) {
+            return exact;
+        }
+        String part = word.toLowerCase(Locale.ROOT);
+        List<Json> near = all.stream()
+                .filter(entry -> Catalogue.name(entry).toLowerCase(Locale.ROOT).contains(part)).toList();
+        if (near.isEmpty()) {
+            throw new IllegalArgumentException("no " + Catalogue.of(mName).one() + " has " + word
+                    + " in its name" + NearestWord.question(word, names(all)));
+        }
+        return near;
+    }
+
+    // Whole names, and what people type instead: the part after the last dot or slash.
+    private static List<String> names(List<Json> all) {
+        List<String> names = all.stream().map(Catalogue::name).toList();
+        return Stream.concat(names.stream(), names.stream().map(name -> name.replaceFirst(".*[./]", "")))
+                .toList();
+    }
+}

@@ -1,0 +1,98 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.importer.Importer;
+import com.orlu.orlu3rdalgoservice.tool.importer.Notes;
+import com.orlu.orlu3rdalgoservice.tool.importer.RequestWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.io.PrintStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The subcommand import: makes a request file from what cameras write. */
+@Command(customSynopsis = "./run import [options] FILE... --out FILE",
+        description = "Writes a request file of a camera service's text dump, the JSON of a camera image "
+                + "test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that is dropped "
+                + "where it was and why (docs/importing.md).",
+        footer = {"  ./run import dump.txt shot.dng --out shot.json", "  ./run shot.json"})
+final class ImportCommand implements Subcommand {
+    @Parameters(paramLabel = "FILE", arity = "1..*", hidden = true)
+    private List<Path> mFiles;
+    @Option(names = "--out", paramLabel = "FILE", required = true, description = "the request file")
+    private Path mOut;
+    @Option(names = "--photo", paramLabel = "FILE",
+            description = "make the inputs of this photo, where no picture is imported")
+    private Path mPhoto;
+    @Option(names = "--algorithms", paramLabel = "ALGORITHM", split = ",",
+            completionCandidates = Candidates.Algorithms.class,
+            description = "the list to ask for, such as night,jpegEncode")
+    private List<String> mAlgorithms = List.of();
+
+    /** Prints what it drops. Writes nothing if a file is invalid. */
+    @Override
+    public int run() throws MistakeException, IOException {
+        if (Files.isDirectory(mOut)) {
+            throw new IllegalArgumentException("--out: needs a file, found a folder: " + mOut);
+        }
+        for (Path file : mFiles) {
+            needFile(file);
+        }
+        if (mPhoto != null) {
+            needFile(mPhoto);
+        }
+        write(System.out);
+        return Verdict.OK;
+    }
+
+    private void needFile(Path file) throws IOException {
+        if (!Files.isRegularFile(file)) {
+            throw new IllegalArgumentException(
+                    (Files.exists(file) ? "needs a file with bytes to read, found another kind: "
+                            : "no such file: ") + file);
+        }
+        if (!Files.isReadable(file)) {
+            throw new IllegalArgumentException("can't be read: " + file);
+        }
+        if (Files.exists(mOut) && Files.isSameFile(file, mOut)) {
+            throw new IllegalArgumentException("--out would write over what is imported: " + mOut);
+        }
+    }
+
+    private static void makeFolder(Path folder) {
+        try {
+            Files.createDirectories(folder);
+        } catch (IOException e) {
+            throw new IllegalArgumentException("--out: no folder can be made here: " + folder, e);
+        }
+        if (!Files.isWritable(folder)) {
+            throw new IllegalArgumentException("--out: can't write into the folder " + folder);
+        }
+    }
+
+    private void write(PrintStream to) throws MistakeException, IOException {
+        Notes notes = new Notes();
+        Importer importer = new Importer(notes);
+        importer.read(mFiles);
+        Path folder = mOut.toAbsolutePath().getParent();
+        makeFolder(folder);
+        // Checked as ./run would check it.
+        String text = new RequestWriter(folder, importer).text(mFiles, mAlgorithms, mPhoto);
+        RequestFileReader.check(mOut, text);
+        Files.writeString(mOut, text);
+        notes.lines().forEach(to::println);
+        int tags = importer.frames().stream().mapToInt(frame -> frame.tags().size()).sum();
+        to.println(mOut + ": " + importer.frames().size() + " frames with " + tags + " tags, "
+                + importer.pictures().size() + " pictures, " + notes.count() + " notes");
+        if (importer.pictures().isEmpty() && mPhoto == null) {
+            to.println(mOut + ": no inputs; --photo makes them of a photo");
+        }
+    }
+}

@@ -1,0 +1,32 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.OptionSpec;
+
+/**
+ * A program that the launcher starts itself. Here it is only known for the list of subcommands and the
+ * completion.
+ */
+@Command
+final class LaunchedCommand implements Subcommand {
+    private final String mOptions;
+
+    /** Takes the program's options, those with a value ending in "="; a test compares them with its help. */
+    LaunchedCommand(String options) {
+        mOptions = options;
+    }
+
+    @Override
+    public void describe(CommandSpec spec) {
+        for (String option : mOptions.split(" ")) {
+            OptionSpec.Builder builder = OptionSpec.builder(option.replace("=", ""));
+            spec.addOption((option.endsWith("=") ? builder.type(String.class) : builder).build());
+        }
+    }
+
+    @Override
+    public int run() {
+        throw new IllegalStateException("the launcher runs this");
+    }
+}

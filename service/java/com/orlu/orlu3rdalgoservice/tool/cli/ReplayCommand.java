@@ -1,0 +1,92 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Mixin;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The subcommand replay: runs recordings again, and compares. */
+@Command(customSynopsis = "./run replay [options] FOLDER...",
+        description = {"Runs recordings again, and compares what they do with what was recorded. The status "
+                + "is 0 when all is equal, 1 when something is different.", GivenPaths.RECORDINGS},
+        footer = {"  ./run --record shots samples/night.json", "  ./run replay shots",
+            "  ./run replay shots --against other/liborlu.vac.interface.so"})
+final class ReplayCommand implements Subcommand {
+    @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
+    private List<Path> mFolders;
+    @Option(names = "--against", paramLabel = "LIBRARY",
+            description = "run with this library: an algorithm library, or another build of the native one")
+    private Path mLibrary;
+    // The process that runs them has this option for the launcher.
+    @Option(names = "--arm", description = "run the 32-bit ARM library")
+    private boolean mArm;
+    @Mixin
+    private RunComparison mComparison;
+
+    @Override
+    public int run() throws MistakeException, IOException {
+        GivenPaths.checkRead(mFolders);
+        GivenPaths.checkRead(mLibrary == null ? List.of() : List.of(mLibrary));
+        mComparison.check();
+        // What can't be run again is reported before a process is started for it.
+        List<Run> recorded = new ArrayList<>();
+        List<Path> requests = new ArrayList<>();
+        for (Path file : mFolders) {
+            for (Path folder : RunFolder.in(file)) {
+                recorded.add(RunFolder.read(folder, folder.toString()));
+                requests.add(folder.resolve(RunFolder.REQUEST));
+                checkFiles(recorded.get(recorded.size() - 1));
+            }
+        }
+        int status = RunComparison.EQUAL;
+        for (int done = 0; done < requests.size();) {
+            // One process for all, and another for those after one that ended its process.
+            ChildRun child = new ChildRun("replay", mArm, mLibrary);
+            for (Path again : RunFolder.in(child.run(requests.subList(done, requests.size())))) {
+                status = Math.max(status, compare(recorded.get(done), RunFolder.read(again, "this run")));
+                ++done;
+            }
+        }
+        return status;
+    }
+
+    private static void checkFiles(Run run) throws MistakeException {
+        for (List<ImageLayout> images : List.of(run.inputs(), run.outputs())) {
+            for (ImageLayout image : images) {
+                if (image.file() != null) {
+                    image.file().check();
+                }
+            }
+        }
+    }
+
+    private int compare(Run before, Run after) throws MistakeException, IOException {
+        TextLayout to = new TextLayout(System.out, TextLayout.REPORT);
+        before.notes().forEach(note -> to.print(2, "note: " + note));
+        if (!before.trimmed().isEmpty()) {
+            to.print(2, "note: this recording is trimmed: " + before.trimmed());
+        }
+        if (before.isKnown()) {
+            return mComparison.print(before.name(), before, after);
+        }
+        boolean isRight = after.isComplete() && !after.hasFailed();
+        System.out.println(before.name() + ": " + (isRight ? "ran" : "went wrong") + ", "
+                + after.parameters().size() + " parameters; nothing was recorded to compare with");
+        if (!isRight) {
+            to.print(2, "came to " + after.outcomes());
+        }
+        return isRight ? RunComparison.EQUAL : RunComparison.DIFFERENT;
+    }
+}

@@ -1,0 +1,22 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.catalogue.RequestSchema;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+
+import picocli.CommandLine.Command;
+
+/** The subcommand schema: prints a JSON schema of request files. */
+@Command(customSynopsis = "./run schema", footer = "  ./run schema > request.schema.json",
+        description = "Prints a JSON schema (draft 7) of request files, with every tag, its type and what "
+                + "it says. Editors check and complete with it (docs/request_files.md).")
+final class SchemaCommand implements Subcommand {
+    @Override
+    public int run() throws IOException, MistakeException {
+        System.out.print(JsonWriter.pretty(RequestSchema.of()));
+        return Verdict.OK;
+    }
+}

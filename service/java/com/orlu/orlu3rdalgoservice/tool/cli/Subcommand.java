@@ -1,0 +1,34 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+
+import picocli.CommandLine.Model.CommandSpec;
+
+/**
+ * A subcommand of ./run. Its fields are its options, with picocli's annotations; Commands has a row for each.
+ */
+interface Subcommand {
+    /**
+     * Does what the options ask for, and returns 0, 1 for a difference, or one of Verdict's statuses. An
+     * IllegalArgumentException is a mistake in the arguments, with a message for people.
+     */
+    int run() throws MistakeException, ErrnoException, IOException;
+
+    /**
+     * Does what is left to do when the process that ran this died, and returns a status. This process is
+     * another one. The exit status is the dead one's, as a shell has it.
+     *
+     * @throws IOException if what is left can't be read or written
+     */
+    default int afterDeath(int exitStatus) throws IOException {
+        throw new IllegalStateException("the process ended");
+    }
+
+    /** Adds what annotations can't say. */
+    default void describe(CommandSpec spec) {
+    }
+}

@@ -1,0 +1,22 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import java.nio.file.Path;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The trials of one request for another process of ./run, which compares runs. TrialSession runs them. */
+@Command(customSynopsis = "./run trials REQUEST --record FILE",
+        description = "Tries what each tag of a request changes.")
+final class TrialsCommand implements Subcommand {
+    @Parameters(paramLabel = "REQUEST", index = "0", hidden = true)
+    Path request;
+    @Option(names = "--record", paramLabel = "FILE", required = true, description = "where to")
+    Path record;
+
+    @Override
+    public int run() {
+        throw new IllegalStateException("only the launcher runs trials");
+    }
+}

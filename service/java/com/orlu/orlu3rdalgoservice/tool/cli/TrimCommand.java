@@ -1,0 +1,67 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.CropArea;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
+import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+import java.util.TreeSet;
+import java.util.stream.Stream;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The subcommand trim: writes a smaller copy of a recording. */
+@Command(customSynopsis = "./run trim [options] FOLDER --out DIR",
+        description = "Writes a smaller copy of a recording (docs/recording.md).",
+        footer = {"  ./run trim shots/000001-request-101 --out few --frames 0,2",
+            "  ./run trim shots/000001-request-101 --out small --crop 320,240"})
+final class TrimCommand implements Subcommand {
+    @Parameters(paramLabel = "FOLDER", index = "0", hidden = true)
+    private Path mFolder;
+    @Option(names = "--out", paramLabel = "DIR", required = true,
+            description = "the folder of the copy, which must not be there")
+    private Path mOut;
+    @Option(names = "--frames", paramLabel = "NUMBER", split = ",",
+            description = "keep these frames and their inputs, and leave out what came of the request")
+    private List<Integer> mFrames = List.of();
+    @Option(names = "--crop", paramLabel = "AREA", description = "keep this part of each image, "
+            + "WIDTH,HEIGHT of the middle or X,Y,WIDTH,HEIGHT, and leave out what came of the request")
+    private String mCrop;
+    @Option(names = "--no-pixels", description = "leave the pixels out")
+    private boolean mLeavesPixels;
+
+    @Override
+    public int run() throws MistakeException, IOException {
+        CropArea crop = mCrop == null ? null : CropArea.parse(mCrop);
+        GivenPaths.checkRead(List.of(mFolder));
+        new GivenPaths().folder("--out", mOut);
+        Path folder = RunFolder.only(mFolder);
+        Run recorded = RunFolder.read(folder, folder.toString());
+        Trimmer trimmer = new Trimmer(recorded, new TreeSet<>(mFrames), !mLeavesPixels, crop);
+        trimmer.write(mOut);
+        System.out.println("written " + mOut + " (" + megabytes(mOut) + " of "
+                + megabytes(recorded.folder()) + ")");
+        TextLayout notes = new TextLayout(System.out, TextLayout.REPORT);
+        trimmer.notes().forEach(note -> notes.print(2, "note: " + note));
+        return Verdict.OK;
+    }
+
+    private static String megabytes(Path folder) throws IOException {
+        long bytes = 0;
+        try (Stream<Path> files = Files.list(folder)) {
+            for (Path file : files.toList()) {
+                bytes += Files.size(file);
+            }
+        }
+        return "%.2f MB".formatted(bytes / 1e6);
+    }
+}
