@@ -18,6 +18,11 @@ readonly test_packages=(libgtest-dev junit4 binutils python3 python3-jsonschema)
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 # What the ARM build of clang takes besides; GoogleTest as source, to be built with libc++.
 readonly arm_clang_packages=(clang lld llvm googletest)
+# The platform's own headers, as far as Debian has them.
+readonly platform_packages=(
+  android-libnativehelper-dev android-liblog-dev android-libcutils-dev android-libutils-dev
+  android-platform-frameworks-native-headers android-platform-system-core-headers
+)
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)

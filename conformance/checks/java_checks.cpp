@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <map>
 #include <set>
 
@@ -22,24 +23,68 @@ bool isAttached() {
   return gVm->GetEnv(&env, JNI_VERSION_1_4) == JNI_OK;
 }
 
-// Opened at run time, so that no other check has anything of a VM in its process.
-bool startVm() {
-  step("starting a Java VM");
-  void* const library = dlopen(options().jvm.c_str(), RTLD_NOW | RTLD_GLOBAL);
-  using Create = jint(JNICALL*)(JavaVM**, void**, void*);
-  const auto create =
-      library == nullptr ? nullptr : reinterpret_cast<Create>(dlsym(library, "JNI_CreateJavaVM"));
-  if (create == nullptr) {
-    ADD_FAILURE() << "there is no Java VM: " << dlerror();
-    return false;
+// GTEST_SKIP() returns nothing.
+bool skip(const std::string& reason) {
+  [&] { GTEST_SKIP() << reason; }();
+  return false;
+}
+
+using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
+
+// The function that makes a VM: of the library that was named, else of the first that the loader knows.
+// Opened at run time, so that no other check has anything of a VM in its process. Null with the reason.
+CreateVm findVm(std::string& reason) {
+  std::vector<std::string> names = {options().jvm};
+#ifdef __ANDROID__
+  if (options().jvm.empty()) names = {"libnativehelper.so", "libart.so"};
+#else
+  const char* const home =
+      std::getenv("JAVA_HOME");  // NOLINT(concurrency-mt-unsafe): no other thread is there
+  if (options().jvm.empty()) names = {"libjvm.so"};
+  if (options().jvm.empty() && home != nullptr) names.push_back(std::string(home) + "/lib/server/libjvm.so");
+#endif
+  for (const std::string& name : names) {
+    void* const library = dlopen(name.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    void* const create = library == nullptr ? nullptr : dlsym(library, "JNI_CreateJavaVM");
+    if (create == nullptr) {
+      reason += (reason.empty() ? "" : "; ") + std::string(dlerror());
+      continue;
+    }
+    // Newer libraries of Android look for its runtime only when they are told to.
+    const auto newInvocation = reinterpret_cast<void* (*)()>(dlsym(library, "JniInvocationCreate"));
+    const auto init = reinterpret_cast<bool (*)(void*, const char*)>(dlsym(library, "JniInvocationInit"));
+    if (newInvocation == nullptr || init == nullptr || init(newInvocation(), nullptr))
+      return reinterpret_cast<CreateVm>(create);
+    reason += (reason.empty() ? "" : "; ") + name + " finds no runtime";
   }
+  return nullptr;
+}
+
+jint createVm(CreateVm create) {
+  JNIEnv* env = nullptr;
+#ifdef __ANDROID__
+  JavaVMInitArgs arguments = {JNI_VERSION_1_6, 0, nullptr, JNI_TRUE};
+#else
   // Its own report of a crash would be left in the caller's folder.
   char names[][40] = {"-Xmx64m", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1", "-XX:ErrorFile=/dev/null"};
   JavaVMOption all[std::size(names)] = {};
   for (size_t i = 0; i < std::size(names); ++i) all[i].optionString = names[i];
-  JavaVMInitArgs arguments = {JNI_VERSION_1_8, static_cast<jint>(std::size(names)), all, JNI_FALSE};
-  void* env = nullptr;
-  const bool started = create(&gVm, &env, &arguments) == JNI_OK;
+  JavaVMInitArgs arguments = {JNI_VERSION_1_6, static_cast<jint>(std::size(names)), all, JNI_FALSE};
+#endif
+  return create(&gVm, &env, &arguments);
+}
+
+// False when there is none: a failure where one was named, else the check is skipped.
+bool startVm() {
+  step("starting a Java VM");
+  std::string reason;
+  const CreateVm create = findVm(reason);
+  if (create == nullptr) {
+    if (options().jvm.empty()) return skip("there is no Java VM: " + reason);
+    ADD_FAILURE() << "there is no Java VM: " << reason;
+    return false;
+  }
+  const bool started = createVm(create) == JNI_OK;
   HOLDS(started) << "the Java VM can't be started";
   return started;
 }

@@ -167,6 +167,7 @@ void readCommandLine(int argc, char** argv) {
     }
   }
   if (optind < argc) options().library = argv[optind++];
+  if (options().library.empty()) refuse("no library is named");
   if (optind < argc) refuse(std::string("one library at a time, not \"") + argv[optind] + "\" as well");
   // NOLINTEND(concurrency-mt-unsafe)
   if (!filter.empty()) testing::GTEST_FLAG(filter) = filter.substr(1);
@@ -208,8 +209,11 @@ extern "C" const char* __asan_default_options() {
 
 int main(int argc, char** argv) {
   using namespace orlu::conform;
+#ifdef ORLU_CONFORM_LIBRARY
+  // In the build's folder: the stand-in, and the VM that it was built with.
   options().library = ORLU_CONFORM_LIBRARY;
   options().jvm = ORLU_CONFORM_JVM;
+#endif
   readCommandLine(argc, argv);
   int count = 1;
   testing::InitGoogleTest(&count, argv);

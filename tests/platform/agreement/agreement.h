@@ -1,0 +1,55 @@
+// Assertions that a header of ours says what the platform's says. Both are in one translation unit: the
+// platform's names are global, and ours are in the namespace `ours`, where tests/platform/check.sh moved
+// them.
+#pragma once
+
+#include <cstddef>
+#include <type_traits>
+
+namespace agreement {
+
+// The type, with each record of ours replaced by the platform's record of that name (RECORD).
+template <typename T>
+struct Platform {
+  using Type = T;
+};
+template <typename T>
+using PlatformType = typename Platform<T>::Type;
+template <typename T>
+struct Platform<T*> {
+  using Type = PlatformType<T>*;
+};
+template <typename T>
+struct Platform<const T> {
+  using Type = const PlatformType<T>;
+};
+template <typename Result, typename... Parameters>
+struct Platform<Result(Parameters...)> {
+  using Type = PlatformType<Result>(PlatformType<Parameters>...);
+};
+template <typename Result, typename... Parameters>
+struct Platform<Result(Parameters..., ...)> {
+  using Type = PlatformType<Result>(PlatformType<Parameters>..., ...);
+};
+
+}  // namespace agreement
+
+// At global scope. An opaque record, or one whose layout OPAQUE's other users assert field by field.
+#define OPAQUE(our, platform)       \
+  template <>                       \
+  struct agreement::Platform<our> { \
+    using Type = platform;          \
+  }
+#define RECORD(name)          \
+  OPAQUE(ours::name, ::name); \
+  static_assert(sizeof(ours::name) == sizeof(::name) && alignof(ours::name) == alignof(::name), #name)
+#define FIELD_AS(our, platform, field)                                                                    \
+  static_assert(offsetof(our, field) == offsetof(platform, field), #field " is at another offset");       \
+  static_assert(std::is_same_v<agreement::PlatformType<decltype(our::field)>, decltype(platform::field)>, \
+                #field " has another type")
+#define FIELD(record, field) FIELD_AS(ours::record, ::record, field)
+#define FUNCTION(name)                                                                           \
+  static_assert(std::is_same_v<agreement::PlatformType<decltype(ours::name)>, decltype(::name)>, \
+                #name " has another type")
+#define CONSTANT(name) \
+  static_assert(static_cast<long>(ours::name) == static_cast<long>(::name), #name " has another value")

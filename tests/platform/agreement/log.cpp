@@ -1,0 +1,17 @@
+// What jni/ uses. The functions that replace the logger are the host's: tests alone call them, and Debian's
+// header is of a platform before they got their present types.
+#include <android/log.h>
+
+#include "agreement.h"
+#include "ours/android/log.h"
+
+FUNCTION(__android_log_print);
+CONSTANT(ANDROID_LOG_UNKNOWN);
+CONSTANT(ANDROID_LOG_DEFAULT);
+CONSTANT(ANDROID_LOG_VERBOSE);
+CONSTANT(ANDROID_LOG_DEBUG);
+CONSTANT(ANDROID_LOG_INFO);
+CONSTANT(ANDROID_LOG_WARN);
+CONSTANT(ANDROID_LOG_ERROR);
+CONSTANT(ANDROID_LOG_FATAL);
+CONSTANT(ANDROID_LOG_SILENT);

@@ -1,0 +1,10 @@
+// The lengths of names and values belong to the C library, which is not the platform's here.
+#include <cutils/properties.h>
+
+#undef PROPERTY_KEY_MAX
+#undef PROPERTY_VALUE_MAX
+#include "agreement.h"
+#include "ours/cutils/properties.h"
+
+FUNCTION(property_get);
+FUNCTION(property_set);

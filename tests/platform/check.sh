@@ -1,0 +1,130 @@
+#!/bin/bash
+# Compares what goes to a phone with the platform's own headers and classes, as far as Debian and npm have them.
+#   tests/platform/check.sh            all parts
+#   tests/platform/check.sh java       these alone
+# sources: jni/, the probe, the kit and the minimal library compile with the platform's headers;
+# agreement: our headers say what the platform's say; failure: a line that the platform does not take is found;
+# java: our classes, and what jni/ looks up, are the platform's.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+cd "$root"
+source scripts/lib.sh
+source scripts/arm_root.sh
+
+readonly parts=(sources agreement failure java)
+readonly scratch=build/platform
+# The level of the device's platform, as in the preset android.
+readonly api_level=30
+# Headers that Debian lacks: ours take their place.
+readonly ours=(
+  android/hardware_buffer.h hidl/HidlSupport.h orlu/camera3rd_log.h vndk/hardware_buffer.h
+)
+# Headers that both have.
+readonly both=(
+  android/hardware_buffer_jni.h android/log.h android/sharedmem.h android/sharedmem_jni.h
+  cutils/native_handle.h cutils/properties.h
+)
+readonly types_package=@nativescript/types-android@9.1.1
+
+# read_sources FILE...: with the device's settings; Android's headers, and Debian's C library in place of Android's.
+read_sources() {
+  printf '%s\0' "$@" | xargs -0 -P "$(nproc)" -n 4 clang++ \
+    --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
+    -D__ANDROID__ "-D__ANDROID_API__=$api_level" -std=c++17 -fsyntax-only \
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-braces \
+    -isystem tests/platform/libc -isystem "$scratch/replaced" \
+    -isystem /usr/include/android/nativehelper -isystem /usr/include/android \
+    -I. -Ijni -Ihost/probe -Iconformance -Iconformance/kit -Iconformance/checks \
+    -Ibuild/dev/conformance/generated
+}
+
+check_sources() {
+  local sources
+  build_preset dev --tests build.ninja
+  mapfile -t sources < <(git ls-files 'jni/*.cpp' 'host/probe/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
+  read_sources "${sources[@]}" conformance/mutants/minimal_algo.cpp
+  echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
+}
+
+# Both headers are seen in one source: ours in a namespace.
+check_agreement() {
+  local header sources
+  rm -rf "$scratch/agreement"
+  for header in "${both[@]}"; do
+    mkdir -p "$scratch/agreement/ours/$(dirname "$header")"
+    sed 's/^extern "C" {/namespace ours {/' "host/include/$header" >"$scratch/agreement/ours/$header"
+  done
+  sed 's/^extern "C" {/namespace ours {/' "$JAVA_HOME/include/jni.h" >"$scratch/agreement/ours/jni.h"
+  sed -n '/^struct JNINativeInterface {/,/^};/p' /usr/include/android/nativehelper/jni.h |
+    grep -oE '\(\*[A-Za-z]+\)\(' | sed 's/(\*\(.*\))(/ENV_SLOT(\1);/' >"$scratch/agreement/jni_slots.inc"
+  (($(wc -l <"$scratch/agreement/jni_slots.inc") > 200)) || die "the platform's jni.h is not read any more"
+  mapfile -t sources < <(git ls-files 'tests/platform/agreement/*.cpp')
+  read_agreement "${sources[@]}"
+  echo "${#both[@]} headers and jni.h agree with the platform's"
+}
+
+read_agreement() {
+  CPATH=$scratch/agreement:$JAVA_HOME/include/linux read_sources "$@"
+}
+
+# must_fail TEXT COMMAND...: the command fails, and says so.
+must_fail() {
+  local text=$1 said
+  shift
+  if said=$("$@" 2>&1); then die "not noticed: $text"; fi
+  grep -qF -- "$text" <<<"$said" || die "failed without \"$text\": $said"
+}
+
+# The fault that Android's jni.h once found, and a wrong size in a header of ours.
+check_failure() {
+  local copy=$scratch/failure
+  rm -rf "$copy"
+  mkdir -p "$copy"
+  sed 's/attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr)/mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(\&env), nullptr)/' \
+    jni/algo_native_callback.cpp >"$copy/algo_native_callback.cpp"
+  must_fail "cannot initialize a parameter of type 'JNIEnv **'" read_sources "$copy/algo_native_callback.cpp"
+  check_agreement >/dev/null
+  sed -i 's/  int numFds;/  long long numFds;/' "$scratch/agreement/ours/cutils/native_handle.h"
+  must_fail "numFds has another type" read_agreement tests/platform/agreement/native_handle.cpp
+  check_agreement >/dev/null
+  sed -i 's/size_t size/int size/' "$scratch/agreement/ours/android/sharedmem.h"
+  must_fail "ASharedMemory_create has another type" read_agreement tests/platform/agreement/memory.cpp
+  tests/platform/java_api_test.py
+  echo "each of these faults is found"
+}
+
+# The listing of the platform's classes comes from npm, at a fixed version, once.
+fetch_types() {
+  local folder=$scratch/types
+  if [ -e "$folder/version" ] && [ "$(cat "$folder/version")" = "$types_package" ]; then return; fi
+  command -v npm >/dev/null || install_missing "to fetch the listing of the platform's classes" npm
+  rm -rf "$folder"
+  mkdir -p "$folder"
+  (cd "$folder" && npm pack --silent "$types_package" >packed && tar xzf "$(cat packed)") ||
+    die "npm did not fetch $types_package, which lists the platform's classes: see what it said above"
+  echo "$types_package" >"$folder/version"
+}
+
+check_java() {
+  local sources
+  fetch_types
+  mapfile -t sources < <(git ls-files 'host/java/*.java')
+  rm -rf "$scratch/classes"
+  mkdir -p "$scratch/classes"
+  "$JAVA_HOME/bin/javac" --release 17 -d "$scratch/classes" "${sources[@]}"
+  tests/platform/java_api.py --level "$api_level" --javap "$JAVA_HOME/bin/javap" --classes "$scratch/classes" \
+    --exceptions tests/platform/java_api_exceptions.txt \
+    "$scratch"/types/package/lib/android/android-platform-*-merged.d.ts jni
+}
+
+install_missing "to compare with the platform" "${run_packages[@]}" "${test_packages[@]}" \
+  "${arm_clang_packages[@]}" "${platform_packages[@]}" git
+prepare_arm
+JAVA_HOME=$(debian_java_home "")
+for header in "${ours[@]}"; do
+  mkdir -p "$scratch/replaced/$(dirname "$header")"
+  cp "host/include/$header" "$scratch/replaced/$header"
+done
+for part in "${@:-${parts[@]}}"; do
+  "check_$part"
+done

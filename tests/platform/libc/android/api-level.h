@@ -1,0 +1,2 @@
+// In place of Android's C library; the level is given to the compiler.
+#pragma once
