@@ -26,7 +26,9 @@ public final class MemoryUse {
         for (int i = 0; image.mPlaneSizes != null && i < image.mPlaneSizes.length; ++i) {
             int size = image.mPlaneSizes[i];
             boolean isFile = format == PixelFormat.JPEG;
-            int stride = isFile ? size : image.mRowStrides[Math.min(i, image.mRowStrides.length - 1)];
+            int[] strides = image.mRowStrides;
+            int stride = isFile || strides == null || strides.length == 0 ? size
+                    : strides[Math.min(i, strides.length - 1)];
             int row = isFile ? size : format.rowBytes(i, image.mWidth);
             mPlanes.add(new PlaneUse(name(format, i), offset, size, stride, row, memory));
             offset += size;

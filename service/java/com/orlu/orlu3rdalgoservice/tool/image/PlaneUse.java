@@ -38,7 +38,10 @@ public final class PlaneUse {
         mPixels = new int[bands];
         mPadding = new int[bands];
         int[] rowsOf = new int[bands];
-        for (int row = 0; row < mRows; ++row) {
+        // A description that makes no sense may have billions of rows.
+        long reached = ((long) memory.capacity() - offset + mStride - 1) / mStride;
+        int rows = (int) Math.max(0, Math.min(mRows, reached));
+        for (int row = 0; row < rows; ++row) {
             int band = (int) ((long) row * bands / mRows);
             int at = offset + row * mStride;
             boolean hasPixels = hasData(memory, at, mRowBytes);
@@ -50,9 +53,10 @@ public final class PlaneUse {
             mEmptyTail = hasPixels ? 0 : mEmptyTail + 1;
             ++rowsOf[band];
         }
+        mEmptyTail += mRows - rows;
         for (int band = 0; band < bands; ++band) {
-            mPixels[band] = mPixels[band] * PERCENT / rowsOf[band];
-            mPadding[band] = mPadding[band] * PERCENT / rowsOf[band];
+            mPixels[band] = mPixels[band] * PERCENT / Math.max(1, rowsOf[band]);
+            mPadding[band] = mPadding[band] * PERCENT / Math.max(1, rowsOf[band]);
         }
     }
 
