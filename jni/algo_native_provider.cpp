@@ -14,11 +14,15 @@ constexpr char kEntryName[] = "AlgoInterfaceEntry";
 }  // namespace
 
 AlgoNativeProvider* AlgoNativeProvider::getInstance() {
-  static AlgoNativeProvider* const instance = new AlgoNativeProvider();
-  // Not in the constructor: others would wait for the library's entry, and it for ever for a client of its
-  // own.
-  if (instance->mIsFirst.exchange(false)) instance->initAlgoInterface(&instance->mCallbacks);
+  static AlgoNativeProvider* const instance = new AlgoNativeProvider(kUnopened);
+  // Not while the object is made: others would wait for the library's entry, and it for ever for a client of
+  // its own.
+  if (!instance->mIsOpened.exchange(true)) instance->initAlgoInterface(&instance->mCallbacks);
   return instance;
+}
+
+AlgoNativeProvider::AlgoNativeProvider() : AlgoNativeProvider(kUnopened) {
+  initAlgoInterface(&mCallbacks);
 }
 
 bool AlgoNativeProvider::initAlgoInterface(AlgoInterfaceCallbacks* table) {
@@ -41,14 +45,15 @@ bool AlgoNativeProvider::initAlgoInterface(AlgoInterfaceCallbacks* table) {
 
 AlgoNativeProvider::Entry AlgoNativeProvider::findEntry() {
   const std::lock_guard<std::mutex> lock(mMutex);
+  mEntry = nullptr;
   if (mLibrary == nullptr) mLibrary = dlopen(kLibraryName, RTLD_NOW);
   if (mLibrary == nullptr) {
     LOGE_AS("initAlgoInterface", "dlopen error: %s", dlerror());
     return nullptr;
   }
-  const auto entry = reinterpret_cast<Entry>(dlsym(mLibrary, kEntryName));
-  if (entry == nullptr) LOGE_AS("initAlgoInterface", "dlsym failed: %s", dlerror());
-  return entry;
+  mEntry = reinterpret_cast<Entry>(dlsym(mLibrary, kEntryName));
+  if (mEntry == nullptr) LOGE_AS("initAlgoInterface", "dlsym failed: %s", dlerror());
+  return mEntry;
 }
 
 }  // namespace orlu

@@ -11,10 +11,11 @@ namespace orlu {
 class AlgoNativeProvider {
 public:
   // The one provider, made on first use (from any thread) and never destroyed. Whoever is first opens the
-  // library by filling in the provider's own table; nobody waits for that.
+  // library as the constructor does; nobody waits for that.
   static AlgoNativeProvider* getInstance();
 
-  AlgoNativeProvider() = default;
+  // Opens the library, by filling in the provider's own table.
+  AlgoNativeProvider();
   AlgoNativeProvider(const AlgoNativeProvider&) = delete;
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;
   virtual ~AlgoNativeProvider() = default;
@@ -27,15 +28,20 @@ public:
 private:
   using Entry = void (*)(AlgoInterfaceCallbacks*);
 
+  // For getInstance(): a provider that has not opened the library yet.
+  enum Unopened { kUnopened };
+  explicit AlgoNativeProvider(Unopened) {}
+
   // The library's entry, which is looked up anew each time; null with the reason logged. Opens the library.
   Entry findEntry();
 
-  std::mutex mMutex;  // guards the library's handle; free while the entry runs
   // Null until the library is open. It is never closed: the callables in every client's table, and the
   // library's threads that call back, run its code until the process ends.
   void* mLibrary = nullptr;
-  std::atomic<bool> mIsFirst{true};
-  AlgoInterfaceCallbacks mCallbacks;
+  Entry mEntry = nullptr;             // as the last look-up found it
+  AlgoInterfaceCallbacks mCallbacks;  // nobody reads it: each client has a table of its own
+  std::mutex mMutex;                  // guards the handle and the entry; free while the entry runs
+  std::atomic<bool> mIsOpened{false};
 };
 
 }  // namespace orlu

@@ -39,6 +39,15 @@ TEST(AlgoNativeProviderTest, EmptiesTheTableFirst) {
   EXPECT_TRUE(table.metadataOps.setValue);
 }
 
+TEST(AlgoNativeProviderTest, OpensTheLibraryItself) {
+  test::Algo algo;
+  int entered = 0;
+  algo.script.entry = [&entered] { ++entered; };
+  algo.use();
+  const AlgoNativeProvider provider;
+  EXPECT_EQ(1, entered);
+}
+
 TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
   test::LogCapture log;
   test::Algo algo;
