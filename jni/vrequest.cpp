@@ -198,7 +198,6 @@ int VRequest::getListSize(jobject list) {
   return count;
 }
 
-// The list is one whose size getListSize() returned, so its class is not checked again.
 jobject VRequest::getListElement(jobject list, int index) {
   if (mMethodGetListElement == nullptr || list == nullptr) {
     // Spelled so (Oddity 49).

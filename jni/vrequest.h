@@ -42,6 +42,30 @@ public:
   // The first frame's composition, or null when there is none.
   jobject firstComposition() const;
 
+  // The parts of the constructor. Resolves the classes and members that the others use, and logs each missing
+  // one. Returns 0 when all was found, else -1; the others still work.
+  int initFromEnv(JNIEnv* env);
+  void getRequestInfo(jobject request);
+  // Called once. The request is only logged.
+  void getImageData(jobject request, jobject inputList, jobject outputList, jobject captureResultList);
+
+  // Helpers of those. They log what is null, and return what is said or, when Java throws, the same as for
+  // null. Objects are new local references.
+  // The text of a java.lang.String; empty for null.
+  std::string convertJavaString(jobject string);
+  // The capture result that a composition keeps, or else assembles; null for null.
+  jobject getCaptureResult(jobject composition);
+  // The first 1024 elements count; 0 for null and for what is no list.
+  int getListSize(jobject list);
+  // `list` is one whose size was asked, so its class is not checked again. Null for a negative index.
+  jobject getListElement(jobject list, int index);
+  // Copies at most `count` elements; those past the array keep their values.
+  void getIntArray(int32_t* values, int count, jintArray array);
+  // One image descriptor as a frame record, zero where it can't be read. `usedSharedMemory` becomes 1 when
+  // the frame's descriptor is a duplicate that the caller closes, else 0; for null it stays. `handle` is
+  // filled for a hardware buffer, and must live as long as the frame.
+  AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
+
   // Write a property of output image `index` into its frame record and its Java descriptor. An index that is
   // not below both numbers of outputs is logged and changes nothing.
   void setResultJpegSize(int size, int index);  // bytes
@@ -55,22 +79,13 @@ private:
   friend struct Table;
 
   // vrequest.cpp
-  int initFromEnv(JNIEnv* env);
-  void getRequestInfo(jobject request);
-  void getImageData(jobject request, jobject inputList, jobject outputList, jobject captureResultList);
   void getImages(jobject list, const char* label, std::vector<AlgoFrameInfo>& frames,
                  std::vector<jobject>& objects, std::vector<int>& sharedMemoryFlags,
                  std::vector<AlgoNativeHandle>& handles);
   void getCaptureResults(jobject list);
-  std::string convertJavaString(jobject string);
-  jobject getCaptureResult(jobject composition);
-  int getListSize(jobject list);
-  jobject getListElement(jobject list, int index);
-  void getIntArray(int32_t* values, int count, jintArray array);
   bool isResultIndex(int index) const;
 
   // vrequest_image.cpp
-  AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
   void readGeometry(AlgoFrameInfo& frame, jobject image);
   void readFormat(AlgoFrameInfo& frame, jobject image, const char* operation);
   bool attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
@@ -95,9 +110,6 @@ private:
   std::vector<int> mOutputSharedMemoryFlags;
 
   JNIEnv* mEnv = nullptr;
-  // Local references reserved for this call. Some VMs count a reservation from the start of the call, so each
-  // new one must include the earlier ones.
-  jint mReservedReferences = 0;
   jclass mClazzList = nullptr;
   jmethodID mMethodGetListElement = nullptr;
   jmethodID mMethodListSize = nullptr;
@@ -117,6 +129,9 @@ private:
   jclass mClazzString = nullptr;
   jmethodID mMethodStringLength = nullptr;
   jfieldID mFieldCaptureResult = nullptr;
+  // Local references reserved for this call. Some VMs count a reservation from the start of the call, so each
+  // new one must include the earlier ones.
+  jint mReservedReferences = 0;
 };
 
 }  // namespace orlu

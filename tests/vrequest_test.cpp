@@ -174,6 +174,21 @@ TEST_F(VRequestTest, WalksAnyList) {
   }
 }
 
+TEST_F(VRequestTest, LogsListsAndIndicesThatAreNone) {
+  VRequest request(env(), nullptr, nullptr, nullptr, nullptr);
+  mLog.clear();
+  EXPECT_EQ(nullptr, request.getListElement(nullptr, 0));
+  EXPECT_EQ(nullptr, request.getListElement(test::javaList({test::javaInt(1)}), -1));
+  EXPECT_EQ(nullptr, request.getListElement(test::javaList({test::javaInt(1)}), 1));
+  int32_t values[2] = {5, 6};
+  request.getIntArray(values, 2, nullptr);
+  EXPECT_EQ(5, values[0]);
+  EXPECT_EQ(
+      "get list elemet failed, input is null\nget list elemet failed, index < 0\n"
+      "get int array failed, input is null\n",
+      test::errorText(mLog, kTag));
+}
+
 TEST_F(VRequestTest, AssemblesACaptureResultOnce) {
   const auto keptBy = [](jobject composition) {
     return test::objectField(composition, "mCaptureResult", "L" RESULT ";");
