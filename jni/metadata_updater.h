@@ -50,41 +50,27 @@ public:
   int isRawFormat();
   int getImageFormat();
 
-private:
+  // The steps of updateMetadata(), by the files that hold them. Most rely on steps before them.
   // metadata_updater.cpp
   void clearParams();
   int updateWatermarkData();  // 1 when the request only updates the watermark
   void getMasterFrames();
   uint64_t getCurrentMode(jobject captureResult, jobject composition);
-  FrameList masterFrames() const { return {mMasterCaptureResults, mMasterCompositions}; }
-
   // metadata_updater_cameras.cpp
-  void updateCameraType();
   void updateFromCameraCharacteristics();
   void updateSat();
   void updateEngine();
   void convertMetadata();
-
   // metadata_updater_common_tags.cpp
   void updateCommonTags();
   void updatePreviewAlgoPrivateData2Shot();
-  void updateFrameIdentity();
-  void updateFaceInfo();
-
   // metadata_updater_input_format.cpp
   void updateRawFormat();
   void updateYuvFormat();
-  void updateRegions();
-
   // metadata_updater_hdr.cpp
   void updateHdrProcessType();
-
   // metadata_updater_algo_type.cpp
   void updateAlgoType();
-  void updateAlgorithmParameters();
-  void updateRawAlgorithms();
-  void editAlgoList();
-
   // metadata_updater_night.cpp
   void updateSuperNsYuv();
   void updateSuperNS();
@@ -92,7 +78,6 @@ private:
   void updateRawNR();
   void updateBokehNight();
   void updateRawHdr();
-
   // metadata_updater_capture_features.cpp
   void updatePanorama();
   void clearProcessedAlgoTag();
@@ -104,27 +89,39 @@ private:
   void updateLightstream();
   void updateZoom();
   void updateBeauty();
-
   // metadata_updater_regions.cpp
+  // Whether rectangles have to be scaled from the active array to an image of this size, in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
   // Converts all faces in place and drops those outside the image. At most kMaxFaces of them.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
+  // Read a metering region and convert it into `region`, which stays where there is no input or no active
+  // array.
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
-  struct MeteringTexts;
-  void convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
-                       const MeteringTexts& texts);
-
-  // metadata_updater_double_exposure.cpp, _jpeg_encode.cpp, _pixel_shift.cpp, _frame_clarity.cpp
+  // metadata_updater_double_exposure.cpp, _jpeg_encode.cpp, _pixel_shift.cpp, _frame_clarity.cpp, _debug.cpp
   void updateDoubleExpo();
   void updateJpegEncode();
   void updatePixelShift();
   void updateFrameClarity();
-
-  // metadata_updater_debug.cpp, metadata_updater_fusion.cpp
   void updateDebug();
-  void updateFusionFrames();
 
+private:
+  FrameList masterFrames() const { return {mMasterCaptureResults, mMasterCompositions}; }
+
+  // Parts of the steps.
+  void updateFrameIdentity();
+  void updateFaceInfo();
+  void updateCameraType();
+  void updateRegions();
+  void updateAlgorithmParameters();
+  void updateRawAlgorithms();
+  void editAlgoList();
+  void updateFusionFrames();
+  struct MeteringTexts;
+  void convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
+                       const MeteringTexts& texts);
+
+  // What the constructor was given, and the request's frames. mShot holds all of it as the rows see it.
   std::vector<std::string>* mAlgoList;
   AlgoNativeClient* mClient;
   VRequest* mRequest;
@@ -133,7 +130,6 @@ private:
   int mCaptureResultNum;
   const std::vector<jobject>* mCaptureResults;
   const std::vector<jobject>* mCaptureResultCompositions;
-  Shot mShot;  // all of the above, as the rows see it
   std::vector<jobject> mMasterCaptureResults;
   std::vector<jobject> mMasterCompositions;
   int32_t mIsRawnrCapture = 0;
@@ -155,6 +151,7 @@ private:
   int32_t mUseFilterList = 0;
   int32_t mIsFastDisplayRequest = 0;
   bool mSkipAlgoProcess = false;
+  Shot mShot;
 };
 
 }  // namespace orlu

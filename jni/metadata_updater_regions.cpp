@@ -69,7 +69,6 @@ void MetadataUpdater::convertFace(_tagOrluFaceInfo& face, int width, int height,
   }
 }
 
-// Leaves `region` where there is no input or no active array.
 void MetadataUpdater::convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
                                       const MeteringTexts& texts) {
   const AlgoFrameInfo* const input = mShot.firstInput();

@@ -20,17 +20,19 @@ constexpr char kUpdateResult[] = "updateResult";
 ResultUpdater::ResultUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                              void* metadata, CameraMetadataParser* parser)
     : mAlgoList(algoList),
+      mClient(client),
       mRequest(request),
+      mMetadata(metadata),
       mParser(parser),
       mChannel(client->context(), metadata),
       mTags(*parser, FrameList(request.captureResults(), request.captureResultCompositions())) {}
 
 int ResultUpdater::setValue(const char* section, const char* key, void* value, unsigned int size) {
-  return mChannel.setBytes(section, key, value, size);
+  return mClient->context().setValue(mMetadata, section, key, value, size);
 }
 
 int ResultUpdater::getValue(const char* section, const char* key, void* value, unsigned int size) {
-  return mChannel.getBytes(section, key, value, size);
+  return mClient->context().getValue(mMetadata, section, key, value, size);
 }
 
 void ResultUpdater::updateResult() {

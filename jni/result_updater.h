@@ -35,11 +35,26 @@ public:
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
+  // The parts of updateResult(), each of which may run alone. What they return is for their caller; nothing
+  // stops at it.
+  // result_updater_frame_selection.cpp
+  int updateFrameClarity();           // -1 without a composition
+  int updateFrameSelectResult();      // -1 when a frame index is out of range
+  int updateSelectBasicFrameIndex();  // -1 when there is no frame to choose
+  // result_updater_raw_algo.cpp. All return 0. The first one runs the others.
+  int updateParamsFromRawAlgo();
+  int updateTunningMode();
+  int updateRAWHDRTrackingInfor();
+  int updateShortGainForRAWHDR();
+  int updateProcessedAlgoTag();
+  int updateProrawPure2ProcState();
+  int updateCaptureResultForSuperMoon();
+
 private:
   static constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
   static constexpr char kShortLogTag[] = "VASJNI-ResultUpdater";
 
-  // result_updater.cpp: the parts of updateResult() by theme, in the order in which they run.
+  // result_updater.cpp: the other parts of updateResult() by theme, in the order in which they run.
   void updateRefocus();
   void updateDocument();
   void updateStepBeauty();
@@ -48,23 +63,10 @@ private:
   void updateLightstream();
   void updateDetections();
 
-  // result_updater_frame_selection.cpp
-  int updateFrameClarity();           // -1 without a composition
-  int updateFrameSelectResult();      // -1 when a frame index is out of range
-  int updateSelectBasicFrameIndex();  // -1 when there is no frame to choose
   // One per capture result, nanoseconds, 0 where it has none. `log` gets each frame's number and timestamp
   // before the next frame is read.
   template <typename Logger>
   std::vector<int64_t> readTimestamps(const Logger& log);
-
-  // result_updater_raw_algo.cpp. All return 0.
-  int updateParamsFromRawAlgo();
-  int updateTunningMode();
-  int updateRAWHDRTrackingInfor();
-  int updateShortGainForRAWHDR();
-  int updateProcessedAlgoTag();
-  int updateProrawPure2ProcState();
-  int updateCaptureResultForSuperMoon();
 
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>
@@ -81,8 +83,11 @@ private:
   T copy(const char* section, const char* key, const char* resultKey, std::common_type_t<T> initial = T());
 
   std::vector<std::string>& mAlgoList;
+  AlgoNativeClient* mClient;
   VRequest& mRequest;
+  void* mMetadata;
   CameraMetadataParser* mParser;
+  // The client's context with the block, and the request's frames with the parser.
   ParameterChannel mChannel;
   ShotTags mTags;
 };
