@@ -28,7 +28,7 @@ constexpr int32_t kDigitalGainUnit = 4096;
 // "com.orlu.current_ui_module" of an application page that zooms by the user's ratio.
 constexpr int32_t kModuleWithUserZoom = 7;
 
-void writeSensorTags(const Shot& shot, int32_t& isRawnrCapture) {
+void writeSensorTags(Shot& shot, int32_t& isRawnrCapture) {
   const auto stabilization =
       shot.copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
   LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
@@ -46,7 +46,7 @@ void writeSensorTags(const Shot& shot, int32_t& isRawnrCapture) {
   // clang-format on
 }
 
-void writePictureTags(const Shot& shot) {
+void writePictureTags(Shot& shot) {
   const auto filmSize = shot.copy<int32_t>("orlu.control.filmSize", kControl, "film_size");
   const auto doubleExposure = shot.readOr<int32_t>("orlu.doubleExpo.capture");
   if (filmSize == 1 && doubleExposure == 0) shot.append("blackImg");
@@ -56,7 +56,7 @@ void writePictureTags(const Shot& shot) {
   if (mirror == 1) shot.append("flip");
 }
 
-void writeZoomRatios(const Shot& shot) {
+void writeZoomRatios(Shot& shot) {
   const float platform = shot.zoomRatio();
   shot.write<float>(kZoom, "platform_zoom_ratio", platform);
   LOGD_AS(kOperation, "updateCommonTags tag:android.control.zoomRatio platformZoomRatio=%f",
@@ -67,12 +67,12 @@ void writeZoomRatios(const Shot& shot) {
 }
 
 // Whole units; the fraction is lost (Oddity 20).
-void writeGain(const Shot& shot, const char* tag, int32_t unit, const char* key) {
+void writeGain(Shot& shot, const char* tag, int32_t unit, const char* key) {
   const int32_t wholeUnits = shot.readOr<int32_t>(tag) / unit;
   shot.write<float>(kParameter, key, static_cast<float>(wholeUnits));
 }
 
-void writeShotTags(const Shot& shot, Ints<25>& frontEvControl) {
+void writeShotTags(Shot& shot, Ints<25>& frontEvControl) {
   shot.copy<int32_t>("orlu.control.sensorMode", kSensor, "remosaic_mode");
   writeGain(shot, "orlu.feedback.analog_gain", kAnalogGainUnit, "analog_gain");
   writeGain(shot, "orlu.feedback.digital_gain", kDigitalGainUnit, "digital_gain");
@@ -94,7 +94,7 @@ void writeShotTags(const Shot& shot, Ints<25>& frontEvControl) {
 }
 
 // A fresh updater knows no master frames yet, so that both lists are zero (Oddity 15).
-void writeFrameLists(const Shot& shot, const FrameList& masters) {
+void writeFrameLists(Shot& shot, const FrameList& masters) {
   Ints<kListedFrames> ids = {};
   Longs<kListedFrames> timestamps = {};
   const int count = std::min(masters.size(), kListedFrames);
@@ -115,7 +115,7 @@ bool isUsable(int32_t pdafType, int32_t isCompensated) {
 }
 
 // Phase-detection autofocus data of the sensor, for the algorithms that refocus.
-void writePhaseDetection(const Shot& shot) {
+void writePhaseDetection(Shot& shot) {
   // Neither on the stack, of which there may be little left.
   const auto sensor = std::make_unique<SensorPdafInfo>();
   const auto info = std::make_unique<PdafInfo>();
@@ -133,7 +133,7 @@ void writePhaseDetection(const Shot& shot) {
   shot.write<bool>(kSensor, "has_pdaf_info", usable);
 }
 
-void writeDigitalZoom(const Shot& shot) {
+void writeDigitalZoom(Shot& shot) {
   const auto module = shot.readOr<int32_t>("com.orlu.current_ui_module");
   const bool isUserZoom = shot.listHas("dualBokeh") || module == kModuleWithUserZoom;
   const char* const tag = isUserZoom ? "orlu.control.zoom_ratio" : "orlu.parameter.digitalzoom";

@@ -20,7 +20,7 @@ std::vector<double> readImageScores(const Shot& shot) {
   return scores;
 }
 
-void writeFrameIndices(const Shot& shot) {
+void writeFrameIndices(Shot& shot) {
   constexpr char kTag[] = "orlu.control.frameIndex";
   const auto repeated = shot.repeated(kTag);
   Ints<kMaxClarityFrames> indices = {};

@@ -9,7 +9,7 @@ namespace {
 constexpr char kOperation[] = "updateDebug";  // of which this is a part
 
 // When and under which ids the frames were taken. A frame past the list leaves its entry 0.
-void writeFrameIds(const Shot& shot, const FusionFrames& frames) {
+void writeFrameIds(Shot& shot, const FusionFrames& frames) {
   constexpr char kTimestampTag[] = "orlu.feedback.sensor_timestamp";
   constexpr char kRequestIdTag[] = "orlu.control.reqID";
   const auto repeatedTimestamp = shot.repeated(kTimestampTag);
@@ -33,7 +33,7 @@ void writeFrameIds(const Shot& shot, const FusionFrames& frames) {
 
 // Both frames share one record: what the first left stays under what the second lacks (Oddity 21), all of it
 // where there is no second frame. The composition is handed in as the capture result too (Oddity 22).
-void writeExposureTimes(const Shot& shot, const FusionFrames& frames) {
+void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
   Aec aec = {};
   for (size_t slot = 0; slot < frames.size(); ++slot) {

@@ -16,7 +16,7 @@ constexpr int kBrightSpots = 20;
 
 // Three keys are written twice, and the later value wins (Oddity 18): "sensor_gain_short" and
 // "isp_gain_short", which tags of their own have set, and "exp_sensitivity_ratio".
-void writeRawExposure(const Shot& shot, const Aec& aec, bool hasFrontControl) {
+void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   writeExposureControl(shot, aec);
   // clang-format off
   shot.write<float>  (kSystem, "drc_gain_dark",         longToSafeSensitivity(aec));
@@ -33,7 +33,7 @@ void writeRawExposure(const Shot& shot, const Aec& aec, bool hasFrontControl) {
   // clang-format on
 }
 
-void writeFilterDetails(const Shot& shot) {
+void writeFilterDetails(Shot& shot) {
   const auto info = shot.readOr<Floats<5>>("orlu.control.filterinfo");
   // clang-format off
   shot.write<float>(kParameter, "filter_info_angle",  info[0]);
@@ -46,12 +46,12 @@ void writeFilterDetails(const Shot& shot) {
   LOGD_AS(kOperation, "filterParams %d %d", params[0], params[1]);
 }
 
-void writePortraitLight(const Shot& shot) {
+void writePortraitLight(Shot& shot) {
   shot.copy<int32_t>("orlu.control.relighting", kControl, "portrait_light_type");
   shot.copy<int32_t>("orlu.control.portraitStyle", kParameter, "portrait_style");
 }
 
-void writeDistortion(const Shot& shot) {
+void writeDistortion(Shot& shot) {
   const auto faceCorrect = shot.readOr<int32_t>("orlu.control.face_correct");
   const auto distortion = shot.readOr<int32_t>("orlu.control.distortion_correction");
   if ((faceCorrect != 0 || distortion != 0) && !shot.listHas("distortion")) shot.append("distortion");
@@ -60,14 +60,14 @@ void writeDistortion(const Shot& shot) {
 }
 
 // A double exposure has a watermark type of its own, which its step writes.
-void writeWatermark(const Shot& shot) {
+void writeWatermark(Shot& shot) {
   const auto type = shot.readOr<int32_t>("orlu.control.watermark");
   const auto doubleExposure = shot.readOr<int32_t>("orlu.doubleExpo.capture");
   shot.write<int32_t>(kControl, "watermark_type", doubleExposure == 1 ? 0 : type);
   shot.copy<Chars<16>>("orlu.control.watermark_name", kControl, "watermark_dir");
 }
 
-void writeUserSettings(const Shot& shot) {
+void writeUserSettings(Shot& shot) {
   // clang-format off
   shot.copy<int32_t>("orlu.control.portrait.state",      kParameter, "portrait_preview_state");
   shot.copy<int32_t>("orlu.control.style_params",        kParameter, "style_params");
@@ -84,7 +84,7 @@ void writeUserSettings(const Shot& shot) {
 }
 
 // `hdrFrames` are indices among the master frames.
-void writeHdrGains(const Shot& shot, const FrameList& masters, const HdrFrameIndex& hdrFrames) {
+void writeHdrGains(Shot& shot, const FrameList& masters, const HdrFrameIndex& hdrFrames) {
   HdrExposures exposures;
   const int count = std::min(masters.size(), static_cast<int>(kHdrSlots));
   const auto repeated = shot.repeated(kAecTag);
@@ -98,7 +98,7 @@ void writeHdrGains(const Shot& shot, const FrameList& masters, const HdrFrameInd
   writeHdrExposures(shot, exposures);
 }
 
-void writeCrop(const Shot& shot) {
+void writeCrop(Shot& shot) {
   const auto crop = shot.copy<__tagOrluRect>("android.scaler.cropRegion", kZoom, "zoom_woi_rect");
   LOGD_AS(kOperation, "zoomWoiRect(%d, %d, %d, %d)", crop.left, crop.top, crop.right, crop.bottom);
   shot.copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
@@ -113,7 +113,7 @@ bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
          hdFaceNum > 0;
 }
 
-void writeShotGains(const Shot& shot) {
+void writeShotGains(Shot& shot) {
   const auto aec = shot.exposureOf(shot.first());
   shot.write<float>(kSystem, "safe_gain", aec[kAecSafeGain]);
   shot.write<float>(kSystem, "adrc_gain", aec[kAecAdrcGain]);
@@ -123,13 +123,13 @@ void writeShotGains(const Shot& shot) {
           static_cast<double>(aec[kAecDarkBoostGain]));
 }
 
-void writeSatCropRegions(const Shot& shot) {
+void writeSatCropRegions(Shot& shot) {
   const Ints<4> ltwh = readSatCropRegions(shot, shot.first());
   shot.write<Ints<4>>(kZoom, "sat_crop_regions", ltwh);
   LOGD_AS(kOperation, "algo process: satCropRegions ltwh %d %d %d %d", ltwh[0], ltwh[1], ltwh[2], ltwh[3]);
 }
 
-void writeDocument(const Shot& shot) {
+void writeDocument(Shot& shot) {
   const auto pack = shot.readOr<int32_t>("orlu.control.document.pack");
   const auto enableHr = shot.readOr<int32_t>("orlu.control.isEnableDocHR");
   const auto dioptres = shot.readOr<float>("android.lens.focusDistance");
@@ -153,7 +153,7 @@ void writeDocument(const Shot& shot) {
 }
 
 // The keys say "sport", and the count's record is as long as the tag's (Oddity 32).
-void writeBrightSpots(const Shot& shot) {
+void writeBrightSpots(Shot& shot) {
   const auto spots = shot.readOr<Floats<1 + 2 * kBrightSpots>>("orlu.control.bright_spot");
   // The count is handed on as it came, also past the table (Oddity 33).
   const int32_t count = toInt(spots[0]);

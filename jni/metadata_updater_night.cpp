@@ -12,7 +12,7 @@ void logPair(const char* operation, const char* domain, const char* name, float 
 }
 
 // Of the first frame and the last one. The log lines name `operation` and begin with `domain`.
-void writeSuperNs(const Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
+void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
   const auto a = shot.exposureOf(shot.first());
   const auto b = shot.readOr<Aec>(lastFrame, kAecTag);
   logPair(operation, domain, "superNSAdrcGain", a[kAecAdrcGain], b[kAecAdrcGain]);
@@ -40,7 +40,7 @@ void writeSuperNs(const Shot& shot, const Frame& lastFrame, const char* operatio
 // In the low-light raw step the normal frame's "isp_gain" and "sensor_gain_normal" are its short elements,
 // and the ratios are set in another order than their elements have (Oddity 30). The normal time is a float
 // here (Oddity 31).
-void writeLowLight(const Shot& shot, const Aec& normal, const Aec& brief) {
+void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
   shot.write<float>(kSystem, "exp_index",             normal[kAecExposureIndex]);

@@ -30,7 +30,7 @@ int32_t readSceneType(const Shot& shot) {
   return scene;
 }
 
-void writeExposureControl(const Shot& shot, const Aec& aec) {
+void writeExposureControl(Shot& shot, const Aec& aec) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        aec[kAecLuxIndex]);
   shot.write<float>(kSystem, "exp_index",             aec[kAecExposureIndex]);
@@ -45,12 +45,12 @@ void writeExposureControl(const Shot& shot, const Aec& aec) {
   // clang-format on
 }
 
-void writeHdrExposures(const Shot& shot, const HdrExposures& exposures) {
+void writeHdrExposures(Shot& shot, const HdrExposures& exposures) {
   shot.write<Floats<kHdrSlots>>(kParameter, "hdr_gains", exposures.gains);
   shot.write<Floats<kHdrSlots>>(kParameter, "hdr_shutters", exposures.shutters);
 }
 
-void writeRawPacking(const Shot& shot) {
+void writeRawPacking(Shot& shot) {
   shot.write<int32_t>(kParameter, "raw_packed_type", 2);
   if (shot.inputFormat() == kFormatMipiRaw10) shot.write<int32_t>(kParameter, "raw_bit_per_pixel", 10);
 }

@@ -23,7 +23,7 @@ Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
 // The first of three tags that is there, or 0.
 int32_t readSceneType(const Shot& shot);
 // Ten keys of a frame's exposure control.
-void writeExposureControl(const Shot& shot, const Aec& aec);
+void writeExposureControl(Shot& shot, const Aec& aec);
 // Gains and exposure times in milliseconds of HDR frames, zero in the slots without one.
 struct HdrExposures {
   Floats<kHdrSlots> gains = {};
@@ -34,8 +34,8 @@ struct HdrExposures {
     shutters[slot] = milliseconds(aec);
   }
 };
-void writeHdrExposures(const Shot& shot, const HdrExposures& exposures);
+void writeHdrExposures(Shot& shot, const HdrExposures& exposures);
 // How raw pixels are packed.
-void writeRawPacking(const Shot& shot);
+void writeRawPacking(Shot& shot);
 
 }  // namespace orlu

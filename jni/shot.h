@@ -9,6 +9,8 @@
 //            const auto gain = shot.readOr<int32_t>("orlu.feedback.analog_gain");
 //            shot.write<float>(kParameter, "analog_gain", static_cast<float>(gain / 1024));
 //
+// Readers are const: a step that takes a const Shot writes nothing.
+//
 // The first argument may be the frame to read from; without it the first frame is read. A type is named once
 // and says both the getter and the width.
 #pragma once
@@ -44,7 +46,7 @@ public:
   // Return the value that was written, or nothing where it takes more of the stack than a request may find
   // left: such a value is held on the heap.
   template <typename T>
-  Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) const {
+  Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) {
     if constexpr (std::is_void_v<Copied<T>>) {
       const auto value = std::make_unique<T>();
       read(frame, tag, *value);
@@ -56,12 +58,12 @@ public:
     }
   }
   template <typename T>
-  Copied<T> copy(const char* tag, const char* section, const char* key) const {
+  Copied<T> copy(const char* tag, const char* section, const char* key) {
     return copy<T>(first(), tag, section, key);
   }
 
   template <typename T>
-  void keep(T& member, const char* tag, const char* section, const char* key) const {
+  void keep(T& member, const char* tag, const char* section, const char* key) {
     read(tag, member);
     write<T>(section, key, member);
   }
@@ -69,7 +71,7 @@ public:
   // Writes sizeof(T) bytes; T is named by the caller and never deduced. No status is looked at: translating
   // parameters never fails a request.
   template <typename T>
-  void write(const char* section, const char* key, const std::common_type_t<T>& value) const {
+  void write(const char* section, const char* key, const std::common_type_t<T>& value) {
     mParameters.set<T>(section, key, value);
   }
 
@@ -110,10 +112,10 @@ public:
   bool listHas(const char (&name)[N]) const {
     return isAlgoListContains(*mAlgoList, name);
   }
-  // Also where the list holds the name already.
-  void append(const char* name) const { mAlgoList->emplace_back(name); }
+  // Appends the name even if the list has it.
+  void append(const char* name) { mAlgoList->emplace_back(name); }
   template <size_t N>
-  void remove(const char (&name)[N]) const {
+  void remove(const char (&name)[N]) {
     removeAlgoFromAlgoList(*mAlgoList, name);
   }
 
