@@ -116,7 +116,7 @@ bool isUsable(int32_t pdafType, int32_t isCompensated) {
 
 // Phase-detection autofocus data of the sensor, for the algorithms that refocus.
 void writePhaseDetection(Shot& shot) {
-  // Neither on the stack, of which there may be little left.
+  // Both are on the heap because little stack may be left.
   const auto sensor = std::make_unique<SensorPdafInfo>();
   const auto info = std::make_unique<PdafInfo>();
   ByteBuffer buffer = {sensor.get(), sizeof *sensor};
@@ -140,6 +140,36 @@ void writeDigitalZoom(Shot& shot) {
   const auto ratio = shot.readOr<float>(tag);
   LOGD_AS(kOperation, "updateCommonTags tag:%s digitalzoomratio=%f", tag, static_cast<double>(ratio));
   shot.write<float>(kZoom, "digital_zoom_ratio", ratio);
+}
+
+void writeBokehStep(Shot& shot, int32_t enableHwMFNR) {
+  const bool isBokehStep = shot.listHas("dualbokehMultiFrame") && enableHwMFNR == 0;
+  shot.write<int32_t>(kControl, "bokeh_algo_step", isBokehStep ? 1 : 0);
+}
+
+void writeRawHdrMode(Shot& shot) {
+  shot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
+  // The camera's own, which no application may change (Oddity 52).
+  const Frame camera = shot.first().captureResultOnly();
+  const auto rawHdr = shot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
+  shot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
+}
+
+void writeTemperature(Shot& shot) {
+  const auto temperature = shot.copy<int32_t>("orlu.capture.temperature", kParameter, "highTemperature");
+  LOGD_BARE(kShortLogTag, "%s: highTemperature: %d", kOperation, temperature);
+}
+
+void writeSceneType(Shot& shot) {
+  const int32_t scene = readSceneType(shot);
+  shot.write<int32_t>(kFeedback, "scene_type", scene);
+  LOGD_BARE(kShortLogTag, "%s: sceneType: %d", kOperation, scene);
+}
+
+void writeMemoryKind(Shot& shot) {
+  const AlgoFrameInfo* const output = shot.firstOutput();
+  const bool isHardwareBuffer = output != nullptr && output->nativeHandle != nullptr;
+  shot.write<bool>(kControl, "use_graphic_buffer", isHardwareBuffer);
 }
 
 int downloadPrivateData(const Shot& shot, const char* section, const char* key, void* data, unsigned size) {
@@ -167,25 +197,15 @@ void MetadataUpdater::updateCommonTags() {
   updateFrameIdentity();
   writeShotTags(mShot, mFrontEvControl);
   writeFrameLists(mShot, masterFrames());
-  const bool isBokehStep = mShot.listHas("dualbokehMultiFrame") && mEnableHwMFNR == 0;
-  mShot.write<int32_t>(kControl, "bokeh_algo_step", isBokehStep ? 1 : 0);
+  writeBokehStep(mShot, mEnableHwMFNR);
   updateCameraType();
   writePhaseDetection(mShot);
   writeDigitalZoom(mShot);
   writeExposureControl(mShot, mShot.exposureOf(mShot.first()));
-  mShot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
-  // The camera's own, which no application may change (Oddity 52).
-  const Frame camera = mShot.first().captureResultOnly();
-  const auto rawHdr = mShot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
-  mShot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
-  const auto temperature = mShot.copy<int32_t>("orlu.capture.temperature", kParameter, "highTemperature");
-  LOGD_BARE(kShortLogTag, "%s: highTemperature: %d", __func__, temperature);
-  const int32_t scene = readSceneType(mShot);
-  mShot.write<int32_t>(kFeedback, "scene_type", scene);
-  LOGD_BARE(kShortLogTag, "%s: sceneType: %d", __func__, scene);
-  const auto& outputs = mRequest->outputFrames();
-  const bool isHardwareBuffer = !outputs.empty() && outputs.front().nativeHandle != nullptr;
-  mShot.write<bool>(kControl, "use_graphic_buffer", isHardwareBuffer);
+  writeRawHdrMode(mShot);
+  writeTemperature(mShot);
+  writeSceneType(mShot);
+  writeMemoryKind(mShot);
 }
 
 // Asks the algorithms which values of the system they want, and fills them from the shot's metadata.

@@ -119,9 +119,12 @@ public:
     removeAlgoFromAlgoList(*mAlgoList, name);
   }
 
-  // The images. Null, kFormatUnknown and false where there is no input.
+  // The images. Null, kFormatUnknown and false where there is none.
   const AlgoFrameInfo* firstInput() const {
     return mRequest->inputFrames().empty() ? nullptr : &mRequest->inputFrames().front();
+  }
+  const AlgoFrameInfo* firstOutput() const {
+    return mRequest->outputFrames().empty() ? nullptr : &mRequest->outputFrames().front();
   }
   int inputFormat() const { return firstInput() == nullptr ? kFormatUnknown : firstInput()->format; }
   bool isRaw() const { return isRawImageFormat(inputFormat()); }
