@@ -3,8 +3,8 @@
 // once.
 //
 // A tag that is absent leaves the value that its step set before reading, and no status of the parameter
-// channel is looked at: translating parameters never fails a request. How a row is written says shot.h; what
-// computes without Java has headers of its own, such as region_mapper.h.
+// channel is looked at: translating parameters never fails a request. See shot.h for how rows are written.
+// Code that needs no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>
@@ -64,7 +64,7 @@ public:
   // metadata_updater_common_tags.cpp
   void updateCommonTags();
   void updatePreviewAlgoPrivateData2Shot();
-  // metadata_updater_input_format.cpp
+  // metadata_updater_raw_format.cpp, metadata_updater_yuv_settings.cpp
   void updateRawFormat();
   void updateYuvFormat();
   // metadata_updater_hdr.cpp
