@@ -19,7 +19,8 @@ enum SATCameraRoleType : int32_t {
   kSatRoleTele2_5x = 6
 };
 
-// Which camera such a system uses from a zoom ratio on. Made when the library is loaded.
+// Which camera such a system uses from a zoom ratio on. Made when the library is loaded. No step reads it:
+// the camera reports the role itself, in "orlu.parameter.masterSatRole".
 const std::map<float, SATCameraRoleType>& satCameraRoles();
 
 // "vaf_camera_role": 0 for a main camera, a bit for any other one, plus 1 for a front camera. `type` is the

@@ -71,7 +71,7 @@ static_assert(sizeof(PdafInfo) == 2068);
 static_assert(offsetof(PdafInfo, count) == 16);
 static_assert(offsetof(PdafInfo, pairs) == 20);
 
-// The same as the sensor attaches it to a frame.
+// PdafInfo as the sensor attaches it to a frame.
 struct SensorPdafInfo {
   PdafInfo info;
   uint8_t reserved2068[8] = {};

@@ -1,5 +1,5 @@
-// What a look into a shot needs: the frame settings of a double exposure for the log, and the device's switch
-// for automatic tests.
+// Debugging aids: logs the frame settings of a double exposure; passes on the device's switch for automatic
+// tests.
 
 #include <cutils/properties.h>
 

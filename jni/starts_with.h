@@ -1,4 +1,4 @@
-// The prefix test of request types and format names.
+// The prefix test of request types and format names. Names in an algorithm list have isAlgoListContains().
 #pragma once
 
 #include <cstring>
