@@ -239,71 +239,15 @@ private:
   FrameObjects mCompositions;
   RepeatedTag* mRepeatedTag = nullptr;  // the last one made
 
-  jclass mClazzKey = nullptr;
-  jmethodID mConstructorKey = nullptr;
-  jclass mClazzCaptureResult = nullptr;
-  jmethodID mMethodGet = nullptr;
-  jclass mClazzCameraMetadataNative = nullptr;
-  jmethodID mMethodWriteToParcel = nullptr;
-  jclass mClazzParcel = nullptr;
-  jmethodID mMethodParcelObtain = nullptr;
-  jmethodID mMethodPushAllowFds = nullptr;
-  jmethodID mMethodParcelMarshall = nullptr;
-  jclass mClazzCharacteristicsKey = nullptr;
-  jmethodID mCharacteristicsConstructorKey = nullptr;
-  jclass mClazzCameraCharacteristics = nullptr;
-  jmethodID mMethodCharacteristicsGet = nullptr;
-  jclass mClazzInt = nullptr;
-  jmethodID mMethodIntValue = nullptr;
-  jmethodID mConstructorInt = nullptr;
-  jclass mClazzFloat = nullptr;
-  jmethodID mMethodFloatValue = nullptr;
-  jmethodID mConstructorFloat = nullptr;
-  jclass mClazzDouble = nullptr;
-  jmethodID mMethodDoubleValue = nullptr;
-  jmethodID mConstructorDouble = nullptr;
-  jclass mClazzLong = nullptr;
-  jmethodID mMethodLongValue = nullptr;
-  jmethodID mConstructorLong = nullptr;
-  jclass mClazzPrimitiveIntArray = nullptr;
-  jclass mClazzIntArray = nullptr;
-  jclass mClazzPrimitiveLongArray = nullptr;
-  jclass mClazzLongArray = nullptr;
-  jclass mClazzPrimitiveFloatArray = nullptr;
-  jclass mClazzFloatArray = nullptr;
-  jclass mClazzPrimitiveDoubleArray = nullptr;
-  jclass mClazzDoubleArray = nullptr;
-  jclass mClazzString = nullptr;
-  jmethodID mMethodGetBytes = nullptr;
-  jclass mClazzByteArray = nullptr;
-  jclass mClazzStringArray = nullptr;
-  jclass mClazzFaceArray = nullptr;
-  jclass mClazzFace = nullptr;
-  jmethodID mMethodGetBounds = nullptr;
-  jclass mClazzRect = nullptr;
-  jfieldID mRectFieldLeft = nullptr;
-  jfieldID mRectFieldRight = nullptr;
-  jfieldID mRectFieldTop = nullptr;
-  jfieldID mRectFieldBottom = nullptr;
-  jclass mClazzMeteringRectangle = nullptr;
-  jmethodID mMethodGetRect = nullptr;
-  jmethodID mMethodGetMeteringWeight = nullptr;
-  jclass mClazzMeteringRectangleArray = nullptr;
-  jclass mClazzLocation = nullptr;
-  jmethodID mMethodGetLatitude = nullptr;
-  jmethodID mMethodGetLongitude = nullptr;
-  jmethodID mMethodGetAltitude = nullptr;
-  jmethodID mMethodGetTimestamp = nullptr;
-  jmethodID mMethodHasAltitude = nullptr;
-  jclass mClazzRational = nullptr;
-  jmethodID mMethodGetNumerator = nullptr;
-  jmethodID mMethodGetDenominator = nullptr;
-  jclass mClazzCaptureResultComposition = nullptr;
-  jmethodID mMethodGetMetadata = nullptr;
-  jmethodID mMethodPutMetadata = nullptr;
-  jclass mClazzHashMap = nullptr;
-  jmethodID mConstructorHashMap = nullptr;
-  jmethodID mMethodHashMapPut = nullptr;
+#define TABLE(name)
+#define END_TABLE
+#define CLASS(name, slot) jclass slot = nullptr;
+#define CLASS_WITH(name, slot, change) jclass slot = nullptr;
+#define METHOD(name, signature, slot) jmethodID slot = nullptr;
+#define METHOD_WITH(name, signature, slot, change) jmethodID slot = nullptr;
+#define STATIC_METHOD(name, signature, slot) jmethodID slot = nullptr;
+#define FIELD(name, signature, slot) jfieldID slot = nullptr;
+#include "camera_metadata_parser_members.inc"
 };
 
 }  // namespace orlu
