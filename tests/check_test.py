@@ -131,7 +131,7 @@ TAGS = [
     ("android.sensor.exposureTime", f'"{100 * "a"}"',
      f'needs a number, found "{60 * "a"}..."; the tag is LONG (ns)'),
     ("android.lens.aperture", "1e39",
-     "needs a number that a float holds (up to 3.4028235E38), found 1E+39; the tag is FLOAT (f-number)"),
+     "needs a number that a float holds (up to 3.4028235E38), found 1E39; the tag is FLOAT (f-number)"),
     ("android.scaler.cropRegion", "[1, 2]", "needs a list of 4, found 2 elements; the tag is RECT (px)"),
     ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
      'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '

@@ -80,7 +80,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
         }
         return value.isObject()
                 ? value.entries().values().stream().map(Catalogue::text).collect(Collectors.joining("  "))
-                : value.asText();
+                : value.text();
     }
 
     private static String belowParameter(Json entry) {

@@ -152,9 +152,9 @@ public final class Json implements Place {
         return member != null ? member : new Json(mMistakes, this, name, 0, mSpot, mSpot, null);
     }
 
-    /** A text without quotes, a number, "true", "false" or "null"; "" for an object or a list. */
-    public String asText() {
-        return isObject() || isList() ? "" : String.valueOf(mContent);
+    /** A text without quotes; any other value as JSON. */
+    public String text() {
+        return isString() ? (String) mContent : JsonWriter.line(this);
     }
 
     /** What this value is, for a message. */
@@ -162,7 +162,7 @@ public final class Json implements Place {
         if (isObject()) {
             return "an object";
         }
-        return isList() ? "a list" : isString() ? quoted(asText()) : cut(asText());
+        return isList() ? "a list" : isString() ? quoted(text()) : cut(text());
     }
 
     /** Returns a text without its end if it is long. */
@@ -211,11 +211,6 @@ public final class Json implements Place {
     }
 
     // Values.
-
-    /** A text, a number, a truth value or null as a text. */
-    public String text() {
-        return String.valueOf(mContent);
-    }
 
     public String string() throws MistakeException {
         if (mContent instanceof String text) {
