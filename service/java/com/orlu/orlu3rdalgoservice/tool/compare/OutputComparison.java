@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
@@ -115,7 +115,7 @@ public final class OutputComparison {
                 + ImageDifference.AMPLIFICATION + " times)";
     }
 
-    private Path write(Picture picture, String name) throws IOException {
+    private Path write(PixelRows picture, String name) throws IOException {
         Path file = mPictures.resolve(name);
         picture.writePng(file);
         return file;

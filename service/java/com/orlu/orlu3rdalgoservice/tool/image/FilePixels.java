@@ -40,9 +40,9 @@ public final class FilePixels {
             } else if (mPlan.format().isRaw()) {
                 readSamples(to == null ? (x, y, sample) -> { } : PixelWriter.samples(mPlan, to));
             } else {
-                Picture picture = Picture.of(PictureFile.open(mFile.path()).decode());
+                PixelRows picture = new ImageRows(PictureFile.open(mFile.path()).decode());
                 if (to != null) {
-                    PixelWriter.write(picture, mPlan, to);
+                    PixelWriter.write(Picture.of(picture), mPlan, to);
                 }
             }
         } catch (IOException e) {

@@ -37,7 +37,7 @@ public final class FrameSynthesis {
     /** The photo, null when it can't be read as one. */
     public static Picture load(Path photo) {
         try {
-            return Picture.of(PictureFile.open(photo).decode());
+            return Picture.of(new ImageRows(PictureFile.open(photo).decode()));
         } catch (IOException e) {
             return null;
         }
@@ -51,7 +51,7 @@ public final class FrameSynthesis {
                 : photo.scaledTo(part.width(), part.height());
         List<SynthesisedFrame> frames = new ArrayList<>();
         for (int i = 0; i < mPlan.frames().size(); ++i) {
-            Progress.show("making frame " + (i + 1) + " of " + mPlan.frames().size());
+            Progress.show("making frames", i, mPlan.frames().size());
             frames.add(frame(i, sized, size.width(), size.height()));
         }
         return frames;

@@ -13,23 +13,34 @@ public final class ImageDifference {
     public static final int AMPLIFICATION = 8;
     private static final int GREY = 128;
 
-    private final Picture mOne;
-    private final Picture mOther;
+    private final PixelRows mOne;
+    private final PixelRows mOther;
     private final double mPsnr;
     private int mFirstRow = -1;
     private int mMost;
 
-    private ImageDifference(Picture one, Picture other, double psnr) {
+    // The ratio is that of the lumas where none is given.
+    private ImageDifference(PixelRows one, PixelRows other, Double psnr) {
         mOne = one;
         mOther = other;
-        mPsnr = psnr;
+        float[] left = new float[one.width() * PixelRows.CHANNELS];
+        float[] right = new float[left.length];
+        double squares = 0;
         for (int y = 0; y < one.height(); ++y) {
-            for (int x = 0; x < one.width(); ++x) {
-                int difference = differenceAt(x, y);
-                mFirstRow = mFirstRow < 0 && difference > 0 ? y : mFirstRow;
-                mMost = Math.max(mMost, difference);
+            one.read(y, left);
+            other.read(y, right);
+            if (Arrays.equals(left, right)) {
+                continue;
             }
+            mFirstRow = mFirstRow < 0 ? y : mFirstRow;
+            float most = mMost;
+            for (int i = 0; i < left.length; ++i) {
+                most = Math.max(most, Math.abs(left[i] - right[i]));
+            }
+            mMost = (int) Math.ceil(most);
+            squares = Psnr.addLuma(squares, left, right);
         }
+        mPsnr = psnr == null ? Psnr.ofLuma(squares, one) : psnr;
     }
 
     /**
@@ -51,22 +62,21 @@ public final class ImageDifference {
             return null;
         }
         if (!format.isRaw()) {
-            return of(
-                    PixelReader.readPicture(plan, buffer(one)), PixelReader.readPicture(plan, buffer(other)));
+            return of(PixelReader.picture(plan, buffer(one)), PixelReader.picture(plan, buffer(other)));
         }
         Mosaic left = mosaic(format, width, height, stride, one);
         Mosaic right = mosaic(format, width, height, stride, other);
         int bits = bitsOf(left, right);
         left = new Mosaic(width, height, bits, left.samples());
         right = new Mosaic(width, height, bits, right.samples());
-        return new ImageDifference(grey(left), grey(right), Psnr.ofMosaic(left, right));
+        return new ImageDifference(new Grey(left), new Grey(right), Psnr.ofMosaic(left, right));
     }
 
-    /** Compares two pictures; null when one is, or when they are of different sizes. */
-    public static ImageDifference of(Picture one, Picture other) {
+    /** Compares two pictures, whose pixels are read again later; null when one is, or when they are of different sizes. */
+    public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();
-        return isSame ? new ImageDifference(one, other, Psnr.ofLuma(one, other)) : null;
+        return isSame ? new ImageDifference(one, other, null) : null;
     }
 
     private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
@@ -90,26 +100,6 @@ public final class ImageDifference {
         return Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most));
     }
 
-    private static Picture grey(Mosaic mosaic) {
-        Picture picture = new Picture(mosaic.width(), mosaic.height());
-        float scale = Picture.WHITE / mosaic.white();
-        for (int y = 0; y < mosaic.height(); ++y) {
-            for (int x = 0; x < mosaic.width(); ++x) {
-                float sample = mosaic.samples()[y * mosaic.width() + x] * scale;
-                picture.set(x, y, sample, sample, sample);
-            }
-        }
-        return picture;
-    }
-
-    private int differenceAt(int x, int y) {
-        float most = 0;
-        for (int channel = 0; channel < Picture.CHANNELS; ++channel) {
-            most = Math.max(most, Math.abs(mOne.get(x, y, channel) - mOther.get(x, y, channel)));
-        }
-        return (int) Math.ceil(most);
-    }
-
     /**
      * The first row that differs, from 0; -1 when all pixels are equal, and only bytes beside them differ.
      */
@@ -127,28 +117,60 @@ public final class ImageDifference {
         return mPsnr;
     }
 
-    public Picture one() {
+    public PixelRows one() {
         return mOne;
     }
 
-    public Picture other() {
+    public PixelRows other() {
         return mOther;
     }
 
     /**
      * The difference, larger by AMPLIFICATION: grey where the images are equal, lighter where the other is.
      */
-    public Picture picture() {
-        Picture picture = new Picture(mOne.width(), mOne.height());
-        for (int y = 0; y < mOne.height(); ++y) {
-            for (int x = 0; x < mOne.width(); ++x) {
-                picture.set(x, y, shown(x, y, 0), shown(x, y, 1), shown(x, y, 2));
-            }
-        }
-        return picture;
+    public PixelRows picture() {
+        return new Amplified(mOne, mOther);
     }
 
-    private float shown(int x, int y, int channel) {
-        return GREY + AMPLIFICATION * (mOther.get(x, y, channel) - mOne.get(x, y, channel));
+    private record Grey(Mosaic mosaic) implements PixelRows {
+        @Override
+        public int width() {
+            return mosaic.width();
+        }
+
+        @Override
+        public int height() {
+            return mosaic.height();
+        }
+
+        @Override
+        public void read(int y, float[] to) {
+            float scale = WHITE / mosaic.white();
+            for (int x = 0; x < width(); ++x) {
+                Arrays.fill(to, x * CHANNELS, (x + 1) * CHANNELS, mosaic.samples()[y * width() + x] * scale);
+            }
+        }
+    }
+
+    private record Amplified(PixelRows one, PixelRows other) implements PixelRows {
+        @Override
+        public int width() {
+            return one.width();
+        }
+
+        @Override
+        public int height() {
+            return one.height();
+        }
+
+        @Override
+        public void read(int y, float[] to) {
+            float[] left = new float[to.length];
+            one.read(y, left);
+            other.read(y, to);
+            for (int i = 0; i < to.length; ++i) {
+                to[i] = PixelRows.clip(GREY + AMPLIFICATION * (to[i] - left[i]));
+            }
+        }
     }
 }

@@ -14,11 +14,10 @@ public record Mosaic(int width, int height, int bits, int[] samples) {
     public static Mosaic of(Picture picture, int bits) {
         Mosaic mosaic = new Mosaic(picture.width(), picture.height(), bits,
                 new int[picture.width() * picture.height()]);
-        float scale = mosaic.white() / Picture.WHITE;
+        float scale = mosaic.white() / PixelRows.WHITE;
         for (int y = 0; y < mosaic.height; ++y) {
             for (int x = 0; x < mosaic.width; ++x) {
-                int channel = y % 2 + x % 2;
-                mosaic.samples[y * mosaic.width + x] = Math.round(picture.get(x, y, channel) * scale);
+                mosaic.samples[y * mosaic.width + x] = Math.round(picture.get(x, y, channelAt(x, y)) * scale);
             }
         }
         return mosaic;
@@ -31,6 +30,11 @@ public record Mosaic(int width, int height, int bits, int[] samples) {
                 to.put(x, y, samples[y * width + x]);
             }
         }
+    }
+
+    /** The channel of the sample at this place: 0 is red, 1 green, 2 blue. */
+    static int channelAt(int x, int y) {
+        return y % 2 + x % 2;
     }
 
     public int white() {

@@ -4,8 +4,6 @@ import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
-import java.nio.ByteBuffer;
-
 /** What an image holds after a request, read by the description that the native side left. */
 public final class OutputReader {
     /** Of this many pixels a row's bytes can still be counted. */
@@ -14,7 +12,7 @@ public final class OutputReader {
     private final ImageBuffer mImage;
     private byte[] mJpeg;
     private Mosaic mMosaic;
-    private Picture mPicture;
+    private PixelRows mPicture;
     private final boolean mUntouched;
     private String mProblem = "";
 
@@ -36,13 +34,7 @@ public final class OutputReader {
     }
 
     private boolean isAllZero() {
-        ByteBuffer bytes = mImage.bytes();
-        for (int i = 0; i < bytes.capacity(); ++i) {
-            if (bytes.get(i) != 0) {
-                return false;
-            }
-        }
-        return true;
+        return !PlaneUse.hasData(mImage.bytes(), 0, mImage.bytes().capacity());
     }
 
     /** The encoded bytes of a JPEG, else null. */
@@ -55,8 +47,8 @@ public final class OutputReader {
         return mMosaic;
     }
 
-    /** The picture of any other image and of a JPEG that can be decoded, else null. */
-    public Picture picture() {
+    /** The picture of any other image, while its memory is there, and of a JPEG that can be decoded; else null. */
+    public PixelRows picture() {
         if (mPicture == null && mJpeg != null) {
             mPicture = PixelReader.decodeJpeg(mJpeg);
         }
@@ -96,7 +88,7 @@ public final class OutputReader {
         } else if (format.isRaw()) {
             mMosaic = PixelReader.readMosaic(plan, mImage.bytes());
         } else {
-            mPicture = PixelReader.readPicture(plan, mImage.bytes());
+            mPicture = PixelReader.picture(plan, mImage.bytes());
         }
     }
 

@@ -3,23 +3,12 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.awt.Graphics2D;
 import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
-import java.awt.image.IndexColorModel;
-import java.awt.image.Raster;
-import java.io.ByteArrayOutputStream;
-import java.io.IOException;
-import java.nio.file.Files;
-import java.nio.file.Path;
 import java.util.Random;
-
-import javax.imageio.ImageIO;
 
 /**
  * A colour picture of red, green and blue from 0 to 255, with fractions so that noise and blur lose nothing.
  */
-public final class Picture {
-    static final int CHANNELS = 3;
-    static final float WHITE = 255;
-
+public final class Picture implements PixelRows {
     private final int mWidth;
     private final int mHeight;
     private final float[] mSamples;
@@ -30,37 +19,23 @@ public final class Picture {
         mSamples = new float[width * height * CHANNELS];
     }
 
-    static Picture of(BufferedImage image) {
-        Picture picture = new Picture(image.getWidth(), image.getHeight());
-        Raster raster = image.getRaster();
-        if (raster.getNumBands() == 1 && !(image.getColorModel() instanceof IndexColorModel)) {
-            picture.fillGray(raster, image.getColorModel().getComponentSize(0));
-            return picture;
-        }
-        for (int y = 0; y < picture.mHeight; ++y) {
-            for (int x = 0; x < picture.mWidth; ++x) {
-                int rgb = image.getRGB(x, y);
-                picture.set(x, y, rgb >> 16 & 255, rgb >> 8 & 255, rgb & 255);
-            }
+    /** A copy in memory. */
+    static Picture of(PixelRows rows) {
+        Picture picture = new Picture(rows.width(), rows.height());
+        float[] row = new float[rows.width() * CHANNELS];
+        for (int y = 0; y < rows.height(); ++y) {
+            rows.read(y, row);
+            System.arraycopy(row, 0, picture.mSamples, y * row.length, row.length);
         }
         return picture;
     }
 
-    // The platform takes gray for linear, and would brighten it.
-    private void fillGray(Raster raster, int bits) {
-        float scale = WHITE / ((1 << bits) - 1);
-        for (int y = 0; y < mHeight; ++y) {
-            for (int x = 0; x < mWidth; ++x) {
-                float gray = raster.getSample(x, y, 0) * scale;
-                set(x, y, gray, gray, gray);
-            }
-        }
-    }
-
+    @Override
     public int width() {
         return mWidth;
     }
 
+    @Override
     public int height() {
         return mHeight;
     }
@@ -70,20 +45,21 @@ public final class Picture {
         return mSamples[(y * mWidth + x) * CHANNELS + channel];
     }
 
-    void set(int x, int y, float red, float green, float blue) {
-        int at = (y * mWidth + x) * CHANNELS;
-        mSamples[at] = clip(red);
-        mSamples[at + 1] = clip(green);
-        mSamples[at + 2] = clip(blue);
+    @Override
+    public void read(int y, float[] to) {
+        System.arraycopy(mSamples, y * mWidth * CHANNELS, to, 0, mWidth * CHANNELS);
     }
 
-    private static float clip(float value) {
-        return Math.max(0, Math.min(WHITE, value));
+    void set(int x, int y, float red, float green, float blue) {
+        int at = (y * mWidth + x) * CHANNELS;
+        mSamples[at] = PixelRows.clip(red);
+        mSamples[at + 1] = PixelRows.clip(green);
+        mSamples[at + 2] = PixelRows.clip(blue);
     }
 
     /** Brightness by the weights that JPEG uses, 0 to 255. */
     float luma(int x, int y) {
-        return 0.299f * get(x, y, 0) + 0.587f * get(x, y, 1) + 0.114f * get(x, y, 2);
+        return PixelRows.luma(mSamples, (y * mWidth + x) * CHANNELS);
     }
 
     Picture crop(int left, int top, int width, int height) {
@@ -102,36 +78,18 @@ public final class Picture {
                 RenderingHints.KEY_INTERPOLATION, RenderingHints.VALUE_INTERPOLATION_BICUBIC);
         graphics.drawImage(toImage(), 0, 0, width, height, null);
         graphics.dispose();
-        return of(scaled);
-    }
-
-    public BufferedImage toImage() {
-        BufferedImage image = new BufferedImage(mWidth, mHeight, BufferedImage.TYPE_INT_RGB);
-        for (int y = 0; y < mHeight; ++y) {
-            for (int x = 0; x < mWidth; ++x) {
-                image.setRGB(x, y, byteAt(x, y, 0) << 16 | byteAt(x, y, 1) << 8 | byteAt(x, y, 2));
-            }
-        }
-        return image;
-    }
-
-    /** Writes a PNG file. */
-    public void writePng(Path file) throws IOException {
-        ByteArrayOutputStream png = new ByteArrayOutputStream();
-        ImageIO.write(toImage(), "png", png);
-        // Given the file, ImageIO would print a stack when that can't be written.
-        Files.write(file, png.toByteArray());
+        return of(new ImageRows(scaled));
     }
 
     /** A sample rounded to a byte's range. */
     int byteAt(int x, int y, int channel) {
-        return Math.round(get(x, y, channel));
+        return PixelRows.round(get(x, y, channel));
     }
 
     Picture brightened(double gain) {
         Picture result = new Picture(mWidth, mHeight);
         for (int i = 0; i < mSamples.length; ++i) {
-            result.mSamples[i] = clip((float) (mSamples[i] * gain));
+            result.mSamples[i] = PixelRows.clip((float) (mSamples[i] * gain));
         }
         return result;
     }
@@ -140,7 +98,7 @@ public final class Picture {
     Picture withNoise(double deviation, Random random) {
         Picture result = new Picture(mWidth, mHeight);
         for (int i = 0; i < mSamples.length; ++i) {
-            result.mSamples[i] = clip((float) (mSamples[i] + deviation * random.nextGaussian()));
+            result.mSamples[i] = PixelRows.clip((float) (mSamples[i] + deviation * random.nextGaussian()));
         }
         return result;
     }

@@ -8,28 +8,35 @@ import java.util.Base64;
 /** A picture as a page has it: a JPEG file inside the page. */
 public record PictureData(byte[] jpeg, int width, int height) {
     /** No picture takes more bytes than these; a page has several. */
-    private static final int LARGEST = 800_000;
+    public static final int LARGEST = 800_000;
     private static final float[] QUALITIES = {0.9f, 0.8f, 0.7f};
     private static final float SMALL_QUALITY = 0.8f;
 
-    /** Of the picture's own size, or a half, a quarter and so on where that would take too many bytes. */
-    public static PictureData of(BufferedImage image) {
-        BufferedImage scaled = image;
-        while (true) {
+    /** Of the image's own size, or a half, a quarter and so on where that would take more than these bytes. */
+    public static PictureData of(BufferedImage image, int most) {
+        for (BufferedImage scaled = image; ; scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2))) {
             for (float quality : QUALITIES) {
                 byte[] jpeg = JpegEncoder.encode(scaled, quality);
-                if (jpeg.length <= LARGEST) {
+                if (jpeg.length <= most) {
                     return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
                 }
+                // The lowest quality halves the bytes.
+                if (jpeg.length > 2L * most) {
+                    break;
+                }
             }
-            scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2));
         }
     }
 
-    /** The bytes of a file as they are; where they are too many, of the picture that it holds. */
-    public static PictureData of(byte[] file, BufferedImage image) {
-        return file.length <= LARGEST ? new PictureData(file, image.getWidth(), image.getHeight())
-                : of(image);
+    /** The picture as a page shows it, of at most LARGEST bytes. */
+    public static PictureData of(PixelRows picture) {
+        return of(ShownImage.of(picture), LARGEST);
+    }
+
+    /** The bytes of a file as they are; where they are too many, of the image that was made of it. */
+    public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
+        return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
+                : of(shown, LARGEST);
     }
 
     /** A small copy, of at most this width. */

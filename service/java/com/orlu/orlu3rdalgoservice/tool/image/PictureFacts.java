@@ -18,40 +18,56 @@ public final class PictureFacts {
     /** Means of (blue - luma) and (red - luma) in a grid over the picture. */
     private final double[][] mBlue = new double[GRID][GRID];
     private final double[][] mRed = new double[GRID][GRID];
-    private final int mClipped;
+    private BufferedImage mShown;
     private final int mShear;
+    private int mClipped;
 
-    public PictureFacts(BufferedImage image) {
-        mWidth = image.getWidth();
-        mHeight = image.getHeight();
-        float[] luma = new float[mWidth * mHeight];
+    /** Measures a picture in one pass over its rows. */
+    public PictureFacts(PixelRows picture) {
+        mWidth = picture.width();
+        mHeight = picture.height();
+        ShownImage shown = new ShownImage(mWidth, mHeight);
+        Shear shear = new Shear(mWidth, mHeight);
         int[][] counts = new int[GRID][GRID];
-        int[] row = new int[mWidth];
-        int clipped = 0;
+        float[] row = new float[mWidth * PixelRows.CHANNELS];
+        float[] luma = new float[mWidth];
         for (int y = 0; y < mHeight; ++y) {
-            image.getRGB(0, y, mWidth, 1, row, 0, mWidth);
-            int gridY = y * GRID / mHeight;
-            for (int x = 0; x < mWidth; ++x) {
-                int red = row[x] >> 16 & 255;
-                int green = row[x] >> 8 & 255;
-                int blue = row[x] & 255;
-                float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
-                luma[y * mWidth + x] = brightness;
-                ++mHistograms[0][Math.round(brightness)];
-                ++mHistograms[1][red];
-                ++mHistograms[2][green];
-                ++mHistograms[3][blue];
-                clipped += Math.min(red, Math.min(green, blue)) >= WHITE - 1 ? 1 : 0;
-                int gridX = x * GRID / mWidth;
-                mBlue[gridY][gridX] += blue - brightness;
-                mRed[gridY][gridX] += red - brightness;
-                ++counts[gridY][gridX];
-            }
+            picture.read(y, row);
+            addRow(y * GRID / mHeight, row, luma, counts);
+            shown.add(y, row);
+            shear.add(y, luma);
         }
-        mClipped = clipped;
-        mShear = new Shear(luma, mWidth, mHeight).pixels();
+        mShown = shown.image();
+        mShear = shear.pixels();
         divide(mBlue, counts);
         divide(mRed, counts);
+    }
+
+    // Samples count as the bytes that they are shown as.
+    private void addRow(int gridY, float[] row, float[] luma, int[][] counts) {
+        for (int x = 0, at = 0; x < mWidth; ++x, at += PixelRows.CHANNELS) {
+            int red = PixelRows.round(row[at]);
+            int green = PixelRows.round(row[at + 1]);
+            int blue = PixelRows.round(row[at + 2]);
+            float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
+            luma[x] = brightness;
+            ++mHistograms[0][PixelRows.round(brightness)];
+            ++mHistograms[1][red];
+            ++mHistograms[2][green];
+            ++mHistograms[3][blue];
+            mClipped += Math.min(red, Math.min(green, blue)) >= WHITE - 1 ? 1 : 0;
+            int gridX = x * GRID / mWidth;
+            mBlue[gridY][gridX] += blue - brightness;
+            mRed[gridY][gridX] += red - brightness;
+            ++counts[gridY][gridX];
+        }
+    }
+
+    /** The picture as a page shows it; once, so that its memory goes when it was drawn. */
+    public BufferedImage takeShown() {
+        BufferedImage shown = mShown;
+        mShown = null;
+        return shown;
     }
 
     private static void divide(double[][] sums, int[][] counts) {

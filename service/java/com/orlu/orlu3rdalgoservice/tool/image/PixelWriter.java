@@ -20,10 +20,7 @@ final class PixelWriter {
     /** Fills the memory from its start; the picture has the size of the description. */
     static void write(Picture picture, ImagePlan plan, ByteBuffer to) {
         switch (plan.format()) {
-            case NV21 -> writeYuv(picture, plan, to, 1, 0, 2);
-            case NV12 -> writeYuv(picture, plan, to, 0, 1, 2);
-            case YU12 -> writeYuv(picture, plan, to, 0, plan.strideBytes() * plan.height() / 4, 1);
-            case YV12 -> writeYuv(picture, plan, to, plan.strideBytes() * plan.height() / 4, 0, 1);
+            case NV21, NV12, YU12, YV12 -> writeYuv(picture, YuvLayout.of(plan), to);
             case MIPI_RAW10, RAW16, RAW_SENSOR -> Mosaic.of(picture, plan.bits()).copyTo(samples(plan, to));
             case R8G8B8A8 -> writeRgba(picture, plan.strideBytes(), to);
             case JPEG -> throw new IllegalArgumentException("a JPEG is encoded");
@@ -31,26 +28,23 @@ final class PixelWriter {
     }
 
     /** The picture as the bytes of a JPEG file. */
-    static byte[] encodeJpeg(Picture picture) {
+    static byte[] encodeJpeg(PixelRows picture) {
         return JpegEncoder.encode(picture.toImage(), JPEG_QUALITY);
     }
 
-    // Both chroma values stand at their own offset behind the luma; step is the distance to the next pair.
-    private static void writeYuv(
-            Picture picture, ImagePlan plan, ByteBuffer to, int blueOffset, int redOffset, int step) {
-        int stride = plan.strideBytes();
+    private static void writeYuv(Picture picture, YuvLayout layout, ByteBuffer to) {
+        byte[] lumas = new byte[picture.width()];
         for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x) {
-                to.put(y * stride + x, (byte) Math.round(picture.luma(x, y)));
+            for (int x = 0; x < lumas.length; ++x) {
+                lumas[x] = (byte) PixelRows.round(picture.luma(x, y));
             }
+            to.put(y * layout.stride(), lumas);
         }
-        int chroma = stride * picture.height();
-        int chromaStride = stride * step / 2;
         for (int y = 0; y < picture.height() / 2; ++y) {
             for (int x = 0; x < picture.width() / 2; ++x) {
-                int at = chroma + y * chromaStride + x * step;
-                to.put(at + blueOffset, chroma(picture, x, y, -0.168736f, -0.331264f, 0.5f));
-                to.put(at + redOffset, chroma(picture, x, y, 0.5f, -0.418688f, -0.081312f));
+                int at = y * layout.chromaStride() + x * layout.step();
+                to.put(layout.blue() + at, chroma(picture, x, y, -0.168736f, -0.331264f, 0.5f));
+                to.put(layout.red() + at, chroma(picture, x, y, 0.5f, -0.418688f, -0.081312f));
             }
         }
     }
@@ -89,7 +83,7 @@ final class PixelWriter {
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
                 int at = y * stride + 4 * x;
-                for (int channel = 0; channel < Picture.CHANNELS; ++channel) {
+                for (int channel = 0; channel < PixelRows.CHANNELS; ++channel) {
                     to.put(at + channel, (byte) picture.byteAt(x, y, channel));
                 }
                 to.put(at + 3, (byte) 255);

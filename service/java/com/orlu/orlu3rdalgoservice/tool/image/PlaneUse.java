@@ -10,6 +10,7 @@ import java.util.Map;
 public final class PlaneUse {
     private static final int MOST_BANDS = 48;
     private static final int PERCENT = 100;
+    private static final ByteBuffer ZEROS = ByteBuffer.allocateDirect(1 << 16);
 
     private final String mName;
     private final int mOffset;
@@ -60,10 +61,12 @@ public final class PlaneUse {
         }
     }
 
-    private static boolean hasData(ByteBuffer memory, int from, int size) {
+    /** Whether one of so many bytes is not zero. What lies outside the memory is. */
+    static boolean hasData(ByteBuffer memory, int from, int size) {
         int end = (int) Math.min(memory.capacity(), (long) from + size);
-        for (int at = Math.max(0, from); at < end; ++at) {
-            if (memory.get(at) != 0) {
+        for (int at = Math.max(0, from); at < end; at += ZEROS.capacity()) {
+            int count = Math.min(ZEROS.capacity(), end - at);
+            if (memory.get(at) != 0 || memory.slice(at, count).mismatch(ZEROS.slice(0, count)) >= 0) {
                 return true;
             }
         }

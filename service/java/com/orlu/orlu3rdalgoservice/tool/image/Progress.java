@@ -1,47 +1,58 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 /**
- * Shows on standard error how far work is that takes longer than a moment: on a terminal in one line, which
- * is rewritten; elsewhere in a line every ten seconds. The property orlu.terminal says which it is.
+ * Shows on standard error how far long work is, in one line that is rewritten; nothing when that is no
+ * terminal, which the property orlu.terminal says. Any thread may report.
  */
 public final class Progress {
     private static final boolean TERMINAL = Boolean.getBoolean("orlu.terminal");
     private static final long FIRST_NANOSECONDS = 500_000_000L;
-    private static final long PAUSE_NANOSECONDS = TERMINAL ? 50_000_000L : 10_000_000_000L;
+    private static final long PAUSE_NANOSECONDS = 50_000_000L;
+    /** Before that, the first steps tell little of the others. */
+    private static final double LEAST_ESTIMATED_SECONDS = 1;
+    private static final double NANOSECONDS = 1e9;
     private static final String CLEAR_LINE = "\r\033[K";
 
-    private static long sNext = firstLine();
+    private static long sNext = System.nanoTime() + FIRST_NANOSECONDS;
+    private static String sWork = "";
+    private static long sWorkStart;
     private static boolean sShown;
 
     private Progress() {}
 
-    /** Says what is being done now, and how far it is. To be called before each piece of it. */
-    public static void show(String line) {
+    /** Says what is being done now. To be called before each piece of it. */
+    public static synchronized void show(String line) {
         long now = System.nanoTime();
-        if (now < sNext) {
+        if (!TERMINAL || now < sNext) {
             return;
         }
         sNext = now + PAUSE_NANOSECONDS;
-        if (TERMINAL) {
-            System.err.print(CLEAR_LINE + line);
-            System.err.flush();
-            sShown = true;
-        } else {
-            System.err.println(line);
+        System.err.print(CLEAR_LINE + line);
+        System.err.flush();
+        sShown = true;
+    }
+
+    /** Says what is being done, how many steps of it are done, and how long the others may take. */
+    public static synchronized void show(String work, int done, int steps) {
+        long now = System.nanoTime();
+        if (!work.equals(sWork) || done == 0) {
+            sWork = work;
+            sWorkStart = now;
         }
+        double seconds = (now - sWorkStart) / NANOSECONDS;
+        show("%s: %d of %d done%s".formatted(work, done, steps,
+                done == 0 || seconds < LEAST_ESTIMATED_SECONDS ? ""
+                        : ", %.0f s left".formatted(Math.ceil(seconds * (steps - done) / done))));
     }
 
     /** Clears the line on a terminal. To be called when a request ends, before anything else is printed. */
-    public static void end() {
-        sNext = firstLine();
+    public static synchronized void end() {
+        sNext = System.nanoTime() + FIRST_NANOSECONDS;
+        sWork = "";
         if (sShown) {
             System.err.print(CLEAR_LINE);
             System.err.flush();
             sShown = false;
         }
-    }
-
-    private static long firstLine() {
-        return System.nanoTime() + (TERMINAL ? FIRST_NANOSECONDS : PAUSE_NANOSECONDS);
     }
 }

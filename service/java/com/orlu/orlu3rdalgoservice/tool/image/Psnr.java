@@ -6,18 +6,33 @@ public final class Psnr {
     }
 
     /** By luma, over all pixels. NaN when the sizes differ, infinite for equal pictures. */
-    public static double ofLuma(Picture reference, Picture picture) {
+    public static double ofLuma(PixelRows reference, PixelRows picture) {
         if (reference.width() != picture.width() || reference.height() != picture.height()) {
             return Double.NaN;
         }
+        float[] one = new float[picture.width() * PixelRows.CHANNELS];
+        float[] other = new float[one.length];
         double squares = 0;
         for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x) {
-                double difference = (double) reference.luma(x, y) - picture.luma(x, y);
-                squares += difference * difference;
-            }
+            reference.read(y, one);
+            picture.read(y, other);
+            squares = addLuma(squares, one, other);
         }
-        return decibel(squares, (long) picture.width() * picture.height(), Picture.WHITE);
+        return ofLuma(squares, picture);
+    }
+
+    /** Adds the squares of the differences of two rows. */
+    static double addLuma(double squares, float[] one, float[] other) {
+        double sum = squares;
+        for (int at = 0; at < one.length; at += PixelRows.CHANNELS) {
+            double difference = (double) PixelRows.luma(one, at) - PixelRows.luma(other, at);
+            sum += difference * difference;
+        }
+        return sum;
+    }
+
+    static double ofLuma(double squares, PixelRows picture) {
+        return decibel(squares, (long) picture.width() * picture.height(), PixelRows.WHITE);
     }
 
     /** By all samples of two mosaics. NaN when the sizes differ. */

@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import java.util.ArrayList;
+import java.util.List;
+
 /**
  * Finds whether a picture's rows are each moved against the one above by the same number of pixels, as they
  * are when they were written with one stride and read with another. In a picture that is right, neighbouring
@@ -10,33 +13,40 @@ final class Shear {
     /** A slanted edge makes rows fit best a pixel or two beside. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    private static final int ROW_STEP = 2;
-    private static final int COLUMN_STEP = 2;
+    /** More pairs of rows than these, or pixels of a row, make the answer no surer. */
+    private static final int MOST_PAIRS = 384;
+    private static final int MOST_COLUMNS = 512;
     /** How much better than unmoved rows moved ones must fit. */
     private static final double RATIO = 1.25;
     /** Levels; rows that are all alike fit anywhere. */
     private static final double LEAST_DIFFERENCE = 1;
 
-    private final float[] mSmooth;
     private final int mWidth;
-    private final int mHeight;
+    private final int mRowStep;
+    private final int mColumnStep;
+    /** Each of a pair behind the other. */
+    private final List<float[]> mRows = new ArrayList<>();
 
-    Shear(float[] luma, int width, int height) {
+    Shear(int width, int height) {
         mWidth = width;
-        mHeight = height;
-        mSmooth = smoothed(luma, width, height);
+        mRowStep = Math.max(2, height / MOST_PAIRS);
+        mColumnStep = Math.max(2, width / MOST_COLUMNS);
+    }
+
+    /** Takes the next row, which stays the caller's. All are to be given, from the top. */
+    void add(int y, float[] luma) {
+        if (y % mRowStep < 2) {
+            mRows.add(smoothed(luma));
+        }
     }
 
     // Means of a few pixels beside each other: noise would hide what fits.
-    private static float[] smoothed(float[] luma, int width, int height) {
-        float[] smooth = new float[luma.length];
-        for (int y = 0; y < height; ++y) {
-            float sum = 0;
-            for (int x = 0; x < width; ++x) {
-                int at = y * width + x;
-                sum += luma[at] - (x >= SMOOTHED ? luma[at - SMOOTHED] : 0);
-                smooth[at] = sum / Math.min(SMOOTHED, x + 1);
-            }
+    private float[] smoothed(float[] luma) {
+        float[] smooth = new float[mWidth];
+        float sum = 0;
+        for (int x = 0; x < mWidth; ++x) {
+            sum += luma[x] - (x >= SMOOTHED ? luma[x - SMOOTHED] : 0);
+            smooth[x] = sum / Math.min(SMOOTHED, x + 1);
         }
         return smooth;
     }
@@ -61,9 +71,11 @@ final class Shear {
     private double difference(int move, int margin) {
         double sum = 0;
         int count = 0;
-        for (int y = 0; y + 1 < mHeight; y += ROW_STEP) {
-            for (int x = margin + SMOOTHED; x < mWidth - margin; x += COLUMN_STEP) {
-                sum += Math.abs(mSmooth[y * mWidth + x] - mSmooth[(y + 1) * mWidth + x + move]);
+        for (int pair = 0; pair + 1 < mRows.size(); pair += 2) {
+            float[] upper = mRows.get(pair);
+            float[] lower = mRows.get(pair + 1);
+            for (int x = margin + SMOOTHED; x < mWidth - margin; x += mColumnStep) {
+                sum += Math.abs(upper[x] - lower[x + move]);
                 ++count;
             }
         }

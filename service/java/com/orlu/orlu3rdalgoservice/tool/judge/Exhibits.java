@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.judge;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
+import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 
@@ -12,6 +12,8 @@ import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.concurrent.atomic.AtomicInteger;
+import java.util.stream.IntStream;
 
 /** What a page needs of a request's images, taken while their memory is there. */
 public final class Exhibits {
@@ -42,28 +44,38 @@ public final class Exhibits {
     public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
         mNamedBy = baseFrame.namedBy();
-        Picture base = null;
-        for (int i = 0; i < inputs.size(); ++i) {
-            Progress.show("drawing input " + (i + 1) + " of " + inputs.size());
-            int frame = inputs.get(i).plan().frame();
-            ImageExhibit input =
-                    new ImageExhibit("input " + i, frame, inputs.get(i), OutputReader.of(inputs.get(i)));
+        int perInput = Math.min(PictureData.LARGEST, INPUT_BYTES / Math.max(1, inputs.size() - 1));
+        int total = inputs.size() + outputs.size();
+        AtomicInteger done = new AtomicInteger();
+        Progress.show("drawing pictures", 0, total);
+        mInputs.addAll(IntStream.range(0, inputs.size()).parallel().mapToObj(i -> {
+            ImageBuffer image = inputs.get(i);
+            int frame = image.plan().frame();
+            ImageExhibit input = new ImageExhibit("input " + i, frame, image, OutputReader.of(image),
+                    frame == baseFrame.index() ? PictureData.LARGEST : perInput);
             if (input.checksum() != mChecksums.get(i)) {
                 input.markWritten();
             }
-            if (base == null && frame == baseFrame.index() && input.picture() != null) {
-                base = input.picture();
-                mBase = i;
+            if (frame != baseFrame.index()) {
+                input.letPixelsGo();
             }
-            input.letPixelsGo();
-            mInputs.add(input);
-        }
+            Progress.show("drawing pictures", done.incrementAndGet(), total);
+            return input;
+        }).toList());
+        mBase = Math.max(0, IntStream.range(0, inputs.size()).filter(i ->
+                mInputs.get(i).frame() == baseFrame.index() && mInputs.get(i).picture() != null)
+                .findFirst().orElse(-1));
+        PixelRows base = mInputs.isEmpty() || mInputs.get(mBase).frame() != baseFrame.index() ? null
+                : mInputs.get(mBase).picture();
         for (int i = 0; i < outputs.size(); ++i) {
-            ImageExhibit output = new ImageExhibit("output " + i, -1, outputs.get(i), readers.get(i));
+            ImageExhibit output = new ImageExhibit(
+                    "output " + i, -1, outputs.get(i), readers.get(i), PictureData.LARGEST);
             addDifference(i, ImageDifference.of(base, output.picture()));
             output.letPixelsGo();
             mOutputs.add(output);
+            Progress.show("drawing pictures", done.incrementAndGet(), total);
         }
+        mInputs.forEach(ImageExhibit::letPixelsGo);
     }
 
     private void addDifference(int output, ImageDifference difference) {
@@ -77,7 +89,7 @@ public final class Exhibits {
             json.put("psnr", Math.round(10 * difference.psnr()) / 10.0);
         }
         json.put("amplification", ImageDifference.AMPLIFICATION);
-        json.put("picture", PictureData.of(difference.picture().toImage()).uri());
+        json.put("picture", PictureData.of(difference.picture()).uri());
         mDifferences.add(json);
     }
 
@@ -106,24 +118,18 @@ public final class Exhibits {
         json.put("baseNamedBy", mNamedBy);
         json.put("lost", mIsLost);
         List<Object> inputs = new ArrayList<>();
-        int left = INPUT_BYTES;
-        for (int i = 0; i < mInputs.size(); ++i) {
-            ImageExhibit input = mInputs.get(i);
-            boolean isShown = input.large() != null && (i == mBase || input.large().jpeg().length <= left);
-            left -= isShown && i != mBase ? input.large().jpeg().length : 0;
-            inputs.add(json(input, isShown));
-        }
+        mInputs.forEach(input -> inputs.add(json(input)));
         json.put("inputs", inputs);
         List<Object> outputs = new ArrayList<>();
-        mOutputs.forEach(output -> outputs.add(json(output, output.large() != null)));
+        mOutputs.forEach(output -> outputs.add(json(output)));
         json.put("outputs", outputs);
         json.put("differences", mDifferences);
         return json;
     }
 
-    private static Map<String, Object> json(ImageExhibit image, boolean withLarge) {
+    private static Map<String, Object> json(ImageExhibit image) {
         Map<String, Object> json = image.json();
-        if (withLarge) {
+        if (image.large() != null) {
             json.put("large", image.large().uri());
             json.put("largeWidth", image.large().width());
         }

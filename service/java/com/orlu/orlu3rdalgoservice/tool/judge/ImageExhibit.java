@@ -4,9 +4,9 @@ import com.orlu.orlu3rdalgoservice.tool.image.Demosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.MemoryUse;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureFacts;
+import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 
 import java.awt.image.BufferedImage;
 import java.nio.ByteBuffer;
@@ -17,6 +17,8 @@ import java.util.zip.CRC32;
 /** One image of a request after it, as a page shows it. */
 public final class ImageExhibit {
     private static final int SMALL_WIDTH = 240;
+    /** Bytes; with fewer a large picture shows no more than the small one. */
+    private static final int LEAST_LARGE = 30_000;
 
     private final String mName;
     private final int mFrame;
@@ -28,13 +30,13 @@ public final class ImageExhibit {
     private final boolean mIsOfFile;
     private boolean mIsWritten;
     private long mChecksum;
-    private Picture mPicture;
+    private PixelRows mPicture;
     private PictureFacts mFacts;
     private PictureData mLarge;
     private PictureData mSmall;
 
-    /** The name is "input 0" and the like; the frame is -1 for an output. */
-    ImageExhibit(String name, int frame, ImageBuffer image, OutputReader read) {
+    /** The name is "input 0" and the like; the frame is -1 for an output; the large picture has at most so many bytes. */
+    ImageExhibit(String name, int frame, ImageBuffer image, OutputReader read, int most) {
         mName = name;
         mFrame = frame;
         mIsRaw = read.mosaic() != null;
@@ -44,11 +46,13 @@ public final class ImageExhibit {
         mMemory = new MemoryUse(image.descriptor(), image.plan().format(), image.bytes());
         mMemoryJson = mMemory.json(image.descriptor());
         mChecksum = checksum(image);
-        mPicture = mIsRaw ? Demosaic.of(read.mosaic()) : read.picture();
+        mPicture = mIsRaw ? new Demosaic(read.mosaic()) : read.picture();
         if (mPicture != null) {
-            BufferedImage shown = mPicture.toImage();
-            mFacts = new PictureFacts(shown);
-            mLarge = read.jpeg() == null ? PictureData.of(shown) : PictureData.of(read.jpeg(), shown);
+            mFacts = new PictureFacts(mPicture);
+            BufferedImage shown = mFacts.takeShown();
+            mLarge = read.jpeg() != null && most == PictureData.LARGEST
+                    ? PictureData.of(read.jpeg(), mPicture, shown)
+                    : most < LEAST_LARGE ? null : PictureData.of(shown, most);
             mSmall = PictureData.small(shown, SMALL_WIDTH);
         }
     }
@@ -84,7 +88,7 @@ public final class ImageExhibit {
     }
 
     /** The picture's pixels, until they are let go; null when there are none. */
-    Picture picture() {
+    PixelRows picture() {
         return mPicture;
     }
 
@@ -111,7 +115,7 @@ public final class ImageExhibit {
         return mIsWritten;
     }
 
-    /** Null when there is no picture. */
+    /** Null when there is no picture, or only a small one. */
     PictureData large() {
         return mLarge;
     }

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
-import com.orlu.orlu3rdalgoservice.tool.image.Picture;
+import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 
 import java.io.ByteArrayOutputStream;
@@ -63,7 +63,7 @@ public final class OutputImages {
         return writePng(output.picture(), name);
     }
 
-    private String writePng(Picture picture, String name) throws IOException {
+    private String writePng(PixelRows picture, String name) throws IOException {
         Path file = mFolder.resolve(name + ".png");
         picture.writePng(file);
         return file.toString();

@@ -67,7 +67,7 @@ public final class RequestRunner implements AutoCloseable {
         }
         FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
-            Progress.show("filling input " + (mInputs.size() + 1) + " of " + mRequest.inputs().size());
+            Progress.show("filling inputs", mInputs.size(), mRequest.inputs().size());
             mInputs.add(RequestImages.input(plan, frames, size));
             mInputPlans.add(mInputs.get(mInputs.size() - 1).plan());
         }

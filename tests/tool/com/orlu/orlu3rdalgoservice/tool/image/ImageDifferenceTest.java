@@ -52,7 +52,7 @@ public final class ImageDifferenceTest {
         byte[] other = new byte[16];
         other[0] = 5;
         one[5] = 7;
-        Picture picture = ImageDifference.of("R8G8B8A8", 2, 2, 8, one, other).picture();
+        Picture picture = Picture.of(ImageDifference.of("R8G8B8A8", 2, 2, 8, one, other).picture());
         assertEquals("lighter in the other", 128 + 8 * 5, picture.byteAt(0, 0, 0));
         assertEquals("darker in the other", 128 - 8 * 7, picture.byteAt(1, 0, 1));
         assertEquals("equal", 128, picture.byteAt(1, 1, 2));

@@ -48,7 +48,8 @@ public final class PixelsTest {
         return picture;
     }
 
-    private static String text(Picture picture) {
+    private static String text(PixelRows rows) {
+        Picture picture = Picture.of(rows);
         StringBuilder text = new StringBuilder();
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
@@ -100,11 +101,11 @@ public final class PixelsTest {
             {PixelFormat.NV12, 8, "64648080eeeeeeee 64648080eeeeeeee 80709080eeeeeeee"},
         };
         for (Object[] row : rows) {
-            Picture read = PixelReader.readPicture(
+            PixelRows read = PixelReader.picture(
                     plan((PixelFormat) row[0], 4, 2, (int) row[1], 0), hex((String) row[2]));
             assertEquals(row[0] + ", stride " + row[1], wanted + "; " + wanted, text(read));
         }
-        assertEquals("010203 040506; 070809 0a0b0c", text(PixelReader.readPicture(
+        assertEquals("010203 040506; 070809 0a0b0c", text(PixelReader.picture(
                 plan(PixelFormat.R8G8B8A8, 2, 2, 12, 0),
                 hex("010203ff 040506ff eeeeeeee 070809ff 0a0b0cff eeeeeeee"))));
         assertNull("no JPEG", PixelReader.decodeJpeg(new byte[] {1, 2, 3}));
@@ -150,10 +151,10 @@ public final class PixelsTest {
         Mosaic mosaic = Mosaic.of(picture, 10);
         assertArrayEquals("RGGB", new int[] {205, 409, 409, 818}, mosaic.samples());
         assertEquals(1023, mosaic.white());
-        assertEquals("3366cc 3366cc; 3366cc 3366cc", text(Demosaic.of(mosaic)));
+        assertEquals("3366cc 3366cc; 3366cc 3366cc", text(new Demosaic(mosaic)));
         // What a sample lacks is the mean around it; a mosaic of one row has no blue.
         assertEquals("ff1400 aa1400 551400",
-                text(Demosaic.of(new Mosaic(3, 1, 8, new int[] {255, 20, 85}))));
+                text(new Demosaic(new Mosaic(3, 1, 8, new int[] {255, 20, 85}))));
     }
 
     @Test
@@ -208,13 +209,39 @@ public final class PixelsTest {
         BufferedImage grey = new BufferedImage(2, 1, BufferedImage.TYPE_USHORT_GRAY);
         grey.getRaster().setSample(0, 0, 0, 0x8080);
         grey.getRaster().setSample(1, 0, 0, 0xFFFF);
-        assertEquals("gray is no linear light", "808080 ffffff", text(Picture.of(grey)));
+        assertEquals("gray is no linear light", "808080 ffffff", text(new ImageRows(grey)));
         BufferedImage bits = new BufferedImage(2, 1, BufferedImage.TYPE_BYTE_BINARY);
         bits.setRGB(1, 0, 0xFFFFFF);
-        assertEquals("000000 ffffff", text(Picture.of(bits)));
+        assertEquals("000000 ffffff", text(new ImageRows(bits)));
         BufferedImage colors = new BufferedImage(1, 1, BufferedImage.TYPE_3BYTE_BGR);
         colors.setRGB(0, 0, 0x112233);
-        assertEquals("112233", text(Picture.of(colors)));
-        assertEquals(0x112233, Picture.of(colors).toImage().getRGB(0, 0) & 0xFFFFFF);
+        assertEquals("112233", text(new ImageRows(colors)));
+        assertEquals(0x112233, new ImageRows(colors).toImage().getRGB(0, 0) & 0xFFFFFF);
+    }
+
+    @Test
+    public void measuresLargePicturesAndShowsThemSmaller() {
+        // Rows of random dots, each moved by 5 pixels against the one above; wider than a page shows.
+        Random random = new Random(3);
+        float[] dots = new float[4200 + 5 * 901];
+        for (int i = 0; i < dots.length; ++i) {
+            dots[i] = i > 0 && i % 16 != 0 ? dots[i - 1] : random.nextInt(256);
+        }
+        Picture picture = new Picture(4101, 901);
+        for (int y = 0; y < 901; ++y) {
+            for (int x = 0; x < 4101; ++x) {
+                float level = dots[5 * (901 - y) + x];
+                picture.set(x, y, level, level, level);
+            }
+        }
+        PictureFacts facts = new PictureFacts(picture);
+        assertEquals(5, facts.shear());
+        BufferedImage shown = facts.takeShown();
+        assertEquals("a quarter", "1025x225", shown.getWidth() + "x" + shown.getHeight());
+        float mean = 0;
+        for (int i = 0; i < 16; ++i) {
+            mean += picture.get(8 + i % 4, 4 + i / 4, 0) / 16;
+        }
+        assertEquals("mean of 4x4 pixels", Math.round(mean), shown.getRGB(2, 1) >> 16 & 255);
     }
 }

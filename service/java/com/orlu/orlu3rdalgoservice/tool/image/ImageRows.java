@@ -1,0 +1,45 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import java.awt.image.BufferedImage;
+import java.awt.image.IndexColorModel;
+
+/** The pixels of a decoded image file. */
+record ImageRows(BufferedImage image) implements PixelRows {
+    @Override
+    public int width() {
+        return image.getWidth();
+    }
+
+    @Override
+    public int height() {
+        return image.getHeight();
+    }
+
+    @Override
+    public void read(int y, float[] to) {
+        boolean isGray = image.getRaster().getNumBands() == 1
+                && !(image.getColorModel() instanceof IndexColorModel);
+        if (isGray) {
+            readGray(y, to);
+        } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR) {
+            // What a JPEG decodes to; the samples are sRGB already.
+            image.getRaster().getPixels(0, y, width(), 1, to);
+        } else {
+            int[] row = image.getRGB(0, y, width(), 1, null, 0, width());
+            for (int x = 0, at = 0; x < row.length; ++x, at += CHANNELS) {
+                to[at] = row[x] >> 16 & 255;
+                to[at + 1] = row[x] >> 8 & 255;
+                to[at + 2] = row[x] & 255;
+            }
+        }
+    }
+
+    // The platform takes gray for linear, and would brighten it.
+    private void readGray(int y, float[] to) {
+        float scale = WHITE / ((1 << image.getColorModel().getComponentSize(0)) - 1);
+        for (int x = 0, at = 0; x < width(); ++x, at += CHANNELS) {
+            float gray = image.getRaster().getSample(x, y, 0) * scale;
+            to[at] = to[at + 1] = to[at + 2] = PixelRows.clip(gray);
+        }
+    }
+}

@@ -1,0 +1,73 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import java.awt.image.BufferedImage;
+import java.awt.image.DataBufferInt;
+import java.util.Arrays;
+
+/** Makes the image that a page shows: of the picture's size, or smaller by 2, 4 and so on where that is large. */
+final class ShownImage {
+    /** Pixels of the longer side; no screen shows more of it beside another one. */
+    private static final int LARGEST_SIDE = 2048;
+    private static final int CHANNELS = PixelRows.CHANNELS;
+
+    private final int mFactor;
+    private final int mWidth;
+    private final int mHeight;
+    private final BufferedImage mImage;
+    private final int[] mPixels;
+    private final float[] mSums;
+
+    ShownImage(int width, int height) {
+        int factor = 1;
+        while (Math.max(width, height) / factor > LARGEST_SIDE) {
+            factor *= 2;
+        }
+        mFactor = factor;
+        mWidth = Math.max(1, width / factor);
+        mHeight = Math.max(1, height / factor);
+        mImage = new BufferedImage(mWidth, mHeight, BufferedImage.TYPE_INT_RGB);
+        mPixels = ((DataBufferInt) mImage.getRaster().getDataBuffer()).getData();
+        mSums = new float[mWidth * CHANNELS];
+    }
+
+    /** The image of a whole picture. */
+    static BufferedImage of(PixelRows picture) {
+        ShownImage shown = new ShownImage(picture.width(), picture.height());
+        float[] row = new float[picture.width() * CHANNELS];
+        for (int y = 0; y < picture.height(); ++y) {
+            picture.read(y, row);
+            shown.add(y, row);
+        }
+        return shown.image();
+    }
+
+    /** Takes the next row, which stays the caller's. All are to be given, from the top. */
+    void add(int y, float[] row) {
+        int to = y / mFactor;
+        if (to >= mHeight) {
+            return;
+        }
+        if (mFactor == 1) {
+            PixelRows.pack(row, mPixels, to * mWidth, mWidth);
+            return;
+        }
+        for (int x = 0, at = 0; x < mWidth * CHANNELS; x += CHANNELS) {
+            for (int i = 0; i < mFactor; ++i, at += CHANNELS) {
+                mSums[x] += row[at];
+                mSums[x + 1] += row[at + 1];
+                mSums[x + 2] += row[at + 2];
+            }
+        }
+        if (y % mFactor == mFactor - 1) {
+            for (int i = 0; i < mSums.length; ++i) {
+                mSums[i] /= mFactor * mFactor;
+            }
+            PixelRows.pack(mSums, mPixels, to * mWidth, mWidth);
+            Arrays.fill(mSums, 0);
+        }
+    }
+
+    BufferedImage image() {
+        return mImage;
+    }
+}

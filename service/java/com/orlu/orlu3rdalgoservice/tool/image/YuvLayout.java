@@ -1,0 +1,33 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+
+/**
+ * Where the samples of a YUV image lie in its memory, in bytes.
+ *
+ * @param stride       from one row of luma to the next
+ * @param chromaStride from one row of chroma to the next
+ * @param blue         the first blue difference
+ * @param red          the first red difference
+ * @param step         from one chroma sample of a row to the next of the same kind
+ */
+record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
+    static YuvLayout of(ImagePlan plan) {
+        int chroma = plan.planeSizes(0)[0];
+        int chromaStride = plan.strides()[1];
+        int second = chroma + chromaStride * plan.height() / 2;
+        return switch (plan.format()) {
+            case NV21 -> new YuvLayout(plan.strideBytes(), chromaStride, chroma + 1, chroma, 2);
+            case NV12 -> new YuvLayout(plan.strideBytes(), chromaStride, chroma, chroma + 1, 2);
+            case YU12 -> new YuvLayout(plan.strideBytes(), chromaStride, chroma, second, 1);
+            case YV12 -> new YuvLayout(plan.strideBytes(), chromaStride, second, chroma, 1);
+            default -> throw new IllegalArgumentException(plan.format() + " is no YUV format");
+        };
+    }
+
+    /** The end of the last sample of an image of this size. Of odd sizes it can lie past the planes. */
+    long end(int width, int height) {
+        long lastRow = (height - 1) / 2 * (long) chromaStride;
+        return 1 + Math.max(blue, red) + lastRow + (width - 1) / 2 * step;
+    }
+}
