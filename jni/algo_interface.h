@@ -1,7 +1,8 @@
 // The border between this library and the closed algorithm interface library, liborlu.vac.interface.so: the
 // tables of callables that the library fills in, the records that travel through them, and the bytes, names
 // and codes inside those. Field order and, in the 32-bit build, every offset belong to that library; nothing
-// here may be rearranged. docs/algorithm_library.md says what a library must offer and when it is called.
+// here may be rearranged: algo_interface_layout.h asserts it. docs/algorithm_library.md says what a library
+// must offer and when it is called.
 //
 // Every record, and everything that it points to, is the caller's and lives for the call alone, except where
 // a field says otherwise. Sizes are bytes. Integers are in the machine's byte order, which is little-endian.
@@ -20,6 +21,11 @@ namespace orlu {
 // What AlgoCreateClientRecord::interfaceVersion asks for. A library that speaks another version returns no
 // client.
 constexpr int32_t kAlgoTableVersion = 202001;
+
+// The version of this header: MAJOR changes with the layout of a record or table, MINOR with all else that a
+// maker sees.
+#define ORLU_ALGO_INTERFACE_MAJOR 1
+#define ORLU_ALGO_INTERFACE_MINOR 0
 
 // Sections of a parameter block.
 constexpr char kControl[] = "orlu.algo.control";      // control inputs of this request
@@ -169,55 +175,6 @@ struct AlgoCommandRecord {
   std::vector<AlgoMetadataEntry> metadata;
 };
 
-#if UINTPTR_MAX == UINT32_MAX
-static_assert(sizeof(AlgoFrameInfo) == 128);
-static_assert(offsetof(AlgoFrameInfo, format) == 0);
-static_assert(offsetof(AlgoFrameInfo, width) == 4);
-static_assert(offsetof(AlgoFrameInfo, height) == 8);
-static_assert(offsetof(AlgoFrameInfo, size) == 12);
-static_assert(offsetof(AlgoFrameInfo, stride) == 16);
-static_assert(offsetof(AlgoFrameInfo, scanline) == 32);
-static_assert(offsetof(AlgoFrameInfo, reserved) == 48);
-static_assert(offsetof(AlgoFrameInfo, nativeHandle) == 52);
-static_assert(offsetof(AlgoFrameInfo, fdCount) == 56);
-static_assert(offsetof(AlgoFrameInfo, fd) == 60);
-static_assert(offsetof(AlgoFrameInfo, fdSize) == 76);
-static_assert(offsetof(AlgoFrameInfo, planeCount) == 92);
-static_assert(offsetof(AlgoFrameInfo, planeData) == 96);
-static_assert(offsetof(AlgoFrameInfo, planeSize) == 112);
-
-static_assert(sizeof(AlgoMetadataEntry) == 40);
-static_assert(offsetof(AlgoMetadataEntry, block) == 4);
-static_assert(offsetof(AlgoMetadataEntry, reserved) == 8);
-static_assert(offsetof(AlgoMetadataEntry, size) == 36);
-
-static_assert(sizeof(AlgoProcessRecord) == 104);
-static_assert(offsetof(AlgoProcessRecord, nativeReq) == 8);
-static_assert(offsetof(AlgoProcessRecord, algoList) == 16);
-static_assert(offsetof(AlgoProcessRecord, client) == 28);
-static_assert(offsetof(AlgoProcessRecord, callbackCookie) == 32);
-static_assert(offsetof(AlgoProcessRecord, reqId) == 40);
-static_assert(offsetof(AlgoProcessRecord, reserved) == 48);
-static_assert(offsetof(AlgoProcessRecord, metadata) == 68);
-static_assert(offsetof(AlgoProcessRecord, inputFrames) == 80);
-static_assert(offsetof(AlgoProcessRecord, outputFrames) == 92);
-
-static_assert(sizeof(AlgoCommandRecord) == 64);
-static_assert(offsetof(AlgoCommandRecord, client) == 16);
-static_assert(offsetof(AlgoCommandRecord, first) == 24);
-static_assert(offsetof(AlgoCommandRecord, second) == 32);
-static_assert(offsetof(AlgoCommandRecord, data) == 40);
-static_assert(offsetof(AlgoCommandRecord, metadata) == 52);
-
-static_assert(sizeof(AlgoCreateClientRecord) == 16);
-static_assert(sizeof(AlgoInitRecord) == 8);
-static_assert(offsetof(AlgoInitRecord, client) == 4);
-static_assert(sizeof(AlgoUninitRecord) == 12);
-static_assert(offsetof(AlgoUninitRecord, client) == 4);
-static_assert(offsetof(AlgoUninitRecord, mode) == 8);
-static_assert(sizeof(AlgoFlushRecord) == 4);
-#endif
-
 // How the data of a result callback begins. The name follows, not zero-terminated, and then the payload. Data
 // without a name, of an unknown name, or that ends before its name does, is ignored.
 struct CallbackHeader {
@@ -292,23 +249,6 @@ struct AlgoInterfaceCallbacks {
   AlgoMetadataOps metadataOps;
   std::function<int(const AlgoTranslateParamFileRecord&)> translateParamFile;
 };
-
-// The records and tables that hold strings or functions have the sizes of the phone's C++ library; another
-// one's differ (docs/arm.md).
-#if UINTPTR_MAX == UINT32_MAX && defined(_LIBCPP_VERSION)
-static_assert(sizeof(AlgoGetDataRecord) == 24);
-static_assert(offsetof(AlgoGetDataRecord, block) == 12);
-static_assert(sizeof(AlgoTranslateParamFileRecord) == 24);
-static_assert(offsetof(AlgoTranslateParamFileRecord, identifier) == 12);
-static_assert(sizeof(AlgoMetadataVisitor) == 24);
-static_assert(sizeof(AlgoMetadataOps) == 216);
-static_assert(offsetof(AlgoMetadataOps, setValue) == 72);
-static_assert(offsetof(AlgoMetadataOps, paramSystemDownloadToAlgo) == 192);
-static_assert(sizeof(AlgoInterfaceCallbacks) == 464);
-static_assert(offsetof(AlgoInterfaceCallbacks, init) == 8);
-static_assert(offsetof(AlgoInterfaceCallbacks, metadataOps) == 224);
-static_assert(offsetof(AlgoInterfaceCallbacks, translateParamFile) == 440);
-#endif
 
 }  // namespace orlu
 

@@ -1,5 +1,6 @@
 #include "algo_native_client.h"
 
+#include "algo_interface_layout.h"
 #include "algo_native_request_map.h"
 #include "log.h"
 

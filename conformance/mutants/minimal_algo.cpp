@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "algo_interface.h"
+#include "algo_interface_layout.h"
 #include "jni_support.h"
 
 using namespace orlu;
