@@ -5,14 +5,14 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <system_error>
+
+#include "setting.h"
 
 namespace orlu::probe {
 
 bool EventFile::open() {
-  const char* const variable = std::getenv("ORLU_EVENTS");
-  const std::string path = variable == nullptr ? "" : variable;
+  const std::string path = setting("ORLU_EVENTS");
   const std::lock_guard<std::mutex> lock(mMutex);
   if (path == mPath) return false;
   mPath = path;

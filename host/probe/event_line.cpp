@@ -174,28 +174,34 @@ void EventLine::begin(const char* name) {
   ((mText += '"') += name) += "\":";
 }
 
-void EventLine::quote(std::string_view value) {
-  mText += '"';
+std::string quoted(std::string_view value) {
+  std::string text;
+  text += '"';
   while (!value.empty()) {
     const auto plain =
         static_cast<size_t>(std::find_if_not(value.begin(), value.end(), isPlain) - value.begin());
-    mText += value.substr(0, plain);
+    text += value.substr(0, plain);
     value.remove_prefix(plain);
     if (value.empty()) break;
     const auto byte = static_cast<unsigned char>(value[0]);
     const size_t length = characterLength(value);
     if (length == 0) {
-      mText += "\\ufffd";
+      text += "\\ufffd";
     } else if (byte == '"' || byte == '\\') {
-      (mText += '\\') += value[0];
+      (text += '\\') += value[0];
     } else if (byte < 0x20) {
-      ((mText += "\\u00") += kDigits[byte >> 4]) += kDigits[byte & 0xF];
+      ((text += "\\u00") += kDigits[byte >> 4]) += kDigits[byte & 0xF];
     } else {
-      mText += value.substr(0, length);
+      text += value.substr(0, length);
     }
     value.remove_prefix(std::max<size_t>(length, 1));
   }
-  mText += '"';
+  text += '"';
+  return text;
+}
+
+void EventLine::quote(std::string_view value) {
+  mText += quoted(value);
 }
 
 EventLine& EventLine::close(char bracket) {

@@ -8,6 +8,9 @@
 
 namespace orlu::probe {
 
+// The text as JSON has it, in quotes; bytes that are no UTF-8 become U+FFFD.
+std::string quoted(std::string_view value);
+
 class EventLine {
 public:
   // An event that happens now, on this thread.

@@ -14,6 +14,7 @@
 #include "callback_name.h"
 #include "event_line.h"
 #include "pixel_file.h"
+#include "setting.h"
 
 namespace orlu::probe {
 namespace {
@@ -21,11 +22,6 @@ namespace {
 constexpr uint64_t kUsualBytes = uint64_t{1} << 30;
 // Requests that a library never calls back for are not kept open for good.
 constexpr size_t kMostRequests = 16;
-
-std::string variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? "" : value;
-}
 
 std::string crcText(uint32_t crc) {
   char text[9];
@@ -41,8 +37,8 @@ auto ofProcess(uint64_t number) {
 
 void PixelRecorder::open() {
   const std::lock_guard<std::mutex> lock(mMutex);
-  mFolder = variable("ORLU_PIXELS");
-  const std::string bytes = variable("ORLU_PIXELS_BYTES");
+  mFolder = setting("ORLU_PIXELS");
+  const std::string bytes = setting("ORLU_PIXELS_BYTES");
   mMostBytes = bytes.empty() ? kUsualBytes : std::strtoull(bytes.c_str(), nullptr, 10);
   if (!mFolder.empty() && mkdir(mFolder.c_str(), 0755) != 0 && errno != EEXIST) {
     std::fprintf(stderr, "ORLU_PIXELS: %s: %s\n", mFolder.c_str(),

@@ -7,10 +7,14 @@
 #include <cstdlib>
 #include <vector>
 
+#include "setting.h"
+
 namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
+// The maker's library where it made way for the probe: a phone's loader looks into one folder of its name.
+constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
 std::string folderOf(const std::string& file) {
@@ -46,6 +50,9 @@ std::string probeFile() {
 // under that name already: the probe.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
+  const std::string beside = folderOf(own) + "/" + kRealName;
+  struct stat real;
+  if (stat(beside.c_str(), &real) == 0) return beside;
   std::vector<std::string> folders = foldersOf(std::getenv("LD_LIBRARY_PATH"));
   folders.push_back(folderOf(fileOf(caller)));
   folders.push_back(folderOf(own) + "/../lib");
@@ -72,8 +79,8 @@ std::string fileOf(const void* address) {
 }
 
 std::string findRealLibrary(const void* caller) {
-  const char* const named = std::getenv("ORLU_ALGO_LIBRARY");
-  return named != nullptr && *named != '\0' ? named : nextLibrary(caller);
+  const std::string named = setting("ORLU_ALGO_LIBRARY");
+  return named.empty() ? nextLibrary(caller) : named;
 }
 
 RealLibrary openRealLibrary(const std::string& path) {
