@@ -1,6 +1,8 @@
 #include "report.h"
 
-#include <nlohmann/json.hpp>
+#include <cstdio>
+
+#include "event_line.h"
 
 namespace orlu::conform {
 namespace {
@@ -15,6 +17,12 @@ const char* wordOf(Verdict verdict) {
 std::string padded(std::string text, size_t width) {
   if (text.size() < width) text.resize(width, ' ');
   return text;
+}
+
+std::string listOf(const std::vector<std::string>& texts) {
+  std::string list = "[";
+  for (const std::string& text : texts) list += (list.size() == 1 ? "" : ", ") + probe::quoted(text);
+  return list + "]";
 }
 
 }  // namespace
@@ -39,22 +47,23 @@ std::string lineOf(const CheckResult& result) {
 }
 
 std::string jsonOf(const std::vector<CheckResult>& results) {
-  nlohmann::ordered_json report;
-  report["library"] = options().library;
-  report["checks"] = nlohmann::ordered_json::array();
-  for (const CheckResult& result : results) {
-    report["checks"].push_back({
-        {"name",     result.check->name            },
-        {"promise",  result.check->promise         },
-        {"verdict",  wordOf(result.outcome.verdict)},
-        {"seconds",  result.outcome.seconds        },
-        {"evidence", result.outcome.evidence       },
-        {"warnings", result.outcome.warnings       },
-        {"notes",    result.outcome.notes          }
-    });
-  }
   // What a library says of itself need not be UTF-8.
-  return report.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  std::string report = "{\n  \"library\": " + probe::quoted(options().library) + ",\n  \"checks\": [";
+  const char* between = "";
+  for (const CheckResult& result : results) {
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%.6f", result.outcome.seconds);
+    report += between;
+    report += "\n    {\"name\": " + probe::quoted(result.check->name);
+    report += ", \"promise\": " + probe::quoted(result.check->promise);
+    report += ", \"verdict\": " + probe::quoted(wordOf(result.outcome.verdict));
+    report += std::string(", \"seconds\": ") + seconds;
+    report += ", \"evidence\": " + listOf(result.outcome.evidence);
+    report += ", \"warnings\": " + listOf(result.outcome.warnings);
+    report += ", \"notes\": " + listOf(result.outcome.notes) + "}";
+    between = ",";
+  }
+  return report + "\n  ]\n}";
 }
 
 }  // namespace orlu::conform
