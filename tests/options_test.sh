@@ -38,6 +38,10 @@ diff . . --out old|--out: needs a folder, found a file: old
 diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
 import|needs --out FILE; see ./run import --help
 trials|needs REQUEST; see ./run trials --help
+sdk|takes one folder; see ./run sdk --help
+sdk --arm|unknown option --arm; see ./run sdk --help
+sdk b|b: exists and is not an empty folder
+sdk old|old: exists and is not an empty folder
 conform --onyl x|unknown option --onyl; see ./run conform --help
 conform --junit|--junit needs a value; see ./run conform --help
 conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help

@@ -1,9 +1,9 @@
 #!/bin/bash
-# Compares what goes to a phone with the platform's own headers and classes, as far as Debian and npm have them.
+# Compares what goes to a phone with the platform's headers and classes, as far as Debian and npm have them.
 #   tests/platform/check.sh            all parts
 #   tests/platform/check.sh java       these alone
 # sources: jni/, the probe, the kit and the minimal library compile with the platform's headers;
-# agreement: our headers say what the platform's say; failure: a line that the platform does not take is found;
+# agreement: our headers say what the platform's say; failure: what the platform does not take is found;
 # java: our classes, and what jni/ looks up, are the platform's.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -26,7 +26,7 @@ readonly both=(
 )
 readonly types_package=@nativescript/types-android@9.1.1
 
-# read_sources FILE...: with the device's settings; Android's headers, and Debian's C library in place of Android's.
+# read_sources FILE...: with the device's settings, Android's headers, and Debian's C library.
 read_sources() {
   printf '%s\0' "$@" | xargs -0 -P "$(nproc)" -n 4 clang++ \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
@@ -41,7 +41,8 @@ read_sources() {
 check_sources() {
   local sources
   build_preset dev --tests build.ninja
-  mapfile -t sources < <(git ls-files 'jni/*.cpp' 'host/probe/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
+  mapfile -t sources < <(git ls-files \
+    'jni/*.cpp' 'host/probe/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
   read_sources "${sources[@]}" conformance/mutants/minimal_algo.cpp
   echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
 }
@@ -80,7 +81,8 @@ check_failure() {
   local copy=$scratch/failure
   rm -rf "$copy"
   mkdir -p "$copy"
-  sed 's/attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr)/mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(\&env), nullptr)/' \
+  local now='attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr)'
+  sed "s/$now/mJavaVm->AttachCurrentThread(reinterpret_cast<void**>(\&env), nullptr)/" \
     jni/algo_native_callback.cpp >"$copy/algo_native_callback.cpp"
   must_fail "cannot initialize a parameter of type 'JNIEnv **'" read_sources "$copy/algo_native_callback.cpp"
   check_agreement >/dev/null
@@ -112,8 +114,8 @@ check_java() {
   rm -rf "$scratch/classes"
   mkdir -p "$scratch/classes"
   "$JAVA_HOME/bin/javac" --release 17 -d "$scratch/classes" "${sources[@]}"
-  tests/platform/java_api.py --level "$api_level" --javap "$JAVA_HOME/bin/javap" --classes "$scratch/classes" \
-    --exceptions tests/platform/java_api_exceptions.txt \
+  tests/platform/java_api.py --level "$api_level" --javap "$JAVA_HOME/bin/javap" \
+    --classes "$scratch/classes" --exceptions tests/platform/java_api_exceptions.txt \
     "$scratch"/types/package/lib/android/android-platform-*-merged.d.ts jni
 }
 

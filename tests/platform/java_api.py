@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Compares our stand-ins for the platform's Java classes, and what jni/ looks up, with a listing of the platform.
+"""Compares our stand-ins for Java classes, and what jni/ looks up, with a listing of the platform.
 
 java_api.py [--level N] [--javap JAVAP] [--classes DIR] [--exceptions FILE] LISTING JNI_FOLDER
 
-LISTING declares every public class of the platform in TypeScript, each member with "@since LEVEL" when it came
-after the oldest level. A member is found when the platform has it, or inherits it, with the same arguments at
-LEVEL. FILE names what the platform does not list and why: "NAME  reason" in each line, NAME as it is reported.
+LISTING declares every public class of the platform in TypeScript, each member with "@since LEVEL" when it
+came after the oldest level. A member is found when the platform has it, or inherits it, with the same
+arguments at LEVEL. FILE names what the platform does not list and why: "NAME  reason" in each line, NAME as it is reported.
 """
 
 import argparse
@@ -16,8 +16,8 @@ import subprocess
 import sys
 
 NUMBERS = {"byte", "short", "int", "long", "float", "double"}
-DESCRIPTORS = {"B": "byte", "S": "short", "I": "int", "J": "long", "F": "float", "D": "double", "Z": "boolean",
-               "C": "char", "V": "void"}
+DESCRIPTORS = {"B": "byte", "S": "short", "I": "int", "J": "long", "F": "float", "D": "double",
+               "Z": "boolean", "C": "char", "V": "void"}
 
 # Arguments are None for a field.
 Member = collections.namedtuple("Member", "name arguments result static since")
@@ -94,7 +94,7 @@ def read_listing(path):
                 scope.append(space.group(1))
             elif clazz:
                 name = ".".join([part for part in scope if part] + [clazz.group(1)])
-                parents = [bare(parent) for group in (clazz.group(3), clazz.group(4)) for parent in split_top(group or "")]
+                parents = [bare(parent) for group in (3, 4) for parent in split_top(clazz.group(group) or "")]
                 current = classes.setdefault(name, Class(name, parents, since))
                 scope.append(clazz.group(1))
             elif line == "}":
@@ -108,7 +108,8 @@ def read_listing(path):
                 if current:
                     arguments = None
                     if entry.group(3) is not None:
-                        arguments = [listed_type(a.partition(":")[2] or "any") for a in split_top(entry.group(3)[1:-1])]
+                        arguments = [listed_type(argument.partition(":")[2] or "any")
+                                     for argument in split_top(entry.group(3)[1:-1])]
                     current.members.append(Member(entry.group(2), arguments,
                                                   listed_type(entry.group(4) or entry.group(5) or "void"),
                                                   bool(entry.group(1)), since))
@@ -130,7 +131,8 @@ class Platform:
             return f"since level {clazz.since}, after {self.level}"
         if member is None:
             return None
-        candidates = [m for m in self.inherited(name, member.name) if (m.arguments is None) == (member.arguments is None)]
+        candidates = [m for m in self.inherited(name, member.name)
+                      if (m.arguments is None) == (member.arguments is None)]
         if not candidates:
             return "the platform lists no such member"
         fitting = [m for m in candidates if self.fits(member, m)]
@@ -158,7 +160,8 @@ class Platform:
                 len(ours.arguments) != len(listed.arguments) or
                 not all(map(same_type, ours.arguments, listed.arguments))):
             return False
-        return ours.static == listed.static and (ours.name == "constructor" or same_type(ours.result, listed.result))
+        return ours.static == listed.static and (
+            ours.name == "constructor" or same_type(ours.result, listed.result))
 
 
 def read_javap(text):
@@ -176,7 +179,9 @@ def read_javap(text):
             # A method's own type parameters stand before its result.
             result = re.sub(r"\b(static|final|abstract|native|synchronized|default)\b", "", modifiers)
             result = re.sub(r"^\s*<.*?> (?=\S)", "", result).strip()
-            types = None if arguments is None else [type_of(a) for a in split_top(arguments[1:-1].replace("...", "[]"))]
+            types = None
+            if arguments is not None:
+                types = [type_of(a) for a in split_top(arguments[1:-1].replace("...", "[]"))]
             name = "constructor" if name == clazz else name
             yield clazz, Member(name, types, type_of(result), static, 0)
 
@@ -189,9 +194,13 @@ def read_descriptor(text):
     return types
 
 
+def field_of(name, signature):
+    return Member(name, None, type_of(read_descriptor(signature)[0]), False, 0)
+
+
 def read_lookups(folder):
     """(file:line, class, member or None) of what jni/ looks up in the platform."""
-    row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID|GetMethodID)\((?:\w+,\s*)?"([^"]+)"'
+    row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)\((?:\w+,\s*)?"([^"]+)"'
                      r'(?:,\s*"([^"]+)")?', re.DOTALL)
     for path in sorted(pathlib.Path(folder).glob("*.cpp")):
         text, clazz = path.read_text(encoding="utf-8"), None
@@ -206,14 +215,15 @@ def read_lookups(folder):
                     continue
                 yield place, clazz, None
             elif kind.startswith("GetField"):
-                yield place, "android.hardware.camera2.CaptureResult", Member(name, None, type_of(read_descriptor(signature)[0]), False, 0)
+                # The one member that is looked up where it is used, not in a table.
+                yield place, "android.hardware.camera2.CaptureResult", field_of(name, signature)
             elif signature.startswith("("):
                 inside, result = signature[1:].split(")")
                 arguments = [type_of(java) for java in read_descriptor(inside)]
                 yield place, clazz, Member("constructor" if name == "<init>" else name, arguments,
                                            type_of(read_descriptor(result)[0]), kind == "STATIC_METHOD", 0)
             else:
-                yield place, clazz, Member(name, None, type_of(read_descriptor(signature)[0]), False, 0)
+                yield place, clazz, field_of(name, signature)
 
 
 def shown(clazz, member):
@@ -224,7 +234,8 @@ def shown(clazz, member):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--level", type=int, default=30)
     parser.add_argument("--javap", default="javap")
     parser.add_argument("--classes")
@@ -245,10 +256,11 @@ def main():
     lookups = len(asked)
     if options.classes:
         files = sorted(str(path) for path in pathlib.Path(options.classes).rglob("*.class"))
-        text = subprocess.run([options.javap, "-public", *files], check=True, stdout=subprocess.PIPE, text=True).stdout
+        text = subprocess.run([options.javap, "-public", *files], check=True, stdout=subprocess.PIPE,
+                              text=True).stdout
         asked += [("host/java", clazz, member) for clazz, member in read_javap(text)]
     if not lookups or (options.classes and lookups == len(asked)):
-        sys.exit(f"java_api.py: nothing was read: {lookups} lookups, {len(asked) - lookups} of our members")
+        sys.exit(f"java_api.py: nothing read: {lookups} lookups, {len(asked) - lookups} of our members")
 
     failures, excepted = 0, set()
     for place, clazz, member in asked:
@@ -262,7 +274,8 @@ def main():
             print(f"{place}: error: {name}: {problem}", file=sys.stderr)
     for name in sorted(set(reasons) - excepted):
         failures += 1
-        print(f"{options.exceptions}: error: {name}: the platform lists it, or nothing asks for it", file=sys.stderr)
+        print(f"{options.exceptions}: error: {name}: the platform lists it, or nothing asks for it",
+              file=sys.stderr)
     if failures:
         sys.exit(1)
     print(f"{lookups} lookups of jni/ and {len(asked) - lookups} of our classes and members are the platform's, "

@@ -43,6 +43,8 @@ final class Commands {
             new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
                     "--only= --list --json --junit= --contract --hostile= --long --seed= --patience= "
                     + "--limit= --arm")),
+            new Row("sdk", "write a folder for makers of algorithm libraries",
+                    () -> new LaunchedCommand("")),
             new Row("tags", "list tags: type, unit, meaning, who reads them",
                     () -> new CatalogueCommand("tags", "TAG", "orlu.control.currentModeEx")),
             new Row("algorithms", "list algorithms: what adds and removes them",

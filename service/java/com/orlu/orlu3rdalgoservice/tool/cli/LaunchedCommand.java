@@ -12,13 +12,19 @@ import picocli.CommandLine.Model.OptionSpec;
 final class LaunchedCommand implements Subcommand {
     private final String mOptions;
 
-    /** Takes the program's options, those with a value ending in "="; a test compares them with its help. */
+    /**
+     * Takes the program's options but for --help, those with a value ending in "="; a test compares the kit's
+     * with its help.
+     */
     LaunchedCommand(String options) {
         mOptions = options;
     }
 
     @Override
     public void describe(CommandSpec spec) {
+        if (mOptions.isEmpty()) {
+            return;
+        }
         for (String option : mOptions.split(" ")) {
             OptionSpec.Builder builder = OptionSpec.builder(option.replace("=", ""));
             spec.addOption((option.endsWith("=") ? builder.type(String.class) : builder).build());

@@ -1,0 +1,36 @@
+#!/bin/bash
+# Makes the folder that a maker of algorithm libraries takes home: ./run sdk DIR
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+source "$root/scripts/lib.sh"
+source "$root/scripts/arm_root.sh"
+
+readonly usage="usage: ./run sdk DIR
+
+Makes the folder DIR for makers of algorithm libraries: the header, the kit for x86-64
+and 32-bit ARM, the least library that works, and the docs. DIR must be empty or missing."
+
+# refuse TEXT: as the other subcommands refuse a command line.
+refuse() {
+  echo "run: $1" >&2
+  exit 2
+}
+
+if [ "${1:-}" = --help ]; then
+  echo "$usage"
+  exit
+fi
+case ${1:-} in -*) refuse "unknown option $1; see ./run sdk --help" ;; esac
+if [ $# -ne 1 ] || [ -z "$1" ]; then refuse "takes one folder; see ./run sdk --help"; fi
+if [ -e "$1" ] && { [ ! -d "$1" ] || [ -n "$(ls -A "$1")" ]; }; then
+  refuse "$1: exists and is not an empty folder"
+fi
+
+install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
+prepare_arm
+mkdir -p "$1"
+for preset in dev arm arm-clang; do
+  build_preset "$preset" --tests conform_kit
+  cmake --install "$root/build/$preset" --strip --component sdk --prefix "$(realpath "$1")" >/dev/null
+done
+echo "Wrote $1; start with $1/README.md"

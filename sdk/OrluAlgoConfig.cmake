@@ -1,0 +1,12 @@
+# The interface that an algorithm library implements: target OrluAlgo::OrluAlgo, and the kit that checks it in
+# OrluAlgo_KIT_DIR, one program for each machine and C++ library.
+get_filename_component(OrluAlgo_PREFIX "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
+set(OrluAlgo_KIT_DIR "${OrluAlgo_PREFIX}/kit")
+if(NOT TARGET OrluAlgo::OrluAlgo)
+  find_package(Threads REQUIRED)
+  add_library(OrluAlgo::OrluAlgo INTERFACE IMPORTED)
+  set_target_properties(OrluAlgo::OrluAlgo PROPERTIES
+    INTERFACE_INCLUDE_DIRECTORIES "${OrluAlgo_PREFIX}/include"
+    INTERFACE_COMPILE_FEATURES cxx_std_17
+    INTERFACE_LINK_LIBRARIES Threads::Threads)
+endif()

@@ -1,0 +1,78 @@
+#!/bin/bash
+# Takes the folder of ./run sdk elsewhere and moves the builds away: the minimal library is built and checked
+# there with nothing of this tree, on this machine and, with clang and libc++, on ARM; each is broken once.
+#   sdk_test.sh
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+source "$root/scripts/lib.sh"
+source "$root/scripts/arm_root.sh"
+
+work=$(mktemp -d)
+restore() {
+  [ ! -e "$root/build.away" ] || mv "$root/build.away" "$root/build"
+  rm -rf "$work"
+}
+trap restore EXIT
+"$root/scripts/sdk.sh" "$work/made"
+prepare_arm
+mv "$root/build" "$root/build.away"
+mv "$work/made" "$work/taken home"
+cd "$work/taken home"
+if grep -rlF "$root" .; then die "the files above name this tree"; fi
+JAVA_HOME=$(debian_java_home "")
+export JAVA_HOME
+# Nothing but what a maker has.
+unset LD_LIBRARY_PATH ORLU_BUILD
+
+# checks COMMAND...: the kit, as quick as it can be.
+checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
+
+# fails TEXT COMMAND...: a fault that was put in is found, by a line with this text.
+fails() {
+  local text=$1
+  shift
+  if "$@" >"$work/report" 2>&1; then die "the kit passes a library without: $text"; fi
+  grep -qE -- "$text" "$work/report" || { cat "$work/report"; die "not found: $text"; }
+}
+
+echo "== This machine, by find_package"
+cmake -S example -B "$work/host" -DCMAKE_PREFIX_PATH="$PWD" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror" \
+  >"$work/log"
+cmake --build "$work/host" >>"$work/log" || { cat "$work/log"; exit 1; }
+library=$work/host/liborlu.vac.interface.so
+checks kit/x86_64/conform "$library" || { cat "$work/report"; exit 1; }
+tail -1 "$work/report"
+grep -q '^passed *java' "$work/report" || { cat "$work/report"; die "the check with a Java VM did not run"; }
+sed 's/OrluAlgo 1.0/OrluAlgo 2.0/' -i example/CMakeLists.txt
+fails 'requested version "2.0"' cmake -S example -B "$work/newer" -DCMAKE_PREFIX_PATH="$PWD"
+sed 's/OrluAlgo 2.0/OrluAlgo 1.0/' -i example/CMakeLists.txt
+
+echo "== 32-bit ARM, by pkg-config, with clang and libc++"
+arm_library=$work/arm/liborlu.vac.interface.so
+mkdir "$work/arm"
+mapfile -t flags < <(PKG_CONFIG_PATH=$PWD/lib/pkgconfig pkg-config --cflags orlu-algo | xargs -n 1)
+jni=(-isystem "$JAVA_HOME/include" -isystem "$JAVA_HOME/include/linux")
+# build_for_arm SOURCE FLAG...
+build_for_arm() {
+  clang++ --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" --gcc-toolchain=/usr \
+    -march=armv7-a+fp -mthumb -stdlib=libc++ -fuse-ld=lld -fPIC -shared \
+    "${jni[@]}" "${flags[@]}" "$@" -o "$arm_library"
+}
+arm_kit() { qemu-arm-static -L "$ORLU_ARM_ROOT" kit/armv7-libcxx/conform "$@"; }
+build_for_arm example/minimal_algo.cpp
+checks arm_kit "$arm_library" || { cat "$work/report"; exit 1; }
+tail -1 "$work/report"
+
+echo "== Broken"
+sed -i 's/^    callBack(cookie, nativeReq);/    if (nativeReq == 0) callBack(cookie, nativeReq);/' example/minimal_algo.cpp
+cmake --build "$work/host" >"$work/log"
+fails '^failed *callbacks' kit/x86_64/conform --only callbacks --patience 1 "$library"
+build_for_arm example/minimal_algo.cpp
+fails '^failed *callbacks' arm_kit --only callbacks --patience 1 "$arm_library"
+# A record that was changed is found by the compiler.
+sed -i 's/^  int32_t width = 0;/  int64_t width = 0;/' include/algo_interface.h
+fails 'static.assert' cmake --build "$work/host"
+fails 'static.assert' build_for_arm example/minimal_algo.cpp
+# The phone's layout is demanded of a build for the phone.
+fails '32-bit' g++ -D__ANDROID__ -fsyntax-only "${jni[@]}" "${flags[@]}" example/minimal_algo.cpp
+echo "the folder works without this tree"
