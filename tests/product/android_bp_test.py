@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
 """Reads Android.bp, which can't be built here, and compares it with what CMake builds.
 
-android_bp_test.py ANDROID_BP SOURCE... (relative to the file's folder)
-android_bp_test.py --read ANDROID_BP    prints what it reads, as read_android_bp.go does with the platform's parser
+android_bp_test.py ANDROID_BP GENERATED MODULE=SOURCE;SOURCE... (relative to the file's folder)
+GENERATED is the folder of the tables that CMake makes for the kit.
+android_bp_test.py --read ANDROID_BP    prints what it reads, as read_android_bp.go does
 """
 
+import glob
 import json
 import os
 import re
+import shlex
+import subprocess
 import sys
+import tempfile
 import unittest
 
 DEVICE_LIBRARIES = {
@@ -25,43 +30,72 @@ def without_repetition(pairs):
     return dict(pairs)
 
 
-def read_module(text):
-    """The one module as its kind and its properties: JSON but for comments, bare names and last commas."""
-    text = re.sub(r"//[^\n]*", "", text)
-    text = re.sub(r",(\s*[}\]])", r"\1", text)
-    text = re.sub(r"^(\s*)(\w+):", r'\1"\2":', text, flags=re.MULTILINE)
-    kind, properties = text.split(None, 1)
-    return kind, json.loads(properties, object_pairs_hook=without_repetition)
+def read_modules(text):
+    """The modules as their kinds and properties: JSON but for comments, bare names and last commas."""
+    text = re.sub(r"^\s*//[^\n]*", "", text, flags=re.MULTILINE)
+    text = re.sub(r",(\s*\n\s*[}\]])", r"\1", text)
+    text = re.sub(r"^(\s+)(\w+):", r'\1"\2":', text, flags=re.MULTILINE)
+    return [{"kind": kind, **json.loads(properties, object_pairs_hook=without_repetition)}
+            for kind, properties in re.findall(r"^(\w+) (\{.*?^\})", text, flags=re.MULTILINE | re.DOTALL)]
 
 
 class AndroidBpTest(unittest.TestCase):
     path = ""
-    sources = []
+    generated = ""
+    sources = {}
 
     def setUp(self):
         with open(self.path, encoding="utf-8") as file:
-            self.kind, self.module = read_module(file.read())
+            self.modules = {module["name"]: module for module in read_modules(file.read())}
+        self.module = self.modules["liborlu.vas.native.interface"]
 
     def test_is_the_32_bit_library(self):
-        self.assertEqual("cc_library_shared", self.kind)
-        self.assertEqual("liborlu.vas.native.interface", self.module["name"])
+        self.assertEqual("cc_library_shared", self.module["kind"])
         self.assertEqual("32", self.module["compile_multilib"])
         self.assertEqual("c++17", self.module["cpp_std"])
 
     def test_builds_the_sources_that_cmake_builds(self):
-        self.assertEqual(sorted(self.sources), sorted(self.module["srcs"]))
-        for source in self.module["srcs"]:
-            self.assertTrue(os.path.isfile(os.path.join(os.path.dirname(self.path), source)), source)
+        for name, sources in self.sources.items():
+            self.assertEqual(sorted(sources), sorted(self.modules[name]["srcs"]), name)
+
+    def test_all_sources_are_there(self):
+        for name, module in self.modules.items():
+            for source in module.get("srcs", []):
+                files = glob.glob(os.path.join(os.path.dirname(self.path), source))
+                self.assertTrue(files, f"{name}: {source}")
 
     def test_names_the_devices_libraries(self):
         self.assertEqual(sorted(DEVICE_LIBRARIES), sorted(self.module["shared_libs"]))
+
+    def test_names_modules_that_are_there(self):
+        for name, module in self.modules.items():
+            lists = [module.get(key, []) for key in ("defaults", "static_libs", "generated_headers")]
+            for used in sum(lists, []):
+                self.assertTrue(used == "libgtest" or used in self.modules, f"{name}: {used}")
+
+    def test_makes_the_tables_that_cmake_makes(self):
+        rules = [module for module in self.modules.values() if module["kind"] == "genrule"]
+        self.assertEqual(2, len(rules))
+        folder = os.path.dirname(self.path)
+        for rule in rules:
+            with tempfile.TemporaryDirectory() as work:
+                made = os.path.join(work, rule["out"][0])
+                files = [file for pattern in rule["srcs"]
+                         for file in sorted(glob.glob(os.path.join(folder, pattern)))]
+                command = rule["cmd"].replace("$(in)", " ".join(map(shlex.quote, files)))
+                command = command.replace("$(out)", shlex.quote(made)).replace("$$", "$")
+                subprocess.run(["bash", "-euc", command], check=True)
+                with open(made, encoding="utf-8") as ours, \
+                        open(os.path.join(self.generated, rule["out"][0]), encoding="utf-8") as cmakes:
+                    self.assertEqual(sorted(cmakes), sorted(ours), rule["name"])
 
 
 if __name__ == "__main__":
     if sys.argv[1] == "--read":
         with open(sys.argv[2], encoding="utf-8") as bp:
-            module_kind, properties = read_module(bp.read())
-        print(json.dumps({"kind": module_kind, **properties}, indent=1, sort_keys=True, ensure_ascii=False))
+            modules = read_modules(bp.read())
+        print(json.dumps(modules, indent=1, sort_keys=True, ensure_ascii=False))
         sys.exit()
-    AndroidBpTest.path, *AndroidBpTest.sources = sys.argv[1:]
+    AndroidBpTest.path, AndroidBpTest.generated, *lists = sys.argv[1:]
+    AndroidBpTest.sources = {name: files.split(";") for name, files in (text.split("=", 1) for text in lists)}
     unittest.main(argv=sys.argv[:1])

@@ -17,9 +17,10 @@ END
 
 export ANDROID_NDK_HOME=$work/ndk
 (cd "$project" && cmake --preset android -B "$work/build") >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
-commands=$(ninja -C "$work/build" -n -v orlu_vas_native_interface)
+commands=$(ninja -C "$work/build" -n -v orlu_vas_native_interface orlu_probe)
+grep -q -- '-o probe/liborlu.vac.interface.so' <<<"$commands"
 grep -q -- '-o lib/liborlu.vas.native.interface.so' <<<"$commands"
-if grep -E '\.jar|turbojpeg|gtest|liborlu\.vac\.interface' <<<"$commands"; then
+if grep -E '\.jar|turbojpeg|gtest|-o lib/liborlu\.vac\.interface' <<<"$commands"; then
   echo "FAILED: builds what the NDK has not"
   exit 1
 fi

@@ -1,5 +1,5 @@
-// Reads Android.bp with the platform's own parser and prints its one module as JSON: the kind under "kind", and
-// every property under its name.
+// Reads Android.bp with the platform's own parser and prints its modules as JSON: the kind under "kind", and every
+// property under its name.
 //
 //	go run read_android_bp.go ANDROID_BP
 package main
@@ -44,24 +44,25 @@ func main() {
 	if len(errs) > 0 {
 		fail(errs[0])
 	}
-	if len(tree.Defs) != 1 {
-		fail(fmt.Sprintf("%s: %d definitions instead of one module", os.Args[1], len(tree.Defs)))
-	}
-	module, isModule := tree.Defs[0].(*parser.Module)
-	if !isModule {
-		fail(fmt.Sprintf("%s: no module", os.Args[1]))
-	}
-	properties := map[string]interface{}{"kind": module.Type}
-	for _, property := range module.Properties {
-		if _, twice := properties[property.Name]; twice {
-			fail(fmt.Sprintf("%s: property %s a second time", property.NamePos, property.Name))
+	modules := []interface{}{}
+	for _, definition := range tree.Defs {
+		module, isModule := definition.(*parser.Module)
+		if !isModule {
+			fail(fmt.Sprintf("%s: not a module", definition.Pos()))
 		}
-		properties[property.Name] = valueOf(property.Value)
+		properties := map[string]interface{}{"kind": module.Type}
+		for _, property := range module.Properties {
+			if _, twice := properties[property.Name]; twice {
+				fail(fmt.Sprintf("%s: property %s a second time", property.NamePos, property.Name))
+			}
+			properties[property.Name] = valueOf(property.Value)
+		}
+		modules = append(modules, properties)
 	}
 	encoder := json.NewEncoder(os.Stdout)
 	encoder.SetEscapeHTML(false)
 	encoder.SetIndent("", " ")
-	if err := encoder.Encode(properties); err != nil {
+	if err := encoder.Encode(modules); err != nil {
 		fail(err)
 	}
 }

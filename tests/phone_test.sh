@@ -1,0 +1,69 @@
+#!/bin/bash
+# scripts/phone.sh over a stand-in for adb, which writes down how it is called and has a shell of this machine.
+#   phone_test.sh PROJECT
+set -euo pipefail
+phone=$1/scripts/phone.sh
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/bin" "$work/properties"
+cat >"$work/bin/adb" <<'END'
+#!/bin/bash
+printf '%s|' "$@" >>"$WORK/calls"; echo >>"$WORK/calls"
+setprop() { [ -e "$WORK/unrooted" ] || printf %s "$2" >"$WORK/properties/$1"; }
+getprop() { [ ! -e "$WORK/properties/$1" ] || printf '%s\r\n' "$(cat "$WORK/properties/$1")"; }
+case $1 in
+  devices) printf 'List of devices attached\n%b\n' "$PHONES" ;;
+  shell) eval "$2" ;;
+  push) cp "$2" "$3" ;;
+  pull) cp -r "$2" "$3" ;;
+esac
+END
+chmod +x "$work/bin/adb"
+export WORK=$work PHONES='a1\tdevice' PATH=$work/bin:$PATH ORLU_PHONE_FOLDER="$work/on phone"
+unset ANDROID_SERIAL
+
+# expect STATUS TEXT ARGUMENT...: phone.sh ends so and prints the text.
+expect() {
+  local status=0 said
+  said=$("$phone" "${@:3}" 2>&1) || status=$?
+  if [ "$status" -ne "$1" ] || [[ $said != *"$2"* ]]; then
+    printf 'FAILED: phone.sh %s: status %s instead of %s, or no "%s" in:\n%s\n' "${*:3}" "$status" "$1" "$2" "$said"
+    exit 1
+  fi
+}
+# same TEXT FILE
+same() { [ "$(cat "$2")" = "$1" ] || { echo "FAILED: $2 has $(cat "$2") instead of $1"; exit 1; }; }
+
+printf '#!/bin/bash\nprintf "<%%s>" "$@"\nexit 1\n' >"$work/kit"
+echo library >"$work/library.so"
+expect 1 "<$work/on phone/liborlu.vac.interface.so><--only><a b>" conform "$work/kit" "$work/library.so" --only "a b"
+same library "$work/on phone/liborlu.vac.interface.so"
+expect 2 "nothing.so: no such file" conform "$work/kit" nothing.so
+expect 0 "" record on "/data/of it"
+same "/data/of it" "$work/properties/persist.vendor.orlu.record"
+expect 0 "persist.vendor.orlu.record: /data/of it" status
+expect 0 "" events on /data/events
+same /data/events "$work/properties/persist.vendor.orlu.events"
+expect 0 "" record off
+same "" "$work/properties/persist.vendor.orlu.record"
+mkdir -p "$work/shots/000001"
+echo "{}" >"$work/shots/000001/request.json"
+expect 0 "" pull "$work/shots" "$work/here"
+same "{}" "$work/here/shots/000001/request.json"
+touch "$work/unrooted"
+expect 2 "did not take persist.vendor.orlu.record: adb root" record on /data/x
+rm "$work/unrooted"
+
+for wrong in "record on" "record maybe" "record on x" "pull /x" "status now" "conform kit" "rekord on /x"; do
+  # shellcheck disable=SC2086
+  expect 2 "phone.sh: " $wrong
+done
+expect 2 "longer than a property takes" record on "/$(printf 'x%.0s' {1..91})"
+: >"$work/calls"
+PHONES='' expect 2 "no phone is ready: connect one" status
+PHONES='a1\tunauthorized' expect 2 "there is a1 (unauthorized)" status
+PHONES='a1\tdevice\nb2\tdevice' expect 2 "set ANDROID_SERIAL to one of a1 b2" record on /data/x
+ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3; ready are: a1" status
+same "devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
+PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL=b2 expect 0 "" status
+expect 0 "No phone was at hand" --help
