@@ -27,11 +27,8 @@ final class EventCopy {
 
     /** The events from here on; null without a probe. */
     static EventCopy begin() {
-        String path = System.getenv(EVENTS_VARIABLE);
-        if (path == null || path.isEmpty()) {
-            return null;
-        }
-        return new EventCopy(new File(path));
+        String path = Setting.ofProbe(EVENTS_VARIABLE);
+        return path.isEmpty() ? null : new EventCopy(new File(path));
     }
 
     /** The first byte of the events, for whoever copies them after the process ended. */
@@ -56,8 +53,8 @@ final class EventCopy {
         text.object("events").add("size", bytes.length);
         to.writeBytes(RecordFolder.EVENTS, ByteBuffer.wrap(bytes), text);
         text.end();
-        String folder = System.getenv(PIXELS_VARIABLE);
-        if (folder != null && !folder.isEmpty()) {
+        String folder = Setting.ofProbe(PIXELS_VARIABLE);
+        if (!folder.isEmpty()) {
             text.list("leftOut");
             movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to, text);
             text.end();

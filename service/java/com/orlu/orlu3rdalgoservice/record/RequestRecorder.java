@@ -56,9 +56,12 @@ public final class RequestRecorder {
 
     /** The recorder that the properties ask for; null when they don't, and then nothing is to be called. */
     public static RequestRecorder ofProperties() {
-        String folder = System.getProperty(FOLDER_PROPERTY, "");
-        return folder.isEmpty() ? null : new RequestRecorder(new File(folder),
-                Integer.getInteger(COUNT_PROPERTY, USUAL_COUNT), Long.getLong(BYTES_PROPERTY, USUAL_BYTES));
+        String folder = Setting.get(FOLDER_PROPERTY);
+        if (folder.isEmpty()) {
+            return null;
+        }
+        long count = Math.min(Integer.MAX_VALUE, Setting.number(COUNT_PROPERTY, USUAL_COUNT));
+        return new RequestRecorder(new File(folder), (int) count, Setting.number(BYTES_PROPERTY, USUAL_BYTES));
     }
 
     /** Sets who knows the system properties that the native library reads. */
