@@ -200,10 +200,15 @@ def field_of(name, signature):
 
 def read_lookups(folder):
     """(file:line, class, member or None) of what jni/ looks up in the platform."""
-    row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)\((?:\w+,\s*)?"([^"]+)"'
-                     r'(?:,\s*"([^"]+)")?', re.DOTALL)
-    for path in sorted(pathlib.Path(folder).glob("*.cpp")):
+    row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
+                     r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
+    # What names a Java type. Those of our own service's method stand in constants.
+    named = re.compile(r'(?<!\[\] = )"(?:\([^"()]*\)[\w\[/$;]+|\[*L?(?:android|java)/[\w/$]+;?)"')
+    for path in sorted(path for kind in ("cpp", "h", "inc") for path in pathlib.Path(folder).glob(f"*.{kind}")):
         text, clazz = path.read_text(encoding="utf-8"), None
+        rest = row.sub("", text)
+        if named.search(rest):
+            sys.exit(f"{path}: error: {named.search(rest).group()} is in no row that java_api.py reads")
         for match in row.finditer(text):
             kind, name, signature = match.groups()
             place = f"{path}:{text.count(chr(10), 0, match.start()) + 1}"
