@@ -8,10 +8,14 @@
 
 #include <jni.h>
 
+#include <bitset>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "jni_support.h"
@@ -22,7 +26,7 @@ namespace orlu {
 class CameraMetadataParser {
   // The Java objects that a tag is asked for with, made when they are first needed.
   struct KeyObjects {
-    explicit KeyObjects(JNIEnv* env) : name(env, nullptr), typed(env, nullptr) {}
+    explicit KeyObjects(JNIEnv* owner) : name(owner, nullptr), typed(owner, nullptr) {}
 
     ScopedLocalRef<jstring> name;
     ScopedLocalRef<> typed;
@@ -33,16 +37,59 @@ class CameraMetadataParser {
   class FrameObjects {
   public:
     void reset(const std::vector<jobject>& objects);
-    // For any object; one of the list that has passed is not checked again.
-    bool isInstance(JNIEnv* env, jobject object, jclass clazz);
+    // For any object but null; one of the list that has passed is not checked again.
+    bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
+      return object == mLastPassed || check(env, object, clazz);
+    }
 
   private:
+    static constexpr size_t kMostKept = 64;  // frames past them are checked each time
+
+    bool check(JNIEnv* env, jobject object, jclass clazz);
+
     const std::vector<jobject>* mObjects = nullptr;
-    std::vector<jobject> mPassed;  // at the same indices; null for those that were not checked, or failed
-    size_t mLast = 0;              // frames are mostly read one after the other
+    std::bitset<kMostKept> mHasPassed;  // by index in the list
+    jobject mLastPassed = nullptr;
+    size_t mLast = 0;  // its index; frames are mostly read one after the other
   };
 
 public:
+  // While it lives, getters and putters do not free their local references one by one: it frees them many at
+  // a time, in a local frame. References that callers keep must not be made meanwhile, so use no lookups. One
+  // at a time.
+  class Batch {
+  public:
+    explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+    ~Batch() { mParser.mBatch = nullptr; }
+
+  private:
+    friend class CameraMetadataParser;
+
+    // Prepares for one more operation. False if the VM has no memory for a frame.
+    bool makeRoom();
+
+    CameraMetadataParser& mParser;
+    std::optional<ScopedLocalFrame> mFrame;
+    int mOperations = 0;  // whose references are in the frame
+  };
+
+  // While it lives, the batch frees nothing. For operations that call back: their references may be in the
+  // batch's frame.
+  class BatchPause {
+  public:
+    explicit BatchPause(CameraMetadataParser& parser)
+        : mParser(parser), mBatch(std::exchange(parser.mBatch, nullptr)) {}
+    BatchPause(const BatchPause&) = delete;
+    BatchPause& operator=(const BatchPause&) = delete;
+    ~BatchPause() { mParser.mBatch = mBatch; }
+
+  private:
+    CameraMetadataParser& mParser;
+    Batch* mBatch;
+  };
+
   // RAII cache: while it lives, reads of any key that equals `tag` reuse one set of Java key objects. If
   // several are alive, destroy in reverse order of creation.
   class RepeatedTag {
@@ -57,6 +104,7 @@ public:
     friend class CameraMetadataParser;
 
     CameraMetadataParser& mParser;
+    BatchPause mPause;  // which would free the objects
     std::string_view mTag;
     RepeatedTag* mOuter;
     KeyObjects mObjects;
@@ -95,6 +143,9 @@ public:
   // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero (Oddity 13).
   int getString(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getArrayBytes(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
+  // The same into a new buffer, which stays null if the value is missing or of the wrong type.
+  int getNewArrayBytes(std::unique_ptr<char[]>& buffer, int size, const char* key, jobject captureResult,
+                       jobject parameter);
   int getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);
   int getFloatArray(float* values, int capacity, const char* key, jobject captureResult, jobject parameter);
   int getDoubleArray(double* values, int capacity, const char* key, jobject captureResult, jobject parameter);
@@ -176,6 +227,12 @@ private:
     jmethodID keyConstructor;
     jmethodID get;
   };
+  // Who frees the local references of the next operation: the batch if null, else their owners.
+  JNIEnv* referenceOwner() { return mBatch != nullptr && mBatch->makeRoom() ? nullptr : mEnv; }
+  ScopedLocalRef<> ask(jobject captureResult, jobject parameter, const char* key, jclass valueClass);
+  ScopedLocalRef<> ask(jobject parameter, const char* key);
+  jobject find(JNIEnv* owner, jobject captureResult, jobject parameter, const char* key, jclass valueClass);
+  jobject find(JNIEnv* owner, jobject parameter, const char* key);
   bool isComposition(jobject parameter);
   KeyObjects& keyObjects(std::string_view key, KeyObjects& fresh);
   jstring newName(const char* key);
@@ -191,6 +248,7 @@ private:
   // Where a value goes that is more than one object of C++.
   struct TextOut;
   struct BytesOut;
+  struct NewBytesOut;
   template <typename T>
   struct ArrayOut;
   template <typename T>
@@ -199,7 +257,7 @@ private:
   struct IntFacesOut;
   struct MeteringOut;
   template <typename Out>
-  int read(const char* getter, const char* key, jobject value, Out&& out);
+  int read(const char* getter, const char* key, const ScopedLocalRef<>& value, Out&& out);
   template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
   Unpacked unpack(Number& out, jobject value);
   Unpacked unpack(__tagOrluRect& out, jobject value);
@@ -209,6 +267,7 @@ private:
   Unpacked unpack(std::vector<std::string>& out, jobject value);
   Unpacked unpack(const TextOut& out, jobject value);
   Unpacked unpack(const BytesOut& out, jobject value);
+  Unpacked unpack(const NewBytesOut& out, jobject value);
   template <typename T>
   Unpacked unpack(const ArrayOut<T>& out, jobject value);
   template <typename T>
@@ -227,7 +286,10 @@ private:
   bool readRect(__tagOrluRect& out, jobject rect);
 
   // camera_metadata_parser_putters.cpp
-  using Store = int (CameraMetadataParser::*)(jobject container, const char* key, jobject value);
+  using Store = int (CameraMetadataParser::*)(JNIEnv* owner, jobject container, const char* key,
+                                              jobject value);
+  int intoComposition(JNIEnv* owner, jobject composition, const char* key, jobject value);
+  int intoHashMap(JNIEnv* owner, jobject map, const char* key, jobject value);
   template <typename T>
   int putBoxed(const char* putter, T value, const char* key, jobject container, Store into);
   template <typename T>
@@ -238,6 +300,7 @@ private:
   FrameObjects mCaptureResults;
   FrameObjects mCompositions;
   RepeatedTag* mRepeatedTag = nullptr;  // the last one made
+  Batch* mBatch = nullptr;              // null while it is paused
 
 #define TABLE(name)
 #define END_TABLE

@@ -26,6 +26,12 @@ struct CameraMetadataParser::TextOut : BytesOut {
   using BytesOut::BytesOut;
 };
 
+// The bytes of a byte array, in a buffer that is made when they are found.
+struct CameraMetadataParser::NewBytesOut {
+  std::unique_ptr<char[]>& buffer;
+  int size;
+};
+
 // A primitive or a boxed array, and one that must be boxed.
 template <typename T>
 struct CameraMetadataParser::ArrayOut {
@@ -56,15 +62,15 @@ struct CameraMetadataParser::MeteringOut {
 
 // ---- Unpacking
 
-// Unpacks what was looked up and frees it. Returns 0, or -1 with a line that names the getter.
+// Unpacks what was looked up. Returns 0, or -1 with a line that names the getter.
 template <typename Out>
-int CameraMetadataParser::read(const char* getter, const char* key, jobject value, Out&& out) {
-  const ScopedLocalRef<> owned(mEnv, value);
-  if (!owned) {
+int CameraMetadataParser::read(const char* getter, const char* key, const ScopedLocalRef<>& value,
+                               Out&& out) {
+  if (!value) {
     LOGE_AS(getter, "get %s is null", key);
     return -1;
   }
-  const Unpacked unpacked = unpack(out, value);
+  const Unpacked unpacked = unpack(out, value.get());
   if (unpacked == kWrongType) LOGE_AS(getter, "wrong object type %s", key);
   return unpacked == kRead ? 0 : -1;
 }
@@ -195,6 +201,12 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const BytesOut& out,
   return kRead;
 }
 
+CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const NewBytesOut& out, jobject value) {
+  if (!isInstance(mEnv, value, mClazzByteArray)) return kWrongType;
+  out.buffer = std::make_unique<char[]>(static_cast<size_t>(out.size));
+  return unpack(BytesOut(out.buffer.get(), out.size), value);
+}
+
 CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const TextOut& out, jobject value) {
   if (!isInstance(mEnv, value, mClazzString)) return kWrongType;
   const ScopedLocalRef<jbyteArray> bytes(mEnv, static_cast<jbyteArray>(callObject(value, mMethodGetBytes)));
@@ -271,20 +283,18 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const MeteringOut& o
 using P = CameraMetadataParser;
 
 #define LIST(...) __VA_ARGS__
-#define FROM_RESULT(name, slot, outputs, ...)                                                           \
-  int P::name(LIST outputs, const char* key, jobject captureResult, jobject parameter) {                \
-    return read(__func__, key, getMetadataObjectFromCaptureResult(captureResult, parameter, key, slot), \
-                __VA_ARGS__);                                                                           \
+#define FROM_RESULT(name, slot, outputs, ...)                                            \
+  int P::name(LIST outputs, const char* key, jobject captureResult, jobject parameter) { \
+    return read(__func__, key, ask(captureResult, parameter, key, slot), __VA_ARGS__);   \
   }
-#define FROM_PARAMETER(name, slot, outputs, ...)                                                  \
-  int P::name(LIST outputs, const char* key, jobject parameter) {                                 \
-    return read(__func__, key, getMetadataObjectFromOrluAlgorithmParameter(parameter, key, slot), \
-                __VA_ARGS__);                                                                     \
+#define FROM_PARAMETER(name, outputs, ...)                        \
+  int P::name(LIST outputs, const char* key, jobject parameter) { \
+    return read(__func__, key, ask(parameter, key), __VA_ARGS__); \
   }
-#define FROM_CHARACTERISTICS(name, slot, outputs, ...)                                           \
-  int P::name(LIST outputs, const char* key, jobject characteristics) {                          \
-    return read(__func__, key, getMetadataObjectFromCharacteristics(characteristics, key, slot), \
-                __VA_ARGS__);                                                                    \
+#define FROM_CHARACTERISTICS(name, slot, outputs, ...)                                                   \
+  int P::name(LIST outputs, const char* key, jobject characteristics) {                                  \
+    return read(__func__, key, {mEnv, getMetadataObjectFromCharacteristics(characteristics, key, slot)}, \
+                __VA_ARGS__);                                                                            \
   }
 
 // clang-format off
@@ -306,16 +316,16 @@ FROM_RESULT(getMeteringRectangle, mClazzMeteringRectangleArray, (__tagOrluRect& 
             MeteringOut{v, &w})
 FROM_RESULT(getGpsLocation,  mClazzLocation,    (GpsLocation& v),            v)
 
-FROM_PARAMETER(getIntOrlu,        mClazzInt,        (int32_t& v),            v)
-FROM_PARAMETER(getLongOrlu,       mClazzLong,       (int64_t& v),            v)
-FROM_PARAMETER(getFloatOrlu,      mClazzFloat,      (float& v),              v)
-FROM_PARAMETER(getStringOrlu,     mClazzString,     (char* v, int size),     TextOut(v, size))
-FROM_PARAMETER(getFaceInfoOrlu,   mClazzFaceArray,  (_tagOrluFaceInfo& v, int n), FacesOut{v, n})
-FROM_PARAMETER(getRectInfoOrlu,   mClazzRect,       (__tagOrluRect& v),      v)
-FROM_PARAMETER(getMeteringRectangleOrlu, mClazzMeteringRectangleArray, (__tagOrluRect& v),
+FROM_PARAMETER(getIntOrlu,        (int32_t& v),            v)
+FROM_PARAMETER(getLongOrlu,       (int64_t& v),            v)
+FROM_PARAMETER(getFloatOrlu,      (float& v),              v)
+FROM_PARAMETER(getStringOrlu,     (char* v, int size),     TextOut(v, size))
+FROM_PARAMETER(getFaceInfoOrlu,   (_tagOrluFaceInfo& v, int n), FacesOut{v, n})
+FROM_PARAMETER(getRectInfoOrlu,   (__tagOrluRect& v),      v)
+FROM_PARAMETER(getMeteringRectangleOrlu, (__tagOrluRect& v),
                MeteringOut{v, nullptr})
-FROM_PARAMETER(getIntArrayOrlu,   mClazzIntArray,   (int32_t* v, int n),     BoxedArrayOut<int32_t>{v, n})
-FROM_PARAMETER(getFloatArrayOrlu, mClazzFloatArray, (float* v, int n),       BoxedArrayOut<float>{v, n})
+FROM_PARAMETER(getIntArrayOrlu,   (int32_t* v, int n),     BoxedArrayOut<int32_t>{v, n})
+FROM_PARAMETER(getFloatArrayOrlu, (float* v, int n),       BoxedArrayOut<float>{v, n})
 
 FROM_CHARACTERISTICS(getCharacteristicsInt,         mClazzInt,      (int32_t& v),        v)
 FROM_CHARACTERISTICS(getCharacteristicsIntArray,    mClazzIntArray, (int32_t* v, int n),
@@ -324,6 +334,13 @@ FROM_CHARACTERISTICS(getCharacteristicsRational,    mClazzRational, (Rational& v
 FROM_CHARACTERISTICS(getCharacteristicsRectInfo,    mClazzRect,     (__tagOrluRect& v),  v)
 FROM_CHARACTERISTICS(getCharacteristicsRectInfo_ex, mClazzRect,     (SCR_Type& v),       v)
 // clang-format on
+
+int P::getNewArrayBytes(std::unique_ptr<char[]>& buffer, int size, const char* key, jobject captureResult,
+                        jobject parameter) {
+  return read("getArrayBytes", key, ask(captureResult, parameter, key, mClazzByteArray),
+              NewBytesOut{buffer, size});
+}
+
 #undef LIST
 #undef FROM_RESULT
 #undef FROM_PARAMETER

@@ -1,5 +1,7 @@
 // How a value is asked for by its key, and how a whole capture result is serialised.
 
+#include <algorithm>
+
 #include "camera_metadata_parser.h"
 #include "jni_support.h"
 #include "log.h"
@@ -7,19 +9,35 @@
 namespace orlu {
 
 void CameraMetadataParser::FrameObjects::reset(const std::vector<jobject>& objects) {
+  *this = FrameObjects();
   mObjects = &objects;
-  mPassed.assign(objects.size(), nullptr);
-  mLast = 0;
 }
 
-bool CameraMetadataParser::FrameObjects::isInstance(JNIEnv* env, jobject object, jclass clazz) {
+bool CameraMetadataParser::FrameObjects::check(JNIEnv* env, jobject object, jclass clazz) {
+  const size_t size = mObjects == nullptr ? 0 : std::min(mObjects->size(), kMostKept);
   for (const size_t at : {mLast, mLast + 1, size_t{0}}) {
-    if (object == nullptr || at >= mPassed.size() || (*mObjects)[at] != object) continue;
+    if (at >= size || (*mObjects)[at] != object) continue;
     mLast = at;
-    if (mPassed[at] == nullptr && orlu::isInstance(env, object, clazz)) mPassed[at] = object;
-    return mPassed[at] != nullptr;
+    if (!mHasPassed[at]) mHasPassed[at] = orlu::isInstance(env, object, clazz);
+    if (mHasPassed[at]) mLastPassed = object;
+    return mHasPassed[at];
   }
   return orlu::isInstance(env, object, clazz);
+}
+
+bool CameraMetadataParser::Batch::makeRoom() {
+  constexpr int kMostOperations = 16;
+  constexpr jint kReferencesEach = 3;  // a key's text, the key, and the value
+  constexpr jint kOthers = 16;         // that their owners free
+  if (mFrame && mOperations < kMostOperations) {
+    ++mOperations;
+    return true;
+  }
+  mFrame.reset();
+  mFrame.emplace(mParser.mEnv, kMostOperations * kReferencesEach + kOthers);
+  mOperations = 1;
+  if (!*mFrame) mFrame.reset();
+  return mFrame.has_value();
 }
 
 void CameraMetadataParser::checkFramesOnce(const std::vector<jobject>& captureResults,
@@ -29,7 +47,7 @@ void CameraMetadataParser::checkFramesOnce(const std::vector<jobject>& captureRe
 }
 
 CameraMetadataParser::RepeatedTag::RepeatedTag(CameraMetadataParser& parser, const char* tag)
-    : mParser(parser), mTag(tag), mOuter(parser.mRepeatedTag), mObjects(parser.mEnv) {
+    : mParser(parser), mPause(parser), mTag(tag), mOuter(parser.mRepeatedTag), mObjects(parser.mEnv) {
   parser.mRepeatedTag = this;
 }
 
@@ -47,28 +65,49 @@ bool CameraMetadataParser::isComposition(jobject parameter) {
 
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, const char* key,
                                                                  jclass valueClass) {
-  return getMetadataObjectFromCaptureResult(captureResult, nullptr, key, valueClass);
+  return find(mEnv, captureResult, nullptr, key, valueClass);
 }
 
 jobject CameraMetadataParser::getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key,
                                                                           jclass /*valueClass*/) {
-  if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
-  ScopedLocalRef<jstring> name(mEnv, newName(key));
-  return askComposition(parameter, name.get(), key);
+  return find(mEnv, parameter, key);
 }
 
 jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject captureResult, jobject parameter,
                                                                  const char* key, jclass valueClass) {
+  return find(mEnv, captureResult, parameter, key, valueClass);
+}
+
+// The getters' lookups.
+ScopedLocalRef<> CameraMetadataParser::ask(jobject captureResult, jobject parameter, const char* key,
+                                           jclass valueClass) {
+  JNIEnv* const owner = referenceOwner();
+  return {owner, find(owner, captureResult, parameter, key, valueClass)};
+}
+
+ScopedLocalRef<> CameraMetadataParser::ask(jobject parameter, const char* key) {
+  JNIEnv* const owner = referenceOwner();
+  return {owner, find(owner, parameter, key)};
+}
+
+jobject CameraMetadataParser::find(JNIEnv* owner, jobject captureResult, jobject parameter, const char* key,
+                                   jclass valueClass) {
   if (mEnv == nullptr || (captureResult == nullptr && parameter == nullptr)) return nullptr;
-  KeyObjects fresh(mEnv);
-  KeyObjects& objects = keyObjects(key, fresh);
+  KeyObjects fresh(owner);
+  KeyObjects& objects = mRepeatedTag == nullptr ? fresh : keyObjects(key, fresh);
   if (!objects.name) objects.name.reset(newName(key));
   if (mMethodGetMetadata != nullptr && isComposition(parameter)) {
     jobject value = askComposition(parameter, objects.name.get(), key);
     if (value != nullptr) return value;
   }
   return askTyped({mClazzCaptureResult, mClazzKey, mConstructorKey, mMethodGet}, captureResult, objects, key,
-                  valueClass, __func__);
+                  valueClass, "getMetadataObjectFromCaptureResult");
+}
+
+jobject CameraMetadataParser::find(JNIEnv* owner, jobject parameter, const char* key) {
+  if (mMethodGetMetadata == nullptr || !isComposition(parameter)) return nullptr;
+  const ScopedLocalRef<jstring> name(owner, newName(key));
+  return askComposition(parameter, name.get(), key);
 }
 
 jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject characteristics, const char* key,

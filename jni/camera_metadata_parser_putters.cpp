@@ -4,29 +4,31 @@
 #include "log.h"
 
 namespace orlu {
-namespace {
-
-constexpr auto kIntoComposition = &CameraMetadataParser::putMetadataObjectIntoCaptureResultComposition;
-constexpr auto kIntoHashMap = &CameraMetadataParser::putObjectIntoHashMap;
-
-}  // namespace
-
 // ---- Stores
 
 int CameraMetadataParser::putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key,
                                                                         jobject value) {
+  return intoComposition(mEnv, composition, key, value);
+}
+
+int CameraMetadataParser::putObjectIntoHashMap(jobject map, const char* key, jobject value) {
+  return intoHashMap(mEnv, map, key, value);
+}
+
+int CameraMetadataParser::intoComposition(JNIEnv* owner, jobject composition, const char* key,
+                                          jobject value) {
   if (value == nullptr || mMethodPutMetadata == nullptr || !isComposition(composition)) return -1;
-  const ScopedLocalRef<jstring> name(mEnv, newName(key));
+  const ScopedLocalRef<jstring> name(owner, newName(key));
   if (!name) return -1;
   mEnv->CallVoidMethod(composition, mMethodPutMetadata, name.get(), value);
   return clearException(mEnv) ? -1 : 0;
 }
 
-int CameraMetadataParser::putObjectIntoHashMap(jobject map, const char* key, jobject value) {
+int CameraMetadataParser::intoHashMap(JNIEnv* owner, jobject map, const char* key, jobject value) {
   if (value == nullptr || mMethodHashMapPut == nullptr || !isInstance(mEnv, map, mClazzHashMap)) return -1;
-  const ScopedLocalRef<jstring> name(mEnv, newName(key));
+  const ScopedLocalRef<jstring> name(owner, newName(key));
   if (!name) return -1;
-  const ScopedLocalRef<> previous(mEnv, mEnv->CallObjectMethod(map, mMethodHashMapPut, name.get(), value));
+  const ScopedLocalRef<> previous(owner, mEnv->CallObjectMethod(map, mMethodHashMapPut, name.get(), value));
   return clearException(mEnv) ? -1 : 0;
 }
 
@@ -42,8 +44,9 @@ int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key,
     LOGE_AS(putter, "put %s, input param is null", key);
     return -1;
   }
-  const ScopedLocalRef<> boxed(mEnv, clearIfNull(mEnv, mEnv->NewObject(clazz, constructor, value)));
-  if ((this->*into)(container, key, boxed.get()) == 0) return 0;
+  JNIEnv* const owner = referenceOwner();
+  const ScopedLocalRef<> boxed(owner, clearIfNull(mEnv, mEnv->NewObject(clazz, constructor, value)));
+  if ((this->*into)(owner, container, key, boxed.get()) == 0) return 0;
   LOGE_AS(putter, "put %s is null", key);
   return -1;
 }
@@ -58,10 +61,11 @@ int CameraMetadataParser::putArray(const char* putter, const T* values, int coun
     LOGE_AS(putter, "put %s, input param is null", key);
     return -1;
   }
-  const ScopedLocalRef<typename Functions::Type> array(mEnv,
+  JNIEnv* const owner = referenceOwner();
+  const ScopedLocalRef<typename Functions::Type> array(owner,
                                                        clearIfNull(mEnv, (mEnv->*Functions::kNew)(count)));
   if (array) (mEnv->*Functions::kSetRegion)(array.get(), 0, count, reinterpret_cast<const Element*>(values));
-  if ((this->*into)(container, key, array.get()) == 0) return 0;
+  if ((this->*into)(owner, container, key, array.get()) == 0) return 0;
   LOGE_AS(putter, "put %s is null", key);
   return -1;
 }
@@ -90,18 +94,18 @@ using P = CameraMetadataParser;
   }
 
 // clang-format off
-PUT(putInt,             int32_t, kIntoComposition)
-PUT(putFloat,           float,   kIntoComposition)
-PUT(putLong,            int64_t, kIntoComposition)
-PUT_ARRAY(putIntArray,    int32_t, mClazzIntArray,    kIntoComposition)
-PUT_ARRAY(putLongArray,   int64_t, mClazzIntArray,    kIntoComposition)  // Oddity 12.
-PUT_ARRAY(putFloatArray,  float,   mClazzFloatArray,  kIntoComposition)
-PUT_ARRAY(putDoubleArray, double,  mClazzDoubleArray, kIntoComposition)
+PUT(putInt,             int32_t, &P::intoComposition)
+PUT(putFloat,           float,   &P::intoComposition)
+PUT(putLong,            int64_t, &P::intoComposition)
+PUT_ARRAY(putIntArray,    int32_t, mClazzIntArray,    &P::intoComposition)
+PUT_ARRAY(putLongArray,   int64_t, mClazzIntArray,    &P::intoComposition)  // Oddity 12.
+PUT_ARRAY(putFloatArray,  float,   mClazzFloatArray,  &P::intoComposition)
+PUT_ARRAY(putDoubleArray, double,  mClazzDoubleArray, &P::intoComposition)
 
-PUT(putIntIntoHashMap,   int32_t, kIntoHashMap)
-PUT(putFloatIntoHashMap, float,   kIntoHashMap)
-PUT(putLongIntoHashMap,  int64_t, kIntoHashMap)
-PUT_ARRAY(putIntArrayIntoHashMap, int32_t, mClazzIntArray, kIntoHashMap)
+PUT(putIntIntoHashMap,   int32_t, &P::intoHashMap)
+PUT(putFloatIntoHashMap, float,   &P::intoHashMap)
+PUT(putLongIntoHashMap,  int64_t, &P::intoHashMap)
+PUT_ARRAY(putIntArrayIntoHashMap, int32_t, mClazzIntArray, &P::intoHashMap)
 // clang-format on
 #undef PUT
 #undef PUT_ARRAY

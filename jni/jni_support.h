@@ -30,7 +30,8 @@ jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env
   return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
 }
 
-// Owns one local reference; a raw jobject parameter anywhere in this library is borrowed.
+// Owns one local reference; a raw jobject parameter anywhere in this library is borrowed. With a null `env` a
+// local frame frees the reference.
 template <typename T = jobject>
 class ScopedLocalRef {
 public:
@@ -42,7 +43,7 @@ public:
 
   // Frees what was owned and owns `object` instead.
   void reset(T object) {
-    if (mObject != nullptr) mEnv->DeleteLocalRef(mObject);
+    if (mObject != nullptr && mEnv != nullptr) mEnv->DeleteLocalRef(mObject);
     mObject = object;
   }
 

@@ -29,10 +29,12 @@ int MetadataUpdater::getValue(const char* section, const char* key, void* value,
 }
 
 int MetadataUpdater::paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor) {
+  const CameraMetadataParser::BatchPause pause(*mParser);
   return mClient->context().paramAlgoUpdateToSystem(mMetadata, std::move(visitor));
 }
 
 int MetadataUpdater::paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor) {
+  const CameraMetadataParser::BatchPause pause(*mParser);
   return mClient->context().paramSystemDownloadToAlgo(mMetadata, std::move(visitor));
 }
 
@@ -45,6 +47,7 @@ int MetadataUpdater::getImageFormat() {
 }
 
 void MetadataUpdater::updateMetadata() {
+  const CameraMetadataParser::Batch batch(*mParser);
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);
   // An application that only redraws its watermark on a finished image needs nothing else (Oddity 14).

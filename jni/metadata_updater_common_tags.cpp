@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <memory>
 
 #include "jni_support.h"
 #include "metadata_updater_steps.h"
@@ -77,7 +76,7 @@ void writeShotTags(Shot& shot, Ints<25>& frontEvControl) {
   writeGain(shot, "orlu.feedback.analog_gain", kAnalogGainUnit, "analog_gain");
   writeGain(shot, "orlu.feedback.digital_gain", kDigitalGainUnit, "digital_gain");
   // clang-format off
-  shot.copy<Bytes<8482>>(shot.frames().first(), "orlu.parameter.remosaicOTPData", kSensor, "remosaic_eeprom_data");
+  shot.copyBytes<8482>  ("orlu.parameter.remosaicOTPData",   kSensor, "remosaic_eeprom_data");
   shot.copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem, "awb_cct");
   // The exposure control's real gain follows it under the same key (Oddity 18).
   shot.copy<float>      ("orlu.feedback.RealGain",           kSystem, "flash_real_gain");
@@ -116,20 +115,19 @@ bool isUsable(int32_t pdafType, int32_t isCompensated) {
 
 // Phase-detection autofocus data of the sensor, for the algorithms that refocus.
 void writePhaseDetection(Shot& shot) {
-  // Both are on the heap because little stack may be left.
-  const auto sensor = std::make_unique<SensorPdafInfo>();
-  const auto info = std::make_unique<PdafInfo>();
-  ByteBuffer buffer = {sensor.get(), sizeof *sensor};
-  shot.read("orlu.feedback.sensor_pdaf_info", buffer);
+  LargeBytes<sizeof(SensorPdafInfo)> bytes;
+  shot.read("orlu.feedback.sensor_pdaf_info", bytes);
   const auto isCompensated = shot.readOr<int32_t>("orlu.feedback.isPDCompensation");
-  const bool usable = isUsable(sensor->type, isCompensated);
+  auto* const sensor = reinterpret_cast<SensorPdafInfo*>(bytes.data.get());
+  const bool usable = sensor != nullptr && isUsable(sensor->type, isCompensated);
   if (usable) {
-    std::copy_n(sensor->info.header, std::size(info->header), info->header);
     // The count is handed on as it came, also past the table (Oddity 33).
-    info->count = sensor->info.count;
-    std::copy_n(sensor->info.pairs, std::clamp(info->count, 0, PdafInfo::kPairs), info->pairs);
+    const int pairs = std::clamp(sensor->info.count, 0, PdafInfo::kPairs);
+    std::fill(sensor->info.pairs + pairs, std::end(sensor->info.pairs), PdafPair());
+  } else {
+    bytes.data.reset();
   }
-  shot.write<PdafInfo>(kSensor, "pdaf_info", *info);
+  shot.parameters().setBytes(kSensor, "pdaf_info", bytes.orZeros(), sizeof(PdafInfo));
   shot.write<bool>(kSensor, "has_pdaf_info", usable);
 }
 

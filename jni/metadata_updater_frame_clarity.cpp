@@ -50,10 +50,13 @@ void MetadataUpdater::updateFrameClarity() {
   }
   writeFrameIndices(mShot);
   if (!scores.empty() && scores[0] == kNoPassScore) mSkipAlgoProcess = true;
-  if (isCalculated == 0) scores.assign(kMaxClarityFrames, 0.0);
-  // As many as there are frames, so that no type says the width.
-  setValue(kParameter, "frame_clarity_score", scores.data(),
-           static_cast<unsigned>(scores.size() * sizeof scores[0]));
+  constexpr char kScoreKey[] = "frame_clarity_score";
+  if (isCalculated == 0) {
+    mShot.write<Doubles<kMaxClarityFrames>>(kParameter, kScoreKey, {});
+  } else {
+    // As many as there are frames, so that no type says the width.
+    setValue(kParameter, kScoreKey, scores.data(), static_cast<unsigned>(scores.size() * sizeof scores[0]));
+  }
 }
 
 }  // namespace orlu

@@ -36,6 +36,7 @@ int ResultUpdater::getValue(const char* section, const char* key, void* value, u
 }
 
 void ResultUpdater::updateResult() {
+  const CameraMetadataParser::Batch batch(*mParser);
   if (listHas("frameClarOnly")) {
     updateFrameClarity();
     return;

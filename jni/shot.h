@@ -62,6 +62,14 @@ public:
     return copy<T>(first(), tag, section, key);
   }
 
+  // A large byte array of the first frame, zeros where the frame lacks it.
+  template <size_t N>
+  void copyBytes(const char* tag, const char* section, const char* key) {
+    LargeBytes<N> bytes;
+    read(tag, bytes);
+    mParameters.setBytes(section, key, bytes.orZeros(), N);
+  }
+
   template <typename T>
   void keep(T& member, const char* tag, const char* section, const char* key) {
     read(tag, member);

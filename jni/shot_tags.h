@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <type_traits>
 #include <vector>
@@ -39,7 +40,19 @@ template <size_t N>
 struct Bytes {
   uint8_t data[N] = {};
 };
-// The same, at most `size` bytes of a caller's memory.
+// The first N bytes of a large byte array, zeros behind a shorter one. They take memory only if the tag is
+// there.
+template <size_t N>
+struct LargeBytes {
+  std::unique_ptr<char[]> data;
+
+  const char* orZeros() const { return data ? data.get() : gNoBytes; }
+
+private:
+  // For all requests, and never written to. It is not const because then it would fill the library's file.
+  alignas(8) inline static char gNoBytes[N] = {};
+};
+// Raw bytes of a tag, at most `size` bytes of a caller's memory.
 struct ByteBuffer {
   void* data;
   int size;
@@ -125,6 +138,10 @@ inline int get(P& p, MeteringRegion& v, const char* tag, const Frame& f) {
 }
 inline int get(P& p, ByteBuffer& v, const char* tag, const Frame& f) {
   return p.getArrayBytes(static_cast<char*>(v.data), v.size, tag, f.captureResult, f.composition);
+}
+template <size_t N>
+int get(P& p, LargeBytes<N>& v, const char* tag, const Frame& f) {
+  return p.getNewArrayBytes(v.data, static_cast<int>(N), tag, f.captureResult, f.composition);
 }
 // As many as the vector has.
 inline int get(P& p, std::vector<double>& v, const char* tag, const Frame& f) {

@@ -62,9 +62,9 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
 
 // Frames are checked once each, and an object that is none is not taken for one.
 TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
-  jobject composition = compositionWith("i", javaInt(4));
   const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
-  const std::vector<jobject> compositions = {composition, javaString("composition"), composition};
+  const std::vector<jobject> compositions = {compositionWith("i", javaInt(4)), javaString("composition"),
+                                             compositionWith("i", javaInt(4))};
   mParser.checkFramesOnce(results, compositions);
   const JniTable table(env());
   for (int round = 1; round <= 3; ++round) {

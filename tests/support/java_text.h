@@ -55,6 +55,7 @@ private:
   }
 
   void record(jobject object, va_list arguments) {
+    const LocalFrame frame;
     for (size_t i = 0; i < mCompositions.size(); ++i) {
       if (!env()->IsSameObject(object, mCompositions[i])) continue;
       jobject key = va_arg(arguments, jobject);
