@@ -5,6 +5,7 @@
 #include "algo_interface.h"
 #include "callback_data.h"
 #include "jvm.h"
+#include "scoped_jni_functions.h"
 
 namespace orlu::fuzz {
 namespace {
@@ -12,6 +13,16 @@ namespace {
 // A few requests at once, so that there is an order to change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
+
+void sendHeld(const HeldCallback& callback) {
+  if (!callback.isWithoutMemory) {
+    sendShotCallback(callback.cookie, callback.nativeReq);
+    return;
+  }
+  test::ScopedJniFunctions functions(test::env());
+  functions.table().NewObjectV = [](JNIEnv*, jclass, jmethodID, va_list) -> jobject { return nullptr; };
+  sendShotCallback(callback.cookie, callback.nativeReq);
+}
 
 }  // namespace
 
@@ -50,7 +61,7 @@ void CallbackPool::hold(const HeldCallback& callback) {
 void CallbackPool::run() {
   HeldCallback callback = {};
   while (take(callback)) {
-    sendShotCallback(callback.cookie, callback.nativeReq);
+    sendHeld(callback);
     if (callback.pending != nullptr) --*callback.pending;
   }
 }

@@ -18,6 +18,7 @@ struct HeldCallback {
   uint64_t nativeReq;
   std::chrono::microseconds delay{0};
   std::atomic<int>* pending = nullptr;  // lowered when it was sent; may be null
+  bool isWithoutMemory = false;         // meanwhile no object can be made; on an attached thread
 };
 
 // Sends "shotCb" on the calling thread.

@@ -43,7 +43,9 @@ void Ledger::sawBlockDestroyed(void* block) {
   const std::lock_guard<std::mutex> lock(mMutex);
   const auto found = mBlocks.find(block);
   if (found == mBlocks.end()) return;
-  ++mSeen[found->second].ended;
+  Seen& seen = mSeen[found->second];
+  ++seen.ended;
+  if (seen.isInProcess) seen.lostBlock = true;
   mBlocks.erase(found);
 }
 
@@ -51,7 +53,9 @@ Ending Ledger::ending(uint64_t request) const {
   const Seen& seen = mSeen[request];
   const SoakKind kind = way(request).kind;
   const bool isAsync = isFullAsync(kind);
-  if (seen.returned != 1 || seen.ended != 1 || seen.processed > 1 || seen.timedOut > 1) return Ending::kNone;
+  if (seen.returned != 1 || seen.ended != 1 || seen.processed > 1 || seen.timedOut > 1 || seen.lostBlock) {
+    return Ending::kNone;
+  }
   // Java hears of a full-async request alone, and nobody waits for one.
   if (isAsync ? seen.timedOut != 0 : seen.announced.load()) return Ending::kNone;
   if (seen.processed == 0) {
@@ -87,10 +91,11 @@ bool Ledger::print() const {
     const Seen& seen = mSeen[request];
     std::printf("  request %" PRIu64
                 ", %s %s: expected %s, found %s (process %d, time-out %d, return %d, "
-                "end %d, announced %d)\n",
+                "end %d, announced %d, block lost %d)\n",
                 request, isFullAsync(way(request).kind) ? "full-async" : "synchronous", way(request).name,
                 nameOf(way(request).ending), nameOf(ending(request)), seen.processed.load(),
-                seen.timedOut.load(), seen.returned.load(), seen.ended.load(), seen.announced ? 1 : 0);
+                seen.timedOut.load(), seen.returned.load(), seen.ended.load(), seen.announced ? 1 : 0,
+                seen.lostBlock ? 1 : 0);
   }
   return unexpected.empty();
 }

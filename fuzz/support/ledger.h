@@ -24,7 +24,11 @@ public:
   // What was seen. Safe from any thread. The block is the request's parameter block.
   void sawBlock(uint64_t request, void* block);
   void sawBlockDestroyed(void* block);
-  void sawProcess(uint64_t request) { ++mSeen[request].processed; }
+  void sawProcess(uint64_t request) {
+    ++mSeen[request].processed;
+    mSeen[request].isInProcess = true;
+  }
+  void sawProcessReturn(uint64_t request) { mSeen[request].isInProcess = false; }
   void sawTimeout(uint64_t request) { ++mSeen[request].timedOut; }
   void sawReturn(uint64_t request) { ++mSeen[request].returned; }
   void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
@@ -39,6 +43,8 @@ private:
     std::atomic<uint8_t> timedOut{0};
     std::atomic<uint8_t> returned{0};
     std::atomic<uint8_t> ended{0};
+    std::atomic<bool> isInProcess{false};
+    std::atomic<bool> lostBlock{false};  // it was destroyed while process() worked with it
     std::atomic<bool> announced{false};  // a callback that comes twice is announced twice
   };
   using Counts = std::array<uint64_t, kEndings>;

@@ -19,6 +19,7 @@ struct Current {
   CallbackPool* pool = nullptr;  // that calls back for it; null when none does before processImage() returns
   HeldCallback callback = {};    // complete once the library was asked
   bool hasBlock = false;
+  void* cameraBlock = nullptr;  // destroyed as soon as process() has returned
 };
 
 namespace {
@@ -60,12 +61,22 @@ void observe(Ledger& ledger, const standin::AlgoCall& call) {
     tCurrent->hasBlock = true;
     ledger.sawBlock(tCurrent->request, call.block);
   }
+  if (call.operation == "destroyMetadata" && call.block == tCurrent->cameraBlock) {
+    ledger.sawProcessReturn(tCurrent->request);
+  }
   if (call.operation == "process") {
     ledger.sawProcess(call.process->reqId);
+    tCurrent->cameraBlock = call.process->metadata.back().block;
     tCurrent->callback.cookie = call.process->callbackCookie;
     tCurrent->callback.nativeReq = call.process->nativeReq;
     if (tCurrent->pool != nullptr) tCurrent->pool->hold(tCurrent->callback);
   }
+}
+
+// The callback for this request will throw in Java.
+void throwFor(uint64_t request) {
+  const test::LocalFrame frame;
+  test::callStatic(kCallbacksClass, "throwFor", "(J)V", static_cast<jlong>(request));
 }
 
 standin::AlgoScript scriptOf(const standin::AlgoScript& plain, const SoakFault* fault) {
@@ -160,7 +171,7 @@ void SoakClient::send(uint64_t request) {
   test::setThreadScript(&mPlain);
   if (timedOut) mShared.ledger.sawTimeout(request);
   mShared.ledger.sawReturn(request);
-  finish(way, current.callback);
+  finish(request, way, current.callback);
 }
 
 bool SoakClient::processImage(Current& current, const SoakWay& way) {
@@ -177,13 +188,13 @@ bool SoakClient::processImage(Current& current, const SoakWay& way) {
   return takeTimeouts() > 0;
 }
 
-void SoakClient::finish(const SoakWay& way, const HeldCallback& callback) {
+void SoakClient::finish(uint64_t request, const SoakWay& way, const HeldCallback& callback) {
   if (way.kind == SoakKind::kAborted) RequestProcessor::abortRequest(mEnv, mInst, nullptr, mArguments.abort);
   if (isSkipped(way.kind)) return;
   const bool isAsync = isFullAsync(way.kind);
   switch (way.callbacks) {
     case SoakCallbacks::kForeign:
-      if (isAsync) endByName(callback.nativeReq);
+      if (isAsync) finishByName(callback.nativeReq);
       break;
     case SoakCallbacks::kLate:
       isAsync ? mLate.push_back(callback) : mShared.attached.hold(callback);
@@ -194,9 +205,32 @@ void SoakClient::finish(const SoakWay& way, const HeldCallback& callback) {
     case SoakCallbacks::kInDestroyClient:
       mInDestroyClient.push_back(callback);
       break;
+    case SoakCallbacks::kAfterFinish:
+      finishByName(callback.nativeReq);
+      hold(callback);
+      break;
+    case SoakCallbacks::kFinishOnly:
+      finishByName(callback.nativeReq);
+      break;
+    case SoakCallbacks::kThrowing:
+      throwFor(request);
+      hold(callback);
+      break;
+    case SoakCallbacks::kWithoutMemory:
+      hold(callback, true);
+      finishByName(callback.nativeReq);
+      break;
     default:
       break;
   }
+}
+
+// It comes before this client's end.
+void SoakClient::hold(HeldCallback callback, bool isWithoutMemory) {
+  callback.pending = &mPending;
+  callback.isWithoutMemory = isWithoutMemory;
+  ++mPending;
+  mShared.attached.hold(callback);
 }
 
 bool SoakClient::endOne() {
@@ -220,9 +254,8 @@ void SoakClient::end(int64_t address) {
                                              mArguments.images, compositions);
 }
 
-// Java can't be reached by the thread that calls back, so nobody but the one who knows the id ends the
-// request.
-void SoakClient::endByName(uint64_t nativeReq) {
+// Java has not heard of the request, but knows the id.
+void SoakClient::finishByName(uint64_t nativeReq) {
   bool isKnown = true;
   for (int i = 0; i < kFlushes && isKnown; ++i) {
     RequestProcessor::flush(mEnv, mInst, nullptr, nullptr);

@@ -54,9 +54,10 @@ public:
 private:
   // Whether it timed out.
   bool processImage(Current& current, const SoakWay& way);
-  void finish(const SoakWay& way, const HeldCallback& callback);
+  void finish(uint64_t request, const SoakWay& way, const HeldCallback& callback);
+  void hold(HeldCallback callback, bool isWithoutMemory = false);
   void end(int64_t address);
-  void endByName(uint64_t nativeReq);
+  void finishByName(uint64_t nativeReq);
 
   JNIEnv* const mEnv;
   SoakShared& mShared;

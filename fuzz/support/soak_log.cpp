@@ -22,6 +22,8 @@ struct Expected {
 };
 Expected gExpected[] = {
     {" time out",                          "waits that timed out"                           },
+    {"callbackFromNative threw",           "announcements that threw"                       },
+    {"no map for callbackFromNative",      "announcements without memory"                   },
     {" threw",                             "C++ exceptions caught"                          },
     {"left a Java exception",              "Java exceptions cleared"                        },
     {"callback for a client that is gone", "callbacks for a client that was gone"           },

@@ -13,7 +13,7 @@ enum class Ending : uint8_t {
   kTimedOut,     // one that no callback woke
   kSkipped,      // one that the library was never asked for
   kAnnounced,    // a full-async one that Java heard of, and ended
-  kUnannounced,  // one that Java did not hear of: ended by its id, or with its client
+  kUnannounced,  // one that Java did not hear of: finished by its id, or with its client
   kNone          // none of these, or several
 };
 constexpr size_t kEndings = 6;
@@ -32,14 +32,18 @@ constexpr bool isSkipped(SoakKind kind) {
 enum class SoakCallbacks : uint8_t {
   kOnce,
   kTwice,
-  kBeforeReturn,    // on the thread that asks, inside process()
-  kForeign,         // on a thread that the VM does not know
-  kReordered,       // on a thread of the soak's own, in any order
-  kReorderedAway,   // on one that the VM does not know
-  kDropped,         // none
-  kLate,            // when the request timed out, or when its client is gone
-  kRacing,          // about when the request times out, or while its client ends
-  kInDestroyClient  // by the library, while it destroys its client
+  kBeforeReturn,     // on the thread that asks, inside process()
+  kForeign,          // on a thread that the VM does not know
+  kReordered,        // on a thread of the soak's own, in any order
+  kReorderedAway,    // on one that the VM does not know
+  kDropped,          // none
+  kLate,             // when the request timed out, or when its client is gone
+  kRacing,           // about when the request times out, or while its client ends
+  kInDestroyClient,  // by the library, while it destroys its client
+  kAfterFinish,      // when Java, which guessed the id, has finished the request
+  kFinishOnly,       // none: Java finishes the request, and the client's end destroys its block
+  kThrowing,         // and the call into Java throws
+  kWithoutMemory     // and there is no memory for the map for Java, who finishes the request meanwhile
 };
 
 // A row of the ledger.
@@ -57,7 +61,7 @@ using End = Ending;
 
 // clang-format off
 constexpr SoakWay kSoakWays[] = {
-  {260, "synchronous",              Kind::kSynchronous, Calls::kOnce,            End::kAnswered},
+  {220, "synchronous",              Kind::kSynchronous, Calls::kOnce,            End::kAnswered},
   { 50, "  called back twice",      Kind::kSynchronous, Calls::kTwice,           End::kAnswered},
   { 50, "  before process returns", Kind::kSynchronous, Calls::kBeforeReturn,    End::kAnswered},
   { 50, "  on a foreign thread",    Kind::kSynchronous, Calls::kForeign,         End::kAnswered},
@@ -78,6 +82,10 @@ constexpr SoakWay kSoakWays[] = {
   { 10, "  at the client's end",    Kind::kFullAsync,   Calls::kRacing,          End::kAnnounced},
   { 10, "  after the client's end", Kind::kFullAsync,   Calls::kLate,            End::kUnannounced},
   { 10, "  dropped",                Kind::kFullAsync,   Calls::kDropped,         End::kUnannounced},
+  { 10, "  after Java finished it", Kind::kFullAsync,   Calls::kAfterFinish,     End::kUnannounced},
+  { 10, "  finished, then dropped", Kind::kFullAsync,   Calls::kFinishOnly,      End::kUnannounced},
+  { 10, "  announcement throws",    Kind::kFullAsync,   Calls::kThrowing,        End::kUnannounced},
+  { 10, "  no memory to announce",  Kind::kFullAsync,   Calls::kWithoutMemory,   End::kUnannounced},
 };
 
 // One row for each operation that misbehaves when its work is done.

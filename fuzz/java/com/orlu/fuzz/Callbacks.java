@@ -6,11 +6,14 @@ import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
 import java.util.List;
 import java.util.Map;
 import java.util.Queue;
+import java.util.Set;
+import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 
 /** Hears what the native side reports, from its making on. Soaks take from it what is done. */
 public final class Callbacks implements CallbackListener {
     private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
+    private static final Set<Long> THROWING = ConcurrentHashMap.newKeySet();
     private final boolean mThrows;
 
     public Callbacks(boolean isThrowing) {
@@ -24,12 +27,17 @@ public final class Callbacks implements CallbackListener {
 
     @Override
     public void onCallback(long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
-        if (mThrows) {
+        if (mThrows || THROWING.remove(requestId)) {
             throw new IllegalStateException("callback");
         }
         if (values.get("nativeRequestAddr") instanceof Long address) {
             DONE.add(new long[] {requestId, address});
         }
+    }
+
+    /** Makes the next callback for this request throw. */
+    public static void throwFor(long requestId) {
+        THROWING.add(requestId);
     }
 
     /** The id and address of a request that was announced and nobody took yet; null when there is none. */
