@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame_values.h"
 #include "metadata_updater_steps.h"
 
 namespace orlu {
@@ -14,8 +15,9 @@ constexpr int kMaxClarityFrames = 50;
 constexpr double kNoPassScore = 1'000'000.0;
 
 // One score for each capture result, 0 where the camera gave none.
-std::vector<double> readImageScores(const Shot& shot) {
-  std::vector<double> scores(static_cast<size_t>(shot.frames().size()));
+FrameValues<double> readImageScores(const Shot& shot) {
+  const auto count = static_cast<size_t>(shot.frames().size());
+  FrameValues<double> scores(count, count);
   shot.read("orlu.control.image.score", scores);
   return scores;
 }
@@ -41,7 +43,7 @@ void MetadataUpdater::updateFrameClarity() {
   LOGD("basic_frame_index=%d, isFastDisplayRequest=%d, isImageScoreCalculated=%d", mBasicFrameIndex,
        mIsFastDisplayRequest, isCalculated);
 
-  std::vector<double> scores = readImageScores(mShot);
+  FrameValues<double> scores = readImageScores(mShot);
   // The first score decides for all whether they are worth a line (Oddity 38).
   if (!scores.empty() && scores[0] > 0.0) {
     for (size_t i = 0; i < scores.size(); ++i) {

@@ -13,6 +13,7 @@
 
 #include "algo_native_client.h"
 #include "camera_metadata_parser.h"
+#include "frame_values.h"
 #include "parameter_channel.h"
 #include "shot_tags.h"
 #include "vrequest.h"
@@ -66,7 +67,7 @@ private:
   // One per capture result, nanoseconds, 0 where it has none. `log` gets each frame's number and timestamp
   // before the next frame is read.
   template <typename Logger>
-  std::vector<int64_t> readTimestamps(const Logger& log);
+  FrameValues<int64_t> readTimestamps(const Logger& log);
 
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>

@@ -26,12 +26,13 @@ int32_t selectionAt(const Selections& selections, size_t frame) {
 }  // namespace
 
 template <typename Logger>
-std::vector<int64_t> ResultUpdater::readTimestamps(const Logger& log) {
+FrameValues<int64_t> ResultUpdater::readTimestamps(const Logger& log) {
   constexpr char kTimestampTag[] = "android.sensor.timestamp";
   const FrameList& frames = mTags.frames();
   const CameraMetadataParser::RepeatedTag repeated = mTags.repeated(kTimestampTag);
-  std::vector<int64_t> timestamps(static_cast<size_t>(frames.size()));
-  for (size_t i = 0; i < timestamps.size(); ++i) {
+  const auto count = static_cast<size_t>(frames.size());
+  FrameValues<int64_t> timestamps(count, count);
+  for (size_t i = 0; i < count; ++i) {
     mTags.read(frames.at(static_cast<int>(i)).captureResultOnly(), kTimestampTag, timestamps[i]);
     log(i, timestamps[i]);
   }
@@ -46,9 +47,9 @@ int ResultUpdater::updateFrameClarity() {
     return -1;
   }
   // Oddity 42: one entry per input image, also where the table has no score for it.
-  std::vector<double> perImage(imageNum);
-  std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.begin());
-  put<std::vector<double>>("orlu.feedback.clarityScore", perImage);
+  FrameValues<double> perImage(imageNum, imageNum);
+  std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.data());
+  put<FrameValues<double>>("orlu.feedback.clarityScore", perImage);
   for (size_t i = 0; i < imageNum; ++i) {
     LOGD("updateForFrameClarity i = %d,clarityScore = %f", static_cast<int>(i), perImage[i]);
   }
@@ -61,16 +62,14 @@ int ResultUpdater::updateFrameSelectResult() {
   const auto selections = mChannel.get<Selections>(kFeedback, "frame_select_result", nothingSelected);
   const auto scores = mChannel.get<Scores>(kParameter, "frame_clarity_score");
   const char* const operation = __func__;
-  const std::vector<int64_t> timestamps = readTimestamps([&](size_t i, int64_t timestamp) {
+  const FrameValues<int64_t> timestamps = readTimestamps([&](size_t i, int64_t timestamp) {
     LOGD_AS(operation, "frameSelect update %d Score %.4f, timeStamps %lld, need throw: %d",
             static_cast<int>(i), scoreAt(scores, i), static_cast<long long>(timestamp),
             selectionAt(selections, i));
   });
 
-  std::vector<int64_t> kept;
-  std::vector<double> thrownScores;
-  kept.reserve(timestamps.size());
-  thrownScores.reserve(timestamps.size());
+  FrameValues<int64_t> kept(timestamps.size());
+  FrameValues<double> thrownScores(timestamps.size());
   for (size_t i = 0; i < timestamps.size(); ++i) {
     const int32_t frame = selectionAt(selections, i);
     if (frame < 0) {
@@ -86,13 +85,13 @@ int ResultUpdater::updateFrameSelectResult() {
     LOGE("callbackFrameSelectResult failed, captureResultCompositions size < 1");
     return 0;
   }
-  put<std::vector<int64_t>>("orlu.feedback.frameSelectResult", kept);
-  put<std::vector<double>>("orlu.feedback.clarityScore", thrownScores);
+  put<FrameValues<int64_t>>("orlu.feedback.frameSelectResult", kept);
+  put<FrameValues<double>>("orlu.feedback.clarityScore", thrownScores);
   return 0;
 }
 
 int ResultUpdater::updateSelectBasicFrameIndex() {
-  const std::vector<int64_t> timestamps = readTimestamps([](size_t, int64_t) {});
+  const FrameValues<int64_t> timestamps = readTimestamps([](size_t, int64_t) {});
   auto index = mChannel.get<int32_t>(kFeedback, "current_base_frame_idx", -1);
   const auto time = mChannel.get<int64_t>(kControl, "current_base_frame_time");
   if (index < 0) return 0;

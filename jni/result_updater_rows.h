@@ -38,10 +38,10 @@ template <size_t N>
 int put(P& p, const Floats<N>& v, const char* key, jobject c) {
   return p.putFloatArray(v.data(), static_cast<int>(N), key, c);
 }
-inline int put(P& p, const std::vector<int64_t>& v, const char* key, jobject c) {
+inline int put(P& p, const FrameValues<int64_t>& v, const char* key, jobject c) {
   return p.putLongArray(v.data(), static_cast<int>(v.size()), key, c);
 }
-inline int put(P& p, const std::vector<double>& v, const char* key, jobject c) {
+inline int put(P& p, const FrameValues<double>& v, const char* key, jobject c) {
   return p.putDoubleArray(v.data(), static_cast<int>(v.size()), key, c);
 }
 

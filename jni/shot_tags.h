@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "camera_metadata_parser.h"
+#include "frame_values.h"
 #include "metadata_records.h"
 
 namespace orlu {
@@ -143,8 +144,8 @@ template <size_t N>
 int get(P& p, LargeBytes<N>& v, const char* tag, const Frame& f) {
   return p.getNewArrayBytes(v.data, static_cast<int>(N), tag, f.captureResult, f.composition);
 }
-// As many as the vector has.
-inline int get(P& p, std::vector<double>& v, const char* tag, const Frame& f) {
+// As many as there are.
+inline int get(P& p, FrameValues<double>& v, const char* tag, const Frame& f) {
   return p.getDoubleArray(v.data(), static_cast<int>(v.size()), tag, f.captureResult, f.composition);
 }
 template <size_t N>

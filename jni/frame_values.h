@@ -1,0 +1,35 @@
+// One value for each frame of a request, or for some of them.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+
+namespace orlu {
+
+// Values of as many frames as requests usually have take nothing from the heap.
+template <typename T>
+class FrameValues {
+public:
+  // Room for `capacity` values, of which the first `size` are zero and the others not there yet.
+  explicit FrameValues(size_t capacity, size_t size = 0)
+      : mMore(capacity > kUsual ? std::make_unique<T[]>(capacity) : nullptr), mSize(size) {}
+
+  size_t size() const { return mSize; }
+  bool empty() const { return mSize == 0; }
+  T* data() { return mMore ? mMore.get() : mUsual.data(); }
+  const T* data() const { return mMore ? mMore.get() : mUsual.data(); }
+  T& operator[](size_t index) { return data()[index]; }
+  const T& operator[](size_t index) const { return data()[index]; }
+  // Not past the capacity.
+  void push_back(T value) { data()[mSize++] = value; }
+
+private:
+  static constexpr size_t kUsual = 16;
+
+  std::array<T, kUsual> mUsual = {};
+  std::unique_ptr<T[]> mMore;
+  size_t mSize;
+};
+
+}  // namespace orlu
