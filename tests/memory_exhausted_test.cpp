@@ -84,7 +84,7 @@ protected:
 };
 
 TEST_F(MemoryExhaustedTest, FailsOneCallAlone) {
-  EXPECT_LT(20, failEachImage(ORLU_NATIVE(processImage), 1));
+  EXPECT_LT(15, failEachImage(ORLU_NATIVE(processImage), 1));
   EXPECT_TRUE(test::Algo::waitIdle(60'000));
   const uint64_t newest = newestRequest();
   for (uint64_t id = newest - 19; id < newest; ++id) updateResult(id);
@@ -93,7 +93,7 @@ TEST_F(MemoryExhaustedTest, FailsOneCallAlone) {
   EXPECT_FALSE(isKnown(newest));
 
   test::putKey(mCompositions[0], "orlu.control.image.score", test::javaDoubles({1'000'000.0}));
-  EXPECT_LT(20, failEachImage(ORLU_NATIVE(processImage), 0));
+  EXPECT_LT(15, failEachImage(ORLU_NATIVE(processImage), 0));
   EXPECT_LT(2, failEach([] {
               RequestProcessor::destroy(env(), ORLU_NATIVE(createNativeClient)(env(), nullptr, nullptr));
             }));
