@@ -20,6 +20,7 @@ void checkVisitors();
 void checkProcess();
 void checkCallbacks();
 void checkRequests();
+// image_checks.cpp
 void checkOutputs();
 // process_checks.cpp
 void checkLeaks();

@@ -44,6 +44,11 @@ std::vector<uint8_t> readAll(int fd, size_t size, off_t offset) {
 
 }  // namespace
 
+std::string describe(const AlgoFrameInfo& frame) {
+  return std::to_string(frame.width) + " x " + std::to_string(frame.height) + " of format " +
+         std::to_string(frame.format);
+}
+
 const std::vector<int32_t>& Image::formats() {
   static const std::vector<int32_t> formats = {kFormatUnknown,   kFormatNv21,  kFormatNv12, kFormatMipiRaw10,
                                                kFormatMipiRaw12, kFormatRaw16, kFormatJpeg, kFormatRgba8888};

@@ -21,6 +21,24 @@ struct ImageShape {
   bool isHardwareBuffer = false;
 };
 
+// How an image lies in memory.
+struct Layout {
+  const char* name;
+  int32_t padding;
+  int32_t paddingRows;
+  bool isHardwareBuffer;
+};
+constexpr Layout kLayouts[] = {
+    {"in shared memory",            0,  0, false},
+    {"with padded rows",            32, 0, false},
+    {"with padding between planes", 0,  6, false},
+    {"in a hardware buffer",        0,  0, true },
+    {"in a padded hardware buffer", 64, 2, true },
+};
+
+// "64 x 48 of format 1", for evidence.
+std::string describe(const AlgoFrameInfo& frame);
+
 class Image {
 public:
   // `filler` decides the pattern, so that two images differ.

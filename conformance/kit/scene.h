@@ -91,6 +91,9 @@ private:
   AlgoResultCallback* mFunction;
 };
 
+// How the evidence of a request begins that was not called back.
+constexpr char kNoCallback[] = "no callback for ";
+
 struct Request {
   int32_t type = kRequestCapture;
   uint64_t nativeReq = 1;
