@@ -110,7 +110,10 @@ void runDoomed(bool isHardwareBuffer) {
   record.inputFrames = {lentInput.frame()};
   record.outputFrames = {lentOutput.frame()};
   DoomedRecord doomed(record);
-  call(-1, Library::open()->bareTable().process, *doomed);
+  {
+    const Operation operation("process", operationName("process"));
+    call(-1, Library::open()->bareTable().process, *doomed);
+  }
   step("the record was taken away when process had returned");
   doomed.doom();
   raw->destroy();

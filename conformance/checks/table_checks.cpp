@@ -118,6 +118,13 @@ private:
   Record* mRecord;
 };
 
+// Unwatched, with nothing of this side's between the library and the record.
+template <typename Callable, typename Record>
+void callBare(const std::string& name, const Callable& callable, const Record& record) {
+  const Operation operation(name, name);
+  call(-1, callable, record);
+}
+
 void tryRecords(Scene& scene) {
   const AlgoInterfaceCallbacks& table = Library::open()->bareTable();
   const Block raw(kCameraMetadataBlock);
@@ -129,7 +136,7 @@ void tryRecords(Scene& scene) {
   EdgeRecord<AlgoProcessRecord> process;
   *process = request.record(scene.client, scene.inbox, scene.parameters, raw.handle());
   step("a process record at the end of a page");
-  call(-1, table.process, *process);
+  callBare("process", table.process, *process);
   HOLDS(process.isUntouched()) << "process writes before its record";
   // Another id, such as the reqId, says which bytes were read in its place.
   if (!scene.inbox.waitFor(request.nativeReq)) {
@@ -143,14 +150,14 @@ void tryRecords(Scene& scene) {
   EdgeRecord<AlgoFlushRecord> flush;
   (*flush).client = scene.client.handle();
   step("a flush record at the end of a page");
-  call(-1, table.flush, *flush);
+  callBare("flush", table.flush, *flush);
   EdgeRecord<AlgoCommandRecord> command;
   (*command).client = scene.client.handle();
   AlgoMetadataEntry entry;
   entry.block = scene.parameters.handle();
   (*command).metadata.push_back(entry);
   step("a command record at the end of a page");
-  call(-1, table.command, *command);
+  callBare("command", table.command, *command);
   HOLDS(flush.isUntouched() && command.isUntouched()) << "flush or command writes before its record";
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "progress.h"
+
 namespace orlu::conform {
 
 struct Check {
@@ -30,13 +32,16 @@ void note(const std::string& text);
 void warn(const std::string& text);
 // The check's process ends when the check does, without taking anything down.
 void endAtOnce();
-// What is being done now. It is the evidence when the process ends or hangs.
-void step(const std::string& text);
+// Ends the check's process now: what it has found so far stands, the rest was "not tried: <why>".
+[[noreturn]] void endNotTried(const std::string& why);
+// A callback did not come. Later checks wait for less long, once two checks have waited in vain.
+void missCallback();
 
 struct Options {
   std::string library;
   int patienceSeconds = 10;  // with a callback
   int limitSeconds = 120;    // for each check
+  int budgetSeconds = 110;   // for all of them; 0 for no limit
   double hostileSeconds = 3;
   unsigned seed = 1;
   std::string jvm;  // libjvm.so
@@ -55,24 +60,15 @@ struct Outcome {
   double seconds = 0;
 };
 
-// Runs the check in a child process and waits for it, for the time limit at most. Must be called inside a
-// test, with no other thread running.
+// Why a check is skipped when the time for all checks is over. The command fails then.
+constexpr char kOutOfTime[] = "not tried: the time for all checks is over (--budget)";
+
+// Runs the check in a child process and waits for it, for the time limit at most, and until the time for all
+// checks is over. Reports progress on standard error. Must be called inside a test, with no other thread
+// running.
 Outcome runApart(const Check& check);
 
 // Sends what a check fails and skips with to the process that waits for it; installed once.
 testing::TestEventListener* newCheckListener();
-
-// What operation a thread of the check is in, for the evidence of a crash. Nested ones replace the text until
-// they end.
-class Operation {
-public:
-  explicit Operation(const std::string& text);
-  Operation(const Operation&) = delete;
-  Operation& operator=(const Operation&) = delete;
-  ~Operation();
-
-private:
-  std::string mBefore;
-};
 
 }  // namespace orlu::conform

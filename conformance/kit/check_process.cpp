@@ -6,9 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <fstream>
@@ -20,36 +22,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What the process that waits can still read when the other is gone: the step, and the operation of each
-// thread.
-struct Trace {
-  static constexpr int kThreads = 64;
-  char step[256];
-  char operations[kThreads][160];
-};
-
-Trace* gTrace = nullptr;
 bool gEndsAtOnce = false;
 int gReport = -1;  // in the check's process: where its words go
 
-// A kind of word (F failed, S skipped, W warning, N note, E end), the text, and a zero. One write each, so
-// that threads do not mix.
+// A kind of word (F failed, S skipped, W warning, N note, C callback missed, E end), the text, and a zero.
+// One write each, so that threads do not mix.
 void send(char kind, const std::string& text) {
   if (gReport < 0) return;
   const std::string word = kind + text.substr(0, 2000);
   [[maybe_unused]] const ssize_t sent = write(gReport, word.c_str(), word.size() + 1);
-}
-
-void copyInto(char* to, size_t room, const std::string& text) {
-  const size_t length = std::min(room - 1, text.size());
-  std::memcpy(to, text.data(), length);
-  to[length] = '\0';
-}
-
-char* ownOperation() {
-  static std::atomic<int> threads{0};
-  thread_local const int slot = threads++ % Trace::kThreads;
-  return gTrace == nullptr ? nullptr : gTrace->operations[slot];
 }
 
 class CheckListener : public testing::EmptyTestEventListener {
@@ -101,17 +82,50 @@ Child start(const Check& check) {
   return child;
 }
 
-// Reads words until the process closes its end, or the time is over. False then.
-bool listen(int descriptor, std::chrono::seconds limit, std::string& words) {
-  const Clock::time_point end = Clock::now() + limit;
+const Clock::time_point kStarted = Clock::now();
+constexpr std::chrono::seconds kSilence{2};   // before the first line of progress
+constexpr std::chrono::seconds kProgress{5};  // between two of them
+constexpr std::chrono::milliseconds kLook{200};
+// Checks in which a callback is waited for as long as the command line says, if none comes.
+constexpr int kPatientChecks = 2;
+int gMissingChecks = 0;
+
+Clock::time_point budgetEnd() {
+  const int budget = options().budgetSeconds;
+  return budget == 0 ? Clock::time_point::max() : kStarted + std::chrono::seconds(budget);
+}
+
+// Reads words until the process closes its end. "", or why the check is not waited for any longer.
+std::string listen(const Check& check, int descriptor, std::string& words) {
+  const Clock::time_point start_ = Clock::now();
+  const Clock::time_point limit = start_ + std::chrono::seconds(options().limitSeconds);
+  Clock::time_point progress = start_ + kSilence;
   for (;;) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
     pollfd ready = {descriptor, POLLIN, 0};
-    if (left <= 0 || poll(&ready, 1, static_cast<int>(left)) == 0) return false;
-    char buffer[4096];
-    const ssize_t got = read(descriptor, buffer, sizeof buffer);
-    if (got <= 0) return true;
-    words.append(buffer, static_cast<size_t>(got));
+    if (poll(&ready, 1, static_cast<int>(kLook.count())) > 0) {
+      char buffer[4096];
+      const ssize_t got = read(descriptor, buffer, sizeof buffer);
+      if (got <= 0) return "";
+      words.append(buffer, static_cast<size_t>(got));
+      continue;
+    }
+    const Clock::time_point now = Clock::now();
+    const auto patience = std::chrono::seconds(std::max(options().patienceSeconds, 2));
+    const std::string overdue = overdueOperation(patience);
+    if (!overdue.empty()) {
+      noteHang(overdue);
+      return overdue + " hangs: it must return, and has not after " + std::to_string(patience.count()) +
+             " s; usually it waits for a count that one way out does not lower, or for its own thread";
+    }
+    if (now > limit) return "hangs: not done after " + std::to_string(options().limitSeconds) + " s";
+    if (now > budgetEnd()) {
+      return "not done when the time for all checks, " + std::to_string(options().budgetSeconds) +
+             " s, was over (--budget)";
+    }
+    if (now < progress) continue;
+    progress = now + kProgress;
+    std::fprintf(stderr, "        %-12s%.0f s: %s\n", check.name,
+                 std::chrono::duration<double>(now - start_).count(), currentStep().c_str());
   }
 }
 
@@ -134,6 +148,9 @@ bool readWords(const std::string& words, Outcome& outcome) {
       case 'W':
         outcome.warnings.push_back(text);
         break;
+      case 'C':
+        if (++gMissingChecks == kPatientChecks) options().patienceSeconds = 1;
+        break;
       case 'N':
         outcome.notes.push_back(text);
         break;
@@ -155,14 +172,6 @@ std::string lastOutput(int descriptor) {
     if (line.find_first_not_of(' ') != std::string::npos) last = line;
   }
   return last;
-}
-
-std::string whereabouts() {
-  std::string text = *gTrace->step == '\0' ? "" : std::string("; step: ") + gTrace->step;
-  for (const char* operation : gTrace->operations) {
-    if (*operation != '\0') text += std::string("; in ") + operation;
-  }
-  return text;
 }
 
 std::string ending(int status) {
@@ -190,20 +199,15 @@ void endAtOnce() {
   gEndsAtOnce = true;
 }
 
-void step(const std::string& text) {
-  if (gTrace != nullptr) copyInto(gTrace->step, sizeof gTrace->step, text);
+void endNotTried(const std::string& why) {
+  send('S', "not tried: " + why);
+  send('E', "");
+  _exit(0);
 }
 
-Operation::Operation(const std::string& text) {
-  char* const own = ownOperation();
-  if (own == nullptr) return;
-  mBefore = own;
-  copyInto(own, sizeof gTrace->operations[0], text);
-}
-
-Operation::~Operation() {
-  char* const own = ownOperation();
-  if (own != nullptr) copyInto(own, sizeof gTrace->operations[0], mBefore);
+void missCallback() {
+  static std::atomic<bool> isReported{false};
+  if (!isReported.exchange(true)) send('C', "");
 }
 
 testing::TestEventListener* newCheckListener() {
@@ -213,23 +217,18 @@ testing::TestEventListener* newCheckListener() {
 Outcome runApart(const Check& check) {
   Outcome outcome;
   const Clock::time_point start_ = Clock::now();
-  void* const shared =
-      mmap(nullptr, sizeof(Trace), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (shared == MAP_FAILED) return {Verdict::kFailed, {"no memory to share with the check"}, {}, {}, 0};
-  gTrace = static_cast<Trace*>(shared);
+  if (start_ > budgetEnd()) return {Verdict::kSkipped, {kOutOfTime}, {}, {}, 0};
+  if (!shareProgress()) return {Verdict::kFailed, {"no memory to share with the check"}, {}, {}, 0};
   const Child child = start(check);
   std::string words;
-  const bool inTime =
-      child.pid > 0 && listen(child.words, std::chrono::seconds(options().limitSeconds), words);
+  const std::string late = child.pid > 0 ? listen(check, child.words, words) : "can't be started";
   // The threads of one that hangs are of no interest any more.
-  if (!inTime && child.pid > 0) kill(child.pid, SIGKILL);
+  if (!late.empty() && child.pid > 0) kill(child.pid, SIGKILL);
   int status = -1;
   if (child.pid > 0) waitpid(child.pid, &status, 0);
   const bool ended = readWords(words, outcome);
-  if (!inTime) {
-    outcome.evidence.insert(
-        outcome.evidence.begin(),
-        "hangs: not done after " + std::to_string(options().limitSeconds) + " s" + whereabouts());
+  if (!late.empty()) {
+    outcome.evidence.insert(outcome.evidence.begin(), late + whereabouts());
   } else if (!ended || status != 0) {
     const std::string output = lastOutput(child.output);
     outcome.evidence.insert(outcome.evidence.begin(),
@@ -237,11 +236,10 @@ Outcome runApart(const Check& check) {
                                 (ended ? "" : whereabouts()) +
                                 (output.empty() ? "" : "; its last words: " + output));
   }
-  if (!inTime || !ended || status != 0) outcome.verdict = Verdict::kFailed;
+  if (!late.empty() || !ended || status != 0) outcome.verdict = Verdict::kFailed;
   if (child.words >= 0) close(child.words);
   if (child.output >= 0) close(child.output);
-  munmap(shared, sizeof(Trace));
-  gTrace = nullptr;
+  unshareProgress();
   outcome.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
   return outcome;
 }

@@ -34,7 +34,7 @@ thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 }  // namespace
 
 void CallObserver::before(const probe::WatchedCall& call) noexcept {
-  tOperations.push_back(std::make_unique<Operation>(describe(call)));
+  tOperations.push_back(std::make_unique<Operation>(describe(call), operationName(call.operation)));
 }
 
 void CallObserver::after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept {
@@ -91,7 +91,7 @@ const AlgoInterfaceCallbacks& Library::table() {
 }
 
 void Library::fill(AlgoInterfaceCallbacks* table) const {
-  const Operation operation(kEntryName);
+  const Operation operation(kEntryName, operationName(kEntryName));
   try {
     mEntry(table);
   } catch (...) {

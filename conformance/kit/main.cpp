@@ -29,6 +29,7 @@ constexpr char kUsage[] =
     "  --seed NUMBER          of the random parameters (1)\n"
     "  --patience SECONDS     how long each callback is waited for (10)\n"
     "  --limit SECONDS        how long each check may take (120)\n"
+    "  --budget SECONDS       how long all of them may take (110; 0: no limit, as --long)\n"
     "  --arm                  a 32-bit ARM library, under an emulator\n"
     "  --help                 print this\n"
     "\n"
@@ -65,7 +66,20 @@ private:
   const Check& mCheck;
 };
 
-enum Flag { kOnly = 1, kList, kJson, kJunit, kContract, kHostile, kLong, kSeed, kPatience, kLimit, kHelp };
+enum Flag {
+  kOnly = 1,
+  kList,
+  kJson,
+  kJunit,
+  kContract,
+  kHostile,
+  kLong,
+  kSeed,
+  kPatience,
+  kLimit,
+  kBudget,
+  kHelp
+};
 
 constexpr option kFlags[] = {
     {"only",     required_argument, nullptr, kOnly    },
@@ -78,6 +92,7 @@ constexpr option kFlags[] = {
     {"seed",     required_argument, nullptr, kSeed    },
     {"patience", required_argument, nullptr, kPatience},
     {"limit",    required_argument, nullptr, kLimit   },
+    {"budget",   required_argument, nullptr, kBudget  },
     {"help",     no_argument,       nullptr, kHelp    },
     {nullptr,    0,                 nullptr, 0        },
 };
@@ -141,6 +156,7 @@ void readCommandLine(int argc, char** argv) {
         break;
       case kLong:
         taken.hostileSeconds = 60;
+        taken.budgetSeconds = 0;
         break;
       case kSeed:
         taken.seed = static_cast<unsigned>(positive(optarg, "seed"));
@@ -150,6 +166,9 @@ void readCommandLine(int argc, char** argv) {
         break;
       case kLimit:
         taken.limitSeconds = static_cast<int>(positive(optarg, "limit"));
+        break;
+      case kBudget:
+        taken.budgetSeconds = static_cast<int>(positive(optarg, "budget"));
         break;
       case kList:
         listChecks();
@@ -188,7 +207,9 @@ int runChecks() {
   size_t counts[3] = {};
   for (const CheckResult& result : gResults) {
     ++counts[static_cast<int>(result.outcome.verdict)];
-    if (result.outcome.evidence == std::vector<std::string>{kUnusable}) status = 1;
+    for (const char* why : {kUnusable, kOutOfTime}) {
+      if (result.outcome.evidence == std::vector<std::string>{why}) status = 1;
+    }
   }
   if (gIsQuiet) {
     std::printf("%s\n", jsonOf(gResults).c_str());

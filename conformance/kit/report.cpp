@@ -35,6 +35,8 @@ std::string lineOf(const CheckResult& result) {
     texts.resize(kMostLines);
     texts.push_back("and " + std::to_string(more) + " more");
   }
+  if (outcome.verdict == Verdict::kFailed)
+    texts.insert(texts.begin(), result.check->promise + std::string(":"));
   if (texts.empty()) {
     std::string notes;
     for (const std::string& note : outcome.notes) notes += (notes.empty() ? "" : "; ") + note;

@@ -16,6 +16,7 @@ const AlgoInterfaceCallbacks& table() {
 }
 
 constexpr int kNotCalled = -1000;
+constexpr std::chrono::milliseconds kShortPatience{300};
 // The types for which the service uninitialises, in its order.
 constexpr int32_t kUninitTypes[] = {kRequestPreview, kRequestCapture, kRequestType3, kRequestType5};
 
@@ -162,7 +163,11 @@ Inbox::Inbox() : mState(std::make_shared<State>()) {
         message.thread = std::this_thread::get_id();
         message.tid = syscall(SYS_gettid);
         message.time = std::chrono::steady_clock::now();
-        if (state->look) state->look(message);
+        {
+          const Operation operation("a callback");
+          const CallbackScope scope;
+          if (state->look) state->look(message);
+        }
         const std::lock_guard<std::mutex> stateLock(state->mutex);
         state->messages.push_back(std::move(message));
         state->changed.notify_all();
@@ -185,9 +190,16 @@ size_t Inbox::count(uint64_t nativeReq, const std::string& name) const {
 }
 
 bool Inbox::waitFor(uint64_t nativeReq) const {
+  static std::atomic<bool> hasMissed{false};
   std::unique_lock<std::mutex> lock(mState->mutex);
-  return mState->changed.wait_for(lock, std::chrono::seconds(options().patienceSeconds),
-                                  [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });
+  // Whoever was not called back once is not waited for as long again.
+  const auto limit = hasMissed ? kShortPatience : std::chrono::seconds(options().patienceSeconds);
+  const bool came = mState->changed.wait_for(
+      lock, limit, [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });
+  if (came) return true;
+  hasMissed = true;
+  missCallback();
+  return false;
 }
 
 void Inbox::forget() {
