@@ -156,19 +156,20 @@ void AlgorithmChain::changePicture() {
 
 void AlgorithmChain::deliver() {
   std::vector<Frame>& outputs = mRequest.outputs();
-  Frame* const output =
-      !outputs.empty() && outputs[0].map(Frame::Access::kReadWrite) == 0 ? &outputs[0] : nullptr;
   if (asksFor("jpegEncode") || asksFor("refocusJpegPack")) {
-    deliverJpeg(output);
-  } else if (output != nullptr && !mPicture.empty()) {
-    deliverPixels(*output);
+    const bool isThere = !outputs.empty() && outputs[0].map(Frame::Access::kReadWrite) == 0;
+    return deliverJpeg(isThere ? &outputs[0] : nullptr);
+  }
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    const bool isDocument = i == 1 && asksFor("ppt");
+    if (!isDocument && !mPicture.empty()) deliverPixels(outputs[i]);
   }
 }
 
 void AlgorithmChain::deliverPixels(Frame& output) {
   // An output of another format or size is left as it is.
   ImageView view;
-  if (output.view(view)) copyPixels(mPicture.view(), view);
+  if (output.map(Frame::Access::kReadWrite) == 0 && output.view(view)) copyPixels(mPicture.view(), view);
 }
 
 void AlgorithmChain::deliverJpeg(Frame* output) {
