@@ -1,5 +1,5 @@
-// The least that an algorithm library has to be: it keeps parameters, copies the first input to the first
-// output, and calls back. docs/algorithm_library.md shows it; the conformance kit finds nothing wrong with
+// The least that an algorithm library has to be: it keeps parameters, copies the first input to all
+// outputs, and calls back. docs/algorithm_library.md shows it; the conformance kit finds nothing wrong with
 // it.
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -14,6 +14,7 @@
 #include <mutex>
 #include <set>
 #include <thread>
+#include <vector>
 
 #include "algo_interface.h"
 #include "algo_interface_layout.h"
@@ -60,24 +61,42 @@ JavaVM* findVm() {
   return get != nullptr && get(&vm, 1, &count) == JNI_OK && count > 0 ? vm : nullptr;
 }
 
+// Bytes and rows of a plane. Rows are padded in each image as it likes: an output has strides of its own.
+struct Plane {
+  size_t begin;
+  size_t stride;
+  size_t rows;
+};
+
+Plane planeOf(const AlgoFrameInfo& frame, int index) {
+  const bool isFirst = index == 0;
+  const auto rows = static_cast<size_t>(isFirst ? frame.scanline[0] : (frame.height + 1) / 2);
+  const auto bytes = static_cast<size_t>(frame.planeSize[index]);
+  const auto filled = static_cast<size_t>(isFirst ? frame.height : (frame.height + 1) / 2);
+  return {isFirst ? 0 : static_cast<size_t>(frame.planeSize[0]), rows == 0 ? 0 : bytes / rows, filled};
+}
+
 void copyPixels(const AlgoFrameInfo& from, int fromFd, const AlgoFrameInfo& to, int toFd) {
-  if (from.format != to.format || from.size != to.size || from.size <= 0) return;
-  const auto size = static_cast<size_t>(from.size);
-  void* const source = mmap(nullptr, size, PROT_READ, MAP_SHARED, fromFd, 0);
-  void* const target = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, toFd, 0);
-  if (source != MAP_FAILED && target != MAP_FAILED) {
-    size_t plane = 0;  // plane by plane, so that what lies between them stays
-    for (int i = 0; i < from.planeCount && plane < size; ++i) {
-      const auto bytes = static_cast<size_t>(from.planeSize[i]);
-      const auto pixels =
-          i == 0 && from.planeCount > 1 ? static_cast<size_t>(from.stride[0] * from.height) : bytes;
-      std::memcpy(static_cast<char*>(target) + plane, static_cast<char*>(source) + plane,
-                  std::min({pixels, bytes, size - plane}));
-      plane += bytes;
+  const bool isAlike = from.format == to.format && from.width == to.width && from.height == to.height &&
+                       from.planeCount == to.planeCount;
+  if (!isAlike || from.size <= 0 || to.size <= 0) return;
+  const auto fromSize = static_cast<size_t>(from.size);
+  const auto toSize = static_cast<size_t>(to.size);
+  void* const source = mmap(nullptr, fromSize, PROT_READ, MAP_SHARED, fromFd, 0);
+  void* const target = mmap(nullptr, toSize, PROT_READ | PROT_WRITE, MAP_SHARED, toFd, 0);
+  for (int i = 0; source != MAP_FAILED && target != MAP_FAILED && i < from.planeCount; ++i) {
+    const Plane in = planeOf(from, i);
+    const Plane out = planeOf(to, i);
+    const size_t bytes = std::min(in.stride, out.stride);
+    for (size_t row = 0; row < in.rows; ++row) {
+      const size_t read = in.begin + row * in.stride;
+      const size_t written = out.begin + row * out.stride;
+      if (read + bytes > fromSize || written + bytes > toSize) break;
+      std::memcpy(static_cast<char*>(target) + written, static_cast<char*>(source) + read, bytes);
     }
   }
-  if (source != MAP_FAILED) munmap(source, size);
-  if (target != MAP_FAILED) munmap(target, size);
+  if (source != MAP_FAILED) munmap(source, fromSize);
+  if (target != MAP_FAILED) munmap(target, toSize);
 }
 
 void callBack(uint64_t cookie, uint64_t nativeReq) {
@@ -95,38 +114,57 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// The record is the caller's, and gone when this returns; so are its descriptors.
-int process(const AlgoProcessRecord& record) {
-  AlgoFrameInfo from;
-  AlgoFrameInfo to;
-  int fds[] = {-1, -1};
-  if (!record.inputFrames.empty() && !record.outputFrames.empty()) {
-    from = record.inputFrames[0];
-    to = record.outputFrames[0];
-    fds[0] = fcntl(from.fd[0], F_DUPFD_CLOEXEC, 0);
-    fds[1] = fcntl(to.fd[0], F_DUPFD_CLOEXEC, 0);
+// The record is the caller's, and gone when process returns; so are its descriptors.
+struct Request {
+  void* client;
+  uint64_t cookie;
+  uint64_t nativeReq;
+  std::vector<AlgoFrameInfo> frames;  // the first input and all outputs
+  std::vector<int> fds;               // duplicates of theirs
+
+  explicit Request(const AlgoProcessRecord& record)
+      : client(record.client), cookie(record.callbackCookie), nativeReq(record.nativeReq) {
+    if (record.inputFrames.empty()) return;
+    frames = record.outputFrames;
+    frames.insert(frames.begin(), record.inputFrames[0]);
+    for (const AlgoFrameInfo& frame : frames) fds.push_back(fcntl(frame.fd[0], F_DUPFD_CLOEXEC, 0));
   }
+};
+
+// The client whose request this thread calls back for. Java may flush and destroy it in there.
+thread_local void* tCallingBack = nullptr;
+
+void work(const Request& request) {
+  for (size_t i = 1; i < request.frames.size(); ++i) {
+    copyPixels(request.frames[0], request.fds[0], request.frames[i], request.fds[i]);
+  }
+  for (int fd : request.fds) {
+    if (fd >= 0) close(fd);
+  }
+  tCallingBack = request.client;
+  callBack(request.cookie, request.nativeReq);
+  tCallingBack = nullptr;
+  const std::lock_guard<std::mutex> lock(gMutex);
+  if (--gPending[request.client] == 0) gPending.erase(request.client);
+  gDone.notify_all();
+}
+
+int process(const AlgoProcessRecord& record) {
   {
     const std::lock_guard<std::mutex> lock(gMutex);
     ++gPending[record.client];
   }
-  std::thread([from, to, in = fds[0], out = fds[1], client = record.client, cookie = record.callbackCookie,
-               nativeReq = record.nativeReq] {
-    copyPixels(from, in, to, out);
-    for (int fd : {in, out}) {
-      if (fd >= 0) close(fd);
-    }
-    callBack(cookie, nativeReq);
-    const std::lock_guard<std::mutex> lock(gMutex);
-    if (--gPending[client] == 0) gPending.erase(client);
-    gDone.notify_all();
-  }).detach();
+  std::thread(work, Request(record)).detach();
   return 0;
 }
 
 int waitForRequests(void* client) {
   std::unique_lock<std::mutex> lock(gMutex);
-  gDone.wait(lock, [&] { return gPending.count(client) == 0; });
+  const int own = tCallingBack == client ? 1 : 0;
+  gDone.wait(lock, [&] {
+    const auto pending = gPending.find(client);
+    return pending == gPending.end() || pending->second <= own;
+  });
   return 0;
 }
 
