@@ -13,7 +13,7 @@ build = Path(sys.argv[1])
 # Mostly they wait: for callbacks that do not come, and for ones too many.
 AT_ONCE = 8
 # Less patience than with a library that somebody hopes will pass.
-QUICK = ["--json", "--patience", "2", "--limit", "15", "--hostile", "0.3"]
+QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
 
 
 def judge(library, mutant=""):
@@ -29,11 +29,12 @@ def judge(library, mutant=""):
 
 
 def compare(row):
-    mutant, wanted = row[0], set(row[1:])
+    mutant, allowed = row[0], {name.strip("()") for name in row[1:]}
+    wanted = {name for name in row[1:] if "(" not in name}
     # Waits of a loaded machine look like faults; a fault stays one when it is looked at again.
     for _ in range(2):
         found = judge("libmutant_algo.so", mutant)
-        if found == wanted:
+        if wanted <= found <= allowed:
             return None
     return f"{mutant} fails {' '.join(sorted(found)) or 'nothing'} instead of {' '.join(sorted(wanted))}"
 

@@ -22,10 +22,24 @@ void checkCallbacks();
 void checkRequests();
 // image_checks.cpp
 void checkOutputs();
+void checkPixels();
 // process_checks.cpp
-void checkLeaks();
 void checkExceptions();
 void checkHostile();
+// resource_checks.cpp
+void checkLeaks();
+void checkDescriptors();
+// repeat_checks.cpp
+void checkRepeats();
+// thread_checks.cpp
+void checkKeys();
+void checkThreads();
+// life_checks.cpp
+void checkLives();
+// callback_checks.cpp
+void checkInside();
+void checkOverlap();
+void checkFlush();
 // java_checks.cpp
 void checkJava();
 

@@ -1,94 +1,15 @@
-// What is seen of the process as a whole: what is left behind, exceptions, and whether it survives.
-#include <dirent.h>
-#include <malloc.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
+// What is seen of the process as a whole: exceptions, and whether it survives.
 #include <atomic>
 #include <cstring>
 #include <exception>
-#include <fstream>
 #include <random>
 
 #include "checks.h"
 #include "known_names.h"
 #include "scene.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ORLU_SANITIZED
-#endif
-
 namespace orlu::conform {
 namespace {
-
-constexpr uint64_t kWarmUp = 50;
-constexpr uint64_t kRequests = 200;
-
-// What a process holds; the largest growth that is noise.
-struct Holding {
-  const char* what;
-  int64_t now;
-  int64_t slack;
-};
-
-int64_t entriesOf(const char* folder) {
-  DIR* const open = opendir(folder);
-  int64_t count = 0;
-  while (open != nullptr && readdir(open) != nullptr) ++count;
-  if (open != nullptr) closedir(open);
-  return count;
-}
-
-int64_t mappings() {
-#ifdef ORLU_SANITIZED
-  return 0;  // most are the sanitizer's own
-#else
-  std::ifstream maps("/proc/self/maps");
-  int64_t count = 0;
-  for (std::string line; std::getline(maps, line);) ++count;
-  return count;
-#endif
-}
-
-int64_t allocatedBytes() {
-#ifdef ORLU_SANITIZED
-  return 0;  // the sanitizer's own leak check looks at the end
-#else
-  const auto info = mallinfo2();
-  return static_cast<int64_t>(info.uordblks + info.hblkhd);
-#endif
-}
-
-std::vector<Holding> holdings() {
-  // A thread that ends is listed for a moment longer.
-  std::this_thread::sleep_for(std::chrono::milliseconds(150));
-  return {
-      {"descriptors",     entriesOf("/proc/self/fd"),   2              },
-      {"threads",         entriesOf("/proc/self/task"), 4              },
- // Freed stacks and arenas are kept for the next thread.
-      {"mappings",        mappings(),                   40             },
-      {"allocated bytes", allocatedBytes(),             kRequests * 100},
-  };
-}
-
-void runMany(Client& client, Inbox& inbox, uint64_t first, uint64_t count) {
-  const Image input;
-  const Image output({}, 2);
-  for (uint64_t id = first; id < first + count; ++id) {
-    Block parameters;
-    parameters.set(kControl, "conform_key", std::string(100, 'k'));
-    Request request;
-    request.nativeReq = id;
-    request.inputs = {&input};
-    request.outputs = {&output};
-    submit(client, inbox, parameters, request);
-    if (!inbox.waitFor(id)) {
-      ADD_FAILURE() << "no callback for request " << id;
-      return;
-    }
-    inbox.forget();
-  }
-}
 
 // Values of random bytes: sizes around those that the service uses, and any other.
 class RandomValues {
@@ -126,27 +47,6 @@ private:
 };
 
 }  // namespace
-
-void checkLeaks() {
-  OPEN_LIBRARY(library);
-  Client client;
-  Inbox inbox;
-  step("the first " + std::to_string(kWarmUp) + " requests");
-  runMany(client, inbox, 1, kWarmUp);
-  const std::vector<Holding> before = holdings();
-  step(std::to_string(kRequests) + " requests more");
-  runMany(client, inbox, 1 + kWarmUp, kRequests);
-  const std::vector<Holding> after = holdings();
-  std::string growth;
-  for (size_t i = 0; i < before.size(); ++i) {
-    const int64_t grown = after[i].now - before[i].now;
-    HOLDS(grown <= after[i].slack) << kRequests << " requests leave " << grown << " " << after[i].what
-                                   << " more, " << after[i].now << " in all";
-    growth += (i == 0 ? "" : ", ") + std::string(after[i].what) + " " + (grown < 0 ? "" : "+") +
-              std::to_string(grown);
-  }
-  note(growth);
-}
 
 void checkExceptions() {
   OPEN_LIBRARY(library);

@@ -44,7 +44,8 @@ struct Options {
   int budgetSeconds = 110;   // for all of them; 0 for no limit
   double hostileSeconds = 3;
   unsigned seed = 1;
-  std::string jvm;  // libjvm.so
+  bool allowNoise = false;  // outputs of one request may differ: a warning
+  std::string jvm;          // libjvm.so
 };
 
 // What the command line says; set once, before the first check.

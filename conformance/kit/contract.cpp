@@ -1,6 +1,7 @@
 #include "contract.h"
 
 #include "algo_interface.h"
+#include "known_names.h"
 
 namespace orlu::conform {
 namespace {
@@ -53,6 +54,24 @@ constexpr char kText[] =
   -1.
 - **getData** is to leave its answer in the block of its record under `{section}`, `{key}`; {answer} bytes
   of it are read, up to the first zero.
+- **What the library promises** in return, beside the lifetimes above:
+  - **Pixels.** Input and output of one format, width and height: every pixel of every plane of every
+    output is written, at the output's own strides, an odd last column and row of chroma included. Inputs,
+    padding, what lies between planes and behind an image stay as they are. May stay untouched: an output of
+    another format or size, one of an unknown format, and a JPEG that does not fit, whose size is 0 then.
+    `planeData` is null: memory is reached by mapping the descriptor. The same request leaves the same
+    bytes, whatever memory held and whichever requests came before.
+  - **Values.** A block keeps {values} values; sections and keys are compared whole, with up to 120 letters.
+    Blocks may be used by several threads at once, one block too.
+  - **Clients.** destroyClient returns when nothing works for the client any more, and leaves no thread,
+    descriptor or memory of it behind. A client works again when init follows an uninit with mode 1 or 2,
+    and whatever happens to another client.
+  - **Callbacks.** Inside one Java may end the request, submit the next, flush, abort, and make or destroy
+    clients, the callback's own too; all of that returns. While a callback has not returned, calls on other
+    threads do, but for flush and destroyClient of its client.
+  - **Calls return.** flush need not wait: what is out when it returns may be called back later.
+  - **Resources.** Each descriptor that the library opens is closed once, and none other. A request leaves
+    nothing behind, not a byte.
 - **The end of the process** is announced by command, with the data `{kill}` and a zero. Nothing is waited
   for then.
 )";
@@ -72,6 +91,7 @@ std::string contract() {
   replace(text, "key", kQueryResult);
   replace(text, "answer", std::to_string(kQueryResultSize));
   replace(text, "kill", kNotifyKill);
+  replace(text, "values", std::to_string(kMostValues));
   return text;
 }
 

@@ -27,8 +27,14 @@ int32_t rowBytes(const ImageShape& shape) {
     case kFormatRgba8888:
       return 4 * shape.width;
     default:
-      return shape.width;
+      // A row of chroma has two bytes for each two columns, the last of which may be half outside.
+      return isYuv(shape.format) ? (shape.width + 1) / 2 * 2 : shape.width;
   }
+}
+
+// Bytes of a row that hold pixels, of each plane.
+int32_t pixelBytes(const ImageShape& shape, int plane) {
+  return isYuv(shape.format) && plane == 0 ? shape.width : rowBytes(shape);
 }
 
 void writeAll(int fd, const std::vector<uint8_t>& bytes, off_t offset) {
@@ -118,6 +124,26 @@ AlgoFrameInfo Image::frame() const {
 
 std::vector<uint8_t> Image::bytes() const {
   return readAll(mFd, mSize, 0);
+}
+
+bool Image::hasKnownLayout(int32_t format) {
+  return format != kFormatUnknown && format != kFormatJpeg;
+}
+
+std::vector<PixelRow> Image::rows() const {
+  std::vector<PixelRow> rows;
+  const AlgoFrameInfo frame = layOut();
+  size_t begin = 0;
+  for (int plane = 0; plane < frame.planeCount; ++plane) {
+    const int32_t height = plane == 0 ? mShape.height : (mShape.height + 1) / 2;
+    const auto stride = static_cast<size_t>(rowBytes(mShape) + mShape.padding);
+    for (int32_t row = 0; row < height; ++row) {
+      rows.push_back({plane, row, begin + static_cast<size_t>(row) * stride,
+                      static_cast<size_t>(pixelBytes(mShape, plane))});
+    }
+    begin += static_cast<size_t>(frame.planeSize[plane]);
+  }
+  return rows;
 }
 
 std::string Image::strayWrite() const {

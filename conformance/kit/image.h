@@ -39,6 +39,14 @@ constexpr Layout kLayouts[] = {
 // "64 x 48 of format 1", for evidence.
 std::string describe(const AlgoFrameInfo& frame);
 
+// A row of a plane: where its pixels lie in the image's bytes.
+struct PixelRow {
+  int plane;
+  int32_t row;
+  size_t begin;
+  size_t bytes;
+};
+
 class Image {
 public:
   // `filler` decides the pattern, so that two images differ.
@@ -54,12 +62,18 @@ public:
 
   int fd() const { return mFd; }
   size_t size() const { return mSize; }
+  // The bytes that it was made with.
+  const std::vector<uint8_t>& pattern() const { return mPattern; }
+  // Top to bottom, plane by plane; of a format without a known layout all of it as rows of bytes.
+  std::vector<PixelRow> rows() const;
   // The image's bytes as they are now.
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }
   // "" or what was written outside the planes: between them, or behind the image.
   std::string strayWrite() const;
 
+  // False for a JPEG and for what has no name: there are bytes, and no pixels at known places.
+  static bool hasKnownLayout(int32_t format);
   // Formats that the service hands over, by its names.
   static const std::vector<int32_t>& formats();
   static constexpr size_t kGuardBytes = 8192;

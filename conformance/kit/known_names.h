@@ -30,6 +30,9 @@ constexpr ParameterSize kParameters[] = {
 // Bytes of the largest parameter that the service sets, "remosaic_eeprom_data".
 constexpr size_t kMostBytes = 8482;
 
+// Values in a block at most: more than any request sets.
+constexpr size_t kMostValues = 400;
+
 // Algorithms that the service knows by name.
 constexpr const char* kAlgorithms[] = {
 #include "algorithm_names.inc"

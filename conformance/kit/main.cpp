@@ -30,6 +30,7 @@ constexpr char kUsage[] =
     "  --patience SECONDS     how long each callback is waited for (10)\n"
     "  --limit SECONDS        how long each check may take (120)\n"
     "  --budget SECONDS       how long all of them may take (110; 0: no limit, as --long)\n"
+    "  --allow-noise          outputs of the same request may differ: a warning\n"
     "  --arm                  a 32-bit ARM library, under an emulator\n"
     "  --help                 print this\n"
     "\n"
@@ -78,23 +79,25 @@ enum Flag {
   kPatience,
   kLimit,
   kBudget,
+  kAllowNoise,
   kHelp
 };
 
 constexpr option kFlags[] = {
-    {"only",     required_argument, nullptr, kOnly    },
-    {"list",     no_argument,       nullptr, kList    },
-    {"json",     no_argument,       nullptr, kJson    },
-    {"junit",    required_argument, nullptr, kJunit   },
-    {"contract", no_argument,       nullptr, kContract},
-    {"hostile",  required_argument, nullptr, kHostile },
-    {"long",     no_argument,       nullptr, kLong    },
-    {"seed",     required_argument, nullptr, kSeed    },
-    {"patience", required_argument, nullptr, kPatience},
-    {"limit",    required_argument, nullptr, kLimit   },
-    {"budget",   required_argument, nullptr, kBudget  },
-    {"help",     no_argument,       nullptr, kHelp    },
-    {nullptr,    0,                 nullptr, 0        },
+    {"only",        required_argument, nullptr, kOnly      },
+    {"list",        no_argument,       nullptr, kList      },
+    {"json",        no_argument,       nullptr, kJson      },
+    {"junit",       required_argument, nullptr, kJunit     },
+    {"contract",    no_argument,       nullptr, kContract  },
+    {"hostile",     required_argument, nullptr, kHostile   },
+    {"long",        no_argument,       nullptr, kLong      },
+    {"seed",        required_argument, nullptr, kSeed      },
+    {"patience",    required_argument, nullptr, kPatience  },
+    {"limit",       required_argument, nullptr, kLimit     },
+    {"budget",      required_argument, nullptr, kBudget    },
+    {"allow-noise", no_argument,       nullptr, kAllowNoise},
+    {"help",        no_argument,       nullptr, kHelp      },
+    {nullptr,       0,                 nullptr, 0          },
 };
 
 // NOLINTBEGIN(concurrency-mt-unsafe): the command line is read before there is a second thread.
@@ -166,6 +169,9 @@ void readCommandLine(int argc, char** argv) {
         break;
       case kLimit:
         taken.limitSeconds = static_cast<int>(positive(optarg, "limit"));
+        break;
+      case kAllowNoise:
+        taken.allowNoise = true;
         break;
       case kBudget:
         taken.budgetSeconds = static_cast<int>(positive(optarg, "budget"));

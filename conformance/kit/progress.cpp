@@ -15,6 +15,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct Slot {
+  std::atomic<bool> isTaken;
   char text[160];
   char name[48];               // empty for what is not timed
   std::atomic<int64_t> since;  // of Clock
@@ -41,10 +42,31 @@ void copyInto(char (&to)[Room], const std::string& text) {
   to[length] = '\0';
 }
 
+// A thread's slot until it ends; null if more threads are in the library than there are slots.
+struct OwnSlot {
+  Slot* slot = nullptr;
+
+  OwnSlot() {
+    if (gProgress == nullptr) return;
+    for (Slot& each : gProgress->slots) {
+      if (each.isTaken.exchange(true)) continue;
+      slot = &each;
+      return;
+    }
+  }
+  OwnSlot(const OwnSlot&) = delete;
+  OwnSlot& operator=(const OwnSlot&) = delete;
+  ~OwnSlot() {
+    if (slot == nullptr || gProgress == nullptr) return;
+    *slot->text = '\0';
+    *slot->name = '\0';
+    slot->isTaken = false;
+  }
+};
+
 Slot* ownSlot() {
-  static std::atomic<int> threads{0};
-  thread_local const int slot = threads++ % Progress::kThreads;
-  return gProgress == nullptr ? nullptr : &gProgress->slots[slot];
+  thread_local const OwnSlot own;
+  return own.slot;
 }
 
 void write(Slot& slot, const std::string& text, const std::string& name) {

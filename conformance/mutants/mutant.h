@@ -1,7 +1,9 @@
 // What the mutants are made with. A mutant is the minimal library with one fault planted in its table.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -28,6 +30,7 @@ struct Mutant {
 std::vector<Mutant> tableMutants();
 std::vector<Mutant> blockMutants();
 std::vector<Mutant> requestMutants();
+std::vector<Mutant> lifeMutants();
 
 // How often the entry was called in this process.
 extern std::atomic<int> gEntries;
@@ -90,6 +93,30 @@ void touch(int fd, size_t size, Change change) {
   if (memory == MAP_FAILED) return;
   change(memory);
   munmap(memory, size);
+}
+
+// Changes the first output between the minimal library's work and its callback; `before` is what it held.
+template <typename Change>
+void onFinish(Table& table, Change change) {
+  table.process = [change, process = table.process](const AlgoProcessRecord& record) {
+    if (record.outputFrames.empty()) return process(record);
+    AlgoProcessRecord changed = record;
+    auto frame = record.outputFrames[0];
+    const auto size = static_cast<size_t>(frame.size);
+    auto before = std::make_shared<Bytes>(size);
+    touch(frame.fd[0], size, [&](uint8_t* memory) { before->assign(memory, memory + size); });
+    frame.fd[0] = fcntl(frame.fd[0], F_DUPFD_CLOEXEC, 0);
+    auto* const own = new std::shared_ptr<AlgoResultCallback>(std::make_shared<AlgoResultCallback>());
+    **own = [=, cookie = record.callbackCookie](const auto& data, const auto&, const auto&) {
+      const std::unique_ptr<std::shared_ptr<AlgoResultCallback>> owner(own);
+      const std::shared_ptr<AlgoResultCallback> kept = *owner;
+      touch(frame.fd[0], size, [&](uint8_t* memory) { change(frame, *before, memory); });
+      close(frame.fd[0]);
+      sendTo(cookie, Bytes(data.begin(), data.end()));
+    };
+    changed.callbackCookie = reinterpret_cast<uintptr_t>(own->get());
+    return process(changed);
+  };
 }
 
 }  // namespace orlu::mutants

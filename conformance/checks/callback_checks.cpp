@@ -1,0 +1,230 @@
+// What Java does inside a callback, and while one has not returned.
+#include <atomic>
+#include <future>
+
+#include "checks.h"
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+// Long enough to be seen, and less than a hang.
+std::chrono::milliseconds holdTime() {
+  return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
+}
+
+// A flush may give up after a time of its own.
+constexpr std::chrono::milliseconds kFlushHold{500};
+
+// The first callback waits until the gate is opened, or for a while. Shared with callbacks, which may come
+// late.
+class Gate {
+public:
+  explicit Gate(std::chrono::milliseconds hold) : mHold(hold) {}
+
+  void wait() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    if (mIsReached) return;
+    mIsReached = true;
+    mChanged.notify_all();
+    mChanged.wait_for(lock, mHold, [this] { return mIsOpen; });
+    mIsLeft = true;
+  }
+  // False if no callback came.
+  bool waitUntilReached() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    const bool came = mChanged.wait_for(lock, std::chrono::seconds(options().patienceSeconds),
+                                        [this] { return mIsReached; });
+    if (!came) missCallback();
+    return came;
+  }
+  // True if the callback was still held.
+  bool open() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIsOpen = true;
+    mChanged.notify_all();
+    return !mIsLeft;
+  }
+
+private:
+  const std::chrono::milliseconds mHold;
+  std::mutex mMutex;
+  std::condition_variable mChanged;
+  bool mIsReached = false;
+  bool mIsOpen = false;
+  bool mIsLeft = false;
+};
+
+struct Action {
+  const char* what;
+  void (*run)(Scene& scene, Scene& other, std::unique_ptr<Block>& parameters);
+};
+
+void endRequest(Scene&, Scene&, std::unique_ptr<Block>& parameters) {
+  int32_t value = 0;
+  parameters->get(kFeedback, "encoded_jpeg_size", &value, sizeof value);
+  parameters.reset();
+}
+void submitNext(Scene& scene, Scene&, std::unique_ptr<Block>&) {
+  Request request;
+  request.nativeReq = 2;
+  request.inputs = {&scene.input};
+  request.outputs = {&scene.output};
+  submit(scene.client, scene.inbox, scene.parameters, request);
+}
+void flushOwn(Scene& scene, Scene&, std::unique_ptr<Block>&) {
+  scene.client.flush();
+}
+void abortOwn(Scene& scene, Scene&, std::unique_ptr<Block>&) {
+  Block named;
+  const int64_t flag = 1;
+  named.set(kControl, "abort_key", std::string("orlu.control.frameFlag"));
+  named.set(kControl, "abort_val", &flag, sizeof flag);
+  scene.client.abort(named);
+}
+void destroyOther(Scene&, Scene& other, std::unique_ptr<Block>&) {
+  other.client.end();
+}
+void makeClient(Scene&, Scene&, std::unique_ptr<Block>&) {
+  Client().end();
+}
+void destroyOwn(Scene& scene, Scene&, std::unique_ptr<Block>&) {
+  scene.client.end();
+}
+
+constexpr Action kActions[] = {
+    {"end the request",           endRequest  },
+    {"submit the next request",   submitNext  },
+    {"flush",                     flushOwn    },
+    {"abort",                     abortOwn    },
+    {"destroy another client",    destroyOther},
+    {"make and destroy a client", makeClient  },
+    {"destroy the client itself", destroyOwn  },
+};
+
+void actInside(const Action& action) {
+  step(std::string("inside a callback: ") + action.what);
+  Scene scene;
+  Scene other;
+  auto parameters = std::make_unique<Block>();
+  std::promise<void> done;
+  std::atomic<bool> isFirst{true};
+  scene.inbox.onCallback([&](const Message& message) {
+    if (message.nativeReq() != 1 || message.name() != kShotCallback || !isFirst.exchange(false)) return;
+    action.run(scene, other, parameters);
+    done.set_value();
+  });
+  Request request;
+  request.inputs = {&scene.input};
+  request.outputs = {&scene.output};
+  // The block is the callback's to destroy from now on.
+  submit(scene.client, scene.inbox, *parameters, request);
+  // An operation that hangs in there is noticed by the process that waits for this one.
+  const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));
+  if (came != std::future_status::ready) {
+    missCallback();
+    ADD_FAILURE() << "Java may " << action.what << " inside a callback: nothing came of it within "
+                  << options().patienceSeconds + 5 << " s";
+    endAtOnce();
+    return;
+  }
+  const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
+  HOLDS(isNextDone) << kNoCallback << "a request that was submitted inside the callback before";
+  // Its thread is still on its way out of the callback.
+  scene.client.end();
+}
+
+// Runs the work while a callback of the scene's client is held; false if the work did not return meanwhile.
+bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
+  const auto gate = std::make_shared<Gate>(hold);
+  scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
+  Request request;
+  request.inputs = {&scene.input};
+  request.outputs = {&scene.output};
+  submit(scene.client, scene.inbox, scene.parameters, request);
+  const bool isReached = gate->waitUntilReached();
+  HOLDS(isReached) << kNoCallback << "a request";
+  if (!isReached) return true;
+  work();
+  const bool returned = gate->open();
+  scene.inbox.waitFor(request.nativeReq);
+  return returned;
+}
+
+struct Work {
+  const char* what;
+  const char* usual;
+  void (*run)(Scene& scene);
+};
+
+void submitSecond(Scene& scene) {
+  static const Image output({}, 9);
+  Request request;
+  request.nativeReq = 2;
+  request.inputs = {&scene.input};
+  request.outputs = {&output};
+  submit(scene.client, scene.inbox, scene.parameters, request);
+}
+
+constexpr Work kWorks[] = {
+    {"process",                                                "it waits for the request before, or for a lock that is held while calling back",
+     submitSecond                                           },
+    {"createMetadata, setValue, getValue and destroyMetadata",
+     "a lock of the store is held while calling back",                                                                                           [](Scene&) {
+       Block block;
+       block.set(kControl, "conform_key", "value");
+       char seen[5];
+       block.get(kControl, "conform_key", seen, sizeof seen);
+     }},
+    {"createClient and init",                                  "a lock of all clients is held while calling back",
+     [](Scene&) {
+       AlgoCreateClientRecord record;
+       record.interfaceVersion = kAlgoTableVersion;
+       AlgoInitRecord init;
+       init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
+       call(-1, Library::open()->table().init, init);
+       // Ended when the callback has returned, or not at all: a worker may be busy with that callback.
+     }                                                      },
+};
+
+}  // namespace
+
+void checkInside() {
+  OPEN_LIBRARY(library);
+  for (const Action& action : kActions) {
+    actInside(action);
+    if (testing::Test::HasFailure()) return;
+  }
+  note(std::to_string(std::size(kActions)) + " things that Java does inside a callback");
+}
+
+void checkOverlap() {
+  OPEN_LIBRARY(library);
+  for (const Work& work : kWorks) {
+    step(std::string(work.what) + " while a callback has not returned");
+    Scene scene;
+    HOLDS(returnsWhileHeld(scene, holdTime(), [&] { work.run(scene); }))
+        << work.what
+        << " must return while the callback of another request has not: it took until that returned, "
+        << "after " << holdTime().count() << " ms; usually " << work.usual;
+    const bool isSecondDone = work.run != submitSecond || scene.inbox.waitFor(2);
+    HOLDS(isSecondDone) << kNoCallback << "a request that was submitted while a callback was held";
+  }
+}
+
+void checkFlush() {
+  OPEN_LIBRARY(library);
+  if (!library->table().flush) GTEST_SKIP() << "flush is not offered";
+  Scene scene;
+  step("flush while a callback has not returned");
+  if (returnsWhileHeld(scene, kFlushHold, [&] { scene.client.flush(); })) {
+    warn(
+        "flush returned while a request was out. The contract allows it, and the request may be called back "
+        "later; "
+        "a flush that waits spares Java the end of a client in the middle of its work");
+  } else {
+    note("flush waits for requests that are out");
+  }
+}
+
+}  // namespace orlu::conform

@@ -1,0 +1,161 @@
+// The life of clients, and what Java does inside callbacks and while one has not returned.
+#include <malloc.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "checks.h"
+#include "holdings.h"
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr int kClients = 50;
+constexpr int kAtOnce = 10;
+constexpr std::chrono::seconds kEnding{3};  // for threads of clients that are gone
+constexpr size_t kBytesOfClient = 512;      // left by each: more is a leak
+
+// A client's whole life: two requests, waited for or not.
+void live(Inbox& inbox, bool waits) {
+  const Image input;
+  const Image output({}, 2);
+  Block parameters[2];
+  Client client;
+  for (uint64_t id : {1, 2}) {
+    Request request;
+    request.nativeReq = id;
+    request.inputs = {&input};
+    request.outputs = {&output};
+    submit(client, inbox, parameters[id - 1], request);
+    const bool came = !waits || inbox.waitFor(id);
+    HOLDS(came) << kNoCallback << "request " << id << " of a new client";
+  }
+  inbox.forget();
+}
+
+void liveAtOnce(Inbox& inbox) {
+  std::vector<std::thread> threads;
+  threads.reserve(kAtOnce);
+  for (int i = 0; i < kAtOnce; ++i) threads.emplace_back([&inbox] { live(inbox, false); });
+  for (std::thread& thread : threads) thread.join();
+  inbox.forget();
+}
+
+// Growth of what the process holds, from `before` until it has settled: the least that is seen in a while.
+Holdings settledGrowth(const Holdings& before) {
+  const auto end = std::chrono::steady_clock::now() + kEnding;
+  Holdings least = Holdings::now() - before;
+  while (std::chrono::steady_clock::now() < end && (least.threads > 0 || least.descriptors > 0)) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    least = Holdings::now() - before;
+  }
+  return least;
+}
+
+void judgeGrowth(const std::string& what, int clients, const Holdings& growth) {
+  const std::string whole =
+      what + " must leave nothing behind within " + std::to_string(kEnding.count()) + " s: ";
+  HOLDS(growth.threads < clients / 2)
+      << whole << growth.threads << " threads are left; usually destroyClient "
+      << "does not end and join the workers of its client";
+  HOLDS(growth.descriptors < clients / 2) << whole << growth.descriptors << " descriptors are left";
+  HOLDS(growth.bytes < clients * static_cast<int64_t>(kBytesOfClient))
+      << whole << growth.bytes << " bytes are left, " << growth.bytes / clients
+      << " for each; usually a map of clients is never erased from, or a client is not deleted";
+}
+
+void tryManyClients() {
+  Inbox inbox;
+  step("five clients in turn, and ten at once, to begin with");
+  for (int i = 0; i < 5; ++i) live(inbox, true);
+  liveAtOnce(inbox);
+  settledGrowth(Holdings::now());
+  Holdings before = Holdings::now();
+  step("fifty clients in turn");
+  for (int i = 0; i < kClients; ++i) live(inbox, true);
+  Holdings growth = settledGrowth(before);
+  judgeGrowth("fifty clients in turn", kClients, growth);
+  note("after 50 clients: " + growth.text());
+  before = Holdings::now();
+  step("ten clients at once, five times");
+  for (int i = 0; i < 5; ++i) liveAtOnce(inbox);
+  growth = settledGrowth(before);
+  judgeGrowth("ten clients at once, five times", 5 * kAtOnce, growth);
+}
+
+// destroyClient while workers are busy: what they use of the client is poisoned when it is freed.
+void endBusyClients() {
+#ifdef M_PERTURB
+  mallopt(M_PERTURB, 0x5A);
+#endif
+  Inbox inbox;
+  std::atomic<int> alive{1};
+  std::atomic<int> late{0};
+  inbox.onCallback([&](const Message&) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    if (alive == 0) ++late;
+  });
+  step("the end of a client with requests in flight, ten times");
+  for (int round = 0; round < 10; ++round) {
+    const Image input({kFormatNv21, 640, 480, 0, 0, false}, 3);
+    const Image output({kFormatNv21, 640, 480, 0, 0, false}, 4);
+    std::vector<std::unique_ptr<Block>> blocks;
+    alive = 1;
+    {
+      Client client;
+      for (uint64_t id = 0; id < 4; ++id) {
+        blocks.push_back(std::make_unique<Block>());
+        Request request;
+        request.nativeReq = id;
+        request.inputs = {&input};
+        request.outputs = {&output};
+        submit(client, inbox, *blocks.back(), request);
+      }
+    }
+    alive = 0;
+    const std::vector<uint8_t> then = output.bytes();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    HOLDS(output.bytes() == then)
+        << "an output is written after destroyClient has returned; usually it does not "
+        << "wait for the workers of its client";
+  }
+#ifdef M_PERTURB
+  mallopt(M_PERTURB, 0);
+#endif
+  HOLDS(late == 0) << late << " callbacks came after destroyClient had returned";
+}
+
+void init(const Client& client) {
+  AlgoInitRecord record;
+  record.client = client.handle();
+  call(-1, Library::open()->table().init, record);
+}
+
+void releaseAndComeBack() {
+  Scene first;
+  Scene second;
+  if (!first.run(1) || !second.run(1)) return;
+  for (int mode : {1, 2}) {
+    step("uninit with mode " + std::to_string(mode) + ", and a request of another client");
+    first.client.uninit(mode);
+    HOLDS(second.run(static_cast<uint64_t>(mode) + 10))
+        << "a client must work when another was uninitialised; usually a flag of all clients is cleared";
+    step("init after uninit with mode " + std::to_string(mode) + ", and a request");
+    init(first.client);
+    HOLDS(first.run(static_cast<uint64_t>(mode) + 20))
+        << "a client must work when init follows an uninit with mode " << mode
+        << "; usually uninit sets a flag that init does not clear";
+  }
+}
+
+}  // namespace
+
+void checkLives() {
+  OPEN_LIBRARY(library);
+  tryManyClients();
+  releaseAndComeBack();
+  endBusyClients();
+}
+
+}  // namespace orlu::conform

@@ -1,0 +1,127 @@
+// The same request gives the same bytes: whatever memory held before, and whichever requests came before.
+#include <malloc.h>
+
+#include "checks.h"
+#include "known_names.h"
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr int kPoisons[] = {0x11, 0xEE};
+
+// What fresh and freed memory is filled with from now on; 0 for nothing.
+void poison([[maybe_unused]] int byte) {
+#ifdef M_PERTURB
+  mallopt(M_PERTURB, byte);
+#endif
+}
+
+class Repeats {
+public:
+  // The bytes that the request leaves in its output, without padding; "" if it was not called back.
+  std::string run(const std::string& algorithm, const ImageShape& shape) {
+    const Image input(shape, 5);
+    const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,
+                       70);
+    Block parameters;
+    Request request;
+    request.nativeReq = ++mLast;
+    if (!algorithm.empty()) request.algorithms = {algorithm};
+    request.inputs = {&input, &input};
+    request.outputs = {&output};
+    submit(mScene.client, mScene.inbox, parameters, request);
+    if (!mScene.inbox.waitFor(mLast)) {
+      ADD_FAILURE() << kNoCallback << "a request for \"" << algorithm << "\"";
+      return "";
+    }
+    mScene.inbox.forget();
+    std::string seen;
+    const std::vector<uint8_t> now = output.bytes();
+    for (const PixelRow& row : output.rows()) {
+      const auto begin = now.begin() + static_cast<std::ptrdiff_t>(row.begin);
+      seen.append(begin, begin + static_cast<std::ptrdiff_t>(row.bytes));
+    }
+    return seen;
+  }
+
+  // Another picture under another size, so that what is kept of it would show.
+  void runAnother() {
+    const Image input({kFormatNv21, 96, 80, 0, 0, false}, 201);
+    const Image output({kFormatNv21, 96, 80, 0, 0, false}, 90);
+    Request request;
+    request.nativeReq = ++mLast;
+    request.inputs = {&input};
+    request.outputs = {&output};
+    submit(mScene.client, mScene.inbox, mScene.parameters, request);
+    mScene.inbox.waitFor(mLast);
+    // One of the same shape, which a buffer that is kept by its size belongs to.
+    const Image same({}, 133);
+    request.nativeReq = ++mLast;
+    request.inputs = {&same};
+    request.outputs = {&mScene.output};
+    submit(mScene.client, mScene.inbox, mScene.parameters, request);
+    mScene.inbox.waitFor(mLast);
+    mScene.inbox.forget();
+  }
+
+private:
+  Scene mScene;
+  uint64_t mLast = 0;
+};
+
+size_t firstDifference(const std::string& one, const std::string& other) {
+  size_t i = 0;
+  while (i < one.size() && i < other.size() && one[i] == other[i]) ++i;
+  return i;
+}
+
+// Says what differs; with --allow-noise that is a warning.
+void report(const std::string& what, const std::string& first, const std::string& second, const char* usual) {
+  if (first == second) return;
+  const size_t at = firstDifference(first, second);
+  const std::string text = what + ": the same request must give the same bytes, and byte " +
+                           std::to_string(at) + " is " + std::to_string(static_cast<uint8_t>(first[at])) +
+                           " and then " + std::to_string(static_cast<uint8_t>(second[at])) + "; usually " +
+                           usual;
+  if (options().allowNoise) return warn(text);
+  ADD_FAILURE() << text;
+}
+
+}  // namespace
+
+void checkRepeats() {
+  OPEN_LIBRARY(library);
+  Repeats repeats;
+  size_t kinds = 0;
+  const auto repeat = [&](const std::string& algorithm, const ImageShape& shape) {
+    if (testing::Test::HasFailure()) return;
+    const std::string what = (algorithm.empty() ? "a copy" : "a request for " + algorithm) + " of " +
+                             describe(Image(shape).frame());
+    step(what + ", three times");
+    std::string seen[3];
+    for (size_t i = 0; i < 2; ++i) {
+      poison(kPoisons[i]);
+      seen[i] = repeats.run(algorithm, shape);
+    }
+    poison(0);
+    repeats.runAnother();
+    seen[2] = repeats.run(algorithm, shape);
+    ++kinds;
+    if (seen[0].size() != seen[1].size() || seen[0].size() != seen[2].size()) return;
+    report(what + " with fresh memory poisoned by 0x11 and 0xEE", seen[0], seen[1],
+           "memory is read that nobody wrote");
+    if (seen[0] == seen[1]) {
+      report(what + " before and after a request of another picture", seen[1], seen[2],
+             "a buffer or a state of the request before is taken over");
+    }
+  };
+  for (const char* name : kAlgorithms) repeat(name, {});
+  for (int32_t format : Image::formats()) {
+    if (Image::hasKnownLayout(format)) repeat("", {format, 67, 45, 0, 0, false});
+  }
+  repeat("", {});
+  note(std::to_string(kinds) + " requests, three times each");
+}
+
+}  // namespace orlu::conform

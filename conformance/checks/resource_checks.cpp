@@ -1,0 +1,200 @@
+// What requests leave behind: descriptors, mappings, threads and memory.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "checks.h"
+#include "descriptor_watch.h"
+#include "holdings.h"
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr uint64_t kWarmUp = 50;
+constexpr uint64_t kRequests = 200;
+constexpr uint64_t kManyRequests = 2000;
+constexpr uint64_t kFewestForSlope = 300;
+constexpr double kMostSeconds = 6;      // for a library that works long
+constexpr double kBytesOfRequest = 16;  // left by each: more is a leak
+constexpr int kRounds = 3;              // that must all show it
+constexpr std::chrono::seconds kSettle{2};
+
+// False when a callback did not come.
+bool runOne(Client& client, Inbox& inbox, const Image& input, const Image& output, uint64_t id) {
+  Block parameters;
+  parameters.set(kControl, "conform_key", std::string(100, 'k'));
+  Request request;
+  request.nativeReq = id;
+  request.inputs = {&input};
+  request.outputs = {&output};
+  submit(client, inbox, parameters, request);
+  const bool came = inbox.waitFor(id);
+  HOLDS(came) << kNoCallback << "request " << id;
+  inbox.forget();
+  return came;
+}
+
+bool runMany(Client& client, Inbox& inbox, uint64_t first, uint64_t count) {
+  const Image input;
+  const Image output({}, 2);
+  for (uint64_t id = first; id < first + count; ++id) {
+    if (!runOne(client, inbox, input, output, id)) return false;
+  }
+  return true;
+}
+
+void judgeGrowth(const Holdings& growth) {
+  struct Limit {
+    const char* what;
+    int64_t grown;
+    int64_t slack;
+  };
+  // Freed stacks and arenas are kept for the next thread.
+  for (const Limit& limit : {
+           Limit{"descriptors",     growth.descriptors, 2              },
+           Limit{"threads",         growth.threads,     4              },
+           Limit{"mappings",        growth.mappings,    40             },
+           Limit{"allocated bytes", growth.bytes,       kRequests * 100}
+  }) {
+    HOLDS(limit.grown <= limit.slack)
+        << kRequests << " requests must leave nothing behind: " << limit.grown << " " << limit.what
+        << " more; usually what a request duplicates, maps, starts or "
+        << "allocates is released on some ways out only";
+  }
+}
+
+// Bytes that are allocated after so many requests.
+struct Sample {
+  double requests;
+  double bytes;
+};
+
+// Least squares: bytes for each request.
+double slopeOf(const std::vector<Sample>& samples) {
+  Sample mean = {0, 0};
+  for (const Sample& sample : samples) {
+    mean.requests += sample.requests / static_cast<double>(samples.size());
+    mean.bytes += sample.bytes / static_cast<double>(samples.size());
+  }
+  double product = 0;
+  double square = 0;
+  for (const Sample& sample : samples) {
+    product += (sample.requests - mean.requests) * (sample.bytes - mean.bytes);
+    square += (sample.requests - mean.requests) * (sample.requests - mean.requests);
+  }
+  return square == 0 ? 0 : product / square;
+}
+
+// The slope over the second half of so many requests, or of as many as there is time for.
+double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& done) {
+  const Image input;
+  const Image output({}, 2);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(kMostSeconds);
+  std::vector<Sample> samples;
+  samples.reserve(most);
+  for (done = 0; done < most; ++done) {
+    if (done % 50 == 0 && std::chrono::steady_clock::now() > end) break;
+    if (!runOne(client, inbox, input, output, 1000 + done)) return 0;
+    if (done % 5 == 0) samples.push_back({static_cast<double>(done), static_cast<double>(allocatedBytes())});
+  }
+  samples.erase(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(samples.size() / 2));
+  return slopeOf(samples);
+}
+
+void tryManyRequests(Client& client, Inbox& inbox) {
+  uint64_t done = 0;
+  double least = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    step("bytes for each of " + std::to_string(kManyRequests) + " requests, round " +
+         std::to_string(round + 1));
+    const double slope = slopeOfRequests(client, inbox, kManyRequests, done);
+    least = round == 0 ? slope : std::min(least, slope);
+    if (testing::Test::HasFailure() || least < kBytesOfRequest) break;
+  }
+  const std::string count = std::to_string(done) + " requests: ";
+  HOLDS(least < kBytesOfRequest) << count << "none may leave memory behind, and allocated memory grows by "
+                                 << least
+                                 << " bytes for each (least squares over the second half, the least of "
+                                 << kRounds
+                                 << " rounds); usually a list of requests or results is never erased from";
+  note(count + std::to_string(least) + " bytes each" +
+       (done < kFewestForSlope ? ", too few to be sure" : ""));
+}
+
+// Requests of one format and layout, with numbers beside theirs that are somebody else's.
+void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
+  const Image input(shape, 1);
+  const Image output(shape, 2);
+  const Image second(shape, 3);
+  for (const Image* image : {&input, &output, &second}) watch.lend(image->fd());
+  const Holdings before = Holdings::now();
+  for (uint64_t id = 1; id <= 3; ++id) {
+    Request request;
+    request.nativeReq = id;
+    request.inputs = {&input, &input};
+    request.outputs = {&output, &second};
+    submit(scene.client, scene.inbox, scene.parameters, request);
+    HOLDS(scene.inbox.waitFor(id)) << kNoCallback << what;
+    scene.inbox.forget();
+  }
+  const auto end = std::chrono::steady_clock::now() + kSettle;
+  Holdings growth = Holdings::now() - before;
+  while ((growth.descriptors > 0 || growth.imageMappings > 0) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    growth = Holdings::now() - before;
+  }
+  HOLDS(growth.descriptors <= 0 && growth.imageMappings <= 0)
+      << "three requests with " << what << " must leave no descriptor and no mapping: " << growth.descriptors
+      << " descriptors and " << growth.imageMappings << " mappings are left after " << kSettle.count()
+      << " s; usually the way out for this format is another one, without close";
+  for (const Image* image : {&input, &output, &second}) watch.forget(image->fd());
+  for (const std::string& wrong : watch.takeWrong()) {
+    ADD_FAILURE() << "a request with " << what
+                  << ": a library closes each descriptor that it opened once, and none "
+                  << "other, and there was " << wrong
+                  << "; usually it is closed twice, and the number is another file's by then";
+  }
+}
+
+}  // namespace
+
+void checkLeaks() {
+  OPEN_LIBRARY(library);
+  Client client;
+  Inbox inbox;
+  // A thread that ends is listed for a moment longer.
+  constexpr std::chrono::milliseconds kListed{150};
+  step("the first " + std::to_string(kWarmUp) + " requests");
+  if (!runMany(client, inbox, 1, kWarmUp)) return;
+  std::this_thread::sleep_for(kListed);
+  const Holdings before = Holdings::now();
+  step(std::to_string(kRequests) + " requests more");
+  if (!runMany(client, inbox, 1 + kWarmUp, kRequests)) return;
+  std::this_thread::sleep_for(kListed);
+  const Holdings growth = Holdings::now() - before;
+  judgeGrowth(growth);
+  note(growth.text());
+  if (!testing::Test::HasFailure()) tryManyRequests(client, inbox);
+}
+
+void checkDescriptors() {
+  OPEN_LIBRARY(library);
+  DescriptorWatch watch;
+  Scene scene;
+  scene.run(1);
+  scene.inbox.forget();
+  for (int32_t format : Image::formats()) {
+    for (const Layout& layout : kLayouts) {
+      const ImageShape shape = {format, 64, 48, layout.padding, layout.paddingRows, layout.isHardwareBuffer};
+      const std::string what = "images " + describe(Image(shape).frame()) + " " + layout.name;
+      step(what);
+      watchOne(scene, watch, shape, what);
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+  if (!DescriptorWatch::canSee()) note("close is not looked at under a sanitizer");
+}
+
+}  // namespace orlu::conform
