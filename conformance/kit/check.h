@@ -64,6 +64,9 @@ struct Outcome {
 // Why a check is skipped when the time for all checks is over. The command fails then.
 constexpr char kOutOfTime[] = "not tried: the time for all checks is over (--budget)";
 
+// The time for all checks begins anew.
+void startBudget();
+
 // Runs the check in a child process and waits for it, for the time limit at most, and until the time for all
 // checks is over. Reports progress on standard error. Must be called inside a test, with no other thread
 // running.

@@ -82,7 +82,7 @@ Child start(const Check& check) {
   return child;
 }
 
-const Clock::time_point kStarted = Clock::now();
+Clock::time_point gStarted = Clock::now();
 constexpr std::chrono::seconds kSilence{2};   // before the first line of progress
 constexpr std::chrono::seconds kProgress{5};  // between two of them
 constexpr std::chrono::milliseconds kLook{200};
@@ -92,7 +92,7 @@ int gMissingChecks = 0;
 
 Clock::time_point budgetEnd() {
   const int budget = options().budgetSeconds;
-  return budget == 0 ? Clock::time_point::max() : kStarted + std::chrono::seconds(budget);
+  return budget == 0 ? Clock::time_point::max() : gStarted + std::chrono::seconds(budget);
 }
 
 // Reads words until the process closes its end. "", or why the check is not waited for any longer.
@@ -208,6 +208,10 @@ void endNotTried(const std::string& why) {
 void missCallback() {
   static std::atomic<bool> isReported{false};
   if (!isReported.exchange(true)) send('C', "");
+}
+
+void startBudget() {
+  gStarted = Clock::now();
 }
 
 testing::TestEventListener* newCheckListener() {

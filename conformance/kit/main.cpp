@@ -1,6 +1,7 @@
 // The command behind ./run conform: runs the checks over one algorithm library.
 #include <getopt.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -27,6 +28,8 @@ constexpr char kUsage[] =
     "  --hostile SECONDS      how long random parameters are sent (3)\n"
     "  --long                 a minute of random parameters\n"
     "  --seed NUMBER          of the random parameters (1)\n"
+    "  --repeat ROUNDS        run the checks so often, each round with the next seeds\n"
+    "  --shuffle SEED         run the checks in another order, of this seed\n"
     "  --patience SECONDS     how long each callback is waited for (10)\n"
     "  --limit SECONDS        how long each check may take (120)\n"
     "  --budget SECONDS       how long all of them may take (110; 0: no limit, as --long)\n"
@@ -67,6 +70,18 @@ private:
   const Check& mCheck;
 };
 
+// Gives each round of --repeat its seeds, and time of its own.
+class Rounds : public testing::EmptyTestEventListener {
+  void OnTestIterationStart(const testing::UnitTest& test, int round) override {
+    startBudget();
+    if (round > 0) ++options().seed;
+    const bool isShuffled = testing::GTEST_FLAG(shuffle);
+    if (gIsQuiet || (testing::GTEST_FLAG(repeat) == 1 && !isShuffled)) return;
+    std::printf("round %d, to be had again with --seed %u%s\n", round + 1, options().seed,
+                isShuffled ? (" --shuffle " + std::to_string(test.random_seed())).c_str() : "");
+  }
+};
+
 enum Flag {
   kOnly = 1,
   kList,
@@ -80,6 +95,8 @@ enum Flag {
   kLimit,
   kBudget,
   kAllowNoise,
+  kRepeat,
+  kShuffle,
   kHelp
 };
 
@@ -96,6 +113,8 @@ constexpr option kFlags[] = {
     {"limit",       required_argument, nullptr, kLimit     },
     {"budget",      required_argument, nullptr, kBudget    },
     {"allow-noise", no_argument,       nullptr, kAllowNoise},
+    {"repeat",      required_argument, nullptr, kRepeat    },
+    {"shuffle",     required_argument, nullptr, kShuffle   },
     {"help",        no_argument,       nullptr, kHelp      },
     {nullptr,       0,                 nullptr, 0          },
 };
@@ -131,6 +150,13 @@ double positive(const char* text, const char* flag) {
     refuse(std::string("--") + flag + " takes a number that is not negative, not \"" + text + "\"");
   }
   return number;
+}
+
+// GoogleTest's own, which knows 0 for the time of day.
+int shuffleSeed(const char* text) {
+  const auto seed = static_cast<int>(positive(text, "shuffle"));
+  if (seed < 1 || seed > 99999) refuse("--shuffle takes a seed from 1 to 99999");
+  return seed;
 }
 
 void listChecks() {
@@ -173,6 +199,13 @@ void readCommandLine(int argc, char** argv) {
       case kAllowNoise:
         taken.allowNoise = true;
         break;
+      case kRepeat:
+        testing::GTEST_FLAG(repeat) = static_cast<int>(std::max(positive(optarg, "repeat"), 1.0));
+        break;
+      case kShuffle:
+        testing::GTEST_FLAG(shuffle) = true;
+        testing::GTEST_FLAG(random_seed) = shuffleSeed(optarg);
+        break;
       case kBudget:
         taken.budgetSeconds = static_cast<int>(positive(optarg, "budget"));
         break;
@@ -206,6 +239,7 @@ void registerChecks() {
   auto& listeners = testing::UnitTest::GetInstance()->listeners();
   delete listeners.Release(listeners.default_result_printer());
   listeners.Append(newCheckListener());
+  listeners.Append(new Rounds());
 }
 
 int runChecks() {
