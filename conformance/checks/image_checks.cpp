@@ -73,7 +73,9 @@ public:
     Request request;
     request.algorithms = std::move(algorithms);
     request.inputs = {&mInput};
+    static uint64_t last = 0;  // a callback too many must not pass for the next request's
     for (int filler : {70, 9}) {
+      request.nativeReq = ++last;
       std::vector<std::unique_ptr<Image>> images;
       request.outputs.clear();
       for (size_t i = 0; i < outputs; ++i) {
