@@ -1,6 +1,4 @@
 // The life of clients, and what Java does inside callbacks and while one has not returned.
-#include <malloc.h>
-
 #include <algorithm>
 #include <atomic>
 
@@ -86,9 +84,7 @@ void tryManyClients() {
 
 // destroyClient while workers are busy: what they use of the client is poisoned when it is freed.
 void endBusyClients() {
-#ifdef M_PERTURB
-  mallopt(M_PERTURB, 0x5A);
-#endif
+  poison(0x5A);
   Inbox inbox;
   std::atomic<int> alive{1};
   std::atomic<int> late{0};
@@ -120,9 +116,7 @@ void endBusyClients() {
         << "an output is written after destroyClient has returned; usually it does not "
         << "wait for the workers of its client";
   }
-#ifdef M_PERTURB
-  mallopt(M_PERTURB, 0);
-#endif
+  poison(0);
   HOLDS(late == 0) << late << " callbacks came after destroyClient had returned";
 }
 

@@ -1,7 +1,6 @@
 // The same request gives the same bytes: whatever memory held before, and whichever requests came before.
-#include <malloc.h>
-
 #include "checks.h"
+#include "holdings.h"
 #include "known_names.h"
 #include "scene.h"
 
@@ -9,13 +8,6 @@ namespace orlu::conform {
 namespace {
 
 constexpr int kPoisons[] = {0x11, 0xEE};
-
-// What fresh and freed memory is filled with from now on; 0 for nothing.
-void poison([[maybe_unused]] int byte) {
-#ifdef M_PERTURB
-  mallopt(M_PERTURB, byte);
-#endif
-}
 
 class Repeats {
 public:

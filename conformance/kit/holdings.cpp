@@ -46,6 +46,12 @@ int64_t allocatedBytes() {
 #endif
 }
 
+void poison([[maybe_unused]] int byte) {
+#ifdef M_PERTURB
+  mallopt(M_PERTURB, byte);  // NOLINT(concurrency-mt-unsafe): a word that is read at each call of malloc
+#endif
+}
+
 Holdings Holdings::now() {
   Holdings holdings;
   holdings.descriptors = entriesOf("/proc/self/fd");

@@ -23,4 +23,7 @@ struct Holdings {
 // Bytes that are allocated.
 int64_t allocatedBytes();
 
+// What fresh and freed memory is filled with from now on, where the C library can; 0 for nothing.
+void poison(int byte);
+
 }  // namespace orlu::conform
