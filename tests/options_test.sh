@@ -16,6 +16,7 @@ done <<'REFUSED'
 --jason|unknown option --jason (did you mean --json?); see ./run --help
 --pram|unknown option --pram (did you mean --params?); see ./run --help
 --out|--out needs a value; see ./run --help
+--params=x|--params takes no value, found "x"; see ./run --help
 --photo none.jpg|--photo: no such photo: none.jpg
 infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
 --out a replay|the subcommand comes first: ./run replay ...; see ./run --help

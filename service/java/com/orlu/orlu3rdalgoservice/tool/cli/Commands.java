@@ -175,8 +175,8 @@ final class Commands {
                             + first.paramLabel();
         }
         if (e.getArgSpec() instanceof OptionSpec option && e.getValue() != null) {
-            return "%s needs %s, found \"%s\"".formatted(
-                    option.longestName(), option.paramLabel(), e.getValue());
+            return "%s %s, found \"%s\"".formatted(option.longestName(), option.arity().max() == 0
+                    ? "takes no value" : "needs " + option.paramLabel(), e.getValue());
         }
         return e.getMessage();
     }
