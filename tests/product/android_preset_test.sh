@@ -6,7 +6,8 @@ set -euo pipefail
 project=$1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir -p "$work/ndk/build/cmake"
+mkdir -p "$work/ndk/build/cmake" "$work/ndk/sources/third_party/googletest/src"
+touch "$work/ndk/sources/third_party/googletest/src/gtest-all.cc"
 cat >"$work/ndk/build/cmake/android.toolchain.cmake" <<'END'
 if(NOT ANDROID_ABI STREQUAL "armeabi-v7a" OR NOT ANDROID_STL STREQUAL "c++_shared" OR NOT ANDROID_PLATFORM)
   message(FATAL_ERROR "the NDK is not told what to build for")
@@ -17,10 +18,11 @@ END
 
 export ANDROID_NDK_HOME=$work/ndk
 (cd "$project" && cmake --preset android -B "$work/build") >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
-commands=$(ninja -C "$work/build" -n -v orlu_vas_native_interface orlu_probe)
+commands=$(ninja -C "$work/build" -t commands orlu_vas_native_interface orlu_probe conform_kit)
+grep -q -- '-o kit/conform ' <<<"$commands"
 grep -q -- '-o probe/liborlu.vac.interface.so' <<<"$commands"
 grep -q -- '-o lib/liborlu.vas.native.interface.so' <<<"$commands"
-if grep -E '\.jar|turbojpeg|gtest|-o lib/liborlu\.vac\.interface' <<<"$commands"; then
+if grep -E '\.jar|turbojpeg|libgtest|-o lib/liborlu\.vac\.interface' <<<"$commands"; then
   echo "FAILED: builds what the NDK has not"
   exit 1
 fi
