@@ -7,8 +7,9 @@ source "$root/scripts/arm_root.sh"
 
 readonly usage="usage: ./run sdk DIR
 
-Makes the folder DIR for makers of algorithm libraries: the header, the kit for x86-64
-and 32-bit ARM, the least library that works, and the docs. DIR must be empty or missing."
+Makes the folder DIR for makers of algorithm libraries: the header, the kit for
+x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be empty or
+missing."
 
 # refuse TEXT: as the other subcommands refuse a command line.
 refuse() {

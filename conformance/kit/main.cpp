@@ -32,7 +32,7 @@ constexpr char kUsage[] =
     "  --shuffle SEED         run the checks in another order, of this seed\n"
     "  --patience SECONDS     how long each callback is waited for (10)\n"
     "  --limit SECONDS        how long each check may take (120)\n"
-    "  --budget SECONDS       how long all of them may take (110; 0: no limit, as --long)\n"
+    "  --budget SECONDS       how long all may take (110; 0: no limit, as --long)\n"
     "  --allow-noise          outputs of the same request may differ: a warning\n"
     "  --arm                  a 32-bit ARM library, under an emulator\n"
     "  --help                 print this\n"

@@ -41,8 +41,8 @@ final class Commands {
             new Row("trim", "write a smaller copy of a recording", TrimCommand::new),
             new Row("diff", "compare two runs of a request", DiffCommand::new),
             new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
-                    "--only= --list --json --junit= --contract --hostile= --long --seed= --patience= "
-                    + "--limit= --arm")),
+                    "--only= --list --json --junit= --contract --hostile= --long --seed= --repeat= "
+                    + "--shuffle= --patience= --limit= --budget= --allow-noise --arm")),
             new Row("sdk", "write a folder for makers of algorithm libraries",
                     () -> new LaunchedCommand("")),
             new Row("tags", "list tags: type, unit, meaning, who reads them",
