@@ -139,7 +139,7 @@ SoakClient::SoakClient(SoakShared& shared, const SoakArguments& arguments, uint6
 }
 
 SoakClient::~SoakClient() {
-  while (mPending.load() > 0) std::this_thread::sleep_for(std::chrono::microseconds(100));
+  waitForHeld();
   standin::AlgoScript script = scriptOf(mPlain, &kSoakEndFaults[mRandom() % std::size(kSoakEndFaults)]);
   script.finishInDestroyClient = true;
   test::setThreadScript(&script);
@@ -218,6 +218,7 @@ void SoakClient::finish(uint64_t request, const SoakWay& way, const HeldCallback
       break;
     case SoakCallbacks::kWithoutMemory:
       hold(callback, true);
+      waitForHeld();
       finishByName(callback.nativeReq);
       break;
     default:
@@ -231,6 +232,10 @@ void SoakClient::hold(HeldCallback callback, bool isWithoutMemory) {
   callback.isWithoutMemory = isWithoutMemory;
   ++mPending;
   mShared.attached.hold(callback);
+}
+
+void SoakClient::waitForHeld() {
+  while (mPending.load() > 0) std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
 bool SoakClient::endOne() {

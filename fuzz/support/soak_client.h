@@ -56,6 +56,7 @@ private:
   bool processImage(Current& current, const SoakWay& way);
   void finish(uint64_t request, const SoakWay& way, const HeldCallback& callback);
   void hold(HeldCallback callback, bool isWithoutMemory = false);
+  void waitForHeld();
   void end(int64_t address);
   void finishByName(uint64_t nativeReq);
 

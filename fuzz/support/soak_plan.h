@@ -43,7 +43,7 @@ enum class SoakCallbacks : uint8_t {
   kAfterFinish,      // when Java, which guessed the id, has finished the request
   kFinishOnly,       // none: Java finishes the request, and the client's end destroys its block
   kThrowing,         // and the call into Java throws
-  kWithoutMemory     // and there is no memory for the map for Java, who finishes the request meanwhile
+  kWithoutMemory     // and there is no memory for the map for Java, who finishes the request by its id
 };
 
 // A row of the ledger.
