@@ -4,6 +4,7 @@
 check_test.py BUILD_FOLDER
 """
 
+import json
 import os
 import random
 import re
@@ -275,6 +276,23 @@ def takes_comments():
     expect(done.stderr, (0, []), (done.returncode, found[0]))
 
 
+def escapes_foreign_text():
+    """A request's own texts and its file's name reach no terminal as control characters."""
+    attack = "\x1b[2J\x85\u202e"
+    whole = json.loads((ROOT / "samples/capture.json").read_text())
+    whole["about"] = whole["request"]["type"] = attack
+    del whole["algorithms"]
+    whole["photo"] = str(ROOT / "samples/photos/portrait.jpg")
+    whole["frames"]["common"]["composition"] = {attack: {"string": attack},
+                                                "orlu.control.algoType": ["jpegEncode", attack]}
+    Path("escape\x1b.json").write_text(json.dumps(whole))
+    for options in (["--check"], ["--params", "--tags", "--explain=all"]):
+        done = run(*options, "escape\x1b.json", ORLU_TRIALS="off")
+        text = done.stdout + done.stderr
+        unsafe = re.findall("[^\n]*[\x00-\x08\x0b-\x1f\x7f-\x9f\u202e][^\n]*", text)
+        expect(options, (True, []), ("\\u001b" in text, unsafe))
+
+
 def mutated(text, chance):
     """The text with one thing in it changed, at a random place."""
     tokens = list(re.finditer(r'"[^"]*"|-?\d[\d.]*|[\[\]{},:]', text))
@@ -320,6 +338,6 @@ def survives_mutations():
 
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
-    for case in (says_each, warns, says_all_in_order, takes_comments, survives_mutations):
+    for case in (says_each, warns, says_all_in_order, takes_comments, escapes_foreign_text, survives_mutations):
         case()
 finish()

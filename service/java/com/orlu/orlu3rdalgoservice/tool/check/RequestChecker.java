@@ -10,6 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.PrintStream;
 import java.nio.file.Path;
@@ -114,7 +115,7 @@ public final class RequestChecker {
 
     /** Prints a line about each file without a mistake. */
     public void printUnderstood(PrintStream to) {
-        mUnderstood.forEach(line -> to.println(line.get()));
+        mUnderstood.forEach(line -> to.println(Printable.line(line.get())));
     }
 
     /** Prints a line for each mistake and warning, and their counts; nothing if there are none. */

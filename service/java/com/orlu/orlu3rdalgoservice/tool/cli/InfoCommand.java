@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.view.RecordingSummary;
 
 import java.io.IOException;
@@ -31,7 +32,7 @@ final class InfoCommand implements Subcommand {
                 } catch (MistakeException e) {
                     // The others may be whole.
                     System.out.flush();
-                    System.err.println("run: " + e.getMessage());
+                    System.err.println("run: " + Printable.message(e));
                     status = Verdict.REFUSED;
                 }
             }

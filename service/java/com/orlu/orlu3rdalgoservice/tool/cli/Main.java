@@ -5,6 +5,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.util.List;
@@ -32,7 +33,7 @@ public final class Main {
         try {
             return TrialSession.run(arguments, library);
         } catch (IOException e) {
-            return failed("can't write or read " + e.getMessage());
+            return failed("can't write or read " + Printable.message(e));
         }
     }
 
@@ -45,14 +46,14 @@ public final class Main {
             String died = System.getProperty("orlu.died");
             return died == null ? command.run() : command.afterDeath(Integer.parseInt(died));
         } catch (IllegalArgumentException | MistakeException e) {
-            System.err.println("run: " + e.getMessage());
+            System.err.println("run: " + Printable.message(e));
             return Verdict.REFUSED;
         } catch (IOException e) {
-            return failed("can't write or read " + e.getMessage());
+            return failed("can't write or read " + Printable.message(e));
         } catch (OutOfMemoryError e) {
             return failed("out of memory: the frames are too many or too large");
         } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
-            return failed(e.getMessage());
+            return failed(Printable.message(e));
         }
     }
 

@@ -25,6 +25,7 @@ import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
@@ -59,7 +60,7 @@ final class PostMortem {
         Crash crash = new Crash(events, mExitStatus, hasVmReport ? Files.readString(vmReport) : "");
         Files.createDirectories(mOptions.written.out);
         Path file = mOptions.written.out.resolve(REPORT);
-        Files.writeString(file, crash.report());
+        Files.writeString(file, Printable.lines(crash.report()));
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions, new Timeline());
         if (mOptions.written.report != null) {
@@ -98,10 +99,10 @@ final class PostMortem {
                         null, null);
                 RunReport report = new RunReport(
                         run, ImageResults.NONE, verdict, TrialSession.found(pages.count()), "", crash);
-                System.out.println(
-                        "  page        " + pages.add(report, inputs(request), new Timeline(), source));
+                System.out.println("  page        " + Printable.line(
+                        pages.add(report, inputs(request), new Timeline(), source)));
             } catch (MistakeException e) {
-                System.err.println("run: no page: " + e.getMessage());
+                System.err.println("run: no page: " + Printable.message(e));
             }
         }
         pages.writeIndex(requests);
@@ -120,7 +121,7 @@ final class PostMortem {
             exhibits.afterCrash(inputs);
             return exhibits;
         } catch (ErrnoException | MistakeException e) {
-            System.err.println("run: no pictures in the page: " + e.getMessage());
+            System.err.println("run: no pictures in the page: " + Printable.message(e));
             return null;
         } finally {
             inputs.forEach(ImageBuffer::close);

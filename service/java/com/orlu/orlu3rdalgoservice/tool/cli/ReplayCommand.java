@@ -5,6 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.IOException;
@@ -82,7 +83,7 @@ final class ReplayCommand implements Subcommand {
             return mComparison.print(before.name(), before, after);
         }
         boolean isRight = after.isComplete() && !after.hasFailed();
-        System.out.println(before.name() + ": " + (isRight ? "ran" : "went wrong") + ", "
+        System.out.println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong") + ", "
                 + after.parameters().size() + " parameters; nothing was recorded to compare with");
         if (!isRight) {
             to.print(2, "came to " + after.outcomes());

@@ -35,6 +35,7 @@ import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
@@ -191,7 +192,7 @@ final class Session {
                     failed.size(), requests.size(), String.join(", ", failed));
             mTo.println();
             if (mPages != null) {
-                mTo.println("  page        " + mPages.index());
+                mTo.println("  page        " + Printable.line(mPages.index().toString()));
             }
             mTo.println(new Verdict(status, List.of(reason)).line());
         }

@@ -16,6 +16,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -52,11 +53,11 @@ final class TrialSession {
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
                 // No command comes behind these that would say it.
-                System.err.println("run: " + e.getMessage());
+                System.err.println("run: " + Printable.message(e));
             }
             return Verdict.REFUSED;
         } catch (ErrnoException | IllegalStateException | OutOfMemoryError | UnsatisfiedLinkError e) {
-            all.add(Dependences.unknown("the trials ended early: " + e.getMessage()));
+            all.add(Dependences.unknown("the trials ended early: " + Printable.message(e)));
         }
         Dependences.write(to, all);
         return Verdict.OK;

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.IOException;
@@ -51,7 +52,7 @@ public final class ComparisonReport {
         List<Difference> differences = comparison.differences();
         boolean canComeFromTags = differences.stream().anyMatch(Difference::canComeFromTags);
         Causes causes = mOptions.explains() && canComeFromTags && hasFrames() ? causes() : null;
-        System.out.println(title + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
+        System.out.println(Printable.line(title) + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
                 + comparison.compared());
         for (Difference difference : differences.subList(0, Math.min(SHOWN, differences.size()))) {
             mTo.print(2, difference.text());
@@ -86,7 +87,7 @@ public final class ComparisonReport {
         try {
             return Dependences.read(new ChildRun("trials", false, null).trials(request)).get(0);
         } catch (IllegalStateException e) {
-            return Dependences.unknown(e.getMessage());
+            return Dependences.unknown(Printable.message(e));
         }
     }
 

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+
 /**
  * Shows on standard error how far long work is, in one line that is rewritten; nothing when that is no
  * terminal, which the property orlu.terminal says. Any thread may report.
@@ -27,7 +29,7 @@ public final class Progress {
             return;
         }
         sNext = now + PAUSE_NANOSECONDS;
-        System.err.print(CLEAR_LINE + line);
+        System.err.print(CLEAR_LINE + Printable.line(line));
         System.err.flush();
         sShown = true;
     }

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+
 import java.util.List;
 
 /**
@@ -23,6 +25,6 @@ public record Verdict(int status, List<String> reasons) {
 
     /** The line that a run ends with. */
     public String line() {
-        return "verdict  " + (status == OK ? "ok" : "FAILED: " + String.join("; ", reasons));
+        return status == OK ? "verdict  ok" : Printable.line("verdict  FAILED: " + String.join("; ", reasons));
     }
 }

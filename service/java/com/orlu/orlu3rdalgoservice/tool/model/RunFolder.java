@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.io.RandomAccessFile;
@@ -184,7 +185,7 @@ public final class RunFolder {
                 }
             }
         } catch (MistakeException e) {
-            System.err.println("run: " + e.getMessage());
+            System.err.println("run: " + Printable.message(e));
         }
     }
 

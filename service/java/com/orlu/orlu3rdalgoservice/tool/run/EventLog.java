@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.nio.ByteBuffer;
@@ -67,7 +68,7 @@ public final class EventLog {
         try {
             mFile.write(ByteBuffer.wrap((JsonWriter.line(line) + '\n').getBytes(StandardCharsets.UTF_8)));
         } catch (IOException e) {
-            System.err.println("run: events: " + e.getMessage());
+            System.err.println("run: events: " + Printable.message(e));
         }
     }
 }

@@ -17,7 +17,7 @@ public final class Printable {
     }
 
     /** Returns what an exception says, in one line; never empty. */
-    public static String message(Exception e) {
+    public static String message(Throwable e) {
         String message = e.getMessage();
         return message != null && !message.isBlank() ? line(message)
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();

@@ -34,7 +34,7 @@ public final class RecordingSummary {
     /** Prints a line on each thing, down to where the recording ends. */
     public void print() throws MistakeException {
         Json header = mRun.header();
-        mTo.println(mRun.folder());
+        mTo.println(Printable.line(mRun.folder().toString()));
         line("recorded", Instant.ofEpochMilli(header.require("milliseconds").integer(0, MOST_MILLISECONDS))
                 + " on " + header.string("machine", "") + ", " + header.string("system", "") + ", interface "
                 + header.require("interface").text());
@@ -57,7 +57,7 @@ public final class RecordingSummary {
     }
 
     private void line(String name, String text) {
-        mLines.print(2, LABEL_WIDTH, name, Printable.line(text));
+        mLines.print(2, LABEL_WIDTH, name, text);
     }
 
     // One line for those that follow each other and have the same text: "frame 1 to 6".
