@@ -16,6 +16,7 @@ from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
+from hostile_page import check_hostile
 from pages import NARROW, ROOT, WIDE, browser, make_pages, padded_request, set_window, show
 
 TABS = ["pictures", "memory", "timeline", "parameters", "tags", "results", "log"]
@@ -296,6 +297,7 @@ def check_all(build, shots):
                     part(page)
                 page.console()
         check_index(driver, build, folder)
+        check_hostile(driver, build, folder, TABS, check)
 
 
 def make_picture(build, file):

@@ -1,11 +1,18 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.io.InputStream;
 import java.nio.charset.StandardCharsets;
+import java.security.MessageDigest;
+import java.security.NoSuchAlgorithmException;
+import java.util.Base64;
 import java.util.List;
+import java.util.Map;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 
 /** Puts a page together: its HTML, style sheets, scripts and data in one file that needs no other. */
 final class PageTemplate {
@@ -15,6 +22,7 @@ final class PageTemplate {
     private static final List<String> REQUEST = List.of("histogram.js", "loupe.js", "compare.js",
             "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js");
     private static final List<String> INDEX = List.of("index.js");
+    private static final Pattern PART = Pattern.compile("@(title|policy|style|script|data)@");
 
     private PageTemplate() {
     }
@@ -31,24 +39,44 @@ final class PageTemplate {
 
     private static String page(String html, String title, List<String> scripts, Object data)
             throws IOException {
-        StringBuilder script = new StringBuilder();
+        StringBuilder script = new StringBuilder("\n");
         for (List<String> names : List.of(COMMON, scripts)) {
             for (String name : names) {
                 script.append(resource(name));
             }
         }
-        StringBuilder style = new StringBuilder();
+        StringBuilder style = new StringBuilder("\n");
         for (String name : STYLES) {
             style.append(resource(name));
         }
         // Nothing in the data can end the element around it.
-        return resource(html).replace("@title@", escaped(title)).replace("@style@", style)
-                .replace("@script@", script).replace("@data@", JsonWriter.line(data).replace("<", "\\u003c")
-                        .replace(">", "\\u003e").replace("&", "\\u0026"));
+        Map<String, String> parts = Map.of("title", escaped(title), "policy", policy(script, style),
+                "style", style.toString(), "script", script.toString(),
+                "data", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e")
+                        .replace("&", "\\u0026"));
+        // In one pass: what is inserted may itself look like the name of a part.
+        return PART.matcher(resource(html)).replaceAll(
+                part -> Matcher.quoteReplacement(parts.get(part.group(1))));
+    }
+
+    /** Only the page's own script and styles count, and only images inside the page; nothing is loaded. */
+    private static String policy(CharSequence script, CharSequence style) throws IOException {
+        return ("default-src 'none'; script-src '%s'; style-src '%s'; img-src data:; "
+                + "base-uri 'none'; form-action 'none'").formatted(hash(script), hash(style));
+    }
+
+    private static String hash(CharSequence text) throws IOException {
+        try {
+            byte[] digest = MessageDigest.getInstance("SHA-256")
+                    .digest(text.toString().getBytes(StandardCharsets.UTF_8));
+            return "sha256-" + Base64.getEncoder().encodeToString(digest);
+        } catch (NoSuchAlgorithmException e) {
+            throw new IOException(e);
+        }
     }
 
     private static String escaped(String text) {
-        return text.replace("&", "&amp;").replace("<", "&lt;");
+        return Printable.line(text).replace("&", "&amp;").replace("<", "&lt;");
     }
 
     private static String resource(String name) throws IOException {

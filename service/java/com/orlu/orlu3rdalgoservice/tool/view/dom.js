@@ -16,13 +16,22 @@ function s(name, attributes, ...children) {
 function fill(element, attributes, children) {
   for (const [key, value] of Object.entries(attributes || {})) {
     if (key.startsWith("on")) element.addEventListener(key.slice(2), value);
-    else if (value === true) element.setAttribute(key, "");
-    else if (value !== null && value !== undefined && value !== false) element.setAttribute(key, value);
+    // The page's policy refuses style attributes.
+    else if (key === "style") element.style.cssText = value;
+    else if (value !== null && value !== undefined && value !== false)
+      element.setAttribute(key, value === true ? "" : printable(value));
   }
   for (const child of children.flat(2)) {
-    if (child !== null && child !== undefined) element.append(child);
+    if (child === null || child === undefined) continue;
+    element.append(child instanceof Node ? child : printable(child));
   }
   return element;
+}
+
+// Text with control characters escaped, also those that change the direction of what follows.
+function printable(text) {
+  const unsafe = /[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g;
+  return String(text).replace(unsafe, c => "\\u" + c.charCodeAt(0).toString(16).padStart(4, "0"));
 }
 
 function plural(count, word) {

@@ -1,0 +1,89 @@
+"""Pages on requests whose every text is an attack: nothing of it may run, load, or change what is printed."""
+
+import json
+
+from pages import ROOT, make_pages, show
+
+ATTACK = ("</script></title></style><script>hit = 1</script><img src=x onerror=hit=1><svg onload=hit=1>"
+          "\"' onmouseover=hit=1 x='@script@ @data@ javascript:hit=1 &lt;script&gt;")
+CONTROLS = "\u001b[2J\u0085\u202e"
+# A file's name has no slash.
+FILE = "<img src=x onerror=hit=1>\"'@data@ &lt;b\u202e"
+UNSAFE = r"[\x00-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]"
+
+# What a page must not hold: elements or attributes of the attack, and characters that aren't shown as such.
+FOUND = f"""
+const found = [];
+if ("hit" in window) found.push("a script ran");
+if (document.querySelectorAll("script").length !== 2) found.push("a script was added");
+for (const element of document.querySelectorAll("*"))
+  for (const attribute of element.attributes)
+    if (attribute.name.startsWith("on") || /^\\s*javascript:/i.test(attribute.value)
+        || attribute.value === "x" || /{UNSAFE}/.test(attribute.value))
+      found.push(element.outerHTML.slice(0, 200));
+const shown = document.title + document.body.innerText;
+const unsafe = shown.match(/.{{0,40}}{UNSAFE}/);
+if (unsafe) found.push("a control character: " + JSON.stringify(unsafe[0]));
+return found;
+"""
+
+# What the policy stops, tried by a script of the page itself.
+STOPPED = """
+const done = arguments[0], stopped = new Set();
+addEventListener("securitypolicyviolation", event => stopped.add(event.effectiveDirective));
+const add = (name, key, value) =>
+  document.body.append(Object.assign(document.createElement(name), {[key]: value}));
+add("script", "textContent", "hit = 1");
+add("script", "src", "data:text/javascript,hit=1");
+add("img", "src", "http://127.0.0.1:9/x.png");
+add("iframe", "src", "http://127.0.0.1:9/");
+add("style", "textContent", "body {display: none}");
+add("div", "innerHTML", "<b onclick='hit=1' style='color: red'></b>");
+fetch("http://127.0.0.1:9/").catch(() => {});
+setTimeout(() => done(["hit" in window, [...stopped].sort()]), 500);
+"""
+POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-elem", "style-src-attr",
+          "style-src-elem"]
+
+
+def hostile_request(folder, name, text):
+    """The sample capture with this text wherever a request file has one of its own."""
+    request = json.loads((ROOT / "samples/capture.json").read_text())
+    request["about"] = text
+    request["request"]["type"] = text
+    del request["algorithms"]
+    request["properties"] = {"persist.vendor.x": text[-90:].encode()[-91:].decode(errors="ignore")}
+    request["photo"] = str(ROOT / "samples/photos/portrait.jpg")
+    common = request["frames"]["common"]
+    common["captureResult"].update({"com.orlu.chi.override.CameraType": {"text": text},
+                                    "orlu.control.localtime": text})
+    # Only a composition can have tags that the table of tags lacks.
+    common["composition"] = {text: {"string": text}, "orlu.control.algoType": ["jpegEncode", text]}
+    file = folder / f"{name}.json"
+    file.write_text(json.dumps(request))
+    return file
+
+
+def check_hostile(driver, build, folder, tabs, check):
+    """Looks at every tab of such pages, of one whose algorithm library fails, and at their index."""
+    requests = [hostile_request(folder, FILE, ATTACK + CONTROLS), hostile_request(folder, "plain", ATTACK)]
+    for fault in ("answers:process", "aborts:process"):
+        pages = folder / f"hostile-{fault}"
+        make_pages(build, pages, requests, fault, "off")
+        for file in sorted(pages.glob("*.html")):
+            show(driver, file)
+            for tab in tabs if file.name != "index.html" else ():
+                driver.find_element("id", f"tab-{tab}").click()
+                folded = driver.find_elements("css selector", "[role=tabpanel] [aria-expanded=false]")
+                for closed in folded[:3]:
+                    driver.execute_script("arguments[0].click()", closed)
+                found = driver.execute_script(FOUND)
+                check(f"{fault}, {file.name}, {tab}:", not found, found)
+            text = driver.find_element("tag name", "body").text
+            check(f"{fault}, {file.name} hides the attack", "onerror=hit=1" in text, text[:200])
+            messages = [entry["message"] for entry in driver.get_log("browser")]
+            check(f"{fault}, {file.name}: the console says", not messages, messages)
+        has_run, stopped = driver.execute_async_script(STOPPED)
+        check("the policy lets a script run", not has_run)
+        check("the policy stops", stopped == POLICY, stopped)
+        driver.get_log("browser")
