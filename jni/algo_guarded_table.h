@@ -1,5 +1,5 @@
-// A table of the algorithm library's operations, and the guard around each call of one: whatever the library
-// throws ends there, and a Java exception that it leaves on the calling thread is cleared. Both are logged
+// The algorithm library's table of operations with a guard around each call. The guard catches whatever the
+// library throws and clears any Java exception that the library leaves on the calling thread. It logs both
 // with the operation's name.
 #pragma once
 
@@ -15,19 +15,19 @@ namespace orlu {
 
 class AlgoGuardedTable {
 public:
-  // Gets a table from the provider; it is empty if there is no library. `javaVm` may be null: then no Java
-  // exception is looked for.
+  // Gets a table from the provider; the table stays empty if there is no library. `javaVm` may be null; then
+  // the guard does not check for Java exceptions.
   explicit AlgoGuardedTable(JavaVM* javaVm);
   AlgoGuardedTable(const AlgoGuardedTable&) = delete;
   AlgoGuardedTable& operator=(const AlgoGuardedTable&) = delete;
 
   const AlgoInterfaceCallbacks& operations() const { return mOperations; }
 
-  // The calling thread's environment; null if it has none, or there is no VM.
+  // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Calls an operation that the library offers, on a thread whose environment is `env` (null if it has none).
-  // Returns what the operation returns, or `failed` if it throws.
+  // Calls an operation that the library offers. `env` is the calling thread's environment or null. Returns
+  // the operation's result, or `failed` if it throws.
   template <typename Result, typename... Parameters, typename... Arguments>
   Result call(JNIEnv* env, const char* operation, const std::function<Result(Parameters...)>& callable,
               Result failed, Arguments&&... arguments) const {
@@ -41,15 +41,15 @@ public:
     return result;
   }
 
-  // A new block, or null; logs if the library does not offer it.
+  // Returns a new block or null. Logs an error if the library does not offer the operation.
   void* createBlock(AlgoMetadataKind kind) const;
-  // Null is skipped.
+  // Ignores null.
   void destroyBlock(void* block) const;
-  // The block's bytes; 0 if it is null or the library can't tell.
+  // Returns the block's size in bytes; 0 if the block is null or the library can't report the size.
   unsigned sizeOf(void* block) const;
   AlgoMetadataEntry entryOf(void* parameterBlock) const;
-  // Copies `size` bytes into the block or, at most, out of it. Returns 0, the library's own status, or -1 if
-  // the block is null, or the operation missing or throwing.
+  // Copy `size` bytes into the block, or at most `size` bytes out of it. Return 0, the library's own status,
+  // or -1 if the block is null, the operation is missing or it throws.
   int setValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
                unsigned size) const;
   int getValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
@@ -63,19 +63,19 @@ private:
   AlgoInterfaceCallbacks mOperations;
 };
 
-// A visitor as the algorithm library gets it. What the caller's visitor refers to is gone when the operation
-// returns, and Java's objects belong to the caller's thread; so it returns -1 on any other thread, and when
-// the loan is over.
+// Wraps the caller's visitor for the algorithm library. The caller's visitor refers to data that is gone when
+// the operation returns, and Java objects in that data belong to the caller's thread. The wrapper therefore
+// returns -1 on any other thread and after the loan ends.
 class LentVisitor {
 public:
-  // `visitor` is the caller's; it may be empty.
+  // Borrows `visitor`, which may be empty.
   explicit LentVisitor(const AlgoMetadataVisitor& visitor);
   LentVisitor(const LentVisitor&) = delete;
   LentVisitor& operator=(const LentVisitor&) = delete;
   // Ends the loan.
   ~LentVisitor();
 
-  // What to hand over; empty when the caller's visitor is.
+  // The wrapper to pass to the library; empty if the caller's visitor is empty.
   AlgoMetadataVisitor get() const;
 
 private:

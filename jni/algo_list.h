@@ -1,4 +1,4 @@
-// Helpers for the algorithm list of a request: the names of the algorithms to run, in order.
+// Helpers for a request's algorithm list: the names of the algorithms to run, in order.
 #pragma once
 
 #include <string>
@@ -6,20 +6,20 @@
 
 namespace orlu {
 
-// The names joined by one blank; "" for an empty list.
+// Joins the names with single spaces. Returns "" for an empty list.
 std::string printAlgoList(const std::vector<std::string>& list);
 
-// True when some entry's first `len` bytes are the first `len` bytes of `name`: callers pass the literal's
-// exact length, so an entry that goes on behind it matches too. An entry shorter than that does not.
+// Returns whether the first `len` bytes of any entry equal the first `len` bytes of `name`. Callers pass the
+// literal's exact length, so a longer entry matches too. An entry shorter than `len` does not match.
 bool isAlgoListContains(const std::vector<std::string>& list, const char* name, int len);
 
-// Erases every entry that isAlgoListContains() would match; the rest keep their order.
+// Erases every entry that isAlgoListContains() would match. The other entries keep their order.
 void removeAlgoFromAlgoList(std::vector<std::string>& list, const char* name, int len);
 
-// Erases from `list` every entry that does not equal some entry of `supported`, which stays as it is.
+// Erases from `list` every entry that equals no entry of `supported`. Does not change `supported`.
 void AlgoListSupportFilter(std::vector<std::string>& supported, std::vector<std::string>& list);
 
-// The first two with a string literal, whose length is taken from its type.
+// Overloads for string literals; the literal's type gives the length.
 template <size_t N>
 bool isAlgoListContains(const std::vector<std::string>& list, const char (&name)[N]) {
   return isAlgoListContains(list, name, static_cast<int>(N - 1));

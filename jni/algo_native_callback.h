@@ -1,5 +1,5 @@
-// The receiving end of one client's callbacks, which its cookie names: wakes the thread that waits for a
-// request, or calls Java.
+// Receives the callbacks of one client, identified by the cookie. Wakes the thread that waits for a request,
+// or calls Java.
 #pragma once
 
 #include <jni.h>
@@ -12,10 +12,10 @@
 
 namespace orlu {
 
-// The algorithm library may call back at any time, also for a client that Java has destroyed, and Java may
-// destroy its client in a callback; so this object is never freed. It takes 64 bytes for each client on a
-// 32-bit machine. All of it but the context and the counters is written once, before anybody knows the
-// cookie.
+// This object is never freed: the algorithm library may call back at any time, even for a client that Java
+// has destroyed, and Java may destroy its client in a callback. It takes 64 bytes per client on a 32-bit
+// machine. Everything except the context and the counters is written once, before the cookie is known to
+// anybody.
 class AlgoNativeCallback {
 public:
   // Creates a callback for a client and its context. `javaVm` is the VM of `env`; if `env` is null, Java is
@@ -25,16 +25,16 @@ public:
   AlgoNativeCallback(const AlgoNativeCallback&) = delete;
   AlgoNativeCallback& operator=(const AlgoNativeCallback&) = delete;
 
-  // The address of the AlgoResultCallback that ends up here; valid until the process ends.
+  // The address of this object's AlgoResultCallback; valid until the process ends.
   uint64_t cookie() const;
-  // The calling thread's environment; null when it has none, or there is no VM.
+  // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // From now on callbacks are counted and ignored; those under way finish as usual. The callback class is
-  // released here, or by the last callback that is inside Java. Without an `env` it stays referenced.
+  // Later callbacks are counted and ignored; running callbacks finish as usual. The callback class is
+  // released here, or by the last callback that is inside Java. If `env` is null, the class stays referenced.
   void close(JNIEnv* env);
 
-  // These are AlgoNativeClient's; see there.
+  // See AlgoNativeClient for these functions.
   void onPostProcessData(const android::hardware::hidl_vec<uint8_t>& data,
                          const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles);
   void onPostProcessDataLightStream(
@@ -50,19 +50,22 @@ private:
   ~AlgoNativeCallback() = default;
 
   void findCallbackMethod(JNIEnv* env);
-  // The client's context, or null, counted and logged for `operation`, if the client is gone.
+  // Returns the client's context. If the client is destroyed, counts the callback, logs it for `operation`
+  // and returns null.
   std::shared_ptr<AlgoNativeContext> open(const char* operation);
-  // The calling thread's environment, when it can call callbackFromNative(), without a pending exception;
-  // else null, logged for `operation`.
+  // Returns the calling thread's environment if it can call callbackFromNative() and has no pending
+  // exception. Otherwise logs the reason for `operation` and returns null.
   JNIEnv* callbackEnv(const char* operation) const;
-  // The library has called back for a request, which may be finished already.
+  // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Tells Java that it may finish a full-async request. An announcement that does not reach Java is logged
-  // for `operation`, and leaves the request to the end of its client. False if it was not tried.
+  // Tells Java that it may finish a full-async request. If Java can't be reached, logs the failure for
+  // `operation`; the request is then finished when its client is destroyed. Returns false if the call was not
+  // attempted.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Makes the map for Java and calls Java with it. False if there was no memory for it, or the call threw.
+  // Creates the map and calls Java with it. Returns false if there was no memory for the map or the call
+  // threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;
-  // False if the call threw, which is logged.
+  // Returns false if the call threw, and logs that.
   bool callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const;
 
   const int64_t mClientId;
@@ -72,10 +75,10 @@ private:
   jmethodID mPostDataMethod = nullptr;
   const int mAlgoContextIndex;
   // Guarded by one mutex for all clients, which is held for a few instructions.
-  std::shared_ptr<AlgoNativeContext> mContext;  // null when the client is gone
+  std::shared_ptr<AlgoNativeContext> mContext;  // null after the client is destroyed
   uint32_t mInsideJava = 0;                     // callbacks that use the class
-  uint32_t mIgnored = 0;                        // callbacks for a client that was gone
-  AlgoNativeCallback* mPrevious = nullptr;      // keeps all of them reachable, so that none counts as a leak
+  uint32_t mIgnored = 0;                        // callbacks after the client was destroyed
+  AlgoNativeCallback* mPrevious = nullptr;      // keeps all objects reachable for leak detectors
 };
 
 }  // namespace orlu

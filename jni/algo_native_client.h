@@ -1,5 +1,5 @@
 // The object behind a Java client handle: one algorithm context, the Java client's identity, and the result
-// callback that wakes a waiting thread or reaches Java.
+// callback that wakes a waiting thread or calls Java.
 #pragma once
 
 #include <jni.h>
@@ -15,48 +15,49 @@ namespace orlu {
 
 class AlgoNativeClient {
 public:
-  // Connects to the algorithm library. A null `env` makes a client that never reaches Java.
+  // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
   // Destroys the algorithm library's client first, which may call back meanwhile, then closes the callback,
   // then finishes the full-async requests that were never announced to Java. Must run on a thread that is
-  // attached to the VM, else the callback class stays referenced. Java may cause it from any callback.
+  // attached to the VM; otherwise the callback class stays referenced. Java may trigger it from any callback.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
   static AlgoNativeClient* of(int64_t handle);
   int64_t handle() const;
-  // A second object for the same client. What a native works on must stay valid until the native returns,
-  // but Java may destroy the client in any callback; so natives work on a copy. Destroying it has no effect.
+  // Returns a second object for the same client. Natives work on such a copy: their client must stay valid
+  // until they return, but Java may destroy the client in any callback. Destroying the copy has no effect.
   AlgoNativeClient copyForNative() const { return AlgoNativeClient(*this); }
 
   AlgoNativeContext& context() { return *mContext; }
-  // What a request hands to the algorithm library to be called back by. Valid until the process ends; when
-  // the client is gone, callbacks are ignored.
+  // Each request passes this cookie to the algorithm library to identify the callback. Valid until the
+  // process ends; after the client is destroyed, callbacks are ignored.
   uint64_t callbackCookie() const;
 
-  // Names the client in the request map. Never reused.
+  // Identifies the client in the request map. Never reused.
   const void* owner() const { return mCallback; }
-  // Finishes the client's full-async requests that Java will not finish, and destroys the blocks that only
-  // the algorithm library might still have used. For a client that is gone.
+  // For a destroyed client: finishes the full-async requests that Java will not finish, and destroys the
+  // blocks that only the algorithm library might still have used.
   void releaseRequests();
 
-  // Every callback of the algorithm library, on its own threads. What is not understood is ignored.
+  // Handles every callback of the algorithm library, on the library's threads. Ignores malformed and unknown
+  // callbacks.
   void onPostProcessData(const android::hardware::hidl_vec<uint8_t>& data,
                          const android::hardware::hidl_vec<uint8_t>& extra,
                          const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles);
-  // A light-stream event of `size` payload bytes goes to Java. Payloads under 48 bytes are ignored.
+  // Passes a light-stream event of `size` payload bytes to Java. Ignores payloads under 48 bytes.
   void onPostProcessDataLightStream(
       const uint8_t* payload, int size,
       const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles);
-  // A request is done: wakes its waiting thread, or tells Java when it is a full-async one.
+  // Handles a finished request: wakes its waiting thread, or notifies Java if the request is full-async.
   void onPostProcessDataCommonShot(uint64_t nativeReq);
 
 private:
   AlgoNativeClient(JNIEnv* env, JavaVM* javaVm, int64_t clientId, int algoContextIndex);
   AlgoNativeClient(const AlgoNativeClient& original) = default;
 
-  AlgoNativeClient* mSelf;  // the original, in a copy
+  AlgoNativeClient* mSelf;  // the original, also in a copy
   std::shared_ptr<AlgoNativeContext> mContext;
   AlgoNativeCallback* mCallback;  // never freed
 };

@@ -1,14 +1,14 @@
-// One client's connection to the algorithm library: the table of its operations and the client handle that it
-// returned. The only class that calls that library.
+// One client's connection to the algorithm library: the library's table of operations and the client handle
+// that it returned. No other class calls the library.
 //
-// An operation that the library does not offer is logged by its failure message and skipped. One that throws
-// is logged ("<operation> threw") and counts as not offered; a Java exception that it leaves on the calling
-// thread is logged and cleared. Metadata blocks are handles of the library: who creates one destroys it.
-// Operations on a null block are skipped.
+// If the library does not offer an operation, the call is skipped and the operation's failure message is
+// logged. An operation that throws is logged ("<operation> threw") and counts as not offered. A Java
+// exception that it leaves on the calling thread is logged and cleared. Metadata blocks are handles of the
+// library; whoever creates a block destroys it. Operations on a null block are skipped.
 //
-// Safe from any thread as far as the algorithm library is. Whoever calls an operation keeps the context alive
-// until the operation has returned; the library's client may be destroyed meanwhile, by Java inside a
-// callback. After that the library gets no operation on this client any more.
+// As thread-safe as the algorithm library. The caller of an operation keeps the context alive until the
+// operation returns. Java may destroy the library's client meanwhile, inside a callback; after that the
+// library receives no more operations on this client.
 #pragma once
 
 #include <jni.h>
@@ -27,14 +27,15 @@ namespace orlu {
 
 class AlgoNativeContext {
 public:
-  // Gets a table of its own from the provider and creates a client of the library. `javaVm`, which may be
-  // null, is where Java exceptions are looked for.
+  // Gets its own table from the provider and creates a client of the library. Java exceptions are checked for
+  // in `javaVm`, which may be null.
   explicit AlgoNativeContext(JavaVM* javaVm = nullptr);
   AlgoNativeContext(const AlgoNativeContext&) = delete;
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client, once; else the destructor does. The library may call back meanwhile.
+  // Destroys the library's client, once; the destructor does it otherwise. The library may call back
+  // meanwhile.
   void destroyClient();
 
   void init();
@@ -43,37 +44,40 @@ public:
   void flush();
   // The parameter block names the frame to abort.
   void abort(uint64_t first, uint64_t second, void* metadata);
-  // Tells the library that this process is about to end.
+  // Announces to the library that this process is about to end.
   void notify();
 
   // Submits a request. The library reports completion by calling the callback whose address is the cookie.
-  // `metadata` stays the caller's and must outlive the request, as must the frames' memory. `metadataBytes`:
-  // one capture result, serialised; copied.
+  // The caller owns `metadata` and the frames' memory; both must outlive the request. `metadataBytes` is one
+  // serialised capture result; it is copied.
   void process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList, uint64_t nativeReq,
                const std::vector<AlgoFrameInfo>& inputs, const std::vector<AlgoFrameInfo>& outputs,
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
                const std::vector<uint8_t>& metadataBytes);
 
-  // The library's answer to `cmd`: always 10240 bytes, a text up to its first zero; empty when not offered.
+  // Returns the library's answer to `cmd`: always 10240 bytes with a zero-terminated string; empty if not
+  // offered.
   std::vector<uint8_t> getData(const std::string& cmd);
-  // Hands over a file of `size` bytes; the descriptor stays the caller's. Always 0.
+  // Passes a file of `size` bytes to the library. The caller keeps the descriptor. Always returns 0.
   int translateParamFile(int fd, int size, const std::string& identifier);
 
-  // A new parameter block, or null.
+  // Returns a new parameter block, or null.
   void* createMetadata();
   void destroyMetadata(void* block);
-  // The parameter channel: copies `size` bytes in or, at most, out. 0, or the library's own status; -1 when
-  // the operation could not be called or threw.
+  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return 0, the
+  // library's own status, or -1 if the operation could not be called or threw.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
-  // Walk the values that the algorithms pass up, or want passed down. The visitor is called on this thread
-  // until the operation returns; a call at another place returns -1 without it. Results as above.
+  // Visit the values that the algorithms pass to the system, or request from it. The library calls the
+  // visitor on this thread until the operation returns; any other call returns -1 without reaching the
+  // visitor. Return the same as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
-  // For the parameter channel, which uses it on one thread. Valid as long as this object.
+  // For the parameter channel, which uses the table on one thread. Valid as long as this object.
   const AlgoGuardedTable& table() const { return *mTable; }
-  // The library gets nothing more on this client, and calls nobody back.
+  // True after the library's client is destroyed: the library receives no more operations on it and calls
+  // nobody back.
   bool isClientDestroyed() const { return mIsClientDestroyed; }
 
 private:

@@ -1,4 +1,4 @@
-// Loads the algorithm interface library, once for the process, and fills in tables of its operations.
+// Loads the algorithm interface library once per process and fills in tables of its operations.
 #pragma once
 
 #include <atomic>
@@ -10,37 +10,38 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // The one provider, made on first use (from any thread) and never destroyed. Whoever is first opens the
-  // library as the constructor does; nobody waits for that.
+  // The only provider, created on first use (from any thread) and never destroyed. The first caller opens the
+  // library as the constructor does; other callers do not wait for that.
   static AlgoNativeProvider* getInstance();
 
-  // Opens the library, by filling in the provider's own table.
+  // Opens the library by filling in the provider's own table.
   AlgoNativeProvider();
   AlgoNativeProvider(const AlgoNativeProvider&) = delete;
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;
   virtual ~AlgoNativeProvider() = default;
 
-  // Empties the caller's table and has the library fill it in. False, with the reason logged and the table
-  // left empty, when there is no table, no library or no entry, or when the entry throws. From any thread:
-  // clients are made on several, and the library's entry may make one itself.
+  // Clears the caller's table and lets the library fill it in. Returns false, logs the reason and leaves the
+  // table empty if the table is null, the library or its entry is missing, or the entry throws. Safe from any
+  // thread: several threads create clients, and the library's entry may create one itself.
   bool initAlgoInterface(AlgoInterfaceCallbacks* table);
 
 private:
   using Entry = void (*)(AlgoInterfaceCallbacks*);
 
-  // For getInstance(): a provider that has not opened the library yet.
+  // For getInstance(): creates a provider without opening the library.
   enum Unopened { kUnopened };
   explicit AlgoNativeProvider(Unopened) {}
 
-  // The library's entry, which is looked up anew each time; null with the reason logged. Opens the library.
+  // Opens the library and returns its entry, which is looked up anew each time. Logs the reason and returns
+  // null on failure.
   Entry findEntry();
 
-  // Null until the library is open. It is never closed: the callables in every client's table, and the
-  // library's threads that call back, run its code until the process ends.
+  // Null until the library is open. The library is never closed: the callables in every client's table and
+  // the library's callback threads run its code until the process ends.
   void* mLibrary = nullptr;
-  Entry mEntry = nullptr;             // as the last look-up found it
-  AlgoInterfaceCallbacks mCallbacks;  // nobody reads it: each client has a table of its own
-  std::mutex mMutex;                  // guards the handle and the entry; free while the entry runs
+  Entry mEntry = nullptr;             // result of the last lookup
+  AlgoInterfaceCallbacks mCallbacks;  // never read: each client has its own table
+  std::mutex mMutex;                  // guards the handle and the entry; not held while the entry runs
   std::atomic<bool> mIsOpened{false};
 };
 

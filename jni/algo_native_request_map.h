@@ -1,5 +1,4 @@
-// The requests that were handed to the algorithms and are not finished, and the timed wait for their
-// callbacks.
+// The unfinished requests that were submitted to the algorithms, and the timed wait for their callbacks.
 #pragma once
 
 #include <condition_variable>
@@ -10,11 +9,11 @@
 
 namespace orlu {
 
-// Who may still use the parameter block of a full-async request. The last one to let go of it destroys it.
+// Users of a full-async request's parameter block. The last user to release the block destroys it.
 enum AlgoBlockUser : unsigned {
-  kUsedBySubmission = 1,  // until process() of the algorithm library has returned
-  kUsedByLibrary = 2,     // until it has called back, or the request's client is gone
-  kUsedByJava = 4,        // until Java has finished the request, or can't any more
+  kUsedBySubmission = 1,  // until the algorithm library's process() has returned
+  kUsedByLibrary = 2,     // until it has called back, or the request's client is destroyed
+  kUsedByJava = 4,        // until Java has finished the request, or no longer can
 };
 
 struct AlgoNativeRequest {
@@ -25,25 +24,25 @@ struct AlgoNativeRequest {
   void* metadata = nullptr;
   bool isFullAsync = false;
   uint64_t nativeReq = 0;
-  bool waiting = false;  // a thread sleeps on this record and will look at it again
+  bool waiting = false;  // a thread waits on this record and will read it again
   std::vector<std::string> algoList;
 
-  // Of full-async requests.
-  const void* owner = nullptr;  // names the client
+  // For full-async requests only.
+  const void* owner = nullptr;  // identifies the client
   unsigned blockUsers = kUsedBySubmission | kUsedByLibrary | kUsedByJava;
-  bool isAnnounced = false;  // Java knows, or is being told, that it may finish the request
-  bool isFinishing = false;  // Java finishes it
+  bool isAnnounced = false;  // Java has been told, or is being told, that it may finish the request
+  bool isFinishing = false;  // Java is finishing the request
   bool isOwnerGone = false;
 };
 
 // Safe from any thread. Lock order: the map's mutex, then a record's; a waiter never holds both.
 //
 // A full-async request is finished once: by Java, or together with its client. Its block is destroyed later
-// than that if somebody may still use it. An operation that returns a block makes the caller its only user,
-// who destroys it; null means that the block has other users, or that there is none.
+// if somebody may still use it. An operation that returns a block makes the caller its only user, who
+// destroys it. Null means that the block has other users or does not exist.
 class AlgoNativeRequestMap {
 public:
-  // The one map, created when the library is loaded and never destroyed: callbacks may arrive until the
+  // The only map, created when the library is loaded and never destroyed: callbacks may arrive until the
   // process ends.
   static AlgoNativeRequestMap* getInstance();
 
@@ -51,40 +50,41 @@ public:
   AlgoNativeRequestMap(const AlgoNativeRequestMap&) = delete;
   AlgoNativeRequestMap& operator=(const AlgoNativeRequestMap&) = delete;
 
-  // Enters a request and returns its id. Ids count up from 0 and are never reused. The block stays the
-  // caller's, except that of a full-async request once it is submitted.
+  // Adds a request and returns its id. Ids count up from 0 and are never reused. The caller keeps ownership
+  // of the block, except that of a full-async request once it is submitted.
   uint64_t create(int64_t reqId, void* metadata, bool isFullAsync, const void* owner = nullptr);
-  // False if unknown. A record that is being waited on is freed by its waiter.
+  // Returns false if the id is unknown. A record that a thread waits on is freed by that thread.
   bool remove(uint64_t nativeReq);
-  // The record, or null if the id is unknown. The caller holds the map's mutex.
+  // Returns the record, or null if the id is unknown. The caller holds the map's mutex.
   AlgoNativeRequest* findRequestLocked(uint64_t nativeReq) const;
-  // Wakes the thread that waits for the request, now or later. False if unknown.
+  // Wakes the thread that waits for the request, now or later. Returns false if the id is unknown.
   bool onCallbackReceived(uint64_t nativeReq);
-  // Sleeps until the callback arrives, for ten seconds at most; a timeout is logged. False if unknown.
+  // Blocks until the callback arrives, for ten seconds at most; logs a timeout. Returns false if the id is
+  // unknown.
   bool waitForCallback(uint64_t nativeReq);
 
   void* getMetadataHandle(uint64_t nativeReq);  // null if unknown
   int64_t getRequestId(uint64_t nativeReq);     // -1 if unknown
-  // These return false, with `out` untouched, if the id is unknown.
+  // Return false and leave `out` unchanged if the id is unknown.
   bool getIsFullAsync(uint64_t nativeReq, bool& out);
   bool getAlgoList(uint64_t nativeReq, std::vector<std::string>& out);
   bool setAlgoList(uint64_t nativeReq, const std::vector<std::string>& algoList);
 
-  // From now on Java may finish the full-async request. False if unknown.
+  // Allows Java to finish the full-async request. Returns false if the id is unknown.
   bool setAnnounced(uint64_t nativeReq);
-  // The announcement did not reach Java.
+  // Reverts setAnnounced(): the announcement did not reach Java.
   void* withdrawAnnouncement(uint64_t nativeReq);
-  // Takes a user off the block; also of a request that is finished, and unknown by now.
+  // Removes a user of the block. The request may be finished, and its id unknown by now.
   void* releaseBlock(uint64_t nativeReq, AlgoBlockUser user);
-  // Hands block and list to the one caller that finishes a full-async request in Java's name. False, with
-  // both untouched, for any other id, and until the request is announced or its submission is over: an id
-  // that is only guessed must not take the request from the thread that submits it.
+  // Passes block and list to the one caller that finishes a full-async request in Java's name. Returns false
+  // and leaves both unchanged for any other id, and until the request is announced or its submission is over:
+  // a guessed id must not take the request from the thread that submits it.
   bool takeForFinish(uint64_t nativeReq, void*& metadata, std::vector<std::string>& algoList);
-  // Removes a request that the caller took; logged.
+  // Removes a request that the caller took, and logs that.
   void* finish(uint64_t nativeReq);
-  // The owner is gone: finishes one of its full-async requests that nobody else will finish, or takes the
-  // library off the block of one that is finished already. False if there is none left; `metadata` is null
-  // if the block has other users.
+  // For a destroyed owner: finishes one of its full-async requests that nobody else will finish, or removes
+  // the library as a user of the block of a finished one. Returns false if no request is left. `metadata` is
+  // null if the block has other users.
   bool releaseOwned(const void* owner, void*& metadata);
 
 private:
@@ -97,7 +97,7 @@ private:
 
   std::mutex mMutex;  // guards everything below
   uint64_t mNextId = 0;
-  Requests mRequests;  // in the order of their creation; finished ones too, while their block is used
+  Requests mRequests;  // in order of creation; includes finished ones while their block is used
 };
 
 }  // namespace orlu

@@ -1,4 +1,4 @@
-// Conversions that must give on every machine what the 32-bit ARM device gives.
+// Conversions with the same results on every machine as on the 32-bit ARM device.
 #pragma once
 
 #include <algorithm>
@@ -8,9 +8,9 @@
 
 namespace orlu {
 
-// Float to integer as the ARM instruction converts: toward zero, saturating, NaN to 0.
+// Converts a float to an integer like the ARM instruction: toward zero, saturating, NaN to 0.
 inline int32_t toInt(float value) {
-  // Exact in a double, and so are the limits of the integer.
+  // A double holds the float and the integer's limits exactly.
   const double wide = value;
   if (std::isnan(wide)) return 0;
   if (wide <= std::numeric_limits<int32_t>::min()) return std::numeric_limits<int32_t>::min();
@@ -18,13 +18,13 @@ inline int32_t toInt(float value) {
   return static_cast<int32_t>(wide);
 }
 
-// A sum or a product of sizes, taken in 64 bits, as a record of 32 bits can hold it.
+// Clamps a 64-bit sum or product of sizes to the range of a 32-bit record field.
 inline int32_t saturated(int64_t value) {
   return static_cast<int32_t>(
       std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
-// The number of pixels from `first` to `last`, both included; saturates.
+// Returns the number of pixels from `first` to `last`, both included; saturates.
 inline int32_t extent(int32_t first, int32_t last) {
   return saturated(int64_t{last} - first + 1);
 }

@@ -1,4 +1,4 @@
-// How the parser reads and makes the boxed and array forms of each number type. For its own files alone.
+// The boxed and array forms of each number type in Java. Included only by the parser's own files.
 #pragma once
 
 #include "camera_metadata_parser.h"

@@ -1,4 +1,4 @@
-// The exposure control record that the camera attaches to each frame, and what is computed from it.
+// The exposure control record that the camera attaches to each frame, and values computed from it.
 #pragma once
 
 #include <array>
@@ -40,12 +40,12 @@ inline constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
 
-// An exposure time of the record, in milliseconds.
+// Returns an exposure time of the record in milliseconds.
 inline float milliseconds(const Aec& aec, AecElement time = kAecExposureTime) {
   return aec[time] / kNanosecondsPerMillisecond;
 }
 
-// Ratios of the record's sensitivities. Where it is empty they are no numbers, and are handed on so.
+// Ratios of the record's sensitivities. An empty record gives NaN, which is passed on.
 inline float longToShortSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecShortSensitivity];
 }
@@ -53,8 +53,8 @@ inline float longToSafeSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecSafeSensitivity];
 }
 
-// Whole milliseconds of the normal exposure. A front camera with exposure control of its own derives it from
-// sensitivity and gain.
+// Returns the normal exposure time in whole milliseconds. For a front camera with its own exposure control,
+// it is derived from sensitivity and gain.
 inline int32_t normalExposureTime(const Aec& aec, bool hasFrontControl) {
   const float nanoseconds =
       hasFrontControl ? aec[kAecShortSensitivity] / aec[kAecRealGain] : aec[kAecExposureTimeNormal];

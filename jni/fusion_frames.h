@@ -1,4 +1,4 @@
-// Which two frames of a shot a two-camera fusion works on.
+// Selects the two frames of a shot that a two-camera fusion works on.
 #pragma once
 
 #include <algorithm>
@@ -6,8 +6,8 @@
 
 namespace orlu {
 
-// The master's frame and the slave's, as indices among all capture results. One past the list is a frame that
-// is not there.
+// Indices of the master's and the slave's frame among all capture results. An index past the list means that
+// the frame is missing.
 using FusionFrames = std::array<int, 2>;
 
 struct FusionShot {
@@ -15,12 +15,12 @@ struct FusionShot {
   bool isDualBokeh = false;
   bool isHdr = false;
   bool isPixelShift = false;
-  int baseFrame = -1;  // chosen by the camera; below 0 where it chose none
+  int baseFrame = -1;  // chosen by the camera; negative if it chose none
   int frameNum = 0;
 };
 
-// Fusion of a switching system wins over bokeh: its slave is the last frame, and its master the base frame,
-// which a pixel shift always has at 0. Bokeh with HDR takes the pair behind the first two frames.
+// Fusion of a switching system takes precedence over bokeh. Its slave is the last frame; its master is the
+// base frame, or frame 0 for a pixel shift. Bokeh with HDR uses the two frames after the first two.
 inline FusionFrames fusionFramesOf(const FusionShot& shot) {
   if (shot.isSatFusion) return {shot.isPixelShift ? 0 : std::max(shot.baseFrame, 0), shot.frameNum - 1};
   if (shot.isDualBokeh && shot.isHdr) return {2, 3};

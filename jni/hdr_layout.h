@@ -1,4 +1,4 @@
-// The bracketing layouts: which HDR process a series of frames is for, by the mode bits of its frames.
+// Bracketing layouts: derives the HDR process type of a series of frames from their mode bits.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace orlu {
 constexpr size_t kHdrSlots = 6;
 using HdrFrameIndex = std::array<int32_t, kHdrSlots>;
 
-// HDR process types, by the numbers of the algorithm library.
+// HDR process types with the algorithm library's numbers.
 enum HdrProcessType : int32_t {
   kHdrNone = 0,
   kHdr9Yuv = 1,  // three night frames, then six HDR frames
@@ -29,17 +29,17 @@ using FrameModes = std::array<uint64_t, 9>;
 
 struct HdrLayout {
   HdrProcessType type = kHdrNone;
-  int32_t nightIndex = 0;  // of the last night frame, also where the layout does not match
+  int32_t nightIndex = 0;  // of the last night frame, even if the layout does not match
   int hdrCount = 0;
   int nightCount = 0;
 };
 
-// Whether the modes of so many frames decide: of 5, 7 and 9.
+// Returns whether the frames' modes determine the layout: for 5, 7 and 9 frames.
 bool isBracketed(int frameNum);
 
-// The layout of `frameNum` frames with these modes; kHdrNone for a number that is not bracketed. The indices
-// of the HDR frames found go into `hdrFrames`, also where the layout does not match (Oddity 24); with five
-// frames they begin at slot 1, and slot 0 is the night frame's.
+// Returns the layout of `frameNum` frames with these modes; kHdrNone if isBracketed() is false. The indices
+// of the HDR frames go into `hdrFrames`, even if the layout does not match (Oddity 24). With five frames they
+// begin at slot 1; slot 0 belongs to the night frame.
 HdrLayout hdrLayoutOf(const FrameModes& modes, int frameNum, HdrFrameIndex& hdrFrames);
 
 }  // namespace orlu

@@ -5,14 +5,14 @@
 
 namespace orlu {
 
-// The code's name, static text; "undefineFromat" for a code without one.
+// Returns the code's name as a static string; "undefineFromat" for a code without a name.
 const char* formatToStr(int format);
 
-// True for RAW16 and MIPI_RAW10 alone (Oddity 1).
+// Returns true for RAW16 and MIPI_RAW10 only (Oddity 1).
 bool isRawImageFormat(int format);
 
-// Logs one line about image `index`, at debug level. `label` is "in" or "out"; `usedSharedMemory` is 1 when
-// its memory is shared memory, else 0.
+// Logs one line about image `index` at debug level. `label` is "in" or "out"; `usedSharedMemory` is 1 if the
+// image is in shared memory, else 0.
 void printImageInfo(const AlgoFrameInfo& frame, const char* label, int index, int usedSharedMemory);
 
 }  // namespace orlu

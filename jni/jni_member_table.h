@@ -1,4 +1,5 @@
-// Tables of the Java classes and members that an object keeps: one row each, resolved and reported in order.
+// Tables of the Java classes and members that an object keeps. Each row is one class or member. Rows are
+// resolved and reported in order.
 #pragma once
 
 #include <jni.h>
@@ -10,7 +11,7 @@
 
 namespace orlu {
 
-// One class, or one member of the class row before it, and where `Owner` keeps it.
+// A class, or a member of the preceding class row, and the slot of `Owner` that keeps it.
 template <typename Owner>
 struct JniMember {
   enum class Kind { kClass, kMethod, kStaticMethod, kField };
@@ -26,13 +27,13 @@ struct JniMember {
   jclass Owner::*clazz;      // a class row: its slot
   jmethodID Owner::*method;  // a method row: its slot
   jfieldID Owner::*field;    // a field row: its slot
-  const char* label;         // what is logged as null when the row is missing
+  const char* label;         // the name to log as null if the row is missing
   unsigned flags;
-  jclass Owner::*examined;  // a class row: the slot that must not be null for the class to count as found
+  jclass Owner::*examined;  // a class row: the class counts as found if this slot is not null
 
   bool has(Flag flag) const { return (flags & flag) != 0; }
 
-  // The row with other flags, another label or another slot to examine.
+  // Return the row with other flags, another label or another slot to examine.
   constexpr JniMember with(unsigned newFlags) const {
     JniMember row = *this;
     row.flags = newFlags;
@@ -50,7 +51,7 @@ struct JniMember {
   }
 };
 
-// Makers of rows; `label` is the slot's name.
+// Create rows; `label` is the slot's name.
 template <typename Owner>
 constexpr JniMember<Owner> jniClass(const char* name, jclass Owner::*slot, const char* label) {
   return {JniMember<Owner>::Kind::kClass, name, nullptr, slot, nullptr, nullptr, label, 0, slot};
@@ -71,19 +72,18 @@ constexpr JniMember<Owner> jniField(const char* name, const char* signature, jfi
   return {JniMember<Owner>::Kind::kField, name, signature, nullptr, nullptr, slot, label, 0, nullptr};
 }
 
-// Resolves the rows of tables, one table after the other, into their owner's slots, and logs each row that is
-// missing. A lookup on a class that was not found gives null without reaching the VM, and an exception that a
-// lookup leaves is cleared.
+// Resolves the rows of tables in order into their owner's slots and logs each missing row. A lookup in a
+// missing class gives null without calling the VM. Exceptions of lookups are cleared.
 template <typename Owner>
 class JniMemberWalk {
 public:
   using Row = JniMember<Owner>;
 
-  // `place` is where the lines come from; `shortTag` is the tag of those without file:line.
+  // `place` is the source location to log; `shortTag` is the tag of lines without file:line.
   JniMemberWalk(JNIEnv* env, Owner& owner, const LogPlace& place, const char* shortTag)
       : mEnv(env), mOwner(owner), mPlace(place), mShortTag(shortTag) {}
 
-  // Does nothing behind a missing row that stops.
+  // Does nothing after a missing row with kStop.
   template <size_t N>
   void resolve(const Row (&rows)[N]) {
     for (const Row& row : rows) {
@@ -92,7 +92,7 @@ public:
     }
   }
 
-  // 0 when every row was found, else -1.
+  // Returns 0 if every row was found, else -1.
   int result() const { return mResult; }
 
 private:
@@ -102,7 +102,7 @@ private:
       mClassFound = mOwner.*row.examined != nullptr;
       return mClassFound;
     }
-    if (!mClassFound && !row.has(Row::kAnyClass)) return true;  // its class was logged
+    if (!mClassFound && !row.has(Row::kAnyClass)) return true;  // the missing class was logged
     return row.kind == Row::Kind::kField ? resolveField(row) : resolveMethod(row);
   }
   bool resolveMethod(const Row& row) {

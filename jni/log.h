@@ -1,10 +1,8 @@
-// Logging macros. Their tag is `kLogTag`, as it is known in the place of the call: a member of the class, or
-// a constant of the file.
+// Logging macros. Their tag is the `kLogTag` in scope at the call: a class member or a file constant.
 //
-// Every line begins with the source file's base name, the line, and the operation that it is about. LOGE()
-// and LOGD() show the function that contains them; a helper shows its caller's operation instead, by
-// LOGE_AS() and LOGD_AS(). Debug lines are written only while the maker's log level admits them; errors
-// always.
+// Every line begins with the source file's base name, the line number and an operation. LOGE() and LOGD()
+// show the enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Debug
+// lines are written only if the maker's log level admits them, errors always.
 #pragma once
 
 #include <android/log.h>
@@ -21,7 +19,7 @@ inline bool isDebugLogOn() {
 // Base name of the including .cpp, computed once per file, because error lines are frequent and rarely read.
 [[maybe_unused]] static const char* const kLogFile = get_filename(__BASE_FILE__);
 
-// Where a line comes from, for a helper in a header.
+// Source location of a line, for helpers in headers.
 struct LogPlace {
   const char* tag;
   const char* file;
@@ -31,7 +29,7 @@ struct LogPlace {
 
 }  // namespace orlu
 
-// The empty string at the end gives the variadic part one argument at least, which C++17 wants.
+// The empty string at the end gives the variadic part at least one argument, as C++17 requires.
 #define ORLU_LOG_LINE(priority, operation, format, ...)                                                    \
   __android_log_print(priority, kLogTag, "%s:%d %s() " format "%s", ::orlu::kLogFile, __LINE__, operation, \
                       __VA_ARGS__)
@@ -51,6 +49,6 @@ struct LogPlace {
   __android_log_print(ANDROID_LOG_ERROR, (place).tag, "%s:%d %s() " format, (place).file, (place).line, \
                       (place).operation, __VA_ARGS__)
 
-// The few lines that carry a shorter tag and no prefix. They are written whatever the log level.
+// For the few lines with a shorter tag and no prefix. They are written at every log level.
 #define LOGE_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_ERROR, tag, __VA_ARGS__, "")
 #define LOGD_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_DEBUG, tag, __VA_ARGS__, "")

@@ -1,5 +1,5 @@
-// Records that camera metadata is read into and that travel as bytes to and from the algorithms.
-// Their layouts belong to the algorithm library. All integers are 32 bits and signed unless said.
+// Records for camera metadata that is passed as bytes to and from the algorithms. The algorithm library
+// defines their layouts. All integers are signed and 32 bits wide unless noted.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +26,8 @@ struct _tagOrluSize {
 static_assert(sizeof(_tagOrluSize) == 8);
 static_assert(offsetof(_tagOrluSize, height) == 4);
 
-// A sensor crop. Left, right, top, bottom: not the order of __tagOrluRect. Its users look at it by
-// position, as x, y, width, height. It is copied as a whole, so what builds one zeroes it first.
+// A sensor crop in the order left, right, top, bottom, unlike __tagOrluRect. Its users read the fields by
+// position, as x, y, width, height. The record is copied as a whole, so its creator zeroes it first.
 struct SCR_Type {
   int32_t left;
   int32_t right;
@@ -59,7 +59,7 @@ struct PdafPair {
   int32_t second = 0;
 };
 
-// Phase-detection data as the algorithms take it. The count is the camera's, and may be past the table.
+// Phase-detection data in the algorithms' layout. The count comes from the camera and may exceed the table.
 struct PdafInfo {
   static constexpr int kPairs = 256;
 
@@ -84,7 +84,7 @@ struct GpsLocation {
   double latitude = 0;    // degrees
   double longitude = 0;   // degrees
   double altitude = 0;    // metres
-  int64_t timestamp = 0;  // milliseconds since 1970, as Location.getTime() answers
+  int64_t timestamp = 0;  // milliseconds since 1970, from Location.getTime()
   int32_t hasAltitude = 0;
   int32_t reserved = 0;
 };
@@ -101,7 +101,7 @@ struct Rational {
 static_assert(sizeof(Rational) == 8);
 static_assert(offsetof(Rational, denominator) == 4);
 
-// Facts for the EXIF block of a JPEG, as the encoder takes them.
+// Facts for a JPEG's EXIF block, in the encoder's layout.
 struct ExifInfo {
   int64_t exposureTime = 0;  // nanoseconds
   int32_t iso = 0;
@@ -156,7 +156,7 @@ static_assert(offsetof(ExifInfo, aeCompensationStepNumerator) == 136);
 static_assert(offsetof(ExifInfo, aeCompensationStepDenominator) == 140);
 static_assert(offsetof(ExifInfo, reserved144) == 144);
 
-// Facts that the encoder packs beside a JPEG that can be refocused later.
+// Facts that the encoder packs with a JPEG that can be refocused later.
 struct RefocusPackParams {
   uint8_t reserved0[92] = {};
   int32_t pointRatioX = 0;
@@ -171,7 +171,7 @@ static_assert(offsetof(RefocusPackParams, pointRatioY) == 96);
 static_assert(offsetof(RefocusPackParams, fNumber) == 100);
 static_assert(offsetof(RefocusPackParams, filmSize) == 116);
 
-// Which algorithms have touched an image; word 3 travels to the application and back.
+// The algorithms that have processed an image. Word 3 is exchanged with the application.
 struct ProcessedAlgo {
   static constexpr int kApplicationWord = 3;
 
@@ -186,7 +186,7 @@ struct OutlinePoint {
 static_assert(sizeof(OutlinePoint) == 8);
 static_assert(offsetof(OutlinePoint, y) == 4);
 
-// What step beauty found in the image.
+// Faces that step beauty found in the image.
 struct FaceOutline {
   static constexpr int kPoints = 120;
 

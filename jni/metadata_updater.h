@@ -1,10 +1,10 @@
-// Turns the camera metadata of one request into the parameter set that the algorithms read, and edits the
-// request's algorithm list on the way. One object per request, used on its thread; updateMetadata() runs
-// once.
+// Translates the camera metadata of one request into the parameter set that the algorithms read, and edits
+// the request's algorithm list. Create one object per request and use it on the request's thread;
+// updateMetadata() runs once.
 //
-// A tag that is absent leaves the value that its step set before reading, and no status of the parameter
-// channel is looked at: translating parameters never fails a request. See shot.h for how rows are written.
-// Code that needs no Java has its own headers, such as region_mapper.h.
+// If a tag is absent, its parameter keeps the value that the step set before reading. The status of the
+// parameter channel is ignored: translating parameters never fails a request. See shot.h for how rows are
+// written. Code that needs no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>
@@ -25,7 +25,7 @@ namespace orlu {
 
 class MetadataUpdater {
 public:
-  // Borrows all five for its life. The parameter block `metadata` may be null: nothing is stored then.
+  // Borrows all arguments. The parameter block `metadata` may be null; then nothing is stored.
   MetadataUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                   void* metadata, CameraMetadataParser* parser);
   MetadataUpdater(const MetadataUpdater&) = delete;
@@ -34,26 +34,27 @@ public:
 
   void updateMetadata();
 
-  // The HDR process type and the night frame among the master frames, as updateMetadata() wrote them: 0 and
-  // -1 when it did not.
+  // The HDR process type and the night frame's index among the master frames, as updateMetadata() wrote them;
+  // 0 and -1 if it did not write them.
   void updateRawnrHDRFrameIndex(int& hdrType, int& nightIndex);
-  // Set by updateMetadata() for a request that the camera marks as needing no algorithm pass.
+  // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: `size` bytes under a section and a key of the block. The context's status.
+  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
+  // status.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
   int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
 
-  // About the first input image; 0 when there is none.
+  // Describe the first input image; 0 without an input image.
   int isRawFormat();
   int getImageFormat();
 
-  // The steps of updateMetadata(), by the files that hold them. Most rely on steps before them.
+  // The steps of updateMetadata(), grouped by file. Most depend on earlier steps.
   // metadata_updater.cpp
   void clearParams();
-  int updateWatermarkData();  // 1 when the request only updates the watermark
+  int updateWatermarkData();  // 1 if the request only updates the watermark
   void getMasterFrames();
   uint64_t getCurrentMode(jobject captureResult, jobject composition);
   // metadata_updater_cameras.cpp
@@ -90,11 +91,11 @@ public:
   void updateZoom();
   void updateBeauty();
   // metadata_updater_regions.cpp
-  // Whether rectangles have to be scaled from the active array to an image of this size, in pixels.
+  // Returns whether rectangles must be scaled from the active array to an image of this size in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
-  // Converts all faces in place and drops those outside the image. At most kMaxFaces of them.
+  // Converts all faces in place, at most kMaxFaces, and drops those outside the image.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
-  // Read a metering region and convert it into `region`, which stays where there is no input or no active
+  // Read a metering region and convert it into `region`, which is unchanged without an input image or active
   // array.
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
@@ -121,7 +122,7 @@ private:
   void convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
                        const MeteringTexts& texts);
 
-  // What the constructor was given, and the request's frames. mShot holds all of it as the rows see it.
+  // The constructor's arguments and the request's frames. mShot gives the rows access to all of them.
   std::vector<std::string>* mAlgoList;
   AlgoNativeClient* mClient;
   VRequest* mRequest;

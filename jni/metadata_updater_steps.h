@@ -1,4 +1,4 @@
-// What the steps of the metadata updater share. For its own files alone.
+// Code shared by the steps of the metadata updater. Included only by its own files.
 #pragma once
 
 #include "exposure.h"
@@ -8,23 +8,23 @@
 namespace orlu {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
-// The tag of the few lines that are written whatever the log level.
+// Tag of the few lines that are written at every log level.
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
-// The faces of a frame in the active array's coordinates. Their count is the tag's, also past the table
-// (Oddity 11).
+// Reads a frame's faces in the active array's coordinates. The count is the tag's, even if it exceeds the
+// table (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
-// Width and height of the active array, zero where the camera does not say.
+// Reads the width and height of the active array; zero if the camera does not report them.
 _tagOrluSize readActiveSize(const Shot& shot);
-// Left, top, width and height of what a switching multi-camera system crops.
+// Reads the crop of a switching multi-camera system: left, top, width and height.
 Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
-// The first of three tags that is there, or 0.
+// Returns the first of three tags that is present, or 0.
 int32_t readSceneType(const Shot& shot);
-// Ten keys of a frame's exposure control.
+// Writes ten keys of a frame's exposure control.
 void writeExposureControl(Shot& shot, const Aec& aec);
-// Gains and exposure times in milliseconds of HDR frames, zero in the slots without one.
+// Gains and exposure times (in milliseconds) of HDR frames; zero in unused slots.
 struct HdrExposures {
   Floats<kHdrSlots> gains = {};
   Floats<kHdrSlots> shutters = {};
@@ -35,7 +35,7 @@ struct HdrExposures {
   }
 };
 void writeHdrExposures(Shot& shot, const HdrExposures& exposures);
-// How raw pixels are packed.
+// Writes the packing of raw pixels.
 void writeRawPacking(Shot& shot);
 
 }  // namespace orlu

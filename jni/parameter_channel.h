@@ -1,5 +1,5 @@
-// The typed way into a request's parameter set: values of trivially copyable types under a section and a key.
-// A value's width is a contract with the algorithm library, so set() takes it from the named type alone:
+// Typed access to a request's parameter set: values of trivially copyable types under a section and a key. A
+// value's width is a contract with the algorithm library, so set() takes it only from the named type:
 //
 //   channel.set<int32_t>(kControl, "film_size", 1);
 //   const auto scores = channel.get<std::array<double, 50>>(kParameter, "frame_clarity_score");
@@ -13,15 +13,15 @@ namespace orlu {
 
 class ParameterChannel {
 public:
-  // Borrows both, and is used on this thread only. If `block` is null, nothing is stored, and every value
-  // read is its initial one.
+  // Borrows both arguments; use the channel on this thread only. If `block` is null, nothing is stored, and
+  // every value read is its initial one.
   ParameterChannel(const AlgoNativeContext& context, void* block)
       : mTable(&context.table()), mEnv(mTable->environment()), mBlock(block) {}
 
   void* block() const { return mBlock; }
 
-  // The value, or `initial` where the block holds none or the status is not 0. A shorter one that the library
-  // stores replaces the first bytes of `initial`.
+  // Returns the value, or `initial` if the block lacks it or the status is not 0. If the stored value is
+  // shorter, it replaces only the first bytes of `initial`.
   template <typename T>
   T get(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
     static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
@@ -29,26 +29,26 @@ public:
     return initial;
   }
 
-  // Stores sizeof(T) bytes. T is named by the caller and never deduced.
+  // Stores sizeof(T) bytes. The caller names T; it is never deduced.
   template <typename T>
   int set(const char* section, const char* key, const std::common_type_t<T>& value) const {
     static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
     return setBytes(section, key, &value, sizeof value);
   }
 
-  // Any number of bytes. These return the context's status: 0, the library's own, or -1 when the operation
-  // could not be called.
+  // Copy any number of bytes. Return the context's status: 0, the library's own, or -1 if the operation could
+  // not be called.
   int getBytes(const char* section, const char* key, void* data, unsigned size) const {
     return mTable->getValue(mEnv, mBlock, section, key, data, size);
   }
   int setBytes(const char* section, const char* key, const void* data, unsigned size) const {
-    // The library copies the bytes and changes none, though its pointer would let it.
+    // The library copies the bytes and never changes them, although its parameter is not const.
     return mTable->setValue(mEnv, mBlock, section, key, const_cast<void*>(data), size);
   }
 
 private:
   const AlgoGuardedTable* mTable;
-  JNIEnv* mEnv;  // of the thread that made the channel; every call would ask the VM for it otherwise
+  JNIEnv* mEnv;  // of the creating thread; saves asking the VM in every call
   void* mBlock;
 };
 

@@ -1,9 +1,9 @@
-// The façade behind the twelve native methods: checks the client handle, reads what Java handed over, and
-// drives the client's context.
+// Façade for the twelve native methods: checks the client handle, reads the Java arguments and drives the
+// client's context.
 //
 // A handle is the address of an AlgoNativeClient. Handle 0 is rejected: the call logs an error and returns
-// -1. Every other handle is trusted, and the int-returning members return 0: failures further down are logged
-// there. Calls for one client come one at a time, except that Java may call any member, destroy() included,
+// -1. Every other handle is trusted, and the functions that return int return 0; lower layers log their own
+// failures. Calls for one client do not overlap, except that Java may call any function, including destroy(),
 // inside a callback of the algorithm library.
 #pragma once
 
@@ -21,38 +21,38 @@ namespace orlu {
 
 class RequestProcessor {
 public:
-  // What getVersion returns, which the Java side checks.
+  // The result of getVersion. The Java side checks it.
   static constexpr int kServiceInterfaceVersion = 6;
 
-  // A new client's handle; destroy() frees it. Reads "algoContextIndex" and "clientId".
+  // Creates a client from "algoContextIndex" and "clientId" and returns its handle. destroy() frees it.
   static int64_t create(JNIEnv* env, jobject param);
-  // Flushes, uninitialises and deletes the client: its handle must not be used again.
+  // Flushes, uninitialises and deletes the client. Its handle must not be used again.
   static int destroy(JNIEnv* env, int64_t inst);
   static int init(JNIEnv* env, int64_t inst, jobject object);
-  // Uninitialises the client in a mode that follows from "imageFormat".
+  // Uninitialises the client in the mode that "imageFormat" selects.
   static int release(JNIEnv* env, int64_t inst, jobject param);
   static int flush(JNIEnv* env, int64_t inst, jobject a, jobject b);
-  // Aborts the requests that "AbortKey" and "AbortVal" name. Other keys are dropped.
+  // Aborts the requests that "AbortKey" and "AbortVal" name. Ignores other keys.
   static int abortRequest(JNIEnv* env, int64_t inst, jobject a, jobject param);
-  // The answer to "cmd" as a new local reference; null when the algorithm library offers none.
+  // Returns the answer to "cmd" as a new local reference; null if the algorithm library has no answer.
   static jstring getData(JNIEnv* env, int64_t inst, jobject param);
-  // Hands the file in `sharedMemory` to the algorithm library under "identifier".
+  // Passes the file in `sharedMemory` to the algorithm library under "identifier".
   static int translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param);
-  // Tells the algorithm service that this process goes away, and ends it. Never returns.
+  // Announces the end of this process to the algorithm service, then ends the process. Never returns.
   [[noreturn]] static void notify(JNIEnv* env, int64_t inst, jobject param);
 
-  // Carries one request to the algorithms; a synchronous one to its results as well. -1 when the handle,
-  // `inputs`, `outputs` or `compositions` is null, else 0, also after a timeout.
+  // Submits one request to the algorithms; for a synchronous request also writes the results. Returns -1 if
+  // the handle, `inputs`, `outputs` or `compositions` is null, else 0, even after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // The second half of the full-async request under "nativeRequestAddr": writes its results and finishes it.
-  // A synchronous request, and one that is still being submitted and not announced, count as unknown: nothing
-  // but initial values is written. Returns as above.
+  // Writes the results of the full-async request "nativeRequestAddr" and finishes it. A synchronous request
+  // counts as unknown, and so does one that is still being submitted and not announced. For an unknown
+  // request only initial values are written. Returns the same as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 
-  // Submits a request and, if it is synchronous, waits for its callback, ten seconds at most. The metadata of
-  // the capture result `resultIndex` goes with it. Always 0.
+  // Submits a request and, if it is synchronous, waits for its callback, ten seconds at most. The request
+  // carries the metadata of capture result `resultIndex`. Always returns 0.
   static int processImageAlgo(VRequest& request, std::vector<std::string>& algoList, AlgoNativeClient* client,
                               void* metadata, CameraMetadataParser* parser, uint64_t reqId,
                               uint64_t nativeReq, bool isFullAsync, int resultIndex);

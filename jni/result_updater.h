@@ -1,9 +1,9 @@
-// Writes what the algorithms left in a request's parameter set back into its compositions and output
-// descriptors. One object per request, used on its thread after the callback; nothing in it is owned, and no
-// failure stops it.
+// Writes the algorithms' results from a request's parameter set back into its compositions and output
+// descriptors. Create one object per request and use it on the request's thread after the callback. It owns
+// nothing, and no failure stops it.
 //
-// A value that the algorithms did not set is written with its initial value. Without a composition nothing is
-// written; the frame's output descriptors are set all the same.
+// A value that the algorithms did not set is written with its initial value. Without a composition, only the
+// frame's output descriptors are set.
 #pragma once
 
 #include <cstdint>
@@ -22,8 +22,7 @@ namespace orlu {
 
 class ResultUpdater {
 public:
-  // Borrows all five for its life. The parameter block `metadata` may be null: every value is then its
-  // initial one.
+  // Borrows all arguments. The parameter block `metadata` may be null; then every value is its initial one.
   ResultUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                 void* metadata, CameraMetadataParser* parser);
   ResultUpdater(const ResultUpdater&) = delete;
@@ -32,17 +31,17 @@ public:
 
   void updateResult();
 
-  // The parameter channel: `size` bytes under a section and a key of the block. The context's status.
+  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
+  // status.
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
-  // The parts of updateResult(), each of which may run alone. What they return is for their caller; nothing
-  // stops at it.
+  // The parts of updateResult(); each may run alone. updateResult() ignores their results.
   // result_updater_frame_selection.cpp
   int updateFrameClarity();           // -1 without a composition
-  int updateFrameSelectResult();      // -1 when a frame index is out of range
-  int updateSelectBasicFrameIndex();  // -1 when there is no frame to choose
-  // result_updater_raw_algo.cpp. All return 0. The first one runs the others.
+  int updateFrameSelectResult();      // -1 if a frame index is out of range
+  int updateSelectBasicFrameIndex();  // -1 without a frame to choose
+  // result_updater_raw_algo.cpp. All return 0. The first one calls the others.
   int updateParamsFromRawAlgo();
   int updateTunningMode();
   int updateRAWHDRTrackingInfor();
@@ -55,7 +54,7 @@ private:
   static constexpr char kLogTag[] = "_V_VASJNI-ResultUpdater";
   static constexpr char kShortLogTag[] = "VASJNI-ResultUpdater";
 
-  // result_updater.cpp: the other parts of updateResult() by theme, in the order in which they run.
+  // result_updater.cpp: the other parts of updateResult(), in the order in which they run.
   void updateRefocus();
   void updateDocument();
   void updateStepBeauty();
@@ -64,22 +63,22 @@ private:
   void updateLightstream();
   void updateDetections();
 
-  // One per capture result, nanoseconds, 0 where it has none. `log` gets each frame's number and timestamp
-  // before the next frame is read.
+  // Returns one timestamp in nanoseconds per capture result; 0 if it is missing. `log` gets each frame's
+  // number and timestamp before the next frame is read.
   template <typename Logger>
   FrameValues<int64_t> readTimestamps(const Logger& log);
 
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>
   bool listHas(const char (&name)[N]) const;
-  // Puts a value into a frame's composition, or into the first one. Returns 0, also when the request has no
-  // composition, or -1 when the parser could not store it.
+  // Put a value into a frame's composition, or into the first one. Return 0, also for a request without
+  // compositions, or -1 if the parser could not store the value.
   template <typename T>
   int put(const Frame& frame, const char* resultKey, const std::common_type_t<T>& value);
   template <typename T>
   int put(const char* resultKey, const std::common_type_t<T>& value);
-  // Row: a parameter, or `initial` when the block has none, becomes a key of the first composition. Returns
-  // the value.
+  // Copies a parameter, or `initial` if the block lacks it, to a key of the first composition. Returns the
+  // value.
   template <typename T>
   T copy(const char* section, const char* key, const char* resultKey, std::common_type_t<T> initial = T());
 
@@ -88,7 +87,6 @@ private:
   VRequest& mRequest;
   void* mMetadata;
   CameraMetadataParser* mParser;
-  // The client's context with the block, and the request's frames with the parser.
   ParameterChannel mChannel;
   ShotTags mTags;
 };

@@ -1,10 +1,11 @@
-// Rows of the result updater, for its own files alone.
+// Rows of the result updater. Included only by its own files.
 //
 //   copy<int32_t>(kFeedback, "hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
 //   put<Floats<2>>(lastFrame, "orlu.feedback.rawhdrISPAEParams", gains);
 //
-// copy: a parameter becomes a key as it is. get of the channel, then put: the value changes on the way, or is
-// logged before. The type is named and never deduced: it says how many bytes are read, and what Java gets.
+// copy passes a parameter on unchanged. The channel's get, followed by put, changes or logs the value first.
+// The caller names the type, which is never deduced: it determines how many bytes are read and what Java
+// gets.
 #pragma once
 
 #include <type_traits>
@@ -16,7 +17,7 @@
 
 namespace orlu {
 
-// One putter of the parser for each type of value.
+// Select the parser's putter by the type of the value.
 namespace putter {
 
 using P = CameraMetadataParser;

@@ -1,18 +1,18 @@
-// A shot while its camera metadata is translated: the tags of its frames, its parameter set, its algorithm
-// list and its images. Translation is written in rows, and there are three ways to move a tag:
+// A shot during the translation of its camera metadata: the tags of its frames, its parameter set, its
+// algorithm list and its images. Translation is written in rows. There are three ways to move a tag:
 //
-//   copy   A tag becomes a parameter of the same type, or zero where the frame lacks it.
+//   copy   A tag becomes a parameter of the same type; zero if the frame lacks it.
 //            shot.copy<int32_t>("orlu.control.bokeh_facula", kControl, "bokeh_facula_capture");
-//   keep   The same through a member, whose value stays where the frame lacks the tag.
+//   keep   Like copy, through a member that keeps its value if the frame lacks the tag.
 //            shot.keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");
-//   read, change, write   For everything else: readOr(), or read() where the status counts; then write().
+//   read, change, write   For everything else: readOr(), or read() if the status matters; then write().
 //            const auto gain = shot.readOr<int32_t>("orlu.feedback.analog_gain");
 //            shot.write<float>(kParameter, "analog_gain", static_cast<float>(gain / 1024));
 //
 // Readers are const: a step that takes a const Shot writes nothing.
 //
-// The first argument may be the frame to read from; without it the first frame is read. A type is named once
-// and says both the getter and the width.
+// The first argument may be the frame to read from; the default is the first frame. A type is named once and
+// selects both the getter and the width.
 #pragma once
 
 #include <memory>
@@ -35,7 +35,7 @@ class Shot : public ShotTags {
   using Copied = std::conditional_t<(sizeof(T) > 1024), void, T>;
 
 public:
-  // Borrows all of it.
+  // Borrows all arguments.
   Shot(CameraMetadataParser& parser, VRequest& request, std::vector<std::string>& algoList,
        const ParameterChannel& parameters)
       : ShotTags(parser, FrameList(request.captureResults(), request.captureResultCompositions())),
@@ -43,8 +43,8 @@ public:
         mAlgoList(&algoList),
         mParameters(parameters) {}
 
-  // Return the value that was written, or nothing where it takes more of the stack than a request may find
-  // left: such a value is held on the heap.
+  // Return the written value. Large values are held on the heap and not returned, because a request may find
+  // little stack left.
   template <typename T>
   Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) {
     if constexpr (std::is_void_v<Copied<T>>) {
@@ -76,21 +76,21 @@ public:
     write<T>(section, key, member);
   }
 
-  // Writes sizeof(T) bytes; T is named by the caller and never deduced. No status is looked at: translating
+  // Writes sizeof(T) bytes. The caller names T; it is never deduced. The status is ignored: translating
   // parameters never fails a request.
   template <typename T>
   void write(const char* section, const char* key, const std::common_type_t<T>& value) {
     mParameters.set<T>(section, key, value);
   }
 
-  // A parameter that an earlier step or an earlier pass wrote, or `initial` where none did.
+  // Returns a parameter that an earlier step or an earlier pass wrote, or `initial` if it is missing.
   template <typename T>
   T readBack(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
     return mParameters.get<T>(section, key, initial);
   }
 
-  // A frame's exposure control, zero where the frame lacks it. Steps ask for the first frame's again and
-  // again, and it is 22 boxed numbers, so the first one that was there is kept.
+  // Returns a frame's exposure control; zero if the frame lacks it. Steps read the first frame's record
+  // repeatedly, and it has 22 boxed numbers, so the first record present is cached.
   Aec exposureOf(const Frame& frame) const {
     const bool isKept = mHasExposure && frame.captureResult == mExposureFrame.captureResult &&
                         frame.composition == mExposureFrame.composition;
@@ -104,7 +104,7 @@ public:
     return aec;
   }
 
-  // The regions of the first frame and what they are mapped by, zero where the frame lacks it.
+  // The regions of the first frame and the values that map them; zero if the frame lacks them.
   __tagOrluRect activeArray() const { return mActiveArray.of(*this); }
   float zoomRatio() const { return mZoomRatio.of(*this); }
   int32_t remosaicType() const { return mRemosaicType.of(*this); }
@@ -115,7 +115,7 @@ public:
 
   const ParameterChannel& parameters() const { return mParameters; }
 
-  // Whether the algorithm list holds a name that begins with this literal.
+  // Returns whether a name in the algorithm list begins with this literal.
   template <size_t N>
   bool listHas(const char (&name)[N]) const {
     return isAlgoListContains(*mAlgoList, name);
@@ -127,7 +127,7 @@ public:
     removeAlgoFromAlgoList(*mAlgoList, name);
   }
 
-  // The images. Null, kFormatUnknown and false where there is none.
+  // The images; null, kFormatUnknown and false without one.
   const AlgoFrameInfo* firstInput() const {
     return mRequest->inputFrames().empty() ? nullptr : &mRequest->inputFrames().front();
   }

@@ -1,11 +1,11 @@
-// The prefix test of request types and format names. Names in an algorithm list have isAlgoListContains().
+// Prefix test for request types and format names. Use isAlgoListContains() for algorithm lists.
 #pragma once
 
 #include <cstring>
 
 namespace orlu {
 
-// Whether `text` begins with `prefix`. Reads `text` no further than `prefix` is long.
+// Returns whether `text` begins with `prefix`. Reads at most strlen(prefix) bytes of `text`.
 inline bool startsWith(const char* text, const char* prefix) {
   return std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }

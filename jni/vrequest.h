@@ -1,8 +1,8 @@
-// The native mirror of one Java request: its images as frame records, its capture results, and the Java
-// objects that results are written back into.
+// Native mirror of one Java request: its images as frame records, its capture results, and the Java objects
+// that receive the results.
 //
-// Valid inside the JNI call that made it, on that thread: what it keeps are local references. It owns the
-// descriptors that it duplicated from shared memory.
+// Valid only inside the JNI call that created it, on that thread, because it keeps local references. It owns
+// the descriptors that it duplicated from shared memory.
 #pragma once
 
 #include <jni.h>
@@ -17,57 +17,58 @@ namespace orlu {
 
 class VRequest {
 public:
-  // The tag of this class and of the image line.
+  // Log tag of this class and of the image line.
   static constexpr char kLogTag[] = "_V_VASJNI-VRequest";
 
-  // Reads everything out of the four Java objects, any of which may be null: the request, and the lists of
-  // VImageIPC inputs and outputs and of CaptureResultCompositions. What can't be read is logged and left
-  // zero.
+  // Reads the four Java objects, any of which may be null: the request, and the lists of VImageIPC inputs and
+  // outputs and of CaptureResultCompositions. Unreadable values are logged and stay zero.
   VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList, jobject captureResultList);
   VRequest(const VRequest&) = delete;
   VRequest& operator=(const VRequest&) = delete;
-  // Closes the descriptors that came from shared memory. Those of hardware buffers belong to the buffers.
+  // Closes the descriptors that came from shared memory. Hardware buffers own theirs.
   virtual ~VRequest();
 
   int64_t requestId() const { return mRequestId; }
   const std::string& requestType() const { return mRequestType; }
-  // True for a request that ends a series of shots: its type begins with "stopProcess".
+  // True for a request that finishes a series of shots: its type begins with "stopProcess".
   bool isStopProcess() const;
   const std::vector<AlgoFrameInfo>& inputFrames() const { return mInputFrames; }
   const std::vector<AlgoFrameInfo>& outputFrames() const { return mOutputFrames; }
   std::vector<AlgoFrameInfo>& outputFrames() { return mOutputFrames; }
-  // One entry per frame, same order in both; borrowed, and null where the Java side had none.
+  // One entry per frame, in the same order in both lists. Entries are borrowed, and null if the Java side had
+  // none.
   const std::vector<jobject>& captureResultCompositions() const { return mCaptureResultCompositions; }
   const std::vector<jobject>& captureResults() const { return mCaptureResults; }
-  // The first frame's composition, or null when there is none.
+  // The first frame's composition, or null if there is none.
   jobject firstComposition() const;
 
-  // The parts of the constructor. Resolves the classes and members that the others use, and logs each missing
-  // one. Returns 0 when all was found, else -1; the others still work.
+  // The parts of the constructor.
+  // Resolves the classes and members that the other parts use, and logs each missing one. Returns 0 if
+  // everything was found, else -1; the other parts still work.
   int initFromEnv(JNIEnv* env);
   void getRequestInfo(jobject request);
-  // Called once. The request is only logged.
+  // Call once. `request` is only logged.
   void getImageData(jobject request, jobject inputList, jobject outputList, jobject captureResultList);
 
-  // Helpers of those. They log what is null, and return what is said or, when Java throws, the same as for
-  // null. Objects are new local references.
-  // The text of a java.lang.String; empty for null.
+  // Helpers of these parts. They log null arguments. If Java throws, they return the same as for null.
+  // Returned objects are new local references.
+  // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // The capture result that a composition keeps, or else assembles; null for null.
+  // Returns the capture result that a composition keeps or else assembles; null for null.
   jobject getCaptureResult(jobject composition);
-  // The first 1024 elements count; 0 for null and for what is no list.
+  // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);
-  // `list` is one whose size was asked, so its class is not checked again. Null for a negative index.
+  // getListSize() has already checked the class of `list`. Returns null for a negative index.
   jobject getListElement(jobject list, int index);
-  // Copies at most `count` elements; those past the array keep their values.
+  // Copies at most `count` elements; values beyond the array's length are unchanged.
   void getIntArray(int32_t* values, int count, jintArray array);
-  // One image descriptor as a frame record, zero where it can't be read. `usedSharedMemory` becomes 1 when
-  // the frame's descriptor is a duplicate that the caller closes, else 0; for null it stays. `handle` is
-  // filled for a hardware buffer, and must live as long as the frame.
+  // Converts one image descriptor to a frame record, which is zero where the image can't be read.
+  // `usedSharedMemory` becomes 1 if the frame's descriptor is a duplicate that the caller closes, else 0; a
+  // null image leaves it unchanged. `handle` is filled in for a hardware buffer and must outlive the frame.
   AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
 
-  // Write a property of output image `index` into its frame record and its Java descriptor. An index that is
-  // not below both numbers of outputs is logged and changes nothing.
+  // Write a property of output image `index` into its frame record and its Java descriptor. An index outside
+  // either list of outputs is logged and ignored.
   void setResultJpegSize(int size, int index);  // bytes
   void setResultImageWH(int width, int height, int index);
   void setResultImageFormat(int format, const char* formatName, int index);
@@ -90,7 +91,7 @@ private:
   void readFormat(AlgoFrameInfo& frame, jobject image, const char* operation);
   bool attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
   bool attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle);
-  // The field's object as a new local reference; null when the field could not be resolved.
+  // Returns the field's object as a new local reference; null if the field could not be resolved.
   template <typename T>
   T objectField(jobject image, jfieldID field) {
     return field == nullptr ? nullptr : static_cast<T>(mEnv->GetObjectField(image, field));
