@@ -135,7 +135,7 @@ cd "$folder" || exit 1
 completed "./run m" mine.json
 # The program lists its own options, which the completion has again.
 command_ends 0 conform --help
-read -ra listed < <(sed -nE 's/^  (--[a-z]+) .*/\1/p' out | xargs)
+read -ra listed < <(sed -nE 's/^  (--[a-z-]+) .*/\1/p' out | xargs)
 completed "./run conform -" "${listed[@]}"
 [ ${#COMPREPLY[@]} -eq $((${#listed[@]} + 1)) ] ||
   fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
