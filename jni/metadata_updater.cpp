@@ -46,7 +46,8 @@ int MetadataUpdater::getImageFormat() {
   return mShot.inputFormat();
 }
 
-void MetadataUpdater::updateMetadata() {
+// Not inlined: its steps would add their stacks to that of processImage(), which is large already.
+[[gnu::noinline]] void MetadataUpdater::updateMetadata() {
   const CameraMetadataParser::Batch batch(*mParser);
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);

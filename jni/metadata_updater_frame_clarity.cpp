@@ -57,7 +57,8 @@ void MetadataUpdater::updateFrameClarity() {
     mShot.write<Doubles<kMaxClarityFrames>>(kParameter, kScoreKey, {});
   } else {
     // As many as there are frames, so that no type says the width.
-    setValue(kParameter, kScoreKey, scores.data(), static_cast<unsigned>(scores.size() * sizeof scores[0]));
+    mShot.parameters().setBytes(kParameter, kScoreKey, scores.data(),
+                                static_cast<unsigned>(scores.size() * sizeof scores[0]));
   }
 }
 
