@@ -20,12 +20,12 @@ void live(Inbox& inbox, bool waits) {
   const Image output({}, 2);
   Block parameters[2];
   Client client;
-  for (uint64_t id : {1, 2}) {
+  for (const uint64_t id : {uint64_t{1}, uint64_t{2}}) {
     Request request;
     request.nativeReq = id;
     request.inputs = {&input};
     request.outputs = {&output};
-    submit(client, inbox, parameters[id - 1], request);
+    submit(client, inbox, parameters[static_cast<size_t>(id - 1)], request);
     const bool came = !waits || inbox.waitFor(id);
     HOLDS(came) << kNoCallback << "request " << id << " of a new client";
   }

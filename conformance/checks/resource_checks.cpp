@@ -93,7 +93,7 @@ double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& do
   const Image output({}, 2);
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(kMostSeconds);
   std::vector<Sample> samples;
-  samples.reserve(most);
+  samples.reserve(static_cast<size_t>(most));
   for (done = 0; done < most; ++done) {
     if (done % 50 == 0 && std::chrono::steady_clock::now() > end) break;
     if (!runOne(client, inbox, input, output, 1000 + done)) return 0;
