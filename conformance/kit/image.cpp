@@ -136,7 +136,7 @@ std::vector<PixelRow> Image::rows() const {
   size_t begin = 0;
   for (int plane = 0; plane < frame.planeCount; ++plane) {
     const int32_t height = plane == 0 ? mShape.height : (mShape.height + 1) / 2;
-    const auto stride = static_cast<size_t>(rowBytes(mShape) + mShape.padding);
+    const auto stride = static_cast<size_t>(rowBytes(mShape)) + static_cast<size_t>(mShape.padding);
     for (int32_t row = 0; row < height; ++row) {
       rows.push_back({plane, row, begin + static_cast<size_t>(row) * stride,
                       static_cast<size_t>(pixelBytes(mShape, plane))});

@@ -50,7 +50,7 @@ std::string probeFile() {
 // under that name already: the probe.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
-  const std::string beside = folderOf(own) + "/" + kRealName;
+  std::string beside = folderOf(own) + "/" + kRealName;
   struct stat real;
   if (stat(beside.c_str(), &real) == 0) return beside;
   std::vector<std::string> folders = foldersOf(std::getenv("LD_LIBRARY_PATH"));
