@@ -21,8 +21,10 @@ struct CameraMetadataParser::Table {
 #define TABLE(name) static constexpr Row name[] = {
 #define END_TABLE };
 // clang-format on
+// NOLINTBEGIN(bugprone-macro-parentheses): `change` is a call of a member function, or nothing.
 #define CLASS_WITH(name, slot, change) jniClass<P>(name, &P::slot, #slot) change,
 #define METHOD_WITH(name, signature, slot, change) jniMethod<P>(name, signature, &P::slot, #slot) change,
+// NOLINTEND(bugprone-macro-parentheses)
 #define CLASS(name, slot) CLASS_WITH(name, slot, )
 #define METHOD(name, signature, slot) METHOD_WITH(name, signature, slot, )
 #define STATIC_METHOD(name, signature, slot) jniStaticMethod<P>(name, signature, &P::slot, #slot),
