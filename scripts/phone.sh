@@ -10,7 +10,8 @@ readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
   record off         stop that
   events on FILE     make the probe write its events to FILE, a file of the phone
   events off         stop that
-  pull PATH DIR      fetch recordings or events into DIR, a folder here
+  pull PATH DIR      fetch recordings or events into DIR, a folder here that has none
+                     of that name yet
   status             what is switched on
 
 KIT is orlu-conform of Android.bp, or of the preset android: the kit of ./run sdk is for
@@ -34,34 +35,52 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: ends the script unless adb will talk to one phone.
+# one_phone: chooses the one phone that is ready, else ends the script. adb itself counts the others as well.
 one_phone() {
-  local phones=() odd=() serial state
+  local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
-  while read -r serial state _; do
+  listing=$(adb devices) || die "adb devices failed: see what it said above"
+  while IFS=$'\t' read -r serial state; do
     if [ "$state" = device ]; then
-      phones+=("$serial")
+      ready+=("$serial")
     elif [ -n "$state" ]; then
-      odd+=("$serial ($state)")
+      others+=("$serial ($state)")
     fi
-  done < <(adb devices | tail -n +2)
+  done <<<"$listing"
   if [ -n "${ANDROID_SERIAL:-}" ]; then
-    [[ " ${phones[*]} " == *" $ANDROID_SERIAL "* ]] ||
-      die "ANDROID_SERIAL is $ANDROID_SERIAL; ready are: ${phones[*]:-none} ${odd[*]}"
-  elif [ ${#phones[@]} -eq 0 ]; then
-    die "no phone is ready${odd[*]:+, but there is ${odd[*]}}: connect one and allow USB debugging"
-  elif [ ${#phones[@]} -gt 1 ]; then
-    die "several phones are ready: set ANDROID_SERIAL to one of ${phones[*]}"
+    for serial in "${ready[@]}"; do
+      [ "$serial" != "$ANDROID_SERIAL" ] || return 0
+    done
+    die "ANDROID_SERIAL is $ANDROID_SERIAL; ready are: ${ready[*]:-none} ${others[*]}"
+  elif [ ${#ready[@]} -eq 0 ]; then
+    die "no phone is ready${others[*]:+, but there is ${others[*]}}: connect one and allow USB debugging"
+  elif [ ${#ready[@]} -gt 1 ]; then
+    die "several phones are ready: set ANDROID_SERIAL to one of ${ready[*]}"
   fi
+  export ANDROID_SERIAL=${ready[0]}
 }
 
-# in_shell WORD...: runs a command on the phone, each word as it is.
-in_shell() { adb shell "$(printf '%q ' "$@")"; }
+# call_adb ARGUMENT...: a failure of adb ends the script. The kit's own failure has another status.
+call_adb() { adb "$@" || die "adb $1 failed: see above; is $ANDROID_SERIAL still connected?"; }
+
+# quoted WORD...: one text that a shell splits into these words.
+quoted() { printf '%q ' "$@"; }
+
+in_shell() { call_adb shell "$(quoted "$@")"; }
+
+# property NAME: prints its value.
+property() {
+  local value
+  value=$(in_shell getprop "$1") || exit
+  echo "${value%$'\r'}"
+}
 
 # set_property NAME VALUE: a property that the phone did not take is an error.
 set_property() {
+  local value
   in_shell setprop "$1" "$2"
-  [ "$(in_shell getprop "$1" | tr -d '\r')" = "$2" ] || die "the phone did not take $1: adb root"
+  value=$(property "$1") || exit
+  [ "$value" = "$2" ] || die "the phone did not take $1: adb root"
 }
 
 # switch PROPERTY on VALUE | off
@@ -84,16 +103,40 @@ switch() {
 }
 
 run_kit() {
-  local kit=$1 library=$2
-  for file in "$kit" "$library"; do
+  local kit library file status=0
+  for file in "$1" "$2"; do
     [ -f "$file" ] || die "$file: no such file"
   done
+  # A name that begins with - is no option.
+  kit=$(realpath -- "$1")
+  library=$(realpath -- "$2")
   one_phone
   in_shell mkdir -p "$folder"
-  adb push "$kit" "$folder/conform"
-  adb push "$library" "$folder/liborlu.vac.interface.so"
+  call_adb push "$kit" "$folder/conform"
+  call_adb push "$library" "$folder/liborlu.vac.interface.so"
   in_shell chmod 755 "$folder/conform"
-  in_shell "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}"
+  adb shell "$(quoted "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
+  # adb's own failure has the status of a failed check.
+  [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
+    die "$ANDROID_SERIAL went away while the kit ran"
+  return "$status"
+}
+
+# pull PATH DIR: into DIR/NAME, all or nothing. Recordings of two pulls are never mixed.
+pull() {
+  local name to
+  [[ $1 == /* ]] || die "$1: names no place on the phone, which begins with /"
+  name=$(basename -- "$1")
+  to=$(realpath -m -- "$2")/$name
+  [ ! -e "$to" ] || die "$to is there already: name another folder"
+  one_phone
+  mkdir -p "${to%/*}" || die "$2: can't make this folder"
+  rm -rf "$to.partial"
+  if ! adb pull "$1" "$to.partial"; then
+    rm -rf "$to.partial"
+    die "adb pull failed: see above; is $ANDROID_SERIAL still connected?"
+  fi
+  mv "$to.partial" "$to"
 }
 
 command=${1:---help}
@@ -107,15 +150,14 @@ case $command in
   events) switch "$events_property" "${@:2}" ;;
   pull)
     takes 2 "${@:2}"
-    one_phone
-    mkdir -p "$3"
-    adb pull "$2" "$3"
+    pull "$2" "$3"
     ;;
   status)
     takes 0 "${@:2}"
     one_phone
-    for property in "$record_property" "$events_property"; do
-      echo "$property: $(in_shell getprop "$property" | tr -d '\r')"
+    for name in "$record_property" "$events_property"; do
+      value=$(property "$name") || exit
+      echo "$name: $value"
     done
     ;;
   *) die "unknown command $command; see --help" ;;

@@ -11,8 +11,24 @@ cat >"$work/bin/adb" <<'END'
 printf '%s|' "$@" >>"$WORK/calls"; echo >>"$WORK/calls"
 setprop() { [ -e "$WORK/unrooted" ] || printf %s "$2" >"$WORK/properties/$1"; }
 getprop() { [ ! -e "$WORK/properties/$1" ] || printf '%s\r\n' "$(cat "$WORK/properties/$1")"; }
+gone() { echo "adb: device '${ANDROID_SERIAL:-}' not found" >&2; exit 1; }
+if [ "$1" = devices ]; then
+  [ "$PHONES" != broken ] || { echo "cannot connect to daemon" >&2; exit 1; }
+  printf '* daemon started successfully\nList of devices attached\n%b\n\n' "$PHONES"
+  exit
+fi
+# As adb does: all that are listed count, ready or not.
+if [ -z "${ANDROID_SERIAL:-}" ] && [ "$(printf '%b\n' "$PHONES" | wc -l)" -gt 1 ]; then
+  echo "adb: more than one device/emulator" >&2; exit 1
+fi
+# The phone is unplugged at the first call that has this text, and stays away.
+if [ -n "${VANISH:-}" ] && [[ "$*" == *"$VANISH"* ]]; then touch "$WORK/gone"; fi
+if [ -e "$WORK/gone" ]; then
+  [ "$1" != pull ] || { mkdir -p "$3"; echo half >"$3/half"; }
+  gone
+fi
 case $1 in
-  devices) printf 'List of devices attached\n%b\n' "$PHONES" ;;
+  get-state) echo device ;;
   shell) eval "$2" ;;
   push) cp "$2" "$3" ;;
   pull) cp -r "$2" "$3" ;;
@@ -50,6 +66,18 @@ mkdir -p "$work/shots/000001"
 echo "{}" >"$work/shots/000001/request.json"
 expect 0 "" pull "$work/shots" "$work/here"
 same "{}" "$work/here/shots/000001/request.json"
+# The files of two pulls are never mixed; a pull that breaks off leaves nothing.
+echo "{}" >"$work/shots/000001/outcome.json"
+expect 2 "$work/here/shots is there already: name another folder" pull "$work/shots/" "$work/here"
+[ ! -e "$work/here/shots/000001/outcome.json" ] || { echo "FAILED: two recordings are mixed"; exit 1; }
+VANISH=pull expect 2 "is a1 still connected?" pull "$work/shots" "$work/half"
+rm "$work/gone"
+same "" <(ls -A "$work/half")
+expect 0 "" pull "$work/shots" "$work/half"
+(cd "$work" && expect 0 "" pull "$work/shots" -x && [ -d ./-x/shots ])
+expect 2 "adb pull failed" pull /none/such "$work/none"
+expect 2 "names no place on the phone" pull shots "$work/none"
+(cd "$work" && cp kit "./-k it" && expect 1 "<--only>" conform "-k it" library.so --only "")
 touch "$work/unrooted"
 expect 2 "did not take persist.vendor.orlu.record: adb root" record on /data/x
 rm "$work/unrooted"
@@ -64,6 +92,22 @@ PHONES='' expect 2 "no phone is ready: connect one" status
 PHONES='a1\tunauthorized' expect 2 "there is a1 (unauthorized)" status
 PHONES='a1\tdevice\nb2\tdevice' expect 2 "set ANDROID_SERIAL to one of a1 b2" record on /data/x
 ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3; ready are: a1" status
-same "devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
+PHONES=broken expect 2 "adb devices failed" status
+PHONES='a1\tno permissions (user in plugdev group)' expect 2 "a1 (no permissions (user in plugdev group))" status
+PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL is a1 b2" status
+same "devices|devices|devices|devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL=b2 expect 0 "" status
+# One that is not ready does not stand in the way of the other.
+PHONES='a1\toffline\n192.168.0.7:5555\tdevice\nc3\tunauthorized' expect 0 "events: /data/events" status
+
+# The phone goes away in the middle: never taken for an answer.
+for vanish in "status:getprop" "record off:setprop" "record off:getprop" "events on /data/x:getprop" \
+  "conform $work/kit $work/library.so:mkdir" "conform $work/kit $work/library.so:push" \
+  "conform $work/kit $work/library.so:chmod"; do
+  # shellcheck disable=SC2086
+  VANISH=${vanish#*:} expect 2 "still connected?" ${vanish%%:*}
+  rm -f "$work/gone"
+done
+VANISH='so --only' expect 2 "a1 went away while the kit ran" conform "$work/kit" "$work/library.so" --only x
+rm "$work/gone"
 expect 0 "No phone was at hand" --help
