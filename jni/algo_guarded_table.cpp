@@ -81,7 +81,7 @@ void AlgoGuardedTable::logThrew(const char* operation) {
   LOGE_AS(operation, "%s threw", operation);
 }
 
-// With an exception pending, every later look at a tag would find nothing.
+// With a pending exception, all later tag reads would find nothing.
 void AlgoGuardedTable::clearLeftException(JNIEnv* env, const char* operation) {
   if (env != nullptr && clearException(env)) LOGE_AS(operation, "%s left a Java exception", operation);
 }
@@ -90,7 +90,7 @@ struct LentVisitor::Loan {
   explicit Loan(const AlgoMetadataVisitor& lent) : visitor(lent) {}
 
   int visit(const char* section, const char* key, void* data, unsigned size) const {
-    // Before anything else of the loan: another thread may look while it ends.
+    // Must come first: another thread may be here while the loan ends, and must touch nothing else.
     if (std::this_thread::get_id() != thread || isOver) {
       LOGE_AS("visitor", "visitor called on another thread, or too late");
       return -1;
@@ -105,7 +105,7 @@ struct LentVisitor::Loan {
 
   const AlgoMetadataVisitor& visitor;
   const std::thread::id thread = std::this_thread::get_id();
-  std::atomic<bool> isOver{false};  // threads' ids are used again
+  std::atomic<bool> isOver{false};  // thread ids are reused, so the id alone is not enough
 };
 
 LentVisitor::LentVisitor(const AlgoMetadataVisitor& visitor) : mLoan(std::make_shared<Loan>(visitor)) {}

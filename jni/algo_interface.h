@@ -1,11 +1,11 @@
-// The border between this library and the closed algorithm interface library, liborlu.vac.interface.so: the
-// tables of callables that the library fills in, the records that travel through them, and the bytes, names
-// and codes inside those. Field order and, in the 32-bit build, every offset belong to that library; nothing
-// here may be rearranged: algo_interface_layout.h asserts it. docs/algorithm_library.md says what a library
-// must offer and when it is called.
+// The interface between this library and the closed algorithm interface library, liborlu.vac.interface.so:
+// the tables of callables that the algorithm library fills in, the records that are passed through them, and
+// the bytes, names and codes inside the records. The algorithm library determines the order of the fields
+// and, in the 32-bit build, every offset. Rearrange nothing here: algo_interface_layout.h asserts it. See
+// docs/algorithm_library.md for the operations that a library must offer and for when they are called.
 //
-// Every record, and everything that it points to, is the caller's and lives for the call alone, except where
-// a field says otherwise. Sizes are bytes. Integers are in the machine's byte order, which is little-endian.
+// The caller owns every record and everything that it points to; both are valid only during the call, unless
+// a field says otherwise. Sizes are in bytes. Integers are little-endian, like the machine.
 #pragma once
 
 #include <cstddef>
@@ -18,32 +18,31 @@
 
 namespace orlu {
 
-// What AlgoCreateClientRecord::interfaceVersion asks for. A library that speaks another version returns no
-// client.
+// The value of AlgoCreateClientRecord::interfaceVersion. A library of another version returns no client.
 constexpr int32_t kAlgoTableVersion = 202001;
 
-// The version of this header: MAJOR changes with the layout of a record or table, MINOR with all else that a
-// maker sees.
+// The version of this header. MAJOR changes with the layout of a record or table, MINOR with any other change
+// that matters to a library.
 #define ORLU_ALGO_INTERFACE_MAJOR 1
 #define ORLU_ALGO_INTERFACE_MINOR 0
 
 // Sections of a parameter block.
 constexpr char kControl[] = "orlu.algo.control";      // control inputs of this request
 constexpr char kParameter[] = "orlu.algo.parameter";  // algorithm parameters
-constexpr char kSensor[] = "orlu.algo.sensor";        // sensor and camera facts
-constexpr char kFeedback[] = "orlu.algo.feedback";    // what the algorithms report back
+constexpr char kSensor[] = "orlu.algo.sensor";        // facts about the sensor and the camera
+constexpr char kFeedback[] = "orlu.algo.feedback";    // results of the algorithms
 constexpr char kSystem[] = "orlu.algo.system";        // facts that all algorithms share
 constexpr char kZoom[] = "orlu.algo.zoom";            // zoom ratios
 
-// Where getData() leaves its answer, under kFeedback: a text of at most kQueryResultSize bytes.
+// The key under kFeedback where getData() stores its answer: a string of at most kQueryResultSize bytes.
 constexpr char kQueryResult[] = "query_result";
 constexpr unsigned kQueryResultSize = 10240;
 
-// The data of the command that says that this process is about to end, sent with its terminating zero.
+// The data of the command that announces the end of this process; sent with its terminating zero.
 constexpr char kNotifyKill[] = "notify:kill";
 static_assert(sizeof kNotifyKill == 12);
 
-// AlgoFrameInfo::format. More codes have a name (formatToStr()); these have a meaning here.
+// AlgoFrameInfo::format. Other codes have names (formatToStr()); these also have a meaning here.
 enum AlgoImageFormat : int32_t {
   kFormatUnknown = 0,
   kFormatNv21 = 1,
@@ -57,8 +56,8 @@ enum AlgoImageFormat : int32_t {
 
 constexpr int kMaxPlanes = 4;
 
-// Mirror of the platform's native_handle_t with room for a fixed number of words: the descriptors
-// first, then the integers.
+// A copy of the platform's native_handle_t with room for a fixed number of words: first the descriptors, then
+// the integers.
 struct AlgoNativeHandle {
   static constexpr int kCapacity = 256;
 
@@ -72,33 +71,33 @@ static_assert(offsetof(AlgoNativeHandle, numInts) == 8);
 static_assert(offsetof(AlgoNativeHandle, data) == 12);
 static_assert(sizeof(AlgoNativeHandle) == 1036);
 
-// One image of a request. Widths and heights are pixels. The descriptors, and the handle with those in it,
-// stay the property of whoever built the record and are closed when its request ends, for a full-async
-// request when process() has returned: the algorithm library duplicates what it keeps.
+// One image of a request. Widths and heights are in pixels. The descriptors, and the handle that contains
+// them, belong to whoever built the record, and are closed when the request finishes; those of a full-async
+// request are closed when process() returns. The algorithm library duplicates the descriptors that it keeps.
 struct AlgoFrameInfo {
   int32_t format = 0;  // an AlgoImageFormat
   int32_t width = 0;
   int32_t height = 0;
   int32_t size = 0;
-  int32_t stride[kMaxPlanes] = {};    // from row to row, of each plane
-  int32_t scanline[kMaxPlanes] = {};  // rows of each plane, with padding
+  int32_t stride[kMaxPlanes] = {};    // bytes from one row to the next
+  int32_t scanline[kMaxPlanes] = {};  // rows of each plane, including padding
   int32_t reserved = 0;
   AlgoNativeHandle* nativeHandle = nullptr;  // of a hardware buffer; null for shared memory
   int32_t fdCount = 0;
   int32_t fd[kMaxPlanes] = {};
-  int32_t fdSize[kMaxPlanes] = {};  // bytes behind each descriptor
+  int32_t fdSize[kMaxPlanes] = {};  // bytes that each descriptor refers to
   int32_t planeCount = 0;
   void* planeData[kMaxPlanes] = {};
   int32_t planeSize[kMaxPlanes] = {};
 };
 
-// What kind of metadata block an entry or createMetadata() means.
+// The kind of a metadata block, for entries and createMetadata().
 enum AlgoMetadataKind : int32_t {
   kParameterBlock = 0,      // (section, key) -> bytes
   kCameraMetadataBlock = 1  // serialised camera metadata of one capture result
 };
 
-// A block as it travels in a record.
+// A block as records carry it.
 struct AlgoMetadataEntry {
   int32_t kind = kParameterBlock;
   void* block = nullptr;
@@ -106,8 +105,8 @@ struct AlgoMetadataEntry {
   uint32_t size = 0;  // bytes in the block
 };
 
-// Request types, by the numbers of the algorithm library. Types 3 and 5 are never sent from here, but
-// a client is uninitialised for them as well.
+// Request types, with the algorithm library's numbers. Types 3 and 5 are never sent from here, but a client
+// is uninitialised for them too.
 enum ALGO_REQUEST_TYPE : int32_t {
   kRequestPreview = 1,
   kRequestCapture = 2,
@@ -146,26 +145,26 @@ struct AlgoGetDataRecord {
 struct AlgoTranslateParamFileRecord {
   void* client = nullptr;
   int32_t fd = -1;
-  int32_t size = 0;  // bytes behind fd
+  int32_t size = 0;  // size of the file
   std::string identifier;
 };
 
 struct AlgoProcessRecord {
   int32_t requestType = 0;
-  uint64_t nativeReq = 0;  // names the request in its callback
+  uint64_t nativeReq = 0;  // identifies the request in its callback
   std::vector<std::string> algoList;
   void* client = nullptr;
   uint64_t callbackCookie = 0;  // address of an AlgoResultCallback
   uint64_t reqId = 0;           // the Java side's id
   uint8_t reserved[20] = {};
-  // The parameter block, which lives until the request ends, and the camera metadata of one capture result,
-  // which lives until process() returns.
+  // The parameter block, which is valid until the request finishes, and the camera metadata of one capture
+  // result, which is valid until process() returns.
   std::vector<AlgoMetadataEntry> metadata;
   std::vector<AlgoFrameInfo> inputFrames;
   std::vector<AlgoFrameInfo> outputFrames;
 };
 
-// An abort carries a parameter block that names what is aborted; a notice carries data.
+// An abort carries a parameter block that names the frame to abort; a notification carries data.
 struct AlgoCommandRecord {
   uint8_t reserved[16] = {};
   void* client = nullptr;
@@ -175,11 +174,11 @@ struct AlgoCommandRecord {
   std::vector<AlgoMetadataEntry> metadata;
 };
 
-// How the data of a result callback begins. The name follows, not zero-terminated, and then the payload. Data
-// without a name, of an unknown name, or that ends before its name does, is ignored.
+// The beginning of a result callback's data. The name follows, not zero-terminated, then the payload. Data is
+// ignored if its name is missing, unknown or cut off.
 struct CallbackHeader {
   uint8_t reserved[8];
-  uint64_t nativeReq;  // the request that is done; not read for a light-stream event
+  uint64_t nativeReq;  // the finished request; not read for a light-stream event
   int32_t nameLength;
 };
 constexpr size_t kCallbackNameOffset = offsetof(CallbackHeader, nameLength) + sizeof(int32_t);
@@ -187,12 +186,12 @@ static_assert(offsetof(CallbackHeader, nativeReq) == 8);
 static_assert(offsetof(CallbackHeader, nameLength) == 16);
 static_assert(kCallbackNameOffset == 20);
 
-// Names of result callbacks: a request is done, without a payload; a light-stream event.
+// Names of result callbacks: a finished request, without a payload; a light-stream event.
 constexpr char kShotCallback[] = "shotCb";
 constexpr char kLightStreamCallback[] = "lightStreamCb";
 
-// How the payload of a light-stream callback begins; a shorter one is ignored. The first word of the
-// callback's first handle, if it has one, reaches Java as the shared descriptor.
+// The beginning of a light-stream callback's payload; shorter payloads are ignored. The first word of the
+// callback's first handle, if any, is passed to Java as the shared descriptor.
 struct LightStreamEvent {
   uint8_t reserved[8] = {};
   int64_t reqId = 0;
@@ -207,36 +206,37 @@ static_assert(offsetof(LightStreamEvent, eventType) == 16);
 static_assert(offsetof(LightStreamEvent, cropRegion) == 24);
 static_assert(offsetof(LightStreamEvent, zoomRatio) == 40);
 
-// Called for one value of a parameter block; 0 when the value was taken or filled in. Works on the thread
-// that called the operation which was given it, until that operation returns.
+// Called for one value of a parameter block; returns 0 if the value was accepted or filled in. Valid until
+// the operation that received it returns, and only on the thread that called the operation.
 using AlgoMetadataVisitor =
     std::function<int(const char* section, const char* key, void* data, unsigned size)>;
 
-// What stands behind AlgoProcessRecord::callbackCookie. Called on any thread of the algorithm library with a
-// CallbackHeader, its name and payload as `data`; `extra` is not read.
+// The function at AlgoProcessRecord::callbackCookie. May be called on any thread of the algorithm library.
+// `data` is a CallbackHeader, its name and payload; `extra` is not read.
 using AlgoResultCallback = std::function<void(
     const android::hardware::hidl_vec<uint8_t>& data, const android::hardware::hidl_vec<uint8_t>& extra,
     const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles)>;
 
-// Operations on metadata blocks. An empty callable means "not offered"; int results are 0 for success.
+// Operations on metadata blocks. An empty callable means "not offered"; an int result of 0 means success.
 struct AlgoMetadataOps {
   std::function<void*(int kind)> createMetadata;  // an AlgoMetadataKind; null on failure
   std::function<void(void* block)> destroyMetadata;
   std::function<unsigned(void* block)> getSize;
-  // Keep a copy of `size` bytes under (section, key); copy at most `size` bytes of what is kept there.
+  // setValue() copies `size` bytes into the block under (section, key); getValue() copies at most `size`
+  // bytes out of it.
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> setValue;
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> getValue;
   // Loads serialised camera metadata into a block of that kind.
   std::function<int(void* block, const char* bytes, unsigned size)> setRaw;
   std::function<int(void*)> reserved;  // never called from here
-  // Calls the visitor for each value that the algorithms pass up; for each value that they want passed down.
+  // Call the visitor for each value that the algorithms pass to the system, or request from it.
   std::function<int(void* block, AlgoMetadataVisitor)> paramAlgoUpdateToSystem;
   std::function<int(void* block, AlgoMetadataVisitor)> paramSystemDownloadToAlgo;
 };
 
-// The table that AlgoInterfaceEntry() fills in. Empty callables and results as above.
+// The table that AlgoInterfaceEntry() fills in. Empty callables and results as for AlgoMetadataOps.
 struct AlgoInterfaceCallbacks {
-  int32_t version = 0;  // 0 when the table is handed over
+  int32_t version = 0;  // 0 when the table is passed in
   std::function<int(const AlgoInitRecord&)> init;
   std::function<int(const AlgoProcessRecord&)> process;
   std::function<int(const AlgoUninitRecord&)> uninit;
@@ -252,5 +252,5 @@ struct AlgoInterfaceCallbacks {
 
 }  // namespace orlu
 
-// The algorithm library's one export: fills the table in, whose callables stay valid until the process ends.
+// The algorithm library's only export: fills in the table. Its callables stay valid until the process ends.
 extern "C" void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table);

@@ -1,5 +1,5 @@
-// Lets the compiler that builds an algorithm library check the sizes and offsets of algo_interface.h. Include
-// it in one source. A build for a phone must have the phone's layout.
+// Makes the compiler of an algorithm library check the sizes and offsets of algo_interface.h. Include it in
+// one source file. A build for a phone must have the phone's layout.
 #pragma once
 
 #include "algo_interface.h"
@@ -10,7 +10,7 @@
 
 namespace orlu {
 
-// Bytes on the phone and other 32-bit machines, and on a 64-bit workstation.
+// Sizes on the phone and other 32-bit machines, and on a 64-bit workstation.
 #if UINTPTR_MAX == UINT32_MAX
 #define ORLU_LAYOUT(found, phone, workstation) static_assert((found) == (phone), #found " is not " #phone)
 #else
@@ -64,15 +64,15 @@ ORLU_OFFSET(AlgoUninitRecord, client, 4, 8);
 ORLU_OFFSET(AlgoUninitRecord, mode, 8, 16);
 ORLU_SIZE(AlgoFlushRecord, 4, 8);
 
-// Those that hold strings or functions have the layout of a C++ library: the phone's, libc++, and a
-// workstation's, libstdc++. The others have no partner here (docs/arm.md).
+// Records with strings or functions depend on the C++ library: libc++ on the phone, libstdc++ on a
+// workstation. Other combinations are not checked (docs/arm.md).
 #ifdef _LIBCPP_VERSION
 #define ORLU_HAS_LIBCXX 1
 #else
 #define ORLU_HAS_LIBCXX 0
 #endif
 #if (UINTPTR_MAX == UINT32_MAX) == ORLU_HAS_LIBCXX
-// GCC warns for records that are not of standard layout, where it gives the right answer.
+// GCC warns about records without standard layout, although its offsets are correct.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 ORLU_SIZE(AlgoGetDataRecord, 24, 56);

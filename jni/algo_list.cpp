@@ -6,7 +6,7 @@
 namespace orlu {
 namespace {
 
-// Compares as far as the entry's terminating zero, which ends a comparison that runs past a short entry.
+// strncmp() stops at the entry's terminating zero, so `len` may exceed the entry's length.
 bool matches(const std::string& entry, const char* name, int len) {
   return len <= 0 || std::strncmp(entry.c_str(), name, static_cast<size_t>(len)) == 0;
 }

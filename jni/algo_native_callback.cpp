@@ -23,20 +23,20 @@ constexpr char kCallbackClass[] = "com/orlu/orlu3rdalgoservice/binderserver/Requ
 constexpr char kCallbackMethod[] = "callbackFromNative";
 constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 
-// Local references that one callback into Java makes: the parser's classes, a map and its values.
+// Local references of one callback into Java: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
 
-// Guards who is open and who is inside Java, and the list of all callbacks.
+// Guards which callbacks are open or inside Java, and the list of all callbacks.
 std::mutex gMutex;
 AlgoNativeCallback* gLatest = nullptr;
 
-// Whether a name of `length` bytes is this one. The length is compared first: it is the sender's.
+// Returns whether `name` is this name. Compares the length first because the sender sets it.
 template <size_t N>
 bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
   return length == N - 1 && std::memcmp(name, known, length) == 0;
 }
 
-// The first integer of the first handle; false when there is no such handle.
+// Reads the first integer of the first handle. Returns false if there is none.
 bool firstHandleWord(const hidl_vec<hidl_handle>& handles, int32_t& word) {
   if (handles.size() == 0 || handles.data() == nullptr) return false;
   const native_handle_t* handle = handles[0].getNativeHandle();
@@ -69,7 +69,7 @@ public:
     mEnv->DeleteGlobalRef(mCallback.mCallbackClass);
   }
 
-  // False when the client went meanwhile.
+  // False if the client was destroyed meanwhile.
   explicit operator bool() const { return mIsIn; }
 
 private:
@@ -126,7 +126,7 @@ JNIEnv* AlgoNativeCallback::environment() const {
 }
 
 void AlgoNativeCallback::close(JNIEnv* env) {
-  std::shared_ptr<AlgoNativeContext> context;  // freed outside the mutex
+  std::shared_ptr<AlgoNativeContext> context;  // released outside the mutex
   {
     const std::lock_guard<std::mutex> lock(gMutex);
     context.swap(mContext);
@@ -184,7 +184,7 @@ void AlgoNativeCallback::handleShot(uint64_t nativeReq, AlgoNativeContext& conte
   if (isKnown && !isFullAsync) {
     map->onCallbackReceived(nativeReq);
   } else {
-    // Java may have finished the request before, and left the block to the library.
+    // Java may already have finished the request and left the block to the library.
     context.destroyMetadata(map->releaseBlock(nativeReq, kUsedByLibrary));
     if (!isKnown || !announceCommonShot(nativeReq, context, operation)) return;
   }
@@ -200,7 +200,7 @@ bool AlgoNativeCallback::announceCommonShot(uint64_t nativeReq, AlgoNativeContex
   const InsideJava inside(*this, env);
   if (!inside) return false;
   const int64_t reqId = map->getRequestId(nativeReq);
-  // Before Java is called, which may finish the request in that call.
+  // Must precede the call to Java, which may finish the request.
   if (!map->setAnnounced(nativeReq)) return false;
   if (!callWithAddress(env, nativeReq, reqId, operation)) {
     context.destroyMetadata(map->withdrawAnnouncement(nativeReq));
@@ -252,8 +252,8 @@ void AlgoNativeCallback::onPostProcessDataLightStream(const uint8_t* payload, in
 }
 
 JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
-  // A thread that is not attached gets no further than this: attaching it here would leave it attached for
-  // ever (Oddity 47). The attach below only confirms the one that is there.
+  // An unattached thread stops here: attaching it would leave it attached forever (Oddity 47). The attach
+  // below only confirms an existing attachment.
   JNIEnv* env = environment();
   if (env == nullptr || attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr) != JNI_OK) {
     LOGE_AS(operation, "%s: JavaVM GetEnv ERROR", operation);

@@ -35,7 +35,7 @@ AlgoNativeClient::~AlgoNativeClient() {
   LOGD("AlgoNativeClient destructor");
   JNIEnv* const env = mCallback->environment();
   if (env == nullptr) LOGE("%s: JavaVM GetEnv ERROR", __func__);
-  // The library may call back until its client is destroyed.
+  // Order matters: the library may call back until its client is destroyed.
   mContext->destroyClient();
   mCallback->close(env);
   releaseRequests();

@@ -7,7 +7,7 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-AlgoNativeContext";
 
-// A client is uninitialised for each of these, in this order.
+// uninit() runs for each of these types, in this order.
 constexpr ALGO_REQUEST_TYPE kUninitTypes[] = {kRequestPreview, kRequestCapture, kRequestType3, kRequestType5};
 
 }  // namespace
@@ -44,7 +44,7 @@ void AlgoNativeContext::destroyClient() {
 template <typename Record>
 void AlgoNativeContext::submit(const char* name, const std::function<int(const Record&)>& callable,
                                const Record& record) {
-  // Java may destroy the client inside an earlier operation of the same native.
+  // Java may have destroyed the client inside an earlier operation of the same native.
   if (mIsClientDestroyed) return;
   mTable->call(mTable->environment(), name, callable, -1, record);
 }

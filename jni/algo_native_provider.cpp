@@ -15,8 +15,8 @@ constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
 AlgoNativeProvider* AlgoNativeProvider::getInstance() {
   static AlgoNativeProvider* const instance = new AlgoNativeProvider(kUnopened);
-  // Not while the object is made: others would wait for the library's entry, and it for ever for a client of
-  // its own.
+  // Must not run during the static initialisation: other threads would wait for the library's entry, and the
+  // entry would block forever if it created a client itself.
   if (!instance->mIsOpened.exchange(true)) instance->initAlgoInterface(&instance->mCallbacks);
   return instance;
 }

@@ -14,12 +14,13 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// Java has finished a full-async request, or nobody will. Its record stays while somebody uses the block.
+// True if Java has finished the full-async request or nobody will. The record stays while its block has
+// users.
 bool isFinished(const AlgoNativeRequest& request) {
   return (request.blockUsers & kUsedByJava) == 0;
 }
 
-// False if the time is over before the callback arrives.
+// Returns false if the callback does not arrive in time.
 bool waitUntilReceived(AlgoNativeRequest& request) {
   std::unique_lock<std::mutex> lock(request.mutex);
   return request.condition.wait_for(lock, kCallbackTimeout, [&request] { return request.received; });
@@ -64,8 +65,8 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
     std::lock_guard<std::mutex> recordLock(request->mutex);
     request->received = true;
   }
-  // Outside the record's mutex: the woken thread takes that first, and would go to sleep on it again. The
-  // record stays until the map's mutex is free.
+  // Must not hold the record's mutex: the woken thread takes it first and would block again. The record stays
+  // until the map's mutex is released.
   request->condition.notify_all();
   LOGD("notify reqId = %lld", static_cast<long long>(request->reqId));
   return true;
@@ -88,7 +89,7 @@ AlgoNativeRequest* AlgoNativeRequestMap::startWaiting(uint64_t nativeReq) {
   return request;
 }
 
-// The record was left alive by remove() if it was removed meanwhile; then it is freed here.
+// If the record was removed meanwhile, remove() left it alive; it is freed here.
 void AlgoNativeRequestMap::stopWaiting(AlgoNativeRequest* request, uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   if (findRequestLocked(nativeReq) != nullptr) {
@@ -148,7 +149,7 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // A client that went meanwhile has left the request to Java, which will not hear of it.
+  // If the client was destroyed meanwhile, it left the request to Java, but Java will never hear of it.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }
@@ -193,7 +194,7 @@ bool AlgoNativeRequestMap::releaseOwned(const void* owner, void*& metadata) {
   return true;
 }
 
-// Takes users off the block. The last one gets it, and the record is gone.
+// Removes users of the block. The last user gets the block, and the record is deleted.
 void* AlgoNativeRequestMap::releaseLocked(Requests::iterator request, unsigned users) {
   AlgoNativeRequest* const record = *request;
   if (record->blockUsers == 0) return nullptr;

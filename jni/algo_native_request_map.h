@@ -30,7 +30,7 @@ struct AlgoNativeRequest {
   // For full-async requests only.
   const void* owner = nullptr;  // identifies the client
   unsigned blockUsers = kUsedBySubmission | kUsedByLibrary | kUsedByJava;
-  bool isAnnounced = false;  // Java has been told, or is being told, that it may finish the request
+  bool isAnnounced = false;  // Java knows, or is just learning, that it may finish the request
   bool isFinishing = false;  // Java is finishing the request
   bool isOwnerGone = false;
 };
@@ -74,11 +74,11 @@ public:
   bool setAnnounced(uint64_t nativeReq);
   // Reverts setAnnounced(): the announcement did not reach Java.
   void* withdrawAnnouncement(uint64_t nativeReq);
-  // Removes a user of the block. The request may be finished, and its id unknown by now.
+  // Removes a user of the block. The request may already be finished and its id unknown.
   void* releaseBlock(uint64_t nativeReq, AlgoBlockUser user);
-  // Passes block and list to the one caller that finishes a full-async request in Java's name. Returns false
-  // and leaves both unchanged for any other id, and until the request is announced or its submission is over:
-  // a guessed id must not take the request from the thread that submits it.
+  // Passes the block and the list to the one caller that may finish a full-async request in Java's name.
+  // Returns false and leaves both unchanged for any other id, and until the request is announced or its
+  // submission is over: a guessed id must not take the request from the thread that submits it.
   bool takeForFinish(uint64_t nativeReq, void*& metadata, std::vector<std::string>& algoList);
   // Removes a request that the caller took, and logs that.
   void* finish(uint64_t nativeReq);

@@ -1,9 +1,9 @@
-// Typed reading and writing of camera metadata through JNI: capture results, the compositions that
-// override them key by key, camera characteristics, and hash maps for callbacks.
+// Reads and writes typed camera metadata through JNI: capture results, the compositions that override them
+// key by key, camera characteristics, and hash maps for callbacks.
 //
-// A parser belongs to the thread and the JNI call that initialised it: what it keeps are local references.
-// Nothing is cached across calls. Every operation copes with members that could not be resolved, and no Java
-// exception stays pending.
+// A parser belongs to the thread and the JNI call that initialised it, because it keeps local references.
+// Nothing is cached across calls. Every operation works even if members could not be resolved, and leaves no
+// Java exception pending.
 #pragma once
 
 #include <jni.h>
@@ -24,7 +24,7 @@
 namespace orlu {
 
 class CameraMetadataParser {
-  // The Java objects that a tag is asked for with, made when they are first needed.
+  // The Java objects for reading one tag, created on first use.
   struct KeyObjects {
     explicit KeyObjects(JNIEnv* owner) : name(owner, nullptr), typed(owner, nullptr) {}
 
@@ -33,30 +33,30 @@ class CameraMetadataParser {
     jclass valueClass = nullptr;  // of `typed`
   };
 
-  // Objects that should be of one class, in the order of the frames. Each is checked when it is first used.
+  // Objects that should all be of one class, in the order of the frames. Each is checked on its first use.
   class FrameObjects {
   public:
     void reset(const std::vector<jobject>& objects);
-    // For any object but null; one of the list that has passed is not checked again.
+    // `object` is not null. An object of the list that passed is not checked again.
     bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
       return object == mLastPassed || check(env, object, clazz);
     }
 
   private:
-    static constexpr size_t kMostKept = 64;  // frames past them are checked each time
+    static constexpr size_t kMostKept = 64;  // later frames are checked each time
 
     bool check(JNIEnv* env, jobject object, jclass clazz);
 
     const std::vector<jobject>* mObjects = nullptr;
     std::bitset<kMostKept> mHasPassed;  // by index in the list
     jobject mLastPassed = nullptr;
-    size_t mLast = 0;  // its index; frames are mostly read one after the other
+    size_t mLast = 0;  // its index; frames are mostly read in order
   };
 
 public:
-  // While it lives, getters and putters do not free their local references one by one: it frees them many at
-  // a time, in a local frame. References that callers keep must not be made meanwhile, so use no lookups. One
-  // at a time.
+  // While a Batch exists, getters and putters don't free their local references one by one: it frees many at
+  // a time, in a local frame. Don't create references that you keep meanwhile, so use no lookups. Only one
+  // Batch may exist at a time.
   class Batch {
   public:
     explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
@@ -67,16 +67,16 @@ public:
   private:
     friend class CameraMetadataParser;
 
-    // Prepares for one more operation. False if the VM has no memory for a frame.
+    // Prepares for one more operation. Returns false if the VM has no memory for a frame.
     bool makeRoom();
 
     CameraMetadataParser& mParser;
     std::optional<ScopedLocalFrame> mFrame;
-    int mOperations = 0;  // whose references are in the frame
+    int mOperations = 0;  // with references in the frame
   };
 
-  // While it lives, the batch frees nothing. For operations that call back: their references may be in the
-  // batch's frame.
+  // While a BatchPause exists, the batch frees nothing. For operations that call back: their references may
+  // be in the batch's frame.
   class BatchPause {
   public:
     explicit BatchPause(CameraMetadataParser& parser)
@@ -90,11 +90,11 @@ public:
     Batch* mBatch;
   };
 
-  // RAII cache: while it lives, reads of any key that equals `tag` reuse one set of Java key objects. If
-  // several are alive, destroy in reverse order of creation.
+  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. Destroy
+  // several in reverse order of creation.
   class RepeatedTag {
   public:
-    // `tag` must live as long.
+    // `tag` must outlive this object.
     RepeatedTag(CameraMetadataParser& parser, const char* tag);
     RepeatedTag(const RepeatedTag&) = delete;
     RepeatedTag& operator=(const RepeatedTag&) = delete;
@@ -104,7 +104,7 @@ public:
     friend class CameraMetadataParser;
 
     CameraMetadataParser& mParser;
-    BatchPause mPause;  // which would free the objects
+    BatchPause mPause;  // otherwise the batch would free the objects
     std::string_view mTag;
     RepeatedTag* mOuter;
     KeyObjects mObjects;
@@ -112,61 +112,62 @@ public:
 
   // Call initFromEnv() before any other operation.
   CameraMetadataParser() = default;
-  // The same as initFromEnv(env, false), for callers that do not ask for its result.
+  // Calls initFromEnv(env, false) and ignores its result.
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
   // Resolves every class and member that the operations use, for the calling thread, and logs each missing
-  // one. `withoutComposition` leaves the composition class out: callback threads may not be able to see it.
-  // Returns 0 when all was found, else -1; the operations that need nothing of what is missing still work.
+  // one. `withoutComposition` skips the composition class, because callback threads may not be able to find
+  // it. Returns 0 if everything was found, else -1; operations that don't need a missing member still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
-  // Declares the objects of a request's frames, so that the class of each is checked once instead of in every
+  // Declares the objects of a request's frames, so that each one's class is checked once instead of in every
   // lookup. Borrows both lists and their objects until the next initialisation.
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
-  // Lookups. `key` is whole characters of UTF-8, as for the getters and putters. They return a new local
-  // reference, or null: for an absent value, for a value that could not be asked for, and when
-  // `captureResult`, `parameter` or `characteristics` is null or of another class.
+  // Lookups. `key` is complete UTF-8 characters, as for the getters and putters. They return a new local
+  // reference, or null if the value is missing or can't be read, or if `captureResult`, `parameter` or
+  // `characteristics` is null or of another class.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
-  // Asks `parameter` first; what it holds wins, whatever its type.
+  // Reads from `parameter` first; a value found there wins, whatever its type.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, jobject parameter, const char* key,
                                              jclass valueClass);
   jobject getMetadataObjectFromCharacteristics(jobject characteristics, const char* key, jclass valueClass);
 
   // Getters from a capture result that `parameter`, its composition, overrides; either may be null. They
-  // return 0, or -1 with a logged line when the value is missing or of the wrong type. Capacities and sizes
-  // count elements and bytes; elements behind those that were read keep their values.
+  // return 0, or -1 with a logged line if the value is missing or of the wrong type. Capacities count
+  // elements, sizes count bytes. Elements that were not read keep their values.
   int getInt(int32_t& value, const char* key, jobject captureResult, jobject parameter);
   int getFloat(float& value, const char* key, jobject captureResult, jobject parameter);
   int getLong(int64_t& value, const char* key, jobject captureResult, jobject parameter);
-  // Zeroes the buffer first. A value of `size` bytes or more leaves no terminating zero (Oddity 13).
+  // Zeroes the buffer first. A value of `size` bytes or more is not zero-terminated (Oddity 13).
   int getString(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getArrayBytes(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
-  // The same into a new buffer, which stays null if the value is missing or of the wrong type.
+  // Like getArrayBytes(), but into a new buffer, which stays null if the value is missing or of the wrong
+  // type.
   int getNewArrayBytes(std::unique_ptr<char[]>& buffer, int size, const char* key, jobject captureResult,
                        jobject parameter);
   int getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);
   int getFloatArray(float* values, int capacity, const char* key, jobject captureResult, jobject parameter);
   int getDoubleArray(double* values, int capacity, const char* key, jobject captureResult, jobject parameter);
   int getLongArray(int64_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);
-  // Appends every string, without a limit.
+  // Appends all strings, without a limit.
   int getStringArray(std::vector<std::string>& values, const char* key, jobject captureResult,
                      jobject parameter);
-  // The count becomes the array's length, even when fewer faces fit (Oddity 11).
+  // The count becomes the array's length, even if fewer faces fit (Oddity 11).
   int getFaceInfo(_tagOrluFaceInfo& faces, int capacity, const char* key, jobject captureResult,
                   jobject parameter);
-  // Faces as four ints each; an incomplete last one is not counted.
+  // Reads faces as four ints each; an incomplete last face is not counted.
   int getIntFaceArray(_tagOrluFaceInfo& faces, int capacity, const char* key, jobject captureResult,
                       jobject parameter);
   int getRectInfo(__tagOrluRect& rect, const char* key, jobject captureResult, jobject parameter);
   int getRectInfo_ex(SCR_Type& crop, const char* key, jobject captureResult, jobject parameter);
-  // The first rectangle of the array. Returns -1 without a line for an empty array.
+  // Reads the first rectangle of the array. Returns -1 for an empty array, without a logged line.
   int getMeteringRectangle(__tagOrluRect& rect, int32_t& weight, const char* key, jobject captureResult,
                            jobject parameter);
   int getGpsLocation(GpsLocation& location, const char* key, jobject captureResult, jobject parameter);
 
-  // The same from a parameter object alone.
+  // Getters from a parameter object alone.
   int getIntOrlu(int32_t& value, const char* key, jobject parameter);
   int getLongOrlu(int64_t& value, const char* key, jobject parameter);
   int getFloatOrlu(float& value, const char* key, jobject parameter);
@@ -178,18 +179,18 @@ public:
   int getIntArrayOrlu(int32_t* values, int capacity, const char* key, jobject parameter);
   int getFloatArrayOrlu(float* values, int capacity, const char* key, jobject parameter);
 
-  // The same from camera characteristics. Boxed arrays only.
+  // Getters from camera characteristics. Boxed arrays only.
   int getCharacteristicsInt(int32_t& value, const char* key, jobject characteristics);
   int getCharacteristicsIntArray(int32_t* values, int capacity, const char* key, jobject characteristics);
   int getCharacteristicsRational(Rational& value, const char* key, jobject characteristics);
   int getCharacteristicsRectInfo(__tagOrluRect& rect, const char* key, jobject characteristics);
   int getCharacteristicsRectInfo_ex(SCR_Type& crop, const char* key, jobject characteristics);
 
-  // A whole capture result, as the bytes that its parcel has; empty, with a logged line, when a step fails.
+  // Returns a whole capture result as the bytes of its parcel; empty, with a logged line, if a step fails.
   std::vector<uint8_t> getMetadata(jobject captureResult);
 
   // Putters into a composition: box the value and store it under the key. They return 0, or -1 with a logged
-  // line. Arrays are copied whole; `count` has no limit.
+  // line. Arrays are copied completely; `count` has no limit.
   int putInt(const int32_t& value, const char* key, jobject composition);
   int putFloat(const float& value, const char* key, jobject composition);
   int putLong(const int64_t& value, const char* key, jobject composition);
@@ -197,13 +198,12 @@ public:
   int putLongArray(const int64_t* values, int count, const char* key, jobject composition);
   int putFloatArray(const float* values, int count, const char* key, jobject composition);
   int putDoubleArray(const double* values, int count, const char* key, jobject composition);
-  // The store that they share: 0, or -1 without a line.
+  // Shared by these putters. Returns 0, or -1 without a logged line.
   int putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key, jobject value);
 
-  // A new, empty HashMap as a local reference, or null and a logged line.
+  // Returns a new, empty HashMap as a local reference; null with a logged line on failure.
   jobject createHashMap();
-  // Putters into such a map; they return the same.
-  // The store that they share: 0, or -1 without a line.
+  // Putters into such a map; same results as above.
   int putObjectIntoHashMap(jobject map, const char* key, jobject value);
   int putIntIntoHashMap(const int32_t& value, const char* key, jobject map);
   int putFloatIntoHashMap(const float& value, const char* key, jobject map);
@@ -216,18 +216,19 @@ private:
 
   struct Table;  // the rows of the cache
   template <typename T>
-  struct Boxed;  // how a boxed value of T is made and read
+  struct Boxed;  // how to box and unbox a T
   friend struct Table;
 
   // camera_metadata_parser_lookups.cpp
-  // A class that is asked with the platform's typed keys.
+  // A class that is read through the platform's typed keys.
   struct TypedSource {
     jclass clazz;
     jclass keyClass;
     jmethodID keyConstructor;
     jmethodID get;
   };
-  // Who frees the local references of the next operation: the batch if null, else their owners.
+  // Returns null if the batch frees the next operation's local references, else the environment for their
+  // owners.
   JNIEnv* referenceOwner() { return mBatch != nullptr && mBatch->makeRoom() ? nullptr : mEnv; }
   ScopedLocalRef<> ask(jobject captureResult, jobject parameter, const char* key, jclass valueClass);
   ScopedLocalRef<> ask(jobject parameter, const char* key);
@@ -245,7 +246,7 @@ private:
 
   // camera_metadata_parser_getters.cpp
   enum Unpacked { kRead, kWrongType, kEmpty };
-  // Where a value goes that is more than one object of C++.
+  // Destinations of values that are more than one C++ object.
   struct TextOut;
   struct BytesOut;
   struct NewBytesOut;
@@ -299,7 +300,7 @@ private:
   JNIEnv* mEnv = nullptr;
   FrameObjects mCaptureResults;
   FrameObjects mCompositions;
-  RepeatedTag* mRepeatedTag = nullptr;  // the last one made
+  RepeatedTag* mRepeatedTag = nullptr;  // the newest one
   Batch* mBatch = nullptr;              // null while it is paused
 
 #define TABLE(name)

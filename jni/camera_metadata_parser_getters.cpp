@@ -1,4 +1,4 @@
-// The getters: a lookup and an unpacking each.
+// The getters: each is a lookup and an unpacking.
 
 #include <algorithm>
 #include <cstring>
@@ -11,9 +11,9 @@
 
 namespace orlu {
 
-// ---- Where values go
+// ---- Output destinations
 
-// A string's bytes, and those of a byte array. The buffer is zeroed, whatever is found.
+// Receives the bytes of a string or a byte array. The buffer is always zeroed first.
 struct CameraMetadataParser::BytesOut {
   BytesOut(char* buffer, int capacity) : data(buffer), size(capacity) {
     std::fill_n(data, std::max(0, size), '\0');
@@ -32,7 +32,7 @@ struct CameraMetadataParser::NewBytesOut {
   int size;
 };
 
-// A primitive or a boxed array, and one that must be boxed.
+// Receive a primitive or boxed array, and an array that must be boxed.
 template <typename T>
 struct CameraMetadataParser::ArrayOut {
   T* values;
@@ -44,7 +44,7 @@ struct CameraMetadataParser::BoxedArrayOut {
   int capacity;
 };
 
-// At most `capacity` faces of an array of faces, and of one that has four ints for each.
+// Receive at most `capacity` faces from an array of faces, and from an array with four ints per face.
 struct CameraMetadataParser::FacesOut {
   _tagOrluFaceInfo& faces;
   int capacity;
@@ -54,7 +54,7 @@ struct CameraMetadataParser::IntFacesOut {
   int capacity;
 };
 
-// The weight may be null.
+// `weight` may be null.
 struct CameraMetadataParser::MeteringOut {
   __tagOrluRect& rect;
   int32_t* weight;
@@ -62,7 +62,8 @@ struct CameraMetadataParser::MeteringOut {
 
 // ---- Unpacking
 
-// Unpacks what was looked up. Returns 0, or -1 with a line that names the getter.
+// Unpacks a looked-up value. Returns 0, or -1 and logs a line that names the getter; an empty array is not
+// logged.
 template <typename Out>
 int CameraMetadataParser::read(const char* getter, const char* key, const ScopedLocalRef<>& value,
                                Out&& out) {
@@ -80,8 +81,9 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(Number& out, jobject
   return isInstance(mEnv, value, this->*Boxed<Number>::kClass) && unbox(out, value) ? kRead : kWrongType;
 }
 
-// Reads an object of T's boxing class, or null. False when there is nothing to read. The VM's own checker
-// (-Xcheck:jni) wants each call of a method followed by a look for an exception, also where none can come.
+// Reads `boxed`, which is null or of T's boxing class. Returns false if it can't be read. The VM's own
+// checker (-Xcheck:jni) demands an exception check after each method call, even where no exception is
+// possible.
 template <typename T>
 bool CameraMetadataParser::unbox(T& out, jobject boxed) {
   using Box = Boxed<T>;
@@ -94,7 +96,7 @@ bool CameraMetadataParser::unbox(T& out, jobject boxed) {
 
 template <typename T>
 CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const ArrayOut<T>& out, jobject value) {
-  // Capture results have boxed arrays; a composition may have either.
+  // Capture results hold boxed arrays; a composition may hold either kind.
   if (isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) {
     copyBoxed(out.values, out.capacity, value);
   } else if (isInstance(mEnv, value, this->*Boxed<T>::kPrimitiveArrayClass)) {
@@ -118,8 +120,8 @@ void CameraMetadataParser::copyPrimitives(T* out, int capacity, jobject array) {
   ScopedElements<Element>(mEnv, static_cast<typename JniArray<Element>::Type>(array)).copyTo(out, capacity);
 }
 
-// The array's class says that its elements are boxed values of T, or null. Their references are freed some at
-// a time, which takes fewer calls than one by one, and never keeps more than these alive.
+// The array's class guarantees that its elements are boxed values of T or null. Freeing their references in
+// batches takes fewer calls than freeing each, and bounds the number alive.
 template <typename T>
 void CameraMetadataParser::copyBoxed(T* out, int capacity, jobject array) {
   constexpr int kElementsAtOnce = 32;
@@ -133,7 +135,7 @@ void CameraMetadataParser::copyBoxed(T* out, int capacity, jobject array) {
   }
 }
 
-// Reads an object of the rectangle class, or null. False when there is nothing to read.
+// Reads `rect`, which is null or of the rectangle class. Returns false if it can't be read.
 bool CameraMetadataParser::readRect(__tagOrluRect& out, jobject rect) {
   if (rect == nullptr || mRectFieldLeft == nullptr || mRectFieldRight == nullptr ||
       mRectFieldTop == nullptr || mRectFieldBottom == nullptr) {
@@ -154,7 +156,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobje
   __tagOrluRect rect;
   const Unpacked unpacked = unpack(rect, value);
   if (unpacked != kRead) return unpacked;
-  // The rectangle class has no fifth field on any platform so far, so the flag stays false.
+  // No platform's rectangle class has a fifth field so far, so the flag stays false.
   std::memset(&out, 0, sizeof out);
   out.left = rect.left;
   out.right = rect.right;
@@ -163,7 +165,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobje
   return kRead;
 }
 
-// Calls a method that returns a number; 0 when it throws.
+// Calls a method that returns a number; returns 0 if it throws.
 template <typename Number>
 Number CameraMetadataParser::callNumber(Number (JNIEnv::*call)(jobject, jmethodID, ...), jobject object,
                                         jmethodID method) {
@@ -252,7 +254,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const IntFacesOut& o
   out.faces.count = mEnv->GetArrayLength(static_cast<jarray>(value)) / kIntsPerFace;
   const int faces = std::min({out.faces.count, out.capacity, kMaxFaces});
   if (faces < 1) return kRead;
-  // The record's rectangles are the four ints of each face, one after the other.
+  // The record's rectangles are laid out as four ints per face.
   int32_t ints[kMaxFaces * kIntsPerFace];
   std::memcpy(ints, out.faces.rects, sizeof ints);
   if (boxed) {
@@ -278,7 +280,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const MeteringOut& o
   return kRead;
 }
 
-// ---- The getters: one row each, with its name, the class that its key is typed with, and its outputs
+// ---- The getters: one row each, with its name, the class of its typed key, and its outputs
 
 using P = CameraMetadataParser;
 

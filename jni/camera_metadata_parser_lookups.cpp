@@ -1,4 +1,4 @@
-// How a value is asked for by its key, and how a whole capture result is serialised.
+// Looks up a value by its key and serialises whole capture results.
 
 #include <algorithm>
 
@@ -27,8 +27,8 @@ bool CameraMetadataParser::FrameObjects::check(JNIEnv* env, jobject object, jcla
 
 bool CameraMetadataParser::Batch::makeRoom() {
   constexpr int kMostOperations = 16;
-  constexpr jint kReferencesEach = 3;  // a key's text, the key, and the value
-  constexpr jint kOthers = 16;         // that their owners free
+  constexpr jint kReferencesEach = 3;  // a key's string, the key, and the value
+  constexpr jint kOthers = 16;         // freed by their owners
   if (mFrame && mOperations < kMostOperations) {
     ++mOperations;
     return true;
@@ -51,7 +51,7 @@ CameraMetadataParser::RepeatedTag::RepeatedTag(CameraMetadataParser& parser, con
   parser.mRepeatedTag = this;
 }
 
-// Those that are kept for the key, else `fresh`.
+// Returns the objects cached for the key, else `fresh`.
 CameraMetadataParser::KeyObjects& CameraMetadataParser::keyObjects(std::string_view key, KeyObjects& fresh) {
   for (RepeatedTag* tag = mRepeatedTag; tag != nullptr; tag = tag->mOuter) {
     if (tag->mTag == key) return tag->mObjects;
@@ -120,19 +120,19 @@ jobject CameraMetadataParser::getMetadataObjectFromCharacteristics(jobject chara
                   characteristics, objects, key, valueClass, __func__);
 }
 
-// A key's Java string; null when the VM has no memory for it.
+// Returns the key as a Java string; null if the VM has no memory for it.
 jstring CameraMetadataParser::newName(const char* key) {
   return clearIfNull(mEnv, mEnv->NewStringUTF(key));
 }
 
-// Asks an object that is a composition.
+// Looks up a key in a composition.
 jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, const char* key) {
   if (name == nullptr) return nullptr;
   return unlessThrown(mEnv->CallObjectMethod(parameter, mMethodGetMetadata, name), key,
                       "getMetadataObjectFromOrluAlgorithmParameter");
 }
 
-// Asks an object that may be one of the source's class.
+// Looks up a key in an object that may be of the source's class.
 jobject CameraMetadataParser::askTyped(const TypedSource& source, jobject object, KeyObjects& objects,
                                        const char* key, jclass valueClass, const char* operation) {
   if (source.keyClass == nullptr || source.keyConstructor == nullptr || source.get == nullptr ||
@@ -153,14 +153,15 @@ jobject CameraMetadataParser::askTyped(const TypedSource& source, jobject object
   return unlessThrown(mEnv->CallObjectMethod(object, source.get, objects.typed.get()), key, operation);
 }
 
-// The value that Java returned; null, with a line that names the operation, when it threw.
+// Returns `value`. If Java threw, logs a line that names the operation and returns null.
 jobject CameraMetadataParser::unlessThrown(jobject value, const char* key, const char* operation) {
   if (!clearException(mEnv)) return value;
   LOGE_AS(operation, "get %s is null", key);
   return nullptr;
 }
 
-// What a method without arguments returns, as a new local reference; null when it can't be called or throws.
+// Calls a method without arguments and returns its result as a new local reference; null if it can't be
+// called or throws.
 jobject CameraMetadataParser::callObject(jobject object, jmethodID method) {
   if (object == nullptr || method == nullptr) return nullptr;
   jobject result = mEnv->CallObjectMethod(object, method);
@@ -196,8 +197,8 @@ std::vector<uint8_t> CameraMetadataParser::getMetadata(jobject captureResult) {
   return result;
 }
 
-// A parcel that the camera metadata, or nothing when it is null, was written to. Null when there is no
-// parcel.
+// Returns a parcel with the camera metadata; an empty parcel if `cameraMetadata` is null. Returns null if the
+// parcel can't be obtained.
 jobject CameraMetadataParser::parcelOf(jobject cameraMetadata) {
   if (mMethodParcelObtain == nullptr) return nullptr;
   jobject parcel = mEnv->CallStaticObjectMethod(mClazzParcel, mMethodParcelObtain);

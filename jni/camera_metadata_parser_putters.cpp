@@ -34,7 +34,7 @@ int CameraMetadataParser::intoHashMap(JNIEnv* owner, jobject map, const char* ke
 
 // ---- Boxing
 
-// Boxes a scalar and stores it. The lines name the putter.
+// Boxes a scalar and stores it. The log lines name the putter.
 template <typename T>
 int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key, jobject container,
                                    Store into) {
@@ -51,7 +51,7 @@ int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key,
   return -1;
 }
 
-// Copies an array into a new Java one and stores that. It fails without the class `required`.
+// Copies an array into a new Java array and stores that. Fails without the class `required`.
 template <typename T>
 int CameraMetadataParser::putArray(const char* putter, const T* values, int count, jclass required,
                                    const char* key, jobject container, Store into) {
@@ -80,7 +80,7 @@ jobject CameraMetadataParser::createHashMap() {
   return map;
 }
 
-// ---- The putters: one row each, with its name, the type of its values, and where they go
+// ---- The putters: one row each, with its name, the type of its values, and the store
 
 using P = CameraMetadataParser;
 

@@ -3,7 +3,7 @@
 namespace orlu {
 namespace {
 
-// Zoom ratios at which a switching multi-camera system changes its camera.
+// The zoom ratios at which a switching multi-camera system changes its camera.
 const std::map<float, SATCameraRoleType> gSatCameraRoles = {
     {0.6F, kSatRoleWide    },
     {1.0F, kSatRoleMain    },
@@ -17,7 +17,7 @@ bool isMainCamera(std::string_view type, int32_t satRole) {
          (type == "SAT" && satRole == kSatRoleMain);
 }
 
-// The bit of a camera that is not the main one. The camera of the 5.0 ratio has none of its own.
+// Returns the bit of a camera other than the main one. The camera of the 5.0 ratio has no bit of its own.
 int roleBit(std::string_view type, int32_t satRole) {
   const bool isSat = type == "SAT";
   if (type == "Tele" || type == "Tele2.5X" ||

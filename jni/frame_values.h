@@ -7,11 +7,11 @@
 
 namespace orlu {
 
-// Values of as many frames as requests usually have take nothing from the heap.
+// Uses no heap memory for as many frames as requests usually have.
 template <typename T>
 class FrameValues {
 public:
-  // Room for `capacity` values, of which the first `size` are zero and the others not there yet.
+  // Room for `capacity` values. The first `size` are zero; the others don't exist yet.
   explicit FrameValues(size_t capacity, size_t size = 0)
       : mMore(capacity > kUsual ? std::make_unique<T[]>(capacity) : nullptr), mSize(size) {}
 
@@ -21,7 +21,7 @@ public:
   const T* data() const { return mMore ? mMore.get() : mUsual.data(); }
   T& operator[](size_t index) { return data()[index]; }
   const T& operator[](size_t index) const { return data()[index]; }
-  // Not past the capacity.
+  // Must not exceed the capacity.
   void push_back(T value) { data()[mSize++] = value; }
 
 private:

@@ -11,7 +11,7 @@ bool isNight(uint64_t mode) {
   return (mode & kNightFrameBit) != 0;
 }
 
-// Counts the frames of [first, last) by their modes, of which HDR comes before night, and keeps the indices
+// Counts the frames of [first, last) by their modes; a frame with both bits counts as HDR. Stores the indices
 // of the HDR frames from slot `hdrSlot` on.
 HdrLayout walk(const FrameModes& modes, size_t first, size_t last, size_t hdrSlot, HdrFrameIndex& hdrFrames) {
   HdrLayout found;
@@ -41,7 +41,7 @@ HdrLayout layoutOf7(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
   return layout;
 }
 
-// The first three frames count as night frames alone, the others as HDR frames alone.
+// The first three frames count only as night frames, the others only as HDR frames.
 HdrLayout layoutOf9(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
   constexpr size_t kNightFrames = 3;
   HdrLayout layout;

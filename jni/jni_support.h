@@ -1,4 +1,4 @@
-// Small owners and checks for JNI. All of them are used on the thread of the environment they were given.
+// Small RAII owners and checks for JNI. Use each on the thread of its environment.
 #pragma once
 
 #include <jni.h>
@@ -7,30 +7,30 @@
 
 namespace orlu {
 
-// Clears a pending Java exception. True when there was one.
+// Clears a pending Java exception. Returns true if there was one.
 inline bool clearException(JNIEnv* env) {
   if (!env->ExceptionCheck()) return false;
   env->ExceptionClear();
   return true;
 }
 
-// Returns `result`, of a function that leaves an exception only when it returns null, and clears that
-// exception.
+// Returns `result`. If it is null, clears the exception of the function that returned it; such functions
+// throw only if they return null.
 template <typename T>
 T clearIfNull(JNIEnv* env, T result) {
   if (result == nullptr) clearException(env);
   return result;
 }
 
-// Calls JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(): the JDK's jni.h declares their `env`
-// as void**, Android's as JNIEnv**. `arguments` may be null. Returns what the VM returns.
+// Calls JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(): `env` is void** in the JDK's jni.h
+// and JNIEnv** in Android's. `arguments` may be null. Returns the VM's result.
 template <typename Env>
 jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env,
                   JavaVMAttachArgs* arguments) {
   return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
 }
 
-// Owns one local reference; a raw jobject parameter anywhere in this library is borrowed. With a null `env` a
+// Owns one local reference; a raw jobject parameter is always borrowed in this library. With a null `env`, a
 // local frame frees the reference.
 template <typename T = jobject>
 class ScopedLocalRef {
@@ -41,7 +41,7 @@ public:
   ScopedLocalRef& operator=(const ScopedLocalRef&) = delete;
   ~ScopedLocalRef() { reset(nullptr); }
 
-  // Frees what was owned and owns `object` instead.
+  // Frees the owned reference and takes over `object`.
   void reset(T object) {
     if (mObject != nullptr && mEnv != nullptr) mEnv->DeleteLocalRef(mObject);
     mObject = object;
@@ -50,7 +50,7 @@ public:
   T get() const { return mObject; }
   explicit operator bool() const { return mObject != nullptr; }
 
-  // Hands the reference to the caller.
+  // Passes the reference to the caller.
   T release() {
     T object = mObject;
     mObject = nullptr;
@@ -62,8 +62,8 @@ private:
   T mObject;
 };
 
-// Frees every local reference made during its life. Threads that stay attached for ever never return to
-// Java, so without such a frame their references would pile up until the table overflows.
+// Frees every local reference that is created during its lifetime. Threads that stay attached never return to
+// Java; without such a frame, their references would accumulate until the table overflows.
 class ScopedLocalFrame {
 public:
   ScopedLocalFrame(JNIEnv* env, jint capacity) : mEnv(env), mPushed(env->PushLocalFrame(capacity) == JNI_OK) {
@@ -75,7 +75,7 @@ public:
     if (mPushed) mEnv->PopLocalFrame(nullptr);
   }
 
-  // False when the VM had no memory for the frame.
+  // False if the VM had no memory for the frame.
   explicit operator bool() const { return mPushed; }
 
 private:
@@ -83,7 +83,7 @@ private:
   bool mPushed;
 };
 
-// The characters of a Java string during its life, in the VM's form of UTF-8, zero-terminated.
+// Holds the characters of a Java string: zero-terminated, in the VM's modified UTF-8.
 class ScopedUtfChars {
 public:
   // `string` may be null.
@@ -97,7 +97,7 @@ public:
     if (mChars != nullptr) mEnv->ReleaseStringUTFChars(mString, mChars);
   }
 
-  // Null for a null string, and when the VM has no memory for the characters.
+  // Null for a null string, or if the VM has no memory for the characters.
   const char* get() const { return mChars; }
 
 private:
@@ -106,7 +106,7 @@ private:
   const char* mChars;
 };
 
-// The VM's functions for arrays, by the type of their elements.
+// Selects the VM's array functions by element type.
 template <typename Element>
 struct JniArray;
 #define ORLU_JNI_ARRAY(Element, Name)                                               \
@@ -125,7 +125,7 @@ ORLU_JNI_ARRAY(jfloat, Float);
 ORLU_JNI_ARRAY(jdouble, Double);
 #undef ORLU_JNI_ARRAY
 
-// The elements of a Java array during its life. The array gets them back at the end.
+// Holds the elements of a Java array, and returns them to the array when destroyed.
 template <typename Element>
 class ScopedElements {
   using Functions = JniArray<Element>;
@@ -142,11 +142,11 @@ public:
     if (mElements != nullptr) (mEnv->*Functions::kReleaseElements)(mArray, mElements, 0);
   }
 
-  // Null, and a length of 0, when the VM has no memory for the elements.
+  // Null, with length 0, if the VM has no memory for the elements.
   Element* get() const { return mElements; }
   jsize length() const { return mLength; }
 
-  // Copies the first elements, at most `capacity` of them; none when that is below 1.
+  // Copies the first elements, at most `capacity`; none if `capacity` is below 1.
   template <typename T>
   void copyTo(T* out, int capacity) const {
     std::copy_n(mElements, std::max(0, std::min(static_cast<int>(mLength), capacity)), out);
@@ -159,16 +159,16 @@ private:
   jsize mLength;
 };
 
-// Asks the VM to keep room for `count` more local references until the native method returns.
+// Reserves `count` more local references until the native method returns.
 inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }
 
-// Replaces by '?' every byte of `text` that is not part of a complete (modified) UTF-8 character.
-// NewStringUTF() on a cut character may read past the end or abort. `text` is zero-terminated.
+// Replaces every byte of `text` that is not part of a complete (modified) UTF-8 character with '?'.
+// NewStringUTF() may abort or read past the end of a truncated character. `text` is zero-terminated.
 void mendText(char* text);
 
-// IsInstanceOf(), and false for a null object or a class that was not found.
+// Like IsInstanceOf(), but false for a null object or class.
 inline bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
   return object != nullptr && clazz != nullptr && env->IsInstanceOf(object, clazz);
 }

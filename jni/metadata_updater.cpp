@@ -51,7 +51,7 @@ int MetadataUpdater::getImageFormat() {
   const CameraMetadataParser::Batch batch(*mParser);
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);
-  // An application that only redraws its watermark on a finished image needs nothing else (Oddity 14).
+  // A request that only redraws the watermark on a finished image needs nothing else (Oddity 14).
   if (updateWatermarkData() != 0) return;
   updateCommonTags();  // before the master frames are known (Oddity 15)
   getMasterFrames();
@@ -68,7 +68,7 @@ int MetadataUpdater::getImageFormat() {
   convertMetadata();
 }
 
-// Resets what the algorithms may have left from an earlier request.
+// Resets feedback that the algorithms may have left from an earlier request.
 void MetadataUpdater::clearParams() {
   constexpr int64_t kBaseFrameTime = 0;
   constexpr int32_t kBaseFrameIdx = -1;
@@ -95,7 +95,7 @@ int MetadataUpdater::updateWatermarkData() {
   mShot.write<int32_t>(kControl, "update_watermark_from_appvif", fromApp);
   if (fromApp == 0) return 0;
 
-  // Of these only the type is handed over (Oddity 14).
+  // Only the type is passed on (Oddity 14).
   const auto type = mShot.readOr<int32_t>("orlu.control.wm_waterMark_type");
   const auto size = mShot.readOr<Ints<2>>("orlu.control.wm_waterMark_size");
   const auto content = mShot.readOr<Ints<2>>("orlu.control.wm_waterMark_content");
@@ -108,7 +108,7 @@ int MetadataUpdater::updateWatermarkData() {
   return 1;
 }
 
-// A two-camera bokeh request may interleave master and slave frames; every second one is then a master.
+// A two-camera bokeh request may interleave master and slave frames; then every second frame is a master.
 void MetadataUpdater::getMasterFrames() {
   int step = 1;
   if (mShot.listHas("dualBokeh") && !mShot.isRaw()) {

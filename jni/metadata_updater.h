@@ -54,7 +54,7 @@ public:
   // The steps of updateMetadata(), grouped by file. Most depend on earlier steps.
   // metadata_updater.cpp
   void clearParams();
-  int updateWatermarkData();  // 1 if the request only updates the watermark
+  int updateWatermarkData();  // returns 1 if the request only updates the watermark
   void getMasterFrames();
   uint64_t getCurrentMode(jobject captureResult, jobject composition);
   // metadata_updater_cameras.cpp

@@ -1,4 +1,4 @@
-// Which algorithms' parameters a request needs, and which algorithms of its list must not run together.
+// Selects the algorithms whose parameters a request needs, and removes algorithms that must not run together.
 
 #include <utility>
 
@@ -29,8 +29,8 @@ void MetadataUpdater::updateAlgoType() {
   editAlgoList();
 }
 
-// Each step sees the list as the client sent it, with what earlier steps appended (Oddity 17). Where two
-// write the same key, the algorithms get the later one's.
+// Each step sees the client's list plus the names that earlier steps appended (Oddity 17). If two steps write
+// the same key, the later one wins.
 void MetadataUpdater::updateAlgorithmParameters() {
   const bool isRaw = mShot.isRaw();
   if (isRaw) {
@@ -61,9 +61,9 @@ void MetadataUpdater::updateRawAlgorithms() {
   if (mShot.listHas("rawhdr") || mShot.listHas("superstar") || mShot.listHas("supermoonRaw")) updateRawHdr();
 }
 
-// Combinations that must not run together. Each rule sees what the ones before it left.
+// Removes combinations that must not run together. Each rule sees the list that the earlier ones left.
 void MetadataUpdater::editAlgoList() {
-  constexpr char kOperation[] = "updateAlgoType";  // of which this is a part
+  constexpr char kOperation[] = "updateAlgoType";  // the operation that this part logs
   const bool isRaw = mShot.isRaw();
   if (mShot.listHas("dualBokeh") && mShot.listHas("jpegEncode")) mShot.append("refocusJpegPack");
   if (isRaw) {
@@ -78,7 +78,7 @@ void MetadataUpdater::editAlgoList() {
   const bool isNightRaw = isRaw && (mShot.listHas("supernsll") || mShot.listHas("llhdr"));
   if (isNightRaw && mShot.listHas("dualBokeh")) mShot.remove("dualBokeh");
   if (mShot.listHas("jpegEncode")) mShot.remove("lightstream");
-  // No tag sets this flag. It is for a client that can do no more than these four.
+  // No tag sets this flag. It is for a client that supports only these four.
   if (mUseFilterList != 0) {
     std::vector<std::string> supported = {"beauty", "filter", "blackImg", "distortion"};
     AlgoListSupportFilter(supported, *mAlgoList);

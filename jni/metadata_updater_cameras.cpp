@@ -1,4 +1,4 @@
-// Which camera took the shot, and which cameras a multi-camera algorithm works on.
+// The camera that took the shot, and the cameras that a multi-camera algorithm works on.
 
 #include <algorithm>
 #include <cstring>
@@ -9,8 +9,8 @@
 namespace orlu {
 namespace {
 
-// What a bokeh session's cameras are called, or else what the tag says. A text that fills the field has no
-// terminating zero. `operation` is named by the line.
+// Returns the bokeh session's name for its cameras, or else the tag's value. A string that fills the field is
+// not terminated. The log line names `operation`.
 template <typename Field>
 Field readBokehText(const Shot& shot, const char* operation, std::string_view (*nameOf)(int32_t),
                     const char* tag) {
@@ -26,7 +26,7 @@ Field readBokehText(const Shot& shot, const char* operation, std::string_view (*
 
 }  // namespace
 
-// A part of updateCommonTags.
+// Part of updateCommonTags().
 void MetadataUpdater::updateCameraType() {
   const auto type = readBokehText<Bytes<16>>(mShot, "updateCommonTags", bokehCameraType,
                                              "com.orlu.chi.override.CameraType");
@@ -49,7 +49,7 @@ void MetadataUpdater::updateEngine() {
   mShot.write<Chars<65>>(kSensor, "camera_composition", composition);
 }
 
-// From what the steps before wrote, since "camera_type" has no member.
+// Reads values that earlier steps wrote, since "camera_type" has no member.
 void MetadataUpdater::convertMetadata() {
   const auto satRole = mShot.readBack<int32_t>(kSensor, "camera_sat_role");
   const auto type = mShot.readBack<Chars<16>>(kSensor, "camera_type");

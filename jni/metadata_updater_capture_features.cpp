@@ -1,11 +1,11 @@
-// Small steps that pass one capture feature's settings on.
+// Small steps that each pass on the settings of one capture feature.
 
 #include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-// What "beauty_extra_params" holds: the switch that removes blemishes, then reserved bytes.
+// Layout of "beauty_extra_params": the switch for blemish removal, then reserved bytes.
 struct BeautyExtraParams {
   int32_t deblacknevus = 0;
   uint8_t reserved[76] = {};
@@ -14,7 +14,7 @@ static_assert(sizeof(BeautyExtraParams) == 80);
 
 }  // namespace
 
-// Appends its name also where the list holds it (Oddity 19).
+// Appends its name even if the list has it (Oddity 19).
 void MetadataUpdater::updatePanorama() {
   const auto panorama = mShot.copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
   // clang-format off
@@ -28,7 +28,7 @@ void MetadataUpdater::clearProcessedAlgoTag() {
   mShot.write<ProcessedAlgo>(kParameter, "processed_algo", {});
 }
 
-// ORs the application's algorithm bits into the block's. The block's value returns with each pass, so that
+// ORs the application's algorithm bits into the block's. The block's value returns with each pass, so the
 // bits accumulate (Oddity 39).
 void MetadataUpdater::updateProcessedAlgoTag() {
   const auto fromApplication = mShot.readOr<int64_t>("orlu.parameter.processedAlgo");
@@ -52,7 +52,7 @@ void MetadataUpdater::updateGra() {
   mShot.write<int32_t>(kControl, "is_gra_capture", isGra);
 }
 
-// All of the composition alone: they are the application's orders (Oddity 52).
+// Reads the composition alone: these tags are the application's commands (Oddity 52).
 void MetadataUpdater::updateJpegRefocus() {
   const Frame app = mShot.first().compositionOnly();
   // clang-format off
@@ -122,7 +122,7 @@ void MetadataUpdater::updateBeauty() {
   // clang-format on
   const Frame app = mShot.first().compositionOnly();  // Oddity 52
   mShot.copy<Chars<80>>(app, "orlu.control.eyelightType", kParameter, "eyelight_type");
-  // On unless the application says otherwise, unlike every other row (Oddity 34).
+  // On by default, unlike every other row (Oddity 34).
   BeautyExtraParams extra;
   if (mShot.read("orlu.control.beauty_deblacknevus", extra.deblacknevus) != 0) extra.deblacknevus = 1;
   mShot.write<BeautyExtraParams>(kParameter, "beauty_extra_params", extra);

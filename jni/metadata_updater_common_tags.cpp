@@ -1,4 +1,4 @@
-// Facts that every algorithm may need, first of all steps.
+// Facts that any algorithm may need. This step runs before all others.
 
 #include <algorithm>
 #include <cstdio>
@@ -12,26 +12,26 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateCommonTags";  // named by the lines of its parts
+constexpr char kOperation[] = "updateCommonTags";  // the operation that its parts log
 
-// Frames in the lists that the algorithms take.
+// Length of the algorithms' frame lists.
 constexpr int kListedFrames = 16;
 
-// "android.control.aeMode": the flash fires for every picture.
+// Value of "android.control.aeMode" that fires the flash for every picture.
 constexpr int32_t kAeModeAlwaysFlash = 3;
 
-// Units of the gains as the camera counts them.
+// The camera's units of the gains.
 constexpr int32_t kAnalogGainUnit = 1024;
 constexpr int32_t kDigitalGainUnit = 4096;
 
-// "com.orlu.current_ui_module" of an application page that zooms by the user's ratio.
+// "com.orlu.current_ui_module" of an application page that uses the user's zoom ratio.
 constexpr int32_t kModuleWithUserZoom = 7;
 
 void writeSensorTags(Shot& shot, int32_t& isRawnrCapture) {
   const auto stabilization =
       shot.copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
   LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
-  // Only the application says so (Oddity 52).
+  // Only the application sets these tags (Oddity 52).
   const Frame composition = shot.first().compositionOnly();
   const auto fromUserApp =
       shot.copy<int32_t>(composition, "orlu.control.callFromUserApp", kControl, "call_from_user_app");
@@ -65,7 +65,7 @@ void writeZoomRatios(Shot& shot) {
   LOGD_AS(kOperation, "zoomRatioBokeh50mm:%0.2f", static_cast<double>(bokeh));
 }
 
-// Whole units; the fraction is lost (Oddity 20).
+// Writes whole units; the fraction is lost (Oddity 20).
 void writeGain(Shot& shot, const char* tag, int32_t unit, const char* key) {
   const int32_t wholeUnits = shot.readOr<int32_t>(tag) / unit;
   shot.write<float>(kParameter, key, static_cast<float>(wholeUnits));
@@ -78,7 +78,7 @@ void writeShotTags(Shot& shot, Ints<25>& frontEvControl) {
   // clang-format off
   shot.copyBytes<8482>  ("orlu.parameter.remosaicOTPData",   kSensor, "remosaic_eeprom_data");
   shot.copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem, "awb_cct");
-  // The exposure control's real gain follows it under the same key (Oddity 18).
+  // The exposure control later writes its real gain under the same key (Oddity 18).
   shot.copy<float>      ("orlu.feedback.RealGain",           kSystem, "flash_real_gain");
   shot.copy<float>      ("orlu.feedback.AdrcGain",           kSystem, "flash_adrc_gain");
   // clang-format on
@@ -92,7 +92,7 @@ void writeShotTags(Shot& shot, Ints<25>& frontEvControl) {
   shot.copy<int32_t>("orlu.parameter.portraitNightMode", kParameter, "portrait_night_mode");
 }
 
-// A fresh updater knows no master frames yet, so that both lists are zero (Oddity 15).
+// A new updater has no master frames yet, so both lists are zero (Oddity 15).
 void writeFrameLists(Shot& shot, const FrameList& masters) {
   Ints<kListedFrames> ids = {};
   Longs<kListedFrames> timestamps = {};
@@ -108,12 +108,12 @@ void writeFrameLists(Shot& shot, const FrameList& masters) {
   shot.write<Longs<kListedFrames>>(kControl, "input_frame_timestamp", timestamps);
 }
 
-// Types 3 and 4 always are, type 2 only while the camera has not compensated it.
+// Types 3 and 4 are always usable, type 2 only if the camera has not compensated it.
 bool isUsable(int32_t pdafType, int32_t isCompensated) {
   return pdafType == 3 || pdafType == 4 || (pdafType == 2 && isCompensated == 0);
 }
 
-// Phase-detection autofocus data of the sensor, for the algorithms that refocus.
+// Writes the sensor's phase-detection autofocus data for the algorithms that refocus.
 void writePhaseDetection(Shot& shot) {
   LargeBytes<sizeof(SensorPdafInfo)> bytes;
   shot.read("orlu.feedback.sensor_pdaf_info", bytes);
@@ -121,7 +121,7 @@ void writePhaseDetection(Shot& shot) {
   auto* const sensor = reinterpret_cast<SensorPdafInfo*>(bytes.data.get());
   const bool usable = sensor != nullptr && isUsable(sensor->type, isCompensated);
   if (usable) {
-    // The count is handed on as it came, also past the table (Oddity 33).
+    // The count is passed on unchanged, even if it exceeds the table (Oddity 33).
     const int pairs = std::clamp(sensor->info.count, 0, PdafInfo::kPairs);
     std::fill(sensor->info.pairs + pairs, std::end(sensor->info.pairs), PdafPair());
   } else {
@@ -147,7 +147,7 @@ void writeBokehStep(Shot& shot, int32_t enableHwMFNR) {
 
 void writeRawHdrMode(Shot& shot) {
   shot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
-  // The camera's own, which no application may change (Oddity 52).
+  // Reads the camera's own tags, which no application may change (Oddity 52).
   const Frame camera = shot.first().captureResultOnly();
   const auto rawHdr = shot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
   shot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
@@ -206,7 +206,7 @@ void MetadataUpdater::updateCommonTags() {
   writeMemoryKind(mShot);
 }
 
-// Asks the algorithms which values of the system they want, and fills them from the shot's metadata.
+// Fills in the values that the algorithms request from the system, from the shot's metadata.
 void MetadataUpdater::updatePreviewAlgoPrivateData2Shot() {
   paramSystemDownloadToAlgo([this](const char* section, const char* key, void* data, unsigned size) {
     return downloadPrivateData(mShot, section, key, data, size);
@@ -224,7 +224,7 @@ void MetadataUpdater::updateFrameIdentity() {
   mShot.write<bool>(kControl, "is_fusion_Select", mFusionBasicFrameSelect > 0);
   mShot.keep(mJpegOrientation, "android.jpeg.orientation", kControl, "jpeg_rotation");
   mShot.write<int32_t>(kControl, "device_rotation", mJpegOrientation);
-  // In front of the row that reads the request id (Oddity 51).
+  // Logged before the row that reads the request id (Oddity 51).
   LOGD_BARE(kShortLogTag,
             "start process basic frame idx %d, rotation %d, reqId = %ld input fusionselect %d, satfusion %d.",
             mBasicFrameIndex, mJpegOrientation, static_cast<long>(mRequestId), mFusionBasicFrameSelect,
@@ -240,7 +240,7 @@ void MetadataUpdater::updateFaceInfo() {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
   _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
-  // The first empty rectangle ends the list, also when valid ones follow. What is past the table counts as
+  // The first empty rectangle ends the list, even if valid ones follow. Rectangles past the table count as
   // empty.
   const __tagOrluRect* const rects = faces.rects;
   const auto* const tableEnd = rects + std::min(faces.count, kMaxFaces);

@@ -1,4 +1,4 @@
-// Debugging aids: logs the frame settings of a double exposure; passes on the device's switch for automatic
+// Debugging aids: logs a double exposure's frame settings and passes on the device's switch for automatic
 // tests.
 
 #include <cutils/properties.h>
@@ -11,9 +11,9 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateDebug";  // named by the lines of its parts
+constexpr char kOperation[] = "updateDebug";  // the operation that its parts log
 
-// As a decimal integer; 0 for text that is none.
+// Reads a property as a decimal integer; 0 if it is not one.
 int32_t propertyAsInt(const char* name) {
   char text[128] = {};
   static_assert(sizeof text >= PROPERTY_VALUE_MAX);

@@ -1,10 +1,10 @@
-// A shot of two exposures over each other, which has an algorithm chain of its own.
+// A double exposure: two exposures on top of each other, with their own algorithm chain.
 
 #include "metadata_updater_steps.h"
 
 namespace orlu {
 
-// Tags and keys say "insensity" (Oddity 36).
+// Tags and keys are spelled "insensity" (Oddity 36).
 void MetadataUpdater::updateDoubleExpo() {
   const auto isShot = mShot.copy<int32_t>("orlu.doubleExpo.capture", kParameter, "is_double_expo_shot");
   LOGD("%s: isDoubleExpoShot %d", __func__, isShot);
@@ -18,7 +18,7 @@ void MetadataUpdater::updateDoubleExpo() {
   if (filmSize == 1) mShot.append("blackImg");
   const auto isMirror = mShot.copy<int32_t>("orlu.doubleExpo.isMirror", kSensor, "is_mirror");
   if (isMirror == 1) mShot.append("flip");
-  // The second frame's rotation has the first one's tag (Oddity 36).
+  // The second frame's rotation uses the first frame's tag (Oddity 36).
   constexpr char kRotationTag[] = "orlu.doubleExpo.jpegOrientation";
   const auto rotation = mShot.copy<int32_t>(kRotationTag, kControl, "jpeg_rotation");
   mShot.copy<int32_t>(mShot.frames().at(1), kRotationTag, kParameter,

@@ -1,4 +1,4 @@
-// The frame-clarity (image score) pass: scores and frame indices of the frames.
+// The frame-clarity (image score) pass: the scores and indices of the frames.
 
 #include <algorithm>
 
@@ -8,13 +8,13 @@
 namespace orlu {
 namespace {
 
-// Room in the algorithms' tables.
+// Size of the algorithms' tables.
 constexpr int kMaxClarityFrames = 50;
 
 // The camera's marker for a request that needs no algorithm pass.
 constexpr double kNoPassScore = 1'000'000.0;
 
-// One score for each capture result, 0 where the camera gave none.
+// Returns one score per capture result; 0 if the camera gave none.
 FrameValues<double> readImageScores(const Shot& shot) {
   const auto count = static_cast<size_t>(shot.frames().size());
   FrameValues<double> scores(count, count);
@@ -44,7 +44,7 @@ void MetadataUpdater::updateFrameClarity() {
        mIsFastDisplayRequest, isCalculated);
 
   FrameValues<double> scores = readImageScores(mShot);
-  // The first score decides for all whether they are worth a line (Oddity 38).
+  // The first score decides whether any score is logged (Oddity 38).
   if (!scores.empty() && scores[0] > 0.0) {
     for (size_t i = 0; i < scores.size(); ++i) {
       LOGD("start process input imagescore[%d]=%f", static_cast<int>(i), scores[i]);
@@ -56,7 +56,7 @@ void MetadataUpdater::updateFrameClarity() {
   if (isCalculated == 0) {
     mShot.write<Doubles<kMaxClarityFrames>>(kParameter, kScoreKey, {});
   } else {
-    // As many as there are frames, so that no type says the width.
+    // The width varies with the number of frames, so the call takes a size instead of a type.
     mShot.parameters().setBytes(kParameter, kScoreKey, scores.data(),
                                 static_cast<unsigned>(scores.size() * sizeof scores[0]));
   }

@@ -1,4 +1,4 @@
-// The two frames that a two-camera fusion works on: bokeh, or a switching multi-camera system.
+// The two frames of a two-camera fusion: bokeh, or a switching multi-camera system.
 
 #include "fusion_frames.h"
 #include "metadata_updater_steps.h"
@@ -6,9 +6,9 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateDebug";  // of which this is a part
+constexpr char kOperation[] = "updateDebug";  // the operation that this part logs
 
-// When and under which ids the frames were taken. A frame past the list leaves its entry 0.
+// Writes the frames' timestamps and ids. A frame past the list leaves its entry 0.
 void writeFrameIds(Shot& shot, const FusionFrames& frames) {
   constexpr char kTimestampTag[] = "orlu.feedback.sensor_timestamp";
   constexpr char kRequestIdTag[] = "orlu.control.reqID";
@@ -31,8 +31,9 @@ void writeFrameIds(Shot& shot, const FusionFrames& frames) {
   shot.write<Longs<2>>(kControl, "bokeh_request_id", requestIds);
 }
 
-// Both frames share one record: what the first left stays under what the second lacks (Oddity 21), all of it
-// where there is no second frame. The composition is handed in as the capture result too (Oddity 22).
+// Both frames share one record: the second frame's missing elements keep the first frame's values
+// (Oddity 21); without a second frame all do. The composition is passed as the capture result too
+// (Oddity 22).
 void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
   Aec aec = {};
@@ -46,7 +47,7 @@ void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
 
 }  // namespace
 
-// Only where two cameras' frames are fused, and there are two at least.
+// Runs only for a fusion of two cameras with at least two frames.
 void MetadataUpdater::updateFusionFrames() {
   FusionShot fusion;
   fusion.isSatFusion = mIsSatFusion;

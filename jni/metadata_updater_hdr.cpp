@@ -1,11 +1,11 @@
-// Which HDR process a request's bracketing is for.
+// Derives the HDR process from a request's bracketing.
 
 #include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateHdrProcessType";  // named by the lines of its parts
+constexpr char kOperation[] = "updateHdrProcessType";  // the operation that its parts log
 
 void logLayout(const HdrLayout& layout, int frameNum) {
   switch (layout.type) {
@@ -19,7 +19,7 @@ void logLayout(const HdrLayout& layout, int frameNum) {
       LOGD_AS(kOperation, "hdr off: HDR_PROCESS_9_YUV_INPUT");
       break;
     default:
-      // The count of the five-frame layout begins at 1 (Oddity 23).
+      // The five-frame layout logs its HDR count plus one (Oddity 23).
       LOGD_AS(kOperation, "not hdr off %d: hdr frame cnt: %d, night frame cnt: %d", frameNum,
               layout.hdrCount + (frameNum == 5 ? 1 : 0), layout.nightCount);
   }
@@ -47,7 +47,7 @@ void MetadataUpdater::updateHdrProcessType() {
     layout = hdrLayoutOf(modes, frameNum, mHdrFrameIndex);
     logLayout(layout, frameNum);
     if (layout.type != kHdrNone) {
-      // Nine frames leave it as it is (Oddity 25).
+      // Nine frames leave the flag unchanged (Oddity 25).
       if (layout.type != kHdr9Yuv) mIsRawnrCapture = 0;
       mShot.remove("night");
       if (!mShot.listHas("hdr")) mShot.append("hdr");

@@ -1,4 +1,4 @@
-// What the JPEG encoder writes beside the picture: EXIF facts and refocus packing facts.
+// Facts that the JPEG encoder writes with the picture: EXIF and refocus packing.
 
 #include "exif_facts.h"
 #include "metadata_updater_steps.h"
@@ -11,7 +11,7 @@ float readAperture(const Shot& shot, int32_t fNumber, bool hasFNumber) {
   return shot.readOr<float>("android.lens.aperture");
 }
 
-// Only a document pack says where it was shot (Oddity 35).
+// Only document packs carry the location (Oddity 35).
 void readLocation(const Shot& shot, ExifInfo& exif) {
   if (shot.readOr<int32_t>("orlu.control.document.pack") == 0) return;
   exif.hasLocation = shot.read("android.jpeg.gpsLocation", exif.location) == 0;

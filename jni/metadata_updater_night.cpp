@@ -1,4 +1,4 @@
-// Gains and exposure times with which the frames of a night or HDR shot were taken.
+// Gains and exposure times of the frames of a night or HDR shot.
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ void logPair(const char* operation, const char* domain, const char* name, float 
   LOGD_AS(operation, "%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(last));
 }
 
-// Of the first frame and the last one. The log lines name `operation` and begin with `domain`.
+// Writes the values of the first and the last frame. The log lines name `operation` and begin with `domain`.
 void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
   const auto a = shot.exposureOf(shot.first());
   const auto b = shot.readOr<Aec>(lastFrame, kAecTag);
@@ -22,7 +22,7 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   logPair(operation, domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
   logPair(operation, domain, "hdrShutters", milliseconds(a), milliseconds(b));
 
-  // The two flash entries are crossed: both are real gains, the first frame's in the first slot and the last
+  // The flash entries are crossed: both are real gains, the first frame's in the first slot and the last
   // frame's in the last (Oddity 29).
   // clang-format off
   shot.write<Floats<2>>(kParameter, "superns_adrc_gain",       {a[kAecAdrcGain], b[kAecAdrcGain]});
@@ -37,9 +37,9 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   writeHdrExposures(shot, exposures);
 }
 
-// In the low-light raw step the normal frame's "isp_gain" and "sensor_gain_normal" are its short elements,
-// and the ratios are set in another order than their elements have (Oddity 30). The normal time is a float
-// here (Oddity 31).
+// In the low-light raw step, the normal frame's "isp_gain" and "sensor_gain_normal" come from its short
+// elements, and the ratios are assigned in an order that differs from their elements (Oddity 30). The normal
+// time is a float here (Oddity 31).
 void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
@@ -66,26 +66,26 @@ void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
 
 }  // namespace
 
-// The last frame is counted among all frames and looked up among the master frames.
+// The index of the last frame counts all frames but selects among the master frames.
 void MetadataUpdater::updateSuperNsYuv() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }
 
-// The raw domain takes the same figures from the same frames.
+// The raw domain uses the same values of the same frames.
 void MetadataUpdater::updateSuperNS() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "RawDomainSuperns");
 }
 
-// The last frame but one has the normal exposure, the last one the short.
+// The second-last frame has the normal exposure, the last frame the short one.
 void MetadataUpdater::updateRawLLHDR() {
   constexpr int kUsualFrames = 7;
   const int n = mCaptureResultNum;
-  // Fewer are taken all the same (Oddity 53).
+  // Fewer frames are still processed (Oddity 53).
   if (n < kUsualFrames) LOGD("updateRAWLLHDRInfo error, input num %d < 7", n);
   if (n < 2) return;
 
   const auto normal = mShot.readOr<Aec>(mShot.frames().at(n - 2), kAecTag);
-  // Both frames share one record: what the normal frame left stays under what the short one lacks
+  // Both frames share one record: the short frame's missing elements keep the normal frame's values
   // (Oddity 21).
   const auto brief = mShot.readOr<Aec>(mShot.frames().at(n - 1), kAecTag, normal);
   LOGD(
@@ -107,7 +107,7 @@ void MetadataUpdater::updateBokehNight() {
   mShot.write<bool>(kControl, "is_bokeh_raw_nr", mIsRawnrCapture != 0 && mShot.listHas("dualBokeh"));
 }
 
-// Of the first frames.
+// Writes the exposures of the first frames.
 void MetadataUpdater::updateRawHdr() {
   HdrExposures exposures;
   const int count = std::min(mCaptureResultNum, static_cast<int>(kHdrSlots));

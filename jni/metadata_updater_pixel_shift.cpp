@@ -7,14 +7,14 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updatePixelShift";  // named by the lines of its parts
+constexpr char kOperation[] = "updatePixelShift";  // the operation that its parts log
 
 constexpr size_t kMatrixSize = 9;
 using AlgorithmMatrix = Floats<kMatrixSize>;
-// Numerator and denominator of each rational.
+// The numerator and denominator of each rational.
 using PlatformMatrix = Ints<2 * kMatrixSize>;
 
-// Which of the platform's rationals each element of the algorithm's matrix is (Oddity 37).
+// The index of the platform's rational for each element of the algorithm's matrix (Oddity 37).
 constexpr size_t kMatrixOrder[kMatrixSize] = {8, 6, 7, 2, 0, 1, 5, 3, 4};
 
 using GammaTable = Ints<65>;
@@ -27,7 +27,7 @@ bool isEmpty(const PlatformMatrix& matrix) {
   return true;
 }
 
-// A zero denominator gives what the float division gives, infinity or not a number.
+// A zero denominator gives the result of the float division: infinity or NaN.
 AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
   AlgorithmMatrix result = {};
   for (size_t i = 0; i < kMatrixSize; ++i) {
@@ -37,7 +37,7 @@ AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
   return result;
 }
 
-// The identity where the platform reported none.
+// Returns the identity if the platform reported no matrix.
 AlgorithmMatrix readColourMatrix(const Shot& shot) {
   const auto matrix = shot.readOr<PlatformMatrix>(shot.first().captureResultOnly(), "orlu.feedback.ccm");
   if (!isEmpty(matrix)) return reordered(matrix);
@@ -53,7 +53,7 @@ void logTables(const AlgorithmMatrix& ccm, const Ints<4>& crop, const GammaTable
           c(4), c(5), c(6), c(7), c(8));
   LOGD_AS(kOperation, "pixelshift algonative:satCropRegions=(%d,%d,%d,%d)", crop[0], crop[1], crop[2],
           crop[3]);
-  // The algorithm has no crop of its own for the Bayer pattern: what it crops is the region above.
+  // The algorithm has no separate Bayer crop: it crops to the region above.
   LOGD_AS(kOperation, "pixelshift algonative:bayercrop=(%d,%d,%d,%d)", crop[0], crop[1], crop[2], crop[3]);
   LOGD_AS(kOperation, "pixelshift algonative:gamma=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", gamma[0], gamma[1],
           gamma[2], gamma[3], gamma[4], gamma[5], gamma[6], gamma[7], gamma[8], gamma[9]);
@@ -68,14 +68,14 @@ void MetadataUpdater::updatePixelShift() {
   mShot.write<int32_t>(kParameter, "raw_bayer_filter", mBayerFilter);
   const auto zoom = mShot.copy<float>("orlu.parameter.digitalzoom", kZoom, "digital_zoom_ratio");
   const auto satRole = mShot.copy<int32_t>("orlu.parameter.masterSatRole", kSensor, "camera_sat_role");
-  // The frame that the camera chose as base; past the list the last one.
+  // The camera's base frame; the last frame if that is past the list.
   const int base = std::min(std::max(mBasicFrameIndex, 0), mCaptureResultNum - 1);
   const Ints<4> crop = readSatCropRegions(mShot, mShot.frames().at(base));
   mShot.write<Ints<4>>(kZoom, "sat_crop_regions", crop);
   const AlgorithmMatrix ccm = readColourMatrix(mShot);
   mShot.write<AlgorithmMatrix>(kParameter, "ccm_matrix", ccm);
   const auto gamma = mShot.copy<GammaTable>("orlu.feedback.gamma", kParameter, "gamma_table");
-  // The camera's own (Oddity 52).
+  // Reads the camera's own tag (Oddity 52).
   const auto gtm = mShot.copy<ToneTable>(mShot.first().captureResultOnly(), "orlu.feedback.gtmPackedData",
                                          kParameter, "gtm_table");
   logTables(ccm, crop, gamma, gtm);

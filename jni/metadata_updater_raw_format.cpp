@@ -1,4 +1,4 @@
-// What the raw pipeline gets: white balance, lens shading and exposure.
+// Parameters of the raw pipeline: white balance, lens shading and exposure.
 
 #include "metadata_updater_steps.h"
 
@@ -6,7 +6,7 @@ namespace orlu {
 namespace {
 
 // Three keys are written twice, and the later value wins (Oddity 18): "sensor_gain_short" and
-// "isp_gain_short", which tags of their own have set, and "exp_sensitivity_ratio".
+// "isp_gain_short", which their own tags set before, and "exp_sensitivity_ratio".
 void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   writeExposureControl(shot, aec);
   // clang-format off
@@ -15,7 +15,7 @@ void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   shot.write<float>  (kSystem, "isp_gain_short",        aec[kAecIspGainShort]);
   shot.write<float>  (kSystem, "sensor_gain_normal",    aec[kAecSensorGainNormal]);
   shot.write<float>  (kSystem, "isp_gain_normal",       aec[kAecIspGainNormal]);
-  // An integer here (Oddity 31).
+  // The normal time is an integer here (Oddity 31).
   shot.write<int32_t>(kSystem, "exp_time_normal",       normalExposureTime(aec, hasFrontControl));
   shot.write<float>  (kSystem, "adrc_gain_normal",      aec[kAecAdrcGainNormal]);
   shot.write<float>  (kSystem, "exp_sensitivity_ratio", aec[kAecExposureSensitivityRatio]);

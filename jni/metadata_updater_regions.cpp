@@ -1,20 +1,20 @@
-// Faces and metering regions of the sensor's active array become those of the input image.
+// Maps faces and metering regions from the sensor's active array to the input image.
 
 #include "metadata_updater_steps.h"
 #include "region_mapper.h"
 
 namespace orlu {
 
-// The texts of one of the two metering regions.
+// The log texts of one of the two metering regions.
 struct MetadataUpdater::MeteringTexts {
-  const char* operation;  // that the lines name
+  const char* operation;  // named by the log lines
   const char* label;
   const char* unscaled;
 };
 
 namespace {
 
-// `unscaled` is logged when the rectangle keeps its scale.
+// Logs `unscaled` if the rectangle keeps its scale.
 __tagOrluRect mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image, bool isScaled,
                          const char* operation, const char* unscaled) {
   if (!isScaled) LOGD_AS(operation, "%s", unscaled);
@@ -84,7 +84,7 @@ void MetadataUpdater::convertMetering(__tagOrluRect& region, MeteringRegion (Sho
 
   const bool isScaled = needRemapRegion(active, image.width, image.height);
   region = mapToImage(orig, active, image, isScaled, texts.operation, texts.unscaled);
-  // Without zoom nothing is clamped, unlike faces (Oddity 27).
+  // Without zoom, regions are not clamped, unlike faces (Oddity 27).
   if (zoom > 1.0F) {
     region = zoomedAboutCentre(region, image, zoom);
     clampToImage(region, image);

@@ -2,7 +2,7 @@
 
 namespace orlu {
 
-// The camera's own face list is only asked where the combined one of a multi-camera system is not there.
+// Reads the camera's own face list only if the combined list of a multi-camera system is missing.
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame) {
   IntFaces combined;
   if (shot.read(frame, "orlu.feedback.satFaceRect", combined) != 0) {

@@ -1,4 +1,4 @@
-// What the algorithms on processed images get, the user's settings and the camera's: filter, portrait,
+// Parameters for algorithms on processed images, from the user's settings and the camera: filter, portrait,
 // distortion, watermark, zoom, focus and exposure regions, upscaling, documents and bright spots.
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateYuvFormat";  // named by the lines of its parts
+constexpr char kOperation[] = "updateYuvFormat";  // the operation that its parts log
 
 constexpr int kBrightSpots = 20;
 
@@ -39,7 +39,7 @@ void writeDistortion(Shot& shot) {
   LOGD_BARE(kShortLogTag, "Optical_distortion: %d  face_correct: %d", distortion, faceCorrect);
 }
 
-// A double exposure has a watermark type of its own, which its step writes.
+// A double exposure has its own watermark type, which its step writes.
 void writeWatermark(Shot& shot) {
   const auto type = shot.readOr<int32_t>("orlu.control.watermark");
   const auto doubleExposure = shot.readOr<int32_t>("orlu.doubleExpo.capture");
@@ -84,7 +84,7 @@ void writeCrop(Shot& shot) {
   shot.copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
 }
 
-// Algorithms that work on the shot's exposure, and front cameras in extreme light.
+// True for algorithms that use the shot's exposure, and for front cameras in extreme light.
 bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
   const auto extremeFront = shot.readBack<int32_t>(kControl, "is_extreme_front");
   const auto facing = shot.readBack<int32_t>(kSensor, "camera_facing");
@@ -117,7 +117,7 @@ void writeDocument(Shot& shot) {
   const auto area = shot.readOr<int32_t>("orlu.control.document.area");
   const bool onlyHr = enableHr != 0 && !shot.listHas("ppt");
   if (onlyHr) shot.append("ppt");
-  // Centimetres; infinite for a lens focused at infinity, whose tag is 0.
+  // In centimetres; infinite for a lens focused at infinity, where the tag is 0.
   const float centimetres = 100.0F / dioptres;
   // clang-format off
   shot.write<int32_t>(kParameter, "is_document_jpeg_pack", pack);
@@ -128,14 +128,14 @@ void writeDocument(Shot& shot) {
   shot.write<int32_t>(kParameter, "hasDocArea",            area);
   // clang-format on
   LOGD_AS(kOperation, "orlu.control.document.pack %d", pack);
-  // Once more for production logs (Oddity 50).
+  // Logged again for production logs (Oddity 50).
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 
-// The keys say "sport", and the count's record is as long as the tag's (Oddity 32).
+// The keys are spelled "sport", and the count's record is as long as the tag's (Oddity 32).
 void writeBrightSpots(Shot& shot) {
   const auto spots = shot.readOr<Floats<1 + 2 * kBrightSpots>>("orlu.control.bright_spot");
-  // The count is handed on as it came, also past the table (Oddity 33).
+  // The count is passed on unchanged, even if it exceeds the table (Oddity 33).
   const int32_t count = toInt(spots[0]);
   Floats<2 * kBrightSpots> points = {};
   std::copy_n(&spots[1], 2 * std::clamp(count, 0, kBrightSpots), points.begin());
@@ -175,8 +175,7 @@ void MetadataUpdater::updateYuvFormat() {
   writeBrightSpots(mShot);
 }
 
-// The regions are handed over as they were read where there is nothing to convert them with. Only the
-// exposure region's weight is handed over.
+// Regions that can't be converted are passed on as read. Only the exposure region's weight is passed on.
 void MetadataUpdater::updateRegions() {
   MeteringRegion af = mShot.focusRegion();
   setVAFAfRegionShot(af.rect);

@@ -1,7 +1,7 @@
-// The library's only exports: the native methods of the Java service. The Java `this` is never used.
+// The library's only exports: the native methods of the Java service. They never use the Java `this`.
 //
-// Nothing may be thrown into the VM. What runs out of memory fails alone: it is logged, and Java gets -1,
-// null or the handle that is none.
+// No exception may reach the VM. A method that runs out of memory fails alone: it logs an error and returns
+// -1, null or handle 0.
 
 #include <cstdlib>
 
@@ -67,7 +67,7 @@ ORLU_NATIVE(jint, translateParamFiles)
   return ORLU_FORWARD(-1, translateParamFiles, env, inst, sharedMemory, param);
 }
 
-// Ends the process, whatever happens on the way.
+// Ends the process, even if a step before fails.
 ORLU_NATIVE(void, notify)(JNIEnv* env, jobject, jlong inst, jobject param) {
   try {
     RequestProcessor::notify(env, inst, param);

@@ -1,4 +1,4 @@
-// The life of a client: everything but its images, which are request_processor_image.cpp.
+// The life cycle of a client: everything except its images, which request_processor_image.cpp handles.
 
 #include "request_processor.h"
 
@@ -19,8 +19,7 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 
-// A string of the parameter object in a buffer of fixed size, zero-padded, perhaps without a terminating
-// zero.
+// A string of the parameter object in a zero-padded buffer of fixed size; it may lack a terminating zero.
 template <size_t N>
 struct StringParameter {
   StringParameter(CameraMetadataParser& parser, const char* key, jobject param)
@@ -32,7 +31,8 @@ struct StringParameter {
   bool found;
 };
 
-// A new descriptor of the memory, or -1. The platform's function takes the object's class for granted.
+// Returns a new descriptor of the memory, or -1. Checks the class first because the platform's function does
+// not.
 int duplicate(JNIEnv* env, jobject sharedMemory) {
   ScopedLocalRef<jclass> clazz(env, env->FindClass("android/os/SharedMemory"));
   clearException(env);
@@ -51,8 +51,7 @@ ReleaseMode releaseMode(bool formatFound, int32_t format) {
   return format == kAndroidRawSensor || format == kAndroidRaw10 ? kModeRaw : kModeProcessed;
 }
 
-// Stores what "AbortKey" and "AbortVal" say into the block. True when they name something that can be
-// aborted.
+// Stores "AbortKey" and "AbortVal" in the block. Returns whether they name something that can be aborted.
 bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& context, void* metadata) {
   constexpr char kFrameFlag[] = "orlu.control.frameFlag";
   StringParameter<128> key(parser, "AbortKey", param);
@@ -60,7 +59,7 @@ bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& c
 
   bool valid = false;
   int64_t value = 0;
-  // Only the beginning counts; another key is dropped without an error (Oddity 54).
+  // Only the key's prefix is compared; other keys are ignored without an error (Oddity 54).
   if (std::memcmp(key.data.data(), kFrameFlag, sizeof kFrameFlag - 1) == 0 &&
       parser.getLongOrlu(value, "AbortVal", param) == 0) {
     context.setValue(metadata, kControl, "abort_val", &value, sizeof value);
@@ -97,9 +96,9 @@ int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
   LOGD("destroy flush, %p", static_cast<void*>(client));
   copy.context().flush();
   LOGD("destroy uninit, %p", static_cast<void*>(client));
-  // Also for a client that was released before (Oddity 45).
+  // Also runs for a client that was released before (Oddity 45).
   copy.context().uninit(kModeUnknownFormat);
-  // Java may have destroyed the client inside these two.
+  // Java may have destroyed the client inside these two calls.
   if (!copy.context().isClientDestroyed()) delete client;
   LOGD("destroy X");
   return 0;
@@ -186,7 +185,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
   AlgoNativeClient* const client = AlgoNativeClient::of(inst);
   if (client == nullptr) {
-    // Another operation's words, in a debug line (Oddity 43).
+    // Uses another operation's text, at debug level (Oddity 43).
     LOGD("get data failed, input is null, %p", static_cast<void*>(client));
     return -1;
   }

@@ -1,4 +1,4 @@
-// The way of one request: from Java to the algorithms, and back.
+// Carries one request from Java to the algorithms and back.
 
 #include <optional>
 #include <utility>
@@ -22,7 +22,7 @@ ALGO_REQUEST_TYPE requestTypeOf(const VRequest& request) {
   return request.isStopProcess() ? kRequestStop : kRequestCapture;
 }
 
-// The capture result whose camera metadata goes with the request.
+// Selects the capture result that supplies the request's camera metadata.
 int metadataFrame(MetadataUpdater& updater, const VRequest& request) {
   int hdrType = 0;
   int frameIndex = -1;
@@ -35,8 +35,8 @@ bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outp
   return client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr;
 }
 
-// A request between two of its stages. It owns its parameter block, and its entry in the map, until they are
-// finished or left to a later stage, also if memory runs out on the way.
+// A request between two of its stages. It owns its parameter block and its entry in the map until they are
+// finished or left to a later stage, even if memory runs out.
 class RequestInFlight {
 public:
   RequestInFlight(AlgoNativeClient& client, VRequest& request, CameraMetadataParser& parser)
@@ -45,13 +45,13 @@ public:
   RequestInFlight& operator=(const RequestInFlight&) = delete;
   ~RequestInFlight() { letGo(); }
 
-  // Enters a new request into the map, which gives a full-async one its block.
+  // Adds a new request to the map, which takes over the block of a full-async request.
   void enter() {
     nativeReq = map().create(mRequest.requestId(), metadata, isFullAsync, mClient.owner());
     map().setAlgoList(*nativeReq, algoList);
     if (isFullAsync) mStage = kSubmitted;
   }
-  // Takes a full-async request out of Java's hands. False if the id is not one that Java may finish.
+  // Takes over a full-async request from Java. Returns false if Java may not finish this id.
   bool take(uint64_t id) {
     if (!map().takeForFinish(id, metadata, algoList)) return false;
     nativeReq = id;
@@ -63,7 +63,7 @@ public:
     ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
     letGo();
   }
-  // The request's stage is over: what it owns goes, and its user of the block.
+  // Ends the stage: releases what it owns, and stops using the block.
   void letGo() {
     AlgoNativeContext& context = mClient.context();
     switch (std::exchange(mStage, kOver)) {
@@ -73,7 +73,7 @@ public:
         break;
       case kSubmitted:
         context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
-        // The client's end did not see a request that was entered later.
+        // If the client was destroyed before this request was added, the destruction missed the request.
         if (context.isClientDestroyed()) mClient.releaseRequests();
         break;
       case kFinishing:
@@ -87,7 +87,7 @@ public:
   std::vector<std::string> algoList;
   void* metadata = nullptr;
   bool isFullAsync = false;
-  std::optional<uint64_t> nativeReq;  // once it is in the map
+  std::optional<uint64_t> nativeReq;  // set once the request is in the map
 
 private:
   enum Stage { kOwned, kSubmitted, kFinishing, kOver };
@@ -158,8 +158,8 @@ int RequestProcessor::processImageAlgo(VRequest& request, std::vector<std::strin
       parser->getMetadata(index < results.size() ? results[index] : nullptr);
   client->context().process(requestTypeOf(request), algoList, nativeReq, request.inputFrames(),
                             request.outputFrames(), metadata, client->callbackCookie(), reqId, metadataBytes);
-  // Nobody calls back for a client that Java has destroyed meanwhile. A request that times out goes on to its
-  // results (Oddity 46).
+  // The library never calls back for a client that Java has destroyed meanwhile. After a timeout the request
+  // still continues with its results (Oddity 46).
   if (!isFullAsync && !client->context().isClientDestroyed()) {
     AlgoNativeRequestMap::getInstance()->waitForCallback(nativeReq);
   }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kJpegName[] = "JPEG";
 
-// The operation that its parts log for.
+// The operation that its parts log.
 constexpr char kUpdateResult[] = "updateResult";
 
 }  // namespace
@@ -135,7 +135,7 @@ void ResultUpdater::updateJpegSize() {
   } else if (listHas("jpegEncode")) {
     const auto size = mChannel.get<int32_t>(kFeedback, "encoded_jpeg_size");
     mRequest.setResultJpegSize(size, 0);
-    // Writes to the Java side the width and height that the output already has.
+    // Writes the output's existing width and height to the Java side.
     const AlgoFrameInfo output =
         mRequest.outputFrames().empty() ? AlgoFrameInfo() : mRequest.outputFrames()[0];
     mRequest.setResultImageWH(output.width, output.height, 0);
@@ -144,7 +144,7 @@ void ResultUpdater::updateJpegSize() {
   }
 }
 
-// The end of a series of light-stream shots.
+// Writes the results of a finished series of light-stream shots.
 void ResultUpdater::updateLightstream() {
   const auto crop =
       copy<Ints<4>>(kFeedback, "lightstream_crop_region", "orlu.feedback.lightstreamCropRegion");

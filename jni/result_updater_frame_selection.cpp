@@ -1,5 +1,5 @@
-// Which frames the algorithms kept, how sharp they are, and which one is the base. Applications name frames
-// by their timestamps, algorithms by their indices.
+// The frames that the algorithms kept, their sharpness, and the base frame. Applications identify frames by
+// timestamp, algorithms by index.
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@
 namespace orlu {
 namespace {
 
-// Sizes of the algorithms' tables. A frame past them has the score 0, and counts as not kept.
+// Sizes of the algorithms' tables. A frame past them has score 0 and counts as not kept.
 constexpr size_t kMaxScores = 50;
 constexpr size_t kMaxSelections = 20;
 using Scores = Doubles<kMaxScores>;
@@ -46,7 +46,7 @@ int ResultUpdater::updateFrameClarity() {
     LOGE("updateForFrameClarity failed, captureResultCompositions size < 1");
     return -1;
   }
-  // Oddity 42: one entry per input image, also where the table has no score for it.
+  // Oddity 42: one entry per input image, even if the table has no score for it.
   FrameValues<double> perImage(imageNum, imageNum);
   std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.data());
   put<FrameValues<double>>("orlu.feedback.clarityScore", perImage);

@@ -1,5 +1,4 @@
-// What the raw-domain algorithms report back. Each step logs, and does nothing else, when the request has no
-// composition.
+// Results of the raw-domain algorithms. Without a composition, each step only logs.
 
 #include "log.h"
 #include "metadata_records.h"
@@ -59,7 +58,7 @@ int ResultUpdater::updateShortGainForRAWHDR() {
   }
   const Floats<2> gains = {mChannel.get<float>(kSystem, "real_gain"),
                            mChannel.get<float>(kSystem, "dark_boost_gain")};
-  // Oddity 41: into the last composition, unlike everything else.
+  // Oddity 41: goes into the last composition, unlike every other result.
   if (put<Floats<2>>(mTags.frames().last(), "orlu.feedback.rawhdrISPAEParams", gains) != 0) {
     LOGE("put rawhdrISPAEParams fail");
   }
@@ -98,7 +97,7 @@ int ResultUpdater::updateProrawPure2ProcState() {
 
 int ResultUpdater::updateCaptureResultForSuperMoon() {
   if (!hasComposition()) {
-    // Oddity 43: names the other function.
+    // Oddity 43: the text names the other function.
     LOGE_BARE(kShortLogTag, "updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }

@@ -1,4 +1,4 @@
-// Reading a shot's frames: a tag of a type, from one frame. The type says which getter of the parser is used.
+// Reads the tags of a shot's frames. The C++ type of a value selects the parser's getter.
 #pragma once
 
 #include <jni.h>
@@ -31,18 +31,17 @@ template <size_t N>
 struct Text {
   char data[N] = {};
 };
-// A string of at most N bytes, without a terminating zero when it fills them.
+// A string of at most N bytes; not terminated if it fills them.
 template <size_t N>
 struct Chars {
   char data[N] = {};
 };
-// Raw bytes of a tag that is a byte array.
+// The raw bytes of a byte-array tag.
 template <size_t N>
 struct Bytes {
   uint8_t data[N] = {};
 };
-// The first N bytes of a large byte array, zeros behind a shorter one. They take memory only if the tag is
-// there.
+// The first N bytes of a large byte array; zero-padded. Uses memory only if the tag is present.
 template <size_t N>
 struct LargeBytes {
   std::unique_ptr<char[]> data;
@@ -50,28 +49,29 @@ struct LargeBytes {
   const char* orZeros() const { return data ? data.get() : gNoBytes; }
 
 private:
-  // For all requests, and never written to. It is not const because then it would fill the library's file.
+  // Shared by all requests and never written to. Not const, because const data would take up space in the
+  // library's file.
   alignas(8) inline static char gNoBytes[N] = {};
 };
-// Raw bytes of a tag, at most `size` bytes of a caller's memory.
+// The raw bytes of a tag, at most `size` bytes of the caller's memory.
 struct ByteBuffer {
   void* data;
   int size;
 };
 
-// Faces of a tag that has four ints for each, left, top, right and bottom.
+// The faces of a tag with four ints per face: left, top, right, bottom.
 struct IntFaces {
   _tagOrluFaceInfo faces;
 };
 
-// The first rectangle of a tag that is a list of metering rectangles.
+// The first rectangle of a tag that lists metering rectangles.
 struct MeteringRegion {
   __tagOrluRect rect;
   int32_t weight = 0;
 };
 
-// Where a tag is read from: a capture result and the composition that overrides it key by key. Either may be
-// null; both are borrowed.
+// The source of a tag: a capture result and the composition that overrides it key by key. Either may be null;
+// both are borrowed.
 struct Frame {
   jobject captureResult = nullptr;
   jobject composition = nullptr;
@@ -88,11 +88,11 @@ public:
 
   // The number of capture results.
   int size() const { return static_cast<int>(mCaptureResults->size()); }
-  // An index outside the list gives an empty frame, where every tag is missing.
+  // Returns an empty frame, where every tag is missing, for an index outside the list.
   Frame at(int index) const { return {element(*mCaptureResults, index), element(*mCompositions, index)}; }
   Frame first() const { return at(0); }
   Frame last() const { return at(size() - 1); }
-  // An index past the list means its last frame.
+  // Returns the last frame for an index past the list.
   Frame atOrLast(int index) const { return index < size() ? at(index) : last(); }
 
 private:
@@ -105,7 +105,7 @@ private:
   const std::vector<jobject>* mCompositions;
 };
 
-// One getter of the parser for each type of value.
+// Maps each type to the parser's getter.
 namespace getter {
 
 using P = CameraMetadataParser;
@@ -144,7 +144,7 @@ template <size_t N>
 int get(P& p, LargeBytes<N>& v, const char* tag, const Frame& f) {
   return p.getNewArrayBytes(v.data, static_cast<int>(N), tag, f.captureResult, f.composition);
 }
-// As many as there are.
+// Reads at most v.size() values.
 inline int get(P& p, FrameValues<double>& v, const char* tag, const Frame& f) {
   return p.getDoubleArray(v.data(), static_cast<int>(v.size()), tag, f.captureResult, f.composition);
 }
@@ -176,16 +176,16 @@ int get(P& p, Bytes<N>& v, const char* tag, const Frame& f) {
 
 }  // namespace getter
 
-// The frames of one shot and the parser that reads them. A call that names no frame reads the first one.
+// The frames of one shot and the parser that reads them. Calls without a frame read the first frame.
 class ShotTags {
 public:
-  // Borrows all of it.
+  // Borrows both arguments.
   ShotTags(CameraMetadataParser& parser, const FrameList& frames) : mParser(&parser), mFrames(frames) {}
 
   const FrameList& frames() const { return mFrames; }
   Frame first() const { return mFrames.first(); }
 
-  // Reads a tag into `value`, which stays as it is where the frame lacks the tag. Returns 0, or -1 then.
+  // Reads a tag into `value`. Returns 0, or -1 if the frame lacks the tag; `value` is then unchanged.
   template <typename T>
   int read(const Frame& frame, const char* tag, T& value) const {
     return getter::get(*mParser, value, tag, frame);
@@ -195,8 +195,8 @@ public:
     return read(first(), tag, value);
   }
 
-  // The tag's value, or `initial` where the frame lacks it. Arrays and records keep the part of `initial`
-  // that the tag is too short for.
+  // Returns the tag's value, or `initial` if the frame lacks it. If the tag is shorter than an array or
+  // record, the rest of `initial` is kept.
   template <typename T>
   T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
     read(frame, tag, initial);
@@ -207,8 +207,8 @@ public:
     return readOr<T>(first(), tag, initial);
   }
 
-  // While the returned object lives, reading `tag` from one frame after the other makes its Java key once.
-  // The text must live as long.
+  // While the returned object exists, reading `tag` from several frames creates its Java key only once. `tag`
+  // must outlive the object.
   CameraMetadataParser::RepeatedTag repeated(const char* tag) const {
     return CameraMetadataParser::RepeatedTag(*mParser, tag);
   }
@@ -218,14 +218,14 @@ private:
   FrameList mFrames;
 };
 
-// A tag of the first frame that several steps read. Once it was there its value is kept; a missing one is
-// looked for, and logged, each time. The text must live as long.
+// A tag of the first frame that several steps read. A present value is cached; a missing one is looked up and
+// logged each time. The tag's string must outlive this object.
 template <typename T>
 class KeptTag {
 public:
   explicit KeptTag(const char* tag) : mTag(tag) {}
 
-  // Zero where the frame lacks it.
+  // Returns zero if the frame lacks the tag.
   T of(const ShotTags& tags) const {
     T value = mKept.value_or(T());
     if (!mKept && tags.read(mTag, value) == 0) mKept = value;

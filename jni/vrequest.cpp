@@ -13,10 +13,10 @@
 namespace orlu {
 namespace {
 
-// Local references of the cache, with some to spare for what is looked up and freed again.
+// Local references of the cache, plus spare room for temporary lookups.
 constexpr jint kLocalReferences = 32;
 
-// Only descriptors that were duplicated from shared memory are ours.
+// Closes only the descriptors that were duplicated from shared memory; the others are not owned.
 void closeOwned(const std::vector<AlgoFrameInfo>& frames, const std::vector<int>& sharedMemoryFlags) {
   for (size_t i = 0; i < frames.size(); ++i) {
     if (sharedMemoryFlags[i] == 0) continue;
@@ -26,7 +26,7 @@ void closeOwned(const std::vector<AlgoFrameInfo>& frames, const std::vector<int>
 
 }  // namespace
 
-// The cache, in the order of resolution: a class, then its members.
+// The cache in the order of resolution: a class, then its members.
 struct VRequest::Table {
   using Row = JniMember<VRequest>;
 
@@ -66,7 +66,7 @@ struct VRequest::Table {
 
 VRequest::VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList,
                    jobject captureResultList) {
-  initFromEnv(env);  // the members that are missing have their lines
+  initFromEnv(env);  // logs the missing members
   getRequestInfo(request);
   getImageData(request, inputList, outputList, captureResultList);
 }
@@ -180,10 +180,10 @@ jobject VRequest::getCaptureResult(jobject composition) {
 }
 
 int VRequest::getListSize(jobject list) {
-  // Whoever asks for a size reads the list next, and the elements stay referenced.
+  // Callers read the list next, and its elements stay referenced.
   constexpr jint kReferencesPerElement = 2;
   // Upper bound on a list's size. A hostile list may report any size, and every element costs memory and a
-  // JNI call. No request has nearly as many frames.
+  // JNI call. Real requests have far fewer frames.
   constexpr jint kMostElements = 1024;
   if (mMethodListSize == nullptr || !isInstance(mEnv, list, mClazzList)) {
     LOGE("get list size failed, input is null");
@@ -200,7 +200,7 @@ int VRequest::getListSize(jobject list) {
 
 jobject VRequest::getListElement(jobject list, int index) {
   if (mMethodGetListElement == nullptr || list == nullptr) {
-    // Spelled so (Oddity 49).
+    // This spelling is intended (Oddity 49).
     LOGE("get list elemet failed, input is null");
     return nullptr;
   }

@@ -1,4 +1,4 @@
-// One Java image descriptor becomes one frame record.
+// Converts one Java image descriptor to one frame record.
 
 #include <android/hardware_buffer_jni.h>
 #include <android/sharedmem_jni.h>
@@ -27,14 +27,14 @@ int32_t twoBytesPerPixel(const AlgoFrameInfo& frame) {
   return product(product(frame.width, frame.height), 2);
 }
 
-// Classifies an image by the format name that Java gives it. Names are compared by their beginnings, in an
-// order that depends on the name's length.
+// Classifies an image by its format name from Java. Names are compared by prefix, in an order that depends on
+// the name's length.
 class FormatClassifier {
 public:
   FormatClassifier(AlgoFrameInfo& frame, const char* name, size_t length)
       : mFrame(frame), mName(name), mLength(length) {}
 
-  // False when the name is unknown; the format then stays 0 and the image has one plane.
+  // Returns false if the name is unknown; the format then stays 0 and the image has one plane.
   bool classify() {
     mFrame.planeCount = 1;
     if (mLength < 4) return false;
@@ -68,12 +68,12 @@ private:
     mFrame.planeSize[0] = std::max(product(mFrame.stride[0], mFrame.height), mFrame.planeSize[0]);
     return format(kFormatMipiRaw10);
   }
-  // Oddity 3: the stride becomes the width, in pixels and not in bytes ...
+  // Oddity 3: the stride becomes the width, in pixels rather than bytes ...
   bool raw16() {
     mFrame.stride[0] = mFrame.width;
     return rawSensor();
   }
-  // ... while here it stays as it came.
+  // ... but here the stride stays unchanged.
   bool rawSensor() {
     mFrame.planeSize[0] = std::max(twoBytesPerPixel(mFrame), mFrame.planeSize[0]);
     return format(kFormatRaw16);
@@ -90,12 +90,12 @@ int32_t sumOfPlanes(const AlgoFrameInfo& frame) {
   return saturated(sum);
 }
 
-// The words that a platform handle holds; none when its counts make no sense.
+// Returns the number of words in a platform handle; 0 if its counts are invalid.
 int64_t wordCount(const native_handle_t& handle) {
   return handle.numFds < 0 || handle.numInts < 0 ? 0 : int64_t{handle.numFds} + handle.numInts;
 }
 
-// Copies a platform handle. When there are more words than fit, only their counts are copied.
+// Copies a platform handle. If it has too many words, copies only their counts.
 void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   to.version = from.version;
   to.numFds = from.numFds;
@@ -106,12 +106,12 @@ void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   std::swap(to.data[0], to.data[1]);  // Oddity 5
 }
 
-// The descriptor of the pixels: the handle's second word (Oddity 5). -1 when it has no second one.
+// Returns the descriptor of the pixels, the handle's second word (Oddity 5); -1 if it has no second word.
 int32_t pixelDescriptor(const native_handle_t& handle) {
   return wordCount(handle) >= 2 ? handle.data[1] : -1;
 }
 
-// Replaces sizes that the Java side left out, or gave as the whole memory.
+// Replaces plane sizes that the Java side omitted or set to the size of the whole memory.
 void fixNvPlanes(AlgoFrameInfo& frame) {
   if (frame.planeSize[1] <= 0) frame.planeSize[1] = product(frame.stride[0], frame.scanline[0], 2);
   if (frame.planeSize[0] >= frame.fdSize[0]) frame.planeSize[0] = product(frame.stride[0], frame.scanline[0]);
@@ -154,14 +154,14 @@ void VRequest::readFormat(AlgoFrameInfo& frame, jobject image, const char* opera
     clearException(mEnv);
   }
   const ScopedUtfChars chars(mEnv, mMethodStringLength == nullptr ? nullptr : format.get());
-  // A null name counts as an empty one.
+  // A null name counts as empty.
   const char* const name = chars.get() == nullptr ? "" : chars.get();
   if (!FormatClassifier(frame, name, chars.get() == nullptr ? 0 : static_cast<size_t>(length)).classify()) {
     LOGE_AS(operation, "unknown format %s", name);
   }
 }
 
-// False when the image has no memory.
+// Returns false if the image has no memory.
 bool VRequest::attachMemory(AlgoFrameInfo& frame, jobject image, int& usedSharedMemory,
                             AlgoNativeHandle* handle) {
   const ScopedLocalRef<> sharedMemory(mEnv, objectField<jobject>(image, mFieldVImageIPCDataShmem));
@@ -175,7 +175,7 @@ bool VRequest::attachMemory(AlgoFrameInfo& frame, jobject image, int& usedShared
   return true;
 }
 
-// False when the buffer has no handle, as a closed one.
+// Returns false if the buffer has no handle, for example after it was closed.
 bool VRequest::attachHardwareBuffer(AlgoFrameInfo& frame, jobject hardwareBuffer, AlgoNativeHandle* handle) {
   const AHardwareBuffer* buffer = AHardwareBuffer_fromHardwareBuffer(mEnv, hardwareBuffer);
   const native_handle_t* native = buffer == nullptr ? nullptr : AHardwareBuffer_getNativeHandle(buffer);
