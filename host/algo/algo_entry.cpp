@@ -1,4 +1,4 @@
-// The library's exports: the entry that fills the tables, and what tests steer it by.
+// The library's exports: the entry that fills in the tables, and the functions that tests control it with.
 #include <set>
 #include <string>
 #include <thread>
@@ -16,7 +16,7 @@
 namespace orlu::standin {
 namespace {
 
-// Fills callables with the stand-in's members, but for those that the script keeps back.
+// Fills in callables with the stand-in's members, except those that the script omits.
 class TableFiller {
 public:
   explicit TableFiller(const AlgoScript& script) : mScript(script) {}

@@ -1,6 +1,6 @@
-// How tests and tools steer the stand-in algorithm library, and look into it. The functions are exports of
-// liborlu.vac.interface.so beside its entry; look them up with dlsym(), so that nothing links against the
-// library that the product opens at run time.
+// Lets tests and tools control and inspect the stand-in algorithm library. The functions are exports of
+// liborlu.vac.interface.so. Look them up with dlsym(), so that nothing links against the library, which the
+// product opens at run time.
 #pragma once
 
 #include <chrono>
@@ -14,30 +14,31 @@
 
 namespace orlu::standin {
 
-// A value that the algorithms leave in the parameter set of every request before they call back.
+// A value that the algorithms store in the parameter set of every request before they call back.
 struct ScriptedValue {
   std::string section;
   std::string key;
   std::vector<uint8_t> bytes;
 };
 
-// A value that the algorithms ask the system for (paramSystemDownloadToAlgo) and store in the parameter set.
+// A value that the algorithms request from the system (paramSystemDownloadToAlgo) and store in the parameter
+// set.
 struct WantedValue {
   std::string section;
   std::string key;
   unsigned size = 0;  // bytes
 };
 
-// What an operation throws that the script makes throw.
+// Thrown by operations that the script lists as throwing.
 struct ScriptedException {};
 
-// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: as they should be;
-// on a thread of their own, meanwhile; when the operation has returned, on whichever thread destroys the
-// block.
+// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: on the right thread
+// during the operation; on another thread during the operation; or after the operation, on the thread that
+// destroys the block.
 enum class VisitorUse { kHere, kOtherThread, kLater };
 
-// One operation as the library was asked for it, in the order of the calls. Borrowed for the observer's call
-// only.
+// One operation that was requested from the library, in the order of the calls. Valid only during the
+// observer's call.
 struct AlgoCall {
   std::string operation;  // the name of the callable: "init", "process", "setValue", ...
   const AlgoCreateClientRecord* createClient = nullptr;
@@ -52,21 +53,21 @@ struct AlgoCall {
   void* block = nullptr;          // of a metadata operation
   const char* section = nullptr;  // of setValue and getValue
   const char* key = nullptr;
-  const void* data = nullptr;  // of setValue and setRaw; of getValue what it answered
+  const void* data = nullptr;  // of setValue and setRaw; for getValue its answer
   unsigned size = 0;           // bytes of data
 };
 
-// What the library does instead of its usual work. The default is the usual work.
+// How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
-  std::set<std::string> notOffered;    // callables left empty in tables filled from now on, by their names
-  bool runAlgorithms = true;           // false: pixels and parameter set stay as they came
-  int processResult = 0;               // what process() answers; the callbacks come all the same
-  int callbacks = 1;                   // how many "shotCb" a request gets: 0 none, 2 two, ...
+  std::set<std::string> notOffered;    // names of callables to leave empty in later tables
+  bool runAlgorithms = true;           // false: pixels and parameter set are unchanged
+  int processResult = 0;               // result of process(); the callbacks are sent anyway
+  int callbacks = 1;                   // number of "shotCb" callbacks per request
   bool callBackBeforeReturn = false;   // on the caller's thread, inside process()
-  bool attachThread = true;            // whether the calling-back thread is attached to the Java VM
+  bool attachThread = true;            // attach the callback thread to the Java VM
   std::chrono::milliseconds delay{0};  // from process() to the (first) callback
-  std::set<std::string> throwing;      // operations that throw; of "AlgoInterfaceEntry" too
-  // Operations that leave a Java exception on their thread; "callback": on the way into the callback.
+  std::set<std::string> throwing;      // operations that throw; may include "AlgoInterfaceEntry"
+  // Operations that leave a Java exception pending on their thread; "callback": before the callback.
   std::set<std::string> leaving;
   bool finishInDestroyClient =
       false;                    // destroyClient waits for its requests' callbacks instead of dropping them
@@ -80,10 +81,10 @@ struct AlgoScript {
 };
 
 struct AlgoCounts {
-  int clients = 0;          // made and not destroyed
-  int parameterBlocks = 0;  // kind 0, made and not destroyed
+  int clients = 0;          // created and not destroyed
+  int parameterBlocks = 0;  // kind 0, created and not destroyed
   int cameraBlocks = 0;     // kind 1
-  int pendingRequests = 0;  // processed and not called back for the last time
+  int pendingRequests = 0;  // submitted and without their last callback
 };
 
 using SetScriptFunction = void (*)(const AlgoScript* script);
@@ -95,16 +96,16 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 }  // namespace orlu::standin
 
-// Takes a copy of the script, for every operation that starts from now on; null: back to the usual work.
+// Copies the script, for every operation that starts from now on; null restores the usual behaviour.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// The same for the operations that the calling thread asks for, which then keep to this script alone; null:
-// to the common one again.
+// Sets a script for operations that are called on this thread; it replaces the common one there. Null removes
+// it.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
-// Fills in what the library holds now.
+// Counts the objects that the library holds.
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
-// Calls back with these bytes and handles from a new thread and waits for it to end.
+// Calls back with these bytes and handles from a new thread and waits for that thread.
 extern "C" void AlgoStandInSendCallback(uint64_t callbackCookie, const uint8_t* data, uint32_t size,
                                         const native_handle_t* const* handles, uint32_t handleCount,
                                         bool attachThread);
-// Waits until no request is pending. False when the time was over first.
+// Waits until no request is pending. Returns false on timeout.
 extern "C" bool AlgoStandInWaitIdle(int milliseconds);

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kMostScores = 50;
 constexpr size_t kMostSelections = 20;
 
-// The algorithms that are the same thing here: the aligned mean of the frames.
+// Algorithms that are identical here: each computes the mean of the aligned frames.
 constexpr const char* kMergers[] = {"night", "hdr", "superns", "supernsll", "llhdr"};
 
 // The bit that each algorithm sets in the application's word of "processed_algo".
@@ -101,7 +101,7 @@ void AlgorithmChain::judgeFrames() {
   for (size_t i = 0; i < std::min(mInputs.size(), kMostSelections); ++i) {
     if (mSelection.kept[i]) selected[i] = static_cast<int32_t>(i);
   }
-  // One for each frame, in a table that is always read whole.
+  // One score per frame; readers always read the whole table.
   double scores[kMostScores] = {};
   const size_t count = std::min(mInputs.size(), kMostScores);
   std::copy_n(mSelection.sharpness.begin(), count, scores);
@@ -167,7 +167,7 @@ void AlgorithmChain::deliver() {
 }
 
 void AlgorithmChain::deliverPixels(Frame& output) {
-  // An output of another format or size is left as it is.
+  // An output of another format or size is not changed.
   ImageView view;
   if (output.map(Frame::Access::kReadWrite) == 0 && output.view(view)) copyPixels(mPicture.view(), view);
 }
@@ -203,7 +203,7 @@ std::vector<uint8_t> AlgorithmChain::encode(size_t room) const {
   return encodeJpeg(mPicture.view(), buildExif(facts), room);
 }
 
-// The page as a JPEG of its own. Nothing is straightened: the page is taken to fill the picture.
+// Writes the page as a separate JPEG. Nothing is straightened: the page is assumed to fill the picture.
 void AlgorithmChain::deliverDocument() {
   std::vector<Frame>& outputs = mRequest.outputs();
   if (!asksFor("ppt") || outputs.size() < 2 || outputs[1].map(Frame::Access::kReadWrite) != 0) return;
@@ -216,7 +216,7 @@ void AlgorithmChain::deliverDocument() {
   markRan("ppt");
 }
 
-// The point and the blur that were asked for, and the size of the file, which is passed through.
+// Reports the requested point and blur, and the size of the file, which is passed through.
 void AlgorithmChain::leaveRefocus() {
   if (!asksFor("jpegBokehOnly") || mPicture.empty()) return;
   ParameterSet& parameters = mRequest.parameters();

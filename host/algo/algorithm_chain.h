@@ -1,5 +1,5 @@
-// Runs the algorithms that one request asks for: choosing and merging frames, changing the picture, and
-// encoding it or copying it into the first output. Names that are not known here are ignored.
+// Runs the algorithms of one request: selects and merges frames, changes the picture, and encodes it or
+// copies it into the first output. Ignores unknown names.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace orlu::standin {
 
-// What was done, for the trace.
+// The work done, for the trace.
 struct RunReport {
   struct FrameReport {
     double sharpness = 0;
@@ -20,16 +20,16 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
-  // Asked for and left alone knowingly: not known here, or with nothing to do.
+  // Requested but deliberately not run: unknown here, or without work to do.
   std::vector<std::string> skipped;
   double milliseconds = 0;
-  std::vector<FrameReport> frames;  // one for each input, when they were judged
+  std::vector<FrameReport> frames;  // one per input, if they were judged
 };
 
 class AlgorithmChain {
 public:
   explicit AlgorithmChain(Request& request) : mRequest(request) {}
-  // To be called once.
+  // Call once.
   RunReport run();
 
 private:
@@ -54,7 +54,7 @@ private:
 
   Request& mRequest;
   RunReport mReport;
-  std::vector<ImageView> mInputs;  // without planes for a frame that can't be read
+  std::vector<ImageView> mInputs;  // an unreadable frame has no planes
   FrameSelection mSelection;
   Picture mPicture;
 };

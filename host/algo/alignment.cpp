@@ -10,9 +10,9 @@ namespace orlu::standin {
 namespace {
 
 constexpr int kSmallestSide = 24;          // of the coarsest level
-constexpr int kCoarseRange = 4;            // samples each way, at the coarsest level
-constexpr int kFineRange = 2;              // and at every finer one
-constexpr int64_t kEnoughSamples = 60000;  // of a level, to compare two frames by
+constexpr int kCoarseRange = 4;            // samples in each direction, at the coarsest level
+constexpr int kFineRange = 2;              // the same at all finer levels
+constexpr int64_t kEnoughSamples = 60000;  // samples of a level that are compared
 
 uint32_t sampleAt(const Plane& plane, int x, int y) {
   uint16_t value;
@@ -75,7 +75,7 @@ double meanOf(const Luma& luma) {
   return static_cast<double>(sum) / static_cast<double>(std::max<size_t>(luma.samples.size(), 1));
 }
 
-// The mean absolute difference where the two overlap, over every step-th sample of every step-th row.
+// Returns the mean absolute difference of the overlap, over every step-th sample of every step-th row.
 double meanDifference(const Luma& base, const Luma& other, Shift shift, int brightness, int step) {
   const int left = std::max(0, -shift.dx);
   const int right = std::min(base.width, base.width - shift.dx);
@@ -93,7 +93,7 @@ double meanDifference(const Luma& base, const Luma& other, Shift shift, int brig
                     : static_cast<double>(sum) / static_cast<double>(count);
 }
 
-// The best shift within `range` of the start; the start itself when nothing is better.
+// Returns the best shift within `range` of the start; the start itself if none is better.
 Shift searchAround(const Luma& base, const Luma& other, Shift start, int range) {
   const int brightness = static_cast<int>(std::lround(meanOf(other) - meanOf(base)));
   const int64_t samples = static_cast<int64_t>(base.width) * base.height;

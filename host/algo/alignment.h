@@ -1,4 +1,4 @@
-// Finds by how many whole pixels one frame is shifted against another.
+// Finds the shift in whole pixels between two frames.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace orlu::standin {
 
-// The pixel (x, y) of the base frame shows what (x + dx, y + dy) of the other frame shows.
+// Pixel (x, y) of the base frame matches pixel (x + dx, y + dy) of the other frame.
 struct Shift {
   int dx = 0;
   int dy = 0;
 };
 
-// The brightness of an image, one sample a pixel; of a raw image one sample for each 2 x 2 cell.
+// The brightness of an image, one sample per pixel; for raw images one sample per 2 x 2 cell.
 struct Luma {
   int width = 0;
   int height = 0;
@@ -28,7 +28,7 @@ struct Luma {
 // Empty for an opaque image.
 Luma lumaOf(const ImageView& image);
 
-// A luma and its halvings, the finest first.
+// A luma and its successively halved versions, the finest first.
 class LumaPyramid {
 public:
   explicit LumaPyramid(Luma finest);
@@ -38,8 +38,8 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// The shift in samples of the finest level, found from coarse to fine by the least mean difference. Both
-// pyramids must have the same shape. A difference in brightness as a whole does not count.
+// Returns the shift in samples of the finest level with the least mean difference, searched from coarse to
+// fine. Both pyramids must have the same shape. An overall difference in brightness is ignored.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);
 
 }  // namespace orlu::standin

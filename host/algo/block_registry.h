@@ -1,5 +1,5 @@
-// The live metadata blocks. A handle is a number that is never used again, not an address, so that a stale
-// one is told from a live one and nothing behind it is ever touched.
+// The live metadata blocks. A handle is a number that is never reused, not an address. So a stale handle is
+// recognised, and never accesses memory.
 #pragma once
 
 #include <cstdint>
@@ -13,13 +13,13 @@ namespace orlu::standin {
 
 class BlockRegistry {
 public:
-  // A new block's handle; null for an unknown kind.
+  // Returns a new block's handle; null for an unknown kind.
   void* create(int kind);
-  // False when the handle is not live. Whoever still holds the set may go on with it.
+  // Returns false if the handle is not live. Holders of the set may still use it.
   bool destroy(void* block);
-  // The set behind a handle; null when it is not live.
+  // Returns the set of a handle; null if it is not live.
   std::shared_ptr<ParameterSet> find(void* block) const;
-  // Live blocks of a kind.
+  // Returns the number of live blocks of a kind.
   int count(int kind) const;
 
 private:

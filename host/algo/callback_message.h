@@ -1,4 +1,4 @@
-// What travels through a result callback.
+// The contents of result callbacks.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@
 
 namespace orlu::standin {
 
-// The callback's data: a CallbackHeader, the name, the payload.
+// Returns the callback's data: a CallbackHeader, the name, the payload.
 std::vector<uint8_t> callbackMessage(uint64_t nativeReq, const std::string& name, const void* payload,
                                      size_t payloadSize);
 
-// Calls the result callback behind the cookie on this thread; nothing when there is none.
+// Calls the result callback of the cookie on this thread. Does nothing for cookie 0.
 void sendCallback(uint64_t cookie, const std::vector<uint8_t>& message,
                   const std::vector<android::hardware::hidl_handle>& handles);
 

@@ -1,4 +1,4 @@
-// The live clients, by handles that are never used again.
+// The live clients, by handles that are never reused.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,10 @@ namespace orlu::standin {
 
 class Clients {
 public:
-  // A new client's handle; null when the record asks for an interface version other than kAlgoTableVersion.
+  // Returns a new client's handle; null if the record asks for an interface version other than
+  // kAlgoTableVersion.
   void* create(const AlgoCreateClientRecord& record);
-  // False when the handle is not live.
+  // Returns false if the handle is not live.
   bool destroy(void* client);
   int count() const;
 

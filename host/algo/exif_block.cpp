@@ -58,7 +58,7 @@ public:
                                                 std::numeric_limits<int32_t>::max());
     exif_set_srational(data, kOrder, {static_cast<ExifSLong>(bounded), denominator});
   }
-  // Values that are not negative, each as a fraction with the given denominator.
+  // Adds non-negative values as fractions with the given denominator.
   void addRationals(ExifIfd ifd, int tag, std::initializer_list<double> values, uint32_t denominator) {
     uint8_t* data = add(ifd, tag, EXIF_FORMAT_RATIONAL, values.size(), 8 * values.size());
     if (data == nullptr) return;
@@ -70,7 +70,7 @@ public:
     }
   }
 
-  // Adds the entries that every photo must have, with their usual values, where they are not there.
+  // Adds missing entries that every photo must have, with their usual values.
   void complete() {
     exif_data_set_data_type(mData.get(), EXIF_DATA_TYPE_COMPRESSED);
     exif_data_fix(mData.get());
@@ -86,7 +86,7 @@ public:
   }
 
 private:
-  // The bytes of a new entry, owned by the block.
+  // Returns the bytes of a new entry; the block owns them.
   uint8_t* add(ExifIfd ifd, int tag, ExifFormat format, size_t components, size_t size) {
     const std::unique_ptr<ExifMem, void (*)(ExifMem*)> memory(exif_mem_new_default(), exif_mem_unref);
     const std::unique_ptr<ExifEntry, void (*)(ExifEntry*)> entry(exif_entry_new_mem(memory.get()),
@@ -133,7 +133,7 @@ int orientationOf(int32_t degrees) {
   }
 }
 
-// Bit 0: it fired. Bits 3 and 4: made to, kept from it, or left to the camera.
+// Bit 0: the flash fired. Bits 3 and 4: forced on, forced off, or automatic.
 int flashOf(const ExifInfo& info) {
   const bool fired = info.hasFlashState != 0 ? info.flashState == kFlashStateFired : info.flashMode != 0;
   int mode = 0x10;
@@ -142,7 +142,7 @@ int flashOf(const ExifInfo& info) {
   return mode | (fired ? 1 : 0);
 }
 
-// What the white balance presets stand for; 0 for one without a lamp of its own.
+// Returns the EXIF light source of a white balance preset; 0 if it has none.
 int lightSourceOf(int32_t awbMode) {
   constexpr int kSources[] = {0, 0, 3, 2, 14, 1, 10, 0, 11};
   const bool known = awbMode >= 0 && static_cast<size_t>(awbMode) < std::size(kSources);
@@ -167,7 +167,7 @@ void addExposure(ExifBuilder& exif, const ExifInfo& info) {
                            info.aeCompensationStepDenominator);
   }
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_FLASH, flashOf(info));
-  // 0 is also what stands there when the camera told no mode.
+  // The mode is also 0 if the camera reported none.
   const bool manual = info.awbMode > kAwbAuto;
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_WHITE_BALANCE, manual ? 1 : 0);
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_LIGHT_SOURCE, lightSourceOf(info.awbMode));
@@ -188,7 +188,7 @@ void addLens(ExifBuilder& exif, const ExifInfo& info) {
 
 void addAngle(ExifBuilder& exif, int tag, double degrees) {
   constexpr uint32_t kDenominator = 10'000;
-  // Rounded once as a whole, so that no part ever reads 60.
+  // The whole value is rounded once, so that no part ever becomes 60.
   const auto parts = static_cast<int64_t>(std::llround(std::fabs(degrees) * 3600 * kDenominator));
   const int64_t minutes = parts / (60 * int64_t{kDenominator});
   const int64_t wholeDegrees = minutes / 60;
@@ -208,7 +208,7 @@ void addGpsTime(ExifBuilder& exif, int64_t milliseconds) {
 }
 
 void addLocation(ExifBuilder& exif, const GpsLocation& location) {
-  // Written so that NaN is no place either.
+  // This form also rejects NaN.
   if (!(std::fabs(location.latitude) <= 90) || !(std::fabs(location.longitude) <= 180)) return;
   const char* const south = location.latitude < 0 ? "S" : "N";
   const char* const west = location.longitude < 0 ? "W" : "E";

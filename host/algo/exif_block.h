@@ -13,10 +13,10 @@ struct ExifFacts {
   ExifInfo info;
   int width = 0;  // pixels
   int height = 0;
-  std::optional<int32_t> rotation;  // degrees clockwise that the viewer is to turn the picture by
+  std::optional<int32_t> rotation;  // degrees clockwise by which viewers rotate the picture
 };
 
-// The segment's contents, from "Exif" on; facts that are absent or make no sense are left out. Empty when
+// Returns the segment's contents, starting with "Exif". Absent and implausible facts are omitted. Empty if
 // libexif can't build it.
 std::vector<uint8_t> buildExif(const ExifFacts& facts);
 

@@ -1,5 +1,5 @@
-// One image of a request, kept from process() until its work is done: the frame's record and a duplicate of
-// its descriptor, so that the caller may close the original meanwhile.
+// One image of a request, kept from process() until its work is finished. Holds the frame's record and a
+// duplicate of its descriptor, so that the caller may close the original.
 #pragma once
 
 #include "algo_interface.h"
@@ -16,12 +16,11 @@ public:
   Frame& operator=(Frame&&) = delete;
   ~Frame();
 
-  // Maps the memory behind the descriptor, bounded by its real size. 0, or -1 when there is no descriptor or
-  // no memory behind it.
+  // Maps the descriptor's memory, at most its real size. Returns 0, or -1 without a descriptor or memory.
   int map(Access access);
-  // Gives memory and descriptor back. Only the record is left.
+  // Releases memory and descriptor. Only the record remains.
   void release();
-  // The planes in the mapped memory. False when it is not mapped or the record does not fit it.
+  // Gets the planes in the mapped memory. Returns false if it is not mapped or the record does not fit it.
   bool view(ImageView& view) const;
 
   const AlgoFrameInfo& info() const { return mInfo; }

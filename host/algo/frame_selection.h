@@ -1,4 +1,4 @@
-// Judges the frames of a request by their sharpness: which to keep, and which is the base of a merge.
+// Judges a request's frames by sharpness: which frames to keep, and which is the base of a merge.
 #pragma once
 
 #include <vector>
@@ -8,17 +8,17 @@
 namespace orlu::standin {
 
 struct FrameSelection {
-  std::vector<double> sharpness;  // one for each frame; 0 for one that can't be read
+  std::vector<double> sharpness;  // one per frame; 0 for an unreadable frame
   std::vector<bool> kept;
-  int base = -1;  // -1 when no frame can be used
+  int base = -1;  // -1 if no frame is usable
 };
 
-// The variance of the luma's Laplacian; 0 for an opaque image or one under 3 x 3.
+// Returns the variance of the luma's Laplacian; 0 for an opaque image or one smaller than 3 x 3.
 double sharpnessOf(const ImageView& image);
 
-// Keeps the frames whose sharpness is at least 60 % of the best, or the sharpest alone. Frames of another
-// shape than the base can't be merged with it and are not kept. `wantedBase` wins when it is a readable
-// frame's index. A view without planes stands for a frame that can't be read.
+// Keeps the frames with at least 60 % of the best sharpness, or only the sharpest. Frames whose shape differs
+// from the base's can't be merged and are dropped. `wantedBase` is used if it is the index of a readable
+// frame. An unreadable frame is a view without planes.
 FrameSelection selectFrames(const std::vector<ImageView>& frames, int wantedBase, bool sharpestOnly);
 
 }  // namespace orlu::standin

@@ -7,7 +7,7 @@
 namespace orlu::standin {
 namespace {
 
-constexpr int kMaxSide = 65500;  // what a JPEG can hold
+constexpr int kMaxSide = 65500;  // the largest side of a JPEG
 constexpr int64_t kMaxPixels = 1 << 28;
 
 bool isSaneShape(int width, int height) {
@@ -15,7 +15,7 @@ bool isSaneShape(int width, int height) {
          static_cast<int64_t>(width) * height <= kMaxPixels;
 }
 
-// Adds the plane when its last row still ends inside the memory.
+// Adds the plane if its last row ends inside the memory.
 bool addPlane(ImageView& view, uint8_t* memory, size_t capacity, uint64_t offset, const Plane& plane) {
   const uint64_t stride = plane.stride;
   const uint64_t end = offset + stride * static_cast<uint64_t>(plane.rows - 1) + plane.rowBytes();
@@ -42,7 +42,8 @@ bool layOutYuv(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Imag
   chroma.stride = std::max(strideOr(info.stride[1], 0), static_cast<size_t>(even));
   if (info.stride[1] <= 0) chroma.stride = std::max(luma.stride, static_cast<size_t>(even));
 
-  // A first plane that is larger than its rows has padding rows; a smaller one was cut after the last pixel.
+  // A first plane that is larger than its rows has padding rows; a smaller one was truncated after the last
+  // pixel.
   const int32_t scanlines = std::max(info.scanline[0], info.height);
   const uint64_t rows = static_cast<uint64_t>(luma.stride) * static_cast<uint64_t>(scanlines);
   const uint64_t told = info.planeSize[0] > 0 ? static_cast<uint64_t>(info.planeSize[0]) : 0;
@@ -55,7 +56,7 @@ bool layOutRaw16(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Im
   plane.columns = info.width;
   plane.rows = info.height;
   plane.sampleBytes = 2;
-  // The stride is told in pixels or in bytes; one that is too small for bytes is pixels.
+  // The stride is in pixels or in bytes; a value too small for bytes means pixels.
   const size_t told = strideOr(info.stride[0], info.width);
   plane.stride = told >= plane.rowBytes() ? told : 2 * std::max(told, static_cast<size_t>(info.width));
   return addPlane(view, memory, capacity, 0, plane);
@@ -96,7 +97,7 @@ bool copyPixels(const ImageView& from, const ImageView& to) {
   if (from.isOpaque() && from.planes[0].columns > to.planes[0].columns) return false;
   for (size_t i = 0; i < from.planes.size(); ++i) {
     const Plane& source = from.planes[i];
-    // Both may be one memory, when an image is processed in place.
+    // Both may be the same memory if an image is processed in place.
     for (int y = 0; y < source.rows; ++y) std::memmove(to.planes[i].row(y), source.row(y), source.rowBytes());
   }
   return true;

@@ -1,4 +1,4 @@
-// How an image lies in memory, and an image of our own.
+// The layout of an image in memory, and an image with its own pixels.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +11,8 @@ namespace orlu::standin {
 
 // One plane: rows of `columns` pixels, each of `channels` samples of `sampleBytes` bytes.
 struct Plane {
-  uint8_t* data = nullptr;  // borrowed; that of an input frame may only be read
-  size_t stride = 0;        // bytes from row to row
+  uint8_t* data = nullptr;  // borrowed; read-only for an input frame
+  size_t stride = 0;        // bytes from one row to the next
   int columns = 0;
   int rows = 0;
   int channels = 1;
@@ -23,8 +23,8 @@ struct Plane {
   uint8_t* row(int y) const { return data + static_cast<size_t>(y) * stride; }
 };
 
-// The planes of an image: luma and chroma pairs, or one plane. A format whose pixels nobody here reads
-// (compressed, packed raw, unknown) is opaque: one row of bytes.
+// The planes of an image: luma and chroma pairs, or one plane. Formats whose pixels are not read here
+// (compressed, packed raw, unknown) are opaque: one row of bytes.
 struct ImageView {
   int format = 0;
   int width = 0;
@@ -38,19 +38,18 @@ struct ImageView {
   }
 };
 
-// Lays a frame's planes out in `capacity` bytes of memory. False when a size is not positive, absurd, or
-// does not fit; nothing of the memory is touched.
+// Lays out a frame's planes in `capacity` bytes of memory. Returns false if a size is not positive, is
+// absurd, or does not fit. Never accesses the memory.
 bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageView& view);
 
-// Copies the pixels when shape and, for an opaque image, room agree; false otherwise.
+// Copies the pixels if the shapes match and opaque images fit; returns false otherwise.
 bool copyPixels(const ImageView& from, const ImageView& to);
 
 // An image that owns its pixels, without padding.
 class Picture {
 public:
   Picture() = default;
-  // Pixels of the given shape, zeroed. The shape must be one that layOut() accepts; opaque images take
-  // `opaqueBytes`.
+  // Zeroed pixels of the given shape, which layOut() must accept; opaque images take `opaqueBytes`.
   Picture(int format, int width, int height, size_t opaqueBytes = 0);
   Picture(Picture&&) = default;
   Picture& operator=(Picture&&) = default;
@@ -60,7 +59,7 @@ public:
   const ImageView& view() const { return mView; }
 
 private:
-  std::vector<uint8_t> mBytes;  // moving it keeps the addresses that the view holds
+  std::vector<uint8_t> mBytes;  // moving it keeps the addresses in the view valid
   ImageView mView;
 };
 

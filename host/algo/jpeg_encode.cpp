@@ -20,9 +20,9 @@ constexpr size_t kLargestSegment = 0xFFFF - 2;
 
 using Encoder = std::unique_ptr<void, int (*)(void*)>;
 
-// The planes as the encoder takes them: luma, then Cb and Cr apart, each of an even luma size.
+// The planes in the encoder's form: luma, then Cb and Cr separately, with an even luma size.
 struct EncoderPlanes {
-  std::vector<uint8_t> luma;  // only for an odd size, whose last column and row are repeated
+  std::vector<uint8_t> luma;  // only for odd sizes: the last column and row are repeated
   std::vector<uint8_t> cb;
   std::vector<uint8_t> cr;
   const uint8_t* planes[3] = {};
@@ -70,7 +70,7 @@ EncoderPlanes planesOf(const ImageView& image) {
   return out;
 }
 
-// The encoder's own output; empty on failure.
+// Returns the encoder's output; empty on failure.
 std::vector<uint8_t> compress(const Encoder& encoder, const ImageView& image, EncoderPlanes& planes,
                               int quality) {
   unsigned char* jpeg = nullptr;
@@ -86,7 +86,8 @@ std::vector<uint8_t> compress(const Encoder& encoder, const ImageView& image, En
   return {jpeg, jpeg + size};
 }
 
-// Puts the EXIF segment first, in place of the encoder's JFIF segment: a reader expects one or the other.
+// Inserts the EXIF segment at the beginning in place of the encoder's JFIF segment: readers expect one or the
+// other.
 std::vector<uint8_t> withExif(const std::vector<uint8_t>& jpeg, const std::vector<uint8_t>& exif) {
   if (exif.empty() || exif.size() > kLargestSegment || jpeg.size() < 6) return jpeg;
   size_t rest = kMarkerBytes;

@@ -9,9 +9,8 @@
 
 namespace orlu::standin {
 
-// The file's bytes, at the highest of some qualities at which they fit into `room`. Empty when they never
-// fit, or when the format is neither NV21, NV12 nor RGBA. A JPEG that came in goes out unchanged when it
-// fits.
+// Returns the file's bytes, in the highest quality that fits into `room`. Empty if none fits, or if the
+// format is neither NV21, NV12 nor RGBA. An input that is a JPEG already is returned unchanged if it fits.
 std::vector<uint8_t> encodeJpeg(const ImageView& image, const std::vector<uint8_t>& exif, size_t room);
 
 }  // namespace orlu::standin

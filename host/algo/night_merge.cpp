@@ -22,7 +22,7 @@ void addSamples(std::vector<uint32_t>& sums, const uint8_t* row, size_t first, s
   }
 }
 
-// Adds one row of a moved frame; the base's row where the frame has no pixel.
+// Adds one row of a shifted frame; where the frame has no pixel, the base's row.
 template <typename T>
 void addRow(std::vector<uint32_t>& sums, const MovedPlane& moved, const Plane& base, int y) {
   const Plane& plane = moved.plane;
@@ -58,7 +58,7 @@ void meanOfPlanes(const std::vector<MovedPlane>& planes, const Plane& base, cons
   }
 }
 
-// A shift in pixels of the image, told in pixels of one of its planes.
+// Converts a shift in pixels of the image to pixels of one of its planes.
 Shift onPlane(const Shift& shift, const ImageView& image, size_t plane) {
   if (!image.isYuv() || plane == 0) return shift;
   return {shift.dx / 2, shift.dy / 2};

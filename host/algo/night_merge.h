@@ -1,4 +1,4 @@
-// The mean of several frames, each moved to lie on the base frame. Averaging n frames takes the noise down by
+// The mean of several frames, each shifted to match the base frame. Averaging n frames divides the noise by
 // the square root of n.
 #pragma once
 
@@ -11,13 +11,13 @@ namespace orlu::standin {
 
 struct MergedImage {
   Picture picture;
-  std::vector<Shift> shifts;  // pixels, one for each frame; 0 for one that was not merged
+  std::vector<Shift> shifts;  // pixels, one per frame; 0 for an unmerged frame
   int mergedFrames = 0;
 };
 
-// Merges the frames marked as kept, the base among them, all of the base's shape and not opaque. Where a
-// moved frame has no pixel the base's stands in. Raw frames move by even numbers, which keeps the Bayer
-// pattern.
+// Merges the frames marked as kept; the base is one of them. All have the base's shape and are not opaque.
+// Where a shifted frame has no pixel, the base's pixel is used. Raw frames are shifted by even numbers, which
+// keeps the Bayer pattern.
 MergedImage mergeFrames(const std::vector<ImageView>& frames, const std::vector<bool>& kept, int base);
 
 }  // namespace orlu::standin

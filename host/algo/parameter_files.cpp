@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kChunk = size_t{64} * 1024;
 
-// Carries a CRC-32 (the polynomial of zip files) on over more bytes; it starts with 0.
+// Continues a CRC-32 (zip's polynomial) over more bytes; starts with 0.
 uint32_t updateCrc(uint32_t crc, const uint8_t* bytes, size_t size) {
   crc = ~crc;
   for (size_t i = 0; i < size; ++i) {

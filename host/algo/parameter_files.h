@@ -1,4 +1,4 @@
-// The parameter files that were handed over, by their identifiers: how long each is and its checksum.
+// Lengths and checksums of the parameter files received, by identifier.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,11 @@ namespace orlu::standin {
 
 class ParameterFiles {
 public:
-  // Reads the file behind the record's descriptor, at most record.size bytes from its start. -1 when the
-  // size is not positive or nothing can be read; what was known of the identifier stays then.
+  // Reads the record's file, at most record.size bytes from its start. Returns -1 if the size is not positive
+  // or nothing can be read; the identifier's earlier file is then kept.
   int read(const AlgoTranslateParamFileRecord& record);
-  // "<bytes> <checksum>", the CRC-32 in eight hexadecimal digits; empty for an unknown identifier.
+  // Returns "<bytes> <checksum>", with the CRC-32 as eight hexadecimal digits; empty for an unknown
+  // identifier.
   std::string describe(const std::string& identifier) const;
 
 private:

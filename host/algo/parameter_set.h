@@ -1,6 +1,6 @@
-// The bytes behind one metadata block: (section, key) -> value for a parameter block, one run of serialised
-// metadata for a camera-metadata block. Safe from any thread: a request may still be worked on when the
-// block's owner has given up waiting for it.
+// The contents of one metadata block: (section, key) -> value for a parameter block, one run of serialised
+// metadata for a camera-metadata block. Thread-safe: work on a request may continue after the block's owner
+// has stopped waiting.
 #pragma once
 
 #include <cstdint>
@@ -26,20 +26,21 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Bytes held, names not counted.
+  // Bytes held, without names.
   size_t size() const;
 
-  // Copies `size` bytes in. -1 for a null name, null data with a size, or a camera-metadata block.
+  // Copies `size` bytes in. Returns -1 for a null name, null data with a size, or a camera-metadata block.
   int set(const char* section, const char* key, const void* data, size_t size);
-  // Copies at most `size` bytes out; a shorter value leaves the rest of `data` alone. -1 when absent.
+  // Copies at most `size` bytes out; beyond a shorter value, `data` is unchanged. Returns -1 if absent.
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // Replaces the contents of a camera-metadata block. -1 for a parameter block or null bytes with a size.
+  // Replaces the contents of a camera-metadata block. Returns -1 for a parameter block or null bytes with a
+  // size.
   int setRaw(const char* bytes, size_t size);
 
-  // Copies of a section's values, in the order in which they were first set.
+  // Returns copies of a section's values, in the order in which they were first set.
   std::vector<Value> values(const char* section) const;
 
-  // A value read as T. What is absent keeps the initial value, and so do the bytes past a short value.
+  // Returns a value as T. An absent value, and bytes beyond a short one, keep the initial value.
   template <typename T>
   T read(const char* section, const char* key, T initial) const {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -7,7 +7,8 @@ namespace {
 
 constexpr int kFraction = 256;  // steps between two source pixels
 
-// Where a target pixel lies in the source: between `first` and `second`, `weight` / 256 towards the second.
+// The position of a target pixel in the source: between `first` and `second`, by `weight` / 256 towards the
+// second.
 struct SourcePosition {
   int first;
   int second;
@@ -15,7 +16,7 @@ struct SourcePosition {
 };
 
 SourcePosition sourceOf(int target, int targets, int sources) {
-  // The centres of both grids' pixels are laid over each other.
+  // Aligns the pixel centres of both grids.
   const int64_t position =
       (2 * int64_t{target} + 1) * sources * kFraction / (2 * int64_t{targets}) - kFraction / 2;
   const auto bounded = static_cast<int>(std::clamp<int64_t>(position, 0, int64_t{sources - 1} * kFraction));

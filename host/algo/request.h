@@ -1,4 +1,4 @@
-// One request from process() to its last callback: copies of what the caller's record holds.
+// One request from process() to its last callback, with copies of the caller's record.
 #pragma once
 
 #include <chrono>
@@ -16,18 +16,18 @@ namespace orlu::standin {
 
 class Request {
 public:
-  // `parameters` may be null: the request then works with a set of its own that nobody sees.
+  // If `parameters` is null, the request uses a private set.
   Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScript> script,
           std::shared_ptr<ParameterSet> parameters);
 
   bool asksFor(const char* algorithm) const;
   // Sends one "shotCb", on this thread.
   void callBack() const;
-  // Sends the "lightStreamCb" of a light-stream request, on this thread; nothing for any other.
+  // Sends the "lightStreamCb" of a light-stream request on this thread; does nothing for other requests.
   void sendLightStreamEvent() const;
-  // Gives the images back: whoever is called back may count on nobody holding them.
+  // Releases the images before the callback, whose receiver may assume that nobody holds them.
   void releaseImages();
-  // Width and height of the first input, or else of the first output.
+  // Gets width and height of the first input, or of the first output if there is no input.
   void frameSize(int32_t& width, int32_t& height) const;
 
   const AlgoScript& script() const { return *mScript; }
@@ -37,7 +37,7 @@ public:
   const std::vector<std::string>& algoList() const { return mAlgoList; }
   std::vector<Frame>& inputs() { return mInputs; }
   std::vector<Frame>& outputs() { return mOutputs; }
-  // No callback is sent before this.
+  // The time before which no callback is sent.
   std::chrono::steady_clock::time_point due() const { return mDue; }
 
 private:

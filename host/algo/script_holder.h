@@ -1,5 +1,5 @@
-// The script in force: the calling thread's own, or else the common one. An operation takes it once, when it
-// starts, and keeps to it; a request keeps to the one of its process().
+// The script in force: the calling thread's own, or else the common one. An operation uses the script in
+// force at its start; a request uses that of its process().
 #pragma once
 
 #include <memory>
@@ -11,9 +11,9 @@ namespace orlu::standin {
 
 class ScriptHolder {
 public:
-  // Null: the usual work.
+  // Null restores the usual behaviour.
   void set(const AlgoScript* script);
-  // For the calling thread alone. Null: it has none of its own.
+  // Sets the calling thread's script. Null removes it.
   static void setOwn(const AlgoScript* script);
   // Never null.
   std::shared_ptr<const AlgoScript> current() const;

@@ -46,9 +46,9 @@ StandIn& StandIn::instance() {
   return *instance;
 }
 
-// An operation. It lets no exception through but the script's; memory may run out, an observer may throw.
-// What creates something misbehaves before, so that nobody has to free it, everything else when its work is
-// done.
+// Runs an operation. Only the script's exceptions leave it, although memory may run out and an observer may
+// throw. Scripted faults happen before an operation that creates something, so that nothing leaks, and after
+// all other operations.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();
@@ -252,7 +252,7 @@ int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& v
     announce(callOf("paramSystemDownloadToAlgo", block));
     const auto set = mBlocks.find(block);
     if (!set || !visitor) return -1;
-    // A value that the system does not know is no failure.
+    // A value unknown to the system is not a failure.
     for (const WantedValue& wanted : mScript.current()->wanted) {
       ParameterSet::Value value = {wanted.section, wanted.key, std::vector<uint8_t>(wanted.size)};
       if (mVisits.visit(*mScript.current(), block, visitor, value) != 0) continue;

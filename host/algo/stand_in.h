@@ -1,5 +1,6 @@
-// The library behind its tables: clients, metadata blocks, the worker, and the script that tests steer it by.
-// Every operation tells the script's observer and the trace of itself. None throws but as the script says.
+// The implementation of the tables: clients, metadata blocks, the worker, and the script that tests control
+// it with. Every operation reports to the script's observer and the trace. Only scripted exceptions are
+// thrown.
 #pragma once
 
 #include <chrono>
@@ -19,7 +20,7 @@ namespace orlu::standin {
 
 class StandIn {
 public:
-  // Made on first use and never destroyed: the worker and the callables live until the process ends.
+  // Created on first use and never destroyed: the worker and the callables are used until the process ends.
   static StandIn& instance();
 
   ScriptHolder& script() { return mScript; }
@@ -27,10 +28,10 @@ public:
   AlgoCounts count() const;
   bool waitIdle(std::chrono::milliseconds limit) { return mWorker.drainAll(limit); }
 
-  // What the script wants of the library's entry.
+  // Does what the script requests for the library's entry.
   void entry();
 
-  // The callables of the tables. -1 for a block that is not live.
+  // The callables of the tables. They return -1 for a block that is not live.
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);

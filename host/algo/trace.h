@@ -1,5 +1,5 @@
-// Writes what only an algorithm library knows of its work, one line of JSON for each finished request, into
-// the file that ORLU_ALGO_TRACE names. Without the variable nothing is written.
+// Writes facts that only an algorithm library knows, one line of JSON per finished request, to the file that
+// ORLU_ALGO_TRACE names. Without the variable, nothing is written.
 #pragma once
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace orlu::standin {
 
 class Trace {
 public:
-  // Looks at the environment and appends to the file it names from now on.
+  // Reads the environment; from now on appends to the file that it names.
   void open();
   void done(uint64_t nativeReq, const RunReport& report);
 

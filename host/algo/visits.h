@@ -1,4 +1,4 @@
-// The calls of visitors, and those that the script puts off.
+// Calls visitors, immediately or later, as the script says.
 #pragma once
 
 #include <functional>
@@ -13,15 +13,16 @@ namespace orlu::standin {
 
 class Visits {
 public:
-  // Shows the value to the visitor, where the script says. What the visitor returned; 0 for a call put off.
+  // Passes the value to the visitor at the scripted time. Returns the visitor's result; 0 for a postponed
+  // call.
   int visit(const AlgoScript& script, void* block, const AlgoMetadataVisitor& visitor,
             ParameterSet::Value& value);
-  // Makes the calls that were put off for this block.
+  // Makes the calls that were postponed for this block.
   void callKept(void* block);
 
 private:
   std::mutex mMutex;
-  std::multimap<void*, std::function<void()>> mKept;  // by the block
+  std::multimap<void*, std::function<void()>> mKept;  // by block
 };
 
 }  // namespace orlu::standin

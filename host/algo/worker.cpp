@@ -9,9 +9,9 @@
 namespace orlu::standin {
 namespace {
 
-constexpr std::chrono::seconds kPatience{2};  // with a callback that does not end
+constexpr std::chrono::seconds kPatience{2};  // limit for a callback that does not return
 
-// A request carries no flag when nobody wrote one.
+// A request has no flag if none was written.
 bool carriesFlag(const Request& request, int64_t frameFlag) {
   int64_t flag = 0;
   return request.parameters().get(kControl, "frame_flag", &flag, sizeof flag) == 0 && flag == frameFlag;
@@ -107,7 +107,7 @@ Worker::JobPointer Worker::takeNext() {
 }
 
 void Worker::work(Job& job) {
-  // Whatever goes wrong with the work, the request is called back.
+  // The request is called back whatever fails.
   try {
     mWork(*job.request);
   } catch (...) {

@@ -1,5 +1,5 @@
-// The one thread that does the work of all clients' requests, in the order in which they came, and calls
-// back. It starts with the first request and runs until the process ends.
+// The one thread that processes the requests of all clients, in order of arrival, and calls back. It starts
+// with the first request and runs until the process ends.
 #pragma once
 
 #include <chrono>
@@ -16,25 +16,25 @@ namespace orlu::standin {
 
 class Worker {
 public:
-  // `work` does a request's work, without its callbacks.
+  // `work` processes a request, without its callbacks.
   explicit Worker(std::function<void(Request&)> work) : mWork(std::move(work)) {}
   Worker(const Worker&) = delete;
 
   void submit(std::unique_ptr<Request> request);
-  // Does it all on this thread, callbacks included.
+  // Processes the request on this thread, including its callbacks.
   void runHere(std::unique_ptr<Request> request);
 
-  // Waits for what the client has pending. False when the time was over first. A request that is calling back
-  // on this very thread is not waited for.
+  // Waits for the client's pending requests. Returns false on timeout. Does not wait for a request that is
+  // calling back on this very thread.
   bool drain(void* client, std::chrono::milliseconds limit);
-  // The same for every client.
+  // Like drain(), for every client.
   bool drainAll(std::chrono::milliseconds limit);
-  // From now on nothing that the client has pending calls back; what has not begun is dropped. Waits, for a
-  // bounded time, for a callback that is under way, because its target is about to go.
+  // From now on, no pending request of the client calls back; unstarted ones are dropped. Waits, for a
+  // limited time, for a running callback, because its target is about to be destroyed.
   void abandon(void* client);
   void abandonAll();
-  // Calls back at once, from a thread of their own, for the client's requests that have not begun and whose
-  // parameter set carries this "frame_flag". They are not worked on.
+  // Calls back immediately, from a separate thread, for the client's unstarted requests with this
+  // "frame_flag" in their parameter set. They are not processed.
   void abortQueued(void* client, int64_t frameFlag);
 
   int pending() const;
@@ -61,7 +61,7 @@ private:
   void abandonWhere(const Filter& filter);
 
   const std::function<void(Request&)> mWork;
-  mutable std::mutex mMutex;  // guards what follows, and the jobs but for their requests
+  mutable std::mutex mMutex;  // guards the members below, and the jobs except their requests
   std::condition_variable mChanged;
   std::list<JobPointer> mJobs;
   bool mStarted = false;

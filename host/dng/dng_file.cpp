@@ -15,14 +15,14 @@ constexpr int kTileLength = 323;
 constexpr int kTileOffsets = 324;
 constexpr int kShort = 3;
 constexpr unsigned kLittleEndian = 0x4949;
-// LibRaw takes no smaller sensor; none is larger.
+// LibRaw accepts no smaller sensor; no sensor exceeds the other limit.
 constexpr int kLeastSide = 22;
 constexpr int kLargestSide = 1 << 14;
-// LibRaw's number for a pattern of 6x6; those of Bayer patterns fill all 32 bits.
+// LibRaw numbers a 6x6 pattern below this; numbers of Bayer patterns fill all 32 bits.
 constexpr unsigned kLeastBayer = 1000;
-// The bytes that a sample takes at least: one bit in a JPEG.
+// At most eight samples per byte: a sample takes at least one bit in a JPEG.
 constexpr int64_t kSamplesPerByte = CHAR_BIT;
-// Two values that few samples have, to see which ones a decoder left alone.
+// Two values that are rare in samples; they show which samples a decoder did not write.
 constexpr uint16_t kFirstMark = 0xA5C3;
 constexpr uint16_t kSecondMark = 0x5A3C;
 
@@ -32,7 +32,7 @@ int64_t rowBytes(int width, int bits) {
 
 }  // namespace
 
-// What LibRaw would print of damage is counted by it, and told by problem().
+// LibRaw's damage messages are not printed; LibRaw counts them, and problem() reports them.
 DngFile::DngFile(const char* path)
     : LibRaw(LIBRAW_OPIONS_NO_MEMERR_CALLBACK | LIBRAW_OPIONS_NO_DATAERR_CALLBACK) {
   set_exifparser_handler(&DngFile::noteTag, this);
@@ -40,8 +40,8 @@ DngFile::DngFile(const char* path)
   if (findImage(status) && checkImage() && listBlocks()) checkBlocks();
 }
 
-// LibRaw calls it at a tag's value, and goes back there. Above the tag's own bits is the image's number, from
-// 1 on.
+// LibRaw calls this at a tag's value, and afterwards seeks back there. The bits above the tag's own hold the
+// image's number, starting with 1.
 void DngFile::noteTag(void* self, int tag, int type, int length, unsigned order, void*, INT64) {
   auto* const file = static_cast<DngFile*>(self);
   const int image = (tag >> 20) - 1;
@@ -92,7 +92,7 @@ bool DngFile::checkImage() {
     return fail(imgdata.idata.filters == LIBRAW_XTRANS ? "CFAPattern needs a Bayer mosaic, found one of 6x6"
                                                        : "CFAPattern needs a Bayer mosaic, found none");
   }
-  // LibRaw picks among several images by rules of its own.
+  // LibRaw has its own rules to pick one of several images.
   if (imgdata.sizes.raw_width == width() && imgdata.sizes.raw_height == height() &&
       libraw_internal_data.unpacker_data.data_offset == mImage->offset) {
     return true;
@@ -113,7 +113,7 @@ bool DngFile::listBlocks() {
     return fail("needs " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
   for (int top = 0; top < height(); top += blockHeight) {
-    // A tile at the lower edge holds padding, a last strip none.
+    // A tile at the lower edge has padding; a last strip has none.
     const int blockRows = isTiled() ? blockHeight : std::min(blockHeight, height() - top);
     for (int left = 0; left < width(); left += blockWidth) {
       mBlocks.push_back({blockOffset(mBlocks.size()), left, top, blockWidth, blockRows});
@@ -122,7 +122,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// LibRaw keeps the offsets of several strips, where those of several tiles lie, and else the offset itself.
+// LibRaw keeps the offsets of several strips. For several tiles, it keeps the position of the table of their
+// offsets; for a single block, its offset.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);
@@ -165,8 +166,9 @@ const uint16_t* DngFile::decode() {
   return mProblem.empty() ? imgdata.rawdata.raw_image : nullptr;
 }
 
-// Called by unpack(), which has the memory by now. LibRaw's own loop takes strips for one piece and knows no
-// tiles without compression; its decoders get one strip or tile at a time here, as if that were the image.
+// Called by unpack() after it has allocated the memory. LibRaw's own loop treats strips as one piece and does
+// not support uncompressed tiles. Here its decoders get one strip or tile at a time, as if that were the
+// image.
 void DngFile::decodeBlocks() {
   uint16_t* const image = imgdata.rawdata.raw_image;
   if (image == nullptr) return;
@@ -190,7 +192,8 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage makes a decoder stop without an error. What it left alone has the value from before, twice.
+// Some damage makes a decoder stop without an error. Decodes twice over different marks: samples that the
+// decoder did not write keep them.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

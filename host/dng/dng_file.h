@@ -10,25 +10,25 @@
 
 namespace orlu::host {
 
-// Takes files without compression and with lossless JPEG. The files are anybody's: every size is bounded by
-// the file's own before memory is taken, and a strip or tile that does not fill its place is an error.
+// Reads uncompressed files and lossless JPEG. Files are untrusted: every size is checked against the file's
+// size before memory is allocated, and a strip or tile that does not fill its area is an error.
 class DngFile : private LibRaw {
 public:
-  // Reads no more than the header. What is wrong with the file is in problem(), then nothing else is valid.
+  // Reads only the header. If problem() is not empty, nothing else is valid.
   explicit DngFile(const char* path);
 
-  // What is wrong with the file, in words; empty while nothing is known to be.
+  // Describes what is wrong with the file; empty if no problem is known.
   const std::string& problem() const { return mProblem; }
 
   // Samples in a row and rows, of the whole sensor: nothing is cropped.
   int width() const { return mImage->t_width; }
   int height() const { return mImage->t_height; }
 
-  // How many bits the white level takes; those of a sample in the file where it names no level.
+  // The bits of the white level; without a white level, those of a sample in the file.
   int bits() const;
 
-  // Decodes all samples, row by row without padding, as they are behind the file's own linearisation table.
-  // They live as long as this object. Null when there is a problem().
+  // Decodes all samples, row by row without padding, after the file's linearisation table. They are valid as
+  // long as this object. Returns null if there is a problem().
   const uint16_t* decode();
 
 private:
@@ -37,7 +37,7 @@ private:
     int left, top, width, height;  // in samples
   };
 
-  // What an image's header says of its tiles; LibRaw forgets it where there is one.
+  // The tile fields of an image's header. LibRaw does not keep them for a single tile.
   struct Tiling {
     int width = 0, height = 0, count = 0;
   };

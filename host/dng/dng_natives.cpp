@@ -13,14 +13,14 @@ namespace {
 
 constexpr char kIoException[] = "java/io/IOException";
 
-// Calls `use` with the file of this name; a problem with it, or what is thrown, becomes a Java exception.
+// Calls `use` with the file of this name. Problems and C++ exceptions become Java exceptions.
 template <typename Use>
 void withFile(JNIEnv* env, jbyteArray path, Use use) {
   try {
     const jsize length = env->GetArrayLength(path);
     std::string name(size_t(length), '\0');
     env->GetByteArrayRegion(path, 0, length, reinterpret_cast<jbyte*>(name.data()));
-    // Too large for a thread's stack.
+    // On the heap: too large for a thread's stack.
     const auto file = std::make_unique<orlu::host::DngFile>(name.c_str());
     if (file->problem().empty()) use(*file);
     if (!file->problem().empty()) orlu::host::throwNew(env, kIoException, file->problem().c_str());
@@ -31,7 +31,7 @@ void withFile(JNIEnv* env, jbyteArray path, Use use) {
   }
 }
 
-// Hands every row to put(int, short[]) of `to`, until that throws.
+// Passes every row to put(int, short[]) of `to`, until that throws.
 void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* samples, jobject to) {
   jclass clazz = env->GetObjectClass(to);
   const jmethodID put = env->GetMethodID(clazz, "put", "(I[S)V");
@@ -47,7 +47,7 @@ void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* sampl
 
 #define DNG_FILE(method) Java_com_orlu_orlu3rdalgoservice_tool_imagefile_DngFile_##method
 
-// Width, height and bits; null with an IOException.
+// Returns width, height and bits; null with an IOException.
 extern "C" JNIEXPORT jintArray JNICALL DNG_FILE(nDescribe)(JNIEnv* env, jclass, jbyteArray path) {
   jintArray described = nullptr;
   withFile(env, path, [env, &described](const orlu::host::DngFile& file) {

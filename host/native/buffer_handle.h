@@ -3,7 +3,7 @@
 
 namespace orlu::host {
 
-constexpr int kAttributesWord = 0;  // a memory file of no meaning here
-constexpr int kPixelsWord = 1;      // the memory file that holds the pixels
+constexpr int kAttributesWord = 0;  // a memory file that nothing here reads
+constexpr int kPixelsWord = 1;      // the memory file with the pixels
 
 }  // namespace orlu::host

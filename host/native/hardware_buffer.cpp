@@ -22,10 +22,10 @@ namespace {
 constexpr int kDescriptors = 2;
 constexpr int kIntegers = 4;
 constexpr off_t kAttributesSize = 4096;
-// Sizes and strides cross as 32-bit integers.
+// Sizes and strides are passed as 32-bit integers.
 constexpr uint64_t kMaxBytes = std::numeric_limits<int32_t>::max();
 
-// Bytes of a row of the first plane; 0 for a format that is not known.
+// Returns the bytes of a row of the first plane; 0 for an unknown format.
 uint64_t rowBytes(const AHardwareBuffer_Desc& desc) {
   switch (desc.format) {
     case AHARDWAREBUFFER_FORMAT_R8G8B8A8_UNORM:
@@ -40,7 +40,7 @@ uint64_t rowBytes(const AHardwareBuffer_Desc& desc) {
   }
 }
 
-// Bytes of all planes; 0 when they can't be had.
+// Returns the bytes of all planes; 0 if the buffer is not supported.
 uint64_t pixelBytes(const AHardwareBuffer_Desc& desc) {
   const uint64_t row = rowBytes(desc);
   if (row == 0 || desc.height > kMaxBytes / row) return 0;
@@ -56,7 +56,7 @@ bool isAllocatable(const AHardwareBuffer_Desc& desc) {
   return desc.layers == 1 && (!isBlob || desc.height == 1) && pixelBytes(desc) > 0;
 }
 
-// A memory file of this size, or a negative errno.
+// Returns a memory file of this size, or a negative errno.
 int memoryFile(const char* name, off_t size) {
   const int fd = memfd_create(name, MFD_CLOEXEC);
   if (fd < 0) return -errno;
@@ -66,7 +66,7 @@ int memoryFile(const char* name, off_t size) {
   return -error;
 }
 
-// The handle of a new buffer, which takes the descriptors over; null when there is no memory for it.
+// Returns the handle of a new buffer, which takes ownership of the descriptors; null if out of memory.
 native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, int pixels) {
   native_handle_t* const handle = native_handle_create(kDescriptors, kIntegers);
   if (handle == nullptr) return nullptr;

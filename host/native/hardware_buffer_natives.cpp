@@ -15,7 +15,7 @@ AHardwareBuffer* bufferOf(jlong address) {
 
 }  // namespace
 
-// The buffer's address; 0 when it can't be made.
+// Returns the buffer's address; 0 on failure.
 extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nCreate(JNIEnv*, jclass, jint width,
                                                                                 jint height, jint format,
                                                                                 jint layers, jlong usage) {
@@ -30,8 +30,8 @@ extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nCreate(
   return static_cast<jlong>(reinterpret_cast<uintptr_t>(buffer));
 }
 
-// A buffer around a handle of `words` in which the first `numFds` are descriptors, which it takes over; 0
-// when it can't be made. The counts are kept as they are told.
+// Creates a buffer around a handle of `words` and takes ownership of the first `numFds` words, which are
+// descriptors. Returns 0 on failure. Keeps the counts as passed.
 extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nFromHandle(JNIEnv* env, jclass,
                                                                                     jint width, jint height,
                                                                                     jint format, jint numFds,
@@ -56,7 +56,7 @@ extern "C" JNIEXPORT void JNICALL Java_android_hardware_HardwareBuffer_nRelease(
   AHardwareBuffer_release(bufferOf(address));
 }
 
-// Width, height and format.
+// Returns width, height and format.
 extern "C" JNIEXPORT jintArray JNICALL Java_android_hardware_HardwareBuffer_nDescribe(JNIEnv* env, jclass,
                                                                                       jlong address) {
   AHardwareBuffer_Desc desc = {};
@@ -68,7 +68,7 @@ extern "C" JNIEXPORT jintArray JNICALL Java_android_hardware_HardwareBuffer_nDes
   return array;
 }
 
-// The pixels as a direct buffer; null when they can't be mapped. SharedMemory.unmap() ends the mapping.
+// Returns the pixels as a direct buffer; null if they can't be mapped. SharedMemory.unmap() ends the mapping.
 extern "C" JNIEXPORT jobject JNICALL Java_android_hardware_HardwareBuffer_nMapPixels(JNIEnv* env, jclass,
                                                                                      jlong address) {
   const native_handle_t* handle = AHardwareBuffer_getNativeHandle(bufferOf(address));

@@ -1,6 +1,6 @@
-// liblog.so: lines in logcat's "threadtime" format on standard error. Where ORLU_LOG_FILE names a file, every
-// line is appended to that as well, whatever ANDROID_LOG_TAGS says: time (nanoseconds of CLOCK_MONOTONIC),
-// thread, priority's letter, tag and text, with tabs between them.
+// liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
+// every line is also appended to it, whatever ANDROID_LOG_TAGS says: time (nanoseconds of CLOCK_MONOTONIC),
+// thread, priority letter, tag and text, separated by tabs.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -21,7 +21,7 @@
 
 namespace {
 
-// As on the device: what is longer is cut.
+// As on the device: longer lines are truncated.
 constexpr size_t kLineSize = 1024;
 
 // By priority.
@@ -33,8 +33,8 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// What ANDROID_LOG_TAGS says: "TAG:D OTHER:E *:S", a tag's least priority or, by "*", that of all others. A
-// tag alone shows all its lines.
+// The contents of ANDROID_LOG_TAGS: "TAG:D OTHER:E *:S" gives a tag's minimum priority, or with "*" that of
+// all others. A tag without a priority shows all its lines.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;
@@ -70,7 +70,7 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// The file that is kept beside what is shown; -1 for none. Open until the process ends.
+// The file for all lines; -1 if there is none. Open until the process ends.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;
@@ -82,7 +82,7 @@ int logFile() {
   return file;
 }
 
-// One write for a line, so that lines of several threads don't mix. A text of several lines becomes one.
+// Uses one write per line, so that lines of several threads don't mix. Joins a text of several lines.
 void keep(int priority, const char* tag, const char* text) {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);

@@ -26,7 +26,7 @@ struct Properties {
   }
 };
 
-// Never destroyed: threads may ask for properties until the process ends.
+// Never destroyed: threads may read properties until the process ends.
 Properties& properties() {
   static auto* const instance = new Properties();
   return *instance;

@@ -30,7 +30,7 @@ std::string textOf(JNIEnv* env, jstring string) {
 
 }  // namespace
 
-// A descriptor, or a negative errno.
+// Returns a descriptor or a negative errno.
 extern "C" JNIEXPORT jint JNICALL Java_android_os_SharedMemory_nCreate(JNIEnv* env, jclass, jstring name,
                                                                        jint size) {
   return ASharedMemory_create(textOf(env, name).c_str(), static_cast<size_t>(size));
@@ -40,7 +40,7 @@ extern "C" JNIEXPORT void JNICALL Java_android_os_SharedMemory_nClose(JNIEnv*, j
   close(fd);
 }
 
-// The memory behind the descriptor as a direct buffer. Throws ErrnoException when it can't be mapped.
+// Returns the descriptor's memory as a direct buffer. Throws ErrnoException if it can't be mapped.
 extern "C" JNIEXPORT jobject JNICALL Java_android_os_SharedMemory_nMap(JNIEnv* env, jclass, jint fd,
                                                                        jint size, jboolean writable) {
   void* const address = mmap(nullptr, static_cast<size_t>(size),

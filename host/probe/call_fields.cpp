@@ -10,7 +10,7 @@ namespace {
 
 using android::hardware::hidl_handle;
 
-// More words than that are no handle.
+// A handle with more words is invalid.
 constexpr int kMostHandleWords = 1024;
 
 std::string_view orEmpty(const char* text) {
@@ -154,7 +154,7 @@ void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end)
       return;
   }
   if (call.value == nullptr || !call.value->isFilledIn) return;
-  // What a visitor refused may not be there at all.
+  // A value that a visitor refused may not exist.
   if (call.of != 0 && end.number != 0) return;
   line.bytes("bytes", call.value->data, call.value->size);
 }

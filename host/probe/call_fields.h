@@ -1,4 +1,4 @@
-// What an event says of a call: docs/events.md lists it.
+// The fields of a call's events; docs/events.md lists them.
 #pragma once
 
 #include "event_line.h"
@@ -6,9 +6,9 @@
 
 namespace orlu::probe {
 
-// What was handed in.
+// The arguments.
 void addInputs(EventLine& line, const WatchedCall& call);
-// How long it took and what came back.
+// The duration and the results.
 void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end);
 
 }  // namespace orlu::probe

@@ -1,4 +1,4 @@
-// Where a call into the probe came from.
+// The origin of a call into the probe.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +10,20 @@
 
 namespace orlu::probe {
 
-// A loaded library or program, and where it lies.
+// A loaded library or program and its addresses.
 struct Module {
   std::string path;
   std::string name;        // the path's last part
-  uintptr_t loadedAt = 0;  // what is subtracted from an address for addr2line
+  uintptr_t loadedAt = 0;  // addr2line takes addresses relative to this
   uintptr_t begin = 0;
   uintptr_t end = 0;
 };
 
-// The modules of this process by address. They are read again when an address lies in none; one that was
-// unloaded stays known until then.
+// The modules of this process by address. They are read again if an address is in none of them; until then,
+// an unloaded module stays listed.
 class ModuleTable {
 public:
-  // Null for an address outside of all. Lives as long as the process.
+  // Returns null for an address in no module. The module is valid until the process ends.
   const Module* find(uintptr_t address);
 
 private:
@@ -35,7 +35,7 @@ private:
 };
 
 // The calling library's part of the stack, innermost first: addresses inside the call instructions. The
-// probe's own frames are left out, and the walk ends where another module begins.
+// probe's own frames are omitted, and the walk ends at the next module.
 struct CallSite {
   static constexpr int kMostFrames = 12;
 

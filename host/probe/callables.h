@@ -1,11 +1,11 @@
-// The callables of an algorithm library's table by their names.
+// Names of the callables in an algorithm library's table.
 #pragma once
 
 #include "algo_interface.h"
 
 namespace orlu::probe {
 
-// Calls visit(name, callable) for each that the library ought to offer, in the order of the table.
+// Calls visit(name, callable) for each callable that the library should offer, in the order of the table.
 template <typename Table, typename Visit>
 void forEachCallable(Table& table, Visit visit) {
   auto& ops = table.metadataOps;

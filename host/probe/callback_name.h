@@ -1,4 +1,4 @@
-// What the bytes of a callback say of it.
+// The header fields of a callback's bytes.
 #pragma once
 
 #include <cstring>
@@ -9,9 +9,9 @@
 namespace orlu::probe {
 
 struct CallbackName {
-  bool isWhole = false;  // whether there is a name; else the rest is empty
+  bool isWhole = false;  // false: the name is missing and the rest is empty
   uint64_t nativeReq = 0;
-  std::string_view name;  // in the bytes
+  std::string_view name;  // refers to the callback's bytes
 };
 
 inline CallbackName callbackName(const android::hardware::hidl_vec<uint8_t>& bytes) {

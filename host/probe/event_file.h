@@ -1,5 +1,5 @@
-// The file that events are appended to: one write for each line, so that several processes and languages can
-// share it and nothing is lost when the process ends.
+// The file that events are appended to, with one write per line. So several processes and languages can share
+// it, and nothing is lost when the process ends.
 #pragma once
 
 #include <atomic>
@@ -10,18 +10,18 @@ namespace orlu::probe {
 
 class EventFile {
 public:
-  // Looks at ORLU_EVENTS: true when from now on another file is written than before. A file that can't be
-  // opened counts as none, and is named on standard error.
+  // Reads ORLU_EVENTS. Returns true if later lines go to a different file than before. A file that can't be
+  // opened counts as none and is reported on standard error.
   bool open();
 
   bool isOn() const { return mDescriptor >= 0; }
-  // A line that can't be written whole is lost.
+  // A line that can't be written completely is lost.
   void write(const std::string& line) const;
 
 private:
   std::mutex mMutex;
   std::string mPath;
-  // Never closed, since another thread may be writing into it.
+  // Never closed: another thread may be writing to it.
   std::atomic<int> mDescriptor{-1};
 };
 

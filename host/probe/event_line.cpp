@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kDigits[] = "0123456789abcdef";
 
-// Asked for once a thread: the kernel's answer never changes.
+// Read once per thread: the value never changes.
 int64_t threadNumber() {
   static thread_local const int64_t number = syscall(SYS_gettid);
   return number;
@@ -31,7 +31,7 @@ void append(std::string& text, Number value, int base = 10) {
   text.append(digits, std::to_chars(digits, digits + sizeof digits, value, base).ptr);
 }
 
-// Stands for itself in a JSON text.
+// True if the character needs no escape in JSON.
 bool isPlain(char character) {
   return character >= 0x20 && character < 0x7F && character != '"' && character != '\\';
 }
@@ -40,7 +40,7 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// How many bytes the UTF-8 character at the beginning of the text has; 0 when there is none.
+// Returns the length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
 size_t characterLength(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
   if (first < 0x80) return 1;
@@ -166,7 +166,7 @@ const std::string& EventLine::finish() {
   return mText;
 }
 
-// A comma where something stands before, and the field's name.
+// Writes a comma if needed, and the field's name.
 void EventLine::begin(const char* name) {
   const char last = mText.back();
   if (last != '{' && last != '[') mText += ',';

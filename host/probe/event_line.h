@@ -1,4 +1,4 @@
-// One event as a line of JSON: fields are added in order, and the line is closed when it is written.
+// One event as a line of JSON: fields are added in order; finish() closes the line.
 #pragma once
 
 #include <cstdint>
@@ -8,29 +8,29 @@
 
 namespace orlu::probe {
 
-// The text as JSON has it, in quotes; bytes that are no UTF-8 become U+FFFD.
+// Returns the text as a quoted JSON string; invalid UTF-8 becomes U+FFFD.
 std::string quoted(std::string_view value);
 
 class EventLine {
 public:
-  // An event that happens now, on this thread.
+  // An event at the current time on this thread.
   explicit EventLine(const char* event);
 
-  // The number and name of a call.
+  // Adds the number and name of a call.
   EventLine& call(uint64_t number, const char* operation);
   EventLine& number(const char* name, int64_t value);
-  // An address, a handle or a 64-bit id: "0x7f12". Inside a list there is no name.
+  // An address, a handle or a 64-bit id: "0x7f12". Elements of a list have no name.
   EventLine& hex(const char* name, uint64_t value);
   EventLine& hex(const char* name, const void* value) {
     return hex(name, reinterpret_cast<uintptr_t>(value));
   }
-  // Bytes that are no UTF-8 become U+FFFD.
+  // Invalid UTF-8 becomes U+FFFD.
   EventLine& text(const char* name, std::string_view value);
   EventLine& texts(const char* name, const std::vector<std::string>& values);
   EventLine& numbers(const char* name, const int32_t* values, int count);
-  // At most kMostBytes of them; null: no field.
+  // Adds at most kMostBytes bytes; adds no field for null.
   EventLine& bytes(const char* name, const void* data, size_t size);
-  // true, false, or null when it is not known.
+  // true, false, or null if unknown.
   EventLine& answer(const char* name, bool known, bool value);
   EventLine& null(const char* name);
 
@@ -38,13 +38,13 @@ public:
   EventLine& place(std::string_view name, uint64_t offset);
 
   // A list of objects: beginList, then beginObject and endObject for each, then endList. An object that is
-  // the value of a field has its name.
+  // the value of a field has a name.
   EventLine& beginList(const char* name);
   EventLine& endList() { return close(']'); }
   EventLine& beginObject(const char* name = nullptr);
   EventLine& endObject() { return close('}'); }
 
-  // The whole line with its end; nothing can be added then.
+  // Closes and returns the line; nothing can be added afterwards.
   const std::string& finish();
 
   static constexpr size_t kMostBytes = size_t{1} << 20;

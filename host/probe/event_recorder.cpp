@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kVersion = 1;
 
-// What is written between a caller and the library must not show in errno.
+// Restores errno, which the probe's writes must not change between a caller and the library.
 class ErrnoKeeper {
 public:
   ErrnoKeeper() : mErrno(errno) {}
@@ -76,7 +76,7 @@ void EventRecorder::before(const WatchedCall& call) noexcept {
     addCallSite(line);
     mFile.write(line.finish());
   } catch (...) {
-    // Without memory there is no event.
+    // Out of memory: the event is dropped.
   }
 }
 
@@ -90,7 +90,7 @@ void EventRecorder::after(const WatchedCall& call, const WatchedEnd& end) noexce
     mFile.write(line.finish());
     mPixels.after(call, end);
   } catch (...) {
-    // As above.
+    // Likewise.
   }
 }
 

@@ -1,4 +1,4 @@
-// Writes every call through a watched table as two events, one before and one after it.
+// Writes two events for every call through a watched table: one before and one after it.
 #pragma once
 
 #include <mutex>
@@ -15,12 +15,12 @@ namespace orlu::probe {
 
 class EventRecorder final : public TableObserver {
 public:
-  // Looks at the environment, and writes the header when another file than before is written from now on.
+  // Reads the environment, and writes the header if a different file is used from now on.
   void open();
 
-  // Finds and opens the real library for a caller of the entry, as one operation.
+  // Finds and opens the real library for a caller of the entry; recorded as one operation.
   RealLibrary load(const void* caller);
-  // What the table offers that this call of the entry filled in.
+  // Records which callables the table offers that this call of the entry filled in.
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
 
   void before(const WatchedCall& call) noexcept override;
@@ -33,7 +33,7 @@ private:
   EventFile mFile;
   PixelRecorder mPixels{mFile};
   ModuleTable mModules;
-  std::mutex mMutex;  // guards the next
+  std::mutex mMutex;  // guards mIntroduced
   std::set<const Module*> mIntroduced;
 };
 

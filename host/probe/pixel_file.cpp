@@ -16,7 +16,7 @@
 namespace orlu::probe {
 namespace {
 
-// Mapped at a time: a 32-bit process has no address space for several large images.
+// Bytes mapped at a time: a 32-bit process lacks address space for several large images.
 constexpr uint64_t kWindow = uint64_t{16} << 20;
 constexpr size_t kReadBack = size_t{64} << 10;
 
@@ -24,15 +24,16 @@ std::string errorText() {
   return std::generic_category().message(errno);
 }
 
-// Tells the kernel that the processor reads a hardware buffer, as locking it does. Other memory needs none.
+// Tells the kernel that the processor reads a hardware buffer, as locking it does. Other memory needs no such
+// call.
 void synchronise(int fd, uint64_t edge) {
   dma_buf_sync sync = {};
   sync.flags = DMA_BUF_SYNC_READ | edge;
   ioctl(fd, DMA_BUF_IOCTL_SYNC, &sync);
 }
 
-// The kernel reads the mapped memory. Where a page of it is gone, it returns an error; a copy of ours would
-// end the process.
+// Lets the kernel read the mapped memory. If a page has disappeared, write() returns an error; reading it
+// here would kill the process.
 bool writeAll(int file, const uint8_t* memory, uint64_t size) {
   while (size > 0) {
     const ssize_t written = write(file, memory, static_cast<size_t>(size));
@@ -44,7 +45,7 @@ bool writeAll(int file, const uint8_t* memory, uint64_t size) {
   return true;
 }
 
-// "" when all was copied.
+// Returns "" if everything was copied.
 std::string copyMemory(int fd, uint64_t size, int file) {
   for (uint64_t done = 0; done < size;) {
     const uint64_t window = std::min(kWindow, size - done);
@@ -71,7 +72,7 @@ std::array<uint32_t, 256> crcTable() {
   return table;
 }
 
-// Of what the file holds, so that memory which others write into meanwhile has the check of what was kept.
+// Computes the CRC from the file, because others may still be writing to the memory.
 uint32_t crcOf(int file) {
   static const std::array<uint32_t, 256> table = crcTable();
   std::vector<uint8_t> buffer(kReadBack);
@@ -91,7 +92,7 @@ uint64_t memorySize(int fd) {
   struct stat status = {};
   if (fd < 0 || fstat(fd, &status) != 0) return 0;
   if (status.st_size > 0) return static_cast<uint64_t>(status.st_size);
-  // Older kernels know the size of a hardware buffer, and of shared memory, by its end alone.
+  // Older kernels report the size of hardware buffers and shared memory only through lseek().
   if (S_ISREG(status.st_mode)) return 0;
   const off_t before = lseek(fd, 0, SEEK_CUR);
   const off_t end = lseek(fd, 0, SEEK_END);

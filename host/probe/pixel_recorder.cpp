@@ -20,7 +20,7 @@ namespace orlu::probe {
 namespace {
 
 constexpr uint64_t kUsualBytes = uint64_t{1} << 30;
-// Requests that a library never calls back for are not kept open for good.
+// Limits the requests that are kept open, because a library may never call back for some.
 constexpr size_t kMostRequests = 16;
 
 std::string crcText(uint32_t crc) {
@@ -56,7 +56,7 @@ void PixelRecorder::before(const WatchedCall& call) {
 
 void PixelRecorder::after(const WatchedCall& call, const WatchedEnd& end) {
   const std::lock_guard<std::mutex> lock(mMutex);
-  // A request that the library refused is not called back.
+  // The library sends no callback for a request that it refused.
   const bool isRefused = end.kind != WatchedEnd::kNumber || end.number != 0;
   if (call.process != nullptr && isRefused) forget(ofProcess(call.number));
   if (call.client != nullptr) forget([&](const Request& request) { return request.client == *call.client; });
@@ -114,7 +114,7 @@ void PixelRecorder::keep(const Place& place, int fd, int32_t size) {
   mEvents.write(line.finish());
 }
 
-// Files that somebody took away make room for others.
+// Removed files free space for others.
 uint64_t PixelRecorder::bytesLeft() {
   mFiles.erase(std::remove_if(mFiles.begin(), mFiles.end(),
                               [](const File& file) { return access(file.path.c_str(), F_OK) != 0; }),
@@ -124,7 +124,7 @@ uint64_t PixelRecorder::bytesLeft() {
   return left;
 }
 
-// Closes the descriptors of those requests.
+// Closes the descriptors of the matching requests.
 template <typename Which>
 void PixelRecorder::forget(Which which) {
   for (auto request = mRequests.begin(); request != mRequests.end();) {

@@ -1,5 +1,5 @@
-// Keeps the pixels of requests, as the algorithm library sees them: the inputs when it gets them, the outputs
-// when it calls back.
+// Stores the pixels of requests as the algorithm library sees them: the inputs when it receives them, the
+// outputs when it calls back.
 #pragma once
 
 #include <cstdint>
@@ -15,19 +15,18 @@ namespace orlu::probe {
 
 class PixelRecorder {
 public:
-  // Names of the files that it writes go into the events.
+  // Writes the names of its files into the events.
   explicit PixelRecorder(const EventFile& events) : mEvents(events) {}
 
-  // Looks at ORLU_PIXELS, the folder, which is made when it is not there, and at ORLU_PIXELS_BYTES: what the
-  // files that were written by this process and are still there have at most. Without a folder nothing is
-  // kept.
+  // Reads ORLU_PIXELS, a folder that is created if missing, and ORLU_PIXELS_BYTES, the limit for all files
+  // that this process wrote and that still exist. Without a folder nothing is stored.
   void open();
 
   void before(const WatchedCall& call);
   void after(const WatchedCall& call, const WatchedEnd& end);
 
 private:
-  // An output of a request that has not called back: the caller may close its own descriptor meanwhile.
+  // An output of a request that has not called back. The caller may close its own descriptor meanwhile.
   struct Output {
     int fd;  // ours
     int32_t size;
@@ -44,7 +43,7 @@ private:
     std::string path;
     uint64_t size;
   };
-  // Whose image it is: one of `call`, which is the process or the callback of a request.
+  // Identifies an image of `call`, which is the process or the callback of a request.
   struct Place {
     const WatchedCall& call;
     uint64_t reqId;
@@ -60,7 +59,7 @@ private:
   void forget(Which which);
 
   const EventFile& mEvents;
-  std::mutex mMutex;  // guards the rest
+  std::mutex mMutex;  // guards the members below
   std::string mFolder;
   uint64_t mMostBytes = 0;
   std::deque<Request> mRequests;

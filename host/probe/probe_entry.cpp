@@ -1,4 +1,4 @@
-// The probe's one export: the entry of the algorithm library that it was put before.
+// The probe's only export: the entry of the algorithm library behind it.
 #include "event_recorder.h"
 
 namespace orlu::probe {
@@ -23,7 +23,7 @@ public:
   }
 
 private:
-  // Tried again for every table until it is there, as the loader would.
+  // Tried for every table until it succeeds, as the loader would.
   RealLibrary::Entry realEntry(const void* caller) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mEntry == nullptr) mEntry = mRecorder.load(caller).entry;

@@ -13,7 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The maker's library where it made way for the probe: a phone's loader looks into one folder of its name.
+// The new name of the maker's library if the probe took its place: a phone's loader searches only one folder
+// for the original name.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
@@ -29,7 +30,7 @@ bool areSameFile(const std::string& left, const std::string& right) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-// The loader separates folders by either sign, and an empty one is the current folder.
+// The loader accepts both separators; an empty folder means the current one.
 std::vector<std::string> foldersOf(const char* list) {
   std::vector<std::string> folders;
   if (list == nullptr || *list == '\0') return folders;
@@ -46,8 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// The next library under the probe's own name. The loader can't be asked, since it returns what is loaded
-// under that name already: the probe.
+// Finds the next library with the probe's own name. dlopen() can't: it returns the library that is loaded
+// under that name already, the probe.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

@@ -1,4 +1,4 @@
-// The algorithm library that the probe was put before.
+// The algorithm library behind the probe.
 #pragma once
 
 #include <string>
@@ -10,21 +10,22 @@ namespace orlu::probe {
 struct RealLibrary {
   using Entry = void (*)(AlgoInterfaceCallbacks*);
 
-  Entry entry = nullptr;   // null when it could not be opened
-  const char* stage = "";  // what failed then: "open" or "entry"
-  std::string error;       // the loader's own words
+  Entry entry = nullptr;   // null on failure
+  const char* stage = "";  // the step that failed: "open" or "entry"
+  std::string error;       // the loader's message
 };
 
-// The library that ORLU_ALGO_LIBRARY names, else liborlu.vac.interface.real.so beside the probe, else the
-// next one under the device's name: in the folders of LD_LIBRARY_PATH, beside the library that holds the
-// address `caller`, in the folder lib beside the probe's own, and in those of the system. "" when there is
-// none.
+// Returns the path in ORLU_ALGO_LIBRARY, else liborlu.vac.interface.real.so beside the probe, else the next
+// library with the device's name. That one is searched in the folders of LD_LIBRARY_PATH, beside the library
+// that contains the address `caller`, in the folder lib beside the probe's own, and in the system's folders.
+// Returns "" if nothing was found.
 std::string findRealLibrary(const void* caller);
 
-// Opens it and looks its entry up. It is never closed, since its callables and threads run until the end.
+// Opens the library and looks up its entry. Never closes it: its callables and threads run until the process
+// ends.
 RealLibrary openRealLibrary(const std::string& path);
 
-// The file that holds this address; "" when none is known.
+// Returns the file that contains this address; "" if unknown.
 std::string fileOf(const void* address);
 
 }  // namespace orlu::probe

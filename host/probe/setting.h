@@ -1,16 +1,16 @@
-// What the probe is told: by environment variables, and on a phone, where a service has none, by system
-// properties.
+// The probe's settings: environment variables, and system properties on a phone, where a service has no
+// environment of its own.
 #pragma once
 
 #include <string>
 
 namespace orlu::probe {
 
-// The value of the variable `name`, which begins with "ORLU_", else on a phone that of its property; "" when
-// neither is set.
+// Returns the value of the variable `name`, which begins with "ORLU_"; on a phone otherwise that of its
+// property; "" if neither is set.
 std::string setting(const char* name);
 
-// "ORLU_PIXELS_BYTES" has the property "persist.vendor.orlu.pixels_bytes".
+// Returns the property of a variable: "persist.vendor.orlu.pixels_bytes" for "ORLU_PIXELS_BYTES".
 std::string propertyOf(const std::string& name);
 
 }  // namespace orlu::probe

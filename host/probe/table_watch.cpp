@@ -30,7 +30,7 @@ int64_t nanosecondsSince(Clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
 }
 
-// The type of the exception that is being handled; "" for one that is foreign to C++.
+// Returns the type of the current exception; "" for a non-C++ exception.
 std::string thrownType() {
   const std::type_info* const type = abi::__cxa_current_exception_type();
   if (type == nullptr) return {};
@@ -65,7 +65,7 @@ WatchedEnd endOf(void* handle) {
   return end;
 }
 
-// Makes the call; an exception is only looked at.
+// Makes the call; exceptions are recorded and passed on.
 template <typename Body>
 auto guarded(TableObserver& observer, const WatchedCall& call, Clock::time_point start, Body&& body) {
   try {
@@ -98,7 +98,7 @@ auto watched(TableObserver& observer, const WatchedCall& call, Body&& body) {
   }
 }
 
-// One function for each cookie that was handed over.
+// Keeps one function for each cookie.
 class CookieBook {
 public:
   static CookieBook& instance() {
@@ -106,7 +106,7 @@ public:
     return *book;
   }
 
-  // What the library gets for this cookie. Nothing stands behind 0, and an empty function stays empty.
+  // Returns the library's replacement for this cookie. 0 stays 0, and an empty function stays empty.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;
@@ -219,7 +219,7 @@ private:
   TableObserver& mObserver;
 };
 
-// Notes the only argument in this field of the call.
+// Records the only argument in this field of the call.
 template <typename Field>
 auto noteIn(Field WatchedCall::*field) {
   return [field](WatchedCall& call, const auto& argument) { call.*field = &argument; };

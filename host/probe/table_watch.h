@@ -1,6 +1,6 @@
-// Puts an observer between a caller and the table of an algorithm library: every callable, the function
-// behind a cookie and every visitor is replaced by one that notes the call, makes it, and notes what came
-// back. Nothing that passes is changed: an empty callable stays empty, an exception travels on.
+// Puts an observer between a caller and the table of an algorithm library. Every callable, every callback
+// function and every visitor is replaced by one that records the call, makes it, and records the result.
+// Nothing is changed: an empty callable stays empty, and exceptions are passed on.
 #pragma once
 
 #include <cstdint>
@@ -12,29 +12,29 @@
 
 namespace orlu::probe {
 
-// A value that is set, got or visited; raw metadata has neither section nor key.
+// A value of setValue, getValue, setRaw or a visit; raw metadata has neither section nor key.
 struct ValueArguments {
   const char* section;
   const char* key;
   const void* data;
-  unsigned size;    // bytes behind data
-  bool isFilledIn;  // the call fills the data in, rather than taking it
+  unsigned size;    // bytes of data
+  bool isFilledIn;  // the call fills in the data instead of reading it
 };
 
-// What the library calls back with.
+// The arguments of a callback.
 struct CallbackArguments {
-  uint64_t cookie;  // the one that the caller of process() handed over
+  uint64_t cookie;  // the one that the caller passed to process()
   const android::hardware::hidl_vec<uint8_t>& data;
   const android::hardware::hidl_vec<uint8_t>& extra;
   const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles;
 };
 
-// One call, as it was made. Everything in it is the caller's and lives for the call; what the operation does
-// not have is null.
+// One call and its arguments. Everything in it belongs to the caller and is valid only during the call;
+// arguments that the operation lacks are null.
 struct WatchedCall {
   const char* operation = "";  // the name of the callable, or "callback", "visit"
   uint64_t number = 0;         // counts the calls of this process, from 1
-  uint64_t of = 0;  // visit: the call that it belongs to; callback: the last process with its cookie
+  uint64_t of = 0;             // visit: the enclosing call; callback: the last process with its cookie
 
   const AlgoCreateClientRecord* createClient = nullptr;
   const AlgoInitRecord* init = nullptr;
@@ -51,7 +51,7 @@ struct WatchedCall {
   void* const* block = nullptr;
 };
 
-// How a call ended.
+// The result of a call.
 struct WatchedEnd {
   enum Kind { kNothing, kNumber, kHandle, kThrew };
 
@@ -63,8 +63,8 @@ struct WatchedEnd {
   int64_t nanoseconds = 0;
 };
 
-// Called on the thread of each call, from several at a time. It must not throw, and outlives every table and
-// every cookie: it is never destroyed.
+// Called on the thread of each call, by several threads at a time. Must not throw. Never destroyed, so it
+// outlives every table and every cookie.
 class TableObserver {
 public:
   virtual void before(const WatchedCall& call) noexcept = 0;
@@ -74,20 +74,20 @@ protected:
   ~TableObserver() = default;
 };
 
-// A table whose callables report to the observer and call those of `real`, which it holds copies of.
+// Returns a table that reports to the observer and calls the callables of `real`, of which it holds copies.
 //
-// The cookie that the library gets in place of the caller's is the address of a function of our own, one for
-// each cookie, and never freed: a library may call back late, and the caller's function decides what becomes
-// of that.
+// The library gets a different cookie than the caller's: the address of a function of our own, one per
+// cookie, never freed. A library may call back late, and the caller's function then decides what happens.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
-// Makes a call of the library's that is in no table, and reports it likewise. Returns its number.
+// Makes and reports a call of the library that is in no table. Returns its number.
 uint64_t watchCall(TableObserver& observer, const char* operation, const std::function<void()>& body);
 
-// The number of a call that begins now.
+// Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Names of the callables that a table leaves empty (`offered` false) or not, in the order of the table.
+// Returns the names of the callables that a table offers, or with `offered` false leaves empty, in the order
+// of the table.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

@@ -1,5 +1,4 @@
-// The table of an algorithm library that answers at once and keeps nothing, for the trials and the
-// benchmarks.
+// The table of an algorithm library that answers at once and stores nothing, for trials and benchmarks.
 #pragma once
 
 #include <cstring>
@@ -8,7 +7,8 @@
 
 namespace orlu::trial {
 
-// Fills every callable but process(). `token` is every client and block; nothing is ever kept behind it.
+// Fills in every callable except process(). `token` is the handle of every client and block; nothing is
+// stored in it.
 inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   table.init = [](const AlgoInitRecord&) { return 0; };
   table.uninit = [](const AlgoUninitRecord&) { return 0; };
@@ -27,8 +27,7 @@ inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
 }
 
-// Calls the result callback behind the cookie on this thread: the request is done. Takes nothing from the
-// heap.
+// Calls the result callback of the cookie on this thread: the request is finished. Allocates no memory.
 inline void callBackDone(uint64_t cookie, uint64_t nativeReq) {
   constexpr size_t kNameLength = sizeof kShotCallback - 1;
   CallbackHeader header = {};

@@ -1,5 +1,5 @@
-// An algorithm library for trials: process() calls back before it returns, and what a request handed over
-// until then is one record of bytes that Java takes. One request at a time, on one thread.
+// An algorithm library for trials: process() calls back before it returns. Everything that a request passed
+// in until then becomes one record of bytes for Java. One request at a time, on one thread.
 
 #include <jni.h>
 
@@ -12,10 +12,10 @@
 namespace orlu::trial {
 namespace {
 
-int gToken = 0;  // its address is every client and block
+int gToken = 0;  // its address is the handle of every client and block
 
-// The record: section, key and value of each write, each as a 32-bit length in the machine's order and so
-// many bytes. The algorithm list has the section "", and a write for the list and for each name.
+// The record: section, key and value of each write, each as a 32-bit length in native byte order followed by
+// its bytes. The algorithm list has the section "", with one write for the list and one for each name.
 std::vector<uint8_t> gRecord;
 
 void append(const void* bytes, size_t size) {
@@ -55,7 +55,7 @@ EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
   table->metadataOps.setValue = orlu::trial::setValue;
 }
 
-// TrialLibrary.take(): the record since the last call; null when the VM has no memory for it.
+// TrialLibrary.take(): returns the record since the last call; null if the VM has no memory for it.
 EXPORTED JNIEXPORT jbyteArray JNICALL
 Java_com_orlu_orlu3rdalgoservice_tool_explain_TrialLibrary_take(JNIEnv* env, jclass /*clazz*/) {
   std::vector<uint8_t>& record = orlu::trial::gRecord;

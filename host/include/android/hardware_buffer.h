@@ -29,9 +29,9 @@ typedef struct AHardwareBuffer_Desc {
 
 typedef struct AHardwareBuffer AHardwareBuffer;
 
-// Makes a buffer, which the caller releases. 0, or a negative errno.
+// Creates a buffer, which the caller releases. Returns 0 or a negative errno.
 int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer);
-// Frees the buffer, its handle, and closes the handle's descriptors; nothing for null.
+// Frees the buffer and its handle, and closes the handle's descriptors. Ignores null.
 void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
 

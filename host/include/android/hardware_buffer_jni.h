@@ -8,8 +8,8 @@
 extern "C" {
 #endif
 
-// The buffer behind the Java object, borrowed: the object keeps it alive. Null for null, for a closed
-// object and for an object of another class.
+// Returns the Java object's buffer, borrowed: the object keeps it alive. Returns null for null, a closed
+// object, or an object of another class.
 AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwareBuffer);
 
 #ifdef __cplusplus

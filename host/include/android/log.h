@@ -20,8 +20,8 @@ typedef enum android_LogPriority {
   ANDROID_LOG_SILENT,
 } android_LogPriority;
 
-// Formats a line of at most 1023 bytes and hands it to the logger. Answers 1 when the line was handed
-// on and a negative errno when its priority is below the least one that is logged.
+// Formats a line of at most 1023 bytes and passes it to the logger. Returns 1, or a negative errno if the
+// priority is below the minimum.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((__format__(printf, 3, 4)));
 
@@ -36,15 +36,15 @@ struct __android_log_message {
 };
 typedef void (*__android_logger_function)(const struct __android_log_message* log_message);
 
-// Replaces the logger, which writes logcat's "threadtime" line to standard error, for the whole process.
-// The strings of a message live until the logger returns. Loggers are called from any thread.
+// Replaces the logger for the whole process; the default one writes logcat's "threadtime" lines to standard
+// error. A message's strings are valid until the logger returns. Loggers are called from any thread.
 void __android_log_set_logger(__android_logger_function logger);
-// The logger that is there at the start.
+// The default logger.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
-// Lines below this priority are dropped before they are formatted. Answers the priority so far. It starts
-// as ANDROID_LOG_TAGS in the environment says ("*:E"), else at ANDROID_LOG_DEFAULT, which drops nothing. A
-// tag that the variable names ("TAG:D *:S") keeps to its own.
+// Drops lines below this priority before they are formatted. Returns the previous priority. The initial one
+// comes from the environment variable ANDROID_LOG_TAGS ("*:E"), else it is ANDROID_LOG_DEFAULT, which drops
+// nothing. A tag that the variable names ("TAG:D *:S") keeps its own priority.
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
 #ifdef __cplusplus

@@ -7,9 +7,10 @@
 extern "C" {
 #endif
 
-// Makes a memory file of `size` bytes; the caller closes the descriptor. Negative errno on failure.
+// Creates a memory file of `size` bytes; the caller closes the descriptor. Returns a negative errno on
+// failure.
 int ASharedMemory_create(const char* name, size_t size);
-// Bytes behind the descriptor; 0 when it is none.
+// Returns the size of the memory in bytes; 0 if the descriptor is not shared memory.
 size_t ASharedMemory_getSize(int fd);
 
 #ifdef __cplusplus

@@ -8,8 +8,8 @@
 extern "C" {
 #endif
 
-// A duplicate of the descriptor behind the Java object, which the caller closes; -1 for null, for a
-// closed object and for an object of another class.
+// Returns a duplicate of the Java object's descriptor, which the caller closes; -1 for null, a closed object,
+// or an object of another class.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory);
 
 #ifdef __cplusplus

@@ -24,11 +24,11 @@ typedef struct native_handle {
 #endif
 } native_handle_t;
 
-// A zeroed handle with room for the words; null when the counts are negative or above 1024.
+// Creates a zeroed handle with room for the words; returns null if the counts are negative or above 1024.
 native_handle_t* native_handle_create(int numFds, int numInts);
-// Frees the handle, without closing its descriptors. 0.
+// Frees the handle without closing its descriptors. Returns 0.
 int native_handle_delete(native_handle_t* handle);
-// Closes the handle's descriptors. 0.
+// Closes the handle's descriptors. Returns 0.
 int native_handle_close(const native_handle_t* handle);
 
 #ifdef __cplusplus

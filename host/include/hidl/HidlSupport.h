@@ -27,7 +27,7 @@ private:
 
 }  // namespace details
 
-// A vector that owns its elements, unless it was told to borrow them.
+// A vector that owns its elements, except after setToExternal().
 template <typename T>
 struct hidl_vec {
   hidl_vec() = default;
@@ -49,7 +49,7 @@ struct hidl_vec {
   const T* begin() const { return data(); }
   const T* end() const { return data() + mSize; }
 
-  // Points at elements that the caller keeps alive, and that are not deleted here.
+  // Refers to elements that the caller keeps alive; they are not deleted here.
   void setToExternal(T* elements, size_t size) {
     release();
     mBuffer.set(elements);
@@ -81,7 +81,7 @@ private:
 };
 static_assert(sizeof(hidl_vec<uint8_t>) == 16);
 
-// A native handle, borrowed: a copy borrows the same one.
+// A borrowed native handle: copies refer to the same one.
 struct hidl_handle {
   hidl_handle() = default;
   hidl_handle(const native_handle_t* handle) { mHandle.set(handle); }  // NOLINT: implicit as on the device

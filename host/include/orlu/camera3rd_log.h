@@ -5,11 +5,11 @@
 extern "C" {
 #endif
 
-// Debug lines are written only while this is below 4. It starts as the system property
-// "persist.sys.camera3rd.loglevel" says, else at 3.
+// Debug lines are written only while this is below 4. The system property "persist.sys.camera3rd.loglevel"
+// sets its initial value; the default is 3.
 extern int gVAFCtrlLogLevel;
 
-// The part of `path` behind its last '/', in the same memory; "" for null.
+// Returns the part of `path` after its last '/', in the same memory; "" for null.
 const char* get_filename(const char* path);
 
 #ifdef __cplusplus

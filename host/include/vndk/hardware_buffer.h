@@ -8,15 +8,15 @@
 extern "C" {
 #endif
 
-// The handle that the buffer carries, borrowed; null for null.
+// Returns the buffer's handle, borrowed; null for null.
 const native_handle_t* AHardwareBuffer_getNativeHandle(const AHardwareBuffer* buffer);
 
 enum CreateFromHandleMethod {
   AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER = 2,
 };
 
-// Makes a buffer around a handle of any counts. REGISTER, the one method here, takes the handle over, and
-// closes and deletes it with the buffer. 0, or a negative errno.
+// Creates a buffer around a handle with any counts. REGISTER, the only method here, takes ownership of the
+// handle, and closes and deletes it with the buffer. Returns 0 or a negative errno.
 int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
                                      int32_t method, AHardwareBuffer** outBuffer);
 

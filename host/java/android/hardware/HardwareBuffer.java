@@ -4,7 +4,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Objects;
 
-/** A buffer that hardware can read and write, behind a native handle with real descriptors. */
+/** A buffer that hardware can read and write, with a native handle of real descriptors. */
 public final class HardwareBuffer implements AutoCloseable {
     public static final int RGBA_8888 = 1;
     public static final int RAW16 = 0x20;
@@ -18,16 +18,16 @@ public final class HardwareBuffer implements AutoCloseable {
         System.loadLibrary("android_runtime");
     }
 
-    // An AHardwareBuffer with one reference of this object's, read by AHardwareBuffer_fromHardwareBuffer();
-    // 0 when closed.
+    // An AHardwareBuffer with one reference owned by this object; 0 when closed. Read by
+    // AHardwareBuffer_fromHardwareBuffer().
     private long mNativeObject;
 
-    // Takes the reference over.
+    // Takes ownership of the reference.
     private HardwareBuffer(long nativeObject) {
         mNativeObject = nativeObject;
     }
 
-    /** Makes a buffer: pixels, or for a BLOB as many bytes as its width. */
+    /** Creates a buffer of pixels; for a BLOB, of as many bytes as its width. */
     public static HardwareBuffer create(int width, int height, int format, int layers, long usage) {
         if (width < 1 || height < 1 || layers != 1) {
             throw new IllegalArgumentException("Invalid size of hardware buffer: " + width + " x " + height);
@@ -36,8 +36,8 @@ public final class HardwareBuffer implements AutoCloseable {
     }
 
     /**
-     * A buffer around a native handle of any words, of which the first {@code numFds} are descriptors that
-     * the buffer takes over. Only the host has this: it is how odd handles are made.
+     * Creates a buffer around a native handle with any words; takes ownership of the first {@code numFds}
+     * words, which are descriptors. Only the host has this method, for tests with unusual handles.
      */
     public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
         return checked(nFromHandle(width, height, format, numFds, Objects.requireNonNull(words)));
@@ -55,7 +55,9 @@ public final class HardwareBuffer implements AutoCloseable {
         return describe()[2];
     }
 
-    /** Maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. Only the host has this. */
+    /**
+     * Maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. Only the host has this method.
+     */
     public ByteBuffer mapPixels() {
         checkOpen();
         ByteBuffer pixels = nMapPixels(mNativeObject);

@@ -1,6 +1,6 @@
 package android.location;
 
-/** Where and when a picture was shot: degrees, metres, milliseconds since 1970. */
+/** Place and time of a picture: degrees, metres, milliseconds since 1970. */
 public final class Location {
     private final String mProvider;
     private double mLatitude;
@@ -42,7 +42,7 @@ public final class Location {
         mLongitude = longitude;
     }
 
-    /** 0 when {@link #hasAltitude()} is false. */
+    /** 0 if {@link #hasAltitude()} is false. */
     public double getAltitude() {
         return mAltitude;
     }

@@ -5,7 +5,7 @@ import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** A flat, little-endian record of values in the order in which they are written. Arrays carry their length. */
+/** A flat, little-endian record of values in the order of writing. Arrays include their length. */
 public final class Parcel {
     private static final int NULL_LENGTH = -1;
     private static final int FIRST_CAPACITY = 256;
@@ -25,14 +25,14 @@ public final class Parcel {
         mData = ByteBuffer.allocate(FIRST_CAPACITY).order(ByteOrder.LITTLE_ENDIAN);
     }
 
-    /** Says whether descriptors may be written; returns what was so before. */
+    /** Sets whether descriptors may be written; returns the previous setting. */
     public boolean pushAllowFds(boolean allowFds) {
         boolean before = mAllowFds;
         mAllowFds = allowFds;
         return before;
     }
 
-    /** A copy of all bytes written. */
+    /** Returns a copy of all bytes written. */
     public byte[] marshall() {
         return Arrays.copyOf(mData.array(), mData.position());
     }
@@ -100,7 +100,7 @@ public final class Parcel {
         return length != NULL_LENGTH;
     }
 
-    // The buffer at its position, with space for so many bytes more.
+    // Returns the buffer at its current position, with space for {@code bytes} more bytes.
     private ByteBuffer space(int bytes) {
         int needed = mData.position() + bytes;
         if (needed > mData.capacity()) {

@@ -1,6 +1,6 @@
 package android.os;
 
-/** What can be written to a parcel. */
+/** Objects that can be written to a parcel. */
 public interface Parcelable {
     void writeToParcel(Parcel destination, int flags);
 }

@@ -4,7 +4,7 @@ import android.system.ErrnoException;
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 
-/** A memory file that crosses to native code by its descriptor. */
+/** A memory file that is passed to native code by its descriptor. */
 public final class SharedMemory implements AutoCloseable {
     static {
         System.loadLibrary("android_runtime");
@@ -19,7 +19,7 @@ public final class SharedMemory implements AutoCloseable {
         mSize = size;
     }
 
-    /** Makes a file of {@code size} zero bytes, which is at least 1. */
+    /** Creates a file of {@code size} zero bytes, at least 1. */
     public static SharedMemory create(String name, int size) throws ErrnoException {
         if (size <= 0) {
             throw new IllegalArgumentException("Size must be greater than zero");
@@ -36,7 +36,7 @@ public final class SharedMemory implements AutoCloseable {
         return mSize;
     }
 
-    /** Maps the whole file; {@link #unmap} ends the mapping, which outlives {@link #close}. */
+    /** Maps the whole file. {@link #unmap} ends the mapping, which stays valid after {@link #close}. */
     public ByteBuffer mapReadWrite() throws ErrnoException {
         return map(true);
     }
@@ -46,7 +46,7 @@ public final class SharedMemory implements AutoCloseable {
         return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
     }
 
-    /** Ends a mapping, given the very buffer that the map returned. It must not be touched again. */
+    /** Ends a mapping; pass the same buffer that the map method returned, and do not use it afterwards. */
     public static void unmap(ByteBuffer mapping) {
         if (!mapping.isDirect()) {
             throw new IllegalArgumentException("The buffer is no mapping");

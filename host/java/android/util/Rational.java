@@ -1,6 +1,6 @@
 package android.util;
 
-/** A fraction, kept as it was given. */
+/** A fraction, not reduced. */
 public final class Rational {
     private final int mNumerator;
     private final int mDenominator;

@@ -2,7 +2,7 @@ package android.hardware.camera2;
 
 import android.hardware.camera2.impl.CameraMetadataNative;
 
-/** What a camera is. */
+/** The properties of a camera. */
 public class CameraCharacteristics {
     private final CameraMetadataNative mProperties;
 
@@ -10,12 +10,12 @@ public class CameraCharacteristics {
         mProperties = properties;
     }
 
-    /** The tag's value as the key's type; null when it is absent. Throws for a tag that no table knows. */
+    /** Returns the tag's value as the key's type; null if absent. Throws for a tag that is in no table. */
     public <T> T get(Key<T> key) {
         return mProperties.get(key.getName(), key.mType);
     }
 
-    /** A tag's name and the type that its value is asked for in. */
+    /** A tag's name and the requested type of its value. */
     public static final class Key<T> {
         private final String mName;
         private final Class<T> mType;

@@ -6,21 +6,21 @@ import java.util.ArrayList;
 import java.util.Collections;
 import java.util.List;
 
-/** What the camera reported about one frame. */
+/** The camera's report about one frame. */
 public class CaptureResult {
-    // Read by native code that serialises it.
+    // Native code reads this field to serialise the result.
     private final CameraMetadataNative mResults;
 
     public CaptureResult(CameraMetadataNative results) {
         mResults = results;
     }
 
-    /** The tag's value as the key's type; null when it is absent. Throws for a tag that no table knows. */
+    /** Returns the tag's value as the key's type; null if absent. Throws for a tag that is in no table. */
     public <T> T get(Key<T> key) {
         return mResults.lookUp(key.getName(), key.mType);
     }
 
-    /** The keys of the tags that are there. */
+    /** Returns the keys of the tags that are present. */
     public List<Key<?>> getKeys() {
         List<Key<?>> keys = new ArrayList<>();
         for (String tag : mResults.tags()) {
@@ -29,7 +29,7 @@ public class CaptureResult {
         return Collections.unmodifiableList(keys);
     }
 
-    /** A tag's name and the type that its value is asked for in. */
+    /** A tag's name and the requested type of its value. */
     public static final class Key<T> {
         private final String mName;
         private final Class<T> mType;

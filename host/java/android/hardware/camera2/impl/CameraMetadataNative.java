@@ -7,18 +7,18 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeMap;
 
-/** The typed store behind capture results: a tag holds a value of its type, whatever it was set from. */
+/** The typed store behind capture results: a tag holds a value of its type, whatever type set it. */
 public final class CameraMetadataNative implements Parcelable {
     private final Map<String, Object> mValues = new TreeMap<>();
 
     private LookupListener mLookupListener;
 
-    /** Null, as at first: nobody listens. */
+    /** Sets the listener; null, the initial value, for none. */
     public void setLookupListener(LookupListener listener) {
         mLookupListener = listener;
     }
 
-    /** {@link #get(String, Class)} for a capture result's reader, which the listener hears of. */
+    /** {@link #get(String, Class)} on behalf of a capture result's reader; reported to the listener. */
     public <T> T lookUp(String tag, Class<T> type) {
         LookupListener listener = mLookupListener;
         if (listener == null) {
@@ -35,9 +35,9 @@ public final class CameraMetadataNative implements Parcelable {
     }
 
     /**
-     * Sets a tag. Arrays may be primitive or boxed; null takes the tag away. Throws IllegalArgumentException
-     * for a tag that no table knows and a value that does not fit its type, which no array with a null in it
-     * does.
+     * Sets a tag. Arrays may be primitive or boxed; null removes the tag. Throws IllegalArgumentException for
+     * a tag that is in no table, and for a value that does not fit its type, such as an array that contains
+     * null.
      */
     public void set(String tag, Object value) {
         TagType type = typeOf(tag);
@@ -53,14 +53,14 @@ public final class CameraMetadataNative implements Parcelable {
         mValues.put(tag, stored);
     }
 
-    /** A copy of the value in its tag's own class; null when the tag is absent. */
+    /** Returns a copy of the value in its tag's own class; null if absent. */
     public Object get(String tag) {
         return get(tag, typeOf(tag).stored());
     }
 
     /**
-     * The value as {@code type}; null when the tag is absent. Throws IllegalArgumentException for a tag that
-     * no table knows and a type that its value can't be: an array of several is no scalar, an int no long.
+     * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for a tag that is in
+     * no table, and for a type that does not fit: an array of several values is no scalar, an int no long.
      */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);
@@ -76,12 +76,12 @@ public final class CameraMetadataNative implements Parcelable {
         return type.cast(converted);
     }
 
-    /** The tags that are set, sorted. */
+    /** Returns the tags that are set, sorted. */
     public Set<String> tags() {
         return Collections.unmodifiableSet(mValues.keySet());
     }
 
-    /** Writes the number of tags, then for each, by name: its name, type, number of values, values. */
+    /** Writes the number of tags, then for each tag, by name: its name, type, number of values, values. */
     @Override
     public void writeToParcel(Parcel destination, int flags) {
         destination.writeInt(mValues.size());

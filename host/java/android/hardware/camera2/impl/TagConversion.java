@@ -7,16 +7,15 @@ import java.lang.reflect.Array;
 import java.nio.charset.StandardCharsets;
 
 /**
- * Values between the classes in which they are stored, set and asked for. Number types are never changed
- * into one another; arrays change between primitive and boxed, a string is its bytes, one value is an array
- * of one, and an array of one is its value. What is answered is never the value itself where that could be
- * written to.
+ * Converts values between the classes that are stored, set and requested. Number types are never converted to
+ * one another. Arrays change between primitive and boxed, a string is its bytes, one value is an array of
+ * one, and an array of one is its value. Returns copies of anything mutable.
  */
 final class TagConversion {
     private TagConversion() {
     }
 
-    /** The value as {@code type}; null when it can't be one, also for a null in an array. */
+    /** Returns the value as {@code type}; null if that is impossible, or if an array contains null. */
     static Object convert(Object value, Class<?> type) {
         if (type.isInstance(value)) {
             return copy(value);

@@ -12,14 +12,14 @@ import java.util.Objects;
 import java.util.Set;
 import java.util.concurrent.ConcurrentSkipListMap;
 
-/** Every tag that the store knows, with its type: the lines of tags.txt, and what was registered since. */
+/** All known tags with their types: the lines of tags.txt, and tags registered since. */
 public final class TagTable {
     private static final Map<String, TagType> TAGS = load();
 
     private TagTable() {
     }
 
-    /** The tag's type; null for a tag that is not known. */
+    /** Returns the tag's type; null for an unknown tag. */
     public static TagType typeOf(String tag) {
         return TAGS.get(tag);
     }
@@ -29,10 +29,10 @@ public final class TagTable {
     }
 
     /**
-     * Makes a vendor's tag known, as a camera's own tag descriptor does on the device: also the tags whose
-     * names are built at run time of a section and a key ("orlu.algo.system.some_key", BYTES). Registering a
-     * tag again is fine; IllegalArgumentException when it is known with another type, since stores may hold
-     * values of that.
+     * Registers a vendor's tag, as a camera's own tag descriptor does on the device. This includes tags with
+     * names that are built at run time from a section and a key ("orlu.algo.system.some_key", BYTES).
+     * Registering a tag again is allowed; throws IllegalArgumentException if it is known with another type,
+     * since stores may hold values of that type.
      */
     public static void register(String tag, TagType type) {
         put(TAGS, tag, Objects.requireNonNull(type));

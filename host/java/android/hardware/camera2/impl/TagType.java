@@ -6,7 +6,7 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
-/** What a tag holds, and the class that holds it in the store. */
+/** The type of a tag's value, and the class that stores it. */
 public enum TagType {
     INT(Integer.class),
     LONG(Long.class),
@@ -31,7 +31,7 @@ public enum TagType {
         mStored = stored;
     }
 
-    /** Whether a value in a parcel brings its own length: an array, or text by its bytes. */
+    /** Whether a value in a parcel includes its own length, as arrays and strings do. */
     boolean isCounted() {
         return mStored.isArray() || this == STRING;
     }

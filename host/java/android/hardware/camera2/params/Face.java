@@ -2,7 +2,7 @@ package android.hardware.camera2.params;
 
 import android.graphics.Rect;
 
-/** A face that the camera found, in active-array coordinates. */
+/** A face that the camera found. Coordinates are in the active array. */
 public final class Face {
     private final Rect mBounds;
     private final int mScore;
