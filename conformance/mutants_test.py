@@ -11,7 +11,7 @@ from pathlib import Path
 here = Path(__file__).parent
 build = Path(sys.argv[1])
 # Mostly they wait: for callbacks that do not come, and for ones too many.
-AT_ONCE = 8
+AT_ONCE = 4
 # Less patience than with a library that somebody hopes will pass.
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
 
@@ -32,7 +32,7 @@ def compare(row):
     mutant, allowed = row[0], {name.strip("()") for name in row[1:]}
     wanted = {name for name in row[1:] if "(" not in name}
     # Waits of a loaded machine look like faults; a fault stays one when it is looked at again.
-    for _ in range(2):
+    for _ in range(3):
         found = judge("libmutant_algo.so", mutant)
         if wanted <= found <= allowed:
             return None
