@@ -41,8 +41,8 @@ int64_t allocatedBytes() {
 #ifdef ORLU_SANITIZED
   return 0;  // the sanitizer's own leak check looks at the end
 #elif defined(__ANDROID__)
-  return static_cast<int64_t>(
-      mallinfo().uordblks);  // bionic has no mallinfo2(); its fields are size_t already
+  // Bionic has no mallinfo2(): its mallinfo() has fields of size_t.
+  return static_cast<int64_t>(mallinfo().uordblks);
 #else
   const auto info = mallinfo2();
   return static_cast<int64_t>(info.uordblks + info.hblkhd);
