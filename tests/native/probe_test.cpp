@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -13,6 +15,7 @@
 
 #include "event_recorder.h"
 #include "paths.h"
+#include "setting.h"
 
 namespace orlu::probe {
 namespace {
@@ -358,6 +361,35 @@ TEST(RealLibrary, IsTheNextOfItsName) {
   AlgoInterfaceCallbacks table;
   reinterpret_cast<void (*)(AlgoInterfaceCallbacks*)>(dlsym(probe, "AlgoInterfaceEntry"))(&table);
   EXPECT_TRUE(callableNames(table, false).empty());
+}
+
+// The library that made way for the probe comes before the stand-in, which the loader would find; the one
+// that is named comes before both.
+TEST(RealLibrary, IsBesideTheProbe) {
+  const std::string build = test::libraryFolder() + "/..";
+  std::string folder = testing::TempDir() + "probe_XXXXXX";
+  ASSERT_NE(mkdtemp(folder.data()), nullptr);
+  const std::string own = folder + "/liborlu.vac.interface.so";
+  std::filesystem::copy(build + "/probe/liborlu.vac.interface.so", own);
+  std::filesystem::copy(build + "/planted/planted_without_entry.so",
+                        folder + "/liborlu.vac.interface.real.so");
+  void* const probe = dlopen(own.c_str(), RTLD_NOW);
+  ASSERT_NE(probe, nullptr) << dlerror();
+  const auto entry = reinterpret_cast<void (*)(AlgoInterfaceCallbacks*)>(dlsym(probe, "AlgoInterfaceEntry"));
+  AlgoInterfaceCallbacks table;
+  entry(&table);
+  EXPECT_TRUE(callableNames(table, true).empty());
+  setenv("ORLU_ALGO_LIBRARY", (build + "/planted/planted_algo.so").c_str(), 1);
+  entry(&table);
+  unsetenv("ORLU_ALGO_LIBRARY");
+  EXPECT_TRUE(callableNames(table, false).empty());
+  std::filesystem::remove_all(folder);
+}
+
+TEST(ProbeSetting, HasAPropertyForEachVariable) {
+  EXPECT_EQ(propertyOf("ORLU_EVENTS"), "persist.vendor.orlu.events");
+  EXPECT_EQ(propertyOf("ORLU_PIXELS_BYTES"), "persist.vendor.orlu.pixels_bytes");
+  EXPECT_EQ(propertyOf("ORLU_ALGO_LIBRARY"), "persist.vendor.orlu.algo_library");
 }
 
 }  // namespace
