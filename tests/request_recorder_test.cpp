@@ -142,5 +142,38 @@ TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
   EXPECT_EQ(kept, recordings("few"));
 }
 
+// The platform's properties, which `adb shell setprop` sets, count where Java's are not set.
+TEST_F(RequestRecorderTest, PropertiesSwitchItOn) {
+  const auto set = [](const char* clazz, const char* signature, const char* name, const std::string& value) {
+    test::callStatic(clazz, clazz[0] == 'a' ? "set" : "setProperty", signature, test::javaString(name),
+                     test::javaString(value));
+  };
+  const auto setPlatform = [&](const char* name, const std::string& value) {
+    set("android/os/SystemProperties", "(Ljava/lang/String;Ljava/lang/String;)V", name, value);
+  };
+  const auto setJava = [&](const char* name, const std::string& value) {
+    set("java/lang/System", "(Ljava/lang/String;Ljava/lang/String;)Ljava/lang/String;", name, value);
+  };
+  const auto ofProperties = [] {
+    return test::callStatic("com/orlu/orlu3rdalgoservice/record/RequestRecorder", "ofProperties",
+                            "()Lcom/orlu/orlu3rdalgoservice/record/RequestRecorder;");
+  };
+  const jobject compositions = test::javaList(mCompositions);
+  EXPECT_EQ(ofProperties(), nullptr);
+  setPlatform("persist.vendor.orlu.record", mFolder + "/phone");
+  setPlatform("persist.vendor.orlu.record.count", "1");
+  const jobject recorder = ofProperties();
+  ASSERT_NE(recorder, nullptr);
+  for (int i = 0; i < 2; ++i) run(recorder, mInputs, compositions);
+  EXPECT_EQ(recordings("phone"), std::vector<std::string>{"000002-request-8589934593 end"});
+  setJava("orlu.record", mFolder + "/java");
+  run(ofProperties(), mInputs, compositions);
+  setJava("orlu.record", "");
+  setPlatform("persist.vendor.orlu.record", "");
+  setPlatform("persist.vendor.orlu.record.count", "");
+  EXPECT_EQ(recordings("java"), std::vector<std::string>{"000001-request-8589934593 end"});
+  EXPECT_EQ(ofProperties(), nullptr);
+}
+
 }  // namespace
 }  // namespace orlu

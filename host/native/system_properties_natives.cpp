@@ -15,3 +15,11 @@ extern "C" JNIEXPORT void JNICALL Java_android_os_SystemProperties_nSet(JNIEnv* 
   if (status != 0)
     orlu::host::throwNew(env, "java/lang/IllegalArgumentException", "value of system property too long");
 }
+
+extern "C" JNIEXPORT jstring JNICALL Java_android_os_SystemProperties_nGet(JNIEnv* env, jclass, jstring key) {
+  char value[PROPERTY_VALUE_MAX] = {};
+  const char* keyChars = env->GetStringUTFChars(key, nullptr);
+  property_get(keyChars, value, nullptr);
+  env->ReleaseStringUTFChars(key, keyChars);
+  return env->NewStringUTF(value);
+}

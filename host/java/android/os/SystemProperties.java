@@ -16,5 +16,13 @@ public final class SystemProperties {
         nSet(Objects.requireNonNull(key), value == null ? "" : value);
     }
 
+    /** The value of a property; {@code def} if it is unset or empty. */
+    public static String get(String key, String def) {
+        String value = nGet(Objects.requireNonNull(key));
+        return value.isEmpty() && def != null ? def : value;
+    }
+
+    private static native String nGet(String key);
+
     private static native void nSet(String key, String value);
 }

@@ -37,7 +37,7 @@ final class Setting {
         }
     }
 
-    /** Asks the platform's hidden class, which a workstation has not in full. */
+    /** Asks the platform's hidden class, which a service need not be allowed to reach. */
     private static String ofPlatform(String property) {
         try {
             Class<?> properties = Class.forName("android.os.SystemProperties");
