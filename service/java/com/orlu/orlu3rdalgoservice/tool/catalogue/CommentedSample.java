@@ -13,7 +13,6 @@ import java.util.List;
 import java.util.Set;
 import java.util.regex.Pattern;
 
-
 /** Samples as a start for request files, with a comment on each tag. */
 public final class CommentedSample {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");

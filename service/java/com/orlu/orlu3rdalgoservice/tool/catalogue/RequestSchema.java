@@ -17,7 +17,6 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-
 /** The JSON schema of request files, with which editors complete and explain. */
 public final class RequestSchema {
     private static final String FILE = "request.schema.json";

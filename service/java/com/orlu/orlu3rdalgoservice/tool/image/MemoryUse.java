@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -73,18 +73,9 @@ public final class MemoryUse {
     }
 
     public Map<String, Object> json(VImageIPC image) {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("memory", mSize);
-        json.put("format", image.mFormat);
-        json.put("width", image.mWidth);
-        json.put("height", image.mHeight);
-        json.put("strides", Arrays.toString(image.mRowStrides));
-        List<Object> planes = new ArrayList<>();
-        mPlanes.forEach(plane -> planes.add(plane.json()));
-        json.put("planes", planes);
-        json.put("missing", missing());
-        json.put("usedBehind", mUsedBehind);
-        json.put("firstBehind", mFirstBehind);
-        return json;
+        return JsonWriter.object("memory", mSize, "format", image.mFormat, "width", image.mWidth,
+                "height", image.mHeight, "strides", Arrays.toString(image.mRowStrides),
+                "planes", mPlanes.stream().map(PlaneUse::json).toList(), "missing", missing(),
+                "usedBehind", mUsedBehind, "firstBehind", mFirstBehind);
     }
 }

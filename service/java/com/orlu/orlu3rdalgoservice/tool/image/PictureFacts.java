@@ -1,9 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+
 import java.awt.image.BufferedImage;
-import java.util.ArrayList;
-import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Map;
 
 /** What can be measured of one picture: how bright it is, where its colours lie, whether its rows fit. */
@@ -134,21 +133,9 @@ public final class PictureFacts {
 
     /** The counts of luma, red, green and blue by level. */
     public Map<String, Object> json() {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("width", mWidth);
-        json.put("height", mHeight);
-        json.put("mean", Math.round(10 * meanLuma()) / 10.0);
-        json.put("clipped", Math.round(1000 * clipped()) / 1000.0);
-        String[] names = {"luma", "red", "green", "blue"};
-        Map<String, Object> histograms = new LinkedHashMap<>();
-        for (int i = 0; i < names.length; ++i) {
-            List<Object> counts = new ArrayList<>();
-            for (int count : mHistograms[i]) {
-                counts.add(count);
-            }
-            histograms.put(names[i], counts);
-        }
-        json.put("histogram", histograms);
-        return json;
+        return JsonWriter.object("width", mWidth, "height", mHeight,
+                "mean", Math.round(10 * meanLuma()) / 10.0, "clipped", Math.round(1000 * clipped()) / 1000.0,
+                "histogram", JsonWriter.object("luma", mHistograms[0], "red", mHistograms[1],
+                        "green", mHistograms[2], "blue", mHistograms[3]));
     }
 }

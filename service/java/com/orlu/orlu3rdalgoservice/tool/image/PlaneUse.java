@@ -1,9 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+
 import java.nio.ByteBuffer;
-import java.util.ArrayList;
-import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Map;
 
 /** Where one plane lies in an image's memory, and which of its bytes are not zero. */
@@ -109,25 +108,9 @@ public final class PlaneUse {
     }
 
     Map<String, Object> json() {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("name", mName);
-        json.put("offset", mOffset);
-        json.put("size", mSize);
-        json.put("stride", mStride);
-        json.put("rowBytes", mRowBytes);
-        json.put("rows", mRows);
-        json.put("usedRows", mUsedRows);
-        json.put("usedPadding", mUsedPadding);
-        json.put("pixels", array(mPixels));
-        json.put("padding", array(mPadding));
-        return json;
+        return JsonWriter.object("name", mName, "offset", mOffset, "size", mSize, "stride", mStride,
+                "rowBytes", mRowBytes, "rows", mRows, "usedRows", mUsedRows, "usedPadding", mUsedPadding,
+                "pixels", mPixels, "padding", mPadding);
     }
 
-    private static List<Object> array(int[] numbers) {
-        List<Object> array = new ArrayList<>();
-        for (int number : numbers) {
-            array.add(number);
-        }
-        return array;
-    }
 }

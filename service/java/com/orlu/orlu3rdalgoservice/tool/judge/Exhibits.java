@@ -6,10 +6,10 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 
 import java.util.ArrayList;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.concurrent.atomic.AtomicInteger;
@@ -82,9 +82,7 @@ public final class Exhibits {
         if (difference == null) {
             return;
         }
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("output", output);
-        json.put("most", difference.most());
+        Map<String, Object> json = JsonWriter.object("output", output, "most", difference.most());
         if (Double.isFinite(difference.psnr())) {
             json.put("psnr", Math.round(10 * difference.psnr()) / 10.0);
         }
@@ -113,26 +111,9 @@ public final class Exhibits {
 
     /** Inputs, outputs and differences; "large" is absent where a picture is there as a small one only. */
     public Map<String, Object> json() {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("base", mBase);
-        json.put("baseNamedBy", mNamedBy);
-        json.put("lost", mIsLost);
-        List<Object> inputs = new ArrayList<>();
-        mInputs.forEach(input -> inputs.add(json(input)));
-        json.put("inputs", inputs);
-        List<Object> outputs = new ArrayList<>();
-        mOutputs.forEach(output -> outputs.add(json(output)));
-        json.put("outputs", outputs);
-        json.put("differences", mDifferences);
-        return json;
-    }
-
-    private static Map<String, Object> json(ImageExhibit image) {
-        Map<String, Object> json = image.json();
-        if (image.large() != null) {
-            json.put("large", image.large().uri());
-            json.put("largeWidth", image.large().width());
-        }
-        return json;
+        return JsonWriter.object("base", mBase, "baseNamedBy", mNamedBy, "lost", mIsLost,
+                "inputs", mInputs.stream().map(ImageExhibit::json).toList(),
+                "outputs", mOutputs.stream().map(ImageExhibit::json).toList(),
+                "differences", mDifferences);
     }
 }

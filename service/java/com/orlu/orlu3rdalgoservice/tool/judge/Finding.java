@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
-import java.util.LinkedHashMap;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+
 import java.util.Map;
 
 /**
@@ -33,12 +34,8 @@ public record Finding(String kind, boolean isSure, String what, String why, Tab 
     }
 
     public Map<String, Object> json() {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("kind", kind);
-        json.put("severity", isSure ? "wrong" : "look");
-        json.put("what", what.substring(0, 1).toUpperCase() + what.substring(1));
-        json.put("why", why);
-        json.put("tab", tab.name().toLowerCase());
-        return json;
+        return JsonWriter.object("kind", kind, "severity", isSure ? "wrong" : "look",
+                "what", what.substring(0, 1).toUpperCase() + what.substring(1), "why", why,
+                "tab", tab.name().toLowerCase());
     }
 }

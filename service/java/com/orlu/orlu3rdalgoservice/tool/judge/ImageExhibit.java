@@ -7,10 +7,10 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureFacts;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.awt.image.BufferedImage;
 import java.nio.ByteBuffer;
-import java.util.LinkedHashMap;
 import java.util.Map;
 import java.util.zip.CRC32;
 
@@ -115,29 +115,22 @@ public final class ImageExhibit {
         return mIsWritten;
     }
 
-    /** Null when there is no picture, or only a small one. */
-    PictureData large() {
-        return mLarge;
-    }
-
     /** Null when there is no picture. */
     public PictureData small() {
         return mSmall;
     }
 
-    /** All but the pictures. */
+    /** All, with its pictures. */
     Map<String, Object> json() {
-        Map<String, Object> json = new LinkedHashMap<>();
-        json.put("name", mName);
-        json.put("frame", mFrame);
-        json.put("raw", mIsRaw);
-        json.put("hardware", mIsHardware);
-        json.put("problem", problem());
-        json.put("written", mIsWritten);
-        json.put("layout", mMemoryJson);
+        Map<String, Object> json = JsonWriter.object("name", mName, "frame", mFrame, "raw", mIsRaw,
+                "hardware", mIsHardware, "problem", problem(), "written", mIsWritten, "layout", mMemoryJson);
         if (mFacts != null) {
             json.put("facts", mFacts.json());
             json.put("small", mSmall.uri());
+        }
+        if (mLarge != null) {
+            json.put("large", mLarge.uri());
+            json.put("largeWidth", mLarge.width());
         }
         return json;
     }

@@ -6,10 +6,9 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-
-import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 
 import java.nio.file.Path;
 import java.util.ArrayList;

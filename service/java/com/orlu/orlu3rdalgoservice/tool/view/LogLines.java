@@ -27,21 +27,14 @@ final class LogLines {
             }
             long time = Long.parseLong(fields[0]);
             if (time >= start && time < end) {
-                List<Object> row = new ArrayList<>();
-                row.add(time);
-                for (int i = 1; i < FIELDS; ++i) {
-                    row.add(fields[i]);
-                }
-                lines.add(row);
+                lines.add(List.of(time, fields[1], fields[2], fields[3], fields[4]));
             }
         }
         return lines;
     }
 
     private static List<String> read(Path file) throws IOException {
-        if (file == null || !Files.exists(file)) {
-            return List.of();
-        }
-        return new ArrayList<>(new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList());
+        return file == null || !Files.exists(file) ? List.of()
+                : new String(Files.readAllBytes(file), StandardCharsets.UTF_8).lines().toList();
     }
 }

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.EventLog;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 
@@ -40,16 +41,13 @@ public final class Timeline {
             return;
         }
         int tid = EventLog.thisThread();
-        Map<String, Object> args = new LinkedHashMap<>();
-        args.put("file", report.run().request().file().toString());
-        args.put("id", report.run().request().id());
-        args.put("verdict", report.verdict().line());
-        String name = report.run().request().file().getFileName().toString();
-        mJava.add(new Slice(name, "request", tid, stages.get(0).start(),
-                stages.get(stages.size() - 1).end(), args));
+        RequestFile request = report.run().request();
+        mJava.add(new Slice(request.file().getFileName().toString(), "request", tid, stages.get(0).start(),
+                stages.get(stages.size() - 1).end(), JsonWriter.object("file", request.file().toString(),
+                        "id", request.id(), "verdict", report.verdict().line())));
         for (Stage stage : stages) {
             mJava.add(new Slice(
-                    "Java: " + stage.name(), "java", tid, stage.start(), stage.end(), new LinkedHashMap<>()));
+                    "Java: " + stage.name(), "java", tid, stage.start(), stage.end(), Map.of()));
         }
     }
 
@@ -102,13 +100,11 @@ public final class Timeline {
                 continue;
             }
             double milliseconds = done.real("milliseconds");
-            Map<String, Object> args = new LinkedHashMap<>();
-            args.put("ran", done.texts("ran"));
-            args.put("skipped", done.texts("skipped"));
             List<String> ran = done.texts("ran");
             work.add(new Slice("algorithms: " + (ran.isEmpty() ? "none" : String.join(", ", ran)),
                     "algorithms", tid(done),
-                    done.time() - (long) (milliseconds * NANOSECONDS_PER_MILLISECOND), done.time(), args));
+                    done.time() - (long) (milliseconds * NANOSECONDS_PER_MILLISECOND), done.time(),
+                    JsonWriter.object("ran", ran, "skipped", done.texts("skipped"))));
         }
         return work;
     }
@@ -136,11 +132,8 @@ public final class Timeline {
 
     private Slice slice(Call call) {
         Map<String, Object> args = new LinkedHashMap<>();
-        for (Map.Entry<String, Json> field : call.begin().fields().entries().entrySet()) {
-            if (!NOT_SHOWN.contains(field.getKey())) {
-                args.put(field.getKey(), field.getValue());
-            }
-        }
+        args.putAll(call.begin().fields().entries());
+        args.keySet().removeAll(NOT_SHOWN);
         args.put("outcome", call.outcome());
         if (call.end() != null) {
             args.put("ns", call.end().number("ns"));

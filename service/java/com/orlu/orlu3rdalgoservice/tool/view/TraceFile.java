@@ -1,10 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+
 import java.util.ArrayDeque;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.Deque;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
@@ -26,9 +27,7 @@ final class TraceFile {
     TraceFile(long pid, long origin) {
         mPid = pid;
         mOrigin = origin;
-        Map<String, Object> args = new LinkedHashMap<>();
-        args.put("name", "post-processing service");
-        addMetadata("process_name", 0, args);
+        addMetadata("process_name", 0, "name", "post-processing service");
     }
 
     void add(Slice slice) {
@@ -37,12 +36,8 @@ final class TraceFile {
 
     /** Names a lane, and gives it its place: a smaller index is further up. */
     void nameLane(int tid, String name, int index) {
-        Map<String, Object> nameArgs = new LinkedHashMap<>();
-        nameArgs.put("name", name);
-        addMetadata("thread_name", tid, nameArgs);
-        Map<String, Object> indexArgs = new LinkedHashMap<>();
-        indexArgs.put("sort_index", index);
-        addMetadata("thread_sort_index", tid, indexArgs);
+        addMetadata("thread_name", tid, "name", name);
+        addMetadata("thread_sort_index", tid, "sort_index", index);
     }
 
     /** Adds an arrow through these points, of which there are two at least, each inside a slice. */
@@ -85,26 +80,19 @@ final class TraceFile {
 
     private void addSlice(Slice slice) {
         Map<String, Object> event = event("X", slice.name(), slice.tid());
-        event.put("cat", slice.category());
-        event.put("ts", microseconds(slice.start() - mOrigin));
-        event.put("dur", microseconds(slice.end() - slice.start()));
-        event.put("args", slice.args());
+        event.putAll(JsonWriter.object("cat", slice.category(), "ts", microseconds(slice.start() - mOrigin),
+                "dur", microseconds(slice.end() - slice.start()), "args", slice.args()));
         mEvents.add(event);
     }
 
-    private void addMetadata(String name, int tid, Map<String, Object> args) {
+    private void addMetadata(String name, int tid, String argument, Object value) {
         Map<String, Object> event = event("M", name, tid);
-        event.put("args", args);
+        event.put("args", Map.of(argument, value));
         mEvents.add(event);
     }
 
     private Map<String, Object> event(String phase, String name, int tid) {
-        Map<String, Object> event = new LinkedHashMap<>();
-        event.put("ph", phase);
-        event.put("name", name);
-        event.put("pid", mPid);
-        event.put("tid", tid);
-        return event;
+        return JsonWriter.object("ph", phase, "name", name, "pid", mPid, "tid", tid);
     }
 
     private static double microseconds(long nanoseconds) {
