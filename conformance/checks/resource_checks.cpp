@@ -123,13 +123,26 @@ void tryManyRequests(Client& client, Inbox& inbox) {
        (done < kFewestForSlope ? ", too few to be sure" : ""));
 }
 
+// "; left are A, B"
+std::string listOf(const std::vector<std::string>& left) {
+  std::string text;
+  for (const std::string& one : left) text += (text.empty() ? "; left are " : ", ") + one;
+  return text;
+}
+
 // Requests of one format and layout, with numbers beside theirs that are somebody else's.
 void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
   const Image input(shape, 1);
   const Image output(shape, 2);
   const Image second(shape, 3);
-  for (const Image* image : {&input, &output, &second}) watch.lend(image->fd());
-  const Holdings before = Holdings::now();
+  for (const Image* image : {&input, &output, &second}) watch.lend(image->descriptors());
+  const auto held = [&watch] {
+    Holdings holdings = Holdings::now();
+    holdings.descriptors -= watch.kept();
+    return holdings;
+  };
+  watch.takeLeft();
+  const Holdings before = held();
   for (uint64_t id = 1; id <= 3; ++id) {
     Request request;
     request.nativeReq = id;
@@ -140,21 +153,22 @@ void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, con
     scene.inbox.forget();
   }
   const auto end = std::chrono::steady_clock::now() + kSettle;
-  Holdings growth = Holdings::now() - before;
+  Holdings growth = held() - before;
   while ((growth.descriptors > 0 || growth.imageMappings > 0) && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    growth = Holdings::now() - before;
+    growth = held() - before;
   }
   HOLDS(growth.descriptors <= 0 && growth.imageMappings <= 0)
       << "three requests with " << what << " must leave no descriptor and no mapping: " << growth.descriptors
-      << " descriptors and " << growth.imageMappings << " mappings are left after " << kSettle.count()
-      << " s; usually the way out for this format is another one, without close";
-  for (const Image* image : {&input, &output, &second}) watch.forget(image->fd());
+      << " descriptors and " << growth.imageMappings << " mappings are left after " << kSettle.count() << " s"
+      << listOf(watch.takeLeft()) << "; usually one way out, for this format alone, lacks close or munmap";
+  for (const Image* image : {&input, &output, &second}) watch.forget(image->descriptors());
   for (const std::string& wrong : watch.takeWrong()) {
-    ADD_FAILURE() << "a request with " << what
-                  << ": a library closes each descriptor that it opened once, and none "
-                  << "other, and there was " << wrong
-                  << "; usually it is closed twice, and the number is another file's by then";
+    ADD_FAILURE()
+        << "a request with " << what
+        << ": a library closes each descriptor that it opened once, and unmaps each mapping that it "
+        << "made once and whole, and there was " << wrong
+        << "; usually two ways out release one thing, and its number or place may be somebody else's by then";
   }
 }
 
@@ -180,8 +194,8 @@ void checkLeaks() {
 }
 
 void checkDescriptors() {
-  OPEN_LIBRARY(library);
   DescriptorWatch watch;
+  OPEN_LIBRARY(library);
   Scene scene;
   scene.run(1);
   scene.inbox.forget();
@@ -194,7 +208,7 @@ void checkDescriptors() {
       if (testing::Test::HasFailure()) return;
     }
   }
-  if (!DescriptorWatch::canSee()) note("close is not looked at under a sanitizer");
+  if (!DescriptorWatch::canSee()) note("close, dup and munmap are not looked at under a sanitizer");
 }
 
 }  // namespace orlu::conform

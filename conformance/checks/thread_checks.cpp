@@ -1,25 +1,13 @@
 // Parameters as real requests have them, and several threads at the store and at the images at once.
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <ctime>
-
 #include "checks.h"
 #include "known_names.h"
 #include "scene.h"
+#include "store_hammer.h"
 
 namespace orlu::conform {
 namespace {
 
 constexpr size_t kLongest = 120;  // letters of a name
-constexpr int kThreads = 8;
-constexpr int kRounds = 1500;
-// Of each thread, on a loaded machine: fewer rounds then, instead of a check that seems to hang.
-constexpr std::chrono::seconds kMostHammering{2};
 
 struct Entry {
   std::string section;
@@ -70,118 +58,6 @@ std::string wrongValues(const Block& block, const std::vector<Entry>& entries) {
   return wrong == 0
              ? ""
              : std::to_string(wrong) + " of " + std::to_string(entries.size()) + " are wrong; " + first;
-}
-
-// A callable without this side's watching, which would keep the threads apart.
-int setBare(void* block, const std::string& key, int& value) {
-  return call(-1, Library::open()->bareTable().metadataOps.setValue, block, kParameter, key.c_str(),
-              static_cast<void*>(&value), static_cast<unsigned>(sizeof value));
-}
-
-int getBare(void* block, const std::string& key, int& value) {
-  return call(-1, Library::open()->bareTable().metadataOps.getValue, block, kParameter, key.c_str(),
-              static_cast<void*>(&value), static_cast<unsigned>(sizeof value));
-}
-
-// Interrupts the thread that made it at odd moments, inside the library too, and lets others run: what has no
-// lock shows then on a machine with one processor as well.
-class Interruptions {
-public:
-  Interruptions() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {
-      const int error = errno;
-      const timespec moment = {0, 20'000};
-      nanosleep(&moment, nullptr);
-      errno = error;
-    };
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGURG, &action, nullptr);
-    sigevent event = {};
-    event.sigev_notify = SIGEV_THREAD_ID;
-    event.sigev_signo = SIGURG;
-    event._sigev_un._tid = static_cast<pid_t>(syscall(SYS_gettid));
-    mIsMade = timer_create(CLOCK_MONOTONIC, &event, &mTimer) == 0;
-    const itimerspec interval = {
-        {0, 130'000},
-        {0, 130'000}
-    };
-    if (mIsMade) timer_settime(mTimer, 0, &interval, nullptr);
-  }
-  Interruptions(const Interruptions&) = delete;
-  Interruptions& operator=(const Interruptions&) = delete;
-  ~Interruptions() {
-    if (mIsMade) timer_delete(mTimer);
-  }
-
-private:
-  timer_t mTimer = {};
-  bool mIsMade;
-};
-
-// What a thread found wrong with its values.
-struct Wrong {
-  int values = 0;  // looked at
-  int count = 0;
-  std::string first;
-};
-
-// Sets and reads keys of its own, new ones and one that is set again, in a block of its own and in a shared
-// one.
-Wrong hammer(int thread, void* shared, const std::atomic<bool>& isStarted) {
-  Wrong wrong;
-  const Block own;
-  // Names of all threads lie beside one another in any order that a store may have.
-  const std::string end = "_of_thread_" + std::to_string(thread);
-  const auto expect = [&](void* block, const std::string& key, int value) {
-    int seen = -1;
-    ++wrong.values;
-    if (getBare(block, key, seen) == 0 && seen == value) return;
-    if (wrong.count++ == 0)
-      wrong.first = key + " was set to " + std::to_string(value) + ", and is " + std::to_string(seen);
-  };
-  while (!isStarted) std::this_thread::yield();
-#ifndef __SANITIZE_THREAD__  // which sees races without, and holds signals back
-  const Interruptions interruptions;
-#endif
-  const auto deadline = std::chrono::steady_clock::now() + kMostHammering;
-  int rounds = 0;
-  for (; rounds < kRounds && std::chrono::steady_clock::now() < deadline; ++rounds) {
-    for (void* block : {own.handle(), shared}) {
-      const std::string key = "key_" + std::to_string(rounds) + end;
-      setBare(block, key, rounds);
-      setBare(block, end, rounds);
-      expect(block, key, rounds);
-      expect(block, end, rounds);
-    }
-  }
-  for (int round = 0; round < rounds; ++round) expect(shared, "key_" + std::to_string(round) + end, round);
-  return wrong;
-}
-
-// Adds the number of values that were looked at to `values`.
-void hammerStore(int& values) {
-  step("eight threads at blocks of their own and at one that they share");
-  const Block shared;
-  std::atomic<bool> isStarted{false};
-  std::vector<Wrong> wrong(kThreads);
-  std::vector<std::thread> threads;
-  threads.reserve(kThreads);
-  for (int i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&, i] { wrong[static_cast<size_t>(i)] = hammer(i, shared.handle(), isStarted); });
-  }
-  isStarted = true;
-  for (std::thread& thread : threads) thread.join();
-  Wrong all;
-  for (const Wrong& one : wrong) {
-    if (all.count == 0) all.first = one.first;
-    all.count += one.count;
-    all.values += one.values;
-  }
-  values += all.values;
-  HOLDS(all.count == 0) << "eight threads at the store at once must each read what they set: " << all.count
-                        << " of " << all.values << " values are wrong, the first: " << all.first
-                        << "; usually the map of a block, or of all blocks, has no lock";
 }
 
 // A client with pictures of its own, which must not be mixed with others'.
@@ -264,10 +140,9 @@ void checkKeys() {
 
 void checkThreads() {
   OPEN_LIBRARY(library);
-  int values = 0;
-  hammerStore(values);
+  hammerStore();
   paintAtOnce();
-  note("8 threads, " + std::to_string(values) + " values; 24 pictures at once");
+  note("24 pictures at once");
 }
 
 }  // namespace orlu::conform

@@ -1,21 +1,48 @@
 #include "descriptor_watch.h"
 
+#include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/syscall.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <map>
 #include <mutex>
 #include <set>
 #include <utility>
 
+#include "watched_calls.h"
+
+extern "C" char __executable_start;
+extern "C" char etext;
+
 namespace orlu::conform {
 namespace {
 
+constexpr size_t kMostKept = 200;
+
+struct Mapping {
+  size_t size;
+  bool isFixed;
+  std::string made;  // by which call, where
+};
+
 struct Seen {
   std::mutex mutex;
-  std::set<int> lent;
+  std::set<int> callers;            // descriptors that are not the library's
+  std::map<int, std::string> kept;  // closed numbers, and where
+  std::deque<int> keptOrder;
+  std::map<int, std::string> duplicates;  // open ones, and where they were made
+  std::map<uintptr_t, Mapping> mappings;  // of images
   std::vector<std::string> wrong;
+  int nothing = -1;  // what stands behind a kept number: reads, maps and writes fail there
 };
 
 std::atomic<bool> gIsWatching{false};
@@ -25,34 +52,88 @@ Seen& seen() {
   return *seen;
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-void look(int fd) {
-  const bool isOpen = fcntl(fd, F_GETFD) >= 0;
-  const std::lock_guard<std::mutex> lock(seen().mutex);
-  const std::string number = "close(" + std::to_string(fd) + ")";
-  if (!isOpen) seen().wrong.push_back(number + " of a number that is not open");
-  if (seen().lent.count(fd) != 0) seen().wrong.push_back(number + " of a descriptor that is the caller's");
+// "close(5) in libfoo.so+0x1234"
+std::string callText(const std::string& call, const void* caller) {
+  Dl_info info;
+  if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr) return call;
+  const std::string path = info.dli_fname;
+  char offset[24];
+  std::snprintf(offset, sizeof offset, "+0x%" PRIxPTR,
+                reinterpret_cast<uintptr_t>(caller) - reinterpret_cast<uintptr_t>(info.dli_fbase));
+  return call + " in " + path.substr(path.rfind('/') + 1) + offset;
 }
-#endif
+
+std::string callText(const char* call, int fd, const void* caller) {
+  return callText(std::string(call) + "(" + std::to_string(fd) + ")", caller);
+}
+
+size_t wholePages(size_t size) {
+  const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  return (size + page - 1) / page * page;
+}
+
+bool isImage(int fd) {
+  char target[64] = {};
+  const std::string link = "/proc/self/fd/" + std::to_string(fd);
+  return readlink(link.c_str(), target, sizeof target - 1) > 0 &&
+         std::string(target).rfind("/memfd:image", 0) == 0;
+}
+
+int badDescriptor() {
+  errno = EBADF;
+  return -1;
+}
+
+// A number that the library has closed is somebody's again. The lock is held.
+void giveUp(Seen& all, int fd, bool isClosed) {
+  all.kept.erase(fd);
+  all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
+  if (isClosed) plainClose(fd);
+}
+
+void keep(Seen& all, int fd, const std::string& text) {
+  all.duplicates.erase(fd);
+  all.kept[fd] = text;
+  all.keptOrder.push_back(fd);
+  if (all.keptOrder.size() > kMostKept) giveUp(all, all.keptOrder.front(), true);
+}
 
 }  // namespace
 
 DescriptorWatch::DescriptorWatch() {
+  Seen& all = seen();
+  all.nothing = open("/", O_PATH | O_CLOEXEC);
+  DIR* const folder = opendir("/proc/self/fd");
+  while (const dirent* const entry = folder == nullptr ? nullptr : readdir(folder)) {  // NOLINT: one thread
+    if (entry->d_name[0] != '.') all.callers.insert(std::atoi(entry->d_name));  // NOLINT: it is a number
+  }
+  if (folder != nullptr) {
+    all.callers.erase(dirfd(folder));
+    closedir(folder);
+  }
   gIsWatching = true;
 }
 
 DescriptorWatch::~DescriptorWatch() {
   gIsWatching = false;
+  const std::lock_guard<std::mutex> lock(seen().mutex);
+  while (!seen().keptOrder.empty()) giveUp(seen(), seen().keptOrder.front(), true);
+  plainClose(seen().nothing);
 }
 
-void DescriptorWatch::lend(int fd) {
+void DescriptorWatch::lend(const std::vector<int>& descriptors) {
   const std::lock_guard<std::mutex> lock(seen().mutex);
-  seen().lent.insert(fd);
+  seen().callers.insert(descriptors.begin(), descriptors.end());
 }
 
-void DescriptorWatch::forget(int fd) {
+void DescriptorWatch::forget(const std::vector<int>& descriptors) {
   const std::lock_guard<std::mutex> lock(seen().mutex);
-  seen().lent.erase(fd);
+  for (const int fd : descriptors) seen().callers.erase(fd);
+}
+
+int DescriptorWatch::kept() const {
+  const std::lock_guard<std::mutex> lock(seen().mutex);
+  return static_cast<int>(seen().kept.size());
 }
 
 std::vector<std::string> DescriptorWatch::takeWrong() {
@@ -60,30 +141,116 @@ std::vector<std::string> DescriptorWatch::takeWrong() {
   return std::exchange(seen().wrong, {});
 }
 
-}  // namespace orlu::conform
+std::vector<std::string> DescriptorWatch::takeLeft() {
+  const std::lock_guard<std::mutex> lock(seen().mutex);
+  std::vector<std::string> left;
+  for (const auto& [fd, made] : std::exchange(seen().duplicates, {})) {
+    // What closes a stream or a folder closes its descriptor unseen.
+    if (plainFcntl(fd, F_GETFD, nullptr) >= 0) left.push_back(std::to_string(fd) + " of " + made);
+  }
+  for (const auto& [begin, mapping] : std::exchange(seen().mappings, {})) {
+    left.push_back(std::to_string(mapping.size) + " bytes of " + mapping.made);
+  }
+  return left;
+}
 
+bool DescriptorWatch::canSee() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return false;
+#else
+  return true;
+#endif
+}
 
-bool orlu::conform::DescriptorWatch::canSee() {
+bool isWatched(const void* caller) {
+  const auto* const address = static_cast<const char*>(caller);
+  return gIsWatching && (address < &__executable_start || address >= &etext);
+}
+
+int watchedClose(int fd, const void* caller) {
+  const std::string text = callText("close", fd, caller);
+  Seen& all = seen();
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  const auto kept = all.kept.find(fd);
+  if (kept != all.kept.end()) {
+    all.wrong.push_back(text + " of a descriptor that was closed before, by " + kept->second);
+    return badDescriptor();
+  }
+  if (all.callers.count(fd) != 0) {
+    all.wrong.push_back(text + " of a descriptor that is the caller's");
+    return 0;  // the caller goes on with it
+  }
+  if (plainFcntl(fd, F_GETFD, nullptr) < 0) {
+    all.wrong.push_back(text + " of a number that is not open");
+    return badDescriptor();
+  }
+  if (plainDuplicate(all.nothing, fd, O_CLOEXEC) < 0) return plainClose(fd);
+  keep(all, fd, text);
+  return 0;
+}
+
+bool watchedUse(const char* call, int fd, const void* caller) {
+  const std::string text = callText(call, fd, caller);
+  Seen& all = seen();
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  const auto kept = all.kept.find(fd);
+  if (kept == all.kept.end()) return true;
+  all.wrong.push_back(text + " of a descriptor that was closed before, by " + kept->second);
+  badDescriptor();
   return false;
 }
 
-#else
-
-bool orlu::conform::DescriptorWatch::canSee() {
-  return true;
+int watchedDuplicate(const char* call, int from, int to, int leastNumber, int flags, const void* caller) {
+  if (!watchedUse(call, from, caller)) return -1;
+  std::string text = callText(call, from, caller);
+  Seen& all = seen();
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  int made = -1;
+  if (to < 0) {
+    const int command = (flags & O_CLOEXEC) == 0 ? F_DUPFD : F_DUPFD_CLOEXEC;
+    made = plainFcntl(from, command, reinterpret_cast<void*>(static_cast<intptr_t>(leastNumber)));
+  } else if (all.callers.count(to) != 0) {
+    all.wrong.push_back(text + " onto " + std::to_string(to) + ", a descriptor that is the caller's");
+    return badDescriptor();
+  } else {
+    made = plainDuplicate(from, to, flags);
+    if (made >= 0 && all.kept.count(to) != 0) giveUp(all, to, false);
+  }
+  if (made >= 0) all.duplicates[made] = std::move(text);
+  return made;
 }
 
-extern "C" char __executable_start;
-extern "C" char etext;
-
-// Stands before the C library's for all that is loaded into this process; the kit's own calls are not looked
-// at.
-extern "C" __attribute__((visibility("default"))) int close(int fd) {
-  const auto* const caller = static_cast<const char*>(__builtin_return_address(0));
-  const bool isOwn = caller >= &__executable_start && caller < &etext;
-  if (orlu::conform::gIsWatching && !isOwn && fd >= 0) orlu::conform::look(fd);
-  return static_cast<int>(syscall(SYS_close, fd));
+void watchedMap(void* address, size_t size, int fd, bool isFixed, const void* caller) {
+  if (!isImage(fd)) return;
+  std::string text = callText("mmap", fd, caller);
+  const std::lock_guard<std::mutex> lock(seen().mutex);
+  seen().mappings[reinterpret_cast<uintptr_t>(address)] = {wholePages(size), isFixed, std::move(text)};
 }
 
-#endif
+int watchedUnmap(void* address, size_t size, const void* caller) {
+  const std::string text = callText("munmap", caller) + " of " + std::to_string(size) + " bytes";
+  const auto begin = reinterpret_cast<uintptr_t>(address);
+  const size_t whole = wholePages(size);
+  Seen& all = seen();
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  const auto mapping = all.mappings.find(begin);
+  if (mapping == all.mappings.end()) {
+    if (msync(address, size, MS_ASYNC) != 0 && errno == ENOMEM) {
+      all.wrong.push_back(text + " where nothing is mapped");
+    }
+  } else if (whole > mapping->second.size) {
+    if (!mapping->second.isFixed) {
+      all.wrong.push_back(text + " where " + std::to_string(mapping->second.size) + " were mapped, by " +
+                          mapping->second.made);
+    }
+    all.mappings.erase(mapping);
+  } else {
+    Mapping rest = mapping->second;
+    all.mappings.erase(mapping);
+    rest.size -= whole;
+    if (rest.size > 0) all.mappings[begin + whole] = std::move(rest);
+  }
+  return plainUnmap(address, size);
+}
+
+}  // namespace orlu::conform

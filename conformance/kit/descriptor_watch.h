@@ -1,5 +1,5 @@
-// Sees each close() of the library's: of a number that is not open, and of one that is somebody else's. Under
-// a sanitizer, which has a close() of its own, nothing is seen.
+// Sees what the library does with descriptors and with mappings of the kit's images. Under a sanitizer, which
+// has such functions of its own, nothing is seen.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace orlu::conform {
 
-// Sees while it lives. One at a time.
+// Sees while it lives. One at a time. What is open when it is made belongs to the caller: make it before the
+// library is opened.
 class DescriptorWatch {
 public:
   DescriptorWatch();
@@ -16,11 +17,16 @@ public:
   ~DescriptorWatch();
 
   static bool canSee();
-  // The library must not close this number, until it is forgotten.
-  void lend(int fd);
-  void forget(int fd);
+  // The library must not close or replace these descriptors, until they are forgotten.
+  void lend(const std::vector<int>& descriptors);
+  void forget(const std::vector<int>& descriptors);
+  // Numbers that the library has closed are kept for a while, so that nobody gets them and a second close is
+  // seen. So many are open because of that.
+  int kept() const;
   // What was wrong since this was last asked.
   std::vector<std::string> takeWrong();
+  // Duplicates and mappings that the library made since this was last asked, and has not given back.
+  std::vector<std::string> takeLeft();
 };
 
 }  // namespace orlu::conform

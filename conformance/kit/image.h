@@ -61,6 +61,8 @@ public:
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
+  // All that travel in the record.
+  std::vector<int> descriptors() const { return {mFd, mOtherFd}; }
   size_t size() const { return mSize; }
   // The bytes that it was made with.
   const std::vector<uint8_t>& pattern() const { return mPattern; }

@@ -199,19 +199,58 @@ void refuseOthers(Table& table) {
 }
 
 // threads
-void unlockStore(Table& table) {
-  // A lost update, without the crash of a broken map: of two threads that set at once, one sets nothing.
+// A store beside the minimal library's: the list of blocks has a lock, the values of a block have one where
+// asked.
+struct LooseBlock {
+  std::mutex mutex;
+  std::map<std::string, std::string> values;
+};
+std::shared_ptr<LooseBlock> looseBlock(void* block, bool isGone = false) {
+  static std::mutex mutex;
+  static std::map<void*, std::shared_ptr<LooseBlock>> blocks;
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::shared_ptr<LooseBlock>& found = blocks[block];
+  if (found == nullptr) found = std::make_shared<LooseBlock>();
+  const std::shared_ptr<LooseBlock> kept = found;
+  if (isGone) blocks.erase(block);
+  return kept;
+}
+void useLooseStore(Table& table, bool locksWrites, bool locksReads) {
   AlgoMetadataOps& ops = table.metadataOps;
-  ops.setValue = [set = ops.setValue](void* block, const char* section, const char* key, void* data,
-                                      unsigned size) {
-    static std::atomic<int> inside{0};
-    const bool isAlone = ++inside == 1;
-    if (isAlone) std::this_thread::yield();
-    const int status =
-        isAlone || std::strstr(key, "_of_thread_") == nullptr ? set(block, section, key, data, size) : 0;
-    --inside;
-    return status;
+  ops.setValue = [locksWrites](void* handle, const char* section, const char* key, void* data,
+                               unsigned size) {
+    const auto block = looseBlock(handle);
+    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
+    if (locksWrites) lock.lock();
+    block->values[std::string(section) + "/" + key].assign(static_cast<const char*>(data), size);
+    return 0;
   };
+  ops.getValue = [locksReads](void* handle, const char* section, const char* key, void* data, unsigned size) {
+    const auto block = looseBlock(handle);
+    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
+    if (locksReads) lock.lock();
+    const auto value = block->values.find(std::string(section) + "/" + key);
+    if (value == block->values.end()) return -1;
+    std::memcpy(data, value->second.data(), std::min<size_t>(size, value->second.size()));
+    return 0;
+  };
+  ops.destroyMetadata = [destroy = ops.destroyMetadata](void* handle) {
+    looseBlock(handle, true);
+    destroy(handle);
+  };
+  ops.getSize = [size = ops.getSize](void* handle) {
+    size_t sum = size(handle);
+    const auto block = looseBlock(handle);
+    const std::lock_guard<std::mutex> lock(block->mutex);
+    for (const auto& [key, value] : block->values) sum += value.size();
+    return static_cast<unsigned>(sum);
+  };
+}
+void unlockStore(Table& table) {
+  useLooseStore(table, false, false);
+}
+void unlockReaders(Table& table) {
+  useLooseStore(table, true, false);
 }
 void shareBuffer(Table& table) {
   static Bytes shared(1 << 20);
@@ -290,22 +329,6 @@ void hangInFlush(Table& table) {
   };
 }
 
-// descriptors
-void leaveRawDescriptor(Table& table) {
-  onProcess(table, [](const AlgoProcessRecord& record) {
-    if (record.inputFrames.empty() || record.inputFrames[0].format != kFormatRaw16) return;
-    [[maybe_unused]] const int kept = fcntl(record.inputFrames[0].fd[0], F_DUPFD_CLOEXEC, 0);
-  });
-}
-void closeTwice(Table& table) {
-  onProcess(table, [](const AlgoProcessRecord& record) {
-    if (record.inputFrames.empty()) return;
-    const int fd = fcntl(record.inputFrames[0].fd[0], F_DUPFD_CLOEXEC, 500);
-    close(fd);
-    close(fd);
-  });
-}
-
 // leaks
 void leak32Bytes(Table& table) {
   static std::atomic<void*> chain{nullptr};  // reachable: no leak check sees it
@@ -334,14 +357,13 @@ std::vector<Mutant> lifeMutants() {
       {"refuse_after_uninit",  refuseAfterUninit },
       {"refuse_others",        refuseOthers      },
       {"unlock_store",         unlockStore       },
+      {"unlock_readers",       unlockReaders     },
       {"share_buffer",         shareBuffer       },
       {"wait_for_previous",    waitForPrevious   },
       {"lock_while_calling",   lockWhileCalling  },
       {"wait_for_itself",      waitForItself     },
       {"flush_early",          flushEarly        },
       {"hang_in_flush",        hangInFlush       },
-      {"leave_raw_descriptor", leaveRawDescriptor},
-      {"close_twice",          closeTwice        },
       {"leak_32_bytes",        leak32Bytes       },
   };
 }

@@ -31,6 +31,7 @@ std::vector<Mutant> tableMutants();
 std::vector<Mutant> blockMutants();
 std::vector<Mutant> requestMutants();
 std::vector<Mutant> lifeMutants();
+std::vector<Mutant> descriptorMutants();
 
 // How often the entry was called in this process.
 extern std::atomic<int> gEntries;

@@ -79,7 +79,8 @@ extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(
   const char* const name = std::getenv("ORLU_MUTANT");
   ++gEntries;
   entryOf(MUTANT_MINIMAL, *table);
-  for (const auto& mutants : {tableMutants(), blockMutants(), requestMutants(), lifeMutants()}) {
+  for (const auto& mutants :
+       {tableMutants(), blockMutants(), requestMutants(), lifeMutants(), descriptorMutants()}) {
     for (const Mutant& mutant : mutants) {
       if (name != nullptr && std::strcmp(name, mutant.name) == 0) mutant.plant(*table);
     }

@@ -1,0 +1,195 @@
+#include "store_hammer.h"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <ctime>
+
+#include "scene.h"
+
+namespace orlu::conform {
+namespace {
+
+constexpr int kThreads = 8;
+constexpr int kKeys = 8;       // of each thread, in each shared block
+constexpr int kRounds = 1000;  // each with a new shared block: in a small one threads meet more often
+constexpr double kMostSeconds = 3;
+constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
+constexpr char kOfAll[] = "set_by_all_threads";
+
+// Calls without this side's watching, which would keep the threads apart.
+int setBare(void* block, const std::string& key, const std::string& bytes) {
+  return call(-1, Library::open()->bareTable().metadataOps.setValue, block, kParameter, key.c_str(),
+              static_cast<void*>(const_cast<char*>(bytes.data())), static_cast<unsigned>(bytes.size()));
+}
+
+std::string getBare(void* block, const std::string& key, size_t size) {
+  std::string bytes(size, '\0');
+  const int status = call(-1, Library::open()->bareTable().metadataOps.getValue, block, kParameter,
+                          key.c_str(), static_cast<void*>(bytes.data()), static_cast<unsigned>(bytes.size()));
+  return status == 0 ? bytes : "";
+}
+
+// Interrupts the thread that made it at odd moments, inside the library too, and lets others run: what has no
+// lock shows then on a machine with one processor as well.
+class Interruptions {
+public:
+  Interruptions() {
+    struct sigaction action = {};
+    action.sa_handler = [](int) {
+      const int error = errno;
+      const timespec moment = {0, 20'000};
+      nanosleep(&moment, nullptr);
+      errno = error;
+    };
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGURG, &action, nullptr);
+    sigevent event = {};
+    event.sigev_notify = SIGEV_THREAD_ID;
+    event.sigev_signo = SIGURG;
+    event._sigev_un._tid = static_cast<pid_t>(syscall(SYS_gettid));
+    mIsMade = timer_create(CLOCK_MONOTONIC, &event, &mTimer) == 0;
+    const itimerspec interval = {
+        {0, 130'000},
+        {0, 130'000}
+    };
+    if (mIsMade) timer_settime(mTimer, 0, &interval, nullptr);
+  }
+  Interruptions(const Interruptions&) = delete;
+  Interruptions& operator=(const Interruptions&) = delete;
+  ~Interruptions() {
+    if (mIsMade) timer_delete(mTimer);
+  }
+
+private:
+  timer_t mTimer = {};
+  bool mIsMade;
+};
+
+// All threads leave wait() at the same moment.
+class Barrier {
+public:
+  void wait() {
+    const int turn = mTurn;
+    if (++mArrived == kThreads) {
+      mArrived = 0;
+      ++mTurn;
+    } else {
+      while (mTurn == turn) std::this_thread::yield();
+    }
+  }
+
+private:
+  std::atomic<int> mArrived{0};
+  std::atomic<int> mTurn{0};
+};
+
+// What is wrong with the values that threads have set.
+struct Wrong {
+  int count = 0;
+  std::string first;
+
+  void expect(const std::string& key, const std::string& wanted, const std::string& seen) {
+    if (seen == wanted) return;
+    if (count++ > 0) return;
+    first = key + " must have " + std::to_string(wanted.size()) + " bytes of " +
+            std::to_string(static_cast<unsigned char>(wanted[0])) +
+            (seen.empty() ? ", and is not there" : ", and has others");
+  }
+  void add(const Wrong& other) {
+    if (count == 0) first = other.first;
+    count += other.count;
+  }
+};
+
+struct Hammer {
+  Barrier barrier;
+  void* shared = nullptr;  // the round's block
+  int rounds = 0;
+  bool isDone = false;
+  Wrong wrong[kThreads];
+
+  // Names of all threads lie beside one another in any order that a store may have.
+  static std::string key(int number, int thread) {
+    return std::to_string(number) + "_of_thread_" + std::to_string(thread);
+  }
+  static std::string bytes(int round, int number, int thread, size_t size) {
+    return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
+  }
+
+  // New keys, one that all threads set, and a block that comes and goes.
+  void strike(int round, int thread) {
+    Wrong& own = wrong[thread];
+    for (int i = 0; i < kKeys; ++i) {
+      const std::string small = bytes(round, i, thread, 8);
+      setBare(shared, key(i, thread), small);
+      own.expect(key(i, thread), small, getBare(shared, key(i, thread), small.size()));
+    }
+    setBare(shared, kOfAll, bytes(round, 0, thread, kLarge));
+    const std::string seen = getBare(shared, kOfAll, kLarge);
+    // Anyone's, but whole.
+    own.expect(kOfAll, std::string(kLarge, seen.empty() ? '\0' : seen[0]), seen);
+    const auto& ops = Library::open()->bareTable().metadataOps;
+    void* const block = call<void*>(nullptr, ops.createMetadata, kParameterBlock);
+    const std::string small = bytes(round, 0, thread, 8);
+    setBare(block, "own", small);
+    own.expect("own", small, getBare(block, "own", small.size()));
+    callPlain(ops.destroyMetadata, block);
+  }
+
+  // The first thread makes and judges each round's block while the others wait.
+  void lead() {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(kMostSeconds);
+    for (; rounds < kRounds && std::chrono::steady_clock::now() < end; ++rounds) {
+      const Block block;
+      shared = block.handle();
+      barrier.wait();
+      strike(rounds, 0);
+      barrier.wait();
+      for (int thread = 0; thread < kThreads; ++thread) {
+        for (int i = 0; i < kKeys; ++i) {
+          wrong[0].expect(key(i, thread), bytes(rounds, i, thread, 8), getBare(shared, key(i, thread), 8));
+        }
+      }
+    }
+    isDone = true;
+    barrier.wait();
+  }
+
+  void follow(int thread) {
+#ifndef __SANITIZE_THREAD__  // which sees races without, and holds signals back
+    const Interruptions interruptions;
+#endif
+    for (;;) {
+      barrier.wait();
+      if (isDone) return;
+      strike(rounds, thread);
+      barrier.wait();
+    }
+  }
+};
+
+}  // namespace
+
+void hammerStore() {
+  step("eight threads at one block and at blocks of their own; a crash here is usually a map without a lock");
+  Hammer hammer;
+  std::vector<std::thread> threads;
+  for (int i = 1; i < kThreads; ++i) threads.emplace_back([&hammer, i] { hammer.follow(i); });
+  hammer.lead();
+  for (std::thread& thread : threads) thread.join();
+  Wrong all;
+  for (const Wrong& one : hammer.wrong) all.add(one);
+  const int values = hammer.rounds * kThreads * (2 * kKeys + 2);
+  HOLDS(all.count == 0) << "eight threads at the store at once must each read what was set, and whole: "
+                        << all.count << " of " << values << " values are wrong, the first: " << all.first
+                        << "; usually the map of a block, or of all blocks, has no lock";
+  note("8 threads, " + std::to_string(values) + " values in " + std::to_string(hammer.rounds) + " rounds");
+}
+
+}  // namespace orlu::conform
