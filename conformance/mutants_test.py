@@ -34,7 +34,7 @@ def compare(row):
     # Waits of a loaded machine look like faults; a fault stays one when it is looked at again.
     for _ in range(3):
         found = judge("libmutant_algo.so", mutant)
-        if wanted <= found <= allowed:
+        if wanted <= found and ("any" in allowed or found <= allowed):
             return None
     return f"{mutant} fails {' '.join(sorted(found)) or 'nothing'} instead of {' '.join(sorted(wanted))}"
 

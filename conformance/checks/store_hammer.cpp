@@ -18,7 +18,9 @@ namespace {
 constexpr int kThreads = 8;
 constexpr int kKeys = 8;       // of each thread, in each shared block
 constexpr int kRounds = 1000;  // each with a new shared block: in a small one threads meet more often
-constexpr double kMostSeconds = 3;
+// The time is over at the latest then, but for the fewest rounds that find a missing lock.
+constexpr std::chrono::seconds kMostHammering{3};
+constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
 
@@ -144,8 +146,9 @@ struct Hammer {
 
   // The first thread makes and judges each round's block while the others wait.
   void lead() {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(kMostSeconds);
-    for (; rounds < kRounds && std::chrono::steady_clock::now() < end; ++rounds) {
+    const auto end = std::chrono::steady_clock::now() + kMostHammering;
+    const auto goesOn = [&] { return rounds < kFewestRounds || std::chrono::steady_clock::now() < end; };
+    for (; rounds < kRounds && goesOn(); ++rounds) {
       const Block block;
       shared = block.handle();
       barrier.wait();

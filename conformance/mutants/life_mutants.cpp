@@ -141,16 +141,55 @@ void keepClientMemory(Table& table) {
     return create(record);
   };
 }
-// The worker is not waited for: it writes when its client is gone.
+// Outputs of requests that are out, and those of clients that were flushed with requests out.
+struct Unfinished {
+  std::mutex mutex;
+  std::map<void*, std::pair<void*, int>> outputs;  // by block: the client, and the file
+  std::map<void*, std::vector<int>> flushed;       // files, by client
+};
+void startOutput(Unfinished& all, const AlgoProcessRecord& record) {
+  if (record.outputFrames.empty()) return;
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  const int fd = fcntl(record.outputFrames[0].fd[0], F_DUPFD_CLOEXEC, 0);
+  all.outputs[record.metadata[0].block] = {record.client, fd};
+}
+void finishOutput(Unfinished& all, void* block) {
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  const auto output = all.outputs.find(block);
+  if (output == all.outputs.end()) return;
+  close(output->second.second);
+  all.outputs.erase(output);
+}
+// The workers are not waited for: they write when their client is gone.
 void leaveWorkers(Table& table) {
-  onProcess(table, [](const AlgoProcessRecord& record) {
-    if (record.outputFrames.empty()) return;
-    const int fd = fcntl(record.outputFrames[0].fd[0], F_DUPFD_CLOEXEC, 0);
-    later(30, [fd] {
-      touch(fd, 64, [](uint8_t* memory) { memory[40] = static_cast<uint8_t>(memory[40] ^ 1); });
-      close(fd);
-    });
+  static Unfinished all;
+  onProcess(table, [](const AlgoProcessRecord& record) { startOutput(all, record); });
+  onCallback(table, [](const Bytes& bytes, const Send& send, void* block, const auto&) {
+    finishOutput(all, block);
+    send(bytes);
   });
+  table.flush = [flush = table.flush](const AlgoFlushRecord& record) {
+    {
+      const std::lock_guard<std::mutex> lock(all.mutex);
+      for (const auto& [block, output] : all.outputs) {
+        if (output.first != record.client) continue;
+        all.flushed[record.client].push_back(fcntl(output.second, F_DUPFD_CLOEXEC, 0));
+      }
+    }
+    return flush(record);
+  };
+  table.destroyClient = [destroy = table.destroyClient](void* client) {
+    const int status = destroy(client);
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    later(5, [files = std::move(all.flushed[client])] {
+      for (const int fd : files) {
+        touch(fd, 64, [](uint8_t* memory) { ++memory[40]; });
+        close(fd);
+      }
+    });
+    all.flushed.erase(client);
+    return status;
+  };
 }
 std::atomic<bool> gIsReleased{false};
 void refuseWhenReleased(Table& table) {
