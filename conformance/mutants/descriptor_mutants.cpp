@@ -33,7 +33,7 @@ void leaveRawDescriptor(Table& table) {
 void leaveDup(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
     if (frame.format == kFormatRgba8888) [[maybe_unused]]
-      const int kept = dup(fd);
+      const int kept = dup(fd);  // NOLINT(android-cloexec-dup): a maker's mistake
   });
 }
 void closeTwice(Table& table) {

@@ -250,7 +250,7 @@ std::shared_ptr<LooseBlock> looseBlock(void* block, bool isGone = false) {
   const std::lock_guard<std::mutex> lock(mutex);
   std::shared_ptr<LooseBlock>& found = blocks[block];
   if (found == nullptr) found = std::make_shared<LooseBlock>();
-  const std::shared_ptr<LooseBlock> kept = found;
+  std::shared_ptr<LooseBlock> kept = found;
   if (isGone) blocks.erase(block);
   return kept;
 }
@@ -302,26 +302,32 @@ void shareBuffer(Table& table) {
   });
 }
 
+// Counts the requests that are out.
+struct RequestsOut {
+  std::mutex mutex;
+  std::condition_variable changed;
+  int count = 0;
+
+  void finishWithCallbacks(Table& table) {
+    onCallback(table, [this](const Bytes& bytes, const Send& send, void*, const auto&) {
+      send(bytes);
+      const std::lock_guard<std::mutex> lock(mutex);
+      --count;
+      changed.notify_all();
+    });
+  }
+};
+
 // overlap
 void waitForPrevious(Table& table) {
-  static std::mutex mutex;
-  static std::condition_variable done;
-  static int out = 0;
-  onCallback(table, [](const Bytes& bytes, const Send& send, void*, const auto&) {
-    send(bytes);
-    const std::lock_guard<std::mutex> lock(mutex);
-    --out;
-    done.notify_all();
+  static RequestsOut out;
+  out.finishWithCallbacks(table);
+  onProcess(table, [](const AlgoProcessRecord&) {
+    std::unique_lock<std::mutex> lock(out.mutex);
+    // Not for ever, so that it is no hang.
+    out.changed.wait_for(lock, std::chrono::milliseconds(900), [] { return out.count == 0; });
+    ++out.count;
   });
-  table.process = [process = table.process](const AlgoProcessRecord& record) {
-    {
-      std::unique_lock<std::mutex> lock(mutex);
-      // Not for ever, so that it is no hang.
-      done.wait_for(lock, std::chrono::milliseconds(900), [] { return out == 0; });
-      ++out;
-    }
-    return process(record);
-  };
 }
 
 // inside
@@ -337,23 +343,16 @@ void lockWhileCalling(Table& table) {
   };
 }
 void waitForItself(Table& table) {
-  static std::mutex mutex;
-  static std::condition_variable done;
-  static int out = 0;
-  onCallback(table, [](const Bytes& bytes, const Send& send, void*, const auto&) {
-    send(bytes);
-    const std::lock_guard<std::mutex> lock(mutex);
-    --out;
-    done.notify_all();
-  });
+  static RequestsOut out;
+  out.finishWithCallbacks(table);
   onProcess(table, [](const AlgoProcessRecord&) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    ++out;
+    const std::lock_guard<std::mutex> lock(out.mutex);
+    ++out.count;
   });
   table.flush = [flush = table.flush](const AlgoFlushRecord& record) {
     flush(record);
-    std::unique_lock<std::mutex> lock(mutex);
-    done.wait(lock, [] { return out <= 0; });
+    std::unique_lock<std::mutex> lock(out.mutex);
+    out.changed.wait(lock, [] { return out.count <= 0; });
     return 0;
   };
 }
