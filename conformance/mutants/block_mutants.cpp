@@ -133,6 +133,61 @@ void visitUnderLock(Table& table) {
   };
 }
 
+// threads
+// A store beside the minimal library's: the list of blocks has a lock, the values of a block have one where
+// asked.
+struct LooseBlock {
+  std::mutex mutex;
+  std::map<std::string, std::string> values;
+};
+std::shared_ptr<LooseBlock> looseBlock(void* block, bool isGone = false) {
+  static std::mutex mutex;
+  static std::map<void*, std::shared_ptr<LooseBlock>> blocks;
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::shared_ptr<LooseBlock>& found = blocks[block];
+  if (found == nullptr) found = std::make_shared<LooseBlock>();
+  std::shared_ptr<LooseBlock> kept = found;
+  if (isGone) blocks.erase(block);
+  return kept;
+}
+void useLooseStore(Table& table, bool locksWrites, bool locksReads) {
+  AlgoMetadataOps& ops = table.metadataOps;
+  ops.setValue = [locksWrites](void* handle, const char* section, const char* key, void* data,
+                               unsigned size) {
+    const auto block = looseBlock(handle);
+    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
+    if (locksWrites) lock.lock();
+    block->values[std::string(section) + "/" + key].assign(static_cast<const char*>(data), size);
+    return 0;
+  };
+  ops.getValue = [locksReads](void* handle, const char* section, const char* key, void* data, unsigned size) {
+    const auto block = looseBlock(handle);
+    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
+    if (locksReads) lock.lock();
+    const auto value = block->values.find(std::string(section) + "/" + key);
+    if (value == block->values.end()) return -1;
+    std::memcpy(data, value->second.data(), std::min<size_t>(size, value->second.size()));
+    return 0;
+  };
+  ops.destroyMetadata = [destroy = ops.destroyMetadata](void* handle) {
+    looseBlock(handle, true);
+    destroy(handle);
+  };
+  ops.getSize = [size = ops.getSize](void* handle) {
+    size_t sum = size(handle);
+    const auto block = looseBlock(handle);
+    const std::lock_guard<std::mutex> lock(block->mutex);
+    for (const auto& [key, value] : block->values) sum += value.size();
+    return static_cast<unsigned>(sum);
+  };
+}
+void unlockStore(Table& table) {
+  useLooseStore(table, false, false);
+}
+void unlockReaders(Table& table) {
+  useLooseStore(table, true, false);
+}
+
 }  // namespace
 
 std::vector<Mutant> blockMutants() {
@@ -150,6 +205,8 @@ std::vector<Mutant> blockMutants() {
       {"refuse_raw",        refuseRaw      },
       {"visit_without_key", visitWithoutKey},
       {"visit_under_lock",  visitUnderLock },
+      {"unlock_store",      unlockStore    },
+      {"unlock_readers",    unlockReaders  },
   };
 }
 

@@ -238,59 +238,6 @@ void refuseOthers(Table& table) {
 }
 
 // threads
-// A store beside the minimal library's: the list of blocks has a lock, the values of a block have one where
-// asked.
-struct LooseBlock {
-  std::mutex mutex;
-  std::map<std::string, std::string> values;
-};
-std::shared_ptr<LooseBlock> looseBlock(void* block, bool isGone = false) {
-  static std::mutex mutex;
-  static std::map<void*, std::shared_ptr<LooseBlock>> blocks;
-  const std::lock_guard<std::mutex> lock(mutex);
-  std::shared_ptr<LooseBlock>& found = blocks[block];
-  if (found == nullptr) found = std::make_shared<LooseBlock>();
-  std::shared_ptr<LooseBlock> kept = found;
-  if (isGone) blocks.erase(block);
-  return kept;
-}
-void useLooseStore(Table& table, bool locksWrites, bool locksReads) {
-  AlgoMetadataOps& ops = table.metadataOps;
-  ops.setValue = [locksWrites](void* handle, const char* section, const char* key, void* data,
-                               unsigned size) {
-    const auto block = looseBlock(handle);
-    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
-    if (locksWrites) lock.lock();
-    block->values[std::string(section) + "/" + key].assign(static_cast<const char*>(data), size);
-    return 0;
-  };
-  ops.getValue = [locksReads](void* handle, const char* section, const char* key, void* data, unsigned size) {
-    const auto block = looseBlock(handle);
-    std::unique_lock<std::mutex> lock(block->mutex, std::defer_lock);
-    if (locksReads) lock.lock();
-    const auto value = block->values.find(std::string(section) + "/" + key);
-    if (value == block->values.end()) return -1;
-    std::memcpy(data, value->second.data(), std::min<size_t>(size, value->second.size()));
-    return 0;
-  };
-  ops.destroyMetadata = [destroy = ops.destroyMetadata](void* handle) {
-    looseBlock(handle, true);
-    destroy(handle);
-  };
-  ops.getSize = [size = ops.getSize](void* handle) {
-    size_t sum = size(handle);
-    const auto block = looseBlock(handle);
-    const std::lock_guard<std::mutex> lock(block->mutex);
-    for (const auto& [key, value] : block->values) sum += value.size();
-    return static_cast<unsigned>(sum);
-  };
-}
-void unlockStore(Table& table) {
-  useLooseStore(table, false, false);
-}
-void unlockReaders(Table& table) {
-  useLooseStore(table, true, false);
-}
 void shareBuffer(Table& table) {
   static Bytes shared(1 << 20);
   onFinish(table, [](const AlgoFrameInfo& frame, const Bytes&, uint8_t* memory) {
@@ -394,8 +341,6 @@ std::vector<Mutant> lifeMutants() {
       {"leave_workers",        leaveWorkers      },
       {"refuse_after_uninit",  refuseAfterUninit },
       {"refuse_others",        refuseOthers      },
-      {"unlock_store",         unlockStore       },
-      {"unlock_readers",       unlockReaders     },
       {"share_buffer",         shareBuffer       },
       {"wait_for_previous",    waitForPrevious   },
       {"lock_while_calling",   lockWhileCalling  },
