@@ -225,6 +225,9 @@ def distrusts_strangers():
          "a\\u001b[2J dropped, unknown tag"),
         ("many.json", json.dumps({"captureResults": [{}] * 1000, "outputs": [7] * 2000}).encode(),
          "and 1001 more notes"),
+        ("values.txt", (result + " orlu.control.localtime (1): byte[3000000]\n"
+                        + ("[" + "1 " * 500000 + "]\n") * 6).encode(),
+         "localtime dropped, incomplete entry: 1500000 of 3000000 values are printed"),
         ("marker.jpg", exif.replace(b"II*\0", b"IIx\0", 1), "can't be read: Unexpected TIFF marker: 0x78"),
         ("empty.tif", b"", "can't be read: Attempt to read from beyond end"),
     ]

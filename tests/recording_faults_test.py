@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Recordings that are cut or damaged anywhere, and full disks: recording_faults_test.py BUILD_FOLDER"""
 
+import json
 import os
 import random
 import re
@@ -78,6 +79,48 @@ def check_damage(shots):
         expect(f"replay {copy}: {err}", False, "Exception" in err or "null" in err)
 
 
+def limited(shot):
+    """For each limit: how a recording goes beyond it, and what info says."""
+    whole = json.loads((shot / "request.json").read_text())
+    image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
+             "memory": "shared"}
+    large = {**image, "size": 1 << 30}
+    rows = {
+        "frames": (1001 * whole["frames"][:1], "frames: needs at most 1000 elements, found 1001"),
+        "inputs": (4001 * [image], "inputs: needs at most 4000 elements, found 4001"),
+        "outputs": (3 * [large],
+                    "outputs[2]: needs at most 2147483648 bytes of all images up to this one, found "),
+    }
+    for member, (value, problem) in rows.items():
+        yield {**whole, "inputs": [], member: value}, problem
+    for changed, problem in (
+            ({"size": (1 << 30) + 1}, "size: needs a whole number from 0 to 1073741824, found 1073741825"),
+            ({"rowStrides": 17 * [2]}, "rowStrides: needs at most 16 planes, found 17"),
+            ({"file": "a" * 101, "crc": ""}, "file: needs the name of a file in the recording's folder"),
+            ({"file": "a b", "crc": ""}, "file: needs the name of a file in the recording's folder")):
+        yield {**whole, "inputs": [{**image, **changed}]}, f"inputs[0].{problem}"
+    yield {**whole, "trimmed": []}, "request.json: needs at most 8388608 bytes, found 8388609"
+
+
+def check_limits(shot):
+    problems = {}
+    for i, (request_json, problem) in enumerate(limited(shot)):
+        folder = Path("limits") / f"{i:02}"
+        folder.mkdir(parents=True)
+        (folder / "request.json").write_text(json.dumps(request_json))
+        problems[folder] = problem
+    os.truncate(folder / "request.json", (8 << 20) + 1)
+    for name, most in (("outcome.json", 8 << 20), ("events.jsonl", 1 << 28)):
+        folder = Path("limits") / name
+        shutil.copytree(shot, folder)
+        os.truncate(folder / name, most + 1)
+        problems[folder] = f"{name}: needs at most {most} bytes, found {most + 1}"
+    _, out, err = outcome("info", "limits")
+    for folder, problem in problems.items():
+        expect(f"{problem}: {out}{err}", True, any(
+            str(folder) in text and problem in text for text in joined(out + err).splitlines()))
+
+
 def results(folder):
     """The outputs without the time of the day in their EXIF blocks."""
     return {file.name: re.sub(rb"\d{4}:\d\d:\d\d \d\d:\d\d:\d\d", b"", file.read_bytes())
@@ -124,7 +167,9 @@ def check_full_disk():
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
     expect("recorded", 0, outcome("--record", "shots", "--out", "out", *map(request, SAMPLES))[0])
-    check_damage(sorted(Path("shots").iterdir()))
+    shots = sorted(Path("shots").iterdir())
+    check_damage(shots)
+    check_limits(shots[0])
     check_full_disk()
     os.chdir("/")
 finish()

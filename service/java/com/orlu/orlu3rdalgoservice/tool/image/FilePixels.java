@@ -7,6 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageFile;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.EOFException;
 import java.io.IOException;
@@ -46,7 +47,7 @@ public final class FilePixels {
                 }
             }
         } catch (IOException e) {
-            throw mPlan.place().error("file", mFile.path() + ": " + e.getMessage());
+            throw mPlan.place().error("file", mFile.path() + ": " + Printable.message(e));
         }
     }
 

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.request.Limits;
+import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
@@ -162,7 +163,7 @@ public final class Importer {
         mNotes.begin(expected.json());
         String stem = expected.json().getFileName().toString().replaceFirst("\\.[^.]*$", "");
         Path file = expected.json().resolveSibling(stem + "." + output.name());
-        if (!Files.isRegularFile(file)) {
+        if (!RecordedFile.isRegular(file)) {
             mNotes.add("outputs", "no picture is named for " + output.name() + " " + output.width() + "x"
                     + output.height() + ", and there is no " + file.getFileName());
         } else if (output.kind() == ImageFileKind.BYTES) {

@@ -25,9 +25,12 @@ final class RecordedRequestReader {
     private static final int CAMERA_IMAGE_FORMAT = 35;
     private static final int MOST_FRAMES = 1000;
     private static final int MOST_IMAGES = 4000;
+    /** Bytes of all images together, which are in memory at once when the request runs. */
+    private static final long MOST_IMAGE_BYTES = 1L << 31;
 
     private final Path mFile;
     private final Mistakes mMistakes;
+    private long mImageBytes;
 
     RecordedRequestReader(Path file, Mistakes mistakes) {
         mFile = file;
@@ -106,9 +109,18 @@ final class RecordedRequestReader {
     private List<ImagePlan> images(Json list) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         for (Json image : limited(list, MOST_IMAGES)) {
-            mMistakes.attempt(() -> images.add(
-                    ImagePlan.exact(ImageLayout.read(mFile.resolveSibling(""), image), image)));
+            mMistakes.attempt(() -> images.add(image(image)));
         }
         return images;
+    }
+
+    private ImagePlan image(Json image) throws MistakeException {
+        ImageLayout layout = ImageLayout.read(mFile.resolveSibling(""), image);
+        mImageBytes += layout.size();
+        if (mImageBytes > MOST_IMAGE_BYTES) {
+            throw image.error("needs at most " + MOST_IMAGE_BYTES + " bytes of all images up to this one, found "
+                    + mImageBytes);
+        }
+        return ImagePlan.exact(layout, image);
     }
 }

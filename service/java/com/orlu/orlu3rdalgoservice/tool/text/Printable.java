@@ -19,7 +19,8 @@ public final class Printable {
     /** Returns what an exception says, in one line; never empty. */
     public static String message(Throwable e) {
         String message = e.getMessage();
-        return message != null && !message.isBlank() ? line(message)
+        // Some decoders make a text of a message that is missing.
+        return message != null && !message.isBlank() && !message.equals("null") ? line(message)
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }
 
