@@ -162,10 +162,86 @@ def check_samples():
     expect("kinds replayed", len(kinds), said.count(": ran, "))
 
 
+# What a private copy leaves out: its kind, and a value. No file of the copy may hold one of the secrets.
+IDENTITY = "value that may identify a person or machine"
+PRIVATE = {
+    "android.jpeg.gpsLocation": ("location", {"latitude": 48.137, "longitude": 11.575, "time": 1700000000123}),
+    "android.statistics.faces": ("face", [{"left": 1, "top": 2, "right": 3, "bottom": 4, "score": 98}]),
+    "orlu.control.gender_type": ("face", 1),
+    "orlu.control.localtime": ("time of day", "1700000456"),
+    "orlu.control.watermark_name": (IDENTITY, "Shot by Anna"),
+    "my.serialNumber": (IDENTITY, "R58ABC"),
+    "my.serialNumbers": (IDENTITY, {"long": 42424242}),
+    "my.owners": (IDENTITY, {"strings": ["Anna"]}),
+    "my.log": ("text", "/home/anna/log"),
+    "my.blob": ("text", {"bytes": b"\0\1/home/anna/calibration\0".hex()}),
+    "my.wide": ("text", {"bytes": "/home/anna".encode("utf-16-le").hex()}),
+}
+SECRETS = ("48.137", "1700000", "R58ABC", "424242", "anna", "Anna", b"anna".hex(),
+           "anna".encode("utf-16-le").hex(), "about someone", "Linux", "Exif")
+KEPT = ("my.updates", "my.allocations", "my.surfaceRect", "my.ghost")
+
+
+def check_private():
+    request = json.loads((ROOT / "samples/capture.json").read_text())
+    request |= {"about": "about someone", "photo": str(ROOT / "samples/photos/portrait.jpg")}
+    request["properties"] = {"persist.sys.camera3rd.autotest": "1", "debug.dump": "/home/anna"}
+    request["frames"] |= {"width": 64, "height": 48}
+    common = request["frames"]["common"]
+    for name, (_, value) in PRIVATE.items():
+        common.setdefault("composition" if name.startswith("my.") else "captureResult", {})[name] = value
+    common["composition"] |= {name: "plain" for name in KEPT}
+    Path("private.json").write_text(json.dumps(request))
+    said_by(0, "--record", "whole", "--out", "out", "private.json")
+    shot = next(Path("whole").iterdir())
+    listed = said_by(0, "info", "--private", shot)
+    said = said_by(0, "trim", shot, "--out", "private", "--private")
+    for name, (kind, _) in [*PRIVATE.items(), ("debug.dump", ("text", ""))]:
+        expect(f"info on {name}", True, f"  {kind}: {name}\n" in listed)
+        expect(f"left out {name}", True, f"  note: left out, {kind}: {name}\n" in said)
+    for line in ("time of day: recording.milliseconds", "machine: recording.system", "of a JPEG: output0.bin",
+                 "names of threads: events.jsonl"):
+        expect(f"info on {line}", True, line in listed)
+    held = [secret for secret in SECRETS for file in Path("private").iterdir()
+            if secret.encode() in file.read_bytes()]
+    expect("secrets in the copy", [], held)
+    expect("info on the copy", "private: nothing found beside the pixels\n",
+           said_by(0, "info", "--private", "private"))
+    copy = recorded(Path("private"))
+    expect("what else is kept", True, {"android.sensor.timestamp", "android.sensor.info.colorFilterArrangement"}
+           <= set(copy["frames"][0]["captureResult"]))
+    expect("names that look private", set(KEPT), set(KEPT) & set(copy["frames"][0]["composition"]))
+    expect("properties", {"persist.sys.camera3rd.autotest": "1"}, copy["properties"])
+    said = said_by(0, "replay", "private")
+    expect("the copy runs", True, ": ran, " in said and "trimmed: without private facts" in said)
+    said_by(0, "trim", shot, "--out", "faces", "--private", "--faces")
+    expect("faces on demand", True, "android.statistics.faces" in Path("faces/request.json").read_text())
+
+    # Places where a copy of another tool may have texts, and a JPEG input with an EXIF block.
+    jpeg = (shot / "output0.bin").read_bytes()
+    image = recorded(shot)["outputs"][0] | {"file": "input0.bin", "size": len(jpeg), "frame": 0,
+                                            "crc": f"{zlib.crc32(jpeg):08x}"}
+    folder = Path("private")
+    (folder / "input0.bin").write_bytes(jpeg)
+    changed = recorded(folder) | {"inputs": [image], "trimmed": [{"frames": [0], "by": "anna"}]}
+    changed["request"]["type"] = "capture for anna@example.org"
+    (folder / "request.json").write_text(json.dumps(changed))
+    (folder / "outcome.json").write_text(json.dumps({"failed": "no space in /home/anna"}))
+    said = said_by(0, "info", "--private", folder) + said_by(0, "trim", folder, "--out", "jpeg", "--private")
+    for line in ("text: request.type", "text: outcome.json, failed"):
+        expect(f"info on {line}", True, line in said)
+    expect("secrets elsewhere", False, b"anna" in Path("jpeg/request.json").read_bytes())
+    plain = Path("jpeg/input0.bin").read_bytes()
+    expect("EXIF", (True, False), (b"Exif" in jpeg, b"Exif" in plain))
+    scan = jpeg.index(b"\xff\xda")
+    expect("a JPEG's picture", jpeg[scan:], plain[scan:])
+
+
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
     Path("cropped").mkdir()
     check_every_layout()
     check_samples()
+    check_private()
     os.chdir("/")
 finish()

@@ -1,9 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.PrivateFacts;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.view.RecordingSummary;
 
 import java.io.IOException;
@@ -11,6 +14,7 @@ import java.nio.file.Path;
 import java.util.List;
 
 import picocli.CommandLine.Command;
+import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
 /** The subcommand info: prints what recordings hold. */
@@ -20,6 +24,8 @@ import picocli.CommandLine.Parameters;
 final class InfoCommand implements Subcommand {
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFolders;
+    @Option(names = "--private", description = "list what tells about a person or a machine instead")
+    private boolean mIsPrivate;
 
     @Override
     public int run() throws MistakeException, IOException {
@@ -28,7 +34,12 @@ final class InfoCommand implements Subcommand {
         for (Path file : mFolders) {
             for (Path folder : RunFolder.in(file)) {
                 try {
-                    new RecordingSummary(RunFolder.read(folder, ""), System.out).print();
+                    Run run = RunFolder.read(folder, "");
+                    if (mIsPrivate) {
+                        printPrivate(run);
+                    } else {
+                        new RecordingSummary(run, System.out).print();
+                    }
                 } catch (MistakeException e) {
                     // The others may be whole.
                     System.out.flush();
@@ -38,5 +49,14 @@ final class InfoCommand implements Subcommand {
             }
         }
         return status;
+    }
+
+    private static void printPrivate(Run run) throws MistakeException {
+        PrivateFacts facts = new PrivateFacts(false);
+        facts.findAll(run);
+        boolean isPlain = facts.lines().isEmpty();
+        System.out.println(Printable.line(run.folder() + (isPlain ? ": nothing found beside the pixels" : "")));
+        TextLayout lines = new TextLayout(System.out, TextLayout.REPORT);
+        facts.lines().forEach(line -> lines.print(2, line));
     }
 }

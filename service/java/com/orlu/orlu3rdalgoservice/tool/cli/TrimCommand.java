@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.CropArea;
+import com.orlu.orlu3rdalgoservice.tool.model.PrivateFacts;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
@@ -38,15 +39,24 @@ final class TrimCommand implements Subcommand {
     private String mCrop;
     @Option(names = "--no-pixels", description = "leave the pixels out")
     private boolean mLeavesPixels;
+    @Option(names = "--private", description = "leave out what tells about a person or a machine (places, "
+            + "times of day, faces, texts, EXIF blocks), and what came of the request")
+    private boolean mIsPrivate;
+    @Option(names = "--faces", description = "with --private, keep faces")
+    private boolean mKeepsFaces;
 
     @Override
     public int run() throws MistakeException, IOException {
         CropArea crop = mCrop == null ? null : CropArea.parse(mCrop);
+        if (mKeepsFaces && !mIsPrivate) {
+            throw new IllegalArgumentException("--faces needs --private");
+        }
         GivenPaths.checkRead(List.of(mFolder));
         new GivenPaths().folder("--out", mOut);
         Path folder = RunFolder.only(mFolder);
         Run recorded = RunFolder.read(folder, folder.toString());
-        Trimmer trimmer = new Trimmer(recorded, new TreeSet<>(mFrames), !mLeavesPixels, crop);
+        Trimmer trimmer = new Trimmer(recorded, new TreeSet<>(mFrames), !mLeavesPixels, crop,
+                mIsPrivate ? new PrivateFacts(mKeepsFaces) : null);
         trimmer.write(mOut);
         System.out.println("written " + mOut + " (" + megabytes(mOut) + " of "
                 + megabytes(recorded.folder()) + ")");

@@ -15,6 +15,8 @@ import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /**
  * What one run of a request did: in this process, or read from its folder or its events. It does not
@@ -312,7 +314,8 @@ public final class Run {
         }
         String crop = cut.has("crop") ? "cropped to " + cut.get("crop").string() : "";
         String kept = frames.isEmpty() ? "" : "only " + Frames.text(frames) + " of the " + of;
-        return crop + (crop.isEmpty() || kept.isEmpty() ? "" : ", ") + kept;
+        String facts = cut.has("private") ? "without private facts" : "";
+        return Stream.of(crop, kept, facts).filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
     }
 
     /** What was handed to the algorithm library. */

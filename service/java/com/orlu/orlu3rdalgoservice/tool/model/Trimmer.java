@@ -28,15 +28,25 @@ public final class Trimmer {
     private final Set<Integer> mFrames;
     private final boolean mKeepsPixels;
     private final CropArea mCrop;
+    private final PrivateFacts mPrivate;
     private final List<String> mNotes = new ArrayList<>();
     private Path mFolder;
 
-    /** Keeps these frames, all when there are none here, and of each image this area, all of it for null. */
-    public Trimmer(Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop) {
+    /**
+     * Keeps these frames, or all if the set is empty, and this area of each image, or all of it if null.
+     * Leaves these facts out; null keeps them.
+     */
+    public Trimmer(
+            Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
         mRun = run;
         mFrames = new TreeSet<>(frames);
         mKeepsPixels = keepsPixels;
         mCrop = crop;
+        mPrivate = withoutFacts;
+    }
+
+    private boolean isOther() {
+        return !mFrames.isEmpty() || mCrop != null || mPrivate != null;
     }
 
     /** What the copy has otherwise than one might think, known when it is written. */
@@ -67,8 +77,13 @@ public final class Trimmer {
         mFolder = folder;
         Files.createDirectories(folder);
         writeJson(RunFolder.REQUEST, request(Math.max(1, inputs / Math.max(1, frames))));
-        if (mFrames.isEmpty() && mCrop == null) {
+        if (!isOther()) {
             copyOutcome();
+        }
+        if (mPrivate != null) {
+            mPrivate.lines().forEach(line -> mNotes.add("left out, " + line));
+            mNotes.add("left out, what came of the request: its events and results");
+            mNotes.add("the pixels show what they show; --no-pixels leaves them out");
         }
     }
 
@@ -77,26 +92,35 @@ public final class Trimmer {
     }
 
     private Map<String, Object> request(int inputsPerFrame) throws MistakeException, IOException {
-        Map<String, Object> request = new LinkedHashMap<>(mRun.root().members());
-        Map<String, Object> header = new LinkedHashMap<>(mRun.header().members());
-        header.remove("eventsFrom");
-        request.put("recording", header);
-        boolean isOther = !mFrames.isEmpty() || mCrop != null;
-        if (isOther) {
-            List<Object> trimmed = new ArrayList<>(
-                    mRun.root().has("trimmed") ? mRun.root().get("trimmed").elements() : List.of());
+        Map<String, Object> request = mPrivate == null ? wholeRequest() : mPrivate.request(mRun.root());
+        List<?> all = (List<?>) request.get("frames");
+        List<Object> trimmed = new ArrayList<>((List<?>) request.remove("trimmed"));
+        if (isOther()) {
             trimmed.add(trimmed());
+        }
+        if (!trimmed.isEmpty()) {
             request.put("trimmed", trimmed);
         }
         List<Object> frames = new ArrayList<>();
         for (int i = 0; i < mRun.frames().size(); ++i) {
             if (isKept(i)) {
-                frames.add(mRun.frames().get(i));
+                frames.add(all.get(i));
             }
         }
         request.put("frames", frames);
         request.put("inputs", inputs(inputsPerFrame));
         request.put("outputs", outputs());
+        return request;
+    }
+
+    private Map<String, Object> wholeRequest() throws MistakeException {
+        Map<String, Object> request = new LinkedHashMap<>(mRun.root().members());
+        Map<String, Object> header = new LinkedHashMap<>(mRun.header().members());
+        header.remove("eventsFrom");
+        request.put("recording", header);
+        request.put("frames", mRun.frames());
+        Json trimmed = mRun.root().get("trimmed");
+        request.put("trimmed", trimmed == null ? List.of() : trimmed.elements());
         return request;
     }
 
@@ -111,6 +135,9 @@ public final class Trimmer {
         }
         if (mCrop != null) {
             trimmed.put("crop", mCrop.toString());
+        }
+        if (mPrivate != null) {
+            trimmed.put("private", true);
         }
         return trimmed;
     }
@@ -146,10 +173,16 @@ public final class Trimmer {
     private ImageLayout copied(ImageLayout image, ImageCrop crop, String name)
             throws MistakeException, IOException {
         ImageLayout described = crop == null ? image : crop.image();
+        if (mPrivate != null && image.file() == null && !image.kept().isEmpty()) {
+            return described.withFile(null, TRIMMED);
+        }
         if (image.file() == null || !mKeepsPixels) {
             return image.file() == null ? described : described.withFile(null, TRIMMED);
         }
         byte[] bytes = crop == null ? image.bytes() : crop.bytes(image.bytes());
+        if (mPrivate != null) {
+            bytes = mPrivate.withoutFacts(image, bytes, name);
+        }
         Files.write(mFolder.resolve(name), bytes);
         return described.withFile(
                 new RecordedFile(mFolder.resolve(name), bytes.length, crc(bytes), null), "");

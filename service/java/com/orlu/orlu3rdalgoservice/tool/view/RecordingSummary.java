@@ -35,9 +35,10 @@ public final class RecordingSummary {
     public void print() throws MistakeException {
         Json header = mRun.header();
         mTo.println(Printable.line(mRun.folder().toString()));
-        line("recorded", Instant.ofEpochMilli(header.require("milliseconds").integer(0, MOST_MILLISECONDS))
-                + " on " + header.string("machine", "") + ", " + header.string("system", "") + ", interface "
-                + header.require("interface").text());
+        long time = header.require("milliseconds").integer(0, MOST_MILLISECONDS);
+        // A copy without private facts has no time.
+        line("recorded", (time == 0 ? "" : Instant.ofEpochMilli(time) + " on " + header.string("machine", "")
+                + ", " + header.string("system", "") + ", ") + "interface " + header.require("interface").text());
         line("request", mRun.request().id() + " \"" + mRun.request().type() + "\"");
         if (!mRun.trimmed().isEmpty()) {
             line("trimmed", mRun.trimmed());

@@ -1,0 +1,109 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import java.nio.charset.StandardCharsets;
+import java.util.Arrays;
+
+/** Removes the blocks of a JPEG that its picture does not need. */
+final class JpegBlocks {
+    private static final int MARKER = 0xff;
+    private static final int START_OF_IMAGE = 0xd8;
+    private static final int FIRST_RESTART = 0xd0;
+    private static final int END_OF_IMAGE = 0xd9;
+    private static final int START_OF_SCAN = 0xda;
+    private static final int FIRST_APPLICATION = 0xe0;
+    private static final int LAST_APPLICATION = 0xef;
+    private static final int COMMENT = 0xfe;
+    /** The bytes of a JFIF block that come before its thumbnail. */
+    private static final int JFIF_HEADER = 18;
+
+    private final byte[] mBytes;
+    private final byte[] mPlain;
+
+    private JpegBlocks(byte[] bytes) {
+        mBytes = bytes;
+        mPlain = bytes.clone();
+    }
+
+    /**
+     * Returns a copy of the same size whose EXIF and other application blocks, thumbnails, comments, and
+     * bytes outside of any block or after the picture are 0. Colour profiles stay. Returns the array itself
+     * if it has none of these or is not a JPEG.
+     */
+    static byte[] blank(byte[] bytes) {
+        if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
+                || at(bytes, 2) != MARKER) {
+            return bytes;
+        }
+        JpegBlocks blocks = new JpegBlocks(bytes);
+        blocks.blank();
+        return Arrays.equals(blocks.mPlain, bytes) ? bytes : blocks.mPlain;
+    }
+
+    private void blank() {
+        int from = 2;
+        while (from + 1 < mBytes.length) {
+            int marker = at(mBytes, from + 1);
+            if (at(mBytes, from) != MARKER) {
+                // A decoder looks for the next marker.
+                mPlain[from++] = 0;
+            } else if (marker == END_OF_IMAGE) {
+                from += 2;
+                break;
+            } else if (marker == MARKER) {
+                ++from;
+            } else if (marker <= 1 || marker >= FIRST_RESTART && marker <= START_OF_IMAGE) {
+                from += 2;
+            } else {
+                from = afterBlock(from, marker);
+            }
+        }
+        Arrays.fill(mPlain, Math.min(from, mPlain.length), mPlain.length, (byte) 0);
+    }
+
+    // A block has its marker, its length without the marker in two bytes, and its contents.
+    private int afterBlock(int from, int marker) {
+        int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);
+        int end = Math.min(mBytes.length, from + 2 + Math.max(2, length));
+        if (marker == START_OF_SCAN) {
+            return afterScan(end);
+        } else if (marker == COMMENT || marker >= FIRST_APPLICATION && marker <= LAST_APPLICATION) {
+            Arrays.fill(mPlain, Math.min(end, from + keptBytes(from, end)), end, (byte) 0);
+        }
+        return end;
+    }
+
+    // How many bytes of a block stay: all of a colour profile, of others the marker and the length.
+    private int keptBytes(int from, int end) {
+        String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
+                StandardCharsets.ISO_8859_1);
+        if (at(mBytes, from + 1) == 0xe2 && name.equals("ICC_PROFILE")) {
+            return end - from;
+        }
+        if (at(mBytes, from + 1) == FIRST_APPLICATION && name.startsWith("JFIF\0")
+                && end - from >= JFIF_HEADER) {
+            // The thumbnail has no pixels.
+            mPlain[from + JFIF_HEADER - 2] = 0;
+            mPlain[from + JFIF_HEADER - 1] = 0;
+            return JFIF_HEADER;
+        }
+        return 4;
+    }
+
+    // A scan ends at a marker other than a restart. The first byte of a marker and 0 are data.
+    private int afterScan(int from) {
+        int at = from;
+        while (at + 1 < mBytes.length) {
+            int next = at(mBytes, at + 1);
+            if (at(mBytes, at) == MARKER && next != 0 && next != MARKER
+                    && (next < FIRST_RESTART || next >= START_OF_IMAGE)) {
+                return at;
+            }
+            ++at;
+        }
+        return mBytes.length;
+    }
+
+    private static int at(byte[] bytes, int index) {
+        return Byte.toUnsignedInt(bytes[index]);
+    }
+}

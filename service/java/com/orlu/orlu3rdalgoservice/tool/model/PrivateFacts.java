@@ -1,0 +1,243 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+import java.util.regex.Pattern;
+
+/**
+ * Finds the facts about a person or a machine in a recording, and makes copies without them. A text is kept
+ * only if it is short, has plain words, and its name does not suggest an identity. If in doubt, a text
+ * counts as private.
+ */
+public final class PrivateFacts {
+    /** Members of the header that describe the recording alone. */
+    private static final Set<String> PLAIN_HEADER = Set.of("format", "version", "interface");
+    private static final Set<String> PLAIN_TRIMMED = Set.of("frames", "crop", "private");
+    private static final Pattern PLACE = pattern("gps|(?<!al)location|latitude|longitude");
+    private static final Pattern TIME = pattern("local_?time|wall_?(time|clock)|utc|(?<!up)date|_epoch");
+    private static final Pattern FACE =
+            pattern("(?<!sur)(?<!inter)face(s?(num|rect|$)|skin|id|land|score)|outlines|beauty_?pose"
+            + "|gender|ismale");
+    /** Names of values that identify, of whatever type. */
+    private static final Pattern IDENTITY =
+            pattern("serial|finger_?print|imei|uuid|account|android_?id|phone|mac_?addr|ssid");
+    /** Names whose texts and bytes may identify. */
+    private static final Pattern IDENTIFYING_TEXT = pattern(
+            "(?<!g)host|user|owner|artist|author|copyright|mail|address|unique|calib|otp|eeprom|exif"
+            + "|comment|path|folder|file_?name|package|build|product|brand|manufact|model|maker_?note"
+            + "|device_?(id|name)|water_?mark");
+    private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
+    private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
+    /** Characters in bytes that are enough to be a text, of one byte or of two. */
+    private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,}");
+    private static final Pattern HEXADECIMAL = Pattern.compile("([0-9a-fA-F]{2})*");
+
+    private final boolean mKeepsFaces;
+    private final Map<String, Integer> mFound = new LinkedHashMap<>();
+
+    private static Pattern pattern(String names) {
+        return Pattern.compile(names, Pattern.CASE_INSENSITIVE);
+    }
+
+    /** Faces count as facts unless they are to be kept. */
+    public PrivateFacts(boolean keepsFaces) {
+        mKeepsFaces = keepsFaces;
+    }
+
+    /** Returns a line for each fact that was found, with a count if there are several. */
+    public List<String> lines() {
+        List<String> lines = new ArrayList<>();
+        mFound.forEach((fact, count) -> lines.add(fact + (count > 1 ? " (" + count + " times)" : "")));
+        return lines;
+    }
+
+    private void found(String kind, String where) {
+        mFound.merge(kind + ": " + where, 1, Integer::sum);
+    }
+
+    /** Finds the facts in a run: in its request, its outcome, its events and its images. */
+    public void findAll(Run run) throws MistakeException {
+        request(run.root());
+        Json outcome = run.outcome();
+        for (String call : List.of("processed", "updated")) {
+            Json made = outcome.has(call) ? outcome.get(call) : Json.none();
+            values(made.has("composition") ? made.get("composition") : Json.none());
+            if (made.has("thrown")) {
+                keepsText("outcome.json, thrown", made.get("thrown").text());
+            }
+        }
+        if (outcome.has("failed")) {
+            keepsText("outcome.json, failed", outcome.get("failed").text());
+        }
+        for (Json frame : outcome.has("put") ? outcome.get("put").elements() : List.<Json>of()) {
+            values(frame);
+        }
+        if (!run.events().events().isEmpty()) {
+            found("values as bytes, paths and names of threads", RunFolder.EVENTS);
+        }
+        for (ImageLayout image : run.inputs()) {
+            findIn(image);
+        }
+        for (ImageLayout image : run.outputs()) {
+            findIn(image);
+        }
+        for (ImageLayout image : run.results()) {
+            findIn(image);
+        }
+    }
+
+    private void findIn(ImageLayout image) throws MistakeException {
+        if (image.file() != null) {
+            withoutFacts(image, image.bytes(), image.file().path().getFileName().toString());
+        }
+        keepsText("why an image was not kept", image.kept());
+    }
+
+    /** Returns the members of a recorded request without facts; "frames" and "trimmed" are a List. */
+    public Map<String, Object> request(Json root) throws MistakeException {
+        Map<String, Object> request = new LinkedHashMap<>(root.members());
+        request.remove("about");
+        if (root.has("about") && !root.get("about").text().isEmpty()) {
+            found("description", "about");
+        }
+        request.put("recording", header(root.get("recording")));
+        if (!keepsText("request.type", root.get("request").string("type", ""))) {
+            Map<String, Object> plain = new LinkedHashMap<>(root.get("request").members());
+            plain.put("type", "");
+            request.put("request", plain);
+        }
+        request.put("trimmed", root.has("trimmed") ? trimmed(root.get("trimmed").list()) : List.of());
+        for (String part : List.of("client", "properties")) {
+            if (root.has(part)) {
+                request.put(part, values(root.get(part)));
+            }
+        }
+        List<Object> frames = new ArrayList<>();
+        for (Json frame : root.get("frames").elements()) {
+            frames.add(frame(frame));
+        }
+        request.put("frames", frames);
+        return request;
+    }
+
+    private Map<String, Object> header(Json header) {
+        Map<String, Object> plain = new LinkedHashMap<>();
+        header.entries().forEach((name, value) -> {
+            if (PLAIN_HEADER.contains(name)) {
+                plain.put(name, keepsText("recording." + name, value.text()) ? value : "");
+            } else if (!name.equals("milliseconds") && !name.equals("eventsFrom")) {
+                found("machine", "recording." + name);
+            }
+        });
+        plain.put("milliseconds", 0);
+        if (header.has("milliseconds") && !header.get("milliseconds").text().equals("0")) {
+            found("time of day", "recording.milliseconds");
+        }
+        return plain;
+    }
+
+    // How this recording was trimmed before.
+    private List<Object> trimmed(List<Json> cuts) {
+        List<Object> plain = new ArrayList<>();
+        for (Json cut : cuts) {
+            Map<String, Object> members = new LinkedHashMap<>(cut.entries());
+            members.keySet().removeIf(name -> !PLAIN_TRIMMED.contains(name)
+                    || name.equals("crop") && !keepsText("trimmed.crop", cut.get(name).text()));
+            plain.add(members);
+        }
+        return plain;
+    }
+
+    private Map<String, Object> frame(Json frame) {
+        Map<String, Object> plain = new LinkedHashMap<>();
+        plain.put("captureResult", values(frame.get("captureResult")));
+        plain.put("composition", values(frame.get("composition")));
+        return plain;
+    }
+
+    // Typed values, or texts by their names.
+    private Map<String, Object> values(Json values) {
+        Map<String, Object> plain = new LinkedHashMap<>();
+        values.entries().forEach((name, value) -> {
+            if (keeps(name, value)) {
+                plain.put(name, value);
+            }
+        });
+        return plain;
+    }
+
+    private boolean keeps(String name, Json value) {
+        String kind = value.has("location") || PLACE.matcher(name).find() ? "location"
+                : TIME.matcher(name).find() ? "time of day"
+                : !mKeepsFaces && (value.has("faces") || FACE.matcher(name).find()) ? "face"
+                : value.has("class") ? "value of another class" : "";
+        if (!kind.isEmpty()) {
+            found(kind, name);
+            return false;
+        }
+        if (IDENTITY.matcher(name).find() || isText(value) && IDENTIFYING_TEXT.matcher(name).find()) {
+            found("value that may identify a person or machine", name);
+            return false;
+        }
+        if (!PLAIN_NAME.matcher(name).matches()) {
+            found("text", name);
+            return false;
+        }
+        return keepsTexts(name, value);
+    }
+
+    private static boolean isText(Json value) {
+        return value.isString() || value.has("string") || value.has("strings") || value.has("bytes");
+    }
+
+    private boolean keepsTexts(String name, Json value) {
+        if (value.isString()) {
+            return keepsText(name, value.text());
+        } else if (value.has("string")) {
+            return keepsText(name, value.get("string").text());
+        } else if (value.has("bytes")) {
+            return RUN.matcher(ofHexadecimal(value.get("bytes").text())).results()
+                    .allMatch(run -> keepsText(name, run.group()));
+        }
+        List<Json> texts = value.has("strings") ? value.get("strings").elements() : List.of();
+        return texts.stream().allMatch(text -> keepsText(name, text.text()));
+    }
+
+    private boolean keepsText(String where, String text) {
+        boolean isKept = PLAIN_TEXT.matcher(text).matches();
+        if (!isKept) {
+            found("text", where);
+        }
+        return isKept;
+    }
+
+    private static String ofHexadecimal(String text) {
+        StringBuilder bytes = new StringBuilder();
+        for (int i = 0; HEXADECIMAL.matcher(text).matches() && i < text.length(); i += 2) {
+            bytes.append((char) Integer.parseInt(text, i, i + 2, 16));
+        }
+        return bytes.toString();
+    }
+
+    /**
+     * Returns the bytes of an image of this name without what a JPEG has beside its picture: EXIF and other
+     * blocks of applications, thumbnails, comments, and bytes after the picture.
+     */
+    public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
+        PixelFormat format = PixelFormat.named(image.format());
+        // Pixels may look like the start of a JPEG.
+        byte[] plain = format == null || format == PixelFormat.JPEG ? JpegBlocks.blank(bytes) : bytes;
+        if (plain != bytes) {
+            found("EXIF block, comment or further data of a JPEG", name);
+        }
+        return plain;
+    }
+}
