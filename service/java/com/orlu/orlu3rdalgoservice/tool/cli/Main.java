@@ -37,7 +37,8 @@ public final class Main {
         }
     }
 
-    private static int status(String[] arguments) {
+    /** Runs the command line in this VM and returns its status. */
+    public static int status(String[] arguments) {
         try {
             Subcommand command = Commands.parse(arguments);
             if (command == null) {

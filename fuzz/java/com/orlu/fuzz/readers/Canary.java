@@ -1,0 +1,86 @@
+package com.orlu.fuzz.readers;
+
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.LinkOption;
+import java.nio.file.Path;
+import java.nio.file.attribute.BasicFileAttributeView;
+import java.nio.file.attribute.BasicFileAttributes;
+import java.nio.file.attribute.FileTime;
+import java.time.Instant;
+import java.util.List;
+import java.util.Map;
+import java.util.TreeMap;
+import java.util.stream.Stream;
+
+/**
+ * Detects whether a command reads or writes files outside of its folder. It watches when a file beside the
+ * folder was last read, and compares all files around, and those that are only to be read, before and after.
+ */
+final class Canary {
+    private static final String SECRET = "the canary's own text";
+
+    private final Path mAround;
+    private final Path mBox;
+    private Map<String, String> mBefore = Map.of();
+
+    /** Creates a file in a folder that also has the box, in which commands may write. */
+    Canary(Path around, Path box) throws IOException {
+        mAround = around;
+        mBox = box;
+        Files.writeString(file(), SECRET);
+    }
+
+    Path file() {
+        return mAround.resolve("canary");
+    }
+
+    /** Begins to watch. The folder `in` and its files must stay as they are. */
+    void arm(Path in) throws IOException {
+        // The file system notes the first access after a change.
+        Files.getFileAttributeView(file(), BasicFileAttributeView.class)
+                .setTimes(FileTime.from(Instant.now()), FileTime.fromMillis(0), null);
+        mBefore = files(in);
+    }
+
+    /** Returns what was read or written and must not be, or an empty text. With mayRead, reading is fine. */
+    String problem(Path in, Path out, String printed, boolean mayRead) throws IOException {
+        if (!mBefore.equals(files(in))) {
+            Map<String, String> changed = files(in);
+            changed.entrySet().removeAll(mBefore.entrySet());
+            return "writes outside of the output folder: " + changed.keySet();
+        }
+        if (mayRead) {
+            return "";
+        }
+        if (printed.contains(SECRET)) {
+            return "prints a file outside of the folder";
+        }
+        for (Path file : Files.isDirectory(out) ? Mutator.files(out) : List.<Path>of()) {
+            if (Files.readString(file, StandardCharsets.ISO_8859_1).contains(SECRET)) {
+                return "copies a file outside of the folder";
+            }
+        }
+        FileTime read = Files.readAttributes(file(), BasicFileAttributes.class).lastAccessTime();
+        return read.toMillis() == 0 ? "" : "reads a file outside of the folder";
+    }
+
+    // All files but those that are written into the box, with their sizes and times of changes.
+    private Map<String, String> files(Path in) throws IOException {
+        Map<String, String> files = new TreeMap<>();
+        for (Path folder : new Path[] {mAround, in}) {
+            try (Stream<Path> all = Files.walk(folder)) {
+                for (Path file : all.toList()) {
+                    if (!file.equals(mAround) && (file.startsWith(in) || !file.startsWith(mBox))) {
+                        BasicFileAttributes found = Files.readAttributes(
+                                file, BasicFileAttributes.class, LinkOption.NOFOLLOW_LINKS);
+                        files.put(mAround.relativize(file).toString(), found.isDirectory() ? "folder"
+                                : found.size() + " " + found.lastModifiedTime());
+                    }
+                }
+            }
+        }
+        return files;
+    }
+}

@@ -1,0 +1,137 @@
+package com.orlu.fuzz.readers;
+
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.io.PrintStream;
+import java.lang.management.ManagementFactory;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+import java.util.function.IntSupplier;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/**
+ * How a command ended.
+ *
+ * @param status  what the process would exit with; -1 if the command threw or hangs
+ * @param printed what it printed on both streams
+ * @param problem what must not happen, in the same words for all mutants that show it; empty if all is well
+ */
+record Outcome(int status, String printed, String problem) {
+    private static final int MOST_STATUS = 2;
+    private static final long MOST_BYTES = 1L << 30;
+    private static final Pattern CONTROL = Pattern.compile(
+            "[\\x00-\\x08\\x0b-\\x1f\\x7f-\\x9f\\u061c\\u200e\\u200f\\u2028-\\u202e\\u2066-\\u2069]");
+    private static final Pattern STACK =
+            Pattern.compile("(?m)^\\s*at [\\w.$]+\\(|\\b[A-Z]\\w+(?:Exception|Error)\\b");
+    // Nothing or "null" after "run: " or a place.
+    private static final Pattern EMPTY =
+            Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.\\w+|damaged|read): ?(?:null)?$");
+
+    /** How long a command may take: its thread's processor time, and until it counts as hanging. */
+    record Time(long cpuMilliseconds, long milliseconds) {
+        static final Time USUAL = new Time(5000, 60_000);
+    }
+
+    /** Runs a command in this VM. A command that hangs keeps its thread. */
+    static Outcome of(IntSupplier command, Time most) {
+        ByteArrayOutputStream bytes = new ByteArrayOutputStream();
+        int[] status = {-1};
+        long[] nanoseconds = {0};
+        Throwable[] thrown = {null};
+        Thread thread = new Thread(() -> {
+            try {
+                status[0] = command.getAsInt();
+            } catch (RuntimeException | Error e) {
+                thrown[0] = e;
+            }
+            nanoseconds[0] = ManagementFactory.getThreadMXBean().getCurrentThreadCpuTime();
+        });
+        thread.setDaemon(true);
+        PrintStream usualOut = System.out;
+        PrintStream usualErr = System.err;
+        PrintStream to = new PrintStream(bytes, true, StandardCharsets.UTF_8);
+        long before = resetPeak();
+        System.setOut(to);
+        System.setErr(to);
+        try {
+            thread.start();
+            thread.join(most.milliseconds());
+        } catch (InterruptedException e) {
+            throw new IllegalStateException(e);
+        } finally {
+            System.setOut(usualOut);
+            System.setErr(usualErr);
+        }
+        String printed = bytes.toString(StandardCharsets.UTF_8);
+        String problem = "";
+        if (thread.isAlive()) {
+            problem = "hangs" + place(thread.getStackTrace());
+        } else if (thrown[0] != null) {
+            problem = "throws " + thrown[0].getClass().getName() + place(thrown[0].getStackTrace());
+        } else if (nanoseconds[0] > most.cpuMilliseconds() * 1_000_000L) {
+            problem = "takes too long";
+        } else if (peak() - before > MOST_BYTES) {
+            problem = "takes over 1 GB";
+        } else {
+            problem = problem(status[0], printed);
+        }
+        return new Outcome(status[0], printed, problem);
+    }
+
+    // The innermost place in the command's own code.
+    private static String place(StackTraceElement[] stack) {
+        for (StackTraceElement element : stack) {
+            if (element.getClassName().startsWith("com.orlu.")) {
+                return " in " + element.getClassName() + "." + element.getMethodName();
+            }
+        }
+        return "";
+    }
+
+    private static String problem(int status, String printed) {
+        if (status < 0 || status > MOST_STATUS) {
+            return "status " + status;
+        }
+        if (status != 0 && printed.isBlank()) {
+            return "status " + status + " and no message";
+        }
+        if (printed.contains("out of memory")) {
+            return "out of memory";
+        }
+        for (Pattern wrong : List.of(CONTROL, STACK, EMPTY)) {
+            Matcher found = wrong.matcher(printed);
+            if (found.find()) {
+                int from = Math.max(0, found.start() - 50);
+                return "prints " + printed.substring(from, Math.min(printed.length(), found.end() + 30))
+                        .replaceAll("\\d+", "N").replaceAll("[^ -~]", "?");
+            }
+        }
+        return "";
+    }
+
+    private static long resetPeak() {
+        try {
+            Files.writeString(Path.of("/proc/self/clear_refs"), "5");
+            return peak();
+        } catch (IOException e) {
+            throw new IllegalStateException("the peak of the memory can't be reset", e);
+        }
+    }
+
+    /** The largest resident set since the last reset, in bytes. */
+    private static long peak() {
+        try {
+            String status = Files.readString(Path.of("/proc/self/status"), StandardCharsets.ISO_8859_1);
+            Matcher found = Pattern.compile("VmHWM:\\s*(\\d+) kB").matcher(status);
+            if (found.find()) {
+                return Long.parseLong(found.group(1)) << 10;
+            }
+        } catch (IOException e) {
+            throw new IllegalStateException(e);
+        }
+        throw new IllegalStateException("/proc/self/status names no VmHWM");
+    }
+}
