@@ -163,6 +163,13 @@ def refuses():
         done = run_requests(request(image), check=True)
         expect(image, (2, [f"shot0.json:1:: {line}", REFUSED]),
                (done.returncode, without_columns(done.stderr)))
+    Path("below").mkdir()
+    for name, is_told in (("../tight.raw", True), ("x/../../tight.raw", True), (Path.cwd() / "tight.raw", False)):
+        Path("below/x").mkdir(exist_ok=True)
+        Path("below/shot.json").write_text(json.dumps(request({**raw, "file": str(name)})))
+        done = run("--check", "below/shot.json")
+        expect(f"{name}: {done.stderr}", (0, is_told), (
+            done.returncode, f"file: is outside of the request file's folder: {name}" in done.stderr))
     for name in ("text.dng", "cut.png"):
         done = run_requests(request({"file": name, "format": "RAW16"}))
         lines = without_columns(done.stderr)

@@ -233,7 +233,7 @@ def distrusts_strangers():
     ]
     for name, content, line in rows:
         Path(name).write_bytes(content)
-        done = run("import", name, "--out", "made/strange.json")
+        done = run("import", name, "--out", "made/\x1b\u202e.json")
         printed = done.stdout + done.stderr
         expect(f"{name}: {printed[:300]}", (True, True, []),
                (line in printed, done.returncode in (0, 2),

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.importer.RequestWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
 import java.io.PrintStream;
@@ -89,10 +90,11 @@ final class ImportCommand implements Subcommand {
         Files.writeString(mOut, text);
         notes.lines().forEach(to::println);
         int tags = importer.frames().stream().mapToInt(frame -> frame.tags().size()).sum();
-        to.println(mOut + ": " + importer.frames().size() + " frames with " + tags + " tags, "
+        String out = Printable.line(mOut.toString());
+        to.println(out + ": " + importer.frames().size() + " frames with " + tags + " tags, "
                 + importer.pictures().size() + " pictures, " + notes.count() + " notes");
         if (importer.pictures().isEmpty() && mPhoto == null) {
-            to.println(mOut + ": no inputs; --photo makes them of a photo");
+            to.println(out + ": no inputs; --photo makes them of a photo");
         }
     }
 }

@@ -7,6 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.model.Trimmer;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.IOException;
@@ -58,7 +59,7 @@ final class TrimCommand implements Subcommand {
         Trimmer trimmer = new Trimmer(recorded, new TreeSet<>(mFrames), !mLeavesPixels, crop,
                 mIsPrivate ? new PrivateFacts(mKeepsFaces) : null);
         trimmer.write(mOut);
-        System.out.println("written " + mOut + " (" + megabytes(mOut) + " of "
+        System.out.println("written " + Printable.line(mOut.toString()) + " (" + megabytes(mOut) + " of "
                 + megabytes(recorded.folder()) + ")");
         TextLayout notes = new TextLayout(System.out, TextLayout.REPORT);
         trimmer.notes().forEach(note -> notes.print(2, "note: " + note));

@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.json;
 import com.fasterxml.jackson.core.JsonFactory;
 import com.fasterxml.jackson.core.JsonFactoryBuilder;
 import com.fasterxml.jackson.core.JsonLocation;
-import com.fasterxml.jackson.core.JsonParseException;
 import com.fasterxml.jackson.core.JsonParser;
+import com.fasterxml.jackson.core.JsonProcessingException;
 import com.fasterxml.jackson.core.JsonToken;
 import com.fasterxml.jackson.core.StreamReadFeature;
 import com.fasterxml.jackson.core.io.ContentReference;
@@ -120,9 +120,9 @@ final class JsonReader {
             return root;
         } catch (JsonEOFException e) {
             throw mistake(spot(e.getLocation()), "not JSON: the file ends too early" + unclosed());
-        } catch (JsonParseException e) {
+        } catch (JsonProcessingException e) {
             // Jackson has consumed the character. Some messages name a switch that would allow it.
-            Json.Spot next = spot(e.getLocation());
+            Json.Spot next = e.getLocation() == null ? tokenStart() : spot(e.getLocation());
             String message = e.getOriginalMessage().replaceFirst(": enable .*", "");
             throw mistake(new Json.Spot(next.line(), Math.max(1, next.column() - 1)), "not JSON: "
                     + message.substring(0, 1).toLowerCase(Locale.ROOT) + message.substring(1));

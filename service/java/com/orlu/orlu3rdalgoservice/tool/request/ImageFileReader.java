@@ -48,6 +48,7 @@ final class ImageFileReader {
             Path path = requestFile.resolveSibling(field.string());
             if (Files.isRegularFile(path)) {
                 if (Files.isReadable(path)) {
+                    warnOutside(field);
                     return path;
                 }
                 throw field.error("can't be read: " + path);
@@ -59,6 +60,14 @@ final class ImageFileReader {
             // No file can have this name.
         }
         throw field.error("no such " + what + ": " + Json.cut(field.string()));
+    }
+
+    // A stranger's request could show the reader's files. A path from the root is plain to see.
+    private static void warnOutside(Json field) throws MistakeException {
+        Path name = Path.of(field.string()).normalize();
+        if (!name.isAbsolute() && name.startsWith("..")) {
+            field.warn("is outside of the request file's folder: " + Json.cut(field.string()));
+        }
     }
 
     int width() {

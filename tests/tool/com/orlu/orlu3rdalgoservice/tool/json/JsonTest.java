@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.json;
 
 import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertNull;
+import static org.junit.Assert.assertTrue;
 
 import org.junit.Test;
 
@@ -74,6 +75,9 @@ public final class JsonTest {
                 problem("[1e999999999]"));
         assertEquals("f:1:2: needs a number that some type holds, found " + "1".repeat(60) + "...",
                 problem("[" + "1".repeat(401) + "]"));
+        assertNull(problem("[\"" + "x".repeat(1 << 20) + "\"]"));
+        String number = problem("[" + "1".repeat(1 << 20) + "]");
+        assertTrue(number, number.startsWith("f:1:1: not JSON: "));
         // Names of one hash are no attack.
         StringBuilder names = new StringBuilder("{");
         for (int i = 0; i < 1 << 14; ++i) {
