@@ -16,6 +16,10 @@ enum AHardwareBuffer_Format {
   AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420 = 0x23,
 };
 
+enum AHardwareBuffer_UsageFlags {
+  AHARDWAREBUFFER_USAGE_CPU_READ_OFTEN = 3UL,
+};
+
 typedef struct AHardwareBuffer_Desc {
   uint32_t width;   // pixels; bytes for a BLOB
   uint32_t height;  // pixels; 1 for a BLOB
@@ -28,12 +32,34 @@ typedef struct AHardwareBuffer_Desc {
 } AHardwareBuffer_Desc;
 
 typedef struct AHardwareBuffer AHardwareBuffer;
+typedef struct ARect ARect;
 
-// Creates a buffer, which the caller releases. Returns 0 or a negative errno.
+typedef struct AHardwareBuffer_Plane {
+  void* data;
+  uint32_t pixelStride;  // bytes from a sample to the next one of this plane
+  uint32_t rowStride;    // bytes
+} AHardwareBuffer_Plane;
+
+typedef struct AHardwareBuffer_Planes {
+  uint32_t planeCount;
+  AHardwareBuffer_Plane planes[4];
+} AHardwareBuffer_Planes;
+
+// Creates a buffer with one reference, which the caller releases. Returns 0 or a negative errno.
 int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer);
-// Frees the buffer and its handle, and closes the handle's descriptors. Ignores null.
+void AHardwareBuffer_acquire(AHardwareBuffer* buffer);
+// Drops a reference; the last one frees the buffer and its handle, and closes the handle's descriptors.
+// Ignores null.
 void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
+
+// Maps the pixels until AHardwareBuffer_unlock(), which each call needs. `usage` is one of CPU_READ; `fence`
+// is -1, `rect` is null. YUV has three planes: Y, Cb, Cr; other formats have one, with its strides only for
+// R8G8B8A8, as on the device. Returns 0 or a negative errno.
+int AHardwareBuffer_lockPlanes(AHardwareBuffer* buffer, uint64_t usage, int32_t fence, const ARect* rect,
+                               AHardwareBuffer_Planes* outPlanes);
+// `fence` is null. Returns 0 or a negative errno.
+int AHardwareBuffer_unlock(AHardwareBuffer* buffer, int32_t* fence);
 
 #ifdef __cplusplus
 }
