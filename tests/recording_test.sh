@@ -10,6 +10,12 @@ ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
 ends 0 '/000001-request.*: equal, 1[0-9][0-9] parameters, 1 frames, 1 outputs' replay shots
 [ "$(grep -c ': equal, ' out)" -eq ${#samples[@]} ] || fail "not every sample was replayed: $(cat out)"
 
+echo "== Pixels in hardware buffers, also of a format that only a phone has"
+cp -r shots/*-request-214 phone
+sed -i 's/"buffer":\[512,512,35\]/"buffer":[512,512,17]/' phone/request.json
+grep -q '512,17' phone/request.json || fail "no hardware buffer in phone/request.json"
+ends 0 '^phone: equal, 1[0-9][0-9] parameters' replay phone
+
 echo "== Runs that go wrong are recorded up to there"
 export ORLU_ALGO_LIBRARY=$planted
 ORLU_PLANTED=silent ends 1 '^verdict  FAILED: no callback' --record silent --out images "$root/samples/capture.json"

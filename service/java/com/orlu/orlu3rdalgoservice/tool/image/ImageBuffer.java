@@ -12,6 +12,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
+import java.util.Arrays;
 
 /** One image's memory and its description for the native side. Closing it gives the memory back. */
 public final class ImageBuffer implements AutoCloseable {
@@ -48,10 +49,8 @@ public final class ImageBuffer implements AutoCloseable {
     private ByteBuffer memory(ImageLayout layout) throws ErrnoException, MistakeException {
         switch (layout.memory()) {
             case "hardware" -> {
-                int[] buffer = layout.buffer();
                 try {
-                    mDescriptor.mImageDataHwbuff =
-                            HardwareBuffer.create(buffer[0], buffer[1], buffer[2], 1, usage());
+                    mDescriptor.mImageDataHwbuff = recordedBuffer(layout);
                 } catch (IllegalArgumentException e) {
                     throw mPlan.place().error("buffer", e.getMessage());
                 }
@@ -65,6 +64,27 @@ public final class ImageBuffer implements AutoCloseable {
                 return ByteBuffer.allocate(0);
             }
         }
+    }
+
+    // A phone's rows can have padding, and its formats can be unknown here: plain memory of that size stands in.
+    private static HardwareBuffer recordedBuffer(ImageLayout layout) {
+        long width = layout.buffer()[0];
+        long height = layout.buffer()[1];
+        int format = layout.buffer()[2];
+        long tight = switch (format) {
+            case HardwareBuffer.RGBA_8888 -> width * height * 4;
+            case HardwareBuffer.RAW16 -> width * height * 2;
+            case HardwareBuffer.YCBCR_420_888 -> width * (height + (height + 1) / 2);
+            case HardwareBuffer.BLOB -> width;
+            default -> 0;
+        };
+        long size = layout.size();
+        if (tight == 0 && layout.planeSizes() != null) {
+            size = Math.max(size, Arrays.stream(layout.planeSizes()).asLongStream().sum());
+        }
+        return size > Math.max(tight, 0) && size <= Integer.MAX_VALUE
+                ? HardwareBuffer.create((int) size, 1, HardwareBuffer.BLOB, 1, usage())
+                : HardwareBuffer.create((int) width, (int) height, format, 1, usage());
     }
 
     /** Memory for an image as a recorder found it, with the bytes that were kept. */
