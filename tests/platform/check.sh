@@ -2,7 +2,7 @@
 # Compares what goes to a phone with the platform's headers and classes, as far as Debian and npm have them.
 #   tests/platform/check.sh            all parts
 #   tests/platform/check.sh java       these alone
-# sources: jni/, the probe, the kit and the minimal library compile with the platform's headers;
+# sources: jni/, the probe, the kit, the recorder's library and the minimal library compile with the platform's headers;
 # agreement: our headers say what the platform's say; failure: what the platform does not take is found;
 # java: our classes, and what jni/ looks up, are the platform's.
 set -euo pipefail
@@ -42,7 +42,7 @@ check_sources() {
   local sources
   build_preset dev --tests build.ninja
   mapfile -t sources < <(git ls-files \
-    'jni/*.cpp' 'host/probe/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
+    'jni/*.cpp' 'host/probe/*.cpp' 'service/native/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
   read_sources "${sources[@]}" conformance/mutants/minimal_algo.cpp
   echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
 }

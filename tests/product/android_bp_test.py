@@ -69,7 +69,7 @@ class AndroidBpTest(unittest.TestCase):
 
     def test_names_modules_that_are_there(self):
         for name, module in self.modules.items():
-            lists = [module.get(key, []) for key in ("defaults", "static_libs", "generated_headers")]
+            lists = [module.get(key, []) for key in ("defaults", "static_libs", "generated_headers", "required")]
             for used in sum(lists, []):
                 self.assertTrue(used == "libgtest" or used in self.modules, f"{name}: {used}")
 

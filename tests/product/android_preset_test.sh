@@ -18,10 +18,11 @@ END
 
 export ANDROID_NDK_HOME=$work/ndk
 (cd "$project" && cmake --preset android -B "$work/build") >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
-commands=$(ninja -C "$work/build" -t commands orlu_vas_native_interface orlu_probe conform_kit)
+commands=$(ninja -C "$work/build" -t commands orlu_vas_native_interface orlu_probe conform_kit orlu_recorder)
 grep -q -- '-o kit/conform_kit ' <<<"$commands"
 grep -q -- '-o probe/liborlu.vac.interface.so' <<<"$commands"
 grep -q -- '-o lib/liborlu.vas.native.interface.so' <<<"$commands"
+grep -q -- '-o lib/liborlu.recorder.so' <<<"$commands"
 if grep -E '\.jar|turbojpeg|libgtest|-o lib/liborlu\.vac\.interface' <<<"$commands"; then
   echo "FAILED: builds what the NDK has not"
   exit 1

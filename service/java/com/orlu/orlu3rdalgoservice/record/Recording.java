@@ -17,7 +17,6 @@ import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.function.Function;
 import java.util.function.IntSupplier;
 
 /**
@@ -38,7 +37,6 @@ public final class Recording {
 
     private RecordFolder mFolder;
     private final JsonText mOutcome = new JsonText();
-    private Function<HardwareBuffer, ByteBuffer> mMapper;
     private boolean mIsFullAsync;
     private boolean mIsOver;
     private List<Map<String, Object>> mBefore = new ArrayList<>();
@@ -97,9 +95,8 @@ public final class Recording {
         }
     }
 
-    void open(RecordFolder folder, Function<HardwareBuffer, ByteBuffer> mapper) {
+    void open(RecordFolder folder) {
         mFolder = folder;
-        mMapper = mapper;
         mEvents = EventCopy.begin();
     }
 
@@ -179,15 +176,12 @@ public final class Recording {
             if (name.equals("inputs") && !mBefore.isEmpty() && all.size() % mBefore.size() == 0) {
                 text.add("frame", i / (all.size() / mBefore.size()));
             }
-            ByteBuffer pixels = map(image, text);
-            if (pixels != null) {
-                try {
-                    text.add("size", pixels.remaining());
-                    if (always || !isZero(pixels)) {
-                        mFolder.writeBytes(prefix + i + ".bin", pixels, text);
+            try (MappedPixels pixels = map(image, text)) {
+                if (pixels != null) {
+                    text.add("size", pixels.bytes().remaining());
+                    if (always || !isZero(pixels.bytes())) {
+                        mFolder.writeBytes(prefix + i + ".bin", pixels.bytes(), text);
                     }
-                } finally {
-                    SharedMemory.unmap(pixels);
                 }
             }
             text.end();
@@ -195,15 +189,26 @@ public final class Recording {
         text.end();
     }
 
-    private ByteBuffer map(VImageIPC image, JsonText text) throws ErrnoException {
+    /** Null for an image without memory, and for a hardware buffer that can't be mapped. */
+    private static MappedPixels map(VImageIPC image, JsonText text) throws ErrnoException {
         HardwareBuffer buffer = image.mImageDataHwbuff;
-        if (buffer != null) {
-            text.add("memory", "hardware").add(
-                    "buffer", new int[] {buffer.getWidth(), buffer.getHeight(), buffer.getFormat()});
-            return mMapper.apply(buffer);
+        if (buffer == null) {
+            text.add("memory", image.mImageDataShmem == null ? "none" : "shared");
+            return image.mImageDataShmem == null ? null : map(image.mImageDataShmem);
         }
-        text.add("memory", image.mImageDataShmem == null ? "none" : "shared");
-        return image.mImageDataShmem == null ? null : image.mImageDataShmem.mapReadOnly();
+        text.add("memory", "hardware")
+                .add("buffer", new int[] {buffer.getWidth(), buffer.getHeight(), buffer.getFormat()});
+        try {
+            return HardwarePixels.lock(buffer);
+        } catch (IllegalStateException e) {
+            text.add("kept", "no: " + e.getMessage());
+            return null;
+        }
+    }
+
+    private static MappedPixels map(SharedMemory memory) throws ErrnoException {
+        ByteBuffer bytes = memory.mapReadOnly();
+        return new MappedPixels(bytes, () -> SharedMemory.unmap(bytes));
     }
 
     private static boolean isZero(ByteBuffer bytes) {

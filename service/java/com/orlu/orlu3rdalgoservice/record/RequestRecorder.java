@@ -1,12 +1,9 @@
 package com.orlu.orlu3rdalgoservice.record;
 
-import android.hardware.HardwareBuffer;
-
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 
 import java.io.File;
-import java.nio.ByteBuffer;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
@@ -14,7 +11,6 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.function.Function;
 import java.util.function.Supplier;
 import java.util.logging.Logger;
 
@@ -44,7 +40,6 @@ public final class RequestRecorder {
     private final List<Recording> mOpen = new ArrayList<>();
 
     private Supplier<Map<String, String>> mProperties = Collections::emptyMap;
-    private Function<HardwareBuffer, ByteBuffer> mMapper = buffer -> null;
     private int mMade;
 
     /** A recorder into this folder, which is made when it is not there. */
@@ -67,14 +62,6 @@ public final class RequestRecorder {
     /** Sets who knows the system properties that the native library reads. */
     public void setProperties(Supplier<Map<String, String>> properties) {
         mProperties = properties;
-    }
-
-    /**
-     * Sets who maps a hardware buffer's pixels, which the platform's public classes can't: it returns the
-     * pixels, which the recorder unmaps, or null. Without one, only the buffers' descriptions are recorded.
-     */
-    public void setMapper(Function<HardwareBuffer, ByteBuffer> mapper) {
-        mMapper = mapper;
     }
 
     /** Says of which values a client was made. To be called after createNativeClient. */
@@ -113,7 +100,7 @@ public final class RequestRecorder {
         Recording recording = new Recording(this, inst, request);
         recording.guard(() -> {
             makeWay();
-            recording.open(new RecordFolder(nextFolder(request), mBytes), mMapper);
+            recording.open(new RecordFolder(nextFolder(request), mBytes));
             recording.before(service, mClients.get(inst), mProperties.get(), inputs, outputs, compositions);
         });
         if (recording.isFullAsync()) {

@@ -1,7 +1,5 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import android.hardware.HardwareBuffer;
-
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
@@ -41,7 +39,6 @@ public final class RequestCall implements AutoCloseable {
             return;
         }
         recorder.setProperties(() -> properties);
-        recorder.setMapper(HardwareBuffer::mapPixels);
         mRecording = recorder.begin(mService, mHandle, request, inputs, outputs, compositions);
     }
 

@@ -1,0 +1,40 @@
+package com.orlu.orlu3rdalgoservice.record;
+
+import android.hardware.HardwareBuffer;
+
+import java.nio.ByteBuffer;
+
+/** Maps hardware buffers by liborlu.recorder.so, since no public class of the platform does. */
+final class HardwarePixels {
+    /** Why the library can't be loaded; null if it is. */
+    private static final String PROBLEM = load();
+
+    private HardwarePixels() {
+    }
+
+    private static String load() {
+        try {
+            System.loadLibrary("orlu.recorder");
+            return null;
+        } catch (UnsatisfiedLinkError e) {
+            return String.valueOf(e.getMessage());
+        }
+    }
+
+    /**
+     * Locks the buffer for reading. Its rows have their padding, and planes follow each other as they do in
+     * memory. Throws IllegalStateException with the reason if the pixels can't be read.
+     */
+    static MappedPixels lock(HardwareBuffer buffer) {
+        if (PROBLEM != null) {
+            throw new IllegalStateException(PROBLEM);
+        }
+        long[] locked = new long[1];
+        ByteBuffer bytes = nLock(buffer, locked);
+        return new MappedPixels(bytes, () -> nUnlock(locked[0]));
+    }
+
+    private static native ByteBuffer nLock(HardwareBuffer buffer, long[] locked);
+
+    private static native void nUnlock(long locked);
+}
