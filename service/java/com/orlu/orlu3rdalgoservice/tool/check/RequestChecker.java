@@ -8,6 +8,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
@@ -21,14 +22,16 @@ import java.util.function.Supplier;
 /** Reads request files and the files they name, and finds all mistakes before the first request runs. */
 public final class RequestChecker {
     private final Path mOtherPhoto;
+    private final List<String> mTags;
     private final Photos mPhotos;
     private final List<RequestFile> mRequests = new ArrayList<>();
     private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
-    /** A photo other than null replaces those of the files. */
-    public RequestChecker(Path otherPhoto, Photos photos) {
+    /** A photo other than null replaces those of the files, and tags "NAME=VALUE" those of all frames. */
+    public RequestChecker(Path otherPhoto, List<String> tags, Photos photos) {
         mOtherPhoto = otherPhoto;
+        mTags = tags;
         mPhotos = photos;
     }
 
@@ -40,6 +43,7 @@ public final class RequestChecker {
         if (request == null) {
             return;
         }
+        RequestTags.set(request, mTags);
         boolean isRecorded = false;
         for (ImagePlan image : request.inputs()) {
             isRecorded |= image.layout() != null;
@@ -102,6 +106,11 @@ public final class RequestChecker {
 
     private int errors() {
         return mMistakes.stream().mapToInt(Mistakes::errors).sum();
+    }
+
+    /** The mistakes and warnings of each file, in the order of the files. */
+    public List<Mistakes> mistakes() {
+        return mMistakes;
     }
 
     /** The number of warnings about a file, given by its index. */

@@ -1,14 +1,19 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
+
 import java.io.IOException;
 import java.io.Reader;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.regex.Pattern;
+import java.util.stream.Stream;
 
 /**
  * Checks the paths of a command line before anything runs: a run may take long, and
@@ -32,6 +37,42 @@ final class GivenPaths {
         }
     }
 
+    /**
+     * Returns the request files of a command line: files as they are, and of a folder its files *.json and the
+     * recordings in it, by name. An IllegalArgumentException if a folder has none.
+     */
+    static List<Path> requests(List<Path> given) {
+        List<Path> requests = new ArrayList<>();
+        for (Path path : given) {
+            if (!Files.isDirectory(path)) {
+                requests.add(path);
+                continue;
+            }
+            List<Path> inside = RunFolder.isRun(path) ? List.of(path) : files(path);
+            int before = requests.size();
+            for (Path file : inside) {
+                if (RunFolder.isRun(file)) {
+                    requests.add(file.resolve(RunFolder.REQUEST));
+                } else if (Files.isRegularFile(file) && file.getFileName().toString().endsWith(".json")) {
+                    requests.add(file);
+                }
+            }
+            if (requests.size() == before) {
+                throw new IllegalArgumentException(path + ": needs a folder of request files (*.json) or "
+                        + "recordings, found none of them");
+            }
+        }
+        return requests;
+    }
+
+    private static List<Path> files(Path folder) {
+        try (Stream<Path> files = Files.list(folder)) {
+            return files.filter(file -> !file.getFileName().toString().startsWith(".")).sorted().toList();
+        } catch (IOException e) {
+            throw new IllegalArgumentException("can't read " + folder, e);
+        }
+    }
+
     /** Adds an option's file, which may be null; an IllegalArgumentException when it can't be written. */
     GivenPaths file(String option, Path file) {
         if (file == null) {
@@ -41,6 +82,9 @@ final class GivenPaths {
         String other = mFiles.put(whole, option);
         if (other != null) {
             throw new IllegalArgumentException(other + " and " + option + " name the same file: " + file);
+        }
+        if (file.equals(Results.STANDARD_OUTPUT)) {
+            return this;
         }
         if (Files.isDirectory(file)) {
             throw new IllegalArgumentException(option + ": needs a file, found a folder: " + file);

@@ -20,14 +20,14 @@ import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
-import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
-import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
 import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
 import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
 
@@ -36,6 +36,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Stream;
 
 /** Judges a run whose process ended before the command did, in another process, by what it left behind. */
@@ -69,12 +70,10 @@ final class PostMortem {
         if (mOptions.written.record != null) {
             completeRecordings(mOptions.written.record);
         }
-        if (mOptions.written.json != null) {
-            JsonReport json = new JsonReport();
-            json.add(verdict);
-            json.write(mOptions.written.json);
-        }
-        System.out.println(verdict.line());
+        Results results = new Results("run");
+        results.add(mOptions.requests().size() == 1 ? mOptions.names().get(0) : "run", verdict, 0, Map.of());
+        mOptions.written.write(results);
+        mOptions.written.last().println(verdict.line());
         return verdict.status();
     }
 
@@ -95,11 +94,12 @@ final class PostMortem {
                 source.learn(all);
                 RequestFile request = RequestFileReader.read(requests.get(pages.count()),
                         mOptions.tried.photo);
-                Run run = Run.of(RequestNames.of(requests).get(pages.count()), request, own, List.of(),
+                RequestTags.set(request, mOptions.tried.tags);
+                Run run = Run.of(mOptions.names().get(pages.count()), request, own, List.of(),
                         null, null);
                 RunReport report = new RunReport(
                         run, ImageResults.NONE, verdict, TrialSession.found(pages.count()), "", crash);
-                System.out.println("  page        " + Printable.line(
+                mOptions.written.text().println("  page        " + Printable.line(
                         pages.add(report, inputs(request), new Timeline(), source)));
             } catch (MistakeException e) {
                 System.err.println("run: no page: " + Printable.message(e));

@@ -3,6 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
@@ -16,9 +17,10 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
+import picocli.CommandLine.Spec;
 
 /** What ./run does without a subcommand: it runs requests. The launcher acts on some of the options, too. */
-@Command(customSynopsis = {"./run [options] [request.json ...]", "       ./run SUBCOMMAND ..."},
+@Command(customSynopsis = {"./run [options] [request.json | FOLDER ...]", "       ./run SUBCOMMAND ..."},
         commandListHeading = "%nSubcommands, each with a --help of its own:%n",
         description = "Sends camera requests through the post-processing library, as the service does, and "
                 + "shows what went in, what ran and what came back. Without a request file it takes "
@@ -52,6 +54,12 @@ final class RunCommand implements Subcommand {
     List<Path> files = new ArrayList<>();
     @Option(names = "--version", versionHelp = true, description = "print the version")
     private boolean mVersion;
+    // What the files that it writes are named after, for a process of another one.
+    @Option(names = "--as", paramLabel = "NAME", hidden = true)
+    String name;
+    @Spec
+    CommandSpec spec;
+    private List<Path> mRequests;
 
     static final class Shown {
         @Option(names = "--params", description = "print every parameter handed to the algorithms")
@@ -72,13 +80,10 @@ final class RunCommand implements Subcommand {
         boolean wide;
     }
 
-    static final class Written {
+    static final class Written extends ResultOptions {
         @Option(names = "--out", paramLabel = "DIR", description = "write the resulting images there "
                 + "(default: out)")
         Path out = Path.of("out");
-        @Option(names = "--json", paramLabel = "FILE",
-                description = "write parameters, algorithm lists, results, times and the verdict as JSON")
-        Path json;
         @Option(names = "--events", paramLabel = "FILE", description = "keep all that passed between the "
                 + "library and the algorithm library, and every look-up of a tag, as JSON lines "
                 + "(docs/events.md)")
@@ -104,6 +109,12 @@ final class RunCommand implements Subcommand {
         @Option(names = "--photo", paramLabel = "FILE",
                 description = "make the frames of this photo instead of the request's own")
         Path photo;
+        @Option(names = "--tag", paramLabel = "NAME=VALUE", arity = "1", description = "set this tag in all "
+                + "frames; can be given again")
+        List<String> tags = List.of();
+        @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side, each in a "
+                + "process of its own")
+        int jobs;
         @Option(names = "--one-client", description = "run all requests on one client instead of one for "
                 + "each")
         boolean oneClient;
@@ -118,20 +129,43 @@ final class RunCommand implements Subcommand {
 
     @Override
     public int run() throws MistakeException, ErrnoException, IOException {
-        return new Session(checked()).run();
+        checked();
+        return tried.jobs > 0 ? new JobsSession(this).run() : new Session(this).run();
     }
 
     @Override
     public int afterDeath(int exitStatus) throws IOException {
-        return new PostMortem(checked(), exitStatus).run();
+        checked();
+        if (tried.jobs > 0) {
+            throw new IllegalStateException("the process ended, status " + exitStatus);
+        }
+        return new PostMortem(this, exitStatus).run();
     }
 
-    /** Returns this if the photo is there; else throws an IllegalArgumentException. */
+    /** Returns this if the options fit each other; else throws an IllegalArgumentException. */
     RunCommand checked() {
+        if (spec.commandLine().getParseResult().hasMatchedOption("--jobs")) {
+            checkJobs();
+        }
         if (tried.photo != null && !Files.isRegularFile(tried.photo)) {
             throw new IllegalArgumentException("--photo: no such photo: " + tried.photo);
         }
         return this;
+    }
+
+    private void checkJobs() {
+        needsPositive("--jobs", tried.jobs);
+        for (String option : List.of("--events", "--timeline", "--record", "--one-client", "--log")) {
+            if (spec.commandLine().getParseResult().hasMatchedOption(option)) {
+                throw new IllegalArgumentException(option + " is of one process: leave out --jobs");
+            }
+        }
+    }
+
+    static void needsPositive(String option, int value) {
+        if (value < 1) {
+            throw new IllegalArgumentException(option + " needs a number from 1, found " + value);
+        }
     }
 
     /** The recorder that --record, else the recorder's own property asks for; null when neither does. */
@@ -142,9 +176,10 @@ final class RunCommand implements Subcommand {
 
     /** Throws an IllegalArgumentException if a file or folder can't or must not be written. */
     void checkWritten() {
-        new GivenPaths().folder("--out", written.out).folder("--record", written.record)
-                .folder("--report", written.report).file("--json", written.json)
-                .file("--events", written.events).file("--timeline", written.timeline);
+        GivenPaths paths = new GivenPaths().folder("--out", written.out).folder("--record", written.record)
+                .folder("--report", written.report);
+        written.check(paths);
+        paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
     /** Whether look-ups of tags are to be recorded: they are many, and cost as much as the request. */
@@ -160,6 +195,15 @@ final class RunCommand implements Subcommand {
     /** The request files, or the one that the launcher names when there are none. */
     List<Path> requests() {
         String usual = System.getProperty("orlu.request");
-        return !files.isEmpty() || usual == null ? files : List.of(Path.of(usual));
+        if (mRequests == null) {
+            mRequests = GivenPaths.requests(
+                    !files.isEmpty() || usual == null ? files : List.of(Path.of(usual)));
+        }
+        return mRequests;
+    }
+
+    /** A name for each of them. */
+    List<String> names() {
+        return name == null ? RequestNames.of(requests()) : List.of(name);
     }
 }

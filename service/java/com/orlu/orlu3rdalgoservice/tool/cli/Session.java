@@ -13,6 +13,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Callbacks;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
@@ -29,17 +30,18 @@ import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
 import com.orlu.orlu3rdalgoservice.tool.run.NoiseMeasure;
 import com.orlu.orlu3rdalgoservice.tool.run.OutputImages;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
-import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
 import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 import com.orlu.orlu3rdalgoservice.tool.view.JsonReport;
 import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
 import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
 import com.orlu.orlu3rdalgoservice.tool.view.Summary;
 import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
@@ -51,6 +53,7 @@ import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.Collectors;
 
 /** Runs the requests of one command line, one after the other, and prints what happened. */
 final class Session {
@@ -59,13 +62,12 @@ final class Session {
     private static final long POLL_MILLISECONDS = 50;
 
     private final RunCommand mOptions;
-    private final PrintStream mTo = System.out;
+    private final PrintStream mTo;
     private final TraceReader mTraces;
     private final LineFile mEvents;
-    private final JsonReport mJson = new JsonReport();
+    private final Results mResults = new Results("run");
     private final Photos mPhotos = new Photos();
     private final Timeline mTimeline = new Timeline();
-    private final List<Verdict> mVerdicts = new ArrayList<>();
 
     /** Null when nothing is to be recorded. */
     private final RequestRecorder mRecorder;
@@ -79,6 +81,7 @@ final class Session {
 
     Session(RunCommand options) {
         mOptions = options;
+        mTo = options.written.text();
         mRecorder = options.recorder();
         mTraces = new TraceReader(WorkFolder.algorithmTrace());
         mEvents = new LineFile(
@@ -88,10 +91,11 @@ final class Session {
     /** Returns one of Verdict's statuses, the first that is not OK. */
     int run() throws MistakeException, ErrnoException, IOException {
         // All are checked before the first runs, so that a mistake in the last shows at once.
-        RequestChecker checker = new RequestChecker(mOptions.tried.photo, mPhotos);
+        RequestChecker checker = new RequestChecker(mOptions.tried.photo, mOptions.tried.tags, mPhotos);
         mOptions.requests().forEach(checker::check);
         if (mOptions.tried.check) {
             checker.printUnderstood(mTo);
+            writeCheck(checker);
         }
         // A strict run goes on with warnings, and fails with them in its verdict.
         boolean isStrict = mOptions.tried.strict && mOptions.tried.check;
@@ -106,9 +110,20 @@ final class Session {
         return runAll(checker);
     }
 
+    private void writeCheck(RequestChecker checker) throws IOException {
+        boolean isStrict = mOptions.tried.strict;
+        for (Mistakes mistakes : checker.mistakes()) {
+            boolean isRight = mistakes.errors() == 0 && (!isStrict || mistakes.warnings() == 0);
+            mResults.add(mistakes.file(), isRight ? Verdict.ok() : new Verdict(Verdict.REFUSED,
+                    mistakes.lines()), 0, JsonWriter.object("mistakes", mistakes.lines()));
+        }
+        mOptions.checkWritten();
+        mOptions.written.write(mResults);
+    }
+
     private int runAll(RequestChecker checker) throws MistakeException, ErrnoException, IOException {
         List<RequestFile> requests = checker.requests();
-        List<String> names = RequestNames.of(mOptions.requests());
+        List<String> names = mOptions.names();
         if (mOptions.written.report != null) {
             mPages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(),
                     requests.size());
@@ -135,17 +150,15 @@ final class Session {
                 report = report.withPage(mPages.add(report, exhibits, mTimeline, mSourceLines));
             }
             print(report);
-            mJson.add(report);
-            mVerdicts.add(verdict);
+            mResults.add(report.run().name(), verdict, report.run().milliseconds().values().stream()
+                    .mapToDouble(Double::doubleValue).sum(), JsonReport.members(report));
         }
-        if (mOptions.written.json != null) {
-            mJson.write(mOptions.written.json);
-        }
+        mOptions.written.write(mResults);
         keepEvents(mOptions, mTimeline);
         if (mPages != null) {
             mPages.writeIndex(mOptions.requests());
         }
-        return overall(requests);
+        return overall();
     }
 
     /** Copies the events to where --events says, and writes the timeline to where --timeline says. */
@@ -174,29 +187,27 @@ final class Session {
             new ExplanationPrinter(report.run(), report.dependences(), mSourceLines,
                     new TextLayout(mTo, mOptions.shown.wide)).print(mOptions.shown.explain);
         }
-        mTo.println(report.verdict().line());
+        (mOptions.requests().size() == 1 ? mOptions.written.last() : mTo).println(report.verdict().line());
     }
 
-    // One verdict on several requests stands behind all of theirs.
-    private int overall(List<RequestFile> requests) {
-        List<String> failed = new ArrayList<>();
-        int status = Verdict.OK;
-        for (int i = 0; i < requests.size(); ++i) {
-            if (mVerdicts.get(i).status() != Verdict.OK) {
-                status = status == Verdict.OK ? mVerdicts.get(i).status() : status;
-                failed.add(requests.get(i).file().toString());
-            }
+    private int overall() {
+        if (mResults.size() > 1) {
+            printOverall(mOptions, mResults, mPages);
         }
-        if (requests.size() > 1) {
-            String reason = "%d of %d requests: %s".formatted(
-                    failed.size(), requests.size(), String.join(", ", failed));
-            mTo.println();
-            if (mPages != null) {
-                mTo.println("  page        " + Printable.line(mPages.index().toString()));
-            }
-            mTo.println(new Verdict(status, List.of(reason)).line());
+        return mResults.status();
+    }
+
+    /** Prints one verdict on several requests, behind all of theirs. The pages may be null. */
+    static void printOverall(RunCommand options, Results results, PageFolder pages) {
+        List<Integer> failed = results.failed();
+        String files = failed.stream().map(i -> options.requests().get(i).toString())
+                .collect(Collectors.joining(", "));
+        options.written.text().println();
+        if (pages != null) {
+            options.written.text().println("  page        " + Printable.line(pages.index().toString()));
         }
-        return status;
+        options.written.last().println(new Verdict(results.status(), List.of("%d of %d requests: %s".formatted(
+                failed.size(), results.size(), files))).line());
     }
 
     private RunReport runOne(String name, RequestFile request, Exhibits exhibits, boolean lastOfClient)
@@ -269,10 +280,11 @@ final class Session {
         List<String> files =
                 new OutputImages(name, base.index(), mOptions.written.out).write(frames, runner.inputs(),
                         outputs);
-        List<String> noise = new NoiseMeasure(request, base.index()).lines(frames, outputs);
+        NoiseMeasure noise = new NoiseMeasure(request, base.index());
+        List<NoiseMeasure.Measure> measures = noise.measures(frames, outputs, mOptions.written.json != null);
         if (exhibits != null) {
             exhibits.after(base, runner.inputs(), runner.outputs(), outputs);
         }
-        return new ImageResults(files, noise, problems);
+        return new ImageResults(files, measures, noise.lines(measures), problems);
     }
 }

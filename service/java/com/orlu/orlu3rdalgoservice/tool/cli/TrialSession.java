@@ -14,6 +14,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
@@ -43,10 +44,12 @@ final class TrialSession {
                 to = alone.record;
                 GivenPaths.checkRead(List.of(alone.request));
                 all.add(trials(RequestFileReader.read(alone.request, null), library));
-            } else if (command instanceof RunCommand run && !run.checked().tried.check) {
+            } else if (command instanceof RunCommand run && !run.checked().tried.check && run.tried.jobs == 0) {
                 for (Path file : run.requests()) {
                     Progress.show("trying what each tag of " + file + " changes");
-                    all.add(trials(RequestFileReader.read(file, run.tried.photo), library));
+                    RequestFile request = RequestFileReader.read(file, run.tried.photo);
+                    RequestTags.set(request, run.tried.tags);
+                    all.add(trials(request, library));
                 }
             }
             Progress.end();

@@ -69,7 +69,7 @@ public final class ImageDifference {
         int bits = bitsOf(left, right);
         left = new Mosaic(width, height, bits, left.samples());
         right = new Mosaic(width, height, bits, right.samples());
-        return new ImageDifference(new Grey(left), new Grey(right), Psnr.ofMosaic(left, right));
+        return new ImageDifference(new MosaicRows(left), new MosaicRows(right), Psnr.ofMosaic(left, right));
     }
 
     /** Compares two pictures, whose pixels are read again later; null when one is, or when they are of different sizes. */
@@ -117,6 +117,11 @@ public final class ImageDifference {
         return mPsnr;
     }
 
+    /** The structural similarity; 1 when all pixels are equal. */
+    public double ssim() {
+        return mFirstRow < 0 ? 1 : Ssim.of(mOne, mOther);
+    }
+
     public PixelRows one() {
         return mOne;
     }
@@ -130,26 +135,6 @@ public final class ImageDifference {
      */
     public PixelRows picture() {
         return new Amplified(mOne, mOther);
-    }
-
-    private record Grey(Mosaic mosaic) implements PixelRows {
-        @Override
-        public int width() {
-            return mosaic.width();
-        }
-
-        @Override
-        public int height() {
-            return mosaic.height();
-        }
-
-        @Override
-        public void read(int y, float[] to) {
-            float scale = WHITE / mosaic.white();
-            for (int x = 0; x < width(); ++x) {
-                Arrays.fill(to, x * CHANNELS, (x + 1) * CHANNELS, mosaic.samples()[y * width() + x] * scale);
-            }
-        }
     }
 
     private record Amplified(PixelRows one, PixelRows other) implements PixelRows {

@@ -51,6 +51,11 @@ public final class Progress {
     public static synchronized void end() {
         sNext = System.nanoTime() + FIRST_NANOSECONDS;
         sWork = "";
+        pause();
+    }
+
+    /** Clears the line so that something else can be printed before the work goes on. */
+    public static synchronized void pause() {
         if (sShown) {
             System.err.print(CLEAR_LINE);
             System.err.flush();

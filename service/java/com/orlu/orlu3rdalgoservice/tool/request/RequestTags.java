@@ -5,7 +5,10 @@ import android.hardware.camera2.impl.CameraMetadataNative;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
-/** Checks tags for writers of request files. */
+import java.util.List;
+import java.util.Map;
+
+/** Checks tags for writers of request files, and replaces them in requests. */
 public final class RequestTags {
     private RequestTags() {
     }
@@ -24,6 +27,51 @@ public final class RequestTags {
             return e.mistake().problem();
         } catch (IllegalArgumentException e) {
             return e.getMessage();
+        }
+    }
+
+    /**
+     * Sets tags in all frames of a request, each "NAME=VALUE" with the value as in a request file, or a text
+     * without quotes: in a composition that has the tag, else in the capture result. An
+     * IllegalArgumentException is a message for people.
+     */
+    public static void set(RequestFile request, List<String> tags) {
+        for (String tag : tags) {
+            int equals = tag.indexOf('=');
+            if (equals < 1) {
+                throw new IllegalArgumentException("--tag needs NAME=VALUE, found \"" + tag + '"');
+            }
+            set(request, tag.substring(0, equals), tag.substring(equals + 1));
+        }
+    }
+
+    private static void set(RequestFile request, String name, String value) {
+        try {
+            Json field = value(value);
+            List<FramePlan> frames = request.frames().frames();
+            if (frames.isEmpty()) {
+                throw new IllegalArgumentException(request.file() + " has no frame that could have it");
+            }
+            for (int i = 0; i < frames.size(); ++i) {
+                Object read = TagValues.ofTag(name, field, i);
+                field.mistakes().throwFirst();
+                Map<String, Object> composition = frames.get(i).composition();
+                if (composition.replace(name, read) == null) {
+                    frames.get(i).captureResult().set(name, read);
+                }
+            }
+        } catch (MistakeException e) {
+            throw new IllegalArgumentException("--tag " + name + ": " + e.mistake().problem(), e);
+        } catch (IllegalArgumentException e) {
+            throw new IllegalArgumentException("--tag " + name + ": " + e.getMessage(), e);
+        }
+    }
+
+    private static Json value(String text) {
+        try {
+            return Json.parse("--tag", 0, text);
+        } catch (MistakeException e) {
+            return Json.of(text);
         }
     }
 }

@@ -4,15 +4,27 @@ import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.Set;
+import java.util.concurrent.ConcurrentHashMap;
+import java.util.stream.Stream;
 
 /**
  * A run of this command in a process of its own, with another library or machine, which may end its process.
  * It records what it does in a folder of its own, so that no two runs write the same files.
  */
-public final class ChildRun {
+public final class ChildRun implements AutoCloseable {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
+    private static final String RECORDINGS = "recordings";
+
+    private static final Set<Process> RUNNING = ConcurrentHashMap.newKeySet();
+
+    static {
+        Runtime.getRuntime().addShutdownHook(new Thread(ChildRun::endBeforeThis));
+    }
 
     /** Whether this process is being stopped. */
     private static volatile boolean sIsEnding;
@@ -20,6 +32,8 @@ public final class ChildRun {
     private final Path mFolder;
     private final boolean mArm;
     private final Path mLibrary;
+    private final Map<String, String> mVariables = new HashMap<>();
+    private int mStatus;
 
     /**
      * The library is an algorithm library, or another build of the native one by its file's name; null for
@@ -34,33 +48,48 @@ public final class ChildRun {
 
     /** Runs request files, and returns the folder of their recordings; fewer if the process ended. */
     public Path run(List<Path> requests) throws IOException {
-        List<String> arguments = new ArrayList<>(List.of("--out", mFolder.resolve("images").toString()));
+        List<String> arguments = new ArrayList<>();
         requests.forEach(request -> arguments.add(request.toString()));
-        return start(arguments);
+        return record(arguments);
     }
 
     /** Tries what each tag of a request changes, and returns the file of what was found. */
     public Path trials(Path request) throws IOException {
-        return start(List.of("trials", request.toString()));
+        start(List.of("trials", request.toString(), "--record", file(RECORDINGS).toString()));
+        return recorded();
     }
 
-    private Path start(List<String> arguments) throws IOException {
-        Path record = mFolder.resolve("recordings");
-        Path log = mFolder.resolve("log");
+    /** Runs the arguments of ./run, and returns the folder of the recordings. */
+    public Path record(List<String> arguments) throws IOException {
+        List<String> all = new ArrayList<>(arguments);
+        all.addAll(List.of("--record", file(RECORDINGS).toString(), "--out", file("images").toString()));
+        start(all);
+        return recorded();
+    }
+
+    private Path recorded() throws IOException {
+        if (!Files.exists(file(RECORDINGS))) {
+            throw new IllegalStateException("the request did not run, status " + mStatus + ": " + printed()
+                    + errors());
+        }
+        return file(RECORDINGS);
+    }
+
+    /** Runs ./run with these arguments, waits for its end, and returns its exit status. */
+    public int start(List<String> arguments) throws IOException {
         List<String> command = new ArrayList<>(List.of(System.getProperty("orlu.launcher")));
         command.addAll(arguments);
-        command.addAll(List.of("--record", record.toString()));
         if (mArm) {
             command.add("--arm");
         }
-        ProcessBuilder builder = new ProcessBuilder(command).redirectErrorStream(true)
-                .redirectOutput(log.toFile());
+        ProcessBuilder builder = new ProcessBuilder(command).redirectOutput(file("printed").toFile())
+                .redirectError(file("errors").toFile());
         setEnvironment(builder.environment());
-        int status;
         try {
             Process child = builder.start();
-            Runtime.getRuntime().addShutdownHook(new Thread(() -> endBeforeThis(child)));
-            status = child.waitFor();
+            RUNNING.add(child);
+            mStatus = child.waitFor();
+            RUNNING.remove(child);
             if (sIsEnding) {
                 // What an interrupted run came to is nothing to go on with.
                 Thread.currentThread().join();
@@ -69,20 +98,56 @@ public final class ChildRun {
             Thread.currentThread().interrupt();
             throw new IllegalStateException("interrupted", e);
         }
-        if (!Files.exists(record)) {
-            throw new IllegalStateException(
-                    "the request did not run, status " + status + ": " + Files.readString(log));
+        return mStatus;
+    }
+
+    /** A file in this run's own folder. */
+    public Path file(String name) {
+        return mFolder.resolve(name);
+    }
+
+    /** The exit status of the last process. */
+    public int status() {
+        return mStatus;
+    }
+
+    /** What the process wrote to standard output. */
+    public String printed() throws IOException {
+        return Files.readString(file("printed"));
+    }
+
+    /** What the process wrote to standard error. */
+    public String errors() throws IOException {
+        return Files.readString(file("errors"));
+    }
+
+    /** Adds a variable to the process's environment. */
+    public ChildRun with(String variable, String value) {
+        mVariables.put(variable, value);
+        return this;
+    }
+
+    /** Removes what the run wrote: many recordings of large images would fill the disk. */
+    @Override
+    public void close() throws IOException {
+        try (Stream<Path> files = Files.walk(mFolder)) {
+            for (Path file : files.sorted(Comparator.reverseOrder()).toList()) {
+                Files.delete(file);
+            }
         }
-        return record;
     }
 
     // The launcher removes this process's folder as soon as it ends: a child must not write there any more.
-    private static void endBeforeThis(Process child) {
+    private static void endBeforeThis() {
         sIsEnding = true;
-        child.descendants().forEach(ProcessHandle::destroy);
-        child.destroy();
+        for (Process child : RUNNING) {
+            child.descendants().forEach(ProcessHandle::destroy);
+            child.destroy();
+        }
         try {
-            child.waitFor();
+            for (Process child : RUNNING) {
+                child.waitFor();
+            }
         } catch (InterruptedException e) {
             Thread.currentThread().interrupt();
         }
@@ -93,6 +158,7 @@ public final class ChildRun {
         environment.remove("ORLU_EVENTS");
         environment.remove("ORLU_ALGO_TRACE");
         environment.remove("ORLU_PIXELS");
+        environment.putAll(mVariables);
         environment.put("LD_LIBRARY_PATH", System.getProperty("orlu.libraryPath", ""));
         if (mArm) {
             environment.remove("ORLU_BUILD");

@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Psnr;
+import com.orlu.orlu3rdalgoservice.tool.image.Ssim;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
@@ -23,39 +24,59 @@ public final class NoiseMeasure {
         mFrames = request.frames();
     }
 
-    /** A line for each output that shows the base frame's part of the photo. */
-    public List<String> lines(List<SynthesisedFrame> frames, List<OutputReader> outputs) {
-        List<String> lines = new ArrayList<>();
-        // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
-        // brightened on purpose.
-        if (!mRequest.isOfPhoto(mBase) || !mFrames.hasNoise()
-                || mFrames.frames().get(mBase).gain() != 1) {
-            return lines;
+    /**
+     * How near an output is to the clean photo.
+     *
+     * @param what   "luma", or "raw" for all samples of a mosaic
+     * @param before PSNR of the base frame as it went in, in dB
+     * @param after  PSNR of the output
+     * @param ssim   structural similarity of the output, NaN when nobody asked
+     */
+    public record Measure(int output, String what, double before, double after, double ssim) {
+        String line() {
+            return "output %d, %s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
+                    output, what, before, after, after - before);
         }
-        for (int i = 0; i < outputs.size(); ++i) {
-            String line = line(frames.get(mBase), outputs.get(i));
-            if (line != null) {
-                lines.add("output " + i + ", " + line);
-            }
-        }
-        return lines;
     }
 
-    private static String line(SynthesisedFrame base, OutputReader output) {
+    /**
+     * Measures each output that shows the base frame's part of the photo. Only of frames with noise, unless
+     * similarity is wanted as well.
+     */
+    public List<Measure> measures(List<SynthesisedFrame> frames, List<OutputReader> outputs,
+            boolean hasSsim) {
+        List<Measure> measures = new ArrayList<>();
+        // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
+        // brightened on purpose.
+        if (!mRequest.isOfPhoto(mBase) || !mFrames.hasNoise() && !hasSsim
+                || mFrames.frames().get(mBase).gain() != 1) {
+            return measures;
+        }
+        for (int i = 0; i < outputs.size(); ++i) {
+            Measure measure = measure(i, frames.get(mBase), outputs.get(i), hasSsim);
+            if (measure != null && !Double.isNaN(measure.after())) {
+                measures.add(measure);
+            }
+        }
+        return measures;
+    }
+
+    /** A line for each measure of a request whose frames have noise. */
+    public List<String> lines(List<Measure> measures) {
+        return mFrames.hasNoise() ? measures.stream().map(Measure::line).toList() : List.of();
+    }
+
+    private static Measure measure(int index, SynthesisedFrame base, OutputReader output, boolean hasSsim) {
         Picture clean = base.clean().get();
         if (output.mosaic() != null) {
             int bits = output.mosaic().bits();
             Mosaic reference = Mosaic.of(clean, bits);
-            return line("raw", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
-                    Psnr.ofMosaic(reference, output.mosaic()));
+            return new Measure(index, "raw", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
+                    Psnr.ofMosaic(reference, output.mosaic()),
+                    hasSsim ? Ssim.of(reference, output.mosaic()) : Double.NaN);
         }
-        return output.picture() == null ? null : line("luma", Psnr.ofLuma(clean, base.shot()),
-                Psnr.ofLuma(clean, output.picture()));
-    }
-
-    private static String line(String what, double before, double after) {
-        return Double.isNaN(after) ? null
-                : "%s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
-                        what, before, after, after - before);
+        return output.picture() == null ? null : new Measure(index, "luma", Psnr.ofLuma(clean, base.shot()),
+                Psnr.ofLuma(clean, output.picture()),
+                hasSsim ? Ssim.of(clean, output.picture()) : Double.NaN);
     }
 }

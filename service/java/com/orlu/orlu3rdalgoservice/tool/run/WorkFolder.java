@@ -7,6 +7,9 @@ import java.nio.file.Path;
 
 /** The folder that the launcher makes for one run and removes after it, named by the property orlu.work. */
 public final class WorkFolder {
+    /** The environment variable by which a process gets the file of its part of an index. */
+    public static final String PAGES = "ORLU_PAGES";
+
     private WorkFolder() {
     }
 
@@ -30,9 +33,10 @@ public final class WorkFolder {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
-    /** What was written of pages so far. */
+    /** What was written of pages so far; another process's, which has the index, where it names one. */
     public static Path pages() {
-        return file("pages.json");
+        Path named = ofEnvironment(PAGES);
+        return named == null ? file("pages.json") : named;
     }
 
     private static Path ofEnvironment(String variable) {

@@ -30,6 +30,7 @@ public final class PageFolder {
     private final Path mFolder;
     private final Sources mSources;
     private final boolean mHasIndex;
+    private final boolean mIsPart;
     private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
@@ -53,7 +54,8 @@ public final class PageFolder {
     public PageFolder(Path folder, Sources sources, int requests) {
         mFolder = folder;
         mSources = sources;
-        mHasIndex = requests > 1;
+        mIsPart = requests == 1 && System.getenv(WorkFolder.PAGES) != null;
+        mHasIndex = requests > 1 || mIsPart;
     }
 
     /** Goes on where another process ended. */
@@ -66,6 +68,16 @@ public final class PageFolder {
             } catch (MistakeException e) {
                 throw new IOException(e.getMessage(), e);
             }
+        }
+    }
+
+    /** Adds the page that another process wrote of a request, whose state is in this file if there is one. */
+    public void addOther(Path state, Path request) throws IOException {
+        try {
+            List<Json> entries = Files.exists(state) ? Json.read(state).require("entries").list() : List.of();
+            mEntries.add(entries.isEmpty() ? JsonWriter.object("file", request.toString()) : entries.get(0));
+        } catch (MistakeException e) {
+            throw new IOException(e.getMessage(), e);
         }
     }
 
@@ -142,7 +154,7 @@ public final class PageFolder {
 
     /** Writes the index when the run was to have several requests; those without a page have not run. */
     public void writeIndex(Iterable<Path> requests) throws IOException {
-        if (!mHasIndex) {
+        if (!mHasIndex || mIsPart) {
             return;
         }
         List<Object> entries = new ArrayList<>(mEntries);

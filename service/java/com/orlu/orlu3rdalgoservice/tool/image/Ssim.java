@@ -1,0 +1,76 @@
+package com.orlu.orlu3rdalgoservice.tool.image;
+
+/**
+ * Structural similarity of two pictures' lumas, 1 for equal ones: the mean over windows of 8x8 pixels, one
+ * every 4 pixels. No package of Debian has it for Java.
+ */
+public final class Ssim {
+    private static final int BLOCK = 4;
+    /** Pixels of a window, which has four blocks. */
+    private static final double COUNT = 64;
+    private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
+    private static final double C2 = Math.pow(0.03 * PixelRows.WHITE, 2);
+    /** The sums of a block: of one, the other, one squared, the other squared, and their product. */
+    private static final int SUMS = 5;
+
+    private Ssim() {
+    }
+
+    /** NaN when the sizes differ, or there is no window. */
+    public static double of(PixelRows one, PixelRows other) {
+        int columns = one.width() / BLOCK;
+        int rows = one.height() / BLOCK;
+        if (one.width() != other.width() || one.height() != other.height() || columns < 2 || rows < 2) {
+            return Double.NaN;
+        }
+        double[][] above = sums(one, other, 0, columns);
+        double total = 0;
+        for (int row = 1; row < rows; ++row) {
+            double[][] here = sums(one, other, row, columns);
+            for (int column = 1; column < columns; ++column) {
+                total += window(above[column - 1], above[column], here[column - 1], here[column]);
+            }
+            above = here;
+        }
+        return total / ((double) (rows - 1) * (columns - 1));
+    }
+
+    /** Of two mosaics, as grey pictures. NaN when the sizes differ. */
+    public static double of(Mosaic one, Mosaic other) {
+        return of(new MosaicRows(one), new MosaicRows(other));
+    }
+
+    private static double[][] sums(PixelRows one, PixelRows other, int row, int columns) {
+        double[][] sums = new double[columns][SUMS];
+        float[] left = new float[one.width() * PixelRows.CHANNELS];
+        float[] right = new float[left.length];
+        for (int y = row * BLOCK; y < (row + 1) * BLOCK; ++y) {
+            one.read(y, left);
+            other.read(y, right);
+            for (int x = 0; x < columns * BLOCK; ++x) {
+                double a = PixelRows.luma(left, x * PixelRows.CHANNELS);
+                double b = PixelRows.luma(right, x * PixelRows.CHANNELS);
+                double[] sum = sums[x / BLOCK];
+                sum[0] += a;
+                sum[1] += b;
+                sum[2] += a * a;
+                sum[3] += b * b;
+                sum[4] += a * b;
+            }
+        }
+        return sums;
+    }
+
+    private static double window(double[]... blocks) {
+        double[] sum = new double[SUMS];
+        for (double[] block : blocks) {
+            for (int i = 0; i < SUMS; ++i) {
+                sum[i] += block[i] / COUNT;
+            }
+        }
+        double variance = sum[2] - sum[0] * sum[0] + sum[3] - sum[1] * sum[1];
+        double covariance = sum[4] - sum[0] * sum[1];
+        return (2 * sum[0] * sum[1] + C1) * (2 * covariance + C2)
+                / ((sum[0] * sum[0] + sum[1] * sum[1] + C1) * (variance + C2));
+    }
+}

@@ -1,0 +1,66 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import com.orlu.orlu3rdalgoservice.tool.image.Progress;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.Callable;
+import java.util.concurrent.ExecutionException;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
+import java.util.concurrent.atomic.AtomicInteger;
+
+/** Does pieces of work side by side, and takes their results in the order of the work. */
+public final class SideBySide {
+    /** Takes a result. */
+    public interface Taker<T> {
+        void take(T result) throws MistakeException, IOException;
+    }
+
+    private SideBySide() {
+    }
+
+    /** Does the work on so many threads, and takes each result as soon as those before it are taken. */
+    public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
+            throws MistakeException, IOException {
+        ExecutorService threads = Executors.newFixedThreadPool(jobs);
+        AtomicInteger done = new AtomicInteger();
+        try {
+            Progress.show(what, 0, work.size());
+            List<Future<T>> results = new ArrayList<>();
+            for (Callable<T> piece : work) {
+                results.add(threads.submit(() -> {
+                    T result = piece.call();
+                    Progress.show(what, done.incrementAndGet(), work.size());
+                    return result;
+                }));
+            }
+            for (Future<T> result : results) {
+                T taken = result.get();
+                Progress.pause();
+                taker.take(taken);
+            }
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+            throw new IllegalStateException("interrupted", e);
+        } catch (ExecutionException e) {
+            rethrow(e.getCause());
+        } finally {
+            threads.shutdownNow();
+            Progress.end();
+        }
+    }
+
+    private static void rethrow(Throwable e) throws MistakeException, IOException {
+        if (e instanceof MistakeException mistake) {
+            throw mistake;
+        }
+        if (e instanceof IOException failure) {
+            throw failure;
+        }
+        throw e instanceof RuntimeException unchecked ? unchecked : new IllegalStateException(e);
+    }
+}
