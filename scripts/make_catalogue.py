@@ -134,7 +134,7 @@ def run(folder, name, request, is_tried):
                             capture_output=True, check=False)
     if not (folder / f"{name}.report").exists():
         sys.exit(f"make_catalogue: {name}: {result.stderr}{result.stdout[-500:]}")
-    report = json.loads((folder / f"{name}.report").read_text())[0]
+    report = json.loads((folder / f"{name}.report").read_text())["results"][0]
     if report.get("trials", {}).get("problem"):
         sys.exit(f"make_catalogue: {name}: {report['trials']['problem']}")
     lines = trace.read_text().splitlines() if trace.exists() else []

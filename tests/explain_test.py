@@ -110,8 +110,8 @@ def check_sample(sample, folder):
     plain = run_in(folder, "--json", "plain", *files)
     if not (folder / "explained").exists() or not (folder / "plain").exists():
         return [f"{sample.stem}: {explained.stderr}{plain.stderr}{plain.stdout[-200:]}"], 0
-    trials = json.loads((folder / "explained").read_text())[0]["trials"]
-    reports = [handed_over(report) for report in json.loads((folder / "plain").read_text())]
+    trials = json.loads((folder / "explained").read_text())["results"][0]["trials"]
+    reports = [handed_over(report) for report in json.loads((folder / "plain").read_text())["results"]]
     problems = [f"{sample.stem}: {trials['problem']}"] if trials["problem"] else []
     named = {}
     for tag in trials["tags"]:

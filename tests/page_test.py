@@ -228,11 +228,11 @@ def check_samples(folder):
     pages = folder / "samples"
     explained = [i for i, sample in enumerate(samples) if sample.stem in ("bokeh", "hdr7", "night", "night-async")]
     run(pages, [samples[i] for i in explained], status=0, trials="on")
-    for i, report in zip(explained, json.loads((folder / "json").read_text())):
+    for i, report in zip(explained, json.loads((folder / "json").read_text())["results"]):
         check(f"{samples[i].stem}: no trials", len(report["trials"]["tags"]) > 100)
         check_against_json(read_page(pages / f"{samples[i].stem}.html"), report, samples[i].stem)
     printed = run(pages, samples, status=0)
-    reports = json.loads((folder / "json").read_text())
+    reports = json.loads((folder / "json").read_text())["results"]
     check("the index is not named", f"page        {pages}/index.html" in printed)
     index = read_page(pages / "index.html")
     check("the index has other requests", [entry["page"] for entry in index["entries"]] ==

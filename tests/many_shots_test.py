@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Folders of requests, side by side, and what programs read of the results: many_shots_test.py BUILD_FOLDER"""
+
+import json
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+import jsonschema
+
+sys.path.insert(0, str(Path(__file__).resolve().parent / "support"))
+from command import BUILD, ROOT, expect, finish, run
+
+PLANTED = {"ORLU_ALGO_LIBRARY": str(BUILD / "planted/planted_algo.so")}
+SCHEMA = json.loads((ROOT / "docs/results.schema.json").read_text())
+
+
+def write(folder, name, sample, **fields):
+    request = json.loads((ROOT / f"samples/{sample}.json").read_text())
+    request["photo"] = str(ROOT / "samples" / request["photo"])
+    request["frames"].update(width=64, height=48)
+    (folder / name).write_text(json.dumps({**request, **fields}))
+
+
+def refused(folder, line, *arguments):
+    result = run(*arguments, cwd=folder)
+    expect(arguments, (2, f"run: {line}\n", ""), (result.returncode, result.stderr, result.stdout))
+
+
+def check_folder(folder):
+    plain = run("--quiet", "--json", "one", "shots", cwd=folder)
+    expect("--quiet", (0, "verdict  ok\n", ""), (plain.returncode, plain.stdout, plain.stderr))
+    side = run("--jobs", "3", "--json", "-", "shots", cwd=folder)
+    one, several = json.loads((folder / "one").read_text()), json.loads(side.stdout)
+    for results in one, several:
+        jsonschema.validate(results, SCHEMA)
+        for result in results["results"]:
+            result.pop("milliseconds")
+            result["photo"] and expect("SSIM", True, 0 < result["photo"][0]["ssim"] <= 1)
+    expect("side by side, the results", one, several)
+    expect("order", ["a", "b", "c"], [result["name"] for result in one["results"]])
+    printed = run("--jobs", "2", "shots", cwd=folder).stdout
+    expect("order of what is printed", True, printed.index("shots/a") < printed.index("shots/b")
+           < printed.index("shots/c"))
+    expect("two verdicts", 4, printed.count("verdict  ok"))
+    pages = run("--jobs", "2", "--report", "pages", "shots", cwd=folder, ORLU_TRIALS="off")
+    expect("pages", (0, ["a.html", "b.html", "c.html", "index.html"]),
+           (pages.returncode, sorted(page.name for page in (folder / "pages").iterdir())))
+    index = (folder / "pages/index.html").read_text()
+    expect("the index has all", [True] * 3, [f'"page":"{name}.html"' in index for name in "abc"])
+
+
+def check_crash(folder):
+    """A library that ends a process ends no other one."""
+    for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
+        write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
+    result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)
+    tests = ElementTree.fromstring(result.stdout)
+    expect("a crash", (1, "3", "3"), (result.returncode, tests.get("tests"), tests.get("failures")))
+    expect("the reason", True, "ended the process" in tests.find("testcase/failure").get("message"))
+
+
+def check_tags(folder):
+    for degrees in 90, 180:
+        result = run("--tag", f"android.jpeg.orientation={degrees}", "--json", "-", "shots/a.json", cwd=folder)
+        parameters = json.loads(result.stdout)["results"][0]["parameters"]
+        expect("--tag", [degrees], [each["value"] for each in parameters if each["key"] == "jpeg_rotation"])
+    refused(folder, "--tag android.jpeg.qualty: no such tag (did you mean android.jpeg.quality?)", "--tag",
+            "android.jpeg.qualty=1", "shots/a.json")
+    refused(folder, '--tag android.jpeg.quality: needs a number, found "NaN"', "--tag",
+            "android.jpeg.quality=NaN", "shots/a.json")
+    refused(folder, '--tag needs NAME=VALUE, found "x"', "--tag", "x", "shots/a.json")
+
+
+def main():
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name)
+        (folder / "shots").mkdir()
+        (folder / "empty").mkdir()
+        for stem, sample in (("c", "capture"), ("a", "capture"), ("b", "portrait")):
+            write(folder / "shots", f"{stem}.json", sample)
+        check_folder(folder)
+        check_tags(folder)
+        refused(folder, "empty: needs a folder of request files (*.json) or recordings, found none of them", "empty")
+        refused(folder, "--jobs needs a number from 1, found 0", "--jobs", "0", "shots")
+        refused(folder, "--timeline is of one process: leave out --jobs", "--jobs", "2", "--timeline", "t", "shots")
+        (folder / "shots/b.json").write_text("{")
+        wrong = run("--jobs", "2", "--check", "shots", cwd=folder)
+        expect("a mistake", (2, "run: mistakes in 1 of 3 files; nothing runs"),
+               (wrong.returncode, wrong.stderr.splitlines()[-1]))
+        checked = json.loads(run("--check", "--json", "-", "shots", cwd=folder).stdout)
+        jsonschema.validate(checked, SCHEMA)
+        expect("--check", [0, 2, 0], [result["verdict"]["status"] for result in checked["results"]])
+        check_crash(folder)
+    finish()
+
+
+main()
