@@ -73,6 +73,31 @@ def check_tags(folder):
     refused(folder, '--tag needs NAME=VALUE, found "x"', "--tag", "x", "shots/a.json")
 
 
+def check_compare(folder):
+    stand_in, planted = BUILD / "lib/liborlu.vac.interface.so", PLANTED["ORLU_ALGO_LIBRARY"]
+
+    def compare(*options, planted_fault=""):
+        result = run("compare", "--lib", str(stand_in), "--lib", planted, "--json", "-", *options, cwd=folder,
+                     ORLU_PLANTED=planted_fault)
+        report = json.loads(result.stdout)
+        jsonschema.validate(report, SCHEMA)
+        return result.returncode, report["results"]
+
+    status, equal = compare("--jobs", "2", "shots")
+    expect("equal libraries", (0, ["Infinity"] * 3), (status, [pair["psnr"] for pair in equal]))
+    status, pairs = compare("shots/c.json", planted_fault="aborts:process")
+    expect("a crash of B", (1, "ok / FAILED"), (status, pairs[0]["status"]))
+    write(folder, "colours.json", "night", outputs=[{"format": "NV21"}], algorithms=["night"])
+    status, pairs = compare("colours.json", planted_fault="black")
+    low = pairs[0]["psnr"]
+    expect("an output that differs", (1, True), (status, low < 60))
+    expect("--fail-below", [0, 1], [compare("--fail-below", str(limit), "colours.json", planted_fault="black")[0]
+                                    for limit in (low - 1, low + 1)])
+    refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib", planted, "shots")
+    refused(folder, "compare needs --lib twice, found 1", "compare", "--lib", planted, "shots")
+    refused(folder, "no such file: none", "compare", "--lib", planted, "--lib", "none", "shots")
+
+
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -82,6 +107,7 @@ def main():
             write(folder / "shots", f"{stem}.json", sample)
         check_folder(folder)
         check_tags(folder)
+        check_compare(folder)
         refused(folder, "empty: needs a folder of request files (*.json) or recordings, found none of them", "empty")
         refused(folder, "--jobs needs a number from 1, found 0", "--jobs", "0", "shots")
         refused(folder, "--timeline is of one process: leave out --jobs", "--jobs", "2", "--timeline", "t", "shots")

@@ -117,7 +117,7 @@ final class Session {
             mResults.add(mistakes.file(), isRight ? Verdict.ok() : new Verdict(Verdict.REFUSED,
                     mistakes.lines()), 0, JsonWriter.object("mistakes", mistakes.lines()));
         }
-        mOptions.checkWritten();
+        mOptions.written.check(new GivenPaths());
         mOptions.written.write(mResults);
     }
 

@@ -160,8 +160,11 @@ public final class ChildRun implements AutoCloseable {
         environment.remove("ORLU_PIXELS");
         environment.putAll(mVariables);
         environment.put("LD_LIBRARY_PATH", System.getProperty("orlu.libraryPath", ""));
-        if (mArm) {
+        if (mArm && !System.getProperty("os.arch").startsWith("arm")) {
             environment.remove("ORLU_BUILD");
+        } else {
+            // Side by side, they must not build.
+            environment.put("ORLU_BUILD", System.getProperty("orlu.build"));
         }
         if (mLibrary == null) {
             return;

@@ -1,0 +1,170 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
+import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
+import com.orlu.orlu3rdalgoservice.tool.run.SideBySide;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
+
+import java.io.IOException;
+import java.io.PrintStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.List;
+import java.util.Set;
+import java.util.concurrent.Callable;
+import java.util.stream.Stream;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Mixin;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The subcommand compare: runs the requests of a folder over two libraries, and compares. */
+@Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
+        description = {"Runs requests or recordings over two libraries, each in a process of its own, and "
+                + "prints a table, the worst first. A and B are algorithm libraries, or builds of the native "
+                + "one. The status is 0 when all runs are ok and equal, else 1."},
+        footer = "  ./run compare --lib old.so --lib new.so --fail-below 40 samples")
+final class CompareCommand implements Subcommand {
+    private static final int NAME = 24;
+    private static final String COLUMNS = "%-14s %8s %7s %9s %9s  ";
+
+    @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
+    private List<Path> mFiles;
+    @Option(names = "--lib", paramLabel = "LIBRARY", description = "given twice: run with these libraries")
+    private List<Path> mLibraries = List.of();
+    @Option(names = "--fail-below", paramLabel = "PSNR", description = "let outputs differ down to this PSNR "
+            + "in dB, and parameters at all: only lower outputs and runs that fail count")
+    private Double mLeastPsnr;
+    @Option(names = "--jobs", paramLabel = "N", description = "compare N requests side by side; times suffer")
+    private int mJobs = 1;
+    @Mixin
+    private ResultOptions mForm;
+
+    // One request over both libraries.
+    private record Pair(String name, Verdict verdict, Verdict one, Verdict other, OutputMeasure outputs,
+            double oneTime, double otherTime, List<String> differences) {
+        String status() {
+            return word(one) + " / " + word(other);
+        }
+
+        private static String word(Verdict verdict) {
+            return verdict.status() == Verdict.OK ? "ok" : "FAILED";
+        }
+
+        boolean hasRun() {
+            return one.status() == Verdict.OK && other.status() == Verdict.OK;
+        }
+
+        double psnr() {
+            return Double.isNaN(outputs.psnr()) ? -1 : outputs.psnr();
+        }
+    }
+
+    @Override
+    public int run() throws MistakeException, IOException {
+        check();
+        List<Path> requests = GivenPaths.requests(mFiles);
+        GivenPaths.checkRead(requests);
+        List<String> names = RequestNames.of(requests);
+        List<Callable<Pair>> work = new ArrayList<>();
+        for (int i = 0; i < requests.size(); ++i) {
+            Path request = requests.get(i);
+            // A recording is named after its folder.
+            String name = request.endsWith("request.json") && request.getParent() != null
+                    ? request.getParent().getFileName().toString() : names.get(i);
+            work.add(() -> pair(request, name));
+        }
+        List<Pair> pairs = new ArrayList<>();
+        SideBySide.run("comparing requests", mJobs, work, pairs::add);
+        pairs.sort(Comparator.comparing(Pair::hasRun).thenComparingDouble(Pair::psnr)
+                .thenComparing(pair -> -pair.differences().size()));
+        Results results = new Results("compare");
+        pairs.forEach(pair -> results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
+                JsonWriter.object("status", pair.status(), "psnr", pair.outputs().psnr(), "ssim",
+                        pair.outputs().ssim(), "milliseconds", JsonWriter.object("a", pair.oneTime(), "b",
+                                pair.otherTime()), "differences", pair.differences())));
+        print(pairs);
+        mForm.write(results);
+        int failed = results.failed().size();
+        mForm.last().println(new Verdict(failed == 0 ? Verdict.OK : Verdict.FAILED,
+                List.of(failed + " of " + pairs.size() + " requests")).line());
+        return failed == 0 ? Verdict.OK : Verdict.FAILED;
+    }
+
+    private void check() throws IOException {
+        GivenPaths.checkRead(mFiles);
+        GivenPaths.checkRead(mLibraries);
+        if (mLibraries.size() != 2) {
+            throw new IllegalArgumentException("compare needs --lib twice, found " + mLibraries.size());
+        }
+        if (Files.isSameFile(mLibraries.get(0), mLibraries.get(1))) {
+            throw new IllegalArgumentException("both --lib name the same file: " + mLibraries.get(1));
+        }
+        if (mLeastPsnr != null && !(mLeastPsnr >= 0)) {
+            throw new IllegalArgumentException("--fail-below needs a PSNR of 0 or more, found " + mLeastPsnr);
+        }
+        RunCommand.needsPositive("--jobs", mJobs);
+        mForm.check(new GivenPaths());
+    }
+
+    private Pair pair(Path request, String name) throws MistakeException, IOException {
+        try (ShotRun one = ShotRun.of(request, mLibraries.get(0), List.of());
+                ShotRun other = ShotRun.of(request, mLibraries.get(1), List.of())) {
+            return pair(name, one, other);
+        }
+    }
+
+    private Pair pair(String name, ShotRun one, ShotRun other) throws MistakeException, IOException {
+        boolean hasBoth = one.run() != null && other.run() != null;
+        List<String> differences = !hasBoth ? List.of() : new Comparison(one.run(), other.run(), Set.of(), 0,
+                new OutputComparison(null, "")).differences().stream().map(Difference::text).toList();
+        OutputMeasure outputs = hasBoth ? OutputMeasure.of(one.run(), other.run())
+                : new OutputMeasure(Double.NaN, Double.NaN);
+        List<String> reasons = new ArrayList<>();
+        addReasons(reasons, "A", one.verdict());
+        addReasons(reasons, "B", other.verdict());
+        if (mLeastPsnr == null) {
+            reasons.addAll(differences);
+        } else if (!(outputs.psnr() >= mLeastPsnr)) {
+            reasons.add("PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
+        }
+        return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
+                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(), differences);
+    }
+
+    private static void addReasons(List<String> reasons, String side, Verdict verdict) {
+        verdict.reasons().forEach(reason -> reasons.add(side + ": " + reason));
+    }
+
+    private void print(List<Pair> pairs) {
+        PrintStream to = mForm.text();
+        TextLayout lines = new TextLayout(to, TextLayout.REPORT);
+        int width = Math.max(NAME, pairs.stream().mapToInt(pair -> pair.name().length()).max().orElse(0) + 1);
+        lines.plain(TextLayout.label("request", width) + COLUMNS.formatted(
+                "A / B", "PSNR", "SSIM", "A, ms", "B, ms") + "differences");
+        for (Pair pair : pairs) {
+            lines.plain(TextLayout.label(pair.name(), width) + COLUMNS.formatted(pair.status(),
+                    "%.1f".formatted(pair.outputs().psnr()).replace("Infinity", "equal").replace("NaN", "-"),
+                    "%.4f".formatted(pair.outputs().ssim()).replace("NaN", "-"),
+                    time(pair.oneTime()), time(pair.otherTime())) + pair.differences().size());
+            Stream<String> shown = pair.hasRun() ? pair.differences().stream().limit(3)
+                    : pair.verdict().reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*"));
+            shown.forEach(text -> lines.print(4, text));
+        }
+        to.println();
+    }
+
+    private static String time(double milliseconds) {
+        return "%.1f".formatted(milliseconds).replace("NaN", "-");
+    }
+}

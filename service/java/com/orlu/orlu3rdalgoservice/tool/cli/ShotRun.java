@@ -1,0 +1,59 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.RunFolder;
+import com.orlu.orlu3rdalgoservice.tool.run.ChildRun;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+
+/**
+ * One request that ran in a process of its own, over one library, with what it left.
+ *
+ * @param run     its recording; null if there is none
+ * @param verdict the verdict of that process
+ * @param result  its result as JSON; without members if there is none
+ * @param child   the process, whose files go when it is closed
+ */
+record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
+        implements AutoCloseable {
+    /** Runs a request over a library, null for the usual one, with further options of ./run. */
+    static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
+        // Without copies of the images as the library sees them.
+        ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
+        Path json = child.file("json");
+        List<String> arguments = new ArrayList<>(options);
+        arguments.addAll(List.of("--json", json.toString(), request.toString()));
+        try {
+            List<Path> folders = RunFolder.in(child.record(arguments));
+            Json result = Files.exists(json) ? Json.read(json).require("results").list().get(0) : Json.none();
+            return new ShotRun(RunFolder.read(folders.get(0), request.toString()), Results.verdict(result),
+                    result, child);
+        } catch (IllegalStateException | MistakeException e) {
+            // Without a recording, such as over a library that can't be used.
+            Verdict verdict = Files.exists(json) ? Results.verdict(
+                    Json.read(json).require("results").list().get(0)) : null;
+            return new ShotRun(null, verdict == null || verdict.status() == Verdict.OK
+                    ? new Verdict(Verdict.FAILED, List.of(e.getMessage().strip())) : verdict, Json.none(), child);
+        }
+    }
+
+    @Override
+    public void close() throws IOException {
+        child.close();
+    }
+
+    /** The milliseconds of all calls into the library, NaN if there is no result. */
+    double milliseconds() {
+        Json times = result.get("milliseconds");
+        return times == null ? Double.NaN : times.entries().values().stream()
+                .mapToDouble(time -> Double.parseDouble(time.text())).sum();
+    }
+}

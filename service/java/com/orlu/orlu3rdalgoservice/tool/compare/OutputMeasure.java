@@ -1,0 +1,42 @@
+package com.orlu.orlu3rdalgoservice.tool.compare;
+
+import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.util.List;
+
+/**
+ * How near the outputs of two runs are: the least of all outputs.
+ *
+ * @param psnr in dB; infinite for equal pixels, NaN if an output is in one run only or can't be compared
+ * @param ssim structural similarity, 1 for equal pixels
+ */
+public record OutputMeasure(double psnr, double ssim) {
+    /** Compares each output that both runs have; runs without outputs are equal. */
+    public static OutputMeasure of(Run one, Run other) throws MistakeException {
+        List<ImageLayout> left = one.results();
+        List<ImageLayout> right = other.results();
+        double psnr = left.size() == right.size() ? Double.POSITIVE_INFINITY : Double.NaN;
+        double ssim = left.size() == right.size() ? 1 : Double.NaN;
+        for (int i = 0; i < Math.min(left.size(), right.size()); ++i) {
+            ImageDifference difference = difference(left.get(i), right.get(i));
+            // Math.min keeps a NaN.
+            psnr = Math.min(psnr, difference == null ? Double.NaN : difference.psnr());
+            ssim = Math.min(ssim, difference == null ? Double.NaN : difference.ssim());
+        }
+        return new OutputMeasure(psnr, ssim);
+    }
+
+    private static ImageDifference difference(ImageLayout one, ImageLayout other) throws MistakeException {
+        byte[] left = one.bytes();
+        byte[] right = other.bytes();
+        int[] strides = one.rowStrides();
+        boolean isSame = left != null && right != null && strides != null && strides.length > 0
+                && one.format().equals(other.format()) && one.width() == other.width()
+                && one.height() == other.height();
+        return isSame ? ImageDifference.of(one.format(), one.width(), one.height(), strides[0], left, right)
+                : null;
+    }
+}
