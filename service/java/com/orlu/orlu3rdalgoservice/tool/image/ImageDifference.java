@@ -49,27 +49,43 @@ public final class ImageDifference {
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
+        PixelRows left = pixels(formatName, width, height, stride, one);
+        PixelRows right = pixels(formatName, width, height, stride, other);
+        if (left instanceof Mosaic a && right instanceof Mosaic b) {
+            int bits = Math.max(a.bits(), b.bits());
+            Mosaic first = new Mosaic(width, height, bits, a.samples());
+            Mosaic second = new Mosaic(width, height, bits, b.samples());
+            return new ImageDifference(first, second, Psnr.ofMosaic(first, second));
+        }
+        return of(left, right);
+    }
+
+    /**
+     * The pixels of an image of this description, null when they can't be read. A raw image is a Mosaic; the
+     * description doesn't say how many bits its samples have: the fewest that all fit.
+     */
+    public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);
-        if (format == null) {
-            return null;
-        }
         if (format == PixelFormat.JPEG) {
-            return of(PixelReader.decodeJpeg(one), PixelReader.decodeJpeg(other));
+            return PixelReader.decodeJpeg(bytes);
         }
-        ImagePlan plan = plan(format, width, height, stride, 0);
-        if (stride < format.tightStride(width)
-                || !PixelReader.fits(plan, Math.min(one.length, other.length))) {
+        if (format == null || stride < format.tightStride(width)) {
             return null;
         }
-        if (!format.isRaw()) {
-            return of(PixelReader.picture(plan, buffer(one)), PixelReader.picture(plan, buffer(other)));
+        int bits = !format.isRaw() ? 0 : format == PixelFormat.MIPI_RAW10 ? 10 : 16;
+        ImagePlan plan = new ImagePlan(
+                format, format.name(), false, width, height, stride, 0, bits, 0, null, null);
+        if (!PixelReader.fits(plan, bytes.length)) {
+            return null;
         }
-        Mosaic left = mosaic(format, width, height, stride, one);
-        Mosaic right = mosaic(format, width, height, stride, other);
-        int bits = bitsOf(left, right);
-        left = new Mosaic(width, height, bits, left.samples());
-        right = new Mosaic(width, height, bits, right.samples());
-        return new ImageDifference(new MosaicRows(left), new MosaicRows(right), Psnr.ofMosaic(left, right));
+        ByteBuffer buffer = ByteBuffer.wrap(bytes).order(ByteOrder.LITTLE_ENDIAN);
+        if (!format.isRaw()) {
+            return PixelReader.picture(plan, buffer);
+        }
+        int[] samples = PixelReader.readMosaic(plan, buffer).samples();
+        int most = Arrays.stream(samples).max().orElse(0);
+        return new Mosaic(
+                width, height, Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most)), samples);
     }
 
     /** Compares two pictures, whose pixels are read again later; null when one is, or when they are of different sizes. */
@@ -77,27 +93,6 @@ public final class ImageDifference {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();
         return isSame ? new ImageDifference(one, other, null) : null;
-    }
-
-    private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
-        return new ImagePlan(
-                format, format.name(), false, width, height, stride, 0, bits, 0, null, null);
-    }
-
-    private static ByteBuffer buffer(byte[] bytes) {
-        return ByteBuffer.wrap(bytes).order(ByteOrder.LITTLE_ENDIAN);
-    }
-
-    private static Mosaic mosaic(PixelFormat format, int width, int height, int stride, byte[] bytes) {
-        int bits = format == PixelFormat.MIPI_RAW10 ? 10 : 16;
-        return PixelReader.readMosaic(plan(format, width, height, stride, bits), buffer(bytes));
-    }
-
-    // A description doesn't say how many bits a sample has: the fewest that both images fit.
-    private static int bitsOf(Mosaic one, Mosaic other) {
-        int most = Math.max(Arrays.stream(one.samples()).max().orElse(0),
-                Arrays.stream(other.samples()).max().orElse(0));
-        return Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most));
     }
 
     /**

@@ -2,25 +2,36 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 
+import java.util.Arrays;
+
 /**
- * Raw samples behind a colour filter: red and green in even rows, green and blue in odd ones.
+ * Raw samples behind a colour filter: red and green in even rows, green and blue in odd ones. As a picture
+ * they are grey.
  *
  * @param width   samples
  * @param height  samples
  * @param bits    of a sample; white is all of them set
  * @param samples row by row
  */
-public record Mosaic(int width, int height, int bits, int[] samples) {
+public record Mosaic(int width, int height, int bits, int[] samples) implements PixelRows {
     public static Mosaic of(Picture picture, int bits) {
         Mosaic mosaic = new Mosaic(picture.width(), picture.height(), bits,
                 new int[picture.width() * picture.height()]);
-        float scale = mosaic.white() / PixelRows.WHITE;
+        float scale = mosaic.white() / WHITE;
         for (int y = 0; y < mosaic.height; ++y) {
             for (int x = 0; x < mosaic.width; ++x) {
                 mosaic.samples[y * mosaic.width + x] = Math.round(picture.get(x, y, channelAt(x, y)) * scale);
             }
         }
         return mosaic;
+    }
+
+    @Override
+    public void read(int y, float[] to) {
+        float scale = WHITE / white();
+        for (int x = 0; x < width; ++x) {
+            Arrays.fill(to, x * CHANNELS, (x + 1) * CHANNELS, samples[y * width + x] * scale);
+        }
     }
 
     /** Hands over all samples. */

@@ -35,11 +35,6 @@ public final class Ssim {
         return total / ((double) (rows - 1) * (columns - 1));
     }
 
-    /** Of two mosaics, as grey pictures. NaN when the sizes differ. */
-    public static double of(Mosaic one, Mosaic other) {
-        return of(new MosaicRows(one), new MosaicRows(other));
-    }
-
     private static double[][] sums(PixelRows one, PixelRows other, int row, int columns) {
         double[][] sums = new double[columns][SUMS];
         float[] left = new float[one.width() * PixelRows.CHANNELS];
