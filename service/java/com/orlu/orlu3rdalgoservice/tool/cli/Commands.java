@@ -40,6 +40,7 @@ final class Commands {
             new Row("replay", "run recordings again, and compare", ReplayCommand::new),
             new Row("trim", "write a smaller copy of a recording", TrimCommand::new),
             new Row("diff", "compare two runs of a request", DiffCommand::new),
+            new Row("sweep", "run a request with each of several values of a tag", SweepCommand::new),
             new Row("compare", "compare two libraries over many requests", CompareCommand::new),
             new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
                     "--only= --list --json --junit= --contract --hostile= --long --seed= --repeat= "

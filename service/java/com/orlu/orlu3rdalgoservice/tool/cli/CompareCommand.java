@@ -4,24 +4,25 @@ import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
 import com.orlu.orlu3rdalgoservice.tool.run.SideBySide;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+import com.orlu.orlu3rdalgoservice.tool.text.TextTable;
+import com.orlu.orlu3rdalgoservice.tool.view.ContactSheet;
 import com.orlu.orlu3rdalgoservice.tool.view.Results;
 
 import java.io.IOException;
-import java.io.PrintStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.List;
+import java.util.Map;
 import java.util.Set;
 import java.util.concurrent.Callable;
-import java.util.stream.Stream;
 
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
@@ -35,8 +36,7 @@ import picocli.CommandLine.Parameters;
                 + "one. The status is 0 when all runs are ok and equal, else 1."},
         footer = "  ./run compare --lib old.so --lib new.so --fail-below 40 samples")
 final class CompareCommand implements Subcommand {
-    private static final int NAME = 24;
-    private static final String COLUMNS = "%-14s %8s %7s %9s %9s  ";
+    private static final int SHOWN = 3;
 
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFiles;
@@ -45,14 +45,12 @@ final class CompareCommand implements Subcommand {
     @Option(names = "--fail-below", paramLabel = "PSNR", description = "let outputs differ down to this PSNR "
             + "in dB, and parameters at all: only lower outputs and runs that fail count")
     private Double mLeastPsnr;
-    @Option(names = "--jobs", paramLabel = "N", description = "compare N requests side by side; times suffer")
-    private int mJobs = 1;
     @Mixin
-    private ResultOptions mForm;
+    private ManyOptions mMany;
 
     // One request over both libraries.
     private record Pair(String name, Verdict verdict, Verdict one, Verdict other, OutputMeasure outputs,
-            double oneTime, double otherTime, List<String> differences) {
+            double oneTime, double otherTime, List<String> differences, List<Map<String, Object>> cells) {
         String status() {
             return word(one) + " / " + word(other);
         }
@@ -63,6 +61,12 @@ final class CompareCommand implements Subcommand {
 
         boolean hasRun() {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
+        }
+
+        // What is said of it beside the numbers.
+        List<String> lines() {
+            return hasRun() ? differences.stream().limit(SHOWN).toList()
+                    : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();
         }
 
         double psnr() {
@@ -85,20 +89,29 @@ final class CompareCommand implements Subcommand {
             work.add(() -> pair(request, name));
         }
         List<Pair> pairs = new ArrayList<>();
-        SideBySide.run("comparing requests", mJobs, work, pairs::add);
+        SideBySide.run("comparing requests", mMany.jobs, work, pairs::add);
         pairs.sort(Comparator.comparing(Pair::hasRun).thenComparingDouble(Pair::psnr)
                 .thenComparing(pair -> -pair.differences().size()));
         Results results = new Results("compare");
-        pairs.forEach(pair -> results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
-                JsonWriter.object("status", pair.status(), "psnr", pair.outputs().psnr(), "ssim",
-                        pair.outputs().ssim(), "milliseconds", JsonWriter.object("a", pair.oneTime(), "b",
-                                pair.otherTime()), "differences", pair.differences())));
-        print(pairs);
-        mForm.write(results);
-        int failed = results.failed().size();
-        mForm.last().println(new Verdict(failed == 0 ? Verdict.OK : Verdict.FAILED,
-                List.of(failed + " of " + pairs.size() + " requests")).line());
-        return failed == 0 ? Verdict.OK : Verdict.FAILED;
+        TextTable table = new TextTable(
+                List.of("request", "A / B", "PSNR", "SSIM", "A, ms", "B, ms", "differences"));
+        ContactSheet sheet = new ContactSheet("%s (A) and %s (B)".formatted(mLibraries.get(0), mLibraries.get(1)),
+                plural(pairs.size()) + ", the worst first", List.of("A", "B", "difference"));
+        for (Pair pair : pairs) {
+            results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
+                    JsonWriter.object("status", pair.status(), "psnr", pair.outputs().psnr(), "ssim",
+                            pair.outputs().ssim(), "milliseconds", JsonWriter.object("a", pair.oneTime(), "b",
+                                    pair.otherTime()), "differences", pair.differences()));
+            table.add(List.of(pair.name(), pair.status(), pair.outputs().psnrText(), pair.outputs().ssimText(),
+                    time(pair.oneTime()), time(pair.otherTime()), String.valueOf(pair.differences().size())),
+                    pair.lines());
+            sheet.add(pair.name(), pair.verdict(), pair.lines(), pair.cells());
+        }
+        return mMany.finish(results, table, sheet);
+    }
+
+    private static String plural(int requests) {
+        return requests == 1 ? "1 request" : requests + " requests";
     }
 
     private void check() throws IOException {
@@ -113,8 +126,7 @@ final class CompareCommand implements Subcommand {
         if (mLeastPsnr != null && !(mLeastPsnr >= 0)) {
             throw new IllegalArgumentException("--fail-below needs a PSNR of 0 or more, found " + mLeastPsnr);
         }
-        RunCommand.needsPositive("--jobs", mJobs);
-        mForm.check(new GivenPaths());
+        mMany.check();
     }
 
     private Pair pair(Path request, String name) throws MistakeException, IOException {
@@ -128,8 +140,7 @@ final class CompareCommand implements Subcommand {
         boolean hasBoth = one.run() != null && other.run() != null;
         List<String> differences = !hasBoth ? List.of() : new Comparison(one.run(), other.run(), Set.of(), 0,
                 new OutputComparison(null, "")).differences().stream().map(Difference::text).toList();
-        OutputMeasure outputs = hasBoth ? OutputMeasure.of(one.run(), other.run())
-                : new OutputMeasure(Double.NaN, Double.NaN);
+        OutputMeasure outputs = hasBoth ? OutputMeasure.of(one.run(), other.run()) : OutputMeasure.NONE;
         List<String> reasons = new ArrayList<>();
         addReasons(reasons, "A", one.verdict());
         addReasons(reasons, "B", other.verdict());
@@ -139,29 +150,27 @@ final class CompareCommand implements Subcommand {
             reasons.add("PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
         }
         return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
-                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(), differences);
+                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(), differences,
+                mMany.report == null ? List.of() : cells(one, other, outputs));
+    }
+
+    // The two outputs that are the least alike, and their difference.
+    private static List<Map<String, Object>> cells(ShotRun one, ShotRun other, OutputMeasure outputs)
+            throws MistakeException {
+        int output = outputs.output();
+        ImageDifference difference = outputs.psnr() < Double.POSITIVE_INFINITY ? OutputMeasure.difference(
+                one.run().results().get(output), other.run().results().get(output)) : null;
+        String name = "output " + output;
+        return List.of(ContactSheet.cell(name, List.of(), one.run(), output),
+                ContactSheet.cell(name, List.of(), other.run(), output),
+                ContactSheet.cell(difference == null ? "" : ImageDifference.AMPLIFICATION + " times",
+                        List.of("PSNR " + outputs.psnrText() + ", SSIM " + outputs.ssimText()),
+                        difference == null ? null : difference.picture(),
+                        Double.isNaN(outputs.psnr()) ? "not comparable" : "equal"));
     }
 
     private static void addReasons(List<String> reasons, String side, Verdict verdict) {
         verdict.reasons().forEach(reason -> reasons.add(side + ": " + reason));
-    }
-
-    private void print(List<Pair> pairs) {
-        PrintStream to = mForm.text();
-        TextLayout lines = new TextLayout(to, TextLayout.REPORT);
-        int width = Math.max(NAME, pairs.stream().mapToInt(pair -> pair.name().length()).max().orElse(0) + 1);
-        lines.plain(TextLayout.label("request", width) + COLUMNS.formatted(
-                "A / B", "PSNR", "SSIM", "A, ms", "B, ms") + "differences");
-        for (Pair pair : pairs) {
-            lines.plain(TextLayout.label(pair.name(), width) + COLUMNS.formatted(pair.status(),
-                    "%.1f".formatted(pair.outputs().psnr()).replace("Infinity", "equal").replace("NaN", "-"),
-                    "%.4f".formatted(pair.outputs().ssim()).replace("NaN", "-"),
-                    time(pair.oneTime()), time(pair.otherTime())) + pair.differences().size());
-            Stream<String> shown = pair.hasRun() ? pair.differences().stream().limit(3)
-                    : pair.verdict().reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*"));
-            shown.forEach(text -> lines.print(4, text));
-        }
-        to.println();
     }
 
     private static String time(double milliseconds) {

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
@@ -48,6 +49,18 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
     @Override
     public void close() throws IOException {
         child.close();
+    }
+
+    /** How near its outputs are to the clean photo; null if that is not known. */
+    OutputMeasure photo() throws MistakeException {
+        OutputMeasure least = null;
+        for (Json measure : result.has("photo") ? result.get("photo").list() : List.<Json>of()) {
+            double psnr = Double.parseDouble(measure.get("psnr").text());
+            if (least == null || psnr < least.psnr()) {
+                least = new OutputMeasure(psnr, Double.parseDouble(measure.get("ssim").text()), 0);
+            }
+        }
+        return least;
     }
 
     /** The milliseconds of all calls into the library, NaN if there is no result. */

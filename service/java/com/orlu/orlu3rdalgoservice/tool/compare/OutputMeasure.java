@@ -10,26 +10,33 @@ import java.util.List;
 /**
  * How near the outputs of two runs are: the least of all outputs.
  *
- * @param psnr in dB; infinite for equal pixels, NaN if an output is in one run only or can't be compared
- * @param ssim structural similarity, 1 for equal pixels
+ * @param psnr   in dB; infinite for equal pixels, NaN if an output is in one run only or can't be compared
+ * @param ssim   structural similarity, 1 for equal pixels
+ * @param output the output of the least PSNR
  */
-public record OutputMeasure(double psnr, double ssim) {
+public record OutputMeasure(double psnr, double ssim, int output) {
+    /** Of outputs that can't be compared. */
+    public static final OutputMeasure NONE = new OutputMeasure(Double.NaN, Double.NaN, 0);
+
     /** Compares each output that both runs have; runs without outputs are equal. */
     public static OutputMeasure of(Run one, Run other) throws MistakeException {
         List<ImageLayout> left = one.results();
         List<ImageLayout> right = other.results();
         double psnr = left.size() == right.size() ? Double.POSITIVE_INFINITY : Double.NaN;
         double ssim = left.size() == right.size() ? 1 : Double.NaN;
+        int worst = 0;
         for (int i = 0; i < Math.min(left.size(), right.size()); ++i) {
             ImageDifference difference = difference(left.get(i), right.get(i));
+            worst = difference == null || difference.psnr() < psnr ? i : worst;
             // Math.min keeps a NaN.
             psnr = Math.min(psnr, difference == null ? Double.NaN : difference.psnr());
             ssim = Math.min(ssim, difference == null ? Double.NaN : difference.ssim());
         }
-        return new OutputMeasure(psnr, ssim);
+        return new OutputMeasure(psnr, ssim, worst);
     }
 
-    private static ImageDifference difference(ImageLayout one, ImageLayout other) throws MistakeException {
+    /** The difference of two outputs; null if they can't be compared. */
+    public static ImageDifference difference(ImageLayout one, ImageLayout other) throws MistakeException {
         byte[] left = one.bytes();
         byte[] right = other.bytes();
         int[] strides = one.rowStrides();
@@ -38,5 +45,15 @@ public record OutputMeasure(double psnr, double ssim) {
                 && one.height() == other.height();
         return isSame ? ImageDifference.of(one.format(), one.width(), one.height(), strides[0], left, right)
                 : null;
+    }
+
+    /** The PSNR for people. */
+    public String psnrText() {
+        return Double.isNaN(psnr) ? "-" : Double.isInfinite(psnr) ? "equal" : "%.1f".formatted(psnr);
+    }
+
+    /** The SSIM for people. */
+    public String ssimText() {
+        return Double.isNaN(ssim) ? "-" : "%.4f".formatted(ssim);
     }
 }

@@ -11,6 +11,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
     public static final int LARGEST = 800_000;
     private static final float[] QUALITIES = {0.9f, 0.8f, 0.7f};
     private static final float SMALL_QUALITY = 0.8f;
+    private static final int SMALL_WIDTH = 640;
 
     /** Of the image's own size, or a half, a quarter and so on where that would take more than these bytes. */
     public static PictureData of(BufferedImage image, int most) {
@@ -37,6 +38,11 @@ public record PictureData(byte[] jpeg, int width, int height) {
     public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
         return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
                 : of(shown, LARGEST);
+    }
+
+    /** A copy for a page of many pictures. */
+    public static PictureData small(PixelRows picture) {
+        return small(ShownImage.of(picture), SMALL_WIDTH);
     }
 
     /** A small copy, of at most this width. */

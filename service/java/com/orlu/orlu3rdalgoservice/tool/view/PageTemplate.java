@@ -37,6 +37,11 @@ final class PageTemplate {
         return page("index.html", title, INDEX, data);
     }
 
+    /** A page of pictures beside each other. */
+    static String sheet(String title, Object data) throws IOException {
+        return page("index.html", title, List.of("sheet.js"), data);
+    }
+
     private static String page(String html, String title, List<String> scripts, Object data)
             throws IOException {
         StringBuilder script = new StringBuilder("\n");

@@ -1,0 +1,45 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.text.Printable;
+import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
+import com.orlu.orlu3rdalgoservice.tool.text.TextTable;
+import com.orlu.orlu3rdalgoservice.tool.view.ContactSheet;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
+
+import java.io.IOException;
+import java.io.PrintStream;
+import java.nio.file.Path;
+import java.util.List;
+
+import picocli.CommandLine.Option;
+
+/** What a subcommand that runs many requests takes, and how it ends. */
+final class ManyOptions extends ResultOptions {
+    @Option(names = "--report", paramLabel = "DIR", description = "write a page with the pictures beside each "
+            + "other")
+    Path report;
+    @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side; times suffer")
+    int jobs = 1;
+
+    /** Throws an IllegalArgumentException if an option is invalid. */
+    void check() {
+        RunCommand.needsPositive("--jobs", jobs);
+        check(new GivenPaths().folder("--report", report));
+    }
+
+    /** Prints the table and the verdict, and writes what is asked for. Returns the status of the command. */
+    int finish(Results results, TextTable table, ContactSheet sheet) throws IOException {
+        PrintStream to = text();
+        table.print(new TextLayout(to, TextLayout.REPORT));
+        to.println();
+        if (report != null) {
+            to.println("  page        " + Printable.line(sheet.write(report).toString()));
+        }
+        write(results);
+        int failed = results.failed().size();
+        int status = failed == 0 ? Verdict.OK : Verdict.FAILED;
+        last().println(new Verdict(status, List.of(failed + " of " + results.size() + " requests")).line());
+        return status;
+    }
+}

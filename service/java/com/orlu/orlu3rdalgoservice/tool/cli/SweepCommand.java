@@ -1,0 +1,183 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
+import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
+import com.orlu.orlu3rdalgoservice.tool.run.SideBySide;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.TextTable;
+import com.orlu.orlu3rdalgoservice.tool.view.ContactSheet;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
+
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+import java.util.concurrent.Callable;
+import java.util.stream.Stream;
+
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Mixin;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.Parameters;
+
+/** The subcommand sweep: runs a request with each of several values of a tag. */
+@Command(customSynopsis = "./run sweep [options] REQUEST --tag NAME=VALUES [--tag NAME=VALUES]",
+        description = {"Runs a request with each value of a tag, or of two tags, and prints what changes: "
+                + "parameters and results against the first run, PSNR and SSIM against the clean photo, or "
+                + "against the first run if a request has none. VALUES are from:to:steps or value,value,... "
+                + "The status is 0 when all runs are ok, else 1."},
+        footer = {"  ./run sweep samples/capture.json --tag android.jpeg.orientation=0,90,180",
+            "  ./run sweep samples/night.json --tag android.sensor.sensitivity=100:3200:5 --report sheet"})
+final class SweepCommand implements Subcommand {
+    private static final int MOST_RUNS = 1000;
+    private static final int SHOWN = 3;
+
+    @Parameters(paramLabel = "REQUEST", arity = "1", hidden = true)
+    private Path mRequest;
+    @Option(names = "--tag", paramLabel = "NAME=VALUES", arity = "1", description = "set this tag in all "
+            + "frames; given twice, every value of one is run with every value of the other")
+    private List<String> mTags = List.of();
+    @Mixin
+    private ManyOptions mMany;
+
+    private final Results mResults = new Results("sweep");
+    private final List<Map<String, Object>> mCells = new ArrayList<>();
+    private final List<Verdict> mVerdicts = new ArrayList<>();
+    private ShotRun mFirst;
+
+    @Override
+    public int run() throws MistakeException, IOException {
+        GivenPaths.checkRead(List.of(mRequest));
+        mMany.check();
+        List<Path> requests = GivenPaths.requests(List.of(mRequest));
+        if (requests.size() != 1 || mTags.isEmpty() || mTags.size() > 2) {
+            throw new IllegalArgumentException("sweep needs one request and one or two --tag, found %d and %d"
+                    .formatted(requests.size(), mTags.size()));
+        }
+        List<SweptTag> tags = mTags.stream().map(SweptTag::of).toList();
+        List<List<String>> points = points(tags);
+        check(requests.get(0), tags, points);
+        List<String> headings = new ArrayList<>(tags.stream().map(SweptTag::shortName).toList());
+        headings.addAll(List.of("status", "PSNR", "SSIM", "parameters", "results", "algorithms"));
+        TextTable table = new TextTable(headings);
+        List<Callable<ShotRun>> work = new ArrayList<>();
+        for (List<String> point : points) {
+            work.add(() -> ShotRun.of(requests.get(0), null, options(tags, point)));
+        }
+        try {
+            SideBySide.run("running values", mMany.jobs, work, run -> take(run, tags, points, table));
+        } finally {
+            if (mFirst != null) {
+                mFirst.close();
+            }
+        }
+        return mMany.finish(mResults, table, sheet(tags));
+    }
+
+    // The last tag changes fastest.
+    private static List<List<String>> points(List<SweptTag> tags) {
+        List<List<String>> points = List.of(List.of());
+        for (SweptTag tag : tags) {
+            points = points.stream().flatMap(point -> tag.values().stream().map(
+                    value -> Stream.concat(point.stream(), Stream.of(value)).toList())).toList();
+        }
+        if (points.size() > MOST_RUNS) {
+            throw new IllegalArgumentException("sweep needs at most " + MOST_RUNS + " runs, found " + points.size());
+        }
+        return points;
+    }
+
+    // A wrong value shows before the first run.
+    private static void check(Path file, List<SweptTag> tags, List<List<String>> points) throws MistakeException {
+        RequestFile request = RequestFileReader.read(file, null);
+        points.forEach(point -> RequestTags.set(request, assignments(tags, point)));
+    }
+
+    private static List<String> assignments(List<SweptTag> tags, List<String> point) {
+        List<String> assignments = new ArrayList<>();
+        for (int i = 0; i < point.size(); ++i) {
+            assignments.add(tags.get(i).name() + "=" + point.get(i));
+        }
+        return assignments;
+    }
+
+    private static List<String> options(List<SweptTag> tags, List<String> point) {
+        return assignments(tags, point).stream().map(assignment -> "--tag=" + assignment).toList();
+    }
+
+    private void take(ShotRun run, List<SweptTag> tags, List<List<String>> points, TextTable table)
+            throws MistakeException, IOException {
+        List<String> point = points.get(mResults.size());
+        boolean isFirst = mFirst == null;
+        mFirst = isFirst ? run : mFirst;
+        boolean isComparable = run.run() != null && mFirst.run() != null;
+        List<Difference> all = !isComparable ? List.of() : new Comparison(mFirst.run(), run.run(), Set.of(), 0,
+                new OutputComparison(null, "")).differences();
+        List<String> parameters = all.stream().filter(each -> each.canComeFromTags()
+                && !each.parameter().equals(Dependences.ALGORITHMS))
+                .map(each -> each.text().replaceFirst("^parameter \\d+ ", "")).toList();
+        List<String> results = all.stream().map(Difference::text).filter(text -> text.startsWith("frame "))
+                .toList();
+        OutputMeasure photo = mFirst.photo();
+        OutputMeasure measure = photo != null ? run.photo()
+                : isComparable ? OutputMeasure.of(mFirst.run(), run.run()) : null;
+        measure = measure == null ? OutputMeasure.NONE : measure;
+        String algorithms = run.run() == null || run.run().algorithms().isEmpty() ? "-"
+                : String.join(", ", run.run().algorithms().get(0));
+        List<String> cells = new ArrayList<>(point);
+        cells.addAll(List.of(run.verdict().status() == Verdict.OK ? "ok" : "FAILED", measure.psnrText(),
+                measure.ssimText(), String.valueOf(parameters.size()), String.valueOf(results.size()), algorithms));
+        List<String> below = Stream.of(run.verdict().reasons(), parameters, results)
+                .flatMap(lines -> shortened(lines).stream()).toList();
+        table.add(cells, below);
+        String name = String.join(" ", assignments(tags, point));
+        Map<String, Object> values = JsonWriter.object();
+        for (int i = 0; i < point.size(); ++i) {
+            values.put(tags.get(i).name(), point.get(i));
+        }
+        mResults.add(name, run.verdict(), run.milliseconds(), JsonWriter.object("tags", values, "psnr",
+                measure.psnr(), "ssim", measure.ssim(), "reference", photo != null ? "photo" : "first",
+                "algorithmsAfter", run.run() == null ? List.of() : run.run().algorithms().stream()
+                        .findFirst().orElse(List.of()), "differences", all.stream().map(Difference::text).toList()));
+        mVerdicts.add(run.verdict());
+        if (mMany.report != null) {
+            mCells.add(ContactSheet.cell(tags.size() == 1 ? name : "", List.of("PSNR " + measure.psnrText()
+                    + ", SSIM " + measure.ssimText(), algorithms), run.run(), 0));
+        }
+        if (!isFirst) {
+            run.close();
+        }
+    }
+
+    private static List<String> shortened(List<String> lines) {
+        return lines.size() <= SHOWN ? lines : Stream.concat(lines.stream().limit(SHOWN),
+                Stream.of("and " + (lines.size() - SHOWN) + " more")).toList();
+    }
+
+    private ContactSheet sheet(List<SweptTag> tags) throws MistakeException {
+        SweptTag first = tags.get(0);
+        List<String> columns = tags.size() == 1 ? List.of()
+                : tags.get(1).values().stream().map(value -> tags.get(1).name() + "=" + value).toList();
+        ContactSheet sheet = new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size()
+                + " values", "PSNR and SSIM against the " + (mFirst.photo() != null ? "clean photo" : "first run"),
+                columns);
+        int width = columns.isEmpty() ? mCells.size() : columns.size();
+        for (int i = 0; i < mCells.size(); i += width) {
+            Verdict verdict = mVerdicts.subList(i, i + width).stream().filter(each -> each.status() != Verdict.OK)
+                    .findFirst().orElse(Verdict.ok());
+            sheet.add(columns.isEmpty() ? first.name() : first.name() + "=" + first.values().get(i / width),
+                    verdict, verdict.reasons(), mCells.subList(i, i + width));
+        }
+        return sheet;
+    }
+}

@@ -1,0 +1,65 @@
+package com.orlu.orlu3rdalgoservice.tool.cli;
+
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.math.BigDecimal;
+import java.math.MathContext;
+import java.util.List;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import java.util.stream.IntStream;
+
+/**
+ * A tag and the values that a sweep gives it.
+ *
+ * @param values as --tag of ./run takes them
+ */
+record SweptTag(String name, List<String> values) {
+    private static final int MOST = 1000;
+    private static final String NUMBER = "([-+]?[0-9.]+(?:[eE][-+]?[0-9]+)?)";
+    private static final Pattern RANGE = Pattern.compile(NUMBER + ":" + NUMBER + ":([0-9]{1,9})");
+
+    /** Reads NAME=from:to:steps or NAME=value,value,...; an IllegalArgumentException if it is neither. */
+    static SweptTag of(String text) {
+        int equals = text.indexOf('=');
+        if (equals < 1 || equals == text.length() - 1) {
+            throw new IllegalArgumentException("--tag needs NAME=from:to:steps or NAME=value,value, found \""
+                    + text + '"');
+        }
+        String values = text.substring(equals + 1);
+        Matcher range = RANGE.matcher(values);
+        return new SweptTag(text.substring(0, equals), range.matches() ? range(text, range) : list(values));
+    }
+
+    /** "orientation" for android.jpeg.orientation. */
+    String shortName() {
+        return name.substring(name.lastIndexOf('.') + 1);
+    }
+
+    private static List<String> range(String text, Matcher range) {
+        int steps = Integer.parseInt(range.group(3));
+        if (steps < 2 || steps > MOST) {
+            throw new IllegalArgumentException("--tag " + text + ": needs 2 to " + MOST + " steps, found " + steps);
+        }
+        try {
+            BigDecimal from = new BigDecimal(range.group(1));
+            BigDecimal length = new BigDecimal(range.group(2)).subtract(from);
+            return IntStream.range(0, steps).mapToObj(step -> from.add(length.multiply(BigDecimal.valueOf(step))
+                    .divide(BigDecimal.valueOf(steps - 1L), MathContext.DECIMAL32)).stripTrailingZeros()
+                    .toPlainString()).toList();
+        } catch (NumberFormatException e) {
+            throw new IllegalArgumentException("--tag " + text + ": needs numbers around the first \":\"", e);
+        }
+    }
+
+    // Elements of a JSON list, or texts without quotes.
+    private static List<String> list(String values) {
+        try {
+            return Json.parse("--tag", 0, "[" + values + "]").list().stream().map(JsonWriter::line).toList();
+        } catch (MistakeException e) {
+            return List.of(values.split(","));
+        }
+    }
+}

@@ -1,0 +1,67 @@
+package com.orlu.orlu3rdalgoservice.tool.view;
+
+import com.orlu.orlu3rdalgoservice.tool.image.Demosaic;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
+import com.orlu.orlu3rdalgoservice.tool.image.Mosaic;
+import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
+import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/** A page of pictures that are to be looked at beside each other, in rows and columns or one after the other. */
+public final class ContactSheet {
+    private final String mTitle;
+    private final String mAbout;
+    private final List<String> mColumns;
+    private final List<Object> mRows = new ArrayList<>();
+
+    /** Without columns, the pictures of a row take as many lines as they need. */
+    public ContactSheet(String title, String about, List<String> columns) {
+        mTitle = title;
+        mAbout = about;
+        mColumns = columns;
+    }
+
+    /** A picture with a caption and further lines; null and the reason for none. */
+    public static Map<String, Object> cell(String caption, List<String> lines, PixelRows picture, String problem) {
+        return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
+                picture == null ? "" : PictureData.small(picture).uri());
+    }
+
+    /** The cell of an output of a run, which may be null. */
+    public static Map<String, Object> cell(String caption, List<String> lines, Run run, int output)
+            throws MistakeException {
+        ImageLayout image = run == null || run.results().size() <= output ? null : run.results().get(output);
+        byte[] bytes = image == null ? null : image.bytes();
+        int[] strides = image == null ? null : image.rowStrides();
+        PixelRows pixels = bytes == null || strides == null || strides.length == 0 ? null
+                : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
+        return cell(caption, lines, pixels instanceof Mosaic mosaic ? new Demosaic(mosaic) : pixels,
+                "no picture");
+    }
+
+    /** Adds a row of cells, one for each column. */
+    public void add(String name, Verdict verdict, List<String> lines, List<Map<String, Object>> cells) {
+        mRows.add(JsonWriter.object("name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells",
+                cells));
+    }
+
+    /** Writes the page into this folder, which need not be there, and returns its file. */
+    public Path write(Path folder) throws IOException {
+        Files.createDirectories(folder);
+        Path file = folder.resolve("index.html");
+        Files.writeString(file, PageTemplate.sheet(mTitle, JsonWriter.object(
+                "title", mTitle, "about", mAbout, "columns", mColumns, "rows", mRows)));
+        return file;
+    }
+}
