@@ -40,26 +40,25 @@ final class DiffCommand implements Subcommand {
     public int run() throws MistakeException, IOException {
         GivenPaths.checkRead(mFiles);
         GivenPaths.checkRead(mLibraries);
-        mComparison.check();
+        mComparison.begin("diff");
         if (mLibraries.size() != SIDES && (mFiles.size() != SIDES || !mLibraries.isEmpty())) {
             throw new IllegalArgumentException("diff needs two runs, or --lib twice; see ./run diff --help");
         }
         List<Run> left = runs(0);
         List<Run> right = runs(1);
         int common = Math.min(left.size(), right.size());
-        int status = RunComparison.EQUAL;
         if (left.size() != right.size()) {
             String further = (left.size() > common ? left : right).stream().skip(common).map(Run::name)
                     .collect(Collectors.joining(", "));
-            new TextLayout(System.out, TextLayout.REPORT).print(0, "different: " + left.size()
-                    + " requests / " + right.size() + "; nothing to compare with " + further);
-            status = RunComparison.DIFFERENT;
+            String text = left.size() + " requests / " + right.size() + "; nothing to compare with " + further;
+            new TextLayout(mComparison.text(), TextLayout.REPORT).print(0, "different: " + text);
+            mComparison.add(further, List.of(text));
         }
         for (int i = 0; i < common; ++i) {
             String title = left.get(i).name() + " / " + right.get(i).name();
-            status = Math.max(status, mComparison.print(title, left.get(i), right.get(i)));
+            mComparison.print(title, left.get(i), right.get(i));
         }
-        return status;
+        return mComparison.finish();
     }
 
     // What a side did: read, or run first.

@@ -40,7 +40,7 @@ final class ReplayCommand implements Subcommand {
     public int run() throws MistakeException, IOException {
         GivenPaths.checkRead(mFolders);
         GivenPaths.checkRead(mLibrary == null ? List.of() : List.of(mLibrary));
-        mComparison.check();
+        mComparison.begin("replay");
         // What can't be run again is reported before a process is started for it.
         List<Run> recorded = new ArrayList<>();
         List<Path> requests = new ArrayList<>();
@@ -51,16 +51,15 @@ final class ReplayCommand implements Subcommand {
                 checkFiles(recorded.get(recorded.size() - 1));
             }
         }
-        int status = RunComparison.EQUAL;
         for (int done = 0; done < requests.size();) {
             // One process for all, and another for those after one that ended its process.
             ChildRun child = new ChildRun("replay", mArm, mLibrary);
             for (Path again : RunFolder.in(child.run(requests.subList(done, requests.size())))) {
-                status = Math.max(status, compare(recorded.get(done), RunFolder.read(again, "this run")));
+                compare(recorded.get(done), RunFolder.read(again, "this run"));
                 ++done;
             }
         }
-        return status;
+        return mComparison.finish();
     }
 
     private static void checkFiles(Run run) throws MistakeException {
@@ -73,21 +72,23 @@ final class ReplayCommand implements Subcommand {
         }
     }
 
-    private int compare(Run before, Run after) throws MistakeException, IOException {
-        TextLayout to = new TextLayout(System.out, TextLayout.REPORT);
+    private void compare(Run before, Run after) throws MistakeException, IOException {
+        TextLayout to = new TextLayout(mComparison.text(), TextLayout.REPORT);
         before.notes().forEach(note -> to.print(2, "note: " + note));
         if (!before.trimmed().isEmpty()) {
             to.print(2, "note: this recording is trimmed: " + before.trimmed());
         }
         if (before.isKnown()) {
-            return mComparison.print(before.name(), before, after);
+            mComparison.print(before.name(), before, after);
+            return;
         }
         boolean isRight = after.isComplete() && !after.hasFailed();
-        System.out.println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong") + ", "
-                + after.parameters().size() + " parameters; nothing was recorded to compare with");
+        mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong") + ", " + after.parameters().size()
+                + " parameters; nothing was recorded to compare with");
+        String outcome = "came to " + after.outcomes();
         if (!isRight) {
-            to.print(2, "came to " + after.outcomes());
+            to.print(2, outcome);
         }
-        return isRight ? RunComparison.EQUAL : RunComparison.DIFFERENT;
+        mComparison.add(before.name(), isRight ? List.of() : List.of(outcome));
     }
 }

@@ -1,8 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.tool.compare.ComparisonReport;
+import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.view.Results;
 
 import java.io.IOException;
 import java.nio.file.Path;
@@ -10,11 +14,8 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** How replay and diff compare two runs. */
-final class RunComparison {
-    static final int EQUAL = 0;
-    static final int DIFFERENT = 1;
-
+/** How replay and diff compare two runs, and what came of it. */
+final class RunComparison extends ResultOptions {
     @Option(names = "--no-explain", description = "don't find out because of which tags parameters differ, "
             + "which takes some seconds")
     private boolean mLeavesCauses;
@@ -27,20 +28,41 @@ final class RunComparison {
     @Option(names = "--out", paramLabel = "DIR", description = "write pictures of outputs that differ there")
     private Path mOut;
 
-    /** Throws an IllegalArgumentException if an option is invalid. */
-    void check() {
+    private Results mResults;
+
+    /** Begins with the results of this subcommand. An IllegalArgumentException if an option is invalid. */
+    void begin(String command) {
         // Also what is no number at all.
         if (!(mTolerance >= 0)) {
             throw new IllegalArgumentException("--tolerance needs a NUMBER of 0 or more, found "
                     + mTolerance);
         }
-        new GivenPaths().folder("--out", mOut);
+        check(new GivenPaths().folder("--out", mOut));
+        mResults = new Results(command);
     }
 
-    /** Prints what differs, and returns EQUAL or DIFFERENT. */
-    int print(String title, Run one, Run other) throws MistakeException, IOException {
+    /** Prints what differs. */
+    void print(String title, Run one, Run other) throws MistakeException, IOException {
         ComparisonReport.Options options =
                 new ComparisonReport.Options(mIgnored, mTolerance, mOut, !mLeavesCauses);
-        return new ComparisonReport(options, one, other).print(title) ? EQUAL : DIFFERENT;
+        add(title, new ComparisonReport(options, one, other, text()).print(title).stream().map(Difference::text)
+                .toList());
+    }
+
+    /** Adds a result; without differences it is ok. */
+    void add(String title, List<String> differences) {
+        mResults.add(title, differences.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, differences), 0,
+                JsonWriter.object("differences", differences));
+    }
+
+    /** Writes the results, and returns the status of the command: 0 if all is equal. */
+    int finish() throws IOException {
+        write(mResults);
+        int failed = mResults.failed().size();
+        if (quiet) {
+            last().println(new Verdict(mResults.status(), List.of("%d of %d different".formatted(
+                    failed, mResults.size()))).line());
+        }
+        return mResults.status();
     }
 }

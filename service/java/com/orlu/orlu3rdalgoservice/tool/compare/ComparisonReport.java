@@ -10,6 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
 import java.io.IOException;
+import java.io.PrintStream;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.HashSet;
@@ -34,17 +35,20 @@ public final class ComparisonReport {
     private final Run mOne;
     private final Run mOther;
     private final List<GivenTag> mGiven;
-    private final TextLayout mTo = new TextLayout(System.out, TextLayout.REPORT);
+    private final PrintStream mPrinted;
+    private final TextLayout mTo;
 
-    public ComparisonReport(Options options, Run one, Run other) {
+    public ComparisonReport(Options options, Run one, Run other, PrintStream to) {
         mOptions = options;
+        mPrinted = to;
+        mTo = new TextLayout(to, TextLayout.REPORT);
         mOne = one;
         mOther = other;
         mGiven = GivenTag.of(one, other);
     }
 
-    /** Prints all under this title. Returns whether the runs are equal. */
-    public boolean print(String title) throws MistakeException, IOException {
+    /** Prints all under this title. Returns the differences. */
+    public List<Difference> print(String title) throws MistakeException, IOException {
         String name = Path.of(mOne.name()).getFileName().toString()
                 .replaceFirst("(\\.json)?( with .*)?$", "");
         Comparison comparison = new Comparison(mOne, mOther, new HashSet<>(mOptions.ignored()),
@@ -52,7 +56,7 @@ public final class ComparisonReport {
         List<Difference> differences = comparison.differences();
         boolean canComeFromTags = differences.stream().anyMatch(Difference::canComeFromTags);
         Causes causes = mOptions.explains() && canComeFromTags && hasFrames() ? causes() : null;
-        System.out.println(Printable.line(title) + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
+        mPrinted.println(Printable.line(title) + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
                 + comparison.compared());
         for (Difference difference : differences.subList(0, Math.min(SHOWN, differences.size()))) {
             mTo.print(2, difference.text());
@@ -72,7 +76,7 @@ public final class ComparisonReport {
         if (causes != null && !causes.problem().isEmpty()) {
             note("tags are not known, or not all: " + causes.problem());
         }
-        return differences.isEmpty();
+        return differences;
     }
 
     private void note(String text) {
