@@ -1,6 +1,7 @@
 #include "request.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "callback_message.h"
@@ -10,6 +11,15 @@ namespace orlu::standin {
 namespace {
 
 constexpr int64_t kEventType = 1;  // of every light-stream event
+
+// Returns delays that look random and are the same in each run.
+std::chrono::milliseconds delayOf(const AlgoScript& script) {
+  static std::atomic<uint32_t> number{0};
+  constexpr uint32_t kSpread = 2654435769;  // the golden ratio's share of 2^32
+  const uint64_t share = number.fetch_add(1) * kSpread;
+  const auto jitter = static_cast<uint64_t>(script.jitter.count());
+  return script.delay + std::chrono::milliseconds((share & UINT32_MAX) * (jitter + 1) >> 32);
+}
 
 }  // namespace
 
@@ -24,7 +34,7 @@ Request::Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScri
       mAlgoList(record.algoList),
       mInputs(record.inputFrames.begin(), record.inputFrames.end()),
       mOutputs(record.outputFrames.begin(), record.outputFrames.end()),
-      mDue(std::chrono::steady_clock::now() + mScript->delay) {}
+      mDue(std::chrono::steady_clock::now() + delayOf(*mScript)) {}
 
 bool Request::asksFor(const char* algorithm) const {
   return std::find(mAlgoList.begin(), mAlgoList.end(), algorithm) != mAlgoList.end();

@@ -11,6 +11,8 @@ namespace orlu::standin {
 
 class ScriptHolder {
 public:
+  // Begins with the usual behaviour, at the pace that the environment asks for.
+  ScriptHolder();
   // Null restores the usual behaviour.
   void set(const AlgoScript* script);
   // Sets the calling thread's script. Null removes it.
@@ -20,7 +22,7 @@ public:
 
 private:
   mutable std::mutex mMutex;
-  std::shared_ptr<const AlgoScript> mScript = std::make_shared<AlgoScript>();
+  std::shared_ptr<const AlgoScript> mScript;
 };
 
 }  // namespace orlu::standin

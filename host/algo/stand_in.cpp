@@ -285,7 +285,17 @@ void StandIn::work(Request& request) {
     request.parameters().set(value.section.c_str(), value.key.c_str(), value.bytes.data(),
                              value.bytes.size());
   }
+  if (request.script().echoFlag) echoFlag(request.parameters());
   mTrace.done(request.nativeReq(), report);
+}
+
+void StandIn::echoFlag(ParameterSet& parameters) {
+  int64_t flag = 0;
+  if (parameters.get(kControl, "frame_flag", &flag, sizeof flag) != 0) return;
+  parameters.write(kControl, "current_base_frame_time", flag);
+  // The time is only read beside an index.
+  if (parameters.read<int32_t>(kFeedback, "current_base_frame_idx", -1) < 0)
+    parameters.write<int32_t>(kFeedback, "current_base_frame_idx", 0);
 }
 
 std::string StandIn::answer(const std::string& cmd) const {

@@ -59,6 +59,7 @@ private:
   void announce(const AlgoCall& call) const;
   static void misbehave(const AlgoScript& script, const std::string& operation);
   void work(Request& request);
+  static void echoFlag(ParameterSet& parameters);
   std::string answer(const std::string& cmd) const;
   std::shared_ptr<ParameterSet> parametersOf(const std::vector<AlgoMetadataEntry>& entries) const;
 

@@ -90,7 +90,14 @@ void Worker::loop() {
   for (;;) {
     const JobPointer job = takeNext();
     work(*job);
-    finish(job, true);
+    if (job->request->script().inOrder) {
+      finish(job, true);
+      continue;
+    }
+    std::thread([this, job] {
+      finish(job, true);
+      detachFromJava();
+    }).detach();
   }
 }
 

@@ -2,9 +2,10 @@
 // thing changed. ORLU_PLANTED names the fault:
 //   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
 //   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
-//   silent  late  name  id  unattached     what becomes of the callback
+//   silent  late  name  id  unattached  twice
+//                                          what becomes of the callback
 //   idle  untouched                        what is made of the request
-//   empty  oversized  selects              what becomes of the results
+//   empty  oversized  selects  crossed     what becomes of the results
 //   scribbles                              an output is written once more after the callback
 //   inputStride  outputStride  swapped  elsewhere  black  dark  clipped  green  half  stamped
 //                                          what becomes of the images, which are NV21 (planted_images.h)
@@ -43,6 +44,9 @@ constexpr int kInvalid = -22;
 constexpr int32_t kOversized = 1 << 24;
 // Past the ten seconds that a request is waited for.
 constexpr std::chrono::seconds kLate{11};
+
+// What a burst plants in its first request.
+constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;
 // Of the last request: its parameter block, and a descriptor of its first output.
@@ -118,6 +122,7 @@ void callBack(const std::string& kind, const AlgoResultCallback& real, const Byt
     });
   } else {
     real(message, extra, handles);
+    if (kind == "twice") real(message, extra, handles);
   }
 }
 
@@ -144,6 +149,8 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
        inputs = record.inputFrames](const Bytes& data, const Bytes& extra, const Handles& handles) {
         spoilOutputs(kind, outputs);
         if (kind == "stamped") stamp(inputs.at(0));
+        int64_t flag = kFirstFlag;
+        if (kind == "crossed") setValue(block, kControl, "current_base_frame_time", &flag, sizeof flag);
         spoilResults(kind, [&](const char* key, void* value, unsigned size) {
           setValue(block, kFeedback, key, value, size);
         });

@@ -115,6 +115,18 @@ final class RunCommand implements Subcommand {
         @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side, each in a "
                 + "process of its own")
         int jobs;
+        @Option(names = "--burst", paramLabel = "N", description = "send one request N times on one client, and "
+                + "print latencies and throughput (docs/many_shots.md)")
+        int burst;
+        @Option(names = "--interval", paramLabel = "MS", description = "of a burst: send a request every so many "
+                + "milliseconds (default: as soon as possible)")
+        int interval;
+        @Option(names = "--in-flight", paramLabel = "N", description = "of a burst: have at most N requests in "
+                + "flight (default: 4)")
+        int inFlight = 4;
+        @Option(names = "--algo-delay", paramLabel = "MS[-MS][,unordered]", description = "let the stand-in call "
+                + "back after so many milliseconds: always as many, at random, or in any order")
+        String algoDelay;
         @Option(names = "--one-client", description = "run all requests on one client instead of one for "
                 + "each")
         boolean oneClient;
@@ -130,6 +142,9 @@ final class RunCommand implements Subcommand {
     @Override
     public int run() throws MistakeException, ErrnoException, IOException {
         checked();
+        if (tried.burst > 0) {
+            return new BurstSession(this).run();
+        }
         return tried.jobs > 0 ? new JobsSession(this).run() : new Session(this).run();
     }
 
@@ -144,8 +159,26 @@ final class RunCommand implements Subcommand {
 
     /** Returns this if the options fit each other; else throws an IllegalArgumentException. */
     RunCommand checked() {
-        if (spec.commandLine().getParseResult().hasMatchedOption("--jobs")) {
-            checkJobs();
+        if (isGiven("--jobs")) {
+            needsPositive("--jobs", tried.jobs);
+            refuse(List.of("--events", "--timeline", "--record", "--one-client", "--log"),
+                    " is of one process: leave out --jobs");
+        }
+        if (isGiven("--burst")) {
+            needsPositive("--burst", tried.burst);
+            needsPositive("--in-flight", tried.inFlight);
+            refuse(List.of("--params", "--explain", "--tags", "--report", "--record", "--check", "--strict", "--jobs",
+                    "--one-client"), " is of single requests: leave out --burst");
+            if (requests().size() != 1 || tried.interval < 0) {
+                throw new IllegalArgumentException("--burst needs one request and an interval of 0 or more, found "
+                        + requests().size() + " and " + tried.interval);
+            }
+        } else {
+            refuse(List.of("--interval", "--in-flight"), " needs --burst");
+        }
+        if (tried.algoDelay != null && !tried.algoDelay.matches("[0-9]{1,6}(-[0-9]{1,6})?(,unordered)?")) {
+            throw new IllegalArgumentException("--algo-delay needs MS, MS-MS or MS-MS,unordered, found \""
+                    + tried.algoDelay + '"');
         }
         if (tried.photo != null && !Files.isRegularFile(tried.photo)) {
             throw new IllegalArgumentException("--photo: no such photo: " + tried.photo);
@@ -153,13 +186,14 @@ final class RunCommand implements Subcommand {
         return this;
     }
 
-    private void checkJobs() {
-        needsPositive("--jobs", tried.jobs);
-        for (String option : List.of("--events", "--timeline", "--record", "--one-client", "--log")) {
-            if (spec.commandLine().getParseResult().hasMatchedOption(option)) {
-                throw new IllegalArgumentException(option + " is of one process: leave out --jobs");
-            }
-        }
+    private boolean isGiven(String option) {
+        return spec.commandLine().getParseResult().hasMatchedOption(option);
+    }
+
+    private void refuse(List<String> options, String why) {
+        options.stream().filter(this::isGiven).findFirst().ifPresent(option -> {
+            throw new IllegalArgumentException(option + why);
+        });
     }
 
     static void needsPositive(String option, int value) {

@@ -10,7 +10,7 @@ import java.util.TreeMap;
 
 /** Keeps what the native side reports to one client while it is open. */
 public final class CallbackInbox implements CallbackListener, AutoCloseable {
-    private static final String REQUEST_ADDRESS = "nativeRequestAddr";
+    static final String REQUEST_ADDRESS = "nativeRequestAddr";
     private static final long NANOSECONDS_PER_MILLISECOND = 1_000_000;
 
     private final long mClientId;

@@ -36,15 +36,19 @@ public final class Timeline {
 
     /** Adds what Java did for a request on the thread that calls this. */
     public void add(RunReport report) {
-        List<Stage> stages = report.run().stages();
+        RequestFile request = report.run().request();
+        add(request.file().getFileName().toString(), EventLog.thisThread(), report.run().stages(),
+                JsonWriter.object("file", request.file().toString(), "id", request.id(), "verdict",
+                        report.verdict().line()));
+    }
+
+    /** Adds what Java did for a request on this thread. */
+    public void add(String name, int tid, List<Stage> stages, Map<String, Object> args) {
         if (stages.isEmpty()) {
             return;
         }
-        int tid = EventLog.thisThread();
-        RequestFile request = report.run().request();
-        mJava.add(new Slice(request.file().getFileName().toString(), "request", tid, stages.get(0).start(),
-                stages.get(stages.size() - 1).end(), JsonWriter.object("file", request.file().toString(),
-                        "id", request.id(), "verdict", report.verdict().line())));
+        mJava.add(new Slice(name, "request", tid, stages.get(0).start(),
+                stages.get(stages.size() - 1).end(), args));
         for (Stage stage : stages) {
             mJava.add(new Slice(
                     "Java: " + stage.name(), "java", tid, stage.start(), stage.end(), Map.of()));

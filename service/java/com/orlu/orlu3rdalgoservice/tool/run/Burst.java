@@ -1,0 +1,200 @@
+package com.orlu.orlu3rdalgoservice.tool.run;
+
+import android.os.SystemProperties;
+import android.system.ErrnoException;
+
+import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
+import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
+import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
+import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
+import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
+import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+
+import java.io.IOException;
+import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.concurrent.Callable;
+import java.util.concurrent.TimeUnit;
+import java.util.concurrent.locks.LockSupport;
+import java.util.concurrent.locks.ReentrantLock;
+import java.util.function.IntSupplier;
+import java.util.stream.IntStream;
+
+/**
+ * Sends one request many times on one client, as the service does: calls on the client come one at a time, so
+ * that of synchronous requests one is in flight. All share the inputs; each has outputs, compositions, an id
+ * and a planted value of its own.
+ */
+public final class Burst implements CallbackListener, AutoCloseable {
+    /** The tag that a value is planted in, and the one that the algorithms' answer is found in. */
+    private static final String PLANTED = "orlu.control.frameFlag";
+    private static final String RETURNED = "orlu.feedback.basicFrameTimestamp";
+    /** Far from all timestamps, which a library may return instead. */
+    private static final long FIRST_PLANTED = -1_000_000;
+
+    private final RequestFile mRequest;
+    private final ServiceClient mClient;
+    private final FrameSize mSize;
+    private final List<ImageBuffer> mInputs = new ArrayList<>();
+    /** Fair, so that requests are sent in their order. */
+    private final ReentrantLock mClientLock = new ReentrantLock(true);
+    private final Map<Long, List<Long>> mAnnounced = new HashMap<>();
+    private int mInFlight;
+    private int mMostInFlight;
+    private long mStart;
+
+    /**
+     * One request of the burst.
+     *
+     * @param id       the request's id
+     * @param tid      the thread that sent it
+     * @param stages   what it waited for, one stage after the other
+     * @param owner    whose planted value came back: an index, or -1 for none
+     * @param problems what went wrong
+     */
+    public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {
+        /** From the first stage to the end of the last. */
+        public Stopwatch.Stage whole() {
+            return new Stopwatch.Stage("whole", stages.get(0).start(), stages.get(stages.size() - 1).end());
+        }
+    }
+
+    /** Makes the inputs, of these frames of the photo. */
+    public Burst(RequestFile request, ServiceClient client, List<SynthesisedFrame> frames)
+            throws ErrnoException, MistakeException {
+        mRequest = request;
+        mClient = client;
+        mSize = FrameSize.of(request, frames);
+        request.properties().forEach(SystemProperties::set);
+        for (ImagePlan plan : request.inputs()) {
+            mInputs.add(RequestImages.input(plan, frames, mSize));
+        }
+        RequestProcessor.addListener(this);
+    }
+
+    /** Sends so many requests, each so many milliseconds after the one before if fewer are in flight. */
+    public List<Shot> run(int count, int interval, int inFlight) throws MistakeException, IOException {
+        List<Callable<Shot>> work = new ArrayList<>();
+        IntStream.range(0, count).forEach(index -> work.add(() -> shoot(index, interval)));
+        List<Shot> shots = new ArrayList<>();
+        mStart = System.nanoTime();
+        SideBySide.run("sending requests", inFlight, work, shots::add);
+        return shots;
+    }
+
+    /** The most requests that were in flight at once. */
+    public int mostInFlight() {
+        return mMostInFlight;
+    }
+
+    /** How often Java was told that a request is done. */
+    public synchronized int announcements(long id) {
+        return mAnnounced.getOrDefault(id, List.of()).size();
+    }
+
+    private Shot shoot(int index, int interval) throws ErrnoException, MistakeException {
+        LockSupport.parkNanos(mStart + TimeUnit.MILLISECONDS.toNanos((long) index * interval) - System.nanoTime());
+        List<RecordedComposition> compositions = new ArrayList<>();
+        for (FramePlan frame : mRequest.frames().frames()) {
+            RecordedComposition composition = new RecordedComposition(frame.captureResult());
+            frame.composition().forEach(composition::putMetadata);
+            composition.putMetadata(PLANTED, FIRST_PLANTED - index);
+            compositions.add(composition);
+        }
+        List<ImageBuffer> outputs = new ArrayList<>();
+        try {
+            for (ImagePlan plan : mRequest.outputs()) {
+                outputs.add(plan.layout() == null ? ImageBuffer.empty(mSize.applyTo(plan))
+                        : ImageBuffer.recorded(plan));
+            }
+            return shoot(mRequest.id() + index, compositions, outputs);
+        } finally {
+            outputs.forEach(ImageBuffer::close);
+        }
+    }
+
+    private Shot shoot(long id, List<RecordedComposition> compositions, List<ImageBuffer> outputs) {
+        Stopwatch stopwatch = new Stopwatch();
+        List<String> problems = new ArrayList<>();
+        try (RequestCall call = new RequestCall(mClient, new VRequest(id, mRequest.type()), mRequest.properties(),
+                descriptors(mInputs), descriptors(outputs), compositions)) {
+            check("processImage", locked(() -> {
+                addInFlight(1);
+                int status = stopwatch.time("process", call::process);
+                addInFlight(mRequest.fullAsync() ? 0 : -1);
+                return status;
+            }), problems);
+            if (mRequest.fullAsync()) {
+                Long address = stopwatch.time("wait", () -> awaitAnnouncement(id));
+                if (address == null) {
+                    problems.add("no callback within " + RequestRunner.CALLBACK_SECONDS + " s");
+                } else {
+                    check("processImageUpdateResult", locked(() -> stopwatch.time("update result",
+                            () -> call.update(address))), problems);
+                }
+                addInFlight(-1);
+            }
+        }
+        int owner = compositions.stream().map(each -> each.getMetadata(RETURNED)).filter(Long.class::isInstance)
+                .mapToInt(value -> (int) Math.max(-1, FIRST_PLANTED - (Long) value)).findFirst().orElse(-1);
+        return new Shot(id, EventLog.thisThread(), stopwatch.stages(), owner, problems);
+    }
+
+    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
+        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
+    }
+
+    private int locked(IntSupplier call) {
+        mClientLock.lock();
+        try {
+            return call.getAsInt();
+        } finally {
+            mClientLock.unlock();
+        }
+    }
+
+    private static void check(String call, int status, List<String> problems) {
+        if (status != 0) {
+            problems.add(call + " returned " + status);
+        }
+    }
+
+    private synchronized void addInFlight(int change) {
+        mInFlight += change;
+        mMostInFlight = Math.max(mMostInFlight, mInFlight);
+    }
+
+    @Override
+    public synchronized void onCallback(
+            long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
+        if (clientId == mClient.clientId() && values.get(CallbackInbox.REQUEST_ADDRESS) instanceof Long address) {
+            mAnnounced.computeIfAbsent(requestId, id -> new ArrayList<>()).add(address);
+            notifyAll();
+        }
+    }
+
+    private synchronized Long awaitAnnouncement(long id) {
+        long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(RequestRunner.CALLBACK_SECONDS);
+        try {
+            while (!mAnnounced.containsKey(id) && System.nanoTime() < end) {
+                TimeUnit.NANOSECONDS.timedWait(this, end - System.nanoTime());
+            }
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
+        }
+        return mAnnounced.containsKey(id) ? mAnnounced.get(id).get(0) : null;
+    }
+
+    @Override
+    public void close() {
+        RequestProcessor.removeListener(this);
+        mInputs.forEach(ImageBuffer::close);
+    }
+}
