@@ -82,7 +82,7 @@ def check_claims(parts):
     with tempfile.TemporaryDirectory() as folder:
         files = [ROOT / f"samples/{sample}.json" for sample in SAMPLES]
         run("--out", folder, "--json", f"{folder}/json", "--events", f"{folder}/events", *files)
-        reports = json.loads(Path(folder, "json").read_text())
+        reports = json.loads(Path(folder, "json").read_text())["results"]
         events = [json.loads(line) for line in Path(folder, "events").read_text().splitlines()]
     header = (ROOT / "jni/metadata_records.h").read_text()
     failures.extend(f"{entry['name']}: no record {entry['record']} of {entry['bytes']} bytes"
@@ -132,7 +132,7 @@ def check_values(tags):
         for file, (tag, value, _, _) in zip(files, claims):
             file.write_text(json.dumps(with_tag(tag, value)))
         run("--out", folder, "--json", f"{folder}/reports", *files)
-        reports = json.loads(Path(folder, "reports").read_text())
+        reports = json.loads(Path(folder, "reports").read_text())["results"]
     for report, (tag, value, name, number) in zip(reports, claims):
         found = {each["key"]: each["value"] for each in report["parameters"]}
         if number is None and name not in report["algorithmsAfter"] or number and found.get(name) != int(number):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Folders of requests, side by side, and what programs read of the results: many_shots_test.py BUILD_FOLDER"""
+"""Folders, sweeps, bursts and comparisons, and what programs read of them: many_shots_test.py BUILD_FOLDER"""
 
 import json
 import sys
@@ -63,7 +63,8 @@ def check_crash(folder):
 
 def check_tags(folder):
     for degrees in 90, 180:
-        result = run("--tag", f"android.jpeg.orientation={degrees}", "--json", "-", "shots/a.json", cwd=folder)
+        result = run("--tag", f"android.jpeg.orientation={degrees}", "--json", "-", "shots/a.json",
+                     cwd=folder)
         parameters = json.loads(result.stdout)["results"][0]["parameters"]
         expect("--tag", [degrees], [each["value"] for each in parameters if each["key"] == "jpeg_rotation"])
     refused(folder, "--tag android.jpeg.qualty: no such tag (did you mean android.jpeg.quality?)", "--tag",
@@ -91,11 +92,87 @@ def check_compare(folder):
     status, pairs = compare("colours.json", planted_fault="black")
     low = pairs[0]["psnr"]
     expect("an output that differs", (1, True), (status, low < 60))
-    expect("--fail-below", [0, 1], [compare("--fail-below", str(limit), "colours.json", planted_fault="black")[0]
-                                    for limit in (low - 1, low + 1)])
-    refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib", planted, "shots")
+    expect("--fail-below", [0, 1], [compare("--fail-below", str(limit), "colours.json",
+                                            planted_fault="black")[0] for limit in (low - 1, low + 1)])
+    refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib",
+            planted, "shots")
     refused(folder, "compare needs --lib twice, found 1", "compare", "--lib", planted, "shots")
     refused(folder, "no such file: none", "compare", "--lib", planted, "--lib", "none", "shots")
+
+
+def check_sweep(folder):
+    def sweep(*options):
+        result = run("sweep", "--json", "sweep.json", *options, cwd=folder)
+        report = json.loads((folder / "sweep.json").read_text())
+        jsonschema.validate(report, SCHEMA)
+        return result.returncode, report["results"], [line.split() for line in result.stdout.splitlines()]
+
+    status, runs, lines = sweep("shots/a.json", "--jobs", "2", "--tag", "android.jpeg.orientation=0:180:3")
+    expect("a range", (0, ["0", "90", "180"]),
+           (status, [each["tags"]["android.jpeg.orientation"] for each in runs]))
+    expect("what changes", (True, False), tuple(any("control/jpeg_rotation: 0 / 90" in line for line in
+                                                    runs[i]["differences"]) for i in (1, 0)))
+    expect("the table", (["0", "ok"], ["90", "ok"]), (lines[1][:2], lines[2][:2]))
+    expect("the photo", True, all(each["reference"] == "photo" and 20 < each["psnr"] < 60 for each in runs))
+    status, runs, lines = sweep("shots/b.json", "--tag", "android.jpeg.orientation=0,90", "--report", "grid",
+                                "--tag", "orlu.control.filmSize=0,1")
+    expect("a grid", (0, 4, {"android.jpeg.orientation": "90", "orlu.control.filmSize": "0"}),
+           (status, len(runs), runs[2]["tags"]))
+    expect("pictures", 4, (folder / "grid/index.html").read_text().count('"picture":"data:image/jpeg'))
+    for values, problem in (("0:1:1", "needs 2 to 1000 steps, found 1"),
+                            ("1.2.3:4:5", 'needs numbers around the first ":"')):
+        refused(folder, f"--tag android.jpeg.orientation={values}: {problem}", "sweep", "shots/a.json",
+                "--tag",
+                f"android.jpeg.orientation={values}")
+    refused(folder, "--tag android.jpeg.orientation: needs a whole number from -2147483648 to 2147483647, found 0.5",
+            "sweep", "shots/a.json", "--tag",
+            "android.jpeg.orientation=0:1:3")
+    refused(folder, "sweep needs one request and one or two --tag, found 3 and 1", "sweep", "shots", "--tag",
+            "android.jpeg.orientation=0,90")
+
+
+def check_burst(folder):
+    write(folder, "async.json", "night-async")
+
+    def burst(*options, **variables):
+        result = run("--burst", "12", "--json", "-", *options, cwd=folder, **variables)
+        report = json.loads(result.stdout)
+        jsonschema.validate(report, SCHEMA)
+        return result.returncode, report["results"][0]
+
+    status, shots = burst("--in-flight", "3", "--algo-delay", "1-60,unordered", "--timeline", "trace",
+                          "async.json")
+    expect("in any order", (0, 12, 12, 3),
+           (status, shots["requests"], shots["ownResults"], shots["mostInFlight"]))
+    names = {event.get("name") for event in json.loads((folder / "trace").read_text())["traceEvents"]}
+    expect("the timeline", True, {"request 102", "Java: update result", "callback"} <= names)
+    status, shots = burst("--algo-delay", "30", "--interval", "50", "shots/a.json")
+    expect("one after the other", (0, 12, 1, True), (status, shots["ownResults"], shots["mostInFlight"],
+           shots["latency"]["whole"]["median"] > 30))
+    status, shots = burst("async.json", ORLU_PLANTED="twice", **PLANTED)
+    expect("a second callback", (1, True), (status, "called back 2 times" in shots["verdict"]["reasons"][0]))
+    status, shots = burst("async.json", ORLU_PLANTED="crossed", **PLANTED)
+    expect("foreign results", (1, 1, "request 103 got the results of request 102"),
+           (status, shots["ownResults"], shots["verdict"]["reasons"][0]))
+    refused(folder, '--algo-delay needs MS, MS-MS or MS-MS,unordered, found "x"', "--algo-delay", "x",
+            "shots/a.json")
+    refused(folder, "--in-flight needs --burst", "--in-flight", "2", "shots/a.json")
+    refused(folder, "--report is of single requests: leave out --burst", "--burst", "2", "--report", "p",
+            "shots/a.json")
+
+
+def check_recorded(folder):
+    run("--record", "recorded", "shots/a.json", cwd=folder)
+    again = run("replay", "recorded", "--junit", "-", cwd=folder)
+    expect("replay", (0, "1", "0"), (again.returncode, *map(ElementTree.fromstring(again.stdout).get,
+                                                            ("tests", "failures"))))
+    different = run("diff", "shots/a.json", "shots/b.json", "--no-explain", "--json", "-", cwd=folder)
+    report = json.loads(different.stdout)
+    jsonschema.validate(report, SCHEMA)
+    expect("diff", (1, False, True),
+           (different.returncode, report["ok"], len(report["results"][0]["differences"]) > 3))
+    quiet = run("diff", "shots/a.json", "shots/a.json", "--quiet", cwd=folder)
+    expect("diff --quiet", (0, "verdict  ok\n"), (quiet.returncode, quiet.stdout))
 
 
 def main():
@@ -108,9 +185,14 @@ def main():
         check_folder(folder)
         check_tags(folder)
         check_compare(folder)
-        refused(folder, "empty: needs a folder of request files (*.json) or recordings, found none of them", "empty")
+        check_sweep(folder)
+        check_burst(folder)
+        check_recorded(folder)
+        refused(folder, "empty: needs a folder of request files (*.json) or recordings, found none of them",
+                "empty")
         refused(folder, "--jobs needs a number from 1, found 0", "--jobs", "0", "shots")
-        refused(folder, "--timeline is of one process: leave out --jobs", "--jobs", "2", "--timeline", "t", "shots")
+        refused(folder, "--timeline is of one process: leave out --jobs", "--jobs", "2", "--timeline", "t",
+                "shots")
         (folder / "shots/b.json").write_text("{")
         wrong = run("--jobs", "2", "--check", "shots", cwd=folder)
         expect("a mistake", (2, "run: mistakes in 1 of 3 files; nothing runs"),

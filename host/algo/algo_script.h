@@ -66,11 +66,13 @@ struct AlgoScript {
   bool callBackBeforeReturn = false;   // on the caller's thread, inside process()
   bool attachThread = true;            // attach the callback thread to the Java VM
   std::chrono::milliseconds delay{0};  // from process() to the (first) callback
-  std::chrono::milliseconds jitter{0};  // at most so much is added to the delay, another time for each request
+  std::chrono::milliseconds jitter{
+      0};               // at most so much is added to the delay, another time for each request
   bool inOrder = true;  // false: a callback doesn't wait for those of earlier requests
-  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller recognises its request.
+  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller recognises its
+  // request.
   bool echoFlag = false;
-  std::set<std::string> throwing;      // operations that throw; may include "AlgoInterfaceEntry"
+  std::set<std::string> throwing;  // operations that throw; may include "AlgoInterfaceEntry"
   // Operations that leave a Java exception pending on their thread; "callback": before the callback.
   std::set<std::string> leaving;
   bool finishInDestroyClient =

@@ -68,7 +68,8 @@ final class BurstSession {
         if (verdict.status() == Verdict.OK) {
             try (Burst burst = new Burst(request, client, RequestImages.frames(request, photos))) {
                 long images = openImages();
-                List<Shot> shots = burst.run(mOptions.tried.burst, mOptions.tried.interval, mOptions.tried.inFlight);
+                List<Shot> shots =
+                        burst.run(mOptions.tried.burst, mOptions.tried.interval, mOptions.tried.inFlight);
                 milliseconds = print(request, burst, shots);
                 client.end(request, new Stopwatch());
                 events.add(lines.next());
@@ -86,11 +87,16 @@ final class BurstSession {
 
     // Prints the tables, and returns how long the burst took in milliseconds.
     private double print(RequestFile request, Burst burst, List<Shot> shots) throws IOException {
-        double milliseconds = length(new Stage("", shots.stream().mapToLong(shot -> shot.whole().start()).min()
-                .orElse(0), shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0)));
+        double milliseconds =
+                length(new Stage("", shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0),
+                        shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0)));
         double rate = shots.size() * 1000 / milliseconds;
-        long peak = Files.readAllLines(Path.of("/proc/self/status")).stream().filter(line -> line.startsWith("VmHWM"))
-                .mapToLong(line -> Long.parseLong(line.replaceAll("[^0-9]", "")) / 1024).findFirst().orElse(0);
+        long peak = Files.readAllLines(Path.of("/proc/self/status"))
+                            .stream()
+                            .filter(line -> line.startsWith("VmHWM"))
+                            .mapToLong(line -> Long.parseLong(line.replaceAll("[^0-9]", "")) / 1024)
+                            .findFirst()
+                            .orElse(0);
         mTo.plain(request.file() + ", " + shots.size() + " times on one client, "
                 + (request.fullAsync() ? "full-async" : "synchronous"));
         TextTable table = new TextTable(List.of("latency, ms", "median", "95 %", "99 %", "largest"));
@@ -104,8 +110,8 @@ final class BurstSession {
         mTo.line("throughput", "%.1f requests/s, %.2f s in all".formatted(rate, milliseconds / 1000));
         mTo.line("in flight", "at most " + burst.mostInFlight());
         mTo.line("memory", "at most " + peak + " MiB, the VM's included");
-        mJson.putAll(JsonWriter.object("requests", shots.size(), "latency", latencies, "requestsPerSecond", rate,
-                "mostInFlight", burst.mostInFlight(), "peakMebibytes", peak));
+        mJson.putAll(JsonWriter.object("requests", shots.size(), "latency", latencies, "requestsPerSecond",
+                rate, "mostInFlight", burst.mostInFlight(), "peakMebibytes", peak));
         return milliseconds;
     }
 
@@ -128,7 +134,8 @@ final class BurstSession {
         return (stage.end() - stage.start()) / NANOSECONDS_PER_MILLISECOND;
     }
 
-    private void judge(RequestFile request, Burst burst, List<Shot> shots, RecordedEvents events, long images) {
+    private void judge(
+            RequestFile request, Burst burst, List<Shot> shots, RecordedEvents events, long images) {
         for (Shot shot : shots) {
             shot.problems().forEach(problem -> mReasons.add("request " + shot.id() + ": " + problem));
         }

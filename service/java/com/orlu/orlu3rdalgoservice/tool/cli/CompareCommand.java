@@ -95,15 +95,17 @@ final class CompareCommand implements Subcommand {
         Results results = new Results("compare");
         TextTable table = new TextTable(
                 List.of("request", "A / B", "PSNR", "SSIM", "A, ms", "B, ms", "differences"));
-        ContactSheet sheet = new ContactSheet("%s (A) and %s (B)".formatted(mLibraries.get(0), mLibraries.get(1)),
-                plural(pairs.size()) + ", the worst first", List.of("A", "B", "difference"));
+        ContactSheet sheet =
+                new ContactSheet("%s (A) and %s (B)".formatted(mLibraries.get(0), mLibraries.get(1)),
+                        plural(pairs.size()) + ", the worst first", List.of("A", "B", "difference"));
         for (Pair pair : pairs) {
             results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
                     JsonWriter.object("status", pair.status(), "psnr", pair.outputs().psnr(), "ssim",
                             pair.outputs().ssim(), "milliseconds", JsonWriter.object("a", pair.oneTime(), "b",
                                     pair.otherTime()), "differences", pair.differences()));
-            table.add(List.of(pair.name(), pair.status(), pair.outputs().psnrText(), pair.outputs().ssimText(),
-                    time(pair.oneTime()), time(pair.otherTime()), String.valueOf(pair.differences().size())),
+            table.add(List.of(pair.name(), pair.status(), pair.outputs().psnrText(),
+                              pair.outputs().ssimText(), time(pair.oneTime()), time(pair.otherTime()),
+                              String.valueOf(pair.differences().size())),
                     pair.lines());
             sheet.add(pair.name(), pair.verdict(), pair.lines(), pair.cells());
         }
@@ -150,8 +152,8 @@ final class CompareCommand implements Subcommand {
             reasons.add("PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
         }
         return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
-                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(), differences,
-                mMany.report == null ? List.of() : cells(one, other, outputs));
+                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(),
+                differences, mMany.report == null ? List.of() : cells(one, other, outputs));
     }
 
     // The two outputs that are the least alike, and their difference.

@@ -50,7 +50,8 @@ final class DiffCommand implements Subcommand {
         if (left.size() != right.size()) {
             String further = (left.size() > common ? left : right).stream().skip(common).map(Run::name)
                     .collect(Collectors.joining(", "));
-            String text = left.size() + " requests / " + right.size() + "; nothing to compare with " + further;
+            String text =
+                    left.size() + " requests / " + right.size() + "; nothing to compare with " + further;
             new TextLayout(mComparison.text(), TextLayout.REPORT).print(0, "different: " + text);
             mComparison.add(further, List.of(text));
         }

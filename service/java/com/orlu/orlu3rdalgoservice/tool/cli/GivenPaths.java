@@ -38,8 +38,8 @@ final class GivenPaths {
     }
 
     /**
-     * Returns the request files of a command line: files as they are, and of a folder its files *.json and the
-     * recordings in it, by name. An IllegalArgumentException if a folder has none.
+     * Returns the request files of a command line: files as they are, and of a folder its files *.json and
+     * the recordings in it, by name. An IllegalArgumentException if a folder has none.
      */
     static List<Path> requests(List<Path> given) {
         List<Path> requests = new ArrayList<>();

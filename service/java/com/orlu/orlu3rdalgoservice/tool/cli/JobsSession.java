@@ -38,7 +38,10 @@ final class JobsSession {
         mRequests = options.requests();
     }
 
-    /** Prints what each process prints, in the order of the requests. Returns the first status that is not ok. */
+    /**
+     * Prints what each process prints, in the order of the requests. Returns the first status that is not
+     * ok.
+     */
     int run() throws MistakeException, IOException {
         if (!areRight()) {
             return Verdict.REFUSED;
@@ -77,7 +80,8 @@ final class JobsSession {
             }
         }
         if (wrong > 0) {
-            System.err.println("run: mistakes in " + wrong + " of " + mRequests.size() + " files; nothing runs");
+            System.err.println(
+                    "run: mistakes in " + wrong + " of " + mRequests.size() + " files; nothing runs");
         }
         return wrong == 0;
     }
@@ -90,8 +94,9 @@ final class JobsSession {
         List<String> arguments = new ArrayList<>();
         for (OptionSpec option : mOptions.spec.commandLine().getParseResult().matchedOptions()) {
             if (!OWN.contains(option.longestName())) {
-                option.originalStringValues().forEach(value -> arguments.add(
-                        option.arity().max() == 0 ? option.longestName() : option.longestName() + "=" + value));
+                option.originalStringValues().forEach(value
+                        -> arguments.add(option.arity().max() == 0 ? option.longestName()
+                                                                   : option.longestName() + "=" + value));
             }
         }
         arguments.addAll(List.of("--json", child.file("json").toString(), "--as", name, request.toString()));
@@ -100,28 +105,27 @@ final class JobsSession {
     }
 
     private void take(ChildRun child, PageFolder pages) throws MistakeException, IOException {
-        try (child) {
-            int index = mResults.size();
-            if (index > 0) {
-                mOptions.written.text().println();
-            }
-            String printed = child.printed();
-            boolean isAlone = mRequests.size() == 1;
-            mOptions.written.text().print(isAlone ? printed.replaceFirst("verdict .*\n$", "") : printed);
-            System.err.print(child.errors());
-            if (Files.exists(child.file("json"))) {
-                mResults.addAll(child.file("json"));
-            } else {
-                mResults.add(mOptions.names().get(index), new Verdict(child.status(), List.of(
-                        "the request did not run")), 0, Map.of());
-            }
-            if (isAlone) {
-                mOptions.written.last().print(printed.replaceFirst("(?s).*(?=verdict )", ""));
-            }
-            mStatus = mStatus == Verdict.OK ? child.status() : mStatus;
-            if (pages != null) {
-                pages.addOther(child.file("pages"), mRequests.get(index));
-            }
+        int index = mResults.size();
+        if (index > 0) {
+            mOptions.written.text().println();
         }
+        String printed = child.printed();
+        boolean isAlone = mRequests.size() == 1;
+        mOptions.written.text().print(isAlone ? printed.replaceFirst("verdict .*\n$", "") : printed);
+        System.err.print(child.errors());
+        if (Files.exists(child.file("json"))) {
+            mResults.addAll(child.file("json"));
+        } else {
+            mResults.add(mOptions.names().get(index), new Verdict(child.status(), List.of(
+                    "the request did not run")), 0, Map.of());
+        }
+        if (isAlone) {
+            mOptions.written.last().print(printed.replaceFirst("(?s).*(?=verdict )", ""));
+        }
+        mStatus = mStatus == Verdict.OK ? child.status() : mStatus;
+        if (pages != null) {
+            pages.addOther(child.file("pages"), mRequests.get(index));
+        }
+        child.remove();
     }
 }

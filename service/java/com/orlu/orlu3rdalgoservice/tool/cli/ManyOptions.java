@@ -16,8 +16,9 @@ import picocli.CommandLine.Option;
 
 /** What a subcommand that runs many requests takes, and how it ends. */
 final class ManyOptions extends ResultOptions {
-    @Option(names = "--report", paramLabel = "DIR", description = "write a page with the pictures beside each "
-            + "other")
+    @Option(names = "--report", paramLabel = "DIR",
+            description = "write a page with the pictures beside each "
+                    + "other")
     Path report;
     @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side; times suffer")
     int jobs = 1;

@@ -83,8 +83,8 @@ final class ReplayCommand implements Subcommand {
             return;
         }
         boolean isRight = after.isComplete() && !after.hasFailed();
-        mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong") + ", " + after.parameters().size()
-                + " parameters; nothing was recorded to compare with");
+        mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong")
+                + ", " + after.parameters().size() + " parameters; nothing was recorded to compare with");
         String outcome = "came to " + after.outcomes();
         if (!isRight) {
             to.print(2, outcome);

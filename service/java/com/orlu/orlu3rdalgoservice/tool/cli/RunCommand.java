@@ -115,17 +115,21 @@ final class RunCommand implements Subcommand {
         @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side, each in a "
                 + "process of its own")
         int jobs;
-        @Option(names = "--burst", paramLabel = "N", description = "send one request N times on one client, and "
-                + "print latencies and throughput (docs/many_shots.md)")
+        @Option(names = "--burst", paramLabel = "N",
+                description = "send one request N times on one client, and "
+                        + "print latencies and throughput (docs/many_shots.md)")
         int burst;
-        @Option(names = "--interval", paramLabel = "MS", description = "of a burst: send a request every so many "
-                + "milliseconds (default: as soon as possible)")
+        @Option(names = "--interval", paramLabel = "MS",
+                description = "of a burst: send a request every so many "
+                        + "milliseconds (default: as soon as possible)")
         int interval;
-        @Option(names = "--in-flight", paramLabel = "N", description = "of a burst: have at most N requests in "
-                + "flight (default: 4)")
+        @Option(names = "--in-flight", paramLabel = "N",
+                description = "of a burst: have at most N requests in "
+                        + "flight (default: 4)")
         int inFlight = 4;
-        @Option(names = "--algo-delay", paramLabel = "MS[-MS][,unordered]", description = "let the stand-in call "
-                + "back after so many milliseconds: always as many, at random, or in any order")
+        @Option(names = "--algo-delay", paramLabel = "MS[-MS][,unordered]",
+                description = "let the stand-in call "
+                        + "back after so many milliseconds: always as many, at random, or in any order")
         String algoDelay;
         @Option(names = "--one-client", description = "run all requests on one client instead of one for "
                 + "each")
@@ -135,8 +139,8 @@ final class RunCommand implements Subcommand {
     }
 
     @Override
-    public void describe(CommandSpec spec) {
-        spec.version(System.getProperty("orlu.version", "unknown"));
+    public void describe(CommandSpec own) {
+        own.version(System.getProperty("orlu.version", "unknown"));
     }
 
     @Override
@@ -167,11 +171,13 @@ final class RunCommand implements Subcommand {
         if (isGiven("--burst")) {
             needsPositive("--burst", tried.burst);
             needsPositive("--in-flight", tried.inFlight);
-            refuse(List.of("--params", "--explain", "--tags", "--report", "--record", "--check", "--strict", "--jobs",
-                    "--one-client"), " is of single requests: leave out --burst");
+            refuse(List.of("--params", "--explain", "--tags", "--report", "--record", "--check", "--strict",
+                           "--jobs", "--one-client"),
+                    " is of single requests: leave out --burst");
             if (requests().size() != 1 || tried.interval < 0) {
-                throw new IllegalArgumentException("--burst needs one request and an interval of 0 or more, found "
-                        + requests().size() + " and " + tried.interval);
+                throw new IllegalArgumentException(
+                        "--burst needs one request and an interval of 0 or more, found " + requests().size()
+                        + " and " + tried.interval);
             }
         } else {
             refuse(List.of("--interval", "--in-flight"), " needs --burst");

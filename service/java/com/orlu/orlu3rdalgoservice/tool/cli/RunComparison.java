@@ -45,14 +45,18 @@ final class RunComparison extends ResultOptions {
     void print(String title, Run one, Run other) throws MistakeException, IOException {
         ComparisonReport.Options options =
                 new ComparisonReport.Options(mIgnored, mTolerance, mOut, !mLeavesCauses);
-        add(title, new ComparisonReport(options, one, other, text()).print(title).stream().map(Difference::text)
-                .toList());
+        add(title,
+                new ComparisonReport(options, one, other, text())
+                        .print(title)
+                        .stream()
+                        .map(Difference::text)
+                        .toList());
     }
 
     /** Adds a result; without differences it is ok. */
     void add(String title, List<String> differences) {
-        mResults.add(title, differences.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, differences), 0,
-                JsonWriter.object("differences", differences));
+        mResults.add(title, differences.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, differences),
+                0, JsonWriter.object("differences", differences));
     }
 
     /** Writes the results, and returns the status of the command: 0 if all is equal. */

@@ -21,7 +21,7 @@ import java.util.List;
  * @param run     its recording; null if there is none
  * @param verdict the verdict of that process
  * @param result  its result as JSON; without members if there is none
- * @param child   the process, whose files go when it is closed
+ * @param child   the process, whose files are removed when this is closed
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {
@@ -41,14 +41,17 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
             // Without a recording, such as over a library that can't be used.
             Verdict verdict = Files.exists(json) ? Results.verdict(
                     Json.read(json).require("results").list().get(0)) : null;
-            return new ShotRun(null, verdict == null || verdict.status() == Verdict.OK
-                    ? new Verdict(Verdict.FAILED, List.of(e.getMessage().strip())) : verdict, Json.none(), child);
+            return new ShotRun(null,
+                    verdict == null || verdict.status() == Verdict.OK
+                            ? new Verdict(Verdict.FAILED, List.of(e.getMessage().strip()))
+                            : verdict,
+                    Json.none(), child);
         }
     }
 
     @Override
     public void close() throws IOException {
-        child.close();
+        child.remove();
     }
 
     /** How near its outputs are to the clean photo; null if that is not known. */

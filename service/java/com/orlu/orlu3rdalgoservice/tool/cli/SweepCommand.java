@@ -92,13 +92,15 @@ final class SweepCommand implements Subcommand {
                     value -> Stream.concat(point.stream(), Stream.of(value)).toList())).toList();
         }
         if (points.size() > MOST_RUNS) {
-            throw new IllegalArgumentException("sweep needs at most " + MOST_RUNS + " runs, found " + points.size());
+            throw new IllegalArgumentException(
+                    "sweep needs at most " + MOST_RUNS + " runs, found " + points.size());
         }
         return points;
     }
 
     // A wrong value shows before the first run.
-    private static void check(Path file, List<SweptTag> tags, List<List<String>> points) throws MistakeException {
+    private static void check(Path file, List<SweptTag> tags, List<List<String>> points)
+            throws MistakeException {
         RequestFile request = RequestFileReader.read(file, null);
         points.forEach(point -> RequestTags.set(request, assignments(tags, point)));
     }
@@ -121,8 +123,10 @@ final class SweepCommand implements Subcommand {
         boolean isFirst = mFirst == null;
         mFirst = isFirst ? run : mFirst;
         boolean isComparable = run.run() != null && mFirst.run() != null;
-        List<Difference> all = !isComparable ? List.of() : new Comparison(mFirst.run(), run.run(), Set.of(), 0,
-                new OutputComparison(null, "")).differences();
+        List<Difference> all = !isComparable
+                ? List.of()
+                : new Comparison(mFirst.run(), run.run(), Set.of(), 0, new OutputComparison(null, ""))
+                          .differences();
         List<String> parameters = all.stream().filter(each -> each.canComeFromTags()
                 && !each.parameter().equals(Dependences.ALGORITHMS))
                 .map(each -> each.text().replaceFirst("^parameter \\d+ ", "")).toList();
@@ -136,7 +140,8 @@ final class SweepCommand implements Subcommand {
                 : String.join(", ", run.run().algorithms().get(0));
         List<String> cells = new ArrayList<>(point);
         cells.addAll(List.of(run.verdict().status() == Verdict.OK ? "ok" : "FAILED", measure.psnrText(),
-                measure.ssimText(), String.valueOf(parameters.size()), String.valueOf(results.size()), algorithms));
+                measure.ssimText(), String.valueOf(parameters.size()), String.valueOf(results.size()),
+                algorithms));
         List<String> below = Stream.of(run.verdict().reasons(), parameters, results)
                 .flatMap(lines -> shortened(lines).stream()).toList();
         table.add(cells, below);
@@ -145,10 +150,12 @@ final class SweepCommand implements Subcommand {
         for (int i = 0; i < point.size(); ++i) {
             values.put(tags.get(i).name(), point.get(i));
         }
-        mResults.add(name, run.verdict(), run.milliseconds(), JsonWriter.object("tags", values, "psnr",
-                measure.psnr(), "ssim", measure.ssim(), "reference", photo != null ? "photo" : "first",
-                "algorithmsAfter", run.run() == null ? List.of() : run.run().algorithms().stream()
-                        .findFirst().orElse(List.of()), "differences", all.stream().map(Difference::text).toList()));
+        mResults.add(name, run.verdict(), run.milliseconds(),
+                JsonWriter.object("tags", values, "psnr", measure.psnr(), "ssim", measure.ssim(), "reference",
+                        photo != null ? "photo" : "first", "algorithmsAfter",
+                        run.run() == null ? List.of()
+                                          : run.run().algorithms().stream().findFirst().orElse(List.of()),
+                        "differences", all.stream().map(Difference::text).toList()));
         mVerdicts.add(run.verdict());
         if (mMany.report != null) {
             mCells.add(ContactSheet.cell(tags.size() == 1 ? name : "", List.of("PSNR " + measure.psnrText()
@@ -168,13 +175,17 @@ final class SweepCommand implements Subcommand {
         SweptTag first = tags.get(0);
         List<String> columns = tags.size() == 1 ? List.of()
                 : tags.get(1).values().stream().map(value -> tags.get(1).name() + "=" + value).toList();
-        ContactSheet sheet = new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size()
-                + " values", "PSNR and SSIM against the " + (mFirst.photo() != null ? "clean photo" : "first run"),
-                columns);
+        ContactSheet sheet =
+                new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size() + " values",
+                        "PSNR and SSIM against the " + (mFirst.photo() != null ? "clean photo" : "first run"),
+                        columns);
         int width = columns.isEmpty() ? mCells.size() : columns.size();
         for (int i = 0; i < mCells.size(); i += width) {
-            Verdict verdict = mVerdicts.subList(i, i + width).stream().filter(each -> each.status() != Verdict.OK)
-                    .findFirst().orElse(Verdict.ok());
+            Verdict verdict = mVerdicts.subList(i, i + width)
+                                      .stream()
+                                      .filter(each -> each.status() != Verdict.OK)
+                                      .findFirst()
+                                      .orElse(Verdict.ok());
             sheet.add(columns.isEmpty() ? first.name() : first.name() + "=" + first.values().get(i / width),
                     verdict, verdict.reasons(), mCells.subList(i, i + width));
         }

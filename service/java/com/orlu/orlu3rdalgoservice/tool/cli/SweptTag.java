@@ -41,14 +41,20 @@ record SweptTag(String name, List<String> values) {
     private static List<String> range(String text, Matcher range) {
         int steps = Integer.parseInt(range.group(3));
         if (steps < 2 || steps > MOST) {
-            throw new IllegalArgumentException("--tag " + text + ": needs 2 to " + MOST + " steps, found " + steps);
+            throw new IllegalArgumentException(
+                    "--tag " + text + ": needs 2 to " + MOST + " steps, found " + steps);
         }
         try {
             BigDecimal from = new BigDecimal(range.group(1));
             BigDecimal length = new BigDecimal(range.group(2)).subtract(from);
-            return IntStream.range(0, steps).mapToObj(step -> from.add(length.multiply(BigDecimal.valueOf(step))
-                    .divide(BigDecimal.valueOf(steps - 1L), MathContext.DECIMAL32)).stripTrailingZeros()
-                    .toPlainString()).toList();
+            return IntStream.range(0, steps)
+                    .mapToObj(step
+                            -> from.add(length.multiply(BigDecimal.valueOf(step))
+                                                   .divide(BigDecimal.valueOf(steps - 1L),
+                                                           MathContext.DECIMAL32))
+                                       .stripTrailingZeros()
+                                       .toPlainString())
+                    .toList();
         } catch (NumberFormatException e) {
             throw new IllegalArgumentException("--tag " + text + ": needs numbers around the first \":\"", e);
         }

@@ -44,7 +44,8 @@ final class TrialSession {
                 to = alone.record;
                 GivenPaths.checkRead(List.of(alone.request));
                 all.add(trials(RequestFileReader.read(alone.request, null), library));
-            } else if (command instanceof RunCommand run && !run.checked().tried.check && run.tried.jobs == 0) {
+            } else if (command instanceof RunCommand run && !run.checked().tried.check
+                    && run.tried.jobs == 0) {
                 for (Path file : run.requests()) {
                     Progress.show("trying what each tag of " + file + " changes");
                     RequestFile request = RequestFileReader.read(file, run.tried.photo);

@@ -40,8 +40,10 @@ public record OutputMeasure(double psnr, double ssim, int output) {
         byte[] left = one.bytes();
         byte[] right = other.bytes();
         int[] strides = one.rowStrides();
-        boolean isSame = left != null && right != null && strides != null && strides.length > 0
-                && one.format().equals(other.format()) && one.width() == other.width()
+        if (left == null || right == null || strides == null || strides.length == 0) {
+            return null;
+        }
+        boolean isSame = one.format().equals(other.format()) && one.width() == other.width()
                 && one.height() == other.height();
         return isSame ? ImageDifference.of(one.format(), one.width(), one.height(), strides[0], left, right)
                 : null;

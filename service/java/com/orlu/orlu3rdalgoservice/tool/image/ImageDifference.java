@@ -88,7 +88,10 @@ public final class ImageDifference {
                 width, height, Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most)), samples);
     }
 
-    /** Compares two pictures, whose pixels are read again later; null when one is, or when they are of different sizes. */
+    /**
+     * Compares two pictures, whose pixels are read again later; null when one is, or when they are of
+     * different sizes.
+     */
     public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();

@@ -13,7 +13,9 @@ public record PictureData(byte[] jpeg, int width, int height) {
     private static final float SMALL_QUALITY = 0.8f;
     private static final int SMALL_WIDTH = 640;
 
-    /** Of the image's own size, or a half, a quarter and so on where that would take more than these bytes. */
+    /**
+     * Of the image's own size, or a half, a quarter and so on where that would take more than these bytes.
+     */
     public static PictureData of(BufferedImage image, int most) {
         for (BufferedImage scaled = image; ; scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2))) {
             for (float quality : QUALITIES) {

@@ -22,7 +22,6 @@ import java.util.List;
 import java.util.Map;
 import java.util.concurrent.Callable;
 import java.util.concurrent.TimeUnit;
-import java.util.concurrent.locks.LockSupport;
 import java.util.concurrent.locks.ReentrantLock;
 import java.util.function.IntSupplier;
 import java.util.stream.IntStream;
@@ -99,8 +98,10 @@ public final class Burst implements CallbackListener, AutoCloseable {
         return mAnnounced.getOrDefault(id, List.of()).size();
     }
 
-    private Shot shoot(int index, int interval) throws ErrnoException, MistakeException {
-        LockSupport.parkNanos(mStart + TimeUnit.MILLISECONDS.toNanos((long) index * interval) - System.nanoTime());
+    private Shot shoot(int index, int interval)
+            throws ErrnoException, MistakeException, InterruptedException {
+        TimeUnit.NANOSECONDS.sleep(
+                mStart + TimeUnit.MILLISECONDS.toNanos((long) index * interval) - System.nanoTime());
         List<RecordedComposition> compositions = new ArrayList<>();
         for (FramePlan frame : mRequest.frames().frames()) {
             RecordedComposition composition = new RecordedComposition(frame.captureResult());
@@ -123,8 +124,8 @@ public final class Burst implements CallbackListener, AutoCloseable {
     private Shot shoot(long id, List<RecordedComposition> compositions, List<ImageBuffer> outputs) {
         Stopwatch stopwatch = new Stopwatch();
         List<String> problems = new ArrayList<>();
-        try (RequestCall call = new RequestCall(mClient, new VRequest(id, mRequest.type()), mRequest.properties(),
-                descriptors(mInputs), descriptors(outputs), compositions)) {
+        try (RequestCall call = new RequestCall(mClient, new VRequest(id, mRequest.type()),
+                     mRequest.properties(), descriptors(mInputs), descriptors(outputs), compositions)) {
             check("processImage", locked(() -> {
                 addInFlight(1);
                 int status = stopwatch.time("process", call::process);
@@ -142,8 +143,12 @@ public final class Burst implements CallbackListener, AutoCloseable {
                 addInFlight(-1);
             }
         }
-        int owner = compositions.stream().map(each -> each.getMetadata(RETURNED)).filter(Long.class::isInstance)
-                .mapToInt(value -> (int) Math.max(-1, FIRST_PLANTED - (Long) value)).findFirst().orElse(-1);
+        int owner = compositions.stream()
+                            .map(each -> each.getMetadata(RETURNED))
+                            .filter(Long.class::isInstance)
+                            .mapToInt(value -> (int) Math.max(-1, FIRST_PLANTED - (Long) value))
+                            .findFirst()
+                            .orElse(-1);
         return new Shot(id, EventLog.thisThread(), stopwatch.stages(), owner, problems);
     }
 
@@ -174,7 +179,8 @@ public final class Burst implements CallbackListener, AutoCloseable {
     @Override
     public synchronized void onCallback(
             long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
-        if (clientId == mClient.clientId() && values.get(CallbackInbox.REQUEST_ADDRESS) instanceof Long address) {
+        if (clientId == mClient.clientId()
+                && values.get(CallbackInbox.REQUEST_ADDRESS) instanceof Long address) {
             mAnnounced.computeIfAbsent(requestId, id -> new ArrayList<>()).add(address);
             notifyAll();
         }

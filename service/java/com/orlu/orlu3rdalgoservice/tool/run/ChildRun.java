@@ -16,7 +16,7 @@ import java.util.stream.Stream;
  * A run of this command in a process of its own, with another library or machine, which may end its process.
  * It records what it does in a folder of its own, so that no two runs write the same files.
  */
-public final class ChildRun implements AutoCloseable {
+public final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
     private static final String RECORDINGS = "recordings";
 
@@ -128,8 +128,7 @@ public final class ChildRun implements AutoCloseable {
     }
 
     /** Removes what the run wrote: many recordings of large images would fill the disk. */
-    @Override
-    public void close() throws IOException {
+    public void remove() throws IOException {
         try (Stream<Path> files = Files.walk(mFolder)) {
             for (Path file : files.sorted(Comparator.reverseOrder()).toList()) {
                 Files.delete(file);

@@ -18,7 +18,9 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 
-/** A page of pictures that are to be looked at beside each other, in rows and columns or one after the other. */
+/**
+ * A page of pictures that are to be looked at beside each other, in rows and columns or one after the other.
+ */
 public final class ContactSheet {
     private final String mTitle;
     private final String mAbout;
@@ -33,7 +35,8 @@ public final class ContactSheet {
     }
 
     /** A picture with a caption and further lines; null and the reason for none. */
-    public static Map<String, Object> cell(String caption, List<String> lines, PixelRows picture, String problem) {
+    public static Map<String, Object> cell(
+            String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
                 picture == null ? "" : PictureData.small(picture).uri());
     }
@@ -41,19 +44,23 @@ public final class ContactSheet {
     /** The cell of an output of a run, which may be null. */
     public static Map<String, Object> cell(String caption, List<String> lines, Run run, int output)
             throws MistakeException {
-        ImageLayout image = run == null || run.results().size() <= output ? null : run.results().get(output);
-        byte[] bytes = image == null ? null : image.bytes();
-        int[] strides = image == null ? null : image.rowStrides();
-        PixelRows pixels = bytes == null || strides == null || strides.length == 0 ? null
-                : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
+        PixelRows pixels = run == null || run.results().size() <= output ? null
+                : pixels(run.results().get(output));
         return cell(caption, lines, pixels instanceof Mosaic mosaic ? new Demosaic(mosaic) : pixels,
                 "no picture");
     }
 
+    private static PixelRows pixels(ImageLayout image) throws MistakeException {
+        byte[] bytes = image.bytes();
+        int[] strides = image.rowStrides();
+        return bytes == null || strides == null || strides.length == 0 ? null
+                : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
+    }
+
     /** Adds a row of cells, one for each column. */
     public void add(String name, Verdict verdict, List<String> lines, List<Map<String, Object>> cells) {
-        mRows.add(JsonWriter.object("name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells",
-                cells));
+        mRows.add(JsonWriter.object(
+                "name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells", cells));
     }
 
     /** Writes the page into this folder, which need not be there, and returns its file. */
