@@ -198,11 +198,11 @@ def survives_damage():
         expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
 
 
-def png_header(width, height):
+def png_header(width, height, depth=8, colour=2):
     """A PNG file of this size without its pixels."""
     def chunk(name, data):
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
-    header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+    header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, 0))
     return b"\x89PNG\r\n\x1a\n" + header + chunk(b"IDAT", zlib.compress(bytes(99))) + chunk(b"IEND", b"")
 
 
@@ -214,6 +214,8 @@ def distrusts_strangers():
     rows = [
         ("big.png", png_header(16000, 16000),
          "its pixels are no input: needs at most 134217728 pixels, found 16000x16000"),
+        ("deep.png", png_header(16000, 8000, 16, 6),
+         "its pixels are no input: needs at most 536870912 bytes when decoded, found 1024000000"),
         ("wide.png", png_header(20000, 2), "needs sides of at most 16384 pixels, found 20000x2"),
         ("many.txt", (result * 70).encode(), "10 results dropped: a request has at most 60 frames"),
         ("dots.txt", (result + "a." * 600000 + "\n").encode(), "line 4: dropped, it has 1200000 characters"),

@@ -3,18 +3,22 @@ package com.orlu.orlu3rdalgoservice.tool.imagefile;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.awt.image.BufferedImage;
+import java.awt.image.DataBuffer;
 import java.awt.image.Raster;
+import java.awt.image.SampleModel;
 import java.io.IOException;
 import java.nio.file.Path;
 import java.util.Iterator;
 
 import javax.imageio.ImageIO;
 import javax.imageio.ImageReader;
+import javax.imageio.ImageTypeSpecifier;
 import javax.imageio.stream.ImageInputStream;
 
 /** A PNG, TIFF or JPEG file. What can't be read is an IOException whose message says what is wrong. */
 public final class PictureFile {
     private static final int MOST_PIXELS = 1 << 27;
+    private static final long MOST_BYTES = 1 << 29;
 
     private final Path mPath;
     private final int mWidth;
@@ -32,13 +36,27 @@ public final class PictureFile {
 
     /** Reads the header alone, and refuses a picture that would take too much memory. */
     public static PictureFile open(Path path) throws IOException {
-        PictureFile file =
-                with(path, reader -> new PictureFile(path, reader.getWidth(0), reader.getHeight(0)));
-        if ((long) file.mWidth * file.mHeight > MOST_PIXELS) {
-            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + file.mWidth + "x"
-                    + file.mHeight);
+        return with(path, reader -> {
+            PictureFile file = new PictureFile(path, reader.getWidth(0), reader.getHeight(0));
+            file.checkMemory(reader);
+            return file;
+        });
+    }
+
+    private void checkMemory(ImageReader reader) throws IOException {
+        long pixels = (long) mWidth * mHeight;
+        if (pixels > MOST_PIXELS) {
+            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + mWidth + "x" + mHeight);
         }
-        return file;
+        Iterator<ImageTypeSpecifier> types = reader.getImageTypes(0);
+        if (types.hasNext()) {
+            SampleModel samples = types.next().getSampleModel();
+            long bytes = pixels * samples.getNumBands()
+                    * DataBuffer.getDataTypeSize(samples.getDataType()) / Byte.SIZE;
+            if (bytes > MOST_BYTES) {
+                throw new IOException("needs at most " + MOST_BYTES + " bytes when decoded, found " + bytes);
+            }
+        }
     }
 
     public int width() {
