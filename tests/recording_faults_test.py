@@ -110,7 +110,7 @@ def check_limits(shot):
         (folder / "request.json").write_text(json.dumps(request_json))
         problems[folder] = problem
     os.truncate(folder / "request.json", (8 << 20) + 1)
-    for name, most in (("outcome.json", 8 << 20), ("events.jsonl", 1 << 28)):
+    for name, most in (("outcome.json", 8 << 20), ("events.jsonl", 32 << 20)):
         folder = Path("limits") / name
         shutil.copytree(shot, folder)
         os.truncate(folder / name, most + 1)

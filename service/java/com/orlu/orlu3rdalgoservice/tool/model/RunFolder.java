@@ -29,7 +29,7 @@ public final class RunFolder {
     public static final String EVENTS = "events.jsonl";
     /** What recordings of version 1 had instead. */
     private static final String OLD = "recording";
-    private static final int MOST_EVENT_BYTES = 1 << 28;
+    private static final int MOST_EVENT_BYTES = 1 << 25;
 
     private RunFolder() {
     }
