@@ -21,7 +21,7 @@ readonly arm_clang_packages=(clang lld llvm googletest)
 # The platform's own headers, as far as Debian has them.
 readonly platform_packages=(
   android-libnativehelper-dev android-liblog-dev android-libcutils-dev android-libutils-dev
-  android-platform-frameworks-native-headers android-platform-system-core-headers
+  android-platform-frameworks-native-headers android-platform-system-core-headers librust-libc-dev
 )
 # What libFuzzer and coverage take besides.
 readonly fuzz_packages=(clang libclang-rt-14-dev)

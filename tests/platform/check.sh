@@ -3,7 +3,8 @@
 #   tests/platform/check.sh            all parts
 #   tests/platform/check.sh java       these alone
 # sources: jni/, the probe, the kit, the recorder's library and the minimal library compile with the platform's headers;
-# agreement: our headers say what the platform's say; failure: what the platform does not take is found;
+# symbols: what they need of libraries, the platform's have; agreement: our headers say what the platform's
+# say; failure: what the platform does not take is found;
 # java: our classes, and what jni/ looks up, are the platform's.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -11,7 +12,7 @@ cd "$root"
 source scripts/lib.sh
 source scripts/arm_root.sh
 
-readonly parts=(sources agreement failure java)
+readonly parts=(sources symbols agreement failure java)
 readonly scratch=build/platform
 # The level of the device's platform, as in the preset android.
 readonly api_level=30
@@ -26,11 +27,13 @@ readonly both=(
 )
 readonly types_package=@nativescript/types-android@9.1.1
 
-# read_sources FILE...: with the device's settings, Android's headers, and Debian's C library.
-read_sources() {
-  printf '%s\0' "$@" | xargs -0 -P "$(nproc)" -n 4 clang++ \
+# call_compiler ARGUMENTS FLAG...: with so many arguments of standard input at a time, the device's settings,
+# Android's headers, and Debian's C library. The device's C library has no bcmp().
+call_compiler() {
+  xargs -0 -P "$(nproc)" -n "$1" clang++ "${@:2}" \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
-    -D__ANDROID__ "-D__ANDROID_API__=$api_level" -std=c++17 -fsyntax-only \
+    -D__ANDROID__ "-D__ANDROID_API__=$api_level" -std=c++17 \
+    -Os -fPIC -fvisibility=hidden -fstack-protector-strong -femulated-tls -fno-builtin-bcmp \
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-braces \
     -isystem tests/platform/libc -isystem "$scratch/replaced" \
     -isystem /usr/include/android/nativehelper -isystem /usr/include/android \
@@ -38,13 +41,40 @@ read_sources() {
     -Ibuild/dev/conformance/generated
 }
 
+# read_sources FILE...
+read_sources() { printf '%s\0' "$@" | call_compiler 4 -fsyntax-only; }
+
+# compile_sources FOLDER FILE...: an object of each in the folder, which is made anew.
+compile_sources() {
+  local folder=$1 source
+  rm -rf "$folder"
+  mkdir -p "$folder"
+  for source in "${@:2}"; do
+    printf '%s\0' "$source" -o "$folder/${source//\//_}.o"
+  done | call_compiler 3 -c
+}
+
 check_sources() {
   local sources
   build_preset dev --tests build.ninja
   mapfile -t sources < <(git ls-files \
     'jni/*.cpp' 'host/probe/*.cpp' 'service/native/*.cpp' 'conformance/kit/*.cpp' 'conformance/checks/*.cpp')
-  read_sources "${sources[@]}" conformance/mutants/minimal_algo.cpp
+  compile_sources "$scratch/objects" "${sources[@]}" conformance/mutants/minimal_algo.cpp
   echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
+}
+
+# The objects are those of the part sources.
+check_symbols() {
+  [ -d "$scratch/objects" ] || check_sources
+  find_symbols "$scratch"/objects/*.o
+}
+
+# find_symbols OBJECT...: Rust's package libc lists what Android's C library has.
+find_symbols() {
+  local rust=(/usr/share/cargo/registry/libc-*/src/unix) runtime=("$ORLU_ARM_ROOT"/usr/lib/llvm-*/lib/libc++{,abi}.so.1)
+  tests/platform/symbols.py --nm arm-linux-gnueabihf-nm --others tests/platform/symbols.txt \
+    --headers /usr/include/android "$scratch/replaced" --runtime "${runtime[@]}" \
+    --bionic "${rust[0]}"/{mod.rs,linux_like/{mod,android/{mod,b32/mod,b32/arm}}.rs} -- "$@"
 }
 
 # Both headers are seen in one source: ours in a namespace.
@@ -91,6 +121,10 @@ check_failure() {
   check_agreement >/dev/null
   sed -i 's/size_t size/int size/' "$scratch/agreement/ours/android/sharedmem.h"
   must_fail "ASharedMemory_create has another type" read_agreement tests/platform/agreement/memory.cpp
+  printf '#include <gnu/libc-version.h>\nextern const char* gText;\nconst char* gText = gnu_get_libc_version();\n' \
+    >"$copy/of_this_machine.cpp"
+  compile_sources "$copy/objects" "$copy/of_this_machine.cpp"
+  must_fail "gnu_get_libc_version is in no library of the platform" find_symbols "$copy"/objects/*.o
   tests/platform/java_api_test.py
   echo "each of these faults is found"
 }

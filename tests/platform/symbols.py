@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Looks for each symbol that goes to a phone undefined: some library of the platform must offer it.
+
+symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
+
+OBJECT  what goes to a phone, compiled and not linked
+FOLDER  headers of the platform; a function that they declare is one that it has
+--bionic   the functions that Rust's package libc declares for Android, and so finds in its C library
+--runtime  libraries of C++ as the phone has them, here Debian's libc++ and libc++abi
+--others   further symbols, each with the library that offers it
+"""
+
+import argparse
+import pathlib
+import re
+import subprocess
+import sys
+
+# The compiler's own helpers; GoogleTest, which the kit brings along.
+BROUGHT_ALONG = re.compile(r"__aeabi_|__emutls_|_Unwind_|_GLOBAL_OFFSET_TABLE_$|_Z\w*7testing")
+
+
+def symbols(nm, files, *flags):
+    """The names that nm lists, without their versions."""
+    if not files:
+        return set()
+    listed = subprocess.run([nm, "-P", *flags, *files], capture_output=True, text=True, check=True).stdout
+    return {re.split(r"[@ ]", line)[0] for line in listed.splitlines() if " " in line}
+
+
+def words(pattern, files):
+    return {name for file in files for name in re.findall(pattern, file.read_text(errors="replace"))}
+
+
+def offered(options):
+    headers = [file for folder in options.headers for file in pathlib.Path(folder).rglob("*.h")]
+    return (words(r"\b([A-Za-z_]\w*)\s*\(", headers)
+            | words(r"\bfn (\w+)\(", options.bionic)
+            | words(r"(?m)^(\w+) ", [options.others])
+            | symbols(options.nm, options.runtime, "--dynamic", "--defined-only"))
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--nm", required=True)
+    parser.add_argument("--headers", nargs="+", required=True)
+    for name in ("--bionic", "--runtime"):
+        parser.add_argument(name, nargs="+", required=True, type=pathlib.Path)
+    parser.add_argument("--others", required=True, type=pathlib.Path)
+    parser.add_argument("objects", nargs="+", type=pathlib.Path)
+    options = parser.parse_args()
+    own = symbols(options.nm, options.objects, "--defined-only")
+    wanted = symbols(options.nm, options.objects, "--undefined-only") - own
+    missing = sorted(name for name in wanted - offered(options) if not BROUGHT_ALONG.match(name))
+    for name in missing:
+        users = [file.name for file in options.objects
+                 if name in symbols(options.nm, [file], "--undefined-only")]
+        print(f"{users[0]}: error: {name} is in no library of the platform; expected a symbol of its headers, "
+              f"of the listing of its C library or of {options.others}")
+    unused = words(r"(?m)^(\w+) ", [options.others]) - wanted
+    for name in sorted(unused):
+        print(f"{options.others}: error: {name} is used by nothing that goes to a phone")
+    if missing or unused:
+        sys.exit(1)
+    print(f"{len(wanted)} undefined symbols are offered by the platform's libraries")
+
+
+if __name__ == "__main__":
+    main()
