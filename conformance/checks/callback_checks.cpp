@@ -125,12 +125,13 @@ void actInside(const Action& action) {
     missCallback();
     ADD_FAILURE() << "Java may " << action.what << " inside a callback: nothing came of it within "
                   << options().patienceSeconds + 5 << " s";
-    endAtOnce();
     return;
   }
+  // Its thread may still be on its way out of what it was made to do here.
+  scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request that was submitted inside the callback before";
-  // Its thread is still on its way out of the callback.
+  // And on its way out of the callback.
   scene.client.end();
 }
 
@@ -190,6 +191,9 @@ constexpr Work kWorks[] = {
 }  // namespace
 
 void checkInside() {
+  // Nothing says when the thread whose callback destroyed its own client is done in the library. That thread
+  // must not meet the destructors of the process's end.
+  endAtOnce();
   OPEN_LIBRARY(library);
   for (const Action& action : kActions) {
     actInside(action);
