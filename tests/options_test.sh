@@ -139,4 +139,16 @@ read -ra listed < <(sed -nE 's/^  (--[a-z-]+) .*/\1/p' out | xargs)
 completed "./run conform -" "${listed[@]}"
 [ ${#COMPREPLY[@]} -eq $((${#listed[@]} + 1)) ] ||
   fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
+
+echo "== What a library says"
+# The name is part of what the loader says.
+library=$folder/$'a\e[2J\u009b\u202e\xff.so'
+ends 1 'a\\u001b\[2J\\u009b\\u202e\\xff.so' conform "$library" --only loading --junit junit.xml
+prints 'a\u001b[2J\u009b\u202e\xff.so'
+for file in out err junit.xml; do
+  ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$file" ||
+    fail "$file has control characters: $(cat "$file")"
+  [ "$file" = err ] || grep -qF 'a\u001b[2J' "$file" || fail "$file: $(cat "$file")"
+done
+
 ended

@@ -40,7 +40,8 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// Returns the length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
+}  // namespace
+
 size_t characterLength(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
   if (first < 0x80) return 1;
@@ -55,8 +56,6 @@ size_t characterLength(std::string_view text) {
   const bool tooLarge = first == 0xF4 && second > 0x8F;
   return overlong || surrogate || tooLarge ? 0 : length;
 }
-
-}  // namespace
 
 EventLine::EventLine(const char* event) {
   mText.reserve(512);
