@@ -140,15 +140,22 @@ completed "./run conform -" "${listed[@]}"
 [ ${#COMPREPLY[@]} -eq $((${#listed[@]} + 1)) ] ||
   fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
 
-echo "== What a library says"
-# The name is part of what the loader says.
+echo "== Foreign text in the kit's reports and in the log"
+# shows FILE: it has the escaped text, and no character that a terminal obeys.
+shows() {
+  grep -qF 'a\u001b[2J\u009b\u202e' "$1" || fail "$1 lacks the text: $(cat "$1")"
+  ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$1" || fail "$1 has control characters: $(cat "$1")"
+}
+
+# The name is part of what the loader reports.
 library=$folder/$'a\e[2J\u009b\u202e\xff.so'
-ends 1 'a\\u001b\[2J\\u009b\\u202e\\xff.so' conform "$library" --only loading --junit junit.xml
-prints 'a\u001b[2J\u009b\u202e\xff.so'
-for file in out err junit.xml; do
-  ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$file" ||
-    fail "$file has control characters: $(cat "$file")"
-  [ "$file" = err ] || grep -qF 'a\u001b[2J' "$file" || fail "$file: $(cat "$file")"
-done
+command_ends 1 conform "$library" --only loading --junit junit.xml
+shows out
+shows junit.xml
+prints '\u202e\xff.so: '
+sed -e "s#photos/#$root/samples/photos/#" -e 's/"type": "capture"/"type": "a\\u001b[2J\\u009b\\u202e"/' \
+  "$root/samples/capture.json" >hostile.json
+command_ends 0 --log --out images hostile.json
+shows err
 
 ended

@@ -16,7 +16,7 @@
 #include <fstream>
 
 #include "check.h"
-#include "report.h"
+#include "printable.h"
 
 namespace orlu::conform {
 namespace {
@@ -136,7 +136,7 @@ bool readWords(const std::string& words, Outcome& outcome) {
   for (size_t begin = 0; begin < words.size();) {
     const std::string word = words.c_str() + begin;
     begin += word.size() + 1;
-    const std::string text = printable(word.substr(1));
+    const std::string text = probe::printable(word.substr(1));
     switch (word[0]) {
       case 'F':
         outcome.verdict = Verdict::kFailed;
@@ -239,7 +239,7 @@ Outcome runApart(const Check& check) {
     outcome.evidence.insert(outcome.evidence.begin(),
                             (ended ? "when the check was over, " : "") + ending(status) +
                                 (ended ? "" : whereabouts()) +
-                                (output.empty() ? "" : "; its last words: " + printable(output)));
+                                (output.empty() ? "" : "; its last words: " + probe::printable(output)));
   }
   if (!late.empty() || !ended || status != 0) outcome.verdict = Verdict::kFailed;
   if (child.words >= 0) close(child.words);

@@ -1,6 +1,5 @@
 #include "report.h"
 
-#include <algorithm>
 #include <cstdio>
 
 #include "event_line.h"
@@ -26,40 +25,7 @@ std::string listOf(const std::vector<std::string>& texts) {
   return list + "]";
 }
 
-bool isUnsafe(unsigned character) {
-  const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
-  const bool isDirection = character == 0x061C || character == 0x200E || character == 0x200F ||
-                           (character >= 0x2028 && character <= 0x202E) ||
-                           (character >= 0x2066 && character <= 0x2069);
-  return (isControl && character != '\n' && character != '\t') || isDirection;
-}
-
-unsigned codeOf(std::string_view character) {
-  unsigned code = static_cast<unsigned char>(character[0]);
-  if (character.size() > 1) code &= 0x7FU >> character.size();
-  for (const char byte : character.substr(1)) code = code << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
-  return code;
-}
-
 }  // namespace
-
-std::string printable(std::string_view text) {
-  std::string safe;
-  while (!text.empty()) {
-    const size_t length = probe::characterLength(text);
-    const std::string_view character = text.substr(0, std::max<size_t>(length, 1));
-    const unsigned code = codeOf(character);
-    if (length > 0 && !isUnsafe(code)) {
-      safe += character;
-    } else {
-      char escape[16];
-      std::snprintf(escape, sizeof escape, length > 0 ? "\\u%04x" : "\\x%02x", code);
-      safe += escape;
-    }
-    text.remove_prefix(character.size());
-  }
-  return safe;
-}
 
 std::string lineOf(const CheckResult& result) {
   const Outcome& outcome = result.outcome;

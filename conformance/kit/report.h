@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "check.h"
@@ -14,9 +13,6 @@ struct CheckResult {
   Outcome outcome;
 };
 
-// Returns a library's text safe to show: line ends and tabs stay, other control characters and characters
-// that change the direction of what follows become \u001b and the like, invalid UTF-8 \xff.
-std::string printable(std::string_view text);
 // One line for each check: verdict, name, evidence. A warning and further evidence follow in lines of their
 // own.
 std::string lineOf(const CheckResult& result);

@@ -19,6 +19,8 @@
 #include <sstream>
 #include <string>
 
+#include "printable.h"
+
 namespace {
 
 // As on the device: longer lines are truncated.
@@ -127,9 +129,10 @@ void __android_log_stderr_logger(const struct __android_log_message* log_message
   char time[32];
   std::strftime(time, sizeof time, "%m-%d %H:%M:%S", &local);
   const int priority = log_message->priority;
+  const auto shown = [](const char* text) { return orlu::probe::printable(text == nullptr ? "" : text); };
   std::fprintf(stderr, "%s.%03ld %5d %5ld %c %-8s: %s\n", time, now.tv_nsec / 1'000'000, getpid(),
-               static_cast<long>(syscall(SYS_gettid)), letterOf(priority), log_message->tag,
-               log_message->message);
+               static_cast<long>(syscall(SYS_gettid)), letterOf(priority), shown(log_message->tag).c_str(),
+               shown(log_message->message).c_str());
 }
 
 int32_t __android_log_set_minimum_priority(int32_t priority) {

@@ -8,6 +8,8 @@
 #include <charconv>
 #include <chrono>
 
+#include "printable.h"
+
 namespace orlu::probe {
 namespace {
 
@@ -36,26 +38,7 @@ bool isPlain(char character) {
   return character >= 0x20 && character < 0x7F && character != '"' && character != '\\';
 }
 
-bool isContinuation(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
 }  // namespace
-
-size_t characterLength(std::string_view text) {
-  const auto first = static_cast<unsigned char>(text[0]);
-  if (first < 0x80) return 1;
-  const size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
-  if (length == 0 || text.size() < length) return 0;
-  if (!std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), isContinuation)) {
-    return 0;
-  }
-  const auto second = static_cast<unsigned char>(text[1]);
-  const bool overlong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-  const bool surrogate = first == 0xED && second > 0x9F;
-  const bool tooLarge = first == 0xF4 && second > 0x8F;
-  return overlong || surrogate || tooLarge ? 0 : length;
-}
 
 EventLine::EventLine(const char* event) {
   mText.reserve(512);

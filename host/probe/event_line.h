@@ -1,16 +1,12 @@
 // One event as a line of JSON: fields are added in order; finish() closes the line.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace orlu::probe {
-
-// Returns the length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
-size_t characterLength(std::string_view text);
 
 // Returns the text as a quoted JSON string; invalid UTF-8 becomes U+FFFD.
 std::string quoted(std::string_view value);
