@@ -26,10 +26,12 @@ if [ $# -ne 1 ] || [ -z "$1" ]; then refuse "takes one folder; see ./run sdk --h
 if [ -e "$1" ] && { [ ! -d "$1" ] || [ -n "$(ls -A "$1")" ]; }; then
   refuse "$1: exists and is not an empty folder"
 fi
+if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't be made or written to"; fi
 
 install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
 prepare_arm
-mkdir -p "$1"
+# It would move the folder elsewhere.
+unset DESTDIR
 for preset in dev arm arm-clang; do
   build_preset "$preset" --tests conform_kit
   cmake --install "$root/build/$preset" --strip --component sdk --prefix "$(realpath "$1")" >/dev/null

@@ -3,7 +3,8 @@
 get_filename_component(OrluAlgo_PREFIX "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
 set(OrluAlgo_KIT_DIR "${OrluAlgo_PREFIX}/kit")
 if(NOT TARGET OrluAlgo::OrluAlgo)
-  find_package(Threads REQUIRED)
+  include(CMakeFindDependencyMacro)
+  find_dependency(Threads)
   add_library(OrluAlgo::OrluAlgo INTERFACE IMPORTED)
   set_target_properties(OrluAlgo::OrluAlgo PROPERTIES
     INTERFACE_INCLUDE_DIRECTORIES "${OrluAlgo_PREFIX}/include"

@@ -13,11 +13,15 @@ restore() {
   rm -rf "$work"
 }
 trap restore EXIT
-"$root/scripts/sdk.sh" "$work/made"
+DESTDIR=$work/elsewhere "$root/scripts/sdk.sh" "$work/made"
+[ ! -e "$work/elsewhere" ] || die "DESTDIR moves the folder"
+touch "$work/file"
+if "$root/scripts/sdk.sh" "$work/file/in it" 2>"$work/report"; then die "a folder in a file is made"; fi
+grep -qF "file/in it: can't be made or written to" "$work/report" || { cat "$work/report"; exit 1; }
 prepare_arm
 mv "$root/build" "$root/build.away"
-mv "$work/made" "$work/taken home"
-cd "$work/taken home"
+mv "$work/made" "$work/taken hüme"
+cd "$work/taken hüme"
 if grep -rlF "$root" .; then die "the files above name this tree"; fi
 JAVA_HOME=$(debian_java_home "")
 export JAVA_HOME
@@ -50,6 +54,8 @@ library=$work/host/liborlu.vac.interface.so
 checks kit/x86_64/conform "$library" || { cat "$work/report"; exit 1; }
 tail -1 "$work/report"
 grep -q '^passed *java' "$work/report" || { cat "$work/report"; die "the check with a Java VM did not run"; }
+change 's/VERSION 3.20/VERSION 3.5/' example/CMakeLists.txt
+cmake -S example -B "$work/older" -DCMAKE_PREFIX_PATH="$PWD" -Wno-deprecated >"$work/log"
 change 's/OrluAlgo 1.0/OrluAlgo 2.0/' example/CMakeLists.txt
 fails 'requested version "2.0"' cmake -S example -B "$work/newer" -DCMAKE_PREFIX_PATH="$PWD"
 change 's/OrluAlgo 2.0/OrluAlgo 1.0/' example/CMakeLists.txt
@@ -59,6 +65,13 @@ arm_library=$work/arm/liborlu.vac.interface.so
 mkdir "$work/arm"
 mapfile -t flags < <(PKG_CONFIG_PATH=$PWD/lib/pkgconfig pkg-config --cflags orlu-algo | xargs -n 1)
 jni=(-isystem "$JAVA_HOME/include" -isystem "$JAVA_HOME/include/linux")
+# As the sources of a maker with many warnings.
+for compiler in g++ clang++; do
+  for standard in 17 20; do
+    "$compiler" "${flags[@]}" "${jni[@]}" "-std=c++$standard" -fsyntax-only \
+      -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror example/minimal_algo.cpp
+  done
+done
 # build_for_arm SOURCE FLAG...
 build_for_arm() {
   clang++ --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" --gcc-toolchain=/usr \
