@@ -14,9 +14,10 @@ readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
                      of that name yet
   status             what is switched on
 
-KIT is orlu-conform of Android.bp, or of the preset android: the kit of ./run sdk is for
-Linux. ORLU_PHONE_FOLDER is where the kit is put (/data/local/tmp/orlu). ANDROID_SERIAL
-names the phone when several are there. The service must be started anew after \"record\"
+KIT is orlu-conform of Android.bp, or of the preset android, which needs the NDK's
+libc++_shared.so beside it: the kit of ./run sdk is for Linux. ORLU_PHONE_FOLDER is where
+the kit is put (/data/local/tmp/orlu). ANDROID_SERIAL names the phone when several are
+there. The service must be started anew after \"record\"
 and \"events\"; setting their properties needs adb root.
 
 No phone was at hand when this was written: it is tested against a stand-in for adb."
@@ -46,7 +47,7 @@ one_phone() {
     elif [ -n "$state" ]; then
       others+=("$serial ($state)")
     fi
-  done <<<"$listing"
+  done <<<"${listing//$'\r'/}"
   if [ -n "${ANDROID_SERIAL:-}" ]; then
     for serial in "${ready[@]}"; do
       [ "$serial" != "$ANDROID_SERIAL" ] || return 0
@@ -89,7 +90,7 @@ switch() {
     on)
       takes 2 "${@:2}"
       [[ $3 == /* ]] || die "$3: names no place on the phone, which begins with /"
-      [ ${#3} -le 91 ] || die "$3: longer than a property takes, 91 bytes"
+      [ "$(printf %s "$3" | wc -c)" -le 91 ] || die "$3: longer than a property takes, 91 bytes"
       one_phone
       set_property "$1" "$3"
       ;;
@@ -103,7 +104,7 @@ switch() {
 }
 
 run_kit() {
-  local kit library file status=0
+  local kit library file runtime status=0
   for file in "$1" "$2"; do
     [ -f "$file" ] || die "$file: no such file"
   done
@@ -114,8 +115,10 @@ run_kit() {
   in_shell mkdir -p "$folder"
   call_adb push "$kit" "$folder/conform"
   call_adb push "$library" "$folder/liborlu.vac.interface.so"
+  runtime=$(dirname -- "$kit")/libc++_shared.so
+  [ ! -f "$runtime" ] || call_adb push "$runtime" "$folder/libc++_shared.so"
   in_shell chmod 755 "$folder/conform"
-  adb shell "$(quoted "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
+  adb shell "$(quoted env "LD_LIBRARY_PATH=$folder" "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
   # adb's own failure has the status of a failed check.
   [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
     die "$ANDROID_SERIAL went away while the kit ran"

@@ -54,6 +54,11 @@ printf '#!/bin/bash\nprintf "<%%s>" "$@"\nexit 1\n' >"$work/kit"
 echo library >"$work/library.so"
 expect 1 "<$work/on phone/liborlu.vac.interface.so><--only><a b>" conform "$work/kit" "$work/library.so" --only "a b"
 same library "$work/on phone/liborlu.vac.interface.so"
+mkdir "$work/ndk"
+echo runtime >"$work/ndk/libc++_shared.so"
+printf '#!/bin/bash\nprintenv LD_LIBRARY_PATH\n' >"$work/ndk/kit"
+expect 0 "$work/on phone" conform "$work/ndk/kit" "$work/library.so"
+same runtime "$work/on phone/libc++_shared.so"
 expect 2 "nothing.so: no such file" conform "$work/kit" nothing.so
 expect 0 "" record on "/data/of it"
 same "/data/of it" "$work/properties/persist.vendor.orlu.record"
@@ -87,6 +92,7 @@ for wrong in "record on" "record maybe" "record on x" "pull /x" "status now" "co
   expect 2 "phone.sh: " $wrong
 done
 expect 2 "longer than a property takes" record on "/$(printf 'x%.0s' {1..91})"
+expect 2 "longer than a property takes" record on "/$(printf 'ü%.0s' {1..50})"
 : >"$work/calls"
 PHONES='' expect 2 "no phone is ready: connect one" status
 PHONES='a1\tunauthorized' expect 2 "there is a1 (unauthorized)" status
@@ -97,6 +103,7 @@ PHONES='a1\tno permissions (user in plugdev group)' expect 2 "a1 (no permissions
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL is a1 b2" status
 same "devices|devices|devices|devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL=b2 expect 0 "" status
+PHONES='a1\tdevice\r\n' expect 0 "" status
 # One that is not ready does not stand in the way of the other.
 PHONES='a1\toffline\n192.168.0.7:5555\tdevice\nc3\tunauthorized' expect 0 "events: /data/events" status
 
