@@ -85,7 +85,10 @@ def takes_raw():
         {"file": "packed.dng", "format": "RAW16"}, {"file": "tiled.dng", "format": "RAW16"},
         {"file": "thumbnail.dng", "format": "RAW_SENSOR", "stride": 80},
         {"file": "a.png", "format": "RAW16"}, {"file": "a.tiff", "format": "RAW16"})
+    Path("out").mkdir()
+    Path("out/shot0-out0.pgm").symlink_to("../linked")
     done = run_requests(*(request(image) for image in images))
+    expect("a link in the place of an image", False, Path("linked").exists())
     expect(f"raw files: {done.stderr}{done.stdout}", (0, False), (done.returncode, "noise" in done.stdout))
     for i, image in enumerate(images):
         samples = SENSOR if image["file"].endswith(".dng") else SAMPLES

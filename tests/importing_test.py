@@ -184,11 +184,13 @@ def survives_damage():
                     "Exception" in done.stdout + done.stderr])
     expect("cut dump", ["line 23: the line is cut", "line 2: the buffer has 26 entries, found 9"],
            cut_dump_notes())
+    Path("link").symlink_to("a.json")
     for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
                             ((FORMS / "dump.txt",),
                              "needs --out FILE; see ./run import --help"),
                             (("cut.txt", "--out", "cut.txt"),
                              "--out would write over what is imported: cut.txt"),
+                            (("cut.txt", "--out", "link"), "--out: needs a file, found a link: link"),
                             (("cut.txt", "--out", "made"), "--out: needs a file, found a folder: made"),
                             (("cut.txt", "--out", "cut.txt/a.json"),
                              f"--out: no folder can be made here: {Path.cwd()}/cut.txt"),

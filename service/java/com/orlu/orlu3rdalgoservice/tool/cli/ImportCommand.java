@@ -43,6 +43,10 @@ final class ImportCommand implements Subcommand {
         if (Files.isDirectory(mOut)) {
             throw new IllegalArgumentException("--out: needs a file, found a folder: " + mOut);
         }
+        // A stranger's folder may have a link to a file of the reader's.
+        if (Files.isSymbolicLink(mOut)) {
+            throw new IllegalArgumentException("--out: needs a file, found a link: " + mOut);
+        }
         for (Path file : mFiles) {
             needFile(file);
         }

@@ -48,12 +48,12 @@ public final class OutputImages {
 
     private String write(OutputReader output, String name) throws IOException {
         if (output.jpeg() != null) {
-            Path file = mFolder.resolve(name + ".jpg");
+            Path file = file(name + ".jpg");
             Files.write(file, output.jpeg());
             return file + " (" + output.jpeg().length + " bytes)";
         }
         if (output.mosaic() != null) {
-            Path file = mFolder.resolve(name + ".pgm");
+            Path file = file(name + ".pgm");
             Files.write(file, pgm(output.mosaic()));
             return file + " (raw mosaic)";
         }
@@ -64,9 +64,18 @@ public final class OutputImages {
     }
 
     private String writePng(PixelRows picture, String name) throws IOException {
-        Path file = mFolder.resolve(name + ".png");
+        Path file = file(name + ".png");
         picture.writePng(file);
         return file.toString();
+    }
+
+    // A stranger's folder may have a link to a file of the reader's in this place.
+    private Path file(String name) throws IOException {
+        Path file = mFolder.resolve(name);
+        if (Files.isSymbolicLink(file)) {
+            Files.delete(file);
+        }
+        return file;
     }
 
     // Sixteen bits a sample, most significant byte first, as the format asks.
