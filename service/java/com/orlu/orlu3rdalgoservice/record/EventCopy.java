@@ -54,7 +54,7 @@ final class EventCopy {
         to.writeBytes(RecordFolder.EVENTS, ByteBuffer.wrap(bytes), text);
         text.end();
         String folder = Setting.ofProbe(PIXELS_VARIABLE);
-        if (!folder.isEmpty()) {
+        if (!folder.isEmpty() && to.keepsProbePixels()) {
             text.list("leftOut");
             movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to, text);
             text.end();

@@ -22,16 +22,18 @@ final class RecordFolder {
     static final String TOO_LARGE = "no: the recording would have more bytes than it may";
 
     private final File mFolder;
+    private final RequestRecorder.Pixels mPixels;
     private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
-    /** Makes the folder, which may hold this many bytes in all. */
-    RecordFolder(File folder, long mostBytes) throws IOException {
+    /** Makes the folder, which may hold this many bytes in all, and these pixels. */
+    RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
             throw new IOException("can't make the folder " + folder);
         }
         mFolder = folder;
         mBytesLeft = mostBytes;
+        mPixels = pixels;
     }
 
     void write(String name, JsonText text) throws IOException {
@@ -62,6 +64,20 @@ final class RecordFolder {
                 RequestRecorder.warn("can't remove " + file);
             }
             throw e;
+        }
+    }
+
+    /** Whether the probe's pixels belong into the folder. */
+    boolean keepsProbePixels() {
+        return mPixels == RequestRecorder.Pixels.ALL;
+    }
+
+    /** Writes the bytes of one of Java's images, if they are kept. */
+    void writePixels(String name, ByteBuffer bytes, JsonText text) throws IOException {
+        if (mPixels == RequestRecorder.Pixels.NONE) {
+            text.add("kept", "no: without pixels");
+        } else {
+            writeBytes(name, bytes, text);
         }
     }
 

@@ -100,10 +100,14 @@ public final class Recording {
         mEvents = EventCopy.begin();
     }
 
-    void before(Orlu3rdAlgoService service, CaptureResultComposition client, Map<String, String> properties,
-            Object inputs, Object outputs, Object compositions) throws IOException, ErrnoException {
+    void before(Orlu3rdAlgoService service, String about, CaptureResultComposition client,
+            Map<String, String> properties, Object inputs, Object outputs, Object compositions)
+            throws IOException, ErrnoException {
         VRequest request = (VRequest) mRequest;
         JsonText text = new JsonText();
+        if (!about.isEmpty()) {
+            text.add("about", about);
+        }
         text.object("recording").add("format", "orlu-recording").add("version", VERSION)
                 .add("milliseconds", System.currentTimeMillis()).add("interface", service.getVersion())
                 .add("system", System.getProperty("os.name") + " " + System.getProperty("os.version"))
@@ -180,7 +184,7 @@ public final class Recording {
                 if (pixels != null) {
                     text.add("size", pixels.bytes().remaining());
                     if (always || !isZero(pixels.bytes())) {
-                        mFolder.writeBytes(prefix + i + ".bin", pixels.bytes(), text);
+                        mFolder.writePixels(prefix + i + ".bin", pixels.bytes(), text);
                     }
                 }
             }

@@ -29,9 +29,12 @@ public final class RequestRecorder {
 
     private static final int USUAL_COUNT = 16;
     private static final long USUAL_BYTES = 1L << 30;
+
+    /** The pixels in a recording: none, those of Java's images, or those that the probe kept as well. */
+    public enum Pixels { NONE, OF_JAVA, ALL }
+
     /** Full-async requests whose results are still to come. A lost one is not kept open for good. */
     private static final int MOST_OPEN = 16;
-    private static final Logger LOG = Logger.getLogger("RequestRecorder");
 
     private final File mFolder;
     private final int mCount;
@@ -40,6 +43,8 @@ public final class RequestRecorder {
     private final List<Recording> mOpen = new ArrayList<>();
 
     private Supplier<Map<String, String>> mProperties = Collections::emptyMap;
+    private String mAbout = "";
+    private Pixels mPixels = Pixels.ALL;
     private int mMade;
 
     /** A recorder into this folder, which is made when it is not there. */
@@ -62,6 +67,16 @@ public final class RequestRecorder {
     /** Sets who knows the system properties that the native library reads. */
     public void setProperties(Supplier<Map<String, String>> properties) {
         mProperties = properties;
+    }
+
+    /** Sets the description that the next recordings have; "" for none. */
+    public void setAbout(String about) {
+        mAbout = about;
+    }
+
+    /** Sets which pixels the next recordings have. */
+    public void setPixels(Pixels pixels) {
+        mPixels = pixels;
     }
 
     /** Says of which values a client was made. To be called after createNativeClient. */
@@ -100,8 +115,9 @@ public final class RequestRecorder {
         Recording recording = new Recording(this, inst, request);
         recording.guard(() -> {
             makeWay();
-            recording.open(new RecordFolder(nextFolder(request), mBytes));
-            recording.before(service, mClients.get(inst), mProperties.get(), inputs, outputs, compositions);
+            recording.open(new RecordFolder(nextFolder(request), mBytes, mPixels));
+            recording.before(service, mAbout, mClients.get(inst), mProperties.get(), inputs, outputs,
+                    compositions);
         });
         if (recording.isFullAsync()) {
             mOpen.add(recording);
@@ -169,11 +185,11 @@ public final class RequestRecorder {
 
     private static void delete(File file) {
         if (!file.delete()) {
-            LOG.warning("can't remove the old recording " + file);
+            warn("can't remove the old recording " + file);
         }
     }
 
     static void warn(String what) {
-        LOG.warning(what);
+        Logger.getLogger("RequestRecorder").warning(what);
     }
 }

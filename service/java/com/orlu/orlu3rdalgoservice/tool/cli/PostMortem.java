@@ -3,11 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
-import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
-import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
-import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.judge.Crash;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
@@ -22,7 +19,6 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
-import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
@@ -64,11 +60,9 @@ final class PostMortem {
         Files.writeString(file, Printable.lines(crash.report()));
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
         Session.keepEvents(mOptions, new Timeline());
+        Path last = completeLastRun();
         if (mOptions.written.report != null) {
-            writePage(verdict, crash.report());
-        }
-        if (mOptions.written.record != null) {
-            completeRecordings(mOptions.written.record);
+            writePage(verdict, crash.report(), last);
         }
         Results results = new Results("run");
         results.add(mOptions.requests().size() == 1 ? mOptions.names().get(0) : "run", verdict, 0, Map.of());
@@ -77,30 +71,24 @@ final class PostMortem {
         return verdict.status();
     }
 
-    // The requests before it have their pages already.
-    private void writePage(Verdict verdict, String crash) throws IOException {
+    // The requests before it have their pages already. The folder is that of a run without an end, or null.
+    private void writePage(Verdict verdict, String crash, Path unended) throws IOException {
         List<Path> requests = mOptions.requests();
         PageFolder pages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(), requests
                 .size());
         pages.resume();
         if (pages.count() < requests.size()) {
             try {
-                RecordedEvents all = new RecordedEvents();
-                RecordedEvents own = new RecordedEvents();
                 List<Json> lines = LineFile.fromStart(WorkFolder.events(), line -> true).next();
+                RecordedEvents all = new RecordedEvents();
                 all.add(lines);
-                own.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
                 SourceLines source = new SourceLines();
                 source.learn(all);
-                RequestFile request = RequestFileReader.read(requests.get(pages.count()),
-                        mOptions.tried.photo);
-                RequestTags.set(request, mOptions.tried.tags);
-                Run run = Run.of(mOptions.names().get(pages.count()), request, own, List.of(),
-                        null, null);
+                Run run = run(pages, lines, unended);
                 RunReport report = new RunReport(
                         run, ImageResults.NONE, verdict, TrialSession.found(pages.count()), "", crash);
                 mOptions.written.text().println("  page        " + Printable.line(
-                        pages.add(report, inputs(request), new Timeline(), source)));
+                        pages.add(report, inputs(run), new Timeline(), source)));
             } catch (MistakeException e) {
                 System.err.println("run: no page: " + Printable.message(e));
             }
@@ -108,14 +96,47 @@ final class PostMortem {
         pages.writeIndex(requests);
     }
 
-    // Null when they can't be made again: the page has no pictures then.
-    private static Exhibits inputs(RequestFile request) {
+    private Run run(PageFolder pages, List<Json> lines, Path unended) throws MistakeException, IOException {
+        String name = mOptions.names().get(pages.count());
+        Path file = mOptions.requests().get(pages.count());
+        long start = Math.max(pages.end(), lines.isEmpty() ? 0 : new Event(lines.get(0)).time());
+        Path folder = unended == null ? endedSince(start) : unended;
+        if (folder != null) {
+            return RunFolder.read(folder, name, file);
+        }
+        // It died before it was recorded. Requests before it have pages; their events are left out.
+        RecordedEvents events = new RecordedEvents();
+        events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
+        RequestFile request = RequestFileReader.read(file, mOptions.tried.photo);
+        RequestTags.set(request, mOptions.tried.tags);
+        return Run.of(name, request, events, List.of(), null, null);
+    }
+
+    // The run that began after this time and ended, as when its client could not be destroyed; null for none.
+    private Path endedSince(long time) throws IOException {
+        Path folder = mOptions.runs();
+        if (folder == null) {
+            return null;
+        }
+        try {
+            List<Path> runs = RunFolder.in(folder);
+            Path last = runs.get(runs.size() - 1);
+            Json start = Json.read(last.resolve(RunFolder.OUTCOME)).find("processed", "start");
+            return start != null && start.integer(0L, Long.MAX_VALUE) > time ? last : null;
+        } catch (MistakeException e) {
+            return null;
+        }
+    }
+
+    // Null where the run did not keep them: the page has no pictures then.
+    private static Exhibits inputs(Run run) {
+        if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
+            return null;
+        }
         List<ImageBuffer> inputs = new ArrayList<>();
         try {
-            List<SynthesisedFrame> frames = RequestImages.frames(request, new Photos());
-            FrameSize size = FrameSize.of(request, frames);
-            for (ImagePlan plan : request.inputs()) {
-                inputs.add(RequestImages.input(plan, frames, size));
+            for (ImagePlan plan : run.request().inputs()) {
+                inputs.add(ImageBuffer.recorded(plan));
             }
             Exhibits exhibits = new Exhibits();
             exhibits.afterCrash(inputs);
@@ -129,16 +150,19 @@ final class PostMortem {
         }
     }
 
-    /** Puts the events beside a recording that was not ended, of which there is at most one: the last. */
-    static void completeRecordings(Path folder) throws IOException {
+    // Puts the events into the folder of the run that did not end, and returns it; null if there is none.
+    private Path completeLastRun() throws IOException {
+        Path folder = mOptions.runs();
         Path events = WorkFolder.events();
-        if (!Files.isDirectory(folder) || events == null || !Files.exists(events)) {
-            return;
+        if (folder == null || !Files.isDirectory(folder) || events == null || !Files.exists(events)) {
+            return null;
         }
+        Path last = null;
         try (Stream<Path> folders = Files.list(folder)) {
-            for (Path recording : folders.filter(RunFolder::isRun).toList()) {
-                RunFolder.complete(recording, events, WorkFolder.pixels());
+            for (Path run : folders.filter(RunFolder::isRun).sorted().toList()) {
+                last = RunFolder.complete(run, events, WorkFolder.pixels()) ? run : last;
             }
         }
+        return last;
     }
 }

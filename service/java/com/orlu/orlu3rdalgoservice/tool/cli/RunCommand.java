@@ -3,7 +3,9 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 import android.system.ErrnoException;
 
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.record.RequestRecorder.Pixels;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestNames;
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
@@ -208,10 +210,27 @@ final class RunCommand implements Subcommand {
         }
     }
 
-    /** The recorder that --record, else the recorder's own property asks for; null when neither does. */
+    /**
+     * The recorder that makes the folder of each run: where --record says, else the recorder's own property,
+     * else in the work folder. There, only the latest run is kept, with pixels if a page may need them. Null
+     * without a work folder.
+     */
     RequestRecorder recorder() {
-        return written.record == null ? RequestRecorder.ofProperties()
-                : new RequestRecorder(written.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
+        if (written.record != null) {
+            return new RequestRecorder(written.record.toFile(), Integer.MAX_VALUE, Long.MAX_VALUE);
+        }
+        RequestRecorder own = RequestRecorder.ofProperties();
+        if (own != null || runs() == null) {
+            return own;
+        }
+        RequestRecorder latest = new RequestRecorder(runs().toFile(), 1, Long.MAX_VALUE);
+        latest.setPixels(written.report == null ? Pixels.NONE : Pixels.OF_JAVA);
+        return latest;
+    }
+
+    /** The folder of the runs' folders; null without a work folder. */
+    Path runs() {
+        return written.record == null ? WorkFolder.runs() : written.record;
     }
 
     /** Throws an IllegalArgumentException if a file or folder can't or must not be written. */

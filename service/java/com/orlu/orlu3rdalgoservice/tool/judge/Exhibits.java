@@ -33,7 +33,7 @@ public final class Exhibits {
         inputs.forEach(image -> mChecksums.add(ImageExhibit.checksum(image)));
     }
 
-    /** Instead of the others when the process ended: the inputs made again, as they went in. */
+    /** Instead of the others when the process ended: the inputs as they went in. */
     public void afterCrash(List<ImageBuffer> inputs) {
         mIsLost = true;
         before(inputs);

@@ -227,7 +227,8 @@ public final class ImageFindings {
                         "There is no picture in %s (frame %d), while others have one.".formatted(
                                 input.name(), input.frame()),
                         "The frame is missing from the burst. It spoils what is merged of all.");
-            } else if (same != null && input.isOfFile() && same.frame() != input.frame()) {
+            } else if (same != null && input.isOfFile() && !mExhibits.isLost()
+                    && same.frame() != input.frame()) {
                 look("frame-twice", Tab.PICTURES, "%s (frame %d) holds the same bytes as %s (frame %d)."
                                 .formatted(input.name(), input.frame(), same.name(), same.frame()),
                         "A frame was handed over twice, perhaps instead of another.");

@@ -48,7 +48,7 @@ public final class Run {
     private final List<Map<String, Object>> mCallbacks = new ArrayList<>();
     private final List<String> mProblems = new ArrayList<>();
     private List<ImagePlan> mInputPlans = List.of();
-    private List<ImageLayout> mOutputsBefore = List.of();
+    private List<ImageLayout> mOutputs = List.of();
     private AlgorithmPass mPass;
     private long mWaitStart;
     private long mWaitEnd;
@@ -83,6 +83,8 @@ public final class Run {
             List<String> notes) throws MistakeException {
         Run run = new Run(name, folder, request, root, outcome, problem, notes,
                 RunFolder.events(folder.resolve(RunFolder.EVENTS)));
+        run.mInputPlans = request.inputs();
+        run.mOutputs = request.outputs().stream().map(ImagePlan::layout).toList();
         try {
             run.readOutcome();
         } catch (MistakeException e) {
@@ -126,7 +128,7 @@ public final class Run {
             run.mCallbacks.addAll(runner.callbacks());
             run.mProblems.addAll(runner.problems());
             run.mInputPlans = runner.inputPlans();
-            run.mOutputsBefore = runner.outputsBefore();
+            run.mOutputs = runner.outputsBefore();
             run.mResults.addAll(runner.outputsAfter());
             run.mWaitStart = runner.waitStart();
             run.mWaitEnd = runner.waitEnd();
@@ -274,14 +276,14 @@ public final class Run {
         return settings;
     }
 
-    /** The images that went in. */
+    /** The images that went in, of a run with a folder. */
     public List<ImageLayout> inputs() {
-        return mRequest == null ? List.of() : mRequest.inputs().stream().map(ImagePlan::layout).toList();
+        return mInputPlans.stream().map(ImagePlan::layout).toList();
     }
 
     /** The images for the results, before. */
     public List<ImageLayout> outputs() {
-        return mRequest == null ? List.of() : mRequest.outputs().stream().map(ImagePlan::layout).toList();
+        return mOutputs;
     }
 
     /** The images as the algorithm library saw them; none where the probe kept none. */
@@ -349,15 +351,6 @@ public final class Run {
     /** The inputs as they were handed in, with their sizes. */
     public List<ImagePlan> inputPlans() {
         return mInputPlans;
-    }
-
-    /** Descriptions of the outputs before and after. */
-    public List<ImageLayout> outputsBefore() {
-        return mOutputsBefore;
-    }
-
-    public List<ImageLayout> outputsAfter() {
-        return mResults;
     }
 
     /** For each composition, the keys that the native side put or changed. */

@@ -69,6 +69,11 @@ public final class RunFolder {
 
     /** Reads a run, under this name for people. MistakeException if its request can't be read. */
     public static Run read(Path folder, String name) throws MistakeException {
+        return read(folder, name, folder.resolve(REQUEST));
+    }
+
+    /** Reads a run whose request people know by another file. */
+    public static Run read(Path folder, String name, Path shownFile) throws MistakeException {
         Path file = folder.resolve(REQUEST);
         Mistakes mistakes = new Mistakes(file.toString());
         String problem = "";
@@ -100,7 +105,8 @@ public final class RunFolder {
         }
         // Trimming left out what came of it.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
-        return Run.of(name, folder, request, root, outcome, isWhole ? "" : problem, mistakes.lines());
+        return Run.of(name, folder, request.shownAs(shownFile), root, outcome, isWhole ? "" : problem,
+                mistakes.lines());
     }
 
     /** What is wrong with the events of an outcome; empty if they are whole, or there are none. */
@@ -164,18 +170,19 @@ public final class RunFolder {
 
     /**
      * Completes the folder of a run whose process ended: cuts its events out of the file that they went into,
-     * and copies the pixels that they name from this folder; null for none.
+     * and copies the pixels that they name from this folder; null for none. Returns false for the folder of
+     * another run.
      */
-    public static void complete(Path folder, Path events, Path pixels) throws IOException {
+    public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);
         if (!RecordedFile.isRegular(file) || Files.exists(folder.resolve(OUTCOME))
                 || Files.exists(folder.resolve(EVENTS))) {
-            return;
+            return false;
         }
         try {
             Json from = Json.read(file).find("recording", "eventsFrom");
             if (from == null) {
-                return;
+                return false;
             }
             copyFrom(events, from.integer(0L, Long.MAX_VALUE), folder.resolve(EVENTS));
             for (Event event : events(folder.resolve(EVENTS)).events("pixels")) {
@@ -184,8 +191,10 @@ public final class RunFolder {
                     Files.copy(pixels.resolve(name), folder.resolve(name));
                 }
             }
+            return true;
         } catch (MistakeException e) {
             System.err.println("run: " + Printable.message(e));
+            return false;
         }
     }
 

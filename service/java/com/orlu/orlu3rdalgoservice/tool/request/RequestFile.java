@@ -27,6 +27,12 @@ import java.util.Map;
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
         List<ImagePlan> inputs, List<ImagePlan> outputs, Place place) {
+    /** The same request, shown as that of another file. */
+    public RequestFile shownAs(Path other) {
+        return new RequestFile(other, about, id, type, clientId, algoContextIndex, imageFormat, properties,
+                fullAsync, photo, frames, inputs, outputs, place);
+    }
+
     /** Whether any input is made of the photo. */
     public boolean needsPhoto() {
         return inputs.stream().anyMatch(ImagePlan::isOfPhoto);

@@ -124,8 +124,8 @@ public final class Burst implements CallbackListener, AutoCloseable {
     private Shot shoot(long id, List<RecordedComposition> compositions, List<ImageBuffer> outputs) {
         Stopwatch stopwatch = new Stopwatch();
         List<String> problems = new ArrayList<>();
-        try (RequestCall call = new RequestCall(mClient, new VRequest(id, mRequest.type()),
-                     mRequest.properties(), descriptors(mInputs), descriptors(outputs), compositions)) {
+        try (RequestCall call = new RequestCall(mClient, mRequest, new VRequest(id, mRequest.type()),
+                     descriptors(mInputs), descriptors(outputs), compositions)) {
             check("processImage", locked(() -> {
                 addInFlight(1);
                 int status = stopwatch.time("process", call::process);

@@ -6,9 +6,9 @@ import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.record.Recording;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
+import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.List;
-import java.util.Map;
 
 /**
  * The two calls that carry one request through the native library, recorded where the client has a recorder.
@@ -23,10 +23,9 @@ public final class RequestCall implements AutoCloseable {
     /** Null when nothing is recorded. */
     private final Recording mRecording;
 
-    /** Records what goes in already. The properties are those that were set for this request. */
-    public RequestCall(ServiceClient client, VRequest request, Map<String, String> properties,
-            List<VImageIPC> inputs, List<VImageIPC> outputs,
-            List<? extends CaptureResultComposition> compositions) {
+    /** Records what goes in already. The file is that of the request. */
+    public RequestCall(ServiceClient client, RequestFile file, VRequest request, List<VImageIPC> inputs,
+            List<VImageIPC> outputs, List<? extends CaptureResultComposition> compositions) {
         mService = client.service();
         mHandle = client.handle();
         mRequest = request;
@@ -38,7 +37,8 @@ public final class RequestCall implements AutoCloseable {
             mRecording = null;
             return;
         }
-        recorder.setProperties(() -> properties);
+        recorder.setProperties(file::properties);
+        recorder.setAbout(file.about());
         mRecording = recorder.begin(mService, mHandle, request, inputs, outputs, compositions);
     }
 

@@ -83,8 +83,8 @@ public final class RequestRunner implements AutoCloseable {
         VRequest request = new VRequest(mRequest.id(), mRequest.type());
         List<VImageIPC> outputs = descriptors(mOutputs);
         outputs.forEach(image -> mOutputsBefore.add(ImageLayout.of(image)));
-        try (RequestCall call = new RequestCall(mClient, request, mRequest.properties(), descriptors(mInputs),
-                outputs, mCompositions)) {
+        try (RequestCall call = new RequestCall(mClient, mRequest, request, descriptors(mInputs), outputs,
+                mCompositions)) {
             recordLookups();
             List<Map<String, Object>> before = snapshots();
             mWaitStart = System.nanoTime();

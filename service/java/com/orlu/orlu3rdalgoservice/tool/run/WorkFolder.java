@@ -39,6 +39,11 @@ public final class WorkFolder {
         return named == null ? file("pages.json") : named;
     }
 
+    /** Where each run has a folder, if nobody names another place; null when there is no folder. */
+    public static Path runs() {
+        return file("runs");
+    }
+
     private static Path ofEnvironment(String variable) {
         String file = System.getenv(variable);
         return file == null || file.isEmpty() ? null : Path.of(file);

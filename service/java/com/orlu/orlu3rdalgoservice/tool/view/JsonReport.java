@@ -33,7 +33,7 @@ public final class JsonReport {
         }
         object.put("parameters", handover.parameters().stream().map(JsonReport::parameter).toList());
         object.put("put", run.put().stream().map(JsonReport::put).toList());
-        object.put("outputsBefore", run.outputsBefore().stream().map(ImageLayout::fields).toList());
+        object.put("outputsBefore", run.outputs().stream().map(ImageLayout::fields).toList());
         object.put("outputsAfter", run.results().stream().map(ImageLayout::fields).toList());
         object.put("problems", run.problems());
         object.put("photo", report.images().measures().stream().map(JsonReport::measure).toList());

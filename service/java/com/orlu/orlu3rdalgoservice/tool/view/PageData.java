@@ -138,7 +138,7 @@ final class PageData {
         for (int i = 0; i < mRun.results().size(); ++i) {
             String output = "output " + i;
             Map<String, String> after = mRun.results().get(i).fields();
-            mRun.outputsBefore().get(i).fields().forEach((field, before) ->
+            mRun.outputs().get(i).fields().forEach((field, before) ->
                     descriptors.add(List.of(output, field, before, String.valueOf(after.get(field)))));
         }
         mJson.put("descriptors", descriptors);

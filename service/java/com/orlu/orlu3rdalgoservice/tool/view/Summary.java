@@ -73,7 +73,7 @@ public final class Summary {
                 mLines.list("", synthesis(mReport.run().request()));
             }
         }
-        mLines.lines("out", mReport.run().outputsBefore().stream().map(Summary::description).toList());
+        mLines.lines("out", mReport.run().outputs().stream().map(Summary::description).toList());
         int frames = mReport.run().request().frames().frames().size();
         mLines.line("frames", frames + (frames == 1 ? " capture result" : " capture results"));
     }
@@ -197,9 +197,9 @@ public final class Summary {
 
     private List<String> changes() {
         List<String> lines = new ArrayList<>();
-        for (int i = 0; i < mReport.run().outputsAfter().size(); ++i) {
-            Map<String, String> after = mReport.run().outputsAfter().get(i).fields();
-            for (Map.Entry<String, String> field : mReport.run().outputsBefore().get(i).fields().entrySet()) {
+        for (int i = 0; i < mReport.run().results().size(); ++i) {
+            Map<String, String> after = mReport.run().results().get(i).fields();
+            for (Map.Entry<String, String> field : mReport.run().outputs().get(i).fields().entrySet()) {
                 String now = after.get(field.getKey());
                 if (!field.getValue().equals(now)) {
                     lines.add("output " + i + "  " + field.getKey() + " " + field.getValue() + " -> " + now);
