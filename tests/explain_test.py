@@ -4,7 +4,6 @@ explain_test.py BUILD_FOLDER. Then checks what is printed of known cases."""
 
 import concurrent.futures
 import json
-import os
 import random
 import sys
 import tempfile
@@ -97,33 +96,51 @@ def short(name):
     return name.removeprefix("orlu.algo.")
 
 
-def check_sample(sample, folder):
-    """What is wrong, a line each, and how often a change changed something."""
+def check_samples(samples, folder):
+    """Returns what is wrong, a line each, and how many changes changed something."""
     folder.mkdir()
-    request = small(sample)
-    requests = [(None, None, request), *changes(request, random.Random(sample.stem))]
-    files = []
-    for number, (_, _, changed) in enumerate(requests):
-        files.append(f"{number}.json")
-        (folder / files[-1]).write_text(json.dumps(changed))
-    explained = run_in(folder, "--explain", "all", "--json", "explained", files[0])
-    plain = run_in(folder, "--json", "plain", *files)
+    originals, changed, places = [], [], []
+    for sample in samples:
+        request = small(sample)
+        requests = [(None, None, request), *changes(request, random.Random(sample.stem))]
+        files = [f"{sample.stem}-{number}.json" for number in range(len(requests))]
+        for file, (_, _, content) in zip(files, requests):
+            (folder / file).write_text(json.dumps(content))
+        originals.append(files[0])
+        changed += files
+        places.append([place[:2] for place in requests])
+    # One process for all, since each start costs as much as some requests.
+    with concurrent.futures.ThreadPoolExecutor() as pool:
+        explained = pool.submit(run_in, folder, "--explain", "all", "--json", "explained", *originals)
+        plain = pool.submit(run_in, folder, "--json", "plain", *changed)
     if not (folder / "explained").exists() or not (folder / "plain").exists():
-        return [f"{sample.stem}: {explained.stderr}{plain.stderr}{plain.stdout[-200:]}"], 0
-    trials = json.loads((folder / "explained").read_text())["results"][0]["trials"]
-    reports = [handed_over(report) for report in json.loads((folder / "plain").read_text())["results"]]
+        return [f"{explained.result().stderr}{plain.result().stderr}{plain.result().stdout[-200:]}"], 0
+    explanations = json.loads((folder / "explained").read_text())["results"]
+    reports = iter(json.loads((folder / "plain").read_text())["results"])
+    problems, effects = [], 0
+    for sample, explanation, sample_places in zip(samples, explanations, places):
+        trials = explanation["trials"]
+        handed = [handed_over(next(reports)) for _ in sample_places]
+        more, count = unexplained(sample, trials, sample_places, handed)
+        problems += more + known_problems(sample, trials)
+        effects += count
+    return problems, effects
+
+
+def unexplained(sample, trials, places, handed):
+    """Returns the effects of changes that trials did not find, and how many changes had an effect."""
     problems = [f"{sample.stem}: {trials['problem']}"] if trials["problem"] else []
     named = {}
     for tag in trials["tags"]:
         named.setdefault((tag["frame"], tag["tag"]), set()).update(tag["parameters"])
     effects = 0
-    for (frame, tag, _), report in zip(requests[1:], reports[1:]):
-        changed = {name for name in report.keys() | reports[0].keys()
-                   if report.get(name) != reports[0].get(name)} - set(trials["unsteady"])
+    for (frame, tag), report in zip(places[1:], handed[1:]):
+        changed = {name for name in report.keys() | handed[0].keys()
+                   if report.get(name) != handed[0].get(name)} - set(trials["unsteady"])
         effects += bool(changed)
         for name in sorted(changed - named.get((frame, tag), set())):
             problems.append(f"{sample.stem}: {tag} of frame {frame} changes {short(name)}, which is not explained")
-    return problems + known_problems(sample, trials), effects
+    return problems, effects
 
 
 def known_problems(sample, trials):
@@ -175,12 +192,11 @@ explain  control/film_size
 
 def main():
     samples = sorted((ROOT / "samples").glob("*.json"))
-    with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+    with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
-        results = list(pool.map(lambda sample: check_sample(sample, folder / sample.stem), samples))
-        failures.extend(problem for found, _ in results for problem in found)
+        problems, effects = check_samples(samples, folder / "samples")
+        failures.extend(problems)
         failures.extend(check_printed(folder / "printed"))
-    effects = sum(effects for _, effects in results)
     if effects < len(samples):
         failures.append(f"only {effects} changes changed anything")
     finish(f"All explained: {effects} changes of {len(samples)} samples changed something")
