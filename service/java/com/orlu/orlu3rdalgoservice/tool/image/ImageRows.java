@@ -1,6 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import java.awt.image.BufferedImage;
+import java.awt.image.DataBufferByte;
 import java.awt.image.IndexColorModel;
 
 /** The pixels of a decoded image file. */
@@ -21,9 +22,14 @@ record ImageRows(BufferedImage image) implements PixelRows {
                 && !(image.getColorModel() instanceof IndexColorModel);
         if (isGray) {
             readGray(y, to);
-        } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR) {
+        } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR && image.getRaster().getParent() == null) {
             // What a JPEG decodes to; the samples are sRGB already.
-            image.getRaster().getPixels(0, y, width(), 1, to);
+            byte[] samples = ((DataBufferByte) image.getRaster().getDataBuffer()).getData();
+            for (int at = 0, from = y * width() * CHANNELS; at < width() * CHANNELS; at += CHANNELS, from += CHANNELS) {
+                to[at] = samples[from + 2] & 255;
+                to[at + 1] = samples[from + 1] & 255;
+                to[at + 2] = samples[from] & 255;
+            }
         } else {
             int[] row = image.getRGB(0, y, width(), 1, null, 0, width());
             for (int x = 0, at = 0; x < row.length; ++x, at += CHANNELS) {

@@ -9,6 +9,7 @@ import javax.imageio.ImageIO;
 import javax.imageio.ImageWriteParam;
 import javax.imageio.ImageWriter;
 import javax.imageio.stream.ImageOutputStream;
+import javax.imageio.stream.MemoryCacheImageOutputStream;
 
 /** Encodes pictures as JPEG files in memory. */
 public final class JpegEncoder {
@@ -22,7 +23,7 @@ public final class JpegEncoder {
         param.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
         param.setCompressionQuality(quality);
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
-        try (ImageOutputStream stream = ImageIO.createImageOutputStream(bytes)) {
+        try (ImageOutputStream stream = new MemoryCacheImageOutputStream(bytes)) {
             writer.setOutput(stream);
             writer.write(null, new IIOImage(image, null, null), param);
         } catch (IOException e) {

@@ -44,21 +44,32 @@ public final class PictureFacts {
 
     // Samples count as the bytes that they are shown as.
     private void addRow(int gridY, float[] row, float[] luma, int[][] counts) {
-        for (int x = 0, at = 0; x < mWidth; ++x, at += PixelRows.CHANNELS) {
-            int red = PixelRows.round(row[at]);
-            int green = PixelRows.round(row[at + 1]);
-            int blue = PixelRows.round(row[at + 2]);
-            float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
-            luma[x] = brightness;
-            ++mHistograms[0][PixelRows.round(brightness)];
-            ++mHistograms[1][red];
-            ++mHistograms[2][green];
-            ++mHistograms[3][blue];
-            mClipped += Math.min(red, Math.min(green, blue)) >= WHITE - 1 ? 1 : 0;
-            int gridX = x * GRID / mWidth;
-            mBlue[gridY][gridX] += blue - brightness;
-            mRed[gridY][gridX] += red - brightness;
-            ++counts[gridY][gridX];
+        int[] lumas = mHistograms[0];
+        int[] reds = mHistograms[1];
+        int[] greens = mHistograms[2];
+        int[] blues = mHistograms[3];
+        for (int gridX = 0, x = 0; gridX < GRID; ++gridX) {
+            // The first column of the next part.
+            int end = (int) (((long) (gridX + 1) * mWidth + GRID - 1) / GRID);
+            double blueSum = 0;
+            double redSum = 0;
+            counts[gridY][gridX] += end - x;
+            for (int at = x * PixelRows.CHANNELS; x < end; ++x, at += PixelRows.CHANNELS) {
+                int red = PixelRows.round(row[at]);
+                int green = PixelRows.round(row[at + 1]);
+                int blue = PixelRows.round(row[at + 2]);
+                float brightness = 0.299f * red + 0.587f * green + 0.114f * blue;
+                luma[x] = brightness;
+                ++lumas[PixelRows.round(brightness)];
+                ++reds[red];
+                ++greens[green];
+                ++blues[blue];
+                mClipped += red >= WHITE - 1 && green >= WHITE - 1 && blue >= WHITE - 1 ? 1 : 0;
+                blueSum += blue - brightness;
+                redSum += red - brightness;
+            }
+            mBlue[gridY][gridX] += blueSum;
+            mRed[gridY][gridX] += redSum;
         }
     }
 

@@ -31,8 +31,9 @@ public interface PixelRows {
         return 0.299f * row[at] + 0.587f * row[at + 1] + 0.114f * row[at + 2];
     }
 
+    // Math.min and Math.max of floats are calls for a quick compiler.
     static float clip(float value) {
-        return Math.max(0, Math.min(WHITE, value));
+        return value < 0 ? 0 : value > WHITE ? WHITE : value;
     }
 
     /** Math.round for samples, which are never negative; a compiler makes a single instruction of it. */

@@ -54,29 +54,34 @@ final class Shear {
     /** To the right, below 0 to the left; 0 for none. */
     int pixels() {
         int farthest = Math.min(FARTHEST, mWidth / 4);
-        double unmoved = difference(0, farthest);
+        double unmoved = difference(0, farthest, Double.MAX_VALUE);
+        if (unmoved <= LEAST_DIFFERENCE) {
+            return 0;
+        }
         int best = 0;
-        double least = unmoved;
+        double least = unmoved / RATIO;
         for (int move = -farthest; move <= farthest; ++move) {
-            double difference = difference(move, farthest);
+            double difference = difference(move, farthest, least);
             if (difference < least) {
                 least = difference;
                 best = move;
             }
         }
-        boolean isClear = unmoved > RATIO * least && unmoved > LEAST_DIFFERENCE;
-        return Math.abs(best) >= LEAST && isClear ? best : 0;
+        return Math.abs(best) >= LEAST ? best : 0;
     }
 
-    private double difference(int move, int margin) {
+    // The mean difference; as soon as it can only exceed the most, any number from there on.
+    private double difference(int move, int margin, double most) {
+        int start = margin + SMOOTHED;
+        int count = Math.max(0, (mWidth - margin - start + mColumnStep - 1) / mColumnStep) * (mRows.size() / 2);
+        double enough = most * count;
         double sum = 0;
-        int count = 0;
-        for (int pair = 0; pair + 1 < mRows.size(); pair += 2) {
+        for (int pair = 0; pair + 1 < mRows.size() && sum <= enough; pair += 2) {
             float[] upper = mRows.get(pair);
             float[] lower = mRows.get(pair + 1);
-            for (int x = margin + SMOOTHED; x < mWidth - margin; x += mColumnStep) {
-                sum += Math.abs(upper[x] - lower[x + move]);
-                ++count;
+            for (int x = start; x < mWidth - margin; x += mColumnStep) {
+                float difference = upper[x] - lower[x + move];
+                sum += difference < 0 ? -difference : difference;
             }
         }
         return count == 0 ? 0 : sum / count;

@@ -48,34 +48,43 @@ public final class Exhibits {
         int total = inputs.size() + outputs.size();
         AtomicInteger done = new AtomicInteger();
         Progress.show("drawing pictures", 0, total);
-        mInputs.addAll(IntStream.range(0, inputs.size()).parallel().mapToObj(i -> {
-            ImageBuffer image = inputs.get(i);
-            int frame = image.plan().frame();
-            ImageExhibit input = new ImageExhibit("input " + i, frame, image, OutputReader.of(image),
-                    frame == baseFrame.index() ? PictureData.LARGEST : perInput);
-            if (input.checksum() != mChecksums.get(i)) {
-                input.markWritten();
-            }
-            if (frame != baseFrame.index()) {
-                input.letPixelsGo();
-            }
+        List<ImageExhibit> all = IntStream.range(0, total).parallel().mapToObj(i -> {
+            ImageExhibit exhibit = i >= inputs.size()
+                    ? output(i - inputs.size(), outputs, readers) : input(i, inputs, baseFrame, perInput);
             Progress.show("drawing pictures", done.incrementAndGet(), total);
-            return input;
-        }).toList());
+            return exhibit;
+        }).toList();
+        mInputs.addAll(all.subList(0, inputs.size()));
+        mOutputs.addAll(all.subList(inputs.size(), total));
         mBase = Math.max(0, IntStream.range(0, inputs.size()).filter(i ->
                 mInputs.get(i).frame() == baseFrame.index() && mInputs.get(i).picture() != null)
                 .findFirst().orElse(-1));
         PixelRows base = mInputs.isEmpty() || mInputs.get(mBase).frame() != baseFrame.index() ? null
                 : mInputs.get(mBase).picture();
         for (int i = 0; i < outputs.size(); ++i) {
-            ImageExhibit output = new ImageExhibit(
-                    "output " + i, -1, outputs.get(i), readers.get(i), PictureData.LARGEST);
-            addDifference(i, ImageDifference.of(base, output.picture()));
-            output.letPixelsGo();
-            mOutputs.add(output);
-            Progress.show("drawing pictures", done.incrementAndGet(), total);
+            addDifference(i, ImageDifference.of(base, mOutputs.get(i).picture()));
+            mOutputs.get(i).letPixelsGo();
         }
         mInputs.forEach(ImageExhibit::letPixelsGo);
+    }
+
+    private ImageExhibit input(int index, List<ImageBuffer> inputs, BaseFrame base, int most) {
+        ImageBuffer image = inputs.get(index);
+        int frame = image.plan().frame();
+        ImageExhibit input = new ImageExhibit("input " + index, frame, image, OutputReader.of(image),
+                frame == base.index() ? PictureData.LARGEST : most);
+        if (input.checksum() != mChecksums.get(index)) {
+            input.markWritten();
+        }
+        if (frame != base.index()) {
+            input.letPixelsGo();
+        }
+        return input;
+    }
+
+    private static ImageExhibit output(int index, List<ImageBuffer> outputs, List<OutputReader> readers) {
+        return new ImageExhibit(
+                "output " + index, -1, outputs.get(index), readers.get(index), PictureData.LARGEST);
     }
 
     private void addDifference(int output, ImageDifference difference) {
