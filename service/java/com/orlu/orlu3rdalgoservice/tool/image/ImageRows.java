@@ -25,10 +25,11 @@ record ImageRows(BufferedImage image) implements PixelRows {
         } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR && image.getRaster().getParent() == null) {
             // What a JPEG decodes to; the samples are sRGB already.
             byte[] samples = ((DataBufferByte) image.getRaster().getDataBuffer()).getData();
-            for (int at = 0, from = y * width() * CHANNELS; at < width() * CHANNELS; at += CHANNELS, from += CHANNELS) {
-                to[at] = samples[from + 2] & 255;
-                to[at + 1] = samples[from + 1] & 255;
-                to[at + 2] = samples[from] & 255;
+            int start = y * width() * CHANNELS;
+            for (int at = 0; at < width() * CHANNELS; at += CHANNELS) {
+                to[at] = samples[start + at + 2] & 255;
+                to[at + 1] = samples[start + at + 1] & 255;
+                to[at + 2] = samples[start + at] & 255;
             }
         } else {
             int[] row = image.getRGB(0, y, width(), 1, null, 0, width());

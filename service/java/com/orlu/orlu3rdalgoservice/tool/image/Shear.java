@@ -73,7 +73,8 @@ final class Shear {
     // The mean difference; as soon as it can only exceed the most, any number from there on.
     private double difference(int move, int margin, double most) {
         int start = margin + SMOOTHED;
-        int count = Math.max(0, (mWidth - margin - start + mColumnStep - 1) / mColumnStep) * (mRows.size() / 2);
+        int columns = Math.max(0, (mWidth - margin - start + mColumnStep - 1) / mColumnStep);
+        int count = columns * (mRows.size() / 2);
         double enough = most * count;
         double sum = 0;
         for (int pair = 0; pair + 1 < mRows.size() && sum <= enough; pair += 2) {
