@@ -142,8 +142,8 @@ def check_burst(folder):
 
     status, shots = burst("--in-flight", "3", "--algo-delay", "1-60,unordered", "--timeline", "trace",
                           "async.json")
-    expect("in any order", (0, 12, 12, 3),
-           (status, shots["requests"], shots["ownResults"], shots["mostInFlight"]))
+    expect("in any order", (0, 12, 12, True),
+           (status, shots["requests"], shots["ownResults"], 1 < shots["mostInFlight"] <= 3))
     names = {event.get("name") for event in json.loads((folder / "trace").read_text())["traceEvents"]}
     expect("the timeline", True, {"request 102", "Java: update result", "callback"} <= names)
     status, shots = burst("--algo-delay", "30", "--interval", "50", "shots/a.json")
