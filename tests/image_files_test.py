@@ -7,6 +7,7 @@ image_files_test.py BUILD_FOLDER
 import json
 import os
 import re
+import struct
 import sys
 import tempfile
 from pathlib import Path
@@ -173,6 +174,11 @@ def refuses():
         done = run("--check", "below/shot.json")
         expect(f"{name}: {done.stderr}", (0, is_told), (
             done.returncode, f"file: is outside of the request file's folder: {name}" in done.stderr))
+    bits = struct.pack("<HHI", 258, 3, 1)
+    Path("bits.tiff").write_bytes(tiff(SAMPLES).replace(bits + b"\x10", bits + b"\x18"))
+    done = run_requests(request({"file": "bits.tiff", "format": "RAW16"}), check=True)
+    problem = "bits.tiff: needs at most 16, or 32 or 64 bits a sample, found 24"
+    expect("24 bits a sample", True, problem in done.stderr)
     for name in ("text.dng", "cut.png"):
         done = run_requests(request({"file": name, "format": "RAW16"}))
         lines = without_columns(done.stderr)

@@ -223,7 +223,7 @@ def check_private():
                                             "crc": f"{zlib.crc32(jpeg):08x}"}
     folder = Path("private")
     (folder / "input0.bin").write_bytes(jpeg)
-    changed = recorded(folder) | {"inputs": [image], "trimmed": [{"frames": [0], "by": "anna"}]}
+    changed = recorded(folder) | {"inputs": [image], "trimmed": [{"frames": [0, "anna"], "by": "anna"}]}
     changed["request"]["type"] = "capture for anna@example.org"
     (folder / "request.json").write_text(json.dumps(changed))
     (folder / "outcome.json").write_text(json.dumps({"failed": "no space in /home/anna"}))

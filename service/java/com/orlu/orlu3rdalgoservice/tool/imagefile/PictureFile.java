@@ -13,6 +13,9 @@ import java.util.Iterator;
 import javax.imageio.ImageIO;
 import javax.imageio.ImageReader;
 import javax.imageio.ImageTypeSpecifier;
+import javax.imageio.plugins.tiff.BaselineTIFFTagSet;
+import javax.imageio.plugins.tiff.TIFFDirectory;
+import javax.imageio.plugins.tiff.TIFFField;
 import javax.imageio.stream.ImageInputStream;
 
 /** A PNG, TIFF or JPEG file. What can't be read is an IOException whose message says what is wrong. */
@@ -48,6 +51,9 @@ public final class PictureFile {
         if (pixels > MOST_PIXELS) {
             throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + mWidth + "x" + mHeight);
         }
+        if (reader.getFormatName().equalsIgnoreCase("tif")) {
+            checkSampleBits(TIFFDirectory.createFromMetadata(reader.getImageMetadata(0)));
+        }
         Iterator<ImageTypeSpecifier> types = reader.getImageTypes(0);
         if (types.hasNext()) {
             SampleModel samples = types.next().getSampleModel();
@@ -55,6 +61,17 @@ public final class PictureFile {
                     * DataBuffer.getDataTypeSize(samples.getDataType()) / Byte.SIZE;
             if (bytes > MOST_BYTES) {
                 throw new IOException("needs at most " + MOST_BYTES + " bytes when decoded, found " + bytes);
+            }
+        }
+    }
+
+    // For other sizes the decoder makes a table of all values of a sample.
+    private static void checkSampleBits(TIFFDirectory directory) throws IOException {
+        TIFFField sizes = directory.getTIFFField(BaselineTIFFTagSet.TAG_BITS_PER_SAMPLE);
+        for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {
+            int bits = sizes.getAsInt(i);
+            if (bits > Short.SIZE && bits != Integer.SIZE && bits != Long.SIZE) {
+                throw new IOException("needs at most 16, or 32 or 64 bits a sample, found " + bits);
             }
         }
     }

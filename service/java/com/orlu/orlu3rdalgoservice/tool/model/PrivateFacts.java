@@ -20,7 +20,6 @@ import java.util.regex.Pattern;
 public final class PrivateFacts {
     /** Members of the header that describe the recording alone. */
     private static final Set<String> PLAIN_HEADER = Set.of("format", "version", "interface");
-    private static final Set<String> PLAIN_TRIMMED = Set.of("frames", "crop", "private");
     private static final Pattern PLACE = pattern("gps|(?<!al)location|latitude|longitude");
     private static final Pattern TIME = pattern("local_?time|wall_?(time|clock)|utc|(?<!up)date|_epoch");
     private static final Pattern FACE =
@@ -148,9 +147,16 @@ public final class PrivateFacts {
     private List<Object> trimmed(List<Json> cuts) {
         List<Object> plain = new ArrayList<>();
         for (Json cut : cuts) {
-            Map<String, Object> members = new LinkedHashMap<>(cut.entries());
-            members.keySet().removeIf(name -> !PLAIN_TRIMMED.contains(name)
-                    || name.equals("crop") && !keepsText("trimmed.crop", cut.get(name).text()));
+            Map<String, Object> members = new LinkedHashMap<>();
+            if (cut.has("frames")) {
+                members.put("frames", cut.get("frames").elements().stream().filter(Json::isNumber).toList());
+            }
+            if (cut.has("crop") && keepsText("trimmed.crop", cut.get("crop").text())) {
+                members.put("crop", cut.get("crop").text());
+            }
+            if (cut.has("private")) {
+                members.put("private", true);
+            }
             plain.add(members);
         }
         return plain;
