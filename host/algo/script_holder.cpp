@@ -1,6 +1,6 @@
 #include "script_holder.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,12 +13,14 @@ thread_local std::shared_ptr<const AlgoScript> tOwn;
 std::shared_ptr<const AlgoScript> scriptOfEnvironment() {
   auto script = std::make_shared<AlgoScript>();
   const char* const delay = std::getenv("ORLU_ALGO_DELAY");
-  int shortest = 0;
-  int longest = 0;
-  const int numbers = delay == nullptr ? 0 : std::sscanf(delay, "%d-%d", &shortest, &longest);
-  if (numbers > 0) script->delay = std::chrono::milliseconds(shortest);
-  if (numbers > 1 && longest > shortest) script->jitter = std::chrono::milliseconds(longest - shortest);
-  script->inOrder = delay == nullptr || std::strstr(delay, ",unordered") == nullptr;
+  if (delay != nullptr) {
+    char* rest = nullptr;
+    const int64_t shortest = std::strtol(delay, &rest, 10);
+    const int64_t longest = *rest == '-' ? std::strtol(rest + 1, &rest, 10) : shortest;
+    script->delay = std::chrono::milliseconds(shortest);
+    script->jitter = std::chrono::milliseconds(std::max<int64_t>(0, longest - shortest));
+    script->inOrder = std::strcmp(rest, ",unordered") != 0;
+  }
   script->echoFlag = std::getenv("ORLU_ALGO_ECHO") != nullptr;
   return script;
 }
