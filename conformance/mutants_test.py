@@ -6,6 +6,7 @@ import os
 import re
 import subprocess
 import sys
+import tempfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -51,6 +52,17 @@ planted = set(re.findall(r'\{"(\w+)",\s*\w+\s*\}', source))
 wrong = [f"{name} is not in both of mutants.txt and *_mutants.cpp" for name in planted ^ {row[0] for row in rows}]
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]
+# A library that became slower, and what is no baseline.
+measure = [*emulator, build / "bin/conform", build / "mutants/libmutant_algo.so", "--perf", "--only", "copy"]
+with tempfile.NamedTemporaryFile() as before:
+    for mutant, option, status in (("", ["--json"], 0), ("sleep_in_process", ["--baseline", before.name], 1),
+                                   ("", ["--baseline", __file__], 2)):
+        ran = subprocess.run([*measure, *option], env={**os.environ, "ORLU_MUTANT": mutant}, capture_output=True)
+        if ran.returncode != status:
+            wrong.append(f"--perf {option[0]} ended with status {ran.returncode} instead of {status}")
+        if "--json" in option:
+            before.write(ran.stdout)
+            before.flush()
 unbound = judge("libmutant_unbound.so")
 if unbound != {"loading"}:
     wrong.append(f"mutant_unbound fails {unbound} instead of loading")

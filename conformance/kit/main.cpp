@@ -9,6 +9,7 @@
 
 #include "contract.h"
 #include "library.h"
+#include "perf.h"
 #include "report.h"
 
 namespace orlu::conform {
@@ -34,6 +35,9 @@ constexpr char kUsage[] =
     "  --limit SECONDS        how long each check may take (120)\n"
     "  --budget SECONDS       how long all may take (110; 0: no limit, as --long)\n"
     "  --allow-noise          outputs of the same request may differ: a warning\n"
+    "  --perf                 no checks: how long requests take, by algorithm and size;\n"
+    "                         --only then names algorithms (\"copy\": none)\n"
+    "  --baseline FILE        with --perf: compare with what --perf --json printed earlier\n"
     "  --arm                  a 32-bit ARM library, under an emulator\n"
     "  --help                 print this\n"
     "\n"
@@ -42,10 +46,14 @@ constexpr char kUsage[] =
     "  ./run conform --only setValue,getValue\n"
     "\n"
     "Each check runs in a process of its own. The status is 0 when none fails, 1 when\n"
-    "one does, 2 when the command line can't be taken.\n";
+    "one does, 2 when the command line can't be taken. With --perf, 1 also stands for\n"
+    "a row that is slower than the baseline's.\n";
 
 std::vector<CheckResult> gResults;
 bool gIsQuiet = false;
+bool gIsPerf = false;
+std::string gBaseline;
+std::string gAlgorithms;
 
 // A test of GoogleTest's in this process, which waits for the check in its own.
 class CheckTest : public testing::Test {
@@ -97,6 +105,8 @@ enum Flag {
   kAllowNoise,
   kRepeat,
   kShuffle,
+  kPerf,
+  kBaseline,
   kHelp
 };
 
@@ -115,6 +125,8 @@ constexpr option kFlags[] = {
     {"allow-noise", no_argument,       nullptr, kAllowNoise},
     {"repeat",      required_argument, nullptr, kRepeat    },
     {"shuffle",     required_argument, nullptr, kShuffle   },
+    {"perf",        no_argument,       nullptr, kPerf      },
+    {"baseline",    required_argument, nullptr, kBaseline  },
     {"help",        no_argument,       nullptr, kHelp      },
     {nullptr,       0,                 nullptr, 0          },
 };
@@ -165,14 +177,14 @@ void listChecks() {
 
 // Takes the command line; answers what asks for no check at once.
 void readCommandLine(int argc, char** argv) {
-  std::string filter;
+  std::string only;
   int index = 0;
   // Its own words would name this program by its path.
   for (int flag = 0; (flag = getopt_long(argc, argv, ":", kFlags, &index)) != -1;) {
     Options& taken = options();
     switch (flag) {
       case kOnly:
-        filter += filterFor(optarg);
+        only += std::string(only.empty() ? "" : ",") + optarg;
         break;
       case kJson:
         gIsQuiet = true;
@@ -209,6 +221,12 @@ void readCommandLine(int argc, char** argv) {
       case kBudget:
         taken.budgetSeconds = static_cast<int>(positive(optarg, "budget"));
         break;
+      case kPerf:
+        gIsPerf = true;
+        break;
+      case kBaseline:
+        gBaseline = optarg;
+        break;
       case kList:
         listChecks();
         std::exit(0);
@@ -226,9 +244,14 @@ void readCommandLine(int argc, char** argv) {
   }
   if (optind < argc) options().library = argv[optind++];
   if (options().library.empty()) refuse("no library is named");
+  if (!gBaseline.empty() && !gIsPerf) refuse("--baseline needs --perf");
   if (optind < argc) refuse(std::string("one library at a time, not \"") + argv[optind] + "\" as well");
   // NOLINTEND(concurrency-mt-unsafe)
-  if (!filter.empty()) testing::GTEST_FLAG(filter) = filter.substr(1);
+  if (gIsPerf) {
+    gAlgorithms = only;
+  } else if (!only.empty()) {
+    testing::GTEST_FLAG(filter) = filterFor(only).substr(1);
+  }
 }
 
 void registerChecks() {
@@ -278,6 +301,7 @@ int main(int argc, char** argv) {
   readCommandLine(argc, argv);
   int count = 1;
   testing::InitGoogleTest(&count, argv);
+  if (gIsPerf) return runPerf(gAlgorithms, gIsQuiet, gBaseline);
   registerChecks();
   return runChecks();
 }
