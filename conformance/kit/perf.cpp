@@ -26,27 +26,36 @@ constexpr double kNoises = 4;          // a change that is larger than so many i
 constexpr std::array<std::array<int32_t, 2>, 3> kSizes = {
     {{640, 480}, {1920, 1080}, {4080, 3072}}
 };
-constexpr char kRowFormat[] =
-    R"({"algorithm": "%s", "format": %d, "width": %d, "height": %d, "ms": %.4f, "noise": %.4f, )"
-    R"("peak_kb": %)" PRId64 R"(, "threads": %)" PRId64 "}";
-constexpr char kRowPattern[] =
-    R"( {"algorithm": "%63[^"]", "format": %d, "width": %d, "height": %d, "ms": %lf, "noise": %lf, )"
-    R"("peak_kb": %)" SCNd64 R"(, "threads": %)" SCNd64 "}";
-
 std::string jsonOf(const PerfRow& row) {
   char text[300];
-  std::snprintf(text, sizeof text, kRowFormat, row.algorithm.c_str(), row.format, row.width, row.height,
-                row.milliseconds, row.noise, row.peakKilobytes, row.threads);
+  std::snprintf(text, sizeof text,
+                R"({"algorithm": "%s", "format": %d, "width": %d, "height": %d, "ms": %.4f, "noise": %.4f, )"
+                R"("peak_kb": %)" PRId64 R"(, "threads": %)" PRId64 "}",
+                row.algorithm.c_str(), row.format, row.width, row.height, row.milliseconds, row.noise,
+                row.peakKilobytes, row.threads);
   return text;
 }
 
+// What follows the name in a line of JSON: a number, or a string without its first quote; "" without it.
+std::string valueOf(const std::string& line, const std::string& name) {
+  const std::string before = '"' + name + "\": ";
+  const size_t found = line.find(before);
+  return found == std::string::npos ? "" : line.substr(found + before.size());
+}
+
 std::optional<PerfRow> rowOf(const std::string& line) {
+  const std::string algorithm = valueOf(line, "algorithm");
+  if (algorithm.empty()) return std::nullopt;
+  const auto number = [&line](const char* name) { return std::strtod(valueOf(line, name).c_str(), nullptr); };
   PerfRow row;
-  char algorithm[64] = "";
-  const int found = std::sscanf(line.c_str(), kRowPattern, algorithm, &row.format, &row.width, &row.height,
-                                &row.milliseconds, &row.noise, &row.peakKilobytes, &row.threads);
-  if (found != 8) return std::nullopt;
-  row.algorithm = algorithm;
+  row.algorithm = algorithm.substr(1, algorithm.find('"', 1) - 1);
+  row.format = static_cast<int32_t>(number("format"));
+  row.width = static_cast<int32_t>(number("width"));
+  row.height = static_cast<int32_t>(number("height"));
+  row.milliseconds = number("ms");
+  row.noise = number("noise");
+  row.peakKilobytes = static_cast<int64_t>(number("peak_kb"));
+  row.threads = static_cast<int64_t>(number("threads"));
   return row;
 }
 
