@@ -40,6 +40,9 @@ def check_folder(folder):
             result["photo"] and expect("SSIM", True, 0 < result["photo"][0]["ssim"] <= 1)
     expect("side by side, the results", one, several)
     expect("order", ["a", "b", "c"], [result["name"] for result in one["results"]])
+    timed = run("--jobs", "2", "--quiet", "--junit", "timed.xml", "shots", cwd=folder)
+    expect("times of JUnit", (0, True), (timed.returncode, all(
+        float(test.get("time")) > 0 for test in ElementTree.parse(folder / "timed.xml").iter("testcase"))))
     printed = run("--jobs", "2", "shots", cwd=folder).stdout
     expect("order of what is printed", True, printed.index("shots/a") < printed.index("shots/b")
            < printed.index("shots/c"))

@@ -68,8 +68,6 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
 
     /** The milliseconds of all calls into the library, NaN if there is no result. */
     double milliseconds() {
-        Json times = result.get("milliseconds");
-        return times == null ? Double.NaN : times.entries().values().stream()
-                .mapToDouble(time -> Double.parseDouble(time.text())).sum();
+        return Results.milliseconds(result);
     }
 }

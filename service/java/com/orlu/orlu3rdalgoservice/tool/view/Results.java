@@ -52,7 +52,8 @@ public final class Results {
     /** Adds the results of another process, which it wrote as JSON. */
     public void addAll(Path file) throws MistakeException {
         for (Json result : Json.read(file).require("results").list()) {
-            mResults.add(new Result(result.string("name", ""), verdict(result), 0, JsonWriter.object()));
+            mResults.add(new Result(result.string("name", ""), verdict(result), milliseconds(result) / 1000,
+                    JsonWriter.object()));
             result.members().forEach(mResults.get(mResults.size() - 1).json()::put);
         }
     }
@@ -61,6 +62,13 @@ public final class Results {
     public static Verdict verdict(Json result) throws MistakeException {
         Json verdict = result.require("verdict");
         return new Verdict(verdict.require("status").integer(0, 255), verdict.require("reasons").strings());
+    }
+
+    /** The milliseconds of all calls into the library of a result in JSON, NaN if it has none. */
+    public static double milliseconds(Json result) {
+        Json times = result.get("milliseconds");
+        return times == null ? Double.NaN : times.entries().values().stream()
+                .mapToDouble(time -> Double.parseDouble(time.text())).sum();
     }
 
     /** The first status that is not ok. */
@@ -115,7 +123,7 @@ public final class Results {
                 xml.writeStartElement("testcase");
                 xml.writeAttribute("classname", mCommand);
                 xml.writeAttribute("name", Printable.line(result.name()));
-                xml.writeAttribute("time", "%.3f".formatted(result.seconds()));
+                xml.writeAttribute("time", "%.3f".formatted(Double.isNaN(result.seconds()) ? 0 : result.seconds()));
                 if (result.verdict().status() != Verdict.OK) {
                     xml.writeStartElement("failure");
                     xml.writeAttribute("message",
