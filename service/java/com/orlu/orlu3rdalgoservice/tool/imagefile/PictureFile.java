@@ -49,7 +49,8 @@ public final class PictureFile {
     private void checkMemory(ImageReader reader) throws IOException {
         long pixels = (long) mWidth * mHeight;
         if (pixels > MOST_PIXELS) {
-            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + mWidth + "x" + mHeight);
+            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + mWidth + "x"
+                    + mHeight);
         }
         if (reader.getFormatName().equalsIgnoreCase("tif")) {
             checkSampleBits(TIFFDirectory.createFromMetadata(reader.getImageMetadata(0)));
