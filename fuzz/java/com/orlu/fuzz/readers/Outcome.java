@@ -28,7 +28,7 @@ record Outcome(int status, String printed, String problem) {
             Pattern.compile("(?m)^\\s*at [\\w.$]+\\(|\\b[A-Z]\\w+(?:Exception|Error)\\b");
     // Nothing or "null" after "run: " or a place, unless the text continues in the next line.
     private static final Pattern EMPTY =
-            Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.\\w+|damaged|read): ?(?:null)?$(?!\\n {5})");
+            Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.[a-z]\\w*|damaged|read): ?(?:null)?$(?!\\n {5})");
 
     /** How long a command may take: its thread's processor time, and until it counts as hanging. */
     record Time(long cpuMilliseconds, long milliseconds) {

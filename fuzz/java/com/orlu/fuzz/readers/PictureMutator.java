@@ -65,7 +65,7 @@ final class PictureMutator {
     }
 
     private static void addEntries(ByteBuffer tiff, int at, List<Integer> entries, int level) {
-        if (level > 3 || at < 8 || at + 2 > tiff.capacity()) {
+        if (level > 3 || at < 8 || at > tiff.capacity() - 2) {
             return;
         }
         int count = Short.toUnsignedInt(tiff.getShort(at));
@@ -84,13 +84,17 @@ final class PictureMutator {
     private boolean changeChunk(ByteBuffer png) {
         List<Integer> chunks = new ArrayList<>();
         int at = PNG_SIGNATURE;
-        while (at >= PNG_SIGNATURE && at + PNG_FRAME <= png.capacity()) {
+        while (at <= png.capacity() - PNG_FRAME) {
             chunks.add(at);
-            at += png.getInt(at) + PNG_FRAME;
+            int length = png.getInt(at);
+            at = length < 0 || length > png.capacity() ? png.capacity() : at + length + PNG_FRAME;
+        }
+        if (chunks.isEmpty()) {
+            return false;
         }
         at = chunks.get(mChance.nextInt(chunks.size()));
         int length = png.getInt(at);
-        if (length < 1 || at + length + PNG_FRAME > png.capacity() || mChance.nextInt(8) == 0) {
+        if (length < 1 || length > png.capacity() - PNG_FRAME - at || mChance.nextInt(8) == 0) {
             putWord(png, at, at + 8);
             return true;
         }
