@@ -44,7 +44,7 @@ final class Commands {
             new Row("compare", "compare two libraries over many requests", CompareCommand::new),
             new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
                     "--only= --list --json --junit= --contract --hostile= --long --seed= --repeat= "
-                    + "--shuffle= --patience= --limit= --budget= --allow-noise --arm")),
+                    + "--shuffle= --patience= --limit= --budget= --allow-noise --perf --baseline= --arm")),
             new Row("sdk", "write a folder for makers of algorithm libraries",
                     () -> new LaunchedCommand("")),
             new Row("tags", "list tags: type, unit, meaning, who reads them",
