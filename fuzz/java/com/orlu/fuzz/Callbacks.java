@@ -10,7 +10,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 
-/** Hears what the native side reports, from its making on. Soaks take from it what is done. */
+/** Records what the native side reports, from construction on. Soak tests take the finished requests. */
 public final class Callbacks implements CallbackListener {
     private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
     private static final Set<Long> THROWING = ConcurrentHashMap.newKeySet();
@@ -40,12 +40,14 @@ public final class Callbacks implements CallbackListener {
         THROWING.add(requestId);
     }
 
-    /** The id and address of a request that was announced and nobody took yet; null when there is none. */
+    /**
+     * Returns the id and address of an announced request that nobody has taken yet; null if there is none.
+     */
     public static long[] takeDone() {
         return DONE.poll();
     }
 
-    /** Compositions that end the request with this address. */
+    /** Compositions that finish the request at this address. */
     public static List<CaptureResultComposition> toEnd(long address) {
         CaptureResultComposition composition = new CaptureResultComposition();
         composition.putMetadata("nativeRequestAddr", address);

@@ -6,14 +6,16 @@ import java.util.regex.Pattern;
 import javax.management.JMException;
 import javax.management.ObjectName;
 
-/** What the VM tells of itself. */
+/** Figures that the VM reports about itself. */
 public final class Figures {
     private static final Pattern GLOBAL_REFERENCES = Pattern.compile("JNI global refs?: (\\d+)");
 
     private Figures() {
     }
 
-    /** JNI global references alive, after a garbage collection; -1 when the VM doesn't tell. */
+    /**
+     * Returns the live JNI global references after a garbage collection; -1 if the VM does not report them.
+     */
     public static int globalReferences() throws JMException {
         System.gc();
         String text = (String) ManagementFactory.getPlatformMBeanServer().invoke(

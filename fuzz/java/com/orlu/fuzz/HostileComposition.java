@@ -4,7 +4,7 @@ import android.hardware.camera2.CaptureResult;
 import android.hardware.camera2.impl.CameraMetadataNative;
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 
-/** A composition whose methods throw, or answer a capture result that does. */
+/** A composition whose methods throw or return a capture result that does. */
 final class HostileComposition extends CaptureResultComposition {
     private final HostileValues mValues;
     private final CameraMetadataNative mSource;
@@ -18,7 +18,7 @@ final class HostileComposition extends CaptureResultComposition {
         mAssembly = values.below(20);
     }
 
-    /** From now on. */
+    /** Makes methods throw from now on. */
     void throwSometimes() {
         mThrows = mValues.below(4);
     }
@@ -51,7 +51,7 @@ final class HostileComposition extends CaptureResultComposition {
         };
     }
 
-    /** A capture result that throws, or answers values of any class. */
+    /** A capture result that throws or returns values of any class. */
     private final class Unruly extends CaptureResult {
         Unruly() {
             super(mSource);

@@ -10,11 +10,11 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.function.IntSupplier;
 
-/** Image descriptors, and the memory behind them until close(). */
+/** Image descriptors and their memory, which lives until close(). */
 final class HostileImages implements AutoCloseable {
     private static final List<String> FORMATS = List.of("NV21", "NV12", "YU12", "YV12", "MIPI_RAW10",
             "MIPI_RAW12", "RAW16", "RAW16_AND_MORE", "RAW_SENSOR", "JPEG", "R8G8B8A8", "NV2", "RAW1");
-    // Numbers that are no open descriptor.
+    // Not open descriptors.
     private static final List<Integer> BAD_DESCRIPTORS = List.of(-1, Integer.MIN_VALUE, 1 << 20,
             Integer.MAX_VALUE);
     private static final int MOST_WORDS = 300;
@@ -27,7 +27,7 @@ final class HostileImages implements AutoCloseable {
         mValues = values;
     }
 
-    /** Anything that may stand in a list of images. */
+    /** Anything that may occur in a list of images. */
     Object element() {
         return mValues.chance(5) ? mValues.anything() : image();
     }
@@ -56,7 +56,7 @@ final class HostileImages implements AutoCloseable {
 
     private static int[] words(int count, IntSupplier maker) {
         int[] words = new int[count];
-        // The native side looks at the first few of a long array.
+        // The native side reads only the first elements of a long array.
         Arrays.setAll(words, i -> i < MOST_WORDS ? maker.getAsInt() : 0);
         return words;
     }

@@ -4,7 +4,7 @@ import java.util.AbstractList;
 import java.util.ArrayList;
 import java.util.List;
 
-/** A list that tells a size of its own, changes it, or throws. */
+/** A list that reports a wrong size, changes its size, or throws. */
 final class HostileList extends AbstractList<Object> {
     private enum Mood { HONEST, WRONG_SIZE, SHRINKING, THROWING_SIZE, THROWING_GET }
 

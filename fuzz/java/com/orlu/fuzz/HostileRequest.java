@@ -26,7 +26,7 @@ public final class HostileRequest implements AutoCloseable {
             "stopProcess", "stop", "");
     private static final List<Integer> FRAMES = List.of(0, 1, 1, 1, 2, 2, 3, 3, 5, 7, 9, 10, 17, 51, 300);
 
-    // What the native side takes, as objects of no class in particular.
+    // The native arguments, as plain objects: their class may be wrong.
     public final Object request;
     public final Object inputs;
     public final Object outputs;
@@ -44,7 +44,9 @@ public final class HostileRequest implements AutoCloseable {
     private final int mRightness; // of 100 values
     private final int mBracketing; // the night frame, 9 for the first three, -1 for none
 
-    /** {@code mode}: 0 synchronous, 1 full-async, 2 and 3 the same and marked as needing no algorithms. */
+    /**
+     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3 are the same but marked as needing no algorithms.
+     */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));
         mImages = new HostileImages(mValues);
@@ -116,7 +118,7 @@ public final class HostileRequest implements AutoCloseable {
         return composition;
     }
 
-    /** What random values seldom are: a bracketing of HDR and night frames, and phase-detection data. */
+    /** Adds combinations that random values rarely hit: HDR and night brackets, and phase-detection data. */
     private void putPlausible(CaptureResultComposition composition, int index) {
         if (mBracketing >= 0) {
             boolean isNight = mBracketing == 9 ? index < 3 : index == mBracketing;

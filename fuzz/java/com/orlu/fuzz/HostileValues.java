@@ -94,7 +94,7 @@ final class HostileValues {
                 : new Rect(anInt(), anInt(), anInt(), anInt());
     }
 
-    /** A value of any class at all, null too. */
+    /** A value of any class, or null. */
     Object anything() {
         return switch (below(6)) {
             case 0 -> null;
@@ -125,7 +125,7 @@ final class HostileValues {
 
     private Object array(Class<?> component, int length, int percentOfNulls) {
         Object array = Array.newInstance(component, length);
-        // Beyond the first elements a long array is all alike, so that making it costs little.
+        // After its first elements a long array repeats one value, which makes it cheap to create.
         Object last = null;
         for (int i = 0; i < length; i++) {
             if (i < 100) {
@@ -136,7 +136,9 @@ final class HostileValues {
         return array;
     }
 
-    /** The same as an array of objects, some of them null, where the tag's own is one of numbers. */
+    /**
+     * The same values as an array of objects, some of them null, if the tag's type is an array of numbers.
+     */
     Object boxed(TagType type) {
         Class<?> element = BOXES.get(type.stored());
         return element == null ? valueOf(type) : array(element, length(), below(30));

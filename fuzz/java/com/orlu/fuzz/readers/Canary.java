@@ -15,8 +15,8 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /**
- * Detects whether a command reads or writes files outside of its folder. It watches when a file beside the
- * folder was last read, and compares all files around, and those that are only to be read, before and after.
+ * Detects whether a command reads or writes files outside its folder. It watches the access time of a file
+ * beside the folder, and compares all surrounding files and all read-only files before and after.
  */
 final class Canary {
     private static final String SECRET = "the canary's own text";
@@ -25,7 +25,7 @@ final class Canary {
     private final Path mBox;
     private Map<String, String> mBefore = Map.of();
 
-    /** Creates a file in a folder that also has the box, in which commands may write. */
+    /** Creates a file in a folder that also contains the box, where commands may write. */
     Canary(Path around, Path box) throws IOException {
         mAround = around;
         mBox = box;
@@ -36,15 +36,15 @@ final class Canary {
         return mAround.resolve("canary");
     }
 
-    /** Begins to watch. The folder `in` and its files must stay as they are. */
+    /** Starts watching. The folder `in` and its files must stay unchanged. */
     void arm(Path in) throws IOException {
-        // The file system notes the first access after a change.
+        // The file system updates the access time only on the first access after a change.
         Files.getFileAttributeView(file(), BasicFileAttributeView.class)
                 .setTimes(FileTime.from(Instant.now()), FileTime.fromMillis(0), null);
         mBefore = files(in);
     }
 
-    /** Returns what was read or written and must not be, or an empty text. With mayRead, reading is fine. */
+    /** Returns what was read or written illegally, or an empty text. With mayRead, reading is allowed. */
     String problem(Path in, Path out, String printed, boolean mayRead) throws IOException {
         if (!mBefore.equals(files(in))) {
             Map<String, String> changed = files(in);
@@ -66,7 +66,7 @@ final class Canary {
         return read.toMillis() == 0 ? "" : "reads a file outside of the folder";
     }
 
-    // All files but those that are written into the box, with their sizes and times of changes.
+    // All files except those written into the box, with their sizes and modification times.
     private Map<String, String> files(Path in) throws IOException {
         Map<String, String> files = new TreeMap<>();
         for (Path folder : new Path[] {mAround, in}) {

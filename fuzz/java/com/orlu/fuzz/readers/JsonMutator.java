@@ -77,7 +77,7 @@ final class JsonMutator {
         return '"' + new String(JsonStringEncoder.getInstance().quoteAsString(text)) + '"';
     }
 
-    /** The text of a tree, each member and element of the outer three levels on a line. */
+    /** The text of a tree. Each member and element of the outer three levels has its own line. */
     static String text(Object tree, boolean isLine) {
         StringBuilder text = new StringBuilder();
         append(text, tree, isLine ? 0 : 3);

@@ -123,7 +123,7 @@ final class Mutator {
         return changed;
     }
 
-    // Updates sizes and sums in JSON files to those of the files that they name.
+    // Updates the sizes and checksums in JSON files to match the files they name.
     private static void correctSums(Path folder) throws IOException {
         for (Path file : files(folder)) {
             boolean isLines = file.toString().endsWith(".jsonl");

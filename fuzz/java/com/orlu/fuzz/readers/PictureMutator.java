@@ -80,7 +80,7 @@ final class PictureMutator {
         }
     }
 
-    // The sum of the chunk stays right.
+    // Keeps the checksum of the chunk valid.
     private boolean changeChunk(ByteBuffer png) {
         List<Integer> chunks = new ArrayList<>();
         int at = PNG_SIGNATURE;

@@ -20,9 +20,9 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /**
- * Gives mutants of valid files to the command, in this VM: SEEDS WORK SECONDS SEED [FORM...]. SEEDS has a
- * folder for each form, and in it one for each valid example. Mutant i follows from SEED + i and its
- * example alone. The files of the first finding of each kind stay in WORK/findings.
+ * Runs the command in this VM on mutants of valid files. Arguments: SEEDS WORK SECONDS SEED [FORM...]. SEEDS
+ * has a folder for each form with a folder for each valid example. Mutant i depends only on SEED + i and its
+ * example. The files of the first finding of each kind are kept in WORK/findings.
  */
 public final class ReaderFuzzer {
     private static final int SHOWN = 1500;
@@ -47,7 +47,7 @@ public final class ReaderFuzzer {
         mCanary = new Canary(mWork.resolve("around"), mBox);
     }
 
-    /** Exits with 1 if anything was found, or a planted fault was not. */
+    /** Exits with 1 if anything was found or a planted fault was missed. */
     public static void main(String[] arguments) throws IOException {
         Locale.setDefault(Locale.ROOT);
         ReaderFuzzer fuzzer =
@@ -81,7 +81,7 @@ public final class ReaderFuzzer {
         }
     }
 
-    // Every example as it is, then mutants until the time is over, as many seconds for each form.
+    // Runs every example unchanged, then mutants, for the same number of seconds for each form.
     private void run(int seconds, List<String> forms) throws IOException {
         for (String form : forms) {
             Path folder = mSeeds.resolve(form);
@@ -106,7 +106,7 @@ public final class ReaderFuzzer {
             }
         }
         if (number >= 0) {
-            // Names that lead out of the folder, and to a file that never ends.
+            // Names that lead outside the folder, and to a file that never ends.
             Random chance = new Random(~(mSeed + number));
             new Mutator(chance, List.of("\"link\"", "\"../../canary\"", "\"/dev/zero\"", "\"..\"",
                     "\"" + mCanary.file() + "\"", "\"request.json\"", "\"input0.bin\"")).mutate(in);
@@ -132,12 +132,12 @@ public final class ReaderFuzzer {
         }
     }
 
-    // Whether all files of a form are in its folder. Those of a request file may be anywhere.
+    // Whether all files of a form are in its folder. A request file may name files anywhere.
     private static boolean isClosed(String form) {
         return form.equals("recording") || IMPORTS.contains(form);
     }
 
-    // The command lines that read such a folder.
+    // The command lines that read this folder.
     private List<List<String>> commands(String form, Path example, Path folder) throws IOException {
         String request = folder.resolve("request.json").toString();
         String in = folder.toString();
