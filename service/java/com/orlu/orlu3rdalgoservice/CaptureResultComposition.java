@@ -7,9 +7,9 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * One frame's metadata: what the camera reported, and over it a map of values of the service's own. The
- * native side asks the map first, and puts its results into it. The entry points' parameter objects are of
- * this class as well.
+ * One frame's metadata: what the camera reported, overlaid with the service's own values. The native side
+ * looks into these values first and puts its results there. Parameter objects of the entry points have this
+ * class, too.
  */
 public class CaptureResultComposition {
     // Read and stored by the native side.
@@ -18,32 +18,35 @@ public class CaptureResultComposition {
     private final CameraMetadataNative mSource;
     private final Map<String, Object> mMetadata = new LinkedHashMap<>();
 
-    /** A composition without a camera's report. */
+    /** A composition without a capture result. */
     public CaptureResultComposition() {
         this(new CameraMetadataNative());
     }
 
-    /** A composition over what the camera reported. The metadata is borrowed, not copied. */
+    /** A composition over the camera's metadata, which is borrowed, not copied. */
     public CaptureResultComposition(CameraMetadataNative source) {
         mSource = source;
     }
 
-    /** The value put under a key, null when there is none. */
+    /** Returns the value put under a key; null if there is none. */
     public Object getMetadata(String key) {
         return mMetadata.get(key);
     }
 
-    /** Puts a value; the last one put under a key stays. */
+    /** Puts a value, replacing an earlier one. */
     public void putMetadata(String key, Object value) {
         mMetadata.put(key, value);
     }
 
-    /** Makes a capture result of the camera's report. The native side calls it once and keeps the result. */
+    /**
+     * Makes a capture result from the camera's metadata. The native side calls this once and caches the
+     * result.
+     */
     public CaptureResult assembleResultComposition() {
         return new CaptureResult(mSource);
     }
 
-    /** The capture result that the native side keeps here, null before the first request. */
+    /** The capture result that the native side cached here; null before the first request. */
     public CaptureResult captureResult() {
         return mCaptureResult;
     }

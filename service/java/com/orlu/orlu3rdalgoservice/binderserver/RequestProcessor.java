@@ -4,7 +4,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.concurrent.CopyOnWriteArrayList;
 
-/** Where the native side calls back to, by this class's and method's names. */
+/** Receives callbacks from the native side, which looks up this class and method by name. */
 public final class RequestProcessor {
     private static final List<CallbackListener> LISTENERS = new CopyOnWriteArrayList<>();
 
@@ -16,7 +16,7 @@ public final class RequestProcessor {
         LISTENERS.add(listener);
     }
 
-    /** Takes a listener away again. */
+    /** Removes a listener. */
     public static void removeListener(CallbackListener listener) {
         LISTENERS.remove(listener);
     }

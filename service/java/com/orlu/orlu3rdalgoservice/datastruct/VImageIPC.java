@@ -4,8 +4,8 @@ import android.hardware.HardwareBuffer;
 import android.os.SharedMemory;
 
 /**
- * One image as it crosses processes: a description, and the pixels in either a shared memory or a hardware
- * buffer. The native side reads the fields by name, and writes size, format and first plane size of outputs.
+ * An image as it crosses processes: a description, and pixels in shared memory or a hardware buffer. The
+ * native side reads the fields by name, and writes format, size and first plane size of outputs.
  */
 public final class VImageIPC {
     /** The format's name, such as "NV21". Never null. */
@@ -18,8 +18,8 @@ public final class VImageIPC {
     public int[] mRowStrides;
     /** Bytes of each plane. */
     public int[] mPlaneSizes;
-    /** The pixels, or null when they lie in a hardware buffer. */
+    /** The pixels; null if they are in a hardware buffer. */
     public SharedMemory mImageDataShmem;
-    /** The pixels, or null when they lie in shared memory. */
+    /** The pixels; null if they are in shared memory. */
     public HardwareBuffer mImageDataHwbuff;
 }

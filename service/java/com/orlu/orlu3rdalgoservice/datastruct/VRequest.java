@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.datastruct;
 
-/** What the native side asks of a request itself. */
+/** The part of a request that the native side asks for its type and id. */
 public class VRequest {
     private final long mRequestId;
     private final String mRequestType;
@@ -14,7 +14,7 @@ public class VRequest {
         return mRequestId;
     }
 
-    /** Begins with "previewProcess" or "stopProcess" for those; any other text is a shot. */
+    /** Begins with "previewProcess" or "stopProcess" for those types; any other text means a shot. */
     public String getRequestType() {
         return mRequestType;
     }
