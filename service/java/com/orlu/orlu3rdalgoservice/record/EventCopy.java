@@ -9,8 +9,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * The probe's events of one request, cut out of the file that they go into, and the pixels that the probe
- * kept of it, which are moved out of the probe's folder where they are not those of Java.
+ * The probe's events of one request, copied from the probe's file of events, and the pixels that the probe
+ * kept. Pixels that Java's images lack are moved out of the probe's folder.
  */
 final class EventCopy {
     /** The probe's environment variables: its file of events, and its folder of pixels. */
@@ -25,21 +25,18 @@ final class EventCopy {
         mStart = events.length();
     }
 
-    /** The events from here on; null without a probe. */
+    /** Returns the events from now on; null without a probe. */
     static EventCopy begin() {
         String path = Setting.ofProbe(EVENTS_VARIABLE);
         return path.isEmpty() ? null : new EventCopy(new File(path));
     }
 
-    /** The first byte of the events, for whoever copies them after the process ended. */
+    /** The offset of the first event, for copying events after the process died. */
     long start() {
         return mStart;
     }
 
-    /**
-     * Puts the events until now, and the pixels of the request of this id, into the recording, and adds to
-     * the text what it has of them.
-     */
+    /** Adds the events so far and the request's pixels to the recording, and lists them in the text. */
     void end(RecordFolder to, String requestId, JsonText text) throws IOException {
         if (!mEvents.isFile()) {
             return;
@@ -61,8 +58,8 @@ final class EventCopy {
         }
     }
 
-    // Requests that run at the same time write into the same events. The folder itself can't be listed in a
-    // 32-bit process on every file system.
+    // Concurrent requests share one file of events, which names the pixels. On some file systems a 32-bit
+    // process can't list the folder itself.
     private static void movePixels(File folder, String events, String requestId, RecordFolder to,
             JsonText text) throws IOException {
         Pattern line = Pattern.compile("\"event\":\"pixels\"[^\n]*\"reqId\":" + Pattern.quote(requestId)

@@ -4,9 +4,9 @@ import android.hardware.HardwareBuffer;
 
 import java.nio.ByteBuffer;
 
-/** Maps hardware buffers by liborlu.recorder.so, since no public class of the platform does. */
+/** Maps hardware buffers through liborlu.recorder.so: no public class of the platform can. */
 final class HardwarePixels {
-    /** Why the library can't be loaded; null if it is. */
+    /** Why the library can't be loaded; null if it is loaded. */
     private static final String PROBLEM = load();
 
     private HardwarePixels() {
@@ -22,8 +22,8 @@ final class HardwarePixels {
     }
 
     /**
-     * Locks the buffer for reading. Its rows have their padding, and planes follow each other as they do in
-     * memory. Throws IllegalStateException with the reason if the pixels can't be read.
+     * Locks the buffer for reading. Rows include their padding, and planes are in memory order. Throws
+     * IllegalStateException with the reason if the pixels can't be read.
      */
     static MappedPixels lock(HardwareBuffer buffer) {
         if (PROBLEM != null) {

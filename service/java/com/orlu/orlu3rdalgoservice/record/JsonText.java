@@ -13,14 +13,14 @@ import java.util.Deque;
 import java.util.Map;
 
 /**
- * Writes a JSON object. A value of metadata is an object with its type's name, as a request file has it
- * ({"long": 5}), so that reading it makes the same object again. A value of another class is {"class": its
- * name, "text": what toString() returns}.
+ * Writes a JSON object. A metadata value becomes an object named after its type, as in a request file
+ * ({"long": 5}), so that it can be read back. A value of any other class becomes {"class": its name, "text":
+ * what toString() returns}.
  */
 final class JsonText {
     private static final int IMAGE_LEVEL = 3;
     private static final char[] HEX = "0123456789abcdef".toCharArray();
-    // As a request file names them.
+    // The names that request files use.
     private static final Map<Class<?>, String> TYPE_NAMES = Map.ofEntries(
             Map.entry(Integer.class, "int"),
             Map.entry(Long.class, "long"),
@@ -67,7 +67,7 @@ final class JsonText {
         return this;
     }
 
-    /** Ends what was begun last. */
+    /** Closes the innermost object, list or element. */
     JsonText end() {
         mText.append(mOpen.pop());
         return this;
@@ -101,13 +101,13 @@ final class JsonText {
         return this;
     }
 
-    /** Adds an object of typed values. A value that throws is written as what it threw. */
+    /** Adds an object of typed values. A value whose reading throws is replaced by the exception. */
     JsonText addValues(String name, Map<String, ?> values) {
         object(name);
         return addAll(values).end();
     }
 
-    /** Adds typed values to the object that was begun last. */
+    /** Adds typed values to the innermost object. */
     JsonText addAll(Map<String, ?> values) {
         for (Map.Entry<String, ?> entry : values.entrySet()) {
             name(entry.getKey());
@@ -122,7 +122,7 @@ final class JsonText {
         return this;
     }
 
-    /** The text with everything ended that was begun. */
+    /** Returns the text; everything still open is closed in it. */
     @Override
     public String toString() {
         StringBuilder whole = new StringBuilder(mText);
@@ -133,7 +133,7 @@ final class JsonText {
     private void separate() {
         char last = mText.charAt(mText.length() - 1);
         if (last != '{' && last != '[') {
-            // An image is a line, and so is a tag.
+            // Each image and each tag has its own line.
             mText.append(mOpen.size() == IMAGE_LEVEL ? "," : ",\n");
         }
     }
@@ -151,7 +151,7 @@ final class JsonText {
             if (c == '"' || c == '\\') {
                 mText.append('\\').append(c);
             } else if (c < ' ' || Character.isSurrogate(c)) {
-                // Half a surrogate pair has no UTF-8; escaped, both halves come back as they were.
+                // An unpaired surrogate has no UTF-8 form. Escaped, it is read back unchanged.
                 mText.append("\\u").append(HEX[c >> 12]).append(HEX[c >> 8 & 15]).append(HEX[c >> 4 & 15])
                         .append(HEX[c & 15]);
             } else {
@@ -193,7 +193,7 @@ final class JsonText {
             array(value);
         } else if (value instanceof Float || value instanceof Double) {
             double number = ((Number) value).doubleValue();
-            // JSON has no form for the others.
+            // JSON lacks these numbers.
             if (Double.isNaN(number) || Double.isInfinite(number)) {
                 quote(value.toString());
             } else {

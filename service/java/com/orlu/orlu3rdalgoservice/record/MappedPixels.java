@@ -2,18 +2,18 @@ package com.orlu.orlu3rdalgoservice.record;
 
 import java.nio.ByteBuffer;
 
-/** An image's memory, mapped for reading until this is closed. */
+/** An image's memory, mapped for reading until close(). */
 final class MappedPixels implements AutoCloseable {
     private final ByteBuffer mBytes;
     private Runnable mUnmap;
 
-    /** {@code unmap} ends the mapping. It runs once. */
+    /** {@code unmap} removes the mapping. It runs once. */
     MappedPixels(ByteBuffer bytes, Runnable unmap) {
         mBytes = bytes;
         mUnmap = unmap;
     }
 
-    /** The bytes, which must not be read after {@link #close}. */
+    /** The bytes; must not be read after {@link #close}. */
     ByteBuffer bytes() {
         return mBytes;
     }

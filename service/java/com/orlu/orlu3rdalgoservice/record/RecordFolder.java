@@ -12,11 +12,11 @@ import java.util.Locale;
 import java.util.Set;
 import java.util.zip.CRC32;
 
-/** The folder of one recording. Each of its texts is one file, written at once. */
+/** The folder of one recording. Each text is a file that is written in one go. */
 final class RecordFolder {
-    /** What went in, in the form of a request file. Written before the request runs. */
+    /** The inputs, in the form of a request file; written before the request runs. */
     static final String REQUEST = "request.json";
-    /** What came of it. A process that ended before has none. */
+    /** The result; missing if the process ended early. */
     static final String OUTCOME = "outcome.json";
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the recording would have more bytes than it may";
@@ -26,7 +26,7 @@ final class RecordFolder {
     private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
-    /** Makes the folder, which may hold this many bytes in all, and these pixels. */
+    /** Creates the folder, which may hold this many bytes and these pixels. */
     RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
             throw new IOException("can't make the folder " + folder);
@@ -45,7 +45,7 @@ final class RecordFolder {
         writeAll(name, ByteBuffer.wrap(bytes));
     }
 
-    /** Replaces the outcome by the reason why there is none, whatever that takes. */
+    /** Replaces the outcome by the reason for the failure, whatever it takes. */
     void fail(String what) throws IOException {
         writeAll(OUTCOME, ByteBuffer.wrap(
                 new JsonText().add("failed", what).toString().getBytes(StandardCharsets.UTF_8)));
@@ -59,7 +59,7 @@ final class RecordFolder {
                 channel.write(bytes);
             }
         } catch (IOException e) {
-            // Half a file is of no use, and leaves no room on a full disk to say so.
+            // Half a file is useless and may occupy the space needed for the reason.
             if (file.isFile() && !file.delete()) {
                 RequestRecorder.warn("can't remove " + file);
             }
@@ -67,12 +67,12 @@ final class RecordFolder {
         }
     }
 
-    /** Whether the probe's pixels belong into the folder. */
+    /** Whether the recording includes the probe's pixels. */
     boolean keepsProbePixels() {
         return mPixels == RequestRecorder.Pixels.ALL;
     }
 
-    /** Writes the bytes of one of Java's images, if they are kept. */
+    /** Writes the bytes of one of Java's images if pixels are recorded. */
     void writePixels(String name, ByteBuffer bytes, JsonText text) throws IOException {
         if (mPixels == RequestRecorder.Pixels.NONE) {
             text.add("kept", "no: without pixels");
@@ -81,7 +81,9 @@ final class RecordFolder {
         }
     }
 
-    /** Writes the bytes into a file, and adds its name and check to the text; without, why not. */
+    /**
+     * Writes the bytes to a file and adds its name and checksum to the text, or the reason if they don't fit.
+     */
     void writeBytes(String name, ByteBuffer bytes, JsonText text) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
             text.add("kept", TOO_LARGE);
@@ -97,8 +99,8 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file of this check into the folder, under its name; one whose bytes are in the folder already
-     * is only removed. Returns false for one that is too large, which is removed as well.
+     * Moves a file with this checksum into the folder. A file whose bytes the folder already has is only
+     * removed. Returns false for a file that is too large; it is removed, too.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();
@@ -114,7 +116,7 @@ final class RecordFolder {
         return isHere || fits;
     }
 
-    // Another file system takes a copy.
+    // Renaming fails across file systems; copy instead.
     private static void move(File file, File to) throws IOException {
         if (file.renameTo(to)) {
             return;

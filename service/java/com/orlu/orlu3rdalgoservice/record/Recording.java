@@ -20,13 +20,13 @@ import java.util.Map;
 import java.util.function.IntSupplier;
 
 /**
- * The recording of one request, while it is written: what went in before the request runs, what came of it
- * after. The first thing that fails ends it; the outcome then says what failed, where that can be written.
+ * The recording of one request while it is written: inputs before the request runs, results afterwards. The
+ * first failure stops the recording; the outcome then gives the reason if it can be written.
  */
 public final class Recording {
     private static final int VERSION = 2;
 
-    /** A step of recording, which may fail. */
+    /** A step of recording; may throw. */
     interface Step {
         void run() throws IOException, ErrnoException;
     }
@@ -49,7 +49,7 @@ public final class Recording {
         mRequest = request;
     }
 
-    /** The folder that this is written into; null when there is none. */
+    /** The folder of the recording; null if there is none. */
     public File folder() {
         return mFolder == null ? null : mFolder.folder();
     }
@@ -66,7 +66,7 @@ public final class Recording {
         return request instanceof VRequest ? Long.toString(((VRequest) request).getRequestId()) : "unknown";
     }
 
-    /** Runs a step, unless an earlier one failed. Nothing that it throws reaches the request. */
+    /** Runs a step unless an earlier one failed. No exception reaches the request. */
     void guard(Step step) {
         if (mIsOver) {
             return;
@@ -74,7 +74,7 @@ public final class Recording {
         try {
             step.run();
         } catch (IOException | ErrnoException | RuntimeException | Error e) {
-            // Errors too: a value's own code can want more memory or a deeper stack than there is.
+            // Catches errors, too: a value's code may run out of memory or stack.
             mIsOver = true;
             boolean hasReason = hasReason(e);
             RequestRecorder.warn("request " + idOf(mRequest) + " is not recorded any further: " + e
@@ -82,7 +82,7 @@ public final class Recording {
         }
     }
 
-    // Leaves the reason in the recording. A full disk takes none.
+    // Writes the reason into the recording. This fails if the disk is full.
     private boolean hasReason(Throwable problem) {
         if (mFolder == null) {
             return false;
@@ -136,7 +136,7 @@ public final class Recording {
         mFolder.write(RecordFolder.REQUEST, text);
     }
 
-    // What the library makes a client of.
+    // The values that the library creates a client from.
     private static void addClient(JsonText text, Map<String, Object> values) {
         text.object("client");
         for (String name : new String[] {"clientId", "algoContextIndex"}) {
@@ -158,7 +158,7 @@ public final class Recording {
         return values;
     }
 
-    // A tag of a vendor can be one that the platform's own reader doesn't take.
+    // The platform's own reader may reject a vendor's tag.
     private static Object valueOf(CaptureResult result, CaptureResult.Key<?> key) {
         try {
             return result.get(key);
@@ -167,7 +167,7 @@ public final class Recording {
         }
     }
 
-    // Pixels that are all 0, as new memory has them, are in no file.
+    // Pixels that are all 0, like fresh memory, get no file.
     private void addImages(JsonText text, String name, String prefix, Object images, boolean always)
             throws IOException, ErrnoException {
         List<?> all = (List<?>) images;
@@ -193,7 +193,7 @@ public final class Recording {
         text.end();
     }
 
-    /** Null for an image without memory, and for a hardware buffer that can't be mapped. */
+    /** Returns null for an image without memory and for a hardware buffer that can't be mapped. */
     private static MappedPixels map(VImageIPC image, JsonText text) throws ErrnoException {
         HardwareBuffer buffer = image.mImageDataHwbuff;
         if (buffer == null) {
@@ -231,7 +231,7 @@ public final class Recording {
         return true;
     }
 
-    /** Runs the request, and writes what came of it; of a full-async one only that it was taken. */
+    /** Runs the request and records its result; for a full-async request, only that it was accepted. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         int status = timed("processed", null,
@@ -242,10 +242,10 @@ public final class Recording {
         return status;
     }
 
-    /** Fetches a full-async request's results, and writes what came of it. */
+    /** Fetches a full-async request's results and records them. */
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
-        // The caller says by a value in the first composition which native request it is.
+        // A value in the first composition names the native request.
         Map<String, Object> given = new LinkedHashMap<>();
         guard(() -> {
             Map<String, Object> first =
@@ -294,7 +294,7 @@ public final class Recording {
         close();
     }
 
-    // A value put again is another object, so that a key put with the value it had shows as well.
+    // Compares by identity: a key that was put again with an equal value is a change, too.
     private static Map<String, Object> changes(Map<String, Object> before, Map<String, Object> after) {
         Map<String, Object> changed = new LinkedHashMap<>();
         after.forEach((key, value) -> {
@@ -305,7 +305,7 @@ public final class Recording {
         return changed;
     }
 
-    /** Ends the recording with the events of the request. A full-async one may end without its results. */
+    /** Finishes the recording with the events of the request. A full-async request may lack results. */
     public void close() {
         mOwner.forget(this);
         guard(() -> {

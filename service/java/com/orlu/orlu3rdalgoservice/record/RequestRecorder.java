@@ -15,25 +15,24 @@ import java.util.function.Supplier;
 import java.util.logging.Logger;
 
 /**
- * Records each request of the service in a folder of its own, beside the call that runs it. What goes wrong
- * with a recording costs the recording, never the request: it is logged, and the request runs on. From any
- * thread.
+ * Records each request of the service in its own folder. Failures affect the recording, never the request:
+ * they are logged. Thread-safe.
  */
 public final class RequestRecorder {
-    /** The Java system property that switches recording on by naming the folder of the recordings. */
+    /** The Java system property that enables recording and names the folder of the recordings. */
     public static final String FOLDER_PROPERTY = "orlu.record";
-    /** The property of how many recordings are kept. The oldest make way. */
+    /** The property with the number of recordings kept. The oldest are removed. */
     public static final String COUNT_PROPERTY = "orlu.record.count";
-    /** The property of how many bytes one recording has at most. Pixels that don't fit are left out. */
+    /** The property with the size limit of a recording in bytes. Pixels that don't fit are left out. */
     public static final String BYTES_PROPERTY = "orlu.record.bytes";
 
     private static final int USUAL_COUNT = 16;
     private static final long USUAL_BYTES = 1L << 30;
 
-    /** The pixels in a recording: none, those of Java's images, or those that the probe kept as well. */
+    /** Which pixels are recorded: none, those of Java's images, or also those that the probe kept. */
     public enum Pixels { NONE, OF_JAVA, ALL }
 
-    /** Full-async requests whose results are still to come. A lost one is not kept open for good. */
+    /** The most full-async requests that may wait for results. A lost one does not stay open forever. */
     private static final int MOST_OPEN = 16;
 
     private final File mFolder;
@@ -47,14 +46,14 @@ public final class RequestRecorder {
     private Pixels mPixels = Pixels.ALL;
     private int mMade;
 
-    /** A recorder into this folder, which is made when it is not there. */
+    /** Creates a recorder into this folder, which is created if missing. */
     public RequestRecorder(File folder, int count, long bytes) {
         mFolder = folder;
         mCount = Math.max(1, count);
         mBytes = bytes;
     }
 
-    /** The recorder that the properties ask for; null when they don't, and then nothing is to be called. */
+    /** Returns the recorder that the properties ask for; null if they ask for none. */
     public static RequestRecorder ofProperties() {
         String folder = Setting.get(FOLDER_PROPERTY);
         if (folder.isEmpty()) {
@@ -64,39 +63,39 @@ public final class RequestRecorder {
         return new RequestRecorder(new File(folder), (int) count, Setting.number(BYTES_PROPERTY, USUAL_BYTES));
     }
 
-    /** Sets who knows the system properties that the native library reads. */
+    /** Sets the source of the system properties that the native library reads. */
     public void setProperties(Supplier<Map<String, String>> properties) {
         mProperties = properties;
     }
 
-    /** Sets the description that the next recordings have; "" for none. */
+    /** Sets the description of further recordings; "" for none. */
     public void setAbout(String about) {
         mAbout = about;
     }
 
-    /** Sets which pixels the next recordings have. */
+    /** Sets the pixels of further recordings. */
     public void setPixels(Pixels pixels) {
         mPixels = pixels;
     }
 
-    /** Says of which values a client was made. To be called after createNativeClient. */
+    /** Notes the values that a client was created from. Call it after createNativeClient. */
     public synchronized void addClient(long inst, CaptureResultComposition param) {
         mClients.put(inst, param);
     }
 
-    /** Says that a client is gone. */
+    /** Forgets a destroyed client. */
     public synchronized void removeClient(long inst) {
         mClients.remove(inst);
     }
 
-    /** {@link Orlu3rdAlgoService#processImage}, recorded. */
+    /** Calls {@link Orlu3rdAlgoService#processImage} and records it. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = begin(service, inst, request, inputs, outputs, compositions);
         return recording.processImage(service, inst, request, inputs, outputs, compositions);
     }
 
-    /** {@link Orlu3rdAlgoService#processImageUpdateResult}, added to the recording of the same request. */
+    /** Calls {@link Orlu3rdAlgoService#processImageUpdateResult} and adds it to the request's recording. */
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = take(inst, request);
@@ -106,10 +105,7 @@ public final class RequestRecorder {
         return recording.processImageUpdateResult(service, inst, request, inputs, outputs, compositions);
     }
 
-    /**
-     * Writes all that is known before the request runs. Returns its recording, in which nothing may have
-     * failed.
-     */
+    /** Records everything known before the request runs. Never throws: the recording notes failures. */
     public synchronized Recording begin(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = new Recording(this, inst, request);
@@ -157,7 +153,7 @@ public final class RequestRecorder {
         return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
     }
 
-    // Only folders with the names that are given here are ever removed.
+    // Only folders with names in this form are ever removed.
     private File[] recordings() {
         File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,}-request-.*"));
         if (folders == null) {
@@ -170,7 +166,7 @@ public final class RequestRecorder {
     private void makeWay() {
         File[] old = recordings();
         if (old.length > 0) {
-            // Goes on after the newest, so that names tell the order also after a restart.
+            // Continues after the newest, so that names sort by time even after a restart.
             String newest = old[old.length - 1].getName();
             mMade = Math.max(mMade, Integer.parseInt(newest.substring(0, newest.indexOf('-'))));
         }

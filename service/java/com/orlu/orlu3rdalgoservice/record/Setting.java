@@ -3,19 +3,19 @@ package com.orlu.orlu3rdalgoservice.record;
 import java.util.Locale;
 import java.util.function.UnaryOperator;
 
-/** What the recorder is told: by Java's system properties, else on a phone by the platform's. */
+/** The recorder's settings: Java's system properties, or on a phone the platform's. */
 final class Setting {
     private static final String PLATFORM_PREFIX = "persist.vendor.";
 
     private Setting() {
     }
 
-    /** The property {@code name}, else the platform's "persist.vendor.NAME"; "" when neither is set. */
+    /** Returns the property {@code name}, else the platform's "persist.vendor.NAME", else "". */
     static String get(String name) {
         return get(name, Setting::ofPlatform);
     }
 
-    /** What the probe reads for one of its variables, "ORLU_...". */
+    /** Returns the value that the probe has for its variable "ORLU_...". */
     static String ofProbe(String variable) {
         String value = System.getenv(variable);
         return value == null || value.isEmpty()
@@ -27,7 +27,7 @@ final class Setting {
         return value.isEmpty() ? platform.apply(PLATFORM_PREFIX + name) : value;
     }
 
-    /** A positive number; {@code otherwise} when the property is not set or is none. */
+    /** Returns a positive number; {@code otherwise} if the property is unset or not a positive number. */
     static long number(String name, long otherwise) {
         try {
             long value = Long.parseLong(get(name));
@@ -37,7 +37,7 @@ final class Setting {
         }
     }
 
-    /** Asks the platform's hidden class, which a service need not be allowed to reach. */
+    /** Asks the platform's hidden class, which may be out of reach for a service. */
     private static String ofPlatform(String property) {
         try {
             Class<?> properties = Class.forName("android.os.SystemProperties");

@@ -1,2 +1,2 @@
-/** Records requests of the service into folders, with the platform's public classes alone. */
+/** Records requests of the service into folders. Uses only public classes of the platform. */
 package com.orlu.orlu3rdalgoservice.record;
