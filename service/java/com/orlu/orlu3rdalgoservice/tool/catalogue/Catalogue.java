@@ -73,7 +73,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
         return entry.string("name", "");
     }
 
-    /** Returns a value as a text: a list with commas, the values of an object with blanks between them. */
+    /** Returns a value as a text: the elements of a list with commas, the values of an object with blanks. */
     public static String text(Json value) {
         if (value.isList()) {
             return value.elements().stream().map(Catalogue::text).collect(Collectors.joining(", "));
@@ -90,7 +90,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
                 .filter(part -> !part.isEmpty()).collect(Collectors.joining("; "));
     }
 
-    // Without their files.
+    // Function names without their files.
     private static String functions(String before, Json places) {
         String names = places.elements().stream().map(place -> text(place).replaceFirst(" .*", "")).distinct()
                 .collect(Collectors.joining(", "));

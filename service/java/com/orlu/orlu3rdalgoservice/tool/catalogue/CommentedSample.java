@@ -13,7 +13,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.regex.Pattern;
 
-/** Samples as a start for request files, with a comment on each tag. */
+/** Samples with a comment on each tag, as a start for request files. */
 public final class CommentedSample {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");
     private static final String PHOTO = "\"photo\": \"";
@@ -21,7 +21,7 @@ public final class CommentedSample {
     private static final int FURTHER = 4;
     private static final int MOST_NAMES = 7;
     private static final int MOST_VALUES = 4;
-    /** Units that say nothing beside the value. */
+    /** Units that add nothing to the value. */
     private static final List<String> NO_UNITS = List.of("-", "code", "text", "bits");
 
     private CommentedSample() {
@@ -34,7 +34,7 @@ public final class CommentedSample {
                 folder.toRealPath().relativize(samples.toRealPath()));
     }
 
-    // The samples' folder as it is seen from the file's.
+    // The samples' folder relative to the file's.
     private static String commented(String kind, List<String> lines, Path samples) {
         StringBuilder text = new StringBuilder();
         Set<String> explained = new HashSet<>();
@@ -64,7 +64,7 @@ public final class CommentedSample {
         };
     }
 
-    // The meaning, the unit, and values with a meaning if they are few.
+    // The meaning, the unit, and the named values if they are few.
     private static List<String> comments(String tag, TagFacts facts) {
         List<String> comments = new ArrayList<>();
         comments.add(tag + ": " + facts.meaning()

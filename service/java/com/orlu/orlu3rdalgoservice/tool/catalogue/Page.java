@@ -10,7 +10,7 @@ import java.util.Locale;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Prints entries for people: as wide as a terminal, without cutting anything. */
+/** Prints entries for people, in the width of the terminal and without cutting anything. */
 public final class Page {
     private static final int GAP = 2;
     private static final int BELOW = 4;
@@ -25,7 +25,7 @@ public final class Page {
         mLayout = new TextLayout(to, TextLayout.TERMINAL);
     }
 
-    /** Prints a line for each entry with a text below it, and the number of entries. */
+    /** Prints a line for each entry, its text below, and the number of entries. */
     public void list(String part, List<Json> entries) {
         Catalogue catalogue = Catalogue.of(part);
         List<String> fields = Stream.concat(Stream.of("name"), catalogue.columns().stream()).toList();
@@ -53,7 +53,7 @@ public final class Page {
         mTo.println(line.toString().stripTrailing());
     }
 
-    // Where columns begin. If they are too wide together, the longest names reach into the next column.
+    // Where columns begin. If they are too wide, the longest names extend into the next column.
     private static int[] starts(List<String> heading, List<List<String>> rows) {
         int[] widths = new int[heading.size()];
         Stream.concat(Stream.of(heading), rows.stream()).forEach(row ->
@@ -77,7 +77,7 @@ public final class Page {
         });
     }
 
-    // Short texts share lines; long ones and records have lines of their own.
+    // Short texts share lines; long texts and records get their own.
     private void field(String label, Json value) {
         String start = "  " + TextLayout.label(label, LABEL - 2);
         if (value.elements().stream().noneMatch(Page::needsLine)) {
@@ -86,7 +86,7 @@ public final class Page {
         }
         int longest = value.elements().stream().mapToInt(element -> first(element).length()).max().orElse(0);
         for (Json element : value.elements()) {
-            // The first of a record's values is its key; the others begin in one column.
+            // The first value of a record is its key; the others begin in one column.
             boolean isKeyed = element.entries().size() > 1 && longest <= LONGEST_KEY;
             String key = isKeyed ? TextLayout.label(first(element), longest + GAP) : "";
             String text = Catalogue.text(element);

@@ -17,7 +17,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The JSON schema of request files, with which editors complete and explain. */
+/** The JSON schema of request files, for completion and descriptions in editors. */
 public final class RequestSchema {
     private static final String FILE = "request.schema.json";
     private static final String DEFINITIONS = "#/definitions/";
@@ -25,7 +25,7 @@ public final class RequestSchema {
     private RequestSchema() {
     }
 
-    /** Returns the file beside this class, with tags, algorithms and formats added. */
+    /** Returns the schema file beside this class, with tags, algorithms and formats added. */
     public static Map<String, Object> of() throws IOException, MistakeException {
         Map<String, Object> schema;
         try (InputStream stream = RequestSchema.class.getResourceAsStream(FILE)) {
@@ -45,7 +45,7 @@ public final class RequestSchema {
         return schema;
     }
 
-    // Replaces a member, an object, by a copy that can be changed, and returns that.
+    // Replaces a member, an object, by a mutable copy, and returns the copy.
     private static Map<String, Object> opened(Map<String, Object> object, String name)
             throws MistakeException {
         Map<String, Object> copy = new LinkedHashMap<>(((Json) object.get(name)).members());
@@ -57,12 +57,12 @@ public final class RequestSchema {
         return Map.of("$ref", DEFINITIONS + definition);
     }
 
-    // A name that nobody knows is no mistake: another algorithm library may have it.
+    // Unknown names are valid: another algorithm library may have them.
     private static Map<String, Object> algorithm() {
         return Map.of("anyOf", List.of(Map.of("enum", AlgorithmNames.all()), Map.of("type", "string")));
     }
 
-    // Other members beside a reference are ignored, so that it is wrapped.
+    // JSON schema ignores members beside a reference, so the reference is wrapped.
     private static Map<String, Object> described(String tag, Map<String, Object> type) {
         Map<String, Object> property = new LinkedHashMap<>();
         property.put("description", description(tag));
@@ -74,7 +74,7 @@ public final class RequestSchema {
         return property;
     }
 
-    /** What an editor shows of a tag. */
+    /** The description that an editor shows for a tag. */
     private static String description(String tag) {
         TagFacts facts = TagFacts.of(tag);
         TagType type = TagTable.typeOf(tag);

@@ -1,2 +1,2 @@
-/** The catalogue: what is known of tags, algorithms, parameters, formats and samples. */
+/** The catalogue: everything known about tags, algorithms, parameters, formats and samples. */
 package com.orlu.orlu3rdalgoservice.tool.catalogue;

@@ -28,7 +28,7 @@ public final class RequestChecker {
     private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
-    /** A photo other than null replaces those of the files, and tags "NAME=VALUE" those of all frames. */
+    /** A photo other than null replaces the files' photos; tags "NAME=VALUE" replace those of all frames. */
     public RequestChecker(Path otherPhoto, List<String> tags, Photos photos) {
         mOtherPhoto = otherPhoto;
         mTags = tags;
@@ -73,7 +73,7 @@ public final class RequestChecker {
         }
     }
 
-    // Notes strides that are too small for a row.
+    // Reports strides that are too small for a row.
     private static List<ImagePlan> sized(List<ImagePlan> images, FrameSize size, Mistakes mistakes) {
         List<ImagePlan> sized = new ArrayList<>();
         for (ImagePlan image : images) {

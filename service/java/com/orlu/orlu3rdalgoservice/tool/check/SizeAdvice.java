@@ -15,13 +15,13 @@ import java.util.Map;
 
 /** Warns about image sizes that are legal and probably unintended. */
 final class SizeAdvice {
-    /** A JPEG of fewer bytes a pixel than the inverse of this is a poor one. */
+    /** A JPEG with less than one byte for this many pixels is of poor quality. */
     private static final int PIXELS_A_BYTE = 16;
 
     private SizeAdvice() {
     }
 
-    /** Notes the warnings about a request's images, whose sizes are known. */
+    /** Reports warnings about the images of a request, whose sizes are known. */
     static void give(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         onFrameSize(request);
         inputs.forEach(SizeAdvice::onStride);
@@ -33,7 +33,7 @@ final class SizeAdvice {
         }
     }
 
-    // Images without a size get that of the first file.
+    // Images without a size take that of the first file.
     private static void onFrameSize(RequestFile request) {
         ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()
@@ -44,7 +44,7 @@ final class SizeAdvice {
         }
     }
 
-    // The library passes on the stride of this format as its width.
+    // The library passes this format's stride on as its width.
     private static void onStride(ImagePlan image) {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
@@ -54,7 +54,7 @@ final class SizeAdvice {
         }
     }
 
-    // The first image of a frame is one camera's, the second perhaps another's.
+    // The first image of a frame comes from one camera, the second perhaps from another.
     private static void onInputSizes(List<ImagePlan> inputs) {
         Map<Integer, Integer> ofFrame = new HashMap<>();
         Map<Integer, ImagePlan> first = new HashMap<>();
@@ -89,7 +89,7 @@ final class SizeAdvice {
         }
     }
 
-    // What lies behind the pixels is another image's, or the size or stride is wrong.
+    // Bytes after the pixels belong to another image, or the size or stride is wrong.
     private static void onFiles(List<ImagePlan> inputs) {
         Map<Path, Long> ends = new HashMap<>();
         inputs.stream().filter(SizeAdvice::isOfBytes).forEach(image -> ends.merge(
@@ -125,7 +125,7 @@ final class SizeAdvice {
         }
         List<ImageFile.Plane> planes = image.file().planes();
         long pixels = size - planes.get(0).offset();
-        // Half as many rows of chroma follow the luma's.
+        // The luma rows are followed by half as many chroma rows.
         long rows = planes.size() == 1 ? image.height() : image.height() * 3L / 2;
         long row = pixels / rows;
         boolean fits = pixels % rows == 0 && row > image.strideBytes() && row < 2L * image.strideBytes();

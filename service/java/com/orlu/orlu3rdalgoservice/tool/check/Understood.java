@@ -13,7 +13,7 @@ final class Understood {
     private Understood() {
     }
 
-    /** The images are those of the request, with their sizes. */
+    /** The images are those of the request, with sizes. */
     static String line(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": right: " + RequestChecker.counted(frames, "frame")
