@@ -34,7 +34,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Sends one request many times on one client, and judges what came of all. */
+/** Sends one request many times on one client, and judges the results. */
 final class BurstSession {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
     private static final double[] QUANTILES = {0.5, 0.95, 0.99, 1};
@@ -85,7 +85,7 @@ final class BurstSession {
         return verdict.status();
     }
 
-    // Prints the tables, and returns how long the burst took in milliseconds.
+    // Prints the tables, and returns the duration of the burst in milliseconds.
     private double print(RequestFile request, Burst burst, List<Shot> shots) throws IOException {
         double milliseconds =
                 length(new Stage("", shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0),
@@ -121,7 +121,7 @@ final class BurstSession {
         List<String> cells = new ArrayList<>(List.of(name));
         List<Double> values = new ArrayList<>();
         for (double quantile : QUANTILES) {
-            // The least latency that this part of the requests does not exceed.
+            // The smallest latency that this share of the requests does not exceed.
             values.add(sorted[Math.max(0, (int) Math.ceil(quantile * sorted.length) - 1)]);
             cells.add("%.1f".formatted(values.get(values.size() - 1)));
         }
@@ -150,7 +150,7 @@ final class BurstSession {
         }
     }
 
-    // An address is that of one request after the other.
+    // Addresses are reused by later requests.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();
@@ -205,7 +205,7 @@ final class BurstSession {
         }
     }
 
-    // The descriptor of the listing itself is gone by then.
+    // The descriptor of the directory listing itself is closed by then.
     private static boolean isImage(Path descriptor) {
         try {
             return Files.readSymbolicLink(descriptor).toString().startsWith("/memfd:");

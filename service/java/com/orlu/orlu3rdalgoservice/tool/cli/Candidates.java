@@ -6,12 +6,12 @@ import java.util.Iterator;
 import java.util.List;
 import java.util.stream.Stream;
 
-/** What bash offers for values that the catalogue knows. It is read when the completion is printed. */
+/** Bash completions for values that the catalogue knows, read when the completion script is printed. */
 final class Candidates {
     private Candidates() {
     }
 
-    /** Names of a part of the catalogue, without what is before a slash. */
+    /** The names in a part of the catalogue, without the part before a slash. */
     static List<String> of(String part) {
         return Catalogue.entries(part).stream().map(entry -> Catalogue.name(entry).replaceFirst(".*/", ""))
                 .toList();

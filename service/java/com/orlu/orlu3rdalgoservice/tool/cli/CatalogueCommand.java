@@ -17,7 +17,10 @@ import picocli.CommandLine.Model.PositionalParamSpec;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** A subcommand that shows a part of the catalogue: all, what a word is a part of, or one entry whole. */
+/**
+ * A subcommand that shows a part of the catalogue: all entries, the entries matching a word, or one entry in
+ * full.
+ */
 @Command
 final class CatalogueCommand implements Subcommand {
     private final String mName;
@@ -30,8 +33,8 @@ final class CatalogueCommand implements Subcommand {
     private boolean mJson;
 
     /**
-     * "tags", "algorithms", "parameters", "formats" or "samples", with what a word is called in the help,
-     * and an example.
+     * `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label` names the word in the
+     * help.
      */
     CatalogueCommand(String name, String label, String example) {
         mName = name;
@@ -65,7 +68,7 @@ final class CatalogueCommand implements Subcommand {
         return Verdict.OK;
     }
 
-    // The entry of that name, or of that name after a slash; else those of which the word is a part.
+    // The entry with that full name, or with that name after a slash; else those that contain the word.
     private List<Json> wanted(List<Json> all, String word) {
         List<Json> exact = all.stream().filter(entry -> ("/" + Catalogue.name(entry)).endsWith("/" + word))
                 .toList();
@@ -82,7 +85,7 @@ final class CatalogueCommand implements Subcommand {
         return near;
     }
 
-    // Whole names, and what people type instead: the part after the last dot or slash.
+    // Full names, and what people type instead: the part after the last dot or slash.
     private static List<String> names(List<Json> all) {
         List<String> names = all.stream().map(Catalogue::name).toList();
         return Stream.concat(names.stream(), names.stream().map(name -> name.replaceFirst(".*[./]", "")))

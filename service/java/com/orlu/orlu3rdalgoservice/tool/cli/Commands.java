@@ -24,14 +24,14 @@ import picocli.CommandLine.UnmatchedArgumentException;
 final class Commands {
     private static final int HELP_COLUMNS = 80;
 
-    // An empty phrase keeps a subcommand out of the help.
+    // A subcommand with an empty phrase is not in the help.
     private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
 
-    /** What runs when no subcommand is named. */
+    /** Runs if no subcommand is named. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
     /**
-     * The others, in the order of the help. Only the one that runs is made: reading annotations takes time.
+     * The others, in the order of the help. Only the selected one is created: reading annotations is slow.
      */
     private static final List<Row> NAMED = List.of(
             new Row("new", "print a request file to start from", NewCommand::new),
@@ -65,8 +65,8 @@ final class Commands {
     }
 
     /**
-     * Returns the subcommand with its options set, or null if the arguments only ask for the help or the
-     * version, which is printed. An invalid command line is an IllegalArgumentException for people.
+     * Returns the subcommand with its options set; null if the arguments only ask for help or the version,
+     * which is printed. Throws an IllegalArgumentException for people if the command line is invalid.
      */
     static Subcommand parse(String[] arguments) {
         Row named = arguments.length == 0 ? null : ofName(arguments[0]);
@@ -79,7 +79,7 @@ final class Commands {
                     Arrays.copyOfRange(arguments, named == null ? 0 : 1, arguments.length));
             if (line.isUsageHelpRequested()) {
                 CommandLine shown = row == USUAL ? withSubcommands(reader) : reader;
-                // picocli ends lines with blanks where a column is empty.
+                // picocli pads lines with blanks if a column is empty.
                 System.out.print(shown.getUsageMessage().replaceAll(" +\n", "\n"));
                 return null;
             }
@@ -136,11 +136,11 @@ final class Commands {
         return usual;
     }
 
-    /** The whole command line, for the completion. */
+    /** The whole command line, for bash completion. */
     static CommandLine whole() {
         CommandLine usual = withSubcommands(reader(USUAL.maker().get()));
         Stream.concat(Stream.of(usual), usual.getSubcommands().values().stream()).forEach(command -> {
-            // picocli completes no argument that the help leaves out.
+            // picocli does not complete arguments that the help hides.
             CommandSpec spec = command.getCommandSpec();
             for (PositionalParamSpec hidden : List.copyOf(spec.positionalParameters())) {
                 spec.remove(hidden);
@@ -150,7 +150,7 @@ final class Commands {
         return usual;
     }
 
-    // A word alone is more likely a mistyped subcommand than a file.
+    // A single word is more likely a mistyped subcommand than a file.
     private static boolean isStray(Path file) {
         return file.toString().matches("[A-Za-z]+") && !Files.exists(file);
     }

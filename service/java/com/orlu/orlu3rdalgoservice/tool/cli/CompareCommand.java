@@ -29,7 +29,7 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand compare: runs the requests of a folder over two libraries, and compares. */
+/** The subcommand compare: runs the requests of a folder over two libraries, and compares the results. */
 @Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
         description = {"Runs requests or recordings over two libraries, each in a process of its own, and "
                 + "prints a table, the worst first. A and B are algorithm libraries, or builds of the native "
@@ -48,7 +48,7 @@ final class CompareCommand implements Subcommand {
     @Mixin
     private ManyOptions mMany;
 
-    // One request over both libraries.
+    // One request, run over both libraries.
     private record Pair(String name, Verdict verdict, Verdict one, Verdict other, OutputMeasure outputs,
             double oneTime, double otherTime, List<String> differences, List<Map<String, Object>> cells) {
         String status() {
@@ -63,7 +63,7 @@ final class CompareCommand implements Subcommand {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
         }
 
-        // What is said of it beside the numbers.
+        // The texts about it beside the numbers.
         List<String> lines() {
             return hasRun() ? differences.stream().limit(SHOWN).toList()
                     : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();
@@ -156,7 +156,7 @@ final class CompareCommand implements Subcommand {
                 differences, mMany.report == null ? List.of() : cells(one, other, outputs));
     }
 
-    // The two outputs that are the least alike, and their difference.
+    // The two least similar outputs and their difference.
     private static List<Map<String, Object>> cells(ShotRun one, ShotRun other, OutputMeasure outputs)
             throws MistakeException {
         int output = outputs.output();

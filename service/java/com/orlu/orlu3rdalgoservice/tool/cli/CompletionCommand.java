@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import picocli.AutoComplete;
 import picocli.CommandLine.Command;
 
-/** The subcommand completion: prints picocli's completion for bash. */
+/** The subcommand completion: prints picocli's completion script for bash. */
 @Command(customSynopsis = "./run completion", footer = "  source <(./run completion)",
         description = "Prints a script with which bash completes subcommands, options and their values for "
                 + "./run.")

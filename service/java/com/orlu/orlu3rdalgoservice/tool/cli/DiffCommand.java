@@ -18,7 +18,7 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand diff: compares two runs, which it makes first if it gets request files. */
+/** The subcommand diff: compares two runs; runs request files first. */
 @Command(customSynopsis = "./run diff [options] A [B]",
         description = "Compares two runs. A and B are recordings or folders of them, files that --events "
                 + "wrote, or request files, which are run first. The status is 0 when all is equal, 1 when "
@@ -62,7 +62,7 @@ final class DiffCommand implements Subcommand {
         return mComparison.finish();
     }
 
-    // What a side did: read, or run first.
+    // The runs of one side: read from files, or run first.
     private List<Run> runs(int side) throws MistakeException, IOException {
         Path file = mFiles.get(Math.min(side, mFiles.size() - 1));
         Path library = mLibraries.isEmpty() ? null : mLibraries.get(side);

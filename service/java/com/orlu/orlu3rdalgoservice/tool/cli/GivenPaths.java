@@ -16,11 +16,11 @@ import java.util.regex.Pattern;
 import java.util.stream.Stream;
 
 /**
- * Checks the paths of a command line before anything runs: a run may take long, and
- * "--json samples/night.json", with the file's name forgotten, would cost the request.
+ * Checks the paths of a command line before anything runs. A run may take long, and "--json
+ * samples/night.json", where the user forgot the name of the result file, would overwrite the request.
  */
 final class GivenPaths {
-    /** What the help says of a FOLDER. */
+    /** The help's definition of FOLDER. */
     static final String RECORDINGS = "FOLDER is a recording, or a folder of recordings (docs/recording.md).";
 
     private static final Pattern REQUEST = Pattern.compile("\"request\"\\s*:\\s*\\{");
@@ -28,7 +28,7 @@ final class GivenPaths {
 
     private final Map<Path, String> mFiles = new HashMap<>();
 
-    /** Throws an IllegalArgumentException for the first that isn't there. */
+    /** Throws an IllegalArgumentException for the first missing path. */
     static void checkRead(List<Path> paths) {
         for (Path path : paths) {
             if (!Files.exists(path)) {
@@ -38,8 +38,8 @@ final class GivenPaths {
     }
 
     /**
-     * Returns the request files of a command line: files as they are, and of a folder its files *.json and
-     * the recordings in it, by name. An IllegalArgumentException if a folder has none.
+     * Returns the request files of a command line: files as they are; for a folder, its *.json files and
+     * recordings, by name. Throws an IllegalArgumentException if a folder has none.
      */
     static List<Path> requests(List<Path> given) {
         List<Path> requests = new ArrayList<>();
@@ -73,7 +73,9 @@ final class GivenPaths {
         }
     }
 
-    /** Adds an option's file, which may be null; an IllegalArgumentException when it can't be written. */
+    /**
+     * Adds an option's file, which may be null. Throws an IllegalArgumentException if it can't be written.
+     */
     GivenPaths file(String option, Path file) {
         if (file == null) {
             return this;
@@ -98,7 +100,7 @@ final class GivenPaths {
         return this;
     }
 
-    /** Adds an option's folder, which may be null and need not be there yet. */
+    /** Adds an option's folder, which may be null or not exist yet. */
     GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
             throw new IllegalArgumentException(option + ": needs a folder, found a file: " + folder);
@@ -108,7 +110,7 @@ final class GivenPaths {
 
     private static boolean isRequest(Path file) {
         char[] head = new char[HEAD];
-        // Bytes that are no text are no mistake here.
+        // Any bytes can be read in this charset.
         try (Reader reader = Files.newBufferedReader(file, StandardCharsets.ISO_8859_1)) {
             int length = reader.read(head);
             return length > 0 && REQUEST.matcher(new String(head, 0, length)).find();

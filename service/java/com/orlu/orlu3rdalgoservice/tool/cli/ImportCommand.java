@@ -18,7 +18,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand import: makes a request file from what cameras write. */
+/** The subcommand import: makes a request file from the files that cameras write. */
 @Command(customSynopsis = "./run import [options] FILE... --out FILE",
         description = "Writes a request file of a camera service's text dump, the JSON of a camera image "
                 + "test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that is dropped "
@@ -43,7 +43,7 @@ final class ImportCommand implements Subcommand {
         if (Files.isDirectory(mOut)) {
             throw new IllegalArgumentException("--out: needs a file, found a folder: " + mOut);
         }
-        // A stranger's folder may have a link to a file of the reader's.
+        // A foreign folder may contain a link to one of the user's files.
         if (Files.isSymbolicLink(mOut)) {
             throw new IllegalArgumentException("--out: needs a file, found a link: " + mOut);
         }
@@ -88,7 +88,7 @@ final class ImportCommand implements Subcommand {
         importer.read(mFiles);
         Path folder = mOut.toAbsolutePath().getParent();
         makeFolder(folder);
-        // Checked as ./run would check it.
+        // Checked exactly as ./run checks it.
         String text = new RequestWriter(folder, importer).text(mFiles, mAlgorithms, mPhoto);
         RequestFileReader.check(mOut, text);
         Files.writeString(mOut, text);

@@ -17,7 +17,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand info: prints what recordings hold. */
+/** The subcommand info: prints the content of recordings. */
 @Command(customSynopsis = "./run info FOLDER...", footer = "  ./run info shots", description = {
     "Says what is in recordings: the request, its frames and images, how far it came.",
     GivenPaths.RECORDINGS})
@@ -41,7 +41,7 @@ final class InfoCommand implements Subcommand {
                         new RecordingSummary(run, System.out).print();
                     }
                 } catch (MistakeException e) {
-                    // The others may be whole.
+                    // The other recordings may be intact.
                     System.out.flush();
                     System.err.println("run: " + Printable.message(e));
                     status = Verdict.REFUSED;

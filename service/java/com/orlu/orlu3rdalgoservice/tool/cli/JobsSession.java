@@ -23,9 +23,9 @@ import java.util.concurrent.Callable;
 
 import picocli.CommandLine.Model.OptionSpec;
 
-/** Runs the requests of one command line side by side, each by ./run in a process of its own. */
+/** Runs the requests of one command line in parallel, each in its own ./run process. */
 final class JobsSession {
-    /** Options that are this process's own. */
+    /** Options that only this process handles. */
     private static final Set<String> OWN = Set.of("--jobs", "--json", "--junit", "--quiet", "--arm");
 
     private final RunCommand mOptions;
@@ -39,7 +39,7 @@ final class JobsSession {
     }
 
     /**
-     * Prints what each process prints, in the order of the requests. Returns the first status that is not
+     * Prints the output of each process in the order of the requests. Returns the first status that is not
      * ok.
      */
     int run() throws MistakeException, IOException {
@@ -66,7 +66,7 @@ final class JobsSession {
         return mStatus;
     }
 
-    // A mistake in one file keeps all from running. Images are left to the processes.
+    // A mistake in one file prevents all runs. The processes check the images.
     private boolean areRight() {
         int wrong = 0;
         for (Path request : mRequests) {

@@ -4,17 +4,14 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Model.OptionSpec;
 
-/**
- * A program that the launcher starts itself. Here it is only known for the list of subcommands and the
- * completion.
- */
+/** A program that the launcher starts itself. This class only lists it in the help and the completion. */
 @Command
 final class LaunchedCommand implements Subcommand {
     private final String mOptions;
 
     /**
-     * Takes the program's options but for --help, those with a value ending in "="; a test compares the kit's
-     * with its help.
+     * Takes the program's options except --help; options with a value end in "=". A test compares those of
+     * the kit with its help.
      */
     LaunchedCommand(String options) {
         mOptions = options;

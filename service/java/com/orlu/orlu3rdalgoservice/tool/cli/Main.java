@@ -25,7 +25,7 @@ public final class Main {
         if (trialLibrary == null) {
             WorkFolder.markFinished();
         }
-        // Threads of the algorithm library may still be attached, and would keep the VM alive.
+        // Threads of the algorithm library may still be attached and would keep the VM alive.
         System.exit(status);
     }
 

@@ -14,7 +14,7 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** What a subcommand that runs many requests takes, and how it ends. */
+/** The options of subcommands that run many requests, and their common end. */
 final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
             description = "write a page with the pictures beside each "
@@ -29,7 +29,9 @@ final class ManyOptions extends ResultOptions {
         check(new GivenPaths().folder("--report", report));
     }
 
-    /** Prints the table and the verdict, and writes what is asked for. Returns the status of the command. */
+    /**
+     * Prints the table and the verdict, and writes the requested files. Returns the status of the command.
+     */
     int finish(Results results, TextTable table, ContactSheet sheet) throws IOException {
         PrintStream to = text();
         table.print(new TextLayout(to, TextLayout.REPORT));

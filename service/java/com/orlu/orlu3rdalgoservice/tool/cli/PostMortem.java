@@ -35,20 +35,20 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Judges a run whose process ended before the command did, in another process, by what it left behind. */
+/** Judges a run whose process died. Runs in another process and reads what the run left in its files. */
 final class PostMortem {
     private static final String REPORT = "crash.log";
 
     private final RunCommand mOptions;
     private final int mExitStatus;
 
-    /** The exit status is the dead process's, as a shell has it: 128 and the number of the signal. */
+    /** The exit status of the dead process as in a shell: 128 plus the number of the signal. */
     PostMortem(RunCommand options, int exitStatus) {
         mOptions = options;
         mExitStatus = exitStatus;
     }
 
-    /** Prints the verdict, and keeps the last events and the VM's own report beside the images. */
+    /** Prints the verdict, and saves the last events and the VM's crash report beside the images. */
     int run() throws IOException {
         RecordedEvents events = new RecordedEvents();
         events.add(LineFile.fromStart(WorkFolder.events(), LineFile::isNoLookup).next());
@@ -71,7 +71,7 @@ final class PostMortem {
         return verdict.status();
     }
 
-    // The requests before it have their pages already. The folder is that of a run without an end, or null.
+    // Earlier requests have pages already. `unended` is the folder of a run that did not finish, or null.
     private void writePage(Verdict verdict, String crash, Path unended) throws IOException {
         List<Path> requests = mOptions.requests();
         PageFolder pages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(), requests
@@ -104,7 +104,8 @@ final class PostMortem {
         if (folder != null) {
             return RunFolder.read(folder, name, file);
         }
-        // It died before it was recorded. Requests before it have pages; their events are left out.
+        // The process died before recording began. Events of earlier requests, which have pages, are left
+        // out.
         RecordedEvents events = new RecordedEvents();
         events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
         RequestFile request = RequestFileReader.read(file, mOptions.tried.photo);
@@ -112,7 +113,8 @@ final class PostMortem {
         return Run.of(name, request, events, List.of(), null, null);
     }
 
-    // The run that began after this time and ended, as when its client could not be destroyed; null for none.
+    // Returns the run that began after this time and finished, such as when destroying its client crashed;
+    // null if there is none.
     private Path endedSince(long time) throws IOException {
         Path folder = mOptions.runs();
         if (folder == null) {
@@ -128,7 +130,7 @@ final class PostMortem {
         }
     }
 
-    // Null where the run did not keep them: the page has no pictures then.
+    // Null if the run did not keep them; the page then has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;
@@ -150,7 +152,7 @@ final class PostMortem {
         }
     }
 
-    // Puts the events into the folder of the run that did not end, and returns it; null if there is none.
+    // Adds the events to the folder of the unfinished run and returns it; null if there is none.
     private Path completeLastRun() throws IOException {
         Path folder = mOptions.runs();
         Path events = WorkFolder.events();

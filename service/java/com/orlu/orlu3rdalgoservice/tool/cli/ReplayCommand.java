@@ -18,7 +18,7 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand replay: runs recordings again, and compares. */
+/** The subcommand replay: runs recordings again, and compares the results. */
 @Command(customSynopsis = "./run replay [options] FOLDER...",
         description = {"Runs recordings again, and compares what they do with what was recorded. The status "
                 + "is 0 when all is equal, 1 when something is different.", GivenPaths.RECORDINGS},
@@ -30,7 +30,7 @@ final class ReplayCommand implements Subcommand {
     @Option(names = "--against", paramLabel = "LIBRARY",
             description = "run with this library: an algorithm library, or another build of the native one")
     private Path mLibrary;
-    // The process that runs them has this option for the launcher.
+    // Passed on to the launcher of the child process.
     @Option(names = "--arm", description = "run the 32-bit ARM library")
     private boolean mArm;
     @Mixin
@@ -41,7 +41,7 @@ final class ReplayCommand implements Subcommand {
         GivenPaths.checkRead(mFolders);
         GivenPaths.checkRead(mLibrary == null ? List.of() : List.of(mLibrary));
         mComparison.begin("replay");
-        // What can't be run again is reported before a process is started for it.
+        // Recordings that can't be run again are reported before any process starts.
         List<Run> recorded = new ArrayList<>();
         List<Path> requests = new ArrayList<>();
         for (Path file : mFolders) {
@@ -52,7 +52,7 @@ final class ReplayCommand implements Subcommand {
             }
         }
         for (int done = 0; done < requests.size();) {
-            // One process for all, and another for those after one that ended its process.
+            // All run in one process; after a crash, the rest run in another.
             ChildRun child = new ChildRun("replay", mArm, mLibrary);
             for (Path again : RunFolder.in(child.run(requests.subList(done, requests.size())))) {
                 compare(recorded.get(done), RunFolder.read(again, "this run"));

@@ -10,7 +10,7 @@ import java.util.stream.Stream;
 
 import picocli.CommandLine.Option;
 
-/** In which form a command prints its result. */
+/** The options that select the form of a command's results. */
 class ResultOptions {
     @Option(names = "--json", paramLabel = "FILE", description = "write the results as JSON "
             + "(docs/results.schema.json); - for standard output, which then has nothing else")
@@ -21,17 +21,17 @@ class ResultOptions {
     @Option(names = "--quiet", description = "print the verdict alone")
     boolean quiet;
 
-    /** Throws an IllegalArgumentException if a file can't be written; the paths have the others. */
+    /** Throws an IllegalArgumentException if a file can't be written; `paths` has the other paths. */
     void check(GivenPaths paths) {
         paths.file("--json", json).file("--junit", junit);
     }
 
-    /** Where the text for people goes: standard output, or nowhere. */
+    /** The stream for texts for people: standard output, or nowhere. */
     PrintStream text() {
         return quiet ? nowhere() : last();
     }
 
-    /** Where the verdict goes. */
+    /** The stream for the verdict. */
     PrintStream last() {
         boolean isTaken = Stream.of(json, junit).anyMatch(Results.STANDARD_OUTPUT::equals);
         return isTaken ? nowhere() : System.out;

@@ -21,7 +21,7 @@ import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 import picocli.CommandLine.Spec;
 
-/** What ./run does without a subcommand: it runs requests. The launcher acts on some of the options, too. */
+/** ./run without a subcommand: runs requests. The launcher reads some of these options, too. */
 @Command(customSynopsis = {"./run [options] [request.json | FOLDER ...]", "       ./run SUBCOMMAND ..."},
         commandListHeading = "%nSubcommands, each with a --help of its own:%n",
         description = "Sends camera requests through the post-processing library, as the service does, and "
@@ -56,7 +56,7 @@ final class RunCommand implements Subcommand {
     List<Path> files = new ArrayList<>();
     @Option(names = "--version", versionHelp = true, description = "print the version")
     private boolean mVersion;
-    // What the files that it writes are named after, for a process of another one.
+    // The base name of output files, set by the process that starts this one.
     @Option(names = "--as", paramLabel = "NAME", hidden = true)
     String name;
     @Spec
@@ -66,7 +66,7 @@ final class RunCommand implements Subcommand {
     static final class Shown {
         @Option(names = "--params", description = "print every parameter handed to the algorithms")
         boolean params;
-        /** Keys of parameters, perhaps with their sections, and words such as "all". */
+        /** Keys of parameters, with or without sections, and words such as "all". */
         @Option(names = "--explain", paramLabel = "[SECTION/]KEY", arity = "1",
                 completionCandidates = Candidates.Explained.class,
                 description = "say who wrote this parameter and which tags it depends on, found by trying: "
@@ -163,7 +163,7 @@ final class RunCommand implements Subcommand {
         return new PostMortem(this, exitStatus).run();
     }
 
-    /** Returns this if the options fit each other; else throws an IllegalArgumentException. */
+    /** Returns this if the options fit together; else throws an IllegalArgumentException. */
     RunCommand checked() {
         if (isGiven("--jobs")) {
             needsPositive("--jobs", tried.jobs);
@@ -211,9 +211,9 @@ final class RunCommand implements Subcommand {
     }
 
     /**
-     * The recorder that makes the folder of each run: where --record says, else the recorder's own property,
-     * else in the work folder. There, only the latest run is kept, with pixels if a page may need them. Null
-     * without a work folder.
+     * Returns the recorder that creates the folder of each run: in the folder of --record, else in that of
+     * the recorder's own property, else in the work folder. The work folder keeps only the latest run, with
+     * pixels if a page may need them. Null without a work folder.
      */
     RequestRecorder recorder() {
         if (written.record != null) {
@@ -228,7 +228,7 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /** The folder of the runs' folders; null without a work folder. */
+    /** The folder that holds the runs' folders; null without a work folder. */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }
@@ -241,17 +241,17 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether look-ups of tags are to be recorded: they are many, and cost as much as the request. */
+    /** Whether to record look-ups of tags. They are many, and cost as much as the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }
 
-    /** Whether the launcher runs the trials first, for something that is asked for. */
+    /** Whether a requested output needs trials, which the launcher runs first. */
     boolean needsTrials() {
         return shown.tags || tried.strict || written.report != null || !shown.explain.isEmpty();
     }
 
-    /** The request files, or the one that the launcher names when there are none. */
+    /** The request files; the launcher's default if there are none. */
     List<Path> requests() {
         String usual = System.getProperty("orlu.request");
         if (mRequests == null) {
@@ -261,7 +261,7 @@ final class RunCommand implements Subcommand {
         return mRequests;
     }
 
-    /** A name for each of them. */
+    /** A name for each request file. */
     List<String> names() {
         return name == null ? RequestNames.of(requests()) : List.of(name);
     }

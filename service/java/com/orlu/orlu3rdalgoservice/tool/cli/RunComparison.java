@@ -14,7 +14,7 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** How replay and diff compare two runs, and what came of it. */
+/** The comparison of two runs by replay and diff, and its results. */
 final class RunComparison extends ResultOptions {
     @Option(names = "--no-explain", description = "don't find out because of which tags parameters differ, "
             + "which takes some seconds")
@@ -30,9 +30,9 @@ final class RunComparison extends ResultOptions {
 
     private Results mResults;
 
-    /** Begins with the results of this subcommand. An IllegalArgumentException if an option is invalid. */
+    /** Starts the results of this subcommand. Throws an IllegalArgumentException if an option is invalid. */
     void begin(String command) {
-        // Also what is no number at all.
+        // The negation also rejects NaN.
         if (!(mTolerance >= 0)) {
             throw new IllegalArgumentException("--tolerance needs a NUMBER of 0 or more, found "
                     + mTolerance);
@@ -41,7 +41,7 @@ final class RunComparison extends ResultOptions {
         mResults = new Results(command);
     }
 
-    /** Prints what differs. */
+    /** Prints the differences. */
     void print(String title, Run one, Run other) throws MistakeException, IOException {
         ComparisonReport.Options options =
                 new ComparisonReport.Options(mIgnored, mTolerance, mOut, !mLeavesCauses);
@@ -53,13 +53,13 @@ final class RunComparison extends ResultOptions {
                         .toList());
     }
 
-    /** Adds a result; without differences it is ok. */
+    /** Adds a result, which is ok without differences. */
     void add(String title, List<String> differences) {
         mResults.add(title, differences.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, differences),
                 0, JsonWriter.object("differences", differences));
     }
 
-    /** Writes the results, and returns the status of the command: 0 if all is equal. */
+    /** Writes the results and returns the status of the command: 0 if all runs are equal. */
     int finish() throws IOException {
         write(mResults);
         int failed = mResults.failed().size();

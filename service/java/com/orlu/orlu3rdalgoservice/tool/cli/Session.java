@@ -55,9 +55,9 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.Collectors;
 
-/** Runs the requests of one command line, one after the other, and prints what happened. */
+/** Runs the requests of one command line in sequence, and prints what happened. */
 final class Session {
-    /** How much longer a callback that did not come is waited for, to tell a late one from none. */
+    /** How much longer to wait for a missing callback, to distinguish late from missing. */
     private static final long LATE_MILLISECONDS = 2_000;
     private static final long POLL_MILLISECONDS = 50;
 
@@ -69,14 +69,14 @@ final class Session {
     private final Photos mPhotos = new Photos();
     private final Timeline mTimeline = new Timeline();
 
-    /** Null when nothing is to be recorded. */
+    /** Null if nothing is recorded. */
     private final RequestRecorder mRecorder;
-    /** Null when no page is wanted. */
+    /** Null without pages. */
     private PageFolder mPages;
     private final SourceLines mSourceLines = new SourceLines();
 
     private ServiceClient mClient;
-    /** What was found of the algorithm library when the client was made. */
+    /** The verdict on the algorithm library after the client was created. */
     private Verdict mLibrary;
 
     Session(RunCommand options) {
@@ -88,16 +88,16 @@ final class Session {
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
 
-    /** Returns one of Verdict's statuses, the first that is not OK. */
+    /** Returns the first of Verdict's statuses that is not OK. */
     int run() throws MistakeException, ErrnoException, IOException {
-        // All are checked before the first runs, so that a mistake in the last shows at once.
+        // All files are checked before the first one runs, so a mistake in the last is reported at once.
         RequestChecker checker = new RequestChecker(mOptions.tried.photo, mOptions.tried.tags, mPhotos);
         mOptions.requests().forEach(checker::check);
         if (mOptions.tried.check) {
             checker.printUnderstood(mTo);
             writeCheck(checker);
         }
-        // A strict run goes on with warnings, and fails with them in its verdict.
+        // With --strict, warnings don't stop the run but fail its verdict.
         boolean isStrict = mOptions.tried.strict && mOptions.tried.check;
         checker.printMistakes(System.err, isStrict);
         if (!checker.isRight(isStrict)) {
@@ -161,7 +161,7 @@ final class Session {
         return overall();
     }
 
-    /** Copies the events to where --events says, and writes the timeline to where --timeline says. */
+    /** Copies the events to the file of --events, and writes the timeline to that of --timeline. */
     static void keepEvents(RunCommand options, Timeline timeline) throws IOException {
         Path events = WorkFolder.events();
         if (options.written.events != null && events != null && Files.exists(events)) {
@@ -197,7 +197,7 @@ final class Session {
         return mResults.status();
     }
 
-    /** Prints one verdict on several requests, behind all of theirs. The pages may be null. */
+    /** Prints one verdict on several requests, after their own. The pages may be null. */
     static void printOverall(RunCommand options, Results results, PageFolder pages) {
         List<Integer> failed = results.failed();
         String files = failed.stream().map(i -> options.requests().get(i).toString())
@@ -223,7 +223,7 @@ final class Session {
         }
         RequestRunner runner = null;
         ImageResults images = ImageResults.NONE;
-        // With a library that can't be used a request would only wait for a callback.
+        // With an unusable library a request would only run into the timeout.
         if (mLibrary.status() == Verdict.OK) {
             runner = new RequestRunner(request, mClient, stopwatch, mOptions.needsLookups());
             try (RequestRunner closed = runner) {
@@ -246,7 +246,7 @@ final class Session {
         return new RunReport(run, images, verdict, null, "", "");
     }
 
-    // Only when the wait ended without one: then a moment more shows whether one comes at all.
+    // Only after a timeout: a short extra wait shows whether the callback is late or missing.
     private void awaitLateCallback(RequestFile request, RequestRunner runner, RecordedEvents events)
             throws IOException {
         long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;

@@ -25,9 +25,9 @@ import java.util.List;
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {
-    /** Runs a request over a library, null for the usual one, with further options of ./run. */
+    /** Runs a request over a library (null: the usual one), with further options of ./run. */
     static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
-        // Without copies of the images as the library sees them.
+        // Without the probe's copies of the images.
         ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
         Path json = child.file("json");
         List<String> arguments = new ArrayList<>(options);
@@ -38,7 +38,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
             return new ShotRun(RunFolder.read(folders.get(0), request.toString()), Results.verdict(result),
                     result, child);
         } catch (IllegalStateException | MistakeException e) {
-            // Without a recording, such as over a library that can't be used.
+            // Not recorded, for example over an unusable library.
             Verdict verdict = Files.exists(json) ? Results.verdict(
                     Json.read(json).require("results").list().get(0)) : null;
             return new ShotRun(null,
@@ -54,7 +54,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         child.remove();
     }
 
-    /** How near its outputs are to the clean photo; null if that is not known. */
+    /** The similarity of its outputs to the clean photo; null if unknown. */
     OutputMeasure photo() throws MistakeException {
         OutputMeasure least = null;
         for (Json measure : result.has("photo") ? result.get("photo").list() : List.<Json>of()) {
@@ -66,7 +66,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         return least;
     }
 
-    /** The milliseconds of all calls into the library, NaN if there is no result. */
+    /** The milliseconds of all calls into the library; NaN without a result. */
     double milliseconds() {
         return Results.milliseconds(result);
     }

@@ -8,13 +8,11 @@ import java.io.IOException;
 
 import picocli.CommandLine.Model.CommandSpec;
 
-/**
- * A subcommand of ./run. Its fields are its options, with picocli's annotations; Commands has a row for each.
- */
+/** A subcommand of ./run. Its fields are its options, annotated for picocli; Commands has a row for each. */
 interface Subcommand {
     /**
-     * Does what the options ask for, and returns 0, 1 for a difference, or one of Verdict's statuses. An
-     * IllegalArgumentException is a mistake in the arguments, with a message for people.
+     * Runs the subcommand. Returns 0, 1 for a difference, or one of Verdict's statuses. An
+     * IllegalArgumentException reports a mistake in the arguments, with a message for people.
      */
     int run() throws MistakeException, ErrnoException, IOException;
 
@@ -28,7 +26,7 @@ interface Subcommand {
         throw new IllegalStateException("the process ended");
     }
 
-    /** Adds what annotations can't say. */
+    /** Adds what annotations can't express. */
     default void describe(CommandSpec spec) {
     }
 }

@@ -98,7 +98,7 @@ final class SweepCommand implements Subcommand {
         return points;
     }
 
-    // A wrong value shows before the first run.
+    // Reports a wrong value before the first run.
     private static void check(Path file, List<SweptTag> tags, List<List<String>> points)
             throws MistakeException {
         RequestFile request = RequestFileReader.read(file, null);

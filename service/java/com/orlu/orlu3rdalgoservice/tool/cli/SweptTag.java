@@ -21,7 +21,7 @@ record SweptTag(String name, List<String> values) {
     private static final String NUMBER = "([-+]?[0-9.]+(?:[eE][-+]?[0-9]+)?)";
     private static final Pattern RANGE = Pattern.compile(NUMBER + ":" + NUMBER + ":([0-9]{1,9})");
 
-    /** Reads NAME=from:to:steps or NAME=value,value,...; an IllegalArgumentException if it is neither. */
+    /** Parses NAME=from:to:steps or NAME=value,value,...; throws an IllegalArgumentException otherwise. */
     static SweptTag of(String text) {
         int equals = text.indexOf('=');
         if (equals < 1 || equals == text.length() - 1) {
@@ -60,7 +60,7 @@ record SweptTag(String name, List<String> values) {
         }
     }
 
-    // Elements of a JSON list, or texts without quotes.
+    // Elements of a JSON list, or unquoted texts.
     private static List<String> list(String values) {
         try {
             return Json.parse("--tag", 0, "[" + values + "]").list().stream().map(JsonWriter::line).toList();

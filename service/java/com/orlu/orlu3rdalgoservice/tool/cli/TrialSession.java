@@ -26,15 +26,15 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * The trials of one command line. They have a process of their own, before the command's, because the native
- * library opens the algorithm library once, and here that is the one that answers at once. What they find is
- * left in the work folder.
+ * The trials of one command line. They run in their own process before the command: the native library opens
+ * its algorithm library only once, and trials need one that answers at once. The results are left in the work
+ * folder.
  */
 final class TrialSession {
     private TrialSession() {
     }
 
-    /** Runs the trials of all requests. What can't be read is left to the command to complain about. */
+    /** Runs the trials of all requests. The command itself reports unreadable files. */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();
@@ -56,7 +56,7 @@ final class TrialSession {
             Progress.end();
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
-                // No command comes behind these that would say it.
+                // No command follows that would report it.
                 System.err.println("run: " + Printable.message(e));
             }
             return Verdict.REFUSED;
@@ -67,7 +67,7 @@ final class TrialSession {
         return Verdict.OK;
     }
 
-    /** What the process before found for a request of this command line. */
+    /** Returns the trials' results for a request of this command line. */
     static Dependences found(int request) throws IOException {
         Path file = WorkFolder.trials();
         if (file == null || !Files.exists(file)) {
@@ -87,7 +87,7 @@ final class TrialSession {
         return Trials.of(request, FrameSize.of(request, frames), library);
     }
 
-    // One frame of the size that all have, with nothing done to its pixels.
+    // One frame of the common size, with unprocessed pixels.
     private static FrameSetPlan bareFrame(FrameSetPlan set) {
         FramePlan first = set.frames().get(0);
         FramePlan bare = new FramePlan(first.captureResult(), first.composition(), 0, 0, 1, new int[2]);

@@ -6,7 +6,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The trials of one request for another process of ./run, which compares runs. TrialSession runs them. */
+/** Runs the trials of one request for another ./run process, which compares runs. See TrialSession. */
 @Command(customSynopsis = "./run trials REQUEST --record FILE",
         description = "Tries what each tag of a request changes.")
 final class TrialsCommand implements Subcommand {
