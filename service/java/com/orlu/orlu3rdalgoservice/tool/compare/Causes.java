@@ -15,8 +15,8 @@ import java.util.Set;
 import java.util.TreeSet;
 
 /**
- * Says because of which tags a parameter of two runs differs: those that the runs were given differently, and
- * that it depends on in one run or the other.
+ * Finds the tags that explain why a parameter differs between two runs: tags whose values differ and that the
+ * parameter depends on in either run.
  */
 public final class Causes {
     private static final int SHOWN = 3;
@@ -26,10 +26,10 @@ public final class Causes {
 
     private final List<GivenTag> mGiven;
     private final List<Dependences> mRuns;
-    /** What each tag does in the runs, a tag that is asked for in none being absent. */
+    /** What each tag does in the runs. Tags that neither run reads are absent. */
     private final Map<Place, List<Dependence>> mTags = new HashMap<>();
 
-    /** The tags that were given differently, and what the trials of each run found. */
+    /** `given` are the tags that differ, `runs` what the trials of each run found. */
     public Causes(List<GivenTag> given, List<Dependences> runs) {
         mGiven = given;
         mRuns = runs;
@@ -42,9 +42,8 @@ public final class Causes {
     }
 
     /**
-     * The lines on a difference that can come from tags, each with its frames; the tags that change least
-     * else are first. Where no tag that differs explains it, the last line says on what it depends all the
-     * same.
+     * Returns a line for each tag that can explain a difference, with its frames; tags that change the fewest
+     * other parameters first. If no tag explains it, the last line names the tags it depends on.
      */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();
@@ -65,7 +64,7 @@ public final class Causes {
         return lines;
     }
 
-    // The tags of a parameter, whether they differ or not.
+    // The tags that a parameter depends on, whether they differ or not.
     private String dependsOn(String name) {
         Map<String, Set<Integer>> tags = new LinkedHashMap<>();
         mRuns.stream().flatMap(run -> run.of(name).stream())
@@ -81,7 +80,7 @@ public final class Causes {
                 + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " tags more" : "");
     }
 
-    /** What the trials can't be relied on for, "" when they can. */
+    /** Why the trials are unreliable; "" if they are reliable. */
     public String problem() {
         return mRuns.stream().map(Dependences::problem).filter(problem -> !problem.isEmpty()).findFirst()
                 .orElse("");

@@ -12,7 +12,7 @@ import java.util.Map;
  * @param tolerance 0 when all must be equal
  */
 record Closeness(double tolerance) {
-    /** Null is close to null alone. */
+    /** Null is close only to null. */
     boolean isClose(Json one, Json other) {
         if (one == null || other == null) {
             return one == other;

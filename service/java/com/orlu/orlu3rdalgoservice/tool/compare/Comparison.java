@@ -16,8 +16,8 @@ import java.util.Map;
 import java.util.Set;
 
 /**
- * Compares what two runs did, in the order of the work. Each difference has one line: the first run's, " / ",
- * the other's.
+ * Compares what two runs did, in the order of execution. Each difference is one line: the first run's value,
+ * " / ", the other's.
  */
 public final class Comparison {
     // An address of the process.
@@ -31,8 +31,8 @@ public final class Comparison {
     private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
-     * Compares. Ignored are parameters, values put, calls and outputs of these names; numbers that differ by
-     * no more than the tolerance are equal.
+     * Compares. Ignores parameters, values put, calls and outputs with these names; numbers that differ by at
+     * most the tolerance are equal.
      */
     public Comparison(
             Run one, Run other, Set<String> ignored, double tolerance, OutputComparison outputs) {
@@ -43,7 +43,7 @@ public final class Comparison {
         mOutputs = outputs;
     }
 
-    /** All differences. A run that did not end is compared as far as it goes. */
+    /** Returns all differences. An unfinished run is compared as far as it got. */
     public List<Difference> differences() throws MistakeException, IOException {
         boolean bothComplete = mOne.isComplete() && mOther.isComplete();
         if (mOne.isComplete() && !mOther.isComplete()) {
@@ -64,7 +64,7 @@ public final class Comparison {
         return mDifferences;
     }
 
-    /** What could not be compared, and times: no differences. */
+    /** Returns what could not be compared, and times; these are not differences. */
     public List<String> notes() throws MistakeException {
         List<String> notes = new ArrayList<>();
         for (Run run : List.of(mOne, mOther)) {
@@ -166,12 +166,13 @@ public final class Comparison {
         return put == null ? "not put" : JsonWriter.line(put);
     }
 
-    // The elements of a value that is a list: {"ints": [1, 2]}.
+    // The elements of a list value: {"ints": [1, 2]}.
     private static Json list(Json put) {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
-    // What the library was given and left, beside what Java had; only of runs whose probes kept pixels.
+    // Compares the images that the library received and left with Java's. Needs the probe's pixels of both
+    // runs.
     private void compareHanded() {
         for (HandedImage one : known(mOne)) {
             for (HandedImage other : known(mOther)) {

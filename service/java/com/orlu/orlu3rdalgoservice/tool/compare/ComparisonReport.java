@@ -16,7 +16,7 @@ import java.util.ArrayList;
 import java.util.HashSet;
 import java.util.List;
 
-/** Compares two runs and prints what differs, because of which tags, and what could not be compared. */
+/** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
 
@@ -47,7 +47,7 @@ public final class ComparisonReport {
         mGiven = GivenTag.of(one, other);
     }
 
-    /** Prints all under this title. Returns the differences. */
+    /** Prints everything under this title. Returns the differences. */
     public List<Difference> print(String title) throws MistakeException, IOException {
         String name = Path.of(mOne.name()).getFileName().toString()
                 .replaceFirst("(\\.json)?( with .*)?$", "");
@@ -95,7 +95,7 @@ public final class ComparisonReport {
         }
     }
 
-    // A tag may matter in one of the runs alone, so that both are tried, unless they were given the same.
+    // A tag may matter in only one of the runs, so both have trials unless their inputs are equal.
     private Causes causes() throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {

@@ -8,7 +8,7 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
  *                  list, "" for anything else
  */
 public record Difference(String text, String parameter) {
-    /** Whether tags can be what it comes from. */
+    /** Whether tags can cause the difference. */
     public boolean canComeFromTags() {
         return !parameter.isEmpty();
     }

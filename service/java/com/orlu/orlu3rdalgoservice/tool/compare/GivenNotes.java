@@ -14,7 +14,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** What two runs were given differently: settings, images, and tags, each with all frames. */
+/** The differences between the inputs of two runs: settings, images, and tags, each with all frames. */
 final class GivenNotes {
     private static final int MOST_TAGS = 12;
 
@@ -40,7 +40,7 @@ final class GivenNotes {
         return mLines;
     }
 
-    /** The same tag of several frames in one list, in the order of the first. */
+    /** Groups the same tag of several frames, in the order of the first. */
     static List<List<GivenTag>> grouped(List<GivenTag> tags) {
         Map<String, List<GivenTag>> byTag = new LinkedHashMap<>();
         for (GivenTag tag : tags) {
@@ -49,7 +49,7 @@ final class GivenNotes {
         return new ArrayList<>(byTag.values());
     }
 
-    /** "frames 0 to 6 TAG = ONE / OTHER"; of values that are others in each frame, the first frame's. */
+    /** Returns "frames 0 to 6 TAG = ONE / OTHER", with the first frame's values if they vary by frame. */
     static String text(List<GivenTag> tag, String verb) {
         GivenTag first = tag.get(0);
         boolean isSame = tag.stream().allMatch(each -> each.text().equals(first.text()));
@@ -82,7 +82,7 @@ final class GivenNotes {
         return value == null ? "none" : JsonWriter.line(value);
     }
 
-    // Pixels are told apart by their checks.
+    // Pixels are compared by checksum.
     private void addInputs() {
         int common = Math.min(mOne.inputs().size(), mOther.inputs().size());
         if (mOne.inputs().size() != mOther.inputs().size()) {

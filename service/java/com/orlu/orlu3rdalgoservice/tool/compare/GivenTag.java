@@ -23,7 +23,10 @@ public record GivenTag(int frame, String source, String tag, String one, String 
     private static final int LONGEST = 40;
     private static final int SHOWN_BEFORE = 15;
 
-    /** All of the frames that both runs have, by frame. None when a run is known by its events alone. */
+    /**
+     * Returns the differing tags of all frames that both runs have, by frame; none if only a run's events are
+     * known.
+     */
     public static List<GivenTag> of(Run one, Run other) {
         List<GivenTag> tags = new ArrayList<>();
         for (int frame = 0; frame < Math.min(one.frames().size(), other.frames().size()); ++frame) {
@@ -52,7 +55,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return values.containsKey(tag) ? JsonWriter.line(values.get(tag)) : "none";
     }
 
-    // Where long values are shown from, so that what differs is seen.
+    // The start of the shown part of long values, chosen so that the difference is visible.
     private static int start(String one, String other) {
         int same = 0;
         while (same < Math.min(one.length(), other.length()) && one.charAt(same) == other.charAt(same)) {
@@ -66,7 +69,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return (from > 0 ? "..." : "") + text.substring(from, end) + (end < text.length() ? "..." : "");
     }
 
-    /** The tag with both values; of the capture result, unless the text says otherwise. */
+    /** The tag with both values. The source is named unless it is the capture result. */
     public String text() {
         return tag + " = " + one + " / " + other + (source.equals("composition") ? ", composition" : "");
     }

@@ -17,15 +17,15 @@ import java.util.List;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Compares outputs by their descriptions and bytes, and writes pictures of those that differ. */
+/** Compares outputs by description and bytes, and writes pictures of those that differ. */
 public final class OutputComparison {
-    // The time of the day in a JPEG's EXIF block.
+    // The time of day in a JPEG's EXIF block.
     private static final Pattern EXIF_TIME = Pattern.compile("\\d{4}:\\d\\d:\\d\\d \\d\\d:\\d\\d:\\d\\d\0");
 
     private final Path mPictures;
     private final String mName;
 
-    /** Pictures go into the folder, null for none, under names that begin with the name. */
+    /** Writes pictures to the folder (null: none), with `name` as prefix. */
     public OutputComparison(Path pictures, String name) {
         mPictures = pictures;
         mName = name;
@@ -38,7 +38,7 @@ public final class OutputComparison {
         for (String field : List.of("format", "width", "height", "rowStrides", "planeSizes")) {
             String left = JsonWriter.line(one.json().get(field));
             String right = JsonWriter.line(other.json().get(field));
-            // A picture that is nearly the same is a JPEG of another size.
+            // Similar pictures give JPEGs of different sizes.
             boolean isFree = tolerance > 0 && isJpeg(one) && field.equals("planeSizes");
             if (!left.equals(right) && !isFree) {
                 differences.add(output + " " + field + ": " + left + " / " + right);
@@ -81,7 +81,7 @@ public final class OutputComparison {
         return file;
     }
 
-    // Empty when the pixels differ by no more than the tolerance.
+    // Empty if the pixels differ by at most the tolerance.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws IOException {
         int at = Arrays.mismatch(one, other);

@@ -15,10 +15,10 @@ import java.util.List;
  * @param output the output of the least PSNR
  */
 public record OutputMeasure(double psnr, double ssim, int output) {
-    /** Of outputs that can't be compared. */
+    /** The measure of outputs that can't be compared. */
     public static final OutputMeasure NONE = new OutputMeasure(Double.NaN, Double.NaN, 0);
 
-    /** Compares each output that both runs have; runs without outputs are equal. */
+    /** Compares each output that both runs have. Runs without outputs are equal. */
     public static OutputMeasure of(Run one, Run other) throws MistakeException {
         List<ImageLayout> left = one.results();
         List<ImageLayout> right = other.results();
@@ -28,7 +28,7 @@ public record OutputMeasure(double psnr, double ssim, int output) {
         for (int i = 0; i < Math.min(left.size(), right.size()); ++i) {
             ImageDifference difference = difference(left.get(i), right.get(i));
             worst = difference == null || difference.psnr() < psnr ? i : worst;
-            // Math.min keeps a NaN.
+            // Math.min propagates NaN.
             psnr = Math.min(psnr, difference == null ? Double.NaN : difference.psnr());
             ssim = Math.min(ssim, difference == null ? Double.NaN : difference.ssim());
         }

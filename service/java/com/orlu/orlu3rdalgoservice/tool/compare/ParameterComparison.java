@@ -22,7 +22,7 @@ final class ParameterComparison {
         mCloseness = closeness;
     }
 
-    /** All differences; what one run has more than the other counts when both came to their ends. */
+    /** Returns all differences. Surplus parameters of one run count only if both runs finished. */
     List<Difference> differences(Run one, Run other, boolean whole) {
         compareInOrder(wanted(one), wanted(other), whole);
         return mDifferences;
@@ -67,7 +67,7 @@ final class ParameterComparison {
     private void compareValues(
             String where, List<Parameter> ones, List<Parameter> others, Parameter one, Parameter other) {
         if (!Arrays.equals(one.bytes(), other.bytes()) && !mCloseness.isClose(one.json(), other.json())) {
-            // A key that is written for each frame, or again, says which write it is.
+            // The number of the write is named if a key is written several times.
             int writes = countOf(ones, one.name());
             String write = writes > 1 ? ", write " + indexOf(ones, one) + " of " + writes : "";
             mDifferences.add(new Difference(

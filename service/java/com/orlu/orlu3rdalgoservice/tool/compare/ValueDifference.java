@@ -9,23 +9,25 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.List;
 
-/** What differs between two values: both where they are short, else the fields, elements or bytes that do. */
+/**
+ * The difference between two values: both values if short, else the fields, elements or bytes that differ.
+ */
 final class ValueDifference {
     private static final int LONGEST = 70;
     private static final int SHOWN = 3;
-    // Between the fields of a record, but not within the brackets of one.
+    // Separates the fields of a record, but not within brackets.
     private static final String BETWEEN_FIELDS = ", (?![^(\\[]*[)\\]])";
 
     private ValueDifference() {
     }
 
-    /** "ONE / OTHER" of two parameters whose bytes differ. */
+    /** Returns "ONE / OTHER" for two parameters with different bytes. */
     static String of(Parameter one, Parameter other) {
         String text = of(one.text(), other.text(), one.json(), other.json());
         return text.isEmpty() ? bytes(one.bytes(), other.bytes()) : text;
     }
 
-    /** The same of two values that differ, which are shown as these texts. */
+    /** Returns the same for two different values, with these texts for display. */
     static String of(String one, String other, Json oneValue, Json otherValue) {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;
@@ -76,7 +78,7 @@ final class ValueDifference {
         return HexFormat.of().toHexDigits(value);
     }
 
-    /** A text that is not too long for a line. */
+    /** Returns the text, shortened if it is too long for a line. */
     static String cut(String text) {
         return text.length() <= LONGEST / 2 ? text : text.substring(0, LONGEST / 2) + "...";
     }

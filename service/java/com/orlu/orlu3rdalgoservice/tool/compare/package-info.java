@@ -1,2 +1,2 @@
-/** Compares what two runs of a request did. */
+/** Compares two runs of a request. */
 package com.orlu.orlu3rdalgoservice.tool.compare;
