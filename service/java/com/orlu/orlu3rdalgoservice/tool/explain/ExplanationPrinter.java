@@ -11,7 +11,7 @@ import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Set;
 
-/** Prints who wrote a parameter, and which tags it depends on. */
+/** Prints which code wrote a parameter and which tags it depends on. */
 public final class ExplanationPrinter {
     private static final String ALL = "all";
     private static final String INDENT = " ".repeat(14);
@@ -26,7 +26,7 @@ public final class ExplanationPrinter {
         mLines = lines;
     }
 
-    /** Explains what the words name: a key, a section and a key, "algorithms", or "all" that was written. */
+    /** Explains each word: a key, a section and a key, "algorithms", or "all" parameters written. */
     public void print(List<String> words) {
         Set<String> names = mExplanations.names();
         Set<String> possible = mExplanations.possibleNames();
@@ -60,7 +60,7 @@ public final class ExplanationPrinter {
             mLines.list("perhaps", near);
             return;
         }
-        // With its section where that was typed.
+        // Includes the section if the user typed one.
         String nearest = NearestWord.of(word, possible.stream().map(Handover::shortName)
                 .map(name -> word.contains("/") ? name : name.replaceFirst(".*/", "")).toList());
         if (nearest != null) {

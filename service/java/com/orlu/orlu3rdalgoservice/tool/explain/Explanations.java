@@ -12,7 +12,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.stream.IntStream;
 
-/** What is known of a request's parameters: who wrote each, and which tags it depends on. */
+/** Explains a request's parameters: what wrote each, and which tags it depends on. */
 public final class Explanations {
     private static final String UNKNOWN_PLACE = "an unknown line";
 
@@ -20,7 +20,7 @@ public final class Explanations {
     private final Dependences mDependences;
     private final Readings mReadings;
     private final List<Place> mPlaces;
-    /** Every name that the request wrote. */
+    /** Every parameter that the request wrote. */
     private final Set<String> mNames = new LinkedHashSet<>();
 
     /**
@@ -32,7 +32,7 @@ public final class Explanations {
     public record Write(Parameter parameter, boolean isReplaced, String place) {
     }
 
-    /** Of a request whose look-ups were recorded and whose trials are there. */
+    /** Explains a run that has recorded look-ups and trials. */
     public Explanations(Run run, Dependences dependences, SourceLines source) {
         mHandover = run.handover();
         mDependences = dependences;
@@ -47,19 +47,19 @@ public final class Explanations {
         return mHandover;
     }
 
-    /** What the request wrote, in its order, and the algorithm list. */
+    /** The parameters that the request wrote, in order, and the algorithm list. */
     public Set<String> names() {
         return mNames;
     }
 
-    /** The same, and what it would write if a tag had another value. */
+    /** The same, and the parameters that it would write if a tag had another value. */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
         mDependences.all().forEach(tag -> possible.addAll(tag.parameters()));
         return possible;
     }
 
-    /** Every write of the request, in its order. */
+    /** Every write of the request, in order. */
     public List<Write> writes() {
         return IntStream.range(0, mPlaces.size()).mapToObj(this::write).toList();
     }
@@ -77,12 +77,12 @@ public final class Explanations {
                 place == null ? UNKNOWN_PLACE : place.text());
     }
 
-    /** Whether a parameter changes with nothing changed. */
+    /** Whether a parameter changes between identical runs. */
     public boolean isUnsteady(String name) {
         return mDependences.unsteady().contains(name);
     }
 
-    /** The tags that a parameter depends on, without those that most parameters do. */
+    /** The tags that a parameter depends on, except those that affect most parameters. */
     public TagRows tags(String name) {
         TagRows rows = new TagRows();
         mDependences.of(name).stream().filter(tag -> !isGeneral(tag)).forEach(tag -> rows.add(tag.tag(),
@@ -90,7 +90,7 @@ public final class Explanations {
         return rows;
     }
 
-    /** The tags that most parameters depend on: each would have to name them. */
+    /** The tags that most parameters depend on, listed once instead of with each parameter. */
     public TagRows generalTags() {
         TagRows rows = new TagRows();
         mDependences.all().stream().filter(this::isGeneral)
@@ -107,12 +107,12 @@ public final class Explanations {
         return tag.parameters().size() > mNames.size() / 2;
     }
 
-    /** Why the tags are not known, or not all; "" when they are. */
+    /** Why some or all tags are unknown; "" if none is. */
     public String problem() {
         return mDependences.problem();
     }
 
-    /** How the tags were found, in words. */
+    /** How the tags were found, as text. */
     public String effort() {
         return "found by %d trials in %.1f s: docs/explain.md says what they can miss"
                 .formatted(mDependences.trials(), mDependences.seconds());

@@ -15,7 +15,7 @@ import java.util.function.Consumer;
 import java.util.stream.LongStream;
 
 /**
- * The values that a tag is given in trials, most telling first: neighbours and other signs for sums and
+ * The values that trials give a tag, most revealing first: neighbours and opposite signs for sums and
  * thresholds, single bits for flags, small numbers for modes, fewer and more elements for lists.
  */
 final class OtherValues {
@@ -25,15 +25,15 @@ final class OtherValues {
     private static final double[] FACTORS = {1.5, 0.5, -1, 1.001, 10, 0.1, 100, 0.01};
     private static final int INT_BITS = 31;
     private static final int LONG_BITS = 63;
-    /** Elements of an array that are changed one at a time; the rest change with all others only. */
+    /** How many elements of an array are changed one by one; the rest change only all together. */
     private static final int ELEMENTS = 64;
-    /** How long the arrays are that an absent tag is given. */
+    /** The lengths of arrays tried for an absent tag. */
     private static final int[] LENGTHS = {16, 1, 2, 3, 4, 8, 9, 256};
     private static final int[] BYTE_LENGTHS = {4096, 4, 8, 16, 64, 512};
 
     private final List<Object> mValues = new ArrayList<>();
 
-    /** Values of the class of the one that is held; the first is null, for a tag that is taken away. */
+    /** Returns values of the class of the present one. The first is null, which removes the tag. */
     static List<Object> insteadOf(Object held) {
         OtherValues others = new OtherValues();
         others.mValues.add(null);
@@ -41,7 +41,7 @@ final class OtherValues {
         return others.mValues;
     }
 
-    /** Values for a tag that is not held. */
+    /** Returns values for an absent tag. */
     static List<Object> of(TagType type) {
         OtherValues others = new OtherValues();
         for (Object example : examples(type)) {
@@ -99,7 +99,7 @@ final class OtherValues {
         return type == byte.class || type == Byte.class ? (Object) (byte) number : (Object) number;
     }
 
-    // The same number can come of several rules; arrays are never the same.
+    // Several rules can give the same number, which is added once. Arrays never compare equal.
     private void add(Object value) {
         if (!mValues.contains(value)) {
             mValues.add(value);
@@ -217,7 +217,7 @@ final class OtherValues {
         }
     }
 
-    // Each value that the first element can have, in its place.
+    // Changes the first element to each of its other values.
     private void addElements(Object array) {
         OtherValues elements = new OtherValues();
         elements.addOthers(array instanceof byte[] bytes ? (Object) (int) bytes[0] : Array.get(array, 0));
@@ -250,7 +250,7 @@ final class OtherValues {
                 ? ofClass(element.getClass(), number.doubleValue() + 1) : element + "1";
     }
 
-    // What is added is a copy of the last element, or what an absent tag would have.
+    // New elements copy the last one, or the value for an absent tag.
     private static Object resized(Object array, int length) {
         int kept = Math.min(length, Array.getLength(array));
         Class<?> component = array.getClass().getComponentType();

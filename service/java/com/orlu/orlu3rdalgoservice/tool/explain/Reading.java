@@ -13,12 +13,12 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
  */
 public record Reading(
         int frame, String tag, String source, Outcome outcome, String asked, String held, String value) {
-    /** What came of asking. */
+    /** The outcome of reading the tag. */
     public enum Outcome {
         FOUND,
         ABSENT,
         WRONG_TYPE,
-        /** No table knows the tag. */
+        /** Missing from every table. */
         UNKNOWN,
         /** Nobody asked. */
         NEVER_READ
@@ -32,7 +32,7 @@ public record Reading(
         return outcome == other;
     }
 
-    /** What it is, in words after the frame. */
+    /** The reading as text that follows the frame. */
     public String text() {
         String place = isInComposition() ? "composition     " : "capture result  ";
         return switch (outcome) {

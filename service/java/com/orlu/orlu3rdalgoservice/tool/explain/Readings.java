@@ -15,7 +15,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** What became of every tag of a request: of each that was asked for, and of each that the request has. */
+/** The readings of all tags of a request: those that were read and those that it has. */
 public final class Readings {
     private record Key(int frame, String tag, boolean inComposition) {
     }
@@ -23,7 +23,7 @@ public final class Readings {
     private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
     private final Dependences mDependences;
 
-    /** The dependences say as what a composition's values are asked for; they may be unknown. */
+    /** The dependences name the types that composition values are read as; they may be unknown. */
     Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
         mDependences = dependences;
         events.events("lookup").forEach(this::add);
@@ -38,30 +38,30 @@ public final class Readings {
         }
     }
 
-    /** Of a request whose look-ups were recorded. */
+    /** Returns the readings of a run whose look-ups were recorded. */
     public static Readings of(Run run, Dependences dependences) {
         return new Readings(run.events(), run.request().frames().frames(),
                 dependences != null ? dependences : Dependences.unknown("nobody asked"));
     }
 
-    /** All, in the order in which they were first asked for; what never was is last. */
+    /** All readings in the order of the first look-up; tags never read are last. */
     public Collection<Reading> all() {
         return mReadings.values();
     }
 
-    /** A tag's reading in the store that trials changed; null when there is none. */
+    /** The tag's reading in the store that trials changed; null if there is none. */
     public Reading of(Dependence tag) {
         return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
     }
 
-    /** What lies in the capture result under a value of the composition; null when nothing does. */
+    /** The capture result's value that a composition's value hides; null if there is none. */
     public Reading under(Reading reading) {
         Reading under = reading.isInComposition()
                 ? mReadings.get(new Key(reading.frame(), reading.tag(), false)) : null;
         return under == null || under.value().isEmpty() ? null : under;
     }
 
-    /** The value of the composition that hides this one of the capture result; null when none does. */
+    /** The composition's value that hides a capture result's; null if there is none. */
     Reading over(Reading reading) {
         Reading over = reading.isInComposition() ? null
                 : mReadings.get(new Key(reading.frame(), reading.tag(), true));
@@ -83,7 +83,7 @@ public final class Readings {
             return;
         }
         if (!inComposition) {
-            // The composition was asked before, and had none.
+            // The composition was asked first and lacked the tag.
             mReadings.computeIfPresent(
                     new Key(frame, tag, true), (key, reading) -> reading.is(Outcome.ABSENT) ? null : reading);
         }
@@ -96,7 +96,7 @@ public final class Readings {
         put(new Reading(frame, tag, lookup.text("source"), outcome, asked, held, value));
     }
 
-    // A tag asked for again is what it was, unless another type was asked for this time.
+    // A repeated look-up gives the same outcome, unless it asks for another type.
     private void put(Reading reading) {
         mReadings.merge(new Key(reading.frame(), reading.tag(), reading.isInComposition()), reading,
                 (first, again) -> again.is(Outcome.WRONG_TYPE) ? again : first);
@@ -112,7 +112,7 @@ public final class Readings {
         return mDependences.of(frame, tag).stream().map(Dependence::asked).findFirst().orElse("");
     }
 
-    // A composition's array may be one of numbers where a capture result's is one of their objects.
+    // A composition may hold int[] where a capture result holds Integer[].
     private static boolean fits(String held, String asked) {
         String boxed = held.equals("int[]") ? "Integer[]"
                 : held.substring(0, 1).toUpperCase() + held.substring(1);

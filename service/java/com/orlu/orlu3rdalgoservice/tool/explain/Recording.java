@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** What one translation handed over. */
+/** The parameters that one translation wrote. */
 final class Recording {
     private final byte[] mRecord;
     private final List<Write> mWrites;
@@ -28,7 +28,7 @@ final class Recording {
     }
 
     /**
-     * The names whose values, in the order of their writes, are not those of another recording, and the
+     * Returns the names with other values, in the order of their writes, than another recording, and the
      * names that moved past others.
      */
     Set<String> differences(byte[] otherRecord) {
@@ -55,12 +55,12 @@ final class Recording {
         return true;
     }
 
-    // The names of the writes without those of the names given.
+    // The names of the writes except the given ones.
     private List<String> order(Set<String> without) {
         return mWrites.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // Both orders have the same names equally often. What is not in their longest common order has moved.
+    // Both orders have each name equally often. Names outside their longest common subsequence have moved.
     private static Set<String> moved(List<String> before, List<String> after) {
         if (before.equals(after)) {
             return Set.of();

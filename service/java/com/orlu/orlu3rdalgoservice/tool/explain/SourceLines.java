@@ -15,7 +15,7 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** Finds the lines of source that calls came from, by addr2line on the file that was loaded. */
+/** Finds the source lines of calls with addr2line on the loaded file. */
 public final class SourceLines {
     /** A line of source, and the function around it. */
     public record Place(String function, String file, int line) {
@@ -29,7 +29,7 @@ public final class SourceLines {
     private String mTool = "addr2line";
     private String mProblem = "";
 
-    /** Takes over which files the addresses of these events lie in. */
+    /** Learns from these events which file each address lies in. */
     public void learn(RecordedEvents events) {
         for (Event header : events.events("header")) {
             mTool = header.text("machine").startsWith("arm") ? "arm-linux-gnueabihf-addr2line" : "addr2line";
@@ -39,14 +39,15 @@ public final class SourceLines {
         }
     }
 
-    /** Why lines are missing, "" when none is. */
+    /** Why lines are missing; "" if none is. */
     public String problem() {
         return mProblem;
     }
 
     /**
-     * For each call the line that says most of it: of the lines on its way, innermost first, the first that
-     * the fewest kinds of call share, so that what all calls go through is left out. Null when none is known.
+     * Returns the most specific source line of each call: on its stack, innermost first, the first line
+     * shared by the fewest kinds of call. This skips lines that all calls pass through. Null if no line is
+     * known.
      */
     public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
@@ -69,7 +70,8 @@ public final class SourceLines {
         return telling;
     }
 
-    // Rows are written by templates in headers, which name no row; their lines count if there are no others.
+    // Rows are written by templates in headers, which say nothing about the row. Their lines count only if
+    // there are no others.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();
@@ -97,7 +99,7 @@ public final class SourceLines {
             mProblem = "no event says where " + module + " lies";
             return;
         }
-        // Java's own helper for this is a program of the emulated machine, which this one can't start.
+        // Java's own spawn helper is a program of the emulated machine and can't run here.
         System.setProperty("jdk.lang.Process.launchMechanism", "VFORK");
         List<String> command = new ArrayList<>(List.of(mTool, "-a", "-f", "-i", "-C", "-e", path));
         command.addAll(offsets);
@@ -110,7 +112,7 @@ public final class SourceLines {
         }
     }
 
-    // An address, then a function and a line for each level of inlining, innermost first.
+    // The output has an address, then a function and a line for each inlining level, innermost first.
     private void read(String module, List<String> lines) {
         List<Place> places = null;
         for (int i = 0; i < lines.size(); ++i) {
@@ -135,7 +137,7 @@ public final class SourceLines {
         }
     }
 
-    // Without scopes, arguments and return type.
+    // The function without scopes, arguments and return type.
     private static String shortName(String function) {
         String name = function.replace("(anonymous namespace)::", "");
         int end = name.indexOf('(');

@@ -10,7 +10,7 @@ import java.util.Set;
 import java.util.TreeSet;
 import java.util.function.Predicate;
 
-/** Finds tags that are of no use to a request as they are: misspelt, misplaced, or of a wrong type. */
+/** Finds tags without effect: misspelt, misplaced, or of a wrong type. */
 public final class TagCheck {
     private final Readings mReadings;
     private final Set<String> mRead = new HashSet<>();
@@ -24,14 +24,14 @@ public final class TagCheck {
         }
     }
 
-    /** Whether the request has the tag and nobody asked for it, of no frame. */
+    /** Whether the request has the tag and it was never read, in any frame. */
     boolean isNeverRead(Reading reading) {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }
 
     /**
-     * The verdict with what --strict finds after its reasons, and how many warnings the request file has. Of
-     * a request that did not run it is the same.
+     * Returns the verdict with the findings of --strict and the number of warnings appended to its reasons. A
+     * request that did not run keeps its verdict.
      */
     public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {

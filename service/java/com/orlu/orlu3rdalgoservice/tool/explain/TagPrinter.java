@@ -13,14 +13,14 @@ import java.util.List;
 import java.util.Map;
 import java.util.function.Predicate;
 
-/** Says what became of each frame's tags, in groups. */
+/** Prints the outcome of each frame's tags, in groups. */
 public final class TagPrinter {
     private static final String INDENT = "  ";
 
     private final Readings mReadings;
     private final TagCheck mCheck;
     private final Dependences mDependences;
-    // The last value of each parameter, which counts.
+    // The last value of each parameter, which is the effective one.
     private final Map<String, Parameter> mParameters = new LinkedHashMap<>();
 
     public TagPrinter(Run run, Dependences dependences) {
@@ -39,7 +39,7 @@ public final class TagPrinter {
         lines.printNotes();
     }
 
-    /** The tags by the way that they went, under its heading; a way that no tag went is left out. */
+    /** Returns the tags by outcome, under headings; empty groups are left out. */
     public Map<String, TagRows> groups() {
         Map<String, TagRows> groups = new LinkedHashMap<>();
         groups.put("read", rows(reading -> reading.is(Outcome.FOUND)));
@@ -84,7 +84,7 @@ public final class TagPrinter {
         return rows;
     }
 
-    // The parameters that another value would change, as they are.
+    // The parameters that another value would change, with their present values.
     private String defaults(Reading reading) {
         List<Dependence> tags = mDependences.of(reading.frame(), reading.tag());
         List<String> names =

@@ -8,13 +8,13 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Rows on tags, in which frames of which the same is said share one. */
+/** Rows about tags. Frames with the same text share a row. */
 public final class TagRows {
-    /** What is said of some frames of a tag; they are words such as "frames 0-3,5". */
+    /** A text about some frames of a tag. The frames are words such as "frames 0-3,5". */
     public record Row(String tag, String frames, String text) {
     }
 
-    // By tag, then by what is said: the frames.
+    // Tag to text to frames.
     private final Map<String, Map<String, List<Integer>>> mRows = new TreeMap<>();
 
     void add(String tag, int frame, String text) {
@@ -34,12 +34,12 @@ public final class TagRows {
         return rows;
     }
 
-    /** How many tags there are. */
+    /** The number of tags. */
     int size() {
         return mRows.size();
     }
 
-    /** Each tag in a line, and below it what is said of its frames. */
+    /** Prints each tag on a line, and the texts about its frames below. */
     void print(TextLayout to, String indent) {
         mRows.forEach((tag, texts) -> {
             to.plain(indent + tag);

@@ -6,24 +6,24 @@ import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
 import java.util.List;
 
-/** The algorithm library of trials, which the native library has opened before any of this is called. */
+/** The algorithm library for trials. The native library must have opened it before any call. */
 final class TrialLibrary {
     private TrialLibrary() {
     }
 
-    /** One value that was handed over, under its section and key with a slash between. */
+    /** One parameter written, named "section/key". */
     record Write(String name, byte[] value) {
     }
 
-    // The bytes that host/trial/trial_algo.cpp describes.
+    // See host/trial/trial_algo.cpp for the format.
     private static native byte[] take();
 
-    /** The file is the one that the native library finds under the algorithm library's name. */
+    /** Loads the file that the native library finds under the algorithm library's name. */
     static void load(String file) {
         System.load(file);
     }
 
-    /** What was handed over since the last call, in order. */
+    /** Returns the writes since the last call, in order. */
     static byte[] takeRecord() {
         byte[] record = take();
         if (record == null) {

@@ -18,8 +18,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * A request that is translated again and again, on one client and over the same images, whose pixels nobody
- * looks at. What a trial changes in its frames is put back.
+ * A request that is translated repeatedly, on one client and over the same images; pixels are never read.
+ * Changes of a trial are undone afterwards.
  */
 final class TrialRequest implements AutoCloseable {
     private static final String NATIVE_REQUEST = "nativeRequestAddr";
@@ -28,15 +28,18 @@ final class TrialRequest implements AutoCloseable {
     record Frame(CameraMetadataNative captureResult, Map<String, Object> composition) {
     }
 
-    /** A value, null for none, in the composition or the capture result of a frame. */
+    /** A value (null: removed) in the composition or the capture result of a frame. */
     record Change(int frame, boolean inComposition, String tag, Object value) {
     }
 
-    /** Where a frame was asked for a tag, and as which class its capture result was, null when it was not. */
+    /**
+     * Whether a composition was asked for a tag, and the class that its capture result was asked for; null if
+     * it was not asked.
+     */
     record Asked(boolean composition, Class<?> captureResult) {
     }
 
-    /** What one frame was asked for. */
+    /** The look-ups in each frame. */
     private final List<Map<String, Asked>> mAsked = new ArrayList<>();
 
     private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
@@ -50,7 +53,7 @@ final class TrialRequest implements AutoCloseable {
 
     private Object mDone;
 
-    /** The images of the file's request are the caller's. */
+    /** The caller owns the images. */
     TrialRequest(RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs) {
         mInputs = inputs;
         mOutputs = outputs;
@@ -71,7 +74,7 @@ final class TrialRequest implements AutoCloseable {
         return mFrames;
     }
 
-    /** What the frame was asked for by all runs since the last call. */
+    /** Returns the look-ups in a frame since the last call. */
     Map<String, Asked> takeAsked(int frame) {
         Map<String, Asked> asked = mAsked.get(frame);
         mAsked.set(frame, new LinkedHashMap<>());
@@ -79,8 +82,8 @@ final class TrialRequest implements AutoCloseable {
     }
 
     /**
-     * Translates the request with some values changed, and returns the record of what was handed over. A
-     * value that the capture result can't hold is an IllegalArgumentException, and nothing runs.
+     * Translates the request with some values changed, and returns the record of its writes. Throws
+     * IllegalArgumentException, without running, if the capture result can't hold a value.
      */
     byte[] run(List<Change> changes) {
         List<Object> before = new ArrayList<>();
@@ -124,7 +127,7 @@ final class TrialRequest implements AutoCloseable {
         mService.processImage(mClient, mRequest, mInputs, mOutputs, compositions);
         byte[] record = TrialLibrary.takeRecord();
         if (mDone != null) {
-            // A full-async request is only over with its results.
+            // A full-async request finishes only when its results are fetched.
             compositions.get(0).putMetadata(NATIVE_REQUEST, mDone);
             mService.processImageUpdateResult(mClient, mRequest, mInputs, mOutputs, compositions);
             TrialLibrary.takeRecord();

@@ -24,12 +24,13 @@ import java.util.Set;
 import java.util.TreeMap;
 
 /**
- * Translates a request with one tag changed at a time, and notes which parameters change. Each frame's tag is
- * given a few values of its own. Then the tag is given many in all frames at once, and one that changes more
- * than was known is tried on each frame alone: so a tag of ten frames costs little more than one of one.
+ * Translates a request with one tag changed at a time, and notes which parameters change. Each tag gets a few
+ * values in each frame alone, then many values in all frames at once. If that reveals more dependent
+ * parameters, the values are tried in each frame alone, too. So a tag of ten frames costs little more than a
+ * tag of one.
  */
 public final class Trials {
-    /** How many values of each frame's tag are always tried on that frame alone. */
+    /** How many values are always tried in each frame alone. */
     private static final int ALONE = 5;
     private static final int BASELINES = 3;
     private static final double NANOSECONDS = 1e9;
@@ -40,7 +41,7 @@ public final class Trials {
 
     private int mRuns;
 
-    // A tag of a frame, in one of its stores, with the values to try.
+    // A tag in one store of a frame, with the values to try.
     private static final class Subject {
         final int frame;
         final boolean inComposition;
@@ -70,8 +71,8 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request, whose images have this size where the file gives none. What of(file,
-     * inputs, outputs, library) says holds here too.
+     * Runs the trials of a request whose images have this size if the file gives none. See of(file, inputs,
+     * outputs, library) for the rest.
      */
     public static Dependences of(RequestFile file, FrameSize size, String library)
             throws ErrnoException, MistakeException {
@@ -84,9 +85,9 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request over these images, which stay the caller's. Frames and compositions are
-     * afterwards as they were. It loads the algorithm library of trials, whose file must be what the native
-     * library finds under the algorithm library's name.
+     * Runs the trials of a request over these images, which the caller owns. Frames and compositions are
+     * restored afterwards. Loads the algorithm library for trials; the native library must find the same file
+     * under the algorithm library's name.
      */
     public static Dependences of(
             RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {
@@ -128,7 +129,7 @@ public final class Trials {
         return mRequest.run(changes);
     }
 
-    // A clock's value needs time to change.
+    // A clock needs time to change.
     private void findUnsteady() {
         for (int i = 0; i < BASELINES; ++i) {
             try {
@@ -145,7 +146,7 @@ public final class Trials {
         try {
             record = run(changes);
         } catch (IllegalArgumentException e) {
-            // No value for that tag.
+            // The tag can't hold this value.
             return Set.of();
         }
         Set<String> names = mBaseline.differences(record);
@@ -156,7 +157,7 @@ public final class Trials {
         return names;
     }
 
-    // What the first translation asked for.
+    // The tags that the first translation read.
     private List<Subject> subjects() {
         List<Map<String, Asked>> asked = new ArrayList<>();
         for (int i = 0; i < mRequest.frames().size(); ++i) {
@@ -178,7 +179,7 @@ public final class Trials {
         if (over != null) {
             List<Object> values = OtherValues.insteadOf(over);
             if (type != null && !type.stored().isInstance(over)) {
-                // One of a wrong type is as good as none.
+                // A value of a wrong type counts as absent.
                 values.addAll(OtherValues.of(type));
             }
             subjects.add(new Subject(frame, true, tag, asked.captureResult(), values));
@@ -188,7 +189,7 @@ public final class Trials {
         if (held != null) {
             subjects.add(new Subject(frame, false, tag, asked.captureResult(), OtherValues.insteadOf(held)));
         } else if (over == null) {
-            // Absent. A tag that no table knows can be in a composition only.
+            // The tag is absent. Only a composition can hold a tag that no table knows.
             subjects.add(new Subject(frame, !isAskedThere, tag, asked.captureResult(),
                     OtherValues.of(type != null ? type : TagType.INT)));
         }
@@ -213,7 +214,7 @@ public final class Trials {
         return new Change(subject.frame, subject.inComposition, subject.tag, subject.values.get(index));
     }
 
-    // Without the composition's value the capture result is asked, and for a class.
+    // Without the composition's value the capture result is asked, which reveals the class.
     private void learnAskedClass(Subject subject) {
         Asked asked = mRequest.takeAsked(subject.frame).get(subject.tag);
         if (subject.asked.isEmpty() && asked != null && asked.captureResult() != null) {

@@ -1,2 +1,2 @@
-/** Why a parameter is what it is, and what became of each tag: from events and trials, for people. */
+/** Explains, from events and trials, why a parameter has its value and what became of each tag. */
 package com.orlu.orlu3rdalgoservice.tool.explain;
