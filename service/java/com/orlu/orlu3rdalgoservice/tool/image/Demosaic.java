@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 /**
- * A colour picture of raw samples, to be looked at: no white balance, no tone curve. What a pixel's sample
- * lacks is the mean of its neighbours' samples.
+ * A colour picture of raw samples for viewing: no white balance, no tone curve. Missing colours of a pixel
+ * are the mean of its neighbours' samples.
  */
 public record Demosaic(Mosaic mosaic) implements PixelRows {
     @Override

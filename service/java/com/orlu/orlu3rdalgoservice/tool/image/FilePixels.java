@@ -14,26 +14,26 @@ import java.io.IOException;
 import java.nio.ByteBuffer;
 import java.nio.channels.FileChannel;
 
-/** The pixels of an input that come from a file. */
+/** The pixels of an input that has a file. */
 public final class FilePixels {
     private final ImagePlan mPlan;
     private final ImageFile mFile;
     private int mLargestSample;
 
-    /** For an input that has a file. */
+    /** The input must have a file. */
     public FilePixels(ImagePlan plan) {
         mPlan = plan;
         mFile = plan.file();
     }
 
-    /** Decodes a file that is not taken byte by byte, for its errors alone. */
+    /** Decodes an encoded file only to find errors. */
     public void check() throws MistakeException {
         if (mFile.kind() != ImageFileKind.BYTES) {
             fill(null);
         }
     }
 
-    /** Fills the image's memory; null for only decoding. Nothing is written past its description. */
+    /** Fills the image's memory; null only decodes. Writes nothing outside the described planes. */
     void fill(ByteBuffer to) throws MistakeException {
         try {
             if (mFile.kind() == ImageFileKind.BYTES) {
@@ -51,7 +51,7 @@ public final class FilePixels {
         }
     }
 
-    // One plane follows the other in memory.
+    // In memory, the planes are contiguous.
     private void copyPlanes(ByteBuffer to) throws IOException {
         try (FileChannel channel = FileChannel.open(mFile.path())) {
             int at = 0;

@@ -7,8 +7,8 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * The size of images that name none: that of the frames made of a photo, else of the first input's file, else
- * what the request file says of its frames.
+ * The size of images without their own: that of the frames made from a photo, else of the first input's file,
+ * else what the request file gives for its frames.
  */
 public record FrameSize(int width, int height) {
     public static FrameSize of(RequestFile request, List<SynthesisedFrame> frames) {
@@ -21,7 +21,10 @@ public record FrameSize(int width, int height) {
         return new FrameSize(request.frames().width(), request.frames().height());
     }
 
-    /** The image with this size where it has none. A stride below a row is a MistakeException. */
+    /**
+     * Returns the image, with this size if it has none. Throws MistakeException if the stride is less than a
+     * row.
+     */
     public ImagePlan applyTo(ImagePlan plan) throws MistakeException {
         return plan.sized(width, height);
     }

@@ -14,27 +14,27 @@ import java.util.Random;
 import java.util.function.Supplier;
 
 /**
- * Makes a request's frames of one photo: each is a part of it, moved by a small shift, blurred, brightened or
- * darkened, and with noise. The parts are smaller than the photo by the largest shift, so that no frame has
- * borders. The same seed makes the same frames.
+ * Makes a request's frames from one photo. Each frame is a part of the photo, with a small shift, blur, gain
+ * and noise. Parts are smaller than the photo by the largest shift, so that no frame has borders. The same
+ * seed makes the same frames.
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
-    // Frames end on whole groups of four samples, which packed raw rows come in.
+    // Sizes are multiples of four because packed raw rows come in groups of four samples.
     private static final int GROUP = 4;
-    // Seven frames of a phone's photo in full would not fit into the memory of a small machine.
+    // Seven frames of a phone's full photo would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;
 
     private final FrameSetPlan mPlan;
     private final boolean mKeepMosaicPhase;
 
-    /** With the mosaic's phase to be kept, all shifts drawn are even. */
+    /** To keep the mosaic's phase, all random shifts are even. */
     public FrameSynthesis(FrameSetPlan plan, boolean keepMosaicPhase) {
         mPlan = plan;
         mKeepMosaicPhase = keepMosaicPhase;
     }
 
-    /** The photo, null when it can't be read as one. */
+    /** Returns the photo; null if it can't be decoded. */
     public static Picture load(Path photo) {
         try {
             return Picture.of(new ImageRows(PictureFile.open(photo).decode()));
@@ -43,7 +43,7 @@ public final class FrameSynthesis {
         }
     }
 
-    /** All frames of a photo. A photo too small for the shifts is a MistakeException. */
+    /** Returns all frames of a photo. Throws MistakeException if the photo is too small for the shifts. */
     public List<SynthesisedFrame> frames(Place file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
@@ -57,7 +57,9 @@ public final class FrameSynthesis {
         return frames;
     }
 
-    /** The size of a photo's frames. A photo too small for the shifts is a MistakeException. */
+    /**
+     * Returns the size of a photo's frames. Throws MistakeException if the photo is too small for the shifts.
+     */
     public FrameSize size(Place file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
             return checked(file, mPlan.width(), mPlan.height());
@@ -75,7 +77,7 @@ public final class FrameSynthesis {
         return new FrameSize(width, height);
     }
 
-    // The size that a photo is brought to, margins and all.
+    // The size that the photo is scaled to, margins included.
     private FrameSize partSize(Picture photo) {
         int margins = 2 * mPlan.margin();
         if (mPlan.width() > 0) {
@@ -102,7 +104,7 @@ public final class FrameSynthesis {
         return new SynthesisedFrame(clean, shot);
     }
 
-    // The first frame stays where it is, unless its own shift says otherwise.
+    // The first frame is not shifted, unless it has an explicit shift.
     private int[] shift(int index, FramePlan plan, Random random) {
         if (plan.shift() != null) {
             return plan.shift();

@@ -14,7 +14,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Arrays;
 
-/** One image's memory and its description for the native side. Closing it gives the memory back. */
+/** One image's memory and its description for the native side. Closing it frees the memory. */
 public final class ImageBuffer implements AutoCloseable {
     private static final int JPEG_HEADROOM = 1 << 16;
 
@@ -66,7 +66,8 @@ public final class ImageBuffer implements AutoCloseable {
         }
     }
 
-    // A phone's rows can have padding, and its formats can be unknown here: plain memory of that size stands in.
+    // A phone's rows can have padding, and its formats can be unknown here: plain memory of the same size
+    // replaces them.
     private static HardwareBuffer recordedBuffer(ImageLayout layout) {
         long width = layout.buffer()[0];
         long height = layout.buffer()[1];
@@ -87,7 +88,7 @@ public final class ImageBuffer implements AutoCloseable {
                 : HardwareBuffer.create((int) width, (int) height, format, 1, usage());
     }
 
-    /** Memory for an image as a recorder found it, with the bytes that were kept. */
+    /** Allocates memory for an image as a recorder described it, filled with the recorded bytes. */
     public static ImageBuffer recorded(ImagePlan plan) throws ErrnoException, MistakeException {
         byte[] bytes = plan.layout().bytes();
         ImageBuffer image = new ImageBuffer(plan, plan.layout());
@@ -97,7 +98,7 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Memory for an input, holding the picture. */
+    /** Allocates memory for an input and fills it with the picture. */
     public static ImageBuffer holding(Picture picture, ImagePlan plan) throws ErrnoException {
         if (plan.format() == PixelFormat.JPEG) {
             byte[] jpeg = PixelWriter.encodeJpeg(picture);
@@ -110,7 +111,7 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Memory for an input that has a file, holding the pixels of that. */
+    /** Allocates memory for an input with a file and fills it with the file's pixels. */
     public static ImageBuffer ofFile(ImagePlan plan) throws ErrnoException, MistakeException {
         ImageBuffer image = new ImageBuffer(plan, 0);
         try {
@@ -122,7 +123,10 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Memory for an output, all zero. A JPEG gets as much as the pixels and some, or the capacity given. */
+    /**
+     * Allocates zeroed memory for an output. A JPEG gets the given capacity, or the size of its pixels and a
+     * reserve.
+     */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
         if (plan.layout() != null) {
             return new ImageBuffer(plan, plan.layout());
@@ -140,8 +144,7 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor.mImageDataShmem.mapReadWrite();
     }
 
-    // The buffer's width is the row's with its padding, since the native side takes the stride from the
-    // description.
+    // The buffer's width includes the padding: the native side takes the stride from the description.
     private HardwareBuffer hardwareBuffer(int size) {
         int stride = mPlan.strideBytes();
         int tight = mPlan.format().planeSizes(stride, mPlan.height(), size)[0];
@@ -170,7 +173,7 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor;
     }
 
-    /** The memory itself, from byte 0 on, while the image is not closed. */
+    /** The memory from byte 0; valid until the image is closed. */
     public ByteBuffer bytes() {
         return mBytes;
     }

@@ -7,9 +7,9 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Arrays;
 
-/** What is different between two images of one description. */
+/** The difference between two images with the same description. */
 public final class ImageDifference {
-    /** Differences are small where anybody looks at them, so that the picture shows them larger. */
+    /** Typical differences are too small to see, so the picture amplifies them. */
     public static final int AMPLIFICATION = 8;
     private static final int GREY = 128;
 
@@ -19,7 +19,7 @@ public final class ImageDifference {
     private int mFirstRow = -1;
     private int mMost;
 
-    // The ratio is that of the lumas where none is given.
+    // If `psnr` is null, it is computed from luma.
     private ImageDifference(PixelRows one, PixelRows other, Double psnr) {
         mOne = one;
         mOther = other;
@@ -44,8 +44,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares the pixels; null when they can't be read by this description, or are of different sizes. The
-     * stride is in bytes. A JPEG's bytes are those of the file alone.
+     * Compares the pixels; null if they can't be read with this description or differ in size. The stride is
+     * in bytes. A JPEG's bytes are those of the file alone.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -61,8 +61,8 @@ public final class ImageDifference {
     }
 
     /**
-     * The pixels of an image of this description, null when they can't be read. A raw image is a Mosaic; the
-     * description doesn't say how many bits its samples have: the fewest that all fit.
+     * Returns the pixels of an image; null if they can't be read with this description. A raw image is a
+     * Mosaic. Its bit depth is unknown, so the smallest that fits all samples is used.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);
@@ -89,8 +89,7 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares two pictures, whose pixels are read again later; null when one is, or when they are of
-     * different sizes.
+     * Compares two pictures, whose pixels are read again later; null if either is null or their sizes differ.
      */
     public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
@@ -98,9 +97,7 @@ public final class ImageDifference {
         return isSame ? new ImageDifference(one, other, null) : null;
     }
 
-    /**
-     * The first row that differs, from 0; -1 when all pixels are equal, and only bytes beside them differ.
-     */
+    /** The first row that differs, from 0; -1 if all pixels are equal and only other bytes differ. */
     public int firstRow() {
         return mFirstRow;
     }
@@ -110,12 +107,12 @@ public final class ImageDifference {
         return mMost;
     }
 
-    /** In dB. Infinite when all pixels are equal. */
+    /** In dB; infinite if all pixels are equal. */
     public double psnr() {
         return mPsnr;
     }
 
-    /** The structural similarity; 1 when all pixels are equal. */
+    /** The structural similarity; 1 if all pixels are equal. */
     public double ssim() {
         return mFirstRow < 0 ? 1 : Ssim.of(mOne, mOther);
     }
@@ -129,7 +126,8 @@ public final class ImageDifference {
     }
 
     /**
-     * The difference, larger by AMPLIFICATION: grey where the images are equal, lighter where the other is.
+     * The difference times AMPLIFICATION: grey where the images are equal, lighter where the other is
+     * lighter.
      */
     public PixelRows picture() {
         return new Amplified(mOne, mOther);

@@ -23,7 +23,7 @@ record ImageRows(BufferedImage image) implements PixelRows {
         if (isGray) {
             readGray(y, to);
         } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR && image.getRaster().getParent() == null) {
-            // What a JPEG decodes to; the samples are sRGB already.
+            // A decoded JPEG; its samples are sRGB already.
             byte[] samples = ((DataBufferByte) image.getRaster().getDataBuffer()).getData();
             int start = y * width() * CHANNELS;
             for (int at = 0; at < width() * CHANNELS; at += CHANNELS) {
@@ -41,7 +41,7 @@ record ImageRows(BufferedImage image) implements PixelRows {
         }
     }
 
-    // The platform takes gray for linear, and would brighten it.
+    // The platform assumes that gray is linear, and would brighten it.
     private void readGray(int y, float[] to) {
         float scale = WHITE / ((1 << image.getColorModel().getComponentSize(0)) - 1);
         for (int x = 0, at = 0; x < width(); ++x, at += CHANNELS) {

@@ -10,14 +10,14 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
 
-/** An image's memory: the planes that its description has, and what lies behind them. */
+/** An image's memory: the planes of its description, and the bytes after them. */
 public final class MemoryUse {
     private final int mSize;
     private final List<PlaneUse> mPlanes = new ArrayList<>();
     private int mUsedBehind;
     private int mFirstBehind = -1;
 
-    /** The usual format counts where the description's is a name of the request's own. */
+    /** `usual` is the format if the description has a custom name. */
     public MemoryUse(VImageIPC image, PixelFormat usual, ByteBuffer memory) {
         mSize = memory.capacity();
         PixelFormat named = PixelFormat.named(image.mFormat);
@@ -53,7 +53,7 @@ public final class MemoryUse {
         };
     }
 
-    /** Bytes in all. */
+    /** All bytes. */
     int size() {
         return mSize;
     }
@@ -62,12 +62,12 @@ public final class MemoryUse {
         return mPlanes;
     }
 
-    /** Bytes by which the planes reach past the memory's end; 0 when they fit. */
+    /** Bytes by which the planes exceed the memory; 0 if they fit. */
     public int missing() {
         return Math.max(0, mPlanes.stream().mapToInt(PlaneUse::end).max().orElse(0) - mSize);
     }
 
-    /** How many bytes behind the planes are not zero. */
+    /** How many bytes after the planes are not zero. */
     public int usedBehind() {
         return mUsedBehind;
     }

@@ -34,7 +34,7 @@ public record Mosaic(int width, int height, int bits, int[] samples) implements 
         }
     }
 
-    /** Hands over all samples. */
+    /** Passes on all samples. */
     void copyTo(SampleSink to) {
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {

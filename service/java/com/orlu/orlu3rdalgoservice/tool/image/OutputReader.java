@@ -4,9 +4,9 @@ import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
-/** What an image holds after a request, read by the description that the native side left. */
+/** The content of an image after a request, read with the description that the native side left. */
 public final class OutputReader {
-    /** Of this many pixels a row's bytes can still be counted. */
+    /** The largest side for which a row's bytes fit an int. */
     private static final int LARGEST_SIDE = 1 << 28;
 
     private final ImageBuffer mImage;
@@ -47,7 +47,7 @@ public final class OutputReader {
         return mMosaic;
     }
 
-    /** The picture of any other image, while its memory is there, and of a JPEG that can be decoded; else null. */
+    /** The picture of any other image, valid while its memory is, or of a decodable JPEG; else null. */
     public PixelRows picture() {
         if (mPicture == null && mJpeg != null) {
             mPicture = PixelReader.decodeJpeg(mJpeg);
@@ -55,7 +55,7 @@ public final class OutputReader {
         return mPicture;
     }
 
-    /** Why there is nothing, empty when there is something. */
+    /** Why nothing could be read; empty if something was. */
     public String problem() {
         boolean isEmptyJpeg = mImage.descriptor().mFormat.equals(PixelFormat.JPEG.name())
                 && firstPlaneSize() == 0;
@@ -69,7 +69,7 @@ public final class OutputReader {
         VImageIPC image = mImage.descriptor();
         PixelFormat format = PixelFormat.named(image.mFormat);
         if (format == null) {
-            // A name of the request's own over a layout that is known.
+            // A custom name for a known layout.
             format = mImage.plan().format();
         }
         if (format == PixelFormat.JPEG) {
@@ -97,7 +97,7 @@ public final class OutputReader {
         return sizes == null || sizes.length == 0 ? 0 : sizes[0];
     }
 
-    /** Why no pixels can be read by this description, whatever its memory; empty when they can. */
+    /** Why no pixels can be read with this description, in any memory; empty if they can. */
     static String problemOf(PixelFormat format, VImageIPC image) {
         if (image.mWidth < 1 || image.mHeight < 1 || image.mWidth > LARGEST_SIDE) {
             return "described as " + image.mWidth + "x" + image.mHeight;

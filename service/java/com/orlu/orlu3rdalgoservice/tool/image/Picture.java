@@ -5,9 +5,7 @@ import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
 import java.util.Random;
 
-/**
- * A colour picture of red, green and blue from 0 to 255, with fractions so that noise and blur lose nothing.
- */
+/** A colour picture with float samples from 0 to 255, so that noise and blur lose no precision. */
 public final class Picture implements PixelRows {
     private final int mWidth;
     private final int mHeight;
@@ -94,7 +92,7 @@ public final class Picture implements PixelRows {
         return result;
     }
 
-    /** With Gaussian noise of this standard deviation on every sample. */
+    /** Adds Gaussian noise of this standard deviation to every sample. */
     Picture withNoise(double deviation, Random random) {
         Picture result = new Picture(mWidth, mHeight);
         for (int i = 0; i < mSamples.length; ++i) {
@@ -103,7 +101,7 @@ public final class Picture implements PixelRows {
         return result;
     }
 
-    /** Blurred by a Gaussian of this standard deviation in pixels; the edges' pixels go on outside. */
+    /** Applies a Gaussian blur of this standard deviation in pixels; edge pixels are repeated outside. */
     Picture blurred(double deviation) {
         float[] kernel = gaussian(deviation);
         return convolved(kernel, 1, 0).convolved(kernel, 0, 1);

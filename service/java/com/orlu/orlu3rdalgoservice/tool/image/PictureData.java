@@ -5,17 +5,15 @@ import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
 import java.util.Base64;
 
-/** A picture as a page has it: a JPEG file inside the page. */
+/** A picture embedded in a page as a JPEG file. */
 public record PictureData(byte[] jpeg, int width, int height) {
-    /** No picture takes more bytes than these; a page has several. */
+    /** The most bytes of a picture; a page has several. */
     public static final int LARGEST = 800_000;
     private static final float[] QUALITIES = {0.9f, 0.8f, 0.7f};
     private static final float SMALL_QUALITY = 0.8f;
     private static final int SMALL_WIDTH = 640;
 
-    /**
-     * Of the image's own size, or a half, a quarter and so on where that would take more than these bytes.
-     */
+    /** Returns the image in its own size, or halved until it fits into this many bytes. */
     public static PictureData of(BufferedImage image, int most) {
         for (BufferedImage scaled = image; ; scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2))) {
             for (float quality : QUALITIES) {
@@ -23,7 +21,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
                 if (jpeg.length <= most) {
                     return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
                 }
-                // The lowest quality halves the bytes.
+                // The lowest quality only halves the bytes.
                 if (jpeg.length > 2L * most) {
                     break;
                 }
@@ -31,23 +29,23 @@ public record PictureData(byte[] jpeg, int width, int height) {
         }
     }
 
-    /** The picture as a page shows it, of at most LARGEST bytes. */
+    /** Returns the picture as a page shows it, of at most LARGEST bytes. */
     public static PictureData of(PixelRows picture) {
         return of(ShownImage.of(picture), LARGEST);
     }
 
-    /** The bytes of a file as they are; where they are too many, of the image that was made of it. */
+    /** Returns a file's own bytes; if there are too many, encodes the image made from it. */
     public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
         return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
                 : of(shown, LARGEST);
     }
 
-    /** A copy for a page of many pictures. */
+    /** Returns a copy for a page of many pictures. */
     public static PictureData small(PixelRows picture) {
         return small(ShownImage.of(picture), SMALL_WIDTH);
     }
 
-    /** A small copy, of at most this width. */
+    /** Returns a small copy, at most this wide. */
     public static PictureData small(BufferedImage image, int width) {
         BufferedImage scaled = image.getWidth() <= width ? image : scaled(image, width);
         return new PictureData(
@@ -55,7 +53,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
     }
 
     private static BufferedImage scaled(BufferedImage image, int width) {
-        // Halves first: a large step at once would leave most pixels out.
+        // Halves repeatedly: one large step would skip most pixels.
         BufferedImage from = image.getWidth() >= 2 * width + 2
                 ? scaled(image, (image.getWidth() + 1) / 2) : image;
         int height = Math.max(1, (int) Math.round((double) image.getHeight() * width / image.getWidth()));
@@ -68,7 +66,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
         return to;
     }
 
-    /** As a page's source of an image. */
+    /** A data URI for an image element. */
     public String uri() {
         return "data:image/jpeg;base64," + Base64.getEncoder().encodeToString(jpeg);
     }

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import java.awt.image.BufferedImage;
 import java.util.Map;
 
-/** What can be measured of one picture: how bright it is, where its colours lie, whether its rows fit. */
+/** Measurements of one picture: brightness, colours by region, alignment of rows. */
 public final class PictureFacts {
     private static final int GRID = 16;
     private static final int LEVELS = 256;
@@ -49,7 +49,7 @@ public final class PictureFacts {
         int[] greens = mHistograms[2];
         int[] blues = mHistograms[3];
         for (int gridX = 0, x = 0; gridX < GRID; ++gridX) {
-            // The first column of the next part.
+            // The first column of the next cell.
             int end = (int) (((long) (gridX + 1) * mWidth + GRID - 1) / GRID);
             double blueSum = 0;
             double redSum = 0;
@@ -73,7 +73,7 @@ public final class PictureFacts {
         }
     }
 
-    /** The picture as a page shows it; once, so that its memory goes when it was drawn. */
+    /** Returns the picture as a page shows it, once, so that its memory is freed after drawing. */
     public BufferedImage takeShown() {
         BufferedImage shown = mShown;
         mShown = null;
@@ -101,7 +101,7 @@ public final class PictureFacts {
         return sum / pixels();
     }
 
-    /** The brightness that this part of the pixels, 0 to 1, does not exceed. */
+    /** The luma that this fraction of the pixels, 0 to 1, does not exceed. */
     public int lumaAt(double part) {
         long left = Math.round(part * pixels());
         int level = 0;
@@ -112,17 +112,17 @@ public final class PictureFacts {
         return level;
     }
 
-    /** The part of the pixels that are white in all channels, 0 to 1. */
+    /** The fraction of the pixels that are white in all channels, 0 to 1. */
     public double clipped() {
         return (double) mClipped / pixels();
     }
 
-    /** How far the colours of two pictures lie apart on average, wherever these are of the same part. */
+    /** The distance of two pictures' mean colours, averaged over the cells of the grid. */
     public double colourDistance(PictureFacts other) {
         return distance(mBlue, other.mBlue) + distance(mRed, other.mRed);
     }
 
-    /** The same, with blue and red exchanged in the other one. */
+    /** The same, with blue and red swapped in the other picture. */
     public double exchangedDistance(PictureFacts other) {
         return distance(mBlue, other.mRed) + distance(mRed, other.mBlue);
     }
@@ -137,12 +137,12 @@ public final class PictureFacts {
         return sum / (GRID * GRID);
     }
 
-    /** By how many pixels each row is moved against the one above; 0 when rows fit as they are. */
+    /** By how many pixels each row is shifted against the one above; 0 if rows fit as they are. */
     public int shear() {
         return mShear;
     }
 
-    /** The counts of luma, red, green and blue by level. */
+    /** The histograms of luma, red, green and blue. */
     public Map<String, Object> json() {
         return JsonWriter.object("width", mWidth, "height", mHeight,
                 "mean", Math.round(10 * meanLuma()) / 10.0, "clipped", Math.round(1000 * clipped()) / 1000.0,

@@ -18,7 +18,7 @@ final class PixelReader {
     private PixelReader() {
     }
 
-    /** Whether all pixels of this description lie in a memory of so many bytes. */
+    /** Whether all pixels of this description fit into so many bytes. */
     static boolean fits(ImagePlan plan, int capacity) {
         if (plan.width() < 1 || plan.height() < 1
                 || (long) plan.strideBytes() * plan.height() * 3 / 2 > Integer.MAX_VALUE) {
@@ -31,7 +31,9 @@ final class PixelReader {
         return end <= capacity;
     }
 
-    /** The picture in a memory of this description, as long as that is there; raw formats have none. */
+    /**
+     * Returns the picture in memory of this description, valid as long as the memory; raw formats have none.
+     */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
         if (layout == null && plan.format() != PixelFormat.R8G8B8A8) {
@@ -59,7 +61,7 @@ final class PixelReader {
         };
     }
 
-    /** The picture in a JPEG file's bytes, null when no decoder takes them. */
+    /** Decodes a JPEG file; null if no decoder accepts it. */
     static PixelRows decodeJpeg(byte[] bytes) {
         try {
             BufferedImage image = ImageIO.read(new ByteArrayInputStream(bytes));

@@ -26,22 +26,22 @@ public interface PixelRows {
     /** Fills the array with red, green and blue of each pixel of a row, from 0 to 255, with fractions. */
     void read(int y, float[] to);
 
-    /** Brightness by the weights that JPEG uses, of the pixel whose red is at this place. */
+    /** Luma by JPEG's weights, of the pixel whose red is at this index. */
     static float luma(float[] row, int at) {
         return 0.299f * row[at] + 0.587f * row[at + 1] + 0.114f * row[at + 2];
     }
 
-    // Math.min and Math.max of floats are calls for a quick compiler.
+    // Simple compilers call Math.min and Math.max of floats as functions.
     static float clip(float value) {
         return value < 0 ? 0 : value > WHITE ? WHITE : value;
     }
 
-    /** Math.round for samples, which are never negative; a compiler makes a single instruction of it. */
+    /** Replaces Math.round for samples, which are never negative; compiles to a single instruction. */
     static int round(float sample) {
         return (int) (sample + 0.5);
     }
 
-    /** Packs a row as BufferedImage.TYPE_INT_RGB has it. */
+    /** Packs a row in the form of BufferedImage.TYPE_INT_RGB. */
     static void pack(float[] row, int[] to, int offset, int width) {
         for (int x = 0, at = 0; x < width; ++x, at += CHANNELS) {
             to[offset + x] = round(row[at]) << 16 | round(row[at + 1]) << 8 | round(row[at + 2]);
@@ -62,7 +62,7 @@ public interface PixelRows {
 
     /** Writes a PNG file. */
     default void writePng(Path file) throws IOException {
-        // Given the file, ImageIO would print a stack when it can't be written.
+        // Given the file itself, ImageIO prints a stack trace if it can't write.
         try (OutputStream bytes = Files.newOutputStream(file);
                 ImageOutputStream png = new MemoryCacheImageOutputStream(bytes)) {
             ImageIO.write(toImage(), "png", png);

@@ -6,10 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/**
- * Writes a picture into memory in one of the formats. Chroma is that of JPEG files, one value for four
- * pixels.
- */
+/** Writes a picture to memory in one of the formats. Chroma is subsampled 2x2, as in JPEG files. */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;
@@ -17,7 +14,7 @@ final class PixelWriter {
     private PixelWriter() {
     }
 
-    /** Fills the memory from its start; the picture has the size of the description. */
+    /** Fills the memory from its start. The picture must have the size of the description. */
     static void write(Picture picture, ImagePlan plan, ByteBuffer to) {
         switch (plan.format()) {
             case NV21, NV12, YU12, YV12 -> writeYuv(picture, YuvLayout.of(plan), to);
@@ -27,7 +24,7 @@ final class PixelWriter {
         }
     }
 
-    /** The picture as the bytes of a JPEG file. */
+    /** Encodes the picture as a JPEG file. */
     static byte[] encodeJpeg(PixelRows picture) {
         return JpegEncoder.encode(picture.toImage(), JPEG_QUALITY);
     }
@@ -60,7 +57,7 @@ final class PixelWriter {
         return (byte) Math.min(255, Math.round(MIDDLE + sum / 4));
     }
 
-    /** Writes samples of a raw image one by one, row by row. */
+    /** Returns a sink that writes samples of a raw image in row order. */
     static SampleSink samples(ImagePlan plan, ByteBuffer to) {
         int stride = plan.strideBytes();
         if (plan.format() == PixelFormat.MIPI_RAW10) {

@@ -24,8 +24,8 @@ public final class PlaneUse {
     private int mEmptyTail;
 
     /**
-     * Looks at a plane of this place and shape, in bytes. What lies past the memory's end counts as zero; a
-     * row's bytes behind the pixels are padding.
+     * Examines a plane; all sizes are in bytes. Bytes outside the memory count as zero; the bytes of a row
+     * after its pixels are padding.
      */
     PlaneUse(String name, int offset, int size, int stride, int rowBytes, ByteBuffer memory) {
         mName = name;
@@ -38,7 +38,7 @@ public final class PlaneUse {
         mPixels = new int[bands];
         mPadding = new int[bands];
         int[] rowsOf = new int[bands];
-        // A description that makes no sense may have billions of rows.
+        // An invalid description may have billions of rows.
         long reached = ((long) memory.capacity() - offset + mStride - 1) / mStride;
         int rows = (int) Math.max(0, Math.min(mRows, reached));
         for (int row = 0; row < rows; ++row) {
@@ -60,7 +60,7 @@ public final class PlaneUse {
         }
     }
 
-    /** Whether one of so many bytes is not zero. What lies outside the memory is. */
+    /** Whether any of these bytes is not zero. Ignores bytes outside the memory. */
     static boolean hasData(ByteBuffer memory, int from, int size) {
         int end = (int) Math.min(memory.capacity(), (long) from + size);
         for (int at = Math.max(0, from); at < end; at += ZEROS.capacity()) {
@@ -92,17 +92,17 @@ public final class PlaneUse {
         return mRows;
     }
 
-    /** Rows with a pixel byte that is not zero. */
+    /** The number of rows with a nonzero pixel byte. */
     public int usedRows() {
         return mUsedRows;
     }
 
-    /** Rows with a padding byte that is not zero. */
+    /** The number of rows with a nonzero padding byte. */
     public int usedPadding() {
         return mUsedPadding;
     }
 
-    /** How many of the last rows have only zero pixels. */
+    /** How many rows at the end have only zero pixels. */
     public int emptyTail() {
         return mEmptyTail;
     }

@@ -3,14 +3,14 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 /**
- * Shows on standard error how far long work is, in one line that is rewritten; nothing when that is no
- * terminal, which the property orlu.terminal says. Any thread may report.
+ * Shows the progress of long work in one line on standard error that is rewritten. Shows nothing unless the
+ * property orlu.terminal reports a terminal. Thread-safe.
  */
 public final class Progress {
     private static final boolean TERMINAL = Boolean.getBoolean("orlu.terminal");
     private static final long FIRST_NANOSECONDS = 500_000_000L;
     private static final long PAUSE_NANOSECONDS = 50_000_000L;
-    /** Before that, the first steps tell little of the others. */
+    /** Until then, the first steps are too few for an estimate. */
     private static final double LEAST_ESTIMATED_SECONDS = 1;
     private static final double NANOSECONDS = 1e9;
     private static final String CLEAR_LINE = "\r\033[K";
@@ -22,7 +22,7 @@ public final class Progress {
 
     private Progress() {}
 
-    /** Says what is being done now. To be called before each piece of it. */
+    /** Shows the present activity. Call it before each one. */
     public static synchronized void show(String line) {
         long now = System.nanoTime();
         if (!TERMINAL || now < sNext) {
@@ -34,7 +34,7 @@ public final class Progress {
         sShown = true;
     }
 
-    /** Says what is being done, how many steps of it are done, and how long the others may take. */
+    /** Shows the work, how many steps are done, and an estimate of the time left. */
     public static synchronized void show(String work, int done, int steps) {
         long now = System.nanoTime();
         if (!work.equals(sWork) || done == 0) {
@@ -47,7 +47,7 @@ public final class Progress {
                         : ", %.0f s left".formatted(Math.ceil(seconds * (steps - done) / done))));
     }
 
-    /** Clears the line on a terminal. To be called when a request ends, before anything else is printed. */
+    /** Clears the line on a terminal. Call it when a request finishes, before printing anything else. */
     public static synchronized void end() {
         sNext = System.nanoTime() + FIRST_NANOSECONDS;
         sWork = "";

@@ -1,11 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
-/** Peak signal to noise ratio in dB, of 8-bit pictures by their luma, of raw images by all samples. */
+/** Peak signal-to-noise ratio in dB: by luma for 8-bit pictures, by all samples for raw images. */
 public final class Psnr {
     private Psnr() {
     }
 
-    /** By luma, over all pixels. NaN when the sizes differ, infinite for equal pictures. */
+    /** By luma over all pixels; NaN if the sizes differ, infinite for equal pictures. */
     public static double ofLuma(PixelRows reference, PixelRows picture) {
         if (reference.width() != picture.width() || reference.height() != picture.height()) {
             return Double.NaN;
@@ -35,7 +35,7 @@ public final class Psnr {
         return decibel(squares, (long) picture.width() * picture.height(), PixelRows.WHITE);
     }
 
-    /** By all samples of two mosaics. NaN when the sizes differ. */
+    /** By all samples of two mosaics; NaN if the sizes differ. */
     public static double ofMosaic(Mosaic reference, Mosaic mosaic) {
         if (reference.width() != mosaic.width() || reference.height() != mosaic.height()) {
             return Double.NaN;

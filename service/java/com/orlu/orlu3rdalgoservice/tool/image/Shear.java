@@ -4,27 +4,27 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Finds whether a picture's rows are each moved against the one above by the same number of pixels, as they
- * are when they were written with one stride and read with another. In a picture that is right, neighbouring
- * rows fit best where they are.
+ * Detects shear: each row is shifted against the one above by the same number of pixels, because the image
+ * was written with one stride and read with another. In a correct picture, neighbouring rows fit best
+ * unshifted.
  */
 final class Shear {
     private static final int FARTHEST = 128;
-    /** A slanted edge makes rows fit best a pixel or two beside. */
+    /** A slanted edge makes rows fit best at a shift of a pixel or two. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    /** More pairs of rows than these, or pixels of a row, make the answer no surer. */
+    /** More pairs of rows, or more pixels of a row, do not improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
-    /** How much better than unmoved rows moved ones must fit. */
+    /** How much better shifted rows must fit than unshifted ones. */
     private static final double RATIO = 1.25;
-    /** Levels; rows that are all alike fit anywhere. */
+    /** In levels; uniform rows fit at any shift. */
     private static final double LEAST_DIFFERENCE = 1;
 
     private final int mWidth;
     private final int mRowStep;
     private final int mColumnStep;
-    /** Each of a pair behind the other. */
+    /** Pairs of rows, one after the other. */
     private final List<float[]> mRows = new ArrayList<>();
 
     Shear(int width, int height) {
@@ -33,14 +33,14 @@ final class Shear {
         mColumnStep = Math.max(2, width / MOST_COLUMNS);
     }
 
-    /** Takes the next row, which stays the caller's. All are to be given, from the top. */
+    /** Adds the next row, which the caller owns. All rows must be added, from the top. */
     void add(int y, float[] luma) {
         if (y % mRowStep < 2) {
             mRows.add(smoothed(luma));
         }
     }
 
-    // Means of a few pixels beside each other: noise would hide what fits.
+    // Means of a few adjacent pixels: noise would hide the match.
     private float[] smoothed(float[] luma) {
         float[] smooth = new float[mWidth];
         float sum = 0;
@@ -51,7 +51,7 @@ final class Shear {
         return smooth;
     }
 
-    /** To the right, below 0 to the left; 0 for none. */
+    /** Positive to the right, negative to the left; 0 for none. */
     int pixels() {
         int farthest = Math.min(FARTHEST, mWidth / 4);
         double unmoved = difference(0, farthest, Double.MAX_VALUE);
@@ -70,7 +70,7 @@ final class Shear {
         return Math.abs(best) >= LEAST ? best : 0;
     }
 
-    // The mean difference; as soon as it can only exceed the most, any number from there on.
+    // The mean difference; stops early with any larger number once it must exceed `most`.
     private double difference(int move, int margin, double most) {
         int start = margin + SMOOTHED;
         int columns = Math.max(0, (mWidth - margin - start + mColumnStep - 1) / mColumnStep);

@@ -4,9 +4,9 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBufferInt;
 import java.util.Arrays;
 
-/** Makes the image that a page shows: of the picture's size, or smaller by 2, 4 and so on where that is large. */
+/** Makes the image that a page shows: in the picture's size, or reduced by 2, 4 and so on if it is large. */
 final class ShownImage {
-    /** Pixels of the longer side; no screen shows more of it beside another one. */
+    /** Pixels of the longer side; no screen shows more of two images side by side. */
     private static final int LARGEST_SIDE = 2048;
     private static final int CHANNELS = PixelRows.CHANNELS;
 
@@ -30,7 +30,7 @@ final class ShownImage {
         mSums = new float[mWidth * CHANNELS];
     }
 
-    /** The image of a whole picture. */
+    /** Returns the image of a whole picture. */
     static BufferedImage of(PixelRows picture) {
         ShownImage shown = new ShownImage(picture.width(), picture.height());
         float[] row = new float[picture.width() * CHANNELS];
@@ -41,7 +41,7 @@ final class ShownImage {
         return shown.image();
     }
 
-    /** Takes the next row, which stays the caller's. All are to be given, from the top. */
+    /** Adds the next row, which the caller owns. All rows must be added, from the top. */
     void add(int y, float[] row) {
         int to = y / mFactor;
         if (to >= mHeight) {

@@ -6,17 +6,17 @@ package com.orlu.orlu3rdalgoservice.tool.image;
  */
 public final class Ssim {
     private static final int BLOCK = 4;
-    /** Pixels of a window, which has four blocks. */
+    /** Pixels of a window, which consists of four blocks. */
     private static final double COUNT = 64;
     private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
     private static final double C2 = Math.pow(0.03 * PixelRows.WHITE, 2);
-    /** The sums of a block: of one, the other, one squared, the other squared, and their product. */
+    /** The sums of a block: one, the other, one squared, the other squared, and their product. */
     private static final int SUMS = 5;
 
     private Ssim() {
     }
 
-    /** NaN when the sizes differ, or there is no window. */
+    /** NaN if the sizes differ or the pictures are smaller than a window. */
     public static double of(PixelRows one, PixelRows other) {
         int columns = one.width() / BLOCK;
         int rows = one.height() / BLOCK;

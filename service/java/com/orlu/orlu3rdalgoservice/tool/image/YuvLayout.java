@@ -25,7 +25,7 @@ record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
         };
     }
 
-    /** The end of the last sample of an image of this size. Of odd sizes it can lie past the planes. */
+    /** The end of the last sample of an image of this size. It can exceed the planes if a size is odd. */
     long end(int width, int height) {
         long lastRow = (height - 1) / 2 * (long) chromaStride;
         return 1 + Math.max(blue, red) + lastRow + (width - 1) / 2 * step;

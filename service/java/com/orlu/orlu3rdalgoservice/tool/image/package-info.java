@@ -1,2 +1,2 @@
-/** Pixels: frames made of a photo, image memory, and what an output holds. */
+/** Pixels: frames made from a photo, image memory, and the content of outputs. */
 package com.orlu.orlu3rdalgoservice.tool.image;

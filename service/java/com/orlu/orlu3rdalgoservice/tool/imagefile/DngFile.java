@@ -6,9 +6,9 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 
 /**
- * The sensor's samples in a DNG file: of all its images the one behind a colour filter, in strips or tiles
- * without compression or with lossless JPEG. LibRaw decodes them, in a native library that is opened with
- * this class. What can't be read is an IOException whose message says what is wrong.
+ * The sensor samples of a DNG file: its image with a colour filter array, in strips or tiles, uncompressed or
+ * in lossless JPEG. LibRaw decodes them, in a native library that is loaded with this class. Throws an
+ * IOException with the reason if a file can't be read.
  */
 public final class DngFile {
     static {
@@ -27,7 +27,7 @@ public final class DngFile {
         mBits = bits;
     }
 
-    /** Takes a row of samples, which is valid during the call. */
+    /** Receives a row of samples, which is valid during the call. */
     @FunctionalInterface
     private interface RowSink {
         void put(int y, short[] row);
@@ -38,7 +38,7 @@ public final class DngFile {
 
     private static native void nReadRows(byte[] path, RowSink to) throws IOException;
 
-    /** Reads the headers, and checks that all samples can lie in the file. */
+    /** Reads the headers, and checks that the file is large enough for all samples. */
     public static DngFile open(Path path) throws IOException {
         if (!Files.isReadable(path)) {
             throw new IOException("can't be opened");
@@ -56,12 +56,12 @@ public final class DngFile {
         return mHeight;
     }
 
-    /** How many bits the white level takes; those of a sample in the file where it names no level. */
+    /** The bit depth of the white level, or of a sample in the file if there is no white level. */
     public int bits() {
         return mBits;
     }
 
-    /** Hands over all samples, of the whole sensor, row by row. */
+    /** Passes on all samples of the whole sensor in row order. */
     public void readSamples(SampleSink to) throws IOException {
         nReadRows(mPath, (y, row) -> {
             for (int x = 0; x < row.length; ++x) {

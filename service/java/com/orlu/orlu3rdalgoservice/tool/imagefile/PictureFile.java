@@ -18,7 +18,7 @@ import javax.imageio.plugins.tiff.TIFFDirectory;
 import javax.imageio.plugins.tiff.TIFFField;
 import javax.imageio.stream.ImageInputStream;
 
-/** A PNG, TIFF or JPEG file. What can't be read is an IOException whose message says what is wrong. */
+/** A PNG, TIFF or JPEG file. Throws an IOException with the reason if a file can't be read. */
 public final class PictureFile {
     private static final int MOST_PIXELS = 1 << 27;
     private static final long MOST_BYTES = 1 << 29;
@@ -37,7 +37,7 @@ public final class PictureFile {
         T of(ImageReader reader) throws IOException;
     }
 
-    /** Reads the header alone, and refuses a picture that would take too much memory. */
+    /** Reads only the header, and rejects a picture that would take too much memory. */
     public static PictureFile open(Path path) throws IOException {
         return with(path, reader -> {
             PictureFile file = new PictureFile(path, reader.getWidth(0), reader.getHeight(0));
@@ -66,7 +66,7 @@ public final class PictureFile {
         }
     }
 
-    // For other sizes the decoder makes a table of all values of a sample.
+    // For other sizes the decoder allocates a table of all sample values.
     private static void checkSampleBits(TIFFDirectory directory) throws IOException {
         TIFFField sizes = directory.getTIFFField(BaselineTIFFTagSet.TAG_BITS_PER_SAMPLE);
         for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {
@@ -85,12 +85,12 @@ public final class PictureFile {
         return mHeight;
     }
 
-    /** Decodes the picture, in the colours and bits that the file has. */
+    /** Decodes the picture, in the colours and bit depth of the file. */
     public BufferedImage decode() throws IOException {
         return with(mPath, reader -> reader.read(0));
     }
 
-    /** Hands over the samples of a picture of one sample a pixel; any other is an IOException. */
+    /** Passes on the samples of a picture with one sample per pixel; throws an IOException for any other. */
     public void readSamples(SampleSink to) throws IOException {
         Raster raster = decode().getRaster();
         if (raster.getNumBands() != 1) {
@@ -118,7 +118,7 @@ public final class PictureFile {
                 reader.dispose();
             }
         } catch (RuntimeException e) {
-            // The decoders let these pass on damaged files.
+            // The decoders throw these for damaged files.
             throw new IOException("damaged: " + Printable.message(e), e);
         }
     }
