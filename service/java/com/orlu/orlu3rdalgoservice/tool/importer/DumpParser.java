@@ -6,8 +6,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Reads the metadata buffers in a dump of the camera service, between any other text. Notes what is cut or
- * damaged and reads the rest.
+ * Finds the metadata buffers in a camera service's dump, ignoring other text. Notes what is cut or damaged
+ * and reads the rest.
  */
 final class DumpParser {
     /** More values than a tag can hold. */
@@ -86,7 +86,7 @@ final class DumpParser {
         mAnnounced = -1;
     }
 
-    // A line that is cut before its closing bracket may have lost digits of its last value.
+    // A line cut before its closing bracket may have lost digits of its last value.
     private void addValues(DumpEntry entry, String line, int number) {
         if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
             return;

@@ -8,7 +8,7 @@ import java.util.List;
 /** Finds the capture results among the metadata buffers of a dump. */
 final class DumpReader {
     private static final String TIMESTAMP = "android.sensor.timestamp";
-    /** Tags that only the description of a camera has. */
+    /** Tags that only occur in a camera's description. */
     private static final List<String> OF_DESCRIPTIONS =
             List.of("android.info.supportedHardwareLevel", "android.request.availableCapabilities");
 

@@ -65,7 +65,7 @@ final class DumpTags {
         }
     }
 
-    /** The camera layer's types for a tag of this type; null if it has none. */
+    /** The camera layer's type for a tag of this type; null if there is none. */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";
@@ -189,7 +189,7 @@ final class DumpTags {
         return bytes.toByteArray();
     }
 
-    // Without the zero byte that ends most texts.
+    // Removes the zero byte that ends most texts.
     private static String text(DumpEntry entry) throws DamagedValueException {
         return new String(bytes(entry), StandardCharsets.UTF_8).replaceFirst("\0+$", "");
     }

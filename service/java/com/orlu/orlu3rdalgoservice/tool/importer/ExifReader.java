@@ -61,12 +61,12 @@ final class ExifReader {
             reader.addAll();
             return reader.mFrame;
         } catch (ImageProcessingException | IOException | RuntimeException e) {
-            // The library lets the last ones through on damaged files.
+            // The library throws unchecked exceptions for damaged files.
             throw new MistakeException(file.toString(), "", "can't be read: " + Printable.message(e));
         }
     }
 
-    // The library's own reader of JPEG files prints a stack if an EXIF block is damaged.
+    // The library's own JPEG reader prints a stack trace if an EXIF block is damaged.
     private static Metadata ofJpeg(Path file) throws ImageProcessingException, IOException {
         Metadata metadata = new Metadata();
         for (byte[] segment : JpegSegmentReader.readSegments(file.toFile(), List.of(JpegSegmentType.APP1))
@@ -180,7 +180,7 @@ final class ExifReader {
         return Double.isFinite(value) ? Math.rint(value) : value;
     }
 
-    // The first directory with the tag, except that of a thumbnail.
+    // The first directory with the tag, except a thumbnail's.
     private Directory holding(int tag) {
         for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
             if (directory.containsTag(tag) && !(directory instanceof ExifThumbnailDirectory)) {

@@ -6,11 +6,11 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** The tags of one frame, each with the JSON text that a request file has for its value. */
+/** The tags of one frame, each with its value as JSON text for a request file. */
 public final class ImportedFrame {
     private final Map<String, String> mTags = new TreeMap<>();
 
-    /** Takes a tag whose value, as JsonWriter takes it, has the tag's type; notes any other. */
+    /** Adds a tag if its value, as JsonWriter takes it, has the tag's type; otherwise notes it. */
     void put(String tag, Object value, String place, Notes notes) {
         String text = JsonWriter.line(value);
         String problem = RequestTags.problemOf(tag, text);

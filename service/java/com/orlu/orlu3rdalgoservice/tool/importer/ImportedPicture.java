@@ -19,7 +19,7 @@ import java.util.Map;
  * @param size   of pixels without a header, else null
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
-    /** Reads the header of a file; an IOException says what is wrong with it. */
+    /** Reads the header of a file; throws an IOException with the reason if it is invalid. */
     static ImportedPicture of(Path file, ImageFileKind kind) throws IOException {
         if (kind == ImageFileKind.DNG) {
             DngFile.open(file);

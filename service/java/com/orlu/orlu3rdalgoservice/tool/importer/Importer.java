@@ -15,8 +15,8 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Gathers frames and pictures from files of several forms: pictures by their names, an image test's JSON if
- * a text begins with a brace, any other text as a dump, and pixels without a header.
+ * Collects frames and pictures from files of several forms: pictures by extension, a text that begins with a
+ * brace as an image test's JSON, any other text as a dump, and pixels without a header.
  */
 public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -29,7 +29,7 @@ public final class Importer {
     private final List<ImportedPicture> mPictures = new ArrayList<>();
     private final List<Expected> mExpected = new ArrayList<>();
 
-    /** A picture that a JSON file announces and that has not been found yet. */
+    /** A picture that a JSON file announces but that is not found yet. */
     private record Expected(SuiteOutput output, Path json) {
     }
 
@@ -37,7 +37,7 @@ public final class Importer {
         mNotes = notes;
     }
 
-    /** Reads the files; those that describe others first. Throws if one has no known form. */
+    /** Reads the files, those that describe others first. Throws if a file has no known form. */
     public void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
@@ -85,7 +85,7 @@ public final class Importer {
         }
     }
 
-    // Pixels have a zero byte near their start.
+    // Pixels contain a zero byte near their start.
     private static boolean isText(Path file) throws IOException {
         String name = file.getFileName().toString();
         return !name.matches(".*\\.(raw\\d*|yuv|nv\\d\\d|bin)")
@@ -157,7 +157,7 @@ public final class Importer {
         return first;
     }
 
-    // A picture that is not on the command line may lie beside the JSON file, under its name.
+    // A picture that is not on the command line may be beside the JSON file, under its name.
     private void find(Expected expected) {
         SuiteOutput output = expected.output();
         mNotes.begin(expected.json());

@@ -6,7 +6,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** What an import drops, or reads in a way that may surprise: a line each, with the place and the reason. */
+/** Notes on what an import drops or reads in a surprising way: a line each, with place and reason. */
 public final class Notes {
     private static final int MOST = 1000;
 
@@ -14,7 +14,7 @@ public final class Notes {
     private Path mFile;
     private int mCount;
 
-    /** Begins the notes about a file. */
+    /** Starts the notes about a file. */
     void begin(Path file) {
         mFile = file;
     }
@@ -29,7 +29,7 @@ public final class Notes {
         return mCount;
     }
 
-    /** The first notes, and how many more there are. */
+    /** The first notes, and how many others there are. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>(mLines);
         if (mCount > MOST) {

@@ -8,7 +8,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.Collectors;
 
-/** Writes frames and pictures as the text of a request file, a tag a line. */
+/** Writes frames and pictures as the text of a request file, one tag per line. */
 public final class RequestWriter {
     private final Path mFolder;
     private final List<ImportedFrame> mFrames;
@@ -21,7 +21,7 @@ public final class RequestWriter {
         mPictures = imported.pictures();
     }
 
-    /** Returns the text. Without pictures, inputs are made of the photo, which may be null. */
+    /** Returns the text. Without pictures, inputs are made from the photo, which may be null. */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
         List<String> members = new ArrayList<>();
         members.add(member("about", "Imported from " + sources.stream()

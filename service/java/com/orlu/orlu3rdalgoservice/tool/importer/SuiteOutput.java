@@ -19,12 +19,12 @@ import java.util.TreeMap;
  * @param height pixels
  */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
-    /** The names of the formats there; YUV pictures have their three planes one after the other. */
+    /** The test's names of formats. YUV pictures have three contiguous planes. */
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,
             "raw10", PixelFormat.MIPI_RAW10, "yuv", PixelFormat.YU12, "jpeg", PixelFormat.JPEG,
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));
 
-    /** The picture of an element of "outputs"; null if the element does not describe one. */
+    /** The picture described by an element of "outputs"; null if it describes none. */
     static SuiteOutput of(Json output) {
         String name = output.string("format", "");
         int width = output.integer("width", 1, Limits.FILE_SIDE, 0);
@@ -34,7 +34,7 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;
     }
 
-    /** Whether it can be a file of this many bytes without a header. */
+    /** Whether a file of this many bytes can hold it without a header. */
     boolean isOfSize(long bytes) {
         long size = 0;
         for (int plane : format.planeSizes(format.tightStride(width), height, 0)) {

@@ -44,7 +44,7 @@ final class SuiteReader {
         if (mFrames.isEmpty()) {
             throw shot.error("needs captureResult or captureResults, objects of tags");
         }
-        // What never changes is not part of a result there; here it is looked up in one.
+        // The test keeps constant values in the camera's description; here they belong to the result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));
@@ -92,7 +92,7 @@ final class SuiteReader {
         return true;
     }
 
-    // A value of an unknown form stays as it is; the note then says what its tag's type needs.
+    // A value of an unknown form is kept; the note then names the form that its tag's type needs.
     private static Object converted(TagType type, Json value) {
         return switch (type) {
             case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;
@@ -125,7 +125,7 @@ final class SuiteReader {
         }
     }
 
-    // The library does not ask for eyes, mouth and id.
+    // The library does not read eyes, mouth and id.
     private static Object face(Json face) {
         try {
             Map<String, Object> edges = new LinkedHashMap<>(face.require("bounds").members());

@@ -36,12 +36,12 @@ import java.util.Map;
 final class JsonReader {
     static final int MOST_BYTES = 8 << 20;
     static final int MOST_VALUES = 500_000;
-    /** Objects and lists in each other. Deeper ones could overflow the stack. */
+    /** Nesting depth of objects and lists. Deeper ones could overflow the stack. */
     static final int MOST_LEVELS = 64;
     private static final int LONGEST_NUMBER = 400;
     private static final int LARGEST_EXPONENT = 400;
 
-    // Canonical names would be looked up in a table that fails if their hashes collide.
+    // Interning names would use a table that fails if their hashes collide.
     private static final JsonFactory FACTORY = new JsonFactoryBuilder()
             .enable(JsonReadFeature.ALLOW_JAVA_COMMENTS)
             .disable(StreamReadFeature.INCLUDE_SOURCE_IN_LOCATION)
@@ -59,7 +59,7 @@ final class JsonReader {
         mMistakes = mistakes;
     }
 
-    /** Returns the file's value; null after a mistake of syntax, which is noted. */
+    /** Returns the file's value; null after a syntax error, which is noted. */
     static Json read(Path path, Mistakes mistakes) {
         try (InputStream file = Files.newInputStream(path)) {
             boolean isTooLarge = Files.size(path) > MOST_BYTES;
@@ -80,7 +80,7 @@ final class JsonReader {
         return null;
     }
 
-    // Without the byte order mark that some editors write; null if the bytes are not UTF-8.
+    // Removes the byte order mark that some editors write; null if the bytes are not UTF-8.
     private static String decoded(byte[] bytes, Mistakes mistakes) {
         CharBuffer text = CharBuffer.allocate(bytes.length);
         CoderResult result = StandardCharsets.UTF_8.newDecoder().decode(ByteBuffer.wrap(bytes), text, true);
@@ -96,7 +96,7 @@ final class JsonReader {
                 : text.toString();
     }
 
-    /** Returns the text's value; null after a mistake of syntax, which is noted. */
+    /** Returns the text's value; null after a syntax error, which is noted. */
     static Json parse(String text, int firstLine, Mistakes mistakes) {
         try (JsonParser parser = FACTORY.createParser(text)) {
             return new JsonReader(parser, firstLine, mistakes).document();
@@ -121,7 +121,7 @@ final class JsonReader {
         } catch (JsonEOFException e) {
             throw mistake(spot(e.getLocation()), "not JSON: the file ends too early" + unclosed());
         } catch (JsonProcessingException e) {
-            // Jackson has consumed the character. Some messages name a switch that would allow it.
+            // Jackson has consumed the character. Some messages name a setting that would allow it.
             Json.Spot next = e.getLocation() == null ? tokenStart() : spot(e.getLocation());
             String message = e.getOriginalMessage().replaceFirst(": enable .*", "");
             throw mistake(new Json.Spot(next.line(), Math.max(1, next.column() - 1)), "not JSON: "
@@ -150,7 +150,7 @@ final class JsonReader {
         return spot(mParser.getTokenLocation());
     }
 
-    // The parser is at the value's first token, and at its last one afterwards.
+    // The parser is at the value's first token before, and at its last token afterwards.
     private Json value(Json parent, String name, int index, Json.Spot nameSpot, int level)
             throws IOException, MistakeException {
         Json.Spot spot = tokenStart();
@@ -207,7 +207,7 @@ final class JsonReader {
         };
     }
 
-    // Keeps the precision of the text: "1.0" stays a number with a fraction, and a long loses no digits.
+    // Keeps the precision of the text: "1.0" keeps its fraction, and a long loses no digits.
     private BigDecimal number(Json.Spot spot, String text) {
         if (text.length() <= LONGEST_NUMBER) {
             try {

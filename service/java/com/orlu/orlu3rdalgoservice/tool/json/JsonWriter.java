@@ -11,8 +11,8 @@ import java.util.Map;
 import java.util.stream.IntStream;
 
 /**
- * Writes JSON. A value is a Json, a Map with texts as keys, an Iterable, an array, a String, a Number, a
- * Boolean or null. NaN and the infinities, which JSON lacks, become texts. Control characters are escaped.
+ * Writes JSON. A value is a Json, a Map with string keys, an Iterable, an array, a String, a Number, a
+ * Boolean or null. JSON lacks NaN and the infinities, which become texts. Control characters are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
@@ -24,14 +24,17 @@ public final class JsonWriter {
         mIsPretty = isPretty;
     }
 
-    /** Returns the value in one line, without an end of line. */
+    /** Returns the value on one line, without a line end. */
     public static String line(Object value) {
         JsonWriter writer = new JsonWriter(false);
         writer.write(value, "\n");
         return writer.mText.toString();
     }
 
-    /** Returns the value as a file has it: a member or element a line, two spaces a level, an end of line. */
+    /**
+     * Returns the value formatted for a file: one member or element per line, indented by two spaces per
+     * level.
+     */
     public static String pretty(Object value) {
         JsonWriter writer = new JsonWriter(true);
         writer.write(value, "\n");
@@ -64,7 +67,7 @@ public final class JsonWriter {
         } else if (value instanceof String || isWithoutForm(value)) {
             writeText(String.valueOf(value));
         } else if (value instanceof Number || value instanceof Boolean || value == null) {
-            // A BigDecimal has a plus in its exponent, and a double has none.
+            // BigDecimal writes a plus in the exponent, double does not.
             mText.append(String.valueOf(value).replace("E+", "E"));
         } else {
             throw new IllegalArgumentException("no JSON for " + value.getClass());
