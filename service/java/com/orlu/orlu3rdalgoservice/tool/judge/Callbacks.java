@@ -10,7 +10,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The callbacks of one request, and what became of each. */
+/** The callbacks of one request, and the outcome of each. */
 public final class Callbacks {
     private static final String SHOT = "shotCb";
     private static final String LIGHT_STREAM = "lightStreamCb";
@@ -22,7 +22,7 @@ public final class Callbacks {
     private final Call mProcess;
     private final List<Call> mCallbacks;
 
-    /** Those of a request that was waited for from and until these times of System.nanoTime(). */
+    /** The callbacks of a request that was waited for between these times of System.nanoTime(). */
     public Callbacks(RecordedEvents events, boolean isFullAsync, long waitStart, long waitEnd) {
         mIsFullAsync = isFullAsync;
         mWaitStart = waitStart;
@@ -31,17 +31,17 @@ public final class Callbacks {
         mCallbacks = events.calls("callback");
     }
 
-    /** Whether the request was submitted and nothing that counts ended it. */
+    /** Whether the request was submitted and no valid callback finished it. */
     public boolean isMissing() {
         return mProcess != null && mCallbacks.stream().noneMatch(callback -> isEndInTime(callback.begin()));
     }
 
-    /** Whether a callback ended the request, in time or not. */
+    /** Whether a callback finished the request, in time or late. */
     public boolean hasEnd() {
         return mCallbacks.stream().anyMatch(callback -> isEnd(callback.begin()));
     }
 
-    /** Why callbacks were ignored, each reason once and with how often when it was several times. */
+    /** Why callbacks were ignored: each reason once, with its count if it occurred several times. */
     List<String> ignored() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call callback : mCallbacks) {
@@ -67,7 +67,7 @@ public final class Callbacks {
         return callback.time() > mWaitEnd;
     }
 
-    // A waiting request is woken by any thread; Java is called only on one that the VM knows.
+    // Any thread can wake a waiting request; Java is called only on threads that the VM knows.
     private boolean isUnreachable(Event callback) {
         boolean callsJava = callback.text("name").equals(LIGHT_STREAM) || mIsFullAsync;
         return callsJava && callback.has("attached") && !callback.flag("attached");
@@ -77,7 +77,7 @@ public final class Callbacks {
         return mProcess != null && callback.number("nativeReq") == mProcess.begin().number("nativeReq");
     }
 
-    // Why a callback was ignored, "" when it was not.
+    // Why a callback was ignored; "" if it was not.
     private String ignored(Call call) {
         Event callback = call.begin();
         String name = callback.text("name");
@@ -95,7 +95,7 @@ public final class Callbacks {
             return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
                     + "\" is unknown to the VM";
         }
-        // Behind one that came in time it is only one too many.
+        // After a callback in time, a late one is merely redundant.
         if (name.equals(SHOT) && isLate(callback) && isMissing()) {
             return "it came after %.1f s".formatted(
                     (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);

@@ -11,13 +11,13 @@ import java.util.Set;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Who ended the process, by the operations that had not returned when it died. */
+/** Finds out what killed the process, from the operations that were in progress. */
 public final class Crash {
     private static final int LAST_EVENTS = 40;
     private static final int SIGNAL_BASE = 128;
     private static final int INTERRUPT = 2;
     private static final int TERMINATE = 15;
-    /** Operations before the first request: a library that dies in one of them can't be used at all. */
+    /** Operations before the first request. A library that crashes in one of them is unusable. */
     private static final Set<String> OPENING = Set.of("load", "entry", "createClient", "init");
     private static final Map<Integer, String> SIGNALS = Map.of(2, "SIGINT", 4, "SIGILL", 6, "SIGABRT",
             7, "SIGBUS", 8, "SIGFPE", 9, "SIGKILL", 11, "SIGSEGV", 15, "SIGTERM");
@@ -31,7 +31,7 @@ public final class Crash {
     private final String mVmReport;
     private final Call mOpen;
 
-    /** The events of the whole run, what the process ended with, and the VM's report, "" for none. */
+    /** Takes the events of the whole run, the exit status, and the VM's crash report ("" for none). */
     public Crash(RecordedEvents events, int exitStatus, String vmReport) {
         mEvents = events;
         mExitStatus = exitStatus;
@@ -40,12 +40,12 @@ public final class Crash {
         mOpen = open.isEmpty() ? null : open.get(open.size() - 1);
     }
 
-    /** One of Verdict's. */
+    /** One of Verdict's statuses. */
     public int status() {
         return mOpen != null && OPENING.contains(mOpen.operation()) ? Verdict.UNUSABLE : Verdict.FAILED;
     }
 
-    /** The library, the operation, and how it ended, in one line. */
+    /** The library, the operation, and how the process died, in one line. */
     public String reason() {
         String path = LibraryCheck.path(mEvents);
         if (wasStopped()) {
@@ -66,7 +66,7 @@ public final class Crash {
         if (mExitStatus <= SIGNAL_BASE) {
             return "exit " + mExitStatus;
         }
-        // The VM handles a signal by aborting, and says in its report which one it was, and where.
+        // The VM handles a signal by aborting; its report names the signal and the place.
         Matcher fault = VM_SIGNAL.matcher(mVmReport);
         if (fault.find()) {
             Matcher frame = VM_FRAME.matcher(mVmReport);
@@ -77,7 +77,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // With nothing open it was a thread of the library's own, or the process's regular end.
+    // With no operation in progress, it was the library's own thread or the process's regular exit.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);
@@ -100,7 +100,7 @@ public final class Crash {
         };
     }
 
-    /** The reason, what was open, and the last events, for a file. */
+    /** Reason, operations in progress, and last events, for a file. */
     public String report() {
         StringBuilder text = new StringBuilder(reason()).append("\n\nOperations that had not returned:\n");
         mEvents.open().forEach(call -> text.append(JsonWriter.line(call.begin().fields())).append('\n'));

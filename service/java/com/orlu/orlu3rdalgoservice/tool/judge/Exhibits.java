@@ -15,9 +15,9 @@ import java.util.Map;
 import java.util.concurrent.atomic.AtomicInteger;
 import java.util.stream.IntStream;
 
-/** What a page needs of a request's images, taken while their memory is there. */
+/** The image data that a page needs, collected while the images' memory exists. */
 public final class Exhibits {
-    /** Bytes that the inputs' pictures may take together in a page, beside the one to compare with. */
+    /** The most bytes of all inputs' pictures in a page, except the one that outputs are compared with. */
     private static final int INPUT_BYTES = 900_000;
 
     private final List<Long> mChecksums = new ArrayList<>();
@@ -28,19 +28,19 @@ public final class Exhibits {
     private String mNamedBy = "";
     private boolean mIsLost;
 
-    /** To be called before the request is handed over. */
+    /** Call it before the request is submitted. */
     public void before(List<ImageBuffer> inputs) {
         inputs.forEach(image -> mChecksums.add(ImageExhibit.checksum(image)));
     }
 
-    /** Instead of the others when the process ended: the inputs as they went in. */
+    /** Replaces before() and after() if the process died: only the inputs are known. */
     public void afterCrash(List<ImageBuffer> inputs) {
         mIsLost = true;
         before(inputs);
         after(new BaseFrame(0, ""), inputs, List.of(), List.of());
     }
 
-    /** To be called after it; the outputs' readers are those of the outputs, in their order. */
+    /** Call it after the request; `readers` are those of the outputs, in order. */
     public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
         mNamedBy = baseFrame.namedBy();
@@ -108,7 +108,7 @@ public final class Exhibits {
         return mOutputs;
     }
 
-    /** The input that outputs are compared with; null when the request has none. */
+    /** The input that outputs are compared with; null if the request has none. */
     public ImageExhibit base() {
         return mInputs.isEmpty() ? null : mInputs.get(mBase);
     }
@@ -118,7 +118,7 @@ public final class Exhibits {
         return mIsLost;
     }
 
-    /** Inputs, outputs and differences; "large" is absent where a picture is there as a small one only. */
+    /** Inputs, outputs and differences; "large" is absent if a picture exists only as a small one. */
     public Map<String, Object> json() {
         return JsonWriter.object("base", mBase, "baseNamedBy", mNamedBy, "lost", mIsLost,
                 "inputs", mInputs.stream().map(ImageExhibit::json).toList(),

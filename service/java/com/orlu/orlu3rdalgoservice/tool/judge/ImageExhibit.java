@@ -14,10 +14,10 @@ import java.nio.ByteBuffer;
 import java.util.Map;
 import java.util.zip.CRC32;
 
-/** One image of a request after it, as a page shows it. */
+/** One image of a request as a page shows it after the request. */
 public final class ImageExhibit {
     private static final int SMALL_WIDTH = 240;
-    /** Bytes; with fewer a large picture shows no more than the small one. */
+    /** In bytes; a large picture with fewer shows no more than the small one. */
     private static final int LEAST_LARGE = 30_000;
 
     private final String mName;
@@ -35,7 +35,10 @@ public final class ImageExhibit {
     private PictureData mLarge;
     private PictureData mSmall;
 
-    /** The name is "input 0" and the like; the frame is -1 for an output; the large picture has at most so many bytes. */
+    /**
+     * `name` is "input 0" or similar; `frame` is -1 for an output; `most` limits the bytes of the large
+     * picture.
+     */
     ImageExhibit(String name, int frame, ImageBuffer image, OutputReader read, int most) {
         mName = name;
         mFrame = frame;
@@ -73,7 +76,7 @@ public final class ImageExhibit {
         return mFrame;
     }
 
-    /** Why there is no picture, "" when there is one. */
+    /** Why there is no picture; "" if there is one. */
     public String problem() {
         return mProblem.isEmpty() && mFacts == null ? "a JPEG that no decoder takes" : mProblem;
     }
@@ -82,12 +85,12 @@ public final class ImageExhibit {
         return mMemory;
     }
 
-    /** Null when there is no picture. */
+    /** Null without a picture. */
     PictureFacts facts() {
         return mFacts;
     }
 
-    /** The picture's pixels, until they are let go; null when there are none. */
+    /** The picture's pixels until they are released; null without a picture. */
     PixelRows picture() {
         return mPicture;
     }
@@ -100,27 +103,27 @@ public final class ImageExhibit {
         return mChecksum;
     }
 
-    /** Whether its pixels come from a file; frames made of one photo may well be alike. */
+    /** Whether the pixels come from a file. Frames made from one photo may well be alike. */
     boolean isOfFile() {
         return mIsOfFile;
     }
 
-    /** Notes that the bytes are others than before the request. */
+    /** Notes that the request changed the bytes. */
     void markWritten() {
         mIsWritten = true;
     }
 
-    /** Whether they are, of an input. */
+    /** Whether the request changed this input's bytes. */
     boolean isWritten() {
         return mIsWritten;
     }
 
-    /** Null when there is no picture. */
+    /** Null without a picture. */
     public PictureData small() {
         return mSmall;
     }
 
-    /** All, with its pictures. */
+    /** All data, with the pictures. */
     Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("name", mName, "frame", mFrame, "raw", mIsRaw,
                 "hardware", mIsHardware, "problem", problem(), "written", mIsWritten, "layout", mMemoryJson);

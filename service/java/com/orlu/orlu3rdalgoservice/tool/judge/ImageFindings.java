@@ -9,14 +9,14 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Looks for what is wrong with a request's images: each output beside the input that it was made of. */
+/** Finds problems in a request's images; compares each output with the input it was made from. */
 public final class ImageFindings {
-    // Levels of 255.
+    // Levels, of 255.
     private static final double BLACK_MEAN = 3;
     private static final int BLACK_LEVEL = 12;
     private static final double DARK_INPUT_MEAN = 8;
     private static final double LEAST_COLOUR_DISTANCE = 6;
-    // Parts of all pixels or rows.
+    // Fractions of all pixels or rows.
     private static final double NEARLY_ALL = 0.99;
     private static final double MUCH_CLIPPED = 0.25;
     private static final double LITTLE_CLIPPED = 0.05;
@@ -28,7 +28,7 @@ public final class ImageFindings {
     private final boolean mHasPass;
     private final List<Finding> mFindings = new ArrayList<>();
 
-    /** With no pass, nobody was to write the outputs. */
+    /** Without an algorithm pass, outputs stay unwritten. */
     public ImageFindings(Exhibits exhibits, boolean hasPass) {
         mExhibits = exhibits;
         mHasPass = hasPass;
@@ -128,7 +128,7 @@ public final class ImageFindings {
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // Memory of an output is zero before, so that rows that still are were not written.
+    // An output's memory is zeroed before, so rows still zero were not written.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {

@@ -10,9 +10,9 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Judges one request over a usable library by its events and by what came of its outputs. */
+/** Judges one request over a usable library by its events and its outputs. */
 public final class Judge {
-    /** Below 0 they say that a key is not there, or that a visitor does not know it. */
+    /** Results below 0 mean that a key is missing or that a visitor does not know it. */
     private static final Set<String> ANSWERING =
             Set.of("getValue", "visit", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo");
 
@@ -28,7 +28,7 @@ public final class Judge {
                 run.events(), run.request().fullAsync(), run.waitStart(), run.waitEnd());
     }
 
-    /** The problems are those of outputs that the algorithms were to write. */
+    /** The problems are those of outputs that the algorithms should have written. */
     public static Verdict of(Run run, List<String> outputProblems) {
         return new Judge(run, outputProblems).judge();
     }
@@ -48,7 +48,8 @@ public final class Judge {
         return mReasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, mReasons);
     }
 
-    // An operation that failed a hundred times is one reason. What came of one call is said elsewhere.
+    // Groups failures: an operation that failed a hundred times is one reason. `except` is reported
+    // elsewhere.
     private void checkOperations(Call except) {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call call : mRun.events().calls()) {
@@ -88,7 +89,7 @@ public final class Judge {
                 + String.join(", ", ignored);
     }
 
-    // Also of a request that ended well: a light-stream event may be lost, a message misspelt.
+    // Also applies to successful requests: a light-stream event may be lost, or a message misspelt.
     private void checkIgnored() {
         List<String> ignored = mCallbacks.ignored();
         if (!ignored.isEmpty()) {

@@ -7,17 +7,17 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Whether an algorithm library can be used at all, by what happened until its first client was there. */
+/** Checks whether an algorithm library is usable, by the events up to the creation of its first client. */
 public final class LibraryCheck {
-    // Without these no request is submitted, and each waits for a callback that nothing makes.
+    // Without these no request is submitted, and each waits for a callback that never comes.
     private static final List<String> MANDATORY = List.of("process", "getSize");
-    // Without these a request runs, but its parameters or its results get lost.
+    // Without these a request runs but loses its parameters or results.
     private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");
 
     private LibraryCheck() {
     }
 
-    /** The verdict on these events: UNUSABLE, or ok when nothing in them says otherwise. */
+    /** Returns the verdict on these events: UNUSABLE, or ok if nothing contradicts it. */
     public static Verdict of(RecordedEvents events) {
         List<String> reasons = new ArrayList<>();
         checkLoad(events.last("load"), reasons);
@@ -28,7 +28,7 @@ public final class LibraryCheck {
         return reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.UNUSABLE, reasons);
     }
 
-    /** The real algorithm library's path; "" when it is not known. */
+    /** The path of the real algorithm library; "" if unknown. */
     static String path(RecordedEvents events) {
         Call load = events.last("load");
         return load == null ? "" : load.begin().text("path");
@@ -50,7 +50,7 @@ public final class LibraryCheck {
         }
     }
 
-    /** Adds a reason when a library that can be used lacks what carries parameters and results. */
+    /** Adds a reason if a usable library lacks functions that carry parameters and results. */
     static void addMissingCarriers(RecordedEvents events, List<String> reasons) {
         addMissing(events, CARRYING_VALUES, reasons);
     }

@@ -14,16 +14,16 @@ public record Verdict(int status, List<String> reasons) {
     public static final int OK = 0;
     /** A request failed on its way. */
     public static final int FAILED = 1;
-    /** The command line or a request file can't be taken. */
+    /** The command line or a request file is invalid. */
     public static final int REFUSED = 2;
-    /** The algorithm library can't be opened, or lacks what no request can do without. */
+    /** The algorithm library can't be opened, or lacks a mandatory callable. */
     public static final int UNUSABLE = 3;
 
     public static Verdict ok() {
         return new Verdict(OK, List.of());
     }
 
-    /** The line that a run ends with. */
+    /** The last line of a run. */
     public String line() {
         return status == OK ? "verdict  ok" : Printable.line("verdict  FAILED: " + String.join("; ", reasons));
     }

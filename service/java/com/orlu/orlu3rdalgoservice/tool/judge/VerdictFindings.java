@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Finding.Tab;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Says in more words what a verdict's reasons mean, and where in the page they show. */
+/** Explains a verdict's reasons in detail, and where the page shows them. */
 public final class VerdictFindings {
     /**
      * What is said of a kind of reason.
@@ -15,7 +15,7 @@ public final class VerdictFindings {
     private record Kind(String name, Tab tab, String what, String why, String... words) {
     }
 
-    // The first that fits counts.
+    // The first match counts.
     private static final List<Kind> KINDS = List.of(
             new Kind("crash", Tab.TIMELINE, "The algorithm library ended the process.",
                     "The timeline's last slices are what was under way: one that has not returned is "
@@ -46,7 +46,7 @@ public final class VerdictFindings {
     private VerdictFindings() {
     }
 
-    /** One finding for each reason, without those on outputs: their pictures say more. */
+    /** Returns one finding for each reason, except those about outputs: their pictures say more. */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

@@ -1,2 +1,2 @@
-/** The verdict on a run, and what looks wrong in it. */
+/** The verdict on a run, and the problems found in it. */
 package com.orlu.orlu3rdalgoservice.tool.judge;
