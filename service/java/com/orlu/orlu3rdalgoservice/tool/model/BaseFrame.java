@@ -17,7 +17,7 @@ public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";
     private static final String SELECTED = "orlu.feedback.frameSelectResult";
 
-    /** By the base's timestamp, else by that of the only frame that was selected. */
+    /** Finds it by the base's timestamp, else by that of the only selected frame. */
     public static BaseFrame of(RequestFile request, List<Map<String, Object>> puts) {
         Map<String, Object> put = puts.isEmpty() ? Map.of() : puts.get(0);
         int base = withTimestamp(request, put.get(BASE));
@@ -29,7 +29,7 @@ public record BaseFrame(int index, String namedBy) {
         return base >= 0 ? new BaseFrame(base, SELECTED) : new BaseFrame(0, "");
     }
 
-    // -1 when no frame has this timestamp.
+    // -1 if no frame has this timestamp.
     private static int withTimestamp(RequestFile request, Object timestamp) {
         List<FramePlan> frames = request.frames().frames();
         return IntStream.range(0, frames.size()).filter(i -> timestamp != null && timestamp.equals(

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-/** One operation between the two libraries: how it began, and how it ended if it did. */
+/** One operation between the two libraries: its begin, and its end if it returned. */
 public final class Call {
     private final Event mBegin;
     private Event mEnd;
@@ -21,7 +21,7 @@ public final class Call {
         return mBegin;
     }
 
-    /** How it ended; null when it has not returned: it hangs, or ended the process. */
+    /** The end; null if it has not returned because it blocks or killed the process. */
     public Event end() {
         return mEnd;
     }
@@ -35,7 +35,7 @@ public final class Call {
         return mEnd != null && mEnd.has("result") && mEnd.number("result") == result;
     }
 
-    /** What came of it, in words that follow the operation's name. */
+    /** The outcome, as text that follows the operation's name. */
     public String outcome() {
         if (mEnd == null) {
             return "has not returned";

@@ -9,11 +9,13 @@ package com.orlu.orlu3rdalgoservice.tool.model;
  * @param height likewise
  */
 public record CropArea(int x, int y, int width, int height) {
-    /** Packed samples go in fours, and so do the columns of every format: all images get the same area. */
+    /**
+     * Packed samples come in groups of four. All formats use this step, so that all images get the same area.
+     */
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
 
-    /** "WIDTH,HEIGHT" or "X,Y,WIDTH,HEIGHT". IllegalArgumentException for anything else. */
+    /** Parses "WIDTH,HEIGHT" or "X,Y,WIDTH,HEIGHT"; throws IllegalArgumentException otherwise. */
     public static CropArea parse(String text) {
         if (!text.matches("\\d{1,6},\\d{1,6}(,\\d{1,6},\\d{1,6})?")) {
             throw new IllegalArgumentException(
@@ -32,7 +34,10 @@ public record CropArea(int x, int y, int width, int height) {
         return area;
     }
 
-    /** The same in an image of this size. IllegalArgumentException, which calls it so, where it is larger. */
+    /**
+     * Places the area in an image of this size. Throws IllegalArgumentException, with the image's name, if
+     * the area is too large.
+     */
     CropArea in(int imageWidth, int imageHeight, String image) {
         CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,
                 y < 0 ? (imageHeight - height) / 2 / ROWS * ROWS : y, width, height);
@@ -44,7 +49,7 @@ public record CropArea(int x, int y, int width, int height) {
         return placed;
     }
 
-    /** "320x240 from 16,8", or without the place. */
+    /** "320x240 from 16,8", or only the size. */
     @Override
     public String toString() {
         return width + "x" + height + (x < 0 ? "" : " from " + x + "," + y);

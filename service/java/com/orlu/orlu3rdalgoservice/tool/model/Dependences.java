@@ -24,22 +24,25 @@ import java.util.TreeSet;
  */
 public record Dependences(
         List<Dependence> all, Set<String> unsteady, int trials, double seconds, String problem) {
-    /** The name of the algorithm list among the parameters. */
+    /** The algorithm list's name among the parameters. */
     public static final String ALGORITHMS = "algorithms";
 
-    /** Nothing is known, for a reason. */
+    /** Returns empty results with the reason. */
     public static Dependences unknown(String problem) {
         return new Dependences(List.of(), Set.of(), 0, 0, problem);
     }
 
-    /** The tags that a parameter depends on, by tag and frame, also those on which it does only together. */
+    /**
+     * The tags that a parameter depends on, by tag and frame, including those that only act in all frames
+     * together.
+     */
     public List<Dependence> of(String parameter) {
         return all.stream()
                 .filter(tag -> tag.parameters().contains(parameter) || tag.together().contains(parameter))
                 .toList();
     }
 
-    /** What a frame's tag does; nothing when it was not asked for. */
+    /** The effects of a frame's tag; none if it was not read. */
     public List<Dependence> of(int frame, String tag) {
         return all.stream().filter(each -> each.frame() == frame && each.tag().equals(tag)).toList();
     }
@@ -60,12 +63,12 @@ public record Dependences(
                 json.require("problem").string());
     }
 
-    /** Writes what the trials of several requests found, a line each. */
+    /** Writes the trials' results for several requests, one line each. */
     public static void write(Path file, List<Dependences> requests) throws IOException {
         Files.write(file, requests.stream().map(found -> JsonWriter.line(found.json())).toList());
     }
 
-    /** Reads what write() wrote. */
+    /** Reads a file of write(). */
     public static List<Dependences> read(Path file) throws IOException {
         List<Dependences> requests = new ArrayList<>();
         for (String line : Files.readAllLines(file)) {

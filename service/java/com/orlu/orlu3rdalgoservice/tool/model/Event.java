@@ -8,7 +8,7 @@ import java.util.List;
 
 /**
  * One line of the events. A field that is absent, null or of another type reads as "", 0 or an empty list:
- * the line may come from a stranger's file.
+ * the file may come from a stranger.
  */
 public record Event(Json fields) {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
@@ -25,12 +25,12 @@ public record Event(Json fields) {
         return text("op");
     }
 
-    /** Nanoseconds on the clock that System.nanoTime() has. */
+    /** Nanoseconds on the clock of System.nanoTime(). */
     public long time() {
         return number("t");
     }
 
-    /** How long the operation of an end took. */
+    /** How long the operation of an end event took. */
     public double milliseconds() {
         return number("ns") / NANOSECONDS_PER_MILLISECOND;
     }
@@ -39,7 +39,7 @@ public record Event(Json fields) {
         return fields.has(name) && !fields.get(name).isNull();
     }
 
-    /** A text, or a number or a truth value as one. */
+    /** A text; a number or boolean is converted. */
     public String text(String name) {
         Json field = fields.get(name);
         return field == null || field.isNull() || field.isList() || field.isObject() ? "" : field.text();

@@ -24,7 +24,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
     private static final String AS_IN_JAVA = "as Java has it";
     private static final int NOT_KEPT = -2;
 
-    /** All that the probe kept of a run; none without its pixels. */
+    /** All images that the probe kept of a run; none without its pixels. */
     static List<HandedImage> of(Run run) {
         List<HandedImage> images = new ArrayList<>();
         for (Event event : run.events().events("pixels")) {
@@ -62,7 +62,8 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         return new HandedImage(event.text("at"), kind, (int) index, size + text, match);
     }
 
-    // The first byte that differs from Java's, -1 for none. A file whose bytes the recorder has is left out.
+    // The first byte that differs from Java's; -1 if none does. An event without its own file has the bytes
+    // that the recorder kept.
     private static int mismatch(Run run, Event event, ImageLayout inJava) throws MistakeException {
         if (inJava.file().crc().equals(event.text("crc")) && inJava.size() == event.number("size")) {
             return -1;
@@ -74,7 +75,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         }
         byte[] bytes = file.bytes();
         byte[] counterpart = inJava.bytes();
-        // The library may get less of the memory than Java has.
+        // The library may receive less memory than Java has.
         int common = Math.min(bytes.length, counterpart.length);
         return Arrays.mismatch(bytes, 0, common, counterpart, 0, common);
     }

@@ -5,15 +5,15 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** What a request handed to the algorithm library, whichever that is: the probe saw it pass. */
+/** What a request passed to the algorithm library, as the probe recorded it. */
 public final class Handover {
-    /** How every section begins. */
+    /** The common prefix of all sections. */
     public static final String SECTION_PREFIX = "orlu.algo.";
 
     private final List<Parameter> mParameters = new ArrayList<>();
     private final Call mProcess;
 
-    /** What passed in these events, which are those of one request. */
+    /** Takes the events of one request. */
     public Handover(RecordedEvents events) {
         for (Call call : events.calls("setValue")) {
             Event begin = call.begin();
@@ -22,17 +22,17 @@ public final class Handover {
         mProcess = events.last("process");
     }
 
-    /** Every value that was set, in order; a key that was set again is there again. */
+    /** Every parameter written, in order; a key written again is listed again. */
     public List<Parameter> parameters() {
         return mParameters;
     }
 
-    /** The call that submitted the request; null when it went without an algorithm pass. */
+    /** The call that submitted the request; null without an algorithm pass. */
     public Call process() {
         return mProcess;
     }
 
-    /** The algorithm list as it was handed on; empty when there was no algorithm pass. */
+    /** The algorithm list that was passed on; empty without an algorithm pass. */
     public List<String> algorithms() {
         return mProcess == null ? List.of() : mProcess.begin().texts("algoList");
     }
@@ -43,7 +43,7 @@ public final class Handover {
         return mParameters.subList(index + 1, mParameters.size()).stream().anyMatch(parameter::hasKeyOf);
     }
 
-    /** "section/key" of each key that was set more than once, with how often. */
+    /** "section/key" of each key written more than once, with the number of writes. */
     public Map<String, Integer> repeatedKeys() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         mParameters.forEach(parameter -> counts.merge(parameter.name(), 1, Integer::sum));
@@ -51,7 +51,7 @@ public final class Handover {
         return counts;
     }
 
-    /** "section/key" without the beginning that all sections have. */
+    /** "section/key" without the common prefix. */
     public static String shortName(String name) {
         return name.startsWith(SECTION_PREFIX) ? name.substring(SECTION_PREFIX.length()) : name;
     }

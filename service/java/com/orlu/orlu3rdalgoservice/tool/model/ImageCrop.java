@@ -7,8 +7,8 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Cuts an image of a recording down to an area: its bytes, and its description. Rows and planes keep the
- * padding that they have behind them, so that the smaller image lies in memory as the larger one did.
+ * Crops an image of a recording: its bytes and its description. Rows and planes keep their trailing padding,
+ * so that the memory layout stays the same.
  */
 final class ImageCrop {
     private final ImageLayout mImage;
@@ -20,7 +20,7 @@ final class ImageCrop {
     private final List<Plane> mPlanes = new ArrayList<>();
     private final int mSize;
 
-    // Rows of one plane, or of one of two chroma planes, from here on in the memory.
+    // Rows of a plane, or of one of two chroma planes, at an offset in the memory.
     private record Plane(int at, int newAt, int stride, int newStride, int rows, int newRows, int firstByte,
             int firstRow, int bytes) {
         int end() {
@@ -38,8 +38,8 @@ final class ImageCrop {
     }
 
     /**
-     * Plans the cut. IllegalArgumentException for an image, called by this name, that is not as large as the
-     * area or whose description makes no sense; null for a format whose pixels can't be cut out.
+     * Plans the crop. Throws IllegalArgumentException, with this name, if the image is smaller than the area
+     * or its description is invalid. Returns null for a format that can't be cropped.
      */
     static ImageCrop of(ImageLayout image, CropArea area, String name) {
         ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
@@ -64,8 +64,8 @@ final class ImageCrop {
         int[] newSizes = sizes.clone();
         int[] newStrides = strides.clone();
         newStrides[0] = newStride;
-        // A first plane may end with its last row's pixels, or have rows of padding.
-        // All the memory is one plane only where there are no others.
+        // A first plane may end with its last row's pixels, or have rows of padding. Only if there are no
+        // other planes is all memory one plane.
         boolean isPlane = sizes.length > 0 && sizes[0] > 0
                 && sizes[0] <= (mFormat.isYuv() ? mSize - 1 : mSize);
         if (isPlane) {
@@ -102,7 +102,7 @@ final class ImageCrop {
         return stride - (mFormat.tightStride(mWidth) - mFormat.tightStride(mArea.width())) / divisor;
     }
 
-    // Returns where it ends.
+    // Returns the end of the plane.
     private int addPlane(int at, int newAt, int stride, int newStride, int subsampling) {
         int divisor = subsampling > 1 && mFormat.isPlanar() ? 2 : 1;
         mPlanes.add(new Plane(at, newAt, stride, newStride, mHeight / subsampling,
@@ -111,7 +111,7 @@ final class ImageCrop {
         return mPlanes.get(mPlanes.size() - 1).end();
     }
 
-    // The last row may end with its pixels.
+    // The last row may lack its padding.
     private void checkMemory(String name) {
         for (Plane plane : mPlanes) {
             int last = plane.at() + plane.stride() * (plane.firstRow() + plane.newRows() - 1)
@@ -136,12 +136,12 @@ final class ImageCrop {
                 mImage.memory().equals("none") ? 0 : size, mImage.file(), mImage.kept(), mImage.frame());
     }
 
-    /** The description of the smaller image; its file is still the larger one's. */
+    /** The description of the cropped image; its file is still the original one's. */
     ImageLayout image() {
         return mCropped;
     }
 
-    /** The bytes of the smaller image, whose padding is 0. */
+    /** The bytes of the cropped image; padding is 0. */
     byte[] bytes(byte[] from) {
         byte[] to = new byte[mCropped.size()];
         for (Plane plane : mPlanes) {

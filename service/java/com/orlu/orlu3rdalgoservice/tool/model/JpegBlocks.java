@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.model;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** Removes the blocks of a JPEG that its picture does not need. */
+/** Blanks the blocks of a JPEG that its picture does not need. */
 final class JpegBlocks {
     private static final int MARKER = 0xff;
     private static final int START_OF_IMAGE = 0xd8;
@@ -13,7 +13,7 @@ final class JpegBlocks {
     private static final int FIRST_APPLICATION = 0xe0;
     private static final int LAST_APPLICATION = 0xef;
     private static final int COMMENT = 0xfe;
-    /** The bytes of a JFIF block that come before its thumbnail. */
+    /** Bytes of a JFIF block before its thumbnail. */
     private static final int JFIF_HEADER = 18;
 
     private final byte[] mBytes;
@@ -25,9 +25,9 @@ final class JpegBlocks {
     }
 
     /**
-     * Returns a copy of the same size whose EXIF and other application blocks, thumbnails, comments, and
-     * bytes outside of any block or after the picture are 0. Colour profiles stay. Returns the array itself
-     * if it has none of these or is not a JPEG.
+     * Returns a copy of the same size in which EXIF and other application blocks, thumbnails, comments, and
+     * bytes outside any block or after the picture are 0. Colour profiles are kept. Returns the array itself
+     * if there is nothing to blank or if it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -44,7 +44,7 @@ final class JpegBlocks {
         while (from + 1 < mBytes.length) {
             int marker = at(mBytes, from + 1);
             if (at(mBytes, from) != MARKER) {
-                // A decoder looks for the next marker.
+                // Decoders skip to the next marker.
                 mPlain[from++] = 0;
             } else if (marker == END_OF_IMAGE) {
                 from += 2;
@@ -72,7 +72,7 @@ final class JpegBlocks {
         return end;
     }
 
-    // How many bytes of a block stay: all of a colour profile, of others the marker and the length.
+    // How many bytes of a block are kept: all of a colour profile, else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);
@@ -81,7 +81,7 @@ final class JpegBlocks {
         }
         if (at(mBytes, from + 1) == FIRST_APPLICATION && name.startsWith("JFIF\0")
                 && end - from >= JFIF_HEADER) {
-            // The thumbnail has no pixels.
+            // Sets the thumbnail's size to 0.
             mPlain[from + JFIF_HEADER - 2] = 0;
             mPlain[from + JFIF_HEADER - 1] = 0;
             return JFIF_HEADER;
@@ -89,7 +89,7 @@ final class JpegBlocks {
         return 4;
     }
 
-    // A scan ends at a marker other than a restart. The first byte of a marker and 0 are data.
+    // A scan ends at any marker but a restart. A marker's first byte followed by 0 is data.
     private int afterScan(int from) {
         int at = from;
         while (at + 1 < mBytes.length) {

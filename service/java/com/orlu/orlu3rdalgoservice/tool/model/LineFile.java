@@ -11,25 +11,25 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Predicate;
 
-/** Reads a file of JSON lines that others are still appending to. */
+/** Reads a file of JSON lines while others append to it. */
 public final class LineFile {
     private final Path mFile;
     private final Predicate<String> mWanted;
     private long mRead;
 
-    /** Whether a line of the events is no look-up of a tag, of which there are as many as of all others. */
+    /** Whether an event line is not a tag look-up. Look-ups are as many as all other events together. */
     public static boolean isNoLookup(String line) {
         return !line.contains("\"event\":\"lookup\"");
     }
 
-    /** A reader from the file's present end on. The file may not be there yet; null for none. */
+    /** Reads from the file's present end on. The file may not exist yet; null reads nothing. */
     public LineFile(Path file, Predicate<String> wanted) {
         mFile = file;
         mWanted = wanted;
         mRead = file == null ? 0 : file.toFile().length();
     }
 
-    /** A reader of what is there already, and of what follows. */
+    /** Reads the existing lines, and further ones. */
     public static LineFile fromStart(Path file, Predicate<String> wanted) {
         LineFile lines = new LineFile(file, wanted);
         lines.mRead = 0;
@@ -37,8 +37,8 @@ public final class LineFile {
     }
 
     /**
-     * The wanted lines that came since the last call. Only whole lines count: what is still being written is
-     * left for the next time. A line that is no JSON object is an IllegalStateException.
+     * Returns the wanted lines since the last call. An incomplete line is left for the next call. Throws
+     * IllegalStateException if a line is not a JSON object.
      */
     public List<Json> next() throws IOException {
         List<Json> objects = new ArrayList<>();

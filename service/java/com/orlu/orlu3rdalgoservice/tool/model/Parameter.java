@@ -4,18 +4,18 @@ import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterFormatter;
 import com.orlu.orlu3rdalgoservice.tool.tags.ParameterTypes;
 
-/** One value that was handed to the algorithm library, in its bytes. */
+/** One parameter passed to the algorithm library, as bytes. */
 public record Parameter(String section, String key, byte[] bytes) {
     boolean hasKeyOf(Parameter other) {
         return key.equals(other.key) && section.equals(other.section);
     }
 
-    /** The section without the beginning that all have, and the key. */
+    /** The section without the common prefix, and the key. */
     public String name() {
         return Handover.shortName(fullName());
     }
 
-    /** The value for people. */
+    /** The value, formatted for people. */
     public String text() {
         return ParameterFormatter.format(ParameterTypes.of(section, key), bytes);
     }
@@ -25,12 +25,12 @@ public record Parameter(String section, String key, byte[] bytes) {
         return Json.of(ParameterFormatter.json(ParameterTypes.of(section, key), bytes));
     }
 
-    /** The whole section, and the key. */
+    /** The full section, and the key. */
     public String fullName() {
         return section + "/" + key;
     }
 
-    /** What the bytes are, in a word. */
+    /** The name of the type. */
     public String type() {
         return ParameterTypes.of(section, key).text();
     }

@@ -13,19 +13,19 @@ import java.util.Set;
 import java.util.regex.Pattern;
 
 /**
- * Finds the facts about a person or a machine in a recording, and makes copies without them. A text is kept
- * only if it is short, has plain words, and its name does not suggest an identity. If in doubt, a text
+ * Finds private facts about a person or a machine in a recording, and makes copies without them. A text is
+ * kept only if it is short, has common words, and its name does not suggest an identity. If in doubt, a text
  * counts as private.
  */
 public final class PrivateFacts {
-    /** Members of the header that describe the recording alone. */
+    /** Members of the header that only describe the recording. */
     private static final Set<String> PLAIN_HEADER = Set.of("format", "version", "interface");
     private static final Pattern PLACE = pattern("gps|(?<!al)location|latitude|longitude");
     private static final Pattern TIME = pattern("local_?time|wall_?(time|clock)|utc|(?<!up)date|_epoch");
     private static final Pattern FACE =
             pattern("(?<!sur)(?<!inter)face(s?(num|rect|$)|skin|id|land|score)|outlines|beauty_?pose"
             + "|gender|ismale");
-    /** Names of values that identify, of whatever type. */
+    /** Names of values that identify, whatever their type. */
     private static final Pattern IDENTITY =
             pattern("serial|finger_?print|imei|uuid|account|android_?id|phone|mac_?addr|ssid");
     /** Names whose texts and bytes may identify. */
@@ -35,7 +35,7 @@ public final class PrivateFacts {
             + "|device_?(id|name)|water_?mark");
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
-    /** Characters in bytes that are enough to be a text, of one byte or of two. */
+    /** The shortest run of characters in bytes that counts as text, in one or two bytes each. */
     private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,}");
     private static final Pattern HEXADECIMAL = Pattern.compile("([0-9a-fA-F]{2})*");
 
@@ -46,12 +46,12 @@ public final class PrivateFacts {
         return Pattern.compile(names, Pattern.CASE_INSENSITIVE);
     }
 
-    /** Faces count as facts unless they are to be kept. */
+    /** Faces count as private unless they are to be kept. */
     public PrivateFacts(boolean keepsFaces) {
         mKeepsFaces = keepsFaces;
     }
 
-    /** Returns a line for each fact that was found, with a count if there are several. */
+    /** Returns a line for each fact found, with a count if there are several. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
         mFound.forEach((fact, count) -> lines.add(fact + (count > 1 ? " (" + count + " times)" : "")));
@@ -62,7 +62,7 @@ public final class PrivateFacts {
         mFound.merge(kind + ": " + where, 1, Integer::sum);
     }
 
-    /** Finds the facts in a run: in its request, its outcome, its events and its images. */
+    /** Finds the facts in a run: in its request, outcome, events and images. */
     public void findAll(Run run) throws MistakeException {
         request(run.root());
         Json outcome = run.outcome();
@@ -100,7 +100,7 @@ public final class PrivateFacts {
         keepsText("why an image was not kept", image.kept());
     }
 
-    /** Returns the members of a recorded request without facts; "frames" and "trimmed" are a List. */
+    /** Returns the members of a recorded request without private facts; "frames" and "trimmed" are Lists. */
     public Map<String, Object> request(Json root) throws MistakeException {
         Map<String, Object> request = new LinkedHashMap<>(root.members());
         request.remove("about");
@@ -143,7 +143,7 @@ public final class PrivateFacts {
         return plain;
     }
 
-    // How this recording was trimmed before.
+    // How this recording was trimmed earlier.
     private List<Object> trimmed(List<Json> cuts) {
         List<Object> plain = new ArrayList<>();
         for (Json cut : cuts) {
@@ -169,7 +169,7 @@ public final class PrivateFacts {
         return plain;
     }
 
-    // Typed values, or texts by their names.
+    // Typed values; texts are judged by their names.
     private Map<String, Object> values(Json values) {
         Map<String, Object> plain = new LinkedHashMap<>();
         values.entries().forEach((name, value) -> {
@@ -234,12 +234,12 @@ public final class PrivateFacts {
     }
 
     /**
-     * Returns the bytes of an image of this name without what a JPEG has beside its picture: EXIF and other
-     * blocks of applications, thumbnails, comments, and bytes after the picture.
+     * Returns the bytes of an image of this name. A JPEG loses all but its picture: EXIF and other
+     * application blocks, thumbnails, comments, and bytes after the picture.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());
-        // Pixels may look like the start of a JPEG.
+        // Raw pixels may look like the start of a JPEG.
         byte[] plain = format == null || format == PixelFormat.JPEG ? JpegBlocks.blank(bytes) : bytes;
         if (plain != bytes) {
             found("EXIF block, comment or further data of a JPEG", name);

@@ -7,13 +7,13 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The events of a stretch of time, with each operation's begin and end put together. */
+/** The events of a period, with each operation's begin and end paired. */
 public final class RecordedEvents {
     private final List<Event> mEvents = new ArrayList<>();
     private final List<Call> mCalls = new ArrayList<>();
     private final Map<Long, Call> mOpen = new HashMap<>();
 
-    /** Adds lines in the file's order. An end whose begin is not here is left out of the calls. */
+    /** Adds lines in the file's order. An end without a begin is not a call. */
     public void add(List<Json> lines) {
         for (Json line : lines) {
             add(new Event(line));
@@ -42,17 +42,17 @@ public final class RecordedEvents {
         return mEvents.stream().filter(event -> event.kind().equals(kind)).toList();
     }
 
-    /** All operations, in the order in which they began. */
+    /** All operations in the order of their begins. */
     public List<Call> calls() {
         return mCalls;
     }
 
-    /** All calls of an operation, likewise. */
+    /** All calls of an operation, in the order of their begins. */
     public List<Call> calls(String operation) {
         return mCalls.stream().filter(call -> call.operation().equals(operation)).toList();
     }
 
-    /** The last call of an operation, null when there is none. */
+    /** The last call of an operation; null if there is none. */
     public Call last(String operation) {
         List<Call> calls = calls(operation);
         return calls.isEmpty() ? null : calls.get(calls.size() - 1);

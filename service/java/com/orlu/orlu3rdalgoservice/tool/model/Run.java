@@ -18,10 +18,7 @@ import java.util.Map;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
-/**
- * What one run of a request did: in this process, or read from its folder or its events. It does not
- * change.
- */
+/** What one run of a request did, in this process or read from its folder or its events. Immutable. */
 public final class Run {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
@@ -42,7 +39,7 @@ public final class Run {
     private final List<ImageLayout> mResults = new ArrayList<>();
     private final List<HandedImage> mHanded = new ArrayList<>();
     private final Handover mHandover;
-    // Of a run in this process alone.
+    // Only for a run in this process.
     private final List<Stage> mStages = new ArrayList<>();
     private final List<Map<String, Object>> mPut = new ArrayList<>();
     private final List<Map<String, Object>> mCallbacks = new ArrayList<>();
@@ -88,7 +85,7 @@ public final class Run {
         try {
             run.readOutcome();
         } catch (MistakeException e) {
-            // What was read before is used.
+            // What was read up to here is used.
             run.mProblem = problem.isEmpty() ? e.getMessage() : problem;
         }
         run.mHanded.addAll(HandedImage.of(run));
@@ -114,8 +111,8 @@ public final class Run {
     }
 
     /**
-     * The run of a request in this process, under the name that its files have. The pass is null if the
-     * library does not tell its work, the runner if the request did not run.
+     * A run in this process, named like its files. The pass is null if the library does not report its work,
+     * the runner if the request did not run.
      */
     public static Run of(String name, RequestFile request, RecordedEvents events, List<Stage> stages,
             AlgorithmPass pass, RequestRunner runner) {
@@ -136,7 +133,7 @@ public final class Run {
         return run;
     }
 
-    /** The run of a request in a file of events alone, which has no images. */
+    /** A run of which only a file of events exists, without images. */
     public static Run ofEvents(Path file) throws MistakeException {
         RecordedEvents events = RunFolder.events(file);
         if (events.calls().isEmpty()) {
@@ -163,7 +160,7 @@ public final class Run {
         return mName;
     }
 
-    /** Its folder, null if only events are known. */
+    /** The folder; null if only events are known. */
     public Path folder() {
         return mFolder;
     }
@@ -173,7 +170,7 @@ public final class Run {
         return mRequest;
     }
 
-    /** All of request.json, and all of outcome.json; without members where there is none. */
+    /** All of request.json, and all of outcome.json; empty objects if missing. */
     public Json root() {
         return mRoot;
     }
@@ -187,7 +184,7 @@ public final class Run {
         return mRoot.has("recording") ? mRoot.get("recording") : Json.none();
     }
 
-    /** What of the request can't be made again. */
+    /** The parts of the request that can't be reproduced. */
     public List<String> notes() {
         return mNotes;
     }
@@ -196,27 +193,27 @@ public final class Run {
         return mEvents;
     }
 
-    /** What is wrong with the file of events; empty if it is whole, or there is none. */
+    /** What is wrong with the file of events; empty if it is complete or missing. */
     public String eventsProblem() {
         return mFolder == null ? "" : RunFolder.eventsProblem(mFolder, mOutcome);
     }
 
-    /** Whether it came to its end. */
+    /** Whether it finished. */
     public boolean isComplete() {
         return mProblem.isEmpty();
     }
 
-    /** Why it did not come to its end, empty if it did. */
+    /** Why it did not finish; empty if it did. */
     public String problem() {
         return mProblem;
     }
 
-    /** Whether anything that it did is known; not of a recording that lost some frames since. */
+    /** Whether its results are known. They are not for a recording that was trimmed to fewer frames. */
     public boolean isKnown() {
         return hasEvents() || !mOutcomes.isEmpty();
     }
 
-    /** Whether the probe was there. */
+    /** Whether the probe recorded it. */
     public boolean hasEvents() {
         return !mEvents.calls().isEmpty();
     }
@@ -233,12 +230,12 @@ public final class Run {
         return mAlgorithms;
     }
 
-    /** What each call came to: "processed" 0, "process 1" "returned 0". */
+    /** The outcome of each call: "processed" 0, "process 1" "returned 0". */
     public Map<String, String> outcomes() {
         return mOutcomes;
     }
 
-    /** Whether a call to the library returned something else than 0, or a request was not called back. */
+    /** Whether a call to the library did not return 0, or a request had no callback. */
     public boolean hasFailed() {
         boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
         return isSilent || List.of("processed", "updated").stream()
@@ -250,17 +247,17 @@ public final class Run {
         return mTimes;
     }
 
-    /** For each frame, what was put. */
+    /** The values put into each frame. */
     public List<Map<String, Json>> puts() {
         return mPuts;
     }
 
-    /** What went in, for each frame: "captureResult" and "composition". None if only events are known. */
+    /** The input metadata of each frame: "captureResult" and "composition". None if only events are known. */
     public List<Json> frames() {
         return mRoot.has("frames") ? mRoot.get("frames").elements() : List.of();
     }
 
-    /** What went in beside the frames and images, by what it is: "property ...", "client ...". */
+    /** The inputs besides frames and images, by name: "property ...", "client ...". */
     public Map<String, Json> settings() throws MistakeException {
         Map<String, Json> settings = new LinkedHashMap<>();
         for (String part : List.of("client", "properties")) {
@@ -276,17 +273,17 @@ public final class Run {
         return settings;
     }
 
-    /** The images that went in, of a run with a folder. */
+    /** The input images of a run with a folder. */
     public List<ImageLayout> inputs() {
         return mInputPlans.stream().map(ImagePlan::layout).toList();
     }
 
-    /** The images for the results, before. */
+    /** The images for the results, before the run. */
     public List<ImageLayout> outputs() {
         return mOutputs;
     }
 
-    /** The images as the algorithm library saw them; none where the probe kept none. */
+    /** The images as the algorithm library saw them; none if the probe kept none. */
     public List<HandedImage> handed() {
         return mHanded;
     }
@@ -297,13 +294,13 @@ public final class Run {
     }
 
     /**
-     * What of a request was left out by trimming, once or several times, "" if it is whole: "cropped to
-     * 320x240, only frames 0, 2 of the recording".
+     * What trimming removed, once or several times; "" if the request is complete: "cropped to 320x240, only
+     * frames 0, 2 of the recording".
      */
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.has("trimmed") ? mRoot.get("trimmed").list() : List.<Json>of()) {
-            // Frames of a copy that was trimmed again are those of that copy.
+            // A copy that was trimmed again counts frames of that copy.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
         return text.toString();
@@ -320,19 +317,21 @@ public final class Run {
         return Stream.of(crop, kept, facts).filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
     }
 
-    /** What was handed to the algorithm library. */
+    /** What was passed to the algorithm library. */
     public Handover handover() {
         return mHandover;
     }
 
-    /** The algorithm list that the request asks for, empty if it has none. */
+    /** The algorithm list that the request asks for; empty if it has none. */
     public List<String> askedAlgorithms() {
         List<FramePlan> frames = mRequest.frames().frames();
         Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
-    /** Algorithms handed on that did nothing though the library has them; none if it does not say. */
+    /**
+     * Algorithms passed on that did nothing although the library has them; none if it does not report this.
+     */
     public List<String> idleAlgorithms() {
         if (mPass == null) {
             return List.of();
@@ -343,12 +342,12 @@ public final class Run {
         return idle;
     }
 
-    /** What the algorithm library says that it did; null if it says nothing. */
+    /** The algorithm library's report of its work; null if there is none. */
     public AlgorithmPass pass() {
         return mPass;
     }
 
-    /** The inputs as they were handed in, with their sizes. */
+    /** The inputs as passed on, with their sizes. */
     public List<ImagePlan> inputPlans() {
         return mInputPlans;
     }
@@ -368,7 +367,7 @@ public final class Run {
         return mProblems;
     }
 
-    /** The stages in the order of the work, and the milliseconds of each. */
+    /** The stages in the order of execution, and the milliseconds of each. */
     public List<Stage> stages() {
         return mStages;
     }
@@ -380,7 +379,7 @@ public final class Run {
         return times;
     }
 
-    /** When the request was submitted and when the wait for its end was over, by System.nanoTime(). */
+    /** When the request was submitted and when the wait for it was over, by System.nanoTime(). */
     public long waitStart() {
         return mWaitStart;
     }

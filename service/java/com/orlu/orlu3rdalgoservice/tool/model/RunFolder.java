@@ -19,15 +19,14 @@ import java.util.List;
 import java.util.stream.Stream;
 
 /**
- * The folder of a run: request.json, the images that went in, events.jsonl, the images that came out,
- * outcome.json. A process that ended before its run did leaves one without an outcome. The folder may come
- * from a stranger.
+ * The folder of a run: request.json, input images, events.jsonl, output images, outcome.json. A process that
+ * died during its run leaves no outcome. The folder may come from a stranger.
  */
 public final class RunFolder {
     public static final String REQUEST = "request.json";
     public static final String OUTCOME = "outcome.json";
     public static final String EVENTS = "events.jsonl";
-    /** What recordings of version 1 had instead. */
+    /** The name of the file in recordings of version 1. */
     private static final String OLD = "recording";
     private static final int MOST_EVENT_BYTES = 1 << 25;
 
@@ -40,7 +39,7 @@ public final class RunFolder {
                 .resolve(name)));
     }
 
-    /** The folder itself, or all of runs in it by their names. */
+    /** Returns the folder itself if it is a run, else all runs in it by name. */
     public static List<Path> in(Path folder) throws MistakeException, IOException {
         if (isRun(folder)) {
             return List.of(folder);
@@ -57,7 +56,10 @@ public final class RunFolder {
         }
     }
 
-    /** The only run in a folder, or the folder itself; an IllegalArgumentException if there are several. */
+    /**
+     * Returns the only run in a folder, or the folder itself; throws an IllegalArgumentException if there are
+     * several.
+     */
     public static Path only(Path folder) throws MistakeException, IOException {
         List<Path> folders = in(folder);
         if (folders.size() != 1) {
@@ -67,12 +69,12 @@ public final class RunFolder {
         return folders.get(0);
     }
 
-    /** Reads a run, under this name for people. MistakeException if its request can't be read. */
+    /** Reads a run, under this name for people. Throws MistakeException if its request can't be read. */
     public static Run read(Path folder, String name) throws MistakeException {
         return read(folder, name, folder.resolve(REQUEST));
     }
 
-    /** Reads a run whose request people know by another file. */
+    /** Reads a run whose messages name another request file. */
     public static Run read(Path folder, String name, Path shownFile) throws MistakeException {
         Path file = folder.resolve(REQUEST);
         Mistakes mistakes = new Mistakes(file.toString());
@@ -103,13 +105,13 @@ public final class RunFolder {
         if (!root.has("recording")) {
             throw root.error("needs the field recording: no recorder wrote this file");
         }
-        // Trimming left out what came of it.
+        // Trimming removed the outcome.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
         return Run.of(name, folder, request.shownAs(shownFile), root, outcome, isWhole ? "" : problem,
                 mistakes.lines());
     }
 
-    /** What is wrong with the events of an outcome; empty if they are whole, or there are none. */
+    /** What is wrong with the events of an outcome; empty if they are complete or missing. */
     static String eventsProblem(Path folder, Json outcome) {
         try {
             Json events = outcome.get("events");
@@ -124,7 +126,7 @@ public final class RunFolder {
         }
     }
 
-    /** The events of a file that nobody writes into any more, up to the first line that is cut or damaged. */
+    /** Reads a finished file of events, up to the first line that is cut or damaged. */
     public static RecordedEvents events(Path file) throws MistakeException {
         RecordedEvents events = new RecordedEvents();
         if (!RecordedFile.isRegular(file)) {
@@ -169,9 +171,8 @@ public final class RunFolder {
     }
 
     /**
-     * Completes the folder of a run whose process ended: cuts its events out of the file that they went into,
-     * and copies the pixels that they name from this folder; null for none. Returns false for the folder of
-     * another run.
+     * Completes the folder of a run whose process died: copies its events from the given file, and the pixels
+     * they name from the given folder (null: none). Returns false for the folder of another run.
      */
     public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);

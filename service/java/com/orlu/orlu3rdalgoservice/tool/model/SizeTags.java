@@ -17,7 +17,7 @@ final class SizeTags {
     private SizeTags() {
     }
 
-    /** Their names, of all frames. */
+    /** The names of these tags in all frames. */
     static Set<String> of(Run run) throws MistakeException {
         Set<String> names = new TreeSet<>();
         for (Json frame : run.frames()) {

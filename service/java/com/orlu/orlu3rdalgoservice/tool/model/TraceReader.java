@@ -8,18 +8,18 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Reads what only the algorithm library knows of its work: JSON lines in the file that ORLU_ALGO_TRACE names.
- * Only the one of a finished request is read. Another library than the stand-in may write none.
+ * Reads the algorithm library's own report of its work: JSON lines in the file that ORLU_ALGO_TRACE names.
+ * Only finished requests are read. Libraries other than the stand-in may write none.
  */
 public final class TraceReader {
     private final LineFile mLines;
 
-    /** A reader of a file that may not be there yet; null for none. */
+    /** Takes a file that may not exist yet; null for none. */
     public TraceReader(Path file) {
         mLines = new LineFile(file, line -> line.contains("\"done\""));
     }
 
-    /** The last request that was finished since the last call, null when there was none. */
+    /** Returns the last request finished since the last call; null if there is none. */
     public AlgorithmPass next() throws IOException {
         List<Json> lines = mLines.next();
         return lines.isEmpty() ? null : pass(new Event(lines.get(lines.size() - 1)));

@@ -18,8 +18,8 @@ import java.util.TreeSet;
 import java.util.zip.CRC32;
 
 /**
- * Writes a smaller copy of a run's folder. With fewer frames or smaller images the request is another one:
- * what came of it is left out. Without pixels what came of it stays, except for the pixels of its outputs.
+ * Writes a smaller copy of a run's folder. With fewer frames or smaller images it becomes another request, so
+ * its outcome is left out. Without pixels the outcome stays, except for the outputs' pixels.
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
@@ -33,8 +33,8 @@ public final class Trimmer {
     private Path mFolder;
 
     /**
-     * Keeps these frames, or all if the set is empty, and this area of each image, or all of it if null.
-     * Leaves these facts out; null keeps them.
+     * Keeps these frames (all if empty) and this area of each image (everything if null). Removes these
+     * facts; null keeps them.
      */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
@@ -49,12 +49,12 @@ public final class Trimmer {
         return !mFrames.isEmpty() || mCrop != null || mPrivate != null;
     }
 
-    /** What the copy has otherwise than one might think, known when it is written. */
+    /** Surprising properties of the copy, known after it is written. */
     public List<String> notes() {
         return mNotes;
     }
 
-    /** Writes the copy into a folder that must not be there. */
+    /** Writes the copy to a folder that must not exist. */
     public void write(Path folder) throws MistakeException, IOException {
         int frames = mRun.frames().size();
         int inputs = mRun.inputs().size();
@@ -169,7 +169,7 @@ public final class Trimmer {
         return images;
     }
 
-    // The description of the copy, whose bytes are written.
+    // Writes the bytes of the copy and returns its description.
     private ImageLayout copied(ImageLayout image, ImageCrop crop, String name)
             throws MistakeException, IOException {
         ImageLayout described = crop == null ? image : crop.image();
@@ -219,7 +219,7 @@ public final class Trimmer {
         }
     }
 
-    // What the library saw of the images, where that is in files of its own.
+    // The library's versions of the images, if in their own files.
     private void copyHanded() throws MistakeException, IOException {
         for (Event event : mRun.events().events("pixels")) {
             Json name = event.fields().get("file");
@@ -234,7 +234,7 @@ public final class Trimmer {
         }
     }
 
-    // Every image is tried before anything is written.
+    // Checks every image before anything is written.
     private void checkCrop() throws MistakeException {
         for (int i = 0; i < mRun.inputs().size(); ++i) {
             ImageLayout image = mRun.inputs().get(i);

@@ -1,2 +1,2 @@
-/** What a run did: its events, its recording, and what both say. */
+/** What a run did: its events and its recording. */
 package com.orlu.orlu3rdalgoservice.tool.model;
