@@ -12,12 +12,12 @@ import java.util.List;
  * @param height   likewise
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
-    /** Whether the pixels differ from the photo's, so that there is something to measure. */
+    /** Whether the pixels differ from the photo's, so that noise can be measured. */
     public boolean hasNoise() {
         return frames.stream().anyMatch(frame -> frame.noise() > 0);
     }
 
-    /** Pixels around a frame that shifts may reach, even so that a mosaic keeps its phase. */
+    /** Pixels around a frame that shifts may reach; even, so that a mosaic keeps its phase. */
     public int margin() {
         int reach = maxShift;
         for (FramePlan frame : frames) {

@@ -18,15 +18,15 @@ import java.util.Map;
 import java.util.Set;
 
 /**
- * Reads "frames" of a request file: a list of frames, or an object with their count, what they have in
- * common, and a list of what is each one's own.
+ * Reads "frames" of a request file: a list of frames, or an object with their count, common values, and a
+ * list of individual values.
  */
 final class FrameSetReader {
     private static final int LARGEST_SHIFT = 64;
 
     private final Json mField;
     private final Mistakes mMistakes;
-    /** Invalid values. Those common to all frames are read for each frame, and noted once. */
+    /** Invalid values. Common values are read for each frame, but reported once. */
     private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
     private FrameSetReader(Json field) {
@@ -82,7 +82,7 @@ final class FrameSetReader {
                 mMistakes.attempt(() -> shift(own), null));
     }
 
-    // A number for all frames, or a list with one for each.
+    // One number for all frames, or a list with one for each.
     private double ofFrame(Json set, String name, int index, double most, double fallback) {
         if (!set.has(name) || !set.get(name).isList()) {
             return set.number(name, 0, most, fallback);
@@ -114,7 +114,7 @@ final class FrameSetReader {
         return members.has(name) ? mMistakes.attempt(members.get(name)::members, Map.of()) : Map.of();
     }
 
-    // A mistake in a tag's value ends with the tag's type.
+    // A mistake in a tag's value is annotated with the tag's type.
     private void read(String tag, Json field, Mistakes.Check reading) {
         if (mWrong.contains(field)) {
             return;

@@ -15,7 +15,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Reads what an input's description says about its file, and compares it with the file. */
+/** Reads the members of an input that describe its file, and compares them with the file. */
 final class ImageFileReader {
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
@@ -29,7 +29,7 @@ final class ImageFileReader {
     private int mHeight;
     private int mBits = ImagePlanReader.USUAL_BITS;
 
-    /** The field holds the file's name; the members are those of the image. */
+    /** The field is the file's name; the members are those of the image. */
     ImageFileReader(Path requestFile, Json field, Json members, PixelFormat format)
             throws MistakeException {
         mMembers = members;
@@ -37,7 +37,7 @@ final class ImageFileReader {
         mFormat = format;
         mPath = existing(requestFile, field, "file");
         ImageFileKind kind = ImageFileKind.of(mPath);
-        // An encoded picture is the very bytes of its file.
+        // An image in JPEG format takes the bytes of its file unchanged.
         mKind = kind == ImageFileKind.JPEG && format == PixelFormat.JPEG ? ImageFileKind.BYTES : kind;
         readSize(kind);
     }
@@ -57,12 +57,12 @@ final class ImageFileReader {
                 throw field.error("needs a file with bytes, found another kind of one: " + path);
             }
         } catch (InvalidPathException e) {
-            // No file can have this name.
+            // Not a valid file name.
         }
         throw field.error("no such " + what + ": " + Json.cut(field.string()));
     }
 
-    // A stranger's request could show the reader's files. A path from the root is plain to see.
+    // A foreign request could expose the user's files. An absolute path is conspicuous enough.
     private static void warnOutside(Json field) throws MistakeException {
         Path name = Path.of(field.string()).normalize();
         if (!name.isAbsolute() && name.startsWith("..")) {
@@ -78,7 +78,7 @@ final class ImageFileReader {
         return mHeight;
     }
 
-    /** Bits of a raw sample if the description has none. */
+    /** Bits of a raw sample, unless the description gives them. */
     int bits() {
         return mBits;
     }
@@ -143,7 +143,7 @@ final class ImageFileReader {
         }
     }
 
-    /** Returns the file with its planes, whose rows have this many bytes if the field gives no other. */
+    /** Returns the file with its planes. `stride` is the default bytes per row. */
     ImageFile file(int stride) throws MistakeException {
         if (mKind != ImageFileKind.BYTES) {
             return new ImageFile(mPath, mKind, List.of());

@@ -72,7 +72,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 whole(image, "frame", 0, Integer.MAX_VALUE, -1));
     }
 
-    // Unlike a request file's, a mistake here ends the reading.
+    // Unlike in a request file, a mistake here stops reading.
     private static int whole(Json image, String name, int least, int most, int absent)
             throws MistakeException {
         return image.has(name) ? image.get(name).integer(least, most) : absent;
@@ -113,20 +113,20 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return json;
     }
 
-    /** The same image with other bytes; null and the reason for none. */
+    /** The same image with other bytes; null and the reason if there are none. */
     public ImageLayout withFile(RecordedFile other, String reason) {
         return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
                 other == null ? size : other.size(), other, reason, frame);
     }
 
-    /** The same image with other sides. */
+    /** The same image in another size. */
     public ImageLayout withSides(int otherWidth, int otherHeight) {
         return new ImageLayout(format, otherWidth, otherHeight, rowStrides, planeSizes, memory, buffer,
                 size, file,
                 kept, frame);
     }
 
-    /** The same image as one of another frame. */
+    /** The same image in another frame. */
     public ImageLayout withFrame(int other) {
         return new ImageLayout(
                 format, width, height, rowStrides, planeSizes, memory, buffer, size, file, kept, other);

@@ -31,7 +31,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
         this(format, name, hardware, width, height, stride, capacity, bits, frame, file, place, null);
     }
 
-    /** An image as a recorder found it. Of a format that is not known here, the bytes have no rows. */
+    /** An image as a recorder found it. In an unknown format, the bytes have no rows. */
     static ImagePlan exact(ImageLayout layout, Place place) {
         PixelFormat known = PixelFormat.named(layout.format());
         PixelFormat format = known == null ? PixelFormat.JPEG : known;
@@ -68,7 +68,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
         return sized;
     }
 
-    /** Whether the pixels are made of the request's photo. */
+    /** Whether the pixels are made from the request's photo. */
     public boolean isOfPhoto() {
         return file == null && layout == null;
     }
@@ -77,7 +77,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
         return Math.max(stride, format.tightStride(width));
     }
 
-    /** Bytes of a row, for each plane. */
+    /** Bytes per row, for each plane. */
     public int[] strides() {
         List<ImageFile.Plane> planes = filePlanes();
         return planes.isEmpty() ? format.strides(strideBytes())

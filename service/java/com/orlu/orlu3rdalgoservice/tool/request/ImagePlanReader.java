@@ -43,7 +43,7 @@ final class ImagePlanReader {
         }
         Json members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, Limits.IMAGES, 1);
-        // If the number of frames is unknown, one stands for all.
+        // If the number of frames is unknown, it counts as one.
         int count = Math.abs(mFrames) * perFrame;
         Json file = members.get("file");
         List<Json> none = Collections.nCopies(count, null);
@@ -74,7 +74,7 @@ final class ImagePlanReader {
         Json members = field.allowing("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
-            // Whoever gives one of these has forgotten the file, not the photo.
+            // With one of these, the file is missing, not the photo.
             List<String> ofFiles = List.of("width", "height", "offset", "planes");
             mNeedsPhoto |= mFrames != 0 && ofFiles.stream().noneMatch(members::has);
             for (String member : ofFiles) {
@@ -96,11 +96,11 @@ final class ImagePlanReader {
         return images;
     }
 
-    // The field of the file is null for an image without one.
+    // `file` is null for an image without one.
     private ImagePlan image(Json field, Json members, Json file)
             throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
-        // Reading goes on to find the other mistakes.
+        // Continues after a mistake, to find the others.
         boolean isHardware = hardware(members);
         int before = mMistakes.errors();
         ImageFileReader source = file == null || format == null ? null

@@ -36,12 +36,12 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return new RecordedFile(folder.resolve(field.string()), size, crc, field);
     }
 
-    /** Whether this is a regular file, and no link to one. */
+    /** Whether this is a regular file, not a link. */
     public static boolean isRegular(Path file) {
         return Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS);
     }
 
-    /** Throws unless a regular file of that size is there. */
+    /** Throws unless it is a regular file of that size. */
     public void check() throws MistakeException {
         try {
             BasicFileAttributes found = Files.readAttributes(
@@ -62,7 +62,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return found.isSymbolicLink() ? "a link" : found.isDirectory() ? "a folder" : "a special file";
     }
 
-    /** The bytes, which are checked. */
+    /** Returns the bytes after checking size and checksum. */
     public byte[] bytes() throws MistakeException {
         check();
         byte[] bytes = new byte[size];
@@ -83,7 +83,10 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return bytes;
     }
 
-    /** Fills the buffer from the start of a file that is no link. A shorter file leaves the rest as it is. */
+    /**
+     * Fills the buffer from the start of a file, which must not be a link. After a shorter file, the rest is
+     * unchanged.
+     */
     public static void read(Path file, ByteBuffer to) throws IOException {
         try (FileChannel channel = FileChannel.open(
                 file, StandardOpenOption.READ, LinkOption.NOFOLLOW_LINKS)) {

@@ -12,14 +12,14 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Warns about what is legal in a request file and probably unintended. */
+/** Warns about legal but probably unintended content of a request file. */
 final class RequestAdvice {
     private static final String ALGORITHMS = "orlu.control.algoType";
     private static final String MODE = "orlu.control.currentModeEx";
     private static final String TIME = "android.sensor.timestamp";
     private static final long HDR_FRAME_BIT = 2;
     private static final long NIGHT_FRAME_BIT = 8;
-    /** What this library reads; an algorithm library may read others. */
+    /** The properties that this library reads; an algorithm library may read others. */
     private static final List<String> PROPERTIES = List.of("persist.sys.camera3rd.autotest");
 
     private final RequestFile mRequest;
@@ -32,7 +32,7 @@ final class RequestAdvice {
         mRoot = root;
     }
 
-    /** Notes the warnings about a request that was read from this value. */
+    /** Notes warnings about a request that was read from this value. */
     static void give(RequestFile request, Json root) {
         RequestAdvice advice = new RequestAdvice(request, root);
         advice.onAlgorithms();
@@ -48,7 +48,7 @@ final class RequestAdvice {
         }
     }
 
-    // The field that gives a frame its tag: its own, or that of all frames.
+    // The field that gives a frame its tag: the frame's own or the common one.
     private Json field(int frame, String part, String tag) {
         Json frames = mRoot.find("frames");
         Json list = frames.isList() ? frames : frames.find("each");
@@ -99,7 +99,7 @@ final class RequestAdvice {
         }
     }
 
-    // A composition's value is found by its class, a capture result's by its tag.
+    // A composition's value is read by its class, a capture result's by its tag.
     private void onCompositions() {
         for (int i = 0; i < mFrames.size(); ++i) {
             for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {
@@ -118,7 +118,7 @@ final class RequestAdvice {
     }
 
     private void onModes() {
-        // Every second frame counts where two cameras' frames may be interleaved.
+        // Only every second frame counts if two cameras' frames may be interleaved.
         if (asksFor("dualBokeh") || mFrames.isEmpty()) {
             return;
         }
@@ -142,7 +142,7 @@ final class RequestAdvice {
         }
     }
 
-    // The first three frames count as night frames whatever their other bit is.
+    // The first three frames count as night frames, whatever their other bit.
     private boolean hasNineLayout() {
         for (int i = 0; i < mFrames.size(); ++i) {
             if ((modeOf(mFrames.get(i)) & (i < 3 ? NIGHT_FRAME_BIT : HDR_FRAME_BIT)) == 0) {
@@ -152,7 +152,7 @@ final class RequestAdvice {
         return true;
     }
 
-    // Composition first, as the library has it.
+    // Like the library, asks the composition first.
     private static long modeOf(FramePlan frame) {
         Object value = frame.composition().get(MODE);
         return value instanceof Number number ? number.longValue() : number(frame.captureResult(), MODE);

@@ -27,18 +27,18 @@ import java.util.Map;
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
         List<ImagePlan> inputs, List<ImagePlan> outputs, Place place) {
-    /** The same request, shown as that of another file. */
+    /** The same request under the name of another file. */
     public RequestFile shownAs(Path other) {
         return new RequestFile(other, about, id, type, clientId, algoContextIndex, imageFormat, properties,
                 fullAsync, photo, frames, inputs, outputs, place);
     }
 
-    /** Whether any input is made of the photo. */
+    /** Whether any input is made from the photo. */
     public boolean needsPhoto() {
         return inputs.stream().anyMatch(ImagePlan::isOfPhoto);
     }
 
-    /** Whether a frame has an input made of the photo, so that there is a clean picture of it. */
+    /** Whether a frame has an input made from the photo, so that a clean picture exists. */
     public boolean isOfPhoto(int frame) {
         return inputs.stream().anyMatch(image -> image.isOfPhoto() && image.frame() == frame);
     }

@@ -56,7 +56,7 @@ public final class RequestFileReader {
             return null;
         }
         if (!isRecorded) {
-            // A recording holds what happened, right or not.
+            // A recording documents what happened, right or wrong.
             RequestAdvice.give(request, field);
         }
         return request;
@@ -65,7 +65,7 @@ public final class RequestFileReader {
     private RequestFile root(Json field) throws MistakeException {
         Json members = field.allowing("$schema", "about", "request", "client", "properties",
                 "algorithms", "fullAsync", "photo", "frames", "inputs", "outputs");
-        // For editors alone.
+        // Only for editors.
         members.string("$schema", "");
         Json request = mMistakes.attempt(
                 () -> members.require("request").allowing("id", "type"), null);
@@ -95,7 +95,7 @@ public final class RequestFileReader {
         return (format == null ? PixelFormat.NV21 : format).platformCode();
     }
 
-    // Adds what the service puts into the first composition of every request.
+    // Adds the values that the service puts into the first composition of every request.
     private void putServiceValues(Json members, boolean fullAsync, FrameSetPlan frames) {
         List<String> algorithms = members.has("algorithms")
                 ? mMistakes.attempt(members.get("algorithms")::strings, List.of()) : null;

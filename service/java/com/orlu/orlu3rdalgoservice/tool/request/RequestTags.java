@@ -8,7 +8,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 import java.util.Map;
 
-/** Checks tags for writers of request files, and replaces them in requests. */
+/** Checks tag values before they are written to request files, and replaces tags in requests. */
 public final class RequestTags {
     private RequestTags() {
     }
@@ -18,12 +18,12 @@ public final class RequestTags {
         try {
             Json field = Json.parse("", 0, value);
             Object read = TagValues.ofTag(tag, field, 0);
-            // A mistake in an element is more precise than the refusal of the tag.
+            // A mistake in an element is more precise than the tag's own.
             field.mistakes().throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;
         } catch (MistakeException e) {
-            // The caller knows the field and the file.
+            // The caller adds the field and the file.
             return e.mistake().problem();
         } catch (IllegalArgumentException e) {
             return e.getMessage();
@@ -31,9 +31,9 @@ public final class RequestTags {
     }
 
     /**
-     * Sets tags in all frames of a request, each "NAME=VALUE" with the value as in a request file, or a text
-     * without quotes: in a composition that has the tag, else in the capture result. An
-     * IllegalArgumentException is a message for people.
+     * Sets tags in all frames of a request. Each is "NAME=VALUE", with the value as in a request file or as
+     * unquoted text. A tag goes to the composition if that has it, else to the capture result. Throws an
+     * IllegalArgumentException with a message for people.
      */
     public static void set(RequestFile request, List<String> tags) {
         for (String tag : tags) {

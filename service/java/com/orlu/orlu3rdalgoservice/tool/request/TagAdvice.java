@@ -11,7 +11,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 import java.util.List;
 import java.util.function.Function;
 
-/** Warns about values that no camera reports. Most of them are in another unit than the tag's. */
+/** Warns about values that no camera reports. Most of them have the wrong unit. */
 final class TagAdvice {
     private static final String ARRAY = "android.sensor.info.activeArraySize";
     private static final String CROP = "android.scaler.cropRegion";

@@ -3,17 +3,17 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
-/** A value of metadata with its type's name, {"long": 5}, as recordings have them. */
+/** A metadata value with its type's name, {"long": 5}, as in recordings. */
 public final class TypedValue {
     private TypedValue() {
     }
 
-    /** Whether this is a value of a class without a form of its own; only a text of it was recorded. */
+    /** Whether the value's class has no JSON form; only its text was recorded. */
     public static boolean isOfOtherClass(Json field) {
         return field.has("class");
     }
 
-    /** The value; null for JSON's null. */
+    /** Returns the value; null for JSON's null. */
     public static Object read(Json field) throws MistakeException {
         if (field.isNull()) {
             return null;

@@ -14,8 +14,8 @@ import java.util.Collections;
 import java.util.List;
 
 /**
- * Reads JSON values as the Java types that metadata is made of. A number may be a counter over the frames
- * ({"first": 100, "step": 33}), a list of numbers may be a run of one value ({"fill": 1.0, "count": 884}).
+ * Reads JSON values as the Java types of metadata. A number may be a counter over the frames ({"first": 100,
+ * "step": 33}), a list of numbers may repeat one value ({"fill": 1.0, "count": 884}).
  */
 final class ValueReader {
     private static final int LARGEST_RUN = 1 << 16;
