@@ -27,12 +27,12 @@ import java.util.function.IntSupplier;
 import java.util.stream.IntStream;
 
 /**
- * Sends one request many times on one client, as the service does: calls on the client come one at a time, so
- * that of synchronous requests one is in flight. All share the inputs; each has outputs, compositions, an id
- * and a planted value of its own.
+ * Sends one request many times on one client, like the service: calls on the client don't overlap, so
+ * synchronous requests run one at a time. All share the inputs; each has its own outputs, compositions, id
+ * and planted value.
  */
 public final class Burst implements CallbackListener, AutoCloseable {
-    /** The tag that a value is planted in, and the one that the algorithms' answer is found in. */
+    /** The tag that a value is planted in, and the one that returns the algorithms' answer. */
     private static final String PLANTED = "orlu.control.frameFlag";
     private static final String RETURNED = "orlu.feedback.basicFrameTimestamp";
     /** Far from all timestamps, which a library may return instead. */
@@ -42,7 +42,7 @@ public final class Burst implements CallbackListener, AutoCloseable {
     private final ServiceClient mClient;
     private final FrameSize mSize;
     private final List<ImageBuffer> mInputs = new ArrayList<>();
-    /** Fair, so that requests are sent in their order. */
+    /** Fair, so that requests are sent in order. */
     private final ReentrantLock mClientLock = new ReentrantLock(true);
     private final Map<Long, List<Long>> mAnnounced = new HashMap<>();
     private int mInFlight;
@@ -59,13 +59,13 @@ public final class Burst implements CallbackListener, AutoCloseable {
      * @param problems what went wrong
      */
     public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {
-        /** From the first stage to the end of the last. */
+        /** From the start of the first stage to the end of the last. */
         public Stopwatch.Stage whole() {
             return new Stopwatch.Stage("whole", stages.get(0).start(), stages.get(stages.size() - 1).end());
         }
     }
 
-    /** Makes the inputs, of these frames of the photo. */
+    /** Makes the inputs from these frames of the photo. */
     public Burst(RequestFile request, ServiceClient client, List<SynthesisedFrame> frames)
             throws ErrnoException, MistakeException {
         mRequest = request;
@@ -78,7 +78,10 @@ public final class Burst implements CallbackListener, AutoCloseable {
         RequestProcessor.addListener(this);
     }
 
-    /** Sends so many requests, each so many milliseconds after the one before if fewer are in flight. */
+    /**
+     * Sends `count` requests, `interval` milliseconds apart, and waits while `inFlight` requests are in
+     * flight.
+     */
     public List<Shot> run(int count, int interval, int inFlight) throws MistakeException, IOException {
         List<Callable<Shot>> work = new ArrayList<>();
         IntStream.range(0, count).forEach(index -> work.add(() -> shoot(index, interval)));
@@ -93,7 +96,7 @@ public final class Burst implements CallbackListener, AutoCloseable {
         return mMostInFlight;
     }
 
-    /** How often Java was told that a request is done. */
+    /** How often Java was notified that a request is done. */
     public synchronized int announcements(long id) {
         return mAnnounced.getOrDefault(id, List.of()).size();
     }

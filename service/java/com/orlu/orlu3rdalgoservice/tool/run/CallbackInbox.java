@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Keeps what the native side reports to one client while it is open. */
+/** Collects what the native side reports to one client while it is open. */
 public final class CallbackInbox implements CallbackListener, AutoCloseable {
     static final String REQUEST_ADDRESS = "nativeRequestAddr";
     private static final long NANOSECONDS_PER_MILLISECOND = 1_000_000;
@@ -35,7 +35,7 @@ public final class CallbackInbox implements CallbackListener, AutoCloseable {
         return List.copyOf(mReports);
     }
 
-    /** Waits until a request is reported done. Returns its native id, null when the time is over first. */
+    /** Waits until a request is reported done. Returns its native id; null after a timeout. */
     public synchronized Long awaitRequest(long milliseconds) {
         long end = System.nanoTime() + milliseconds * NANOSECONDS_PER_MILLISECOND;
         Long done = doneRequest();

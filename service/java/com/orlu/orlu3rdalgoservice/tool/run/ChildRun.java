@@ -13,8 +13,8 @@ import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Stream;
 
 /**
- * A run of this command in a process of its own, with another library or machine, which may end its process.
- * It records what it does in a folder of its own, so that no two runs write the same files.
+ * Runs this command in a separate process, with another library or machine, which may crash. It uses its own
+ * folder, so that no two runs write the same files.
  */
 public final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
@@ -36,8 +36,8 @@ public final class ChildRun {
     private int mStatus;
 
     /**
-     * The library is an algorithm library, or another build of the native one by its file's name; null for
-     * none.
+     * `library` is an algorithm library, or by its file's name another build of the native one; null for
+     * neither.
      */
     public ChildRun(String name, boolean arm, Path library) throws IOException {
         String work = System.getProperty("orlu.work");
@@ -46,20 +46,22 @@ public final class ChildRun {
         mLibrary = library;
     }
 
-    /** Runs request files, and returns the folder of their recordings; fewer if the process ended. */
+    /**
+     * Runs request files, and returns the folder of their recordings; some are missing if the process died.
+     */
     public Path run(List<Path> requests) throws IOException {
         List<String> arguments = new ArrayList<>();
         requests.forEach(request -> arguments.add(request.toString()));
         return record(arguments);
     }
 
-    /** Tries what each tag of a request changes, and returns the file of what was found. */
+    /** Runs the trials of a request, and returns the file with the results. */
     public Path trials(Path request) throws IOException {
         start(List.of("trials", request.toString(), "--record", file(RECORDINGS).toString()));
         return recorded();
     }
 
-    /** Runs the arguments of ./run, and returns the folder of the recordings. */
+    /** Runs ./run with these arguments, and returns the folder of the recordings. */
     public Path record(List<String> arguments) throws IOException {
         List<String> all = new ArrayList<>(arguments);
         all.addAll(List.of("--record", file(RECORDINGS).toString(), "--out", file("images").toString()));
@@ -75,7 +77,7 @@ public final class ChildRun {
         return file(RECORDINGS);
     }
 
-    /** Runs ./run with these arguments, waits for its end, and returns its exit status. */
+    /** Runs ./run with these arguments, waits for it, and returns its exit status. */
     public int start(List<String> arguments) throws IOException {
         List<String> command = new ArrayList<>(List.of(System.getProperty("orlu.launcher")));
         command.addAll(arguments);
@@ -91,7 +93,7 @@ public final class ChildRun {
             mStatus = child.waitFor();
             RUNNING.remove(child);
             if (sIsEnding) {
-                // What an interrupted run came to is nothing to go on with.
+                // The results of an interrupted run are useless.
                 Thread.currentThread().join();
             }
         } catch (InterruptedException e) {
@@ -101,7 +103,7 @@ public final class ChildRun {
         return mStatus;
     }
 
-    /** A file in this run's own folder. */
+    /** A file in the run's own folder. */
     public Path file(String name) {
         return mFolder.resolve(name);
     }
@@ -127,7 +129,7 @@ public final class ChildRun {
         return this;
     }
 
-    /** Removes what the run wrote: many recordings of large images would fill the disk. */
+    /** Removes the run's files: many recordings of large images would fill the disk. */
     public void remove() throws IOException {
         try (Stream<Path> files = Files.walk(mFolder)) {
             for (Path file : files.sorted(Comparator.reverseOrder()).toList()) {
@@ -136,7 +138,7 @@ public final class ChildRun {
         }
     }
 
-    // The launcher removes this process's folder as soon as it ends: a child must not write there any more.
+    // The launcher removes this process's folder as soon as it exits, so children must exit first.
     private static void endBeforeThis() {
         sIsEnding = true;
         for (Process child : RUNNING) {
@@ -153,7 +155,7 @@ public final class ChildRun {
     }
 
     private void setEnvironment(Map<String, String> environment) {
-        // These are of this process; the other makes its own.
+        // These belong to this process; the other one sets its own.
         environment.remove("ORLU_EVENTS");
         environment.remove("ORLU_ALGO_TRACE");
         environment.remove("ORLU_PIXELS");
@@ -162,7 +164,7 @@ public final class ChildRun {
         if (mArm && !System.getProperty("os.arch").startsWith("arm")) {
             environment.remove("ORLU_BUILD");
         } else {
-            // Side by side, they must not build.
+            // Parallel processes must not build.
             environment.put("ORLU_BUILD", System.getProperty("orlu.build"));
         }
         if (mLibrary == null) {

@@ -12,7 +12,7 @@ import java.nio.file.Path;
 import java.nio.file.StandardOpenOption;
 import java.util.Map;
 
-/** Appends events to the file that the probe writes into, a line and a write each. From any thread. */
+/** Appends events to the probe's file, each as one line in one write. Thread-safe. */
 public final class EventLog {
     /** The environment variable that names the file. */
     public static final String VARIABLE = "ORLU_EVENTS";
@@ -27,7 +27,7 @@ public final class EventLog {
         mFile = file;
     }
 
-    // The thread as the kernel knows it, and the probe.
+    // The thread's kernel id, which the probe uses, too.
     private record ThreadName(int tid, String name) {
         static ThreadName ofThisOne() {
             try {
@@ -35,18 +35,18 @@ public final class EventLog {
                 int tid = Integer.parseInt(Files.readSymbolicLink(thread).getFileName().toString());
                 return new ThreadName(tid, Files.readString(thread.resolve("comm")).strip());
             } catch (IOException e) {
-                // Without /proc it stays unknown: native code that asks for a tag must not hear of it.
+                // Without /proc it stays unknown: a native look-up must never see an exception.
                 return new ThreadName(0, Thread.currentThread().getName());
             }
         }
     }
 
-    /** The kernel's number of the thread that calls, 0 when it is unknown. */
+    /** The kernel's id of the calling thread; 0 if unknown. */
     public static int thisThread() {
         return THREAD.get().tid();
     }
 
-    /** The log that the environment names; null when it names none. */
+    /** The log that the environment names; null if it names none. */
     public static synchronized EventLog ofEnvironment() throws IOException {
         String path = System.getenv(VARIABLE);
         if (sOfEnvironment == null && path != null && !path.isEmpty()) {
@@ -56,14 +56,14 @@ public final class EventLog {
         return sOfEnvironment;
     }
 
-    /** An event that happens now, on this thread: its fields are to be added, and it is to be written. */
+    /** Creates an event of this moment and thread. The caller adds fields and calls write(). */
     public Map<String, Object> begin(String event) {
         ThreadName thread = THREAD.get();
         return JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread", thread.name(),
                 "event", event);
     }
 
-    /** Writes the event. The native code that is under way never hears of a file that can't be written. */
+    /** Writes the event. Failures are hidden from the native code in progress. */
     public void write(Map<String, Object> line) {
         try {
             mFile.write(ByteBuffer.wrap((JsonWriter.line(line) + '\n').getBytes(StandardCharsets.UTF_8)));

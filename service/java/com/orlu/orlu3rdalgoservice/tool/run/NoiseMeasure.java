@@ -12,7 +12,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import java.util.ArrayList;
 import java.util.List;
 
-/** How near the base frame and the result are to the clean photo, for requests that noise was added to. */
+/** Measures how near the base frame and the result are to the clean photo, if noise was added. */
 public final class NoiseMeasure {
     private final RequestFile mRequest;
     private final int mBase;
@@ -40,14 +40,13 @@ public final class NoiseMeasure {
     }
 
     /**
-     * Measures each output that shows the base frame's part of the photo. Only of frames with noise, unless
-     * similarity is wanted as well.
+     * Measures each output that shows the base frame's part of the photo. Without noise, only if similarity
+     * is wanted.
      */
     public List<Measure> measures(List<SynthesisedFrame> frames, List<OutputReader> outputs,
             boolean hasSsim) {
         List<Measure> measures = new ArrayList<>();
-        // A frame from a file has no clean photo to be compared with, nor has one that was darkened or
-        // brightened on purpose.
+        // A frame from a file has no clean photo to compare with, nor has one with a gain.
         if (!mRequest.isOfPhoto(mBase) || !mFrames.hasNoise() && !hasSsim
                 || mFrames.frames().get(mBase).gain() != 1) {
             return measures;
@@ -61,7 +60,7 @@ public final class NoiseMeasure {
         return measures;
     }
 
-    /** A line for each measure of a request whose frames have noise. */
+    /** Returns a line for each measure if the frames have noise. */
     public List<String> lines(List<Measure> measures) {
         return mFrames.hasNoise() ? measures.stream().map(Measure::line).toList() : List.of();
     }

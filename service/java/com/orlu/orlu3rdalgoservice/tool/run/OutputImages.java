@@ -15,20 +15,20 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Writes a request's output images as files, and the base frame beside them to compare with. */
+/** Writes a request's output images as files, and the base frame for comparison. */
 public final class OutputImages {
     private final Path mFolder;
     private final String mName;
     private final int mBase;
 
-    /** Files in this folder, whose names begin with the name; the base is a frame's number. */
+    /** Writes to this folder, with `name` as prefix; `base` is a frame's number. */
     public OutputImages(String name, int base, Path folder) {
         mFolder = folder;
         mBase = base;
         mName = name;
     }
 
-    /** Writes what there is to write, and returns a line on each image. */
+    /** Writes the images, and returns a line on each. */
     public List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
             List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
@@ -69,7 +69,7 @@ public final class OutputImages {
         return file.toString();
     }
 
-    // A stranger's folder may have a link to a file of the reader's in this place.
+    // A foreign folder may contain a link to one of the user's files here.
     private Path file(String name) throws IOException {
         Path file = mFolder.resolve(name);
         if (Files.isSymbolicLink(file)) {
@@ -78,9 +78,9 @@ public final class OutputImages {
         return file;
     }
 
-    // Sixteen bits a sample, most significant byte first, as the format asks.
+    // Sixteen bits per sample, most significant byte first, as PGM requires.
     private static byte[] pgm(Mosaic mosaic) {
-        // A white below 256 would mean one byte a sample.
+        // A white level below 256 would mean one byte per sample.
         int white = Math.max(256, mosaic.white());
         String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + white + "\n";
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();

@@ -7,20 +7,20 @@ import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 
 import java.util.Map;
 
-/** A composition whose look-ups, those in its capture result too, and values put are events. */
+/** A composition that records its look-ups, those of its capture result, and the values put as events. */
 public final class RecordedComposition extends CaptureResultComposition {
     private final CameraMetadataNative mCaptureResult;
 
     private EventLog mEvents;
     private int mFrame;
 
-    /** A composition over what the camera reported, which is not recorded yet. */
+    /** A composition over the camera's metadata; recording is off. */
     public RecordedComposition(CameraMetadataNative captureResult) {
         super(captureResult);
         mCaptureResult = captureResult;
     }
 
-    /** Records from now on, as the frame of this index; null: no longer. */
+    /** Starts recording as the frame of this index; null stops it. */
     public void record(EventLog events, int frame) {
         mEvents = events;
         mFrame = frame;

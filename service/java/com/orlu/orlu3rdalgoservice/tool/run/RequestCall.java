@@ -10,9 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.List;
 
-/**
- * The two calls that carry one request through the native library, recorded where the client has a recorder.
- */
+/** The two calls of one request into the native library, recorded if the client has a recorder. */
 public final class RequestCall implements AutoCloseable {
     private final Orlu3rdAlgoService mService;
     private final long mHandle;
@@ -20,10 +18,10 @@ public final class RequestCall implements AutoCloseable {
     private final List<VImageIPC> mInputs;
     private final List<VImageIPC> mOutputs;
     private final List<? extends CaptureResultComposition> mCompositions;
-    /** Null when nothing is recorded. */
+    /** Null if nothing is recorded. */
     private final Recording mRecording;
 
-    /** Records what goes in already. The file is that of the request. */
+    /** Starts the recording with the inputs. `file` is the request's. */
     public RequestCall(ServiceClient client, RequestFile file, VRequest request, List<VImageIPC> inputs,
             List<VImageIPC> outputs, List<? extends CaptureResultComposition> compositions) {
         mService = client.service();
@@ -57,7 +55,7 @@ public final class RequestCall implements AutoCloseable {
                         mService, mHandle, mRequest, mInputs, mOutputs, mCompositions);
     }
 
-    /** Ends the recording, also of a full-async request whose callback did not come. */
+    /** Finishes the recording, even if a full-async request had no callback. */
     @Override
     public void close() {
         if (mRecording != null) {

@@ -14,12 +14,14 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.util.List;
 
-/** Makes a request's images: the same each time, so that another process can make them again. */
+/** Makes a request's images. They are always the same, so another process can make them again. */
 public final class RequestImages {
     private RequestImages() {
     }
 
-    /** The photo's frames, which are none when no input needs them. What fits neither is an error. */
+    /**
+     * Returns the photo's frames; none if no input needs them. Throws if the photo or the request is invalid.
+     */
     public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
             throws MistakeException {
         List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request, photos) : List.of();
@@ -44,7 +46,7 @@ public final class RequestImages {
         return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
     }
 
-    /** An input of these frames, or of its file. The caller closes it. */
+    /** Makes an input from these frames or from its file. The caller closes it. */
     public static ImageBuffer input(ImagePlan plan, List<SynthesisedFrame> frames, FrameSize size)
             throws ErrnoException, MistakeException {
         return plan.isOfPhoto()

@@ -8,15 +8,15 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** What the files that a run writes for each of its requests are named after. */
+/** The names of a run's output files for each request. */
 public final class RequestNames {
     private RequestNames() {
     }
 
     /**
-     * A name for each request file of a command line, in their order, none twice: its own without ".json". A
-     * second file of one name is named after its folder too, a/x.json and b/x.json as x and b-x; where that
-     * is no other name, a number is added.
+     * Returns a unique name for each request file, in order: its own without ".json". A second file of the
+     * same name also gets its folder's name: a/x.json and b/x.json become x and b-x. If that is taken, a
+     * number is added.
      */
     public static List<String> of(List<Path> files) {
         Set<String> taken = new HashSet<>();
@@ -39,7 +39,7 @@ public final class RequestNames {
         return names;
     }
 
-    /** The name of a request file that is alone. */
+    /** The name of a single request file. */
     public static String stem(Path file) {
         String stem = file.getFileName().toString().replaceFirst("\\.json$", "");
         return stem.isEmpty() ? "request" : stem;

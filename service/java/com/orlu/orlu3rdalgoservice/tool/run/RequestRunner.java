@@ -24,11 +24,11 @@ import java.util.Map;
 import java.util.Objects;
 
 /**
- * Carries one request through the native library on a client, as the service does. What it saw stays known
- * after it is closed, which gives the images' memory back.
+ * Runs one request through the native library on a client, as the service does. Its results outlive close(),
+ * which frees the images' memory.
  */
 public final class RequestRunner implements AutoCloseable {
-    /** How long a request is waited for: by the library itself, or here for a full-async one. */
+    /** The timeout of a request: in the library itself, or here for a full-async one. */
     public static final int CALLBACK_SECONDS = 10;
 
     private final RequestFile mRequest;
@@ -47,7 +47,7 @@ public final class RequestRunner implements AutoCloseable {
     private long mWaitStart;
     private long mWaitEnd;
 
-    /** A runner on this client. With lookups, each look-up of a tag is an event. */
+    /** Runs on this client. With `lookups`, each look-up of a tag is an event. */
     public RequestRunner(
             RequestFile request, ServiceClient client, Stopwatch stopwatch, boolean keepsLookups) {
         mRequest = request;
@@ -57,7 +57,7 @@ public final class RequestRunner implements AutoCloseable {
         mInbox = new CallbackInbox(client.clientId());
     }
 
-    /** Makes what is handed over, of these frames of the photo; none if no input needs them. */
+    /** Creates the arguments, from these frames of the photo; none if no input needs them. */
     public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         mRequest.properties().forEach(SystemProperties::set);
         for (FramePlan frame : mRequest.frames().frames()) {
@@ -77,7 +77,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    /** Runs the request, and waits for its result. */
+    /** Runs the request and waits for its result. */
     public void process() throws IOException {
         Progress.show("processing " + mInputs.size() + " inputs");
         VRequest request = new VRequest(mRequest.id(), mRequest.type());
@@ -103,7 +103,7 @@ public final class RequestRunner implements AutoCloseable {
         return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
-    // From the call on, so that no event is of what is recorded before it.
+    // Called right before the request, so that look-ups by the recorder are not events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {
@@ -130,7 +130,7 @@ public final class RequestRunner implements AutoCloseable {
         return new ArrayList<>(mCompositions.stream().map(CaptureResultComposition::snapshot).toList());
     }
 
-    // A value put again is another object, so that a key put with the value it had shows as well.
+    // Compares by identity: a key that was put again with an equal value is a change, too.
     private void addChanges(List<Map<String, Object>> before) {
         for (int i = 0; i < mCompositions.size(); ++i) {
             Map<String, Object> old = before.get(i);
@@ -144,7 +144,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    /** The images, until this is closed. */
+    /** The images, valid until close(). */
     public List<ImageBuffer> inputs() {
         return mInputs;
     }
@@ -153,7 +153,7 @@ public final class RequestRunner implements AutoCloseable {
         return mOutputs;
     }
 
-    /** The inputs as they were handed over, with their sizes. */
+    /** The inputs as passed on, with their sizes. */
     public List<ImagePlan> inputPlans() {
         return mInputPlans;
     }
@@ -182,7 +182,7 @@ public final class RequestRunner implements AutoCloseable {
         return mProblems;
     }
 
-    /** When the request was submitted and when the wait for its end was over, by System.nanoTime(). */
+    /** When the request was submitted and when the wait for it was over, by System.nanoTime(). */
     public long waitStart() {
         return mWaitStart;
     }

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
-/** One client of the native library, from its creation to its end, with the time of each step. */
+/** One client of the native library, from creation to destruction, with the time of each step. */
 public final class ServiceClient {
     private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
     private final CaptureResultComposition mParam = new CaptureResultComposition();
@@ -14,8 +14,8 @@ public final class ServiceClient {
     private final RequestRecorder mRecorder;
 
     /**
-     * Creates and initialises the client that a request names. Its requests are recorded; null: they are
-     * not.
+     * Creates and initialises the client that a request names. `recorder` records its requests; null for
+     * none.
      */
     public ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
         mRecorder = recorder;
@@ -36,7 +36,7 @@ public final class ServiceClient {
         return mService;
     }
 
-    /** Null when nothing is to be recorded. */
+    /** Null if nothing is recorded. */
     RequestRecorder recorder() {
         return mRecorder;
     }

@@ -13,9 +13,9 @@ import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 import java.util.concurrent.atomic.AtomicInteger;
 
-/** Does pieces of work side by side, and takes their results in the order of the work. */
+/** Runs tasks in parallel, and passes on their results in the order of the tasks. */
 public final class SideBySide {
-    /** Takes a result. */
+    /** Receives a result. */
     public interface Taker<T> {
         void take(T result) throws MistakeException, IOException;
     }
@@ -23,7 +23,7 @@ public final class SideBySide {
     private SideBySide() {
     }
 
-    /** Does the work on so many threads, and takes each result as soon as those before it are taken. */
+    /** Runs the tasks on this many threads. Each result is passed on as soon as all earlier ones are. */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {
         ExecutorService threads = Executors.newFixedThreadPool(jobs);

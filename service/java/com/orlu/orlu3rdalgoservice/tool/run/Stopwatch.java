@@ -4,15 +4,15 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Supplier;
 
-/** How long each stage of a request took. */
+/** The duration of each stage of a request. */
 public final class Stopwatch {
     private final List<Stage> mStages = new ArrayList<>();
 
-    /** A stage's name, and when it began and ended by System.nanoTime(). */
+    /** A stage's name, and its begin and end by System.nanoTime(). */
     public record Stage(String name, long start, long end) {
     }
 
-    /** Does the work and keeps its time under the stage's name. */
+    /** Runs the work and records its time as this stage. */
     public <T> T time(String stage, Supplier<T> work) {
         long start = System.nanoTime();
         T result = work.get();
@@ -20,7 +20,7 @@ public final class Stopwatch {
         return result;
     }
 
-    /** The stages in the order of the work. */
+    /** The stages in the order of execution. */
     public List<Stage> stages() {
         return mStages;
     }

@@ -5,41 +5,46 @@ import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 
-/** The folder that the launcher makes for one run and removes after it, named by the property orlu.work. */
+/**
+ * The folder that the launcher creates for one run and removes afterwards, named by the property orlu.work.
+ */
 public final class WorkFolder {
-    /** The environment variable by which a process gets the file of its part of an index. */
+    /** The environment variable that names the file for a process's part of an index. */
     public static final String PAGES = "ORLU_PAGES";
 
     private WorkFolder() {
     }
 
-    /** The events' file, which need not be there; null when the launcher names none. */
+    /** The events' file, which may not exist; null without a work folder. */
     public static Path events() {
         return ofEnvironment(EventLog.VARIABLE);
     }
 
-    /** The file of what the algorithm library says of its work, likewise. */
+    /** The file of the algorithm library's report of its work; may not exist, null without a work folder. */
     public static Path algorithmTrace() {
         return ofEnvironment("ORLU_ALGO_TRACE");
     }
 
-    /** The folder of the probe's pixels, likewise. */
+    /** The folder of the probe's pixels; may not exist, null without a work folder. */
     public static Path pixels() {
         return ofEnvironment("ORLU_PIXELS");
     }
 
-    /** The file of the native side's log, likewise. */
+    /** The file of the native side's log; may not exist, null without a work folder. */
     public static Path log() {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
-    /** What was written of pages so far; another process's, which has the index, where it names one. */
+    /**
+     * The state of the pages written so far, in the file of the process that writes the index, if it names
+     * one.
+     */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);
         return named == null ? file("pages.json") : named;
     }
 
-    /** Where each run has a folder, if nobody names another place; null when there is no folder. */
+    /** The folder for the runs' folders unless the command line names one; null without a work folder. */
     public static Path runs() {
         return file("runs");
     }
@@ -49,17 +54,17 @@ public final class WorkFolder {
         return file == null || file.isEmpty() ? null : Path.of(file);
     }
 
-    /** The VM's report on its crash, which need not be there; null when there is no folder. */
+    /** The VM's crash report, which may not exist; null without a work folder. */
     public static Path vmReport() {
         return file("vm_report.log");
     }
 
-    /** What the trials found, which need not be there; null when there is no folder. */
+    /** The trials' results, which may not exist; null without a work folder. */
     public static Path trials() {
         return file("trials.json");
     }
 
-    /** Says to the launcher that the command came to its end: nothing else ended the process. */
+    /** Notifies the launcher that the command finished, so a crash can be recognised. */
     public static void markFinished() {
         Path marker = file("finished");
         if (marker != null) {
