@@ -4,7 +4,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The names that a dump prints for numbers of tags: the rows of enumerations.txt. */
+/** The names that a dump prints for values of tags: the rows of enumerations.txt. */
 public final class Enumerations {
     /** The names of a flag, which has no row of its own. */
     private static final List<String> FLAG = List.of("FALSE", "TRUE");
@@ -17,12 +17,12 @@ public final class Enumerations {
     private Enumerations() {
     }
 
-    /** The number of a name; -1 if the tag does not have it. */
+    /** The value of a name; -1 if the tag lacks it. */
     public static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
     }
 
-    /** The names of a tag's numbers 0, 1, ...; none for a tag without a row. */
+    /** The names of a tag's values 0, 1, ...; none for a tag without a row. */
     public static List<String> names(String tag) {
         return NAMES.getOrDefault(tag, List.of());
     }

@@ -12,7 +12,7 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.Map;
 
-/** Turns a value of a store into what a JSON writer takes, in the form that a request file has for it. */
+/** Converts a stored value for a JSON writer, to its form in a request file. */
 public final class HeldValue {
     private HeldValue() {
     }

@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.function.IntFunction;
 import java.util.stream.IntStream;
 
-/** Writes a parameter's value for people. Bytes that don't fit their type are shown in hex. */
+/** Formats a parameter's value for people. Bytes that don't fit their type are shown in hex. */
 public final class ParameterFormatter {
     private static final int HEX_BYTES = 16;
     private static final int LIST_ELEMENTS = 24;
@@ -43,7 +43,7 @@ public final class ParameterFormatter {
         return value != null ? ValueFormatter.json(value) : format(type, bytes);
     }
 
-    // The value as Java has it; null for a record.
+    // The value as a Java object; null for a record.
     private Object plain(ParameterType type) {
         return switch (type) {
             case INT, COUNT -> intAt(0);
@@ -123,7 +123,7 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // The bits of a float that is not tiny are an int of many hours, but for the two ints that mean too long.
+    // The bits of a normal float, read as an int, are many hours, except for the two ints that mean too long.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
@@ -131,7 +131,7 @@ public final class ParameterFormatter {
         return isInt ? Integer.toString(bits) : number(floatAt(0));
     }
 
-    // As short as a person would write it: 2 for 2.0.
+    // The shortest form: 2 for 2.0.
     private static String number(float value) {
         return trimmed(Float.toString(value));
     }

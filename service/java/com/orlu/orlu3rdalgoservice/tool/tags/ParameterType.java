@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.tags;
 
-/** How a parameter's bytes are to be read. */
+/** How to read a parameter's bytes. */
 public enum ParameterType {
     INT("int"),
     INTS("int[]"),
@@ -10,13 +10,13 @@ public enum ParameterType {
     FLOAT("float"),
     FLOATS("float[]"),
     DOUBLES("double[]"),
-    /** Words of 64 bits, each a flag. */
+    /** Words of 64 bits; each bit is a flag. */
     BITS("bits"),
     BOOL("bool"),
     TEXT("text"),
-    /** A time in milliseconds: an int, or a float where the low-light raw step hands it over. */
+    /** A time in milliseconds: an int, or a float from the low-light raw step. */
     MILLISECONDS("ms"),
-    /** An int count, then bytes that are not used. */
+    /** An int count, followed by unused bytes. */
     COUNT("count"),
     /** Left, top, right, bottom. */
     RECT("rect"),
@@ -30,7 +30,7 @@ public enum ParameterType {
     REFOCUS_PACK("refocus"),
     PHASE_DETECTION("pdaf"),
     BYTES("bytes"),
-    /** No row in parameters.txt. */
+    /** Missing from parameters.txt. */
     UNKNOWN("unknown");
 
     private final String mText;
@@ -39,7 +39,7 @@ public enum ParameterType {
         mText = text;
     }
 
-    /** What it is called for people. */
+    /** The name for people. */
     public String text() {
         return mText;
     }

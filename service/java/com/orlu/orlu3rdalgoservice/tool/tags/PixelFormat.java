@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 import java.util.Arrays;
 import java.util.List;
 
-/** The pixel layouts that the tool reads and writes, named as the native side names them. */
+/** The pixel layouts that the tool reads and writes; names are the native side's. */
 public enum PixelFormat {
     NV21,
     NV12,
@@ -28,7 +28,7 @@ public enum PixelFormat {
         return this == MIPI_RAW10 || this == RAW16 || this == RAW_SENSOR;
     }
 
-    /** The most bits that a raw sample can have. */
+    /** The largest bit depth of a raw sample. */
     public int mostBits() {
         return this == MIPI_RAW10 ? 10 : 16;
     }
@@ -37,12 +37,12 @@ public enum PixelFormat {
         return this == NV21 || this == NV12 || isPlanar();
     }
 
-    /** Whether the chroma lies in two planes of its own. */
+    /** Whether the chroma has two separate planes. */
     public boolean isPlanar() {
         return this == YU12 || this == YV12;
     }
 
-    /** Bytes of a row without padding. A JPEG has no rows; its width counts as one. */
+    /** Bytes per row without padding. A JPEG has no rows; its width counts as one. */
     public int tightStride(int width) {
         return switch (this) {
             case MIPI_RAW10 -> (width + 3) / 4 * 5;
@@ -62,7 +62,7 @@ public enum PixelFormat {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
 
-    /** Bytes of each plane; a JPEG's is what it may fill. */
+    /** Bytes of each plane; for a JPEG, its capacity. */
     public int[] planeSizes(int stride, int height, int capacity) {
         if (this == JPEG) {
             return new int[] {capacity};
@@ -70,9 +70,7 @@ public enum PixelFormat {
         return isYuv() ? new int[] {stride * height, stride * height / 2} : new int[] {stride * height};
     }
 
-    /**
-     * The number that the platform has for this format. The service passes it on to release a client.
-     */
+    /** The platform's number of the format. The service passes it on to release a client. */
     public int platformCode() {
         return switch (this) {
             case MIPI_RAW10 -> 37;

@@ -12,8 +12,8 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * Reads a table in a text file beside this class: a row a line, its columns separated by blanks. The last
- * column reaches to the end of the line. Blank lines and lines that begin with # don't count.
+ * Reads a table from a text file beside this class: one row per line, columns separated by blanks. The last
+ * column extends to the end of the line. Blank lines and lines that begin with # are ignored.
  */
 final class Table {
     private Table() {

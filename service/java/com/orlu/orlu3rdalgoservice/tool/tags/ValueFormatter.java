@@ -5,14 +5,14 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** Writes the values that the native side puts into compositions, for people and as JSON. */
+/** Formats the values that the native side puts into compositions, for people and as JSON. */
 public final class ValueFormatter {
     private static final int ELEMENTS = 8;
 
     private ValueFormatter() {
     }
 
-    /** On one line, long arrays shortened. */
+    /** On one line, with long arrays shortened. */
     public static String text(Object value) {
         if (!value.getClass().isArray()) {
             return value instanceof String ? '"' + (String) value + '"' : value.toString();

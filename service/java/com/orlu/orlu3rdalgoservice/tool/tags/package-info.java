@@ -1,2 +1,2 @@
-/** Facts of tags, parameters, algorithms and formats, and how their values are shown. */
+/** Facts about tags, parameters, algorithms and formats, and the formatting of their values. */
 package com.orlu.orlu3rdalgoservice.tool.tags;

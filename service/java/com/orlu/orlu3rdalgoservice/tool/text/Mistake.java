@@ -11,7 +11,7 @@ package com.orlu.orlu3rdalgoservice.tool.text;
  * @param isWarning whether the file is usable all the same
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
-    /** One line, in the form that editors take as a place to jump to. */
+    /** One line, in the form that editors recognise as a place to jump to. */
     public String text() {
         String place = line == 0 ? file : file + ":" + line + ":" + column;
         String about = (isWarning ? "warning: " : "") + (field.isEmpty() ? "" : field + ": ");

@@ -1,12 +1,14 @@
 package com.orlu.orlu3rdalgoservice.tool.text;
 
-/** An input that is invalid. The message is one line: file, place, field, what was expected and found. */
+/** An invalid input. The message is one line: file, place, field, what was expected and found. */
 public final class MistakeException extends Exception {
     private static final long serialVersionUID = 1;
 
     private final transient Mistake mMistake;
 
-    /** Reports a problem of a file without lines. The field is empty if the problem is the whole file. */
+    /**
+     * Reports a problem of a file without lines. The field is empty if the problem concerns the whole file.
+     */
     public MistakeException(String file, String field, String problem) {
         this(new Mistake(file, 0, 0, field, problem, false));
     }

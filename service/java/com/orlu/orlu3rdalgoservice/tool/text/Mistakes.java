@@ -8,7 +8,7 @@ import java.util.Set;
 
 /**
  * The errors and warnings of one file. After an error, the reader continues with a fallback value to find
- * more of them; what it has read is discarded at the end.
+ * more of them; in the end it discards everything read.
  */
 public final class Mistakes {
     private static final int MOST_KEPT = 1000;
@@ -19,12 +19,12 @@ public final class Mistakes {
     private long mDropped;
     private int mErrors;
 
-    /** Something that is read, or fails. */
+    /** A read operation that may fail. */
     public interface Reading<T> {
         T read() throws MistakeException;
     }
 
-    /** Something that is checked, or fails. */
+    /** A check that may fail. */
     public interface Check {
         void run() throws MistakeException;
     }
@@ -37,7 +37,7 @@ public final class Mistakes {
         return mFile;
     }
 
-    /** Adds a mistake unless the list has it: what all frames share is read once for each frame. */
+    /** Adds a mistake unless the list has it: values common to all frames are read for each frame. */
     public void add(Mistake mistake) {
         if (mMistakes.size() == MOST_KEPT) {
             ++mDropped;

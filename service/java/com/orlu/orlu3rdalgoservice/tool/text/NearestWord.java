@@ -12,7 +12,7 @@ import java.util.Locale;
 
 /** Finds the known word that a mistyped one probably means. */
 public final class NearestWord {
-    /** Shorter beginnings match too many words. */
+    /** Shorter prefixes match too many words. */
     private static final int LEAST_BEGINNING = 3;
     private static final int LONGEST_WORD = 100;
 
@@ -56,7 +56,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + folder.resolve(nearest + ending) + "?)";
     }
 
-    // People omit or mistake the section of a tag, so the part after the last dot also counts on its own.
+    // People omit or confuse the section of a tag, so the part after the last dot also counts on its own.
     private static int distance(String word, String candidate, int least) {
         int whole = distanceOfParts(word, candidate, least);
         int section = candidate.lastIndexOf('.') + 1;

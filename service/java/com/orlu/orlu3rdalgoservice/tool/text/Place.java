@@ -18,7 +18,7 @@ public interface Place {
 
             @Override
             public void warn(String member, String problem) {
-                // A recording holds what happened; nobody can correct it.
+                // A recording documents what happened; nobody can correct it.
             }
         };
     }

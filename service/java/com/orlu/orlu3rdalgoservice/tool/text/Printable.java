@@ -16,10 +16,10 @@ public final class Printable {
         return escaped(text, Printable::isUnsafe);
     }
 
-    /** Returns what an exception says, in one line; never empty. */
+    /** Returns the message of an exception on one line; never empty. */
     public static String message(Throwable e) {
         String message = e.getMessage();
-        // Some decoders make a text of a message that is missing.
+        // Some decoders convert a missing message to a text.
         return message != null && !message.isBlank() && !message.equals("null") ? line(message)
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }

@@ -5,15 +5,15 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Prints text in lines of a limited width: wrapped at blanks, or cut. A word is never broken. Control
- * characters, which foreign text may hold, are escaped.
+ * Prints text in lines of limited width: wrapped at blanks, or cut. Words are never broken. Control
+ * characters, which foreign text may contain, are escaped.
  */
 public final class TextLayout {
     /** The width of a terminal. */
     public static final int TERMINAL = 80;
-    /** The width of a report that compares. */
+    /** The width of a comparison's report. */
     public static final int REPORT = 110;
-    /** Ends a line that was cut. */
+    /** Marks a line that was cut. */
     public static final String CUT = "[...]";
 
     private static final int FURTHER = 4;
