@@ -18,23 +18,21 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 
-/**
- * A page of pictures that are to be looked at beside each other, in rows and columns or one after the other.
- */
+/** A page of pictures for comparison side by side, in rows and columns or in sequence. */
 public final class ContactSheet {
     private final String mTitle;
     private final String mAbout;
     private final List<String> mColumns;
     private final List<Object> mRows = new ArrayList<>();
 
-    /** Without columns, the pictures of a row take as many lines as they need. */
+    /** Without columns, the pictures of a row wrap to as many lines as they need. */
     public ContactSheet(String title, String about, List<String> columns) {
         mTitle = title;
         mAbout = about;
         mColumns = columns;
     }
 
-    /** A picture with a caption and further lines; null and the reason for none. */
+    /** A picture with a caption and further lines; null and the reason if there is none. */
     public static Map<String, Object> cell(
             String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
@@ -63,7 +61,7 @@ public final class ContactSheet {
                 "name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells", cells));
     }
 
-    /** Writes the page into this folder, which need not be there, and returns its file. */
+    /** Writes the page to this folder, which is created if missing, and returns its file. */
     public Path write(Path folder) throws IOException {
         Files.createDirectories(folder);
         Path file = folder.resolve("index.html");

@@ -13,8 +13,8 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * What happened to a request as JSON: parameters in their order, algorithm lists, values put, output
- * descriptions, times. Pointers and memory stay out of it. All but the times is the same on every machine.
+ * The results of a request as JSON: parameters in order, algorithm lists, values put, output descriptions,
+ * times. Pointers and memory are left out, so everything but the times is the same on every machine.
  */
 public final class JsonReport {
     private JsonReport() {

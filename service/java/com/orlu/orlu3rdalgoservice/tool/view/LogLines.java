@@ -7,7 +7,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** The log of the native side, as the host's log library writes it where ORLU_LOG_FILE says. */
+/** The native side's log, which the host's log library writes to the file that ORLU_LOG_FILE names. */
 final class LogLines {
     private static final int FIELDS = 5;
 
@@ -15,8 +15,8 @@ final class LogLines {
     }
 
     /**
-     * The lines of a stretch of time by System.nanoTime(), from its start to before its end, each as [time,
-     * thread, level, class, text]; none when the file is not there or null.
+     * Returns the lines from `start` to before `end`, by System.nanoTime(), each as [time, thread, level,
+     * class, text]; none if the file is missing or null.
      */
     static List<Object> between(Path file, long start, long end) throws IOException {
         List<Object> lines = new ArrayList<>();

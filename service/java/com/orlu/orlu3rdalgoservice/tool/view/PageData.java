@@ -27,7 +27,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** All that a page shows of one request, but the timeline and the log, as JSON. */
+/** The data of a page on one request as JSON, except for the timeline and the log. */
 final class PageData {
     private final RunReport mReport;
     private final Run mRun;
@@ -35,7 +35,7 @@ final class PageData {
     private final SourceLines mSource;
     private final Map<String, Object> mJson = new LinkedHashMap<>();
 
-    /** The exhibits are null when the process ended before they were there. */
+    /** The exhibits are null if the process died too early. */
     PageData(RunReport report, Exhibits exhibits, SourceLines source) {
         mReport = report;
         mRun = report.run();
@@ -121,7 +121,7 @@ final class PageData {
         return groups;
     }
 
-    // Each as [tag, frames, what is said].
+    // Each row as [tag, frames, text].
     private static List<List<String>> rows(TagRows rows) {
         return rows.rows().stream().map(row -> List.of(row.tag(), row.frames(), row.text())).toList();
     }

@@ -17,13 +17,12 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * The folder of a run's pages: one for each request, written as soon as the request is over, and an index
- * when there are several. What is written so far is kept in the work folder, so that another process can go
- * on when this one ends.
+ * The folder of a run's pages: one for each request, written as soon as the request finishes, and an index if
+ * there are several. The work folder keeps the state, so that another process can continue after a crash.
  */
 public final class PageFolder {
     private static final double BYTES_PER_KILOBYTE = 1000;
-    /** What the index has of a page's data. */
+    /** The fields of a page's data that the index uses. */
     private static final List<String> ENTRY_FIELDS =
             List.of("file", "about", "verdict", "findings", "algorithms", "milliseconds");
 
@@ -43,14 +42,14 @@ public final class PageFolder {
      * @param state          what was written so far
      */
     public record Sources(Path events, Path algorithmTrace, Path log, Path state) {
-        /** Those that the launcher makes for a run. */
+        /** The sources in the launcher's work folder. */
         public static Sources ofWorkFolder() {
             return new Sources(WorkFolder.events(), WorkFolder.algorithmTrace(), WorkFolder.log(),
                     WorkFolder.pages());
         }
     }
 
-    /** A folder for the pages of so many requests; it is made when the first is written. */
+    /** A folder for the pages of this many requests, created with the first page. */
     public PageFolder(Path folder, Sources sources, int requests) {
         mFolder = folder;
         mSources = sources;
@@ -58,7 +57,7 @@ public final class PageFolder {
         mHasIndex = requests > 1 || mIsPart;
     }
 
-    /** Goes on where another process ended. */
+    /** Continues after another process died. */
     public void resume() throws IOException {
         if (mSources.state() != null && Files.exists(mSources.state())) {
             try {
@@ -71,7 +70,7 @@ public final class PageFolder {
         }
     }
 
-    /** Adds the page that another process wrote of a request, whose state is in this file if there is one. */
+    /** Adds a page that another process wrote, whose state is in this file if it exists. */
     public void addOther(Path state, Path request) throws IOException {
         try {
             List<Json> entries = Files.exists(state) ? Json.read(state).require("entries").list() : List.of();
@@ -86,15 +85,14 @@ public final class PageFolder {
         return mEntries.size();
     }
 
-    /** When the last of them was over, by System.nanoTime(); 0 when there is none. */
+    /** When the last of them finished, by System.nanoTime(); 0 if there is none. */
     public long end() {
         return mEnd;
     }
 
     /**
-     * Writes the page of the request that ended last, which is in the timeline; one whose process ended
-     * before is not, and has null for exhibits where its inputs can't be made again. Returns a line that
-     * says where the page is.
+     * Writes the page of the last request, which is in the timeline unless its process died earlier.
+     * `exhibits` is null if its inputs can't be recreated. Returns a line that names the page.
      */
     public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
@@ -110,7 +108,7 @@ public final class PageFolder {
         data.put("trace", own.events());
         data.put("start", own.start());
         data.put("log", LogLines.between(mSources.log(), own.start(), own.end()));
-        // The index has a name of its own.
+        // "index" is reserved for the index.
         String name = report.run().name().equals("index") ? "index-request" : report.run().name();
         Path file = mFolder.resolve(name + ".html");
         mEntries.add(entry(report, exhibits, data, file));
@@ -152,7 +150,7 @@ public final class PageFolder {
         }
     }
 
-    /** Writes the index when the run was to have several requests; those without a page have not run. */
+    /** Writes the index if the run has several requests; those without a page have not run. */
     public void writeIndex(Iterable<Path> requests) throws IOException {
         if (!mHasIndex || mIsPart) {
             return;
@@ -173,7 +171,7 @@ public final class PageFolder {
         Files.writeString(index(), PageTemplate.index("Requests", data));
     }
 
-    /** The file of the page that leads to the others. */
+    /** The page that links to the others. */
     public Path index() {
         return mFolder.resolve("index.html");
     }

@@ -14,10 +14,10 @@ import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Puts a page together: its HTML, style sheets, scripts and data in one file that needs no other. */
+/** Assembles a page: HTML, style sheets, scripts and data in one self-contained file. */
 final class PageTemplate {
     private static final List<String> STYLES = List.of("page.css", "parts.css");
-    // What all pages have.
+    // Scripts of all pages.
     private static final List<String> COMMON = List.of("dom.js", "theme.js");
     private static final List<String> REQUEST = List.of("histogram.js", "loupe.js", "compare.js",
             "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js");
@@ -32,12 +32,12 @@ final class PageTemplate {
         return page("page.html", title, REQUEST, data);
     }
 
-    /** The page that leads to those of several requests. */
+    /** The page that links to those of several requests. */
     static String index(String title, Object data) throws IOException {
         return page("index.html", title, INDEX, data);
     }
 
-    /** A page of pictures beside each other. */
+    /** A page of pictures side by side. */
     static String sheet(String title, Object data) throws IOException {
         return page("index.html", title, List.of("sheet.js"), data);
     }
@@ -54,17 +54,17 @@ final class PageTemplate {
         for (String name : STYLES) {
             style.append(resource(name));
         }
-        // Nothing in the data can end the element around it.
+        // Data can't close the element around it.
         Map<String, String> parts = Map.of("title", escaped(title), "policy", policy(script, style),
                 "style", style.toString(), "script", script.toString(),
                 "data", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e")
                         .replace("&", "\\u0026"));
-        // In one pass: what is inserted may itself look like the name of a part.
+        // One pass: inserted text may look like the name of a part.
         return PART.matcher(resource(html)).replaceAll(
                 part -> Matcher.quoteReplacement(parts.get(part.group(1))));
     }
 
-    /** Only the page's own script and styles count, and only images inside the page; nothing is loaded. */
+    /** Allows only the page's own script and styles, and embedded images; nothing is loaded. */
     private static String policy(CharSequence script, CharSequence style) throws IOException {
         return ("default-src 'none'; script-src '%s'; style-src '%s'; img-src data:; "
                 + "base-uri 'none'; form-action 'none'").formatted(hash(script), hash(style));

@@ -11,7 +11,7 @@ import java.io.PrintStream;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Prints every parameter in the order of the writes, those that a later one replaces marked. */
+/** Prints every parameter in the order of the writes, and marks those that a later write replaces. */
 public final class ParameterPrinter {
     private static final int KEY_WIDTH = 40;
     private static final String REPLACED = "~ ";
@@ -19,7 +19,7 @@ public final class ParameterPrinter {
     private ParameterPrinter() {
     }
 
-    /** Lines fit 80 columns unless they are to be wide. */
+    /** Lines fit 80 columns unless `wide` is set. */
     public static void print(Handover handover, PrintStream to, boolean wide) {
         TextLayout lines = new TextLayout(to, wide);
         List<Parameter> parameters = handover.parameters();

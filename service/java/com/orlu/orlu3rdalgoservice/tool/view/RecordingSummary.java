@@ -16,7 +16,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Collectors;
 
-/** Says what is in a recording. */
+/** Prints the content of a recording. */
 public final class RecordingSummary {
     private static final int LABEL_WIDTH = 18;
     private static final long MOST_MILLISECONDS = 1L << 50;
@@ -31,7 +31,7 @@ public final class RecordingSummary {
         mLines = new TextLayout(to, TextLayout.TERMINAL);
     }
 
-    /** Prints a line on each thing, down to where the recording ends. */
+    /** Prints a line for each item, up to the end of the recording. */
     public void print() throws MistakeException {
         Json header = mRun.header();
         mTo.println(Printable.line(mRun.folder().toString()));
@@ -61,7 +61,7 @@ public final class RecordingSummary {
         mLines.print(2, LABEL_WIDTH, name, text);
     }
 
-    // One line for those that follow each other and have the same text: "frame 1 to 6".
+    // Consecutive items with the same text share a line: "frame 1 to 6".
     private void lines(String name, List<String> texts) {
         for (int start = 0; start < texts.size();) {
             int end = start + 1;

@@ -5,7 +5,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** What of the timeline of a run, in the JSON trace format, belongs to one request. */
+/** The part of a run's timeline, in the JSON trace format, that belongs to one request. */
 final class RequestTimeline {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
@@ -14,13 +14,13 @@ final class RequestTimeline {
     private double mStart;
     private double mEnd = Double.MAX_VALUE;
 
-    /** The origin is the time that the trace's times count from, by System.nanoTime(). */
+    /** `origin` is the zero point of the trace's times, by System.nanoTime(). */
     RequestTimeline(List<Map<String, Object>> trace, long origin) {
         mEvents = trace;
         mOrigin = origin;
     }
 
-    /** Takes what lies inside the last request that Java's calls were timed of. */
+    /** Selects what lies within the last request with timed Java calls. */
     void ofLastRequest() {
         for (Map<String, Object> event : mEvents) {
             if (event.get("args") instanceof Map<?, ?> args && args.containsKey("verdict")) {
@@ -30,7 +30,7 @@ final class RequestTimeline {
         }
     }
 
-    /** Takes what comes from a time of System.nanoTime() on; 0 for all. */
+    /** Selects what starts at or after a time of System.nanoTime(); 0 for everything. */
     void from(long time) {
         mStart = time == 0 ? 0 : (time - mOrigin) / NANOSECONDS_PER_MICROSECOND;
     }

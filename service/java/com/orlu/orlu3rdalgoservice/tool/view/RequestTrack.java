@@ -8,12 +8,12 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** What belongs to one submitted request, among the calls of a run: found by its parameters' block. */
+/** The calls of a run that belong to one submitted request, identified by its parameter block. */
 final class RequestTrack {
     private static final String SHOT = "shotCb";
 
     private final Call mProcess;
-    /** Of the parameters; "" when the request has none. */
+    /** The parameters' handle; "" if the request has none. */
     private final String mBlock;
     private final List<Call> mBefore;
     private final List<Call> mAfter;
@@ -25,7 +25,7 @@ final class RequestTrack {
         mAfter = after;
     }
 
-    /** One track for each call of process. */
+    /** Returns one track for each call of process. */
     static List<RequestTrack> of(RecordedEvents events) {
         List<Call> calls = events.calls();
         List<RequestTrack> tracks = new ArrayList<>();
@@ -52,12 +52,12 @@ final class RequestTrack {
         return mProcess;
     }
 
-    /** The first parameter that was written on the thread of process; null when there is none. */
+    /** The first parameter written on the thread of process; null if there is none. */
     Call firstWrite() {
         Call first = null;
         for (int i = mBefore.size() - 1; i >= 0; --i) {
             Call call = mBefore.get(i);
-            // A block that was destroyed was another with the same handle.
+            // A destroyed block was an earlier one with the same handle.
             if (call.operation().equals("destroyMetadata") && isOnBlock(call)) {
                 break;
             }
@@ -68,7 +68,7 @@ final class RequestTrack {
         return first;
     }
 
-    /** The callback that ends the request, else the first one with its cookie; null when there is none. */
+    /** The callback that finishes the request, else the first one with its cookie; null if there is none. */
     Call callback() {
         Call other = null;
         for (Call call : mAfter) {
@@ -83,7 +83,7 @@ final class RequestTrack {
         return other;
     }
 
-    /** The calls that read results, and the one that destroys the parameters, on the thread of the first. */
+    /** The calls that read results and the one that destroys the parameters, on the thread of the first. */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
         for (Call call : mAfter) {
@@ -100,7 +100,7 @@ final class RequestTrack {
         return results;
     }
 
-    /** The calls on the thread of process behind it that only tidy up, and the one after these, if any. */
+    /** The clean-up calls after process on its thread, and the next call, if any. */
     List<Call> untilNext() {
         List<Call> calls = new ArrayList<>();
         for (Call call : mAfter) {
@@ -115,7 +115,7 @@ final class RequestTrack {
         return calls;
     }
 
-    /** Whether the call destroys another block than the parameters, as the camera's metadata. */
+    /** Whether the call destroys a block other than the parameters, such as the camera's metadata. */
     boolean isTidyingUp(Call call) {
         return call.operation().equals("destroyMetadata") && !isOnBlock(call);
     }

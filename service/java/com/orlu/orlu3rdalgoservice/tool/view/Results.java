@@ -20,14 +20,14 @@ import javax.xml.stream.XMLStreamException;
 import javax.xml.stream.XMLStreamWriter;
 
 /**
- * What a command found, for programs: as JSON (docs/results.schema.json), and as JUnit, where each result is
- * a test.
+ * A command's results for programs: as JSON (docs/results.schema.json), and as JUnit, with one test per
+ * result.
  */
 public final class Results {
     /** The name of the format, and its version. A new member doesn't change the version. */
     public static final String FORMAT = "orlu-results";
     public static final int VERSION = 1;
-    /** Instead of a file's name: standard output. */
+    /** Stands for standard output instead of a file. */
     public static final Path STANDARD_OUTPUT = Path.of("-");
 
     private final String mCommand;
@@ -36,12 +36,12 @@ public final class Results {
     private record Result(String name, Verdict verdict, double seconds, Map<String, Object> json) {
     }
 
-    /** The results of a subcommand; "run" for ./run itself. */
+    /** Results of a subcommand; "run" for ./run itself. */
     public Results(String command) {
         mCommand = command;
     }
 
-    /** Adds a result under a name for people. Its other members follow the name and the verdict. */
+    /** Adds a result under a name for people. Further members follow the name and the verdict. */
     public void add(String name, Verdict verdict, double milliseconds, Map<String, Object> members) {
         Map<String, Object> json = JsonWriter.object("name", name, "verdict", JsonWriter.object("ok",
                 verdict.status() == Verdict.OK, "status", verdict.status(), "reasons", verdict.reasons()));
@@ -49,7 +49,7 @@ public final class Results {
         mResults.add(new Result(name, verdict, milliseconds / 1000, json));
     }
 
-    /** Adds the results of another process, which it wrote as JSON. */
+    /** Adds the results that another process wrote as JSON. */
     public void addAll(Path file) throws MistakeException {
         for (Json result : Json.read(file).require("results").list()) {
             mResults.add(new Result(result.string("name", ""), verdict(result), milliseconds(result) / 1000,
@@ -64,7 +64,7 @@ public final class Results {
         return new Verdict(verdict.require("status").integer(0, 255), verdict.require("reasons").strings());
     }
 
-    /** The milliseconds of all calls into the library of a result in JSON, NaN if it has none. */
+    /** The milliseconds of all calls into the library in a result; NaN if it has none. */
     public static double milliseconds(Json result) {
         Json times = result.get("milliseconds");
         return times == null ? Double.NaN : times.entries().values().stream()
@@ -77,18 +77,18 @@ public final class Results {
                 .filter(status -> status != Verdict.OK).findFirst().orElse(Verdict.OK);
     }
 
-    /** Which results are not ok, from 0. */
+    /** The indexes of the results that are not ok. */
     public List<Integer> failed() {
         return IntStream.range(0, mResults.size())
                 .filter(i -> mResults.get(i).verdict().status() != Verdict.OK).boxed().toList();
     }
 
-    /** How many results there are. */
+    /** The number of results. */
     public int size() {
         return mResults.size();
     }
 
-    /** Writes both files; null for none. */
+    /** Writes both files; null skips one. */
     public void write(Path json, Path junit) throws IOException {
         if (json != null) {
             write(json, JsonWriter.pretty(JsonWriter.object("format", FORMAT, "version", VERSION, "command",

@@ -23,14 +23,14 @@ public final class Summary {
     private final PrintStream mTo;
     private final TextLayout mLines;
 
-    /** Lines fit 80 columns unless they are to be wide. */
+    /** Lines fit 80 columns unless `wide` is set. */
     public Summary(RunReport report, PrintStream to, boolean wide) {
         mReport = report;
         mTo = to;
         mLines = new TextLayout(to, wide);
     }
 
-    /** Prints all but the parameters and the verdict. */
+    /** Prints everything but the parameters and the verdict. */
     public void print() {
         printRequest();
         if (mReport.verdict().status() == Verdict.UNUSABLE) {

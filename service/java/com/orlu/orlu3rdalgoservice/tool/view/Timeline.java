@@ -19,12 +19,12 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Makes a timeline of a run: what Java did, what passed between the libraries, and what was waited for. */
+/** Makes a timeline of a run: Java's work, the calls between the libraries, and waits. */
 public final class Timeline {
     private static final long NANOSECONDS_PER_MILLISECOND = 1_000_000;
-    /** What the algorithm library calls; all else is called by the native library. */
+    /** Called by the algorithm library; all others are called by the native library. */
     private static final Set<String> CALLED_BACK = Set.of("callback", "visit");
-    /** Of a begin: what every event has, and what is too long to be shown. */
+    /** Fields of a begin event that every event has or that are too long to show. */
     private static final Set<String> NOT_SHOWN = Set.of(
             "event", "t", "tid", "thread", "op", "from", "bytes", "metadata", "inputs", "outputs", "handles");
 
@@ -34,7 +34,7 @@ public final class Timeline {
     private long mEnd;
     private long mOrigin;
 
-    /** Adds what Java did for a request on the thread that calls this. */
+    /** Adds Java's work for a request on the calling thread. */
     public void add(RunReport report) {
         RequestFile request = report.run().request();
         add(request.file().getFileName().toString(), EventLog.thisThread(), report.run().stages(),
@@ -42,7 +42,7 @@ public final class Timeline {
                         report.verdict().line()));
     }
 
-    /** Adds what Java did for a request on this thread. */
+    /** Adds Java's work for a request on this thread. */
     public void add(String name, int tid, List<Stage> stages, Map<String, Object> args) {
         if (stages.isEmpty()) {
             return;
@@ -56,15 +56,15 @@ public final class Timeline {
     }
 
     /**
-     * Writes the timeline of the last process that has events in that file. The algorithm library's trace
-     * need not be there; null for none. So need not the events.
+     * Writes the timeline of the last process in the events' file. That file may be missing; the algorithm
+     * library's trace may be missing or null.
      */
     public void write(Path file, Path events, Path algorithmTrace) throws IOException {
         Files.writeString(file,
                 JsonWriter.line(JsonWriter.object("traceEvents", trace(events, algorithmTrace))) + "\n");
     }
 
-    /** Its trace events; what is added later can follow, and the timeline be made again. */
+    /** Returns the trace events. More can be added afterwards, and the timeline made again. */
     public List<Map<String, Object>> trace(Path events, Path algorithmTrace) throws IOException {
         mEvents = new RecordedEvents();
         mEnd = 0;
@@ -99,7 +99,7 @@ public final class Timeline {
         List<Slice> work = new ArrayList<>();
         for (Json line : LineFile.fromStart(algorithmTrace, text -> text.contains("\"done\"")).next()) {
             Event done = new Event(line);
-            // The file may be older than this run; and another library may not say when and where.
+            // The file may be older than this run, and other libraries may omit time and thread.
             if (!done.has("tid") || !done.has("milliseconds") || done.time() < start) {
                 continue;
             }
@@ -113,12 +113,12 @@ public final class Timeline {
         return work;
     }
 
-    /** What the times of the last trace count from, by System.nanoTime(). */
+    /** The zero point of the last trace's times, by System.nanoTime(). */
     public long origin() {
         return mOrigin;
     }
 
-    // A thread is the algorithm library's when the first that it does is to work or to call back.
+    // A thread belongs to the algorithm library if its first action is to work or to call back.
     private void nameLanes(TraceFile trace) {
         Map<Integer, String> names = new LinkedHashMap<>();
         mJava.forEach(slice -> names.put(slice.tid(), "Java"));
@@ -163,15 +163,15 @@ public final class Timeline {
             return;
         }
         List<TraceFile.Point> points = new ArrayList<>(List.of(point(process), point(callback.begin())));
-        // Results that were read before a late callback do not come from it.
+        // Results read before a late callback are not caused by it.
         if (!results.isEmpty() && results.get(0).begin().time() >= callback.begin().time()) {
             points.add(point(results.get(0).begin()));
         }
         trace.addArrow(process.number("n"), points);
     }
 
-    // A request that is not full-async waits inside Java's call: from where all is tidied up behind process
-    // to the next call of its thread. A full-async one waits in Java, in a stage of its own.
+    // A synchronous request waits inside Java's call: from the end of the clean-up after process to the
+    // thread's next call. A full-async one waits in Java, in a separate stage.
     private void addWait(TraceFile trace, RequestTrack request) {
         if (request.process().end() == null) {
             return;

@@ -23,7 +23,7 @@ final class TraceFile {
     record Point(int tid, long time) {
     }
 
-    /** An empty file for this process, whose times count from the origin, one of System.nanoTime(). */
+    /** An empty file for this process. `origin` is the zero point of its times, by System.nanoTime(). */
     TraceFile(long pid, long origin) {
         mPid = pid;
         mOrigin = origin;
@@ -34,13 +34,13 @@ final class TraceFile {
         mLanes.computeIfAbsent(slice.tid(), tid -> new ArrayList<>()).add(slice);
     }
 
-    /** Names a lane, and gives it its place: a smaller index is further up. */
+    /** Names and places a lane; a smaller index is further up. */
     void nameLane(int tid, String name, int index) {
         addMetadata("thread_name", tid, "name", name);
         addMetadata("thread_sort_index", tid, "sort_index", index);
     }
 
-    /** Adds an arrow through these points, of which there are two at least, each inside a slice. */
+    /** Adds an arrow through at least two points, each inside a slice. */
     void addArrow(long id, List<Point> points) {
         for (int i = 0; i < points.size(); ++i) {
             boolean isLast = i == points.size() - 1;
@@ -56,13 +56,13 @@ final class TraceFile {
         }
     }
 
-    /** All trace events, to be called once. */
+    /** Returns all trace events. Call it once. */
     List<Map<String, Object>> events() {
         mLanes.values().forEach(this::addLane);
         return mEvents;
     }
 
-    // Viewers show a lane rightly only when its slices nest, so that none may end after the one around it.
+    // Viewers need nested slices in a lane: none may end after the enclosing one.
     private void addLane(List<Slice> slices) {
         Deque<Slice> around = new ArrayDeque<>();
         slices.sort(Comparator.comparingLong(Slice::start)
