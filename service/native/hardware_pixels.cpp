@@ -1,4 +1,4 @@
-// liborlu.recorder.so: the natives of HardwarePixels, over the NDK's functions alone.
+// liborlu.recorder.so: the native methods of HardwarePixels. Uses only NDK functions.
 
 #include <android/hardware_buffer_jni.h>
 #include <jni.h>
@@ -17,7 +17,7 @@ void refuse(JNIEnv* env, const char* reason) {
   if (clazz != nullptr) env->ThrowNew(clazz, reason);
 }
 
-// Returns whether all pages are mapped: a device may put the planes into memories of their own.
+// Returns whether all pages are mapped: a device may place the planes in separate memories.
 bool isMapped(const void* start, uint64_t size) {
   const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
   const uintptr_t offset = reinterpret_cast<uintptr_t>(start) % page;
@@ -25,7 +25,7 @@ bool isMapped(const void* start, uint64_t size) {
   return msync(first, static_cast<size_t>(size) + offset, MS_ASYNC) == 0;
 }
 
-// Returns the pixels of a locked buffer as a direct buffer; null, with an exception, if that is impossible.
+// Returns the pixels of a locked buffer as a direct buffer; null, with an exception pending, on failure.
 jobject pixelsOf(JNIEnv* env, AHardwareBuffer* buffer, const AHardwareBuffer_Planes& planes) {
   AHardwareBuffer_Desc desc = {};
   AHardwareBuffer_describe(buffer, &desc);
@@ -42,8 +42,8 @@ jobject pixelsOf(JNIEnv* env, AHardwareBuffer* buffer, const AHardwareBuffer_Pla
 
 }  // namespace
 
-// Locks the buffer for reading and keeps it alive until nUnlock(). Returns its pixels, and in locked[0] what
-// nUnlock() takes. Throws IllegalStateException, with nothing locked, if the pixels can't be read.
+// Locks the buffer for reading and keeps it alive until nUnlock(). Returns its pixels, and in locked[0] the
+// argument of nUnlock(). On failure throws IllegalStateException and leaves nothing locked.
 extern "C" JNIEXPORT jobject JNICALL Java_com_orlu_orlu3rdalgoservice_record_HardwarePixels_nLock(
     JNIEnv* env, jclass, jobject hardwareBuffer, jlongArray locked) {
   AHardwareBuffer* const buffer =

@@ -1,4 +1,4 @@
-// The bytes of a hardware buffer's pixels that is locked for reading.
+// Computes the extent of the pixels of a hardware buffer that is locked for reading.
 #pragma once
 
 #include <android/hardware_buffer.h>
@@ -18,11 +18,11 @@ constexpr uint32_t kFormatYcbcrP010 = 0x36;
 constexpr uint32_t kFormatYv12 = 0x32315659;
 
 constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
-// Rows that a device may leave unused between luma and chroma, to align them.
+// The most unused rows between luma and chroma, which a device may insert for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
-// Returns the bytes of a row, with its padding; 0 if they are unknown. The platform leaves the stride of many
-// formats 0.
+// Returns the bytes of a row with its padding; 0 if unknown. The platform leaves the stride of many formats
+// 0.
 inline uint64_t rowBytes(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Plane& plane) {
   if (plane.rowStride != 0) return plane.rowStride;
   switch (desc.format) {
@@ -44,14 +44,14 @@ inline bool is420(uint32_t format) {
 }
 
 // Returns the bytes from the first plane's start to the end of the last row of all planes, padding included;
-// 0 if the layout is unknown, or if the planes are not one after the other in one memory.
+// 0 if the layout is unknown or the planes are not contiguous.
 inline uint64_t pixelExtent(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Planes& planes) {
   const auto start = [&](int i) { return uint64_t{reinterpret_cast<uintptr_t>(planes.planes[i].data)}; };
   if (planes.planeCount == 0 || start(0) == 0) return 0;
   const uint64_t row = rowBytes(desc, planes.planes[0]);
   uint64_t bytes = row * desc.height;
   if (planes.planeCount == 3 && is420(desc.format)) {
-    // The two chroma planes may share their rows, a sample of one after a sample of the other.
+    // The two chroma planes may be interleaved, sample by sample.
     const uint64_t first = std::min(start(1), start(2));
     const uint64_t second = std::max(start(1), start(2));
     const bool isShared = second - first < planes.planes[1].pixelStride;
