@@ -7,7 +7,7 @@ import java.util.Arrays;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Writes down what the native side reports while it listens. */
+/** Records what the native side reports while it listens. */
 public final class CallbackRecorder implements CallbackListener {
     private final StringBuilder mReports = new StringBuilder();
     private boolean mThrows;
@@ -38,7 +38,7 @@ public final class CallbackRecorder implements CallbackListener {
         return mReports.toString();
     }
 
-    /** From now on reports are answered by an exception, or no more. */
+    /** Sets whether further reports are answered by an exception. */
     public synchronized void setThrows(boolean isThrowing) {
         mThrows = isThrowing;
     }

@@ -3,7 +3,7 @@ package com.orlu.test;
 import android.hardware.camera2.CaptureResult;
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 
-/** A composition that throws, whatever is asked of it. */
+/** A composition whose methods all throw. */
 public final class ThrowingComposition extends CaptureResultComposition {
     @Override
     public Object getMetadata(String key) {

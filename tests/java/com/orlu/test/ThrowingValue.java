@@ -1,6 +1,6 @@
 package com.orlu.test;
 
-/** A value of metadata whose text can't be had. */
+/** A metadata value whose toString() throws. */
 public final class ThrowingValue {
     private final String mWhat;
 

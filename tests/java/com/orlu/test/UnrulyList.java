@@ -2,7 +2,7 @@ package com.orlu.test;
 
 import java.util.AbstractList;
 
-/** A list that claims any size, and throws where it is told to. */
+/** A list that claims any size, and throws on request. */
 public final class UnrulyList extends AbstractList<Object> {
     private final int mSize;
     private final boolean mSizeThrows;

@@ -11,7 +11,7 @@ import java.io.PrintStream;
 
 import org.junit.Test;
 
-/** How values of two runs are compared, and the lines that say so. */
+/** Tests the comparison of values of two runs, and the lines that report it. */
 public final class ValuesTest {
     private static Json json(String text) throws MistakeException {
         return text == null ? null : Json.parse("f", 1, text);
@@ -45,7 +45,7 @@ public final class ValuesTest {
             {"a".repeat(35), "b".repeat(35), "0", "1", "a".repeat(35) + " / " + "b".repeat(35)},
             {"a".repeat(36), "b".repeat(35), "0", "1", "a".repeat(35) + "... / " + "b".repeat(35)},
             {begin + "x", begin.replace("100,", "200,") + "x", "\"\"", "\"\"", "ISO 100 / ISO 200"},
-            // A comma within brackets parts no fields.
+            // A comma within brackets does not separate fields.
             {begin + "x", begin.replace("(1, 2)", "(1, 3)") + "x", "\"\"", "\"\"",
                 "location (1, 2) / location (1, 3)"},
             {many, many.replace("1", "2"), "\"\"", "\"\"",
@@ -60,7 +60,8 @@ public final class ValuesTest {
     @Test
     public void wrapsLines() {
         String word = "x".repeat(54);
-        // A line of 110 columns stays whole; the word that passes it goes below, and a longer one is not cut.
+        // A line of 110 columns is not wrapped; a word that exceeds it moves to the next line, and a longer
+        // word is not cut.
         String[][] rows = {
             {word + " " + word, "  " + word + "\n      " + word + "\n"},
             {word + " " + "y".repeat(53), "  " + word + " " + "y".repeat(53) + "\n"},

@@ -10,21 +10,21 @@ import org.junit.Test;
 
 import java.util.Arrays;
 
-/** What is said of two images whose bytes differ. */
+/** Tests the differences reported for two images with different bytes. */
 public final class ImageDifferenceTest {
-    /** Any PSNR that is larger counts as this. */
+    /** Any larger PSNR counts as this. */
     private static final double MOST = 100;
-    // Format, width, height, stride, bytes, the byte that is changed, by how much; first row, most, PSNR.
+    // Format, width, height, stride, bytes, the changed byte, the change; first row, most, PSNR.
     private static final Object[][] ROWS = {
         {"NV21", 4, 4, 4, 24, 9, 3, 2, 3, 50.6},
         {"NV21", 4, 4, 4, 24, 15, 100, 3, 100, 20.2},
         {"NV21", 4, 4, 6, 36, 4, 9, -1, 0, MOST},
-        // Chroma: it changes two rows, and no luma but by what is rounded.
+        // Chroma changes two rows; luma changes only by rounding.
         {"NV21", 4, 4, 4, 24, 20, 10, 2, 15, MOST},
         {"YV12", 4, 4, 4, 24, 22, 10, 2, 18, MOST},
         {"R8G8B8A8", 2, 2, 8, 16, 13, 51, 1, 51, 24.6},
         {"R8G8B8A8", 2, 2, 8, 16, 7, 51, -1, 0, MOST},
-        // The samples have so many bits as the largest needs, eight at least.
+        // The bit depth is that of the largest sample, but at least eight.
         {"RAW16", 2, 2, 4, 8, 7, 1, 1, 128, 12.0},
         {"RAW16", 2, 2, 4, 8, 0, 17, 0, 17, 29.5},
         {"MIPI_RAW10", 4, 2, 5, 10, 9, 3, 1, 3, 47.7},
@@ -63,7 +63,7 @@ public final class ImageDifferenceTest {
         Object[][] rows = {
             {"NV99", 4, 4, 4, 24}, {"NV21", 4, 4, 4, 23}, {"NV21", 0, 4, 4, 24}, {"NV21", 4, 0, 4, 24},
             {"JPEG", 4, 4, 4, 24}, {"MIPI_RAW10", 8, 2, 10, 19}, {"RAW16", 2, 2, 4, 7},
-            // Rows that are shorter than their pixels, and sizes whose product is no int.
+            // Rows that are shorter than their pixels, and sizes whose product overflows an int.
             {"NV21", 6, 4, 4, 24}, {"R8G8B8A8", 2, 2, 4, 8}, {"RAW16", 1 << 16, 1 << 16, 1 << 17, 8},
             {"R8G8B8A8", 1 << 14, 1 << 16, 1 << 16, 8},
         };
@@ -72,7 +72,7 @@ public final class ImageDifferenceTest {
             assertNull(Arrays.toString(row), ImageDifference.of((String) row[0], (int) row[1],
                     (int) row[2], (int) row[3], bytes, bytes));
         }
-        // Of an odd size the last chroma pair is cut: it is read as far as the memory goes, or not at all.
+        // With an odd size the last chroma pair is cut: it is read if the memory has it, or not at all.
         for (int height = 3; height < 6; ++height) {
             byte[] bytes = new byte[5 * height + 5 * height / 2];
             ImageDifference.of("NV21", 5, height, 5, bytes, bytes);

@@ -7,7 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import org.junit.Test;
 
-/** Which descriptions that an algorithm library leaves are not read by. */
+/** Tests which descriptions from an algorithm library are rejected. */
 public final class OutputReaderTest {
     @Test
     public void refusesRowsThatHoldNoPixels() {

@@ -16,9 +16,9 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.Random;
 
-/** Where each sample of a picture lies in the memory of each format, and what is computed of the samples. */
+/** Tests the place of each sample in each format's memory, and computations on samples. */
 public final class PixelsTest {
-    /** What the memory holds before: no format has it as a value of these pictures. */
+    /** The initial content of the memory; never a value of these pictures. */
     private static final byte UNTOUCHED = (byte) 0xEE;
 
     private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
@@ -130,13 +130,13 @@ public final class PixelsTest {
                     HexFormat.of().formatHex(to.array()));
             assertArrayEquals(row[0].toString(), samples, PixelReader.readMosaic(plan, to).samples());
         }
-        // Samples of 8 bits are the upper ones of ten.
+        // Samples of 8 bits are the upper bits of ten.
         ImagePlan narrow = plan(PixelFormat.MIPI_RAW10, 4, 1, 0, 8);
         ByteBuffer to = memory(5);
         new Mosaic(4, 1, 8, new int[] {255, 1, 128, 2}).copyTo(PixelWriter.samples(narrow, to));
         assertArrayEquals(new byte[] {(byte) 255, 1, (byte) 128, 2, 0}, to.array());
         assertArrayEquals(new int[] {255, 1, 128, 2}, PixelReader.readMosaic(narrow, to).samples());
-        // A row that is written once more keeps nothing of the lower bits before.
+        // Writing a row again replaces all of its lower bits.
         Arrays.fill(to.array(), (byte) 255);
         new Mosaic(4, 1, 10, new int[4]).copyTo(PixelWriter.samples(plan(narrow.format(), 4, 1, 0, 10), to));
         assertArrayEquals(new byte[5], to.array());
@@ -152,7 +152,7 @@ public final class PixelsTest {
         assertArrayEquals("RGGB", new int[] {205, 409, 409, 818}, mosaic.samples());
         assertEquals(1023, mosaic.white());
         assertEquals("3366cc 3366cc; 3366cc 3366cc", text(new Demosaic(mosaic)));
-        // What a sample lacks is the mean around it; a mosaic of one row has no blue.
+        // A missing colour is the mean of its neighbours; a mosaic of one row has no blue.
         assertEquals("ff1400 aa1400 551400",
                 text(new Demosaic(new Mosaic(3, 1, 8, new int[] {255, 20, 85}))));
     }
@@ -184,7 +184,7 @@ public final class PixelsTest {
         Picture point = new Picture(9, 9);
         point.set(4, 4, 200, 100, 50);
         Picture blurred = point.blurred(1);
-        // 0.399 * 0.399 of the value stays; as much goes to the left as to the right, and up as down.
+        // 0.399 * 0.399 of the value stays; the blur is symmetric.
         assertEquals("201008", text(blurred.crop(4, 4, 1, 1)));
         assertEquals(text(blurred.crop(3, 4, 1, 1)), text(blurred.crop(5, 4, 1, 1)));
         assertEquals(text(blurred.crop(4, 2, 1, 1)), text(blurred.crop(4, 6, 1, 1)));
@@ -221,7 +221,7 @@ public final class PixelsTest {
 
     @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
-        // Rows of random dots, each moved by 5 pixels against the one above; wider than a page shows.
+        // Rows of random dots, each shifted by 5 pixels against the one above; wider than a page shows.
         Random random = new Random(3);
         float[] dots = new float[4200 + 5 * 901];
         for (int i = 0; i < dots.length; ++i) {

@@ -7,7 +7,7 @@ import org.junit.Test;
 import java.nio.file.Path;
 import java.util.List;
 
-/** What a frame gets of one entry of a dump, and which values are damaged. */
+/** Tests the tags that a dump's entry becomes, and which values count as damaged. */
 public final class DumpReaderTest {
     @Test
     public void takesAnEntryOrSaysWhyNot() {

@@ -15,7 +15,7 @@ import java.math.BigDecimal;
 import java.util.Arrays;
 import java.util.List;
 
-/** Values at their bounds, the places of mistakes, and what a writer makes of Java's values. */
+/** Tests values at their bounds, the places of mistakes, and the writer. */
 public final class JsonTest {
     private static final String TEXT = """
             {"list": [1, 2.0, "x", null, {"deep": [true]}], "odd name": {"a\\u0007": 1e400},
@@ -78,7 +78,7 @@ public final class JsonTest {
         assertNull(problem("[\"" + "x".repeat(1 << 20) + "\"]"));
         String number = problem("[" + "1".repeat(1 << 20) + "]");
         assertTrue(number, number.startsWith("f:1:1: not JSON: "));
-        // Names of one hash are no attack.
+        // Names with the same hash must not cause a failure.
         StringBuilder names = new StringBuilder("{");
         for (int i = 0; i < 1 << 14; ++i) {
             names.append('"');

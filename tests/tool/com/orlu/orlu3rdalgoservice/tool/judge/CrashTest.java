@@ -12,7 +12,7 @@ import java.util.List;
 
 import org.junit.Test;
 
-/** Who is said to have ended the process, by its events, its exit status and the VM's report. */
+/** Tests who is blamed for a dead process, by its events, exit status and the VM's report. */
 public final class CrashTest {
     private static final String LOAD = "begin 1 load 'path': '/a.so'\nend 1 load\n";
 
@@ -69,7 +69,7 @@ public final class CrashTest {
             {LOAD + "begin 2 createClient", Verdict.UNUSABLE}, {LOAD + "begin 2 init", Verdict.UNUSABLE},
             {LOAD + "begin 2 process", Verdict.FAILED}, {LOAD + "begin 2 destroy", Verdict.FAILED},
             {LOAD, Verdict.FAILED},
-            // What was called last within another operation counts.
+            // The innermost operation counts.
             {LOAD + "begin 2 init\nbegin 3 setValue", Verdict.FAILED},
         };
         for (Object[] row : rows) {

@@ -15,7 +15,7 @@ import java.util.HexFormat;
 
 import org.junit.Test;
 
-/** Which bytes of an image stay when an area is cut out, and how the smaller image is described. */
+/** Tests the bytes and the description of a cropped image. */
 public final class ImageCropTest {
     private static ImageLayout image(
             String format, int width, int height, String strides, String sizes, int size) {
@@ -36,7 +36,7 @@ public final class ImageCropTest {
         }
     }
 
-    /** Bytes that are their own offsets. */
+    /** Returns bytes that equal their offsets. */
     private static byte[] offsets(int size) {
         byte[] bytes = new byte[size];
         for (int i = 0; i < size; ++i) {
@@ -45,8 +45,8 @@ public final class ImageCropTest {
         return bytes;
     }
 
-    // Format; strides, plane sizes and bytes before; the area; strides and plane sizes after, and the bytes.
-    // All are eight pixels wide and four high, and padding is 00.
+    // Format; strides, plane sizes and bytes before; the area; strides, plane sizes and bytes after. All
+    // images are 8x4, and padding is 00.
     private static final Object[][] ROWS = {
         {"R8G8B8A8", "[32]", "[128]", 128, "4,0,4,2", "[16]", "[32]",
             "101112131415161718191a1b1c1d1e1f 303132333435363738393a3b3c3d3e3f"},
@@ -57,12 +57,12 @@ public final class ImageCropTest {
         {"YU12", "[8,4]", "[32,16]", 48, "4,0,4,2", "[4,2]", "[8,4]", "04050607 0c0d0e0f 2223 2a2b"},
         {"YV12", "[10,5]", "[40,20]", 60, "4,2,4,2", "[6,3]", "[12,6]",
             "18191a1b0000 222324250000 2f3000 393a00"},
-        // Rows and bytes of padding behind the luma, the chroma and the whole.
+        // Rows and bytes of padding after the luma, the chroma and everything.
         {"NV21", "[8,8]", "[40,20]", 64, "4,2,4,2", "[4,4]", "[16,8]",
             "14151617 1c1d1e1f 0000000000000000 34353637 00000000 00000000"},
-        // A description that names one stride alone: planar chroma has half of it.
+        // With only one stride given, that of planar chroma is half of it.
         {"YU12", "[8]", "[32]", 48, "4,2,4,2", "[4]", "[8]", "14151617 1c1d1e1f 2627 2e2f"},
-        // The last row ends with its pixels.
+        // The last row lacks its padding.
         {"RAW16", "[20]", "[76]", 76, "0,2,4,2", "[12]", "[20]", "28292a2b2c2d2e2f00000000 3c3d3e3f40414243"},
     };
 
@@ -88,7 +88,7 @@ public final class ImageCropTest {
     @Test
     public void describesBuffers() {
         Object[][] rows = {
-            // A buffer of bytes has its size as its width; another is as much smaller as the image.
+            // The width of a byte buffer is its size; other buffers shrink like the image.
             {128, 1, "32x1"}, {10, 4, "6x2"}, {8, 6, "4x4"},
         };
         for (Object[] row : rows) {
@@ -123,7 +123,7 @@ public final class ImageCropTest {
 
     @Test
     public void placesAreas() {
-        // What is given, the image's size, and the area in it; its end behind "!" is what is wrong.
+        // The argument, the image's size, and the area in it; after "!", the end of the error message.
         String[][] rows = {
             {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
             {"8,6", "8x6", "8x6 from 0,0"},

@@ -7,7 +7,7 @@ import org.junit.Test;
 
 import java.util.HexFormat;
 
-/** What becomes of the blocks of a JPEG, in hexadecimal. 41 is a byte that must not stay. */
+/** Tests the blocks of a JPEG, in hexadecimal. 41 is a byte that must be removed. */
 public final class JpegBlocksTest {
     private static final String JFIF = "4a46494600 0101 00 0001 0001";
     private static final String TABLE = "ffdb 0004 0102";

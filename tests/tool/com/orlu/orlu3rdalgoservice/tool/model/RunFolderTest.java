@@ -9,7 +9,7 @@ import org.junit.Rule;
 import org.junit.Test;
 import org.junit.rules.TemporaryFolder;
 
-/** How far a file of events is read in which bits were turned over. */
+/** Tests how far a file of events with flipped bits is read. */
 public final class RunFolderTest {
     private static final String WHOLE =
             "{\"event\":\"end\",\"n\":3,\"op\":\"createClient\",\"result\":\"0x7f\"}\n";

@@ -15,7 +15,7 @@ import java.lang.reflect.Array;
 import java.util.HexFormat;
 import java.util.StringJoiner;
 
-/** Which Java object a value with its type becomes, at its bounds and behind them. */
+/** Tests which Java object a typed value becomes, at and beyond its bounds. */
 public final class TypedValueTest {
     private static String text(Object value) {
         if (value instanceof byte[] bytes) {
@@ -45,7 +45,7 @@ public final class TypedValueTest {
                 ? "%d,%d,%d,%d".formatted(rect.left, rect.top, rect.right, rect.bottom) : "" + value;
     }
 
-    // The rows leave the quotes of names out.
+    // The rows omit the quotes of names.
     private static String quoted(String json) {
         return json.replace('\'', '"').replaceAll("([{ ])([a-z0-9]+):", "$1\"$2\":");
     }
@@ -90,7 +90,7 @@ public final class TypedValueTest {
             {"{int: 1, long: 1}", "refused"}, {"{word: 1}", "refused"}, {"5", "refused"},
             {"{rect: [1, 2, 3, 4]}", "Rect 1,2,3,4"},
             {"{rect: {left: 1, top: 2, right: 3, bottom: 4}}", "Rect 1,2,3,4"},
-            // A face that names no score is a sure one, an area without weight counts most.
+            // A face without a score is certain, an area without a weight has the highest.
             {"{faces: [[1, 2, 3, 4], {left: 1, top: 2, right: 3, bottom: 4, score: 7}]}",
                 "Face[] 1,2,3,4/100 1,2,3,4/7"},
             {"{faces: [{left: 1, top: 2, right: 3, bottom: 4, score: 101}]}", "refused"},

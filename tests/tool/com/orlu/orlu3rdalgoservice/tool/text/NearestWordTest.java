@@ -6,7 +6,7 @@ import org.junit.Test;
 
 import java.util.List;
 
-/** Which known word a mistyped one is met with. */
+/** Tests the suggestion for a mistyped word. */
 public final class NearestWordTest {
     private static final List<String> WORDS = List.of("inputs", "outputs", "frames", "fullAsync", "id",
             "android.sensor.timestamp", "android.sensor.exposureTime", "orlu.control.currentModeEx", "bits");
@@ -14,13 +14,13 @@ public final class NearestWordTest {
     @Test
     public void meetsMistypedWords() {
         String[][] rows = {
-            // Left out, put in, changed, swapped; capitals count for nothing.
+            // Letters omitted, inserted, changed, swapped; case is ignored.
             {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
             {"FRAMES", "frames"}, {"fullasync", "fullAsync"}, {"farmes", "frames"}, {"Ipnuts", "inputs"},
             // A third of the letters may be wrong, but none of two.
             {"frxxes", "frames"}, {"fxxxes", null}, {"ix", null}, {"ID", "id"}, {"bist", "bits"},
             {"btsi", null},
-            // The beginning of a word, of three letters at least.
+            // The prefix of a word, at least three letters.
             {"ful", "fullAsync"}, {"fu", null}, {"outp", "outputs"},
             // A tag without its section, or with another.
             {"timestamp", "android.sensor.timestamp"}, {"timestmap", "android.sensor.timestamp"},

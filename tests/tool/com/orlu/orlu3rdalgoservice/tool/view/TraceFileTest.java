@@ -8,7 +8,7 @@ import java.util.stream.Collectors;
 
 import org.junit.Test;
 
-/** The order and the bounds of slices in a trace file, and its arrows. */
+/** Tests the order and the bounds of slices in a trace file, and its arrows. */
 public final class TraceFileTest {
     private static String text(Map<String, Object> event) {
         String phase = (String) event.get("ph");
@@ -27,7 +27,7 @@ public final class TraceFileTest {
 
     @Test
     public void nestsSlices() {
-        // "name start end" of slices in one lane, and the lane as it is written; times from 1000 on.
+        // "name start end" of slices in one lane, and the written lane; times start at 1000.
         String[][] rows = {
             {"a 1000 3500", "X a 7 0.0+2.5"},
             {"b 2000 3000, a 1000 4000", "X a 7 0.0+3.0; X b 7 1.0+1.0"},
