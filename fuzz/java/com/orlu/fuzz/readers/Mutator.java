@@ -78,6 +78,10 @@ final class Mutator {
     // Changes, removes, repeats or moves a line.
     private String line(String text, boolean isJson) {
         List<String> lines = new ArrayList<>(Arrays.asList(text.split("\n")));
+        if (lines.isEmpty()) {
+            // The text has line ends alone.
+            lines.add("");
+        }
         int at = mChance.nextInt(lines.size());
         switch (mChance.nextInt(10)) {
             case 0 -> lines.remove(at);
