@@ -379,9 +379,11 @@ TEST(RealLibrary, IsBesideTheProbe) {
   AlgoInterfaceCallbacks table;
   entry(&table);
   EXPECT_TRUE(callableNames(table, true).empty());
+  // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread
   setenv("ORLU_ALGO_LIBRARY", (build + "/planted/planted_algo.so").c_str(), 1);
   entry(&table);
   unsetenv("ORLU_ALGO_LIBRARY");
+  // NOLINTEND(concurrency-mt-unsafe)
   EXPECT_TRUE(callableNames(table, false).empty());
   std::filesystem::remove_all(folder);
 }
