@@ -176,6 +176,7 @@ PRIVATE = {
     "my.log": ("text", "/home/anna/log"),
     "my.blob": ("text", {"bytes": b"\0\1/home/anna/calibration\0".hex()}),
     "my.wide": ("text", {"bytes": "/home/anna".encode("utf-16-le").hex()}),
+    "my.long": ("text", {"bytes": "41" * 30000}),  # takes no stack for each letter
 }
 SECRETS = ("48.137", "1700000", "R58ABC", "424242", "anna", "Anna", b"anna".hex(),
            "anna".encode("utf-16-le").hex(), "about someone", "Linux", "Exif")

@@ -5,7 +5,9 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
+import java.util.HexFormat;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -35,9 +37,11 @@ public final class PrivateFacts {
             + "|device_?(id|name)|water_?mark");
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
-    /** The shortest run of characters in bytes that counts as text, in one or two bytes each. */
-    private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,}");
-    private static final Pattern HEXADECIMAL = Pattern.compile("([0-9a-fA-F]{2})*");
+    /**
+     * A run of characters in bytes that counts as text, in one or two bytes each. Bounded, because matching
+     * takes stack for each character: 41 are too long for a plain text already.
+     */
+    private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,41}");
 
     private final boolean mKeepsFaces;
     private final Map<String, Integer> mFound = new LinkedHashMap<>();
@@ -225,12 +229,13 @@ public final class PrivateFacts {
         return isKept;
     }
 
+    // A character for each byte; "" for a text that is not hexadecimal.
     private static String ofHexadecimal(String text) {
-        StringBuilder bytes = new StringBuilder();
-        for (int i = 0; HEXADECIMAL.matcher(text).matches() && i < text.length(); i += 2) {
-            bytes.append((char) Integer.parseInt(text, i, i + 2, 16));
+        try {
+            return new String(HexFormat.of().parseHex(text), StandardCharsets.ISO_8859_1);
+        } catch (IllegalArgumentException e) {
+            return "";
         }
-        return bytes.toString();
     }
 
     /**
