@@ -110,6 +110,8 @@ def check_sweep(folder):
         jsonschema.validate(report, SCHEMA)
         return result.returncode, report["results"], [line.split() for line in result.stdout.splitlines()]
 
+    _, runs, _ = sweep("shots/a.json", "--tag", "orlu.control.frameFlag=0:1234567891:2")
+    expect("large ends", "1234567891", runs[-1]["tags"]["orlu.control.frameFlag"])
     status, runs, lines = sweep("shots/a.json", "--jobs", "2", "--tag", "android.jpeg.orientation=0:180:3")
     expect("a range", (0, ["0", "90", "180"]),
            (status, [each["tags"]["android.jpeg.orientation"] for each in runs]))

@@ -18,6 +18,7 @@ import java.util.stream.IntStream;
  */
 record SweptTag(String name, List<String> values) {
     private static final int MOST = 1000;
+    private static final int LEAST_DIGITS = 7;
     private static final String NUMBER = "([-+]?[0-9.]+(?:[eE][-+]?[0-9]+)?)";
     private static final Pattern RANGE = Pattern.compile(NUMBER + ":" + NUMBER + ":([0-9]{1,9})");
 
@@ -47,11 +48,14 @@ record SweptTag(String name, List<String> values) {
         try {
             BigDecimal from = new BigDecimal(range.group(1));
             BigDecimal length = new BigDecimal(range.group(2)).subtract(from);
+            // Whole numbers stay exact.
+            MathContext digits =
+                    new MathContext(Math.max(LEAST_DIGITS, length.precision() - length.scale()));
             return IntStream.range(0, steps)
                     .mapToObj(step
                             -> from.add(length.multiply(BigDecimal.valueOf(step))
                                                    .divide(BigDecimal.valueOf(steps - 1L),
-                                                           MathContext.DECIMAL32))
+                                                           digits))
                                        .stripTrailingZeros()
                                        .toPlainString())
                     .toList();
