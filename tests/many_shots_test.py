@@ -97,6 +97,8 @@ def check_compare(folder):
     expect("an output that differs", (1, True), (status, low < 60))
     expect("--fail-below", [0, 1], [compare("--fail-below", str(limit), "colours.json",
                                             planted_fault="black")[0] for limit in (low - 1, low + 1)])
+    _, pairs = compare("--fail-below", "10", "shots/c.json", planted_fault="aborts:process")
+    expect("no outputs of B", "the outputs can't be compared", pairs[0]["verdict"]["reasons"][-1])
     refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib",
             planted, "shots")
     refused(folder, "compare needs --lib twice, found 1", "compare", "--lib", planted, "shots")

@@ -149,7 +149,8 @@ final class CompareCommand implements Subcommand {
         if (mLeastPsnr == null) {
             reasons.addAll(differences);
         } else if (!(outputs.psnr() >= mLeastPsnr)) {
-            reasons.add("PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
+            reasons.add(Double.isNaN(outputs.psnr()) ? "the outputs can't be compared"
+                    : "PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
         }
         return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
                 one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(),
