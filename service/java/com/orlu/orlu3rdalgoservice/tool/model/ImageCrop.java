@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
 
 /**
@@ -93,8 +94,9 @@ final class ImageCrop {
                 end = chroma + sizes[1];
             }
         }
-        checkMemory(name);
-        describe(newStrides, newSizes, newEnd + Math.max(0, mSize - end));
+        int newSize = newEnd + Math.max(0, mSize - end);
+        checkMemory(name, newSizes, newSize);
+        describe(newStrides, newSizes, newSize);
     }
 
     private int cut(int stride, int plane) {
@@ -111,14 +113,21 @@ final class ImageCrop {
         return mPlanes.get(mPlanes.size() - 1).end();
     }
 
-    // The last row may lack its padding.
-    private void checkMemory(String name) {
+    // The last row may lack its padding, and plane sizes may be less than the rows'.
+    private void checkMemory(String name, int[] newSizes, int newSize) {
+        boolean isLess = Arrays.stream(newSizes).anyMatch(size -> size < 0);
         for (Plane plane : mPlanes) {
-            int last = plane.at() + plane.stride() * (plane.firstRow() + plane.newRows() - 1)
+            long last = plane.at() + (long) plane.stride() * (plane.firstRow() + plane.newRows() - 1)
                     + plane.firstByte() + plane.bytes();
-            if (mImage.file() != null && last > mSize || plane.newStride() < plane.bytes()) {
+            long newLast = plane.newAt() + (long) plane.newStride() * (plane.newRows() - 1) + plane.bytes();
+            boolean hasFile = mImage.file() != null;
+            if (hasFile && last > mSize || plane.newStride() < plane.bytes()) {
                 throw new IllegalArgumentException(
                         "--crop: " + name + " has " + mSize + " bytes, fewer than its rows");
+            }
+            if (isLess || hasFile && (plane.at() < 0 || plane.newAt() < 0 || newLast > newSize)) {
+                throw new IllegalArgumentException("--crop: " + name + " has planes of "
+                        + Arrays.toString(mImage.planeSizes()) + " bytes, fewer than their rows");
             }
         }
     }

@@ -107,6 +107,10 @@ public final class ImageCropTest {
             {image("RAW16", 8, 4, "[15]", "[64]", 64), "--crop: it has rows of 15 bytes"},
             {image("RAW16", 8, 4, "[16]", "[56]", 55), "--crop: it has 55 bytes, fewer than its rows"},
             {image("NV21", 8, 4, "[8,8]", "[32,16]", 47), "--crop: it has 47 bytes, fewer than its rows"},
+            {image("NV21", 8, 4, "[8,8]", "[16]", 48),
+                    "--crop: it has planes of [16] bytes, fewer than their rows"},
+            {image("NV21", 8, 4, "[8,8]", "[32,1]", 48),
+                    "--crop: it has planes of [32, 1] bytes, fewer than their rows"},
             {image("RAW16", 4, 4, "[8]", "[32]", 32),
                 "--crop: 4x2 from 4,2 does not lie in it, which has 4x4"},
         };
