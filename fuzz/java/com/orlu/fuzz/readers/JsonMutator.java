@@ -19,6 +19,7 @@ import java.util.Random;
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
     private static final int LONG_TEXT = 5000;
+    private static final int LONG_BYTES = 30000;
     private static final int DEEP = 2000;
     private static final int MOST_COPIES = 1500;
     /** Values of each kind, at the edges of what readers accept and beyond. */
@@ -28,8 +29,9 @@ final class JsonMutator {
             "NaN", "\"NaN\"", "\"-Infinity\"", "[]", "{}", "[null]", "[1,2,3,4]", "{\"text\":null}",
             "{\"long\":1}", "{\"strings\":[null]}", "{\"rect\":[1,2,3]}", "{\"class\":\"x\",\"text\":\"y\"}",
             "{\"first\":1,\"step\":1e300}", "{\"fill\":1,\"count\":999999999}", "{\"fill\":1.5,\"count\":-1}",
-            "\"\"", "\"null\"", "\"x\"", "\"" + "x".repeat(LONG_TEXT) + "\"", "[".repeat(DEEP),
-            "[".repeat(65) + "]".repeat(65), "\"\\ud800\"", "\"a\\u0000b\"", "\"\\u001b[2J\"", "\"\\r\\n\"",
+            "\"\"", "\"null\"", "\"x\"", "\"" + "x".repeat(LONG_TEXT) + "\"",
+            "{\"bytes\":\"" + "41".repeat(LONG_BYTES) + "\"}", "[".repeat(DEEP), "[".repeat(65)
+            + "]".repeat(65), "\"\\ud800\"", "\"a\\u0000b\"", "\"\\u001b[2J\"", "\"\\r\\n\"",
             "\"\\u009b\\u202e\"", "\"\u202e\u0085\u2028\"", "\"NV21\"", "\"JPEG\"", "\"hardware\"");
 
     private final Random mChance;
