@@ -142,7 +142,8 @@ public final class RequestChecker {
         }
     }
 
-    static String counted(long count, String what) {
+    /** "1 file", "2 files". */
+    public static String counted(long count, String what) {
         return count + " " + what + (count == 1 ? "" : "s");
     }
 }

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
 import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
@@ -97,7 +98,8 @@ final class CompareCommand implements Subcommand {
                 List.of("request", "A / B", "PSNR", "SSIM", "A, ms", "B, ms", "differences"));
         ContactSheet sheet =
                 new ContactSheet("%s (A) and %s (B)".formatted(mLibraries.get(0), mLibraries.get(1)),
-                        plural(pairs.size()) + ", the worst first", List.of("A", "B", "difference"));
+                        RequestChecker.counted(pairs.size(), "request") + ", the worst first",
+                        List.of("A", "B", "difference"));
         for (Pair pair : pairs) {
             results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
                     JsonWriter.object("status", pair.status(), "psnr", pair.outputs().psnr(), "ssim",
@@ -110,10 +112,6 @@ final class CompareCommand implements Subcommand {
             sheet.add(pair.name(), pair.verdict(), pair.lines(), pair.cells());
         }
         return mMany.finish(results, table, sheet);
-    }
-
-    private static String plural(int requests) {
-        return requests == 1 ? "1 request" : requests + " requests";
     }
 
     private void check() throws IOException {
