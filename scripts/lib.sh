@@ -36,7 +36,7 @@ readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
 # die TEXT...: one line on standard error, and the end.
 die() {
-  echo "${0##*/}: $*" >&2
+  echo "${0##*/}: error: $*" >&2
   exit 1
 }
 

@@ -27,7 +27,7 @@ readonly record_property=persist.vendor.orlu.record
 readonly events_property=persist.vendor.orlu.events
 
 die() {
-  echo "phone.sh: $*" >&2
+  echo "phone.sh: error: $*" >&2
   exit 2
 }
 

@@ -13,7 +13,7 @@ missing."
 
 # refuse TEXT: as the other subcommands refuse a command line.
 refuse() {
-  echo "run: $1" >&2
+  echo "run: error: $1" >&2
   exit 2
 }
 
@@ -22,11 +22,11 @@ if [ "${1:-}" = --help ]; then
   exit
 fi
 case ${1:-} in -*) refuse "unknown option $1; see ./run sdk --help" ;; esac
-if [ $# -ne 1 ] || [ -z "$1" ]; then refuse "takes one folder; see ./run sdk --help"; fi
+if [ $# -ne 1 ] || [ -z "$1" ]; then refuse "expected one folder; see ./run sdk --help"; fi
 if [ -e "$1" ] && { [ ! -d "$1" ] || [ -n "$(ls -A "$1")" ]; }; then
   refuse "$1: exists and is not an empty folder"
 fi
-if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't be made or written to"; fi
+if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't create or write to it"; fi
 
 install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
 prepare_arm

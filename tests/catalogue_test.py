@@ -28,7 +28,7 @@ tags orlu.control.motion_level    | 0 | when absent control/motion_level -1
 tags orlu.feedback.TunningMode    | 0 | put back by updateTunningMode (result_updater_raw_algo.cpp)
 tags android.jpeg.quality         | 0 | read by nobody: no function of the library asks for it
 tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
-tags currentModEx                 | 2 | run: no tag has currentModEx in its name (did you mean currentModeEx?)
+tags currentModEx                 | 2 | run: error: no such tag: currentModEx (did you mean currentModeEx?)
 algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; hdr5 added ran
 algorithms jpegEncode             | 0 | removed Of raw input. ; raw-night asked removed
 algorithms beauti                 | 2 | did you mean beauty?
@@ -37,12 +37,12 @@ parameters film_size              | 0 | parameter control/film_size ; type int ;
 parameters control/film_size      | 0 | written by updateDoubleExpo (metadata_updater_double_exposure.cpp)
 parameters orlu_zoom_ratio        | 0 | without tags 0
 parameters zoom/                  | 0 | zoom/sat_crop_regions crop 16 in
-parameters nonsense               | 2 | run: no parameter has nonsense in its name
+parameters nonsense               | 2 | run: error: no such parameter: nonsense
 formats RAW16                     | 0 | code 18 ALGO_IMG_RAW16 ; row W * 2
 formats nv                        | 0 | NV12 2 ALGO_IMG_NV12 ; NV21 1 ALGO_IMG_NV21
 samples night                     | 0 | inputs 7 NV21, shared, stride 640 ; algorithms night, jpegEncode
 samples nigth                     | 2 | did you mean night?
-samples night day                 | 2 | one argument too many: day
+samples night day                 | 2 | unexpected argument day
 """
 
 

@@ -31,9 +31,9 @@ def tag(name, value):
     return request(f'"frames": [{{"captureResult": {{"{name}":\n{value}}}}}]')
 
 
-INT = "needs a whole number from -2147483648 to 2147483647, found"
-FORMATS = "needs one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found"
-MISSING = [f"1:1: needs the field {name}" for name in ("request", "frames", "inputs", "outputs")]
+INT = "expected a whole number from -2147483648 to 2147483647, found"
+FORMATS = "expected one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found"
+MISSING = [f"1:1: missing field {name}" for name in ("request", "frames", "inputs", "outputs")]
 KNOWN = "$schema, about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request"
 # A file's text, and the lines on it, without its name.
 NAME = "was expecting double-quote to start field name"
@@ -70,120 +70,118 @@ SYNTAX = [
     ('{"about": \x1b[2J}', "1:11: not JSON: illegal character ((CTRL-CHAR, code 27)): only regular white "
      "space (\\r, \\n, \\t) is allowed between tokens"),
     ("{} {}", "1:4: not JSON: more text after the end of the value"),
-    (b'{\n"about": "\xff"}', "2:11: needs UTF-8, found an invalid byte"),
-    ("[" * 70 + "]" * 70, "1:66: needs at most 64 levels of objects and lists, found more"),
-    ("[" + "0," * 500_000 + "0]", "1:1000000: needs at most 500000 values, found more"),
-    (b" " * (8 << 20) + b"1", "needs at most 8388608 bytes, found 8388609"),
-    (request(more=f', "about": {LONG}'), "2:26: about: needs a text, found 0",
-     f"2:26: needs a number that some type holds, found {LONG[:60]}..."),
+    (b'{\n"about": "\xff"}', "2:11: expected UTF-8, found an invalid byte"),
+    ("[" * 70 + "]" * 70, "1:66: expected at most 64 levels of nesting, found more"),
+    ("[" + "0," * 500_000 + "0]", "1:1000000: expected at most 500000 values, found more"),
+    (b" " * (8 << 20) + b"1", "expected at most 8388608 bytes, found 8388609"),
+    (request(more=f', "about": {LONG}'), "2:26: about: expected a text, found 0",
+     f"2:26: expected a number that some type holds, found {LONG[:60]}..."),
     (request(more=', "about": "x",\n"about": "y"'),
      '3:1: the field "about" is given twice, first at line 2 column 17'),
 ]
 TIME = 'frames[0].captureResult."android.sensor.exposureTime"'
 FIELDS = [
-    ("5", "1:1: needs an object, found 5"),
+    ("5", "1:1: expected an object, found 5"),
     ("{}", *MISSING),
-    (request(more=', "fullAsync": "yes"'), '2:30: fullAsync: needs true or false, found "yes"'),
-    (request(more=', "photo": "a\\u0000b"'), "2:26: photo: no such photo: a\\u0000b"),
+    (request(more=', "fullAsync": "yes"'), '2:30: fullAsync: expected true or false, found "yes"'),
+    (request(more=', "photo": "a\\u0000b"'), "2:26: photo: no such file: a\\u0000b"),
     (request(more=f', "properties": {{"a": "{92 * "0"}", "b": 1}}'),
-     "2:37: properties.a: needs a name, and a value of at most 91 bytes",
-     "2:138: properties.b: needs a text, found 1"),
+     "2:37: properties.a: expected a name, and a value of at most 91 bytes",
+     "2:138: properties.b: expected a text, found 1"),
     (request('"frames": []', ', "fullAsync": true, "algorithms": []'),
-     "2:28: fullAsync: needs a frame, whose composition says it",
-     "2:48: algorithms: needs a frame, whose composition says it"),
+     "2:28: fullAsync: requires a frame to hold the value",
+     "2:48: algorithms: requires a frame to hold the value"),
     (request('"frames": {"count": 2, "nois": 1, "width": 2, "each": [{"shift": [1, 99]}, 7]}'),
-     "2:11: frames: needs both width and height, or neither",
-     "2:24: frames.nois: unknown field; known here: blur, common, count, each, gain, height, noise, seed, "
-     'shift, width (did you mean noise?)',
-     "2:70: frames.each[0].shift[1]: needs a whole number from -64 to 64, found 99",
-     "2:76: frames.each[1]: needs an object, found 7"),
+     "2:11: frames: expected both width and height, or neither",
+     "2:24: frames.nois: unknown field; expected one of blur, common, count, each, gain, height, noise, "
+     'seed, shift, width (did you mean noise?)',
+     "2:70: frames.each[0].shift[1]: expected a whole number from -64 to 64, found 99",
+     "2:76: frames.each[1]: expected an object, found 7"),
     (request('"frames": {"count": 1, "each": [{}, {}]}'),
      "2:32: frames.each: has 2 frames, more than count"),
     (request(inputs='{"format": "nv21", "memory": "hard", "stride": -1}'),
      f'1:45: inputs.format: {FORMATS} "nv21" (did you mean NV21?)',
-     '1:63: inputs.memory: needs "shared" or "hardware", found "hard" (did you mean hardware?)',
-     "1:81: inputs.stride: needs a whole number from 0 to 65536, found -1",
-     "1:1: needs the field photo: the inputs are made of one"),
+     '1:63: inputs.memory: expected "shared" or "hardware", found "hard" (did you mean hardware?)',
+     "1:81: inputs.stride: expected a whole number from 0 to 65536, found -1",
+     "1:1: missing field photo; the inputs are made from it"),
     (request(outputs='[{"format": "RAW16", "width": 3}, {"bits": 17}]'),
-     "1:79: outputs[0].width: needs an even number, found 3", "1:83: outputs[1]: needs the field format",
-     "1:92: outputs[1].bits: needs a whole number from 8 to 16, found 17"),
+     "1:79: outputs[0].width: expected an even number, found 3", "1:83: outputs[1]: missing field format",
+     "1:92: outputs[1].bits: expected a whole number from 8 to 16, found 17"),
     (tag("android.sensor.exposureTime", '{"first": 1, "stp": 2}'),
-     f"3:1: {TIME}: needs the field step; the tag is LONG (ns)",
-     f'3:14: {TIME}.stp: unknown field; known here: first, step (did you mean step?); the tag is LONG (ns)'),
+     f"3:1: {TIME}: missing field step; the tag is LONG (ns)",
+     f'3:14: {TIME}.stp: unknown field; expected one of first, step (did you mean step?); '
+     'the tag is LONG (ns)'),
     (request(inputs='{"format": "NV21", "stride": 10}', outputs='[{"format": "R8G8B8A8", "stride": 2047}]',
              more=f', "photo": "{PHOTO}"'),
-     "1:63: inputs.stride: needs at least 512 bytes, a row of 512 pixels, found 10",
-     "1:113: outputs[0].stride: needs at least 2048 bytes, a row of 512 pixels, found 2047"),
+     "1:63: inputs.stride: expected at least 512 bytes, a row of 512 pixels, found 10",
+     "1:113: outputs[0].stride: expected at least 2048 bytes, a row of 512 pixels, found 2047"),
     (request('"frames": {"shift": 64, "width": 2, "height": 2}', inputs='{"format": "NV21"}',
              more=f', "photo": "{PHOTO}"'), "2:60: photo: too small for the frames' shifts"),
     (request(inputs='{"format": "NV21"}', more=', "photo": "0.json"'),
-     "2:26: photo: no photo that can be read: 0.json"),
+     "2:26: photo: can't read the photo 0.json"),
     (request(more=', "algoritms": ["night"]'),
-     f"2:17: algoritms: unknown field; known here: {KNOWN} (did you mean algorithms?)"),
+     f"2:17: algoritms: unknown field; expected one of {KNOWN} (did you mean algorithms?)"),
 ]
 TAGS = [
     ("no.such.tag", "1", "no such tag"),
     ("currentModeEx", "1", 'no such tag (did you mean orlu.control.currentModeEx?)'),
     ("orlu.control.curentModeEx", "1", 'no such tag (did you mean orlu.control.currentModeEx?)'),
     ("orlu.feedback.zoom_ratio", "1", 'no such tag (did you mean orlu.control.zoom_ratio?)'),
-    ("android.control.aeMode", '"on"', 'needs a number, found "on"; the tag is INT (code)'),
+    ("android.control.aeMode", '"on"', 'expected a number, found "on"; the tag is INT (code)'),
     ("android.control.aeMode", "2.5", f"{INT} 2.5; the tag is INT (code)"),
     ("android.control.aeMode", str(2**70), f"{INT} {2**70}; the tag is INT (code)"),
     ("android.sensor.exposureTime", f'"{100 * "a"}"',
-     f'needs a number, found "{60 * "a"}..."; the tag is LONG (ns)'),
+     f'expected a number, found "{60 * "a"}..."; the tag is LONG (ns)'),
     ("android.lens.aperture", "1e39",
-     "needs a number that a float holds (up to 3.4028235E38), found 1E39; the tag is FLOAT (f-number)"),
-    ("android.scaler.cropRegion", "[1, 2]", "needs a list of 4, found 2 elements; the tag is RECT (px)"),
+     "expected a number that a float holds (up to 3.4028235E38), found 1E39; the tag is FLOAT (f-number)"),
+    ("android.scaler.cropRegion", "[1, 2]", "expected a list of 4, found 2 elements; the tag is RECT (px)"),
     ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
-     'needs exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
+     'expected exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
      'mean text?); the tag is BYTES (text)'),
 ]
 # Fields of a request, and the lines on it, without the word "warning".
 SHOT = '"frames": [{"captureResult": {'
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
-     '2:32: algorithms[0]: nothing here knows the algorithm "nigth" (did you mean night?)',
-     '2:41: algorithms[1]: nothing here knows the algorithm "nightly", which counts as night since it '
-     'begins so'),
+     '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
+     '2:41: algorithms[1]: unknown algorithm "nightly", which counts as night by its prefix'),
     (request(more=', "properties": {"persist.sys.camera3rd.autotst": "1", "vendor.any": "1"}'),
      '2:65: properties."persist.sys.camera3rd.autotst": this library does not read this property '
      "(did you mean persist.sys.camera3rd.autotest?)"),
     (request('"frames": [{"composition": {"isFulAsync": 1, "orlu.control.camera_id": {"long": 5}}}]'),
-     "2:43: frames[0].composition.isFulAsync: no tag has this name (did you mean isFullAsync?)",
-     '2:72: frames[0].composition."orlu.control.camera_id": needs Integer as the tag, which is INT, found '
+     "2:43: frames[0].composition.isFulAsync: no such tag (did you mean isFullAsync?)",
+     '2:72: frames[0].composition."orlu.control.camera_id": expected Integer as the tag, which is INT, found '
      'Long: '
      "it counts as absent"),
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
-     "2:11: frames: orlu.control.currentModeEx makes no bracket of 5 HDR frames (bit 2), 0 night frames "
-     "(bit 8) "
-     "and 0 others; needs 5 or 7 frames with one night frame, or 9 that begin with 3 of them, the rest HDR "
-     "frames"),
+     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 5 or 7 frames with one night "
+     "frame, or 9 that begin with 3 night frames, the rest HDR frames; found 5 HDR frames (bit 2), 0 night "
+     "frames (bit 8) and 0 others"),
     (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
      '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '
      '{"first": ..., "step": ...} counts'),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 1}]'),
-     "1:34: inputs: needs as many images of each frame, found 1 of frame 0 and 0 of frame 1",
-     "1:44: inputs[0].file: a has 20 bytes behind the last plane"),
+     "1:34: inputs: expected as many images of each frame, found 1 of frame 0 and 0 of frame 1",
+     "1:44: inputs[0].file: a has 20 bytes after the last plane"),
     (request(SHOT + '"android.sensor.exposureTime": 10, "android.jpeg.orientation": 45}}]'),
-     f"2:62: {TIME}: is probably wrong: the unit is ns, cameras report 1000 to 100000000000, found 10",
-     '2:94: frames[0].captureResult."android.jpeg.orientation": needs 0, 90, 180 or 270, found 45'),
+     f"2:62: {TIME}: probably wrong; expected 1000 to 100000000000 (ns), found 10",
+     '2:94: frames[0].captureResult."android.jpeg.orientation": expected 0, 90, 180 or 270, found 45'),
     (request(SHOT + '"android.sensor.info.activeArraySize": [0, 0, 9, 9],\n"android.scaler.cropRegion": '
              '[1, 1, 10, 5],\n"android.statistics.faces": [[4, 4, 2, 5]]}}]'),
-     '3:30: frames[0].captureResult."android.scaler.cropRegion": [1, 1, 10, 5] reaches out of the active '
-     'array '
+     '3:30: frames[0].captureResult."android.scaler.cropRegion": [1, 1, 10, 5] exceeds the active array '
      "[0, 0, 9, 9]",
-     '4:29: frames[0].captureResult."android.statistics.faces": face 0 needs left, top, right and bottom, '
+     '4:29: frames[0].captureResult."android.statistics.faces": face 0: expected left, top, right and bottom, '
      'found '
-     "[4, 4, 2, 5], whose right or bottom comes first"),
+     "[4, 4, 2, 5] with right or bottom first"),
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 3}]'),
-     "1:44: inputs[0].file: a has 12 bytes behind the last plane"),
+     "1:44: inputs[0].file: a has 12 bytes after the last plane"),
     (request(inputs='[{"file": "a", "format": "RAW_SENSOR", "width": 3, "height": 3}]'),
-     "1:44: inputs[0].file: a has 6 bytes behind the last plane; rows of 8 bytes would fill it (the field "
+     "1:44: inputs[0].file: a has 6 bytes after the last plane; rows of 8 bytes would fill it (the field "
      "stride)"),
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 3, "height": 3, "stride": 8}]'),
      "1:103: inputs[0].stride: rows of RAW16 can't have padding: the library hands on the width instead of "
      "the "
-     "stride; needs 6, found 8 (or RAW_SENSOR)"),
+     "stride; expected 6, found 8 (or RAW_SENSOR)"),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}, '
              '{"file": "a", "format": "RAW16", "width": 6, "height": 2}]'),
      "1:136: inputs[1].width: image 0 of frame 1 has 6x2, that of frame 0 has 4x3"),
@@ -208,6 +206,11 @@ def check(*texts):
                   for name in names]
 
 
+def severe(line, severity):
+    """A line of the tables above as it is printed: with its severity after its place."""
+    return re.sub(r"^(\d+:\d+: |)", rf"\g<1>{severity}: ", line)
+
+
 def says_each():
     cases = SYNTAX + FIELDS
     for name, value, problem in TAGS:
@@ -215,10 +218,10 @@ def says_each():
         cases.append((tag(name, value), f"3:1: frames[0].captureResult.{shown}: {problem}"))
     done, found = check(*(case[0] for case in cases))
     for (text, *wanted), lines in zip(cases, found):
-        expect(text[:200], sorted(wanted), sorted(lines))
+        expect(text[:200], sorted(severe(line, "error") for line in wanted), sorted(lines))
     count = sum(len(case) - 1 for case in cases)
     files = len(cases)
-    expect("the last line", f"run: {count} mistakes and 0 warnings in {files} of {files} files; nothing runs",
+    expect("the last line", f"run: {count} errors and 0 warnings in {files} of {files} files; nothing runs",
            done.stderr.splitlines()[-1])
     expect("status and output", (2, ""), (done.returncode, done.stdout))
 
@@ -228,12 +231,12 @@ def warns():
     Path("a").write_bytes(bytes(24))
     done, found = check(*(case[0] for case in WARNINGS))
     for (text, *wanted), lines in zip(WARNINGS, found):
-        expect(text[:200], [re.sub(": ", ": warning: ", line, count=1) for line in wanted], lines)
-    expect("status and right files", (0, len(WARNINGS)), (done.returncode, done.stdout.count(": right: ")))
+        expect(text[:200], [severe(line, "warning") for line in wanted], lines)
+    expect("status and right files", (0, len(WARNINGS)), (done.returncode, done.stdout.count(": ok: ")))
     samples = run("--check", "--strict", *sorted((ROOT / "samples").glob("*.json")))
     expect("samples", (0, ""), (samples.returncode, samples.stderr))
     strict = run("--strict", "--check", "0.json")
-    expect("a strict check", (2, "run: 0 mistakes and 2 warnings in 1 of 1 file; nothing runs"),
+    expect("a strict check", (2, "run: 0 errors and 2 warnings in 1 of 1 file; nothing runs"),
            (strict.returncode, strict.stderr.splitlines()[-1]))
     Path("warned.json").write_text(
         (ROOT / "samples/capture.json").read_text().replace('["jpegEncode"]', '["jpegEncode", "sharp"]')
@@ -252,18 +255,18 @@ def says_all_in_order():
         + '],\n"android.sensor.timestamp": {"first": 1, "step": 1e18}}}}'))
     done = run("right.json", "none.json", "many.json", "/dev/zero")
     lines = done.stderr.splitlines()
-    expect("files", ["none.json: no such file", "many.json: and 51 more",
-                     "/dev/zero: needs at most 8388608 bytes, found more",
-                     "run: 153 mistakes and 0 warnings in 3 of 4 files; nothing runs"],
+    expect("files", ["none.json: error: no such file", "many.json: and 51 more",
+                     "/dev/zero: error: expected at most 8388608 bytes, found more",
+                     "run: 153 errors and 0 warnings in 3 of 4 files; nothing runs"],
            [lines[0], *lines[101:]])
     places = [int(LINE.match(line)["line"]) for line in lines[1:101]]
     expect("the lines' order", list(range(3, 103)), places)
     expect("a run", (2, ""), (done.returncode, done.stdout))
     Path("more.json").write_text(tag("com.orlu.image_sizes", "[" + ",\n".join(['"x"'] * 1100) + "]"))
     expect("over 1000", ["more.json: and over 900 more",
-                         "run: over 1000 mistakes and 0 warnings in 1 of 1 file; nothing runs"],
+                         "run: over 1000 errors and 0 warnings in 1 of 1 file; nothing runs"],
            run("more.json").stderr.splitlines()[100:])
-    expect("a check", "right.json: right: 1 frame, in nothing, out nothing, no algorithms\n",
+    expect("a check", "right.json: ok: 1 frame, in nothing, out nothing, no algorithms\n",
            run("--check", "right.json", "none.json").stdout)
 
 
@@ -271,7 +274,7 @@ def takes_comments():
     """A mark of UTF-8 and comments are welcome; a name with a tab in it is shown in one line."""
     done, found = check("\ufeff// note\n" + request(more='/* one */, "a\\tb": 1, "\\u20ac": 2'))
     expect(done.stderr, ['3:26: "a\\u0009b"', '3:37: "\u20ac"'],
-           [line.split(": unknown")[0] for line in found[0]])
+           [line.split(": unknown")[0].replace("error: ", "") for line in found[0]])
     done, found = check("// note\n" + request(more="/* one\n */"))
     expect(done.stderr, (0, []), (done.returncode, found[0]))
 
@@ -320,7 +323,7 @@ def survives_mutations():
             files[-1].write_text(mutated(sample.read_text(), chance))
     done = run("--check", *map(str, files))
     *lines, last = done.stderr.splitlines()
-    right = {line.split(": right: ")[0] for line in done.stdout.splitlines()}
+    right = {line.split(": ok: ")[0] for line in done.stdout.splitlines()}
     wrong = set()
     for line in lines:
         match = LINE.match(line)

@@ -53,7 +53,7 @@ refused() {
   local line=$1
   shift
   command_ends 2 "$@"
-  [ "$(cat err)" = "run: $line" ] || fail "\"run: $line\" was expected instead of: $(cat err)"
+  [ "$(cat err)" = "run: error: $line" ] || fail "\"run: error: $line\" was expected instead of: $(cat err)"
   [ ! -s out ] || fail "$* printed: $(cat out)"
 }
 

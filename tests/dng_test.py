@@ -61,21 +61,21 @@ def refuses():
         (b"no image", NO_DNG),
         (dng(rows).replace(bytes([1, 4, 0, 0]), bytes(4)), NO_DNG),
         (dng(rows, photometric=34892), "no raw image in it: no PhotometricInterpretation is 32803"),
-        (dng([row[:16] for row in rows]), "ImageWidth needs 22 to 16384, found 16"),
+        (dng([row[:16] for row in rows]), "ImageWidth: expected 22 to 16384, found 16"),
         (dng(rows).replace(b"\0\1\4\0\1\0\0\0\x20\0\0", b"\0\1\4\0\1\0\0\0\x20\0\1", 1),
-         "ImageWidth needs 22 to 16384, found 65568"),
-        (dng(rows, extra=[(277, SHORT, [3])]), "SamplesPerPixel needs 1, found 3"),
+         "ImageWidth: expected 22 to 16384, found 65568"),
+        (dng(rows, extra=[(277, SHORT, [3])]), "SamplesPerPixel: expected 1, found 3"),
         (dng(rows, pattern=[(33421, SHORT, [6, 6]), (33422, BYTE, bytes([1, 2, 1, 1, 0, 1] * 6))]),
-         "CFAPattern needs a Bayer mosaic, found one of 6x6"),
-        (dng(rows, compression=34892), "Compression needs 1 or 7, found 34892"),
+         "CFAPattern: expected a Bayer mosaic, found one of 6x6"),
+        (dng(rows, compression=34892), "Compression: expected 1 or 7, found 34892"),
         (dng(rows, compression=7), "damaged: strip or tile 0 lacks 768 of 768 samples"),
-        (dng(rows, tile=(16, 12), strips=3), "needs 4 strips or tiles, found 3"),
+        (dng(rows, tile=(16, 12), strips=3), "expected 4 strips or tiles, found 3"),
         # The second tile's header, which LibRaw takes for the end of all tiles.
         (b"\xff\xd8".join(packed.rsplit(b"\xff\xd8", 1)[:1]) + b"\xff\xd9" + packed.rsplit(b"\xff\xd8", 1)[1],
          "damaged: strip or tile 1 lacks 384 of 384 samples"))
     done = run_with(["--check"], [content for content, _ in table])
     for i, line in enumerate(re.sub(r"json:1:\d+", "json", done.stderr).splitlines()[:-1]):
-        expect(f"refused {i}", f"shot{i}.json: inputs[0].file: shot{i}.dng: {table[i][1]}", line)
+        expect(f"refused {i}", f"shot{i}.json: error: inputs[0].file: shot{i}.dng: {table[i][1]}", line)
     expect("refused", len(table), len(done.stderr.splitlines()) - 1)
 
 

@@ -21,7 +21,7 @@ SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIG
 # No DNG file is as small as that.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
-REFUSED = "run: 1 mistake and 0 warnings in 1 of 1 file; nothing runs"
+REFUSED = "run: 1 error and 0 warnings in 1 of 1 file; nothing runs"
 
 
 def little_endian_rows(rows, stride):
@@ -135,34 +135,34 @@ def refuses():
     for image, problem in (
             ({**raw, "file": "none.raw"}, "file: no such file: none.raw"),
             ({**raw, "file": "/dev/zero"},
-             "file: needs a file with bytes, found another kind of one: /dev/zero"),
-            ({"format": "RAW16", "file": "tight.raw", "width": 16}, "needs the field height"),
+             "file: expected a regular file, found another kind: /dev/zero"),
+            ({"format": "RAW16", "file": "tight.raw", "width": 16}, "missing field height"),
             ({"format": "RAW16", "width": 16},
-             "width: needs the field file beside it: the pixels are a photo's"),
-            ({**raw, "stride": 30}, "stride: needs at least 32 bytes, a row of 16 pixels, found 30"),
-            ({**raw, "height": 13}, "file: tight.raw: plane 0 needs 416 bytes (416 at 0), found 384"),
-            ({**raw, "offset": 1}, "file: tight.raw: plane 0 needs 385 bytes (384 at 1), found 384"),
-            ({**nv21, "stride": 18}, "file: tight.nv21: plane 1 needs 324 bytes (108 at 216), found 288"),
-            ({**nv21, "planes": [{}]}, "planes: needs 2 planes for NV21, found 1"),
+             "width: requires the field file; the pixels come from a photo"),
+            ({**raw, "stride": 30}, "stride: expected at least 32 bytes, a row of 16 pixels, found 30"),
+            ({**raw, "height": 13}, "file: tight.raw: plane 0: expected 416 bytes (416 at 0), found 384"),
+            ({**raw, "offset": 1}, "file: tight.raw: plane 0: expected 385 bytes (384 at 1), found 384"),
+            ({**nv21, "stride": 18}, "file: tight.nv21: plane 1: expected 324 bytes (108 at 216), found 288"),
+            ({**nv21, "planes": [{}]}, "planes: expected 2 planes for NV21, found 1"),
             ({**nv21, "planes": [{"size": 10}, {}]},
-             "planes[0].size: needs a whole number from 192 to 536870912, found 10"),
-            ({**nv21, "width": 15}, "file: NV21 needs even sides, found 15x12"),
-            ({"file": "odd.png", "format": "NV21"}, "file: NV21 needs even sides, found 15x12"),
+             "planes[0].size: expected a whole number from 192 to 536870912, found 10"),
+            ({**nv21, "width": 15}, "file: expected even sides for NV21, found 15x12"),
+            ({"file": "odd.png", "format": "NV21"}, "file: expected even sides for NV21, found 15x12"),
             ({"file": "a.dng", "format": "RAW16", "width": 18},
-             "width: needs 32, which the header of a.dng says, found 18"),
-            ({"file": "a.dng", "format": "NV21"}, "file: a DNG file needs a raw format, found NV21"),
+             "width: expected 32 as in the header of a.dng, found 18"),
+            ({"file": "a.dng", "format": "NV21"}, "file: expected a raw format for a DNG file, found NV21"),
             ({"file": "a.dng", "format": "RAW16", "bits": 9},
              "file: a.dng: a sample is 1021, more than 9 bits hold (the field bits)"),
             ({"file": "a.dng", "format": "RAW16", "offset": 4},
-             "offset: a file with a header of its own has no such field"),
+             "offset: unexpected for a file with its own header"),
             ({"file": "deflated.dng", "format": "RAW16"},
-             "file: deflated.dng: Compression needs 1 or 7, found 8"),
+             "file: deflated.dng: Compression: expected 1 or 7, found 8"),
             ({"file": "cut.dng", "format": "RAW16"},
-             "file: cut.dng: too short: strip or tile 0 needs {size} bytes, found {short}"),
-            ({"file": "strips.dng", "format": "RAW16"}, "file: strips.dng: needs 3 strips or tiles, found 2"),
-            ({"file": "gray.png", "format": "JPEG"}, "file: the format JPEG needs a JPEG file")):
+             "file: cut.dng: too short: strip or tile 0: expected {size} bytes, found {short}"),
+            ({"file": "strips.dng", "format": "RAW16"}, "file: strips.dng: expected 3 strips or tiles, found 2"),
+            ({"file": "gray.png", "format": "JPEG"}, "file: expected a JPEG file for the format JPEG")):
         cut = Path("cut.dng").stat().st_size
-        line = f"inputs[0]{': ' if problem.startswith('needs') else '.'}" + problem.format(
+        line = f"error: inputs[0]{': ' if problem.startswith('missing') else '.'}" + problem.format(
             size=cut + 1, short=cut)
         done = run_requests(request(image), check=True)
         expect(image, (2, [f"shot0.json:1:: {line}", REFUSED]),
@@ -174,17 +174,17 @@ def refuses():
         Path("below/shot.json").write_text(json.dumps(request({**raw, "file": str(name)})))
         done = run("--check", "below/shot.json")
         expect(f"{name}: {done.stderr}", (0, is_told), (
-            done.returncode, f"file: is outside of the request file's folder: {name}" in done.stderr))
+            done.returncode, f"file: outside the request file's folder: {name}" in done.stderr))
     bits = struct.pack("<HHI", 258, 3, 1)
     Path("bits.tiff").write_bytes(tiff(SAMPLES).replace(bits + b"\x10", bits + b"\x18"))
     done = run_requests(request({"file": "bits.tiff", "format": "RAW16"}), check=True)
-    problem = "bits.tiff: needs at most 16, or 32 or 64 bits a sample, found 24"
+    problem = "bits.tiff: expected at most 16, or 32 or 64 bits a sample, found 24"
     expect("24 bits a sample", True, problem in done.stderr)
     for name in ("text.dng", "cut.png"):
         done = run_requests(request({"file": name, "format": "RAW16"}))
         lines = without_columns(done.stderr)
         expect(f"{name}: {lines}", [2, True, [REFUSED], ""], [done.returncode, lines[0].startswith(
-            f"shot0.json:1:: inputs[0].file: {name}: "), lines[1:], done.stdout])
+            f"shot0.json:1:: error: inputs[0].file: {name}: "), lines[1:], done.stdout])
 
 
 with tempfile.TemporaryDirectory() as folder:

@@ -72,19 +72,19 @@ def reads_dump():
     expect("dump's images", [["night", "jpegEncode"], {"format": "NV21"}, [{"format": "JPEG"}]],
            [shot["algorithms"], shot["inputs"], shot["outputs"]])
     expect("dump's notes", [
-        "line 6: android.control.afMode dropped, no number and no known name: SIDEWAYS",
-        "line 14: android.control.aeLock dropped, unknown tag 10002",
-        "line 24: android.lens.focalLength dropped, other type: int64 instead of float",
-        "line 39: android.statistics.lensShadingMap dropped, incomplete entry: 16 of 884 values are printed",
-        "line 48: orlu.control.isNativeMode dropped, other type: int32[2] instead of one value",
-        "line 50: orlu.control.reqID dropped, incomplete entry: 0 of 1 values are printed",
-        "line 58: unknownSection.unknownTag dropped, unknown tag 80ff0001",
-        "line 61: a buffer that is not allocated",
-        "line 64: the buffer is no result, having no android.sensor.timestamp: dropped",
-        "line 69: the buffer describes a camera: its tags are taken where a result has none",
-        "line 69: android.info.supportedHardwareLevel dropped, unknown tag 150000"],
-        sorted((line.split("dump.txt: ")[1] for line in lines if "dump.txt: " in line),
-               key=lambda line: int(line.split()[1][:-1])))
+        "6: note: android.control.afMode dropped; not a number or a known name: SIDEWAYS",
+        "14: note: android.control.aeLock dropped; unknown tag 10002",
+        "24: note: android.lens.focalLength dropped; other type: int64 instead of float",
+        "39: note: android.statistics.lensShadingMap dropped; incomplete entry: 16 of 884 values are printed",
+        "48: note: orlu.control.isNativeMode dropped; other type: int32[2] instead of one value",
+        "50: note: orlu.control.reqID dropped; incomplete entry: 0 of 1 values are printed",
+        "58: note: unknownSection.unknownTag dropped; unknown tag 80ff0001",
+        "61: note: a buffer that is not allocated",
+        "64: note: buffer dropped; missing android.sensor.timestamp",
+        "69: note: the buffer describes a camera; its tags are used where a result has none",
+        "69: note: android.info.supportedHardwareLevel dropped; unknown tag 150000"],
+        sorted((line.split("dump.txt:")[1] for line in lines if "dump.txt:" in line and "note: " in line),
+               key=lambda line: int(line.split(":")[0])))
     expect("dump runs", 0, run("--out", "out", "made/shot.json").returncode)
 
 
@@ -109,16 +109,16 @@ def reads_suite():
         {"file": f"../{i}.raw", "format": "RAW16", "width": 16, "height": 12, "frame": i} for i in range(2)],
         shot["inputs"])
     expect("suite's notes", [
-        "captureResults[0]: android.control.aeLock dropped, unknown tag",
-        'captureResults[0]: android.jpeg.gpsLocation dropped, needs an object, found "Location[gps 48.25]"',
-        'captureResults[1]: android.sensor.sensitivity dropped, needs a number, found "high"',
-        "captureResults[1]: android.control.aeRegions dropped, needs a whole number from -2147483648 to "
+        "captureResults[0]: android.control.aeLock dropped; unknown tag",
+        'captureResults[0]: android.jpeg.gpsLocation dropped; expected an object, found "Location[gps 48.25]"',
+        'captureResults[1]: android.sensor.sensitivity dropped; expected a number, found "high"',
+        "captureResults[1]: android.control.aeRegions dropped; expected a whole number from -2147483648 to "
         "2147483647, found 2147483648",
-        "captureResults[2]: dropped, it is no object of tags",
-        "outputs[2]: dropped, it needs a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
-        "captureRequest: not taken: it is no result",
-        "odd.raw: dropped: no output of a JSON file has its 383 bytes"],
-        [line.split("suite.json: ")[-1] for line in lines[:-1]])
+        "captureResults[2]: dropped; not an object of tags",
+        "outputs[2]: dropped; expected a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
+        "captureRequest: not used; not a result",
+        "odd.raw: note: dropped; no output of a JSON file has its 383 bytes"],
+        [line.split("suite.json: note: ")[-1] for line in lines[:-1]])
     expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)
 
 
@@ -162,10 +162,10 @@ def drops_odd_exif():
     expect("odd EXIF", {"android.jpeg.orientation": 90, "android.sensor.sensitivity": 100},
            shot["frames"][0]["captureResult"])
     expect("odd EXIF's notes", [
-        "ExposureTime: android.sensor.exposureTime dropped, it is no finite number",
-        "FNumber: android.lens.aperture dropped, it is no finite number",
-        "GPS: android.jpeg.gpsLocation dropped, it is no finite place"],
-        [line.split("odd.jpg: ")[1] for line in lines if "dropped" in line])
+        "ExposureTime: android.sensor.exposureTime dropped; not a finite number",
+        "FNumber: android.lens.aperture dropped; not a finite number",
+        "GPS: android.jpeg.gpsLocation dropped; not a finite place"],
+        [line.split("odd.jpg: note: ")[1] for line in lines if "dropped" in line])
 
 
 def survives_damage():
@@ -182,22 +182,22 @@ def survives_damage():
             expect(f"{name} damaged {i}: {told}", [True, True, False],
                    [done.returncode in (0, 2), len(told) == done.returncode // 2,
                     "Exception" in done.stdout + done.stderr])
-    expect("cut dump", ["line 23: the line is cut", "line 2: the buffer has 26 entries, found 9"],
+    expect("cut dump", ["23: note: the line is cut", "2: note: the buffer has 26 entries, found 9"],
            cut_dump_notes())
     Path("link").symlink_to("a.json")
     for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
                             ((FORMS / "dump.txt",),
-                             "needs --out FILE; see ./run import --help"),
+                             "missing --out FILE; see ./run import --help"),
                             (("cut.txt", "--out", "cut.txt"),
-                             "--out would write over what is imported: cut.txt"),
-                            (("cut.txt", "--out", "link"), "--out: needs a file, found a link: link"),
-                            (("cut.txt", "--out", "made"), "--out: needs a file, found a folder: made"),
+                             "--out would overwrite the imported file cut.txt"),
+                            (("cut.txt", "--out", "link"), "--out: expected a file, found a link: link"),
+                            (("cut.txt", "--out", "made"), "--out: expected a file, found a folder: made"),
                             (("cut.txt", "--out", "cut.txt/a.json"),
-                             f"--out: no folder can be made here: {Path.cwd()}/cut.txt"),
+                             f"--out: can't create the folder {Path.cwd()}/cut.txt"),
                             (("made", "--out", "a.json"),
-                             "needs a file with bytes to read, found another kind: made")):
+                             "expected a regular file, found another kind: made")):
         done = run("import", *arguments)
-        expect(arguments, (2, f"run: {line}\n"), (done.returncode, done.stderr))
+        expect(arguments, (2, f"run: error: {line}\n"), (done.returncode, done.stderr))
 
 
 def png_header(width, height, depth=8, colour=2):
@@ -215,23 +215,23 @@ def distrusts_strangers():
     exif = jpeg_with_exif()
     rows = [
         ("big.png", png_header(16000, 16000),
-         "its pixels are no input: needs at most 134217728 pixels, found 16000x16000"),
+         "pixels not used as an input: expected at most 134217728 pixels, found 16000x16000"),
         ("deep.png", png_header(16000, 8000, 16, 6),
-         "its pixels are no input: needs at most 536870912 bytes when decoded, found 1024000000"),
-        ("wide.png", png_header(20000, 2), "needs sides of at most 16384 pixels, found 20000x2"),
-        ("many.txt", (result * 70).encode(), "10 results dropped: a request has at most 60 frames"),
-        ("dots.txt", (result + "a." * 600000 + "\n").encode(), "line 4: dropped, it has 1200000 characters"),
+         "pixels not used as an input: expected at most 536870912 decoded bytes, found 1024000000"),
+        ("wide.png", png_header(20000, 2), "expected sides of at most 16384 pixels, found 20000x2"),
+        ("many.txt", (result * 70).encode(), "10 results dropped; a request has at most 60 frames"),
+        ("dots.txt", (result + "a." * 600000 + "\n").encode(), "4: note: dropped; it has 1200000 characters"),
         ("slow.txt", (result + "." * 900000 + "\n").encode(), "1 frames with 1 tags"),
-        ("large.txt", b"a\n" * (5 << 20), "needs at most 8388608 bytes for a dump, found 10485760"),
+        ("large.txt", b"a\n" * (5 << 20), "expected at most 8388608 bytes for a dump, found 10485760"),
         ("esc.txt", (result + " android.control.aeMode (1): byte[1]\n [\x1b[2J\x9b\u202e]\n").encode(),
-         "no number and no known name: \\u001b[2J\\u009b\\u202e"),
+         "not a number or a known name: \\u001b[2J\\u009b\\u202e"),
         ("esc.json", json.dumps({"captureResult": {"a\x1b[2J": 1}}).encode(),
-         "a\\u001b[2J dropped, unknown tag"),
+         "a\\u001b[2J dropped; unknown tag"),
         ("many.json", json.dumps({"captureResults": [{}] * 1000, "outputs": [7] * 2000}).encode(),
          "and 1001 more notes"),
         ("values.txt", (result + " orlu.control.localtime (1): byte[3000000]\n"
                         + ("[" + "1 " * 500000 + "]\n") * 6).encode(),
-         "localtime dropped, incomplete entry: 1500000 of 3000000 values are printed"),
+         "localtime dropped; incomplete entry: 1500000 of 3000000 values are printed"),
         ("marker.jpg", exif.replace(b"II*\0", b"IIx\0", 1), "can't be read: Unexpected TIFF marker: 0x78"),
         ("empty.tif", b"", "can't be read: Attempt to read from beyond end"),
     ]
@@ -248,7 +248,7 @@ def cut_dump_notes():
     text = (FORMS / "dump.txt").read_text()
     Path("cut.txt").write_text(text[:text.index("BACK") + 2])
     _, lines = imported("cut.txt")
-    return [line.split("cut.txt: ")[1] for line in lines if "is cut" in line or "has 26" in line]
+    return [line.split("cut.txt:")[1] for line in lines if "is cut" in line or "has 26" in line]
 
 
 with tempfile.TemporaryDirectory() as folder:

@@ -25,7 +25,7 @@ def write(folder, name, sample, **fields):
 
 def refused(folder, line, *arguments):
     result = run(*arguments, cwd=folder)
-    expect(arguments, (2, f"run: {line}\n", ""), (result.returncode, result.stderr, result.stdout))
+    expect(arguments, (2, f"run: error: {line}\n", ""), (result.returncode, result.stderr, result.stdout))
 
 
 def check_folder(folder):
@@ -72,9 +72,9 @@ def check_tags(folder):
         expect("--tag", [degrees], [each["value"] for each in parameters if each["key"] == "jpeg_rotation"])
     refused(folder, "--tag android.jpeg.qualty: no such tag (did you mean android.jpeg.quality?)", "--tag",
             "android.jpeg.qualty=1", "shots/a.json")
-    refused(folder, '--tag android.jpeg.quality: needs a number, found "NaN"', "--tag",
+    refused(folder, '--tag android.jpeg.quality: expected a number, found "NaN"', "--tag",
             "android.jpeg.quality=NaN", "shots/a.json")
-    refused(folder, '--tag needs NAME=VALUE, found "x"', "--tag", "x", "shots/a.json")
+    refused(folder, '--tag: expected NAME=VALUE, found "x"', "--tag", "x", "shots/a.json")
 
 
 def check_compare(folder):
@@ -101,7 +101,7 @@ def check_compare(folder):
     expect("no outputs of B", "the outputs can't be compared", pairs[0]["verdict"]["reasons"][-1])
     refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib",
             planted, "shots")
-    refused(folder, "compare needs --lib twice, found 1", "compare", "--lib", planted, "shots")
+    refused(folder, "expected --lib twice, found 1", "compare", "--lib", planted, "shots")
     refused(folder, "no such file: none", "compare", "--lib", planted, "--lib", "none", "shots")
 
 
@@ -126,15 +126,15 @@ def check_sweep(folder):
     expect("a grid", (0, 4, {"android.jpeg.orientation": "90", "orlu.control.filmSize": "0"}),
            (status, len(runs), runs[2]["tags"]))
     expect("pictures", 4, (folder / "grid/index.html").read_text().count('"picture":"data:image/jpeg'))
-    for values, problem in (("0:1:1", "needs 2 to 1000 steps, found 1"),
-                            ("1.2.3:4:5", 'needs numbers around the first ":"')):
+    for values, problem in (("0:1:1", "expected 2 to 1000 steps, found 1"),
+                            ("1.2.3:4:5", 'expected numbers around the first ":"')):
         refused(folder, f"--tag android.jpeg.orientation={values}: {problem}", "sweep", "shots/a.json",
                 "--tag",
                 f"android.jpeg.orientation={values}")
-    refused(folder, "--tag android.jpeg.orientation: needs a whole number from -2147483648 to 2147483647, found 0.5",
+    refused(folder, "--tag android.jpeg.orientation: expected a whole number from -2147483648 to 2147483647, found 0.5",
             "sweep", "shots/a.json", "--tag",
             "android.jpeg.orientation=0:1:3")
-    refused(folder, "sweep needs one request and one or two --tag, found 3 and 1", "sweep", "shots", "--tag",
+    refused(folder, "expected one request and one or two --tag, found 3 and 1", "sweep", "shots", "--tag",
             "android.jpeg.orientation=0,90")
 
 
@@ -161,10 +161,10 @@ def check_burst(folder):
     status, shots = burst("async.json", ORLU_PLANTED="crossed", **PLANTED)
     expect("foreign results", (1, 1, "request 103 got the results of request 102"),
            (status, shots["ownResults"], shots["verdict"]["reasons"][0]))
-    refused(folder, '--algo-delay needs MS, MS-MS or MS-MS,unordered, found "x"', "--algo-delay", "x",
+    refused(folder, '--algo-delay: expected MS, MS-MS or MS-MS,unordered, found "x"', "--algo-delay", "x",
             "shots/a.json")
-    refused(folder, "--in-flight needs --burst", "--in-flight", "2", "shots/a.json")
-    refused(folder, "--report is of single requests: leave out --burst", "--burst", "2", "--report", "p",
+    refused(folder, "--in-flight requires --burst", "--in-flight", "2", "shots/a.json")
+    refused(folder, "--report can't be combined with --burst", "--burst", "2", "--report", "p",
             "shots/a.json")
 
 
@@ -195,14 +195,14 @@ def main():
         check_sweep(folder)
         check_burst(folder)
         check_recorded(folder)
-        refused(folder, "empty: needs a folder of request files (*.json) or recordings, found none of them",
+        refused(folder, "empty: expected request files (*.json) or recordings, found neither",
                 "empty")
-        refused(folder, "--jobs needs a number from 1, found 0", "--jobs", "0", "shots")
-        refused(folder, "--timeline is of one process: leave out --jobs", "--jobs", "2", "--timeline", "t",
+        refused(folder, "--jobs: expected a number of at least 1, found 0", "--jobs", "0", "shots")
+        refused(folder, "--timeline can't be combined with --jobs", "--jobs", "2", "--timeline", "t",
                 "shots")
         (folder / "shots/b.json").write_text("{")
         wrong = run("--jobs", "2", "--check", "shots", cwd=folder)
-        expect("a mistake", (2, "run: mistakes in 1 of 3 files; nothing runs"),
+        expect("a mistake", (2, "run: errors in 1 of 3 files; nothing runs"),
                (wrong.returncode, wrong.stderr.splitlines()[-1]))
         checked = json.loads(run("--check", "--json", "-", "shots", cwd=folder).stdout)
         jsonschema.validate(checked, SCHEMA)

@@ -15,43 +15,43 @@ done <<'REFUSED'
 --colour|unknown option --colour; see ./run --help
 --jason|unknown option --jason (did you mean --json?); see ./run --help
 --pram|unknown option --pram (did you mean --params?); see ./run --help
---out|--out needs a value; see ./run --help
---params=x|--params takes no value, found "x"; see ./run --help
---photo none.jpg|--photo: no such photo: none.jpg
+--out|--out requires a value; see ./run --help
+--params=x|--params: expected no value, found "x"; see ./run --help
+--photo none.jpg|--photo: no such file: none.jpg
 infoo|infoo: no such file or subcommand (did you mean info?); see ./run --help
 --out a replay|the subcommand comes first: ./run replay ...; see ./run --help
 colour|colour: no such file or subcommand; see ./run --help
-run --photo none.jpg|--photo: no such photo: none.jpg
---out a --json request.json|--json would write over a request file: request.json
+run --photo none.jpg|--photo: no such file: none.jpg
+--out a --json request.json|--json would overwrite a request file: request.json
 --out a --events old --timeline ./old|--events and --timeline name the same file: ./old
---out a --timeline a|--timeline: needs a file, found a folder: a
+--out a --timeline a|--timeline: expected a file, found a folder: a
 --out a --json none/report|--json: no such folder: none
---out old|--out: needs a folder, found a file: old
---out a --record old|--record: needs a folder, found a file: old
-info|needs FOLDER; see ./run info --help
+--out old|--out: expected a folder, found a file: old
+--out a --record old|--record: expected a folder, found a file: old
+info|missing FOLDER; see ./run info --help
 info none|no such file: none
 info --ouput a|unknown option --ouput; see ./run info --help
-trim a|needs --out DIR; see ./run trim --help
-trim a b --out c|one argument too many: b; see ./run trim --help
-trim a --out c --frames 1,x|--frames needs NUMBER, found "x"; see ./run trim --help
-diff a|diff needs two runs, or --lib twice; see ./run diff --help
-diff . . --out old|--out: needs a folder, found a file: old
-diff a b --tolerance few|--tolerance needs NUMBER, found "few"; see ./run diff --help
-import|needs --out FILE; see ./run import --help
-trials|needs REQUEST; see ./run trials --help
-sdk|takes one folder; see ./run sdk --help
+trim a|missing --out DIR; see ./run trim --help
+trim a b --out c|unexpected argument b; see ./run trim --help
+trim a --out c --frames 1,x|--frames: expected NUMBER, found "x"; see ./run trim --help
+diff a|expected two runs, or --lib twice; see ./run diff --help
+diff . . --out old|--out: expected a folder, found a file: old
+diff a b --tolerance few|--tolerance: expected NUMBER, found "few"; see ./run diff --help
+import|missing --out FILE; see ./run import --help
+trials|missing REQUEST; see ./run trials --help
+sdk|expected one folder; see ./run sdk --help
 sdk --arm|unknown option --arm; see ./run sdk --help
 sdk b|b: exists and is not an empty folder
 sdk old|old: exists and is not an empty folder
 conform --onyl x|unknown option --onyl; see ./run conform --help
-conform --junit|--junit needs a value; see ./run conform --help
-conform --only loadin|there is no check "loadin" (--list names all); see ./run conform --help
-conform --seed few|--seed takes a number that is not negative, not "few"; see ./run conform --help
-conform a.so b.so|one library at a time, not "b.so" as well; see ./run conform --help
+conform --junit|--junit requires a value; see ./run conform --help
+conform --only loadin|no such check: loadin; --list prints all; see ./run conform --help
+conform --seed few|--seed: expected a number from 0 to 1000000, found "few"; see ./run conform --help
+conform a.so b.so|unexpected argument b.so; see ./run conform --help
 REFUSED
 command_ends 2 mime.json b/minr.json none/mine.json
-for line in 'mime.json: no such file (did you mean mine.json?)' 'b/minr.json: no such file (did you mean b/mine.json?)' \
-  'none/mine.json: no such file'; do
+for line in 'mime.json: error: no such file (did you mean mine.json?)' 'b/minr.json: error: no such file (did you mean b/mine.json?)' \
+  'none/mine.json: error: no such file'; do
   grep -qxF "$line" err || fail "\"$line\" is not said: $(cat err)"
 done
 

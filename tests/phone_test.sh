@@ -89,7 +89,7 @@ rm "$work/unrooted"
 
 for wrong in "record on" "record maybe" "record on x" "pull /x" "status now" "conform kit" "rekord on /x"; do
   # shellcheck disable=SC2086
-  expect 2 "phone.sh: " $wrong
+  expect 2 "phone.sh: error: " $wrong
 done
 expect 2 "longer than a property takes" record on "/$(printf 'x%.0s' {1..91})"
 expect 2 "longer than a property takes" record on "/$(printf 'ü%.0s' {1..50})"

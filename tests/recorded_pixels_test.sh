@@ -54,7 +54,7 @@ shot=$(echo shots/*-request-103)
 ends 1 '^  process input 0: [0-9]+ bytes, not as Java has it from byte 77 on / [0-9]+ bytes, as Java has it$' replay "$shot"
 ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
-info_says 'process-input0[^ ]* is cut or damaged: needs [0-9]* bytes, found 1000' "$shot"
+info_says 'process-input0[^ ]* is cut or damaged; expected [0-9]* bytes, found 1000' "$shot"
 
 echo "== Bounded, into a folder of one's own, and of a process that ended"
 ORLU_PIXELS_BYTES=1000 ends 0 '^verdict  ok$' --record few --out images "$root/samples/capture.json"

@@ -88,20 +88,20 @@ def limited(shot):
              "memory": "shared"}
     large = {**image, "size": 1 << 30}
     rows = {
-        "frames": (1001 * whole["frames"][:1], "frames: needs at most 1000 elements, found 1001"),
-        "inputs": (4001 * [image], "inputs: needs at most 4000 elements, found 4001"),
+        "frames": (1001 * whole["frames"][:1], "frames: expected at most 1000 elements, found 1001"),
+        "inputs": (4001 * [image], "inputs: expected at most 4000 elements, found 4001"),
         "outputs": (3 * [large],
-                    "outputs[2]: needs at most 2147483648 bytes of all images up to this one, found "),
+                    "outputs[2]: expected at most 2147483648 bytes of images up to this one, found "),
     }
     for member, (value, problem) in rows.items():
         yield {**whole, "inputs": [], member: value}, problem
     for changed, problem in (
-            ({"size": (1 << 30) + 1}, "size: needs a whole number from 0 to 1073741824, found 1073741825"),
-            ({"rowStrides": 17 * [2]}, "rowStrides: needs at most 16 planes, found 17"),
-            ({"file": "a" * 101, "crc": ""}, "file: needs the name of a file in the recording's folder"),
-            ({"file": "a b", "crc": ""}, "file: needs the name of a file in the recording's folder")):
+            ({"size": (1 << 30) + 1}, "size: expected a whole number from 0 to 1073741824, found 1073741825"),
+            ({"rowStrides": 17 * [2]}, "rowStrides: expected at most 16 planes, found 17"),
+            ({"file": "a" * 101, "crc": ""}, "file: expected the name of a file in the recording's folder"),
+            ({"file": "a b", "crc": ""}, "file: expected the name of a file in the recording's folder")):
         yield {**whole, "inputs": [{**image, **changed}]}, f"inputs[0].{problem}"
-    yield {**whole, "trimmed": []}, "request.json: needs at most 8388608 bytes, found 8388609"
+    yield {**whole, "trimmed": []}, "request.json: error: expected at most 8388608 bytes, found 8388609"
 
 
 def check_limits(shot):
@@ -112,11 +112,11 @@ def check_limits(shot):
         (folder / "request.json").write_text(json.dumps(request_json))
         problems[folder] = problem
     os.truncate(folder / "request.json", (8 << 20) + 1)
-    for name, most in (("outcome.json", 8 << 20), ("events.jsonl", 32 << 20)):
+    for name, severity, most in (("outcome.json", "", 8 << 20), ("events.jsonl", "error: ", 32 << 20)):
         folder = Path("limits") / name
         shutil.copytree(shot, folder)
         os.truncate(folder / name, most + 1)
-        problems[folder] = f"{name}: needs at most {most} bytes, found {most + 1}"
+        problems[folder] = f"{name}: {severity}expected at most {most} bytes, found {most + 1}"
     _, out, err = outcome("info", "limits")
     for folder, problem in problems.items():
         expect(f"{problem}: {out}{err}", True, any(
@@ -161,7 +161,7 @@ def check_full_disk():
             status, out, err = outcome("info", str(shot))
             out = joined(out)
             expect(f"{what}: info {out}{err}", True,
-                   "not reached: " in out or "request.json: no such regular file: " in err)
+                   "not reached: " in out or "request.json: error: no such regular file: " in err)
             has_reason |= "recording failed: java.io.IOException: No space left on device" in out + err
     expect("a full disk is the reason in some", True, has_reason)
 

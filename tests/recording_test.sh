@@ -33,9 +33,9 @@ ends 0 '^written few ' trim "$night" --out few --frames 0,2
 ends 0 '^few: ran, 1[0-9][0-9] parameters; nothing was recorded' replay few
 ends 0 '^written none ' trim "$night" --out none --no-pixels
 ends 0 '^none: equal, 129 parameters' replay none --ignore 'output 0' --ignore orlu.feedback.basicFrameTimestamp
-ends 2 'frames 0 to 6, not 7' trim "$night" --out seven --frames 7
-ends 2 'none is there already' trim "$night" --out none
-ends 2 'shots has [0-9]* recordings; name one of them' trim shots --out one --frames 0
+ends 2 'expected frames from 0 to 6, found 7' trim "$night" --out seven --frames 7
+ends 2 '--out: the folder already exists: none' trim "$night" --out none
+ends 2 'shots: expected one recording, found [0-9]*' trim shots --out one --frames 0
 ends 0 '^written again ' trim few --out again --frames 1 --crop 64,64
 info_says 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64, only frame 1 of the copy$' again
 grep -q '^  *only frame 1 of the copy$' out || fail "trimmed twice: $(cat out)"
@@ -52,9 +52,9 @@ truncate -s 1000 cut/request.json
 ends 2 'cut/request.json:[0-9]+:[0-9]+: ' replay cut
 rm -rf cut && cp -r "$night" cut
 truncate -s 1000 cut/input3.bin
-ends 2 'inputs\[3\].file: cut/input3.bin is cut or damaged: needs [0-9]* bytes, found 1000' replay cut
+ends 2 'inputs\[3\].file: cut/input3.bin is cut or damaged; expected [0-9]* bytes, found 1000' replay cut
 mkdir old && touch old/recording
-ends 2 'recordings of version 1 are no longer read; record the request again' info old
+ends 2 'recordings of version 1 are no longer read' info old
 
 echo "== Recordings of strangers"
 printf x >outside
@@ -64,7 +64,7 @@ for name in ../outside "$PWD/outside" /dev/zero link.bin fifo.bin folder.bin; do
   [ -e strange/fifo.bin ] || mkfifo strange/fifo.bin
   mkdir -p strange/folder.bin
   sed "s#\"file\":\"input3.bin\"#\"file\":\"$name\"#" "$night/request.json" >strange/request.json
-  ends 2 '^run: strange/request.json:[0-9]+:[0-9]+: inputs\[3\].file: ' replay strange
+  ends 2 '^strange/request.json:[0-9]+:[0-9]+: error: inputs\[3\].file: ' replay strange
   timeout 60 "$root/run" trim strange --out stolen >out 2>&1 && fail "trimmed with $name"
   rm -rf stolen
 done
@@ -79,8 +79,8 @@ ends 1 'frame 0 was given isFullAsync = \{"int":0\} / \{"int":1\}, composition$'
 ORLU_PLANTED=untouched ends 1 '  output 0' diff "$root/samples/watermark.json" --lib "$stand_in" --lib "$planted" --out pictures
 ends 0 ': equal, ' diff "$night" shots/*-request-102 --ignore updated
 ends 0 ': equal, 129 parameters' diff "$night/events.jsonl" "$night/events.jsonl"
-ends 2 'diff needs two runs' diff "$night"
-ends 2 '--tolerance needs a NUMBER of 0 or more, found -1' diff "$night" "$night" --tolerance -1
+ends 2 'expected two runs, or --lib twice' diff "$night"
+ends 2 '--tolerance: expected a NUMBER of at least 0, found -1' diff "$night" "$night" --tolerance -1
 
 echo "== What is stopped leaves no folder behind"
 mkdir stopped

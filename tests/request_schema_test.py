@@ -60,7 +60,7 @@ def refused(folder, requests):
     result = run("--check", *files)
     if "Exception" in result.stderr:
         failures.append(result.stderr)
-    mistakes = re.findall(rf"{re.escape(str(folder))}/(\d+)\.json:\d+:\d+: (?!warning)(.*)", result.stderr)
+    mistakes = re.findall(rf"{re.escape(str(folder))}/(\d+)\.json:\d+:\d+: error: (.*)", result.stderr)
     return {int(number): text for number, text in reversed(mistakes)}
 
 
@@ -130,7 +130,7 @@ def check_fields(folder, schema):
         (folder / "fields.json").write_text(json.dumps({
             "x": 1, "request": {"x": 1}, "client": {"x": 1}, "frames": {"x": 1, "common": {"x": 1}, "each": [{"x": 1}]},
             "inputs": inputs, "outputs": [{"x": 1}]}))
-        listed = re.findall(r": (\S*?)\.?x: unknown field; known here: (.*)",
+        listed = re.findall(r": (\S*?)\.?x: unknown field; expected one of (.*)",
                             run("--check", folder / "fields.json").stderr)
         for place, names in listed:
             known = FIELDS[place]
@@ -159,9 +159,9 @@ def check_new(folder, schema):
     verdicts = [line for line in result.stdout.splitlines() if line.startswith("verdict")]
     if result.returncode or len(verdicts) <= len(kinds) or len(kinds) < 20:
         failures.append(f"of {len(kinds)} kinds {verdicts}: {result.stderr}")
-    for arguments, text in ((["nite"], "no kind of capture is called nite"), (["hdr6"], "(did you mean hdr"),
-                            (["hdr5", "--out", files[0]], "there is a file already"),
-                            (["--out", "x"], "needs a KIND")):
+    for arguments, text in ((["nite"], "no such kind: nite"), (["hdr6"], "(did you mean hdr"),
+                            (["hdr5", "--out", files[0]], "the file already exists"),
+                            (["--out", "x"], "requires a KIND")):
         failed = run("new", *arguments)
         if failed.returncode != 2 or text not in failed.stderr:
             failures.append(f"new {arguments}: status {failed.returncode}, {failed.stderr}")

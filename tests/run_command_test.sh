@@ -11,11 +11,11 @@ request() {
 
 echo "== Options"
 echo '{}' >photo.jpg
-refused '--photo: no photo that can be read: photo.jpg' --photo photo.jpg
+refused "--photo: can't read the photo photo.jpg" --photo photo.jpg
 request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
-prints "right.json: right: 1 frame, in nothing, out nothing, no algorithms" \
-  "$root/samples/night.json: right: 7 frames, in 7 NV21 632x416, out JPEG 632x416, night jpegEncode"
+prints "right.json: ok: 1 frame, in nothing, out nothing, no algorithms" \
+  "$root/samples/night.json: ok: 7 frames, in 7 NV21 632x416, out JPEG 632x416, night jpegEncode"
 command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out photo
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
 grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log shows no log"

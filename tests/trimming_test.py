@@ -131,16 +131,16 @@ def check_every_layout():
     pixels = Path("middle/input0.bin").read_bytes()
     expect("the middle's rows", bytes(value(0, 6, 4 + b) for b in range(20)), pixels[:20])
     for area, problem in {
-        "12": "needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 12",
-        "8,6,12,10,2": "needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 8,6,12,10,2",
-        "2,6,12,10": "needs columns that are multiples of 4 and even rows, found 2,6,12,10",
-        "8,3,12,10": "needs columns that are multiples of 4 and even rows, found 8,3,12,10",
-        "0,12": "needs columns that are multiples of 4 and even rows, found 0,12",
-        "24,6,12,10": "12x10 from 24,6 does not lie in input 0, which has 32x24",
-        "36,10": "36x10 does not lie in input 0, which has 32x24",
+        "12": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 12",
+        "8,6,12,10,2": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 8,6,12,10,2",
+        "2,6,12,10": "expected columns that are multiples of 4 and even rows, found 2,6,12,10",
+        "8,3,12,10": "expected columns that are multiples of 4 and even rows, found 8,3,12,10",
+        "0,12": "expected columns that are multiples of 4 and even rows, found 0,12",
+        "24,6,12,10": "12x10 from 24,6 exceeds input 0 of 32x24",
+        "36,10": "36x10 exceeds input 0 of 32x24",
     }.items():
         said = said_by(2, "trim", shots[0], "--out", "refused", "--crop", area)
-        expect(area, f"run: --crop: {problem}\n", said)
+        expect(area, f"run: error: --crop: {problem}\n", said)
     expect("nothing is left", False, Path("refused").exists())
 
 

@@ -1,4 +1,4 @@
-// Checks of calls that Java makes inside a callback, or while a callback is running.
+// What Java does inside a callback, and while one has not returned.
 #include <atomic>
 #include <future>
 
@@ -8,15 +8,16 @@
 namespace orlu::conform {
 namespace {
 
-// Long enough to be noticed, but shorter than the limit of a hang.
+// Long enough to be seen, and less than a hang.
 std::chrono::milliseconds holdTime() {
   return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
 }
 
-// Shorter, because a flush may have its own timeout.
+// A flush may give up after a time of its own.
 constexpr std::chrono::milliseconds kFlushHold{500};
 
-// Blocks the first callback until open() or a timeout. Shared with callbacks, because they may arrive late.
+// The first callback waits until the gate is opened, or for a while. Shared with callbacks, which may come
+// late.
 class Gate {
 public:
   explicit Gate(std::chrono::milliseconds hold) : mHold(hold) {}
@@ -29,7 +30,7 @@ public:
     mChanged.wait_for(lock, mHold, [this] { return mIsOpen; });
     mIsLeft = true;
   }
-  // Returns false if no callback arrives.
+  // False if no callback came.
   bool waitUntilReached() {
     std::unique_lock<std::mutex> lock(mMutex);
     const bool came = mChanged.wait_for(lock, std::chrono::seconds(options().patienceSeconds),
@@ -37,7 +38,7 @@ public:
     if (!came) missCallback();
     return came;
   }
-  // Returns true if the callback was still blocked.
+  // True if the callback was still held.
   bool open() {
     const std::lock_guard<std::mutex> lock(mMutex);
     mIsOpen = true;
@@ -116,9 +117,9 @@ void actInside(const Action& action) {
   Request request;
   request.inputs = {&scene.input};
   request.outputs = {&scene.output};
-  // From here on the callback owns the block.
+  // The block is the callback's to destroy from now on.
   submit(scene.client, scene.inbox, *parameters, request);
-  // The parent process detects an operation that hangs in the callback.
+  // An operation that hangs in there is noticed by the process that waits for this one.
   const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));
   if (came != std::future_status::ready) {
     missCallback();
@@ -126,16 +127,15 @@ void actInside(const Action& action) {
                   << options().patienceSeconds + 5 << " s";
     return;
   }
-  // The callback's thread may still be returning from this call.
+  // Its thread may still be on its way out of what it was made to do here.
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request that was submitted inside the callback before";
-  // The thread may also still be returning from the callback.
+  // And on its way out of the callback.
   scene.client.end();
 }
 
-// Runs the work while a callback of the scene's client is blocked. Returns false if the work did not return
-// in that time.
+// Runs the work while a callback of the scene's client is held; false if the work did not return meanwhile.
 bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
   const auto gate = std::make_shared<Gate>(hold);
   scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
@@ -184,16 +184,15 @@ constexpr Work kWorks[] = {
        AlgoInitRecord init;
        init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
        call(-1, Library::open()->table().init, init);
-       // Destroys the client after the callback has returned, or never: a worker may be busy with that
-       // callback.
+       // Ended when the callback has returned, or not at all: a worker may be busy with that callback.
      }                                                      },
 };
 
 }  // namespace
 
 void checkInside() {
-  // A thread whose callback destroyed its own client returns from the library at an unknown time. It must not
-  // run into the destructors of the process exit.
+  // Nothing says when the thread whose callback destroyed its own client is done in the library. That thread
+  // must not meet the destructors of the process's end.
   endAtOnce();
   OPEN_LIBRARY(library);
   for (const Action& action : kActions) {

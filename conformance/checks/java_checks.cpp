@@ -1,4 +1,4 @@
-// The only check that runs a Java VM in its process.
+// The one check with a Java VM in the process.
 #include <dlfcn.h>
 #include <jni.h>
 #include <limits.h>
@@ -23,7 +23,7 @@ bool isAttached() {
   return gVm->GetEnv(&env, JNI_VERSION_1_4) == JNI_OK;
 }
 
-// GTEST_SKIP() only works in functions that return void.
+// GTEST_SKIP() returns nothing.
 bool skip(const std::string& reason) {
   [&] { GTEST_SKIP() << reason; }();
   return false;
@@ -31,15 +31,15 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// Finds JNI_CreateJavaVM in the named library, or else in the first one that loads. Loaded at run time, so
-// that the other checks' processes contain nothing of a VM. If it is missing, returns null and sets `reason`.
+// The function that makes a VM: of the library that was named, else of the first that the loader knows.
+// Opened at run time, so that no other check has anything of a VM in its process. Null with the reason.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
   if (options().jvm.empty()) names = {"libnativehelper.so", "libart.so"};
 #else
   const char* const home =
-      std::getenv("JAVA_HOME");  // NOLINT(concurrency-mt-unsafe): no other thread exists yet
+      std::getenv("JAVA_HOME");  // NOLINT(concurrency-mt-unsafe): no other thread is there
   if (options().jvm.empty()) names = {"libjvm.so"};
   if (options().jvm.empty() && home != nullptr) names.push_back(std::string(home) + "/lib/server/libjvm.so");
 #endif
@@ -50,7 +50,7 @@ CreateVm findVm(std::string& reason) {
       reason += (reason.empty() ? "" : "; ") + std::string(dlerror());
       continue;
     }
-    // Newer versions of Android's library load the runtime only after JniInvocationInit().
+    // Newer libraries of Android look for its runtime only when they are told to.
     const auto newInvocation = reinterpret_cast<void* (*)()>(dlsym(library, "JniInvocationCreate"));
     const auto init = reinterpret_cast<bool (*)(void*, const char*)>(dlsym(library, "JniInvocationInit"));
     if (newInvocation == nullptr || init == nullptr || init(newInvocation(), nullptr))
@@ -65,7 +65,7 @@ jint createVm(CreateVm create) {
 #ifdef __ANDROID__
   JavaVMInitArgs arguments = {JNI_VERSION_1_6, 0, nullptr, JNI_TRUE};
 #else
-  // The VM's crash report would be left in the caller's folder.
+  // Its own report of a crash would be left in the caller's folder.
   char names[][40] = {"-Xmx64m", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1", "-XX:ErrorFile=/dev/null"};
   JavaVMOption all[std::size(names)] = {};
   for (size_t i = 0; i < std::size(names); ++i) all[i].optionString = names[i];
@@ -74,7 +74,7 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// Returns false without a VM: fails the check if a VM was named, else skips it.
+// False when there is none: a failure where one was named, else the check is skipped.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;
@@ -97,9 +97,8 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Count the threads that called back and then exited, attached or not. They are detected by a thread-specific
-// key. Its destructor re-arms as often as the thread library allows, to run after all destructors of the
-// algorithm library.
+// Threads that called back and then ended, attached or not. Told by a key whose destructor comes back as
+// often as the threads' library allows, after all that the algorithm library may have put there.
 std::atomic<int> gEndedAttached{0};
 std::atomic<int> gEnded{0};
 pthread_key_t gEndKey;
@@ -161,12 +160,12 @@ void judgeLightStream(const std::vector<Message>& messages) {
 
 void checkJava() {
 #ifdef __SANITIZE_THREAD__
-  constexpr bool kSeesTheVm = true;  // reports the VM's own threads, which are not instrumented
+  constexpr bool kSeesTheVm = true;  // and reports its threads, which are not compiled for it
 #else
   constexpr bool kSeesTheVm = false;
 #endif
   if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer and a Java VM don't go together";
-  // The VM is not shut down; the process exits with it.
+  // The VM's threads and memory go with the process; it is not taken down in order.
   endAtOnce();
   if (!startVm()) return;
   OPEN_LIBRARY(library);

@@ -16,16 +16,15 @@ namespace orlu::conform {
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kKeys = 8;  // per thread and shared block
-constexpr int kRounds =
-    1000;  // each with a new shared block, because threads collide more often in a small one
-// The time limit; the minimum number of rounds, which finds a missing lock, runs anyway.
+constexpr int kKeys = 8;       // of each thread, in each shared block
+constexpr int kRounds = 1000;  // each with a new shared block: in a small one threads meet more often
+// The time is over at the latest then, but for the fewest rounds that find a missing lock.
 constexpr std::chrono::seconds kMostHammering{3};
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
 
-// Calls without the observer, whose overhead would keep the threads from colliding.
+// Calls without this side's watching, which would keep the threads apart.
 int setBare(void* block, const std::string& key, const std::string& bytes) {
   return call(-1, Library::open()->bareTable().metadataOps.setValue, block, kParameter, key.c_str(),
               static_cast<void*>(const_cast<char*>(bytes.data())), static_cast<unsigned>(bytes.size()));
@@ -38,8 +37,8 @@ std::string getBare(void* block, const std::string& key, size_t size) {
   return status == 0 ? bytes : "";
 }
 
-// Interrupts its thread at irregular intervals, also inside the library, and yields to other threads. A
-// missing lock thus shows even on one processor.
+// Interrupts the thread that made it at odd moments, inside the library too, and lets others run: what has no
+// lock shows then on a machine with one processor as well.
 class Interruptions {
 public:
   Interruptions() {
@@ -74,7 +73,7 @@ private:
   bool mIsMade;
 };
 
-// wait() releases all threads at once.
+// All threads leave wait() at the same moment.
 class Barrier {
 public:
   void wait() {
@@ -92,7 +91,7 @@ private:
   std::atomic<int> mTurn{0};
 };
 
-// Collects values that differ from what threads set.
+// What is wrong with the values that threads have set.
 struct Wrong {
   int count = 0;
   std::string first;
@@ -112,12 +111,12 @@ struct Wrong {
 
 struct Hammer {
   Barrier barrier;
-  void* shared = nullptr;  // the block of the round
+  void* shared = nullptr;  // the round's block
   int rounds = 0;
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // Names of different threads are neighbours in any order in which a store may keep them.
+  // Names of all threads lie beside one another in any order that a store may have.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }
@@ -125,7 +124,7 @@ struct Hammer {
     return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
   }
 
-  // Sets new keys and one that all threads set, and creates and destroys a block.
+  // New keys, one that all threads set, and a block that comes and goes.
   void strike(int round, int thread) {
     Wrong& own = wrong[thread];
     for (int i = 0; i < kKeys; ++i) {
@@ -135,7 +134,7 @@ struct Hammer {
     }
     setBare(shared, kOfAll, bytes(round, 0, thread, kLarge));
     const std::string seen = getBare(shared, kOfAll, kLarge);
-    // May be any thread's value, but not a mixture.
+    // Anyone's, but whole.
     own.expect(kOfAll, std::string(kLarge, seen.empty() ? '\0' : seen[0]), seen);
     const auto& ops = Library::open()->bareTable().metadataOps;
     void* const block = call<void*>(nullptr, ops.createMetadata, kParameterBlock);
@@ -145,7 +144,7 @@ struct Hammer {
     callPlain(ops.destroyMetadata, block);
   }
 
-  // The first thread creates and checks the block of each round while the others wait.
+  // The first thread makes and judges each round's block while the others wait.
   void lead() {
     const auto end = std::chrono::steady_clock::now() + kMostHammering;
     const auto goesOn = [&] { return rounds < kFewestRounds || std::chrono::steady_clock::now() < end; };
@@ -166,7 +165,7 @@ struct Hammer {
   }
 
   void follow(int thread) {
-#ifndef __SANITIZE_THREAD__  // ThreadSanitizer finds races without interruptions, and delays signals
+#ifndef __SANITIZE_THREAD__  // which sees races without, and holds signals back
     const Interruptions interruptions;
 #endif
     for (;;) {

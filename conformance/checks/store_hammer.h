@@ -1,9 +1,9 @@
-// Stress test of the parameter store with eight threads.
+// Eight threads at the parameter store at once.
 #pragma once
 
 namespace orlu::conform {
 
-// Fails the check if a value differs from what was set. Notes the number of attempts.
+// Fails the check if a value is not what was set. Notes how often it was tried.
 void hammerStore();
 
 }  // namespace orlu::conform

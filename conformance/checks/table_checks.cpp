@@ -1,4 +1,4 @@
-// Checks of the entry, the tables and the records passed in calls.
+// The entry, the tables and the records that pass.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@
 namespace orlu::conform {
 namespace {
 
-// A callable that the service needs, and the consequence if it is missing.
+// What the service can't do without, and what it costs when it is missing.
 struct Need {
   const char* callable;
   const char* cost;
@@ -49,7 +49,8 @@ std::string join(const std::vector<std::string>& words) {
   return text;
 }
 
-// A table between guard bytes. Never destroyed: destroying a faulty table would crash.
+// A table with bytes around it that nobody has to touch. Never taken down: what a faulty one holds can't be
+// destroyed.
 struct GuardedTable {
   static constexpr size_t kGuard = 512;
   static constexpr unsigned char kPattern = 0xC3;
@@ -69,7 +70,7 @@ struct GuardedTable {
   }
 };
 
-// Returns true if the table matches this declaration. Calls and destroys nothing of it.
+// True when the table looks like one of this declaration. Nothing of it is called or destroyed.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {
@@ -85,7 +86,7 @@ bool looksWhole(const GuardedTable& guarded) {
   return whole;
 }
 
-// A record that ends at the end of a page; the next page is not mapped. Guard bytes precede the record.
+// A record at the end of a page, with nothing behind it. In front of it are bytes that nobody has to touch.
 template <typename Record>
 class EdgeRecord {
 public:
@@ -117,7 +118,7 @@ private:
   Record* mRecord;
 };
 
-// Calls without the observer, so that the library gets the record directly.
+// Unwatched, with nothing of this side's between the library and the record.
 template <typename Callable, typename Record>
 void callBare(const std::string& name, const Callable& callable, const Record& record) {
   const Operation operation(name, name);
@@ -137,7 +138,7 @@ void tryRecords(Scene& scene) {
   step("a process record at the end of a page");
   callBare("process", table.process, *process);
   HOLDS(process.isUntouched()) << "process writes before its record";
-  // A different id, such as the reqId, shows which bytes the library read instead.
+  // Another id, such as the reqId, says which bytes were read in its place.
   if (!scene.inbox.waitFor(request.nativeReq)) {
     for (const Message& message : scene.inbox.messages()) {
       ADD_FAILURE() << "the callback names request " << hex(message.nativeReq()) << " instead of "
@@ -228,7 +229,7 @@ void checkMandatory() {
 
 void checkLayout() {
   step("a table between guards");
-  // Only calls the entry: the table has not been checked yet.
+  // The entry may be called before anything of the table is believed.
   Library* const library = Library::open();
   if (library == nullptr) GTEST_SKIP() << kUnusable;
   auto* const guarded = new GuardedTable();

@@ -1,5 +1,5 @@
-// Watches which descriptors the library opens, duplicates and closes, and which images of the kit it maps.
-// Sanitizers replace the same functions, so nothing is watched in their builds.
+// Sees what the library does with descriptors and with mappings of the kit's images. Under a sanitizer, which
+// has such functions of its own, nothing is seen.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace orlu::conform {
 
-// Watches during its lifetime; one object at a time. Descriptors that are open at construction belong to the
-// caller, so construct it before the library is opened.
+// Sees while it lives. One at a time. What is open when it is made belongs to the caller: make it before the
+// library is opened.
 class DescriptorWatch {
 public:
   DescriptorWatch();
@@ -17,16 +17,15 @@ public:
   ~DescriptorWatch();
 
   static bool canSee();
-  // Until they are forgotten, closing or replacing these descriptors is a fault of the library.
+  // The library must not close or replace these descriptors, until they are forgotten.
   void lend(const std::vector<int>& descriptors);
   void forget(const std::vector<int>& descriptors);
-  // Numbers that the library closed are occupied for a while, so that they are not reused and a second close
-  // is detected. Returns how many descriptors are open for this reason.
+  // Numbers that the library has closed are kept for a while, so that nobody gets them and a second close is
+  // seen. So many are open because of that.
   int kept() const;
-  // Returns and clears the faults since the last call.
+  // What was wrong since this was last asked.
   std::vector<std::string> takeWrong();
-  // Returns and clears the duplicates and mappings that the library made since the last call and has not
-  // released.
+  // Duplicates and mappings that the library made since this was last asked, and has not given back.
   std::vector<std::string> takeLeft();
 };
 

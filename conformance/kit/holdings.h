@@ -1,4 +1,4 @@
-// The resources of this process. Checks compare them to find leaks of the library.
+// What a process holds, for checks of what a library leaves behind.
 #pragma once
 
 #include <cstdint>
@@ -6,13 +6,13 @@
 
 namespace orlu::conform {
 
-// In sanitizer builds, mappings and bytes are 0, because most of them belong to the sanitizer.
+// Under a sanitizer, whose own they mostly are, mappings and bytes are 0.
 struct Holdings {
   int64_t descriptors = 0;
   int64_t threads = 0;
   int64_t mappings = 0;
   int64_t imageMappings = 0;  // of the kit's images
-  int64_t bytes = 0;          // on the heap
+  int64_t bytes = 0;          // allocated
 
   static Holdings now();
   Holdings operator-(const Holdings& before) const;
@@ -20,10 +20,10 @@ struct Holdings {
   std::string text() const;
 };
 
-// Returns the heap bytes in use.
+// Bytes that are allocated.
 int64_t allocatedBytes();
 
-// Fills fresh and freed memory with this byte from now on, if the C library supports it; 0 stops filling.
+// What fresh and freed memory is filled with from now on, where the C library can; 0 for nothing.
 void poison(int byte);
 
 }  // namespace orlu::conform

@@ -1,4 +1,5 @@
-// An image of a request: a memory file with a pattern, followed by guard bytes that nobody may change.
+// An image of a request: a memory file with a pattern in it, and more of the file behind the image, where
+// nobody has anything to write.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -20,7 +21,7 @@ struct ImageShape {
   bool isHardwareBuffer = false;
 };
 
-// Padding of an image in memory.
+// How an image lies in memory.
 struct Layout {
   const char* name;
   int32_t padding;
@@ -38,7 +39,7 @@ constexpr Layout kLayouts[] = {
 // "64 x 48 of format 1", for evidence.
 std::string describe(const AlgoFrameInfo& frame);
 
-// The pixels of one row of a plane, as a range of the image's bytes.
+// A row of a plane: where its pixels lie in the image's bytes.
 struct PixelRow {
   int plane;
   int32_t row;
@@ -48,34 +49,34 @@ struct PixelRow {
 
 class Image {
 public:
-  // `filler` selects the pattern, so that two images differ.
+  // `filler` decides the pattern, so that two images differ.
   explicit Image(const ImageShape& shape = {}, int filler = 1);
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
   ~Image();
 
-  // The record as the service builds it. The image keeps ownership of the descriptors.
+  // The record as the service builds it. The descriptors stay this image's.
   AlgoFrameInfo frame() const;
-  // Handles are allocated separately, so that poisoning a record leaves them intact.
+  // A poisoned record must not be followed into these.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
-  // All descriptors in the record.
+  // All that travel in the record.
   std::vector<int> descriptors() const { return {mFd, mOtherFd}; }
   size_t size() const { return mSize; }
-  // The bytes written at construction.
+  // The bytes that it was made with.
   const std::vector<uint8_t>& pattern() const { return mPattern; }
-  // From top to bottom, plane by plane. Formats without a known layout return all bytes as rows.
+  // Top to bottom, plane by plane; of a format without a known layout all of it as rows of bytes.
   std::vector<PixelRow> rows() const;
-  // The current bytes of the image.
+  // The image's bytes as they are now.
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }
-  // Returns "" or describes bytes written outside the planes: between them or after the image.
+  // "" or what was written outside the planes: between them, or behind the image.
   std::string strayWrite() const;
 
-  // False for JPEG and for unknown formats, which have no pixels at known offsets.
+  // False for a JPEG and for what has no name: there are bytes, and no pixels at known places.
   static bool hasKnownLayout(int32_t format);
-  // The formats that the service passes, as named by it.
+  // Formats that the service hands over, by its names.
   static const std::vector<int32_t>& formats();
   static constexpr size_t kGuardBytes = 8192;
 
@@ -85,7 +86,7 @@ private:
   const ImageShape mShape;
   size_t mSize = 0;
   int mFd = -1;
-  int mOtherFd = -1;  // first descriptor of a hardware buffer, which has no pixels
+  int mOtherFd = -1;  // the first descriptor of a hardware buffer, which is not the pixels'
   std::vector<uint8_t> mPattern;
   AlgoNativeHandle* mHandle = nullptr;
 };

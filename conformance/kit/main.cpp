@@ -1,4 +1,4 @@
-// The program of ./run conform: runs the checks on one algorithm library.
+// The command behind ./run conform: runs the checks over one algorithm library.
 #include <getopt.h>
 
 #include <algorithm>
@@ -55,7 +55,7 @@ bool gIsPerf = false;
 std::string gBaseline;
 std::string gAlgorithms;
 
-// A GoogleTest test in this process, which runs the check in a child process.
+// A test of GoogleTest's in this process, which waits for the check in its own.
 class CheckTest : public testing::Test {
 public:
   explicit CheckTest(const Check& check) : mCheck(check) {}
@@ -78,7 +78,7 @@ private:
   const Check& mCheck;
 };
 
-// Gives each round of --repeat new seeds and a new time budget.
+// Gives each round of --repeat its seeds, and time of its own.
 class Rounds : public testing::EmptyTestEventListener {
   void OnTestIterationStart(const testing::UnitTest& test, int round) override {
     startBudget();
@@ -133,7 +133,7 @@ constexpr option kFlags[] = {
 
 // NOLINTBEGIN(concurrency-mt-unsafe): the command line is read before there is a second thread.
 [[noreturn]] void refuse(const std::string& text) {
-  std::fprintf(stderr, "run: %s; see ./run conform --help\n", text.c_str());
+  std::fprintf(stderr, "run: error: %s; see ./run conform --help\n", text.c_str());
   std::exit(2);
 }
 
@@ -144,12 +144,12 @@ bool isCheck(const std::string& name) {
   return false;
 }
 
-// Converts the names of checks to a GoogleTest filter.
+// GoogleTest's filter for the names of some checks.
 std::string filterFor(const std::string& names) {
   std::string filter;
   std::istringstream list(names);
   for (std::string name; std::getline(list, name, ',');) {
-    if (!isCheck(name)) refuse("there is no check \"" + name + "\" (--list names all)");
+    if (!isCheck(name)) refuse("no such check: " + name + "; --list prints all");
     filter += ":conform." + name;
   }
   return filter;
@@ -159,15 +159,15 @@ double positive(const char* text, const char* flag) {
   char* end = nullptr;
   const double number = std::strtod(text, &end);
   if (*text == '\0' || *end != '\0' || number < 0 || number > 1e6) {
-    refuse(std::string("--") + flag + " takes a number that is not negative, not \"" + text + "\"");
+    refuse(std::string("--") + flag + ": expected a number from 0 to 1000000, found \"" + text + "\"");
   }
   return number;
 }
 
-// GoogleTest's own seed, with 0 for the time of day.
+// GoogleTest's own, which knows 0 for the time of day.
 int shuffleSeed(const char* text) {
   const auto seed = static_cast<int>(positive(text, "shuffle"));
-  if (seed < 1 || seed > 99999) refuse("--shuffle takes a seed from 1 to 99999");
+  if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);
   return seed;
 }
 
@@ -175,11 +175,11 @@ void listChecks() {
   for (const Check& check : allChecks()) std::printf("%-12s%s\n", check.name, check.promise);
 }
 
-// Reads the options. Options that print something and run no check exit here.
+// Takes the command line; answers what asks for no check at once.
 void readCommandLine(int argc, char** argv) {
   std::string only;
   int index = 0;
-  // getopt's own messages would start with the path of this program.
+  // Its own words would name this program by its path.
   for (int flag = 0; (flag = getopt_long(argc, argv, ":", kFlags, &index)) != -1;) {
     Options& taken = options();
     switch (flag) {
@@ -237,15 +237,15 @@ void readCommandLine(int argc, char** argv) {
         std::fputs(kUsage, stdout);
         std::exit(0);
       case ':':
-        refuse(std::string(argv[optind - 1]) + " needs a value");
+        refuse(std::string(argv[optind - 1]) + " requires a value");
       default:
         refuse(std::string("unknown option ") + argv[optind - 1]);
     }
   }
   if (optind < argc) options().library = argv[optind++];
-  if (options().library.empty()) refuse("no library is named");
-  if (!gBaseline.empty() && !gIsPerf) refuse("--baseline needs --perf");
-  if (optind < argc) refuse(std::string("one library at a time, not \"") + argv[optind] + "\" as well");
+  if (options().library.empty()) refuse("missing LIBRARY");
+  if (!gBaseline.empty() && !gIsPerf) refuse("--baseline requires --perf");
+  if (optind < argc) refuse(std::string("unexpected argument ") + argv[optind]);
   // NOLINTEND(concurrency-mt-unsafe)
   if (gIsPerf) {
     gAlgorithms = only;
@@ -285,7 +285,8 @@ int runChecks() {
 }  // namespace
 }  // namespace orlu::conform
 
-// The kit reports a segmentation fault with the operation that caused it, and the Java VM uses the signal.
+// A segmentation fault of the library is told by the operation that it was in, and the Java VM has uses for
+// it.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:handle_abort=0";
 }
@@ -293,7 +294,7 @@ extern "C" const char* __asan_default_options() {
 int main(int argc, char** argv) {
   using namespace orlu::conform;
 #ifdef ORLU_CONFORM_LIBRARY
-  // In the build folder, the defaults are the stand-in and the VM of the build.
+  // In the build's folder: the stand-in, and the VM that it was built with.
   options().library = ORLU_CONFORM_LIBRARY;
   options().jvm = ORLU_CONFORM_JVM;
 #endif

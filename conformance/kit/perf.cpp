@@ -21,9 +21,8 @@ namespace {
 constexpr char kCopy[] = "copy";  // a request without an algorithm
 constexpr int kRepeats = 9;
 constexpr int kMostSeconds = 3600;
-constexpr double kLeastChange =
-    0.05;                      // fraction of a row's time; smaller changes come from caches and clocks
-constexpr double kNoises = 4;  // a change is significant if it exceeds the noise this many times
+constexpr double kLeastChange = 0.05;  // of a row; caches and clocks change less than that between runs
+constexpr double kNoises = 4;          // a change that is larger than so many is none of the noise
 constexpr std::array<std::array<int32_t, 2>, 3> kSizes = {
     {{640, 480}, {1920, 1080}, {4080, 3072}}
 };
@@ -37,8 +36,7 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// The text after `name` in a line of JSON: a number, or a string without its first quote; "" if the name is
-// absent.
+// What follows the name in a line of JSON: a number, or a string without its first quote; "" without it.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -61,7 +59,7 @@ std::optional<PerfRow> rowOf(const std::string& line) {
   return row;
 }
 
-// Reads a line such as "VmHWM:    1234 kB" of /proc/self/status.
+// A line such as "VmHWM:    1234 kB" of the process's status.
 int64_t kilobytesOf(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -76,7 +74,7 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
-// Runs requests one after another. The first one warms up and is not counted.
+// Requests one after another, the first of which counts for nothing.
 class Meter {
 public:
   void measure(const std::string& algorithm, const ImageShape& shape) {
@@ -85,7 +83,7 @@ public:
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? jpegOf(shape) : shape, 70);
     const int64_t kilobytes = kilobytesOf("VmRSS:");
-    std::ofstream("/proc/self/clear_refs") << "5";  // restarts the peak
+    std::ofstream("/proc/self/clear_refs") << "5";  // the most from now on
     std::vector<double> times;
     for (int i = 0; i <= kRepeats; ++i) {
       const double time = millisecondsOf(algorithm, input, output);
@@ -101,7 +99,7 @@ public:
   }
 
 private:
-  // As many bytes as the pixels have, which a JPEG does not exceed.
+  // The size of its memory is that of the pixels, which a JPEG does not exceed.
   static ImageShape jpegOf(const ImageShape& shape) {
     return {kFormatJpeg, shape.width, shape.height, 0, 0, false};
   }
@@ -129,7 +127,7 @@ private:
   uint64_t mLast = 0;
 };
 
-std::vector<std::string> gWanted;  // all if empty
+std::vector<std::string> gWanted;  // all if it is empty
 
 bool isWanted(const std::string& algorithm) {
   return gWanted.empty() || std::find(gWanted.begin(), gWanted.end(), algorithm) != gWanted.end();
@@ -148,7 +146,7 @@ void measureAll() {
   }
 }
 
-// Parses names separated by commas. Returns the first unknown name, or "".
+// Takes the names between commas. Returns the first that is unknown, else "".
 std::string want(const std::string& algorithms) {
   std::istringstream list(algorithms);
   for (std::string name; std::getline(list, name, ',');) {
@@ -175,7 +173,7 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// The relative change of the time since `before`; 0 if the noise of both explains it.
+// By how much `row` is slower than `before`, of its time; 0 for what the noise of both explains.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);
@@ -214,7 +212,7 @@ void printJson(const std::vector<PerfRow>& rows) {
 int runPerf(const std::string& algorithms, bool isJson, const std::string& baseline) {
   const std::string unknown = want(algorithms);
   if (!unknown.empty()) {
-    std::fprintf(stderr, "run: there is no algorithm \"%s\" to measure\n", unknown.c_str());
+    std::fprintf(stderr, "run: error: no such algorithm: %s\n", unknown.c_str());
     return 2;
   }
   std::vector<std::string> lines;
@@ -222,7 +220,7 @@ int runPerf(const std::string& algorithms, bool isJson, const std::string& basel
   for (std::string line; std::getline(file, line);) lines.push_back(line);
   const std::vector<PerfRow> before = rowsOf(lines);
   if (!baseline.empty() && before.empty()) {
-    std::fprintf(stderr, "run: %s is no output of --perf --json\n", baseline.c_str());
+    std::fprintf(stderr, "%s: error: expected the output of --perf --json\n", baseline.c_str());
     return 2;
   }
   options().budgetSeconds = 0;
@@ -234,7 +232,7 @@ int runPerf(const std::string& algorithms, bool isJson, const std::string& basel
   } else {
     printTable(rows, before);
   }
-  for (const std::string& text : outcome.evidence) std::fprintf(stderr, "run: %s\n", text.c_str());
+  for (const std::string& text : outcome.evidence) std::fprintf(stderr, "run: error: %s\n", text.c_str());
   const bool isSlower = std::any_of(rows.begin(), rows.end(), [&](const PerfRow& row) {
     const PerfRow* const old = find(before, row);
     return old != nullptr && change(row, *old) > 0;

@@ -1,4 +1,4 @@
-// Output of the results for people, scripts and CI.
+// What people, scripts and CI get to see of the checks.
 #pragma once
 
 #include <string>
@@ -13,9 +13,10 @@ struct CheckResult {
   Outcome outcome;
 };
 
-// One line per check: verdict, name, evidence. Warnings and further evidence follow on separate lines.
+// One line for each check: verdict, name, evidence. A warning and further evidence follow in lines of their
+// own.
 std::string lineOf(const CheckResult& result);
-// All results as one JSON object.
+// All of them as one JSON object.
 std::string jsonOf(const std::vector<CheckResult>& results);
 
 }  // namespace orlu::conform

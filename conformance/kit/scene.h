@@ -1,4 +1,5 @@
-// Fixtures that use the library as the service does: clients, blocks, requests, and an inbox for callbacks.
+// What a check needs to work with the library as the service does: clients, blocks, requests and where their
+// callbacks arrive.
 #pragma once
 
 #include <chrono>
@@ -15,7 +16,7 @@
 
 namespace orlu::conform {
 
-// Owns a metadata block.
+// A metadata block for the life of this object.
 class Block {
 public:
   explicit Block(int kind = kParameterBlock);
@@ -27,8 +28,8 @@ public:
   int set(const char* section, const char* key, const void* data, size_t size);
   int set(const char* section, const char* key, const std::string& bytes);
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // The bytes that getValue() wrote into a buffer of this size; `status` receives its return value. Bytes
-  // that getValue() left unchanged are not included.
+  // The bytes that getValue() wrote into a buffer of this size; `status` gets what it returned. Nothing of
+  // the buffer's own bytes counts as written.
   std::string written(const char* section, const char* key, size_t size, int& status) const;
   unsigned size() const;
   void destroy();
@@ -37,7 +38,7 @@ private:
   void* mHandle;
 };
 
-// Owns a client. Destroys it as the service does: flush, uninit, destroy.
+// A client for the life of this object, which ends it as the service does: flush, uninit, destroy.
 class Client {
 public:
   Client();
@@ -57,31 +58,31 @@ private:
 
 struct Message {
   std::string data;
-  std::vector<std::vector<int32_t>> handles;  // the words of each handle
+  std::vector<std::vector<int32_t>> handles;  // the words of each
   std::thread::id thread;
   int64_t tid = 0;
   std::chrono::steady_clock::time_point time;
 
-  // Read from the callback's bytes; "" and 0 if there are too few.
+  // By the callback's own bytes; "" and 0 when they are too short.
   std::string name() const;
   uint64_t nativeReq() const;
   size_t payloadSize() const;
 };
 
-// Collects callbacks. Its function stays valid until the process ends.
+// Where callbacks arrive. Its function stays valid until the process ends.
 class Inbox {
 public:
   Inbox();
 
   uint64_t cookie() const;
   std::vector<Message> messages() const;
-  // The number of callbacks with this name for this request.
+  // Callbacks of this name for this request.
   size_t count(uint64_t nativeReq, const std::string& name = kShotCallback) const;
-  // Waits for the first callback, at most the patience of the options. Returns false after a timeout.
+  // Waits for the first one, as long as the command line says. False when the time was over.
   bool waitFor(uint64_t nativeReq) const;
-  // Discards all callbacks received so far.
+  // Keeps nothing of what arrived.
   void forget();
-  // `look` is called first on the thread of each callback. Set it before the first request.
+  // Called on the thread of each callback, before anything else. Set before the first request.
   void onCallback(std::function<void(const Message&)> look);
 
 private:
@@ -90,7 +91,7 @@ private:
   AlgoResultCallback* mFunction;
 };
 
-// First words of the evidence for a missing callback.
+// How the evidence of a request begins that was not called back.
 constexpr char kNoCallback[] = "no callback for ";
 
 struct Request {
@@ -105,14 +106,14 @@ struct Request {
                            void* raw) const;
 };
 
-// Serialised camera metadata with a few tags, in the service's format.
+// Camera metadata as the service serialises it, of a few tags.
 std::string cameraMetadata();
 
-// Submits a request as the service does, with a camera-metadata block that is destroyed when process() has
-// returned. Returns the status of process().
+// Submits a request as the service does: with a camera-metadata block of its own that is destroyed when
+// process() has returned. The status of process().
 int submit(const Client& client, const Inbox& inbox, const Block& parameters, const Request& request);
 
-// A client, an inbox, a parameter block and two small images, for checks that need no more.
+// A client, an inbox, a parameter block and a pair of small images, for checks that need no more.
 struct Scene {
   Client client;
   Inbox inbox;
@@ -120,10 +121,11 @@ struct Scene {
   Image input{ImageShape(), 1};
   Image output{ImageShape(), 2};
 
-  // Runs one capture with the two images. If the callback is missing, fails the check and returns false.
+  // One capture with the pair of images. False, and a failed check, when no callback came.
   bool run(uint64_t nativeReq, const std::vector<std::string>& algorithms = {});
 };
 
+// "64 x 48 NV21" and the like, for evidence.
 std::string hex(uint64_t number);
 
 }  // namespace orlu::conform

@@ -1,5 +1,6 @@
-// The smallest valid algorithm library. It stores parameters, copies the first input to all outputs, and
-// calls back. It passes all checks of the conformance kit. See docs/algorithm_library.md.
+// The least that an algorithm library has to be: it keeps parameters, copies the first input to all
+// outputs, and calls back. docs/algorithm_library.md shows it; the conformance kit finds nothing wrong with
+// it.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>
@@ -28,10 +29,10 @@ struct Block {
   std::string raw;
 };
 
-// One lock for everything. It is never held during calls of the caller's functions.
+// One lock for everything. It is never held while a function of the caller's runs.
 std::mutex gMutex;
 std::condition_variable gDone;
-std::map<void*, int> gPending;  // requests in flight by client
+std::map<void*, int> gPending;  // requests in flight, of each client
 std::set<Block*> gBlocks;
 
 int setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
@@ -51,7 +52,7 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// A callback may call into Java, so its thread must be attached to the VM, and detached before it exits.
+// Whatever a callback starts in Java needs a thread that the VM knows, and that lets go of it before it ends.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
@@ -60,8 +61,7 @@ JavaVM* findVm() {
   return get != nullptr && get(&vm, 1, &count) == JNI_OK && count > 0 ? vm : nullptr;
 }
 
-// A plane's position and rows. Each image has its own padding: the strides of an output differ from the
-// input's.
+// Bytes and rows of a plane. Rows are padded in each image as it likes: an output has strides of its own.
 struct Plane {
   size_t begin;
   size_t stride;
@@ -114,13 +114,13 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// The record and its descriptors belong to the caller and are invalid after process() has returned.
+// The record is the caller's, and gone when process returns; so are its descriptors.
 struct Request {
   void* client;
   uint64_t cookie;
   uint64_t nativeReq;
   std::vector<AlgoFrameInfo> frames;  // the first input and all outputs
-  std::vector<int> fds;               // duplicates of their descriptors
+  std::vector<int> fds;               // duplicates of theirs
 
   explicit Request(const AlgoProcessRecord& record)
       : client(record.client), cookie(record.callbackCookie), nativeReq(record.nativeReq) {
@@ -131,8 +131,7 @@ struct Request {
   }
 };
 
-// The client of the callback that this thread is in. Java may flush and destroy the client inside the
-// callback.
+// The client whose request this thread calls back for. Java may flush and destroy it in there.
 thread_local void* tCallingBack = nullptr;
 
 void work(const Request& request) {
@@ -184,7 +183,7 @@ extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(AlgoIn
   table->uninit = [](const AlgoUninitRecord&) { return 0; };
   table->process = process;
   table->flush = [](const AlgoFlushRecord& record) { return waitForRequests(record.client); };
-  table->command = [](const AlgoCommandRecord&) { return -1; };  // aborts nothing: requests finish soon
+  table->command = [](const AlgoCommandRecord&) { return -1; };  // nothing is aborted: it is done soon
   table->metadataOps.createMetadata = [](int) -> void* {
     const std::lock_guard<std::mutex> lock(gMutex);
     return *gBlocks.insert(new Block()).first;

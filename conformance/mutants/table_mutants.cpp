@@ -1,4 +1,4 @@
-// Mutants of the table: how it is filled, its clients, exceptions, and records.
+// Mutants of the table itself: how it is filled, its clients, what leaves it, its records.
 #include <unistd.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ void giveOneHandle(Table& table) {
                            const auto&) { return client; };
   table.destroyClient = [](void*) { return 0; };
 }
-// Forgets the values of a client when it is destroyed.
+// What a handle stands for ends with its client.
 template <typename Value>
 void forgetAtEnd(Table& table, std::map<void*, Value>& known) {
   table.destroyClient = [&known, destroy = table.destroyClient](void* client) {

@@ -64,7 +64,7 @@ bool DngFile::inRange(const char* name, int64_t value, int least, int most) {
   if (value >= least && value <= most) return true;
   const std::string wanted =
       least == most ? std::to_string(least) : std::to_string(least) + " to " + std::to_string(most);
-  return fail(std::string(name) + " needs " + wanted + ", found " + std::to_string(value));
+  return fail(std::string(name) + ": expected " + wanted + ", found " + std::to_string(value));
 }
 
 bool DngFile::findImage(int openStatus) {
@@ -86,11 +86,12 @@ bool DngFile::checkImage() {
   if (!inRange("BitsPerSample", mImage->bps, 8, 16)) return false;
   if (!inRange("SamplesPerPixel", std::max(mImage->samples, 1), 1, 1)) return false;
   if (mImage->comp != kUncompressed && mImage->comp != kLosslessJpeg) {
-    return fail("Compression needs 1 or 7, found " + std::to_string(mImage->comp));
+    return fail("Compression: expected 1 or 7, found " + std::to_string(mImage->comp));
   }
   if (imgdata.idata.filters < kLeastBayer) {
-    return fail(imgdata.idata.filters == LIBRAW_XTRANS ? "CFAPattern needs a Bayer mosaic, found one of 6x6"
-                                                       : "CFAPattern needs a Bayer mosaic, found none");
+    return fail(imgdata.idata.filters == LIBRAW_XTRANS
+                    ? "CFAPattern: expected a Bayer mosaic, found one of 6x6"
+                    : "CFAPattern: expected a Bayer mosaic, found none");
   }
   // LibRaw has its own rules to pick one of several images.
   if (imgdata.sizes.raw_width == width() && imgdata.sizes.raw_height == height() &&
@@ -110,7 +111,7 @@ bool DngFile::listBlocks() {
   const int found = isTiled() ? tiling().count : std::max(mImage->strip_offsets_count, 1);
   // Each has an offset in the file.
   if (needed != found || needed > libraw_internal_data.internal_data.input->size()) {
-    return fail("needs " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
+    return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
   for (int top = 0; top < height(); top += blockHeight) {
     // A tile at the lower edge has padding; a last strip has none.
@@ -142,7 +143,7 @@ bool DngFile::checkBlocks() {
                                   : int64_t{block.width} * block.height / kSamplesPerByte;
     const int64_t end = block.offset + bytes;
     if (end > size) {
-      return fail("too short: strip or tile " + std::to_string(i) + " needs " + std::to_string(end) +
+      return fail("too short: strip or tile " + std::to_string(i) + ": expected " + std::to_string(end) +
                   " bytes, found " + std::to_string(size));
     }
   }

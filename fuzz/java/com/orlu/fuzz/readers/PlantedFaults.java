@@ -37,20 +37,22 @@ final class PlantedFaults {
             throw new IllegalStateException();
         });
         mFaults.put("throws java.lang.StackOverflowError", () -> deep(0));
-        mFaults.put("prints run: java.io.EOFException", printing(2, "run: java.io.EOFException"));
+        mFaults.put("prints run: error: java.io.EOFException",
+                printing(2, "run: error: java.io.EOFException"));
         mFaults.put("prints ?at com.orlu.X.x(", printing(2, "\tat com.orlu.X.x(X.java:5)"));
         for (String control : List.of("\u001b", "\u0000", "\r", "\u007f", "\u009b", "\u202e", "\u2066",
                 "\u2028")) {
             mFaults.put("prints U+" + Integer.toHexString(control.charAt(0)),
                     printing(0, "a" + control + "b"));
         }
-        for (String empty : List.of("run: ", "run: null", "run: a.tiff: null", "a.json:3: null",
-                "a.png: damaged: ")) {
+        for (String empty : List.of("run: error: ", "run: error: null", "a.tiff: error: null",
+                "a.json:3:1: warning: ", "a.png: error: damaged: ")) {
             mFaults.put("prints " + empty.replaceAll("\\d", "N"), printing(2, empty));
         }
         mFaults.put("status 3", printing(3, "text"));
         mFaults.put("status 2 and no message", () -> 2);
-        mFaults.put("out of memory", printing(1, "run: out of memory: the frames are too many or too large"));
+        mFaults.put("out of memory",
+                printing(1, "run: error: out of memory: the frames are too many or too large"));
         mFaults.put("takes too long", PlantedFaults::spin);
         mFaults.put("takes over 1 GB", PlantedFaults::fill);
         mFaults.put("prints a file", doing(() -> System.out.println(Files.readString(mIn.resolve("link")))));

@@ -87,7 +87,7 @@ public final class RequestChecker {
         if (photo != null) {
             return photo;
         }
-        String problem = "no photo that can be read: " + request.photo();
+        String problem = "can't read the photo " + request.photo();
         if (mOtherPhoto != null) {
             throw new IllegalArgumentException("--photo: " + problem);
         }
@@ -135,7 +135,7 @@ public final class RequestChecker {
         long named = mMistakes.stream().filter(file -> file.errors() + file.warnings() > 0).count();
         if (named > 0) {
             String over = mMistakes.stream().anyMatch(Mistakes::areMore) ? "over " : "";
-            to.println("run: " + over + counted(errors(), "mistake") + " and "
+            to.println("run: " + over + counted(errors(), "error") + " and "
                     + counted(warnings(), "warning")
                     + " in " + named + " of " + counted(mMistakes.size(), "file")
                     + (isRight(isStrict) ? "" : "; nothing runs"));

@@ -49,7 +49,7 @@ final class SizeAdvice {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
             image.place().warn("stride", "rows of RAW16 can't have padding: the library hands on the width "
-                    + "instead of the stride; needs " + row + ", found " + image.strideBytes()
+                    + "instead of the stride; expected " + row + ", found " + image.strideBytes()
                     + " (or RAW_SENSOR)");
         }
     }
@@ -130,7 +130,7 @@ final class SizeAdvice {
         long row = pixels / rows;
         boolean fits = pixels % rows == 0 && row > image.strideBytes() && row < 2L * image.strideBytes();
         image.place().warn("file", image.file().path() + " has " + (size - end)
-                + " bytes behind the last plane"
+                + " bytes after the last plane"
                 + (fits ? "; rows of " + row + " bytes would fill it (the field stride)" : ""));
     }
 }

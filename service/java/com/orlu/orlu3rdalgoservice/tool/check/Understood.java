@@ -16,7 +16,7 @@ final class Understood {
     /** The images are those of the request, with sizes. */
     static String line(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
-        return request.file() + ": right: " + RequestChecker.counted(frames, "frame")
+        return request.file() + ": ok: " + RequestChecker.counted(frames, "frame")
                 + ", in " + images(inputs) + ", out " + images(outputs) + ", " + algorithms(request);
     }
 

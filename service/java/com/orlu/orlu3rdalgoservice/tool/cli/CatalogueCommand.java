@@ -79,8 +79,8 @@ final class CatalogueCommand implements Subcommand {
         List<Json> near = all.stream()
                 .filter(entry -> Catalogue.name(entry).toLowerCase(Locale.ROOT).contains(part)).toList();
         if (near.isEmpty()) {
-            throw new IllegalArgumentException("no " + Catalogue.of(mName).one() + " has " + word
-                    + " in its name" + NearestWord.question(word, names(all)));
+            throw new IllegalArgumentException("no such " + Catalogue.of(mName).one() + ": " + word
+                    + NearestWord.question(word, names(all)));
         }
         return near;
     }

@@ -167,18 +167,18 @@ final class Commands {
             return unmatched.isUnknownOption()
                     ? "unknown option " + first + NearestWord.question(first.replaceFirst("=.*", ""),
                             List.copyOf(e.getCommandLine().getCommandSpec().optionsMap().keySet()))
-                    : "one argument too many: " + first;
+                    : "unexpected argument " + first;
         }
         if (e instanceof MissingParameterException missing) {
             ArgSpec first = missing.getMissing().get(0);
             return first instanceof OptionSpec option && !option.required()
-                    ? option.longestName() + " needs a value"
-                    : "needs " + (first instanceof OptionSpec option ? option.longestName() + " " : "")
+                    ? option.longestName() + " requires a value"
+                    : "missing " + (first instanceof OptionSpec option ? option.longestName() + " " : "")
                             + first.paramLabel();
         }
         if (e.getArgSpec() instanceof OptionSpec option && e.getValue() != null) {
-            return "%s %s, found \"%s\"".formatted(option.longestName(), option.arity().max() == 0
-                    ? "takes no value" : "needs " + option.paramLabel(), e.getValue());
+            return "%s: %s, found \"%s\"".formatted(option.longestName(), option.arity().max() == 0
+                    ? "expected no value" : "expected " + option.paramLabel(), e.getValue());
         }
         return e.getMessage();
     }

@@ -118,13 +118,14 @@ final class CompareCommand implements Subcommand {
         GivenPaths.checkRead(mFiles);
         GivenPaths.checkRead(mLibraries);
         if (mLibraries.size() != 2) {
-            throw new IllegalArgumentException("compare needs --lib twice, found " + mLibraries.size());
+            throw new IllegalArgumentException("expected --lib twice, found " + mLibraries.size());
         }
         if (Files.isSameFile(mLibraries.get(0), mLibraries.get(1))) {
             throw new IllegalArgumentException("both --lib name the same file: " + mLibraries.get(1));
         }
         if (mLeastPsnr != null && !(mLeastPsnr >= 0)) {
-            throw new IllegalArgumentException("--fail-below needs a PSNR of 0 or more, found " + mLeastPsnr);
+            throw new IllegalArgumentException("--fail-below: expected a PSNR of at least 0, found "
+                    + mLeastPsnr);
         }
         mMany.check();
     }

@@ -42,7 +42,7 @@ final class DiffCommand implements Subcommand {
         GivenPaths.checkRead(mLibraries);
         mComparison.begin("diff");
         if (mLibraries.size() != SIDES && (mFiles.size() != SIDES || !mLibraries.isEmpty())) {
-            throw new IllegalArgumentException("diff needs two runs, or --lib twice; see ./run diff --help");
+            throw new IllegalArgumentException("expected two runs, or --lib twice; see ./run diff --help");
         }
         List<Run> left = runs(0);
         List<Run> right = runs(1);

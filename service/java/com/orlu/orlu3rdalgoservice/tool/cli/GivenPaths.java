@@ -58,8 +58,8 @@ final class GivenPaths {
                 }
             }
             if (requests.size() == before) {
-                throw new IllegalArgumentException(path + ": needs a folder of request files (*.json) or "
-                        + "recordings, found none of them");
+                throw new IllegalArgumentException(path + ": expected request files (*.json) or "
+                        + "recordings, found neither");
             }
         }
         return requests;
@@ -69,7 +69,7 @@ final class GivenPaths {
         try (Stream<Path> files = Files.list(folder)) {
             return files.filter(file -> !file.getFileName().toString().startsWith(".")).sorted().toList();
         } catch (IOException e) {
-            throw new IllegalArgumentException("can't read " + folder, e);
+            throw new IllegalArgumentException("can't read the folder " + folder, e);
         }
     }
 
@@ -89,13 +89,13 @@ final class GivenPaths {
             return this;
         }
         if (Files.isDirectory(file)) {
-            throw new IllegalArgumentException(option + ": needs a file, found a folder: " + file);
+            throw new IllegalArgumentException(option + ": expected a file, found a folder: " + file);
         }
         if (!Files.isDirectory(whole.getParent())) {
             throw new IllegalArgumentException(option + ": no such folder: " + file.getParent());
         }
         if (Files.isRegularFile(file) && isRequest(file)) {
-            throw new IllegalArgumentException(option + " would write over a request file: " + file);
+            throw new IllegalArgumentException(option + " would overwrite a request file: " + file);
         }
         return this;
     }
@@ -103,7 +103,7 @@ final class GivenPaths {
     /** Adds an option's folder, which may be null or not exist yet. */
     GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
-            throw new IllegalArgumentException(option + ": needs a folder, found a file: " + folder);
+            throw new IllegalArgumentException(option + ": expected a folder, found a file: " + folder);
         }
         return this;
     }

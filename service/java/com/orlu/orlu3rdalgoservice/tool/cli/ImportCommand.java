@@ -41,11 +41,11 @@ final class ImportCommand implements Subcommand {
     @Override
     public int run() throws MistakeException, IOException {
         if (Files.isDirectory(mOut)) {
-            throw new IllegalArgumentException("--out: needs a file, found a folder: " + mOut);
+            throw new IllegalArgumentException("--out: expected a file, found a folder: " + mOut);
         }
         // A foreign folder may contain a link to one of the user's files.
         if (Files.isSymbolicLink(mOut)) {
-            throw new IllegalArgumentException("--out: needs a file, found a link: " + mOut);
+            throw new IllegalArgumentException("--out: expected a file, found a link: " + mOut);
         }
         for (Path file : mFiles) {
             needFile(file);
@@ -60,14 +60,14 @@ final class ImportCommand implements Subcommand {
     private void needFile(Path file) throws IOException {
         if (!Files.isRegularFile(file)) {
             throw new IllegalArgumentException(
-                    (Files.exists(file) ? "needs a file with bytes to read, found another kind: "
+                    (Files.exists(file) ? "expected a regular file, found another kind: "
                             : "no such file: ") + file);
         }
         if (!Files.isReadable(file)) {
             throw new IllegalArgumentException("can't be read: " + file);
         }
         if (Files.exists(mOut) && Files.isSameFile(file, mOut)) {
-            throw new IllegalArgumentException("--out would write over what is imported: " + mOut);
+            throw new IllegalArgumentException("--out would overwrite the imported file " + mOut);
         }
     }
 
@@ -75,7 +75,7 @@ final class ImportCommand implements Subcommand {
         try {
             Files.createDirectories(folder);
         } catch (IOException e) {
-            throw new IllegalArgumentException("--out: no folder can be made here: " + folder, e);
+            throw new IllegalArgumentException("--out: can't create the folder " + folder, e);
         }
         if (!Files.isWritable(folder)) {
             throw new IllegalArgumentException("--out: can't write into the folder " + folder);

@@ -43,7 +43,7 @@ final class InfoCommand implements Subcommand {
                 } catch (MistakeException e) {
                     // The other recordings may be intact.
                     System.out.flush();
-                    System.err.println("run: " + Printable.message(e));
+                    System.err.println(Printable.error(e));
                     status = Verdict.REFUSED;
                 }
             }

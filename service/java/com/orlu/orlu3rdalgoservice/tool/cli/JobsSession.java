@@ -81,7 +81,7 @@ final class JobsSession {
         }
         if (wrong > 0) {
             System.err.println(
-                    "run: mistakes in " + wrong + " of " + mRequests.size() + " files; nothing runs");
+                    "run: errors in " + wrong + " of " + mRequests.size() + " files; nothing runs");
         }
         return wrong == 0;
     }

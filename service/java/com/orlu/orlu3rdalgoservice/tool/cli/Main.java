@@ -33,7 +33,7 @@ public final class Main {
         try {
             return TrialSession.run(arguments, library);
         } catch (IOException e) {
-            return failed("can't write or read " + Printable.message(e));
+            return failed("can't read or write " + Printable.message(e));
         }
     }
 
@@ -47,10 +47,10 @@ public final class Main {
             String died = System.getProperty("orlu.died");
             return died == null ? command.run() : command.afterDeath(Integer.parseInt(died));
         } catch (IllegalArgumentException | MistakeException e) {
-            System.err.println("run: " + Printable.message(e));
+            System.err.println(Printable.error(e));
             return Verdict.REFUSED;
         } catch (IOException e) {
-            return failed("can't write or read " + Printable.message(e));
+            return failed("can't read or write " + Printable.message(e));
         } catch (OutOfMemoryError e) {
             return failed("out of memory: the frames are too many or too large");
         } catch (ErrnoException | IllegalStateException | UnsatisfiedLinkError e) {
@@ -59,7 +59,7 @@ public final class Main {
     }
 
     private static int failed(String problem) {
-        System.err.println("run: " + problem);
+        System.err.println("run: error: " + problem);
         System.out.println(new Verdict(Verdict.FAILED, List.of(problem)).line());
         return Verdict.FAILED;
     }

@@ -31,7 +31,7 @@ final class NewCommand implements Subcommand {
         if (mKind != null) {
             write();
         } else if (mOut != null) {
-            throw new IllegalArgumentException("--out needs a KIND; ./run new lists them");
+            throw new IllegalArgumentException("--out requires a KIND; ./run new lists them");
         } else {
             Catalogue.entries("samples").forEach(sample -> System.out.printf("%-17s  %s%n",
                     Catalogue.name(sample), Catalogue.text(sample.get("about"))));
@@ -42,7 +42,7 @@ final class NewCommand implements Subcommand {
     private void write() throws IOException {
         List<String> kinds = Candidates.of("samples");
         if (!kinds.contains(mKind)) {
-            throw new IllegalArgumentException("no kind of capture is called " + mKind
+            throw new IllegalArgumentException("no such kind: " + mKind
                     + NearestWord.question(mKind, kinds) + "; ./run new lists them");
         }
         String text = CommentedSample.of(
@@ -50,7 +50,7 @@ final class NewCommand implements Subcommand {
         if (mOut == null) {
             System.out.print(text);
         } else if (Files.exists(mOut)) {
-            throw new IllegalArgumentException("--out: there is a file already: " + mOut);
+            throw new IllegalArgumentException("--out: the file already exists: " + mOut);
         } else {
             Files.writeString(mOut, text);
         }

@@ -90,7 +90,7 @@ final class PostMortem {
                 mOptions.written.text().println("  page        " + Printable.line(
                         pages.add(report, inputs(run), new Timeline(), source)));
             } catch (MistakeException e) {
-                System.err.println("run: no page: " + Printable.message(e));
+                System.err.println("run: warning: no page: " + Printable.message(e));
             }
         }
         pages.writeIndex(requests);
@@ -144,7 +144,7 @@ final class PostMortem {
             exhibits.afterCrash(inputs);
             return exhibits;
         } catch (ErrnoException | MistakeException e) {
-            System.err.println("run: no pictures in the page: " + Printable.message(e));
+            System.err.println("run: warning: no pictures in the page: " + Printable.message(e));
             return null;
         } finally {
             inputs.forEach(ImageBuffer::close);

@@ -168,28 +168,28 @@ final class RunCommand implements Subcommand {
         if (isGiven("--jobs")) {
             needsPositive("--jobs", tried.jobs);
             refuse(List.of("--events", "--timeline", "--record", "--one-client", "--log"),
-                    " is of one process: leave out --jobs");
+                    " can't be combined with --jobs");
         }
         if (isGiven("--burst")) {
             needsPositive("--burst", tried.burst);
             needsPositive("--in-flight", tried.inFlight);
             refuse(List.of("--params", "--explain", "--tags", "--report", "--record", "--check", "--strict",
                            "--jobs", "--one-client"),
-                    " is of single requests: leave out --burst");
+                    " can't be combined with --burst");
             if (requests().size() != 1 || tried.interval < 0) {
                 throw new IllegalArgumentException(
-                        "--burst needs one request and an interval of 0 or more, found " + requests().size()
-                        + " and " + tried.interval);
+                        "--burst: expected one request and an interval of at least 0, found "
+                        + requests().size() + " and " + tried.interval);
             }
         } else {
-            refuse(List.of("--interval", "--in-flight"), " needs --burst");
+            refuse(List.of("--interval", "--in-flight"), " requires --burst");
         }
         if (tried.algoDelay != null && !tried.algoDelay.matches("[0-9]{1,6}(-[0-9]{1,6})?(,unordered)?")) {
-            throw new IllegalArgumentException("--algo-delay needs MS, MS-MS or MS-MS,unordered, found \""
+            throw new IllegalArgumentException("--algo-delay: expected MS, MS-MS or MS-MS,unordered, found \""
                     + tried.algoDelay + '"');
         }
         if (tried.photo != null && !Files.isRegularFile(tried.photo)) {
-            throw new IllegalArgumentException("--photo: no such photo: " + tried.photo);
+            throw new IllegalArgumentException("--photo: no such file: " + tried.photo);
         }
         return this;
     }
@@ -206,7 +206,7 @@ final class RunCommand implements Subcommand {
 
     static void needsPositive(String option, int value) {
         if (value < 1) {
-            throw new IllegalArgumentException(option + " needs a number from 1, found " + value);
+            throw new IllegalArgumentException(option + ": expected a number of at least 1, found " + value);
         }
     }
 

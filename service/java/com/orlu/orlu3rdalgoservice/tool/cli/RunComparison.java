@@ -34,7 +34,7 @@ final class RunComparison extends ResultOptions {
     void begin(String command) {
         // The negation also rejects NaN.
         if (!(mTolerance >= 0)) {
-            throw new IllegalArgumentException("--tolerance needs a NUMBER of 0 or more, found "
+            throw new IllegalArgumentException("--tolerance: expected a NUMBER of at least 0, found "
                     + mTolerance);
         }
         check(new GivenPaths().folder("--out", mOut));

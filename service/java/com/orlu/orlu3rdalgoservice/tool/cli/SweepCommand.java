@@ -61,7 +61,7 @@ final class SweepCommand implements Subcommand {
         mMany.check();
         List<Path> requests = GivenPaths.requests(List.of(mRequest));
         if (requests.size() != 1 || mTags.isEmpty() || mTags.size() > 2) {
-            throw new IllegalArgumentException("sweep needs one request and one or two --tag, found %d and %d"
+            throw new IllegalArgumentException("expected one request and one or two --tag, found %d and %d"
                     .formatted(requests.size(), mTags.size()));
         }
         List<SweptTag> tags = mTags.stream().map(SweptTag::of).toList();
@@ -93,7 +93,7 @@ final class SweepCommand implements Subcommand {
         }
         if (points.size() > MOST_RUNS) {
             throw new IllegalArgumentException(
-                    "sweep needs at most " + MOST_RUNS + " runs, found " + points.size());
+                    "expected at most " + MOST_RUNS + " runs, found " + points.size());
         }
         return points;
     }

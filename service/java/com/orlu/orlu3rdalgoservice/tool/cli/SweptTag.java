@@ -26,8 +26,8 @@ record SweptTag(String name, List<String> values) {
     static SweptTag of(String text) {
         int equals = text.indexOf('=');
         if (equals < 1 || equals == text.length() - 1) {
-            throw new IllegalArgumentException("--tag needs NAME=from:to:steps or NAME=value,value, found \""
-                    + text + '"');
+            throw new IllegalArgumentException("--tag: expected NAME=from:to:steps or NAME=value,value, "
+                    + "found \"" + text + '"');
         }
         String values = text.substring(equals + 1);
         Matcher range = RANGE.matcher(values);
@@ -43,7 +43,7 @@ record SweptTag(String name, List<String> values) {
         int steps = Integer.parseInt(range.group(3));
         if (steps < 2 || steps > MOST) {
             throw new IllegalArgumentException(
-                    "--tag " + text + ": needs 2 to " + MOST + " steps, found " + steps);
+                    "--tag " + text + ": expected 2 to " + MOST + " steps, found " + steps);
         }
         try {
             BigDecimal from = new BigDecimal(range.group(1));
@@ -60,7 +60,8 @@ record SweptTag(String name, List<String> values) {
                                        .toPlainString())
                     .toList();
         } catch (NumberFormatException e) {
-            throw new IllegalArgumentException("--tag " + text + ": needs numbers around the first \":\"", e);
+            throw new IllegalArgumentException(
+                    "--tag " + text + ": expected numbers around the first \":\"", e);
         }
     }
 

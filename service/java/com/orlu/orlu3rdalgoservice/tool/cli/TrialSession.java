@@ -57,7 +57,7 @@ final class TrialSession {
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
                 // No command follows that would report it.
-                System.err.println("run: " + Printable.message(e));
+                System.err.println(Printable.error(e));
             }
             return Verdict.REFUSED;
         } catch (ErrnoException | IllegalStateException | OutOfMemoryError | UnsatisfiedLinkError e) {

@@ -50,7 +50,7 @@ final class TrimCommand implements Subcommand {
     public int run() throws MistakeException, IOException {
         CropArea crop = mCrop == null ? null : CropArea.parse(mCrop);
         if (mKeepsFaces && !mIsPrivate) {
-            throw new IllegalArgumentException("--faces needs --private");
+            throw new IllegalArgumentException("--faces requires --private");
         }
         GivenPaths.checkRead(List.of(mFolder));
         new GivenPaths().folder("--out", mOut);

@@ -49,7 +49,7 @@ public final class PictureFile {
     private void checkMemory(ImageReader reader) throws IOException {
         long pixels = (long) mWidth * mHeight;
         if (pixels > MOST_PIXELS) {
-            throw new IOException("needs at most " + MOST_PIXELS + " pixels, found " + mWidth + "x"
+            throw new IOException("expected at most " + MOST_PIXELS + " pixels, found " + mWidth + "x"
                     + mHeight);
         }
         if (reader.getFormatName().equalsIgnoreCase("tif")) {
@@ -61,7 +61,7 @@ public final class PictureFile {
             long bytes = pixels * samples.getNumBands()
                     * DataBuffer.getDataTypeSize(samples.getDataType()) / Byte.SIZE;
             if (bytes > MOST_BYTES) {
-                throw new IOException("needs at most " + MOST_BYTES + " bytes when decoded, found " + bytes);
+                throw new IOException("expected at most " + MOST_BYTES + " decoded bytes, found " + bytes);
             }
         }
     }
@@ -72,7 +72,7 @@ public final class PictureFile {
         for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {
             int bits = sizes.getAsInt(i);
             if (bits > Short.SIZE && bits != Integer.SIZE && bits != Long.SIZE) {
-                throw new IOException("needs at most 16, or 32 or 64 bits a sample, found " + bits);
+                throw new IOException("expected at most 16, or 32 or 64 bits a sample, found " + bits);
             }
         }
     }
@@ -94,7 +94,7 @@ public final class PictureFile {
     public void readSamples(SampleSink to) throws IOException {
         Raster raster = decode().getRaster();
         if (raster.getNumBands() != 1) {
-            throw new IOException("needs one sample a pixel for a raw format, found "
+            throw new IOException("expected one sample a pixel for a raw format, found "
                     + raster.getNumBands());
         }
         for (int y = 0; y < mHeight; ++y) {
@@ -108,7 +108,7 @@ public final class PictureFile {
         try (ImageInputStream stream = ImageIO.createImageInputStream(path.toFile())) {
             Iterator<ImageReader> readers = ImageIO.getImageReaders(stream);
             if (!readers.hasNext()) {
-                throw new IOException("no picture of a known form");
+                throw new IOException("not a picture of a known format");
             }
             ImageReader reader = readers.next();
             try {

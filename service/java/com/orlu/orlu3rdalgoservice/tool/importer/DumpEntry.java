@@ -14,7 +14,7 @@ import java.util.List;
  */
 record DumpEntry(int line, String tag, String number, String type, long count, List<String> values) {
     String place() {
-        return "line " + line;
+        return ":" + line;
     }
 
     /** Why values are missing or too many; null if they are complete. */

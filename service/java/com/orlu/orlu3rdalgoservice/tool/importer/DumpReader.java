@@ -29,13 +29,12 @@ final class DumpReader {
         int dropped = 0;
         for (List<DumpEntry> buffer : buffers) {
             if (OF_DESCRIPTIONS.stream().anyMatch(tag -> has(buffer, tag))) {
-                mNotes.add(buffer.get(0).place(), "the buffer describes a camera: its tags are taken where "
+                mNotes.add(buffer.get(0).place(), "the buffer describes a camera; its tags are used where "
                         + "a result has none");
                 description.fillFrom(DumpTags.of(buffer, mNotes));
                 hasDescription = true;
             } else if (hasResults && !has(buffer, TIMESTAMP)) {
-                mNotes.add(buffer.get(0).place(), "the buffer is no result, having no " + TIMESTAMP
-                        + ": dropped");
+                mNotes.add(buffer.get(0).place(), "buffer dropped; missing " + TIMESTAMP);
             } else if (frames.size() == Limits.FRAMES) {
                 ++dropped;
             } else {
@@ -43,7 +42,7 @@ final class DumpReader {
             }
         }
         if (dropped > 0) {
-            mNotes.add("", dropped + " results dropped: a request has at most " + Limits.FRAMES + " frames");
+            mNotes.add("", dropped + " results dropped; a request has at most " + Limits.FRAMES + " frames");
         }
         if (frames.isEmpty() && hasDescription) {
             frames.add(description);

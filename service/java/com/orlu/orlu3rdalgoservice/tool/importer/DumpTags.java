@@ -57,7 +57,7 @@ final class DumpTags {
             problem = entry.incompleteness();
         }
         if (problem != null) {
-            mNotes.add(entry.place(), entry.tag() + " dropped, " + problem);
+            mNotes.add(entry.place(), entry.tag() + " dropped; " + problem);
         } else if (PARTS.containsKey(entry.tag())) {
             mParts.put(entry.tag(), entry);
         } else {
@@ -87,7 +87,7 @@ final class DumpTags {
         try {
             mFrame.put(tag, value.get(), entry.place(), mNotes);
         } catch (DamagedValueException e) {
-            mNotes.add(entry.place(), tag + " dropped, " + e.getMessage());
+            mNotes.add(entry.place(), tag + " dropped; " + e.getMessage());
         }
     }
 
@@ -143,7 +143,7 @@ final class DumpTags {
         }
         // The dump prints no exponents.
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
-            throw new DamagedValueException("no number and no known name: " + text);
+            throw new DamagedValueException("not a number or a known name: " + text);
         }
         return entry.type().equals("byte") ? (Object) byteOf(entry, text) : new BigDecimal(text);
     }
@@ -152,7 +152,7 @@ final class DumpTags {
         try {
             return Integer.parseInt(text);
         } catch (NumberFormatException e) {
-            throw new DamagedValueException("no " + entry.type() + ": " + text);
+            throw new DamagedValueException("not of type " + entry.type() + ": " + text);
         }
     }
 
@@ -160,7 +160,7 @@ final class DumpTags {
     private static int byteOf(DumpEntry entry, String text) throws DamagedValueException {
         int value = integer(entry, text);
         if (value < Byte.MIN_VALUE || value > UNSIGNED_MOST) {
-            throw new DamagedValueException("no byte: " + text);
+            throw new DamagedValueException("not a byte: " + text);
         }
         return value;
     }
@@ -168,7 +168,7 @@ final class DumpTags {
     private static int edge(int start, int size) throws DamagedValueException {
         long edge = (long) start + size;
         if (edge != (int) edge) {
-            throw new DamagedValueException("no int32: an edge of " + edge);
+            throw new DamagedValueException("not an int32: an edge of " + edge);
         }
         return (int) edge;
     }
@@ -176,7 +176,7 @@ final class DumpTags {
     private static BigDecimal milliseconds(DumpEntry seconds) throws DamagedValueException {
         String text = only(seconds);
         if (!text.matches("\\d{1,18}")) {
-            throw new DamagedValueException("no time in seconds: " + text);
+            throw new DamagedValueException("not a time in seconds: " + text);
         }
         return new BigDecimal(text).movePointRight(3);
     }

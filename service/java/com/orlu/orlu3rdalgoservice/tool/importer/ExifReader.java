@@ -121,7 +121,7 @@ final class ExifReader {
         if (index >= 0 && index < values.length && values[index] >= 0) {
             put(tag, (double) values[index], name);
         } else {
-            mNotes.add(name, tag + " dropped, nothing there is like " + index);
+            mNotes.add(name, tag + " dropped; no equivalent for " + index);
         }
     }
 
@@ -139,7 +139,7 @@ final class ExifReader {
                     put("android.sensor.info.colorFilterArrangement", (double) number, "CFAPattern");
                     return;
                 }
-                mNotes.add("CFAPattern", "dropped, no arrangement is " + Arrays.toString(colors));
+                mNotes.add("CFAPattern", "dropped; no arrangement is " + Arrays.toString(colors));
             }
         }
     }
@@ -151,7 +151,7 @@ final class ExifReader {
             return;
         }
         if (!Double.isFinite(place.getLatitude()) || !Double.isFinite(place.getLongitude())) {
-            mNotes.add("GPS", "android.jpeg.gpsLocation dropped, it is no finite place");
+            mNotes.add("GPS", "android.jpeg.gpsLocation dropped; not a finite place");
             return;
         }
         Map<String, Object> location = JsonWriter.object(
@@ -172,7 +172,7 @@ final class ExifReader {
             boolean isWhole = value == Math.rint(value) && Math.abs(value) < 1L << 53;
             mFrame.put(tag, isWhole ? (Object) value.longValue() : value, place, mNotes);
         } else if (value != null) {
-            mNotes.add(place, tag + " dropped, it is no finite number");
+            mNotes.add(place, tag + " dropped; not a finite number");
         }
     }
 
@@ -198,7 +198,7 @@ final class ExifReader {
         mTaken.add(tag);
         Double number = first(directory, tag);
         if (number == null) {
-            mNotes.add(directory.getTagName(tag), "dropped, it is no number");
+            mNotes.add(directory.getTagName(tag), "dropped; not a number");
         }
         return number;
     }

@@ -17,10 +17,10 @@ public final class ImportedFrame {
         if (problem == null) {
             String before = mTags.put(tag, text);
             if (before != null && !before.equals(text)) {
-                notes.add(place, tag + " is there again: " + before + " dropped");
+                notes.add(place, tag + " given twice; " + before + " dropped");
             }
         } else {
-            notes.add(place, tag + " dropped, " + problem);
+            notes.add(place, tag + " dropped; " + problem);
         }
     }
 

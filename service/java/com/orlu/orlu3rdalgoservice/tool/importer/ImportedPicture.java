@@ -27,7 +27,7 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
         }
         PictureFile picture = PictureFile.open(file);
         if (Math.max(picture.width(), picture.height()) > Limits.FILE_SIDE) {
-            throw new IOException("needs sides of at most " + Limits.FILE_SIDE + " pixels, found "
+            throw new IOException("expected sides of at most " + Limits.FILE_SIDE + " pixels, found "
                     + picture.width() + "x" + picture.height());
         }
         boolean isEven = picture.width() % 2 == 0 && picture.height() % 2 == 0;

@@ -65,7 +65,7 @@ public final class Importer {
 
     private void limit(String what, List<?> all, int most) {
         if (all.size() > most) {
-            mNotes.add("", what + "s from " + most + " on dropped: found " + all.size());
+            mNotes.add("", what + "s from " + most + " on dropped; found " + all.size());
             all.subList(most, all.size()).clear();
         }
     }
@@ -107,7 +107,7 @@ public final class Importer {
 
     private void readDump(Path file) throws MistakeException, IOException {
         if (Files.size(file) > MOST_DUMP_BYTES) {
-            throw new MistakeException(file.toString(), "", "needs at most " + MOST_DUMP_BYTES
+            throw new MistakeException(file.toString(), "", "expected at most " + MOST_DUMP_BYTES
                     + " bytes for a dump, found " + Files.size(file));
         }
         // Invalid bytes are replaced, and notes show the replacement.
@@ -115,7 +115,7 @@ public final class Importer {
         List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
         if (frames.isEmpty()) {
             throw new MistakeException(file.toString(), "",
-                    "no form that is known: neither a metadata buffer with entries, nor JSON, nor a picture");
+                    "unknown form; expected a metadata buffer with entries, JSON or a picture");
         }
         mFrames.addAll(frames);
     }
@@ -130,7 +130,7 @@ public final class Importer {
         try {
             mPictures.add(ImportedPicture.of(file, kind));
         } catch (IOException e) {
-            mNotes.add("", "its pixels are no input: " + Printable.message(e));
+            mNotes.add("", "pixels not used as an input: " + Printable.message(e));
         }
     }
 
@@ -147,7 +147,7 @@ public final class Importer {
         if (expected != null) {
             mPictures.add(new ImportedPicture(file, expected.output().format(), expected.output()));
         } else {
-            mNotes.add("", "dropped: no output of a JSON file has its " + size + " bytes");
+            mNotes.add("", "dropped; no output of a JSON file has its " + size + " bytes");
         }
     }
 
@@ -164,7 +164,7 @@ public final class Importer {
         String stem = expected.json().getFileName().toString().replaceFirst("\\.[^.]*$", "");
         Path file = expected.json().resolveSibling(stem + "." + output.name());
         if (!RecordedFile.isRegular(file)) {
-            mNotes.add("outputs", "no picture is named for " + output.name() + " " + output.width() + "x"
+            mNotes.add("outputs", "no picture given for " + output.name() + " " + output.width() + "x"
                     + output.height() + ", and there is no " + file.getFileName());
         } else if (output.kind() == ImageFileKind.BYTES) {
             readPixels(file);

@@ -19,9 +19,11 @@ public final class Notes {
         mFile = file;
     }
 
+    /** Adds a note. `place` is ":" and a line, a field or empty. */
     void add(String place, String problem) {
         if (++mCount <= MOST) {
-            mLines.add(Printable.line(mFile + ": " + (place.isEmpty() ? "" : place + ": ") + problem));
+            mLines.add(Printable.line(mFile + (place.startsWith(":") ? place + ": note: "
+                    : ": note: " + (place.isEmpty() ? "" : place + ": ")) + problem));
         }
     }
 

@@ -42,7 +42,7 @@ final class SuiteReader {
         }
         addEach(shot.get("captureResults"), this::addFrame);
         if (mFrames.isEmpty()) {
-            throw shot.error("needs captureResult or captureResults, objects of tags");
+            throw shot.error("expected captureResult or captureResults, objects of tags");
         }
         // The test keeps constant values in the camera's description; here they belong to the result.
         if (shot.has("cameraProperties")) {
@@ -53,14 +53,14 @@ final class SuiteReader {
         addEach(shot.get("outputs"), this::addOutput);
         for (String member : members.keySet()) {
             if (!List.of("cameraProperties", "captureResult", "captureResults", "outputs").contains(member)) {
-                mNotes.add(member, "not taken: it is no result");
+                mNotes.add(member, "not used; not a result");
             }
         }
     }
 
     private void addEach(Json list, Consumer<Json> add) {
         if (list != null && !list.isList()) {
-            mNotes.add(list.path(), "dropped, it is no list");
+            mNotes.add(list.path(), "dropped; not a list");
         } else if (list != null) {
             list.elements().forEach(add);
         }
@@ -75,7 +75,7 @@ final class SuiteReader {
 
     private boolean addTags(ImportedFrame frame, Json tags) {
         if (!tags.isObject()) {
-            mNotes.add(tags.path(), "dropped, it is no object of tags");
+            mNotes.add(tags.path(), "dropped; not an object of tags");
             return false;
         }
         for (Map.Entry<String, Json> tag : tags.entries().entrySet()) {
@@ -84,7 +84,7 @@ final class SuiteReader {
                 continue;
             }
             if (type == null) {
-                mNotes.add(tags.path(), tag.getKey() + " dropped, unknown tag");
+                mNotes.add(tags.path(), tag.getKey() + " dropped; unknown tag");
             } else {
                 frame.put(tag.getKey(), converted(type, tag.getValue()), tags.path(), mNotes);
             }
@@ -141,7 +141,7 @@ final class SuiteReader {
     private void addOutput(Json element) {
         SuiteOutput output = SuiteOutput.of(element);
         if (output == null) {
-            mNotes.add(element.path(), "dropped, it needs a format of " + SuiteOutput.FORMATS.keySet()
+            mNotes.add(element.path(), "dropped; expected a format of " + SuiteOutput.FORMATS.keySet()
                     + ", width and height");
         } else {
             mOutputs.add(output);

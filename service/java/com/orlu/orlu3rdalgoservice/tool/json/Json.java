@@ -16,9 +16,9 @@ import java.util.TreeSet;
 /**
  * A value of a JSON text. The tree is immutable, and each value knows its file, line, column and path.
  *
- * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: needs a text, found
- * 5") if the value has another type. An accessor with a fallback returns it if the member is absent; it also
- * returns it for a member of another type, and notes that in mistakes(). Nothing else is thrown.
+ * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected a text,
+ * found 5") if the value has another type. An accessor with a fallback returns it if the member is absent or
+ * has another type, and notes the latter in mistakes(). Nothing else is thrown.
  */
 public final class Json implements Place {
     private static final int LONGEST_QUOTE = 60;
@@ -120,15 +120,15 @@ public final class Json implements Place {
         return new MistakeException(mMistakes.at(mSpot.line(), mSpot.column(), path(), problem, false));
     }
 
-    /** Returns an exception: "needs X, found Y". */
+    /** Returns an exception: "expected X, found Y". */
     public MistakeException needs(String what) {
-        return error("needs " + what + ", found " + found());
+        return error("expected " + what + ", found " + found());
     }
 
     /** Returns an exception for a text that is not one of the names, with the nearest of them. */
     public MistakeException needsName(String what, Collection<String> names) {
         String hint = isString() ? NearestWord.question((String) mContent, names) : "";
-        return error("needs " + what + ", found " + found() + hint);
+        return error("expected " + what + ", found " + found() + hint);
     }
 
     /** Notes a warning about this value. */
@@ -286,7 +286,7 @@ public final class Json implements Place {
     public List<Json> list(int count) throws MistakeException {
         List<Json> elements = list();
         if (elements.size() != count) {
-            throw error("needs a list of " + count + ", found " + elements.size() + " elements");
+            throw error("expected a list of " + count + ", found " + elements.size() + " elements");
         }
         return elements;
     }
@@ -327,7 +327,7 @@ public final class Json implements Place {
         List<String> allowed = List.of(names);
         members().forEach((name, member) -> {
             if (!allowed.contains(name)) {
-                String problem = "unknown field; known here: " + String.join(", ", new TreeSet<>(allowed))
+                String problem = "unknown field; expected one of " + String.join(", ", new TreeSet<>(allowed))
                         + NearestWord.question(name, allowed);
                 Spot spot = member.mNameSpot;
                 mMistakes.add(mMistakes.at(spot.line(), spot.column(), member.path(), problem, false));
@@ -359,7 +359,7 @@ public final class Json implements Place {
     public Json require(String name) throws MistakeException {
         Json member = members().get(name);
         if (member == null) {
-            throw error("needs the field " + name);
+            throw error("missing field " + name);
         }
         return member;
     }

@@ -66,7 +66,7 @@ final class JsonReader {
             // A pipe has no size, and may have no end.
             byte[] bytes = isTooLarge ? new byte[0] : file.readNBytes(MOST_BYTES + 1);
             if (isTooLarge || bytes.length > MOST_BYTES) {
-                mistakes.add(0, 0, "", "needs at most " + MOST_BYTES + " bytes, found "
+                mistakes.add(0, 0, "", "expected at most " + MOST_BYTES + " bytes, found "
                         + (isTooLarge ? Files.size(path) : "more"));
                 return null;
             }
@@ -89,7 +89,7 @@ final class JsonReader {
             String before = text.toString();
             int line = 1 + (int) before.chars().filter(c -> c == '\n').count();
             mistakes.add(line, before.length() - before.lastIndexOf('\n'), "",
-                    "needs UTF-8, found an invalid byte");
+                    "expected UTF-8, found an invalid byte");
             return null;
         }
         return text.length() > 0 && text.charAt(0) == '\uFEFF' ? text.subSequence(1, text.length()).toString()
@@ -155,10 +155,10 @@ final class JsonReader {
             throws IOException, MistakeException {
         Json.Spot spot = tokenStart();
         if (++mValues > MOST_VALUES) {
-            throw mistake(spot, "needs at most " + MOST_VALUES + " values, found more");
+            throw mistake(spot, "expected at most " + MOST_VALUES + " values, found more");
         }
         if (level > MOST_LEVELS) {
-            throw mistake(spot, "needs at most " + MOST_LEVELS + " levels of objects and lists, found more");
+            throw mistake(spot, "expected at most " + MOST_LEVELS + " levels of nesting, found more");
         }
         return switch (mParser.currentToken()) {
             case START_OBJECT -> {
@@ -220,7 +220,7 @@ final class JsonReader {
             }
         }
         mMistakes.add(spot.line(), spot.column(), "",
-                "needs a number that some type holds, found " + Json.cut(text));
+                "expected a number that some type holds, found " + Json.cut(text));
         return BigDecimal.ZERO;
     }
 }

@@ -19,7 +19,7 @@ public record CropArea(int x, int y, int width, int height) {
     public static CropArea parse(String text) {
         if (!text.matches("\\d{1,6},\\d{1,6}(,\\d{1,6},\\d{1,6})?")) {
             throw new IllegalArgumentException(
-                    "--crop: needs WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found " + text);
+                    "--crop: expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found " + text);
         }
         String[] parts = text.split(",");
         int size = parts.length - 2;
@@ -29,7 +29,7 @@ public record CropArea(int x, int y, int width, int height) {
         if (area.width < 1 || area.height < 1 || area.width % COLUMNS != 0 || area.height % ROWS != 0
                 || area.x > 0 && area.x % COLUMNS != 0 || area.y > 0 && area.y % ROWS != 0) {
             throw new IllegalArgumentException(
-                    "--crop: needs columns that are multiples of 4 and even rows, found " + text);
+                    "--crop: expected columns that are multiples of 4 and even rows, found " + text);
         }
         return area;
     }
@@ -43,8 +43,8 @@ public record CropArea(int x, int y, int width, int height) {
                 y < 0 ? (imageHeight - height) / 2 / ROWS * ROWS : y, width, height);
         if (placed.x < 0 || placed.y < 0 || placed.x + width > imageWidth
                 || placed.y + height > imageHeight) {
-            throw new IllegalArgumentException("--crop: " + this + " does not lie in " + image
-                    + ", which has " + imageWidth + "x" + imageHeight);
+            throw new IllegalArgumentException("--crop: " + this + " exceeds " + image
+                    + " of " + imageWidth + "x" + imageHeight);
         }
         return placed;
     }

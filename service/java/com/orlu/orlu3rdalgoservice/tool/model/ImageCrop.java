@@ -57,7 +57,7 @@ final class ImageCrop {
         int[] sizes = given == null ? new int[0] : given;
         if (strides == null || strides.length == 0 || strides[0] < mFormat.tightStride(mWidth)) {
             throw new IllegalArgumentException("--crop: " + name + " has rows of "
-                    + (strides == null || strides.length == 0 ? "no size" : strides[0] + " bytes"));
+                    + (strides == null || strides.length == 0 ? "unknown size" : strides[0] + " bytes"));
         }
         int newStride = cut(strides[0], 0);
         int end = addPlane(0, 0, strides[0], newStride, 1);

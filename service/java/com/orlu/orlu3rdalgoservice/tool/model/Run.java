@@ -137,14 +137,14 @@ public final class Run {
     public static Run ofEvents(Path file) throws MistakeException {
         RecordedEvents events = RunFolder.events(file);
         if (events.calls().isEmpty()) {
-            throw new MistakeException(file.toString(), "", "no recording, no request file, and no events");
+            throw new MistakeException(file.toString(), "", "expected a recording, request file or events");
         }
         Run run = new Run(
                 file.toString(), null, null, Json.none(), Json.none(), "", List.of(), events);
         for (Event put : events.events("put")) {
             long frame = put.number("frame");
             if (frame < 0 || frame > events.events().size()) {
-                throw put.fields().error("frame", "needs the number of a frame, found " + frame);
+                throw put.fields().error("frame", "expected the number of a frame, found " + frame);
             }
             while (run.mPuts.size() <= frame) {
                 run.mPuts.add(new LinkedHashMap<>());

@@ -50,7 +50,7 @@ public final class RunFolder {
         try (Stream<Path> inside = Files.list(folder)) {
             List<Path> found = inside.filter(RunFolder::isRun).sorted().toList();
             if (found.isEmpty()) {
-                throw new MistakeException(folder.toString(), "", "no recording: it has no " + REQUEST);
+                throw new MistakeException(folder.toString(), "", "not a recording; missing " + REQUEST);
             }
             return found;
         }
@@ -64,7 +64,7 @@ public final class RunFolder {
         List<Path> folders = in(folder);
         if (folders.size() != 1) {
             throw new IllegalArgumentException(
-                    folder + " has " + folders.size() + " recordings; name one of them");
+                    folder + ": expected one recording, found " + folders.size());
         }
         return folders.get(0);
     }
@@ -96,14 +96,14 @@ public final class RunFolder {
         }
         if (!RecordedFile.isRegular(file)) {
             throw new MistakeException(file.toString(), "", RecordedFile.isRegular(folder.resolve(OLD))
-                    ? "no such file: recordings of version 1 are no longer read; record the request again"
+                    ? "no such file; recordings of version 1 are no longer read"
                     : "no such regular file: " + problem);
         }
         RequestFile request = RequestFileReader.read(file, null, mistakes);
         mistakes.throwFirst();
         Json root = Json.read(file);
         if (!root.has("recording")) {
-            throw root.error("needs the field recording: no recorder wrote this file");
+            throw root.error("missing field recording; no recorder wrote this file");
         }
         // Trimming removed the outcome.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
@@ -151,7 +151,7 @@ public final class RunFolder {
             long size = Files.size(file);
             if (size > MOST_EVENT_BYTES) {
                 throw new MistakeException(file.toString(), "",
-                        "needs at most " + MOST_EVENT_BYTES + " bytes, found " + size);
+                        "expected at most " + MOST_EVENT_BYTES + " bytes, found " + size);
             }
             ByteBuffer bytes = ByteBuffer.allocate((int) size);
             RecordedFile.read(file, bytes);
@@ -194,7 +194,7 @@ public final class RunFolder {
             }
             return true;
         } catch (MistakeException e) {
-            System.err.println("run: " + Printable.message(e));
+            System.err.println(Printable.error(e));
             return false;
         }
     }

@@ -61,15 +61,15 @@ public final class Trimmer {
         for (int frame : mFrames) {
             if (frame < 0 || frame >= frames) {
                 throw new IllegalArgumentException(
-                        "--frames: the recording has the frames 0 to " + (frames - 1) + ", not " + frame);
+                        "--frames: expected frames from 0 to " + (frames - 1) + ", found " + frame);
             }
         }
         if (!mFrames.isEmpty() && inputs % frames != 0) {
-            throw new IllegalArgumentException("--frames: which of the " + inputs
-                    + " inputs belong to which of the " + frames + " frames is not known");
+            throw new IllegalArgumentException("--frames: expected as many inputs of each frame, found "
+                    + inputs + " inputs of " + frames + " frames");
         }
         if (Files.exists(folder)) {
-            throw new IllegalArgumentException("--out: " + folder + " is there already");
+            throw new IllegalArgumentException("--out: the folder already exists: " + folder);
         }
         if (mCrop != null) {
             checkCrop();

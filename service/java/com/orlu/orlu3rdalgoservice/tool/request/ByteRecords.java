@@ -50,7 +50,7 @@ final class ByteRecords {
         Map<String, Json> members = new LinkedHashMap<>(part.members());
         Json at = members.remove("at");
         if (at == null) {
-            throw part.error("needs the field at, the offset in the record");
+            throw part.error("missing field at, the offset in the record");
         }
         int offset = at.integer(0, record.length);
         byte[] bytes = packed(part, members);
@@ -65,7 +65,7 @@ final class ByteRecords {
             throws MistakeException {
         if (members.size() != 1 || !PACKINGS.containsAll(members.keySet())) {
             String word = members.isEmpty() ? "" : members.keySet().iterator().next();
-            throw field.error("needs exactly one of " + String.join(", ", PACKINGS) + ", found "
+            throw field.error("expected exactly one of " + String.join(", ", PACKINGS) + ", found "
                     + (members.size() == 1 ? Json.quoted(word) : members.size() + " fields")
                     + NearestWord.question(word, PACKINGS));
         }

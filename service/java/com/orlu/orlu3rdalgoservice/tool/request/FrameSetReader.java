@@ -52,7 +52,7 @@ final class FrameSetReader {
             throw set.get("each").error("has " + each.size() + " frames, more than count");
         }
         if (set.has("width") != set.has("height")) {
-            mMistakes.add(mField.error("needs both width and height, or neither"));
+            mMistakes.add(mField.error("expected both width and height, or neither"));
         }
         return new FrameSetPlan(frames(count, each, set), set.integer("shift", 0, LARGEST_SHIFT, 0),
                 set.integer("seed", Long.MIN_VALUE, Long.MAX_VALUE, 1L), ImagePlanReader.side(set, "width"),

@@ -35,7 +35,7 @@ final class ImageFileReader {
         mMembers = members;
         mField = field;
         mFormat = format;
-        mPath = existing(requestFile, field, "file");
+        mPath = existing(requestFile, field);
         ImageFileKind kind = ImageFileKind.of(mPath);
         // An image in JPEG format takes the bytes of its file unchanged.
         mKind = kind == ImageFileKind.JPEG && format == PixelFormat.JPEG ? ImageFileKind.BYTES : kind;
@@ -43,7 +43,7 @@ final class ImageFileReader {
     }
 
     /** Returns the file that a field names, relative to the request file; throws if it is missing. */
-    static Path existing(Path requestFile, Json field, String what) throws MistakeException {
+    static Path existing(Path requestFile, Json field) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
             if (Files.isRegularFile(path)) {
@@ -54,19 +54,19 @@ final class ImageFileReader {
                 throw field.error("can't be read: " + path);
             }
             if (Files.exists(path)) {
-                throw field.error("needs a file with bytes, found another kind of one: " + path);
+                throw field.error("expected a regular file, found another kind: " + path);
             }
         } catch (InvalidPathException e) {
             // Not a valid file name.
         }
-        throw field.error("no such " + what + ": " + Json.cut(field.string()));
+        throw field.error("no such file: " + Json.cut(field.string()));
     }
 
     // A foreign request could expose the user's files. An absolute path is conspicuous enough.
     private static void warnOutside(Json field) throws MistakeException {
         Path name = Path.of(field.string()).normalize();
         if (!name.isAbsolute() && name.startsWith("..")) {
-            field.warn("is outside of the request file's folder: " + Json.cut(field.string()));
+            field.warn("outside the request file's folder: " + Json.cut(field.string()));
         }
     }
 
@@ -112,32 +112,32 @@ final class ImageFileReader {
     private int agreeing(String member, int inFile) throws MistakeException {
         if (inFile > Limits.FILE_SIDE) {
             throw mField.error(
-                    mPath + ": " + member + " needs at most " + Limits.FILE_SIDE + ", found " + inFile);
+                    mPath + ": " + member + ": expected at most " + Limits.FILE_SIDE + ", found " + inFile);
         }
         if (mMembers.has(member) && mMembers.get(member).integer(0, Limits.FILE_SIDE) != inFile) {
-            throw mMembers.get(member).needs(inFile + ", which the header of " + mPath + " says");
+            throw mMembers.get(member).needs(inFile + " as in the header of " + mPath);
         }
         return inFile;
     }
 
     private void checkFormat(ImageFileKind kind) throws MistakeException {
         if (kind == ImageFileKind.DNG && !mFormat.isRaw()) {
-            throw mField.error("a DNG file needs a raw format, found " + mFormat);
+            throw mField.error("expected a raw format for a DNG file, found " + mFormat);
         }
         if (mFormat == PixelFormat.JPEG && mKind != ImageFileKind.BYTES) {
-            throw mField.error("the format JPEG needs a JPEG file");
+            throw mField.error("expected a JPEG file for the format JPEG");
         }
         if (kind == ImageFileKind.JPEG && mFormat.isRaw()) {
             throw mField.error("a JPEG file holds no raw samples for " + mFormat);
         }
         if (mFormat.isYuv() && (mWidth % 2 != 0 || mHeight % 2 != 0)) {
-            throw mField.error(mFormat + " needs even sides, found " + mWidth + "x" + mHeight);
+            throw mField.error("expected even sides for " + mFormat + ", found " + mWidth + "x" + mHeight);
         }
         if (kind != ImageFileKind.BYTES) {
             for (String member : List.of("offset", "planes")) {
                 if (mMembers.has(member)) {
                     mField.mistakes().add(
-                            mMembers.get(member).error("a file with a header of its own has no such field"));
+                            mMembers.get(member).error("unexpected for a file with its own header"));
                 }
             }
         }
@@ -156,7 +156,7 @@ final class ImageFileReader {
         List<Json> own = mMembers.has("planes") ? mMembers.get("planes").list() : null;
         int[] strides = mFormat.strides(stride);
         if (own != null && own.size() != strides.length) {
-            throw mMembers.get("planes").error("needs " + strides.length + " planes for " + mFormat
+            throw mMembers.get("planes").error("expected " + strides.length + " planes for " + mFormat
                     + ", found " + own.size());
         }
         List<ImageFile.Plane> planes = new ArrayList<>();
@@ -175,7 +175,7 @@ final class ImageFileReader {
 
     private ImageFile jpeg(long offset, long size, int stride) throws MistakeException {
         if (offset >= size || size - offset > LARGEST_PLANE) {
-            throw mField.error(mPath + ": needs from 1 to " + LARGEST_PLANE + " bytes of a JPEG at "
+            throw mField.error(mPath + ": expected from 1 to " + LARGEST_PLANE + " bytes of a JPEG at "
                     + offset + ", found " + (size - offset));
         }
         return new ImageFile(
@@ -201,7 +201,7 @@ final class ImageFileReader {
             throws MistakeException {
         long end = plane.offset() + plane.size();
         if (end > size) {
-            throw field.error(mPath + ": plane " + index + " needs " + end + " bytes (" + plane.size()
+            throw field.error(mPath + ": plane " + index + ": expected " + end + " bytes (" + plane.size()
                     + " at " + plane.offset() + "), found " + size);
         }
     }

@@ -84,7 +84,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         }
         List<Json> elements = count < 0 ? field.list() : field.list(count);
         if (elements.size() > MOST_PLANES) {
-            throw field.error("needs at most " + MOST_PLANES + " planes, found " + elements.size());
+            throw field.error("expected at most " + MOST_PLANES + " planes, found " + elements.size());
         }
         int[] numbers = new int[elements.size()];
         for (int i = 0; i < numbers.length; ++i) {

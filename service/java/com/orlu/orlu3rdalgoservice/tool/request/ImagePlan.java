@@ -62,7 +62,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 height > 0 ? height : frameHeight, stride, capacity, bits, frame, file, place);
         int row = format.tightStride(sized.width);
         if (stride > 0 && stride < row) {
-            throw place.error("stride", "needs at least " + row + " bytes, a row of " + sized.width
+            throw place.error("stride", "expected at least " + row + " bytes, a row of " + sized.width
                     + " pixels, found " + stride);
         }
         return sized;

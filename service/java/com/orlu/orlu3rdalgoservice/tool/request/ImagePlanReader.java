@@ -63,7 +63,7 @@ final class ImagePlanReader {
     private ImagePlan input(Json field, int index) throws MistakeException {
         Json members = members(field, "frame");
         if (mFrames == 0) {
-            throw field.error("there is no frame that it could belong to");
+            throw field.error("the request has no frame that it could belong to");
         }
         int last = mFrames < 0 ? Integer.MAX_VALUE : mFrames - 1;
         int frame = members.integer("frame", 0, last, Math.min(index, last));
@@ -80,7 +80,7 @@ final class ImagePlanReader {
             for (String member : ofFiles) {
                 if (members.has(member)) {
                     mMistakes.add(members.get(member).error(
-                            "needs the field file beside it: the pixels are a photo's"));
+                            "requires the field file; the pixels come from a photo"));
                 }
             }
         }

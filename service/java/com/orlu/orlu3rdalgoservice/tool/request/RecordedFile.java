@@ -47,10 +47,10 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
             BasicFileAttributes found = Files.readAttributes(
                     path, BasicFileAttributes.class, LinkOption.NOFOLLOW_LINKS);
             if (!found.isRegularFile()) {
-                throw field.error(path + ": needs a regular file, found " + kind(found));
+                throw field.error(path + ": expected a regular file, found " + kind(found));
             }
             if (found.size() != size) {
-                throw field.error(path + " is cut or damaged: needs " + size + " bytes, found " + found
+                throw field.error(path + " is cut or damaged; expected " + size + " bytes, found " + found
                         .size());
             }
         } catch (IOException e) {
@@ -69,15 +69,14 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         try {
             read(path, ByteBuffer.wrap(bytes));
         } catch (IOException e) {
-            throw field.error(path + " can't be read");
+            throw field.error(path + ": can't be read");
         }
         if (!crc.isEmpty()) {
             CRC32 check = new CRC32();
             check.update(bytes);
             String found = "%08x".formatted(check.getValue());
             if (!found.equals(crc)) {
-                throw field.error(path + " is cut or damaged: its " + size + " bytes have the check " + found
-                        + " instead of " + crc);
+                throw field.error(path + " is cut or damaged; expected the CRC " + crc + ", found " + found);
             }
         }
         return bytes;

@@ -66,14 +66,14 @@ final class RecordedRequestReader {
         String format = header.require("format").string();
         int version = header.require("version").integer(0, Integer.MAX_VALUE);
         if (!format.equals(FORMAT) || version != VERSION) {
-            throw header.error("needs " + FORMAT + " version " + VERSION + ", found " + Json.cut(format)
+            throw header.error("expected " + FORMAT + " version " + VERSION + ", found " + Json.cut(format)
                     + " version " + version);
         }
     }
 
     private static List<Json> limited(Json list, int most) throws MistakeException {
         if (list.list().size() > most) {
-            throw list.error("needs at most " + most + " elements, found " + list.list().size());
+            throw list.error("expected at most " + most + " elements, found " + list.list().size());
         }
         return list.list();
     }
@@ -82,7 +82,7 @@ final class RecordedRequestReader {
         CameraMetadataNative captureResult = new CameraMetadataNative();
         values(frame.require("captureResult")).forEach((tag, value) -> {
             if (TagTable.typeOf(tag) == null) {
-                frame.get("captureResult").warn(tag, "no such tag is known here: left out");
+                frame.get("captureResult").warn(tag, "unknown tag; left out");
                 return;
             }
             try {
@@ -98,7 +98,7 @@ final class RecordedRequestReader {
         Map<String, Object> values = new LinkedHashMap<>();
         object.members().forEach((name, field) -> {
             if (TypedValue.isOfOtherClass(field)) {
-                field.warn("left out, a value of the class " + field.get("class").found());
+                field.warn("left out; a value of the class " + field.get("class").found());
             } else {
                 mMistakes.attempt(() -> values.put(name, TypedValue.read(field)), null);
             }
@@ -118,8 +118,8 @@ final class RecordedRequestReader {
         ImageLayout layout = ImageLayout.read(mFile.resolveSibling(""), image);
         mImageBytes += layout.size();
         if (mImageBytes > MOST_IMAGE_BYTES) {
-            throw image.error("needs at most " + MOST_IMAGE_BYTES + " bytes of all images up to this one, found "
-                    + mImageBytes);
+            throw image.error("expected at most " + MOST_IMAGE_BYTES + " bytes of images up to this one, "
+                    + "found " + mImageBytes);
         }
         return ImagePlan.exact(layout, image);
     }

@@ -83,9 +83,9 @@ final class RequestAdvice {
             }
             String longest = known.stream().filter(name::startsWith).reduce("", (a, b) ->
                     a.length() > b.length() ? a : b);
-            field.warn("nothing here knows the algorithm " + Json.quoted(name)
+            field.warn("unknown algorithm " + Json.quoted(name)
                     + (longest.isEmpty() ? NearestWord.question(name, known)
-                            : ", which counts as " + longest + " since it begins so"));
+                            : ", which counts as " + longest + " by its prefix"));
         }
     }
 
@@ -106,10 +106,10 @@ final class RequestAdvice {
                 TagType type = TagTable.typeOf(entry.getKey());
                 Class<?> found = entry.getValue().getClass();
                 if (type == null) {
-                    field(i, "composition", entry.getKey()).warn("no tag has this name"
+                    field(i, "composition", entry.getKey()).warn("no such tag"
                             + NearestWord.question(entry.getKey(), TagTable.names()));
                 } else if (found != type.stored()) {
-                    field(i, "composition", entry.getKey()).warn("needs " + type.stored().getSimpleName()
+                    field(i, "composition", entry.getKey()).warn("expected " + type.stored().getSimpleName()
                             + " as the tag, which is " + type + ", found " + found.getSimpleName()
                             + ": it counts as absent");
                 }
@@ -136,9 +136,10 @@ final class RequestAdvice {
             default -> false;
         };
         if (hdr > 0 && !isLayout) {
-            mRoot.find("frames").warn(MODE + " makes no bracket of " + hdr + " HDR frames (bit 2), " + night
-                    + " night frames (bit 8) and " + (mFrames.size() - hdr - night) + " others; needs 5 or "
-                    + "7 frames with one night frame, or 9 that begin with 3 of them, the rest HDR frames");
+            mRoot.find("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames with one night frame, "
+                    + "or 9 that begin with 3 night frames, the rest HDR frames; found " + hdr
+                    + " HDR frames (bit 2), " + night + " night frames (bit 8) and "
+                    + (mFrames.size() - hdr - night) + " others");
         }
     }
 
@@ -180,7 +181,7 @@ final class RequestAdvice {
         mRequest.inputs().forEach(image -> ++counts[image.frame()]);
         for (int i = 1; i < counts.length && !mRequest.inputs().isEmpty(); ++i) {
             if (counts[i] != counts[0]) {
-                mRoot.find("inputs").warn("needs as many images of each frame, found " + counts[0]
+                mRoot.find("inputs").warn("expected as many images of each frame, found " + counts[0]
                         + " of frame 0 and " + counts[i] + " of frame " + i);
                 return;
             }

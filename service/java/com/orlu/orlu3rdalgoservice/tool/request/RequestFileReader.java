@@ -102,7 +102,7 @@ public final class RequestFileReader {
         if (frames.frames().isEmpty()) {
             for (String needing : fullAsync ? List.of("fullAsync", "algorithms") : List.of("algorithms")) {
                 if (members.has(needing)) {
-                    mMistakes.add(members.get(needing).error("needs a frame, whose composition says it"));
+                    mMistakes.add(members.get(needing).error("requires a frame to hold the value"));
                 }
             }
             return;
@@ -127,7 +127,7 @@ public final class RequestFileReader {
                 ? mMistakes.attempt(members.get("properties")::members, Map.of()) : Map.of();
         fields.forEach((name, field) -> mMistakes.attempt(() -> {
             if (name.isEmpty() || tooLong(field.string())) {
-                throw field.error("needs a name, and a value of at most " + LONGEST_PROPERTY + " bytes");
+                throw field.error("expected a name, and a value of at most " + LONGEST_PROPERTY + " bytes");
             }
             properties.put(name, field.string());
         }));
@@ -145,10 +145,10 @@ public final class RequestFileReader {
         }
         if (!members.has("photo")) {
             if (images.needsPhoto()) {
-                throw root.error("needs the field photo: the inputs are made of one");
+                throw root.error("missing field photo; the inputs are made from it");
             }
             return null;
         }
-        return ImageFileReader.existing(mFile, members.get("photo"), "photo");
+        return ImageFileReader.existing(mFile, members.get("photo"));
     }
 }

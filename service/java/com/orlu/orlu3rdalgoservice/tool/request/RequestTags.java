@@ -39,7 +39,7 @@ public final class RequestTags {
         for (String tag : tags) {
             int equals = tag.indexOf('=');
             if (equals < 1) {
-                throw new IllegalArgumentException("--tag needs NAME=VALUE, found \"" + tag + '"');
+                throw new IllegalArgumentException("--tag: expected NAME=VALUE, found \"" + tag + '"');
             }
             set(request, tag.substring(0, equals), tag.substring(equals + 1));
         }

@@ -38,13 +38,13 @@ final class TagAdvice {
         for (Range range : RANGES) {
             if (report.get(range.tag()) instanceof Number number
                     && (number.doubleValue() < range.least() || number.doubleValue() > range.most())) {
-                fieldOf.apply(range.tag()).warn("is probably wrong: the unit is "
-                        + TagFacts.of(range.tag()).unit() + ", cameras report " + shown(range.least())
-                        + " to " + shown(range.most()) + ", found " + number);
+                fieldOf.apply(range.tag()).warn("probably wrong; expected " + shown(range.least())
+                        + " to " + shown(range.most()) + " (" + TagFacts.of(range.tag()).unit() + "), found "
+                        + number);
             }
         }
         if (report.get("android.jpeg.orientation") instanceof Integer degrees && degrees % 90 != 0) {
-            fieldOf.apply("android.jpeg.orientation").warn("needs 0, 90, 180 or 270, found " + degrees);
+            fieldOf.apply("android.jpeg.orientation").warn("expected 0, 90, 180 or 270, found " + degrees);
         }
         onRectangles(report, fieldOf);
     }
@@ -60,13 +60,13 @@ final class TagAdvice {
         }
         if (report.get(FACES) instanceof Face[] faces) {
             for (int i = 0; i < faces.length; ++i) {
-                onRectangle(faces[i].getBounds(), array, fieldOf.apply(FACES), "face " + i + " ");
+                onRectangle(faces[i].getBounds(), array, fieldOf.apply(FACES), "face " + i + ": ");
             }
         }
         for (String tag : List.of("android.control.aeRegions", "android.control.afRegions")) {
             if (report.get(tag) instanceof MeteringRectangle[] regions) {
                 for (int i = 0; i < regions.length; ++i) {
-                    onRectangle(regions[i].getRect(), array, fieldOf.apply(tag), "region " + i + " ");
+                    onRectangle(regions[i].getRect(), array, fieldOf.apply(tag), "region " + i + ": ");
                 }
             }
         }
@@ -74,11 +74,11 @@ final class TagAdvice {
 
     private static void onRectangle(Rect found, Rect array, Json field, String what) {
         if (found.right < found.left || found.bottom < found.top) {
-            field.warn(what + "needs left, top, right and bottom, found " + shown(found)
-                    + ", whose right or bottom comes first");
+            field.warn(what + "expected left, top, right and bottom, found " + shown(found)
+                    + " with right or bottom first");
         } else if (array != null && (found.left < array.left || found.top < array.top
                 || found.right > array.right || found.bottom > array.bottom)) {
-            field.warn(what + shown(found) + " reaches out of the active array " + shown(array));
+            field.warn(what + shown(found) + " exceeds the active array " + shown(array));
         }
     }
 

@@ -71,8 +71,8 @@ public final class ChildRun {
 
     private Path recorded() throws IOException {
         if (!Files.exists(file(RECORDINGS))) {
-            throw new IllegalStateException("the request did not run, status " + mStatus + ": " + printed()
-                    + errors());
+            throw new IllegalStateException("the request did not run, status " + mStatus + ": "
+                    + String.join("; ", (printed() + errors()).lines().toList()));
         }
         return file(RECORDINGS);
     }

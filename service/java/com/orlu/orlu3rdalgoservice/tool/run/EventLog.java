@@ -68,7 +68,7 @@ public final class EventLog {
         try {
             mFile.write(ByteBuffer.wrap((JsonWriter.line(line) + '\n').getBytes(StandardCharsets.UTF_8)));
         } catch (IOException e) {
-            System.err.println("run: events: " + Printable.message(e));
+            System.err.println("run: error: events: " + Printable.message(e));
         }
     }
 }

@@ -39,7 +39,7 @@ public final class RequestImages {
             throws MistakeException {
         Picture photo = photos.load(request.photo());
         if (photo == null) {
-            throw request.place().error("photo", "no photo that can be read: " + request.photo());
+            throw request.place().error("photo", "can't read the photo " + request.photo());
         }
         boolean raw = request.inputs().stream().anyMatch(
                 image -> image.isOfPhoto() && image.format().isRaw());

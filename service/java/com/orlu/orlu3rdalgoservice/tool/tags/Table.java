@@ -25,7 +25,7 @@ final class Table {
         for (String line : lines(file)) {
             String[] row = line.split(" +", columns);
             if (row.length != columns) {
-                throw new IllegalStateException(file + ": needs " + columns + " columns: " + line);
+                throw new IllegalStateException(file + ": expected " + columns + " columns: " + line);
             }
             rows.add(row);
         }

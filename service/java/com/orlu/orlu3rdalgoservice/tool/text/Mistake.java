@@ -11,11 +11,14 @@ package com.orlu.orlu3rdalgoservice.tool.text;
  * @param isWarning whether the file is usable all the same
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
-    /** One line, in the form that editors recognise as a place to jump to. */
+    /** One line, in the form of compilers: editors jump to its place. */
     public String text() {
+        return text(isWarning ? "warning: " : "error: ");
+    }
+
+    String text(String severity) {
         String place = line == 0 ? file : file + ":" + line + ":" + column;
-        String about = (isWarning ? "warning: " : "") + (field.isEmpty() ? "" : field + ": ");
-        return Printable.line(place + ": " + about + problem);
+        return Printable.line(place + ": " + severity + (field.isEmpty() ? "" : field + ": ") + problem);
     }
 
     Mistake withNote(String note) {

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.text;
 
-/** An invalid input. The message is one line: file, place, field, what was expected and found. */
+/** An invalid input. The message is one line, to be part of another: place, field and problem. */
 public final class MistakeException extends Exception {
     private static final long serialVersionUID = 1;
 
@@ -14,7 +14,7 @@ public final class MistakeException extends Exception {
     }
 
     public MistakeException(Mistake mistake) {
-        super(mistake.text());
+        super(mistake.text(""));
         mMistake = mistake;
     }
 

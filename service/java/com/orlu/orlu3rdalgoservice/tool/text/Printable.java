@@ -24,6 +24,11 @@ public final class Printable {
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }
 
+    /** Returns the line that reports an exception: with the place of a mistake, else the command's name. */
+    public static String error(Throwable e) {
+        return e instanceof MistakeException found ? found.mistake().text() : "run: error: " + message(e);
+    }
+
     /** Returns the text with line ends and tabs kept, and everything else escaped as line() does. */
     public static String lines(String text) {
         return escaped(text, c -> c != '\n' && c != '\t' && isUnsafe(c));

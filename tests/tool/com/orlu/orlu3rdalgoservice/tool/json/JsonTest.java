@@ -37,25 +37,25 @@ public final class JsonTest {
     @Test
     public void checksEachAccess() {
         assertEquals("1", of(root -> root.get("list").list().get(0).integer(1, 1)));
-        assertEquals("f:5:11: list[0]: needs a whole number from 2 to 3, found 1",
+        assertEquals("f:5:11: list[0]: expected a whole number from 2 to 3, found 1",
                 of(root -> root.get("list").list().get(0).integer(2, 3)));
         assertEquals("2", of(root -> root.get("list").list().get(1).integer(0, 9)));
         assertEquals("false", of(root -> root.get("list").list().get(1).isWholeNumber()));
-        assertEquals("f:5:19: list[2]: needs a number, found \"x\"",
+        assertEquals("f:5:19: list[2]: expected a number, found \"x\"",
                 of(root -> root.get("list").list().get(2).number()));
-        assertEquals("f:5:24: list[3]: needs a text, found null",
+        assertEquals("f:5:24: list[3]: expected a text, found null",
                 of(root -> root.get("list").list().get(3).string()));
-        assertEquals("f:5:40: list[4].deep[0]: needs an object, found true",
+        assertEquals("f:5:40: list[4].deep[0]: expected an object, found true",
                 of(root -> root.get("list").list().get(4).get("deep").list().get(0).members()));
-        assertEquals("f:5:10: list: needs a list of 2, found 5 elements",
+        assertEquals("f:5:10: list: expected a list of 2, found 5 elements",
                 of(root -> root.get("list").list(2)));
-        assertEquals("f:5:1: needs the field none", of(root -> root.require("none")));
-        assertEquals("f:5:10: list: needs an object, found a list",
+        assertEquals("f:5:1: missing field none", of(root -> root.require("none")));
+        assertEquals("f:5:10: list: expected an object, found a list",
                 of(root -> root.get("list").require("none")));
-        assertEquals("f:5:73: \"odd name\".\"a\\u0007\": needs a number that a float holds (up to "
+        assertEquals("f:5:73: \"odd name\".\"a\\u0007\": expected a number that a float holds (up to "
                 + "3.4028235E38), found 1E39", of(root -> root.get("odd name").get("a\u0007").single()));
         assertEquals("" + Long.MAX_VALUE, of(root -> root.get("long").integer(0, Long.MAX_VALUE)));
-        assertEquals("f:6:39: more: needs a whole number from 0 to 9223372036854775807, found "
+        assertEquals("f:6:39: more: expected a whole number from 0 to 9223372036854775807, found "
                 + "9223372036854775808", of(root -> root.get("more").integer(0, Long.MAX_VALUE)));
         assertEquals("0.0", of(root -> root.get("small").real()));
         assertEquals("null", of(root -> root.find("odd name", "none", "below")));
@@ -68,12 +68,12 @@ public final class JsonTest {
 
     @Test
     public void limitsWhatAForeignTextCosts() {
-        assertEquals("f:1:66: needs at most 64 levels of objects and lists, found more",
+        assertEquals("f:1:66: expected at most 64 levels of nesting, found more",
                 problem("[".repeat(65) + "1" + "]".repeat(65)));
         assertNull(problem("[".repeat(64) + "]".repeat(64)));
-        assertEquals("f:1:2: needs a number that some type holds, found 1e999999999",
+        assertEquals("f:1:2: expected a number that some type holds, found 1e999999999",
                 problem("[1e999999999]"));
-        assertEquals("f:1:2: needs a number that some type holds, found " + "1".repeat(60) + "...",
+        assertEquals("f:1:2: expected a number that some type holds, found " + "1".repeat(60) + "...",
                 problem("[" + "1".repeat(401) + "]"));
         assertNull(problem("[\"" + "x".repeat(1 << 20) + "\"]"));
         String number = problem("[" + "1".repeat(1 << 20) + "]");

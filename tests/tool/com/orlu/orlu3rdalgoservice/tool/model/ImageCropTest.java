@@ -102,8 +102,8 @@ public final class ImageCropTest {
     @Test
     public void refusesWhatMakesNoSense() {
         Object[][] rows = {
-            {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: it has rows of no size"},
-            {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: it has rows of no size"},
+            {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: it has rows of unknown size"},
+            {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: it has rows of unknown size"},
             {image("RAW16", 8, 4, "[15]", "[64]", 64), "--crop: it has rows of 15 bytes"},
             {image("RAW16", 8, 4, "[16]", "[56]", 55), "--crop: it has 55 bytes, fewer than its rows"},
             {image("NV21", 8, 4, "[8,8]", "[32,16]", 47), "--crop: it has 47 bytes, fewer than its rows"},
@@ -112,7 +112,7 @@ public final class ImageCropTest {
             {image("NV21", 8, 4, "[8,8]", "[32,1]", 48),
                     "--crop: it has planes of [32, 1] bytes, fewer than their rows"},
             {image("RAW16", 4, 4, "[8]", "[32]", 32),
-                "--crop: 4x2 from 4,2 does not lie in it, which has 4x4"},
+                "--crop: 4x2 from 4,2 exceeds it of 4x4"},
         };
         for (Object[] row : rows) {
             assertEquals(row[1], assertThrows((String) row[1], IllegalArgumentException.class,
@@ -132,8 +132,8 @@ public final class ImageCropTest {
             {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
             {"8,6", "8x6", "8x6 from 0,0"},
             {"12,8,8,2", "20x10", "8x2 from 12,8"}, {"0,0,20,10", "20x10", "20x10 from 0,0"},
-            {"16,0,8,2", "20x10", "!does not lie"}, {"0,10,4,2", "20x10", "!does not lie"},
-            {"24,2", "20x10", "!does not lie"}, {"4,12", "20x10", "!does not lie"},
+            {"16,0,8,2", "20x10", "!exceeds"}, {"0,10,4,2", "20x10", "!exceeds"},
+            {"24,2", "20x10", "!exceeds"}, {"4,12", "20x10", "!exceeds"},
             {"6,2", "20x10", "!multiples of 4"}, {"4,3", "20x10", "!multiples of 4"},
             {"2,0,4,2", "20x10", "!multiples of 4"}, {"0,1,4,2", "20x10", "!multiples of 4"},
             {"0,2", "20x10", "!multiples of 4"}, {"4,0", "20x10", "!multiples of 4"},
