@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the kit over every mutant and compares the checks that fail with mutants.txt:
-mutants_test.py BUILD [EMULATOR...]. Under an emulator only the check that names the fault runs, and must fail."""
+"""Runs the kit on every mutant and compares the failing checks with mutants.txt:
+mutants_test.py BUILD [EMULATOR...]. Under an emulator, only the check for the fault runs, and must fail."""
 import json
 import os
 import re
@@ -13,14 +13,14 @@ from pathlib import Path
 here = Path(__file__).parent
 build = Path(sys.argv[1])
 emulator = sys.argv[2:]
-# Mostly they wait: for callbacks that do not come, and for ones too many.
+# They mostly wait for missing or extra callbacks.
 AT_ONCE = 4
-# Less patience than with a library that somebody hopes will pass.
+# With shorter waits than for real libraries.
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
 
 
 def judge(library, mutant="", only=()):
-    """The checks that fail, and those that warn with a "?"; none for what is no report."""
+    """Returns the failing checks, and those that warn with a "?"; an empty set if there is no report."""
     ran = subprocess.run([*emulator, build / "bin/conform", build / "mutants" / library, *QUICK, *only],
                          env={**os.environ, "ORLU_MUTANT": mutant}, capture_output=True, text=True)
     try:
@@ -37,7 +37,7 @@ def compare(row):
     only = ["--only", row[1].rstrip("?")] if emulator else []
     if emulator:
         wanted = {row[1]}
-    # Waits of a loaded machine look like faults; a fault stays one when it is looked at again.
+    # A loaded machine delays callbacks, which looks like a fault. Real faults persist, so try again.
     for _ in range(3):
         found = judge("libmutant_algo.so", mutant, only)
         if wanted <= found and ("any" in allowed or found <= allowed):
@@ -52,7 +52,7 @@ planted = set(re.findall(r'\{"(\w+)",\s*\w+\s*\}', source))
 wrong = [f"{name} is not in both of mutants.txt and *_mutants.cpp" for name in planted ^ {row[0] for row in rows}]
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]
-# A baseline that was a thousand times faster, and what is no baseline.
+# A baseline that was a thousand times faster, and an invalid one.
 measure = [*emulator, build / "bin/conform", build / "mutants/libminimal_algo.so", "--perf", "--only", "copy"]
 measured = subprocess.run([*measure, "--json"], capture_output=True, text=True)
 faster = re.sub(r'"(ms|noise)": (\S+),', lambda field: f'"{field[1]}": {float(field[2]) / 1000:.4f},', measured.stdout)

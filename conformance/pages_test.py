@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares docs/conformance.md with what the kit prints of itself: pages_test.py CONFORM PROJECT"""
+"""Compares docs/conformance.md with the kit's own output: pages_test.py CONFORM PROJECT"""
 import re
 import subprocess
 import sys

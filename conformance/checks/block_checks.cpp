@@ -1,4 +1,4 @@
-// Metadata blocks: what is set, got, visited and measured.
+// Checks of metadata blocks: set, get, visit, and the sizes of values.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -28,7 +28,7 @@ std::string read(const Block& block, const char* section, const char* key, size_
   return bytes;
 }
 
-// Memory that ends where a page ends, with nothing behind it.
+// Memory that ends at the end of a page; the next page is not mapped.
 class EdgeBuffer {
 public:
   explicit EdgeBuffer(size_t size) : mSize(size) {
@@ -72,12 +72,12 @@ void setSizes(Block& block) {
   block.set(kParameter, kOtherKey, nullptr, 0);
 }
 
-// Results after requests with every algorithm: which were there, and with how many bytes.
+// Records which results are present after requests with every algorithm, and their sizes.
 void measureResults(Scene& scene, std::map<std::string, size_t>& sizes) {
   for (const ResultRead& row : kResultReads) {
     int status = 0;
     std::string found = scene.parameters.written(row.section, row.key, 2 * row.size + 16, status);
-    // A library may refuse to be asked for more than it keeps.
+    // A library may refuse to return more bytes than it stores.
     if (status != 0) found = scene.parameters.written(row.section, row.key, row.size, status);
     if (status == 0) sizes[std::string(row.section) + " " + row.key] = found.size();
   }
@@ -198,7 +198,7 @@ void checkVisitors() {
       HOLDS(section != nullptr && key != nullptr) << "a visitor gets no section or no key";
       HOLDS(data != nullptr && size > 0) << "a visitor gets " << size << " bytes at " << data;
       HOLDS(std::this_thread::get_id() == self) << "a visitor is called on another thread";
-      // A library that holds a lock meanwhile never comes back.
+      // Deadlocks if the library holds a lock during the visit.
       block.set(kControl, kOtherKey, "inside");
       HOLDS(read(block, kControl, kOtherKey, 6) == "inside") << "set and get fail inside a visitor";
       return answer;

@@ -1,4 +1,4 @@
-// What Java does inside a callback, and while one has not returned.
+// Checks of calls that Java makes inside a callback, or while a callback is running.
 #include <atomic>
 #include <future>
 
@@ -8,16 +8,15 @@
 namespace orlu::conform {
 namespace {
 
-// Long enough to be seen, and less than a hang.
+// Long enough to be noticed, but shorter than the limit of a hang.
 std::chrono::milliseconds holdTime() {
   return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
 }
 
-// A flush may give up after a time of its own.
+// Shorter, because a flush may have its own timeout.
 constexpr std::chrono::milliseconds kFlushHold{500};
 
-// The first callback waits until the gate is opened, or for a while. Shared with callbacks, which may come
-// late.
+// Blocks the first callback until open() or a timeout. Shared with callbacks, because they may arrive late.
 class Gate {
 public:
   explicit Gate(std::chrono::milliseconds hold) : mHold(hold) {}
@@ -30,7 +29,7 @@ public:
     mChanged.wait_for(lock, mHold, [this] { return mIsOpen; });
     mIsLeft = true;
   }
-  // False if no callback came.
+  // Returns false if no callback arrives.
   bool waitUntilReached() {
     std::unique_lock<std::mutex> lock(mMutex);
     const bool came = mChanged.wait_for(lock, std::chrono::seconds(options().patienceSeconds),
@@ -38,7 +37,7 @@ public:
     if (!came) missCallback();
     return came;
   }
-  // True if the callback was still held.
+  // Returns true if the callback was still blocked.
   bool open() {
     const std::lock_guard<std::mutex> lock(mMutex);
     mIsOpen = true;
@@ -117,9 +116,9 @@ void actInside(const Action& action) {
   Request request;
   request.inputs = {&scene.input};
   request.outputs = {&scene.output};
-  // The block is the callback's to destroy from now on.
+  // From here on the callback owns the block.
   submit(scene.client, scene.inbox, *parameters, request);
-  // An operation that hangs in there is noticed by the process that waits for this one.
+  // The parent process detects an operation that hangs in the callback.
   const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));
   if (came != std::future_status::ready) {
     missCallback();
@@ -127,15 +126,16 @@ void actInside(const Action& action) {
                   << options().patienceSeconds + 5 << " s";
     return;
   }
-  // Its thread may still be on its way out of what it was made to do here.
+  // The callback's thread may still be returning from this call.
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request that was submitted inside the callback before";
-  // And on its way out of the callback.
+  // The thread may also still be returning from the callback.
   scene.client.end();
 }
 
-// Runs the work while a callback of the scene's client is held; false if the work did not return meanwhile.
+// Runs the work while a callback of the scene's client is blocked. Returns false if the work did not return
+// in that time.
 bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
   const auto gate = std::make_shared<Gate>(hold);
   scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
@@ -184,15 +184,16 @@ constexpr Work kWorks[] = {
        AlgoInitRecord init;
        init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
        call(-1, Library::open()->table().init, init);
-       // Ended when the callback has returned, or not at all: a worker may be busy with that callback.
+       // Destroys the client after the callback has returned, or never: a worker may be busy with that
+       // callback.
      }                                                      },
 };
 
 }  // namespace
 
 void checkInside() {
-  // Nothing says when the thread whose callback destroyed its own client is done in the library. That thread
-  // must not meet the destructors of the process's end.
+  // A thread whose callback destroyed its own client returns from the library at an unknown time. It must not
+  // run into the destructors of the process exit.
   endAtOnce();
   OPEN_LIBRARY(library);
   for (const Action& action : kActions) {

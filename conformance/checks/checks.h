@@ -1,4 +1,4 @@
-// The checks by their files; check_list.cpp puts them in order.
+// All checks, grouped by file. check_list.cpp defines their order.
 #pragma once
 
 namespace orlu::conform {

@@ -1,4 +1,4 @@
-// Clients: their life, several at once, and what is asked beside requests.
+// Checks of clients: lifetime, concurrent clients, and queries.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@ namespace {
 constexpr int kRefused = -1;
 constexpr uint64_t kRequestsOfClient = 12;
 
-// What a client's thread does, and when its client was gone.
+// A client's thread, and the time when its client was destroyed.
 struct Worker {
   Client client;
   Inbox inbox;
@@ -28,7 +28,7 @@ struct Worker {
     });
   }
 
-  // Requests one after another without waiting; in the middle of them an abort and a flush.
+  // Submits requests without waiting, with an abort and a flush in between.
   void work() {
     const Image input;
     const Image output({}, 2);
@@ -82,7 +82,7 @@ void askFor(void* client, const std::string& command, const AlgoInterfaceCallbac
   const std::string shown = "\"" + command.substr(0, 30) + (command.size() > 30 ? "...\"" : "\"");
   step("getData " + shown);
   call(kRefused, table.getData, record);
-  // The service reads exactly this much, over zeros, and takes the text up to its first zero.
+  // The service reads exactly this many bytes into a zeroed buffer and uses the text up to the first zero.
   std::string answer(kQueryResultSize, '\0');
   block.get(kFeedback, kQueryResult, answer.data(), answer.size());
   int status = 0;
@@ -151,7 +151,7 @@ void checkConcurrency() {
   threads.reserve(workers.size());
   for (const auto& worker : workers) threads.emplace_back([&worker] { worker->work(); });
   for (std::thread& thread : threads) thread.join();
-  // What still comes now comes too late.
+  // Callbacks that arrive from now on are too late.
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
   size_t callbacks = 0;
   for (size_t i = 0; i < workers.size(); ++i) {

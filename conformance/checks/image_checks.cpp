@@ -1,4 +1,4 @@
-// Images: where a library writes, and what.
+// Checks of images: where and what a library writes.
 #include <algorithm>
 
 #include "checks.h"
@@ -7,9 +7,9 @@
 namespace orlu::conform {
 namespace {
 
-constexpr int kMostMissing = 12;  // callbacks, before the others are not waited for
+constexpr int kMostMissing = 12;  // after so many missing callbacks, further ones are not waited for
 
-// Size of a JPEG that is left, and whether it is one.
+// Checks the stored size of a JPEG and that the output is a JPEG.
 void judgeJpeg(const Scene& scene, const Image& output) {
   int32_t size = 0;
   if (scene.parameters.get(kFeedback, "encoded_jpeg_size", &size, sizeof size) != 0) {
@@ -30,7 +30,7 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   note("a JPEG of " + std::to_string(size) + " bytes");
 }
 
-// Room for less than any JPEG of the input: it must be left out, and its size with it.
+// The output is smaller than any JPEG of the input: the library must write neither the JPEG nor its size.
 void tryTightJpeg(Scene& scene) {
   for (int32_t room : {1, 200}) {
     const Image tight({kFormatJpeg, room, 1, 0, 0, false}, 7);
@@ -54,7 +54,7 @@ void tryTightJpeg(Scene& scene) {
   }
 }
 
-// Sizes of each class: small and even, odd in both directions, one row, wider than a page of memory.
+// Each class of sizes: small and even, odd in both directions, one row, wider than a page of memory.
 constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {64,   48},
     {67,   45},
@@ -63,8 +63,8 @@ constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {1920, 18},
 };
 
-// One request for a copy, made twice into outputs that were filled with two different patterns: what kept
-// both was not written, and what differs afterwards depends on what was there before.
+// Runs one copy request twice, into outputs filled with two different patterns. A byte that keeps both
+// patterns was not written. A byte that differs afterwards depends on the previous contents.
 class PairOfRuns {
 public:
   PairOfRuns(Scene& scene, const ImageShape& from, const ImageShape& to, std::vector<std::string> algorithms,
@@ -73,7 +73,7 @@ public:
     Request request;
     request.algorithms = std::move(algorithms);
     request.inputs = {&mInput};
-    static uint64_t last = 0;  // a callback too many must not pass for the next request's
+    static uint64_t last = 0;  // unique ids, so that an extra callback doesn't count for the next request
     for (int filler : {70, 9}) {
       request.nativeReq = ++last;
       std::vector<std::unique_ptr<Image>> images;
@@ -90,9 +90,9 @@ public:
   }
 
   bool isDone() const { return mIsDone; }
-  // "" or the first pixels that no run wrote.
+  // Returns "" or describes the first pixels that neither run wrote.
   std::string untouched(size_t index) const { return find(index, isUntouched, "stays as it was"); }
-  // "" or the first pixels that differ between the runs.
+  // Returns "" or describes the first pixels that differ between the runs.
   std::string different(size_t index) const {
     return find(index, isDifferent, "depends on what the output held before");
   }
@@ -130,12 +130,13 @@ private:
   bool mIsDone = true;
 };
 
-// Outputs of the inputs' layout, and of every other, as the formats allow: a packed raw image has one.
+// Outputs with the inputs' layout and with every other layout that the formats allow; packed raw images have
+// only one.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
   if (isPacked && !isSame) return;
-  // A raw image's stride counts pixels; nobody could tell one this wide from bytes.
+  // The stride of a raw image counts pixels. One as wide as this could also be a number of bytes.
   if (from.format == kFormatRaw16 && std::max(from.padding, layout.padding) >= 2 * from.width) return;
   ImageShape to = from;
   to.padding = layout.padding;
@@ -186,7 +187,7 @@ void checkOutputs() {
   for (int32_t format : Image::formats()) {
     for (const Layout& layout : kLayouts) {
       Scene scene;
-      // An odd size, too, and one whose memory ends where a page does.
+      // Includes an odd size, and one whose memory ends at the end of a page.
       for (const auto& [width, height] : {
                std::pair{64, 64},
                std::pair{67, 45}

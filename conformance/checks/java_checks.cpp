@@ -1,4 +1,4 @@
-// The one check with a Java VM in the process.
+// The only check that runs a Java VM in its process.
 #include <dlfcn.h>
 #include <jni.h>
 #include <limits.h>
@@ -23,7 +23,7 @@ bool isAttached() {
   return gVm->GetEnv(&env, JNI_VERSION_1_4) == JNI_OK;
 }
 
-// GTEST_SKIP() returns nothing.
+// GTEST_SKIP() only works in functions that return void.
 bool skip(const std::string& reason) {
   [&] { GTEST_SKIP() << reason; }();
   return false;
@@ -31,15 +31,15 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// The function that makes a VM: of the library that was named, else of the first that the loader knows.
-// Opened at run time, so that no other check has anything of a VM in its process. Null with the reason.
+// Finds JNI_CreateJavaVM in the named library, or else in the first one that loads. Loaded at run time, so
+// that the other checks' processes contain nothing of a VM. If it is missing, returns null and sets `reason`.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
   if (options().jvm.empty()) names = {"libnativehelper.so", "libart.so"};
 #else
   const char* const home =
-      std::getenv("JAVA_HOME");  // NOLINT(concurrency-mt-unsafe): no other thread is there
+      std::getenv("JAVA_HOME");  // NOLINT(concurrency-mt-unsafe): no other thread exists yet
   if (options().jvm.empty()) names = {"libjvm.so"};
   if (options().jvm.empty() && home != nullptr) names.push_back(std::string(home) + "/lib/server/libjvm.so");
 #endif
@@ -50,7 +50,7 @@ CreateVm findVm(std::string& reason) {
       reason += (reason.empty() ? "" : "; ") + std::string(dlerror());
       continue;
     }
-    // Newer libraries of Android look for its runtime only when they are told to.
+    // Newer versions of Android's library load the runtime only after JniInvocationInit().
     const auto newInvocation = reinterpret_cast<void* (*)()>(dlsym(library, "JniInvocationCreate"));
     const auto init = reinterpret_cast<bool (*)(void*, const char*)>(dlsym(library, "JniInvocationInit"));
     if (newInvocation == nullptr || init == nullptr || init(newInvocation(), nullptr))
@@ -65,7 +65,7 @@ jint createVm(CreateVm create) {
 #ifdef __ANDROID__
   JavaVMInitArgs arguments = {JNI_VERSION_1_6, 0, nullptr, JNI_TRUE};
 #else
-  // Its own report of a crash would be left in the caller's folder.
+  // The VM's crash report would be left in the caller's folder.
   char names[][40] = {"-Xmx64m", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1", "-XX:ErrorFile=/dev/null"};
   JavaVMOption all[std::size(names)] = {};
   for (size_t i = 0; i < std::size(names); ++i) all[i].optionString = names[i];
@@ -74,7 +74,7 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// False when there is none: a failure where one was named, else the check is skipped.
+// Returns false without a VM: fails the check if a VM was named, else skips it.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;
@@ -97,8 +97,9 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Threads that called back and then ended, attached or not. Told by a key whose destructor comes back as
-// often as the threads' library allows, after all that the algorithm library may have put there.
+// Count the threads that called back and then exited, attached or not. They are detected by a thread-specific
+// key. Its destructor re-arms as often as the thread library allows, to run after all destructors of the
+// algorithm library.
 std::atomic<int> gEndedAttached{0};
 std::atomic<int> gEnded{0};
 pthread_key_t gEndKey;
@@ -160,12 +161,12 @@ void judgeLightStream(const std::vector<Message>& messages) {
 
 void checkJava() {
 #ifdef __SANITIZE_THREAD__
-  constexpr bool kSeesTheVm = true;  // and reports its threads, which are not compiled for it
+  constexpr bool kSeesTheVm = true;  // reports the VM's own threads, which are not instrumented
 #else
   constexpr bool kSeesTheVm = false;
 #endif
   if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer and a Java VM don't go together";
-  // The VM's threads and memory go with the process; it is not taken down in order.
+  // The VM is not shut down; the process exits with it.
   endAtOnce();
   if (!startVm()) return;
   OPEN_LIBRARY(library);

@@ -1,4 +1,4 @@
-// The life of clients, and what Java does inside callbacks and while one has not returned.
+// Checks of the life of clients and of outputs after a client is gone.
 #include <algorithm>
 #include <atomic>
 
@@ -11,10 +11,10 @@ namespace {
 
 constexpr int kClients = 50;
 constexpr int kAtOnce = 10;
-constexpr std::chrono::seconds kEnding{3};  // for threads of clients that are gone
-constexpr size_t kBytesOfClient = 512;      // left by each: more is a leak
+constexpr std::chrono::seconds kEnding{3};  // wait for threads of destroyed clients
+constexpr size_t kBytesOfClient = 512;      // growth per client; more is a leak
 
-// A client's whole life: two requests, waited for or not.
+// Runs a client's whole life with two requests, waited for or not.
 void live(Inbox& inbox, bool waits) {
   const Image input;
   const Image output({}, 2);
@@ -40,7 +40,7 @@ void liveAtOnce(Inbox& inbox) {
   inbox.forget();
 }
 
-// Growth of what the process holds, from `before` until it has settled: the least that is seen in a while.
+// Growth of the process's resources since `before`: the minimum over a settling time.
 Holdings settledGrowth(const Holdings& before) {
   const auto end = std::chrono::steady_clock::now() + kEnding;
   Holdings least = Holdings::now() - before;
@@ -82,7 +82,7 @@ void tryManyClients() {
   judgeGrowth("ten clients at once, five times", 5 * kAtOnce, growth);
 }
 
-// destroyClient while workers are busy: what they use of the client is poisoned when it is freed.
+// Calls destroyClient while workers are busy. Freed memory is poisoned, so that its use is detected.
 void endBusyClients() {
   poison(0x5A);
   Inbox inbox;
@@ -93,7 +93,8 @@ void endBusyClients() {
     if (alive == 0) ++late;
   });
   step("the end of a client with requests in flight, ten times");
-  std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>> outputs;  // with their bytes then
+  std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>>
+      outputs;  // with their bytes when the client was destroyed
   for (int round = 0; round < 10; ++round) {
     const Image input({kFormatNv21, 640, 480, 0, 0, false}, 3);
     auto output = std::make_unique<Image>(ImageShape{kFormatNv21, 640, 480, 0, 0, false}, 4);
@@ -115,7 +116,7 @@ void endBusyClients() {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     outputs.emplace_back(std::move(output), std::move(then));
   }
-  // A write of a late round may take longer than its pause.
+  // A late write may take longer than the pause of its round.
   std::this_thread::sleep_for(std::chrono::milliseconds(100));
   const auto written = std::count_if(outputs.begin(), outputs.end(),
                                      [](const auto& one) { return one.first->bytes() != one.second; });

@@ -1,4 +1,4 @@
-// What is seen of the process as a whole: exceptions, and whether it survives.
+// Checks of the whole process: exceptions, and survival of hostile input.
 #include <atomic>
 #include <cstring>
 #include <exception>
@@ -11,7 +11,7 @@
 namespace orlu::conform {
 namespace {
 
-// Values of random bytes: sizes around those that the service uses, and any other.
+// Generates random values: sizes near those that the service uses, and any others.
 class RandomValues {
 public:
   explicit RandomValues(unsigned seed) : mRandom(seed) {}
@@ -21,7 +21,7 @@ public:
     size_t size = usual;
     if (below(4) == 0) size = below(kMostBytes + 1);
     std::string value(size, '\0');
-    // All set, all clear, small numbers and noise are each hostile to something else.
+    // All ones, all zeros, small numbers and noise each break different code.
     const size_t kind = below(4);
     for (size_t i = 0; i < size; ++i) {
       if (kind == 0) value[i] = '\xFF';

@@ -1,4 +1,5 @@
-// The same request gives the same bytes: whatever memory held before, and whichever requests came before.
+// Checks that a request always gives the same bytes, whatever memory contained and whichever requests ran
+// before.
 #include "checks.h"
 #include "holdings.h"
 #include "known_names.h"
@@ -9,7 +10,7 @@ namespace {
 
 constexpr int kPoisons[] = {0x11, 0xEE};
 
-// A JPEG without its leading application segments: EXIF facts may hold the time of day.
+// Removes a JPEG's leading application segments, because EXIF data may contain the time of day.
 std::string withoutFacts(const std::string& jpeg) {
   const auto byteAt = [&jpeg](size_t i) { return static_cast<size_t>(static_cast<uint8_t>(jpeg[i])); };
   size_t i = 2;
@@ -21,8 +22,8 @@ std::string withoutFacts(const std::string& jpeg) {
 
 class Repeats {
 public:
-  // The bytes that the request leaves in its output, without padding and a JPEG's facts; "" if it was not
-  // called back.
+  // Returns the bytes of the request's output, without padding and a JPEG's EXIF data; "" if the callback is
+  // missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,
@@ -48,7 +49,7 @@ public:
     return algorithm == "jpegEncode" ? withoutFacts(seen) : seen;
   }
 
-  // Another picture under another size, so that what is kept of it would show.
+  // Runs another picture of another size, to show state that the library keeps between requests.
   void runAnother() {
     const Image input({kFormatNv21, 96, 80, 0, 0, false}, 201);
     const Image output({kFormatNv21, 96, 80, 0, 0, false}, 90);
@@ -58,7 +59,7 @@ public:
     request.outputs = {&output};
     submit(mScene.client, mScene.inbox, mScene.parameters, request);
     mScene.inbox.waitFor(mLast);
-    // One of the same shape, which a buffer that is kept by its size belongs to.
+    // One with the same shape, for a library that keeps buffers by size.
     const Image same({}, 133);
     request.nativeReq = ++mLast;
     request.inputs = {&same};
@@ -79,7 +80,7 @@ size_t firstDifference(const std::string& one, const std::string& other) {
   return i;
 }
 
-// Says what differs; with --allow-noise that is a warning.
+// Reports the difference; a warning with --allow-noise.
 void report(const std::string& what, const std::string& first, const std::string& second, const char* usual) {
   if (first == second) return;
   const size_t at = firstDifference(first, second);

@@ -1,4 +1,4 @@
-// Requests: submission, callbacks, what may be in them, and their images.
+// Checks of requests: submission, callbacks, contents and images.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -14,11 +14,11 @@ namespace orlu::conform {
 namespace {
 
 constexpr double kSoonMilliseconds = 100;
-// How long a callback too many is waited for.
+// How long to wait for extra callbacks.
 constexpr std::chrono::milliseconds kSettle{250};
 constexpr size_t kLeastCallbackBytes = 21;
 
-// A record on pages of its own, which go when process() has returned.
+// A record on its own pages, which are unmapped when process() has returned.
 class DoomedRecord {
 public:
   explicit DoomedRecord(const AlgoProcessRecord& record) {
@@ -31,7 +31,7 @@ public:
   ~DoomedRecord() { munmap(mMemory, mBytes); }
 
   AlgoProcessRecord& operator*() { return *mRecord; }
-  // Overwrites all that the record holds, and takes the record away.
+  // Overwrites everything in the record, then unmaps it.
   void doom() {
     for (std::string& name : mRecord->algoList) std::fill(name.begin(), name.end(), '#');
     for (auto* frames : {&mRecord->inputFrames, &mRecord->outputFrames}) {
@@ -54,8 +54,7 @@ private:
   AlgoProcessRecord* mRecord;
 };
 
-// Lends descriptors of an image to one request, and puts a decoy file under their numbers when they are
-// closed.
+// Lends descriptors of an image to one request. When they are closed, their numbers refer to a decoy file.
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
@@ -87,7 +86,8 @@ private:
   std::vector<char> mZeros;
 };
 
-// Runs one request whose record goes at once, and compares its output with that of one whose record stayed.
+// Runs one request whose record disappears at once, and compares its output with that of a request whose
+// record stays.
 void runDoomed(bool isHardwareBuffer) {
   Scene scene;
   ImageShape shape;
@@ -127,7 +127,7 @@ void runDoomed(bool isHardwareBuffer) {
       << "a file is written that took the number of a descriptor closed after process";
 }
 
-// Submits requests of every kind; each has a name for the evidence.
+// Submits requests of every kind, each with a name for the evidence.
 class RequestMatrix {
 public:
   void submitOne(const std::string& what, Request request) {
@@ -147,7 +147,7 @@ public:
     step("waiting for the callbacks of " + std::to_string(mNames.size()) + " requests");
     std::string missing;
     for (size_t id = 0; id < mNames.size(); ++id) {
-      // Whoever was not called back once is not waited for any more.
+      // After one missing callback, the others are not waited for.
       const bool came = missing.empty() ? mInbox.waitFor(id + 1) : mInbox.count(id + 1) > 0;
       if (!came) missing += (missing.empty() ? "" : "; ") + mNames[id];
     }
@@ -158,7 +158,7 @@ public:
 private:
   Client mClient;
   Inbox mInbox;
-  std::vector<std::string> mNames;  // by the request's id, less 1
+  std::vector<std::string> mNames;  // by request id - 1
   std::vector<std::unique_ptr<Block>> mBlocks;
   std::vector<std::unique_ptr<Image>> mImages;
 };

@@ -1,4 +1,4 @@
-// What requests leave behind: descriptors, mappings, threads and memory.
+// Checks for leaks of descriptors, mappings, threads and memory by requests.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -16,12 +16,12 @@ constexpr uint64_t kWarmUp = 50;
 constexpr uint64_t kRequests = 200;
 constexpr uint64_t kManyRequests = 2000;
 constexpr uint64_t kFewestForSlope = 300;
-constexpr double kMostSeconds = 6;      // for a library that works long
-constexpr double kBytesOfRequest = 16;  // left by each: more is a leak
-constexpr int kRounds = 3;              // that must all show it
+constexpr double kMostSeconds = 6;      // stops earlier with slow libraries
+constexpr double kBytesOfRequest = 16;  // growth per request; more is a leak
+constexpr int kRounds = 3;              // a leak must show in all of them
 constexpr std::chrono::seconds kSettle{2};
 
-// False when a callback did not come.
+// Returns false if the callback is missing.
 bool runOne(Client& client, Inbox& inbox, const Image& input, const Image& output, uint64_t id) {
   Block parameters;
   parameters.set(kControl, "conform_key", std::string(100, 'k'));
@@ -51,7 +51,7 @@ void judgeGrowth(const Holdings& growth) {
     int64_t grown;
     int64_t slack;
   };
-  // Freed stacks and arenas are kept for the next thread.
+  // The C library caches freed stacks and arenas for the next thread.
   for (const Limit& limit : {
            Limit{"descriptors",     growth.descriptors, 2              },
            Limit{"threads",         growth.threads,     4              },
@@ -65,13 +65,13 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Bytes that are allocated after so many requests.
+// Heap bytes in use after a number of requests.
 struct Sample {
   double requests;
   double bytes;
 };
 
-// Least squares: bytes for each request.
+// Bytes per request, by least squares.
 double slopeOf(const std::vector<Sample>& samples) {
   Sample mean = {0, 0};
   for (const Sample& sample : samples) {
@@ -87,7 +87,7 @@ double slopeOf(const std::vector<Sample>& samples) {
   return square == 0 ? 0 : product / square;
 }
 
-// The slope over the second half of so many requests, or of as many as there is time for.
+// The slope over the second half of `most` requests, or of as many as there is time for.
 double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& done) {
   const Image input;
   const Image output({}, 2);
@@ -130,7 +130,7 @@ std::string listOf(const std::vector<std::string>& left) {
   return text;
 }
 
-// Requests of one format and layout, with numbers beside theirs that are somebody else's.
+// Runs requests of one format and layout, while the neighbouring descriptor numbers belong to other files.
 void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
   const Image input(shape, 1);
   const Image output(shape, 2);
@@ -178,7 +178,7 @@ void checkLeaks() {
   OPEN_LIBRARY(library);
   Client client;
   Inbox inbox;
-  // A thread that ends is listed for a moment longer.
+  // An exiting thread is listed a little longer.
   constexpr std::chrono::milliseconds kListed{150};
   step("the first " + std::to_string(kWarmUp) + " requests");
   if (!runMany(client, inbox, 1, kWarmUp)) return;

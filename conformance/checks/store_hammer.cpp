@@ -16,15 +16,16 @@ namespace orlu::conform {
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kKeys = 8;       // of each thread, in each shared block
-constexpr int kRounds = 1000;  // each with a new shared block: in a small one threads meet more often
-// The time is over at the latest then, but for the fewest rounds that find a missing lock.
+constexpr int kKeys = 8;  // per thread and shared block
+constexpr int kRounds =
+    1000;  // each with a new shared block, because threads collide more often in a small one
+// The time limit; the minimum number of rounds, which finds a missing lock, runs anyway.
 constexpr std::chrono::seconds kMostHammering{3};
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
 
-// Calls without this side's watching, which would keep the threads apart.
+// Calls without the observer, whose overhead would keep the threads from colliding.
 int setBare(void* block, const std::string& key, const std::string& bytes) {
   return call(-1, Library::open()->bareTable().metadataOps.setValue, block, kParameter, key.c_str(),
               static_cast<void*>(const_cast<char*>(bytes.data())), static_cast<unsigned>(bytes.size()));
@@ -37,8 +38,8 @@ std::string getBare(void* block, const std::string& key, size_t size) {
   return status == 0 ? bytes : "";
 }
 
-// Interrupts the thread that made it at odd moments, inside the library too, and lets others run: what has no
-// lock shows then on a machine with one processor as well.
+// Interrupts its thread at irregular intervals, also inside the library, and yields to other threads. A
+// missing lock thus shows even on one processor.
 class Interruptions {
 public:
   Interruptions() {
@@ -73,7 +74,7 @@ private:
   bool mIsMade;
 };
 
-// All threads leave wait() at the same moment.
+// wait() releases all threads at once.
 class Barrier {
 public:
   void wait() {
@@ -91,7 +92,7 @@ private:
   std::atomic<int> mTurn{0};
 };
 
-// What is wrong with the values that threads have set.
+// Collects values that differ from what threads set.
 struct Wrong {
   int count = 0;
   std::string first;
@@ -111,12 +112,12 @@ struct Wrong {
 
 struct Hammer {
   Barrier barrier;
-  void* shared = nullptr;  // the round's block
+  void* shared = nullptr;  // the block of the round
   int rounds = 0;
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // Names of all threads lie beside one another in any order that a store may have.
+  // Names of different threads are neighbours in any order in which a store may keep them.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }
@@ -124,7 +125,7 @@ struct Hammer {
     return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
   }
 
-  // New keys, one that all threads set, and a block that comes and goes.
+  // Sets new keys and one that all threads set, and creates and destroys a block.
   void strike(int round, int thread) {
     Wrong& own = wrong[thread];
     for (int i = 0; i < kKeys; ++i) {
@@ -134,7 +135,7 @@ struct Hammer {
     }
     setBare(shared, kOfAll, bytes(round, 0, thread, kLarge));
     const std::string seen = getBare(shared, kOfAll, kLarge);
-    // Anyone's, but whole.
+    // May be any thread's value, but not a mixture.
     own.expect(kOfAll, std::string(kLarge, seen.empty() ? '\0' : seen[0]), seen);
     const auto& ops = Library::open()->bareTable().metadataOps;
     void* const block = call<void*>(nullptr, ops.createMetadata, kParameterBlock);
@@ -144,7 +145,7 @@ struct Hammer {
     callPlain(ops.destroyMetadata, block);
   }
 
-  // The first thread makes and judges each round's block while the others wait.
+  // The first thread creates and checks the block of each round while the others wait.
   void lead() {
     const auto end = std::chrono::steady_clock::now() + kMostHammering;
     const auto goesOn = [&] { return rounds < kFewestRounds || std::chrono::steady_clock::now() < end; };
@@ -165,7 +166,7 @@ struct Hammer {
   }
 
   void follow(int thread) {
-#ifndef __SANITIZE_THREAD__  // which sees races without, and holds signals back
+#ifndef __SANITIZE_THREAD__  // ThreadSanitizer finds races without interruptions, and delays signals
     const Interruptions interruptions;
 #endif
     for (;;) {

@@ -1,9 +1,9 @@
-// Eight threads at the parameter store at once.
+// Stress test of the parameter store with eight threads.
 #pragma once
 
 namespace orlu::conform {
 
-// Fails the check if a value is not what was set. Notes how often it was tried.
+// Fails the check if a value differs from what was set. Notes the number of attempts.
 void hammerStore();
 
 }  // namespace orlu::conform

@@ -1,4 +1,4 @@
-// The entry, the tables and the records that pass.
+// Checks of the entry, the tables and the records passed in calls.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@
 namespace orlu::conform {
 namespace {
 
-// What the service can't do without, and what it costs when it is missing.
+// A callable that the service needs, and the consequence if it is missing.
 struct Need {
   const char* callable;
   const char* cost;
@@ -49,8 +49,7 @@ std::string join(const std::vector<std::string>& words) {
   return text;
 }
 
-// A table with bytes around it that nobody has to touch. Never taken down: what a faulty one holds can't be
-// destroyed.
+// A table between guard bytes. Never destroyed: destroying a faulty table would crash.
 struct GuardedTable {
   static constexpr size_t kGuard = 512;
   static constexpr unsigned char kPattern = 0xC3;
@@ -70,7 +69,7 @@ struct GuardedTable {
   }
 };
 
-// True when the table looks like one of this declaration. Nothing of it is called or destroyed.
+// Returns true if the table matches this declaration. Calls and destroys nothing of it.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {
@@ -86,7 +85,7 @@ bool looksWhole(const GuardedTable& guarded) {
   return whole;
 }
 
-// A record at the end of a page, with nothing behind it. In front of it are bytes that nobody has to touch.
+// A record that ends at the end of a page; the next page is not mapped. Guard bytes precede the record.
 template <typename Record>
 class EdgeRecord {
 public:
@@ -118,7 +117,7 @@ private:
   Record* mRecord;
 };
 
-// Unwatched, with nothing of this side's between the library and the record.
+// Calls without the observer, so that the library gets the record directly.
 template <typename Callable, typename Record>
 void callBare(const std::string& name, const Callable& callable, const Record& record) {
   const Operation operation(name, name);
@@ -138,7 +137,7 @@ void tryRecords(Scene& scene) {
   step("a process record at the end of a page");
   callBare("process", table.process, *process);
   HOLDS(process.isUntouched()) << "process writes before its record";
-  // Another id, such as the reqId, says which bytes were read in its place.
+  // A different id, such as the reqId, shows which bytes the library read instead.
   if (!scene.inbox.waitFor(request.nativeReq)) {
     for (const Message& message : scene.inbox.messages()) {
       ADD_FAILURE() << "the callback names request " << hex(message.nativeReq()) << " instead of "
@@ -229,7 +228,7 @@ void checkMandatory() {
 
 void checkLayout() {
   step("a table between guards");
-  // The entry may be called before anything of the table is believed.
+  // Only calls the entry: the table has not been checked yet.
   Library* const library = Library::open();
   if (library == nullptr) GTEST_SKIP() << kUnusable;
   auto* const guarded = new GuardedTable();

@@ -1,4 +1,4 @@
-// Parameters as real requests have them, and several threads at the store and at the images at once.
+// Checks with a full request's parameters, and with several threads that use the store and images at once.
 #include "checks.h"
 #include "known_names.h"
 #include "scene.h"
@@ -7,7 +7,7 @@
 namespace orlu::conform {
 namespace {
 
-constexpr size_t kLongest = 120;  // letters of a name
+constexpr size_t kLongest = 120;  // letters in a name
 
 struct Entry {
   std::string section;
@@ -15,14 +15,15 @@ struct Entry {
   std::string bytes;
 };
 
-// Bytes that no other entry has.
+// Bytes that differ for each entry.
 std::string distinct(size_t number, size_t size) {
   std::string bytes(size, '\0');
   for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(number * 37 + i * 11 + (number >> 3));
   return bytes;
 }
 
-// All names of the service's, and more: long ones, each a beginning of the next, or with another last letter.
+// All names of the service, and more: long names, prefixes of each other or different only in the last
+// letter.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {
@@ -60,7 +61,7 @@ std::string wrongValues(const Block& block, const std::vector<Entry>& entries) {
              : std::to_string(wrong) + " of " + std::to_string(entries.size()) + " are wrong; " + first;
 }
 
-// A client with pictures of its own, which must not be mixed with others'.
+// A client with its own pictures, which must not be mixed up with others.
 struct Painter {
   static constexpr size_t kPictures = 6;
   static constexpr ImageShape kShape = {kFormatNv21, 640, 480, 0, 0, false};

@@ -1,5 +1,5 @@
-// A check: one promise that an algorithm library has to keep, tried in a process of its own, so that a crash
-// or a hang is a failure with a name.
+// A check tests one rule that algorithm libraries must keep. It runs in its own process, so that a crash or a
+// hang is a failure of that check.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,66 +13,65 @@ namespace orlu::conform {
 
 struct Check {
   const char* name;
-  const char* promise;  // in a few words, for people
-  void (*run)();        // in the check's own process; says what is wrong with HOLDS or gtest's own macros
+  const char* promise;  // one short sentence, printed in reports
+  void (*run)();        // runs in the check's process; fails through HOLDS or GoogleTest's macros
 };
 
-// All of them, in the order in which they run.
+// All checks, in the order in which they run.
 const std::vector<Check>& allChecks();
 
-// Fails the check unless the condition holds; what is streamed in is the evidence, all that people read.
+// Fails the check unless the condition holds. The streamed text is the evidence; reports print nothing else.
 #define HOLDS(condition)         \
   GTEST_AMBIGUOUS_ELSE_BLOCKER_  \
   if (condition) {               \
   } else /* NOLINT: a macro's */ \
     ADD_FAILURE()
 
-// Said beside the verdict: what was seen, and what is not wrong yet unwelcome. Any thread may call these.
+// Add a remark or a warning to the result; neither fails the check. Thread-safe.
 void note(const std::string& text);
 void warn(const std::string& text);
-// The check's process ends when the check does, without taking anything down.
+// Makes the check's process exit without cleanup after the check.
 void endAtOnce();
-// Ends the check's process now: what it has found so far stands, the rest was "not tried: <why>".
+// Exits the check's process now. Failures so far are kept; the rest is reported as "not tried: <why>".
 [[noreturn]] void endNotTried(const std::string& why);
-// A callback did not come. Later checks wait for less long, once two checks have waited in vain.
+// Counts a missing callback. After two checks with missing callbacks, later checks wait for a shorter time.
 void missCallback();
 
 struct Options {
   std::string library;
-  int patienceSeconds = 10;  // with a callback
-  int limitSeconds = 120;    // for each check
-  int budgetSeconds = 110;   // for all of them; 0 for no limit
+  int patienceSeconds = 10;  // wait for a callback
+  int limitSeconds = 120;    // per check
+  int budgetSeconds = 110;   // for all checks; 0 for no limit
   double hostileSeconds = 3;
   unsigned seed = 1;
-  bool allowNoise = false;  // outputs of one request may differ: a warning
-  std::string jvm;          // libjvm.so
+  bool allowNoise = false;  // differing outputs of one request are only a warning
+  std::string jvm;          // path of libjvm.so
 };
 
-// What the command line says; set once, before the first check.
+// The command-line options; set once, before the first check.
 Options& options();
 
 enum class Verdict { kPassed, kFailed, kSkipped };
 
 struct Outcome {
   Verdict verdict = Verdict::kPassed;
-  std::vector<std::string> evidence;  // of a failure or a skip
+  std::vector<std::string> evidence;  // of a failure or a skipped check
   std::vector<std::string> warnings;
   std::vector<std::string> notes;
   double seconds = 0;
 };
 
-// Why a check is skipped when the time for all checks is over. The command fails then.
+// The reason of checks that are skipped because the time budget is used up. The command then fails.
 constexpr char kOutOfTime[] = "not tried: the time for all checks is over (--budget)";
 
-// The time for all checks begins anew.
+// Restarts the time budget.
 void startBudget();
 
-// Runs the check in a child process and waits for it, for the time limit at most, and until the time for all
-// checks is over. Reports progress on standard error. Must be called inside a test, with no other thread
-// running.
+// Runs the check in a child process and waits until it exits or reaches its time limit or the end of the time
+// budget. Prints progress to standard error. Call it inside a test, while no other thread runs.
 Outcome runApart(const Check& check);
 
-// Sends what a check fails and skips with to the process that waits for it; installed once.
+// Sends the failures and skips of a check to its parent process. Install it once.
 testing::TestEventListener* newCheckListener();
 
 }  // namespace orlu::conform

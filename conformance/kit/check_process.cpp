@@ -1,4 +1,4 @@
-// The check's process, and the one that waits for it.
+// The processes of a check: the child, which runs it, and the parent, which waits for it.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
@@ -24,10 +24,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 bool gEndsAtOnce = false;
-int gReport = -1;  // in the check's process: where its words go
+int gReport = -1;  // pipe to the parent process; -1 in the parent
 
-// A kind of word (F failed, S skipped, W warning, N note, C callback missed, E end), the text, and a zero.
-// One write each, so that threads do not mix.
+// Sends a message: its kind (F failed, S skipped, W warning, N note, C callback missed, E end), its text and
+// a zero byte. Each is one write, so that messages of different threads don't mix.
 void send(char kind, const std::string& text) {
   if (gReport < 0) return;
   const std::string word = kind + text.substr(0, 2000);
@@ -55,14 +55,14 @@ class CheckListener : public testing::EmptyTestEventListener {
   }
   send('E', "");
   if (gEndsAtOnce) _exit(0);
-  // Runs what the library left for the process's end, and the leak check of a sanitizer.
+  // Runs the library's exit handlers and a sanitizer's leak check.
   std::exit(0);  // NOLINT(concurrency-mt-unsafe)
 }
 
 struct Child {
   pid_t pid = -1;
   int words = -1;
-  int output = -1;  // its standard output and error
+  int output = -1;  // the child's standard output and error
 };
 
 Child start(const Check& check) {
@@ -85,9 +85,9 @@ Child start(const Check& check) {
 
 Clock::time_point gStarted = Clock::now();
 constexpr std::chrono::seconds kSilence{2};   // before the first line of progress
-constexpr std::chrono::seconds kProgress{5};  // between two of them
+constexpr std::chrono::seconds kProgress{5};  // between two such lines
 constexpr std::chrono::milliseconds kLook{200};
-// Checks in which a callback is waited for as long as the command line says, if none comes.
+// The number of checks that wait for a missing callback with full patience.
 constexpr int kPatientChecks = 2;
 int gMissingChecks = 0;
 
@@ -96,7 +96,7 @@ Clock::time_point budgetEnd() {
   return budget == 0 ? Clock::time_point::max() : gStarted + std::chrono::seconds(budget);
 }
 
-// Reads words until the process closes its end. "", or why the check is not waited for any longer.
+// Reads messages until the process closes its end. Returns "" or why the check was given up.
 std::string listen(const Check& check, int descriptor, std::string& words) {
   const Clock::time_point start_ = Clock::now();
   const Clock::time_point limit = start_ + std::chrono::seconds(options().limitSeconds);
@@ -130,7 +130,7 @@ std::string listen(const Check& check, int descriptor, std::string& words) {
   }
 }
 
-// True when the check came to its end.
+// Returns true if the check finished.
 bool readWords(const std::string& words, Outcome& outcome) {
   bool ended = false;
   for (size_t begin = 0; begin < words.size();) {
@@ -162,7 +162,7 @@ bool readWords(const std::string& words, Outcome& outcome) {
   return ended;
 }
 
-// What a sanitizer sums up, or else the last line.
+// A sanitizer's summary, or else the last line of the output.
 std::string lastOutput(int descriptor) {
   std::ifstream output("/proc/self/fd/" + std::to_string(descriptor));
   std::string last;
@@ -227,7 +227,7 @@ Outcome runApart(const Check& check) {
   const Child child = start(check);
   std::string words;
   const std::string late = child.pid > 0 ? listen(check, child.words, words) : "can't be started";
-  // The threads of one that hangs are of no interest any more.
+  // The other threads of a hanging process no longer matter.
   if (!late.empty() && child.pid > 0) kill(child.pid, SIGKILL);
   int status = -1;
   if (child.pid > 0) waitpid(child.pid, &status, 0);

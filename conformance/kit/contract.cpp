@@ -6,7 +6,7 @@
 namespace orlu::conform {
 namespace {
 
-// Numbers that the interface's header names are filled in from it.
+// Constants of the interface's header replace the placeholders in this text.
 constexpr char kText[] =
     R"(- **The table.** The library is opened by its name with everything bound at once, when the first client is
   made, and is never closed. The entry is called once for the process and once more for each client, each

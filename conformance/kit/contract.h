@@ -1,11 +1,11 @@
-// The other direction: what the service's side promises to the algorithm library.
+// The other direction: what the service guarantees to algorithm libraries.
 #pragma once
 
 #include <string>
 
 namespace orlu::conform {
 
-// A page of Markdown; docs/conformance.md holds the same text.
+// The guarantees in Markdown. docs/conformance.md contains the same text.
 std::string contract();
 
 }  // namespace orlu::conform

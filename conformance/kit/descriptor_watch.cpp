@@ -32,24 +32,24 @@ constexpr size_t kMostKept = 200;
 struct Mapping {
   size_t size;
   bool isFixed;
-  std::string made;  // by which call, where
+  std::string made;  // the call that made it, and where
 };
 
 struct Seen {
   std::mutex mutex;
-  std::set<int> callers;            // descriptors that are not the library's
-  std::map<int, std::string> kept;  // closed numbers, and where
+  std::set<int> callers;            // descriptors that belong to the caller
+  std::map<int, std::string> kept;  // closed numbers, and where they were closed
   std::deque<int> keptOrder;
   std::map<int, std::string> duplicates;  // open ones, and where they were made
   std::map<uintptr_t, Mapping> mappings;  // of images
   std::vector<std::string> wrong;
-  int nothing = -1;  // what stands behind a kept number: reads, maps and writes fail there
+  int nothing = -1;  // open behind kept numbers: reading, mapping and writing it fail
 };
 
 std::atomic<bool> gIsWatching{false};
 
 Seen& seen() {
-  static auto* const seen = new Seen();  // never destroyed: others close files until the end
+  static auto* const seen = new Seen();  // never destroyed: other code closes files until the process ends
   return *seen;
 }
 
@@ -80,7 +80,7 @@ bool isImage(int fd) {
          std::string(target).rfind("/memfd:image", 0) == 0;
 }
 
-// An emulator has memory of its own where the library has none: calls such as msync() succeed there.
+// Under an emulator, calls such as msync() succeed on the emulator's own memory, so this reads the maps.
 bool isMapped(uintptr_t address) {
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
@@ -97,7 +97,7 @@ int badDescriptor() {
   return -1;
 }
 
-// A number that the library has closed is somebody's again. The lock is held.
+// Frees a number that the library closed, for reuse. The lock is held.
 void giveUp(Seen& all, int fd, bool isClosed) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
@@ -158,7 +158,7 @@ std::vector<std::string> DescriptorWatch::takeLeft() {
   const std::lock_guard<std::mutex> lock(seen().mutex);
   std::vector<std::string> left;
   for (const auto& [fd, made] : std::exchange(seen().duplicates, {})) {
-    // What closes a stream or a folder closes its descriptor unseen.
+    // fclose() and closedir() close their descriptor unseen.
     if (plainFcntl(fd, F_GETFD, nullptr) >= 0) left.push_back(std::to_string(fd) + " of " + made);
   }
   for (const auto& [begin, mapping] : std::exchange(seen().mappings, {})) {
@@ -191,7 +191,7 @@ int watchedClose(int fd, const void* caller) {
   }
   if (all.callers.count(fd) != 0) {
     all.wrong.push_back(text + " of a descriptor that is the caller's");
-    return 0;  // the caller goes on with it
+    return 0;  // as success would, so that the caller continues
   }
   if (plainFcntl(fd, F_GETFD, nullptr) < 0) {
     all.wrong.push_back(text + " of a number that is not open");
@@ -244,7 +244,7 @@ int watchedUnmap(void* address, size_t size, const void* caller) {
   const std::string text = callText("munmap", caller) + " of " + std::to_string(size) + " bytes";
   const auto begin = reinterpret_cast<uintptr_t>(address);
   const size_t whole = wholePages(size);
-  const bool isThere = isMapped(begin);  // before the lock: it opens a file
+  const bool isThere = isMapped(begin);  // before the lock, because it opens a file
   Seen& all = seen();
   const std::lock_guard<std::mutex> lock(all.mutex);
   const auto mapping = all.mappings.find(begin);

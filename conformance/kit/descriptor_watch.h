@@ -1,5 +1,5 @@
-// Sees what the library does with descriptors and with mappings of the kit's images. Under a sanitizer, which
-// has such functions of its own, nothing is seen.
+// Watches which descriptors the library opens, duplicates and closes, and which images of the kit it maps.
+// Sanitizers replace the same functions, so nothing is watched in their builds.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace orlu::conform {
 
-// Sees while it lives. One at a time. What is open when it is made belongs to the caller: make it before the
-// library is opened.
+// Watches during its lifetime; one object at a time. Descriptors that are open at construction belong to the
+// caller, so construct it before the library is opened.
 class DescriptorWatch {
 public:
   DescriptorWatch();
@@ -17,15 +17,16 @@ public:
   ~DescriptorWatch();
 
   static bool canSee();
-  // The library must not close or replace these descriptors, until they are forgotten.
+  // Until they are forgotten, closing or replacing these descriptors is a fault of the library.
   void lend(const std::vector<int>& descriptors);
   void forget(const std::vector<int>& descriptors);
-  // Numbers that the library has closed are kept for a while, so that nobody gets them and a second close is
-  // seen. So many are open because of that.
+  // Numbers that the library closed are occupied for a while, so that they are not reused and a second close
+  // is detected. Returns how many descriptors are open for this reason.
   int kept() const;
-  // What was wrong since this was last asked.
+  // Returns and clears the faults since the last call.
   std::vector<std::string> takeWrong();
-  // Duplicates and mappings that the library made since this was last asked, and has not given back.
+  // Returns and clears the duplicates and mappings that the library made since the last call and has not
+  // released.
   std::vector<std::string> takeLeft();
 };
 

@@ -39,9 +39,9 @@ std::string grown(const char* what, int64_t by) {
 
 int64_t allocatedBytes() {
 #ifdef ORLU_SANITIZED
-  return 0;  // the sanitizer's own leak check looks at the end
+  return 0;  // the sanitizer's leak check runs at exit
 #elif defined(__ANDROID__)
-  // Bionic has no mallinfo2(): its mallinfo() has fields of size_t.
+  // Bionic lacks mallinfo2(), but its mallinfo() already has size_t fields.
   return static_cast<int64_t>(mallinfo().uordblks);
 #else
   const auto info = mallinfo2();

@@ -1,4 +1,4 @@
-// What a process holds, for checks of what a library leaves behind.
+// The resources of this process. Checks compare them to find leaks of the library.
 #pragma once
 
 #include <cstdint>
@@ -6,13 +6,13 @@
 
 namespace orlu::conform {
 
-// Under a sanitizer, whose own they mostly are, mappings and bytes are 0.
+// In sanitizer builds, mappings and bytes are 0, because most of them belong to the sanitizer.
 struct Holdings {
   int64_t descriptors = 0;
   int64_t threads = 0;
   int64_t mappings = 0;
   int64_t imageMappings = 0;  // of the kit's images
-  int64_t bytes = 0;          // allocated
+  int64_t bytes = 0;          // on the heap
 
   static Holdings now();
   Holdings operator-(const Holdings& before) const;
@@ -20,10 +20,10 @@ struct Holdings {
   std::string text() const;
 };
 
-// Bytes that are allocated.
+// Returns the heap bytes in use.
 int64_t allocatedBytes();
 
-// What fresh and freed memory is filled with from now on, where the C library can; 0 for nothing.
+// Fills fresh and freed memory with this byte from now on, if the C library supports it; 0 stops filling.
 void poison(int byte);
 
 }  // namespace orlu::conform

@@ -27,12 +27,12 @@ int32_t rowBytes(const ImageShape& shape) {
     case kFormatRgba8888:
       return 4 * shape.width;
     default:
-      // A row of chroma has two bytes for each two columns, the last of which may be half outside.
+      // A chroma row has two bytes per two columns; of an odd width, the last pair is half outside.
       return isYuv(shape.format) ? (shape.width + 1) / 2 * 2 : shape.width;
   }
 }
 
-// Bytes of a row that hold pixels, of each plane.
+// Bytes of a plane's row that hold pixels.
 int32_t pixelBytes(const ImageShape& shape, int plane) {
   return isYuv(shape.format) && plane == 0 ? shape.width : rowBytes(shape);
 }
@@ -65,7 +65,7 @@ Image::Image(const ImageShape& shape, int filler) : mShape(shape) {
   mSize = static_cast<size_t>(layOut().size);
   mFd = memfd_create("image", MFD_CLOEXEC);
   mPattern.resize(mSize);
-  // Smooth, so that it can be compressed and aligned, and different in each row.
+  // Smooth, so that it can be compressed and aligned; every row differs.
   for (size_t i = 0; i < mSize; ++i)
     mPattern[i] = static_cast<uint8_t>(i / 7 + static_cast<size_t>(filler) * 31);
   writeAll(mFd, mPattern, 0);
@@ -96,7 +96,7 @@ AlgoFrameInfo Image::layOut() const {
     frame.stride[1] = stride;
     frame.planeSize[1] = stride * ((mShape.height + 1) / 2);
   }
-  // A raw image's stride counts pixels.
+  // The stride of a raw image counts pixels.
   if (mShape.format == kFormatRaw16) frame.stride[0] = mShape.width + mShape.padding / 2;
   for (int32_t size : frame.planeSize) frame.size += size;
   return frame;

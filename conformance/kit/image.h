@@ -1,5 +1,4 @@
-// An image of a request: a memory file with a pattern in it, and more of the file behind the image, where
-// nobody has anything to write.
+// An image of a request: a memory file with a pattern, followed by guard bytes that nobody may change.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -21,7 +20,7 @@ struct ImageShape {
   bool isHardwareBuffer = false;
 };
 
-// How an image lies in memory.
+// Padding of an image in memory.
 struct Layout {
   const char* name;
   int32_t padding;
@@ -39,7 +38,7 @@ constexpr Layout kLayouts[] = {
 // "64 x 48 of format 1", for evidence.
 std::string describe(const AlgoFrameInfo& frame);
 
-// A row of a plane: where its pixels lie in the image's bytes.
+// The pixels of one row of a plane, as a range of the image's bytes.
 struct PixelRow {
   int plane;
   int32_t row;
@@ -49,34 +48,34 @@ struct PixelRow {
 
 class Image {
 public:
-  // `filler` decides the pattern, so that two images differ.
+  // `filler` selects the pattern, so that two images differ.
   explicit Image(const ImageShape& shape = {}, int filler = 1);
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
   ~Image();
 
-  // The record as the service builds it. The descriptors stay this image's.
+  // The record as the service builds it. The image keeps ownership of the descriptors.
   AlgoFrameInfo frame() const;
-  // A poisoned record must not be followed into these.
+  // Handles are allocated separately, so that poisoning a record leaves them intact.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
-  // All that travel in the record.
+  // All descriptors in the record.
   std::vector<int> descriptors() const { return {mFd, mOtherFd}; }
   size_t size() const { return mSize; }
-  // The bytes that it was made with.
+  // The bytes written at construction.
   const std::vector<uint8_t>& pattern() const { return mPattern; }
-  // Top to bottom, plane by plane; of a format without a known layout all of it as rows of bytes.
+  // From top to bottom, plane by plane. Formats without a known layout return all bytes as rows.
   std::vector<PixelRow> rows() const;
-  // The image's bytes as they are now.
+  // The current bytes of the image.
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }
-  // "" or what was written outside the planes: between them, or behind the image.
+  // Returns "" or describes bytes written outside the planes: between them or after the image.
   std::string strayWrite() const;
 
-  // False for a JPEG and for what has no name: there are bytes, and no pixels at known places.
+  // False for JPEG and for unknown formats, which have no pixels at known offsets.
   static bool hasKnownLayout(int32_t format);
-  // Formats that the service hands over, by its names.
+  // The formats that the service passes, as named by it.
   static const std::vector<int32_t>& formats();
   static constexpr size_t kGuardBytes = 8192;
 
@@ -86,7 +85,7 @@ private:
   const ImageShape mShape;
   size_t mSize = 0;
   int mFd = -1;
-  int mOtherFd = -1;  // the first descriptor of a hardware buffer, which is not the pixels'
+  int mOtherFd = -1;  // first descriptor of a hardware buffer, which has no pixels
   std::vector<uint8_t> mPattern;
   AlgoNativeHandle* mHandle = nullptr;
 };

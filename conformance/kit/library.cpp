@@ -28,7 +28,7 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// Operations of a thread nest: a callback inside process, a set inside a visitor.
+// Operations of a thread nest: a callback in process(), a set in a visitor.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 
 }  // namespace

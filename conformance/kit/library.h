@@ -1,4 +1,4 @@
-// The algorithm library under check, opened once in the check's process.
+// The algorithm library under test, opened once per check process.
 #pragma once
 
 #include <atomic>
@@ -13,16 +13,16 @@
 
 namespace orlu::conform {
 
-// Notes of each call what the checks look at, and which operation each thread is in.
+// Records what checks need of each call, and the operation that each thread is in.
 class CallObserver : public probe::TableObserver {
 public:
   void before(const probe::WatchedCall& call) noexcept override;
   void after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept override;
 
-  // Exceptions that left a callable: its name, the exception's type and text.
+  // Exceptions that left a callable: the callable's name, the exception's type and text.
   std::vector<std::string> thrown() const;
   double longestProcessMilliseconds() const { return static_cast<double>(mLongestProcess) / 1e6; }
-  // Asked after each operation on its thread; "" or what is wrong with the thread.
+  // Called on the operation's thread after each operation. Returns "" or what is wrong with the thread.
   std::string (*inspectThread)() = nullptr;
 
 private:
@@ -31,8 +31,8 @@ private:
   std::atomic<int64_t> mLongestProcess{0};
 };
 
-// Room for a table, and for an entry that writes behind it: a fault that the check of the layout finds, while
-// the others go on.
+// A table with spare bytes for an entry that writes past its end. The layout check reports that fault; the
+// other checks still run.
 struct SpaciousTable {
   AlgoInterfaceCallbacks table;
   unsigned char behind[512];
@@ -40,17 +40,17 @@ struct SpaciousTable {
 
 class Library {
 public:
-  // Opens it on first use, with everything bound at once. Null when that fails; then `error` says why. The
-  // process's own table is filled when it is first asked for.
+  // Opens the library on first use, with RTLD_NOW. On failure returns null and sets `error`. The process's
+  // own table is filled when it is first used.
   static Library* open(std::string* error = nullptr);
 
-  // Calls the entry.
+  // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table, watched. An exception out of it is noted; see call().
+  // The process's own table with the observer. Exceptions are recorded; see call().
   const AlgoInterfaceCallbacks& table();
-  // The same unwatched, where nothing of this side's may stand between.
+  // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();
-  // False when nothing of the process's own table is filled in, or nothing of it can be believed.
+  // False if the process's own table is empty or invalid.
   bool isWhole();
   CallObserver& observer() const { return *mObserver; }
 
@@ -63,11 +63,11 @@ private:
   std::once_flag mFilled;
   CallObserver* mObserver;  // never destroyed
   bool mIsWhole = false;
-  SpaciousTable* mSpacious = new SpaciousTable();  // never destroyed: what is no table can't be taken down
+  SpaciousTable* mSpacious = new SpaciousTable();  // never destroyed: destroying an invalid table would crash
   AlgoInterfaceCallbacks mTable;
 };
 
-// Calls a callable as the service does: one that is empty or throws counts as `failure`.
+// Calls a callable as the service does. Returns `failure` if it is empty or throws.
 template <typename Result, typename... Parameters, typename... Arguments>
 Result call(Result failure, const std::function<Result(Parameters...)>& callable, Arguments&&... arguments) {
   if (!callable) return failure;
@@ -87,10 +87,10 @@ void callPlain(const std::function<void(void*)>& callable, Arguments&&... argume
   }
 }
 
-// Why a check is skipped that has no library to work with. The command fails then, whatever else it checked.
+// The reason of checks that are skipped because the library can't be used. The command then fails.
 constexpr char kUnusable[] = "the library can't be used; the checks loading and layout say why";
 
-// Opens the library for a check, or skips it.
+// Opens the library for a check, or skips the check.
 #define OPEN_LIBRARY(library)               \
   Library* const library = Library::open(); \
   if (library == nullptr || !library->isWhole()) GTEST_SKIP() << kUnusable

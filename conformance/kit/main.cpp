@@ -1,4 +1,4 @@
-// The command behind ./run conform: runs the checks over one algorithm library.
+// The program of ./run conform: runs the checks on one algorithm library.
 #include <getopt.h>
 
 #include <algorithm>
@@ -55,7 +55,7 @@ bool gIsPerf = false;
 std::string gBaseline;
 std::string gAlgorithms;
 
-// A test of GoogleTest's in this process, which waits for the check in its own.
+// A GoogleTest test in this process, which runs the check in a child process.
 class CheckTest : public testing::Test {
 public:
   explicit CheckTest(const Check& check) : mCheck(check) {}
@@ -78,7 +78,7 @@ private:
   const Check& mCheck;
 };
 
-// Gives each round of --repeat its seeds, and time of its own.
+// Gives each round of --repeat new seeds and a new time budget.
 class Rounds : public testing::EmptyTestEventListener {
   void OnTestIterationStart(const testing::UnitTest& test, int round) override {
     startBudget();
@@ -144,7 +144,7 @@ bool isCheck(const std::string& name) {
   return false;
 }
 
-// GoogleTest's filter for the names of some checks.
+// Converts the names of checks to a GoogleTest filter.
 std::string filterFor(const std::string& names) {
   std::string filter;
   std::istringstream list(names);
@@ -164,7 +164,7 @@ double positive(const char* text, const char* flag) {
   return number;
 }
 
-// GoogleTest's own, which knows 0 for the time of day.
+// GoogleTest's own seed, with 0 for the time of day.
 int shuffleSeed(const char* text) {
   const auto seed = static_cast<int>(positive(text, "shuffle"));
   if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);
@@ -175,11 +175,11 @@ void listChecks() {
   for (const Check& check : allChecks()) std::printf("%-12s%s\n", check.name, check.promise);
 }
 
-// Takes the command line; answers what asks for no check at once.
+// Reads the options. Options that print something and run no check exit here.
 void readCommandLine(int argc, char** argv) {
   std::string only;
   int index = 0;
-  // Its own words would name this program by its path.
+  // getopt's own messages would start with the path of this program.
   for (int flag = 0; (flag = getopt_long(argc, argv, ":", kFlags, &index)) != -1;) {
     Options& taken = options();
     switch (flag) {
@@ -285,8 +285,7 @@ int runChecks() {
 }  // namespace
 }  // namespace orlu::conform
 
-// A segmentation fault of the library is told by the operation that it was in, and the Java VM has uses for
-// it.
+// The kit reports a segmentation fault with the operation that caused it, and the Java VM uses the signal.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:handle_abort=0";
 }
@@ -294,7 +293,7 @@ extern "C" const char* __asan_default_options() {
 int main(int argc, char** argv) {
   using namespace orlu::conform;
 #ifdef ORLU_CONFORM_LIBRARY
-  // In the build's folder: the stand-in, and the VM that it was built with.
+  // In the build folder, the defaults are the stand-in and the VM of the build.
   options().library = ORLU_CONFORM_LIBRARY;
   options().jvm = ORLU_CONFORM_JVM;
 #endif

@@ -21,8 +21,9 @@ namespace {
 constexpr char kCopy[] = "copy";  // a request without an algorithm
 constexpr int kRepeats = 9;
 constexpr int kMostSeconds = 3600;
-constexpr double kLeastChange = 0.05;  // of a row; caches and clocks change less than that between runs
-constexpr double kNoises = 4;          // a change that is larger than so many is none of the noise
+constexpr double kLeastChange =
+    0.05;                      // fraction of a row's time; smaller changes come from caches and clocks
+constexpr double kNoises = 4;  // a change is significant if it exceeds the noise this many times
 constexpr std::array<std::array<int32_t, 2>, 3> kSizes = {
     {{640, 480}, {1920, 1080}, {4080, 3072}}
 };
@@ -36,7 +37,8 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// What follows the name in a line of JSON: a number, or a string without its first quote; "" without it.
+// The text after `name` in a line of JSON: a number, or a string without its first quote; "" if the name is
+// absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -59,7 +61,7 @@ std::optional<PerfRow> rowOf(const std::string& line) {
   return row;
 }
 
-// A line such as "VmHWM:    1234 kB" of the process's status.
+// Reads a line such as "VmHWM:    1234 kB" of /proc/self/status.
 int64_t kilobytesOf(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -74,7 +76,7 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
-// Requests one after another, the first of which counts for nothing.
+// Runs requests one after another. The first one warms up and is not counted.
 class Meter {
 public:
   void measure(const std::string& algorithm, const ImageShape& shape) {
@@ -83,7 +85,7 @@ public:
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? jpegOf(shape) : shape, 70);
     const int64_t kilobytes = kilobytesOf("VmRSS:");
-    std::ofstream("/proc/self/clear_refs") << "5";  // the most from now on
+    std::ofstream("/proc/self/clear_refs") << "5";  // restarts the peak
     std::vector<double> times;
     for (int i = 0; i <= kRepeats; ++i) {
       const double time = millisecondsOf(algorithm, input, output);
@@ -99,7 +101,7 @@ public:
   }
 
 private:
-  // The size of its memory is that of the pixels, which a JPEG does not exceed.
+  // As many bytes as the pixels have, which a JPEG does not exceed.
   static ImageShape jpegOf(const ImageShape& shape) {
     return {kFormatJpeg, shape.width, shape.height, 0, 0, false};
   }
@@ -127,7 +129,7 @@ private:
   uint64_t mLast = 0;
 };
 
-std::vector<std::string> gWanted;  // all if it is empty
+std::vector<std::string> gWanted;  // all if empty
 
 bool isWanted(const std::string& algorithm) {
   return gWanted.empty() || std::find(gWanted.begin(), gWanted.end(), algorithm) != gWanted.end();
@@ -146,7 +148,7 @@ void measureAll() {
   }
 }
 
-// Takes the names between commas. Returns the first that is unknown, else "".
+// Parses names separated by commas. Returns the first unknown name, or "".
 std::string want(const std::string& algorithms) {
   std::istringstream list(algorithms);
   for (std::string name; std::getline(list, name, ',');) {
@@ -173,7 +175,7 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// By how much `row` is slower than `before`, of its time; 0 for what the noise of both explains.
+// The relative change of the time since `before`; 0 if the noise of both explains it.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

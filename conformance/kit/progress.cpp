@@ -17,8 +17,8 @@ using Clock = std::chrono::steady_clock;
 struct Slot {
   std::atomic<bool> isTaken;
   char text[160];
-  char name[48];               // empty for what is not timed
-  std::atomic<int64_t> since;  // of Clock
+  char name[48];               // empty for operations that are not timed
+  std::atomic<int64_t> since;  // by Clock
 };
 
 struct Progress {
@@ -42,7 +42,7 @@ void copyInto(char (&to)[Room], const std::string& text) {
   to[length] = '\0';
 }
 
-// A thread's slot until it ends; null if more threads are in the library than there are slots.
+// The slot of a thread during its lifetime; null if all slots are taken.
 struct OwnSlot {
   Slot* slot = nullptr;
 

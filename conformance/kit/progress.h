@@ -1,5 +1,5 @@
-// What a check's process is doing, in memory that the process which waits for it shares: the step, and the
-// operation of each thread. It outlives a crash, and it shows which operation hangs.
+// The progress of a check's process: its step and the operation of each thread. The parent process shares
+// this memory, so it survives a crash and shows which operation hangs.
 #pragma once
 
 #include <chrono>
@@ -7,24 +7,24 @@
 
 namespace orlu::conform {
 
-// Shares memory with the processes that are started from now on. False if there is none.
+// Shares memory with processes started from now on. Returns false without memory.
 bool shareProgress();
 void unshareProgress();
 
-// What the check is doing; it is the evidence when the process ends or hangs.
+// The check's current step; it becomes the evidence if the process dies or hangs.
 void step(const std::string& text);
 std::string currentStep();
-// The step and all operations, for evidence: "; step: the first 50 requests; in flush".
+// The step and all running operations, for evidence: "; step: the first 50 requests; in flush".
 std::string whereabouts();
 
-// The operation that has not returned for so long; "" if there is none.
+// The operation that has been running for longer than `limit`; "" if none has.
 std::string overdueOperation(std::chrono::seconds limit);
-// Operations known to hang, in the processes that are started from now on: a check that calls one is over,
-// and reports "not tried".
+// Marks an operation as hanging for processes started from now on. A check that calls it stops and reports
+// "not tried".
 void noteHang(const std::string& operation);
 
-// The operation that this thread is in. The library's own operations have a name: they are timed, and must
-// return. Nested ones replace the text until they end.
+// The current operation of this thread. Operations of the library have a name: they are timed and must
+// return. A nested operation replaces the text while it runs.
 class Operation {
 public:
   explicit Operation(const std::string& text, const std::string& name = "");
@@ -37,7 +37,7 @@ private:
   std::string mName;
 };
 
-// This thread is in a callback of the library's: an operation that hangs there may well work elsewhere.
+// This thread is in a callback of the library. An operation that hangs inside a callback may work elsewhere.
 class CallbackScope {
 public:
   CallbackScope();

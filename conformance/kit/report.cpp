@@ -49,7 +49,7 @@ std::string lineOf(const CheckResult& result) {
 }
 
 std::string jsonOf(const std::vector<CheckResult>& results) {
-  // What a library says of itself need not be UTF-8.
+  // The library's own texts may contain invalid UTF-8.
   std::string report = "{\n  \"library\": " + probe::quoted(options().library) + ",\n  \"checks\": [";
   const char* between = "";
   for (const CheckResult& result : results) {

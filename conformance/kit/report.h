@@ -1,4 +1,4 @@
-// What people, scripts and CI get to see of the checks.
+// Output of the results for people, scripts and CI.
 #pragma once
 
 #include <string>
@@ -13,10 +13,9 @@ struct CheckResult {
   Outcome outcome;
 };
 
-// One line for each check: verdict, name, evidence. A warning and further evidence follow in lines of their
-// own.
+// One line per check: verdict, name, evidence. Warnings and further evidence follow on separate lines.
 std::string lineOf(const CheckResult& result);
-// All of them as one JSON object.
+// All results as one JSON object.
 std::string jsonOf(const std::vector<CheckResult>& results);
 
 }  // namespace orlu::conform

@@ -17,7 +17,7 @@ const AlgoInterfaceCallbacks& table() {
 
 constexpr int kNotCalled = -1000;
 constexpr std::chrono::milliseconds kShortPatience{300};
-// The types for which the service uninitialises, in its order.
+// The types for which the service calls uninit, in its order.
 constexpr int32_t kUninitTypes[] = {kRequestPreview, kRequestCapture, kRequestType3, kRequestType5};
 
 void appendInt(std::string& bytes, int32_t value) {
@@ -36,7 +36,7 @@ Block::Block(int kind) : mHandle(call<void*>(nullptr, table().metadataOps.create
 }
 
 int Block::set(const char* section, const char* key, const void* data, size_t size) {
-  // The service hands over its own memory, which nobody has to write to.
+  // The service passes its own memory, which the library must not change.
   return call(kNotCalled, table().metadataOps.setValue, mHandle, section, key, const_cast<void*>(data),
               static_cast<unsigned>(size));
 }
@@ -146,7 +146,7 @@ struct Inbox::State {
 };
 
 Inbox::Inbox() : mState(std::make_shared<State>()) {
-  // Late callbacks of one library must not end the next check's evidence, so nothing is ever freed.
+  // A late callback of one library must not disturb the next check, so these are never freed.
   static auto* const kept = new std::vector<std::unique_ptr<AlgoResultCallback>>();
   static std::mutex mutex;
   const std::lock_guard<std::mutex> lock(mutex);
@@ -192,7 +192,7 @@ size_t Inbox::count(uint64_t nativeReq, const std::string& name) const {
 bool Inbox::waitFor(uint64_t nativeReq) const {
   static std::atomic<bool> hasMissed{false};
   std::unique_lock<std::mutex> lock(mState->mutex);
-  // Whoever was not called back once is not waited for as long again.
+  // After one missing callback, the others are waited for only briefly.
   const auto limit = hasMissed ? kShortPatience : std::chrono::seconds(options().patienceSeconds);
   const bool came = mState->changed.wait_for(
       lock, limit, [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });
@@ -247,8 +247,8 @@ std::string cameraMetadata() {
   appendInt(bytes, static_cast<int32_t>(std::size(kTags)));
   for (const Tag& tag : kTags) {
     appendText(bytes, tag.name);
-    appendInt(bytes, 0);  // an integer
-    appendInt(bytes, 1);  // one of them
+    appendInt(bytes, 0);  // the type code of integers
+    appendInt(bytes, 1);  // their count
     appendInt(bytes, tag.value);
   }
   return bytes;

@@ -1,5 +1,4 @@
-// What a check needs to work with the library as the service does: clients, blocks, requests and where their
-// callbacks arrive.
+// Fixtures that use the library as the service does: clients, blocks, requests, and an inbox for callbacks.
 #pragma once
 
 #include <chrono>
@@ -16,7 +15,7 @@
 
 namespace orlu::conform {
 
-// A metadata block for the life of this object.
+// Owns a metadata block.
 class Block {
 public:
   explicit Block(int kind = kParameterBlock);
@@ -28,8 +27,8 @@ public:
   int set(const char* section, const char* key, const void* data, size_t size);
   int set(const char* section, const char* key, const std::string& bytes);
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // The bytes that getValue() wrote into a buffer of this size; `status` gets what it returned. Nothing of
-  // the buffer's own bytes counts as written.
+  // The bytes that getValue() wrote into a buffer of this size; `status` receives its return value. Bytes
+  // that getValue() left unchanged are not included.
   std::string written(const char* section, const char* key, size_t size, int& status) const;
   unsigned size() const;
   void destroy();
@@ -38,7 +37,7 @@ private:
   void* mHandle;
 };
 
-// A client for the life of this object, which ends it as the service does: flush, uninit, destroy.
+// Owns a client. Destroys it as the service does: flush, uninit, destroy.
 class Client {
 public:
   Client();
@@ -58,31 +57,31 @@ private:
 
 struct Message {
   std::string data;
-  std::vector<std::vector<int32_t>> handles;  // the words of each
+  std::vector<std::vector<int32_t>> handles;  // the words of each handle
   std::thread::id thread;
   int64_t tid = 0;
   std::chrono::steady_clock::time_point time;
 
-  // By the callback's own bytes; "" and 0 when they are too short.
+  // Read from the callback's bytes; "" and 0 if there are too few.
   std::string name() const;
   uint64_t nativeReq() const;
   size_t payloadSize() const;
 };
 
-// Where callbacks arrive. Its function stays valid until the process ends.
+// Collects callbacks. Its function stays valid until the process ends.
 class Inbox {
 public:
   Inbox();
 
   uint64_t cookie() const;
   std::vector<Message> messages() const;
-  // Callbacks of this name for this request.
+  // The number of callbacks with this name for this request.
   size_t count(uint64_t nativeReq, const std::string& name = kShotCallback) const;
-  // Waits for the first one, as long as the command line says. False when the time was over.
+  // Waits for the first callback, at most the patience of the options. Returns false after a timeout.
   bool waitFor(uint64_t nativeReq) const;
-  // Keeps nothing of what arrived.
+  // Discards all callbacks received so far.
   void forget();
-  // Called on the thread of each callback, before anything else. Set before the first request.
+  // `look` is called first on the thread of each callback. Set it before the first request.
   void onCallback(std::function<void(const Message&)> look);
 
 private:
@@ -91,7 +90,7 @@ private:
   AlgoResultCallback* mFunction;
 };
 
-// How the evidence of a request begins that was not called back.
+// First words of the evidence for a missing callback.
 constexpr char kNoCallback[] = "no callback for ";
 
 struct Request {
@@ -106,14 +105,14 @@ struct Request {
                            void* raw) const;
 };
 
-// Camera metadata as the service serialises it, of a few tags.
+// Serialised camera metadata with a few tags, in the service's format.
 std::string cameraMetadata();
 
-// Submits a request as the service does: with a camera-metadata block of its own that is destroyed when
-// process() has returned. The status of process().
+// Submits a request as the service does, with a camera-metadata block that is destroyed when process() has
+// returned. Returns the status of process().
 int submit(const Client& client, const Inbox& inbox, const Block& parameters, const Request& request);
 
-// A client, an inbox, a parameter block and a pair of small images, for checks that need no more.
+// A client, an inbox, a parameter block and two small images, for checks that need no more.
 struct Scene {
   Client client;
   Inbox inbox;
@@ -121,11 +120,10 @@ struct Scene {
   Image input{ImageShape(), 1};
   Image output{ImageShape(), 2};
 
-  // One capture with the pair of images. False, and a failed check, when no callback came.
+  // Runs one capture with the two images. If the callback is missing, fails the check and returns false.
   bool run(uint64_t nativeReq, const std::vector<std::string>& algorithms = {});
 };
 
-// "64 x 48 NV21" and the like, for evidence.
 std::string hex(uint64_t number);
 
 }  // namespace orlu::conform

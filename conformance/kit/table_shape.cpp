@@ -15,7 +15,7 @@ namespace orlu::conform {
 #ifdef __GLIBCXX__
 namespace {
 
-// Where code may be, of all modules.
+// The executable address ranges of all modules.
 class CodeRanges {
 public:
   CodeRanges() {
@@ -41,11 +41,11 @@ private:
   std::vector<std::pair<uintptr_t, uintptr_t>> mRanges;
 };
 
-// In this C++ library a callable ends with two addresses of code: what manages it, and what calls it.
+// In this C++ library, the last two words of a callable are code addresses: its manager and its invoker.
 template <typename Callable>
 bool isWhole(const Callable& callable, const CodeRanges& code) {
   uintptr_t words[sizeof(Callable) / sizeof(uintptr_t)];
-  // NOLINTNEXTLINE(bugprone-undefined-memory-manipulation): its words are only looked at
+  // NOLINTNEXTLINE(bugprone-undefined-memory-manipulation): only reads its words
   std::memcpy(words, &callable, sizeof callable);
   const size_t count = std::size(words);
   return code.hold(words[count - 2]) && code.hold(words[count - 1]);

@@ -1,4 +1,4 @@
-// Whether a table can be one of this declaration, without calling or destroying anything of it.
+// Tests whether a table matches this declaration without calling or destroying any part of it.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace orlu::conform {
 
-// The name of the first callable that is filled in with what is no code; "" when there is none, and in a C++
-// library whose callables have another form than the one known here.
+// Returns the name of the first callable that is set but does not point to code; "" if there is none or the
+// C++ library stores callables in an unknown form.
 std::string oddCallable(const AlgoInterfaceCallbacks& table);
 
 }  // namespace orlu::conform

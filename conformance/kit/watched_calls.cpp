@@ -1,4 +1,4 @@
-// Functions of the C library that the kit's process has instead, for all that is loaded into it.
+// Replacements for functions of the C library, used by everything that is loaded into the kit's process.
 #include "watched_calls.h"
 
 #include <fcntl.h>
@@ -29,7 +29,7 @@ int plainFcntl(int fd, int command, void* argument) {
 
 void* plainMap(void* address, size_t size, int protection, int flags, int fd, off64_t offset) {
 #ifdef SYS_mmap2
-  constexpr off64_t kUnit = 4096;  // of its offsets, on every machine
+  constexpr off64_t kUnit = 4096;  // mmap2's unit of offsets on every machine
   if (offset % kUnit != 0) {
     errno = EINVAL;
     return MAP_FAILED;
@@ -49,7 +49,7 @@ int plainUnmap(void* address, size_t size) {
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-// Under names of their own, since the C library's headers declare the others in their own ways.
+// The functions need names of their own, because the C library's headers declare the originals differently.
 #define INSTEAD_OF(name) __asm__(#name) __attribute__((visibility("default"), used))
 #define CALLER __builtin_return_address(0)
 

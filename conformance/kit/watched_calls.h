@@ -1,5 +1,5 @@
-// What DescriptorWatch makes of a call that the library made. Each does the call's work, and sets errno as it
-// does. `caller` is the address that the call returns to.
+// DescriptorWatch's side of the intercepted calls. Each function performs the call and sets errno like the
+// original. `caller` is the return address of the call.
 #pragma once
 
 #include <sys/types.h>
@@ -8,19 +8,19 @@
 
 namespace orlu::conform {
 
-// Whether calls are looked at. Those of the kit itself never are.
+// Whether calls from this address are watched. The kit's own calls never are.
 bool isWatched(const void* caller);
 
 int watchedClose(int fd, const void* caller);
-// dup, dup2 and dup3, and fcntl with F_DUPFD; `to` is -1 where the number is the system's choice.
+// dup, dup2, dup3 and fcntl(F_DUPFD). `to` is -1 if the system chooses the number.
 int watchedDuplicate(const char* call, int from, int to, int leastNumber, int flags, const void* caller);
-// False, with errno, for a number that the library has closed.
+// Returns false and sets errno if the library has closed this number.
 bool watchedUse(const char* call, int fd, const void* caller);
-// A mapping that was made of a descriptor. One at a fixed place may lie in a larger one.
+// Records a mapping of a descriptor. A fixed mapping may lie inside a larger one.
 void watchedMap(void* address, size_t size, int fd, bool isFixed, const void* caller);
 int watchedUnmap(void* address, size_t size, const void* caller);
 
-// The system calls themselves.
+// The bare system calls.
 int plainClose(int fd);
 int plainDuplicate(int from, int to, int flags);
 int plainFcntl(int fd, int command, void* argument);

@@ -134,8 +134,8 @@ void visitUnderLock(Table& table) {
 }
 
 // threads
-// A store beside the minimal library's: the list of blocks has a lock, the values of a block have one where
-// asked.
+// Replaces the minimal library's store. The list of blocks has a lock; the values of a block have one on
+// request.
 struct LooseBlock {
   std::mutex mutex;
   std::map<std::string, std::string> values;

@@ -1,4 +1,4 @@
-// Mutants of descriptors and mappings. Each works with duplicates of its own, beside the minimal library's.
+// Mutants of descriptors and mappings. Each uses its own duplicates, separate from the minimal library's.
 #include "mutant.h"
 
 namespace orlu::mutants {
@@ -33,7 +33,7 @@ void leaveRawDescriptor(Table& table) {
 void leaveDup(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
     if (frame.format == kFormatRgba8888) [[maybe_unused]]
-      const int kept = dup(fd);  // NOLINT(android-cloexec-dup): a maker's mistake
+      const int kept = dup(fd);  // NOLINT(android-cloexec-dup): a typical mistake
   });
 }
 void closeTwice(Table& table) {
@@ -43,7 +43,7 @@ void closeTwice(Table& table) {
     close(own);
   });
 }
-// By then the number may be that of another file.
+// By then the number may belong to another file.
 void closeAgainLater(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo&) {
     const int own = duplicate(fd);
@@ -75,7 +75,7 @@ void mapClosed(Table& table) {
     if (memory != MAP_FAILED) munmap(memory, sizeOf(frame));
   });
 }
-// The size of the pixels, where the whole of the memory was mapped.
+// Maps all of the memory, but unmaps only the size of the pixels.
 void unmapLess(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
     void* const memory = mapped(fd, sizeOf(frame) + 8192);
@@ -84,7 +84,7 @@ void unmapLess(Table& table) {
 }
 void unmapMore(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
-    // Finds a place with room behind it, so that nothing else goes.
+    // Finds a place with free space behind it, so that nothing else is unmapped.
     const size_t more = sizeOf(frame) + 65536;
     void* const room = mmap(nullptr, more, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     munmap(room, more);

@@ -1,4 +1,4 @@
-// Mutants of outputs, clients, threads and descriptors: mistakes that makers made.
+// Mutants of outputs, clients, threads and descriptors, after mistakes of real libraries.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -141,11 +141,11 @@ void keepClientMemory(Table& table) {
     return create(record);
   };
 }
-// Outputs of requests that are out, and those of clients that were flushed with requests out.
+// Outputs of requests in flight, and those of clients that were flushed with requests in flight.
 struct Unfinished {
   std::mutex mutex;
-  std::map<void*, std::pair<void*, int>> outputs;  // by block: the client, and the file
-  std::map<void*, std::vector<int>> flushed;       // files, by client
+  std::map<void*, std::pair<void*, int>> outputs;  // by block: the client and the file
+  std::map<void*, std::vector<int>> flushed;       // files by client
 };
 void startOutput(Unfinished& all, const AlgoProcessRecord& record) {
   if (record.outputFrames.empty()) return;
@@ -160,7 +160,7 @@ void finishOutput(Unfinished& all, void* block) {
   close(output->second.second);
   all.outputs.erase(output);
 }
-// The workers are not waited for: they write when their client is gone.
+// Doesn't wait for the workers, which write after their client is destroyed.
 void leaveWorkers(Table& table) {
   static Unfinished all;
   onProcess(table, [](const AlgoProcessRecord& record) { startOutput(all, record); });
@@ -249,7 +249,7 @@ void shareBuffer(Table& table) {
   });
 }
 
-// Counts the requests that are out.
+// Counts the requests in flight.
 struct RequestsOut {
   std::mutex mutex;
   std::condition_variable changed;
@@ -271,7 +271,7 @@ void waitForPrevious(Table& table) {
   out.finishWithCallbacks(table);
   onProcess(table, [](const AlgoProcessRecord&) {
     std::unique_lock<std::mutex> lock(out.mutex);
-    // Not for ever, so that it is no hang.
+    // With a timeout, so that it does not count as a hang.
     out.changed.wait_for(lock, std::chrono::milliseconds(900), [] { return out.count == 0; });
     ++out.count;
   });
@@ -316,7 +316,7 @@ void hangInFlush(Table& table) {
 
 // leaks
 void leak32Bytes(Table& table) {
-  static std::atomic<void*> chain{nullptr};  // reachable: no leak check sees it
+  static std::atomic<void*> chain{nullptr};  // reachable, so leak checkers don't report it
   onProcess(table, [](const AlgoProcessRecord&) {
     auto** const link = static_cast<void**>(operator new(24));
     *link = chain.exchange(link);

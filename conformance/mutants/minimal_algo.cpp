@@ -1,6 +1,5 @@
-// The least that an algorithm library has to be: it keeps parameters, copies the first input to all
-// outputs, and calls back. docs/algorithm_library.md shows it; the conformance kit finds nothing wrong with
-// it.
+// The smallest valid algorithm library. It stores parameters, copies the first input to all outputs, and
+// calls back. It passes all checks of the conformance kit. See docs/algorithm_library.md.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>
@@ -29,10 +28,10 @@ struct Block {
   std::string raw;
 };
 
-// One lock for everything. It is never held while a function of the caller's runs.
+// One lock for everything. It is never held during calls of the caller's functions.
 std::mutex gMutex;
 std::condition_variable gDone;
-std::map<void*, int> gPending;  // requests in flight, of each client
+std::map<void*, int> gPending;  // requests in flight by client
 std::set<Block*> gBlocks;
 
 int setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
@@ -52,7 +51,7 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// Whatever a callback starts in Java needs a thread that the VM knows, and that lets go of it before it ends.
+// A callback may call into Java, so its thread must be attached to the VM, and detached before it exits.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
@@ -61,7 +60,8 @@ JavaVM* findVm() {
   return get != nullptr && get(&vm, 1, &count) == JNI_OK && count > 0 ? vm : nullptr;
 }
 
-// Bytes and rows of a plane. Rows are padded in each image as it likes: an output has strides of its own.
+// A plane's position and rows. Each image has its own padding: the strides of an output differ from the
+// input's.
 struct Plane {
   size_t begin;
   size_t stride;
@@ -114,13 +114,13 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// The record is the caller's, and gone when process returns; so are its descriptors.
+// The record and its descriptors belong to the caller and are invalid after process() has returned.
 struct Request {
   void* client;
   uint64_t cookie;
   uint64_t nativeReq;
   std::vector<AlgoFrameInfo> frames;  // the first input and all outputs
-  std::vector<int> fds;               // duplicates of theirs
+  std::vector<int> fds;               // duplicates of their descriptors
 
   explicit Request(const AlgoProcessRecord& record)
       : client(record.client), cookie(record.callbackCookie), nativeReq(record.nativeReq) {
@@ -131,7 +131,8 @@ struct Request {
   }
 };
 
-// The client whose request this thread calls back for. Java may flush and destroy it in there.
+// The client of the callback that this thread is in. Java may flush and destroy the client inside the
+// callback.
 thread_local void* tCallingBack = nullptr;
 
 void work(const Request& request) {
@@ -183,7 +184,7 @@ extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(AlgoIn
   table->uninit = [](const AlgoUninitRecord&) { return 0; };
   table->process = process;
   table->flush = [](const AlgoFlushRecord& record) { return waitForRequests(record.client); };
-  table->command = [](const AlgoCommandRecord&) { return -1; };  // nothing is aborted: it is done soon
+  table->command = [](const AlgoCommandRecord&) { return -1; };  // aborts nothing: requests finish soon
   table->metadataOps.createMetadata = [](int) -> void* {
     const std::lock_guard<std::mutex> lock(gMutex);
     return *gBlocks.insert(new Block()).first;

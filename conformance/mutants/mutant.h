@@ -1,4 +1,4 @@
-// What the mutants are made with. A mutant is the minimal library with one fault planted in its table.
+// Helpers of the mutants. A mutant is the minimal library with one fault planted in its table.
 #pragma once
 
 #include <fcntl.h>
@@ -20,7 +20,7 @@ namespace orlu::mutants {
 
 using Table = AlgoInterfaceCallbacks;
 using Bytes = std::vector<uint8_t>;
-using Send = std::function<void(const Bytes&)>;  // calls the caller's function back
+using Send = std::function<void(const Bytes&)>;  // calls the caller's function
 
 struct Mutant {
   const char* name;
@@ -33,25 +33,25 @@ std::vector<Mutant> requestMutants();
 std::vector<Mutant> lifeMutants();
 std::vector<Mutant> descriptorMutants();
 
-// How often the entry was called in this process.
+// The number of calls of the entry in this process.
 extern std::atomic<int> gEntries;
 
-// A callback's bytes: its header, this name, and so many zeros.
+// A callback's bytes: its header, this name, and `payload` zeros.
 Bytes message(uint64_t nativeReq, const std::string& name, size_t payload = 0);
 
-// The id in a callback's bytes.
+// The request id in a callback's bytes.
 uint64_t requestOf(const Bytes& bytes);
 
-// Calls the caller's function behind a cookie.
+// Calls the caller's function with this cookie.
 void sendTo(uint64_t cookie, const Bytes& bytes);
 
-// Puts `change` between the minimal library's callbacks and the caller's function. It gets the record's list
-// too.
+// Intercepts the minimal library's callbacks: `change` is called instead of the caller's function, with the
+// record's algorithm list.
 template <typename Change>
 void onCallback(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {
     AlgoProcessRecord changed = record;
-    // Called once, and then done with.
+    // Called once, then destroyed.
     auto* const own = new std::shared_ptr<AlgoResultCallback>(std::make_shared<AlgoResultCallback>());
     **own = [change, own, cookie = record.callbackCookie, block = record.metadata[0].block,
              list = record.algoList](const auto& data, const auto&, const auto&) {
@@ -66,7 +66,7 @@ void onCallback(Table& table, Change change) {
   };
 }
 
-// Calls `before` with each record, before the minimal library gets it.
+// Calls `before` with each record before the minimal library gets it.
 template <typename Before>
 void onProcess(Table& table, Before before) {
   table.process = [before, process = table.process](const AlgoProcessRecord& record) {
@@ -75,19 +75,19 @@ void onProcess(Table& table, Before before) {
   };
 }
 
-// Does the work on a thread of its own, so many milliseconds from now.
+// Does the work on a new thread after a delay.
 void later(int milliseconds, std::function<void()> work);
 
-// Every callback comes 25 ms late.
+// Delays every callback by 25 ms.
 void delayCallbacks(Table& table);
 
-// Leaves a result in a block, as an algorithm does.
+// Stores a result in a block, as an algorithm does.
 void leaveResult(const Table& table, void* block, const char* section, const char* key, Bytes bytes);
 
-// Whether the list begins with this algorithm.
+// Whether the algorithm list starts with this name.
 bool asksFor(const std::vector<std::string>& list, const char* name);
 
-// The first output's memory and more, of the caller's file; changed by `change`.
+// Maps `size` bytes of the caller's file, which may exceed the first output, and calls `change` with them.
 template <typename Change>
 void touch(int fd, size_t size, Change change) {
   auto* const memory = static_cast<uint8_t*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
@@ -96,7 +96,8 @@ void touch(int fd, size_t size, Change change) {
   munmap(memory, size);
 }
 
-// Changes the first output between the minimal library's work and its callback; `before` is what it held.
+// Changes the first output after the minimal library's work and before its callback. `before` is the output's
+// previous contents.
 template <typename Change>
 void onFinish(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {

@@ -1,5 +1,5 @@
-// The minimal library with one fault planted, for the proof that the kit finds it. ORLU_MUTANT names the
-// fault; mutants.txt says which checks each one fails.
+// The minimal library with one planted fault, to prove that the kit detects it. ORLU_MUTANT selects the
+// fault; mutants.txt lists the checks that each one fails.
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include "mutant.h"
 
 #ifdef MUTANT_UNBOUND
-// A function that no library has: the loader notices when everything is bound at once.
+// An undefined function: the loader fails with RTLD_NOW.
 extern "C" int orluNoSuchFunction();
 #endif
 

@@ -1,4 +1,4 @@
-// Mutants of requests: what happens to records, images and callbacks.
+// Mutants of requests: records, images and callbacks.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>
@@ -148,7 +148,7 @@ void leakDescriptor(Table& table) {
             [](const AlgoProcessRecord&) { [[maybe_unused]] const int kept = fcntl(0, F_DUPFD_CLOEXEC, 0); });
 }
 void leakMemory(Table& table) {
-  static std::map<int, std::string> kept;  // reachable, so that no leak check but growth tells
+  static std::map<int, std::string> kept;  // reachable, so leak checkers don't report it; only growth does
   onProcess(table, [](const AlgoProcessRecord&) { kept[static_cast<int>(kept.size())].resize(1000); });
 }
 void leakThread(Table& table) {

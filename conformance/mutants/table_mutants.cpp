@@ -1,4 +1,4 @@
-// Mutants of the table itself: how it is filled, its clients, what leaves it, its records.
+// Mutants of the table: how it is filled, its clients, exceptions, and records.
 #include <unistd.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ void giveOneHandle(Table& table) {
                            const auto&) { return client; };
   table.destroyClient = [](void*) { return 0; };
 }
-// What a handle stands for ends with its client.
+// Forgets the values of a client when it is destroyed.
 template <typename Value>
 void forgetAtEnd(Table& table, std::map<void*, Value>& known) {
   table.destroyClient = [&known, destroy = table.destroyClient](void* client) {
