@@ -1,15 +1,15 @@
 #!/bin/bash
-# Makes the folder that a maker of algorithm libraries takes home: ./run sdk DIR
+# Writes the kit for makers of algorithm libraries: ./run sdk DIR
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"
 source "$root/scripts/arm_root.sh"
 
-readonly usage="usage: ./run sdk DIR
+readonly usage="Usage: ./run sdk DIR
 
-Makes the folder DIR for makers of algorithm libraries: the header, the kit for
-x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be empty or
-missing."
+Write a kit for makers of algorithm libraries to the folder DIR: the header, the
+checks for x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be
+empty or missing."
 
 # refuse TEXT: as the other subcommands refuse a command line.
 refuse() {

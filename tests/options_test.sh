@@ -73,7 +73,7 @@ grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "
 while read -r subcommand; do
   command_ends 0 "$subcommand" --help
   [ ! -s err ] || fail "$subcommand --help: $(cat err)"
-  grep -q "^usage: ./run $subcommand" out || fail "$subcommand --help begins with $(head -n 1 out)"
+  grep -q "^Usage: ./run $subcommand" out || fail "$subcommand --help begins with $(head -n 1 out)"
   if grep -n '.\{81\}' out; then fail "the help of $subcommand is wider than 80 columns"; fi
 done < <(sed -n '/^Subcommands/,/^$/s/^  \([a-z]*\) .*/\1/p' "$root/service/help.txt")
 

@@ -25,30 +25,30 @@ public record Catalogue(String one, String help, List<String> columns, Function<
     private static final String FILE = "catalogue.json";
     private static final Map<String, Catalogue> PARTS = Map.of(
             "tags", new Catalogue("tag",
-                    "Lists the tags of capture results and compositions: type, unit and meaning. Of "
-                    + "one tag it says also which values have a meaning, which functions read it or put "
-                    + "it back, which parameters change with it, what those are where no tag is there, "
-                    + "and what samples set.",
+                    "List the tags of capture results and compositions: type, unit and meaning. For one "
+                    + "tag, also print the values with a meaning, the functions that read it or put it "
+                    + "back, the parameters that change with it and their values without it, and the "
+                    + "values in samples.",
                     List.of("type", "unit"), entry -> text(entry.get("meaning"))),
             "algorithms", new Catalogue("algorithm",
-                    "Lists the algorithms that a request can ask for. Of one it says also when the "
-                    + "library adds it or takes it out, what changes when it is in the list, what is "
-                    + "read back, whether the stand-in runs it, and what became of it in each sample.",
+                    "List the algorithms that a request can ask for. For one, also print when the "
+                    + "library adds or removes it, what changes if it is in the list, what is read "
+                    + "back, whether the stand-in runs it, and what became of it in each sample.",
                     List.of("standIn"), entry -> text(entry.get("is"))),
             "parameters", new Catalogue("parameter",
-                    "Lists the parameters that the library hands to the algorithm library (in) and "
-                    + "reads back (out), by section without orlu.algo. and key: type and bytes. Of one "
-                    + "it says also which functions write it or read it back, the tags that change it, "
-                    + "and what it is where no tag is there.",
+                    "List the parameters that the library hands to the algorithm library (in) and reads "
+                    + "back (out), by section (without orlu.algo.) and key: type and bytes. For one, "
+                    + "also print the functions that write it or read it back, the tags that change it, "
+                    + "and its value without tags.",
                     List.of("type", "bytes", "direction"), Catalogue::belowParameter),
             "formats", new Catalogue("format",
-                    "Lists the image formats: what the pixels are, the code that the algorithm library "
-                    + "gets, planes, bytes of a row of a picture W pixels wide, what becomes of strides, "
-                    + "which files a request file can fill an image from, and which samples have it.",
+                    "List the image formats: their pixels, the code that the algorithm library gets, "
+                    + "planes, bytes of a row of W pixels, the treatment of strides, the files that can "
+                    + "fill an image, and the samples that have it.",
                     List.of("code"), entry -> text(entry.get("is"))),
             "samples", new Catalogue("sample",
-                    "Lists the request files in samples/: what each shows, its frames and algorithms. "
-                    + "Of one it says also its images, and the tags that few other samples set.",
+                    "List the request files in samples/: what each shows, its frames and algorithms. "
+                    + "For one, also print its images and the tags that few other samples set.",
                     List.of("shape", "algorithms"), entry -> text(entry.get("about"))));
 
     /** Returns a part by its name: tags, algorithms, parameters, formats or samples. */

@@ -29,7 +29,7 @@ final class CatalogueCommand implements Subcommand {
 
     @Parameters(index = "0", arity = "0..1", hidden = true)
     private String mWord;
-    @Option(names = "--json", description = "print all that is known of each, as a JSON list")
+    @Option(names = "--json", description = "Print all that is known as a JSON list")
     private boolean mJson;
 
     /**
@@ -50,7 +50,7 @@ final class CatalogueCommand implements Subcommand {
                 .completionCandidates(() -> Candidates.of(mName).iterator()).build());
         spec.usageMessage().customSynopsis("./run " + mName + " [" + mLabel + "] [--json]")
                 .description(Catalogue.of(mName).help(),
-                        mLabel + " is a part of a name, or a whole one, of which all is shown.")
+                        mLabel + " is part of a name. A full name prints everything about its entry.")
                 .footer("  ./run " + mName, "  ./run " + mName + " " + mExample);
     }
 

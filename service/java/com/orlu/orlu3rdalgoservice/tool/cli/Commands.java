@@ -34,31 +34,31 @@ final class Commands {
      * The others, in the order of the help. Only the selected one is created: reading annotations is slow.
      */
     private static final List<Row> NAMED = List.of(
-            new Row("new", "print a request file to start from", NewCommand::new),
-            new Row("import", "make a request file of what a camera wrote", ImportCommand::new),
-            new Row("info", "say what is in recordings of requests", InfoCommand::new),
-            new Row("replay", "run recordings again, and compare", ReplayCommand::new),
-            new Row("trim", "write a smaller copy of a recording", TrimCommand::new),
-            new Row("diff", "compare two runs of a request", DiffCommand::new),
-            new Row("sweep", "run a request with each of several values of a tag", SweepCommand::new),
-            new Row("compare", "compare two libraries over many requests", CompareCommand::new),
-            new Row("conform", "check whether an algorithm library behaves", () -> new LaunchedCommand(
+            new Row("new", "Print a request file to start from", NewCommand::new),
+            new Row("import", "Make a request file from a camera's own files", ImportCommand::new),
+            new Row("info", "Print what recordings contain", InfoCommand::new),
+            new Row("replay", "Run recordings again and compare", ReplayCommand::new),
+            new Row("trim", "Write a smaller copy of a recording", TrimCommand::new),
+            new Row("diff", "Compare two runs of a request", DiffCommand::new),
+            new Row("sweep", "Run a request with several values of a tag", SweepCommand::new),
+            new Row("compare", "Compare two libraries over many requests", CompareCommand::new),
+            new Row("conform", "Check whether an algorithm library behaves", () -> new LaunchedCommand(
                     "--only= --list --json --junit= --contract --hostile= --long --seed= --repeat= "
                     + "--shuffle= --patience= --limit= --budget= --allow-noise --perf --baseline= --arm")),
-            new Row("sdk", "write a folder for makers of algorithm libraries",
+            new Row("sdk", "Write a kit for makers of algorithm libraries",
                     () -> new LaunchedCommand("")),
-            new Row("tags", "list tags: type, unit, meaning, who reads them",
+            new Row("tags", "List tags: type, unit, meaning, readers",
                     () -> new CatalogueCommand("tags", "TAG", "orlu.control.currentModeEx")),
-            new Row("algorithms", "list algorithms: what adds and removes them",
+            new Row("algorithms", "List algorithms: what adds and removes them",
                     () -> new CatalogueCommand("algorithms", "ALGORITHM", "hdr")),
-            new Row("parameters", "list parameters: type, bytes, the tags they come from",
+            new Row("parameters", "List parameters: type, bytes, source tags",
                     () -> new CatalogueCommand("parameters", "KEY", "hdr_process_type")),
-            new Row("formats", "list image formats: planes, strides, files",
+            new Row("formats", "List image formats: planes, strides, files",
                     () -> new CatalogueCommand("formats", "FORMAT", "RAW16")),
-            new Row("samples", "list the samples and what each shows",
+            new Row("samples", "List the samples and what each shows",
                     () -> new CatalogueCommand("samples", "SAMPLE", "night")),
-            new Row("schema", "print a JSON schema of request files, for editors", SchemaCommand::new),
-            new Row("completion", "print the completion for bash", CompletionCommand::new),
+            new Row("schema", "Print a JSON schema of request files for editors", SchemaCommand::new),
+            new Row("completion", "Print the completion script for bash", CompletionCommand::new),
             new Row("trials", "", TrialsCommand::new));
 
     private Commands() {
@@ -114,9 +114,9 @@ final class Commands {
         CommandSpec spec = reader.getCommandSpec();
         command.describe(spec);
         spec.name("./run").addOption(
-                OptionSpec.builder("--help", "-h").usageHelp(true).description("print this").build());
+                OptionSpec.builder("--help", "-h").usageHelp(true).description("Print this help").build());
         UsageMessageSpec usage = spec.usageMessage();
-        usage.width(HELP_COLUMNS).sortOptions(false).synopsisHeading("usage: ")
+        usage.width(HELP_COLUMNS).sortOptions(false).synopsisHeading("Usage: ")
                 .optionListHeading("%nOptions:%n");
         usage.description(Stream.of(usage.description()).flatMap(text -> Stream.of("", text))
                 .toArray(String[]::new));

@@ -32,19 +32,19 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand compare: runs the requests of a folder over two libraries, and compares the results. */
 @Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
-        description = {"Runs requests or recordings over two libraries, each in a process of its own, and "
-                + "prints a table, the worst first. A and B are algorithm libraries, or builds of the native "
-                + "one. The status is 0 when all runs are ok and equal, else 1."},
+        description = {"Run requests or recordings over two libraries, each in its own process, and print a "
+                + "table, the worst first. A and B are algorithm libraries, or builds of the native one. The "
+                + "exit status is 0 if all runs are ok and equal, else 1."},
         footer = "  ./run compare --lib old.so --lib new.so --fail-below 40 samples")
 final class CompareCommand implements Subcommand {
     private static final int SHOWN = 3;
 
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFiles;
-    @Option(names = "--lib", paramLabel = "LIBRARY", description = "given twice: run with these libraries")
+    @Option(names = "--lib", paramLabel = "LIBRARY", description = "Run with this library; give it twice")
     private List<Path> mLibraries = List.of();
-    @Option(names = "--fail-below", paramLabel = "PSNR", description = "let outputs differ down to this PSNR "
-            + "in dB, and parameters at all: only lower outputs and runs that fail count")
+    @Option(names = "--fail-below", paramLabel = "PSNR",
+                description = "Fail only if a run fails or an output is below PSNR dB")
     private Double mLeastPsnr;
     @Mixin
     private ManyOptions mMany;

@@ -7,8 +7,7 @@ import picocli.CommandLine.Command;
 
 /** The subcommand completion: prints picocli's completion script for bash. */
 @Command(customSynopsis = "./run completion", footer = "  source <(./run completion)",
-        description = "Prints a script with which bash completes subcommands, options and their values for "
-                + "./run.")
+        description = "Print a script that lets bash complete subcommands, options and their values.")
 final class CompletionCommand implements Subcommand {
     @Override
     public int run() {

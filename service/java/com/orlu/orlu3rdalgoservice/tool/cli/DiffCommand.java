@@ -20,9 +20,9 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand diff: compares two runs; runs request files first. */
 @Command(customSynopsis = "./run diff [options] A [B]",
-        description = "Compares two runs. A and B are recordings or folders of them, files that --events "
-                + "wrote, or request files, which are run first. The status is 0 when all is equal, 1 when "
-                + "something is different.",
+        description = "Compare two runs. A and B are recordings or folders of them, files that --events "
+                + "wrote, or request files, which are run first. The exit status is 0 if all is equal and "
+                + "1 if something differs.",
         footer = {"  ./run diff samples/night.json samples/night-async.json",
             "  ./run diff samples/night.json --lib old.so --lib new.so"})
 final class DiffCommand implements Subcommand {
@@ -31,7 +31,7 @@ final class DiffCommand implements Subcommand {
     @Parameters(paramLabel = "A", index = "0..1", arity = "1..2", hidden = true)
     private List<Path> mFiles;
     @Option(names = "--lib", paramLabel = "LIBRARY",
-            description = "given twice: run the one A, or A and B, with these two libraries")
+            description = "Run A (and B) with this library; give it twice")
     private List<Path> mLibraries = List.of();
     @Mixin
     private RunComparison mComparison;

@@ -20,21 +20,20 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand import: makes a request file from the files that cameras write. */
 @Command(customSynopsis = "./run import [options] FILE... --out FILE",
-        description = "Writes a request file of a camera service's text dump, the JSON of a camera image "
-                + "test, and DNG, JPEG, TIFF or PNG pictures. A line says of each value that is dropped "
-                + "where it was and why (docs/importing.md).",
+        description = "Write a request file from a camera service's text dump, the JSON of a camera image "
+                + "test, and DNG, JPEG, TIFF or PNG pictures. Print a note for each dropped value, with "
+                + "its place and the reason (docs/importing.md).",
         footer = {"  ./run import dump.txt shot.dng --out shot.json", "  ./run shot.json"})
 final class ImportCommand implements Subcommand {
     @Parameters(paramLabel = "FILE", arity = "1..*", hidden = true)
     private List<Path> mFiles;
-    @Option(names = "--out", paramLabel = "FILE", required = true, description = "the request file")
+    @Option(names = "--out", paramLabel = "FILE", required = true, description = "Write the request to FILE")
     private Path mOut;
-    @Option(names = "--photo", paramLabel = "FILE",
-            description = "make the inputs of this photo, where no picture is imported")
+    @Option(names = "--photo", paramLabel = "FILE", description = "Make missing inputs from this photo")
     private Path mPhoto;
     @Option(names = "--algorithms", paramLabel = "ALGORITHM", split = ",",
             completionCandidates = Candidates.Algorithms.class,
-            description = "the list to ask for, such as night,jpegEncode")
+            description = "Request these algorithms, e.g. night,jpegEncode")
     private List<String> mAlgorithms = List.of();
 
     /** Prints what it drops. Writes nothing if a file is invalid. */

@@ -19,12 +19,12 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand info: prints the content of recordings. */
 @Command(customSynopsis = "./run info FOLDER...", footer = "  ./run info shots", description = {
-    "Says what is in recordings: the request, its frames and images, how far it came.",
+    "Print what recordings contain: the request, its frames and images, how far it got.",
     GivenPaths.RECORDINGS})
 final class InfoCommand implements Subcommand {
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFolders;
-    @Option(names = "--private", description = "list what tells about a person or a machine instead")
+    @Option(names = "--private", description = "Print what identifies a person or a machine instead")
     private boolean mIsPrivate;
 
     @Override

@@ -17,10 +17,9 @@ import picocli.CommandLine.Option;
 /** The options of subcommands that run many requests, and their common end. */
 final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
-            description = "write a page with the pictures beside each "
-                    + "other")
+            description = "Write a page with the pictures side by side")
     Path report;
-    @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side; times suffer")
+    @Option(names = "--jobs", paramLabel = "N", description = "Run N requests in parallel; times suffer")
     int jobs = 1;
 
     /** Throws an IllegalArgumentException if an option is invalid. */

@@ -16,14 +16,14 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand new: prints or writes the sample of a kind of capture, with a comment on each tag. */
 @Command(customSynopsis = "./run new [KIND] [--out FILE]",
-        description = "Prints the sample of a kind of capture, with a comment on each tag. It runs as it "
-                + "is. Without KIND it lists them.",
+        description = "Print the sample of a kind of capture, with a comment on each tag. It runs as it is. "
+                + "Without KIND, list the kinds.",
         footer = {"  ./run new", "  ./run new hdr5 --out mine.json", "  ./run mine.json"})
 final class NewCommand implements Subcommand {
     @Parameters(paramLabel = "KIND", index = "0", arity = "0..1", hidden = true,
             completionCandidates = Candidates.Kinds.class)
     private String mKind;
-    @Option(names = "--out", paramLabel = "FILE", description = "write it to FILE, which must not exist")
+    @Option(names = "--out", paramLabel = "FILE", description = "Write to FILE, which must not exist")
     private Path mOut;
 
     @Override

@@ -20,18 +20,18 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand replay: runs recordings again, and compares the results. */
 @Command(customSynopsis = "./run replay [options] FOLDER...",
-        description = {"Runs recordings again, and compares what they do with what was recorded. The status "
-                + "is 0 when all is equal, 1 when something is different.", GivenPaths.RECORDINGS},
+        description = {"Run recordings again and compare the results with the recorded ones. The exit status "
+                + "is 0 if all are equal and 1 if something differs.", GivenPaths.RECORDINGS},
         footer = {"  ./run --record shots samples/night.json", "  ./run replay shots",
             "  ./run replay shots --against other/liborlu.vac.interface.so"})
 final class ReplayCommand implements Subcommand {
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFolders;
     @Option(names = "--against", paramLabel = "LIBRARY",
-            description = "run with this library: an algorithm library, or another build of the native one")
+            description = "Run with this algorithm or native library")
     private Path mLibrary;
     // Passed on to the launcher of the child process.
-    @Option(names = "--arm", description = "run the 32-bit ARM library")
+    @Option(names = "--arm", description = "Run the 32-bit ARM library")
     private boolean mArm;
     @Mixin
     private RunComparison mComparison;

@@ -12,13 +12,13 @@ import picocli.CommandLine.Option;
 
 /** The options that select the form of a command's results. */
 class ResultOptions {
-    @Option(names = "--json", paramLabel = "FILE", description = "write the results as JSON "
-            + "(docs/results.schema.json); - for standard output, which then has nothing else")
+    @Option(names = "--json", paramLabel = "FILE",
+                description = "Write the results as JSON; - for standard output")
     Path json;
-    @Option(names = "--junit", paramLabel = "FILE", description = "write the results as JUnit's XML; - for "
-            + "standard output")
+    @Option(names = "--junit", paramLabel = "FILE",
+                description = "Write the results as JUnit XML; - for standard output")
     Path junit;
-    @Option(names = "--quiet", description = "print the verdict alone")
+    @Option(names = "--quiet", description = "Print only the verdict")
     boolean quiet;
 
     /** Throws an IllegalArgumentException if a file can't be written; `paths` has the other paths. */

@@ -24,37 +24,38 @@ import picocli.CommandLine.Spec;
 /** ./run without a subcommand: runs requests. The launcher reads some of these options, too. */
 @Command(customSynopsis = {"./run [options] [request.json | FOLDER ...]", "       ./run SUBCOMMAND ..."},
         commandListHeading = "%nSubcommands, each with a --help of its own:%n",
-        description = "Sends camera requests through the post-processing library, as the service does, and "
-                + "shows what went in, what ran and what came back. Without a request file it takes "
+        description = "Send camera requests through the post-processing library as the service does, and "
+                + "show what went in, what ran and what came back. Without a request file, run "
                 + "samples/night.json.",
         footer = {
-            "  ./run samples/clarity.json            another request",
-            "  ./run --params samples/capture.json   every parameter handed over",
-            "  ./run --log --photo my.jpg            the library's log, frames of a photo",
-            "  ./run diff a.json b.json              what two requests do differently",
-            "  ./run tags zoom                       what is known of the tags on zoom",
+            "  ./run samples/clarity.json            Run another request",
+            "  ./run --params samples/capture.json   Print every parameter handed over",
+            "  ./run --log --photo my.jpg            Print the log; make frames from a photo",
+            "  ./run diff a.json b.json              Compare two requests",
+            "  ./run tags zoom                       List the tags with zoom in their names",
             """
 
-            The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The \
-            status is 0 when all went well, 1 when a request failed, 2 when the command line or a request \
-            file can't be taken (nothing runs then), 3 when the algorithm library can't be used: it can't be \
-            opened, has no entry, lacks a callable that no request can do without, or makes no client. When \
-            it ends the process, the file crash.log beside the images says where.
+            The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The exit \
+            status is 0 if all went well, 1 if a request failed, 2 if the command line or a request file is \
+            invalid (nothing runs), and 3 if the algorithm library can't be used: it can't be opened, has no \
+            entry, lacks a mandatory callable, or creates no client. If the library ends the process, \
+            crash.log beside the images shows where.
             """,
             """
-            Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to put \
-            another algorithm library before the stand-in.
+            Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to use \
+            another algorithm library than the stand-in. The pages in docs/ describe each option: \
+            explain.md, events.md, timeline.md, report.md, recording.md and many_shots.md.
             """})
 final class RunCommand implements Subcommand {
-    @ArgGroup(heading = "%nWhat is shown:%n", validate = false)
+    @ArgGroup(heading = "%nOutput to the terminal:%n", validate = false)
     Shown shown = new Shown();
-    @ArgGroup(heading = "%nWhat is written:%n", validate = false)
+    @ArgGroup(heading = "%nOutput to files:%n", validate = false)
     Written written = new Written();
-    @ArgGroup(heading = "%nWhat is run:%n", validate = false)
+    @ArgGroup(heading = "%nRequests:%n", validate = false)
     Tried tried = new Tried();
     @Parameters(paramLabel = "request.json", hidden = true)
     List<Path> files = new ArrayList<>();
-    @Option(names = "--version", versionHelp = true, description = "print the version")
+    @Option(names = "--version", versionHelp = true, description = "Print the version")
     private boolean mVersion;
     // The base name of output files, set by the process that starts this one.
     @Option(names = "--as", paramLabel = "NAME", hidden = true)
@@ -64,79 +65,65 @@ final class RunCommand implements Subcommand {
     private List<Path> mRequests;
 
     static final class Shown {
-        @Option(names = "--params", description = "print every parameter handed to the algorithms")
+        @Option(names = "--params", description = "Print every parameter handed to the algorithms")
         boolean params;
         /** Keys of parameters, with or without sections, and words such as "all". */
         @Option(names = "--explain", paramLabel = "[SECTION/]KEY", arity = "1",
                 completionCandidates = Candidates.Explained.class,
-                description = "say who wrote this parameter and which tags it depends on, found by trying: "
-                        + "a key, \"algorithms\" or \"all\" (docs/explain.md)")
+                description = "Print the origin of a parameter, \"algorithms\" or \"all\"")
         List<String> explain = new ArrayList<>();
-        @Option(names = "--tags", description = "print what was read of each frame's tags, what was not, "
-                + "and what stands where one is absent")
+        @Option(names = "--tags", description = "Print which tags of each frame were read")
         boolean tags;
-        @Option(names = "--log", description = "show the library's log on standard error")
+        @Option(names = "--log", description = "Print the library's log on standard error")
         boolean log;
-        @Option(names = "--wide", description = "print lines of any length, instead of cutting them to 80 "
-                + "columns")
+        @Option(names = "--wide", description = "Don't cut lines to 80 columns")
         boolean wide;
     }
 
     static final class Written extends ResultOptions {
-        @Option(names = "--out", paramLabel = "DIR", description = "write the resulting images there "
-                + "(default: out)")
+        @Option(names = "--out", paramLabel = "DIR",
+                description = "Write the resulting images to DIR (default: out)")
         Path out = Path.of("out");
-        @Option(names = "--events", paramLabel = "FILE", description = "keep all that passed between the "
-                + "library and the algorithm library, and every look-up of a tag, as JSON lines "
-                + "(docs/events.md)")
+        @Option(names = "--events", paramLabel = "FILE",
+                description = "Write all calls and tag look-ups as JSON lines")
         Path events;
-        @Option(names = "--timeline", paramLabel = "FILE",
-                description = "write a timeline of the run that trace viewers open (docs/timeline.md)")
+        @Option(names = "--timeline", paramLabel = "FILE", description = "Write a timeline for trace viewers")
         Path timeline;
-        @Option(names = "--report", paramLabel = "DIR", description = "write a page on each request that a "
-                + "browser shows: pictures, memory, timeline, parameters, tags, log, and what looks wrong "
-                + "(docs/report.md)")
+        @Option(names = "--report", paramLabel = "DIR",
+                description = "Write a page on each request for browsers")
         Path report;
-        @Option(names = "--record", paramLabel = "DIR",
-                description = "record each request in a folder (docs/recording.md)")
+        @Option(names = "--record", paramLabel = "DIR", description = "Record each request in a folder")
         Path record;
     }
 
     static final class Tried {
-        @Option(names = "--check", description = "only read the request files and say whether they are right")
+        @Option(names = "--check", description = "Check the request files and run nothing")
         boolean check;
-        @Option(names = "--strict", description = "fail when a tag is never read, or of a wrong type, or "
-                + "the request file has a warning")
+        @Option(names = "--strict", description = "Fail on unread or mistyped tags, and on warnings")
         boolean strict;
-        @Option(names = "--photo", paramLabel = "FILE",
-                description = "make the frames of this photo instead of the request's own")
+        @Option(names = "--photo", paramLabel = "FILE", description = "Make the frames from this photo")
         Path photo;
-        @Option(names = "--tag", paramLabel = "NAME=VALUE", arity = "1", description = "set this tag in all "
-                + "frames; can be given again")
+        @Option(names = "--tag", paramLabel = "NAME=VALUE", arity = "1",
+                description = "Set a tag in all frames; repeatable")
         List<String> tags = List.of();
-        @Option(names = "--jobs", paramLabel = "N", description = "run N requests side by side, each in a "
-                + "process of its own")
+        @Option(names = "--jobs", paramLabel = "N",
+                description = "Run N requests in parallel, in a process each")
         int jobs;
         @Option(names = "--burst", paramLabel = "N",
-                description = "send one request N times on one client, and "
-                        + "print latencies and throughput (docs/many_shots.md)")
+                description = "Send one request N times; print latencies")
         int burst;
         @Option(names = "--interval", paramLabel = "MS",
-                description = "of a burst: send a request every so many "
-                        + "milliseconds (default: as soon as possible)")
+                description = "With --burst: send a request every MS milliseconds")
         int interval;
         @Option(names = "--in-flight", paramLabel = "N",
-                description = "of a burst: have at most N requests in "
-                        + "flight (default: 4)")
+                description = "With --burst: limit requests in flight (default: 4)")
         int inFlight = 4;
         @Option(names = "--algo-delay", paramLabel = "MS[-MS][,unordered]",
-                description = "let the stand-in call "
-                        + "back after so many milliseconds: always as many, at random, or in any order")
+                description = "Delay the stand-in's callbacks: fixed or random")
         String algoDelay;
-        @Option(names = "--one-client", description = "run all requests on one client instead of one for "
-                + "each")
+        @Option(names = "--one-client", description = "Run all requests on one client")
         boolean oneClient;
-        @Option(names = "--arm", description = "run the 32-bit ARM library, in an ARM JVM under an emulator")
+        @Option(names = "--arm", description = "Run the 32-bit ARM library in an emulator")
         boolean arm;
     }
 

@@ -16,16 +16,15 @@ import picocli.CommandLine.Option;
 
 /** The comparison of two runs by replay and diff, and its results. */
 final class RunComparison extends ResultOptions {
-    @Option(names = "--no-explain", description = "don't find out because of which tags parameters differ, "
-            + "which takes some seconds")
+    @Option(names = "--no-explain", description = "Don't search for the tags that cause differences")
     private boolean mLeavesCauses;
     @Option(names = "--ignore", paramLabel = "NAME",
-            description = "leave out this parameter, value put, call or output; can be given again")
+            description = "Ignore NAME, such as a parameter; repeatable")
     private List<String> mIgnored = List.of();
-    @Option(names = "--tolerance", paramLabel = "NUMBER", description = "take for equal what differs by no "
-            + "more: numbers, and samples of images from 0 to 255")
+    @Option(names = "--tolerance", paramLabel = "NUMBER",
+                description = "Ignore smaller differences of numbers and samples")
     private double mTolerance;
-    @Option(names = "--out", paramLabel = "DIR", description = "write pictures of outputs that differ there")
+    @Option(names = "--out", paramLabel = "DIR", description = "Write pictures of differing outputs to DIR")
     private Path mOut;
 
     private Results mResults;

@@ -32,20 +32,20 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand sweep: runs a request with each of several values of a tag. */
 @Command(customSynopsis = "./run sweep [options] REQUEST --tag NAME=VALUES [--tag NAME=VALUES]",
-        description = {"Runs a request with each value of a tag, or of two tags, and prints what changes: "
+        description = {"Run a request with each value of a tag, or of two tags, and print what changes: "
                 + "parameters and results against the first run, PSNR and SSIM against the clean photo, or "
                 + "against the first run if a request has none. VALUES are from:to:steps or value,value,... "
-                + "The status is 0 when all runs are ok, else 1."},
+                + "The exit status is 0 if all runs are ok, else 1."},
         footer = {"  ./run sweep samples/capture.json --tag android.jpeg.orientation=0,90,180",
-            "  ./run sweep samples/night.json --tag android.sensor.sensitivity=100:3200:5 --report sheet"})
+            "  ./run sweep samples/night.json --tag android.sensor.sensitivity=100:3200:5"})
 final class SweepCommand implements Subcommand {
     private static final int MOST_RUNS = 1000;
     private static final int SHOWN = 3;
 
     @Parameters(paramLabel = "REQUEST", arity = "1", hidden = true)
     private Path mRequest;
-    @Option(names = "--tag", paramLabel = "NAME=VALUES", arity = "1", description = "set this tag in all "
-            + "frames; given twice, every value of one is run with every value of the other")
+    @Option(names = "--tag", paramLabel = "NAME=VALUES", arity = "1",
+                description = "Set this tag in all frames; at most two --tag")
     private List<String> mTags = List.of();
     @Mixin
     private ManyOptions mMany;

@@ -8,11 +8,12 @@ import picocli.CommandLine.Parameters;
 
 /** Runs the trials of one request for another ./run process, which compares runs. See TrialSession. */
 @Command(customSynopsis = "./run trials REQUEST --record FILE",
-        description = "Tries what each tag of a request changes.")
+        description = "Find by trial what each tag of a request changes.")
 final class TrialsCommand implements Subcommand {
     @Parameters(paramLabel = "REQUEST", index = "0", hidden = true)
     Path request;
-    @Option(names = "--record", paramLabel = "FILE", required = true, description = "where to")
+    @Option(names = "--record", paramLabel = "FILE", required = true,
+                description = "Write the results to FILE")
     Path record;
 
     @Override

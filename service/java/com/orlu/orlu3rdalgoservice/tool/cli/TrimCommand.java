@@ -23,27 +23,27 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand trim: writes a smaller copy of a recording. */
 @Command(customSynopsis = "./run trim [options] FOLDER --out DIR",
-        description = "Writes a smaller copy of a recording (docs/recording.md).",
+        description = "Write a smaller copy of a recording (docs/recording.md). With --frames, --crop or "
+                + "--private, the copy has no results.",
         footer = {"  ./run trim shots/000001-request-101 --out few --frames 0,2",
             "  ./run trim shots/000001-request-101 --out small --crop 320,240"})
 final class TrimCommand implements Subcommand {
     @Parameters(paramLabel = "FOLDER", index = "0", hidden = true)
     private Path mFolder;
     @Option(names = "--out", paramLabel = "DIR", required = true,
-            description = "the folder of the copy, which must not be there")
+            description = "Write the copy to DIR, which must not exist")
     private Path mOut;
     @Option(names = "--frames", paramLabel = "NUMBER", split = ",",
-            description = "keep these frames and their inputs, and leave out what came of the request")
+            description = "Keep these frames and their inputs")
     private List<Integer> mFrames = List.of();
-    @Option(names = "--crop", paramLabel = "AREA", description = "keep this part of each image, "
-            + "WIDTH,HEIGHT of the middle or X,Y,WIDTH,HEIGHT, and leave out what came of the request")
+    @Option(names = "--crop", paramLabel = "AREA",
+                description = "Crop images to [X,Y,]WIDTH,HEIGHT (default: the centre)")
     private String mCrop;
-    @Option(names = "--no-pixels", description = "leave the pixels out")
+    @Option(names = "--no-pixels", description = "Omit the pixels")
     private boolean mLeavesPixels;
-    @Option(names = "--private", description = "leave out what tells about a person or a machine (places, "
-            + "times of day, faces, texts, EXIF blocks), and what came of the request")
+    @Option(names = "--private", description = "Omit places, times of day, faces, texts and EXIF blocks")
     private boolean mIsPrivate;
-    @Option(names = "--faces", description = "with --private, keep faces")
+    @Option(names = "--faces", description = "With --private: keep faces")
     private boolean mKeepsFaces;
 
     @Override
