@@ -14,12 +14,12 @@ import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /**
- * One part of catalogue.json, which scripts/make_catalogue.py writes, and how people see it.
+ * One part of catalogue.json, which scripts/make_catalogue.py writes, and how it is printed.
  *
- * @param one     what an entry is called, such as "tag"
- * @param help    what the help says of the part
- * @param columns the fields that the list shows after the name
- * @param below   the text below an entry's line of the list
+ * @param one     the singular, such as "tag"
+ * @param help    the description in --help
+ * @param columns the fields of a list's line after the name
+ * @param below   returns the text below an entry's line
  */
 public record Catalogue(String one, String help, List<String> columns, Function<Json, String> below) {
     private static final String FILE = "catalogue.json";

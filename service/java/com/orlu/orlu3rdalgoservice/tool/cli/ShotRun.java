@@ -16,12 +16,11 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * One request that ran in a process of its own, over one library, with what it left.
+ * A request that ran in its own process over one library.
  *
- * @param run     its recording; null if there is none
- * @param verdict the verdict of that process
- * @param result  its result as JSON; without members if there is none
- * @param child   the process, whose files are removed when this is closed
+ * @param run    its recording; null if there is none
+ * @param result its result as JSON; without members if there is none
+ * @param child  the process; close() removes its files
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {

@@ -12,9 +12,9 @@ import java.util.regex.Pattern;
 import java.util.stream.IntStream;
 
 /**
- * A tag and the values that a sweep gives it.
+ * A tag and the values of a sweep.
  *
- * @param values as --tag of ./run takes them
+ * @param values in the form that --tag takes
  */
 record SweptTag(String name, List<String> values) {
     private static final int MOST = 1000;

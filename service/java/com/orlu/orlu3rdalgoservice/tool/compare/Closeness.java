@@ -7,9 +7,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Whether two values are equal but for numbers at the same place that differ by no more than a tolerance.
+ * Compares values whose numbers may differ by a tolerance.
  *
- * @param tolerance 0 when all must be equal
+ * @param tolerance the largest difference; 0 requires equality
  */
 record Closeness(double tolerance) {
     /** Null is close only to null. */

@@ -21,12 +21,12 @@ public final class ComparisonReport {
     private static final int SHOWN = 20;
 
     /**
-     * What is compared, and how.
+     * The options of a comparison.
      *
-     * @param ignored   names of parameters, values, calls and outputs to leave out
-     * @param tolerance by which numbers and samples may differ
-     * @param out       folder for pictures of outputs that differ; null for none
-     * @param explains  whether to find the tags that a difference comes from
+     * @param ignored   names of parameters, results, calls and outputs to ignore
+     * @param tolerance the largest difference of numbers and samples that counts as equal
+     * @param out       the folder for pictures of differing outputs; null for none
+     * @param explains  whether to find the tags that cause a difference
      */
     public record Options(List<String> ignored, double tolerance, Path out, boolean explains) {
     }

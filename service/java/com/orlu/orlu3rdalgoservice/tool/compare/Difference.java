@@ -3,9 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
 /**
  * One difference between two runs.
  *
- * @param text      the line for people
- * @param parameter "section/key" of the parameter that differs, Dependences.ALGORITHMS for the algorithm
- *                  list, "" for anything else
+ * @param text      one line for people
+ * @param parameter "section/key" of the parameter, Dependences.ALGORITHMS for the algorithm list, else ""
  */
 public record Difference(String text, String parameter) {
     /** Whether tags can cause the difference. */

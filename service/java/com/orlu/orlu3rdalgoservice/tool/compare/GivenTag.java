@@ -11,13 +11,11 @@ import java.util.Map;
 import java.util.Set;
 
 /**
- * A tag of one frame, or a value of its composition, that two runs were given differently.
+ * A tag of one frame with different values in two runs.
  *
- * @param frame  from 0
  * @param source "captureResult" or "composition"
- * @param tag    its name
- * @param one    the first run's value as a recording has it, "none" when it has none
- * @param other  the other run's
+ * @param one    the first run's value as in a recording; "none" if absent
+ * @param other  the second run's value
  */
 public record GivenTag(int frame, String source, String tag, String one, String other) {
     private static final int LONGEST = 40;

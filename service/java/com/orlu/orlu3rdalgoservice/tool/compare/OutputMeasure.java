@@ -8,11 +8,11 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * How near the outputs of two runs are: the least of all outputs.
+ * The similarity of two runs' outputs: the minimum over all outputs.
  *
- * @param psnr   in dB; infinite for equal pixels, NaN if an output is in one run only or can't be compared
+ * @param psnr   in dB; infinite for equal pixels, NaN if outputs can't be compared
  * @param ssim   structural similarity, 1 for equal pixels
- * @param output the output of the least PSNR
+ * @param output the index of the output with the lowest PSNR
  */
 public record OutputMeasure(double psnr, double ssim, int output) {
     /** The measure of outputs that can't be compared. */

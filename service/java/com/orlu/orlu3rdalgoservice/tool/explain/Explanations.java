@@ -26,8 +26,8 @@ public final class Explanations {
     /**
      * One write of a parameter.
      *
-     * @param isReplaced whether a later one counts instead
-     * @param place      the function, file and line that made it, in words
+     * @param isReplaced whether a later write replaces it
+     * @param place      the function, file and line of the write
      */
     public record Write(Parameter parameter, boolean isReplaced, String place) {
     }

@@ -1,15 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
 /**
- * What became of one tag of one frame.
+ * The reading of one tag of one frame.
  *
- * @param frame   from 0
- * @param tag     its name
- * @param source  "composition" or "captureResult"
- * @param outcome what came of asking for it
- * @param asked   the class that it was asked for as, "" when that is not known
- * @param held    the class that it is held as, "" when it is absent
- * @param value   as a request file has it, "" when it is absent
+ * @param source "composition" or "captureResult"
+ * @param asked  the requested class; "" if unknown
+ * @param held   the class of the value; "" if absent
+ * @param value  as in a request file; "" if absent
  */
 public record Reading(
         int frame, String tag, String source, Outcome outcome, String asked, String held, String value) {

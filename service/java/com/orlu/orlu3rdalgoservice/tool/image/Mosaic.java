@@ -5,12 +5,11 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import java.util.Arrays;
 
 /**
- * Raw samples behind a colour filter: red and green in even rows, green and blue in odd ones. As a picture
- * they are grey.
+ * Raw samples of an RGGB colour filter. Shown as a grey picture.
  *
- * @param width   samples
- * @param height  samples
- * @param bits    of a sample; white is all of them set
+ * @param width   in samples
+ * @param height  in samples
+ * @param bits    of a sample; white has all of them set
  * @param samples row by row
  */
 public record Mosaic(int width, int height, int bits, int[] samples) implements PixelRows {

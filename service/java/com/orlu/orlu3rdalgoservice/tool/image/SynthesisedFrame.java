@@ -3,10 +3,10 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.util.function.Supplier;
 
 /**
- * A frame made of a photo.
+ * A frame made from a photo.
  *
- * @param clean the photo's part that the frame shows, cut out anew each time to save memory
- * @param shot  the same with blur, brightness and noise, as a camera would have shot it
+ * @param clean cuts the frame's part out of the photo; each call does it anew, to save memory
+ * @param shot  the same part with blur, brightness and noise
  */
 public record SynthesisedFrame(Supplier<Picture> clean, Picture shot) {
 }

@@ -3,13 +3,13 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 
 /**
- * Where the samples of a YUV image lie in its memory, in bytes.
+ * The layout of a YUV image in memory, in bytes.
  *
- * @param stride       from one row of luma to the next
- * @param chromaStride from one row of chroma to the next
- * @param blue         the first blue difference
- * @param red          the first red difference
- * @param step         from one chroma sample of a row to the next of the same kind
+ * @param stride       between rows of luma
+ * @param chromaStride between rows of chroma
+ * @param blue         the offset of the first blue difference
+ * @param red          the offset of the first red difference
+ * @param step         between chroma samples of the same kind in a row
  */
 record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
     static YuvLayout of(ImagePlan plan) {

@@ -3,14 +3,14 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 import java.util.List;
 
 /**
- * One entry of a metadata buffer as the camera service's dump prints it.
+ * One entry of a metadata buffer in the camera service's dump.
  *
- * @param line   of the file, from 1
+ * @param line   its line in the file, from 1
  * @param tag    section and name
  * @param number the tag's number in hexadecimal
  * @param type   byte, int32, int64, float, double or rational
- * @param count  of the values that the buffer holds
- * @param values those that are printed; a rational as "n/d"
+ * @param count  the number of values in the buffer
+ * @param values the printed values; a rational as "n/d"
  */
 record DumpEntry(int line, String tag, String number, String type, long count, List<String> values) {
     String place() {

@@ -14,9 +14,8 @@ import java.util.Map;
 /**
  * A file that becomes an input.
  *
- * @param file   with the pixels
- * @param format that the input has
- * @param size   of pixels without a header, else null
+ * @param format the input's format
+ * @param size   the size of pixels without a header, else null
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
     /** Reads the header of a file; throws an IOException with the reason if it is invalid. */

@@ -10,13 +10,11 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /**
- * A picture that an image test says it has written.
+ * A picture listed in an image test's JSON.
  *
- * @param name   of the format there
+ * @param name   the test's name of the format
  * @param format of the pixels
- * @param kind   of the file that they are in
- * @param width  pixels
- * @param height pixels
+ * @param kind   of the file
  */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
     /** The test's names of formats. YUV pictures have three contiguous planes. */

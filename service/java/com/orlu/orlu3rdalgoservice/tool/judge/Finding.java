@@ -5,12 +5,12 @@ import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import java.util.Map;
 
 /**
- * Something of a request that looks wrong.
+ * A suspicious observation about a request.
  *
  * @param kind   a word for programs
- * @param isSure whether it is wrong; else it may be, and is to be looked at
- * @param what   what is seen, a sentence
- * @param why    what it usually comes from and where to look, sentences
+ * @param isSure whether it is an error; else it may be one
+ * @param what   the observation, one sentence
+ * @param why    its usual causes and where to look
  * @param tab    the part of the page that shows it
  */
 public record Finding(String kind, boolean isSure, String what, String why, Tab tab) {

@@ -5,10 +5,10 @@ import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import java.util.List;
 
 /**
- * How a run went.
+ * The outcome of a run.
  *
- * @param status  what the command exits with
- * @param reasons what was wrong, most telling first; none when all went well
+ * @param status  the exit status of the command
+ * @param reasons what went wrong, the most important first; empty if all is well
  */
 public record Verdict(int status, List<String> reasons) {
     public static final int OK = 0;

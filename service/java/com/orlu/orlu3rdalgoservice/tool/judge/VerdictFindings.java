@@ -8,9 +8,9 @@ import java.util.List;
 /** Explains a verdict's reasons in detail, and where the page shows them. */
 public final class VerdictFindings {
     /**
-     * What is said of a kind of reason.
+     * The finding for one kind of reason.
      *
-     * @param words a reason of this kind has one of these in it
+     * @param words a reason of this kind contains one of these
      */
     private record Kind(String name, Tab tab, String what, String why, String... words) {
     }

@@ -8,10 +8,10 @@ import java.util.Map;
 import java.util.stream.IntStream;
 
 /**
- * The frame of a request that its outputs are compared with.
+ * The frame that a request's outputs are compared with.
  *
- * @param index among the request's frames; 0 when it has none
- * @param namedBy the result's tag that names it; "" when none does, and it is the first
+ * @param index   among the request's frames; 0 if it has none
+ * @param namedBy the result's tag that names it; "" if it is the first frame by default
  */
 public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";

@@ -1,12 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 /**
- * Which pixels of an image are kept.
+ * The area of an image to keep.
  *
- * @param x      the first column, -1 for the middle
- * @param y      the first row, likewise
- * @param width  of what is kept
- * @param height likewise
+ * @param x the first column, -1 to centre the area
+ * @param y the first row, -1 to centre the area
  */
 public record CropArea(int x, int y, int width, int height) {
     /**

@@ -9,14 +9,12 @@ import java.util.Set;
 import java.util.TreeSet;
 
 /**
- * What one tag of one frame does.
+ * The parameters that depend on one tag of one frame.
  *
- * @param frame      from 0
- * @param source     "composition" or "captureResult": where it is or, if it is absent, where trials put it
- * @param tag        its name
- * @param asked      the class that the capture result is asked for it as, "" when it never is
- * @param parameters what changes when it does: "section/key", or "algorithms" for the algorithm list
- * @param together   what only changes when the tag does in all frames at once
+ * @param source     "composition" or "captureResult": where it is or, if absent, where trials put it
+ * @param asked      the class that the capture result is asked for; "" if it never is
+ * @param parameters "section/key" of each, or "algorithms" for the algorithm list
+ * @param together   those that change only if the tag changes in all frames
  */
 public record Dependence(int frame, String source, String tag, String asked, Set<String> parameters,
         Set<String> together) {

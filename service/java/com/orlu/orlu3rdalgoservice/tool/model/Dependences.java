@@ -14,13 +14,13 @@ import java.util.Set;
 import java.util.TreeSet;
 
 /**
- * What the trials of one request found.
+ * The results of the trials of one request.
  *
  * @param all      one for each tag of each frame that translation asks for
- * @param unsteady parameters that differ from one translation to the next with nothing changed
- * @param trials   how many translations there were
- * @param seconds  that they took
- * @param problem  why they can't be relied on, "" when they can
+ * @param unsteady parameters that change between translations of the same request
+ * @param trials   the number of translations
+ * @param seconds  their duration
+ * @param problem  why the results are unreliable; "" if they are not
  */
 public record Dependences(
         List<Dependence> all, Set<String> unsteady, int trials, double seconds, String problem) {

@@ -9,13 +9,11 @@ import java.util.Arrays;
 import java.util.List;
 
 /**
- * One image as the algorithm library saw it: an input when it got it, or an output when it called back.
+ * One image as the algorithm library saw it: an input when it arrived, or an output at the callback.
  *
  * @param call  "process" or "callback"
  * @param kind  "input" or "output"
- * @param index from 0
- * @param text  whether its bytes are those that Java had: the input's before the request, the output's
- *              after it
+ * @param text  whether its bytes equal Java's: an input's before the request, an output's after it
  * @param match the same in one word
  */
 public record HandedImage(String call, String kind, int index, String text, Match match) {

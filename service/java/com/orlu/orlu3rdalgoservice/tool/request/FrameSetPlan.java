@@ -3,13 +3,12 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import java.util.List;
 
 /**
- * The frames of a request and what they have in common.
+ * The frames of a request and their common values.
  *
- * @param frames   one for each capture result
- * @param maxShift the largest shift drawn, in pixels to each side
- * @param seed     of noise and shifts; the same seed makes the same frames everywhere
- * @param width    of the frames, 0 for the photo's less the margins for the shifts
- * @param height   likewise
+ * @param maxShift the largest random shift, in pixels to each side
+ * @param seed     of noise and shifts; equal seeds make equal frames
+ * @param width    of the frames; 0 for the photo's width less the margins for shifts
+ * @param height   of the frames; 0 for the photo's height less the margins
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
     /** Whether the pixels differ from the photo's, so that noise can be measured. */

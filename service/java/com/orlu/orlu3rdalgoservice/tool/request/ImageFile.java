@@ -6,19 +6,18 @@ import java.nio.file.Path;
 import java.util.List;
 
 /**
- * The file that an input's pixels come from.
+ * The file of an input's pixels.
  *
- * @param path   where it lies
- * @param kind   BYTES when the bytes go in as they are
- * @param planes where the bytes of each plane lie; empty for other kinds
+ * @param kind   BYTES if the bytes are used unchanged
+ * @param planes the place of each plane's bytes; empty for other kinds
  */
 public record ImageFile(Path path, ImageFileKind kind, List<Plane> planes) {
     /**
-     * One plane of pixels.
+     * One plane of pixels, in bytes.
      *
-     * @param offset where it begins in the file, in bytes
-     * @param stride bytes a row, also in memory
-     * @param size   bytes in all, also in memory
+     * @param offset of its start in the file
+     * @param stride of a row, in the file and in memory
+     * @param size   in the file and in memory
      */
     public record Plane(long offset, int stride, int size) {
     }

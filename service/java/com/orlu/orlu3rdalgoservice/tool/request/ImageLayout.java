@@ -12,19 +12,17 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * An image exactly as a recorder found it, also where its description makes no sense.
+ * An image exactly as a recorder found it, even if its description makes no sense.
  *
- * @param format     its name for the native side
- * @param width      pixels
- * @param height     pixels
- * @param rowStrides bytes a row of each plane; null if the image had none
+ * @param format     the native side's name
+ * @param rowStrides bytes per row of each plane; null if the image had none
  * @param planeSizes bytes of each plane; null if the image had none
  * @param memory     "shared", "hardware" or "none"
  * @param buffer     width, height and format of a hardware buffer, else empty
  * @param size       bytes of its memory
  * @param file       its bytes; null if they were not kept, or all 0
  * @param kept       why they were not kept, else empty
- * @param frame      the frame of an input, -1 if it is not known
+ * @param frame      the frame of an input, -1 if unknown
  */
 public record ImageLayout(String format, int width, int height, int[] rowStrides, int[] planeSizes,
         String memory, int[] buffer, int size, RecordedFile file, String kept, int frame) {

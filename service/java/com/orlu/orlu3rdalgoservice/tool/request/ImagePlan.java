@@ -9,19 +9,17 @@ import java.util.List;
 /**
  * One image as a request file describes it.
  *
- * @param format   the layout of the pixels
- * @param name     the format's name that the native side gets
- * @param hardware in a hardware buffer instead of shared memory
- * @param width    pixels, 0 for the frames' width
- * @param height   pixels, 0 for the frames' height
- * @param stride   bytes a row, 0 for rows without padding
- * @param capacity bytes that the memory holds at least, 0 for what the pixels need
- * @param bits     bits of a raw sample
- * @param frame    which frame an input belongs to
- * @param file     what an input's pixels come from, null for the request's photo
+ * @param name     the format's name for the native side
+ * @param hardware whether it is in a hardware buffer instead of shared memory
+ * @param width    in pixels; 0 for the frames' width
+ * @param height   in pixels; 0 for the frames' height
+ * @param stride   bytes per row; 0 for rows without padding
+ * @param capacity the least bytes of its memory; 0 for what the pixels need
+ * @param bits     of a raw sample
+ * @param frame    the frame of an input
+ * @param file     the source of an input's pixels; null for the request's photo
  * @param place    the description in the request file, for errors
- * @param layout   what a recorder found, which wins over all else; null for an image that no recorder
- *                 described
+ * @param layout   a recorder's description, which overrides all else; null for other images
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Place place, ImageLayout layout) {

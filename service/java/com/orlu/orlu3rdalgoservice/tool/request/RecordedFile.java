@@ -18,9 +18,8 @@ import java.util.zip.CRC32;
  * A file of a recording. The recording may come from a stranger: its file is a plain name in its folder, a
  * regular file that is opened without following links, and has exactly the size that the recording states.
  *
- * @param path  where it lies
  * @param size  in bytes
- * @param crc   the CRC-32 of its bytes in hexadecimal; empty if it is not known
+ * @param crc   the CRC-32 of its bytes in hexadecimal; empty if unknown
  * @param field the member that names it, for errors
  */
 public record RecordedFile(Path path, int size, String crc, Json field) {

@@ -9,20 +9,15 @@ import java.util.Map;
 /**
  * A request file, read and checked.
  *
- * @param file             where it lies
- * @param about            one line for people
- * @param id               the request's id
- * @param type             the request's type
- * @param clientId         of the client that it runs on
- * @param algoContextIndex of the client that it runs on
- * @param imageFormat      that the client is released with
- * @param properties       system properties to be set before
- * @param fullAsync        whether processing returns before the algorithms are done
- * @param photo            that the frames are made of, null when no input needs one
- * @param frames           the capture results and how their pixels are made
- * @param inputs           the images in, without size where they take the frames'
- * @param outputs          the images out, likewise
- * @param place            the whole file, for errors
+ * @param about       one line for people
+ * @param imageFormat the format to release the client with
+ * @param properties  system properties to set before the request
+ * @param fullAsync   whether processing returns before the algorithms are done
+ * @param photo       the source of the frames; null if no input needs one
+ * @param frames      the capture results and how their pixels are made
+ * @param inputs      without a size if they have that of the frames
+ * @param outputs     without a size if they have that of the frames
+ * @param place       the whole file, for errors
  */
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,

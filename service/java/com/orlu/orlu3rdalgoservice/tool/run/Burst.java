@@ -52,10 +52,9 @@ public final class Burst implements CallbackListener, AutoCloseable {
     /**
      * One request of the burst.
      *
-     * @param id       the request's id
      * @param tid      the thread that sent it
-     * @param stages   what it waited for, one stage after the other
-     * @param owner    whose planted value came back: an index, or -1 for none
+     * @param stages   what it waited for, in order
+     * @param owner    the index of the request with the returned planted value; -1 for none
      * @param problems what went wrong
      */
     public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {

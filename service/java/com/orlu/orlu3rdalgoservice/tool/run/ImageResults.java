@@ -3,12 +3,12 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 import java.util.List;
 
 /**
- * What the images of a run came to.
+ * The results about a run's images.
  *
- * @param files    a line on each file that was written
- * @param measures how near the outputs are to the clean photo, where that is known
- * @param noise    a line on how much noise went from each output
- * @param problems what is wrong with the outputs, if the algorithms were to write them
+ * @param files    a line about each written file
+ * @param measures the similarity of outputs to the clean photo, where known
+ * @param noise    a line about the noise removed from each output
+ * @param problems what is wrong with the outputs, if the algorithms had to write them
  */
 public record ImageResults(List<String> files, List<NoiseMeasure.Measure> measures, List<String> noise,
         List<String> problems) {

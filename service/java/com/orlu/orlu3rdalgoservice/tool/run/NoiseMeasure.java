@@ -25,12 +25,12 @@ public final class NoiseMeasure {
     }
 
     /**
-     * How near an output is to the clean photo.
+     * The similarity of an output to the clean photo.
      *
      * @param what   "luma", or "raw" for all samples of a mosaic
-     * @param before PSNR of the base frame as it went in, in dB
+     * @param before PSNR of the base frame as an input, in dB
      * @param after  PSNR of the output
-     * @param ssim   structural similarity of the output, NaN when nobody asked
+     * @param ssim   structural similarity of the output; NaN if not requested
      */
     public record Measure(int output, String what, double before, double after, double ssim) {
         String line() {

@@ -8,9 +8,9 @@ import java.util.Map;
 /**
  * Facts of a tag besides its type.
  *
- * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for a number with meanings, "-" for none
- * @param meaning one sentence or two
- * @param values  its values that have a meaning, as far as this library knows any
+ * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for an enumeration, "-" for none
+ * @param meaning one or two sentences
+ * @param values  its known values with a meaning
  */
 public record TagFacts(String unit, String meaning, List<Value> values) {
     private static final String NO_UNIT = "-";

@@ -3,12 +3,10 @@ package com.orlu.orlu3rdalgoservice.tool.text;
 /**
  * An error or a warning about a file.
  *
- * @param file      its name
  * @param line      from 1; 0 for a file without lines
  * @param column    from 1, in UTF-16 units as editors count them
- * @param field     the path of the field, empty for the whole file
+ * @param field     its path; empty if the problem concerns the whole file
  * @param problem   what was expected and found
- * @param isWarning whether the file is usable all the same
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
     /** One line, in the form of compilers: editors jump to its place. */

@@ -34,12 +34,12 @@ public final class PageFolder {
     private long mEnd;
 
     /**
-     * What a page is made of beside a report. Files may be null or not there.
+     * The files that a page is made from besides a report. Each may be null or missing.
      *
-     * @param events         what passed between the libraries
-     * @param algorithmTrace what the algorithm library says of its work
+     * @param events         the calls between the libraries
+     * @param algorithmTrace the algorithm library's report on its work
      * @param log            the native side's log
-     * @param state          what was written so far
+     * @param state          the state of earlier pages
      */
     public record Sources(Path events, Path algorithmTrace, Path log, Path state) {
         /** The sources in the launcher's work folder. */

@@ -6,11 +6,11 @@ import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
 
 /**
- * What the views show of a run.
+ * The data of a run's views.
  *
- * @param dependences which tags the parameters depend on; null if nobody asked
- * @param page        a line on the page that shows all this, else empty
- * @param crash       what is known of the end of the process, if that came first, else empty
+ * @param dependences the tags that parameters depend on; null if not requested
+ * @param page        a line about the page; empty without one
+ * @param crash       the crash report; empty without a crash
  */
 public record RunReport(
         Run run, ImageResults images, Verdict verdict, Dependences dependences, String page, String crash) {

@@ -3,11 +3,11 @@ package com.orlu.orlu3rdalgoservice.tool.view;
 import java.util.Map;
 
 /**
- * A stretch of time in which a thread did one thing.
+ * A span of one thread.
  *
- * @param tid   the kernel's number of the thread, whose lane the slice is in
- * @param start by System.nanoTime(), as the end
- * @param args  what a viewer shows when the slice is selected
+ * @param tid   the kernel's id of the thread, shown as the lane
+ * @param start by System.nanoTime(), like `end`
+ * @param args  what a viewer shows if the span is selected
  */
 record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
     boolean contains(long time) {
