@@ -1,4 +1,4 @@
-// This thread and the Java VM. Without a VM in the process all of them do nothing.
+// Access of this thread to the Java VM. Without a VM in the process, these functions do nothing.
 #pragma once
 
 namespace orlu::standin {

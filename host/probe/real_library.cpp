@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The new name of the maker's library if the probe took its place: a phone's loader searches only one folder
-// for the original name.
+// The maker's library is renamed to this if the probe takes its place: a phone's loader searches only one
+// folder for the original name.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
@@ -47,8 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// Finds the next library with the probe's own name. dlopen() can't: it returns the library that is loaded
-// under that name already, the probe.
+// Finds the next library with the probe's own name. dlopen() can't: it returns the library already
+// loaded under that name: the probe.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

@@ -65,8 +65,8 @@ final class ImageCrop {
         int[] newSizes = sizes.clone();
         int[] newStrides = strides.clone();
         newStrides[0] = newStride;
-        // A first plane may end with its last row's pixels, or have rows of padding. Only if there are no
-        // other planes is all memory one plane.
+        // The first plane may end with the last row's pixels, or have padding rows. Without other planes, it
+        // takes all the memory.
         boolean isPlane = sizes.length > 0 && sizes[0] > 0
                 && sizes[0] <= (mFormat.isYuv() ? mSize - 1 : mSize);
         if (isPlane) {
@@ -145,7 +145,7 @@ final class ImageCrop {
                 mImage.memory().equals("none") ? 0 : size, mImage.file(), mImage.kept(), mImage.frame());
     }
 
-    /** The description of the cropped image; its file is still the original one's. */
+    /** The description of the cropped image; its file is still the original's. */
     ImageLayout image() {
         return mCropped;
     }
