@@ -20,7 +20,7 @@ public:
   // Describes what is wrong with the file; empty if no problem is known.
   const std::string& problem() const { return mProblem; }
 
-  // Samples in a row and rows, of the whole sensor: nothing is cropped.
+  // Width and height of the whole sensor in samples, uncropped.
   int width() const { return mImage->t_width; }
   int height() const { return mImage->t_height; }
 
