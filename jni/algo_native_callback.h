@@ -14,8 +14,8 @@ namespace orlu {
 
 // This object is never freed: the algorithm library may call back at any time, even for a client that Java
 // has destroyed, and Java may destroy its client in a callback. It takes 64 bytes per client on a 32-bit
-// machine. Everything except the context and the counters is written once, before the cookie is known to
-// anybody.
+// machine. Everything except the context and the counters is written once, before the cookie is
+// handed out.
 class AlgoNativeCallback {
 public:
   // Creates a callback for a client and its context. `javaVm` is the VM of `env`; if `env` is null, Java is

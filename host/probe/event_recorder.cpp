@@ -90,7 +90,7 @@ void EventRecorder::after(const WatchedCall& call, const WatchedEnd& end) noexce
     mFile.write(line.finish());
     mPixels.after(call, end);
   } catch (...) {
-    // Likewise.
+    // Out of memory: the event is dropped.
   }
 }
 
