@@ -7,7 +7,7 @@
 
 namespace orlu {
 
-// Uses no heap memory for as many frames as requests usually have.
+// Uses no heap memory for a usual number of frames.
 template <typename T>
 class FrameValues {
 public:

@@ -67,7 +67,7 @@ ORLU_NATIVE(jint, translateParamFiles)
   return ORLU_FORWARD(-1, translateParamFiles, env, inst, sharedMemory, param);
 }
 
-// Ends the process, even if a step before fails.
+// Ends the process, even if an earlier step fails.
 ORLU_NATIVE(void, notify)(JNIEnv* env, jobject, jlong inst, jobject param) {
   try {
     RequestProcessor::notify(env, inst, param);

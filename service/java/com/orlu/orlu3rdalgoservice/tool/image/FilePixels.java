@@ -60,7 +60,7 @@ public final class FilePixels {
                 channel.position(plane.offset());
                 while (part.hasRemaining()) {
                     if (channel.read(part) < 0) {
-                        throw new EOFException("it became shorter while it was read");
+                        throw new EOFException("the file shrank while it was read");
                     }
                 }
                 at += plane.size();
