@@ -180,14 +180,14 @@ def write_plots(results, folder):
     def path(name):
         return os.path.join(folder, f"cost_{name}.svg")
 
-    plot(path("frames"), "A request by its frames", "frames", "µs",
+    plot(path("frames"), "Time of a request by its frames", "frames", "µs",
          [("hardware buffers", points_of(results, "frames", "request_us"), True),
           ("their floor", points_of(results, "frames", "floor_us"), False),
           ("shared memory", points_of(results, "shared_frames", "request_us"), True)])
     plot(path("tags"), "A one-frame request by its tags", "tags in the capture result", "µs",
          [("request", points_of(results, "tags", "request_us"), True),
           ("floor", points_of(results, "tags", "floor_us"), False)])
-    plot(path("in_flight"), "A request by those that are under way", "requests in flight", "µs",
+    plot(path("in_flight"), "Time of a request by the requests in flight", "requests in flight", "µs",
          [("request", points_of(results, "in_flight", "request_us"), True),
           ("of it the map", points_of(results, "in_flight", "map_us"), True)])
     plot(path("clients"), "Clients on two cores", "clients", "requests in a second",

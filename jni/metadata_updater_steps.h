@@ -1,4 +1,4 @@
-// Code shared by the steps of the metadata updater. Included only by its own files.
+// Code shared by the steps of the metadata updater. Included only by the files of these steps.
 #pragma once
 
 #include "exposure.h"
