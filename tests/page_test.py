@@ -42,7 +42,7 @@ capture | lacks:process | unusable | lacks process
 capture | answers:init | failed-call | init returned -22
 capture | empty | unreadable written-behind | a JPEG of size 0
 slanted | | stride | request's own file
-capture | oversized | past-end unreadable | bytes past its memory
+capture | oversized | past-end unreadable | exceed its memory by
 missing | | frame-missing | frame 1
 twice | | frame-twice | frame 2
 """

@@ -24,7 +24,7 @@ ends 1 '^  callbacks: \[\] / \[shotCb\]$' replay silent --against "$stand_in"
 ORLU_PLANTED=aborts:process ends 1 '^verdict  FAILED: .*SIGABRT' --record dead --out images "$root/samples/capture.json"
 info_says 'open  *process has not returned' dead
 ORLU_PLANTED=aborts:process ends 0 ': equal, 1[0-9][0-9] parameters' replay dead
-ends 0 'did not come to its end: compared up to there' replay dead --against "$stand_in"
+ends 0 'did not finish: compared up to that point' replay dead --against "$stand_in"
 unset ORLU_ALGO_LIBRARY
 
 echo "== Trimmed"
@@ -47,7 +47,7 @@ echo "== Cut and damaged; tests/recording_faults_test.py has more"
 rm -rf cut && cp -r "$night" cut
 truncate -s 1000 cut/outcome.json
 info_says 'end  *not reached: cut/outcome.json:' cut
-ends 0 'cut did not come to its end: compared up to there' replay cut
+ends 0 'cut did not finish: compared up to that point' replay cut
 truncate -s 1000 cut/request.json
 ends 2 'cut/request.json:[0-9]+:[0-9]+: ' replay cut
 rm -rf cut && cp -r "$night" cut

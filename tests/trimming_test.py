@@ -120,7 +120,7 @@ def check_every_layout():
     expect("recordings", len(LAYOUTS), len(shots))
     for shot, (name, layout) in zip(shots, LAYOUTS.items()):
         said = said_by(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
-        expect(f"{name} note", True, "note: these tags hold sizes or places" in said)
+        expect(f"{name} note", True, "note: unchanged tags with sizes or positions" in said)
         check_crop(name, layout, Path("cropped") / name)
     said = said_by(0, "replay", "cropped")
     expect("replayed", len(LAYOUTS), said.count(": ran, "))
@@ -152,7 +152,7 @@ def check_samples():
         frames = recorded(shot)["frames"]
         kept = [len(frames) - 1]
         said = said_by(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
-        expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: left as it is" in said)
+        expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: unchanged" in said)
         found = recorded(Path("few") / kind)
         expect(f"{kind} frames", [frames[kept[0]]], found["frames"])
         images = found["inputs"]

@@ -83,9 +83,9 @@ final class ReplayCommand implements Subcommand {
             return;
         }
         boolean isRight = after.isComplete() && !after.hasFailed();
-        mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "went wrong")
+        mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "failed")
                 + ", " + after.parameters().size() + " parameters; nothing was recorded to compare with");
-        String outcome = "came to " + after.outcomes();
+        String outcome = "outcome: " + after.outcomes();
         if (!isRight) {
             to.print(2, outcome);
         }

@@ -58,7 +58,7 @@ public final class Causes {
         }
         if (tags.isEmpty()) {
             lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
-                    ? Handover.shortName(name) + " changes by itself: no two translations agree"
+                    ? Handover.shortName(name) + " changes with each translation"
                     : "no tag that differs explains it; " + dependsOn(name));
         }
         return lines;
@@ -72,7 +72,7 @@ public final class Causes {
                 .forEach(tag -> tags.computeIfAbsent(tag.tag(), key -> new TreeSet<>()).add(tag.frame()));
         if (tags.isEmpty()) {
             return problem().isEmpty() ? "it depends on no tag of any frame"
-                    : "on which it depends is not known";
+                    : "its tags are unknown";
         }
         List<String> found = new ArrayList<>();
         tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));

@@ -72,7 +72,7 @@ public final class Comparison {
                 notes.add(run.name() + " has no events of the probe: parameters are not compared");
             }
             if (!run.isComplete()) {
-                notes.add(run.name() + " did not come to its end: compared up to there");
+                notes.add(run.name() + " did not finish: compared up to that point");
             }
         }
         notes.addAll(new GivenNotes(mOne, mOther).lines());

@@ -69,12 +69,12 @@ public final class ComparisonReport {
         }
         comparison.notes().forEach(this::note);
         if (canComeFromTags && !hasFrames()) {
-            note("events alone don't say because of which tags parameters differ");
+            note("events alone don't show which tags cause differences");
         } else if (canComeFromTags && mGiven.isEmpty()) {
             note("no tag differs: the library, a property, the number of frames or the images do");
         }
         if (causes != null && !causes.problem().isEmpty()) {
-            note("tags are not known, or not all: " + causes.problem());
+            note("tags unknown or incomplete: " + causes.problem());
         }
         return differences;
     }

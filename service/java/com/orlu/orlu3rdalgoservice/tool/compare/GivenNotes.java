@@ -101,7 +101,7 @@ final class GivenNotes {
             }
         }
         if (!differ.isEmpty()) {
-            mLines.add("given other pixels in input "
+            mLines.add("given different pixels in input "
                     + Frames.text(differ).replaceFirst("^frames? ", ""));
         }
     }

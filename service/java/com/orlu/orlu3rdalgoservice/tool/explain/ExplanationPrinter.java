@@ -75,7 +75,7 @@ public final class ExplanationPrinter {
     private void printWrites(String name) {
         Handover handover = mExplanations.handover();
         if (name.equals(Dependences.ALGORITHMS)) {
-            mLines.list("is", handover.process() == null ? List.of("handed to nobody")
+            mLines.list("is", handover.process() == null ? List.of("not passed on")
                     : handover.algorithms());
             return;
         }
@@ -89,7 +89,7 @@ public final class ExplanationPrinter {
 
     private void printTags(String name) {
         if (mExplanations.isUnsteady(name)) {
-            mLines.line("depends on", "what changes by itself: no two translations agree");
+            mLines.line("depends on", "a value that changes with each translation");
             return;
         }
         TagRows rows = mExplanations.tags(name);
@@ -111,7 +111,7 @@ public final class ExplanationPrinter {
 
     private void printEnd() {
         if (!mExplanations.problem().isEmpty()) {
-            mLines.plain("  (tags are not known, or not all: " + mExplanations.problem() + ")");
+            mLines.plain("  (tags unknown or incomplete: " + mExplanations.problem() + ")");
         } else {
             mLines.plain("  (" + mExplanations.effort() + ")");
         }

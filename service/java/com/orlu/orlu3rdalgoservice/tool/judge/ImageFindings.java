@@ -55,13 +55,13 @@ public final class ImageFindings {
 
     private void checkMemory(ImageExhibit image) {
         if (image.memory().missing() > 0) {
-            wrong("past-end", Tab.MEMORY, "The planes of %s reach %d bytes past its memory."
+            wrong("past-end", Tab.MEMORY, "The planes of %s exceed its memory by %d bytes."
                             .formatted(image.name(), image.memory().missing()),
-                    "Its description (size, strides, plane sizes) does not fit the buffer. Whoever reads "
-                            + "it reads foreign memory, or nothing.");
+                    "Its description (size, strides, plane sizes) does not fit the buffer. Reading it "
+                            + "accesses foreign memory or fails.");
         }
         if (image.memory().usedBehind() > 0 && !image.problem().isEmpty()) {
-            look("written-behind", Tab.MEMORY, "%d bytes behind the planes of %s were written."
+            look("written-behind", Tab.MEMORY, "%d bytes after the planes of %s were written."
                             .formatted(image.memory().usedBehind(), image.name()),
                     "The data is there, but the description does not cover it.");
         }
@@ -99,13 +99,12 @@ public final class ImageFindings {
         } else if (isUntouched) {
             wrong("untouched", Tab.MEMORY, "Nothing was written into %s: all its bytes are still 0."
                             .formatted(output.name()),
-                    "It shows as black. The algorithm library never wrote there: see in the timeline "
-                            + "whether it worked and called back, and in the memory which buffer it was "
-                            + "given.");
+                    "It appears black. The algorithm library never wrote there: check in the timeline "
+                            + "whether it worked and called back, and in the memory which buffer it got.");
         } else {
             wrong("unreadable", Tab.MEMORY,
                     "%s can't be shown: it is %s.".formatted(output.name(), output.problem()),
-                    "The description that came back does not fit the bytes that are there.");
+                    "The returned description does not fit the bytes.");
         }
     }
 
@@ -121,9 +120,9 @@ public final class ImageFindings {
         ImageExhibit base = mExhibits.base();
         PictureFacts input = base == null ? null : base.facts();
         String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
-                ? "What went in is as dark (%.1f): look at the frames first.".formatted(input.meanLuma())
-                : "What went in is not. The algorithm library wrote black pixels: look at the "
-                        + "exposure and gain parameters, then at the algorithms that ran.";
+                ? "The input is as dark (%.1f): check the frames first.".formatted(input.meanLuma())
+                : "The input is not. The algorithm library wrote black pixels: check the exposure and "
+                        + "gain parameters, then the algorithms that ran.";
         wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
                 output.name(), output.facts().meanLuma()), why);
     }
@@ -137,13 +136,12 @@ public final class ImageFindings {
             if (plane.usedRows() == 0) {
                 wrong("plane-untouched", Tab.MEMORY, "Nothing was written into the plane %s of %s."
                                 .formatted(plane.name(), output.name()),
-                        "Colours that are all 0 show as green. The plane's address or size was wrong, or "
-                                + "it was forgotten.");
+                        "Colours of 0 appear green. The plane's address or size was wrong, or the plane "
+                                + "was forgotten.");
             } else if (plane.emptyTail() > Math.max(1, LEAST_TAIL * plane.rows())) {
                 look("rows-missing", Tab.MEMORY, "The last %d of %d rows of the plane %s of %s are still 0."
                                 .formatted(plane.emptyTail(), plane.rows(), plane.name(), output.name()),
-                        "Fewer rows were written than the image has, or rows were written too close "
-                                + "together, with a smaller stride.");
+                        "Too few rows were written, or rows were written with a smaller stride.");
             }
         }
     }
@@ -157,11 +155,11 @@ public final class ImageFindings {
 
     private String cause(ImageExhibit output, int shear) {
         if (mExhibits.inputs().stream().anyMatch(ImageFindings::isSlanted)) {
-            return "What went in is slanted already: the stride of the request's own file is wrong.";
+            return "The input is slanted, too: the stride of the request's own file is wrong.";
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {
-            return "What went in is not. The output's padding holds pixels in %d rows of %d: %s".formatted(
+            return "The input is not. The output's padding holds pixels in %d of %d rows: %s".formatted(
                     written.usedPadding(), written.rows(), mistaken(written));
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
@@ -169,14 +167,14 @@ public final class ImageFindings {
         // Samples may have several bytes.
         int padding = read.stride() - read.rowBytes();
         boolean isIt = padding > 0 && padding % shear == 0;
-        return "What went in is not. " + (isIt
+        return "The input is not. " + (isIt
                 ? "The rows of %s have %d bytes of padding: %s".formatted(
                         base.name(), padding, mistaken(read))
-                : "The algorithm library took one stride for another: compare those in the memory.");
+                : "The algorithm library used a wrong stride: compare those in the memory.");
     }
 
     private static String mistaken(PlaneUse plane) {
-        return "the algorithm library took %d for its stride of %d bytes.".formatted(
+        return "the algorithm library used %d for its stride of %d bytes.".formatted(
                 plane.rowBytes(), plane.stride());
     }
 
@@ -190,12 +188,12 @@ public final class ImageFindings {
             look("clipped", Tab.PICTURES, "%.0f %% of %s are white; of %s it is %.0f %%.".formatted(
                             100 * output.facts().clipped(), output.name(), base.name(),
                             100 * base.facts().clipped()),
-                    "Bright parts are lost: look at the exposure and gain parameters, and at the histogram.");
+                    "Bright parts are lost: check the exposure and gain parameters, and the histogram.");
         }
         if (mean < DARKER * base.facts().meanLuma()) {
             look("dark", Tab.PICTURES, "%s is much darker than %s: %.0f instead of %.0f of 255 on average."
                             .formatted(output.name(), base.name(), mean, base.facts().meanLuma()),
-                    "Look at the exposure and gain parameters, and at the histogram.");
+                    "Check the exposure and gain parameters, and the histogram.");
         }
     }
 
@@ -205,9 +203,8 @@ public final class ImageFindings {
         if (straight > LEAST_COLOUR_DISTANCE && exchanged < HALF * straight) {
             wrong("colours-exchanged", Tab.PICTURES,
                     "Red and blue are exchanged in %s.".formatted(output.name()),
-                    "The planes U and V were taken for one another, as when NV12 is written for NV21: "
-                            + "compare the format of the output in the memory with what the algorithm "
-                            + "library writes.");
+                    "The planes U and V were exchanged, as if NV12 were written for NV21: compare the "
+                            + "output's format in the memory with what the algorithm library writes.");
         }
     }
 
@@ -216,7 +213,7 @@ public final class ImageFindings {
         if (!written.isEmpty() && mFindings.stream().noneMatch(each -> each.kind().equals("wrong-buffer"))) {
             wrong("input-written", Tab.MEMORY,
                     "The bytes of %s have changed.".formatted(String.join(", ", written)),
-                    "The algorithm library wrote where it should only read.");
+                    "The algorithm library wrote into memory that it may only read.");
         }
         boolean hasOther = mExhibits.inputs().stream().anyMatch(input -> !isDark(input));
         Map<Long, ImageExhibit> seen = new HashMap<>();
@@ -226,12 +223,12 @@ public final class ImageFindings {
                 wrong("frame-missing", Tab.PICTURES,
                         "There is no picture in %s (frame %d), while others have one.".formatted(
                                 input.name(), input.frame()),
-                        "The frame is missing from the burst. It spoils what is merged of all.");
+                        "The frame is missing from the burst and spoils the merged image.");
             } else if (same != null && input.isOfFile() && !mExhibits.isLost()
                     && same.frame() != input.frame()) {
                 look("frame-twice", Tab.PICTURES, "%s (frame %d) holds the same bytes as %s (frame %d)."
                                 .formatted(input.name(), input.frame(), same.name(), same.frame()),
-                        "A frame was handed over twice, perhaps instead of another.");
+                        "A frame was passed twice, perhaps instead of another.");
             }
         }
     }

@@ -18,35 +18,35 @@ public final class VerdictFindings {
     // The first match counts.
     private static final List<Kind> KINDS = List.of(
             new Kind("crash", Tab.TIMELINE, "The algorithm library ended the process.",
-                    "The timeline's last slices are what was under way: one that has not returned is "
-                            + "where it happened. Everything behind that is missing from this page.",
+                    "The last open slice of the timeline is the operation that ended the process. This "
+                            + "page has nothing after it.",
                     "ended the process", "stopped by signal"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
-                    "Nothing was handed on, and there is no output to look at. What the verdict names is "
-                            + "missing from that file, or the file is not the one that was meant.",
+                    "No request was submitted, and there is no output. The file lacks what the verdict "
+                            + "names, or it is the wrong file.",
                     "the algorithm library", "no algorithm library", "createClient"),
             new Kind("time-out", Tab.TIMELINE,
-                    "The request timed out: no callback ended it, so that no result was fetched.",
-                    "In the timeline the wait is not followed by a callback of this request. Either the "
-                            + "library never finished, or its callback was ignored for the reason given "
-                            + "here.",
+                    "The request timed out: no callback finished it, and no result was fetched.",
+                    "In the timeline, no callback of this request follows the wait. Either the library "
+                            + "never finished, or its callback was ignored for the given reason.",
                     "no callback for request"),
             new Kind("ignored-callback", Tab.TIMELINE, "A callback was ignored.",
-                    "The library called back in a way that nobody can take; the reason is given here.",
+                    "The library's callback was invalid for the given reason.",
                     "ignored"),
             new Kind("not-run", Tab.RESULTS, "An algorithm of the list was not run.",
-                    "The library took the list and left it alone, without saying that it knowingly did so.",
+                    "The library reported the algorithm neither as run nor as skipped.",
                     "but nobody ran"),
-            new Kind("tags", Tab.TAGS, "The request has tags that do nothing.",
-                    "They are misspelt, of another type than is asked for, or not for this kind of capture.",
+            new Kind("tags", Tab.TAGS, "The request has tags without effect.",
+                    "They are misspelt, have another type than requested, or don't apply to this kind of "
+                            + "capture.",
                     "never read", "of a wrong type"),
             new Kind("failed-call", Tab.TIMELINE, "A call failed.",
-                    "Look for it in the timeline: its outcome is shown when it is selected.", ""));
+                    "Select the call in the timeline to see its outcome.", ""));
 
     private VerdictFindings() {
     }
 
-    /** Returns one finding for each reason, except those about outputs: their pictures say more. */
+    /** Returns one finding for each reason, except those about outputs: their pictures show more. */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

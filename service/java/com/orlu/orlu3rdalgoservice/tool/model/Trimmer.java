@@ -82,8 +82,8 @@ public final class Trimmer {
         }
         if (mPrivate != null) {
             mPrivate.lines().forEach(line -> mNotes.add("left out, " + line));
-            mNotes.add("left out, what came of the request: its events and results");
-            mNotes.add("the pixels show what they show; --no-pixels leaves them out");
+            mNotes.add("removed: the results and events");
+            mNotes.add("the pixels are kept and may identify a person; --no-pixels removes them");
         }
     }
 
@@ -239,12 +239,12 @@ public final class Trimmer {
         for (int i = 0; i < mRun.inputs().size(); ++i) {
             ImageLayout image = mRun.inputs().get(i);
             if (ImageCrop.of(image, mCrop, "input " + i) == null) {
-                mNotes.add("input " + i + " is " + image.format() + ": left as it is");
+                mNotes.add("input " + i + " is " + image.format() + ": unchanged");
             }
         }
         for (int i = 0; i < mRun.outputs().size(); ++i) {
             if (!hasSizeOfInputs(mRun.outputs().get(i))) {
-                mNotes.add("output " + i + " is not as large as the inputs: left as it is");
+                mNotes.add("output " + i + " has another size than the inputs: unchanged");
             } else {
                 ImageCrop.of(mRun.outputs().get(i), mCrop, "output " + i);
             }
@@ -252,7 +252,7 @@ public final class Trimmer {
         Set<String> tags = SizeTags.of(mRun);
         if (!tags.isEmpty()) {
             mNotes.add(
-                    "these tags hold sizes or places and are left as they are: " + String.join(", ", tags));
+                    "unchanged tags with sizes or positions: " + String.join(", ", tags));
         }
     }
 

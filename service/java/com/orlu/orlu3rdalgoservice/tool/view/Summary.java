@@ -121,7 +121,7 @@ public final class Summary {
         mLines.list("asked for", orEmptyList(asked));
         Handover handover = mReport.run().handover();
         if (mReport.run().events().calls().isEmpty()) {
-            mLines.line("handed on", "not known: no probe stands before the algorithm library");
+            mLines.line("handed on", "unknown: there is no probe before the algorithm library");
             return;
         }
         if (handover.process() == null) {
@@ -142,7 +142,7 @@ public final class Summary {
     private void printPass() {
         AlgorithmPass pass = mReport.run().pass();
         if (pass == null) {
-            mLines.line("ran", "not known: the algorithm library does not say");
+            mLines.line("ran", "unknown: the algorithm library does not report it");
             return;
         }
         List<String> ran = new ArrayList<>(
