@@ -9,7 +9,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 echo "no library" >"$folder/text.so"
 
-# sample | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular
+# sample, with a "!" for --validate | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular
 # expression
 rows() {
   cat <<'ROWS'
@@ -43,6 +43,18 @@ capture|aborts:process|1|.*planted_algo\.so ended the process by signal 6 \(SIGA
 capture|segfaults:setValue|1|.*planted_algo\.so ended the process by signal 11 \(SIGSEGV at planted_algo\.so\+0x[0-9a-f]+\) in setValue of .*; the crash file is shots/crash\.log
 capture|aborts:createClient|3|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in createClient; .*
 capture|hangs:process|1|stopped by signal 15 \(SIGTERM\), with process of request 103 still running; .*
+capture!|twice|1|breach of the contract by the algorithm library: callback \(event [0-9]+\) is for the request 0x0, which was called back already, expected one callback for each request
+night-async!|twice|1|breach .*: callback \(event [0-9]+\) is for the request 0x0, which was called back already, .*
+capture!|headless|1|1 callback ignored: .*; breach .*: callback .* has 19 bytes without a whole name, .*
+capture!|afterwards|1|breach .*: callback .* comes after destroyClient has returned, expected no callback .*( \([0-9]+ times\))?
+night-async!|id|1|no callback .*; breach .*: callback .* is for the request 0x1, which was not submitted, .*
+capture!|answers:createMetadata|1|.*; breach .*: createMetadata .* returned null, expected a block \([0-9]+ times\)
+capture!|visits|1|breach .*: visit .* has 4 bytes for orlu\.algo\.control/frame_number, expected 8 bytes
+capture!|throws:createClient|3|createClient threw std::runtime_error: planted
+capture!|answers:createClient|3|createClient returned no client; breach .*: createClient .* returned null, expected a client
+capture!|aborts:flush|1|.* in flush; the crash file is shots/crash\.log
+capture!|unattached|0|
+night-async!||0|
 ROWS
 }
 
@@ -59,13 +71,15 @@ lose_patience() {
 # check SAMPLE FAULT STATUS PATTERN: one row, in a folder of its own. Prints what is wrong.
 check() {
   local sample=$1 fault=$2 wanted=$3 pattern=$4 status=0 library=$ORLU_BUILD/planted/planted_algo.so line left
+  local options=(--out shots --json report)
+  [[ $sample != *! ]] || options+=(--validate)
   case $fault in
     *.so) library=$folder/$fault ;;
     without_entry) library=$ORLU_BUILD/planted/planted_without_entry.so ;;
   esac
   mkdir "$folder/$sample-$fault" && cd "$folder/$sample-$fault" || return
-  ORLU_ALGO_LIBRARY=$library ORLU_PLANTED=$fault ORLU_EVENTS=$PWD/events setsid "$root/run" --out shots \
-    --json report "$root/samples/$sample.json" >out 2>err &
+  ORLU_ALGO_LIBRARY=$library ORLU_PLANTED=$fault ORLU_EVENTS=$PWD/events setsid "$root/run" "${options[@]}" \
+    "$root/samples/${sample%!}.json" >out 2>err &
   [[ $fault != hangs:* ]] || lose_patience "$!"
   wait "$!" || status=$?
   line=$(tail -n 1 out)

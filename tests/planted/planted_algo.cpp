@@ -2,8 +2,9 @@
 // thing changed. ORLU_PLANTED names the fault:
 //   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
 //   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
-//   silent  late  name  id  unattached  twice
+//   silent  late  name  id  unattached  twice  headless  afterwards
 //                                          what becomes of the callback
+//   visits                                 a value is requested with half its size
 //   idle  untouched                        what is made of the request
 //   empty  oversized  selects  crossed     what becomes of the results
 //   scribbles                              an output is written once more after the callback
@@ -49,6 +50,8 @@ constexpr std::chrono::seconds kLate{11};
 constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;
+// Calls back again.
+std::function<void()> gAgain;
 // Of the last request: its parameter block, and a descriptor of its first output.
 void* gBlock = nullptr;
 int gOutput = -1;
@@ -123,6 +126,8 @@ void callBack(const std::string& kind, const AlgoResultCallback& real, const Byt
   } else {
     real(message, extra, handles);
     if (kind == "twice") real(message, extra, handles);
+    if (kind == "headless") real(Bytes(std::vector<uint8_t>(kCallbackNameOffset - 1)), extra, handles);
+    if (kind == "afterwards") gAgain = [&real, message, extra, handles] { real(message, extra, handles); };
   }
 }
 
@@ -179,6 +184,14 @@ void scribbleAfter(const std::function<void(void*)>& real, void* block) {
 // Waits for its callbacks, as a good library does.
 int endClient(const std::function<int(void*)>& real, void* client) {
   if (gLate.joinable()) gLate.join();
+  if (gAgain) {
+    std::thread([again = std::move(gAgain)] {
+      for (int i = 0; i < 20; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        again();
+      }
+    }).detach();
+  }
   return real(client);
 }
 
@@ -195,6 +208,12 @@ extern "C" __attribute__((visibility("default"))) void AlgoInterfaceEntry(
     spoilRequest(fault, spoilt, real.metadataOps);
     return real.process(spoilt);
   };
+  if (fault.kind == "visits") {
+    table->metadataOps.paramSystemDownloadToAlgo = [](void*, const orlu::AlgoMetadataVisitor& visitor) {
+      int32_t half = 0;
+      return visitor(orlu::kControl, "frame_number", &half, sizeof half);
+    };
+  }
   table->metadataOps.destroyMetadata = [real = table->metadataOps.destroyMetadata](void* destroyed) {
     scribbleAfter(real, destroyed);
   };

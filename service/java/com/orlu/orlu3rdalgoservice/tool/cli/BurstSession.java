@@ -5,6 +5,7 @@ import android.system.ErrnoException;
 import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Contract;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
@@ -77,6 +78,9 @@ final class BurstSession {
                 addTimeline(shots);
             }
             verdict = mReasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, mReasons);
+        }
+        if (mOptions.tried.validate) {
+            verdict = verdict.with(new Contract().check(events.events()));
         }
         Results results = new Results("run");
         results.add(mOptions.names().get(0), verdict, milliseconds, mJson);

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.judge.Contract;
 import com.orlu.orlu3rdalgoservice.tool.judge.Crash;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
@@ -59,6 +60,9 @@ final class PostMortem {
         Path file = mOptions.written.out.resolve(REPORT);
         Files.writeString(file, Printable.lines(crash.report()));
         Verdict verdict = new Verdict(crash.status(), List.of(crash.reason(), "the crash file is " + file));
+        if (mOptions.tried.validate) {
+            verdict = verdict.with(new Contract().check(events.events()));
+        }
         Session.keepEvents(mOptions, new Timeline());
         Path last = completeLastRun();
         if (mOptions.written.report != null) {

@@ -101,6 +101,8 @@ final class RunCommand implements Subcommand {
         boolean check;
         @Option(names = "--strict", description = "Fail on unread or mistyped tags, and on warnings")
         boolean strict;
+        @Option(names = "--validate", description = "Fail when either side breaks the contract")
+        boolean validate;
         @Option(names = "--photo", paramLabel = "FILE", description = "Make the frames from this photo")
         Path photo;
         @Option(names = "--tag", paramLabel = "NAME=VALUE", arity = "1",

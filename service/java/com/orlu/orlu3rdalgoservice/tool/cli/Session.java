@@ -15,6 +15,7 @@ import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Callbacks;
+import com.orlu.orlu3rdalgoservice.tool.judge.Contract;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
@@ -73,6 +74,8 @@ final class Session {
     private final RequestRecorder mRecorder;
     /** Null without pages. */
     private PageFolder mPages;
+    /** Null if nobody wants the calls checked against the contract. */
+    private final Contract mContract;
     private final SourceLines mSourceLines = new SourceLines();
 
     private ServiceClient mClient;
@@ -83,6 +86,7 @@ final class Session {
         mOptions = options;
         mTo = options.written.text();
         mRecorder = options.recorder();
+        mContract = options.tried.validate ? new Contract() : null;
         mTraces = new TraceReader(WorkFolder.algorithmTrace());
         mEvents = new LineFile(
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
@@ -239,10 +243,17 @@ final class Session {
         if (lastOfClient) {
             mClient.end(request, stopwatch);
             mClient = null;
+            if (mContract != null) {
+                // A library that does not stop with its client shows it now.
+                sleep();
+            }
         }
         events.add(mEvents.next());
         Run run = Run.of(name, request, events, stopwatch.stages(), mTraces.next(), runner);
         Verdict verdict = runner == null ? mLibrary : Judge.of(run, images.problems());
+        if (mContract != null) {
+            verdict = verdict.with(mContract.check(events.events()));
+        }
         return new RunReport(run, images, verdict, null, "", "");
     }
 

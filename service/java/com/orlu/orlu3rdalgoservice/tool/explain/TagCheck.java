@@ -43,7 +43,7 @@ public final class TagCheck {
         if (warnings > 0) {
             reasons.add((warnings == 1 ? "1 warning" : warnings + " warnings") + " on the request file");
         }
-        return reasons.isEmpty() ? verdict : new Verdict(Verdict.FAILED, reasons);
+        return reasons.isEmpty() ? verdict : new Verdict(Verdict.FAILED, reasons, verdict.breaches());
     }
 
     private void addReason(List<String> reasons, String problem, Predicate<Reading> has) {

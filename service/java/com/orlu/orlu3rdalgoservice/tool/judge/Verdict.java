@@ -2,15 +2,17 @@ package com.orlu.orlu3rdalgoservice.tool.judge;
 
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
+import java.util.ArrayList;
 import java.util.List;
 
 /**
  * The outcome of a run.
  *
- * @param status  the exit status of the command
- * @param reasons what went wrong, the most important first; empty if all is well
+ * @param status   the exit status of the command
+ * @param reasons  what went wrong, the most important first; empty if all is well
+ * @param breaches the breaches of the contract, which are among the reasons; null without --validate
  */
-public record Verdict(int status, List<String> reasons) {
+public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
     public static final int OK = 0;
     /** A request failed on its way. */
     public static final int FAILED = 1;
@@ -19,8 +21,19 @@ public record Verdict(int status, List<String> reasons) {
     /** The algorithm library can't be opened, or lacks a mandatory callable. */
     public static final int UNUSABLE = 3;
 
+    public Verdict(int status, List<String> reasons) {
+        this(status, reasons, null);
+    }
+
     public static Verdict ok() {
         return new Verdict(OK, List.of());
+    }
+
+    /** This verdict with these breaches of the contract, which fail a run that went well otherwise. */
+    public Verdict with(List<Breach> found) {
+        List<String> all = new ArrayList<>(reasons);
+        found.forEach(breach -> all.add(breach.line()));
+        return new Verdict(status == OK && !found.isEmpty() ? FAILED : status, all, found);
     }
 
     /** The last line of a run. */

@@ -17,6 +17,10 @@ public final class VerdictFindings {
 
     // The first match counts.
     private static final List<Kind> KINDS = List.of(
+            new Kind("breach", Tab.TIMELINE, "A side broke the contract.",
+                    "The number of the event is that of the call in the timeline and in the file of "
+                            + "--events. docs/conformance.md has the contract.",
+                    "breach of the contract"),
             new Kind("crash", Tab.TIMELINE, "The algorithm library ended the process.",
                     "The last open slice of the timeline is the operation that ended the process. This "
                             + "page has nothing after it.",

@@ -3,15 +3,20 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 import java.util.HashMap;
 import java.util.Map;
 
-/** The types of the parameters in parameters.txt. */
+/** The types and sizes of the parameters in parameters.txt. */
 public final class ParameterTypes {
     private static final String PREFIX = "orlu.algo.";
     private static final int COLUMNS = 5;
     private static final Map<String, ParameterType> TYPES = new HashMap<>();
+    private static final Map<String, Integer> BYTES = new HashMap<>();
 
     static {
-        Table.rows("parameters.txt", COLUMNS).forEach(row ->
-                TYPES.put(PREFIX + row[0] + " " + row[1], ParameterType.valueOf(row[2])));
+        Table.rows("parameters.txt", COLUMNS).forEach(row -> {
+            TYPES.put(PREFIX + row[0] + " " + row[1], ParameterType.valueOf(row[2]));
+            if (!row[3].equals("*")) {
+                BYTES.put(PREFIX + row[0] + " " + row[1], Integer.valueOf(row[3]));
+            }
+        });
     }
 
     private ParameterTypes() {
@@ -20,5 +25,10 @@ public final class ParameterTypes {
     /** The type of a parameter; UNKNOWN for one without a row. */
     public static ParameterType of(String section, String key) {
         return TYPES.getOrDefault(section + " " + key, ParameterType.UNKNOWN);
+    }
+
+    /** The size of a parameter; -1 for one without a row, or whose size depends on the request. */
+    public static int bytes(String section, String key) {
+        return BYTES.getOrDefault(section + " " + key, -1);
     }
 }

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.view;
 
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.judge.Breach;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
@@ -45,6 +46,9 @@ public final class Results {
     public void add(String name, Verdict verdict, double milliseconds, Map<String, Object> members) {
         Map<String, Object> json = JsonWriter.object("name", name, "verdict", JsonWriter.object("ok",
                 verdict.status() == Verdict.OK, "status", verdict.status(), "reasons", verdict.reasons()));
+        if (verdict.breaches() != null) {
+            json.put("breaches", verdict.breaches().stream().map(Breach::json).toList());
+        }
         json.putAll(members);
         mResults.add(new Result(name, verdict, milliseconds / 1000, json));
     }

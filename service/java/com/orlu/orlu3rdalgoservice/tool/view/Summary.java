@@ -44,6 +44,11 @@ public final class Summary {
         mLines.lines("images", mReport.images().files());
         mLines.lines("noise", mReport.images().noise());
         mLines.list("time", times());
+        if (mReport.verdict().breaches() != null) {
+            int breaches = mReport.verdict().breaches().size();
+            mLines.line("contract", breaches == 0 ? "kept"
+                    : "broken in " + breaches + (breaches == 1 ? " way" : " ways") + ", see the verdict");
+        }
         if (!mReport.page().isEmpty()) {
             mLines.line("page", mReport.page());
         }
