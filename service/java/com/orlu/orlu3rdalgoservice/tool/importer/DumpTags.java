@@ -143,7 +143,7 @@ final class DumpTags {
         }
         // The dump prints no exponents.
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
-            throw new DamagedValueException("not a number or a known name: " + text);
+            throw new DamagedValueException("not a number or a known name: \"" + text + "\"");
         }
         return entry.type().equals("byte") ? (Object) byteOf(entry, text) : new BigDecimal(text);
     }
