@@ -151,10 +151,10 @@ void work(const Request& request) {
 }
 
 int process(const AlgoProcessRecord& record) {
-  {
-    const std::lock_guard<std::mutex> lock(gMutex);
-    ++gPending[record.client];
-  }
+  // The thread needs this lock before it ends, so it outlives detach(). glibc's detach() reads memory of the
+  // thread that another thread may have unmapped if the thread has ended.
+  const std::lock_guard<std::mutex> lock(gMutex);
+  ++gPending[record.client];
   std::thread(work, Request(record)).detach();
   return 0;
 }

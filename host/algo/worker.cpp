@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "java_thread.h"
 
@@ -68,11 +67,7 @@ void Worker::abortQueued(void* client, int64_t frameFlag) {
       aborted.push_back(job);
     }
   }
-  if (aborted.empty()) return;
-  std::thread([this, aborted = std::move(aborted)] {
-    for (const JobPointer& job : aborted) finish(job, true);
-    detachFromJava();
-  }).detach();
+  if (!aborted.empty()) finishApart(std::move(aborted));
 }
 
 int Worker::pending() const {
@@ -94,10 +89,7 @@ void Worker::loop() {
       finish(job, true);
       continue;
     }
-    std::thread([this, job] {
-      finish(job, true);
-      detachFromJava();
-    }).detach();
+    finishApart({job});
   }
 }
 
@@ -119,6 +111,16 @@ void Worker::work(Job& job) {
     mWork(*job.request);
   } catch (...) {
   }
+}
+
+void Worker::finishApart(std::vector<JobPointer> jobs) {
+  // The thread needs this lock before it ends, so it outlives detach(). glibc's detach() reads memory of the
+  // thread that another thread may have unmapped if the thread has ended.
+  std::lock_guard lock(mMutex);
+  std::thread([this, jobs = std::move(jobs)] {
+    for (const JobPointer& job : jobs) finish(job, true);
+    detachFromJava();
+  }).detach();
 }
 
 void Worker::finish(const JobPointer& job, bool ownThread) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "request.h"
 
@@ -55,6 +56,8 @@ private:
   void loop();
   JobPointer takeNext();
   void work(Job& job);
+  // Finishes them on a thread of their own.
+  void finishApart(std::vector<JobPointer> jobs);
   void finish(const JobPointer& job, bool ownThread);
   void callBack(Job& job, int index, std::unique_lock<std::mutex>& lock);
   bool drainWhere(const Filter& filter, std::chrono::milliseconds limit);
