@@ -60,7 +60,7 @@ public final class CameraMetadataNative implements Parcelable {
 
     /**
      * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for a tag that is in
-     * no table, and for a type that does not fit: an array of several values is no scalar, an int no long.
+     * no table, and for a type that does not fit: an array of several values is not a scalar, an int not a long.
      */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);

@@ -17,10 +17,10 @@ interface Subcommand {
     int run() throws MistakeException, ErrnoException, IOException;
 
     /**
-     * Does what is left to do when the process that ran this died, and returns a status. This process is
-     * another one. The exit status is the dead one's, as a shell has it.
+     * Finishes the work of a process that died while it ran this, and returns a status. `exitStatus` is the
+     * dead process's, as a shell reports it.
      *
-     * @throws IOException if what is left can't be read or written
+     * @throws IOException if a file can't be read or written
      */
     default int afterDeath(int exitStatus) throws IOException {
         throw new IllegalStateException("the process ended");

@@ -22,7 +22,7 @@ public final class LineFile {
         return !line.contains("\"event\":\"lookup\"");
     }
 
-    /** Reads from the file's present end on. The file may not exist yet; null reads nothing. */
+    /** Reads what is appended from now on. The file may not exist yet; null reads nothing. */
     public LineFile(Path file, Predicate<String> wanted) {
         mFile = file;
         mWanted = wanted;

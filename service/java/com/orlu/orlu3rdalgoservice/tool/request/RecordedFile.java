@@ -82,8 +82,8 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
     }
 
     /**
-     * Fills the buffer from the start of a file, which must not be a link. After a shorter file, the rest is
-     * unchanged.
+     * Fills the buffer from the start of a file, which must not be a link. If the file is shorter, the rest
+     * of the buffer is unchanged.
      */
     public static void read(Path file, ByteBuffer to) throws IOException {
         try (FileChannel channel = FileChannel.open(
