@@ -45,7 +45,7 @@ final class RecordFolder {
         writeAll(name, ByteBuffer.wrap(bytes));
     }
 
-    /** Replaces the outcome by the reason for the failure, whatever it takes. */
+    /** Replaces the outcome with the reason for the failure. */
     void fail(String what) throws IOException {
         writeAll(OUTCOME, ByteBuffer.wrap(
                 new JsonText().add("failed", what).toString().getBytes(StandardCharsets.UTF_8)));
