@@ -50,6 +50,7 @@ capture!|afterwards|1|breach .*: callback .* comes after destroyClient has retur
 night-async!|id|1|no callback .*; breach .*: callback .* is for the request 0x1, which was not submitted, .*
 capture!|answers:createMetadata|1|.*; breach .*: createMetadata .* returned null, expected a block \([0-9]+ times\)
 capture!|visits|1|breach .*: visit .* has 4 bytes for orlu\.algo\.control/frame_number, expected 8 bytes
+capture!|brief|1|.*breach .* by the algorithm library: getValue .* got a value of 3 bytes for .*/encoded_jpeg_size, expected 4 bytes
 capture!|throws:createClient|3|createClient threw std::runtime_error: planted
 capture!|answers:createClient|3|createClient returned no client; breach .*: createClient .* returned null, expected a client
 capture!|aborts:flush|1|.* in flush; the crash file is shots/crash\.log

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "call_fields.h"
 
@@ -25,7 +27,40 @@ private:
   int mErrno;
 };
 
+using GetValue = std::function<int(void*, const char*, const char*, void*, unsigned)>;
+
+// Returns the bytes of a value by what getValue leaves alone in memory for more than `size` bytes; -1 if that
+// fails, or leaves nothing alone.
+int64_t valueSize(const GetValue& real, void* block, const char* section, const char* key, unsigned size) {
+  constexpr unsigned kMore = 64;
+  std::vector<uint8_t> first(size + kMore, 0x5A);
+  std::vector<uint8_t> second(size + kMore, 0xA5);
+  for (std::vector<uint8_t>* memory : {&first, &second}) {
+    if (real(block, section, key, memory->data(), size + kMore) != 0) return -1;
+  }
+  size_t written = first.size();
+  while (written > 0 && first[written - 1] != second[written - 1]) --written;
+  return written == first.size() ? -1 : static_cast<int64_t>(written);
+}
+
 }  // namespace
+
+GetValue EventRecorder::measured(GetValue real) {
+  if (!real) return real;
+  return [this, real = std::move(real)](void* block, const char* section, const char* key, void* data,
+                                        unsigned size) {
+    const int result = real(block, section, key, data, size);
+    if (result != 0 || !mFile.isOn() || section == nullptr || key == nullptr) return result;
+    const ErrnoKeeper keeper;
+    try {
+      EventLine line("held");
+      mFile.write(line.number("size", valueSize(real, block, section, key, size)).finish());
+    } catch (...) {
+      // The library's, or out of memory: the event is dropped.
+    }
+    return result;
+  };
+}
 
 void EventRecorder::open() {
   mPixels.open();

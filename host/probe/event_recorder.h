@@ -1,6 +1,7 @@
 // Writes two events for every call through a watched table: one before and one after it.
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <set>
 
@@ -22,6 +23,11 @@ public:
   RealLibrary load(const void* caller);
   // Records which callables the table offers that this call of the entry filled in.
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
+
+  // Returns a getValue that calls `real` and records the size of each value found. For that it calls `real`
+  // twice more, with memory of its own.
+  std::function<int(void*, const char*, const char*, void*, unsigned)> measured(
+      std::function<int(void*, const char*, const char*, void*, unsigned)> real);
 
   void before(const WatchedCall& call) noexcept override;
   void after(const WatchedCall& call, const WatchedEnd& end) noexcept override;

@@ -1,5 +1,6 @@
 // The probe's only export: the entry of the algorithm library behind it.
 #include "event_recorder.h"
+#include "setting.h"
 
 namespace orlu::probe {
 namespace {
@@ -19,6 +20,9 @@ public:
     const uint64_t number = watchCall(mRecorder, "entry", [&] { entry(table); });
     if (table == nullptr) return;
     mRecorder.table(number, *table);
+    if (!setting("ORLU_VALIDATE").empty()) {
+      table->metadataOps.getValue = mRecorder.measured(table->metadataOps.getValue);
+    }
     *table = watchedTable(*table, mRecorder);
   }
 

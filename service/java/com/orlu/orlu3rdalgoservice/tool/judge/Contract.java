@@ -68,6 +68,7 @@ public final class Contract {
             switch (event.kind()) {
                 case "header" -> clear();
                 case "begin" -> begin(event);
+                case "held" -> held(event);
                 case "end" -> end(event, mOpen.remove(event.number("n")));
                 default -> {
                 }
@@ -150,6 +151,19 @@ public final class Contract {
         if (event.operation().equals("setValue") && size > 0 && !event.has("bytes")) {
             breach(by, "null-data", event, "has null data for " + name, size + " bytes of data");
         }
+    }
+
+    // How large a result is in the library, which the probe finds out during getValue.
+    private void held(Event event) {
+        mOpen.values().stream().filter(open -> open.operation().equals("getValue")
+                && open.number("tid") == event.number("tid")).findFirst().ifPresent(open -> {
+                    int expected = ParameterTypes.bytes(open.text("section"), open.text("key"));
+                    long size = event.number("size");
+                    if (size >= 0 && expected >= 0 && size != expected) {
+                        breach(Side.LIBRARY, "value-size", open, "got a value of " + size + " bytes for "
+                                + open.text("section") + "/" + open.text("key"), expected + " bytes");
+                    }
+                });
     }
 
     private void visit(Event event) {

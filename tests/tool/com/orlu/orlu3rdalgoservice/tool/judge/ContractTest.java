@@ -75,6 +75,12 @@ public final class ContractTest {
             {BLOCK + "begin 3 setValue " + VALUE + ", 'size': 8, 'bytes': '00'", ""},
             {BLOCK + "begin 3 setValue " + VALUE + ", 'size': 4, 'bytes': '00'", "SERVICE value-size 3"},
             {BLOCK + "begin 3 getValue " + VALUE + ", 'size': 9", "SERVICE value-size 3"},
+            {BLOCK + "begin 3 getValue " + VALUE
+                    + ", 'size': 8, 'tid': 1\nheld 0 none 'size': 8, 'tid': 1", ""},
+            {BLOCK + "begin 3 getValue " + VALUE
+                    + ", 'size': 8, 'tid': 1\nheld 0 none 'size': -1, 'tid': 1", ""},
+            {BLOCK + "begin 3 getValue " + VALUE + ", 'size': 8, 'tid': 1\nheld 0 none 'size': 4, 'tid': 1",
+                "LIBRARY value-size 3"},
             {BLOCK + "begin 3 setValue " + VALUE + ", 'size': 8", "SERVICE null-data 3"},
             {BLOCK + "begin 3 getValue 'block': '0x1000', 'section': 'a', 'key': ''", "SERVICE null-key 3"},
             {BLOCK + "begin 3 getValue 'block': '0x1000', 'section': 'a', 'key': 'unknown', 'size': 3", ""},
