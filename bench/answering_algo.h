@@ -1,23 +1,24 @@
-// The algorithm library of the benchmarks, under the device's name: it keeps nothing, computes nothing, and
-// answers at once, so that what is measured is the library in front of it.
+// The algorithm library of the benchmarks, with the device's name. It stores nothing, computes nothing and
+// calls back at once, so that the benchmarks measure only the library in front of it.
 #pragma once
 
 #include "algo_interface.h"
 
 namespace orlu::bench {
 
-// What process() does; null: call back before it returns. Set while no request is under way.
+// Replaces the body of process(); null restores the default, which calls back before returning. Set it while
+// no request is in flight.
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 
-// What is done with each table that is filled in from now on; null: nothing.
+// Called with each table that is filled from now on; null for none.
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 
-// Tells that a request is done, on the calling thread, without taking memory.
+// Calls back that a request is done, on the calling thread, without allocating.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 
-// The id that the last request handed to process() has in the library.
+// The library's id of the last request passed to process().
 uint64_t lastNativeRequest();
 
 }  // namespace orlu::bench

@@ -1,4 +1,4 @@
-// The groups of benchmarks. Each registers its own.
+// Registration functions, one per group of benchmarks.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@ namespace orlu::bench {
 
 struct BenchSize {
   bool quick = false;          // fewer points and requests
-  int64_t memoryRequests = 0;  // of the memory benchmark
+  int64_t memoryRequests = 0;  // of the memory benchmark only
   int warmUp() const { return quick ? 300 : 2000; }
   int requests() const { return quick ? 150 : 1000; }
 };

@@ -1,4 +1,4 @@
-// Several clients at once, each on a thread of its own.
+// Benchmark of concurrent clients, each on its own thread.
 
 #include <atomic>
 #include <thread>
@@ -11,7 +11,7 @@
 namespace orlu::bench {
 namespace {
 
-// Lets all threads begin together.
+// Starts all threads at the same time.
 class StartLine {
 public:
   explicit StartLine(int threads) : mMissing(threads) {}
@@ -35,7 +35,7 @@ void client(const ShotPlan& plan, StartLine& line, int warmUp, int requests, Sec
   latency = Seconds(median(times));
 }
 
-// One round: every client carries its requests. Answers the time for all of them.
+// Runs one round, in which every client sends its requests. Returns the total time.
 Seconds together(const ShotPlan& plan, size_t clients, int warmUp, int requests,
                  std::vector<double>& latencies) {
   StartLine line(static_cast<int>(clients) + 1);

@@ -1,5 +1,5 @@
-// What the four shots cost in counts, which are the same on every run: cost_counts [--update] FILE compares
-// them with the text in FILE, or rewrites it. Ends with 1 when they differ.
+// Counts the cost of the four shots; the counts are equal in every run. cost_counts [--update] FILE compares
+// them with FILE or rewrites it. Exits with 1 if they differ.
 
 #include <algorithm>
 #include <cstdio>
@@ -33,7 +33,7 @@ constexpr struct {
     {"no_tags,async", false, true },
 };
 
-// A row for each count of a kind of shot, a column for each way to send it.
+// Writes a row per count of a shot and a column per way to send it.
 void writeTable(std::ostream& out, const Kind& kind) {
   std::map<std::string, std::map<std::string, int64_t>> rows;
   out << '\n' << std::left << std::setw(32) << kind.name << std::right;
@@ -67,7 +67,7 @@ std::vector<std::string> linesOf(std::istream&& in) {
   return lines;
 }
 
-// Prints each line that differs, with its place in the file.
+// Prints each different line with its place in the file.
 bool isAsWritten(const std::string& tables, const std::string& path) {
   std::vector<std::string> expected = linesOf(std::ifstream(path));
   std::vector<std::string> found = linesOf(std::istringstream(tables));

@@ -5,7 +5,7 @@
 namespace orlu::bench {
 
 Counts countsOf(RequestRunner& runner) {
-  runner.run();  // what the VM makes once, is made here
+  runner.run();  // creates what the VM creates only once
   runner.record();
   Counts counts;
   int64_t most = 0;

@@ -1,4 +1,4 @@
-// What a request costs in counts, which are the same on every run.
+// Counts of a request's cost, which are equal in every run.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace orlu::bench {
 
-// By name: "jni:FindClass" and so on for the calls of each JNI function, "jni" for all of them,
-// "local_references" for the most that are alive at once, "allocations" and "allocated_bytes" on the C++
-// heap, "debug_lines" and "error_lines" for the lines of the log while all are asked for.
+// Counts by name: "jni:FindClass" and so on for each JNI function, "jni" for all JNI calls,
+// "local_references" for the most local references at one time, "allocations" and "allocated_bytes" on the
+// C++ heap, "debug_lines" and "error_lines" for the lines of the log at full verbosity.
 using Counts = std::map<std::string, int64_t>;
 
-// Carries the shot through the library a few times. A full-async request counts as both of its calls.
+// Runs the shot through the library a few times. The counts of a full-async request include both calls.
 Counts countsOf(RequestRunner& runner);
 
 }  // namespace orlu::bench

@@ -1,4 +1,4 @@
-// How a request grows with its frames and with the tags that each frame carries.
+// Benchmark of a request's time by its number of frames and by the number of tags per frame.
 
 #include "benches.h"
 #include "kinds.h"

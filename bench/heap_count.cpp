@@ -13,7 +13,7 @@ orlu::bench::HeapUse orlu::bench::heapUse() {
   return gUse;
 }
 
-// The operators for arrays and those that answer null come here as well.
+// The array and nothrow operators call this one.
 void* operator new(size_t size) {
   ++gUse.allocations;
   gUse.bytes += static_cast<int64_t>(size);

@@ -1,4 +1,4 @@
-// Counts what a thread of this program takes from the C++ heap. The VM takes its memory elsewhere.
+// Counts a thread's allocations on the C++ heap. The VM allocates its memory elsewhere.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ struct HeapUse {
   int64_t bytes = 0;
 };
 
-// What the calling thread took since it began; freeing takes nothing back.
+// Allocations of the calling thread since it started. Freeing does not reduce them.
 HeapUse heapUse();
 
 inline HeapUse operator-(const HeapUse& a, const HeapUse& b) {

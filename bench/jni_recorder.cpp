@@ -16,14 +16,14 @@ namespace {
 
 thread_local JniRecorder* gRecorder = nullptr;
 
-// The argument types of every method that was looked up, also in earlier recordings: "LI" for an object and
-// an integer. Ids stay what they are while their classes are loaded.
+// The argument types of every method looked up so far, also in earlier recordings: "LI" for an object and an
+// integer. Method ids stay valid while their classes are loaded.
 std::unordered_map<jmethodID, std::string>& shapes() {
   static std::unordered_map<jmethodID, std::string> all;
   return all;
 }
 
-// One letter for each argument: L, I (also for what travels as one), J or D.
+// Returns one letter per argument: L, I (also for types that are passed as an integer), J or D.
 std::string argumentTypes(const char* signature) {
   std::string types;
   for (const char* at = signature + 1; *at != ')'; ++at) {
@@ -68,13 +68,13 @@ template <typename T>
 constexpr bool kIsObject = std::is_convertible_v<T, jobject>;
 template <typename T>
 constexpr bool kIsId = std::is_same_v<T, jmethodID> || std::is_same_v<T, jfieldID>;
-// Texts, buffers and where to tell whether they are copies.
+// Strings, buffers, and pointers that receive the isCopy flag.
 template <typename T>
 constexpr bool kIsMemory = std::is_pointer_v<T> && !kIsObject<T> && !kIsId<T>;
 
 constexpr size_t kNoRegion = ~size_t{0};
 
-// An argument out of what was recorded.
+// Converts a recorded value back to an argument.
 template <typename T>
 T argument(void** slots, const RecordedValue& value) {
   if constexpr (std::is_same_v<T, jmethodID>) {
@@ -100,7 +100,7 @@ void keep(void** slots, uint32_t slot, Result result) {
 }  // namespace
 
 struct RecorderFunctions {
-  // Makes the call, and notes it unless it comes out of another.
+  // Makes the call, and records it unless another recorded call made it.
   template <typename Function, typename Note>
   static auto made(Function&& function, Note&& note) {
     JniRecorder& recorder = *gRecorder;
@@ -123,7 +123,8 @@ struct RecorderFunctions {
     ++recorder.mRecording.mCounts[name];
   }
 
-  // Gives what was answered a slot. Objects are local references, but for the one function that makes others.
+  // Assigns a slot to the result. Objects are local references, except those of the one function that creates
+  // global references.
   template <typename Result>
   static void noteResult(JniRecorder& recorder, RecordedCall& call, Result result, bool isLocal) {
     call.result = kNullSlot;
@@ -135,7 +136,7 @@ struct RecorderFunctions {
     }
   }
 
-  // A function whose arguments tell all.
+  // A function without a jmethodID: its signature determines the recording.
   template <auto Member>
   struct Plain;
 
@@ -164,7 +165,7 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // The bytes that a region is set from, perhaps none; kNoRegion for every other function.
+    // The size of the buffer that a region is set from, which may be 0; kNoRegion for every other function.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -204,7 +205,7 @@ struct RecorderFunctions {
 
     static void noteReferences([[maybe_unused]] JniRecorder& recorder,
                                [[maybe_unused]] Arguments... arguments) {
-      // What was lent is given back: its address may come again.
+      // A released address may be reused for another object.
       if (std::strncmp(name, "Release", 7) == 0) (giveBack(recorder, arguments), ...);
       if constexpr (sizeof...(Arguments) == 1) {
         if (std::strcmp(name, "DeleteLocalRef") == 0) recorder.freedReference();
@@ -236,7 +237,7 @@ struct RecorderFunctions {
     }
   };
 
-  // A function that calls a Java method: the method tells what arguments there are.
+  // A function that calls a Java method: the method determines the arguments.
   template <auto Member>
   struct Method;
 
@@ -279,7 +280,7 @@ struct RecorderFunctions {
       next->method = method;
     }
 
-    // As the product's own calls do: through a list.
+    // Passes a va_list, as the product's own calls do.
     static Result listed(JNIEnv* env, Target target, jmethodID method, ...) {
       va_list list;
       va_start(list, method);
@@ -352,7 +353,7 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// An object that no noted call answered was there before, and stays.
+// An object that no recorded call returned existed before and stays alive.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);
@@ -360,7 +361,7 @@ uint32_t JniRecorder::objectSlot(void* object) {
   return mSlots[object] = mRecording.addSlot(object);
 }
 
-// A text that the VM lent, or one of the caller's.
+// A string that the VM lent, or one of the caller's own.
 uint32_t JniRecorder::textSlot(const char* text) {
   if (text == nullptr) return kNullSlot;
   const uint32_t lent = slotOf(text);

@@ -1,5 +1,5 @@
-// A function table of our own over a thread's environment, in place for the life of this object: it notes
-// every JNI call with its arguments, and counts. What Java calls in turn is not noted.
+// Replaces the JNI function table of a thread's environment during its lifetime: counts every JNI call and
+// records it with its arguments. JNI calls made inside a Java method are not recorded.
 #pragma once
 
 #include <jni.h>
@@ -14,7 +14,7 @@ namespace orlu::bench {
 
 class JniRecorder {
 public:
-  // One at a time on a thread.
+  // One object at a time per thread.
   JniRecorder(JNIEnv* env, JniRecording& recording);
   JniRecorder(const JniRecorder&) = delete;
   JniRecorder& operator=(const JniRecorder&) = delete;
@@ -31,10 +31,10 @@ private:
 
   test::ScopedJniFunctions mFunctions;
   JniRecording& mRecording;
-  std::unordered_map<const void*, uint32_t> mSlots;  // of what is alive
-  std::vector<int> mFrames;                          // references alive when each local frame began
+  std::unordered_map<const void*, uint32_t> mSlots;  // of live objects and buffers
+  std::vector<int> mFrames;  // number of live references at the start of each local frame
   int mReferences = 0;
-  bool mIsInside = false;  // a noted call is under way
+  bool mIsInside = false;  // inside a recorded call
 };
 
 }  // namespace orlu::bench

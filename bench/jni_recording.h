@@ -1,7 +1,7 @@
-// A sequence of JNI calls that can be made again, bare: the floor under what made it.
+// A recorded sequence of JNI calls. Replaying it measures the lower bound of the code that made the calls.
 //
-// Objects, texts and buffers of the calls stand in numbered slots. A call that answers an object puts it into
-// a slot of its own, which later calls name; so the sequence works on its own new objects each time.
+// Objects, strings and buffers are in numbered slots. A call that returns an object stores it in its own
+// slot, and later calls refer to that slot. So each replay works on its own new objects.
 #pragma once
 
 #include <jni.h>
@@ -15,10 +15,10 @@
 namespace orlu::bench {
 
 constexpr uint32_t kNullSlot = 0;
-// A target, five arguments and a method.
+// A target, five arguments and a method id.
 constexpr size_t kMaxArguments = 7;
 
-// One argument as it is kept: a slot's number, or the value itself.
+// A recorded argument: the number of a slot, or the value.
 union RecordedValue {
   uint32_t slot;
   jmethodID method;
@@ -27,7 +27,7 @@ union RecordedValue {
   jdouble real;
 };
 
-// The types of a Java method's arguments, for those that requests call.
+// The argument types of the Java methods that requests call.
 enum class Shape : uint32_t {
   kNone,
   kObject,
@@ -43,16 +43,16 @@ enum class Shape : uint32_t {
 struct RecordedCall {
   void (*repeat)(JNIEnv* env, void** slots, const RecordedCall& call);
   RecordedValue arguments[kMaxArguments];
-  uint32_t result;  // the slot that the answer goes to
-  Shape shape;      // of a call of a Java method
+  uint32_t result;  // the slot of the result
+  Shape shape;      // of the called Java method
 };
 
 class JniRecording {
 public:
   JniRecording();
 
-  // Makes the calls in [first, last) again, on the thread whose objects they name. All calls before them must
-  // have been made.
+  // Replays the calls in [first, last) on the thread that owns their objects. All earlier calls must have
+  // been replayed.
   void replay(JNIEnv* env, size_t first, size_t last);
 
   size_t size() const { return mCalls.size(); }
@@ -64,7 +64,7 @@ private:
   friend struct RecorderFunctions;
 
   uint32_t addSlot(void* value);
-  // A copy that lives as long as the recording.
+  // Adds a copy that the recording owns.
   uint32_t addBytes(const void* bytes, size_t size);
 
   std::vector<RecordedCall> mCalls;

@@ -1,4 +1,4 @@
-// The four kinds of shot that are measured, with the tags of their sample files.
+// The four measured shots, with the tags of their sample files.
 #pragma once
 
 #include "shot.h"

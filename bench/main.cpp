@@ -1,4 +1,4 @@
-// request_bench [--quick] [--memory=REQUESTS] and Google Benchmark's own options.
+// request_bench [--quick] [--memory=REQUESTS] [options of Google Benchmark]
 
 #include <benchmark/benchmark.h>
 
@@ -27,7 +27,7 @@ int64_t numberOf(const char* text) {
   std::exit(2);
 }
 
-// Takes our own arguments out.
+// Parses and removes our own options.
 orlu::bench::BenchSize readSize(int& argc, char** argv) {
   orlu::bench::BenchSize size;
   int kept = 1;
@@ -44,7 +44,7 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
   return size;
 }
 
-// The heap has one size from the beginning and is touched, so that what grows in this process is not the
+// The Java heap has a fixed size and is touched at start, so that growth of the process is not growth of the
 // heap.
 bool startVm() {
   return orlu::test::startJvm(
@@ -52,7 +52,7 @@ bool startVm() {
       {"-Xms256m", "-Xmx256m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC", "-XX:-UsePerfData"});
 }
 
-// Until the VM has compiled what every request runs.
+// Runs until the VM has compiled the code that every request uses.
 void warmUp(const orlu::bench::BenchSize& size) {
   orlu::bench::Shot shot(orlu::bench::kinds()[1].plan);
   orlu::bench::RequestRunner runner(shot);

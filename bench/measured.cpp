@@ -7,8 +7,8 @@
 namespace orlu::bench {
 namespace {
 
-// What the system does for the descriptors of so many images in shared memory: no JNI call, and nobody's
-// choice.
+// The system's time for the descriptors of `images` images in shared memory: it makes no JNI calls, and no
+// implementation can avoid it.
 double descriptorSeconds(int memory, int images) {
   std::vector<int> open(static_cast<size_t>(images));
   const auto begin = Clock::now();

@@ -1,4 +1,4 @@
-// One benchmark: requests and their floors in turn.
+// Measures requests and their lower bounds alternately.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -7,9 +7,9 @@
 
 namespace orlu::bench {
 
-// Runs until the VM has compiled what it wants to, notes the JNI calls, and measures. Sets the counters
-// request_us, floor_us and ratio, medians all of them; for images in shared memory descriptors_us as well,
-// what the system takes for their descriptors, and ratio_descriptors, the ratio to both.
+// Warms up until the VM has compiled the code, records the JNI calls, and measures. Sets the counters
+// request_us, floor_us and ratio, all medians. For images in shared memory also sets descriptors_us, the
+// system's time for their descriptors, and ratio_descriptors, the ratio to the sum of both.
 void measure(benchmark::State& state, RequestRunner& runner, int warmUp);
 
 }  // namespace orlu::bench

@@ -1,4 +1,4 @@
-// Whether a process that lives long grows: its resident size at every tenth of many requests, synchronous and
+// Benchmark of memory growth: the resident size after every tenth of many requests, synchronous and
 // full-async in turn.
 
 #include <memory>
@@ -24,7 +24,7 @@ struct Pair {
 };
 
 void memoryBench(benchmark::State& state, int tenth) {
-  // One pair for all tenths, made in the first and freed in the last.
+  // One pair for all tenths, created in the first and freed in the last.
   static std::unique_ptr<Pair> pair;
   if (tenth == 1) pair = std::make_unique<Pair>(kinds()[0].plan);
   for (auto _ : state) state.SetIterationTime((pair->first.run() + pair->second.run()).count());

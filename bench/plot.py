@@ -19,13 +19,13 @@ def load(path):
 
 
 def series(results, group):
-    """[(x, result)] of the benchmarks "group/x", by x."""
+    """Returns [(x, result)] of the benchmarks "group/x", sorted by x."""
     found = [(int(name.split("/")[1]), r) for name, r in results.items() if re.fullmatch(group + r"/\d+", name)]
     return sorted(found, key=lambda pair: pair[0])
 
 
 def line_through(points):
-    """Slope and height at 0 of the straight line nearest to the points."""
+    """Slope and intercept of the least-squares line."""
     n = len(points)
     mean_x, mean_y = (sum(p[i] for p in points) / n for i in (0, 1))
     spread = sum((x - mean_x) ** 2 for x, _ in points)
@@ -132,7 +132,7 @@ def ticks(top):
 
 
 def plot(path, title, x_label, y_label, lines):
-    """Lines: (name, [(x, y)], whether to draw the straight line too)."""
+    """Draws lines: (name, [(x, y)], whether to draw the fitted line too)."""
     top_x = max(x for _, points, _ in lines for x, _ in points) or 1
     top_y = 1.1 * max(y for _, points, _ in lines for _, y in points) or 1
 
@@ -233,7 +233,7 @@ def rewrite(page, made):
 
 
 def check_bars(results):
-    """Prints what is above its bar; nothing depends on it, because machines are noisy."""
+    """Prints results above their limit. Nothing fails, because machines are noisy."""
     for name, r in sorted(results.items()):
         bar = {"request": 1.10, "wakeup": 1.20}.get(name.split("/")[0])
         if bar and r["ratio"] > bar:

@@ -1,5 +1,5 @@
-// A request with the probe before the algorithm library, over one without, in turn. The library answers at
-// once, so this is the most that the probe can weigh.
+// Benchmark of requests with and without the probe, alternately. The algorithm library calls back at once, so
+// this is the largest relative cost of the probe.
 
 #include <unistd.h>
 
@@ -24,7 +24,7 @@ void watchTable(AlgoInterfaceCallbacks* table) {
   *table = probe::watchedTable(*table, recorder());
 }
 
-// "" for a probe that only forwards.
+// "" for a probe that only forwards calls.
 void writeEventsTo(const char* file) {
   setenv("ORLU_EVENTS", file, 1);
   recorder().open();

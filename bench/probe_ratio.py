@@ -1,7 +1,7 @@
-"""Compares runs of every sample through the stand-in: without the probe, with it, and with look-ups recorded as well.
+"""Compares runs of all samples with the stand-in: without the probe, with it, and with recorded look-ups.
 
-probe_ratio.py ROOT RUNS. Medians, and their ratios to a run without the probe; ends with 1 when one with the probe
-is above 1.5.
+probe_ratio.py ROOT RUNS. Prints medians and their ratios to a run without the probe; exits with 1 if a
+ratio is above 1.5.
 """
 
 import os
@@ -18,10 +18,10 @@ PROCESS = re.compile(r"\bprocess ([0-9.]+) ms")
 
 
 def run(root, build, options):
-    """Seconds of one run, and how many of them the library had the requests."""
+    """Returns the seconds of one run, and the seconds that the library had the requests."""
     samples = sorted((root / "samples").glob("*.json"))
     begin = time.monotonic()
-    # Without the probe there are no events to judge the requests by, so the status says nothing.
+    # Without the probe there are no events to judge the requests by, so the status is ignored.
     output = subprocess.run([root / "run", "--wide", *options, *samples], env={**os.environ, "ORLU_BUILD": str(build)},
                             capture_output=True, text=True, check=False).stdout
     seconds = time.monotonic() - begin
@@ -35,7 +35,7 @@ def main():
     root, runs = Path(sys.argv[1]), int(sys.argv[2])
     built = root / "build/dev"
     with tempfile.TemporaryDirectory() as work:
-        # A build that lacks the probe.
+        # A build without the probe.
         bare = Path(work, "bare")
         bare.mkdir()
         for folder in ("lib", "java"):

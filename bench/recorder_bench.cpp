@@ -1,5 +1,5 @@
-// A request through the service's Java class with the recorder beside it, over one without, in turn. The
-// images are small, so this is what a recording costs besides its pixels.
+// Benchmark of requests through the service's Java class with and without the recorder, alternately. The
+// images are small, so this is a recording's cost without its pixels.
 
 #include <cstdlib>
 #include <filesystem>

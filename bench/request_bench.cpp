@@ -1,4 +1,5 @@
-// Four kinds of shot, each with its tags and without, synchronous and full-async, over their floors.
+// Benchmark of four shots, with and without their tags, synchronous and full-async, relative to their lower
+// bounds.
 
 #include "benches.h"
 #include "counts.h"

@@ -31,7 +31,7 @@ void noteAndCallBack(const AlgoProcessRecord& record) {
 }  // namespace
 
 RequestRunner::RequestRunner(Shot& shot) : mShot(shot) {
-  // What the client looks up belongs to the calls that are noted later.
+  // The client's own look-ups are not part of the recorded request.
   JniRecording ignored;
   JniRecorder recorder(env(), ignored);
   mClient = RequestProcessor::create(env(), shot.firstComposition());
@@ -69,7 +69,7 @@ Seconds RequestRunner::replay() {
   return first + call(mSecond);
 }
 
-// What the service does between the two calls of a full-async request.
+// The service's part between the two calls of a full-async request.
 void RequestRunner::putAddress() {
   const NativeFrame frame;
   test::putKey(mShot.firstComposition(), "nativeRequestAddr",

@@ -1,4 +1,4 @@
-// Carries a shot through the library to its result, and can make the JNI calls of that alone.
+// Runs a shot through the library to its result, and can replay only its JNI calls.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace orlu::bench {
 
-// The references of one native call, which end with it as those of a call out of Java do.
+// The local frame of one native call. Frees its references like the return to Java does.
 class NativeFrame {
 public:
   NativeFrame() { test::env()->PushLocalFrame(16); }
@@ -19,14 +19,14 @@ public:
   ~NativeFrame() { test::env()->PopLocalFrame(nullptr); }
 };
 
-// The lines that a request writes while all are asked for.
+// The lines that a request logs at full verbosity.
 struct LogLines {
   int debug = 0;
   int error = 0;
 };
 
-// On the thread that made it. A full-async request is one call of processImage(), with the callback inside,
-// and one of processImageUpdateResult(); what the service does between them is not counted.
+// Use on the thread that created it. A full-async request is one call of processImage(), with the callback
+// inside, and one of processImageUpdateResult(); the service's work between them is not counted.
 class RequestRunner {
 public:
   explicit RequestRunner(Shot& shot);
@@ -34,18 +34,18 @@ public:
   RequestRunner& operator=(const RequestRunner&) = delete;
   ~RequestRunner();
 
-  // A request to its result.
+  // Runs a request to its result.
   Seconds run();
 
-  // Notes the JNI calls of a request; replay() makes them again, nothing else.
+  // Records the JNI calls of a request; replay() makes only these calls.
   void record();
   Seconds replay();
 
   const ShotPlan& plan() const { return mShot.plan(); }
   const JniRecording& first() const { return mFirst; }
   const JniRecording& second() const { return mSecond; }  // of a full-async request
-  // The same with a call of `handOver` in the place where the request goes to the algorithms. Synchronous
-  // only.
+  // Like replay(), and calls `handOver` where the request is submitted to the algorithms. Synchronous
+  // requests only.
   template <typename HandOver>
   void replay(HandOver&& handOver) {
     mShot.refresh();
@@ -55,7 +55,7 @@ public:
     mFirst.replay(test::env(), mHandedOver, mFirst.size());
     mReturned = Clock::now();
   }
-  // When the last call of the library, or the last replay of it, ended.
+  // The end of the library's last call, or of its last replay.
   Clock::time_point returned() const { return mReturned; }
 
   HeapUse heap();
@@ -77,7 +77,7 @@ private:
   Clock::time_point mReturned;
 };
 
-// Nothing that is logged is formatted or goes anywhere.
+// Switches the log off before anything is formatted.
 void silenceLog();
 
 }  // namespace orlu::bench

@@ -1,4 +1,4 @@
-// Small statistics over times.
+// Statistics of measured times.
 #pragma once
 
 #include <chrono>
@@ -9,10 +9,11 @@ namespace orlu::bench {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// The middle one; 0 when there is none.
+// Returns the median; 0 without values.
 double median(std::vector<double> values);
 
-// What belongs together pair by pair, so that a disturbance of the machine meets both: a / b.
+// Returns a / b for each pair. Each pair was measured together, so that a disturbance of the machine affects
+// both.
 std::vector<double> ratios(const std::vector<double>& a, const std::vector<double>& b);
 
 }  // namespace orlu::bench

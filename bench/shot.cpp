@@ -30,7 +30,7 @@ std::vector<jobject> elementsOf(jobject array) {
   return elements;
 }
 
-// The frames of a request file, read by the tool that reads them for a person too.
+// Reads the frames of a request file with the code that ./run uses.
 std::vector<jobject> sampleFrames(const std::string& sample) {
   const std::string path = std::string(ORLU_BENCH_SAMPLES) + sample;
   jobject file =
@@ -60,7 +60,7 @@ jobject sampleComposition(jobject frame) {
   return composition;
 }
 
-// A value of a tag's type that switches nothing on; null for the few types that need an object of their own.
+// A value of the tag's type that enables nothing; null for the few types that need a special object.
 jobject zeroOf(const std::string& type) {
   if (type == "INT") return test::javaInt(0);
   if (type == "LONG") return test::javaLong(0);
@@ -79,7 +79,7 @@ std::string typeName(const std::string& tag) {
   return test::stringOf(test::callObject(type, "name", "()Ljava/lang/String;"));
 }
 
-// Makes a tag known that nobody asks for, as a camera's own tags are.
+// Registers a tag that nobody reads, like a camera's private tags.
 void registerUnread(const std::string& tag) {
   constexpr char kTable[] = "android/hardware/camera2/impl/TagTable";
   constexpr char kType[] = "android/hardware/camera2/impl/TagType";
@@ -90,7 +90,7 @@ void registerUnread(const std::string& tag) {
              test::javaString(tag), integer);
 }
 
-// A report of so many tags: first those that have a meaning, then a camera's own.
+// A capture result with `tagNum` tags: known tags first, then private ones.
 jobject reportOf(int tagNum) {
   jobject report = test::newMetadata();
   jobject names = staticCall("android/hardware/camera2/impl/TagTable", "names", "()Ljava/util/Set;");
@@ -134,7 +134,7 @@ void Shot::makeCompositions() {
   addService(mCompositions.front());
 }
 
-// What the service puts into every request, tags or none.
+// Adds what the service puts into every request, with or without tags.
 void Shot::addService(jobject composition) {
   test::putKey(composition, "isFullAsync", test::javaInt(mPlan.isFullAsync ? 1 : 0));
   test::putKey(composition, "orlu.control.algoType", test::javaStrings(mPlan.algorithms));

@@ -1,5 +1,5 @@
-// The Java objects of one request, as the service would hand them over. They belong to the thread that made
-// them, and are freed with this object.
+// The Java objects of one request, as the service passes them. They belong to the thread that created them,
+// and are freed with this object.
 #pragma once
 
 #include <jni.h>
@@ -12,16 +12,16 @@
 namespace orlu::bench {
 
 struct ShotPlan {
-  std::string sample;  // the request file whose tags and images it has
-  int frames = 1;      // its frames in turn, until there are so many
+  std::string sample;  // the request file with the tags and images
+  int frames = 1;      // the sample's frames, repeated up to this number
   int inputsPerFrame = 1;
   std::vector<std::string> algorithms;
   const char* format = "NV21";
   const char* outputFormat = "JPEG";
-  bool hardwareBuffers = true;  // else shared memory
-  bool withTags = true;         // without: every tag is absent
+  bool hardwareBuffers = true;  // otherwise shared memory
+  bool withTags = true;         // otherwise every tag is absent
   bool isFullAsync = false;
-  int tagNum = -1;  // instead of the sample's: so many tags in each frame's report
+  int tagNum = -1;  // tags in each frame's capture result, instead of the sample's
 
   int images() const { return frames * inputsPerFrame + 1; }
 };
@@ -30,7 +30,7 @@ class Shot {
 public:
   explicit Shot(const ShotPlan& plan);
 
-  // Makes the compositions as good as new: what the library keeps in them is dropped.
+  // Restores the compositions: removes what the library stored in them.
   void refresh();
 
   const ShotPlan& plan() const { return mPlan; }

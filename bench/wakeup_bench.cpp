@@ -1,5 +1,5 @@
-// From the beginning of the callback to the return of processImage(), over a bare mutex and condition
-// variable between the same two threads.
+// Benchmark of the wake-up: from the start of the callback to the return of processImage(), relative to a
+// bare mutex and condition variable between the same two threads.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
@@ -15,7 +15,7 @@ namespace {
 
 Worker* gWorker = nullptr;
 
-// In the life of this object requests are answered by the worker.
+// While this object lives, the worker answers requests.
 class AnsweredByWorker {
 public:
   AnsweredByWorker() {
@@ -34,7 +34,7 @@ private:
   Worker mWorker;
 };
 
-// Asks the worker, and waits for the answer with nothing around it.
+// Asks the worker and waits for its answer, without the library.
 void waitBare(Worker& worker) {
   std::mutex mutex;
   std::condition_variable condition;
@@ -52,7 +52,7 @@ double sinceAnswer(const Worker& worker, const RequestRunner& runner) {
   return Seconds(runner.returned() - worker.answered()).count();
 }
 
-// Measures both in turn.
+// Measures both alternately.
 template <typename Request, typename Floor>
 void compare(benchmark::State& state, Request&& request, Floor&& floor, int warmUp) {
   for (int i = 0; i < warmUp; ++i) request(), floor();
@@ -71,7 +71,7 @@ void compare(benchmark::State& state, Request&& request, Floor&& floor, int warm
   state.counters["ratio"] = median(requests) / median(floors);
 }
 
-// The wait alone: from the callback to the end of waitForCallback(), no result written.
+// The wait alone: from the callback to the end of waitForCallback(), without results.
 void waitBench(benchmark::State& state, int warmUp) {
   AnsweredByWorker answered;
   AlgoNativeClient client(nullptr, 0, 0);
@@ -111,7 +111,7 @@ void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
 }  // namespace
 
 void registerWakeupBenches(const BenchSize& size) {
-  // A request without frames and compositions has no results to write: all that is left is the wake-up.
+  // A request without frames and compositions has no results, so that only the wake-up remains.
   ShotPlan bare;
   bare.frames = 0;
   const auto add = [&size](const std::string& name, const ShotPlan& plan) {

@@ -5,7 +5,7 @@
 namespace orlu::bench {
 namespace {
 
-// Long enough for the thread that asked to be asleep.
+// Long enough for the waiting thread to fall asleep.
 constexpr std::chrono::microseconds kPause(100);
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A thread that answers, as an algorithm library's does, after whoever asked has gone to sleep.
+// A thread that answers after the caller has fallen asleep, as an algorithm library's does.
 #pragma once
 
 #include <condition_variable>
@@ -17,10 +17,10 @@ public:
   Worker& operator=(const Worker&) = delete;
   ~Worker();
 
-  // Returns at once; the answer is called on the worker's thread.
+  // Returns at once; `answer` is called on the worker's thread.
   void post(std::function<void()> answer);
 
-  // When the last answer began. To be read after it is known to have ended.
+  // The start of the last answer. Read it only after that answer has finished.
   Clock::time_point answered() const { return mAnswered; }
 
 private:
@@ -31,7 +31,7 @@ private:
   std::function<void()> mAnswer;
   bool mEnds = false;
   Clock::time_point mAnswered;
-  std::thread mThread;  // last, so that it starts when all else is there
+  std::thread mThread;  // last, so that it starts after the other members are initialised
 };
 
 }  // namespace orlu::bench
