@@ -1,8 +1,8 @@
-// Sends hostile requests through the library in a Java VM: --seed N --count M. Request i is made from seed
-// N + i alone, so that "--seed S --count 1" runs one again.
+// Sends hostile requests through the library in a Java VM: --seed N --count M. Request i depends only on seed
+// N + i, so "--seed S --count 1" repeats it.
 //
-// After each of them nothing may be left behind: no exception, no parameter block, no map entry, no
-// descriptor, no global reference, no word of the VM about a JNI call.
+// After each request, nothing may be left behind: no exception, parameter block, map entry, descriptor or
+// global reference, and no complaint of the VM about a JNI call.
 
 #include <unistd.h>
 
@@ -27,7 +27,7 @@
 #include <sanitizer/common_interface_defs.h>
 #endif
 
-// The VM uses segmentation faults for its own purposes, and keeps what it allocates.
+// The VM uses segmentation faults internally and never frees some of its memory.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:detect_leaks=0:allocator_may_return_null=0";
 }
@@ -41,19 +41,19 @@ namespace {
 using test::env;
 
 constexpr unsigned kSecondsForOne = 60;
-// Requests that no callback ever comes for take ten seconds each: one of so many.
+// A request without callback takes ten seconds, so only one of this many has none.
 constexpr uint64_t kTimeoutEvery = 2'000;
 
 volatile uint64_t gSeed = 0;
 
-// Also called by signals and by sanitizers that are about to end the process.
+// Also called from signal handlers and by sanitizers before they end the process.
 void printSeed() {
   char line[80];
   const int length = std::snprintf(line, sizeof line, "\nfailed at --seed %" PRIu64 " --count 1\n", gSeed);
   if (write(STDERR_FILENO, line, static_cast<size_t>(length)) < 0) std::_Exit(1);
 }
 
-// SIGALRM: the request did not end in time.
+// SIGALRM: the request timed out.
 void onSignal(int signal) {
   printSeed();
   std::signal(signal, SIG_DFL);
@@ -68,7 +68,7 @@ void watchForDeath() {
 #endif
 }
 
-// The VM complains on descriptor 1.
+// The VM writes its complaints to descriptor 1.
 bool vmComplained() {
   static off_t read = 0;
   char text[4096] = {};
@@ -79,13 +79,13 @@ bool vmComplained() {
   return true;
 }
 
-// One request and everything around it.
+// Sends one request, with the other native calls around it.
 class HostileRequestRun {
 public:
   explicit HostileRequestRun(uint64_t seed)
       : mSeed(seed), mRandom(seed), mMode(static_cast<int>(mRandom() % 4)) {}
 
-  // The descriptors that stayed open; ends the program when something else was left.
+  // Returns the number of leaked descriptors. Ends the program if anything else leaked.
   int run() {
     mAlgo.script = hostileScript(mRandom);
     if (mSeed % kTimeoutEvery == kTimeoutEvery - 1) mAlgo.script.callbacks = 0;
@@ -128,7 +128,7 @@ private:
     callVoid(made.self, "close");
   }
 
-  // The natives that carry no images, in no order, some of them without a handle.
+  // Calls the natives without images in random order, some with handle 0.
   void sendOthers(const JavaRequest& made) {
     for (int i = 0; i < 3; ++i) {
       const int64_t inst = chance(mRandom, 10) ? 0 : mInst;
@@ -144,7 +144,7 @@ private:
     }
   }
 
-  // Bytes that no algorithm sends, from threads of both kinds.
+  // Calls back with bytes that no algorithm sends, on attached and unattached threads.
   void callBack() {
     std::vector<uint8_t> bytes(static_cast<size_t>(mRandom() % 90));
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(mRandom());
@@ -167,8 +167,8 @@ private:
     });
   }
 
-  // A synchronous request is gone by now. A full-async one is ended by a hostile request, and if that named
-  // another one, by a friendly one.
+  // Finishes a full-async request with a hostile request. If that one named another request, finishes it with
+  // a valid one. Synchronous requests are finished already.
   void finish(uint64_t id) {
     bool isFullAsync = false;
     if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(id, isFullAsync)) return;
@@ -180,7 +180,7 @@ private:
     update(friendlyRequest(id));
   }
 
-  // Inside such a frame for local references as a native method gets.
+  // Calls in a local frame, as the VM does for native methods.
   void native(const char* name, const std::function<void()>& call) {
     env()->PushLocalFrame(16);
     call();
@@ -203,7 +203,8 @@ private:
   int64_t mInst = 0;
 };
 
-// A descriptor that the VM opened for a class of its own stays once; what leaks, leaks every time.
+// Repeats the request if descriptors stayed open: the VM may open one for its own classes once, but a leak
+// happens every time.
 bool sendOne(uint64_t seed) {
   gSeed = seed;
   alarm(kSecondsForOne);

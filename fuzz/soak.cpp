@@ -1,10 +1,10 @@
-// Clients on several threads of a Java VM send many requests: --requests N --seed S. Synchronous, full-async,
-// aborted, skipped and timed-out ones are mixed, over an algorithm library that drops callbacks, doubles
-// them, sends them late, in another order and on foreign threads, throws C++ exceptions and leaves Java ones,
-// while clients end with requests in flight.
+// Soak test: clients on several threads of a Java VM send many requests: --requests N --seed S. It mixes
+// synchronous, full-async, aborted, skipped and timed-out requests. The algorithm library drops, repeats,
+// delays and reorders callbacks, sends them on unattached threads, throws C++ exceptions and leaves Java
+// exceptions pending. Clients are destroyed with requests in flight.
 //
-// Each request ends in one of five ways; the ledger compares that with its plan. At the end nothing may be
-// left, and memory must stand still.
+// Each request ends in one of five ways; the ledger compares its ending with its plan. At the end nothing may
+// be leaked, and memory must not have grown.
 
 #include <cstdlib>
 
@@ -24,7 +24,8 @@ constexpr size_t kClients = 4;
 constexpr uint64_t kRequestsOfAClient = 200;
 constexpr uint64_t kWarmUp = 2'000;
 
-// One thread: clients, one after the other. Of what is announced it ends more than it sends.
+// The body of a thread: runs clients one after another. It tries to finish more announced requests than it
+// sends.
 void sendAll(SoakShared& shared, const SoakArguments& arguments, SoakWatch& watch, uint64_t seed) {
   const test::AttachedThread attached;
   bool isMore = true;
@@ -42,12 +43,12 @@ void sendAll(SoakShared& shared, const SoakArguments& arguments, SoakWatch& watc
   }
 }
 
-// All requests, until each has ended. True when each did as planned.
+// Runs all requests until each has ended. Returns true if all ended as planned.
 bool soakClients(uint64_t seed, uint64_t requests, const std::vector<SoakArguments>& arguments,
                  SoakWatch& watch) {
   Ledger ledger(seed, requests);
   const standin::AlgoScript script = plainSoakScript(ledger);
-  // Not through test::Algo, which records every call: a long run has no memory for that.
+  // test::Algo records every call, which a long run has no memory for.
   test::setScript(&script);
   {
     SoakShared shared(ledger, seed);
@@ -82,7 +83,7 @@ int soak(uint64_t seed, uint64_t requests) {
   test::newObject("com/orlu/fuzz/Callbacks", "(Z)V", JNI_FALSE);
   std::vector<SoakArguments> arguments;
   for (size_t i = 0; i < kClients; ++i) arguments.push_back(makeSoakArguments());
-  // What is made once, is made here.
+  // Creates everything that is created only once.
   std::printf("first, to make what is made once:\n");
   SoakWatch warmUp(kWarmUp);
   bool sound = soakClients(seed + 1, kWarmUp, arguments, warmUp);
@@ -118,6 +119,6 @@ int main(int argc, char** argv) {
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::fuzz::watchLog();
   const int result = orlu::fuzz::soak(seed, requests);
-  // A callback thread that kept its local references would have been complained of.
+  // The VM would have complained about callback threads that leak local references.
   return orlu::test::jvmIsQuiet() ? result : 3;
 }

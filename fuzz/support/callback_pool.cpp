@@ -10,7 +10,7 @@
 namespace orlu::fuzz {
 namespace {
 
-// A few requests at once, so that there is an order to change.
+// Waits for a few callbacks, so that there is an order to change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

@@ -1,5 +1,4 @@
-// Callbacks that the soak sends by itself, on a thread of its own: later than the algorithm library would,
-// and in another order.
+// Sends held callbacks on its own thread: late and in random order.
 #pragma once
 
 #include <atomic>
@@ -17,8 +16,8 @@ struct HeldCallback {
   uint64_t cookie;
   uint64_t nativeReq;
   std::chrono::microseconds delay{0};
-  std::atomic<int>* pending = nullptr;  // lowered when it was sent; may be null
-  bool isWithoutMemory = false;         // meanwhile no object can be made; on an attached thread
+  std::atomic<int>* pending = nullptr;  // decremented after sending; may be null
+  bool isWithoutMemory = false;         // object creation fails during the callback; attached threads only
 };
 
 // Sends "shotCb" on the calling thread.
@@ -26,13 +25,13 @@ void sendShotCallback(uint64_t cookie, uint64_t nativeReq);
 
 class CallbackPool {
 public:
-  // The thread is attached to the Java VM or not.
+  // `isAttached`: whether the thread is attached to the Java VM.
   CallbackPool(uint64_t seed, bool isAttached);
   CallbackPool(const CallbackPool&) = delete;
   CallbackPool& operator=(const CallbackPool&) = delete;
-  ~CallbackPool();  // sends what is left
+  ~CallbackPool();  // sends the remaining callbacks
 
-  // Sends it when its delay is over and some others have come, or when no other comes for a while.
+  // Sends the callback when its delay is over and some others have arrived, or no other arrives for a while.
   void hold(const HeldCallback& callback);
 
 private:
@@ -43,10 +42,10 @@ private:
   };
 
   void run();
-  // Any of those whose time has come.
+  // Takes one of the callbacks that are due.
   bool take(HeldCallback& callback);
 
-  std::mutex mMutex;  // guards what follows
+  std::mutex mMutex;  // guards the members below
   std::condition_variable mChanged;
   std::vector<Due> mHeld;
   std::mt19937_64 mRandom;

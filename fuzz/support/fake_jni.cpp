@@ -10,7 +10,7 @@
 namespace orlu::fuzz::fake_jni {
 namespace {
 
-constexpr jsize kArrayLength = 8;  // of arrays that Java made
+constexpr jsize kArrayLength = 8;  // of arrays created by Java
 
 std::set<jobject> gLocals;
 std::set<jobject> gGlobals;
@@ -43,7 +43,7 @@ void touch(const Element* elements, size_t count) {
   for (size_t i = 0; i < count * sizeof(Element); ++i) sum = static_cast<uint8_t>(sum ^ bytes[i]);
 }
 
-// What an argument of this type must be: no null, no dead reference, no length below 0.
+// Requires a valid argument: not null, no deleted reference, no negative length.
 template <typename Argument>
 void take(Argument argument) {
   if constexpr (kIsObject<Argument>)
@@ -59,7 +59,7 @@ void enter(Arguments... arguments) {
   (take(arguments), ...);
 }
 
-// Most functions differ in their types alone. This one throws when it goes wrong, or answers null.
+// Most functions differ only in their types. This one fails by throwing or by returning null.
 template <typename Answer, typename... Arguments>
 Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
   enter(arguments...);
@@ -75,7 +75,7 @@ void mayThrow(Answer(JNICALL*& slot)(JNIEnv*, Arguments...)) {
   slot = throwing<Answer, Arguments...>;
 }
 
-// Those that never throw: what goes wrong is that there is no object, or an answer is always the same.
+// Functions that never throw. They fail by returning null or a constant.
 template <typename... Arguments>
 jobject JNICALL objectOrNull(JNIEnv*, Arguments... arguments) {
   enter(arguments...);
@@ -165,7 +165,7 @@ void fillValues(JNINativeInterface_& t) {
   t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
   t.GetObjectField = objectOrNull;
   t.GetObjectArrayElement = objectOrNull;
-  t.GetLongField = always<jlong{0}>;  // the address behind a hardware buffer: a closed one
+  t.GetLongField = always<jlong{0}>;  // the address in a hardware buffer: a closed one
   t.GetArrayLength = always<kArrayLength>;
   t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
     enter(string);

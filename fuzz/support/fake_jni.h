@@ -1,6 +1,6 @@
-// A Java environment without a VM, strict where a VM trusts its callers: it ends the process on a use of a
-// dead or null reference and on a call with an exception pending. Every object is of every class, unless the
-// choices say otherwise.
+// A JNI environment without a VM. It is strict where a VM trusts its callers: it ends the process on use of a
+// deleted or null reference, and on a call with an exception pending. Every object is an instance of every
+// class, unless the choices differ.
 #pragma once
 
 #include <jni.h>
@@ -8,13 +8,13 @@
 #include <cstddef>
 #include <cstdint>
 
-// There is one in a process.
+// One per process.
 namespace orlu::fuzz::fake_jni {
 
 JNIEnv* env();
-// One byte for each call: what it does wrong. Past the end nothing goes wrong.
+// Each byte selects how one call fails. After the last byte, all calls succeed.
 void setChoices(const uint8_t* bytes, size_t size);
-// What every method answers that answers a number.
+// The result of every method that returns a number.
 void setNumber(int32_t number);
 
 jobject newLocal();

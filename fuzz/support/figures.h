@@ -1,4 +1,4 @@
-// What a run looks at before and after, to tell what leaked.
+// Figures to compare before and after a run, to detect leaks.
 #pragma once
 
 #include <chrono>
@@ -13,8 +13,8 @@ namespace orlu::fuzz {
 using test::openDescriptors;
 using test::residentBytes;
 
-// The open descriptors, when they are `expected` within two seconds: the stand-in closes those of a request
-// only after it is done with it.
+// Returns the number of open descriptors. Waits two seconds at most until it is `expected`, because the
+// stand-in closes those of a request a little later.
 inline int settledDescriptors(int expected) {
   for (int i = 0; i < 2'000 && openDescriptors() != expected; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -22,7 +22,7 @@ inline int settledDescriptors(int expected) {
   return openDescriptors();
 }
 
-// An id that no request has: larger than every id so far.
+// Returns an id that is larger than all request ids so far.
 inline uint64_t nextRequestId() {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t id = map->create(-1, nullptr, false);
@@ -30,7 +30,7 @@ inline uint64_t nextRequestId() {
   return id;
 }
 
-// Requests between two such ids that the map still holds.
+// The number of requests with ids from `first` to `last` that are still in the map.
 inline int entriesBetween(uint64_t first, uint64_t last) {
   int count = 0;
   for (uint64_t id = first; id < last; ++id) {

@@ -1,4 +1,4 @@
-// Scripts for the stand-in algorithm library that make it misbehave.
+// Scripts that make the stand-in algorithm library misbehave.
 #pragma once
 
 #include <random>
@@ -20,7 +20,7 @@ inline uint32_t hostileWord(Random& random) {
   return chance(random, 70) ? kWords[random() % std::size(kWords)] : static_cast<uint32_t>(random());
 }
 
-// Words of hostile numbers, cut to any length about the value's own.
+// Hostile numbers, cut to a length near the value's own.
 inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& value) {
   const size_t sizes[] = {0, 1, value.size - 1, value.size, value.size, value.size + 1, 100'000};
   standin::ScriptedValue scripted = {value.section, value.key, {}};
@@ -34,7 +34,8 @@ inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& va
   return scripted;
 }
 
-// What is missing must not make the request wait for a callback that can't come: the last ones stay.
+// The operations of the last line are never missing: without them the request would wait for a callback that
+// can't arrive.
 // clang-format off
 constexpr const char* kOperations[] = {
     "init", "uninit", "getData", "flush", "command", "translateParamFile", "createClient", "createMetadata",

@@ -1,4 +1,4 @@
-// The arguments of the native methods as HostileRequest.java makes them. Objects are local references.
+// The arguments of the native methods, made by HostileRequest.java. Objects are local references.
 #pragma once
 
 #include "fixtures.h"
@@ -15,7 +15,7 @@ struct JavaRequest {
   jobject sharedMemory;
 };
 
-// `mode` as HostileRequest.java says; `address` goes into the first composition.
+// See HostileRequest.java for `mode`; `address` is stored in the first composition.
 inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
   jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
                                  static_cast<jlong>(address));
@@ -29,7 +29,7 @@ inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
           field("sharedMemory")};
 }
 
-// One with nothing wrong, to end the request behind `address`.
+// Returns a valid request that finishes the one at `address`.
 inline JavaRequest friendlyRequest(uint64_t address) {
   jobject composition = test::newComposition();
   test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));

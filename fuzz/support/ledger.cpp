@@ -18,7 +18,7 @@ const char* nameOf(Ending ending) {
   return kEndingNames[static_cast<size_t>(ending)];
 }
 
-// A column's width, with the blanks before it.
+// The width of a column including the blanks before it.
 int widthOf(size_t column) {
   return std::max(8, static_cast<int>(std::strlen(kEndingNames[column]))) + 2;
 }
@@ -56,7 +56,7 @@ Ending Ledger::ending(uint64_t request) const {
   if (seen.returned != 1 || seen.ended != 1 || seen.processed > 1 || seen.timedOut > 1 || seen.lostBlock) {
     return Ending::kNone;
   }
-  // Java hears of a full-async request alone, and nobody waits for one.
+  // Only full-async requests are announced to Java, and only synchronous ones are waited for.
   if (isAsync ? seen.timedOut != 0 : seen.announced.load()) return Ending::kNone;
   if (seen.processed == 0) {
     return seen.timedOut != 0 || isAsync != seen.announced ? Ending::kNone : Ending::kSkipped;

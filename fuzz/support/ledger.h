@@ -1,5 +1,5 @@
-// What became of each request, as independent witnesses saw it: the operations that the algorithm library was
-// asked for, the Java side, the log, and the thread that sent it.
+// Records the ending of each request, observed independently by the algorithm library, the Java side, the log
+// and the sending thread.
 #pragma once
 
 #include <array>
@@ -15,13 +15,13 @@ namespace orlu::fuzz {
 
 class Ledger {
 public:
-  // For requests 0 to `requests` - 1.
+  // For the requests 0 to `requests` - 1.
   Ledger(uint64_t seed, uint64_t requests);
 
   SoakPlan plan(uint64_t request) const { return soakPlan(mSeed, request); }
   const SoakWay& way(uint64_t request) const { return kSoakWays[plan(request).way]; }
 
-  // What was seen. Safe from any thread. The block is the request's parameter block.
+  // Record an observation. Thread-safe. The block is the request's parameter block.
   void sawBlock(uint64_t request, void* block);
   void sawBlockDestroyed(void* block);
   void sawProcess(uint64_t request) {
@@ -33,8 +33,8 @@ public:
   void sawReturn(uint64_t request) { ++mSeen[request].returned; }
   void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
 
-  // Prints a row for each way, and how the first few requests ended that should have ended otherwise. True
-  // when there was none, and every request is in a column.
+  // Prints a row per way, and the first few requests with the wrong ending. Returns true if there are none,
+  // and every request is in a column.
   bool print() const;
 
 private:
@@ -44,8 +44,8 @@ private:
     std::atomic<uint8_t> returned{0};
     std::atomic<uint8_t> ended{0};
     std::atomic<bool> isInProcess{false};
-    std::atomic<bool> lostBlock{false};  // it was destroyed while process() worked with it
-    std::atomic<bool> announced{false};  // a callback that comes twice is announced twice
+    std::atomic<bool> lostBlock{false};  // destroyed while process() used it
+    std::atomic<bool> announced{false};  // also true after two callbacks
   };
   using Counts = std::array<uint64_t, kEndings>;
 
@@ -55,7 +55,7 @@ private:
   const uint64_t mSeed;
   const uint64_t mRequests;
   const std::unique_ptr<Seen[]> mSeen;
-  std::mutex mMutex;  // guards what follows
+  std::mutex mMutex;  // guards the members below
   std::unordered_map<void*, uint64_t> mBlocks;
 };
 

@@ -1,4 +1,4 @@
-// The options of these programs: names with a number each.
+// Command-line options of the fuzzers: names with a number.
 #pragma once
 
 #include <getopt.h>
@@ -26,7 +26,7 @@ struct NumberOption {
   std::exit(2);
 }
 
-// Reads the command line. Ends the program with status 2 and a line of usage when it has anything else.
+// Parses the command line. If it contains anything else, prints the usage and exits with 2.
 inline void readNumbers(int argc, char** argv, const std::vector<NumberOption>& options) {
   std::vector<option> known;
   for (const NumberOption& option : options) known.push_back({option.name, required_argument, nullptr, 0});

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes valid files to mutate, a folder for each form and example: reader_seeds.py ROOT SEEDS"""
+"""Writes valid files to mutate, in a folder per form and example: reader_seeds.py ROOT SEEDS"""
 
 import json
 import shutil
@@ -16,7 +16,7 @@ ROWS = [[(x * 37 + y * 101) % 1024 for x in range(32)] for y in range(24)]
 
 
 def small(name):
-    """A sample with small frames, which may be a list of the camera's own."""
+    """Returns a sample with small frames. Frames may be a list of the camera's own."""
     request = json.loads((root / f"samples/{name}.json").read_text())
     request["frames"] |= {"width": 64, "height": 48, "shift": 0}
     return request
@@ -31,7 +31,7 @@ def example(form, name, **files):
     return folder
 
 
-# Requests, recordings of them, and the JPEG that one results in.
+# Requests, their recordings, and the JPEG of one of them.
 work = seeds / "work"
 for name in RECORDED:
     folder = example("work", name, request__json=small(name))

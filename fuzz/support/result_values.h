@@ -1,6 +1,5 @@
-// The values that the result half of a request reads from its parameter set, with the bytes of each, and the
-// algorithms that it looks for: CMake makes both lists of the table of parameters and of the library's
-// sources.
+// The values that result translation reads from the parameter set, with their sizes, and the algorithms that
+// it looks for. CMake generates both lists from the table of parameters and the library's sources.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +20,8 @@ constexpr const char* kResultAlgorithms[] = {
 #include "result_algorithms.inc"
 };
 
-// A name in a byte of an input. It says nothing of the name's place in its list, so that a longer list leaves
-// the inputs of a corpus what they are.
+// Maps a name to a byte of an input. It doesn't depend on the name's index, so that adding names keeps the
+// inputs of a corpus valid.
 constexpr uint8_t nameByte(const char* name) {
   uint32_t hash = 2166136261U;
   for (; *name != '\0'; ++name) hash = (hash ^ static_cast<uint8_t>(*name)) * 16777619U;

@@ -26,7 +26,7 @@ std::chrono::nanoseconds nanosecondsOf(const timespec& time) {
 
 }  // namespace
 
-// The linker's names for what it puts before a function, and for the function.
+// The names that the linker uses for the wrapper and for the wrapped function.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 

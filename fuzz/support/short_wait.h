@@ -1,11 +1,11 @@
-// A clock of the soaks' own, so that the wait for a callback that never comes takes ten milliseconds.
+// Shortens the timeout of a missing callback to ten milliseconds.
 #pragma once
 
 namespace orlu::fuzz {
 
-// While one lives, its thread's timed waits on a condition variable end after a thousandth of their time, and
-// the thread's steady clock then shows the time that they should have taken. The programs' linker puts these
-// functions before the system's (--wrap), for the library and the program alike.
+// While an object exists, its thread's timed waits on condition variables take a thousandth of their time,
+// and the thread's steady clock advances by the full time. The linker option --wrap replaces these functions
+// in the library and the program.
 class ShortWait {
 public:
   ShortWait();

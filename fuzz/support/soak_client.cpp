@@ -13,25 +13,25 @@
 
 namespace orlu::fuzz {
 
-// The request that this thread sends, for what is called meanwhile on this thread.
+// The request that this thread is sending, for functions called on this thread meanwhile.
 struct Current {
   uint64_t request;
-  CallbackPool* pool = nullptr;  // that calls back for it; null when none does before processImage() returns
-  HeldCallback callback = {};    // complete once the library was asked
+  CallbackPool* pool = nullptr;  // sends its callback; null if none is sent before processImage() returns
+  HeldCallback callback = {};    // complete after the library received the request
   bool hasBlock = false;
-  void* cameraBlock = nullptr;  // destroyed as soon as process() has returned
+  void* cameraBlock = nullptr;  // destroyed when process() has returned
 };
 
 namespace {
 
 constexpr int64_t kFrameFlag = 77;
-constexpr int kFlushes = 10;  // of which each waits for two seconds at most
+constexpr int kFlushes = 10;  // each waits two seconds at most
 constexpr jint kLocalReferences = 16;
-constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; the time-out comes after half of them
+constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; the timeout is at half of it
 constexpr char kCallbacksClass[] = "com/orlu/fuzz/Callbacks";
 
 thread_local Current* tCurrent = nullptr;
-// What the library's end of this thread's client calls back for.
+// Callbacks that the library sends while it destroys this thread's client.
 thread_local const std::vector<HeldCallback>* tInDestroyClient = nullptr;
 
 jobject kept(jobject local) {
@@ -50,7 +50,7 @@ jobject compositionsOf(SoakKind kind) {
   return kept(test::javaList({composition}));
 }
 
-// Between the library and the stand-in: which block is the request's, what it was asked for, what it frees.
+// Observes the calls to the stand-in: the request's block, its operations, and the blocks that it frees.
 void observe(Ledger& ledger, const standin::AlgoCall& call) {
   if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(call.block);
   if (call.operation == "destroyClient" && tInDestroyClient != nullptr) {
@@ -73,7 +73,7 @@ void observe(Ledger& ledger, const standin::AlgoCall& call) {
   }
 }
 
-// The callback for this request will throw in Java.
+// Makes the callback of this request throw in Java.
 void throwFor(uint64_t request) {
   const test::LocalFrame frame;
   test::callStatic(kCallbacksClass, "throwFor", "(J)V", static_cast<jlong>(request));
@@ -226,7 +226,7 @@ void SoakClient::finish(uint64_t request, const SoakWay& way, const HeldCallback
   }
 }
 
-// It comes before this client's end.
+// The callback is sent before this client is destroyed.
 void SoakClient::hold(HeldCallback callback, bool isWithoutMemory) {
   callback.pending = &mPending;
   callback.isWithoutMemory = isWithoutMemory;
@@ -259,7 +259,7 @@ void SoakClient::end(int64_t address) {
                                              mArguments.images, compositions);
 }
 
-// Java has not heard of the request, but knows the id.
+// Finishes a request that was not announced to Java, but whose id Java knows.
 void SoakClient::finishByName(uint64_t nativeReq) {
   bool isKnown = true;
   for (int i = 0; i < kFlushes && isKnown; ++i) {

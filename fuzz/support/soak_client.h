@@ -1,5 +1,5 @@
-// One client of the soak, on a thread of its own that is attached to the Java VM: sends requests as their
-// plans say, and ends what was announced.
+// A client of the soak, on its own thread that is attached to the Java VM: sends requests as planned, and
+// finishes announced ones.
 #pragma once
 
 #include <jni.h>
@@ -17,18 +17,18 @@ namespace orlu::fuzz {
 
 struct Current;
 
-// What the soak's threads share.
+// State shared by the soak's threads.
 struct SoakShared {
   Ledger& ledger;
   CallbackPool attached;
   CallbackPool foreign;
-  CallbackPool racing;  // attached; its callbacks wait for their time
+  CallbackPool racing;  // attached; its callbacks wait for their delay
 
   SoakShared(Ledger& itsLedger, uint64_t seed)
       : ledger(itsLedger), attached(seed, true), foreign(seed + 1, false), racing(seed + 2, true) {}
 };
 
-// What the threads send, as global references.
+// Arguments of the requests, as global references.
 struct SoakArguments {
   jobject images;
   jobject abort;
@@ -36,23 +36,23 @@ struct SoakArguments {
 };
 SoakArguments makeSoakArguments();
 
-// What the library is scripted to do besides: nothing but to say what it is asked for.
+// The stand-in's basic script: no algorithms run, and the ledger observes each operation.
 standin::AlgoScript plainSoakScript(Ledger& ledger);
 
 class SoakClient {
 public:
-  // A new one; `seed` says when it races and how it ends.
+  // Creates a client; `seed` decides when it races and how it ends.
   SoakClient(SoakShared& shared, const SoakArguments& arguments, uint64_t seed);
   SoakClient(const SoakClient&) = delete;
   SoakClient& operator=(const SoakClient&) = delete;
-  ~SoakClient();  // with requests in flight
+  ~SoakClient();  // destroys the client with requests in flight
 
   void send(uint64_t request);
-  // Ends one request that was announced, this client's or another's. False when there is none.
+  // Finishes one announced request of any client. Returns false if there is none.
   bool endOne();
 
 private:
-  // Whether it timed out.
+  // Returns whether it timed out.
   bool processImage(Current& current, const SoakWay& way);
   void finish(uint64_t request, const SoakWay& way, const HeldCallback& callback);
   void hold(HeldCallback callback, bool isWithoutMemory = false);
@@ -66,7 +66,7 @@ private:
   const standin::AlgoScript mPlain;
   std::mt19937_64 mRandom;
   const int64_t mInst;
-  std::atomic<int> mPending{0};  // callbacks of the pools that come before this client's end
+  std::atomic<int> mPending{0};  // callbacks in the pools that must be sent before this client is destroyed
   std::vector<HeldCallback> mLate;
   std::vector<HeldCallback> mRacing;
   std::vector<HeldCallback> mInDestroyClient;

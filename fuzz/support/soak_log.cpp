@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint64_t kUnexpectedShown = 10;
 
-// An error line that the plans ask for.
+// An error line that the plans cause.
 struct Expected {
   const char* part;
   const char* name;
@@ -32,7 +32,7 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// Missing tags are no news: these requests carry few.
+// Ignores missing tags, because these requests carry few.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

@@ -1,14 +1,14 @@
-// What the library logs while it is soaked: this shows that the plans really did to it what they say.
+// Counts log lines during the soak, to prove that the plans have their intended effect.
 #pragma once
 
 namespace orlu::fuzz {
 
-// From now on lines are counted, and go nowhere else.
+// Counts lines from now on and discards them.
 void watchLog();
-// Requests of this thread that timed out since the last call.
+// Returns and clears the number of timed-out requests of this thread.
 int takeTimeouts();
-// Prints the counts since the last call. Error lines that no plan asks for are shown as they come, the first
-// few; false when there was one.
+// Prints and clears the counts. Returns false if there were error lines that no plan causes; the first few
+// are printed when they are logged.
 bool printLogged();
 
 }  // namespace orlu::fuzz

@@ -1,5 +1,5 @@
-// What the soak does with each of its requests, and how that one must end. Both follow from the soak's seed
-// and the request's number alone, before anything is sent.
+// The plan of each request of the soak, and its expected ending. Both depend only on the soak's seed and the
+// request's number.
 #pragma once
 
 #include <cstddef>
@@ -9,11 +9,11 @@
 namespace orlu::fuzz {
 
 enum class Ending : uint8_t {
-  kAnswered,     // a synchronous request that its callback woke
-  kTimedOut,     // one that no callback woke
-  kSkipped,      // one that the library was never asked for
-  kAnnounced,    // a full-async one that Java heard of, and ended
-  kUnannounced,  // one that Java did not hear of: finished by its id, or with its client
+  kAnswered,     // synchronous, woken by its callback
+  kTimedOut,     // synchronous, without a callback in time
+  kSkipped,      // never submitted to the library
+  kAnnounced,    // full-async, announced to Java and finished by it
+  kUnannounced,  // full-async, not announced: finished by its id or with its client
   kNone          // none of these, or several
 };
 constexpr size_t kEndings = 6;
@@ -32,23 +32,23 @@ constexpr bool isSkipped(SoakKind kind) {
 enum class SoakCallbacks : uint8_t {
   kOnce,
   kTwice,
-  kBeforeReturn,     // on the thread that asks, inside process()
-  kForeign,          // on a thread that the VM does not know
-  kReordered,        // on a thread of the soak's own, in any order
-  kReorderedAway,    // on one that the VM does not know
-  kDropped,          // none
-  kLate,             // when the request timed out, or when its client is gone
-  kRacing,           // about when the request times out, or while its client ends
+  kBeforeReturn,     // on the calling thread, inside process()
+  kForeign,          // on an unattached thread
+  kReordered,        // on the soak's own attached thread, in random order
+  kReorderedAway,    // on the soak's own unattached thread, in random order
+  kDropped,          // not sent
+  kLate,             // after the request timed out or its client was destroyed
+  kRacing,           // near the timeout, or while the client is being destroyed
   kInDestroyClient,  // by the library, while it destroys its client
-  kAfterFinish,      // when Java, which guessed the id, has finished the request
-  kFinishOnly,       // none: Java finishes the request, and the client's end destroys its block
+  kAfterFinish,      // after Java, which guessed the id, has finished the request
+  kFinishOnly,       // not sent: Java finishes the request, and the client's destruction destroys its block
   kThrowing,         // and the call into Java throws
-  kWithoutMemory     // and there is no memory for the map for Java, who finishes the request by its id
+  kWithoutMemory     // and the map for Java can't be allocated; Java finishes the request by its id
 };
 
 // A row of the ledger.
 struct SoakWay {
-  unsigned share;  // of a thousand requests
+  unsigned share;  // per thousand requests
   const char* name;
   SoakKind kind;
   SoakCallbacks callbacks;
@@ -88,10 +88,10 @@ constexpr SoakWay kSoakWays[] = {
   { 10, "  no memory to announce",  Kind::kFullAsync,   Calls::kWithoutMemory,   End::kUnannounced},
 };
 
-// One row for each operation that misbehaves when its work is done.
+// Operations that misbehave after their work.
 struct SoakFault {
   const char* operation;
-  bool isJava;  // it leaves a Java exception; else it throws a C++ one
+  bool isJava;  // leaves a Java exception pending; otherwise throws a C++ one
 };
 constexpr SoakFault kSoakFaults[] = {
   {"process",  false}, {"process",  true},
@@ -103,7 +103,7 @@ constexpr SoakFault kSoakFaults[] = {
   {"callback", true},
   {"paramSystemDownloadToAlgo", false}, {"paramAlgoUpdateToSystem", true},
 };
-// The same at a client's end.
+// Operations that misbehave while a client is being destroyed.
 constexpr SoakFault kSoakEndFaults[] = {
   {"flush",         false}, {"flush",         true},
   {"uninit",        false}, {"uninit",        true},
@@ -111,13 +111,13 @@ constexpr SoakFault kSoakEndFaults[] = {
 };
 // clang-format on
 
-// Where two things race, another ending is as good; none anywhere else.
+// The other allowed ending of a race; kNone for all other ways.
 constexpr Ending otherEnding(const SoakWay& way) {
   if (way.callbacks != SoakCallbacks::kRacing) return Ending::kNone;
   return isFullAsync(way.kind) ? Ending::kUnannounced : Ending::kTimedOut;
 }
 
-// Even bits from uneven ones (SplitMix64).
+// Mixes the bits of a number (SplitMix64).
 constexpr uint64_t mixed(uint64_t value) {
   value += 0x9E3779B97F4A7C15;
   value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9;

@@ -1,4 +1,4 @@
-// The soak's progress, and what it prints at its end.
+// Shows the soak's progress and prints the final figures.
 #pragma once
 
 #include <malloc.h>
@@ -22,7 +22,7 @@ inline bool same(const char* what, int before, int after) {
   return before == after;
 }
 
-// Whether the stand-in holds what it held before, and the map no request from `firstId` on.
+// Whether the stand-in's resources are as before and the map contains no request from `firstId` on.
 inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   const standin::AlgoCounts after = test::Algo::counts();
   bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);
@@ -32,19 +32,19 @@ inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   return same("entries of the map", 0, entriesBetween(firstId, nextRequestId())) && sound;
 }
 
-// Counts the requests, and looks at memory at each tenth of them.
+// Counts requests and samples memory after each tenth of them.
 class SoakWatch {
 public:
   explicit SoakWatch(uint64_t requests) : mRequests(requests) {}
 
-  // Called by the soak's threads: the next request's number. None when enough were asked for.
+  // Called by the soak's threads. Returns the next request's number; none after the last one.
   std::optional<uint64_t> next() {
     const uint64_t request = mStarted.fetch_add(1);
     return request < mRequests ? std::optional(request) : std::nullopt;
   }
   void done() { mDone.fetch_add(1); }
 
-  // Until all are done.
+  // Shows progress until all requests are done.
   void watch() {
     for (uint64_t tenth = 0; tenth <= 10; ++tenth) {
       while (mDone.load() < mRequests * tenth / 10) std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -55,8 +55,8 @@ public:
     }
   }
 
-  // Prints the slopes over the second half, when everything that is made once was made. False when memory
-  // that was allocated did not stand still.
+  // Prints the growth over the second half, after all one-time allocations. Returns false if allocated memory
+  // grew.
   bool memoryStoodStill() const {
     const Point& first = mPoints[mPoints.size() / 2];
     const Point& last = mPoints.back();
@@ -64,7 +64,7 @@ public:
     const auto grown = static_cast<double>(last.allocated - first.allocated);
     std::printf("slope of the second half: resident %.2f, allocated %.2f bytes for each request\n",
                 static_cast<double>(last.resident - first.resident) / requests, grown / requests);
-    // The VM's own buffers come and go.
+    // The VM's own buffers vary.
     constexpr double kNoise = 1024.0 * 1024.0;
     constexpr double kBytesForEach = 4.0;
     return grown <= kNoise + kBytesForEach * requests;

@@ -1,4 +1,4 @@
-// What the libFuzzer targets share.
+// Shared by the libFuzzer targets.
 #pragma once
 
 #include <cstddef>
@@ -19,19 +19,19 @@ inline void require(bool holds) {
   if (!holds) std::abort();
 }
 
-// Takes an input apart from its front.
+// Consumes an input from its front.
 class Input {
 public:
   Input(const uint8_t* data, size_t size) : mRest(reinterpret_cast<const char*>(data), size) {}
 
   const std::string_view& rest() const { return mRest; }
-  // As many bytes as there are, at most `most`.
+  // Returns at most `most` bytes; fewer at the end of the input.
   std::string text(size_t most) {
     std::string bytes(mRest.substr(0, most));
     mRest.remove_prefix(bytes.size());
     return bytes;
   }
-  // 0 past the end.
+  // Returns 0 past the end.
   uint8_t byte() { return static_cast<uint8_t>(*text(1).c_str()); }
 
 private:

@@ -1,4 +1,4 @@
-// The helpers for algorithm lists, with names of any bytes.
+// Fuzz target: the functions for algorithm lists, with arbitrary names.
 
 #include "algo_list.h"
 

@@ -1,4 +1,5 @@
-// A callback of any bytes, at a client that knows no Java. Two requests with the ids 0 and 1 are in the map.
+// Fuzz target: a callback with arbitrary bytes, to a client without Java. The map contains two requests with
+// the ids 0 and 1.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
@@ -14,7 +15,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     orlu::AlgoNativeRequestMap::getInstance()->create(8, nullptr, true);
     return new orlu::AlgoNativeClient(nullptr, 1, 2);
   }();
-  // A copy of just this size, so that a read past its end is seen.
+  // A copy of exactly this size, so that a read past its end is detected.
   const hidl_vec<uint8_t> bytes(std::vector<uint8_t>(data, data + size));
   client->onPostProcessData(bytes, {}, hidl_vec<hidl_handle>(std::vector<hidl_handle>(size % 3)));
   return 0;

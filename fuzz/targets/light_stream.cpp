@@ -1,4 +1,5 @@
-// The payload of a light-stream callback, whole and cut, in a Java environment where any call may fail.
+// Fuzz target: the payload of a light-stream callback, whole and cut, in a JNI environment where any call may
+// fail.
 
 #include "algo_native_client.h"
 #include "fake_jni.h"

@@ -1,5 +1,5 @@
-// Result translation of values of any bytes and sizes in the parameter set, for any number of frames, in a
-// Java environment where any call may fail.
+// Fuzz target: result translation of values with arbitrary bytes and sizes, for any number of frames, in a
+// JNI environment where any call may fail.
 
 #include "result_values.h"
 #include "algo_native_client.h"
@@ -17,7 +17,7 @@ using orlu::fuzz::nameByte;
 
 namespace {
 
-// The algorithms: how many bytes, and one for each name.
+// Reads the algorithms: their number, then a byte per name.
 std::vector<std::string> algorithmList(Input& input) {
   const std::string bytes = input.text(input.byte());
   std::vector<std::string> list;
@@ -27,8 +27,8 @@ std::vector<std::string> algorithmList(Input& input) {
   return list;
 }
 
-// The values: how many, and for each the byte of its name, one for its size, and one that all its bytes are
-// or, in a short value, that it begins with.
+// Reads the values: their number, then for each one a byte for its name, one for its kind, and its bytes or
+// the byte that fills it.
 void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
   for (int left = input.byte(); left > 0; --left) {
     const uint8_t name = input.byte();
