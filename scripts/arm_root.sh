@@ -1,23 +1,23 @@
 # shellcheck shell=bash
-# A private root with Debian's 32-bit ARM JVM and the libraries that the build links:
-# fetched and unpacked once, into the user's cache folder. Nothing of it is installed on this machine, nothing
-# in it is ever started without the emulator, and none of it needs root. To be sourced after lib.sh.
+# A private root with Debian's 32-bit ARM JVM and the libraries that the build links. It is downloaded and
+# unpacked once, into the user's cache folder. Nothing is installed on this machine, its programs only run
+# under the emulator, and root is not needed. Source this file after lib.sh.
 
-# What the root holds, with what it depends on; a change makes a new root.
+# The packages in the root, without their dependencies. A change creates a new root.
 readonly arm_root_packages=(
   openjdk-17-jre-headless libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev libgtest-dev libstdc++6
   libc++-14-dev libc++abi-14-dev
 )
 
-# arm_root_path: prints where the root is, or will be.
+# arm_root_path: prints the path of the root, whether it exists or not.
 arm_root_path() {
   local key
   key=$(printf '%s ' "${arm_root_packages[@]}" | cksum)
   printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-${key%% *}"
 }
 
-# arm_apt FOLDER COMMAND...: apt-get for armhf alone, from the sources that this machine has, with its state
-# and its cache below FOLDER.
+# arm_apt FOLDER COMMAND...: runs apt-get for armhf only, with this machine's sources, and with its state and
+# cache below FOLDER.
 arm_apt() {
   local work=$1
   shift
@@ -27,12 +27,12 @@ arm_apt() {
     -o Dir::State="$work/state" -o Dir::State::status="$work/status" -o Dir::Cache="$work/cache" "$@"
 }
 
-# unpack_arm_root FOLDER ROOT: fetches the packages and unpacks them into ROOT.
+# unpack_arm_root FOLDER ROOT: downloads the packages and unpacks them into ROOT.
 unpack_arm_root() {
   local work=$1 target=$2 archive
   mkdir -p "$target" "$work/state/lists/partial" "$work/cache/archives/partial"
   : >"$work/status"
-  # A source without armhf costs a warning only; a package that then is not there stops the next step.
+  # A source without armhf only causes a warning here; if a package is then missing, the next step fails.
   arm_apt "$work" update >"$work/update.log" 2>&1 || true
   if ! arm_apt "$work" -y --download-only install "${arm_root_packages[@]}" >"$work/install.log" 2>&1; then
     cat "$work/update.log" "$work/install.log" >&2
@@ -44,7 +44,7 @@ unpack_arm_root() {
   make_links_relative "$target"
 }
 
-# make_links_relative ROOT: links that name a place from the top would lead out of the root.
+# make_links_relative ROOT: converts absolute links, which would lead out of the root.
 make_links_relative() {
   local link
   while IFS= read -r -d '' link; do
@@ -52,8 +52,8 @@ make_links_relative() {
   done < <(find "$1" -type l -lname '/*' -print0)
 }
 
-# fetch_arm_root: makes the root unless it is there. It appears under its name when it is whole; what an
-# interrupted fetch left is thrown away. Two at a time wait for each other.
+# fetch_arm_root: makes the root if it is missing. It is renamed when complete; the remains of an interrupted
+# download are deleted. Concurrent calls wait for each other.
 fetch_arm_root() {
   local path work lock
   path=$(arm_root_path)
@@ -74,7 +74,7 @@ fetch_arm_root() {
   exec {lock}>&-
 }
 
-# prepare_arm: installs the cross compiler and the emulator, fetches the root, and names it for CMake.
+# prepare_arm: installs the cross compiler and the emulator, makes the root, and passes its path to CMake.
 prepare_arm() {
   install_missing "to build and run the 32-bit ARM library" "${arm_packages[@]}"
   fetch_arm_root

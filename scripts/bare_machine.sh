@@ -1,13 +1,12 @@
 #!/bin/bash
-# Tries commands of this project on a bare Debian 12: a minimal root with nothing installed, a clean clone of
-# what is committed, and an empty environment. A command that fails, or a picture that is missing, fails this
-# one.
+# Runs commands of this project on a bare Debian 12: a minimal root without other packages, a clean clone of
+# the last commit, and an empty environment. Fails if a command fails or a picture is missing.
 #   scripts/bare_machine.sh              ./run and then ./test
-#   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in a root of its own
+#   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in its own root
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
-#                                        a root for each argument, with the commands in it
-# Needs root, since it mounts /proc and /dev there. They are mounted in a mount namespace that ends with its
-# last process, so that nothing stays mounted, and nothing is mounted where the root is deleted.
+#                                        one root per argument, which holds the commands
+# Needs root to mount /proc and /dev. The mounts are in a private mount namespace, which disappears with its
+# last process. So nothing stays mounted, and nothing is mounted when the root is deleted.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"
@@ -15,13 +14,13 @@ source "$root/scripts/lib.sh"
 readonly release=bookworm
 readonly first_commands='./run; ./test'
 readonly further_commands=(fuzz/all 'bench/run --quick' './test --arm')
-# The minimal root as it was downloaded; made again after a month.
+# The minimal root as downloaded; replaced after a month.
 readonly archive=${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/$release-minbase.tar
 
 work=
 child=
 
-# clean_up: ends what still runs in the root, whose mounts go with it, and deletes the root.
+# clean_up: kills the processes in the root, which unmounts everything, and deletes the root.
 clean_up() {
   trap '' INT TERM
   if [ -n "$child" ]; then
@@ -30,7 +29,7 @@ clean_up() {
   fi
   local attempt
   for attempt in 1 2 3 4 5; do
-    # What was killed may still be ending, and writing.
+    # Killed processes may still be exiting and writing.
     if [ -z "$work" ] || rm -rf --one-file-system "$work"; then
       return
     fi
@@ -38,8 +37,8 @@ clean_up() {
   done
 }
 
-# isolated COMMAND...: runs it with mounts and processes of its own, all of which end with it, and with this
-# script.
+# isolated COMMAND...: runs the command in its own mount and process namespaces. All of its processes exit with
+# it, and with this script.
 isolated() {
   setpriv --pdeathsig KILL unshare --mount --propagation private --pid --fork --kill-child "$@" &
   child=$!
@@ -49,14 +48,14 @@ isolated() {
   return "$status"
 }
 
-# mirror: prints where this machine has the release from.
+# mirror: prints the URL of this machine's package source.
 mirror() {
   # shellcheck disable=SC2016 # apt-get's words, not the shell's
   apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
     sed -n "s/^$release main //p" | head -n 1
 }
 
-# fetch_archive: downloads the minimal root unless it is there. It appears under its name when it is whole.
+# fetch_archive: downloads the minimal root if it is missing, and renames it when complete.
 fetch_archive() {
   local from
   if [ -n "$(find "$archive" -mtime -30 2>/dev/null)" ]; then
@@ -75,8 +74,8 @@ fetch_archive() {
   rm -rf --one-file-system "$work/minimal"
 }
 
-# take_over_sources ROOT: package sources, their keys and apt's settings, as this machine has them. Settings
-# that start programs stay here, since the programs do.
+# take_over_sources ROOT: copies this machine's package sources, their keys and apt's settings. Settings that
+# start programs are left out, because the root lacks these programs.
 take_over_sources() {
   local file
   rm -rf "$1"/etc/apt/sources.list*
@@ -90,7 +89,7 @@ take_over_sources() {
   cp -L /etc/resolv.conf /etc/hosts "$1/etc/"
 }
 
-# make_root ROOT: a fresh copy of the minimal root with a clean clone in it.
+# make_root ROOT: makes a fresh copy of the minimal root with a clean clone in it.
 make_root() {
   mkdir "$1"
   tar -C "$1" --numeric-owner -xf "$archive"
@@ -98,7 +97,7 @@ make_root() {
   git -c safe.directory='*' clone -q --no-hardlinks "$root" "$1/vas"
 }
 
-# in_root ROOT COMMAND: runs a shell command in the clone. Of this machine's environment it has the proxies.
+# in_root ROOT COMMAND: runs a shell command in the clone, with only the proxies of this machine's environment.
 in_root() {
   # shellcheck disable=SC2016 # the inner shell expands these
   isolated sh -ec '
@@ -109,8 +108,8 @@ in_root() {
       sh -c "cd /vas && $2"' sh "$1" "$2"
 }
 
-# try_commands NUMBER COMMANDS: tries them one after another in a root; a line for each goes into the file
-# times.
+# try_commands NUMBER COMMANDS: runs the commands one after another in a root, and appends a line for each to the
+# file "times".
 try_commands() {
   local place=$work/root$1 command commands status
   make_root "$place"

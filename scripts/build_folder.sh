@@ -1,24 +1,24 @@
 # shellcheck shell=bash
-# Keeps a preset's folder below build/ up to date. Sourced by lib.sh.
+# Keeps the build folder of a preset up to date. Sourced by lib.sh.
 #
-# Ninja finds what changed, and runs CMake again when one of its files did. What Ninja does not see is
-# compared here, with what the last build left in the folder:
-#   setup.txt      the checkout's place, the presets and the switches that CMake was run with
-#   packages.txt   the versions of what compiles and of what is compiled in
-#   built          its date is the start of the last build that went well
-#   build.log      what CMake and Ninja said
+# Ninja detects changed files, and runs CMake again if one of its files changed. Everything else is compared
+# here with files that the last build left in the folder:
+#   setup.txt      path of the checkout, presets and options of CMake
+#   packages.txt   versions of the packages that compile or are compiled in
+#   built          its date is the start of the last successful build
+#   build.log      output of CMake and Ninja
 
-# The packages whose files go into what is built: compilers, the JDK, headers and jars.
+# Packages with files that go into the build: compilers, the JDK, headers and jars.
 readonly libraries='(lib(c\+\+|stdc\+\+|c6|clang-rt|exif|raw|turbojpeg|gtest|benchmark)|nlohmann-json3)[^ ]*-dev[^ ]*'
 readonly compiled_in="^(cmake|g\\+\\+[^ ]*|clang(-[0-9]+)?|openjdk-17-j[dr][ek]-headless|libjackson2-core-java|$libraries) "
 
-# start_afresh FOLDER REASON: says so, and throws away what was built.
+# start_afresh FOLDER REASON: reports the reason and deletes the build.
 start_afresh() {
   echo "${2}: setting up build/${1##*/} afresh" >&2
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: what was built elsewhere, or with other packages, is not built on.
+# discard_strange FOLDER: deletes a build of another checkout, or with other packages.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")
@@ -30,8 +30,8 @@ discard_strange() {
   fi
 }
 
-# tests_of FOLDER: ON when the tests were configured there and can still be; ./run does not take them away
-# from somebody who also runs ./test.
+# tests_of FOLDER: prints ON if the tests are configured there and their packages are installed, so that ./run
+# does not remove the tests of ./test.
 tests_of() {
   local missing
   if grep -qs '^ORLU_TESTS:BOOL=ON' "$1/CMakeCache.txt" && are_installed "${test_packages[@]}"; then
@@ -41,15 +41,15 @@ tests_of() {
   fi
 }
 
-# setup_of TESTS: all that decides what CMake makes of a preset, but for CMake's own files.
+# setup_of TESTS: prints everything that CMake's configuration depends on, except CMake's own files.
 setup_of() {
   printf 'root %s\ntests %s\nORLU_ARM_ROOT %s\nANDROID_NDK_HOME %s\n' \
     "$(cd "$root" && pwd -P)" "$1" "${ORLU_ARM_ROOT:-}" "${ANDROID_NDK_HOME:-}"
   cat "$root"/CMake*Presets.json
 }
 
-# touch_older FOLDER: a source that was replaced by one with an older date (cp -p, mv, tar) looks unchanged to
-# Ninja.
+# touch_older FOLDER: a source replaced by one with an older date (cp -p, mv, tar) looks unchanged to Ninja, so
+# this sets its date.
 touch_older() {
   if [ -e "$1/built" ]; then
     find "$root" \( -path "$root/build" -o -path "$root/out" -o -path "$root/.git" \) -prune -o \
@@ -57,8 +57,8 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake unless it ran with this setup. --fresh forgets what another setup
-# left in CMake's cache, and keeps what is compiled.
+# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps compiled
+# files.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&
@@ -70,7 +70,7 @@ configure() {
   printf '%s\n' "$3" >"$folder/setup.txt"
 }
 
-# compile FOLDER TARGET...: runs Ninja. That it looks for new files each time is not worth a line.
+# compile FOLDER TARGET...: runs Ninja. Hides the line about the check for new files, which each build prints.
 compile() {
   local folder=$1
   shift
@@ -81,9 +81,9 @@ compile() {
   mv "$folder/building" "$folder/built"
 }
 
-# build_preset PRESET [--tests] [TARGET...]: brings build/PRESET up to date, all of it when no target is
-# named. The tests are configured with --tests, or when they were before. What CMake and Ninja say is shown in
-# full only when the build fails. Two builds of a preset wait for each other.
+# build_preset PRESET [--tests] [TARGET...]: brings build/PRESET up to date; everything without TARGET. The tests
+# are configured with --tests, or if they were before. The output of CMake and Ninja is printed only if the build
+# fails. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

@@ -1,5 +1,5 @@
-"""Makes the entries of catalogue.json: from the tables in service/java/.../tool/tags, which are written by hand,
-from the samples, and from the rows that make_catalogue.py finds by trial and in the source."""
+"""Makes the entries of catalogue.json from the hand-written tables in service/java/.../tool/tags, from the
+samples, and from the rows that make_catalogue.py finds by trial and in the source."""
 
 import json
 import re
@@ -8,34 +8,34 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 TABLES = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags"
 PLATFORM = ROOT / "host/java/android/hardware/camera2/impl"
-# Most parameters depend on it, so those that don't say nothing.
+# Most parameters depend on this tag, so only the others mention it.
 ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
 MOST = "nearly all parameters of some requests"
 NOBODY = "nobody: no function of the library asks for it"
-# As many as there are frames, or 50 zeros if the camera has no scores. 50 are read back.
+# One per frame, or 50 zeros if the camera has no scores. 50 are read back.
 BY_FRAMES = "*"
-# Bytes of an element, for types that can have several.
+# Bytes per element, for types with several elements.
 ELEMENTS = {"INTS": 4, "FLOATS": 4, "LONGS": 8, "DOUBLES": 8, "BITS": 8}
-# What the bytes are a record of, in jni/metadata_records.h.
+# Types whose bytes are a record of jni/metadata_records.h.
 RECORDS = {"EXIF": "ExifInfo", "FACES": "_tagOrluFaceInfo", "FACE_OUTLINE": "FaceOutline",
            "REFOCUS_PACK": "RefocusPackParams", "PHASE_DETECTION": "PdafInfo", "SENSOR_CROP": "SCR_Type",
            "RECT": "__tagOrluRect", "BITS": "ProcessedAlgo"}
 
 
 def table(file, columns):
-    """The rows of a table, whose last column reaches to the end of the line."""
+    """Returns the rows of a table. The last column extends to the end of the line."""
     lines = [line.strip() for line in file.read_text().splitlines()]
     return [line.split(None, columns - 1) for line in lines if line and not line.startswith("#")]
 
 
 def constants(file, pattern):
-    """The constants of a Java enumeration, each with the argument that the pattern finds."""
+    """Returns the constants of a Java enumeration, each with the argument that the pattern matches."""
     return dict(re.findall(rf"^    (\w+)\({pattern}\)[,;]", file.read_text(), re.MULTILINE))
 
 
 def grouped(rows):
-    """The rest of rows by their first column, in order."""
+    """Groups rows by their first column, in order."""
     groups = {}
     for name, *rest in rows:
         groups.setdefault(name, []).append(rest)
@@ -43,7 +43,7 @@ def grouped(rows):
 
 
 class Found:
-    """The rows that were found, by kind and name."""
+    """The rows found by make_catalogue.py, by kind and name."""
 
     def __init__(self, rows):
         self._rows = {}
@@ -56,7 +56,7 @@ class Found:
         return self._rows.get((kind, name), [])
 
     def places(self, kind, name):
-        """Functions with their files: "updateGra (metadata_updater_capture_features.cpp)"."""
+        """Returns functions with their files: "updateGra (metadata_updater_capture_features.cpp)"."""
         return [re.sub(r" jni/(.*)", r" (\1)", rest) for rest in self.of(kind, name)]
 
 
@@ -71,7 +71,7 @@ class Sample:
         self.frames = self.frame_set.get("count", max(1, len(self.each)))
 
     def images(self, part):
-        """The images of "inputs" or "outputs", each kind once: "7 NV21, shared"."""
+        """Returns the images of "inputs" or "outputs", grouped by kind: "7 NV21, shared"."""
         images = self.request[part]
         counts = {}
         if isinstance(images, dict):
@@ -88,7 +88,7 @@ class Sample:
         return text + (f", {image['width']} x {image['height']}" if "width" in image else "")
 
     def tags(self):
-        """Every tag that is set for a frame, with the value of the first frame that has it."""
+        """Returns every tag of the request, with the value in the first frame that has it."""
         tags = {}
         for frame in [self.frame_set.get("common", {}), *self.each]:
             for store in ("captureResult", "composition"):
@@ -190,7 +190,7 @@ def sample_entries(all_samples):
 
 
 def parts(rows):
-    """The catalogue: the entries of each part."""
+    """Returns the catalogue: the entries of each part."""
     found, all_samples = Found(rows), samples()
     return {"tags": list(tag_entries(found, all_samples)), "algorithms": list(algorithm_entries(found)),
             "parameters": list(parameter_entries(found)), "formats": list(format_entries(all_samples)),
@@ -198,19 +198,19 @@ def parts(rows):
 
 
 def text(catalogue):
-    """The catalogue as a file: an entry a line."""
+    """Returns the text of the catalogue's file, with one entry per line."""
     lists = (f'"{part}": [\n' + ",\n".join(json.dumps(entry, ensure_ascii=False) for entry in entries) + "\n]"
              for part, entries in catalogue.items())
     return "{\n" + ",\n".join(lists) + "\n}\n"
 
 
 def as_row(place):
-    """The function and file of a row: "updateGra jni/metadata_updater_capture_features.cpp"."""
+    """Returns the function and file of a row: "updateGra jni/metadata_updater_capture_features.cpp"."""
     return re.sub(r" \((\w+\.cpp)\)$", r" jni/\1", place)
 
 
 def rows_of(catalogue):
-    """The rows that the entries were made of."""
+    """Restores the rows that the entries were made from."""
     rows = set()
 
     def add(kind, name, rests):

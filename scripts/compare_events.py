@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Compares the events of two runs of the same requests: docs/events.md has their form.
+"""Compares the events of two runs of the same requests. See docs/events.md for their form.
 
 compare_events.py FILE FILE
 
-Equal must be, for each thread, what was called in which order, with which values, and what came of it. Left out is
-what a machine decides: times, addresses, numbers of threads, calls and descriptors, and the files' places.
+Each thread must have made the same calls in the same order, with the same values and results. Ignores what
+depends on the machine: times, addresses, paths, and the numbers of threads, calls and descriptors.
 """
 
 import json
@@ -12,17 +12,17 @@ import sys
 from itertools import zip_longest
 from pathlib import Path
 
-# Differ from run to run: times and numbers; addresses. How many frames a call came through is the compiler's
-# choice.
+# Fields that differ between runs: times, numbers and addresses. The number of stack frames of a call depends
+# on the compiler.
 OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine",
               "pointerBits", "probe")
-# Of written pixels also: their file is named after the process, and a JPEG says in which second it was made.
-# ./run diff compares the pixels themselves.
+# Also ignored for written pixels: the file is named after the process, and a JPEG contains the time of its
+# creation. ./run diff compares the pixels.
 OF_THE_PIXELS = ("file", "crc")
 
 
 def read(file):
-    """The events of each thread in their order, by the order in which the threads appear."""
+    """Returns the events of each thread in order. Threads are sorted by their first event."""
     threads = {}
     for line in file.read_text("utf-8").splitlines():
         event = json.loads(line)
@@ -49,7 +49,8 @@ def without_descriptors(handle):
 
 
 def compare_events(one, other):
-    """Yields a line for each difference; only the first of a thread, which the rest follows from."""
+    """Yields a line per difference; only the first difference of a thread, because later ones follow from it.
+    """
     left, right = read(one), read(other)
     if len(left) != len(right):
         yield f"events: {len(left)} threads / {len(right)} threads"

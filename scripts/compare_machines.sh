@@ -1,7 +1,7 @@
 #!/bin/bash
-# Runs requests on this machine and on the ARM one, and compares parameters, algorithm lists, values put back,
-# output descriptors, images, what was printed, and events. Then the ARM machine runs what this one recorded.
-#   scripts/compare_machines.sh [request.json ...]      all samples when none is named
+# Runs requests on this machine and on ARM, and compares parameters, algorithm lists, returned values, output
+# descriptors, images, printed text and events. Then replays the recordings of this machine on ARM.
+#   scripts/compare_machines.sh [request.json ...]      all samples without arguments
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"
@@ -13,7 +13,7 @@ fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# results_of MACHINE OPTION...: what ./run leaves behind there.
+# results_of MACHINE OPTION...: runs the requests on that machine and stores the results.
 results_of() {
   local folder=$work/$1
   mkdir "$folder"
@@ -24,8 +24,8 @@ results_of() {
   fi
 }
 
-# summary MACHINE: which algorithms ran, frames kept and moved, callbacks, without times, folders and
-# descriptors.
+# summary MACHINE: prints the algorithms that ran, frames kept and moved, and callbacks, without times, folders
+# and descriptors.
 summary() {
   sed -E "s#$work/$1##g; s/\b[0-9]+\.[0-9] ms\b/* ms/g; s/\bsharedFd = [0-9]+/sharedFd = */g" "$work/$1/summary.txt"
 }
@@ -37,6 +37,6 @@ status=0
 "$root/run" diff "$work/host/recordings" "$work/arm/recordings" --out "$root/out/machines" || status=1
 diff <(summary host) <(summary arm) || status=1
 python3 "$root/scripts/compare_events.py" "$work/host/events" "$work/arm/events" || status=1
-# What one machine recorded, the other runs again.
+# Replay the recordings of this machine on ARM.
 "$root/run" replay --arm "$work/host/recordings" || status=1
 exit "$status"

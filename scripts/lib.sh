@@ -1,46 +1,46 @@
 # shellcheck shell=bash
-# Shared by ./run, ./test, .ci/run and the scripts beside them: packages, and where Java is. To be sourced by
-# bash with "pipefail" set; the caller sets root to this project's folder.
+# Functions and package lists shared by ./run, ./test, .ci/run and the scripts in this folder. Source it in
+# bash with "pipefail" set, after setting root to the project's folder.
 
-# What ./run takes: compiler, build tools, JDK, and the libraries of the host layer.
+# Needed by ./run: compiler, build tools, JDK, and the libraries of the host layer.
 readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libjackson2-core-java libpicocli-java libmetadata-extractor-java
   libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev
 )
-# The libraries of its Java half.
+# The libraries of ./run's Java code.
 java_libraries=/usr/share/java/jackson-core.jar:/usr/share/java/picocli.jar
 java_libraries+=:/usr/share/java/metadata-extractor.jar:/usr/share/java/xmpcore.jar
 readonly java_libraries
-# What the tests take beside that: their libraries, and the tools that look into files.
+# Also needed by the tests: their libraries, and tools that inspect files.
 readonly test_packages=(libgtest-dev junit4 binutils python3 python3-jsonschema)
-# The cross compiler, and what runs its programs here. What they link and load comes from the private root.
+# The cross compiler and the emulator. The libraries of ARM programs are in the private root.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
-# What the ARM build of clang takes besides; GoogleTest as source, to be built with libc++.
+# Also needed by the ARM build with clang; GoogleTest as source, to build it with libc++.
 readonly arm_clang_packages=(clang lld llvm googletest)
-# The platform's own headers, as far as Debian has them.
+# The platform's own headers that Debian packages.
 readonly platform_packages=(
   android-libnativehelper-dev android-liblog-dev android-libcutils-dev android-libutils-dev
   android-platform-frameworks-native-headers android-platform-system-core-headers librust-libc-dev
 )
-# What libFuzzer and coverage take besides.
+# Also needed by libFuzzer and coverage.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)
-# What scripts/lint.sh takes besides ./test: a checker for each language.
+# Also needed by scripts/lint.sh: a checker for each language.
 readonly lint_packages=(
   clang-tidy shellcheck ecj blueprint-tools golang-go golang-github-google-blueprint-dev git
 )
 
-# Patient while somebody else installs something.
+# Waits for another process that is installing packages.
 readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
-# die TEXT...: one line on standard error, and the end.
+# die TEXT...: prints an error and exits.
 die() {
   echo "${0##*/}: error: $*" >&2
   exit 1
 }
 
-# as_root COMMAND...: runs it through sudo where that is needed.
+# as_root COMMAND...: runs the command, through sudo if necessary.
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then
     "$@"
@@ -51,9 +51,8 @@ as_root() {
   fi
 }
 
-# follow LOG PATTERN: copies standard input to the end of LOG. Of the lines that match the pattern, a terminal
-# shows the latest, in one line that is rewritten and cleared at the end; elsewhere one goes out every ten
-# seconds.
+# follow LOG PATTERN: appends standard input to LOG. A terminal shows the latest line that matches the pattern,
+# rewritten in place and cleared at the end; otherwise one such line is printed every ten seconds.
 follow() {
   local pattern=$2 line shown=$SECONDS clear=''
   while IFS= read -r line; do
@@ -71,10 +70,11 @@ follow() {
   printf %s "$clear" >&2
 }
 
-# Name and version of every package of this machine's architecture, a line each; empty until it is asked for.
+# Name and version of every installed package of this machine's architecture, one per line; empty until
+# needed.
 installed_packages=
 
-# read_installed_packages: fills installed_packages, in one query for all of them.
+# read_installed_packages: fills installed_packages with a single query.
 read_installed_packages() {
   if [ -z "$installed_packages" ] && command -v dpkg-query >/dev/null; then
     installed_packages=$(dpkg-query -W -f '${db:Status-Abbrev}${Architecture} ${Package} ${Version}\n' |
@@ -82,7 +82,7 @@ read_installed_packages() {
   fi
 }
 
-# are_installed PACKAGE...: whether all of them are. The others are in the array missing.
+# are_installed PACKAGE...: succeeds if all are installed; the array missing receives the others.
 are_installed() {
   local package
   missing=()
@@ -93,8 +93,7 @@ are_installed() {
   [ ${#missing[@]} -eq 0 ]
 }
 
-# apt_get ARGUMENT...: changes packages of this machine; what apt-get says is shown in full only when it
-# fails.
+# apt_get ARGUMENT...: runs apt-get and prints its output only if it fails.
 apt_get() {
   local log
   log=$(mktemp)
@@ -107,8 +106,8 @@ apt_get() {
   rm -f "$log"
 }
 
-# install_missing PURPOSE PACKAGE...: installs those of the Debian packages that are not there. Says so in one
-# line; silent when all are there.
+# install_missing PURPOSE PACKAGE...: installs the Debian packages that are missing and prints one line about it;
+# prints nothing if none is missing.
 install_missing() {
   local purpose=$1 missing
   shift
@@ -122,8 +121,8 @@ install_missing() {
   installed_packages=
 }
 
-# debian_java_home [ROOT]: prints where Debian's Java 17 lies, below ROOT when it is named; also when another
-# Java is the machine's default.
+# debian_java_home [ROOT]: prints the path of Debian's Java 17, below ROOT if given, even if another Java is the
+# machine's default.
 debian_java_home() {
   local home
   for home in "${1:-}"/usr/lib/jvm/java-17-openjdk-*; do

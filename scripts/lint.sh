@@ -1,7 +1,7 @@
 #!/bin/bash
-# Looks for mistakes without running anything; every finding is an error.
+# Static checks; every finding is an error.
 #   scripts/lint.sh              all checks
-#   scripts/lint.sh shell java   these alone
+#   scripts/lint.sh shell java   only these checks
 # cpp: clang-tidy with .clang-tidy; headers: each compiles alone; shell: shellcheck; java: the Eclipse compiler with
 # scripts/ecj.prefs; android_bp: the platform's own formatter and parser.
 set -euo pipefail
@@ -12,9 +12,9 @@ source scripts/lib.sh
 readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
-# Every source that a build for this machine knows, as many at a time as there are processors. Configuring the
-# builds is enough; some of their options are GCC's alone. The timed benchmarks are left out: the loops of
-# their library look like dead stores and leaks.
+# Checks every source of a build for this machine, one per processor at a time. The builds only need to be
+# configured; some of their options exist only in GCC. Timed benchmarks are left out: clang-tidy reports the
+# loops of their library as dead stores and leaks.
 lint_cpp() {
   local preset source
   local -A preset_of=()
@@ -34,7 +34,7 @@ lint_cpp() {
 
 lint_headers() { build_preset dev --tests headers_alone; }
 
-# What is only sourced has variables of the scripts around it.
+# Sourced files use variables of the scripts that source them.
 lint_shell() {
   local file scripts=() sourced=()
   while IFS= read -r file; do
@@ -47,7 +47,7 @@ lint_shell() {
   shellcheck -x -e SC2034,SC2154 "${sourced[@]}"
 }
 
-# Each folder as CMake compiles it.
+# Compiles each folder like CMake.
 lint_java() {
   local folder class_path=$java_libraries
   class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/junit4.jar
@@ -59,8 +59,8 @@ lint_java() {
   done
 }
 
-# The test android_bp compares what it reads with CMake's sources; here its reader is compared with the
-# platform's.
+# The test android_bp compares Android.bp, as read by its own reader, with CMake's sources. This compares that
+# reader with the platform's.
 lint_android_bp() {
   local unformatted
   unformatted=$(bpfmt -l Android.bp)

@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
-"""Finds by trial what the catalogue says of tags and parameters: which depends on which, who reads and writes them,
-what stands where tags are absent, and what became of each sample's algorithms.
+"""Finds the catalogue's facts on tags and parameters by trial: which depends on which, who reads and writes
+them,
+the values if tags are absent, and the result of each sample's algorithms.
 
-make_catalogue.py                     writes service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
-make_catalogue.py --texts             writes both from the tables, the samples and what was found before
-make_catalogue.py --check             compares both with what is found, and writes nothing
-make_catalogue.py --check SAMPLE...   looks at these samples alone (names without .json): nothing must be missing
+make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
+make_catalogue.py --texts             write both from the tables, the samples and the previous findings
+make_catalogue.py --check             compare both with new findings, and write nothing
+make_catalogue.py --check SAMPLE...   check only these samples (names without .json): nothing may be missing
 
-A whole run takes about a minute. Needs a built ./run, or lets it build; ORLU_BUILD names a build folder.
+A whole run takes about a minute. Needs a built ./run, or builds it; ORLU_BUILD names a build folder.
 """
 
 import concurrent.futures
@@ -26,28 +27,28 @@ CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/cata
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 LONGEST_VALUE = 60
-# What no sample asks for is in these: each algorithm of the catalogue, on processed and on raw input.
+# Requests with all algorithms of the catalogue, on processed and on raw input, for what no sample uses.
 ALL_OF = ("capture", "raw-night")
 
 
-# -- In the source: which function a literal is in.
+# -- Search of the source: which function contains a literal.
 
 FUNCTION = re.compile(r"^(?!namespace|struct|class|enum|using|template|static_assert)\w[\w:<>,&*~ ]*?(\w+)\(")
 KEPT_TAG = re.compile(r'KeptTag<.*> m(\w)(\w*)\{"([\w.]+)"\}')
 TAG_CONSTANT = re.compile(r'constexpr char (k\w+)\[\] = "([\w.]+)"')
 SECTIONS = "Control|Parameter|Sensor|Feedback|System|Zoom"
 PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
-# What is read under a constant; what is handed over in the block of an abort, which no sample makes.
+# Results that are read under a constant; values in the block of an abort, which no sample makes.
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 ABORT = ("abort_key", "abort_val")
-# What a shot keeps is read by calling it. The exposure control is the one that takes a frame.
+# Functions of Shot that read a tag. exposureOf() is the only one with a frame as its argument.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"
 
 
 def functions(file):
-    """Each line of a source with the function that it is in, "" outside of one."""
+    """Yields each line of a source with the name of its function, or ""."""
     inside = ""
     for line in file.read_text().splitlines():
         match = FUNCTION.match(line)
@@ -68,7 +69,7 @@ def source_rows(tags):
             names[tag].add(SHOT + first.lower() + rest)
     rows = set()
     for file in sorted(jni.glob("*.cpp")):
-        # A constant of one file counts in that file alone.
+        # A constant of one file counts only in that file.
         own = {tag: set(words) for tag, words in names.items()}
         for constant, tag in TAG_CONSTANT.findall(file.read_text()):
             own.get(tag, set()).add(constant)
@@ -80,7 +81,7 @@ def source_rows(tags):
             for tag, pattern in patterns.items():
                 if pattern.search(line):
                     rows.add(f"{'puts' if is_put(file, line) else 'reads'} {tag} {function} jni/{file.name}")
-            # The metadata updater reads some of its own again, and what an earlier pass left.
+            # The metadata updater reads back some of its own values, and those of an earlier pass.
             if file.name.startswith("result_updater") or "readBack<" in line:
                 for section, key in PARAMETER.findall(line):
                     rows.add(f"returns {section.lower()}/{key} {function} jni/{file.name}")
@@ -93,17 +94,18 @@ def source_rows(tags):
     return rows
 
 
-# A result updater reads a tag through a constant, and puts every other. The callback puts values into a map.
+# Whether a line writes a tag: result updaters read tags through constants and write all others; the callback
+# puts values into a map.
 def is_put(file, line):
     if file.name.startswith("algo_native_callback"):
         return True
     return file.name.startswith("result_updater") and not re.search(r"\bkTimestampTag\b", line)
 
 
-# -- By trial.
+# -- Trials.
 
 def requests(samples):
-    """What is run: name, request, and whether its tags are to be tried."""
+    """Yields what to run: name, request, and whether to try its tags."""
     for sample in samples:
         request = json.loads((ROOT / "samples" / f"{sample}.json").read_text())
         yield sample, request, True
@@ -116,14 +118,14 @@ def requests(samples):
 
 
 def bare(request):
-    """The same without any tag; a photo's frames stay, and the image's sizes."""
+    """Returns the request without any tag, but with the photo's frames and the image sizes."""
     frames = request["frames"]
     kept = {name: value for name, value in frames.items() if name not in ("common", "each")}
     return {**request, "frames": kept}
 
 
 def run(folder, name, request, is_tried):
-    """The report, the printed text, and the stand-in's trace."""
+    """Returns the report, the printed text, and the stand-in's trace."""
     request = {**request, "photo": str(ROOT / "samples" / request["photo"])}
     (folder / f"{name}.json").write_text(json.dumps(request))
     trace = folder / f"{name}.trace"
@@ -199,9 +201,9 @@ def asked_tags(report):
 
 
 def found(samples, tags):
-    """All rows, and the tags that were asked for."""
+    """Returns all rows, and the tags that were read."""
     rows, asked = set(), set()
-    # What is to be built is built before several runs at once would.
+    # Builds first, so that concurrent runs do not.
     subprocess.run([ROOT / "run", "--check"], stdout=subprocess.DEVNULL, check=True)
     with tempfile.TemporaryDirectory() as name, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         runs = list(requests(samples))
@@ -237,7 +239,7 @@ def type_of(entry):
 
 
 def handed_over(catalogue):
-    """A table for each section."""
+    """Returns a table for each section."""
     text, sections = "", {}
     for entry in catalogue["parameters"]:
         if "in" in entry["direction"]:
@@ -290,7 +292,7 @@ TABLES = {"parameters": handed_over, "results": read_back, "algorithms": algorit
 
 
 def page(catalogue):
-    """The page with its tables made anew; what lies between them is written by hand."""
+    """Returns the page with new tables. The text between them is hand-written."""
     text = PAGE.read_text()
     for name, make in TABLES.items():
         start, end = f"<!-- made: {name} -->\n", "<!-- end -->\n"

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Puts the tools on a phone and fetches what they made, over adb.
+# Installs the tools on a phone and fetches their results, over adb.
 set -euo pipefail
 
 readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
@@ -31,12 +31,13 @@ die() {
   exit 2
 }
 
-# takes COUNT ARGUMENT...: ends the script when there are fewer or more.
+# takes COUNT ARGUMENT...: exits with an error if the number of arguments differs.
 takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: chooses the one phone that is ready, else ends the script. adb itself counts the others as well.
+# one_phone: selects the only phone that is ready, or exits with an error. adb would also count phones that are not
+# ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
@@ -61,10 +62,10 @@ one_phone() {
   export ANDROID_SERIAL=${ready[0]}
 }
 
-# call_adb ARGUMENT...: a failure of adb ends the script. The kit's own failure has another status.
+# call_adb ARGUMENT...: exits with an error if adb fails. A failure of the kit has a different status.
 call_adb() { adb "$@" || die "adb $1 failed: see above; is $ANDROID_SERIAL still connected?"; }
 
-# quoted WORD...: one text that a shell splits into these words.
+# quoted WORD...: quotes the words for a shell.
 quoted() { printf '%q ' "$@"; }
 
 in_shell() { call_adb shell "$(quoted "$@")"; }
@@ -76,7 +77,7 @@ property() {
   echo "${value%$'\r'}"
 }
 
-# set_property NAME VALUE: a property that the phone did not take is an error.
+# set_property NAME VALUE: fails if the phone rejects the property.
 set_property() {
   local value
   in_shell setprop "$1" "$2"
@@ -108,7 +109,7 @@ run_kit() {
   for file in "$1" "$2"; do
     [ -f "$file" ] || die "$file: no such file"
   done
-  # A name that begins with - is no option.
+  # Absolute, so that a name that starts with - is not taken as an option.
   kit=$(realpath -- "$1")
   library=$(realpath -- "$2")
   one_phone
@@ -119,13 +120,13 @@ run_kit() {
   [ ! -f "$runtime" ] || call_adb push "$runtime" "$folder/libc++_shared.so"
   in_shell chmod 755 "$folder/conform"
   adb shell "$(quoted env "LD_LIBRARY_PATH=$folder" "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
-  # adb's own failure has the status of a failed check.
+  # A failure of adb has the same status as a failed check.
   [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
     die "$ANDROID_SERIAL went away while the kit ran"
   return "$status"
 }
 
-# pull PATH DIR: into DIR/NAME, all or nothing. Recordings of two pulls are never mixed.
+# pull PATH DIR: pulls into DIR/NAME, everything or nothing. Recordings of two pulls are never mixed.
 pull() {
   local name to
   [[ $1 == /* ]] || die "$1: names no place on the phone, which begins with /"

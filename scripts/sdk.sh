@@ -11,7 +11,7 @@ Write a kit for makers of algorithm libraries to the folder DIR: the header, the
 checks for x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be
 empty or missing."
 
-# refuse TEXT: as the other subcommands refuse a command line.
+# refuse TEXT: reports an invalid command line like the other subcommands.
 refuse() {
   echo "run: error: $1" >&2
   exit 2
@@ -30,7 +30,7 @@ if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't create o
 
 install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
 prepare_arm
-# It would move the folder elsewhere.
+# DESTDIR would move the folder elsewhere.
 unset DESTDIR
 for preset in dev arm arm-clang; do
   build_preset "$preset" --tests conform_kit
