@@ -1,8 +1,8 @@
-# The same machine with the phone's compiler and C++ library: clang, lld and libc++. Clang is this machine's
-# own; the C and C++ libraries come from the private root, libgcc from Debian's cross compiler.
+# The same machine with the phone's compiler and C++ library: clang, lld and libc++. Clang is the host's; the
+# C and C++ libraries are in the private root, and libgcc is from Debian's cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
 
-# GoogleTest, which is built here too, asks for a C compiler.
+# GoogleTest is built here too, and needs a C compiler.
 set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)
 foreach(language C CXX)
@@ -10,7 +10,7 @@ foreach(language C CXX)
   set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN /usr)
 endforeach()
 set(CMAKE_SYSROOT ${ORLU_ARM_ROOT})
-# The tests read what the cross compiler's tools print.
+# The tests parse the output of the cross compiler's tools.
 set(CMAKE_READELF arm-linux-gnueabihf-readelf CACHE FILEPATH "")
 set(CMAKE_STRIP arm-linux-gnueabihf-strip CACHE FILEPATH "")
 

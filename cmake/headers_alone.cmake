@@ -1,8 +1,8 @@
-# Every header compiles alone, whatever was included before it: the target headers_alone compiles one source for
-# each, which includes it twice. scripts/lint.sh builds it.
+# The target headers_alone checks that every header compiles alone: it compiles a source per header, which
+# includes it twice. scripts/lint.sh builds it.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
-# What clang alone builds: the targets of libFuzzer, and the headers that stand in for Android's C library.
+# Headers for clang only: libFuzzer's targets, and replacements of headers of Android's C library.
 list(FILTER headers EXCLUDE REGEX "^(fuzz/support/(fake_jni|target)[.]h|tests/platform/.*)$")
 
 set(sources "")

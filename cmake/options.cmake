@@ -1,11 +1,11 @@
-# Flags that every target of ours shares, and the switches of the presets.
+# Flags shared by all targets of this project, and the options of the presets.
 
 option(ORLU_TESTS "Build the tests" ON)
 option(ORLU_BENCH "Build the benchmarks" OFF)
 set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
 
 if(NOT ANDROID)
-  # Debian's JDK 17, also where another one is the machine's default.
+  # Debian's JDK 17, even if another JDK is the machine's default.
   file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
   if(debian_jdk)
     list(GET debian_jdk 0 JAVA_HOME)
@@ -13,10 +13,10 @@ if(NOT ANDROID)
   find_package(Java 17 REQUIRED COMPONENTS Development)
 endif()
 if(ANDROID)
-  # The NDK brings its own.
+  # The NDK contains jni.h.
   set(JNI_INCLUDE_DIRS "")
 elseif(CMAKE_CROSSCOMPILING)
-  # Headers are the same on every machine; the VM is the target's.
+  # Headers are equal on all machines; the VM must be the target's.
   set(JNI_INCLUDE_DIRS ${JAVA_HOME}/include ${JAVA_HOME}/include/linux)
   file(GLOB JAVA_JVM_LIBRARY ${ORLU_ARM_ROOT}/usr/lib/jvm/java-17-openjdk-armhf/lib/server/libjvm.so)
 else()
@@ -27,17 +27,17 @@ find_package(Threads REQUIRED)
 add_library(orlu_options INTERFACE)
 target_compile_options(orlu_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-  # Only clang has it in -Wall; a std::array reads better with one pair.
+  # Only clang's -Wall includes it. Single braces are more readable for std::array.
   -Wno-missing-braces
-  # One rounding for each operation, on every machine.
+  # Rounds every operation separately, for equal results on all machines.
   -ffp-contract=off)
 target_link_options(orlu_options INTERFACE LINKER:--no-undefined)
 
 if(NOT ORLU_SANITIZE)
   target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags)
 else()
-  # A sanitizer's dlopen() is called from its own library, where the RUNPATH of ours says nothing; a program's
-  # RPATH is valid for all that it loads.
+  # A sanitizer's dlopen() is called from the sanitizer's library, where our RUNPATH has no effect. A
+  # program's RPATH applies to everything that it loads.
   target_link_options(orlu_options INTERFACE LINKER:--disable-new-dtags)
   target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE})
@@ -47,14 +47,14 @@ else()
 endif()
 
 # orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every source
-# below SOURCE_DIR into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS targets made by this function,
-# RESOURCES files below SOURCE_DIR that go into the jar.
+# below SOURCE_DIR into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS targets of this function,
+# RESOURCES files below SOURCE_DIR to put into the jar.
 function(orlu_add_jar name source_dir)
   cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)
   set(classes ${CMAKE_CURRENT_BINARY_DIR}/${name}-classes)
   set(jar ${ORLU_JAVA_OUTPUT_DIRECTORY}/${name}.jar)
-  # The names of targets order the commands; only the files make one run again.
+  # Targets only order the commands; files decide whether a command runs again.
   set(jars ${JAR_DEPENDS})
   list(TRANSFORM jars REPLACE "(.+)" "${ORLU_JAVA_OUTPUT_DIRECTORY}/\\1.jar")
   set(class_path ${JAR_CLASS_PATH} ${jars})

@@ -1,10 +1,10 @@
-# Tables of what the service calls things, as rows of C++, for programs that need all of these names. CMake runs
-# again when one of their sources changes.
+# Generates C++ rows with the service's names of parameters and algorithms, for programs that need all of
+# them. CMake runs again if a source of these tables changes.
 set(ORLU_PARAMETER_TABLE
   ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 
-# orlu_parameter_rows(FILE [ROW_END]): writes the parameters' rows that end so, or all, as {section, key, bytes},
-# from the table that ./run shows them by.
+# orlu_parameter_rows(FILE [ROW_END]): writes the parameters of ./run's table as {section, key, bytes}; with
+# ROW_END only rows that end with it.
 function(orlu_parameter_rows file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ORLU_PARAMETER_TABLE})
   file(STRINGS ${ORLU_PARAMETER_TABLE} rows REGEX "^[a-z].*${ARGN}$")
@@ -12,7 +12,7 @@ function(orlu_parameter_rows file)
   foreach(row IN LISTS rows)
     string(REGEX REPLACE "^([a-z]+) +([A-Za-z0-9_]+) +[A-Z_]+ +([0-9*]+) .*"
       "{\"orlu.algo.\\1\", \"\\2\", \\3},\n" row "${row}")
-    string(REPLACE "*" "400" row "${row}")  # one for each frame: fifty doubles
+    string(REPLACE "*" "400" row "${row}")  # one per frame: fifty doubles
     string(APPEND text "${row}")
   endforeach()
   if(NOT text)
@@ -21,8 +21,8 @@ function(orlu_parameter_rows file)
   file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
 endfunction()
 
-# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes these names, and those that sources of jni/ ask an algorithm
-# list for, as texts.
+# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes these names, and those that sources of jni/ look for in an
+# algorithm list, as strings.
 function(orlu_algorithm_rows file pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/jni/${pattern})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
