@@ -180,7 +180,6 @@ public final class Contract {
         long cookie = event.number("cookie");
         mCookies.put(cookie, new Cookie(event.number("client"), 0, false));
         Request request = new Request(cookie, event.number("nativeReq"));
-        mFinished.remove(request);
         mPending.computeIfAbsent(request, any -> new ArrayDeque<>()).add(new Pending(event));
     }
 
