@@ -109,7 +109,8 @@ public final class ContractTest {
             // A camera block, which is the second one, may go as soon as process has returned.
             {BLOCK + "begin 3 process " + RECORD.replace("[{", "[{'block': '0x0'}, {")
                     + "\nbegin 4 destroyMetadata 'block': '0x1000'", "SERVICE block-in-use 4"},
-            {SUBMITTED.replace("[{", "[{'block': '0x0'}, {") + "begin 4 destroyMetadata 'block': '0x1000'", ""},
+            {SUBMITTED.replace("[{", "[{'block': '0x0'}, {")
+                    + "begin 4 destroyMetadata 'block': '0x1000'", ""},
         };
         for (String[] row : rows) {
             assertEquals(row[0], row[1], breaches(new Contract().check(events(row[0]))));
