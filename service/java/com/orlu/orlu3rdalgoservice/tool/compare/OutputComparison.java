@@ -8,12 +8,14 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
+import java.io.UncheckedIOException;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
+import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
@@ -109,15 +111,28 @@ public final class OutputComparison {
         }
         Files.createDirectories(mPictures);
         String name = mName + "-out" + index;
-        write(difference.one(), name + "-one.png");
-        write(difference.other(), name + "-other.png");
-        return "; " + write(difference.picture(), name + "-difference.png") + " ("
-                + ImageDifference.AMPLIFICATION + " times)";
+        Path picture = file(name, "difference");
+        write(Map.of(file(name, "one"), difference.one(), file(name, "other"), difference.other(), picture,
+                difference.picture()));
+        return "; " + picture + " (" + ImageDifference.AMPLIFICATION + " times)";
     }
 
-    private Path write(PixelRows picture, String name) throws IOException {
-        Path file = mPictures.resolve(name);
-        picture.writePng(file);
-        return file;
+    private Path file(String name, String what) {
+        return mPictures.resolve(name + "-" + what + ".png");
+    }
+
+    // In parallel: a picture of 50 megapixels takes seconds.
+    private static void write(Map<Path, PixelRows> pictures) throws IOException {
+        try {
+            pictures.entrySet().parallelStream().forEach(entry -> {
+                try {
+                    entry.getValue().writePng(entry.getKey());
+                } catch (IOException e) {
+                    throw new UncheckedIOException(e);
+                }
+            });
+        } catch (UncheckedIOException e) {
+            throw e.getCause();
+        }
     }
 }
