@@ -60,7 +60,11 @@ public final class Picture implements PixelRows {
         return PixelRows.luma(mSamples, (y * mWidth + x) * CHANNELS);
     }
 
+    /** A part of the picture; the picture itself if it is all of it, since a large one needs much memory. */
     Picture crop(int left, int top, int width, int height) {
+        if (width == mWidth && height == mHeight) {
+            return this;
+        }
         Picture cropped = new Picture(width, height);
         for (int y = 0; y < height; ++y) {
             System.arraycopy(mSamples, ((top + y) * mWidth + left) * CHANNELS, cropped.mSamples,
