@@ -4,12 +4,13 @@ timeline_test.py BUILD_FOLDER"""
 
 import collections
 import json
+import re
 import sys
 import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
-from command import BUILD, ROOT, failures, finish, run  # noqa: E402
+from command import BUILD, ROOT, expect, failures, finish, run  # noqa: E402
 
 
 # samples | planted fault | how many slices of a name or category | points of each arrow
@@ -102,7 +103,46 @@ def wait_ends_with_callback(trace):
     return at["process"][1] <= wait[0] < work[1] <= callback[0] < wait[1] <= at["results"][0]
 
 
+STAGES = ["frames of the photo", "client created", "compositions, images", "up to process", "process",
+          "the algorithms", "wake-up", "results", "events read", "pictures written", "client destroyed"]
+DELAY = 300  # of the callback, ms
+
+
+def measures_stages(folder, sample):
+    """--times: stages cover the run, and the wait for a slow library is the library's."""
+    result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
+                 "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
+    stages = json.loads((folder / "results.json").read_text())["results"][0]["stages"]
+    expect(f"{sample}: stages", STAGES, [stage["stage"] for stage in stages])
+    total = sum(stage["milliseconds"] for stage in stages)
+    whole = float(re.search(r"^whole +([0-9.]+)", result.stdout, re.MULTILINE)[1])
+    if not 0.98 * whole <= total <= 1.02 * whole:
+        failures.append(f"{sample}: the stages take {total} ms, the whole {whole} ms")
+    process, slow = stages[STAGES.index("process"):][:2]
+    # The delay starts inside process.
+    if process["milliseconds"] + slow["milliseconds"] < DELAY or (slow["thread"], slow["waits"]) != ("library", "the callback"):
+        failures.append(f"{sample}: {slow} instead of a library that takes {DELAY} ms")
+    expect(f"{sample}: threads", {"Java"}, {s["thread"] for s in stages if s != slow})
+    for what, stage in (("pageFaults", "frames of the photo"), ("pageFaults", "the algorithms"),
+                        ("pageFaults", "up to process"), ("allocated", "frames of the photo"),
+                        ("passed", "up to process"), ("passed", "results")):
+        if stages[STAGES.index(stage)][what] <= 0:
+            failures.append(f"{sample}: no {what} of {stage}")
+    calls = [json.loads(line) for line in (folder / "events").read_text().splitlines() if '"begin"' in line]
+    before = calls[:[call["op"] for call in calls].index("process")]
+    passed = sum(call["size"] for call in before if call["op"] in ("setValue", "setRaw", "getValue"))
+    expect(f"{sample}: passed", passed, stages[STAGES.index("up to process")]["passed"])
+    counters = [event for event in json.loads((folder / "timeline.json").read_text())["traceEvents"]
+                if event["ph"] == "C"]
+    expect(f"{sample}: counters", 3 * len(STAGES), len([event for event in counters if event["ts"] >= 0]))
+    for line in result.stdout.splitlines():
+        if len(line) > 80:
+            failures.append(f"{sample}: over 80 columns: {line}")
+
+
 with tempfile.TemporaryDirectory() as folder:
+    measures_stages(Path(folder), "night")
+    measures_stages(Path(folder), "night-async")
     for case in CASES.strip().splitlines():
         samples, fault, slice_counts, arrow_points = (field.strip() for field in case.split("|"))
         planted = {"ORLU_ALGO_LIBRARY": str(BUILD / "planted/planted_algo.so"), "ORLU_PLANTED": fault}

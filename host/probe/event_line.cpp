@@ -1,6 +1,7 @@
 #include "event_line.h"
 
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <chrono>
 
 #include "printable.h"
+#include "setting.h"
 
 namespace orlu::probe {
 namespace {
@@ -25,6 +27,13 @@ int64_t now() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(
              std::chrono::steady_clock::now().time_since_epoch())
       .count();
+}
+
+// Page faults of the calling thread so far.
+int64_t pageFaults() {
+  rusage usage = {};
+  getrusage(RUSAGE_THREAD, &usage);
+  return usage.ru_minflt + usage.ru_majflt;
 }
 
 template <typename Number>
@@ -49,6 +58,8 @@ EventLine::EventLine(const char* event) {
   prctl(PR_GET_NAME, name);
   text("thread", name);
   text("event", event);
+  static const bool countsFaults = !setting("ORLU_TIMES").empty();
+  if (countsFaults) number("faults", pageFaults());
 }
 
 EventLine& EventLine::call(uint64_t number, const char* operation) {

@@ -74,6 +74,8 @@ final class RunCommand implements Subcommand {
         List<String> explain = new ArrayList<>();
         @Option(names = "--tags", description = "Print which tags of each frame were read")
         boolean tags;
+        @Option(names = "--times", description = "Print time, page faults and memory of each stage")
+        boolean times;
         @Option(names = "--log", description = "Print the library's log on standard error")
         boolean log;
         @Option(names = "--wide", description = "Don't cut lines to 80 columns")
@@ -162,7 +164,7 @@ final class RunCommand implements Subcommand {
         if (isGiven("--burst")) {
             needsPositive("--burst", tried.burst);
             needsPositive("--in-flight", tried.inFlight);
-            refuse(List.of("--params", "--explain", "--tags", "--report", "--record", "--check", "--strict",
+            refuse(List.of("--params", "--explain", "--tags", "--times", "--report", "--record", "--check", "--strict",
                            "--jobs", "--one-client"),
                     " can't be combined with --burst");
             if (requests().size() != 1 || tried.interval < 0) {

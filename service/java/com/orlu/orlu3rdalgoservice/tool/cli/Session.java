@@ -25,6 +25,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.StageTime;
 import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
@@ -44,6 +45,7 @@ import com.orlu.orlu3rdalgoservice.tool.view.PageFolder;
 import com.orlu.orlu3rdalgoservice.tool.view.ParameterPrinter;
 import com.orlu.orlu3rdalgoservice.tool.view.Results;
 import com.orlu.orlu3rdalgoservice.tool.view.RunReport;
+import com.orlu.orlu3rdalgoservice.tool.view.StageTable;
 import com.orlu.orlu3rdalgoservice.tool.view.Summary;
 import com.orlu.orlu3rdalgoservice.tool.view.Timeline;
 
@@ -181,6 +183,9 @@ final class Session {
         if (mOptions.shown.params) {
             ParameterPrinter.print(report.run().handover(), mTo, mOptions.shown.wide);
         }
+        if (mOptions.shown.times) {
+            StageTable.print(report.run().stageTimes(), new TextLayout(mTo, mOptions.shown.wide));
+        }
         boolean hasRun = report.verdict().status() != Verdict.UNUSABLE;
         if (hasRun && mOptions.shown.tags) {
             new TagPrinter(report.run(), report.dependences()).print(new TextLayout(mTo,
@@ -218,9 +223,11 @@ final class Session {
     private RunReport runOne(String name, RequestFile request, Exhibits exhibits, boolean lastOfClient)
             throws MistakeException, ErrnoException, IOException {
         RecordedEvents events = new RecordedEvents();
-        Stopwatch stopwatch = new Stopwatch();
+        Stopwatch stopwatch = new Stopwatch(mOptions.shown.times);
+        stopwatch.mark("frames of the photo");
         List<SynthesisedFrame> frames = RequestImages.frames(request, mPhotos);
         if (mClient == null) {
+            stopwatch.mark("client created");
             mClient = new ServiceClient(request, stopwatch, mRecorder);
             events.add(mEvents.next());
             mLibrary = LibraryCheck.of(events);
@@ -231,16 +238,21 @@ final class Session {
         if (mLibrary.status() == Verdict.OK) {
             runner = new RequestRunner(request, mClient, stopwatch, mOptions.needsLookups());
             try (RequestRunner closed = runner) {
+                stopwatch.mark("compositions, images");
                 closed.make(frames);
                 if (exhibits != null) {
                     exhibits.before(closed.inputs());
                 }
+                stopwatch.mark(StageTime.PROCESS_IMAGE);
                 closed.process();
+                stopwatch.mark("events read");
                 awaitLateCallback(request, closed, events);
+                stopwatch.mark("pictures written");
                 images = results(name, request, closed, frames, exhibits);
             }
         }
         if (lastOfClient) {
+            stopwatch.mark("client destroyed");
             mClient.end(request, stopwatch);
             mClient = null;
             if (mContract != null) {
@@ -248,8 +260,9 @@ final class Session {
                 sleep();
             }
         }
+        stopwatch.mark("end");
         events.add(mEvents.next());
-        Run run = Run.of(name, request, events, stopwatch.stages(), mTraces.next(), runner);
+        Run run = Run.of(name, request, events, stopwatch, mTraces.next(), runner);
         Verdict verdict = runner == null ? mLibrary : Judge.of(run, images.problems());
         if (mContract != null) {
             verdict = verdict.with(mContract.check(events.events()));

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
@@ -41,6 +42,7 @@ public final class Run {
     private final Handover mHandover;
     // Only for a run in this process.
     private final List<Stage> mStages = new ArrayList<>();
+    private List<StageTime> mStageTimes = List.of();
     private final List<Map<String, Object>> mPut = new ArrayList<>();
     private final List<Map<String, Object>> mCallbacks = new ArrayList<>();
     private final List<String> mProblems = new ArrayList<>();
@@ -114,11 +116,12 @@ public final class Run {
      * A run in this process, named like its files. The pass is null if the library does not report its work,
      * the runner if the request did not run.
      */
-    public static Run of(String name, RequestFile request, RecordedEvents events, List<Stage> stages,
+    public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, RequestRunner runner) {
         Run run = new Run(
                 name, null, request, Json.none(), Json.none(), "", List.of(), events);
-        run.mStages.addAll(stages);
+        run.mStages.addAll(stopwatch.stages());
+        run.mStageTimes = StageTime.of(stopwatch.marks(), events);
         run.mPass = pass;
         if (runner != null) {
             run.mPut.addAll(runner.put());
@@ -370,6 +373,11 @@ public final class Run {
     /** The stages in the order of execution, and the milliseconds of each. */
     public List<Stage> stages() {
         return mStages;
+    }
+
+    /** The larger stages, which cover the run; none without --times. */
+    public List<StageTime> stageTimes() {
+        return mStageTimes;
     }
 
     public Map<String, Double> milliseconds() {

@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
+import com.orlu.orlu3rdalgoservice.tool.model.StageTime;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.run.NoiseMeasure;
 import com.orlu.orlu3rdalgoservice.tool.tags.ValueFormatter;
@@ -41,6 +42,9 @@ public final class JsonReport {
             object.put("trials", report.dependences().json());
         }
         object.put("milliseconds", run.milliseconds());
+        if (!run.stageTimes().isEmpty()) {
+            object.put("stages", run.stageTimes().stream().map(StageTime::json).toList());
+        }
         return object;
     }
 

@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.model.StageTime;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.EventLog;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
@@ -29,6 +30,7 @@ public final class Timeline {
             "event", "t", "tid", "thread", "op", "from", "bytes", "metadata", "inputs", "outputs", "handles");
 
     private final List<Slice> mJava = new ArrayList<>();
+    private final List<StageTime> mStageTimes = new ArrayList<>();
     private List<Slice> mWork = List.of();
     private RecordedEvents mEvents = new RecordedEvents();
     private long mEnd;
@@ -40,6 +42,7 @@ public final class Timeline {
         add(request.file().getFileName().toString(), EventLog.thisThread(), report.run().stages(),
                 JsonWriter.object("file", request.file().toString(), "id", request.id(), "verdict",
                         report.verdict().line()));
+        mStageTimes.addAll(report.run().stageTimes());
     }
 
     /** Adds Java's work for a request on this thread. */
@@ -83,6 +86,9 @@ public final class Timeline {
             start = Math.min(start, slice.start());
             mEnd = Math.max(mEnd, slice.end());
         }
+        for (StageTime stage : mStageTimes) {
+            start = Math.min(start, stage.start());
+        }
         mWork = work(algorithmTrace, start);
         mOrigin = start;
         List<Event> headers = mEvents.events("header");
@@ -90,6 +96,11 @@ public final class Timeline {
         nameLanes(trace);
         mJava.forEach(trace::add);
         mWork.forEach(trace::add);
+        for (StageTime stage : mStageTimes) {
+            trace.addCounter("page faults", stage.start(), stage.faults());
+            trace.addCounter("heap bytes", stage.start(), Math.max(0, stage.allocated()));
+            trace.addCounter("passed bytes", stage.start(), stage.passed());
+        }
         mEvents.calls().forEach(call -> trace.add(slice(call)));
         RequestTrack.of(mEvents).forEach(request -> addRequest(trace, request));
         return trace.events();

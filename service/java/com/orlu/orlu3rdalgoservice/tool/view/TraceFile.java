@@ -56,6 +56,14 @@ final class TraceFile {
         }
     }
 
+    /** Adds a value of a counter of the process. */
+    void addCounter(String name, long time, long value) {
+        Map<String, Object> event = event("C", name, 0);
+        event.put("ts", microseconds(time - mOrigin));
+        event.put("args", Map.of("value", value));
+        mEvents.add(event);
+    }
+
     /** Returns all trace events. Call it once. */
     List<Map<String, Object>> events() {
         mLanes.values().forEach(this::addLane);

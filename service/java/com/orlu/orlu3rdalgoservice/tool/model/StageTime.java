@@ -1,0 +1,148 @@
+package com.orlu.orlu3rdalgoservice.tool.model;
+
+import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.tool.run.StageMark;
+
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+
+/**
+ * One of the consecutive stages of a run, which cover it without gaps. The call of processImage is divided
+ * by the probe's events.
+ *
+ * @param start     by System.nanoTime(), like the end
+ * @param thread    the side whose thread works: Java or the algorithm library
+ * @param waits     what Java's thread waits for meanwhile; empty if it works
+ * @param faults    page faults of the thread
+ * @param allocated bytes that it allocates on Java's heap; -1 if unknown: only Java's stages are measured
+ * @param passed    bytes of values that the two libraries pass each other
+ */
+public record StageTime(String stage, long start, long end, String thread, String waits, long faults,
+        long allocated, long passed) {
+    /** The stage that events divide. */
+    public static final String PROCESS_IMAGE = "processImage";
+    private static final String JAVA = "Java";
+    private static final String LIBRARY = "library";
+    private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
+
+    /** Returns the stages between these marks, of which the last one is the end; none without marks. */
+    static List<StageTime> of(List<StageMark> marks, RecordedEvents events) {
+        List<StageTime> stages = new ArrayList<>();
+        for (int i = 0; i + 1 < marks.size(); ++i) {
+            StageMark begin = marks.get(i);
+            StageMark end = marks.get(i + 1);
+            if (begin.stage().equals(PROCESS_IMAGE)) {
+                new Division(events, begin, end, stages).add();
+            } else {
+                stages.add(new StageTime(begin.stage(), begin.time(), end.time(), JAVA, "",
+                        end.faults() - begin.faults(), end.allocated() - begin.allocated(),
+                        passed(events, begin.tid(), begin.time(), end.time())));
+            }
+        }
+        return stages;
+    }
+
+    public double milliseconds() {
+        return (end - start) / NANOSECONDS_PER_MILLISECOND;
+    }
+
+    /** From the begin of the first stage to the end of the last. */
+    public static double wholeMilliseconds(List<StageTime> stages) {
+        return stages.isEmpty() ? 0
+                : (stages.get(stages.size() - 1).end - stages.get(0).start) / NANOSECONDS_PER_MILLISECOND;
+    }
+
+    public Map<String, Object> json() {
+        return JsonWriter.object("stage", stage, "milliseconds", milliseconds(), "thread", thread, "waits",
+                waits, "pageFaults", faults, "allocated", allocated < 0 ? null : allocated, "passed", passed);
+    }
+
+    private static long passed(RecordedEvents events, int tid, long from, long to) {
+        return events.events("begin").stream()
+                .filter(event -> event.number("tid") == tid && event.time() >= from && event.time() < to
+                        && (event.has("section") || event.operation().equals("setRaw")))
+                .mapToLong(event -> event.number("size")).sum();
+    }
+
+    /** The parts of a processImage call, or of a full-async request until its result is there. */
+    private static final class Division {
+        private final RecordedEvents mEvents;
+        private final StageMark mBegin;
+        private final StageMark mEnd;
+        private final List<StageTime> mStages;
+        // Where the next part starts.
+        private long mStart;
+        private long mFaults;
+
+        Division(RecordedEvents events, StageMark begin, StageMark end, List<StageTime> stages) {
+            mEvents = events;
+            mBegin = begin;
+            mEnd = end;
+            mStages = stages;
+            mStart = begin.time();
+            mFaults = begin.faults();
+        }
+
+        void add() {
+            Call process = mEvents.calls("process").stream().filter(call -> isHere(call.begin())
+                    && isOwn(call.begin())).findFirst().orElse(null);
+            boolean isCalledBack = false;
+            if (process != null && process.end() != null) {
+                part("up to process", process.begin());
+                part("process", process.end());
+                isCalledBack = addWait(process);
+            }
+            add(process == null ? PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
+                    process == null || isCalledBack ? "" : "a callback, in vain", mEnd.time(),
+                    mEnd.faults() - mFaults);
+        }
+
+        // From the end of process to the thread's first call after the callback. False without a callback.
+        private boolean addWait(Call process) {
+            Event callback = mEvents.calls("callback").stream().map(Call::begin)
+                    .filter(event -> event.number("of") == process.begin().number("n")
+                            && event.text("name").equals("shotCb") && isHere(event))
+                    .findFirst().orElse(null);
+            // The library may call back before process returns.
+            if (callback == null || callback.time() < mStart) {
+                return callback != null;
+            }
+            Event next = mEvents.events().stream().filter(event -> isOwn(event) && isHere(event)
+                    && event.time() >= callback.time()).findFirst().orElse(null);
+            add("the algorithms", LIBRARY, "the callback", callback.time(),
+                    callback.number("faults") - faultsBefore(callback));
+            if (next != null) {
+                part("wake-up", next);
+            }
+            return true;
+        }
+
+        // Page faults of the event's thread when its previous event was written.
+        private long faultsBefore(Event event) {
+            return mEvents.events().stream().filter(other -> other.number("tid") == event.number("tid")
+                    && other.time() < event.time()).mapToLong(other -> other.number("faults")).max()
+                    .orElse(0);
+        }
+
+        private boolean isHere(Event event) {
+            return event.time() >= mBegin.time() && event.time() <= mEnd.time();
+        }
+
+        private boolean isOwn(Event event) {
+            return event.number("tid") == mBegin.tid();
+        }
+
+        // A part on Java's thread, which ends with one of its events.
+        private void part(String stage, Event end) {
+            add(stage, JAVA, "", end.time(), end.number("faults") - mFaults);
+            mFaults = end.number("faults");
+        }
+
+        private void add(String stage, String thread, String waits, long end, long faults) {
+            mStages.add(new StageTime(stage, mStart, end, thread, waits, faults, -1,
+                    thread.equals(JAVA) ? passed(mEvents, mBegin.tid(), mStart, end) : 0));
+            mStart = end;
+        }
+    }
+}
