@@ -148,7 +148,8 @@ shows() {
 }
 
 # The name is part of what the loader reports.
-library=$folder/$'a\e[2J\u009b\u202e\xff.so'
+# In bytes: in a locale without UTF-8 the shell leaves \u as it is.
+library=$folder/$'a\e[2J\xc2\x9b\xe2\x80\xae\xff.so'
 command_ends 1 conform "$library" --only loading --junit junit.xml
 shows out
 shows junit.xml
