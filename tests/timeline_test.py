@@ -103,8 +103,9 @@ def wait_ends_with_callback(trace):
     return at["process"][1] <= wait[0] < work[1] <= callback[0] < wait[1] <= at["results"][0]
 
 
-STAGES = ["frames of the photo", "client created", "compositions, images", "up to process", "process",
-          "the algorithms", "wake-up", "results", "events read", "pictures written", "client destroyed"]
+STAGES = ["frames of the photo", "client created", "compositions made", "images mapped", "call prepared",
+          "up to process", "process", "the algorithms", "wake-up", "results", "events read",
+          "pictures written", "client destroyed"]
 DELAY = 300  # of the callback, ms
 
 
@@ -112,15 +113,26 @@ def measures_stages(folder, sample):
     """--times: stages cover the run, and the wait for a slow library is the library's."""
     result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
                  "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
-    stages = json.loads((folder / "results.json").read_text())["results"][0]["stages"]
+    results = json.loads((folder / "results.json").read_text())["results"][0]
+    stages = results["stages"]
     expect(f"{sample}: stages", STAGES, [stage["stage"] for stage in stages])
     total = sum(stage["milliseconds"] for stage in stages)
     whole = float(re.search(r"^whole +([0-9.]+)", result.stdout, re.MULTILINE)[1])
     if not 0.98 * whole <= total <= 1.02 * whole:
         failures.append(f"{sample}: the stages take {total} ms, the whole {whole} ms")
-    process, slow = stages[STAGES.index("process"):][:2]
+    # The other clock: the slice of the request, and of the calls that process it.
+    trace = json.loads((folder / "timeline.json").read_text())["traceEvents"]
+    request = next(event["dur"] / 1000 for event in trace if event.get("name") == f"{sample}.json")
+    calls = sum(results["milliseconds"].get(call, 0) for call in ("process", "wait", "update result"))
+    for first, last, measured in (("client created", "client destroyed", request),
+                                  ("up to process", "results", calls)):
+        total = sum(stage["milliseconds"] for stage in stages[STAGES.index(first):STAGES.index(last) + 1])
+        if not 0.98 * measured <= total <= 1.02 * measured:
+            failures.append(f"{sample}: {first} to {last} takes {total} ms, by its calls {measured} ms")
     # The delay starts inside process.
-    if process["milliseconds"] + slow["milliseconds"] < DELAY or (slow["thread"], slow["waits"]) != ("library", "the callback"):
+    process, slow = stages[STAGES.index("process"):][:2]
+    if (process["milliseconds"] + slow["milliseconds"] < DELAY
+            or (slow["thread"], slow["waits"]) != ("library", "the callback")):
         failures.append(f"{sample}: {slow} instead of a library that takes {DELAY} ms")
     expect(f"{sample}: threads", {"Java"}, {s["thread"] for s in stages if s != slow})
     for what, stage in (("pageFaults", "frames of the photo"), ("pageFaults", "the algorithms"),
@@ -132,8 +144,7 @@ def measures_stages(folder, sample):
     before = calls[:[call["op"] for call in calls].index("process")]
     passed = sum(call["size"] for call in before if call["op"] in ("setValue", "setRaw", "getValue"))
     expect(f"{sample}: passed", passed, stages[STAGES.index("up to process")]["passed"])
-    counters = [event for event in json.loads((folder / "timeline.json").read_text())["traceEvents"]
-                if event["ph"] == "C"]
+    counters = [event for event in trace if event["ph"] == "C"]
     expect(f"{sample}: counters", 3 * len(STAGES), len([event for event in counters if event["ts"] >= 0]))
     for line in result.stdout.splitlines():
         if len(line) > 80:

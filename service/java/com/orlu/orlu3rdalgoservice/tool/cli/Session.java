@@ -25,7 +25,6 @@ import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
-import com.orlu.orlu3rdalgoservice.tool.model.StageTime;
 import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
@@ -238,14 +237,14 @@ final class Session {
         if (mLibrary.status() == Verdict.OK) {
             runner = new RequestRunner(request, mClient, stopwatch, mOptions.needsLookups());
             try (RequestRunner closed = runner) {
-                stopwatch.mark("compositions, images");
+                stopwatch.mark("compositions made");
                 closed.make(frames);
                 if (exhibits != null) {
+                    stopwatch.mark("inputs read");
                     exhibits.before(closed.inputs());
                 }
-                stopwatch.mark(StageTime.PROCESS_IMAGE);
+                stopwatch.mark("call prepared");
                 closed.process();
-                stopwatch.mark("events read");
                 awaitLateCallback(request, closed, events);
                 stopwatch.mark("pictures written");
                 images = results(name, request, closed, frames, exhibits);

@@ -20,8 +20,6 @@ import java.util.Map;
  */
 public record StageTime(String stage, long start, long end, String thread, String waits, long faults,
         long allocated, long passed) {
-    /** The stage that events divide. */
-    public static final String PROCESS_IMAGE = "processImage";
     private static final String JAVA = "Java";
     private static final String LIBRARY = "library";
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
@@ -32,7 +30,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
         for (int i = 0; i + 1 < marks.size(); ++i) {
             StageMark begin = marks.get(i);
             StageMark end = marks.get(i + 1);
-            if (begin.stage().equals(PROCESS_IMAGE)) {
+            if (begin.stage().equals(StageMark.PROCESS_IMAGE)) {
                 new Division(events, begin, end, stages).add();
             } else {
                 stages.add(new StageTime(begin.stage(), begin.time(), end.time(), JAVA, "",
@@ -93,7 +91,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 part("process", process.end());
                 isCalledBack = addWait(process);
             }
-            add(process == null ? PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
+            add(process == null ? StageMark.PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
                     process == null || isCalledBack ? "" : "a callback, in vain", mEnd.time(),
                     mEnd.faults() - mFaults);
         }

@@ -65,6 +65,7 @@ public final class RequestRunner implements AutoCloseable {
             frame.composition().forEach(composition::putMetadata);
             mCompositions.add(composition);
         }
+        mStopwatch.mark("images mapped");
         FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
             Progress.show("filling inputs", mInputs.size(), mRequest.inputs().size());
@@ -87,6 +88,7 @@ public final class RequestRunner implements AutoCloseable {
                 mCompositions)) {
             recordLookups();
             List<Map<String, Object>> before = snapshots();
+            mStopwatch.mark(StageMark.PROCESS_IMAGE);
             mWaitStart = System.nanoTime();
             check("processImage", mStopwatch.time("process", call::process));
             if (mRequest.fullAsync()) {
@@ -94,6 +96,7 @@ public final class RequestRunner implements AutoCloseable {
             } else {
                 mWaitEnd = System.nanoTime();
             }
+            mStopwatch.mark("events read");
             outputs.forEach(image -> mOutputsAfter.add(ImageLayout.of(image)));
             addChanges(before);
         }

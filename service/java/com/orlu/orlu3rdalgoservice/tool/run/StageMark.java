@@ -16,6 +16,8 @@ import java.nio.file.Path;
  * @param allocated bytes that the thread has allocated on Java's heap so far
  */
 public record StageMark(String stage, int tid, long time, long faults, long allocated) {
+    /** The stage that the probe's events divide. */
+    public static final String PROCESS_IMAGE = "processImage";
     // Fields of /proc/PID/stat behind the command's name, which may contain blanks.
     private static final int MINOR_FAULTS = 7;
     private static final int MAJOR_FAULTS = 9;
