@@ -68,8 +68,9 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Growth by kRequests requests, the least of all rounds: on a busy machine more threads of a library overlap,
-// and each of them makes the C library create an arena once. False if a callback is missing.
+// Growth by kRequests requests, the least of all rounds if only memory grows: on a busy machine more threads
+// of a library overlap, and each of them makes the C library create an arena once. False if a callback is
+// missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
   // An exiting thread is listed a little longer.
   constexpr std::chrono::milliseconds kListed{150};
@@ -86,7 +87,8 @@ bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
       held = round == 0 ? growth.*limit.held : std::min(held, growth.*limit.held);
       isWithin = isWithin && held <= limit.slack;
     }
-    if (isWithin) break;
+    // Leaked descriptors or threads would run out.
+    if (isWithin || growth.descriptors > kLimits[0].slack || growth.threads > kLimits[1].slack) break;
   }
   return true;
 }
