@@ -1,9 +1,15 @@
 #!/usr/bin/env python3
 """Folders, sweeps, bursts and comparisons, and what programs read of them: many_shots_test.py BUILD_FOLDER"""
 
+import fcntl
 import json
+import os
+import pty
+import struct
+import subprocess
 import sys
 import tempfile
+import termios
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
@@ -182,6 +188,26 @@ def check_recorded(folder):
     expect("diff --quiet", (0, "verdict  ok\n"), (quiet.returncode, quiet.stdout))
 
 
+def check_terminal(folder):
+    """Progress on a narrow terminal: no line is wrapped, and the last one is cleared."""
+    terminal, stderr = pty.openpty()
+    fcntl.ioctl(stderr, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 20, 0, 0))
+    command = [ROOT / "run", "sweep", "shots/a.json", "--tag", "android.jpeg.orientation=0,90,180"]
+    with subprocess.Popen(command, cwd=folder, env={**os.environ, "ORLU_BUILD": str(BUILD)},
+                          stdout=subprocess.DEVNULL, stderr=stderr) as process:
+        os.close(stderr)
+        printed = b""
+        try:
+            while part := os.read(terminal, 4096):
+                printed += part
+        except OSError:  # the terminal's other end is closed
+            pass
+    os.close(terminal)
+    lines = printed.decode().split("\r\x1b[K")
+    expect("progress", (0, True, 19, ""),
+           (process.returncode, lines[1].startswith("running values: "), max(map(len, lines)), lines[-1]))
+
+
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -194,6 +220,7 @@ def main():
         check_compare(folder)
         check_sweep(folder)
         check_burst(folder)
+        check_terminal(folder)
         check_recorded(folder)
         refused(folder, "empty: expected request files (*.json) or recordings, found neither",
                 "empty")

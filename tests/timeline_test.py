@@ -9,6 +9,8 @@ import sys
 import tempfile
 from pathlib import Path
 
+import jsonschema
+
 sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import BUILD, ROOT, expect, failures, finish, run  # noqa: E402
 
@@ -113,7 +115,9 @@ def measures_stages(folder, sample):
     """--times: stages cover the run, and the wait for a slow library is the library's."""
     result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
                  "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
-    results = json.loads((folder / "results.json").read_text())["results"][0]
+    written = json.loads((folder / "results.json").read_text())
+    jsonschema.validate(written, json.loads((ROOT / "docs/results.schema.json").read_text()))
+    results = written["results"][0]
     stages = results["stages"]
     expect(f"{sample}: stages", STAGES, [stage["stage"] for stage in stages])
     total = sum(stage["milliseconds"] for stage in stages)

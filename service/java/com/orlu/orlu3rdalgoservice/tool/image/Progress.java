@@ -4,10 +4,10 @@ import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 /**
  * Shows the progress of long work in one line on standard error that is rewritten. Shows nothing unless the
- * property orlu.terminal reports a terminal. Thread-safe.
+ * property orlu.terminal has the columns of a terminal. Thread-safe.
  */
 public final class Progress {
-    private static final boolean TERMINAL = Boolean.getBoolean("orlu.terminal");
+    private static final int COLUMNS = Integer.getInteger("orlu.terminal", 0);
     private static final long FIRST_NANOSECONDS = 500_000_000L;
     private static final long PAUSE_NANOSECONDS = 50_000_000L;
     /** Until then, the first steps are too few for an estimate. */
@@ -25,11 +25,13 @@ public final class Progress {
     /** Shows the present activity. Call it before each one. */
     public static synchronized void show(String line) {
         long now = System.nanoTime();
-        if (!TERMINAL || now < sNext) {
+        if (COLUMNS == 0 || now < sNext) {
             return;
         }
         sNext = now + PAUSE_NANOSECONDS;
-        System.err.print(CLEAR_LINE + Printable.line(line));
+        // A line that the terminal wraps could not be cleared.
+        String shown = Printable.line(line);
+        System.err.print(CLEAR_LINE + shown.substring(0, Math.min(shown.length(), COLUMNS - 1)));
         System.err.flush();
         sShown = true;
     }
