@@ -190,7 +190,11 @@ def check_recorded(folder):
 
 def check_terminal(folder):
     """Progress on a narrow terminal: no line is wrapped, and the last one is cleared."""
-    terminal, stderr = pty.openpty()
+    try:
+        terminal, stderr = pty.openpty()
+    except OSError as error:
+        print(f"Progress on a terminal is not tested: no pseudo-terminal here: {error}")
+        return
     fcntl.ioctl(stderr, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 20, 0, 0))
     command = [ROOT / "run", "sweep", "shots/a.json", "--tag", "android.jpeg.orientation=0,90,180"]
     with subprocess.Popen(command, cwd=folder, env={**os.environ, "ORLU_BUILD": str(BUILD)},
