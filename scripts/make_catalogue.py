@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Finds the catalogue's facts on tags and parameters by trial: which depends on which, who reads and writes
-them,
-the values if tags are absent, and the result of each sample's algorithms.
+them, the values if tags are absent, and the result of each sample's algorithms.
 
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
 make_catalogue.py --texts             write both from the tables, the samples and the previous findings

@@ -19,7 +19,7 @@ constexpr int kThreads = 8;
 constexpr int kKeys = 8;  // per thread and shared block
 constexpr int kRounds =
     1000;  // each with a new shared block, because threads collide more often in a small one
-// The time limit; the minimum number of rounds, which finds a missing lock, runs anyway.
+// The time limit. kFewestRounds rounds run even if it is exceeded, because fewer could miss a missing lock.
 constexpr std::chrono::seconds kMostHammering{3};
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
@@ -117,7 +117,7 @@ struct Hammer {
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // Names of different threads are neighbours in any order in which a store may keep them.
+  // The names interleave the threads, so that their entries are neighbours in any kind of store.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }

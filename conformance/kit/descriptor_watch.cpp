@@ -97,7 +97,7 @@ int badDescriptor() {
   return -1;
 }
 
-// Frees a number that the library closed, for reuse. The lock is held.
+// Makes a kept number available for reuse. The lock is held.
 void giveUp(Seen& all, int fd, bool isClosed) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
