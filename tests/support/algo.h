@@ -1,5 +1,5 @@
-// The stand-in algorithm library, as the product opened it: scripted for the life of this object, its calls
-// recorded.
+// The stand-in algorithm library that the product opened. While this object lives, the library follows a
+// script and its calls are recorded.
 #pragma once
 
 #include <mutex>
@@ -10,7 +10,7 @@
 
 namespace orlu::test {
 
-// One operation that the library was asked for, with what tests look at.
+// A call of an operation of the library, with the arguments that tests examine.
 struct RecordedCall {
   std::string operation;
   std::string section;
@@ -18,10 +18,10 @@ struct RecordedCall {
   std::vector<uint8_t> bytes;
 };
 
-// Hands the stand-in a script, or null for its usual work. Nothing is recorded.
+// Sets the stand-in's script; null restores its default behaviour. Records nothing.
 void setScript(const standin::AlgoScript* script);
 
-// The same for the calling thread alone; null: it keeps to the common script again.
+// Sets the script of the calling thread only; null makes the thread use the common script again.
 void setThreadScript(const standin::AlgoScript* script);
 
 class Algo {
@@ -29,14 +29,14 @@ public:
   Algo();
   Algo(const Algo&) = delete;
   Algo& operator=(const Algo&) = delete;
-  ~Algo();  // waits for what is pending, and goes back to the usual work
+  ~Algo();  // waits for pending work, then restores the default behaviour
 
   // Takes effect with use().
   standin::AlgoScript script;
   void use();
 
   std::vector<RecordedCall> calls() const;
-  // The names of the operations in order, joined by blanks.
+  // The names of the operations in order, separated by blanks.
   std::string operations() const;
   void forget();
 

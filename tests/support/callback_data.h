@@ -1,4 +1,4 @@
-// The data of a result callback: 8 unused bytes, the request, the name's length, the name, the payload.
+// The data of a result callback: 8 unused bytes, the request, the length of the name, the name, the payload.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace orlu::test {
 
-// `rest` is the name and the payload, of which the name has `nameLength` bytes, or so it says.
+// `rest` is the name followed by the payload. `nameLength` is the claimed length of the name.
 inline std::vector<uint8_t> callbackData(uint64_t nativeReq, int32_t nameLength, const std::string& rest) {
   std::vector<uint8_t> data(20 + rest.size(), 0xEE);
   std::memcpy(&data[8], &nativeReq, sizeof nativeReq);

@@ -1,4 +1,4 @@
-// What reaches the Java side of the callbacks, during the life of this object. For the main thread.
+// Records the callbacks that reach Java while this object lives. For the main thread only.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ public:
   CallbackRecorder& operator=(const CallbackRecorder&) = delete;
   ~CallbackRecorder() { call(mRecorder, "stop", "()V"); }
 
-  // One line for each report: client, context, request, and the map's entries with their types, sorted.
+  // One line per callback: client, context, request, and the map's entries with their types, sorted.
   std::string reports() const { return stringOf(callObject(mRecorder, "reports", "()Ljava/lang/String;")); }
   void setThrows(bool isThrowing) { call(mRecorder, "setThrows", "(Z)V", isThrowing); }
 

@@ -1,4 +1,4 @@
-// Names the cases of a table, in test names and failures.
+// Names table rows in test names and failures.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace orlu::test {
 
-// The base of a table's rows: the name is their first value.
+// Base of table rows; its name is the row's first value.
 struct NamedCase {
   const char* name;
 

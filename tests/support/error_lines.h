@@ -1,4 +1,4 @@
-// What was logged, as tests compare it whole: one text for each line.
+// Formats the log as lines that tests compare in full.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// "tag: message", or "tag: * message" for a line with a prefix; a line that is no error begins with "?".
+// "tag: message", or "tag: * message" for a line with a prefix. "?" precedes lines that are not errors.
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {
@@ -20,7 +20,7 @@ inline Lines errorLines(const LogCapture& log) {
   return lines;
 }
 
-// One line for each error. Those under `tag`, with their prefix, show their message alone.
+// One line per error. Prefixed lines under `tag` appear as their message only.
 inline std::string errorText(const LogCapture& log, const std::string& tag) {
   const std::string usual = tag + ": * ";
   std::string text;
@@ -31,7 +31,7 @@ inline std::string errorText(const LogCapture& log, const std::string& tag) {
   return text;
 }
 
-// One text, of which a failure prints the lines that differ.
+// Joins the lines, so that a failure prints those that differ.
 inline std::string joined(const Lines& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + "\n";

@@ -36,7 +36,7 @@ jmethodID methodOf(jobject object, const char* name, const char* signature) {
   return method;
 }
 
-// An array of objects that are made of a rectangle and a number.
+// An array of objects, each constructed from a rectangle and a number.
 jobject weighted(const char* clazz, const std::vector<__tagOrluRect>& rects, int weight) {
   std::vector<jobject> objects;
   for (const __tagOrluRect& rect : rects) {
@@ -122,7 +122,7 @@ jobject javaString(const std::string& value) {
   return env()->NewStringUTF(value.c_str());
 }
 
-// Boxed values, and arrays. A float travels among variable arguments as a double.
+// Boxed values and arrays. Variable arguments pass float as double.
 #define JAVA_BOX(Type, Class, signature, T, JavaT)                              \
   jobject java##Type(T value) {                                                 \
     return newObject("java/lang/" Class, signature, static_cast<JavaT>(value)); \

@@ -1,5 +1,4 @@
-// Java objects of a request, made from C++. Every one is a local reference, freed by the LocalFrame of its
-// test.
+// Makes a request's Java objects from C++. All are local references; the test's LocalFrame frees them.
 #pragma once
 
 #include <jni.h>
@@ -13,7 +12,7 @@
 
 namespace orlu::test {
 
-// Frees the local references made during its life. One in each test.
+// Frees the local references made while it lives. Each test has one.
 class LocalFrame {
 public:
   LocalFrame() { env()->PushLocalFrame(4096); }
@@ -22,19 +21,19 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// Throws std::runtime_error with the Java exception that is pending, if there is one: the test fails.
+// Throws std::runtime_error with the pending Java exception, if any, which fails the test.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
 jobject newObject(const char* clazz, const char* signature, ...);
-// What a method returns, which the signature says: nothing, a boolean, int or long, or else an object.
-// std::runtime_error when it throws.
+// Calls a method that returns void, boolean, int, long or an object, according to its signature. Throws
+// std::runtime_error if the method throws.
 jvalue call(jobject object, const char* method, const char* signature, ...);
 template <typename... Arguments>
 jobject callObject(jobject object, const char* method, const char* signature, Arguments... arguments) {
   return call(object, method, signature, arguments...).l;
 }
-// The same of a static method that returns an object or nothing.
+// Calls a static method that returns void or an object.
 jobject callStatic(const char* clazz, const char* method, const char* signature, ...);
 int intField(jobject object, const char* name);
 jobject objectField(jobject object, const char* name, const char* signature);
@@ -59,10 +58,10 @@ jobject javaFaces(const std::vector<__tagOrluRect>& faces);
 jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight);
 jobject javaLocation(double latitude, double longitude, double altitude, int64_t time);
 jobject javaList(const std::vector<jobject>& elements);
-// A list that claims `size` elements, all of them null unless get() throws.
+// A list that claims `size` elements. get() returns null or throws.
 jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 
-// And back.
+// Conversions from Java.
 int32_t intOf(jobject value);
 std::string stringOf(jobject value);
 std::vector<int32_t> intsOf(jobject value);
@@ -70,7 +69,7 @@ std::vector<int32_t> intsOf(jobject value);
 // Metadata.
 jobject newMetadata();
 void setTag(jobject metadata, const char* tag, jobject value);
-// The bytes of a parcel that the metadata was written to.
+// The bytes of a parcel to which the metadata was written.
 std::vector<uint8_t> parcelBytes(jobject metadata);
 jobject newCaptureResult(jobject metadata);
 jobject newCharacteristics(jobject metadata);
@@ -78,21 +77,22 @@ jobject newCharacteristics(jobject metadata);
 jobject newComposition(jobject metadata = nullptr);
 void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
-// A composition that throws, whatever is asked of it.
+// A composition whose methods all throw.
 jobject newThrowingComposition();
-// The store's type of a tag, a constant of TagType; empty for a tag that it does not know.
+// The store's type of a tag, a constant of TagType; empty for an unknown tag.
 std::string typeOfTag(const std::string& tag);
-// What to do about a tag that the store does not know as this type.
+// Advice for a tag that the store does not know as this type.
 std::string tagTableHint(const std::string& tag, const std::string& type);
 
 // Images.
 jobject newSharedMemory(int size);
-// A buffer around a native handle of these words, of which the first `numFds` are descriptors it takes over.
+// A buffer around a native handle of these words. The first `numFds` words are descriptors; the buffer owns
+// them.
 jobject newHardwareBuffer(int numFds, const std::vector<int32_t>& words);
 jobject newHardwareBuffer(int width, int height, int format);
 
 struct ImageSpec {
-  const char* format = "NV21";  // null for none
+  const char* format = "NV21";  // may be null
   int width = 64;
   int height = 48;
   std::vector<int32_t> strides = {64, 64};
@@ -101,7 +101,7 @@ struct ImageSpec {
   jobject hardwareBuffer = nullptr;
 };
 jobject newImage(const ImageSpec& spec);
-// A 64 x 48 NV21 image in shared memory of its own.
+// A 64 x 48 NV21 image with its own shared memory.
 jobject newSmallImage();
 
 jobject newRequest(int64_t requestId, const char* requestType);

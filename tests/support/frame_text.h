@@ -1,4 +1,4 @@
-// Frame records as text, for comparisons that show what differs.
+// Formats frame records as text, so that failed comparisons show the differences.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ inline std::string layoutText(const AlgoFrameInfo& frame) {
          listText(frame.stride) + " |" + listText(frame.planeSize) + " | " + std::to_string(frame.size);
 }
 
-// "width x height, layout, scan lines, descriptors and their sizes"; the native handle is left out.
+// "width x height, layout, scan lines, descriptors and their sizes"; without the native handle.
 inline std::string frameText(const AlgoFrameInfo& frame) {
   return std::to_string(frame.width) + 'x' + std::to_string(frame.height) + ' ' + layoutText(frame) + " |" +
          listText(frame.scanline) + " | " + std::to_string(frame.fdCount) + listText(frame.fd) + " |" +

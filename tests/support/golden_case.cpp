@@ -43,7 +43,7 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   images.insert(images.end(), static_cast<size_t>(times), image);
 }
 
-// "c2 orlu.control.reqID int 5" goes into the composition of frame 2, "* ..." into every capture result.
+// "c2 orlu.control.reqID int 5" sets a tag in the composition of frame 2, "* ..." in every capture result.
 void addTag(std::vector<GoldenFrame>& frames, const GoldenLine& line) {
   std::istringstream in(line.text);
   std::string where;
@@ -79,7 +79,7 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
   }
 }
 
-// "section key value"; behind "~", in place of what stands so far under a section and a key.
+// "section key value"; after "~" it replaces the previous writes of this section and key.
 void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, const GoldenLine& line) {
   const bool isReplacing = first == "~";
   std::string section = first;
@@ -96,7 +96,7 @@ void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, c
   replaced = write;
 }
 
-// `name` is relative to the folder of golden texts.
+// `name` is relative to the folder of the golden texts.
 void readText(GoldenCase& golden, const std::string& name, std::string section) {
   readGoldenLines(goldenFolder() + name + ".txt", [&](const GoldenLine& line) {
     std::istringstream in(line.text);
@@ -119,7 +119,7 @@ void readText(GoldenCase& golden, const std::string& name, std::string section) 
   });
 }
 
-// "= Name of text" begins a variation of it; "> ..." is what it expects, any other line what it changes.
+// "= Name of text" starts a variation of the text; "> ..." is an expectation, other lines are changes.
 void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& line) {
   std::istringstream in(line.text.substr(1));
   if (line.text[0] == '=') {
@@ -138,7 +138,7 @@ void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& li
   }
 }
 
-// Every text in a folder: one that is added is read.
+// All texts in a folder, including new ones.
 std::vector<std::filesystem::path> textsIn(const std::string& folder) {
   std::vector<std::filesystem::path> texts;
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + folder)) {

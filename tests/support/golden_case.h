@@ -1,5 +1,5 @@
-// One golden text: a request, and what translating its metadata must come to. tests/golden/README.md
-// describes the notation.
+// A golden text: a request and the expected translation of its metadata. See tests/golden/README.md for the
+// notation.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@
 
 namespace orlu::test {
 
-// A line of a file, or what is wrong with it.
+// A line of a file, or a failure at that line.
 struct GoldenLine {
   std::string text;
   std::string file;
@@ -31,8 +31,7 @@ struct GoldenTag : GoldenValue {
   GoldenLine line;
 };
 
-// The tags of one frame: what the camera reported, and the composition over it. "none" is a value, too: the
-// tag is not there.
+// The tags of one frame: capture result and composition. The value "none" means an absent tag.
 struct GoldenFrame {
   std::map<std::string, GoldenTag> captureResult;
   std::map<std::string, GoldenTag> composition;
@@ -42,46 +41,46 @@ struct GoldenFrame {
 struct GoldenWrite {
   std::string name;  // section and key, without "orlu.algo."
   GoldenValue value;
-  GoldenLine line;  // that gives the value
+  GoldenLine line;  // the line with the value
 };
 
 struct GoldenCase {
-  std::string name;  // "Variation of text", or the text's alone
+  std::string name;  // "Variation of text", or the name of the text
 
   std::string requestType;
   std::vector<GoldenImage> inputs;
   std::vector<GoldenImage> outputs;
   std::vector<std::string> algorithms;
   std::vector<std::pair<std::string, std::string>> properties;
-  std::vector<GoldenLine> tagLines;  // that `frames` come from
+  std::vector<GoldenLine> tagLines;  // the lines that `frames` was read from
   std::vector<GoldenFrame> frames;
 
-  std::vector<GoldenLine> after;  // as they are written
+  std::vector<GoldenLine> after;  // as written in the file
   std::vector<GoldenWrite> writes;
-  std::vector<GoldenLine> expectations;  // of a variation, without their ">"
+  std::vector<GoldenLine> expectations;  // of a variation, without ">"
 };
 
-// Calls `read` for each line of a file that is neither empty nor a comment. Throws std::runtime_error, with
-// the file and the line, for what `read` throws.
+// Calls `read` for each line of a file except empty lines and comments. If `read` throws, throws
+// std::runtime_error with the file and the line.
 void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read);
 
-// Reads a text of the folder of golden texts, by its name. This and the following throw std::runtime_error,
-// with the file and the line, for what they do not understand.
+// Reads the golden text with this name. This function and the following ones throw std::runtime_error, with
+// the file and the line, on syntax errors.
 GoldenCase readGoldenCase(const std::string& name);
-// Every text of the folder; every variation of one.
+// All golden texts; all variations of a text.
 std::vector<GoldenCase> allGoldenTexts();
 std::vector<GoldenCase> allGoldenVariations();
 
-// Reads one more line of tags, such as "0 orlu.control.reqID int 5", or a line of the request, such as
-// "algorithms night hdr", which takes the place of the lines that began like it; "and input ..." joins them.
+// Applies one more line of tags, such as "0 orlu.control.reqID int 5", or of the request, such as "algorithms
+// night hdr". The latter replaces lines with the same first word, except that "and input ..." adds an input.
 void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
-// The same request with every tag in a composition, over another value in the capture result: whatever asks
-// the capture result alone finds the other value. Tags that a composition has, be it "none", stay as they
-// are.
+// The same request with all tags moved to compositions, and other values in the capture results, so that code
+// that only reads the capture result gets the wrong value. Tags already in a composition, including "none",
+// stay unchanged.
 GoldenCase withOverrides(const GoldenCase& golden);
 
-// The name of each write in order, with "#2" behind one that comes for the second time.
+// The name of each write in order, with "#2" after the second write of a name.
 std::vector<std::string> namesOf(const std::vector<GoldenWrite>& writes);
 
 }  // namespace orlu::test

@@ -62,7 +62,7 @@ jobject javaValue(const GoldenValue& value) {
   throw std::runtime_error("no tag has the type " + type);
 }
 
-// The constant of TagType for a golden type: "ints" is INT_ARRAY.
+// The TagType constant of a golden type: "ints" is INT_ARRAY.
 std::string tagTypeOf(const std::string& type) {
   static const std::map<std::string, std::string> types = {
       {"bytes",   "BYTES"              },
@@ -77,7 +77,7 @@ std::string tagTypeOf(const std::string& type) {
   return name;
 }
 
-// Only a capture result knows what tags there are, and their types.
+// Only capture results check tags and their types.
 void setKnownTag(jobject metadata, const char* tag, const GoldenTag& value) {
   try {
     setTag(metadata, tag, javaValue(value));
@@ -91,7 +91,7 @@ void putTag(jobject composition, const char* tag, const GoldenTag& value) {
   putKey(composition, tag, javaValue(value));
 }
 
-// One tag makes several references; with a frame for each, a long burst needs no more than a short one.
+// Each tag needs several references; a local frame per tag limits them for long bursts.
 void fill(const std::map<std::string, GoldenTag>& tags, jobject target,
           void (*set)(jobject, const char*, const GoldenTag&)) {
   for (const auto& [tag, value] : tags) {
@@ -146,7 +146,7 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
   return writes;
 }
 
-// "output 0 unchanged", or its sizes as a golden text has them, and all of its record if anything else
+// "output 0 unchanged", or its sizes as in a golden text, followed by the whole record if anything else
 // changed.
 std::string describeOutput(size_t index, AlgoFrameInfo expected, const AlgoFrameInfo& after) {
   std::ostringstream out;
@@ -172,7 +172,7 @@ std::string numbersLine(const char* name, int first, int second) {
   return std::string(name) + ' ' + std::to_string(first) + ' ' + std::to_string(second);
 }
 
-// What is wrong, at the line of the golden text that says otherwise.
+// A failure at the line of the golden text that it contradicts.
 GoldenLine failure(const GoldenLine& line, const std::string& text) {
   return {text, line.file, line.number};
 }
@@ -212,12 +212,12 @@ void compareWrites(std::vector<GoldenLine>& failures, const std::vector<GoldenWr
   }
 }
 
-// What a variation came to, compared line by line.
+// The result of a variation, compared line by line.
 class Outcome {
 public:
   Outcome(const GoldenRun& run, const LogCapture& log) : mRun(run), mLines(log.lines()) {}
 
-  // The expectation itself when it is met, else what there is in its place.
+  // Returns the expectation if it is met, else the actual result.
   std::string found(const std::string& expectation) const {
     std::istringstream in(expectation);
     std::string word;
@@ -234,7 +234,7 @@ public:
   }
 
 private:
-  // "2 system face_info": how often a key was written.
+  // "2 system face_info": number of writes of a key.
   std::string foundTimes(std::istream& in) const {
     int expected = 0;
     std::string name;
@@ -244,7 +244,7 @@ private:
     return "times " + std::to_string(times) + ' ' + name;
   }
 
-  // "2 "message"": how often a line was logged. Lines of the short tag have no prefix.
+  // "2 "message"": number of log lines. Lines of the short tag have no prefix.
   std::string logged(std::istream& in, const std::string& kind) const {
     const bool isShort = kind == "short";
     int expected = 0;
@@ -260,7 +260,7 @@ private:
     return out.str();
   }
 
-  // "system ae_weight int 7": the value last written.
+  // "system ae_weight int 7": the last value written.
   std::string foundWrite(const std::string& expectation, const std::string& section, std::istream& in) const {
     std::string key;
     std::string text;

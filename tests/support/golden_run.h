@@ -1,5 +1,5 @@
-// Translates the metadata of a golden request, the way the product does it for an image request, and compares
-// what that comes to with the text.
+// Translates the metadata of a golden request as the product does for an image request, and compares the
+// result with the text.
 #pragma once
 
 #include <functional>
@@ -13,24 +13,24 @@
 
 namespace orlu::test {
 
-// What translating a request came to.
+// The result of translating a request.
 struct GoldenRun {
-  std::vector<GoldenWrite> writes;  // in order; their types are "bytes"
+  std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
   std::vector<std::string> after;   // the lines that a text has below [after]
-  // What a variation may ask for beside those lines: outputs that did not change, "no skip", the first
-  // input's format and the bracketing.
+  // Other facts that variations can expect: unchanged outputs, "no skip", the first input's format and the
+  // bracketing.
   std::vector<std::string> more;
 };
 
-// `algo` records the calls, and is forgotten first. `inspect` sees the updater before its parameter block is
+// Clears `algo`, then records the calls in it. `inspect` gets the updater before its parameter block is
 // destroyed.
 GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
                     const std::function<void(MetadataUpdater&)>& inspect = {});
 
-// Everything in which `run` differs from a text, as the line of the text that says otherwise and what is
-// wrong: lines that are missing, values, lines too many, then order.
+// The differences between `run` and a text, each with the line of the text and the reason: first missing
+// lines, then wrong values, surplus lines, and order.
 std::vector<GoldenLine> checkGoldenText(const GoldenCase& golden, const GoldenRun& run);
-// The expectations of a variation that `run` and its log do not meet, each with what was found instead.
+// The variation's expectations that `run` and its log do not meet, each with the actual result.
 std::vector<GoldenLine> checkGoldenVariation(const GoldenCase& golden, const GoldenRun& run,
                                              const LogCapture& log);
 

@@ -57,7 +57,7 @@ std::string describeNumbers(const Bytes& bytes) {
   for (size_t i = 0, times = 1; i < values.size(); i += times) {
     const auto isSame = [&](size_t other) { return std::memcmp(&values[i], &values[other], sizeof(T)) == 0; };
     for (times = 1; i + times < values.size() && isSame(i + times);) ++times;
-    // "Not a number" has a sign, in which machines differ.
+    // The sign of NaN differs between machines.
     const bool isNan = std::isnan(static_cast<double>(values[i]));
     isNan ? out << " nan" : out << ' ' << +values[i];
     if (times > 1) out << '*' << times;
@@ -74,7 +74,7 @@ struct NumberType {
 template <typename T>
 constexpr NumberType kNumberType = {sizeof(T), append<T>, describeNumbers<T>};
 
-// Returns null for a type that isn't a number. "ints" is as good as "int" here.
+// Returns null for types that are not numeric. Treats "ints" as "int".
 const NumberType* numberType(std::string type) {
   static const std::map<std::string, NumberType> types = {
       {"byte",   kNumberType<uint8_t>},
@@ -91,7 +91,7 @@ const NumberType* numberType(std::string type) {
   return found == types.end() ? nullptr : &found->second;
 }
 
-// A text, or numbers as far as the words go.
+// A string, or numbers up to the end of the words.
 Bytes parseWords(const std::string& type, std::istream& in, int frame) {
   if (type == "text" || type == "string") {
     const std::string text = quotedText(in);
@@ -128,7 +128,7 @@ void putPart(Bytes& bytes, std::string part, int frame) {
   put(bytes, offset, parseWords(type, in, frame), part);
 }
 
-// The words of a record that aren't zero.
+// The nonzero words of a record.
 std::string describeRecord(Bytes bytes) {
   bytes.resize((bytes.size() + 3) / 4 * 4);
   const std::vector<int32_t> words = GoldenValue{"", bytes}.numbers<int32_t>();

@@ -1,4 +1,4 @@
-// A value of a golden text: its type, and its bytes as they travel. tests/golden/README.md describes the
+// A value of a golden text: its type and its bytes as transferred. See tests/golden/README.md for the
 // notation.
 #pragma once
 
@@ -15,7 +15,7 @@ struct GoldenValue {
   std::string type;  // without its size
   std::vector<uint8_t> bytes;
 
-  // Its numbers, as they stand in `bytes`.
+  // The numbers in `bytes`.
   template <typename T>
   std::vector<T> numbers() const {
     std::vector<T> values(bytes.size() / sizeof(T));
@@ -24,14 +24,14 @@ struct GoldenValue {
   }
 };
 
-// Reads one word, or several in quotes.
+// Reads one word, or several words in quotes.
 std::string quotedText(std::istream& in);
 
-// Reads "type words..." as of a frame. Throws std::runtime_error for what it does not understand.
+// Reads "type words..." for this frame. Throws std::runtime_error on syntax errors.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
-// The bytes in the notation above, as values of `type`; as integers when they can't be. Other bytes have
-// another text, but "not a number" is the same as any other.
+// Formats the bytes in the notation above as values of `type`, or as integers if that is impossible.
+// Different bytes give different text, except that all NaNs are equal.
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes);
 
 }  // namespace orlu::test

@@ -1,4 +1,4 @@
-// A Java value as text, and what is put into compositions.
+// Formats Java values as text, and records values put into compositions.
 #pragma once
 
 #include <jni.h>
@@ -17,7 +17,7 @@ inline std::string toStringOf(jobject value) {
   return stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
 }
 
-// A value by its class and contents: "Integer 5", "float[] 1.5 2.0", "Integer[] 1 2".
+// The value's class and contents: "Integer 5", "float[] 1.5 2.0", "Integer[] 1 2".
 inline std::string describeJava(jobject value) {
   if (value == nullptr) return "null";
   jobject clazz = callObject(value, "getClass", "()Ljava/lang/Class;");
@@ -31,8 +31,8 @@ inline std::string describeJava(jobject value) {
   return text;
 }
 
-// Every putMetadata() during its life, in order, those that a later one overwrites too: one line each, with
-// the index of the composition, the key and the value.
+// Records every putMetadata() while it lives, in order, including values that later ones overwrite. One line
+// each: index of the composition, key and value.
 class PutRecorder {
 public:
   explicit PutRecorder(std::vector<jobject> compositions)

@@ -1,18 +1,18 @@
-// The JNI functions that requests may call, as lists: X(name) for each.
+// The JNI functions that requests may call, as lists of X(name).
 #pragma once
 
 // clang-format off
 
 #define ORLU_JNI_TYPES(X) X(Boolean) X(Byte) X(Char) X(Short) X(Int) X(Long) X(Float) X(Double)
 
-// Those that call a Java method and take its arguments as a list.
+// Functions that call a Java method and take its arguments as va_list.
 #define ORLU_JNI_METHODS_OF(Type) X(Call##Type##MethodV) X(CallStatic##Type##MethodV)
 #define ORLU_JNI_METHODS                                                         \
   ORLU_JNI_TYPES(ORLU_JNI_METHODS_OF)                                            \
   X(CallObjectMethodV) X(CallStaticObjectMethodV)                                \
   X(CallVoidMethodV) X(CallStaticVoidMethodV) X(NewObjectV)
 
-// Those whose arguments tell all.
+// Functions without variable arguments.
 #define ORLU_JNI_PLAIN_OF(Type)                                                  \
   X(Get##Type##Field) X(Set##Type##Field) X(GetStatic##Type##Field)              \
   X(New##Type##Array) X(Set##Type##ArrayRegion)                                  \

@@ -14,7 +14,7 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
-  // Replaces `Member`: counts its calls and passes them on, unless they are to fail.
+  // Replaces `Member`: counts calls and passes them on, or makes them fail.
   template <auto Member>
   struct Counted;
 
@@ -26,7 +26,7 @@ struct JniTableFunctions {
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
       const auto function = gTable->mFunctions.original().*Member;
       if (gTable->mInsideVm) return function(env, arguments...);
-      // While the VM answers a call, what comes through the table is its own native methods' doing.
+      // While the VM executes a call, calls through the table are those of its own native methods.
       const struct Inside {
         Inside() { gTable->mInsideVm = true; }
         ~Inside() { gTable->mInsideVm = false; }
@@ -102,7 +102,7 @@ int JniTable::calls(const std::string& function) const {
 
 jclass JniTable::findClass(const char* name) {
   mLookups.emplace_back(name);
-  // A name that no class has leaves the exception that the VM leaves.
+  // Looking up a nonexistent class makes the VM set its exception.
   return mFunctions.env()->FindClass(mHidden.count(name) != 0 ? "no/such/Class" : name);
 }
 
@@ -116,7 +116,7 @@ Id JniTable::findMember(Id (*original)(JNIEnv*, jclass, const char*, const char*
   return original(mFunctions.env(), clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
 }
 
-// An object that a function returned is a new local reference; those that were made in a frame end with it.
+// Each object returned by a function is a new local reference. PopLocalFrame frees those of its frame.
 void JniTable::noteObject(const std::string& function, jobject object) {
   if (function == "PopLocalFrame" && !mFrames.empty()) {
     mLocalReferences = mFrames.back();

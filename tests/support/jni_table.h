@@ -1,6 +1,6 @@
-// A thin table of our own over an environment's JNI functions, in place for the life of this object: it
-// counts calls and lets lookups and calls fail. What native methods of the Java library do on the way is
-// passed through, uncounted: their references end with them.
+// Replaces an environment's JNI functions while this object lives, to count calls and to make lookups and
+// calls fail. Calls made inside native methods of the Java library are passed through uncounted: their
+// references are freed when they return.
 #pragma once
 
 #include <jni.h>
@@ -21,22 +21,22 @@ public:
   JniTable& operator=(const JniTable&) = delete;
   ~JniTable();
 
-  // From now on these are not found, and the VM's exception is left behind: a class by its name, a member as
-  // "class.member", a static one and a field too.
+  // Makes lookups fail from now on, with the VM's exception pending. Names a class, or "class.member" for
+  // methods and fields, static or not.
   void hide(const std::string& name);
 
-  // From now on this function answers null or 0 and leaves an OutOfMemoryError. It must be one of those that
-  // are counted.
+  // Makes this function return null or 0 from now on, with an OutOfMemoryError pending. It must be one of the
+  // counted functions.
   void fail(const std::string& function);
 
-  // Calls by the function's name.
+  // Number of calls of a function.
   int calls(const std::string& function) const;
-  // Every lookup in order: a class as its name, a member as "class.member signature", or "null.member
+  // All lookups in order: a class as its name, a member as "class.member signature" or "null.member
   // signature".
   const std::vector<std::string>& lookups() const { return mLookups; }
-  // Local references made less those deleted, as far as this library makes them.
+  // Local references that this library made minus those it deleted.
   int localReferences() const { return mLocalReferences; }
-  // Arrays whose elements were fetched and not released.
+  // Arrays whose elements were acquired but not released.
   int heldArrays() const;
 
 private:
@@ -55,7 +55,7 @@ private:
   std::map<std::string, int> mCalls;
   std::vector<std::string> mLookups;
   int mLocalReferences = 0;
-  std::vector<int> mFrames;  // mLocalReferences when each was pushed
+  std::vector<int> mFrames;  // mLocalReferences at each push
   bool mInsideVm = false;
 };
 

@@ -15,7 +15,7 @@ JavaVM* gVm = nullptr;
 thread_local JNIEnv* gEnv = nullptr;
 std::string gVmOutput;
 
-// The VM writes to descriptor 1. It gets a file of its own, and this program's standard output another
+// The VM writes to descriptor 1, which becomes a file; this program's standard output gets another
 // descriptor.
 bool splitOutput() {
   char path[] = "/tmp/orlu-vm-output-XXXXXX";
@@ -63,7 +63,7 @@ bool startCheckedJvm(const std::vector<std::string>& jars) {
 bool jvmIsQuiet() {
   std::ifstream output(gVmOutput);
   bool quiet = true;
-  int following = 0;  // the lines behind a complaint say where it came from
+  int following = 0;  // the lines after a complaint show its origin
   for (std::string line; std::getline(output, line);) {
     if (isComplaint(line)) {
       quiet = false;

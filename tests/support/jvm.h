@@ -1,4 +1,4 @@
-// The one Java VM of a program.
+// The program's Java VM; a process can only have one.
 #pragma once
 
 #include <jni.h>
@@ -8,21 +8,21 @@
 
 namespace orlu::test {
 
-// Starts the VM with these options and a class path of these jars, given by name (see jarPath()) or, when
-// they are not ours, by an absolute path. False, with a line on standard error, when it can't be started.
+// Starts the VM with these options and jars. Jars are names (see jarPath()) or, if they are not ours,
+// absolute paths. On failure prints a line to standard error and returns false.
 bool startJvm(const std::vector<std::string>& jars, std::vector<std::string> options);
 
-// The same with -Xcheck:jni on. The VM's output goes to a file that jvmIsQuiet() reads.
+// Same with -Xcheck:jni. The VM's output goes to a file that jvmIsQuiet() reads.
 bool startCheckedJvm(const std::vector<std::string>& jars);
-// Prints what the VM complained of about JNI calls, and removes the file. True when there was nothing.
+// Prints the VM's complaints about JNI calls and deletes the file. Returns true if there are none.
 bool jvmIsQuiet();
 
 JavaVM* javaVm();
-// The environment of the calling thread: the one that started the VM, or one that holds an AttachedThread.
-// Null on any other.
+// The environment of the calling thread, which started the VM or has an AttachedThread. Null on other
+// threads.
 JNIEnv* env();
 
-// Attaches a thread for the life of this object.
+// Attaches the calling thread while this object lives.
 class AttachedThread {
 public:
   AttachedThread();

@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<LogCapture*> gInnermost{nullptr};
 
-// Lines that were logged before, by "priority tag: file function() message".
+// Lines logged so far, by "priority tag: file function() message".
 std::mutex gEverythingMutex;
 std::map<std::string, LogLine> gEverything;
 

@@ -1,5 +1,5 @@
-// Everything that is logged during its life, from any thread. The innermost capture takes a line; when the
-// last one ends, lines go to standard error, as they do at the start of a program.
+// Captures the log of all threads while this object lives. The innermost capture receives a line. Without a
+// capture, and at the start of a program, lines go to standard error.
 #pragma once
 
 #include <android/log.h>
@@ -10,15 +10,15 @@
 
 namespace orlu::test {
 
-// One line. Most begin with "file.cpp:12 function() "; file and function are empty for those that do not.
+// A logged line. Most begin with "file.cpp:12 function() "; otherwise file and function are empty.
 struct LogLine {
   int priority;
   std::string tag;
   std::string file;  // "vrequest.cpp"
   std::string function;
-  std::string message;  // behind the prefix
+  std::string message;  // after the prefix
 
-  // "file function() message", or the message alone.
+  // "file function() message", or only the message.
   std::string text() const { return file.empty() ? message : file + ' ' + function + "() " + message; }
 };
 
@@ -31,16 +31,16 @@ public:
 
   std::vector<LogLine> lines() const;
   void clear();
-  // How many lines have this priority, tag and message; their prefix may be any.
+  // Number of lines with this priority, tag and message, and any prefix.
   int count(int priority, const std::string& tag, const std::string& message) const;
   int errors(const std::string& tag, const std::string& message) const {
     return count(ANDROID_LOG_ERROR, tag, message);
   }
-  // Whether "tag: file function() message" of any line has this part.
+  // Whether "tag: file function() message" of a line contains this part.
   bool contains(const std::string& part) const;
-  // Every line with a prefix that any capture took so far, once for each of its messages.
+  // All lines with a prefix that any capture has received, each distinct message once.
   static std::vector<LogLine> everything();
-  // All lines as "tag: file function() message", each with its end of line.
+  // All lines as "tag: file function() message", each with a newline.
   std::string text() const;
 
 private:
@@ -51,7 +51,7 @@ private:
   std::vector<LogLine> mLines;
 };
 
-// Nothing that is logged goes anywhere, until the next capture ends.
+// Discards the log until the next capture ends.
 inline void silenceLog() {
   __android_log_set_logger([](const __android_log_message*) {});
 }

@@ -14,7 +14,7 @@
 namespace orlu::test {
 namespace {
 
-// The message's conversions become "*", and what fnmatch() would read otherwise is escaped.
+// Replaces the message's conversions by "*" and escapes characters special to fnmatch().
 std::string patternOf(const std::string& message) {
   std::string pattern;
   for (size_t i = 0; i < message.size(); ++i) {

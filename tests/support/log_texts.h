@@ -1,6 +1,5 @@
-// The texts in golden/logs: every line that is logged under a prefix, with the operation that the prefix
-// shows. An engineer who reads a log looks for the name that the line says, so that no helper's name may
-// stand there.
+// The texts in golden/logs: every line logged with a prefix, and the operation in the prefix. Engineers
+// search the log for the operation's name, so a helper function must not replace it.
 #pragma once
 
 #include <string>
@@ -13,11 +12,11 @@ namespace orlu::test {
 
 class LogTexts {
 public:
-  // Reads all texts. Throws std::runtime_error, with the file and the line, for what it does not understand.
+  // Reads all texts. Throws std::runtime_error, with the file and the line, on syntax errors.
   LogTexts();
 
-  // Marks the texts of these lines as seen, and prints each line that has none, figures left out, once.
-  // Returns whether all have one.
+  // Marks the texts of these lines as seen, and prints each line without a text once, without numbers.
+  // Returns true if all lines have a text.
   bool haveAll(const std::vector<LogLine>& lines);
   // The texts of a class that haveAll() has not seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;
@@ -26,7 +25,7 @@ private:
   struct Form {
     GoldenLine line;
     std::string clazz;
-    std::string pattern;  // of fnmatch(): "D _V_VASJNI-VRequest getRequestInfo() request info: *"
+    std::string pattern;  // for fnmatch(): "D _V_VASJNI-VRequest getRequestInfo() request info: *"
     bool isSeen = false;
   };
 

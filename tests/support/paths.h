@@ -1,19 +1,19 @@
-// The folders of this build that tests read at run time, and where they write.
+// Folders of this build for tests.
 #pragma once
 
 #include <string>
 
 namespace orlu::test {
 
-// The golden texts, with a "/" at the end.
+// The folder of the golden texts, ending in "/".
 std::string goldenFolder();
-// The libraries that a Java VM loads.
+// The folder of the libraries that a Java VM loads.
 std::string libraryFolder();
-// The path of a jar of ours: "orlu-service" is java/orlu-service.jar.
+// The path of one of our jars: "orlu-service" is java/orlu-service.jar.
 std::string jarPath(const std::string& name);
 
-// Where tests make files, with a "/" at the end. In memory where there is such a folder: under the emulator a
-// 32-bit process can't list one of a file system whose positions have 64 bits.
+// The folder for files of tests, ending in "/". Prefers a folder in memory: under the emulator, a 32-bit
+// process cannot list folders of a file system with 64-bit directory positions.
 std::string temporaryFolder();
 
 }  // namespace orlu::test

@@ -1,4 +1,4 @@
-// What this process holds of the system, to see what leaked.
+// Resources of this process, to detect leaks.
 #pragma once
 
 #include <unistd.h>
@@ -9,7 +9,7 @@
 
 namespace orlu::test {
 
-// Also the one behind the folder itself.
+// Includes the descriptor that lists the folder.
 inline int openDescriptors() {
   const std::filesystem::directory_iterator folder("/proc/self/fd");
   return static_cast<int>(std::distance(begin(folder), end(folder)));

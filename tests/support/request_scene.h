@@ -1,5 +1,5 @@
-// A request of one client, from Java to a scripted algorithm library and back. When a test ends, nothing of
-// it may be left.
+// A request of one client, from Java to a scripted algorithm library and back. Checks for leaks at the end of
+// each test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace orlu::test {
 class RequestScene : public testing::Test {
 protected:
   static constexpr int64_t kReqId = 0x2'0000'0001;
-  static constexpr int32_t kTuningMode = 64;  // what the algorithms leave
+  static constexpr int32_t kTuningMode = 64;  // the algorithms' result
 
   RequestScene() {
     mAlgo.script.runAlgorithms = false;
@@ -32,7 +32,7 @@ protected:
     setAlgoList({"flip", "custom"});
   }
 
-  // Uses the script for a client of its own.
+  // Creates a client that uses the script.
   void create(jobject param = nullptr) {
     mAlgo.use();
     mInst = RequestProcessor::create(env(), param);
@@ -73,7 +73,7 @@ protected:
     bool unused = false;
     return AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, unused);
   }
-  // The id of the newest request, by the one behind it.
+  // The id of the newest request: one less than the next id.
   static uint64_t newestRequest() {
     const uint64_t next = AlgoNativeRequestMap::getInstance()->create(0, nullptr, false);
     AlgoNativeRequestMap::getInstance()->remove(next);
@@ -87,9 +87,9 @@ protected:
   const jobject mInputs = javaList({newSmallImage()});
   const jobject mOutputs = javaList({newSmallImage(), newSmallImage()});
   int64_t mInst = 0;
-  std::map<std::string, int32_t> mAnswers;  // what the library answers for a key instead of what was stored
-  // What it was asked for: the operations, each with what it is about, but for those on values that do not
-  // abort a request; blocks destroyed; the last process(); the values of "abort_key" and setRaw(); a file.
+  std::map<std::string, int32_t> mAnswers;  // the library returns these instead of the stored values
+  // Calls of the library: the operations with their subject, except value operations that do not abort a
+  // request. Then the destroyed blocks, the last process(), the values of "abort_key" and setRaw(), and a file.
   std::string mTrace;
   std::vector<void*> mDestroyed;
   AlgoProcessRecord mSubmitted = {};

@@ -1,5 +1,5 @@
-// A request whose algorithms have finished: what they left in the parameter set, its images and its
-// compositions. Translating it tells what was put into which composition, and what was logged.
+// A request whose algorithms have finished: their results in the parameter set, its images and its
+// compositions. Translating it records the values put into each composition, and the log.
 #pragma once
 
 #include <jni.h>
@@ -17,7 +17,7 @@
 
 namespace orlu::test {
 
-// What an algorithm left in the parameter set; the section without "orlu.algo.".
+// An algorithm's result in the parameter set; the section lacks "orlu.algo.".
 struct LeftValue {
   std::string section;
   std::string key;
@@ -32,12 +32,12 @@ LeftValue left(const char* section, const char* key, const std::vector<T>& value
   };
 }
 
-// A frame's composition; its capture result tells the time when it was exposed.
+// A frame's composition, with the exposure time in its capture result.
 inline jobject compositionAt(int64_t timestamp) {
   jobject metadata = newMetadata();
   setTag(metadata, "android.sensor.timestamp", javaLong(timestamp));
   jobject composition = newComposition(metadata);
-  // Must not be asked.
+  // Must not be read.
   putKey(composition, "android.sensor.timestamp", javaLong(-timestamp));
   return composition;
 }
@@ -55,7 +55,7 @@ public:
   std::vector<jobject> compositions;
   bool hasOutputs = true;
 
-  // Translates the results. May be called once.
+  // Translates the results. Call it at most once.
   void translate() {
     mBlock = mClient.context().createMetadata();
     for (LeftValue& value : values) {
@@ -74,12 +74,12 @@ public:
   }
 
   const std::string& puts() const { return mPuts; }
-  // Priority and message of each line of the result updater, without its prefix: "D updateMarkMode 4". A
-  // line of the short tag, which has no prefix, begins with "D*" or "E*".
+  // Priority and message of each line of the result updater, without prefix: "D updateMarkMode 4". Lines of
+  // the short tag, which have no prefix, begin with "D*" or "E*".
   const std::string& log() const { return mLog; }
-  // The lines of everyone, as LogCapture::text() has them.
+  // All lines, formatted by LogCapture::text().
   const std::string& wholeLog() const { return mWholeLog; }
-  // An output as Java and the algorithms see it: format, size, bytes of planes; "" when nothing changed.
+  // An output as seen by Java and by the algorithms: format, size, bytes of planes; "" if unchanged.
   std::string changeOfOutput(size_t index) const {
     const std::string now = describeOutput(index);
     return now == mOutputsBefore[index] ? "" : now;
@@ -87,12 +87,12 @@ public:
 
 private:
   void makeRequest() {
-    // Inputs only count here.
+    // Only the number of inputs matters.
     const std::vector<jobject> inputImages(static_cast<size_t>(inputs), nullptr);
     mRequest = std::make_unique<VRequest>(env(), newRequest(7, requestType), javaList(inputImages),
                                           javaList(hasOutputs ? mOutputs : std::vector<jobject>()),
                                           javaList(compositions));
-    // From here on the Java side differs, so that telling it again is seen.
+    // Changes the Java object, so that the test detects an update.
     jclass imageClass = env()->GetObjectClass(mOutputs[0]);
     env()->SetIntField(mOutputs[0], env()->GetFieldID(imageClass, "mWidth", "I"), 1);
     for (size_t i = 0; i < mOutputs.size(); ++i) mOutputsBefore.push_back(describeOutput(i));

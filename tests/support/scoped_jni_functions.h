@@ -1,5 +1,5 @@
-// A function table of our own over an environment's JNI functions, in place for the life of this object: a
-// copy, of which functions may be replaced at any time.
+// Replaces an environment's JNI function table by a copy while this object lives. Functions of the copy may
+// be replaced at any time.
 #pragma once
 
 #include <jni.h>

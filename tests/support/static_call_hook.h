@@ -1,5 +1,5 @@
-// Stands before the static calls that the main thread makes, during its life: of the library's, that is the
-// one call into Java, callbackFromNative().
+// Intercepts static calls of the main thread while this object lives. The library makes one such call:
+// callbackFromNative().
 #pragma once
 
 #include <jni.h>

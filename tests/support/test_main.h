@@ -11,15 +11,15 @@
 
 namespace orlu::test {
 
-// The end of a text whose lines all have an end.
+// The last `count` lines of a text whose lines all end with a newline.
 inline std::string lastLines(const std::string& text, size_t count) {
   size_t start = text.size();
   for (; count > 0 && start > 1; --count) start = text.rfind('\n', start - 2) + 1;  // npos + 1 is 0
   return text.substr(start);
 }
 
-// Keeps the terminal free of the log of tests that pass. A test that fails shows the last lines of its own,
-// and then again what failed, which the log would bury.
+// Hides the log of passing tests. A failing test prints the last lines of its log, then repeats the failure,
+// which the log would bury.
 class LogOfFailures : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override { mLog.clear(); }
   void OnTestEnd(const testing::TestInfo& test) override {
@@ -35,7 +35,7 @@ class LogOfFailures : public testing::EmptyTestEventListener {
     }
   }
 
-  // The file and line, and as much of the message as a reader needs to know it by.
+  // Prints file, line, and enough of the message to recognise it.
   static void printFailure(const testing::TestInfo& test, const testing::TestPartResult& part) {
     constexpr size_t kMostBytes = 300;
     const std::string message = part.summary();
@@ -47,7 +47,7 @@ class LogOfFailures : public testing::EmptyTestEventListener {
   LogCapture mLog;
 };
 
-// Also fails when a test logged a line that no text in golden/logs has.
+// Also fails if a test logged a line without a text in golden/logs.
 inline int runTests() {
   testing::UnitTest::GetInstance()->listeners().Append(new LogOfFailures());
   const int result = RUN_ALL_TESTS();

@@ -1,4 +1,4 @@
-// Whether a thread sleeps: for tests that need it to, before they go on.
+// Waits for a thread to sleep.
 #pragma once
 
 #include <sys/syscall.h>
@@ -15,7 +15,7 @@ inline int threadId() {
   return static_cast<int>(syscall(SYS_gettid));
 }
 
-// Returns when the thread, whose id is told sooner or later, sleeps in the kernel or has ended.
+// Returns when the thread sleeps in the kernel or has exited. Another thread stores its id, possibly later.
 inline void untilAsleep(const std::atomic<int>& thread) {
   while (thread == 0) std::this_thread::yield();
   for (;;) {
