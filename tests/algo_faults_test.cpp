@@ -1,5 +1,5 @@
-// What the algorithm library may do wrong while a request is on its way. None of it may harm the process,
-// keep the request from ending, or leave anything behind.
+// Faults of the algorithm library during a request. None may harm the process, keep the request from
+// finishing, or leak.
 
 #include <algorithm>
 #include <sstream>
@@ -21,7 +21,7 @@ using test::putKey;
 
 class AlgoFaultsTest : public test::RequestScene {
 protected:
-  // The other natives, and the end of the client.
+  // Calls the other natives and destroys the client.
   void callTheRest() {
     RequestProcessor::flush(env(), mInst, nullptr, nullptr);
     putKey(mCompositions[0], "AbortKey", test::javaString("orlu.control.frameFlag"));
@@ -33,8 +33,8 @@ protected:
   }
 };
 
-// "process" and "getSize" are left to the soak: without them a synchronous request waits its ten seconds.
-// Without "destroyMetadata" or "destroyClient" there is nobody to free what is left.
+// "process" and "getSize" are left to the soak test: without them a synchronous request waits for its full
+// ten seconds. Without "destroyMetadata" or "destroyClient" nobody could free the leftovers.
 class MissingOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingOperationTest, IsDoneWithout) {
@@ -109,18 +109,17 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// Operations that throw, and that leave a Java exception behind. What creates something fails before it has,
-// the others when their work is done.
+// Operations that throw, and operations that leave a Java exception pending. Operations that create something
+// fail before creating it, the others after their work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
-  // What a whole life of a client stores, by the name of the value.
+  // The values stored during a client's life, by name.
   std::string storedIn(test::CallbackRecorder& recorder) {
     mAlgo.forget();
     mAlgo.use();
     native([&] { mInst = RequestProcessor::create(env(), nullptr); });
     native([&] { RequestProcessor::init(env(), mInst, nullptr); });
-    // Without an entry nothing is offered, and nobody would call back for the ten seconds that a request
-    // waits.
+    // Without an entry there are no operations, so nobody would call back within the ten seconds.
     const bool isOffered = mAlgo.script.throwing.count("AlgoInterfaceEntry") == 0;
     if (isOffered) native([&] { EXPECT_EQ(0, process()); });
     native([&] { EXPECT_EQ(0, process(1)); });
@@ -183,7 +182,7 @@ TEST_F(AlgoFaultsTest, CallsBackWithAJavaExceptionPending) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// The ordinary end of a session with shots in flight.
+// A session that finishes normally with shots in flight.
 TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   test::CallbackRecorder recorder;
   mAlgo.script.delay = std::chrono::milliseconds(50);
@@ -204,7 +203,7 @@ TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// Java gives the client up after a time-out, say; only then does the library call back, if at all.
+// Java has destroyed the client, for example after a timeout; the library calls back later or never.
 TEST_F(AlgoFaultsTest, CallsBackWhenItsClientIsGone) {
   test::CallbackRecorder recorder;
   mAlgo.script.callbacks = 0;
@@ -219,7 +218,7 @@ TEST_F(AlgoFaultsTest, CallsBackWhenItsClientIsGone) {
   EXPECT_TRUE(mLog.contains("callback for a client that is gone, 2 so far")) << mLog.text();
 }
 
-// Java ends its request and destroys its client in a callback that comes before process() has returned.
+// Java finishes its request and destroys its client in a callback that arrives before process() returns.
 TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
   mAlgo.script.callBackBeforeReturn = true;
   create();
@@ -232,8 +231,8 @@ TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
   EXPECT_EQ(0, mInst);
 }
 
-// While it is being submitted and not announced. Then Java may finish it early, once; its block stays until
-// the library calls back.
+// The request is being submitted and not announced yet. After the announcement Java may finish it early,
+// once; its block lives until the library calls back.
 TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   mAlgo.script.callbacks = 0;
   mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {

@@ -1,4 +1,4 @@
-// The client with a Java VM: what reaches Java, from which threads, and what that leaves behind.
+// The client with a Java VM: callbacks that reach Java, their threads, and leaks.
 
 #include "algo_native_client.h"
 
@@ -29,7 +29,7 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeClient";
 constexpr int64_t kClientId = 0x1'0000'0003;
 constexpr int64_t kReqId = 0x2'0000'0001;
 
-// An event with values that tell a wrong offset, and bytes that nobody reads.
+// An event with values that reveal wrong offsets, and unused bytes.
 std::vector<uint8_t> lightStreamCallback(size_t payloadSize = 48) {
   std::string payload(payloadSize < 48 ? 48 : payloadSize, '\xEE');
   const int64_t eventType = 0x1'0000'0002;
@@ -66,7 +66,7 @@ protected:
     return "4294967299 7 8589934593 nativeRequestAddr=Long " + std::to_string(mFullAsync) + "\n";
   }
   std::string bothReports() const { return shotReport() + lightStreamReport(""); }
-  // That both kinds of data failed with `error`, so often.
+  // Expects `count` failures with `error` of both kinds of data.
   void expectErrors(int count, const char* error) const {
     for (const char* function : {"onPostProcessDataCommonShot: ", "onPostProcessDataLightStream: "}) {
       EXPECT_EQ(count, mLog.errors(kTag, std::string(function) + error)) << mLog.text();
@@ -99,14 +99,14 @@ TEST_F(AlgoNativeClientJvmTest, PassesZeroFirst) {
   EXPECT_EQ((std::vector<int>{0, 0}), first);
 }
 
-// What the client touches afterwards is found by AddressSanitizer.
+// AddressSanitizer detects accesses of the client after its destruction.
 TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   const test::StaticCallHook destroying([&](va_list) { mClient.reset(); });
   mClient->onPostProcessDataCommonShot(mFullAsync);
   EXPECT_EQ(nullptr, mClient) << "Java was not called";
 }
 
-// Between the callback's looking for the client and its announcement.
+// The request finishes after the callback has found its client and before the announcement.
 TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnounce) {
   static std::unique_ptr<AlgoNativeClient>* client = nullptr;
   static const JNINativeInterface_* original = nullptr;
@@ -131,8 +131,7 @@ TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnoun
   EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
 }
 
-// Attached, it stays so, and local references do not pile up on it: the VM complains of them when the test
-// program ends.
+// An attached thread stays attached and accumulates no local references: the VM would report them at exit.
 TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
   std::string expected;
   std::thread([&] {
@@ -161,7 +160,7 @@ TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
 }
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
-  // Of each handle its descriptors, integers and first word; -1 descriptors make a null one.
+  // Numbers of descriptors and integers, and the first word, of each handle; -1 descriptors: a null handle.
   using Handles = std::vector<std::array<int, 3>>;
   // clang-format off
   const std::pair<Handles, std::string> kCases[] = {

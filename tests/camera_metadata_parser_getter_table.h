@@ -1,5 +1,5 @@
-// Every getter of the metadata parser as a function that tells its answer and its outputs in one text, with a
-// value for it to find.
+// Wraps every getter of the metadata parser in a function that returns its status and outputs as text, with
+// an example value.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace orlu::test {
 
 using P = CameraMetadataParser;
 
-// What a getter is called with. The capacity is for those that take one.
+// A getter's arguments. Only some getters use the capacity.
 struct Ask {
   const char* key;
   jobject source;  // the capture result, or the only source
@@ -38,10 +38,10 @@ int call(Get get, P& parser, const Ask& ask, Outputs&&... outputs) {
   }
 }
 
-// What all outputs hold before.
+// The value of all outputs before the call.
 constexpr int kUnwritten = -77;
 
-// "status: elements". Elements that were not written show as "#", or not at all behind the last written one.
+// "status: elements". Unwritten elements appear as "#"; those after the last written one are omitted.
 template <typename Elements>
 std::string told(int status, const Elements& elements) {
   std::ostringstream text;
@@ -56,7 +56,7 @@ std::string told(int status, const Elements& elements) {
   return text.str();
 }
 
-// A record as the elements that it is made of, padding included.
+// A record as its elements, including padding.
 template <typename Element, typename Record, typename Get>
 std::string readAs(Get get) {
   Element elements[sizeof(Record) / sizeof(Element)];
@@ -82,7 +82,7 @@ std::string read(int (P::*get)(T*, int, const char*, Sources...), P& parser, con
   return readAs<T, Array>([&](Array& array) { return call(get, parser, ask, array.values, ask.capacity); });
 }
 
-// Zeros show as points, bytes that were left alone as number signs; nothing when the room was zeroed alone.
+// Zeros appear as points, unchanged bytes as number signs; empty if the output was only zeroed.
 template <typename... Sources>
 std::string read(int (P::*get)(char*, int, const char*, Sources...), P& parser, const Ask& ask) {
   std::string buffer = "######";
@@ -150,7 +150,7 @@ struct Getter : NamedCase {
   const char* key;
   jobject (*value)();
   const char* text;               // the outputs for the value
-  jobject (*wrong)() = fraction;  // a value of another type, for a composition
+  jobject (*wrong)() = fraction;  // of another type, for a composition
 };
 
 inline constexpr char kInteger[] = "java/lang/Integer";
@@ -186,7 +186,7 @@ inline const Getter kGetters[] = {
     {PARAMETER(getFaceInfoOrlu),          "faces",  JAVA(javaFaces({{1, 2, 3, 4}})), "1 1 2 3 4"},
     {PARAMETER(getRectInfoOrlu),          "rect",   JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
     {PARAMETER(getMeteringRectangleOrlu), "region", JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 9)), "1 2 3 4"},
-    // Boxed arrays only.
+    // Only boxed arrays.
     {PARAMETER(getIntArrayOrlu),          "ints",   JAVA(javaArray(kInteger, {javaInt(1), javaInt(2), javaInt(3)})), "1 2 3", JAVA(javaInts({1, 2, 3}))},
     {PARAMETER(getFloatArrayOrlu),        "floats", JAVA(javaArray(kFloat, {javaFloat(1), javaFloat(2), javaFloat(3)})), "1 2 3", JAVA(javaFloats({1, 2, 3}))},
 
@@ -208,7 +208,7 @@ inline jobject compositionWith(const char* key, jobject value) {
   return composition;
 }
 
-// The getter's own source, with a value or empty.
+// The getter's source, with or without a value.
 inline jobject sourceOf(const Getter& getter, bool hasValue) {
   if (getter.source == kParameter) {
     return hasValue ? compositionWith(getter.key, getter.value()) : newComposition();
@@ -224,7 +224,7 @@ inline jobject sourceOf(const Getter& getter, bool hasValue) {
   return getter.source == kResult ? newCaptureResult(metadata) : newCharacteristics(metadata);
 }
 
-// Reads, and keeps nothing of the VM's.
+// Reads; fails if references, arrays or exceptions are left.
 inline std::string readBy(P& parser, Reader read, const Ask& ask) {
   const JniTable table(env());
   std::string text = read(parser, ask);
@@ -235,14 +235,14 @@ inline std::string readBy(P& parser, Reader read, const Ask& ask) {
   return text;
 }
 
-// A parser that did not find one class or member.
+// A parser that could not find one class or member.
 inline P parserWithout(const std::string& hidden) {
   JniTable table(env());
   table.hide(hidden);
   return P(env());
 }
 
-// The parser's lines as "operation() message"; a line of another kind with all that makes it so.
+// The parser's lines as "operation() message"; other lines in full.
 inline Lines parserErrors(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {

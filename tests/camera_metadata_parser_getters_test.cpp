@@ -60,7 +60,7 @@ TEST_P(CameraMetadataParserGetterTest, TellsAMissingValue) {
 }
 
 TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
-  if (mGetter.source == kCharacteristics) return;  // they answer in the type that it is asked for
+  if (mGetter.source == kCharacteristics) return;  // they convert to the requested type
   jobject wrong = compositionWith(mGetter.key, mGetter.wrong());
   EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition wins";
   EXPECT_EQ(Lines{std::string(mGetter.name) + "() wrong object type " + mGetter.key}, parserErrors(mLog));
@@ -87,7 +87,7 @@ TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
 
 INSTANTIATE_TEST_SUITE_P(Getters, CameraMetadataParserGetterTest, testing::ValuesIn(kGetters), CaseName());
 
-// ---- Values in a composition that are read in part
+// ---- Values of a composition that are read in part
 
 struct SpecialCase : NamedCase {
   Reader read;
@@ -127,7 +127,7 @@ jobject placeWithoutAltitude() {
 constexpr char kFace[] = "android/hardware/camera2/params/Face";
 constexpr char kRegion[] = "android/hardware/camera2/params/MeteringRectangle";
 // clang-format off
-// The record has room for ten.
+// The record has space for ten.
 #define TEN_FACES " 0 1 2 3 1 2 3 4 2 3 4 5 3 4 5 6 4 5 6 7 5 6 7 8 6 7 8 9 7 8 9 10 8 9 10 11 9 10 11 12"
 #define FORTY_INTS " 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20" \
                    " 21 22 23 24 25 26 27 28 29 30 31 32 33 34 35 36 37 38 39 40"
@@ -138,17 +138,17 @@ const SpecialCase kSpecialCases[] = {
     {"NullFace",           reader<&P::getFaceInfo>, 4, JAVA(javaArray(kFace, {nullptr, nullptr})), "0: 2"},
     {"NullIntInFace",      reader<&P::getIntFaceArray>, 4, JAVA(javaArray(kInteger, {javaInt(1), nullptr, javaInt(3), javaInt(4)})), "0: 1 1 # 3 4"},
     {"NullRegion",         reader<&P::getMeteringRectangle>, 4, JAVA(javaArray(kRegion, {nullptr})), "0:"},
-    // An empty array is a failure without a line here.
+    // An empty array fails without a log line.
     {"NoRegions",          reader<&P::getMeteringRectangle>, 4, JAVA(javaRegions({}, 1)), "-1:"},
     {"TwoOfThreeInts",     reader<&P::getIntArray>, 2,         JAVA(countingInts(3)), "0: 1 2"},
     {"OneOfTwoBoxed",      reader<&P::getIntArrayOrlu>, 1, JAVA(javaArray(kInteger, {javaInt(1), javaInt(2)})), "0: 1"},
     {"IntsWithoutRoom",    reader<&P::getIntArray>, -1,        JAVA(countingInts(3)), "0:"},
-    // No terminating zero when the text fills its room.
+    // A string that fills its buffer has no terminating zero.
     {"LongString",         reader<&P::getString>, 4,           JAVA(javaString("abcdef")), "0: abcd##"},
     {"StringWithoutRoom",  reader<&P::getString>, 0,           JAVA(javaString("abc")), "0:"},
     {"LongBytes",          reader<&P::getArrayBytes>, 4, JAVA(javaBytes({'a', 'b', 'c', 'd', 'e'})), "0: abcd##"},
     {"LongStringOrlu",     reader<&P::getStringOrlu>, 4,       JAVA(javaString("abcdef")), "0: abcd##"},
-    // The count is the camera's, whatever fits.
+    // The count is the camera's, even if fewer faces fit.
     {"FiveFacesInTwo",     reader<&P::getFaceInfo>, 2,         JAVA(countedFaces(5)), "0: 5 0 1 2 3 1 2 3 4"},
     {"FacesPastTheRecord", reader<&P::getFaceInfo>, 12,        JAVA(countedFaces(12)), "0: 12" TEN_FACES},
     {"FiveFacesOrlu",      reader<&P::getFaceInfoOrlu>, 2,     JAVA(countedFaces(5)), "0: 5 0 1 2 3 1 2 3 4"},

@@ -24,7 +24,7 @@ protected:
   LogCapture mLog;
 };
 
-// Array keys are made with the boxed class, so that what a capture result answers is read element by element.
+// Keys of arrays use the boxed class, so the capture result's arrays are read element by element.
 TEST_F(CameraMetadataParserLookupTest, KeysOfArraysAreBoxed) {
   for (const Getter& getter : kGetters) {
     const std::string name = getter.name;
@@ -44,7 +44,7 @@ Lines allLookups() {
   return table.lookups();
 }
 
-// Whatever was not found, getters answer, and what they can't read they leave alone.
+// With any member missing, getters return, and values that they cannot read stay unchanged.
 TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   for (const std::string& lookup : allLookups()) {
     const LocalFrame frame;
@@ -60,7 +60,7 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   }
 }
 
-// Frames are checked once each, and an object that is none is not taken for one.
+// Each frame is checked once; an object of another class is not used as a frame.
 TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
   const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
   const std::vector<jobject> compositions = {compositionWith("i", javaInt(4)), javaString("composition"),
@@ -77,7 +77,7 @@ TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
       EXPECT_EQ(i == 1 ? 0 : 5, timestamp);
     }
   }
-  // Of the two good frames: both objects once, and two values in each round. Of the other one: all of it.
+  // The two good frames: both objects once, and two values per round. The other one: all of its objects.
   EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
 }
 

@@ -22,9 +22,9 @@ constexpr char kComposition[] = "com/orlu/orlu3rdalgoservice/CaptureResultCompos
 
 struct Entry {
   std::string name;    // the parser's
-  std::string lookup;  // as JniTable tells it; the members follow their class
-  // When it is missing: what is logged, if not its own name alone, and the name of what ends the walk, if
-  // that is not the table's end.
+  std::string lookup;  // as JniTable reports it; members follow their class
+  // If it is missing: the logged lines, unless only its own name is logged, and the lookup at which the walk
+  // ends, unless that is the end of the table.
   std::vector<std::string> told;
   std::string last;
 };
@@ -61,7 +61,7 @@ std::string isNull(const std::string& name) {
 
 class CameraMetadataParserTest : public testing::Test {
 protected:
-  // No exception may stay pending, whatever was missing.
+  // Fails if an exception is pending.
   int init(bool withoutComposition) {
     const int result = mParser.initFromEnv(test::env(), withoutComposition);
     EXPECT_FALSE(test::env()->ExceptionCheck());
@@ -70,7 +70,7 @@ protected:
   }
 
   test::LocalFrame mFrame;
-  CameraMetadataParser mParser{test::env()};  // the VM loads its classes before they are counted
+  CameraMetadataParser mParser{test::env()};  // the VM loads its classes before lookups are counted
   LogCapture mLog;
 };
 
@@ -105,7 +105,7 @@ TEST_P(CameraMetadataParserMissingTest, TellsWhatIsMissingAndGoesOn) {
   Lines errors;
   for (const std::string& name : missing.told) errors.push_back(isNull(name));
   EXPECT_EQ(missing.told.empty() ? Lines{isNull(missing.name)} : errors, test::parserErrors(mLog));
-  // The members of a missing class are not looked up, and nothing is behind the walk's end.
+  // Members of a missing class are not looked up. Nothing follows the end of the walk.
   Lines lookups;
   for (const Entry& entry : kEntries) {
     if (entry.name == missing.name || classOf(entry) != missing.lookup) lookups.push_back(entry.lookup);

@@ -1,4 +1,4 @@
-// The recorder's mapping of hardware buffers: their bytes, what it refuses, and what it holds meanwhile.
+// The recorder's mapping of hardware buffers: their bytes, refusals, and resources held while mapped.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -45,7 +45,7 @@ Bytes lockedBytes(jobject pixels) {
   return bytesOf(test::callObject(pixels, "bytes", "()Ljava/nio/ByteBuffer;"));
 }
 
-// The exception that locking throws; "" if it throws none.
+// The exception thrown by lock(); "" if none.
 std::string refusal(jobject buffer) {
   try {
     close(lock(buffer));
@@ -55,7 +55,7 @@ std::string refusal(jobject buffer) {
   return "";
 }
 
-// A buffer over a memory file of this size, with rows of this many bytes.
+// A buffer over a memory file of `size` bytes, with `rowBytes` bytes per row.
 jobject paddedBuffer(int format, int width, int height, int rowBytes, int size) {
   const int pixels = memfd_create("padded", MFD_CLOEXEC);
   const bool isMade = ftruncate(pixels, size) == 0;
@@ -158,10 +158,10 @@ TEST(HardwarePixels, AreRefusedWithAReason) {
   EXPECT_EQ(test::openDescriptors(), before);
 }
 
-// A buffer is kept alive while it is locked, and no longer.
+// A locked buffer stays alive until it is unlocked.
 TEST(HardwarePixels, HoldTheBufferUntilTheyAreClosed) {
   const test::LocalFrame frame;
-  close(lock(paddedBuffer(kRgba, 50, 10, 200, 2000)));  // loads what is loaded once
+  close(lock(paddedBuffer(kRgba, 50, 10, 200, 2000)));  // initialises everything that is loaded once
   const int descriptors = test::openDescriptors();
   const int maps = mappings();
   jobject buffer = test::newHardwareBuffer(50, 10, kRgba);

@@ -1,5 +1,4 @@
-// Inputs that a client, an application or the algorithm library may hand over, and that must not harm the
-// process.
+// Hostile input from clients, applications or the algorithm library. It must not harm the process.
 
 #include <android/sharedmem_jni.h>
 #include <dlfcn.h>
@@ -14,7 +13,7 @@ int gDuplicated = 0;
 
 }  // namespace
 
-// Stands before the platform's function of this name.
+// Intercepts the platform's function of this name.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory) {
   ++gDuplicated;
   static const auto next =
@@ -32,7 +31,7 @@ class HostileInputTest : public test::RequestScene {
 protected:
   HostileInputTest() { create(); }
 
-  // Java's list of `count` times the same element.
+  // A Java list of `count` references to the same element.
   static jobject copies(int count, jobject element) {
     return test::callStatic("java/util/Collections", "nCopies", "(ILjava/lang/Object;)Ljava/util/List;",
                             count, element);
@@ -47,7 +46,7 @@ TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
   EXPECT_EQ(1024U, request.captureResults().size());
 }
 
-// The VM complains at the end of the tests when it doesn't.
+// Without the reservation the VM complains when the tests finish.
 TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   jobject images = copies(100, test::newSmallImage());
   jobject compositions = copies(100, test::newComposition());
@@ -57,7 +56,7 @@ TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   EXPECT_EQ(0, result);
 }
 
-// Another thread waits for it, and destroys its block.
+// Another thread waits for the request, and destroys its block.
 TEST_F(HostileInputTest, DoesNotEndASynchronousRequestThatACompositionNames) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   void* const block = client().context().createMetadata();
@@ -78,7 +77,7 @@ TEST_F(HostileInputTest, AsksThePlatformForTheDescriptorOfSharedMemoryAlone) {
   EXPECT_EQ(1, gDuplicated);
 }
 
-// As a VM does that has no memory left.
+// Simulates a VM without memory.
 TEST_F(HostileInputTest, LeavesNoExceptionOfAKeyThatCantBeMade) {
   CameraMetadataParser parser(env());
   jobject noComposition = test::newRequest(1, "capture");

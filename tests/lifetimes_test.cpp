@@ -1,5 +1,6 @@
-// Clients and requests that Java gives up at unusual moments: inside each operation of the algorithm library,
-// before and after each stage, on several threads. Sanitizers watch the memory; these tests count blocks.
+// Java destroys clients and finishes requests at unusual moments: inside each operation of the algorithm
+// library, before and after each stage, on several threads. Sanitizers check the memory; these tests count
+// blocks.
 
 #include <algorithm>
 #include <atomic>
@@ -37,7 +38,7 @@ protected:
     mWatched = operation;
     mDo = std::move(what);
   }
-  // As the algorithm library calls back, on this thread.
+  // Calls back like the algorithm library, on this thread.
   void callBack(uint64_t cookie, uint64_t nativeReq) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(cookie);
     (*callback)(android::hardware::hidl_vec<uint8_t>(test::shotCallback(nativeReq)), {}, {});
@@ -50,7 +51,7 @@ protected:
     return std::find(mDestroyed.begin(), mDestroyed.end(), mBlock) != mDestroyed.end();
   }
 
-  // Java finishes every request that it may, and destroys the client.
+  // Java finishes all requests that it may finish, and destroys the client.
   void finishAll() {
     if (mInst == 0) create();
     for (uint64_t id : std::exchange(mSubmittedIds, {})) updateResult(id);
@@ -64,7 +65,7 @@ protected:
   void* mBlock = nullptr;  // of the newest request
 };
 
-// setRaw is the last call before process. The library knows the cookie from the request before.
+// setRaw is the last call before process. The library knows the cookie from the previous request.
 TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   mAlgo.script.callbacks = 0;
   create();
@@ -99,7 +100,8 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   }
 }
 
-// Java is not told, so only the client's end, or Java by an id that it knows from elsewhere, finishes it.
+// Java is not notified, so the request is only finished by the client's destruction, or by Java if it knows
+// the id from elsewhere.
 TEST_F(LifetimesTest, AnAnnouncementFails) {
   mAlgo.script.callbacks = 0;
   for (const char* failing : {"NewObjectV", "FindClass", "CallStaticVoidMethodV"}) {
@@ -127,8 +129,7 @@ TEST_F(LifetimesTest, AnAnnouncementFails) {
   }
 }
 
-// Every native, with the client destroyed inside each operation that it asks for; that client, and another
-// one.
+// Calls every native, and destroys either its client or another one inside each operation that it calls.
 TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   const std::pair<const char*, std::function<void(int64_t)>> kNatives[] = {
       {"init",      [](int64_t inst) { RequestProcessor::init(env(), inst, nullptr); }                 },
@@ -153,7 +154,7 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   putKey(mCompositions[0], "AbortVal", test::javaLong(3));
   int destroyed = 0;
   for (const auto& [name, native] : kNatives) {
-    // The operations that the native asks for, each once.
+    // The operations that the native calls, each once.
     const test::LocalFrame firstFrame;
     create();
     process(1);
@@ -197,7 +198,7 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   EXPECT_LT(50, destroyed) << "most operations were not reached";
 }
 
-// Before, inside and after process and callback, with and without the client's end between.
+// Before, during and after process and callback, with and without destroying the client in between.
 TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
   enum Moment { kInProcess, kAfterProcess, kInCallback, kAfterCallback, kAfterClient };
   for (const bool callsBackInside : {false, true}) {
@@ -231,7 +232,7 @@ TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
           callBack(cookie, mSubmitted.nativeReq);
           create();
         }
-        // Where it is finished already, the id is unknown.
+        // If the request is already finished, its id is unknown.
         finish();
         EXPECT_EQ(1, std::count(mDestroyed.begin(), mDestroyed.end(), mBlock));
         destroy();
@@ -273,7 +274,7 @@ TEST_F(LifetimesTest, ManyThreadsFinishOneRequest) {
   }
 }
 
-// The environment is looked for, and its absence logged, before the library's client goes.
+// The environment is looked up, and its absence logged, before the library's client is destroyed.
 TEST_F(LifetimesTest, LooksForTheEnvironmentFirst) {
   create();
   mLog.clear();

@@ -1,4 +1,4 @@
-// main() of the tests that need a Java VM. It is made before the first test and checked after the last.
+// main() of the tests that need a Java VM. The VM starts before the first test and is checked after the last.
 
 #include "jvm.h"
 #include "test_main.h"

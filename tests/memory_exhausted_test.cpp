@@ -1,5 +1,5 @@
-// A process whose memory runs out, at each place of this library in turn: the native method fails alone,
-// throws nothing into the VM, and leaves nothing behind.
+// Allocations of this library fail, one place at a time. Only the native method fails: it throws nothing into
+// the VM and leaks nothing.
 
 #include <android/log.h>
 #include <dlfcn.h>
@@ -15,10 +15,10 @@ extern "C" char etext;
 
 namespace {
 
-// This thread's allocations until the one that fails; below 0 none does.
+// Number of this thread's allocations before the failing one; negative: none fails.
 thread_local int gLeft = -1;
 
-// Those of the algorithm library and of the C++ library do not count.
+// Allocations of the algorithm library and of the C++ library are not counted.
 bool isCounted(const void* caller) {
   return gLeft >= 0 && caller >= &__executable_start && caller < &etext;
 }
@@ -54,14 +54,15 @@ class MemoryExhaustedTest : public test::RequestScene {
 protected:
   MemoryExhaustedTest() {
     create();
-    // No observer and no log, which take memory on this thread.
+    // Without observer and log, which allocate on this thread.
     const auto setScript = reinterpret_cast<standin::SetScriptFunction>(
         dlsym(dlopen("liborlu.vac.interface.so", RTLD_NOW), "AlgoStandInSetScript"));
     setScript(nullptr);
     __android_log_set_logger([](const __android_log_message*) {});
   }
 
-  // Calls the native with one allocation failing, the next one each time, until none does. How many failed.
+  // Calls the native repeatedly, failing the first, second, ... allocation, until no allocation fails.
+  // Returns the number of failures.
   template <typename Native>
   static int failEach(const Native& native) {
     for (int failed = 0;; ++failed) {

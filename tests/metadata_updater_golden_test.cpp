@@ -1,6 +1,5 @@
-// Each text in golden/ is one kind of capture: what its request holds, and all that translating its metadata
-// must come to, in order. Each variation is a small change of one, with the values, the algorithm list and
-// the log lines that must change with it.
+// Each text in golden/ is a kind of capture: its request, and the complete translation of its metadata in
+// order. Each variation changes a text slightly, and lists the values, algorithms and log lines that change.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +20,7 @@ void report(const std::vector<GoldenLine>& failures) {
   for (const GoldenLine& line : failures) ADD_FAILURE_AT(line.file.c_str(), line.number) << line.text;
 }
 
-// Checks a request as it is written, and with its tags in compositions.
+// Checks a request as written, and with its tags in compositions.
 template <typename Check>
 void checkBoth(const GoldenCase& golden, const Check& check) {
   Algo algo;
@@ -58,8 +57,7 @@ TEST_P(MetadataUpdaterVariationTest, ChangesWhatItMust) {
 INSTANTIATE_TEST_SUITE_P(Variations, MetadataUpdaterVariationTest, testing::ValuesIn(allGoldenVariations()),
                          FirstWord());
 
-// An engineer who reads a log looks for the name that the line says, so that no helper's name may stand
-// there.
+// Engineers search the log for the operation's name, so a helper function's name must not replace it.
 TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   Algo algo;
   algo.script.wanted = {
@@ -69,7 +67,7 @@ TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   const LogCapture log;
   for (const auto& captures : {allGoldenTexts(), allGoldenVariations()}) {
     for (const GoldenCase& capture : captures) {
-      // Again, which knows the master frames now from the beginning, and lists them.
+      // The second run knows the master frames from the start, and lists them.
       runGolden(capture, algo, [](MetadataUpdater& updater) { updater.updateMetadata(); });
     }
   }

@@ -1,5 +1,5 @@
-// What no text of a capture can tell: the parameter channel, the log level, values that the algorithms ask
-// for, and requests that lack objects.
+// Cases that golden texts cannot express: the parameter channel, the log level, values that the algorithms
+// request, and requests without some objects.
 
 #include "metadata_updater.h"
 
@@ -27,7 +27,7 @@ GoldenCase golden(const std::string& name, const std::vector<std::string>& chang
   return read;
 }
 
-// The lines of the updater's two tags.
+// The log lines of the updater's two tags.
 std::vector<std::string> linesOf(const LogCapture& log, const std::string& tag, int priority) {
   std::vector<std::string> messages;
   for (const LogLine& line : log.lines()) {
@@ -63,7 +63,7 @@ TEST(MetadataUpdaterLogTest, Level4LeavesErrorsAndTheShortTag) {
   gVAFCtrlLogLevel = before;
 }
 
-// The algorithms name values as section and key; the shot has them as tags of both, joined by a dot.
+// Algorithms name values by section and key; the shot's tags join both with a dot.
 TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   Algo algo;
   algo.script.wanted = {
@@ -91,8 +91,8 @@ TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   }
 }
 
-// A fresh updater has no master frames yet when it lists them. One that runs again has, and lists sixteen at
-// most.
+// A new updater lists its master frames before it knows any. On a second run it knows them, and lists at most
+// sixteen.
 TEST(MetadataUpdaterTest, ListsSixteenFramesAtMost) {
   Algo algo;
   const LogCapture log;
@@ -134,7 +134,7 @@ TEST(MetadataUpdaterTest, ChannelForwardsToTheBlockOfTheRequest) {
   });
 }
 
-// Without a block nothing is stored and nothing is read, and without frames nothing is there to translate.
+// Without a block nothing is stored or read; without frames nothing is translated.
 TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
   const test::LocalFrame frame;
   Algo algo;

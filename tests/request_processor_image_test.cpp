@@ -61,7 +61,7 @@ TEST_F(RequestProcessorImageTest, SynchronousRequest) {
                           std::to_string(mSubmitted.nativeReq) + ", isAsync 0"));
   EXPECT_EQ(1, debugLines("process image X"));
 
-  // A callback that comes again, too late.
+  // A second callback, too late.
   test::Algo::sendCallback(client().callbackCookie(), test::shotCallback(mSubmitted.nativeReq), {}, true);
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, "_V_VASJNI-AlgoNativeRequestMap", "notify reqId = 8589934593"));
   EXPECT_EQ("", mRecorder.reports());
@@ -117,7 +117,7 @@ TEST_F(RequestProcessorImageTest, FullAsyncRequest) {
   EXPECT_TRUE(isKnown(nativeReq));
   EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
 
-  setAlgoList({"custom"});  // no longer what the request ran
+  setAlgoList({"custom"});  // differs from the list of the request
   mTrace.clear();
   EXPECT_EQ(0, updateResult(nativeReq));
   EXPECT_EQ(descriptors, test::openDescriptors());
@@ -141,7 +141,7 @@ TEST_F(RequestProcessorImageTest, ResultsOfAnUnknownRequest) {
                           "getAlgoListResult 0"));
 }
 
-// The camera's mark on a request that needs no algorithms.
+// The camera marks requests that need no algorithms.
 TEST_F(RequestProcessorImageTest, MarkedToBeSkipped) {
   putKey(mCompositions[0], "orlu.control.image.score", test::javaDoubles({1'000'000.0}));
   EXPECT_EQ(0, process());
@@ -151,7 +151,7 @@ TEST_F(RequestProcessorImageTest, MarkedToBeSkipped) {
   EXPECT_EQ("", mRecorder.reports());
 
   EXPECT_EQ(0, process(1));
-  // Java was told before the call returned.
+  // Java was notified before the call returned.
   const uint64_t nativeReq = newestRequest();
   EXPECT_EQ("9 2 8589934593 nativeRequestAddr=Long " + std::to_string(nativeReq) + "\n", mRecorder.reports());
   EXPECT_TRUE(isKnown(nativeReq));
@@ -193,7 +193,7 @@ TEST_F(RequestProcessorImageTest, MetadataOfOneFrameGoesAlong) {
   }
 }
 
-// The only ten seconds of all tests. A request that is removed during its wait shares them.
+// The only test that waits for the ten seconds. A request removed during its wait shares them.
 TEST_F(RequestProcessorImageTest, TimesOutAfterTenSeconds) {
   AlgoNativeRequestMap map;
   const uint64_t removed = map.create(77, nullptr, false);

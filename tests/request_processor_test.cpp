@@ -32,7 +32,7 @@ class RequestProcessorTest : public test::RequestScene {
 protected:
   RequestProcessorTest() { create(); }
 
-  // What was logged: "message", a debug line's with "?" before it; the client's address as "I".
+  // The log: "message"; "?" precedes debug lines; "I" replaces the client's address.
   std::string lines(const void* client) const {
     std::string text;
     for (const std::string& line : test::errorLines(mLog)) {
@@ -56,7 +56,7 @@ protected:
   const jobject mParam = test::newComposition();
 };
 
-// A client of the product, through the Java class that declares the natives.
+// A client of the product, used through the Java class that declares the natives.
 class ServiceTest : public RequestProcessorTest {
 protected:
   const jobject mService = test::newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");
@@ -92,7 +92,7 @@ TEST_F(ServiceTest, LifeOfAClient) {
   const auto descriptors = test::openDescriptors();
   EXPECT_EQ(0, callInt("translateParamFiles", kTwoObjects, inst, memory, mParam));
   EXPECT_EQ(descriptors, test::openDescriptors());
-  // The library could read the file: the checksum is that of 4096 zeros.
+  // The library could read the file: this is the checksum of 4096 zeros.
   const jobject data = callObject(mService, "getData", "(J" OBJECT ")Ljava/lang/String;", inst, mParam);
   EXPECT_EQ("4096 c71c0011", test::stringOf(data));
   EXPECT_EQ(0, callInt("algoRelease", kOneObject, inst, mParam));
@@ -137,7 +137,7 @@ TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
   EXPECT_EQ(0, callInt("destroyNativeClient", "(J)I", inst));
 }
 
-// Of a handle, a 32-bit machine has the lower half.
+// A 32-bit machine uses the lower half of a handle.
 TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
   using P = RequestProcessor;
   constexpr int64_t kNone = sizeof(void*) == 4 ? int64_t{1} << 32 : 0;
@@ -164,7 +164,7 @@ TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
       lines(&client()));
 }
 
-// Whoever makes a parser says once more that a member is missing, and goes on.
+// The creator of a parser logs again that a member is missing, and continues.
 TEST_F(RequestProcessorTest, TellsOfAnIncompleteParser) {
   test::JniTable table(env());
   table.hide("android/util/Rational");

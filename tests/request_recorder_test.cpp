@@ -1,4 +1,4 @@
-// The recorder of the service: what goes wrong with a recording never reaches the request.
+// The service's recorder. Its failures never affect the request.
 
 #include <algorithm>
 #include <cstdlib>
@@ -33,11 +33,11 @@ protected:
     RequestScene::TearDown();
   }
 
-  // Into a folder of this name in the test's own.
+  // A recorder into this subfolder of the test's folder.
   jobject newRecorder(const std::string& name, int count, int64_t bytes) const {
     return test::newRecorder(mFolder + "/" + name, count, bytes);
   }
-  // The status of a request, "thrown" when it throws.
+  // The status of a request, or "thrown".
   std::string run(jobject recorder, jobject inputs, jobject compositions) {
     mTrace.clear();
     try {
@@ -49,7 +49,7 @@ protected:
       return "thrown";
     }
   }
-  // The names of the folders of recordings, each with what was written last: "end" is a whole outcome.
+  // The names of the recordings' folders, each with the last event written; "end" is a complete outcome.
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;
     if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
@@ -69,7 +69,7 @@ protected:
   const jobject mService = test::newService();
   std::string mFolder;
   jlong mClient = 0;
-  std::function<void()> mDuring = [] {};  // while the request runs
+  std::function<void()> mDuring = [] {};  // called during the request
 };
 
 TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
@@ -116,14 +116,14 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
   }
 }
 
-// What happens to the folder while the request runs.
+// The folder changes while the request runs.
 TEST_F(RequestRecorderTest, TheFolderMayGoDuringTheRequest) {
   const jobject compositions = test::javaList(mCompositions);
   const std::string plain = run(nullptr, mInputs, compositions);
   mDuring = [this] { std::filesystem::remove_all(mFolder + "/gone"); };
   EXPECT_EQ(plain, run(newRecorder("gone", 4, 1 << 20), mInputs, compositions));
   EXPECT_TRUE(recordings("gone").empty());
-  // A file of the name that an output's pixels get is a folder.
+  // A folder has the name of an output's pixel file.
   mDuring = [this] {
     std::filesystem::create_directories(mFolder + "/taken/000001-request-8589934593/output0.bin");
   };
@@ -135,14 +135,14 @@ TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
   std::filesystem::create_directories(mFolder + "/few/000000-mine");
   const jobject recorder = newRecorder("few", 2, 1 << 20);
   for (int i = 0; i < 4; ++i) run(recorder, mInputs, test::javaList(mCompositions));
-  // A new process goes on after the newest.
+  // A new process continues after the newest recording.
   run(newRecorder("few", 2, 1 << 20), mInputs, test::javaList(mCompositions));
   const std::vector<std::string> kept = {"000000-mine ", "000004-request-8589934593 end",
                                          "000005-request-8589934593 end"};
   EXPECT_EQ(kept, recordings("few"));
 }
 
-// The platform's properties, which `adb shell setprop` sets, count where Java's are not set.
+// Properties of the platform, set by `adb shell setprop`, apply if Java's are not set.
 TEST_F(RequestRecorderTest, PropertiesSwitchItOn) {
   const auto set = [](const char* clazz, const char* signature, const char* name, const std::string& value) {
     test::callStatic(clazz, clazz[0] == 'a' ? "set" : "setProperty", signature, test::javaString(name),

@@ -1,4 +1,4 @@
-// conformance/result_reads.inc: which values result translation reads, and with how many bytes.
+// conformance/result_reads.inc: the values that result translation reads, and their sizes.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 namespace orlu::test {
 namespace {
 
-// Every value that translating these results reads, one row each.
+// Every value read while translating these results, one row each.
 std::set<std::string> readsOf(const std::vector<std::string>& algorithms, const char* requestType) {
   Algo algo;
   ResultScene scene;

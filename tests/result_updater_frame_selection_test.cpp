@@ -39,7 +39,7 @@ std::string numbers(int count, double first) {
   return text.str();
 }
 
-// The lines of a text that hold one of the parts.
+// The lines of a text that contain one of the parts.
 std::string linesWith(const std::string& text, std::initializer_list<const char*> parts) {
   std::istringstream in(text);
   std::string found;
@@ -50,7 +50,7 @@ std::string linesWith(const std::string& text, std::initializer_list<const char*
   return found;
 }
 
-// ---- Clarity alone
+// ---- Only clarity
 
 void translateClarity(ResultScene& scene, int inputs, int compositions) {
   scene.algorithms = {"jpegBokehOnly", "ppt", "jpegEncode", "frameClarOnly", "hdr", "bestMoment"};
@@ -89,13 +89,13 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
   EXPECT_EQ("E updateForFrameClarity failed, captureResultCompositions size < 1\n", scene.log());
 }
 
-// ---- Frames kept and thrown away
+// ---- Frames kept and discarded
 
 struct SelectCase : test::NamedCase {
   int frames;
   std::vector<int32_t> selected;
   std::string kept;    // of "orlu.feedback.frameSelectResult"; "none": neither key
-  std::string thrown;  // of "orlu.feedback.clarityScore"
+  std::string thrown;  // "orlu.feedback.clarityScore" of discarded frames
 };
 
 class ResultUpdaterSelectTest : public testing::TestWithParam<SelectCase> {};
@@ -113,7 +113,7 @@ TEST_P(ResultUpdaterSelectTest, PutsKeptFramesByTimeAndThrownOnesByScore) {
             linesWith(scene.puts(), {"frameSelectResult", "clarityScore", "basicFrame"}));
   EXPECT_EQ(failed ? "E callbackFrameSelectResult failed, frameIndex out of range\n" : "",
             linesWith(scene.log(), {"E callback"}));
-  // The rest of the results are put all the same.
+  // The other results are put nevertheless.
   EXPECT_NE(std::string::npos, scene.puts().find("TunningMode Integer 0\n"));
 }
 
@@ -163,7 +163,7 @@ TEST_P(ResultUpdaterBaseFrameTest, PutsItsTime) {
 
 const std::string kChosen = "D callbackSelectBasicFrameIndex currentBaseFrameIdx ";
 const std::string kTold = "D callbackSelectBasicFrameIndex currentBaseFrameTime ";
-// The line's format has a long, which is shorter on some machines.
+// The format string has a long, which is 32-bit on some machines.
 const std::string kLargeTimeAsLong = std::to_string(static_cast<long>(0x123456789ABCDEF));
 const std::string kTooFar = "E currentBaseFrameIdx > size\n";
 
@@ -191,7 +191,7 @@ TEST(ResultUpdaterTimestampTest, IsZeroForAFrameWithoutOne) {
             linesWith(scene.puts(), {"frameSelectResult", "basicFrame"}));
 }
 
-// So that a line about a missing timestamp stands before the line of its frame.
+// A line about a missing timestamp therefore precedes its frame's line.
 TEST(ResultUpdaterTimestampTest, IsReadAndLoggedFrameByFrame) {
   ResultScene scene;
   scene.compositions = {test::newComposition(), test::newComposition()};

@@ -1,4 +1,4 @@
-// What the algorithms may leave for a request, and what is put into the compositions for it.
+// Results of the algorithms, and the values put into the compositions for them.
 #pragma once
 
 #include <cstring>
@@ -11,7 +11,7 @@
 
 namespace orlu::test {
 
-// A list of numbers as a put line shows it, each with a blank before it.
+// A list of numbers as in a put line, each preceded by a blank.
 inline std::string numbers(int count, int first, int step) {
   std::string text;
   for (int i = 0; i < count; ++i) text += ' ' + std::to_string(first + i * step);
@@ -37,7 +37,7 @@ inline const std::vector<LeftValue> kJpegValues = {left("feedback", "jpeg_encode
                                                    left("feedback", "output_refocus_jpeg_pack_size", {8888}),
                                                    left("feedback", "segment_detect_result", {2})};
 
-// Two faces; the first one's 120 points, its pose and its rectangle.
+// Two faces: 120 points, pose and rectangle of the first one.
 inline LeftValue outlineValue() {
   std::vector<uint8_t> outline(10736, 0x55);
   const auto set = [&outline](size_t offset, auto value) {
@@ -53,10 +53,9 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// A value that the algorithms may leave, and what is put for it. A value that makes several puts has a row
-// for each.
+// A value that algorithms leave, and the value put for it. A value with several puts has a row for each.
 struct Result {
-  std::string algorithms;  // those that leave it, any of which is enough; empty: it is read for every list
+  std::string algorithms;  // any of these leaves it; empty: read for every list
   LeftValue left;
   std::string put;    // composition, key and type; empty: nothing is put
   std::string set;    // what is put when all values are left,
@@ -76,7 +75,7 @@ inline std::vector<double> scores() {
 }
 
 // clang-format off
-// In the order of the puts. The decoded size replaces what stood under the refocus keys before.
+// In the order of the puts. The decoded size replaces the previous values of the refocus keys.
 inline const std::vector<Result> kResults = {
     {"jpegBokehOnly",         left("feedback", "refocus_point_x", {11}),               "0 orlu.refocus.pointRatioX Integer",             " 11", " 0"},
     {"jpegBokehOnly",         left("feedback", "refocus_point_y", {12}),               "0 orlu.refocus.pointRatioY Integer",             " 12", " 0"},
@@ -107,7 +106,8 @@ inline const std::vector<Result> kResults = {
     {"dualBokeh singleBokeh", left("feedback", "segment_detect_result", {2}),          "0 orlu.feedback.segmentResult Integer",          " 2", " -1"},
     {"bestMoment",            left("feedback", "bestmoment_index", {6}),               "0 orlu.feedback.bestmoment_index Integer",       " 6", " 0"}};
 
-// What every request ends with. The gains go into the last composition; of the processed algorithms, one word is put.
+// The end of every request. The gains are put into the last composition; only one word of the processed
+// algorithms is put.
 inline const std::vector<Result> kEnd = {
     {"", left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
     {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0.0 0.0"},
@@ -132,7 +132,7 @@ inline std::string putsOf(const std::vector<Result>& results, std::string Result
   return text;
 }
 
-// Those of `results` that a list with this algorithm alone asks for.
+// The rows of `results` for a list that only contains this algorithm.
 inline std::vector<Result> resultsOf(const std::string& algorithm, const std::vector<Result>& results) {
   std::vector<Result> asked;
   for (const Result& result : results) {

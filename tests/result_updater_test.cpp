@@ -32,7 +32,7 @@ using test::resultsOf;
 
 // ---- Every step in one request
 
-// Every algorithm that leaves something, at the end of a light stream.
+// All algorithms with results, at the end of a light stream.
 class ResultUpdaterStepsTest : public testing::Test {
 protected:
   ResultUpdaterStepsTest() {
@@ -44,7 +44,7 @@ protected:
   ResultScene mScene;
 };
 
-// What the steps before the frame selection log.
+// The log of the steps before the frame selection.
 const std::string kStepsLog =
     "D document: updateResult, algoProcessType value is 3  \n"
     "D document updateResult: algoClassType result is 5\n"
@@ -57,7 +57,7 @@ const std::string kStepsLog =
     "D algo process hdrChoosedFrame = 4\n"
     "D algo process segmentDetectResult = 2\n"
     "D* bestmoment upload index=6\n";
-// The size of the picture is told to Java again, or left as Java has it.
+// The picture's size is set in Java again, or left unchanged.
 const std::string kEncodedOutput = "JPEG 64x48 7777 1536 | 24 64x48 7777 7777 1536";
 const std::string kPackedOutput = "JPEG 1x48 8888 1536 | 24 64x48 8888 8888 1536";
 const std::string kDocumentOutput = "JPEG 320x240 9000 1536 | 24 320x240 9000 9000 1536";
@@ -79,7 +79,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmsLeft) {
             mScene.log());
   EXPECT_EQ(kPackedOutput, mScene.changeOfOutput(0));
   EXPECT_EQ(kDocumentOutput, mScene.changeOfOutput(1));
-  // Every value is read, whole.
+  // Every value is read completely.
   std::set<std::string> values;
   for (const LeftValue& value : mScene.values) {
     values.insert("orlu.algo." + value.section + ' ' + value.key + ' ' + std::to_string(value.bytes.size()));
@@ -92,7 +92,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmsLeft) {
   EXPECT_EQ(values, reads);
 }
 
-// One name at a time, so that no name passes for another.
+// Tests one name at a time, so that mixed-up names are detected.
 TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
   for (const std::string algorithm : {"jpegBokehOnly", "ppt", "jpegEncode", "dualBokeh", "singleBokeh",
                                       "lightstream", "hdr", "bestMoment", "refocusJpegPack", "night", ""}) {
@@ -108,7 +108,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
   }
 }
 
-// Who keeps a result in a shot's metadata needs its tag in the host's table.
+// Results stored in a shot's metadata need a tag in the host's table.
 TEST(ResultUpdaterTest, EveryResultIsATagOfItsType) {
   const test::LocalFrame frame;
   const std::map<std::string, std::string> types = {
@@ -158,7 +158,7 @@ TEST_F(ResultUpdaterStepsTest, PutNothingWithoutACompositionButSetTheOutputs) {
             mScene.log());
 }
 
-// The failures of the raw algorithms, two of which speak of another operation or under another tag.
+// The failures of the raw algorithms. Two of them log another operation or another tag.
 const std::string kPutFailures =
     "D updateMarkMode 0\n"
     "E pCameraMetadataParser->putInt fail\n"
@@ -195,7 +195,7 @@ TEST_F(ResultUpdaterStepsTest, LogOnlyErrorsAndTheBareLinesAtASilentLevel) {
   EXPECT_EQ("D* bestmoment upload index=6\nD* update supermoon capture result 31\n", mScene.log());
 }
 
-// ---- On which conditions
+// ---- Conditions
 
 struct ResultCase : test::NamedCase {
   std::vector<std::string> algorithms;
@@ -204,7 +204,7 @@ struct ResultCase : test::NamedCase {
   std::string puts;          // before the usual end
   std::string output0 = "";  // "": unchanged
   std::string output1 = "";
-  std::string log = "";  // a line of it
+  std::string log = "";  // one of its lines
 };
 
 class ResultUpdaterConditionTest : public testing::TestWithParam<ResultCase> {};

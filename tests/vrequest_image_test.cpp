@@ -1,4 +1,4 @@
-// How one Java image becomes a frame record: format, planes and memory.
+// Converts a Java image to a frame record: format, planes and memory.
 
 #include <android/hardware_buffer_jni.h>
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ AlgoFrameInfo convert(jobject image) {
 }
 
 struct ImageCase : test::NamedCase {
-  const char* format;  // null for none
+  const char* format;  // may be null
   int width;
   int height;
   std::vector<int32_t> strides;
@@ -60,12 +60,12 @@ TEST_P(VRequestFormatTest, ReadsFormatAndPlanes) {
 const ImageCase kImageCases[] = {
     {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    // Labelled as NV12, on purpose.
+    // Has the code of NV12 on purpose.
     {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
     {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
-    // Without the fix-up of its sibling, on purpose.
+    // Lacks the size correction of its sibling on purpose.
     {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
     {"Raw16",           "RAW16",          64, 48, {200},    {100},        "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
     {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
@@ -79,17 +79,18 @@ const ImageCase kImageCases[] = {
     {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
     {"NoName",          nullptr,          64, 48, {80},     {100},        "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
 
-    // NV planes: the first as large as the memory or larger, the second left out. The size is taken before.
+    // NV planes: the first is at least as large as the memory, the second is missing. The size is computed
+    // before.
     {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
     {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
     {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
     {"NoSecondPlane",   "NV12", 64, 48, {80, 40}, {5000},     "2 2 | 80 40 0 0 | 5000 1920 0 0 | 5000", ""},
     {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
     {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
-    // Arrays that are short, empty or long.
+    // Arrays that are too short, empty or too long.
     {"NothingGiven",    "NV21", 64, 48, {},       {},         "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
     {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
-    // What does not fit is as much as does.
+    // Sizes that do not fit are clamped.
     {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
     {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
     {"HugeSum",         "NV21", 64, 48, {80}, {kMax, kMax},   "1 2 | 80 0 0 0 | 3840 2147483647 0 0 | 2147483647", ""},
@@ -119,7 +120,7 @@ const native_handle_t& handleOf(jobject hardwareBuffer) {
 TEST_F(VRequestImageTest, OwnsADuplicateOfSharedMemory) {
   test::ImageSpec spec;
   spec.sharedMemory = test::newSharedMemory(4608);
-  spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);  // the shared memory wins
+  spec.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);  // the shared memory takes precedence
   jobject image = test::newImage(spec);
   const int original = test::intField(spec.sharedMemory, "mFd");
   const ino_t file = fileBehind(original);
@@ -157,7 +158,7 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
     for (const AlgoFrameInfo& frame : {request.inputFrames()[0], request.outputFrames()[1]}) {
       EXPECT_EQ(handle.data[1], frame.fd[0]);
       EXPECT_EQ(1, frame.fdCount);
-      EXPECT_EQ(5000, frame.fdSize[0]);  // the size, and so the first plane is mended
+      EXPECT_EQ(5000, frame.fdSize[0]);  // the size, so the first plane is corrected
       EXPECT_EQ("1 2 | 80 40 0 0 | 3840 1920 0 0 | 5000", test::layoutText(frame));
       ASSERT_NE(nullptr, frame.nativeHandle);
       EXPECT_EQ(handle.data[1], frame.nativeHandle->data[0]);
@@ -169,7 +170,7 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
   EXPECT_EQ(pixels, fileBehind(handle.data[1]));
 }
 
-// "descriptor | version numFds numInts | words 0 to 2 ... words 254 and 255" of a copy, where the words of
+// "descriptor | version numFds numInts | words 0 to 2 ... words 254 and 255" of a copied handle. The words of
 // the buffer's handle are 1000, 1001, ...
 std::string copyOf(size_t words, int numInts) {
   test::ImageSpec spec;
@@ -202,7 +203,7 @@ TEST_F(VRequestImageTest, LivesWithoutMemory) {
   for (const test::ImageSpec& spec : {test::ImageSpec(), closed}) {
     mLog.clear();
     const AlgoFrameInfo frame = convert(test::newImage(spec));
-    // The first plane is as large as the memory of 0 bytes.
+    // The first plane is as large as the memory, which has 0 bytes.
     EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 3072 1536 0 0 | 4608 | 48 0 0 0 | 0 0 0 0 0 | 0 0 0 0",
               test::frameText(frame));
     EXPECT_EQ(nullptr, frame.nativeHandle);

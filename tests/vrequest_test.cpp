@@ -24,7 +24,7 @@ constexpr char kTag[] = "_V_VASJNI-VRequest";
 #define RESULT "android/hardware/camera2/CaptureResult"
 #define COMPOSITION "com/orlu/orlu3rdalgoservice/CaptureResultComposition"
 
-// What a request of nothing but nulls logs.
+// The log of a request that only contains nulls.
 constexpr char kNullErrors[] =
     "convert jstring failed, input is null\nget list size failed, input is null\n"
     "get list size failed, input is null\nget list size failed, input is null\n";
@@ -38,7 +38,7 @@ protected:
 };
 
 struct Entry : test::NamedCase {
-  const char* lookup;  // as JniTable tells it
+  const char* lookup;  // as JniTable reports it
   const char* label;   // as it is missed
 };
 
@@ -62,14 +62,14 @@ const Entry kEntries[] = {
     {"Assemble",       COMPOSITION ".assembleResultComposition ()L" RESULT ";", "mMethodAssembleResultComposition"},
     {"CaptureResult",  COMPOSITION ".mCaptureResult L" RESULT ";",            "VASJNI-VRequest: mFieldCaptureResult"},
     {"String",         "java/lang/String",                                    "mClazzString"},
-    // Reported as the list's method, on purpose.
+    // Reported as the list's method on purpose.
     {"StringLength",   "java/lang/String.length ()I",                         "mMethodGetListElement"},
 };
 // clang-format on
 
-// With the test below: each once, and nothing else.
+// Together with the next test: each lookup occurs once, and there are no others.
 TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
-  // The VM looks things up of its own when it loads a class.
+  // The VM performs lookups of its own when it loads a class.
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }
   mLog.clear();
   const test::JniTable table(env());
@@ -80,7 +80,7 @@ TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
 
 class VRequestMissingTest : public VRequestTest, public testing::WithParamInterface<Entry> {};
 
-// A missing class takes its members along, without messages of their own.
+// Members of a missing class are missing too, without their own messages.
 TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   jobject images = test::javaList({test::newSmallImage()});
   jobject compositions = test::javaList({test::newComposition()});
@@ -90,7 +90,7 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
   EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
 
-  // Nothing of the rest reaches for it.
+  // The remaining code does not use the missing member.
   VRequest request(env(), javaRequest, images, images, compositions);
   request.setResultJpegSize(1, 0);
   request.setResultImageWH(1, 2, 0);
@@ -125,7 +125,7 @@ TEST_F(VRequestTest, ReadsARequest) {
                               "start process received in img num 2, out img num 1, captureResultNum 2"}) {
     EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, message)) << mLog.text();
   }
-  // Each image has its line, in order, and nothing is left out.
+  // Each image has a line, in order, and none is missing.
   size_t at = 0;
   for (const char* line : {"getImageData() get image data 0x", "img in[0]: fmt ALGO_IMG_NV21, w 64",
                            "img in[1]: fmt", "img out[0]: fmt"}) {
@@ -285,7 +285,7 @@ TEST_F(VRequestTest, ReadsNoMoreThanTheFirstThousandElements) {
   EXPECT_TRUE(mLog.contains("getListSize() list has"));
 }
 
-// Five classes, each image, and each composition with its result. Whatever is read on the way is freed.
+// Five classes, each image, and each composition with its result. All temporary references are freed.
 TEST_F(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   jobject javaRequest = test::newRequest(1, "shot");
   jobject inputs = test::javaList(std::vector<jobject>(300, test::newSmallImage()));
