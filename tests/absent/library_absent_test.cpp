@@ -1,4 +1,5 @@
-// Clients without an algorithm library. This program's folder has the device's libraries but not that one.
+// Clients without an algorithm library. This program's folder contains the device's libraries except that
+// one.
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,7 @@ namespace {
 constexpr char kContextTag[] = "_V_VASJNI-AlgoNativeContext";
 constexpr char kProviderTag[] = "_V_VASJNI-AlgoNativeProvider";
 
-// Every operation tells that it failed and does nothing else.
+// Every operation must report failure and do nothing else.
 void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
   log.clear();
   int32_t value = 7;
@@ -39,7 +40,8 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// In one test because a library, once opened, keeps its name: with the impostor open there is no way back.
+// A single test, because an opened library keeps its name: after opening the impostor, the library can't be
+// absent again.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
   const std::string noLibrary =
@@ -48,7 +50,7 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   const std::string noClient = "init algo interface failed\ncreate client failed\n";
   {
     AlgoNativeContext context;
-    // Once for the provider's own table, once for the context's.
+    // One error for the provider's own table, one for the context's.
     EXPECT_EQ(kProviderTag + noLibrary + kProviderTag + noLibrary + noClient,
               test::errorText(log, kContextTag));
     expectNothingWorks(context, log);
@@ -56,9 +58,9 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   }
   EXPECT_EQ("destroy client failed\n", test::errorText(log, kContextTag));
 
-  // It is looked for again with every client.
+  // Each new client looks for the library again.
   const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const auto impostor = folder / "liborlu.vac.interface.so";  // another library under its name
+  const auto impostor = folder / "liborlu.vac.interface.so";  // another library under this name
   std::filesystem::remove(impostor);
   std::filesystem::create_symlink(folder / "liblog.so", impostor);
   log.clear();

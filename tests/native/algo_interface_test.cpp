@@ -1,5 +1,5 @@
-// The order of the tables of callables, which no compiler checks: the algorithm library finds each by its
-// place.
+// The order of the tables of callables, which compilers cannot check: the algorithm library finds callables
+// by position.
 
 #include "algo_interface.h"
 
@@ -8,7 +8,7 @@
 namespace orlu {
 namespace {
 
-// The callables follow each other without gaps.
+// Callables must follow each other without gaps.
 void expectInOrder(const std::vector<const void*>& callables) {
   const char* place = static_cast<const char*>(callables[0]);
   for (const void* callable : callables) {
@@ -23,7 +23,7 @@ TEST(AlgoInterfaceTest, KeepsTheOrderOfCallables) {
   EXPECT_EQ(static_cast<const void*>(&table), &table.version);
   expectInOrder({&table.init, &table.process, &table.uninit, &table.getData, &table.reserved, &table.flush,
                  &table.command, &table.createClient, &table.destroyClient,
-                 // The table of metadata operations stands inside.
+                 // The table of metadata operations is embedded here.
                  &ops.createMetadata, &ops.destroyMetadata, &ops.getSize, &ops.setValue, &ops.getValue,
                  &ops.setRaw, &ops.reserved, &ops.paramAlgoUpdateToSystem, &ops.paramSystemDownloadToAlgo,
                  &table.translateParamFile, &table + 1});

@@ -30,7 +30,7 @@ TEST(AlgoListTest, ComparesAFixedNumberOfBytes) {
     SCOPED_TRACE(printAlgoList(names));
     EXPECT_EQ(contained, isAlgoListContains(names, asked, length));
 
-    // What it finds is what removal takes away, adjacent entries too; the rest keep their order.
+    // Removal deletes the entries found, including adjacent ones, and keeps the order of the rest.
     List list = {"first"};
     list.insert(list.end(), names.begin(), names.end());
     list.insert(list.end(), names.begin(), names.end());

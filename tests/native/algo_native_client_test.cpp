@@ -1,4 +1,4 @@
-// The client without a Java VM: what it makes of callback data, and whom it wakes.
+// The client without a Java VM: how it parses callback data, and which threads it wakes.
 
 #include "algo_native_client.h"
 
@@ -40,7 +40,7 @@ protected:
 };
 
 TEST_F(AlgoNativeClientTest, FindsTheNameWithinTheData) {
-  // The length of the name, what follows it, and a line of the function that the data gets to.
+  // The length of the name, the bytes after it, and a log line of the function that receives the data.
   // clang-format off
   const std::tuple<int32_t, std::string, std::string> kCases[] = {
       {6,       "shotCb",                   kShot},
@@ -65,7 +65,7 @@ TEST_F(AlgoNativeClientTest, FindsTheNameWithinTheData) {
     EXPECT_EQ(1, debugLines("on callback " + std::to_string(20 + rest.size()) + " 0"));
     EXPECT_EQ(reached == kShot ? 1 : 0, debugLines(kShot));
     EXPECT_EQ(reached == kLightStream ? 1 : 0, mLog.errors(kTag, kLightStream));
-    // Nobody knows the request.
+    // The request is unknown.
     EXPECT_FALSE(mLog.contains("CommonShot: X"));
     EXPECT_FALSE(mLog.contains("notify reqId"));
   }
@@ -79,7 +79,7 @@ TEST_F(AlgoNativeClientTest, IgnoresDataThatEndsBeforeTheNameDoes) {
   EXPECT_EQ(1, debugLines(kShot));
 }
 
-// Only the beginning can be read: whoever copies the name before comparing its length ends here.
+// Only the start is readable: copying the name before checking its length crashes here.
 TEST_F(AlgoNativeClientTest, ReadsNoNameOfMoreThanAGigabyte) {
   constexpr size_t kSize = 1'400'000'000;
   void* const memory = mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -97,7 +97,7 @@ TEST_F(AlgoNativeClientTest, ReadsNoNameOfMoreThanAGigabyte) {
 TEST_F(AlgoNativeClientTest, WakesTheWaiterOfASynchronousRequest) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t id = map->create(55, nullptr, false);
-  // As the algorithm library does it, by the cookie.
+  // Calls back like the algorithm library, using the cookie.
   test::Algo::sendCallback(mClient->callbackCookie(), shotCallback(id), {}, false);
   EXPECT_TRUE(map->waitForCallback(id));
   EXPECT_FALSE(mLog.contains("time out"));
@@ -114,7 +114,7 @@ TEST_F(AlgoNativeClientTest, TellsOfItsLife) {
   EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
 }
 
-// A full-async request of a client that goes before the library calls back, or that it never calls back for.
+// A full-async request whose client is destroyed before the callback, or that is never called back.
 TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t cookie = mClient->callbackCookie();
@@ -126,7 +126,7 @@ TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
   map->remove(waiting);
 }
 
-// AddressSanitizer and ThreadSanitizer look on.
+// AddressSanitizer and ThreadSanitizer check this.
 TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
   for (int round = 0; round < 20; ++round) {
     AlgoNativeClient* const client = new AlgoNativeClient(nullptr, round, 0);
@@ -143,7 +143,7 @@ TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
   }
 }
 
-// What goes wrong is a race that ThreadSanitizer sees, or a client without its operations.
+// Failures are a race that ThreadSanitizer detects, or a client without its operations.
 TEST(AlgoNativeClientsTest, AreMadeOnSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {

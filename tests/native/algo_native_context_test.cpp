@@ -18,8 +18,7 @@ namespace {
 
 constexpr char kTag[] = "_V_VASJNI-AlgoNativeContext";
 
-// What the library is asked for, one line for each operation. Handles show as h1, h2, ... in the order of
-// their first use.
+// Records the library's calls, one line each. Handles appear as h1, h2, ... in the order of their first use.
 class Library {
 public:
   explicit Library(const std::set<std::string>& notOffered = {}) {
@@ -31,7 +30,7 @@ public:
     mAlgo.use();
   }
 
-  // The lines since the last time.
+  // The lines since the previous call.
   std::string takeLines() { return std::exchange(mLines, {}); }
 
 private:
@@ -96,7 +95,7 @@ private:
   std::string mLines;
 };
 
-// Frames are told by their widths.
+// Frames are identified by their widths.
 AlgoFrameInfo frameOf(int width) {
   AlgoFrameInfo frame;
   frame.width = width;
@@ -208,7 +207,7 @@ TEST(AlgoNativeContextTest, NeverAsksForANullBlock) {
   EXPECT_EQ("", library.takeLines());
 }
 
-// Java destroys the client inside a callback; what the operation goes on with stays valid.
+// Java destroys the client inside a callback; the data used by the rest of the operation stays valid.
 TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
   for (const char* inside : {"init", "uninit", "flush", "command", "process", "getData", "translateParamFile",
                              "createMetadata", "setRaw", "getSize"}) {
@@ -219,7 +218,7 @@ TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
     int later = 0;
     algo.script.observer = [&](const standin::AlgoCall& call) {
       if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
-      // Operations that name the client. The one that is under way is counted once.
+      // Operations that name the client. The current one is counted once.
       for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {
         if (call.operation == name && context->isClientDestroyed()) ++later;
       }
@@ -264,7 +263,8 @@ TEST(AlgoNativeContextTest, LendsVisitorsToTheThreadAndTheTimeOfTheCall) {
   }
 }
 
-// What the operations log without one callable. Without one of those that free, something would be left.
+// The log of the operations if one callable is missing. Callables that free memory are not tested: something
+// would leak.
 // clang-format off
 const std::pair<const char*, const char*> kNotOffered[] = {
     {"createClient",              "create client failed\n"},
@@ -292,7 +292,7 @@ TEST(AlgoNativeContextTest, LogsAndSkipsAnOperationThatIsNotOffered) {
       context.destroyMetadata(block);
     }
     EXPECT_EQ(errors, test::errorText(log, kTag));
-    // What needs the missing one is skipped, the rest is not.
+    // Only calls that need the missing callable are skipped.
     const std::string lines = '\n' + library.takeLines();
     for (const std::string name : {missing, "init", "flush", "command", "uninit"}) {
       EXPECT_EQ(name != missing, lines.find('\n' + name) != std::string::npos) << name << lines;

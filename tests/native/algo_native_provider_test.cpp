@@ -65,9 +65,9 @@ TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
   EXPECT_EQ("createClient createClient flush", algo.operations());
 }
 
-// The lock is free while the entry runs: this one makes a client of its own, on this thread and on another.
+// The lock is free while the entry runs: this entry creates clients on this thread and on another one.
 TEST(AlgoNativeProviderDeathTest, LetsTheEntryMakeClients) {
-  // A process whose first client this is; but an emulated one can't start another, and is copied.
+  // In a process whose first client this is. Emulated processes cannot start another one, so they fork.
 #if !defined(__arm__)
   GTEST_FLAG_SET(death_test_style, "threadsafe");
 #endif

@@ -17,8 +17,8 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
 
 using List = std::vector<std::string>;
 
-// Tests that end well take no time; the ten seconds themselves are waited for once, by a whole request. Every
-// test removes what it created: records belong to the map, which lives as long as the process elsewhere.
+// Passing tests never wait; a test of a whole request waits for the ten seconds once. Every test removes its
+// records because the map outlives it.
 class AlgoNativeRequestMapTest : public testing::Test {
 protected:
   ~AlgoNativeRequestMapTest() override {
@@ -96,7 +96,7 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   }
 }
 
-// Whoever comes last gets the block, in each order in which the three users may let go of it.
+// The last user gets the block, whatever the order in which the three users release it.
 TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
   const void* const owner = &mLog;
   for (const char* order : {"SLJ", "LSJ", "LJS", "SJL", "SJO", "SOJ", "OS"}) {
@@ -231,8 +231,8 @@ TEST_F(AlgoNativeRequestMapTest, NoWakeUpIsLost) {
   caller.join();
 }
 
-// The waiter is woken and its request removed at once, so that the two meet in every order. Whoever comes
-// last frees the record; a sanitizer tells when that is nobody, or both.
+// Wakes the waiter and removes its request at once, so that both happen in every order. The last one frees
+// the record; sanitizers detect a leak or a double free.
 TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
   gVAFCtrlLogLevel = 4;
   for (int round = 0; round < 300 && !timedOut(); ++round) {

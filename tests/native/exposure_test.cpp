@@ -32,7 +32,7 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
   EXPECT_EQ(kMin, extent(kMax, kMin));
 }
 
-// Every element is its own index, in nanoseconds times a million.
+// Every element is its own index; nanoseconds are multiplied by a million.
 TEST(ExposureTest, TakesTimesAndRatiosOfTheirElements) {
   Aec aec = {};
   for (size_t i = 0; i < aec.size(); ++i) aec[i] = static_cast<float>(i) * 1e6F;

@@ -8,12 +8,12 @@ namespace orlu {
 namespace {
 
 struct LayoutCase {
-  std::string modes;  // of each frame: h HDR, n night, b both, - neither
+  std::string modes;  // per frame: h HDR, n night, b both, - neither
   HdrProcessType type;
   int hdrCount;
   int nightCount;
   int nightIndex;
-  HdrFrameIndex hdrFrames;  // from 90 on where nothing is stored
+  HdrFrameIndex hdrFrames;  // values from 90 on are unset
 };
 
 const LayoutCase kLayouts[] = {

@@ -1,4 +1,4 @@
-// main() of the test programs that need no Java VM.
+// main() of the test programs without a Java VM.
 
 #include "test_main.h"
 

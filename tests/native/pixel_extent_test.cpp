@@ -1,4 +1,4 @@
-// The bytes of a locked hardware buffer, as devices lay out its planes.
+// The number of bytes of a locked hardware buffer, for plane layouts of devices.
 
 #include "pixel_extent.h"
 
@@ -9,7 +9,7 @@ namespace {
 
 constexpr uintptr_t kStart = 0x10000;
 
-// A plane at this byte of the memory.
+// A plane that starts at this offset.
 AHardwareBuffer_Plane at(uintptr_t offset, uint32_t pixelStride, uint32_t rowStride) {
   return {reinterpret_cast<void*>(kStart + offset), pixelStride, rowStride};
 }

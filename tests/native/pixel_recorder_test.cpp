@@ -1,4 +1,4 @@
-// The probe's pixels: what it keeps of images, and that no descriptor of a caller can hurt it.
+// The probe's recording of pixels, and its handling of invalid descriptors.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ using android::hardware::hidl_vec;
 using Json = nlohmann::ordered_json;
 
 constexpr uint64_t kNativeReq = 7;
-// The CRC-32 of "123456789", which everybody's is.
+// Its CRC-32 is the usual check value.
 constexpr char kNine[] = "123456789";
 constexpr uint32_t kNineCrc = 0xCBF43926;
 
@@ -39,7 +39,7 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Asked one by one: under the emulator a 32-bit process can't list every folder.
+// Checks each number: under the emulator a 32-bit process cannot list every folder.
 size_t openDescriptors() {
   constexpr int kMost = 1024;
   size_t open = 0;
@@ -49,7 +49,7 @@ size_t openDescriptors() {
 
 TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
   const std::string path = testing::TempDir() + "pixels_" + std::to_string(getpid());
-  std::string large(size_t{17} << 20, 'l');  // larger than what is mapped at a time
+  std::string large(size_t{17} << 20, 'l');  // larger than one mapping
   large.back() = 'e';
   const int nine = memoryFile(kNine);
   const int big = memoryFile(large);
@@ -92,13 +92,13 @@ TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
   }
   unlink(path.c_str());
   EXPECT_EQ(writePixels(nine, 9, 9, path).crc, kNineCrc);
-  // Nothing that is there already is written over.
+  // Existing files are not overwritten.
   EXPECT_EQ(writePixels(nine, 9, 9, path).problem.rfind("can't make " + path, 0), 0U);
   unlink(path.c_str());
   for (const int fd : {nine, big, empty, event, unreadable}) close(fd);
 }
 
-// A page that is gone when it is read ends a process that touches it.
+// Touching a mapped page that no longer exists would kill the process.
 TEST(PixelFile, OutlivesMemoryThatShrinks) {
   constexpr off_t kSize = off_t{20} << 20;
   const std::string path = testing::TempDir() + "shrinking_" + std::to_string(getpid());
@@ -141,13 +141,13 @@ protected:
   }
   // NOLINTEND(concurrency-mt-unsafe)
 
-  // Outlives the tests, since functions behind cookies keep it.
+  // Outlives the tests because functions of cookies keep it.
   static EventRecorder& recorder() {
     static EventRecorder* const recorder = new EventRecorder();
     return *recorder;
   }
 
-  // One request, whose descriptors are closed when process() has returned, as for a full-async one.
+  // A request whose descriptors are closed after process() returns, as for a full-async one.
   void run(const std::string& in, const std::string& out, int result, const char* callbackName) {
     AlgoInterfaceCallbacks real;
     real.destroyClient = [](void*) { return 0; };
@@ -183,7 +183,7 @@ protected:
     frame.fdSize[0] = static_cast<int32_t>(size);
     return frame;
   }
-  // "at image index: content" of each event of pixels, or why they were not kept.
+  // "at image index: content" of each event with pixels, or the reason why they were not recorded.
   std::vector<std::string> pixels() const {
     std::vector<std::string> found;
     std::ifstream file(mEvents);

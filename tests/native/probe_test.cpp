@@ -1,4 +1,4 @@
-// The probe: what it writes of each call, and that nothing of what passes is changed.
+// The probe records each call, and changes nothing in it.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ void* handle(uintptr_t number) {
   return reinterpret_cast<void*>(number);
 }
 
-// A library that returns what can be told apart.
+// A library with distinct return values.
 AlgoInterfaceCallbacks realTable() {
   AlgoInterfaceCallbacks table;
   table.init = [](const AlgoInitRecord&) { return 1; };
@@ -79,7 +79,7 @@ protected:
     for (std::string line; std::getline(file, line);) all.push_back(Json::parse(line));
     return all;
   }
-  // Begins and ends without what differs from run to run.
+  // Begin and end events, without fields that vary between runs.
   std::string calls() const {
     std::string text;
     for (Json event : events()) {
@@ -90,7 +90,7 @@ protected:
     return text;
   }
 
-  // Outlives the tests, since functions behind cookies keep it.
+  // Outlives the tests because functions of cookies keep it.
   static EventRecorder& recorder() {
     static EventRecorder* const recorder = new EventRecorder();
     return *recorder;
@@ -212,7 +212,7 @@ TEST_F(ProbeTest, WritesWhatPassesOfEveryOperation) {
   EXPECT_EQ(header["pointerBits"], 8 * sizeof(void*));
 }
 
-// The callback that process() hands over is called through the probe's, also after process() and from another
+// The probe intercepts the callback passed to process(), also when called after process() or on another
 // thread.
 TEST_F(ProbeTest, WritesCallbacksOfACookie) {
   std::vector<uint64_t> cookies;
@@ -253,7 +253,7 @@ TEST_F(ProbeTest, WritesCallbacksOfACookie) {
   EXPECT_EQ(all.back()["thrown"], "int");
 }
 
-// The caller's thread sees nothing of the probe but the call.
+// The probe does not affect the caller's thread: errno and exceptions pass through.
 TEST_F(ProbeTest, LetsErrorsAndExceptionsPass) {
   AlgoInterfaceCallbacks real = realTable();
   real.init = [](const AlgoInitRecord&) {
@@ -293,7 +293,7 @@ TEST_F(ProbeTest, KeepsEmptyWhatIsEmpty) {
   EXPECT_EQ(cookies, (std::vector<uint64_t>{reinterpret_cast<uintptr_t>(&nobody), 0}));
 }
 
-// Each line is whole, whoever writes at the same time, and the pairs of begin and end are the calls.
+// Lines stay whole when several threads write, and each call has a begin and an end.
 TEST_F(ProbeTest, WritesWholeLinesFromManyThreads) {
   constexpr int kThreads = 4;
   constexpr int kCalls = 250;
@@ -318,7 +318,7 @@ TEST_F(ProbeTest, WritesWholeLinesFromManyThreads) {
   for (const auto& [number, lines] : calls) EXPECT_EQ(lines, 2) << number;
 }
 
-// Addresses of this program, which the event before names with its path.
+// Addresses in this program; the preceding event has its path.
 TEST_F(ProbeTest, TellsWhereACallCameFrom) {
   mTable.flush({});
   const std::vector<Json> all = events();
@@ -353,7 +353,7 @@ TEST(RealLibrary, SaysWhatItCannotOpen) {
   std::remove(text.c_str());
 }
 
-// The library that is found next on the loader's path is the one that would be opened without the probe.
+// The next library on the loader's path, which would be opened without the probe.
 TEST(RealLibrary, IsTheNextOfItsName) {
   const std::string lib = test::libraryFolder();
   void* const probe = dlopen((lib + "/../probe/liborlu.vac.interface.so").c_str(), RTLD_NOW);
@@ -363,8 +363,8 @@ TEST(RealLibrary, IsTheNextOfItsName) {
   EXPECT_TRUE(callableNames(table, false).empty());
 }
 
-// The library that made way for the probe comes before the stand-in, which the loader would find; the one
-// that is named comes before both.
+// The library that the probe replaces takes precedence over the stand-in, which the loader would find. The
+// library named by the variable takes precedence over both.
 TEST(RealLibrary, IsBesideTheProbe) {
   const std::string build = test::libraryFolder() + "/..";
   std::string folder = testing::TempDir() + "probe_XXXXXX";

@@ -1,5 +1,5 @@
-// notify() ends the process, so each of these runs in a child of its own: a fork of this process, not its
-// program anew, which an emulator of another machine could not start.
+// notify() kills the process, so each test runs in a forked child. The child must not start the program
+// again, because an emulated process cannot.
 
 #include <android/log.h>
 #include <dlfcn.h>
@@ -14,7 +14,7 @@
 namespace orlu {
 namespace {
 
-// Tells standard error what the algorithm library was asked for, in brackets.
+// Prints the algorithm library's operation to standard error, in brackets.
 void showOperation(const standin::AlgoCall& call) {
   std::string text = call.operation;
   if (call.command != nullptr) {
@@ -46,7 +46,7 @@ TEST_F(RequestProcessorNotifyDeathTest, TellsTheLibraryAndAborts) {
       R"(\[createClient\].*notify inst 0x[^,]*\[command 12 notify:kill0 0\][^[]*notify inst 0x.*, service abort)");
 }
 
-// Through the product's export.
+// Calls the product's export.
 TEST_F(RequestProcessorNotifyDeathTest, MakesAClientForHandleZero) {
   void* const product = dlopen("liborlu.vas.native.interface.so", RTLD_NOW);
   ASSERT_NE(nullptr, product) << dlerror();

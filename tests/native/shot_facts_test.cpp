@@ -1,4 +1,4 @@
-// Small rules of a shot: its camera's role, its fusion frames, its aperture.
+// Small functions of a shot: camera role, fusion frames, aperture.
 
 #include <gtest/gtest.h>
 

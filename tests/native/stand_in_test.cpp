@@ -1,4 +1,4 @@
-// The stand-in algorithm library, where a fault of it would hide in other tests.
+// The stand-in algorithm library, whose faults could hide in other tests.
 
 #include <android/sharedmem.h>
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ protected:
                      reinterpret_cast<uintptr_t>(&mCallback), 0, {});
   }
 
-  // Waits until so many requests have been called back for; all that were, in their order.
+  // Waits for `count` callbacks and returns the requests in the order of their callbacks.
   std::vector<uint64_t> waitFor(size_t count) {
     std::unique_lock<std::mutex> lock(mMutex);
     mChanged.wait_for(lock, std::chrono::seconds(60), [&] { return mDone.size() >= count; });
@@ -53,7 +53,7 @@ protected:
   Algo mAlgo;
   AlgoNativeContext mContext;
   void* mBlock = mContext.createMetadata();
-  // Called on the calling-back thread, before the request counts as done.
+  // Called on the callback thread before the request counts as done.
   std::function<void(uint64_t nativeReq)> mOnCallback = [](uint64_t) {};
 
 private:
@@ -108,7 +108,7 @@ TEST_F(StandInTest, FlushWaitsForWhatIsPending) {
   EXPECT_EQ((std::vector<uint64_t>{1, 2, 3, 4, 5}), waitFor(0));
 }
 
-// An image whose record lies, or that is not there, is left alone.
+// Missing images, and images with wrong records, are left unchanged.
 TEST_F(StandInTest, CopesWithOddImages) {
   void (*const kSpoil[])(AlgoFrameInfo&) = {
       [](AlgoFrameInfo& frame) { frame.width = 0; },
