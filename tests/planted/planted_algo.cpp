@@ -1,16 +1,16 @@
-// An algorithm library with one fault, for the tests of what is said about it: the stand-in's table with one
-// thing changed. ORLU_PLANTED names the fault:
+// An algorithm library with one fault, to test how the command reports it: the stand-in's table with one
+// change. ORLU_PLANTED selects the fault:
 //   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
-//   aborts:NAME  segfaults:NAME  hangs:NAME              likewise
+//   aborts:NAME  segfaults:NAME  hangs:NAME              same
 //   silent  late  name  id  unattached  twice  headless  afterwards
-//                                          what becomes of the callback
+//                                          faults of the callback
 //   visits                                 a value is requested with half its size
-//   idle  untouched                        what is made of the request
-//   empty  oversized  selects  crossed  brief     what becomes of the results
-//   scribbles                              an output is written once more after the callback
+//   idle  untouched                        faults of the request
+//   empty  oversized  selects  crossed  brief     faults of the results
+//   scribbles                              an output is written again after the callback
 //   inputStride  outputStride  swapped  elsewhere  black  dark  clipped  green  half  stamped
-//                                          what becomes of the images, which are NV21 (planted_images.h)
-// PLANTED_WITHOUT_ENTRY builds a library that is none.
+//                                          faults of the images, which are NV21 (planted_images.h)
+// PLANTED_WITHOUT_ENTRY builds a library without the entry.
 #include <dlfcn.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -41,18 +41,18 @@ using Bytes = hidl_vec<uint8_t>;
 using Handles = hidl_vec<hidl_handle>;
 
 constexpr int kInvalid = -22;
-// Bytes of a JPEG, more than any output of a test has.
+// The size of a JPEG, larger than any output of a test.
 constexpr int32_t kOversized = 1 << 24;
-// Past the ten seconds that a request is waited for.
+// More than the ten seconds that a request waits.
 constexpr std::chrono::seconds kLate{11};
 
-// What a burst plants in its first request.
+// Planted in the first request of a burst.
 constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;
-// Calls back again.
+// Repeats the callback.
 std::function<void()> gAgain;
-// Of the last request: its parameter block, and a descriptor of its first output.
+// The last request's parameter block, and a descriptor of its first output.
 void* gBlock = nullptr;
 int gOutput = -1;
 
@@ -84,7 +84,7 @@ AlgoInterfaceCallbacks standIn() {
   std::abort();
 }
 
-// Takes one callable away, or makes it fail.
+// Removes one callable or makes it fail.
 void spoilCallable(AlgoInterfaceCallbacks& table, const Fault& fault) {
   probe::forEachCallable(table, [&](const char* name, auto& callable) {
     if (fault.callable != name) return;
@@ -104,7 +104,7 @@ void spoilCallable(AlgoInterfaceCallbacks& table, const Fault& fault) {
   });
 }
 
-// The callback that the stand-in makes, with the fault on its way to the caller's function.
+// Makes the stand-in's callback, with the fault.
 void callBack(const std::string& kind, const AlgoResultCallback& real, const Bytes& data, const Bytes& extra,
               const Handles& handles) {
   Bytes message = data;
@@ -131,7 +131,7 @@ void callBack(const std::string& kind, const AlgoResultCallback& real, const Byt
   }
 }
 
-// Empty and oversized are a JPEG's sizes; selected is the third frame, and none is the base.
+// Empty and oversized are sizes of a JPEG. Selects the third frame, and no base frame.
 void spoilResults(const std::string& kind, const std::function<void(const char*, void*, unsigned)>& set) {
   int32_t size = kind == "empty" ? 0 : kOversized;
   if (kind == "empty" || kind == "oversized") set("encoded_jpeg_size", &size, sizeof size);
@@ -149,7 +149,7 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
   const auto* const real =
       reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(record.callbackCookie));
   void* const block = record.metadata[0].block;
-  // Lives until the process ends, as the stand-in may use it until then.
+  // Never freed: the stand-in may use it until the process exits.
   auto* const own = new AlgoResultCallback(
       [=, kind = fault.kind, setValue = ops.setValue, outputs = record.outputFrames,
        inputs = record.inputFrames](const Bytes& data, const Bytes& extra, const Handles& handles) {
@@ -172,7 +172,7 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
   }
 }
 
-// The block of a request goes after its callback, on the thread that waits for it.
+// A request's block is destroyed after its callback, on the thread that waits for it.
 void scribbleAfter(const std::function<void(void*)>& real, void* block) {
   real(block);
   if (gOutput < 0 || block != gBlock) return;
@@ -182,7 +182,7 @@ void scribbleAfter(const std::function<void(void*)>& real, void* block) {
   gOutput = -1;
 }
 
-// Waits for its callbacks, as a good library does.
+// Waits for its callbacks, like a good library.
 int endClient(const std::function<int(void*)>& real, void* client) {
   if (gLate.joinable()) gLate.join();
   if (gAgain) {

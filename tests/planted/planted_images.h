@@ -1,4 +1,4 @@
-// What planted libraries do to images.
+// Faults in images for planted libraries.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace orlu::planted {
 
-// Changes what the stand-in is handed: "inputStride" and "outputStride" take the width for the stride,
-// "swapped" NV12 for the inputs' NV21, "elsewhere" the first input's memory for the first output's. Others
-// change nothing.
+// Changes the stand-in's input: "inputStride" and "outputStride" replace the stride by the width, "swapped"
+// the inputs' NV21 by NV12, "elsewhere" the first output's memory by the first input's. Other kinds have no
+// effect.
 void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 
-// Changes what the stand-in made, in shared memory: "black", "dark", "clipped" to white, "green" without
-// colour values, "half" without the lower rows. Others change nothing.
+// Changes the stand-in's output in shared memory: "black", "dark", "clipped" to white, "green" without
+// chroma, "half" without the lower rows. Other kinds have no effect.
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs);
 
-// Writes into the memory of a frame that was to be read only.
+// Writes to the memory of a read-only frame.
 void stamp(const AlgoFrameInfo& frame);
 
 }  // namespace orlu::planted
