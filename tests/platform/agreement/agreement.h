@@ -1,6 +1,5 @@
-// Assertions that a header of ours says what the platform's says. Both are in one translation unit: the
-// platform's names are global, and ours are in the namespace `ours`, where tests/platform/check.sh moved
-// them.
+// Asserts that our headers agree with the platform's. Both are in one translation unit: the platform's names
+// are global; tests/platform/check.sh puts ours into the namespace `ours`.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +7,7 @@
 
 namespace agreement {
 
-// The type, with each record of ours replaced by the platform's record of that name (RECORD).
+// The type with our record replaced by the platform's record of the same name (RECORD).
 template <typename T>
 struct Platform {
   using Type = T;
@@ -34,7 +33,7 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// At global scope. An opaque record, or one whose layout OPAQUE's other users assert field by field.
+// At global scope. For records that are opaque, or asserted field by field where OPAQUE is used.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

@@ -1,5 +1,4 @@
-// The JDK's jni.h, which everything here is compiled and run with, and Android's. Slots are the functions of
-// the VM's tables.
+// Android's jni.h and the JDK's, which builds and tests use here. Slots are the functions of the VM's tables.
 #include "ours/jni.h"
 
 namespace ours {
@@ -66,13 +65,13 @@ FIELD(JavaVMAttachArgs, group);
 #define VM_OFFSET(name) \
   static_assert(offsetof(ours::JNIInvokeInterface_, name) == offsetof(::JNIInvokeInterface, name), #name)
 #define VM_SLOT(name) FIELD_AS(ours::JNIInvokeInterface_, ::JNIInvokeInterface, name)
-// All functions of Android's table, from its header.
+// All functions in Android's table, generated from its header.
 #include "jni_slots.inc"
 
 VM_SLOT(DestroyJavaVM);
 VM_SLOT(DetachCurrentThread);
 VM_SLOT(GetEnv);
-// The two that differ, void** here and JNIEnv** there. attachThread() in jni/jni_support.h takes either.
+// These two differ: void** in the JDK, JNIEnv** in Android. attachThread() in jni/jni_support.h accepts both.
 VM_OFFSET(AttachCurrentThread);
 VM_OFFSET(AttachCurrentThreadAsDaemon);
 FUNCTION(JNI_GetCreatedJavaVMs);

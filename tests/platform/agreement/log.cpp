@@ -1,5 +1,5 @@
-// What jni/ uses. The functions that replace the logger are the host's: tests alone call them, and Debian's
-// header is of a platform before they got their present types.
+// The functions that jni/ uses. The functions that replace the logger are not compared: only tests call them,
+// and Debian's header predates their current types.
 #include <android/log.h>
 
 #include "agreement.h"

@@ -1,4 +1,4 @@
-// Adds to this machine's <errno.h> how Android's C library names the variable.
+// Extends this machine's <errno.h> by the variable's name in Android's C library.
 #pragma once
 #include_next <errno.h>
 extern "C" int* __errno(void);

@@ -1,4 +1,4 @@
-// In place of Android's C library: no mallinfo2() and no M_PERTURB.
+// Replaces the header of Android's C library, which has no mallinfo2() and no M_PERTURB.
 #pragma once
 #include <stddef.h>
 struct mallinfo {

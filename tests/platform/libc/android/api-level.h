@@ -1,2 +1,2 @@
-// In place of Android's C library; the level is given to the compiler.
+// Replaces the header of Android's C library; the compiler's options set the level.
 #pragma once

@@ -1,4 +1,4 @@
-// Adds to this machine's <sys/cdefs.h> what Android's has and the platform's headers use.
+// Extends this machine's <sys/cdefs.h> by macros of Android's that the platform's headers use.
 #pragma once
 #include_next <sys/cdefs.h>
 #define __INTRODUCED_IN(level)
