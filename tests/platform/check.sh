@@ -1,11 +1,14 @@
 #!/bin/bash
-# Compares what goes to a phone with the platform's headers and classes, as far as Debian and npm have them.
+# Compares the files for a phone with the platform's headers and classes, as far as Debian and npm have them.
 #   tests/platform/check.sh            all parts
-#   tests/platform/check.sh java       these alone
-# sources: jni/, the probe, the kit, the recorder's library and the minimal library compile with the platform's headers;
-# symbols: what they need of libraries, the platform's have; agreement: our headers say what the platform's
-# say; failure: what the platform does not take is found;
-# java: our classes, and what jni/ looks up, are the platform's.
+#   tests/platform/check.sh java       only these parts
+# Parts:
+#   sources    jni/, the probe, the kit, the recorder's library and the minimal library compile with the
+#              platform's headers
+#   symbols    the platform has all symbols that they need
+#   agreement  our headers agree with the platform's
+#   failure    differences are detected
+#   java       the platform has our stand-in classes and the members that jni/ looks up
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$root"
@@ -14,9 +17,9 @@ source scripts/arm_root.sh
 
 readonly parts=(sources symbols agreement failure java)
 readonly scratch=build/platform
-# The level of the device's platform, as in the preset android.
+# The API level of the device's platform, as in the preset android.
 readonly api_level=30
-# Headers that Debian lacks: ours take their place.
+# Debian lacks these headers; ours replace them.
 readonly ours=(
   android/hardware_buffer.h hidl/HidlSupport.h orlu/camera3rd_log.h vndk/hardware_buffer.h
 )
@@ -27,8 +30,8 @@ readonly both=(
 )
 readonly types_package=@nativescript/types-android@9.1.1
 
-# call_compiler ARGUMENTS FLAG...: with so many arguments of standard input at a time, the device's settings,
-# Android's headers, and Debian's C library. The device's C library has no bcmp().
+# call_compiler ARGUMENTS FLAG...: runs the compiler with this number of arguments from standard input at a
+# time, the device's settings, Android's headers, and Debian's C library. The device's C library lacks bcmp().
 call_compiler() {
   xargs -0 -P "$(nproc)" -n "$1" clang++ "${@:2}" \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
@@ -44,7 +47,7 @@ call_compiler() {
 # read_sources FILE...
 read_sources() { printf '%s\0' "$@" | call_compiler 4 -fsyntax-only; }
 
-# compile_sources FOLDER FILE...: an object of each in the folder, which is made anew.
+# compile_sources FOLDER FILE...: compiles each file to an object in the folder, which is cleared first.
 compile_sources() {
   local folder=$1 source
   rm -rf "$folder"
@@ -63,13 +66,13 @@ check_sources() {
   echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
 }
 
-# The objects are those of the part sources.
+# Uses the objects of the part sources.
 check_symbols() {
   [ -d "$scratch/objects" ] || check_sources
   find_symbols "$scratch"/objects/*.o
 }
 
-# find_symbols OBJECT...: Rust's package libc lists what Android's C library has.
+# find_symbols OBJECT...: the Rust package libc lists the functions of Android's C library.
 find_symbols() {
   local rust=(/usr/share/cargo/registry/libc-*/src/unix) runtime=("$ORLU_ARM_ROOT"/usr/lib/llvm-*/lib/libc++{,abi}.so.1)
   tests/platform/symbols.py --nm arm-linux-gnueabihf-nm --others tests/platform/symbols.txt \
@@ -77,7 +80,7 @@ find_symbols() {
     --bionic "${rust[0]}"/{mod.rs,linux_like/{mod,android/{mod,b32/mod,b32/arm}}.rs} -- "$@"
 }
 
-# Both headers are seen in one source: ours in a namespace.
+# One source includes both headers, with ours in a namespace.
 check_agreement() {
   local header sources
   rm -rf "$scratch/agreement"
@@ -98,7 +101,7 @@ read_agreement() {
   CPATH=$scratch/agreement:$JAVA_HOME/include/linux read_sources "$@"
 }
 
-# must_fail TEXT COMMAND...: the command fails, and says so.
+# must_fail TEXT COMMAND...: expects that the command fails and prints the text.
 must_fail() {
   local text=$1 said
   shift
@@ -106,7 +109,7 @@ must_fail() {
   grep -qF -- "$text" <<<"$said" || die "failed without \"$text\": $said"
 }
 
-# The fault that Android's jni.h once found, and a wrong size in a header of ours.
+# The fault that Android's jni.h once revealed, and a wrong size in one of our headers.
 check_failure() {
   local copy=$scratch/failure
   rm -rf "$copy"
@@ -129,7 +132,7 @@ check_failure() {
   echo "each of these faults is found"
 }
 
-# The listing of the platform's classes comes from npm, at a fixed version, once.
+# Downloads the listing of the platform's classes once, from npm, at a fixed version.
 fetch_types() {
   local folder=$scratch/types
   if [ -e "$folder/version" ] && [ "$(cat "$folder/version")" = "$types_package" ]; then return; fi

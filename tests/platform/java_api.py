@@ -42,7 +42,7 @@ def split_top(text):
 
 
 def bare(name):
-    """A name without type arguments, in any nesting."""
+    """A name without type arguments, however nested."""
     while re.search(r"<[^<>]*>", name):
         name = re.sub(r"<[^<>]*>", "", name)
     return name.strip()
@@ -59,7 +59,7 @@ def listed_type(text):
 
 
 def type_of(java):
-    """What the listing calls a Java type."""
+    """The listing's name of a Java type."""
     if java.endswith("[]"):
         return type_of(java[:-2]) + "[]"
     java = bare(java).replace("$", ".")
@@ -82,7 +82,7 @@ def read_listing(path):
                           r"\s*(?:implements (.*?))?\s*\{")
     member = re.compile(r"(?:public|protected) (static )?(\w+)(?:(\(.*\))(?:: (.*))?|: (.*));")
     with open(path, encoding="utf-8") as lines:
-        # The ">" of a function's type is no bracket.
+        # The ">" of a function type is not a bracket.
         for line in (line.strip().replace("=>", "") for line in lines):
             found = re.search(r"@since (\d+)", line)
             if found:
@@ -100,7 +100,7 @@ def read_listing(path):
             elif line == "}":
                 scope.pop()
             elif line.endswith("{"):
-                scope.append("")  # a literal, of an interface's methods
+                scope.append("")  # a literal with an interface's methods
             elif line.startswith("}"):
                 scope.pop()
             elif entry and scope and scope[-1]:
@@ -122,7 +122,7 @@ class Platform:
         self.classes, self.level = read_listing(listing), level
 
     def problem(self, class_name, member=None):
-        """What is wrong with a class, or with its member; None when the platform has it."""
+        """Describes the mistake in a class or member; None if the platform has it."""
         name = class_name.replace("$", ".")
         clazz = self.classes.get(name)
         if clazz is None:
@@ -165,7 +165,7 @@ class Platform:
 
 
 def read_javap(text):
-    """(class, member or None) of each public class and member that javap prints."""
+    """(class, member or None) for each public class and member printed by javap."""
     clazz = None
     for line in text.splitlines():
         header = re.match(r"public .*?(?:class|interface) ([\w.$]+)", line)
@@ -176,7 +176,7 @@ def read_javap(text):
         elif entry and clazz:
             modifiers, name, arguments = entry.groups()
             static = "static " in modifiers
-            # A method's own type parameters stand before its result.
+            # A method's own type parameters precede its result.
             result = re.sub(r"\b(static|final|abstract|native|synchronized|default)\b", "", modifiers)
             result = re.sub(r"^\s*<.*?> (?=\S)", "", result).strip()
             types = None
@@ -199,7 +199,7 @@ def field_of(name, signature):
 
 
 def read_lookups(folder):
-    """(file:line, class, member or None) of what jni/ looks up in the platform."""
+    """(file:line, class, member or None) for each lookup of the platform in jni/."""
     row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
                      r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
     # What names a Java type. Those of our own service's method stand in constants.
@@ -213,14 +213,14 @@ def read_lookups(folder):
             kind, name, signature = match.groups()
             place = f"{path}:{text.count(chr(10), 0, match.start()) + 1}"
             if kind in ("CLASS", "FindClass"):
-                # "[I" has no members, and an array's class is there when its element's is.
+                # "[I" has no members, and an array's class exists if its element's class exists.
                 element = re.fullmatch(r"\[+L(.*);", name)
                 clazz = (element.group(1) if element else name).replace("/", ".")
                 if clazz.startswith("["):
                     continue
                 yield place, clazz, None
             elif kind.startswith("GetField"):
-                # The one member that is looked up where it is used, not in a table.
+                # The only member looked up where it is used instead of in a table.
                 yield place, "android.hardware.camera2.CaptureResult", field_of(name, signature)
             elif signature.startswith("("):
                 inside, result = signature[1:].split(")")

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""java_api.py finds each way in which a class or a member of ours can differ from the platform's."""
+"""Tests that java_api.py detects every difference between our classes or members and the platform's."""
 
 import pathlib
 import tempfile

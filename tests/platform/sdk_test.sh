@@ -1,6 +1,7 @@
 #!/bin/bash
-# Takes the folder of ./run sdk elsewhere and moves the builds away: the minimal library is built and checked
-# there with nothing of this tree, on this machine and, with clang and libc++, on ARM; each is broken once.
+# Moves the folder of ./run sdk elsewhere and the builds away, then builds and checks the minimal library
+# there, without this tree: on this machine and, with clang and libc++, on ARM. Each check is also run with a
+# fault.
 #   sdk_test.sh
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -25,13 +26,13 @@ cd "$work/taken hüme"
 if grep -rlF "$root" .; then die "the files above name this tree"; fi
 JAVA_HOME=$(debian_java_home "")
 export JAVA_HOME
-# Nothing but what a maker has.
+# Only what an algorithm maker has.
 unset LD_LIBRARY_PATH ORLU_BUILD
 
-# checks COMMAND...: the kit, as quick as it can be.
+# checks COMMAND...: runs the kit as fast as possible.
 checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
 
-# fails TEXT COMMAND...: a fault that was put in is found, by a line with this text.
+# fails TEXT COMMAND...: expects that the command detects the planted fault and prints this text.
 fails() {
   local text=$1
   shift
@@ -39,7 +40,7 @@ fails() {
   grep -qE -- "$text" "$work/report" || { cat "$work/report"; die "not found: $text"; }
 }
 
-# change EXPRESSION FILE: edits a file with sed; an expression that changes nothing would break nothing.
+# change EXPRESSION FILE: edits a file with sed; fails if nothing changes, since nothing would be broken.
 change() {
   sed -i.before "$1" "$2"
   ! cmp -s "$2" "$2.before" || die "$2: nothing matches $1"
@@ -65,7 +66,7 @@ arm_library=$work/arm/liborlu.vac.interface.so
 mkdir "$work/arm"
 mapfile -t flags < <(PKG_CONFIG_PATH=$PWD/lib/pkgconfig pkg-config --cflags orlu-algo | xargs -n 1)
 jni=(-isystem "$JAVA_HOME/include" -isystem "$JAVA_HOME/include/linux")
-# As the sources of a maker with many warnings.
+# Compiles with many warnings, as a maker may.
 for compiler in g++ clang++; do
   for standard in 17 20; do
     "$compiler" "${flags[@]}" "${jni[@]}" "-std=c++$standard" -fsyntax-only \
@@ -80,7 +81,7 @@ build_for_arm() {
 }
 arm_kit() { qemu-arm-static -L "$ORLU_ARM_ROOT" kit/armv7-libcxx/conform "$@"; }
 build_for_arm example/minimal_algo.cpp
-# The emulator is slow, and slower beside other work.
+# The emulator is slow, more so on a busy machine.
 checks arm_kit "$arm_library" --patience 60 --budget 600 || { cat "$work/report"; exit 1; }
 tail -1 "$work/report"
 
@@ -90,10 +91,10 @@ cmake --build "$work/host" >"$work/log"
 fails '^failed *callbacks' kit/x86_64/conform --only callbacks --patience 1 "$library"
 build_for_arm example/minimal_algo.cpp
 fails '^failed *callbacks' arm_kit --only callbacks --patience 1 "$arm_library"
-# A record that was changed is found by the compiler.
+# The compiler detects a changed record.
 change 's/^  int32_t width = 0;/  int64_t width = 0;/' include/algo_interface.h
 fails 'static.assert' cmake --build "$work/host"
 fails 'static.assert' build_for_arm example/minimal_algo.cpp
-# The phone's layout is demanded of a build for the phone.
+# A build for the phone requires the phone's layout.
 fails '32-bit' g++ -D__ANDROID__ -fsyntax-only "${jni[@]}" "${flags[@]}" example/minimal_algo.cpp
 echo "the folder works without this tree"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Looks for each symbol that goes to a phone undefined: some library of the platform must offer it.
+"""Checks that a library of the platform has each undefined symbol of the files for a phone.
 
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
@@ -16,12 +16,12 @@ import re
 import subprocess
 import sys
 
-# The compiler's own helpers; GoogleTest, which the kit brings along.
+# The compiler's own helpers, and GoogleTest, which is part of the kit.
 BROUGHT_ALONG = re.compile(r"__aeabi_|__emutls_|_Unwind_|_GLOBAL_OFFSET_TABLE_$|_Z\w*7testing")
 
 
 def symbols(nm, files, *flags):
-    """The names that nm lists, without their versions."""
+    """The names listed by nm, without versions."""
     if not files:
         return set()
     listed = subprocess.run([nm, "-P", *flags, *files], capture_output=True, text=True, check=True).stdout
