@@ -1,6 +1,6 @@
 #!/bin/bash
-# The build for the NDK as far as it goes without one: configures it with a toolchain file that passes for the
-# NDK's, and looks whether the library, and nothing that needs this machine, would be built.
+# Tests the NDK build as far as possible without the NDK: configures it with a stub of the NDK's toolchain
+# file, and checks that the library would be built, but nothing that needs this machine.
 #   android_preset_test.sh PROJECT
 set -euo pipefail
 project=$1

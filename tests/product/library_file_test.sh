@@ -1,5 +1,5 @@
 #!/bin/bash
-# Looks into the library's file, as the loader of a phone does.
+# Examines the library's file like a phone's loader.
 #   library_file_test.sh LIBRARY READELF STRIP arm|host libstdc++|libc++
 set -euo pipefail
 library=$1
@@ -26,7 +26,7 @@ expect_match() {
   fi
 }
 
-# dynamic TAG: the values that the dynamic section has for TAG, sorted, in one line.
+# dynamic TAG: prints the values of TAG in the dynamic section, sorted, on one line.
 dynamic() {
   sed -n "s/.*($1)[^[]*\[\(.*\)\]\$/\1/p" <<<"$dynamic_section" | sort | xargs
 }
@@ -40,14 +40,14 @@ natives=(
   abort algoInit algoRelease createNativeClient destroyNativeClient flush getData getVersion notify processImage
   processImageUpdateResult translateParamFiles
 )
-# lld also offers the ends of the data, which no loader asks for.
+# lld also exports the ends of the data, which no loader uses.
 # Columns: number, value, size, type, binding, visibility, section, name.
 offered=$(awk '$1 ~ /^[0-9]+:$/ && $5 != "LOCAL" && $7 != "UND" && $8 !~ /^(_edata|_end|__bss_start)$/ { print $4 "/" $8 }' <<<"$symbols")
 expect "what the library offers" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \
   "$(sort <<<"$offered" | xargs)"
 expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
 
-# The loader finds all of them beside the library; those of the algorithms are opened later.
+# The loader finds all of them next to the library; the algorithm library is opened later.
 needed=$(dynamic NEEDED)
 toolchain='^(libstdc\+\+|libc\+\+|libc\+\+abi|libunwind|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
 expect "the device's libraries that it needs" \

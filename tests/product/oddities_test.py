@@ -23,7 +23,7 @@ def paragraphs(text):
 
 
 def named_in_code(folder):
-    """Number -> the first place that names it."""
+    """Number -> the first place that mentions it."""
     places = {}
     for path in sorted((folder / "jni").iterdir()):
         text = re.sub(r"\n\s*//", " ", path.read_text())

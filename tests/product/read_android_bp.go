@@ -17,7 +17,7 @@ func fail(err interface{}) {
 	os.Exit(1)
 }
 
-// valueOf is what JSON has in place of a value; other kinds of values have no place in this file.
+// valueOf returns a value's JSON; this file may not contain other kinds of values.
 func valueOf(expression parser.Expression) interface{} {
 	switch value := expression.Eval().(type) {
 	case *parser.String:
