@@ -1,4 +1,5 @@
-"""Pages on requests whose every text is an attack: nothing of it may run, load, or change what is printed."""
+"""Makes pages with attacks in every string. No attack may run, load anything, or change the text
+displayed."""
 
 import json
 
@@ -7,11 +8,11 @@ from pages import ROOT, make_pages, show
 ATTACK = ("</script></title></style><script>hit = 1</script><img src=x onerror=hit=1><svg onload=hit=1>"
           "\"' onmouseover=hit=1 x='@script@ @data@ javascript:hit=1 &lt;script&gt;")
 CONTROLS = "\u001b[2J\u0085\u202e"
-# A file's name has no slash.
+# File names cannot contain slashes.
 FILE = "<img src=x onerror=hit=1>\"'@data@ &lt;b\u202e"
 UNSAFE = r"[\x00-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]"
 
-# What a page must not hold: elements or attributes of the attack, and characters that aren't shown as such.
+# Elements, attributes and invisible characters that must not be in the page.
 FOUND = f"""
 const found = [];
 if ("hit" in window) found.push("a script ran");
@@ -27,7 +28,7 @@ if (unsafe) found.push("a control character: " + JSON.stringify(unsafe[0]));
 return found;
 """
 
-# What the policy stops, tried by a script of the page itself.
+# Actions that the policy must stop, tried by a script in the page.
 STOPPED = """
 const done = arguments[0], stopped = new Set();
 addEventListener("securitypolicyviolation", event => stopped.add(event.effectiveDirective));
@@ -47,7 +48,7 @@ POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-
 
 
 def hostile_request(folder, name, text):
-    """The sample capture with this text wherever a request file has one of its own."""
+    """The sample capture with this string in every string field."""
     request = json.loads((ROOT / "samples/capture.json").read_text())
     request["about"] = text
     request["request"]["type"] = text
@@ -57,7 +58,7 @@ def hostile_request(folder, name, text):
     common = request["frames"]["common"]
     common["captureResult"].update({"com.orlu.chi.override.CameraType": {"text": text},
                                     "orlu.control.localtime": text})
-    # Only a composition can have tags that the table of tags lacks.
+    # Only compositions can have tags that are not in the table of tags.
     common["composition"] = {text: {"string": text}, "orlu.control.algoType": ["jpegEncode", text]}
     file = folder / f"{name}.json"
     file.write_text(json.dumps(request))
@@ -65,7 +66,7 @@ def hostile_request(folder, name, text):
 
 
 def check_hostile(driver, build, folder, tabs, check):
-    """Looks at every tab of such pages, of one whose algorithm library fails, and at their index."""
+    """Checks every tab of such pages, of one with a failing algorithm library, and their index."""
     requests = [hostile_request(folder, FILE, ATTACK + CONTROLS), hostile_request(folder, "plain", ATTACK)]
     for fault in ("answers:process", "aborts:process"):
         pages = folder / f"hostile-{fault}"

@@ -23,14 +23,14 @@ TABS = ["pictures", "memory", "timeline", "parameters", "tags", "results", "log"
 LEAST_CONTRAST = 4.5
 PICTURE_SIZE = (1000, 640)
 
-# The name of a folder of pages, the request, its planted fault, what the first finding's sentence has in it.
+# Folder of the pages, request, planted fault, part of the first finding's sentence.
 PAGES = [("night", "night", "", None), ("bokeh", "bokeh", "", None), ("raw", "raw16", "", None),
          ("failed", "capture", "silent", "timed out"), ("died", "capture", "aborts:process", "ended the process"),
          ("stride", "padded", "outputStride", "wrong stride"), ("colours", "night", "swapped", "exchanged"),
          ("wrong-buffer", "raw16", "elsewhere", "input 0 have changed"),
          ("black", "padded", "black", "Output 0 is black"), ("none", "capture", "lacks:process", "can't be used")]
 
-# The contrast of every text that is shown with what lies behind it; the least, and whose it is.
+# Finds the text with the least contrast to its background.
 CONTRAST = """
 const channel = v => (v /= 255) <= 0.03928 ? v / 12.92 : Math.pow((v + 0.055) / 1.055, 2.4);
 const light = c => 0.2126 * channel(c[0]) + 0.7152 * channel(c[1]) + 0.0722 * channel(c[2]);
@@ -62,7 +62,7 @@ def check(what, is_right, found=""):
 
 
 class Page:
-    """A page that is open, and what a person does with it."""
+    """An open page, with a user's actions."""
 
     def __init__(self, driver, name):
         self.driver, self.name = driver, name
@@ -80,7 +80,7 @@ class Page:
         ActionChains(self.driver).send_keys(*keys).perform()
 
     def leave(self):
-        """Takes the focus out of a field."""
+        """Removes the focus from a field."""
         self.driver.execute_script("document.activeElement.blur()")
 
     def tab(self, name):
@@ -95,7 +95,7 @@ class Page:
 
 
 def check_shape(page, shots, size, scheme):
-    """Every tab: no wider than the window, texts that can be read; a picture for who looks at them."""
+    """Checks every tab: no wider than the window, readable text. Saves a picture."""
     for tab in TABS:
         page.tab(tab)
         width, inner = page.driver.execute_script("return [document.documentElement.scrollWidth, innerWidth]")
@@ -140,7 +140,7 @@ def check_keys(page):
 
 def check_pictures(page):
     def captions():
-        # Read once: between two readings the pictures may change.
+        # Read once, because the pictures may change in between.
         texts = [caption.text for caption in page.shown("#panel-pictures figcaption")]
         return [text for text in texts if text]
 

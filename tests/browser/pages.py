@@ -15,7 +15,7 @@ WIDE, NARROW = (1280, 800), (420, 900)
 
 
 def padded_request(folder):
-    """The sample clarity with padding behind each row."""
+    """The sample clarity with padding after each row."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     padded = {"format": "NV21", "stride": 704}
     request.update(photo=str(ROOT / "samples/photos/table.jpg"), inputs=padded, outputs=[padded])
@@ -37,7 +37,7 @@ def make_pages(build, folder, requests, fault="", trials="on"):
 
 @contextlib.contextmanager
 def browser():
-    """Chromium without a window, whose console is kept."""
+    """Headless Chromium; keeps its console's messages."""
     options = Options()
     for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--hide-scrollbars"):
@@ -51,7 +51,7 @@ def browser():
 
 
 def show(driver, file, size=WIDE, scheme="light", height=None):
-    """Opens a page in a window of this size, on a system that is light or dark."""
+    """Opens a page in a window of this size, with a light or dark theme."""
     set_window(driver, size[0], height or size[1])
     driver.execute_cdp_cmd("Emulation.setEmulatedMedia",
                            {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
