@@ -1,12 +1,12 @@
 #!/bin/bash
-# Tests that a build folder follows what changes, with a project of one file in C++ in the place of this one.
+# Tests that a build folder follows changes, using a project with a single C++ file instead of this one.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 failures=0
 
-# builds TEXT: the project is built, says this text on the way, and no more.
+# builds TEXT: builds the project, and expects only this text as output.
 builds() {
   local said
   said=$(bash -c 'set -euo pipefail; root=$1; source "$2/scripts/lib.sh"; build_preset dev' x "$root" "$here" 2>&1)
@@ -16,7 +16,7 @@ builds() {
   fi
 }
 
-# answers NUMBER: the program that was built ends with it.
+# answers NUMBER: expects this exit status of the built program.
 answers() {
   local status=0
   "$root/build/dev/answer" || status=$?
@@ -54,7 +54,7 @@ presets ANSWER=2
 builds ''
 answers 2
 
-# An older file in the place of a newer one, and another name.
+# An older file replaces a newer one, under another name.
 echo 'int main() { return 3; }' >"$folder/older.cpp"
 touch -d '2 days ago' "$folder/older.cpp"
 mv "$folder/older.cpp" "$root/main.cpp"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The catalogue's tables have a row for each tag, algorithm and image format, and none for what does not exist.
+"""The catalogue's tables have a row for each tag, algorithm and image format that exists, and no others.
 
 catalogue_table_test.py ROOT (the project's folder)
 """
@@ -14,9 +14,9 @@ TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/PixelFormat.java"
 PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt"
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
-# The library classifies it, and request files can't have it.
+# The library classifies it, but request files cannot have it.
 LIBRARY_FORMAT = "MIPI_RAW12"
-# A list of algorithm names, or one that is looked for, added or taken out.
+# A list of algorithm names, or a name that is searched, added or removed.
 NAME = re.compile(r'(?:listHas|append|remove|emplace_back|asksFor|listed)\("(\w+)"|^ +\{"(\w+)", +1U <<')
 NAMES = re.compile(r'(?:list|mAlgoList|supported) = \{([^}]*)\};')
 
@@ -35,7 +35,7 @@ def rows(file, columns):
 
 
 def algorithms():
-    """Every name in the library, the stand-in and the samples."""
+    """All names in the library, the stand-in and the samples."""
     names = set()
     for source in [*(ROOT / "jni").glob("*.cpp"), *(ROOT / "host/algo").glob("*.cpp")]:
         text = source.read_text()
@@ -52,7 +52,7 @@ def formats():
 
 
 def check_once(file, kinds):
-    """What must be said of each name is said, and nothing of an unknown kind."""
+    """Each name has its mandatory rows, and there are no rows of unknown kinds."""
     said = {}
     for number, (name, kind, _) in rows(file, 3):
         said.setdefault(name, []).append(kind)
@@ -64,7 +64,8 @@ def check_once(file, kinds):
 
 
 def check_names(file, columns, names, what, every=True, once=True, sentence=True):
-    """Rows begin with a name of names, in their order; every name has a row; a row ends in a sentence."""
+    """Rows start with a name and follow the order of the names. Every name has a row, which ends with a
+    sentence."""
     found = []
     for number, row in rows(file, columns):
         place = f"{file.relative_to(ROOT)}:{number}"
@@ -86,7 +87,7 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
 
 
 def check_words(file, keys):
-    """A quoted word is a parameter or an algorithm, a name in brackets a function of the library."""
+    """Quoted words are parameters or algorithms; names in brackets are functions of the library."""
     functions = "".join(source.read_text() for source in (ROOT / "jni").glob("*.cpp"))
     for number, row in rows(file, 3):
         place = f"{file.relative_to(ROOT)}:{number}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Asks ./run for tags, algorithms, parameters, formats and samples, and compares claims with runs:
+"""Queries ./run for tags, algorithms, parameters, formats and samples, and compares its statements with runs:
 catalogue_test.py BUILD_FOLDER"""
 
 import json
@@ -12,13 +12,13 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import ROOT, failures, finish, run  # noqa: E402
 
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
-# What claims are compared with, and looked into for drift: one on processed input, one on raw.
+# The samples to compare with and to check for stale statements: one with processed input, one with raw input.
 SAMPLES = ("capture", "hdr5")
-# Where values are tried that capture.json has no use for: the sample, and an algorithm that it is to ask for.
+# Values that need a sample other than capture.json: the sample, and an algorithm to request.
 BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
          "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 
-# arguments | status | lines, or parts of the error, of which each must be printed
+# arguments | status | lines, or parts of the error, that must be printed
 CASES = """
 tags currentModeEx                | 0 | tag orlu.control.currentModeEx ; unit bits ; changes algorithms, parameter/hdr_process_type, parameter/hdr_shutters,
 tags currentModeEx                | 0 | values bit-2 The frame is one of an HDR bracket; wins over bit 8.
@@ -53,7 +53,7 @@ def check_cases():
         result = run(*arguments.split())
         if result.returncode != int(status):
             failures.append(f"{arguments.strip()}: status {result.returncode}, {result.stderr}")
-        # Columns are as wide as they must be.
+        # Column widths depend on the content.
         lines = [" ".join(line.split()) for line in result.stdout.splitlines()]
         for text in texts.split(" ; "):
             text = " ".join(text.split())
@@ -63,7 +63,7 @@ def check_cases():
 
 
 def check_lists():
-    """Every entry is listed and in the JSON; no line is longer than a terminal. Returns the JSON of each part."""
+    """Every entry is listed and in the JSON; no line exceeds a terminal's width. Returns each part's JSON."""
     parts = {}
     for part in PARTS:
         listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)
@@ -76,7 +76,7 @@ def check_lists():
 
 
 def check_claims(parts):
-    """Types and bytes are those of runs."""
+    """Types and sizes equal those of runs."""
     parameters = {(entry["section"], entry["key"]): entry for entry in parts["parameters"]}
     java_types = {entry["name"]: entry["javaType"] for entry in parts["tags"]}
     with tempfile.TemporaryDirectory() as folder:
@@ -107,7 +107,8 @@ def check_claims(parts):
 
 
 def with_tag(tag, value):
-    """A request whose first frame has the value: a number, "[0]>0" for an element, ">0" for one above."""
+    """A request with the value in its first frame: a number, "[0]>0" for an element, ">0" for any greater
+    value."""
     sample, algorithm = BASES.get(tag, ("capture", "jpegEncode"))
     request = json.loads((ROOT / f"samples/{sample}.json").read_text())
     request["photo"] = str(ROOT / "samples" / request["photo"])
@@ -119,7 +120,7 @@ def with_tag(tag, value):
 
 
 def check_values(tags):
-    """What a value is said to append or to change is appended and changed."""
+    """Each value appends or changes the listed items."""
     claims = []
     for entry in tags:
         for value in entry["values"]:

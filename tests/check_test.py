@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What ./run says of request files that are wrong: each mistake of each file, with its place.
+"""Tests ./run's messages on wrong request files: all mistakes of each file, with their positions.
 
 check_test.py BUILD_FOLDER
 """
@@ -15,19 +15,19 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import ROOT, expect, failures, finish, run  # noqa: E402
 
-MUTATIONS = 16  # of each sample
+MUTATIONS = 16  # per sample
 LINE = re.compile(r"^(?P<file>[^:]+):(?P<line>\d+):(?P<column>\d+): (?P<text>.+)$")
 LONG = "9" * 401
 PHOTO = ROOT / "samples/photos/portrait.jpg"
 
 
 def request(frames='"frames": [{}]', more="", inputs="[]", outputs="[]"):
-    """The text of a request, whose second line begins with the frames."""
+    """A request's text, with the frames at the start of its second line."""
     return f'{{"request": {{"id": 1}}, "inputs": {inputs}, "outputs": {outputs},\n{frames}{more}}}'
 
 
 def tag(name, value):
-    """A request with a tag, whose value begins at line 3 column 1."""
+    """A request with a tag; its value starts at line 3, column 1."""
     return request(f'"frames": [{{"captureResult": {{"{name}":\n{value}}}}}]')
 
 
@@ -35,7 +35,7 @@ INT = "expected a whole number from -2147483648 to 2147483647, found"
 FORMATS = "expected one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found"
 MISSING = [f"1:1: missing field {name}" for name in ("request", "frames", "inputs", "outputs")]
 KNOWN = "$schema, about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request"
-# A file's text, and the lines on it, without its name.
+# Text of a file, and its messages without the file's name.
 NAME = "was expecting double-quote to start field name"
 COLON = "was expecting a colon to separate field name and value"
 VALUES = "(JSON String, Number, Array, Object or token 'null', 'true' or 'false')"
@@ -139,7 +139,7 @@ TAGS = [
      'expected exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
      'mean text?); the tag is BYTES (text)'),
 ]
-# Fields of a request, and the lines on it, without the word "warning".
+# Fields of a request, and its messages without the word "warning".
 SHOT = '"frames": [{"captureResult": {'
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
@@ -196,7 +196,7 @@ WARNINGS = [
 
 
 def check(*texts):
-    """Statuses and lines of ./run --check over files of these texts, those of each file on their own."""
+    """Status and messages of ./run --check over files with these texts; the messages are grouped by file."""
     names = [f"{i}.json" for i in range(len(texts))]
     for name, text in zip(names, texts):
         Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
@@ -207,7 +207,7 @@ def check(*texts):
 
 
 def severe(line, severity):
-    """A line of the tables above as it is printed: with its severity after its place."""
+    """A row of the tables above as printed, with its severity after its position."""
     return re.sub(r"^(\d+:\d+: |)", rf"\g<1>{severity}: ", line)
 
 
@@ -227,7 +227,7 @@ def says_each():
 
 
 def warns():
-    """A warning keeps nothing from running, unless --strict is given; a sample has none."""
+    """Warnings only stop a run with --strict; samples have none."""
     Path("a").write_bytes(bytes(24))
     done, found = check(*(case[0] for case in WARNINGS))
     for (text, *wanted), lines in zip(WARNINGS, found):
@@ -247,7 +247,7 @@ def warns():
 
 
 def says_all_in_order():
-    """Wrong files keep right ones from running, and what frames have in common is said once."""
+    """Wrong files keep correct ones from running; mistakes common to all frames are reported once."""
     Path("right.json").write_text(request())
     texts = ",\n".join(['"x"'] * 150)
     Path("many.json").write_text(request(
@@ -271,7 +271,7 @@ def says_all_in_order():
 
 
 def takes_comments():
-    """A mark of UTF-8 and comments are welcome; a name with a tab in it is shown in one line."""
+    """A byte order mark and comments are accepted; a name that contains a tab is printed on one line."""
     done, found = check("\ufeff// note\n" + request(more='/* one */, "a\\tb": 1, "\\u20ac": 2'))
     expect(done.stderr, ['3:26: "a\\u0009b"', '3:37: "\u20ac"'],
            [line.split(": unknown")[0].replace("error: ", "") for line in found[0]])
@@ -280,7 +280,7 @@ def takes_comments():
 
 
 def escapes_foreign_text():
-    """A request's own texts and its file's name reach no terminal as control characters."""
+    """Strings of a request and its file's name never reach a terminal as control characters."""
     attack = "\x1b[2J\x85\u202e"
     whole = json.loads((ROOT / "samples/capture.json").read_text())
     whole["about"] = whole["request"]["type"] = attack
@@ -297,7 +297,7 @@ def escapes_foreign_text():
 
 
 def mutated(text, chance):
-    """The text with one thing in it changed, at a random place."""
+    """The text with one random change."""
     tokens = list(re.finditer(r'"[^"]*"|-?\d[\d.]*|[\[\]{},:]', text))
     one, other = sorted(chance.sample(tokens, 2), key=lambda token: token.start())
     before, between, after = text[:one.start()], text[one.end():other.start()], text[other.end():]
@@ -311,7 +311,7 @@ def mutated(text, chance):
 
 
 def survives_mutations():
-    """Whatever is wrong, a file is right or each of its lines names a place; nothing ends the command."""
+    """A damaged file is either valid or each of its messages has a position; the command never crashes."""
     chance = random.Random(20)
     folder = Path("mutated")
     folder.mkdir()

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# What the tests of the command ./run share. Sourced by them with the build folder as their first argument;
-# they set root. The work is done in a folder that goes with the test.
+# Shared by the tests of ./run. They set root and source this with the build folder as first argument. The
+# working folder is deleted after the test.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # for those who source this
@@ -15,7 +15,7 @@ fail() {
   failures=$((failures + 1))
 }
 
-# command_ends STATUS ARGUMENT...: runs ./run; what it prints goes into the files out and err.
+# command_ends STATUS ARGUMENT...: runs ./run and expects this status; the output is in the files out and err.
 command_ends() {
   local wanted=$1 status=0
   shift
@@ -23,7 +23,7 @@ command_ends() {
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
 }
 
-# ends STATUS PATTERN ARGUMENT...: ./run ends so, and prints a line that this regular expression finds.
+# ends STATUS PATTERN ARGUMENT...: same, and expects a line that matches this regular expression.
 ends() {
   local wanted=$1 pattern=$2 status=0
   shift 2
@@ -32,15 +32,15 @@ ends() {
   grep -qE -- "$pattern" out err || fail "./run $*: no line is \"$pattern\": $(cat out err)"
 }
 
-# info_says PATTERN FOLDER: ./run info has a line on this recording that the regular expression finds, in however
-# many lines a terminal gets it.
+# info_says PATTERN FOLDER: expects that ./run info prints a line matching the regular expression for this
+# recording, before wrapping for terminals.
 info_says() {
   command_ends 0 info "$2"
   sed -E ':on; $!N; s/\n {20}/ /; t on; P; D' out >lines
   grep -qE -- "$1" lines || fail "./run info $2: no line is \"$1\": $(cat out)"
 }
 
-# prints TEXT...: what the last command printed holds each.
+# prints TEXT...: expects each text in the last command's output.
 prints() {
   local text
   for text in "$@"; do
@@ -48,7 +48,7 @@ prints() {
   done
 }
 
-# refused LINE ARGUMENT...: the command does nothing but say this one line.
+# refused LINE ARGUMENT...: expects that the command only prints this line.
 refused() {
   local line=$1
   shift
@@ -57,7 +57,7 @@ refused() {
   [ ! -s out ] || fail "$* printed: $(cat out)"
 }
 
-# ended: the test's own end.
+# ended: finishes the test.
 ended() {
   [ "$failures" -eq 0 ] && echo "All passed"
   exit $((failures > 0))

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What ./run import makes of a dump, an image test's JSON and EXIF blocks, whole, cut and damaged.
+"""Tests ./run import with a dump, an image test's JSON and EXIF blocks: complete, truncated and damaged.
 
 importing_test.py BUILD_FOLDER
 """
@@ -21,7 +21,7 @@ RATIONAL, BYTE, TEXT = 5, 1, 2
 
 
 def imported(*arguments):
-    """What is written, and what is said without the files' names."""
+    """The files written, and the messages without the files' names."""
     done = run("import", *arguments, "--out", "made/shot.json")
     expect(f"{arguments} {done.stderr}", 0, done.returncode)
     return json.loads(Path("made/shot.json").read_text()), done.stdout.splitlines()
@@ -38,7 +38,7 @@ def exif_entries():
 
 
 def jpeg_with_exif(entries=None, degrees=rational(48, 15, 0)):
-    """The photo, of 592x400, with an EXIF block put in front."""
+    """The 592x400 photo with an EXIF block in front."""
     photo = (ROOT / "samples/photos/table.jpg").read_bytes()
     first = directory([(274, SHORT, [6]), (271, TEXT, b"made by hand\0"), (34665, LONG, [200]),
                        (34853, LONG, [600])], 8, "<").ljust(192, b"\0")
@@ -123,7 +123,7 @@ def reads_suite():
 
 
 def takes_pictures_by_name_and_size():
-    """Pictures of one size are told apart by their names, also when one of them is not there."""
+    """Pictures of equal size are distinguished by their names, even if one is missing."""
     outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
     for given in ((), ("two.raw",)):
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
@@ -153,7 +153,7 @@ def reads_exif():
 
 
 def drops_odd_exif():
-    """Numbers over zero are none, and of two speeds the first counts."""
+    """Fractions with denominator zero are missing values; the first of two speeds is used."""
     none = struct.pack("<II", 0, 0)
     Path("odd.jpg").write_bytes(jpeg_with_exif(
         [(33434, RATIONAL, none), (33437, RATIONAL, none), (34855, SHORT, [100, 200])],
@@ -169,7 +169,7 @@ def drops_odd_exif():
 
 
 def survives_damage():
-    """Cut anywhere, a file is read as far as it goes or refused in one line."""
+    """A truncated file is read as far as possible, or rejected with one line."""
     sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
                "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 32] * 24)}
     for name, data in sources.items():
@@ -201,7 +201,7 @@ def survives_damage():
 
 
 def png_header(width, height, depth=8, colour=2):
-    """A PNG file of this size without its pixels."""
+    """A PNG file of this size without pixels."""
     def chunk(name, data):
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
     header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, 0))
@@ -209,7 +209,8 @@ def png_header(width, height, depth=8, colour=2):
 
 
 def distrusts_strangers():
-    """What would take gigabytes or minutes is refused, a stack or an escape sequence never printed."""
+    """Rejects files that would take gigabytes or minutes; never prints a stack trace or an escape
+    sequence."""
     result = ("Dumping camera metadata array: 1 / 1 entries\n"
               " android.sensor.timestamp (e0010): int64[1]\n [5 ]\n")
     exif = jpeg_with_exif()

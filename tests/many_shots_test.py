@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Folders, sweeps, bursts and comparisons, and what programs read of them: many_shots_test.py BUILD_FOLDER"""
+"""Tests folders, sweeps, bursts and comparisons, and their output for programs: many_shots_test.py
+BUILD_FOLDER"""
 
 import fcntl
 import json
@@ -61,7 +62,7 @@ def check_folder(folder):
 
 
 def check_crash(folder):
-    """A library that ends a process ends no other one."""
+    """A library that kills its process affects no other process."""
     for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
         write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
     result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)

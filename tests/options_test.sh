@@ -80,8 +80,8 @@ done < <(sed -n '/^Subcommands/,/^$/s/^  \([a-z]*\) .*/\1/p' "$root/service/help
 echo "== Completion"
 command_ends 0 completion
 bash -n out || fail "the completion can't be read"
-# completed LINE WORD...: bash offers these words, perhaps among others, after a line; "!" before one that it
-# must not.
+# completed LINE WORD...: expects that bash offers these words (and possibly others) after a line, except
+# words after "!".
 completed() {
   local line=$1 word offered
   shift
@@ -98,7 +98,7 @@ completed() {
     esac
   done
 }
-# Bash has this only while it completes.
+# Bash only defines this during completion.
 # shellcheck disable=SC2317 # the completion calls it
 compopt() { :; }
 # shellcheck disable=SC1091 # it was written above
@@ -133,7 +133,7 @@ done <<'CASES'
 CASES
 cd "$folder" || exit 1
 completed "./run m" mine.json
-# The program lists its own options, which the completion has again.
+# The program prints its own options, which the completion repeats.
 command_ends 0 conform --help
 read -ra listed < <(sed -nE 's/^  (--[a-z-]+) .*/\1/p' out | xargs)
 completed "./run conform -" "${listed[@]}"
@@ -141,14 +141,14 @@ completed "./run conform -" "${listed[@]}"
   fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
 
 echo "== Foreign text in the kit's reports and in the log"
-# shows FILE: it has the escaped text, and no character that a terminal obeys.
+# shows FILE: expects the escaped text, and no control characters for terminals.
 shows() {
   grep -qF 'a\u001b[2J\u009b\u202e' "$1" || fail "$1 lacks the text: $(cat "$1")"
   ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$1" || fail "$1 has control characters: $(cat "$1")"
 }
 
-# The name is part of what the loader reports.
-# In bytes: in a locale without UTF-8 the shell leaves \u as it is.
+# The loader's message contains the name. Written as bytes: in a locale without UTF-8 the shell does not
+# convert \u.
 library=$folder/$'a\e[2J\xc2\x9b\xe2\x80\xae\xff.so'
 command_ends 1 conform "$library" --only loading --junit junit.xml
 shows out

@@ -21,7 +21,7 @@ ENVIRONMENT = {key: value for key, value in os.environ.items()
 PLANTED = BUILD / "planted/planted_algo.so"
 LARGEST_PAGE = 3_000_000
 
-# request, planted fault, the kinds of findings with a word that what is said of each has in it
+# request, planted fault, the kinds of findings with a word of their text
 FAULTS = """
 padded | | |
 night | inputStride | stride | 632 for its stride of 640
@@ -56,7 +56,7 @@ def check(what, is_right, found=""):
 
 
 class References(html.parser.HTMLParser):
-    """What a page loads or leads to, and which elements stay open."""
+    """The URLs of a page, and elements that are not closed."""
 
     def __init__(self):
         super().__init__()
@@ -74,7 +74,7 @@ class References(html.parser.HTMLParser):
 
 
 def read_page(file):
-    """The data of a page, after a look at the page itself."""
+    """The data of a page, after checks of the page itself."""
     text = file.read_text(encoding="utf-8")
     references = References()
     references.feed(text)
@@ -91,7 +91,7 @@ def read_page(file):
 
 
 def run(folder, requests, fault="", status=None, trials="off"):
-    """Trials take most of the time; without them the page lacks which tags a parameter depends on."""
+    """Trials take most of the time; without them the page lacks the tags that parameters depend on."""
     environment = dict(ENVIRONMENT, ORLU_BUILD=str(BUILD), ORLU_TRIALS=trials)
     if fault:
         if not PLANTED.exists():
@@ -106,7 +106,7 @@ def run(folder, requests, fault="", status=None, trials="off"):
 
 
 def request_with(name, folder, **members):
-    """A copy of the sample clarity, with other members."""
+    """A copy of the sample clarity with other members."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     request["photo"] = str(ROOT / "samples/photos/table.jpg")
     request.update(members)
@@ -116,7 +116,7 @@ def request_with(name, folder, **members):
 
 
 def nv21(width, height, stride, seed):
-    """A grey picture of edges and slopes, with rows of this stride."""
+    """A grey picture of edges and slopes, with this stride."""
     rows = bytearray()
     for y in range(height):
         rows += bytes((40 + seed + (x * 3 + y // 4) % 160 + (60 if (x - 90) ** 2 + (y - 60) ** 2 < 2500 else 0)) % 256
@@ -125,7 +125,7 @@ def nv21(width, height, stride, seed):
 
 
 def file_requests(folder):
-    """Requests whose mistake is in their own files: a wrong stride, a frame of zeros, a frame twice."""
+    """Requests with mistakes in their own files: a wrong stride, a frame of zeros, a repeated frame."""
     width, height = 240, 160
     frames = {"count": 3, "common": json.loads((ROOT / "samples/clarity.json").read_text())["frames"]["common"]}
     pictures = {"a": nv21(width, height, width, 0), "b": nv21(width, height, width, 9),
@@ -154,7 +154,7 @@ def check_faults(folder):
         where = f"{name}, {fault}:"
         pages = folder / (fault or "no-fault")
         page = pages / f"{name}.html"
-        # Those without a fault share one run.
+        # Requests without a fault share one run.
         if not pages.exists():
             run(pages, [requests.get(name, ROOT / f"samples/{name}.json")] if fault else without_fault, fault,
                 trials="on" if fault == "aborts:process" else "off")
@@ -163,7 +163,7 @@ def check_faults(folder):
             continue
         data = read_page(page)
         found = [finding["kind"] for finding in data["findings"]]
-        # A picture that is slanted is said once for each output, and its repeated frames are no surprise.
+        # Each output reports a slanted picture once; its repeated frames are expected.
         found = [kind for kind in found if name != "slanted" or kind != "frame-twice"]
         check(f"{where} findings", found == kinds.split(), f"{found} instead of {kinds}")
         said = " ".join(finding["what"] + " " + finding["why"] for finding in data["findings"])
@@ -203,7 +203,7 @@ def check_images(data, name):
 
 
 def check_against_json(data, report, name):
-    """The page has what --json has."""
+    """The page has the same content as --json."""
     parameters = [(f"orlu.algo.{row['section']}", row["key"], row["type"], row["hex"]) for row in data["parameters"]]
     wanted = [(row["section"], row["key"], row["type"], row["hex"]) for row in report["parameters"]]
     check(f"{name}: other parameters than in --json", parameters == wanted)
@@ -272,7 +272,7 @@ def check_samples(folder):
 
 
 def check_several(folder):
-    """One that ends the process: those before it have pages, those behind it are named in the index."""
+    """A request crashes the process: the requests before it have pages, the index names those after it."""
     pages = folder / "several"
     capture = ROOT / "samples/capture.json"
     run(pages, [ROOT / "samples/no-pass.json", capture, capture], "aborts:process", status=1)

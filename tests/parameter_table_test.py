@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Every parameter that a golden text writes, or that the library names, has its row in parameters.txt.
+"""parameters.txt has a row for every parameter that a golden text writes or the library names.
 
 parameter_table_test.py ROOT (the project's folder)
 """
@@ -13,13 +13,13 @@ TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.tx
 SECTIONS = "control|parameter|sensor|feedback|system|zoom"
 GOLDEN_LINE = re.compile(rf"(?:> |~ )?({SECTIONS}) (\S+?)(?:#\d+)? ([a-z]+)(?:\[(\d+)\])?((?: \S+)*)\s*$")
 ELEMENT_SIZES = {"byte": 1, "int": 4, "long": 8, "float": 4, "double": 8}
-# The golden texts' types, and the types that may show such bytes.
+# Types of the golden texts, and the types that can display their bytes.
 SHOWN_AS = {
     "byte": {"BOOL"}, "int": {"INT", "MILLISECONDS"}, "float": {"FLOAT", "MILLISECONDS"}, "double": {"DOUBLE"},
     "long": {"LONG", "UNSIGNED_LONG"}, "ints": {"INTS", "RECT", "CROP", "SENSOR_CROP"}, "longs": {"LONGS"},
     "floats": {"FLOATS"}, "doubles": {"DOUBLES"}, "text": {"TEXT"},
 }
-# A section constant and a key, and what can only be a key in the files that read results back.
+# A section constant and a key, and words that are always keys in the files that read results.
 NAMED_KEY = re.compile(rf'\bk({SECTIONS.title()}),\s*"(\w+)"')
 RESULT_KEY = re.compile(r'"([a-z][a-z0-9]*(?:_[a-z0-9]+)+)"')
 
@@ -44,7 +44,7 @@ def read_table():
 
 
 def size_of(kind, size, values):
-    """Bytes of a golden value; "0*8" is eight of them."""
+    """Number of bytes of a golden value; "0*8" is eight zeros."""
     if size:
         return size
     counts = [re.fullmatch(r".+\*(\d+)", value) for value in values.split()]

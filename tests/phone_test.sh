@@ -1,5 +1,6 @@
 #!/bin/bash
-# scripts/phone.sh over a stand-in for adb, which writes down how it is called and has a shell of this machine.
+# Tests scripts/phone.sh with a stub of adb, which records its arguments and runs commands in this machine's
+# shell.
 #   phone_test.sh PROJECT
 set -euo pipefail
 phone=$1/scripts/phone.sh
@@ -17,11 +18,11 @@ if [ "$1" = devices ]; then
   printf '* daemon started successfully\nList of devices attached\n%b\n\n' "$PHONES"
   exit
 fi
-# As adb does: all that are listed count, ready or not.
+# Like adb, counts all listed devices, ready or not.
 if [ -z "${ANDROID_SERIAL:-}" ] && [ "$(printf '%b\n' "$PHONES" | wc -l)" -gt 1 ]; then
   echo "adb: more than one device/emulator" >&2; exit 1
 fi
-# The phone is unplugged at the first call that has this text, and stays away.
+# The phone is unplugged at the first call that contains this text.
 if [ -n "${VANISH:-}" ] && [[ "$*" == *"$VANISH"* ]]; then touch "$WORK/gone"; fi
 if [ -e "$WORK/gone" ]; then
   [ "$1" != pull ] || { mkdir -p "$3"; echo half >"$3/half"; }
@@ -38,7 +39,7 @@ chmod +x "$work/bin/adb"
 export WORK=$work PHONES='a1\tdevice' PATH=$work/bin:$PATH ORLU_PHONE_FOLDER="$work/on phone"
 unset ANDROID_SERIAL
 
-# expect STATUS TEXT ARGUMENT...: phone.sh ends so and prints the text.
+# expect STATUS TEXT ARGUMENT...: expects this status and text of phone.sh.
 expect() {
   local status=0 said
   said=$("$phone" "${@:3}" 2>&1) || status=$?
@@ -71,7 +72,7 @@ mkdir -p "$work/shots/000001"
 echo "{}" >"$work/shots/000001/request.json"
 expect 0 "" pull "$work/shots" "$work/here"
 same "{}" "$work/here/shots/000001/request.json"
-# The files of two pulls are never mixed; a pull that breaks off leaves nothing.
+# Files of two pulls are never mixed; an interrupted pull leaves nothing.
 echo "{}" >"$work/shots/000001/outcome.json"
 expect 2 "$work/here/shots is there already: name another folder" pull "$work/shots/" "$work/here"
 [ ! -e "$work/here/shots/000001/outcome.json" ] || { echo "FAILED: two recordings are mixed"; exit 1; }
@@ -104,10 +105,10 @@ PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL 
 same "devices|devices|devices|devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL=b2 expect 0 "" status
 PHONES='a1\tdevice\r\n' expect 0 "" status
-# One that is not ready does not stand in the way of the other.
+# A device that is not ready does not block the other.
 PHONES='a1\toffline\n192.168.0.7:5555\tdevice\nc3\tunauthorized' expect 0 "events: /data/events" status
 
-# The phone goes away in the middle: never taken for an answer.
+# The phone disappears during a command, which must not be mistaken for an answer.
 for vanish in "status:getprop" "record off:setprop" "record off:getprop" "events on /data/x:getprop" \
   "conform $work/kit $work/library.so:mkdir" "conform $work/kit $work/library.so:push" \
   "conform $work/kit $work/library.so:chmod"; do

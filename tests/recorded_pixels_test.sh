@@ -1,5 +1,5 @@
 #!/bin/bash
-# Recordings with the pixels that the algorithm library saw, of both directions: recorded_pixels_test.sh
+# Tests recordings with the pixels that the algorithm library saw, inputs and outputs: recorded_pixels_test.sh
 # BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -10,7 +10,7 @@ echo "== Both directions of every sample are kept, and are what Java has"
 mapfile -t samples < <(find "$root/samples" -name '*.json' ! -name no-pass.json | sort)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
 info_says '^  process in 0 to 6 [0-9]+ bytes, as Java has it$' shots
-# count PATTERN: how many images the lines of this pattern are on, as in "input 0 to 6".
+# count PATTERN: number of images on the lines that match, for example "input 0 to 6".
 count() {
   grep -E "^  $1" out | sed -E 's/^  (process |callback )?[a-z]+ //' |
     awk '{ n += $2 == "to" ? $3 - $1 + 1 : 1 } END { print n + 0 }'
@@ -20,7 +20,7 @@ for pair in "input [0-9]|process in .*, as Java has it$" "result [0-9]|callback 
   [ "$images" -gt 20 ] || fail "only $images images: $pair"
   [ "$images" -eq "$(count "${pair#*|}")" ] || fail "$images images and not $(count "${pair#*|}"): $pair"
 done
-# Bytes that the recording has already are not there twice, and nothing is left elsewhere.
+# Bytes already in the recording are not stored twice, and no temporary file is left.
 [ -z "$(find shots -name 'process-*' -o -name 'callback-*')" ] || fail "kept twice: $(ls shots/*)"
 
 echo "== A library that writes on after its callback"

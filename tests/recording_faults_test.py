@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Recordings that are cut or damaged anywhere, and full disks: recording_faults_test.py BUILD_FOLDER"""
+"""Tests recordings that are truncated or damaged anywhere, and full disks: recording_faults_test.py
+BUILD_FOLDER"""
 
 import json
 import os
@@ -31,12 +32,12 @@ def request(sample):
 
 TEXTS = ("request.json", "outcome.json", "events.jsonl")
 ANYTHING = r"(?s).*"
-# A syntax error may name the token 'null'.
+# Syntax errors may contain the token 'null'.
 STACK = re.compile(r"Exception|(?<!')null")
 
 
 def damage(shot, copy, chance):
-    """Cuts a file of the copy, or turns a bit of it over. Returns a pattern of what info has to say."""
+    """Truncates a file of the copy, or flips a bit. Returns a pattern that info's output must match."""
     shutil.copytree(shot, copy)
     file = copy / chance.choice([file.name for file in shot.iterdir()] + list(TEXTS))
     whole = file.read_bytes()
@@ -48,7 +49,7 @@ def damage(shot, copy, chance):
     if file.name not in TEXTS or file.name == "events.jsonl":
         return re.escape(f"{file.name} is cut or damaged")
     if not is_cut:
-        # Another number or name may be as good.
+        # A changed number or name may still be valid.
         return ANYTHING
     if whole[at:].strip() == b"":
         return ANYTHING
@@ -56,7 +57,7 @@ def damage(shot, copy, chance):
 
 
 def joined(text):
-    """What info says, as it was before lines were broken for a terminal."""
+    """The output of info before wrapping for terminals."""
     return re.sub(r"\n {5,}", " ", text)
 
 
@@ -82,7 +83,7 @@ def check_damage(shots):
 
 
 def limited(shot):
-    """For each limit: how a recording goes beyond it, and what info says."""
+    """For each limit: how a recording exceeds it, and the output of info."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
              "memory": "shared"}
@@ -124,13 +125,13 @@ def check_limits(shot):
 
 
 def results(folder):
-    """The outputs without the time of the day in their EXIF blocks."""
+    """The outputs without the time of day in their EXIF blocks."""
     return {file.name: re.sub(rb"\d{4}:\d\d:\d\d \d\d:\d\d:\d\d", b"", file.read_bytes())
             for file in sorted(Path(folder).glob("*-out*"))}
 
 
 def check_full_disk():
-    """A request whose recording's disk is full has the same results, and one line in the log."""
+    """If the disk of a recording is full, the request has the same results, and one line in the log."""
     alone = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-Urm"]
     mounted = subprocess.run([*alone, "mount", "-t", "tmpfs", "tmpfs", "/mnt"], capture_output=True,
                              check=False)
@@ -142,7 +143,7 @@ def check_full_disk():
     expect("without a recorder", 0, status)
     parameters = [line for line in plain.splitlines() if "parameters" in line]
     has_reason = False
-    # Folder and line file alone; some lines; the input not whole; the output not whole; no events.
+    # Space for: the folder and its line file; some lines; part of the input; part of the output; no events.
     for size, option in ((4, ""), (8, ""), (300, ""), (700, ""), (900, ""), (4, "ro")):
         script = (f"mount -t tmpfs -o size={size}k tmpfs full && "
                   f"{'mount -o remount,ro full && ' if option else ''}"

@@ -107,11 +107,11 @@ done
 mkdir short && cp -r "$night" short
 ends 1 '^different: 1 requests / 2; nothing to compare with turns/000002-request-101$' diff short turns
 grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fail "not compared: $(cat out)"
-# Where no tag differs, the frame is named all the same.
+# If no tag differs, the frame is still named.
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json
 grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "no tag: $(cat out)"
-# A tag of all frames has one line, and no line is longer than 110 columns.
+# A tag of all frames takes one line, and lines have at most 110 columns.
 sed 's/"android.sensor.sensitivity": 3200/"android.sensor.sensitivity": 1600/' plain.json >brighter.json
 ends 1 'note: frames 0 to 6 were given android.sensor.sensitivity = ' diff plain.json brighter.json
 [ "$(grep -c 'given android.sensor.sensitivity' out)" -eq 1 ] || fail "not grouped: $(cat out)"

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Compares the schema of request files with what ./run takes, and runs what ./run new makes:
-request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which is Debian's own Python's."""
+"""Compares the schema of request files with ./run, and runs the files of ./run new: request_schema_test.py
+BUILD_FOLDER. Needs python3-jsonschema, which only Debian's own Python has."""
 
 import copy
 import json
@@ -15,14 +15,14 @@ import jsonschema
 sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import ROOT, failures, finish, run  # noqa: E402
 
-MUTATIONS = 12  # of each sample
+MUTATIONS = 12  # per sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
 
 # Where ./run finds an unknown field, and the schema's definition: "" is the file itself.
 FIELDS = {"": "", "request": "", "client": "", "frames": "frameSet", "frames.common": "frameSet",
           "frames.each[0]": "frame", "inputs": "commonInput", "inputs[0]": "input", "outputs[0]": "output"}
-# member of capture.json | value: neither the schema nor ./run takes it
+# member of capture.json | value that both the schema and ./run reject
 WRONG = """
 misspelt                                                     | 1
 request.id                                                   | "101"
@@ -52,7 +52,7 @@ outputs.0.perFrame                                           | 2
 
 
 def refused(folder, requests):
-    """The numbers of the requests in which ./run finds mistakes, with the first of them."""
+    """The numbers of the requests with mistakes according to ./run, each with its first mistake."""
     files = []
     for number, request in enumerate(requests):
         files.append(folder / f"{number}.json")
@@ -65,7 +65,7 @@ def refused(folder, requests):
 
 
 def with_member(request, path, value):
-    """A copy with a member set; the names of tags have dots, so that what is left after a store is one name."""
+    """A copy with a member set. Names of tags contain dots, so all words after a store are one name."""
     copied = copy.deepcopy(request)
     match = re.fullmatch(r"(.*)\.(captureResult)\.(.*)", path)
     names = [*match.group(1).split("."), match.group(2), match.group(3)] if match else path.split(".")
@@ -88,7 +88,7 @@ def check_wrong(folder, schema, sample):
 
 
 def places(value, path=()):
-    """Each value below, with the way to it."""
+    """Each value below, with its path."""
     members = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
     for name, member in members:
         yield (*path, name)
@@ -96,7 +96,7 @@ def places(value, path=()):
 
 
 def mutations(samples):
-    """Each sample with one value changed or gone, in a few random places."""
+    """Each sample with one value changed or removed, at a few random places."""
     chance = random.Random(1)
     for sample in samples:
         for path in chance.sample(list(places(sample)), MUTATIONS):
@@ -112,7 +112,8 @@ def mutations(samples):
 
 
 def check_mutations(folder, schema, samples):
-    """What ./run takes, the schema takes. It can't know all that ./run refuses, as a file that is not there."""
+    """The schema accepts everything that ./run accepts. It cannot detect some mistakes, such as missing
+    files."""
     mutated = list(mutations(samples))
     mistakes = refused(folder, [request for _, request in mutated])
     for number, (path, request) in enumerate(mutated):
@@ -125,7 +126,7 @@ def check_mutations(folder, schema, samples):
 
 
 def check_fields(folder, schema):
-    """At each place where ./run lists the fields that it knows, the schema knows the same."""
+    """Wherever ./run lists the known fields, the schema knows the same fields."""
     for inputs in ({"x": 1}, [{"x": 1}]):
         (folder / "fields.json").write_text(json.dumps({
             "x": 1, "request": {"x": 1}, "client": {"x": 1}, "frames": {"x": 1, "common": {"x": 1}, "each": [{"x": 1}]},
@@ -175,7 +176,7 @@ def main():
     for sample in samples:
         failures.extend(f"{sample['about']}: {error.message[:200]}"
                         for error in schema.iter_errors({**sample, "$schema": "request.schema.json"}))
-        # Its photos are beside the samples, and what is made of them is elsewhere.
+        # The photos are next to the samples, but the new file is elsewhere.
         if "photo" in sample:
             sample["photo"] = str(ROOT / "samples" / sample["photo"])
     with tempfile.TemporaryDirectory() as name:

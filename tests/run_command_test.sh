@@ -1,10 +1,10 @@
 #!/bin/bash
-# Tests the command ./run with what is built already: run_command_test.sh BUILD_FOLDER
+# Tests the command ./run with an existing build: run_command_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
 
-# request FIELDS: the text of a request without images, with these fields more.
+# request FIELDS: prints a request without images, with these additional fields.
 request() {
   echo "{\"request\": {\"id\": 1}, \"frames\": [{}], \"inputs\": [], \"outputs\": []$1}"
 }
@@ -34,7 +34,7 @@ done <<'EVENTS'
 EVENTS
 
 echo "== Requests of one name"
-# small WIDTH: a request of one frame so wide.
+# small WIDTH: prints a request with one frame of this width.
 small() {
   sed -e "s#photos/#$root/samples/&#" -e "s/\"count\": 1,/& \"width\": $1, \"height\": 48,/" "$root/samples/capture.json"
 }
@@ -46,14 +46,14 @@ prints 'named       b-x, ' 'named       x-2, '
 grep -o '"name": .*' same.json | tr -d '\n' | grep -qx '"name": "x",.*"b-x",.*"x-2",' || fail "names: $(grep '"name"' same.json)"
 for name in x:64 b-x:96 x-2:64; do
   file=same/${name%:*}-base.png
-  # The width is in the bytes 16 to 19 of a PNG.
+  # Bytes 16 to 19 of a PNG are the width.
   [ "$(od -An -j 16 -N 4 -tu1 "$file" | xargs)" = "0 0 0 ${name#*:}" ] || fail "$file is not of width ${name#*:}"
 done
 
 echo "== Every sample"
 samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"
-# A slow machine may say how far it is.
+# Slow machines may print the progress.
 log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 [ -z "$log" ] || fail "the log is not silent: $log"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
@@ -62,12 +62,12 @@ log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
 prints "control/jpeg_rotation" '"capture" on client 7'
 
-# of_sample NAME: what was printed of this sample.
+# of_sample NAME: the output for this sample.
 of_sample() {
   awk -v RS= -v file="/samples/$1.json" 'index($0, file)' out
 }
 
-# put_by NAME: what the report says of this sample from the values put into compositions on.
+# put_by NAME: the report on this sample, starting with the values put into compositions.
 put_by() {
   sed -n "/\"$1.json\"/,/\"problems\"/p" report | sed -n '/"put"/,$p'
 }
@@ -80,13 +80,13 @@ of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night sho
 for part in '"algorithmsAfter"' '"key": "exif_info_for_write"' '"orlu.feedback.jpegEncodedType": '; do
   grep -qF "$part" report || fail "--json has no $part"
 done
-# The EXIF entries of exposure time, aperture and sensitivity 3200, then 0.066 and 1.8, and a JPEG of 632x416.
+# EXIF entries of exposure time, aperture and sensitivity 3200, then 0.066 and 1.8, and a JPEG of 632x416.
 exif='9a82050001000000.{8}9d82050001000000.{8}2788030001000000800c0000.*d001010040420f00b400000064000000'
 [[ $(od -An -v -tx1 -N 1000 shots/night-out0.jpg | tr -d ' \n') =~ ${exif}.*ffc000110801a00278 ]] ||
   fail "the night shot says something else of itself"
 
 of_sample night-async | grep -q '^  callback  *nativeRequestAddr = ' || fail "full-async does not call back"
-# Their EXIF blocks differ in the time of the day.
+# Their EXIF blocks differ in the time of day.
 cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot is another"
 differing=$(diff <(put_by night) <(put_by night-async))
 { [ -z "$differing" ] && [ -n "$(put_by night)" ]; } || fail "full-async and not differ: $differing"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that what ./run --timeline writes is what viewers of the JSON trace format show rightly:
+"""Checks that viewers of the JSON trace format display the output of ./run --timeline correctly:
 timeline_test.py BUILD_FOLDER"""
 
 import collections
@@ -15,7 +15,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import BUILD, ROOT, expect, failures, finish, run  # noqa: E402
 
 
-# samples | planted fault | how many slices of a name or category | points of each arrow
+# samples | planted fault | number of slices of a name or category | points of each arrow
 CASES = """
 night | | request 1, translation 1, algorithms 1, wait for the callback 1, results 1, Java: process 1 | stf
 night-async | | translation 1, algorithms 1, Java: wait 1, wait for the callback 0, results 1 | stf
@@ -87,7 +87,7 @@ def problems(trace, slice_counts, arrow_points):
     for row in slice_counts.split(","):
         name, count = row.strip().rsplit(" ", 1)
         found = [s for s in slices if name in (s["cat"], s["name"])]
-        # Of the category "request", those that show a whole request alone.
+        # In the category "request", only slices of whole requests.
         found = [s for s in found if name != "request" or "verdict" in s["args"]]
         if len(found) != int(count):
             yield f"{len(found)} slices {name} instead of {count}"
@@ -99,7 +99,7 @@ def problems(trace, slice_counts, arrow_points):
 
 
 def wait_ends_with_callback(trace):
-    """Of a request alone: its thread waits while the algorithms run, and no longer."""
+    """A single request: its thread waits exactly while the algorithms run."""
     at = {s["name"].split(":")[0]: bounds(s) for s in trace["traceEvents"] if s["ph"] == "X"}
     wait, callback, work = at["wait for the callback"], at["callback"], at["algorithms"]
     return at["process"][1] <= wait[0] < work[1] <= callback[0] < wait[1] <= at["results"][0]
@@ -112,7 +112,7 @@ DELAY = 300  # of the callback, ms
 
 
 def measures_stages(folder, sample):
-    """--times: stages cover the run, and the wait for a slow library is the library's."""
+    """--times: the stages cover the run, and the wait for a slow library is attributed to the library."""
     result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
                  "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
     written = json.loads((folder / "results.json").read_text())
@@ -124,7 +124,7 @@ def measures_stages(folder, sample):
     whole = float(re.search(r"^whole +([0-9.]+)", result.stdout, re.MULTILINE)[1])
     if not 0.98 * whole <= total <= 1.02 * whole:
         failures.append(f"{sample}: the stages take {total} ms, the whole {whole} ms")
-    # The other clock: the slice of the request, and of the calls that process it.
+    # Compared with the trace's clock: the slices of the request and of process calls.
     trace = json.loads((folder / "timeline.json").read_text())["traceEvents"]
     request = next(event["dur"] / 1000 for event in trace if event.get("name") == f"{sample}.json")
     calls = sum(results["milliseconds"].get(call, 0) for call in ("process", "wait", "update result"))

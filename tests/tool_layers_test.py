@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""The packages of the command use only those before them: tool_layers_test.py"""
+"""Packages of the command only use packages of lower layers: tool_layers_test.py"""
 
 import re
 import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent / "service/java/com/orlu/orlu3rdalgoservice/tool"
-# From the bottom to the top.
+# From bottom to top.
 LAYERS = ("text", "json", "tags", "imagefile", "request", "image", "check", "run", "model", "judge",
           "explain", "compare", "importer", "catalogue", "view", "cli")
 IMPORT = re.compile(r"^import (?:static )?com\.orlu\.orlu3rdalgoservice\.tool\.(?:(\w+)\.)?[A-Z]\w*", re.MULTILINE)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Trimmed recordings: every pixel of a cropped image, the description around it, and that the copies run.
+"""Tests trimmed recordings: every pixel of a cropped image, its description, and that the copies run.
 
 trimming_test.py BUILD_FOLDER
 """
@@ -16,8 +16,8 @@ from command import ROOT, expect, failures, finish, run  # noqa: E402
 
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
-# For each image: format | memory | planes as (stride, bytes behind the last row) | bytes of each plane to a
-# column of the image | rows of the image to one of each plane's. Planes follow each other.
+# For each image: format | memory | planes as (stride, bytes after the last row) | bytes per column of each
+# plane | image rows per row of each plane. Planes are contiguous.
 LAYOUTS = {
     "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
     "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),
@@ -32,7 +32,7 @@ LAYOUTS = {
 
 
 def said_by(status, *arguments):
-    """What ./run prints, which ends with this status, or with any for None."""
+    """The output of ./run; it must exit with this status, or any if None."""
     done = run(*arguments)
     if status not in (None, done.returncode):
         failures.append(f"{arguments}: status {done.returncode} instead of {status}: "
@@ -41,7 +41,7 @@ def said_by(status, *arguments):
 
 
 def planes_of(layout):
-    """Where each plane begins, its stride, its bytes a row, and its rows; the memory's size."""
+    """Offset, stride, bytes per row and rows of each plane; the memory's size."""
     _, _, planes, column, subsampling = layout
     strides = [planes[0][0]] + [planes[-1][0] if len(planes) > 1 else int(planes[0][0] * c)
                                 for c in column[1:]]
@@ -92,7 +92,7 @@ def check_crop(name, layout, folder):
     for part in ("inputs", "outputs"):
         expect(f"{name} {part} area", (NEW_WIDTH, NEW_HEIGHT),
                (found[part][0]["width"], found[part][0]["height"]))
-    # What is behind the rows of a plane, and behind a plane, stays.
+    # Bytes after the rows of a plane, and after a plane, are kept.
     column, subsampling = layout[3], layout[4]
     at = 0
     for i, (old, stride, row_bytes, rows) in enumerate(whole):
@@ -125,7 +125,7 @@ def check_every_layout():
     said = said_by(0, "replay", "cropped")
     expect("replayed", len(LAYOUTS), said.count(": ran, "))
     expect("said", len(LAYOUTS), said.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
-    # The middle, in steps that every format has.
+    # The middle, aligned for all formats.
     said = said_by(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + said_by(0, "info", "middle")
     expect("the middle", True, "cropped to 20x12" in said)
     pixels = Path("middle/input0.bin").read_bytes()
@@ -145,7 +145,7 @@ def check_every_layout():
 
 
 def check_samples():
-    """Some frames, and cropped, of several kinds: how many inputs and outputs are left."""
+    """Selects frames and crops, for several kinds: the number of inputs and outputs left."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
     said_by(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
@@ -162,7 +162,7 @@ def check_samples():
     expect("kinds replayed", len(kinds), said.count(": ran, "))
 
 
-# What a private copy leaves out: its kind, and a value. No file of the copy may hold one of the secrets.
+# Items that a private copy omits: kind and value. No file of the copy may contain a secret.
 IDENTITY = "value that may identify a person or machine"
 PRIVATE = {
     "android.jpeg.gpsLocation": ("location", {"latitude": 48.137, "longitude": 11.575, "time": 1700000000123}),
@@ -176,7 +176,7 @@ PRIVATE = {
     "my.log": ("text", "/home/anna/log"),
     "my.blob": ("text", {"bytes": b"\0\1/home/anna/calibration\0".hex()}),
     "my.wide": ("text", {"bytes": "/home/anna".encode("utf-16-le").hex()}),
-    "my.long": ("text", {"bytes": "41" * 30000}),  # takes no stack for each letter
+    "my.long": ("text", {"bytes": "41" * 30000}),  # must not need stack per character
 }
 SECRETS = ("48.137", "1700000", "R58ABC", "424242", "anna", "Anna", b"anna".hex(),
            "anna".encode("utf-16-le").hex(), "about someone", "Linux", "Exif")
@@ -218,7 +218,7 @@ def check_private():
     said_by(0, "trim", shot, "--out", "faces", "--private", "--faces")
     expect("faces on demand", True, "android.statistics.faces" in Path("faces/request.json").read_text())
 
-    # Places where a copy of another tool may have texts, and a JPEG input with an EXIF block.
+    # Places where a copy by another tool may have strings, and a JPEG input with an EXIF block.
     jpeg = (shot / "output0.bin").read_bytes()
     image = recorded(shot)["outputs"][0] | {"file": "input0.bin", "size": len(jpeg), "frame": 0,
                                             "crc": f"{zlib.crc32(jpeg):08x}"}

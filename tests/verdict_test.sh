@@ -1,6 +1,6 @@
 #!/bin/bash
-# Runs ./run over algorithm libraries with one fault each, and looks at its last line and its status:
-# verdict_test.sh BUILD_FOLDER. The waits for a callback are long, so four rows run at a time.
+# Runs ./run with faulty algorithm libraries and checks its last line and status: verdict_test.sh
+# BUILD_FOLDER. Waiting for callbacks takes long, so four rows run in parallel.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export ORLU_BUILD=$1
@@ -9,8 +9,8 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 echo "no library" >"$folder/text.so"
 
-# sample, with a "!" for --validate | fault: a file that is no library, or a fault of tests/planted | status | the verdict, as a regular
-# expression
+# sample, with "!" for --validate | fault: a file that is not a library, or a fault of tests/planted | status
+# | the verdict, as a regular expression
 rows() {
   cat <<'ROWS'
 capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too short
@@ -59,7 +59,7 @@ night-async!||0|
 ROWS
 }
 
-# lose_patience GROUP: ends a run that hangs, once it does.
+# lose_patience GROUP: interrupts a run once it hangs.
 lose_patience() {
   local i
   for ((i = 0; i < 600; ++i)); do
@@ -69,7 +69,7 @@ lose_patience() {
   kill -TERM -- "-$1"
 }
 
-# check SAMPLE FAULT STATUS PATTERN: one row, in a folder of its own. Prints what is wrong.
+# check SAMPLE FAULT STATUS PATTERN: runs one row in its own folder. Prints failures.
 check() {
   local sample=$1 fault=$2 wanted=$3 pattern=$4 status=0 library=$ORLU_BUILD/planted/planted_algo.so line left
   local options=(--out shots --json report)

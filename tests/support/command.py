@@ -1,4 +1,4 @@
-"""What the tests of the command share: ./run over a build that is there, and what failed.
+"""Shared by the tests of the command: runs ./run with an existing build, and collects failures.
 
 The build's folder is the test's first argument.
 """
@@ -10,14 +10,14 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 BUILD = Path(sys.argv[1]).resolve()
-# What changes the course of ./run, and whoever runs the tests may have set.
+# Variables that change the behaviour of ./run and that the user may have set.
 SWITCHES = ("ANDROID_LOG_TAGS", "ORLU_ALGO_LIBRARY", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PIXELS",
             "ORLU_PLANTED")
 failures = []
 
 
 def run(*arguments, command=(ROOT / "run",), cwd=None, **variables):
-    """What became of ./run with these arguments and, in its environment, these variables."""
+    """Runs ./run with these arguments and, in its environment, these variables."""
     inherited = {name: value for name, value in os.environ.items() if name not in SWITCHES}
     environment = {**inherited, "ORLU_BUILD": str(BUILD), **variables}
     return subprocess.run([*command, *arguments], cwd=cwd, env=environment, encoding="utf-8",
@@ -30,6 +30,6 @@ def expect(what, wanted, found):
 
 
 def finish(passed="All passed"):
-    """Ends the test, with what failed or this line."""
+    """Finishes the test, printing the failures or this line."""
     print("\n".join(failures) or passed)
     sys.exit(bool(failures))

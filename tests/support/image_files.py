@@ -1,4 +1,4 @@
-"""Image files made byte by byte, right ones and wrong ones: DNG, TIFF and PNG."""
+"""Makes valid and invalid image files byte by byte: DNG, TIFF and PNG."""
 
 import struct
 import zlib
@@ -8,7 +8,7 @@ BYTE, SHORT, LONG = 1, 3, 4
 
 
 def pack_samples(rows, bits, order):
-    """Samples row by row: whole ones in the file's byte order, others from the highest bit on."""
+    """Samples row by row: whole bytes in the file's byte order, other sizes from the highest bit on."""
     if bits == 16:
         return b"".join(struct.pack(f"{order}{len(row)}H", *row) for row in rows)
     packed = b""
@@ -20,7 +20,7 @@ def pack_samples(rows, bits, order):
 
 
 def directory(entries, at, order):
-    """A directory of (tag, type, values) that lies at this offset, with long values behind it."""
+    """A directory of (tag, type, values) at this offset, followed by the long values."""
     entries = sorted(entries)
     behind = at + 2 + 12 * len(entries) + 4
     head, tail = struct.pack(f"{order}H", len(entries)), b""
@@ -37,7 +37,7 @@ def directory(entries, at, order):
 
 
 def lossless_jpeg(rows, bits, components):
-    """A lossless JPEG (SOF3) whose components are neighbours in a row, each predicted from the one before."""
+    """A lossless JPEG (SOF3) with interleaved components, each predicted from the previous one."""
     every = range(components)
     frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
     lengths = [17 * (i == 4) for i in range(16)]
@@ -77,8 +77,8 @@ RED_FIRST = [(33421, SHORT, [2, 2]), (33422, BYTE, bytes([0, 1, 1, 2]))]
 def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=None, compression=1,
         components=0, thumbnail=False, strips=None, backwards=False, photometric=32803, pattern=None,
         extra=()):
-    """A DNG file; with components of lossless JPEG. With a thumbnail the raw image is in a directory below
-    the first; strips keeps so many strips or tiles; backwards lets the last one come first."""
+    """A DNG file; `components` selects lossless JPEG. With a thumbnail, the raw image is in a subdirectory;
+    `strips` is the number of strips or tiles; `backwards` stores the last one first."""
     order = ">" if big_endian else "<"
     compression = 7 if components else compression
     rows_per_strip = rows_per_strip or len(rows)
@@ -126,7 +126,7 @@ def png(rows, bits):
 
 
 def read_pgm(path):
-    """The samples of a PGM file of two bytes a sample; None when there is none."""
+    """The samples of a PGM file with two bytes per sample; None if the file is missing."""
     if not Path(path).exists():
         return None
     _, size, _, data = Path(path).read_bytes().split(b"\n", 3)
@@ -136,7 +136,7 @@ def read_pgm(path):
 
 
 def read_png(data):
-    """The rows of an RGB PNG file of 8 bits, each a list of its samples."""
+    """The rows of an RGB PNG file of 8 bits, each a list of samples."""
     width, height = struct.unpack(">II", data[16:24])
     at, packed = 8, b""
     while at < len(data):
