@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER
 
-A page is one file that needs no other, its data is that of --json, and it flags each planted fault by itself and
-none in a sample."""
+A page is a single file without external resources. Its data equals --json. It reports each planted fault, and none
+for samples."""
 
 import base64
 import html.parser

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Opens the pages of ./run --report in headless Chromium: page_browser_test.py BUILD_FOLDER [--shots FOLDER]
 
-Nothing may be in its console; tabs, filters, clicks and keys do what they say; no window makes the page wider than
-itself; text can be read, light and dark. --shots keeps pictures of all tabs in both window sizes and themes;
---picture FILE makes the picture of README.md and nothing else."""
+The console must be empty. Tabs, filters, clicks and keys must work. Pages fit the window's width, and text is
+readable in light and dark. --shots saves pictures of all tabs in both window sizes and themes; --picture FILE only
+makes the picture of README.md."""
 
 import argparse
 import base64

@@ -3,11 +3,11 @@
 
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
-OBJECT  what goes to a phone, compiled and not linked
-FOLDER  headers of the platform; a function that they declare is one that it has
---bionic   the functions that Rust's package libc declares for Android, and so finds in its C library
---runtime  libraries of C++ as the phone has them, here Debian's libc++ and libc++abi
---others   further symbols, each with the library that offers it
+OBJECT  code for a phone, compiled but not linked
+FOLDER  headers of the platform, which has all functions that they declare
+--bionic   functions of Android's C library, as declared by the Rust package libc
+--runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
+--others   additional symbols, each with its library
 """
 
 import argparse

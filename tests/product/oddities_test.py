@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Holds docs/oddities.md beside the code: each number that the code names has its paragraph, each paragraph is named
-where its rule is kept, and what holds a rule is there. So are the tests that docs/robustness.md names.
+"""Compares docs/oddities.md with the code: each number in the code has a paragraph, the code that follows each paragraph
+mentions its number, and the tests that it lists exist. The tests listed in docs/robustness.md must exist too.
 
 oddities_test.py PROJECT_FOLDER
 """
