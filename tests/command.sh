@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Shared by the tests of ./run. They set root and source this with the build folder as first argument. The
-# working folder is deleted after the test.
+# Shared by the tests of ./run, which set root and source this with the build folder as first argument. Tests
+# run in a temporary folder.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # for those who source this
@@ -23,7 +23,7 @@ command_ends() {
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
 }
 
-# ends STATUS PATTERN ARGUMENT...: same, and expects a line that matches this regular expression.
+# ends STATUS PATTERN ARGUMENT...: like command_ends, and also expects a line that matches this regular expression.
 ends() {
   local wanted=$1 pattern=$2 status=0
   shift 2

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER
 
-A page is a single file without external resources. Its data equals --json. It reports each planted fault, and none
-for samples."""
+A page is a single file without external resources. Its data equals --json. It reports each planted fault, and
+none for samples."""
 
 import base64
 import html.parser

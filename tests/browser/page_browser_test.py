@@ -2,8 +2,8 @@
 """Opens the pages of ./run --report in headless Chromium: page_browser_test.py BUILD_FOLDER [--shots FOLDER]
 
 The console must be empty. Tabs, filters, clicks and keys must work. Pages fit the window's width, and text is
-readable in light and dark. --shots saves pictures of all tabs in both window sizes and themes; --picture FILE only
-makes the picture of README.md."""
+readable in light and dark. --shots saves pictures of all tabs in both window sizes and themes; --picture FILE
+only makes the picture of README.md."""
 
 import argparse
 import base64

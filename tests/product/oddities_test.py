@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares docs/oddities.md with the code: each number in the code has a paragraph, the code that follows each paragraph
-mentions its number, and the tests that it lists exist. The tests listed in docs/robustness.md must exist too.
+"""Compares docs/oddities.md with the code: each number in the code has a paragraph, the code that follows a
+paragraph mentions its number, and the tests that it lists exist. So must the tests of docs/robustness.md.
 
 oddities_test.py PROJECT_FOLDER
 """
