@@ -120,7 +120,7 @@ def with_tag(tag, value):
 
 
 def check_values(tags):
-    """Each value appends or changes the listed items."""
+    """Each value has the stated effect on parameters and the algorithm list."""
     claims = []
     for entry in tags:
         for value in entry["values"]:

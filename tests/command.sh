@@ -23,7 +23,8 @@ command_ends() {
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
 }
 
-# ends STATUS PATTERN ARGUMENT...: like command_ends, and also expects a line that matches this regular expression.
+# ends STATUS PATTERN ARGUMENT...: like command_ends, and expects a line that matches this regular
+# expression.
 ends() {
   local wanted=$1 pattern=$2 status=0
   shift 2

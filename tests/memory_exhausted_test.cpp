@@ -1,5 +1,5 @@
-// Makes each allocation of this library fail, one at a time. Only the native method may fail: it must not throw
-// into the VM or leak.
+// Makes each allocation of this library fail, one at a time. Only the native method may fail: it must not
+// throw into the VM or leak.
 
 #include <android/log.h>
 #include <dlfcn.h>

@@ -145,7 +145,7 @@ def check_every_layout():
 
 
 def check_samples():
-    """Selects frames and crops, for several kinds: the number of inputs and outputs left."""
+    """Selects frames and crops images of several samples; checks the number of inputs and outputs left."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
     said_by(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
@@ -176,7 +176,7 @@ PRIVATE = {
     "my.log": ("text", "/home/anna/log"),
     "my.blob": ("text", {"bytes": b"\0\1/home/anna/calibration\0".hex()}),
     "my.wide": ("text", {"bytes": "/home/anna".encode("utf-16-le").hex()}),
-    "my.long": ("text", {"bytes": "41" * 30000}),  # must not need stack per character
+    "my.long": ("text", {"bytes": "41" * 30000}),  # a parser must not recurse per character
 }
 SECRETS = ("48.137", "1700000", "R58ABC", "424242", "anna", "Anna", b"anna".hex(),
            "anna".encode("utf-16-le").hex(), "about someone", "Linux", "Exif")

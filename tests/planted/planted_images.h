@@ -8,9 +8,9 @@
 
 namespace orlu::planted {
 
-// Changes the stand-in's input: "inputStride" and "outputStride" set the stride to the width, "swapped" sets the
-// inputs' format to NV12, "elsewhere" replaces the first output's memory by the first input's. Other kinds
-// have no effect.
+// Changes the stand-in's input: "inputStride" and "outputStride" set the stride to the width, "swapped" sets
+// the inputs' format to NV12, "elsewhere" replaces the first output's memory by the first input's. Other
+// kinds have no effect.
 void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 
 // Changes the stand-in's output in shared memory: "black", "dark", "clipped" to white, "green" without

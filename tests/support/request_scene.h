@@ -89,7 +89,8 @@ protected:
   int64_t mInst = 0;
   std::map<std::string, int32_t> mAnswers;  // the library returns these instead of the stored values
   // Calls of the library: the operations with their subject, except value operations that do not abort a
-  // request. Then the destroyed blocks, the last process(), the values of "abort_key" and setRaw(), and a file.
+  // request. Then the destroyed blocks, the last process(), the values of "abort_key" and setRaw(), and a
+  // file.
   std::string mTrace;
   std::vector<void*> mDestroyed;
   AlgoProcessRecord mSubmitted = {};
