@@ -4,18 +4,18 @@ import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
+import com.orlu.orlu3rdalgoservice.tool.run.SideBySide;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
-import java.io.UncheckedIOException;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
-import java.util.Map;
+import java.util.concurrent.Callable;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
@@ -85,7 +85,7 @@ public final class OutputComparison {
 
     // Empty if the pixels differ by at most the tolerance.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
-            throws IOException {
+            throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);
         int[] strides = image.rowStrides();
         ImageDifference difference = strides == null || strides.length == 0
@@ -105,34 +105,24 @@ public final class OutputComparison {
                 difference.firstRow(), difference.most(), difference.psnr(), write(index, difference));
     }
 
-    private String write(int index, ImageDifference difference) throws IOException {
+    private String write(int index, ImageDifference difference) throws MistakeException, IOException {
         if (mPictures == null) {
             return "";
         }
         Files.createDirectories(mPictures);
         String name = mName + "-out" + index;
-        Path picture = file(name, "difference");
-        write(Map.of(file(name, "one"), difference.one(), file(name, "other"), difference.other(), picture,
-                difference.picture()));
-        return "; " + picture + " (" + ImageDifference.AMPLIFICATION + " times)";
+        List<Path> written = new ArrayList<>();
+        List<Callable<Path>> work = List.of(() -> write(difference.one(), name + "-one.png"),
+                () -> write(difference.other(), name + "-other.png"),
+                () -> write(difference.picture(), name + "-difference.png"));
+        // In parallel: a picture of 50 megapixels takes seconds.
+        SideBySide.run("writing pictures", work.size(), work, written::add);
+        return "; " + written.get(written.size() - 1) + " (" + ImageDifference.AMPLIFICATION + " times)";
     }
 
-    private Path file(String name, String what) {
-        return mPictures.resolve(name + "-" + what + ".png");
-    }
-
-    // In parallel: a picture of 50 megapixels takes seconds.
-    private static void write(Map<Path, PixelRows> pictures) throws IOException {
-        try {
-            pictures.entrySet().parallelStream().forEach(entry -> {
-                try {
-                    entry.getValue().writePng(entry.getKey());
-                } catch (IOException e) {
-                    throw new UncheckedIOException(e);
-                }
-            });
-        } catch (UncheckedIOException e) {
-            throw e.getCause();
-        }
+    private Path write(PixelRows picture, String name) throws IOException {
+        Path file = mPictures.resolve(name);
+        picture.writePng(file);
+        return file;
     }
 }
