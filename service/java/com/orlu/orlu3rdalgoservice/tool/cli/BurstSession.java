@@ -163,7 +163,7 @@ final class BurstSession {
             if (call.operation().equals("process")) {
                 current.put(address, call.begin().number("reqId"));
                 counts.put(call.begin().number("reqId"), 0);
-            } else if (call.operation().equals("callback") && call.begin().text("name").equals("shotCb")) {
+            } else if (call.operation().equals("callback") && call.begin().isShot()) {
                 counts.merge(current.getOrDefault(address, -1L), 1, Integer::sum);
             }
         }

@@ -12,8 +12,6 @@ import java.util.Map;
 
 /** The callbacks of one request, and the outcome of each. */
 public final class Callbacks {
-    private static final String SHOT = "shotCb";
-    private static final String LIGHT_STREAM = "lightStreamCb";
     private static final double NANOSECONDS_PER_SECOND = 1e9;
 
     private final boolean mIsFullAsync;
@@ -56,7 +54,7 @@ public final class Callbacks {
     }
 
     private boolean isEnd(Event callback) {
-        return callback.text("name").equals(SHOT) && isOfRequest(callback);
+        return callback.isShot() && isOfRequest(callback);
     }
 
     private boolean isEndInTime(Event callback) {
@@ -69,7 +67,7 @@ public final class Callbacks {
 
     // Any thread can wake a waiting request; Java is called only on threads that the VM knows.
     private boolean isUnreachable(Event callback) {
-        boolean callsJava = callback.text("name").equals(LIGHT_STREAM) || mIsFullAsync;
+        boolean callsJava = callback.isLightStream() || mIsFullAsync;
         return callsJava && callback.has("attached") && !callback.flag("attached");
     }
 
@@ -80,14 +78,13 @@ public final class Callbacks {
     // Why a callback was ignored; "" if it was not.
     private String ignored(Call call) {
         Event callback = call.begin();
-        String name = callback.text("name");
         if (!callback.has("name")) {
             return "its " + callback.number("size") + " bytes hold no name";
         }
-        if (!name.equals(SHOT) && !name.equals(LIGHT_STREAM)) {
-            return "name \"" + name + "\"";
+        if (!callback.isShot() && !callback.isLightStream()) {
+            return "name \"" + callback.text("name") + "\"";
         }
-        if (name.equals(SHOT) && !isOfRequest(callback)) {
+        if (callback.isShot() && !isOfRequest(callback)) {
             return "it names the native request " + callback.text("nativeReq") + " instead of "
                     + (mProcess == null ? "none" : mProcess.begin().text("nativeReq"));
         }
@@ -96,7 +93,7 @@ public final class Callbacks {
                     + "\" is unknown to the VM";
         }
         // After a callback in time, a late one is merely redundant.
-        if (name.equals(SHOT) && isLate(callback) && isMissing()) {
+        if (callback.isShot() && isLate(callback) && isMissing()) {
             return "it came after %.1f s".formatted(
                     (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);
         }

@@ -23,8 +23,6 @@ import java.util.Set;
  * given out again, whichever threads do it.
  */
 public final class Contract {
-    private static final String SHOT = "shotCb";
-    private static final String LIGHT_STREAM = "lightStreamCb";
     /** Where the name begins in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
@@ -220,11 +218,11 @@ public final class Contract {
         } else if (!event.has("name")) {
             breach(Side.LIBRARY, "malformed-callback", event,
                     "has " + event.number("size") + " bytes without a whole name", "a header and its name");
-        } else if (name.equals(SHOT)) {
+        } else if (event.isShot()) {
             finish(event);
-        } else if (!name.equals(LIGHT_STREAM)) {
+        } else if (!event.isLightStream()) {
             breach(Side.LIBRARY, "callback-name", event, "has the name \"" + name + '"',
-                    SHOT + " or " + LIGHT_STREAM);
+                    Event.SHOT + " or " + Event.LIGHT_STREAM);
         } else if (event.number("size") - NAME_OFFSET - name.length() < LIGHT_STREAM_BYTES) {
             breach(Side.LIBRARY, "light-stream-size", event,
                     "has a payload of " + (event.number("size") - NAME_OFFSET - name.length()) + " bytes",

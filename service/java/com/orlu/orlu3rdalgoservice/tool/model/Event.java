@@ -11,6 +11,9 @@ import java.util.List;
  * the file may come from a stranger.
  */
 public record Event(Json fields) {
+    /** The names of callbacks. */
+    public static final String SHOT = "shotCb";
+    public static final String LIGHT_STREAM = "lightStreamCb";
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
     private static final String HANDLE = "0x[0-9a-fA-F]{1,16}";
     private static final String HEX = "([0-9a-fA-F]{2})*";
@@ -23,6 +26,16 @@ public record Event(Json fields) {
     /** The operation of a begin or an end. */
     public String operation() {
         return text("op");
+    }
+
+    /** Whether this begin of a callback reports a finished request. */
+    public boolean isShot() {
+        return text("name").equals(SHOT);
+    }
+
+    /** Whether this begin of a callback carries a light-stream event. */
+    public boolean isLightStream() {
+        return text("name").equals(LIGHT_STREAM);
     }
 
     /** Nanoseconds on the clock of System.nanoTime(). */

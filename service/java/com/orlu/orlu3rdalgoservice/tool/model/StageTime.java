@@ -100,7 +100,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
         private boolean addWait(Call process) {
             Event callback = mEvents.calls("callback").stream().map(Call::begin)
                     .filter(event -> event.number("of") == process.begin().number("n")
-                            && event.text("name").equals("shotCb") && isHere(event))
+                            && event.isShot() && isHere(event))
                     .findFirst().orElse(null);
             // The library may call back before process returns.
             if (callback == null || callback.time() < mStart) {

@@ -10,8 +10,6 @@ import java.util.List;
 
 /** The calls of a run that belong to one submitted request, identified by its parameter block. */
 final class RequestTrack {
-    private static final String SHOT = "shotCb";
-
     private final Call mProcess;
     /** The parameters' handle; "" if the request has none. */
     private final String mBlock;
@@ -74,7 +72,7 @@ final class RequestTrack {
         for (Call call : mAfter) {
             Event begin = call.begin();
             if (call.operation().equals("callback") && begin.number("of") == mProcess.begin().number("n")) {
-                if (begin.text("name").equals(SHOT)) {
+                if (begin.isShot()) {
                     return call;
                 }
                 other = other == null ? call : other;
