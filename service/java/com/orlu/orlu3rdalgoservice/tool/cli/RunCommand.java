@@ -164,8 +164,8 @@ final class RunCommand implements Subcommand {
         if (isGiven("--burst")) {
             needsPositive("--burst", tried.burst);
             needsPositive("--in-flight", tried.inFlight);
-            refuse(List.of("--params", "--explain", "--tags", "--times", "--report", "--record", "--check", "--strict",
-                           "--jobs", "--one-client"),
+            refuse(List.of("--params", "--explain", "--tags", "--times", "--report", "--record", "--check",
+                           "--strict", "--jobs", "--one-client"),
                     " can't be combined with --burst");
             if (requests().size() != 1 || tried.interval < 0) {
                 throw new IllegalArgumentException(
