@@ -27,11 +27,10 @@ private:
   int mErrno;
 };
 
-using GetValue = std::function<int(void*, const char*, const char*, void*, unsigned)>;
-
 // Returns the bytes of a value by what getValue leaves alone in memory for more than `size` bytes; -1 if that
 // fails, or leaves nothing alone.
-int64_t valueSize(const GetValue& real, void* block, const char* section, const char* key, unsigned size) {
+int64_t valueSize(const EventRecorder::GetValue& real, void* block, const char* section, const char* key,
+                  unsigned size) {
   constexpr unsigned kMore = 64;
   std::vector<uint8_t> first(size + kMore, 0x5A);
   std::vector<uint8_t> second(size + kMore, 0xA5);
@@ -45,7 +44,7 @@ int64_t valueSize(const GetValue& real, void* block, const char* section, const 
 
 }  // namespace
 
-GetValue EventRecorder::measured(GetValue real) {
+EventRecorder::GetValue EventRecorder::measured(GetValue real) {
   if (!real) return real;
   return [this, real = std::move(real)](void* block, const char* section, const char* key, void* data,
                                         unsigned size) {

@@ -24,10 +24,10 @@ public:
   // Records which callables the table offers that this call of the entry filled in.
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
 
+  using GetValue = decltype(AlgoMetadataOps::getValue);
   // Returns a getValue that calls `real` and records the size of each value found. For that it calls `real`
   // twice more, with memory of its own.
-  std::function<int(void*, const char*, const char*, void*, unsigned)> measured(
-      std::function<int(void*, const char*, const char*, void*, unsigned)> real);
+  GetValue measured(GetValue real);
 
   void before(const WatchedCall& call) noexcept override;
   void after(const WatchedCall& call, const WatchedEnd& end) noexcept override;
