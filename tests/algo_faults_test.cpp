@@ -188,7 +188,7 @@ TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   mAlgo.script.delay = std::chrono::milliseconds(50);
   mAlgo.script.notOffered = {"flush"};
   mAlgo.script.finishInDestroyClient = true;
-  mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
+  mAlgo.script.observer = [this, own = mAlgo.script.observer](const probe::WatchedCall& call) {
     own(call);
     if (call.operation != "destroyClient") return;
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(mSubmitted.callbackCookie);
@@ -235,7 +235,7 @@ TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
 // once; its block lives until the library calls back.
 TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   mAlgo.script.callbacks = 0;
-  mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
+  mAlgo.script.observer = [this, own = mAlgo.script.observer](const probe::WatchedCall& call) {
     own(call);
     if (call.operation != "process") return;
     updateResult(mSubmitted.nativeReq);

@@ -24,11 +24,11 @@ using test::putKey;
 class LifetimesTest : public test::RequestScene {
 protected:
   LifetimesTest() {
-    mAlgo.script.observer = [this, own = mAlgo.script.observer](const standin::AlgoCall& call) {
+    mAlgo.script.observer = [this, own = mAlgo.script.observer](const probe::WatchedCall& call) {
       own(call);
       if (call.operation == "process") mBlock = mSubmitted.metadata.front().block;
       if (call.process != nullptr) mSubmittedIds.insert(mSubmitted.nativeReq);
-      mAsked.insert(call.operation);
+      mAsked.emplace(call.operation);
       if (call.operation == mWatched && mDo) std::exchange(mDo, nullptr)();
     };
   }

@@ -20,7 +20,7 @@ protected:
   RequestRecorderTest() {
     std::string name = test::temporaryFolder() + "recorder_XXXXXX";
     mFolder = mkdtemp(name.data());
-    mAlgo.script.observer = [this, before = mAlgo.script.observer](const standin::AlgoCall& call) {
+    mAlgo.script.observer = [this, before = mAlgo.script.observer](const probe::WatchedCall& call) {
       before(call);
       if (call.operation == "process") mDuring();
     };

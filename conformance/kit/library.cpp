@@ -13,7 +13,7 @@ namespace {
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
 std::string describe(const probe::WatchedCall& call) {
-  std::string text = call.operation;
+  std::string text(call.operation);
   if (call.value != nullptr) {
     const auto& value = *call.value;
     if (value.section != nullptr && value.key != nullptr) {
@@ -34,7 +34,7 @@ thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 }  // namespace
 
 void CallObserver::before(const probe::WatchedCall& call) noexcept {
-  tOperations.push_back(std::make_unique<Operation>(describe(call), operationName(call.operation)));
+  tOperations.push_back(std::make_unique<Operation>(describe(call), operationName(std::string(call.operation))));
 }
 
 void CallObserver::after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept {

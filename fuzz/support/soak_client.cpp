@@ -51,17 +51,17 @@ jobject compositionsOf(SoakKind kind) {
 }
 
 // Observes the calls to the stand-in: the request's block, its operations, and the blocks that it frees.
-void observe(Ledger& ledger, const standin::AlgoCall& call) {
-  if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(call.block);
+void observe(Ledger& ledger, const probe::WatchedCall& call) {
+  if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(*call.block);
   if (call.operation == "destroyClient" && tInDestroyClient != nullptr) {
     for (const HeldCallback& held : *tInDestroyClient) sendShotCallback(held.cookie, held.nativeReq);
   }
   if (tCurrent == nullptr) return;
   if (call.operation == "setValue" && !tCurrent->hasBlock) {
     tCurrent->hasBlock = true;
-    ledger.sawBlock(tCurrent->request, call.block);
+    ledger.sawBlock(tCurrent->request, *call.block);
   }
-  if (call.operation == "destroyMetadata" && call.block == tCurrent->cameraBlock) {
+  if (call.operation == "destroyMetadata" && *call.block == tCurrent->cameraBlock) {
     ledger.sawProcessReturn(tCurrent->request);
   }
   if (call.operation == "process") {
@@ -111,7 +111,7 @@ standin::AlgoScript scriptOf(const standin::AlgoScript& plain, const SoakPlan& p
 standin::AlgoScript plainSoakScript(Ledger& ledger) {
   standin::AlgoScript script;
   script.runAlgorithms = false;
-  script.observer = [&ledger](const standin::AlgoCall& call) { observe(ledger, call); };
+  script.observer = [&ledger](const probe::WatchedCall& call) { observe(ledger, call); };
   return script;
 }
 

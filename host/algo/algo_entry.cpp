@@ -32,6 +32,30 @@ private:
   const AlgoScript& mScript;
 };
 
+// Passes the library's calls to the script's observer, without the callbacks and visits that they cause.
+class ScriptObserver : public probe::TableObserver {
+public:
+  // Never destroyed: tables report to it until the process ends.
+  static ScriptObserver& instance() {
+    static auto* const observer = new ScriptObserver;
+    return *observer;
+  }
+
+  void before(const probe::WatchedCall& call) noexcept override {
+    if (call.operation != "getValue") pass(call);
+  }
+  void after(const probe::WatchedCall& call, const probe::WatchedEnd& /*end*/) noexcept override {
+    if (call.operation == "getValue") pass(call);
+  }
+
+private:
+  static void pass(const probe::WatchedCall& call) {
+    if (call.of != 0) return;
+    const auto script = StandIn::instance().script().current();
+    if (script->observer) script->observer(call);
+  }
+};
+
 void fillMetadataOps(const TableFiller& filler, AlgoMetadataOps& ops) {
   filler.offer("createMetadata", ops.createMetadata, &StandIn::createMetadata);
   filler.offer("destroyMetadata", ops.destroyMetadata, &StandIn::destroyMetadata);
@@ -68,6 +92,7 @@ EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
   StandIn::instance().entry();
   const auto script = StandIn::instance().script().current();
   orlu::standin::fillTable(orlu::standin::TableFiller(*script), *table);
+  if (script->observer) *table = orlu::probe::watchedTable(*table, orlu::standin::ScriptObserver::instance());
 }
 
 EXPORTED void AlgoStandInSetScript(const orlu::standin::AlgoScript* script) {

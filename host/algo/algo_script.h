@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "algo_interface.h"
+#include "table_watch.h"
 
 namespace orlu::standin {
 
@@ -37,26 +38,6 @@ struct ScriptedException {};
 // destroys the block.
 enum class VisitorUse { kHere, kOtherThread, kLater };
 
-// One operation that was requested from the library, in the order of the calls. Valid only during the
-// observer's call.
-struct AlgoCall {
-  std::string operation;  // the name of the callable: "init", "process", "setValue", ...
-  const AlgoCreateClientRecord* createClient = nullptr;
-  const AlgoInitRecord* init = nullptr;
-  const AlgoProcessRecord* process = nullptr;
-  const AlgoCommandRecord* command = nullptr;
-  const AlgoUninitRecord* uninit = nullptr;
-  const AlgoGetDataRecord* getData = nullptr;
-  const AlgoFlushRecord* flush = nullptr;
-  const AlgoTranslateParamFileRecord* translateParamFile = nullptr;
-  void* client = nullptr;         // of destroyClient
-  void* block = nullptr;          // of a metadata operation
-  const char* section = nullptr;  // of setValue and getValue
-  const char* key = nullptr;
-  const void* data = nullptr;  // of setValue and setRaw; for getValue its answer
-  unsigned size = 0;           // bytes of data
-};
-
 // How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
   std::set<std::string> notOffered;    // names of callables to leave empty in later tables
@@ -82,8 +63,9 @@ struct AlgoScript {
   std::function<void(int)> visited;  // called with what each visitor returned
   std::vector<ScriptedValue> values;
   std::vector<WantedValue> wanted;
-  std::function<void(const AlgoCall&)> observer;  // called on the thread of the operation, before it is done
-                                                  // (getValue: after)
+  // Called on the thread of each operation, before it is done (getValue: after). It must be set when the
+  // library fills in the table, and must not throw.
+  std::function<void(const probe::WatchedCall&)> observer;
 };
 
 struct AlgoCounts {

@@ -14,23 +14,6 @@ constexpr int32_t kUninitForGood = 0;  // the client is about to be destroyed
 constexpr char kVersion[] = "orlu algorithm stand-in 1";
 constexpr char kParamFileCommand[] = "paramfile ";
 
-AlgoCall callOf(const char* operation, void* block = nullptr) {
-  AlgoCall call;
-  call.operation = operation;
-  call.block = block;
-  return call;
-}
-
-AlgoCall valueCallOf(const char* operation, void* block, const char* section, const char* key,
-                     const void* data, unsigned size) {
-  AlgoCall call = callOf(operation, block);
-  call.section = section;
-  call.key = key;
-  call.data = data;
-  call.size = size;
-  return call;
-}
-
 bool startsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }
@@ -46,9 +29,8 @@ StandIn& StandIn::instance() {
   return *instance;
 }
 
-// Runs an operation. Only the script's exceptions leave it, although memory may run out and an observer may
-// throw. Scripted faults happen before an operation that creates something, so that nothing leaks, and after
-// all other operations.
+// Runs an operation. Only the script's exceptions leave it, although memory may run out. Scripted faults
+// happen before an operation that creates something, so that nothing leaks, and after all other operations.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();
@@ -72,20 +54,12 @@ AlgoCounts StandIn::count() const {
   return counts;
 }
 
-int StandIn::init(const AlgoInitRecord& record) {
-  return guarded("init", [&] {
-    AlgoCall call = callOf("init");
-    call.init = &record;
-    announce(call);
-    return 0;
-  });
+int StandIn::init(const AlgoInitRecord& /*record*/) {
+  return guarded("init", [] { return 0; });
 }
 
 int StandIn::process(const AlgoProcessRecord& record) {
   return guarded("process", [&] {
-    AlgoCall call = callOf("process");
-    call.process = &record;
-    announce(call);
     const auto script = mScript.current();
     auto request = std::make_unique<Request>(record, script, parametersOf(record.metadata));
     if (script->callBackBeforeReturn) {
@@ -99,9 +73,6 @@ int StandIn::process(const AlgoProcessRecord& record) {
 
 int StandIn::uninit(const AlgoUninitRecord& record) {
   return guarded("uninit", [&] {
-    AlgoCall call = callOf("uninit");
-    call.uninit = &record;
-    announce(call);
     const bool dropsRequests = record.mode == kUninitForGood && !mScript.current()->finishInDestroyClient;
     if (dropsRequests) mWorker.abandon(record.client);
     return 0;
@@ -110,9 +81,6 @@ int StandIn::uninit(const AlgoUninitRecord& record) {
 
 int StandIn::getData(const AlgoGetDataRecord& record) {
   return guarded("getData", [&] {
-    AlgoCall call = callOf("getData", record.block);
-    call.getData = &record;
-    announce(call);
     const auto set = mBlocks.find(record.block);
     if (!set) return -1;
     const std::string text = answer(record.cmd);
@@ -121,19 +89,11 @@ int StandIn::getData(const AlgoGetDataRecord& record) {
 }
 
 int StandIn::flush(const AlgoFlushRecord& record) {
-  return guarded("flush", [&] {
-    AlgoCall call = callOf("flush");
-    call.flush = &record;
-    announce(call);
-    return mWorker.drain(record.client, kFlushLimit) ? 0 : -1;
-  });
+  return guarded("flush", [&] { return mWorker.drain(record.client, kFlushLimit) ? 0 : -1; });
 }
 
 int StandIn::command(const AlgoCommandRecord& record) {
   return guarded("command", [&] {
-    AlgoCall call = callOf("command");
-    call.command = &record;
-    announce(call);
     if (isKill(record.data)) {
       mWorker.abandonAll();
       return 0;
@@ -149,9 +109,6 @@ int StandIn::command(const AlgoCommandRecord& record) {
 void* StandIn::createClient(const AlgoCreateClientRecord& record) {
   void* client = nullptr;
   guarded("createClient", [&] {
-    AlgoCall call = callOf("createClient");
-    call.createClient = &record;
-    announce(call);
     client = mClients.create(record);
     return 0;
   });
@@ -160,9 +117,6 @@ void* StandIn::createClient(const AlgoCreateClientRecord& record) {
 
 int StandIn::destroyClient(void* client) {
   return guarded("destroyClient", [&] {
-    AlgoCall call = callOf("destroyClient");
-    call.client = client;
-    announce(call);
     if (mScript.current()->finishInDestroyClient) mWorker.drain(client, kFlushLimit);
     mWorker.abandon(client);
     return mClients.destroy(client) ? 0 : -1;
@@ -170,18 +124,12 @@ int StandIn::destroyClient(void* client) {
 }
 
 int StandIn::translateParamFile(const AlgoTranslateParamFileRecord& record) {
-  return guarded("translateParamFile", [&] {
-    AlgoCall call = callOf("translateParamFile");
-    call.translateParamFile = &record;
-    announce(call);
-    return mParameterFiles.read(record);
-  });
+  return guarded("translateParamFile", [&] { return mParameterFiles.read(record); });
 }
 
 void* StandIn::createMetadata(int kind) {
   void* block = nullptr;
   guarded("createMetadata", [&] {
-    announce(callOf("createMetadata"));
     block = mBlocks.create(kind);
     return 0;
   });
@@ -190,7 +138,6 @@ void* StandIn::createMetadata(int kind) {
 
 void StandIn::destroyMetadata(void* block) {
   guarded("destroyMetadata", [&] {
-    announce(callOf("destroyMetadata", block));
     mVisits.callKept(block);
     mBlocks.destroy(block);
     return 0;
@@ -200,7 +147,6 @@ void StandIn::destroyMetadata(void* block) {
 unsigned StandIn::getSize(void* block) {
   unsigned size = 0;
   guarded("getSize", [&] {
-    announce(callOf("getSize", block));
     const auto set = mBlocks.find(block);
     if (set) size = static_cast<unsigned>(set->size());
     return 0;
@@ -210,7 +156,6 @@ unsigned StandIn::getSize(void* block) {
 
 int StandIn::setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
   return guarded("setValue", [&] {
-    announce(valueCallOf("setValue", block, section, key, data, size));
     const auto set = mBlocks.find(block);
     return set ? set->set(section, key, data, size) : -1;
   });
@@ -220,14 +165,12 @@ int StandIn::getValue(void* block, const char* section, const char* key, void* d
   return guarded("getValue", [&] {
     const auto set = mBlocks.find(block);
     const int status = set ? set->get(section, key, data, size) : -1;
-    announce(valueCallOf("getValue", block, section, key, data, size));
     return status;
   });
 }
 
 int StandIn::setRaw(void* block, const char* bytes, unsigned size) {
   return guarded("setRaw", [&] {
-    announce(valueCallOf("setRaw", block, nullptr, nullptr, bytes, size));
     const auto set = mBlocks.find(block);
     return set ? set->setRaw(bytes, size) : -1;
   });
@@ -235,7 +178,6 @@ int StandIn::setRaw(void* block, const char* bytes, unsigned size) {
 
 int StandIn::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor) {
   return guarded("paramAlgoUpdateToSystem", [&] {
-    announce(callOf("paramAlgoUpdateToSystem", block));
     const auto set = mBlocks.find(block);
     if (!set || !visitor) return -1;
     int result = 0;
@@ -249,7 +191,6 @@ int StandIn::paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& vis
 
 int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor) {
   return guarded("paramSystemDownloadToAlgo", [&] {
-    announce(callOf("paramSystemDownloadToAlgo", block));
     const auto set = mBlocks.find(block);
     if (!set || !visitor) return -1;
     // A value unknown to the system is not a failure.
@@ -260,11 +201,6 @@ int StandIn::paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& v
     }
     return 0;
   });
-}
-
-void StandIn::announce(const AlgoCall& call) const {
-  const auto script = mScript.current();
-  if (script->observer) script->observer(call);
 }
 
 void StandIn::misbehave(const AlgoScript& script, const std::string& operation) {

@@ -56,7 +56,6 @@ private:
 
   template <typename Body>
   int guarded(const char* operation, const Body& body) const;
-  void announce(const AlgoCall& call) const;
   static void misbehave(const AlgoScript& script, const std::string& operation);
   void work(Request& request);
   static void echoFlag(ParameterSet& parameters);

@@ -62,7 +62,7 @@ EventLine::EventLine(const char* event) {
   if (countsFaults) number("faults", pageFaults());
 }
 
-EventLine& EventLine::call(uint64_t number, const char* operation) {
+EventLine& EventLine::call(uint64_t number, std::string_view operation) {
   begin("n");
   append(mText, number);
   return text("op", operation);

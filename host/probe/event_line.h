@@ -17,7 +17,7 @@ public:
   explicit EventLine(const char* event);
 
   // Adds the number and name of a call.
-  EventLine& call(uint64_t number, const char* operation);
+  EventLine& call(uint64_t number, std::string_view operation);
   EventLine& number(const char* name, int64_t value);
   // An address, a handle or a 64-bit id: "0x7f12". Elements of a list have no name.
   EventLine& hex(const char* name, uint64_t value);

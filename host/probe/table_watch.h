@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "algo_interface.h"
@@ -32,7 +33,7 @@ struct CallbackArguments {
 // One call and its arguments. Everything in it belongs to the caller and is valid only during the call;
 // arguments that the operation lacks are null.
 struct WatchedCall {
-  const char* operation = "";  // the name of the callable, or "callback", "visit"
+  std::string_view operation;  // the name of the callable, or "callback", "visit"
   uint64_t number = 0;         // counts the calls of this process, from 1
   uint64_t of = 0;             // visit: the enclosing call; callback: the last process with its cookie
 

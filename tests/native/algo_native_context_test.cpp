@@ -18,6 +18,17 @@ namespace {
 
 constexpr char kTag[] = "_V_VASJNI-AlgoNativeContext";
 
+const AlgoResultCallback gCallback = [](const auto&...) {};
+
+// A cookie is the address of a callback.
+uint64_t callbackCookie() {
+  return reinterpret_cast<uintptr_t>(&gCallback);
+}
+
+std::string cookieText(uint64_t cookie) {
+  return cookie == callbackCookie() ? "of gCallback" : std::to_string(cookie);
+}
+
 // Records the library's calls, one line each. Handles appear as h1, h2, ... in the order of their first use.
 class Library {
 public:
@@ -26,7 +37,7 @@ public:
     mAlgo.script.callbacks = 0;
     mAlgo.script.runAlgorithms = false;
     mAlgo.script.wanted.push_back({"orlu.algo.control", "asked", 4});
-    mAlgo.script.observer = [this](const standin::AlgoCall& call) { mLines += lineOf(call) + '\n'; };
+    mAlgo.script.observer = [this](const probe::WatchedCall& call) { mLines += lineOf(call) + '\n'; };
     mAlgo.use();
   }
 
@@ -39,7 +50,7 @@ private:
     return mNames.emplace(handle, "h" + std::to_string(mNames.size() + 1)).first->second;
   }
 
-  std::string lineOf(const standin::AlgoCall& call) {
+  std::string lineOf(const probe::WatchedCall& call) {
     std::ostringstream line;
     line << call.operation;
     const auto add = [&line](const auto&... values) { ((line << ' ' << values), ...); };
@@ -48,13 +59,14 @@ private:
     if (auto* r = call.flush) add(name(r->client));
     if (auto* r = call.uninit) add("type", r->type, name(r->client), "mode", r->mode);
     if (auto* r = call.translateParamFile) add(name(r->client), "fd", r->fd, "size", r->size, r->identifier);
-    if (auto* r = call.getData) add(r->cmd, "size", r->size, name(r->client));
+    if (auto* r = call.getData) add(r->cmd, "size", r->size, name(r->client), name(r->block));
     if (auto* r = call.process) add(textOf(*r));
     if (auto* r = call.command) add(textOf(*r));
-    if (call.client != nullptr) add(name(call.client));
-    if (call.block != nullptr) add(name(call.block));
-    if (call.section != nullptr) add(call.section, call.key, "size", call.size);
-    if (call.operation == "setRaw") add(std::string(static_cast<const char*>(call.data), call.size));
+    if (call.client != nullptr) add(name(*call.client));
+    if (call.block != nullptr) add(name(*call.block));
+    if (auto* v = call.value; v != nullptr && v->section != nullptr) add(v->section, v->key, "size", v->size);
+    if (call.operation == "setRaw")
+      add(std::string(static_cast<const char*>(call.value->data), call.value->size));
     return line.str();
   }
 
@@ -62,8 +74,8 @@ private:
     std::ostringstream text;
     text << "type " << record.requestType << " nativeReq " << record.nativeReq << " list";
     for (const std::string& algorithm : record.algoList) text << ' ' << algorithm;
-    text << ' ' << name(record.client) << " cookie " << record.callbackCookie << " reqId " << record.reqId
-         << entriesText(record.metadata);
+    text << ' ' << name(record.client) << " cookie " << cookieText(record.callbackCookie) << " reqId "
+         << record.reqId << entriesText(record.metadata);
     text << "\n  in";
     for (const AlgoFrameInfo& frame : record.inputFrames) text << ' ' << frame.width;
     text << " out";
@@ -120,9 +132,9 @@ const Operation kOperations[] = {
     {"Abort",          ASK(abort(0x100000001, 0x200000002, block)),
      "getSize h2\ncommand h1 first 4294967297 second 8589934594 data 0 ''\n  entry kind 0 h2 size 4\n"},
     {"Process",        ASK(process(kRequestStop, {"night", "flip"}, 0xFFFFFFFFFFFFFFFE, {frameOf(1), frameOf(2)},
-                                   {frameOf(3)}, block, 0x100000007, 0x200000009, {'r', 'a', 'w'})),
+                                   {frameOf(3)}, block, callbackCookie(), 0x200000009, {'r', 'a', 'w'})),
      "getSize h2\ncreateMetadata\nsetRaw h3 raw\n"
-     "process type 9 nativeReq 18446744073709551614 list night flip h1 cookie 4294967303 reqId 8589934601\n"
+     "process type 9 nativeReq 18446744073709551614 list night flip h1 cookie of gCallback reqId 8589934601\n"
      "  entry kind 0 h2 size 4\n  entry kind 1 h3 size 3\n  in 1 2 out 3 alive 1 1\ndestroyMetadata h3\n"},
     {"ProcessNothing", ASK(process(kRequestPreview, {}, 0, {}, {}, nullptr, 0, 0, {})),
      "createMetadata\nsetRaw h3 \nprocess type 1 nativeReq 0 list h1 cookie 0 reqId 0\n"
@@ -216,7 +228,7 @@ TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
     algo.script.callbacks = 0;
     AlgoNativeContext* context = nullptr;
     int later = 0;
-    algo.script.observer = [&](const standin::AlgoCall& call) {
+    algo.script.observer = [&](const probe::WatchedCall& call) {
       if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
       // Operations that name the client. The current one is counted once.
       for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {

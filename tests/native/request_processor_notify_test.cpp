@@ -15,8 +15,8 @@ namespace orlu {
 namespace {
 
 // Prints the algorithm library's operation to standard error, in brackets.
-void showOperation(const standin::AlgoCall& call) {
-  std::string text = call.operation;
+void showOperation(const probe::WatchedCall& call) {
+  std::string text(call.operation);
   if (call.command != nullptr) {
     const std::vector<uint8_t>& data = call.command->data;
     text += ' ' + std::to_string(data.size()) + ' ';

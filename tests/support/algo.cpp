@@ -42,18 +42,22 @@ Algo::~Algo() {
 
 void Algo::use() {
   standin::AlgoScript observed = script;
-  observed.observer = [this, own = script.observer](const standin::AlgoCall& call) {
+  observed.observer = [this, own = script.observer](const probe::WatchedCall& call) {
     record(call);
     if (own) own(call);
   };
   setScript(&observed);
 }
 
-void Algo::record(const standin::AlgoCall& call) {
-  const auto* const bytes = static_cast<const uint8_t*>(call.data);
-  RecordedCall recorded = {
-      call.operation, call.section == nullptr ? "" : call.section, call.key == nullptr ? "" : call.key, {}};
-  if (bytes != nullptr) recorded.bytes.assign(bytes, bytes + call.size);
+void Algo::record(const probe::WatchedCall& call) {
+  RecordedCall recorded;
+  recorded.operation = call.operation;
+  if (const probe::ValueArguments* const value = call.value) {
+    const auto* const bytes = static_cast<const uint8_t*>(value->data);
+    if (value->section != nullptr) recorded.section = value->section;
+    if (value->key != nullptr) recorded.key = value->key;
+    if (bytes != nullptr) recorded.bytes.assign(bytes, bytes + value->size);
+  }
   const std::lock_guard<std::mutex> lock(mMutex);
   mCalls.push_back(std::move(recorded));
 }

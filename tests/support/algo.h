@@ -46,7 +46,7 @@ public:
                            const std::vector<const native_handle_t*>& handles, bool attachThread);
 
 private:
-  void record(const standin::AlgoCall& call);
+  void record(const probe::WatchedCall& call);
 
   mutable std::mutex mMutex;
   std::vector<RecordedCall> mCalls;

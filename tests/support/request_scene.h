@@ -28,7 +28,7 @@ protected:
     mAlgo.script.values = {
         {"orlu.algo.feedback", "tunning_mode", {kTuningMode, 0, 0, 0}}
     };
-    mAlgo.script.observer = [this](const standin::AlgoCall& call) { note(call); };
+    mAlgo.script.observer = [this](const probe::WatchedCall& call) { note(call); };
     setAlgoList({"flip", "custom"});
   }
 
@@ -99,22 +99,23 @@ protected:
   int mFile = -1;
 
 private:
-  void note(const standin::AlgoCall& call) {
-    const std::string key = call.key == nullptr ? "" : call.key;
-    const auto* const bytes = static_cast<const uint8_t*>(call.data);
+  void note(const probe::WatchedCall& call) {
+    const probe::ValueArguments value = call.value == nullptr ? probe::ValueArguments{} : *call.value;
+    const std::string key = value.key == nullptr ? "" : value.key;
+    const auto* const bytes = static_cast<const uint8_t*>(value.data);
     if (call.process != nullptr) mSubmitted = *call.process;
     if (call.translateParamFile != nullptr) mFile = call.translateParamFile->fd;
-    if (call.operation == "destroyMetadata") mDestroyed.push_back(call.block);
+    if (call.operation == "destroyMetadata") mDestroyed.push_back(*call.block);
     const auto answer = call.operation == "getValue" ? mAnswers.find(key) : mAnswers.end();
-    if (answer != mAnswers.end()) std::memcpy(const_cast<void*>(call.data), &answer->second, 4);
-    if (call.operation == "setRaw") mRaw.assign(bytes, bytes + call.size);
-    if (key == "abort_key") mAbortKey.assign(bytes, bytes + call.size);
-    const bool isOfValue = call.operation.find("Value") != std::string::npos ||
+    if (answer != mAnswers.end()) std::memcpy(const_cast<void*>(value.data), &answer->second, 4);
+    if (call.operation == "setRaw") mRaw.assign(bytes, bytes + value.size);
+    if (key == "abort_key") mAbortKey.assign(bytes, bytes + value.size);
+    const bool isOfValue = call.operation.find("Value") != std::string_view::npos ||
                            call.operation.find("param") == 0 || call.operation == "getSize";
-    if (isOfValue && call.block != nullptr && key.find("abort_") != 0) return;
-    mTrace += (mTrace.empty() ? "" : ", ") + call.operation + about(call);
+    if (isOfValue && call.block != nullptr && *call.block != nullptr && key.find("abort_") != 0) return;
+    mTrace += (mTrace.empty() ? "" : ", ") + std::string(call.operation) + about(call);
   }
-  static std::string about(const standin::AlgoCall& call) {
+  static std::string about(const probe::WatchedCall& call) {
     std::ostringstream text;
     if (const auto* const uninit = call.uninit) text << ' ' << uninit->type << '/' << uninit->mode;
     if (const auto* const getData = call.getData) text << ' ' << getData->cmd.size();
@@ -125,10 +126,10 @@ private:
            << command->metadata.size();
     }
     if (call.operation != "setValue") return text.str();
-    text << ' ' << call.section << '/' << call.key << ' ' << call.size;
-    int64_t value = 0;
-    if (call.size == sizeof value) std::memcpy(&value, call.data, sizeof value);
-    if (call.size == sizeof value) text << '=' << value;
+    text << ' ' << call.value->section << '/' << call.value->key << ' ' << call.value->size;
+    int64_t number = 0;
+    if (call.value->size == sizeof number) std::memcpy(&number, call.value->data, sizeof number);
+    if (call.value->size == sizeof number) text << '=' << number;
     return text.str();
   }
 };
