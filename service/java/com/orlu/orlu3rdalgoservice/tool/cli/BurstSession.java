@@ -2,9 +2,9 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Contract;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
@@ -12,12 +12,12 @@ import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.run.Burst;
 import com.orlu.orlu3rdalgoservice.tool.run.Burst.Shot;
+import com.orlu.orlu3rdalgoservice.tool.run.Burst;
 import com.orlu.orlu3rdalgoservice.tool.run.RequestImages;
 import com.orlu.orlu3rdalgoservice.tool.run.ServiceClient;
-import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;

@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.catalogue.Catalogue;
 import com.orlu.orlu3rdalgoservice.tool.catalogue.Page;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 

@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.compare.ComparisonReport;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
 import com.orlu.orlu3rdalgoservice.tool.explain.ExplanationPrinter;
@@ -13,7 +14,6 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Callbacks;
 import com.orlu.orlu3rdalgoservice.tool.judge.Contract;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;

@@ -1,10 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.util.List;
 import java.util.Map;

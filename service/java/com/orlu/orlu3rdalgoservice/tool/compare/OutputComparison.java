@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.compare;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.run.SideBySide;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;

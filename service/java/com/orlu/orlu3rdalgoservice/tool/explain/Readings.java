@@ -1,14 +1,14 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
+import com.orlu.orlu3rdalgoservice.record.HeldValue;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Reading.Outcome;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependence;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
-import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 
 import java.util.Collection;
 import java.util.LinkedHashMap;

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;

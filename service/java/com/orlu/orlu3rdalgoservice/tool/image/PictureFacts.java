@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 
 import java.awt.image.BufferedImage;
 import java.util.Map;

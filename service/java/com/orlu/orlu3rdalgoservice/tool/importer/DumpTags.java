@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.importer;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
 
 import java.io.ByteArrayOutputStream;

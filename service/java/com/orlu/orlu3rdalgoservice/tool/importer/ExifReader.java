@@ -16,8 +16,8 @@ import com.drew.metadata.exif.ExifThumbnailDirectory;
 import com.drew.metadata.exif.ExifTiffHandler;
 import com.drew.metadata.exif.GpsDirectory;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 
 import java.util.Map;

@@ -1,9 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.DngFile;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.ImageFileKind;
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.Limits;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.importer;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.file.Path;

@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.json;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
@@ -109,7 +110,7 @@ public final class Json implements Place {
     }
 
     /** The content as Java has it, for a writer: Map, List, String, BigDecimal, Boolean or null. */
-    Object content() {
+    public Object content() {
         return mContent;
     }
 

@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 
 import java.util.ArrayList;

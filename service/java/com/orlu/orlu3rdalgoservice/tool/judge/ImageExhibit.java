@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.judge;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.image.Demosaic;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.MemoryUse;
@@ -7,7 +8,6 @@ import com.orlu.orlu3rdalgoservice.tool.image.OutputReader;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureData;
 import com.orlu.orlu3rdalgoservice.tool.image.PictureFacts;
 import com.orlu.orlu3rdalgoservice.tool.image.PixelRows;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.awt.image.BufferedImage;
 import java.nio.ByteBuffer;

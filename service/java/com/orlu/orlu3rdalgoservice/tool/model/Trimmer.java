@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.RecordedFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;

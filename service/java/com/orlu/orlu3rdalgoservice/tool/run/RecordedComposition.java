@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 import android.hardware.camera2.impl.CameraMetadataNative;
 
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
-import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
+import com.orlu.orlu3rdalgoservice.record.HeldValue;
 
 import java.util.Map;
 

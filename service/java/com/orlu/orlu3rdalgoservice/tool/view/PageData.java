@@ -1,10 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
+import com.orlu.orlu3rdalgoservice.record.HeldValue;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.explain.Explanations;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagPrinter;
 import com.orlu.orlu3rdalgoservice.tool.explain.TagRows;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Finding;
 import com.orlu.orlu3rdalgoservice.tool.judge.ImageFindings;
@@ -15,7 +16,6 @@ import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.tags.HeldValue;
 
 import java.io.ByteArrayOutputStream;
 import java.io.PrintStream;

@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.explain.SourceLines;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.ImageExhibit;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;

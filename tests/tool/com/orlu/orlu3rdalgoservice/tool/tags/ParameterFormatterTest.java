@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import static org.junit.Assert.assertEquals;
 
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;

@@ -1,12 +1,10 @@
-package com.orlu.orlu3rdalgoservice.tool.tags;
+package com.orlu.orlu3rdalgoservice.record;
 
 import android.graphics.Rect;
 import android.hardware.camera2.params.Face;
 import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
-
-import com.orlu.orlu3rdalgoservice.tool.json.JsonWriter;
 
 import java.util.Arrays;
 import java.util.HexFormat;

@@ -1,7 +1,8 @@
-package com.orlu.orlu3rdalgoservice.tool.json;
+package com.orlu.orlu3rdalgoservice.record;
 
 import com.fasterxml.jackson.core.io.JsonStringEncoder;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.lang.reflect.Array;
