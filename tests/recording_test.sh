@@ -12,8 +12,8 @@ ends 0 '/000001-request.*: equal, 1[0-9][0-9] parameters, 1 frames, 1 outputs' r
 
 echo "== Pixels in hardware buffers, also of a format that only a phone has"
 cp -r shots/*-request-214 phone
-sed -i 's/"buffer":\[512,512,35\]/"buffer":[512,512,17]/' phone/request.json
-grep -q '512,17' phone/request.json || fail "no hardware buffer in phone/request.json"
+sed -i '/"buffer"/,/]/s/ 35$/ 17/' phone/request.json
+grep -q '^ *17$' phone/request.json || fail "no hardware buffer in phone/request.json"
 ends 0 '^phone: equal, 1[0-9][0-9] parameters' replay phone
 
 echo "== Runs that go wrong are recorded up to there"
@@ -63,7 +63,7 @@ for name in ../outside "$PWD/outside" /dev/zero link.bin fifo.bin folder.bin; do
   ln -sf ../outside strange/link.bin
   [ -e strange/fifo.bin ] || mkfifo strange/fifo.bin
   mkdir -p strange/folder.bin
-  sed "s#\"file\":\"input3.bin\"#\"file\":\"$name\"#" "$night/request.json" >strange/request.json
+  sed "s#\"file\": \"input3.bin\"#\"file\": \"$name\"#" "$night/request.json" >strange/request.json
   ends 2 '^strange/request.json:[0-9]+:[0-9]+: error: inputs\[3\].file: ' replay strange
   timeout 60 "$root/run" trim strange --out stolen >out 2>&1 && fail "trimmed with $name"
   rm -rf stolen

@@ -56,10 +56,10 @@ protected:
     for (const auto& entry : std::filesystem::directory_iterator(mFolder + "/" + name)) {
       std::ifstream file(entry.path() / "outcome.json");
       std::string outcome;
-      std::getline(file, outcome);
-      const std::string last = outcome.empty()                         ? ""
-                               : outcome.rfind("{\"failed\":", 0) == 0 ? "failed"
-                                                                       : "end";
+      std::getline(file, outcome, '\0');
+      const std::string last = outcome.empty()                             ? ""
+                               : outcome.rfind("{\n  \"failed\":", 0) == 0 ? "failed"
+                                                                           : "end";
       found.push_back(entry.path().filename().string() + " " + last);
     }
     std::sort(found.begin(), found.end());

@@ -5,6 +5,9 @@ import java.io.IOException;
 import java.io.RandomAccessFile;
 import java.nio.ByteBuffer;
 import java.nio.charset.StandardCharsets;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
@@ -36,8 +39,8 @@ final class EventCopy {
         return mStart;
     }
 
-    /** Adds the events so far and the request's pixels to the recording, and lists them in the text. */
-    void end(RecordFolder to, String requestId, JsonText text) throws IOException {
+    /** Adds the events so far and the request's pixels to the recording, and to the outcome. */
+    void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
             return;
         }
@@ -47,29 +50,30 @@ final class EventCopy {
             from.seek(mStart);
             from.readFully(bytes);
         }
-        text.object("events").add("size", bytes.length);
-        to.writeBytes(RecordFolder.EVENTS, ByteBuffer.wrap(bytes), text);
-        text.end();
+        Map<String, Object> events = JsonWriter.object("size", bytes.length);
+        outcome.put("events", events);
+        to.writeBytes(RecordFolder.EVENTS, ByteBuffer.wrap(bytes), events);
         String folder = Setting.ofProbe(PIXELS_VARIABLE);
         if (!folder.isEmpty() && to.keepsProbePixels()) {
-            text.list("leftOut");
-            movePixels(new File(folder), new String(bytes, StandardCharsets.ISO_8859_1), requestId, to, text);
-            text.end();
+            String text = new String(bytes, StandardCharsets.ISO_8859_1);
+            outcome.put("leftOut", movePixels(new File(folder), text, requestId, to));
         }
     }
 
     // Concurrent requests share one file of events, which names the pixels. On some file systems a 32-bit
-    // process can't list the folder itself.
-    private static void movePixels(File folder, String events, String requestId, RecordFolder to,
-            JsonText text) throws IOException {
+    // process can't list the folder itself. Returns what was left out.
+    private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
+            throws IOException {
+        List<Object> leftOut = new ArrayList<>();
         Pattern line = Pattern.compile("\"event\":\"pixels\"[^\n]*\"reqId\":" + Pattern.quote(requestId)
                 + ",[^\n]*\"file\":\"([^\"/\\\\]+)\",\"crc\":\"([0-9a-f]+)\"");
         Matcher found = line.matcher(events);
         while (found.find()) {
             File file = new File(folder, found.group(1));
             if (file.isFile() && !to.takeFile(file, found.group(2))) {
-                text.element().add("file", file.getName()).add("kept", RecordFolder.TOO_LARGE).end();
+                leftOut.add(JsonWriter.object("file", file.getName(), "kept", RecordFolder.TOO_LARGE));
             }
         }
+        return leftOut;
     }
 }

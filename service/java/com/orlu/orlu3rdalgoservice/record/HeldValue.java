@@ -6,27 +6,66 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
+import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.HexFormat;
+import java.util.LinkedHashMap;
+import java.util.List;
 import java.util.Map;
 
-/** Converts a stored value for a JSON writer, to its form in a request file. */
+/** Converts metadata values for JsonWriter, to their forms in request files. */
 public final class HeldValue {
+    private static final char[] HEX = "0123456789abcdef".toCharArray();
+    /** The names of types in request files. */
+    private static final Map<Class<?>, String> TYPE_NAMES = Map.ofEntries(
+            Map.entry(Integer.class, "int"),
+            Map.entry(Long.class, "long"),
+            Map.entry(Float.class, "float"),
+            Map.entry(Double.class, "double"),
+            Map.entry(Boolean.class, "boolean"),
+            Map.entry(String.class, "string"),
+            Map.entry(byte[].class, "bytes"),
+            Map.entry(int[].class, "ints"),
+            Map.entry(long[].class, "longs"),
+            Map.entry(float[].class, "floats"),
+            Map.entry(double[].class, "doubles"),
+            Map.entry(String[].class, "strings"),
+            Map.entry(Rect.class, "rect"),
+            Map.entry(Face[].class, "faces"),
+            Map.entry(MeteringRectangle[].class, "regions"),
+            Map.entry(Location.class, "location"),
+            Map.entry(Rational.class, "rational"));
+
     private HeldValue() {
     }
 
     /** Objects of other classes become texts. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
-            return HexFormat.of().formatHex(bytes);
+            return hexadecimal(bytes);
         }
         if (value instanceof Object[] objects) {
-            return Arrays.stream(objects).map(HeldValue::json).toList();
+            List<Object> elements = new ArrayList<>();
+            for (Object object : objects) {
+                elements.add(json(object));
+            }
+            return elements;
+        }
+        if (value instanceof Rational rational) {
+            // A Number on the platform.
+            return new int[] {rational.getNumerator(), rational.getDenominator()};
         }
         if (value == null || value instanceof Number || value instanceof Boolean) {
             return value;
         }
         return value.getClass().isArray() ? value : object(value);
+    }
+
+    private static String hexadecimal(byte[] bytes) {
+        StringBuilder text = new StringBuilder(2 * bytes.length);
+        for (byte b : bytes) {
+            text.append(HEX[b >> 4 & 15]).append(HEX[b & 15]);
+        }
+        return text.toString();
     }
 
     private static Object object(Object value) {
@@ -39,22 +78,57 @@ public final class HeldValue {
         if (value instanceof MeteringRectangle region) {
             return sides(region.getRect(), "weight", region.getMeteringWeight());
         }
-        if (value instanceof Location location) {
-            Map<String, Object> place = JsonWriter.object(
-                    "latitude", location.getLatitude(), "longitude", location.getLongitude());
-            if (location.hasAltitude()) {
-                place.put("altitude", location.getAltitude());
-            }
-            place.put("time", location.getTime());
-            return place;
-        }
-        return value instanceof Rational rational
-                ? new int[] {rational.getNumerator(), rational.getDenominator()} : value.toString();
+        return value instanceof Location location ? place(location) : value.toString();
     }
 
     private static Map<String, Object> sides(Rect rect, String name, int number) {
-        return JsonWriter.object("left", rect.left, "top", rect.top, "right", rect.right, "bottom",
-                rect.bottom,
-                name, number);
+        return JsonWriter.object("left", rect.left, "top", rect.top, "right", rect.right,
+                "bottom", rect.bottom, name, number);
+    }
+
+    private static Map<String, Object> place(Location location) {
+        Map<String, Object> place = new LinkedHashMap<>();
+        if (location.getProvider() != null) {
+            place.put("provider", location.getProvider());
+        }
+        place.put("latitude", location.getLatitude());
+        place.put("longitude", location.getLongitude());
+        if (location.hasAltitude()) {
+            place.put("altitude", location.getAltitude());
+        }
+        place.put("time", location.getTime());
+        return place;
+    }
+
+    /**
+     * Converts values to objects named after their types ({"long": 5}), so that they can be read back. A
+     * value of any other class becomes {"class": its name, "text": what toString() returns}; if its reading
+     * throws, the text names the exception.
+     */
+    static Map<String, Object> typed(Map<String, ?> values) {
+        Map<String, Object> typed = new LinkedHashMap<>();
+        values.forEach((name, value) -> {
+            try {
+                typed.put(name, value == null ? null : withType(value));
+            } catch (RuntimeException e) {
+                typed.put(name, other(value, "can't be read: " + e.getClass().getName()));
+            }
+        });
+        return typed;
+    }
+
+    private static Map<String, Object> withType(Object value) {
+        String type = TYPE_NAMES.get(value.getClass());
+        if (type == null) {
+            return other(value, String.valueOf(value));
+        }
+        if (value instanceof Object[] objects && Arrays.asList(objects).contains(null)) {
+            return other(value, "can't be read: an element is null");
+        }
+        return JsonWriter.object(type, json(value));
+    }
+
+    private static Map<String, Object> other(Object value, String text) {
+        return JsonWriter.object("class", value.getClass().getName(), "text", text);
     }
 }

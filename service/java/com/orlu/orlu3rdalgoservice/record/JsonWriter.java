@@ -1,35 +1,37 @@
 package com.orlu.orlu3rdalgoservice.record;
 
-import com.fasterxml.jackson.core.io.JsonStringEncoder;
-
-import com.orlu.orlu3rdalgoservice.tool.json.Json;
-import com.orlu.orlu3rdalgoservice.tool.text.Printable;
-
 import java.lang.reflect.Array;
 import java.util.Iterator;
 import java.util.LinkedHashMap;
+import java.util.Locale;
 import java.util.Map;
 import java.util.stream.IntStream;
 
 /**
- * Writes JSON. A value is a Json, a Map with string keys, an Iterable, an array, a String, a Number, a
- * Boolean or null. JSON lacks NaN and the infinities, which become texts. Control characters are escaped.
+ * Writes JSON. A value is a Map with string keys, an Iterable, an array, a String, a Number, a Boolean, null
+ * or a Source of one. JSON lacks NaN and the infinities, which become texts. Unsafe characters are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
+    /** Characters with a short escape, and the letters of their escapes. */
+    private static final String SHORT = "\"\\\b\t\n\f\r";
+    private static final String SHORT_LETTERS = "\"\\btnfr";
 
     private final StringBuilder mText = new StringBuilder();
-    private final boolean mIsPretty;
+    private final int mLevels;
 
-    private JsonWriter(boolean isPretty) {
-        mIsPretty = isPretty;
+    /** An object that stands for its content. */
+    public interface Source {
+        Object content();
+    }
+
+    private JsonWriter(int levels) {
+        mLevels = levels;
     }
 
     /** Returns the value on one line, without a line end. */
     public static String line(Object value) {
-        JsonWriter writer = new JsonWriter(false);
-        writer.write(value, "\n");
-        return writer.mText.toString();
+        return new JsonWriter(0).write(value, 0).toString();
     }
 
     /**
@@ -37,9 +39,12 @@ public final class JsonWriter {
      * level.
      */
     public static String pretty(Object value) {
-        JsonWriter writer = new JsonWriter(true);
-        writer.write(value, "\n");
-        return writer.mText.append('\n').toString();
+        return pretty(value, Integer.MAX_VALUE);
+    }
+
+    /** Returns the value formatted for a file; what is nested deeper than this is on one line. */
+    public static String pretty(Object value, int levels) {
+        return new JsonWriter(levels).write(value, 0).append('\n').toString();
     }
 
     /** Returns an object with these names and values in their order: object("id", 1, "type", "capture"). */
@@ -51,20 +56,20 @@ public final class JsonWriter {
         return object;
     }
 
-    private void write(Object value, String newLine) {
-        if (value instanceof Json json) {
-            write(json.content(), newLine);
+    private StringBuilder write(Object value, int level) {
+        if (value instanceof Source source) {
+            write(source.content(), level);
         } else if (value instanceof Map<?, ?> members) {
-            writeAll('{', members.entrySet().iterator(), '}', newLine);
+            writeAll('{', members.entrySet().iterator(), '}', level);
         } else if (value instanceof Map.Entry<?, ?> member) {
             writeText((String) member.getKey());
-            mText.append(mIsPretty ? ": " : ":");
-            write(member.getValue(), newLine);
+            mText.append(mLevels > 0 ? ": " : ":");
+            write(member.getValue(), level);
         } else if (value instanceof Iterable<?> elements) {
-            writeAll('[', elements.iterator(), ']', newLine);
+            writeAll('[', elements.iterator(), ']', level);
         } else if (value != null && value.getClass().isArray()) {
             writeAll('[', IntStream.range(0, Array.getLength(value)).mapToObj(i -> Array.get(value, i))
-                    .iterator(), ']', newLine);
+                    .iterator(), ']', level);
         } else if (value instanceof String || isWithoutForm(value)) {
             writeText(String.valueOf(value));
         } else if (value instanceof Number || value instanceof Boolean || value == null) {
@@ -73,6 +78,7 @@ public final class JsonWriter {
         } else {
             throw new IllegalArgumentException("no JSON for " + value.getClass());
         }
+        return mText;
     }
 
     private static boolean isWithoutForm(Object value) {
@@ -80,21 +86,43 @@ public final class JsonWriter {
                 || value instanceof Float single && !Float.isFinite(single);
     }
 
-    private void writeAll(char open, Iterator<?> parts, char close, String newLine) {
-        String inner = newLine + INDENT;
+    private void writeAll(char open, Iterator<?> parts, char close, int level) {
+        boolean isSpread = level < mLevels && parts.hasNext();
         mText.append(open);
-        boolean isEmpty = !parts.hasNext();
         while (parts.hasNext()) {
-            mText.append(mIsPretty ? inner : "");
-            write(parts.next(), inner);
+            mText.append(isSpread ? "\n" + INDENT.repeat(level + 1) : "");
+            write(parts.next(), level + 1);
             mText.append(parts.hasNext() ? "," : "");
         }
-        mText.append(mIsPretty && !isEmpty ? newLine : "").append(close);
+        mText.append(isSpread ? "\n" + INDENT.repeat(level) : "").append(close);
     }
 
     private void writeText(String text) {
-        StringBuilder quoted = new StringBuilder();
-        JsonStringEncoder.getInstance().quoteAsString(text, quoted);
-        mText.append('"').append(Printable.line(quoted.toString())).append('"');
+        mText.append('"');
+        text.codePoints().forEach(c -> {
+            int escape = SHORT.indexOf(c);
+            if (escape >= 0) {
+                mText.append('\\').append(SHORT_LETTERS.charAt(escape));
+            } else if (isUnsafe(c)) {
+                mText.append(String.format(Locale.ROOT, "\\u%04x", c));
+            } else {
+                mText.appendCodePoint(c);
+            }
+        });
+        mText.append('"');
+    }
+
+    /**
+     * Whether a character of foreign text may confuse a terminal, a log or a page: control characters (C0,
+     * C1), line separators, characters that change the direction of what follows, and unpaired surrogates.
+     */
+    public static boolean isUnsafe(int c) {
+        return Character.isISOControl(c) || isDirection(c) || c == 0x2028 || c == 0x2029
+                || c >= Character.MIN_SURROGATE && c <= Character.MAX_SURROGATE;
+    }
+
+    private static boolean isDirection(int c) {
+        return c == 0x061c || c == 0x200e || c == 0x200f || c >= 0x202a && c <= 0x202e
+                || c >= 0x2066 && c <= 0x2069;
     }
 }

@@ -9,10 +9,11 @@ import java.nio.channels.FileChannel;
 import java.nio.charset.StandardCharsets;
 import java.util.HashSet;
 import java.util.Locale;
+import java.util.Map;
 import java.util.Set;
 import java.util.zip.CRC32;
 
-/** The folder of one recording. Each text is a file that is written in one go. */
+/** The folder of one recording. Each object is a file that is written in one go. */
 final class RecordFolder {
     /** The inputs, in the form of a request file; written before the request runs. */
     static final String REQUEST = "request.json";
@@ -20,6 +21,10 @@ final class RecordFolder {
     static final String OUTCOME = "outcome.json";
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the recording would have more bytes than it may";
+
+    /** The nesting of tags, each of which has its own line. */
+    private static final int REQUEST_LEVELS = 4;
+    private static final int OUTCOME_LEVELS = 3;
 
     private final File mFolder;
     private final RequestRecorder.Pixels mPixels;
@@ -36,8 +41,8 @@ final class RecordFolder {
         mPixels = pixels;
     }
 
-    void write(String name, JsonText text) throws IOException {
-        byte[] bytes = text.toString().getBytes(StandardCharsets.UTF_8);
+    void write(String name, Map<String, Object> json) throws IOException {
+        byte[] bytes = bytes(json, name.equals(REQUEST) ? REQUEST_LEVELS : OUTCOME_LEVELS);
         mBytesLeft -= bytes.length;
         if (mBytesLeft < 0) {
             throw new IOException("the recording would have more bytes than it may");
@@ -47,8 +52,11 @@ final class RecordFolder {
 
     /** Replaces the outcome with the reason for the failure. */
     void fail(String what) throws IOException {
-        writeAll(OUTCOME, ByteBuffer.wrap(
-                new JsonText().add("failed", what).toString().getBytes(StandardCharsets.UTF_8)));
+        writeAll(OUTCOME, ByteBuffer.wrap(bytes(JsonWriter.object("failed", what), OUTCOME_LEVELS)));
+    }
+
+    private static byte[] bytes(Map<String, Object> json, int levels) {
+        return JsonWriter.pretty(json, levels).getBytes(StandardCharsets.UTF_8);
     }
 
     private void writeAll(String name, ByteBuffer bytes) throws IOException {
@@ -73,20 +81,20 @@ final class RecordFolder {
     }
 
     /** Writes the bytes of one of Java's images if pixels are recorded. */
-    void writePixels(String name, ByteBuffer bytes, JsonText text) throws IOException {
+    void writePixels(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (mPixels == RequestRecorder.Pixels.NONE) {
-            text.add("kept", "no: without pixels");
+            json.put("kept", "no: without pixels");
         } else {
-            writeBytes(name, bytes, text);
+            writeBytes(name, bytes, json);
         }
     }
 
     /**
-     * Writes the bytes to a file and adds its name and checksum to the text, or the reason if they don't fit.
+     * Writes the bytes to a file and adds its name and checksum to the object, or the reason if they don't fit.
      */
-    void writeBytes(String name, ByteBuffer bytes, JsonText text) throws IOException {
+    void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
-            text.add("kept", TOO_LARGE);
+            json.put("kept", TOO_LARGE);
             return;
         }
         mBytesLeft -= bytes.remaining();
@@ -95,7 +103,8 @@ final class RecordFolder {
         writeAll(name, bytes.duplicate());
         String crc = String.format(Locale.ROOT, "%08x", check.getValue());
         mChecks.add(crc + " " + bytes.remaining());
-        text.add("file", name).add("crc", crc);
+        json.put("file", name);
+        json.put("crc", crc);
     }
 
     /**

@@ -36,7 +36,7 @@ public final class Recording {
     private final Object mRequest;
 
     private RecordFolder mFolder;
-    private final JsonText mOutcome = new JsonText();
+    private final Map<String, Object> mOutcome = new LinkedHashMap<>();
     private boolean mIsFullAsync;
     private boolean mIsOver;
     private List<Map<String, Object>> mBefore = new ArrayList<>();
@@ -104,47 +104,47 @@ public final class Recording {
             Map<String, String> properties, Object inputs, Object outputs, Object compositions)
             throws IOException, ErrnoException {
         VRequest request = (VRequest) mRequest;
-        JsonText text = new JsonText();
+        Map<String, Object> json = new LinkedHashMap<>();
         if (!about.isEmpty()) {
-            text.add("about", about);
+            json.put("about", about);
         }
-        text.object("recording").add("format", "orlu-recording").add("version", VERSION)
-                .add("milliseconds", System.currentTimeMillis()).add("interface", service.getVersion())
-                .add("system", System.getProperty("os.name") + " " + System.getProperty("os.version"))
-                .add("machine", String.valueOf(System.getProperty("os.arch")))
-                .add("java", String.valueOf(System.getProperty("java.version")));
+        Map<String, Object> header = JsonWriter.object("format", "orlu-recording", "version", VERSION,
+                "milliseconds", System.currentTimeMillis(), "interface", service.getVersion(),
+                "system", System.getProperty("os.name") + " " + System.getProperty("os.version"),
+                "machine", String.valueOf(System.getProperty("os.arch")),
+                "java", String.valueOf(System.getProperty("java.version")));
         if (mEvents != null) {
-            text.add("eventsFrom", mEvents.start());
+            header.put("eventsFrom", mEvents.start());
         }
-        text.end().object("request").add("id", request.getRequestId())
-                .add("type", String.valueOf(request.getRequestType())).end();
-        addClient(text, client == null ? new LinkedHashMap<>() : client.snapshot());
-        text.object("properties");
-        properties.forEach(text::add);
-        text.end().list("frames");
+        json.put("recording", header);
+        json.put("request", JsonWriter.object("id", request.getRequestId(),
+                "type", String.valueOf(request.getRequestType())));
+        json.put("client", client == null ? JsonWriter.object() : clientOf(client.snapshot()));
+        json.put("properties", properties);
+        List<Object> frames = new ArrayList<>();
         for (Object element : (List<?>) compositions) {
             CaptureResultComposition composition = (CaptureResultComposition) element;
             Map<String, Object> values = composition.snapshot();
             mBefore.add(values);
-            text.element().addValues("captureResult", tagsOf(composition)).addValues("composition", values)
-                    .end();
+            frames.add(JsonWriter.object("captureResult", HeldValue.typed(tagsOf(composition)),
+                    "composition", HeldValue.typed(values)));
         }
-        text.end();
+        json.put("frames", frames);
         mIsFullAsync = !mBefore.isEmpty() && Integer.valueOf(1).equals(mBefore.get(0).get("isFullAsync"));
-        addImages(text, "inputs", "input", inputs, true);
-        addImages(text, "outputs", "before", outputs, false);
-        mFolder.write(RecordFolder.REQUEST, text);
+        json.put("inputs", images("inputs", "input", inputs, true));
+        json.put("outputs", images("outputs", "before", outputs, false));
+        mFolder.write(RecordFolder.REQUEST, json);
     }
 
     // The values that the library creates a client from.
-    private static void addClient(JsonText text, Map<String, Object> values) {
-        text.object("client");
+    private static Map<String, Object> clientOf(Map<String, Object> values) {
+        Map<String, Object> client = new LinkedHashMap<>();
         for (String name : new String[] {"clientId", "algoContextIndex"}) {
-            if (values.get(name) instanceof Number) {
-                text.add(name, ((Number) values.get(name)).longValue());
+            if (values.get(name) instanceof Number number) {
+                client.put(name, number.longValue());
             }
         }
-        text.end();
+        return client;
     }
 
     private static Map<String, Object> tagsOf(CaptureResultComposition composition) {
@@ -168,44 +168,44 @@ public final class Recording {
     }
 
     // Pixels that are all 0, like fresh memory, get no file.
-    private void addImages(JsonText text, String name, String prefix, Object images, boolean always)
+    private List<Object> images(String name, String prefix, Object images, boolean always)
             throws IOException, ErrnoException {
         List<?> all = (List<?>) images;
-        text.list(name);
+        List<Object> described = new ArrayList<>();
         for (int i = 0; i < all.size(); ++i) {
             VImageIPC image = (VImageIPC) all.get(i);
-            text.element().add("format", String.valueOf(image.mFormat)).add("width", image.mWidth)
-                    .add("height", image.mHeight).add("rowStrides", image.mRowStrides)
-                    .add("planeSizes", image.mPlaneSizes);
+            Map<String, Object> json = JsonWriter.object("format", String.valueOf(image.mFormat),
+                    "width", image.mWidth, "height", image.mHeight, "rowStrides", image.mRowStrides,
+                    "planeSizes", image.mPlaneSizes);
             if (name.equals("inputs") && !mBefore.isEmpty() && all.size() % mBefore.size() == 0) {
-                text.add("frame", i / (all.size() / mBefore.size()));
+                json.put("frame", i / (all.size() / mBefore.size()));
             }
-            try (MappedPixels pixels = map(image, text)) {
+            try (MappedPixels pixels = map(image, json)) {
                 if (pixels != null) {
-                    text.add("size", pixels.bytes().remaining());
+                    json.put("size", pixels.bytes().remaining());
                     if (always || !isZero(pixels.bytes())) {
-                        mFolder.writePixels(prefix + i + ".bin", pixels.bytes(), text);
+                        mFolder.writePixels(prefix + i + ".bin", pixels.bytes(), json);
                     }
                 }
             }
-            text.end();
+            described.add(json);
         }
-        text.end();
+        return described;
     }
 
     /** Returns null for an image without memory and for a hardware buffer that can't be mapped. */
-    private static MappedPixels map(VImageIPC image, JsonText text) throws ErrnoException {
+    private static MappedPixels map(VImageIPC image, Map<String, Object> json) throws ErrnoException {
         HardwareBuffer buffer = image.mImageDataHwbuff;
         if (buffer == null) {
-            text.add("memory", image.mImageDataShmem == null ? "none" : "shared");
+            json.put("memory", image.mImageDataShmem == null ? "none" : "shared");
             return image.mImageDataShmem == null ? null : map(image.mImageDataShmem);
         }
-        text.add("memory", "hardware")
-                .add("buffer", new int[] {buffer.getWidth(), buffer.getHeight(), buffer.getFormat()});
+        json.put("memory", "hardware");
+        json.put("buffer", new int[] {buffer.getWidth(), buffer.getHeight(), buffer.getFormat()});
         try {
             return HardwarePixels.lock(buffer);
         } catch (IllegalStateException e) {
-            text.add("kept", "no: " + e.getMessage());
+            json.put("kept", "no: " + e.getMessage());
             return null;
         }
     }
@@ -265,31 +265,39 @@ public final class Recording {
         try {
             status = call.getAsInt();
         } catch (RuntimeException | Error e) {
-            guard(() -> addCall(name, given, start).add("thrown", e.toString()).end());
+            guard(() -> addCall(name, given, start).put("thrown", String.valueOf(e.toString())));
             close();
             throw e;
         }
         long nanoseconds = System.nanoTime() - start;
-        guard(() -> addCall(name, given, start).add("status", status).add("ns", nanoseconds).end());
+        guard(() -> {
+            Map<String, Object> made = addCall(name, given, start);
+            made.put("status", status);
+            made.put("ns", nanoseconds);
+        });
         return status;
     }
 
-    private JsonText addCall(String name, Map<String, Object> given, long start) {
-        mOutcome.object(name).add("start", start);
-        return given == null ? mOutcome : mOutcome.addValues("composition", given);
+    private Map<String, Object> addCall(String name, Map<String, Object> given, long start) {
+        Map<String, Object> made = JsonWriter.object("start", start);
+        if (given != null) {
+            made.put("composition", HeldValue.typed(given));
+        }
+        mOutcome.put(name, made);
+        return made;
     }
 
     private void finish(Object outputs, Object compositions) {
         guard(() -> {
-            mOutcome.list("put");
+            List<Object> frames = new ArrayList<>();
             int frame = 0;
             for (Object composition : (List<?>) compositions) {
                 Map<String, Object> put = changes(mBefore.get(frame++),
                         ((CaptureResultComposition) composition).snapshot());
-                mOutcome.element().addAll(put).end();
+                frames.add(HeldValue.typed(put));
             }
-            mOutcome.end();
-            addImages(mOutcome, "outputs", "output", outputs, true);
+            mOutcome.put("put", frames);
+            mOutcome.put("outputs", images("outputs", "output", outputs, true));
         });
         close();
     }

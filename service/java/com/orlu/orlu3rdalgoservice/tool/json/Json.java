@@ -21,7 +21,7 @@ import java.util.TreeSet;
  * found 5") if the value has another type. An accessor with a fallback returns it if the member is absent or
  * has another type, and notes the latter in mistakes(). Nothing else is thrown.
  */
-public final class Json implements Place {
+public final class Json implements Place, JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;
     private static final Json NONE = new Json(new Mistakes(""), null, "", 0, Spot.NOWHERE, Spot.NOWHERE, Map.of());
 
@@ -109,7 +109,8 @@ public final class Json implements Place {
         return mNameSpot;
     }
 
-    /** The content as Java has it, for a writer: Map, List, String, BigDecimal, Boolean or null. */
+    /** The content as Java has it: Map, List, String, BigDecimal, Boolean or null. */
+    @Override
     public Object content() {
         return mContent;
     }

@@ -1,2 +1,2 @@
-/** JSON: a tree whose values know their place in the file, its reader, and a writer. */
+/** JSON: a tree whose values know their place in the file, and its reader. */
 package com.orlu.orlu3rdalgoservice.tool.json;

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.text;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
+
 import java.io.EOFException;
 import java.util.function.IntPredicate;
 
@@ -9,11 +11,11 @@ public final class Printable {
     }
 
     /**
-     * Returns the text in one line: control characters (C0, C1), line separators, characters that change the
-     * direction of what follows, and unpaired surrogates become an escape sequence such as \u001b.
+     * Returns the text in one line: control characters and what else may confuse a terminal become an escape
+     * sequence such as \u001b.
      */
     public static String line(String text) {
-        return escaped(text, Printable::isUnsafe);
+        return escaped(text, JsonWriter::isUnsafe);
     }
 
     /** Returns the message of an exception on one line; never empty. */
@@ -31,7 +33,7 @@ public final class Printable {
 
     /** Returns the text with line ends and tabs kept, and everything else escaped as line() does. */
     public static String lines(String text) {
-        return escaped(text, c -> c != '\n' && c != '\t' && isUnsafe(c));
+        return escaped(text, c -> c != '\n' && c != '\t' && JsonWriter.isUnsafe(c));
     }
 
     private static String escaped(String text, IntPredicate isUnsafe) {
@@ -47,15 +49,5 @@ public final class Printable {
             }
         });
         return escaped.toString();
-    }
-
-    private static boolean isUnsafe(int c) {
-        return Character.isISOControl(c) || isDirection(c) || c == 0x2028 || c == 0x2029
-                || c >= Character.MIN_SURROGATE && c <= Character.MAX_SURROGATE;
-    }
-
-    private static boolean isDirection(int c) {
-        return c == 0x061c || c == 0x200e || c == 0x200f || c >= 0x202a && c <= 0x202e
-                || c >= 0x2066 && c <= 0x2069;
     }
 }

@@ -103,7 +103,7 @@ public final class JsonTest {
     @Test
     public void writes() {
         assertEquals("{\"a\":[1,-2],\"b\":\"NaN\",\"c\":1.0E7,\"d\":null,"
-                + "\"e\":\"\\\"\\n\\u001B\\u009b\\u202e\"}",
+                + "\"e\":\"\\\"\\n\\u001b\\u009b\\u202e\"}",
                 JsonWriter.line(JsonWriter.object("a", new int[] {1, -2}, "b", Double.NaN, "c",
                         new BigDecimal("1.0E7"), "d", null, "e", "\"\n\u001b\u009b\u202e")));
         assertEquals("{\n  \"a\": [\n    true,\n    {}\n  ],\n  \"b\": []\n}\n",
