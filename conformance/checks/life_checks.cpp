@@ -14,7 +14,7 @@ constexpr int kAtOnce = 10;
 constexpr std::chrono::seconds kEnding{3};  // wait for threads of destroyed clients
 constexpr size_t kBytesOfClient = 512;      // growth per client; more is a leak
 
-// Runs a client's whole life with two requests, waited for or not.
+// Creates a client, submits two requests and destroys it; `waits` for the callbacks in between.
 void live(Inbox& inbox, bool waits) {
   const Image input;
   const Image output({}, 2);
@@ -40,7 +40,7 @@ void liveAtOnce(Inbox& inbox) {
   inbox.forget();
 }
 
-// Growth of the process's resources since `before`: the minimum over a settling time.
+// Waits until threads and descriptors are back at `before`, for at most kEnding. Returns the growth left.
 Holdings settledGrowth(const Holdings& before) {
   const auto end = std::chrono::steady_clock::now() + kEnding;
   Holdings least = Holdings::now() - before;

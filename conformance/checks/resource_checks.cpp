@@ -73,7 +73,7 @@ void judgeGrowth(const Holdings& growth) {
 // of a library overlap, and each of them makes the C library create an arena once. False if a callback is
 // missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
-  // An exiting thread is listed a little longer.
+  // A thread stays listed for a moment after it exits.
   constexpr std::chrono::milliseconds kListed{150};
   for (uint64_t round = 0; round < kRounds; ++round) {
     step(std::to_string(kRequests) + " requests more, round " + std::to_string(round + 1));

@@ -22,8 +22,7 @@ std::string distinct(size_t number, size_t size) {
   return bytes;
 }
 
-// All names of the service, and more: long names, prefixes of each other or different only in the last
-// letter.
+// All names of the service, and long names that are prefixes of each other or differ only in the last letter.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {

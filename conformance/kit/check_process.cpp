@@ -87,7 +87,7 @@ Clock::time_point gStarted = Clock::now();
 constexpr std::chrono::seconds kSilence{2};   // before the first line of progress
 constexpr std::chrono::seconds kProgress{5};  // between two such lines
 constexpr std::chrono::milliseconds kLook{200};
-// The number of checks that wait for a missing callback with full patience.
+// After this many checks with a missing callback, the patience drops to 1 s.
 constexpr int kPatientChecks = 2;
 int gMissingChecks = 0;
 

@@ -75,20 +75,20 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table that reports to the observer and calls the callables of `real`, of which it holds copies.
+// Returns a table that holds copies of the callables of `real`, calls them and reports to the observer.
 //
-// The library gets a different cookie than the caller's: the address of a function of our own, one per
-// cookie, never freed. A library may call back late, and the caller's function then decides what happens.
+// The library does not get the caller's cookie but the address of a function of our own. There is one such
+// function per cookie. It is never freed, so that a late callback still reaches the caller's function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
-// Makes and reports a call of the library that is in no table. Returns its number.
+// Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.
 uint64_t watchCall(TableObserver& observer, const char* operation, const std::function<void()>& body);
 
 // Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of the callables that a table offers, or with `offered` false leaves empty, in the order
-// of the table.
+// Returns the names of the callables that a table offers, in the order of the table; with `offered` false,
+// the names of its empty ones.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

@@ -49,12 +49,12 @@ public record OutputMeasure(double psnr, double ssim, int output) {
                 : null;
     }
 
-    /** The PSNR for people. */
+    /** The PSNR as text for display. */
     public String psnrText() {
         return Double.isNaN(psnr) ? "-" : Double.isInfinite(psnr) ? "equal" : "%.1f".formatted(psnr);
     }
 
-    /** The SSIM for people. */
+    /** The SSIM as text for display. */
     public String ssimText() {
         return Double.isNaN(ssim) ? "-" : "%.4f".formatted(ssim);
     }

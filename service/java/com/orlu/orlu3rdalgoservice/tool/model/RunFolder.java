@@ -20,7 +20,7 @@ import java.util.stream.Stream;
 
 /**
  * The folder of a run: request.json, input images, events.jsonl, output images, outcome.json. A process that
- * died during its run leaves no outcome. The folder may come from a stranger.
+ * died during its run leaves no outcome. The files are untrusted input.
  */
 public final class RunFolder {
     public static final String REQUEST = "request.json";
@@ -69,7 +69,7 @@ public final class RunFolder {
         return folders.get(0);
     }
 
-    /** Reads a run, under this name for people. Throws MistakeException if its request can't be read. */
+    /** Reads a run and gives it a name for display. Throws MistakeException if its request can't be read. */
     public static Run read(Path folder, String name) throws MistakeException {
         return read(folder, name, folder.resolve(REQUEST));
     }

@@ -39,7 +39,7 @@ public final class RequestFileReader {
         return root == null ? null : read(file, otherPhoto, root);
     }
 
-    /** Checks a text as the content of a file, which need not exist. The first mistake is thrown. */
+    /** Checks a text as if it were the content of a file, which need not exist. Throws the first mistake. */
     public static void check(Path file, String text) throws MistakeException {
         Json root = Json.parse(file.toString(), 1, text);
         read(file, null, root);
@@ -56,7 +56,7 @@ public final class RequestFileReader {
             return null;
         }
         if (!isRecorded) {
-            // A recording documents what happened, right or wrong.
+            // No advice on a recording: it documents what happened.
             RequestAdvice.give(request, field);
         }
         return request;
@@ -65,7 +65,7 @@ public final class RequestFileReader {
     private RequestFile root(Json field) throws MistakeException {
         Json members = field.allowing("$schema", "about", "request", "client", "properties",
                 "algorithms", "fullAsync", "photo", "frames", "inputs", "outputs");
-        // Only for editors.
+        // Only editors use the schema.
         members.string("$schema", "");
         Json request = mMistakes.attempt(
                 () -> members.require("request").allowing("id", "type"), null);
