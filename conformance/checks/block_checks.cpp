@@ -66,7 +66,7 @@ void setSizes(Block& block) {
     HOLDS(status == 0) << "setValue returned " << status << " for " << size << " bytes";
     std::fill(bytes.begin(), bytes.end(), '\xEE');
     HOLDS(read(block, kParameter, kKey, size) == wanted)
-        << "a value of " << size << " bytes is not what was set, once the caller has overwritten its buffer";
+        << "a value of " << size << " bytes differs from the one set, after the caller overwrote its buffer";
   }
   step("setValue with no bytes");
   block.set(kParameter, kOtherKey, nullptr, 0);
@@ -165,9 +165,9 @@ void checkBlocks() {
     scene.inbox.onCallback(
         [&](const Message&) { scene.parameters.get(kControl, kKey, inside.data(), inside.size()); });
     if (!scene.run(1)) return;
-    HOLDS(inside == value) << "what was set is not there inside the callback";
+    HOLDS(inside == value) << "a value set before process() is missing inside the callback";
     HOLDS(read(scene.parameters, kSystem, kKey, 6) == "system")
-        << "what was set is not there after the callback";
+        << "a value set before process() is missing after the callback";
   }
   step("setRaw with the camera metadata of a capture result");
   Block raw(kCameraMetadataBlock);

@@ -122,7 +122,7 @@ void actInside(const Action& action) {
   const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));
   if (came != std::future_status::ready) {
     missCallback();
-    ADD_FAILURE() << "Java may " << action.what << " inside a callback: nothing came of it within "
+    ADD_FAILURE() << "Java may " << action.what << " inside a callback, but it had no effect within "
                   << options().patienceSeconds + 5 << " s";
     return;
   }

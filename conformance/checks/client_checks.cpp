@@ -104,7 +104,7 @@ void translateFile(void* client, const AlgoInterfaceCallbacks& table) {
   record.identifier = "conform";
   step("translateParamFile");
   call(kRefused, table.translateParamFile, record);
-  HOLDS(fcntl(fd, F_GETFD) >= 0) << "translateParamFile closes the file that it was lent";
+  HOLDS(fcntl(fd, F_GETFD) >= 0) << "translateParamFile closes the caller's file";
   close(fd);
 }
 

@@ -15,7 +15,7 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   if (scene.parameters.get(kFeedback, "encoded_jpeg_size", &size, sizeof size) != 0) {
     const std::vector<uint8_t> bytes = output.bytes();
     HOLDS(bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != 0xD8)
-        << "a JPEG is written, and its size is not left under encoded_jpeg_size";
+        << "a JPEG is written, but encoded_jpeg_size is not set";
     note("jpegEncode is not offered");
     return;
   }
@@ -26,7 +26,7 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   const auto end = static_cast<size_t>(size);
   HOLDS(bytes[0] == 0xFF && bytes[1] == 0xD8) << "the JPEG does not begin with its marker";
   HOLDS(bytes[end - 2] == 0xFF && bytes[end - 1] == 0xD9)
-      << "there is no end marker where encoded_jpeg_size, " << size << ", says that the JPEG ends";
+      << "no JPEG end marker before byte " << size << ", the value of encoded_jpeg_size";
   note("a JPEG of " + std::to_string(size) + " bytes");
 }
 
@@ -50,7 +50,7 @@ void tryTightJpeg(Scene& scene) {
     HOLDS(tight.strayWrite().empty() && size <= room)
         << what << " must stay inside it: " << (tight.strayWrite().empty() ? "" : tight.strayWrite() + "; ")
         << "encoded_jpeg_size is " << size
-        << "; usually the encoder's bytes are copied without a look at fdSize";
+        << "; usually the encoder's bytes are copied without checking fdSize";
   }
 }
 

@@ -121,10 +121,10 @@ void runDoomed(bool isHardwareBuffer) {
   lentOutput.takeBack();
   HOLDS(scene.inbox.waitFor(6)) << kNoCallback << "a request whose record went when process had returned";
   HOLDS(output.bytes() == kept.bytes())
-      << "the output differs when the record and its descriptors, "
-      << (isHardwareBuffer ? "of hardware buffers, " : "") << "are gone once process has returned";
+      << "the output differs if the record and its " << (isHardwareBuffer ? "hardware buffers' " : "")
+      << "descriptors are released once process returns";
   HOLDS(lentInput.isDecoyUntouched() && lentOutput.isDecoyUntouched())
-      << "a file is written that took the number of a descriptor closed after process";
+      << "the library writes to a file that reuses the number of a descriptor closed after process";
 }
 
 // Submits requests of every kind, each with a name for the evidence.
