@@ -53,8 +53,8 @@ final class JobsSession {
             String name = mOptions.names().get(i);
             work.add(() -> child(request, name));
         }
-        PageFolder pages = mOptions.written.report == null ? null : new PageFolder(
-                mOptions.written.report, PageFolder.Sources.ofWorkFolder(), mRequests.size());
+        PageFolder pages = mOptions.written.report == null ? null
+                : new PageFolder(mOptions.written.report, mRequests.size());
         SideBySide.run("running requests", mOptions.tried.jobs, work, child -> take(child, pages));
         if (pages != null) {
             pages.writeIndex(mRequests);

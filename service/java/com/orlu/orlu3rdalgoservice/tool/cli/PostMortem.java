@@ -79,8 +79,7 @@ final class PostMortem {
     // Earlier requests have pages already. `unended` is the folder of a run that did not finish, or null.
     private void writePage(Verdict verdict, String crash, Path unended) throws IOException {
         List<Path> requests = mOptions.requests();
-        PageFolder pages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(), requests
-                .size());
+        PageFolder pages = new PageFolder(mOptions.written.report, requests.size());
         pages.resume();
         if (pages.count() < requests.size()) {
             try {
@@ -121,12 +120,11 @@ final class PostMortem {
     // Returns the run that began after this time and finished, such as when destroying its client crashed;
     // null if there is none.
     private Path endedSince(long time) throws IOException {
-        Path folder = mOptions.runs();
-        if (folder == null) {
+        List<Path> runs = runs();
+        if (runs.isEmpty()) {
             return null;
         }
         try {
-            List<Path> runs = RunFolder.in(folder);
             Path last = runs.get(runs.size() - 1);
             Json start = Json.read(last.resolve(RunFolder.OUTCOME)).find("processed", "start");
             return start != null && start.integer(0L, Long.MAX_VALUE) > time ? last : null;
@@ -159,17 +157,22 @@ final class PostMortem {
 
     // Adds the events to the folder of the unfinished run and returns it; null if there is none.
     private Path completeLastRun() throws IOException {
-        Path folder = mOptions.runs();
         Path events = WorkFolder.events();
-        if (folder == null || !Files.isDirectory(folder) || events == null || !Files.exists(events)) {
-            return null;
-        }
         Path last = null;
-        try (Stream<Path> folders = Files.list(folder)) {
-            for (Path run : folders.filter(RunFolder::isRun).sorted().toList()) {
-                last = RunFolder.complete(run, events, WorkFolder.pixels()) ? run : last;
-            }
+        for (Path run : events == null || !Files.exists(events) ? List.<Path>of() : runs()) {
+            last = RunFolder.complete(run, events, WorkFolder.pixels()) ? run : last;
         }
         return last;
+    }
+
+    // In the order of execution.
+    private List<Path> runs() throws IOException {
+        Path folder = mOptions.runs();
+        if (folder == null || !Files.isDirectory(folder)) {
+            return List.of();
+        }
+        try (Stream<Path> folders = Files.list(folder)) {
+            return folders.filter(RunFolder::isRun).sorted().toList();
+        }
     }
 }

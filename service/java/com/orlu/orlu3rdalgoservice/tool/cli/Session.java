@@ -130,8 +130,7 @@ final class Session {
         List<RequestFile> requests = checker.requests();
         List<String> names = mOptions.names();
         if (mOptions.written.report != null) {
-            mPages = new PageFolder(mOptions.written.report, PageFolder.Sources.ofWorkFolder(),
-                    requests.size());
+            mPages = new PageFolder(mOptions.written.report, requests.size());
         }
         for (int i = 0; i < requests.size(); ++i) {
             if (i > 0) {
@@ -173,7 +172,7 @@ final class Session {
             Files.copy(events, options.written.events, StandardCopyOption.REPLACE_EXISTING);
         }
         if (options.written.timeline != null) {
-            timeline.write(options.written.timeline, events, WorkFolder.algorithmTrace());
+            timeline.write(options.written.timeline);
         }
     }
 

@@ -1,5 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.view;
 
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
+
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
@@ -16,11 +18,11 @@ final class LogLines {
 
     /**
      * Returns the lines from `start` to before `end`, by System.nanoTime(), each as [time, thread, level,
-     * class, text]; none if the file is missing or null.
+     * class, text]; none without a log.
      */
-    static List<Object> between(Path file, long start, long end) throws IOException {
+    static List<Object> between(long start, long end) throws IOException {
         List<Object> lines = new ArrayList<>();
-        for (String line : read(file)) {
+        for (String line : read(WorkFolder.log())) {
             String[] fields = line.split("\t", FIELDS);
             if (fields.length < FIELDS || !fields[0].matches("[0-9]{1,18}")) {
                 continue;

@@ -12,7 +12,6 @@ import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -27,57 +26,46 @@ public final class PageFolder {
             List.of("file", "about", "verdict", "findings", "algorithms", "milliseconds");
 
     private final Path mFolder;
-    private final Sources mSources;
     private final boolean mHasIndex;
     private final boolean mIsPart;
     private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
-    /**
-     * The files that a page is made from besides a report. Each may be null or missing.
-     *
-     * @param events         the calls between the libraries
-     * @param algorithmTrace the algorithm library's report on its work
-     * @param log            the native side's log
-     * @param state          the state of earlier pages
-     */
-    public record Sources(Path events, Path algorithmTrace, Path log, Path state) {
-        /** The sources in the launcher's work folder. */
-        public static Sources ofWorkFolder() {
-            return new Sources(WorkFolder.events(), WorkFolder.algorithmTrace(), WorkFolder.log(),
-                    WorkFolder.pages());
-        }
-    }
-
     /** A folder for the pages of this many requests, created with the first page. */
-    public PageFolder(Path folder, Sources sources, int requests) {
+    public PageFolder(Path folder, int requests) {
         mFolder = folder;
-        mSources = sources;
         mIsPart = requests == 1 && System.getenv(WorkFolder.PAGES) != null;
         mHasIndex = requests > 1 || mIsPart;
     }
 
     /** Continues after another process died. */
     public void resume() throws IOException {
-        if (mSources.state() != null && Files.exists(mSources.state())) {
-            try {
-                Json state = Json.read(mSources.state());
-                mEntries.addAll(state.require("entries").list());
-                mEnd = state.require("end").integer(0L, Long.MAX_VALUE);
-            } catch (MistakeException e) {
-                throw new IOException(e.getMessage(), e);
-            }
+        Json state = state(WorkFolder.pages());
+        if (state != null) {
+            mEntries.addAll(state.get("entries").elements());
+            mEnd = Long.parseLong(state.get("end").text());
         }
     }
 
     /** Adds a page that another process wrote, whose state is in this file if it exists. */
-    public void addOther(Path state, Path request) throws IOException {
+    public void addOther(Path file, Path request) throws IOException {
+        Json state = state(file);
+        mEntries.add(state == null || state.get("entries").elements().isEmpty() ? entry(request)
+                : state.get("entries").elements().get(0));
+    }
+
+    // Null if the file is missing or null.
+    private static Json state(Path file) throws IOException {
         try {
-            List<Json> entries = Files.exists(state) ? Json.read(state).require("entries").list() : List.of();
-            mEntries.add(entries.isEmpty() ? JsonWriter.object("file", request.toString()) : entries.get(0));
+            return file == null || !Files.exists(file) ? null : Json.read(file);
         } catch (MistakeException e) {
             throw new IOException(e.getMessage(), e);
         }
+    }
+
+    // The entry of a request without a page.
+    private static Map<String, Object> entry(Path request) {
+        return JsonWriter.object("file", request.toString());
     }
 
     /** How many requests have a page. */
@@ -98,16 +86,11 @@ public final class PageFolder {
             throws IOException {
         Map<String, Object> data = new PageData(report, exhibits, source).json();
         data.put("hasIndex", mHasIndex);
-        List<Map<String, Object>> trace = timeline.trace(mSources.events(), mSources.algorithmTrace());
-        RequestTimeline own = new RequestTimeline(trace, timeline.origin());
-        if (exhibits == null || exhibits.isLost()) {
-            own.from(mEnd);
-        } else {
-            own.ofLastRequest();
-        }
-        data.put("trace", own.events());
-        data.put("start", own.start());
-        data.put("log", LogLines.between(mSources.log(), own.start(), own.end()));
+        Timeline.Part part = exhibits == null || exhibits.isLost() ? timeline.since(mEnd)
+                : timeline.ofLastRequest();
+        data.put("trace", part.events());
+        data.put("start", part.start());
+        data.put("log", LogLines.between(part.start(), part.end()));
         // "index" is reserved for the index.
         String name = report.run().name().equals("index") ? "index-request" : report.run().name();
         Path file = mFolder.resolve(name + ".html");
@@ -122,8 +105,7 @@ public final class PageFolder {
 
     private static Map<String, Object> entry(
             RunReport report, Exhibits exhibits, Map<String, Object> data, Path file) {
-        Map<String, Object> entry = new LinkedHashMap<>();
-        entry.put("page", file.getFileName().toString());
+        Map<String, Object> entry = JsonWriter.object("page", file.getFileName().toString());
         for (String field : ENTRY_FIELDS) {
             entry.put(field, data.get(field));
         }
@@ -142,33 +124,21 @@ public final class PageFolder {
     }
 
     private void keepState() throws IOException {
-        if (mSources.state() != null) {
-            Map<String, Object> state = new LinkedHashMap<>();
-            state.put("entries", mEntries);
-            state.put("end", mEnd);
-            Files.writeString(mSources.state(), JsonWriter.line(state));
+        if (WorkFolder.pages() != null) {
+            Files.writeString(WorkFolder.pages(),
+                    JsonWriter.line(JsonWriter.object("entries", mEntries, "end", mEnd)));
         }
     }
 
     /** Writes the index if the run has several requests; those without a page have not run. */
-    public void writeIndex(Iterable<Path> requests) throws IOException {
+    public void writeIndex(List<Path> requests) throws IOException {
         if (!mHasIndex || mIsPart) {
             return;
         }
         List<Object> entries = new ArrayList<>(mEntries);
-        int index = 0;
-        for (Path request : requests) {
-            if (index >= mEntries.size()) {
-                Map<String, Object> entry = new LinkedHashMap<>();
-                entry.put("file", request.toString());
-                entries.add(entry);
-            }
-            ++index;
-        }
-        Map<String, Object> data = new LinkedHashMap<>();
-        data.put("entries", entries);
+        requests.stream().skip(entries.size()).forEach(request -> entries.add(entry(request)));
         Files.createDirectories(mFolder);
-        Files.writeString(index(), PageTemplate.index("Requests", data));
+        Files.writeString(index(), PageTemplate.index("Requests", JsonWriter.object("entries", entries)));
     }
 
     /** The page that links to the others. */

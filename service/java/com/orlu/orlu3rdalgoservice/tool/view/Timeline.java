@@ -10,6 +10,8 @@ import com.orlu.orlu3rdalgoservice.tool.model.StageTime;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.EventLog;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
+import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
+import com.orlu.orlu3rdalgoservice.tool.view.TraceFile.Slice;
 
 import java.io.IOException;
 import java.nio.file.Files;
@@ -19,6 +21,8 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Set;
+import java.util.function.ToLongFunction;
+import java.util.stream.LongStream;
 
 /** Makes a timeline of a run: Java's work, the calls between the libraries, and waits. */
 public final class Timeline {
@@ -33,8 +37,12 @@ public final class Timeline {
     private final List<StageTime> mStageTimes = new ArrayList<>();
     private List<Slice> mWork = List.of();
     private RecordedEvents mEvents = new RecordedEvents();
+    private long mStart;
     private long mEnd;
-    private long mOrigin;
+
+    /** The trace events of a period, by System.nanoTime(). */
+    record Part(List<Map<String, Object>> events, long start, long end) {
+    }
 
     /** Adds Java's work for a request on the calling thread. */
     public void add(RunReport report) {
@@ -58,41 +66,55 @@ public final class Timeline {
         }
     }
 
-    /**
-     * Writes the timeline of the last process in the events' file. That file may be missing; the algorithm
-     * library's trace may be missing or null.
-     */
-    public void write(Path file, Path events, Path algorithmTrace) throws IOException {
+    /** Writes the timeline of the last process in the events' file, which may be missing. */
+    public void write(Path file) throws IOException {
+        read();
         Files.writeString(file,
-                JsonWriter.line(JsonWriter.object("traceEvents", trace(events, algorithmTrace))) + "\n");
+                JsonWriter.line(JsonWriter.object("traceEvents", trace(mStart, Long.MAX_VALUE))) + "\n");
     }
 
-    /** Returns the trace events. More can be added afterwards, and the timeline made again. */
-    public List<Map<String, Object>> trace(Path events, Path algorithmTrace) throws IOException {
+    /** The timeline of the last request that was added; of all if none has timed Java calls. */
+    Part ofLastRequest() throws IOException {
+        Slice last = mJava.stream().filter(slice -> slice.category().equals("request"))
+                .reduce((one, other) -> other).orElse(null);
+        return last == null ? since(0) : part(last.start(), last.end());
+    }
+
+    /** The timeline from this time on; from the beginning for 0. */
+    Part since(long time) throws IOException {
+        return part(time, Long.MAX_VALUE);
+    }
+
+    private Part part(long from, long end) throws IOException {
+        read();
+        long start = from == 0 ? mStart : from;
+        List<Map<String, Object>> events = trace(start, end);
+        events.forEach(event -> event.remove("pid"));
+        return new Part(events, start, end);
+    }
+
+    private void read() throws IOException {
         mEvents = new RecordedEvents();
-        mEnd = 0;
-        List<Json> lines = LineFile.fromStart(events, LineFile::isNoLookup).next();
+        List<Json> lines = LineFile.fromStart(WorkFolder.events(), LineFile::isNoLookup).next();
         int first = 0;
         for (int i = 0; i < lines.size(); ++i) {
             first = new Event(lines.get(i)).kind().equals("header") ? i : first;
         }
         mEvents.add(lines.subList(first, lines.size()));
-        long start = Long.MAX_VALUE;
-        for (Event event : mEvents.events()) {
-            start = Math.min(start, event.time());
-            mEnd = Math.max(mEnd, event.time());
-        }
-        for (Slice slice : mJava) {
-            start = Math.min(start, slice.start());
-            mEnd = Math.max(mEnd, slice.end());
-        }
-        for (StageTime stage : mStageTimes) {
-            start = Math.min(start, stage.start());
-        }
-        mWork = work(algorithmTrace, start);
-        mOrigin = start;
+        mStart = LongStream.of(earliest(mEvents.events(), Event::time), earliest(mJava, Slice::start),
+                earliest(mStageTimes, StageTime::start)).min().orElseThrow();
+        mEnd = LongStream.concat(mEvents.events().stream().mapToLong(Event::time),
+                mJava.stream().mapToLong(Slice::end)).max().orElse(0);
+        mWork = work(mStart);
+    }
+
+    private static <T> long earliest(List<T> list, ToLongFunction<T> time) {
+        return list.stream().mapToLong(time).min().orElse(Long.MAX_VALUE);
+    }
+
+    private List<Map<String, Object>> trace(long start, long end) {
         List<Event> headers = mEvents.events("header");
-        TraceFile trace = new TraceFile(headers.isEmpty() ? 0 : headers.get(0).number("pid"), start);
+        TraceFile trace = new TraceFile(headers.isEmpty() ? 0 : headers.get(0).number("pid"), start, end);
         nameLanes(trace);
         mJava.forEach(trace::add);
         mWork.forEach(trace::add);
@@ -106,9 +128,11 @@ public final class Timeline {
         return trace.events();
     }
 
-    private static List<Slice> work(Path algorithmTrace, long start) throws IOException {
+    // The algorithm library's trace may be missing.
+    private static List<Slice> work(long start) throws IOException {
         List<Slice> work = new ArrayList<>();
-        for (Json line : LineFile.fromStart(algorithmTrace, text -> text.contains("\"done\"")).next()) {
+        for (Json line : LineFile.fromStart(WorkFolder.algorithmTrace(), text -> text.contains("\"done\""))
+                .next()) {
             Event done = new Event(line);
             // The file may be older than this run, and other libraries may omit time and thread.
             if (!done.has("tid") || !done.has("milliseconds") || done.time() < start) {
@@ -122,11 +146,6 @@ public final class Timeline {
                     JsonWriter.object("ran", ran, "skipped", done.texts("skipped"))));
         }
         return work;
-    }
-
-    /** The zero point of the last trace's times, by System.nanoTime(). */
-    public long origin() {
-        return mOrigin;
     }
 
     // A thread belongs to the algorithm library if its first action is to work or to call back.

@@ -10,12 +10,16 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Slices in one lane for each thread of a process, and arrows between them, in the JSON trace format. */
+/**
+ * Slices in one lane for each thread of a process, and arrows between them, in the JSON trace format. Leaves
+ * out what begins outside the file's period.
+ */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
     private final long mPid;
-    private final long mOrigin;
+    private final long mStart;
+    private final long mEnd;
     private final Map<Integer, List<Slice>> mLanes = new TreeMap<>();
     private final List<Map<String, Object>> mEvents = new ArrayList<>();
 
@@ -23,10 +27,28 @@ final class TraceFile {
     record Point(int tid, long time) {
     }
 
-    /** An empty file for this process. `origin` is the zero point of its times, by System.nanoTime(). */
-    TraceFile(long pid, long origin) {
+    /**
+     * A span of one thread.
+     *
+     * @param tid   the kernel's id of the thread, shown as the lane
+     * @param start by System.nanoTime(), like `end`
+     * @param args  what a viewer shows if the span is selected
+     */
+    record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
+        boolean contains(long time) {
+            return start <= time && time <= end;
+        }
+
+        Slice endingAt(long time) {
+            return new Slice(name, category, tid, start, time, args);
+        }
+    }
+
+    /** An empty file for a process and a period, by System.nanoTime(). Its times count from `start`. */
+    TraceFile(long pid, long start, long end) {
         mPid = pid;
-        mOrigin = origin;
+        mStart = start;
+        mEnd = end;
         addMetadata("process_name", 0, "name", "post-processing service");
     }
 
@@ -48,20 +70,20 @@ final class TraceFile {
                     .tid());
             event.put("cat", "request");
             event.put("id", id);
-            event.put("ts", microseconds(points.get(i).time() - mOrigin));
+            event.put("ts", microseconds(points.get(i).time() - mStart));
             if (isLast) {
                 event.put("bp", "e");
             }
-            mEvents.add(event);
+            add(event, points.get(i).time());
         }
     }
 
     /** Adds a value of a counter of the process. */
     void addCounter(String name, long time, long value) {
         Map<String, Object> event = event("C", name, 0);
-        event.put("ts", microseconds(time - mOrigin));
+        event.put("ts", microseconds(time - mStart));
         event.put("args", Map.of("value", value));
-        mEvents.add(event);
+        add(event, time);
     }
 
     /** Returns all trace events. Call it once. */
@@ -88,9 +110,15 @@ final class TraceFile {
 
     private void addSlice(Slice slice) {
         Map<String, Object> event = event("X", slice.name(), slice.tid());
-        event.putAll(JsonWriter.object("cat", slice.category(), "ts", microseconds(slice.start() - mOrigin),
+        event.putAll(JsonWriter.object("cat", slice.category(), "ts", microseconds(slice.start() - mStart),
                 "dur", microseconds(slice.end() - slice.start()), "args", slice.args()));
-        mEvents.add(event);
+        add(event, slice.start());
+    }
+
+    private void add(Map<String, Object> event, long time) {
+        if (time >= mStart && time <= mEnd) {
+            mEvents.add(event);
+        }
     }
 
     private void addMetadata(String name, int tid, String argument, Object value) {

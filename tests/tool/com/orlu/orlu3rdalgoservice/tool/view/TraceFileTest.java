@@ -39,11 +39,11 @@ public final class TraceFileTest {
             {"a 1000 1000", "X a 7 0.0+0.0"},
         };
         for (String[] row : rows) {
-            TraceFile file = new TraceFile(5, 1000);
+            TraceFile file = new TraceFile(5, 1000, Long.MAX_VALUE);
             for (String slice : row[0].split(", ")) {
                 String[] words = slice.split(" ");
-                file.add(new Slice(words[0], "c", 7, Long.parseLong(words[1]), Long.parseLong(words[2]),
-                        Map.of()));
+                file.add(new TraceFile.Slice(words[0], "c", 7, Long.parseLong(words[1]),
+                        Long.parseLong(words[2]), Map.of()));
             }
             assertEquals(row[0], row[1], lines(file));
         }
@@ -51,7 +51,7 @@ public final class TraceFileTest {
 
     @Test
     public void drawsArrows() {
-        TraceFile file = new TraceFile(5, 1_000_000_000_000L);
+        TraceFile file = new TraceFile(5, 1_000_000_000_000L, Long.MAX_VALUE);
         file.nameLane(9, "main", 2);
         file.addArrow(-3, List.of(new TraceFile.Point(7, 1_000_000_000_001L),
                 new TraceFile.Point(8, 1_000_000_002_000L), new TraceFile.Point(9, 1_000_001_000_000L)));
