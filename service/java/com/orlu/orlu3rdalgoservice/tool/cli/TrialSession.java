@@ -7,11 +7,8 @@ import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
-import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
-import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
-import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
@@ -82,15 +79,8 @@ final class TrialSession {
             throws MistakeException, ErrnoException {
         boolean isSized = !request.needsPhoto() || request.frames().width() > 0;
         Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
-        List<SynthesisedFrame> frames = photo == null ? List.of()
-                : new FrameSynthesis(bareFrame(request.frames()), false).frames(request.place(), photo);
-        return Trials.of(request, FrameSize.of(request, frames), library);
-    }
-
-    // One frame of the common size, with unprocessed pixels.
-    private static FrameSetPlan bareFrame(FrameSetPlan set) {
-        FramePlan first = set.frames().get(0);
-        FramePlan bare = new FramePlan(first.captureResult(), first.composition(), 0, 0, 1, new int[2]);
-        return new FrameSetPlan(List.of(bare), set.margin(), set.seed(), set.width(), set.height());
+        FrameSize size = photo == null ? FrameSize.of(request, List.of())
+                : new FrameSynthesis(request.frames(), false).size(request.place(), photo);
+        return Trials.of(request, size, library);
     }
 }
