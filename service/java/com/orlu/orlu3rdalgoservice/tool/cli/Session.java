@@ -244,7 +244,7 @@ final class Session {
                 }
                 stopwatch.mark("call prepared");
                 closed.process();
-                awaitLateCallback(request, closed, events);
+                awaitLateCallback(request, closed.ran(), events);
                 stopwatch.mark("pictures written");
                 images = results(name, request, closed, frames, exhibits);
             }
@@ -260,7 +260,8 @@ final class Session {
         }
         stopwatch.mark("end");
         events.add(mEvents.next());
-        Run run = Run.of(name, request, events, stopwatch, mTraces.next(), runner);
+        Run run = Run.of(name, request, events, stopwatch, mTraces.next(),
+                runner == null ? null : runner.ran());
         Verdict verdict = runner == null ? mLibrary : Judge.of(run, images.problems());
         if (mContract != null) {
             verdict = verdict.with(mContract.check(events.events()));
@@ -269,13 +270,13 @@ final class Session {
     }
 
     // Only after a timeout: a short extra wait shows whether the callback is late or missing.
-    private void awaitLateCallback(RequestFile request, RequestRunner runner, RecordedEvents events)
+    private void awaitLateCallback(RequestFile request, RequestRunner.Ran ran, RecordedEvents events)
             throws IOException {
         long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;
         Callbacks callbacks;
         do {
             events.add(mEvents.next());
-            callbacks = new Callbacks(events, request.fullAsync(), runner.waitStart(), runner.waitEnd());
+            callbacks = new Callbacks(events, request.fullAsync(), ran.waitStart(), ran.waitEnd());
         } while (callbacks.isMissing() && !callbacks.hasEnd() && System.nanoTime() < end && sleep());
     }
 
@@ -299,15 +300,15 @@ final class Session {
                 problems.add("output " + i + " is " + outputs.get(i).problem());
             }
         }
-        BaseFrame base = BaseFrame.of(request, runner.put());
-        List<String> files =
-                new OutputImages(name, base.index(), mOptions.written.out).write(frames, runner.inputs(),
-                        outputs);
-        NoiseMeasure noise = new NoiseMeasure(request, base.index());
-        List<NoiseMeasure.Measure> measures = noise.measures(frames, outputs, mOptions.written.json != null);
+        BaseFrame base = BaseFrame.of(request, runner.ran().put());
+        List<String> files = new OutputImages(mOptions.written.out, name).write(base.index(), frames,
+                runner.inputs(), outputs);
+        List<NoiseMeasure> measures = NoiseMeasure.of(
+                request, base.index(), frames, outputs, mOptions.written.json != null);
         if (exhibits != null) {
             exhibits.after(base, runner.inputs(), runner.outputs(), outputs);
         }
-        return new ImageResults(files, measures, noise.lines(measures), problems);
+        return new ImageResults(files, measures, request.frames().hasNoise()
+                ? measures.stream().map(NoiseMeasure::line).toList() : List.of(), problems);
     }
 }

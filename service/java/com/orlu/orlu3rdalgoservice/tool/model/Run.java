@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
-import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner.Ran;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Stage;
 import com.orlu.orlu3rdalgoservice.tool.text.Frames;
@@ -114,24 +114,24 @@ public final class Run {
 
     /**
      * A run in this process, named like its files. The pass is null if the library does not report its work,
-     * the runner if the request did not run.
+     * `ran` if the request did not run.
      */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
-            AlgorithmPass pass, RequestRunner runner) {
+            AlgorithmPass pass, Ran ran) {
         Run run = new Run(
                 name, null, request, Json.none(), Json.none(), "", List.of(), events);
         run.mStages.addAll(stopwatch.stages());
         run.mStageTimes = StageTime.of(stopwatch.marks(), events);
         run.mPass = pass;
-        if (runner != null) {
-            run.mPut.addAll(runner.put());
-            run.mCallbacks.addAll(runner.callbacks());
-            run.mProblems.addAll(runner.problems());
-            run.mInputPlans = runner.inputPlans();
-            run.mOutputs = runner.outputsBefore();
-            run.mResults.addAll(runner.outputsAfter());
-            run.mWaitStart = runner.waitStart();
-            run.mWaitEnd = runner.waitEnd();
+        if (ran != null) {
+            run.mPut.addAll(ran.put());
+            run.mCallbacks.addAll(ran.callbacks());
+            run.mProblems.addAll(ran.problems());
+            run.mInputPlans = ran.inputs();
+            run.mOutputs = ran.outputsBefore();
+            run.mResults.addAll(ran.outputsAfter());
+            run.mWaitStart = ran.waitStart();
+            run.mWaitEnd = ran.waitEnd();
         }
         return run;
     }

@@ -3,23 +3,17 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 import android.os.SystemProperties;
 import android.system.ErrnoException;
 
-import com.orlu.orlu3rdalgoservice.binderserver.CallbackListener;
-import com.orlu.orlu3rdalgoservice.binderserver.RequestProcessor;
-import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.datastruct.VRequest;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
 import java.util.ArrayList;
-import java.util.HashMap;
 import java.util.List;
-import java.util.Map;
 import java.util.concurrent.Callable;
 import java.util.concurrent.TimeUnit;
 import java.util.concurrent.locks.ReentrantLock;
@@ -31,7 +25,7 @@ import java.util.stream.IntStream;
  * synchronous requests run one at a time. All share the inputs; each has its own outputs, compositions, id
  * and planted value.
  */
-public final class Burst implements CallbackListener, AutoCloseable {
+public final class Burst implements AutoCloseable {
     /** The tag that a value is planted in, and the one that returns the algorithms' answer. */
     private static final String PLANTED = "orlu.control.frameFlag";
     private static final String RETURNED = "orlu.feedback.basicFrameTimestamp";
@@ -44,7 +38,7 @@ public final class Burst implements CallbackListener, AutoCloseable {
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     /** Fair, so that requests are sent in order. */
     private final ReentrantLock mClientLock = new ReentrantLock(true);
-    private final Map<Long, List<Long>> mAnnounced = new HashMap<>();
+    private final CallbackInbox mInbox;
     private int mInFlight;
     private int mMostInFlight;
     private long mStart;
@@ -69,12 +63,12 @@ public final class Burst implements CallbackListener, AutoCloseable {
             throws ErrnoException, MistakeException {
         mRequest = request;
         mClient = client;
+        mInbox = new CallbackInbox(client.clientId());
         mSize = FrameSize.of(request, frames);
         request.properties().forEach(SystemProperties::set);
         for (ImagePlan plan : request.inputs()) {
             mInputs.add(RequestImages.input(plan, frames, mSize));
         }
-        RequestProcessor.addListener(this);
     }
 
     /**
@@ -96,27 +90,19 @@ public final class Burst implements CallbackListener, AutoCloseable {
     }
 
     /** How often Java was notified that a request is done. */
-    public synchronized int announcements(long id) {
-        return mAnnounced.getOrDefault(id, List.of()).size();
+    public int announcements(long id) {
+        return mInbox.done(other -> other == id).size();
     }
 
     private Shot shoot(int index, int interval)
             throws ErrnoException, MistakeException, InterruptedException {
         TimeUnit.NANOSECONDS.sleep(
                 mStart + TimeUnit.MILLISECONDS.toNanos((long) index * interval) - System.nanoTime());
-        List<RecordedComposition> compositions = new ArrayList<>();
-        for (FramePlan frame : mRequest.frames().frames()) {
-            RecordedComposition composition = new RecordedComposition(frame.captureResult());
-            frame.composition().forEach(composition::putMetadata);
-            composition.putMetadata(PLANTED, FIRST_PLANTED - index);
-            compositions.add(composition);
-        }
+        List<RecordedComposition> compositions = RequestImages.compositions(mRequest);
+        compositions.forEach(composition -> composition.putMetadata(PLANTED, FIRST_PLANTED - index));
         List<ImageBuffer> outputs = new ArrayList<>();
         try {
-            for (ImagePlan plan : mRequest.outputs()) {
-                outputs.add(plan.layout() == null ? ImageBuffer.empty(mSize.applyTo(plan))
-                        : ImageBuffer.recorded(plan));
-            }
+            RequestImages.addOutputs(mRequest, mSize, outputs);
             return shoot(mRequest.id() + index, compositions, outputs);
         } finally {
             outputs.forEach(ImageBuffer::close);
@@ -127,7 +113,7 @@ public final class Burst implements CallbackListener, AutoCloseable {
         Stopwatch stopwatch = new Stopwatch();
         List<String> problems = new ArrayList<>();
         try (RequestCall call = new RequestCall(mClient, mRequest, new VRequest(id, mRequest.type()),
-                     descriptors(mInputs), descriptors(outputs), compositions)) {
+                     RequestImages.descriptors(mInputs), RequestImages.descriptors(outputs), compositions)) {
             check("processImage", locked(() -> {
                 addInFlight(1);
                 int status = stopwatch.time("process", call::process);
@@ -135,7 +121,8 @@ public final class Burst implements CallbackListener, AutoCloseable {
                 return status;
             }), problems);
             if (mRequest.fullAsync()) {
-                Long address = stopwatch.time("wait", () -> awaitAnnouncement(id));
+                Long address = stopwatch.time("wait",
+                        () -> mInbox.awaitDone(other -> other == id, RequestRunner.CALLBACK_SECONDS));
                 if (address == null) {
                     problems.add("no callback within " + RequestRunner.CALLBACK_SECONDS + " s");
                 } else {
@@ -152,10 +139,6 @@ public final class Burst implements CallbackListener, AutoCloseable {
                             .findFirst()
                             .orElse(-1);
         return new Shot(id, EventLog.thisThread(), stopwatch.stages(), owner, problems);
-    }
-
-    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
-        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
     private int locked(IntSupplier call) {
@@ -179,30 +162,8 @@ public final class Burst implements CallbackListener, AutoCloseable {
     }
 
     @Override
-    public synchronized void onCallback(
-            long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
-        if (clientId == mClient.clientId()
-                && values.get(CallbackInbox.REQUEST_ADDRESS) instanceof Long address) {
-            mAnnounced.computeIfAbsent(requestId, id -> new ArrayList<>()).add(address);
-            notifyAll();
-        }
-    }
-
-    private synchronized Long awaitAnnouncement(long id) {
-        long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(RequestRunner.CALLBACK_SECONDS);
-        try {
-            while (!mAnnounced.containsKey(id) && System.nanoTime() < end) {
-                TimeUnit.NANOSECONDS.timedWait(this, end - System.nanoTime());
-            }
-        } catch (InterruptedException e) {
-            Thread.currentThread().interrupt();
-        }
-        return mAnnounced.containsKey(id) ? mAnnounced.get(id).get(0) : null;
-    }
-
-    @Override
     public void close() {
-        RequestProcessor.removeListener(this);
+        mInbox.close();
         mInputs.forEach(ImageBuffer::close);
     }
 }

@@ -7,16 +7,20 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
+import java.util.concurrent.TimeUnit;
+import java.util.function.LongPredicate;
 
 /** Collects what the native side reports to one client while it is open. */
-public final class CallbackInbox implements CallbackListener, AutoCloseable {
-    static final String REQUEST_ADDRESS = "nativeRequestAddr";
-    private static final long NANOSECONDS_PER_MILLISECOND = 1_000_000;
+final class CallbackInbox implements CallbackListener, AutoCloseable {
+    private static final String REQUEST_ADDRESS = "nativeRequestAddr";
 
     private final long mClientId;
-    private final List<Map<String, Object>> mReports = new ArrayList<>();
+    private final List<Report> mReports = new ArrayList<>();
 
-    public CallbackInbox(long clientId) {
+    private record Report(long requestId, Map<String, Object> values) {
+    }
+
+    CallbackInbox(long clientId) {
         mClientId = clientId;
         RequestProcessor.addListener(this);
     }
@@ -25,39 +29,34 @@ public final class CallbackInbox implements CallbackListener, AutoCloseable {
     public synchronized void onCallback(
             long clientId, int algoContextIndex, long requestId, Map<String, Object> values) {
         if (clientId == mClientId) {
-            mReports.add(new TreeMap<>(values));
+            mReports.add(new Report(requestId, new TreeMap<>(values)));
             notifyAll();
         }
     }
 
     /** The reports so far. */
     synchronized List<Map<String, Object>> reports() {
-        return List.copyOf(mReports);
+        return mReports.stream().map(Report::values).toList();
     }
 
-    /** Waits until a request is reported done. Returns its native id; null after a timeout. */
-    public synchronized Long awaitRequest(long milliseconds) {
-        long end = System.nanoTime() + milliseconds * NANOSECONDS_PER_MILLISECOND;
-        Long done = doneRequest();
-        while (done == null && end - System.nanoTime() > 0) {
-            try {
-                wait(Math.max(1, (end - System.nanoTime()) / NANOSECONDS_PER_MILLISECOND));
-            } catch (InterruptedException e) {
-                Thread.currentThread().interrupt();
-                return null;
-            }
-            done = doneRequest();
-        }
-        return done;
+    /** The native ids of the requests with one of these ids that were reported done. */
+    synchronized List<Long> done(LongPredicate ids) {
+        return mReports.stream().filter(report -> ids.test(report.requestId()))
+                .map(report -> report.values().get(REQUEST_ADDRESS))
+                .filter(Long.class::isInstance).map(Long.class::cast).toList();
     }
 
-    private Long doneRequest() {
-        for (Map<String, Object> report : mReports) {
-            if (report.get(REQUEST_ADDRESS) instanceof Long address) {
-                return address;
+    /** Waits until such a request is reported done. Returns its native id; null after a timeout. */
+    synchronized Long awaitDone(LongPredicate ids, long seconds) {
+        long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);
+        try {
+            while (done(ids).isEmpty() && System.nanoTime() < end) {
+                TimeUnit.NANOSECONDS.timedWait(this, end - System.nanoTime());
             }
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
         }
-        return null;
+        return done(ids).stream().findFirst().orElse(null);
     }
 
     @Override

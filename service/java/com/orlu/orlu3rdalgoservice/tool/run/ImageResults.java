@@ -10,7 +10,7 @@ import java.util.List;
  * @param noise    a line about the noise removed from each output
  * @param problems what is wrong with the outputs, if the algorithms had to write them
  */
-public record ImageResults(List<String> files, List<NoiseMeasure.Measure> measures, List<String> noise,
+public record ImageResults(List<String> files, List<NoiseMeasure> measures, List<String> noise,
         List<String> problems) {
     public static final ImageResults NONE = new ImageResults(
             List.of(), List.of(), List.of(), List.of());

@@ -6,53 +6,34 @@ import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.Psnr;
 import com.orlu.orlu3rdalgoservice.tool.image.Ssim;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.ArrayList;
 import java.util.List;
 
-/** Measures how near the base frame and the result are to the clean photo, if noise was added. */
-public final class NoiseMeasure {
-    private final RequestFile mRequest;
-    private final int mBase;
-    private final FrameSetPlan mFrames;
-
-    public NoiseMeasure(RequestFile request, int base) {
-        mRequest = request;
-        mBase = base;
-        mFrames = request.frames();
-    }
-
-    /**
-     * The similarity of an output to the clean photo.
-     *
-     * @param what   "luma", or "raw" for all samples of a mosaic
-     * @param before PSNR of the base frame as an input, in dB
-     * @param after  PSNR of the output
-     * @param ssim   structural similarity of the output; NaN if not requested
-     */
-    public record Measure(int output, String what, double before, double after, double ssim) {
-        String line() {
-            return "output %d, %s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
-                    output, what, before, after, after - before);
-        }
-    }
-
+/**
+ * The similarity of an output to the clean photo.
+ *
+ * @param what   "luma", or "raw" for all samples of a mosaic
+ * @param before PSNR of the base frame as an input, in dB
+ * @param after  PSNR of the output
+ * @param ssim   structural similarity of the output; NaN if not requested
+ */
+public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
      * Measures each output that shows the base frame's part of the photo. Without noise, only if similarity
      * is wanted.
      */
-    public List<Measure> measures(List<SynthesisedFrame> frames, List<OutputReader> outputs,
-            boolean hasSsim) {
-        List<Measure> measures = new ArrayList<>();
+    public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
+            List<OutputReader> outputs, boolean hasSsim) {
+        List<NoiseMeasure> measures = new ArrayList<>();
         // A frame from a file has no clean photo to compare with, nor has one with a gain.
-        if (!mRequest.isOfPhoto(mBase) || !mFrames.hasNoise() && !hasSsim
-                || mFrames.frames().get(mBase).gain() != 1) {
+        if (!request.isOfPhoto(base) || !request.frames().hasNoise() && !hasSsim
+                || request.frames().frames().get(base).gain() != 1) {
             return measures;
         }
         for (int i = 0; i < outputs.size(); ++i) {
-            Measure measure = measure(i, frames.get(mBase), outputs.get(i), hasSsim);
+            NoiseMeasure measure = measure(i, frames.get(base), outputs.get(i), hasSsim);
             if (measure != null && !Double.isNaN(measure.after())) {
                 measures.add(measure);
             }
@@ -60,22 +41,24 @@ public final class NoiseMeasure {
         return measures;
     }
 
-    /** Returns a line for each measure if the frames have noise. */
-    public List<String> lines(List<Measure> measures) {
-        return mFrames.hasNoise() ? measures.stream().map(Measure::line).toList() : List.of();
+    /** A line for people. */
+    public String line() {
+        return "output %d, %s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
+                output, what, before, after, after - before);
     }
 
-    private static Measure measure(int index, SynthesisedFrame base, OutputReader output, boolean hasSsim) {
+    private static NoiseMeasure measure(
+            int index, SynthesisedFrame base, OutputReader output, boolean hasSsim) {
         Picture clean = base.clean().get();
         if (output.mosaic() != null) {
             int bits = output.mosaic().bits();
             Mosaic reference = Mosaic.of(clean, bits);
-            return new Measure(index, "raw", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
+            return new NoiseMeasure(index, "raw", Psnr.ofMosaic(reference, Mosaic.of(base.shot(), bits)),
                     Psnr.ofMosaic(reference, output.mosaic()),
                     hasSsim ? Ssim.of(reference, output.mosaic()) : Double.NaN);
         }
-        return output.picture() == null ? null : new Measure(index, "luma", Psnr.ofLuma(clean, base.shot()),
-                Psnr.ofLuma(clean, output.picture()),
+        return output.picture() == null ? null : new NoiseMeasure(index, "luma",
+                Psnr.ofLuma(clean, base.shot()), Psnr.ofLuma(clean, output.picture()),
                 hasSsim ? Ssim.of(clean, output.picture()) : Double.NaN);
     }
 }

@@ -19,25 +19,23 @@ import java.util.List;
 public final class OutputImages {
     private final Path mFolder;
     private final String mName;
-    private final int mBase;
 
-    /** Writes to this folder, with `name` as prefix; `base` is a frame's number. */
-    public OutputImages(String name, int base, Path folder) {
+    /** Writes to this folder, with `name` as prefix. */
+    public OutputImages(Path folder, String name) {
         mFolder = folder;
-        mBase = base;
         mName = name;
     }
 
-    /** Writes the images, and returns a line on each. */
-    public List<String> write(List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
+    /** Writes the images, and returns a line on each; `base` is the base frame's number. */
+    public List<String> write(int base, List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
             List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
         List<String> lines = new ArrayList<>();
         for (ImageBuffer input : inputs) {
-            if (lines.isEmpty() && input.plan().frame() == mBase) {
+            if (lines.isEmpty() && input.plan().frame() == base) {
                 String file = !input.plan().isOfPhoto() ? write(OutputReader.of(input), mName + "-base")
-                        : writePng(frames.get(mBase).shot(), mName + "-base");
-                lines.add(file + " (frame " + mBase + " as it went in)");
+                        : writePng(frames.get(base).shot(), mName + "-base");
+                lines.add(file + " (frame " + base + " as it went in)");
             }
         }
         for (int i = 0; i < outputs.size(); ++i) {

@@ -2,19 +2,22 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 
 import android.system.ErrnoException;
 
+import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.FrameSynthesis;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Photos;
 import com.orlu.orlu3rdalgoservice.tool.image.Picture;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
+import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.util.ArrayList;
 import java.util.List;
 
-/** Makes a request's images. They are always the same, so another process can make them again. */
+/** Makes what a request passes. It is always the same, so another process can make it again. */
 public final class RequestImages {
     private RequestImages() {
     }
@@ -52,5 +55,30 @@ public final class RequestImages {
         return plan.isOfPhoto()
                 ? ImageBuffer.holding(frames.get(plan.frame()).shot(), size.applyTo(plan))
                 : plan.layout() != null ? ImageBuffer.recorded(plan) : ImageBuffer.ofFile(plan);
+    }
+
+    /** Makes the outputs, and adds them to `to`. The caller closes them, even after an exception. */
+    static void addOutputs(RequestFile request, FrameSize size, List<ImageBuffer> to)
+            throws ErrnoException, MistakeException {
+        for (ImagePlan plan : request.outputs()) {
+            to.add(plan.layout() == null ? ImageBuffer.empty(size.applyTo(plan))
+                    : ImageBuffer.recorded(plan));
+        }
+    }
+
+    /** The images as arguments of a call, which changes the list. */
+    static List<VImageIPC> descriptors(List<ImageBuffer> images) {
+        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
+    }
+
+    /** Makes a composition for each frame. */
+    static List<RecordedComposition> compositions(RequestFile request) {
+        List<RecordedComposition> compositions = new ArrayList<>();
+        for (FramePlan frame : request.frames().frames()) {
+            RecordedComposition composition = new RecordedComposition(frame.captureResult());
+            frame.composition().forEach(composition::putMetadata);
+            compositions.add(composition);
+        }
+        return compositions;
     }
 }

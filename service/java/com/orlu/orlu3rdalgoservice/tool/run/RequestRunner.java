@@ -10,7 +10,6 @@ import com.orlu.orlu3rdalgoservice.tool.image.FrameSize;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageBuffer;
 import com.orlu.orlu3rdalgoservice.tool.image.Progress;
 import com.orlu.orlu3rdalgoservice.tool.image.SynthesisedFrame;
-import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
@@ -39,13 +38,29 @@ public final class RequestRunner implements AutoCloseable {
     private final List<RecordedComposition> mCompositions = new ArrayList<>();
     private final List<ImageBuffer> mInputs = new ArrayList<>();
     private final List<ImageBuffer> mOutputs = new ArrayList<>();
-    private final List<ImagePlan> mInputPlans = new ArrayList<>();
     private final List<ImageLayout> mOutputsBefore = new ArrayList<>();
     private final List<ImageLayout> mOutputsAfter = new ArrayList<>();
     private final List<Map<String, Object>> mPut = new ArrayList<>();
     private final List<String> mProblems = new ArrayList<>();
     private long mWaitStart;
     private long mWaitEnd;
+
+    /**
+     * What came of a request.
+     *
+     * @param inputs        the inputs as passed on, with their sizes
+     * @param outputsBefore descriptions of the outputs before the request
+     * @param outputsAfter  their descriptions after it
+     * @param put           for each composition, the keys that the native side put or changed
+     * @param callbacks     what was reported to Java while the request ran
+     * @param problems      calls into the native library that returned an error
+     * @param waitStart     when the request was submitted, by System.nanoTime()
+     * @param waitEnd       when the wait for it was over
+     */
+    public record Ran(List<ImagePlan> inputs, List<ImageLayout> outputsBefore, List<ImageLayout> outputsAfter,
+            List<Map<String, Object>> put, List<Map<String, Object>> callbacks, List<String> problems,
+            long waitStart, long waitEnd) {
+    }
 
     /** Runs on this client. With `lookups`, each look-up of a tag is an event. */
     public RequestRunner(
@@ -60,32 +75,24 @@ public final class RequestRunner implements AutoCloseable {
     /** Creates the arguments, from these frames of the photo; none if no input needs them. */
     public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         mRequest.properties().forEach(SystemProperties::set);
-        for (FramePlan frame : mRequest.frames().frames()) {
-            RecordedComposition composition = new RecordedComposition(frame.captureResult());
-            frame.composition().forEach(composition::putMetadata);
-            mCompositions.add(composition);
-        }
+        mCompositions.addAll(RequestImages.compositions(mRequest));
         mStopwatch.mark("images mapped");
         FrameSize size = FrameSize.of(mRequest, frames);
         for (ImagePlan plan : mRequest.inputs()) {
             Progress.show("filling inputs", mInputs.size(), mRequest.inputs().size());
             mInputs.add(RequestImages.input(plan, frames, size));
-            mInputPlans.add(mInputs.get(mInputs.size() - 1).plan());
         }
-        for (ImagePlan plan : mRequest.outputs()) {
-            mOutputs.add(plan.layout() == null ? ImageBuffer.empty(size.applyTo(plan))
-                    : ImageBuffer.recorded(plan));
-        }
+        RequestImages.addOutputs(mRequest, size, mOutputs);
     }
 
     /** Runs the request and waits for its result. */
     public void process() throws IOException {
         Progress.show("processing " + mInputs.size() + " inputs");
         VRequest request = new VRequest(mRequest.id(), mRequest.type());
-        List<VImageIPC> outputs = descriptors(mOutputs);
+        List<VImageIPC> outputs = RequestImages.descriptors(mOutputs);
         outputs.forEach(image -> mOutputsBefore.add(ImageLayout.of(image)));
-        try (RequestCall call = new RequestCall(mClient, mRequest, request, descriptors(mInputs), outputs,
-                mCompositions)) {
+        try (RequestCall call = new RequestCall(mClient, mRequest, request,
+                RequestImages.descriptors(mInputs), outputs, mCompositions)) {
             recordLookups();
             List<Map<String, Object>> before = snapshots();
             mStopwatch.mark(StageMark.PROCESS_IMAGE);
@@ -102,10 +109,6 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    private static List<VImageIPC> descriptors(List<ImageBuffer> images) {
-        return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
-    }
-
     // Called right before the request, so that look-ups by the recorder are not events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
@@ -115,7 +118,7 @@ public final class RequestRunner implements AutoCloseable {
     }
 
     private void awaitResult(RequestCall call, List<Map<String, Object>> before) {
-        Long address = mStopwatch.time("wait", () -> mInbox.awaitRequest(CALLBACK_SECONDS * 1000L));
+        Long address = mStopwatch.time("wait", () -> mInbox.awaitDone(id -> true, CALLBACK_SECONDS));
         mWaitEnd = System.nanoTime();
         if (address != null) {
             before.get(0).put("nativeRequestAddr", address);
@@ -156,42 +159,10 @@ public final class RequestRunner implements AutoCloseable {
         return mOutputs;
     }
 
-    /** The inputs as passed on, with their sizes. */
-    public List<ImagePlan> inputPlans() {
-        return mInputPlans;
-    }
-
-    /** Descriptions of the outputs before and after. */
-    public List<ImageLayout> outputsBefore() {
-        return mOutputsBefore;
-    }
-
-    public List<ImageLayout> outputsAfter() {
-        return mOutputsAfter;
-    }
-
-    /** For each composition, the keys that the native side put or changed. */
-    public List<Map<String, Object>> put() {
-        return mPut;
-    }
-
-    /** What was reported to Java while the request ran. */
-    public List<Map<String, Object>> callbacks() {
-        return mInbox.reports();
-    }
-
-    /** Calls into the native library that returned an error. */
-    public List<String> problems() {
-        return mProblems;
-    }
-
-    /** When the request was submitted and when the wait for it was over, by System.nanoTime(). */
-    public long waitStart() {
-        return mWaitStart;
-    }
-
-    public long waitEnd() {
-        return mWaitEnd;
+    /** What came of the request. */
+    public Ran ran() {
+        return new Ran(mInputs.stream().map(ImageBuffer::plan).toList(), mOutputsBefore, mOutputsAfter, mPut,
+                mInbox.reports(), mProblems, mWaitStart, mWaitEnd);
     }
 
     @Override

@@ -48,7 +48,7 @@ public final class JsonReport {
         return object;
     }
 
-    private static Map<String, Object> measure(NoiseMeasure.Measure measure) {
+    private static Map<String, Object> measure(NoiseMeasure measure) {
         return JsonWriter.object("output", measure.output(), "samples", measure.what(), "psnrBefore",
                 measure.before(), "psnr", measure.after(), "ssim", measure.ssim());
     }
