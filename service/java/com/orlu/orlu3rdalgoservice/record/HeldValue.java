@@ -38,6 +38,11 @@ public final class HeldValue {
     private HeldValue() {
     }
 
+    /** Returns the name that request files use for values of a class; null for a class without one. */
+    public static String typeName(Class<?> stored) {
+        return TYPE_NAMES.get(stored);
+    }
+
     /** Objects of other classes become texts. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
@@ -118,7 +123,7 @@ public final class HeldValue {
     }
 
     private static Map<String, Object> withType(Object value) {
-        String type = TYPE_NAMES.get(value.getClass());
+        String type = typeName(value.getClass());
         if (type == null) {
             return other(value, String.valueOf(value));
         }

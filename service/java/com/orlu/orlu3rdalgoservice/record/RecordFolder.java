@@ -90,7 +90,8 @@ final class RecordFolder {
     }
 
     /**
-     * Writes the bytes to a file and adds its name and checksum to the object, or the reason if they don't fit.
+     * Writes the bytes to a file and adds its name and checksum to the object, or the reason if they don't
+     * fit.
      */
     void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {

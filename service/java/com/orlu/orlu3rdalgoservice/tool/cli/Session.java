@@ -20,12 +20,12 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Exhibits;
 import com.orlu.orlu3rdalgoservice.tool.judge.Judge;
 import com.orlu.orlu3rdalgoservice.tool.judge.LibraryCheck;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
+import com.orlu.orlu3rdalgoservice.tool.model.AlgorithmPass;
 import com.orlu.orlu3rdalgoservice.tool.model.BaseFrame;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
-import com.orlu.orlu3rdalgoservice.tool.model.TraceReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
 import com.orlu.orlu3rdalgoservice.tool.run.NoiseMeasure;
@@ -65,7 +65,7 @@ final class Session {
 
     private final RunCommand mOptions;
     private final PrintStream mTo;
-    private final TraceReader mTraces;
+    private final LineFile mTraces;
     private final LineFile mEvents;
     private final Results mResults = new Results("run");
     private final Photos mPhotos = new Photos();
@@ -88,7 +88,7 @@ final class Session {
         mTo = options.written.text();
         mRecorder = options.recorder();
         mContract = options.tried.validate ? new Contract() : null;
-        mTraces = new TraceReader(WorkFolder.algorithmTrace());
+        mTraces = new LineFile(WorkFolder.algorithmTrace(), AlgorithmPass::isDone);
         mEvents = new LineFile(
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
@@ -260,8 +260,8 @@ final class Session {
         }
         stopwatch.mark("end");
         events.add(mEvents.next());
-        Run run = Run.of(name, request, events, stopwatch, mTraces.next(),
-                runner == null ? null : runner.ran());
+        Run run = Run.of(name, request, events, stopwatch, AlgorithmPass.last(mTraces.next()),
+                runner == null ? RequestRunner.Ran.NONE : runner.ran());
         Verdict verdict = runner == null ? mLibrary : Judge.of(run, images.problems());
         if (mContract != null) {
             verdict = verdict.with(mContract.check(events.events()));
@@ -276,7 +276,7 @@ final class Session {
         Callbacks callbacks;
         do {
             events.add(mEvents.next());
-            callbacks = new Callbacks(events, request.fullAsync(), ran.waitStart(), ran.waitEnd());
+            callbacks = new Callbacks(events, request.fullAsync(), ran);
         } while (callbacks.isMissing() && !callbacks.hasEnd() && System.nanoTime() < end && sleep());
     }
 

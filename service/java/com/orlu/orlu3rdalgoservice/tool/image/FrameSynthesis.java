@@ -1,10 +1,10 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.request.FramePlan;
 import com.orlu.orlu3rdalgoservice.tool.request.FrameSetPlan;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
 import java.io.IOException;
 import java.nio.file.Path;
@@ -44,7 +44,7 @@ public final class FrameSynthesis {
     }
 
     /** Returns all frames of a photo. Throws MistakeException if the photo is too small for the shifts. */
-    public List<SynthesisedFrame> frames(Place file, Picture photo) throws MistakeException {
+    public List<SynthesisedFrame> frames(Json file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
         Picture sized = part.width() == photo.width() && part.height() == photo.height() ? photo
@@ -60,7 +60,7 @@ public final class FrameSynthesis {
     /**
      * Returns the size of a photo's frames. Throws MistakeException if the photo is too small for the shifts.
      */
-    public FrameSize size(Place file, Picture photo) throws MistakeException {
+    public FrameSize size(Json file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
             return checked(file, mPlan.width(), mPlan.height());
         }
@@ -70,7 +70,7 @@ public final class FrameSynthesis {
                 (part.height() - margins) / GROUP * GROUP);
     }
 
-    private static FrameSize checked(Place file, int width, int height) throws MistakeException {
+    private static FrameSize checked(Json file, int width, int height) throws MistakeException {
         if (width < GROUP || height < GROUP) {
             throw file.error("photo", "too small for the frames' shifts");
         }

@@ -5,6 +5,8 @@ import android.hardware.camera2.impl.TagType;
 
 import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.tags.Enumerations;
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
+import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 
 import java.io.ByteArrayOutputStream;
 import java.math.BigDecimal;
@@ -79,19 +81,20 @@ final class DumpTags {
         };
     }
 
-    private interface Value {
-        Object get() throws DamagedValueException;
-    }
-
-    private void put(DumpEntry entry, String tag, Value value) {
+    private void put(DumpEntry entry, String tag, Mistakes.Reading<Object> value) {
         try {
-            mFrame.put(tag, value.get(), entry.place(), mNotes);
-        } catch (DamagedValueException e) {
-            mNotes.add(entry.place(), tag + " dropped; " + e.getMessage());
+            mFrame.put(tag, value.read(), entry.place(), mNotes);
+        } catch (MistakeException e) {
+            mNotes.add(entry.place(), tag + " dropped; " + e.mistake().problem());
         }
     }
 
-    private static Object value(TagType type, DumpEntry entry) throws DamagedValueException {
+    // The note adds the file and the place.
+    private static MistakeException damaged(String problem) {
+        return new MistakeException("", "", problem);
+    }
+
+    private static Object value(TagType type, DumpEntry entry) throws MistakeException {
         return switch (type) {
             case INT, LONG, FLOAT, DOUBLE -> number(entry, only(entry));
             case STRING -> text(entry);
@@ -124,16 +127,16 @@ final class DumpTags {
         };
     }
 
-    private static String only(DumpEntry entry) throws DamagedValueException {
+    private static String only(DumpEntry entry) throws MistakeException {
         if (entry.values().size() != 1) {
-            throw new DamagedValueException("other type: " + entry.type() + "[" + entry.count()
+            throw damaged("other type: " + entry.type() + "[" + entry.count()
                     + "] instead of one value");
         }
         return entry.values().get(0);
     }
 
     // The dump writes NaN and infinities as C does, a request file as Java does.
-    private static Object number(DumpEntry entry, String text) throws DamagedValueException {
+    private static Object number(DumpEntry entry, String text) throws MistakeException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {
             return named;
@@ -143,45 +146,45 @@ final class DumpTags {
         }
         // The dump prints no exponents.
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
-            throw new DamagedValueException("not a number or a known name: \"" + text + "\"");
+            throw damaged("not a number or a known name: \"" + text + "\"");
         }
         return entry.type().equals("byte") ? (Object) byteOf(entry, text) : new BigDecimal(text);
     }
 
-    private static int integer(DumpEntry entry, String text) throws DamagedValueException {
+    private static int integer(DumpEntry entry, String text) throws MistakeException {
         try {
             return Integer.parseInt(text);
         } catch (NumberFormatException e) {
-            throw new DamagedValueException("not of type " + entry.type() + ": " + text);
+            throw damaged("not of type " + entry.type() + ": " + text);
         }
     }
 
     // Bytes are printed without a sign, or with one.
-    private static int byteOf(DumpEntry entry, String text) throws DamagedValueException {
+    private static int byteOf(DumpEntry entry, String text) throws MistakeException {
         int value = integer(entry, text);
         if (value < Byte.MIN_VALUE || value > UNSIGNED_MOST) {
-            throw new DamagedValueException("not a byte: " + text);
+            throw damaged("not a byte: " + text);
         }
         return value;
     }
 
-    private static int edge(int start, int size) throws DamagedValueException {
+    private static int edge(int start, int size) throws MistakeException {
         long edge = (long) start + size;
         if (edge != (int) edge) {
-            throw new DamagedValueException("not an int32: an edge of " + edge);
+            throw damaged("not an int32: an edge of " + edge);
         }
         return (int) edge;
     }
 
-    private static BigDecimal milliseconds(DumpEntry seconds) throws DamagedValueException {
+    private static BigDecimal milliseconds(DumpEntry seconds) throws MistakeException {
         String text = only(seconds);
         if (!text.matches("\\d{1,18}")) {
-            throw new DamagedValueException("not a time in seconds: " + text);
+            throw damaged("not a time in seconds: " + text);
         }
         return new BigDecimal(text).movePointRight(3);
     }
 
-    private static byte[] bytes(DumpEntry entry) throws DamagedValueException {
+    private static byte[] bytes(DumpEntry entry) throws MistakeException {
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
         for (String value : entry.values()) {
             bytes.write(byteOf(entry, value));
@@ -190,13 +193,13 @@ final class DumpTags {
     }
 
     // Removes the zero byte that ends most texts.
-    private static String text(DumpEntry entry) throws DamagedValueException {
+    private static String text(DumpEntry entry) throws MistakeException {
         return new String(bytes(entry), StandardCharsets.UTF_8).replaceFirst("\0+$", "");
     }
 
-    private static int[][] groups(DumpEntry entry, int size) throws DamagedValueException {
+    private static int[][] groups(DumpEntry entry, int size) throws MistakeException {
         if (entry.values().size() % size != 0 || size == 4 && entry.values().isEmpty()) {
-            throw new DamagedValueException("other type: int32[" + entry.count() + "] instead of groups of "
+            throw damaged("other type: int32[" + entry.count() + "] instead of groups of "
                     + size);
         }
         int[][] groups = new int[entry.values().size() / size][size];
@@ -240,7 +243,7 @@ final class DumpTags {
         put(coordinates, "android.jpeg.gpsLocation", () -> {
             List<String> values = coordinates.values();
             if (values.size() != 3) {
-                throw new DamagedValueException("other type: double[" + values.size() + "] instead of three");
+                throw damaged("other type: double[" + values.size() + "] instead of three");
             }
             Map<String, Object> location = JsonWriter.object("latitude", number(coordinates, values.get(0)),
                     "longitude", number(coordinates, values.get(1)),

@@ -6,18 +6,18 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** The tags of one frame, each with its value as JSON text for a request file. */
+/** The tags of one frame, with values for JsonWriter. */
 public final class ImportedFrame {
-    private final Map<String, String> mTags = new TreeMap<>();
+    private final Map<String, Object> mTags = new TreeMap<>();
 
-    /** Adds a tag if its value, as JsonWriter takes it, has the tag's type; otherwise notes it. */
+    /** Adds a tag if its value has the tag's type; otherwise notes it. */
     void put(String tag, Object value, String place, Notes notes) {
         String text = JsonWriter.line(value);
         String problem = RequestTags.problemOf(tag, text);
         if (problem == null) {
-            String before = mTags.put(tag, text);
-            if (before != null && !before.equals(text)) {
-                notes.add(place, tag + " given twice; " + before + " dropped");
+            Object before = mTags.put(tag, value);
+            if (before != null && !JsonWriter.line(before).equals(text)) {
+                notes.add(place, tag + " given twice; " + JsonWriter.line(before) + " dropped");
             }
         } else {
             notes.add(place, tag + " dropped; " + problem);
@@ -33,7 +33,7 @@ public final class ImportedFrame {
         return mTags.containsKey(tag);
     }
 
-    public Map<String, String> tags() {
+    public Map<String, Object> tags() {
         return mTags;
     }
 }

@@ -6,10 +6,14 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Collectors;
 
-/** Writes frames and pictures as the text of a request file, one tag per line. */
+/** Writes frames and pictures as the text of a request file. */
 public final class RequestWriter {
+    /** The nesting of tags, each of which has its own line. */
+    private static final int SPREAD_LEVELS = 4;
+
     private final Path mFolder;
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
@@ -23,46 +27,39 @@ public final class RequestWriter {
 
     /** Returns the text. Without pictures, inputs are made from the photo, which may be null. */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
-        List<String> members = new ArrayList<>();
-        members.add(member("about", "Imported from " + sources.stream()
-                .map(source -> source.getFileName().toString()).collect(Collectors.joining(", "))));
-        members.add("\"request\": {\"id\": 1, \"type\": \"capture\"}");
+        Map<String, Object> request = JsonWriter.object("about", "Imported from " + sources.stream()
+                .map(source -> source.getFileName().toString()).collect(Collectors.joining(", ")),
+                "request", JsonWriter.object("id", 1, "type", "capture"));
         if (!algorithms.isEmpty()) {
-            members.add(member("algorithms", algorithms));
+            request.put("algorithms", algorithms);
         }
         if (mPictures.isEmpty() && photo != null) {
-            members.add(member("photo", ImportedPicture.relative(mFolder, photo)));
+            request.put("photo", ImportedPicture.relative(mFolder, photo));
         }
-        members.add("\"frames\": [\n" + mFrames.stream().map(RequestWriter::frame)
-                .collect(Collectors.joining(",\n")) + "\n  ]");
-        members.addAll(images(algorithms, photo));
-        return "{\n  " + String.join(",\n  ", members) + "\n}\n";
+        request.put("frames", mFrames.stream().map(frame -> JsonWriter.object("captureResult", frame.tags()))
+                .toList());
+        if (mPictures.isEmpty()) {
+            request.put("inputs", photo == null ? List.of() : image(PixelFormat.NV21));
+        } else {
+            request.put("inputs", inputs());
+        }
+        boolean hasImages = !mPictures.isEmpty() || photo != null;
+        request.put("outputs", hasImages ? List.of(output(algorithms)) : List.of());
+        return JsonWriter.pretty(request, SPREAD_LEVELS);
     }
 
-    private static String member(String name, Object value) {
-        return JsonWriter.line(name) + ": " + JsonWriter.line(value);
-    }
-
-    private static String frame(ImportedFrame frame) {
-        List<String> tags = new ArrayList<>();
-        frame.tags().forEach((tag, value) -> tags.add("      " + JsonWriter.line(tag) + ": " + value));
-        return "    {\"captureResult\": {\n" + String.join(",\n", tags) + "\n    }}";
-    }
-
-    // The output has the input's format, or is a JPEG if one is asked for.
-    private List<String> images(List<String> algorithms, Path photo) {
+    private List<Object> inputs() {
         List<Object> inputs = new ArrayList<>();
         for (int i = 0; i < mPictures.size(); ++i) {
             inputs.add(mPictures.get(i).input(mFolder, Math.min(i, mFrames.size() - 1)));
         }
-        PixelFormat format = mPictures.isEmpty() ? PixelFormat.NV21 : mPictures.get(0).format();
-        Object image = image(format);
-        if (mPictures.isEmpty() && photo == null) {
-            return List.of(member("inputs", inputs), member("outputs", List.of()));
-        }
-        List<Object> outputs =
-                List.of(algorithms.contains("jpegEncode") ? image(PixelFormat.JPEG) : image);
-        return List.of(member("inputs", mPictures.isEmpty() ? image : inputs), member("outputs", outputs));
+        return inputs;
+    }
+
+    // The output is a JPEG if one is asked for, else it has the input's format.
+    private Object output(List<String> algorithms) {
+        return image(algorithms.contains("jpegEncode") ? PixelFormat.JPEG
+                : mPictures.isEmpty() ? PixelFormat.NV21 : mPictures.get(0).format());
     }
 
     private static Object image(PixelFormat format) {

@@ -4,7 +4,6 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
-import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
 import java.math.BigDecimal;
 import java.nio.file.Path;
@@ -21,9 +20,10 @@ import java.util.TreeSet;
  * found 5") if the value has another type. An accessor with a fallback returns it if the member is absent or
  * has another type, and notes the latter in mistakes(). Nothing else is thrown.
  */
-public final class Json implements Place, JsonWriter.Source {
+public final class Json implements JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;
-    private static final Json NONE = new Json(new Mistakes(""), null, "", 0, Spot.NOWHERE, Spot.NOWHERE, Map.of());
+    private static final Json NONE =
+            new Json(new Mistakes(""), null, "", 0, Spot.NOWHERE, Spot.NOWHERE, Map.of());
 
     private final Mistakes mMistakes;
     private final Json mParent;
@@ -138,12 +138,12 @@ public final class Json implements Place, JsonWriter.Source {
         mMistakes.add(mMistakes.at(mSpot.line(), mSpot.column(), path(), problem, true));
     }
 
-    @Override
+    /** Returns an exception that reports a problem of a member. */
     public MistakeException error(String member, String problem) {
         return memberOrThis(member).error(problem);
     }
 
-    @Override
+    /** Notes a warning about a member. */
     public void warn(String member, String problem) {
         memberOrThis(member).warn(problem);
     }
@@ -346,6 +346,16 @@ public final class Json implements Place, JsonWriter.Source {
     /** A member; null if it is absent. */
     public Json get(String name) {
         return entries().get(name);
+    }
+
+    /** A member; an object without members if it is absent. */
+    public Json at(String name) {
+        return entries().getOrDefault(name, NONE);
+    }
+
+    /** The elements of a member that is a list; none if it is absent. */
+    public List<Json> list(String name) throws MistakeException {
+        return has(name) ? get(name).list() : List.of();
     }
 
     /** The value at a path of members below this one; null if it is absent. */

@@ -4,6 +4,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.Handover;
 import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner.Ran;
 
 import java.util.ArrayList;
 import java.util.LinkedHashMap;
@@ -20,11 +21,10 @@ public final class Callbacks {
     private final Call mProcess;
     private final List<Call> mCallbacks;
 
-    /** The callbacks of a request that was waited for between these times of System.nanoTime(). */
-    public Callbacks(RecordedEvents events, boolean isFullAsync, long waitStart, long waitEnd) {
+    public Callbacks(RecordedEvents events, boolean isFullAsync, Ran ran) {
         mIsFullAsync = isFullAsync;
-        mWaitStart = waitStart;
-        mWaitEnd = waitEnd;
+        mWaitStart = ran.waitStart();
+        mWaitEnd = ran.waitEnd();
         mProcess = new Handover(events).process();
         mCallbacks = events.calls("callback");
     }

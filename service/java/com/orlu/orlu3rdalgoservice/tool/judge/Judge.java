@@ -24,8 +24,7 @@ public final class Judge {
     private Judge(Run run, List<String> outputProblems) {
         mRun = run;
         mOutputProblems = outputProblems;
-        mCallbacks = new Callbacks(
-                run.events(), run.request().fullAsync(), run.waitStart(), run.waitEnd());
+        mCallbacks = new Callbacks(run.events(), run.request().fullAsync(), run.ran());
     }
 
     /** The problems are those of outputs that the algorithms should have written. */
@@ -34,7 +33,7 @@ public final class Judge {
     }
 
     private Verdict judge() {
-        mReasons.addAll(mRun.problems());
+        mReasons.addAll(mRun.ran().problems());
         LibraryCheck.addMissingCarriers(mRun.events(), mReasons);
         boolean isMissing = mCallbacks.isMissing();
         checkOperations(isMissing ? mRun.handover().process() : null);

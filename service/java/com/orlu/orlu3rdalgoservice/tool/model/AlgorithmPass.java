@@ -1,9 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
+
 import java.util.List;
 
 /**
- * The algorithm library's report on its work for a request.
+ * The algorithm library's own report on its work for a request: a JSON line in the file that ORLU_ALGO_TRACE
+ * names. Libraries other than the stand-in may write none.
  *
  * @param ran          the algorithms that did something, in their order
  * @param skipped      requested algorithms that did nothing: unknown, or without work
@@ -19,5 +22,27 @@ public record AlgorithmPass(List<String> ran, List<String> skipped, double milli
      * @param kept      whether the frame went into the result
      */
     public record Frame(double sharpness, int[] shift, boolean kept) {
+        static Frame of(Event frame) {
+            List<Json> xy = frame.elements("shift");
+            int[] shift = xy.size() != 2 ? null
+                    : new int[] {Integer.parseInt(xy.get(0).text()), Integer.parseInt(xy.get(1).text())};
+            double sharpness = frame.has("sharpness") ? frame.real("sharpness") : Double.NaN;
+            return new Frame(sharpness, shift, !frame.has("kept") || frame.flag("kept"));
+        }
+    }
+
+    /** Whether a line of the file reports a finished request. */
+    public static boolean isDone(String line) {
+        return line.contains("\"done\"");
+    }
+
+    /** Returns the report in the last of these lines; null if there is none. */
+    public static AlgorithmPass last(List<Json> lines) {
+        if (lines.isEmpty()) {
+            return null;
+        }
+        Event done = new Event(lines.get(lines.size() - 1));
+        return new AlgorithmPass(done.texts("ran"), done.texts("skipped"), done.real("milliseconds"),
+                done.elements("frames").stream().map(frame -> Frame.of(new Event(frame))).toList());
     }
 }

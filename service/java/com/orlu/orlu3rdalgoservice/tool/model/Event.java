@@ -94,6 +94,6 @@ public record Event(Json fields) {
 
     /** The elements of a list. */
     public List<Json> elements(String name) {
-        return fields.has(name) ? fields.get(name).elements() : List.of();
+        return fields.at(name).elements();
     }
 }

@@ -13,28 +13,19 @@ import java.util.List;
  */
 final class ImageCrop {
     private final ImageLayout mImage;
-    private ImageLayout mCropped;
     private final PixelFormat mFormat;
-    private final int mWidth;
-    private final int mHeight;
     private final CropArea mArea;
     private final List<Plane> mPlanes = new ArrayList<>();
-    private final int mSize;
+    private ImageLayout mCropped;
 
     // Rows of a plane, or of one of two chroma planes, at an offset in the memory.
-    private record Plane(int at, int newAt, int stride, int newStride, int rows, int newRows, int firstByte,
+    private record Plane(int at, int newAt, int stride, int newStride, int newRows, int firstByte,
             int firstRow, int bytes) {
-        int end() {
-            return at + stride * rows;
-        }
     }
 
     private ImageCrop(ImageLayout image, CropArea area) {
         mImage = image;
         mFormat = PixelFormat.named(image.format());
-        mWidth = image.width();
-        mHeight = image.height();
-        mSize = image.size();
         mArea = area;
     }
 
@@ -47,70 +38,57 @@ final class ImageCrop {
         if (crop.mFormat == null || crop.mFormat == PixelFormat.JPEG) {
             return null;
         }
-        crop.plan(image, name);
+        crop.plan(name);
         return crop;
     }
 
-    private void plan(ImageLayout image, String name) {
-        int[] strides = image.rowStrides();
-        int[] given = image.planeSizes();
-        int[] sizes = given == null ? new int[0] : given;
-        if (strides == null || strides.length == 0 || strides[0] < mFormat.tightStride(mWidth)) {
+    private void plan(String name) {
+        int[] strides = mImage.rowStrides() == null ? new int[0] : mImage.rowStrides().clone();
+        int[] sizes = mImage.planeSizes() == null ? new int[0] : mImage.planeSizes().clone();
+        int row = mFormat.tightStride(mImage.width());
+        if (strides.length == 0 || strides[0] < row) {
             throw new IllegalArgumentException("--crop: " + name + " has rows of "
-                    + (strides == null || strides.length == 0 ? "unknown size" : strides[0] + " bytes"));
+                    + (strides.length == 0 ? "unknown size" : strides[0] + " bytes"));
         }
-        int newStride = cut(strides[0], 0);
-        int end = addPlane(0, 0, strides[0], newStride, 1);
-        int newEnd = newStride * mArea.height();
-        int[] newSizes = sizes.clone();
-        int[] newStrides = strides.clone();
-        newStrides[0] = newStride;
-        // The first plane may end with the last row's pixels, or have padding rows. Without other planes, it
-        // takes all the memory.
-        boolean isPlane = sizes.length > 0 && sizes[0] > 0
-                && sizes[0] <= (mFormat.isYuv() ? mSize - 1 : mSize);
-        if (isPlane) {
-            newEnd += sizes[0] - end;
-            end = sizes[0];
-        }
-        if (newSizes.length > 0) {
-            newSizes[0] = newEnd;
-        }
-        if (mFormat.isYuv()) {
-            int planes = mFormat.isPlanar() ? 2 : 1;
-            int stride = strides.length > 1 && strides[1] > 0 ? strides[1] : strides[0] / planes;
-            int newChroma = cut(stride, 1);
-            int chroma = end;
+        int newRow = mFormat.tightStride(mArea.width());
+        int end = 0;
+        int newEnd = 0;
+        // A described plane; the second one has all chroma.
+        for (int index = 0; index < (mFormat.isYuv() ? 2 : 1); ++index) {
+            int planes = index > 0 && mFormat.isPlanar() ? 2 : 1;
+            boolean hasStride = index < strides.length && strides[index] > 0;
+            int stride = hasStride ? strides[index] : mImage.rowStrides()[0] / planes;
+            int newStride = stride - (row - newRow) / planes;
+            int start = end;
+            int newStart = newEnd;
             for (int i = 0; i < planes; ++i) {
-                end = addPlane(end, newEnd, stride, newChroma, 2);
-                newEnd += newChroma * mArea.height() / 2;
+                mPlanes.add(new Plane(end, newEnd, stride, newStride, mArea.height() / (1 + index),
+                        mFormat.tightStride(mArea.x()) / planes, mArea.y() / (1 + index), newRow / planes));
+                end += stride * (mImage.height() / (1 + index));
+                newEnd += newStride * (mArea.height() / (1 + index));
             }
-            if (strides.length > 1 && strides[1] > 0) {
-                newStrides[1] = newChroma;
+            // A plane may end with the last row's pixels, or have padding rows.
+            boolean hasSize = hasSize(sizes, index);
+            if (hasSize) {
+                newEnd += sizes[index] - (end - start);
+                end = start + sizes[index];
             }
-            if (newSizes.length > 1 && sizes[1] > 0) {
-                newEnd += sizes[1] - (end - chroma);
-                newSizes[1] = sizes[1] - (end - chroma) + newChroma * mArea.height() / 2 * planes;
-                end = chroma + sizes[1];
+            if (hasStride) {
+                strides[index] = newStride;
+            }
+            if (hasSize || index == 0 && sizes.length > 0) {
+                sizes[index] = newEnd - newStart;
             }
         }
-        int newSize = newEnd + Math.max(0, mSize - end);
-        checkMemory(name, newSizes, newSize);
-        describe(newStrides, newSizes, newSize);
+        int newSize = newEnd + Math.max(0, mImage.size() - end);
+        checkMemory(name, sizes, newSize);
+        describe(strides, sizes, newSize);
     }
 
-    private int cut(int stride, int plane) {
-        int divisor = plane > 0 && mFormat.isPlanar() ? 2 : 1;
-        return stride - (mFormat.tightStride(mWidth) - mFormat.tightStride(mArea.width())) / divisor;
-    }
-
-    // Returns the end of the plane.
-    private int addPlane(int at, int newAt, int stride, int newStride, int subsampling) {
-        int divisor = subsampling > 1 && mFormat.isPlanar() ? 2 : 1;
-        mPlanes.add(new Plane(at, newAt, stride, newStride, mHeight / subsampling,
-                mArea.height() / subsampling, mFormat.tightStride(mArea.x()) / divisor,
-                mArea.y() / subsampling, mFormat.tightStride(mArea.width()) / divisor));
-        return mPlanes.get(mPlanes.size() - 1).end();
+    // The first plane of several can't take all the memory.
+    private boolean hasSize(int[] sizes, int index) {
+        int most = index > 0 ? Integer.MAX_VALUE : mFormat.isYuv() ? mImage.size() - 1 : mImage.size();
+        return index < sizes.length && sizes[index] > 0 && sizes[index] <= most;
     }
 
     // The last row may lack its padding, and plane sizes may be less than the rows'.
@@ -121,9 +99,9 @@ final class ImageCrop {
                     + plane.firstByte() + plane.bytes();
             long newLast = plane.newAt() + (long) plane.newStride() * (plane.newRows() - 1) + plane.bytes();
             boolean hasFile = mImage.file() != null;
-            if (hasFile && last > mSize || plane.newStride() < plane.bytes()) {
+            if (hasFile && last > mImage.size() || plane.newStride() < plane.bytes()) {
                 throw new IllegalArgumentException(
-                        "--crop: " + name + " has " + mSize + " bytes, fewer than its rows");
+                        "--crop: " + name + " has " + mImage.size() + " bytes, fewer than its rows");
             }
             if (isLess || hasFile && (plane.at() < 0 || plane.newAt() < 0 || newLast > newSize)) {
                 throw new IllegalArgumentException("--crop: " + name + " has planes of "
@@ -137,8 +115,8 @@ final class ImageCrop {
         if (buffer.length > 0 && buffer[1] == 1) {
             buffer[0] = size;
         } else if (buffer.length > 0) {
-            buffer[0] -= mWidth - mArea.width();
-            buffer[1] -= mHeight - mArea.height();
+            buffer[0] -= mImage.width() - mArea.width();
+            buffer[1] -= mImage.height() - mArea.height();
         }
         mCropped = new ImageLayout(mImage.format(), mArea.width(), mArea.height(), strides,
                 mImage.planeSizes() == null ? null : sizes, mImage.memory(), buffer,

@@ -4,8 +4,9 @@ import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.io.IOException;
-import java.io.RandomAccessFile;
+import java.io.InputStream;
 import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
@@ -64,10 +65,9 @@ public final class LineFile {
         if (mFile == null || !mFile.toFile().isFile()) {
             return List.of();
         }
-        try (RandomAccessFile file = new RandomAccessFile(mFile.toFile(), "r")) {
-            byte[] bytes = new byte[Math.toIntExact(Math.max(0, file.length() - mRead))];
-            file.seek(mRead);
-            file.readFully(bytes);
+        try (InputStream file = Files.newInputStream(mFile)) {
+            file.skip(mRead);
+            byte[] bytes = file.readAllBytes();
             int whole = bytes.length;
             while (whole > 0 && bytes[whole - 1] != '\n') {
                 --whole;

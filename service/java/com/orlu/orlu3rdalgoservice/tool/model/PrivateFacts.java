@@ -1,5 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.request.ImageLayout;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
@@ -71,8 +72,8 @@ public final class PrivateFacts {
         request(run.root());
         Json outcome = run.outcome();
         for (String call : List.of("processed", "updated")) {
-            Json made = outcome.has(call) ? outcome.get(call) : Json.none();
-            values(made.has("composition") ? made.get("composition") : Json.none());
+            Json made = outcome.at(call);
+            values(made.at("composition"));
             if (made.has("thrown")) {
                 keepsText("outcome.json, thrown", made.get("thrown").text());
             }
@@ -80,20 +81,14 @@ public final class PrivateFacts {
         if (outcome.has("failed")) {
             keepsText("outcome.json, failed", outcome.get("failed").text());
         }
-        for (Json frame : outcome.has("put") ? outcome.get("put").elements() : List.<Json>of()) {
-            values(frame);
-        }
+        outcome.at("put").elements().forEach(this::values);
         if (!run.events().events().isEmpty()) {
             found("values as bytes, paths and names of threads", RunFolder.EVENTS);
         }
-        for (ImageLayout image : run.inputs()) {
-            findIn(image);
-        }
-        for (ImageLayout image : run.outputs()) {
-            findIn(image);
-        }
-        for (ImageLayout image : run.results()) {
-            findIn(image);
+        for (List<ImageLayout> images : List.of(run.inputs(), run.outputs(), run.results())) {
+            for (ImageLayout image : images) {
+                findIn(image);
+            }
         }
     }
 
@@ -117,17 +112,13 @@ public final class PrivateFacts {
             plain.put("type", "");
             request.put("request", plain);
         }
-        request.put("trimmed", root.has("trimmed") ? trimmed(root.get("trimmed").list()) : List.of());
+        request.put("trimmed", trimmed(root.list("trimmed")));
         for (String part : List.of("client", "properties")) {
             if (root.has(part)) {
                 request.put(part, values(root.get(part)));
             }
         }
-        List<Object> frames = new ArrayList<>();
-        for (Json frame : root.get("frames").elements()) {
-            frames.add(frame(frame));
-        }
-        request.put("frames", frames);
+        request.put("frames", root.get("frames").elements().stream().map(this::frame).toList());
         return request;
     }
 
@@ -167,10 +158,8 @@ public final class PrivateFacts {
     }
 
     private Map<String, Object> frame(Json frame) {
-        Map<String, Object> plain = new LinkedHashMap<>();
-        plain.put("captureResult", values(frame.get("captureResult")));
-        plain.put("composition", values(frame.get("composition")));
-        return plain;
+        return JsonWriter.object("captureResult", values(frame.get("captureResult")),
+                "composition", values(frame.get("composition")));
     }
 
     // Typed values; texts are judged by their names.
@@ -217,8 +206,7 @@ public final class PrivateFacts {
             return RUN.matcher(ofHexadecimal(value.get("bytes").text())).results()
                     .allMatch(run -> keepsText(name, run.group()));
         }
-        List<Json> texts = value.has("strings") ? value.get("strings").elements() : List.of();
-        return texts.stream().allMatch(text -> keepsText(name, text.text()));
+        return value.at("strings").elements().stream().allMatch(text -> keepsText(name, text.text()));
     }
 
     private boolean keepsText(String where, String text) {

@@ -43,14 +43,9 @@ public final class Run {
     // Only for a run in this process.
     private final List<Stage> mStages = new ArrayList<>();
     private List<StageTime> mStageTimes = List.of();
-    private final List<Map<String, Object>> mPut = new ArrayList<>();
-    private final List<Map<String, Object>> mCallbacks = new ArrayList<>();
-    private final List<String> mProblems = new ArrayList<>();
-    private List<ImagePlan> mInputPlans = List.of();
+    private Ran mRan = Ran.NONE;
     private List<ImageLayout> mOutputs = List.of();
     private AlgorithmPass mPass;
-    private long mWaitStart;
-    private long mWaitEnd;
 
     private Run(String name, Path folder, RequestFile request, Json root, Json outcome, String problem,
             List<String> notes, RecordedEvents events) {
@@ -82,7 +77,6 @@ public final class Run {
             List<String> notes) throws MistakeException {
         Run run = new Run(name, folder, request, root, outcome, problem, notes,
                 RunFolder.events(folder.resolve(RunFolder.EVENTS)));
-        run.mInputPlans = request.inputs();
         run.mOutputs = request.outputs().stream().map(ImagePlan::layout).toList();
         try {
             run.readOutcome();
@@ -104,17 +98,16 @@ public final class Run {
                 }
             }
         }
-        for (Json frame : mOutcome.has("put") ? mOutcome.get("put").list() : List.<Json>of()) {
+        for (Json frame : mOutcome.list("put")) {
             mPuts.add(frame.members());
         }
-        for (Json image : mOutcome.has("outputs") ? mOutcome.get("outputs").list() : List.<Json>of()) {
+        for (Json image : mOutcome.list("outputs")) {
             mResults.add(ImageLayout.read(mFolder, image));
         }
     }
 
     /**
-     * A run in this process, named like its files. The pass is null if the library does not report its work,
-     * `ran` if the request did not run.
+     * A run in this process, named like its files. The pass is null if the library does not report its work.
      */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, Ran ran) {
@@ -123,16 +116,9 @@ public final class Run {
         run.mStages.addAll(stopwatch.stages());
         run.mStageTimes = StageTime.of(stopwatch.marks(), events);
         run.mPass = pass;
-        if (ran != null) {
-            run.mPut.addAll(ran.put());
-            run.mCallbacks.addAll(ran.callbacks());
-            run.mProblems.addAll(ran.problems());
-            run.mInputPlans = ran.inputs();
-            run.mOutputs = ran.outputsBefore();
-            run.mResults.addAll(ran.outputsAfter());
-            run.mWaitStart = ran.waitStart();
-            run.mWaitEnd = ran.waitEnd();
-        }
+        run.mRan = ran;
+        run.mOutputs = ran.outputsBefore();
+        run.mResults.addAll(ran.outputsAfter());
         return run;
     }
 
@@ -184,7 +170,7 @@ public final class Run {
 
     /** Who recorded it, and when. */
     public Json header() {
-        return mRoot.has("recording") ? mRoot.get("recording") : Json.none();
+        return mRoot.at("recording");
     }
 
     /** The parts of the request that can't be reproduced. */
@@ -257,7 +243,7 @@ public final class Run {
 
     /** The input metadata of each frame: "captureResult" and "composition". None if only events are known. */
     public List<Json> frames() {
-        return mRoot.has("frames") ? mRoot.get("frames").elements() : List.of();
+        return mRoot.at("frames").elements();
     }
 
     /** The inputs besides frames and images, by name: "property ...", "client ...". */
@@ -276,9 +262,9 @@ public final class Run {
         return settings;
     }
 
-    /** The input images of a run with a folder. */
+    /** The input images of a run with a folder; none if only events are known. */
     public List<ImageLayout> inputs() {
-        return mInputPlans.stream().map(ImagePlan::layout).toList();
+        return mRequest == null ? List.of() : mRequest.inputs().stream().map(ImagePlan::layout).toList();
     }
 
     /** The images for the results, before the run. */
@@ -302,7 +288,7 @@ public final class Run {
      */
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
-        for (Json cut : mRoot.has("trimmed") ? mRoot.get("trimmed").list() : List.<Json>of()) {
+        for (Json cut : mRoot.list("trimmed")) {
             // A copy that was trimmed again counts frames of that copy.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
@@ -311,7 +297,7 @@ public final class Run {
 
     private static String trimmed(Json cut, String of) throws MistakeException {
         List<Integer> frames = new ArrayList<>();
-        for (Json frame : cut.has("frames") ? cut.get("frames").list() : List.<Json>of()) {
+        for (Json frame : cut.list("frames")) {
             frames.add(frame.integer(0, Integer.MAX_VALUE));
         }
         String crop = cut.has("crop") ? "cropped to " + cut.get("crop").string() : "";
@@ -350,24 +336,9 @@ public final class Run {
         return mPass;
     }
 
-    /** The inputs as passed on, with their sizes. */
-    public List<ImagePlan> inputPlans() {
-        return mInputPlans;
-    }
-
-    /** For each composition, the keys that the native side put or changed. */
-    public List<Map<String, Object>> put() {
-        return mPut;
-    }
-
-    /** What was reported to Java while the request ran. */
-    public List<Map<String, Object>> callbacks() {
-        return mCallbacks;
-    }
-
-    /** Calls into the native library that returned an error. */
-    public List<String> problems() {
-        return mProblems;
+    /** What came of the request in this process; empty for a run that was read. */
+    public Ran ran() {
+        return mRan;
     }
 
     /** The stages in the order of execution, and the milliseconds of each. */
@@ -385,14 +356,5 @@ public final class Run {
         mStages.forEach(stage -> times.put(
                 stage.name(), (stage.end() - stage.start()) / NANOSECONDS_PER_MILLISECOND));
         return times;
-    }
-
-    /** When the request was submitted and when the wait for it was over, by System.nanoTime(). */
-    public long waitStart() {
-        return mWaitStart;
-    }
-
-    public long waitEnd() {
-        return mWaitEnd;
     }
 }

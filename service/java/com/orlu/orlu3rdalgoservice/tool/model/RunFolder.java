@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.Mistakes;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 import java.io.IOException;
-import java.io.RandomAccessFile;
+import java.io.InputStream;
 import java.nio.ByteBuffer;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
@@ -200,11 +200,9 @@ public final class RunFolder {
     }
 
     private static void copyFrom(Path events, long start, Path to) throws IOException {
-        try (RandomAccessFile all = new RandomAccessFile(events.toFile(), "r")) {
-            byte[] bytes = new byte[Math.toIntExact(Math.max(0, all.length() - start))];
-            all.seek(start);
-            all.readFully(bytes);
-            Files.write(to, bytes);
+        try (InputStream all = Files.newInputStream(events)) {
+            all.skip(start);
+            Files.copy(all, to);
         }
     }
 }

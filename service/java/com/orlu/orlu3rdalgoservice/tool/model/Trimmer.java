@@ -15,7 +15,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
-import java.util.zip.CRC32;
+import java.util.regex.Pattern;
 
 /**
  * Writes a smaller copy of a run's folder. With fewer frames or smaller images it becomes another request, so
@@ -23,6 +23,10 @@ import java.util.zip.CRC32;
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
+    /** The types and names of tags that hold sizes or places in an image. */
+    private static final List<String> SIZE_TYPES = List.of("rect", "regions", "faces");
+    private static final Pattern SIZE_TAGS = Pattern.compile(
+            "size|crop|region|rect|bounds|active.?array|faces|landmark", Pattern.CASE_INSENSITIVE);
 
     private final Run mRun;
     private final Set<Integer> mFrames;
@@ -30,6 +34,9 @@ public final class Trimmer {
     private final CropArea mCrop;
     private final PrivateFacts mPrivate;
     private final List<String> mNotes = new ArrayList<>();
+    /** For each image; null where it stays as it is. */
+    private final List<ImageCrop> mInputCrops = new ArrayList<>();
+    private final List<ImageCrop> mOutputCrops = new ArrayList<>();
     private Path mFolder;
 
     /**
@@ -71,9 +78,7 @@ public final class Trimmer {
         if (Files.exists(folder)) {
             throw new IllegalArgumentException("--out: the folder already exists: " + folder);
         }
-        if (mCrop != null) {
-            checkCrop();
-        }
+        planCrop();
         mFolder = folder;
         Files.createDirectories(folder);
         writeJson(RunFolder.REQUEST, request(Math.max(1, inputs / Math.max(1, frames))));
@@ -119,8 +124,7 @@ public final class Trimmer {
         header.remove("eventsFrom");
         request.put("recording", header);
         request.put("frames", mRun.frames());
-        Json trimmed = mRun.root().get("trimmed");
-        request.put("trimmed", trimmed == null ? List.of() : trimmed.elements());
+        request.put("trimmed", mRun.root().at("trimmed").elements());
         return request;
     }
 
@@ -147,8 +151,7 @@ public final class Trimmer {
         for (int i = 0; i < mRun.inputs().size(); ++i) {
             ImageLayout image = mRun.inputs().get(i);
             if (isKept(i / perFrame)) {
-                ImageCrop crop = mCrop == null ? null : ImageCrop.of(image, mCrop, "input " + i);
-                ImageLayout copy = copied(image, crop, "input" + images.size() + ".bin");
+                ImageLayout copy = copied(image, mInputCrops.get(i), "input" + images.size() + ".bin");
                 images.add((mFrames.isEmpty() ? copy : copy.withFrame(images.size() / perFrame)).json());
             }
         }
@@ -158,8 +161,7 @@ public final class Trimmer {
     private List<Object> outputs() throws MistakeException, IOException {
         List<Object> images = new ArrayList<>();
         for (ImageLayout image : mRun.outputs()) {
-            ImageCrop crop = mCrop == null || !hasSizeOfInputs(image) ? null
-                    : ImageCrop.of(image, mCrop, "output " + images.size());
+            ImageCrop crop = mOutputCrops.get(images.size());
             ImageLayout copy = copied(image, crop, "before" + images.size() + ".bin");
             if (crop == null && mCrop != null && hasSizeOfInputs(image)) {
                 copy = copy.withSides(mCrop.width(), mCrop.height());
@@ -173,25 +175,17 @@ public final class Trimmer {
     private ImageLayout copied(ImageLayout image, ImageCrop crop, String name)
             throws MistakeException, IOException {
         ImageLayout described = crop == null ? image : crop.image();
-        if (mPrivate != null && image.file() == null && !image.kept().isEmpty()) {
-            return described.withFile(null, TRIMMED);
+        if (image.file() == null && (mPrivate == null || image.kept().isEmpty())) {
+            return described;
         }
         if (image.file() == null || !mKeepsPixels) {
-            return image.file() == null ? described : described.withFile(null, TRIMMED);
+            return described.withFile(null, TRIMMED);
         }
         byte[] bytes = crop == null ? image.bytes() : crop.bytes(image.bytes());
         if (mPrivate != null) {
             bytes = mPrivate.withoutFacts(image, bytes, name);
         }
-        Files.write(mFolder.resolve(name), bytes);
-        return described.withFile(
-                new RecordedFile(mFolder.resolve(name), bytes.length, crc(bytes), null), "");
-    }
-
-    private static String crc(byte[] bytes) {
-        CRC32 check = new CRC32();
-        check.update(bytes);
-        return "%08x".formatted(check.getValue());
+        return described.withFile(RecordedFile.write(mFolder.resolve(name), bytes), "");
     }
 
     private void copyOutcome() throws MistakeException, IOException {
@@ -235,25 +229,42 @@ public final class Trimmer {
     }
 
     // Checks every image before anything is written.
-    private void checkCrop() throws MistakeException {
-        for (int i = 0; i < mRun.inputs().size(); ++i) {
-            ImageLayout image = mRun.inputs().get(i);
-            if (ImageCrop.of(image, mCrop, "input " + i) == null) {
-                mNotes.add("input " + i + " is " + image.format() + ": unchanged");
+    private void planCrop() throws MistakeException {
+        for (ImageLayout image : mRun.inputs()) {
+            String name = "input " + mInputCrops.size();
+            ImageCrop crop = mCrop == null ? null : ImageCrop.of(image, mCrop, name);
+            mInputCrops.add(crop);
+            if (mCrop != null && crop == null) {
+                mNotes.add(name + " is " + image.format() + ": unchanged");
             }
         }
-        for (int i = 0; i < mRun.outputs().size(); ++i) {
-            if (!hasSizeOfInputs(mRun.outputs().get(i))) {
-                mNotes.add("output " + i + " has another size than the inputs: unchanged");
-            } else {
-                ImageCrop.of(mRun.outputs().get(i), mCrop, "output " + i);
+        for (ImageLayout image : mRun.outputs()) {
+            String name = "output " + mOutputCrops.size();
+            boolean isCropped = mCrop != null && hasSizeOfInputs(image);
+            mOutputCrops.add(isCropped ? ImageCrop.of(image, mCrop, name) : null);
+            if (mCrop != null && !isCropped) {
+                mNotes.add(name + " has another size than the inputs: unchanged");
             }
         }
-        Set<String> tags = SizeTags.of(mRun);
+        Set<String> tags = mCrop == null ? Set.of() : sizeTags();
         if (!tags.isEmpty()) {
-            mNotes.add(
-                    "unchanged tags with sizes or positions: " + String.join(", ", tags));
+            mNotes.add("unchanged tags with sizes or positions: " + String.join(", ", tags));
         }
+    }
+
+    // The tags of all frames that hold sizes or places in an image.
+    private Set<String> sizeTags() throws MistakeException {
+        Set<String> names = new TreeSet<>();
+        for (Json frame : mRun.frames()) {
+            for (String source : List.of("captureResult", "composition")) {
+                frame.get(source).members().forEach((name, value) -> {
+                    if (SIZE_TAGS.matcher(name).find() || SIZE_TYPES.stream().anyMatch(value::has)) {
+                        names.add(name);
+                    }
+                });
+            }
+        }
+        return names;
     }
 
     private boolean hasSizeOfInputs(ImageLayout image) {

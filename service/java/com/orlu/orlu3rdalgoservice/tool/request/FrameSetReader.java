@@ -46,7 +46,7 @@ final class FrameSetReader {
         }
         Json set = mField.allowing(
                 "count", "common", "each", "noise", "blur", "gain", "shift", "seed", "width", "height");
-        List<Json> each = set.has("each") ? set.get("each").list() : List.of();
+        List<Json> each = set.list("each");
         int count = set.has("count") ? set.get("count").integer(0, Limits.FRAMES) : Math.max(1, each.size());
         if (each.size() > count) {
             throw set.get("each").error("has " + each.size() + " frames, more than count");

@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
-import com.orlu.orlu3rdalgoservice.tool.text.Place;
 
 import java.util.List;
 
@@ -22,15 +22,15 @@ import java.util.List;
  * @param layout   a recorder's description, which overrides all else; null for other images
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
-        int capacity, int bits, int frame, ImageFile file, Place place, ImageLayout layout) {
+        int capacity, int bits, int frame, ImageFile file, Json place, ImageLayout layout) {
     /** An image that no recorder described. */
     public ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
-            int capacity, int bits, int frame, ImageFile file, Place place) {
+            int capacity, int bits, int frame, ImageFile file, Json place) {
         this(format, name, hardware, width, height, stride, capacity, bits, frame, file, place, null);
     }
 
     /** An image as a recorder found it. In an unknown format, the bytes have no rows. */
-    static ImagePlan exact(ImageLayout layout, Place place) {
+    static ImagePlan exact(ImageLayout layout, Json place) {
         PixelFormat known = PixelFormat.named(layout.format());
         PixelFormat format = known == null ? PixelFormat.JPEG : known;
         int[] strides = layout.rowStrides();
@@ -39,11 +39,6 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 Math.min(ImagePlanReader.USUAL_BITS, format.mostBits()), Math.max(0, layout.frame()), null,
                 place,
                 layout);
-    }
-
-    ImagePlan withFrame(int index) {
-        return new ImagePlan(
-                format, name, hardware, width, height, stride, capacity, bits, index, file, place);
     }
 
     ImagePlan withFile(ImageFile pixels) {

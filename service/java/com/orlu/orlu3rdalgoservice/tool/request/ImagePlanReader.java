@@ -50,7 +50,7 @@ final class ImagePlanReader {
         List<Json> files = file == null || mFrames < 0 ? none
                 : mMistakes.attempt(() -> file.list(count), none);
         for (int i = 0; i < count; ++i) {
-            images.add(image(field, members, files.get(i)).withFrame(i / perFrame));
+            images.add(image(field, members, files.get(i), i / perFrame));
         }
         return images;
     }
@@ -67,7 +67,7 @@ final class ImagePlanReader {
         }
         int last = mFrames < 0 ? Integer.MAX_VALUE : mFrames - 1;
         int frame = members.integer("frame", 0, last, Math.min(index, last));
-        return image(field, members, members.get("file")).withFrame(frame);
+        return image(field, members, members.get("file"), frame);
     }
 
     private Json members(Json field, String last) throws MistakeException {
@@ -91,14 +91,13 @@ final class ImagePlanReader {
         List<ImagePlan> images = new ArrayList<>();
         for (Json output : field.list()) {
             mMistakes.attempt(() -> images.add(image(output, output.allowing("format", "name", "memory",
-                    "width", "height", "stride", "capacity", "bits"), null)));
+                    "width", "height", "stride", "capacity", "bits"), null, 0)));
         }
         return images;
     }
 
     // `file` is null for an image without one.
-    private ImagePlan image(Json field, Json members, Json file)
-            throws MistakeException {
+    private ImagePlan image(Json field, Json members, Json file, int frame) throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
         // Continues after a mistake, to find the others.
         boolean isHardware = hardware(members);
@@ -111,7 +110,7 @@ final class ImagePlanReader {
                 source != null ? source.height() : file == null ? side(members, "height") : 0,
                 members.integer("stride", 0, LARGEST_STRIDE, 0),
                 members.integer("capacity", 0, LARGEST_CAPACITY, 0),
-                bits(members, format, source), 0, null, field);
+                bits(members, format, source), frame, null, field);
         if (source == null || isFileWrong) {
             return image;
         }

@@ -35,6 +35,18 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return new RecordedFile(folder.resolve(field.string()), size, crc, field);
     }
 
+    /** Writes a file. */
+    public static RecordedFile write(Path file, byte[] bytes) throws IOException {
+        Files.write(file, bytes);
+        return new RecordedFile(file, bytes.length, crc(bytes), null);
+    }
+
+    private static String crc(byte[] bytes) {
+        CRC32 check = new CRC32();
+        check.update(bytes);
+        return "%08x".formatted(check.getValue());
+    }
+
     /** Whether this is a regular file, not a link. */
     public static boolean isRegular(Path file) {
         return Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS);
@@ -70,13 +82,9 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         } catch (IOException e) {
             throw field.error(path + ": can't be read");
         }
-        if (!crc.isEmpty()) {
-            CRC32 check = new CRC32();
-            check.update(bytes);
-            String found = "%08x".formatted(check.getValue());
-            if (!found.equals(crc)) {
-                throw field.error(path + " is cut or damaged; expected the CRC " + crc + ", found " + found);
-            }
+        String found = crc.isEmpty() ? "" : crc(bytes);
+        if (!found.equals(crc)) {
+            throw field.error(path + " is cut or damaged; expected the CRC " + crc + ", found " + found);
         }
         return bytes;
     }

@@ -97,10 +97,10 @@ final class RecordedRequestReader {
     private Map<String, Object> values(Json object) throws MistakeException {
         Map<String, Object> values = new LinkedHashMap<>();
         object.members().forEach((name, field) -> {
-            if (TypedValue.isOfOtherClass(field)) {
+            if (field.has("class")) {
                 field.warn("left out; a value of the class " + field.get("class").found());
             } else {
-                mMistakes.attempt(() -> values.put(name, TypedValue.read(field)), null);
+                mMistakes.attempt(() -> values.put(name, TagValues.ofTyped(field)), null);
             }
         });
         return values;

@@ -51,8 +51,7 @@ final class RequestAdvice {
     // The field that gives a frame its tag: the frame's own or the common one.
     private Json field(int frame, String part, String tag) {
         Json frames = mRoot.find("frames");
-        Json list = frames.isList() ? frames : frames.find("each");
-        List<Json> each = list == null ? List.of() : list.elements();
+        List<Json> each = (frames.isList() ? frames : frames.at("each")).elements();
         Json own = frame < each.size() ? each.get(frame).find(part, tag) : null;
         Json common = own == null && frames.isObject() ? frames.find("common", part, tag) : null;
         return own != null ? own : common != null ? common : frames;
@@ -72,8 +71,7 @@ final class RequestAdvice {
         if (names.length == 0) {
             return;
         }
-        Json list = mRoot.find("algorithms");
-        List<Json> fields = list == null ? List.of() : list.elements();
+        List<Json> fields = mRoot.at("algorithms").elements();
         List<String> known = AlgorithmNames.all();
         for (int i = 0; i < names.length; ++i) {
             Json field = i < fields.size() ? fields.get(i) : field(0, "composition", ALGORITHMS);

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.request;
 
-import com.orlu.orlu3rdalgoservice.tool.text.Place;
+import com.orlu.orlu3rdalgoservice.tool.json.Json;
 
 import java.nio.file.Path;
 import java.util.List;
@@ -21,7 +21,7 @@ import java.util.Map;
  */
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
-        List<ImagePlan> inputs, List<ImagePlan> outputs, Place place) {
+        List<ImagePlan> inputs, List<ImagePlan> outputs, Json place) {
     /** The same request under the name of another file. */
     public RequestFile shownAs(Path other) {
         return new RequestFile(other, about, id, type, clientId, algoContextIndex, imageFormat, properties,

@@ -3,24 +3,21 @@ package com.orlu.orlu3rdalgoservice.tool.request;
 import android.hardware.camera2.impl.TagTable;
 import android.hardware.camera2.impl.TagType;
 
+import com.orlu.orlu3rdalgoservice.record.HeldValue;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import com.orlu.orlu3rdalgoservice.tool.text.NearestWord;
 
+import java.util.Arrays;
 import java.util.Map;
+import java.util.function.Function;
+import java.util.stream.Collectors;
 
 /** Converts a field of "captureResult" or "composition" to the Java object that the device has for it. */
 final class TagValues {
-    /** The types of values that name their type. */
-    private static final Map<String, TagType> TYPES = Map.ofEntries(Map.entry("int", TagType.INT),
-            Map.entry("long", TagType.LONG), Map.entry("float", TagType.FLOAT),
-            Map.entry("double", TagType.DOUBLE), Map.entry("string", TagType.STRING),
-            Map.entry("bytes", TagType.BYTES), Map.entry("ints", TagType.INT_ARRAY),
-            Map.entry("longs", TagType.LONG_ARRAY), Map.entry("floats", TagType.FLOAT_ARRAY),
-            Map.entry("doubles", TagType.DOUBLE_ARRAY), Map.entry("strings", TagType.STRING_ARRAY),
-            Map.entry("rect", TagType.RECT), Map.entry("faces", TagType.FACES),
-            Map.entry("regions", TagType.METERING_RECTANGLES), Map.entry("location", TagType.LOCATION),
-            Map.entry("rational", TagType.RATIONAL));
+    /** The types by the names that values of recordings have. */
+    private static final Map<String, TagType> TYPES = Arrays.stream(TagType.values())
+            .collect(Collectors.toMap(type -> HeldValue.typeName(type.stored()), Function.identity()));
 
     private TagValues() {
     }
@@ -68,7 +65,7 @@ final class TagValues {
     }
 
     // {"long": 5} and the like; null if the field does not have this form.
-    static Object explicit(Json field, ValueReader reader) throws MistakeException {
+    private static Object explicit(Json field, ValueReader reader) throws MistakeException {
         if (field.entries().size() != 1) {
             return null;
         }
@@ -78,6 +75,19 @@ final class TagValues {
         }
         TagType type = TYPES.get(only.getKey());
         return type == null ? null : typed(type, only.getValue(), reader);
+    }
+
+    /** Returns a value of a recording, which has its type's name: {"long": 5}; null for JSON's null. */
+    static Object ofTyped(Json field) throws MistakeException {
+        if (field.isNull()) {
+            return null;
+        }
+        Object value = explicit(field, new ValueReader(0));
+        field.mistakes().throwFirst();
+        if (value == null) {
+            throw field.needs("a value with its type such as {\"long\": 5}");
+        }
+        return value;
     }
 
     private static Object plain(Json field) throws MistakeException {

@@ -9,6 +9,7 @@ import android.util.Rational;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
+import java.lang.reflect.Array;
 import java.math.BigDecimal;
 import java.util.Collections;
 import java.util.List;
@@ -82,43 +83,39 @@ final class ValueReader {
     }
 
     private interface ElementReader {
-        void read(int index, Json element) throws MistakeException;
+        Object read(Json element) throws MistakeException;
     }
 
     // Notes the mistakes of elements, whose values stay 0 or null.
-    private static void each(List<Json> elements, ElementReader reader) {
+    private static Object array(Class<?> type, List<Json> elements, ElementReader reader) {
+        Object values = Array.newInstance(type, elements.size());
         for (int i = 0; i < elements.size(); ++i) {
             int index = i;
-            elements.get(i).mistakes().attempt(() -> reader.read(index, elements.get(index)));
+            Json element = elements.get(i);
+            element.mistakes().attempt(() -> Array.set(values, index, reader.read(element)));
         }
-    }
-
-    int[] integers(Json field) throws MistakeException {
-        List<Json> elements = elements(field);
-        int[] values = new int[elements.size()];
-        each(elements, (i, element) -> values[i] = element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
         return values;
     }
 
-    long[] longs(Json field) throws MistakeException {
-        List<Json> elements = elements(field);
-        long[] values = new long[elements.size()];
-        each(elements, (i, element) -> values[i] = element.integer(Long.MIN_VALUE, Long.MAX_VALUE));
-        return values;
+    /** An int[]. */
+    Object integers(Json field) throws MistakeException {
+        return array(int.class, elements(field),
+                element -> element.integer(Integer.MIN_VALUE, Integer.MAX_VALUE));
     }
 
-    double[] doubles(Json field) throws MistakeException {
-        List<Json> elements = elements(field);
-        double[] values = new double[elements.size()];
-        each(elements, (i, element) -> values[i] = real(element));
-        return values;
+    /** A long[]. */
+    Object longs(Json field) throws MistakeException {
+        return array(long.class, elements(field), element -> element.integer(Long.MIN_VALUE, Long.MAX_VALUE));
     }
 
-    float[] floats(Json field) throws MistakeException {
-        List<Json> elements = elements(field);
-        float[] values = new float[elements.size()];
-        each(elements, (i, element) -> values[i] = realSingle(element));
-        return values;
+    /** A double[]. */
+    Object doubles(Json field) throws MistakeException {
+        return array(double.class, elements(field), ValueReader::real);
+    }
+
+    /** A float[]. */
+    Object floats(Json field) throws MistakeException {
+        return array(float.class, elements(field), ValueReader::realSingle);
     }
 
     private List<Json> elements(Json field) throws MistakeException {
@@ -147,10 +144,9 @@ final class ValueReader {
                 integer(members.require("right")), integer(members.require("bottom")));
     }
 
-    Face[] faces(Json field) throws MistakeException {
-        Face[] faces = new Face[field.list().size()];
-        each(field.list(), (i, element) -> faces[i] = face(element));
-        return faces;
+    /** A Face[]. */
+    Object faces(Json field) throws MistakeException {
+        return array(Face.class, field.list(), this::face);
     }
 
     private Face face(Json field) throws MistakeException {
@@ -161,10 +157,9 @@ final class ValueReader {
         return new Face(sides(members), members.integer("score", 1, 100, SURE_FACE));
     }
 
-    MeteringRectangle[] meteringRectangles(Json field) throws MistakeException {
-        MeteringRectangle[] regions = new MeteringRectangle[field.list().size()];
-        each(field.list(), (i, element) -> regions[i] = meteringRectangle(element));
-        return regions;
+    /** A MeteringRectangle[]. */
+    Object meteringRectangles(Json field) throws MistakeException {
+        return array(MeteringRectangle.class, field.list(), this::meteringRectangle);
     }
 
     private MeteringRectangle meteringRectangle(Json field) throws MistakeException {

@@ -60,6 +60,9 @@ public final class RequestRunner implements AutoCloseable {
     public record Ran(List<ImagePlan> inputs, List<ImageLayout> outputsBefore, List<ImageLayout> outputsAfter,
             List<Map<String, Object>> put, List<Map<String, Object>> callbacks, List<String> problems,
             long waitStart, long waitEnd) {
+        /** What came of a request that did not run. */
+        public static final Ran NONE =
+                new Ran(List.of(), List.of(), List.of(), List.of(), List.of(), List.of(), 0, 0);
     }
 
     /** Runs on this client. With `lookups`, each look-up of a tag is an event. */

@@ -33,10 +33,10 @@ public final class JsonReport {
             object.put("algorithmsAfter", handover.algorithms());
         }
         object.put("parameters", handover.parameters().stream().map(JsonReport::parameter).toList());
-        object.put("put", run.put().stream().map(JsonReport::put).toList());
+        object.put("put", run.ran().put().stream().map(JsonReport::put).toList());
         object.put("outputsBefore", run.outputs().stream().map(ImageLayout::fields).toList());
         object.put("outputsAfter", run.results().stream().map(ImageLayout::fields).toList());
-        object.put("problems", run.problems());
+        object.put("problems", run.ran().problems());
         object.put("photo", report.images().measures().stream().map(JsonReport::measure).toList());
         if (report.dependences() != null) {
             object.put("trials", report.dependences().json());

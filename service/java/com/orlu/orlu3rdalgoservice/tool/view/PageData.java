@@ -128,9 +128,9 @@ final class PageData {
 
     private void addResults() {
         List<Object> put = new ArrayList<>();
-        for (int i = 0; i < mRun.put().size(); ++i) {
+        for (int i = 0; i < mRun.ran().put().size(); ++i) {
             String frame = "frame " + i;
-            mRun.put().get(i).forEach((key, value) ->
+            mRun.ran().put().get(i).forEach((key, value) ->
                     put.add(List.of(frame, key, JsonWriter.line(HeldValue.json(value)))));
         }
         mJson.put("put", put);
@@ -142,7 +142,7 @@ final class PageData {
                     descriptors.add(List.of(output, field, before, String.valueOf(after.get(field)))));
         }
         mJson.put("descriptors", descriptors);
-        mJson.put("callbacks", mRun.callbacks().stream().map(callback -> {
+        mJson.put("callbacks", mRun.ran().callbacks().stream().map(callback -> {
             Map<String, Object> json = new LinkedHashMap<>();
             callback.forEach((key, value) -> json.put(key, HeldValue.json(value)));
             return json;

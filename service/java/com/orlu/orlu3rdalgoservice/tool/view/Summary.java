@@ -71,9 +71,9 @@ public final class Summary {
     }
 
     private void printIn() {
-        mLines.list("in", images(mReport.run().inputPlans()));
-        if (!mReport.run().inputPlans().isEmpty()) {
-            files(mReport.run().inputPlans()).forEach(line -> mLines.line("", line));
+        mLines.list("in", images(mReport.run().ran().inputs()));
+        if (!mReport.run().ran().inputs().isEmpty()) {
+            files(mReport.run().ran().inputs()).forEach(line -> mLines.line("", line));
             if (mReport.run().request().needsPhoto()) {
                 mLines.list("", synthesis(mReport.run().request()));
             }
@@ -189,15 +189,15 @@ public final class Summary {
 
     private void printBack() {
         List<String> put = new ArrayList<>();
-        for (int i = 0; i < mReport.run().put().size(); ++i) {
-            for (Map.Entry<String, Object> value : mReport.run().put().get(i).entrySet()) {
+        for (int i = 0; i < mReport.run().ran().put().size(); ++i) {
+            for (Map.Entry<String, Object> value : mReport.run().ran().put().get(i).entrySet()) {
                 put.add("frame " + i + "  " + value.getKey() + " = " + ValueFormatter.text(value.getValue()));
             }
         }
         mLines.lines("put", put.isEmpty() ? List.of("nothing") : put);
         List<String> changes = changes();
         mLines.lines("changed", changes.isEmpty() ? List.of("no output descriptor") : changes);
-        mReport.run().callbacks().forEach(values -> mLines.list("callback", callback(values)));
+        mReport.run().ran().callbacks().forEach(values -> mLines.list("callback", callback(values)));
     }
 
     private List<String> changes() {

@@ -2,6 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.view;
 
 import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
+import com.orlu.orlu3rdalgoservice.tool.model.AlgorithmPass;
 import com.orlu.orlu3rdalgoservice.tool.model.Call;
 import com.orlu.orlu3rdalgoservice.tool.model.Event;
 import com.orlu.orlu3rdalgoservice.tool.model.LineFile;
@@ -131,8 +132,7 @@ public final class Timeline {
     // The algorithm library's trace may be missing.
     private static List<Slice> work(long start) throws IOException {
         List<Slice> work = new ArrayList<>();
-        for (Json line : LineFile.fromStart(WorkFolder.algorithmTrace(), text -> text.contains("\"done\""))
-                .next()) {
+        for (Json line : LineFile.fromStart(WorkFolder.algorithmTrace(), AlgorithmPass::isDone).next()) {
             Event done = new Event(line);
             // The file may be older than this run, and other libraries may omit time and thread.
             if (!done.has("tid") || !done.has("milliseconds") || done.time() < start) {

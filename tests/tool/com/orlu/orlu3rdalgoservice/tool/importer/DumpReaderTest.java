@@ -4,6 +4,8 @@ import static org.junit.Assert.assertEquals;
 
 import org.junit.Test;
 
+import com.orlu.orlu3rdalgoservice.record.JsonWriter;
+
 import java.nio.file.Path;
 import java.util.List;
 
@@ -37,7 +39,7 @@ public final class DumpReaderTest {
             String tag = row[0].split(" ")[0];
             List<String> lines = (row[0] + "\n" + row[1]).lines().toList();
             List<ImportedFrame> frames = new DumpReader(notes).frames(lines);
-            assertEquals(row[1], String.valueOf(row[2]), String.valueOf(frames.get(0).tags().get(tag)));
+            assertEquals(row[1], String.valueOf(row[2]), JsonWriter.line(frames.get(0).tags().get(tag)));
             assertEquals(row[1], row[3], String.join("\n", notes.lines()).replace(tag, "T"));
         }
     }

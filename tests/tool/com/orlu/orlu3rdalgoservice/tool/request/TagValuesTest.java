@@ -16,7 +16,7 @@ import java.util.HexFormat;
 import java.util.StringJoiner;
 
 /** Tests which Java object a typed value becomes, at and beyond its bounds. */
-public final class TypedValueTest {
+public final class TagValuesTest {
     private static String text(Object value) {
         if (value instanceof byte[] bytes) {
             return "byte[] " + HexFormat.of().formatHex(bytes);
@@ -52,7 +52,7 @@ public final class TypedValueTest {
 
     private static String read(String json) {
         try {
-            return text(TypedValue.read(Json.parse("f", 1, quoted(json))));
+            return text(TagValues.ofTyped(Json.parse("f", 1, quoted(json))));
         } catch (MistakeException e) {
             return "refused";
         }
