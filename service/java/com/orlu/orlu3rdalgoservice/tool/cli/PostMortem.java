@@ -126,7 +126,7 @@ final class PostMortem {
         }
         try {
             Path last = runs.get(runs.size() - 1);
-            Json start = Json.read(last.resolve(RunFolder.OUTCOME)).find("processed", "start");
+            Json start = Json.read(last.resolve(RunFolder.OUTCOME)).at("processed").get("start");
             return start != null && start.integer(0L, Long.MAX_VALUE) > time ? last : null;
         } catch (MistakeException e) {
             return null;

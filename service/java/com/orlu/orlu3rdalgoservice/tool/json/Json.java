@@ -358,15 +358,6 @@ public final class Json implements JsonWriter.Source {
         return has(name) ? get(name).list() : List.of();
     }
 
-    /** The value at a path of members below this one; null if it is absent. */
-    public Json find(String... names) {
-        Json value = this;
-        for (int i = 0; value != null && i < names.length; ++i) {
-            value = value.get(names[i]);
-        }
-        return value;
-    }
-
     /** A member that must be there. */
     public Json require(String name) throws MistakeException {
         Json member = members().get(name);

@@ -255,7 +255,7 @@ public final class Run {
                 mRoot.get(part).members().forEach((name, value) -> settings.put(kind + name, value));
             }
         }
-        Json type = mRoot.find("request", "type");
+        Json type = mRoot.at("request").get("type");
         if (type != null) {
             settings.put("request type", type);
         }

@@ -181,7 +181,7 @@ public final class RunFolder {
             return false;
         }
         try {
-            Json from = Json.read(file).find("recording", "eventsFrom");
+            Json from = Json.read(file).at("recording").get("eventsFrom");
             if (from == null) {
                 return false;
             }

@@ -50,11 +50,11 @@ final class RequestAdvice {
 
     // The field that gives a frame its tag: the frame's own or the common one.
     private Json field(int frame, String part, String tag) {
-        Json frames = mRoot.find("frames");
+        Json frames = mRoot.get("frames");
         List<Json> each = (frames.isList() ? frames : frames.at("each")).elements();
-        Json own = frame < each.size() ? each.get(frame).find(part, tag) : null;
-        Json common = own == null && frames.isObject() ? frames.find("common", part, tag) : null;
-        return own != null ? own : common != null ? common : frames;
+        Json own = frame < each.size() ? each.get(frame).at(part).get(tag) : null;
+        Json given = own != null ? own : frames.at("common").at(part).get(tag);
+        return given != null ? given : frames;
     }
 
     private String[] algorithms() {
@@ -91,7 +91,7 @@ final class RequestAdvice {
         for (String name : mRequest.properties().keySet()) {
             String nearest = PROPERTIES.contains(name) ? null : NearestWord.of(name, PROPERTIES);
             if (nearest != null) {
-                mRoot.find("properties", name).warn("this library does not read this property"
+                mRoot.at("properties").get(name).warn("this library does not read this property"
                         + NearestWord.question(name, PROPERTIES));
             }
         }
@@ -134,8 +134,8 @@ final class RequestAdvice {
             default -> false;
         };
         if (hdr > 0 && !isLayout) {
-            mRoot.find("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames with one night frame, "
-                    + "or 9 that begin with 3 night frames, the rest HDR frames; found " + hdr
+            mRoot.get("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames with one night "
+                    + "frame, or 9 that begin with 3 night frames, the rest HDR frames; found " + hdr
                     + " HDR frames (bit 2), " + night + " night frames (bit 8) and "
                     + (mFrames.size() - hdr - night) + " others");
         }
@@ -179,7 +179,7 @@ final class RequestAdvice {
         mRequest.inputs().forEach(image -> ++counts[image.frame()]);
         for (int i = 1; i < counts.length && !mRequest.inputs().isEmpty(); ++i) {
             if (counts[i] != counts[0]) {
-                mRoot.find("inputs").warn("expected as many images of each frame, found " + counts[0]
+                mRoot.get("inputs").warn("expected as many images of each frame, found " + counts[0]
                         + " of frame 0 and " + counts[i] + " of frame " + i);
                 return;
             }

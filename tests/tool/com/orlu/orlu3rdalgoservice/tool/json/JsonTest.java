@@ -59,7 +59,7 @@ public final class JsonTest {
         assertEquals("f:6:39: more: expected a whole number from 0 to 9223372036854775807, found "
                 + "9223372036854775808", of(root -> root.get("more").integer(0, Long.MAX_VALUE)));
         assertEquals("0.0", of(root -> root.get("small").real()));
-        assertEquals("null", of(root -> root.find("odd name", "none", "below")));
+        assertEquals("null", of(root -> root.at("odd name").at("none").get("below")));
         assertEquals("7", of(root -> root.integer("none", 0, 9, 7)));
         assertEquals("7 1", of(root -> root.integer("list", 0, 9, 7) + " " + root.mistakes().errors()));
         assertEquals("[] {}", of(root -> root.get("long").elements() + " " + root.get("long").entries()));
