@@ -17,10 +17,10 @@ namespace {
 
 constexpr int kThreads = 8;
 constexpr int kKeys = 8;  // per thread and shared block
-constexpr int kRounds =
-    1000;  // each with a new shared block, because threads collide more often in a small one
-// The time limit. kFewestRounds rounds run even if it is exceeded, because fewer could miss a missing lock.
-constexpr std::chrono::seconds kMostHammering{3};
+constexpr double kDefaultSeconds = 3;
+// In the default time, each with a new shared block, because threads collide more often in a small one.
+constexpr int kRounds = 1000;
+// They run even if the default time is over, because fewer could miss a missing lock.
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
@@ -147,9 +147,13 @@ struct Hammer {
 
   // The first thread creates and checks the block of each round while the others wait.
   void lead() {
-    const auto end = std::chrono::steady_clock::now() + kMostHammering;
-    const auto goesOn = [&] { return rounds < kFewestRounds || std::chrono::steady_clock::now() < end; };
-    for (; rounds < kRounds && goesOn(); ++rounds) {
+    const std::chrono::duration<double> time(options().hammerSeconds);
+    const auto end = std::chrono::steady_clock::now() + time;
+    const double share = time.count() / kDefaultSeconds;
+    const auto goesOn = [&] {
+      return rounds < kFewestRounds * share || std::chrono::steady_clock::now() < end;
+    };
+    for (; rounds < kRounds * share && goesOn(); ++rounds) {
       const Block block;
       shared = block.handle();
       barrier.wait();

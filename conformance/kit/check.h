@@ -43,6 +43,7 @@ struct Options {
   int limitSeconds = 120;    // per check
   int budgetSeconds = 110;   // for all checks; 0 for no limit
   double hostileSeconds = 3;
+  double hammerSeconds = 3;  // eight threads at the parameter store
   unsigned seed = 1;
   bool allowNoise = false;  // differing outputs of one request are only a warning
   std::string jvm;          // path of libjvm.so

@@ -29,6 +29,7 @@ constexpr char kUsage[] =
     "  --contract             Print what the service promises to the library\n"
     "  --hostile SECONDS      Send random parameters for SECONDS (default: 3)\n"
     "  --long                 Send random parameters for a minute\n"
+    "  --hammer SECONDS       Set values from eight threads for SECONDS (default: 3)\n"
     "  --seed NUMBER          Set the seed of random parameters (default: 1)\n"
     "  --repeat ROUNDS        Run the checks ROUNDS times, with increasing seeds\n"
     "  --shuffle SEED         Run the checks in random order\n"
@@ -99,6 +100,7 @@ enum Flag {
   kContract,
   kHostile,
   kLong,
+  kHammer,
   kSeed,
   kPatience,
   kLimit,
@@ -119,6 +121,7 @@ constexpr option kFlags[] = {
     {"contract",    no_argument,       nullptr, kContract  },
     {"hostile",     required_argument, nullptr, kHostile   },
     {"long",        no_argument,       nullptr, kLong      },
+    {"hammer",      required_argument, nullptr, kHammer    },
     {"seed",        required_argument, nullptr, kSeed      },
     {"patience",    required_argument, nullptr, kPatience  },
     {"limit",       required_argument, nullptr, kLimit     },
@@ -199,6 +202,9 @@ void readCommandLine(int argc, char** argv) {
       case kLong:
         taken.hostileSeconds = 60;
         taken.budgetSeconds = 0;
+        break;
+      case kHammer:
+        taken.hammerSeconds = positive(optarg, "hammer");
         break;
       case kSeed:
         taken.seed = static_cast<unsigned>(positive(optarg, "seed"));

@@ -43,7 +43,7 @@ final class Commands {
             new Row("sweep", "Run a request with several values of a tag", SweepCommand::new),
             new Row("compare", "Compare two libraries over many requests", CompareCommand::new),
             new Row("conform", "Check whether an algorithm library behaves", () -> new LaunchedCommand(
-                    "--only= --list --json --junit= --contract --hostile= --long --seed= --repeat= "
+                    "--only= --list --json --junit= --contract --hostile= --long --hammer= --seed= --repeat= "
                     + "--shuffle= --patience= --limit= --budget= --allow-noise --perf --baseline= --arm")),
             new Row("sdk", "Write a kit for makers of algorithm libraries",
                     () -> new LaunchedCommand("")),
