@@ -95,7 +95,7 @@ def check_claims(parts):
             size = len(parameter["hex"]) // 2
             compared += 1
             if entry["bytes"] not in ("400 or 8 x frames", size) or "in" not in entry["direction"]:
-                failures.append(f"{entry['name']}: {size} bytes were handed over, not {entry['bytes']}")
+                failures.append(f"{entry['name']}: {size} bytes were passed, not {entry['bytes']}")
     for event in events:
         held = event.get("held")
         if event["event"] == "lookup" and held and event["source"] == "captureResult":

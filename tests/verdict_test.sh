@@ -36,7 +36,7 @@ capture|late|1|no callback .*; 1 callback ignored: it came after 11\.[0-9] s
 capture|unattached|0|
 night-async|unattached|1|no callback .*; 1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
 lightstream-stop|unattached|1|1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
-capture|idle|1|handed on, but nobody ran: jpegEncode; output 0 is untouched \(all its bytes are 0\) and of size 0
+capture|idle|1|passed on but not run: jpegEncode; output 0 is untouched \(all its bytes are 0\) and of size 0
 watermark|untouched|1|output 0 is untouched \(all its bytes are 0\)
 capture|empty|1|output 0 is a JPEG of size 0
 capture|aborts:process|1|.*planted_algo\.so ended the process by signal 6 \(SIGABRT\) in process of request 103; the crash file is shots/crash\.log

@@ -44,7 +44,7 @@ constexpr char kText[] =
   bytes, one whose name is longer than its data, and a light-stream event with a payload under {event}
   bytes.
 - **Results of calls** are not looked at, but for the handles of createClient and createMetadata, the size
-  of getSize, and the status of getValue and of the visitors' operations. A null client is handed on like
+  of getSize, and the status of getValue and of the visitors' operations. A null client is passed on like
   any other; a null block never reaches the library.
 - **What is not offered** is logged and skipped. An exception out of a callable is caught there, logged,
   and counts as a failure; a Java exception left on the thread is cleared and logged. Nothing is tried

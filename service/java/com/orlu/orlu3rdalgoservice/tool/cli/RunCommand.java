@@ -29,7 +29,7 @@ import picocli.CommandLine.Spec;
                 + "samples/night.json.",
         footer = {
             "  ./run samples/clarity.json            Run another request",
-            "  ./run --params samples/capture.json   Print every parameter handed over",
+            "  ./run --params samples/capture.json   Print every parameter passed",
             "  ./run --log --photo my.jpg            Print the log; make frames from a photo",
             "  ./run diff a.json b.json              Compare two requests",
             "  ./run tags zoom                       List the tags with zoom in their names",

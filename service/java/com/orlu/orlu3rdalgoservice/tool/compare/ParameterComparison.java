@@ -11,7 +11,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Compares the parameters of two runs, in the order in which they were handed over. */
+/** Compares the parameters of two runs, in the order in which they were passed. */
 final class ParameterComparison {
     private final Set<String> mIgnored;
     private final Closeness mCloseness;

@@ -41,7 +41,7 @@ public final class ExplanationPrinter {
         }
         for (String name : shown) {
             mLines.plain("explain  " + Handover.shortName(name)
-                    + (names.contains(name) ? "" : ": not handed over"));
+                    + (names.contains(name) ? "" : ": not passed"));
             printWrites(name);
             printTags(name);
             mLines.plain("");
@@ -53,7 +53,7 @@ public final class ExplanationPrinter {
     }
 
     private void printUnknown(String word, Set<String> possible) {
-        mLines.plain("explain  " + word + ": not handed over, whatever value tags have");
+        mLines.plain("explain  " + word + ": not passed, whatever value tags have");
         List<String> near = possible.stream().filter(name -> name.toLowerCase().contains(word.toLowerCase()))
                 .map(Handover::shortName).toList();
         if (!near.isEmpty()) {

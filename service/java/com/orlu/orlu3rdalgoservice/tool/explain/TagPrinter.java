@@ -103,7 +103,7 @@ public final class TagPrinter {
         if (name.equals(Dependences.ALGORITHMS)) {
             return "the algorithm list";
         }
-        String text = parameter == null ? " not handed over" : " = " + parameter.text();
+        String text = parameter == null ? " not passed" : " = " + parameter.text();
         return Handover.shortName(name) + text;
     }
 }

@@ -99,7 +99,7 @@ public final class Judge {
     private void checkAlgorithms() {
         List<String> idle = mRun.idleAlgorithms();
         if (!idle.isEmpty()) {
-            mReasons.add("handed on, but nobody ran: " + String.join(", ", idle));
+            mReasons.add("passed on but not run: " + String.join(", ", idle));
         }
     }
 

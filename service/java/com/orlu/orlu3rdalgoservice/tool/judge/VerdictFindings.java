@@ -39,7 +39,7 @@ public final class VerdictFindings {
                     "ignored"),
             new Kind("not-run", Tab.RESULTS, "An algorithm of the list was not run.",
                     "The library reported the algorithm neither as run nor as skipped.",
-                    "but nobody ran"),
+                    "but not run"),
             new Kind("tags", Tab.TAGS, "The request has tags without effect.",
                     "They are misspelt, have another type than requested, or don't apply to this kind of "
                             + "capture.",

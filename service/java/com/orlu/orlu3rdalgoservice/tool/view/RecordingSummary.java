@@ -108,7 +108,7 @@ public final class RecordingSummary {
             line("events", mRun.eventsProblem());
         }
         if (mRun.hasEvents()) {
-            line("handed on", mRun.parameters().size() + " parameters, algorithms "
+            line("passed on", mRun.parameters().size() + " parameters, algorithms "
                     + new Handover(mRun.events()).algorithms());
         }
         mRun.outcomes().forEach(this::line);

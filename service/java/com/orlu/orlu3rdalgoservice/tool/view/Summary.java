@@ -123,22 +123,22 @@ public final class Summary {
 
     private void printAlgorithms() {
         List<String> asked = mReport.run().askedAlgorithms();
-        mLines.list("asked for", orEmptyList(asked));
+        mLines.list("requested", orEmptyList(asked));
         Handover handover = mReport.run().handover();
         if (mReport.run().events().calls().isEmpty()) {
-            mLines.line("handed on", "unknown: there is no probe before the algorithm library");
+            mLines.line("passed on", "unknown: there is no probe before the algorithm library");
             return;
         }
         if (handover.process() == null) {
-            mLines.line("handed on", "nothing: the request went without an algorithm pass");
+            mLines.line("passed on", "nothing: the request went without an algorithm pass");
         } else {
             List<String> handedOn = handover.algorithms();
-            mLines.list("handed on", orEmptyList(handedOn.stream()
+            mLines.list("passed on", orEmptyList(handedOn.stream()
                     .map(name -> asked.contains(name) ? name : name + " (appended)").toList()));
-            optionalList("taken away", asked.stream().filter(name -> !handedOn.contains(name)).toList());
+            optionalList("removed", asked.stream().filter(name -> !handedOn.contains(name)).toList());
             printPass();
         }
-        mLines.line("parameters", handover.parameters().size() + " handed over");
+        mLines.line("parameters", handover.parameters().size() + " passed");
         List<String> again = new ArrayList<>();
         handover.repeatedKeys().forEach((key, count) -> again.add(key + " (" + count + " times)"));
         optionalList("set again", again);
@@ -157,7 +157,7 @@ public final class Summary {
         mLines.list("ran", ran);
         List<String> nobody = new ArrayList<>(mReport.run().idleAlgorithms());
         nobody.addAll(pass.skipped());
-        optionalList("nobody ran", nobody);
+        optionalList("not run", nobody);
         if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
             mLines.line("", "(not this library's, or with nothing to do)");
         }

@@ -1,7 +1,7 @@
 // Two pictures to compare: side by side, in turns, or their difference; and a magnifier over both.
 
 const FLICKER_MILLISECONDS = 500;
-const LOST = "The process ended before the request did: what the output held is not known.";
+const LOST = "The process ended before the request finished, so the contents of the output are unknown.";
 
 class Compare {
   constructor(images, onInput) {
@@ -29,8 +29,8 @@ class Compare {
       return button;
     };
     this.modeButtons = [
-      mode("pair", "Side by side", "In and out beside each other (s)"),
-      mode("flicker", "Flicker", "In and out in turns, in the same place (f)"),
+      mode("pair", "Side by side", "Input and output side by side (s)"),
+      mode("flicker", "Flicker", "Alternate between input and output in the same place (f)"),
       mode("difference", "Difference", "Grey where nothing changed (d)"),
     ];
     this.auto = h("input", {type: "checkbox", id: "auto", onchange: () => this.setTimer()});
@@ -143,7 +143,7 @@ class Compare {
         "figure",
         null,
         h("figcaption", null, h("b", null, label)),
-        h("div", {class: "stage"}, h("div", {class: "none"}, this.images.lost ? LOST : "The request has none.")),
+        h("div", {class: "stage"}, h("div", {class: "none"}, this.images.lost ? LOST : "The request has no such image.")),
       );
     }
     const layout = image.layout;
@@ -190,14 +190,13 @@ class Compare {
       return h(
         "p",
         null,
-        "There is no difference picture: it needs an output and an input of the same size, " +
-          "and one of them is missing or of another size.",
+        "No difference picture: it needs an output and an input of the same size.",
       );
     }
     const psnr =
       found.psnr === undefined
-        ? "no pixel differs"
-        : "PSNR " + found.psnr + " dB, the largest " + "difference is " + found.most + " of 255";
+        ? "all pixels are equal"
+        : "PSNR " + found.psnr + " dB, the largest difference is " + found.most + " of 255";
     const base = this.images.inputs[this.images.base];
     return h(
       "figure",
@@ -214,10 +213,9 @@ class Compare {
             this.output +
             " against " +
             base.name +
-            ", " +
-            "made " +
+            ", amplified " +
             found.amplification +
-            " times larger: grey is equal, lighter is brighter in the output; " +
+            " times: grey is equal, lighter is brighter in the output; " +
             psnr,
         ),
       ),

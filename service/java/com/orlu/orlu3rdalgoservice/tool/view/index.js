@@ -17,7 +17,7 @@ function showIndex() {
           {class: "badge " + (failed ? "wrong" : "good"), id: "verdict"},
           failed ? "✗ " + failed + " failed" : "✓ all verdicts ok",
         ),
-        odd ? h("span", {class: "badge look"}, odd + " ok, but to be looked at") : null,
+        odd ? h("span", {class: "badge look"}, odd + " ok, with findings to check") : null,
         themeButton(),
       ),
     );
@@ -33,7 +33,7 @@ function entryCard(entry) {
       "div",
       {class: "card wrong"},
       h("h2", null, baseName(entry.file)),
-      h("p", null, "It did not run: the process ended before."),
+      h("p", null, "It did not run: the process ended earlier."),
     );
   }
   const isWrong = !entry.verdict.ok || entry.findings.some(finding => finding.severity === "wrong");

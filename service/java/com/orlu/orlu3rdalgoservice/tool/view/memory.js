@@ -1,4 +1,4 @@
-// The memory of each image to scale: planes with their rows and padding, and what lies behind them.
+// The memory of each image to scale: planes with their rows and padding, and the bytes after them.
 
 const DRAWING_WIDTH = 320;
 const LEAST_PADDING = 4;
@@ -6,7 +6,7 @@ const LEAST_PADDING = 4;
 function memoryPanel() {
   if (!data.images || data.images.inputs.length + data.images.outputs.length === 0) {
     return {
-      element: h("p", {class: "card"}, "No image's memory was looked at: the request did not come that far."),
+      element: h("p", {class: "card"}, "No memory to show: the request ended before its images were read."),
     };
   }
   const swatch = (color, text) => h("span", null, h("i", {style: "background:" + color}), text);
@@ -17,8 +17,8 @@ function memoryPanel() {
       h(
         "p",
         null,
-        "Each plane is drawn to scale: a row of bytes is a row of the drawing, its padding is on the right. " +
-          "Below it lies the whole memory from its first byte to its last.",
+        "Each plane is drawn to scale: each row of the drawing is a row of bytes, with its padding on the right. " +
+          "The bar below is the whole memory from its first byte to its last.",
       ),
       data.images.lost ? h("p", null, LOST) : null,
       h(
@@ -27,7 +27,7 @@ function memoryPanel() {
         swatch("var(--plane-a)", "pixels of a plane"),
         swatch("var(--plane-b)", "the next plane"),
         swatch("var(--empty)", "all bytes 0"),
-        swatch("var(--wait)", "padding or bytes behind that are not 0"),
+        swatch("var(--wait)", "padding, or bytes after the planes, that are not 0"),
         swatch("var(--wrong)", "past the end of the memory"),
       ),
       h("div", {class: "layouts"}, alike(data.images.outputs.concat(data.images.inputs)).map(memoryCard)),
@@ -35,7 +35,7 @@ function memoryPanel() {
   };
 }
 
-// Images of which the same is to be said share a card.
+// Images with the same properties share a card.
 function alike(images) {
   const groups = new Map();
   for (const image of images) {
@@ -63,11 +63,11 @@ function memoryCard(images) {
   if (image.problem) notes.push(["wrong", "It is " + image.problem + "."]);
   if (image.written) notes.push(["wrong", "The algorithm library changed bytes of this input."]);
   if (layout.missing > 0)
-    notes.push(["wrong", "The planes reach " + bytes(layout.missing) + " past its end."]);
+    notes.push(["wrong", "The planes exceed it by " + bytes(layout.missing) + "."]);
   if (layout.usedBehind > 0) {
     notes.push([
       "look",
-      bytes(layout.usedBehind) + " behind the planes are not 0, from byte " + layout.firstBehind + " on.",
+      bytes(layout.usedBehind) + " after the planes are not 0, from byte " + layout.firstBehind + " on.",
     ]);
   }
   return h(
@@ -113,8 +113,8 @@ function planeText(plane) {
     " rows of " +
     plane.rowBytes +
     (padding > 0 ? " + " + padding + " bytes of padding" : " bytes, no padding") +
-    (plane.usedRows < plane.rows ? "; " + (plane.rows - plane.usedRows) + " rows are all 0" : "") +
-    (plane.usedPadding > 0 ? "; padding that is not 0 in " + plane.usedPadding + " rows" : "")
+    (plane.usedRows < plane.rows ? "; " + (plane.rows - plane.usedRows) + " rows are 0" : "") +
+    (plane.usedPadding > 0 ? "; padding is not 0 in " + plane.usedPadding + " rows" : "")
   );
 }
 
@@ -226,7 +226,7 @@ function memoryBar(layout, top) {
   );
   if (layout.usedBehind > 0) {
     parts.push(
-      box(layout.firstBehind, layout.memory, "var(--wait)", "bytes behind the planes that are not 0"),
+      box(layout.firstBehind, layout.memory, "var(--wait)", "bytes after the planes that are not 0"),
     );
   }
   if (layout.missing > 0) parts.push(box(layout.memory, whole, "var(--wrong)", "past the end"));

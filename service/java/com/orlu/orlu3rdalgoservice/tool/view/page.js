@@ -11,17 +11,17 @@ const PANELS = [
 ];
 
 const KEYS = [
-  ["1 … 7", "a tab"],
-  ["/", "the filter of this tab"],
-  ["f", "flicker: in, out, in, …"],
-  ["s", "in and out side by side"],
-  ["d", "the difference"],
+  ["1 … 7", "open a tab"],
+  ["/", "filter this tab"],
+  ["f", "alternate between input and output"],
+  ["s", "show input and output side by side"],
+  ["d", "show the difference"],
   ["m", "magnifier; arrow keys move it"],
-  ["z", "its magnification"],
-  ["+  -  0", "zoom in the timeline"],
-  ["← →", "the slice before or behind in the timeline"],
-  ["t", "light or dark"],
-  ["?", "these keys"],
+  ["z", "change the magnification"],
+  ["+  -  0", "zoom the timeline"],
+  ["← →", "previous or next slice of the timeline"],
+  ["t", "switch between light and dark"],
+  ["?", "show these keys"],
 ];
 
 const made = new Map();
@@ -65,7 +65,7 @@ function showFindings() {
       h(
         "p",
         {class: "faint"},
-        "The verdict is ok, and the pictures, their memory and the frames were looked at for known faults.",
+        "The verdict is ok, and no known fault was found in the pictures, their memory and the frames.",
       ),
     );
     return;
@@ -78,7 +78,7 @@ function showFindings() {
         {class: "finding " + finding.severity, "data-kind": finding.kind},
         h(
           "div",
-          {class: "sign", "aria-label": finding.severity === "wrong" ? "wrong" : "to be looked at"},
+          {class: "sign", "aria-label": finding.severity === "wrong" ? "wrong" : "check this"},
           finding.severity === "wrong" ? "✗" : "!",
         ),
         h("div", {class: "body"}, h("div", {class: "what"}, finding.what), h("div", null, finding.why)),
@@ -102,9 +102,9 @@ function showFacts() {
   const handedOn = data.algorithms.handedOn;
   const facts = [
     ["request", data.id + " “" + data.type + "”" + (data.fullAsync ? ", full-async" : "")],
-    ["asked for", list(asked)],
+    ["requested", list(asked)],
     [
-      "handed on",
+      "passed on",
       !handedOn
         ? data.findings.some(finding => /^(crash|unusable)$/.test(finding.kind))
           ? "nothing"
@@ -115,7 +115,7 @@ function showFacts() {
     ],
   ];
   const gone = handedOn ? asked.filter(name => !handedOn.includes(name)) : [];
-  if (gone.length > 0) facts.push(["taken away", list(gone)]);
+  if (gone.length > 0) facts.push(["removed", list(gone)]);
   if (data.algorithms.ran) {
     facts.push([
       "ran",

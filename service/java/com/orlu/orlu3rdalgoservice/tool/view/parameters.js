@@ -2,7 +2,7 @@
 
 function parametersPanel() {
   if (!data.parameters || data.parameters.length === 0) {
-    return {element: h("p", {class: "card"}, "No parameter was handed over.")};
+    return {element: h("p", {class: "card"}, "No parameter was passed to the algorithm library.")};
   }
   const rows = data.parameters.map(parameterRow);
   const made = filtered(
@@ -11,8 +11,8 @@ function parametersPanel() {
     rows,
   );
   const note = data.explanationProblem
-    ? "Which tags they depend on is not known, or not in full: " + data.explanationProblem + "."
-    : "What each depends on was " + data.explanationEffort + ".";
+    ? "Their tags are unknown or incomplete: " + data.explanationProblem + "."
+    : "The tags of each were " + data.explanationEffort + ".";
   return {
     element: h(
       "div",
@@ -20,8 +20,8 @@ function parametersPanel() {
       h(
         "p",
         {class: "faint"},
-        "All values in the order in which they were handed to the algorithm library. Click a key to see where it comes " +
-          "from. One that is struck out was replaced by a later write. " +
+        "All values in the order in which the algorithm library received them. Click a key to see its source. " +
+          "A later write replaced each value that is struck out. " +
           note,
       ),
       algorithmsCard(),
@@ -36,7 +36,7 @@ function algorithmsCard() {
   return h(
     "details",
     {class: "card"},
-    h("summary", null, "Why the algorithm list is as it is"),
+    h("summary", null, "Source of the algorithm list"),
     explanation("algorithms", explained),
   );
 }
@@ -91,7 +91,7 @@ function parameterDetail(parameter, explained) {
     h(
       "p",
       null,
-      writes.length > 1 ? "Written " + writes.length + " times; the last counts:" : "Written once:",
+      writes.length > 1 ? "Written " + writes.length + " times; the last write counts:" : "Written once:",
     ),
     h(
       "ul",
@@ -119,15 +119,15 @@ function parameterDetail(parameter, explained) {
 
 function explanation(name, explained) {
   if (!explained || explained.unsteady) {
-    return h("p", null, "It changes by itself: no two translations agree.");
+    return h("p", null, "It differs between translations of the same request.");
   }
   if (explained.tags.length === 0) {
     return h(
       "p",
       null,
       data.explanationProblem
-        ? "Its tags are not known."
-        : "It depends on no tag of its own: it is fixed, or of the request or its images.",
+        ? "Its tags are unknown."
+        : "No tag changes it: it is constant, or comes from the request or its images.",
       general(),
     );
   }
@@ -139,7 +139,7 @@ function general() {
   return h(
     "p",
     {class: "faint"},
-    "As most parameters do, also on: " + [...new Set(data.generalTags.map(tag => tag[0]))].join(", ") + ".",
+    "Like most parameters, also on: " + [...new Set(data.generalTags.map(tag => tag[0]))].join(", ") + ".",
   );
 }
 
@@ -169,7 +169,7 @@ function tagsPanel() {
 // What is wrong is open from the start.
 function tagGroup(group) {
   const made = table(
-    ["tag", "frames", "what was found"],
+    ["tag", "frames", "found"],
     group.rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), foundText(row[2])]})),
   );
   const isWrong = /wrong type|no table/.test(group.heading);

@@ -4,12 +4,12 @@ function picturesPanel() {
   const images = data.images;
   if (!images) {
     return {
-      element: h("p", {class: "card"}, "There are no pictures: the process ended before the request did."),
+      element: h("p", {class: "card"}, "No pictures: the process ended before the request finished."),
     };
   }
   if (images.inputs.length + images.outputs.length === 0) {
     return {
-      element: h("p", {class: "card"}, "There are no pictures: the request did not run, or has no images."),
+      element: h("p", {class: "card"}, "No pictures: the request did not run, or has no images."),
     };
   }
   const thumbs = images.inputs.map((image, i) => inputThumb(image, i, index => compare.setInput(index)));
@@ -24,21 +24,21 @@ function picturesPanel() {
     h(
       "p",
       {class: "faint"},
-      "Click one to show it above. " + (images.lost ? "They were made again, as they went in. " : baseText(images)) +
-        (data.algorithms.frames ? " Kept and dropped are what the algorithm library says of a frame." : ""),
+      "Click one to show it above. " + (images.lost ? "They were made anew from the request. " : baseText(images)) +
+        (data.algorithms.frames ? " The algorithm library reported the frames as kept or dropped." : ""),
     ),
     h("div", {class: "strip"}, thumbs),
   );
   return {element, compare};
 }
 
-// What the outputs are compared with, and who says so.
+// Names the input that the outputs are compared with, and the reason for it.
 function baseText(images) {
   return (
-    "Outputs are compared with the one marked base: " +
+    "Outputs are compared with the input marked base: " +
     (images.baseNamedBy
-      ? "the frame that the result names (" + images.baseNamedBy + ")."
-      : "the first, as the result names none.")
+      ? "the frame named by the result (" + images.baseNamedBy + ")."
+      : "the first, since the result names none.")
   );
 }
 

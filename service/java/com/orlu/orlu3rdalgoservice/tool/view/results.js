@@ -3,9 +3,9 @@
 function resultsPanel() {
   const put =
     data.put.length === 0
-      ? h("p", null, "Nothing was put into a composition.")
+      ? h("p", null, "No result was put into a composition.")
       : filtered(
-          "Filter what was put",
+          "Filter results",
           ["tag", "frame", "value"],
           data.put.map(row => ({
             cells: [row[1], row[0].replace("frame ", ""), h("code", null, row[2])],
@@ -53,7 +53,7 @@ function resultsPanel() {
           )
         : null,
       callbacksCard(),
-      h("details", {class: "card"}, h("summary", null, "As ./run printed it"), h("pre", null, data.printed)),
+      h("details", {class: "card"}, h("summary", null, "Output of ./run"), h("pre", null, data.printed)),
     ),
   };
 }
@@ -123,7 +123,7 @@ function logPanel() {
     "select",
     {
       id: "level",
-      "aria-label": "Least level",
+      "aria-label": "Lowest level",
       onchange: event => {
         state.level = Number(event.target.value);
         apply();

@@ -61,7 +61,7 @@ function sheetCell(column, cell, dialog) {
     cell.picture
       ? h(
           "button",
-          {type: "button", title: "Show it larger", onclick: show},
+          {type: "button", title: "Enlarge", onclick: show},
           h("img", {src: cell.picture, alt: caption}),
         )
       : h("div", {class: "none"}, cell.problem),

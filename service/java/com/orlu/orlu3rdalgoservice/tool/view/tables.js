@@ -71,7 +71,7 @@ function tagTable(rows) {
     "div",
     {class: "scroll"},
     table(
-      ["tag", "frames", "what was found"],
+      ["tag", "frames", "found"],
       rows.map(row => ({cells: [row[0], row[1].replace(/^frames? /, ""), foundText(row[2])]})),
     ).element,
   );
