@@ -151,8 +151,12 @@ public final class Trimmer {
         for (int i = 0; i < mRun.inputs().size(); ++i) {
             ImageLayout image = mRun.inputs().get(i);
             if (isKept(i / perFrame)) {
-                ImageLayout copy = copied(image, mInputCrops.get(i), "input" + images.size() + ".bin");
-                images.add((mFrames.isEmpty() ? copy : copy.withFrame(images.size() / perFrame)).json());
+                Map<String, Object> copy =
+                        copied(image, mInputCrops.get(i), "input" + images.size() + ".bin").json();
+                if (!mFrames.isEmpty()) {
+                    copy.put("frame", images.size() / perFrame);
+                }
+                images.add(copy);
             }
         }
         return images;
@@ -162,11 +166,12 @@ public final class Trimmer {
         List<Object> images = new ArrayList<>();
         for (ImageLayout image : mRun.outputs()) {
             ImageCrop crop = mOutputCrops.get(images.size());
-            ImageLayout copy = copied(image, crop, "before" + images.size() + ".bin");
+            Map<String, Object> copy = copied(image, crop, "before" + images.size() + ".bin").json();
             if (crop == null && mCrop != null && hasSizeOfInputs(image)) {
-                copy = copy.withSides(mCrop.width(), mCrop.height());
+                copy.put("width", mCrop.width());
+                copy.put("height", mCrop.height());
             }
-            images.add(copy.json());
+            images.add(copy);
         }
         return images;
     }
@@ -192,9 +197,6 @@ public final class Trimmer {
         Path events = mRun.folder().resolve(RunFolder.EVENTS);
         if (RecordedFile.isRegular(events)) {
             Files.copy(events, mFolder.resolve(RunFolder.EVENTS));
-        }
-        if (!RecordedFile.isRegular(mRun.folder().resolve(RunFolder.OUTCOME))) {
-            return;
         }
         Map<String, Object> outcome = new LinkedHashMap<>(mRun.outcome().members());
         if (outcome.isEmpty()) {

@@ -117,19 +117,6 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 other == null ? size : other.size(), other, reason, frame);
     }
 
-    /** The same image in another size. */
-    public ImageLayout withSides(int otherWidth, int otherHeight) {
-        return new ImageLayout(format, otherWidth, otherHeight, rowStrides, planeSizes, memory, buffer,
-                size, file,
-                kept, frame);
-    }
-
-    /** The same image in another frame. */
-    public ImageLayout withFrame(int other) {
-        return new ImageLayout(
-                format, width, height, rowStrides, planeSizes, memory, buffer, size, file, kept, other);
-    }
-
     /** "NV21 632x416, shared". */
     public String text() {
         return format + " " + width + "x" + height + ", " + memory;
