@@ -96,11 +96,11 @@ void checkResultSizes() {
   for (const ResultRead& row : kResultReads) {
     const auto found = sizes.find(std::string(row.section) + " " + row.key);
     if (found == sizes.end()) continue;
-    HOLDS(found->second == row.size) << found->first << " is left with " << found->second
-                                     << " bytes, and read with " << row.size;
+    HOLDS(found->second == row.size) << found->first << " has " << found->second
+                                     << " bytes, but is read with " << row.size;
   }
   note(std::to_string(sizes.size()) + " of " + std::to_string(std::size(kResultReads)) +
-       " results are left by one algorithm or another");
+       " results are set by at least one algorithm");
 }
 
 }  // namespace
@@ -139,10 +139,10 @@ void checkGetValue() {
     HOLDS(buffer.isUntouchedBefore()) << "getValue writes before its buffer of " << size << " bytes";
     const size_t common = std::min(size, value.size());
     HOLDS(status != 0 || buffer.text().compare(0, common, value, 0, common) == 0)
-        << "getValue with " << size << " bytes returns 0 and other bytes than were set";
+        << "getValue with " << size << " bytes returns 0, but not the bytes that were set";
     const std::string rest = buffer.text().substr(common);
     HOLDS(rest.find_first_not_of('\x5A') == std::string::npos)
-        << "getValue with " << size << " bytes changes what lies behind the value's 100";
+        << "getValue with " << size << " bytes changes memory after the value's 100";
     HOLDS(status == 0 || size > value.size()) << "getValue with " << size << " bytes returned " << status;
   }
   step("getValue for a key that was never set");
@@ -209,7 +209,8 @@ void checkVisitors() {
     step("paramSystemDownloadToAlgo with a visitor that answers " + std::to_string(answer));
     call(-1, ops.paramSystemDownloadToAlgo, block.handle(), visitor);
     if (answer == 0) {
-      note(std::to_string(updates) + " values passed up, " + std::to_string(visits - updates) + " asked for");
+      note(std::to_string(updates) + " values passed to the system, " + std::to_string(visits - updates) +
+           " requested");
     }
     HOLDS(read(block, kFeedback, kKey, 5) == "value")
         << "a visitor's answer " << answer << " changed a value";

@@ -92,13 +92,13 @@ void destroyOwn(Scene& scene, Scene&, std::unique_ptr<Block>&) {
 }
 
 constexpr Action kActions[] = {
-    {"end the request",           endRequest  },
-    {"submit the next request",   submitNext  },
-    {"flush",                     flushOwn    },
-    {"abort",                     abortOwn    },
-    {"destroy another client",    destroyOther},
-    {"make and destroy a client", makeClient  },
-    {"destroy the client itself", destroyOwn  },
+    {"finish the request",          endRequest  },
+    {"submit the next request",     submitNext  },
+    {"flush",                       flushOwn    },
+    {"abort",                       abortOwn    },
+    {"destroy another client",      destroyOther},
+    {"create and destroy a client", makeClient  },
+    {"destroy the client itself",   destroyOwn  },
 };
 
 void actInside(const Action& action) {
@@ -129,7 +129,7 @@ void actInside(const Action& action) {
   // The callback's thread may still be returning from this call.
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
-  HOLDS(isNextDone) << kNoCallback << "a request that was submitted inside the callback before";
+  HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
   // The thread may also still be returning from the callback.
   scene.client.end();
 }
@@ -168,16 +168,15 @@ void submitSecond(Scene& scene) {
 }
 
 constexpr Work kWorks[] = {
-    {"process",                                                "it waits for the request before, or for a lock that is held while calling back",
-     submitSecond                                           },
-    {"createMetadata, setValue, getValue and destroyMetadata",
-     "a lock of the store is held while calling back",                                                                                           [](Scene&) {
+    {"process",                                                "it waits for the previous request, or for a lock held during callbacks", submitSecond},
+    {"createMetadata, setValue, getValue and destroyMetadata", "a lock of the store is held during callbacks",
+     [](Scene&) {
        Block block;
        block.set(kControl, "conform_key", "value");
        char seen[5];
        block.get(kControl, "conform_key", seen, sizeof seen);
-     }},
-    {"createClient and init",                                  "a lock of all clients is held while calling back",
+     }                                                                                                                                               },
+    {"createClient and init",                                  "a lock of all clients is held during callbacks",
      [](Scene&) {
        AlgoCreateClientRecord record;
        record.interfaceVersion = kAlgoTableVersion;
@@ -186,7 +185,7 @@ constexpr Work kWorks[] = {
        call(-1, Library::open()->table().init, init);
        // Destroys the client after the callback has returned, or never: a worker may be busy with that
        // callback.
-     }                                                      },
+     }                                                                                                                                               },
 };
 
 }  // namespace
@@ -200,20 +199,19 @@ void checkInside() {
     actInside(action);
     if (testing::Test::HasFailure()) return;
   }
-  note(std::to_string(std::size(kActions)) + " things that Java does inside a callback");
+  note(std::to_string(std::size(kActions)) + " actions of Java inside a callback");
 }
 
 void checkOverlap() {
   OPEN_LIBRARY(library);
   for (const Work& work : kWorks) {
-    step(std::string(work.what) + " while a callback has not returned");
+    step(std::string(work.what) + " during a callback");
     Scene scene;
     HOLDS(returnsWhileHeld(scene, holdTime(), [&] { work.run(scene); }))
-        << work.what
-        << " must return while the callback of another request has not: it took until that returned, "
-        << "after " << holdTime().count() << " ms; usually " << work.usual;
+        << work.what << " must return during the callback of another request, but returned after it, "
+        << "in " << holdTime().count() << " ms; usually " << work.usual;
     const bool isSecondDone = work.run != submitSecond || scene.inbox.waitFor(2);
-    HOLDS(isSecondDone) << kNoCallback << "a request that was submitted while a callback was held";
+    HOLDS(isSecondDone) << kNoCallback << "a request submitted during a callback";
   }
 }
 
@@ -221,14 +219,14 @@ void checkFlush() {
   OPEN_LIBRARY(library);
   if (!library->table().flush) GTEST_SKIP() << "flush is not offered";
   Scene scene;
-  step("flush while a callback has not returned");
+  step("flush during a callback");
   if (returnsWhileHeld(scene, kFlushHold, [&] { scene.client.flush(); })) {
     warn(
-        "flush returned while a request was out. The contract allows it, and the request may be called back "
-        "later; "
-        "a flush that waits spares Java the end of a client in the middle of its work");
+        "flush returned while a request was in flight. The contract allows this, but then Java may destroy "
+        "the "
+        "client before its requests finish; better wait for them in flush");
   } else {
-    note("flush waits for requests that are out");
+    note("flush waits for requests in flight");
   }
 }
 

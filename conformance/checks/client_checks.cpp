@@ -68,7 +68,7 @@ void judge(const Worker& worker, size_t index) {
   }
   for (const Message& message : worker.inbox.messages()) {
     HOLDS(message.nativeReq() < kRequestsOfClient || message.name() != kShotCallback)
-        << who << "a callback for request " << message.nativeReq() << ", which it never had";
+        << who << "a callback for request " << message.nativeReq() << ", which it never submitted";
   }
 }
 
@@ -122,7 +122,7 @@ void checkClients() {
   step("flush, uninit and destroyClient of a client in use");
   first.end();
 
-  step("the end of a client that was never initialised");
+  step("destroying a client that was never initialised");
   AlgoCreateClientRecord record;
   record.interfaceVersion = kAlgoTableVersion;
   void* const bare = call<void*>(nullptr, library->table().createClient, record);
@@ -137,7 +137,7 @@ void checkClients() {
   }
   call(kRefused, library->table().destroyClient, bare);
 
-  step("a request of the client that is left");
+  step("a request of the remaining client");
   Scene scene;
   scene.run(1);
 }
@@ -159,8 +159,8 @@ void checkConcurrency() {
     callbacks += workers[i]->inbox.messages().size();
   }
   note(std::to_string(callbacks) + " callbacks for " + std::to_string(4 * kRequestsOfClient) +
-       " requests; the others ended with their clients");
-  step("a request when all of them are gone");
+       " requests; the others were dropped with their clients");
+  step("a request after all are destroyed");
   Scene scene;
   scene.run(1);
 }

@@ -91,10 +91,10 @@ public:
 
   bool isDone() const { return mIsDone; }
   // Returns "" or describes the first pixels that neither run wrote.
-  std::string untouched(size_t index) const { return find(index, isUntouched, "stays as it was"); }
+  std::string untouched(size_t index) const { return find(index, isUntouched, "is unchanged"); }
   // Returns "" or describes the first pixels that differ between the runs.
   std::string different(size_t index) const {
-    return find(index, isDifferent, "depends on what the output held before");
+    return find(index, isDifferent, "depends on the previous contents of the output");
   }
 
 private:
@@ -153,9 +153,9 @@ void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) 
                              : "the input's strides are used for the output";
   for (size_t i = 0; i < 2; ++i) {
     const std::string untouched = runs.untouched(i);
-    if (i == 1) usual = "the first output alone is served";
+    if (i == 1) usual = "only the first output is written";
     HOLDS(untouched.empty()) << "output " << i << " of a copy of " << what
-                             << ": every pixel must be written, and " << untouched << "; usually " << usual;
+                             << ": every pixel must be written, but " << untouched << "; usually " << usual;
     if (!untouched.empty()) return;
   }
 }
@@ -207,7 +207,7 @@ void checkOutputs() {
         HOLDS(came) << kNoCallback << "an image " << what;
         if (!came && ++missing == kMostMissing) return;
         HOLDS(output.strayWrite().empty()) << what << ": " << output.strayWrite();
-        HOLDS(input.isAsMade() && input.strayWrite().empty()) << what << ": the input is written";
+        HOLDS(input.isAsMade() && input.strayWrite().empty()) << what << ": the input was written to";
       }
     }
   }

@@ -80,8 +80,8 @@ bool startVm() {
   std::string reason;
   const CreateVm create = findVm(reason);
   if (create == nullptr) {
-    if (options().jvm.empty()) return skip("there is no Java VM: " + reason);
-    ADD_FAILURE() << "there is no Java VM: " << reason;
+    if (options().jvm.empty()) return skip("no Java VM: " + reason);
+    ADD_FAILURE() << "no Java VM: " << reason;
     return false;
   }
   const bool started = createVm(create) == JNI_OK;
@@ -190,7 +190,7 @@ void checkJava() {
       << " callbacks came from threads that the Java VM does not know; for full-async "
          "requests and light-stream events they are lost";
   HOLDS(gEndedAttached == 0) << gEndedAttached << " of " << gEnded
-                             << " threads that called back ended without being detached from the Java VM";
+                             << " threads that called back ended attached to the Java VM";
   for (const std::string& thrown : library->observer().thrown()) ADD_FAILURE() << thrown;
   note(std::to_string(seen.threads.size()) + " threads called back, " + std::to_string(alive) + " live on");
 }

@@ -65,7 +65,7 @@ void judgeGrowth(const std::string& what, int clients, const Holdings& growth) {
 
 void tryManyClients() {
   Inbox inbox;
-  step("five clients in turn, and ten at once, to begin with");
+  step("warm-up: five clients in turn, and ten at once");
   for (int i = 0; i < 5; ++i) live(inbox, true);
   liveAtOnce(inbox);
   settledGrowth(Holdings::now());
@@ -92,7 +92,7 @@ void endBusyClients() {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     if (alive == 0) ++late;
   });
-  step("the end of a client with requests in flight, ten times");
+  step("destroying a client with requests in flight, ten times");
   std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>>
       outputs;  // with their bytes when the client was destroyed
   for (int round = 0; round < 10; ++round) {
@@ -141,12 +141,13 @@ void releaseAndComeBack() {
     step("uninit with mode " + std::to_string(mode) + ", and a request of another client");
     first.client.uninit(mode);
     HOLDS(second.run(static_cast<uint64_t>(mode) + 10))
-        << "a client must work when another was uninitialised; usually a flag of all clients is cleared";
+        << "a client must work after another was uninitialised; usually a flag shared by all clients is "
+           "cleared";
     step("init after uninit with mode " + std::to_string(mode) + ", and a request");
     init(first.client);
     HOLDS(first.run(static_cast<uint64_t>(mode) + 20))
-        << "a client must work when init follows an uninit with mode " << mode
-        << "; usually uninit sets a flag that init does not clear";
+        << "a client must work after uninit with mode " << mode
+        << " and init; usually uninit sets a flag that init does not clear";
   }
 }
 

@@ -88,12 +88,12 @@ void checkExceptions() {
     call(-1, table.translateParamFile, file);
     scene.client.uninit(2);
   }
-  step("the notice that the process ends");
+  step("the notice that the process is about to end");
   AlgoCommandRecord notice;
   notice.data.assign(kNotifyKill, kNotifyKill + sizeof kNotifyKill);
   call(-1, table.command, notice);
   for (const std::string& thrown : library->observer().thrown()) ADD_FAILURE() << thrown;
-  HOLDS(stuck == 0) << stuck << " visitors and callbacks are called while an exception is being handled";
+  HOLDS(stuck == 0) << stuck << " visitors and callbacks ran during exception handling";
 }
 
 void checkHostile() {
@@ -104,7 +104,7 @@ void checkHostile() {
   uint64_t values = 0;
   Scene scene;
   do {
-    step("request " + std::to_string(requests) + " of random parameters, of the seed " +
+    step("request " + std::to_string(requests) + " of random parameters, seed " +
          std::to_string(options().seed));
     Block parameters;
     random.fill(parameters);

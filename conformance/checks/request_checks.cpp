@@ -100,7 +100,7 @@ void runDoomed(bool isHardwareBuffer) {
   request.inputs = {&input};
   request.outputs = {&kept};
   submit(scene.client, scene.inbox, scene.parameters, request);
-  HOLDS(scene.inbox.waitFor(5)) << kNoCallback << "a request whose record stays";
+  HOLDS(scene.inbox.waitFor(5)) << kNoCallback << "a request whose record is kept";
 
   const LentImage lentInput(input);
   const LentImage lentOutput(output);
@@ -114,12 +114,12 @@ void runDoomed(bool isHardwareBuffer) {
     const Operation operation("process", operationName("process"));
     call(-1, Library::open()->bareTable().process, *doomed);
   }
-  step("the record was taken away when process had returned");
+  step("the record is freed after process returned");
   doomed.doom();
   raw->destroy();
   lentInput.takeBack();
   lentOutput.takeBack();
-  HOLDS(scene.inbox.waitFor(6)) << kNoCallback << "a request whose record went when process had returned";
+  HOLDS(scene.inbox.waitFor(6)) << kNoCallback << "a request whose record was freed after process returned";
   HOLDS(output.bytes() == kept.bytes())
       << "the output differs if the record and its " << (isHardwareBuffer ? "hardware buffers' " : "")
       << "descriptors are released once process returns";
@@ -260,10 +260,10 @@ void checkCallbacks() {
         << "a callback with the name \"" << name << "\"";
     bool isKnown = name != kShotCallback;
     for (uint64_t id : ids) isKnown = isKnown || message.nativeReq() == id;
-    HOLDS(isKnown) << "a callback for request " << hex(message.nativeReq()) << ", which there never was";
+    HOLDS(isKnown) << "a callback for request " << hex(message.nativeReq()) << ", which was never submitted";
   }
   if (insideProcess > 0)
-    warn(std::to_string(insideProcess) + " callbacks came inside process, on the caller's thread");
+    warn(std::to_string(insideProcess) + " callbacks arrived inside process, on the caller's thread");
   note(std::to_string(ids.size()) + " requests");
 }
 

@@ -64,8 +64,7 @@ void judgeGrowth(const Holdings& growth) {
   for (const Limit& limit : kLimits) {
     HOLDS(growth.*limit.held <= limit.slack)
         << kRequests << " requests must leave nothing behind: " << growth.*limit.held << " " << limit.what
-        << " more; usually what a request duplicates, maps, starts or "
-        << "allocates is released on some ways out only";
+        << " more; usually an early return skips a close, munmap, join or free";
   }
 }
 
@@ -144,8 +143,7 @@ void tryManyRequests(Client& client, Inbox& inbox) {
     if (testing::Test::HasFailure() || least < kBytesOfRequest) break;
   }
   const std::string count = std::to_string(done) + " requests: ";
-  HOLDS(least < kBytesOfRequest) << count << "none may leave memory behind, and allocated memory grows by "
-                                 << least
+  HOLDS(least < kBytesOfRequest) << count << "none may leak memory, but allocated memory grows by " << least
                                  << " bytes for each (least squares over the second half, the least of "
                                  << kRounds
                                  << " rounds); usually a list of requests or results is never erased from";
@@ -153,10 +151,10 @@ void tryManyRequests(Client& client, Inbox& inbox) {
        (done < kFewestForSlope ? ", too few to be sure" : ""));
 }
 
-// "; left are A, B"
+// "; left over: A, B"
 std::string listOf(const std::vector<std::string>& left) {
   std::string text;
-  for (const std::string& one : left) text += (text.empty() ? "; left are " : ", ") + one;
+  for (const std::string& one : left) text += (text.empty() ? "; left over: " : ", ") + one;
   return text;
 }
 
@@ -191,14 +189,15 @@ void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, con
   HOLDS(growth.descriptors <= 0 && growth.imageMappings <= 0)
       << "three requests with " << what << " must leave no descriptor and no mapping: " << growth.descriptors
       << " descriptors and " << growth.imageMappings << " mappings are left after " << kSettle.count() << " s"
-      << listOf(watch.takeLeft()) << "; usually one way out, for this format alone, lacks close or munmap";
+      << listOf(watch.takeLeft()) << "; usually an early return, for this format only, skips close or munmap";
   for (const Image* image : {&input, &output, &second}) watch.forget(image->descriptors());
   for (const std::string& wrong : watch.takeWrong()) {
     ADD_FAILURE()
         << "a request with " << what
-        << ": a library closes each descriptor that it opened once, and unmaps each mapping that it "
-        << "made once and whole, and there was " << wrong
-        << "; usually two ways out release one thing, and its number or place may be somebody else's by then";
+        << ": a library must close each descriptor of its own exactly once, and unmap each mapping of its "
+           "own "
+        << "exactly once and as a whole; found " << wrong
+        << "; usually two places release the same resource, whose number or address may be reused meanwhile";
   }
 }
 
@@ -232,7 +231,7 @@ void checkDescriptors() {
       if (testing::Test::HasFailure()) return;
     }
   }
-  if (!DescriptorWatch::canSee()) note("close, dup and munmap are not looked at under a sanitizer");
+  if (!DescriptorWatch::canSee()) note("close, dup and munmap are not checked under a sanitizer");
 }
 
 }  // namespace orlu::conform

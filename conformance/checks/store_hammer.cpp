@@ -102,7 +102,7 @@ struct Wrong {
     if (count++ > 0) return;
     first = key + " must have " + std::to_string(wanted.size()) + " bytes of " +
             std::to_string(static_cast<unsigned char>(wanted[0])) +
-            (seen.empty() ? ", and is not there" : ", and has others");
+            (seen.empty() ? ", but is missing" : ", but has others");
   }
   void add(const Wrong& other) {
     if (count == 0) first = other.first;
@@ -185,7 +185,9 @@ struct Hammer {
 }  // namespace
 
 void hammerStore() {
-  step("eight threads at one block and at blocks of their own; a crash here is usually a map without a lock");
+  step(
+      "eight threads use one block, and blocks of their own; a crash here usually means a map without a "
+      "lock");
   Hammer hammer;
   std::vector<std::thread> threads;
   for (int i = 1; i < kThreads; ++i) threads.emplace_back([&hammer, i] { hammer.follow(i); });
@@ -194,9 +196,10 @@ void hammerStore() {
   Wrong all;
   for (const Wrong& one : hammer.wrong) all.add(one);
   const int values = hammer.rounds * kThreads * (2 * kKeys + 2);
-  HOLDS(all.count == 0) << "eight threads at the store at once must each read what was set, and whole: "
-                        << all.count << " of " << values << " values are wrong, the first: " << all.first
-                        << "; usually the map of a block, or of all blocks, has no lock";
+  HOLDS(all.count == 0)
+      << "eight threads that use the store at once must each read the whole value that was set: " << all.count
+      << " of " << values << " values are wrong, the first: " << all.first
+      << "; usually the map of a block, or of all blocks, has no lock";
   note("8 threads, " + std::to_string(values) + " values in " + std::to_string(hammer.rounds) + " rounds");
 }
 

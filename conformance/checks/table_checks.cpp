@@ -19,19 +19,19 @@ struct Need {
   const char* cost;
 };
 constexpr Need kNeeds[] = {
-    {"createClient",    "no client is made; every operation gets a null one"                              },
-    {"destroyClient",   "what a client holds is never given back"                                         },
-    {"init",            "clients are never initialised"                                                   },
-    {"process",         "no request is worked on: each takes 10 seconds, and its results are the defaults"},
-    {"uninit",          "clients are never uninitialised"                                                 },
-    {"flush",           "a client is destroyed with requests in flight"                                   },
-    {"command",         "requests can't be aborted, and the end of the process is not announced"          },
-    {"createMetadata",  "there are no parameters and no results"                                          },
-    {"destroyMetadata", "every request leaks its blocks"                                                  },
-    {"getSize",         "no request is submitted"                                                         },
-    {"setValue",        "the algorithms get no parameters"                                                },
-    {"getValue",        "there are no results"                                                            },
-    {"setRaw",          "the algorithms get no camera metadata"                                           },
+    {"createClient",    "no client is created; every operation gets a null client"              },
+    {"destroyClient",   "the resources of a client are never released"                          },
+    {"init",            "clients are never initialised"                                         },
+    {"process",         "no request is processed: each takes 10 seconds and has default results"},
+    {"uninit",          "clients are never uninitialised"                                       },
+    {"flush",           "a client is destroyed with requests in flight"                         },
+    {"command",         "requests can't be aborted, and the process can't announce its end"     },
+    {"createMetadata",  "there are no parameters and no results"                                },
+    {"destroyMetadata", "every request leaks its blocks"                                        },
+    {"getSize",         "no request is submitted"                                               },
+    {"setValue",        "the algorithms get no parameters"                                      },
+    {"getValue",        "there are no results"                                                  },
+    {"setRaw",          "the algorithms get no camera metadata"                                 },
 };
 
 template <typename Table>
@@ -78,10 +78,10 @@ bool looksWhole(const GuardedTable& guarded) {
   };
   const size_t behind = GuardedTable::touched(guarded.after);
   hold(GuardedTable::touched(guarded.before) == 0, "the entry writes before the table");
-  hold(behind == 0, "the entry writes " + std::to_string(behind) + " bytes behind the table of " +
+  hold(behind == 0, "the entry writes " + std::to_string(behind) + " bytes after the table of " +
                         std::to_string(sizeof guarded.table));
   const std::string wrong = oddCallable(guarded.table);
-  hold(wrong.empty(), wrong + " holds no code: the table has another layout");
+  hold(wrong.empty(), wrong + " does not point to code: the layout of the table differs");
   return whole;
 }
 
@@ -185,9 +185,9 @@ void compareSizes() {
 void checkLoading() {
   std::string error;
   Library* const library = Library::open(&error);
-  HOLDS(library != nullptr) << "it can't be loaded with everything bound at once, or has no entry: " << error;
+  HOLDS(library != nullptr) << "it can't be loaded with RTLD_NOW, or has no entry: " << error;
   if (library == nullptr) return;
-  HOLDS(library->isWhole()) << "the entry fills nothing in that can be called";
+  HOLDS(library->isWhole()) << "the entry fills in no callable";
   const std::vector<std::string> offered = probe::callableNames(library->bareTable(), true);
   const auto first = std::make_unique<SpaciousTable>();
   const auto second = std::make_unique<SpaciousTable>();
@@ -202,11 +202,11 @@ void checkLoading() {
         << "the reserved callable of the block operations is filled in";
   }
 
-  step("a table, when the one before it is gone");
+  step("a table, after the previous one was destroyed");
   first->table = AlgoInterfaceCallbacks();
   const AlgoMetadataOps& ops = second->table.metadataOps;
   void* const block = call<void*>(nullptr, ops.createMetadata, kParameterBlock);
-  HOLDS(!ops.createMetadata || block != nullptr) << "with one table gone, another one makes no block";
+  HOLDS(!ops.createMetadata || block != nullptr) << "after one table was destroyed, another creates no block";
   if (block != nullptr) callPlain(ops.destroyMetadata, block);
   note(std::to_string(offered.size()) + " callables");
 }

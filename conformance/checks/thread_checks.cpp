@@ -88,7 +88,7 @@ struct Painter {
       if (waitsForEach) inbox.waitFor(i + 1);
     }
     for (size_t i = 0; i < kPictures; ++i) {
-      HOLDS(inbox.waitFor(i + 1)) << kNoCallback << "request " << i + 1 << " of several at once";
+      HOLDS(inbox.waitFor(i + 1)) << kNoCallback << "request " << i + 1 << " of several in parallel";
     }
   }
 };
@@ -102,7 +102,7 @@ void paintAtOnce() {
     alone.back()->paint(true);
     together.push_back(std::make_unique<Painter>(i * 10));
   }
-  step("the pictures of four clients at once");
+  step("the pictures of four clients in parallel");
   std::vector<std::thread> threads;
   threads.reserve(together.size());
   for (const auto& painter : together) threads.emplace_back([&painter] { painter->paint(false); });
@@ -114,8 +114,8 @@ void paintAtOnce() {
     }
   }
   const std::string text =
-      "the outputs of requests at once must be those of the same requests one after another: " +
-      std::to_string(different) + " of 24 differ; usually workers share a buffer";
+      "requests in parallel must give the same outputs as one after another: " + std::to_string(different) +
+      " of 24 differ; usually workers share a buffer";
   if (different > 0 && options().allowNoise) return warn(text);
   HOLDS(different == 0) << text;
 }
@@ -135,14 +135,14 @@ void checkKeys() {
                        << " letters compared whole: " << wrong
                        << "; usually names are cut to a fixed length, or the values are in a fixed array";
   note(std::to_string(entries.size()) + " values, " + std::to_string(std::size(kParameters)) +
-       " of them the service's own");
+       " of them sent by the service");
 }
 
 void checkThreads() {
   OPEN_LIBRARY(library);
   hammerStore();
   paintAtOnce();
-  note("24 pictures at once");
+  note("24 pictures in parallel");
 }
 
 }  // namespace orlu::conform

@@ -32,7 +32,7 @@ void note(const std::string& text);
 void warn(const std::string& text);
 // Makes the check's process exit without cleanup after the check.
 void endAtOnce();
-// Exits the check's process now. Failures so far are kept; the rest is reported as "not tried: <why>".
+// Exits the check's process now. Failures so far are kept; the rest is reported as "not run: <why>".
 [[noreturn]] void endNotTried(const std::string& why);
 // Counts a missing callback. After two checks with missing callbacks, later checks wait for a shorter time.
 void missCallback();
@@ -63,7 +63,7 @@ struct Outcome {
 };
 
 // The reason of checks that are skipped because the time budget is used up. The command then fails.
-constexpr char kOutOfTime[] = "not tried: the time for all checks is over (--budget)";
+constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budget)";
 
 // Restarts the time budget.
 void startBudget();

@@ -115,13 +115,14 @@ std::string listen(const Check& check, int descriptor, std::string& words) {
     const std::string overdue = overdueOperation(patience);
     if (!overdue.empty()) {
       noteHang(overdue);
-      return overdue + " hangs: it must return, and has not after " + std::to_string(patience.count()) +
-             " s; usually it waits for a count that one way out does not lower, or for its own thread";
+      return overdue + " hangs: it has not returned after " + std::to_string(patience.count()) +
+             " s; usually it waits for a counter that an early return does not decrement, or for its own "
+             "thread";
     }
-    if (now > limit) return "hangs: not done after " + std::to_string(options().limitSeconds) + " s";
+    if (now > limit) return "hangs: not finished after " + std::to_string(options().limitSeconds) + " s";
     if (now > budgetEnd()) {
-      return "not done when the time for all checks, " + std::to_string(options().budgetSeconds) +
-             " s, was over (--budget)";
+      return "not finished within the time for all checks, " + std::to_string(options().budgetSeconds) +
+             " s (--budget)";
     }
     if (now < progress) continue;
     progress = now + kProgress;
@@ -201,7 +202,7 @@ void endAtOnce() {
 }
 
 void endNotTried(const std::string& why) {
-  send('S', "not tried: " + why);
+  send('S', "not run: " + why);
   send('E', "");
   _exit(0);
 }
@@ -223,7 +224,7 @@ Outcome runApart(const Check& check) {
   Outcome outcome;
   const Clock::time_point start_ = Clock::now();
   if (start_ > budgetEnd()) return {Verdict::kSkipped, {kOutOfTime}, {}, {}, 0};
-  if (!shareProgress()) return {Verdict::kFailed, {"no memory to share with the check"}, {}, {}, 0};
+  if (!shareProgress()) return {Verdict::kFailed, {"can't share memory with the check"}, {}, {}, 0};
   const Child child = start(check);
   std::string words;
   const std::string late = child.pid > 0 ? listen(check, child.words, words) : "can't be started";
@@ -237,9 +238,9 @@ Outcome runApart(const Check& check) {
   } else if (!ended || status != 0) {
     const std::string output = lastOutput(child.output);
     outcome.evidence.insert(outcome.evidence.begin(),
-                            (ended ? "when the check was over, " : "") + ending(status) +
+                            (ended ? "after the check, " : "") + ending(status) +
                                 (ended ? "" : whereabouts()) +
-                                (output.empty() ? "" : "; its last words: " + probe::printable(output)));
+                                (output.empty() ? "" : "; last output: " + probe::printable(output)));
   }
   if (!late.empty() || !ended || status != 0) outcome.verdict = Verdict::kFailed;
   if (child.words >= 0) close(child.words);

@@ -8,7 +8,7 @@ namespace {
 
 // Constants of the interface's header replace the placeholders in this text.
 constexpr char kText[] =
-    R"(- **The table.** The library is opened by its name with everything bound at once, when the first client is
+    R"(- **The table.** The library is opened by its name with RTLD_NOW, when the first client is
   made, and is never closed. The entry is called once for the process and once more for each client, each
   time with a zeroed table, and maybe on two threads at once. Reserved callables are never called.
 - **Threads.** Every callable is called on a thread of Java's, which is attached to the Java VM; block
@@ -66,7 +66,7 @@ constexpr char kText[] =
   - **Clients.** destroyClient returns when nothing works for the client any more, and leaves no thread,
     descriptor or memory of it behind. A client works again when init follows an uninit with mode 1 or 2,
     and whatever happens to another client.
-  - **Callbacks.** Inside one Java may end the request, submit the next, flush, abort, and make or destroy
+  - **Callbacks.** Inside one Java may finish the request, submit the next, flush, abort, and make or destroy
     clients, the callback's own too; all of that returns. While a callback has not returned, calls on other
     threads do, but for flush and destroyClient of its client.
   - **Calls return.** flush need not wait: what is out when it returns may be called back later.

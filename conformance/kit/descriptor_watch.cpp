@@ -186,11 +186,11 @@ int watchedClose(int fd, const void* caller) {
   const std::lock_guard<std::mutex> lock(all.mutex);
   const auto kept = all.kept.find(fd);
   if (kept != all.kept.end()) {
-    all.wrong.push_back(text + " of a descriptor that was closed before, by " + kept->second);
+    all.wrong.push_back(text + " of a descriptor already closed by " + kept->second);
     return badDescriptor();
   }
   if (all.callers.count(fd) != 0) {
-    all.wrong.push_back(text + " of a descriptor that is the caller's");
+    all.wrong.push_back(text + " of the caller's descriptor");
     return 0;  // as success would, so that the caller continues
   }
   if (plainFcntl(fd, F_GETFD, nullptr) < 0) {
@@ -208,7 +208,7 @@ bool watchedUse(const char* call, int fd, const void* caller) {
   const std::lock_guard<std::mutex> lock(all.mutex);
   const auto kept = all.kept.find(fd);
   if (kept == all.kept.end()) return true;
-  all.wrong.push_back(text + " of a descriptor that was closed before, by " + kept->second);
+  all.wrong.push_back(text + " of a descriptor already closed by " + kept->second);
   badDescriptor();
   return false;
 }

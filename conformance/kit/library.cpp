@@ -34,7 +34,8 @@ thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 }  // namespace
 
 void CallObserver::before(const probe::WatchedCall& call) noexcept {
-  tOperations.push_back(std::make_unique<Operation>(describe(call), operationName(std::string(call.operation))));
+  tOperations.push_back(
+      std::make_unique<Operation>(describe(call), operationName(std::string(call.operation))));
 }
 
 void CallObserver::after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept {

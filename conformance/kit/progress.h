@@ -20,7 +20,7 @@ std::string whereabouts();
 // The operation that has been running for longer than `limit`; "" if none has.
 std::string overdueOperation(std::chrono::seconds limit);
 // Marks an operation as hanging for processes started from now on. A check that calls it stops and reports
-// "not tried".
+// "not run".
 void noteHang(const std::string& operation);
 
 // The current operation of this thread. Operations of the library have a name: they are timed and must
