@@ -91,16 +91,14 @@ final class BurstSession {
 
     // Prints the tables, and returns the duration of the burst in milliseconds.
     private double print(RequestFile request, Burst burst, List<Shot> shots) throws IOException {
-        double milliseconds =
-                length(new Stage("", shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0),
-                        shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0)));
+        long start = shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0);
+        long end = shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0);
+        double milliseconds = length(new Stage("", start, end));
         double rate = shots.size() * 1000 / milliseconds;
-        long peak = Files.readAllLines(Path.of("/proc/self/status"))
-                            .stream()
-                            .filter(line -> line.startsWith("VmHWM"))
-                            .mapToLong(line -> Long.parseLong(line.replaceAll("[^0-9]", "")) / 1024)
-                            .findFirst()
-                            .orElse(0);
+        long peak = Files.readAllLines(Path.of("/proc/self/status")).stream()
+                .filter(line -> line.startsWith("VmHWM"))
+                .mapToLong(line -> Long.parseLong(line.replaceAll("[^0-9]", "")) / 1024)
+                .findFirst().orElse(0);
         mTo.plain(request.file() + ", " + shots.size() + " times on one client, "
                 + (request.fullAsync() ? "full-async" : "synchronous"));
         TextTable table = new TextTable(List.of("latency, ms", "median", "95 %", "99 %", "largest"));

@@ -2,9 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import com.orlu.orlu3rdalgoservice.tool.check.RequestChecker;
-import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
-import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
 import com.orlu.orlu3rdalgoservice.tool.image.ImageDifference;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
@@ -22,7 +20,6 @@ import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.List;
 import java.util.Map;
-import java.util.Set;
 import java.util.concurrent.Callable;
 
 import picocli.CommandLine.Command;
@@ -53,11 +50,7 @@ final class CompareCommand implements Subcommand {
     private record Pair(String name, Verdict verdict, Verdict one, Verdict other, OutputMeasure outputs,
             double oneTime, double otherTime, List<String> differences, List<Map<String, Object>> cells) {
         String status() {
-            return word(one) + " / " + word(other);
-        }
-
-        private static String word(Verdict verdict) {
-            return verdict.status() == Verdict.OK ? "ok" : "FAILED";
+            return ShotRun.status(one) + " / " + ShotRun.status(other);
         }
 
         boolean hasRun() {
@@ -133,27 +126,21 @@ final class CompareCommand implements Subcommand {
     private Pair pair(Path request, String name) throws MistakeException, IOException {
         try (ShotRun one = ShotRun.of(request, mLibraries.get(0), List.of());
                 ShotRun other = ShotRun.of(request, mLibraries.get(1), List.of())) {
-            return pair(name, one, other);
+            List<String> differences = one.differences(other).stream().map(Difference::text).toList();
+            OutputMeasure outputs = one.outputs(other);
+            List<String> reasons = new ArrayList<>();
+            one.verdict().reasons().forEach(reason -> reasons.add("A: " + reason));
+            other.verdict().reasons().forEach(reason -> reasons.add("B: " + reason));
+            if (mLeastPsnr == null) {
+                reasons.addAll(differences);
+            } else if (!(outputs.psnr() >= mLeastPsnr)) {
+                reasons.add(Double.isNaN(outputs.psnr()) ? "the outputs can't be compared"
+                        : "PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
+            }
+            return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
+                    one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(),
+                    differences, mMany.report == null ? List.of() : cells(one, other, outputs));
         }
-    }
-
-    private Pair pair(String name, ShotRun one, ShotRun other) throws MistakeException, IOException {
-        boolean hasBoth = one.run() != null && other.run() != null;
-        List<String> differences = !hasBoth ? List.of() : new Comparison(one.run(), other.run(), Set.of(), 0,
-                new OutputComparison(null, "")).differences().stream().map(Difference::text).toList();
-        OutputMeasure outputs = hasBoth ? OutputMeasure.of(one.run(), other.run()) : OutputMeasure.NONE;
-        List<String> reasons = new ArrayList<>();
-        addReasons(reasons, "A", one.verdict());
-        addReasons(reasons, "B", other.verdict());
-        if (mLeastPsnr == null) {
-            reasons.addAll(differences);
-        } else if (!(outputs.psnr() >= mLeastPsnr)) {
-            reasons.add(Double.isNaN(outputs.psnr()) ? "the outputs can't be compared"
-                    : "PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
-        }
-        return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
-                one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(),
-                differences, mMany.report == null ? List.of() : cells(one, other, outputs));
     }
 
     // The two least similar outputs and their difference.
@@ -169,10 +156,6 @@ final class CompareCommand implements Subcommand {
                         List.of("PSNR " + outputs.psnrText() + ", SSIM " + outputs.ssimText()),
                         difference == null ? null : difference.picture(),
                         Double.isNaN(outputs.psnr()) ? "not comparable" : "equal"));
-    }
-
-    private static void addReasons(List<String> reasons, String side, Verdict verdict) {
-        verdict.reasons().forEach(reason -> reasons.add(side + ": " + reason));
     }
 
     private static String time(double milliseconds) {

@@ -44,12 +44,8 @@ final class RunComparison extends ResultOptions {
     void print(String title, Run one, Run other) throws MistakeException, IOException {
         ComparisonReport.Options options =
                 new ComparisonReport.Options(mIgnored, mTolerance, mOut, !mLeavesCauses);
-        add(title,
-                new ComparisonReport(options, one, other, text())
-                        .print(title)
-                        .stream()
-                        .map(Difference::text)
-                        .toList());
+        add(title, new ComparisonReport(options, one, other, text()).print(title).stream()
+                .map(Difference::text).toList());
     }
 
     /** Adds a result, which is ok without differences. */

@@ -213,9 +213,8 @@ final class Session {
         if (pages != null) {
             options.written.text().println("  page        " + Printable.line(pages.index().toString()));
         }
-        options.written.last().println(new Verdict(results.status(),
-                List.of("%d of %d requests: %s".formatted(failed.size(), results.size(), files)))
-                                               .line());
+        options.written.last().println(new Verdict(results.status(), List.of(
+                "%d of %d requests: %s".formatted(failed.size(), results.size(), files))).line());
     }
 
     private RunReport runOne(String name, RequestFile request, Exhibits exhibits, boolean lastOfClient)

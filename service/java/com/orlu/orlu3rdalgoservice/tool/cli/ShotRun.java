@@ -1,5 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
+import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
+import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
+import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
 import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
@@ -14,6 +17,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Set;
 
 /**
  * A request that ran in its own process over one library.
@@ -33,19 +37,20 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         arguments.addAll(List.of("--json", json.toString(), request.toString()));
         try {
             List<Path> folders = RunFolder.in(child.record(arguments));
-            Json result = Files.exists(json) ? Json.read(json).require("results").list().get(0) : Json.none();
+            Json result = result(json);
             return new ShotRun(RunFolder.read(folders.get(0), request.toString()), Results.verdict(result),
                     result, child);
         } catch (IllegalStateException | MistakeException e) {
             // Not recorded, for example over an unusable library.
-            Verdict verdict = Files.exists(json) ? Results.verdict(
-                    Json.read(json).require("results").list().get(0)) : null;
-            return new ShotRun(null,
-                    verdict == null || verdict.status() == Verdict.OK
-                            ? new Verdict(Verdict.FAILED, List.of(e.getMessage().strip()))
-                            : verdict,
-                    Json.none(), child);
+            Json result = result(json);
+            Verdict verdict = result.has("verdict") ? Results.verdict(result) : Verdict.ok();
+            return new ShotRun(null, verdict.status() != Verdict.OK ? verdict
+                    : new Verdict(Verdict.FAILED, List.of(e.getMessage().strip())), Json.none(), child);
         }
+    }
+
+    private static Json result(Path json) throws MistakeException {
+        return Files.exists(json) ? Json.read(json).require("results").list().get(0) : Json.none();
     }
 
     @Override
@@ -53,12 +58,38 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         child.remove();
     }
 
-    /** The similarity of its outputs to the clean photo; null if unknown. */
+    /** Whether both are recorded. */
+    boolean isComparable(ShotRun other) {
+        return run != null && other.run != null;
+    }
+
+    /** The differences from another run; none if they are not comparable. */
+    List<Difference> differences(ShotRun other) throws MistakeException, IOException {
+        return !isComparable(other) ? List.of()
+                : new Comparison(run, other.run, Set.of(), 0, new OutputComparison(null, "")).differences();
+    }
+
+    /** The similarity of the outputs of two runs. */
+    OutputMeasure outputs(ShotRun other) throws MistakeException {
+        return isComparable(other) ? OutputMeasure.of(run, other.run) : OutputMeasure.NONE;
+    }
+
+    /** The algorithms that were handed on. */
+    List<String> algorithms() {
+        return run == null ? List.of() : run.algorithms().stream().findFirst().orElse(List.of());
+    }
+
+    /** A verdict in a table. */
+    static String status(Verdict verdict) {
+        return verdict.status() == Verdict.OK ? "ok" : "FAILED";
+    }
+
+    /** The similarity of its outputs to the clean photo; OutputMeasure.NONE if unknown. */
     OutputMeasure photo() throws MistakeException {
-        OutputMeasure least = null;
+        OutputMeasure least = OutputMeasure.NONE;
         for (Json measure : result.has("photo") ? result.get("photo").list() : List.<Json>of()) {
             double psnr = Double.parseDouble(measure.get("psnr").text());
-            if (least == null || psnr < least.psnr()) {
+            if (least == OutputMeasure.NONE || psnr < least.psnr()) {
                 least = new OutputMeasure(psnr, Double.parseDouble(measure.get("ssim").text()), 0);
             }
         }

@@ -1,9 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.cli;
 
 import com.orlu.orlu3rdalgoservice.record.JsonWriter;
-import com.orlu.orlu3rdalgoservice.tool.compare.Comparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.Difference;
-import com.orlu.orlu3rdalgoservice.tool.compare.OutputComparison;
 import com.orlu.orlu3rdalgoservice.tool.compare.OutputMeasure;
 import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import com.orlu.orlu3rdalgoservice.tool.model.Dependences;
@@ -21,7 +19,6 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
-import java.util.Set;
 import java.util.concurrent.Callable;
 import java.util.stream.Stream;
 
@@ -66,16 +63,20 @@ final class SweepCommand implements Subcommand {
         }
         List<SweptTag> tags = mTags.stream().map(SweptTag::of).toList();
         List<List<String>> points = points(tags);
-        check(requests.get(0), tags, points);
+        // Reports a wrong value before the first run.
+        RequestFile request = RequestFileReader.read(requests.get(0), null);
+        points.forEach(point -> RequestTags.set(request, point));
         List<String> headings = new ArrayList<>(tags.stream().map(SweptTag::shortName).toList());
         headings.addAll(List.of("status", "PSNR", "SSIM", "parameters", "results", "algorithms"));
         TextTable table = new TextTable(headings);
         List<Callable<ShotRun>> work = new ArrayList<>();
         for (List<String> point : points) {
-            work.add(() -> ShotRun.of(requests.get(0), null, options(tags, point)));
+            work.add(() -> ShotRun.of(requests.get(0), null,
+                    point.stream().map(assignment -> "--tag=" + assignment).toList()));
         }
         try {
-            SideBySide.run("running values", mMany.jobs, work, run -> take(run, tags, points, table));
+            SideBySide.run("running values", mMany.jobs, work,
+                    run -> take(run, points.get(mResults.size()), table));
         } finally {
             if (mFirst != null) {
                 mFirst.close();
@@ -84,11 +85,11 @@ final class SweepCommand implements Subcommand {
         return mMany.finish(mResults, table, sheet(tags));
     }
 
-    // The last tag changes fastest.
+    // The tags of each run, as NAME=VALUE. The last tag changes fastest.
     private static List<List<String>> points(List<SweptTag> tags) {
         List<List<String>> points = List.of(List.of());
         for (SweptTag tag : tags) {
-            points = points.stream().flatMap(point -> tag.values().stream().map(
+            points = points.stream().flatMap(point -> tag.assignments().stream().map(
                     value -> Stream.concat(point.stream(), Stream.of(value)).toList())).toList();
         }
         if (points.size() > MOST_RUNS) {
@@ -98,72 +99,43 @@ final class SweepCommand implements Subcommand {
         return points;
     }
 
-    // Reports a wrong value before the first run.
-    private static void check(Path file, List<SweptTag> tags, List<List<String>> points)
-            throws MistakeException {
-        RequestFile request = RequestFileReader.read(file, null);
-        points.forEach(point -> RequestTags.set(request, assignments(tags, point)));
-    }
-
-    private static List<String> assignments(List<SweptTag> tags, List<String> point) {
-        List<String> assignments = new ArrayList<>();
-        for (int i = 0; i < point.size(); ++i) {
-            assignments.add(tags.get(i).name() + "=" + point.get(i));
-        }
-        return assignments;
-    }
-
-    private static List<String> options(List<SweptTag> tags, List<String> point) {
-        return assignments(tags, point).stream().map(assignment -> "--tag=" + assignment).toList();
-    }
-
-    private void take(ShotRun run, List<SweptTag> tags, List<List<String>> points, TextTable table)
-            throws MistakeException, IOException {
-        List<String> point = points.get(mResults.size());
+    private void take(ShotRun run, List<String> point, TextTable table) throws MistakeException, IOException {
         boolean isFirst = mFirst == null;
         mFirst = isFirst ? run : mFirst;
-        boolean isComparable = run.run() != null && mFirst.run() != null;
-        List<Difference> all = !isComparable
-                ? List.of()
-                : new Comparison(mFirst.run(), run.run(), Set.of(), 0, new OutputComparison(null, ""))
-                          .differences();
+        List<Difference> all = mFirst.differences(run);
         List<String> parameters = all.stream().filter(each -> each.canComeFromTags()
                 && !each.parameter().equals(Dependences.ALGORITHMS))
                 .map(each -> each.text().replaceFirst("^parameter \\d+ ", "")).toList();
         List<String> results = all.stream().map(Difference::text).filter(text -> text.startsWith("frame "))
                 .toList();
-        OutputMeasure photo = mFirst.photo();
-        OutputMeasure measure = photo != null ? run.photo()
-                : isComparable ? OutputMeasure.of(mFirst.run(), run.run()) : null;
-        measure = measure == null ? OutputMeasure.NONE : measure;
+        boolean hasPhoto = mFirst.photo() != OutputMeasure.NONE;
+        OutputMeasure measure = hasPhoto ? run.photo() : mFirst.outputs(run);
         String algorithms = run.run() == null || run.run().algorithms().isEmpty() ? "-"
-                : String.join(", ", run.run().algorithms().get(0));
-        List<String> cells = new ArrayList<>(point);
-        cells.addAll(List.of(run.verdict().status() == Verdict.OK ? "ok" : "FAILED", measure.psnrText(),
-                measure.ssimText(), String.valueOf(parameters.size()), String.valueOf(results.size()),
-                algorithms));
-        List<String> below = Stream.of(run.verdict().reasons(), parameters, results)
-                .flatMap(lines -> shortened(lines).stream()).toList();
-        table.add(cells, below);
-        String name = String.join(" ", assignments(tags, point));
-        Map<String, Object> values = JsonWriter.object();
-        for (int i = 0; i < point.size(); ++i) {
-            values.put(tags.get(i).name(), point.get(i));
-        }
+                : String.join(", ", run.algorithms());
+        Map<String, Object> tags = JsonWriter.object();
+        point.forEach(assignment -> tags.put(assignment.replaceFirst("(?s)=.*", ""), value(assignment)));
+        List<String> cells = new ArrayList<>(point.stream().map(SweepCommand::value).toList());
+        cells.addAll(List.of(ShotRun.status(run.verdict()), measure.psnrText(), measure.ssimText(),
+                String.valueOf(parameters.size()), String.valueOf(results.size()), algorithms));
+        table.add(cells, Stream.of(run.verdict().reasons(), parameters, results)
+                .flatMap(lines -> shortened(lines).stream()).toList());
+        String name = String.join(" ", point);
         mResults.add(name, run.verdict(), run.milliseconds(),
-                JsonWriter.object("tags", values, "psnr", measure.psnr(), "ssim", measure.ssim(), "reference",
-                        photo != null ? "photo" : "first", "algorithmsAfter",
-                        run.run() == null ? List.of()
-                                          : run.run().algorithms().stream().findFirst().orElse(List.of()),
+                JsonWriter.object("tags", tags, "psnr", measure.psnr(), "ssim", measure.ssim(), "reference",
+                        hasPhoto ? "photo" : "first", "algorithmsAfter", run.algorithms(),
                         "differences", all.stream().map(Difference::text).toList()));
         mVerdicts.add(run.verdict());
         if (mMany.report != null) {
-            mCells.add(ContactSheet.cell(tags.size() == 1 ? name : "", List.of("PSNR " + measure.psnrText()
+            mCells.add(ContactSheet.cell(point.size() == 1 ? name : "", List.of("PSNR " + measure.psnrText()
                     + ", SSIM " + measure.ssimText(), algorithms), run.run(), 0));
         }
         if (!isFirst) {
             run.close();
         }
+    }
+
+    private static String value(String assignment) {
+        return assignment.substring(assignment.indexOf('=') + 1);
     }
 
     private static List<String> shortened(List<String> lines) {
@@ -173,20 +145,17 @@ final class SweepCommand implements Subcommand {
 
     private ContactSheet sheet(List<SweptTag> tags) throws MistakeException {
         SweptTag first = tags.get(0);
-        List<String> columns = tags.size() == 1 ? List.of()
-                : tags.get(1).values().stream().map(value -> tags.get(1).name() + "=" + value).toList();
+        List<String> columns = tags.size() == 1 ? List.of() : tags.get(1).assignments();
         ContactSheet sheet =
                 new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size() + " values",
-                        "PSNR and SSIM against the " + (mFirst.photo() != null ? "clean photo" : "first run"),
+                        "PSNR and SSIM against the "
+                                + (mFirst.photo() == OutputMeasure.NONE ? "first run" : "clean photo"),
                         columns);
         int width = columns.isEmpty() ? mCells.size() : columns.size();
         for (int i = 0; i < mCells.size(); i += width) {
-            Verdict verdict = mVerdicts.subList(i, i + width)
-                                      .stream()
-                                      .filter(each -> each.status() != Verdict.OK)
-                                      .findFirst()
-                                      .orElse(Verdict.ok());
-            sheet.add(columns.isEmpty() ? first.name() : first.name() + "=" + first.values().get(i / width),
+            Verdict verdict = mVerdicts.subList(i, i + width).stream()
+                    .filter(each -> each.status() != Verdict.OK).findFirst().orElse(Verdict.ok());
+            sheet.add(columns.isEmpty() ? first.name() : first.assignments().get(i / width),
                     verdict, verdict.reasons(), mCells.subList(i, i + width));
         }
         return sheet;

@@ -39,6 +39,11 @@ record SweptTag(String name, List<String> values) {
         return name.substring(name.lastIndexOf('.') + 1);
     }
 
+    /** NAME=VALUE for each value. */
+    List<String> assignments() {
+        return values.stream().map(value -> name + "=" + value).toList();
+    }
+
     private static List<String> range(String text, Matcher range) {
         int steps = Integer.parseInt(range.group(3));
         if (steps < 2 || steps > MOST) {
@@ -51,14 +56,10 @@ record SweptTag(String name, List<String> values) {
             // Whole numbers stay exact.
             MathContext digits =
                     new MathContext(Math.max(LEAST_DIGITS, length.precision() - length.scale()));
-            return IntStream.range(0, steps)
-                    .mapToObj(step
-                            -> from.add(length.multiply(BigDecimal.valueOf(step))
-                                                   .divide(BigDecimal.valueOf(steps - 1L),
-                                                           digits))
-                                       .stripTrailingZeros()
-                                       .toPlainString())
-                    .toList();
+            BigDecimal last = BigDecimal.valueOf(steps - 1L);
+            return IntStream.range(0, steps).mapToObj(step ->
+                    from.add(length.multiply(BigDecimal.valueOf(step)).divide(last, digits))
+                            .stripTrailingZeros().toPlainString()).toList();
         } catch (NumberFormatException e) {
             throw new IllegalArgumentException(
                     "--tag " + text + ": expected numbers around the first \":\"", e);

@@ -132,12 +132,9 @@ public final class Burst implements AutoCloseable {
                 addInFlight(-1);
             }
         }
-        int owner = compositions.stream()
-                            .map(each -> each.getMetadata(RETURNED))
-                            .filter(Long.class::isInstance)
-                            .mapToInt(value -> (int) Math.max(-1, FIRST_PLANTED - (Long) value))
-                            .findFirst()
-                            .orElse(-1);
+        int owner = compositions.stream().map(each -> each.getMetadata(RETURNED))
+                .filter(Long.class::isInstance)
+                .mapToInt(value -> (int) Math.max(-1, FIRST_PLANTED - (Long) value)).findFirst().orElse(-1);
         return new Shot(id, EventLog.thisThread(), stopwatch.stages(), owner, problems);
     }
 

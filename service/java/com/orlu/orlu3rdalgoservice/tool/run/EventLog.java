@@ -56,11 +56,13 @@ public final class EventLog {
         return sOfEnvironment;
     }
 
-    /** Creates an event of this moment and thread. The caller adds fields and calls write(). */
-    public Map<String, Object> begin(String event) {
+    /** Creates an event of this moment and thread, with further fields. The caller calls write(). */
+    public Map<String, Object> begin(String event, Object... fields) {
         ThreadName thread = THREAD.get();
-        return JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread", thread.name(),
-                "event", event);
+        Map<String, Object> line = JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread",
+                thread.name(), "event", event);
+        line.putAll(JsonWriter.object(fields));
+        return line;
     }
 
     /** Writes the event. Failures are hidden from the native code in progress. */

@@ -41,20 +41,15 @@ public final class RecordedComposition extends CaptureResultComposition {
     public void putMetadata(String key, Object value) {
         super.putMetadata(key, value);
         if (mEvents != null) {
-            Map<String, Object> line = mEvents.begin("put");
-            line.put("frame", mFrame);
-            line.put("tag", key);
+            Map<String, Object> line = mEvents.begin("put", "frame", mFrame, "tag", key);
             addHeld(line, value);
             mEvents.write(line);
         }
     }
 
     private void lookup(String source, String tag, Class<?> asked, Object held, RuntimeException thrown) {
-        Map<String, Object> line = mEvents.begin("lookup");
-        line.put("frame", mFrame);
-        line.put("source", source);
-        line.put("tag", tag);
-        line.put("outcome", outcome(held, thrown));
+        Map<String, Object> line = mEvents.begin("lookup", "frame", mFrame, "source", source, "tag", tag,
+                "outcome", outcome(held, thrown));
         if (asked != null) {
             line.put("asked", asked.getSimpleName());
         }

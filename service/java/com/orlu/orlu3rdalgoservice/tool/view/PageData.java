@@ -74,11 +74,11 @@ final class PageData {
         }
         AlgorithmPass pass = mRun.pass();
         if (pass != null) {
-            algorithms.put("ran", pass.ran());
-            algorithms.put("milliseconds", pass.milliseconds());
-            algorithms.put("frames", pass.frames().stream().map(frame -> Double.isNaN(frame.sharpness())
-                    ? JsonWriter.object("kept", frame.kept())
-                    : JsonWriter.object("kept", frame.kept(), "sharpness", frame.sharpness())).toList());
+            algorithms.putAll(JsonWriter.object("ran", pass.ran(), "milliseconds", pass.milliseconds(),
+                    "frames", pass.frames().stream().map(frame -> Double.isNaN(frame.sharpness())
+                            ? JsonWriter.object("kept", frame.kept())
+                            : JsonWriter.object("kept", frame.kept(), "sharpness", frame.sharpness()))
+                            .toList()));
         }
         return algorithms;
     }
@@ -94,16 +94,15 @@ final class PageData {
 
     private void addParameters() {
         Explanations explanations = new Explanations(mRun, mReport.dependences(), mSource);
-        mJson.put("parameters", explanations.writes().stream().map(PageData::write).toList());
         Map<String, Object> explained = new LinkedHashMap<>();
         for (String name : explanations.names()) {
             explained.put(name, JsonWriter.object("unsteady", explanations.isUnsteady(name),
                     "tags", rows(explanations.tags(name))));
         }
-        mJson.put("explained", explained);
-        mJson.put("generalTags", rows(explanations.generalTags()));
-        mJson.put("explanationProblem", explanations.problem());
-        mJson.put("explanationEffort", explanations.effort());
+        mJson.putAll(JsonWriter.object(
+                "parameters", explanations.writes().stream().map(PageData::write).toList(),
+                "explained", explained, "generalTags", rows(explanations.generalTags()),
+                "explanationProblem", explanations.problem(), "explanationEffort", explanations.effort()));
     }
 
     private static Map<String, Object> write(Explanations.Write write) {
