@@ -16,8 +16,11 @@ import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 import java.io.PrintStream;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.function.Supplier;
+import java.util.stream.Collectors;
 
 /** Reads request files and the files they name, and finds all mistakes before the first request runs. */
 public final class RequestChecker {
@@ -69,7 +72,7 @@ public final class RequestChecker {
         List<ImagePlan> outputs = sized(request.outputs(), size, mistakes);
         if (mistakes.errors() == 0) {
             SizeAdvice.give(request, inputs, outputs);
-            mUnderstood.add(() -> Understood.line(request, inputs, outputs));
+            mUnderstood.add(() -> understood(request, inputs, outputs));
         }
     }
 
@@ -92,6 +95,31 @@ public final class RequestChecker {
             throw new IllegalArgumentException("--photo: " + problem);
         }
         throw request.place().error("photo", problem);
+    }
+
+    // A line about a file without a mistake. The images are those of the request, with sizes.
+    private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
+        int frames = request.frames().frames().size();
+        return request.file() + ": ok: " + counted(frames, "frame")
+                + ", in " + images(inputs) + ", out " + images(outputs) + ", " + algorithms(request);
+    }
+
+    private static String images(List<ImagePlan> images) {
+        Map<String, Integer> counts = new LinkedHashMap<>();
+        for (ImagePlan image : images) {
+            counts.merge(image.format() + " " + image.width() + "x" + image.height()
+                    + (image.file() == null ? "" : " of a file"), 1, Integer::sum);
+        }
+        return counts.isEmpty() ? "nothing" : counts.entrySet().stream()
+                .map(entry -> (entry.getValue() == 1 ? "" : entry.getValue() + " ") + entry.getKey())
+                .collect(Collectors.joining(" + "));
+    }
+
+    private static String algorithms(RequestFile request) {
+        Object asked = request.frames().frames().isEmpty() ? null
+                : request.frames().frames().get(0).composition().get("orlu.control.algoType");
+        boolean asksFor = asked instanceof String[] names && names.length > 0;
+        return asksFor ? String.join(" ", (String[]) asked) : "no algorithms";
     }
 
     /** The requests of the files without a mistake. */

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 import com.orlu.orlu3rdalgoservice.record.JsonWriter;
-import com.orlu.orlu3rdalgoservice.tool.run.StageMark;
+import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch.Mark;
 
 import java.util.ArrayList;
 import java.util.List;
@@ -25,12 +25,12 @@ public record StageTime(String stage, long start, long end, String thread, Strin
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
     /** Returns the stages between these marks, of which the last one is the end; none without marks. */
-    static List<StageTime> of(List<StageMark> marks, RecordedEvents events) {
+    static List<StageTime> of(List<Mark> marks, RecordedEvents events) {
         List<StageTime> stages = new ArrayList<>();
         for (int i = 0; i + 1 < marks.size(); ++i) {
-            StageMark begin = marks.get(i);
-            StageMark end = marks.get(i + 1);
-            if (begin.stage().equals(StageMark.PROCESS_IMAGE)) {
+            Mark begin = marks.get(i);
+            Mark end = marks.get(i + 1);
+            if (begin.stage().equals(Mark.PROCESS_IMAGE)) {
                 new Division(events, begin, end, stages).add();
             } else {
                 stages.add(new StageTime(begin.stage(), begin.time(), end.time(), JAVA, "",
@@ -66,14 +66,14 @@ public record StageTime(String stage, long start, long end, String thread, Strin
     /** The parts of a processImage call, or of a full-async request until its result is there. */
     private static final class Division {
         private final RecordedEvents mEvents;
-        private final StageMark mBegin;
-        private final StageMark mEnd;
+        private final Mark mBegin;
+        private final Mark mEnd;
         private final List<StageTime> mStages;
         // Where the next part starts.
         private long mStart;
         private long mFaults;
 
-        Division(RecordedEvents events, StageMark begin, StageMark end, List<StageTime> stages) {
+        Division(RecordedEvents events, Mark begin, Mark end, List<StageTime> stages) {
             mEvents = events;
             mBegin = begin;
             mEnd = end;
@@ -91,7 +91,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 part("process", process.end());
                 isCalledBack = addWait(process);
             }
-            add(process == null ? StageMark.PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
+            add(process == null ? Mark.PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
                     process == null || isCalledBack ? "" : "a callback, in vain", mEnd.time(),
                     mEnd.faults() - mFaults);
         }

@@ -98,7 +98,7 @@ public final class RequestRunner implements AutoCloseable {
                 RequestImages.descriptors(mInputs), outputs, mCompositions)) {
             recordLookups();
             List<Map<String, Object>> before = snapshots();
-            mStopwatch.mark(StageMark.PROCESS_IMAGE);
+            mStopwatch.mark(Stopwatch.Mark.PROCESS_IMAGE);
             mWaitStart = System.nanoTime();
             check("processImage", mStopwatch.time("process", call::process));
             if (mRequest.fullAsync()) {

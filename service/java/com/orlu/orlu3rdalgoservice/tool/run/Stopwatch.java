@@ -1,5 +1,11 @@
 package com.orlu.orlu3rdalgoservice.tool.run;
 
+import com.sun.management.ThreadMXBean;
+
+import java.io.IOException;
+import java.lang.management.ManagementFactory;
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Supplier;
@@ -7,11 +13,43 @@ import java.util.function.Supplier;
 /** The duration of each stage of a request. */
 public final class Stopwatch {
     private final List<Stage> mStages = new ArrayList<>();
-    private final List<StageMark> mMarks = new ArrayList<>();
+    private final List<Mark> mMarks = new ArrayList<>();
     private final boolean mIsMarking;
 
     /** A stage's name, and its begin and end by System.nanoTime(). */
     public record Stage(String name, long start, long end) {
+    }
+
+    /**
+     * The begin of a stage of a run, with the counters of its thread.
+     *
+     * @param tid       the kernel's id of the thread
+     * @param time      by System.nanoTime()
+     * @param faults    page faults of the thread so far; 0 if unknown
+     * @param allocated bytes that the thread has allocated on Java's heap so far
+     */
+    public record Mark(String stage, int tid, long time, long faults, long allocated) {
+        /** The stage that the probe's events divide. */
+        public static final String PROCESS_IMAGE = "processImage";
+        // Fields of /proc/PID/stat behind the command's name, which may contain blanks.
+        private static final int MINOR_FAULTS = 7;
+        private static final int MAJOR_FAULTS = 9;
+
+        static Mark now(String stage) {
+            ThreadMXBean thread = (ThreadMXBean) ManagementFactory.getThreadMXBean();
+            return new Mark(stage, EventLog.thisThread(), System.nanoTime(), pageFaults(),
+                    thread.getCurrentThreadAllocatedBytes());
+        }
+
+        private static long pageFaults() {
+            try {
+                String stat = Files.readString(Path.of("/proc/thread-self/stat"));
+                String[] fields = stat.substring(stat.lastIndexOf(')') + 2).split(" ");
+                return Long.parseLong(fields[MINOR_FAULTS]) + Long.parseLong(fields[MAJOR_FAULTS]);
+            } catch (IOException e) {
+                return 0;
+            }
+        }
     }
 
     public Stopwatch() {
@@ -26,12 +64,12 @@ public final class Stopwatch {
     /** Marks the begin of a larger stage, which ends where the next one begins. */
     public void mark(String stage) {
         if (mIsMarking) {
-            mMarks.add(StageMark.now(stage));
+            mMarks.add(Mark.now(stage));
         }
     }
 
     /** The marks in the order of execution; none unless marking. */
-    public List<StageMark> marks() {
+    public List<Mark> marks() {
         return mMarks;
     }
 

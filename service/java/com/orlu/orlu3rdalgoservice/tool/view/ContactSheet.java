@@ -65,7 +65,7 @@ public final class ContactSheet {
     public Path write(Path folder) throws IOException {
         Files.createDirectories(folder);
         Path file = folder.resolve("index.html");
-        Files.writeString(file, PageTemplate.sheet(mTitle, JsonWriter.object(
+        Files.writeString(file, PageTemplate.SHEET.page(mTitle, JsonWriter.object(
                 "title", mTitle, "about", mAbout, "columns", mColumns, "rows", mRows)));
         return file;
     }

@@ -96,7 +96,7 @@ public final class PageFolder {
         Path file = mFolder.resolve(name + ".html");
         mEntries.add(entry(report, exhibits, data, file));
         Files.createDirectories(mFolder);
-        String page = PageTemplate.request(name, data);
+        String page = PageTemplate.REQUEST.page(name, data);
         Files.writeString(file, page);
         mEnd = System.nanoTime();
         keepState();
@@ -138,7 +138,8 @@ public final class PageFolder {
         List<Object> entries = new ArrayList<>(mEntries);
         requests.stream().skip(entries.size()).forEach(request -> entries.add(entry(request)));
         Files.createDirectories(mFolder);
-        Files.writeString(index(), PageTemplate.index("Requests", JsonWriter.object("entries", entries)));
+        Files.writeString(index(),
+                PageTemplate.INDEX.page("Requests", JsonWriter.object("entries", entries)));
     }
 
     /** The page that links to the others. */

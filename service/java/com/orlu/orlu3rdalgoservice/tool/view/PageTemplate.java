@@ -15,40 +15,30 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /** Assembles a page: HTML, style sheets, scripts and data in one self-contained file. */
-final class PageTemplate {
+enum PageTemplate {
+    /** The page on one request. */
+    REQUEST("page.html", List.of("dom.js", "theme.js", "histogram.js", "loupe.js", "compare.js",
+            "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js")),
+    /** The page that links to those of several requests. */
+    INDEX("index.html", List.of("dom.js", "theme.js", "index.js")),
+    /** A page of pictures side by side. */
+    SHEET("index.html", List.of("dom.js", "theme.js", "sheet.js"));
+
     private static final List<String> STYLES = List.of("page.css", "parts.css");
-    // Scripts of all pages.
-    private static final List<String> COMMON = List.of("dom.js", "theme.js");
-    private static final List<String> REQUEST = List.of("histogram.js", "loupe.js", "compare.js",
-            "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js");
-    private static final List<String> INDEX = List.of("index.js");
     private static final Pattern PART = Pattern.compile("@(title|policy|style|script|data)@");
 
-    private PageTemplate() {
+    private final String mHtml;
+    private final List<String> mScripts;
+
+    PageTemplate(String html, List<String> scripts) {
+        mHtml = html;
+        mScripts = scripts;
     }
 
-    /** The page on one request. */
-    static String request(String title, Object data) throws IOException {
-        return page("page.html", title, REQUEST, data);
-    }
-
-    /** The page that links to those of several requests. */
-    static String index(String title, Object data) throws IOException {
-        return page("index.html", title, INDEX, data);
-    }
-
-    /** A page of pictures side by side. */
-    static String sheet(String title, Object data) throws IOException {
-        return page("index.html", title, List.of("sheet.js"), data);
-    }
-
-    private static String page(String html, String title, List<String> scripts, Object data)
-            throws IOException {
+    String page(String title, Object data) throws IOException {
         StringBuilder script = new StringBuilder("\n");
-        for (List<String> names : List.of(COMMON, scripts)) {
-            for (String name : names) {
-                script.append(resource(name));
-            }
+        for (String name : mScripts) {
+            script.append(resource(name));
         }
         StringBuilder style = new StringBuilder("\n");
         for (String name : STYLES) {
@@ -60,7 +50,7 @@ final class PageTemplate {
                 "data", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e")
                         .replace("&", "\\u0026"));
         // One pass: inserted text may look like the name of a part.
-        return PART.matcher(resource(html)).replaceAll(
+        return PART.matcher(resource(mHtml)).replaceAll(
                 part -> Matcher.quoteReplacement(parts.get(part.group(1))));
     }
 
