@@ -38,6 +38,7 @@ padded | half | rows-missing | last 200 of 400 rows
 night | selects | |
 capture | silent | time-out | no callback for request 103
 capture | aborts:process | crash | SIGABRT
+capture | aborts:createClient | crash | createClient
 capture | lacks:process | unusable | lacks process
 capture | answers:init | failed-call | init returned -22
 capture | empty | unreadable written-behind | a JPEG of size 0
@@ -177,6 +178,7 @@ def check_faults(folder):
             images = data["images"]
             check(where + " no picture of the input", images["lost"] and not images["outputs"] and
                   ["large" in image for image in images["inputs"]] == [True])
+            check(where + " no inputs in the summary", "1 x NV21 512x512" in data["printed"], data["printed"])
             check(where + " no parameters of the process that ended", len(data["parameters"]) > 90)
             check(where + " no report on the end", "SIGABRT" in data["crash"], data["crash"][:200])
             check(where + " no explanations", data["explained"]["orlu.algo.control/film_size"]["tags"])

@@ -20,6 +20,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFileReader;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestTags;
 import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
+import com.orlu.orlu3rdalgoservice.tool.run.RequestRunner.Ran;
 import com.orlu.orlu3rdalgoservice.tool.run.Stopwatch;
 import com.orlu.orlu3rdalgoservice.tool.run.WorkFolder;
 import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
@@ -114,7 +115,7 @@ final class PostMortem {
         events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
         RequestFile request = RequestFileReader.read(file, mOptions.tried.photo);
         RequestTags.set(request, mOptions.tried.tags);
-        return Run.of(name, request, events, new Stopwatch(), null, null);
+        return Run.of(name, request, events, new Stopwatch(), null, Ran.NONE);
     }
 
     // Returns the run that began after this time and finished, such as when destroying its client crashed;

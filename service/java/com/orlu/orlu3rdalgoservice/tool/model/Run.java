@@ -77,6 +77,7 @@ public final class Run {
             List<String> notes) throws MistakeException {
         Run run = new Run(name, folder, request, root, outcome, problem, notes,
                 RunFolder.events(folder.resolve(RunFolder.EVENTS)));
+        run.mRan = Ran.unknown(request.inputs());
         run.mOutputs = request.outputs().stream().map(ImagePlan::layout).toList();
         try {
             run.readOutcome();

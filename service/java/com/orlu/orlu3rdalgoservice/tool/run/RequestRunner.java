@@ -61,8 +61,12 @@ public final class RequestRunner implements AutoCloseable {
             List<Map<String, Object>> put, List<Map<String, Object>> callbacks, List<String> problems,
             long waitStart, long waitEnd) {
         /** What came of a request that did not run. */
-        public static final Ran NONE =
-                new Ran(List.of(), List.of(), List.of(), List.of(), List.of(), List.of(), 0, 0);
+        public static final Ran NONE = unknown(List.of());
+
+        /** What is known of a request that ran in another process. */
+        public static Ran unknown(List<ImagePlan> inputs) {
+            return new Ran(inputs, List.of(), List.of(), List.of(), List.of(), List.of(), 0, 0);
+        }
     }
 
     /** Runs on this client. With `lookups`, each look-up of a tag is an event. */
