@@ -2,14 +2,14 @@ package android.hardware.camera2.impl;
 
 import android.os.Parcel;
 import android.os.Parcelable;
-import java.util.Collections;
+import java.util.HashMap;
 import java.util.Map;
 import java.util.Set;
-import java.util.TreeMap;
+import java.util.TreeSet;
 
 /** The typed store behind capture results: a tag holds a value of its type, whatever type set it. */
 public final class CameraMetadataNative implements Parcelable {
-    private final Map<String, Object> mValues = new TreeMap<>();
+    private final Map<String, Object> mValues = new HashMap<>();
 
     private LookupListener mLookupListener;
 
@@ -78,16 +78,16 @@ public final class CameraMetadataNative implements Parcelable {
 
     /** Returns the tags that are set, sorted. */
     public Set<String> tags() {
-        return Collections.unmodifiableSet(mValues.keySet());
+        return new TreeSet<>(mValues.keySet());
     }
 
     /** Writes the number of tags, then for each tag, by name: its name, type, number of values, values. */
     @Override
     public void writeToParcel(Parcel destination, int flags) {
         destination.writeInt(mValues.size());
-        for (Map.Entry<String, Object> entry : mValues.entrySet()) {
-            destination.writeString(entry.getKey());
-            TagParcel.write(destination, TagTable.typeOf(entry.getKey()), entry.getValue());
+        for (String tag : tags()) {
+            destination.writeString(tag);
+            TagParcel.write(destination, TagTable.typeOf(tag), mValues.get(tag));
         }
     }
 

@@ -6,11 +6,11 @@ import java.io.InputStream;
 import java.io.InputStreamReader;
 import java.io.UncheckedIOException;
 import java.nio.charset.StandardCharsets;
-import java.util.Collections;
 import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
-import java.util.concurrent.ConcurrentSkipListMap;
+import java.util.TreeSet;
+import java.util.concurrent.ConcurrentHashMap;
 
 /** All known tags with their types: the lines of tags.txt, and tags registered since. */
 public final class TagTable {
@@ -24,8 +24,9 @@ public final class TagTable {
         return TAGS.get(tag);
     }
 
+    /** All tags, sorted. */
     public static Set<String> names() {
-        return Collections.unmodifiableSet(TAGS.keySet());
+        return new TreeSet<>(TAGS.keySet());
     }
 
     /**
@@ -46,7 +47,7 @@ public final class TagTable {
     }
 
     private static Map<String, TagType> load() {
-        Map<String, TagType> tags = new ConcurrentSkipListMap<>();
+        Map<String, TagType> tags = new ConcurrentHashMap<>();
         try (InputStream stream = TagTable.class.getResourceAsStream("tags.txt");
                 BufferedReader reader = new BufferedReader(
                         new InputStreamReader(stream, StandardCharsets.UTF_8))) {

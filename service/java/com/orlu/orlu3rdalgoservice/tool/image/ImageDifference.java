@@ -6,6 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Arrays;
+import java.util.stream.IntStream;
 
 /** The difference between two images with the same description. */
 public final class ImageDifference {
@@ -23,24 +24,63 @@ public final class ImageDifference {
     private ImageDifference(PixelRows one, PixelRows other, Double psnr) {
         mOne = one;
         mOther = other;
-        float[] left = new float[one.width() * PixelRows.CHANNELS];
-        float[] right = new float[left.length];
+        Row[] rows = new Row[PixelRows.BAND];
+        Arrays.setAll(rows, i -> new Row(one.width()));
         double squares = 0;
-        for (int y = 0; y < one.height(); ++y) {
-            one.read(y, left);
-            other.read(y, right);
-            if (Arrays.equals(left, right)) {
-                continue;
+        for (int top = 0; top < one.height(); top += rows.length) {
+            int start = top;
+            int end = Math.min(start + rows.length, one.height());
+            IntStream.range(start, end).parallel().forEach(y -> rows[y - start].compare(one, other, y));
+            // In the order of the rows, since a sum of fractions depends on it.
+            for (int y = start; y < end; ++y) {
+                Row row = rows[y - start];
+                if (row.mMost > 0) {
+                    mFirstRow = mFirstRow < 0 ? y : mFirstRow;
+                    mMost = Math.max(mMost, (int) Math.ceil(row.mMost));
+                    squares = row.addTo(squares);
+                }
             }
-            mFirstRow = mFirstRow < 0 ? y : mFirstRow;
-            float most = mMost;
-            for (int i = 0; i < left.length; ++i) {
-                most = Math.max(most, Math.abs(left[i] - right[i]));
-            }
-            mMost = (int) Math.ceil(most);
-            squares = Psnr.addLuma(squares, left, right);
         }
         mPsnr = psnr == null ? Psnr.ofLuma(squares, one) : psnr;
+    }
+
+    /** One row of both pictures. */
+    private static final class Row {
+        private final float[] mLeft;
+        private final float[] mRight;
+        private final double[] mSquares;
+        private float mMost;
+
+        Row(int width) {
+            mLeft = new float[width * PixelRows.CHANNELS];
+            mRight = new float[mLeft.length];
+            mSquares = new double[width];
+        }
+
+        void compare(PixelRows one, PixelRows other, int y) {
+            one.read(y, mLeft);
+            other.read(y, mRight);
+            mMost = 0;
+            if (Arrays.equals(mLeft, mRight)) {
+                return;
+            }
+            for (int i = 0; i < mLeft.length; ++i) {
+                float difference = mLeft[i] - mRight[i];
+                mMost = difference > mMost ? difference : -difference > mMost ? -difference : mMost;
+            }
+            for (int x = 0, at = 0; x < mSquares.length; ++x, at += PixelRows.CHANNELS) {
+                double difference = (double) PixelRows.luma(mLeft, at) - PixelRows.luma(mRight, at);
+                mSquares[x] = difference * difference;
+            }
+        }
+
+        double addTo(double squares) {
+            double sum = squares;
+            for (double square : mSquares) {
+                sum += square;
+            }
+            return sum;
+        }
     }
 
     /**

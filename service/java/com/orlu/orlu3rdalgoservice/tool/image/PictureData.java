@@ -57,7 +57,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
         BufferedImage from = image.getWidth() >= 2 * width + 2
                 ? scaled(image, (image.getWidth() + 1) / 2) : image;
         int height = Math.max(1, (int) Math.round((double) image.getHeight() * width / image.getWidth()));
-        BufferedImage to = new BufferedImage(width, height, BufferedImage.TYPE_INT_RGB);
+        BufferedImage to = new BufferedImage(width, height, BufferedImage.TYPE_3BYTE_BGR);
         Graphics2D graphics = to.createGraphics();
         graphics.setRenderingHint(
                 RenderingHints.KEY_INTERPOLATION, RenderingHints.VALUE_INTERPOLATION_BILINEAR);

@@ -53,6 +53,7 @@ public final class PictureFacts {
             int end = (int) (((long) (gridX + 1) * mWidth + GRID - 1) / GRID);
             double blueSum = 0;
             double redSum = 0;
+            int clipped = 0;
             counts[gridY][gridX] += end - x;
             for (int at = x * PixelRows.CHANNELS; x < end; ++x, at += PixelRows.CHANNELS) {
                 int red = PixelRows.round(row[at]);
@@ -64,10 +65,11 @@ public final class PictureFacts {
                 ++reds[red];
                 ++greens[green];
                 ++blues[blue];
-                mClipped += red >= WHITE - 1 && green >= WHITE - 1 && blue >= WHITE - 1 ? 1 : 0;
+                clipped += red >= WHITE - 1 && green >= WHITE - 1 && blue >= WHITE - 1 ? 1 : 0;
                 blueSum += blue - brightness;
                 redSum += red - brightness;
             }
+            mClipped += clipped;
             mBlue[gridY][gridX] += blueSum;
             mRed[gridY][gridX] += redSum;
         }

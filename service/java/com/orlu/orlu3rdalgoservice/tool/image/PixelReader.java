@@ -83,10 +83,14 @@ final class PixelReader {
         int chromaBytes = (width - 1) / 2 * layout.step() + 1;
         byte[] blues = bytes(from, chromaRow + layout.blue(), chromaBytes);
         byte[] reds = bytes(from, chromaRow + layout.red(), chromaBytes);
+        float blue = 0;
+        float red = 0;
         for (int x = 0, at = 0; x < width; ++x, at += PixelRows.CHANNELS) {
+            if (x % 2 == 0) {
+                blue = (blues[x / 2 * layout.step()] & 255) - MIDDLE;
+                red = (reds[x / 2 * layout.step()] & 255) - MIDDLE;
+            }
             float luma = lumas[x] & 255;
-            float blue = (blues[x / 2 * layout.step()] & 255) - MIDDLE;
-            float red = (reds[x / 2 * layout.step()] & 255) - MIDDLE;
             to[at] = PixelRows.clip(luma + 1.402f * red);
             to[at + 1] = PixelRows.clip(luma - 0.344136f * blue - 0.714136f * red);
             to[at + 2] = PixelRows.clip(luma + 1.772f * blue);

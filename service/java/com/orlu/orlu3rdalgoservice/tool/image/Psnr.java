@@ -7,28 +7,8 @@ public final class Psnr {
 
     /** By luma over all pixels; NaN if the sizes differ, infinite for equal pictures. */
     public static double ofLuma(PixelRows reference, PixelRows picture) {
-        if (reference.width() != picture.width() || reference.height() != picture.height()) {
-            return Double.NaN;
-        }
-        float[] one = new float[picture.width() * PixelRows.CHANNELS];
-        float[] other = new float[one.length];
-        double squares = 0;
-        for (int y = 0; y < picture.height(); ++y) {
-            reference.read(y, one);
-            picture.read(y, other);
-            squares = addLuma(squares, one, other);
-        }
-        return ofLuma(squares, picture);
-    }
-
-    /** Adds the squares of the differences of two rows. */
-    static double addLuma(double squares, float[] one, float[] other) {
-        double sum = squares;
-        for (int at = 0; at < one.length; at += PixelRows.CHANNELS) {
-            double difference = (double) PixelRows.luma(one, at) - PixelRows.luma(other, at);
-            sum += difference * difference;
-        }
-        return sum;
+        ImageDifference difference = ImageDifference.of(reference, picture);
+        return difference == null ? Double.NaN : difference.psnr();
     }
 
     static double ofLuma(double squares, PixelRows picture) {

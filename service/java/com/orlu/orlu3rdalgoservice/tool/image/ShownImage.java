@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import java.awt.image.BufferedImage;
-import java.awt.image.DataBufferInt;
+import java.awt.image.DataBufferByte;
 import java.util.Arrays;
 
 /** Makes the image that a page shows: in the picture's size, or reduced by 2, 4 and so on if it is large. */
@@ -14,7 +14,7 @@ final class ShownImage {
     private final int mWidth;
     private final int mHeight;
     private final BufferedImage mImage;
-    private final int[] mPixels;
+    private final byte[] mPixels;
     private final float[] mSums;
 
     ShownImage(int width, int height) {
@@ -25,19 +25,15 @@ final class ShownImage {
         mFactor = factor;
         mWidth = Math.max(1, width / factor);
         mHeight = Math.max(1, height / factor);
-        mImage = new BufferedImage(mWidth, mHeight, BufferedImage.TYPE_INT_RGB);
-        mPixels = ((DataBufferInt) mImage.getRaster().getDataBuffer()).getData();
+        mImage = new BufferedImage(mWidth, mHeight, BufferedImage.TYPE_3BYTE_BGR);
+        mPixels = ((DataBufferByte) mImage.getRaster().getDataBuffer()).getData();
         mSums = new float[mWidth * CHANNELS];
     }
 
     /** Returns the image of a whole picture. */
     static BufferedImage of(PixelRows picture) {
         ShownImage shown = new ShownImage(picture.width(), picture.height());
-        float[] row = new float[picture.width() * CHANNELS];
-        for (int y = 0; y < picture.height(); ++y) {
-            picture.read(y, row);
-            shown.add(y, row);
-        }
+        picture.forEachRow(shown::add);
         return shown.image();
     }
 
@@ -48,7 +44,7 @@ final class ShownImage {
             return;
         }
         if (mFactor == 1) {
-            PixelRows.pack(row, mPixels, to * mWidth, mWidth);
+            PixelRows.pack(row, mPixels, to * mSums.length, mWidth);
             return;
         }
         for (int x = 0, at = 0; x < mWidth * CHANNELS; x += CHANNELS) {
@@ -62,7 +58,7 @@ final class ShownImage {
             for (int i = 0; i < mSums.length; ++i) {
                 mSums[i] /= mFactor * mFactor;
             }
-            PixelRows.pack(mSums, mPixels, to * mWidth, mWidth);
+            PixelRows.pack(mSums, mPixels, to * mSums.length, mWidth);
             Arrays.fill(mSums, 0);
         }
     }

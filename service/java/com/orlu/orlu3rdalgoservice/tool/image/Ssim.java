@@ -1,11 +1,15 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import java.util.stream.IntStream;
+
 /**
  * Structural similarity of two pictures' lumas, 1 for equal ones: the mean over windows of 8x8 pixels, one
  * every 4 pixels. No package of Debian has it for Java.
  */
 public final class Ssim {
     private static final int BLOCK = 4;
+    /** Rows of windows that one task computes. */
+    private static final int BAND = 32;
     /** Pixels of a window, which consists of four blocks. */
     private static final double COUNT = 64;
     private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
@@ -23,16 +27,31 @@ public final class Ssim {
         if (one.width() != other.width() || one.height() != other.height() || columns < 2 || rows < 2) {
             return Double.NaN;
         }
-        double[][] above = sums(one, other, 0, columns);
+        double[][] windows = new double[rows - 1][columns - 1];
+        int bands = (rows - 2) / BAND + 1;
+        IntStream.range(0, bands).parallel().forEach(band -> addBand(one, other, band * BAND, windows));
+        // In the order of the windows, since a sum of fractions depends on it.
         double total = 0;
-        for (int row = 1; row < rows; ++row) {
-            double[][] here = sums(one, other, row, columns);
+        for (double[] row : windows) {
+            for (double window : row) {
+                total += window;
+            }
+        }
+        return total / ((double) (rows - 1) * (columns - 1));
+    }
+
+    // Fills the rows of windows from `first` on.
+    private static void addBand(PixelRows one, PixelRows other, int first, double[][] windows) {
+        int columns = windows[0].length + 1;
+        double[][] above = sums(one, other, first, columns);
+        for (int row = first; row < Math.min(first + BAND, windows.length); ++row) {
+            double[][] here = sums(one, other, row + 1, columns);
             for (int column = 1; column < columns; ++column) {
-                total += window(above[column - 1], above[column], here[column - 1], here[column]);
+                windows[row][column - 1] =
+                        window(above[column - 1], above[column], here[column - 1], here[column]);
             }
             above = here;
         }
-        return total / ((double) (rows - 1) * (columns - 1));
     }
 
     private static double[][] sums(PixelRows one, PixelRows other, int row, int columns) {
