@@ -237,7 +237,7 @@ final class RunCommand implements Subcommand {
         return written.events != null || needsTrials();
     }
 
-    /** Whether a requested output needs trials, which the launcher runs first. */
+    /** Whether a requested output needs trials, which the launcher has started. */
     boolean needsTrials() {
         return shown.tags || tried.strict || written.report != null || !shown.explain.isEmpty();
     }

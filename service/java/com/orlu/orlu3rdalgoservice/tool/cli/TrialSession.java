@@ -23,7 +23,7 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * The trials of one command line. They run in their own process before the command: the native library opens
+ * The trials of one command line. They run in their own process beside the command: the native library opens
  * its algorithm library only once, and trials need one that answers at once. The results are left in the work
  * folder.
  */
@@ -44,13 +44,11 @@ final class TrialSession {
             } else if (command instanceof RunCommand run && !run.checked().tried.check
                     && run.tried.jobs == 0) {
                 for (Path file : run.requests()) {
-                    Progress.show("trying what each tag of " + file + " changes");
                     RequestFile request = RequestFileReader.read(file, run.tried.photo);
                     RequestTags.set(request, run.tried.tags);
                     all.add(trials(request, library));
                 }
             }
-            Progress.end();
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
                 // No command follows that would report it.
@@ -64,8 +62,9 @@ final class TrialSession {
         return Verdict.OK;
     }
 
-    /** Returns the trials' results for a request of this command line. */
+    /** Returns the trials' results for a request of this command line, and waits for them. */
     static Dependences found(int request) throws IOException {
+        awaitEnd();
         Path file = WorkFolder.trials();
         if (file == null || !Files.exists(file)) {
             return Dependences.unknown("off".equals(System.getenv("ORLU_TRIALS"))
@@ -73,6 +72,13 @@ final class TrialSession {
         }
         List<Dependences> all = Dependences.read(file);
         return all.get(Math.min(request, all.size() - 1));
+    }
+
+    // The launcher names the process. None means that it has finished.
+    private static void awaitEnd() {
+        Progress.show("trying what each tag changes");
+        ProcessHandle.of(Long.getLong("orlu.trials", 0)).ifPresent(trials -> trials.onExit().join());
+        Progress.end();
     }
 
     private static Dependences trials(RequestFile request, String library)
