@@ -13,7 +13,7 @@ const PANELS = [
 const KEYS = [
   ["1 … 7", "open a tab"],
   ["/", "filter this tab"],
-  ["f", "alternate between input and output"],
+  ["f", "flicker between input and output"],
   ["s", "show input and output side by side"],
   ["d", "show the difference"],
   ["m", "magnifier; arrow keys move it"],
