@@ -8,6 +8,7 @@ only makes the picture of README.md."""
 import argparse
 import base64
 import pathlib
+import shutil
 import sys
 import tempfile
 import time
@@ -17,7 +18,7 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
 from hostile_page import check_hostile
-from pages import NARROW, ROOT, WIDE, browser, make_pages, padded_request, set_window, show
+from pages import LARGE, NARROW, ROOT, WIDE, browser, make_pages, padded_request, run, set_window, show
 
 TABS = ["pictures", "memory", "timeline", "parameters", "tags", "results", "log"]
 LEAST_CONTRAST = 4.5
@@ -271,6 +272,33 @@ def check_index(driver, build, folder):
     page.console()
 
 
+def check_sheets(driver, build, folder):
+    """The sheets of sweep and compare: every picture has loaded, lies in the window, and can be enlarged."""
+    capture, stand_in = ROOT / "samples/capture.json", build / "lib/liborlu.vac.interface.so"
+    for name, arguments, captions in (
+            ("sweep", ["sweep", capture, "--tag", "android.jpeg.orientation=0,90"], ["0", "90"]),
+            ("compare", ["compare", "--lib", stand_in, "--lib", copied(stand_in, folder), capture], ["A", "B"])):
+        run(build, [*arguments, "--report", folder / name])
+        for size, scheme in ((LARGE, "light"), (WIDE, "dark"), (NARROW, "light")):
+            show(driver, folder / name / "index.html", size, scheme)
+            page = Page(driver, f"{name} at {size[0]} pixels")
+            found = [each.text for each in page.all("figcaption")]
+            page.check("has captions", [text.split(":")[0].split("=")[-1] for text in found][:2] == captions, found)
+            for picture in page.all("figure img"):
+                page.check("a picture has not loaded", picture.get_property("naturalWidth") > 0)
+                rect = picture.rect
+                page.check("a picture is cut or tiny", rect["width"] > 50 and rect["x"] + rect["width"] <= size[0], rect)
+            page.all("figure button")[1].click()
+            rect = page.one("dialog img").rect
+            page.check("a click enlarges a picture", rect["width"] > 50 and rect["x"] + rect["width"] <= size[0], rect)
+            page.console()
+
+
+def copied(library, folder):
+    """A second library: compare refuses one and the same file."""
+    return shutil.copytree(library.parent, folder / "other") / library.name
+
+
 def check_all(build, shots):
     with tempfile.TemporaryDirectory() as name, browser() as driver:
         folder = pathlib.Path(name)
@@ -297,6 +325,7 @@ def check_all(build, shots):
                     part(page)
                 page.console()
         check_index(driver, build, folder)
+        check_sheets(driver, build, folder)
         check_hostile(driver, build, folder, TABS, check)
 
 

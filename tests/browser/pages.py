@@ -11,7 +11,7 @@ from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-WIDE, NARROW = (1280, 800), (420, 900)
+LARGE, WIDE, NARROW = (1440, 900), (1280, 800), (420, 900)
 
 
 def padded_request(folder):
@@ -26,13 +26,16 @@ def padded_request(folder):
 
 def make_pages(build, folder, requests, fault="", trials="on"):
     """Runs requests into a folder; the fault is one of tests/planted."""
+    run(build, ["--report", folder, "--out", folder / "out", *requests], fault, trials)
+
+
+def run(build, arguments, fault="", trials="on"):
     environment = {key: value for key, value in os.environ.items()
                    if key not in ("ANDROID_LOG_TAGS", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PLANTED")}
     environment.update(ORLU_BUILD=str(build), ORLU_TRIALS=trials)
     if fault:
         environment.update(ORLU_ALGO_LIBRARY=str(build / "planted/planted_algo.so"), ORLU_PLANTED=fault)
-    subprocess.run([ROOT / "run", "--report", folder, "--out", folder / "out", *requests], env=environment,
-                   stdout=subprocess.DEVNULL, check=not fault)
+    subprocess.run([ROOT / "run", *arguments], env=environment, stdout=subprocess.DEVNULL, check=not fault)
 
 
 @contextlib.contextmanager
