@@ -44,8 +44,7 @@ orlu::bench::BenchSize readSize(int& argc, char** argv) {
   return size;
 }
 
-// The Java heap has a fixed size and is touched at start, so that growth of the process is not growth of the
-// heap.
+// The Java heap has a fixed size and is touched at start, so that it does not count as growth of the process.
 bool startVm() {
   return orlu::test::startJvm(
       {"orlu-service", "orlu-host-framework", "/usr/share/java/jackson-core.jar"},

@@ -27,8 +27,8 @@ private:
   int mErrno;
 };
 
-// Returns the bytes of a value by what getValue leaves alone in memory for more than `size` bytes; -1 if that
-// fails, or leaves nothing alone.
+// Returns the size of a value: how many bytes getValue writes into memory that is larger than `size`. -1 if
+// that fails, or if all of the memory is written.
 int64_t valueSize(const EventRecorder::GetValue& real, void* block, const char* section, const char* key,
                   unsigned size) {
   constexpr unsigned kMore = 64;

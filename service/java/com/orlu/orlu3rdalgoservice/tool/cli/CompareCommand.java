@@ -57,7 +57,7 @@ final class CompareCommand implements Subcommand {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
         }
 
-        // The texts about it beside the numbers.
+        // What the table prints about it after the numbers.
         List<String> lines() {
             return hasRun() ? differences.stream().limit(SHOWN).toList()
                     : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();
