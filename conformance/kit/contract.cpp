@@ -8,72 +8,78 @@ namespace {
 
 // Constants of the interface's header replace the placeholders in this text.
 constexpr char kText[] =
-    R"(- **The table.** The library is opened by its name with RTLD_NOW, when the first client is
-  made, and is never closed. The entry is called once for the process and once more for each client, each
-  time with a zeroed table, and maybe on two threads at once. Reserved callables are never called.
-- **Threads.** Every callable is called on a thread of Java's, which is attached to the Java VM; block
-  operations also on the threads that the library calls back on. Several clients' threads may be in any
-  callable at once; those of one client come one at a time.
-- **A client.** createClient asks for version {version}. init follows with type 0 when Java asks for it,
-  which it need not. uninit comes for the types 1, 2, 3 and 5 in this order, with mode 1 or 2 when Java
-  releases, and with 0 at the end. A client ends with flush, uninit with mode 0 and destroyClient,
-  whatever was called before. Its handle is not used after that.
-- **A parameter block** is made before its request is submitted and lives until the results are read:
-  those of a synchronous request when it was called back or after the wait; those of a full-async one when
-  Java asks for them. One that was never announced to Java goes with its client. A callback inside that
-  time finds all that was set.
+    R"(- **The table.** When the first client is created, the service opens the library by its name with
+  RTLD_NOW, and never closes it. It calls the entry once for the process and once more for each
+  client, each time with a zeroed table, possibly on two threads at once. It never calls reserved
+  callables.
+- **Threads.** Every callable is called on a thread of Java that is attached to the Java VM; block
+  operations also on threads on which the library calls back. Threads of different clients may be
+  in any callable at the same time; calls for one client come one at a time.
+- **A client.** createClient requests version {version}. init follows with type 0 if Java asks for
+  it. uninit comes for the types 1, 2, 3 and 5 in this order, with mode 1 or 2 when Java releases
+  the client, and with mode 0 at its end. A client ends with flush, uninit with mode 0 and
+  destroyClient, whatever was called before. Its handle is not used afterwards.
+- **A parameter block** is created before its request is submitted, and lives until the results
+  are read: for a synchronous request, after its callback or after the wait; for a full-async one,
+  when Java asks for them. A block that was never announced to Java is destroyed with its client.
+  A callback during that time finds all values that were set.
 - **A camera block** lives from before process until process returns. No block is used after
   destroyMetadata, which is called once for each.
-- **Values.** setValue is called with memory that may change when it returns. getValue is called with
-  memory of exactly the size that it names, which holds the value's default already: what is not found
-  must leave it alone. Sections and keys end with a zero. Values of up to 8482 bytes are set.
-- **The record** of process, with its lists, frames and handles, lives until process returns. Descriptors
-  are lent until the end of a synchronous request; for a full-async one until process returns, which is
-  before its callback. That of translateParamFile is lent until that returns.
-- **The cookie** is the address of a function that stays valid until the process ends, one for each
-  client. It may be called on any thread, by several at once, before process returns, after the client is
-  gone, and with any bytes. It throws nothing and keeps nothing of its arguments. For a synchronous
-  request it wakes a thread and returns. For a full-async one, and for a light-stream event, it calls Java
-  and returns when that does; on a thread that is not attached to the Java VM the callback is lost. No
-  thread is left attached that was not.
-- **Waiting.** A synchronous request waits for its callback for 10 seconds from the return of process, and
-  then reads the results as they are. Nothing is aborted. A full-async request waits for ever.
-- **Callbacks.** An early one, before process has returned, is not lost. A late one, after the wait, does
-  nothing. A second one for a synchronous request does nothing; for a full-async one Java is called again.
-  One for an unknown request or under an unknown name does nothing, and so does one of fewer than 21
-  bytes, one whose name is longer than its data, and a light-stream event with a payload under {event}
-  bytes.
-- **Results of calls** are not looked at, but for the handles of createClient and createMetadata, the size
-  of getSize, and the status of getValue and of the visitors' operations. A null client is passed on like
-  any other; a null block never reaches the library.
-- **What is not offered** is logged and skipped. An exception out of a callable is caught there, logged,
-  and counts as a failure; a Java exception left on the thread is cleared and logged. Nothing is tried
-  again.
-- **Visitors** may be called on the thread and during the call that they were handed to, as often as the
-  library likes, and may use block operations. They throw nothing. Called elsewhere or later they return
-  -1.
-- **getData** is to leave its answer in the block of its record under `{section}`, `{key}`; {answer} bytes
-  of it are read, up to the first zero.
-- **What the library promises** in return, beside the lifetimes above:
-  - **Pixels.** Input and output of one format, width and height: every pixel of every plane of every
-    output is written, at the output's own strides, an odd last column and row of chroma included. Inputs,
-    padding, what lies between planes and behind an image stay as they are. May stay untouched: an output of
-    another format or size, one of an unknown format, and a JPEG that does not fit, whose size is 0 then.
-    `planeData` is null: memory is reached by mapping the descriptor. The same request leaves the same
-    bytes, whatever memory held and whichever requests came before.
-  - **Values.** A block keeps {values} values; sections and keys are compared whole, with up to 120 letters.
-    Blocks may be used by several threads at once, one block too.
-  - **Clients.** destroyClient returns when nothing works for the client any more, and leaves no thread,
-    descriptor or memory of it behind. A client works again when init follows an uninit with mode 1 or 2,
-    and whatever happens to another client.
-  - **Callbacks.** Inside one Java may finish the request, submit the next, flush, abort, and make or destroy
-    clients, the callback's own too; all of that returns. While a callback has not returned, calls on other
-    threads do, but for flush and destroyClient of its client.
-  - **Calls return.** flush need not wait: what is out when it returns may be called back later.
-  - **Resources.** Each descriptor that the library opens is closed once, and none other. A request leaves
-    nothing behind, not a byte.
-- **The end of the process** is announced by command, with the data `{kill}` and a zero. Nothing is waited
-  for then.
+- **Values.** The memory passed to setValue may change once it returns. getValue gets memory of
+  exactly the size that it names, filled with the default value: if the library has no such value,
+  it must leave this memory unchanged. Sections and keys end with a zero byte. Values have up to
+  8482 bytes.
+- **The record** of process, with its lists, frames and handles, lives until process returns.
+  Descriptors are valid until the end of a synchronous request; for a full-async one, only until
+  process returns, before its callback. The descriptor passed to translateParamFile is valid until
+  that returns.
+- **The cookie** is the address of a function, one for each client, that stays valid until the
+  process ends. It may be called on any thread, by several at once, before process returns, after
+  the client is destroyed, and with any bytes. It throws nothing and keeps none of its arguments.
+  For a synchronous request it wakes a thread and returns. For a full-async one, and for a
+  light-stream event, it calls Java and returns when Java does; on a thread that is not attached
+  to the Java VM, the callback is lost. It leaves no thread attached that was not attached before.
+- **Waiting.** A synchronous request waits up to 10 seconds for its callback, from the return of
+  process, and then reads the results as they are. Nothing is aborted. A full-async request has no
+  timeout.
+- **Callbacks.** A callback before process has returned is not lost. One after the wait has no
+  effect. A second one for a synchronous request has no effect; for a full-async one, Java is
+  called again. These have no effect either: one for an unknown request, one under an unknown
+  name, one of fewer than 21 bytes, one whose name is longer than its data, and a light-stream
+  event with a payload of fewer than {event} bytes.
+- **Results of calls** are ignored, except the handles of createClient and createMetadata, the
+  size of getSize, and the status of getValue and of the visitors' operations. A null client is
+  passed on like any other; a null block never reaches the library.
+- **A missing callable** is logged and skipped. An exception from a callable is caught at the
+  call, logged, and counts as a failure; a Java exception left on the thread is cleared and
+  logged. No call is retried.
+- **Visitors** may be called any number of times, on the thread and during the call that they were
+  passed to, and may use block operations. They throw nothing. Called elsewhere or later, they
+  return -1.
+- **getData** must leave its answer in the block of its record under `{section}`,
+  `{key}`; the service reads {answer} bytes of it, up to the first zero byte.
+- **The library promises** in return, besides the lifetimes above:
+  - **Pixels.** If input and output have the same format, width and height, every pixel of every
+    plane of every output is written, at the output's own strides, including an odd last column
+    and row of chroma. Inputs, padding, and bytes between planes and after an image stay
+    unchanged. These outputs may stay unwritten: one of another format or size, one of an unknown
+    format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map the
+    descriptor to reach the memory. Equal requests give equal bytes, whatever memory held and
+    whichever requests came before.
+  - **Values.** A block keeps {values} values; sections and keys are compared whole, up to 120 letters.
+    Several threads may use blocks at once, also the same block.
+  - **Clients.** destroyClient returns when nothing works for the client any more, and leaves none
+    of its threads, descriptors or memory behind. A client works again when init follows an uninit
+    with mode 1 or 2, and whatever happens to another client.
+  - **Callbacks.** Inside a callback, Java may finish the request, submit the next, flush, abort,
+    and create or destroy clients, even the callback's own; all these calls return. During a
+    callback, calls on other threads return, except flush and destroyClient of its client.
+  - **Calls return.** flush need not wait: requests in flight when it returns may be called back
+    later.
+  - **Resources.** The library closes each descriptor that it opens exactly once, and no other
+    descriptor. A request leaves nothing behind, not even one byte.
+- **The end of the process** is announced by command, with the data `{kill}` and a zero byte.
+  The service does not wait then.
 )";
 
 void replace(std::string& text, const std::string& name, const std::string& value) {
