@@ -90,11 +90,20 @@ public final class JsonWriter {
         boolean isSpread = level < mLevels && parts.hasNext();
         mText.append(open);
         while (parts.hasNext()) {
-            mText.append(isSpread ? "\n" + INDENT.repeat(level + 1) : "");
+            breakLine(isSpread, level + 1);
             write(parts.next(), level + 1);
             mText.append(parts.hasNext() ? "," : "");
         }
-        mText.append(isSpread ? "\n" + INDENT.repeat(level) : "").append(close);
+        breakLine(isSpread, level);
+        mText.append(close);
+    }
+
+    // String.repeat() is missing on older phones.
+    private void breakLine(boolean isSpread, int level) {
+        if (isSpread) {
+            mText.append('\n');
+            IntStream.range(0, level).forEach(i -> mText.append(INDENT));
+        }
     }
 
     private void writeText(String text) {
