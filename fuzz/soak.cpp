@@ -84,7 +84,7 @@ int soak(uint64_t seed, uint64_t requests) {
   std::vector<SoakArguments> arguments;
   for (size_t i = 0; i < kClients; ++i) arguments.push_back(makeSoakArguments());
   // Creates everything that is created only once.
-  std::printf("first, to make what is made once:\n");
+  std::printf("warm-up, for one-time allocations:\n");
   SoakWatch warmUp(kWarmUp);
   bool sound = soakClients(seed + 1, kWarmUp, arguments, warmUp);
   sound &= printLogged();

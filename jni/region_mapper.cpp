@@ -12,8 +12,8 @@ struct Mapping {
   int64_t offsetY;
 };
 
-// Returns half of the length by which the active array exceeds the image on this axis when the other axis
-// fits. Multiplies before dividing, because algorithms rely on this rounding.
+// Returns half of the active array's excess over the image on this axis, once the other axis is scaled to
+// fit. Multiplies before dividing, because algorithms rely on this rounding.
 int64_t halfExcess(int32_t active, int32_t imageOther, int32_t activeOther, int32_t image) {
   return (int64_t{active} * imageOther / activeOther - image) / 2;
 }
@@ -52,7 +52,7 @@ bool needsScaling(_tagOrluSize active, _tagOrluSize image, const RegionScale& sc
   if (scale.remosaicType > 0) {
     return active.width == scale.fullSize.width && active.height == scale.fullSize.height;
   }
-  // By position, the crop's third and fourth values are its width and height.
+  // The crop's `top` and `bottom` hold its width and height.
   const int32_t cropWidth = scale.sensorCrop.top;
   const int32_t cropHeight = scale.sensorCrop.bottom;
   const bool isImageTheCrop = cropWidth != 0 && scale.remosaicType == 0 && !scale.sensorCrop.flag &&

@@ -20,8 +20,8 @@ public:
   // Log tag of this class and of the image line.
   static constexpr char kLogTag[] = "_V_VASJNI-VRequest";
 
-  // Reads the four Java objects, any of which may be null: the request, and the lists of VImageIPC inputs and
-  // outputs and of CaptureResultCompositions. Unreadable values are logged and stay zero.
+  // Reads four Java objects, any of which may be null: the request and its lists of input VImageIPCs, output
+  // VImageIPCs and CaptureResultCompositions. Unreadable values are logged and stay zero.
   VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList, jobject captureResultList);
   VRequest(const VRequest&) = delete;
   VRequest& operator=(const VRequest&) = delete;
@@ -54,7 +54,7 @@ public:
   // Returned objects are new local references.
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // Returns the capture result that a composition keeps or else assembles; null for null.
+  // Returns the composition's stored capture result, or has it assemble one; null for null.
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);

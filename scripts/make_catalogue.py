@@ -314,14 +314,14 @@ def main():
         rows, asked = found(samples, tags)
         if not chosen:
             read = {row.split()[1] for row in rows if row.startswith("reads ")}
-            problems += [f"{tag} is asked for, and no function of jni/ names it" for tag in sorted(asked - read)]
-            problems += [f"{tag} is named in jni/, and no sample makes it asked for" for tag in sorted(read - asked)]
+            problems += [f"{tag} is requested, but no function of jni/ names it" for tag in sorted(asked - read)]
+            problems += [f"{tag} is named in jni/, but no sample requests it" for tag in sorted(read - asked)]
     catalogue = catalogue_entries.parts(known if chosen else rows)
     texts = {CATALOGUE: catalogue_entries.text(catalogue), PAGE: page(catalogue)}
     if is_check:
         gone = set() if chosen else known - rows
         problems += [f"{CATALOGUE.name} lacks: {row}" for row in sorted(rows - known)]
-        problems += [f"{CATALOGUE.name} has in vain: {row}" for row in sorted(gone)]
+        problems += [f"{CATALOGUE.name} has a stale row: {row}" for row in sorted(gone)]
         problems += [f"{file.relative_to(ROOT)} is out of date: scripts/make_catalogue.py --texts"
                      for file, text in texts.items() if text != file.read_text()]
     else:

@@ -7,17 +7,17 @@ readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
   conform KIT LIBRARY [OPTION...]
                      push the kit and an algorithm library to the phone, and run the kit there
   record on DIR      make the service record its requests into DIR, a folder of the phone
-  record off         stop that
+  record off         stop recording
   events on FILE     make the probe write its events to FILE, a file of the phone
-  events off         stop that
+  events off         stop writing events
   pull PATH DIR      fetch recordings or events into DIR, a folder here that has none
                      of that name yet
   status             what is switched on
 
 KIT is orlu-conform of Android.bp, or of the preset android, which needs the NDK's
 libc++_shared.so beside it: the kit of ./run sdk is for Linux. ORLU_PHONE_FOLDER is where
-the kit is put (/data/local/tmp/orlu). ANDROID_SERIAL names the phone when several are
-there. The service must be started anew after \"record\"
+the kit is put (/data/local/tmp/orlu). ANDROID_SERIAL names the phone if there are
+several. Restart the service after \"record\"
 and \"events\"; setting their properties needs adb root.
 
 No phone was at hand when this was written: it is tested against a stand-in for adb."
@@ -53,9 +53,9 @@ one_phone() {
     for serial in "${ready[@]}"; do
       [ "$serial" != "$ANDROID_SERIAL" ] || return 0
     done
-    die "ANDROID_SERIAL is $ANDROID_SERIAL; ready are: ${ready[*]:-none} ${others[*]}"
+    die "ANDROID_SERIAL is $ANDROID_SERIAL; ready: ${ready[*]:-none} ${others[*]}"
   elif [ ${#ready[@]} -eq 0 ]; then
-    die "no phone is ready${others[*]:+, but there is ${others[*]}}: connect one and allow USB debugging"
+    die "no phone is ready${others[*]:+; found ${others[*]}}: connect one and allow USB debugging"
   elif [ ${#ready[@]} -gt 1 ]; then
     die "several phones are ready: set ANDROID_SERIAL to one of ${ready[*]}"
   fi
@@ -82,7 +82,7 @@ set_property() {
   local value
   in_shell setprop "$1" "$2"
   value=$(property "$1") || exit
-  [ "$value" = "$2" ] || die "the phone did not take $1: adb root"
+  [ "$value" = "$2" ] || die "can't set $1: run adb root"
 }
 
 # switch PROPERTY on VALUE | off
@@ -90,7 +90,7 @@ switch() {
   case ${2:-} in
     on)
       takes 2 "${@:2}"
-      [[ $3 == /* ]] || die "$3: names no place on the phone, which begins with /"
+      [[ $3 == /* ]] || die "$3: not an absolute path on the phone"
       [ "$(printf %s "$3" | wc -c)" -le 91 ] || die "$3: longer than a property takes, 91 bytes"
       one_phone
       set_property "$1" "$3"
@@ -129,10 +129,10 @@ run_kit() {
 # pull PATH DIR: pulls into DIR/NAME, everything or nothing. Recordings of two pulls are never mixed.
 pull() {
   local name to
-  [[ $1 == /* ]] || die "$1: names no place on the phone, which begins with /"
+  [[ $1 == /* ]] || die "$1: not an absolute path on the phone"
   name=$(basename -- "$1")
   to=$(realpath -m -- "$2")/$name
-  [ ! -e "$to" ] || die "$to is there already: name another folder"
+  [ ! -e "$to" ] || die "$to already exists: name another folder"
   one_phone
   mkdir -p "${to%/*}" || die "$2: can't make this folder"
   rm -rf "$to.partial"

@@ -74,8 +74,8 @@ SYNTAX = [
     ("[" * 70 + "]" * 70, "1:66: expected at most 64 levels of nesting, found more"),
     ("[" + "0," * 500_000 + "0]", "1:1000000: expected at most 500000 values, found more"),
     (b" " * (8 << 20) + b"1", "expected at most 8388608 bytes, found 8388609"),
-    (request(more=f', "about": {LONG}'), "2:26: about: expected a text, found 0",
-     f"2:26: expected a number that some type holds, found {LONG[:60]}..."),
+    (request(more=f', "about": {LONG}'), "2:26: about: expected text, found 0",
+     f"2:26: expected a number that fits a type, found {LONG[:60]}..."),
     (request(more=', "about": "x",\n"about": "y"'),
      '3:1: the field "about" is given twice, first at line 2 column 17'),
 ]
@@ -87,7 +87,7 @@ FIELDS = [
     (request(more=', "photo": "a\\u0000b"'), "2:26: photo: no such file: a\\u0000b"),
     (request(more=f', "properties": {{"a": "{92 * "0"}", "b": 1}}'),
      "2:37: properties.a: expected a name, and a value of at most 91 bytes",
-     "2:138: properties.b: expected a text, found 1"),
+     "2:138: properties.b: expected text, found 1"),
     (request('"frames": []', ', "fullAsync": true, "algorithms": []'),
      "2:28: fullAsync: requires a frame to hold the value",
      "2:48: algorithms: requires a frame to hold the value"),
@@ -144,24 +144,23 @@ SHOT = '"frames": [{"captureResult": {'
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
      '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
-     '2:41: algorithms[1]: unknown algorithm "nightly", which counts as night by its prefix'),
+     '2:41: algorithms[1]: unknown algorithm "nightly"; treated as night for its prefix'),
     (request(more=', "properties": {"persist.sys.camera3rd.autotst": "1", "vendor.any": "1"}'),
      '2:65: properties."persist.sys.camera3rd.autotst": this library does not read this property '
      "(did you mean persist.sys.camera3rd.autotest?)"),
     (request('"frames": [{"composition": {"isFulAsync": 1, "orlu.control.camera_id": {"long": 5}}}]'),
      "2:43: frames[0].composition.isFulAsync: no such tag (did you mean isFullAsync?)",
-     '2:72: frames[0].composition."orlu.control.camera_id": expected Integer as the tag, which is INT, found '
-     'Long: '
-     "it counts as absent"),
+     '2:72: frames[0].composition."orlu.control.camera_id": expected Integer (the tag is INT), found '
+     "Long; treated as absent"),
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
-     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 5 or 7 frames with one night "
-     "frame, or 9 that begin with 3 night frames, the rest HDR frames; found 5 HDR frames (bit 2), 0 night "
+     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 1 night frame of 5 or 7 "
+     "frames, or the first 3 of 9, and HDR frames otherwise; found 5 HDR frames (bit 2), 0 night "
      "frames (bit 8) and 0 others"),
     (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
      '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '
-     '{"first": ..., "step": ...} counts'),
+     'vary it by {"first": ..., "step": ...}'),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 1}]'),
-     "1:34: inputs: expected as many images of each frame, found 1 of frame 0 and 0 of frame 1",
+     "1:34: inputs: expected equally many images of each frame, found 1 of frame 0 and 0 of frame 1",
      "1:44: inputs[0].file: a has 20 bytes after the last plane"),
     (request(SHOT + '"android.sensor.exposureTime": 10, "android.jpeg.orientation": 45}}]'),
      f"2:62: {TIME}: probably wrong; expected 1000 to 100000000000 (ns), found 10",
@@ -170,18 +169,16 @@ WARNINGS = [
              '[1, 1, 10, 5],\n"android.statistics.faces": [[4, 4, 2, 5]]}}]'),
      '3:30: frames[0].captureResult."android.scaler.cropRegion": [1, 1, 10, 5] exceeds the active array '
      "[0, 0, 9, 9]",
-     '4:29: frames[0].captureResult."android.statistics.faces": face 0: expected left, top, right and bottom, '
-     'found '
-     "[4, 4, 2, 5] with right or bottom first"),
+     '4:29: frames[0].captureResult."android.statistics.faces": face 0: expected left <= right and top <= bottom, '
+     'found [4, 4, 2, 5]'),
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 3}]'),
      "1:44: inputs[0].file: a has 12 bytes after the last plane"),
     (request(inputs='[{"file": "a", "format": "RAW_SENSOR", "width": 3, "height": 3}]'),
      "1:44: inputs[0].file: a has 6 bytes after the last plane; rows of 8 bytes would fill it (the field "
      "stride)"),
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 3, "height": 3, "stride": 8}]'),
-     "1:103: inputs[0].stride: rows of RAW16 can't have padding: the library hands on the width instead of "
-     "the "
-     "stride; expected 6, found 8 (or RAW_SENSOR)"),
+     "1:103: inputs[0].stride: rows of RAW16 can't have padding: the library passes the width, not the "
+     "stride; expected 6 (or RAW_SENSOR), found 8"),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}, '
              '{"file": "a", "format": "RAW16", "width": 6, "height": 2}]'),
      "1:136: inputs[1].width: image 0 of frame 1 has 6x2, that of frame 0 has 4x3"),
@@ -191,7 +188,7 @@ WARNINGS = [
     (request(outputs='[{"format": "JPEG", "width": 64, "height": 64, "capacity": 255}, '
              '{"format": "NV21", "width": 64, "height": 64, "capacity": 99}]'),
      "1:108: outputs[0].capacity: 255 bytes are probably too few for a JPEG of 64x64",
-     "1:172: outputs[1].capacity: the pixels take 6144 bytes, found 99: the memory has what they take"),
+     "1:172: outputs[1].capacity: expected at least 6144 bytes for the pixels, found 99; the memory gets 6144"),
 ]
 
 

@@ -170,9 +170,9 @@ def check_printed(folder):
     (folder / "fates.json").write_text(json.dumps(request))
     result = run_in(folder, "--tags", "--strict", "--explain", "film_size", "fates.json")
     wanted = """
-tags put over by the composition: 1
-    frame 0      3 over the capture result's 0
-tags of a wrong type, so that the default stands: 1
+tags overridden by the composition: 1
+    frame 0      3 overrides the capture result's 0
+tags of a wrong type, so the default applies: 1
     frame 0      composition     String "5" instead of Integer: the algori [...]
 tags never read: 2
   orlu.control.misspelt

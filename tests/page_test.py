@@ -266,7 +266,7 @@ def check_samples(folder):
     for name in ("translation", "wait for the callback", "results", "algorithms: night, jpegEncode", "callback"):
         check(f"night: slices {name}:", names.count(name) == 1, names.count(name))
     headings = {group["heading"].split(",")[0]: len({row[0] for row in group["rows"]}) for group in night["tags"]}
-    check("night: tags", headings == {"read": 34, "absent": 78, "read of other frames only": 29}, headings)
+    check("night: tags", headings == {"read": 34, "absent": 78, "read in other frames only": 29}, headings)
     check("night: the base", night["images"]["base"] == 3, night["images"]["base"])
     check("night: the difference", night["images"]["differences"][0]["psnr"] > 20)
     same = read_page(pages / "no-pass.html")

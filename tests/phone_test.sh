@@ -74,7 +74,7 @@ expect 0 "" pull "$work/shots" "$work/here"
 same "{}" "$work/here/shots/000001/request.json"
 # Files of two pulls are never mixed; an interrupted pull leaves nothing.
 echo "{}" >"$work/shots/000001/outcome.json"
-expect 2 "$work/here/shots is there already: name another folder" pull "$work/shots/" "$work/here"
+expect 2 "$work/here/shots already exists: name another folder" pull "$work/shots/" "$work/here"
 [ ! -e "$work/here/shots/000001/outcome.json" ] || { echo "FAILED: two recordings are mixed"; exit 1; }
 VANISH=pull expect 2 "is a1 still connected?" pull "$work/shots" "$work/half"
 rm "$work/gone"
@@ -82,10 +82,10 @@ same "" <(ls -A "$work/half")
 expect 0 "" pull "$work/shots" "$work/half"
 (cd "$work" && expect 0 "" pull "$work/shots" -x && [ -d ./-x/shots ])
 expect 2 "adb pull failed" pull /none/such "$work/none"
-expect 2 "names no place on the phone" pull shots "$work/none"
+expect 2 "not an absolute path on the phone" pull shots "$work/none"
 (cd "$work" && cp kit "./-k it" && expect 1 "<--only>" conform "-k it" library.so --only "")
 touch "$work/unrooted"
-expect 2 "did not take persist.vendor.orlu.record: adb root" record on /data/x
+expect 2 "can't set persist.vendor.orlu.record: run adb root" record on /data/x
 rm "$work/unrooted"
 
 for wrong in "record on" "record maybe" "record on x" "pull /x" "status now" "conform kit" "rekord on /x"; do
@@ -96,9 +96,9 @@ expect 2 "longer than a property takes" record on "/$(printf 'x%.0s' {1..91})"
 expect 2 "longer than a property takes" record on "/$(printf 'ü%.0s' {1..50})"
 : >"$work/calls"
 PHONES='' expect 2 "no phone is ready: connect one" status
-PHONES='a1\tunauthorized' expect 2 "there is a1 (unauthorized)" status
+PHONES='a1\tunauthorized' expect 2 "found a1 (unauthorized)" status
 PHONES='a1\tdevice\nb2\tdevice' expect 2 "set ANDROID_SERIAL to one of a1 b2" record on /data/x
-ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3; ready are: a1" status
+ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3; ready: a1" status
 PHONES=broken expect 2 "adb devices failed" status
 PHONES='a1\tno permissions (user in plugdev group)' expect 2 "a1 (no permissions (user in plugdev group))" status
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL is a1 b2" status

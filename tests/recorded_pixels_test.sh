@@ -9,13 +9,13 @@ echo "== Both directions of every sample are kept, and are what Java has"
 # One request has no algorithm pass.
 mapfile -t samples < <(find "$root/samples" -name '*.json' ! -name no-pass.json | sort)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
-info_says '^  process in 0 to 6 [0-9]+ bytes, as Java has it$' shots
+info_says '^  process in 0 to 6 [0-9]+ bytes, as in Java$' shots
 # count PATTERN: number of images on the lines that match, for example "input 0 to 6".
 count() {
   grep -E "^  $1" out | sed -E 's/^  (process |callback )?[a-z]+ //' |
     awk '{ n += $2 == "to" ? $3 - $1 + 1 : 1 } END { print n + 0 }'
 }
-for pair in "input [0-9]|process in .*, as Java has it$" "result [0-9]|callback out .*, as Java has it$"; do
+for pair in "input [0-9]|process in .*, as in Java$" "result [0-9]|callback out .*, as in Java$"; do
   images=$(count "${pair%|*}")
   [ "$images" -gt 20 ] || fail "only $images images: $pair"
   [ "$images" -eq "$(count "${pair#*|}")" ] || fail "$images images and not $(count "${pair#*|}"): $pair"
@@ -27,11 +27,11 @@ echo "== A library that writes on after its callback"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=scribbles ends 0 'ok$' --record late --out images \
   "$root"/samples/capture.json "$root"/samples/night-async.json
 for shot in late/*; do
-  info_says '^  callback out 0  *[0-9]+ bytes, not as Java has it from byte 1000 on: written after the callback$' "$shot"
-  ends 1 '^  callback output 0: .*not as Java has it from byte 1000 on: written after the callback / ' replay "$shot"
+  info_says '^  callback out 0  *[0-9]+ bytes, differs from Java at byte 1000: written after the callback$' "$shot"
+  ends 1 '^  callback output 0: .*differs from Java at byte 1000: written after the callback / ' replay "$shot"
 done
 ends 0 '^written all ' trim "$shot" --out all
-info_says '^  callback out 0 .*, not as Java has it from byte 1000 on' all
+info_says '^  callback out 0 .*, differs from Java at byte 1000' all
 ends 0 '^written none ' trim "$shot" --out none --no-pixels
 info_says '^  callback out 0  *[0-9]+ bytes, Java.s is not recorded$' none
 
@@ -51,7 +51,7 @@ for i, line in enumerate(lines):
 (folder / "events.jsonl").write_text("\n".join(lines) + "\n")
 PYTHON
 shot=$(echo shots/*-request-103)
-ends 1 '^  process input 0: [0-9]+ bytes, not as Java has it from byte 77 on / [0-9]+ bytes, as Java has it$' replay "$shot"
+ends 1 '^  process input 0: [0-9]+ bytes, differs from Java at byte 77 / [0-9]+ bytes, as in Java$' replay "$shot"
 ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
 info_says 'process-input0[^ ]* is cut or damaged; expected [0-9]* bytes, found 1000' "$shot"
@@ -63,6 +63,6 @@ ORLU_PIXELS=$folder/mine ends 0 '^verdict  ok$' --out images "$root/samples/capt
 [ "$(find mine -name 'process-input0-*' -o -name 'callback-output0-*' | wc -l)" -eq 2 ] || fail "not two files: $(find mine)"
 ORLU_PIXELS=/proc/none ends 0 'ORLU_PIXELS: /proc/none: No such file' --out images "$root/samples/capture.json"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=aborts:process ends 1 'SIGABRT' --record dead --out images "$root/samples/capture.json"
-info_says '^  process in 0  *[0-9]+ bytes, as Java has it$' dead
+info_says '^  process in 0  *[0-9]+ bytes, as in Java$' dead
 
 ended

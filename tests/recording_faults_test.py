@@ -157,7 +157,7 @@ def check_full_disk():
         expect(f"{what}: {out}{err}", 0, status)
         expect(f"{what}: the same results", True, results("plain") == results("images"))
         expect(f"{what}: parameters", parameters, [line for line in out.splitlines() if "parameters" in line])
-        expect(f"{what}: log {err}", 1, err.count("WARNING: request 103 is not recorded any further: "))
+        expect(f"{what}: log {err}", 1, err.count("WARNING: recording of request 103 stopped: "))
         for shot in Path("kept").glob("shots/*"):
             status, out, err = outcome("info", str(shot))
             out = joined(out)

@@ -49,7 +49,7 @@ protected:
       return "thrown";
     }
   }
-  // The names of the recordings' folders, each with the last event written; "end" is a complete outcome.
+  // Each recording's folder and how it ended: "end" if its outcome is complete, "failed", or "" without one.
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;
     if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
@@ -102,9 +102,9 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
       {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,            "failed"},
       {"no compositions",       "null",   1 << 20, mInputs,      nullptr,             "failed"},
       {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,               "failed"},
-      {"a value without text",  "text",   1 << 20, mInputs,      valued("exception"), "end"   },
-      {"want of memory",        "memory", 1 << 20, mInputs,      valued("memory"),    "failed"},
-      {"want of stack",         "stack",  1 << 20, mInputs,      valued("stack"),     "failed"},
+      {"toString() throws",     "text",   1 << 20, mInputs,      valued("exception"), "end"   },
+      {"out of memory",         "memory", 1 << 20, mInputs,      valued("memory"),    "failed"},
+      {"stack overflow",        "stack",  1 << 20, mInputs,      valued("stack"),     "failed"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.fault);

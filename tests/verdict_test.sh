@@ -45,7 +45,7 @@ capture|aborts:createClient|3|.*planted_algo\.so ended the process by signal 6 \
 capture|hangs:process|1|stopped by signal 15 \(SIGTERM\), with process of request 103 still running; .*
 capture!|twice|1|breach of the contract by the algorithm library: callback \(event [0-9]+\) is for the request 0x0, which was called back already, expected one callback for each request
 night-async!|twice|1|breach .*: callback \(event [0-9]+\) is for the request 0x0, which was called back already, .*
-capture!|headless|1|1 callback ignored: .*; breach .*: callback .* has 19 bytes without a whole name, .*
+capture!|headless|1|1 callback ignored: .*; breach .*: callback .* has 19 bytes, too few for its name, .*
 capture!|afterwards|1|breach .*: callback .* comes after destroyClient has returned, expected no callback .*( \([0-9]+ times\))?
 night-async!|id|1|no callback .*; breach .*: callback .* is for the request 0x1, which was not submitted, .*
 capture!|answers:createMetadata|1|.*; breach .*: createMetadata .* returned null, expected a block \([0-9]+ times\)

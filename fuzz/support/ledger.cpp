@@ -85,7 +85,7 @@ bool Ledger::print() const {
   std::putchar('\n');
   for (size_t i = 0; i < rows.size(); ++i) printRow(kSoakWays[i].name, rows[i]);
   printRow("all", sum);
-  std::printf("%zu requests ended otherwise than their plan says\n", unexpected.size());
+  std::printf("%zu requests did not end as planned\n", unexpected.size());
   for (size_t i = 0; i < std::min<size_t>(unexpected.size(), kMismatchesShown); ++i) {
     const uint64_t request = unexpected[i];
     const Seen& seen = mSeen[request];

@@ -1,5 +1,5 @@
 // The script in force: the calling thread's own, or else the common one. An operation uses the script in
-// force at its start; a request uses that of its process().
+// force at its start; a request, the one in force when process() was called.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace orlu::standin {
 
 class ScriptHolder {
 public:
-  // Begins with the usual behaviour, at the pace that the environment asks for.
+  // Starts with the usual behaviour, as set by ORLU_ALGO_DELAY and ORLU_ALGO_ECHO.
   ScriptHolder();
   // Null restores the usual behaviour.
   void set(const AlgoScript* script);

@@ -1,6 +1,5 @@
-// The implementation of the tables: clients, metadata blocks, the worker, and the script that tests control
-// it with. Every operation reports to the script's observer and the trace. Only scripted exceptions are
-// thrown.
+// Implements the tables: clients, metadata blocks, the worker, and the script by which tests control the
+// stand-in. Finished requests go to the trace. Only scripted exceptions are thrown.
 #pragma once
 
 #include <chrono>

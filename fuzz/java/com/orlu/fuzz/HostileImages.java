@@ -14,7 +14,7 @@ import java.util.function.IntSupplier;
 final class HostileImages implements AutoCloseable {
     private static final List<String> FORMATS = List.of("NV21", "NV12", "YU12", "YV12", "MIPI_RAW10",
             "MIPI_RAW12", "RAW16", "RAW16_AND_MORE", "RAW_SENSOR", "JPEG", "R8G8B8A8", "NV2", "RAW1");
-    // Not open descriptors.
+    // Descriptors that aren't open.
     private static final List<Integer> BAD_DESCRIPTORS = List.of(-1, Integer.MIN_VALUE, 1 << 20,
             Integer.MAX_VALUE);
     private static final int MOST_WORDS = 300;

@@ -1,6 +1,6 @@
 package android.hardware.camera2.impl;
 
-/** Is told of every tag that is read through a capture result. */
+/** Is notified of every tag read through a capture result. */
 public interface LookupListener {
     /**
      * A tag was read as class {@code asked}. {@code held} is the stored value, null if there is none. {@code

@@ -30,8 +30,8 @@ public final class TagTable {
     }
 
     /**
-     * Registers a vendor's tag, as a camera's own tag descriptor does on the device. This includes tags with
-     * names that are built at run time from a section and a key ("orlu.algo.system.some_key", BYTES).
+     * Registers a vendor tag, as the camera's tag descriptor does on the device. Its name may be built at run
+     * time from a section and a key ("orlu.algo.system.some_key", BYTES).
      * Registering a tag again is allowed; throws IllegalArgumentException if it is known with another type,
      * since stores may hold values of that type.
      */

@@ -20,7 +20,7 @@ final class RecordFolder {
     /** The result; missing if the process ended early. */
     static final String OUTCOME = "outcome.json";
     static final String EVENTS = "events.jsonl";
-    static final String TOO_LARGE = "no: the recording would have more bytes than it may";
+    static final String TOO_LARGE = "no: the size limit of the recording is reached";
 
     /** The nesting of tags, each of which has its own line. */
     private static final int REQUEST_LEVELS = 4;
@@ -45,7 +45,7 @@ final class RecordFolder {
         byte[] bytes = bytes(json, name.equals(REQUEST) ? REQUEST_LEVELS : OUTCOME_LEVELS);
         mBytesLeft -= bytes.length;
         if (mBytesLeft < 0) {
-            throw new IOException("the recording would have more bytes than it may");
+            throw new IOException("the size limit of the recording is reached");
         }
         writeAll(name, ByteBuffer.wrap(bytes));
     }
@@ -83,7 +83,7 @@ final class RecordFolder {
     /** Writes the bytes of one of Java's images if pixels are recorded. */
     void writePixels(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (mPixels == RequestRecorder.Pixels.NONE) {
-            json.put("kept", "no: without pixels");
+            json.put("kept", "no: pixels are not recorded");
         } else {
             writeBytes(name, bytes, json);
         }

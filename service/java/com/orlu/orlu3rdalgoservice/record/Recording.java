@@ -77,8 +77,8 @@ public final class Recording {
             // Catches errors, too: a value's code may run out of memory or stack.
             mIsOver = true;
             boolean hasReason = hasReason(e);
-            RequestRecorder.warn("request " + idOf(mRequest) + " is not recorded any further: " + e
-                    + (hasReason || mFolder == null ? "" : " (" + mFolder.folder() + " does not say why)"));
+            RequestRecorder.warn("recording of request " + idOf(mRequest) + " stopped: " + e
+                    + (hasReason || mFolder == null ? "" : " (no reason in " + mFolder.folder() + ")"));
         }
     }
 

@@ -48,9 +48,8 @@ final class SizeAdvice {
     private static void onStride(ImagePlan image) {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
-            image.place().warn("stride", "rows of RAW16 can't have padding: the library hands on the width "
-                    + "instead of the stride; expected " + row + ", found " + image.strideBytes()
-                    + " (or RAW_SENSOR)");
+            image.place().warn("stride", "rows of RAW16 can't have padding: the library passes the width, not "
+                    + "the stride; expected " + row + " (or RAW_SENSOR), found " + image.strideBytes());
         }
     }
 
@@ -80,8 +79,8 @@ final class SizeAdvice {
                 needed += plane;
             }
             if (output.capacity() < needed) {
-                output.place().warn("capacity", "the pixels take " + needed + " bytes, found "
-                        + output.capacity() + ": the memory has what they take");
+                output.place().warn("capacity", "expected at least " + needed + " bytes for the pixels, found "
+                        + output.capacity() + "; the memory gets " + needed);
             }
         } else if (output.capacity() > 0 && output.capacity() < pixels / PIXELS_A_BYTE) {
             output.place().warn("capacity", output.capacity()

@@ -145,7 +145,7 @@ final class BurstSession {
         checkPlanted(request, shots);
         addLeft("clients", events.calls("createClient").size() - events.calls("destroyClient").size());
         addLeft("blocks", events.calls("createMetadata").size() - events.calls("destroyMetadata").size());
-        addLeft("operations that have not returned", events.open().size());
+        addLeft("open operations", events.open().size());
         addLeft("image descriptors", images);
         if (mReasons.isEmpty()) {
             mTo.line("left", "nothing");
@@ -175,7 +175,7 @@ final class BurstSession {
                 ++right;
             }
         }
-        mTo.line("announced", right + " of " + counts.size() + " once");
+        mTo.line("announced", right + " of " + counts.size() + " exactly once");
     }
 
     private void checkPlanted(RequestFile request, List<Shot> shots) {
@@ -190,7 +190,7 @@ final class BurstSession {
                         : "the results of request " + owner));
             }
         }
-        mTo.line("results", isKnown ? right + " of " + shots.size() + " with their own request"
+        mTo.line("results", isKnown ? right + " of " + shots.size() + " match their request"
                 : "not checked: the library does not return the planted values");
         mJson.put("ownResults", isKnown ? right : null);
     }

@@ -29,12 +29,12 @@ final class CatalogueCommand implements Subcommand {
 
     @Parameters(index = "0", arity = "0..1", hidden = true)
     private String mWord;
-    @Option(names = "--json", description = "Print all that is known as a JSON list")
+    @Option(names = "--json", description = "Print complete entries as a JSON list")
     private boolean mJson;
 
     /**
-     * `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label` names the word in the
-     * help.
+     * `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label` is the argument's
+     * name in the help.
      */
     CatalogueCommand(String name, String label, String example) {
         mName = name;
@@ -68,7 +68,7 @@ final class CatalogueCommand implements Subcommand {
         return Verdict.OK;
     }
 
-    // The entry with that full name, or with that name after a slash; else those that contain the word.
+    // Returns the entries named `word`, in full or after a slash; else those whose names contain it.
     private List<Json> wanted(List<Json> all, String word) {
         List<Json> exact = all.stream().filter(entry -> ("/" + Catalogue.name(entry)).endsWith("/" + word))
                 .toList();

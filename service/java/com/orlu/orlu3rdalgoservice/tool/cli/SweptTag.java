@@ -26,7 +26,7 @@ record SweptTag(String name, List<String> values) {
     static SweptTag of(String text) {
         int equals = text.indexOf('=');
         if (equals < 1 || equals == text.length() - 1) {
-            throw new IllegalArgumentException("--tag: expected NAME=from:to:steps or NAME=value,value, "
+            throw new IllegalArgumentException("--tag: expected NAME=from:to:steps or NAME=value,value; "
                     + "found \"" + text + '"');
         }
         String values = text.substring(equals + 1);

@@ -68,7 +68,7 @@ final class TrialSession {
         Path file = WorkFolder.trials();
         if (file == null || !Files.exists(file)) {
             return Dependences.unknown("off".equals(System.getenv("ORLU_TRIALS"))
-                    ? "ORLU_TRIALS=off left the trials out" : "the trials' process ended before it was done");
+                    ? "ORLU_TRIALS=off disables the trials" : "the trials' process ended early");
         }
         List<Dependences> all = Dependences.read(file);
         return all.get(Math.min(request, all.size() - 1));

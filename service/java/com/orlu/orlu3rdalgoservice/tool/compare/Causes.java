@@ -54,12 +54,12 @@ public final class Causes {
             lines.add("because of " + GivenNotes.text(tag, ""));
         }
         if (tags.size() > SHOWN) {
-            lines.add("and " + (tags.size() - SHOWN) + " tags more");
+            lines.add("and " + (tags.size() - SHOWN) + " more tags");
         }
         if (tags.isEmpty()) {
             lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
                     ? Handover.shortName(name) + " changes with each translation"
-                    : "no tag that differs explains it; " + dependsOn(name));
+                    : "no differing tag explains it; " + dependsOn(name));
         }
         return lines;
     }
@@ -77,7 +77,7 @@ public final class Causes {
         List<String> found = new ArrayList<>();
         tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));
         return "it depends on " + String.join(", ", found.subList(0, Math.min(SHOWN, found.size())))
-                + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " tags more" : "");
+                + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " more tags" : "");
     }
 
     /** Why the trials are unreliable; "" if they are reliable. */

@@ -112,7 +112,7 @@ public final class Comparison {
             int at = Arrays.mismatch(one.get(i), other.get(i));
             if (at >= 0 && !mIgnored.contains("camera metadata")) {
                 differ("camera metadata of frame " + i, one.get(i).length + " bytes",
-                        other.get(i).length + " bytes, different from byte " + at + " on");
+                        other.get(i).length + " bytes, first differs at byte " + at);
             }
         }
         if (whole && one.size() != other.size()) {

@@ -65,13 +65,13 @@ public final class ComparisonReport {
             }
         }
         if (differences.size() > SHOWN) {
-            mTo.print(2, "and " + (differences.size() - SHOWN) + " differences more");
+            mTo.print(2, "and " + (differences.size() - SHOWN) + " more differences");
         }
         comparison.notes().forEach(this::note);
         if (canComeFromTags && !hasFrames()) {
             note("events alone don't show which tags cause differences");
         } else if (canComeFromTags && mGiven.isEmpty()) {
-            note("no tag differs: the library, a property, the number of frames or the images do");
+            note("no tag differs; check the library, properties, the number of frames and the images");
         }
         if (causes != null && !causes.problem().isEmpty()) {
             note("tags unknown or incomplete: " + causes.problem());

@@ -35,7 +35,7 @@ final class GivenNotes {
         List<List<GivenTag>> tags = grouped(GivenTag.of(mOne, mOther));
         tags.stream().limit(MOST_TAGS).forEach(tag -> mLines.add(line(tag)));
         if (tags.size() > MOST_TAGS) {
-            mLines.add("and " + (tags.size() - MOST_TAGS) + " other tags given differ");
+            mLines.add("and " + (tags.size() - MOST_TAGS) + " more tags that differ");
         }
         return mLines;
     }
@@ -54,7 +54,7 @@ final class GivenNotes {
         GivenTag first = tag.get(0);
         boolean isSame = tag.stream().allMatch(each -> each.text().equals(first.text()));
         return Frames.text(tag.stream().map(GivenTag::frame).toList()) + verb + " " + first.text()
-                + (isSame ? "" : " in frame " + first.frame() + ", others in the rest");
+                + (isSame ? "" : " in frame " + first.frame() + ", and other values in the others");
     }
 
     private static String line(List<GivenTag> tag) {

@@ -93,15 +93,15 @@ public final class OutputComparison {
                 : ImageDifference.of(image.format(), image.width(), image.height(),
                         strides[0], one, other);
         if (difference == null) {
-            return "different from byte " + at + " on";
+            return "first differs at byte " + at;
         }
         if (difference.firstRow() < 0) {
-            return "all pixels are equal, bytes beside them differ from byte " + at + " on";
+            return "all pixels are equal; other bytes differ, first at byte " + at;
         }
         if (tolerance > 0 && difference.most() <= tolerance) {
             return "";
         }
-        return "%d is the first row that differs, the most by %d of 255, PSNR %.1f dB%s".formatted(
+        return "first differing row %d, largest difference %d of 255, PSNR %.1f dB%s".formatted(
                 difference.firstRow(), difference.most(), difference.psnr(), write(index, difference));
     }
 

@@ -53,7 +53,7 @@ public final class ExplanationPrinter {
     }
 
     private void printUnknown(String word, Set<String> possible) {
-        mLines.plain("explain  " + word + ": not passed, whatever value tags have");
+        mLines.plain("explain  " + word + ": never passed, whichever values tags have");
         List<String> near = possible.stream().filter(name -> name.toLowerCase().contains(word.toLowerCase()))
                 .map(Handover::shortName).toList();
         if (!near.isEmpty()) {
@@ -97,7 +97,7 @@ public final class ExplanationPrinter {
             mLines.line("depends on", rows.size() == 1 ? "this tag" : "these " + rows.size() + " tags");
             rows.print(mLines, INDENT);
         } else if (mExplanations.problem().isEmpty()) {
-            mLines.line("depends on", "no tag of its own: fixed, or of the request or its images");
+            mLines.line("depends on", "no tag: fixed, or from the request or its images");
         }
     }
 

@@ -114,7 +114,7 @@ public final class Explanations {
 
     /** How the tags were found, as text. */
     public String effort() {
-        return "found by %d trials in %.1f s: docs/explain.md says what they can miss"
+        return "found by %d trials in %.1f s; docs/explain.md lists their limits"
                 .formatted(mDependences.trials(), mDependences.seconds());
     }
 }

@@ -34,9 +34,9 @@ public record Reading(
         String place = isInComposition() ? "composition     " : "capture result  ";
         return switch (outcome) {
             case FOUND, NEVER_READ -> place + value;
-            case ABSENT -> "absent, so the default stands";
+            case ABSENT -> "absent, so the default applies";
             case WRONG_TYPE -> place + held + " " + value + " instead of " + asked;
-            case UNKNOWN -> "known to no table, so the default stands";
+            case UNKNOWN -> "in no table, so the default applies";
         };
     }
 }

@@ -41,7 +41,7 @@ public final class Readings {
     /** Returns the readings of a run whose look-ups were recorded. */
     public static Readings of(Run run, Dependences dependences) {
         return new Readings(run.events(), run.request().frames().frames(),
-                dependences != null ? dependences : Dependences.unknown("nobody asked"));
+                dependences != null ? dependences : Dependences.unknown("no trials were made"));
     }
 
     /** All readings in the order of the first look-up; tags never read are last. */

@@ -96,7 +96,7 @@ public final class SourceLines {
     private void resolve(String module, Set<String> offsets) {
         String path = mModules.get(module);
         if (path == null) {
-            mProblem = "no event says where " + module + " lies";
+            mProblem = "no event has the path of " + module;
             return;
         }
         // Java's own spawn helper is a program of the emulated machine and can't run here.

@@ -43,11 +43,11 @@ public final class TagPrinter {
     public Map<String, TagRows> groups() {
         Map<String, TagRows> groups = new LinkedHashMap<>();
         groups.put("read", rows(reading -> reading.is(Outcome.FOUND)));
-        groups.put("put over by the composition", hidden());
-        groups.put("of a wrong type, so that the default stands", defaults(Outcome.WRONG_TYPE));
-        groups.put("absent, so that the default stands", defaults(Outcome.ABSENT));
-        groups.put("known to no table, so that the default stands", defaults(Outcome.UNKNOWN));
-        groups.put("read of other frames only", rows(reading -> reading.is(Outcome.NEVER_READ)
+        groups.put("overridden by the composition", hidden());
+        groups.put("of a wrong type, so the default applies", defaults(Outcome.WRONG_TYPE));
+        groups.put("absent, so the default applies", defaults(Outcome.ABSENT));
+        groups.put("in no table, so the default applies", defaults(Outcome.UNKNOWN));
+        groups.put("read in other frames only", rows(reading -> reading.is(Outcome.NEVER_READ)
                 && mReadings.over(reading) == null && !mCheck.isNeverRead(reading)));
         groups.put("never read", rows(mCheck::isNeverRead));
         groups.values().removeIf(TagRows::isEmpty);
@@ -66,7 +66,7 @@ public final class TagPrinter {
         for (Reading reading : mReadings.all()) {
             Reading under = mReadings.under(reading);
             if (under != null && !reading.is(Outcome.NEVER_READ)) {
-                hidden.add(reading.tag(), reading.frame(), reading.value() + " over the capture result's "
+                hidden.add(reading.tag(), reading.frame(), reading.value() + " overrides the capture result's "
                         + under.value());
             }
         }

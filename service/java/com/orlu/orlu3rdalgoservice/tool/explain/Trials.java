@@ -119,7 +119,7 @@ public final class Trials {
         List<Dependence> all =
                 byTag.values().stream().flatMap(List::stream).map(Subject::dependence).toList();
         String problem = trials.differences(List.of()).isEmpty() ? ""
-                : "a trial changed the library's state: the unchanged request is translated differently now";
+                : "a trial changed the library's state: the original request now translates differently";
         double seconds = (System.nanoTime() - start) / NANOSECONDS;
         return new Dependences(all, trials.mUnsteady, trials.mRuns, seconds, problem);
     }

@@ -228,7 +228,7 @@ final class ExifReader {
             directory.getErrors().forEach(error -> mNotes.add("EXIF", "damaged: " + error));
         }
         if (!names.isEmpty()) {
-            mNotes.add("EXIF", "no tag is like " + String.join(", ", names));
+            mNotes.add("EXIF", "no tag for " + String.join(", ", names));
         }
     }
 }

@@ -16,7 +16,7 @@ import java.util.TreeSet;
 /**
  * A value of a JSON text. The tree is immutable, and each value knows its file, line, column and path.
  *
- * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected a text,
+ * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected text,
  * found 5") if the value has another type. An accessor with a fallback returns it if the member is absent or
  * has another type, and notes the latter in mistakes(). Nothing else is thrown.
  */
@@ -109,7 +109,7 @@ public final class Json implements JsonWriter.Source {
         return mNameSpot;
     }
 
-    /** The content as Java has it: Map, List, String, BigDecimal, Boolean or null. */
+    /** The content equal to Java's: Map, List, String, BigDecimal, Boolean or null. */
     @Override
     public Object content() {
         return mContent;
@@ -218,7 +218,7 @@ public final class Json implements JsonWriter.Source {
         if (mContent instanceof String text) {
             return text;
         }
-        throw needs("a text");
+        throw needs("text");
     }
 
     public boolean bool() throws MistakeException {

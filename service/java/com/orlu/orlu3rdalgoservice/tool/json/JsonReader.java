@@ -220,7 +220,7 @@ final class JsonReader {
             }
         }
         mMistakes.add(spot.line(), spot.column(), "",
-                "expected a number that some type holds, found " + Json.cut(text));
+                "expected a number that fits a type, found " + Json.cut(text));
         return BigDecimal.ZERO;
     }
 }

@@ -79,7 +79,7 @@ public final class Callbacks {
     private String ignored(Call call) {
         Event callback = call.begin();
         if (!callback.has("name")) {
-            return "its " + callback.number("size") + " bytes hold no name";
+            return "no name in its " + callback.number("size") + " bytes";
         }
         if (!callback.isShot() && !callback.isLightStream()) {
             return "name \"" + callback.text("name") + "\"";

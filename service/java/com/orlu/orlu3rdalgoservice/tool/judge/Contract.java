@@ -169,7 +169,7 @@ public final class Contract {
         if (operation == null || operation.number("tid") != event.number("tid")) {
             breach(Side.LIBRARY, "late-visit", event, operation == null
                             ? "comes after its operation has returned" : "comes on another thread",
-                    "a visit on the thread of its operation, until that returns");
+                    "a visit on its operation's thread before the operation returns");
         }
         checkValue(Side.LIBRARY, event);
     }
@@ -196,7 +196,7 @@ public final class Contract {
         if (isHeld && block != 0) {
             breach(Side.SERVICE, "block-in-use", event,
                     "destroys the block " + event.text("block") + " of a request that is being processed",
-                    "the request's callback, or the return of process for a camera block");
+                    "the request's callback first, or for a camera block the return of process");
         }
     }
 
@@ -214,10 +214,10 @@ public final class Contract {
         String name = event.text("name");
         if (cookie != null && cookie.isDead()) {
             breach(Side.LIBRARY, "dead-cookie", event, "comes after destroyClient has returned",
-                    "no callback for a client that is gone");
+                    "no callback for a destroyed client");
         } else if (!event.has("name")) {
             breach(Side.LIBRARY, "malformed-callback", event,
-                    "has " + event.number("size") + " bytes without a whole name", "a header and its name");
+                    "has " + event.number("size") + " bytes, too few for its name", "a header and its name");
         } else if (event.isShot()) {
             finish(event);
         } else if (!event.isLightStream()) {

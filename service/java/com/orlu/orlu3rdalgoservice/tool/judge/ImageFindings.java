@@ -121,7 +121,7 @@ public final class ImageFindings {
         PictureFacts input = base == null ? null : base.facts();
         String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
                 ? "The input is as dark (%.1f): check the frames first.".formatted(input.meanLuma())
-                : "The input is not. The algorithm library wrote black pixels: check the exposure and "
+                : "The input is not black. The algorithm library wrote black pixels: check the exposure and "
                         + "gain parameters, then the algorithms that ran.";
         wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
                 output.name(), output.facts().meanLuma()), why);
@@ -159,7 +159,7 @@ public final class ImageFindings {
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {
-            return "The input is not. The output's padding holds pixels in %d of %d rows: %s".formatted(
+            return "The input is not slanted. The output's padding holds pixels in %d of %d rows: %s".formatted(
                     written.usedPadding(), written.rows(), mistaken(written));
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
@@ -167,10 +167,10 @@ public final class ImageFindings {
         // Samples may have several bytes.
         int padding = read.stride() - read.rowBytes();
         boolean isIt = padding > 0 && padding % shear == 0;
-        return "The input is not. " + (isIt
+        return "The input is not slanted. " + (isIt
                 ? "The rows of %s have %d bytes of padding: %s".formatted(
                         base.name(), padding, mistaken(read))
-                : "The algorithm library used a wrong stride: compare those in the memory.");
+                : "The algorithm library used a wrong stride: compare the strides under Memory.");
     }
 
     private static String mistaken(PlaneUse plane) {
@@ -185,7 +185,7 @@ public final class ImageFindings {
     private void checkBrightness(ImageExhibit output, ImageExhibit base) {
         double mean = output.facts().meanLuma();
         if (output.facts().clipped() > MUCH_CLIPPED && base.facts().clipped() < LITTLE_CLIPPED) {
-            look("clipped", Tab.PICTURES, "%.0f %% of %s are white; of %s it is %.0f %%.".formatted(
+            look("clipped", Tab.PICTURES, "%.0f %% of %s is white, of %s only %.0f %%.".formatted(
                             100 * output.facts().clipped(), output.name(), base.name(),
                             100 * base.facts().clipped()),
                     "Bright parts are lost: check the exposure and gain parameters, and the histogram.");

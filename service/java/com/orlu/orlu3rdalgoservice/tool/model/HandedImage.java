@@ -19,7 +19,7 @@ import java.util.List;
 public record HandedImage(String call, String kind, int index, String text, Match match) {
     public enum Match { SAME, DIFFERENT, UNKNOWN }
 
-    private static final String AS_IN_JAVA = "as Java has it";
+    private static final String AS_IN_JAVA = "as in Java";
     private static final int NOT_KEPT = -2;
 
     /** All images that the probe kept of a run; none without its pixels. */
@@ -50,7 +50,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
                 int at = mismatch(run, event, counterpart);
                 match = at == NOT_KEPT ? Match.UNKNOWN : at < 0 ? Match.SAME : Match.DIFFERENT;
                 text = at == NOT_KEPT ? "not kept" : at < 0 ? AS_IN_JAVA
-                        : "not " + AS_IN_JAVA + " from byte " + at + " on"
+                        : "differs from Java at byte " + at
                                 + (isInput ? "" : ": written after the callback");
             } catch (MistakeException e) {
                 text = e.getMessage();

@@ -72,7 +72,7 @@ public final class Trimmer {
             }
         }
         if (!mFrames.isEmpty() && inputs % frames != 0) {
-            throw new IllegalArgumentException("--frames: expected as many inputs of each frame, found "
+            throw new IllegalArgumentException("--frames: expected equally many inputs of each frame, found "
                     + inputs + " inputs of " + frames + " frames");
         }
         if (Files.exists(folder)) {

@@ -30,7 +30,7 @@ final class ByteRecords {
             return hex(field);
         }
         if (!field.isObject()) {
-            throw field.needs("bytes: a hex text or an object such as {\"int32\": [1, 2]}");
+            throw field.needs("bytes: hex text or an object such as {\"int32\": [1, 2]}");
         }
         return field.members().containsKey("size") ? sized(field) : packed(field, field.members());
     }
@@ -56,7 +56,7 @@ final class ByteRecords {
         byte[] bytes = packed(part, members);
         if (bytes.length > record.length - offset) {
             throw part.error(
-                    bytes.length + " bytes at " + offset + " reach past the record's " + record.length);
+                    bytes.length + " bytes at " + offset + " exceed the record of " + record.length + " bytes");
         }
         System.arraycopy(bytes, 0, record, offset, bytes.length);
     }

@@ -63,7 +63,7 @@ final class ImagePlanReader {
     private ImagePlan input(Json field, int index) throws MistakeException {
         Json members = members(field, "frame");
         if (mFrames == 0) {
-            throw field.error("the request has no frame that it could belong to");
+            throw field.error("the request has no frame for this input");
         }
         int last = mFrames < 0 ? Integer.MAX_VALUE : mFrames - 1;
         int frame = members.integer("frame", 0, last, Math.min(index, last));

@@ -83,7 +83,7 @@ final class RequestAdvice {
                     a.length() > b.length() ? a : b);
             field.warn("unknown algorithm " + Json.quoted(name)
                     + (longest.isEmpty() ? NearestWord.question(name, known)
-                            : ", which counts as " + longest + " by its prefix"));
+                            : "; treated as " + longest + " for its prefix"));
         }
     }
 
@@ -108,8 +108,8 @@ final class RequestAdvice {
                             + NearestWord.question(entry.getKey(), TagTable.names()));
                 } else if (found != type.stored()) {
                     field(i, "composition", entry.getKey()).warn("expected " + type.stored().getSimpleName()
-                            + " as the tag, which is " + type + ", found " + found.getSimpleName()
-                            + ": it counts as absent");
+                            + " (the tag is " + type + "), found " + found.getSimpleName()
+                            + "; treated as absent");
                 }
             }
         }
@@ -134,8 +134,8 @@ final class RequestAdvice {
             default -> false;
         };
         if (hdr > 0 && !isLayout) {
-            mRoot.get("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames with one night "
-                    + "frame, or 9 that begin with 3 night frames, the rest HDR frames; found " + hdr
+            mRoot.get("frames").warn(MODE + " forms no bracket; expected 1 night frame of 5 or 7 "
+                    + "frames, or the first 3 of 9, and HDR frames otherwise; found " + hdr
                     + " HDR frames (bit 2), " + night + " night frames (bit 8) and "
                     + (mFrames.size() - hdr - night) + " others");
         }
@@ -168,7 +168,7 @@ final class RequestAdvice {
             Integer other = time == 0 ? null : frames.putIfAbsent(time, i);
             if (other != null) {
                 field(i, "captureResult", TIME).warn("frames " + other + " and " + i + " have the same time "
-                        + time + "; {\"first\": ..., \"step\": ...} counts");
+                        + time + "; vary it by {\"first\": ..., \"step\": ...}");
                 return;
             }
         }
@@ -179,7 +179,7 @@ final class RequestAdvice {
         mRequest.inputs().forEach(image -> ++counts[image.frame()]);
         for (int i = 1; i < counts.length && !mRequest.inputs().isEmpty(); ++i) {
             if (counts[i] != counts[0]) {
-                mRoot.get("inputs").warn("expected as many images of each frame, found " + counts[0]
+                mRoot.get("inputs").warn("expected equally many images of each frame, found " + counts[0]
                         + " of frame 0 and " + counts[i] + " of frame " + i);
                 return;
             }

@@ -117,7 +117,7 @@ public final class RequestFileReader {
 
     private void putOnce(Map<String, Object> composition, String key, Object value, Json field) {
         if (composition.putIfAbsent(key, value) != null && field != null) {
-            mMistakes.add(field.error("the first composition has " + key + " already"));
+            mMistakes.add(field.error("the first composition already sets " + key));
         }
     }
 

@@ -74,8 +74,7 @@ final class TagAdvice {
 
     private static void onRectangle(Rect found, Rect array, Json field, String what) {
         if (found.right < found.left || found.bottom < found.top) {
-            field.warn(what + "expected left, top, right and bottom, found " + shown(found)
-                    + " with right or bottom first");
+            field.warn(what + "expected left <= right and top <= bottom, found " + shown(found));
         } else if (array != null && (found.left < array.left || found.top < array.top
                 || found.right > array.right || found.bottom > array.bottom)) {
             field.warn(what + shown(found) + " exceeds the active array " + shown(array));

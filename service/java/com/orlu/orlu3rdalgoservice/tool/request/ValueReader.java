@@ -46,7 +46,7 @@ final class ValueReader {
         BigDecimal value = BigDecimal.valueOf(counter.require("first").integer(least, most)).add(
                 BigDecimal.valueOf(counter.require("step").integer(least, most)).multiply(frame()));
         if (value.compareTo(BigDecimal.valueOf(least)) < 0 || value.compareTo(BigDecimal.valueOf(most)) > 0) {
-            throw field.error("frame " + mFrame + " counts to " + value + ", out of range");
+            throw field.error("frame " + mFrame + " gets " + value + ", out of range");
         }
         return value.longValueExact();
     }

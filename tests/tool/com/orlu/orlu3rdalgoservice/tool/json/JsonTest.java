@@ -44,7 +44,7 @@ public final class JsonTest {
         assertEquals("false", of(root -> root.get("list").list().get(1).isWholeNumber()));
         assertEquals("f:5:19: list[2]: expected a number, found \"x\"",
                 of(root -> root.get("list").list().get(2).number()));
-        assertEquals("f:5:24: list[3]: expected a text, found null",
+        assertEquals("f:5:24: list[3]: expected text, found null",
                 of(root -> root.get("list").list().get(3).string()));
         assertEquals("f:5:40: list[4].deep[0]: expected an object, found true",
                 of(root -> root.get("list").list().get(4).get("deep").list().get(0).members()));
@@ -72,9 +72,9 @@ public final class JsonTest {
         assertEquals("f:1:66: expected at most 64 levels of nesting, found more",
                 problem("[".repeat(65) + "1" + "]".repeat(65)));
         assertNull(problem("[".repeat(64) + "]".repeat(64)));
-        assertEquals("f:1:2: expected a number that some type holds, found 1e999999999",
+        assertEquals("f:1:2: expected a number that fits a type, found 1e999999999",
                 problem("[1e999999999]"));
-        assertEquals("f:1:2: expected a number that some type holds, found " + "1".repeat(60) + "...",
+        assertEquals("f:1:2: expected a number that fits a type, found " + "1".repeat(60) + "...",
                 problem("[" + "1".repeat(401) + "]"));
         assertNull(problem("[\"" + "x".repeat(1 << 20) + "\"]"));
         String number = problem("[" + "1".repeat(1 << 20) + "]");
