@@ -38,8 +38,8 @@ inline void readNumbers(int argc, char** argv, const std::vector<NumberOption>& 
     const char* const end = optarg + std::strlen(optarg);
     const auto [rest, error] = std::from_chars(optarg, end, number);
     if (error != std::errc() || rest != end || number < option.least) {
-      std::fprintf(stderr, "%s: --%s: expected a number of at least %llu, found \"%s\"\n", argv[0], option.name,
-                   static_cast<unsigned long long>(option.least), optarg);
+      std::fprintf(stderr, "%s: --%s: expected a number of at least %llu, found \"%s\"\n", argv[0],
+                   option.name, static_cast<unsigned long long>(option.least), optarg);
       endWithUsage(argv[0], options);
     }
     *option.value = number;

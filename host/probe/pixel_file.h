@@ -16,8 +16,9 @@ struct WrittenPixels {
 // it has none or is closed.
 uint64_t memorySize(int fd);
 
-// Writes `size` bytes of the descriptor's memory, or all if there are fewer, to a new file at this path, unless
-// they exceed `mostBytes`. Leaves no file if the memory can't be mapped or part of it disappears while it is read.
+// Writes `size` bytes of the descriptor's memory, or all if there are fewer, to a new file at this path,
+// unless they exceed `mostBytes`. Leaves no file if the memory can't be mapped or part of it disappears while
+// it is read.
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path);
 
 }  // namespace orlu::probe
