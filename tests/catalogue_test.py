@@ -30,7 +30,7 @@ tags android.jpeg.quality         | 0 | read by nobody: no function of the libra
 tags orlu.control.currentModEx    | 2 | did you mean orlu.control.currentModeEx?
 tags currentModEx                 | 2 | run: error: no such tag: currentModEx (did you mean currentModeEx?)
 algorithms hdr                    | 0 | algorithm hdr ; stand-in runs ; hdr5 added ran
-algorithms jpegEncode             | 0 | removed Of raw input. ; raw-night asked removed
+algorithms jpegEncode             | 0 | removed With raw input. ; raw-night asked removed
 algorithms beauti                 | 2 | did you mean beauty?
 parameters exif_info_for_write    | 0 | record ExifInfo ; bytes 152
 parameters film_size              | 0 | parameter control/film_size ; type int ; bytes 4 ; tags orlu.control.filmSize, orlu.doubleExpo.capture
