@@ -100,7 +100,6 @@ int main(int argc, char** argv) {
   const std::string tables = orlu::bench::allTables();
   if (isUpdate) return (std::ofstream(path) << tables).flush() ? 0 : 1;
   if (orlu::bench::isAsWritten(tables, path)) return 0;
-  std::printf("If the change is intended, accept it with\n  %s --update %s\n", argv[0],
-              path.c_str());
+  std::printf("If the change is intended, accept it with\n  %s --update %s\n", argv[0], path.c_str());
   return 1;
 }

@@ -24,7 +24,7 @@ LARGEST_PAGE = 3_000_000
 # request, planted fault, the kinds of findings with a word of their text
 FAULTS = """
 padded | | |
-night | inputStride | stride | 632 for its stride of 640
+night | inputStride | stride | a stride of 632 instead of 640
 padded | outputStride | stride | padding holds pixels
 night | swapped | colours-exchanged | U and V
 raw16 | elsewhere | wrong-buffer | input 0

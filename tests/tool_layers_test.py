@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Packages of the command only use packages of lower layers: tool_layers_test.py"""
+"""Checks that no package of the command uses one of a higher layer: tool_layers_test.py"""
 
 import re
 import sys

@@ -203,7 +203,7 @@ TEST_F(VRequestImageTest, LivesWithoutMemory) {
   for (const test::ImageSpec& spec : {test::ImageSpec(), closed}) {
     mLog.clear();
     const AlgoFrameInfo frame = convert(test::newImage(spec));
-    // The first plane is as large as the memory, which has 0 bytes.
+    // The memory has 0 bytes, so the first plane's size is replaced.
     EXPECT_EQ("64x48 1 2 | 64 64 0 0 | 3072 1536 0 0 | 4608 | 48 0 0 0 | 0 0 0 0 0 | 0 0 0 0",
               test::frameText(frame));
     EXPECT_EQ(nullptr, frame.nativeHandle);

@@ -13,10 +13,10 @@
 
 namespace orlu::fuzz {
 
-// The request that this thread is sending, for functions called on this thread meanwhile.
+// The request that this thread is sending, for the functions that this calls on the thread.
 struct Current {
   uint64_t request;
-  CallbackPool* pool = nullptr;  // sends its callback; null if none is sent before processImage() returns
+  CallbackPool* pool = nullptr;  // gets its callback during process(); null if no pool does then
   HeldCallback callback = {};    // complete after the library received the request
   bool hasBlock = false;
   void* cameraBlock = nullptr;  // destroyed when process() has returned
@@ -50,7 +50,7 @@ jobject compositionsOf(SoakKind kind) {
   return kept(test::javaList({composition}));
 }
 
-// Observes the calls to the stand-in: the request's block, its operations, and the blocks that it frees.
+// Observes the calls to the stand-in: the request's block, its process(), and all destroyed blocks.
 void observe(Ledger& ledger, const probe::WatchedCall& call) {
   if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(*call.block);
   if (call.operation == "destroyClient" && tInDestroyClient != nullptr) {

@@ -129,7 +129,7 @@ check_failure() {
   compile_sources "$copy/objects" "$copy/of_this_machine.cpp"
   must_fail "gnu_get_libc_version is in no library of the platform" find_symbols "$copy"/objects/*.o
   tests/platform/java_api_test.py
-  echo "each of these faults is found"
+  echo "all planted faults are found"
 }
 
 # Downloads the listing of the platform's classes once, from npm, at a fixed version.
@@ -140,7 +140,7 @@ fetch_types() {
   rm -rf "$folder"
   mkdir -p "$folder"
   (cd "$folder" && npm pack --silent "$types_package" >packed && tar xzf "$(cat packed)") ||
-    die "npm did not fetch $types_package, which lists the platform's classes: see what it said above"
+    die "npm did not fetch $types_package, which lists the platform's classes: see its output above"
   echo "$types_package" >"$folder/version"
 }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that a library of the platform has each undefined symbol of the files for a phone.
+"""Checks that the platform's libraries have each undefined symbol of the files for a phone.
 
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 

@@ -24,7 +24,7 @@ import picocli.CommandLine.UnmatchedArgumentException;
 final class Commands {
     private static final int HELP_COLUMNS = 80;
 
-    // A subcommand with an empty phrase is not in the help.
+    // A subcommand with an empty `about` is not in the help.
     private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
 
@@ -42,7 +42,7 @@ final class Commands {
             new Row("diff", "Compare two runs of a request", DiffCommand::new),
             new Row("sweep", "Run a request with several values of a tag", SweepCommand::new),
             new Row("compare", "Compare two libraries over many requests", CompareCommand::new),
-            new Row("conform", "Check whether an algorithm library behaves", () -> new LaunchedCommand(
+            new Row("conform", "Check an algorithm library's conformance", () -> new LaunchedCommand(
                     "--only= --list --json --junit= --contract --hostile= --long --hammer= --seed= --repeat= "
                     + "--shuffle= --patience= --limit= --budget= --allow-noise --perf --baseline= --arm")),
             new Row("sdk", "Write a kit for makers of algorithm libraries",
@@ -57,7 +57,7 @@ final class Commands {
                     () -> new CatalogueCommand("formats", "FORMAT", "RAW16")),
             new Row("samples", "List the samples and what each shows",
                     () -> new CatalogueCommand("samples", "SAMPLE", "night")),
-            new Row("schema", "Print a JSON schema of request files for editors", SchemaCommand::new),
+            new Row("schema", "Print a JSON schema for editing request files", SchemaCommand::new),
             new Row("completion", "Print the completion script for bash", CompletionCommand::new),
             new Row("trials", "", TrialsCommand::new));
 
@@ -66,7 +66,7 @@ final class Commands {
 
     /**
      * Returns the subcommand with its options set; null if the arguments only ask for help or the version,
-     * which is printed. Throws an IllegalArgumentException for people if the command line is invalid.
+     * which is printed. Throws an IllegalArgumentException with a message for the user.
      */
     static Subcommand parse(String[] arguments) {
         Row named = arguments.length == 0 ? null : ofName(arguments[0]);
@@ -126,7 +126,7 @@ final class Commands {
         return reader;
     }
 
-    /** Adds the listed subcommands, with the phrases of the help. */
+    /** Adds the listed subcommands, described by their `about`. */
     static CommandLine withSubcommands(CommandLine usual) {
         listed().forEach(row -> {
             CommandSpec spec = reader(row.maker().get()).getCommandSpec();

@@ -70,7 +70,7 @@ final class RunCommand implements Subcommand {
         /** Keys of parameters, with or without sections, and words such as "all". */
         @Option(names = "--explain", paramLabel = "[SECTION/]KEY", arity = "1",
                 completionCandidates = Candidates.Explained.class,
-                description = "Print the origin of a parameter, \"algorithms\" or \"all\"")
+                description = "Print the origin of KEY, or of \"algorithms\" or \"all\"")
         List<String> explain = new ArrayList<>();
         @Option(names = "--tags", description = "Print which tags of each frame were read")
         boolean tags;
@@ -92,7 +92,7 @@ final class RunCommand implements Subcommand {
         @Option(names = "--timeline", paramLabel = "FILE", description = "Write a timeline for trace viewers")
         Path timeline;
         @Option(names = "--report", paramLabel = "DIR",
-                description = "Write a page on each request for browsers")
+                description = "Write an HTML page on each request")
         Path report;
         @Option(names = "--record", paramLabel = "DIR", description = "Record each request in a folder")
         Path record;
@@ -111,7 +111,7 @@ final class RunCommand implements Subcommand {
                 description = "Set a tag in all frames; repeatable")
         List<String> tags = List.of();
         @Option(names = "--jobs", paramLabel = "N",
-                description = "Run N requests in parallel, in a process each")
+                description = "Run N requests in parallel, each in a process")
         int jobs;
         @Option(names = "--burst", paramLabel = "N",
                 description = "Send one request N times; print latencies")
@@ -232,7 +232,7 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether to record look-ups of tags. They are many, and cost as much as the request. */
+    /** Whether to record look-ups of tags. There are many; they cost as much as the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }

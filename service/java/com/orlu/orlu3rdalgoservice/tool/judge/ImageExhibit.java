@@ -17,7 +17,7 @@ import java.util.zip.CRC32;
 /** One image of a request as a page shows it after the request. */
 public final class ImageExhibit {
     private static final int SMALL_WIDTH = 240;
-    /** In bytes; a large picture with fewer shows no more than the small one. */
+    /** In bytes; below this, a large picture shows no more than the small one. */
     private static final int LEAST_LARGE = 30_000;
 
     private final String mName;

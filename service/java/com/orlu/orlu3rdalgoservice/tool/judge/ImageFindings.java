@@ -99,8 +99,8 @@ public final class ImageFindings {
         } else if (isUntouched) {
             wrong("untouched", Tab.MEMORY, "Nothing was written into %s: all its bytes are still 0."
                             .formatted(output.name()),
-                    "It appears black. The algorithm library never wrote there: check in the timeline "
-                            + "whether it worked and called back, and in the memory which buffer it got.");
+                    "It appears black. The algorithm library never wrote there: the Timeline tab "
+                            + "shows whether it ran and called back; the Memory tab, which buffer it got.");
         } else {
             wrong("unreadable", Tab.MEMORY,
                     "%s can't be shown: it is %s.".formatted(output.name(), output.problem()),
@@ -120,14 +120,14 @@ public final class ImageFindings {
         ImageExhibit base = mExhibits.base();
         PictureFacts input = base == null ? null : base.facts();
         String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
-                ? "The input is as dark (%.1f): check the frames first.".formatted(input.meanLuma())
+                ? "The input is dark, too (%.1f): check the frames first.".formatted(input.meanLuma())
                 : "The input is not black. The algorithm library wrote black pixels: check the exposure and "
                         + "gain parameters, then the algorithms that ran.";
         wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // An output's memory is zeroed before, so rows still zero were not written.
+    // Outputs are zeroed before the request, so rows still zero weren't written.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {
@@ -174,7 +174,7 @@ public final class ImageFindings {
     }
 
     private static String mistaken(PlaneUse plane) {
-        return "the algorithm library used %d for its stride of %d bytes.".formatted(
+        return "the algorithm library used a stride of %d instead of %d bytes.".formatted(
                 plane.rowBytes(), plane.stride());
     }
 

@@ -74,7 +74,7 @@ public final class RunFolder {
         return read(folder, name, folder.resolve(REQUEST));
     }
 
-    /** Reads a run whose messages name another request file. */
+    /** Reads a run; its messages name `shownFile` instead. */
     public static Run read(Path folder, String name, Path shownFile) throws MistakeException {
         Path file = folder.resolve(REQUEST);
         Mistakes mistakes = new Mistakes(file.toString());
@@ -105,7 +105,7 @@ public final class RunFolder {
         if (!root.has("recording")) {
             throw root.error("missing field recording; no recorder wrote this file");
         }
-        // Trimming removed the outcome.
+        // A trimmed run may lack its outcome and still be whole.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
         return Run.of(name, folder, request.shownAs(shownFile), root, outcome, isWhole ? "" : problem,
                 mistakes.lines());

@@ -19,7 +19,7 @@ public final class NearestWord {
     private NearestWord() {
     }
 
-    /** Returns the nearest known word, the first of several; null if none is near. */
+    /** Returns the nearest known word (the first, in a tie); null if none is near. */
     public static String of(String word, Collection<String> known) {
         String nearest = null;
         // A third of the letters may be wrong, at most four.
@@ -64,7 +64,7 @@ public final class NearestWord {
                 word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
     }
 
-    // Returns `least` or more if the distance is at least that.
+    // The result is exact only below `least`.
     private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());

@@ -16,7 +16,7 @@ import java.math.BigDecimal;
 import java.util.Arrays;
 import java.util.List;
 
-/** Tests values at their bounds, the places of mistakes, and the writer. */
+/** Tests values at their bounds, the positions in messages, and the writer. */
 public final class JsonTest {
     private static final String TEXT = """
             {"list": [1, 2.0, "x", null, {"deep": [true]}], "odd name": {"a\\u0007": 1e400},
