@@ -159,8 +159,8 @@ public final class ImageFindings {
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {
-            return "The input is not slanted. The output's padding holds pixels in %d of %d rows: %s".formatted(
-                    written.usedPadding(), written.rows(), mistaken(written));
+            return "The input is not slanted. The output's padding holds pixels in %d of %d rows: %s"
+                    .formatted(written.usedPadding(), written.rows(), mistaken(written));
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
         PlaneUse read = base.memory().planes().get(0);
