@@ -1,8 +1,9 @@
 // The interface between this library and the closed algorithm interface library, liborlu.vac.interface.so:
 // the tables of callables that the algorithm library fills in, the records that are passed through them, and
 // the bytes, names and codes inside the records. The algorithm library determines the order of the fields
-// and, in the 32-bit build, every offset. Rearrange nothing here: algo_interface_layout.h asserts it. See
-// docs/algorithm_library.md for the operations that a library must offer and for when they are called.
+// and, in the 32-bit build, every offset. Rearrange nothing here: algo_interface_layout.h asserts this
+// layout. See docs/algorithm_library.md for the operations that a library must offer and for when they are
+// called.
 //
 // The caller owns every record and everything that it points to; both are valid only during the call, unless
 // a field says otherwise. Sizes are in bytes. Integers are little-endian, like the machine.
@@ -18,7 +19,7 @@
 
 namespace orlu {
 
-// The value of AlgoCreateClientRecord::interfaceVersion. A library of another version returns no client.
+// The value of AlgoCreateClientRecord::interfaceVersion. A library with another version returns no client.
 constexpr int32_t kAlgoTableVersion = 202001;
 
 // The version of this header. MAJOR changes with the layout of a record or table, MINOR with any other change
@@ -72,8 +73,8 @@ static_assert(offsetof(AlgoNativeHandle, data) == 12);
 static_assert(sizeof(AlgoNativeHandle) == 1036);
 
 // One image of a request. Widths and heights are in pixels. The descriptors, and the handle that contains
-// them, belong to whoever built the record, and are closed when the request finishes; those of a full-async
-// request are closed when process() returns. The algorithm library duplicates the descriptors that it keeps.
+// them, belong to the sender of the record. They are valid until the request finishes or, for a full-async
+// request, until process() returns. The algorithm library duplicates the descriptors that it keeps.
 struct AlgoFrameInfo {
   int32_t format = 0;  // an AlgoImageFormat
   int32_t width = 0;
@@ -97,7 +98,7 @@ enum AlgoMetadataKind : int32_t {
   kCameraMetadataBlock = 1  // serialised camera metadata of one capture result
 };
 
-// A block as records carry it.
+// Refers to a metadata block in a record.
 struct AlgoMetadataEntry {
   int32_t kind = kParameterBlock;
   void* block = nullptr;
@@ -226,7 +227,7 @@ struct AlgoMetadataOps {
   // bytes out of it.
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> setValue;
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> getValue;
-  // Loads serialised camera metadata into a block of that kind.
+  // Loads serialised camera metadata into a kCameraMetadataBlock.
   std::function<int(void* block, const char* bytes, unsigned size)> setRaw;
   std::function<int(void*)> reserved;  // never called from here
   // Call the visitor for each value that the algorithms pass to the system, or request from it.
@@ -234,7 +235,8 @@ struct AlgoMetadataOps {
   std::function<int(void* block, AlgoMetadataVisitor)> paramSystemDownloadToAlgo;
 };
 
-// The table that AlgoInterfaceEntry() fills in. Empty callables and results as for AlgoMetadataOps.
+// The table that AlgoInterfaceEntry() fills in. Empty callables and int results have the same meaning as in
+// AlgoMetadataOps.
 struct AlgoInterfaceCallbacks {
   int32_t version = 0;  // 0 when the table is passed in
   std::function<int(const AlgoInitRecord&)> init;

@@ -14,8 +14,7 @@ namespace orlu {
 
 // This object is never freed: the algorithm library may call back at any time, even for a client that Java
 // has destroyed, and Java may destroy its client in a callback. It takes 64 bytes per client on a 32-bit
-// machine. Everything except the context and the counters is written once, before the cookie is
-// handed out.
+// machine. Everything except the context and the counters is written once, before the cookie is passed on.
 class AlgoNativeCallback {
 public:
   // Creates a callback for a client and its context. `javaVm` is the VM of `env`; if `env` is null, Java is
@@ -74,7 +73,7 @@ private:
   jclass mCallbackClass = nullptr;  // a global reference, owned
   jmethodID mPostDataMethod = nullptr;
   const int mAlgoContextIndex;
-  // Guarded by one mutex for all clients, which is held for a few instructions.
+  // Guarded by a mutex that all clients share; it is held for a few instructions at a time.
   std::shared_ptr<AlgoNativeContext> mContext;  // null after the client is destroyed
   uint32_t mInsideJava = 0;                     // callbacks that use the class
   uint32_t mIgnored = 0;                        // callbacks after the client was destroyed

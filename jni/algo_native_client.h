@@ -26,8 +26,9 @@ public:
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
   static AlgoNativeClient* of(int64_t handle);
   int64_t handle() const;
-  // Returns a second object for the same client. Natives work on such a copy: their client must stay valid
-  // until they return, but Java may destroy the client in any callback. Destroying the copy has no effect.
+  // Returns a second object for the same client. Native methods work on such a copy: their client must stay
+  // valid until they return, but Java may destroy the client in any callback. Destroying the copy has no
+  // effect.
   AlgoNativeClient copyForNative() const { return AlgoNativeClient(*this); }
 
   AlgoNativeContext& context() { return *mContext; }

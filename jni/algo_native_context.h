@@ -2,9 +2,10 @@
 // that it returned. No other class calls the library.
 //
 // If the library does not offer an operation, the call is skipped and the operation's failure message is
-// logged. An operation that throws is logged ("<operation> threw") and counts as not offered. A Java
-// exception that it leaves on the calling thread is logged and cleared. Metadata blocks are handles of the
-// library; whoever creates a block destroys it. Operations on a null block are skipped.
+// logged; setValue(), getValue() and the visits only return -1. An operation that throws is logged
+// ("<operation> threw") and counts as not offered. A Java exception that it leaves on the calling thread is
+// logged and cleared. Metadata blocks are handles of the library; whoever creates a block destroys it.
+// Operations on a null block are skipped.
 //
 // As thread-safe as the algorithm library. The caller of an operation keeps the context alive until the
 // operation returns. Java may destroy the library's client meanwhile, inside a callback; after that the
@@ -27,8 +28,8 @@ namespace orlu {
 
 class AlgoNativeContext {
 public:
-  // Gets its own table from the provider and creates a client of the library. Java exceptions are checked for
-  // in `javaVm`, which may be null.
+  // Gets its own table from the provider and creates a client of the library. `javaVm` may be null; then
+  // nothing checks for Java exceptions.
   explicit AlgoNativeContext(JavaVM* javaVm = nullptr);
   AlgoNativeContext(const AlgoNativeContext&) = delete;
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
@@ -68,16 +69,17 @@ public:
   // library's own status, or -1 if the operation could not be called or threw.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
-  // Visit the values that the algorithms pass to the system, or request from it. The library calls the
+  // Visit the values that the algorithms pass to the system, or request from it. The library may call the
   // visitor on this thread until the operation returns; any other call returns -1 without reaching the
-  // visitor. Return the same as setValue().
+  // visitor. Return the same values as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
-  // For the parameter channel, which uses the table on one thread. Valid as long as this object.
+  // For the parameter channel, which uses the table on one thread. The reference is valid as long as this
+  // object.
   const AlgoGuardedTable& table() const { return *mTable; }
-  // True after the library's client is destroyed: the library receives no more operations on it and calls
-  // nobody back.
+  // True once destroyClient() has started: the library receives no more operations on the client. Don't wait
+  // for its callbacks then.
   bool isClientDestroyed() const { return mIsClientDestroyed; }
 
 private:

@@ -14,7 +14,7 @@ public:
   // library as the constructor does; other callers do not wait for that.
   static AlgoNativeProvider* getInstance();
 
-  // Opens the library by filling in the provider's own table.
+  // Opens the library and fills in the provider's own table.
   AlgoNativeProvider();
   AlgoNativeProvider(const AlgoNativeProvider&) = delete;
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;

@@ -30,7 +30,7 @@ struct AlgoNativeRequest {
   // For full-async requests only.
   const void* owner = nullptr;  // identifies the client
   unsigned blockUsers = kUsedBySubmission | kUsedByLibrary | kUsedByJava;
-  bool isAnnounced = false;  // Java knows, or is just learning, that it may finish the request
+  bool isAnnounced = false;  // Java has been told, or is being told, that it may finish the request
   bool isFinishing = false;  // Java is finishing the request
   bool isOwnerGone = false;
 };
@@ -38,8 +38,8 @@ struct AlgoNativeRequest {
 // Safe from any thread. Lock order: the map's mutex, then a record's; a waiter never holds both.
 //
 // A full-async request is finished once: by Java, or together with its client. Its block is destroyed later
-// if somebody may still use it. An operation that returns a block makes the caller its only user, who
-// destroys it. Null means that the block has other users or does not exist.
+// if somebody may still use it. If an operation returns a block, the caller is now its only user and must
+// destroy it. Null means that the block has other users or does not exist.
 class AlgoNativeRequestMap {
 public:
   // The only map, created when the library is loaded and never destroyed: callbacks may arrive until the
@@ -51,9 +51,9 @@ public:
   AlgoNativeRequestMap& operator=(const AlgoNativeRequestMap&) = delete;
 
   // Adds a request and returns its id. Ids count up from 0 and are never reused. The caller keeps ownership
-  // of the block, except that of a full-async request once it is submitted.
+  // of the block until it submits a full-async request; then the users own it (see AlgoBlockUser).
   uint64_t create(int64_t reqId, void* metadata, bool isFullAsync, const void* owner = nullptr);
-  // Returns false if the id is unknown. A record that a thread waits on is freed by that thread.
+  // Returns false if the id is unknown. If a thread waits on the record, that thread frees it.
   bool remove(uint64_t nativeReq);
   // Returns the record, or null if the id is unknown. The caller holds the map's mutex.
   AlgoNativeRequest* findRequestLocked(uint64_t nativeReq) const;
@@ -76,15 +76,16 @@ public:
   void* withdrawAnnouncement(uint64_t nativeReq);
   // Removes a user of the block. The request may already be finished and its id unknown.
   void* releaseBlock(uint64_t nativeReq, AlgoBlockUser user);
-  // Passes the block and the list to the one caller that may finish a full-async request in Java's name.
-  // Returns false and leaves both unchanged for any other id, and until the request is announced or its
-  // submission is over: a guessed id must not take the request from the thread that submits it.
+  // Passes the block and the algorithm list of a full-async request to the one caller that finishes it for
+  // Java. Returns false and leaves both unchanged if there is no such request, if another caller has taken
+  // it, or if it is not announced and its submission is not over: a guessed id must not take a request from
+  // the thread that submits it.
   bool takeForFinish(uint64_t nativeReq, void*& metadata, std::vector<std::string>& algoList);
-  // Removes a request that the caller took, and logs that.
+  // Finishes a request that the caller has taken, and logs that.
   void* finish(uint64_t nativeReq);
-  // For a destroyed owner: finishes one of its full-async requests that nobody else will finish, or removes
-  // the library as a user of the block of a finished one. Returns false if no request is left. `metadata` is
-  // null if the block has other users.
+  // Call repeatedly for a destroyed owner. Each call handles one of its full-async requests: removes the
+  // library as a user of the block, and finishes the request unless Java will. Returns false if no request is
+  // left. `metadata` becomes the block that the caller must destroy, or null if it has other users.
   bool releaseOwned(const void* owner, void*& metadata);
 
 private:

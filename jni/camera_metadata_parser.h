@@ -37,7 +37,7 @@ class CameraMetadataParser {
   class FrameObjects {
   public:
     void reset(const std::vector<jobject>& objects);
-    // `object` is not null. An object of the list that passed is not checked again.
+    // `object` must not be null. An object of the list that has passed is not checked again.
     bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
       return object == mLastPassed || check(env, object, clazz);
     }
@@ -50,13 +50,13 @@ class CameraMetadataParser {
     const std::vector<jobject>* mObjects = nullptr;
     std::bitset<kMostKept> mHasPassed;  // by index in the list
     jobject mLastPassed = nullptr;
-    size_t mLast = 0;  // its index; frames are mostly read in order
+    size_t mLast = 0;  // index of the last match; frames are mostly read in order
   };
 
 public:
-  // While a Batch exists, getters and putters don't free their local references one by one: it frees many at
-  // a time, in a local frame. Don't create references that you keep meanwhile, so use no lookups. Only one
-  // Batch may exist at a time.
+  // While a Batch exists, getters and putters don't free their local references one by one: the Batch frees
+  // many at a time, in a local frame. It also frees any other local reference that is created meanwhile, so
+  // don't call lookups. Only one Batch may exist at a time.
   class Batch {
   public:
     explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
@@ -72,11 +72,11 @@ public:
 
     CameraMetadataParser& mParser;
     std::optional<ScopedLocalFrame> mFrame;
-    int mOperations = 0;  // with references in the frame
+    int mOperations = 0;  // operations whose references are in the frame
   };
 
-  // While a BatchPause exists, the batch frees nothing. For operations that call back: their references may
-  // be in the batch's frame.
+  // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls back: the
+  // batch could otherwise free references that the operation still uses.
   class BatchPause {
   public:
     explicit BatchPause(CameraMetadataParser& parser)
@@ -90,8 +90,8 @@ public:
     Batch* mBatch;
   };
 
-  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. Destroy
-  // several in reverse order of creation.
+  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. If
+  // several exist, destroy them in reverse order of creation.
   class RepeatedTag {
   public:
     // `tag` must outlive this object.
@@ -124,9 +124,9 @@ public:
   // lookup. Borrows both lists and their objects until the next initialisation.
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
-  // Lookups. `key` is complete UTF-8 characters, as for the getters and putters. They return a new local
-  // reference, or null if the value is missing or can't be read, or if `captureResult`, `parameter` or
-  // `characteristics` is null or of another class.
+  // Lookups. `key` must consist of complete UTF-8 characters; this also applies to the getters and putters.
+  // Lookups return a new local reference, or null if the value is missing or can't be read, or if the object
+  // to read from is null or of another class.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
   // Reads from `parameter` first; a value found there wins, whatever its type.
@@ -203,7 +203,7 @@ public:
 
   // Returns a new, empty HashMap as a local reference; null with a logged line on failure.
   jobject createHashMap();
-  // Putters into such a map; same results as above.
+  // Putters into such a map. They return the same values as the putters above.
   int putObjectIntoHashMap(jobject map, const char* key, jobject value);
   int putIntIntoHashMap(const int32_t& value, const char* key, jobject map);
   int putFloatIntoHashMap(const float& value, const char* key, jobject map);
@@ -227,8 +227,8 @@ private:
     jmethodID keyConstructor;
     jmethodID get;
   };
-  // Returns null if the batch frees the next operation's local references, else the environment for their
-  // owners.
+  // Returns the environment for the owners of the next operation's local references; null if the batch frees
+  // these.
   JNIEnv* referenceOwner() { return mBatch != nullptr && mBatch->makeRoom() ? nullptr : mEnv; }
   ScopedLocalRef<> ask(jobject captureResult, jobject parameter, const char* key, jclass valueClass);
   ScopedLocalRef<> ask(jobject parameter, const char* key);

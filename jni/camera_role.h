@@ -19,15 +19,15 @@ enum SATCameraRoleType : int32_t {
   kSatRoleTele2_5x = 6
 };
 
-// The camera that such a system uses from a zoom ratio on. Created when the library is loaded. No step reads
-// it: the camera reports its role in "orlu.parameter.masterSatRole".
+// The lowest zoom ratio of each camera of such a system. Created when the library is loaded. No step reads
+// this table: the camera reports its role in "orlu.parameter.masterSatRole".
 const std::map<float, SATCameraRoleType>& satCameraRoles();
 
 // Returns "vaf_camera_role": 0 for a main camera, one bit for any other camera, plus 1 for a front camera.
 // `type` is the camera's name. A known name followed by more characters counts as unknown.
 int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 
-// Return the camera type and the composition's cameras for a session id from
+// Return the camera type and the names of the combined cameras for a session id from
 // "com.orlu.MultiCameraBokehSelectSessionId". Empty for every other id; the shot's own tags then name the
 // cameras.
 std::string_view bokehCameraType(int32_t session);

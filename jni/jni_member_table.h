@@ -1,4 +1,4 @@
-// Tables of the Java classes and members that an object keeps. Each row is one class or member. Rows are
+// Tables of the Java classes and members that an object caches. Each row is one class or member. Rows are
 // resolved and reported in order.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace orlu {
 
-// A class, or a member of the preceding class row, and the slot of `Owner` that keeps it.
+// A class, or a member of the preceding class row, and the slot of `Owner` that stores it.
 template <typename Owner>
 struct JniMember {
   enum class Kind { kClass, kMethod, kStaticMethod, kField };

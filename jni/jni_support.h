@@ -30,8 +30,8 @@ jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env
   return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
 }
 
-// Owns one local reference; a raw jobject parameter is always borrowed in this library. With a null `env`, a
-// local frame frees the reference.
+// Owns one local reference; a raw jobject parameter is always borrowed in this library. If `env` is null, an
+// enclosing local frame frees the reference instead.
 template <typename T = jobject>
 class ScopedLocalRef {
 public:
@@ -125,7 +125,7 @@ ORLU_JNI_ARRAY(jfloat, Float);
 ORLU_JNI_ARRAY(jdouble, Double);
 #undef ORLU_JNI_ARRAY
 
-// Holds the elements of a Java array, and returns them to the array when destroyed.
+// Holds the elements of a Java array, and writes them back to the array when destroyed.
 template <typename Element>
 class ScopedElements {
   using Functions = JniArray<Element>;

@@ -1,8 +1,8 @@
 // Logging macros. Their tag is the `kLogTag` in scope at the call: a class member or a file constant.
 //
 // Every line begins with the source file's base name, the line number and an operation. LOGE() and LOGD()
-// show the enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Debug
-// lines are written only if the maker's log level admits them, errors always.
+// show the enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Errors are
+// always written, debug lines only if the phone maker's log level permits.
 #pragma once
 
 #include <android/log.h>
@@ -19,7 +19,7 @@ inline bool isDebugLogOn() {
 // Base name of the including .cpp, computed once per file, because error lines are frequent and rarely read.
 [[maybe_unused]] static const char* const kLogFile = get_filename(__BASE_FILE__);
 
-// Source location of a line, for helpers in headers.
+// Source location of a log line, for helpers in headers.
 struct LogPlace {
   const char* tag;
   const char* file;

@@ -13,14 +13,14 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
-// Reads a frame's faces in the active array's coordinates. The count is the tag's, even if it exceeds the
-// table (Oddity 11).
+// Reads a frame's faces in the active array's coordinates. The count comes from the tag, even if it exceeds
+// the table (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
 // Reads the width and height of the active array; zero if the camera does not report them.
 _tagOrluSize readActiveSize(const Shot& shot);
 // Reads the crop of a switching multi-camera system: left, top, width and height.
 Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
-// Returns the first of three tags that is present, or 0.
+// Returns the value of the first of three tags that is present; 0 if none is.
 int32_t readSceneType(const Shot& shot);
 // Writes ten keys of a frame's exposure control.
 void writeExposureControl(Shot& shot, const Aec& aec);

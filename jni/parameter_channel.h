@@ -1,5 +1,6 @@
-// Typed access to a request's parameter set: values of trivially copyable types under a section and a key. A
-// value's width is a contract with the algorithm library, so set() takes it only from the named type:
+// Typed access to a request's parameter set: values of trivially copyable types under a section and a key.
+// The width of a value is part of the contract with the algorithm library, so the caller always names the
+// type:
 //
 //   channel.set<int32_t>(kControl, "film_size", 1);
 //   const auto scores = channel.get<std::array<double, 50>>(kParameter, "frame_clarity_score");
@@ -48,7 +49,7 @@ public:
 
 private:
   const AlgoGuardedTable* mTable;
-  JNIEnv* mEnv;  // of the creating thread; saves asking the VM in every call
+  JNIEnv* mEnv;  // of the creating thread; cached to save a call of the VM per access
   void* mBlock;
 };
 

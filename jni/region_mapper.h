@@ -1,6 +1,6 @@
-// Maps rectangles in the sensor's active array to an image, which is smaller, may have another aspect ratio
-// and may be a digitally zoomed view. Sizes and coordinates are in pixels. Floats are 32 bits wide
-// throughout; each operation rounds once.
+// Maps rectangles in the sensor's active array to an image, which may differ in size and aspect ratio and may
+// be a digitally zoomed view. Sizes and coordinates are in pixels. Floats are 32 bits wide throughout; each
+// operation rounds once.
 #pragma once
 
 #include <cstdint>
@@ -31,9 +31,9 @@ __tagOrluRect mappedToImage(const __tagOrluRect& rect, _tagOrluSize active, _tag
 
 __tagOrluRect zoomedAboutCentre(const __tagOrluRect& rect, _tagOrluSize image, float zoom);
 
-// Clamps left and top to one border, right and bottom to the other. They may end up crossed.
+// Clamps left and top to 0, right and bottom to the image's size. Opposite sides may end up crossed.
 void clampToImage(__tagOrluRect& rect, _tagOrluSize image);
-// Sets both sides of a crossed pair to 0.
+// If left and right, or top and bottom, are crossed, sets both to 0.
 void emptyIfCrossed(__tagOrluRect& rect);
 
 // Drops the faces outside the image and moves the last face into each gap (Oddity 28). `faces` holds at most

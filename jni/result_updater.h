@@ -63,16 +63,16 @@ private:
   void updateLightstream();
   void updateDetections();
 
-  // Returns one timestamp in nanoseconds per capture result; 0 if it is missing. `log` gets each frame's
-  // number and timestamp before the next frame is read.
+  // Returns one timestamp in nanoseconds per capture result; 0 if it is missing. Calls `log` with each
+  // frame's number and timestamp before it reads the next frame.
   template <typename Logger>
   FrameValues<int64_t> readTimestamps(const Logger& log);
 
   bool hasComposition() const { return !mRequest.captureResultCompositions().empty(); }
   template <size_t N>
   bool listHas(const char (&name)[N]) const;
-  // Put a value into a frame's composition, or into the first one. Return 0, also for a request without
-  // compositions, or -1 if the parser could not store the value.
+  // Put a value into a frame's composition, or into the first composition. Return -1 if the parser could not
+  // store the value, else 0, also for a request without compositions.
   template <typename T>
   int put(const Frame& frame, const char* resultKey, const std::common_type_t<T>& value);
   template <typename T>

@@ -3,9 +3,9 @@
 //   copy<int32_t>(kFeedback, "hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
 //   put<Floats<2>>(lastFrame, "orlu.feedback.rawhdrISPAEParams", gains);
 //
-// copy passes a parameter on unchanged. The channel's get, followed by put, changes or logs the value first.
-// The caller names the type, which is never deduced: it determines how many bytes are read and what Java
-// gets.
+// copy passes a parameter on unchanged. To change or log a value first, read it with the channel's get and
+// then call put. The caller names the type, which is never deduced: it determines how many bytes are read and
+// what Java gets.
 #pragma once
 
 #include <type_traits>

@@ -43,8 +43,8 @@ public:
         mAlgoList(&algoList),
         mParameters(parameters) {}
 
-  // Return the written value. Large values are held on the heap and not returned, because a request may find
-  // little stack left.
+  // Return the written value. Large values are stored on the heap and not returned, because little stack may
+  // be left.
   template <typename T>
   Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) {
     if constexpr (std::is_void_v<Copied<T>>) {
@@ -62,7 +62,7 @@ public:
     return copy<T>(first(), tag, section, key);
   }
 
-  // A large byte array of the first frame, zeros where the frame lacks it.
+  // Copies a large byte array of the first frame; missing bytes become zeros.
   template <size_t N>
   void copyBytes(const char* tag, const char* section, const char* key) {
     LargeBytes<N> bytes;
@@ -90,7 +90,7 @@ public:
   }
 
   // Returns a frame's exposure control; zero if the frame lacks it. Steps read the first frame's record
-  // repeatedly, and it has 22 boxed numbers, so the first record present is cached.
+  // repeatedly, and it has 22 boxed numbers, so the first record found is cached.
   Aec exposureOf(const Frame& frame) const {
     const bool isKept = mHasExposure && frame.captureResult == mExposureFrame.captureResult &&
                         frame.composition == mExposureFrame.composition;
@@ -127,7 +127,7 @@ public:
     removeAlgoFromAlgoList(*mAlgoList, name);
   }
 
-  // The images; null, kFormatUnknown and false without one.
+  // The images. Without an image, these return null, kFormatUnknown or false.
   const AlgoFrameInfo* firstInput() const {
     return mRequest->inputFrames().empty() ? nullptr : &mRequest->inputFrames().front();
   }

@@ -41,7 +41,7 @@ template <size_t N>
 struct Bytes {
   uint8_t data[N] = {};
 };
-// The first N bytes of a large byte array; zero-padded. Uses memory only if the tag is present.
+// The first N bytes of a large byte array; zero-padded. Allocates memory only if the tag is present.
 template <size_t N>
 struct LargeBytes {
   std::unique_ptr<char[]> data;

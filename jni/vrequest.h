@@ -50,15 +50,15 @@ public:
   // Call once. `request` is only logged.
   void getImageData(jobject request, jobject inputList, jobject outputList, jobject captureResultList);
 
-  // Helpers of these parts. They log null arguments. If Java throws, they return the same as for null.
+  // Helpers of these parts. They log null arguments. If Java throws, they return the same values as for null.
   // Returned objects are new local references.
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // Returns the composition's stored capture result, or has it assemble one; null for null.
+  // Returns the composition's stored capture result, or lets the composition assemble one; null for null.
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);
-  // getListSize() has already checked the class of `list`. Returns null for a negative index.
+  // The caller must have checked the class of `list` with getListSize(). Returns null for a negative index.
   jobject getListElement(jobject list, int index);
   // Copies at most `count` elements; values beyond the array's length are unchanged.
   void getIntArray(int32_t* values, int count, jintArray array);
