@@ -90,7 +90,7 @@ struct LentVisitor::Loan {
   explicit Loan(const AlgoMetadataVisitor& lent) : visitor(lent) {}
 
   int visit(const char* section, const char* key, void* data, unsigned size) const {
-    // Must come first: another thread may be here while the loan ends, and must touch nothing else.
+    // Check this first: another thread may call while the loan ends, and must not use the visitor.
     if (std::this_thread::get_id() != thread || isOver) {
       LOGE_AS("visitor", "visitor called on another thread, or too late");
       return -1;
@@ -105,7 +105,7 @@ struct LentVisitor::Loan {
 
   const AlgoMetadataVisitor& visitor;
   const std::thread::id thread = std::this_thread::get_id();
-  std::atomic<bool> isOver{false};  // thread ids are reused, so the id alone is not enough
+  std::atomic<bool> isOver{false};  // a later thread may have the same id
 };
 
 LentVisitor::LentVisitor(const AlgoMetadataVisitor& visitor) : mLoan(std::make_shared<Loan>(visitor)) {}

@@ -26,11 +26,11 @@ constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 // Local references of one callback into Java: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
 
-// Guards which callbacks are open or inside Java, and the list of all callbacks.
+// Guards the list of all callbacks and, in each of them, the context and the counters.
 std::mutex gMutex;
 AlgoNativeCallback* gLatest = nullptr;
 
-// Returns whether `name` is this name. Compares the length first because the sender sets it.
+// Returns whether the `length` bytes at `name` equal `known`.
 template <size_t N>
 bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
   return length == N - 1 && std::memcmp(name, known, length) == 0;
@@ -69,7 +69,7 @@ public:
     mEnv->DeleteGlobalRef(mCallback.mCallbackClass);
   }
 
-  // False if the client was destroyed meanwhile.
+  // False if the client had already been destroyed.
   explicit operator bool() const { return mIsIn; }
 
 private:
@@ -126,7 +126,7 @@ JNIEnv* AlgoNativeCallback::environment() const {
 }
 
 void AlgoNativeCallback::close(JNIEnv* env) {
-  std::shared_ptr<AlgoNativeContext> context;  // released outside the mutex
+  std::shared_ptr<AlgoNativeContext> context;  // released after the mutex is unlocked
   {
     const std::lock_guard<std::mutex> lock(gMutex);
     context.swap(mContext);
@@ -252,8 +252,8 @@ void AlgoNativeCallback::onPostProcessDataLightStream(const uint8_t* payload, in
 }
 
 JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
-  // An unattached thread stops here: attaching it would leave it attached forever (Oddity 47). The attach
-  // below only confirms an existing attachment.
+  // An unattached thread stops here: attaching it would leave it attached forever (Oddity 47).
+  // AttachCurrentThread() only confirms an existing attachment.
   JNIEnv* env = environment();
   if (env == nullptr || attachThread(mJavaVm, &JavaVM::AttachCurrentThread, &env, nullptr) != JNI_OK) {
     LOGE_AS(operation, "%s: JavaVM GetEnv ERROR", operation);
@@ -268,7 +268,7 @@ JNIEnv* AlgoNativeCallback::callbackEnv(const char* operation) const {
 }
 
 bool AlgoNativeCallback::callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const {
-  // 0 for every kind of callback (Oddity 48).
+  // The first argument is 0 for every kind of callback (Oddity 48).
   env->CallStaticVoidMethod(mCallbackClass, mPostDataMethod, static_cast<jint>(0),
                             static_cast<jlong>(mClientId), static_cast<jint>(mAlgoContextIndex),
                             static_cast<jlong>(reqId), map);

@@ -14,7 +14,7 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// True if Java has finished the full-async request or nobody will. The record stays while its block has
+// True if Java has finished the full-async request or no longer can. The record stays while its block has
 // users.
 bool isFinished(const AlgoNativeRequest& request) {
   return (request.blockUsers & kUsedByJava) == 0;
@@ -65,8 +65,8 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
     std::lock_guard<std::mutex> recordLock(request->mutex);
     request->received = true;
   }
-  // Must not hold the record's mutex: the woken thread takes it first and would block again. The record stays
-  // until the map's mutex is released.
+  // Notifies without the record's mutex: the woken thread locks this mutex and would otherwise block again.
+  // The record stays until the map's mutex is released.
   request->condition.notify_all();
   LOGD("notify reqId = %lld", static_cast<long long>(request->reqId));
   return true;
@@ -149,7 +149,8 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // If the client was destroyed meanwhile, it left the request to Java, but Java will never hear of it.
+  // If the client was destroyed meanwhile, its destructor left the request to Java, but the announcement did
+  // not reach Java.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }
@@ -194,7 +195,8 @@ bool AlgoNativeRequestMap::releaseOwned(const void* owner, void*& metadata) {
   return true;
 }
 
-// Removes users of the block. The last user gets the block, and the record is deleted.
+// Removes users of the block. If none is left, deletes the record and returns the block; otherwise returns
+// null.
 void* AlgoNativeRequestMap::releaseLocked(Requests::iterator request, unsigned users) {
   AlgoNativeRequest* const record = *request;
   if (record->blockUsers == 0) return nullptr;

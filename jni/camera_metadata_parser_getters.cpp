@@ -1,4 +1,4 @@
-// The getters: each is a lookup and an unpacking.
+// The getters: each looks up a value and unpacks it.
 
 #include <algorithm>
 #include <cstring>
@@ -26,13 +26,13 @@ struct CameraMetadataParser::TextOut : BytesOut {
   using BytesOut::BytesOut;
 };
 
-// The bytes of a byte array, in a buffer that is made when they are found.
+// Receives the bytes of a byte array. Allocates the buffer only if the value is a byte array.
 struct CameraMetadataParser::NewBytesOut {
   std::unique_ptr<char[]>& buffer;
   int size;
 };
 
-// Receive a primitive or boxed array, and an array that must be boxed.
+// ArrayOut receives a primitive or boxed array, BoxedArrayOut only a boxed one.
 template <typename T>
 struct CameraMetadataParser::ArrayOut {
   T* values;
@@ -44,7 +44,7 @@ struct CameraMetadataParser::BoxedArrayOut {
   int capacity;
 };
 
-// Receive at most `capacity` faces from an array of faces, and from an array with four ints per face.
+// Receive at most `capacity` faces: FacesOut from an array of faces, IntFacesOut from four ints per face.
 struct CameraMetadataParser::FacesOut {
   _tagOrluFaceInfo& faces;
   int capacity;
@@ -81,9 +81,8 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(Number& out, jobject
   return isInstance(mEnv, value, this->*Boxed<Number>::kClass) && unbox(out, value) ? kRead : kWrongType;
 }
 
-// Reads `boxed`, which is null or of T's boxing class. Returns false if it can't be read. The VM's own
-// checker (-Xcheck:jni) demands an exception check after each method call, even where no exception is
-// possible.
+// Reads `boxed`, which is null or of T's boxing class. Returns false if it can't be read. The VM's checker
+// (-Xcheck:jni) requires an exception check after each method call, even where no exception is possible.
 template <typename T>
 bool CameraMetadataParser::unbox(T& out, jobject boxed) {
   using Box = Boxed<T>;
@@ -121,7 +120,7 @@ void CameraMetadataParser::copyPrimitives(T* out, int capacity, jobject array) {
 }
 
 // The array's class guarantees that its elements are boxed values of T or null. Freeing their references in
-// batches takes fewer calls than freeing each, and bounds the number alive.
+// batches takes fewer calls than freeing each, and bounds the number of live references.
 template <typename T>
 void CameraMetadataParser::copyBoxed(T* out, int capacity, jobject array) {
   constexpr int kElementsAtOnce = 32;
@@ -156,7 +155,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobje
   __tagOrluRect rect;
   const Unpacked unpacked = unpack(rect, value);
   if (unpacked != kRead) return unpacked;
-  // No platform's rectangle class has a fifth field so far, so the flag stays false.
+  // The rectangle class has no field for the flag, so the flag stays false.
   std::memset(&out, 0, sizeof out);
   out.left = rect.left;
   out.right = rect.right;

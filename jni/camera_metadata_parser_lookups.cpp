@@ -28,7 +28,7 @@ bool CameraMetadataParser::FrameObjects::check(JNIEnv* env, jobject object, jcla
 bool CameraMetadataParser::Batch::makeRoom() {
   constexpr int kMostOperations = 16;
   constexpr jint kReferencesEach = 3;  // a key's string, the key, and the value
-  constexpr jint kOthers = 16;         // freed by their owners
+  constexpr jint kOthers = 16;         // references that their owners free
   if (mFrame && mOperations < kMostOperations) {
     ++mOperations;
     return true;
@@ -78,7 +78,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
   return find(mEnv, captureResult, parameter, key, valueClass);
 }
 
-// The getters' lookups.
+// Lookups for the getters: the result frees its reference unless the batch does.
 ScopedLocalRef<> CameraMetadataParser::ask(jobject captureResult, jobject parameter, const char* key,
                                            jclass valueClass) {
   JNIEnv* const owner = referenceOwner();
@@ -132,7 +132,7 @@ jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, co
                       "getMetadataObjectFromOrluAlgorithmParameter");
 }
 
-// Looks up a key in an object that may be of the source's class.
+// Looks up a key in `object`; null if the object is not of the source's class.
 jobject CameraMetadataParser::askTyped(const TypedSource& source, jobject object, KeyObjects& objects,
                                        const char* key, jclass valueClass, const char* operation) {
   if (source.keyClass == nullptr || source.keyConstructor == nullptr || source.get == nullptr ||

@@ -51,7 +51,7 @@ int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key,
   return -1;
 }
 
-// Copies an array into a new Java array and stores that. Fails without the class `required`.
+// Copies the values into a new Java array and stores this array. Fails if `required` is null.
 template <typename T>
 int CameraMetadataParser::putArray(const char* putter, const T* values, int count, jclass required,
                                    const char* key, jobject container, Store into) {

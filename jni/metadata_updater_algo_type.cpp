@@ -1,4 +1,4 @@
-// Selects the algorithms whose parameters a request needs, and removes algorithms that must not run together.
+// Writes the parameters of the algorithms in the request's list, then edits the list.
 
 #include <utility>
 
@@ -61,9 +61,10 @@ void MetadataUpdater::updateRawAlgorithms() {
   if (mShot.listHas("rawhdr") || mShot.listHas("superstar") || mShot.listHas("supermoonRaw")) updateRawHdr();
 }
 
-// Removes combinations that must not run together. Each rule sees the list that the earlier ones left.
+// Adds the packing of refocusable JPEGs and removes algorithms that must not run together. Each rule sees the
+// result of the earlier rules.
 void MetadataUpdater::editAlgoList() {
-  constexpr char kOperation[] = "updateAlgoType";  // the operation that this part logs
+  constexpr char kOperation[] = "updateAlgoType";  // logged instead of the function's name
   const bool isRaw = mShot.isRaw();
   if (mShot.listHas("dualBokeh") && mShot.listHas("jpegEncode")) mShot.append("refocusJpegPack");
   if (isRaw) {
@@ -78,7 +79,7 @@ void MetadataUpdater::editAlgoList() {
   const bool isNightRaw = isRaw && (mShot.listHas("supernsll") || mShot.listHas("llhdr"));
   if (isNightRaw && mShot.listHas("dualBokeh")) mShot.remove("dualBokeh");
   if (mShot.listHas("jpegEncode")) mShot.remove("lightstream");
-  // No tag sets this flag. It is for a client that supports only these four.
+  // No tag sets this flag. It is meant for clients that support only these four algorithms.
   if (mUseFilterList != 0) {
     std::vector<std::string> supported = {"beauty", "filter", "blackImg", "distortion"};
     AlgoListSupportFilter(supported, *mAlgoList);

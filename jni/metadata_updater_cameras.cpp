@@ -9,8 +9,8 @@
 namespace orlu {
 namespace {
 
-// Returns the bokeh session's name for its cameras, or else the tag's value. A string that fills the field is
-// not terminated. The log line names `operation`.
+// Returns the name that the bokeh session determines, or the tag's value if it determines none. A string that
+// fills the field is not terminated. The log line names `operation`.
 template <typename Field>
 Field readBokehText(const Shot& shot, const char* operation, std::string_view (*nameOf)(int32_t),
                     const char* tag) {
@@ -49,7 +49,7 @@ void MetadataUpdater::updateEngine() {
   mShot.write<Chars<65>>(kSensor, "camera_composition", composition);
 }
 
-// Reads values that earlier steps wrote, since "camera_type" has no member.
+// Reads values that earlier steps wrote, because no member holds "camera_type".
 void MetadataUpdater::convertMetadata() {
   const auto satRole = mShot.readBack<int32_t>(kSensor, "camera_sat_role");
   const auto type = mShot.readBack<Chars<16>>(kSensor, "camera_type");

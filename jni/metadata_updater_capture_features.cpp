@@ -1,4 +1,4 @@
-// Small steps that each pass on the settings of one capture feature.
+// Small steps, each of which passes on the settings of one capture feature.
 
 #include "metadata_updater_steps.h"
 
@@ -14,7 +14,7 @@ static_assert(sizeof(BeautyExtraParams) == 80);
 
 }  // namespace
 
-// Appends its name even if the list has it (Oddity 19).
+// Appends "panorama" even if the list has it (Oddity 19).
 void MetadataUpdater::updatePanorama() {
   const auto panorama = mShot.copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
   // clang-format off
@@ -28,8 +28,8 @@ void MetadataUpdater::clearProcessedAlgoTag() {
   mShot.write<ProcessedAlgo>(kParameter, "processed_algo", {});
 }
 
-// ORs the application's algorithm bits into the block's. The block's value returns with each pass, so the
-// bits accumulate (Oddity 39).
+// ORs the application's algorithm bits into the block's value. The results return this value to the
+// application, so the bits accumulate from pass to pass (Oddity 39).
 void MetadataUpdater::updateProcessedAlgoTag() {
   const auto fromApplication = mShot.readOr<int64_t>("orlu.parameter.processedAlgo");
   auto processed = mShot.readBack<ProcessedAlgo>(kParameter, "processed_algo");
@@ -122,7 +122,7 @@ void MetadataUpdater::updateBeauty() {
   // clang-format on
   const Frame app = mShot.first().compositionOnly();  // Oddity 52
   mShot.copy<Chars<80>>(app, "orlu.control.eyelightType", kParameter, "eyelight_type");
-  // On by default, unlike every other row (Oddity 34).
+  // If the tag is missing, blemish removal is on (Oddity 34).
   BeautyExtraParams extra;
   if (mShot.read("orlu.control.beauty_deblacknevus", extra.deblacknevus) != 0) extra.deblacknevus = 1;
   mShot.write<BeautyExtraParams>(kParameter, "beauty_extra_params", extra);

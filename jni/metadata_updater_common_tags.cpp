@@ -1,4 +1,4 @@
-// Facts that any algorithm may need. This step runs before all others.
+// Facts that any algorithm may need. Later steps rely on them.
 
 #include <algorithm>
 #include <cstdio>
@@ -12,7 +12,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateCommonTags";  // the operation that its parts log
+constexpr char kOperation[] = "updateCommonTags";  // helpers log it as their operation
 
 // Length of the algorithms' frame lists.
 constexpr int kListedFrames = 16;
@@ -20,18 +20,18 @@ constexpr int kListedFrames = 16;
 // Value of "android.control.aeMode" that fires the flash for every picture.
 constexpr int32_t kAeModeAlwaysFlash = 3;
 
-// The camera's units of the gains.
+// The camera's fixed-point units for gains.
 constexpr int32_t kAnalogGainUnit = 1024;
 constexpr int32_t kDigitalGainUnit = 4096;
 
-// "com.orlu.current_ui_module" of an application page that uses the user's zoom ratio.
+// Value of "com.orlu.current_ui_module" for the application page that uses the user's zoom ratio.
 constexpr int32_t kModuleWithUserZoom = 7;
 
 void writeSensorTags(Shot& shot, int32_t& isRawnrCapture) {
   const auto stabilization =
       shot.copy<int32_t>("android.lens.opticalStabilizationMode", kSensor, "optical_stabilization_mode");
   LOGD_AS(kOperation, "opticalStabilizationMode =  %d", stabilization);
-  // Only the application sets these tags (Oddity 52).
+  // Only the application may set this tag (Oddity 52).
   const Frame composition = shot.first().compositionOnly();
   const auto fromUserApp =
       shot.copy<int32_t>(composition, "orlu.control.callFromUserApp", kControl, "call_from_user_app");
@@ -108,7 +108,8 @@ void writeFrameLists(Shot& shot, const FrameList& masters) {
   shot.write<Longs<kListedFrames>>(kControl, "input_frame_timestamp", timestamps);
 }
 
-// Types 3 and 4 are always usable, type 2 only if the camera has not compensated it.
+// Phase-detection data of types 3 and 4 is always usable, data of type 2 only if the camera has not
+// compensated it.
 bool isUsable(int32_t pdafType, int32_t isCompensated) {
   return pdafType == 3 || pdafType == 4 || (pdafType == 2 && isCompensated == 0);
 }
@@ -147,7 +148,7 @@ void writeBokehStep(Shot& shot, int32_t enableHwMFNR) {
 
 void writeRawHdrMode(Shot& shot) {
   shot.copy<int32_t>("orlu.parameter.softbrp_mode", kControl, "softbrp_mode");
-  // Reads the camera's own tags, which no application may change (Oddity 52).
+  // Reads the camera's own tag, which no application may change (Oddity 52).
   const Frame camera = shot.first().captureResultOnly();
   const auto rawHdr = shot.readOr<Ints<3>>(camera, "orlu.parameter.rawHDRParams");
   shot.write<int32_t>(kParameter, "rawhdr_shot_mode", rawHdr[0]);
@@ -206,7 +207,7 @@ void MetadataUpdater::updateCommonTags() {
   writeMemoryKind(mShot);
 }
 
-// Fills in the values that the algorithms request from the system, from the shot's metadata.
+// Answers the algorithms' requests for values with tags of the shot.
 void MetadataUpdater::updatePreviewAlgoPrivateData2Shot() {
   paramSystemDownloadToAlgo([this](const char* section, const char* key, void* data, unsigned size) {
     return downloadPrivateData(mShot, section, key, data, size);
@@ -224,7 +225,7 @@ void MetadataUpdater::updateFrameIdentity() {
   mShot.write<bool>(kControl, "is_fusion_Select", mFusionBasicFrameSelect > 0);
   mShot.keep(mJpegOrientation, "android.jpeg.orientation", kControl, "jpeg_rotation");
   mShot.write<int32_t>(kControl, "device_rotation", mJpegOrientation);
-  // Logged before the row that reads the request id (Oddity 51).
+  // Logged before the request id is read, so the line shows 0 (Oddity 51).
   LOGD_BARE(kShortLogTag,
             "start process basic frame idx %d, rotation %d, reqId = %ld input fusionselect %d, satfusion %d.",
             mBasicFrameIndex, mJpegOrientation, static_cast<long>(mRequestId), mFusionBasicFrameSelect,

@@ -11,7 +11,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateDebug";  // the operation that its parts log
+constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
 
 // Reads a property as a decimal integer; 0 if it is not one.
 int32_t propertyAsInt(const char* name) {

@@ -1,4 +1,4 @@
-// A double exposure: two exposures on top of each other, with their own algorithm chain.
+// A double exposure: two superimposed exposures with their own list of algorithms.
 
 #include "metadata_updater_steps.h"
 

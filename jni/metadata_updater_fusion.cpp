@@ -6,7 +6,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateDebug";  // the operation that this part logs
+constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
 
 // Writes the frames' timestamps and ids. A frame past the list leaves its entry 0.
 void writeFrameIds(Shot& shot, const FusionFrames& frames) {
@@ -32,7 +32,7 @@ void writeFrameIds(Shot& shot, const FusionFrames& frames) {
 }
 
 // Both frames share one record: the second frame's missing elements keep the first frame's values
-// (Oddity 21); without a second frame all do. The composition is passed as the capture result too
+// (Oddity 21); without a second frame, all elements do. The composition is also passed as the capture result
 // (Oddity 22).
 void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
@@ -47,7 +47,6 @@ void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
 
 }  // namespace
 
-// Runs only for a fusion of two cameras with at least two frames.
 void MetadataUpdater::updateFusionFrames() {
   FusionShot fusion;
   fusion.isSatFusion = mIsSatFusion;

@@ -1,11 +1,11 @@
-// Derives the HDR process from a request's bracketing.
+// Derives the HDR process type from a request's bracketing.
 
 #include "metadata_updater_steps.h"
 
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateHdrProcessType";  // the operation that its parts log
+constexpr char kOperation[] = "updateHdrProcessType";  // helpers log it as their operation
 
 void logLayout(const HdrLayout& layout, int frameNum) {
   switch (layout.type) {

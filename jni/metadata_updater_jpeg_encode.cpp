@@ -1,4 +1,4 @@
-// Facts that the JPEG encoder writes with the picture: EXIF and refocus packing.
+// Facts that the JPEG encoder writes with the picture: EXIF and refocus data.
 
 #include "exif_facts.h"
 #include "metadata_updater_steps.h"

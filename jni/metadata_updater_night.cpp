@@ -22,8 +22,8 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   logPair(operation, domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
   logPair(operation, domain, "hdrShutters", milliseconds(a), milliseconds(b));
 
-  // The flash entries are crossed: both are real gains, the first frame's in the first slot and the last
-  // frame's in the last (Oddity 29).
+  // Both flash entries hold real gains: "superns_flash_adrc_gain" the first frame's,
+  // "superns_flash_real_gain" the last frame's (Oddity 29).
   // clang-format off
   shot.write<Floats<2>>(kParameter, "superns_adrc_gain",       {a[kAecAdrcGain], b[kAecAdrcGain]});
   shot.write<Floats<2>>(kParameter, "superns_real_gain",       {a[kAecRealGain], b[kAecRealGain]});
@@ -38,8 +38,8 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
 }
 
 // In the low-light raw step, the normal frame's "isp_gain" and "sensor_gain_normal" come from its short
-// elements, and the ratios are assigned in an order that differs from their elements (Oddity 30). The normal
-// time is a float here (Oddity 31).
+// elements, and the gain ratio is written before the time ratio (Oddity 30). The normal time is a float here
+// (Oddity 31).
 void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
@@ -66,7 +66,7 @@ void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
 
 }  // namespace
 
-// The index of the last frame counts all frames but selects among the master frames.
+// Uses the index of the last frame of the request to select a master frame.
 void MetadataUpdater::updateSuperNsYuv() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }

@@ -6,7 +6,7 @@ namespace orlu {
 namespace {
 
 // Three keys are written twice, and the later value wins (Oddity 18): "sensor_gain_short" and
-// "isp_gain_short", which their own tags set before, and "exp_sensitivity_ratio".
+// "isp_gain_short", which earlier rows copy from tags, and "exp_sensitivity_ratio".
 void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   writeExposureControl(shot, aec);
   // clang-format off

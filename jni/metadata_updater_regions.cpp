@@ -7,7 +7,7 @@ namespace orlu {
 
 // The log texts of one of the two metering regions.
 struct MetadataUpdater::MeteringTexts {
-  const char* operation;  // named by the log lines
+  const char* operation;  // shown in the log lines
   const char* label;
   const char* unscaled;
 };

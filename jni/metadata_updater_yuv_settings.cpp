@@ -9,7 +9,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateYuvFormat";  // the operation that its parts log
+constexpr char kOperation[] = "updateYuvFormat";  // helpers log it as their operation
 
 constexpr int kBrightSpots = 20;
 
@@ -84,7 +84,8 @@ void writeCrop(Shot& shot) {
   shot.copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
 }
 
-// True for algorithms that use the shot's exposure, and for front cameras in extreme light.
+// True for algorithms that use the shot's exposure, for front cameras in extreme mode, and for shots with HD
+// faces.
 bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
   const auto extremeFront = shot.readBack<int32_t>(kControl, "is_extreme_front");
   const auto facing = shot.readBack<int32_t>(kSensor, "camera_facing");
@@ -128,11 +129,11 @@ void writeDocument(Shot& shot) {
   shot.write<int32_t>(kParameter, "hasDocArea",            area);
   // clang-format on
   LOGD_AS(kOperation, "orlu.control.document.pack %d", pack);
-  // Logged again for production logs (Oddity 50).
+  // Logged again at every log level, for production logs (Oddity 50).
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 
-// The keys are spelled "sport", and the count's record is as long as the tag's (Oddity 32).
+// The keys are spelled "sport", and the count is written as an array as long as the tag (Oddity 32).
 void writeBrightSpots(Shot& shot) {
   const auto spots = shot.readOr<Floats<1 + 2 * kBrightSpots>>("orlu.control.bright_spot");
   // The count is passed on unchanged, even if it exceeds the table (Oddity 33).

@@ -1,4 +1,4 @@
-// The life cycle of a client: everything except its images, which request_processor_image.cpp handles.
+// The native methods, except the two that process images: those are in request_processor_image.cpp.
 
 #include "request_processor.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 
-// A string of the parameter object in a zero-padded buffer of fixed size; it may lack a terminating zero.
+// A string of the parameter object in a zero-padded buffer of fixed size, not necessarily terminated.
 template <size_t N>
 struct StringParameter {
   StringParameter(CameraMetadataParser& parser, const char* key, jobject param)
@@ -51,7 +51,7 @@ ReleaseMode releaseMode(bool formatFound, int32_t format) {
   return format == kAndroidRawSensor || format == kAndroidRaw10 ? kModeRaw : kModeProcessed;
 }
 
-// Stores "AbortKey" and "AbortVal" in the block. Returns whether they name something that can be aborted.
+// Stores "AbortKey" and "AbortVal" in the block. Returns whether they name a frame to abort.
 bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& context, void* metadata) {
   constexpr char kFrameFlag[] = "orlu.control.frameFlag";
   StringParameter<128> key(parser, "AbortKey", param);

@@ -1,4 +1,4 @@
-// Carries one request from Java to the algorithms and back.
+// Passes a request to the algorithms and writes their results back to Java.
 
 #include <optional>
 #include <utility>
@@ -35,8 +35,8 @@ bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outp
   return client == nullptr || inputs == nullptr || outputs == nullptr || compositions == nullptr;
 }
 
-// A request between two of its stages. It owns its parameter block and its entry in the map until they are
-// finished or left to a later stage, even if memory runs out.
+// A request during one stage: submission or completion. At the end of the stage, even if memory runs out, it
+// releases the parameter block and the map entry or leaves them to a later stage.
 class RequestInFlight {
 public:
   RequestInFlight(AlgoNativeClient& client, VRequest& request, CameraMetadataParser& parser)
@@ -58,7 +58,8 @@ public:
     mStage = kFinishing;
     return true;
   }
-  // Writes the results and finishes the request. Not inlined: the updater takes much of a small stack.
+  // Writes the results and finishes the request. Not inlined: the updater takes much stack, which may be
+  // scarce.
   [[gnu::noinline]] void finish() {
     ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
     letGo();
@@ -73,7 +74,8 @@ public:
         break;
       case kSubmitted:
         context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
-        // If the client was destroyed before this request was added, the destruction missed the request.
+        // If the client was destroyed before this request was added, its destructor did not release the
+        // request.
         if (context.isClientDestroyed()) mClient.releaseRequests();
         break;
       case kFinishing:
@@ -158,8 +160,8 @@ int RequestProcessor::processImageAlgo(VRequest& request, std::vector<std::strin
       parser->getMetadata(index < results.size() ? results[index] : nullptr);
   client->context().process(requestTypeOf(request), algoList, nativeReq, request.inputFrames(),
                             request.outputFrames(), metadata, client->callbackCookie(), reqId, metadataBytes);
-  // The library never calls back for a client that Java has destroyed meanwhile. After a timeout the request
-  // still continues with its results (Oddity 46).
+  // Does not wait if Java has destroyed the client meanwhile: the library will not call back. After a
+  // timeout, the request continues and its results are written (Oddity 46).
   if (!isFullAsync && !client->context().isClientDestroyed()) {
     AlgoNativeRequestMap::getInstance()->waitForCallback(nativeReq);
   }

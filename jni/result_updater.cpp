@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kJpegName[] = "JPEG";
 
-// The operation that its parts log.
+// The parts of updateResult() log it as their operation.
 constexpr char kUpdateResult[] = "updateResult";
 
 }  // namespace
@@ -64,7 +64,7 @@ void ResultUpdater::updateRefocus() {
   copy<int32_t>(kFeedback, "encoded_jpeg_size",   "orlu.refocus.saveJpegSize");
   // clang-format on
 
-  // Oddity 18: replaces the width and height above.
+  // Oddity 18: overwrites the width and height above.
   const auto decoded = mChannel.get<_tagOrluSize>(kFeedback, "decoded_jpeg_size");
   put<int32_t>("orlu.refocus.imgW", decoded.width);
   put<int32_t>("orlu.refocus.imgH", decoded.height);
@@ -72,7 +72,7 @@ void ResultUpdater::updateRefocus() {
   copy<Ints<64>>(kFeedback, "refocus_ret_info", "orlu.refocus.retInfo");
 }
 
-// The rectified document is output 1.
+// The rectified document is output image 1.
 void ResultUpdater::updateDocument() {
   constexpr int kDocumentOutput = 1;
   const auto docJpegSize = mChannel.get<int32_t>(kParameter, "doc_jpeg_size");
@@ -104,7 +104,7 @@ void ResultUpdater::updateStepBeauty() {
   }
   const float* const pose = outline->beautyPose;
   const auto skin = mChannel.get<Floats<3>>(kFeedback, "face_skin_value");
-  // Oddity 40: the first two words change places.
+  // Oddity 40: the first two words are swapped.
   const int32_t* const word = outline->faceRect;
   const Ints<4> rect = {word[1], word[0], word[2], word[3]};
   LOGD_AS(kUpdateResult, "algo process beautyfile beautyFaceNum = %d", outline->faceCount);

@@ -1,5 +1,5 @@
 // The frames that the algorithms kept, their sharpness, and the base frame. Applications identify frames by
-// timestamp, algorithms by index.
+// timestamp, algorithms identify them by index.
 
 #include <algorithm>
 

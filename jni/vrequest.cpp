@@ -180,7 +180,7 @@ jobject VRequest::getCaptureResult(jobject composition) {
 }
 
 int VRequest::getListSize(jobject list) {
-  // Callers read the list next, and its elements stay referenced.
+  // Callers read the list next and keep references to its elements.
   constexpr jint kReferencesPerElement = 2;
   // Upper bound on a list's size. A hostile list may report any size, and every element costs memory and a
   // JNI call. Real requests have far fewer frames.

@@ -73,7 +73,7 @@ private:
     mFrame.stride[0] = mFrame.width;
     return rawSensor();
   }
-  // ... but here the stride stays unchanged.
+  // ... but RAW_SENSOR keeps its stride.
   bool rawSensor() {
     mFrame.planeSize[0] = std::max(twoBytesPerPixel(mFrame), mFrame.planeSize[0]);
     return format(kFormatRaw16);
@@ -111,7 +111,7 @@ int32_t pixelDescriptor(const native_handle_t& handle) {
   return wordCount(handle) >= 2 ? handle.data[1] : -1;
 }
 
-// Replaces plane sizes that the Java side omitted or set to the size of the whole memory.
+// Replaces plane sizes that the Java side omitted or set to the size of the image's entire memory.
 void fixNvPlanes(AlgoFrameInfo& frame) {
   if (frame.planeSize[1] <= 0) frame.planeSize[1] = product(frame.stride[0], frame.scanline[0], 2);
   if (frame.planeSize[0] >= frame.fdSize[0]) frame.planeSize[0] = product(frame.stride[0], frame.scanline[0]);
