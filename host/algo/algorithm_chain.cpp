@@ -18,7 +18,7 @@ constexpr size_t kMostSelections = 20;
 // Algorithms that are identical here: each computes the mean of the aligned frames.
 constexpr const char* kMergers[] = {"night", "hdr", "superns", "supernsll", "llhdr"};
 
-// The bit that each algorithm sets in the application's word of "processed_algo".
+// The bit of "processed_algo" that each algorithm sets, in the word reserved for the application.
 struct ProcessedBit {
   const char* algorithm;
   uint64_t bit;

@@ -1,5 +1,5 @@
-// Runs the algorithms of one request: selects and merges frames, changes the picture, and encodes it or
-// copies it into the first output. Ignores unknown names.
+// Runs the algorithms of one request: selects and merges frames, changes the picture, and encodes it into
+// the first output or copies it into all outputs. Unknown names are only reported.
 #pragma once
 
 #include <string>
@@ -20,10 +20,10 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
-  // Requested but deliberately not run: unknown here, or without work to do.
+  // Requested but deliberately not run: unknown here, or nothing to do.
   std::vector<std::string> skipped;
   double milliseconds = 0;
-  std::vector<FrameReport> frames;  // one per input, if they were judged
+  std::vector<FrameReport> frames;  // one per input if the frames were judged
 };
 
 class AlgorithmChain {

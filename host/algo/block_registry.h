@@ -1,5 +1,5 @@
 // The live metadata blocks. A handle is a number that is never reused, not an address. So a stale handle is
-// recognised, and never accesses memory.
+// detected without an access to freed memory.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ class BlockRegistry {
 public:
   // Returns a new block's handle; null for an unknown kind.
   void* create(int kind);
-  // Returns false if the handle is not live. Holders of the set may still use it.
+  // Returns false if the handle is not live. Pointers to the set that find() returned stay valid.
   bool destroy(void* block);
   // Returns the set of a handle; null if it is not live.
   std::shared_ptr<ParameterSet> find(void* block) const;

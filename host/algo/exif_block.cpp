@@ -208,7 +208,7 @@ void addGpsTime(ExifBuilder& exif, int64_t milliseconds) {
 }
 
 void addLocation(ExifBuilder& exif, const GpsLocation& location) {
-  // This form also rejects NaN.
+  // The negated comparisons also reject NaN.
   if (!(std::fabs(location.latitude) <= 90) || !(std::fabs(location.longitude) <= 180)) return;
   const char* const south = location.latitude < 0 ? "S" : "N";
   const char* const west = location.longitude < 0 ? "W" : "E";

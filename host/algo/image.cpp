@@ -42,8 +42,8 @@ bool layOutYuv(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Imag
   chroma.stride = std::max(strideOr(info.stride[1], 0), static_cast<size_t>(even));
   if (info.stride[1] <= 0) chroma.stride = std::max(luma.stride, static_cast<size_t>(even));
 
-  // A first plane that is larger than its rows has padding rows; a smaller one was truncated after the last
-  // pixel.
+  // A first plane that is larger than its rows contains padding rows; a smaller one lacks only the padding of
+  // the last row.
   const int32_t scanlines = std::max(info.scanline[0], info.height);
   const uint64_t rows = static_cast<uint64_t>(luma.stride) * static_cast<uint64_t>(scanlines);
   const uint64_t told = info.planeSize[0] > 0 ? static_cast<uint64_t>(info.planeSize[0]) : 0;

@@ -8,7 +8,7 @@
 namespace orlu::standin {
 namespace {
 
-// The process's VM, if there is one. Looked up by name: this library must load without one as well.
+// The process's VM, if there is one. Looked up by name, because this library must load without a VM too.
 JavaVM* findVm() {
   using GetCreatedJavaVms = jint(JNICALL*)(JavaVM**, jsize, jsize*);
   const auto getCreatedVms =
@@ -49,7 +49,7 @@ void detachFromJava() {
   JavaVM* const vm = findVm();
   JNIEnv* env = nullptr;
   if (vm == nullptr || vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_4) != JNI_OK) return;
-  // The VM would print what the script left.
+  // Otherwise the VM would print the exception that the script left.
   env->ExceptionClear();
   vm->DetachCurrentThread();
 }

@@ -22,7 +22,7 @@ void addSamples(std::vector<uint32_t>& sums, const uint8_t* row, size_t first, s
   }
 }
 
-// Adds one row of a shifted frame; where the frame has no pixel, the base's row.
+// Adds one row of a shifted frame, and the base's pixels where the shifted frame has none.
 template <typename T>
 void addRow(std::vector<uint32_t>& sums, const MovedPlane& moved, const Plane& base, int y) {
   const Plane& plane = moved.plane;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kChunk = size_t{64} * 1024;
 
-// Continues a CRC-32 (zip's polynomial) over more bytes; starts with 0.
+// Continues a CRC-32 (zip's polynomial) over more bytes; `crc` is 0 for the first bytes.
 uint32_t updateCrc(uint32_t crc, const uint8_t* bytes, size_t size) {
   crc = ~crc;
   for (size_t i = 0; i < size; ++i) {

@@ -26,12 +26,14 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Bytes held, without names.
+  // The bytes of all values, without their names.
   size_t size() const;
 
-  // Copies `size` bytes in. Returns -1 for a null name, null data with a size, or a camera-metadata block.
+  // Stores a copy of `size` bytes. Returns -1 for a null name, null data with a size, or a camera-metadata
+  // block.
   int set(const char* section, const char* key, const void* data, size_t size);
-  // Copies at most `size` bytes out; beyond a shorter value, `data` is unchanged. Returns -1 if absent.
+  // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
+  // Returns -1 if the value is absent.
   int get(const char* section, const char* key, void* data, size_t size) const;
   // Replaces the contents of a camera-metadata block. Returns -1 for a parameter block or null bytes with a
   // size.
@@ -40,7 +42,7 @@ public:
   // Returns copies of a section's values, in the order in which they were first set.
   std::vector<Value> values(const char* section) const;
 
-  // Returns a value as T. An absent value, and bytes beyond a short one, keep the initial value.
+  // Returns a value as T. The bytes that the value lacks, all if it is absent, are those of `initial`.
   template <typename T>
   T read(const char* section, const char* key, T initial) const {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -12,10 +12,10 @@ namespace {
 
 constexpr int64_t kEventType = 1;  // of every light-stream event
 
-// Returns delays that look random and are the same in each run.
+// Returns pseudo-random delays, which are the same in each run.
 std::chrono::milliseconds delayOf(const AlgoScript& script) {
   static std::atomic<uint32_t> number{0};
-  constexpr uint32_t kSpread = 2654435769;  // the golden ratio's share of 2^32
+  constexpr uint32_t kSpread = 2654435769;  // 2^32 divided by the golden ratio
   const uint64_t share = number.fetch_add(1) * kSpread;
   const auto jitter = static_cast<uint64_t>(script.jitter.count());
   return script.delay + std::chrono::milliseconds((share & UINT32_MAX) * (jitter + 1) >> 32);

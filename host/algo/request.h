@@ -25,7 +25,7 @@ public:
   void callBack() const;
   // Sends the "lightStreamCb" of a light-stream request on this thread; does nothing for other requests.
   void sendLightStreamEvent() const;
-  // Releases the images before the callback, whose receiver may assume that nobody holds them.
+  // Releases the images before the callback, whose receiver may assume that they are unused.
   void releaseImages();
   // Gets width and height of the first input, or of the first output if there is no input.
   void frameSize(int32_t& width, int32_t& height) const;

@@ -29,8 +29,9 @@ StandIn& StandIn::instance() {
   return *instance;
 }
 
-// Runs an operation. Only the script's exceptions leave it, although memory may run out. Scripted faults
-// happen before an operation that creates something, so that nothing leaks, and after all other operations.
+// Runs an operation. Only scripted exceptions leave it; others, such as bad_alloc, make it return -1.
+// Scripted faults occur before an operation that creates something, so that nothing leaks, and after all
+// other operations.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();
@@ -229,7 +230,7 @@ void StandIn::echoFlag(ParameterSet& parameters) {
   int64_t flag = 0;
   if (parameters.get(kControl, "frame_flag", &flag, sizeof flag) != 0) return;
   parameters.write(kControl, "current_base_frame_time", flag);
-  // The time is only read beside an index.
+  // Readers use the time only if there is an index.
   if (parameters.read<int32_t>(kFeedback, "current_base_frame_idx", -1) < 0)
     parameters.write<int32_t>(kFeedback, "current_base_frame_idx", 0);
 }

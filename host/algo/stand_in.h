@@ -27,7 +27,7 @@ public:
   AlgoCounts count() const;
   bool waitIdle(std::chrono::milliseconds limit) { return mWorker.drainAll(limit); }
 
-  // Does what the script requests for the library's entry.
+  // Carries out the script for a call of the library's entry.
   void entry();
 
   // The callables of the tables. They return -1 for a block that is not live.

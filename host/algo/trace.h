@@ -13,7 +13,7 @@ namespace orlu::standin {
 
 class Trace {
 public:
-  // Reads the environment; from now on appends to the file that it names.
+  // Reads the environment variable; later lines are appended to the file that it names.
   void open();
   void done(uint64_t nativeReq, const RunReport& report);
 

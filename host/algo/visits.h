@@ -1,4 +1,4 @@
-// Calls visitors, immediately or later, as the script says.
+// Calls visitors, immediately or later, according to the script.
 #pragma once
 
 #include <functional>

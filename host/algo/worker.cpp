@@ -106,7 +106,7 @@ Worker::JobPointer Worker::takeNext() {
 }
 
 void Worker::work(Job& job) {
-  // The request is called back whatever fails.
+  // The request is called back even if the work fails.
   try {
     mWork(*job.request);
   } catch (...) {
@@ -114,8 +114,8 @@ void Worker::work(Job& job) {
 }
 
 void Worker::finishApart(std::vector<JobPointer> jobs) {
-  // The thread needs this lock before it ends, so it outlives detach(). glibc's detach() reads memory of the
-  // thread that another thread may have unmapped if the thread has ended.
+  // The new thread needs this lock before it ends, so it is still running when detach() is called. If it had
+  // ended, glibc's detach() could read memory of the thread that is already unmapped.
   std::lock_guard lock(mMutex);
   std::thread([this, jobs = std::move(jobs)] {
     for (const JobPointer& job : jobs) finish(job, true);

@@ -56,7 +56,7 @@ private:
   void loop();
   JobPointer takeNext();
   void work(Job& job);
-  // Finishes them on a thread of their own.
+  // Finishes the jobs on a new thread.
   void finishApart(std::vector<JobPointer> jobs);
   void finish(const JobPointer& job, bool ownThread);
   void callBack(Job& job, int index, std::unique_lock<std::mutex>& lock);

@@ -15,12 +15,12 @@ constexpr int kTileLength = 323;
 constexpr int kTileOffsets = 324;
 constexpr int kShort = 3;
 constexpr unsigned kLittleEndian = 0x4949;
-// LibRaw accepts no smaller sensor; no sensor exceeds the other limit.
+// The smallest sensor that LibRaw accepts, and a limit that no sensor exceeds.
 constexpr int kLeastSide = 22;
 constexpr int kLargestSide = 1 << 14;
-// LibRaw numbers a 6x6 pattern below this; numbers of Bayer patterns fill all 32 bits.
+// LibRaw represents Bayer patterns as 32-bit numbers from here on, and other patterns as smaller numbers.
 constexpr unsigned kLeastBayer = 1000;
-// At most eight samples per byte: a sample takes at least one bit in a JPEG.
+// The most samples per byte: lossless JPEG uses at least one bit per sample.
 constexpr int64_t kSamplesPerByte = CHAR_BIT;
 // Two values that are rare in samples; they show which samples a decoder did not write.
 constexpr uint16_t kFirstMark = 0xA5C3;
@@ -40,8 +40,8 @@ DngFile::DngFile(const char* path)
   if (findImage(status) && checkImage() && listBlocks()) checkBlocks();
 }
 
-// LibRaw calls this at a tag's value, and afterwards seeks back there. The bits above the tag's own hold the
-// image's number, starting with 1.
+// LibRaw calls this with the file positioned at the tag's value, and restores the position afterwards. The
+// upper bits of `tag` are the number of the image, starting with 1.
 void DngFile::noteTag(void* self, int tag, int type, int length, unsigned order, void*, INT64) {
   auto* const file = static_cast<DngFile*>(self);
   const int image = (tag >> 20) - 1;
@@ -93,7 +93,7 @@ bool DngFile::checkImage() {
                     ? "CFAPattern: expected a Bayer mosaic, found one of 6x6"
                     : "CFAPattern: expected a Bayer mosaic, found none");
   }
-  // LibRaw has its own rules to pick one of several images.
+  // LibRaw selects one of several images by its own rules.
   if (imgdata.sizes.raw_width == width() && imgdata.sizes.raw_height == height() &&
       libraw_internal_data.unpacker_data.data_offset == mImage->offset) {
     return true;
@@ -109,7 +109,7 @@ bool DngFile::listBlocks() {
   if (!inRange("TileLength", blockHeight, 1, kLargestSide)) return false;
   const int needed = ((width() - 1) / blockWidth + 1) * ((height() - 1) / blockHeight + 1);
   const int found = isTiled() ? tiling().count : std::max(mImage->strip_offsets_count, 1);
-  // Each has an offset in the file.
+  // The file contains at least one byte per offset.
   if (needed != found || needed > libraw_internal_data.internal_data.input->size()) {
     return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
@@ -123,8 +123,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// LibRaw keeps the offsets of several strips. For several tiles, it keeps the position of the table of their
-// offsets; for a single block, its offset.
+// LibRaw stores the offsets of several strips. For several tiles, it stores only the position of their offset
+// table; for a single strip or tile, its offset.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);
@@ -193,8 +193,8 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage makes a decoder stop without an error. Decodes twice over different marks: samples that the
-// decoder did not write keep them.
+// Some damage makes a decoder stop without an error. Therefore decodes twice into memory that is filled
+// with different marks: the decoder did not write a sample that equals the mark both times.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

@@ -24,11 +24,11 @@ public:
   int width() const { return mImage->t_width; }
   int height() const { return mImage->t_height; }
 
-  // The bits of the white level; without a white level, those of a sample in the file.
+  // The bits per sample that the white level requires; without a white level, the stored bits per sample.
   int bits() const;
 
-  // Decodes all samples, row by row without padding, after the file's linearisation table. They are valid as
-  // long as this object. Returns null if there is a problem().
+  // Decodes all samples, row by row without padding, and applies the file's linearisation table. The samples
+  // are valid as long as this object. Returns null if there is a problem().
   const uint16_t* decode();
 
 private:

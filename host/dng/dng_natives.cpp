@@ -31,7 +31,7 @@ void withFile(JNIEnv* env, jbyteArray path, Use use) {
   }
 }
 
-// Passes every row to put(int, short[]) of `to`, until that throws.
+// Calls `to.put(int, short[])` for every row until it throws.
 void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* samples, jobject to) {
   jclass clazz = env->GetObjectClass(to);
   const jmethodID put = env->GetMethodID(clazz, "put", "(I[S)V");

@@ -6,7 +6,7 @@ namespace orlu::host {
 constexpr int kAttributesWord = 0;  // a memory file that nothing here reads
 constexpr int kPixelsWord = 1;      // the memory file with the pixels
 constexpr int kDescriptors = 2;
-constexpr int kIntegers = 4;  // width, height, bytes of a row, format
-constexpr int kRowWord = 4;   // the bytes of a row
+constexpr int kIntegers = 4;  // width, height, row stride in bytes, format
+constexpr int kRowWord = 4;   // the row stride in bytes
 
 }  // namespace orlu::host

@@ -88,7 +88,7 @@ native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, 
   return handle;
 }
 
-// Returns the samples from a row to the next; the width if the handle is not one of ours.
+// Returns the row stride in samples; the width if the handle was not created here.
 uint32_t rowSamples(const AHardwareBuffer_Desc& desc, const native_handle_t& handle) {
   using namespace orlu::host;
   const bool isOurs = handle.numFds == kDescriptors && handle.numInts == kIntegers && sampleBytes(desc) > 0;
@@ -112,7 +112,7 @@ int mapPixels(AHardwareBuffer& buffer) {
   return 0;
 }
 
-// Rows of Cb and Cr are one: Cr, Cb, Cr, Cb.
+// The Cr and Cb samples of a row alternate: Cr, Cb, Cr, Cb.
 void fillPlanes(const AHardwareBuffer& buffer, AHardwareBuffer_Planes& planes) {
   const AHardwareBuffer_Desc& desc = buffer.desc;
   auto* const start = static_cast<uint8_t*>(buffer.pixels);

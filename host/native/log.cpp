@@ -1,6 +1,6 @@
 // liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
-// every line is also appended to it, whatever ANDROID_LOG_TAGS says: time (nanoseconds of CLOCK_MONOTONIC),
-// thread, priority letter, tag and text, separated by tabs.
+// it receives every line, even those that ANDROID_LOG_TAGS filters out: time (nanoseconds of
+// CLOCK_MONOTONIC), thread, priority letter, tag and text, separated by tabs.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -35,8 +35,8 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// The contents of ANDROID_LOG_TAGS: "TAG:D OTHER:E *:S" gives a tag's minimum priority, or with "*" that of
-// all others. A tag without a priority shows all its lines.
+// The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER:E *:S": a minimum priority for each named tag, and
+// with "*" for all other tags. Every line of a tag without a priority is shown.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;
@@ -84,7 +84,8 @@ int logFile() {
   return file;
 }
 
-// Uses one write per line, so that lines of several threads don't mix. Joins a text of several lines.
+// Writes each line with one call, so that lines of several threads don't mix. Replaces line ends in the text
+// by blanks.
 void keep(int priority, const char* tag, const char* text) {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);

@@ -17,7 +17,7 @@ std::string_view orEmpty(const char* text) {
   return text == nullptr ? std::string_view() : text;
 }
 
-// Native handles of either kind: numFds, numInts, then the words.
+// Adds a native handle of either type: numFds, numInts, then the words.
 template <typename Handle>
 void addHandle(EventLine& line, const char* name, const Handle* handle) {
   if (handle == nullptr) {

@@ -6,9 +6,9 @@
 
 namespace orlu::probe {
 
-// The arguments.
+// Adds the arguments.
 void addInputs(EventLine& line, const WatchedCall& call);
-// The duration and the results.
+// Adds the duration and the results.
 void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end);
 
 }  // namespace orlu::probe

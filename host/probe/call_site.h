@@ -19,8 +19,8 @@ struct Module {
   uintptr_t end = 0;
 };
 
-// The modules of this process by address. They are read again if an address is in none of them; until then,
-// an unloaded module stays listed.
+// The modules of this process by address. They are read again if an address is in none of them. Modules are
+// never removed, so an unloaded module hides a module that is loaded later at the same addresses.
 class ModuleTable {
 public:
   // Returns null for an address in no module. The module is valid until the process ends.
@@ -34,8 +34,8 @@ private:
   std::vector<std::shared_ptr<const Module>> mModules;
 };
 
-// The calling library's part of the stack, innermost first: addresses inside the call instructions. The
-// probe's own frames are omitted, and the walk ends at the next module.
+// The calling library's frames, innermost first, as addresses inside the call instructions. The probe's own
+// frames are skipped, and the walk stops at the first frame of another module.
 struct CallSite {
   static constexpr int kMostFrames = 12;
 

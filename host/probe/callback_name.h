@@ -9,7 +9,7 @@
 namespace orlu::probe {
 
 struct CallbackName {
-  bool isWhole = false;  // false: the name is missing and the rest is empty
+  bool isWhole = false;  // false: header or name is incomplete, and the other fields are empty
   uint64_t nativeReq = 0;
   std::string_view name;  // refers to the callback's bytes
 };

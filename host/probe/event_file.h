@@ -1,5 +1,5 @@
 // The file that events are appended to, with one write per line. So several processes and languages can share
-// it, and nothing is lost when the process ends.
+// the file, and no event is lost when the process ends.
 #pragma once
 
 #include <atomic>

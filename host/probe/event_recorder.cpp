@@ -55,7 +55,7 @@ EventRecorder::GetValue EventRecorder::measured(GetValue real) {
       EventLine line("held");
       mFile.write(line.number("size", valueSize(real, block, section, key, size)).finish());
     } catch (...) {
-      // The library's, or out of memory: the event is dropped.
+      // The library threw, or no memory is left: the event is dropped.
     }
     return result;
   };

@@ -1,11 +1,11 @@
-// This thread and the Java VM.
+// Whether this thread is attached to the Java VM.
 #pragma once
 
 namespace orlu::probe {
 
 enum class JavaThreadState { kNoVm, kAttached, kNotAttached };
 
-// Makes nothing known to the VM that it does not know.
+// Returns the state of this thread; never attaches it.
 JavaThreadState javaThreadState();
 
 }  // namespace orlu::probe

@@ -72,7 +72,7 @@ std::array<uint32_t, 256> crcTable() {
   return table;
 }
 
-// Computes the CRC from the file, because others may still be writing to the memory.
+// Computes the CRC from the file, because the memory may still change.
 uint32_t crcOf(int file) {
   static const std::array<uint32_t, 256> table = crcTable();
   std::vector<uint8_t> buffer(kReadBack);

@@ -20,7 +20,7 @@ namespace orlu::probe {
 namespace {
 
 constexpr uint64_t kUsualBytes = uint64_t{1} << 30;
-// Limits the requests that are kept open, because a library may never call back for some.
+// Limits the unfinished requests that are remembered, because a library may never call back for some.
 constexpr size_t kMostRequests = 16;
 
 std::string crcText(uint32_t crc) {
@@ -114,7 +114,7 @@ void PixelRecorder::keep(const Place& place, int fd, int32_t size) {
   mEvents.write(line.finish());
 }
 
-// Removed files free space for others.
+// Returns the bytes that are still allowed; files that were removed since no longer count.
 uint64_t PixelRecorder::bytesLeft() {
   mFiles.erase(std::remove_if(mFiles.begin(), mFiles.end(),
                               [](const File& file) { return access(file.path.c_str(), F_OK) != 0; }),

@@ -26,13 +26,13 @@ public:
   void after(const WatchedCall& call, const WatchedEnd& end);
 
 private:
-  // An output of a request that has not called back. The caller may close its own descriptor meanwhile.
+  // An output of a request that has not been called back. The caller may close its own descriptor meanwhile.
   struct Output {
-    int fd;  // ours
+    int fd;  // a duplicate, owned
     int32_t size;
   };
   struct Request {
-    uint64_t process;  // the number of its call
+    uint64_t process;  // the number of the process() call
     uint64_t cookie;
     uint64_t nativeReq;
     uint64_t reqId;

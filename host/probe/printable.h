@@ -1,4 +1,4 @@
-// Foreign text made safe for a terminal or a report.
+// Makes untrusted text safe for a terminal or a report.
 #pragma once
 
 #include <algorithm>
@@ -33,8 +33,8 @@ inline unsigned characterCode(std::string_view character) {
   return code;
 }
 
-// True for a control character other than a line end or a tab, a line separator, and a character that changes
-// the direction of what follows.
+// True for control characters other than line feed and tab, for line separators, and for characters that
+// change the text direction.
 inline bool isUnsafe(unsigned code) {
   const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
   const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F ||

@@ -27,7 +27,7 @@ public:
   }
 
 private:
-  // Tried for every table until it succeeds, as the loader would.
+  // Retries for every table until the library is opened, as the loader would.
   RealLibrary::Entry realEntry(const void* caller) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mEntry == nullptr) mEntry = mRecorder.load(caller).entry;

@@ -47,8 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// Finds the next library with the probe's own name. dlopen() can't: it returns the library already
-// loaded under that name: the probe.
+// Finds the library that the probe replaces. dlopen() can't find the next library with the probe's own name:
+// it returns the probe, which is already loaded under that name.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

@@ -16,8 +16,9 @@ struct RealLibrary {
 };
 
 // Returns the path in ORLU_ALGO_LIBRARY, else liborlu.vac.interface.real.so beside the probe, else the next
-// library with the device's name. That one is searched in the folders of LD_LIBRARY_PATH, beside the library
-// that contains the address `caller`, in the folder lib beside the probe's own, and in the system's folders.
+// library with the device's name, which is searched for in the folders of LD_LIBRARY_PATH, beside the library
+// that contains the address `caller`, in the folder lib beside the probe's own folder, and in the system's
+// folders.
 // Returns "" if nothing was found.
 std::string findRealLibrary(const void* caller);
 

@@ -98,7 +98,7 @@ auto watched(TableObserver& observer, const WatchedCall& call, Body&& body) {
   }
 }
 
-// Keeps one function for each cookie.
+// Stores one replacement function for each cookie.
 class CookieBook {
 public:
   static CookieBook& instance() {
@@ -106,7 +106,8 @@ public:
     return *book;
   }
 
-  // Returns the library's replacement for this cookie. 0 stays 0, and an empty function stays empty.
+  // Returns the cookie to pass to the library instead of this one. 0 and the cookie of an empty function are
+  // returned unchanged.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;
@@ -152,7 +153,7 @@ AlgoMetadataVisitor watchedVisitor(const AlgoMetadataVisitor& real, uint64_t of,
   };
 }
 
-// Replaces callables by watched ones. `note` puts the arguments into the call.
+// Replaces callables by watched ones. `note` stores the arguments in the call.
 class TableWatcher {
 public:
   explicit TableWatcher(TableObserver& observer) : mObserver(observer) {}

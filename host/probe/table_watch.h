@@ -1,6 +1,6 @@
 // Puts an observer between a caller and the table of an algorithm library. Every callable, every callback
 // function and every visitor is replaced by one that records the call, makes it, and records the result.
-// Nothing is changed: an empty callable stays empty, and exceptions are passed on.
+// The behaviour is not changed: an empty callable stays empty, and exceptions are passed on.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +35,7 @@ struct CallbackArguments {
 struct WatchedCall {
   std::string_view operation;  // the name of the callable, or "callback", "visit"
   uint64_t number = 0;         // counts the calls of this process, from 1
-  uint64_t of = 0;             // visit: the enclosing call; callback: the last process with its cookie
+  uint64_t of = 0;             // visit: the enclosing call; callback: the last process() with its cookie
 
   const AlgoCreateClientRecord* createClient = nullptr;
   const AlgoInitRecord* init = nullptr;

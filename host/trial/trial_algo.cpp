@@ -1,5 +1,5 @@
-// An algorithm library for trials: process() calls back before it returns. Everything that a request passed
-// in until then becomes one record of bytes for Java. One request at a time, on one thread.
+// An algorithm library for trials: process() calls back before it returns. All values that a request
+// passed in until then form one byte record for Java. Supports one request at a time, on one thread.
 
 #include <jni.h>
 

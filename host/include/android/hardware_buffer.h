@@ -53,9 +53,9 @@ void AHardwareBuffer_acquire(AHardwareBuffer* buffer);
 void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
 
-// Maps the pixels; each call needs its own AHardwareBuffer_unlock(). `usage` is one of CPU_READ; `fence`
-// is -1, `rect` is null. YUV has three planes: Y, Cb, Cr; other formats have one; only R8G8B8A8 reports
-// its strides, as on the device. Returns 0 or a negative errno.
+// Maps the pixels; each call needs its own AHardwareBuffer_unlock(). `usage` is a CPU_READ value,
+// `fence` is -1, and `rect` is null. YUV has three planes: Y, Cb, Cr. Other formats have one plane, whose
+// strides are reported only for R8G8B8A8, as on the device. Returns 0 or a negative errno.
 int AHardwareBuffer_lockPlanes(AHardwareBuffer* buffer, uint64_t usage, int32_t fence, const ARect* rect,
                                AHardwareBuffer_Planes* outPlanes);
 // `fence` is null. Returns 0 or a negative errno.

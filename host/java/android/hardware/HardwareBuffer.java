@@ -27,7 +27,7 @@ public final class HardwareBuffer implements AutoCloseable {
         mNativeObject = nativeObject;
     }
 
-    /** Creates a buffer of pixels; for a BLOB, of as many bytes as its width. */
+    /** Creates a buffer of pixels; a BLOB has {@code width} bytes. */
     public static HardwareBuffer create(int width, int height, int format, int layers, long usage) {
         if (width < 1 || height < 1 || layers != 1) {
             throw new IllegalArgumentException("Invalid size of hardware buffer: " + width + " x " + height);

@@ -36,12 +36,12 @@ public final class SharedMemory implements AutoCloseable {
         return mSize;
     }
 
-    /** Maps the whole file. {@link #unmap} ends the mapping, which stays valid after {@link #close}. */
+    /** Maps the complete file. {@link #unmap} ends the mapping, which stays valid after {@link #close}. */
     public ByteBuffer mapReadWrite() throws ErrnoException {
         return map(true);
     }
 
-    /** As {@link #mapReadWrite}, read-only. */
+    /** Like {@link #mapReadWrite}, but read-only. */
     public ByteBuffer mapReadOnly() throws ErrnoException {
         return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
     }

@@ -7,7 +7,7 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** The typed store behind capture results: a tag holds a value of its type, whatever type set it. */
+/** The typed store behind capture results. Every value is converted to its tag's type when it is set. */
 public final class CameraMetadataNative implements Parcelable {
     private final Map<String, Object> mValues = new HashMap<>();
 
@@ -60,7 +60,8 @@ public final class CameraMetadataNative implements Parcelable {
 
     /**
      * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for a tag that is in
-     * no table, and for a type that does not fit: an array of several values is not a scalar, an int not a long.
+     * no table, and for a type that does not fit: an array of several values is not a scalar, and an int is
+     * not a long.
      */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);

@@ -8,8 +8,8 @@ import java.nio.charset.StandardCharsets;
 
 /**
  * Converts values between the classes that are stored, set and requested. Number types are never converted to
- * one another. Arrays change between primitive and boxed, a string is its bytes, one value is an array of
- * one, and an array of one is its value. Returns copies of anything mutable.
+ * one another. Primitive and boxed arrays are, and so are a string and its bytes, and a single value and an
+ * array of one element. Returns copies of anything mutable.
  */
 final class TagConversion {
     private TagConversion() {

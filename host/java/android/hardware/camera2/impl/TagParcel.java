@@ -7,7 +7,7 @@ import android.location.Location;
 import android.os.Parcel;
 import android.util.Rational;
 
-/** One stored value in a parcel: its type, the number of values, the values. */
+/** A stored value in a parcel: its type, the number of elements, the elements. */
 final class TagParcel {
     private TagParcel() {
     }

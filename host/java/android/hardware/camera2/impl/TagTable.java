@@ -12,7 +12,7 @@ import java.util.Set;
 import java.util.TreeSet;
 import java.util.concurrent.ConcurrentHashMap;
 
-/** All known tags with their types: the lines of tags.txt, and tags registered since. */
+/** All known tags with their types: the lines of tags.txt and all registered tags. */
 public final class TagTable {
     private static final Map<String, TagType> TAGS = load();
 
@@ -32,8 +32,8 @@ public final class TagTable {
     /**
      * Registers a vendor tag, as the camera's tag descriptor does on the device. Its name may be built at run
      * time from a section and a key ("orlu.algo.system.some_key", BYTES).
-     * Registering a tag again is allowed; throws IllegalArgumentException if it is known with another type,
-     * since stores may hold values of that type.
+     * Registering a tag again with the same type is allowed. Throws IllegalArgumentException if the tag is
+     * known with another type, because metadata may already contain values of that type.
      */
     public static void register(String tag, TagType type) {
         put(TAGS, tag, Objects.requireNonNull(type));
