@@ -43,7 +43,7 @@ constexpr unsigned kQueryResultSize = 10240;
 constexpr char kNotifyKill[] = "notify:kill";
 static_assert(sizeof kNotifyKill == 12);
 
-// AlgoFrameInfo::format. Other codes have names (formatToStr()); these also have a meaning here.
+// AlgoFrameInfo::format. Only these codes have a meaning here; formatToStr() also names others.
 enum AlgoImageFormat : int32_t {
   kFormatUnknown = 0,
   kFormatNv21 = 1,

@@ -18,9 +18,10 @@ public:
   // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // Destroys the algorithm library's client first, which may call back meanwhile, then closes the callback,
-  // then finishes the full-async requests that were never announced to Java. Must run on a thread that is
-  // attached to the VM; otherwise the callback class stays referenced. Java may trigger it from any callback.
+  // First destroys the algorithm library's client; the library may call back meanwhile. Then closes the
+  // callback and finishes the full-async requests that were never announced to Java. Must run on a thread
+  // that is attached to the VM; otherwise the callback class stays referenced. Java may cause the destruction
+  // in any callback.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
@@ -36,7 +37,7 @@ public:
   // process ends; after the client is destroyed, callbacks are ignored.
   uint64_t callbackCookie() const;
 
-  // Identifies the client in the request map. Never reused.
+  // Identifies the client in the request map. The value is never reused.
   const void* owner() const { return mCallback; }
   // For a destroyed client: finishes the full-async requests that Java will not finish, and destroys the
   // blocks that only the algorithm library might still have used.

@@ -1,5 +1,5 @@
 // One client's connection to the algorithm library: the library's table of operations and the client handle
-// that it returned. No other class calls the library.
+// that it returned. The library is called only through this class and its table.
 //
 // If the library does not offer an operation, the call is skipped and the operation's failure message is
 // logged; setValue(), getValue() and the visits only return -1. An operation that throws is logged
@@ -35,12 +35,13 @@ public:
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client, once; the destructor does it otherwise. The library may call back
-  // meanwhile.
+  // Destroys the library's client; later calls have no effect. The destructor calls it too. The library may
+  // call back meanwhile.
   void destroyClient();
 
   void init();
-  // Uninitialises every request type. `mode`: 0 destroy, 1 release, 2 release of a raw format.
+  // Uninitialises every request type. `mode`: 0 for destruction or an unknown format, 1 for the release of a
+  // processed format, 2 for that of a raw format.
   void uninit(int mode);
   void flush();
   // The parameter block names the frame to abort.

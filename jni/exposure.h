@@ -45,7 +45,7 @@ inline float milliseconds(const Aec& aec, AecElement time = kAecExposureTime) {
   return aec[time] / kNanosecondsPerMillisecond;
 }
 
-// Ratios of the record's sensitivities. An empty record gives NaN, which is passed on.
+// Ratios of the record's sensitivities. A record of zeros gives NaN, which is passed on.
 inline float longToShortSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecShortSensitivity];
 }

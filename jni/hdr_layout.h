@@ -34,7 +34,7 @@ struct HdrLayout {
   int nightCount = 0;
 };
 
-// Returns whether the frames' modes determine the layout: for 5, 7 and 9 frames.
+// Returns whether the frames' modes determine the layout: true for 5, 7 and 9 frames.
 bool isBracketed(int frameNum);
 
 // Returns the layout of `frameNum` frames with these modes; kHdrNone if isBracketed() is false. The indices
