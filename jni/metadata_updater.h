@@ -134,7 +134,7 @@ private:
   std::vector<jobject> mMasterCaptureResults;
   std::vector<jobject> mMasterCompositions;
   int32_t mIsRawnrCapture = 0;
-  int32_t mEnableHwMFNR = 0;  // hardware multi-frame noise reduction is on
+  int32_t mEnableHwMFNR = 0;  // not 0: hardware multi-frame noise reduction is on
   bool mIsSatFusion = false;
   int32_t mFusionBasicFrameSelect = 0;
   int32_t mJpegOrientation = 0;  // degrees

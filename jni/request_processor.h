@@ -1,10 +1,10 @@
 // Implements the native methods: checks the client handle, reads the Java arguments and calls the client's
 // context.
 //
-// A handle is the address of an AlgoNativeClient. Handle 0 is rejected: the call logs an error and returns
-// -1. Every other handle is trusted, and the functions that return int return 0; lower layers log their own
-// failures. Calls for one client must not overlap, except that Java may call any function, including
-// destroy(), inside a callback of the algorithm library.
+// A handle is the address of an AlgoNativeClient. All functions except notify() reject handle 0: they log
+// that and return -1 or null. Every other handle is trusted, and the functions that return int return 0;
+// lower layers log their own failures. Calls for one client must not overlap, except that Java may call any
+// function, including destroy(), inside a callback of the algorithm library.
 #pragma once
 
 #include <jni.h>
@@ -45,9 +45,9 @@ public:
   // the handle, `inputs`, `outputs` or `compositions` is null, else 0, even after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // Writes the results of the full-async request "nativeRequestAddr" and finishes it. A synchronous request
-  // counts as unknown, and so does one that is still being submitted and not announced. For an unknown
-  // request, only initial values are written. Returns the same values as processImage().
+  // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. A
+  // synchronous request counts as unknown, and so does one that is still being submitted and not announced.
+  // For an unknown request, only initial values are written. Returns the same values as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

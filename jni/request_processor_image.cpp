@@ -74,8 +74,7 @@ public:
         break;
       case kSubmitted:
         context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
-        // If the client was destroyed before this request was added, its destructor did not release the
-        // request.
+        // If the client was destroyed before this request was added, its destructor missed it.
         if (context.isClientDestroyed()) mClient.releaseRequests();
         break;
       case kFinishing:

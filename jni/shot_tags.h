@@ -185,7 +185,8 @@ public:
   const FrameList& frames() const { return mFrames; }
   Frame first() const { return mFrames.first(); }
 
-  // Reads a tag into `value`. Returns 0, or -1 if the frame lacks the tag; `value` is then unchanged.
+  // Reads a tag into `value`. Returns 0, or -1 if the frame lacks the tag; `value` is then unchanged, but
+  // text and bytes become zero.
   template <typename T>
   int read(const Frame& frame, const char* tag, T& value) const {
     return getter::get(*mParser, value, tag, frame);
