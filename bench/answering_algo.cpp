@@ -7,7 +7,7 @@
 namespace orlu::bench {
 namespace {
 
-int gToken = 0;  // its address serves as every client and block
+int gToken = 0;  // its address is the handle of every client and block
 
 std::atomic<ProcessHandler> gHandler{nullptr};
 std::atomic<TableFilter> gFilter{nullptr};

@@ -7,7 +7,7 @@ namespace orlu::bench {
 
 struct BenchSize {
   bool quick = false;          // fewer points and requests
-  int64_t memoryRequests = 0;  // of the memory benchmark only
+  int64_t memoryRequests = 0;  // for the memory benchmark only
   int warmUp() const { return quick ? 300 : 2000; }
   int requests() const { return quick ? 150 : 1000; }
 };

@@ -1,5 +1,5 @@
-// Counts the cost of the four shots; the counts are equal in every run. cost_counts [--update] FILE compares
-// them with FILE or rewrites it. Exits with 1 if they differ.
+// cost_counts FILE: counts the cost of the four shots, and exits with 1 if the counts differ from those in
+// FILE. With --update before FILE, it rewrites FILE instead. The counts are equal in every run.
 
 #include <algorithm>
 #include <cstdio>
@@ -33,7 +33,7 @@ constexpr struct {
     {"no_tags,async", false, true },
 };
 
-// Writes a row per count of a shot and a column per way to send it.
+// Writes a row per count and a column per variant of the shot.
 void writeTable(std::ostream& out, const Kind& kind) {
   std::map<std::string, std::map<std::string, int64_t>> rows;
   out << '\n' << std::left << std::setw(32) << kind.name << std::right;
@@ -67,7 +67,7 @@ std::vector<std::string> linesOf(std::istream&& in) {
   return lines;
 }
 
-// Prints each different line with its place in the file.
+// Prints each line that differs with its place in the file. Returns false if there is one.
 bool isAsWritten(const std::string& tables, const std::string& path) {
   std::vector<std::string> expected = linesOf(std::ifstream(path));
   std::vector<std::string> found = linesOf(std::istringstream(tables));

@@ -1,5 +1,5 @@
-// Benchmark of requests in flight. The map of requests is searched from its beginning; the measured request
-// is its last element.
+// Benchmark of requests in flight. The map of requests is searched from its beginning, and the measured
+// request is its last element.
 
 #include "algo_native_request_map.h"
 #include "benches.h"
@@ -16,7 +16,7 @@ public:
   }
   InFlight(const InFlight&) = delete;
   InFlight& operator=(const InFlight&) = delete;
-  // Last element first: removing it moves the fewest elements.
+  // Removes the last element first, which moves the fewest elements.
   ~InFlight() {
     for (auto id = mIds.rbegin(); id != mIds.rend(); ++id) map().remove(*id);
   }
@@ -27,7 +27,7 @@ private:
   std::vector<uint64_t> mIds;
 };
 
-// All map operations of a request.
+// Returns the time of all map operations of a request.
 double mapSeconds() {
   AlgoNativeRequestMap& map = *AlgoNativeRequestMap::getInstance();
   const auto begin = Clock::now();

@@ -16,8 +16,8 @@ namespace {
 
 thread_local JniRecorder* gRecorder = nullptr;
 
-// The argument types of every method looked up so far, also in earlier recordings: "LI" for an object and an
-// integer. Method ids stay valid while their classes are loaded.
+// The argument types of every method that was looked up in this or an earlier recording: "LI" for an object
+// and an integer. Method ids stay valid while their classes are loaded.
 std::unordered_map<jmethodID, std::string>& shapes() {
   static std::unordered_map<jmethodID, std::string> all;
   return all;
@@ -136,7 +136,7 @@ struct RecorderFunctions {
     }
   }
 
-  // A function without a jmethodID: its signature determines the recording.
+  // A JNI function that calls no Java method: its C++ type determines its arguments.
   template <auto Member>
   struct Plain;
 
@@ -165,7 +165,8 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // The size of the buffer that a region is set from, which may be 0; kNoRegion for every other function.
+    // Returns the bytes that a Set...Region function reads from its buffer, which may be 0; kNoRegion for
+    // every other function.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -237,7 +238,7 @@ struct RecorderFunctions {
     }
   };
 
-  // A function that calls a Java method: the method determines the arguments.
+  // A JNI function that calls a Java method: the method determines the arguments.
   template <auto Member>
   struct Method;
 
@@ -353,7 +354,7 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// An object that no recorded call returned existed before and stays alive.
+// An object that no recorded call returned existed before the recording and stays alive.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);
@@ -361,7 +362,7 @@ uint32_t JniRecorder::objectSlot(void* object) {
   return mSlots[object] = mRecording.addSlot(object);
 }
 
-// A string that the VM lent, or one of the caller's own.
+// The string is one that the VM lent, or the caller's own, which is copied.
 uint32_t JniRecorder::textSlot(const char* text) {
   if (text == nullptr) return kNullSlot;
   const uint32_t lent = slotOf(text);

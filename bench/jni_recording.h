@@ -1,7 +1,7 @@
-// A recorded sequence of JNI calls. Replaying it measures the lower bound of the code that made the calls.
+// A recorded sequence of JNI calls. The time of a replay is a lower bound for the code that made the calls.
 //
-// Objects, strings and buffers are in numbered slots. A call that returns an object stores it in its own
-// slot, and later calls refer to that slot. So each replay works on its own new objects.
+// Objects, strings and buffers are in numbered slots. Each call that returns an object has a slot for it, and
+// later calls refer to that slot. So each replay uses objects of its own.
 #pragma once
 
 #include <jni.h>
@@ -44,7 +44,7 @@ struct RecordedCall {
   void (*repeat)(JNIEnv* env, void** slots, const RecordedCall& call);
   RecordedValue arguments[kMaxArguments];
   uint32_t result;  // the slot of the result
-  Shape shape;      // of the called Java method
+  Shape shape;      // the called Java method's
 };
 
 class JniRecording {
@@ -64,7 +64,7 @@ private:
   friend struct RecorderFunctions;
 
   uint32_t addSlot(void* value);
-  // Adds a copy that the recording owns.
+  // Adds a copy of the bytes, which the recording owns.
   uint32_t addBytes(const void* bytes, size_t size);
 
   std::vector<RecordedCall> mCalls;

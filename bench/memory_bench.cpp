@@ -1,5 +1,5 @@
 // Benchmark of memory growth: the resident size after every tenth of many requests, synchronous and
-// full-async in turn.
+// full-async alternately.
 
 #include <memory>
 

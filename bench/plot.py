@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Rewrites the tables of cost.md and its plots from the benchmarks' output: plot.py OUTPUT.json DOCS_FOLDER"""
+"""plot.py OUTPUT.json DOCS_FOLDER: rewrites the tables and plots of cost.md from the benchmarks' output."""
 import json
 import os
 import re
@@ -25,7 +25,7 @@ def series(results, group):
 
 
 def line_through(points):
-    """Slope and intercept of the least-squares line."""
+    """Returns slope and intercept of the least-squares line."""
     n = len(points)
     mean_x, mean_y = (sum(p[i] for p in points) / n for i in (0, 1))
     spread = sum((x - mean_x) ** 2 for x, _ in points)
@@ -90,7 +90,7 @@ def wakeup_table(results):
 
 
 def growth_table(results, group, columns):
-    """Columns: (heading, counter)."""
+    """Each column is (heading, counter)."""
     return table([group.replace("_", " ")] + [heading for heading, _ in columns],
                  [[count(x)] + [number(r[counter]) for _, counter in columns]
                   for x, r in series(results, group)])
@@ -116,7 +116,7 @@ def memory_table(results):
 
 
 def memory_slope(results):
-    # The first tenth still warms up.
+    # Skips the first tenth, in which the VM still warms up.
     points = [(x, r["resident_kb"]) for x, r in series(results, "memory")][1:]
     slope, _ = line_through(points)
     return f"Slope from the second tenth on: {slope * 1024:.3g} bytes for each request."
@@ -132,7 +132,7 @@ def ticks(top):
 
 
 def plot(path, title, x_label, y_label, lines):
-    """Draws lines: (name, [(x, y)], whether to draw the fitted line too)."""
+    """Draws lines. Each is (name, [(x, y)], whether to draw the fitted line too)."""
     top_x = max(x for _, points, _ in lines for x, _ in points) or 1
     top_y = 1.1 * max(y for _, points, _ in lines for _, y in points) or 1
 
@@ -233,7 +233,7 @@ def rewrite(page, made):
 
 
 def check_bars(results):
-    """Prints results above their limit. Nothing fails, because machines are noisy."""
+    """Prints results above their limit. They are no failure, because machines are noisy."""
     for name, r in sorted(results.items()):
         bar = {"request": 1.10, "wakeup": 1.20}.get(name.split("/")[0])
         if bar and r["ratio"] > bar:

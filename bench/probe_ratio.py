@@ -1,4 +1,4 @@
-"""Compares runs of all samples with the stand-in: without the probe, with it, and with recorded look-ups.
+"""Runs all samples with the stand-in and compares: without the probe, with it, and with recorded look-ups.
 
 probe_ratio.py ROOT RUNS. Prints medians and their ratios to a run without the probe; exits with 1 if a
 ratio is above 1.5.
@@ -18,10 +18,10 @@ PROCESS = re.compile(r"\bprocess ([0-9.]+) ms")
 
 
 def run(root, build, options):
-    """Returns the seconds of one run, and the seconds that the library had the requests."""
+    """Returns the seconds of one run, and the seconds spent in processImage."""
     samples = sorted((root / "samples").glob("*.json"))
     begin = time.monotonic()
-    # Without the probe there are no events to judge the requests by, so the status is ignored.
+    # The status is ignored: without the probe there are no events, so ./run can't give a verdict.
     output = subprocess.run([root / "run", "--wide", *options, *samples], env={**os.environ, "ORLU_BUILD": str(build)},
                             capture_output=True, text=True, check=False).stdout
     seconds = time.monotonic() - begin

@@ -1,5 +1,5 @@
 // Benchmark of requests through the service's Java class with and without the recorder, alternately. The
-// images are small, so this is a recording's cost without its pixels.
+// images are small, so the result is the cost of a recording without its pixels.
 
 #include <cstdlib>
 #include <filesystem>

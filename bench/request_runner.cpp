@@ -31,7 +31,7 @@ void noteAndCallBack(const AlgoProcessRecord& record) {
 }  // namespace
 
 RequestRunner::RequestRunner(Shot& shot) : mShot(shot) {
-  // The client's own look-ups are not part of the recorded request.
+  // The recorder must see the client's look-ups, which are not part of a request.
   JniRecording ignored;
   JniRecorder recorder(env(), ignored);
   mClient = RequestProcessor::create(env(), shot.firstComposition());
@@ -69,7 +69,7 @@ Seconds RequestRunner::replay() {
   return first + call(mSecond);
 }
 
-// The service's part between the two calls of a full-async request.
+// Does the service's work between the two calls of a full-async request.
 void RequestRunner::putAddress() {
   const NativeFrame frame;
   test::putKey(mShot.firstComposition(), "nativeRequestAddr",

@@ -1,4 +1,4 @@
-// Runs a shot through the library to its result, and can replay only its JNI calls.
+// Runs a shot through the library up to its result, and can replay the JNI calls alone.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace orlu::bench {
 
-// The local frame of one native call. Frees its references like the return to Java does.
+// The local frame of one native call. Frees its references, as the return to Java does.
 class NativeFrame {
 public:
   NativeFrame() { test::env()->PushLocalFrame(16); }
@@ -34,7 +34,7 @@ public:
   RequestRunner& operator=(const RequestRunner&) = delete;
   ~RequestRunner();
 
-  // Runs a request to its result.
+  // Runs a request up to its result.
   Seconds run();
 
   // Records the JNI calls of a request; replay() makes only these calls.
@@ -43,7 +43,7 @@ public:
 
   const ShotPlan& plan() const { return mShot.plan(); }
   const JniRecording& first() const { return mFirst; }
-  const JniRecording& second() const { return mSecond; }  // of a full-async request
+  const JniRecording& second() const { return mSecond; }  // the second call of a full-async request
   // Like replay(), and calls `handOver` where the request is submitted to the algorithms. Synchronous
   // requests only.
   template <typename HandOver>
@@ -55,7 +55,7 @@ public:
     mFirst.replay(test::env(), mHandedOver, mFirst.size());
     mReturned = Clock::now();
   }
-  // The end of the library's last call, or of its last replay.
+  // The time at which the library's last call, or its last replay, ended.
   Clock::time_point returned() const { return mReturned; }
 
   HeapUse heap();

@@ -9,7 +9,7 @@ namespace orlu::bench {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// Returns the median; 0 without values.
+// Returns the median; 0 if there are no values.
 double median(std::vector<double> values);
 
 // Returns a / b for each pair. Each pair was measured together, so that a disturbance of the machine affects

@@ -79,7 +79,7 @@ std::string typeName(const std::string& tag) {
   return test::stringOf(test::callObject(type, "name", "()Ljava/lang/String;"));
 }
 
-// Registers a tag that nobody reads, like a camera's private tags.
+// Registers a tag that the library never reads, like a camera's private tags.
 void registerUnread(const std::string& tag) {
   constexpr char kTable[] = "android/hardware/camera2/impl/TagTable";
   constexpr char kType[] = "android/hardware/camera2/impl/TagType";
@@ -134,7 +134,7 @@ void Shot::makeCompositions() {
   addService(mCompositions.front());
 }
 
-// Adds what the service puts into every request, with or without tags.
+// Adds the entries of the service, which are part of every request, with or without tags.
 void Shot::addService(jobject composition) {
   test::putKey(composition, "isFullAsync", test::javaInt(mPlan.isFullAsync ? 1 : 0));
   test::putKey(composition, "orlu.control.algoType", test::javaStrings(mPlan.algorithms));

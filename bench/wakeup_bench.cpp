@@ -1,5 +1,5 @@
 // Benchmark of the wake-up: from the start of the callback to the return of processImage(), relative to a
-// bare mutex and condition variable between the same two threads.
+// wake-up with only a mutex and a condition variable between the same two threads.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
@@ -52,7 +52,7 @@ double sinceAnswer(const Worker& worker, const RequestRunner& runner) {
   return Seconds(runner.returned() - worker.answered()).count();
 }
 
-// Measures both alternately.
+// Measures request and floor alternately.
 template <typename Request, typename Floor>
 void compare(benchmark::State& state, Request&& request, Floor&& floor, int warmUp) {
   for (int i = 0; i < warmUp; ++i) request(), floor();

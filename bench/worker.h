@@ -1,4 +1,4 @@
-// A thread that answers after the caller has fallen asleep, as an algorithm library's does.
+// A thread that answers after the caller has fallen asleep, as an algorithm library's thread does.
 #pragma once
 
 #include <condition_variable>
@@ -20,7 +20,7 @@ public:
   // Returns at once; `answer` is called on the worker's thread.
   void post(std::function<void()> answer);
 
-  // The start of the last answer. Read it only after that answer has finished.
+  // The time at which the last answer started. Read it only after that answer has finished.
   Clock::time_point answered() const { return mAnswered; }
 
 private:

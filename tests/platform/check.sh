@@ -1,11 +1,11 @@
 #!/bin/bash
-# Compares the files for a phone with the platform's headers and classes, as far as Debian and npm have them.
+# Compares the phone's sources with the platform's headers and classes, as far as Debian and npm have them.
 #   tests/platform/check.sh            all parts
 #   tests/platform/check.sh java       only these parts
 # Parts:
 #   sources    jni/, the probe, the kit, the recorder's library and the minimal library compile with the
 #              platform's headers
-#   symbols    the platform has all symbols that they need
+#   symbols    the platform has all symbols that these sources need
 #   agreement  our headers agree with the platform's
 #   failure    differences are detected
 #   java       the platform has our stand-in classes and the members that jni/ looks up
@@ -23,15 +23,16 @@ readonly api_level=30
 readonly ours=(
   android/hardware_buffer.h hidl/HidlSupport.h orlu/camera3rd_log.h vndk/hardware_buffer.h
 )
-# Headers that both have.
+# Headers that both the platform and host/ have.
 readonly both=(
   android/hardware_buffer_jni.h android/log.h android/sharedmem.h android/sharedmem_jni.h
   cutils/native_handle.h cutils/properties.h
 )
 readonly types_package=@nativescript/types-android@9.1.1
 
-# call_compiler ARGUMENTS FLAG...: runs the compiler with this number of arguments from standard input at a
-# time, the device's settings, Android's headers, and Debian's C library. The device's C library lacks bcmp().
+# call_compiler ARGUMENTS FLAG...: runs the compiler with the device's settings, Android's headers and
+# Debian's C library, once for every ARGUMENTS arguments from standard input. The device's C library lacks
+# bcmp().
 call_compiler() {
   xargs -0 -P "$(nproc)" -n "$1" clang++ "${@:2}" \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
@@ -47,7 +48,7 @@ call_compiler() {
 # read_sources FILE...
 read_sources() { printf '%s\0' "$@" | call_compiler 4 -fsyntax-only; }
 
-# compile_sources FOLDER FILE...: compiles each file to an object in the folder, which is cleared first.
+# compile_sources FOLDER FILE...: clears the folder and compiles each file to an object in it.
 compile_sources() {
   local folder=$1 source
   rm -rf "$folder"
@@ -66,7 +67,7 @@ check_sources() {
   echo "$((${#sources[@]} + 1)) sources compile with the platform's headers"
 }
 
-# Uses the objects of the part sources.
+# Uses the objects that the part "sources" compiled.
 check_symbols() {
   [ -d "$scratch/objects" ] || check_sources
   find_symbols "$scratch"/objects/*.o

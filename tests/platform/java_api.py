@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Compares our stand-ins for Java classes, and what jni/ looks up, with a listing of the platform.
+"""Compares our stand-ins for Java classes, and the lookups of jni/, with a listing of the platform.
 
 java_api.py [--level N] [--javap JAVAP] [--classes DIR] [--exceptions FILE] LISTING JNI_FOLDER
 
-LISTING declares every public class of the platform in TypeScript, each member with "@since LEVEL" when it
-came after the oldest level. A member is found when the platform has it, or inherits it, with the same
-arguments at LEVEL. FILE names what the platform does not list and why: "NAME  reason" in each line, NAME as it is reported.
+LISTING declares every public class of the platform in TypeScript; "@since LEVEL" precedes each member that
+is newer than the oldest level. A member is found if its class has or inherits a member with the same
+arguments at level N. FILE lists the classes and members that LISTING lacks, with reasons: "NAME  reason" in
+each line, where NAME is written as in the reports.
 """
 
 import argparse
@@ -42,7 +43,7 @@ def split_top(text):
 
 
 def bare(name):
-    """A name without type arguments, however nested."""
+    """Returns a name without its type arguments, which may be nested."""
     while re.search(r"<[^<>]*>", name):
         name = re.sub(r"<[^<>]*>", "", name)
     return name.strip()
@@ -59,7 +60,7 @@ def listed_type(text):
 
 
 def type_of(java):
-    """The listing's name of a Java type."""
+    """Returns the listing's name of a Java type."""
     if java.endswith("[]"):
         return type_of(java[:-2]) + "[]"
     java = bare(java).replace("$", ".")
@@ -75,7 +76,7 @@ def same_type(ours, listed):
 
 
 def read_listing(path):
-    """All classes by name."""
+    """Returns all classes by name."""
     classes, scope, since = {}, [], 0
     opened = re.compile(r"(?:declare module|export module) ([\w.]+) \{")
     declared = re.compile(r"export (?:abstract )?(?:class|interface) (\w+)(<.*?>)?\s*(?:extends (.*?))?"
@@ -100,7 +101,7 @@ def read_listing(path):
             elif line == "}":
                 scope.pop()
             elif line.endswith("{"):
-                scope.append("")  # a literal with an interface's methods
+                scope.append("")  # an object literal with the methods of an interface
             elif line.startswith("}"):
                 scope.pop()
             elif entry and scope and scope[-1]:
@@ -122,7 +123,7 @@ class Platform:
         self.classes, self.level = read_listing(listing), level
 
     def problem(self, class_name, member=None):
-        """Describes the mistake in a class or member; None if the platform has it."""
+        """Returns how a class or member differs from the platform; None if the platform has it."""
         name = class_name.replace("$", ".")
         clazz = self.classes.get(name)
         if clazz is None:
@@ -165,7 +166,7 @@ class Platform:
 
 
 def read_javap(text):
-    """(class, member or None) for each public class and member printed by javap."""
+    """Yields (class, member or None) for each public class and member printed by javap."""
     clazz = None
     for line in text.splitlines():
         header = re.match(r"public .*?(?:class|interface) ([\w.$]+)", line)
@@ -187,7 +188,7 @@ def read_javap(text):
 
 
 def read_descriptor(text):
-    """The Java types of a descriptor, in order."""
+    """Returns the Java types of a descriptor, in order."""
     types = []
     for array, code, name in re.findall(r"(\[*)(?:([BSIJFDZCV])|L([^;]+);)", text):
         types.append((DESCRIPTORS[code] if code else name.replace("/", ".")) + "[]" * len(array))
@@ -199,10 +200,10 @@ def field_of(name, signature):
 
 
 def read_lookups(folder):
-    """(file:line, class, member or None) for each lookup of the platform in jni/."""
+    """Yields (file:line, class, member or None) for each lookup of the platform in jni/."""
     row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
                      r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
-    # What names a Java type. Those of our own service's method stand in constants.
+    # A descriptor or class name outside a row; skips constants, which describe our own service's method.
     named = re.compile(r'(?<!\[\] = )"(?:\([^"()]*\)[\w\[/$;]+|\[*L?(?:android|java)/[\w/$]+;?)"')
     for path in sorted(path for kind in ("cpp", "h", "inc") for path in pathlib.Path(folder).glob(f"*.{kind}")):
         text, clazz = path.read_text(encoding="utf-8"), None

@@ -1,7 +1,7 @@
 #!/bin/bash
-# Moves the folder of ./run sdk elsewhere and the builds away, then builds and checks the minimal library
-# there, without this tree: on this machine and, with clang and libc++, on ARM. Each check is also run with a
-# fault.
+# Moves the folder that ./run sdk creates, hides this tree's builds, and then builds and checks the minimal
+# library in the moved folder: on this machine and, with clang and libc++, on ARM. Each check is also run with
+# a planted fault.
 #   sdk_test.sh
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -26,7 +26,7 @@ cd "$work/taken hüme"
 if grep -rlF "$root" .; then die "the files above name this tree"; fi
 JAVA_HOME=$(debian_java_home "")
 export JAVA_HOME
-# Only what an algorithm maker has.
+# An algorithm maker does not have these.
 unset LD_LIBRARY_PATH ORLU_BUILD
 
 # checks COMMAND...: runs the kit as fast as possible.
@@ -66,7 +66,7 @@ arm_library=$work/arm/liborlu.vac.interface.so
 mkdir "$work/arm"
 mapfile -t flags < <(PKG_CONFIG_PATH=$PWD/lib/pkgconfig pkg-config --cflags orlu-algo | xargs -n 1)
 jni=(-isystem "$JAVA_HOME/include" -isystem "$JAVA_HOME/include/linux")
-# Compiles with many warnings, as a maker may.
+# Compiles with many warnings, as an algorithm maker may.
 for compiler in g++ clang++; do
   for standard in 17 20; do
     "$compiler" "${flags[@]}" "${jni[@]}" "-std=c++$standard" -fsyntax-only \

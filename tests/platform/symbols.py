@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks that the platform's libraries have each undefined symbol of the files for a phone.
+"""Checks that the platform's libraries define each undefined symbol of the objects for a phone.
 
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
 OBJECT  code for a phone, compiled but not linked
-FOLDER  headers of the platform, which has all functions that they declare
+FOLDER  headers of the platform, which defines all functions that they declare
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
 --others   additional symbols, each with its library
@@ -21,7 +21,7 @@ BROUGHT_ALONG = re.compile(r"__aeabi_|__emutls_|_Unwind_|_GLOBAL_OFFSET_TABLE_$|
 
 
 def symbols(nm, files, *flags):
-    """The names listed by nm, without versions."""
+    """Returns the names that nm lists, without versions."""
     if not files:
         return set()
     listed = subprocess.run([nm, "-P", *flags, *files], capture_output=True, text=True, check=True).stdout

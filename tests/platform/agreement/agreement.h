@@ -7,7 +7,7 @@
 
 namespace agreement {
 
-// The type with our record replaced by the platform's record of the same name (RECORD).
+// The type in which our record is replaced by the platform's record of the same name (RECORD).
 template <typename T>
 struct Platform {
   using Type = T;
@@ -33,7 +33,8 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// At global scope. For records that are opaque, or asserted field by field where OPAQUE is used.
+// Use at global scope, for records that are opaque, or whose fields are asserted one by one where OPAQUE is
+// used.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

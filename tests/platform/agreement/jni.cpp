@@ -1,4 +1,5 @@
-// Android's jni.h and the JDK's, which builds and tests use here. Slots are the functions of the VM's tables.
+// Compares Android's jni.h with the JDK's, which builds and tests use here. A slot is a function pointer in
+// one of the VM's tables.
 #include "ours/jni.h"
 
 namespace ours {
@@ -71,7 +72,8 @@ FIELD(JavaVMAttachArgs, group);
 VM_SLOT(DestroyJavaVM);
 VM_SLOT(DetachCurrentThread);
 VM_SLOT(GetEnv);
-// These two differ: void** in the JDK, JNIEnv** in Android. attachThread() in jni/jni_support.h accepts both.
+// These two functions differ: they take void** in the JDK and JNIEnv** in Android. attachThread() in
+// jni/jni_support.h accepts both.
 VM_OFFSET(AttachCurrentThread);
 VM_OFFSET(AttachCurrentThreadAsDaemon);
 FUNCTION(JNI_GetCreatedJavaVMs);

@@ -1,5 +1,5 @@
-// Shared memory, and the part of hardware buffers that Debian has headers for: the bridge from Java, and the
-// pixel formats with the names of the graphics interface.
+// Compares shared memory, and the part of hardware buffers that Debian has headers for: the bridge from Java,
+// and the pixel formats, which have the names of the graphics interface there.
 #include <android/hardware_buffer_jni.h>
 #include <android/sharedmem_jni.h>
 #include <system/graphics-base-v1.0.h>

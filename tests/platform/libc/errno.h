@@ -1,4 +1,4 @@
-// Extends this machine's <errno.h> by the variable's name in Android's C library.
+// Extends this machine's <errno.h> by the name that Android's C library uses for the variable.
 #pragma once
 #include_next <errno.h>
 extern "C" int* __errno(void);

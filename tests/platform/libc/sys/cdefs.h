@@ -1,4 +1,4 @@
-// Extends this machine's <sys/cdefs.h> by macros of Android's that the platform's headers use.
+// Extends this machine's <sys/cdefs.h> by Android's macros that the platform's headers use.
 #pragma once
 #include_next <sys/cdefs.h>
 #define __INTRODUCED_IN(level)
