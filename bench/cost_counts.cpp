@@ -16,11 +16,11 @@ namespace orlu::bench {
 namespace {
 
 constexpr char kHeader[] =
-    "# What a request costs, in counts: allocations and their bytes on the C++ heap, JNI calls by function, "
-    "the most\n"
-    "# local references alive at once, lines of the log while all are asked for. A full-async request is "
-    "both of its\n"
-    "# calls. docs/cost.md has the same figures beside times.\n";
+    "# The cost of a request, in counts: allocations and their bytes on the C++ heap, JNI calls by function, "
+    "the\n"
+    "# largest number of local references at one time, and lines of the log at full verbosity. The counts of "
+    "a\n"
+    "# full-async request include both of its calls. docs/cost.md has the same counts, and times.\n";
 
 constexpr struct {
   const char* name;

@@ -23,7 +23,7 @@ int64_t numberOf(const char* text) {
   const char* const end = text + std::strlen(text);
   const auto [read, error] = std::from_chars(text, end, number);
   if (error == std::errc() && read == end && number >= 0) return number;
-  std::fprintf(stderr, "request_bench: --memory needs a number that is not negative, found \"%s\"\n", text);
+  std::fprintf(stderr, "request_bench: --memory: expected a non-negative number, found \"%s\"\n", text);
   std::exit(2);
 }
 

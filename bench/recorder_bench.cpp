@@ -16,7 +16,7 @@ namespace {
 void recorderBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
   Shot shot(plan);
   std::string folder = std::filesystem::temp_directory_path() / "recorder_bench_XXXXXX";
-  if (mkdtemp(folder.data()) == nullptr) return state.SkipWithError("no folder can be made");
+  if (mkdtemp(folder.data()) == nullptr) return state.SkipWithError("can't create a temporary folder");
   const jobject service = test::newService();
   const jlong client = test::newServiceClient(service, shot.firstComposition());
   const jobject recorder = test::newRecorder(folder, 1, int64_t{1} << 30);

@@ -33,9 +33,9 @@ struct WantedValue {
 // Thrown by operations that the script lists as throwing.
 struct ScriptedException {};
 
-// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: on the right thread
-// during the operation; on another thread during the operation; or after the operation, on the thread that
-// destroys the block.
+// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: during the
+// operation on its own thread; during the operation on another thread; or after the operation, on the thread
+// that destroys the block.
 enum class VisitorUse { kHere, kOtherThread, kLater };
 
 // How the library deviates from its usual behaviour. The default is no deviation.
@@ -47,17 +47,17 @@ struct AlgoScript {
   bool callBackBeforeReturn = false;   // on the caller's thread, inside process()
   bool attachThread = true;            // attach the callback thread to the Java VM
   std::chrono::milliseconds delay{0};  // from process() to the (first) callback
-  std::chrono::milliseconds jitter{
-      0};               // at most so much is added to the delay, another time for each request
-  bool inOrder = true;  // false: a callback doesn't wait for those of earlier requests
-  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller recognises its
-  // request.
+  // The largest addition to the delay; the addition varies from request to request.
+  std::chrono::milliseconds jitter{0};
+  bool inOrder = true;  // false: a callback doesn't wait for the callbacks of earlier requests
+  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller can identify
+  // its request.
   bool echoFlag = false;
   std::set<std::string> throwing;  // operations that throw; may include "AlgoInterfaceEntry"
-  // Operations that leave a Java exception pending on their thread; "callback": before the callback.
+  // Operations that leave a Java exception pending on their thread; "callback" leaves it before the callback.
   std::set<std::string> leaving;
-  bool finishInDestroyClient =
-      false;                    // destroyClient waits for its requests' callbacks instead of dropping them
+  // destroyClient waits for the callbacks of its requests instead of dropping them.
+  bool finishInDestroyClient = false;
   std::function<void()> entry;  // called in AlgoInterfaceEntry, before it fills the table
   VisitorUse visitorUse = VisitorUse::kHere;
   std::function<void(int)> visited;  // called with what each visitor returned
@@ -86,8 +86,8 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Copies the script, for every operation that starts from now on; null restores the usual behaviour.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// Sets a script for operations that are called on this thread; it replaces the common one there. Null removes
-// it.
+// Sets a script for operations that are called on this thread. It takes precedence over the common script;
+// null removes it.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
 // Counts the objects that the library holds.
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);

@@ -75,7 +75,7 @@ bool DngFile::findImage(int openStatus) {
   const auto end = tiff_ifd + std::min(images, unsigned{LIBRAW_IFD_MAXCOUNT});
   const auto isRaw = [](const tiff_ifd_t& ifd) { return ifd.phint == kColorFilterArray; };
   mImage = std::find_if(tiff_ifd, end, isRaw);
-  if (mImage == end) return fail("no raw image in it: no PhotometricInterpretation is 32803");
+  if (mImage == end) return fail("contains no raw image: no PhotometricInterpretation is 32803");
   if (!inRange("ImageWidth", mImage->t_width, kLeastSide, kLargestSide)) return false;
   if (!inRange("ImageLength", mImage->t_height, kLeastSide, kLargestSide)) return false;
   if (openStatus == LIBRAW_SUCCESS) return true;
@@ -90,7 +90,7 @@ bool DngFile::checkImage() {
   }
   if (imgdata.idata.filters < kLeastBayer) {
     return fail(imgdata.idata.filters == LIBRAW_XTRANS
-                    ? "CFAPattern: expected a Bayer mosaic, found one of 6x6"
+                    ? "CFAPattern: expected a Bayer mosaic, found a 6x6 mosaic"
                     : "CFAPattern: expected a Bayer mosaic, found none");
   }
   // LibRaw selects one of several images by its own rules.
@@ -98,7 +98,7 @@ bool DngFile::checkImage() {
       libraw_internal_data.unpacker_data.data_offset == mImage->offset) {
     return true;
   }
-  return fail("the first raw image in it is not the one to develop");
+  return fail("LibRaw does not select its first raw image");
 }
 
 bool DngFile::listBlocks() {

@@ -25,9 +25,9 @@ void withFile(JNIEnv* env, jbyteArray path, Use use) {
     if (file->problem().empty()) use(*file);
     if (!file->problem().empty()) orlu::host::throwNew(env, kIoException, file->problem().c_str());
   } catch (const std::bad_alloc&) {
-    orlu::host::throwNew(env, kIoException, "there is no memory for it");
+    orlu::host::throwNew(env, kIoException, "not enough memory to read it");
   } catch (...) {
-    orlu::host::throwNew(env, kIoException, "damaged: its decoder gave up");
+    orlu::host::throwNew(env, kIoException, "damaged: the decoder failed");
   }
 }
 

@@ -103,12 +103,12 @@ uint64_t memorySize(int fd) {
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path) {
   WrittenPixels pixels;
   const uint64_t memory = memorySize(fd);
-  if (memory == 0) return {0, 0, fd < 0 ? "no descriptor" : "no memory behind the descriptor"};
-  if (size <= 0) return {0, 0, "a size of " + std::to_string(size)};
+  if (memory == 0) return {0, 0, fd < 0 ? "no descriptor" : "the descriptor has no memory"};
+  if (size <= 0) return {0, 0, "the size is " + std::to_string(size)};
   pixels.size = std::min(memory, static_cast<uint64_t>(size));
   if (pixels.size > mostBytes) return {0, 0, "more bytes than ORLU_PIXELS_BYTES allows"};
   const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-  if (file < 0) return {0, 0, "can't make " + path + ": " + errorText()};
+  if (file < 0) return {0, 0, "can't create " + path + ": " + errorText()};
   synchronise(fd, DMA_BUF_SYNC_START);
   pixels.problem = copyMemory(fd, pixels.size, file);
   synchronise(fd, DMA_BUF_SYNC_END);

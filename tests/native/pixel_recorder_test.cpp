@@ -71,12 +71,12 @@ TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
       {"less than is said",   nine,       4096000, 100,       kNine, ""                                    },
       {"large",               big,        1 << 30, 1U << 30U, large, ""                                    },
       {"more than is wanted", big,        1 << 30, 100,       "",    "more bytes than ORLU_PIXELS_BYTES"   },
-      {"no size",             nine,       0,       100,       "",    "a size of 0"                         },
-      {"a negative size",     nine,       -9,      100,       "",    "a size of -9"                        },
+      {"no size",             nine,       0,       100,       "",    "the size is 0"                       },
+      {"a negative size",     nine,       -9,      100,       "",    "the size is -9"                      },
       {"no descriptor",       -1,         9,       100,       "",    "no descriptor"                       },
-      {"a closed one",        closed,     9,       100,       "",    "no memory behind"                    },
-      {"no memory",           empty,      9,       100,       "",    "no memory behind"                    },
-      {"no file at all",      event,      9,       100,       "",    "no memory behind"                    },
+      {"a closed one",        closed,     9,       100,       "",    "the descriptor has no memory"        },
+      {"no memory",           empty,      9,       100,       "",    "the descriptor has no memory"        },
+      {"no file at all",      event,      9,       100,       "",    "the descriptor has no memory"        },
       {"not to be read",      unreadable, 9,       1U << 30U, "",    "can't be mapped: Bad file descriptor"},
   };
   for (const auto& c : cases) {
@@ -93,7 +93,7 @@ TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
   unlink(path.c_str());
   EXPECT_EQ(writePixels(nine, 9, 9, path).crc, kNineCrc);
   // Existing files are not overwritten.
-  EXPECT_EQ(writePixels(nine, 9, 9, path).problem.rfind("can't make " + path, 0), 0U);
+  EXPECT_EQ(writePixels(nine, 9, 9, path).problem.rfind("can't create " + path, 0), 0U);
   unlink(path.c_str());
   for (const int fd : {nine, big, empty, event, unreadable}) close(fd);
 }

@@ -92,7 +92,7 @@ check_agreement() {
   sed 's/^extern "C" {/namespace ours {/' "$JAVA_HOME/include/jni.h" >"$scratch/agreement/ours/jni.h"
   sed -n '/^struct JNINativeInterface {/,/^};/p' /usr/include/android/nativehelper/jni.h |
     grep -oE '\(\*[A-Za-z]+\)\(' | sed 's/(\*\(.*\))(/ENV_SLOT(\1);/' >"$scratch/agreement/jni_slots.inc"
-  (($(wc -l <"$scratch/agreement/jni_slots.inc") > 200)) || die "the platform's jni.h is not read any more"
+  (($(wc -l <"$scratch/agreement/jni_slots.inc") > 200)) || die "can't read the platform's jni.h"
   mapfile -t sources < <(git ls-files 'tests/platform/agreement/*.cpp')
   read_agreement "${sources[@]}"
   echo "${#both[@]} headers and jni.h agree with the platform's"
@@ -106,7 +106,7 @@ read_agreement() {
 must_fail() {
   local text=$1 said
   shift
-  if said=$("$@" 2>&1); then die "not noticed: $text"; fi
+  if said=$("$@" 2>&1); then die "not detected: $text"; fi
   grep -qF -- "$text" <<<"$said" || die "failed without \"$text\": $said"
 }
 
@@ -130,7 +130,7 @@ check_failure() {
   compile_sources "$copy/objects" "$copy/of_this_machine.cpp"
   must_fail "gnu_get_libc_version is in no library of the platform" find_symbols "$copy"/objects/*.o
   tests/platform/java_api_test.py
-  echo "all planted faults are found"
+  echo "all planted faults are detected"
 }
 
 # Downloads the listing of the platform's classes once, from npm, at a fixed version.

@@ -280,12 +280,12 @@ def main():
             print(f"{place}: error: {name}: {problem}", file=sys.stderr)
     for name in sorted(set(reasons) - excepted):
         failures += 1
-        print(f"{options.exceptions}: error: {name}: the platform lists it, or nothing asks for it",
+        print(f"{options.exceptions}: error: {name}: remove it: the platform lists it, or nothing uses it",
               file=sys.stderr)
     if failures:
         sys.exit(1)
-    print(f"{lookups} lookups of jni/ and {len(asked) - lookups} of our classes and members are the platform's, "
-          f"but for {len(excepted)} known ones")
+    print(f"{lookups} lookups of jni/ and {len(asked) - lookups} of our classes and members agree with the "
+          f"platform, except {len(excepted)} listed exceptions")
 
 
 if __name__ == "__main__":

@@ -15,15 +15,15 @@ restore() {
 }
 trap restore EXIT
 DESTDIR=$work/elsewhere "$root/scripts/sdk.sh" "$work/made"
-[ ! -e "$work/elsewhere" ] || die "DESTDIR moves the folder"
+[ ! -e "$work/elsewhere" ] || die "DESTDIR changes the folder's place"
 touch "$work/file"
-if "$root/scripts/sdk.sh" "$work/file/in it" 2>"$work/report"; then die "a folder in a file is made"; fi
+if "$root/scripts/sdk.sh" "$work/file/in it" 2>"$work/report"; then die "a folder in a file is accepted"; fi
 grep -qF "file/in it: can't create or write to it" "$work/report" || { cat "$work/report"; exit 1; }
 prepare_arm
 mv "$root/build" "$root/build.away"
 mv "$work/made" "$work/taken hüme"
 cd "$work/taken hüme"
-if grep -rlF "$root" .; then die "the files above name this tree"; fi
+if grep -rlF "$root" .; then die "the files above contain the path of this tree"; fi
 JAVA_HOME=$(debian_java_home "")
 export JAVA_HOME
 # An algorithm maker does not have these.
@@ -36,7 +36,7 @@ checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
 fails() {
   local text=$1
   shift
-  if "$@" >"$work/report" 2>&1; then die "the kit passes a library without: $text"; fi
+  if "$@" >"$work/report" 2>&1; then die "passed, but expected to fail with: $text"; fi
   grep -qE -- "$text" "$work/report" || { cat "$work/report"; die "not found: $text"; }
 }
 
@@ -85,7 +85,7 @@ build_for_arm example/minimal_algo.cpp
 checks arm_kit "$arm_library" --patience 60 --budget 600 || { cat "$work/report"; exit 1; }
 tail -1 "$work/report"
 
-echo "== Broken"
+echo "== Planted faults"
 change 's/^  callBack(request.cookie, /  if (request.nativeReq == 0) callBack(request.cookie, /' example/minimal_algo.cpp
 cmake --build "$work/host" >"$work/log"
 fails '^failed *callbacks' kit/x86_64/conform --only callbacks --patience 1 "$library"

@@ -55,14 +55,14 @@ def main():
     for name in missing:
         users = [file.name for file in options.objects
                  if name in symbols(options.nm, [file], "--undefined-only")]
-        print(f"{users[0]}: error: {name} is in no library of the platform; expected a symbol of its headers, "
-              f"of the listing of its C library or of {options.others}")
+        print(f"{users[0]}: error: {name} is in no library of the platform; expected it in its headers, "
+              f"in the listing of its C library or in {options.others}")
     unused = words(r"(?m)^(\w+) ", [options.others]) - wanted
     for name in sorted(unused):
-        print(f"{options.others}: error: {name} is used by nothing that goes to a phone")
+        print(f"{options.others}: error: remove {name}: no object for a phone uses it")
     if missing or unused:
         sys.exit(1)
-    print(f"{len(wanted)} undefined symbols are offered by the platform's libraries")
+    print(f"{len(wanted)} undefined symbols are in the platform's libraries")
 
 
 if __name__ == "__main__":

@@ -77,7 +77,7 @@ public final class HardwareBuffer implements AutoCloseable {
 
     private static HardwareBuffer checked(long nativeObject) {
         if (nativeObject == 0) {
-            throw new IllegalArgumentException("The hardware buffer can't be made");
+            throw new IllegalArgumentException("The hardware buffer can't be created");
         }
         return new HardwareBuffer(nativeObject);
     }

@@ -49,7 +49,7 @@ public final class SharedMemory implements AutoCloseable {
     /** Ends a mapping; pass the same buffer that the map method returned, and do not use it afterwards. */
     public static void unmap(ByteBuffer mapping) {
         if (!mapping.isDirect()) {
-            throw new IllegalArgumentException("The buffer is no mapping");
+            throw new IllegalArgumentException("The buffer is not a mapping");
         }
         nUnmap(mapping);
     }

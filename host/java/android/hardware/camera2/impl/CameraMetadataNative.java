@@ -47,8 +47,9 @@ public final class CameraMetadataNative implements Parcelable {
         }
         Object stored = TagConversion.convert(value, type.stored());
         if (stored == null) {
-            throw new IllegalArgumentException("Tag " + tag + " holds " + type + ", not "
-                    + value.getClass().getSimpleName() + (value instanceof Object[] ? ", and no nulls" : ""));
+            throw new IllegalArgumentException("Tag " + tag + ": expected " + type
+                    + (value instanceof Object[] ? " without null elements" : "") + ", found "
+                    + value.getClass().getSimpleName());
         }
         mValues.put(tag, stored);
     }
@@ -71,8 +72,8 @@ public final class CameraMetadataNative implements Parcelable {
         }
         Object converted = TagConversion.convert(value, type);
         if (converted == null) {
-            throw new IllegalArgumentException("Tag " + tag + " holds " + held + ", asked for as "
-                    + type.getSimpleName());
+            throw new IllegalArgumentException("Tag " + tag + ": a value of type " + held
+                    + " can't be read as " + type.getSimpleName());
         }
         return type.cast(converted);
     }

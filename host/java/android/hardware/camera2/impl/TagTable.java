@@ -42,7 +42,7 @@ public final class TagTable {
     private static void put(Map<String, TagType> tags, String tag, TagType type) {
         TagType known = tags.putIfAbsent(tag, type);
         if (known != null && known != type) {
-            throw new IllegalArgumentException("Tag " + tag + " is known as " + known + ", not " + type);
+            throw new IllegalArgumentException("Tag " + tag + " already has type " + known + ", not " + type);
         }
     }
 
