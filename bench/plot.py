@@ -102,12 +102,12 @@ def frames_table(results):
              shared[x]["request_us"], shared[x]["descriptors_us"], f"{shared[x]['ratio_descriptors']:.2f}"]
             for x, r in series(results, "frames")]
     return table(["frames", "µs", "floor, µs", "JNI calls", "allocations", "in shared memory, µs",
-                  "of it descriptors, µs", "ratio to floor and descriptors"], rows)
+                  "descriptors alone, µs", "ratio to floor and descriptors"], rows)
 
 
 def slope_text(results, group, counter, unit, what):
     slope, base = line_through([(x, r[counter]) for x, r in series(results, group)])
-    return f"Slope: {slope:.3g} {unit} for each {what}, {base:.3g} {unit} without any."
+    return f"Fitted line: {base:.3g} {unit} plus {slope:.3g} {unit} per {what}."
 
 
 def memory_table(results):
@@ -119,7 +119,7 @@ def memory_slope(results):
     # Skips the first tenth, in which the VM still warms up.
     points = [(x, r["resident_kb"]) for x, r in series(results, "memory")][1:]
     slope, _ = line_through(points)
-    return f"Slope from the second tenth on: {slope * 1024:.3g} bytes for each request."
+    return f"Slope from the second tenth on: {slope * 1024:.3g} bytes per request."
 
 
 # ---- Plots
@@ -180,17 +180,17 @@ def write_plots(results, folder):
     def path(name):
         return os.path.join(folder, f"cost_{name}.svg")
 
-    plot(path("frames"), "Time of a request by its frames", "frames", "µs",
+    plot(path("frames"), "Time per request by number of frames", "frames", "µs",
          [("hardware buffers", points_of(results, "frames", "request_us"), True),
-          ("their floor", points_of(results, "frames", "floor_us"), False),
+          ("hardware buffers: floor", points_of(results, "frames", "floor_us"), False),
           ("shared memory", points_of(results, "shared_frames", "request_us"), True)])
-    plot(path("tags"), "A one-frame request by its tags", "tags in the capture result", "µs",
+    plot(path("tags"), "Time of a one-frame request by number of tags", "tags in the capture result", "µs",
          [("request", points_of(results, "tags", "request_us"), True),
           ("floor", points_of(results, "tags", "floor_us"), False)])
-    plot(path("in_flight"), "Time of a request by the requests in flight", "requests in flight", "µs",
+    plot(path("in_flight"), "Time per request by requests in flight", "requests in flight", "µs",
          [("request", points_of(results, "in_flight", "request_us"), True),
-          ("of it the map", points_of(results, "in_flight", "map_us"), True)])
-    plot(path("clients"), "Clients on two cores", "clients", "requests in a second",
+          ("map operations alone", points_of(results, "in_flight", "map_us"), True)])
+    plot(path("clients"), "Clients on two cores", "clients", "requests per second",
          [("all clients together", points_of(results, "clients", "requests_per_s"), False)])
     if series(results, "memory"):
         plot(path("memory"), "Resident size", "requests", "KiB",
@@ -205,15 +205,15 @@ def blocks(results):
         "functions": function_table(results),
         "wakeup": wakeup_table(results),
         "frames": frames_table(results) + "\n\n" + slope_text(results, "frames", "request_us", "µs", "frame")
-        + " " + slope_text(results, "frames", "jni", "calls", "frame"),
+        + " " + slope_text(results, "frames", "jni", "JNI calls", "frame"),
         "tags": growth_table(results, "tags", [("µs", "request_us"), ("floor, µs", "floor_us"),
                                                ("JNI calls", "jni")])
         + "\n\n" + slope_text(results, "tags", "request_us", "µs", "tag"),
-        "in_flight": growth_table(results, "in_flight", [("µs", "request_us"), ("of it the map, µs", "map_us")])
+        "in_flight": growth_table(results, "in_flight", [("µs", "request_us"), ("map operations alone, µs", "map_us")])
         + "\n\n" + slope_text(results, "in_flight", "map_us", "µs", "request in flight"),
-        "clients": growth_table(results, "clients", [("µs for a request, median", "request_us"),
-                                                     ("requests in a second, all", "requests_per_s")])
-        + "\n\n" + slope_text(results, "clients", "requests_per_s", "requests in a second", "client"),
+        "clients": growth_table(results, "clients", [("µs per request, median", "request_us"),
+                                                     ("requests per second, all clients", "requests_per_s")])
+        + "\n\n" + slope_text(results, "clients", "requests_per_s", "requests per second", "client"),
     }
     if series(results, "memory"):
         made["memory"] = memory_table(results) + "\n\n" + memory_slope(results)
@@ -227,7 +227,7 @@ def rewrite(page, made):
         pattern = re.compile(rf"(<!-- {name} -->\n).*?(<!-- end -->)", re.DOTALL)
         text, replaced = pattern.subn(lambda match: match[1] + block + "\n" + match[2], text)
         if replaced != 1:
-            sys.exit(f"{page} has no place for {name}")
+            sys.exit(f"{page} has no block named {name}")
     with open(page, "w") as file:
         file.write(text)
 
