@@ -123,8 +123,7 @@ struct RecorderFunctions {
     ++recorder.mRecording.mCounts[name];
   }
 
-  // Assigns a slot to the result. Objects are local references, except those of the one function that creates
-  // global references.
+  // Assigns a slot to the result. A returned object is a local reference, except the result of NewGlobalRef.
   template <typename Result>
   static void noteResult(JniRecorder& recorder, RecordedCall& call, Result result, bool isLocal) {
     call.result = kNullSlot;

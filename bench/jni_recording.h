@@ -44,7 +44,7 @@ struct RecordedCall {
   void (*repeat)(JNIEnv* env, void** slots, const RecordedCall& call);
   RecordedValue arguments[kMaxArguments];
   uint32_t result;  // the slot of the result
-  Shape shape;      // the called Java method's
+  Shape shape;      // of the Java method that is called
 };
 
 class JniRecording {

@@ -39,7 +39,7 @@ struct ImageView {
 };
 
 // Lays out a frame's planes in `capacity` bytes of memory. Returns false if a size is not positive, is
-// absurd, or does not fit. Never accesses the memory.
+// too large, or does not fit. Never accesses the memory.
 bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageView& view);
 
 // Copies the pixels if the shapes match and opaque images fit; returns false otherwise.
