@@ -14,7 +14,7 @@ import java.util.List;
  * @param call  "process" or "callback"
  * @param kind  "input" or "output"
  * @param text  whether its bytes equal Java's: an input's before the request, an output's after it
- * @param match the same in one word
+ * @param match the result of the same comparison
  */
 public record HandedImage(String call, String kind, int index, String text, Match match) {
     public enum Match { SAME, DIFFERENT, UNKNOWN }

@@ -11,7 +11,7 @@ import java.util.List;
  * @param height   of the frames; 0 for the photo's height less the margins
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
-    /** Whether the pixels differ from the photo's, so that noise can be measured. */
+    /** Whether noise is added to any frame. */
     public boolean hasNoise() {
         return frames.stream().anyMatch(frame -> frame.noise() > 0);
     }

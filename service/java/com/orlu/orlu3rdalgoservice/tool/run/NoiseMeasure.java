@@ -21,8 +21,8 @@ import java.util.List;
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
-     * Measures each output that shows the base frame's part of the photo. Without noise, only if similarity
-     * is wanted.
+     * Measures each output that shows the base frame's part of the photo. If no frame has noise,
+     * measures only if similarity is requested.
      */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {

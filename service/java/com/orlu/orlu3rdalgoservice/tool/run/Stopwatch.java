@@ -31,7 +31,7 @@ public final class Stopwatch {
     public record Mark(String stage, int tid, long time, long faults, long allocated) {
         /** The stage that the probe's events divide. */
         public static final String PROCESS_IMAGE = "processImage";
-        // Fields of /proc/PID/stat behind the command's name, which may contain blanks.
+        // Fields of /proc/PID/stat after the command's name, which may contain blanks.
         private static final int MINOR_FAULTS = 7;
         private static final int MAJOR_FAULTS = 9;
 

@@ -123,7 +123,8 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // The bits of a normal float, read as an int, are many hours, except for the two ints that mean too long.
+    // A normal float's bits, read as an int, are a time of many hours, so a smaller number is an
+    // int. So are the largest and the smallest int, which mean that the time was too long.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;

@@ -41,7 +41,7 @@ final class Table {
         return new ArrayList<>(words);
     }
 
-    // Those that are neither blank nor a comment.
+    // Returns the lines that are neither blank nor comments.
     private static List<String> lines(String file) {
         List<String> lines = new ArrayList<>();
         try (InputStream stream = Table.class.getResourceAsStream(file);

@@ -54,7 +54,7 @@ public final class PageFolder {
                 : state.get("entries").elements().get(0));
     }
 
-    // Null if the file is missing or null.
+    // Returns null if `file` is null or does not exist.
     private static Json state(Path file) throws IOException {
         try {
             return file == null || !Files.exists(file) ? null : Json.read(file);

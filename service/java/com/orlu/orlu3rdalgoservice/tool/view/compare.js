@@ -1,4 +1,4 @@
-// Two pictures to compare: side by side, in turns, or their difference; and a magnifier over both.
+// Compares two pictures: side by side, alternating, or as their difference. A magnifier shows both.
 
 const FLICKER_MILLISECONDS = 500;
 const LOST = "The process ended before the request finished, so the contents of the output are unknown.";
@@ -7,7 +7,7 @@ class Compare {
   constructor(images, onInput) {
     this.images = images;
     this.onInput = onInput;
-    // What was written into an input in error is what there is to see.
+    // If an input was written in error, show that input.
     const written = images.inputs.findIndex(image => image.written);
     this.input = written < 0 ? images.base : written;
     this.output = 0;
@@ -85,7 +85,7 @@ class Compare {
     this.show();
   }
 
-  // The key changes to the flicker, and then from one picture to the other.
+  // The first press of the key selects the flicker mode; further ones switch between the pictures.
   flicker() {
     if (this.mode !== "flicker") {
       this.setMode("flicker");
@@ -122,7 +122,7 @@ class Compare {
     this.loupe.move();
   }
 
-  // In turns, the one that is not shown is there all the same: nothing is drawn anew.
+  // The flicker mode only hides one of the pictures, so that switching rebuilds nothing.
   showTurn() {
     const [input, output] = this.stageBox.children;
     if (output) {
@@ -224,7 +224,7 @@ class Compare {
   }
 }
 
-// What is embedded may be smaller than the image.
+// The embedded picture may be smaller than the image.
 function scaleText(image) {
   if (!image.facts) return "";
   if (!image.large) return ", a small copy";

@@ -1,14 +1,14 @@
 "use strict";
-// Helpers that every part uses.
+// Helpers for all parts of the page.
 
 const data = JSON.parse(document.getElementById("data").textContent);
 
-// An element: h("p", {class: "faint", onclick: f}, "text", child, [more]). What is null is left out.
+// Makes an element: h("p", {class: "faint", onclick: f}, "text", child, [more]). Null children are ignored.
 function h(name, attributes, ...children) {
   return fill(document.createElement(name), attributes, children);
 }
 
-// The same in a drawing.
+// Makes an SVG element, with arguments as for h().
 function s(name, attributes, ...children) {
   return fill(document.createElementNS("http://www.w3.org/2000/svg", name), attributes, children);
 }
@@ -16,7 +16,7 @@ function s(name, attributes, ...children) {
 function fill(element, attributes, children) {
   for (const [key, value] of Object.entries(attributes || {})) {
     if (key.startsWith("on")) element.addEventListener(key.slice(2), value);
-    // The page's policy refuses style attributes.
+    // The page's content security policy forbids style attributes, but not cssText.
     else if (key === "style") element.style.cssText = value;
     else if (value !== null && value !== undefined && value !== false)
       element.setAttribute(key, value === true ? "" : printable(value));
@@ -47,7 +47,7 @@ function bytes(count) {
   return String(count).replace(/\B(?=(\d{3})+$)/g, ",") + " bytes";
 }
 
-// A button that stays down: its state is in aria-pressed.
+// Makes a toggle button; aria-pressed holds its state.
 function toggle(text, isDown, title, onChange) {
   const button = h("button", {type: "button", "aria-pressed": String(isDown), title}, text);
   button.addEventListener("click", () => onChange(button.getAttribute("aria-pressed") !== "true"));
@@ -58,7 +58,7 @@ function press(button, isDown) {
   button.setAttribute("aria-pressed", String(isDown));
 }
 
-// A field that filters rows as it is typed into.
+// Makes a search field. Every input calls onChange with the text, trimmed and in lower case.
 function filterField(label, onChange) {
   return h("input", {
     type: "search",
@@ -74,7 +74,7 @@ function matches(text, words) {
   return words === "" || words.split(/\s+/).every(word => text.includes(word));
 }
 
-// The part of the path behind the last slash.
+// The part of the path after the last slash.
 function baseName(path) {
   return path.slice(path.lastIndexOf("/") + 1);
 }

@@ -1,8 +1,9 @@
-// How often each level from 0 to 255 is there: luma filled, red, green and blue as lines.
+// Draws a histogram of the levels 0 to 255: luma as an area; red, green and blue as lines.
 
 function histogram(facts) {
   const counts = facts.histogram;
-  // The two ends may be far higher than the rest: what is clipped is said in words.
+  // Levels 0 and 255 may be far more frequent than all others, so they don't affect the scale.
+  // histogramText() states the fraction of white pixels.
   const inner = ["luma", "red", "green", "blue"].flatMap(name => counts[name].slice(1, 255));
   const most = Math.max(1, ...inner);
   const y = count => 100 - 97 * Math.sqrt(Math.min(1, count / most));

@@ -1,4 +1,4 @@
-// A magnifier over several pictures at once: it shows the same place of each.
+// A magnifier that shows the same place of several pictures at once.
 
 const LOUPE = 180;
 
@@ -32,13 +32,13 @@ class Loupe {
     this.setScale();
   }
 
-  // By a part of the picture, from the keyboard.
+  // Moves by fractions of the picture's width and height, for the keyboard.
   step(x, y) {
     this.at = {x: Math.min(1, Math.max(0, this.at.x + x)), y: Math.min(1, Math.max(0, this.at.y + y))};
     this.move();
   }
 
-  // A picture in a box of its own, of an image of this size.
+  // Makes an element that shows a picture of an image of this size, with the magnifier over it.
   stage(source, name, size) {
     const image = h("img", {src: source, alt: name, draggable: "false"});
     const glass = h("div", {class: "loupe", hidden: true});
@@ -51,7 +51,7 @@ class Loupe {
     return element;
   }
 
-  // Where the picture lies in its element: it keeps its shape, and may have a border beside or above it.
+  // The picture's area in its element. The aspect ratio is kept, so two sides may have borders.
   static box({image, size}) {
     const scale = Math.min(image.clientWidth / size.width, image.clientHeight / size.height);
     const width = size.width * scale;
@@ -71,7 +71,7 @@ class Loupe {
     this.move();
   }
 
-  // One pixel of the image is as many of the screen as the scale says.
+  // Updates the magnifier over each picture. A pixel of the image is `this.scale` pixels of the screen wide.
   move() {
     const scale = this.scale / window.devicePixelRatio;
     const half = LOUPE / 2;

@@ -1,4 +1,4 @@
-// Parameters with their explanations, and tags by what became of them.
+// Parameters with their explanations, and tags grouped by what happened to them.
 
 function parametersPanel() {
   if (!data.parameters || data.parameters.length === 0) {
@@ -166,7 +166,7 @@ function tagsPanel() {
   };
 }
 
-// What is wrong is open from the start.
+// Makes a group of tags. It is open at first if it reports errors or lists the tags that were read.
 function tagGroup(group) {
   const made = table(
     ["tag", "frames", "found"],

@@ -1,4 +1,4 @@
-// The first tab: what went in beside what came out, and every input small.
+// The first tab: an input next to an output, and small copies of all inputs.
 
 function picturesPanel() {
   const images = data.images;

@@ -1,4 +1,4 @@
-// What came back, and the log.
+// The results and the log.
 
 function resultsPanel() {
   const put =

@@ -1,4 +1,4 @@
-// Pictures beside each other: of one request with several values, or of several requests over two libraries.
+// Pictures side by side: of one request with several values, or of several requests with two libraries.
 
 const failedRows = data.rows.filter(row => !row.ok).length;
 

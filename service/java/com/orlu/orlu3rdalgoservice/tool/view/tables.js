@@ -1,7 +1,7 @@
-// Tables that filter.
+// Tables with a filter.
 
-// A row is {cells: [...], text: what the filter looks at, class}. A head that begins with "-" is left out,
-// with its column, where the window is narrow. Returns the element and show(isWanted).
+// A row is {cells: [...], text: what the filter searches, class}. A column whose heading begins with "-" is
+// hidden in a narrow window. Returns the element and show(isWanted).
 function table(heads, rows) {
   const classes = heads.map((head, i) =>
     [i === 0 ? "key" : "", head.startsWith("-") ? "narrow-hide" : ""].join(" "),
@@ -42,7 +42,7 @@ function table(heads, rows) {
   return {element, show};
 }
 
-// A filter over rows, with how many are left.
+// Makes a table with a filter field and the number of matching rows.
 function filtered(label, heads, rows) {
   const made = table(heads, rows);
   const count = h("span", {class: "faint", "aria-live": "polite"}, rows.length + " rows");
@@ -60,12 +60,12 @@ function filtered(label, heads, rows) {
   };
 }
 
-// The value behind where it was found: "capture result 1" would be the second of these.
+// Puts a colon between source and value: "capture result 1" would look like a numbered capture result.
 function foundText(text) {
   return text.replace(/^(capture result|composition) +(?=\S)/, "$1: ");
 }
 
-// Rows on tags: [tag, frames, what is said].
+// Makes a table of tags; a row is [tag, frames, text].
 function tagTable(rows) {
   return h(
     "div",

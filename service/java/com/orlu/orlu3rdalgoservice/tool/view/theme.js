@@ -1,4 +1,4 @@
-// Light or dark: as the system has it, until the button says otherwise.
+// The light or dark theme: the system's, until the user presses the button.
 
 const systemDark = window.matchMedia("(prefers-color-scheme: dark)");
 let chosenTheme = null;

@@ -61,7 +61,7 @@ class TimelineView {
     window.addEventListener("resize", () => this.draw());
   }
 
-  // What was under way when the events end.
+  // A line for each call that has not returned when the events end.
   openSlices() {
     return this.slices
       .filter(isOpen)
@@ -86,7 +86,7 @@ class TimelineView {
     this.box.scrollLeft = chosen * this.width - this.box.clientWidth / 2;
   }
 
-  // Java's calls for the request, without those that make and release the client.
+  // Zooms to the request, without the calls that create and release the client.
   showRequest() {
     const own = this.slices.filter(
       slice =>
@@ -102,7 +102,7 @@ class TimelineView {
     this.draw();
   }
 
-  // While the panel is hidden it has no width.
+  // A hidden panel has no width and is not drawn.
   draw() {
     if (this.box.clientWidth === 0) return;
     if (this.zoom === null) {
@@ -245,7 +245,7 @@ function isOpen(slice) {
   return slice.args !== undefined && slice.args.outcome === "has not returned";
 }
 
-// The command's own work around a request, which has the name of its file.
+// Whether this is the slice around all work for a request, which is named after the request's file.
 function isWhole(slice) {
   return slice.cat === "request" && slice.name === baseName(data.file);
 }
@@ -254,7 +254,7 @@ function isWait(slice) {
   return slice.name === "wait for the callback" || slice.name === "Java: wait";
 }
 
-// Arrows by their number, each as points in the order of time.
+// The arrows, each as a list of its points in the order of time.
 function arrowsOf(events) {
   const arrows = new Map();
   for (const event of events.filter(each => "stf".includes(each.ph))) {
@@ -264,7 +264,7 @@ function arrowsOf(events) {
   return [...arrows.values()];
 }
 
-// Lanes in their order, with each slice's depth inside others.
+// The lanes from the top; sets the nesting depth of each slice.
 function lanesOf(events, slices) {
   const order = new Map(
     events
@@ -298,7 +298,7 @@ function niceStep(least) {
   return [1, 2, 5, 10].map(factor => factor * power).find(step => step >= least);
 }
 
-// Of microseconds.
+// Formats a time in microseconds.
 function timeText(time) {
   if (time >= 1e6) return (time / 1e6).toFixed(2) + " s";
   return time >= 1000 || time === 0
