@@ -3,8 +3,8 @@
 set(ORLU_PARAMETER_TABLE
   ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 
-# orlu_parameter_rows(FILE [ROW_END]): writes the parameters of ./run's table as {section, key, bytes}; with
-# ROW_END only rows that end with it.
+# orlu_parameter_rows(FILE [ROW_END]): writes the parameters of the table as {section, key, bytes}. With
+# ROW_END, only rows that end with it.
 function(orlu_parameter_rows file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ORLU_PARAMETER_TABLE})
   file(STRINGS ${ORLU_PARAMETER_TABLE} rows REGEX "^[a-z].*${ARGN}$")
@@ -21,8 +21,8 @@ function(orlu_parameter_rows file)
   file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
 endfunction()
 
-# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes these names, and those that sources of jni/ look for in an
-# algorithm list, as strings.
+# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes the given names, and those that the sources
+# jni/PATTERN search for in an algorithm list, as strings.
 function(orlu_algorithm_rows file pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/jni/${pattern})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
