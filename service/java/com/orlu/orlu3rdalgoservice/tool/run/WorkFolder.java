@@ -20,17 +20,17 @@ public final class WorkFolder {
         return ofEnvironment(EventLog.VARIABLE);
     }
 
-    /** The file of the algorithm library's report of its work; may not exist, null without a work folder. */
+    /** The file of the algorithm library's work report; it may not exist. Null without a work folder. */
     public static Path algorithmTrace() {
         return ofEnvironment("ORLU_ALGO_TRACE");
     }
 
-    /** The folder of the probe's pixels; may not exist, null without a work folder. */
+    /** The folder of the probe's pixels; it may not exist. Null without a work folder. */
     public static Path pixels() {
         return ofEnvironment("ORLU_PIXELS");
     }
 
-    /** The file of the native side's log; may not exist, null without a work folder. */
+    /** The file of the native side's log; it may not exist. Null without a work folder. */
     public static Path log() {
         return ofEnvironment("ORLU_LOG_FILE");
     }
