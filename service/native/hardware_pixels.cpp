@@ -17,7 +17,7 @@ void refuse(JNIEnv* env, const char* reason) {
   if (clazz != nullptr) env->ThrowNew(clazz, reason);
 }
 
-// Returns whether all pages are mapped: a device may place the planes in separate memories.
+// Returns whether all pages are mapped. There may be gaps if a device places the planes in separate memories.
 bool isMapped(const void* start, uint64_t size) {
   const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
   const uintptr_t offset = reinterpret_cast<uintptr_t>(start) % page;

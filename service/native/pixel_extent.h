@@ -21,8 +21,8 @@ constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
 // The most unused rows between luma and chroma, which a device may insert for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
-// Returns the bytes of a row with its padding; 0 if unknown. The platform leaves the stride of many formats
-// 0.
+// Returns the bytes of a row with its padding; 0 if unknown. For many formats the platform sets no row
+// stride; for some of them, the buffer's description gives it.
 inline uint64_t rowBytes(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Plane& plane) {
   if (plane.rowStride != 0) return plane.rowStride;
   switch (desc.format) {

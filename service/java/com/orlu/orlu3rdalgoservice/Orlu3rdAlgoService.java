@@ -18,7 +18,7 @@ public final class Orlu3rdAlgoService {
     /** Prepares a client for requests. The parameter object is not read. */
     public native int algoInit(long inst, Object param);
 
-    /** Releases a client's algorithms; "imageFormat" selects how far. The client can be initialised again. */
+    /** Releases a client's algorithms in the mode for "imageFormat". The client can be initialised again. */
     public native int algoRelease(long inst, Object param);
 
     /** Discards the pending work of a client's algorithms. Neither object is read. */
@@ -39,7 +39,7 @@ public final class Orlu3rdAlgoService {
     /**
      * Runs one request. The arguments are a VRequest, Lists of VImageIPC for inputs and outputs, and a List
      * of CaptureResultComposition, one for each frame. If "isFullAsync" is set in the first composition,
-     * returns before the algorithms are done.
+     * the call returns before the algorithms are done.
      */
     public native int processImage(
             long inst, Object request, Object inputs, Object outputs, Object compositions);

@@ -4,7 +4,7 @@ import android.hardware.HardwareBuffer;
 import android.os.SharedMemory;
 
 /**
- * An image as it crosses processes: a description, and pixels in shared memory or a hardware buffer. The
+ * An image passed between processes: a description, and pixels in shared memory or a hardware buffer. The
  * native side reads the fields by name, and writes format, size and first plane size of outputs.
  */
 public final class VImageIPC {

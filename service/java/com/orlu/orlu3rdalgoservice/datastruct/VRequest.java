@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.datastruct;
 
-/** The part of a request that the native side asks for its type and id. */
+/** A request's id and type, which the native side reads through the getters. */
 public class VRequest {
     private final long mRequestId;
     private final String mRequestType;

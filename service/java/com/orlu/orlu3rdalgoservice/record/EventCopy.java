@@ -28,7 +28,7 @@ final class EventCopy {
         mStart = events.length();
     }
 
-    /** Returns the events from now on; null without a probe. */
+    /** Starts at the end of the probe's present events; returns null without a probe. */
     static EventCopy begin() {
         String path = Setting.ofProbe(EVENTS_VARIABLE);
         return path.isEmpty() ? null : new EventCopy(new File(path));
@@ -39,7 +39,10 @@ final class EventCopy {
         return mStart;
     }
 
-    /** Adds the events so far and the request's pixels to the recording, and to the outcome. */
+    /**
+     * Copies the events so far and the request's pixels into the recording. The outcome gets the file of
+     * events and a list of the pixels left out.
+     */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
             return;

@@ -12,7 +12,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Converts metadata values for JsonWriter, to their forms in request files. */
+/** Converts metadata values to the forms that request files use, for JsonWriter. */
 public final class HeldValue {
     private static final char[] HEX = "0123456789abcdef".toCharArray();
     /** The names of types in request files. */
@@ -43,7 +43,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Objects of other classes become texts. */
+    /** Returns the form of a value in request files. Objects of classes without a form become texts. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);
@@ -56,7 +56,7 @@ public final class HeldValue {
             return elements;
         }
         if (value instanceof Rational rational) {
-            // A Number on the platform.
+            // Tested before Number, since the platform's Rational is a Number.
             return new int[] {rational.getNumerator(), rational.getDenominator()};
         }
         if (value == null || value instanceof Number || value instanceof Boolean) {
@@ -107,7 +107,7 @@ public final class HeldValue {
 
     /**
      * Converts values to objects named after their types ({"long": 5}), so that they can be read back. A
-     * value of any other class becomes {"class": its name, "text": what toString() returns}; if its reading
+     * value of any other class becomes {"class": its name, "text": what toString() returns}; if reading it
      * throws, the text names the exception.
      */
     static Map<String, Object> typed(Map<String, ?> values) {

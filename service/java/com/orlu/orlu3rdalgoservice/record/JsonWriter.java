@@ -9,7 +9,8 @@ import java.util.stream.IntStream;
 
 /**
  * Writes JSON. A value is a Map with string keys, an Iterable, an array, a String, a Number, a Boolean, null
- * or a Source of one. JSON lacks NaN and the infinities, which become texts. Unsafe characters are escaped.
+ * or a Source of such a value. JSON lacks NaN and the infinities, which become texts. Unsafe characters are
+ * escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
@@ -20,7 +21,7 @@ public final class JsonWriter {
     private final StringBuilder mText = new StringBuilder();
     private final int mLevels;
 
-    /** An object that stands for its content. */
+    /** An object that is written as its content. */
     public interface Source {
         Object content();
     }
@@ -42,7 +43,7 @@ public final class JsonWriter {
         return pretty(value, Integer.MAX_VALUE);
     }
 
-    /** Returns the value formatted for a file; what is nested deeper than this is on one line. */
+    /** Returns the value formatted for a file; values nested deeper than `levels` stay on one line. */
     public static String pretty(Object value, int levels) {
         return new JsonWriter(levels).write(value, 0).append('\n').toString();
     }
@@ -73,7 +74,7 @@ public final class JsonWriter {
         } else if (value instanceof String || isWithoutForm(value)) {
             writeText(String.valueOf(value));
         } else if (value instanceof Number || value instanceof Boolean || value == null) {
-            // BigDecimal writes a plus in the exponent, double does not.
+            // BigDecimal writes a plus sign in the exponent, double does not.
             mText.append(String.valueOf(value).replace("E+", "E"));
         } else {
             throw new IllegalArgumentException("no JSON for " + value.getClass());

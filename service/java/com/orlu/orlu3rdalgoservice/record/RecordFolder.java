@@ -13,7 +13,7 @@ import java.util.Map;
 import java.util.Set;
 import java.util.zip.CRC32;
 
-/** The folder of one recording. Each object is a file that is written in one go. */
+/** The folder of one recording. Each JSON object becomes a file, written at once. */
 final class RecordFolder {
     /** The inputs, in the form of a request file; written before the request runs. */
     static final String REQUEST = "request.json";
@@ -22,7 +22,7 @@ final class RecordFolder {
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the size limit of the recording is reached";
 
-    /** The nesting of tags, each of which has its own line. */
+    /** The nesting depth of tags, so that each tag is on its own line. */
     private static final int REQUEST_LEVELS = 4;
     private static final int OUTCOME_LEVELS = 3;
 
@@ -31,7 +31,7 @@ final class RecordFolder {
     private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
-    /** Creates the folder, which may hold this many bytes and these pixels. */
+    /** Creates the folder, which may contain at most this many bytes, and only these pixels. */
     RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
             throw new IOException("can't make the folder " + folder);
@@ -109,8 +109,8 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file with this checksum into the folder. A file whose bytes the folder already has is only
-     * removed. Returns false for a file that is too large; it is removed, too.
+     * Moves a file with this checksum into the folder, or deletes it if the folder already has its bytes.
+     * Returns false if the file is too large; it is deleted then, too.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

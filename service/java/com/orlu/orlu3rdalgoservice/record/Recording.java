@@ -302,7 +302,7 @@ public final class Recording {
         close();
     }
 
-    // Compares by identity: a key that was put again with an equal value is a change, too.
+    // Compares by identity, so that putting an equal value again counts as a change.
     private static Map<String, Object> changes(Map<String, Object> before, Map<String, Object> after) {
         Map<String, Object> changed = new LinkedHashMap<>();
         after.forEach((key, value) -> {

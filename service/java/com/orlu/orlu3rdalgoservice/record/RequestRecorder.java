@@ -32,7 +32,7 @@ public final class RequestRecorder {
     /** Which pixels are recorded: none, those of Java's images, or also those that the probe kept. */
     public enum Pixels { NONE, OF_JAVA, ALL }
 
-    /** The most full-async requests that may wait for results. A lost one does not stay open forever. */
+    /** The most recordings that may wait for full-async results. Beyond this, the oldest is closed. */
     private static final int MOST_OPEN = 16;
 
     private final File mFolder;
@@ -46,7 +46,7 @@ public final class RequestRecorder {
     private Pixels mPixels = Pixels.ALL;
     private int mMade;
 
-    /** Creates a recorder into this folder, which is created if missing. */
+    /** Creates a recorder that writes into this folder, which is created if missing. */
     public RequestRecorder(File folder, int count, long bytes) {
         mFolder = folder;
         mCount = Math.max(1, count);
@@ -78,7 +78,7 @@ public final class RequestRecorder {
         mPixels = pixels;
     }
 
-    /** Notes the values that a client was created from. Call it after createNativeClient. */
+    /** Notes the values that a client was created from. Call this after createNativeClient. */
     public synchronized void addClient(long inst, CaptureResultComposition param) {
         mClients.put(inst, param);
     }
@@ -166,7 +166,7 @@ public final class RequestRecorder {
     private void makeWay() {
         File[] old = recordings();
         if (old.length > 0) {
-            // Continues after the newest, so that names sort by time even after a restart.
+            // Numbering continues after the newest folder, so that names sort by time even after a restart.
             String newest = old[old.length - 1].getName();
             mMade = Math.max(mMade, Integer.parseInt(newest.substring(0, newest.indexOf('-'))));
         }

@@ -15,7 +15,7 @@ final class Setting {
         return get(name, Setting::ofPlatform);
     }
 
-    /** Returns the value that the probe has for its variable "ORLU_...". */
+    /** Returns the value that the probe uses for its variable "ORLU_..."; "" if it is unset. */
     static String ofProbe(String variable) {
         String value = System.getenv(variable);
         return value == null || value.isEmpty()
@@ -37,7 +37,7 @@ final class Setting {
         }
     }
 
-    /** Asks the platform's hidden class, which may be out of reach for a service. */
+    /** Reads a property through a hidden class of the platform, which a service may not be able to use. */
     private static String ofPlatform(String property) {
         try {
             Class<?> properties = Class.forName("android.os.SystemProperties");
