@@ -14,7 +14,7 @@ import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /**
- * One part of catalogue.json, which scripts/make_catalogue.py writes, and how it is printed.
+ * How one part of catalogue.json is printed. scripts/make_catalogue.py writes that file.
  *
  * @param one     the singular, such as "tag"
  * @param help    the description in --help
@@ -73,7 +73,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
         return entry.string("name", "");
     }
 
-    /** Returns a value as a text: the elements of a list with commas, the values of an object with blanks. */
+    /** Returns a value as text. Commas separate the elements of a list, blanks the values of an object. */
     public static String text(Json value) {
         if (value.isList()) {
             return value.elements().stream().map(Catalogue::text).collect(Collectors.joining(", "));

@@ -27,14 +27,14 @@ public final class CommentedSample {
     private CommentedSample() {
     }
 
-    /** Returns the sample of this name for a file in `folder`, with paths from there. */
+    /** Returns the sample of this name, with paths relative to `folder`. */
     public static String of(String kind, Path folder) throws IOException {
         Path samples = Path.of(System.getProperty("orlu.launcher")).resolveSibling("samples");
         return commented(kind, Files.readAllLines(samples.resolve(kind + ".json")),
                 folder.toRealPath().relativize(samples.toRealPath()));
     }
 
-    // The samples' folder relative to the file's.
+    // `samples` is the folder of the samples, relative to the new file's folder.
     private static String commented(String kind, List<String> lines, Path samples) {
         StringBuilder text = new StringBuilder();
         Set<String> explained = new HashSet<>();

@@ -10,7 +10,7 @@ import java.util.Locale;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Prints entries for people, in the width of the terminal and without cutting anything. */
+/** Prints entries as readable text, wrapped to the width of the terminal. Nothing is cut. */
 public final class Page {
     private static final int GAP = 2;
     private static final int BELOW = 4;
@@ -53,7 +53,7 @@ public final class Page {
         mTo.println(line.toString().stripTrailing());
     }
 
-    // Where columns begin. If they are too wide, the longest names extend into the next column.
+    // Returns where columns begin. If they are too wide, the longest names extend into the next column.
     private static int[] starts(List<String> heading, List<List<String>> rows) {
         int[] widths = new int[heading.size()];
         Stream.concat(Stream.of(heading), rows.stream()).forEach(row ->
@@ -86,7 +86,7 @@ public final class Page {
         }
         int longest = value.elements().stream().mapToInt(element -> first(element).length()).max().orElse(0);
         for (Json element : value.elements()) {
-            // The first value of a record is its key; the others begin in one column.
+            // The first value of a record is its key; the other values are aligned in a column.
             boolean isKeyed = element.entries().size() > 1 && longest <= LONGEST_KEY;
             String key = isKeyed ? TextLayout.label(first(element), longest + GAP) : "";
             String text = Catalogue.text(element);

@@ -45,7 +45,7 @@ public final class RequestSchema {
         return schema;
     }
 
-    // Replaces a member, an object, by a mutable copy, and returns the copy.
+    // Replaces a member that is an object by a mutable copy, and returns the copy.
     private static Map<String, Object> opened(Map<String, Object> object, String name)
             throws MistakeException {
         Map<String, Object> copy = new LinkedHashMap<>(((Json) object.get(name)).members());

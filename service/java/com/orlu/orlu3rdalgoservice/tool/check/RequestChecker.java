@@ -97,7 +97,7 @@ public final class RequestChecker {
         throw request.place().error("photo", problem);
     }
 
-    // A line about a file without a mistake. The images are those of the request, with sizes.
+    // Returns the line about a file without mistakes. The images are the request's, with their sizes.
     private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": ok: " + counted(frames, "frame")

@@ -13,7 +13,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Warns about image sizes that are legal and probably unintended. */
+/** Warns about image sizes that are valid but probably unintended. */
 final class SizeAdvice {
     /** A JPEG with less than one byte for this many pixels is of poor quality. */
     private static final int PIXELS_A_BYTE = 16;
@@ -21,7 +21,7 @@ final class SizeAdvice {
     private SizeAdvice() {
     }
 
-    /** Reports warnings about the images of a request, whose sizes are known. */
+    /** Reports warnings about a request; `inputs` and `outputs` are its images, with their sizes. */
     static void give(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         onFrameSize(request);
         inputs.forEach(SizeAdvice::onStride);
@@ -33,7 +33,7 @@ final class SizeAdvice {
         }
     }
 
-    // Images without a size take that of the first file.
+    // Images without a size get the size of the first input's file.
     private static void onFrameSize(RequestFile request) {
         ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()

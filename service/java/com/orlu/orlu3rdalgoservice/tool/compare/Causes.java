@@ -26,10 +26,10 @@ public final class Causes {
 
     private final List<GivenTag> mGiven;
     private final List<Dependences> mRuns;
-    /** What each tag does in the runs. Tags that neither run reads are absent. */
+    /** The dependences on each tag, in both runs. Tags that neither run reads are absent. */
     private final Map<Place, List<Dependence>> mTags = new HashMap<>();
 
-    /** `given` are the tags that differ, `runs` what the trials of each run found. */
+    /** `given` are the tags that differ; `runs` are the dependences that the trials of each run found. */
     public Causes(List<GivenTag> given, List<Dependences> runs) {
         mGiven = given;
         mRuns = runs;

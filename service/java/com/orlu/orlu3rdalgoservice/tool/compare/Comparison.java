@@ -20,7 +20,7 @@ import java.util.Set;
  * " / ", the other's.
  */
 public final class Comparison {
-    // An address of the process.
+    // An address, which differs between processes.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
     private final Run mOne;
@@ -31,8 +31,8 @@ public final class Comparison {
     private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
-     * Compares. Ignores parameters, values put, calls and outputs with these names; numbers that differ by at
-     * most the tolerance are equal.
+     * Creates a comparison that ignores parameters, values put, calls and outputs with these names. Numbers
+     * that differ by at most the tolerance are equal.
      */
     public Comparison(
             Run one, Run other, Set<String> ignored, double tolerance, OutputComparison outputs) {
@@ -64,7 +64,7 @@ public final class Comparison {
         return mDifferences;
     }
 
-    /** Returns what could not be compared, and times; these are not differences. */
+    /** Returns notes that are not differences: what could not be compared, differing inputs, and times. */
     public List<String> notes() throws MistakeException {
         List<String> notes = new ArrayList<>();
         for (Run run : List.of(mOne, mOther)) {
@@ -89,7 +89,7 @@ public final class Comparison {
         return notes;
     }
 
-    /** How much was compared. */
+    /** Returns a text with the numbers of parameters, frames and outputs that were compared. */
     public String compared() {
         return "%d parameters, %d frames, %d outputs".formatted(
                 Math.min(mOne.parameters().size(), mOther.parameters().size()),
@@ -171,8 +171,8 @@ public final class Comparison {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
-    // Compares the images that the library received and left with Java's. Needs the probe's pixels of both
-    // runs.
+    // Each run has compared the images in the library's memory with Java's images. Reports where the outcomes
+    // of the two runs differ. Needs the probe's pixels of both runs.
     private void compareHanded() {
         for (HandedImage one : known(mOne)) {
             for (HandedImage other : known(mOther)) {

@@ -22,8 +22,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
     private static final int SHOWN_BEFORE = 15;
 
     /**
-     * Returns the differing tags of all frames that both runs have, by frame; none if only a run's events are
-     * known.
+     * Returns the differing tags of all frames that both runs have, by frame; none if a run has only events.
      */
     public static List<GivenTag> of(Run one, Run other) {
         List<GivenTag> tags = new ArrayList<>();

@@ -67,7 +67,7 @@ final class ParameterComparison {
     private void compareValues(
             String where, List<Parameter> ones, List<Parameter> others, Parameter one, Parameter other) {
         if (!Arrays.equals(one.bytes(), other.bytes()) && !mCloseness.isClose(one.json(), other.json())) {
-            // The number of the write is named if a key is written several times.
+            // Includes the number of the write if a key is written several times.
             int writes = countOf(ones, one.name());
             String write = writes > 1 ? ", write " + indexOf(ones, one) + " of " + writes : "";
             mDifferences.add(new Difference(

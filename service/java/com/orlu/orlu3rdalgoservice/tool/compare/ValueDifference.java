@@ -27,7 +27,7 @@ final class ValueDifference {
         return text.isEmpty() ? bytes(one.bytes(), other.bytes()) : text;
     }
 
-    /** Returns the same for two different values, with these texts for display. */
+    /** Returns "ONE / OTHER" for two values with these texts for display; "" if it finds no difference. */
     static String of(String one, String other, Json oneValue, Json otherValue) {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;

@@ -58,12 +58,12 @@ public final class Json implements JsonWriter.Source {
         return root;
     }
 
-    /** Reads a file and notes all mistakes, at most one of them of syntax; null if there is no tree. */
+    /** Reads a file and notes all mistakes up to the first syntax error; null if there is no tree. */
     public static Json read(Path file, Mistakes mistakes) {
         return JsonReader.read(file, mistakes);
     }
 
-    /** Reads a text, such as a line of a file, that begins at this line of the file. */
+    /** Reads a text that begins at this line of the file, such as one line of it. */
     public static Json parse(String file, int line, String text) throws MistakeException {
         Mistakes mistakes = new Mistakes(file);
         Json root = JsonReader.parse(text, line, mistakes);
@@ -71,13 +71,13 @@ public final class Json implements JsonWriter.Source {
         return root;
     }
 
-    /** The tree of what a JSON writer takes. */
+    /** Returns the tree of a value that JsonWriter accepts. */
     public static Json of(Object value) {
         return value instanceof Json json ? json
                 : JsonReader.parse(JsonWriter.line(value), 0, new Mistakes(""));
     }
 
-    /** An object without members, for one that is absent. */
+    /** Returns an object without members, to use in place of an absent object. */
     public static Json none() {
         return NONE;
     }
@@ -92,7 +92,7 @@ public final class Json implements JsonWriter.Source {
         return mSpot.line();
     }
 
-    /** Where the value is in the tree: inputs[0].format; empty for the root. */
+    /** The value's path in the tree, such as inputs[0].format; empty for the root. */
     public String path() {
         if (mParent == null) {
             return mName;
@@ -109,7 +109,7 @@ public final class Json implements JsonWriter.Source {
         return mNameSpot;
     }
 
-    /** The content equal to Java's: Map, List, String, BigDecimal, Boolean or null. */
+    /** The content: a Map, List, String, BigDecimal or Boolean, or null. */
     @Override
     public Object content() {
         return mContent;
@@ -127,7 +127,7 @@ public final class Json implements JsonWriter.Source {
         return error("expected " + what + ", found " + found());
     }
 
-    /** Returns an exception for a text that is not one of the names, with the nearest of them. */
+    /** Returns an exception for a text that is not one of the names; it suggests the nearest name. */
     public MistakeException needsName(String what, Collection<String> names) {
         String hint = isString() ? NearestWord.question((String) mContent, names) : "";
         return error("expected " + what + ", found " + found() + hint);
@@ -148,7 +148,7 @@ public final class Json implements JsonWriter.Source {
         memberOrThis(member).warn(problem);
     }
 
-    // An absent member has the place of the object.
+    // An absent member has the position of the object.
     private Json memberOrThis(String name) {
         Json member = get(name);
         return member != null ? member : new Json(mMistakes, this, name, 0, mSpot, mSpot, null);
@@ -159,7 +159,7 @@ public final class Json implements JsonWriter.Source {
         return isString() ? (String) mContent : JsonWriter.line(this);
     }
 
-    /** What this value is, for a message. */
+    /** Describes this value, for a message. */
     public String found() {
         if (isObject()) {
             return "an object";
@@ -167,12 +167,12 @@ public final class Json implements JsonWriter.Source {
         return isList() ? "a list" : isString() ? quoted(text()) : cut(text());
     }
 
-    /** Returns a text without its end if it is long. */
+    /** Returns a text, shortened if it is long. */
     public static String cut(String text) {
         return text.length() <= LONGEST_QUOTE ? text : text.substring(0, LONGEST_QUOTE) + "...";
     }
 
-    /** Returns a text in quotes, cut if it is long, for a message. */
+    /** Returns a text in quotes, shortened if it is long, for a message. */
     public static String quoted(String text) {
         return '"' + cut(text).replace("\\", "\\\\").replace("\"", "\\\"") + '"';
     }
@@ -244,12 +244,12 @@ public final class Json implements JsonWriter.Source {
         return value;
     }
 
-    /** A number that a double holds. */
+    /** A number in the range of a double. */
     public double real() throws MistakeException {
         return number(-Double.MAX_VALUE, Double.MAX_VALUE);
     }
 
-    /** A number that a float holds, rounded to one. */
+    /** A number in the range of a float, rounded to a float. */
     public float single() throws MistakeException {
         float value = (float) real();
         if (Float.isInfinite(value)) {
@@ -284,7 +284,7 @@ public final class Json implements JsonWriter.Source {
         return elements();
     }
 
-    /** The elements of a list of exactly this many. */
+    /** The elements of a list with exactly `count` elements. */
     public List<Json> list(int count) throws MistakeException {
         List<Json> elements = list();
         if (elements.size() != count) {
@@ -324,7 +324,7 @@ public final class Json implements JsonWriter.Source {
         return isObject() ? (Map<String, Json>) mContent : Map.of();
     }
 
-    /** This object, whose members of other names than these are noted as mistakes. */
+    /** Returns this object, and notes members with names other than these as mistakes. */
     public Json allowing(String... names) throws MistakeException {
         List<String> allowed = List.of(names);
         members().forEach((name, member) -> {
@@ -338,7 +338,7 @@ public final class Json implements JsonWriter.Source {
         return this;
     }
 
-    /** Whether this is an object with such a member, null included. */
+    /** Whether this is an object with a member of this name, even if its value is null. */
     public boolean has(String name) {
         return get(name) != null;
     }
@@ -358,7 +358,7 @@ public final class Json implements JsonWriter.Source {
         return has(name) ? get(name).list() : List.of();
     }
 
-    /** A member that must be there. */
+    /** A required member. */
     public Json require(String name) throws MistakeException {
         Json member = members().get(name);
         if (member == null) {
@@ -391,7 +391,7 @@ public final class Json implements JsonWriter.Source {
         return optional(name, () -> get(name).number(least, most), fallback);
     }
 
-    /** A member that is an object with these names alone; one without members if it is absent. */
+    /** A member that is an object with only these names; an object without members if it is absent. */
     public Json object(String name, String... names) {
         return optional(name, () -> get(name).allowing(names), NONE);
     }

@@ -36,7 +36,7 @@ import java.util.Map;
 final class JsonReader {
     static final int MOST_BYTES = 8 << 20;
     static final int MOST_VALUES = 500_000;
-    /** Nesting depth of objects and lists. Deeper ones could overflow the stack. */
+    /** Nesting depth of objects and lists. Deeper nesting could overflow the stack. */
     static final int MOST_LEVELS = 64;
     private static final int LONGEST_NUMBER = 400;
     private static final int LARGEST_EXPONENT = 400;
@@ -63,7 +63,7 @@ final class JsonReader {
     static Json read(Path path, Mistakes mistakes) {
         try (InputStream file = Files.newInputStream(path)) {
             boolean isTooLarge = Files.size(path) > MOST_BYTES;
-            // A pipe has no size, and may have no end.
+            // A pipe has no size and may never end.
             byte[] bytes = isTooLarge ? new byte[0] : file.readNBytes(MOST_BYTES + 1);
             if (isTooLarge || bytes.length > MOST_BYTES) {
                 mistakes.add(0, 0, "", "expected at most " + MOST_BYTES + " bytes, found "
@@ -150,7 +150,7 @@ final class JsonReader {
         return spot(mParser.getTokenLocation());
     }
 
-    // The parser is at the value's first token before, and at its last token afterwards.
+    // On entry, the parser is at the value's first token; on return, at its last.
     private Json value(Json parent, String name, int index, Json.Spot nameSpot, int level)
             throws IOException, MistakeException {
         Json.Spot spot = tokenStart();
@@ -216,7 +216,7 @@ final class JsonReader {
                     return value;
                 }
             } catch (NumberFormatException e) {
-                // An exponent that no BigDecimal holds.
+                // The exponent is out of range for a BigDecimal.
             }
         }
         mMistakes.add(spot.line(), spot.column(), "",

@@ -1,2 +1,2 @@
-/** JSON: a tree whose values know their place in the file, and its reader. */
+/** JSON: a tree of values with their positions in the file, and its reader. */
 package com.orlu.orlu3rdalgoservice.tool.json;
