@@ -11,7 +11,7 @@ final class Candidates {
     private Candidates() {
     }
 
-    /** The names in a part of the catalogue, without the part before a slash. */
+    /** The names in a part of the catalogue, without the section before a slash. */
     static List<String> of(String part) {
         return Catalogue.entries(part).stream().map(entry -> Catalogue.name(entry).replaceFirst(".*/", ""))
                 .toList();

@@ -28,10 +28,11 @@ final class Commands {
     private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
 
-    /** Runs if no subcommand is named. */
+    /** The command that runs if no subcommand is named. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
     /**
-     * The others, in the order of the help. Only the selected one is created: reading annotations is slow.
+     * The subcommands, in the order of the help. Only the selected one is created, since reading annotations
+     * is slow.
      */
     private static final List<Row> NAMED = List.of(
             new Row("new", "Print a request file to start from", NewCommand::new),

@@ -57,7 +57,7 @@ final class CompareCommand implements Subcommand {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
         }
 
-        // What the table prints about it after the numbers.
+        // The texts that follow the numbers in the table: differences, or why a run failed.
         List<String> lines() {
             return hasRun() ? differences.stream().limit(SHOWN).toList()
                     : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();

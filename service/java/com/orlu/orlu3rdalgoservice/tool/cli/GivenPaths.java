@@ -39,7 +39,7 @@ final class GivenPaths {
 
     /**
      * Returns the request files of a command line: files as they are; for a folder, its *.json files and
-     * recordings, by name. Throws an IllegalArgumentException if a folder has none.
+     * recordings, sorted by name. Throws an IllegalArgumentException if a folder has none.
      */
     static List<Path> requests(List<Path> given) {
         List<Path> requests = new ArrayList<>();

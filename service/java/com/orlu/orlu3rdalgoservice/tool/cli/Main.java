@@ -18,7 +18,7 @@ public final class Main {
 
     /** Runs the command line. */
     public static void main(String[] arguments) {
-        // Numbers look the same everywhere.
+        // The locale must not change how numbers are printed.
         Locale.setDefault(Locale.ROOT);
         String trialLibrary = System.getProperty("orlu.trial.library");
         int status = trialLibrary == null ? status(arguments) : trials(arguments, trialLibrary);

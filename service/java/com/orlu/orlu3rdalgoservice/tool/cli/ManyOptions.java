@@ -14,7 +14,7 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** The options of subcommands that run many requests, and their common end. */
+/** The options of subcommands that run many requests, and the output that they share. */
 final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
             description = "Write a page with the pictures side by side")

@@ -118,8 +118,8 @@ final class PostMortem {
         return Run.of(name, request, events, new Stopwatch(), null, Ran.NONE);
     }
 
-    // Returns the run that began after this time and finished, such as when destroying its client crashed;
-    // null if there is none.
+    // Returns the last run if it began after this time and its processing was recorded, as when destroying
+    // the client crashed; else null.
     private Path endedSince(long time) throws IOException {
         List<Path> runs = runs();
         if (runs.isEmpty()) {
@@ -134,7 +134,7 @@ final class PostMortem {
         }
     }
 
-    // Null if the run did not keep them; the page then has no pictures.
+    // Returns null if the run did not keep its inputs; the page then has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;
@@ -156,7 +156,7 @@ final class PostMortem {
         }
     }
 
-    // Adds the events to the folder of the unfinished run and returns it; null if there is none.
+    // Adds the events to the folder of the unfinished run and returns that folder; null if there is none.
     private Path completeLastRun() throws IOException {
         Path events = WorkFolder.events();
         Path last = null;
@@ -166,7 +166,7 @@ final class PostMortem {
         return last;
     }
 
-    // In the order of execution.
+    // Returns the folders of the runs in the order of execution.
     private List<Path> runs() throws IOException {
         Path folder = mOptions.runs();
         if (folder == null || !Files.isDirectory(folder)) {

@@ -21,12 +21,12 @@ class ResultOptions {
     @Option(names = "--quiet", description = "Print only the verdict")
     boolean quiet;
 
-    /** Throws an IllegalArgumentException if a file can't be written; `paths` has the other paths. */
+    /** Throws an IllegalArgumentException if a file can't be written; `paths` has the paths given so far. */
     void check(GivenPaths paths) {
         paths.file("--json", json).file("--junit", junit);
     }
 
-    /** The stream for texts for people: standard output, or nowhere. */
+    /** The stream for readable text: standard output, or a stream that discards everything. */
     PrintStream text() {
         return quiet ? nowhere() : last();
     }

@@ -202,9 +202,9 @@ final class RunCommand implements Subcommand {
     }
 
     /**
-     * Returns the recorder that creates the folder of each run: in the folder of --record, else in that of
-     * the recorder's own property, else in the work folder. The work folder keeps only the latest run, with
-     * pixels if a page may need them. Null without a work folder.
+     * Returns the recorder that creates the folder of each run: in the folder of --record, else in the folder
+     * that the recorder's property names, else in the work folder. The work folder keeps only the latest run,
+     * with pixels if a page may need them. Returns null if there is none of these folders.
      */
     RequestRecorder recorder() {
         if (written.record != null) {
@@ -232,7 +232,7 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether to record look-ups of tags. There are many; they cost as much as the request. */
+    /** Whether to record look-ups of tags. They are so many that recording costs as much as the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }

@@ -59,7 +59,7 @@ import java.util.stream.Collectors;
 
 /** Runs the requests of one command line in sequence, and prints what happened. */
 final class Session {
-    /** How much longer to wait for a missing callback, to distinguish late from missing. */
+    /** How much longer to wait after a timeout, to distinguish a late callback from a missing one. */
     private static final long LATE_MILLISECONDS = 2_000;
     private static final long POLL_MILLISECONDS = 50;
 
@@ -75,7 +75,7 @@ final class Session {
     private final RequestRecorder mRecorder;
     /** Null without pages. */
     private PageFolder mPages;
-    /** Null if nobody wants the calls checked against the contract. */
+    /** Checks the calls against the contract; null without --validate. */
     private final Contract mContract;
     private final SourceLines mSourceLines = new SourceLines();
 
@@ -165,7 +165,7 @@ final class Session {
         return overall();
     }
 
-    /** Copies the events to the file of --events, and writes the timeline to that of --timeline. */
+    /** Copies the events to the file of --events, and writes the timeline to the file of --timeline. */
     static void keepEvents(RunCommand options, Timeline timeline) throws IOException {
         Path events = WorkFolder.events();
         if (options.written.events != null && events != null && Files.exists(events)) {
@@ -204,7 +204,7 @@ final class Session {
         return mResults.status();
     }
 
-    /** Prints one verdict on several requests, after their own. The pages may be null. */
+    /** Prints the verdict on all requests, after the verdict on each. `pages` may be null. */
     static void printOverall(RunCommand options, Results results, PageFolder pages) {
         List<Integer> failed = results.failed();
         String files = failed.stream().map(i -> options.requests().get(i).toString())
@@ -253,7 +253,7 @@ final class Session {
             mClient.end(request, stopwatch);
             mClient = null;
             if (mContract != null) {
-                // A library that does not stop with its client shows it now.
+                // Gives a library time for calls that it makes although its client is destroyed.
                 sleep();
             }
         }

@@ -30,7 +30,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {
     /** Runs a request over a library (null: the usual one), with further options of ./run. */
     static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
-        // Without the probe's copies of the images.
+        // Disables the probe's copies of the images.
         ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
         Path json = child.file("json");
         List<String> arguments = new ArrayList<>(options);
@@ -41,7 +41,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
             return new ShotRun(RunFolder.read(folders.get(0), request.toString()), Results.verdict(result),
                     result, child);
         } catch (IllegalStateException | MistakeException e) {
-            // Not recorded, for example over an unusable library.
+            // The run was not recorded, for example because the library is unusable.
             Json result = result(json);
             Verdict verdict = result.has("verdict") ? Results.verdict(result) : Verdict.ok();
             return new ShotRun(null, verdict.status() != Verdict.OK ? verdict
@@ -58,7 +58,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         child.remove();
     }
 
-    /** Whether both are recorded. */
+    /** Whether both runs are recorded. */
     boolean isComparable(ShotRun other) {
         return run != null && other.run != null;
     }
@@ -74,12 +74,12 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         return isComparable(other) ? OutputMeasure.of(run, other.run) : OutputMeasure.NONE;
     }
 
-    /** The algorithms that were handed on. */
+    /** The algorithms that were passed on to the algorithm library. */
     List<String> algorithms() {
         return run == null ? List.of() : run.algorithms().stream().findFirst().orElse(List.of());
     }
 
-    /** A verdict in a table. */
+    /** The text for a verdict in a table. */
     static String status(Verdict verdict) {
         return verdict.status() == Verdict.OK ? "ok" : "FAILED";
     }

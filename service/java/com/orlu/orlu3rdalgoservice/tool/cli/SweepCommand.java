@@ -85,7 +85,7 @@ final class SweepCommand implements Subcommand {
         return mMany.finish(mResults, table, sheet(tags));
     }
 
-    // The tags of each run, as NAME=VALUE. The last tag changes fastest.
+    // Returns the tags of each run, as NAME=VALUE. The last tag changes fastest.
     private static List<List<String>> points(List<SweptTag> tags) {
         List<List<String>> points = List.of(List.of());
         for (SweptTag tag : tags) {

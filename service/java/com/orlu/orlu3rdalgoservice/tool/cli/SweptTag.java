@@ -66,7 +66,7 @@ record SweptTag(String name, List<String> values) {
         }
     }
 
-    // Elements of a JSON list, or unquoted texts.
+    // The values are elements of a JSON list, or unquoted texts.
     private static List<String> list(String values) {
         try {
             return Json.parse("--tag", 0, "[" + values + "]").list().stream().map(JsonWriter::line).toList();

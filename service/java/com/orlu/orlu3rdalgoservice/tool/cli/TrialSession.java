@@ -51,7 +51,7 @@ final class TrialSession {
             }
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
-                // No command follows that would report it.
+                // No other command follows that would report the mistake.
                 System.err.println(Printable.error(e));
             }
             return Verdict.REFUSED;
@@ -74,7 +74,7 @@ final class TrialSession {
         return all.get(Math.min(request, all.size() - 1));
     }
 
-    // The launcher names the process. None means that it has finished.
+    // The launcher passes the id of the trials' process. If there is no such process, it has finished.
     private static void awaitEnd() {
         Progress.show("trying what each tag changes");
         ProcessHandle.of(Long.getLong("orlu.trials", 0)).ifPresent(trials -> trials.onExit().join());

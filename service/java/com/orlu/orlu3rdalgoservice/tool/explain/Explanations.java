@@ -52,7 +52,7 @@ public final class Explanations {
         return mNames;
     }
 
-    /** The same, and the parameters that it would write if a tag had another value. */
+    /** names(), and the parameters that the request would write if a tag had another value. */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
         mDependences.all().forEach(tag -> possible.addAll(tag.parameters()));

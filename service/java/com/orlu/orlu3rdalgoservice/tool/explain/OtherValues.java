@@ -25,7 +25,7 @@ final class OtherValues {
     private static final double[] FACTORS = {1.5, 0.5, -1, 1.001, 10, 0.1, 100, 0.01};
     private static final int INT_BITS = 31;
     private static final int LONG_BITS = 63;
-    /** How many elements of an array are changed one by one; the rest change only all together. */
+    /** The most elements of an array that are changed one by one, not only all together. */
     private static final int ELEMENTS = 64;
     /** The lengths of arrays tried for an absent tag. */
     private static final int[] LENGTHS = {16, 1, 2, 3, 4, 8, 9, 256};
@@ -33,7 +33,7 @@ final class OtherValues {
 
     private final List<Object> mValues = new ArrayList<>();
 
-    /** Returns values of the class of the present one. The first is null, which removes the tag. */
+    /** Returns values of the same class as `held`. The first value is null, which removes the tag. */
     static List<Object> insteadOf(Object held) {
         OtherValues others = new OtherValues();
         others.mValues.add(null);
@@ -99,7 +99,7 @@ final class OtherValues {
         return type == byte.class || type == Byte.class ? (Object) (byte) number : (Object) number;
     }
 
-    // Several rules can give the same number, which is added once. Arrays never compare equal.
+    // Several rules can give the same number, which is added only once. Equal arrays are not detected.
     private void add(Object value) {
         if (!mValues.contains(value)) {
             mValues.add(value);
@@ -217,7 +217,7 @@ final class OtherValues {
         }
     }
 
-    // Changes the first element to each of its other values.
+    // Adds copies of the array in which the first element has another value.
     private void addElements(Object array) {
         OtherValues elements = new OtherValues();
         elements.addOthers(array instanceof byte[] bytes ? (Object) (int) bytes[0] : Array.get(array, 0));
@@ -250,7 +250,7 @@ final class OtherValues {
                 ? ofClass(element.getClass(), number.doubleValue() + 1) : element + "1";
     }
 
-    // New elements copy the last one, or the value for an absent tag.
+    // New elements repeat the last one. In an empty array, they have a value that is tried for absent tags.
     private static Object resized(Object array, int length) {
         int kept = Math.min(length, Array.getLength(array));
         Class<?> component = array.getClass().getComponentType();

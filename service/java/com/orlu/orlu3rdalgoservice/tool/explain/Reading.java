@@ -6,7 +6,7 @@ package com.orlu.orlu3rdalgoservice.tool.explain;
  * @param source "composition" or "captureResult"
  * @param asked  the requested class; "" if unknown
  * @param held   the class of the value; "" if absent
- * @param value  as in a request file; "" if absent
+ * @param value  the value as in a request file; "" if absent
  */
 public record Reading(
         int frame, String tag, String source, Outcome outcome, String asked, String held, String value) {
@@ -15,9 +15,9 @@ public record Reading(
         FOUND,
         ABSENT,
         WRONG_TYPE,
-        /** Missing from every table. */
+        /** No table has the tag. */
         UNKNOWN,
-        /** Nobody asked. */
+        /** The tag was not looked up. */
         NEVER_READ
     }
 

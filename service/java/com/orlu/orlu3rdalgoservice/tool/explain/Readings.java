@@ -23,7 +23,7 @@ public final class Readings {
     private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
     private final Dependences mDependences;
 
-    /** The dependences name the types that composition values are read as; they may be unknown. */
+    /** The dependences name the type that each composition value is read as; they may be unknown. */
     Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
         mDependences = dependences;
         events.events("lookup").forEach(this::add);
@@ -83,7 +83,7 @@ public final class Readings {
             return;
         }
         if (!inComposition) {
-            // The composition was asked first and lacked the tag.
+            // The composition was searched first and did not have the tag.
             mReadings.computeIfPresent(
                     new Key(frame, tag, true), (key, reading) -> reading.is(Outcome.ABSENT) ? null : reading);
         }

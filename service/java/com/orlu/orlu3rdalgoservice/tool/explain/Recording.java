@@ -28,8 +28,8 @@ final class Recording {
     }
 
     /**
-     * Returns the names with other values, in the order of their writes, than another recording, and the
-     * names that moved past others.
+     * Returns the names that another recording writes with other values or another number of times, and the
+     * names whose order of writing differs.
      */
     Set<String> differences(byte[] otherRecord) {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
@@ -60,7 +60,7 @@ final class Recording {
         return mWrites.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // Both orders have each name equally often. Names outside their longest common subsequence have moved.
+    // Both lists have each name equally often. Names outside their longest common subsequence have moved.
     private static Set<String> moved(List<String> before, List<String> after) {
         if (before.equals(after)) {
             return Set.of();

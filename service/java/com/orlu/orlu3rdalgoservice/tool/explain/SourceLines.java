@@ -29,7 +29,7 @@ public final class SourceLines {
     private String mTool = "addr2line";
     private String mProblem = "";
 
-    /** Learns from these events which file each address lies in. */
+    /** Reads from these events the paths of the loaded files, and the machine that they are for. */
     public void learn(RecordedEvents events) {
         for (Event header : events.events("header")) {
             mTool = header.text("machine").startsWith("arm") ? "arm-linux-gnueabihf-addr2line" : "addr2line";
@@ -45,9 +45,9 @@ public final class SourceLines {
     }
 
     /**
-     * Returns the most specific source line of each call: on its stack, innermost first, the first line
-     * shared by the fewest kinds of call. This skips lines that all calls pass through. Null if no line is
-     * known.
+     * Returns the most specific source line of each call: of the lines on its stack, the one that the fewest
+     * kinds of calls share, or the innermost of several such lines. This skips lines that all calls pass
+     * through. Null if no line is known.
      */
     public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
@@ -70,8 +70,8 @@ public final class SourceLines {
         return telling;
     }
 
-    // Rows are written by templates in headers, which say nothing about the row. Their lines count only if
-    // there are no others.
+    // Templates in headers write all rows, so a line of a header does not identify the row. Such lines count
+    // only if there are no others.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();
@@ -99,7 +99,7 @@ public final class SourceLines {
             mProblem = "no event has the path of " + module;
             return;
         }
-        // Java's own spawn helper is a program of the emulated machine and can't run here.
+        // In the emulator, Java's spawn helper is a program for the emulated machine, which can't run here.
         System.setProperty("jdk.lang.Process.launchMechanism", "VFORK");
         List<String> command = new ArrayList<>(List.of(mTool, "-a", "-f", "-i", "-C", "-e", path));
         command.addAll(offsets);

@@ -14,7 +14,7 @@ public final class TagRows {
     public record Row(String tag, String frames, String text) {
     }
 
-    // Tag to text to frames.
+    // Maps each tag to its texts, and each text to its frames.
     private final Map<String, Map<String, List<Integer>>> mRows = new TreeMap<>();
 
     void add(String tag, int frame, String text) {

@@ -33,8 +33,8 @@ final class TrialRequest implements AutoCloseable {
     }
 
     /**
-     * Whether a composition was asked for a tag, and the class that its capture result was asked for; null if
-     * it was not asked.
+     * Whether a tag was looked up in the composition, and the class that was requested from the capture
+     * result; null if the tag was not looked up there.
      */
     record Asked(boolean composition, Class<?> captureResult) {
     }

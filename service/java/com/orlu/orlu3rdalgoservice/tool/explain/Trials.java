@@ -129,7 +129,7 @@ public final class Trials {
         return mRequest.run(changes);
     }
 
-    // A clock needs time to change.
+    // Sleeps between runs, so that values from a clock change.
     private void findUnsteady() {
         for (int i = 0; i < BASELINES; ++i) {
             try {
@@ -214,7 +214,7 @@ public final class Trials {
         return new Change(subject.frame, subject.inComposition, subject.tag, subject.values.get(index));
     }
 
-    // Without the composition's value the capture result is asked, which reveals the class.
+    // Once the composition's value is removed, the capture result is read, which reveals the class.
     private void learnAskedClass(Subject subject) {
         Asked asked = mRequest.takeAsked(subject.frame).get(subject.tag);
         if (subject.asked.isEmpty() && asked != null && asked.captureResult() != null) {
