@@ -5,12 +5,12 @@ import java.util.List;
 /**
  * One entry of a metadata buffer in the camera service's dump.
  *
- * @param line   its line in the file, from 1
+ * @param line   the line of the entry in the file, from 1
  * @param tag    section and name
  * @param number the tag's number in hexadecimal
  * @param type   byte, int32, int64, float, double or rational
  * @param count  the number of values in the buffer
- * @param values the printed values; a rational as "n/d"
+ * @param values the printed values; a rational has the form "n/d"
  */
 record DumpEntry(int line, String tag, String number, String type, long count, List<String> values) {
     String place() {

@@ -6,8 +6,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Finds the metadata buffers in a camera service's dump, ignoring other text. Notes what is cut or damaged
- * and reads the rest.
+ * Finds the metadata buffers in a camera service's dump, ignoring other text. Notes truncated or damaged
+ * entries and reads the rest.
  */
 final class DumpParser {
     /** More values than a tag can hold. */
@@ -34,7 +34,7 @@ final class DumpParser {
         mNotes = notes;
     }
 
-    /** Returns the buffers in the text's order. */
+    /** Returns the buffers in the order of the text. */
     List<List<DumpEntry>> parse(List<String> lines) {
         for (int i = 0; i < lines.size(); ++i) {
             String line = lines.get(i);

@@ -18,7 +18,7 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Converts the entries of one buffer, of the camera layer's types, to the tags of a frame, of Java's types.
+ * Converts the entries of one buffer to the tags of a frame, and the camera layer's types to Java's.
  */
 final class DumpTags {
     private static final int UNSIGNED_MOST = 255;
@@ -27,7 +27,7 @@ final class DumpTags {
     private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
     private static final String GPS_METHOD = "android.jpeg.gpsProcessingMethod";
     private static final String GPS_TIME = "android.jpeg.gpsTimestamp";
-    /** Entries that form one tag together, and their types. */
+    /** Entries that are parts of a tag, and their types. */
     private static final Map<String, String> PARTS = Map.of(FACE_RECTANGLES, "int32", FACE_SCORES, "byte",
             GPS_COORDINATES, "double", GPS_METHOD, "byte", GPS_TIME, "int64");
 
@@ -89,7 +89,7 @@ final class DumpTags {
         }
     }
 
-    // The note adds the file and the place.
+    // The note adds the file and the line.
     private static MistakeException damaged(String problem) {
         return new MistakeException("", "", problem);
     }
@@ -159,7 +159,7 @@ final class DumpTags {
         }
     }
 
-    // Bytes are printed without a sign, or with one.
+    // Some dumps print bytes as signed numbers, others as unsigned ones.
     private static int byteOf(DumpEntry entry, String text) throws MistakeException {
         int value = integer(entry, text);
         if (value < Byte.MIN_VALUE || value > UNSIGNED_MOST) {
@@ -192,7 +192,7 @@ final class DumpTags {
         return bytes.toByteArray();
     }
 
-    // Removes the zero byte that ends most texts.
+    // Removes the zero bytes that terminate most texts.
     private static String text(DumpEntry entry) throws MistakeException {
         return new String(bytes(entry), StandardCharsets.UTF_8).replaceFirst("\0+$", "");
     }
@@ -213,7 +213,7 @@ final class DumpTags {
         return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
-    // Unlike other rectangles, a face's has edges instead of sizes.
+    // A face's rectangle has four edges; other rectangles have a corner and a size.
     private void addFaces() {
         DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
         DumpEntry scores = mParts.get(FACE_SCORES);

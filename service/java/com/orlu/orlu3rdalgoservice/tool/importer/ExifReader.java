@@ -52,7 +52,7 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads a JPEG file, or a DNG or another TIFF file. Throws if it has no such structure. */
+    /** Reads a JPEG file, or a DNG or another TIFF file. Throws if the file has another structure. */
     static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
             Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)
@@ -95,7 +95,7 @@ final class ExifReader {
         addFlash();
         addChoice("android.jpeg.orientation", ExifDirectoryBase.TAG_ORIENTATION, "Orientation",
                 new int[] {-1, 0, -1, 180, -1, -1, 90, -1, 270});
-        // EXIF knows automatic and manual white balance; manual becomes off.
+        // EXIF distinguishes automatic and manual white balance; manual becomes off.
         addChoice("android.control.awbMode", ExifDirectoryBase.TAG_WHITE_BALANCE_MODE, "WhiteBalance",
                 new int[] {1, 0});
         addPattern();

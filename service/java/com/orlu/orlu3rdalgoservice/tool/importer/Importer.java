@@ -15,8 +15,8 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Collects frames and pictures from files of several forms: pictures by extension, a text that begins with a
- * brace as an image test's JSON, any other text as a dump, and pixels without a header.
+ * Collects frames and pictures. A picture is recognised by its extension, an image test's JSON by a leading
+ * brace; any other text is a dump, and any other file is pixels without a header.
  */
 public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -37,7 +37,7 @@ public final class Importer {
         mNotes = notes;
     }
 
-    /** Reads the files, those that describe others first. Throws if a file has no known form. */
+    /** Reads the files, those with only pixels last, as others describe them. Throws for an unknown form. */
     public void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
@@ -157,7 +157,7 @@ public final class Importer {
         return first;
     }
 
-    // A picture that is not on the command line may be beside the JSON file, under its name.
+    // A picture that is not on the command line may lie beside the JSON file, with the same name.
     private void find(Expected expected) {
         SuiteOutput output = expected.output();
         mNotes.begin(expected.json());

@@ -6,7 +6,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Notes on what an import drops or reads in a surprising way: a line each, with place and reason. */
+/** Notes on what an import drops or reads in an unexpected way, one per line, with place and reason. */
 public final class Notes {
     private static final int MOST = 1000;
 
@@ -19,7 +19,7 @@ public final class Notes {
         mFile = file;
     }
 
-    /** Adds a note. `place` is ":" and a line, a field or empty. */
+    /** Adds a note. `place` is a line (":12"), a field, or empty. */
     void add(String place, String problem) {
         if (++mCount <= MOST) {
             mLines.add(Printable.line(mFile + (place.startsWith(":") ? place + ": note: "
@@ -31,7 +31,7 @@ public final class Notes {
         return mCount;
     }
 
-    /** The first notes, and how many others there are. */
+    /** The first notes, and the number of the others. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>(mLines);
         if (mCount > MOST) {

@@ -11,14 +11,14 @@ import java.util.stream.Collectors;
 
 /** Writes frames and pictures as the text of a request file. */
 public final class RequestWriter {
-    /** The nesting of tags, each of which has its own line. */
+    /** The nesting depth of tags, so that each tag is on its own line. */
     private static final int SPREAD_LEVELS = 4;
 
     private final Path mFolder;
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
 
-    /** Writes for a request file in this folder. */
+    /** Creates a writer of a request file in this folder. */
     public RequestWriter(Path folder, Importer imported) {
         mFolder = folder;
         mFrames = imported.frames();
@@ -56,7 +56,7 @@ public final class RequestWriter {
         return inputs;
     }
 
-    // The output is a JPEG if one is asked for, else it has the input's format.
+    // The output is a JPEG if jpegEncode is requested, else it has the first input's format.
     private Object output(List<String> algorithms) {
         return image(algorithms.contains("jpegEncode") ? PixelFormat.JPEG
                 : mPictures.isEmpty() ? PixelFormat.NV21 : mPictures.get(0).format());

@@ -13,8 +13,8 @@ import java.util.TreeMap;
  * A picture listed in an image test's JSON.
  *
  * @param name   the test's name of the format
- * @param format of the pixels
- * @param kind   of the file
+ * @param format the format of the pixels
+ * @param kind   the kind of the file
  */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
     /** The test's names of formats. YUV pictures have three contiguous planes. */

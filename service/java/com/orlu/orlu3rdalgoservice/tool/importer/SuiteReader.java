@@ -125,7 +125,7 @@ final class SuiteReader {
         }
     }
 
-    // The library does not read eyes, mouth and id.
+    // The library reads neither eyes nor mouth nor id.
     private static Object face(Json face) {
         try {
             Map<String, Object> edges = new LinkedHashMap<>(face.require("bounds").members());

@@ -10,8 +10,8 @@ import java.util.Map;
  *
  * @param by    the side that broke it
  * @param kind  a word for programs
- * @param event the begin of the first call that shows it, or its end if the result does
- * @param count how many calls of the operation show it
+ * @param event the event of the first call that shows it: the begin, or the end if the result shows it
+ * @param count the number of calls of the operation that show it
  */
 public record Breach(Side by, String kind, Event event, String expected, String found, int count) {
     /** The two sides of the contract. */

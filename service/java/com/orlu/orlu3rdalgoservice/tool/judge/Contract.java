@@ -23,10 +23,10 @@ import java.util.Set;
  * given out again, whichever threads do it.
  */
 public final class Contract {
-    /** Where the name begins in the bytes of a callback. */
+    /** The offset of the name in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
-    /** A synchronous request is waited for ten seconds, and its block may be destroyed then. */
+    /** The service waits ten seconds for a synchronous request; then it may destroy the request's block. */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
     /** How many finished requests are remembered; a callback for an older one is for an unknown request. */
     private static final int MOST_FINISHED = 4096;
@@ -34,7 +34,7 @@ public final class Contract {
     private final Map<Long, Event> mOpen = new HashMap<>();
     private final Set<Long> mClients = new HashSet<>();
     private final Set<Long> mBlocks = new HashSet<>();
-    // destroyClient calls that have not returned: the client may still be used inside its callbacks.
+    // Clients whose destroyClient call has not returned, by call. Their callbacks may still use them.
     private final Map<Long, Long> mEnding = new HashMap<>();
     private final Map<Long, Cookie> mCookies = new HashMap<>();
     private final Map<Request, Deque<Pending>> mPending = new HashMap<>();
@@ -44,11 +44,11 @@ public final class Contract {
     private record Request(long cookie, long nativeReq) {
     }
 
-    /** The client that a cookie is for; `ending` is the destroyClient that ends it, or 0. */
+    /** The client that a cookie belongs to; `ending` is the destroyClient call in progress for it, or 0. */
     private record Cookie(long client, long ending, boolean isDead) {
     }
 
-    /** A request that was not called back. */
+    /** A request without a callback so far. */
     private static final class Pending {
         final Event mProcess;
         boolean mIsRefused;
@@ -75,7 +75,7 @@ public final class Contract {
         return List.copyOf(mBreaches.values());
     }
 
-    // Another process begins, with addresses of its own.
+    // Another process begins, so earlier addresses have no meaning.
     private void clear() {
         List.of(mOpen, mEnding, mCookies, mPending).forEach(Map::clear);
         List.of(mClients, mBlocks, mFinished).forEach(Set::clear);
@@ -96,7 +96,7 @@ public final class Contract {
     }
 
     private void call(Event event) {
-        // The library gets a null client if it made none.
+        // The service passes a null client if the library created none.
         long client = event.number("client");
         if (client != 0 && !mClients.contains(client) && !mEnding.containsValue(client)) {
             breach(Side.SERVICE, "dead-client", event, "has the client " + event.text("client"),
@@ -151,7 +151,7 @@ public final class Contract {
         }
     }
 
-    // How large a result is in the library, which the probe finds out during getValue.
+    // Checks the size that a result has in the library; the probe reads it during getValue.
     private void held(Event event) {
         mOpen.values().stream().filter(open -> open.operation().equals("getValue")
                 && open.number("tid") == event.number("tid")).findFirst().ifPresent(open -> {

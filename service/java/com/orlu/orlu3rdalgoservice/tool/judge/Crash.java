@@ -77,7 +77,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // With no operation in progress, it was the library's own thread or the process's regular exit.
+    // Without an operation in progress, the library's own thread or the process's exit was the cause.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);

@@ -103,7 +103,7 @@ public final class ImageExhibit {
         return mChecksum;
     }
 
-    /** Whether the pixels come from a file. Frames made from one photo may well be alike. */
+    /** Whether the pixels come from a file. Frames made from the same photo may legitimately be equal. */
     boolean isOfFile() {
         return mIsOfFile;
     }

@@ -11,7 +11,7 @@ import java.util.Map;
 
 /** Finds problems in a request's images; compares each output with the input it was made from. */
 public final class ImageFindings {
-    // Levels, of 255.
+    // Levels from 0 to 255.
     private static final double BLACK_MEAN = 3;
     private static final int BLACK_LEVEL = 12;
     private static final double DARK_INPUT_MEAN = 8;
@@ -28,7 +28,7 @@ public final class ImageFindings {
     private final boolean mHasPass;
     private final List<Finding> mFindings = new ArrayList<>();
 
-    /** Without an algorithm pass, outputs stay unwritten. */
+    /** Without an algorithm pass nothing writes the outputs, so their content is not checked. */
     public ImageFindings(Exhibits exhibits, boolean hasPass) {
         mExhibits = exhibits;
         mHasPass = hasPass;
@@ -127,7 +127,7 @@ public final class ImageFindings {
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // Outputs are zeroed before the request, so rows still zero weren't written.
+    // Outputs are zeroed before the request, so rows that are still zero were not written.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {

@@ -12,7 +12,7 @@ import java.util.Set;
 
 /** Judges one request over a usable library by its events and its outputs. */
 public final class Judge {
-    /** Results below 0 mean that a key is missing or that a visitor does not know it. */
+    /** Operations whose negative results mean a missing or unknown key, not a failure. */
     private static final Set<String> ANSWERING =
             Set.of("getValue", "visit", "paramAlgoUpdateToSystem", "paramSystemDownloadToAlgo");
 
@@ -27,7 +27,7 @@ public final class Judge {
         mCallbacks = new Callbacks(run.events(), run.request().fullAsync(), run.ran());
     }
 
-    /** The problems are those of outputs that the algorithms should have written. */
+    /** `outputProblems` are the problems of outputs that the algorithms should have written. */
     public static Verdict of(Run run, List<String> outputProblems) {
         return new Judge(run, outputProblems).judge();
     }

@@ -14,7 +14,7 @@ import java.util.List;
  */
 public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
     public static final int OK = 0;
-    /** A request failed on its way. */
+    /** A request failed. */
     public static final int FAILED = 1;
     /** The command line or a request file is invalid. */
     public static final int REFUSED = 2;
