@@ -213,7 +213,7 @@ final class DumpTags {
         return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
-    // A face's rectangle has four edges; other rectangles have a corner and a size.
+    // Like metering regions, faces have four edges; only RECT entries have a corner and a size.
     private void addFaces() {
         DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
         DumpEntry scores = mParts.get(FACE_SCORES);
