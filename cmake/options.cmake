@@ -48,7 +48,8 @@ endif()
 
 # orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every source
 # below SOURCE_DIR into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS targets of this function,
-# RESOURCES files below SOURCE_DIR to put into the jar.
+# RESOURCES files below SOURCE_DIR to put into the jar. String concatenation is compiled to plain calls: otherwise
+# each start of the VM links it anew, because class archives can't hold the result.
 function(orlu_add_jar name source_dir)
   cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)
@@ -72,7 +73,7 @@ function(orlu_add_jar name source_dir)
     OUTPUT ${jar}
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${classes} ${ORLU_JAVA_OUTPUT_DIRECTORY}
-    COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -d ${classes} ${class_path_option} ${sources}
+    COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -XDstringConcat=inline -d ${classes} ${class_path_option} ${sources}
     ${copy_resources}
     COMMAND ${Java_JAR_EXECUTABLE} --create --file ${jar} -C ${classes} .
     DEPENDS ${sources} ${resource_files} ${JAR_DEPENDS} ${jars}
