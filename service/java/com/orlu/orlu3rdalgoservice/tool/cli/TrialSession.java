@@ -21,6 +21,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Set;
 
 /**
  * The trials of one command line. They run in their own process beside the command: the native library opens
@@ -40,13 +41,13 @@ final class TrialSession {
             if (command instanceof TrialsCommand alone) {
                 to = alone.record;
                 GivenPaths.checkRead(List.of(alone.request));
-                all.add(trials(RequestFileReader.read(alone.request, null), library));
+                all.add(trials(RequestFileReader.read(alone.request, null), alone.only, library));
             } else if (command instanceof RunCommand run && !run.checked().tried.check
                     && run.tried.jobs == 0) {
                 for (Path file : run.requests()) {
                     RequestFile request = RequestFileReader.read(file, run.tried.photo);
                     RequestTags.set(request, run.tried.tags);
-                    all.add(trials(request, library));
+                    all.add(trials(request, Set.of(), library));
                 }
             }
         } catch (IllegalArgumentException | MistakeException e) {
@@ -81,12 +82,12 @@ final class TrialSession {
         Progress.end();
     }
 
-    private static Dependences trials(RequestFile request, String library)
+    private static Dependences trials(RequestFile request, Set<String> only, String library)
             throws MistakeException, ErrnoException {
         boolean isSized = !request.needsPhoto() || request.frames().width() > 0;
         Picture photo = isSized ? null : FrameSynthesis.load(request.photo());
         FrameSize size = photo == null ? FrameSize.of(request, List.of())
                 : new FrameSynthesis(request.frames(), false).size(request.place(), photo);
-        return Trials.of(request, size, library);
+        return Trials.of(request, size, only, library);
     }
 }

@@ -57,11 +57,21 @@ public final class Causes {
             lines.add("and " + (tags.size() - SHOWN) + " more tags");
         }
         if (tags.isEmpty()) {
-            lines.add(mRuns.stream().anyMatch(run -> run.unsteady().contains(name))
+            lines.add(isUnsteady(name)
                     ? Handover.shortName(name) + " changes with each translation"
                     : "no differing tag explains it; " + dependsOn(name));
         }
         return lines;
+    }
+
+    /** Whether a differing tag explains the difference, or the parameter changes by itself. */
+    public boolean explain(Difference difference) {
+        String name = difference.parameter();
+        return isUnsteady(name) || mGiven.stream().anyMatch(tag -> changes(tag, name));
+    }
+
+    private boolean isUnsteady(String parameter) {
+        return mRuns.stream().anyMatch(run -> run.unsteady().contains(parameter));
     }
 
     // The tags that a parameter depends on, whether they differ or not.

@@ -15,10 +15,14 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.HashSet;
 import java.util.List;
+import java.util.Set;
+import java.util.stream.Collectors;
 
 /** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
+    /** How many differing tags are tried alone. More would not fit on a command line. */
+    private static final int FEW = 50;
 
     /**
      * The options of a comparison.
@@ -55,10 +59,11 @@ public final class ComparisonReport {
                 mOptions.tolerance(), new OutputComparison(mOptions.out(), name));
         List<Difference> differences = comparison.differences();
         boolean canComeFromTags = differences.stream().anyMatch(Difference::canComeFromTags);
-        Causes causes = mOptions.explains() && canComeFromTags && hasFrames() ? causes() : null;
+        List<Difference> shown = differences.subList(0, Math.min(SHOWN, differences.size()));
+        Causes causes = mOptions.explains() && canComeFromTags && hasFrames() ? causes(shown) : null;
         mPrinted.println(Printable.line(title) + ": " + (differences.isEmpty() ? "equal" : "different") + ", "
                 + comparison.compared());
-        for (Difference difference : differences.subList(0, Math.min(SHOWN, differences.size()))) {
+        for (Difference difference : shown) {
             mTo.print(2, difference.text());
             if (causes != null && difference.canComeFromTags()) {
                 causes.lines(difference).forEach(line -> mTo.print(4, line));
@@ -87,20 +92,32 @@ public final class ComparisonReport {
         return mOne.folder() != null && mOther.folder() != null;
     }
 
-    private static Dependences trials(Path request) throws IOException {
+    private static Dependences trials(Path request, Set<String> only) throws IOException {
         try {
-            return Dependences.read(new ChildRun("trials", false, null).trials(request)).get(0);
+            return Dependences.read(new ChildRun("trials", false, null).trials(request, only)).get(0);
         } catch (IllegalStateException e) {
             return Dependences.unknown(Printable.message(e));
         }
     }
 
+    // The tags that differ usually explain every difference. Trials of all tags take much longer.
+    private Causes causes(List<Difference> shown) throws IOException {
+        Set<String> differing = mGiven.stream().map(GivenTag::tag).collect(Collectors.toSet());
+        if (!differing.isEmpty() && differing.size() <= FEW) {
+            Causes causes = causes(differing);
+            if (shown.stream().filter(Difference::canComeFromTags).allMatch(causes::explain)) {
+                return causes;
+            }
+        }
+        return causes(Set.of());
+    }
+
     // A tag may matter in only one of the runs, so both have trials unless their inputs are equal.
-    private Causes causes() throws IOException {
+    private Causes causes(Set<String> only) throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
             Progress.show("trying what each tag of " + run.name() + " changes");
-            found.add(trials(run.folder().resolve(RunFolder.REQUEST)));
+            found.add(trials(run.folder().resolve(RunFolder.REQUEST), only));
         }
         Progress.end();
         return new Causes(mGiven, found);

@@ -13,18 +13,12 @@ import java.util.Set;
 /** The parameters that one translation wrote. */
 final class Recording {
     private final byte[] mRecord;
-    private final List<Write> mWrites;
-    private final Map<String, List<byte[]>> mValues = new HashMap<>();
+    /** Where each write starts in the record; the last element is the record's size. */
+    private final int[] mStarts;
 
     Recording(byte[] record) {
         mRecord = record;
-        mWrites = TrialLibrary.parse(record);
-        mWrites.forEach(write ->
-                mValues.computeIfAbsent(write.name(), name -> new ArrayList<>()).add(write.value()));
-    }
-
-    Set<String> names() {
-        return mValues.keySet();
+        mStarts = TrialLibrary.starts(record);
     }
 
     /**
@@ -35,11 +29,51 @@ final class Recording {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
+    // Only the writes between the equal ones at both ends are decoded: a trial changes few of hundreds.
     private Set<String> differences(Recording other) {
-        Set<String> names = new HashSet<>(mValues.keySet());
-        names.addAll(other.mValues.keySet());
-        names.removeIf(name -> isSame(mValues.get(name), other.mValues.get(name)));
-        names.addAll(moved(order(names), other.order(names)));
+        int most = Math.min(count(), other.count());
+        int head = 0;
+        while (head < most && isSame(head, other, head)) {
+            ++head;
+        }
+        int tail = 0;
+        while (tail < most - head && isSame(count() - 1 - tail, other, other.count() - 1 - tail)) {
+            ++tail;
+        }
+        List<Write> before = writes(head, count() - tail);
+        List<Write> after = other.writes(head, other.count() - tail);
+        Set<String> names = changed(values(before), values(after));
+        if (!order(before, names).equals(order(after, names))) {
+            names.addAll(moved(order(writes(0, count()), names),
+                    order(other.writes(0, other.count()), names)));
+        }
+        return names;
+    }
+
+    private int count() {
+        return mStarts.length - 1;
+    }
+
+    private List<Write> writes(int from, int to) {
+        return TrialLibrary.parse(mRecord, mStarts[from], mStarts[to]);
+    }
+
+    private boolean isSame(int write, Recording other, int otherWrite) {
+        return Arrays.equals(mRecord, mStarts[write], mStarts[write + 1],
+                other.mRecord, other.mStarts[otherWrite], other.mStarts[otherWrite + 1]);
+    }
+
+    private static Map<String, List<byte[]>> values(List<Write> writes) {
+        Map<String, List<byte[]>> values = new HashMap<>();
+        writes.forEach(write ->
+                values.computeIfAbsent(write.name(), name -> new ArrayList<>()).add(write.value()));
+        return values;
+    }
+
+    private static Set<String> changed(Map<String, List<byte[]>> before, Map<String, List<byte[]>> after) {
+        Set<String> names = new HashSet<>(before.keySet());
+        names.addAll(after.keySet());
+        names.removeIf(name -> isSame(before.get(name), after.get(name)));
         return names;
     }
 
@@ -56,15 +90,13 @@ final class Recording {
     }
 
     // The names of the writes except the given ones.
-    private List<String> order(Set<String> without) {
-        return mWrites.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
+    private static List<String> order(List<Write> writes, Set<String> without) {
+        return writes.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // Both lists have each name equally often. Names outside their longest common subsequence have moved.
+    // The lists differ, and have each name equally often. Names outside their longest common subsequence have
+    // moved.
     private static Set<String> moved(List<String> before, List<String> after) {
-        if (before.equals(after)) {
-            return Set.of();
-        }
         int[][] longest = new int[before.size() + 1][after.size() + 1];
         for (int i = before.size() - 1; i >= 0; --i) {
             for (int j = after.size() - 1; j >= 0; --j) {

@@ -5,9 +5,13 @@ import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.IntStream;
 
 /** The algorithm library for trials. The native library must have opened it before any call. */
 final class TrialLibrary {
+    /** A write is a section, a key and a value. */
+    private static final int PARTS = 3;
+
     private TrialLibrary() {
     }
 
@@ -32,8 +36,23 @@ final class TrialLibrary {
         return record;
     }
 
-    static List<Write> parse(byte[] record) {
+    /** Returns where each write starts in a record, and the record's size. */
+    static int[] starts(byte[] record) {
+        IntStream.Builder starts = IntStream.builder();
         ByteBuffer bytes = ByteBuffer.wrap(record).order(ByteOrder.nativeOrder());
+        while (bytes.hasRemaining()) {
+            starts.add(bytes.position());
+            for (int part = 0; part < PARTS; ++part) {
+                int size = bytes.getInt();
+                bytes.position(bytes.position() + size);
+            }
+        }
+        return starts.add(record.length).build().toArray();
+    }
+
+    /** Returns the writes in a range of a record. */
+    static List<Write> parse(byte[] record, int from, int to) {
+        ByteBuffer bytes = ByteBuffer.wrap(record, from, to - from).order(ByteOrder.nativeOrder());
         List<Write> writes = new ArrayList<>();
         while (bytes.hasRemaining()) {
             String section = new String(next(bytes), StandardCharsets.UTF_8);

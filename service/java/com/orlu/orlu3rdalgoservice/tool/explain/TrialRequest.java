@@ -83,9 +83,10 @@ final class TrialRequest implements AutoCloseable {
 
     /**
      * Translates the request with some values changed, and returns the record of its writes. Throws
-     * IllegalArgumentException, without running, if the capture result can't hold a value.
+     * IllegalArgumentException, without running, if the capture result can't hold a value. Look-ups are
+     * recorded only on request, since that takes time.
      */
-    byte[] run(List<Change> changes) {
+    byte[] run(List<Change> changes, boolean recordsLookups) {
         List<Object> before = new ArrayList<>();
         try {
             for (Change change : changes) {
@@ -93,7 +94,7 @@ final class TrialRequest implements AutoCloseable {
                 set(change, change.value());
                 before.add(held);
             }
-            return run();
+            return run(recordsLookups);
         } finally {
             for (int i = 0; i < before.size(); ++i) {
                 set(changes.get(i), before.get(i));
@@ -118,10 +119,13 @@ final class TrialRequest implements AutoCloseable {
         }
     }
 
-    private byte[] run() {
+    private byte[] run(boolean recordsLookups) {
         List<CaptureResultComposition> compositions = new ArrayList<>();
         for (int i = 0; i < mFrames.size(); ++i) {
-            compositions.add(composition(mFrames.get(i), mAsked.get(i)));
+            Map<String, Asked> asked = mAsked.get(i);
+            Frame frame = mFrames.get(i);
+            compositions.add(recordsLookups ? recording(frame, asked) : plain(frame));
+            frame.composition().forEach(compositions.get(i)::putMetadata);
         }
         mDone = null;
         mService.processImage(mClient, mRequest, mInputs, mOutputs, compositions);
@@ -135,13 +139,16 @@ final class TrialRequest implements AutoCloseable {
         return record;
     }
 
-    private static CaptureResultComposition composition(Frame frame, Map<String, Asked> asked) {
-        TrialComposition composition = new TrialComposition(frame.captureResult(),
-                key -> asked.merge(key, new Asked(true, null), TrialRequest::both));
+    private static CaptureResultComposition plain(Frame frame) {
+        frame.captureResult().setLookupListener(null);
+        return new CaptureResultComposition(frame.captureResult());
+    }
+
+    private static CaptureResultComposition recording(Frame frame, Map<String, Asked> asked) {
         frame.captureResult().setLookupListener((tag, type, held, thrown) ->
                 asked.merge(tag, new Asked(false, type), TrialRequest::both));
-        frame.composition().forEach(composition::putMetadata);
-        return composition;
+        return new TrialComposition(frame.captureResult(),
+                key -> asked.merge(key, new Asked(true, null), TrialRequest::both));
     }
 
     private static Asked both(Asked one, Asked other) {

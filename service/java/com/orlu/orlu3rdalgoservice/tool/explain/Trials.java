@@ -67,18 +67,19 @@ public final class Trials {
 
     private Trials(TrialRequest request) {
         mRequest = request;
-        mBaseline = new Recording(run(List.of()));
+        mBaseline = new Recording(run(List.of(), true));
     }
 
     /**
-     * Runs the trials of a request whose images have this size if the file gives none. See of(file, inputs,
-     * outputs, library) for the rest.
+     * Runs the trials of a request whose images have this size if the file gives none, of all tags or, if
+     * `only` is not empty, of the tags in it. See of(file, inputs, outputs, library) for the rest.
      */
-    public static Dependences of(RequestFile file, FrameSize size, String library)
+    public static Dependences of(RequestFile file, FrameSize size, Set<String> only, String library)
             throws ErrnoException, MistakeException {
         List<ImageBuffer> images = new ArrayList<>();
         try {
-            return of(file, empty(file.inputs(), size, images), empty(file.outputs(), size, images), library);
+            return of(file, empty(file.inputs(), size, images), empty(file.outputs(), size, images), only,
+                    library);
         } finally {
             images.forEach(ImageBuffer::close);
         }
@@ -91,9 +92,14 @@ public final class Trials {
      */
     public static Dependences of(
             RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {
+        return of(file, inputs, outputs, Set.of(), library);
+    }
+
+    private static Dependences of(RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs,
+            Set<String> only, String library) {
         TrialLibrary.load(library);
         try (TrialRequest request = new TrialRequest(file, inputs, outputs)) {
-            return of(request);
+            return of(request, only);
         }
     }
 
@@ -107,10 +113,11 @@ public final class Trials {
         return descriptors;
     }
 
-    private static Dependences of(TrialRequest request) {
+    private static Dependences of(TrialRequest request, Set<String> only) {
         long start = System.nanoTime();
         Trials trials = new Trials(request);
         List<Subject> subjects = trials.subjects();
+        subjects.removeIf(subject -> !only.isEmpty() && !only.contains(subject.tag));
         trials.findUnsteady();
         Map<String, List<Subject>> byTag = new TreeMap<>();
         subjects.forEach(
@@ -124,9 +131,9 @@ public final class Trials {
         return new Dependences(all, trials.mUnsteady, trials.mRuns, seconds, problem);
     }
 
-    private byte[] run(List<Change> changes) {
+    private byte[] run(List<Change> changes, boolean recordsLookups) {
         ++mRuns;
-        return mRequest.run(changes);
+        return mRequest.run(changes, recordsLookups);
     }
 
     // Sleeps between runs, so that values from a clock change.
@@ -137,14 +144,18 @@ public final class Trials {
             } catch (InterruptedException e) {
                 Thread.currentThread().interrupt();
             }
-            mUnsteady.addAll(mBaseline.differences(run(List.of())));
+            mUnsteady.addAll(mBaseline.differences(run(List.of(), false)));
         }
     }
 
     private Set<String> differences(List<Change> changes) {
+        return differences(changes, false);
+    }
+
+    private Set<String> differences(List<Change> changes, boolean recordsLookups) {
         byte[] record;
         try {
-            record = run(changes);
+            record = run(changes, recordsLookups);
         } catch (IllegalArgumentException e) {
             // The tag can't hold this value.
             return Set.of();
@@ -198,7 +209,8 @@ public final class Trials {
     private void tryTag(List<Subject> subjects) {
         for (Subject subject : subjects) {
             for (int i = 0; i < Math.min(ALONE, subject.values.size()); ++i) {
-                subject.parameters.addAll(differences(List.of(change(subject, i))));
+                subject.parameters.addAll(
+                        differences(List.of(change(subject, i)), subject.asked.isEmpty()));
             }
             learnAskedClass(subject);
         }

@@ -55,9 +55,12 @@ public final class ChildRun {
         return record(arguments);
     }
 
-    /** Runs the trials of a request, and returns the file with the results. */
-    public Path trials(Path request) throws IOException {
-        start(List.of("trials", request.toString(), "--record", file(RECORDINGS).toString()));
+    /** Runs the trials of a request's tags (an empty set for all), and returns the file with the results. */
+    public Path trials(Path request, Set<String> only) throws IOException {
+        List<String> arguments =
+                new ArrayList<>(List.of("trials", request.toString(), "--record", file(RECORDINGS).toString()));
+        only.forEach(tag -> arguments.add("--only=" + tag));
+        start(arguments);
         return recorded();
     }
 
