@@ -156,8 +156,16 @@ def measures_stages(folder, sample):
 
 
 with tempfile.TemporaryDirectory() as folder:
-    measures_stages(Path(folder), "night")
-    measures_stages(Path(folder), "night-async")
+    for timed in "night", "night-async":
+        # On a loaded machine a thread can wait between two readings of a clock. Real faults persist, so try again.
+        for _ in range(3):
+            failures_before = len(failures)
+            measures_stages(Path(folder), timed)
+            found = failures[failures_before:]
+            if not found:
+                break
+            del failures[failures_before:]
+        failures += found
     for case in CASES.strip().splitlines():
         samples, fault, slice_counts, arrow_points = (field.strip() for field in case.split("|"))
         planted = {"ORLU_ALGO_LIBRARY": str(BUILD / "planted/planted_algo.so"), "ORLU_PLANTED": fault}
