@@ -10,6 +10,7 @@ make_catalogue.py --check SAMPLE...   check only these samples (names without .j
 A whole run takes about a minute. Needs a built ./run, or builds it; ORLU_BUILD names a build folder.
 """
 
+import argparse
 import concurrent.futures
 import json
 import os
@@ -301,12 +302,16 @@ def page(catalogue):
 
 
 def main():
-    arguments = sys.argv[1:]
-    is_check = arguments[:1] == ["--check"]
-    chosen = arguments[1:] if is_check else []
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    modes = parser.add_mutually_exclusive_group()
+    modes.add_argument("--texts", action="store_true", help=argparse.SUPPRESS)
+    modes.add_argument("--check", nargs="*", metavar="SAMPLE", help=argparse.SUPPRESS)
+    arguments = parser.parse_args()
+    is_check = arguments.check is not None
+    chosen = arguments.check or []
     known = catalogue_entries.rows_of(json.loads(CATALOGUE.read_text()))
     problems = []
-    if arguments == ["--texts"]:
+    if arguments.texts:
         rows, samples = known, []
     else:
         samples = chosen or [sample.name for sample in catalogue_entries.samples()]
