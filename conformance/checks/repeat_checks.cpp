@@ -75,7 +75,7 @@ public:
     request.outputs = {&output};
     submit(mScene.client, mScene.inbox, mScene.parameters, request);
     mScene.inbox.waitFor(mLast);
-    // One with the same shape, for a library that keeps buffers by size.
+    // A picture with the same shape, for a library that keeps buffers by size.
     const Image same({}, 133);
     request.nativeReq = ++mLast;
     request.inputs = {&same};

@@ -88,7 +88,7 @@ void callPlain(const std::function<void(void*)>& callable, Arguments&&... argume
 }
 
 // The reason of checks that are skipped because the library can't be used. The command then fails.
-constexpr char kUnusable[] = "the library can't be used; the checks loading and layout say why";
+constexpr char kUnusable[] = "the library can't be used; see the checks loading and layout";
 
 // Opens the library for a check, or skips the check.
 #define OPEN_LIBRARY(library)               \

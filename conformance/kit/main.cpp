@@ -87,7 +87,7 @@ class Rounds : public testing::EmptyTestEventListener {
     if (round > 0) ++options().seed;
     const bool isShuffled = testing::GTEST_FLAG(shuffle);
     if (gIsQuiet || (testing::GTEST_FLAG(repeat) == 1 && !isShuffled)) return;
-    std::printf("round %d, to be had again with --seed %u%s\n", round + 1, options().seed,
+    std::printf("round %d (to repeat it: --seed %u%s)\n", round + 1, options().seed,
                 isShuffled ? (" --shuffle " + std::to_string(test.random_seed())).c_str() : "");
   }
 };

@@ -197,8 +197,8 @@ void printTable(const std::vector<PerfRow>& rows, const std::vector<PerfRow>& be
     std::printf("\n");
   }
   std::printf(
-      "Each the median of %d requests, from process to the callback; noise: the median distance\n"
-      "from it. A change is named if it exceeds %g times the noise of both runs, and %g %%.\n",
+      "Each time is the median of %d requests, from process to the callback; noise is the median\n"
+      "distance from it. A change is shown if it exceeds %g times the noise of both runs, and %g %%.\n",
       kRepeats, kNoises, 100 * kLeastChange);
 }
 
