@@ -72,9 +72,9 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
         if row[0] not in names:
             failures.append(f"{place}: there is no {what} {row[0]}")
         if once and row[0] in found:
-            failures.append(f"{place}: {row[0]} has a row already")
+            failures.append(f"{place}: {row[0]} already has a row")
         if sentence and not re.search(r"[.!?]$", row[-1]):
-            failures.append(f"{place}: {row[-1]!r} is no sentence")
+            failures.append(f"{place}: {row[-1]!r} is not a sentence")
         found.append(row[0])
     if every:
         failures.extend(f"{file.relative_to(ROOT)}: no row for the {what} {name}"
@@ -82,7 +82,7 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
         order = list(dict.fromkeys(found))
         if not failures and order != list(names):
             wrong = next(a for a, b in zip(order, names) if a != b)
-            failures.append(f"{file.relative_to(ROOT)}: {wrong} is not where the order puts it")
+            failures.append(f"{file.relative_to(ROOT)}: {wrong} is out of order")
     return len(found)
 
 

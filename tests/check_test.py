@@ -325,7 +325,7 @@ def survives_mutations():
     for line in lines:
         match = LINE.match(line)
         if not match or "Exception" in line:
-            failures.append(f"a line names no place: {line}")
+            failures.append(f"a message has no position: {line}")
         elif "warning: " not in line:
             wrong.add(match["file"])
             length = len(Path(match["file"]).read_text().splitlines()) + 1

@@ -52,14 +52,14 @@ REFUSED
 command_ends 2 mime.json b/minr.json none/mine.json
 for line in 'mime.json: error: no such file (did you mean mine.json?)' 'b/minr.json: error: no such file (did you mean b/mine.json?)' \
   'none/mine.json: error: no such file'; do
-  grep -qxF "$line" err || fail "\"$line\" is not said: $(cat err)"
+  grep -qxF "$line" err || fail "\"$line\" is not printed: $(cat err)"
 done
 
 echo "== Help and version, without a build"
 export ORLU_BUILD=none
 for help in --help -h; do
   command_ends 0 $help
-  diff "$root/service/help.txt" out >&2 || fail "$help prints something else than service/help.txt"
+  diff "$root/service/help.txt" out >&2 || fail "$help does not print service/help.txt"
 done
 command_ends 0 --version
 grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--version: $(cat out)"
@@ -79,7 +79,7 @@ done < <(sed -n '/^Subcommands/,/^$/s/^  \([a-z]*\) .*/\1/p' "$root/service/help
 
 echo "== Completion"
 command_ends 0 completion
-bash -n out || fail "the completion can't be read"
+bash -n out || fail "the completion has a syntax error"
 # completed LINE WORD...: expects that bash offers these words (and possibly others) after a line, except
 # words after "!".
 completed() {

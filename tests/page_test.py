@@ -108,7 +108,7 @@ def run(folder, requests, fault="", status=None, trials="off"):
 
 
 def request_with(name, folder, **members):
-    """A copy of the sample clarity with other members."""
+    """A copy of the sample clarity with these members replaced or added."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     request["photo"] = str(ROOT / "samples/photos/table.jpg")
     request.update(members)

@@ -36,9 +36,9 @@ def read_table():
         if line and not line.startswith("#"):
             section, key, kind, size, way = line.split()
             if (section, key) in rows:
-                fail(TABLE, number, f"{section} {key} has a row already")
+                fail(TABLE, number, f"{section} {key} already has a row")
             if rows and (section, key) < list(rows)[-1]:
-                fail(TABLE, number, f"{section} {key} is not where the order puts it")
+                fail(TABLE, number, f"{section} {key} is out of order")
             rows[section, key] = (kind, size, way.split(","))
     return rows
 

@@ -16,7 +16,7 @@ sed -i '/"buffer"/,/]/s/ 35$/ 17/' phone/request.json
 grep -q '^ *17$' phone/request.json || fail "no hardware buffer in phone/request.json"
 ends 0 '^phone: equal, 1[0-9][0-9] parameters' replay phone
 
-echo "== Runs that go wrong are recorded up to there"
+echo "== Failed runs are recorded up to the failure"
 export ORLU_ALGO_LIBRARY=$planted
 ORLU_PLANTED=silent ends 1 '^verdict  FAILED: no callback' --record silent --out images "$root/samples/capture.json"
 ORLU_PLANTED=silent ends 0 ': equal, 1[0-9][0-9] parameters' replay silent
@@ -56,7 +56,7 @@ ends 2 'inputs\[3\].file: cut/input3.bin is cut or damaged; expected [0-9]* byte
 mkdir old && touch old/recording
 ends 2 'recordings of version 1 are no longer read' info old
 
-echo "== Recordings of strangers"
+echo "== Untrusted recordings"
 printf x >outside
 cp -r "$night" strange
 for name in ../outside "$PWD/outside" /dev/zero link.bin fifo.bin folder.bin; do
@@ -82,7 +82,7 @@ ends 0 ': equal, 129 parameters' diff "$night/events.jsonl" "$night/events.jsonl
 ends 2 'expected two runs, or --lib twice' diff "$night"
 ends 2 '--tolerance: expected a NUMBER of at least 0, found -1' diff "$night" "$night" --tolerance -1
 
-echo "== What is stopped leaves no folder behind"
+echo "== Interrupted commands leave no folder"
 mkdir stopped
 TMPDIR=$PWD/stopped ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=silent \
   setsid "$root/run" diff "$root/samples/capture.json" "$root/samples/night.json" >out 2>&1 &
@@ -91,7 +91,7 @@ kill -TERM -- -$! || fail "the comparison ended too early: $(cat out)"
 wait $!
 [ -z "$(ls stopped)" ] || fail "left behind: $(find stopped)"
 
-echo "== Because of which tag"
+echo "== The tag that causes a difference"
 # Three frames, because each trial translates all of them.
 sed -e "s#photos/#$root/samples/&#" -e 's/"count": 7/"count": 3/' "$root/samples/night.json" >plain.json
 grep -q '"count": 3' plain.json || fail "the number of frames is not set"

@@ -82,9 +82,9 @@ def check_wrong(folder, schema, sample):
     mistakes = refused(folder, requests)
     for number, (path, value) in enumerate(rows):
         if schema.is_valid(requests[number]):
-            failures.append(f"the schema takes {path} {value}")
+            failures.append(f"the schema accepts {path} {value}")
         if number not in mistakes:
-            failures.append(f"./run takes {path} {value}")
+            failures.append(f"./run accepts {path} {value}")
 
 
 def places(value, path=()):
@@ -119,7 +119,7 @@ def check_mutations(folder, schema, samples):
     for number, (path, request) in enumerate(mutated):
         error = jsonschema.exceptions.best_match(schema.iter_errors(request))
         if error and number not in mistakes:
-            failures.append(f"./run takes {path}, the schema does not: {error.message[:200]}")
+            failures.append(f"./run accepts {path}, the schema does not: {error.message[:200]}")
     refusals = sum(not schema.is_valid(request) for _, request in mutated)
     if len(mistakes) < len(mutated) / 4 or refusals < len(mistakes) * 2 / 3:
         failures.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")

@@ -33,7 +33,7 @@ done <<'EVENTS'
 "event":"put","frame":0,"tag":"orlu.feedback.segmentResult","held":"Integer","value":-1}
 EVENTS
 
-echo "== Requests of one name"
+echo "== Requests with the same name"
 # small WIDTH: prints a request with one frame of this width.
 small() {
   sed -e "s#photos/#$root/samples/&#" -e "s/\"count\": 1,/& \"width\": $1, \"height\": 48,/" "$root/samples/capture.json"

@@ -42,7 +42,7 @@ def nesting_problems(slices):
     around = []
     for start, end, name in sorted((*bounds(s), s["name"]) for s in slices):
         around = [outer for outer in around if outer[1] > start]
-        yield from (f"{name} ends behind {outer[2]}"
+        yield from (f"{name} ends after {outer[2]}"
                     for outer in around if outer[0] < start and outer[1] < end)
         around.append((start, end, name))
 
@@ -74,7 +74,7 @@ def problems(trace, slice_counts, arrow_points):
     slices = [event for event in events if event["ph"] == "X"]
     for event in events:
         if not isinstance(event["pid"], int) or not isinstance(event["tid"], int) or event["pid"] <= 0:
-            yield f"no numbers of process and thread: {event}"
+            yield f"the process or thread number is missing or invalid: {event}"
     if any(s["ts"] < 0 or s["dur"] < 0 for s in slices):
         yield "a slice begins before the timeline, or ends before it begins"
     names = {event["tid"]: event["args"]["name"] for event in events if event["name"] == "thread_name"}

@@ -64,7 +64,8 @@ public final class PixelsTest {
 
     @Test
     public void writesEachFormat() {
-        // The luma of red is 4c, of green 96, of blue 1d; their blue chroma 55, 2c, ff, the red ff, 15, 6b.
+        // The luma of red is 4c, of green 96, of blue 1d; their blue chroma is 55, 2c, ff, their red chroma
+        // ff, 15, 6b.
         String luma = "4c4c9696 4c4c9696 1d1dffff 1d1dffff";
         String padded = "4c4c9696eeee 4c4c9696eeee 1d1dffffeeee 1d1dffffeeee";
         Object[][] rows = {
@@ -192,7 +193,7 @@ public final class PixelsTest {
         for (int i = 0; i < 9; ++i) {
             even.set(i % 3, i / 3, 90, 300, -5);
         }
-        assertEquals("edges go on outside", "5aff00", text(even.blurred(2).crop(0, 2, 1, 1)));
+        assertEquals("edge pixels extend outside", "5aff00", text(even.blurred(2).crop(0, 2, 1, 1)));
         assertEquals("b4ff00", text(even.brightened(2).crop(1, 1, 1, 1)));
         Picture grey = new Picture(64, 64);
         Picture noisy = grey.brightened(1);

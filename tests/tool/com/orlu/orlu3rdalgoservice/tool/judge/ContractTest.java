@@ -137,10 +137,10 @@ public final class ContractTest {
                     + "\nend 5 process 'result': 0\nbegin 6 " + CALLED,
             SUBMITTED + "begin 5 process " + RECORD + "\nend 5 process 'result': 0\nbegin 6 " + CALLED
                     + "begin 7 " + CALLED,
-            // Two clients with requests of one id.
+            // Two clients whose requests have the same id.
             SUBMITTED + (SUBMITTED + "begin 4 " + CALLED).replace("0x1", "0x2").replace("0xc", "0xd")
                     + "begin 4 " + CALLED,
-            // Another process in the same file.
+            // The same file continues with the events of another process.
             SUBMITTED + "header 0 none\n" + SUBMITTED + "begin 4 " + CALLED,
         };
         for (String row : rows) {

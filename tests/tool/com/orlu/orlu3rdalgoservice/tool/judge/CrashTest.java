@@ -85,7 +85,7 @@ public final class CrashTest {
         }
         String report = new Crash(events(lines.toString()), 139, "the VM's").report();
         String last = report.substring(report.indexOf("\nThe last events:\n"));
-        assertEquals("forty of them", 40, last.lines().filter(line -> line.startsWith("{")).count());
+        assertEquals("the last forty events", 40, last.lines().filter(line -> line.startsWith("{")).count());
         assertEquals("all that are open", 48 + 40,
                 report.lines().filter(line -> line.startsWith("{")).count());
         assertTrue(report, report.endsWith("the VM's"));
