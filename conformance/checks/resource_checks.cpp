@@ -16,7 +16,7 @@ constexpr uint64_t kWarmUp = 50;
 constexpr uint64_t kRequests = 200;
 constexpr uint64_t kManyRequests = 2000;
 constexpr uint64_t kFewestForSlope = 300;
-constexpr double kMostSeconds = 6;      // stops earlier with slow libraries
+constexpr double kMostSeconds = 6;      // a slow library reaches this before all requests have run
 constexpr double kBytesOfRequest = 16;  // growth per request; more is a leak
 constexpr int kRounds = 3;              // a leak must show in all of them
 constexpr std::chrono::seconds kSettle{2};
@@ -68,9 +68,9 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Growth by kRequests requests, the least of all rounds if only memory grows: on a busy machine more threads
-// of a library overlap, and each of them makes the C library create an arena once. False if a callback is
-// missing.
+// Measures the growth that kRequests requests cause. If only memory grows, takes the smallest growth of all
+// rounds: on a busy machine more threads of the tested library overlap, and the C library allocates an arena
+// for each of them once. Returns false if a callback is missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
   // A thread stays listed for a moment after it exits.
   constexpr std::chrono::milliseconds kListed{150};

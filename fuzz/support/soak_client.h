@@ -52,7 +52,7 @@ public:
   bool endOne();
 
 private:
-  // Returns whether it timed out.
+  // Returns whether the request timed out.
   bool processImage(Current& current, const SoakWay& way);
   void finish(uint64_t request, const SoakWay& way, const HeldCallback& callback);
   void hold(HeldCallback callback, bool isWithoutMemory = false);
@@ -66,7 +66,7 @@ private:
   const standin::AlgoScript mPlain;
   std::mt19937_64 mRandom;
   const int64_t mInst;
-  std::atomic<int> mPending{0};  // callbacks in the pools that must be sent before this client is destroyed
+  std::atomic<int> mPending{0};  // pooled callbacks to be sent before this client is destroyed
   std::vector<HeldCallback> mLate;
   std::vector<HeldCallback> mRacing;
   std::vector<HeldCallback> mInDestroyClient;

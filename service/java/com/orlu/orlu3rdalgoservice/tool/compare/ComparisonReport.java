@@ -21,7 +21,7 @@ import java.util.stream.Collectors;
 /** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
-    /** How many differing tags are tried alone. More would not fit on a command line. */
+    /** The most differing tags that are tried without the others. More would not fit on a command line. */
     private static final int FEW = 50;
 
     /**

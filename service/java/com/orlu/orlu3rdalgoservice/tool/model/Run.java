@@ -198,7 +198,7 @@ public final class Run {
         return mProblem;
     }
 
-    /** Whether its results are known. They are not for a recording that was trimmed to fewer frames. */
+    /** Whether its results are known; those of a recording trimmed to fewer frames are unknown. */
     public boolean isKnown() {
         return hasEvents() || !mOutcomes.isEmpty();
     }
