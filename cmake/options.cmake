@@ -73,7 +73,8 @@ function(orlu_add_jar name source_dir)
     OUTPUT ${jar}
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${classes} ${ORLU_JAVA_OUTPUT_DIRECTORY}
-    COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -XDstringConcat=inline -d ${classes} ${class_path_option} ${sources}
+    COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -Xlint:all -Werror -XDstringConcat=inline
+      -d ${classes} ${class_path_option} ${sources}
     ${copy_resources}
     COMMAND ${Java_JAR_EXECUTABLE} --create --file ${jar} -C ${classes} .
     DEPENDS ${sources} ${resource_files} ${JAR_DEPENDS} ${jars}

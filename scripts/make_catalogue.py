@@ -304,8 +304,8 @@ def page(catalogue):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     modes = parser.add_mutually_exclusive_group()
-    modes.add_argument("--texts", action="store_true", help=argparse.SUPPRESS)
-    modes.add_argument("--check", nargs="*", metavar="SAMPLE", help=argparse.SUPPRESS)
+    modes.add_argument("--texts", action="store_true")
+    modes.add_argument("--check", nargs="*", metavar="SAMPLE")
     arguments = parser.parse_args()
     is_check = arguments.check is not None
     chosen = arguments.check or []

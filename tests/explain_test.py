@@ -193,7 +193,7 @@ explain  control/film_size
 def main():
     samples = sorted((ROOT / "samples").glob("*.json"))
     if "--all" not in sys.argv:
-        samples = [sample for index, sample in enumerate(samples) if index % 6 == 0 or sample.stem in KNOWN]
+        samples = [sample for index, sample in enumerate(samples) if index % 6 == 0 or f"{sample.stem} " in KNOWN]
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         problems, effects = check_samples(samples, folder / "samples")
