@@ -32,12 +32,12 @@ LeftValue left(const char* section, const char* key, const std::vector<T>& value
   };
 }
 
-// A frame's composition, with the exposure time in its capture result.
+// A frame's composition, with the timestamp in its capture result.
 inline jobject compositionAt(int64_t timestamp) {
   jobject metadata = newMetadata();
   setTag(metadata, "android.sensor.timestamp", javaLong(timestamp));
   jobject composition = newComposition(metadata);
-  // Must not be read.
+  // A wrong value, which must not be read.
   putKey(composition, "android.sensor.timestamp", javaLong(-timestamp));
   return composition;
 }

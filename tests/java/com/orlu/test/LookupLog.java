@@ -2,7 +2,7 @@ package com.orlu.test;
 
 import android.hardware.camera2.impl.LookupListener;
 
-/** Keeps the last look-up: "Long of Integer, refused". */
+/** Keeps the last look-up as text: "TAG: Long of Integer, refused". */
 public final class LookupLog implements LookupListener {
     private String mText = "";
 

@@ -16,7 +16,7 @@ import java.util.TreeSet;
 /**
  * The results of the trials of one request.
  *
- * @param all      one for each tag of each frame that translation asks for
+ * @param all      one for each tag that translation reads, by frame
  * @param unsteady parameters that change between translations of the same request
  * @param trials   the number of translations
  * @param seconds  their duration
@@ -33,8 +33,8 @@ public record Dependences(
     }
 
     /**
-     * The tags that a parameter depends on, by tag and frame, including those that only act in all frames
-     * together.
+     * The tags that a parameter depends on, by tag and frame, including tags that have an effect only if they
+     * change in all frames at once.
      */
     public List<Dependence> of(String parameter) {
         return all.stream()

@@ -220,7 +220,7 @@ public final class Run {
         return mAlgorithms;
     }
 
-    /** The outcome of each call: "processed" 0, "process 1" "returned 0". */
+    /** The outcome by call, such as "processed": "0" and "process 1": "returned 0". */
     public Map<String, String> outcomes() {
         return mOutcomes;
     }
@@ -284,8 +284,8 @@ public final class Run {
     }
 
     /**
-     * What trimming removed, once or several times; "" if the request is complete: "cropped to 320x240, only
-     * frames 0, 2 of the recording".
+     * How the request was trimmed, once or several times, such as "cropped to 320x240, only frames 0, 2 of
+     * the recording"; "" if it is complete.
      */
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
@@ -320,7 +320,8 @@ public final class Run {
     }
 
     /**
-     * Algorithms passed on that did nothing although the library has them; none if it does not report this.
+     * The algorithms that were passed to the library and exist there, but did nothing; none if the library
+     * does not report its work.
      */
     public List<String> idleAlgorithms() {
         if (mPass == null) {

@@ -67,7 +67,7 @@ public final class OutputImages {
         return file.toString();
     }
 
-    // A foreign folder may contain a link to one of the user's files here.
+    // In a folder from someone else, this name may be a link to one of the user's files.
     private Path file(String name) throws IOException {
         Path file = mFolder.resolve(name);
         if (Files.isSymbolicLink(file)) {
