@@ -60,7 +60,7 @@ void judgeGrowth(const std::string& what, int clients, const Holdings& growth) {
   HOLDS(growth.descriptors < clients / 2) << whole << growth.descriptors << " descriptors are left";
   HOLDS(growth.bytes < clients * static_cast<int64_t>(kBytesOfClient))
       << whole << growth.bytes << " bytes are left, " << growth.bytes / clients
-      << " for each; usually a map of clients is never erased from, or a client is not deleted";
+      << " for each; usually entries are never removed from a map of clients, or a client is not deleted";
 }
 
 void tryManyClients() {

@@ -143,10 +143,10 @@ void tryManyRequests(Client& client, Inbox& inbox) {
     if (testing::Test::HasFailure() || least < kBytesOfRequest) break;
   }
   const std::string count = std::to_string(done) + " requests: ";
-  HOLDS(least < kBytesOfRequest) << count << "none may leak memory, but allocated memory grows by " << least
-                                 << " bytes for each (least squares over the second half, the least of "
-                                 << kRounds
-                                 << " rounds); usually a list of requests or results is never erased from";
+  HOLDS(least < kBytesOfRequest)
+      << count << "none may leak memory, but allocated memory grows by " << least
+      << " bytes per request (slope over the second half, smallest of " << kRounds
+      << " rounds); usually entries are never removed from a list of requests or results";
   note(count + std::to_string(least) + " bytes each" +
        (done < kFewestForSlope ? ", too few to be sure" : ""));
 }
