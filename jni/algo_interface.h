@@ -43,7 +43,7 @@ constexpr unsigned kQueryResultSize = 10240;
 constexpr char kNotifyKill[] = "notify:kill";
 static_assert(sizeof kNotifyKill == 12);
 
-// AlgoFrameInfo::format. Only these codes have a meaning here; formatToStr() also names others.
+// Values of AlgoFrameInfo::format that have a meaning here; formatToStr() has names for more.
 enum AlgoImageFormat : int32_t {
   kFormatUnknown = 0,
   kFormatNv21 = 1,
@@ -187,7 +187,7 @@ static_assert(offsetof(CallbackHeader, nativeReq) == 8);
 static_assert(offsetof(CallbackHeader, nameLength) == 16);
 static_assert(kCallbackNameOffset == 20);
 
-// Names of result callbacks: a finished request, without a payload; a light-stream event.
+// Names of result callbacks: for a finished request, without a payload, and for a light-stream event.
 constexpr char kShotCallback[] = "shotCb";
 constexpr char kLightStreamCallback[] = "lightStreamCb";
 

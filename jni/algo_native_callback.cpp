@@ -23,10 +23,10 @@ constexpr char kCallbackClass[] = "com/orlu/orlu3rdalgoservice/binderserver/Requ
 constexpr char kCallbackMethod[] = "callbackFromNative";
 constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 
-// Local references of one callback into Java: the parser's classes, a map and its values.
+// Local references that one call into Java needs: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
 
-// Guards the list of all callbacks and, in each of them, the context and the counters.
+// Guards the list of all callbacks, and each callback's context and counters.
 std::mutex gMutex;
 AlgoNativeCallback* gLatest = nullptr;
 
@@ -36,7 +36,7 @@ bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
   return length == N - 1 && std::memcmp(name, known, length) == 0;
 }
 
-// Reads the first integer of the first handle. Returns false if there is none.
+// Reads the first word of the first handle. Returns false if there is none.
 bool firstHandleWord(const hidl_vec<hidl_handle>& handles, int32_t& word) {
   if (handles.size() == 0 || handles.data() == nullptr) return false;
   const native_handle_t* handle = handles[0].getNativeHandle();

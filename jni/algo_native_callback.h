@@ -12,9 +12,9 @@
 
 namespace orlu {
 
-// This object is never freed: the algorithm library may call back at any time, even for a client that Java
-// has destroyed, and Java may destroy its client in a callback. It takes 64 bytes per client on a 32-bit
-// machine. Everything except the context and the counters is written once, before the cookie is passed on.
+// Never freed: the algorithm library may call back at any time, even for a client that Java has destroyed,
+// and Java may destroy its client inside a callback. Each object takes 72 bytes on the phone. Everything
+// except the context and the counters is written once, before the cookie is passed on.
 class AlgoNativeCallback {
 public:
   // Creates a callback for a client and its context. `javaVm` is the VM of `env`; if `env` is null, Java is
@@ -29,8 +29,9 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Later callbacks are counted and ignored; running callbacks finish as usual. The callback class is
-  // released here, or by the last callback that is inside Java. If `env` is null, the class stays referenced.
+  // Ends the client's callbacks: later ones are counted and ignored, running ones finish as usual. Releases
+  // the callback class, or leaves that to the last callback that is inside Java. If `env` is null, the class
+  // stays referenced.
   void close(JNIEnv* env);
 
   // See AlgoNativeClient for these functions.
@@ -61,8 +62,7 @@ private:
   // `operation`; the request is then finished when its client is destroyed. Returns false if the call was not
   // attempted.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Creates the map and calls Java with it. Returns false if there was no memory for the map or the call
-  // threw.
+  // Creates the map and calls Java with it. Returns false if the map could not be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;
   // Returns false if the call threw, and logs that.
   bool callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const;

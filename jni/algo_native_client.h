@@ -20,16 +20,15 @@ public:
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
   // First destroys the algorithm library's client; the library may call back meanwhile. Then closes the
   // callback and finishes the full-async requests that were never announced to Java. Must run on a thread
-  // that is attached to the VM; otherwise the callback class stays referenced. Java may cause the destruction
-  // in any callback.
+  // that is attached to the VM; otherwise the callback class stays referenced. Java may destroy the client
+  // inside any callback.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
   static AlgoNativeClient* of(int64_t handle);
   int64_t handle() const;
-  // Returns a second object for the same client. Native methods work on such a copy: their client must stay
-  // valid until they return, but Java may destroy the client in any callback. Destroying the copy has no
-  // effect.
+  // Returns a second object for the same client; destroying the copy has no effect. Native methods work on a
+  // copy, because Java may destroy the client inside any callback, before the method returns.
   AlgoNativeClient copyForNative() const { return AlgoNativeClient(*this); }
 
   AlgoNativeContext& context() { return *mContext; }

@@ -3,9 +3,9 @@
 //
 // If the library does not offer an operation, the call is skipped and the operation's failure message is
 // logged; setValue(), getValue() and the visits only return -1. An operation that throws is logged
-// ("<operation> threw") and counts as not offered. A Java exception that it leaves on the calling thread is
-// logged and cleared. Metadata blocks are handles of the library; whoever creates a block destroys it.
-// Operations on a null block are skipped.
+// ("<operation> threw") and counts as failed. A Java exception that it leaves on the calling thread is logged
+// and cleared. Metadata blocks are handles of the library; whoever creates a block destroys it. Operations on
+// a null block are skipped.
 //
 // As thread-safe as the algorithm library. The caller of an operation keeps the context alive until the
 // operation returns. Java may destroy the library's client meanwhile, inside a callback; after that the
@@ -35,30 +35,30 @@ public:
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client; later calls have no effect. The destructor calls it too. The library may
-  // call back meanwhile.
+  // Destroys the library's client; later calls have no effect. The library may call back meanwhile. The
+  // destructor also calls this function.
   void destroyClient();
 
   void init();
-  // Uninitialises every request type. `mode`: 0 for destruction or an unknown format, 1 for the release of a
-  // processed format, 2 for that of a raw format.
+  // Uninitialises request types 1, 2, 3 and 5. `mode`: 0 for destruction or an unknown format, 1 for the
+  // release of a processed format, 2 for the release of a raw format.
   void uninit(int mode);
   void flush();
-  // The parameter block names the frame to abort.
+  // Aborts the frame that the parameter block names.
   void abort(uint64_t first, uint64_t second, void* metadata);
   // Announces to the library that this process is about to end.
   void notify();
 
   // Submits a request. The library reports completion by calling the callback whose address is the cookie.
-  // The caller owns `metadata` and the frames' memory; both must outlive the request. `metadataBytes` is one
-  // serialised capture result; it is copied.
+  // The caller owns `metadata`, which must outlive the request, and the frames' descriptors, which must stay
+  // valid as AlgoFrameInfo requires. `metadataBytes` is one serialised capture result; it is copied.
   void process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList, uint64_t nativeReq,
                const std::vector<AlgoFrameInfo>& inputs, const std::vector<AlgoFrameInfo>& outputs,
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
                const std::vector<uint8_t>& metadataBytes);
 
-  // Returns the library's answer to `cmd`: always 10240 bytes with a zero-terminated string; empty if not
-  // offered.
+  // Returns the library's answer to `cmd`: a string, padded with zeros to 10240 bytes. Empty if the library
+  // does not offer the operation.
   std::vector<uint8_t> getData(const std::string& cmd);
   // Passes a file of `size` bytes to the library. The caller keeps the descriptor. Always returns 0.
   int translateParamFile(int fd, int size, const std::string& identifier);
@@ -76,8 +76,7 @@ public:
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
-  // For the parameter channel, which uses the table on one thread. The reference is valid as long as this
-  // object.
+  // For ParameterChannel, which uses the table on one thread. The reference is valid as long as this object.
   const AlgoGuardedTable& table() const { return *mTable; }
   // True once destroyClient() has started: the library receives no more operations on the client. Don't wait
   // for its callbacks then.

@@ -10,8 +10,8 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // The only provider, created on first use (from any thread) and never destroyed. The first caller opens the
-  // library as the constructor does; other callers do not wait for that.
+  // Returns the shared provider, which is created on first use, on any thread, and never destroyed. The first
+  // caller opens the library as the constructor does; other callers do not wait for that.
   static AlgoNativeProvider* getInstance();
 
   // Opens the library and fills in the provider's own table.

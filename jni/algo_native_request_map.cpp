@@ -14,8 +14,8 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// True if Java has finished the full-async request or no longer can. The record stays while its block has
-// users.
+// Returns whether Java has finished the full-async request or can no longer finish it. The record stays while
+// its block has users.
 bool isFinished(const AlgoNativeRequest& request) {
   return (request.blockUsers & kUsedByJava) == 0;
 }
@@ -66,7 +66,7 @@ bool AlgoNativeRequestMap::onCallbackReceived(uint64_t nativeReq) {
     request->received = true;
   }
   // Notifies without the record's mutex: the woken thread locks this mutex and would otherwise block again.
-  // The record stays until the map's mutex is released.
+  // The map's mutex, still locked here, keeps the record alive.
   request->condition.notify_all();
   LOGD("notify reqId = %lld", static_cast<long long>(request->reqId));
   return true;
@@ -89,7 +89,7 @@ AlgoNativeRequest* AlgoNativeRequestMap::startWaiting(uint64_t nativeReq) {
   return request;
 }
 
-// If the record was removed meanwhile, remove() left it alive; it is freed here.
+// Frees the record if remove() has taken it off the list meanwhile.
 void AlgoNativeRequestMap::stopWaiting(AlgoNativeRequest* request, uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   if (findRequestLocked(nativeReq) != nullptr) {

@@ -38,8 +38,9 @@ struct AlgoNativeRequest {
 // Safe from any thread. Lock order: the map's mutex, then a record's; a waiter never holds both.
 //
 // A full-async request is finished once: by Java, or together with its client. Its block is destroyed later
-// if somebody may still use it. If an operation returns a block, the caller is now its only user and must
-// destroy it. Null means that the block has other users or does not exist.
+// if somebody may still use it. If withdrawAnnouncement(), releaseBlock(), finish() or releaseOwned() returns
+// a block, the caller is now its only user and must destroy it. Null means that the block has other users or
+// does not exist.
 class AlgoNativeRequestMap {
 public:
   // The only map, created when the library is loaded and never destroyed: callbacks may arrive until the
@@ -51,13 +52,14 @@ public:
   AlgoNativeRequestMap& operator=(const AlgoNativeRequestMap&) = delete;
 
   // Adds a request and returns its id. Ids count up from 0 and are never reused. The caller keeps ownership
-  // of the block until it submits a full-async request; then the users own it (see AlgoBlockUser).
+  // of a synchronous request's block; the block of a full-async request belongs to its users (AlgoBlockUser).
   uint64_t create(int64_t reqId, void* metadata, bool isFullAsync, const void* owner = nullptr);
-  // Returns false if the id is unknown. If a thread waits on the record, that thread frees it.
+  // Removes a request. If a thread waits on the record, that thread frees it. Returns false if the id is
+  // unknown.
   bool remove(uint64_t nativeReq);
   // Returns the record, or null if the id is unknown. The caller holds the map's mutex.
   AlgoNativeRequest* findRequestLocked(uint64_t nativeReq) const;
-  // Wakes the thread that waits for the request, now or later. Returns false if the id is unknown.
+  // Wakes the thread that waits for the request or will wait for it. Returns false if the id is unknown.
   bool onCallbackReceived(uint64_t nativeReq);
   // Blocks until the callback arrives, for ten seconds at most; logs a timeout. Returns false if the id is
   // unknown.
@@ -78,8 +80,8 @@ public:
   void* releaseBlock(uint64_t nativeReq, AlgoBlockUser user);
   // Passes the block and the algorithm list of a full-async request to the one caller that finishes it for
   // Java. Returns false and leaves both unchanged if there is no such request, if another caller has taken
-  // it, or if it is not announced and its submission is not over: a guessed id must not take a request from
-  // the thread that submits it.
+  // it, or if it is still being submitted and has not been announced: a guessed id must not take a request
+  // from the thread that submits it.
   bool takeForFinish(uint64_t nativeReq, void*& metadata, std::vector<std::string>& algoList);
   // Finishes a request that the caller has taken, and logs that.
   void* finish(uint64_t nativeReq);
