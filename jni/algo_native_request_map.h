@@ -13,7 +13,7 @@ namespace orlu {
 enum AlgoBlockUser : unsigned {
   kUsedBySubmission = 1,  // until the algorithm library's process() has returned
   kUsedByLibrary = 2,     // until it has called back, or the request's client is destroyed
-  kUsedByJava = 4,        // until Java has finished the request, or no longer can
+  kUsedByJava = 4,        // until Java has finished the request or can no longer finish it
 };
 
 struct AlgoNativeRequest {
@@ -86,8 +86,9 @@ public:
   // Finishes a request that the caller has taken, and logs that.
   void* finish(uint64_t nativeReq);
   // Call repeatedly for a destroyed owner. Each call handles one of its full-async requests: removes the
-  // library as a user of the block, and finishes the request unless Java will. Returns false if no request is
-  // left. `metadata` becomes the block that the caller must destroy, or null if it has other users.
+  // library as a user of the block, and finishes the request unless Java will finish it. Returns false if no
+  // request is left. `metadata` becomes the block that the caller must destroy, or null if it has other
+  // users.
   bool releaseOwned(const void* owner, void*& metadata);
 
 private:

@@ -6,8 +6,8 @@
 namespace orlu {
 namespace {
 
-// Local references that the cache holds until the native method returns: its classes, plus spare room for
-// objects that are looked up through them.
+// Local references to reserve: for the classes, which the cache holds until the native method returns, plus
+// spare room for objects that are looked up through them.
 constexpr jint kLocalReferences = 96;
 
 }  // namespace

@@ -189,8 +189,8 @@ public:
   // Returns a whole capture result as the bytes of its parcel; empty, with a logged line, if a step fails.
   std::vector<uint8_t> getMetadata(jobject captureResult);
 
-  // Putters into a composition: box the value and store it under the key. They return 0, or -1 with a logged
-  // line. Arrays are copied completely; `count` has no limit.
+  // Putters into a composition: store a boxed number or a new primitive array under the key. They return 0,
+  // or -1 with a logged line. Arrays are copied completely; `count` has no limit.
   int putInt(const int32_t& value, const char* key, jobject composition);
   int putFloat(const float& value, const char* key, jobject composition);
   int putLong(const int64_t& value, const char* key, jobject composition);
@@ -198,12 +198,12 @@ public:
   int putLongArray(const int64_t* values, int count, const char* key, jobject composition);
   int putFloatArray(const float* values, int count, const char* key, jobject composition);
   int putDoubleArray(const double* values, int count, const char* key, jobject composition);
-  // Shared by these putters. Returns 0, or -1 without a logged line.
+  // Stores a Java object under the key. Returns 0, or -1 without a logged line.
   int putMetadataObjectIntoCaptureResultComposition(jobject composition, const char* key, jobject value);
 
   // Returns a new, empty HashMap as a local reference; null with a logged line on failure.
   jobject createHashMap();
-  // Putters into such a map. They return the same values as the putters above.
+  // Putters into such a map. They return 0, or -1 with a logged line; putObjectIntoHashMap() logs nothing.
   int putObjectIntoHashMap(jobject map, const char* key, jobject value);
   int putIntIntoHashMap(const int32_t& value, const char* key, jobject map);
   int putFloatIntoHashMap(const float& value, const char* key, jobject map);

@@ -29,7 +29,7 @@ using FrameModes = std::array<uint64_t, 9>;
 
 struct HdrLayout {
   HdrProcessType type = kHdrNone;
-  int32_t nightIndex = 0;  // of the last night frame, even if the layout does not match; 0 for nine frames
+  int32_t nightIndex = 0;  // the last night frame, even if the layout does not match; 0 for nine frames
   int hdrCount = 0;
   int nightCount = 0;
 };

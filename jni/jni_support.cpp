@@ -3,16 +3,16 @@
 namespace orlu {
 namespace {
 
-// Returns the length of the character that begins with `lead`; 0 if `lead` can't begin one. Four bytes
-// are not valid in modified UTF-8, but VMs accept them.
+// Returns the length of the character that begins with `lead`; 0 if `lead` can't begin one. Characters of
+// four bytes are not valid in modified UTF-8, but VMs accept them.
 size_t lengthFromLead(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead < 0xC0 || lead > 0xF7) return 0;
   return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 }
 
-// Returns the length of the complete character at `text`; 0 if there is none. The terminating zero is not a
-// continuation byte.
+// Returns the length of the complete character at `text`; 0 if there is none. Never reads past the
+// terminating zero, which is not a continuation byte.
 size_t characterLength(const char* text) {
   const size_t length = lengthFromLead(static_cast<unsigned char>(*text));
   for (size_t i = 1; i < length; ++i) {

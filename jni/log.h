@@ -1,8 +1,8 @@
 // Logging macros. Their tag is the `kLogTag` in scope at the call: a class member or a file constant.
 //
-// Every line begins with the source file's base name, the line number and an operation. LOGE() and LOGD()
-// show the enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Errors are
-// always written, debug lines only if the phone maker's log level permits.
+// Lines begin with the source file's base name, the line number and an operation, except those of the BARE
+// macros. LOGE() and LOGD() show the enclosing function; helpers show their caller's operation with LOGE_AS()
+// and LOGD_AS(). Errors are always written, debug lines only if the phone maker's log level permits.
 #pragma once
 
 #include <android/log.h>

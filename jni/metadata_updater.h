@@ -2,9 +2,9 @@
 // the request's algorithm list. Create one object per request and use it on the request's thread;
 // updateMetadata() runs once.
 //
-// If a tag is absent, its parameter keeps the value that the step set before reading. The status of the
-// parameter channel is ignored: translating parameters never fails a request. See shot.h for how rows are
-// written. Code that needs no Java has its own headers, such as region_mapper.h.
+// If a tag is absent, its parameter gets the step's initial value. The status of the parameter channel is
+// ignored: translating parameters never fails a request. See shot.h for how rows are written. Code that needs
+// no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>
@@ -34,8 +34,8 @@ public:
 
   void updateMetadata();
 
-  // The HDR process type and the night frame's index among the master frames, as updateMetadata() wrote them;
-  // 0 and -1 if it did not write them.
+  // Reads back the HDR process type and the night frame's index among the master frames, as updateMetadata()
+  // wrote them; 0 and -1 if it did not write them.
   void updateRawnrHDRFrameIndex(int& hdrType, int& nightIndex);
   // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
@@ -47,7 +47,8 @@ public:
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
   int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
 
-  // Describe the first input image; 0 without an input image.
+  // Return whether the first input image is raw, as 1 or 0, and its format code. Without an input image, both
+  // return 0.
   int isRawFormat();
   int getImageFormat();
 

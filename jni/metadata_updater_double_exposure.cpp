@@ -18,7 +18,7 @@ void MetadataUpdater::updateDoubleExpo() {
   if (filmSize == 1) mShot.append("blackImg");
   const auto isMirror = mShot.copy<int32_t>("orlu.doubleExpo.isMirror", kSensor, "is_mirror");
   if (isMirror == 1) mShot.append("flip");
-  // The second frame's rotation uses the first frame's tag (Oddity 36).
+  // Both frames' rotations come from the same tag (Oddity 36).
   constexpr char kRotationTag[] = "orlu.doubleExpo.jpegOrientation";
   const auto rotation = mShot.copy<int32_t>(kRotationTag, kControl, "jpeg_rotation");
   mShot.copy<int32_t>(mShot.frames().at(1), kRotationTag, kParameter,

@@ -15,7 +15,7 @@ namespace orlu {
 class ParameterChannel {
 public:
   // Borrows both arguments; use the channel on this thread only. If `block` is null, nothing is stored, and
-  // every value read is its initial one.
+  // reads return the initial value.
   ParameterChannel(const AlgoNativeContext& context, void* block)
       : mTable(&context.table()), mEnv(mTable->environment()), mBlock(block) {}
 
@@ -49,7 +49,7 @@ public:
 
 private:
   const AlgoGuardedTable* mTable;
-  JNIEnv* mEnv;  // of the creating thread; cached to save a call of the VM per access
+  JNIEnv* mEnv;  // of the creating thread; cached to save one call into the VM per access
   void* mBlock;
 };
 

@@ -2,9 +2,9 @@
 // context.
 //
 // A handle is the address of an AlgoNativeClient. All functions except notify() reject handle 0: they log
-// that and return -1 or null. Every other handle is trusted, and the functions that return int return 0;
-// lower layers log their own failures. Calls for one client must not overlap, except that Java may call any
-// function, including destroy(), inside a callback of the algorithm library.
+// that and return -1 or null. Every other handle is trusted. The functions that return int then return 0
+// unless noted; lower layers log their own failures. Calls for one client must not overlap, except that Java
+// may call any function, including destroy(), inside a callback of the algorithm library.
 #pragma once
 
 #include <jni.h>
@@ -38,7 +38,7 @@ public:
   static jstring getData(JNIEnv* env, int64_t inst, jobject param);
   // Passes the file in `sharedMemory` to the algorithm library under "identifier".
   static int translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param);
-  // Announces the end of this process to the algorithm service, then ends the process. Never returns.
+  // Announces the end of this process to the algorithm library, then ends the process. Never returns.
   [[noreturn]] static void notify(JNIEnv* env, int64_t inst, jobject param);
 
   // Submits one request to the algorithms; for a synchronous request also writes the results. Returns -1 if
@@ -46,8 +46,9 @@ public:
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
   // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. A
-  // synchronous request counts as unknown, and so does one that is still being submitted and not announced.
-  // For an unknown request, only initial values are written. Returns the same values as processImage().
+  // synchronous request counts as unknown, and so does a full-async request that is still being submitted and
+  // has not been announced. For an unknown request, only initial values are written. Returns the same values
+  // as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

@@ -51,7 +51,7 @@ public:
     map().setAlgoList(*nativeReq, algoList);
     if (isFullAsync) mStage = kSubmitted;
   }
-  // Takes over a full-async request from Java. Returns false if Java may not finish this id.
+  // Takes over a full-async request for Java. Returns false if Java may not finish the request with this id.
   bool take(uint64_t id) {
     if (!map().takeForFinish(id, metadata, algoList)) return false;
     nativeReq = id;
@@ -64,7 +64,7 @@ public:
     ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
     letGo();
   }
-  // Ends the stage: releases what it owns, and stops using the block.
+  // Ends the stage: releases everything that the stage owns, and stops using the block.
   void letGo() {
     AlgoNativeContext& context = mClient.context();
     switch (std::exchange(mStage, kOver)) {
@@ -74,7 +74,7 @@ public:
         break;
       case kSubmitted:
         context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
-        // If the client was destroyed before this request was added, its destructor missed it.
+        // If the client was destroyed before this request was added, the destructor missed the request.
         if (context.isClientDestroyed()) mClient.releaseRequests();
         break;
       case kFinishing:

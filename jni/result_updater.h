@@ -3,7 +3,7 @@
 // nothing, and no failure stops it.
 //
 // A value that the algorithms did not set is written with its initial value. Without a composition, only the
-// frame's output descriptors are set.
+// output descriptors are set.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ namespace orlu {
 
 class ResultUpdater {
 public:
-  // Borrows all arguments. The parameter block `metadata` may be null; then every value is its initial one.
+  // Borrows all arguments. The parameter block `metadata` may be null; then all values are initial values.
   ResultUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                 void* metadata, CameraMetadataParser* parser);
   ResultUpdater(const ResultUpdater&) = delete;
@@ -40,7 +40,7 @@ public:
   // result_updater_frame_selection.cpp
   int updateFrameClarity();           // -1 without a composition
   int updateFrameSelectResult();      // -1 if a frame index is out of range
-  int updateSelectBasicFrameIndex();  // -1 without a frame to choose
+  int updateSelectBasicFrameIndex();  // -1 if there is no frame to choose
   // result_updater_raw_algo.cpp. All return 0. The first one calls the others.
   int updateParamsFromRawAlgo();
   int updateTunningMode();

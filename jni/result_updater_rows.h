@@ -5,7 +5,7 @@
 //
 // copy passes a parameter on unchanged. To change or log a value first, read it with the channel's get and
 // then call put. The caller names the type, which is never deduced: it determines how many bytes are read and
-// what Java gets.
+// which Java class is stored.
 #pragma once
 
 #include <type_traits>

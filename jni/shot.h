@@ -11,8 +11,8 @@
 //
 // Readers are const: a step that takes a const Shot writes nothing.
 //
-// The first argument may be the frame to read from; the default is the first frame. A type is named once and
-// selects both the getter and the width.
+// copy(), read() and readOr() accept the frame to read from as an additional first argument; the default is
+// the first frame. A type is named once and selects both the getter and the width.
 #pragma once
 
 #include <memory>
