@@ -1,4 +1,5 @@
-// The library's exports: the entry that fills in the tables, and the functions that tests control it with.
+// The library's exports: the entry that fills in the tables, and the functions by which tests control the
+// library.
 #include <set>
 #include <string>
 #include <thread>
@@ -32,7 +33,7 @@ private:
   const AlgoScript& mScript;
 };
 
-// Passes the library's calls to the script's observer, without the callbacks and visits that they cause.
+// Passes calls into the library to the script's observer, but not the callbacks and visits that they cause.
 class ScriptObserver : public probe::TableObserver {
 public:
   // Never destroyed: tables report to it until the process ends.

@@ -40,11 +40,13 @@ enum class VisitorUse { kHere, kOtherThread, kLater };
 
 // How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
-  std::set<std::string> notOffered;    // names of callables to leave empty in later tables
-  bool runAlgorithms = true;           // false: pixels and parameter set are unchanged
+  std::set<std::string> notOffered;  // names of callables to leave empty in later tables
+  // false: pixels are unchanged, only `values` and `echoFlag` change the parameter set, and no light-stream
+  // event is sent.
+  bool runAlgorithms = true;
   int processResult = 0;               // result of process(); the callbacks are sent anyway
   int callbacks = 1;                   // number of "shotCb" callbacks per request
-  bool callBackBeforeReturn = false;   // on the caller's thread, inside process()
+  bool callBackBeforeReturn = false;   // call back on the caller's thread, inside process()
   bool attachThread = true;            // attach the callback thread to the Java VM
   std::chrono::milliseconds delay{0};  // from process() to the (first) callback
   // The largest addition to the delay; the addition varies from request to request.
@@ -58,13 +60,13 @@ struct AlgoScript {
   std::set<std::string> leaving;
   // destroyClient waits for the callbacks of its requests instead of dropping them.
   bool finishInDestroyClient = false;
-  std::function<void()> entry;  // called in AlgoInterfaceEntry, before it fills the table
+  std::function<void()> entry;  // called in AlgoInterfaceEntry(), before the table is filled in
   VisitorUse visitorUse = VisitorUse::kHere;
-  std::function<void(int)> visited;  // called with what each visitor returned
+  std::function<void(int)> visited;  // called with the result of each visitor
   std::vector<ScriptedValue> values;
   std::vector<WantedValue> wanted;
-  // Called on the thread of each operation, before it is done (getValue: after). It must be set when the
-  // library fills in the table, and must not throw.
+  // Called on the thread of each operation, before the operation (getValue: after it). Must be set when the
+  // library fills in the table. Must not throw.
   std::function<void(const probe::WatchedCall&)> observer;
 };
 
@@ -84,10 +86,10 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 }  // namespace orlu::standin
 
-// Copies the script, for every operation that starts from now on; null restores the usual behaviour.
+// Sets a copy of the script for every operation that starts from now on; null sets a default AlgoScript.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// Sets a script for operations that are called on this thread. It takes precedence over the common script;
-// null removes it.
+// Sets a copy of the script for operations that are called on this thread. It takes precedence over the
+// common script; null removes it.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
 // Counts the objects that the library holds.
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);

@@ -12,7 +12,7 @@ namespace {
 constexpr int kSmallestSide = 24;          // of the coarsest level
 constexpr int kCoarseRange = 4;            // samples in each direction, at the coarsest level
 constexpr int kFineRange = 2;              // at the finer levels
-constexpr int64_t kEnoughSamples = 60000;  // samples of a level that are compared
+constexpr int64_t kEnoughSamples = 60000;  // limit on the compared samples of a level
 
 uint32_t sampleAt(const Plane& plane, int x, int y) {
   uint16_t value;

@@ -25,7 +25,7 @@ struct Luma {
   }
 };
 
-// Empty for an opaque image.
+// Returns the luma of an image; empty for an opaque image.
 Luma lumaOf(const ImageView& image);
 
 // A luma and its successively halved versions, the finest first.
@@ -38,8 +38,9 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// Returns the shift in samples of the finest level with the least mean difference, searched from coarse to
-// fine. Both pyramids must have the same shape. An overall difference in brightness is ignored.
+// Returns the shift with the least mean difference, in samples of the finest level. Searches from the
+// coarsest level to the finest. Both pyramids must have the same shape. Ignores an overall difference in
+// brightness.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);
 
 }  // namespace orlu::standin

@@ -16,11 +16,12 @@ public:
   Frame& operator=(Frame&&) = delete;
   ~Frame();
 
-  // Maps the descriptor's memory, at most its real size. Returns 0, or -1 without a descriptor or memory.
+  // Maps as much memory as the record reports, but not more than the descriptor has. Returns 0, or -1 if
+  // there is no descriptor or no memory.
   int map(Access access);
   // Releases memory and descriptor. Only the record remains.
   void release();
-  // Gets the planes in the mapped memory. Returns false if it is not mapped or the record does not fit it.
+  // Gets the planes in the mapped memory. Returns false if nothing is mapped or the planes do not fit.
   bool view(ImageView& view) const;
 
   const AlgoFrameInfo& info() const { return mInfo; }

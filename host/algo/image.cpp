@@ -42,8 +42,8 @@ bool layOutYuv(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Imag
   chroma.stride = std::max(strideOr(info.stride[1], 0), static_cast<size_t>(even));
   if (info.stride[1] <= 0) chroma.stride = std::max(luma.stride, static_cast<size_t>(even));
 
-  // A first plane that is larger than its rows contains padding rows; a smaller one lacks only the padding of
-  // the last row.
+  // If the first plane's size exceeds its rows, the plane ends with padding rows. If the size is smaller,
+  // only the padding of the last row is missing.
   const int32_t scanlines = std::max(info.scanline[0], info.height);
   const uint64_t rows = static_cast<uint64_t>(luma.stride) * static_cast<uint64_t>(scanlines);
   const uint64_t told = info.planeSize[0] > 0 ? static_cast<uint64_t>(info.planeSize[0]) : 0;
@@ -97,7 +97,7 @@ bool copyPixels(const ImageView& from, const ImageView& to) {
   if (from.isOpaque() && from.planes[0].columns > to.planes[0].columns) return false;
   for (size_t i = 0; i < from.planes.size(); ++i) {
     const Plane& source = from.planes[i];
-    // Both may be the same memory if an image is processed in place.
+    // Source and destination may overlap.
     for (int y = 0; y < source.rows; ++y) std::memmove(to.planes[i].row(y), source.row(y), source.rowBytes());
   }
   return true;

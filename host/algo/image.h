@@ -23,8 +23,8 @@ struct Plane {
   uint8_t* row(int y) const { return data + static_cast<size_t>(y) * stride; }
 };
 
-// The planes of an image: luma and chroma pairs, or one plane. Formats whose pixels are not read here
-// (compressed, packed raw, unknown) are opaque: one row of bytes.
+// The planes of an image: a luma plane and a plane of chroma pairs, or only one plane. Images of formats
+// whose pixels are not read here (compressed, packed raw, unknown) are opaque: one row of bytes.
 struct ImageView {
   int format = 0;
   int width = 0;
@@ -49,10 +49,11 @@ bool copyPixels(const ImageView& from, const ImageView& to);
 class Picture {
 public:
   Picture() = default;
-  // Zeroed pixels of the given shape, which layOut() must accept; opaque images take `opaqueBytes`.
+  // Creates zeroed pixels; empty if layOut() rejects the shape. An opaque image has `opaqueBytes` bytes.
   Picture(int format, int width, int height, size_t opaqueBytes = 0);
   Picture(Picture&&) = default;
   Picture& operator=(Picture&&) = default;
+  // Returns a copy of the pixels; empty if the view has no planes.
   static Picture copyOf(const ImageView& view);
 
   bool empty() const { return mBytes.empty(); }

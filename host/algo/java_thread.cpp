@@ -8,7 +8,8 @@
 namespace orlu::standin {
 namespace {
 
-// The process's VM, if there is one. Looked up by name, because this library must load without a VM too.
+// Returns the process's VM, or null. Looks up the function by name, because this library must also load
+// without a VM.
 JavaVM* findVm() {
   using GetCreatedJavaVms = jint(JNICALL*)(JavaVM**, jsize, jsize*);
   const auto getCreatedVms =

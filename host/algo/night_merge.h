@@ -15,9 +15,9 @@ struct MergedImage {
   int mergedFrames = 0;
 };
 
-// Merges the frames marked as kept; the base is one of them. All have the base's shape and are not opaque.
-// Where a shifted frame has no pixel, the base's pixel is used. Raw frames are shifted by even numbers, which
-// keeps the Bayer pattern.
+// Merges the frames marked as kept, one of which must be the base. They must have the base's shape and not be
+// opaque. Where a shifted frame has no pixel, the base's pixel is used. Raw frames are shifted by even
+// numbers, which keeps the Bayer pattern.
 MergedImage mergeFrames(const std::vector<ImageView>& frames, const std::vector<bool>& kept, int base);
 
 }  // namespace orlu::standin

@@ -26,7 +26,7 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // The bytes of all values, without their names.
+  // Returns the total size of the values in bytes, without their names.
   size_t size() const;
 
   // Stores a copy of `size` bytes. Returns -1 for a null name, null data with a size, or a camera-metadata
@@ -42,7 +42,7 @@ public:
   // Returns copies of a section's values, in the order in which they were first set.
   std::vector<Value> values(const char* section) const;
 
-  // Returns a value as T. The bytes that the value lacks, all if it is absent, are those of `initial`.
+  // Returns a value as T. If the value is absent or shorter, the missing bytes come from `initial`.
   template <typename T>
   T read(const char* section, const char* key, T initial) const {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -7,8 +7,7 @@ namespace {
 
 constexpr int kFraction = 256;  // steps between two source pixels
 
-// The position of a target pixel in the source: between `first` and `second`, by `weight` / 256 towards the
-// second.
+// The position of a target pixel in the source: `weight` / 256 of the way from `first` to `second`.
 struct SourcePosition {
   int first;
   int second;

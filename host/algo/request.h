@@ -25,9 +25,10 @@ public:
   void callBack() const;
   // Sends the "lightStreamCb" of a light-stream request on this thread; does nothing for other requests.
   void sendLightStreamEvent() const;
-  // Releases the images before the callback, whose receiver may assume that they are unused.
+  // Releases the images. Call before the callback, whose receiver may assume that the images are unused.
   void releaseImages();
-  // Gets width and height of the first input, or of the first output if there is no input.
+  // Gets width and height of the first input, or of the first output if there is no input. Without images,
+  // leaves both unchanged.
   void frameSize(int32_t& width, int32_t& height) const;
 
   const AlgoScript& script() const { return *mScript; }

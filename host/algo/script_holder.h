@@ -11,13 +11,13 @@ namespace orlu::standin {
 
 class ScriptHolder {
 public:
-  // Starts with the usual behaviour, as set by ORLU_ALGO_DELAY and ORLU_ALGO_ECHO.
+  // Starts with the script that ORLU_ALGO_DELAY and ORLU_ALGO_ECHO describe.
   ScriptHolder();
-  // Null restores the usual behaviour.
+  // Sets the common script. Null sets a default AlgoScript, without the settings of the environment.
   void set(const AlgoScript* script);
   // Sets the calling thread's script. Null removes it.
   static void setOwn(const AlgoScript* script);
-  // Never null.
+  // Returns the script in force; never null.
   std::shared_ptr<const AlgoScript> current() const;
 
 private:

@@ -230,7 +230,7 @@ void StandIn::echoFlag(ParameterSet& parameters) {
   int64_t flag = 0;
   if (parameters.get(kControl, "frame_flag", &flag, sizeof flag) != 0) return;
   parameters.write(kControl, "current_base_frame_time", flag);
-  // Readers use the time only if there is an index.
+  // Readers use the time only if the index is not negative.
   if (parameters.read<int32_t>(kFeedback, "current_base_frame_idx", -1) < 0)
     parameters.write<int32_t>(kFeedback, "current_base_frame_idx", 0);
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{2};  // limit for a callback that does not return
 
-// A request has no flag if none was written.
+// Returns false for a request without a flag.
 bool carriesFlag(const Request& request, int64_t frameFlag) {
   int64_t flag = 0;
   return request.parameters().get(kControl, "frame_flag", &flag, sizeof flag) == 0 && flag == frameFlag;
@@ -106,7 +106,7 @@ Worker::JobPointer Worker::takeNext() {
 }
 
 void Worker::work(Job& job) {
-  // The request is called back even if the work fails.
+  // The callback is sent even if the work fails.
   try {
     mWork(*job.request);
   } catch (...) {

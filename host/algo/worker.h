@@ -1,4 +1,4 @@
-// The one thread that processes the requests of all clients, in order of arrival, and calls back. It starts
+// Processes the requests of all clients on one thread, in order of arrival, and calls back. The thread starts
 // with the first request and runs until the process ends.
 #pragma once
 
@@ -30,8 +30,8 @@ public:
   bool drain(void* client, std::chrono::milliseconds limit);
   // Like drain(), for every client.
   bool drainAll(std::chrono::milliseconds limit);
-  // From now on, no pending request of the client calls back; unstarted ones are dropped. Waits, for a
-  // limited time, for a running callback, because its target is about to be destroyed.
+  // Prevents further callbacks for the client's pending requests and drops the unstarted ones. Waits up to
+  // two seconds for running callbacks on other threads, because their target is about to be destroyed.
   void abandon(void* client);
   void abandonAll();
   // Calls back immediately, from a separate thread, for the client's unstarted requests with this
