@@ -18,7 +18,8 @@ constexpr unsigned kLittleEndian = 0x4949;
 // The smallest sensor that LibRaw accepts, and a limit that no sensor exceeds.
 constexpr int kLeastSide = 22;
 constexpr int kLargestSide = 1 << 14;
-// LibRaw represents Bayer patterns as 32-bit numbers from here on, and other patterns as smaller numbers.
+// LibRaw represents Bayer patterns as 32-bit numbers of at least this value, other patterns as smaller
+// numbers.
 constexpr unsigned kLeastBayer = 1000;
 // The most samples per byte: lossless JPEG uses at least one bit per sample.
 constexpr int64_t kSamplesPerByte = CHAR_BIT;
@@ -114,7 +115,7 @@ bool DngFile::listBlocks() {
     return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
   for (int top = 0; top < height(); top += blockHeight) {
-    // A tile at the lower edge has padding; a last strip has none.
+    // Tiles at the lower edge have padding; the last strip has none.
     const int blockRows = isTiled() ? blockHeight : std::min(blockHeight, height() - top);
     for (int left = 0; left < width(); left += blockWidth) {
       mBlocks.push_back({blockOffset(mBlocks.size()), left, top, blockWidth, blockRows});
@@ -123,8 +124,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// LibRaw stores the offsets of several strips. For several tiles, it stores only the position of their offset
-// table; for a single strip or tile, its offset.
+// Returns the offset of a strip or tile. LibRaw stores the offsets of several strips, but only the position
+// of the offset table for several tiles. For a single strip or tile, it stores the offset.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);
@@ -193,8 +194,9 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage makes a decoder stop without an error. Therefore decodes twice into memory that is filled
-// with different marks: the decoder did not write a sample that equals the mark both times.
+// Some damage makes a decoder stop without an error. Therefore decodes into memory that is filled with a
+// mark, and if any sample equals the mark, decodes again with a different mark. The decoder did not write the
+// samples that equal the mark both times.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kIoException[] = "java/io/IOException";
 
-// Calls `use` with the file of this name. Problems and C++ exceptions become Java exceptions.
+// Calls `use` with the DNG file at this path. Problems and C++ exceptions become Java exceptions.
 template <typename Use>
 void withFile(JNIEnv* env, jbyteArray path, Use use) {
   try {

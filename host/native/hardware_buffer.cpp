@@ -58,7 +58,7 @@ uint64_t pixelBytes(const AHardwareBuffer_Desc& desc, uint32_t stride) {
   return row * rows > kMaxBytes ? 0 : row * rows;
 }
 
-// One layer only; a BLOB is one row.
+// Accepts known formats with one layer; a BLOB must have one row.
 bool isAllocatable(const AHardwareBuffer_Desc& desc) {
   const bool isBlob = desc.format == AHARDWAREBUFFER_FORMAT_BLOB;
   return desc.layers == 1 && (!isBlob || desc.height == 1) && pixelBytes(desc, desc.width) > 0;
@@ -95,7 +95,7 @@ uint32_t rowSamples(const AHardwareBuffer_Desc& desc, const native_handle_t& han
   return isOurs ? static_cast<uint32_t>(handle.data[kRowWord]) / sampleBytes(desc) : desc.width;
 }
 
-// Maps the memory file, if it holds all rows. Returns 0 or a negative errno.
+// Maps the memory file if it contains all rows. Returns 0 or a negative errno.
 int mapPixels(AHardwareBuffer& buffer) {
   const uint64_t needed = pixelBytes(buffer.desc, buffer.desc.stride);
   struct stat status = {};
@@ -112,7 +112,7 @@ int mapPixels(AHardwareBuffer& buffer) {
   return 0;
 }
 
-// The Cr and Cb samples of a row alternate: Cr, Cb, Cr, Cb.
+// In the chroma rows, Cr and Cb samples alternate, beginning with Cr.
 void fillPlanes(const AHardwareBuffer& buffer, AHardwareBuffer_Planes& planes) {
   const AHardwareBuffer_Desc& desc = buffer.desc;
   auto* const start = static_cast<uint8_t*>(buffer.pixels);

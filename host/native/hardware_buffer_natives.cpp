@@ -31,7 +31,7 @@ extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nCreate(
 }
 
 // Creates a buffer around a handle of `words` and takes ownership of the first `numFds` words, which are
-// descriptors. Returns 0 on failure. Keeps the counts as passed.
+// descriptors. Returns the buffer's address; 0 on failure.
 extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nFromHandle(JNIEnv* env, jclass,
                                                                                     jint width, jint height,
                                                                                     jint format, jint numFds,

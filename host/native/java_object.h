@@ -1,11 +1,11 @@
-// Reading the Java objects that stand for native ones, without leaving an exception behind.
+// Helpers for reading Java objects that represent native ones, and for throwing exceptions.
 #pragma once
 
 #include <jni.h>
 
 namespace orlu::host {
 
-// True when the object is one of the named class; false for null.
+// Returns whether the object is an instance of the named class; false for null. Leaves no exception pending.
 inline bool isInstanceOf(JNIEnv* env, jobject object, const char* className) {
   if (object == nullptr) return false;
   jclass clazz = env->FindClass(className);
@@ -18,7 +18,8 @@ inline bool isInstanceOf(JNIEnv* env, jobject object, const char* className) {
   return answer;
 }
 
-// The object's field of its own class; null, cleared, when it has none of that name and type.
+// Returns the field of this name and type in the object's class; null, without a pending exception, if there
+// is no such field.
 inline jfieldID fieldOf(JNIEnv* env, jobject object, const char* name, const char* signature) {
   jclass clazz = env->GetObjectClass(object);
   jfieldID field = env->GetFieldID(clazz, name, signature);
@@ -27,7 +28,7 @@ inline jfieldID fieldOf(JNIEnv* env, jobject object, const char* name, const cha
   return field;
 }
 
-// Throws `className`, unless the class itself can't be found, which throws as well.
+// Throws a new `className`. If the class can't be found, the exception of the lookup stays pending instead.
 inline void throwNew(JNIEnv* env, const char* className, const char* message) {
   jclass clazz = env->FindClass(className);
   if (clazz != nullptr) env->ThrowNew(clazz, message);

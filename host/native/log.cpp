@@ -23,10 +23,10 @@
 
 namespace {
 
-// As on the device: longer lines are truncated.
+// Longer lines are truncated, as on the device.
 constexpr size_t kLineSize = 1024;
 
-// By priority.
+// The letter of each priority.
 constexpr char kPriorityLetters[] = "??VDIWEFS";
 constexpr int kPriorities = sizeof kPriorityLetters - 1;
 

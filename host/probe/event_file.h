@@ -1,5 +1,5 @@
-// The file that events are appended to, with one write per line. So several processes and languages can share
-// the file, and no event is lost when the process ends.
+// The file to which events are appended, with one write per line. Several processes, in several languages,
+// can therefore share the file, and no event is lost when the process ends.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,5 @@
-// One event as a line of JSON: fields are added in order; finish() closes the line.
+// One event as a line of JSON: fields are added in order; finish() closes the line. For an element of a list,
+// pass null as the name.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +20,7 @@ public:
   // Adds the number and name of a call.
   EventLine& call(uint64_t number, std::string_view operation);
   EventLine& number(const char* name, int64_t value);
-  // An address, a handle or a 64-bit id: "0x7f12". The name of an element of a list is null.
+  // An address, a handle or a 64-bit id: "0x7f12".
   EventLine& hex(const char* name, uint64_t value);
   EventLine& hex(const char* name, const void* value) {
     return hex(name, reinterpret_cast<uintptr_t>(value));

@@ -19,9 +19,9 @@ public:
   // Reads the environment, and writes the header if a different file is used from now on.
   void open();
 
-  // Finds and opens the real library for a caller of the entry; recorded as one operation.
+  // Finds and opens the real library for a caller of the entry, and records this as one operation.
   RealLibrary load(const void* caller);
-  // Records which callables the table offers that this call of the entry filled in.
+  // Records which callables a table offers. `entry` is the number of the call that filled in the table.
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
 
   using GetValue = decltype(AlgoMetadataOps::getValue);

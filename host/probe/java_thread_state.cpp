@@ -6,7 +6,7 @@
 namespace orlu::probe {
 
 JavaThreadState javaThreadState() {
-  // Looked up by name, because the probe must load without a VM too.
+  // Looked up by name, because the probe must also load without a VM.
   using GetCreatedJavaVms = jint(JNICALL*)(JavaVM**, jsize, jsize*);
   static const auto getCreatedVms =
       reinterpret_cast<GetCreatedJavaVms>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));

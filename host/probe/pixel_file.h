@@ -13,12 +13,12 @@ struct WrittenPixels {
 };
 
 // Returns the size of a descriptor's memory: shared memory, a memory file or a hardware buffer's pixels. 0 if
-// it has none or is closed.
+// the descriptor has no memory or is closed.
 uint64_t memorySize(int fd);
 
-// Writes `size` bytes of the descriptor's memory, or all if there are fewer, to a new file at this path,
-// unless they exceed `mostBytes`. Leaves no file if the memory can't be mapped or part of it disappears while
-// it is read.
+// Writes the first `size` bytes of the descriptor's memory, or the whole memory if it is smaller, to a new
+// file at `path`. Leaves no file if that would be more than `mostBytes`, if the memory can't be mapped, or if
+// part of it disappears while it is read.
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path);
 
 }  // namespace orlu::probe

@@ -20,7 +20,7 @@ namespace orlu::probe {
 namespace {
 
 constexpr uint64_t kUsualBytes = uint64_t{1} << 30;
-// Limits the unfinished requests that are remembered, because a library may never call back for some.
+// Limit on remembered unfinished requests: a library may never call back for some requests.
 constexpr size_t kMostRequests = 16;
 
 std::string crcText(uint32_t crc) {
@@ -114,7 +114,7 @@ void PixelRecorder::keep(const Place& place, int fd, int32_t size) {
   mEvents.write(line.finish());
 }
 
-// Returns the bytes that are still allowed; files that were removed since no longer count.
+// Returns how many bytes may still be written. Files that have been removed do not count.
 uint64_t PixelRecorder::bytesLeft() {
   mFiles.erase(std::remove_if(mFiles.begin(), mFiles.end(),
                               [](const File& file) { return access(file.path.c_str(), F_OK) != 0; }),
@@ -124,7 +124,7 @@ uint64_t PixelRecorder::bytesLeft() {
   return left;
 }
 
-// Closes the descriptors of the matching requests.
+// Removes the matching requests and closes their descriptors.
 template <typename Which>
 void PixelRecorder::forget(Which which) {
   for (auto request = mRequests.begin(); request != mRequests.end();) {

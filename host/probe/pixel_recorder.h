@@ -15,7 +15,7 @@ namespace orlu::probe {
 
 class PixelRecorder {
 public:
-  // Writes the names of its files into the events.
+  // Borrows `events`, which receive the names of the files.
   explicit PixelRecorder(const EventFile& events) : mEvents(events) {}
 
   // Reads ORLU_PIXELS, a folder that is created if missing, and ORLU_PIXELS_BYTES, the limit for all files
@@ -43,7 +43,7 @@ private:
     std::string path;
     uint64_t size;
   };
-  // Identifies an image of `call`, which is the process or the callback of a request.
+  // Identifies an image of `call`, which is the process() call or the callback of a request.
   struct Place {
     const WatchedCall& call;
     uint64_t reqId;

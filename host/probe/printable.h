@@ -25,7 +25,7 @@ inline size_t characterLength(std::string_view text) {
   return overlong || surrogate || tooLarge ? 0 : length;
 }
 
-// Returns the code of a character of characterLength bytes, or of an invalid byte.
+// Returns the code point of one valid character, or the value of one invalid byte.
 inline unsigned characterCode(std::string_view character) {
   unsigned code = static_cast<unsigned char>(character[0]);
   if (character.size() > 1) code &= 0x7FU >> character.size();
@@ -33,8 +33,8 @@ inline unsigned characterCode(std::string_view character) {
   return code;
 }
 
-// True for control characters other than line feed and tab, for line separators, and for characters that
-// change the text direction.
+// Returns whether the code point is a control character other than line feed and tab, a line separator, or a
+// character that changes the text direction.
 inline bool isUnsafe(unsigned code) {
   const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
   const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F ||

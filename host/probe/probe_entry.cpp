@@ -27,7 +27,7 @@ public:
   }
 
 private:
-  // Retries for every table until the library is opened, as the loader would.
+  // Tries again for every table until the library can be opened, as the service does without a probe.
   RealLibrary::Entry realEntry(const void* caller) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mEntry == nullptr) mEntry = mRecorder.load(caller).entry;

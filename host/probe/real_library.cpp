@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The maker's library is renamed to this if the probe takes its place: a phone's loader searches only one
-// folder for the original name.
+// The name of the maker's library if the probe takes its place under the original name, which a phone's
+// loader searches for in only one folder.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
@@ -30,7 +30,7 @@ bool areSameFile(const std::string& left, const std::string& right) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-// The loader accepts both separators; an empty folder means the current one.
+// Splits a list of folders like the loader: at both separators; an empty entry means the current folder.
 std::vector<std::string> foldersOf(const char* list) {
   std::vector<std::string> folders;
   if (list == nullptr || *list == '\0') return folders;

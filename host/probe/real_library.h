@@ -15,10 +15,12 @@ struct RealLibrary {
   std::string error;       // the loader's message
 };
 
-// Returns the path in ORLU_ALGO_LIBRARY, else liborlu.vac.interface.real.so beside the probe, else the next
-// library with the device's name, which is searched for in the folders of LD_LIBRARY_PATH, beside the library
-// that contains the address `caller`, in the folder lib beside the probe's own folder, and in the system's
-// folders.
+// Returns the path of the library to open, the first of these:
+// - the path in ORLU_ALGO_LIBRARY, even if there is no such file
+// - liborlu.vac.interface.real.so beside the probe
+// - liborlu.vac.interface.so, unless that is the probe itself, in a folder of LD_LIBRARY_PATH, beside the
+//   library that contains the address `caller`, in the folder lib beside the probe's own folder, or in one of
+//   the system's folders
 // Returns "" if nothing was found.
 std::string findRealLibrary(const void* caller);
 

@@ -6,8 +6,8 @@
 
 namespace orlu::probe {
 
-// Returns the value of the variable `name`, which begins with "ORLU_"; if that is unset on a phone,
-// the value of its property; "" if neither is set.
+// Returns the value of the variable `name`, which must begin with "ORLU_". If the variable is unset or empty,
+// returns the value of its property on a phone, else "".
 std::string setting(const char* name);
 
 // Returns the property of a variable: "persist.vendor.orlu.pixels_bytes" for "ORLU_PIXELS_BYTES".

@@ -106,8 +106,8 @@ public:
     return *book;
   }
 
-  // Returns the cookie to pass to the library instead of this one. 0 and the cookie of an empty function are
-  // returned unchanged.
+  // Returns the cookie to pass to the library instead of `cookie`. Returns 0 and the cookie of an empty
+  // function unchanged.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;
@@ -220,7 +220,7 @@ private:
   TableObserver& mObserver;
 };
 
-// Records the only argument in this field of the call.
+// Returns a `note` that stores the address of the only argument in this field of the call.
 template <typename Field>
 auto noteIn(Field WatchedCall::*field) {
   return [field](WatchedCall& call, const auto& argument) { call.*field = &argument; };

@@ -77,8 +77,8 @@ protected:
 
 // Returns a table that holds copies of the callables of `real`, calls them and reports to the observer.
 //
-// The library does not get the caller's cookie but the address of a function of our own. There is one such
-// function per cookie. It is never freed, so that a late callback still reaches the caller's function.
+// Instead of the caller's cookie, the library receives the address of a replacement function. There is one
+// replacement per cookie. It is never freed, so that a late callback still reaches the caller's function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.

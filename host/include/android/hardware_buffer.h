@@ -1,6 +1,6 @@
-// Host stand-in for the NDK's hardware buffers (libnativewindow.so). Every buffer carries a native handle
-// of two descriptors (0: attributes, 1: pixels) and four integers (width, height, row stride in bytes,
-// format); the pixels are one memory file, rows tightly packed.
+// Host stand-in for the NDK's hardware buffers (libnativewindow.so). The native handle of an allocated buffer
+// has two descriptors (0: attributes, 1: pixels) and four integers (width, height, row stride in bytes,
+// format). The pixels are one memory file with tightly packed rows.
 #pragma once
 
 #include <stdint.h>
@@ -36,7 +36,7 @@ typedef struct ARect ARect;
 
 typedef struct AHardwareBuffer_Plane {
   void* data;
-  uint32_t pixelStride;  // bytes from a sample to the next one of this plane
+  uint32_t pixelStride;  // bytes from one sample of this plane to the next
   uint32_t rowStride;    // bytes
 } AHardwareBuffer_Plane;
 

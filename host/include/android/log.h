@@ -42,9 +42,10 @@ void __android_log_set_logger(__android_logger_function logger);
 // The default logger.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
-// Drops lines below this priority before they are formatted. Returns the previous priority. The initial one
-// comes from the environment variable ANDROID_LOG_TAGS ("*:E"), else it is ANDROID_LOG_DEFAULT, which drops
-// nothing. A tag that the variable names ("TAG:D *:S") keeps its own priority.
+// Sets the priority below which lines do not reach the logger, and returns the previous one. The initial
+// priority comes from the environment variable ANDROID_LOG_TAGS ("*:E"); by default, it is
+// ANDROID_LOG_DEFAULT, which drops only ANDROID_LOG_UNKNOWN. Tags that the variable names keep their own
+// priorities ("TAG:D *:S").
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
 #ifdef __cplusplus

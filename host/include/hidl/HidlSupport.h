@@ -81,7 +81,7 @@ private:
 };
 static_assert(sizeof(hidl_vec<uint8_t>) == 16);
 
-// A borrowed native handle: copies refer to the same one.
+// A borrowed native handle; copies refer to the same handle.
 struct hidl_handle {
   hidl_handle() = default;
   hidl_handle(const native_handle_t* handle) { mHandle.set(handle); }  // NOLINT: implicit as on the device

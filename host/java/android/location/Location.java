@@ -42,7 +42,7 @@ public final class Location {
         mLongitude = longitude;
     }
 
-    /** 0 if {@link #hasAltitude()} is false. */
+    /** Returns 0 if {@link #hasAltitude()} is false. */
     public double getAltitude() {
         return mAltitude;
     }

@@ -16,7 +16,7 @@ public final class SystemProperties {
         nSet(Objects.requireNonNull(key), value == null ? "" : value);
     }
 
-    /** The value of a property; {@code def} if it is unset or empty. */
+    /** Returns the value of a property; {@code def}, or "" for null, if it is unset or empty. */
     public static String get(String key, String def) {
         String value = nGet(Objects.requireNonNull(key));
         return value.isEmpty() && def != null ? def : value;

@@ -15,7 +15,7 @@ public class CaptureResult {
         mResults = results;
     }
 
-    /** Returns the tag's value as the key's type; null if absent. Throws for a tag that is in no table. */
+    /** Returns the value as the key's type; null if absent. Throws for an unknown tag or a wrong type. */
     public <T> T get(Key<T> key) {
         return mResults.lookUp(key.getName(), key.mType);
     }

@@ -7,18 +7,18 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** The typed store behind capture results. Every value is converted to its tag's type when it is set. */
+/** The typed store of a camera's metadata. Every value is converted to its tag's type when it is set. */
 public final class CameraMetadataNative implements Parcelable {
     private final Map<String, Object> mValues = new HashMap<>();
 
     private LookupListener mLookupListener;
 
-    /** Sets the listener; null, the initial value, for none. */
+    /** Sets the listener; null, the initial value, means no listener. */
     public void setLookupListener(LookupListener listener) {
         mLookupListener = listener;
     }
 
-    /** {@link #get(String, Class)} on behalf of a capture result's reader; reported to the listener. */
+    /** Like {@link #get(String, Class)}, for readers of a capture result: reports each read to the listener. */
     public <T> T lookUp(String tag, Class<T> type) {
         LookupListener listener = mLookupListener;
         if (listener == null) {
@@ -36,8 +36,7 @@ public final class CameraMetadataNative implements Parcelable {
 
     /**
      * Sets a tag. Arrays may be primitive or boxed; null removes the tag. Throws IllegalArgumentException for
-     * a tag that is in no table, and for a value that does not fit its type, such as an array that contains
-     * null.
+     * an unknown tag, and for a value that does not fit the tag's type, such as an array that contains null.
      */
     public void set(String tag, Object value) {
         TagType type = typeOf(tag);
@@ -54,15 +53,14 @@ public final class CameraMetadataNative implements Parcelable {
         mValues.put(tag, stored);
     }
 
-    /** Returns a copy of the value in its tag's own class; null if absent. */
+    /** Returns a copy of the value in the tag's own class; null if absent. */
     public Object get(String tag) {
         return get(tag, typeOf(tag).stored());
     }
 
     /**
-     * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for a tag that is in
-     * no table, and for a type that does not fit: an array of several values is not a scalar, and an int is
-     * not a long.
+     * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for an unknown tag,
+     * and for a type that does not fit: an array of several values is not a scalar, and an int is not a long.
      */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);
@@ -83,7 +81,7 @@ public final class CameraMetadataNative implements Parcelable {
         return new TreeSet<>(mValues.keySet());
     }
 
-    /** Writes the number of tags, then for each tag, by name: its name, type, number of values, values. */
+    /** Writes the number of tags, then the tags sorted by name: name, type, number of values, values. */
     @Override
     public void writeToParcel(Parcel destination, int flags) {
         destination.writeInt(mValues.size());

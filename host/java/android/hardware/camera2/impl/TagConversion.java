@@ -7,9 +7,9 @@ import java.lang.reflect.Array;
 import java.nio.charset.StandardCharsets;
 
 /**
- * Converts values between the classes that are stored, set and requested. Number types are never converted to
- * one another. Primitive and boxed arrays are, and so are a string and its bytes, and a single value and an
- * array of one element. Returns copies of anything mutable.
+ * Converts values to the class that stores them and to the class that a reader requests: between primitive
+ * and boxed arrays, between strings and their UTF-8 bytes, and between single values and arrays of one
+ * element. Never converts one number type to another. Returns copies of mutable values.
  */
 final class TagConversion {
     private TagConversion() {

@@ -7,7 +7,7 @@ import android.location.Location;
 import android.os.Parcel;
 import android.util.Rational;
 
-/** A stored value in a parcel: its type, the number of elements, the elements. */
+/** Writes a stored value to a parcel: its type, the number of elements, the elements. */
 final class TagParcel {
     private TagParcel() {
     }

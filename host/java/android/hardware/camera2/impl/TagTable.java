@@ -24,16 +24,16 @@ public final class TagTable {
         return TAGS.get(tag);
     }
 
-    /** All tags, sorted. */
+    /** Returns all tags, sorted. */
     public static Set<String> names() {
         return new TreeSet<>(TAGS.keySet());
     }
 
     /**
-     * Registers a vendor tag, as the camera's tag descriptor does on the device. Its name may be built at run
-     * time from a section and a key ("orlu.algo.system.some_key", BYTES).
-     * Registering a tag again with the same type is allowed. Throws IllegalArgumentException if the tag is
-     * known with another type, because metadata may already contain values of that type.
+     * Registers a vendor tag, as the camera's tag descriptor does on the device. The tag's name may be built
+     * at run time from a section and a key ("orlu.algo.system.some_key", BYTES). Registering a tag again with
+     * the same type is allowed. Throws IllegalArgumentException if the tag is known with another type,
+     * because metadata may already contain values of that type.
      */
     public static void register(String tag, TagType type) {
         put(TAGS, tag, Objects.requireNonNull(type));

@@ -31,12 +31,12 @@ public enum TagType {
         mStored = stored;
     }
 
-    /** Whether a value in a parcel includes its own length, as arrays and strings do. */
+    /** Returns whether a value in a parcel includes its own length, as arrays and strings do. */
     boolean isCounted() {
         return mStored.isArray() || this == STRING;
     }
 
-    /** The class of a stored value. */
+    /** Returns the class that stores a value. */
     public Class<?> stored() {
         return mStored;
     }
