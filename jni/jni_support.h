@@ -22,8 +22,8 @@ T clearIfNull(JNIEnv* env, T result) {
   return result;
 }
 
-// Calls JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(): `env` is void** in the JDK's jni.h
-// and JNIEnv** in Android's. `arguments` may be null. Returns the VM's result.
+// Calls `attach`: JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(), whose first parameter is a
+// void** in the JDK's jni.h and a JNIEnv** in Android's. `arguments` may be null. Returns the VM's result.
 template <typename Env>
 jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env,
                   JavaVMAttachArgs* arguments) {

@@ -18,7 +18,7 @@ public final class CameraMetadataNative implements Parcelable {
         mLookupListener = listener;
     }
 
-    /** Like {@link #get(String, Class)}, for readers of a capture result: reports each read to the listener. */
+    /** Like {@link #get(String, Class)}, for readers of capture results: reports the read to the listener. */
     public <T> T lookUp(String tag, Class<T> type) {
         LookupListener listener = mLookupListener;
         if (listener == null) {
