@@ -33,8 +33,8 @@ protected:
   }
 };
 
-// "process" and "getSize" are left to the soak test: without them a synchronous request waits for its full
-// ten seconds. Without "destroyMetadata" or "destroyClient" nobody could free the leftovers.
+// The soak test covers "process" and "getSize": without them a synchronous request waits for the full timeout
+// of ten seconds. Without "destroyMetadata" or "destroyClient" a test could not free its blocks or client.
 class MissingOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingOperationTest, IsDoneWithout) {
@@ -109,17 +109,18 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// Operations that throw, and operations that leave a Java exception pending. Operations that create something
-// fail before creating it, the others after their work.
+// Operations that throw, and operations that leave a Java exception pending. Operations that create an object
+// fail before they create it, the others after their work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
-  // The values stored during a client's life, by name.
+  // Runs a client through all natives. Returns "announced" if Java was notified, then a line with the key and
+  // the first bytes of each value stored.
   std::string storedIn(test::CallbackRecorder& recorder) {
     mAlgo.forget();
     mAlgo.use();
     native([&] { mInst = RequestProcessor::create(env(), nullptr); });
     native([&] { RequestProcessor::init(env(), mInst, nullptr); });
-    // Without an entry there are no operations, so nobody would call back within the ten seconds.
+    // Without an entry there are no operations, so a synchronous request would wait for the full timeout.
     const bool isOffered = mAlgo.script.throwing.count("AlgoInterfaceEntry") == 0;
     if (isOffered) native([&] { EXPECT_EQ(0, process()); });
     native([&] { EXPECT_EQ(0, process(1)); });
@@ -182,7 +183,8 @@ TEST_F(AlgoFaultsTest, CallsBackWithAJavaExceptionPending) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// A session that finishes normally with shots in flight.
+// A session ends normally with a shot in flight: destroyClient() calls back on the calling thread and on the
+// library's thread.
 TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   test::CallbackRecorder recorder;
   mAlgo.script.delay = std::chrono::milliseconds(50);
@@ -231,7 +233,7 @@ TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
   EXPECT_EQ(0, mInst);
 }
 
-// The request is being submitted and not announced yet. After the announcement Java may finish it early,
+// The id is not valid while the request is being submitted. Afterwards Java may finish the request early,
 // once; its block lives until the library calls back.
 TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   mAlgo.script.callbacks = 0;

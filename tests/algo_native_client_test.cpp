@@ -29,7 +29,7 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeClient";
 constexpr int64_t kClientId = 0x1'0000'0003;
 constexpr int64_t kReqId = 0x2'0000'0001;
 
-// An event with values that reveal wrong offsets, and unused bytes.
+// Returns an event whose values reveal wrong offsets. Unused bytes are 0xEE.
 std::vector<uint8_t> lightStreamCallback(size_t payloadSize = 48) {
   std::string payload(payloadSize < 48 ? 48 : payloadSize, '\xEE');
   const int64_t eventType = 0x1'0000'0002;
@@ -66,7 +66,7 @@ protected:
     return "4294967299 7 8589934593 nativeRequestAddr=Long " + std::to_string(mFullAsync) + "\n";
   }
   std::string bothReports() const { return shotReport() + lightStreamReport(""); }
-  // Expects `count` failures with `error` of both kinds of data.
+  // Expects that each kind of callback has logged `error` `count` times.
   void expectErrors(int count, const char* error) const {
     for (const char* function : {"onPostProcessDataCommonShot: ", "onPostProcessDataLightStream: "}) {
       EXPECT_EQ(count, mLog.errors(kTag, std::string(function) + error)) << mLog.text();
@@ -106,7 +106,7 @@ TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   EXPECT_EQ(nullptr, mClient) << "Java was not called";
 }
 
-// The request finishes after the callback has found its client and before the announcement.
+// The client is destroyed after the callback has found it and before the announcement.
 TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnounce) {
   static std::unique_ptr<AlgoNativeClient>* client = nullptr;
   static const JNINativeInterface_* original = nullptr;
@@ -160,7 +160,7 @@ TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
 }
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
-  // Numbers of descriptors and integers, and the first word, of each handle; -1 descriptors: a null handle.
+  // {descriptors, integers, first word} of each handle; -1 descriptors: a null handle.
   using Handles = std::vector<std::array<int, 3>>;
   // clang-format off
   const std::pair<Handles, std::string> kCases[] = {

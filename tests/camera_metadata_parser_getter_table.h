@@ -1,5 +1,5 @@
-// Wraps every getter of the metadata parser in a function that returns its status and outputs as text, with
-// an example value.
+// Table of the metadata parser's getters. Each row has an example value, and a function that calls the getter
+// and returns the status and the outputs as text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace orlu::test {
 
 using P = CameraMetadataParser;
 
-// A getter's arguments. Only some getters use the capacity.
+// Arguments of a getter. Only some getters use `parameter` and `capacity`.
 struct Ask {
   const char* key;
   jobject source;  // the capture result, or the only source
@@ -38,10 +38,10 @@ int call(Get get, P& parser, const Ask& ask, Outputs&&... outputs) {
   }
 }
 
-// The value of all outputs before the call.
+// Value of numeric outputs before the call.
 constexpr int kUnwritten = -77;
 
-// "status: elements". Unwritten elements appear as "#"; those after the last written one are omitted.
+// Returns "status: elements". An unwritten element before the last written one appears as "#".
 template <typename Elements>
 std::string told(int status, const Elements& elements) {
   std::ostringstream text;
@@ -56,7 +56,7 @@ std::string told(int status, const Elements& elements) {
   return text.str();
 }
 
-// A record as its elements, including padding.
+// Passes a record to `get` and returns the record, including padding, as a list of elements.
 template <typename Element, typename Record, typename Get>
 std::string readAs(Get get) {
   Element elements[sizeof(Record) / sizeof(Element)];
@@ -82,7 +82,7 @@ std::string read(int (P::*get)(T*, int, const char*, Sources...), P& parser, con
   return readAs<T, Array>([&](Array& array) { return call(get, parser, ask, array.values, ask.capacity); });
 }
 
-// Zeros appear as points, unchanged bytes as number signs; empty if the output was only zeroed.
+// Shows zero bytes as "." and unwritten bytes as "#". Omits a buffer that the getter only zeroed.
 template <typename... Sources>
 std::string read(int (P::*get)(char*, int, const char*, Sources...), P& parser, const Ask& ask) {
   std::string buffer = "######";
@@ -149,8 +149,8 @@ struct Getter : NamedCase {
   Reader read;
   const char* key;
   jobject (*value)();
-  const char* text;               // the outputs for the value
-  jobject (*wrong)() = fraction;  // of another type, for a composition
+  const char* text;               // expected outputs
+  jobject (*wrong)() = fraction;  // a value of a wrong type, put into a composition
 };
 
 inline constexpr char kInteger[] = "java/lang/Integer";
@@ -186,7 +186,7 @@ inline const Getter kGetters[] = {
     {PARAMETER(getFaceInfoOrlu),          "faces",  JAVA(javaFaces({{1, 2, 3, 4}})), "1 1 2 3 4"},
     {PARAMETER(getRectInfoOrlu),          "rect",   JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
     {PARAMETER(getMeteringRectangleOrlu), "region", JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 9)), "1 2 3 4"},
-    // Only boxed arrays.
+    // These two accept only boxed arrays.
     {PARAMETER(getIntArrayOrlu),          "ints",   JAVA(javaArray(kInteger, {javaInt(1), javaInt(2), javaInt(3)})), "1 2 3", JAVA(javaInts({1, 2, 3}))},
     {PARAMETER(getFloatArrayOrlu),        "floats", JAVA(javaArray(kFloat, {javaFloat(1), javaFloat(2), javaFloat(3)})), "1 2 3", JAVA(javaFloats({1, 2, 3}))},
 
@@ -208,7 +208,7 @@ inline jobject compositionWith(const char* key, jobject value) {
   return composition;
 }
 
-// The getter's source, with or without a value.
+// Returns the getter's source, with or without the example value.
 inline jobject sourceOf(const Getter& getter, bool hasValue) {
   if (getter.source == kParameter) {
     return hasValue ? compositionWith(getter.key, getter.value()) : newComposition();
@@ -224,7 +224,7 @@ inline jobject sourceOf(const Getter& getter, bool hasValue) {
   return getter.source == kResult ? newCaptureResult(metadata) : newCharacteristics(metadata);
 }
 
-// Reads; fails if references, arrays or exceptions are left.
+// Calls the getter. The test fails if local references, acquired arrays or an exception remain.
 inline std::string readBy(P& parser, Reader read, const Ask& ask) {
   const JniTable table(env());
   std::string text = read(parser, ask);
@@ -235,14 +235,14 @@ inline std::string readBy(P& parser, Reader read, const Ask& ask) {
   return text;
 }
 
-// A parser that could not find one class or member.
+// Returns a parser that could not find the class or member `hidden`.
 inline P parserWithout(const std::string& hidden) {
   JniTable table(env());
   table.hide(hidden);
   return P(env());
 }
 
-// The parser's lines as "operation() message"; other lines in full.
+// Returns the log: the parser's errors as "operation() message", other lines in full.
 inline Lines parserErrors(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {

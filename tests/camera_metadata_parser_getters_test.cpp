@@ -60,7 +60,7 @@ TEST_P(CameraMetadataParserGetterTest, TellsAMissingValue) {
 }
 
 TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
-  if (mGetter.source == kCharacteristics) return;  // they convert to the requested type
+  if (mGetter.source == kCharacteristics) return;  // characteristics convert to the requested type
   jobject wrong = compositionWith(mGetter.key, mGetter.wrong());
   EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition wins";
   EXPECT_EQ(Lines{std::string(mGetter.name) + "() wrong object type " + mGetter.key}, parserErrors(mLog));
@@ -87,7 +87,7 @@ TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
 
 INSTANTIATE_TEST_SUITE_P(Getters, CameraMetadataParserGetterTest, testing::ValuesIn(kGetters), CaseName());
 
-// ---- Values of a composition that are read in part
+// ---- Composition values that are only partly read
 
 struct SpecialCase : NamedCase {
   Reader read;
@@ -127,7 +127,7 @@ jobject placeWithoutAltitude() {
 constexpr char kFace[] = "android/hardware/camera2/params/Face";
 constexpr char kRegion[] = "android/hardware/camera2/params/MeteringRectangle";
 // clang-format off
-// The record has space for ten.
+// All faces that fit into the record.
 #define TEN_FACES " 0 1 2 3 1 2 3 4 2 3 4 5 3 4 5 6 4 5 6 7 5 6 7 8 6 7 8 9 7 8 9 10 8 9 10 11 9 10 11 12"
 #define FORTY_INTS " 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20" \
                    " 21 22 23 24 25 26 27 28 29 30 31 32 33 34 35 36 37 38 39 40"
@@ -148,7 +148,7 @@ const SpecialCase kSpecialCases[] = {
     {"StringWithoutRoom",  reader<&P::getString>, 0,           JAVA(javaString("abc")), "0:"},
     {"LongBytes",          reader<&P::getArrayBytes>, 4, JAVA(javaBytes({'a', 'b', 'c', 'd', 'e'})), "0: abcd##"},
     {"LongStringOrlu",     reader<&P::getStringOrlu>, 4,       JAVA(javaString("abcdef")), "0: abcd##"},
-    // The count is the camera's, even if fewer faces fit.
+    // The count includes faces that do not fit.
     {"FiveFacesInTwo",     reader<&P::getFaceInfo>, 2,         JAVA(countedFaces(5)), "0: 5 0 1 2 3 1 2 3 4"},
     {"FacesPastTheRecord", reader<&P::getFaceInfo>, 12,        JAVA(countedFaces(12)), "0: 12" TEN_FACES},
     {"FiveFacesOrlu",      reader<&P::getFaceInfoOrlu>, 2,     JAVA(countedFaces(5)), "0: 5 0 1 2 3 1 2 3 4"},

@@ -24,7 +24,7 @@ protected:
   LogCapture mLog;
 };
 
-// Keys of arrays use the boxed class, so the capture result's arrays are read element by element.
+// Keys of arrays have a boxed class, such as Integer[], so arrays are read element by element.
 TEST_F(CameraMetadataParserLookupTest, KeysOfArraysAreBoxed) {
   for (const Getter& getter : kGetters) {
     const std::string name = getter.name;
@@ -44,7 +44,7 @@ Lines allLookups() {
   return table.lookups();
 }
 
-// With any member missing, getters return, and values that they cannot read stay unchanged.
+// Whichever member is missing, getters must return and leave values that they cannot read unchanged.
 TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   for (const std::string& lookup : allLookups()) {
     const LocalFrame frame;
@@ -60,7 +60,7 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   }
 }
 
-// Each frame is checked once; an object of another class is not used as a frame.
+// The classes of each frame's objects are checked once. An object of another class is not used.
 TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
   const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
   const std::vector<jobject> compositions = {compositionWith("i", javaInt(4)), javaString("composition"),
@@ -77,7 +77,8 @@ TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
       EXPECT_EQ(i == 1 ? 0 : 5, timestamp);
     }
   }
-  // The two good frames: both objects once, and two values per round. The other one: all of its objects.
+  // Two good frames: two objects each, checked once, then two values in each of three rounds. The bad frame:
+  // two objects for each of two reads in three rounds.
   EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
 }
 

@@ -35,7 +35,7 @@ const Putter kPutters[] = {
     {"putFloat",       kComposition, PUT(putFloat, 2.5F), "Float 2.5", kFloat},
     {"putLong",        kComposition, PUT(putLong, kBig), "Long 5000000001", kLong},
     {"putIntArray",    kComposition, PUT(putIntArray, kIntValues, 3), "int[] 1 -2 3", kIntegers},
-    // Uses the Integer[] class on purpose.
+    // Requires the Integer[] class, not Long[], on purpose.
     {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "long[] 5000000001 -2", kIntegers},
     {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2.0", kFloats},
     {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2.0", kDoubles},
@@ -51,7 +51,7 @@ const Putter kPutters[] = {
 constexpr char kNoInput[] = "put some.key, input param is null";
 constexpr char kNotPut[] = "put some.key is null";
 
-// The only value of a map.
+// Returns the only value of a map.
 jobject valueIn(jobject map) {
   jobject values =
       callObject(callObject(map, "values", "()Ljava/util/Collection;"), "toArray", "()[Ljava/lang/Object;");
@@ -63,7 +63,7 @@ protected:
   bool isMap() const { return mPutter.container == kHashMap; }
   jobject newContainer() { return isMap() ? mParser.createHashMap() : newComposition(); }
 
-  // Puts a value; fails if an exception is pending.
+  // Puts a value. The test fails if local references or an exception remain.
   int put(P& parser, jobject container) {
     mLog.clear();
     const JniTable table(env());

@@ -21,12 +21,10 @@ using test::LogCapture;
 constexpr char kComposition[] = "com/orlu/orlu3rdalgoservice/CaptureResultComposition";
 
 struct Entry {
-  std::string name;    // the parser's
-  std::string lookup;  // as JniTable reports it; members follow their class
-  // If it is missing: the logged lines, unless only its own name is logged, and the lookup at which the walk
-  // ends, unless that is the end of the table.
-  std::vector<std::string> told;
-  std::string last;
+  std::string name;               // name in the parser's log
+  std::string lookup;             // as JniTable reports it; members follow their class
+  std::vector<std::string> told;  // names logged if the entry is missing; empty: only its own name
+  std::string last;  // name of the last entry looked up if this one is missing; empty: the table's last
 };
 
 std::vector<Entry> readEntries() {
@@ -61,7 +59,7 @@ std::string isNull(const std::string& name) {
 
 class CameraMetadataParserTest : public testing::Test {
 protected:
-  // Fails if an exception is pending.
+  // Initialises the parser. The test fails if an exception remains.
   int init(bool withoutComposition) {
     const int result = mParser.initFromEnv(test::env(), withoutComposition);
     EXPECT_FALSE(test::env()->ExceptionCheck());
@@ -105,7 +103,7 @@ TEST_P(CameraMetadataParserMissingTest, TellsWhatIsMissingAndGoesOn) {
   Lines errors;
   for (const std::string& name : missing.told) errors.push_back(isNull(name));
   EXPECT_EQ(missing.told.empty() ? Lines{isNull(missing.name)} : errors, test::parserErrors(mLog));
-  // Members of a missing class are not looked up. Nothing follows the end of the walk.
+  // Neither the members of a missing class nor the entries after `missing.last` are looked up.
   Lines lookups;
   for (const Entry& entry : kEntries) {
     if (entry.name == missing.name || classOf(entry) != missing.lookup) lookups.push_back(entry.lookup);

@@ -45,7 +45,7 @@ Bytes lockedBytes(jobject pixels) {
   return bytesOf(test::callObject(pixels, "bytes", "()Ljava/nio/ByteBuffer;"));
 }
 
-// The exception thrown by lock(); "" if none.
+// Locks and unlocks the buffer. Returns the text of the exception thrown, or "".
 std::string refusal(jobject buffer) {
   try {
     close(lock(buffer));
@@ -55,7 +55,7 @@ std::string refusal(jobject buffer) {
   return "";
 }
 
-// A buffer over a memory file of `size` bytes, with `rowBytes` bytes per row.
+// Returns a buffer over a memory file of `size` bytes, with `rowBytes` bytes per row.
 jobject paddedBuffer(int format, int width, int height, int rowBytes, int size) {
   const int pixels = memfd_create("padded", MFD_CLOEXEC);
   const bool isMade = ftruncate(pixels, size) == 0;

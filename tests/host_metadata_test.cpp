@@ -1,4 +1,4 @@
-// The typed store of capture results. The parser's tests depend on it.
+// The store of typed tags behind capture results. The parser's tests depend on it.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 using test::env;
 
-// Reads a capture result with a key of this class: the value, or "refused" if that throws.
+// Reads a tag with a key of class `askedClass`. Returns the value as text, or "refused" if get() throws.
 std::string ask(jobject result, const char* tag, const char* askedClass) {
   jobject key =
       test::newObject("android/hardware/camera2/CaptureResult$Key", "(Ljava/lang/String;Ljava/lang/Class;)V",
@@ -28,7 +28,7 @@ struct StoreCase : test::NamedCase {
   jobject (*value)();  // null: the tag is not set
   const char* askedClass;
   const char* answer;
-  const char* heard;  // the value that a listener receives
+  const char* heard;  // the listener's entry: requested type "of" stored type
 };
 
 class HostMetadataTest : public testing::TestWithParam<StoreCase> {};

@@ -1,4 +1,4 @@
-// Hostile input from clients, applications or the algorithm library. It must not harm the process.
+// Hostile input from clients, applications or the algorithm library must not harm the process.
 
 #include <android/sharedmem_jni.h>
 #include <dlfcn.h>
@@ -13,7 +13,7 @@ int gDuplicated = 0;
 
 }  // namespace
 
-// Intercepts the platform's function of this name.
+// Intercepts the platform's function of this name to count its calls.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory) {
   ++gDuplicated;
   static const auto next =
@@ -31,7 +31,7 @@ class HostileInputTest : public test::RequestScene {
 protected:
   HostileInputTest() { create(); }
 
-  // A Java list of `count` references to the same element.
+  // Returns a Java list of `count` references to the same element.
   static jobject copies(int count, jobject element) {
     return test::callStatic("java/util/Collections", "nCopies", "(ILjava/lang/Object;)Ljava/util/List;",
                             count, element);
@@ -46,7 +46,7 @@ TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
   EXPECT_EQ(1024U, request.captureResults().size());
 }
 
-// Without the reservation the VM complains when the tests finish.
+// Without the reservation -Xcheck:jni prints a warning, which fails this program after the last test.
 TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   jobject images = copies(100, test::newSmallImage());
   jobject compositions = copies(100, test::newComposition());
@@ -56,7 +56,7 @@ TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   EXPECT_EQ(0, result);
 }
 
-// Another thread waits for the request, and destroys its block.
+// Only the thread that waits for a synchronous request may destroy its block.
 TEST_F(HostileInputTest, DoesNotEndASynchronousRequestThatACompositionNames) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   void* const block = client().context().createMetadata();

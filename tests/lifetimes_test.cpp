@@ -51,7 +51,7 @@ protected:
     return std::find(mDestroyed.begin(), mDestroyed.end(), mBlock) != mDestroyed.end();
   }
 
-  // Java finishes all requests that it may finish, and destroys the client.
+  // Finishes all requests that Java may finish, then destroys the client.
   void finishAll() {
     if (mInst == 0) create();
     for (uint64_t id : std::exchange(mSubmittedIds, {})) updateResult(id);
@@ -59,10 +59,10 @@ protected:
   }
 
   std::string mWatched;
-  std::set<std::string> mAsked;  // operations
+  std::set<std::string> mAsked;  // names of the operations called
   std::set<uint64_t> mSubmittedIds;
   std::function<void()> mDo;
-  void* mBlock = nullptr;  // of the newest request
+  void* mBlock = nullptr;  // the newest request's parameter block
 };
 
 // setRaw is the last call before process. The library knows the cookie from the previous request.
@@ -100,8 +100,8 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   }
 }
 
-// Java is not notified, so the request is only finished by the client's destruction, or by Java if it knows
-// the id from elsewhere.
+// Java is not notified. Only the client's destruction finishes the request, or Java if it knows the id from
+// elsewhere.
 TEST_F(LifetimesTest, AnAnnouncementFails) {
   mAlgo.script.callbacks = 0;
   for (const char* failing : {"NewObjectV", "FindClass", "CallStaticVoidMethodV"}) {
@@ -129,7 +129,7 @@ TEST_F(LifetimesTest, AnAnnouncementFails) {
   }
 }
 
-// Calls every native, and destroys either its client or another one inside each operation that it calls.
+// Calls every native. Inside each operation that the native calls, destroys its client or another one.
 TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   const std::pair<const char*, std::function<void(int64_t)>> kNatives[] = {
       {"init",      [](int64_t inst) { RequestProcessor::init(env(), inst, nullptr); }                 },
@@ -154,7 +154,7 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   putKey(mCompositions[0], "AbortVal", test::javaLong(3));
   int destroyed = 0;
   for (const auto& [name, native] : kNatives) {
-    // The operations that the native calls, each once.
+    // Finds the operations that the native calls.
     const test::LocalFrame firstFrame;
     create();
     process(1);
@@ -198,7 +198,8 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   EXPECT_LT(50, destroyed) << "most operations were not reached";
 }
 
-// Before, during and after process and callback, with and without destroying the client in between.
+// During and after process(), and before, during and after the callback; with and without destroying the
+// client in between.
 TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
   enum Moment { kInProcess, kAfterProcess, kInCallback, kAfterCallback, kAfterClient };
   for (const bool callsBackInside : {false, true}) {
@@ -274,7 +275,7 @@ TEST_F(LifetimesTest, ManyThreadsFinishOneRequest) {
   }
 }
 
-// The environment is looked up, and its absence logged, before the library's client is destroyed.
+// The JNI environment is looked up, and its absence logged, before the library's client is destroyed.
 TEST_F(LifetimesTest, LooksForTheEnvironmentFirst) {
   create();
   mLog.clear();

@@ -1,4 +1,4 @@
-// Makes each allocation of this library fail, one at a time. Only the native method may fail: it must not
+// Makes each allocation of this library fail, one at a time. The native method may then fail, but must not
 // throw into the VM or leak.
 
 #include <android/log.h>
@@ -54,7 +54,7 @@ class MemoryExhaustedTest : public test::RequestScene {
 protected:
   MemoryExhaustedTest() {
     create();
-    // Without observer and log, which allocate on this thread.
+    // Removes the observer and the log, which allocate on this thread.
     const auto setScript = reinterpret_cast<standin::SetScriptFunction>(
         dlsym(dlopen("liborlu.vac.interface.so", RTLD_NOW), "AlgoStandInSetScript"));
     setScript(nullptr);

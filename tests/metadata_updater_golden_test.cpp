@@ -1,5 +1,6 @@
-// Each text in golden/ is a kind of capture: its request, and the complete translation of its metadata in
-// order. Each variation changes a text slightly, and lists the values, algorithms and log lines that change.
+// Each text in golden/ describes a kind of capture: its request, and the complete translation of the
+// request's metadata in order. Each variation changes a text slightly and lists what changes: values,
+// algorithms and log lines.
 
 #include <gtest/gtest.h>
 

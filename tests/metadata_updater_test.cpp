@@ -27,7 +27,7 @@ GoldenCase golden(const std::string& name, const std::vector<std::string>& chang
   return read;
 }
 
-// The log lines of the updater's two tags.
+// Returns the messages logged with this tag and priority.
 std::vector<std::string> linesOf(const LogCapture& log, const std::string& tag, int priority) {
   std::vector<std::string> messages;
   for (const LogLine& line : log.lines()) {
@@ -63,7 +63,7 @@ TEST(MetadataUpdaterLogTest, Level4LeavesErrorsAndTheShortTag) {
   gVAFCtrlLogLevel = before;
 }
 
-// Algorithms name values by section and key; the shot's tags join both with a dot.
+// Algorithms name a value by section and key; a shot's tag joins both with a dot.
 TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   Algo algo;
   algo.script.wanted = {

@@ -61,7 +61,7 @@ TEST_F(RequestProcessorImageTest, SynchronousRequest) {
                           std::to_string(mSubmitted.nativeReq) + ", isAsync 0"));
   EXPECT_EQ(1, debugLines("process image X"));
 
-  // A second callback, too late.
+  // A second callback arrives too late.
   test::Algo::sendCallback(client().callbackCookie(), test::shotCallback(mSubmitted.nativeReq), {}, true);
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, "_V_VASJNI-AlgoNativeRequestMap", "notify reqId = 8589934593"));
   EXPECT_EQ("", mRecorder.reports());
@@ -193,7 +193,8 @@ TEST_F(RequestProcessorImageTest, MetadataOfOneFrameGoesAlong) {
   }
 }
 
-// The only test that waits for the ten seconds. A request removed during its wait shares them.
+// The only test that waits for the timeout of ten seconds. During that time, a request that is removed while
+// a thread waits for it also times out.
 TEST_F(RequestProcessorImageTest, TimesOutAfterTenSeconds) {
   AlgoNativeRequestMap map;
   const uint64_t removed = map.create(77, nullptr, false);

@@ -32,7 +32,8 @@ class RequestProcessorTest : public test::RequestScene {
 protected:
   RequestProcessorTest() { create(); }
 
-  // The log: "message"; "?" precedes debug lines; "I" replaces the client's address.
+  // Returns this class's log, one message per line. "?" precedes debug lines; "I" replaces the client's
+  // address.
   std::string lines(const void* client) const {
     std::string text;
     for (const std::string& line : test::errorLines(mLog)) {
@@ -56,7 +57,7 @@ protected:
   const jobject mParam = test::newComposition();
 };
 
-// A client of the product, used through the Java class that declares the natives.
+// Calls the product through the Java class that declares the natives.
 class ServiceTest : public RequestProcessorTest {
 protected:
   const jobject mService = test::newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");
@@ -137,7 +138,7 @@ TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
   EXPECT_EQ(0, callInt("destroyNativeClient", "(J)I", inst));
 }
 
-// A 32-bit machine uses the lower half of a handle.
+// A 32-bit machine only uses the lower half of a handle.
 TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
   using P = RequestProcessor;
   constexpr int64_t kNone = sizeof(void*) == 4 ? int64_t{1} << 32 : 0;
@@ -164,7 +165,7 @@ TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
       lines(&client()));
 }
 
-// The creator of a parser logs again that a member is missing, and continues.
+// An operation whose parser lacks a member logs a second error and continues.
 TEST_F(RequestProcessorTest, TellsOfAnIncompleteParser) {
   test::JniTable table(env());
   table.hide("android/util/Rational");

@@ -33,11 +33,11 @@ protected:
     RequestScene::TearDown();
   }
 
-  // A recorder into this subfolder of the test's folder.
+  // Returns a recorder that writes to this subfolder of the test's folder.
   jobject newRecorder(const std::string& name, int count, int64_t bytes) const {
     return test::newRecorder(mFolder + "/" + name, count, bytes);
   }
-  // The status of a request, or "thrown".
+  // Runs a request. Returns its status and the library's calls, or "thrown".
   std::string run(jobject recorder, jobject inputs, jobject compositions) {
     mTrace.clear();
     try {
@@ -49,7 +49,8 @@ protected:
       return "thrown";
     }
   }
-  // Each recording's folder and how it ended: "end" if its outcome is complete, "failed", or "" without one.
+  // Returns "folder state" of each recording, sorted. The state is "end" if the outcome is complete, else
+  // "failed", or "" without an outcome.
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;
     if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
@@ -123,7 +124,7 @@ TEST_F(RequestRecorderTest, TheFolderMayGoDuringTheRequest) {
   mDuring = [this] { std::filesystem::remove_all(mFolder + "/gone"); };
   EXPECT_EQ(plain, run(newRecorder("gone", 4, 1 << 20), mInputs, compositions));
   EXPECT_TRUE(recordings("gone").empty());
-  // A folder has the name of an output's pixel file.
+  // A folder takes the name of an output's pixel file.
   mDuring = [this] {
     std::filesystem::create_directories(mFolder + "/taken/000001-request-8589934593/output0.bin");
   };

@@ -14,7 +14,7 @@
 namespace orlu::test {
 namespace {
 
-// Every value read while translating these results, one row each.
+// Translates the results of these algorithms. Returns a row for each value read.
 std::set<std::string> readsOf(const std::vector<std::string>& algorithms, const char* requestType) {
   Algo algo;
   ResultScene scene;

@@ -39,7 +39,7 @@ std::string numbers(int count, double first) {
   return text.str();
 }
 
-// The lines of a text that contain one of the parts.
+// Returns the lines that contain any of the parts.
 std::string linesWith(const std::string& text, std::initializer_list<const char*> parts) {
   std::istringstream in(text);
   std::string found;
@@ -94,8 +94,8 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
 struct SelectCase : test::NamedCase {
   int frames;
   std::vector<int32_t> selected;
-  std::string kept;    // of "orlu.feedback.frameSelectResult"; "none": neither key
-  std::string thrown;  // "orlu.feedback.clarityScore" of discarded frames
+  std::string kept;    // timestamps in "orlu.feedback.frameSelectResult"; "none": neither key is put
+  std::string thrown;  // scores of discarded frames in "orlu.feedback.clarityScore"
 };
 
 class ResultUpdaterSelectTest : public testing::TestWithParam<SelectCase> {};
@@ -113,7 +113,7 @@ TEST_P(ResultUpdaterSelectTest, PutsKeptFramesByTimeAndThrownOnesByScore) {
             linesWith(scene.puts(), {"frameSelectResult", "clarityScore", "basicFrame"}));
   EXPECT_EQ(failed ? "E callbackFrameSelectResult failed, frameIndex out of range\n" : "",
             linesWith(scene.log(), {"E callback"}));
-  // The other results are put nevertheless.
+  // The other results are put even after a failure.
   EXPECT_NE(std::string::npos, scene.puts().find("TunningMode Integer 0\n"));
 }
 
@@ -191,7 +191,7 @@ TEST(ResultUpdaterTimestampTest, IsZeroForAFrameWithoutOne) {
             linesWith(scene.puts(), {"frameSelectResult", "basicFrame"}));
 }
 
-// A line about a missing timestamp therefore precedes its frame's line.
+// The error about a frame's missing timestamp precedes the line about that frame.
 TEST(ResultUpdaterTimestampTest, IsReadAndLoggedFrameByFrame) {
   ResultScene scene;
   scene.compositions = {test::newComposition(), test::newComposition()};

@@ -11,7 +11,7 @@
 
 namespace orlu::test {
 
-// A list of numbers as in a put line, each preceded by a blank.
+// Returns a list of numbers as in a put line, each preceded by a space.
 inline std::string numbers(int count, int first, int step) {
   std::string text;
   for (int i = 0; i < count; ++i) text += ' ' + std::to_string(first + i * step);
@@ -37,7 +37,7 @@ inline const std::vector<LeftValue> kJpegValues = {left("feedback", "jpeg_encode
                                                    left("feedback", "output_refocus_jpeg_pack_size", {8888}),
                                                    left("feedback", "segment_detect_result", {2})};
 
-// Two faces: 120 points, pose and rectangle of the first one.
+// Returns the outline of two faces. Only the first face has values: 120 points, a pose and a rectangle.
 inline LeftValue outlineValue() {
   std::vector<uint8_t> outline(10736, 0x55);
   const auto set = [&outline](size_t offset, auto value) {
@@ -53,13 +53,14 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// A value that algorithms leave, and the value put for it. A value with several puts has a row for each.
+// An algorithm's result in the parameter set, and the value put for it. A result with several puts has a row
+// for each.
 struct Result {
-  std::string algorithms;  // any of these leaves it; empty: read for every list
+  std::string algorithms;  // read if the list contains any of these; empty: always read
   LeftValue left;
   std::string put;    // composition, key and type; empty: nothing is put
-  std::string set;    // what is put when all values are left,
-  std::string unset;  // and when none is; "none": nothing
+  std::string set;    // value put when all results are set
+  std::string unset;  // value put when no result is set; "none": nothing is put
 };
 
 inline std::vector<int32_t> selectSecond() {
@@ -75,7 +76,7 @@ inline std::vector<double> scores() {
 }
 
 // clang-format off
-// In the order of the puts. The decoded size replaces the previous values of the refocus keys.
+// In the order of the puts. The decoded size overwrites the values of the keys imgW and imgH.
 inline const std::vector<Result> kResults = {
     {"jpegBokehOnly",         left("feedback", "refocus_point_x", {11}),               "0 orlu.refocus.pointRatioX Integer",             " 11", " 0"},
     {"jpegBokehOnly",         left("feedback", "refocus_point_y", {12}),               "0 orlu.refocus.pointRatioY Integer",             " 12", " 0"},
@@ -106,8 +107,8 @@ inline const std::vector<Result> kResults = {
     {"dualBokeh singleBokeh", left("feedback", "segment_detect_result", {2}),          "0 orlu.feedback.segmentResult Integer",          " 2", " -1"},
     {"bestMoment",            left("feedback", "bestmoment_index", {6}),               "0 orlu.feedback.bestmoment_index Integer",       " 6", " 0"}};
 
-// The end of every request. The gains are put into the last composition; only one word of the processed
-// algorithms is put.
+// Results put at the end of every request. The two gains are put into the last composition; only the fourth
+// word of "processed_algo" is put.
 inline const std::vector<Result> kEnd = {
     {"", left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
     {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0.0 0.0"},
@@ -132,7 +133,7 @@ inline std::string putsOf(const std::vector<Result>& results, std::string Result
   return text;
 }
 
-// The rows of `results` for a list that only contains this algorithm.
+// Returns the rows of `results` that are read if the list only contains this algorithm.
 inline std::vector<Result> resultsOf(const std::string& algorithm, const std::vector<Result>& results) {
   std::vector<Result> asked;
   for (const Result& result : results) {

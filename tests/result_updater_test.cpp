@@ -44,7 +44,7 @@ protected:
   ResultScene mScene;
 };
 
-// The log of the steps before the frame selection.
+// Log of the steps before the frame selection.
 const std::string kStepsLog =
     "D document: updateResult, algoProcessType value is 3  \n"
     "D document updateResult: algoClassType result is 5\n"
@@ -57,7 +57,8 @@ const std::string kStepsLog =
     "D algo process hdrChoosedFrame = 4\n"
     "D algo process segmentDetectResult = 2\n"
     "D* bestmoment upload index=6\n";
-// The picture's size is set in Java again, or left unchanged.
+// ResultScene sets the Java image's width to 1: "64x48" means that the size was set again, "1x48" that it
+// stayed unchanged.
 const std::string kEncodedOutput = "JPEG 64x48 7777 1536 | 24 64x48 7777 7777 1536";
 const std::string kPackedOutput = "JPEG 1x48 8888 1536 | 24 64x48 8888 8888 1536";
 const std::string kDocumentOutput = "JPEG 320x240 9000 1536 | 24 320x240 9000 9000 1536";
@@ -158,7 +159,8 @@ TEST_F(ResultUpdaterStepsTest, PutNothingWithoutACompositionButSetTheOutputs) {
             mScene.log());
 }
 
-// The failures of the raw algorithms. Two of them log another operation or another tag.
+// Log of the last results if all puts fail. The put of a long also names putInt(); the last two lines have
+// the short tag.
 const std::string kPutFailures =
     "D updateMarkMode 0\n"
     "E pCameraMetadataParser->putInt fail\n"
@@ -201,10 +203,10 @@ struct ResultCase : test::NamedCase {
   std::vector<std::string> algorithms;
   const char* requestType;
   std::vector<LeftValue> values;
-  std::string puts;          // before the usual end
+  std::string puts;          // followed by kUnsetEnd
   std::string output0 = "";  // "": unchanged
   std::string output1 = "";
-  std::string log = "";  // one of its lines
+  std::string log = "";  // part of the log
 };
 
 class ResultUpdaterConditionTest : public testing::TestWithParam<ResultCase> {};

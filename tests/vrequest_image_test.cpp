@@ -1,4 +1,4 @@
-// Converts a Java image to a frame record: format, planes and memory.
+// Conversion of a Java image to a frame record: format, planes and memory.
 
 #include <android/hardware_buffer_jni.h>
 #include <gtest/gtest.h>
@@ -60,12 +60,12 @@ TEST_P(VRequestFormatTest, ReadsFormatAndPlanes) {
 const ImageCase kImageCases[] = {
     {"Nv21",            "NV21",           64, 48, {80, 40}, {5000, 2400}, "1 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Nv12",            "NV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
-    // Has the code of NV12 on purpose.
+    // YU12 and YV12 have the code of NV12 on purpose.
     {"Yu12",            "YU12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
     {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
-    // Lacks the size correction of its sibling on purpose.
+    // Unlike for MIPI_RAW10, the plane's size is not corrected, on purpose.
     {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
     {"Raw16",           "RAW16",          64, 48, {200},    {100},        "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
     {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
@@ -79,8 +79,8 @@ const ImageCase kImageCases[] = {
     {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
     {"NoName",          nullptr,          64, 48, {80},     {100},        "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
 
-    // NV planes: the first is at least as large as the memory, the second is missing. The size is computed
-    // before.
+    // NV formats: the first plane's size is replaced if it is not below the memory's size, the second plane's
+    // if it is not positive. The frame's size is the sum before these corrections.
     {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
     {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
     {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
@@ -158,7 +158,7 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
     for (const AlgoFrameInfo& frame : {request.inputFrames()[0], request.outputFrames()[1]}) {
       EXPECT_EQ(handle.data[1], frame.fd[0]);
       EXPECT_EQ(1, frame.fdCount);
-      EXPECT_EQ(5000, frame.fdSize[0]);  // the size, so the first plane is corrected
+      EXPECT_EQ(5000, frame.fdSize[0]);  // the frame's size, so the first plane's size is corrected
       EXPECT_EQ("1 2 | 80 40 0 0 | 3840 1920 0 0 | 5000", test::layoutText(frame));
       ASSERT_NE(nullptr, frame.nativeHandle);
       EXPECT_EQ(handle.data[1], frame.nativeHandle->data[0]);
@@ -170,8 +170,8 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
   EXPECT_EQ(pixels, fileBehind(handle.data[1]));
 }
 
-// "descriptor | version numFds numInts | words 0 to 2 ... words 254 and 255" of a copied handle. The words of
-// the buffer's handle are 1000, 1001, ...
+// Converts an image with a hardware buffer whose handle has the words 1000, 1001, ... Returns the frame's
+// descriptor and copy of the handle: "descriptor | version numFds numInts | words 0, 1, 2, 254 and 255".
 std::string copyOf(size_t words, int numInts) {
   test::ImageSpec spec;
   std::vector<int32_t> values(words);

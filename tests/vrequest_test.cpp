@@ -24,7 +24,7 @@ constexpr char kTag[] = "_V_VASJNI-VRequest";
 #define RESULT "android/hardware/camera2/CaptureResult"
 #define COMPOSITION "com/orlu/orlu3rdalgoservice/CaptureResultComposition"
 
-// The log of a request that only contains nulls.
+// Errors logged by a request that only contains nulls.
 constexpr char kNullErrors[] =
     "convert jstring failed, input is null\nget list size failed, input is null\n"
     "get list size failed, input is null\nget list size failed, input is null\n";
@@ -39,7 +39,7 @@ protected:
 
 struct Entry : test::NamedCase {
   const char* lookup;  // as JniTable reports it
-  const char* label;   // as it is missed
+  const char* label;   // name logged if it is missing
 };
 
 // clang-format off
@@ -62,12 +62,12 @@ const Entry kEntries[] = {
     {"Assemble",       COMPOSITION ".assembleResultComposition ()L" RESULT ";", "mMethodAssembleResultComposition"},
     {"CaptureResult",  COMPOSITION ".mCaptureResult L" RESULT ";",            "VASJNI-VRequest: mFieldCaptureResult"},
     {"String",         "java/lang/String",                                    "mClazzString"},
-    // Reported as the list's method on purpose.
+    // Reported under the name of List.get() on purpose.
     {"StringLength",   "java/lang/String.length ()I",                         "mMethodGetListElement"},
 };
 // clang-format on
 
-// Together with the next test: each lookup occurs once, and there are no others.
+// VRequestMissingTest checks that each row is looked up. The count excludes repeated and other lookups.
 TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
   // The VM performs lookups of its own when it loads a class.
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }
@@ -80,7 +80,7 @@ TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
 
 class VRequestMissingTest : public VRequestTest, public testing::WithParamInterface<Entry> {};
 
-// Members of a missing class are missing too, without their own messages.
+// Members of a missing class are also missing, but are not reported separately.
 TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   jobject images = test::javaList({test::newSmallImage()});
   jobject compositions = test::javaList({test::newComposition()});
@@ -125,7 +125,7 @@ TEST_F(VRequestTest, ReadsARequest) {
                               "start process received in img num 2, out img num 1, captureResultNum 2"}) {
     EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, message)) << mLog.text();
   }
-  // Each image has a line, in order, and none is missing.
+  // Each image has a log line, in order.
   size_t at = 0;
   for (const char* line : {"getImageData() get image data 0x", "img in[0]: fmt ALGO_IMG_NV21, w 64",
                            "img in[1]: fmt", "img out[0]: fmt"}) {
@@ -150,7 +150,7 @@ TEST_F(VRequestTest, ReadsWhatIsNoRequest) {
 TEST_F(VRequestTest, WalksAnyList) {
   constexpr char kNullImage[] = "convert image failed, input is null\n";
   // clang-format off
-  const std::tuple<jobject, size_t, const char*> kCases[] = {  // with the errors as a list of inputs
+  const std::tuple<jobject, size_t, const char*> kCases[] = {  // list, size, errors if it is the list of inputs
       {test::javaInt(1),                        0, "get list size failed, input is null\n"},
       {test::javaList({test::javaInt(1)}),      1, kNullImage},
       {test::newUnrulyList(1, true, false),     0, ""},
@@ -225,7 +225,7 @@ struct Outputs {
     request->setResultImageWH(48, 96, index);
     request->setResultImageFormat(24, "JPEG", index);
   }
-  // "width x height, layout" of the frame, "/", "format width x height plane sizes" of the descriptor.
+  // Returns the size and layout of the frame, "/", and the format, size and plane sizes of the descriptor.
   std::string text(size_t index) const {
     const AlgoFrameInfo& frame = request->outputFrames()[index];
     jobject image = images[index];
@@ -285,7 +285,7 @@ TEST_F(VRequestTest, ReadsNoMoreThanTheFirstThousandElements) {
   EXPECT_TRUE(mLog.contains("getListSize() list has"));
 }
 
-// Five classes, each image, and each composition with its result. All temporary references are freed.
+// The remaining references are those to five classes and to each image, composition and capture result.
 TEST_F(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   jobject javaRequest = test::newRequest(1, "shot");
   jobject inputs = test::javaList(std::vector<jobject>(300, test::newSmallImage()));

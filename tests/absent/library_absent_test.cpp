@@ -1,5 +1,5 @@
-// Clients without an algorithm library. This program's folder contains the device's libraries except that
-// one.
+// Clients without an algorithm library. This program's folder contains the device's libraries except the
+// algorithm library.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr char kContextTag[] = "_V_VASJNI-AlgoNativeContext";
 constexpr char kProviderTag[] = "_V_VASJNI-AlgoNativeProvider";
 
-// Every operation must report failure and do nothing else.
+// Expects that every operation reports failure and does nothing else.
 void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
   log.clear();
   int32_t value = 7;
@@ -50,7 +50,7 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   const std::string noClient = "init algo interface failed\ncreate client failed\n";
   {
     AlgoNativeContext context;
-    // One error for the provider's own table, one for the context's.
+    // One error for the provider's own table, one for the context's table.
     EXPECT_EQ(kProviderTag + noLibrary + kProviderTag + noLibrary + noClient,
               test::errorText(log, kContextTag));
     expectNothingWorks(context, log);
@@ -60,7 +60,7 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
 
   // Each new client looks for the library again.
   const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const auto impostor = folder / "liborlu.vac.interface.so";  // another library under this name
+  const auto impostor = folder / "liborlu.vac.interface.so";  // a link to another library
   std::filesystem::remove(impostor);
   std::filesystem::create_symlink(folder / "liblog.so", impostor);
   log.clear();
