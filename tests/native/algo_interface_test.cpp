@@ -1,5 +1,5 @@
-// The order of the tables of callables, which compilers cannot check: the algorithm library finds callables
-// by position.
+// Order of the callables in their tables. The algorithm library finds callables by position, which compilers
+// cannot check.
 
 #include "algo_interface.h"
 
@@ -8,7 +8,7 @@
 namespace orlu {
 namespace {
 
-// Callables must follow each other without gaps.
+// Expects callables that follow each other without gaps.
 void expectInOrder(const std::vector<const void*>& callables) {
   const char* place = static_cast<const char*>(callables[0]);
   for (const void* callable : callables) {

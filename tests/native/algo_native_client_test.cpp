@@ -40,7 +40,7 @@ protected:
 };
 
 TEST_F(AlgoNativeClientTest, FindsTheNameWithinTheData) {
-  // The length of the name, the bytes after it, and a log line of the function that receives the data.
+  // {length of the name, bytes after the length, log line of the function that receives the data}
   // clang-format off
   const std::tuple<int32_t, std::string, std::string> kCases[] = {
       {6,       "shotCb",                   kShot},
@@ -114,7 +114,7 @@ TEST_F(AlgoNativeClientTest, TellsOfItsLife) {
   EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
 }
 
-// A full-async request whose client is destroyed before the callback, or that is never called back.
+// The client is destroyed before the library calls back.
 TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t cookie = mClient->callbackCookie();
@@ -143,7 +143,7 @@ TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
   }
 }
 
-// Failures are a race that ThreadSanitizer detects, or a client without its operations.
+// Detects a client without its operations. ThreadSanitizer detects races.
 TEST(AlgoNativeClientsTest, AreMadeOnSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {

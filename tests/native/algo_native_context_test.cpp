@@ -41,7 +41,7 @@ public:
     mAlgo.use();
   }
 
-  // The lines since the previous call.
+  // Returns the lines since the previous call.
   std::string takeLines() { return std::exchange(mLines, {}); }
 
 private:
@@ -230,7 +230,7 @@ TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
     int later = 0;
     algo.script.observer = [&](const probe::WatchedCall& call) {
       if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
-      // Operations that name the client. The current one is counted once.
+      // Counts calls with this client after its destruction, including the one that destroys it.
       for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {
         if (call.operation == name && context->isClientDestroyed()) ++later;
       }
@@ -275,8 +275,8 @@ TEST(AlgoNativeContextTest, LendsVisitorsToTheThreadAndTheTimeOfTheCall) {
   }
 }
 
-// The log of the operations if one callable is missing. Callables that free memory are not tested: something
-// would leak.
+// {missing callable, errors logged by all operations}. Callables that free memory are not tested, because
+// their objects would leak.
 // clang-format off
 const std::pair<const char*, const char*> kNotOffered[] = {
     {"createClient",              "create client failed\n"},

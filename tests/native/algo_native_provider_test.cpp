@@ -57,7 +57,7 @@ TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
   algo.script.notOffered = {};
   algo.use();
   AlgoNativeContext second;
-  EXPECT_EQ(2, test::Algo::counts().clients);  // of the one library
+  EXPECT_EQ(2, test::Algo::counts().clients);  // both of the same library
   second.flush();
   EXPECT_EQ(0, log.errors("_V_VASJNI-AlgoNativeContext", "flush failed"));
   first.flush();
@@ -65,9 +65,11 @@ TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
   EXPECT_EQ("createClient createClient flush", algo.operations());
 }
 
-// The lock is free while the entry runs: this entry creates clients on this thread and on another one.
+// The provider must not hold its lock while the entry runs: this entry creates clients on the calling thread
+// and on another thread.
 TEST(AlgoNativeProviderDeathTest, LetsTheEntryMakeClients) {
-  // In a process whose first client this is. Emulated processes cannot start another one, so they fork.
+  // Starts the program again, to create the first client of a process. Emulated processes cannot start
+  // programs, so they fork.
 #if !defined(__arm__)
   GTEST_FLAG_SET(death_test_style, "threadsafe");
 #endif

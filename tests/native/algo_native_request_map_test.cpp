@@ -17,8 +17,8 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
 
 using List = std::vector<std::string>;
 
-// Passing tests never wait; a test of a whole request waits for the ten seconds once. Every test removes its
-// records because the map outlives it.
+// Passing tests never time out; RequestProcessorImageTest waits for the timeout once. Every test removes its
+// requests, because the map does not free them.
 class AlgoNativeRequestMapTest : public testing::Test {
 protected:
   ~AlgoNativeRequestMapTest() override {
@@ -96,7 +96,8 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   }
 }
 
-// The last user gets the block, whatever the order in which the three users release it.
+// The last of three users gets the block, in whatever order they release it: the submission (S), the library
+// (L) and Java (J). "O" releases on behalf of a destroyed owner.
 TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
   const void* const owner = &mLog;
   for (const char* order : {"SLJ", "LSJ", "LJS", "SJL", "SJO", "SOJ", "OS"}) {
@@ -231,7 +232,7 @@ TEST_F(AlgoNativeRequestMapTest, NoWakeUpIsLost) {
   caller.join();
 }
 
-// Wakes the waiter and removes its request at once, so that both happen in every order. The last one frees
+// Wakes the waiter and removes its request at the same time, so that either may be first. The second frees
 // the record; sanitizers detect a leak or a double free.
 TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
   gVAFCtrlLogLevel = 4;

@@ -32,7 +32,8 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
   EXPECT_EQ(kMin, extent(kMax, kMin));
 }
 
-// Every element is its own index; nanoseconds are multiplied by a million.
+// Each element is its index times a million, so that an element in nanoseconds gives its index in
+// milliseconds.
 TEST(ExposureTest, TakesTimesAndRatiosOfTheirElements) {
   Aec aec = {};
   for (size_t i = 0; i < aec.size(); ++i) aec[i] = static_cast<float>(i) * 1e6F;

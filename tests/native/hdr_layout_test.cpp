@@ -13,7 +13,7 @@ struct LayoutCase {
   int hdrCount;
   int nightCount;
   int nightIndex;
-  HdrFrameIndex hdrFrames;  // values from 90 on are unset
+  HdrFrameIndex hdrFrames;  // 90 and more: unset
 };
 
 const LayoutCase kLayouts[] = {

@@ -1,4 +1,4 @@
-// The number of bytes of a locked hardware buffer, for plane layouts of devices.
+// Number of bytes of a locked hardware buffer, for plane layouts of devices.
 
 #include "pixel_extent.h"
 
@@ -9,7 +9,7 @@ namespace {
 
 constexpr uintptr_t kStart = 0x10000;
 
-// A plane that starts at this offset.
+// Returns a plane that starts at this offset.
 AHardwareBuffer_Plane at(uintptr_t offset, uint32_t pixelStride, uint32_t rowStride) {
   return {reinterpret_cast<void*>(kStart + offset), pixelStride, rowStride};
 }
@@ -40,7 +40,7 @@ TEST(PixelExtent, CoversAllRowsOfAllPlanes) {
       {"YV12",                      kFormatYv12, 10,    64,  {3, {at(0, 1, 64), at(800, 1, 32), at(640, 1, 32)}},      960 },
       {"YU12",                      kYuv,        10,    64,  {3, {at(0, 1, 64), at(640, 1, 32), at(800, 1, 32)}},      960 },
       {"P010",                      0x36,        10,    64,  {3, {at(0, 2, 128), at(1280, 4, 128), at(1282, 4, 128)}}, 1920},
- // Refused: 0.
+ // Rejected: 0 bytes.
       {"no planes",                 1,           10,    64,  {0, {at(0, 4, 256)}},                                     0   },
       {"null",                      1,           10,    64,  {1, {{nullptr, 4, 256}}},                                 0   },
       {"opaque raw",                0x24,        10,    64,  {1, {at(0, 0, 0)}},                                       0   },

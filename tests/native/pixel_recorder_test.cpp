@@ -24,7 +24,7 @@ using android::hardware::hidl_vec;
 using Json = nlohmann::ordered_json;
 
 constexpr uint64_t kNativeReq = 7;
-// Its CRC-32 is the usual check value.
+// kNineCrc, its CRC-32, is the usual check value.
 constexpr char kNine[] = "123456789";
 constexpr uint32_t kNineCrc = 0xCBF43926;
 
@@ -39,7 +39,7 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Checks each number: under the emulator a 32-bit process cannot list every folder.
+// Tests each number, because under the emulator a 32-bit process cannot list every folder.
 size_t openDescriptors() {
   constexpr int kMost = 1024;
   size_t open = 0;
@@ -141,13 +141,14 @@ protected:
   }
   // NOLINTEND(concurrency-mt-unsafe)
 
-  // Outlives the tests because functions of cookies keep it.
+  // Never destroyed, because the probe's callbacks use it and are never freed.
   static EventRecorder& recorder() {
     static EventRecorder* const recorder = new EventRecorder();
     return *recorder;
   }
 
-  // A request whose descriptors are closed after process() returns, as for a full-async one.
+  // Runs a request and closes its descriptors after process() returns, as for a full-async request. Then
+  // calls back with this name unless it is null.
   void run(const std::string& in, const std::string& out, int result, const char* callbackName) {
     AlgoInterfaceCallbacks real;
     real.destroyClient = [](void*) { return 0; };
@@ -183,7 +184,8 @@ protected:
     frame.fdSize[0] = static_cast<int32_t>(size);
     return frame;
   }
-  // "at image index: content" of each event with pixels, or the reason why they were not recorded.
+  // Returns "at image index: content" of each event with pixels, or the reason why they were not recorded in
+  // place of the content.
   std::vector<std::string> pixels() const {
     std::vector<std::string> found;
     std::ifstream file(mEvents);

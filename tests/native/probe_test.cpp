@@ -1,4 +1,4 @@
-// The probe records each call, and changes nothing in it.
+// The probe records each call and does not change it.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ void* handle(uintptr_t number) {
   return reinterpret_cast<void*>(number);
 }
 
-// A library with distinct return values.
+// Returns the table of a library with distinct return values.
 AlgoInterfaceCallbacks realTable() {
   AlgoInterfaceCallbacks table;
   table.init = [](const AlgoInitRecord&) { return 1; };
@@ -79,7 +79,7 @@ protected:
     for (std::string line; std::getline(file, line);) all.push_back(Json::parse(line));
     return all;
   }
-  // Begin and end events, without fields that vary between runs.
+  // Returns the begin and end events, without fields that vary between runs.
   std::string calls() const {
     std::string text;
     for (Json event : events()) {
@@ -90,7 +90,7 @@ protected:
     return text;
   }
 
-  // Outlives the tests because functions of cookies keep it.
+  // Never destroyed, because the probe's callbacks use it and are never freed.
   static EventRecorder& recorder() {
     static EventRecorder* const recorder = new EventRecorder();
     return *recorder;
@@ -293,7 +293,7 @@ TEST_F(ProbeTest, KeepsEmptyWhatIsEmpty) {
   EXPECT_EQ(cookies, (std::vector<uint64_t>{reinterpret_cast<uintptr_t>(&nobody), 0}));
 }
 
-// Lines stay whole when several threads write, and each call has a begin and an end.
+// Lines of several threads must not be mixed, and each call must have a begin and an end.
 TEST_F(ProbeTest, WritesWholeLinesFromManyThreads) {
   constexpr int kThreads = 4;
   constexpr int kCalls = 250;
@@ -318,7 +318,7 @@ TEST_F(ProbeTest, WritesWholeLinesFromManyThreads) {
   for (const auto& [number, lines] : calls) EXPECT_EQ(lines, 2) << number;
 }
 
-// Addresses in this program; the preceding event has its path.
+// The begin event has the caller's address in this program. The preceding event has the program's path.
 TEST_F(ProbeTest, TellsWhereACallCameFrom) {
   mTable.flush({});
   const std::vector<Json> all = events();
@@ -353,7 +353,7 @@ TEST(RealLibrary, SaysWhatItCannotOpen) {
   std::remove(text.c_str());
 }
 
-// The next library on the loader's path, which would be opened without the probe.
+// The probe opens the next library on the loader's path: the one used without the probe.
 TEST(RealLibrary, IsTheNextOfItsName) {
   const std::string lib = test::libraryFolder();
   void* const probe = dlopen((lib + "/../probe/liborlu.vac.interface.so").c_str(), RTLD_NOW);

@@ -1,5 +1,5 @@
 // notify() kills the process, so each test runs in a forked child. The child must not start the program
-// again, because an emulated process cannot.
+// again, because emulated processes cannot start programs.
 
 #include <android/log.h>
 #include <dlfcn.h>
@@ -29,7 +29,7 @@ void showOperation(const probe::WatchedCall& call) {
 class RequestProcessorNotifyDeathTest : public testing::Test {
 protected:
   RequestProcessorNotifyDeathTest() {
-    __android_log_set_logger(nullptr);  // to standard error
+    __android_log_set_logger(nullptr);  // the log goes to standard error
     mAlgo.script.observer = showOperation;
     mAlgo.use();
   }

@@ -1,4 +1,4 @@
-// The stand-in algorithm library, whose faults could hide in other tests.
+// Tests of the stand-in algorithm library. Other tests might not detect its faults.
 
 #include <android/sharedmem.h>
 #include <gtest/gtest.h>

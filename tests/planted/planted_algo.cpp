@@ -1,6 +1,6 @@
 // An algorithm library with one fault, to test how the command reports it: the stand-in's table with one
 // change. ORLU_PLANTED selects the fault:
-//   lacks:NAME  answers:NAME  throws:NAME                one callable, by its name
+//   lacks:NAME  answers:NAME  throws:NAME                fault of the callable NAME
 //   aborts:NAME  segfaults:NAME  hangs:NAME              same
 //   silent  late  name  id  unattached  twice  headless  afterwards
 //                                          faults of the callback
@@ -41,18 +41,18 @@ using Bytes = hidl_vec<uint8_t>;
 using Handles = hidl_vec<hidl_handle>;
 
 constexpr int kInvalid = -22;
-// The size of a JPEG, larger than any output of a test.
+// Size of a JPEG, larger than any output of a test.
 constexpr int32_t kOversized = 1 << 24;
 // More than the ten seconds that a request waits.
 constexpr std::chrono::seconds kLate{11};
 
-// Planted in the first request of a burst.
+// Result that belongs to the first request of a burst, stored in all requests.
 constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;
 // Repeats the callback.
 std::function<void()> gAgain;
-// The last request's parameter block, and a descriptor of its first output.
+// The last request's parameter block, and a descriptor of the request's first output.
 void* gBlock = nullptr;
 int gOutput = -1;
 
@@ -104,7 +104,7 @@ void spoilCallable(AlgoInterfaceCallbacks& table, const Fault& fault) {
   });
 }
 
-// Makes the stand-in's callback, with the fault.
+// Forwards the stand-in's callback with the fault.
 void callBack(const std::string& kind, const AlgoResultCallback& real, const Bytes& data, const Bytes& extra,
               const Handles& handles) {
   Bytes message = data;
@@ -172,7 +172,8 @@ void spoilRequest(const Fault& fault, AlgoProcessRecord& record, const AlgoMetad
   }
 }
 
-// A request's block is destroyed after its callback, on the thread that waits for it.
+// Writes to the first output when the request's block is destroyed: after the callback, on the thread that
+// waits for the request.
 void scribbleAfter(const std::function<void(void*)>& real, void* block) {
   real(block);
   if (gOutput < 0 || block != gBlock) return;
@@ -182,7 +183,8 @@ void scribbleAfter(const std::function<void(void*)>& real, void* block) {
   gOutput = -1;
 }
 
-// Waits for its callbacks, like a good library.
+// Waits for late callbacks, as a correct library does. The fault "afterwards" starts callbacks that outlive
+// the client.
 int endClient(const std::function<int(void*)>& real, void* client) {
   if (gLate.joinable()) gLate.join();
   if (gAgain) {

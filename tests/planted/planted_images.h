@@ -1,4 +1,4 @@
-// Faults in images for planted libraries.
+// Faults in images, for planted libraries.
 #pragma once
 
 #include <string>

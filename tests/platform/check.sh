@@ -45,7 +45,7 @@ call_compiler() {
     -Ibuild/dev/conformance/generated
 }
 
-# read_sources FILE...
+# read_sources FILE...: compiles the files without output.
 read_sources() { printf '%s\0' "$@" | call_compiler 4 -fsyntax-only; }
 
 # compile_sources FOLDER FILE...: clears the folder and compiles each file to an object in it.
@@ -81,7 +81,7 @@ find_symbols() {
     --bionic "${rust[0]}"/{mod.rs,linux_like/{mod,android/{mod,b32/mod,b32/arm}}.rs} -- "$@"
 }
 
-# One source includes both headers, with ours in a namespace.
+# Each source includes both headers, with ours in a namespace.
 check_agreement() {
   local header sources
   rm -rf "$scratch/agreement"
@@ -110,7 +110,8 @@ must_fail() {
   grep -qF -- "$text" <<<"$said" || die "failed without \"$text\": $said"
 }
 
-# The fault that Android's jni.h once revealed, and a wrong size in one of our headers.
+# Plants faults: the one that Android's jni.h once revealed, wrong types in two of our headers, and a function
+# that the platform lacks.
 check_failure() {
   local copy=$scratch/failure
   rm -rf "$copy"

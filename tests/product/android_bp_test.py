@@ -31,8 +31,8 @@ def without_repetition(pairs):
 
 
 def read_modules(text):
-    """The modules by kind, with their properties: JSON except for comments, bare names and trailing
-    commas."""
+    """Returns the modules, each with its kind and properties. The text is JSON except for comments, bare
+    names and trailing commas."""
     text = re.sub(r"^\s*//[^\n]*", "", text, flags=re.MULTILINE)
     text = re.sub(r",(\s*\n\s*[}\]])", r"\1", text)
     text = re.sub(r"^(\s+)(\w+):", r'\1"\2":', text, flags=re.MULTILINE)

@@ -47,7 +47,7 @@ expect "what the library offers" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | 
   "$(sort <<<"$offered" | xargs)"
 expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
 
-# The loader finds all of them next to the library; the algorithm library is opened later.
+# Only the libraries that the loader must find. The algorithm library is opened later.
 needed=$(dynamic NEEDED)
 toolchain='^(libstdc\+\+|libc\+\+|libc\+\+abi|libunwind|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
 expect "the device's libraries that it needs" \
@@ -55,7 +55,7 @@ expect "the device's libraries that it needs" \
   "$(tr ' ' '\n' <<<"$needed" | grep -Ev "$toolchain" | xargs)"
 expect "the C++ library" "$cxx_library" "$(tr ' ' '\n' <<<"$needed" | sed -nE 's/^(libstdc\+\+|libc\+\+)\.so\.[0-9]$/\1/p' | xargs)"
 expect "its own name" liborlu.vas.native.interface.so "$(dynamic SONAME)"
-# shellcheck disable=SC2016 # the loader's word, not the shell's
+# shellcheck disable=SC2016 # the loader expands $ORIGIN, not the shell
 expect "where it looks for libraries" '$ORIGIN' "$(dynamic RUNPATH)"
 expect "old ways to look for libraries" "" "$(dynamic RPATH)"
 

@@ -13,7 +13,7 @@ PARTS = ("Expected", "Done", "Depends on it", "Held by")
 
 
 def paragraphs(text):
-    """Number -> (line, the paragraph's parts by name)."""
+    """Maps each number to (line, parts of the paragraph by name)."""
     found = {}
     for match in re.finditer(r"^### (\d+)\. .+\n((?:.+\n)*)", text + "\n", re.MULTILINE):
         line = text.count("\n", 0, match.start()) + 1
@@ -23,7 +23,7 @@ def paragraphs(text):
 
 
 def named_in_code(folder):
-    """Number -> the first place that mentions it."""
+    """Maps each number to the first file that mentions it."""
     places = {}
     for path in sorted((folder / "jni").iterdir()):
         text = re.sub(r"\n\s*//", " ", path.read_text())
@@ -34,7 +34,7 @@ def named_in_code(folder):
 
 
 def names_of_tests(folder):
-    """Suites, tests, golden texts and their variations."""
+    """Returns the names of suites, tests, golden texts and their variations."""
     names = set()
     for path in (folder / "tests").rglob("*_test.cpp"):
         for suite, test in re.findall(r"^TEST(?:_[FP])?\((\w+),\s*(\w+)\)", path.read_text(), re.MULTILINE):

@@ -17,7 +17,7 @@ func fail(err interface{}) {
 	os.Exit(1)
 }
 
-// valueOf returns a value's JSON; this file may not contain other kinds of values.
+// valueOf converts a string, a bool or a list for JSON. Android.bp may not contain other kinds of values.
 func valueOf(expression parser.Expression) interface{} {
 	switch value := expression.Eval().(type) {
 	case *parser.String:

@@ -8,7 +8,7 @@
 namespace orlu::test {
 namespace {
 
-// A function of the stand-in. dlopen() returns the library that the product already opened.
+// Returns a function of the stand-in. dlopen() returns the library that the product already opened.
 template <typename Function>
 Function standInFunction(const char* name) {
   void* const library = dlopen("liborlu.vac.interface.so", RTLD_NOW);

@@ -1,5 +1,5 @@
-// The stand-in algorithm library that the product opened. While this object lives, the library follows a
-// script and its calls are recorded.
+// The stand-in algorithm library that the product opened. While an Algo lives, the library follows the
+// Algo's script, and the Algo records the library's calls.
 #pragma once
 
 #include <mutex>
@@ -36,7 +36,7 @@ public:
   void use();
 
   std::vector<RecordedCall> calls() const;
-  // The names of the operations in order, separated by blanks.
+  // Returns the names of the operations called, in order, separated by spaces.
   std::string operations() const;
   void forget();
 

@@ -1,4 +1,4 @@
-// The data of a result callback: 8 unused bytes, the request, the length of the name, the name, the payload.
+// Data of a result callback: 8 unused bytes, request (8 bytes), length of the name (4 bytes), name, payload.
 #pragma once
 
 #include <cstdint>

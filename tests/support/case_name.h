@@ -1,4 +1,4 @@
-// Names table rows in test names and failures.
+// Names of table rows, shown in test names and failures.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -10,7 +10,8 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// "tag: message", or "tag: * message" for a line with a prefix. "?" precedes lines that are not errors.
+// Returns "tag: message", or "tag: * message" for a line with a prefix. "?" precedes lines that are not
+// errors.
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {
@@ -20,7 +21,7 @@ inline Lines errorLines(const LogCapture& log) {
   return lines;
 }
 
-// One line per error. Prefixed lines under `tag` appear as their message only.
+// Returns one line per error. Lines of `tag` that have a prefix are reduced to the message.
 inline std::string errorText(const LogCapture& log, const std::string& tag) {
   const std::string usual = tag + ": * ";
   std::string text;

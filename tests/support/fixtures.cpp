@@ -36,7 +36,7 @@ jmethodID methodOf(jobject object, const char* name, const char* signature) {
   return method;
 }
 
-// An array of objects, each constructed from a rectangle and a number.
+// Returns an array of objects, each constructed from a rectangle and a number.
 jobject weighted(const char* clazz, const std::vector<__tagOrluRect>& rects, int weight) {
   std::vector<jobject> objects;
   for (const __tagOrluRect& rect : rects) {

@@ -1,4 +1,4 @@
-// Makes a request's Java objects from C++. All are local references; the test's LocalFrame frees them.
+// Creates a request's Java objects from C++. All are local references; the test's LocalFrame frees them.
 #pragma once
 
 #include <jni.h>
@@ -12,7 +12,7 @@
 
 namespace orlu::test {
 
-// Frees the local references made while it lives. Each test has one.
+// Frees the local references created while it lives. Each test has one.
 class LocalFrame {
 public:
   LocalFrame() { env()->PushLocalFrame(4096); }
@@ -21,7 +21,8 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// Throws std::runtime_error with the pending Java exception, if any, which fails the test.
+// Clears the pending Java exception, if any, and throws std::runtime_error with its text, which fails the
+// test.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
@@ -51,14 +52,14 @@ jobject javaFloats(const std::vector<float>& values);
 jobject javaDoubles(const std::vector<double>& values);
 jobject javaBytes(const std::vector<uint8_t>& values);
 jobject javaStrings(const std::vector<std::string>& values);
-// An array of objects; null elements are allowed.
+// Null elements are allowed.
 jobject javaArray(const char* elementClass, const std::vector<jobject>& elements);
 jobject javaRect(const __tagOrluRect& rect);
 jobject javaFaces(const std::vector<__tagOrluRect>& faces);
 jobject javaRegions(const std::vector<__tagOrluRect>& regions, int weight);
 jobject javaLocation(double latitude, double longitude, double altitude, int64_t time);
 jobject javaList(const std::vector<jobject>& elements);
-// A list that claims `size` elements. get() returns null or throws.
+// Returns a list whose size() returns `size` or throws, and whose get() returns null or throws.
 jobject newUnrulyList(int size, bool sizeThrows, bool getThrows);
 
 // Conversions from Java.
@@ -69,25 +70,25 @@ std::vector<int32_t> intsOf(jobject value);
 // Metadata.
 jobject newMetadata();
 void setTag(jobject metadata, const char* tag, jobject value);
-// The bytes of a parcel to which the metadata was written.
+// Writes the metadata to a parcel and returns the parcel's bytes.
 std::vector<uint8_t> parcelBytes(jobject metadata);
 jobject newCaptureResult(jobject metadata);
 jobject newCharacteristics(jobject metadata);
-// A composition over `metadata`, which may be null.
+// `metadata` may be null.
 jobject newComposition(jobject metadata = nullptr);
 void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
-// A composition whose methods all throw.
+// Returns a composition whose methods all throw.
 jobject newThrowingComposition();
-// The store's type of a tag, a constant of TagType; empty for an unknown tag.
+// Returns the TagType constant of a tag in the host's table, or "" for an unknown tag.
 std::string typeOfTag(const std::string& tag);
-// Advice for a tag that the store does not know as this type.
+// Returns advice for a tag that is missing in the host's table or has another type there.
 std::string tagTableHint(const std::string& tag, const std::string& type);
 
 // Images.
 jobject newSharedMemory(int size);
-// A buffer around a native handle of these words. The first `numFds` words are descriptors; the buffer owns
-// them.
+// Returns a buffer whose native handle has these words. The first `numFds` words are descriptors, which the
+// buffer owns.
 jobject newHardwareBuffer(int numFds, const std::vector<int32_t>& words);
 jobject newHardwareBuffer(int width, int height, int format);
 
@@ -101,7 +102,7 @@ struct ImageSpec {
   jobject hardwareBuffer = nullptr;
 };
 jobject newImage(const ImageSpec& spec);
-// A 64 x 48 NV21 image with its own shared memory.
+// Returns a 64 x 48 NV21 image with its own shared memory.
 jobject newSmallImage();
 
 jobject newRequest(int64_t requestId, const char* requestType);

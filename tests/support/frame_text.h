@@ -13,13 +13,13 @@ inline std::string listText(const int32_t (&values)[kMaxPlanes]) {
   return text;
 }
 
-// "format planeCount | stride 0 to 3 | plane size 0 to 3 | size"
+// Returns "format planeCount | stride 0 to 3 | plane size 0 to 3 | size".
 inline std::string layoutText(const AlgoFrameInfo& frame) {
   return std::to_string(frame.format) + ' ' + std::to_string(frame.planeCount) + " |" +
          listText(frame.stride) + " |" + listText(frame.planeSize) + " | " + std::to_string(frame.size);
 }
 
-// "width x height, layout, scan lines, descriptors and their sizes"; without the native handle.
+// Returns size, layout, scan lines, and the descriptors with their sizes. Omits the native handle.
 inline std::string frameText(const AlgoFrameInfo& frame) {
   return std::to_string(frame.width) + 'x' + std::to_string(frame.height) + ' ' + layoutText(frame) + " |" +
          listText(frame.scanline) + " | " + std::to_string(frame.fdCount) + listText(frame.fd) + " |" +

@@ -22,7 +22,7 @@ void expect(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
 }
 
-// "NV21 640x480 [stride 640] shared|hardware [x5]", or "none"
+// Parses "NV21 640x480 [stride 640] shared|hardware [x5]", or "none".
 void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   GoldenImage image;
   char by = 0;
@@ -79,7 +79,8 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
   }
 }
 
-// "section key value"; after "~" it replaces the previous writes of this section and key.
+// Parses "section key value", or "~ section key value", which replaces an earlier write. "key#2" is the
+// second write of a key.
 void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, const GoldenLine& line) {
   const bool isReplacing = first == "~";
   std::string section = first;
@@ -138,7 +139,7 @@ void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& li
   }
 }
 
-// All texts in a folder, including new ones.
+// Returns all texts in a folder, sorted.
 std::vector<std::filesystem::path> textsIn(const std::string& folder) {
   std::vector<std::filesystem::path> texts;
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + folder)) {

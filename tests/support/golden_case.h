@@ -64,23 +64,25 @@ struct GoldenCase {
 // std::runtime_error with the file and the line.
 void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read);
 
-// Reads the golden text with this name. This function and the following ones throw std::runtime_error, with
-// the file and the line, on syntax errors.
+// Reads the golden text with this name. This function and the next two throw std::runtime_error, with the
+// file and the line, on syntax errors.
 GoldenCase readGoldenCase(const std::string& name);
-// All golden texts; all variations of a text.
+// Reads all golden texts.
 std::vector<GoldenCase> allGoldenTexts();
+// Reads all variations of golden texts.
 std::vector<GoldenCase> allGoldenVariations();
 
 // Applies one more line of tags, such as "0 orlu.control.reqID int 5", or of the request, such as "algorithms
-// night hdr". The latter replaces lines with the same first word, except that "and input ..." adds an input.
+// night hdr". A line of the request replaces those with the same first word, except that "and input ..." adds
+// an input. Throws std::runtime_error on syntax errors.
 void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
-// The same request with all tags moved to compositions, and other values in the capture results, so that code
-// that only reads the capture result gets the wrong value. Tags already in a composition, including "none",
+// Returns the same request with all tags copied to compositions and with other values in the capture results:
+// code that only reads capture results gets wrong values. Tags already in a composition, including "none",
 // stay unchanged.
 GoldenCase withOverrides(const GoldenCase& golden);
 
-// The name of each write in order, with "#2" after the second write of a name.
+// Returns the name of each write in order, with "#2" after the second write of a name.
 std::vector<std::string> namesOf(const std::vector<GoldenWrite>& writes);
 
 }  // namespace orlu::test

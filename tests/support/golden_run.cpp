@@ -62,7 +62,7 @@ jobject javaValue(const GoldenValue& value) {
   throw std::runtime_error("no tag has the type " + type);
 }
 
-// The TagType constant of a golden type: "ints" is INT_ARRAY.
+// Returns the TagType constant of a golden type, such as INT_ARRAY for "ints".
 std::string tagTypeOf(const std::string& type) {
   static const std::map<std::string, std::string> types = {
       {"bytes",   "BYTES"              },
@@ -146,8 +146,8 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
   return writes;
 }
 
-// "output 0 unchanged", or its sizes as in a golden text, followed by the whole record if anything else
-// changed.
+// Returns "output 0 unchanged", or the output's sizes as in a golden text, followed by the whole record if
+// anything else changed.
 std::string describeOutput(size_t index, AlgoFrameInfo expected, const AlgoFrameInfo& after) {
   std::ostringstream out;
   out << "output " << index << ' ';
@@ -172,7 +172,7 @@ std::string numbersLine(const char* name, int first, int second) {
   return std::string(name) + ' ' + std::to_string(first) + ' ' + std::to_string(second);
 }
 
-// A failure at the line of the golden text that it contradicts.
+// Returns a failure at this line of a golden text.
 GoldenLine failure(const GoldenLine& line, const std::string& text) {
   return {text, line.file, line.number};
 }
@@ -234,7 +234,7 @@ public:
   }
 
 private:
-  // "2 system face_info": number of writes of a key.
+  // Returns the number of writes of a key, for an expectation such as "2 system face_info".
   std::string foundTimes(std::istream& in) const {
     int expected = 0;
     std::string name;
@@ -244,7 +244,8 @@ private:
     return "times " + std::to_string(times) + ' ' + name;
   }
 
-  // "2 "message"": number of log lines. Lines of the short tag have no prefix.
+  // Returns the number of log lines, for an expectation such as "2 "message"". Lines of the short tag have no
+  // prefix.
   std::string logged(std::istream& in, const std::string& kind) const {
     const bool isShort = kind == "short";
     int expected = 0;
@@ -260,7 +261,7 @@ private:
     return out.str();
   }
 
-  // "system ae_weight int 7": the last value written.
+  // Returns the last value written, for an expectation such as "system ae_weight int 7".
   std::string foundWrite(const std::string& expectation, const std::string& section, std::istream& in) const {
     std::string key;
     std::string text;

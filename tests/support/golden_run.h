@@ -13,12 +13,12 @@
 
 namespace orlu::test {
 
-// The result of translating a request.
+// Result of translating a request.
 struct GoldenRun {
   std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
   std::vector<std::string> after;   // the lines that a text has below [after]
-  // Other facts that variations can expect: unchanged outputs, "no skip", the first input's format and the
-  // bracketing.
+  // Other facts that variations can expect: unchanged outputs, "no skip", the HDR type with the index of the
+  // night frame ("rawnr"), and the first input's format.
   std::vector<std::string> more;
 };
 
@@ -27,10 +27,10 @@ struct GoldenRun {
 GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
                     const std::function<void(MetadataUpdater&)>& inspect = {});
 
-// The differences between `run` and a text, each with the line of the text and the reason: first missing
-// lines, then wrong values, surplus lines, and order.
+// Returns the differences between `run` and a text, each with the text's line and the reason. Compares the
+// lines below [after], then the writes: missing and wrong values, surplus values, order.
 std::vector<GoldenLine> checkGoldenText(const GoldenCase& golden, const GoldenRun& run);
-// The variation's expectations that `run` and its log do not meet, each with the actual result.
+// Returns the expectations of a variation that `run` and its log do not meet, each with the actual result.
 std::vector<GoldenLine> checkGoldenVariation(const GoldenCase& golden, const GoldenRun& run,
                                              const LogCapture& log);
 

@@ -20,7 +20,7 @@ using Bytes = std::vector<uint8_t>;
   throw std::runtime_error(what + ": '" + text + "'");
 }
 
-// A number, "number/number" or "number+numberi".
+// Parses a number, "number/number", or "number+numberi", where i is the frame.
 template <typename T>
 T parseNumber(const std::string& text, int frame) {
   const auto plain = [](const char* from, char** end) {
@@ -91,7 +91,7 @@ const NumberType* numberType(std::string type) {
   return found == types.end() ? nullptr : &found->second;
 }
 
-// A string, or numbers up to the end of the words.
+// Parses a quoted string, or numbers up to the end of `in`.
 Bytes parseWords(const std::string& type, std::istream& in, int frame) {
   if (type == "text" || type == "string") {
     const std::string text = quotedText(in);
@@ -116,7 +116,7 @@ void put(Bytes& bytes, size_t offset, const Bytes& part, const std::string& text
   std::copy(part.begin(), part.end(), bytes.begin() + static_cast<ptrdiff_t>(offset));
 }
 
-// One "offset:type=value,value" of a record.
+// Writes one "offset:type=value,value" into a record.
 void putPart(Bytes& bytes, std::string part, int frame) {
   const size_t colon = part.find(':');
   const size_t equals = part.find('=');
@@ -128,7 +128,7 @@ void putPart(Bytes& bytes, std::string part, int frame) {
   put(bytes, offset, parseWords(type, in, frame), part);
 }
 
-// The nonzero words of a record.
+// Returns the nonzero words of a record, with their offsets.
 std::string describeRecord(Bytes bytes) {
   bytes.resize((bytes.size() + 3) / 4 * 4);
   const std::vector<int32_t> words = GoldenValue{"", bytes}.numbers<int32_t>();

@@ -15,7 +15,7 @@ struct GoldenValue {
   std::string type;  // without its size
   std::vector<uint8_t> bytes;
 
-  // The numbers in `bytes`.
+  // Returns the numbers in `bytes`.
   template <typename T>
   std::vector<T> numbers() const {
     std::vector<T> values(bytes.size() / sizeof(T));
@@ -30,8 +30,8 @@ std::string quotedText(std::istream& in);
 // Reads "type words..." for this frame. Throws std::runtime_error on syntax errors.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
-// Formats the bytes in the notation above as values of `type`, or as integers if that is impossible.
-// Different bytes give different text, except that all NaNs are equal.
+// Formats the bytes in the notation of golden texts as values of `type`, or as integers if that is
+// impossible. Different bytes give different text, except that all NaNs are equal.
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes);
 
 }  // namespace orlu::test

@@ -17,7 +17,7 @@ inline std::string toStringOf(jobject value) {
   return stringOf(callObject(value, "toString", "()Ljava/lang/String;"));
 }
 
-// The value's class and contents: "Integer 5", "float[] 1.5 2.0", "Integer[] 1 2".
+// Returns the value's class and contents: "Integer 5", "float[] 1.5 2.0", "Integer[] 1 2".
 inline std::string describeJava(jobject value) {
   if (value == nullptr) return "null";
   jobject clazz = callObject(value, "getClass", "()Ljava/lang/Class;");
@@ -31,8 +31,8 @@ inline std::string describeJava(jobject value) {
   return text;
 }
 
-// Records every putMetadata() while it lives, in order, including values that later ones overwrite. One line
-// each: index of the composition, key and value.
+// Records every call of putMetadata() while it lives, in order, including values that later calls overwrite.
+// Each line has the index of the composition, the key and the value.
 class PutRecorder {
 public:
   explicit PutRecorder(std::vector<jobject> compositions)

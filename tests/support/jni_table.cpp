@@ -14,7 +14,7 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
-  // Replaces `Member`: counts calls and passes them on, or makes them fail.
+  // Replaces `Member`: counts calls, and forwards them or makes them fail.
   template <auto Member>
   struct Counted;
 
@@ -26,7 +26,7 @@ struct JniTableFunctions {
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
       const auto function = gTable->mFunctions.original().*Member;
       if (gTable->mInsideVm) return function(env, arguments...);
-      // While the VM executes a call, calls through the table are those of its own native methods.
+      // Calls through the table while the VM executes a call come from the VM's own native methods.
       const struct Inside {
         Inside() { gTable->mInsideVm = true; }
         ~Inside() { gTable->mInsideVm = false; }
@@ -116,7 +116,8 @@ Id JniTable::findMember(Id (*original)(JNIEnv*, jclass, const char*, const char*
   return original(mFunctions.env(), clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
 }
 
-// Each object returned by a function is a new local reference. PopLocalFrame frees those of its frame.
+// Each object returned by a function is a new local reference. PopLocalFrame frees the references of its
+// frame.
 void JniTable::noteObject(const std::string& function, jobject object) {
   if (function == "PopLocalFrame" && !mFrames.empty()) {
     mLocalReferences = mFrames.back();
@@ -126,7 +127,7 @@ void JniTable::noteObject(const std::string& function, jobject object) {
   }
 }
 
-// As JNI names it: "java/util/List", "[I".
+// Returns the class's name in JNI: "java/util/List", "[I".
 std::string JniTable::nameOf(jclass clazz) {
   if (clazz == nullptr) return "null";
   JNIEnv* const env = mFunctions.env();

@@ -21,22 +21,22 @@ public:
   JniTable& operator=(const JniTable&) = delete;
   ~JniTable();
 
-  // Makes lookups fail from now on, with the VM's exception pending. Names a class, or "class.member" for
-  // methods and fields, static or not.
+  // Makes lookups fail from now on, with the VM's exception pending. `name` is a class, "class.member" for
+  // all methods and fields of that name, or "class.member signature" for one of them.
   void hide(const std::string& name);
 
-  // Makes this function return null or 0 from now on, with an OutOfMemoryError pending. It must be one of the
-  // counted functions.
+  // Makes this function return null or 0 from now on, with an OutOfMemoryError pending. The function must be
+  // listed in jni_functions.h.
   void fail(const std::string& function);
 
-  // Number of calls of a function.
+  // Returns the number of calls of a function.
   int calls(const std::string& function) const;
-  // All lookups in order: a class as its name, a member as "class.member signature" or "null.member
-  // signature".
+  // Returns all lookups in order: a class as its name, a member as "class.member signature", or as
+  // "null.member signature" if its class is missing.
   const std::vector<std::string>& lookups() const { return mLookups; }
-  // Local references that this library made minus those it deleted.
+  // Returns the number of local references created and not deleted.
   int localReferences() const { return mLocalReferences; }
-  // Arrays whose elements were acquired but not released.
+  // Returns the number of arrays whose elements were acquired but not released.
   int heldArrays() const;
 
 private:
@@ -55,7 +55,7 @@ private:
   std::map<std::string, int> mCalls;
   std::vector<std::string> mLookups;
   int mLocalReferences = 0;
-  std::vector<int> mFrames;  // mLocalReferences at each push
+  std::vector<int> mFrames;  // mLocalReferences at each PushLocalFrame
   bool mInsideVm = false;
 };
 

@@ -15,8 +15,8 @@ JavaVM* gVm = nullptr;
 thread_local JNIEnv* gEnv = nullptr;
 std::string gVmOutput;
 
-// The VM writes to descriptor 1, which becomes a file; this program's standard output gets another
-// descriptor.
+// Redirects the VM's output, which goes to descriptor 1, to a file. This program's standard output gets
+// another descriptor.
 bool splitOutput() {
   char path[] = "/tmp/orlu-vm-output-XXXXXX";
   const int file = mkstemp(path);

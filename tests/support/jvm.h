@@ -1,4 +1,4 @@
-// The program's Java VM; a process can only have one.
+// The program's Java VM. A process can only have one.
 #pragma once
 
 #include <jni.h>
@@ -8,11 +8,11 @@
 
 namespace orlu::test {
 
-// Starts the VM with these options and jars. Jars are names (see jarPath()) or, if they are not ours,
-// absolute paths. On failure prints a line to standard error and returns false.
+// Starts the VM with these options and jars. A jar is a name as for jarPath(), or an absolute path. On
+// failure prints a line to standard error and returns false.
 bool startJvm(const std::vector<std::string>& jars, std::vector<std::string> options);
 
-// Same with -Xcheck:jni. The VM's output goes to a file that jvmIsQuiet() reads.
+// Starts the VM with -Xcheck:jni, like startJvm(). The VM's output goes to a file that jvmIsQuiet() reads.
 bool startCheckedJvm(const std::vector<std::string>& jars);
 // Prints the VM's complaints about JNI calls and deletes the file. Returns true if there are none.
 bool jvmIsQuiet();

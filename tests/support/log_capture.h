@@ -1,5 +1,5 @@
-// Captures the log of all threads while this object lives. The innermost capture receives a line. Without a
-// capture, and at the start of a program, lines go to standard error.
+// Captures the log of all threads while this object lives. Only the innermost capture receives lines. Without
+// a capture lines go to standard error.
 #pragma once
 
 #include <android/log.h>
@@ -31,16 +31,16 @@ public:
 
   std::vector<LogLine> lines() const;
   void clear();
-  // Number of lines with this priority, tag and message, and any prefix.
+  // Returns the number of lines with this priority, tag and message, and any prefix.
   int count(int priority, const std::string& tag, const std::string& message) const;
   int errors(const std::string& tag, const std::string& message) const {
     return count(ANDROID_LOG_ERROR, tag, message);
   }
-  // Whether "tag: file function() message" of a line contains this part.
+  // Returns true if text() contains this part.
   bool contains(const std::string& part) const;
-  // All lines with a prefix that any capture has received, each distinct message once.
+  // Returns all lines with a prefix that any capture has received, each distinct line once.
   static std::vector<LogLine> everything();
-  // All lines as "tag: file function() message", each with a newline.
+  // Returns all lines as "tag: file function() message", each with a newline.
   std::string text() const;
 
 private:

@@ -29,7 +29,7 @@ std::string patternOf(const std::string& message) {
   return pattern;
 }
 
-// "D _V_VASJNI-VRequest getRequestInfo() "
+// Returns a prefix such as "D _V_VASJNI-VRequest getRequestInfo() ".
 std::string prefixOf(const LogLine& line) {
   return (line.priority == ANDROID_LOG_ERROR ? "E " : "D ") + line.tag + ' ' + line.function + "() ";
 }

@@ -15,10 +15,10 @@ public:
   // Reads all texts. Throws std::runtime_error, with the file and the line, on syntax errors.
   LogTexts();
 
-  // Marks the texts of these lines as seen, and prints each line without a text once, without numbers.
-  // Returns true if all lines have a text.
+  // Marks the texts of these lines as seen. Prints each line without a text to standard error, up to its
+  // first number, and repeated lines once. Returns true if all lines have a text.
   bool haveAll(const std::vector<LogLine>& lines);
-  // The texts of a class that haveAll() has not seen.
+  // Returns the texts of a class that haveAll() has not seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;
 
 private:

@@ -5,15 +5,15 @@
 
 namespace orlu::test {
 
-// The folder of the golden texts, ending in "/".
+// Returns the folder of the golden texts, ending in "/".
 std::string goldenFolder();
-// The folder of the libraries that a Java VM loads.
+// Returns the folder of the libraries that a Java VM loads.
 std::string libraryFolder();
-// The path of one of our jars: "orlu-service" is java/orlu-service.jar.
+// Returns the path of one of our jars, such as java/orlu-service.jar for "orlu-service".
 std::string jarPath(const std::string& name);
 
-// The folder for files of tests, ending in "/". Prefers a folder in memory: under the emulator, a 32-bit
-// process cannot list folders of a file system with 64-bit directory positions.
+// Returns the folder for files of tests, ending in "/". Prefers a folder in memory: under the emulator, a
+// 32-bit process cannot list folders of a file system with 64-bit directory positions.
 std::string temporaryFolder();
 
 }  // namespace orlu::test

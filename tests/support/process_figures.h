@@ -9,7 +9,7 @@
 
 namespace orlu::test {
 
-// Includes the descriptor that lists the folder.
+// Counts the open descriptors, including the one that lists the folder.
 inline int openDescriptors() {
   const std::filesystem::directory_iterator folder("/proc/self/fd");
   return static_cast<int>(std::distance(begin(folder), end(folder)));

@@ -9,12 +9,12 @@
 
 namespace orlu::test {
 
-// A service that creates clients and runs requests.
+// Returns a service that creates clients and runs requests.
 inline jobject newService() {
   return newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");
 }
 
-// The address of a client; destroy it with destroyServiceClient().
+// Returns the handle of a new client. The caller must destroy it with destroyServiceClient().
 inline jlong newServiceClient(jobject service, jobject composition) {
   return call(service, "createNativeClient", "(Ljava/lang/Object;)J", composition).j;
 }
@@ -23,14 +23,14 @@ inline void destroyServiceClient(jobject service, jlong client) {
   call(service, "destroyNativeClient", "(J)I", client);
 }
 
-// A recorder that keeps at most `count` recordings and `bytes` bytes in this folder.
+// Returns a recorder that stores at most `count` recordings and `bytes` bytes in this folder.
 inline jobject newRecorder(const std::string& folder, int count, int64_t bytes) {
   jobject file = newObject("java/io/File", "(Ljava/lang/String;)V", javaString(folder));
   return newObject("com/orlu/orlu3rdalgoservice/record/RequestRecorder", "(Ljava/io/File;IJ)V", file, count,
                    bytes);
 }
 
-// The status of a request, which runs through the recorder, or directly if that is null.
+// Runs a request through the recorder, or directly if the recorder is null. Returns the request's status.
 inline int processImage(jobject recorder, jobject service, jlong client, jobject request, jobject inputs,
                         jobject outputs, jobject compositions) {
 #define OBJECTS "Ljava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;Ljava/lang/Object;"

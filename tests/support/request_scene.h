@@ -21,7 +21,7 @@ namespace orlu::test {
 class RequestScene : public testing::Test {
 protected:
   static constexpr int64_t kReqId = 0x2'0000'0001;
-  static constexpr int32_t kTuningMode = 64;  // the algorithms' result
+  static constexpr int32_t kTuningMode = 64;  // result of the algorithms
 
   RequestScene() {
     mAlgo.script.runAlgorithms = false;
@@ -56,7 +56,7 @@ protected:
     putKey(mCompositions[0], "isFullAsync", javaInt(isFullAsync));
     return RequestProcessor::processImage(env(), mInst, request, mInputs, mOutputs, javaList(mCompositions));
   }
-  // The second half of a full-async request.
+  // Runs the second half of a full-async request.
   int updateResult(uint64_t nativeReq) {
     putKey(mCompositions[0], "nativeRequestAddr", javaLong(static_cast<int64_t>(nativeReq)));
     return RequestProcessor::processImageUpdateResult(env(), mInst, newRequest(kReqId, "capture"), mInputs,
@@ -73,7 +73,7 @@ protected:
     bool unused = false;
     return AlgoNativeRequestMap::getInstance()->getIsFullAsync(nativeReq, unused);
   }
-  // The id of the newest request: one less than the next id.
+  // Returns the id of the newest request: one less than the next id.
   static uint64_t newestRequest() {
     const uint64_t next = AlgoNativeRequestMap::getInstance()->create(0, nullptr, false);
     AlgoNativeRequestMap::getInstance()->remove(next);
@@ -88,15 +88,14 @@ protected:
   const jobject mOutputs = javaList({newSmallImage(), newSmallImage()});
   int64_t mInst = 0;
   std::map<std::string, int32_t> mAnswers;  // the library returns these instead of the stored values
-  // Calls of the library: the operations with their subject, except value operations that do not abort a
-  // request. Then the destroyed blocks, the last process(), the values of "abort_key" and setRaw(), and a
-  // file.
+  // The library's calls with their main arguments. Omits operations on values, except values that abort a
+  // request and operations without a block.
   std::string mTrace;
-  std::vector<void*> mDestroyed;
-  AlgoProcessRecord mSubmitted = {};
-  std::vector<uint8_t> mAbortKey;
-  std::vector<uint8_t> mRaw;
-  int mFile = -1;
+  std::vector<void*> mDestroyed;      // destroyed blocks, in order
+  AlgoProcessRecord mSubmitted = {};  // the last process()
+  std::vector<uint8_t> mAbortKey;     // the last value of "abort_key"
+  std::vector<uint8_t> mRaw;          // the last setRaw()
+  int mFile = -1;                     // descriptor of the last translateParamFile()
 
 private:
   void note(const probe::WatchedCall& call) {

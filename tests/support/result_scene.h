@@ -1,5 +1,5 @@
-// A request whose algorithms have finished: their results in the parameter set, its images and its
-// compositions. Translating it records the values put into each composition, and the log.
+// A request whose algorithms have finished: results in the parameter set, images and compositions.
+// Translating the results records the values put into each composition, and the log.
 #pragma once
 
 #include <jni.h>
@@ -17,7 +17,7 @@
 
 namespace orlu::test {
 
-// An algorithm's result in the parameter set; the section lacks "orlu.algo.".
+// An algorithm's result in the parameter set. The section is without "orlu.algo.".
 struct LeftValue {
   std::string section;
   std::string key;
@@ -32,7 +32,7 @@ LeftValue left(const char* section, const char* key, const std::vector<T>& value
   };
 }
 
-// A frame's composition, with the timestamp in its capture result.
+// Returns a composition with this timestamp in its capture result.
 inline jobject compositionAt(int64_t timestamp) {
   jobject metadata = newMetadata();
   setTag(metadata, "android.sensor.timestamp", javaLong(timestamp));
@@ -74,12 +74,13 @@ public:
   }
 
   const std::string& puts() const { return mPuts; }
-  // Priority and message of each line of the result updater, without prefix: "D updateMarkMode 4". Lines of
-  // the short tag, which have no prefix, begin with "D*" or "E*".
+  // Returns priority and message of each of the result updater's lines, such as "D updateMarkMode 4". Lines
+  // of the short tag begin with "D*" or "E*".
   const std::string& log() const { return mLog; }
-  // All lines, formatted by LogCapture::text().
+  // Returns all lines, formatted by LogCapture::text().
   const std::string& wholeLog() const { return mWholeLog; }
-  // An output as seen by Java and by the algorithms: format, size, bytes of planes; "" if unchanged.
+  // Returns an output's format, size and plane sizes as seen by Java, then by the algorithms; "" if
+  // unchanged.
   std::string changeOfOutput(size_t index) const {
     const std::string now = describeOutput(index);
     return now == mOutputsBefore[index] ? "" : now;
@@ -92,7 +93,7 @@ private:
     mRequest = std::make_unique<VRequest>(env(), newRequest(7, requestType), javaList(inputImages),
                                           javaList(hasOutputs ? mOutputs : std::vector<jobject>()),
                                           javaList(compositions));
-    // Changes the Java object, so that the test detects an update.
+    // Changes the width in Java, so that tests detect whether it is set again.
     jclass imageClass = env()->GetObjectClass(mOutputs[0]);
     env()->SetIntField(mOutputs[0], env()->GetFieldID(imageClass, "mWidth", "I"), 1);
     for (size_t i = 0; i < mOutputs.size(); ++i) mOutputsBefore.push_back(describeOutput(i));

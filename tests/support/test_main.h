@@ -11,7 +11,7 @@
 
 namespace orlu::test {
 
-// The last `count` lines of a text whose lines all end with a newline.
+// Returns the last `count` lines of a text whose lines all end with a newline.
 inline std::string lastLines(const std::string& text, size_t count) {
   size_t start = text.size();
   for (; count > 0 && start > 1; --count) start = text.rfind('\n', start - 2) + 1;  // npos + 1 is 0

@@ -15,7 +15,7 @@ inline int threadId() {
   return static_cast<int>(syscall(SYS_gettid));
 }
 
-// Returns when the thread with this id sleeps in the kernel or has exited. The id may be stored later.
+// Returns when `thread` is set and the thread with this id sleeps in the kernel or has exited.
 inline void untilAsleep(const std::atomic<int>& thread) {
   while (thread == 0) std::this_thread::yield();
   for (;;) {

@@ -7,7 +7,7 @@
 
 namespace agreement {
 
-// The type in which our record is replaced by the platform's record of the same name (RECORD).
+// Type is T with our records replaced by the platform's records of the same name (see RECORD).
 template <typename T>
 struct Platform {
   using Type = T;
@@ -33,8 +33,8 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// Use at global scope, for records that are opaque, or whose fields are asserted one by one where OPAQUE is
-// used.
+// Use at global scope. OPAQUE is for opaque records, and for records whose fields the caller asserts one by
+// one.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

@@ -1,5 +1,5 @@
-// Compares shared memory, and the part of hardware buffers that Debian has headers for: the bridge from Java,
-// and the pixel formats, which have the names of the graphics interface there.
+// Compares shared memory, and the part of hardware buffers that Debian has headers for: the conversion from
+// Java objects, and the pixel formats, which are named HAL_PIXEL_FORMAT_... there.
 #include <android/hardware_buffer_jni.h>
 #include <android/sharedmem_jni.h>
 #include <system/graphics-base-v1.0.h>
