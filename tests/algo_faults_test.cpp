@@ -200,7 +200,8 @@ TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   EXPECT_EQ(0, process(1));
   RequestProcessor::destroy(env(), std::exchange(mInst, 0));
   const std::string reports = recorder.reports();
-  EXPECT_EQ(2, std::count(reports.begin(), reports.end(), '\n')) << "from this thread and from its own";
+  EXPECT_EQ(2, std::count(reports.begin(), reports.end(), '\n'))
+      << "one from this thread, one from the library's thread";
   create();
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
@@ -250,9 +251,9 @@ TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   EXPECT_EQ(0, process(1));
   EXPECT_TRUE(isKnown(mSubmitted.nativeReq));
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
-  EXPECT_EQ(kTuningMode, result()) << "the values were there";
+  EXPECT_EQ(kTuningMode, result()) << "the result was not put";
   EXPECT_FALSE(isKnown(mSubmitted.nativeReq));
-  EXPECT_EQ(1, test::Algo::counts().parameterBlocks) << "the library may still use it";
+  EXPECT_EQ(1, test::Algo::counts().parameterBlocks) << "the library may still use the block";
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
   test::Algo::sendCallback(mSubmitted.callbackCookie, test::shotCallback(mSubmitted.nativeReq), {}, false);
   EXPECT_EQ(0, test::Algo::counts().parameterBlocks);

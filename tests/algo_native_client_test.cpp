@@ -51,7 +51,8 @@ class AlgoNativeClientJvmTest : public testing::Test {
 protected:
   ~AlgoNativeClientJvmTest() override {
     mClient.reset();
-    EXPECT_TRUE(AlgoNativeRequestMap::getInstance()->remove(mFullAsync)) << "Java finishes it";
+    EXPECT_TRUE(AlgoNativeRequestMap::getInstance()->remove(mFullAsync))
+        << "only Java may finish the request";
     EXPECT_EQ(0, test::Algo::counts().clients);
   }
 
@@ -127,7 +128,7 @@ TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnoun
   }
   EXPECT_EQ(nullptr, mClient);
   EXPECT_EQ("", mRecorder.reports());
-  EXPECT_FALSE(AlgoNativeRequestMap::getInstance()->remove(request)) << "it stays for good";
+  EXPECT_FALSE(AlgoNativeRequestMap::getInstance()->remove(request)) << "the request was not finished";
   EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
 }
 

@@ -62,7 +62,7 @@ TEST_P(CameraMetadataParserGetterTest, TellsAMissingValue) {
 TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
   if (mGetter.source == kCharacteristics) return;  // characteristics convert to the requested type
   jobject wrong = compositionWith(mGetter.key, mGetter.wrong());
-  EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition wins";
+  EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition takes precedence";
   EXPECT_EQ(Lines{std::string(mGetter.name) + "() wrong object type " + mGetter.key}, parserErrors(mLog));
   mParser.initFromEnv(env(), true);
   EXPECT_EQ(isOverridable() ? mValue : "-1:", read(full(), wrong)) << "a parser without the class";
@@ -72,7 +72,8 @@ TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
   const std::string thrown = missing("getMetadataObjectFromOrluAlgorithmParameter");
   if (mGetter.source == kParameter) {
     EXPECT_EQ("-1:", read(newThrowingComposition()));
-    EXPECT_EQ((Lines{thrown, mMissing}), parserErrors(mLog)) << "one for the lookup, one for the getter";
+    EXPECT_EQ((Lines{thrown, mMissing}), parserErrors(mLog))
+        << "one line from the lookup, one from the getter";
     return;
   }
   const std::string lookup =
@@ -81,7 +82,7 @@ TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
   EXPECT_EQ("-1:", read(full(), nullptr, tag.c_str()));
   EXPECT_EQ((Lines{missing(lookup, tag), missing(mGetter.name, tag)}), parserErrors(mLog));
   if (!isOverridable()) return;
-  EXPECT_EQ(mValue, read(full(), newThrowingComposition())) << "asks the capture result next";
+  EXPECT_EQ(mValue, read(full(), newThrowingComposition())) << "the capture result must be read next";
   EXPECT_EQ(Lines{thrown}, parserErrors(mLog));
 }
 

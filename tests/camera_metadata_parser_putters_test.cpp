@@ -88,7 +88,7 @@ protected:
 TEST_P(CameraMetadataParserPutterTest, StoresAJavaValueUnderTheKey) {
   jobject container = newContainer();
   EXPECT_EQ(0, put(mParser, container));
-  EXPECT_EQ(0, put(mParser, container)) << "over a value";
+  EXPECT_EQ(0, put(mParser, container)) << "overwriting a value";
   EXPECT_EQ(Lines(), parserErrors(mLog));
   EXPECT_EQ(mPutter.stored, describeJava(isMap() ? valueIn(container) : getKey(container, kKey)));
 }
@@ -99,7 +99,7 @@ TEST_P(CameraMetadataParserPutterTest, NeedsAContainer) {
                 "the other container");
   expectFailure(kNotPut, mParser,
                 isMap() ? newObject("com/orlu/test/ThrowingMap", "()V") : newThrowingComposition(),
-                "one that throws");
+                "a container that throws");
 }
 
 TEST_P(CameraMetadataParserPutterTest, NeedsItsClassesAndMembers) {

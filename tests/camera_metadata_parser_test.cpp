@@ -82,7 +82,7 @@ TEST_F(CameraMetadataParserTest, LooksEverythingUpInOrder) {
     }
     EXPECT_EQ(test::joined(lookups), test::joined(table.lookups()));
     EXPECT_EQ(withoutComposition ? 29 : 30, table.localReferences())
-        << "the classes, until the native method returns";
+        << "only references to classes may remain";
   }
   EXPECT_EQ(Lines(), test::parserErrors(mLog));
 }

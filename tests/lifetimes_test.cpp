@@ -86,10 +86,10 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
       id = newestRequest();
       if (onAnotherThread) {
         test::Algo::sendCallback(cookie, test::shotCallback(id), {}, false);
-        EXPECT_EQ(0, updateResult(id)) << "not announced: unknown";
+        EXPECT_EQ(0, updateResult(id)) << "an id is unknown until it is announced";
       } else {
         callBack(cookie, id);
-        EXPECT_FALSE(isKnown(id)) << "Java has finished it";
+        EXPECT_FALSE(isKnown(id)) << "Java has finished the request";
       }
       inside("process", [&] { isAlive = test::Algo::counts().parameterBlocks == 1; });
     });
@@ -168,7 +168,7 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
     for (const bool isTheClientInUse : {true, false}) {
       for (const std::string& operation : operations) {
         const test::LocalFrame frame;
-        SCOPED_TRACE(std::string(name) + " with the end of a client inside " + operation);
+        SCOPED_TRACE(std::string(name) + ", destroying a client inside " + operation);
         create();
         EXPECT_EQ(0, process(1));
         EXPECT_TRUE(test::Algo::waitIdle(60'000));
@@ -220,7 +220,7 @@ TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
         inside("process", [&] {
           if (moment == kInProcess) finish();
           if (callsBackInside) callBack();
-          EXPECT_FALSE(isBlockDestroyed()) << "process works with it";
+          EXPECT_FALSE(isBlockDestroyed()) << "process() still uses the block";
         });
         mDestroyed.clear();
         EXPECT_EQ(0, process(1));

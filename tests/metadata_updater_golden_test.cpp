@@ -26,7 +26,7 @@ template <typename Check>
 void checkBoth(const GoldenCase& golden, const Check& check) {
   Algo algo;
   for (const bool isOverridden : {false, true}) {
-    SCOPED_TRACE(isOverridden ? "with every tag in a composition, over another value" : "as it is written");
+    SCOPED_TRACE(isOverridden ? "with every tag in a composition, overriding another value" : "as written");
     const LogCapture log;
     const GoldenRun run = runGolden(isOverridden ? withOverrides(golden) : golden, algo);
     report(check(run, log));

@@ -113,7 +113,7 @@ TEST_F(RequestProcessorImageTest, FullAsyncRequest) {
   const std::string id = std::to_string(nativeReq);
   EXPECT_EQ("9 2 8589934593 nativeRequestAddr=Long " + id + "\n", mRecorder.reports());
   EXPECT_TRUE(mLog.contains("nativeReq " + id + ", isAsync 5"));
-  EXPECT_EQ(-999, result()) << "results before Java asked for them";
+  EXPECT_EQ(-999, result()) << "results were put before Java requested them";
   EXPECT_TRUE(isKnown(nativeReq));
   EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
 
@@ -122,7 +122,7 @@ TEST_F(RequestProcessorImageTest, FullAsyncRequest) {
   EXPECT_EQ(0, updateResult(nativeReq));
   EXPECT_EQ(descriptors, test::openDescriptors());
   EXPECT_EQ(kTuningMode, result());
-  EXPECT_EQ(-1, result("orlu.feedback.hdrChoosedFrame")) << "not by the list of the request";
+  EXPECT_EQ(-1, result("orlu.feedback.hdrChoosedFrame")) << "the request's own list was not used";
   EXPECT_EQ("destroyMetadata", mTrace);
   EXPECT_EQ(mSubmitted.metadata[0].block, mDestroyed.back());
   EXPECT_FALSE(isKnown(nativeReq));
@@ -136,7 +136,7 @@ TEST_F(RequestProcessorImageTest, ResultsOfAnUnknownRequest) {
   EXPECT_EQ(0, updateResult(0x7000'0000'0000'0000));
   EXPECT_EQ(-1, result("orlu.feedback.hdrChoosedFrame"));
   EXPECT_EQ(0, result());
-  EXPECT_EQ("", mTrace) << "an operation on no block";
+  EXPECT_EQ("", mTrace) << "the library was called without a block";
   EXPECT_EQ(1, debugLines("update result algo list: hdr, reqId = 8589934593, nativeReq 8070450532247928832 "
                           "getAlgoListResult 0"));
 }
@@ -146,7 +146,7 @@ TEST_F(RequestProcessorImageTest, MarkedToBeSkipped) {
   putKey(mCompositions[0], "orlu.control.image.score", test::javaDoubles({1'000'000.0}));
   EXPECT_EQ(0, process());
   EXPECT_EQ("createMetadata, destroyMetadata", mTrace);
-  EXPECT_EQ(0, result()) << "the results are written all the same";
+  EXPECT_EQ(0, result()) << "results must be put even if the algorithms are skipped";
   EXPECT_FALSE(isKnown(newestRequest()));
   EXPECT_EQ("", mRecorder.reports());
 

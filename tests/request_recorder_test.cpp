@@ -96,16 +96,16 @@ TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
     jobject compositions;
     const char* lastPart;
   } cases[] = {
-      {"none",                  "plain",  1 << 20, mInputs,      compositions,        "end"   },
-      {"no folder can be made", "file/x", 1 << 20, mInputs,      compositions,        nullptr },
-      {"no bytes are left",     "full",   700,     mInputs,      compositions,        "failed"},
-      {"a closed memory",       "closed", 1 << 20, closedInputs, compositions,        "failed"},
-      {"a composition throws",  "throws", 1 << 20, mInputs,      throwing,            "failed"},
-      {"no compositions",       "null",   1 << 20, mInputs,      nullptr,             "failed"},
-      {"a list of nulls",       "nulls",  1 << 20, mInputs,      nulls,               "failed"},
-      {"toString() throws",     "text",   1 << 20, mInputs,      valued("exception"), "end"   },
-      {"out of memory",         "memory", 1 << 20, mInputs,      valued("memory"),    "failed"},
-      {"stack overflow",        "stack",  1 << 20, mInputs,      valued("stack"),     "failed"},
+      {"none",                     "plain",  1 << 20, mInputs,      compositions,        "end"   },
+      {"no folder can be created", "file/x", 1 << 20, mInputs,      compositions,        nullptr },
+      {"no bytes are left",        "full",   700,     mInputs,      compositions,        "failed"},
+      {"closed memory",            "closed", 1 << 20, closedInputs, compositions,        "failed"},
+      {"a composition throws",     "throws", 1 << 20, mInputs,      throwing,            "failed"},
+      {"no compositions",          "null",   1 << 20, mInputs,      nullptr,             "failed"},
+      {"a list of nulls",          "nulls",  1 << 20, mInputs,      nulls,               "failed"},
+      {"toString() throws",        "text",   1 << 20, mInputs,      valued("exception"), "end"   },
+      {"out of memory",            "memory", 1 << 20, mInputs,      valued("memory"),    "failed"},
+      {"stack overflow",           "stack",  1 << 20, mInputs,      valued("stack"),     "failed"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.fault);

@@ -45,7 +45,7 @@ TEST(ResultReadsTest, TheKitKnowsWhatIsReadAndItsSizes) {
   if (std::getenv("ORLU_WRITE_RESULT_READS") != nullptr) std::ofstream(path) << recorded;
   std::stringstream known;
   known << std::ifstream(path).rdbuf();
-  EXPECT_EQ(recorded, known.str()) << "ORLU_WRITE_RESULT_READS=1 in the environment writes the file anew";
+  EXPECT_EQ(recorded, known.str()) << "to update the file, run this test with ORLU_WRITE_RESULT_READS=1";
 }
 
 }  // namespace

@@ -192,8 +192,8 @@ TEST_F(VRequestImageTest, CopiesTheHandleAndSwapsItsFirstWords) {
   EXPECT_EQ("-1 | 12 0 1 | 0 1000 0 0 0", copyOf(1, 1));
   EXPECT_EQ("1001 | 12 0 2 | 1001 1000 0 0 0", copyOf(2, 2));
   EXPECT_EQ("1001 | 12 0 255 | 1001 1000 1002 1254 0", copyOf(255, 255));
-  EXPECT_EQ("1001 | 12 0 256 | 0 0 0 0 0", copyOf(256, 256)) << "more than fit";
-  EXPECT_EQ("-1 | 12 0 -3 | 0 0 0 0 0", copyOf(3, -3)) << "a count that makes no sense";
+  EXPECT_EQ("1001 | 12 0 256 | 0 0 0 0 0", copyOf(256, 256)) << "more words than fit";
+  EXPECT_EQ("-1 | 12 0 -3 | 0 0 0 0 0", copyOf(3, -3)) << "a negative number of words";
 }
 
 TEST_F(VRequestImageTest, LivesWithoutMemory) {

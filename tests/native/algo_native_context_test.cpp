@@ -189,7 +189,8 @@ TEST(AlgoNativeContextTest, AnswersWhatTheLibraryAnswers) {
   ASSERT_EQ(10240U, version.size());
   EXPECT_STREQ("orlu algorithm stand-in 1", reinterpret_cast<const char*>(version.data()));
   EXPECT_EQ(std::vector<uint8_t>(10240), context.getData("no such command"));
-  EXPECT_EQ(0, context.translateParamFile(-5, 17, "tuning.bin")) << "the library's failure is not told";
+  EXPECT_EQ(0, context.translateParamFile(-5, 17, "tuning.bin"))
+      << "the library's failure must not be returned";
 
   void* const block = context.createMetadata();
   int32_t read = 0;

@@ -40,7 +40,7 @@ TEST_F(AlgoNativeRequestMapTest, KeepsWhatBelongsToEachRequest) {
   EXPECT_TRUE(mMap.setAlgoList(2, {"hdr", "flip"}));
   EXPECT_TRUE(mMap.remove(1));
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 71"));
-  EXPECT_EQ(3U, mMap.create(71, nullptr, false)) << "an id was used again";
+  EXPECT_EQ(3U, mMap.create(71, nullptr, false)) << "an id was reused";
 
   EXPECT_EQ(70, mMap.getRequestId(0));
   EXPECT_EQ(-0x100000001, mMap.getRequestId(2));
@@ -65,7 +65,7 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   void* metadata = &list;
   const uint64_t waitedFor = mMap.create(1, &block, false);
   EXPECT_TRUE(mMap.onCallbackReceived(waitedFor));
-  EXPECT_FALSE(mMap.takeForFinish(waitedFor, metadata, list)) << "another thread waits for it";
+  EXPECT_FALSE(mMap.takeForFinish(waitedFor, metadata, list)) << "another thread waits for the request";
   EXPECT_TRUE(mMap.remove(waitedFor));
 
   for (const bool isAnnounced : {true, false}) {
@@ -74,7 +74,7 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
     metadata = &list;
     const uint64_t id = mMap.create(2, &block, true);
     EXPECT_TRUE(mMap.setAlgoList(id, {"hdr"}));
-    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "it is being submitted";
+    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "the request is being submitted";
     EXPECT_EQ(List{"old"}, list);
     EXPECT_EQ(&list, metadata);
     if (isAnnounced) {
@@ -85,11 +85,11 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
     EXPECT_TRUE(mMap.takeForFinish(id, metadata, list));
     EXPECT_EQ(List{"hdr"}, list);
     EXPECT_EQ(&block, metadata);
-    EXPECT_TRUE(mMap.setAnnounced(id)) << "the library calls back once more";
-    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "it is taken";
+    EXPECT_TRUE(mMap.setAnnounced(id)) << "the library may call back again";
+    EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "the request is already taken";
     EXPECT_EQ(nullptr, mMap.finish(id)) << "the library, or the submission, still uses the block";
     EXPECT_EQ(2 - (isAnnounced ? 1 : 0), mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 2"));
-    EXPECT_EQ(-1, mMap.getRequestId(id)) << "it is known";
+    EXPECT_EQ(-1, mMap.getRequestId(id)) << "a finished request is still known";
     EXPECT_FALSE(mMap.setAnnounced(id));
     EXPECT_EQ(isAnnounced ? nullptr : &block, mMap.releaseBlock(id, kUsedByLibrary));
     EXPECT_EQ(isAnnounced ? &block : nullptr, mMap.releaseBlock(id, kUsedBySubmission));
@@ -127,7 +127,7 @@ TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
       EXPECT_EQ(step[1] == 0 ? &block : nullptr, got) << *step;
     }
     void* none = nullptr;
-    EXPECT_FALSE(mMap.releaseOwned(owner, none)) << "something is left";
+    EXPECT_FALSE(mMap.releaseOwned(owner, none)) << "a request is left";
     EXPECT_FALSE(mMap.remove(id));
   }
 }
@@ -151,7 +151,7 @@ TEST_F(AlgoNativeRequestMapTest, FinishesWhatItsOwnerLeaves) {
   EXPECT_TRUE(mMap.releaseOwned(owner, metadata));
   EXPECT_EQ(&blocks[2], metadata);
   EXPECT_FALSE(mMap.releaseOwned(owner, metadata));
-  EXPECT_EQ(&blocks[0], mMap.withdrawAnnouncement(announced)) << "Java does not hear of it after all";
+  EXPECT_EQ(&blocks[0], mMap.withdrawAnnouncement(announced)) << "Java was not notified after all";
   for (uint64_t id : {synchronous, others}) EXPECT_TRUE(mMap.remove(id));
   for (uint64_t id : {announced, failed}) EXPECT_FALSE(mMap.remove(id));
 }
@@ -184,10 +184,9 @@ TEST_F(AlgoNativeRequestMapTest, CallbackBeforeAndAfterTheWait) {
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "notify reqId = 5"));
   EXPECT_TRUE(mMap.waitForCallback(id));
   EXPECT_TRUE(mMap.onCallbackReceived(id));
-  EXPECT_TRUE(mMap.waitForCallback(id)) << "a callback that came counts for every wait";
+  EXPECT_TRUE(mMap.waitForCallback(id)) << "one callback must end every wait";
   EXPECT_TRUE(mMap.remove(id));
-  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 5"))
-      << "still counted as waiting";
+  EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 5")) << "the wait has not ended";
 }
 
 TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
@@ -200,7 +199,7 @@ TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
     waiters.emplace_back([this, id, &threadId = threadIds[i], &mine = calledBack[i]] {
       threadId = test::threadId();
       EXPECT_TRUE(mMap.waitForCallback(id));
-      EXPECT_TRUE(mine) << id << " woke for another one";
+      EXPECT_TRUE(mine) << id << " woke for another request";
     });
   }
   for (const std::atomic<int>& thread : threadIds) test::untilAsleep(thread);
@@ -275,7 +274,7 @@ TEST_F(AlgoNativeRequestMapTest, ManyThreadsAtOnce) {
   }
   for (std::thread& thread : threads) thread.join();
   for (size_t i : {1U, 2U, 3U}) created[0].merge(created[i]);
-  EXPECT_EQ(400U, created[0].size()) << "an id was given to two requests";
+  EXPECT_EQ(400U, created[0].size()) << "two requests had the same id";
 }
 
 }  // namespace

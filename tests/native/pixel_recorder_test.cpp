@@ -68,16 +68,16 @@ TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
   } cases[] = {
       {"whole",               nine,       9,       9,         kNine, ""                                    },
       {"a part",              nine,       3,       100,       "123", ""                                    },
-      {"less than is said",   nine,       4096000, 100,       kNine, ""                                    },
+      {"a short file",        nine,       4096000, 100,       kNine, ""                                    },
       {"large",               big,        1 << 30, 1U << 30U, large, ""                                    },
-      {"more than is wanted", big,        1 << 30, 100,       "",    "more bytes than ORLU_PIXELS_BYTES"   },
+      {"more than allowed",   big,        1 << 30, 100,       "",    "more bytes than ORLU_PIXELS_BYTES"   },
       {"no size",             nine,       0,       100,       "",    "the size is 0"                       },
       {"a negative size",     nine,       -9,      100,       "",    "the size is -9"                      },
       {"no descriptor",       -1,         9,       100,       "",    "no descriptor"                       },
-      {"a closed one",        closed,     9,       100,       "",    "the descriptor has no memory"        },
-      {"no memory",           empty,      9,       100,       "",    "the descriptor has no memory"        },
-      {"no file at all",      event,      9,       100,       "",    "the descriptor has no memory"        },
-      {"not to be read",      unreadable, 9,       1U << 30U, "",    "can't be mapped: Bad file descriptor"},
+      {"a closed descriptor", closed,     9,       100,       "",    "the descriptor has no memory"        },
+      {"an empty file",       empty,      9,       100,       "",    "the descriptor has no memory"        },
+      {"not a file",          event,      9,       100,       "",    "the descriptor has no memory"        },
+      {"not readable",        unreadable, 9,       1U << 30U, "",    "can't be mapped: Bad file descriptor"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -219,13 +219,13 @@ TEST_F(PixelRecorderTest, KeepsInputsAtProcessAndOutputsAtTheCallback) {
 TEST_F(PixelRecorderTest, ClosesWhatNoCallbackComesFor) {
   const size_t open = openDescriptors();
   run("in", "out", -22, nullptr);
-  EXPECT_EQ(openDescriptors(), open) << "refused";
+  EXPECT_EQ(openDescriptors(), open) << "after process() failed";
   run("in", "out", 0, kLightStreamCallback);
-  EXPECT_EQ(openDescriptors(), open + 1) << "another callback";
+  EXPECT_EQ(openDescriptors(), open + 1) << "only the shot's callback closes the output";
   mTable.destroyClient(&mTable);
-  EXPECT_EQ(openDescriptors(), open) << "the client is gone";
+  EXPECT_EQ(openDescriptors(), open) << "after the client was destroyed";
   for (int i = 0; i < 40; ++i) run("in", "out", 0, nullptr);
-  EXPECT_EQ(openDescriptors(), open + 16) << "too many requests";
+  EXPECT_EQ(openDescriptors(), open + 16) << "requests beyond the 16th must not hold descriptors";
   mTable.destroyClient(&mTable);
   EXPECT_EQ(openDescriptors(), open);
   EXPECT_EQ(pixels().size(), 42U);

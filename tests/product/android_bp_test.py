@@ -26,7 +26,7 @@ DEVICE_LIBRARIES = {
 def without_repetition(pairs):
     names = [name for name, _ in pairs]
     if len(names) != len(set(names)):
-        raise SyntaxError(f"a property stands twice: {names}")
+        raise SyntaxError(f"a property is repeated: {names}")
     return dict(pairs)
 
 

@@ -10,7 +10,7 @@ mkdir -p "$work/ndk/build/cmake" "$work/ndk/sources/third_party/googletest/src"
 touch "$work/ndk/sources/third_party/googletest/src/gtest-all.cc"
 cat >"$work/ndk/build/cmake/android.toolchain.cmake" <<'END'
 if(NOT ANDROID_ABI STREQUAL "armeabi-v7a" OR NOT ANDROID_STL STREQUAL "c++_shared" OR NOT ANDROID_PLATFORM)
-  message(FATAL_ERROR "the NDK is not told what to build for")
+  message(FATAL_ERROR "the preset does not set the ABI, the STL or the platform level")
 endif()
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ANDROID_ABI ANDROID_STL ANDROID_PLATFORM)
 set(ANDROID TRUE)
@@ -24,6 +24,6 @@ grep -q -- '-o probe/liborlu.vac.interface.so' <<<"$commands"
 grep -q -- '-o lib/liborlu.vas.native.interface.so' <<<"$commands"
 grep -q -- '-o lib/liborlu.recorder.so' <<<"$commands"
 if grep -E '\.jar|turbojpeg|libgtest|-o lib/liborlu\.vac\.interface' <<<"$commands"; then
-  echo "FAILED: builds what the NDK has not"
+  echo "FAILED: the build contains a part that the NDK cannot build"
   exit 1
 fi

@@ -43,25 +43,25 @@ natives=(
 # lld also exports the ends of the data, which no loader uses.
 # Columns: number, value, size, type, binding, visibility, section, name.
 offered=$(awk '$1 ~ /^[0-9]+:$/ && $5 != "LOCAL" && $7 != "UND" && $8 !~ /^(_edata|_end|__bss_start)$/ { print $4 "/" $8 }' <<<"$symbols")
-expect "what the library offers" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \
+expect "exported symbols" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \
   "$(sort <<<"$offered" | xargs)"
 expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
 
 # Only the libraries that the loader must find. The algorithm library is opened later.
 needed=$(dynamic NEEDED)
 toolchain='^(libstdc\+\+|libc\+\+|libc\+\+abi|libunwind|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
-expect "the device's libraries that it needs" \
+expect "needed libraries of the device" \
   "libandroid.so libcutils.so liblog.so libnativewindow.so liborlu.camera3rd.log.so" \
   "$(tr ' ' '\n' <<<"$needed" | grep -Ev "$toolchain" | xargs)"
-expect "the C++ library" "$cxx_library" "$(tr ' ' '\n' <<<"$needed" | sed -nE 's/^(libstdc\+\+|libc\+\+)\.so\.[0-9]$/\1/p' | xargs)"
-expect "its own name" liborlu.vas.native.interface.so "$(dynamic SONAME)"
+expect "needed C++ library" "$cxx_library" "$(tr ' ' '\n' <<<"$needed" | sed -nE 's/^(libstdc\+\+|libc\+\+)\.so\.[0-9]$/\1/p' | xargs)"
+expect "SONAME" liborlu.vas.native.interface.so "$(dynamic SONAME)"
 # shellcheck disable=SC2016 # the loader expands $ORIGIN, not the shell
-expect "where it looks for libraries" '$ORIGIN' "$(dynamic RUNPATH)"
-expect "old ways to look for libraries" "" "$(dynamic RPATH)"
+expect "RUNPATH" '$ORIGIN' "$(dynamic RUNPATH)"
+expect "RPATH" "" "$(dynamic RPATH)"
 
 expect "relocations in code" "" "$(grep -E 'TEXTREL' <<<"$dynamic_section" || true)"
 expect_match "all symbols bound at load time" 'BIND_NOW|FLAGS_1.*NOW' "$dynamic_section"
-expect_match "relocated data is read-only afterwards" '^ *GNU_RELRO ' "$segments"
+expect_match "data is read-only after relocation" '^ *GNU_RELRO ' "$segments"
 expect_match "stack without code" '^ *GNU_STACK .* RW +' "$segments"
 
 if [ "$machine" = arm ]; then
@@ -82,7 +82,7 @@ trap 'rm -f "$stripped"' EXIT
 size=$(stat -c %s "$stripped")
 echo "Stripped size ($machine): $size bytes"
 if [ "$machine" = arm ] && [ "$size" -gt "$size_budget" ]; then
-  echo "FAILED: more than the budget of $size_budget bytes"
+  echo "FAILED: the size exceeds the budget of $size_budget bytes"
   failures=$((failures + 1))
 fi
 

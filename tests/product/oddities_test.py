@@ -57,19 +57,19 @@ def mistakes(folder):
         yield f"{page}: the numbers are not 1 to {len(found)}, each once"
     for number, (line, parts) in sorted(found.items()):
         if number not in code:
-            yield f"{page}:{line}: no code says Oddity {number} where the rule is kept"
+            yield f"{page}:{line}: no code mentions Oddity {number}"
         if tuple(parts) != PARTS:
             yield f"{page}:{line}: oddity {number} has the parts {tuple(parts)}, expected {PARTS}"
         holders = re.findall(r"`([^`]+)`", parts.get("Held by", ""))
         if not holders:
-            yield f"{page}:{line}: nothing holds oddity {number}"
+            yield f"{page}:{line}: oddity {number} lists no test"
         for name in holders:
             if name not in tests:
-                yield f"{page}:{line}: oddity {number} is held by {name}, which is no test and no golden text"
+                yield f"{page}:{line}: oddity {number} lists {name}, which is neither a test nor a golden text"
     page = "docs/robustness.md"
     for name in re.findall(r"`(\w+Test(?:\.\w+)?)`", (folder / page).read_text()):
         if name not in tests:
-            yield f"{page}: {name} is no test"
+            yield f"{page}: {name} is not a test"
 
 
 if __name__ == "__main__":

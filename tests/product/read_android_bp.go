@@ -31,7 +31,7 @@ func valueOf(expression parser.Expression) interface{} {
 		}
 		return values
 	}
-	fail(fmt.Sprintf("%s: neither text nor truth value nor list", expression.Pos()))
+	fail(fmt.Sprintf("%s: expected a string, a bool or a list", expression.Pos()))
 	return nil
 }
 
@@ -53,7 +53,7 @@ func main() {
 		properties := map[string]interface{}{"kind": module.Type}
 		for _, property := range module.Properties {
 			if _, twice := properties[property.Name]; twice {
-				fail(fmt.Sprintf("%s: property %s a second time", property.NamePos, property.Name))
+				fail(fmt.Sprintf("%s: property %s is repeated", property.NamePos, property.Name))
 			}
 			properties[property.Name] = valueOf(property.Value)
 		}

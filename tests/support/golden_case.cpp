@@ -27,7 +27,7 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   GoldenImage image;
   char by = 0;
   if (in >> image.format; image.format == "none") return;
-  expect(in >> image.width >> by >> image.height && by == 'x', "a size is missing");
+  expect(in >> image.width >> by >> image.height && by == 'x', "expected WIDTHxHEIGHT");
   image.stride = image.format.compare(0, 3, "RAW") == 0 ? 2 * image.width : image.width;
   int times = 1;
   for (std::string word; in >> word;) {
@@ -36,7 +36,7 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
     } else if (word[0] == 'x') {
       times = std::stoi(word.substr(1));
     } else {
-      expect(word == "shared" || word == "hardware", "the memory is missing");
+      expect(word == "shared" || word == "hardware", "expected shared or hardware");
       image.hardware = word == "hardware";
     }
   }
@@ -91,7 +91,7 @@ void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, c
   if (!isReplacing) return golden.writes.push_back(write);
   const std::vector<std::string> names = namesOf(golden.writes);
   const auto at = std::find(names.begin(), names.end(), write.name);
-  expect(at != names.end(), "nothing to replace");
+  expect(at != names.end(), "no earlier write of this key to replace");
   GoldenWrite& replaced = golden.writes[static_cast<size_t>(at - names.begin())];
   write.name = replaced.name;
   replaced = write;
@@ -114,7 +114,7 @@ void readText(GoldenCase& golden, const std::string& name, std::string section) 
     } else if (section == "[after]") {
       golden.after.push_back(line);
     } else {
-      expect(section == "[writes]", "no section");
+      expect(section == "[writes]", "not in a known section");
       readWrite(golden, word, in, line);
     }
   });
@@ -126,12 +126,12 @@ void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& li
   if (line.text[0] == '=') {
     const std::string name = restOf(in);
     const size_t of = name.find(" of ");
-    expect(of != std::string::npos, "no base");
+    expect(of != std::string::npos, "expected = NAME of TEXT");
     variations.push_back(readGoldenCase(name.substr(of + 4)));
     variations.back().name = name;
     return;
   }
-  expect(!variations.empty(), "of no variation");
+  expect(!variations.empty(), "expected = NAME of TEXT first");
   if (line.text[0] == '>') {
     variations.back().expectations.push_back({restOf(in), line.file, line.number});
   } else {

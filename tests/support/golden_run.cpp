@@ -203,7 +203,7 @@ void compareWrites(std::vector<GoldenLine>& failures, const std::vector<GoldenWr
     const std::string before = i == 0 ? "nothing" : foundNames[i - 1];
     failures.push_back(failure(lineOf[before], "surplus: " + foundNames[i] + ' ' +
                                                    describeBytes("bytes", found[i].value.bytes) +
-                                                   ", written behind " + before));
+                                                   ", written after " + before));
   }
   for (size_t i = 0; failures.empty() && i < expected.size(); ++i) {
     if (foundNames[i] == expectedNames[i]) continue;
@@ -344,7 +344,7 @@ std::vector<GoldenLine> checkGoldenVariation(const GoldenCase& golden, const Gol
                                              const LogCapture& log) {
   if (golden.expectations.empty())
     return {
-        {golden.name + " expects nothing", "", 0}
+        {golden.name + " has no expectations", "", 0}
     };
   const Outcome outcome(run, log);
   std::vector<GoldenLine> failures;

@@ -33,7 +33,7 @@ struct JniTableFunctions {
       } inside;
       ++gTable->mCalls[name];
       if (gTable->mFailing.count(name) != 0) {
-        env->ThrowNew(env->FindClass("java/lang/OutOfMemoryError"), "as the test asks");
+        env->ThrowNew(env->FindClass("java/lang/OutOfMemoryError"), "planted by the test");
         return Result();
       }
       using Type = Result(Arguments...);

@@ -46,7 +46,7 @@ LogTexts::LogTexts() {
         operations = line.text;
         return;
       }
-      if (quote != 2 || line.text.back() != '"') throw std::runtime_error("neither D nor E before a text");
+      if (quote != 2 || line.text.back() != '"') throw std::runtime_error("expected D or E before a text");
       const std::string message = patternOf(line.text.substr(quote + 1, line.text.size() - quote - 2));
       std::istringstream names(operations);
       for (std::string operation; names >> operation;) {

@@ -26,7 +26,7 @@ class LogOfFailures : public testing::EmptyTestEventListener {
     const std::string text = test.result()->Failed() ? mLog.text() : "";
     if (text.empty()) return;
     const std::string end = lastLines(text, 30);
-    std::fprintf(stderr, "%s of %s.%s logged, as far as it was not captured:\n%s",
+    std::fprintf(stderr, "%s uncaptured log lines of %s.%s:\n%s",
                  end.size() < text.size() ? "The last" : "All", test.test_suite_name(), test.name(),
                  end.c_str());
     for (int i = 0; i < test.result()->total_part_count(); ++i) {
