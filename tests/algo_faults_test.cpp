@@ -206,7 +206,7 @@ TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// Java has destroyed the client, for example after a timeout; the library calls back later or never.
+// The library calls back after Java has destroyed the client, for example after a timeout.
 TEST_F(AlgoFaultsTest, CallsBackWhenItsClientIsGone) {
   test::CallbackRecorder recorder;
   mAlgo.script.callbacks = 0;

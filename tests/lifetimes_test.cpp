@@ -100,7 +100,7 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   }
 }
 
-// Java is not notified. Only the client's destruction finishes the request, or Java if it knows the id from
+// Java is not notified. The client's destruction must finish the request, or Java if it knows the id from
 // elsewhere.
 TEST_F(LifetimesTest, AnAnnouncementFails) {
   mAlgo.script.callbacks = 0;

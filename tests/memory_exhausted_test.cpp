@@ -1,4 +1,4 @@
-// Makes each allocation of this library fail, one at a time. The native method may then fail, but must not
+// Makes each allocation of this library fail, one at a time. A native method may then fail, but must not
 // throw into the VM or leak.
 
 #include <android/log.h>

@@ -143,7 +143,7 @@ TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
   EXPECT_EQ(kept, recordings("few"));
 }
 
-// Properties of the platform, set by `adb shell setprop`, apply if Java's are not set.
+// Properties of the platform, set by `adb shell setprop`, apply if the Java properties are not set.
 TEST_F(RequestRecorderTest, PropertiesSwitchItOn) {
   const auto set = [](const char* clazz, const char* signature, const char* name, const std::string& value) {
     test::callStatic(clazz, clazz[0] == 'a' ? "set" : "setProperty", signature, test::javaString(name),

@@ -43,7 +43,7 @@ using Handles = hidl_vec<hidl_handle>;
 constexpr int kInvalid = -22;
 // Size of a JPEG, larger than any output of a test.
 constexpr int32_t kOversized = 1 << 24;
-// More than the ten seconds that a request waits.
+// Longer than the ten seconds that a request waits.
 constexpr std::chrono::seconds kLate{11};
 
 // Result that belongs to the first request of a burst, stored in all requests.

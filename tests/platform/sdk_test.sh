@@ -40,7 +40,7 @@ fails() {
   grep -qE -- "$text" "$work/report" || { cat "$work/report"; die "not found: $text"; }
 }
 
-# change EXPRESSION FILE: edits a file with sed; fails if nothing changes, since nothing would be broken.
+# change EXPRESSION FILE: edits a file with sed; fails if sed changes nothing.
 change() {
   sed -i.before "$1" "$2"
   ! cmp -s "$2" "$2.before" || die "$2: nothing matches $1"

@@ -4,7 +4,7 @@
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
 OBJECT  code for a phone, compiled but not linked
-FOLDER  headers of the platform, which defines all functions that they declare
+FOLDER  headers of the platform; it defines all functions that they declare
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
 --others   additional symbols, each with its library

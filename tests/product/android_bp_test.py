@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Compares Android.bp, which cannot be built here, with CMake's targets.
 
-android_bp_test.py ANDROID_BP GENERATED MODULE=SOURCE;SOURCE... (relative to the file's folder)
-GENERATED is the folder of the tables that CMake makes for the kit.
+android_bp_test.py ANDROID_BP GENERATED MODULE=SOURCE;SOURCE...
+SOURCE is relative to the folder of ANDROID_BP. GENERATED is the folder of the tables that CMake makes for the
+kit.
 android_bp_test.py --read ANDROID_BP    prints the parsed file, like read_android_bp.go
 """
 

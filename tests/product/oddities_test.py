@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares docs/oddities.md with the code: each number in the code has a paragraph, the code that follows a
-paragraph mentions its number, and the tests that it lists exist. So must the tests of docs/robustness.md.
+"""Compares docs/oddities.md with the code: each "Oddity N" in the code has a paragraph, each paragraph's number
+is in the code, and the tests that a paragraph lists exist. The tests in docs/robustness.md must exist too.
 
 oddities_test.py PROJECT_FOLDER
 """

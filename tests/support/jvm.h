@@ -18,8 +18,8 @@ bool startCheckedJvm(const std::vector<std::string>& jars);
 bool jvmIsQuiet();
 
 JavaVM* javaVm();
-// The environment of the calling thread, which started the VM or has an AttachedThread. Null on other
-// threads.
+// Returns the environment of the calling thread, or null unless the thread started the VM or has an
+// AttachedThread.
 JNIEnv* env();
 
 // Attaches the calling thread while this object lives.

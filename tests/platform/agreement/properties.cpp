@@ -1,4 +1,5 @@
-// The maximum lengths of names and values are defined by the C library, which is not the platform's here.
+// The maximum lengths of names and values are not compared: they belong to the C library, which is not the
+// platform's here.
 #include <cutils/properties.h>
 
 #undef PROPERTY_KEY_MAX
