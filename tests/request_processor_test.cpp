@@ -130,7 +130,7 @@ TEST_F(ServiceTest, CarriesAFullAsyncRequest) {
   EXPECT_TRUE(test::Algo::waitIdle(60'000));
   const std::string report = recorder.reports();
   const std::string expected = "-1 -1 5 nativeRequestAddr=Long ";
-  ASSERT_EQ(expected, report.substr(0, expected.size())) << "a client without ids has -1 -1";
+  ASSERT_EQ(expected, report.substr(0, expected.size())) << "a client without ids reports -1 and -1";
   putKey(mCompositions[0], "nativeRequestAddr", javaLong(std::stoll(report.substr(expected.size()))));
   EXPECT_EQ(
       0, callInt("processImageUpdateResult", kFourObjects, inst, request, mInputs, mOutputs, compositions));
