@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Compares docs/oddities.md with the code: each "Oddity N" in the code has a paragraph, each paragraph's number
-is in the code, and the tests that a paragraph lists exist. The tests in docs/robustness.md must exist too.
+"""Compares docs/oddities.md with the code: each "Oddity N" in the code has a paragraph, each paragraph's
+number is in the code, and the tests that a paragraph lists exist. The tests in docs/robustness.md must exist
+too.
 
 oddities_test.py PROJECT_FOLDER
 """
