@@ -66,7 +66,7 @@ def mistakes(folder):
             yield f"{page}:{line}: oddity {number} lists no test"
         for name in holders:
             if name not in tests:
-                yield f"{page}:{line}: oddity {number} lists {name}, which is neither a test nor a golden text"
+                yield f"{page}:{line}: oddity {number} lists {name}, neither a test nor a golden text"
     page = "docs/robustness.md"
     for name in re.findall(r"`(\w+Test(?:\.\w+)?)`", (folder / page).read_text()):
         if name not in tests:
