@@ -7,7 +7,7 @@ import java.util.Arrays;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Records what the native side reports while it listens. */
+/** Records the callbacks of the native side between listen() and stop(). */
 public final class CallbackRecorder implements CallbackListener {
     private final StringBuilder mReports = new StringBuilder();
     private boolean mThrows;
@@ -33,12 +33,12 @@ public final class CallbackRecorder implements CallbackListener {
         mReports.append('\n');
     }
 
-    /** One line for each report so far: client, context, request, and the map's entries with their types. */
+    /** Returns a line for each callback: client, context, request, and the map's entries with types. */
     public synchronized String reports() {
         return mReports.toString();
     }
 
-    /** Sets whether further reports are answered by an exception. */
+    /** Sets whether further callbacks throw an exception. */
     public synchronized void setThrows(boolean isThrowing) {
         mThrows = isThrowing;
     }

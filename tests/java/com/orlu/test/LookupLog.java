@@ -2,7 +2,7 @@ package com.orlu.test;
 
 import android.hardware.camera2.impl.LookupListener;
 
-/** Keeps the last look-up as text: "TAG: Long of Integer, refused". */
+/** Stores the last look-up as text: "TAG: Long of Integer, refused" if an Integer was read as a Long. */
 public final class LookupLog implements LookupListener {
     private String mText = "";
 

@@ -2,7 +2,7 @@ package com.orlu.test;
 
 import java.util.HashMap;
 
-/** A map that rejects every entry. */
+/** A map whose put() throws. */
 public final class ThrowingMap extends HashMap<Object, Object> {
     private static final long serialVersionUID = 1;
 

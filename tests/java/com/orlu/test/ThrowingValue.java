@@ -4,7 +4,7 @@ package com.orlu.test;
 public final class ThrowingValue {
     private final String mWhat;
 
-    /** What toString() throws: "exception", "memory" or "stack". */
+    /** Selects what toString() throws: an "exception", or the error for exhausted "memory" or "stack". */
     public ThrowingValue(String what) {
         mWhat = what;
     }

@@ -60,8 +60,8 @@ public final class ValuesTest {
     @Test
     public void wrapsLines() {
         String word = "x".repeat(54);
-        // A line of 110 columns is not wrapped; a word that exceeds it moves to the next line, and a longer
-        // word is not cut.
+        // A line of 110 columns is not wrapped. A word that ends after column 110 moves to the next line; a
+        // word that is longer than a line is not cut.
         String[][] rows = {
             {word + " " + word, "  " + word + "\n      " + word + "\n"},
             {word + " " + "y".repeat(53), "  " + word + " " + "y".repeat(53) + "\n"},

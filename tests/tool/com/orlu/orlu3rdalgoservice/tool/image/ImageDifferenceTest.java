@@ -12,19 +12,20 @@ import java.util.Arrays;
 
 /** Tests the differences reported for two images with different bytes. */
 public final class ImageDifferenceTest {
-    /** Any larger PSNR counts as this. */
+    /** PSNR is capped at this value, dB. */
     private static final double MOST = 100;
-    // Format, width, height, stride, bytes, the changed byte, the change; first row, most, PSNR.
+    // Format, width, height, stride, size, offset of the changed byte, its change; then the first row that
+    // differs, the largest difference, and the PSNR.
     private static final Object[][] ROWS = {
         {"NV21", 4, 4, 4, 24, 9, 3, 2, 3, 50.6},
         {"NV21", 4, 4, 4, 24, 15, 100, 3, 100, 20.2},
         {"NV21", 4, 4, 6, 36, 4, 9, -1, 0, MOST},
-        // Chroma changes two rows; luma changes only by rounding.
+        // A chroma sample covers two rows, and changes luma only by rounding.
         {"NV21", 4, 4, 4, 24, 20, 10, 2, 15, MOST},
         {"YV12", 4, 4, 4, 24, 22, 10, 2, 18, MOST},
         {"R8G8B8A8", 2, 2, 8, 16, 13, 51, 1, 51, 24.6},
         {"R8G8B8A8", 2, 2, 8, 16, 7, 51, -1, 0, MOST},
-        // The bit depth is that of the largest sample, but at least eight.
+        // The bit depth is that of the largest sample, at least eight.
         {"RAW16", 2, 2, 4, 8, 7, 1, 1, 128, 12.0},
         {"RAW16", 2, 2, 4, 8, 0, 17, 0, 17, 29.5},
         {"MIPI_RAW10", 4, 2, 5, 10, 9, 3, 1, 3, 47.7},
@@ -72,7 +73,7 @@ public final class ImageDifferenceTest {
             assertNull(Arrays.toString(row), ImageDifference.of((String) row[0], (int) row[1],
                     (int) row[2], (int) row[3], bytes, bytes));
         }
-        // With an odd size the last chroma pair is cut: it is read if the memory has it, or not at all.
+        // With odd sides, the memory may lack the last chroma pair, which must then not be read.
         for (int height = 3; height < 6; ++height) {
             byte[] bytes = new byte[5 * height + 5 * height / 2];
             ImageDifference.of("NV21", 5, height, 5, bytes, bytes);

@@ -64,7 +64,7 @@ public final class PixelsTest {
 
     @Test
     public void writesEachFormat() {
-        // The luma of red is 4c, of green 96, of blue 1d; their blue chroma is 55, 2c, ff, their red chroma
+        // Red, green and blue have the luma 4c, 96, 1d, the blue chroma 55, 2c, ff, and the red chroma
         // ff, 15, 6b.
         String luma = "4c4c9696 4c4c9696 1d1dffff 1d1dffff";
         String padded = "4c4c9696eeee 4c4c9696eeee 1d1dffffeeee 1d1dffffeeee";
@@ -116,7 +116,7 @@ public final class PixelsTest {
     public void packsRawSamples() {
         int[] samples = {0x3FF, 0x001, 0x2A2, 0x1C3, 0x004, 0x155, 0x3A8, 0x20F};
         Object[][] rows = {
-            // The lower two bits of all four are in the fifth byte, the first sample's lowest.
+            // The fifth byte contains the lower two bits of all four samples, the first sample's lowest.
             {PixelFormat.MIPI_RAW10, 10, 8, 12, "ff00a870e7 0155ea83c4 eeee"},
             {PixelFormat.RAW16, 16, 8, 18, "ff030100a202c301 04005501a8030f02 eeee"},
             {PixelFormat.RAW_SENSOR, 12, 4, 0, "ff030100a202c301 04005501a8030f02"},
@@ -222,7 +222,8 @@ public final class PixelsTest {
 
     @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
-        // Rows of random dots, each shifted by 5 pixels against the one above; wider than a page shows.
+        // Rows of random dots, each shifted by 5 pixels from the row above. The picture is wider than the
+        // largest picture of a page.
         Random random = new Random(3);
         float[] dots = new float[4200 + 5 * 901];
         for (int i = 0; i < dots.length; ++i) {

@@ -6,7 +6,7 @@ import org.junit.Test;
 
 import java.util.List;
 
-/** Tests which values of a cut line are kept. */
+/** Tests which values of a truncated line are kept. */
 public final class DumpParserTest {
     @Test
     public void dropsAValueThatMayHaveLostDigits() {

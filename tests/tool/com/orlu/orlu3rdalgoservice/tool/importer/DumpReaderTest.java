@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.nio.file.Path;
 import java.util.List;
 
-/** Tests the tags that a dump's entry becomes, and which values count as damaged. */
+/** Tests which tag an entry of a dump becomes, and which entries and values are dropped. */
 public final class DumpReaderTest {
     @Test
     public void takesAnEntryOrSaysWhyNot() {

@@ -12,7 +12,7 @@ import java.util.stream.Collectors;
 
 import org.junit.Test;
 
-/** Tests which calls breach the contract, by their events. */
+/** Tests which recorded calls breach the contract. */
 public final class ContractTest {
     private static final String CLIENT = "begin 1 createClient\nend 1 createClient 'result': '0x100'\n";
     private static final String BLOCK =
@@ -32,7 +32,7 @@ public final class ContractTest {
     private static final String VISIT =
             "begin 7 visit 'tid': %d, 'of': 6, 'section': 'orlu.algo.control', 'key': '%s', 'size': %d\n";
 
-    /** A line for each event: "begin N OP", "end N OP", and further fields. */
+    /** Parses events, one a line: "begin N OP", "end N OP", and further fields. */
     private static List<Event> events(String text) {
         List<Event> events = new ArrayList<>();
         text.lines().forEach(line -> {
@@ -106,7 +106,7 @@ public final class ContractTest {
             {SUBMITTED + ENDED + "begin 10 destroyMetadata 'block': '0x1000'", ""},
             {SUBMITTED.replace("'result': 0\n", "'result': -22\n")
                     + "begin 4 destroyMetadata 'block': '0x1000'", ""},
-            // A camera block, which is the second one, may go as soon as process has returned.
+            // The second block, the camera's, may be destroyed as soon as process has returned.
             {BLOCK + "begin 3 process " + RECORD.replace("[{", "[{'block': '0x0'}, {")
                     + "\nbegin 4 destroyMetadata 'block': '0x1000'", "SERVICE block-in-use 4"},
             {SUBMITTED.replace("[{", "[{'block': '0x0'}, {")
@@ -120,19 +120,20 @@ public final class ContractTest {
     @Test
     public void letsAddressesAndCallbacksOverlap() {
         String[] rows = {
-            // Another thread is given the address before the destruction is seen to return.
+            // Another thread gets the same address before the recorded end of the destruction.
             BLOCK + "begin 3 destroyMetadata 'block': '0x1000'\nbegin 4 createMetadata\n"
                     + "end 4 createMetadata 'result': '0x1000'\nend 3 destroyMetadata\n"
                     + "begin 5 getSize 'block': '0x1000'\n",
             CLIENT + "begin 2 destroyClient 'client': '0x100'\nbegin 3 createClient\n"
                     + "end 3 createClient 'result': '0x100'\nend 2 destroyClient\n"
                     + "begin 4 flush 'client': '0x100'\n",
-            // Callbacks during process and during destroyClient, which may use the client.
+            // A callback may come during process, or during destroyClient: it may still use the client then.
             BLOCK + "begin 3 process " + RECORD + "\nbegin 4 " + CALLED + "end 3 process 'result': 0\n"
                     + "begin 5 destroyMetadata 'block': '0x1000'\n",
             SUBMITTED + "begin 4 destroyClient 'client': '0x100'\nbegin 5 " + CALLED
                     + "begin 6 flush 'client': '0x100'\nend 4 destroyClient\n",
-            // A request takes the id of one that is over, or of one that nobody waits for any more.
+            // A request reuses the id of a finished request, or of a timed-out request, whose callback may
+            // still arrive.
             SUBMITTED + "begin 4 " + CALLED + "begin 5 process " + RECORD
                     + "\nend 5 process 'result': 0\nbegin 6 " + CALLED,
             SUBMITTED + "begin 5 process " + RECORD + "\nend 5 process 'result': 0\nbegin 6 " + CALLED

@@ -12,11 +12,11 @@ import java.util.List;
 
 import org.junit.Test;
 
-/** Tests who is blamed for a dead process, by its events, exit status and the VM's report. */
+/** Tests the reason given for a process's death, by its events, its exit status and the VM's crash report. */
 public final class CrashTest {
     private static final String LOAD = "begin 1 load 'path': '/a.so'\nend 1 load\n";
 
-    /** A line for each event: "begin N OP", "end N OP", and further fields. */
+    /** Parses events, one a line: "begin N OP", "end N OP", and further fields. */
     private static RecordedEvents events(String text) {
         RecordedEvents events = new RecordedEvents();
         text.lines().forEach(line -> {

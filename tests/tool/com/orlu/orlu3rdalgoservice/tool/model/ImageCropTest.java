@@ -45,8 +45,8 @@ public final class ImageCropTest {
         return bytes;
     }
 
-    // Format; strides, plane sizes and bytes before; the area; strides, plane sizes and bytes after. All
-    // images are 8x4, and padding is 00.
+    // Format; row strides, plane sizes and total size before; area; row strides, plane sizes and bytes after.
+    // The images are 8x4 pixels before. Padding becomes 00.
     private static final Object[][] ROWS = {
         {"R8G8B8A8", "[32]", "[128]", 128, "4,0,4,2", "[16]", "[32]",
             "101112131415161718191a1b1c1d1e1f 303132333435363738393a3b3c3d3e3f"},
@@ -57,10 +57,10 @@ public final class ImageCropTest {
         {"YU12", "[8,4]", "[32,16]", 48, "4,0,4,2", "[4,2]", "[8,4]", "04050607 0c0d0e0f 2223 2a2b"},
         {"YV12", "[10,5]", "[40,20]", 60, "4,2,4,2", "[6,3]", "[12,6]",
             "18191a1b0000 222324250000 2f3000 393a00"},
-        // Rows and bytes of padding after the luma, the chroma and everything.
+        // Padding after the luma (a row), the chroma (4 bytes) and the last plane (4 bytes).
         {"NV21", "[8,8]", "[40,20]", 64, "4,2,4,2", "[4,4]", "[16,8]",
             "14151617 1c1d1e1f 0000000000000000 34353637 00000000 00000000"},
-        // With only one stride given, that of planar chroma is half of it.
+        // Without a chroma stride, planar chroma has half the luma stride.
         {"YU12", "[8]", "[32]", 48, "4,2,4,2", "[4]", "[8]", "14151617 1c1d1e1f 2627 2e2f"},
         // The last row lacks its padding.
         {"RAW16", "[20]", "[76]", 76, "0,2,4,2", "[12]", "[20]", "28292a2b2c2d2e2f00000000 3c3d3e3f40414243"},
@@ -127,7 +127,7 @@ public final class ImageCropTest {
 
     @Test
     public void placesAreas() {
-        // The argument, the image's size, and the area in it; after "!", the end of the error message.
+        // Argument, image size, and resulting area; after "!", a part of the error message instead.
         String[][] rows = {
             {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
             {"8,6", "8x6", "8x6 from 0,0"},

@@ -9,7 +9,7 @@ import org.junit.Rule;
 import org.junit.Test;
 import org.junit.rules.TemporaryFolder;
 
-/** Tests how far a file of events with flipped bits is read. */
+/** Tests how many events are read from a file with flipped bits. */
 public final class RunFolderTest {
     private static final String WHOLE =
             "{\"event\":\"end\",\"n\":3,\"op\":\"createClient\",\"result\":\"0x7f\"}\n";
@@ -22,7 +22,7 @@ public final class RunFolderTest {
         Object[][] rows = {
             {2, "{\"event\":\"end\",\"n\":4,\"result\":-1,\"bytes\":null}"},
             {2, "{\"event\":\"begin\",\"n\":4,\"bytes\":\"0aff\",\"algoList\":[\"hdr\"]}"},
-            // A field of a wrong type reads as an absent one.
+            // A field of a wrong type counts as absent.
             {2, "{\"event\":\"begin\",\"n\":4,\"bytes\":\"0agf\"}"},
             {2, "{\"event\":\"begin\",\"bytes\":\"0af\",\"n\":\"0xx4\",\"op\":{\"a\":1}}"},
             {2, "{\"event\":\"end\",\"result\":[1,2],\"algoList\":\"hdr\"}"},

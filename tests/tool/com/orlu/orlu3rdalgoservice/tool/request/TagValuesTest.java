@@ -45,7 +45,7 @@ public final class TagValuesTest {
                 ? "%d,%d,%d,%d".formatted(rect.left, rect.top, rect.right, rect.bottom) : "" + value;
     }
 
-    // The rows omit the quotes of names.
+    // The rows omit the quotes around names.
     private static String quoted(String json) {
         return json.replace('\'', '"').replaceAll("([{ ])([a-z0-9]+):", "$1\"$2\":");
     }
@@ -90,7 +90,7 @@ public final class TagValuesTest {
             {"{int: 1, long: 1}", "refused"}, {"{word: 1}", "refused"}, {"5", "refused"},
             {"{rect: [1, 2, 3, 4]}", "Rect 1,2,3,4"},
             {"{rect: {left: 1, top: 2, right: 3, bottom: 4}}", "Rect 1,2,3,4"},
-            // A face without a score is certain, an area without a weight has the highest.
+            // A face without a score gets 100; a region without a weight gets 1000.
             {"{faces: [[1, 2, 3, 4], {left: 1, top: 2, right: 3, bottom: 4, score: 7}]}",
                 "Face[] 1,2,3,4/100 1,2,3,4/7"},
             {"{faces: [{left: 1, top: 2, right: 3, bottom: 4, score: 101}]}", "refused"},

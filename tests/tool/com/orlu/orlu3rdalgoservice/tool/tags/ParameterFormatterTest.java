@@ -56,13 +56,13 @@ public final class ParameterFormatterTest {
             {ParameterType.DOUBLES, "000000000000f03f 000000000000e0bf", "[1, -0.5]", "[1.0,-0.5]"},
             {ParameterType.BITS, "01000000000000800f00000000000000", "[0x8000000000000001, 0xf]",
                 "\"[0x8000000000000001, 0xf]\""},
-            // Two equal values are listed; three are a run.
+            // Two equal values are listed; three are abbreviated.
             {ParameterType.INTS, "07000000".repeat(2), "[7, 7]", "[7,7]"},
             {ParameterType.INTS, "05000000" + "07000000".repeat(3), "[5, 7 x 3]", "[5,7,7,7]"},
             {ParameterType.COUNT, "09000000 ffffffff", "9", "9"},
             {ParameterType.TEXT, "6162 00 63", "\"ab\"", "\"ab\""},
             {ParameterType.TEXT, "c3a4", "\"\u00e4\"", "\"\u00e4\""},
-            // A float's bits, read as an int, are many hours.
+            // Bytes that would be many hours as an int are read as a float.
             {ParameterType.MILLISECONDS, "10270000", "10000", "\"10000\""},
             {ParameterType.MILLISECONDS, "ffffffff", "-1", "\"-1\""},
             {ParameterType.MILLISECONDS, "ffffff7f", "2147483647", "\"2147483647\""},
@@ -141,7 +141,7 @@ public final class ParameterFormatterTest {
                 + "focal length 5.4 mm, in 35 mm %s, flash mode 10, flash state %s, AWB mode 12, "
                 + "scene mode 13, AE mode 14, AE compensation 15 steps of 34/35, filter 16 intensity 0.25 "
                 + "mask 18, timestamp 77, location %s";
-        // The offsets of the flags, and what each flag hides.
+        // Offset of the cleared flag, -1 for none, and the fields that depend on flags.
         Object[][] rows = {
             {-1, "2", "26.5", "33", "47.5, -122.25, altitude 30, time 1700000000000"},
             {12, "none", "26.5", "33", "47.5, -122.25, altitude 30, time 1700000000000"},

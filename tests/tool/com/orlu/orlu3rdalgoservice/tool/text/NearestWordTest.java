@@ -17,12 +17,12 @@ public final class NearestWordTest {
             // Letters omitted, inserted, changed, swapped; case is ignored.
             {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
             {"FRAMES", "frames"}, {"fullasync", "fullAsync"}, {"farmes", "frames"}, {"Ipnuts", "inputs"},
-            // A third of the letters may be wrong, but none of two.
+            // A third of the letters may be wrong, rounded down: none of two letters.
             {"frxxes", "frames"}, {"fxxxes", null}, {"ix", null}, {"ID", "id"}, {"bist", "bits"},
             {"btsi", null},
-            // The prefix of a word, at least three letters.
+            // A prefix of at least three letters.
             {"ful", "fullAsync"}, {"fu", null}, {"outp", "outputs"},
-            // A tag without its section, or with another.
+            // A tag without its section, or with a wrong section.
             {"timestamp", "android.sensor.timestamp"}, {"timestmap", "android.sensor.timestamp"},
             {"android.lens.exposureTime", "android.sensor.exposureTime"},
             {"orlu.control.curentModeEx", "orlu.control.currentModeEx"},

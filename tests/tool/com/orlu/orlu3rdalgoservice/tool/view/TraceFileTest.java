@@ -27,7 +27,7 @@ public final class TraceFileTest {
 
     @Test
     public void nestsSlices() {
-        // "name start end" of slices in one lane, and the written lane; times start at 1000.
+        // Slices of one lane as "name start end", and the lane as written. The trace starts at 1000.
         String[][] rows = {
             {"a 1000 3500", "X a 7 0.0+2.5"},
             {"b 2000 3000, a 1000 4000", "X a 7 0.0+3.0; X b 7 1.0+1.0"},
