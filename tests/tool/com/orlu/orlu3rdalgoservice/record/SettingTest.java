@@ -16,7 +16,7 @@ public final class SettingTest {
     }
 
     @Test
-    public void platformIsAskedWhereJavaHasNone() {
+    public void platformPropertyIsTheFallback() {
         Map<String, String> platform = Map.of("persist.vendor." + NAME, "phone");
         assertEquals("phone", Setting.get(NAME, name -> platform.getOrDefault(name, "")));
         System.setProperty(NAME, "java");
@@ -24,12 +24,12 @@ public final class SettingTest {
     }
 
     @Test
-    public void workstationHasNone() {
+    public void missingSettingIsEmpty() {
         assertEquals("", Setting.get(NAME));
     }
 
     @Test
-    public void numbersAreTaken() {
+    public void invalidNumbersYieldTheDefault() {
         assertEquals(16, Setting.number(NAME, 16));
         for (String wrong : new String[] {"few", "-1", "0", "99999999999999999999"}) {
             System.setProperty(NAME, wrong);

@@ -41,8 +41,8 @@ public final class ImageDifferenceTest {
             ImageDifference difference = ImageDifference.of(
                     (String) row[0], (int) row[1], (int) row[2], (int) row[3], one, other);
             String name = row[0] + ", byte " + row[5];
-            assertEquals(name + ", row", row[7], difference.firstRow());
-            assertEquals(name + ", most", row[8], difference.most());
+            assertEquals(name + ", first row", row[7], difference.firstRow());
+            assertEquals(name + ", largest difference", row[8], difference.most());
             assertEquals(name + ", PSNR", (double) row[9], Math.min(MOST, difference.psnr()), 0.1);
         }
     }
@@ -60,7 +60,7 @@ public final class ImageDifferenceTest {
     }
 
     @Test
-    public void takesNoDescriptionThatIsOff() {
+    public void returnsNullForInvalidDescriptions() {
         Object[][] rows = {
             {"NV99", 4, 4, 4, 24}, {"NV21", 4, 4, 4, 23}, {"NV21", 0, 4, 4, 24}, {"NV21", 4, 0, 4, 24},
             {"JPEG", 4, 4, 4, 24}, {"MIPI_RAW10", 8, 2, 10, 19}, {"RAW16", 2, 2, 4, 7},

@@ -10,7 +10,7 @@ import org.junit.Test;
 /** Tests which descriptions from an algorithm library are rejected. */
 public final class OutputReaderTest {
     @Test
-    public void refusesRowsThatHoldNoPixels() {
+    public void rejectsRowsShorterThanTheirPixels() {
         Object[][] rows = {
             {PixelFormat.NV21, 8, 8, ""},
             {PixelFormat.NV21, 8, 12, ""},

@@ -206,11 +206,11 @@ public final class PixelsTest {
     }
 
     @Test
-    public void takesPicturesOfAnyDepth() {
+    public void readsPicturesOfAnyDepth() {
         BufferedImage grey = new BufferedImage(2, 1, BufferedImage.TYPE_USHORT_GRAY);
         grey.getRaster().setSample(0, 0, 0, 0x8080);
         grey.getRaster().setSample(1, 0, 0, 0xFFFF);
-        assertEquals("gray is no linear light", "808080 ffffff", text(new ImageRows(grey)));
+        assertEquals("gray samples are not linear light", "808080 ffffff", text(new ImageRows(grey)));
         BufferedImage bits = new BufferedImage(2, 1, BufferedImage.TYPE_BYTE_BINARY);
         bits.setRGB(1, 0, 0xFFFFFF);
         assertEquals("000000 ffffff", text(new ImageRows(bits)));

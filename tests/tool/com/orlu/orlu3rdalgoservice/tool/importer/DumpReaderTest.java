@@ -12,7 +12,7 @@ import java.util.List;
 /** Tests which tag an entry of a dump becomes, and which entries and values are dropped. */
 public final class DumpReaderTest {
     @Test
-    public void takesAnEntryOrSaysWhyNot() {
+    public void importsAnEntryOrNotesWhyNot() {
         String sizes = "android.scaler.cropRegion (d0000): int32[4]";
         String gain = "android.sensor.sensitivity (e0002): int32[1]";
         String bytes = "orlu.feedback.sensor_pdaf_info (1): byte[2]";

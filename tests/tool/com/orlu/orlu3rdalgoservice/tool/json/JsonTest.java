@@ -68,7 +68,7 @@ public final class JsonTest {
     }
 
     @Test
-    public void limitsWhatAForeignTextCosts() {
+    public void limitsTheCostOfForeignText() {
         assertEquals("f:1:66: expected at most 64 levels of nesting, found more",
                 problem("[".repeat(65) + "1" + "]".repeat(65)));
         assertNull(problem("[".repeat(64) + "]".repeat(64)));

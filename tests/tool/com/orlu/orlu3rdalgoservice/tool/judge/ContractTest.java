@@ -118,7 +118,7 @@ public final class ContractTest {
     }
 
     @Test
-    public void letsAddressesAndCallbacksOverlap() {
+    public void allowsReusedAddressesAndLateCallbacks() {
         String[] rows = {
             // Another thread gets the same address before the recorded end of the destruction.
             BLOCK + "begin 3 destroyMetadata 'block': '0x1000'\nbegin 4 createMetadata\n"
@@ -150,7 +150,7 @@ public final class ContractTest {
     }
 
     @Test
-    public void reportsABreachOfEachPart() {
+    public void reportsBreachesSinceTheLastCheck() {
         Contract contract = new Contract();
         assertEquals("", breaches(contract.check(events(SUBMITTED + "begin 4 " + CALLED))));
         assertEquals("LIBRARY finished-request 5", breaches(contract.check(events("begin 5 " + CALLED))));

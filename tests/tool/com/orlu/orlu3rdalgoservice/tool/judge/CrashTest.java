@@ -63,7 +63,7 @@ public final class CrashTest {
     }
 
     @Test
-    public void knowsWhenALibraryCantBeUsed() {
+    public void detectsUnusableLibraries() {
         Object[][] rows = {
             {"begin 1 load", Verdict.UNUSABLE}, {LOAD + "begin 2 entry", Verdict.UNUSABLE},
             {LOAD + "begin 2 createClient", Verdict.UNUSABLE}, {LOAD + "begin 2 init", Verdict.UNUSABLE},
@@ -85,8 +85,8 @@ public final class CrashTest {
         }
         String report = new Crash(events(lines.toString()), 139, "the VM's").report();
         String last = report.substring(report.indexOf("\nThe last events:\n"));
-        assertEquals("the last forty events", 40, last.lines().filter(line -> line.startsWith("{")).count());
-        assertEquals("all that are open", 48 + 40,
+        assertEquals("the last 40 events", 40, last.lines().filter(line -> line.startsWith("{")).count());
+        assertEquals("all operations in progress, and the last events", 48 + 40,
                 report.lines().filter(line -> line.startsWith("{")).count());
         assertTrue(report, report.endsWith("the VM's"));
         assertFalse(last, last.contains("\"n\":9,"));

@@ -67,7 +67,7 @@ public final class ImageCropTest {
     };
 
     @Test
-    public void keepsTheArea() {
+    public void cropsToTheArea() {
         for (Object[] row : ROWS) {
             String name = row[0] + " " + row[1] + row[2];
             ImageLayout image =
@@ -81,7 +81,7 @@ public final class ImageCropTest {
             assertEquals(name + ", bytes", HexFormat.of().formatHex(wanted),
                     HexFormat.of().formatHex(crop.bytes(offsets((int) row[3]))));
             assertEquals(name, "4x2", cropped.width() + "x" + cropped.height());
-            assertEquals("the larger one stays as it is", 8, image.width());
+            assertEquals("the original is unchanged", 8, image.width());
         }
     }
 
@@ -100,7 +100,7 @@ public final class ImageCropTest {
     }
 
     @Test
-    public void refusesWhatMakesNoSense() {
+    public void rejectsInvalidImages() {
         Object[][] rows = {
             {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: it has rows of unknown size"},
             {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: it has rows of unknown size"},

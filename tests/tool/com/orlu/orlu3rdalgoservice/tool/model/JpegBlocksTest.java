@@ -21,13 +21,13 @@ public final class JpegBlocksTest {
         {"further bytes", "ffd8" + SCAN + "ffd9 ffd8 41", "ffd8" + SCAN + "ffd9 0000 00"},
         {"bytes between blocks", "ffd8" + TABLE + "4141" + SCAN + "ffd9",
             "ffd8" + TABLE + "0000" + SCAN + "ffd9"},
-        {"more than one first byte", "ffd8 ffffe1 0003 41" + SCAN + "ffd9",
+        {"a repeated first byte", "ffd8 ffffe1 0003 41" + SCAN + "ffd9",
             "ffd8 ffffe1 0003 00" + SCAN + "ffd9"},
         {"a thumbnail", "ffd8 ffe0 0013" + JFIF + "0101 414141" + SCAN + "ffd9",
             "ffd8 ffe0 0013" + JFIF + "0000 000000" + SCAN + "ffd9"},
         {"another first block", "ffd8 ffe0 0008 4a4658580041" + SCAN + "ffd9",
             "ffd8 ffe0 0008 000000000000" + SCAN + "ffd9"},
-        {"a block that is cut", "ffd8 ffe1 0040 4141", "ffd8 ffe1 0040 0000"},
+        {"a truncated block", "ffd8 ffe1 0040 4141", "ffd8 ffe1 0040 0000"},
         {"a block without length", "ffd8 ffe1 00", "ffd8 ffe1 00"},
         {"a block of length 0", "ffd8 ffe1 0000 41ffd9 41", "ffd8 ffe1 0000 00ffd9 00"},
     };
@@ -48,7 +48,7 @@ public final class JpegBlocksTest {
     }
 
     @Test
-    public void returnsOtherBytesAsTheyAre() {
+    public void returnsOtherBytesUnchanged() {
         for (String plain : PLAIN) {
             byte[] bytes = bytes(plain);
             assertSame(plain, bytes, JpegBlocks.blank(bytes));

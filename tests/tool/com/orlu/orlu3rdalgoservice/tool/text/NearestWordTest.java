@@ -12,7 +12,7 @@ public final class NearestWordTest {
             "android.sensor.timestamp", "android.sensor.exposureTime", "orlu.control.currentModeEx", "bits");
 
     @Test
-    public void meetsMistypedWords() {
+    public void findsTheNearestWord() {
         String[][] rows = {
             // Letters omitted, inserted, changed, swapped; case is ignored.
             {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
@@ -32,7 +32,7 @@ public final class NearestWordTest {
         for (String[] row : rows) {
             assertEquals(row[0], row[1], NearestWord.of(row[0], WORDS));
         }
-        assertEquals("the first of two as near", "bat", NearestWord.of("bxt", List.of("bat", "bit")));
+        assertEquals("the first of two equally near", "bat", NearestWord.of("bxt", List.of("bat", "bit")));
         assertEquals(" (did you mean bits?)", NearestWord.question("bit", WORDS));
         assertEquals("", NearestWord.question("nothing", WORDS));
     }
