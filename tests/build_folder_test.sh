@@ -54,7 +54,7 @@ presets ANSWER=2
 builds ''
 answers 2
 
-# An older file replaces a newer one, under another name.
+# An older file replaces a newer one, and is then renamed.
 echo 'int main() { return 3; }' >"$folder/older.cpp"
 touch -d '2 days ago' "$folder/older.cpp"
 mv "$folder/older.cpp" "$root/main.cpp"

@@ -1,9 +1,9 @@
 # shellcheck shell=bash
-# Shared by the tests of ./run, which set root and source this with the build folder as first argument. Tests
-# run in a temporary folder.
+# For the tests of ./run, which set root and source this file with the build folder as first argument. They run
+# in a temporary folder.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
-# shellcheck disable=SC2034  # for those who source this
+# shellcheck disable=SC2034  # used by the tests that source this file
 planted=$ORLU_BUILD/planted/planted_algo.so stand_in=$ORLU_BUILD/lib/liborlu.vac.interface.so
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -49,7 +49,7 @@ prints() {
   done
 }
 
-# refused LINE ARGUMENT...: expects that the command only prints this line.
+# refused LINE ARGUMENT...: expects status 2 and no output but this error message.
 refused() {
   local line=$1
   shift
@@ -58,7 +58,7 @@ refused() {
   [ ! -s out ] || fail "$* printed: $(cat out)"
 }
 
-# ended: finishes the test.
+# ended: exits, with status 1 after a failure.
 ended() {
   [ "$failures" -eq 0 ] && echo "All passed"
   exit $((failures > 0))

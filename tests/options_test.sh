@@ -80,8 +80,8 @@ done < <(sed -n '/^Subcommands/,/^$/s/^  \([a-z]*\) .*/\1/p' "$root/service/help
 echo "== Completion"
 command_ends 0 completion
 bash -n out || fail "the completion has a syntax error"
-# completed LINE WORD...: expects that bash offers these words (and possibly others) after a line, except
-# words after "!".
+# completed LINE WORD...: expects that after this line bash offers these words (and possibly others), but not
+# the words marked with "!".
 completed() {
   local line=$1 word offered
   shift
@@ -133,7 +133,7 @@ done <<'CASES'
 CASES
 cd "$folder" || exit 1
 completed "./run m" mine.json
-# The program prints its own options, which the completion repeats.
+# The kit prints the help of conform; the completion must offer the same options.
 command_ends 0 conform --help
 read -ra listed < <(sed -nE 's/^  (--[a-z-]+) .*/\1/p' out | xargs)
 completed "./run conform -" "${listed[@]}"
@@ -147,8 +147,8 @@ shows() {
   ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$1" || fail "$1 has control characters: $(cat "$1")"
 }
 
-# The loader's message contains the name. Written as bytes: in a locale without UTF-8 the shell does not
-# convert \u.
+# The loader's message contains the library's name. The name is written in bytes, because in a locale without
+# UTF-8 the shell does not convert \u.
 library=$folder/$'a\e[2J\xc2\x9b\xe2\x80\xae\xff.so'
 command_ends 1 conform "$library" --only loading --junit junit.xml
 shows out

@@ -48,7 +48,7 @@ expect() {
     exit 1
   fi
 }
-# same TEXT FILE
+# same TEXT FILE: expects this content of the file.
 same() { [ "$(cat "$2")" = "$1" ] || { echo "FAILED: $2 has $(cat "$2") instead of $1"; exit 1; }; }
 
 printf '#!/bin/bash\nprintf "<%%s>" "$@"\nexit 1\n' >"$work/kit"
@@ -108,7 +108,7 @@ PHONES='a1\tdevice\r\n' expect 0 "" status
 # A device that is not ready does not block the other.
 PHONES='a1\toffline\n192.168.0.7:5555\tdevice\nc3\tunauthorized' expect 0 "events: /data/events" status
 
-# The phone disappears during a command, which must not be mistaken for an answer.
+# The phone disappears during a command. The missing output must not be mistaken for an answer.
 for vanish in "status:getprop" "record off:setprop" "record off:getprop" "events on /data/x:getprop" \
   "conform $work/kit $work/library.so:mkdir" "conform $work/kit $work/library.so:push" \
   "conform $work/kit $work/library.so:chmod"; do

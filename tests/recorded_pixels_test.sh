@@ -1,6 +1,5 @@
 #!/bin/bash
-# Tests recordings with the pixels that the algorithm library saw, inputs and outputs: recorded_pixels_test.sh
-# BUILD_FOLDER
+# Tests recordings of the pixels that the algorithm library read and wrote: recorded_pixels_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Records samples, and replays, trims, cuts and compares the recordings: recording_test.sh BUILD_FOLDER
+# Records samples, and replays, trims, truncates and compares the recordings: recording_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
@@ -113,7 +113,7 @@ grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fai
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json
 grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "no tag: $(cat out)"
-# A tag of all frames takes one line, and lines have at most 110 columns.
+# A tag that differs in all frames takes one line. Lines have at most 110 columns.
 sed 's/"android.sensor.sensitivity": 3200/"android.sensor.sensitivity": 1600/' plain.json >brighter.json
 ends 1 'note: frames 0 to 2 were given android.sensor.sensitivity = ' diff plain.json brighter.json
 ! grep -E '.{111}' out || fail "longer than 110 columns"

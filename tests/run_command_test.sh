@@ -62,12 +62,12 @@ log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
 prints "control/jpeg_rotation" '"capture" on client 7'
 
-# of_sample NAME: the output for this sample.
+# of_sample NAME: prints the output for this sample.
 of_sample() {
   awk -v RS= -v file="/samples/$1.json" 'index($0, file)' out
 }
 
-# put_by NAME: the report on this sample, starting with the values put into compositions.
+# put_by NAME: prints the report on this sample, from the values put into compositions on.
 put_by() {
   sed -n "/\"$1.json\"/,/\"problems\"/p" report | sed -n '/"put"/,$p'
 }
@@ -80,7 +80,8 @@ of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night sho
 for part in '"algorithmsAfter"' '"key": "exif_info_for_write"' '"orlu.feedback.jpegEncodedType": '; do
   grep -qF "$part" report || fail "--json has no $part"
 done
-# EXIF entries of exposure time, aperture and sensitivity 3200, then 0.066 and 1.8, and a JPEG of 632x416.
+# EXIF entries: exposure time, aperture, sensitivity 3200. Then the values 0.066 s and f/1.8, and a JPEG of
+# 632x416.
 exif='9a82050001000000.{8}9d82050001000000.{8}2788030001000000800c0000.*d001010040420f00b400000064000000'
 [[ $(od -An -v -tx1 -N 1000 shots/night-out0.jpg | tr -d ' \n') =~ ${exif}.*ffc000110801a00278 ]] ||
   fail "the night shot says something else of itself"

@@ -9,8 +9,8 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 echo "no library" >"$folder/text.so"
 
-# sample, with "!" for --validate | fault: a file that is not a library, or a fault of tests/planted | status
-# | the verdict, as a regular expression
+# sample, with "!" for --validate | fault: an invalid library file, or a fault of tests/planted | status |
+# regular expression for the verdict
 rows() {
   cat <<'ROWS'
 capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too short
@@ -59,7 +59,7 @@ night-async!||0|
 ROWS
 }
 
-# lose_patience GROUP: interrupts a run once it hangs.
+# lose_patience GROUP: terminates a run, given its process group, once it hangs in process.
 lose_patience() {
   local i
   for ((i = 0; i < 600; ++i)); do
