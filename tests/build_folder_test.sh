@@ -21,7 +21,7 @@ answers() {
   local status=0
   "$root/build/dev/answer" || status=$?
   if [ "$status" -ne "$1" ]; then
-    echo "FAILED: the program answers $status instead of $1"
+    echo "FAILED: the program returned $status instead of $1"
     failures=$((failures + 1))
   fi
 }

@@ -30,7 +30,7 @@ ends() {
   shift 2
   "$root/run" "$@" >out 2>err || status=$?
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat out err)"
-  grep -qE -- "$pattern" out err || fail "./run $*: no line is \"$pattern\": $(cat out err)"
+  grep -qE -- "$pattern" out err || fail "./run $*: no line matches \"$pattern\": $(cat out err)"
 }
 
 # info_says PATTERN FOLDER: expects that ./run info prints a line matching the regular expression for this
@@ -38,7 +38,7 @@ ends() {
 info_says() {
   command_ends 0 info "$2"
   sed -E ':on; $!N; s/\n {20}/ /; t on; P; D' out >lines
-  grep -qE -- "$1" lines || fail "./run info $2: no line is \"$1\": $(cat out)"
+  grep -qE -- "$1" lines || fail "./run info $2: no line matches \"$1\": $(cat out)"
 }
 
 # prints TEXT...: expects each text in the last command's output.
@@ -55,7 +55,7 @@ refused() {
   shift
   command_ends 2 "$@"
   [ "$(cat err)" = "run: error: $line" ] || fail "\"run: error: $line\" was expected instead of: $(cat err)"
-  [ ! -s out ] || fail "$* printed: $(cat out)"
+  [ ! -s out ] || fail "./run $* printed: $(cat out)"
 }
 
 # ended: exits, with status 1 after a failure.

@@ -4,7 +4,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
 
-echo "== What is refused"
+echo "== Rejected arguments"
 mkdir -p a b
 touch mine.json b/mine.json old
 cp "$root/samples/night.json" request.json
@@ -67,7 +67,7 @@ export ORLU_BUILD=$1
 
 echo "== Help and version of the Java half"
 command_ends 0 samples/night.json --help
-diff "$root/service/help.txt" out >&2 || fail "service/help.txt is old: ./run run --help >service/help.txt"
+diff "$root/service/help.txt" out >&2 || fail "service/help.txt is outdated; update it by ./run run --help >service/help.txt"
 command_ends 0 --check --version
 grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--check --version: $(cat out)"
 while read -r subcommand; do
@@ -94,7 +94,7 @@ completed() {
   for word in "$@"; do
     case $word in
       !*) [[ $offered != *" ${word#!} "* ]] || fail "after \"$line\" completion offers ${word#!}" ;;
-      *) [[ $offered == *" $word "* ]] || fail "after \"$line\" completion offers no $word but$offered" ;;
+      *) [[ $offered == *" $word "* ]] || fail "after \"$line\" completion does not offer $word, only$offered" ;;
     esac
   done
 }

@@ -4,7 +4,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
 
-echo "== Both directions of every sample are kept, and are what Java has"
+echo "== Inputs and outputs of every sample are recorded, and equal those in Java"
 # One request has no algorithm pass.
 mapfile -t samples < <(find "$root/samples" -name '*.json' ! -name no-pass.json | sort)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
@@ -17,12 +17,12 @@ count() {
 for pair in "input [0-9]|process in .*, as in Java$" "result [0-9]|callback out .*, as in Java$"; do
   images=$(count "${pair%|*}")
   [ "$images" -gt 20 ] || fail "only $images images: $pair"
-  [ "$images" -eq "$(count "${pair#*|}")" ] || fail "$images images and not $(count "${pair#*|}"): $pair"
+  [ "$images" -eq "$(count "${pair#*|}")" ] || fail "$images images instead of $(count "${pair#*|}"): $pair"
 done
 # Bytes already in the recording are not stored twice, and no temporary file is left.
-[ -z "$(find shots -name 'process-*' -o -name 'callback-*')" ] || fail "kept twice: $(ls shots/*)"
+[ -z "$(find shots -name 'process-*' -o -name 'callback-*')" ] || fail "stored twice: $(ls shots/*)"
 
-echo "== A library that writes on after its callback"
+echo "== A library that writes after its callback"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=scribbles ends 0 'ok$' --record late --out images \
   "$root"/samples/capture.json "$root"/samples/night-async.json
 for shot in late/*; do
@@ -55,11 +55,11 @@ ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
 info_says 'process-input0[^ ]* is cut or damaged; expected [0-9]* bytes, found 1000' "$shot"
 
-echo "== Bounded, into a folder of one's own, and of a process that ended"
+echo "== With a size limit, into a given folder, and of a process that died"
 ORLU_PIXELS_BYTES=1000 ends 0 '^verdict  ok$' --record few --out images "$root/samples/capture.json"
 info_says '^  process in 0  *kept: no: more bytes than ORLU_PIXELS_BYTES allows$' few
 ORLU_PIXELS=$folder/mine ends 0 '^verdict  ok$' --out images "$root/samples/capture.json"
-[ "$(find mine -name 'process-input0-*' -o -name 'callback-output0-*' | wc -l)" -eq 2 ] || fail "not two files: $(find mine)"
+[ "$(find mine -name 'process-input0-*' -o -name 'callback-output0-*' | wc -l)" -eq 2 ] || fail "expected two files: $(find mine)"
 ORLU_PIXELS=/proc/none ends 0 'ORLU_PIXELS: /proc/none: No such file' --out images "$root/samples/capture.json"
 ORLU_ALGO_LIBRARY=$planted ORLU_PLANTED=aborts:process ends 1 'SIGABRT' --record dead --out images "$root/samples/capture.json"
 info_says '^  process in 0  *[0-9]+ bytes, as in Java$' dead

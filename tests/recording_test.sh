@@ -4,13 +4,13 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"
 
-echo "== Every sample is recorded, and does the same again"
+echo "== Every sample is recorded, and its replay is equal"
 samples=("$root"/samples/*.json)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
 ends 0 '/000001-request.*: equal, 1[0-9][0-9] parameters, 1 frames, 1 outputs' replay shots
 [ "$(grep -c ': equal, ' out)" -eq ${#samples[@]} ] || fail "not every sample was replayed: $(cat out)"
 
-echo "== Pixels in hardware buffers, also of a format that only a phone has"
+echo "== Hardware buffers, also of a format that only phones have"
 cp -r shots/*-request-214 phone
 sed -i '/"buffer"/,/]/s/ 35$/ 17/' phone/request.json
 grep -q '^ *17$' phone/request.json || fail "no hardware buffer in phone/request.json"
@@ -38,12 +38,12 @@ ends 2 '--out: the folder already exists: none' trim "$night" --out none
 ends 2 'shots: expected one recording, found [0-9]*' trim shots --out one --frames 0
 ends 0 '^written again ' trim few --out again --frames 1 --crop 64,64
 info_says 'trimmed  *only frames 0, 2 of the recording, then cropped to 64x64, only frame 1 of the copy$' again
-grep -q '^  *only frame 1 of the copy$' out || fail "trimmed twice: $(cat out)"
+grep -q '^  *only frame 1 of the copy$' out || fail "no line for the second trim: $(cat out)"
 grep -q '^  end  *whole$' out || fail "no end: $(cat out)"
 info_says 'recorded ' shots
 ! grep -E '.{81}' out || fail "longer than 80 columns"
 
-echo "== Cut and damaged; tests/recording_faults_test.py has more"
+echo "== Truncated and damaged recordings; tests/recording_faults_test.py has more"
 rm -rf cut && cp -r "$night" cut
 truncate -s 1000 cut/outcome.json
 info_says 'end  *not reached: cut/outcome.json:' cut
@@ -65,7 +65,7 @@ for name in ../outside "$PWD/outside" /dev/zero link.bin fifo.bin folder.bin; do
   mkdir -p strange/folder.bin
   sed "s#\"file\": \"input3.bin\"#\"file\": \"$name\"#" "$night/request.json" >strange/request.json
   ends 2 '^strange/request.json:[0-9]+:[0-9]+: error: inputs\[3\].file: ' replay strange
-  timeout 60 "$root/run" trim strange --out stolen >out 2>&1 && fail "trimmed with $name"
+  timeout 60 "$root/run" trim strange --out stolen >out 2>&1 && fail "trim accepted $name"
   rm -rf stolen
 done
 cp "$night/request.json" strange/request.json
@@ -112,7 +112,7 @@ grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fai
 # If no tag differs, the frame is still named.
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json
-grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "no tag: $(cat out)"
+grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "the tag is not named: $(cat out)"
 # A tag that differs in all frames takes one line. Lines have at most 110 columns.
 sed 's/"android.sensor.sensitivity": 3200/"android.sensor.sensitivity": 1600/' plain.json >brighter.json
 ends 1 'note: frames 0 to 2 were given android.sensor.sensitivity = ' diff plain.json brighter.json
@@ -122,6 +122,6 @@ ends 1 'parameter/exif_info_for_write: sensitivity 3200 / sensitivity 1600$' dif
 ends 1 'and [0-9]* more differences' diff "$night" shots/*-request-205
 ! grep -E '.{111}' out || fail "longer than 110 columns"
 ends 1 'control/jpeg_rotation: 0 / 90$' diff turns/* --no-explain
-! grep -q 'because of' out || fail "explained all the same: $(cat out)"
+! grep -q 'because of' out || fail "explained despite --no-explain: $(cat out)"
 
 ended

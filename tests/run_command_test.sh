@@ -18,12 +18,12 @@ prints "right.json: ok: 1 frame, in nothing, out nothing, no algorithms" \
   "$root/samples/night.json: ok: 7 frames, in 7 NV21 632x416, out JPEG 632x416, night jpegEncode"
 command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out photo
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
-grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log shows no log"
+grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log prints no log"
 
 echo "== Events"
 command_ends 0 --events events --out photo "$root/samples/portrait.json"
 head -n 1 events | grep -q '"event":"header","format":"orlu-events","version":1,' || fail "$(head -n 1 events)"
-[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "not every call ends"
+[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "the numbers of begin and end events differ"
 while read -r event; do
   grep -qF -- "$event" events || fail "no such event: $event"
 done <<'EVENTS'
@@ -55,10 +55,10 @@ samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"
 # Slow machines may print the progress.
 log=$(grep -vE '^(making|filling|processing|comparing) ' err)
-[ -z "$log" ] || fail "the log is not silent: $log"
+[ -z "$log" ] || fail "unexpected messages: $log"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
 [ "$(grep -c '^verdict  ok$' out)" -eq $((${#samples[@]} + 1)) ] || fail "not every verdict is ok: $(grep '^verdict' out)"
-[ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is no verdict: $(tail -n 1 out)"
+[ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is not a verdict: $(tail -n 1 out)"
 if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
 prints "control/jpeg_rotation" '"capture" on client 7'
 
@@ -76,7 +76,7 @@ read -r before after <<<"$(of_sample night |
   sed -n 's/.*luma PSNR \([0-9.]*\) dB before, \([0-9.]*\) dB after.*/\1 \2/p')"
 awk -v before="${before:-0}" -v after="${after:-0}" 'BEGIN { exit !(before > 10 && after > before + 3) }' ||
   fail "PSNR $before dB before, $after dB after"
-of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night shot ran $(of_sample night)"
+of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night shot ran other algorithms: $(of_sample night)"
 for part in '"algorithmsAfter"' '"key": "exif_info_for_write"' '"orlu.feedback.jpegEncodedType": '; do
   grep -qF "$part" report || fail "--json has no $part"
 done
@@ -84,17 +84,17 @@ done
 # 632x416.
 exif='9a82050001000000.{8}9d82050001000000.{8}2788030001000000800c0000.*d001010040420f00b400000064000000'
 [[ $(od -An -v -tx1 -N 1000 shots/night-out0.jpg | tr -d ' \n') =~ ${exif}.*ffc000110801a00278 ]] ||
-  fail "the night shot says something else of itself"
+  fail "the night shot has wrong EXIF entries or a wrong size"
 
 of_sample night-async | grep -q '^  callback  *nativeRequestAddr = ' || fail "full-async does not call back"
 # Their EXIF blocks differ in the time of day.
-cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot is another"
+cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot differs"
 differing=$(diff <(put_by night) <(put_by night-async))
-{ [ -z "$differing" ] && [ -n "$(put_by night)" ]; } || fail "full-async and not differ: $differing"
+{ [ -z "$differing" ] && [ -n "$(put_by night)" ]; } || fail "the values put by night and night-async differ: $differing"
 
 [ "$(of_sample clarity | grep -c ' dropped$')" -eq 4 ] || fail "clarity: $(of_sample clarity)"
-of_sample clarity | grep -Eq 'frame 2 .* kept$' || fail "not the sharpest frame is kept: $(of_sample clarity)"
+of_sample clarity | grep -Eq 'frame 2 .* kept$' || fail "the sharpest frame is not kept: $(of_sample clarity)"
 prints "passed on   nothing: the request went without an algorithm pass" "no-pass-out0: not written"
-if of_sample no-pass | grep '^  ran '; then fail "no-pass ran"; fi
+if of_sample no-pass | grep '^  ran '; then fail "no-pass ran algorithms"; fi
 
 ended
