@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# For the tests of ./run, which set root and source this file with the build folder as first argument. They run
-# in a temporary folder.
+# For the tests of ./run, which set root and source this file with the build folder as first argument. They
+# run in a temporary folder.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # used by the tests that source this file

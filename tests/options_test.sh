@@ -67,7 +67,8 @@ export ORLU_BUILD=$1
 
 echo "== Help and version of the Java half"
 command_ends 0 samples/night.json --help
-diff "$root/service/help.txt" out >&2 || fail "service/help.txt is outdated; update it by ./run run --help >service/help.txt"
+diff "$root/service/help.txt" out >&2 ||
+  fail "service/help.txt is outdated; update it by ./run run --help >service/help.txt"
 command_ends 0 --check --version
 grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--check --version: $(cat out)"
 while read -r subcommand; do
@@ -94,7 +95,7 @@ completed() {
   for word in "$@"; do
     case $word in
       !*) [[ $offered != *" ${word#!} "* ]] || fail "after \"$line\" completion offers ${word#!}" ;;
-      *) [[ $offered == *" $word "* ]] || fail "after \"$line\" completion does not offer $word, only$offered" ;;
+      *) [[ $offered == *" $word "* ]] || fail "after \"$line\" completion lacks $word:$offered" ;;
     esac
   done
 }

@@ -75,7 +75,7 @@ same "{}" "$work/here/shots/000001/request.json"
 # Files of two pulls are never mixed; an interrupted pull leaves nothing.
 echo "{}" >"$work/shots/000001/outcome.json"
 expect 2 "$work/here/shots already exists: name another folder" pull "$work/shots/" "$work/here"
-[ ! -e "$work/here/shots/000001/outcome.json" ] || { echo "FAILED: the files of two pulls are mixed"; exit 1; }
+[ ! -e "$work/here/shots/000001/outcome.json" ] || { echo "FAILED: two pulls are mixed"; exit 1; }
 VANISH=pull expect 2 "is a1 still connected?" pull "$work/shots" "$work/half"
 rm "$work/gone"
 same "" <(ls -A "$work/half")

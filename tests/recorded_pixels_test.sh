@@ -1,5 +1,6 @@
 #!/bin/bash
-# Tests recordings of the pixels that the algorithm library read and wrote: recorded_pixels_test.sh BUILD_FOLDER
+# Tests recordings of the pixels that the algorithm library read and wrote:
+#   recorded_pixels_test.sh BUILD_FOLDER
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/tests/command.sh"

@@ -23,7 +23,7 @@ grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log prints no log"
 echo "== Events"
 command_ends 0 --events events --out photo "$root/samples/portrait.json"
 head -n 1 events | grep -q '"event":"header","format":"orlu-events","version":1,' || fail "$(head -n 1 events)"
-[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "the numbers of begin and end events differ"
+[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "not as many end as begin events"
 while read -r event; do
   grep -qF -- "$event" events || fail "no such event: $event"
 done <<'EVENTS'
@@ -76,7 +76,8 @@ read -r before after <<<"$(of_sample night |
   sed -n 's/.*luma PSNR \([0-9.]*\) dB before, \([0-9.]*\) dB after.*/\1 \2/p')"
 awk -v before="${before:-0}" -v after="${after:-0}" 'BEGIN { exit !(before > 10 && after > before + 3) }' ||
   fail "PSNR $before dB before, $after dB after"
-of_sample night | grep -q '^  ran  *night, jpegEncode in' || fail "the night shot ran other algorithms: $(of_sample night)"
+of_sample night | grep -q '^  ran  *night, jpegEncode in' ||
+  fail "the night shot ran other algorithms: $(of_sample night)"
 for part in '"algorithmsAfter"' '"key": "exif_info_for_write"' '"orlu.feedback.jpegEncodedType": '; do
   grep -qF "$part" report || fail "--json has no $part"
 done
@@ -90,7 +91,8 @@ of_sample night-async | grep -q '^  callback  *nativeRequestAddr = ' || fail "fu
 # Their EXIF blocks differ in the time of day.
 cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot differs"
 differing=$(diff <(put_by night) <(put_by night-async))
-{ [ -z "$differing" ] && [ -n "$(put_by night)" ]; } || fail "the values put by night and night-async differ: $differing"
+{ [ -z "$differing" ] && [ -n "$(put_by night)" ]; } ||
+  fail "the values put by night and night-async differ: $differing"
 
 [ "$(of_sample clarity | grep -c ' dropped$')" -eq 4 ] || fail "clarity: $(of_sample clarity)"
 of_sample clarity | grep -Eq 'frame 2 .* kept$' || fail "the sharpest frame is not kept: $(of_sample clarity)"
