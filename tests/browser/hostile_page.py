@@ -12,7 +12,7 @@ CONTROLS = "\u001b[2J\u0085\u202e"
 FILE = "<img src=x onerror=hit=1>\"'@data@ &lt;b\u202e"
 UNSAFE = r"[\x00-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]"
 
-# Elements, attributes and invisible characters that must not be in the page.
+# Script: returns the elements, attributes and invisible characters that must not be in the page.
 FOUND = f"""
 const found = [];
 if ("hit" in window) found.push("a script ran");
@@ -28,7 +28,7 @@ if (unsafe) found.push("a control character: " + JSON.stringify(unsafe[0]));
 return found;
 """
 
-# Actions that the policy must stop, tried by a script in the page.
+# Script: tries actions that the page's content security policy must block.
 STOPPED = """
 const done = arguments[0], stopped = new Set();
 addEventListener("securitypolicyviolation", event => stopped.add(event.effectiveDirective));
@@ -48,7 +48,7 @@ POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-
 
 
 def hostile_request(folder, name, text):
-    """The sample capture with this string in every string field."""
+    """Writes the sample capture with this string in every string field. Returns the file."""
     request = json.loads((ROOT / "samples/capture.json").read_text())
     request["about"] = text
     request["request"]["type"] = text
@@ -66,7 +66,7 @@ def hostile_request(folder, name, text):
 
 
 def check_hostile(driver, build, folder, tabs, check):
-    """Checks every tab of such pages, of one with a failing algorithm library, and their index."""
+    """Checks every tab of hostile pages, and their index, with two faults of the algorithm library."""
     requests = [hostile_request(folder, FILE, ATTACK + CONTROLS), hostile_request(folder, "plain", ATTACK)]
     for fault in ("answers:process", "aborts:process"):
         pages = folder / f"hostile-{fault}"

@@ -96,7 +96,7 @@ class Page:
 
 
 def check_shape(page, shots, size, scheme):
-    """Checks every tab: no wider than the window, readable text. Saves a picture."""
+    """Checks that every tab fits the window and has readable text. Saves pictures into `shots`, if given."""
     for tab in TABS:
         page.tab(tab)
         width, inner = page.driver.execute_script("return [document.documentElement.scrollWidth, innerWidth]")
@@ -273,7 +273,7 @@ def check_index(driver, build, folder):
 
 
 def check_sheets(driver, build, folder):
-    """The sheets of sweep and compare: every picture has loaded, lies in the window, and can be enlarged."""
+    """Checks the sheets of sweep and compare: pictures must be loaded, within the window, and enlargeable."""
     capture, stand_in = ROOT / "samples/capture.json", build / "lib/liborlu.vac.interface.so"
     for name, arguments, captions in (
             ("sweep", ["sweep", capture, "--tag", "android.jpeg.orientation=0,90"], ["0", "90"]),
@@ -295,7 +295,7 @@ def check_sheets(driver, build, folder):
 
 
 def copied(library, folder):
-    """A second library: compare refuses one and the same file."""
+    """Returns a copy of the library, because compare rejects the same file twice."""
     return shutil.copytree(library.parent, folder / "other") / library.name
 
 

@@ -15,7 +15,7 @@ LARGE, WIDE, NARROW = (1440, 900), (1280, 800), (420, 900)
 
 
 def padded_request(folder):
-    """The sample clarity with padding after each row."""
+    """Writes the sample clarity with padding after each row. Returns the file."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     padded = {"format": "NV21", "stride": 704}
     request.update(photo=str(ROOT / "samples/photos/table.jpg"), inputs=padded, outputs=[padded])
@@ -25,7 +25,7 @@ def padded_request(folder):
 
 
 def make_pages(build, folder, requests, fault="", trials="on"):
-    """Runs requests into a folder; the fault is one of tests/planted."""
+    """Runs requests, and writes their pages into a folder. `fault` is one of tests/planted, or ""."""
     run(build, ["--report", folder, "--out", folder / "out", *requests], fault, trials)
 
 
@@ -40,7 +40,7 @@ def run(build, arguments, fault="", trials="on"):
 
 @contextlib.contextmanager
 def browser():
-    """Headless Chromium; keeps its console's messages."""
+    """Runs headless Chromium, which stores the messages of its console."""
     options = Options()
     for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--hide-scrollbars"):

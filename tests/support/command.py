@@ -10,7 +10,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 BUILD = Path(sys.argv[1]).resolve()
-# Variables that change the behaviour of ./run and that the user may have set.
+# Environment variables that change the behaviour of ./run; the user may have set them.
 SWITCHES = ("ANDROID_LOG_TAGS", "ORLU_ALGO_LIBRARY", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PIXELS",
             "ORLU_PLANTED")
 failures = []

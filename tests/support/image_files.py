@@ -8,7 +8,7 @@ BYTE, SHORT, LONG = 1, 3, 4
 
 
 def pack_samples(rows, bits, order):
-    """Samples row by row: whole bytes in the file's byte order, other sizes from the highest bit on."""
+    """Packs each row: 16-bit samples in the file's byte order, others as a bit stream, highest bit first."""
     if bits == 16:
         return b"".join(struct.pack(f"{order}{len(row)}H", *row) for row in rows)
     packed = b""
@@ -20,7 +20,7 @@ def pack_samples(rows, bits, order):
 
 
 def directory(entries, at, order):
-    """A directory of (tag, type, values) at this offset, followed by the long values."""
+    """Makes a TIFF directory of (tag, type, values) at this offset, followed by values of over 4 bytes."""
     entries = sorted(entries)
     behind = at + 2 + 12 * len(entries) + 4
     head, tail = struct.pack(f"{order}H", len(entries)), b""
@@ -37,7 +37,7 @@ def directory(entries, at, order):
 
 
 def lossless_jpeg(rows, bits, components):
-    """A lossless JPEG (SOF3) with interleaved components, each predicted from the previous one."""
+    """Makes a lossless JPEG (SOF3) of interleaved components. A sample is predicted from the previous one."""
     every = range(components)
     frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
     lengths = [17 * (i == 4) for i in range(16)]
@@ -77,8 +77,9 @@ RED_FIRST = [(33421, SHORT, [2, 2]), (33422, BYTE, bytes([0, 1, 1, 2]))]
 def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=None, compression=1,
         components=0, thumbnail=False, strips=None, backwards=False, photometric=32803, pattern=None,
         extra=()):
-    """A DNG file; `components` selects lossless JPEG. With a thumbnail, the raw image is in a subdirectory;
-    `strips` is the number of strips or tiles; `backwards` stores the last one first."""
+    """Makes a DNG file. `components` is the number of components of a lossless JPEG, or 0 without JPEG. With
+    `thumbnail`, the raw image is in a subdirectory. `strips` limits the number of strips or tiles; `backwards`
+    stores them in reverse order."""
     order = ">" if big_endian else "<"
     compression = 7 if components else compression
     rows_per_strip = rows_per_strip or len(rows)
@@ -111,12 +112,12 @@ def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=N
 
 
 def tiff(rows):
-    """A grey TIFF file of 16 bits."""
+    """Makes a grey TIFF file of 16 bits."""
     return dng(rows, photometric=1)
 
 
 def png(rows, bits):
-    """A grey PNG file."""
+    """Makes a grey PNG file."""
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
     lines = b"".join(b"\0" + pack_samples([row], bits, ">") for row in rows)
@@ -126,7 +127,7 @@ def png(rows, bits):
 
 
 def read_pgm(path):
-    """The samples of a PGM file with two bytes per sample; None if the file is missing."""
+    """Returns the samples of a PGM file with two bytes per sample; None if the file is missing."""
     if not Path(path).exists():
         return None
     _, size, _, data = Path(path).read_bytes().split(b"\n", 3)
@@ -136,7 +137,7 @@ def read_pgm(path):
 
 
 def read_png(data):
-    """The rows of an RGB PNG file of 8 bits, each a list of samples."""
+    """Returns the rows of an RGB PNG file of 8 bits, each a list of samples."""
     width, height = struct.unpack(">II", data[16:24])
     at, packed = 8, b""
     while at < len(data):
