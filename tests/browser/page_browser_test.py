@@ -92,7 +92,7 @@ class Page:
 
     def console(self):
         messages = [entry["message"] for entry in self.driver.get_log("browser")]
-        self.check("the console says:", not messages, messages)
+        self.check("the console has:", not messages, messages)
 
 
 def check_shape(page, shots, size, scheme):
@@ -104,7 +104,7 @@ def check_shape(page, shots, size, scheme):
         contrast, element = page.driver.execute_script(CONTRAST)
         page.check(f"{tab}, {scheme}: a text of contrast {contrast:.1f}:", contrast >= LEAST_CONTRAST, element)
         text = page.one("main").text
-        page.check(f"{tab} shows what is no text for people", not any(
+        page.check(f"{tab} shows a raw value:", not any(
             word in text for word in ("[object", "undefined", "NaN", "null,", "%s", "%d")),
             [line for line in text.splitlines() if "[object" in line or "undefined" in line])
         if shots:
@@ -121,11 +121,12 @@ def check_keys(page):
         page.check(f"the key {number} shows", shown == [f"panel-{tab}"], shown)
     page.one("#tab-log").click()
     page.press(Keys.ARROW_RIGHT)
-    page.check("the arrow goes on with the first tab", page.one("#tab-pictures").get_attribute("aria-selected") == "true")
+    page.check("the right arrow leads from the last tab to the first",
+               page.one("#tab-pictures").get_attribute("aria-selected") == "true")
     page.leave()
     page.press("4", "/")
     field = page.driver.switch_to.active_element
-    page.check("the key / leads into the filter", "filter" in (field.get_attribute("class") or ""))
+    page.check("the key / focuses the filter", "filter" in (field.get_attribute("class") or ""))
     page.press("2")
     page.check("a key in a field is a letter", field.get_attribute("value") == "2" and
                page.one("#panel-parameters").is_displayed())
@@ -136,7 +137,7 @@ def check_keys(page):
     page.press("t", "?")
     page.check("the key ? shows the keys", page.one("#keys").is_displayed() and "flicker" in page.one("#keys").text)
     page.press(Keys.ESCAPE)
-    page.check("Escape closes them", not page.one("#keys").is_displayed())
+    page.check("Escape closes the keys", not page.one("#keys").is_displayed())
 
 
 def check_pictures(page):
@@ -152,11 +153,11 @@ def check_pictures(page):
         return page.driver.execute_script("return document.querySelector('.loupe').style.backgroundSize")
 
     page.press("1")
-    page.check("in and out are beside each other", [text[:3] for text in captions()] == ["In:", "Out"], captions())
+    page.check("in and out are side by side", [text[:3] for text in captions()] == ["In:", "Out"], captions())
     page.press("f")
     first = captions()
     page.press("f")
-    page.check("the key f changes between in and out", len(first) == len(captions()) == 1 and first != captions(),
+    page.check("the key f switches pictures", len(first) == len(captions()) == 1 and first != captions(),
                f"{first} {captions()}")
     page.one("#auto").click()
     seen = set()
@@ -175,14 +176,14 @@ def check_pictures(page):
     before = places()
     page.press(Keys.ARROW_RIGHT)
     moved = places()
-    page.check("the magnifier is over both, and moves with the arrows",
+    page.check("magnifiers over both pictures move with the arrows",
                len(before) == len(moved) == 2 and all(a < b for a, b in zip(before, moved)), f"{before} {moved}")
     page.check("the magnifier shows pixel for pixel", magnified().startswith("632px"), magnified())
     page.press("z")
-    page.check("and larger", magnified().startswith("1264px"), magnified())
+    page.check("the key z enlarges the magnified pixels", magnified().startswith("1264px"), magnified())
     stage = page.all(".stage")[0]
     ActionChains(page.driver).move_to_element_with_offset(stage, -100, 0).perform()
-    page.check("it follows the pointer", places()[0] < before[0] - 50, f"{before} {places()}")
+    page.check("the magnifier follows the pointer", places()[0] < before[0] - 50, f"{before} {places()}")
     page.leave()
     page.press("m")
 
@@ -213,7 +214,7 @@ def check_filters(page):
     page.check("a click explains a parameter", "orlu.control.filmSize" in detail and "jni/" in detail, detail)
     field.clear()
     field.send_keys("frameselect")
-    page.check("what is filtered out takes its explanation along", not page.shown("#panel-parameters .detail"))
+    page.check("filtering out a parameter hides its explanation", not page.shown("#panel-parameters .detail"))
     field.clear()
     field.send_keys("film_size x")
     field.clear()
@@ -221,8 +222,8 @@ def check_filters(page):
     page.press("5")
     field = page.one("#panel-tags .filter")
     field.send_keys("filmSize")
-    page.check("tags filter", all("filmsize" in row.text.lower() for row in page.shown("#panel-tags tbody tr")) and
-               page.shown("#panel-tags tbody tr"))
+    tags = page.shown("#panel-tags tbody tr")
+    page.check("a word filters the tags", tags and all("filmsize" in row.text.lower() for row in tags))
     field.send_keys(Keys.ESCAPE)
     page.press("7")
     everything = len(lines())
@@ -243,7 +244,8 @@ def check_timeline(page):
     page.check("the timeline has slices and one wait", len(slices) > 100 and len(waits) == 1, len(waits))
     waits[0].click()
     detail = page.one("#panel-timeline [aria-live]").text
-    page.check("a click says what a slice is", detail.startswith("wait for the callback") and "reqId" in detail, detail)
+    page.check("a click describes a slice",
+               detail.startswith("wait for the callback") and "reqId" in detail, detail)
     box = page.one("#panel-timeline .lanes")
 
     def width():
@@ -253,7 +255,7 @@ def check_timeline(page):
     box.send_keys("+")
     page.check("+ zooms in", width() > 1.5 * before, f"{before} {width()}")
     box.send_keys(Keys.ARROW_RIGHT)
-    page.check("an arrow chooses the next slice", page.one("#panel-timeline [aria-live]").text != detail)
+    page.check("an arrow key selects the next slice", page.one("#panel-timeline [aria-live]").text != detail)
     page.check("arrows lead from process to results", len(page.all("#panel-timeline .flow")) == 2)
 
 
@@ -266,9 +268,9 @@ def check_index(driver, build, folder):
         page.check("is wider than the window", width <= size[0], width)
         page.check("has an entry for each", len(page.all("a.card")) == 2 and "capture.json" in page.one("main").text)
     page.all("a.card")[1].click()
-    page.check("leads to a request", "watermark.json" in page.one("h1").text, page.one("h1").text)
+    page.check("a card leads to its request", "watermark.json" in page.one("h1").text, page.one("h1").text)
     page.one("#top a").click()
-    page.check("and back", "2 requests" in page.one("h1").text)
+    page.check("the request leads back to the index", "2 requests" in page.one("h1").text)
     page.console()
 
 
@@ -310,9 +312,10 @@ def check_all(build, shots):
             for size, scheme in ((WIDE, "light"), (WIDE, "dark"), (NARROW, "light"), (NARROW, "dark")):
                 show(driver, file, size, scheme)
                 page = Page(driver, title)
-                page.check("the system's theme", page.one("html").get_attribute("data-theme") == scheme)
+                page.check("has the system's theme", page.one("html").get_attribute("data-theme") == scheme)
                 found = [each.text for each in page.all(".finding")]
-                page.check(f"finds {words}:", found == [] if words is None else words in found[0], found)
+                page.check(f"findings, expected {words}:",
+                           found == [] if words is None else words in found[0], found)
                 if found:
                     page.check("a finding is out of sight", page.one(".finding").rect["y"] < size[1] / 2)
                     page.one(".finding button").click()

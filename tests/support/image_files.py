@@ -78,8 +78,8 @@ def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=N
         components=0, thumbnail=False, strips=None, backwards=False, photometric=32803, pattern=None,
         extra=()):
     """Makes a DNG file. `components` is the number of components of a lossless JPEG, or 0 without JPEG. With
-    `thumbnail`, the raw image is in a subdirectory. `strips` limits the number of strips or tiles; `backwards`
-    stores them in reverse order."""
+    `thumbnail`, the raw image is in a subdirectory. `strips` limits the number of strips or tiles;
+    `backwards` stores them in reverse order."""
     order = ">" if big_endian else "<"
     compression = 7 if components else compression
     rows_per_strip = rows_per_strip or len(rows)
