@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The catalogue's tables have a row for each tag, algorithm and image format that exists, and no others.
+"""Checks that the catalogue's tables have rows for exactly the existing tags, algorithms and image formats.
 
 catalogue_table_test.py ROOT (the project's folder)
 """
@@ -14,9 +14,9 @@ TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PIXEL_FORMAT = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/PixelFormat.java"
 PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt"
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
-# The library classifies it, but request files cannot have it.
+# A format that the library classifies, but request files cannot have.
 LIBRARY_FORMAT = "MIPI_RAW12"
-# A list of algorithm names, or a name that is searched, added or removed.
+# An algorithm name that the source searches, adds or removes; and a list of algorithm names.
 NAME = re.compile(r'(?:listHas|append|remove|emplace_back|asksFor|listed)\("(\w+)"|^ +\{"(\w+)", +1U <<')
 NAMES = re.compile(r'(?:list|mAlgoList|supported) = \{([^}]*)\};')
 
@@ -24,7 +24,7 @@ failures = []
 
 
 def rows(file, columns):
-    """Line number and columns of each row."""
+    """Yields the line number and columns of each row."""
     for number, line in enumerate(file.read_text().splitlines(), 1):
         if line.strip() and not line.startswith("#"):
             row = line.split(None, columns - 1)
@@ -35,7 +35,7 @@ def rows(file, columns):
 
 
 def algorithms():
-    """All names in the library, the stand-in and the samples."""
+    """Returns all algorithm names in the library, the stand-in and the samples."""
     names = set()
     for source in [*(ROOT / "jni").glob("*.cpp"), *(ROOT / "host/algo").glob("*.cpp")]:
         text = source.read_text()
@@ -52,7 +52,7 @@ def formats():
 
 
 def check_once(file, kinds):
-    """Each name has its mandatory rows, and there are no rows of unknown kinds."""
+    """Checks that each name has its mandatory rows, and that no row is of an unknown kind."""
     said = {}
     for number, (name, kind, _) in rows(file, 3):
         said.setdefault(name, []).append(kind)
@@ -64,8 +64,8 @@ def check_once(file, kinds):
 
 
 def check_names(file, columns, names, what, every=True, once=True, sentence=True):
-    """Rows start with a name and follow the order of the names. Every name has a row, which ends with a
-    sentence."""
+    """Checks that rows start with a name, follow the order of the names, and end with a sentence, and that
+    every name has a row."""
     found = []
     for number, row in rows(file, columns):
         place = f"{file.relative_to(ROOT)}:{number}"
@@ -87,7 +87,8 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
 
 
 def check_words(file, keys):
-    """Quoted words are parameters or algorithms; names in brackets are functions of the library."""
+    """Checks that words in quotes are parameters, algorithms or camera types, and that names in parentheses
+    are functions of the library."""
     functions = "".join(source.read_text() for source in (ROOT / "jni").glob("*.cpp"))
     for number, row in rows(file, 3):
         place = f"{file.relative_to(ROOT)}:{number}"

@@ -12,9 +12,9 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import ROOT, failures, finish, run  # noqa: E402
 
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
-# The samples to compare with and to check for stale statements: one with processed input, one with raw input.
+# Samples whose runs are compared with the statements: one with processed input, one with raw input.
 SAMPLES = ("capture", "hdr5")
-# Values that need a sample other than capture.json: the sample, and an algorithm to request.
+# Tags whose values need another sample than capture.json, or another algorithm than jpegEncode: both.
 BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
          "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 
@@ -63,7 +63,8 @@ def check_cases():
 
 
 def check_lists():
-    """Every entry is listed and in the JSON; no line exceeds a terminal's width. Returns each part's JSON."""
+    """Checks that the lists and the JSON have the same entries, and that lines fit a terminal. Returns each
+    part's JSON."""
     parts = {}
     for part in PARTS:
         listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)
@@ -76,7 +77,7 @@ def check_lists():
 
 
 def check_claims(parts):
-    """Types and sizes equal those of runs."""
+    """Compares the stated types and sizes with those of runs."""
     parameters = {(entry["section"], entry["key"]): entry for entry in parts["parameters"]}
     java_types = {entry["name"]: entry["javaType"] for entry in parts["tags"]}
     with tempfile.TemporaryDirectory() as folder:
@@ -107,8 +108,8 @@ def check_claims(parts):
 
 
 def with_tag(tag, value):
-    """A request with the value in its first frame: a number, "[0]>0" for an element, ">0" for any greater
-    value."""
+    """Returns a request whose frames have a value: "1" for a number, "6,4" for a list, ">0" for any greater
+    number."""
     sample, algorithm = BASES.get(tag, ("capture", "jpegEncode"))
     request = json.loads((ROOT / f"samples/{sample}.json").read_text())
     request["photo"] = str(ROOT / "samples" / request["photo"])
@@ -120,7 +121,7 @@ def with_tag(tag, value):
 
 
 def check_values(tags):
-    """Each value has the stated effect on parameters and the algorithm list."""
+    """Checks the stated effects of each value on parameters and the algorithm list."""
     claims = []
     for entry in tags:
         for value in entry["values"]:

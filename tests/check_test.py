@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests ./run's messages on wrong request files: all mistakes of each file, with their positions.
+"""Tests the messages of ./run about wrong request files: all mistakes of each file, with their positions.
 
 check_test.py BUILD_FOLDER
 """
@@ -22,12 +22,12 @@ PHOTO = ROOT / "samples/photos/portrait.jpg"
 
 
 def request(frames='"frames": [{}]', more="", inputs="[]", outputs="[]"):
-    """A request's text, with the frames at the start of its second line."""
+    """Returns a request's text, with the frames at the start of its second line."""
     return f'{{"request": {{"id": 1}}, "inputs": {inputs}, "outputs": {outputs},\n{frames}{more}}}'
 
 
 def tag(name, value):
-    """A request with a tag; its value starts at line 3, column 1."""
+    """Returns the text of a request with a tag. The tag's value starts at line 3, column 1."""
     return request(f'"frames": [{{"captureResult": {{"{name}":\n{value}}}}}]')
 
 
@@ -35,10 +35,10 @@ INT = "expected a whole number from -2147483648 to 2147483647, found"
 FORMATS = "expected one of NV21, NV12, YU12, YV12, MIPI_RAW10, RAW16, RAW_SENSOR, R8G8B8A8, JPEG, found"
 MISSING = [f"1:1: missing field {name}" for name in ("request", "frames", "inputs", "outputs")]
 KNOWN = "$schema, about, algorithms, client, frames, fullAsync, inputs, outputs, photo, properties, request"
-# Text of a file, and its messages without the file's name.
 NAME = "was expecting double-quote to start field name"
 COLON = "was expecting a colon to separate field name and value"
 VALUES = "(JSON String, Number, Array, Object or token 'null', 'true' or 'false')"
+# Text of a file, and its messages without the file's name.
 SYNTAX = [
     ("", "1:1: not JSON: the file is empty"),
     ('{"request": {"id": 1}',
@@ -139,8 +139,8 @@ TAGS = [
      'expected exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
      'mean text?); the tag is BYTES (text)'),
 ]
-# Fields of a request, and its messages without the word "warning".
 SHOT = '"frames": [{"captureResult": {'
+# Text of a file, and its messages without the word "warning".
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
      '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
@@ -193,7 +193,7 @@ WARNINGS = [
 
 
 def check(*texts):
-    """Status and messages of ./run --check over files with these texts; the messages are grouped by file."""
+    """Runs ./run --check on files with these texts. Returns the finished process, and messages by file."""
     names = [f"{i}.json" for i in range(len(texts))]
     for name, text in zip(names, texts):
         Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
@@ -204,7 +204,7 @@ def check(*texts):
 
 
 def severe(line, severity):
-    """A row of the tables above as printed, with its severity after its position."""
+    """Returns a row of the tables above as printed: with the severity after the position."""
     return re.sub(r"^(\d+:\d+: |)", rf"\g<1>{severity}: ", line)
 
 
@@ -224,7 +224,7 @@ def says_each():
 
 
 def warns():
-    """Warnings only stop a run with --strict; samples have none."""
+    """Warnings stop a run only with --strict. Samples cause no warnings."""
     Path("a").write_bytes(bytes(24))
     done, found = check(*(case[0] for case in WARNINGS))
     for (text, *wanted), lines in zip(WARNINGS, found):
@@ -244,7 +244,7 @@ def warns():
 
 
 def says_all_in_order():
-    """Wrong files keep correct ones from running; mistakes common to all frames are reported once."""
+    """If a file is wrong, no file runs. Mistakes common to all frames are reported once."""
     Path("right.json").write_text(request())
     texts = ",\n".join(['"x"'] * 150)
     Path("many.json").write_text(request(
@@ -277,7 +277,7 @@ def takes_comments():
 
 
 def escapes_foreign_text():
-    """Strings of a request and its file's name never reach a terminal as control characters."""
+    """Control characters in a request's strings or its file's name never reach a terminal."""
     attack = "\x1b[2J\x85\u202e"
     whole = json.loads((ROOT / "samples/capture.json").read_text())
     whole["about"] = whole["request"]["type"] = attack
@@ -294,7 +294,7 @@ def escapes_foreign_text():
 
 
 def mutated(text, chance):
-    """The text with one random change."""
+    """Returns the text with one random change."""
     tokens = list(re.finditer(r'"[^"]*"|-?\d[\d.]*|[\[\]{},:]', text))
     one, other = sorted(chance.sample(tokens, 2), key=lambda token: token.start())
     before, between, after = text[:one.start()], text[one.end():other.start()], text[other.end():]
@@ -308,7 +308,7 @@ def mutated(text, chance):
 
 
 def survives_mutations():
-    """A damaged file is either valid or each of its messages has a position; the command never crashes."""
+    """A damaged file is accepted, or all its messages have positions. The command never crashes."""
     chance = random.Random(20)
     folder = Path("mutated")
     folder.mkdir()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests DNG files: all samples of compressed and uncompressed ones, unsupported files, and damaged files.
+"""Tests DNG files: all samples of compressed and uncompressed files, unsupported files, and damaged files.
 
 dng_test.py BUILD_FOLDER
 """
@@ -20,14 +20,14 @@ NO_DNG = "not a DNG file, or a damaged one: no header with a DNGVersion in it"
 
 
 def sensor(bits):
-    """Steps of all sizes, including the values that the decoder uses as markers."""
+    """Returns samples with steps of all sizes, including the values that the decoder uses as markers."""
     rows = [[(x * x * 977 + y * 2731 * (x % 3)) % (1 << bits) for x in range(32)] for y in range(24)]
     rows[5][7:12] = [value % (1 << bits) for value in (0xA5C3, 0x5A3C, 0, 0xFFFF, 0x8000)]
     return rows
 
 
 def run_with(option, contents):
-    """The output of ./run for requests with these files as input, shot0.dng and so on."""
+    """Runs a request for each content of a DNG file. The files are shot0.dng, shot0.json and so on."""
     requests = []
     for i, content in enumerate(contents):
         Path(f"shot{i}.dng").write_bytes(content)
@@ -46,7 +46,7 @@ def takes_every_sample():
     files += [{"bits": bits, "backwards": True, "big_endian": bits == 12, **blocks}
               for bits in (8, 12, 16) for blocks in ({"tile": (18, 16)}, {"rows_per_strip": 10})]
     files.append({"bits": 12, "components": 2, "thumbnail": True, "tile": (40, 32), "big_endian": True})
-    # LibRaw only crops to the active area and scales when it develops.
+    # LibRaw crops to the active area, and scales, only when it develops an image.
     files.append({"bits": 12, "extra": [(50829, SHORT, [1, 1, 23, 31]), (50714, SHORT, [64])]})
     done = run_with(["--out", "out"], [dng(sensor(file["bits"]), **file) for file in files])
     expect(f"DNG files: {done.stderr}{done.stdout[-300:]}", 0, done.returncode)
@@ -70,7 +70,7 @@ def refuses():
         (dng(rows, compression=34892), "Compression: expected 1 or 7, found 34892"),
         (dng(rows, compression=7), "damaged: strip or tile 0 lacks 768 of 768 samples"),
         (dng(rows, tile=(16, 12), strips=3), "expected 4 strips or tiles, found 3"),
-        # The second tile's header, which LibRaw interprets as the end of all tiles.
+        # The second tile begins with an end marker, which LibRaw interprets as the end of all tiles.
         (b"\xff\xd8".join(packed.rsplit(b"\xff\xd8", 1)[:1]) + b"\xff\xd9" + packed.rsplit(b"\xff\xd8", 1)[1],
          "damaged: strip or tile 1 lacks 384 of 384 samples"))
     done = run_with(["--check"], [content for content, _ in table])
