@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Changes tags of samples, one at a time, and compares the effects with ./run --explain: explain_test.py
-BUILD_FOLDER [--all]. Without --all, some of the samples. Then checks the output of known cases."""
+BUILD_FOLDER [--all]. Without --all, uses only some of the samples. Also checks the output of known cases."""
 
 import concurrent.futures
 import json
@@ -13,9 +13,9 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import BUILD, ROOT, failures, finish, run  # noqa: E402
 
 CHANGES_PER_SAMPLE = 12
-SIDE = 64  # Small frames: the pixels do not matter.
+SIDE = 64  # Frames are small, because the pixels do not matter.
 
-# sample | parameter | all tags that it depends on, with the frames; found manually in the library's source
+# sample | parameter | all tags that affect the parameter, with their frames; found manually in the source
 KNOWN = """
 hdr7      | parameter/hdr_process_type    | orlu.control.currentModeEx 0-6
 night     | control/film_size             | orlu.control.filmSize 0
@@ -29,7 +29,7 @@ def run_in(folder, *arguments):
 
 
 def small(sample):
-    """The request with small frames, each with its own copy of all tags."""
+    """Returns the request with small frames, each with its own copy of all tags."""
     request = json.loads(sample.read_text())
     if "photo" in request:
         request["photo"] = str(sample.parent / request["photo"])
@@ -48,7 +48,7 @@ def small(sample):
 
 
 def other(value, chance):
-    """Another value of the same type; None if the tag can only be removed."""
+    """Returns another value of the same type; None if the tag can only be removed."""
     if isinstance(value, bool) or value is None:
         return None
     if isinstance(value, (int, float)):
@@ -68,7 +68,7 @@ def other(value, chance):
 
 
 def changes(request, chance):
-    """Requests with one changed tag each, with the frame and the tag's name."""
+    """Yields requests with one changed or removed tag, each after the frame and the tag's name."""
     places = [(index, store, tag) for index, frame in enumerate(request["frames"]["each"])
               for store in ("captureResult", "composition") for tag in frame[store]]
     for index, store, tag in chance.sample(places, min(CHANGES_PER_SAMPLE, len(places))):
@@ -83,7 +83,7 @@ def changes(request, chance):
 
 
 def handed_over(report):
-    """All values of each parameter in order, and the algorithm list."""
+    """Returns all values of each parameter in order, and the algorithm list."""
     values = {}
     for parameter in report["parameters"]:
         values.setdefault(f"{parameter['section']}/{parameter['key']}", []).append(parameter["hex"])
@@ -109,7 +109,7 @@ def check_samples(samples, folder):
         originals.append(files[0])
         changed += files
         places.append([place[:2] for place in requests])
-    # Uses one process for all, because starting one costs as much as several requests.
+    # Each process runs many requests, because starting a process takes as long as several requests.
     with concurrent.futures.ThreadPoolExecutor() as pool:
         explained = pool.submit(run_in, folder, "--explain", "all", "--json", "explained", *originals)
         plain = pool.submit(run_in, folder, "--json", "plain", *changed)
@@ -128,7 +128,7 @@ def check_samples(samples, folder):
 
 
 def unexplained(sample, trials, places, handed):
-    """Returns the effects that trials did not find, and the number of changes with an effect."""
+    """Returns the effects that the trials missed, and the number of changes with an effect."""
     problems = [f"{sample.stem}: {trials['problem']}"] if trials["problem"] else []
     named = {}
     for tag in trials["tags"]:
@@ -161,7 +161,7 @@ def known_problems(sample, trials):
 
 
 def check_printed(folder):
-    """A request with a tag for each kind of result: these lines must be printed in full."""
+    """Checks the lines about tags that are overridden, of a wrong type, or never read."""
     folder.mkdir()
     request = small(ROOT / "samples/capture.json")
     frame = request["frames"]["each"][0]

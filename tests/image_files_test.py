@@ -18,7 +18,7 @@ from image_files import dng, png, read_pgm, read_png, tiff  # noqa: E402
 
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
-# DNG files cannot be this small.
+# DNG files must be larger.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
 REFUSED = "run: 1 error and 0 warnings in 1 of 1 file; nothing runs"
@@ -44,8 +44,7 @@ def write_files():
         "padded.raw": b"header" + little_endian_rows(SAMPLES, 40),
         "packed.raw10": packed10_rows(SAMPLES, 20),
         "tight.nv21": bytes(sum(GRAY, [])) + bytes([128]) * (WIDTH * HEIGHT // 2),
-        # Padding rows of the luma plane and a chroma plane with another stride are between and after the
-        # planes.
+        # The chroma plane comes first and has another stride. Two rows of padding follow the luma.
         "planes.yuv": b"\x80" * 150 + gray_rows + b"\xee" * 40,
         "a.dng": dng(SENSOR, white=1023, rows_per_strip=5),
         "packed.dng": dng(SENSOR, bits=10, big_endian=True),
@@ -61,7 +60,7 @@ def write_files():
 
 
 def run_requests(*requests, check=False):
-    """Runs the requests, as shot0.json and so on, with one command."""
+    """Writes the requests to shot0.json and so on, and runs them with one command."""
     files = [Path(f"shot{i}.json") for i in range(len(requests))]
     for file, request in zip(files, requests):
         file.write_text(json.dumps(request))
@@ -75,7 +74,7 @@ def request(*inputs):
 
 
 def takes_raw():
-    """All file formats pass the same samples to the library, which copies them to the output."""
+    """The library gets the same samples from each kind of file, and copies them to the output."""
     size = {"width": WIDTH, "height": HEIGHT}
     images = (
         {"file": "tight.raw", "format": "RAW16", **size},
@@ -113,7 +112,7 @@ def takes_pictures():
 
 
 def takes_several():
-    """Every image has its own file, next to images of the photo; only the photo's frame is measured."""
+    """Images from files can be mixed with images from the photo. Only the latter are measured for noise."""
     mixed = request({"format": "NV21"}, {"file": "gray.png", "format": "NV21", "frame": 1})
     mixed.update(photo=str(ROOT / "samples/photos/table.jpg"), frames={
         "count": 2, "noise": 5, "width": WIDTH, "height": HEIGHT, "common": {"captureResult": {

@@ -21,7 +21,7 @@ RATIONAL, BYTE, TEXT = 5, 1, 2
 
 
 def imported(*arguments):
-    """The files written, and the messages without the files' names."""
+    """Runs import. Returns the request written, and the lines printed."""
     done = run("import", *arguments, "--out", "made/shot.json")
     expect(f"{arguments} {done.stderr}", 0, done.returncode)
     return json.loads(Path("made/shot.json").read_text()), done.stdout.splitlines()
@@ -38,7 +38,7 @@ def exif_entries():
 
 
 def jpeg_with_exif(entries=None, degrees=rational(48, 15, 0)):
-    """The 592x400 photo with an EXIF block in front."""
+    """Returns the 592x400 photo with an EXIF block inserted at the start."""
     photo = (ROOT / "samples/photos/table.jpg").read_bytes()
     first = directory([(274, SHORT, [6]), (271, TEXT, b"made by hand\0"), (34665, LONG, [200]),
                        (34853, LONG, [600])], 8, "<").ljust(192, b"\0")
@@ -153,7 +153,7 @@ def reads_exif():
 
 
 def drops_odd_exif():
-    """Fractions with denominator zero are missing values; the first of two speeds is used."""
+    """Fractions with the denominator zero are dropped. Of two sensitivities, the first is used."""
     none = struct.pack("<II", 0, 0)
     Path("odd.jpg").write_bytes(jpeg_with_exif(
         [(33434, RATIONAL, none), (33437, RATIONAL, none), (34855, SHORT, [100, 200])],
@@ -201,7 +201,7 @@ def survives_damage():
 
 
 def png_header(width, height, depth=8, colour=2):
-    """A PNG file of this size without pixels."""
+    """Returns a PNG file with this size in its header, and almost no pixels."""
     def chunk(name, data):
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
     header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, 0))
@@ -209,8 +209,8 @@ def png_header(width, height, depth=8, colour=2):
 
 
 def distrusts_strangers():
-    """Rejects files that would take gigabytes or minutes; never prints a stack trace or an escape
-    sequence."""
+    """Files that would take gigabytes or minutes are rejected or read in part. No control characters are
+    printed."""
     result = ("Dumping camera metadata array: 1 / 1 entries\n"
               " android.sensor.timestamp (e0010): int64[1]\n [5 ]\n")
     exif = jpeg_with_exif()

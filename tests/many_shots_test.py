@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests folders, sweeps, bursts and comparisons, and their output for programs: many_shots_test.py
+"""Tests folders, sweeps, bursts and comparisons, and their machine-readable output: many_shots_test.py
 BUILD_FOLDER"""
 
 import fcntl
@@ -62,7 +62,7 @@ def check_folder(folder):
 
 
 def check_crash(folder):
-    """A library that kills its process affects no other process."""
+    """A library that kills its process does not prevent the other requests."""
     for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
         write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
     result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)
@@ -190,7 +190,7 @@ def check_recorded(folder):
 
 
 def check_terminal(folder):
-    """Progress on a narrow terminal: no line is wrapped, and the last one is cleared."""
+    """Checks the progress on a narrow terminal: no line wraps, and the last line is cleared."""
     try:
         terminal, stderr = pty.openpty()
     except OSError as error:

@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER [--all]
 
-Without --all, it checks about half of the samples' pages.
-A page is a single file without external resources. Its data equals --json. It reports each planted fault, and
-none for samples."""
+Without --all, the test omits about half of the samples. A page must be a single file without external
+resources. Its data must equal --json. It must report each planted fault, and no fault of a sample."""
 
 import base64
 import html.parser
@@ -22,7 +21,7 @@ ENVIRONMENT = {key: value for key, value in os.environ.items()
 PLANTED = BUILD / "planted/planted_algo.so"
 LARGEST_PAGE = 3_000_000
 
-# request, planted fault, the kinds of findings with a word of their text
+# request | planted fault | kinds of findings | part of the findings' text
 FAULTS = """
 padded | | |
 night | inputStride | stride | a stride of 632 instead of 640
@@ -58,7 +57,7 @@ def check(what, is_right, found=""):
 
 
 class References(html.parser.HTMLParser):
-    """The URLs of a page, and elements that are not closed."""
+    """Collects the URLs of a page, and the elements that are not closed."""
 
     def __init__(self):
         super().__init__()
@@ -76,7 +75,7 @@ class References(html.parser.HTMLParser):
 
 
 def read_page(file):
-    """The data of a page, after checks of the page itself."""
+    """Checks a page, and returns its data."""
     text = file.read_text(encoding="utf-8")
     references = References()
     references.feed(text)
@@ -93,7 +92,10 @@ def read_page(file):
 
 
 def run(folder, requests, fault="", status=None, trials="off"):
-    """Trials take most of the time; without them the page lacks the tags that parameters depend on."""
+    """Runs requests, and writes their pages into the folder. Returns the output.
+
+    Trials take most of the time; without them pages lack the tags that parameters depend on.
+    """
     environment = dict(ENVIRONMENT, ORLU_BUILD=str(BUILD), ORLU_TRIALS=trials)
     if fault:
         if not PLANTED.exists():
@@ -108,7 +110,7 @@ def run(folder, requests, fault="", status=None, trials="off"):
 
 
 def request_with(name, folder, **members):
-    """A copy of the sample clarity with these members replaced or added."""
+    """Writes a copy of the sample clarity with these members replaced or added. Returns the file."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     request["photo"] = str(ROOT / "samples/photos/table.jpg")
     request.update(members)
@@ -118,7 +120,7 @@ def request_with(name, folder, **members):
 
 
 def nv21(width, height, stride, seed):
-    """A grey picture of edges and slopes, with this stride."""
+    """Returns the bytes of a grey picture of edges and slopes, with this stride."""
     rows = bytearray()
     for y in range(height):
         rows += bytes((40 + seed + (x * 3 + y // 4) % 160 + (60 if (x - 90) ** 2 + (y - 60) ** 2 < 2500 else 0)) % 256
@@ -127,7 +129,7 @@ def nv21(width, height, stride, seed):
 
 
 def file_requests(folder):
-    """Requests with mistakes in their own files: a wrong stride, a frame of zeros, a repeated frame."""
+    """Writes requests with faulty image files: a wrong stride, a frame of zeros, a repeated frame."""
     width, height = 240, 160
     frames = {"count": 3, "common": json.loads((ROOT / "samples/clarity.json").read_text())["frames"]["common"]}
     pictures = {"a": nv21(width, height, width, 0), "b": nv21(width, height, width, 9),
@@ -165,7 +167,7 @@ def check_faults(folder):
             continue
         data = read_page(page)
         found = [finding["kind"] for finding in data["findings"]]
-        # Each output reports a slanted picture once; its repeated frames are expected.
+        # The frames of the slanted request are equal, so findings of repeated frames are expected.
         found = [kind for kind in found if name != "slanted" or kind != "frame-twice"]
         check(f"{where} findings", found == kinds.split(), f"{found} instead of {kinds}")
         said = " ".join(finding["what"] + " " + finding["why"] for finding in data["findings"])
@@ -206,7 +208,7 @@ def check_images(data, name):
 
 
 def check_against_json(data, report, name):
-    """The page has the same content as --json."""
+    """Checks that the page has the same content as --json."""
     parameters = [(f"orlu.algo.{row['section']}", row["key"], row["type"], row["hex"]) for row in data["parameters"]]
     wanted = [(row["section"], row["key"], row["type"], row["hex"]) for row in report["parameters"]]
     check(f"{name}: other parameters than in --json", parameters == wanted)
@@ -277,7 +279,7 @@ def check_samples(folder):
 
 
 def check_several(folder):
-    """A request crashes the process: the requests before it have pages, the index names those after it."""
+    """After a crash, requests up to the crash have pages, and the index lists the requests after it."""
     pages = folder / "several"
     capture = ROOT / "samples/capture.json"
     run(pages, [ROOT / "samples/no-pass.json", capture, capture], "aborts:process", status=1)
