@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""parameters.txt has a row for every parameter that a golden text writes or the library names.
+"""Checks that parameters.txt has a row for every parameter in a golden text or in the library's source.
 
 parameter_table_test.py ROOT (the project's folder)
 """
@@ -19,7 +19,7 @@ SHOWN_AS = {
     "long": {"LONG", "UNSIGNED_LONG"}, "ints": {"INTS", "RECT", "CROP", "SENSOR_CROP"}, "longs": {"LONGS"},
     "floats": {"FLOATS"}, "doubles": {"DOUBLES"}, "text": {"TEXT"},
 }
-# A section constant and a key, and words that are always keys in the files that read results.
+# A section constant with a key; and words in quotes that are always keys in result_updater*.cpp.
 NAMED_KEY = re.compile(rf'\bk({SECTIONS.title()}),\s*"(\w+)"')
 RESULT_KEY = re.compile(r'"([a-z][a-z0-9]*(?:_[a-z0-9]+)+)"')
 
@@ -44,7 +44,7 @@ def read_table():
 
 
 def size_of(kind, size, values):
-    """Number of bytes of a golden value; "0*8" is eight zeros."""
+    """Returns the number of bytes of a golden value, as text; "0*8" is eight zeros."""
     if size:
         return size
     counts = [re.fullmatch(r".+\*(\d+)", value) for value in values.split()]

@@ -21,7 +21,7 @@ REPLAYED = 8
 
 
 def outcome(*arguments, **how):
-    """Status, standard output and standard error of ./run."""
+    """Runs ./run. Returns its status, standard output and standard error."""
     done = run(*arguments, **how)
     return done.returncode, done.stdout, done.stderr
 
@@ -32,7 +32,7 @@ def request(sample):
 
 TEXTS = ("request.json", "outcome.json", "events.jsonl")
 ANYTHING = r"(?s).*"
-# Syntax errors may contain the token 'null'.
+# Traces of a Java error. Messages about syntax may contain 'null' in quotes.
 STACK = re.compile(r"Exception|(?<!')null")
 
 
@@ -57,7 +57,7 @@ def damage(shot, copy, chance):
 
 
 def joined(text):
-    """The output of info before wrapping for terminals."""
+    """Returns the output of info as before wrapping for terminals."""
     return re.sub(r"\n {5,}", " ", text)
 
 
@@ -83,7 +83,7 @@ def check_damage(shots):
 
 
 def limited(shot):
-    """For each limit: how a recording exceeds it, and the output of info."""
+    """Yields a request that exceeds each limit, and the message that info must print."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
              "memory": "shared"}
@@ -125,13 +125,13 @@ def check_limits(shot):
 
 
 def results(folder):
-    """The outputs without the time of day in their EXIF blocks."""
+    """Returns the outputs without the time of day in their EXIF blocks."""
     return {file.name: re.sub(rb"\d{4}:\d\d:\d\d \d\d:\d\d:\d\d", b"", file.read_bytes())
             for file in sorted(Path(folder).glob("*-out*"))}
 
 
 def check_full_disk():
-    """If the disk of a recording is full, the request has the same results, and one line in the log."""
+    """A full disk stops the recording with one line in the log. The request's results stay the same."""
     alone = ["unshare", "-m"] if os.geteuid() == 0 else ["unshare", "-Urm"]
     mounted = subprocess.run([*alone, "mount", "-t", "tmpfs", "tmpfs", "/mnt"], capture_output=True,
                              check=False)
@@ -143,7 +143,7 @@ def check_full_disk():
     expect("without a recorder", 0, status)
     parameters = [line for line in plain.splitlines() if "parameters" in line]
     has_reason = False
-    # Space for: the folder and its line file; some lines; part of the input; part of the output; no events.
+    # Larger disks become full later: from the first file to the events. The last disk is read-only.
     for size, option in ((4, ""), (8, ""), (300, ""), (700, ""), (900, ""), (4, "ro")):
         script = (f"mount -t tmpfs -o size={size}k tmpfs full && "
                   f"{'mount -o remount,ro full && ' if option else ''}"

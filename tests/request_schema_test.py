@@ -19,7 +19,7 @@ MUTATIONS = 12  # per sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
 
-# Where ./run finds an unknown field, and the schema's definition: "" is the file itself.
+# Place where ./run reports an unknown field, and the schema's definition of it. "" is the file itself.
 FIELDS = {"": "", "request": "", "client": "", "frames": "frameSet", "frames.common": "frameSet",
           "frames.each[0]": "frame", "inputs": "commonInput", "inputs[0]": "input", "outputs[0]": "output"}
 # member of capture.json | value that both the schema and ./run reject
@@ -52,7 +52,7 @@ outputs.0.perFrame                                           | 2
 
 
 def refused(folder, requests):
-    """The numbers of the requests with mistakes according to ./run, each with its first mistake."""
+    """Runs --check. Returns the first mistake of each rejected request, by the request's number."""
     files = []
     for number, request in enumerate(requests):
         files.append(folder / f"{number}.json")
@@ -65,7 +65,7 @@ def refused(folder, requests):
 
 
 def with_member(request, path, value):
-    """A copy with a member set. Names of tags contain dots, so all words after a store are one name."""
+    """Returns a copy with a member set. All after "captureResult" is one name, because tags contain dots."""
     copied = copy.deepcopy(request)
     match = re.fullmatch(r"(.*)\.(captureResult)\.(.*)", path)
     names = [*match.group(1).split("."), match.group(2), match.group(3)] if match else path.split(".")
@@ -88,7 +88,7 @@ def check_wrong(folder, schema, sample):
 
 
 def places(value, path=()):
-    """Each value below, with its path."""
+    """Yields the path of each value within a value."""
     members = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
     for name, member in members:
         yield (*path, name)
@@ -96,7 +96,7 @@ def places(value, path=()):
 
 
 def mutations(samples):
-    """Each sample with one value changed or removed, at a few random places."""
+    """Yields copies of each sample with one random value changed or removed, each after the value's path."""
     chance = random.Random(1)
     for sample in samples:
         for path in chance.sample(list(places(sample)), MUTATIONS):
@@ -112,8 +112,8 @@ def mutations(samples):
 
 
 def check_mutations(folder, schema, samples):
-    """The schema accepts everything that ./run accepts. It cannot detect some mistakes, such as missing
-    files."""
+    """Checks that the schema accepts everything that ./run accepts. The schema cannot detect some mistakes,
+    such as missing files."""
     mutated = list(mutations(samples))
     mistakes = refused(folder, [request for _, request in mutated])
     for number, (path, request) in enumerate(mutated):
@@ -126,7 +126,7 @@ def check_mutations(folder, schema, samples):
 
 
 def check_fields(folder, schema):
-    """Wherever ./run lists the known fields, the schema knows the same fields."""
+    """Checks that the schema has the same fields as the lists of known fields that ./run prints."""
     for inputs in ({"x": 1}, [{"x": 1}]):
         (folder / "fields.json").write_text(json.dumps({
             "x": 1, "request": {"x": 1}, "client": {"x": 1}, "frames": {"x": 1, "common": {"x": 1}, "each": [{"x": 1}]},

@@ -87,7 +87,7 @@ def problems(trace, slice_counts, arrow_points):
     for row in slice_counts.split(","):
         name, count = row.strip().rsplit(" ", 1)
         found = [s for s in slices if name in (s["cat"], s["name"])]
-        # In the category "request", only slices of whole requests.
+        # In the category "request", only slices of whole requests count.
         found = [s for s in found if name != "request" or "verdict" in s["args"]]
         if len(found) != int(count):
             yield f"{len(found)} slices {name} instead of {count}"
@@ -99,7 +99,7 @@ def problems(trace, slice_counts, arrow_points):
 
 
 def wait_ends_with_callback(trace):
-    """A single request: its thread waits exactly while the algorithms run."""
+    """Returns whether a single request's thread waits from the end of process until the callback."""
     at = {s["name"].split(":")[0]: bounds(s) for s in trace["traceEvents"] if s["ph"] == "X"}
     wait, callback, work = at["wait for the callback"], at["callback"], at["algorithms"]
     return at["process"][1] <= wait[0] < work[1] <= callback[0] < wait[1] <= at["results"][0]
@@ -112,8 +112,8 @@ DELAY = 300  # of the callback, ms
 
 
 def measures_stages(folder, sample):
-    """--times: the stages cover the run, and the wait for a slow library is attributed to the library. Returns
-    the times that differ from those of another clock."""
+    """Checks --times: the stages cover the run, and the wait for a slow library counts as the library's time.
+    Returns the times that differ from those of another clock."""
     result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
                  "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
     written = json.loads((folder / "results.json").read_text())
@@ -126,7 +126,7 @@ def measures_stages(folder, sample):
     unequal_times = []
     if not 0.98 * whole <= total <= 1.02 * whole:
         unequal_times.append(f"{sample}: the stages take {total} ms, the whole {whole} ms")
-    # Compared with the trace's clock: the slices of the request and of process calls.
+    # Compares with other clocks: the trace's for the whole request, and the durations of calls.
     trace = json.loads((folder / "timeline.json").read_text())["traceEvents"]
     request = next(event["dur"] / 1000 for event in trace if event.get("name") == f"{sample}.json")
     calls = sum(results["milliseconds"].get(call, 0) for call in ("process", "wait", "update result"))

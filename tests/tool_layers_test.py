@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that no package of the command uses one of a higher layer: tool_layers_test.py"""
+"""Checks that no package of the command uses a package of a higher layer: tool_layers_test.py"""
 
 import re
 import sys

@@ -32,7 +32,7 @@ LAYOUTS = {
 
 
 def said_by(status, *arguments):
-    """The output of ./run; it must exit with this status, or any if None."""
+    """Runs ./run, which must exit with this status (None: any). Returns its output."""
     done = run(*arguments)
     if status not in (None, done.returncode):
         failures.append(f"{arguments}: status {done.returncode} instead of {status}: "
@@ -41,7 +41,7 @@ def said_by(status, *arguments):
 
 
 def planes_of(layout):
-    """Offset, stride, bytes per row and rows of each plane; the memory's size."""
+    """Returns the offset, stride, bytes per row and rows of each plane, and the memory's size."""
     _, _, planes, column, subsampling = layout
     strides = [planes[0][0]] + [planes[-1][0] if len(planes) > 1 else int(planes[0][0] * c)
                                 for c in column[1:]]
@@ -92,7 +92,7 @@ def check_crop(name, layout, folder):
     for part in ("inputs", "outputs"):
         expect(f"{name} {part} area", (NEW_WIDTH, NEW_HEIGHT),
                (found[part][0]["width"], found[part][0]["height"]))
-    # Bytes after the rows of a plane, and after a plane, are kept.
+    # The number of bytes of padding after each row and after each plane stays the same.
     column, subsampling = layout[3], layout[4]
     at = 0
     for i, (old, stride, row_bytes, rows) in enumerate(whole):
@@ -145,7 +145,7 @@ def check_every_layout():
 
 
 def check_samples():
-    """Selects frames and crops images of several samples; checks the number of inputs and outputs left."""
+    """Selects a frame and crops the images of several samples; checks which frames and inputs are left."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
     said_by(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
@@ -162,7 +162,7 @@ def check_samples():
     expect("kinds replayed", len(kinds), said.count(": ran, "))
 
 
-# Items that a private copy omits: kind and value. No file of the copy may contain a secret.
+# Kind and value of each tag that a private copy omits. No file of the copy may contain any of SECRETS.
 IDENTITY = "value that may identify a person or machine"
 PRIVATE = {
     "android.jpeg.gpsLocation": ("location", {"latitude": 48.137, "longitude": 11.575, "time": 1700000000123}),
