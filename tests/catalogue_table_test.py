@@ -59,7 +59,7 @@ def check_once(file, kinds):
         if kind not in kinds:
             failures.append(f"{file.relative_to(ROOT)}:{number}: unknown kind {kind}")
     for name, found in said.items():
-        failures.extend(f"{file.relative_to(ROOT)}: {name} needs {least} row {kind}"
+        failures.extend(f"{file.relative_to(ROOT)}: {name} needs {least} row of kind {kind}"
                         for kind, least in kinds.items() if least and found.count(kind) != least)
 
 
@@ -92,7 +92,7 @@ def check_words(file, keys):
     functions = "".join(source.read_text() for source in (ROOT / "jni").glob("*.cpp"))
     for number, row in rows(file, 3):
         place = f"{file.relative_to(ROOT)}:{number}"
-        failures.extend(f"{place}: nothing is called {word}" for word in re.findall(r'"(\w+)"', row[-1])
+        failures.extend(f"{place}: unknown word {word}" for word in re.findall(r'"(\w+)"', row[-1])
                         if word not in keys)
         failures.extend(f"{place}: there is no function {name}" for name in re.findall(r"\((upda\w+)\)", row[-1])
                         if f"::{name}(" not in functions)

@@ -140,7 +140,7 @@ def check_values(tags):
         if number is None and name not in report["algorithmsAfter"] or number and found.get(name) != int(number):
             failures.append(f"{tag} {value}: {name} {number or 'is not appended'}, but {found.get(name)}")
     if len(claims) < 10 or len(reports) != len(claims):
-        failures.append(f"of {len(claims)} claims on values {len(reports)} were tried")
+        failures.append(f"of {len(claims)} claims on values {len(reports)} were tested")
 
 
 def main():

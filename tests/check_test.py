@@ -208,7 +208,7 @@ def severe(line, severity):
     return re.sub(r"^(\d+:\d+: |)", rf"\g<1>{severity}: ", line)
 
 
-def says_each():
+def reports_each():
     cases = SYNTAX + FIELDS
     for name, value, problem in TAGS:
         shown = name if name.isalnum() else f'"{name}"'
@@ -223,7 +223,7 @@ def says_each():
     expect("status and output", (2, ""), (done.returncode, done.stdout))
 
 
-def warns():
+def reports_warnings():
     """Warnings stop a run only with --strict. Samples cause no warnings."""
     Path("a").write_bytes(bytes(24))
     done, found = check(*(case[0] for case in WARNINGS))
@@ -243,7 +243,7 @@ def warns():
            (done.returncode, done.stderr.count("\n"), done.stdout.endswith("verdict  ok\n")))
 
 
-def says_all_in_order():
+def reports_all_in_order():
     """If a file is wrong, no file runs. Mistakes common to all frames are reported once."""
     Path("right.json").write_text(request())
     texts = ",\n".join(['"x"'] * 150)
@@ -338,6 +338,7 @@ def survives_mutations():
 
 with tempfile.TemporaryDirectory() as temporary:
     os.chdir(temporary)
-    for case in (says_each, warns, says_all_in_order, takes_comments, escapes_foreign_text, survives_mutations):
+    for case in (reports_each, reports_warnings, reports_all_in_order, takes_comments, escapes_foreign_text,
+                 survives_mutations):
         case()
 finish()

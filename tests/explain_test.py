@@ -200,8 +200,8 @@ def main():
         failures.extend(problems)
         failures.extend(check_printed(folder / "printed"))
     if effects < len(samples):
-        failures.append(f"only {effects} changes changed anything")
-    finish(f"All explained: {effects} changes of {len(samples)} samples changed something")
+        failures.append(f"only {effects} changes had an effect")
+    finish(f"All explained: {effects} changes of {len(samples)} samples had an effect")
 
 
 if __name__ == "__main__":

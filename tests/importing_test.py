@@ -208,7 +208,7 @@ def png_header(width, height, depth=8, colour=2):
     return b"\x89PNG\r\n\x1a\n" + header + chunk(b"IDAT", zlib.compress(bytes(99))) + chunk(b"IEND", b"")
 
 
-def distrusts_strangers():
+def limits_foreign_files():
     """Files that would take gigabytes or minutes are rejected or read in part. No control characters are
     printed."""
     result = ("Dumping camera metadata array: 1 / 1 entries\n"
@@ -255,6 +255,6 @@ def cut_dump_notes():
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
     for case in (reads_dump, reads_suite, takes_pictures_by_name_and_size, reads_exif,
-                 drops_odd_exif, survives_damage, distrusts_strangers):
+                 drops_odd_exif, survives_damage, limits_foreign_files):
         case()
 finish()

@@ -45,20 +45,20 @@ def check_folder(folder):
         for result in results["results"]:
             result.pop("milliseconds")
             result["photo"] and expect("SSIM", True, 0 < result["photo"][0]["ssim"] <= 1)
-    expect("side by side, the results", one, several)
+    expect("results with --jobs", one, several)
     expect("order", ["a", "b", "c"], [result["name"] for result in one["results"]])
     timed = run("--jobs", "2", "--quiet", "--junit", "timed.xml", "shots", cwd=folder)
     expect("times of JUnit", (0, True), (timed.returncode, all(
         float(test.get("time")) > 0 for test in ElementTree.parse(folder / "timed.xml").iter("testcase"))))
     printed = run("--jobs", "2", "shots", cwd=folder).stdout
-    expect("order of what is printed", True, printed.index("shots/a") < printed.index("shots/b")
+    expect("order of the output", True, printed.index("shots/a") < printed.index("shots/b")
            < printed.index("shots/c"))
-    expect("two verdicts", 4, printed.count("verdict  ok"))
+    expect("verdicts", 4, printed.count("verdict  ok"))
     pages = run("--jobs", "2", "--report", "pages", "shots", cwd=folder, ORLU_TRIALS="off")
     expect("pages", (0, ["a.html", "b.html", "c.html", "index.html"]),
            (pages.returncode, sorted(page.name for page in (folder / "pages").iterdir())))
     index = (folder / "pages/index.html").read_text()
-    expect("the index has all", [True] * 3, [f'"page":"{name}.html"' in index for name in "abc"])
+    expect("pages in the index", [True] * 3, [f'"page":"{name}.html"' in index for name in "abc"])
 
 
 def check_crash(folder):
@@ -120,7 +120,7 @@ def check_sweep(folder):
         return result.returncode, report["results"], [line.split() for line in result.stdout.splitlines()]
 
     _, runs, _ = sweep("shots/a.json", "--tag", "orlu.control.frameFlag=0:1234567891:2")
-    expect("large ends", "1234567891", runs[-1]["tags"]["orlu.control.frameFlag"])
+    expect("large bounds", "1234567891", runs[-1]["tags"]["orlu.control.frameFlag"])
     status, runs, lines = sweep("shots/a.json", "--jobs", "2", "--tag", "android.jpeg.orientation=0:180:3")
     expect("a range", (0, ["0", "90", "180"]),
            (status, [each["tags"]["android.jpeg.orientation"] for each in runs]))
@@ -234,7 +234,7 @@ def main():
                 "shots")
         (folder / "shots/b.json").write_text("{")
         wrong = run("--jobs", "2", "--check", "shots", cwd=folder)
-        expect("a mistake", (2, "run: errors in 1 of 3 files; nothing runs"),
+        expect("a wrong file", (2, "run: errors in 1 of 3 files; nothing runs"),
                (wrong.returncode, wrong.stderr.splitlines()[-1]))
         checked = json.loads(run("--check", "--json", "-", "shots", cwd=folder).stdout)
         jsonschema.validate(checked, SCHEMA)

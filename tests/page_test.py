@@ -71,7 +71,7 @@ class References(html.parser.HTMLParser):
             self.open.append(tag)
 
     def handle_endtag(self, tag):
-        check("an element ends that is not open:", self.open and self.open.pop() == tag, tag)
+        check("an element is closed that is not open:", self.open and self.open.pop() == tag, tag)
 
 
 def read_page(file):
@@ -80,14 +80,14 @@ def read_page(file):
     references = References()
     references.feed(text)
     references.close()
-    check(f"{file.name} loads something:", all(load.startswith("data:") for load in references.loads),
+    check(f"{file.name} loads a resource:", all(load.startswith("data:") for load in references.loads),
           references.loads)
-    check(f"{file.name} has elements that do not end:", not references.open, references.open)
+    check(f"{file.name} has unclosed elements:", not references.open, references.open)
     outside = [url for url in re.findall(r"(?:https?:)?//[a-z0-9.]+\.[a-z]+[^\s\"')]*", text)
                if not url.startswith("http://www.w3.org/")]
-    check(f"{file.name} names what is elsewhere:", not outside, outside)
+    check(f"{file.name} has external URLs:", not outside, outside)
     check(f"{file.name} is too large:", file.stat().st_size < LARGEST_PAGE, file.stat().st_size)
-    check(f"{file.name} has a part that was not filled in", not re.search(r"@(title|style|script|data)@", text))
+    check(f"{file.name} has a placeholder left", not re.search(r"@(title|style|script|data)@", text))
     return json.loads(re.search(r'<script type="application/json" id="data">(.*?)</script>', text, re.S).group(1))
 
 
@@ -105,7 +105,7 @@ def run(folder, requests, fault="", status=None, trials="off"):
         [ROOT / "run", "--report", folder, "--json", folder.parent / "json", "--out", folder.parent / "out",
          *requests], env=environment, cwd=folder.parent, text=True, capture_output=True, check=False)
     if status is not None:
-        check(f"{requests}, {fault}: a status:", result.returncode == status, f"{result.returncode} {result.stderr}")
+        check(f"{requests}, {fault}: status:", result.returncode == status, f"{result.returncode} {result.stderr}")
     return result.stdout
 
 
@@ -171,23 +171,23 @@ def check_faults(folder):
         found = [kind for kind in found if name != "slanted" or kind != "frame-twice"]
         check(f"{where} findings", found == kinds.split(), f"{found} instead of {kinds}")
         said = " ".join(finding["what"] + " " + finding["why"] for finding in data["findings"])
-        check(f"{where} says", words in said and "%" not in said.replace(" %", ""), f"no “{words}” but: {said}")
+        check(f"{where} findings", words in said and "%" not in said.replace(" %", ""), f"lack “{words}”: {said}")
         tabs = {finding["tab"] for finding in data["findings"]}
-        check(f"{where} leads to", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
+        check(f"{where} wrong tabs:", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
         if fault == "selects":
             base = data["images"]["base"], data["images"]["baseNamedBy"]
-            check(f"{where} compares with", base == (2, "orlu.feedback.frameSelectResult"), base)
+            check(f"{where} is compared with", base == (2, "orlu.feedback.frameSelectResult"), base)
         if fault == "aborts:process":
             images = data["images"]
-            check(where + " no picture of the input", images["lost"] and not images["outputs"] and
+            check(where + " wrong pictures", images["lost"] and not images["outputs"] and
                   ["large" in image for image in images["inputs"]] == [True])
             check(where + " no inputs in the summary", "1 x NV21 512x512" in data["printed"], data["printed"])
             check(where + " no parameters of the process that ended", len(data["parameters"]) > 90)
-            check(where + " no report on the end", "SIGABRT" in data["crash"], data["crash"][:200])
+            check(where + " no crash report", "SIGABRT" in data["crash"], data["crash"][:200])
             check(where + " no explanations", data["explained"]["orlu.algo.control/film_size"]["tags"])
             open_calls = [event["name"] for event in data["trace"] if event.get("args", {}).get("outcome") ==
                           "has not returned"]
-            check(where + " what is open:", open_calls == ["process"], open_calls)
+            check(where + " open calls:", open_calls == ["process"], open_calls)
 
 
 def check_images(data, name):
@@ -199,12 +199,12 @@ def check_images(data, name):
         for size in ("small", "large"):
             if size in image:
                 jpeg = base64.b64decode(image[size].split(",")[1])
-                check(f"{name}: {image['name']} is no JPEG", jpeg[:2] == b"\xff\xd8" and b"\xff\xd9" in jpeg[-64:]
+                check(f"{name}: {image['name']} is no JPEG file", jpeg[:2] == b"\xff\xd8" and b"\xff\xd9" in jpeg[-64:]
                       or image["name"].startswith("output"))
         if "facts" in image:
             pixels = layout["width"] * layout["height"]
             sums = {key: sum(counts) for key, counts in image["facts"]["histogram"].items()}
-            check(f"{name}: {image['name']} has histograms of other pixels", set(sums.values()) == {pixels}, sums)
+            check(f"{name}: {image['name']} has incomplete histograms", set(sums.values()) == {pixels}, sums)
 
 
 def check_against_json(data, report, name):
@@ -215,11 +215,11 @@ def check_against_json(data, report, name):
     last = {(section, key): i for i, (section, key, _, _) in enumerate(wanted)}
     for i, row in enumerate(data["parameters"]):
         is_last = last[wanted[i][:2]] == i
-        check(f"{name}: {row['name']} is replaced or not", row["replaced"] != is_last)
-        check(f"{name}: {row['name']} has no line of source", re.search(r", jni/\w+\.(cpp|h):\d+$", row["place"]),
+        check(f"{name}: {row['name']} has a wrong mark of replacement", row["replaced"] != is_last)
+        check(f"{name}: {row['name']} has no source line", re.search(r", jni/\w+\.(cpp|h):\d+$", row["place"]),
               row["place"])
     put = [(int(frame.split()[1]), tag) for frame, tag, _ in data["put"]]
-    check(f"{name}: other puts", put == [(i, tag) for i, frame in enumerate(report["put"]) for tag in frame], put)
+    check(f"{name}: other values put", put == [(i, tag) for i, frame in enumerate(report["put"]) for tag in frame], put)
     check(f"{name}: another verdict", data["verdict"]["reasons"] == report["verdict"]["reasons"])
     descriptors = [row for row in data["descriptors"] if row[2] != row[3]]
     changed = [(i, field) for i, before in enumerate(report["outputsBefore"]) for field, value in before.items()
@@ -250,14 +250,14 @@ def check_samples(folder):
         reports += json.loads((folder / "json").read_text())["results"]
         check("the index is not named", f"page        {pages}/index.html" in printed)
         index = read_page(pages / "index.html")
-        check("the index has other requests", [entry["page"] for entry in index["entries"]] ==
+        check("the index lists other requests", [entry["page"] for entry in index["entries"]] ==
               [f"{sample.stem}.html" for sample in requests])
     for sample, report in zip(explained + others, reports):
         data = read_page(pages / f"{sample.stem}.html")
         if sample in explained:
             check(f"{sample.stem}: no trials", len(report["trials"]["tags"]) > 100)
-        check(f"{sample.stem}: finds", data["findings"] == [], data["findings"])
-        check(f"{sample.stem}: has no way to the index", data["hasIndex"])
+        check(f"{sample.stem}: has findings:", data["findings"] == [], data["findings"])
+        check(f"{sample.stem}: has no link to the index", data["hasIndex"])
         check_images(data, sample.stem)
         check_against_json(data, report, sample.stem)
         requests = [event for event in data["trace"] if "verdict" in event.get("args", {})]
@@ -265,7 +265,7 @@ def check_samples(folder):
               requests[0]["args"]["file"] == str(sample), requests)
         tags = {line[3] for line in data["log"]}
         check(f"{sample.stem}: has no log", "_V_VASJNI-VRequest" in tags, tags)
-        check(f"{sample.stem}: has log lines from outside", all(line[2] in "VDIWEF" for line in data["log"]))
+        check(f"{sample.stem}: has invalid log lines", all(line[2] in "VDIWEF" for line in data["log"]))
     night = read_page(pages / "night.html")
     names = [event["name"] for event in night["trace"] if event["ph"] == "X"]
     for name in ("translation", "wait for the callback", "results", "algorithms: night, jpegEncode", "callback"):
@@ -287,7 +287,7 @@ def check_several(folder):
     check("several: entries", [entry.get("page") for entry in index["entries"]] ==
           ["no-pass.html", "capture.html", None], index)
     data = read_page(pages / "capture.html")
-    check("several: takes over what was before", data["start"] > 0 and len(data["parameters"]) < 200)
+    check("several: has data of earlier requests", data["start"] > 0 and len(data["parameters"]) < 200)
     check("several: log of the request", any("processImage()" in line[4] for line in data["log"]))
     twice = folder / "twice"
     run(twice, [capture, capture], status=0)

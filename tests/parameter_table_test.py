@@ -65,7 +65,7 @@ def check_golden(file, rows):
                  f"add to {TABLE.relative_to(ROOT)}: {section} {key} {shown} {size} in")
         elif row[0] not in SHOWN_AS.get(kind, {row[0]}) or row[1] not in ("*", size) or "in" not in row[2]:
             fail(file, number, f"writes {section} {key} as {kind}, {size} bytes; its row in "
-                 f"{TABLE.relative_to(ROOT)} says {row[0]} {row[1]} {','.join(row[2])}")
+                 f"{TABLE.relative_to(ROOT)} has {row[0]} {row[1]} {','.join(row[2])}")
 
 
 def check_source(file, rows):

@@ -136,7 +136,7 @@ def check_full_disk():
     mounted = subprocess.run([*alone, "mount", "-t", "tmpfs", "tmpfs", "/mnt"], capture_output=True,
                              check=False)
     if mounted.returncode != 0:
-        print("skipped: no file system of a given size can be mounted here")
+        print("skipped: cannot mount a file system of a given size here")
         return
     Path("full").mkdir()
     status, plain, _ = outcome("--out", "plain", request("capture"))
@@ -164,7 +164,7 @@ def check_full_disk():
             expect(f"{what}: info {out}{err}", True,
                    "not reached: " in out or "request.json: error: no such regular file: " in err)
             has_reason |= "recording failed: java.io.IOException: No space left on device" in out + err
-    expect("a full disk is the reason in some", True, has_reason)
+    expect("a recording that names the full disk", True, has_reason)
 
 
 with tempfile.TemporaryDirectory() as temporary:

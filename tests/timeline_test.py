@@ -134,7 +134,7 @@ def measures_stages(folder, sample):
                                   ("up to process", "results", calls)):
         total = sum(stage["milliseconds"] for stage in stages[STAGES.index(first):STAGES.index(last) + 1])
         if not 0.98 * measured <= total <= 1.02 * measured:
-            unequal_times.append(f"{sample}: {first} to {last} takes {total} ms, by its calls {measured} ms")
+            unequal_times.append(f"{sample}: {first} to {last} takes {total} ms, not {measured} ms")
     # The delay starts inside process.
     process, slow = stages[STAGES.index("process"):][:2]
     if (process["milliseconds"] + slow["milliseconds"] < DELAY

@@ -31,7 +31,7 @@ LAYOUTS = {
 }
 
 
-def said_by(status, *arguments):
+def printed(status, *arguments):
     """Runs ./run, which must exit with this status (None: any). Returns its output."""
     done = run(*arguments)
     if status not in (None, done.returncode):
@@ -109,25 +109,25 @@ def check_crop(name, layout, folder):
         at += new_stride * new_rows + behind
     expect(f"{name} memory", at, len(pixels))
     expect(f"{name} planes", len(pixels), sum(image["planeSizes"]))
-    expect(f"{name} left out", {"request.json", image["file"]}, {file.name for file in folder.iterdir()})
+    expect(f"{name} files", {"request.json", image["file"]}, {file.name for file in folder.iterdir()})
 
 
 def check_every_layout():
     for name, layout in LAYOUTS.items():
         Path(f"{name}.json").write_text(json.dumps(request(name, layout)))
-    said_by(None, "--record", "shots", "--out", "out", *[f"{name}.json" for name in LAYOUTS])
+    printed(None, "--record", "shots", "--out", "out", *[f"{name}.json" for name in LAYOUTS])
     shots = sorted(Path("shots").iterdir())
     expect("recordings", len(LAYOUTS), len(shots))
     for shot, (name, layout) in zip(shots, LAYOUTS.items()):
-        said = said_by(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
-        expect(f"{name} note", True, "note: unchanged tags with sizes or positions" in said)
+        out = printed(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
+        expect(f"{name} note", True, "note: unchanged tags with sizes or positions" in out)
         check_crop(name, layout, Path("cropped") / name)
-    said = said_by(0, "replay", "cropped")
-    expect("replayed", len(LAYOUTS), said.count(": ran, "))
-    expect("said", len(LAYOUTS), said.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
+    out = printed(0, "replay", "cropped")
+    expect("replayed", len(LAYOUTS), out.count(": ran, "))
+    expect("notes", len(LAYOUTS), out.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
     # The middle, aligned for all formats.
-    said = said_by(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + said_by(0, "info", "middle")
-    expect("the middle", True, "cropped to 20x12" in said)
+    out = printed(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + printed(0, "info", "middle")
+    expect("the middle", True, "cropped to 20x12" in out)
     pixels = Path("middle/input0.bin").read_bytes()
     expect("the middle's rows", bytes(value(0, 6, 4 + b) for b in range(20)), pixels[:20])
     for area, problem in {
@@ -139,27 +139,27 @@ def check_every_layout():
         "24,6,12,10": "12x10 from 24,6 exceeds input 0 of 32x24",
         "36,10": "36x10 exceeds input 0 of 32x24",
     }.items():
-        said = said_by(2, "trim", shots[0], "--out", "refused", "--crop", area)
-        expect(area, f"run: error: --crop: {problem}\n", said)
+        out = printed(2, "trim", shots[0], "--out", "refused", "--crop", area)
+        expect(area, f"run: error: --crop: {problem}\n", out)
     expect("nothing is left", False, Path("refused").exists())
 
 
 def check_samples():
     """Selects a frame and crops the images of several samples; checks which frames and inputs are left."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
-    said_by(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
+    printed(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
         frames = recorded(shot)["frames"]
         kept = [len(frames) - 1]
-        said = said_by(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
-        expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: unchanged" in said)
+        out = printed(0, "trim", shot, "--out", f"few/{kind}", "--frames", str(kept[0]), "--crop", "200,160")
+        expect(f"{kind}, a JPEG", kind == "refocus", "input 0 is JPEG: unchanged" in out)
         found = recorded(Path("few") / kind)
         expect(f"{kind} frames", [frames[kept[0]]], found["frames"])
         images = found["inputs"]
         expect(f"{kind} inputs", [0] * inputs, [image["frame"] for image in images])
         expect(f"{kind} files", True, all((Path("few") / kind / image["file"]).exists() for image in images))
-    said = said_by(0, "replay", "few")
-    expect("kinds replayed", len(kinds), said.count(": ran, "))
+    out = printed(0, "replay", "few")
+    expect("kinds replayed", len(kinds), out.count(": ran, "))
 
 
 # Kind and value of each tag that a private copy omits. No file of the copy may contain any of SECRETS.
@@ -193,13 +193,13 @@ def check_private():
         common.setdefault("composition" if name.startswith("my.") else "captureResult", {})[name] = value
     common["composition"] |= {name: "plain" for name in KEPT}
     Path("private.json").write_text(json.dumps(request))
-    said_by(0, "--record", "whole", "--out", "out", "private.json")
+    printed(0, "--record", "whole", "--out", "out", "private.json")
     shot = next(Path("whole").iterdir())
-    listed = said_by(0, "info", "--private", shot)
-    said = said_by(0, "trim", shot, "--out", "private", "--private")
+    listed = printed(0, "info", "--private", shot)
+    out = printed(0, "trim", shot, "--out", "private", "--private")
     for name, (kind, _) in [*PRIVATE.items(), ("debug.dump", ("text", ""))]:
         expect(f"info on {name}", True, f"  {kind}: {name}\n" in listed)
-        expect(f"left out {name}", True, f"  note: left out, {kind}: {name}\n" in said)
+        expect(f"left out {name}", True, f"  note: left out, {kind}: {name}\n" in out)
     for line in ("time of day: recording.milliseconds", "machine: recording.system", "of a JPEG: output0.bin",
                  "names of threads: events.jsonl"):
         expect(f"info on {line}", True, line in listed)
@@ -207,15 +207,15 @@ def check_private():
             if secret.encode() in file.read_bytes()]
     expect("secrets in the copy", [], held)
     expect("info on the copy", "private: nothing found beside the pixels\n",
-           said_by(0, "info", "--private", "private"))
+           printed(0, "info", "--private", "private"))
     copy = recorded(Path("private"))
     expect("what else is kept", True, {"android.sensor.timestamp", "android.sensor.info.colorFilterArrangement"}
            <= set(copy["frames"][0]["captureResult"]))
     expect("names that look private", set(KEPT), set(KEPT) & set(copy["frames"][0]["composition"]))
     expect("properties", {"persist.sys.camera3rd.autotest": "1"}, copy["properties"])
-    said = said_by(0, "replay", "private")
-    expect("the copy runs", True, ": ran, " in said and "trimmed: without private facts" in said)
-    said_by(0, "trim", shot, "--out", "faces", "--private", "--faces")
+    out = printed(0, "replay", "private")
+    expect("the copy runs", True, ": ran, " in out and "trimmed: without private facts" in out)
+    printed(0, "trim", shot, "--out", "faces", "--private", "--faces")
     expect("faces on demand", True, "android.statistics.faces" in Path("faces/request.json").read_text())
 
     # Places where a copy by another tool may have strings, and a JPEG input with an EXIF block.
@@ -228,9 +228,9 @@ def check_private():
     changed["request"]["type"] = "capture for anna@example.org"
     (folder / "request.json").write_text(json.dumps(changed))
     (folder / "outcome.json").write_text(json.dumps({"failed": "no space in /home/anna"}))
-    said = said_by(0, "info", "--private", folder) + said_by(0, "trim", folder, "--out", "jpeg", "--private")
+    out = printed(0, "info", "--private", folder) + printed(0, "trim", folder, "--out", "jpeg", "--private")
     for line in ("text: request.type", "text: outcome.json, failed"):
-        expect(f"info on {line}", True, line in said)
+        expect(f"info on {line}", True, line in out)
     expect("secrets elsewhere", False, b"anna" in Path("jpeg/request.json").read_bytes())
     plain = Path("jpeg/input0.bin").read_bytes()
     expect("EXIF", (True, False), (b"Exif" in jpeg, b"Exif" in plain))
