@@ -199,7 +199,8 @@ def check_images(data, name):
         for size in ("small", "large"):
             if size in image:
                 jpeg = base64.b64decode(image[size].split(",")[1])
-                check(f"{name}: {image['name']} is no JPEG file", jpeg[:2] == b"\xff\xd8" and b"\xff\xd9" in jpeg[-64:]
+                check(f"{name}: {image['name']} is not a JPEG",
+                      jpeg[:2] == b"\xff\xd8" and b"\xff\xd9" in jpeg[-64:]
                       or image["name"].startswith("output"))
         if "facts" in image:
             pixels = layout["width"] * layout["height"]

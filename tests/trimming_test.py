@@ -119,7 +119,8 @@ def check_every_layout():
     shots = sorted(Path("shots").iterdir())
     expect("recordings", len(LAYOUTS), len(shots))
     for shot, (name, layout) in zip(shots, LAYOUTS.items()):
-        out = printed(0, "trim", shot, "--out", f"cropped/{name}", "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
+        out = printed(0, "trim", shot, "--out", f"cropped/{name}",
+                      "--crop", f"{X},{Y},{NEW_WIDTH},{NEW_HEIGHT}")
         expect(f"{name} note", True, "note: unchanged tags with sizes or positions" in out)
         check_crop(name, layout, Path("cropped") / name)
     out = printed(0, "replay", "cropped")
