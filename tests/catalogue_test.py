@@ -14,7 +14,7 @@ from command import ROOT, failures, finish, run  # noqa: E402
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
 # Samples whose runs are compared with the statements: one with processed input, one with raw input.
 SAMPLES = ("capture", "hdr5")
-# Tags whose values need another sample than capture.json, or another algorithm than jpegEncode: both.
+# For tags whose values need others than capture.json and jpegEncode: the sample and the algorithm to request.
 BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
          "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 

@@ -27,7 +27,7 @@ def sensor(bits):
 
 
 def run_with(option, contents):
-    """Runs a request for each content of a DNG file. The files are shot0.dng, shot0.json and so on."""
+    """Writes the contents to shot0.dng and so on, and runs a request with each of these files as input."""
     requests = []
     for i, content in enumerate(contents):
         Path(f"shot{i}.dng").write_bytes(content)

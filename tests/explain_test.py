@@ -68,7 +68,7 @@ def other(value, chance):
 
 
 def changes(request, chance):
-    """Yields requests with one changed or removed tag, each after the frame and the tag's name."""
+    """Yields (frame, tag, request with this tag changed or removed), for random tags."""
     places = [(index, store, tag) for index, frame in enumerate(request["frames"]["each"])
               for store in ("captureResult", "composition") for tag in frame[store]]
     for index, store, tag in chance.sample(places, min(CHANGES_PER_SAMPLE, len(places))):

@@ -99,7 +99,7 @@ completed() {
     esac
   done
 }
-# Bash only defines this during completion.
+# Bash defines compopt only during completion.
 # shellcheck disable=SC2317 # the completion calls it
 compopt() { :; }
 # shellcheck disable=SC1091 # it was written above

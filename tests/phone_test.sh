@@ -39,7 +39,7 @@ chmod +x "$work/bin/adb"
 export WORK=$work PHONES='a1\tdevice' PATH=$work/bin:$PATH ORLU_PHONE_FOLDER="$work/on phone"
 unset ANDROID_SERIAL
 
-# expect STATUS TEXT ARGUMENT...: expects this status and text of phone.sh.
+# expect STATUS TEXT ARGUMENT...: runs phone.sh, and expects this status and an output with this text.
 expect() {
   local status=0 said
   said=$("$phone" "${@:3}" 2>&1) || status=$?

@@ -57,7 +57,7 @@ def damage(shot, copy, chance):
 
 
 def joined(text):
-    """Returns the output of info as before wrapping for terminals."""
+    """Returns the output of info with wrapped lines joined."""
     return re.sub(r"\n {5,}", " ", text)
 
 

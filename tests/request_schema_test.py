@@ -65,7 +65,7 @@ def refused(folder, requests):
 
 
 def with_member(request, path, value):
-    """Returns a copy with a member set. All after "captureResult" is one name, because tags contain dots."""
+    """Returns a copy with a member set. Everything after "captureResult" is one name: tags contain dots."""
     copied = copy.deepcopy(request)
     match = re.fullmatch(r"(.*)\.(captureResult)\.(.*)", path)
     names = [*match.group(1).split("."), match.group(2), match.group(3)] if match else path.split(".")
@@ -96,7 +96,7 @@ def places(value, path=()):
 
 
 def mutations(samples):
-    """Yields copies of each sample with one random value changed or removed, each after the value's path."""
+    """Yields (path, copy of a sample with the value at this path changed or removed), for random paths."""
     chance = random.Random(1)
     for sample in samples:
         for path in chance.sample(list(places(sample)), MUTATIONS):

@@ -108,7 +108,7 @@ def wait_ends_with_callback(trace):
 STAGES = ["frames of the photo", "client created", "compositions made", "images mapped", "call prepared",
           "up to process", "process", "the algorithms", "wake-up", "results", "events read",
           "pictures written", "client destroyed"]
-DELAY = 300  # of the callback, ms
+DELAY = 300  # delay of the callback, ms
 
 
 def measures_stages(folder, sample):

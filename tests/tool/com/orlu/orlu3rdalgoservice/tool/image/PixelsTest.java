@@ -18,7 +18,7 @@ import java.util.Random;
 
 /** Tests the place of each sample in each format's memory, and computations on samples. */
 public final class PixelsTest {
-    /** The initial content of the memory; never a value of these pictures. */
+    /** Initial content of the memory; the pictures never contain this value. */
     private static final byte UNTOUCHED = (byte) 0xEE;
 
     private static ImagePlan plan(PixelFormat format, int width, int height, int stride, int bits) {
@@ -36,7 +36,7 @@ public final class PixelsTest {
         return ByteBuffer.wrap(HexFormat.of().parseHex(text.replace(" ", ""))).order(ByteOrder.LITTLE_ENDIAN);
     }
 
-    /** Four blocks of two by two pixels: red and green above blue and white. */
+    /** Returns four blocks of two by two pixels: red and green above blue and white. */
     private static Picture blocks() {
         Picture picture = new Picture(4, 4);
         for (int y = 0; y < 4; ++y) {
