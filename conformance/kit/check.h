@@ -21,16 +21,16 @@ struct Check {
 const std::vector<Check>& allChecks();
 
 // Fails the check unless the condition holds. The streamed text is the evidence; reports print nothing else.
-#define HOLDS(condition)         \
-  GTEST_AMBIGUOUS_ELSE_BLOCKER_  \
-  if (condition) {               \
-  } else /* NOLINT: a macro's */ \
+#define HOLDS(condition)          \
+  GTEST_AMBIGUOUS_ELSE_BLOCKER_   \
+  if (condition) {                \
+  } else /* NOLINT: in a macro */ \
     ADD_FAILURE()
 
 // Add a remark or a warning to the result; neither fails the check. Thread-safe.
 void note(const std::string& text);
 void warn(const std::string& text);
-// Makes the check's process exit without cleanup after the check.
+// Makes the check's process skip its exit handlers when the check has returned.
 void endAtOnce();
 // Exits the check's process now. Failures so far are kept; the rest is reported as "not run: <why>".
 [[noreturn]] void endNotTried(const std::string& why);
@@ -39,11 +39,11 @@ void missCallback();
 
 struct Options {
   std::string library;
-  int patienceSeconds = 10;  // wait for a callback
-  int limitSeconds = 120;    // per check
-  int budgetSeconds = 110;   // for all checks; 0 for no limit
-  double hostileSeconds = 3;
-  double hammerSeconds = 3;  // eight threads at the parameter store
+  int patienceSeconds = 10;   // wait for a callback
+  int limitSeconds = 120;     // per check
+  int budgetSeconds = 110;    // for all checks; 0 for no limit
+  double hostileSeconds = 3;  // of random parameters
+  double hammerSeconds = 3;   // of eight threads that set values
   unsigned seed = 1;
   bool allowNoise = false;  // differing outputs of one request are only a warning
   std::string jvm;          // path of libjvm.so
@@ -62,7 +62,7 @@ struct Outcome {
   double seconds = 0;
 };
 
-// The reason of checks that are skipped because the time budget is used up. The command then fails.
+// Evidence of checks that are skipped because the time budget is used up. The command then fails.
 constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budget)";
 
 // Restarts the time budget.

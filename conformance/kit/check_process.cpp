@@ -27,7 +27,7 @@ bool gEndsAtOnce = false;
 int gReport = -1;  // pipe to the parent process; -1 in the parent
 
 // Sends a message: its kind (F failed, S skipped, W warning, N note, C callback missed, E end), its text and
-// a zero byte. Each is one write, so that messages of different threads don't mix.
+// a zero byte. A message is a single write, so that messages of different threads don't mix.
 void send(char kind, const std::string& text) {
   if (gReport < 0) return;
   const std::string word = kind + text.substr(0, 2000);
@@ -85,7 +85,7 @@ Child start(const Check& check) {
 
 Clock::time_point gStarted = Clock::now();
 constexpr std::chrono::seconds kSilence{2};   // before the first line of progress
-constexpr std::chrono::seconds kProgress{5};  // between two such lines
+constexpr std::chrono::seconds kProgress{5};  // between lines of progress
 constexpr std::chrono::milliseconds kLook{200};
 // After this many checks with a missing callback, the patience drops to 1 s.
 constexpr int kPatientChecks = 2;
@@ -96,7 +96,7 @@ Clock::time_point budgetEnd() {
   return budget == 0 ? Clock::time_point::max() : gStarted + std::chrono::seconds(budget);
 }
 
-// Reads messages until the process closes its end. Returns "" or why the check was given up.
+// Reads messages until the process closes the pipe. Returns "" or the reason for giving up the check.
 std::string listen(const Check& check, int descriptor, std::string& words) {
   const Clock::time_point start_ = Clock::now();
   const Clock::time_point limit = start_ + std::chrono::seconds(options().limitSeconds);
@@ -228,7 +228,7 @@ Outcome runApart(const Check& check) {
   const Child child = start(check);
   std::string words;
   const std::string late = child.pid > 0 ? listen(check, child.words, words) : "can't be started";
-  // The other threads of a hanging process no longer matter.
+  // A hanging process can't clean up.
   if (!late.empty() && child.pid > 0) kill(child.pid, SIGKILL);
   int status = -1;
   if (child.pid > 0) waitpid(child.pid, &status, 0);

@@ -1,11 +1,11 @@
-// The other direction: what the service guarantees to algorithm libraries.
+// The contract between the service and algorithm libraries.
 #pragma once
 
 #include <string>
 
 namespace orlu::conform {
 
-// The guarantees in Markdown. docs/conformance.md contains the same text.
+// Returns the contract in Markdown. docs/conformance.md contains the same text.
 std::string contract();
 
 }  // namespace orlu::conform

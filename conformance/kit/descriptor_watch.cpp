@@ -37,13 +37,13 @@ struct Mapping {
 
 struct Seen {
   std::mutex mutex;
-  std::set<int> callers;            // descriptors that belong to the caller
+  std::set<int> callers;            // descriptors that the kit owns
   std::map<int, std::string> kept;  // closed numbers, and where they were closed
   std::deque<int> keptOrder;
-  std::map<int, std::string> duplicates;  // open ones, and where they were made
+  std::map<int, std::string> duplicates;  // open duplicates, and where they were made
   std::map<uintptr_t, Mapping> mappings;  // of images
   std::vector<std::string> wrong;
-  int nothing = -1;  // open behind kept numbers: reading, mapping and writing it fail
+  int nothing = -1;  // placeholder for kept numbers: reading, mapping and writing it fail
 };
 
 std::atomic<bool> gIsWatching{false};
@@ -97,13 +97,14 @@ int badDescriptor() {
   return -1;
 }
 
-// Makes a kept number available for reuse. The lock is held.
+// Makes a kept number available for reuse. Closes its placeholder if `isClosed`. Requires the lock.
 void giveUp(Seen& all, int fd, bool isClosed) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
   if (isClosed) plainClose(fd);
 }
 
+// Records a number that a placeholder occupies; gives up the oldest if there are too many. Requires the lock.
 void keep(Seen& all, int fd, const std::string& text) {
   all.duplicates.erase(fd);
   all.kept[fd] = text;
@@ -158,7 +159,7 @@ std::vector<std::string> DescriptorWatch::takeLeft() {
   const std::lock_guard<std::mutex> lock(seen().mutex);
   std::vector<std::string> left;
   for (const auto& [fd, made] : std::exchange(seen().duplicates, {})) {
-    // fclose() and closedir() close their descriptor unseen.
+    // fclose() and closedir() close their descriptors without calling the watched close().
     if (plainFcntl(fd, F_GETFD, nullptr) >= 0) left.push_back(std::to_string(fd) + " of " + made);
   }
   for (const auto& [begin, mapping] : std::exchange(seen().mappings, {})) {
@@ -191,7 +192,7 @@ int watchedClose(int fd, const void* caller) {
   }
   if (all.callers.count(fd) != 0) {
     all.wrong.push_back(text + " of the caller's descriptor");
-    return 0;  // as success would, so that the caller continues
+    return 0;  // reports success, so that the library continues
   }
   if (plainFcntl(fd, F_GETFD, nullptr) < 0) {
     all.wrong.push_back(text + " of a number that is not open");

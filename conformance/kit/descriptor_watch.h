@@ -17,11 +17,12 @@ public:
   ~DescriptorWatch();
 
   static bool canSee();
-  // Until they are forgotten, closing or replacing these descriptors is a fault of the library.
+  // From now on, closing or replacing these descriptors is a fault of the library.
   void lend(const std::vector<int>& descriptors);
+  // Ends lend() for these descriptors.
   void forget(const std::vector<int>& descriptors);
-  // Numbers that the library closed are occupied for a while, so that they are not reused and a second close
-  // is detected. Returns how many descriptors are open for this reason.
+  // Returns the number of placeholders: they occupy descriptor numbers that the library closed, so that the
+  // numbers are not reused for a while and a second close is detected.
   int kept() const;
   // Returns and clears the faults since the last call.
   std::vector<std::string> takeWrong();

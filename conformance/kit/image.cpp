@@ -15,7 +15,7 @@ bool isYuv(int32_t format) {
   return format == kFormatNv21 || format == kFormatNv12;
 }
 
-// Bytes of a row without padding.
+// Bytes of a row of any plane without padding.
 int32_t rowBytes(const ImageShape& shape) {
   switch (shape.format) {
     case kFormatRaw16:
@@ -27,7 +27,7 @@ int32_t rowBytes(const ImageShape& shape) {
     case kFormatRgba8888:
       return 4 * shape.width;
     default:
-      // A chroma row has two bytes per two columns; of an odd width, the last pair is half outside.
+      // A chroma row has two bytes for each two columns; an odd width is rounded up.
       return isYuv(shape.format) ? (shape.width + 1) / 2 * 2 : shape.width;
   }
 }
@@ -65,7 +65,7 @@ Image::Image(const ImageShape& shape, int filler) : mShape(shape) {
   mSize = static_cast<size_t>(layOut().size);
   mFd = memfd_create("image", MFD_CLOEXEC);
   mPattern.resize(mSize);
-  // Smooth, so that it can be compressed and aligned; every row differs.
+  // A smooth pattern, which can be compressed and aligned. Neighbouring rows differ.
   for (size_t i = 0; i < mSize; ++i)
     mPattern[i] = static_cast<uint8_t>(i / 7 + static_cast<size_t>(filler) * 31);
   writeAll(mFd, mPattern, 0);

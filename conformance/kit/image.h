@@ -56,7 +56,8 @@ public:
 
   // The record as the service builds it. The image keeps ownership of the descriptors.
   AlgoFrameInfo frame() const;
-  // Handles are allocated separately, so that poisoning a record leaves them intact.
+  // Returns a native handle that the caller owns; null without a hardware buffer. It is allocated apart from
+  // the record, so that overwriting the record leaves it intact.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
@@ -65,7 +66,7 @@ public:
   size_t size() const { return mSize; }
   // The bytes written at construction.
   const std::vector<uint8_t>& pattern() const { return mPattern; }
-  // From top to bottom, plane by plane. Formats without a known layout return all bytes as rows.
+  // Returns the rows of all planes in order. For formats without a known layout, the rows cover all bytes.
   std::vector<PixelRow> rows() const;
   // The current bytes of the image.
   std::vector<uint8_t> bytes() const;
@@ -75,7 +76,7 @@ public:
 
   // False for JPEG and for unknown formats, which have no pixels at known offsets.
   static bool hasKnownLayout(int32_t format);
-  // The formats that the service passes, as named by it.
+  // All formats that the service passes, including kFormatUnknown.
   static const std::vector<int32_t>& formats();
   static constexpr size_t kGuardBytes = 8192;
 
@@ -85,7 +86,7 @@ private:
   const ImageShape mShape;
   size_t mSize = 0;
   int mFd = -1;
-  int mOtherFd = -1;  // first descriptor of a hardware buffer, which has no pixels
+  int mOtherFd = -1;  // second descriptor of a hardware buffer, without pixels
   std::vector<uint8_t> mPattern;
   AlgoNativeHandle* mHandle = nullptr;
 };

@@ -7,7 +7,7 @@
 
 namespace orlu::conform {
 
-// A value that result translation reads, with the exact size that it reads. Recorded in result_reads.inc.
+// A value that result translation reads, and the exact size of this read. Recorded in result_reads.inc.
 struct ResultRead {
   const char* section;
   const char* key;
@@ -30,10 +30,10 @@ constexpr ParameterSize kParameters[] = {
 // Bytes of the largest parameter, "remosaic_eeprom_data".
 constexpr size_t kMostBytes = 8482;
 
-// Upper limit of the values in one block; no request sets as many.
+// Values that a block must store; no request sets as many.
 constexpr size_t kMostValues = 400;
 
-// Algorithms with a name in the service.
+// Names of the service's algorithms.
 constexpr const char* kAlgorithms[] = {
 #include "algorithm_names.inc"
 };

@@ -28,7 +28,8 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// Operations of a thread nest: a callback in process(), a set in a visitor.
+// The running operations of this thread, outermost first. A callback inside process() may call others, and so
+// may a visitor.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 
 }  // namespace

@@ -13,16 +13,18 @@
 
 namespace orlu::conform {
 
-// Records what checks need of each call, and the operation that each thread is in.
+// Records faults and times of calls, and the current operation of each thread.
 class CallObserver : public probe::TableObserver {
 public:
   void before(const probe::WatchedCall& call) noexcept override;
   void after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept override;
 
-  // Exceptions that left a callable: the callable's name, the exception's type and text.
+  // Faults of calls: the callable's name, with the type and text of the exception that left it or with the
+  // result of inspectThread.
   std::vector<std::string> thrown() const;
   double longestProcessMilliseconds() const { return static_cast<double>(mLongestProcess) / 1e6; }
-  // Called on the operation's thread after each operation. Returns "" or what is wrong with the thread.
+  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault of
+  // the thread.
   std::string (*inspectThread)() = nullptr;
 
 private:
@@ -31,8 +33,8 @@ private:
   std::atomic<int64_t> mLongestProcess{0};
 };
 
-// A table with spare bytes for an entry that writes past its end. The layout check reports that fault; the
-// other checks still run.
+// A table with spare bytes behind it, for an entry that writes past the table. The layout check reports this
+// fault; the other checks still run.
 struct SpaciousTable {
   AlgoInterfaceCallbacks table;
   unsigned char behind[512];
@@ -46,7 +48,7 @@ public:
 
   // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table with the observer. Exceptions are recorded; see call().
+  // The process's own table with the observer, which records exceptions; call() catches them.
   const AlgoInterfaceCallbacks& table();
   // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();
@@ -78,6 +80,7 @@ Result call(Result failure, const std::function<Result(Parameters...)>& callable
   }
 }
 
+// The same for a callable without a result.
 template <typename... Arguments>
 void callPlain(const std::function<void(void*)>& callable, Arguments&&... arguments) {
   if (!callable) return;
@@ -87,7 +90,7 @@ void callPlain(const std::function<void(void*)>& callable, Arguments&&... argume
   }
 }
 
-// The reason of checks that are skipped because the library can't be used. The command then fails.
+// Evidence of checks that are skipped because the library can't be used. The command then fails.
 constexpr char kUnusable[] = "the library can't be used; see the checks loading and layout";
 
 // Opens the library for a check, or skips the check.

@@ -80,7 +80,7 @@ private:
   const Check& mCheck;
 };
 
-// Gives each round of --repeat new seeds and a new time budget.
+// Gives each round of --repeat a new seed and a new time budget.
 class Rounds : public testing::EmptyTestEventListener {
   void OnTestIterationStart(const testing::UnitTest& test, int round) override {
     startBudget();
@@ -168,7 +168,7 @@ double positive(const char* text, const char* flag) {
   return number;
 }
 
-// GoogleTest's own seed, with 0 for the time of day.
+// Returns the seed for GoogleTest, which would take 0 as the time of day.
 int shuffleSeed(const char* text) {
   const auto seed = static_cast<int>(positive(text, "shuffle"));
   if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);
@@ -292,7 +292,8 @@ int runChecks() {
 }  // namespace
 }  // namespace orlu::conform
 
-// The kit reports a segmentation fault with the operation that caused it, and the Java VM uses the signal.
+// Leaves signals to the kit, which names the operation that crashed, and to the Java VM, which uses
+// segmentation faults internally.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:handle_abort=0";
 }

@@ -21,12 +21,13 @@ namespace {
 constexpr char kCopy[] = "copy";  // a request without an algorithm
 constexpr int kRepeats = 9;
 constexpr int kMostSeconds = 3600;
-constexpr double kLeastChange =
-    0.05;                      // fraction of a row's time; smaller changes come from caches and clocks
-constexpr double kNoises = 4;  // a change is significant if it exceeds the noise this many times
+// Fraction of a row's time; smaller changes come from caches and clocks.
+constexpr double kLeastChange = 0.05;
+constexpr double kNoises = 4;  // a change is significant if it exceeds the noise by this factor
 constexpr std::array<std::array<int32_t, 2>, 3> kSizes = {
     {{640, 480}, {1920, 1080}, {4080, 3072}}
 };
+
 std::string jsonOf(const PerfRow& row) {
   char text[300];
   std::snprintf(text, sizeof text,
@@ -37,8 +38,8 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// The text after `name` in a line of JSON: a number, or a string without its first quote; "" if the name is
-// absent.
+// Returns the text after `name` in a line of JSON, which starts with a number or a quoted string; "" if the
+// name is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -61,7 +62,7 @@ std::optional<PerfRow> rowOf(const std::string& line) {
   return row;
 }
 
-// Reads a line such as "VmHWM:    1234 kB" of /proc/self/status.
+// Reads a line such as "VmHWM:    1234 kB" of /proc/self/status. Returns 0 if it is absent.
 int64_t kilobytesOf(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -85,7 +86,7 @@ public:
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? jpegOf(shape) : shape, 70);
     const int64_t kilobytes = kilobytesOf("VmRSS:");
-    std::ofstream("/proc/self/clear_refs") << "5";  // restarts the peak
+    std::ofstream("/proc/self/clear_refs") << "5";  // resets VmHWM
     std::vector<double> times;
     for (int i = 0; i <= kRepeats; ++i) {
       const double time = millisecondsOf(algorithm, input, output);
@@ -101,7 +102,7 @@ public:
   }
 
 private:
-  // As many bytes as the pixels have, which a JPEG does not exceed.
+  // An output of width * height bytes; no JPEG here is larger.
   static ImageShape jpegOf(const ImageShape& shape) {
     return {kFormatJpeg, shape.width, shape.height, 0, 0, false};
   }
@@ -175,7 +176,7 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// The relative change of the time since `before`; 0 if the noise of both explains it.
+// Returns the relative change of the time since `before`; 0 if it is within the noise of both.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

@@ -14,8 +14,8 @@ struct PerfRow {
   int32_t height = 0;
   double milliseconds = 0;    // from process() to the callback: the median of the repeated requests
   double noise = 0;           // median absolute deviation of the times
-  int64_t peakKilobytes = 0;  // peak memory of the process, less that before the request
-  int64_t threads = 0;        // peak threads of the process, less those before the client was created
+  int64_t peakKilobytes = 0;  // peak memory of the process, less its memory before the requests
+  int64_t threads = 0;        // most threads of the process, less those before the client was created
 };
 
 // Measures the library of the options in a child process. `algorithms` are names separated by commas; all if

@@ -7,7 +7,7 @@
 
 namespace orlu::conform {
 
-// Shares memory with processes started from now on. Returns false without memory.
+// Shares memory with processes started from now on. Returns false if there is not enough.
 bool shareProgress();
 void unshareProgress();
 
@@ -17,10 +17,10 @@ std::string currentStep();
 // The step and all running operations, for evidence: "; step: the first 50 requests; in flush".
 std::string whereabouts();
 
-// The operation that has been running for longer than `limit`; "" if none has.
+// Returns the name of an operation that has been running for longer than `limit`; "" if there is none.
 std::string overdueOperation(std::chrono::seconds limit);
-// Marks an operation as hanging for processes started from now on. A check that calls it stops and reports
-// "not run".
+// Marks an operation as hanging for processes started from now on. A check that starts this operation stops
+// and reports "not run".
 void noteHang(const std::string& operation);
 
 // The current operation of this thread. Operations of the library have a name: they are timed and must
@@ -37,7 +37,8 @@ private:
   std::string mName;
 };
 
-// This thread is in a callback of the library. An operation that hangs inside a callback may work elsewhere.
+// Marks this thread as running a callback of the library. Operations inside callbacks have their own names,
+// because an operation that hangs there may work elsewhere.
 class CallbackScope {
 public:
   CallbackScope();
@@ -45,7 +46,7 @@ public:
   CallbackScope& operator=(const CallbackScope&) = delete;
   ~CallbackScope();
 };
-// "flush" or "flush inside a callback".
+// Returns "flush", or "flush inside a callback" during a CallbackScope.
 std::string operationName(const std::string& operation);
 
 }  // namespace orlu::conform

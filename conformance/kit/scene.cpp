@@ -17,7 +17,7 @@ const AlgoInterfaceCallbacks& table() {
 
 constexpr int kNotCalled = -1000;
 constexpr std::chrono::milliseconds kShortPatience{300};
-// The types for which the service calls uninit, in its order.
+// The types for which the service calls uninit, in this order.
 constexpr int32_t kUninitTypes[] = {kRequestPreview, kRequestCapture, kRequestType3, kRequestType5};
 
 void appendInt(std::string& bytes, int32_t value) {
@@ -146,7 +146,7 @@ struct Inbox::State {
 };
 
 Inbox::Inbox() : mState(std::make_shared<State>()) {
-  // A late callback of one library must not disturb the next check, so these are never freed.
+  // Never freed, because a callback may arrive after its check.
   static auto* const kept = new std::vector<std::unique_ptr<AlgoResultCallback>>();
   static std::mutex mutex;
   const std::lock_guard<std::mutex> lock(mutex);
@@ -192,7 +192,7 @@ size_t Inbox::count(uint64_t nativeReq, const std::string& name) const {
 bool Inbox::waitFor(uint64_t nativeReq) const {
   static std::atomic<bool> hasMissed{false};
   std::unique_lock<std::mutex> lock(mState->mutex);
-  // After one missing callback, the others are waited for only briefly.
+  // After one missing callback, waits for the others are short.
   const auto limit = hasMissed ? kShortPatience : std::chrono::seconds(options().patienceSeconds);
   const bool came = mState->changed.wait_for(
       lock, limit, [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });

@@ -81,7 +81,7 @@ public:
   bool waitFor(uint64_t nativeReq) const;
   // Discards all callbacks received so far.
   void forget();
-  // `look` is called first on the thread of each callback. Set it before the first request.
+  // Calls `look` on the thread of each callback before storing the message. Set it before the first request.
   void onCallback(std::function<void(const Message&)> look);
 
 private:
@@ -90,7 +90,7 @@ private:
   AlgoResultCallback* mFunction;
 };
 
-// First words of the evidence for a missing callback.
+// The start of the evidence for a missing callback.
 constexpr char kNoCallback[] = "no callback for ";
 
 struct Request {

@@ -1,4 +1,4 @@
-// Tests whether a table matches this declaration without calling or destroying any part of it.
+// Tests whether the callables of a table are valid without calling or destroying them.
 #pragma once
 
 #include <string>

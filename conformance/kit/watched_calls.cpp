@@ -1,4 +1,4 @@
-// Replacements for functions of the C library, used by everything that is loaded into the kit's process.
+// Replacements for functions of the C library. All code that is loaded into the kit's process calls them.
 #include "watched_calls.h"
 
 #include <fcntl.h>
@@ -49,7 +49,7 @@ int plainUnmap(void* address, size_t size) {
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-// The functions need names of their own, because the C library's headers declare the originals differently.
+// The functions have names of their own, because the C library's headers declare the originals differently.
 #define INSTEAD_OF(name) __asm__(#name) __attribute__((visibility("default"), used))
 #define CALLER __builtin_return_address(0)
 

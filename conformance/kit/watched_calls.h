@@ -1,5 +1,5 @@
-// DescriptorWatch's side of the intercepted calls. Each function performs the call and sets errno like the
-// original. `caller` is the return address of the call.
+// The calls that DescriptorWatch intercepts. Each function performs the call and sets errno as the original
+// does. `caller` is the return address of the call.
 #pragma once
 
 #include <sys/types.h>
@@ -8,15 +8,15 @@
 
 namespace orlu::conform {
 
-// Whether calls from this address are watched. The kit's own calls never are.
+// Returns whether calls from this address are watched. The kit's own calls never are.
 bool isWatched(const void* caller);
 
 int watchedClose(int fd, const void* caller);
 // dup, dup2, dup3 and fcntl(F_DUPFD). `to` is -1 if the system chooses the number.
 int watchedDuplicate(const char* call, int from, int to, int leastNumber, int flags, const void* caller);
-// Returns false and sets errno if the library has closed this number.
+// Records a fault, sets errno and returns false if the library has closed this number.
 bool watchedUse(const char* call, int fd, const void* caller);
-// Records a mapping of a descriptor. A fixed mapping may lie inside a larger one.
+// Records a mapping of an image. A fixed mapping may lie inside a larger one.
 void watchedMap(void* address, size_t size, int fd, bool isFixed, const void* caller);
 int watchedUnmap(void* address, size_t size, const void* caller);
 
