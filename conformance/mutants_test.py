@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Runs the check for the fault on every mutant, where it must fail: mutants_test.py BUILD [--all | EMULATOR...].
-With --all, runs every check on every mutant, and compares the failing checks with mutants.txt."""
+"""Tests the checks on mutants: mutants_test.py BUILD [--all | EMULATOR...]. Runs on each mutant the check for
+its fault, which must fail. With --all, runs every check on every mutant, and compares the failing checks with
+mutants.txt."""
 import json
 import os
 import re
@@ -14,12 +15,12 @@ here = Path(__file__).parent
 build = Path(sys.argv[1])
 runs_all = sys.argv[2:] == ["--all"]
 emulator = [] if runs_all else sys.argv[2:]
-# They mostly wait for missing or extra callbacks.
+# Runs of the kit mostly wait for missing or extra callbacks.
 AT_ONCE = 6
-# With shorter waits than for real libraries.
+# Waits are shorter than for real libraries.
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
-# For mutants that the check of threads need not find. It takes most of the time, and a few rounds show a fault
-# that does not depend on how threads meet.
+# Shortens the check `threads`, which takes most of the time, for mutants that only other checks must detect.
+# A few rounds still reveal faults that do not depend on timing.
 FEW_ROUNDS = ["--hammer", "0.1"]
 
 
@@ -42,7 +43,7 @@ def compare(row):
     if not runs_all:
         options = [*options, "--only", row[1].rstrip("?")]
         wanted = {row[1]}
-    # A loaded machine delays callbacks, which looks like a fault. Real faults persist, so try again.
+    # On a loaded machine, late callbacks look like faults. Real faults persist, so repeat the run.
     for _ in range(3):
         found = judge("libmutant_algo.so", mutant, options)
         if wanted <= found and ("any" in allowed or found <= allowed):
@@ -54,13 +55,15 @@ table = (here / "mutants/mutants.txt").read_text()
 rows = [line.split() for line in table.splitlines() if re.match("[a-z]", line)]
 source = "".join(file.read_text() for file in here.glob("mutants/*_mutants.cpp"))
 planted = set(re.findall(r'\{"(\w+)",\s*\w+\s*\}', source))
-wrong = [f"{name} is not in both of mutants.txt and *_mutants.cpp" for name in planted ^ {row[0] for row in rows}]
+wrong = [f"{name} is not in both of mutants.txt and *_mutants.cpp"
+         for name in planted ^ {row[0] for row in rows}]
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]
-# A baseline that was a thousand times faster, and an invalid one.
+# Compares with a baseline that was a thousand times faster, and with an invalid one.
 measure = [*emulator, build / "bin/conform", build / "mutants/libminimal_algo.so", "--perf", "--only", "copy"]
 measured = subprocess.run([*measure, "--json"], capture_output=True, text=True)
-faster = re.sub(r'"(ms|noise)": (\S+),', lambda field: f'"{field[1]}": {float(field[2]) / 1000:.4f},', measured.stdout)
+faster = re.sub(r'"(ms|noise)": (\S+),',
+                lambda field: f'"{field[1]}": {float(field[2]) / 1000:.4f},', measured.stdout)
 for baseline, status in ((faster, 1), ("{}", 2)):
     with tempfile.NamedTemporaryFile("w") as before:
         before.write(baseline)

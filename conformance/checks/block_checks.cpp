@@ -72,7 +72,7 @@ void setSizes(Block& block) {
   block.set(kParameter, kOtherKey, nullptr, 0);
 }
 
-// Records which results are present after requests with every algorithm, and their sizes.
+// Records the sizes of the results that are present.
 void measureResults(Scene& scene, std::map<std::string, size_t>& sizes) {
   for (const ResultRead& row : kResultReads) {
     int status = 0;

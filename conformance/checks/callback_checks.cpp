@@ -8,15 +8,16 @@
 namespace orlu::conform {
 namespace {
 
-// Long enough to be noticed, but shorter than the limit of a hang.
+// How long callbacks are blocked: long enough to be noticed, but less than an operation may take before it
+// counts as hanging.
 std::chrono::milliseconds holdTime() {
   return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
 }
 
-// Shorter, because a flush may have its own timeout.
+// Shorter than holdTime(), because a flush may have its own timeout.
 constexpr std::chrono::milliseconds kFlushHold{500};
 
-// Blocks the first callback until open() or a timeout. Shared with callbacks, because they may arrive late.
+// Blocks the first callback until open() or a timeout. Callbacks co-own it, because they may be late.
 class Gate {
 public:
   explicit Gate(std::chrono::milliseconds hold) : mHold(hold) {}
@@ -126,16 +127,16 @@ void actInside(const Action& action) {
                   << options().patienceSeconds + 5 << " s";
     return;
   }
-  // The callback's thread may still be returning from this call.
+  // The inbox stores the message only after onCallback's function has returned.
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
-  // The thread may also still be returning from the callback.
+  // Before the other members of the scene: the thread may still be returning from the callback.
   scene.client.end();
 }
 
 // Runs the work while a callback of the scene's client is blocked. Returns false if the work did not return
-// in that time.
+// within `hold`.
 bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
   const auto gate = std::make_shared<Gate>(hold);
   scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
@@ -183,16 +184,15 @@ constexpr Work kWorks[] = {
        AlgoInitRecord init;
        init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
        call(-1, Library::open()->table().init, init);
-       // Destroys the client after the callback has returned, or never: a worker may be busy with that
-       // callback.
+       // The client is not destroyed: its worker may be busy with the blocked callback.
      }                                                                                                                                               },
 };
 
 }  // namespace
 
 void checkInside() {
-  // A thread whose callback destroyed its own client returns from the library at an unknown time. It must not
-  // run into the destructors of the process exit.
+  // A thread whose callback destroyed its own client returns from the library at an unknown time. Destructors
+  // at exit could run meanwhile.
   endAtOnce();
   OPEN_LIBRARY(library);
   for (const Action& action : kActions) {

@@ -15,7 +15,7 @@ namespace {
 constexpr int kRefused = -1;
 constexpr uint64_t kRequestsOfClient = 12;
 
-// A client's thread, and the time when its client was destroyed.
+// A client that works on its own thread, and the number of its callbacks after destroyClient.
 struct Worker {
   Client client;
   Inbox inbox;
@@ -151,7 +151,7 @@ void checkConcurrency() {
   threads.reserve(workers.size());
   for (const auto& worker : workers) threads.emplace_back([&worker] { worker->work(); });
   for (std::thread& thread : threads) thread.join();
-  // Callbacks that arrive from now on are too late.
+  // Leaves time for callbacks that arrive after destroyClient.
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
   size_t callbacks = 0;
   for (size_t i = 0; i < workers.size(); ++i) {

@@ -7,9 +7,9 @@
 namespace orlu::conform {
 namespace {
 
-constexpr int kMostMissing = 12;  // after so many missing callbacks, further ones are not waited for
+constexpr int kMostMissing = 12;  // the check stops after this many missing callbacks
 
-// Checks the stored size of a JPEG and that the output is a JPEG.
+// Checks that the output contains a JPEG of the stored size.
 void judgeJpeg(const Scene& scene, const Image& output) {
   int32_t size = 0;
   if (scene.parameters.get(kFeedback, "encoded_jpeg_size", &size, sizeof size) != 0) {
@@ -130,13 +130,13 @@ private:
   bool mIsDone = true;
 };
 
-// Outputs with the inputs' layout and with every other layout that the formats allow; packed raw images have
-// only one.
+// Copies an image to two outputs with this layout and checks that every pixel is written. Packed raw outputs
+// must have the input's strides.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
   if (isPacked && !isSame) return;
-  // The stride of a raw image counts pixels. One as wide as this could also be a number of bytes.
+  // The stride of a raw image counts pixels. From 2 * width on, it could also be a number of bytes.
   if (from.format == kFormatRaw16 && std::max(from.padding, layout.padding) >= 2 * from.width) return;
   ImageShape to = from;
   to.padding = layout.padding;

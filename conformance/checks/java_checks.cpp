@@ -31,8 +31,8 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// Finds JNI_CreateJavaVM in the named library, or else in the first one that loads. Loaded at run time, so
-// that the other checks' processes contain nothing of a VM. If it is missing, returns null and sets `reason`.
+// Finds JNI_CreateJavaVM in the library of the options, or else in the first library that loads. Loads it at
+// run time, so that the processes of other checks contain no VM. On failure returns null and sets `reason`.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
@@ -65,7 +65,7 @@ jint createVm(CreateVm create) {
 #ifdef __ANDROID__
   JavaVMInitArgs arguments = {JNI_VERSION_1_6, 0, nullptr, JNI_TRUE};
 #else
-  // The VM's crash report would be left in the caller's folder.
+  // Without ErrorFile, a crash of the VM leaves a report in the current folder.
   char names[][40] = {"-Xmx64m", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1", "-XX:ErrorFile=/dev/null"};
   JavaVMOption all[std::size(names)] = {};
   for (size_t i = 0; i < std::size(names); ++i) all[i].optionString = names[i];
@@ -74,7 +74,7 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// Returns false without a VM: fails the check if a VM was named, else skips it.
+// Returns false if there is no VM: fails the check if the options name one, else skips the check.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;
@@ -97,9 +97,9 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Count the threads that called back and then exited, attached or not. They are detected by a thread-specific
-// key. Its destructor re-arms as often as the thread library allows, to run after all destructors of the
-// algorithm library.
+// Numbers of threads that exited after calling back: those still attached to the VM, and all. The destructor
+// of a thread-specific key counts them. It sets the key again as often as the thread library allows, so that
+// it runs after the algorithm library's destructors.
 std::atomic<int> gEndedAttached{0};
 std::atomic<int> gEnded{0};
 pthread_key_t gEndKey;

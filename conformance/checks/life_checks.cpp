@@ -1,4 +1,4 @@
-// Checks of the life of clients and of outputs after a client is gone.
+// Checks of the lifetime of clients, and of outputs after their client is destroyed.
 #include <algorithm>
 #include <atomic>
 
@@ -14,7 +14,7 @@ constexpr int kAtOnce = 10;
 constexpr std::chrono::seconds kEnding{3};  // wait for threads of destroyed clients
 constexpr size_t kBytesOfClient = 512;      // growth per client; more is a leak
 
-// Creates a client, submits two requests and destroys it; `waits` for the callbacks in between.
+// Creates a client, submits two requests and destroys it. If `waits`, waits for each callback first.
 void live(Inbox& inbox, bool waits) {
   const Image input;
   const Image output({}, 2);
@@ -40,7 +40,7 @@ void liveAtOnce(Inbox& inbox) {
   inbox.forget();
 }
 
-// Waits until threads and descriptors are back at `before`, for at most kEnding. Returns the growth left.
+// Waits until threads and descriptors are back at `before`, at most kEnding. Returns the remaining growth.
 Holdings settledGrowth(const Holdings& before) {
   const auto end = std::chrono::steady_clock::now() + kEnding;
   Holdings least = Holdings::now() - before;
@@ -93,8 +93,8 @@ void endBusyClients() {
     if (alive == 0) ++late;
   });
   step("destroying a client with requests in flight, ten times");
-  std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>>
-      outputs;  // with their bytes when the client was destroyed
+  // Each output, and its bytes when its client was destroyed.
+  std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>> outputs;
   for (int round = 0; round < 10; ++round) {
     const Image input({kFormatNv21, 640, 480, 0, 0, false}, 3);
     auto output = std::make_unique<Image>(ImageShape{kFormatNv21, 640, 480, 0, 0, false}, 4);

@@ -11,7 +11,7 @@
 namespace orlu::conform {
 namespace {
 
-// Generates random values: sizes near those that the service uses, and any others.
+// Generates random values, most of them in the service's usual sizes, a quarter in other sizes.
 class RandomValues {
 public:
   explicit RandomValues(unsigned seed) : mRandom(seed) {}

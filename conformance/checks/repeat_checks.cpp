@@ -1,5 +1,5 @@
-// Checks that a request always gives the same bytes, whatever memory contained and whichever requests ran
-// before.
+// Checks that a request always gives the same bytes, independent of previous contents of memory and of
+// previous requests.
 #include <algorithm>
 #include <string_view>
 
@@ -23,7 +23,7 @@ std::string withoutFacts(const std::string& jpeg) {
   return i < jpeg.size() ? jpeg.substr(i) : jpeg;
 }
 
-// Blanks EXIF's times of day ("2026:11:26 15:23:50"): a JPEG may be part of any output.
+// Blanks times of day in the form of EXIF ("2026:11:26 15:23:50"), because any output may contain a JPEG.
 std::string withoutTimes(std::string bytes) {
   constexpr std::string_view kForm = "0000:00:00 00:00:00";
   const auto isLike = [](char form, char byte) {
@@ -65,7 +65,7 @@ public:
     return algorithm == "jpegEncode" ? withoutFacts(seen) : withoutTimes(std::move(seen));
   }
 
-  // Runs another picture of another size, to show state that the library keeps between requests.
+  // Runs requests with other pictures, to detect state that the library keeps between requests.
   void runAnother() {
     const Image input({kFormatNv21, 96, 80, 0, 0, false}, 201);
     const Image output({kFormatNv21, 96, 80, 0, 0, false}, 90);
@@ -75,7 +75,7 @@ public:
     request.outputs = {&output};
     submit(mScene.client, mScene.inbox, mScene.parameters, request);
     mScene.inbox.waitFor(mLast);
-    // A picture with the same shape, for a library that keeps buffers by size.
+    // A picture of the same size, for a library that keeps buffers by size.
     const Image same({}, 133);
     request.nativeReq = ++mLast;
     request.inputs = {&same};
@@ -96,7 +96,7 @@ size_t firstDifference(const std::string& one, const std::string& other) {
   return i;
 }
 
-// Reports the difference; a warning with --allow-noise.
+// Fails the check if the bytes differ; with --allow-noise, only warns.
 void report(const std::string& what, const std::string& first, const std::string& second, const char* usual) {
   if (first == second) return;
   const size_t at = firstDifference(first, second);

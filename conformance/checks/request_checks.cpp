@@ -54,7 +54,8 @@ private:
   AlgoProcessRecord* mRecord;
 };
 
-// Lends descriptors of an image to one request. When they are closed, their numbers refer to a decoy file.
+// Lends a duplicate of an image's descriptor to one request. takeBack() makes the number refer to a decoy
+// file.
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
@@ -86,8 +87,8 @@ private:
   std::vector<char> mZeros;
 };
 
-// Runs one request whose record disappears at once, and compares its output with that of a request whose
-// record stays.
+// Runs one request whose record is freed once process() returns. Compares its output with that of a request
+// whose record is kept.
 void runDoomed(bool isHardwareBuffer) {
   Scene scene;
   ImageShape shape;
@@ -127,7 +128,7 @@ void runDoomed(bool isHardwareBuffer) {
       << "the library writes to a file that reuses the number of a descriptor closed after process";
 }
 
-// Submits requests of every kind, each with a name for the evidence.
+// Submits requests of every kind. Each has a name for the evidence.
 class RequestMatrix {
 public:
   void submitOne(const std::string& what, Request request) {

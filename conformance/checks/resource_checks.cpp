@@ -18,7 +18,7 @@ constexpr uint64_t kManyRequests = 2000;
 constexpr uint64_t kFewestForSlope = 300;
 constexpr double kMostSeconds = 6;      // a slow library reaches this before all requests have run
 constexpr double kBytesOfRequest = 16;  // growth per request; more is a leak
-constexpr int kRounds = 3;              // a leak must show in all of them
+constexpr int kRounds = 3;              // growth in every round is a leak
 constexpr std::chrono::seconds kSettle{2};
 
 // Returns false if the callback is missing.
@@ -116,7 +116,8 @@ double slopeOf(const std::vector<Sample>& samples) {
   return square == 0 ? 0 : product / square;
 }
 
-// The slope over the second half of `most` requests, or of as many as there is time for.
+// Runs up to `most` requests, and fewer if kMostSeconds are over; sets `done` to their number. Returns the
+// slope over the second half of them; 0 if a callback is missing.
 double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& done) {
   const Image input;
   const Image output({}, 2);
@@ -158,7 +159,7 @@ std::string listOf(const std::vector<std::string>& left) {
   return text;
 }
 
-// Runs requests of one format and layout, while the neighbouring descriptor numbers belong to other files.
+// Runs requests with one format and layout. Fails the check for leaks and for wrong uses of descriptors.
 void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
   const Image input(shape, 1);
   const Image output(shape, 2);

@@ -18,9 +18,9 @@ namespace {
 constexpr int kThreads = 8;
 constexpr int kKeys = 8;  // per thread and shared block
 constexpr double kDefaultSeconds = 3;
-// In the default time, each with a new shared block, because threads collide more often in a small one.
+// Most rounds in the default time. Each has a new shared block: threads collide more often in a small block.
 constexpr int kRounds = 1000;
-// They run even if the default time is over, because fewer could miss a missing lock.
+// Rounds that run even if the default time is over: fewer might not reveal a missing lock.
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
@@ -38,8 +38,8 @@ std::string getBare(void* block, const std::string& key, size_t size) {
   return status == 0 ? bytes : "";
 }
 
-// Interrupts its thread at irregular intervals, also inside the library, and yields to other threads. A
-// missing lock thus shows even on one processor.
+// Interrupts its thread every 130 us, also inside the library, to let other threads run. This reveals a
+// missing lock even on one processor.
 class Interruptions {
 public:
   Interruptions() {
@@ -74,7 +74,7 @@ private:
   bool mIsMade;
 };
 
-// wait() releases all threads at once.
+// wait() returns when all threads have called it.
 class Barrier {
 public:
   void wait() {
@@ -92,7 +92,7 @@ private:
   std::atomic<int> mTurn{0};
 };
 
-// Collects values that differ from what threads set.
+// Counts values that differ from those that were set.
 struct Wrong {
   int count = 0;
   std::string first;

@@ -13,7 +13,7 @@
 namespace orlu::conform {
 namespace {
 
-// A callable that the service needs, and the consequence if it is missing.
+// A callable that the service requires, and the consequence if it is missing.
 struct Need {
   const char* callable;
   const char* cost;
@@ -69,7 +69,8 @@ struct GuardedTable {
   }
 };
 
-// Returns true if the table matches this declaration. Calls and destroys nothing of it.
+// Tests the layout of a table without calling or destroying its callables. If it differs, fails the check and
+// returns false.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {
@@ -137,7 +138,7 @@ void tryRecords(Scene& scene) {
   step("a process record at the end of a page");
   callBare("process", table.process, *process);
   HOLDS(process.isUntouched()) << "process writes before its record";
-  // A different id, such as the reqId, shows which bytes the library read instead.
+  // A wrong id, such as the reqId, reveals which bytes the library read instead.
   if (!scene.inbox.waitFor(request.nativeReq)) {
     for (const Message& message : scene.inbox.messages()) {
       ADD_FAILURE() << "the callback names request " << hex(message.nativeReq()) << " instead of "
@@ -228,7 +229,7 @@ void checkMandatory() {
 
 void checkLayout() {
   step("a table between guards");
-  // Only calls the entry: the table has not been checked yet.
+  // Without OPEN_LIBRARY, which requires a valid table.
   Library* const library = Library::open();
   if (library == nullptr) GTEST_SKIP() << kUnusable;
   auto* const guarded = new GuardedTable();

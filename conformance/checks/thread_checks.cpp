@@ -15,14 +15,15 @@ struct Entry {
   std::string bytes;
 };
 
-// Bytes that differ for each entry.
+// Returns bytes that differ for each entry.
 std::string distinct(size_t number, size_t size) {
   std::string bytes(size, '\0');
   for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(number * 37 + i * 11 + (number >> 3));
   return bytes;
 }
 
-// All names of the service, and long names that are prefixes of each other or differ only in the last letter.
+// Returns all names of the service, and long names that are prefixes of each other or differ only in the last
+// letter.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {
@@ -60,7 +61,7 @@ std::string wrongValues(const Block& block, const std::vector<Entry>& entries) {
              : std::to_string(wrong) + " of " + std::to_string(entries.size()) + " are wrong; " + first;
 }
 
-// A client with its own pictures, which must not be mixed up with others.
+// A client with its own pictures.
 struct Painter {
   static constexpr size_t kPictures = 6;
   static constexpr ImageShape kShape = {kFormatNv21, 640, 480, 0, 0, false};

@@ -134,8 +134,8 @@ void visitUnderLock(Table& table) {
 }
 
 // threads
-// Replaces the minimal library's store. The list of blocks has a lock; the values of a block have one on
-// request.
+// A block of useLooseStore(), which replaces the minimal library's store. A lock always guards the list of
+// blocks; flags select whether writes and reads of a block's values are locked.
 struct LooseBlock {
   std::mutex mutex;
   std::map<std::string, std::string> values;

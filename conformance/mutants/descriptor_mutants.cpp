@@ -43,7 +43,7 @@ void closeTwice(Table& table) {
     close(own);
   });
 }
-// By then the number may belong to another file.
+// The second close may hit another file that reuses the number.
 void closeAgainLater(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo&) {
     const int own = duplicate(fd);
@@ -84,7 +84,7 @@ void unmapLess(Table& table) {
 }
 void unmapMore(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
-    // Finds a place with free space behind it, so that nothing else is unmapped.
+    // Finds an address with free space behind the mapping, so that nothing else is unmapped.
     const size_t more = sizeOf(frame) + 65536;
     void* const room = mmap(nullptr, more, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     munmap(room, more);

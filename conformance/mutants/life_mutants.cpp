@@ -1,4 +1,4 @@
-// Mutants of outputs, clients, threads and descriptors, after mistakes of real libraries.
+// Mutants of outputs, values, clients and threads, modelled on mistakes of real libraries.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -160,7 +160,7 @@ void finishOutput(Unfinished& all, void* block) {
   close(output->second.second);
   all.outputs.erase(output);
 }
-// Doesn't wait for the workers, which write after their client is destroyed.
+// Writes to outputs after destroyClient has returned, like a library that does not wait for its workers.
 void leaveWorkers(Table& table) {
   static Unfinished all;
   onProcess(table, [](const AlgoProcessRecord& record) { startOutput(all, record); });
@@ -271,7 +271,7 @@ void waitForPrevious(Table& table) {
   out.finishWithCallbacks(table);
   onProcess(table, [](const AlgoProcessRecord&) {
     std::unique_lock<std::mutex> lock(out.mutex);
-    // With a timeout, so that it does not count as a hang.
+    // With a timeout, so that the check `overlap` fails before the call counts as a hang.
     out.changed.wait_for(lock, std::chrono::milliseconds(900), [] { return out.count == 0; });
     ++out.count;
   });

@@ -28,7 +28,7 @@ struct Block {
   std::string raw;
 };
 
-// One lock for everything. It is never held during calls of the caller's functions.
+// Guards the variables below and the blocks. Never held while the caller's functions are called.
 std::mutex gMutex;
 std::condition_variable gDone;
 std::map<void*, int> gPending;  // requests in flight by client
@@ -51,7 +51,8 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// A callback may call into Java, so its thread must be attached to the VM, and detached before it exits.
+// Returns null without a Java VM. A callback may call into Java, so its thread must be attached to the VM,
+// and detached before it exits.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
@@ -60,8 +61,8 @@ JavaVM* findVm() {
   return get != nullptr && get(&vm, 1, &count) == JNI_OK && count > 0 ? vm : nullptr;
 }
 
-// A plane's position and rows. Each image has its own padding: the strides of an output differ from the
-// input's.
+// Offset and stride of a plane in bytes, and its rows without padding. Each image has its own padding: the
+// strides of an output may differ from those of the input.
 struct Plane {
   size_t begin;
   size_t stride;
@@ -114,7 +115,8 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// The record and its descriptors belong to the caller and are invalid after process() has returned.
+// A copy of the record with its own descriptors: the record and its descriptors belong to the caller and are
+// invalid after process() has returned.
 struct Request {
   void* client;
   uint64_t cookie;
@@ -131,8 +133,8 @@ struct Request {
   }
 };
 
-// The client of the callback that this thread is in. Java may flush and destroy the client inside the
-// callback.
+// The client whose callback this thread is sending; null outside callbacks. Java may flush and destroy this
+// client inside the callback.
 thread_local void* tCallingBack = nullptr;
 
 void work(const Request& request) {
@@ -151,8 +153,8 @@ void work(const Request& request) {
 }
 
 int process(const AlgoProcessRecord& record) {
-  // The thread needs this lock before it ends, so it outlives detach(). glibc's detach() reads memory of the
-  // thread that another thread may have unmapped if the thread has ended.
+  // work() takes this lock before it returns, so the new thread can't exit before detach() returns. glibc's
+  // detach() reads memory of the thread, which may be unmapped once the thread has exited.
   const std::lock_guard<std::mutex> lock(gMutex);
   ++gPending[record.client];
   std::thread(work, Request(record)).detach();

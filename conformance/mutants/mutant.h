@@ -36,22 +36,22 @@ std::vector<Mutant> descriptorMutants();
 // The number of calls of the entry in this process.
 extern std::atomic<int> gEntries;
 
-// A callback's bytes: its header, this name, and `payload` zeros.
+// Returns a callback's bytes: its header, this name, and `payload` zeros.
 Bytes message(uint64_t nativeReq, const std::string& name, size_t payload = 0);
 
-// The request id in a callback's bytes.
+// Returns the request id in a callback's bytes.
 uint64_t requestOf(const Bytes& bytes);
 
 // Calls the caller's function with this cookie.
 void sendTo(uint64_t cookie, const Bytes& bytes);
 
-// Intercepts the minimal library's callbacks: `change` is called instead of the caller's function, with the
-// record's algorithm list.
+// Intercepts the minimal library's callbacks: calls change(bytes, send, block, list) instead of the caller's
+// function. `block` is the record's parameter block, `list` its algorithm list.
 template <typename Change>
 void onCallback(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {
     AlgoProcessRecord changed = record;
-    // Called once, then destroyed.
+    // Destroyed when it is called.
     auto* const own = new std::shared_ptr<AlgoResultCallback>(std::make_shared<AlgoResultCallback>());
     **own = [change, own, cookie = record.callbackCookie, block = record.metadata[0].block,
              list = record.algoList](const auto& data, const auto&, const auto&) {
@@ -84,10 +84,10 @@ void delayCallbacks(Table& table);
 // Stores a result in a block, as an algorithm does.
 void leaveResult(const Table& table, void* block, const char* section, const char* key, Bytes bytes);
 
-// Whether the algorithm list starts with this name.
+// Returns whether the algorithm list starts with this name.
 bool asksFor(const std::vector<std::string>& list, const char* name);
 
-// Maps `size` bytes of the caller's file, which may exceed the first output, and calls `change` with them.
+// Calls `change` with a mapping of the first `size` bytes of the caller's file; `size` may exceed the image.
 template <typename Change>
 void touch(int fd, size_t size, Change change) {
   auto* const memory = static_cast<uint8_t*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
@@ -96,8 +96,8 @@ void touch(int fd, size_t size, Change change) {
   munmap(memory, size);
 }
 
-// Changes the first output after the minimal library's work and before its callback. `before` is the output's
-// previous contents.
+// Calls change(frame, before, memory) for the first output after the minimal library's work and before its
+// callback. `before` contains the bytes of the output before process().
 template <typename Change>
 void onFinish(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {

@@ -1,5 +1,5 @@
-// The minimal library with one planted fault, to prove that the kit detects it. ORLU_MUTANT selects the
-// fault; mutants.txt lists the checks that each one fails.
+// The minimal library with one planted fault, to prove that the kit detects the fault. ORLU_MUTANT selects
+// it; mutants.txt lists the checks that each mutant fails.
 #include <dlfcn.h>
 
 #include <algorithm>
