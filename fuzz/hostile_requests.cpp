@@ -41,12 +41,12 @@ namespace {
 using test::env;
 
 constexpr unsigned kSecondsForOne = 60;
-// A request without callback takes ten seconds, so only one of this many has none.
+// Only one request of this many gets no callback, because this takes ten seconds.
 constexpr uint64_t kTimeoutEvery = 2'000;
 
 volatile uint64_t gSeed = 0;
 
-// Also called from signal handlers and by sanitizers before they end the process.
+// Signal handlers and sanitizers also call this function before they end the process.
 void printSeed() {
   char line[80];
   const int length = std::snprintf(line, sizeof line, "\nfailed at --seed %" PRIu64 " --count 1\n", gSeed);
@@ -68,7 +68,8 @@ void watchForDeath() {
 #endif
 }
 
-// The VM writes its complaints to descriptor 1.
+// Returns whether the VM has written warnings to standard output since the last call. Copies them to standard
+// error.
 bool vmComplained() {
   static off_t read = 0;
   char text[4096] = {};
@@ -79,7 +80,7 @@ bool vmComplained() {
   return true;
 }
 
-// Sends one request, with the other native calls around it.
+// Sends one request, with other native calls before and after it.
 class HostileRequestRun {
 public:
   explicit HostileRequestRun(uint64_t seed)
@@ -167,8 +168,8 @@ private:
     });
   }
 
-  // Finishes a full-async request with a hostile request. If that one named another request, finishes it with
-  // a valid one. Synchronous requests are finished already.
+  // Finishes a full-async request with hostile arguments, and then with valid ones in case the hostile
+  // arguments named another request. Synchronous requests are already finished.
   void finish(uint64_t id) {
     bool isFullAsync = false;
     if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(id, isFullAsync)) return;

@@ -1,7 +1,7 @@
-// Soak test: clients on several threads of a Java VM send many requests: --requests N --seed S. It mixes
-// synchronous, full-async, aborted, skipped and timed-out requests. The algorithm library drops, repeats,
-// delays and reorders callbacks, sends them on unattached threads, throws C++ exceptions and leaves Java
-// exceptions pending. Clients are destroyed with requests in flight.
+// Soak test: soak [--requests N] [--seed S]. Clients on several threads of a Java VM send synchronous,
+// full-async, aborted, skipped and timed-out requests. The algorithm library drops, repeats, delays and
+// reorders callbacks, sends them on unattached threads, throws C++ exceptions and leaves Java exceptions
+// pending. Clients are destroyed with requests in flight.
 //
 // Each request ends in one of five ways; the ledger compares its ending with its plan. At the end nothing may
 // be leaked, and memory must not have grown.
@@ -24,8 +24,8 @@ constexpr size_t kClients = 4;
 constexpr uint64_t kRequestsOfAClient = 200;
 constexpr uint64_t kWarmUp = 2'000;
 
-// The body of a thread: runs clients one after another. It tries to finish more announced requests than it
-// sends.
+// The body of a thread: runs clients one after another. After each request it tries to finish two announced
+// requests.
 void sendAll(SoakShared& shared, const SoakArguments& arguments, SoakWatch& watch, uint64_t seed) {
   const test::AttachedThread attached;
   bool isMore = true;
@@ -48,7 +48,7 @@ bool soakClients(uint64_t seed, uint64_t requests, const std::vector<SoakArgumen
                  SoakWatch& watch) {
   Ledger ledger(seed, requests);
   const standin::AlgoScript script = plainSoakScript(ledger);
-  // test::Algo records every call, which a long run has no memory for.
+  // Not through test::Algo: it records every call, and the records of a long run exceed the memory.
   test::setScript(&script);
   {
     SoakShared shared(ledger, seed);
@@ -119,6 +119,6 @@ int main(int argc, char** argv) {
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::fuzz::watchLog();
   const int result = orlu::fuzz::soak(seed, requests);
-  // The VM would have complained about callback threads that leak local references.
+  // The VM also reports callback threads that leak local references.
   return orlu::test::jvmIsQuiet() ? result : 3;
 }

@@ -10,7 +10,7 @@
 namespace orlu::fuzz {
 namespace {
 
-// Waits for a few callbacks, so that there is an order to change.
+// take() waits for this many callbacks at most this long, so that their order can change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

@@ -42,7 +42,7 @@ private:
   };
 
   void run();
-  // Takes one of the callbacks that are due.
+  // Waits for a callback and takes it, at random among those that are due. Returns false at the end.
   bool take(HeldCallback& callback);
 
   std::mutex mMutex;  // guards the members below

@@ -165,7 +165,7 @@ void fillValues(JNINativeInterface_& t) {
   t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
   t.GetObjectField = objectOrNull;
   t.GetObjectArrayElement = objectOrNull;
-  t.GetLongField = always<jlong{0}>;  // the address in a hardware buffer: a closed one
+  t.GetLongField = always<jlong{0}>;  // the address in a hardware buffer; 0 if closed
   t.GetArrayLength = always<kArrayLength>;
   t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
     enter(string);

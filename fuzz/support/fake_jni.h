@@ -8,13 +8,13 @@
 #include <cstddef>
 #include <cstdint>
 
-// One per process.
+// The environment exists once per process.
 namespace orlu::fuzz::fake_jni {
 
 JNIEnv* env();
 // Each byte selects how one call fails. After the last byte, all calls succeed.
 void setChoices(const uint8_t* bytes, size_t size);
-// The result of every method that returns a number.
+// Sets the result of every method that returns a number.
 void setNumber(int32_t number);
 
 jobject newLocal();

@@ -20,7 +20,7 @@ inline uint32_t hostileWord(Random& random) {
   return chance(random, 70) ? kWords[random() % std::size(kWords)] : static_cast<uint32_t>(random());
 }
 
-// Hostile numbers, cut to a length near the value's own.
+// Returns hostile numbers for a value, mostly with a size near the value's own.
 inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& value) {
   const size_t sizes[] = {0, 1, value.size - 1, value.size, value.size, value.size + 1, 100'000};
   standin::ScriptedValue scripted = {value.section, value.key, {}};
@@ -34,7 +34,7 @@ inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& va
   return scripted;
 }
 
-// The operations of the last line are never missing: without them the request would wait for a callback that
+// The operations of the last line are always present: without them the request would wait for a callback that
 // can't arrive.
 // clang-format off
 constexpr const char* kOperations[] = {

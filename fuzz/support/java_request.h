@@ -1,4 +1,4 @@
-// The arguments of the native methods, made by HostileRequest.java. Objects are local references.
+// Arguments of the native methods, created by HostileRequest.java. All objects are local references.
 #pragma once
 
 #include "fixtures.h"

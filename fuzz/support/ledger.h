@@ -21,7 +21,7 @@ public:
   SoakPlan plan(uint64_t request) const { return soakPlan(mSeed, request); }
   const SoakWay& way(uint64_t request) const { return kSoakWays[plan(request).way]; }
 
-  // Record an observation. Thread-safe. The block is the request's parameter block.
+  // Record an observation. Thread-safe. `block` is a request's parameter block.
   void sawBlock(uint64_t request, void* block);
   void sawBlockDestroyed(void* block);
   void sawProcess(uint64_t request) {
@@ -33,8 +33,8 @@ public:
   void sawReturn(uint64_t request) { ++mSeen[request].returned; }
   void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
 
-  // Prints a row per way, and the first few requests with the wrong ending. Returns true if there are none,
-  // and every request is in a column.
+  // Prints a row per way, and the first few requests with a wrong ending. Returns true if there are
+  // none.
   bool print() const;
 
 private:

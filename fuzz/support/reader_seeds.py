@@ -16,7 +16,7 @@ ROWS = [[(x * 37 + y * 101) % 1024 for x in range(32)] for y in range(24)]
 
 
 def small(name):
-    """Returns a sample with small frames. Frames may be a list of the camera's own."""
+    """Returns a sample request with small frames."""
     request = json.loads((root / f"samples/{name}.json").read_text())
     request["frames"] |= {"width": 64, "height": 48, "shift": 0}
     return request

@@ -3,8 +3,8 @@
 
 namespace orlu::fuzz {
 
-// While an object exists, its thread's timed waits on condition variables take a thousandth of their time,
-// and the thread's steady clock advances by the full time. The linker option --wrap replaces these functions
+// While an object exists, timed waits of its thread on condition variables take a thousandth of their time,
+// and the thread's steady clock advances by the full time. The linker option --wrap replaces both functions
 // in the library and the program.
 class ShortWait {
 public:

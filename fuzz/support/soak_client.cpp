@@ -13,11 +13,11 @@
 
 namespace orlu::fuzz {
 
-// The request that this thread is sending, for the functions that this calls on the thread.
+// The request that a thread is sending, for observers of the calls on this thread.
 struct Current {
   uint64_t request;
-  CallbackPool* pool = nullptr;  // gets its callback during process(); null if no pool does then
-  HeldCallback callback = {};    // complete after the library received the request
+  CallbackPool* pool = nullptr;  // receives the callback during process(); may be null
+  HeldCallback callback = {};    // complete once process() is called
   bool hasBlock = false;
   void* cameraBlock = nullptr;  // destroyed when process() has returned
 };
@@ -27,7 +27,7 @@ namespace {
 constexpr int64_t kFrameFlag = 77;
 constexpr int kFlushes = 10;  // each waits two seconds at most
 constexpr jint kLocalReferences = 16;
-constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; the timeout is at half of it
+constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; twice the timeout
 constexpr char kCallbacksClass[] = "com/orlu/fuzz/Callbacks";
 
 thread_local Current* tCurrent = nullptr;
@@ -50,7 +50,8 @@ jobject compositionsOf(SoakKind kind) {
   return kept(test::javaList({composition}));
 }
 
-// Observes the calls to the stand-in: the request's block, its process(), and all destroyed blocks.
+// Observes the calls to the stand-in: the request's block, its process(), and all destroyed blocks. Sends the
+// callbacks of tInDestroyClient.
 void observe(Ledger& ledger, const probe::WatchedCall& call) {
   if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(*call.block);
   if (call.operation == "destroyClient" && tInDestroyClient != nullptr) {
@@ -226,7 +227,7 @@ void SoakClient::finish(uint64_t request, const SoakWay& way, const HeldCallback
   }
 }
 
-// The callback is sent before this client is destroyed.
+// Passes a callback to the pool, which sends it before this client is destroyed.
 void SoakClient::hold(HeldCallback callback, bool isWithoutMemory) {
   callback.pending = &mPending;
   callback.isWithoutMemory = isWithoutMemory;
@@ -259,7 +260,7 @@ void SoakClient::end(int64_t address) {
                                              mArguments.images, compositions);
 }
 
-// Finishes a request that was not announced to Java, but whose id Java knows.
+// Finishes a request that was not announced to Java. Java has guessed its id.
 void SoakClient::finishByName(uint64_t nativeReq) {
   bool isKnown = true;
   for (int i = 0; i < kFlushes && isKnown; ++i) {

@@ -1,5 +1,5 @@
-// A client of the soak, on its own thread that is attached to the Java VM: sends requests as planned, and
-// finishes announced ones.
+// A client of the soak, on its own thread that is attached to the Java VM. Sends requests as planned, and
+// finishes announced requests.
 #pragma once
 
 #include <jni.h>
@@ -36,7 +36,7 @@ struct SoakArguments {
 };
 SoakArguments makeSoakArguments();
 
-// The stand-in's basic script: no algorithms run, and the ledger observes each operation.
+// Returns the stand-in's basic script: no algorithms run, and the ledger observes each operation.
 standin::AlgoScript plainSoakScript(Ledger& ledger);
 
 class SoakClient {
@@ -52,7 +52,7 @@ public:
   bool endOne();
 
 private:
-  // Returns whether the request timed out.
+  // Sends the request and returns whether it timed out.
   bool processImage(Current& current, const SoakWay& way);
   void finish(uint64_t request, const SoakWay& way, const HeldCallback& callback);
   void hold(HeldCallback callback, bool isWithoutMemory = false);

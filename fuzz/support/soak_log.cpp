@@ -32,7 +32,7 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// Ignores missing tags, because these requests carry few.
+// Its errors are ignored: they report missing tags, and these requests have few tags.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

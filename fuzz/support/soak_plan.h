@@ -42,8 +42,8 @@ enum class SoakCallbacks : uint8_t {
   kInDestroyClient,  // by the library, while it destroys its client
   kAfterFinish,      // after Java, which guessed the id, has finished the request
   kFinishOnly,       // not sent: Java finishes the request, and the client's destruction destroys its block
-  kThrowing,         // and the call into Java throws
-  kWithoutMemory     // and the map for Java can't be allocated; Java finishes the request by its id
+  kThrowing,         // once, and the call into Java throws
+  kWithoutMemory     // once, but the map for Java can't be allocated; Java finishes the request by its id
 };
 
 // A row of the ledger.
@@ -111,7 +111,7 @@ constexpr SoakFault kSoakEndFaults[] = {
 };
 // clang-format on
 
-// The other allowed ending of a race; kNone for all other ways.
+// Returns the other allowed ending of a race; kNone for ways without a race.
 constexpr Ending otherEnding(const SoakWay& way) {
   if (way.callbacks != SoakCallbacks::kRacing) return Ending::kNone;
   return isFullAsync(way.kind) ? Ending::kUnannounced : Ending::kTimedOut;

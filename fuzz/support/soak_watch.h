@@ -22,7 +22,8 @@ inline bool same(const char* what, int before, int after) {
   return before == after;
 }
 
-// Whether the stand-in's resources are as before and the map contains no request from `firstId` on.
+// Prints the stand-in's resources. Returns whether they are as before and the map contains no request from
+// `firstId` on.
 inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   const standin::AlgoCounts after = test::Algo::counts();
   bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);
@@ -64,7 +65,7 @@ public:
     const auto grown = static_cast<double>(last.allocated - first.allocated);
     std::printf("slope of the second half: resident %.2f, allocated %.2f bytes for each request\n",
                 static_cast<double>(last.resident - first.resident) / requests, grown / requests);
-    // The VM's own buffers vary.
+    // Variation of the VM's own buffers, in bytes.
     constexpr double kNoise = 1024.0 * 1024.0;
     constexpr double kBytesForEach = 4.0;
     return grown <= kNoise + kBytesForEach * requests;

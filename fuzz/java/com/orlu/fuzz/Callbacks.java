@@ -10,7 +10,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 
-/** Records what the native side reports, from construction on. Soak tests take the finished requests. */
+/** Listens to callbacks from construction until stop(), and queues announced requests for soak tests. */
 public final class Callbacks implements CallbackListener {
     private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
     private static final Set<Long> THROWING = ConcurrentHashMap.newKeySet();
@@ -41,13 +41,13 @@ public final class Callbacks implements CallbackListener {
     }
 
     /**
-     * Returns the id and address of an announced request that nobody has taken yet; null if there is none.
+     * Removes an announced request and returns its id and address; null if there is none.
      */
     public static long[] takeDone() {
         return DONE.poll();
     }
 
-    /** Compositions that finish the request at this address. */
+    /** Returns compositions that finish the request at this address. */
     public static List<CaptureResultComposition> toEnd(long address) {
         CaptureResultComposition composition = new CaptureResultComposition();
         composition.putMetadata("nativeRequestAddr", address);

@@ -4,12 +4,12 @@ import android.hardware.camera2.CaptureResult;
 import android.hardware.camera2.impl.CameraMetadataNative;
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 
-/** A composition whose methods throw or return a capture result that does. */
+/** A composition whose methods may throw, or return a hostile capture result. */
 final class HostileComposition extends CaptureResultComposition {
     private final HostileValues mValues;
     private final CameraMetadataNative mSource;
     private final int mAssembly;
-    private int mThrows; // a bit for reading, a bit for putting
+    private int mThrows; // bit 0: getMetadata throws, bit 1: putMetadata throws
 
     HostileComposition(CameraMetadataNative source, HostileValues values) {
         super(source);
@@ -18,7 +18,7 @@ final class HostileComposition extends CaptureResultComposition {
         mAssembly = values.below(20);
     }
 
-    /** Makes methods throw from now on. */
+    /** Makes getMetadata, putMetadata, both or neither throw from now on. */
     void throwSometimes() {
         mThrows = mValues.below(4);
     }
@@ -51,7 +51,7 @@ final class HostileComposition extends CaptureResultComposition {
         };
     }
 
-    /** A capture result that throws or returns values of any class. */
+    /** A capture result that sometimes throws or returns values of any class. */
     private final class Unruly extends CaptureResult {
         Unruly() {
             super(mSource);

@@ -27,7 +27,7 @@ final class HostileImages implements AutoCloseable {
         mValues = values;
     }
 
-    /** Anything that may occur in a list of images. */
+    /** Returns an element for a list of images: an image, or rarely any other value. */
     Object element() {
         return mValues.chance(5) ? mValues.anything() : image();
     }

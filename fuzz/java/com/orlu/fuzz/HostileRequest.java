@@ -26,7 +26,7 @@ public final class HostileRequest implements AutoCloseable {
             "stopProcess", "stop", "");
     private static final List<Integer> FRAMES = List.of(0, 1, 1, 1, 2, 2, 3, 3, 5, 7, 9, 10, 17, 51, 300);
 
-    // The native arguments, as plain objects: their class may be wrong.
+    // The native arguments, declared as Object because their class may be wrong.
     public final Object request;
     public final Object inputs;
     public final Object outputs;
@@ -40,12 +40,12 @@ public final class HostileRequest implements AutoCloseable {
 
     private final HostileValues mValues;
     private final HostileImages mImages;
-    private final int mDensity; // of 100 tags
-    private final int mRightness; // of 100 values
-    private final int mBracketing; // the night frame, 9 for the first three, -1 for none
+    private final int mDensity; // percentage of tags that are set
+    private final int mRightness; // percentage of values that fit their tag
+    private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
 
     /**
-     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3 are the same but marked as needing no algorithms.
+     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3: the same, but the image score skips the algorithms.
      */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));

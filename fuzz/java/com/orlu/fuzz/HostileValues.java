@@ -12,7 +12,7 @@ import java.util.Map;
 import java.util.Random;
 import java.util.function.Supplier;
 
-/** Java values as a client may send them, from one seed. */
+/** Random Java values as a client may send them. */
 final class HostileValues {
     private static final int[] INTS = {0, 1, -1, 2, 3, 4, 5, 6, 7, 8, 16, 64, 255, 4096, 1 << 20, 1 << 30,
         Integer.MAX_VALUE, Integer.MIN_VALUE, Integer.MAX_VALUE - 1, Integer.MIN_VALUE + 1, 46341, 65536};
@@ -51,7 +51,7 @@ final class HostileValues {
         mRandom = random;
     }
 
-    /** True in {@code percent} of 100 cases. */
+    /** Returns true in {@code percent} of 100 cases. */
     boolean chance(int percent) {
         return mRandom.nextInt(100) < percent;
     }
@@ -94,7 +94,7 @@ final class HostileValues {
                 : new Rect(anInt(), anInt(), anInt(), anInt());
     }
 
-    /** A value of any class, or null. */
+    /** Returns a value of any class, or null. */
     Object anything() {
         return switch (below(6)) {
             case 0 -> null;
@@ -105,7 +105,7 @@ final class HostileValues {
         };
     }
 
-    /** A value of the class in which a tag of this type is stored. */
+    /** Returns a value of the class in which a tag of this type is stored. */
     Object valueOf(TagType type) {
         return one(type.stored());
     }
@@ -125,7 +125,7 @@ final class HostileValues {
 
     private Object array(Class<?> component, int length, int percentOfNulls) {
         Object array = Array.newInstance(component, length);
-        // After its first elements a long array repeats one value, which makes it cheap to create.
+        // After a hundred elements, the last value is repeated, so that a long array is cheap to create.
         Object last = null;
         for (int i = 0; i < length; i++) {
             if (i < 100) {
@@ -137,7 +137,7 @@ final class HostileValues {
     }
 
     /**
-     * The same values as an array of objects, some of them null, if the tag's type is an array of numbers.
+     * For an array of numbers, returns an array of boxed numbers, some of them null; else as valueOf.
      */
     Object boxed(TagType type) {
         Class<?> element = BOXES.get(type.stored());

@@ -15,8 +15,8 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /**
- * Detects whether a command reads or writes files outside its folder. It watches the access time of a file
- * beside the folder, and compares all surrounding files and all read-only files before and after.
+ * Detects whether a command reads or writes files outside its folder. Watches the access time of a file
+ * beside the folder. Compares the surrounding files and the input files before and after the command.
  */
 final class Canary {
     private static final String SECRET = "the canary's own text";
@@ -44,7 +44,7 @@ final class Canary {
         mBefore = files(in);
     }
 
-    /** Returns what was read or written illegally, or an empty text. With mayRead, reading is allowed. */
+    /** Describes an illegal read or write since arm(), or returns "". With mayRead, reads are legal. */
     String problem(Path in, Path out, String printed, boolean mayRead) throws IOException {
         if (!mBefore.equals(files(in))) {
             Map<String, String> changed = files(in);
@@ -66,7 +66,7 @@ final class Canary {
         return read.toMillis() == 0 ? "" : "reads a file outside of the folder";
     }
 
-    // All files except those written into the box, with their sizes and modification times.
+    // Returns the files around the box and those in `in`, with their sizes and modification times.
     private Map<String, String> files(Path in) throws IOException {
         Map<String, String> files = new TreeMap<>();
         for (Path folder : new Path[] {mAround, in}) {

@@ -13,8 +13,8 @@ import java.util.Map;
 import java.util.Random;
 
 /**
- * Changes values and members of a JSON tree: a Map, a List, or the JSON of another value. The result is JSON
- * unless a value of the pool is not.
+ * Changes values and members of a JSON tree of Maps, Lists, and other values as JSON text. The result is
+ * valid JSON unless it contains an invalid value of the pool.
  */
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
@@ -22,7 +22,7 @@ final class JsonMutator {
     private static final int LONG_BYTES = 30000;
     private static final int DEEP = 2000;
     private static final int MOST_COPIES = 1500;
-    /** Values of each kind, at the edges of what readers accept and beyond. */
+    /** Values of each kind, within and beyond the limits of the readers; some are invalid JSON. */
     private static final List<String> VALUES = List.of("0", "1", "-1", "2.5", "4", "64", "1e999", "1e-999",
             "1e308", "255", "65536", "2147483647", "-2147483648", "2147483648", "9223372036854775807",
             "-9223372036854775809", "1073741824", "9".repeat(400), "9".repeat(401), "true", "false", "null",
@@ -37,11 +37,11 @@ final class JsonMutator {
     private final Random mChance;
     private final List<String> mValues;
 
-    /** Adds values, each as JSON, to the pool. */
+    /** Adds these values, each as JSON, to the pool. */
     JsonMutator(Random chance, List<String> values) {
         mChance = chance;
         mValues = new ArrayList<>(VALUES);
-        // They are a fifth of the pool.
+        // Makes the added values a fifth of the pool.
         for (int i = 0; i < VALUES.size() / 4; ++i) {
             mValues.add(values.get(i % values.size()));
         }
@@ -79,7 +79,7 @@ final class JsonMutator {
         return '"' + new String(JsonStringEncoder.getInstance().quoteAsString(text)) + '"';
     }
 
-    /** The text of a tree. Each member and element of the outer three levels has its own line. */
+    /** Returns a tree as one line, or with lines for each member and element of the outer three levels. */
     static String text(Object tree, boolean isLine) {
         StringBuilder text = new StringBuilder();
         append(text, tree, isLine ? 0 : 3);
@@ -173,7 +173,7 @@ final class JsonMutator {
         }
     }
 
-    // Half of the values keep their type.
+    // Half of the texts and numbers keep their type.
     private Object other(Object value) {
         if (value instanceof String text && mChance.nextBoolean()) {
             return text.startsWith("\"") ? otherText(text) : otherNumber(text);

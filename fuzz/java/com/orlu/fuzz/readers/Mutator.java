@@ -12,14 +12,14 @@ import java.util.Random;
 import java.util.stream.Stream;
 import java.util.zip.CRC32;
 
-/** Changes the files of a valid example: JSON by its structure, pictures by their records, and any bytes. */
+/** Changes the files of a valid example: the structure of JSON, records of pictures, lines, and any bytes. */
 final class Mutator {
     private final Random mChance;
     private final JsonMutator mJson;
     private final PictureMutator mPictures;
     private final List<String> mTokens;
 
-    /** These values, each as JSON, may replace others. */
+    /** Creates a mutator that may insert these values, each as JSON. */
     Mutator(Random chance, List<String> values) {
         mChance = chance;
         mJson = new JsonMutator(chance, values);
@@ -79,7 +79,7 @@ final class Mutator {
     private String line(String text, boolean isJson) {
         List<String> lines = new ArrayList<>(Arrays.asList(text.split("\n")));
         if (lines.isEmpty()) {
-            // The text has line ends alone.
+            // The text contains only line ends.
             lines.add("");
         }
         int at = mChance.nextInt(lines.size());
@@ -112,7 +112,7 @@ final class Mutator {
         if (bytes.length == 0) {
             return new byte[] {(byte) mChance.nextInt()};
         }
-        // Headers are at the start.
+        // Half of the changes are near the start, where headers are.
         int at = mChance.nextInt(mChance.nextBoolean() ? bytes.length : Math.min(bytes.length, 512));
         byte[] changed = bytes.clone();
         switch (mChance.nextInt(4)) {

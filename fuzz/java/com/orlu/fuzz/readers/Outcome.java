@@ -13,11 +13,11 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * How a command ended.
+ * The end of a command.
  *
- * @param status  what the process would exit with; -1 if the command threw or hangs
- * @param printed what it printed on both streams
- * @param problem what must not happen, in the same words for all mutants that show it; empty if all is well
+ * @param status  its exit status; -1 if it threw or hangs
+ * @param printed its output on both streams
+ * @param problem its fault, in the same words for all mutants that cause this fault; empty if there is none
  */
 record Outcome(int status, String printed, String problem) {
     private static final int MOST_STATUS = 2;
@@ -26,17 +26,17 @@ record Outcome(int status, String printed, String problem) {
             "[\\x00-\\x08\\x0b-\\x1f\\x7f-\\x9f\\u061c\\u200e\\u200f\\u2028-\\u202e\\u2066-\\u2069]");
     private static final Pattern STACK =
             Pattern.compile("(?m)^\\s*at [\\w.$]+\\(|\\b[A-Z]\\w+(?:Exception|Error)\\b");
-    // Nothing or "null" after a place or a severity, unless the text continues on the next line.
+    // An empty message or "null" after a place or a severity, unless the text continues on the next line.
     private static final Pattern EMPTY =
             Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.[a-z]\\w*|damaged|read|error|warning|note): ?"
                     + "(?:null)?$(?!\\n {5})");
 
-    /** How long a command may take: its thread's processor time, and until it counts as hanging. */
+    /** Limits of a command: processor time of its thread, and time after which it counts as hanging. */
     record Time(long cpuMilliseconds, long milliseconds) {
         static final Time USUAL = new Time(5000, 60_000);
     }
 
-    /** Runs a command in this VM. A command that hangs keeps its thread. */
+    /** Runs a command in this VM on its own thread, which is left running if the command hangs. */
     static Outcome of(IntSupplier command, Time most) {
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();
         int[] status = {-1};
@@ -82,7 +82,7 @@ record Outcome(int status, String printed, String problem) {
         return new Outcome(status[0], printed, problem);
     }
 
-    // The innermost place in the command's own code.
+    // Returns the innermost place in the command's own code.
     private static String place(StackTraceElement[] stack) {
         for (StackTraceElement element : stack) {
             if (element.getClassName().startsWith("com.orlu.")) {
@@ -122,7 +122,7 @@ record Outcome(int status, String printed, String problem) {
         }
     }
 
-    /** The largest resident set since the last reset, in bytes. */
+    /** Returns the largest resident set since the last reset, in bytes. */
     private static long peak() {
         try {
             String status = Files.readString(Path.of("/proc/self/status"), StandardCharsets.ISO_8859_1);

@@ -45,7 +45,7 @@ final class PictureMutator {
         }
     }
 
-    // Type, count, or value of an entry; rarely its tag.
+    // Changes the type, count or value of an entry; rarely its tag. Returns false if there is none.
     private boolean changeEntry(ByteBuffer tiff) {
         tiff.order(tiff.get(0) == 'I' ? ByteOrder.LITTLE_ENDIAN : ByteOrder.BIG_ENDIAN);
         List<Integer> entries = new ArrayList<>();
@@ -80,7 +80,7 @@ final class PictureMutator {
         }
     }
 
-    // Keeps the checksum of the chunk valid.
+    // Changes the data of a chunk and corrects its checksum; sometimes changes its length or type instead.
     private boolean changeChunk(ByteBuffer png) {
         List<Integer> chunks = new ArrayList<>();
         int at = PNG_SIGNATURE;

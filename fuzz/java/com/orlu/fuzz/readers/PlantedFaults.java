@@ -13,7 +13,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.function.IntSupplier;
 
-/** Commands with one fault each. The fuzzer must find them before it looks for others. */
+/** Commands with one fault each. The fuzzer must find these faults before it looks for others. */
 final class PlantedFaults {
     private static final Map<String, Outcome.Time> TIMES = Map.of(
             "takes too long", new Outcome.Time(200, 60_000),

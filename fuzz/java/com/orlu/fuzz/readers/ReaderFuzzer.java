@@ -21,8 +21,8 @@ import java.util.stream.Stream;
 
 /**
  * Runs the command in this VM on mutants of valid files. Arguments: SEEDS WORK SECONDS SEED [FORM...]. SEEDS
- * has a folder for each form with a folder for each valid example. Mutant i depends only on SEED + i and its
- * example. The files of the first finding of each kind are kept in WORK/findings.
+ * contains a folder for each form, which contains a folder for each valid example. Mutant i depends only on
+ * SEED + i and its example. The files of the first finding of each kind are stored in WORK/findings.
  */
 public final class ReaderFuzzer {
     private static final int SHOWN = 1500;
@@ -58,7 +58,7 @@ public final class ReaderFuzzer {
             fuzzer.run(Integer.parseInt(arguments[2]), forms.isEmpty() ? names(fuzzer.mSeeds) : forms);
             isFine = fuzzer.report();
         }
-        // A command that hangs keeps its thread.
+        // Threads of hanging commands are still running.
         Runtime.getRuntime().halt(isFine ? 0 : 1);
     }
 
@@ -106,7 +106,7 @@ public final class ReaderFuzzer {
             }
         }
         if (number >= 0) {
-            // Names that lead outside the folder, and to a file that never ends.
+            // Names of files inside and outside the folder, and of an endless file.
             Random chance = new Random(~(mSeed + number));
             new Mutator(chance, List.of("\"link\"", "\"../../canary\"", "\"/dev/zero\"", "\"..\"",
                     "\"" + mCanary.file() + "\"", "\"request.json\"", "\"input0.bin\"")).mutate(in);
@@ -132,12 +132,12 @@ public final class ReaderFuzzer {
         }
     }
 
-    // Whether all files of a form are in its folder. A request file may name files anywhere.
+    // Returns whether a form may read only files in its folder. A request file may name files anywhere.
     private static boolean isClosed(String form) {
         return form.equals("recording") || IMPORTS.contains(form);
     }
 
-    // The command lines that read this folder.
+    // Returns the command lines that read this folder.
     private List<List<String>> commands(String form, Path example, Path folder) throws IOException {
         String request = folder.resolve("request.json").toString();
         String in = folder.toString();
