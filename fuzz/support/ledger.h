@@ -33,8 +33,7 @@ public:
   void sawReturn(uint64_t request) { ++mSeen[request].returned; }
   void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
 
-  // Prints a row per way, and the first few requests with a wrong ending. Returns true if there are
-  // none.
+  // Prints a row per way, and the first few requests with a wrong ending. Returns true if no ending is wrong.
   bool print() const;
 
 private:
