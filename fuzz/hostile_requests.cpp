@@ -102,12 +102,12 @@ public:
       callVoid(callbacks, "stop");
       expect(table.calls("NewGlobalRef") == table.calls("DeleteGlobalRef"), "a global reference is left");
     }
-    expect(entriesBetween(firstId, nextRequestId()) == 0, "an entry of the map is left");
+    expect(entriesBetween(firstId, nextRequestId()) == 0, "a request is left in the map");
     const standin::AlgoCounts after = test::Algo::counts();
     expect(after.parameterBlocks == counts.parameterBlocks && after.cameraBlocks == counts.cameraBlocks &&
                after.clients == counts.clients,
-           "the stand-in holds a block or a client");
-    expect(!vmComplained(), "-Xcheck:jni is not quiet");
+           "a block or a client of the stand-in is left");
+    expect(!vmComplained(), "-Xcheck:jni printed a warning");
     return settledDescriptors(descriptors) - descriptors;
   }
 
@@ -173,7 +173,7 @@ private:
   void finish(uint64_t id) {
     bool isFullAsync = false;
     if (!AlgoNativeRequestMap::getInstance()->getIsFullAsync(id, isFullAsync)) return;
-    expect(isFullAsync, "a synchronous request is left");
+    expect(isFullAsync, "a synchronous request is left in the map");
     const JavaRequest hostile = hostileRequest(mSeed ^ 0x5555, mMode, id);
     update(hostile);
     callVoid(hostile.self, "close");

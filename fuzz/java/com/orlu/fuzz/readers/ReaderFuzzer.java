@@ -181,8 +181,8 @@ public final class ReaderFuzzer {
     }
 
     private boolean report() {
-        mMutants.forEach((form, count) -> System.out.println(form + ": " + count + " inputs, of them taken "
-                + mTaken.getOrDefault(form, 0)));
+        mMutants.forEach((form, count) -> System.out.println(form + ": " + count + " inputs, "
+                + mTaken.getOrDefault(form, 0) + " of them accepted"));
         System.out.println(mFindings.size() + " findings");
         mFindings.forEach((problem, count) -> System.out.println("  " + count + " x " + problem));
         return mFindings.isEmpty();
