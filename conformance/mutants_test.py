@@ -55,7 +55,7 @@ table = (here / "mutants/mutants.txt").read_text()
 rows = [line.split() for line in table.splitlines() if re.match("[a-z]", line)]
 source = "".join(file.read_text() for file in here.glob("mutants/*_mutants.cpp"))
 planted = set(re.findall(r'\{"(\w+)",\s*\w+\s*\}', source))
-wrong = [f"{name} is not in both of mutants.txt and *_mutants.cpp"
+wrong = [f"{name} must be in both mutants.txt and *_mutants.cpp"
          for name in planted ^ {row[0] for row in rows}]
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]

@@ -123,7 +123,7 @@ void actInside(const Action& action) {
   const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));
   if (came != std::future_status::ready) {
     missCallback();
-    ADD_FAILURE() << "Java may " << action.what << " inside a callback, but it had no effect within "
+    ADD_FAILURE() << "Java may " << action.what << " inside a callback, but this did not finish within "
                   << options().patienceSeconds + 5 << " s";
     return;
   }
@@ -168,24 +168,26 @@ void submitSecond(Scene& scene) {
   submit(scene.client, scene.inbox, scene.parameters, request);
 }
 
+void useBlock(Scene&) {
+  Block block;
+  block.set(kControl, "conform_key", "value");
+  char seen[5];
+  block.get(kControl, "conform_key", seen, sizeof seen);
+}
+
+// Does not destroy the client: its worker may be busy with the blocked callback.
+void createClient(Scene&) {
+  AlgoCreateClientRecord record;
+  record.interfaceVersion = kAlgoTableVersion;
+  AlgoInitRecord init;
+  init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
+  call(-1, Library::open()->table().init, init);
+}
+
 constexpr Work kWorks[] = {
-    {"process",                                                "it waits for the previous request, or for a lock held during callbacks", submitSecond},
-    {"createMetadata, setValue, getValue and destroyMetadata", "a lock of the store is held during callbacks",
-     [](Scene&) {
-       Block block;
-       block.set(kControl, "conform_key", "value");
-       char seen[5];
-       block.get(kControl, "conform_key", seen, sizeof seen);
-     }                                                                                                                                               },
-    {"createClient and init",                                  "a lock of all clients is held during callbacks",
-     [](Scene&) {
-       AlgoCreateClientRecord record;
-       record.interfaceVersion = kAlgoTableVersion;
-       AlgoInitRecord init;
-       init.client = call<void*>(nullptr, Library::open()->table().createClient, record);
-       call(-1, Library::open()->table().init, init);
-       // The client is not destroyed: its worker may be busy with the blocked callback.
-     }                                                                                                                                               },
+    {"process",              "it waits for the previous request, or callbacks hold a lock", submitSecond},
+    {"a block operation",    "callbacks hold a lock of the store",                          useBlock    },
+    {"createClient or init", "callbacks hold a lock of all clients",                        createClient},
 };
 
 }  // namespace
@@ -208,8 +210,8 @@ void checkOverlap() {
     step(std::string(work.what) + " during a callback");
     Scene scene;
     HOLDS(returnsWhileHeld(scene, holdTime(), [&] { work.run(scene); }))
-        << work.what << " must return during the callback of another request, but returned after it, "
-        << "in " << holdTime().count() << " ms; usually " << work.usual;
+        << work.what << " must return during the callback of another request, but did not return in "
+        << holdTime().count() << " ms; usually " << work.usual;
     const bool isSecondDone = work.run != submitSecond || scene.inbox.waitFor(2);
     HOLDS(isSecondDone) << kNoCallback << "a request submitted during a callback";
   }
@@ -222,9 +224,8 @@ void checkFlush() {
   step("flush during a callback");
   if (returnsWhileHeld(scene, kFlushHold, [&] { scene.client.flush(); })) {
     warn(
-        "flush returned while a request was in flight. The contract allows this, but then Java may destroy "
-        "the "
-        "client before its requests finish; better wait for them in flush");
+        "flush returned while a request was in flight. The contract allows this, but then Java may "
+        "destroy the client before its requests finish; better wait for them in flush");
   } else {
     note("flush waits for requests in flight");
   }

@@ -114,7 +114,7 @@ void checkClients() {
   OPEN_LIBRARY(library);
   Client first;
   Client second;
-  HOLDS(first.handle() != second.handle()) << "two clients have one handle, " << first.handle();
+  HOLDS(first.handle() != second.handle()) << "two clients have the same handle, " << first.handle();
   for (int mode : {1, 2, 1, 0, 0}) {
     step("uninit with mode " + std::to_string(mode) + ", for the types 1, 2, 3 and 5");
     first.uninit(mode);

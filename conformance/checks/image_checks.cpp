@@ -21,7 +21,7 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   }
   const std::vector<uint8_t> bytes = output.bytes();
   HOLDS(size >= 4 && static_cast<size_t>(size) <= bytes.size())
-      << "encoded_jpeg_size is " << size << ", in an output of " << bytes.size();
+      << "encoded_jpeg_size is " << size << ", in an output of " << bytes.size() << " bytes";
   if (size < 4 || static_cast<size_t>(size) > bytes.size()) return;
   const auto end = static_cast<size_t>(size);
   HOLDS(bytes[0] == 0xFF && bytes[1] == 0xD8) << "the JPEG does not begin with its marker";

@@ -165,7 +165,7 @@ void checkJava() {
 #else
   constexpr bool kSeesTheVm = false;
 #endif
-  if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer and a Java VM don't go together";
+  if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer does not support a Java VM";
   // The VM is not shut down; the process exits with it.
   endAtOnce();
   if (!startVm()) return;
@@ -187,12 +187,13 @@ void checkJava() {
   const size_t alive = waitForEnds(seen.threads);
   HOLDS(seen.unattached == 0)
       << seen.unattached
-      << " callbacks came from threads that the Java VM does not know; for full-async "
-         "requests and light-stream events they are lost";
+      << " callbacks came from threads that are not attached to the Java VM; such callbacks of full-async "
+         "requests and light-stream events are lost";
   HOLDS(gEndedAttached == 0) << gEndedAttached << " of " << gEnded
-                             << " threads that called back ended attached to the Java VM";
+                             << " threads that called back exited while attached to the Java VM";
   for (const std::string& thrown : library->observer().thrown()) ADD_FAILURE() << thrown;
-  note(std::to_string(seen.threads.size()) + " threads called back, " + std::to_string(alive) + " live on");
+  note(std::to_string(seen.threads.size()) + " threads called back, " + std::to_string(alive) +
+       " are still running");
 }
 
 }  // namespace orlu::conform

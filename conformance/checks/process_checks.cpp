@@ -61,7 +61,7 @@ void checkExceptions() {
     scene.run(1);
     scene.run(2, {"conformNoSuchThing"});
     scene.run(3, {"frameClarOnly"});
-    step("what a service that is in a hurry sends");
+    step("calls with missing or empty arguments");
     int32_t value = 1;
     scene.parameters.get(kFeedback, "conform_never_set", &value, sizeof value);
     scene.parameters.set(kControl, "conform_empty", nullptr, 0);
@@ -88,7 +88,7 @@ void checkExceptions() {
     call(-1, table.translateParamFile, file);
     scene.client.uninit(2);
   }
-  step("the notice that the process is about to end");
+  step("the announcement of the end of the process");
   AlgoCommandRecord notice;
   notice.data.assign(kNotifyKill, kNotifyKill + sizeof kNotifyKill);
   call(-1, table.command, notice);

@@ -130,10 +130,10 @@ void checkRepeats() {
     ++kinds;
     if (seen[0].size() != seen[1].size() || seen[0].size() != seen[2].size()) return;
     report(what + " with fresh memory poisoned by 0x11 and 0xEE", seen[0], seen[1],
-           "memory is read that nobody wrote");
+           "uninitialised memory is read");
     if (seen[0] == seen[1]) {
       report(what + " before and after a request of another picture", seen[1], seen[2],
-             "a buffer or a state of the request before is taken over");
+             "a buffer or state of the previous request is reused");
     }
   };
   for (const char* name : kAlgorithms) repeat(name, {});

@@ -195,9 +195,8 @@ void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, con
   for (const std::string& wrong : watch.takeWrong()) {
     ADD_FAILURE()
         << "a request with " << what
-        << ": a library must close each descriptor of its own exactly once, and unmap each mapping of its "
-           "own "
-        << "exactly once and as a whole; found " << wrong
+        << ": a library must close each descriptor of its own exactly once, and unmap each mapping "
+        << "of its own exactly once and as a whole; found " << wrong
         << "; usually two places release the same resource, whose number or address may be reused meanwhile";
   }
 }

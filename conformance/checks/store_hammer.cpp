@@ -100,9 +100,9 @@ struct Wrong {
   void expect(const std::string& key, const std::string& wanted, const std::string& seen) {
     if (seen == wanted) return;
     if (count++ > 0) return;
-    first = key + " must have " + std::to_string(wanted.size()) + " bytes of " +
+    first = key + " must have " + std::to_string(wanted.size()) + " bytes of value " +
             std::to_string(static_cast<unsigned char>(wanted[0])) +
-            (seen.empty() ? ", but is missing" : ", but has others");
+            (seen.empty() ? ", but is missing" : ", but contains others");
   }
   void add(const Wrong& other) {
     if (count == 0) first = other.first;
@@ -186,8 +186,8 @@ struct Hammer {
 
 void hammerStore() {
   step(
-      "eight threads use one block, and blocks of their own; a crash here usually means a map without a "
-      "lock");
+      "eight threads use one block, and blocks of their own; "
+      "a crash here usually means a map without a lock");
   Hammer hammer;
   std::vector<std::thread> threads;
   for (int i = 1; i < kThreads; ++i) threads.emplace_back([&hammer, i] { hammer.follow(i); });
@@ -196,10 +196,9 @@ void hammerStore() {
   Wrong all;
   for (const Wrong& one : hammer.wrong) all.add(one);
   const int values = hammer.rounds * kThreads * (2 * kKeys + 2);
-  HOLDS(all.count == 0)
-      << "eight threads that use the store at once must each read the whole value that was set: " << all.count
-      << " of " << values << " values are wrong, the first: " << all.first
-      << "; usually the map of a block, or of all blocks, has no lock";
+  HOLDS(all.count == 0) << "eight threads use the store at once and must read whole values that were set: "
+                        << all.count << " of " << values << " values are wrong, the first: " << all.first
+                        << "; usually the map of a block, or of all blocks, has no lock";
   note("8 threads, " + std::to_string(values) + " values in " + std::to_string(hammer.rounds) + " rounds");
 }
 

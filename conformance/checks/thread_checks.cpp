@@ -132,8 +132,8 @@ void checkKeys() {
   step("reading them on another");
   std::string wrong;
   std::thread([&] { wrong = wrongValues(block, entries); }).join();
-  HOLDS(wrong.empty()) << "a block must keep " << entries.size() << " values, names of up to " << kLongest
-                       << " letters compared whole: " << wrong
+  HOLDS(wrong.empty()) << "a block must store " << entries.size() << " values, and compare names of up to "
+                       << kLongest << " letters whole: " << wrong
                        << "; usually names are cut to a fixed length, or the values are in a fixed array";
   note(std::to_string(entries.size()) + " values, " + std::to_string(std::size(kParameters)) +
        " of them sent by the service");

@@ -12,50 +12,51 @@ constexpr char kText[] =
   RTLD_NOW, and never closes it. It calls the entry once for the process and once more for each
   client, each time with a zeroed table, possibly on two threads at once. It never calls reserved
   callables.
-- **Threads.** Every callable is called on a thread of Java that is attached to the Java VM; block
-  operations also on threads on which the library calls back. Threads of different clients may be
-  in any callable at the same time; calls for one client come one at a time.
+- **Threads.** Every callable is called on Java threads, which are attached to the Java VM; block
+  operations also on threads on which the library calls back. Calls for different clients may run
+  at the same time; calls for one client run one at a time.
 - **A client.** createClient requests version {version}. init follows with type 0 if Java asks for
-  it. uninit comes for the types 1, 2, 3 and 5 in this order, with mode 1 or 2 when Java releases
-  the client, and with mode 0 at its end. A client ends with flush, uninit with mode 0 and
-  destroyClient, whatever was called before. Its handle is not used afterwards.
+  it. uninit is called for the types 1, 2, 3 and 5 in this order, with mode 1 or 2 when Java
+  releases the client, and with mode 0 before the client is destroyed. The last calls for a client
+  are flush, uninit with mode 0 and destroyClient, whatever was called before. The handle is not
+  used afterwards.
 - **A parameter block** is created before its request is submitted, and lives until the results
   are read: for a synchronous request, after its callback or after the wait; for a full-async one,
-  when Java asks for them. A block that was never announced to Java is destroyed with its client.
-  A callback during that time finds all values that were set.
+  when Java asks for them. If the request was never announced to Java, the block is destroyed with
+  its client. A callback during the block's life finds all values that were set.
 - **A camera block** lives from before process until process returns. No block is used after
   destroyMetadata, which is called once for each.
-- **Values.** The memory passed to setValue may change once it returns. getValue gets memory of
-  exactly the size that it names, filled with the default value: if the library has no such value,
-  it must leave this memory unchanged. Sections and keys end with a zero byte. Values have up to
-  8482 bytes.
+- **Values.** The memory passed to setValue may change once setValue returns. The memory passed to
+  getValue has exactly the size in the call, and contains the default value: if the library has no
+  such value, it must leave this memory unchanged. Sections and keys end with a zero byte. Values
+  have up to 8482 bytes.
 - **The record** of process, with its lists, frames and handles, lives until process returns.
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
   process returns, before its callback. The descriptor passed to translateParamFile is valid until
-  that returns.
+  translateParamFile returns.
 - **The cookie** is the address of a function, one for each client, that stays valid until the
-  process ends. It may be called on any thread, by several at once, before process returns, after
-  the client is destroyed, and with any bytes. It throws nothing and keeps none of its arguments.
+  process ends. It may be called on any thread, on several at once, before process returns, after
+  the client is destroyed, and with any bytes. It throws nothing and stores none of its arguments.
   For a synchronous request it wakes a thread and returns. For a full-async one, and for a
-  light-stream event, it calls Java and returns when Java does; on a thread that is not attached
+  light-stream event, it calls Java and returns when Java returns; on a thread that is not attached
   to the Java VM, the callback is lost. It leaves no thread attached that was not attached before.
 - **Waiting.** A synchronous request waits up to 10 seconds for its callback, from the return of
   process, and then reads the results as they are. Nothing is aborted. A full-async request has no
   timeout.
-- **Callbacks.** A callback before process has returned is not lost. One after the wait has no
-  effect. A second one for a synchronous request has no effect; for a full-async one, Java is
-  called again. These have no effect either: one for an unknown request, one under an unknown
-  name, one of fewer than 21 bytes, one whose name is longer than its data, and a light-stream
-  event with a payload of fewer than {event} bytes.
+- **Callbacks.** A callback before process has returned is not lost. A second callback for a
+  full-async request calls Java again. These callbacks have no effect: one after the wait, a second
+  one for a synchronous request, one for an unknown request, one with an unknown name, one of fewer
+  than 21 bytes, one whose name is longer than its data, and a light-stream event with a payload
+  of fewer than {event} bytes.
 - **Results of calls** are ignored, except the handles of createClient and createMetadata, the
   size of getSize, and the status of getValue and of the visitors' operations. A null client is
   passed on like any other; a null block never reaches the library.
 - **A missing callable** is logged and skipped. An exception from a callable is caught at the
   call, logged, and counts as a failure; a Java exception left on the thread is cleared and
   logged. No call is retried.
-- **Visitors** may be called any number of times, on the thread and during the call that they were
-  passed to, and may use block operations. They throw nothing. Called elsewhere or later, they
-  return -1.
+- **Visitors** may be called any number of times during the call that they were passed to, on its
+  thread, and may use block operations. They throw nothing. On other threads or later, they return
+  -1.
 - **getData** must leave its answer in the block of its record under `{section}`,
   `{key}`; the service reads {answer} bytes of it, up to the first zero byte.
 - **The library promises** in return, besides the lifetimes above:
@@ -64,20 +65,21 @@ constexpr char kText[] =
     and row of chroma. Inputs, padding, and bytes between planes and after an image stay
     unchanged. These outputs may stay unwritten: one of another format or size, one of an unknown
     format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map the
-    descriptor to reach the memory. Equal requests give equal bytes, whatever memory held and
-    whichever requests came before.
-  - **Values.** A block keeps {values} values; sections and keys are compared whole, up to 120 letters.
-    Several threads may use blocks at once, also the same block.
-  - **Clients.** destroyClient returns when nothing works for the client any more, and leaves none
-    of its threads, descriptors or memory behind. A client works again when init follows an uninit
-    with mode 1 or 2, and whatever happens to another client.
+    descriptor to access the memory. Equal requests give equal bytes, independent of the previous
+    contents of memory and of previous requests.
+  - **Values.** A block stores {values} values; sections and keys have up to 120 letters and are
+    compared whole. Several threads may use blocks at once, also the same block.
+  - **Clients.** destroyClient returns when all work for the client has stopped, and releases the
+    client's threads, descriptors and memory. After uninit with mode 1 or 2, init makes the client
+    work again. Calls for one client do not affect the others.
   - **Callbacks.** Inside a callback, Java may finish the request, submit the next, flush, abort,
     and create or destroy clients, even the callback's own; all these calls return. During a
-    callback, calls on other threads return, except flush and destroyClient of its client.
+    callback, calls on other threads return, except flush and destroyClient of the callback's
+    client.
   - **Calls return.** flush need not wait: requests in flight when it returns may be called back
     later.
   - **Resources.** The library closes each descriptor that it opens exactly once, and no other
-    descriptor. A request leaves nothing behind, not even one byte.
+    descriptor. A request leaks nothing, not even one byte.
 - **The end of the process** is announced by command, with the data `{kill}` and a zero byte.
   The service does not wait then.
 )";

@@ -224,7 +224,7 @@ int watchedDuplicate(const char* call, int from, int to, int leastNumber, int fl
     const int command = (flags & O_CLOEXEC) == 0 ? F_DUPFD : F_DUPFD_CLOEXEC;
     made = plainFcntl(from, command, reinterpret_cast<void*>(static_cast<intptr_t>(leastNumber)));
   } else if (all.callers.count(to) != 0) {
-    all.wrong.push_back(text + " onto " + std::to_string(to) + ", a descriptor that is the caller's");
+    all.wrong.push_back(text + " onto " + std::to_string(to) + ", the caller's descriptor");
     return badDescriptor();
   } else {
     made = plainDuplicate(from, to, flags);

@@ -150,7 +150,7 @@ std::string Image::strayWrite() const {
   const std::vector<uint8_t> guard = readAll(mFd, kGuardBytes, static_cast<off_t>(mSize));
   for (size_t i = 0; i < kGuardBytes; ++i) {
     if (i < guard.size() && guard[i] == kGuard) continue;
-    return "byte " + std::to_string(mSize + i) + " was written, of an image of " + std::to_string(mSize) +
+    return "byte " + std::to_string(mSize + i) + " was written, after the image's " + std::to_string(mSize) +
            " bytes";
   }
   if (!isYuv(mShape.format)) return "";
