@@ -30,7 +30,8 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   note("a JPEG of " + std::to_string(size) + " bytes");
 }
 
-// The output is smaller than any JPEG of the input: the library must write neither the JPEG nor its size.
+// Outputs smaller than any JPEG of the input: the library must write nothing after them and store no larger
+// size.
 void tryTightJpeg(Scene& scene) {
   for (int32_t room : {1, 200}) {
     const Image tight({kFormatJpeg, room, 1, 0, 0, false}, 7);

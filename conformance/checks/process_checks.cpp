@@ -21,7 +21,7 @@ public:
     size_t size = usual;
     if (below(4) == 0) size = below(kMostBytes + 1);
     std::string value(size, '\0');
-    // All ones, all zeros, small numbers and noise each break different code.
+    // All ones, small numbers, noise and the largest int32_t each break different code.
     const size_t kind = below(4);
     for (size_t i = 0; i < size; ++i) {
       if (kind == 0) value[i] = '\xFF';
