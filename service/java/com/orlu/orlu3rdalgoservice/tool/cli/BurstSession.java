@@ -89,7 +89,7 @@ final class BurstSession {
         return verdict.status();
     }
 
-    // Prints the tables, and returns the duration of the burst in milliseconds.
+    // Prints the tables. Returns the duration of the burst in milliseconds.
     private double print(RequestFile request, Burst burst, List<Shot> shots) throws IOException {
         long start = shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0);
         long end = shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0);
@@ -123,7 +123,7 @@ final class BurstSession {
         List<String> cells = new ArrayList<>(List.of(name));
         List<Double> values = new ArrayList<>();
         for (double quantile : QUANTILES) {
-            // The smallest latency that this share of the requests does not exceed.
+            // Nearest rank.
             values.add(sorted[Math.max(0, (int) Math.ceil(quantile * sorted.length) - 1)]);
             cells.add("%.1f".formatted(values.get(values.size() - 1)));
         }
@@ -152,7 +152,7 @@ final class BurstSession {
         }
     }
 
-    // Addresses are reused by later requests.
+    // Later requests reuse addresses, so the calls are matched in order.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();
@@ -207,7 +207,7 @@ final class BurstSession {
         }
     }
 
-    // The descriptor of the directory listing itself is closed by then.
+    // The descriptor of the directory listing itself is already closed and can't be read.
     private static boolean isImage(Path descriptor) {
         try {
             return Files.readSymbolicLink(descriptor).toString().startsWith("/memfd:");

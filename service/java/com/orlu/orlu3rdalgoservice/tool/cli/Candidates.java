@@ -6,12 +6,12 @@ import java.util.Iterator;
 import java.util.List;
 import java.util.stream.Stream;
 
-/** Bash completions for values that the catalogue knows, read when the completion script is printed. */
+/** Bash completions for values from the catalogue, read when the completion script is printed. */
 final class Candidates {
     private Candidates() {
     }
 
-    /** The names in a part of the catalogue, without the section before a slash. */
+    /** Returns the names in a part of the catalogue, without the section before a slash. */
     static List<String> of(String part) {
         return Catalogue.entries(part).stream().map(entry -> Catalogue.name(entry).replaceFirst(".*/", ""))
                 .toList();

@@ -33,8 +33,8 @@ final class CatalogueCommand implements Subcommand {
     private boolean mJson;
 
     /**
-     * `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label` is the argument's
-     * name in the help.
+     * Creates the subcommand. `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label`
+     * is the argument's name in the help.
      */
     CatalogueCommand(String name, String label, String example) {
         mName = name;
@@ -85,7 +85,7 @@ final class CatalogueCommand implements Subcommand {
         return near;
     }
 
-    // Full names, and what people type instead: the part after the last dot or slash.
+    // Returns full names, then short ones, which people type instead: the part after the last dot or slash.
     private static List<String> names(List<Json> all) {
         List<String> names = all.stream().map(Catalogue::name).toList();
         return Stream.concat(names.stream(), names.stream().map(name -> name.replaceFirst(".*[./]", "")))

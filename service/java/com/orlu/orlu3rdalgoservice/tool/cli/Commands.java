@@ -28,7 +28,7 @@ final class Commands {
     private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
 
-    /** The command that runs if no subcommand is named. */
+    /** The command that runs without a named subcommand. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
     /**
      * The subcommands, in the order of the help. Only the selected one is created, since reading annotations
@@ -66,8 +66,8 @@ final class Commands {
     }
 
     /**
-     * Returns the subcommand with its options set; null if the arguments only ask for help or the version,
-     * which is printed. Throws an IllegalArgumentException with a message for the user.
+     * Returns the subcommand with its options set. If the arguments request help or the version, prints that
+     * and returns null. Throws an IllegalArgumentException with a message for the user.
      */
     static Subcommand parse(String[] arguments) {
         Row named = arguments.length == 0 ? null : ofName(arguments[0]);
@@ -99,7 +99,7 @@ final class Commands {
         return command;
     }
 
-    // Null if no subcommand has that name.
+    // Returns null if no subcommand has that name.
     private static Row ofName(String name) {
         return Stream.concat(Stream.of(USUAL), NAMED.stream()).filter(row -> row.name().equals(name))
                 .findFirst().orElse(null);
@@ -127,7 +127,7 @@ final class Commands {
         return reader;
     }
 
-    /** Adds the listed subcommands, described by their `about`. */
+    /** Adds the listed subcommands with their `about` as description, and returns `usual`. */
     static CommandLine withSubcommands(CommandLine usual) {
         listed().forEach(row -> {
             CommandSpec spec = reader(row.maker().get()).getCommandSpec();
@@ -137,7 +137,7 @@ final class Commands {
         return usual;
     }
 
-    /** The whole command line, for bash completion. */
+    /** Returns the whole command line, for bash completion. */
     static CommandLine whole() {
         CommandLine usual = withSubcommands(reader(USUAL.maker().get()));
         Stream.concat(Stream.of(usual), usual.getSubcommands().values().stream()).forEach(command -> {

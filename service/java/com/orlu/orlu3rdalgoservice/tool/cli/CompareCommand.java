@@ -57,7 +57,7 @@ final class CompareCommand implements Subcommand {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
         }
 
-        // The texts that follow the numbers in the table: differences, or why a run failed.
+        // Returns the lines below the row in the table: differences, or why a run failed.
         List<String> lines() {
             return hasRun() ? differences.stream().limit(SHOWN).toList()
                     : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();
@@ -143,7 +143,7 @@ final class CompareCommand implements Subcommand {
         }
     }
 
-    // The two least similar outputs and their difference.
+    // Returns the cells of the two least similar outputs and of their difference.
     private static List<Map<String, Object>> cells(ShotRun one, ShotRun other, OutputMeasure outputs)
             throws MistakeException {
         int output = outputs.output();

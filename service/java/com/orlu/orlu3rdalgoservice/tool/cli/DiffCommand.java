@@ -62,7 +62,7 @@ final class DiffCommand implements Subcommand {
         return mComparison.finish();
     }
 
-    // The runs of one side: read from files, or run first.
+    // Returns the runs of one side. Reads them from files, or runs the requests first.
     private List<Run> runs(int side) throws MistakeException, IOException {
         Path file = mFiles.get(Math.min(side, mFiles.size() - 1));
         Path library = mLibraries.isEmpty() ? null : mLibraries.get(side);

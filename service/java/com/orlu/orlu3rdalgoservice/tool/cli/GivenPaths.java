@@ -74,7 +74,8 @@ final class GivenPaths {
     }
 
     /**
-     * Adds an option's file, which may be null. Throws an IllegalArgumentException if it can't be written.
+     * Adds an option's file; null adds nothing. Throws an IllegalArgumentException if the file can't be
+     * written.
      */
     GivenPaths file(String option, Path file) {
         if (file == null) {
@@ -100,7 +101,10 @@ final class GivenPaths {
         return this;
     }
 
-    /** Adds an option's folder, which may be null or not exist yet. */
+    /**
+     * Checks an option's folder, which may be null or missing. Throws an IllegalArgumentException if it is a
+     * file.
+     */
     GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
             throw new IllegalArgumentException(option + ": expected a folder, found a file: " + folder);
@@ -110,7 +114,7 @@ final class GivenPaths {
 
     private static boolean isRequest(Path file) {
         char[] head = new char[HEAD];
-        // Any bytes can be read in this charset.
+        // All bytes are valid in this charset.
         try (Reader reader = Files.newBufferedReader(file, StandardCharsets.ISO_8859_1)) {
             int length = reader.read(head);
             return length > 0 && REQUEST.matcher(new String(head, 0, length)).find();

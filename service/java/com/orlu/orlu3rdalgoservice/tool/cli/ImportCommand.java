@@ -36,7 +36,7 @@ final class ImportCommand implements Subcommand {
             description = "Request these algorithms, e.g. night,jpegEncode")
     private List<String> mAlgorithms = List.of();
 
-    /** Prints what it drops. Writes nothing if a file is invalid. */
+    /** Prints a note for each dropped value. Writes nothing if a file is invalid. */
     @Override
     public int run() throws MistakeException, IOException {
         if (Files.isDirectory(mOut)) {
@@ -87,7 +87,7 @@ final class ImportCommand implements Subcommand {
         importer.read(mFiles);
         Path folder = mOut.toAbsolutePath().getParent();
         makeFolder(folder);
-        // Checked exactly as ./run checks it.
+        // Runs the same checks as ./run before the file is written.
         String text = new RequestWriter(folder, importer).text(mFiles, mAlgorithms, mPhoto);
         RequestFileReader.check(mOut, text);
         Files.writeString(mOut, text);

@@ -10,8 +10,8 @@ final class LaunchedCommand implements Subcommand {
     private final String mOptions;
 
     /**
-     * Takes the program's options except --help; options with a value end in "=". A test compares the
-     * kit's options with the kit's help.
+     * Takes the program's options except --help, separated by blanks; options with a value end in "=". A test
+     * compares the kit's options with the kit's help.
      */
     LaunchedCommand(String options) {
         mOptions = options;

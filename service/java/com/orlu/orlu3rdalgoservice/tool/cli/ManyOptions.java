@@ -14,7 +14,7 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** The options of subcommands that run many requests, and the output that they share. */
+/** The options and the common output of subcommands that run many requests. */
 final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
             description = "Write a page with the pictures side by side")

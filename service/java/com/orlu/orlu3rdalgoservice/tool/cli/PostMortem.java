@@ -38,14 +38,14 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Judges a run whose process died. Runs in another process and reads what the run left in its files. */
+/** Judges a run whose process died, from the files that the run left. Runs in another process. */
 final class PostMortem {
     private static final String REPORT = "crash.log";
 
     private final RunCommand mOptions;
     private final int mExitStatus;
 
-    /** The exit status of the dead process as in a shell: 128 plus the number of the signal. */
+    /** `exitStatus` is that of the dead process, as a shell reports it: 128 plus the number of the signal. */
     PostMortem(RunCommand options, int exitStatus) {
         mOptions = options;
         mExitStatus = exitStatus;
@@ -77,7 +77,8 @@ final class PostMortem {
         return verdict.status();
     }
 
-    // Earlier requests have pages already. `unended` is the folder of a run that did not finish, or null.
+    // Writes the page of the request that was running; earlier requests have pages already. `unended` is the
+    // folder of the run that did not finish, or null.
     private void writePage(Verdict verdict, String crash, Path unended) throws IOException {
         List<Path> requests = mOptions.requests();
         PageFolder pages = new PageFolder(mOptions.written.report, requests.size());
@@ -109,8 +110,7 @@ final class PostMortem {
         if (folder != null) {
             return RunFolder.read(folder, name, file);
         }
-        // The process died before recording began. Events of earlier requests, which have pages, are left
-        // out.
+        // The process died before recording began. Omits the events of earlier requests, which have pages.
         RecordedEvents events = new RecordedEvents();
         events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
         RequestFile request = RequestFileReader.read(file, mOptions.tried.photo);
@@ -118,8 +118,8 @@ final class PostMortem {
         return Run.of(name, request, events, new Stopwatch(), null, Ran.NONE);
     }
 
-    // Returns the last run if it began after this time and its processing was recorded, as when destroying
-    // the client crashed; else null.
+    // Returns the last run if it began after this time and its processing was recorded; else null. Such a run
+    // exists if destroying the client crashed.
     private Path endedSince(long time) throws IOException {
         List<Path> runs = runs();
         if (runs.isEmpty()) {
@@ -134,7 +134,7 @@ final class PostMortem {
         }
     }
 
-    // Returns null if the run did not keep its inputs; the page then has no pictures.
+    // Returns null if the run did not keep its inputs; its page has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;

@@ -21,17 +21,21 @@ class ResultOptions {
     @Option(names = "--quiet", description = "Print only the verdict")
     boolean quiet;
 
-    /** Throws an IllegalArgumentException if a file can't be written; `paths` has the paths given so far. */
+    /**
+     * Throws an IllegalArgumentException if a file can't be written; `paths` has the paths checked so far.
+     */
     void check(GivenPaths paths) {
         paths.file("--json", json).file("--junit", junit);
     }
 
-    /** The stream for readable text: standard output, or a stream that discards everything. */
+    /** Returns the stream for readable text: standard output, or a stream that discards everything. */
     PrintStream text() {
         return quiet ? nowhere() : last();
     }
 
-    /** The stream for the verdict. */
+    /**
+     * Returns the stream for the verdict, which is dropped if --json or --junit writes to standard output.
+     */
     PrintStream last() {
         boolean isTaken = Stream.of(json, junit).anyMatch(Results.STANDARD_OUTPUT::equals);
         return isTaken ? nowhere() : System.out;

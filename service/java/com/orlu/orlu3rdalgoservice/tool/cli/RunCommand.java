@@ -57,7 +57,7 @@ final class RunCommand implements Subcommand {
     List<Path> files = new ArrayList<>();
     @Option(names = "--version", versionHelp = true, description = "Print the version")
     private boolean mVersion;
-    // The base name of output files, set by the process that starts this one.
+    // The base name of output files, set by the parent process.
     @Option(names = "--as", paramLabel = "NAME", hidden = true)
     String name;
     @Spec
@@ -154,7 +154,7 @@ final class RunCommand implements Subcommand {
         return new PostMortem(this, exitStatus).run();
     }
 
-    /** Returns this if the options fit together; else throws an IllegalArgumentException. */
+    /** Returns this if the options can be combined; else throws an IllegalArgumentException. */
     RunCommand checked() {
         if (isGiven("--jobs")) {
             needsPositive("--jobs", tried.jobs);
@@ -202,9 +202,9 @@ final class RunCommand implements Subcommand {
     }
 
     /**
-     * Returns the recorder that creates the folder of each run: in the folder of --record, else in the folder
-     * that the recorder's property names, else in the work folder. The work folder keeps only the latest run,
-     * with pixels if a page may need them. Returns null if there is none of these folders.
+     * Returns the recorder, which creates a folder for each run: in the folder of --record, else in the
+     * folder that the recorder's property names, else in the work folder. The work folder keeps only the
+     * latest run, with pixels if a page may need them. Returns null without any of these folders.
      */
     RequestRecorder recorder() {
         if (written.record != null) {
@@ -219,7 +219,9 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /** The folder that holds the runs' folders; null without a work folder. */
+    /**
+     * Returns the folder that contains the runs' folders; null if neither --record nor a work folder exists.
+     */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }
@@ -232,17 +234,20 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether to record look-ups of tags. They are so many that recording costs as much as the request. */
+    /**
+     * Returns whether to record look-ups of tags. There are so many that recording them takes as long as the
+     * request.
+     */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }
 
-    /** Whether a requested output needs trials, which the launcher has started. */
+    /** Returns whether a requested output needs trials, which the launcher has started. */
     boolean needsTrials() {
         return shown.tags || tried.strict || written.report != null || !shown.explain.isEmpty();
     }
 
-    /** The request files; the launcher's default if there are none. */
+    /** Returns the request files, or the launcher's default if none are given. */
     List<Path> requests() {
         String usual = System.getProperty("orlu.request");
         if (mRequests == null) {
@@ -252,7 +257,7 @@ final class RunCommand implements Subcommand {
         return mRequests;
     }
 
-    /** A name for each request file. */
+    /** Returns a name for each request file. */
     List<String> names() {
         return name == null ? RequestNames.of(requests()) : List.of(name);
     }

@@ -48,7 +48,7 @@ final class RunComparison extends ResultOptions {
                 .map(Difference::text).toList());
     }
 
-    /** Adds a result, which is ok without differences. */
+    /** Adds a result, which is ok if `differences` is empty. */
     void add(String title, List<String> differences) {
         mResults.add(title, differences.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, differences),
                 0, JsonWriter.object("differences", differences));

@@ -95,7 +95,7 @@ final class Session {
 
     /** Returns the first of Verdict's statuses that is not OK. */
     int run() throws MistakeException, ErrnoException, IOException {
-        // All files are checked before the first one runs, so a mistake in the last is reported at once.
+        // Checks all files before the first request runs, so a mistake in the last file is reported at once.
         RequestChecker checker = new RequestChecker(mOptions.tried.photo, mOptions.tried.tags, mPhotos);
         mOptions.requests().forEach(checker::check);
         if (mOptions.tried.check) {
@@ -231,7 +231,7 @@ final class Session {
         }
         RequestRunner runner = null;
         ImageResults images = ImageResults.NONE;
-        // With an unusable library a request would only run into the timeout.
+        // With an unusable library, a request would only time out.
         if (mLibrary.status() == Verdict.OK) {
             runner = new RequestRunner(request, mClient, stopwatch, mOptions.needsLookups());
             try (RequestRunner closed = runner) {
@@ -253,7 +253,7 @@ final class Session {
             mClient.end(request, stopwatch);
             mClient = null;
             if (mContract != null) {
-                // Gives a library time for calls that it makes although its client is destroyed.
+                // Gives the library time to make calls that the contract forbids after destroyClient.
                 sleep();
             }
         }
@@ -268,7 +268,7 @@ final class Session {
         return new RunReport(run, images, verdict, null, "", "");
     }
 
-    // Only after a timeout: a short extra wait shows whether the callback is late or missing.
+    // Waits longer, but only after a timeout: this shows whether the callback is late or missing.
     private void awaitLateCallback(RequestFile request, RequestRunner.Ran ran, RecordedEvents events)
             throws IOException {
         long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;

@@ -22,8 +22,8 @@ import java.util.Set;
 /**
  * A request that ran in its own process over one library.
  *
- * @param run    its recording; null if there is none
- * @param result its result as JSON; without members if there is none
+ * @param run    its recording; null if it was not recorded
+ * @param result its result as JSON; an object without members if it was not recorded
  * @param child  the process; close() removes its files
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
@@ -58,33 +58,35 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         child.remove();
     }
 
-    /** Whether both runs are recorded. */
+    /** Returns whether both runs are recorded. */
     boolean isComparable(ShotRun other) {
         return run != null && other.run != null;
     }
 
-    /** The differences from another run; none if they are not comparable. */
+    /** Returns the differences from another run; an empty list if the runs are not comparable. */
     List<Difference> differences(ShotRun other) throws MistakeException, IOException {
         return !isComparable(other) ? List.of()
                 : new Comparison(run, other.run, Set.of(), 0, new OutputComparison(null, "")).differences();
     }
 
-    /** The similarity of the outputs of two runs. */
+    /** Returns the similarity of the outputs of two runs. */
     OutputMeasure outputs(ShotRun other) throws MistakeException {
         return isComparable(other) ? OutputMeasure.of(run, other.run) : OutputMeasure.NONE;
     }
 
-    /** The algorithms that were passed on to the algorithm library. */
+    /** Returns the algorithms that were passed on to the algorithm library. */
     List<String> algorithms() {
         return run == null ? List.of() : run.algorithms().stream().findFirst().orElse(List.of());
     }
 
-    /** The text for a verdict in a table. */
+    /** Returns the text for a verdict in a table. */
     static String status(Verdict verdict) {
         return verdict.status() == Verdict.OK ? "ok" : "FAILED";
     }
 
-    /** The similarity of its outputs to the clean photo; OutputMeasure.NONE if unknown. */
+    /**
+     * Returns the similarity of the least similar output to the clean photo; OutputMeasure.NONE if unknown.
+     */
     OutputMeasure photo() throws MistakeException {
         OutputMeasure least = OutputMeasure.NONE;
         for (Json measure : result.has("photo") ? result.get("photo").list() : List.<Json>of()) {
@@ -96,7 +98,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         return least;
     }
 
-    /** The milliseconds of all calls into the library; NaN without a result. */
+    /** Returns the milliseconds of all calls into the library; NaN without a result. */
     double milliseconds() {
         return Results.milliseconds(result);
     }

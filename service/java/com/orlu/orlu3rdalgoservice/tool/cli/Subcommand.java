@@ -17,8 +17,8 @@ interface Subcommand {
     int run() throws MistakeException, ErrnoException, IOException;
 
     /**
-     * Finishes the work of a process that died while it ran this, and returns a status. `exitStatus` is the
-     * dead process's, as a shell reports it.
+     * Finishes the work of a process that died while it ran this subcommand, and returns a status.
+     * `exitStatus` is that of the dead process, as a shell reports it.
      *
      * @throws IOException if a file can't be read or written
      */
@@ -26,7 +26,7 @@ interface Subcommand {
         throw new IllegalStateException("the process ended");
     }
 
-    /** Adds what annotations can't express. */
+    /** Adds properties that annotations can't express. */
     default void describe(CommandSpec spec) {
     }
 }

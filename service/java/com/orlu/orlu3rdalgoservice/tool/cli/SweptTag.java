@@ -34,12 +34,12 @@ record SweptTag(String name, List<String> values) {
         return new SweptTag(text.substring(0, equals), range.matches() ? range(text, range) : list(values));
     }
 
-    /** "orientation" for android.jpeg.orientation. */
+    /** Returns the part after the last dot: "orientation" for android.jpeg.orientation. */
     String shortName() {
         return name.substring(name.lastIndexOf('.') + 1);
     }
 
-    /** NAME=VALUE for each value. */
+    /** Returns NAME=VALUE for each value. */
     List<String> assignments() {
         return values.stream().map(value -> name + "=" + value).toList();
     }
@@ -66,7 +66,7 @@ record SweptTag(String name, List<String> values) {
         }
     }
 
-    // The values are elements of a JSON list, or unquoted texts.
+    // Parses the elements of a JSON list, or unquoted texts.
     private static List<String> list(String values) {
         try {
             return Json.parse("--tag", 0, "[" + values + "]").list().stream().map(JsonWriter::line).toList();

@@ -24,9 +24,9 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * The trials of one command line. They run in their own process beside the command: the native library opens
- * its algorithm library only once, and trials need one that answers at once. The results are left in the work
- * folder.
+ * Runs the trials of one command line and leaves the results in the work folder. The trials have their own
+ * process beside the command: the native library opens its algorithm library only once, and trials need an
+ * algorithm library that answers at once.
  */
 final class TrialSession {
     private TrialSession() {
@@ -52,7 +52,7 @@ final class TrialSession {
             }
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
-                // No other command follows that would report the mistake.
+                // No other command will report the mistake.
                 System.err.println(Printable.error(e));
             }
             return Verdict.REFUSED;
@@ -63,7 +63,7 @@ final class TrialSession {
         return Verdict.OK;
     }
 
-    /** Returns the trials' results for a request of this command line, and waits for them. */
+    /** Waits for the trials, and returns their results for a request of this command line. */
     static Dependences found(int request) throws IOException {
         awaitEnd();
         Path file = WorkFolder.trials();
@@ -75,7 +75,8 @@ final class TrialSession {
         return all.get(Math.min(request, all.size() - 1));
     }
 
-    // The launcher passes the id of the trials' process. If there is no such process, it has finished.
+    // The launcher passes the id of the trials' process. If that process no longer exists, the trials have
+    // finished.
     private static void awaitEnd() {
         Progress.show("trying what each tag changes");
         ProcessHandle.of(Long.getLong("orlu.trials", 0)).ifPresent(trials -> trials.onExit().join());

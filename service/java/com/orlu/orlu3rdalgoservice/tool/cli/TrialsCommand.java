@@ -7,7 +7,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** Runs the trials of one request for another ./run process, which compares runs. See TrialSession. */
+/** Runs the trials of one request for another ./run process that compares runs. See TrialSession. */
 @Command(customSynopsis = "./run trials REQUEST [--only TAG]... --record FILE",
         description = "Find by trial what each tag of a request changes.")
 final class TrialsCommand implements Subcommand {

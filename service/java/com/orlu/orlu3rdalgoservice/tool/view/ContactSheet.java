@@ -25,21 +25,26 @@ public final class ContactSheet {
     private final List<String> mColumns;
     private final List<Object> mRows = new ArrayList<>();
 
-    /** Without columns, the pictures of a row wrap to as many lines as they need. */
+    /**
+     * Creates a page without rows. Without columns, the pictures of a row wrap to as many lines as they need.
+     */
     public ContactSheet(String title, String about, List<String> columns) {
         mTitle = title;
         mAbout = about;
         mColumns = columns;
     }
 
-    /** A picture with a caption and further lines; null and the reason if there is none. */
+    /**
+     * Returns a cell with a picture, a caption and further lines. If `picture` is null, the cell shows
+     * `problem` instead.
+     */
     public static Map<String, Object> cell(
             String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
                 picture == null ? "" : PictureData.small(picture).uri());
     }
 
-    /** The cell of an output of a run, which may be null. */
+    /** Returns the cell of an output of a run. If `run` is null, the cell has no picture. */
     public static Map<String, Object> cell(String caption, List<String> lines, Run run, int output)
             throws MistakeException {
         PixelRows pixels = run == null || run.results().size() <= output ? null

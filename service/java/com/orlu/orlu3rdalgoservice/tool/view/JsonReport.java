@@ -15,13 +15,13 @@ import java.util.Map;
 
 /**
  * The results of a request as JSON: parameters in order, algorithm lists, values put, output descriptions,
- * times. Pointers and memory are left out, so everything but the times is the same on every machine.
+ * times. Omits pointers and memory, so that only the times differ between machines.
  */
 public final class JsonReport {
     private JsonReport() {
     }
 
-    /** The members of a result, without its name and its verdict. */
+    /** Returns the members of a result, without its name and its verdict. */
     public static Map<String, Object> members(RunReport report) {
         Run run = report.run();
         Handover handover = run.handover();

@@ -9,7 +9,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** The native side's log, which the host's log library writes to the file that ORLU_LOG_FILE names. */
+/** Reads the log of the native side. The host's log library writes that log to the file in ORLU_LOG_FILE. */
 final class LogLines {
     private static final int FIELDS = 5;
 

@@ -35,7 +35,7 @@ final class PageData {
     private final SourceLines mSource;
     private final Map<String, Object> mJson = new LinkedHashMap<>();
 
-    /** The exhibits are null if the process died too early. */
+    /** `exhibits` is null if the process died too early. */
     PageData(RunReport report, Exhibits exhibits, SourceLines source) {
         mReport = report;
         mRun = report.run();
@@ -120,7 +120,7 @@ final class PageData {
         return groups;
     }
 
-    // Each row as [tag, frames, text].
+    // Returns each row as [tag, frames, text].
     private static List<List<String>> rows(TagRows rows) {
         return rows.rows().stream().map(row -> List.of(row.tag(), row.frames(), row.text())).toList();
     }

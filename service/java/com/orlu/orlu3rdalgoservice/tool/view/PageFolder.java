@@ -21,7 +21,7 @@ import java.util.Map;
  */
 public final class PageFolder {
     private static final double BYTES_PER_KILOBYTE = 1000;
-    /** The fields of a page's data that the index uses. */
+    /** Fields of a page's data that the index shows. */
     private static final List<String> ENTRY_FIELDS =
             List.of("file", "about", "verdict", "findings", "algorithms", "milliseconds");
 
@@ -31,14 +31,14 @@ public final class PageFolder {
     private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
-    /** A folder for the pages of this many requests, created with the first page. */
+    /** `requests` is the number of requests. The folder is created with the first page. */
     public PageFolder(Path folder, int requests) {
         mFolder = folder;
         mIsPart = requests == 1 && System.getenv(WorkFolder.PAGES) != null;
         mHasIndex = requests > 1 || mIsPart;
     }
 
-    /** Continues after another process died. */
+    /** Restores the state that a dead process left. */
     public void resume() throws IOException {
         Json state = state(WorkFolder.pages());
         if (state != null) {
@@ -47,7 +47,7 @@ public final class PageFolder {
         }
     }
 
-    /** Adds a page that another process wrote, whose state is in this file if it exists. */
+    /** Adds the page that another process wrote. `file` has the state of that process, and may be missing. */
     public void addOther(Path file, Path request) throws IOException {
         Json state = state(file);
         mEntries.add(state == null || state.get("entries").elements().isEmpty() ? entry(request)
@@ -63,24 +63,24 @@ public final class PageFolder {
         }
     }
 
-    // The entry of a request without a page.
+    // Returns the entry of a request without a page.
     private static Map<String, Object> entry(Path request) {
         return JsonWriter.object("file", request.toString());
     }
 
-    /** How many requests have a page. */
+    /** Returns the number of requests that were added. */
     public int count() {
         return mEntries.size();
     }
 
-    /** When the last of them finished, by System.nanoTime(); 0 if there is none. */
+    /** Returns when the last page was written, by System.nanoTime(); 0 without a page. */
     public long end() {
         return mEnd;
     }
 
     /**
      * Writes the page of the last request, which is in the timeline unless its process died earlier.
-     * `exhibits` is null if its inputs can't be recreated. Returns a line that names the page.
+     * `exhibits` is null if the request's inputs can't be recreated. Returns a line that names the page.
      */
     public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
@@ -130,7 +130,7 @@ public final class PageFolder {
         }
     }
 
-    /** Writes the index if the run has several requests; those without a page have not run. */
+    /** Writes the index if the run has several requests. Requests without a page have not run. */
     public void writeIndex(List<Path> requests) throws IOException {
         if (!mHasIndex || mIsPart) {
             return;
@@ -142,7 +142,7 @@ public final class PageFolder {
                 PageTemplate.INDEX.page("Requests", JsonWriter.object("entries", entries)));
     }
 
-    /** The page that links to the others. */
+    /** Returns the file of the index. */
     public Path index() {
         return mFolder.resolve("index.html");
     }

@@ -19,7 +19,7 @@ enum PageTemplate {
     /** The page on one request. */
     REQUEST("page.html", List.of("dom.js", "theme.js", "histogram.js", "loupe.js", "compare.js",
             "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js")),
-    /** The page that links to those of several requests. */
+    /** The index: links to the pages of several requests. */
     INDEX("index.html", List.of("dom.js", "theme.js", "index.js")),
     /** A page of pictures side by side. */
     SHEET("index.html", List.of("dom.js", "theme.js", "sheet.js"));
@@ -44,17 +44,20 @@ enum PageTemplate {
         for (String name : STYLES) {
             style.append(resource(name));
         }
-        // Data can't close the element around it.
+        // The data's escapes prevent it from closing the element around it.
         Map<String, String> parts = Map.of("title", escaped(title), "policy", policy(script, style),
                 "style", style.toString(), "script", script.toString(),
                 "data", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e")
                         .replace("&", "\\u0026"));
-        // One pass: inserted text may look like the name of a part.
+        // A single pass, since inserted text may look like a placeholder.
         return PART.matcher(resource(mHtml)).replaceAll(
                 part -> Matcher.quoteReplacement(parts.get(part.group(1))));
     }
 
-    /** Allows only the page's own script and styles, and embedded images; nothing is loaded. */
+    /**
+     * Returns a policy that allows only the page's own script and styles, and embedded images. The page loads
+     * nothing.
+     */
     private static String policy(CharSequence script, CharSequence style) throws IOException {
         return ("default-src 'none'; script-src '%s'; style-src '%s'; img-src data:; "
                 + "base-uri 'none'; form-action 'none'").formatted(hash(script), hash(style));

@@ -50,12 +50,12 @@ final class RequestTrack {
         return mProcess;
     }
 
-    /** The first parameter written on the thread of process; null if there is none. */
+    /** Returns the call that wrote the first parameter, on the thread of process; null if there is none. */
     Call firstWrite() {
         Call first = null;
         for (int i = mBefore.size() - 1; i >= 0; --i) {
             Call call = mBefore.get(i);
-            // A destroyed block was an earlier one with the same handle.
+            // Calls before this one are about an earlier block with the same handle.
             if (call.operation().equals("destroyMetadata") && isOnBlock(call)) {
                 break;
             }
@@ -66,7 +66,10 @@ final class RequestTrack {
         return first;
     }
 
-    /** The callback that finishes the request, else the first one with its cookie; null if there is none. */
+    /**
+     * Returns the callback that finishes the request, else the first callback of the same process call; null
+     * if there is none.
+     */
     Call callback() {
         Call other = null;
         for (Call call : mAfter) {
@@ -81,7 +84,10 @@ final class RequestTrack {
         return other;
     }
 
-    /** The calls that read results and the one that destroys the parameters, on the thread of the first. */
+    /**
+     * Returns the calls that read results and the call that destroys the parameters; all on the thread of the
+     * first.
+     */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
         for (Call call : mAfter) {
@@ -98,7 +104,7 @@ final class RequestTrack {
         return results;
     }
 
-    /** The clean-up calls after process on its thread, and the next call, if any. */
+    /** Returns the clean-up calls after process on its thread, and the next call on that thread, if any. */
     List<Call> untilNext() {
         List<Call> calls = new ArrayList<>();
         for (Call call : mAfter) {
@@ -113,7 +119,7 @@ final class RequestTrack {
         return calls;
     }
 
-    /** Whether the call destroys a block other than the parameters, such as the camera's metadata. */
+    /** Returns whether the call destroys a block other than the parameters, such as the camera's metadata. */
     boolean isTidyingUp(Call call) {
         return call.operation().equals("destroyMetadata") && !isOnBlock(call);
     }

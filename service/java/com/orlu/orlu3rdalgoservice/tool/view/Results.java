@@ -42,7 +42,7 @@ public final class Results {
         mCommand = command;
     }
 
-    /** Adds a result under a name for people. Further members follow the name and the verdict. */
+    /** Adds a result. `name` is for people; `members` follow the name and the verdict in JSON. */
     public void add(String name, Verdict verdict, double milliseconds, Map<String, Object> members) {
         Map<String, Object> json = JsonWriter.object("name", name, "verdict", JsonWriter.object("ok",
                 verdict.status() == Verdict.OK, "status", verdict.status(), "reasons", verdict.reasons()));
@@ -62,32 +62,32 @@ public final class Results {
         }
     }
 
-    /** The verdict of a result in JSON. */
+    /** Returns the verdict of a result in JSON. */
     public static Verdict verdict(Json result) throws MistakeException {
         Json verdict = result.require("verdict");
         return new Verdict(verdict.require("status").integer(0, 255), verdict.require("reasons").strings());
     }
 
-    /** The milliseconds of all calls into the library in a result; NaN if it has none. */
+    /** Returns the milliseconds of all calls into the library in a result; NaN if the result has no times. */
     public static double milliseconds(Json result) {
         Json times = result.get("milliseconds");
         return times == null ? Double.NaN : times.entries().values().stream()
                 .mapToDouble(time -> Double.parseDouble(time.text())).sum();
     }
 
-    /** The first status that is not ok. */
+    /** Returns the first status that is not OK; OK if there is none. */
     public int status() {
         return mResults.stream().mapToInt(result -> result.verdict().status())
                 .filter(status -> status != Verdict.OK).findFirst().orElse(Verdict.OK);
     }
 
-    /** The indexes of the results that are not ok. */
+    /** Returns the indexes of the results that are not ok. */
     public List<Integer> failed() {
         return IntStream.range(0, mResults.size())
                 .filter(i -> mResults.get(i).verdict().status() != Verdict.OK).boxed().toList();
     }
 
-    /** The number of results. */
+    /** Returns the number of results. */
     public int size() {
         return mResults.size();
     }

@@ -28,9 +28,9 @@ import java.util.stream.LongStream;
 /** Makes a timeline of a run: Java's work, the calls between the libraries, and waits. */
 public final class Timeline {
     private static final long NANOSECONDS_PER_MILLISECOND = 1_000_000;
-    /** Called by the algorithm library; all others are called by the native library. */
+    /** Operations that the algorithm library calls. The native library calls all others. */
     private static final Set<String> CALLED_BACK = Set.of("callback", "visit");
-    /** Fields of a begin event that every event has or that are too long to show. */
+    /** Fields of a begin event that are not shown: every event has them, or they are too long. */
     private static final Set<String> NOT_SHOWN = Set.of(
             "event", "t", "tid", "thread", "op", "from", "bytes", "metadata", "inputs", "outputs", "handles");
 
@@ -54,7 +54,7 @@ public final class Timeline {
         mStageTimes.addAll(report.run().stageTimes());
     }
 
-    /** Adds Java's work for a request on this thread. */
+    /** Adds Java's work for a request on the thread `tid`. */
     public void add(String name, int tid, List<Stage> stages, Map<String, Object> args) {
         if (stages.isEmpty()) {
             return;
@@ -74,14 +74,16 @@ public final class Timeline {
                 JsonWriter.line(JsonWriter.object("traceEvents", trace(mStart, Long.MAX_VALUE))) + "\n");
     }
 
-    /** The timeline of the last request that was added; of all if none has timed Java calls. */
+    /**
+     * Returns the timeline of the last request that was added; of all requests if none has timed Java calls.
+     */
     Part ofLastRequest() throws IOException {
         Slice last = mJava.stream().filter(slice -> slice.category().equals("request"))
                 .reduce((one, other) -> other).orElse(null);
         return last == null ? since(0) : part(last.start(), last.end());
     }
 
-    /** The timeline from this time on; from the beginning for 0. */
+    /** Returns the timeline from this time on; 0 is the beginning. */
     Part since(long time) throws IOException {
         return part(time, Long.MAX_VALUE);
     }
@@ -201,7 +203,7 @@ public final class Timeline {
     }
 
     // A synchronous request waits inside Java's call: from the end of the clean-up after process to the
-    // thread's next call. A full-async one waits in Java, in a separate stage.
+    // thread's next call. A full-async request waits in Java, in a separate stage.
     private void addWait(TraceFile trace, RequestTrack request) {
         if (request.process().end() == null) {
             return;

@@ -11,8 +11,8 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /**
- * Slices in one lane for each thread of a process, and arrows between them, in the JSON trace format. Leaves
- * out what begins outside the file's period.
+ * Slices in one lane for each thread of a process, and arrows between them, in the JSON trace format. Omits
+ * events that begin outside the file's period.
  */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
@@ -44,7 +44,10 @@ final class TraceFile {
         }
     }
 
-    /** An empty file for a process and a period, by System.nanoTime(). Its times count from `start`. */
+    /**
+     * Creates an empty file for a process and a period, by System.nanoTime(). Times in the file count from
+     * `start`.
+     */
     TraceFile(long pid, long start, long end) {
         mPid = pid;
         mStart = start;
@@ -56,7 +59,7 @@ final class TraceFile {
         mLanes.computeIfAbsent(slice.tid(), tid -> new ArrayList<>()).add(slice);
     }
 
-    /** Names and places a lane; a smaller index is further up. */
+    /** Names and places a lane; lanes with a smaller index are further up. */
     void nameLane(int tid, String name, int index) {
         addMetadata("thread_name", tid, "name", name);
         addMetadata("thread_sort_index", tid, "sort_index", index);
@@ -86,13 +89,13 @@ final class TraceFile {
         add(event, time);
     }
 
-    /** Returns all trace events. Call it once. */
+    /** Returns all trace events. Call only once. */
     List<Map<String, Object>> events() {
         mLanes.values().forEach(this::addLane);
         return mEvents;
     }
 
-    // Viewers need nested slices in a lane: none may end after the enclosing one.
+    // Viewers require slices of a lane to nest: a slice must not end after the enclosing slice.
     private void addLane(List<Slice> slices) {
         Deque<Slice> around = new ArrayDeque<>();
         slices.sort(Comparator.comparingLong(Slice::start)
