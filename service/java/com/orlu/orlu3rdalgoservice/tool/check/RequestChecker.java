@@ -31,7 +31,10 @@ public final class RequestChecker {
     private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
-    /** A photo other than null replaces the files' photos; tags "NAME=VALUE" replace those of all frames. */
+    /**
+     * `otherPhoto` replaces the files' photos unless it is null; `tags`, each NAME=VALUE, are set in all
+     * frames.
+     */
     public RequestChecker(Path otherPhoto, List<String> tags, Photos photos) {
         mOtherPhoto = otherPhoto;
         mTags = tags;
@@ -97,7 +100,8 @@ public final class RequestChecker {
         throw request.place().error("photo", problem);
     }
 
-    // Returns the line about a file without mistakes. The images are the request's, with their sizes.
+    // Returns the line about a file without errors. `inputs` and `outputs` are the request's images, with
+    // their sizes.
     private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": ok: " + counted(frames, "frame")
@@ -122,12 +126,12 @@ public final class RequestChecker {
         return asksFor ? String.join(" ", (String[]) asked) : "no algorithms";
     }
 
-    /** The requests of the files without a mistake. */
+    /** Returns the requests of the files without errors. */
     public List<RequestFile> requests() {
         return mRequests;
     }
 
-    /** Whether there are no mistakes and, if strict, no warnings. */
+    /** Returns whether there are no errors and, if strict, no warnings. */
     public boolean isRight(boolean isStrict) {
         return errors() == 0 && (!isStrict || warnings() == 0);
     }
@@ -136,12 +140,12 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::errors).sum();
     }
 
-    /** The mistakes and warnings of each file, in the order of the files. */
+    /** Returns the errors and warnings of each file, in the order of the files. */
     public List<Mistakes> mistakes() {
         return mMistakes;
     }
 
-    /** The number of warnings about a file, given by its index. */
+    /** Returns the number of warnings about the file with this index. */
     public int warnings(int file) {
         return mMistakes.get(file).warnings();
     }
@@ -150,12 +154,12 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::warnings).sum();
     }
 
-    /** Prints a line about each file without a mistake. */
+    /** Prints a line about each file without errors. */
     public void printUnderstood(PrintStream to) {
         mUnderstood.forEach(line -> to.println(Printable.line(line.get())));
     }
 
-    /** Prints a line for each mistake and warning, and their counts; nothing if there are none. */
+    /** Prints a line for each error and warning, and their counts; nothing if there are none. */
     public void printMistakes(PrintStream to, boolean isStrict) {
         for (Mistakes mistakes : mMistakes) {
             mistakes.lines().forEach(to::println);
@@ -170,7 +174,7 @@ public final class RequestChecker {
         }
     }
 
-    /** "1 file", "2 files". */
+    /** Returns text such as "1 file" or "2 files". */
     public static String counted(long count, String what) {
         return count + " " + what + (count == 1 ? "" : "s");
     }

@@ -44,7 +44,7 @@ final class SizeAdvice {
         }
     }
 
-    // The library passes this format's stride on as its width.
+    // For RAW16, the library passes the width on instead of the stride.
     private static void onStride(ImagePlan image) {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
@@ -53,7 +53,8 @@ final class SizeAdvice {
         }
     }
 
-    // The first image of a frame comes from one camera, the second perhaps from another.
+    // Compares images with the same index in different frames. The second image of a frame may come from
+    // another camera.
     private static void onInputSizes(List<ImagePlan> inputs) {
         Map<Integer, Integer> ofFrame = new HashMap<>();
         Map<Integer, ImagePlan> first = new HashMap<>();
@@ -88,7 +89,7 @@ final class SizeAdvice {
         }
     }
 
-    // Bytes after the pixels belong to another image, or the size or stride is wrong.
+    // Warns of bytes after the pixels: they belong to another image, or the size or stride is wrong.
     private static void onFiles(List<ImagePlan> inputs) {
         Map<Path, Long> ends = new HashMap<>();
         inputs.stream().filter(SizeAdvice::isOfBytes).forEach(image -> ends.merge(

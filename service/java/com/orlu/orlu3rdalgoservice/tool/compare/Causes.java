@@ -43,7 +43,8 @@ public final class Causes {
 
     /**
      * Returns a line for each tag that can explain a difference, with its frames; tags that change the fewest
-     * other parameters first. If no tag explains it, the last line names the tags it depends on.
+     * other parameters first. If no tag explains it, the last line names the tags that the parameter depends
+     * on.
      */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();
@@ -64,7 +65,7 @@ public final class Causes {
         return lines;
     }
 
-    /** Whether a differing tag explains the difference, or the parameter changes by itself. */
+    /** Returns whether a differing tag explains the difference, or the parameter changes by itself. */
     public boolean explain(Difference difference) {
         String name = difference.parameter();
         return isUnsteady(name) || mGiven.stream().anyMatch(tag -> changes(tag, name));
@@ -74,7 +75,7 @@ public final class Causes {
         return mRuns.stream().anyMatch(run -> run.unsteady().contains(parameter));
     }
 
-    // The tags that a parameter depends on, whether they differ or not.
+    // Returns the tags that a parameter depends on, whether or not they differ, as text.
     private String dependsOn(String name) {
         Map<String, Set<Integer>> tags = new LinkedHashMap<>();
         mRuns.stream().flatMap(run -> run.of(name).stream())
@@ -90,7 +91,7 @@ public final class Causes {
                 + (found.size() > SHOWN ? " and " + (found.size() - SHOWN) + " more tags" : "");
     }
 
-    /** Why the trials are unreliable; "" if they are reliable. */
+    /** Returns why the trials are unreliable; "" if they are reliable. */
     public String problem() {
         return mRuns.stream().map(Dependences::problem).filter(problem -> !problem.isEmpty()).findFirst()
                 .orElse("");

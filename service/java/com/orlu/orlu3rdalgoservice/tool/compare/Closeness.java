@@ -12,7 +12,7 @@ import java.util.Map;
  * @param tolerance the largest difference; 0 requires equality
  */
 record Closeness(double tolerance) {
-    /** Null is close only to null. */
+    /** Returns whether the values are close. Null is close only to null. */
     boolean isClose(Json one, Json other) {
         if (one == null || other == null) {
             return one == other;

@@ -166,7 +166,7 @@ public final class Comparison {
         return put == null ? "not put" : JsonWriter.line(put);
     }
 
-    // The elements of a list value: {"ints": [1, 2]}.
+    // Returns [1, 2] for {"ints": [1, 2]}, and other values unchanged.
     private static Json list(Json put) {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }

@@ -21,7 +21,7 @@ import java.util.stream.Collectors;
 /** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
-    /** The most differing tags that are tried without the others. More would not fit on a command line. */
+    /** If more tags differ, trials include all tags: so many names do not fit on a command line. */
     private static final int FEW = 50;
 
     /**
@@ -51,7 +51,7 @@ public final class ComparisonReport {
         mGiven = GivenTag.of(one, other);
     }
 
-    /** Prints everything under this title. Returns the differences. */
+    /** Prints the comparison under this title. Returns the differences. */
     public List<Difference> print(String title) throws MistakeException, IOException {
         String name = Path.of(mOne.name()).getFileName().toString()
                 .replaceFirst("(\\.json)?( with .*)?$", "");
@@ -112,7 +112,7 @@ public final class ComparisonReport {
         return causes(Set.of());
     }
 
-    // A tag may matter in only one of the runs, so both have trials unless their inputs are equal.
+    // A tag may matter in only one of the runs, so both have trials unless their tags are equal.
     private Causes causes(Set<String> only) throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {

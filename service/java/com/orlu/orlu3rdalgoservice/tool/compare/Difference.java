@@ -7,7 +7,7 @@ package com.orlu.orlu3rdalgoservice.tool.compare;
  * @param parameter "section/key" of the parameter, Dependences.ALGORITHMS for the algorithm list, else ""
  */
 public record Difference(String text, String parameter) {
-    /** Whether tags can cause the difference. */
+    /** Returns whether tags can cause the difference. */
     public boolean canComeFromTags() {
         return !parameter.isEmpty();
     }

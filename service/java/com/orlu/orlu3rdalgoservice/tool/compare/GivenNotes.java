@@ -40,7 +40,7 @@ final class GivenNotes {
         return mLines;
     }
 
-    /** Groups the same tag of several frames, in the order of the first. */
+    /** Groups the entries of each tag, in the order of its first entry. */
     static List<List<GivenTag>> grouped(List<GivenTag> tags) {
         Map<String, List<GivenTag>> byTag = new LinkedHashMap<>();
         for (GivenTag tag : tags) {

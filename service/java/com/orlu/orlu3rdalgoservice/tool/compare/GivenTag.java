@@ -22,7 +22,8 @@ public record GivenTag(int frame, String source, String tag, String one, String 
     private static final int SHOWN_BEFORE = 15;
 
     /**
-     * Returns the differing tags of all frames that both runs have, by frame; none if a run has only events.
+     * Returns the differing tags of all frames that both runs have, by frame. The list is empty if a run has
+     * only events.
      */
     public static List<GivenTag> of(Run one, Run other) {
         List<GivenTag> tags = new ArrayList<>();
@@ -52,7 +53,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return values.containsKey(tag) ? JsonWriter.line(values.get(tag)) : "none";
     }
 
-    // The start of the shown part of long values, chosen so that the difference is visible.
+    // Returns the start of the shown part of long values, so that the difference is visible.
     private static int start(String one, String other) {
         int same = 0;
         while (same < Math.min(one.length(), other.length()) && one.charAt(same) == other.charAt(same)) {
@@ -66,7 +67,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return (from > 0 ? "..." : "") + text.substring(from, end) + (end < text.length() ? "..." : "");
     }
 
-    /** The tag with both values. The source is named unless it is the capture result. */
+    /** Returns the tag with both values, and the source unless it is the capture result. */
     public String text() {
         return tag + " = " + one + " / " + other + (source.equals("composition") ? ", composition" : "");
     }

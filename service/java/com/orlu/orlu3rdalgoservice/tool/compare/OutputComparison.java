@@ -27,7 +27,7 @@ public final class OutputComparison {
     private final Path mPictures;
     private final String mName;
 
-    /** Writes pictures to the folder (null: none), with `name` as prefix. */
+    /** Writes pictures of differing outputs to the folder `pictures` (null: none), with `name` as prefix. */
     public OutputComparison(Path pictures, String name) {
         mPictures = pictures;
         mName = name;
@@ -83,7 +83,7 @@ public final class OutputComparison {
         return file;
     }
 
-    // Empty if the pixels differ by at most the tolerance.
+    // Returns the difference as text; empty if the pixels differ by at most the tolerance.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);

@@ -18,7 +18,10 @@ public record OutputMeasure(double psnr, double ssim, int output) {
     /** The measure of outputs that can't be compared. */
     public static final OutputMeasure NONE = new OutputMeasure(Double.NaN, Double.NaN, 0);
 
-    /** Compares each output that both runs have. Runs without outputs are equal. */
+    /**
+     * Compares the outputs in pairs. The result is NaN if the runs have different numbers of outputs, and
+     * equality if they have none.
+     */
     public static OutputMeasure of(Run one, Run other) throws MistakeException {
         List<ImageLayout> left = one.results();
         List<ImageLayout> right = other.results();
@@ -35,7 +38,7 @@ public record OutputMeasure(double psnr, double ssim, int output) {
         return new OutputMeasure(psnr, ssim, worst);
     }
 
-    /** The difference of two outputs; null if they can't be compared. */
+    /** Returns the difference of two outputs; null if they can't be compared. */
     public static ImageDifference difference(ImageLayout one, ImageLayout other) throws MistakeException {
         byte[] left = one.bytes();
         byte[] right = other.bytes();
@@ -49,12 +52,12 @@ public record OutputMeasure(double psnr, double ssim, int output) {
                 : null;
     }
 
-    /** The PSNR as text for display. */
+    /** Returns the PSNR as text for display. */
     public String psnrText() {
         return Double.isNaN(psnr) ? "-" : Double.isInfinite(psnr) ? "equal" : "%.1f".formatted(psnr);
     }
 
-    /** The SSIM as text for display. */
+    /** Returns the SSIM as text for display. */
     public String ssimText() {
         return Double.isNaN(ssim) ? "-" : "%.4f".formatted(ssim);
     }

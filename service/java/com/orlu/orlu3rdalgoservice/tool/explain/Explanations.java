@@ -12,7 +12,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.stream.IntStream;
 
-/** Explains a request's parameters: what wrote each, and which tags it depends on. */
+/** Explains a request's parameters: the code that wrote each, and the tags that it depends on. */
 public final class Explanations {
     private static final String UNKNOWN_PLACE = "an unknown line";
 
@@ -47,24 +47,24 @@ public final class Explanations {
         return mHandover;
     }
 
-    /** The parameters that the request wrote, in order, and the algorithm list. */
+    /** Returns the parameters that the request wrote, in order, and the algorithm list. */
     public Set<String> names() {
         return mNames;
     }
 
-    /** names(), and the parameters that the request would write if a tag had another value. */
+    /** Returns names(), and the parameters that the request would write if a tag had another value. */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
         mDependences.all().forEach(tag -> possible.addAll(tag.parameters()));
         return possible;
     }
 
-    /** Every write of the request, in order. */
+    /** Returns every write of the request, in order. */
     public List<Write> writes() {
         return IntStream.range(0, mPlaces.size()).mapToObj(this::write).toList();
     }
 
-    /** The writes of one parameter. */
+    /** Returns the writes of one parameter. */
     List<Write> writes(String name) {
         return IntStream.range(0, mPlaces.size())
                 .filter(i -> mHandover.parameters().get(i).fullName().equals(name))
@@ -77,12 +77,12 @@ public final class Explanations {
                 place == null ? UNKNOWN_PLACE : place.text());
     }
 
-    /** Whether a parameter changes between identical runs. */
+    /** Returns whether a parameter changes between identical runs. */
     public boolean isUnsteady(String name) {
         return mDependences.unsteady().contains(name);
     }
 
-    /** The tags that a parameter depends on, except those that affect most parameters. */
+    /** Returns the tags that a parameter depends on, except those that affect most parameters. */
     public TagRows tags(String name) {
         TagRows rows = new TagRows();
         mDependences.of(name).stream().filter(tag -> !isGeneral(tag)).forEach(tag -> rows.add(tag.tag(),
@@ -90,7 +90,7 @@ public final class Explanations {
         return rows;
     }
 
-    /** The tags that most parameters depend on, listed once instead of with each parameter. */
+    /** Returns the tags that affect most parameters, listed once instead of with each parameter. */
     public TagRows generalTags() {
         TagRows rows = new TagRows();
         mDependences.all().stream().filter(this::isGeneral)
@@ -107,12 +107,12 @@ public final class Explanations {
         return tag.parameters().size() > mNames.size() / 2;
     }
 
-    /** Why some or all tags are unknown; "" if none is. */
+    /** Returns why some or all tags are unknown; "" if all are known. */
     public String problem() {
         return mDependences.problem();
     }
 
-    /** How the tags were found, as text. */
+    /** Returns how the tags were found, as text. */
     public String effort() {
         return "found by %d trials in %.1f s; docs/explain.md lists their limits"
                 .formatted(mDependences.trials(), mDependences.seconds());

@@ -29,7 +29,7 @@ public record Reading(
         return outcome == other;
     }
 
-    /** The reading as text that follows the frame. */
+    /** Returns the reading as text to follow the frame. */
     public String text() {
         String place = isInComposition() ? "composition     " : "capture result  ";
         return switch (outcome) {

@@ -15,7 +15,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The readings of all tags of a request: those that were read and those that it has. */
+/** The readings of all tags that were looked up in a request, or that the request has. */
 public final class Readings {
     private record Key(int frame, String tag, boolean inComposition) {
     }
@@ -23,7 +23,7 @@ public final class Readings {
     private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
     private final Dependences mDependences;
 
-    /** The dependences name the type that each composition value is read as; they may be unknown. */
+    /** Takes the type that each composition value is read as from `dependences`, which may be unknown. */
     Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
         mDependences = dependences;
         events.events("lookup").forEach(this::add);
@@ -44,24 +44,33 @@ public final class Readings {
                 dependences != null ? dependences : Dependences.unknown("no trials were made"));
     }
 
-    /** All readings in the order of the first look-up; tags never read are last. */
+    /** Returns all readings in the order of the first look-up; tags never read are last. */
     public Collection<Reading> all() {
         return mReadings.values();
     }
 
-    /** The tag's reading in the store that trials changed; null if there is none. */
+    /**
+     * Returns the reading of the tag, in the composition or capture result that trials changed; null if there
+     * is none.
+     */
     public Reading of(Dependence tag) {
         return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
     }
 
-    /** The capture result's value that a composition's value hides; null if there is none. */
+    /**
+     * Returns the reading of the capture result's value that a composition's value hides; null if there is
+     * none.
+     */
     public Reading under(Reading reading) {
         Reading under = reading.isInComposition()
                 ? mReadings.get(new Key(reading.frame(), reading.tag(), false)) : null;
         return under == null || under.value().isEmpty() ? null : under;
     }
 
-    /** The composition's value that hides a capture result's; null if there is none. */
+    /**
+     * Returns the reading of the composition's value that hides a capture result's value; null if there is
+     * none.
+     */
     Reading over(Reading reading) {
         Reading over = reading.isInComposition() ? null
                 : mReadings.get(new Key(reading.frame(), reading.tag(), true));

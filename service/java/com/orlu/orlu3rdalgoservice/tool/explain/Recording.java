@@ -13,7 +13,7 @@ import java.util.Set;
 /** The parameters that one translation wrote. */
 final class Recording {
     private final byte[] mRecord;
-    /** Where each write starts in the record; the last element is the record's size. */
+    /** The offset of each write in the record; the last element is the record's size. */
     private final int[] mStarts;
 
     Recording(byte[] record) {
@@ -29,7 +29,7 @@ final class Recording {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
-    // Only the writes between the equal ones at both ends are decoded: a trial changes few of hundreds.
+    // Skips the equal writes at both ends, and decodes only those between: a trial changes few of hundreds.
     private Set<String> differences(Recording other) {
         int most = Math.min(count(), other.count());
         int head = 0;
@@ -89,13 +89,13 @@ final class Recording {
         return true;
     }
 
-    // The names of the writes except the given ones.
+    // Returns the names of the writes, except those in `without`.
     private static List<String> order(List<Write> writes, Set<String> without) {
         return writes.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // The lists differ, and have each name equally often. Names outside their longest common subsequence have
-    // moved.
+    // Returns the names that have moved: those outside the longest common subsequence. The lists contain each
+    // name equally often, but in different orders.
     private static Set<String> moved(List<String> before, List<String> after) {
         int[][] longest = new int[before.size() + 1][after.size() + 1];
         for (int i = before.size() - 1; i >= 0; --i) {

@@ -29,7 +29,7 @@ public final class SourceLines {
     private String mTool = "addr2line";
     private String mProblem = "";
 
-    /** Reads from these events the paths of the loaded files, and the machine that they are for. */
+    /** Reads the paths of the loaded files and their machine from these events. */
     public void learn(RecordedEvents events) {
         for (Event header : events.events("header")) {
             mTool = header.text("machine").startsWith("arm") ? "arm-linux-gnueabihf-addr2line" : "addr2line";
@@ -39,7 +39,7 @@ public final class SourceLines {
         }
     }
 
-    /** Why lines are missing; "" if none is. */
+    /** Returns why lines are missing; "" if none are. */
     public String problem() {
         return mProblem;
     }
@@ -47,7 +47,7 @@ public final class SourceLines {
     /**
      * Returns the most specific source line of each call: of the lines on its stack, the one that the fewest
      * kinds of calls share, or the innermost of several such lines. This skips lines that all calls pass
-     * through. Null if no line is known.
+     * through. An element is null if no line of its call is known.
      */
     public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
@@ -70,8 +70,8 @@ public final class SourceLines {
         return telling;
     }
 
-    // Templates in headers write all rows, so a line of a header does not identify the row. Such lines count
-    // only if there are no others.
+    // Templates in headers write the rows of all tables, so a line of a header does not identify the row.
+    // Returns such lines only if there are no others.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();
@@ -99,7 +99,8 @@ public final class SourceLines {
             mProblem = "no event has the path of " + module;
             return;
         }
-        // In the emulator, Java's spawn helper is a program for the emulated machine, which can't run here.
+        // VFORK needs no spawn helper. In the emulator, Java's spawn helper is a program for the emulated
+        // machine, which the host can't run.
         System.setProperty("jdk.lang.Process.launchMechanism", "VFORK");
         List<String> command = new ArrayList<>(List.of(mTool, "-a", "-f", "-i", "-C", "-e", path));
         command.addAll(offsets);
@@ -137,7 +138,7 @@ public final class SourceLines {
         }
     }
 
-    // The function without scopes, arguments and return type.
+    // Returns the function's name without scopes, arguments and return type.
     private static String shortName(String function) {
         String name = function.replace("(anonymous namespace)::", "");
         int end = name.indexOf('(');

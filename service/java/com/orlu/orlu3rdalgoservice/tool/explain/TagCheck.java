@@ -24,7 +24,7 @@ public final class TagCheck {
         }
     }
 
-    /** Whether the request has the tag and it was never read, in any frame. */
+    /** Returns whether the request has the tag, but the tag was not looked up in any frame. */
     boolean isNeverRead(Reading reading) {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }

@@ -84,7 +84,7 @@ public final class TagPrinter {
         return rows;
     }
 
-    // The parameters that another value would change, with their present values.
+    // Returns the parameters that another value would change, with their present values.
     private String defaults(Reading reading) {
         List<Dependence> tags = mDependences.of(reading.frame(), reading.tag());
         List<String> names =

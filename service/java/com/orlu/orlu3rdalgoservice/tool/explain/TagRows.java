@@ -26,7 +26,7 @@ public final class TagRows {
         return mRows.isEmpty();
     }
 
-    /** All rows, by tag. */
+    /** Returns all rows, sorted by tag. */
     public List<Row> rows() {
         List<Row> rows = new ArrayList<>();
         mRows.forEach((tag, texts) ->
@@ -34,7 +34,7 @@ public final class TagRows {
         return rows;
     }
 
-    /** The number of tags. */
+    /** Returns the number of tags. */
     int size() {
         return mRows.size();
     }
@@ -47,7 +47,7 @@ public final class TagRows {
         });
     }
 
-    // "frames 0-3,5"
+    // Returns text such as "frames 0-3,5".
     private static String frames(List<Integer> frames) {
         StringBuilder text = new StringBuilder();
         for (int i = 0; i < frames.size(); ++i) {

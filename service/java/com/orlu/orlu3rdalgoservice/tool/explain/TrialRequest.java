@@ -18,8 +18,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * A request that is translated repeatedly, on one client and over the same images; pixels are never read.
- * Changes of a trial are undone afterwards.
+ * A request that is translated repeatedly, on one client and with the same images, whose pixels are never
+ * read. Each trial's changes are undone afterwards.
  */
 final class TrialRequest implements AutoCloseable {
     private static final String NATIVE_REQUEST = "nativeRequestAddr";
@@ -28,13 +28,15 @@ final class TrialRequest implements AutoCloseable {
     record Frame(CameraMetadataNative captureResult, Map<String, Object> composition) {
     }
 
-    /** A value (null: removed) in the composition or the capture result of a frame. */
+    /**
+     * A change of a tag in the composition or the capture result of a frame; the value null removes the tag.
+     */
     record Change(int frame, boolean inComposition, String tag, Object value) {
     }
 
     /**
-     * Whether a tag was looked up in the composition, and the class that was requested from the capture
-     * result; null if the tag was not looked up there.
+     * The look-ups of a tag. `composition` is true if it was looked up there; `captureResult` is the class
+     * requested from the capture result, null if it was not looked up there.
      */
     record Asked(boolean composition, Class<?> captureResult) {
     }
@@ -53,7 +55,7 @@ final class TrialRequest implements AutoCloseable {
 
     private Object mDone;
 
-    /** The caller owns the images. */
+    /** Creates a client for the request. The caller owns the images. */
     TrialRequest(RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs) {
         mInputs = inputs;
         mOutputs = outputs;

@@ -30,7 +30,7 @@ import java.util.TreeMap;
  * tag of one.
  */
 public final class Trials {
-    /** How many values are always tried in each frame alone. */
+    /** The number of values that are always tried in each frame alone. */
     private static final int ALONE = 5;
     private static final int BASELINES = 3;
     private static final double NANOSECONDS = 1e9;
@@ -71,8 +71,8 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request whose images have this size if the file gives none, of all tags or, if
-     * `only` is not empty, of the tags in it. See of(file, inputs, outputs, library) for the rest.
+     * Runs the trials of a request over empty images, which have this size if the file gives none. Tries only
+     * the tags in `only`, or all tags if it is empty. See of(file, inputs, outputs, library) for the rest.
      */
     public static Dependences of(RequestFile file, FrameSize size, Set<String> only, String library)
             throws ErrnoException, MistakeException {
@@ -87,8 +87,8 @@ public final class Trials {
 
     /**
      * Runs the trials of a request over these images, which the caller owns. Frames and compositions are
-     * restored afterwards. Loads the algorithm library for trials; the native library must find the same file
-     * under the algorithm library's name.
+     * restored afterwards. Loads `library`, the algorithm library for trials; the native library must find
+     * the same file under the algorithm library's name.
      */
     public static Dependences of(
             RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {
@@ -168,7 +168,7 @@ public final class Trials {
         return names;
     }
 
-    // The tags that the first translation read.
+    // Returns the tags that the first translation read.
     private List<Subject> subjects() {
         List<Map<String, Asked>> asked = new ArrayList<>();
         for (int i = 0; i < mRequest.frames().size(); ++i) {
@@ -200,7 +200,7 @@ public final class Trials {
         if (held != null) {
             subjects.add(new Subject(frame, false, tag, asked.captureResult(), OtherValues.insteadOf(held)));
         } else if (over == null) {
-            // The tag is absent. Only a composition can hold a tag that no table knows.
+            // The tag is absent. Only a composition can contain a tag that is in no table.
             subjects.add(new Subject(frame, !isAskedThere, tag, asked.captureResult(),
                     OtherValues.of(type != null ? type : TagType.INT)));
         }

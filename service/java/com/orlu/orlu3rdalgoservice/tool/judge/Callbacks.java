@@ -29,17 +29,17 @@ public final class Callbacks {
         mCallbacks = events.calls("callback");
     }
 
-    /** Whether the request was submitted and no valid callback finished it. */
+    /** Returns whether the request was submitted and no valid callback finished it. */
     public boolean isMissing() {
         return mProcess != null && mCallbacks.stream().noneMatch(callback -> isEndInTime(callback.begin()));
     }
 
-    /** Whether a callback finished the request, in time or late. */
+    /** Returns whether a callback finished the request, in time or late. */
     public boolean hasEnd() {
         return mCallbacks.stream().anyMatch(callback -> isEnd(callback.begin()));
     }
 
-    /** Why callbacks were ignored: each reason once, with its count if it occurred several times. */
+    /** Returns why callbacks were ignored: each reason once, with its count if it occurred several times. */
     List<String> ignored() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call callback : mCallbacks) {
@@ -65,7 +65,7 @@ public final class Callbacks {
         return callback.time() > mWaitEnd;
     }
 
-    // Any thread can wake a waiting request; Java is called only on threads that the VM knows.
+    // Any thread can wake a waiting request, but Java is called only on threads attached to the VM.
     private boolean isUnreachable(Event callback) {
         boolean callsJava = callback.isLightStream() || mIsFullAsync;
         return callsJava && callback.has("attached") && !callback.flag("attached");
@@ -75,7 +75,7 @@ public final class Callbacks {
         return mProcess != null && callback.number("nativeReq") == mProcess.begin().number("nativeReq");
     }
 
-    // Why a callback was ignored; "" if it was not.
+    // Returns why a callback was ignored; "" if it was not.
     private String ignored(Call call) {
         Event callback = call.begin();
         if (!callback.has("name")) {

@@ -18,9 +18,9 @@ import java.util.Set;
 
 /**
  * Checks the calls between the service and the algorithm library against their contract
- * (docs/conformance.md), in the order of the events' file. A call's begin is written before the call and its
- * end after it, so the order of the lines is right where it matters: an address is destroyed before it is
- * given out again, whichever threads do it.
+ * (docs/conformance.md), in the order of the events' file. The probe writes a call's begin before the call,
+ * and its end after it. So the begin of a call that destroys an address precedes the end of the call that
+ * returns the same address again, whichever threads make them.
  */
 public final class Contract {
     /** The offset of the name in the bytes of a callback. */
@@ -28,13 +28,16 @@ public final class Contract {
     private static final int LIGHT_STREAM_BYTES = 48;
     /** The service waits ten seconds for a synchronous request; then it may destroy the request's block. */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
-    /** How many finished requests are remembered; a callback for an older one is for an unknown request. */
+    /**
+     * The number of finished requests that are remembered. A callback for an older request counts as one for
+     * an unknown request.
+     */
     private static final int MOST_FINISHED = 4096;
 
     private final Map<Long, Event> mOpen = new HashMap<>();
     private final Set<Long> mClients = new HashSet<>();
     private final Set<Long> mBlocks = new HashSet<>();
-    // Clients whose destroyClient call has not returned, by call. Their callbacks may still use them.
+    // Maps each destroyClient call in progress to its client, which callbacks may still use.
     private final Map<Long, Long> mEnding = new HashMap<>();
     private final Map<Long, Cookie> mCookies = new HashMap<>();
     private final Map<Request, Deque<Pending>> mPending = new HashMap<>();
@@ -75,7 +78,7 @@ public final class Contract {
         return List.copyOf(mBreaches.values());
     }
 
-    // Another process begins, so earlier addresses have no meaning.
+    // A header starts another process, in which earlier addresses have no meaning.
     private void clear() {
         List.of(mOpen, mEnding, mCookies, mPending).forEach(Map::clear);
         List.of(mClients, mBlocks, mFinished).forEach(Set::clear);
@@ -151,7 +154,7 @@ public final class Contract {
         }
     }
 
-    // Checks the size that a result has in the library; the probe reads it during getValue.
+    // Checks the size of a result in the library, which the probe reads during getValue.
     private void held(Event event) {
         mOpen.values().stream().filter(open -> open.operation().equals("getValue")
                 && open.number("tid") == event.number("tid")).findFirst().ifPresent(open -> {

@@ -11,7 +11,7 @@ import java.util.Set;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Finds out what killed the process, from the operations that were in progress. */
+/** Determines what ended the process, from the operations in progress. */
 public final class Crash {
     private static final int LAST_EVENTS = 40;
     private static final int SIGNAL_BASE = 128;
@@ -40,12 +40,12 @@ public final class Crash {
         mOpen = open.isEmpty() ? null : open.get(open.size() - 1);
     }
 
-    /** One of Verdict's statuses. */
+    /** Returns one of Verdict's statuses. */
     public int status() {
         return mOpen != null && OPENING.contains(mOpen.operation()) ? Verdict.UNUSABLE : Verdict.FAILED;
     }
 
-    /** The library, the operation, and how the process died, in one line. */
+    /** Returns the library, the operation, and how the process died, in one line. */
     public String reason() {
         String path = LibraryCheck.path(mEvents);
         if (wasStopped()) {
@@ -77,7 +77,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // Without an operation in progress, the library's own thread or the process's exit was the cause.
+    // Without an operation in progress, a thread of the library or the process's exit was the cause.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);
@@ -100,7 +100,9 @@ public final class Crash {
         };
     }
 
-    /** Reason, operations in progress, and last events, for a file. */
+    /**
+     * Returns the text of the crash file: reason, operations in progress, last events, and the VM's report.
+     */
     public String report() {
         StringBuilder text = new StringBuilder(reason()).append("\n\nOperations that had not returned:\n");
         mEvents.open().forEach(call -> text.append(JsonWriter.line(call.begin().fields())).append('\n'));

@@ -17,7 +17,7 @@ import java.util.stream.IntStream;
 
 /** The image data that a page needs, collected while the images' memory exists. */
 public final class Exhibits {
-    /** The most bytes of all inputs' pictures in a page, except the one that outputs are compared with. */
+    /** The most bytes of all inputs' pictures together in a page; the picture of base() is not counted. */
     private static final int INPUT_BYTES = 900_000;
 
     private final List<Long> mChecksums = new ArrayList<>();
@@ -28,7 +28,7 @@ public final class Exhibits {
     private String mNamedBy = "";
     private boolean mIsLost;
 
-    /** Call it before the request is submitted. */
+    /** Stores the inputs' checksums. Call before the request is submitted. */
     public void before(List<ImageBuffer> inputs) {
         inputs.forEach(image -> mChecksums.add(ImageExhibit.checksum(image)));
     }
@@ -40,7 +40,10 @@ public final class Exhibits {
         after(new BaseFrame(0, ""), inputs, List.of(), List.of());
     }
 
-    /** Call it after the request; `readers` are those of the outputs, in order. */
+    /**
+     * Draws all pictures and compares outputs with the base. Call after the request; `readers` are those of
+     * the outputs, in order.
+     */
     public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
         mNamedBy = baseFrame.namedBy();
@@ -108,17 +111,17 @@ public final class Exhibits {
         return mOutputs;
     }
 
-    /** The input that outputs are compared with; null if the request has none. */
+    /** Returns the input that outputs are compared with; null if the request has no input. */
     public ImageExhibit base() {
         return mInputs.isEmpty() ? null : mInputs.get(mBase);
     }
 
-    /** Whether the outputs were lost with the process. */
+    /** Returns whether the outputs were lost with the process. */
     public boolean isLost() {
         return mIsLost;
     }
 
-    /** Inputs, outputs and differences; "large" is absent if a picture exists only as a small one. */
+    /** Returns inputs, outputs and differences. "large" is absent if a picture exists only as a small one. */
     public Map<String, Object> json() {
         return JsonWriter.object("base", mBase, "baseNamedBy", mNamedBy, "lost", mIsLost,
                 "inputs", mInputs.stream().map(ImageExhibit::json).toList(),

@@ -36,8 +36,8 @@ public final class ImageExhibit {
     private PictureData mSmall;
 
     /**
-     * `name` is "input 0" or similar; `frame` is -1 for an output; `most` limits the bytes of the large
-     * picture.
+     * Reads and draws the image. `name` is "input 0" or similar; `frame` is -1 for an output; `most` limits
+     * the bytes of the large picture.
      */
     ImageExhibit(String name, int frame, ImageBuffer image, OutputReader read, int most) {
         mName = name;
@@ -76,7 +76,7 @@ public final class ImageExhibit {
         return mFrame;
     }
 
-    /** Why there is no picture; "" if there is one. */
+    /** Returns why there is no picture; "" if there is one. */
     public String problem() {
         return mProblem.isEmpty() && mFacts == null ? "a JPEG that no decoder takes" : mProblem;
     }
@@ -90,7 +90,7 @@ public final class ImageExhibit {
         return mFacts;
     }
 
-    /** The picture's pixels until they are released; null without a picture. */
+    /** Returns the picture's pixels; null without a picture, or after letPixelsGo(). */
     PixelRows picture() {
         return mPicture;
     }
@@ -103,17 +103,19 @@ public final class ImageExhibit {
         return mChecksum;
     }
 
-    /** Whether the pixels come from a file. Frames made from the same photo may legitimately be equal. */
+    /**
+     * Returns whether the pixels come from a file. Frames made from the same photo may legitimately be equal.
+     */
     boolean isOfFile() {
         return mIsOfFile;
     }
 
-    /** Notes that the request changed the bytes. */
+    /** Records that the request changed the bytes. */
     void markWritten() {
         mIsWritten = true;
     }
 
-    /** Whether the request changed this input's bytes. */
+    /** Returns whether the request changed this input's bytes. */
     boolean isWritten() {
         return mIsWritten;
     }
@@ -123,7 +125,7 @@ public final class ImageExhibit {
         return mSmall;
     }
 
-    /** All data, with the pictures. */
+    /** Returns all data, including the pictures. */
     Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("name", mName, "frame", mFrame, "raw", mIsRaw,
                 "hardware", mIsHardware, "problem", problem(), "written", mIsWritten, "layout", mMemoryJson);

@@ -9,7 +9,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Finds problems in a request's images; compares each output with the input it was made from. */
+/** Finds problems in a request's images. Compares each output with the base input. */
 public final class ImageFindings {
     // Levels from 0 to 255.
     private static final double BLACK_MEAN = 3;
@@ -28,7 +28,10 @@ public final class ImageFindings {
     private final boolean mHasPass;
     private final List<Finding> mFindings = new ArrayList<>();
 
-    /** Without an algorithm pass nothing writes the outputs, so their content is not checked. */
+    /**
+     * `hasPass` is false without an algorithm pass. Nothing writes the outputs then, so their content is not
+     * checked.
+     */
     public ImageFindings(Exhibits exhibits, boolean hasPass) {
         mExhibits = exhibits;
         mHasPass = hasPass;
@@ -164,7 +167,7 @@ public final class ImageFindings {
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
         PlaneUse read = base.memory().planes().get(0);
-        // Samples may have several bytes.
+        // The shear counts pixels, which may have several bytes.
         int padding = read.stride() - read.rowBytes();
         boolean isIt = padding > 0 && padding % shear == 0;
         return "The input is not slanted. " + (isIt

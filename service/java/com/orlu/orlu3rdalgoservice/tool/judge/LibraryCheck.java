@@ -9,15 +9,15 @@ import java.util.List;
 
 /** Checks whether an algorithm library is usable, by the events up to the creation of its first client. */
 public final class LibraryCheck {
-    // Without these no request is submitted, and each waits for a callback that never comes.
+    // Without these, no request is submitted, and each request times out.
     private static final List<String> MANDATORY = List.of("process", "getSize");
-    // Without these a request runs but loses its parameters or results.
+    // Without these, a request runs but loses its parameters or results.
     private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");
 
     private LibraryCheck() {
     }
 
-    /** Returns the verdict on these events: UNUSABLE, or ok if nothing contradicts it. */
+    /** Returns the verdict on these events: UNUSABLE, or OK if they show no fault. */
     public static Verdict of(RecordedEvents events) {
         List<String> reasons = new ArrayList<>();
         checkLoad(events.last("load"), reasons);
@@ -28,7 +28,7 @@ public final class LibraryCheck {
         return reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.UNUSABLE, reasons);
     }
 
-    /** The path of the real algorithm library; "" if unknown. */
+    /** Returns the path of the algorithm library that the probe loaded; "" if unknown. */
     static String path(RecordedEvents events) {
         Call load = events.last("load");
         return load == null ? "" : load.begin().text("path");

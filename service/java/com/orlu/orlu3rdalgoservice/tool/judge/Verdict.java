@@ -29,14 +29,14 @@ public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
         return new Verdict(OK, List.of());
     }
 
-    /** This verdict with these breaches of the contract, which fail a run that went well otherwise. */
+    /** Returns this verdict with the breaches added. A breach changes the status OK to FAILED. */
     public Verdict with(List<Breach> found) {
         List<String> all = new ArrayList<>(reasons);
         found.forEach(breach -> all.add(breach.line()));
         return new Verdict(status == OK && !found.isEmpty() ? FAILED : status, all, found);
     }
 
-    /** The last line of a run. */
+    /** Returns the last line of a run. */
     public String line() {
         return status == OK ? "verdict  ok" : Printable.line("verdict  FAILED: " + String.join("; ", reasons));
     }

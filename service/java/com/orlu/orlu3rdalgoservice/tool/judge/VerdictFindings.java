@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Finding.Tab;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Explains a verdict's reasons in detail, and where the page shows them. */
+/** Explains a verdict's reasons in detail, and names the tab of the page that shows them. */
 public final class VerdictFindings {
     /**
      * The finding for one kind of reason.
@@ -50,7 +50,7 @@ public final class VerdictFindings {
     private VerdictFindings() {
     }
 
-    /** Returns one finding for each reason, except those about outputs: their pictures show more. */
+    /** Returns one finding for each reason, except reasons about outputs: ImageFindings has more details. */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

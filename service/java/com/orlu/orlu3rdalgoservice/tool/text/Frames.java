@@ -12,7 +12,7 @@ public final class Frames {
     private Frames() {
     }
 
-    /** "frame 3", "frames 0 to 6", "frames 0, 2 to 4, 9". */
+    /** Returns text such as "frame 3", "frames 0 to 6" or "frames 0, 2 to 4, 9". */
     public static String text(Collection<Integer> frames) {
         List<Integer> sorted = List.copyOf(new TreeSet<>(frames));
         List<String> parts = new ArrayList<>();

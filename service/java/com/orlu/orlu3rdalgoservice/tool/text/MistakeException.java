@@ -1,6 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.text;
 
-/** An invalid input. The message is one line, to be part of another: place, field and problem. */
+/**
+ * Reports an invalid input. The message is one line with place, field and problem, for use in other messages.
+ */
 public final class MistakeException extends Exception {
     private static final long serialVersionUID = 1;
 

@@ -8,7 +8,7 @@ import java.util.Set;
 
 /**
  * The errors and warnings of one file. After an error, the reader continues with a fallback value to find
- * more of them; in the end it discards everything read.
+ * more errors; in the end it discards everything read.
  */
 public final class Mistakes {
     private static final int MOST_KEPT = 1000;
@@ -37,7 +37,9 @@ public final class Mistakes {
         return mFile;
     }
 
-    /** Adds a mistake unless the list has it: values common to all frames are read for each frame. */
+    /**
+     * Adds a mistake unless the list contains it: values common to all frames are read again for each frame.
+     */
     public void add(Mistake mistake) {
         if (mMistakes.size() == MOST_KEPT) {
             ++mDropped;
@@ -51,7 +53,7 @@ public final class Mistakes {
         add(e.mistake());
     }
 
-    /** Returns a mistake of this file that is not noted yet. */
+    /** Returns a mistake of this file without adding it. */
     public Mistake at(int line, int column, String field, String problem, boolean isWarning) {
         return new Mistake(mFile, line, column, field, problem, isWarning);
     }
@@ -60,7 +62,7 @@ public final class Mistakes {
         add(at(line, column, field, problem, false));
     }
 
-    /** Returns what is read; if that fails, notes the mistake and returns the fallback. */
+    /** Returns the result of `reading`. If it throws a mistake, adds the mistake and returns `fallback`. */
     public <T> T attempt(Reading<T> reading, T fallback) {
         try {
             return reading.read();
@@ -70,7 +72,7 @@ public final class Mistakes {
         }
     }
 
-    /** Runs a check and notes the mistake it throws. */
+    /** Runs a check and adds the mistake that it throws. */
     public void attempt(Check check) {
         attempt(() -> {
             check.run();
@@ -86,17 +88,17 @@ public final class Mistakes {
         mMistakes.addAll(all);
     }
 
-    /** The number of mistakes kept so far, including warnings. */
+    /** Returns the number of mistakes kept so far, including warnings. */
     public int size() {
         return mMistakes.size();
     }
 
-    /** The number of errors. */
+    /** Returns the number of errors. */
     public int errors() {
         return mErrors;
     }
 
-    /** Whether mistakes were dropped because there were too many. */
+    /** Returns whether mistakes were dropped because there were too many. */
     public boolean areMore() {
         return mDropped > 0;
     }
@@ -105,7 +107,7 @@ public final class Mistakes {
         return mMistakes.size() - mErrors;
     }
 
-    /** Throws the first error in the file's order, if there is any. */
+    /** Throws the first error in the order of the file, if there is any. */
     public void throwFirst() throws MistakeException {
         for (Mistake mistake : sorted()) {
             if (!mistake.isWarning()) {

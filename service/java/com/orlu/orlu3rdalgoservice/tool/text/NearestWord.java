@@ -41,7 +41,10 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
     }
 
-    /** Returns such a question for a missing request file, with the nearest file of its folder. */
+    /**
+     * Returns " (did you mean FILE?)" for a missing request file, with the nearest *.json file of its folder;
+     * an empty text if none is near.
+     */
     public static String questionOnFile(Path file) {
         String ending = ".json";
         List<String> names = new ArrayList<>();
@@ -64,7 +67,7 @@ public final class NearestWord {
                 word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
     }
 
-    // The result is exact only below `least`.
+    // Returns an exact result only below `least`.
     private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());
@@ -72,7 +75,7 @@ public final class NearestWord {
         return Math.abs(word.length() - candidate.length()) >= least ? least : edits(word, candidate);
     }
 
-    // The number of letters to insert, delete, change, or swap with their neighbours.
+    // Returns the number of letters to insert, delete, change, or swap with their neighbours.
     private static int edits(String word, String candidate) {
         int[] last = new int[candidate.length() + 1];
         int[] beforeLast = last;

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.io.EOFException;
 import java.util.function.IntPredicate;
 
-/** Foreign text made safe for a terminal, a log or a page. */
+/** Makes foreign text safe for a terminal, a log or a page. */
 public final class Printable {
     private Printable() {
     }
@@ -21,7 +21,7 @@ public final class Printable {
     /** Returns the message of an exception on one line; never empty. */
     public static String message(Throwable e) {
         String message = e.getMessage();
-        // Some decoders convert a missing message to a text.
+        // Some decoders convert a missing message to the text "null".
         return message != null && !message.isBlank() && !message.equals("null") ? line(message)
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }

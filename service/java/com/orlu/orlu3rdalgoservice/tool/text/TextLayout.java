@@ -41,12 +41,12 @@ public final class TextLayout {
         wrapped(" ".repeat(indent), indent + FURTHER, text).forEach(mTo::println);
     }
 
-    /** Prints a label and, in a column this many characters further, a text. */
+    /** Prints a label, and a text in a column `width` characters to the right of the label's start. */
     public void print(int indent, int width, String label, String text) {
         wrapped(" ".repeat(indent) + label(label, width), indent + width, text).forEach(mTo::println);
     }
 
-    /** Returns a label with the blanks that fill its column, at least one. */
+    /** Returns a label padded with blanks to its column's width, at least one. */
     public static String label(String label, int width) {
         return label + " ".repeat(Math.max(1, width - label.length()));
     }
@@ -76,12 +76,12 @@ public final class TextLayout {
 
     // Cut lines.
 
-    /** Whether any line was cut so far. */
+    /** Returns whether any line was cut so far. */
     public boolean hasCut() {
         return mHasCut;
     }
 
-    /** Prints how to see what was cut, if anything was, and an empty line. */
+    /** Prints an empty line, preceded by a note if lines were cut. */
     public void printNotes() {
         if (mHasCut) {
             mTo.println("  (lines that end in " + CUT + " are cut: --wide shows them whole)");

@@ -85,7 +85,7 @@ class Compare {
     this.show();
   }
 
-  // The first press of the key selects the flicker mode; further ones switch between the pictures.
+  // The first call selects the flicker mode; further calls switch between the pictures.
   flicker() {
     if (this.mode !== "flicker") {
       this.setMode("flicker");
@@ -122,7 +122,7 @@ class Compare {
     this.loupe.move();
   }
 
-  // The flicker mode only hides one of the pictures, so that switching rebuilds nothing.
+  // Shows one picture in flicker mode, else both. Only hides pictures, so that switching rebuilds nothing.
   showTurn() {
     const [input, output] = this.stageBox.children;
     if (output) {
@@ -224,7 +224,7 @@ class Compare {
   }
 }
 
-// The embedded picture may be smaller than the image.
+// Returns the scale of the embedded picture, which may be smaller than the image.
 function scaleText(image) {
   if (!image.facts) return "";
   if (!image.large) return ", a small copy";

@@ -3,7 +3,7 @@
 
 const data = JSON.parse(document.getElementById("data").textContent);
 
-// Makes an element: h("p", {class: "faint", onclick: f}, "text", child, [more]). Null children are ignored.
+// Makes an element: h("p", {class: "faint", onclick: f}, "text", child, [more]). Ignores null children.
 function h(name, attributes, ...children) {
   return fill(document.createElement(name), attributes, children);
 }
@@ -28,7 +28,7 @@ function fill(element, attributes, children) {
   return element;
 }
 
-// Text with control characters escaped, also those that change the direction of what follows.
+// Returns the text with control characters escaped, including those that change the text direction.
 function printable(text) {
   const unsafe = /[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g;
   return String(text).replace(unsafe, c => "\\u" + c.charCodeAt(0).toString(16).padStart(4, "0"));
@@ -69,12 +69,12 @@ function filterField(label, onChange) {
   });
 }
 
-// Whether all words are in the text, in any order.
+// Returns whether all words are in the text, in any order.
 function matches(text, words) {
   return words === "" || words.split(/\s+/).every(word => text.includes(word));
 }
 
-// The part of the path after the last slash.
+// Returns the part of the path after the last slash.
 function baseName(path) {
   return path.slice(path.lastIndexOf("/") + 1);
 }

@@ -1,4 +1,4 @@
-// The page that links to the pages of several requests.
+// The index: links to the pages of several requests.
 
 function showIndex() {
   const failed = data.entries.filter(entry => !entry.verdict || !entry.verdict.ok).length;

@@ -32,7 +32,7 @@ class Loupe {
     this.setScale();
   }
 
-  // Moves by fractions of the picture's width and height, for the keyboard.
+  // Moves the magnifier by fractions of the picture's width and height, for the keyboard.
   step(x, y) {
     this.at = {x: Math.min(1, Math.max(0, this.at.x + x)), y: Math.min(1, Math.max(0, this.at.y + y))};
     this.move();
@@ -51,7 +51,7 @@ class Loupe {
     return element;
   }
 
-  // The picture's area in its element. The aspect ratio is kept, so two sides may have borders.
+  // Returns the picture's area in its element. The aspect ratio is kept, so two sides may have borders.
   static box({image, size}) {
     const scale = Math.min(image.clientWidth / size.width, image.clientHeight / size.height);
     const width = size.width * scale;

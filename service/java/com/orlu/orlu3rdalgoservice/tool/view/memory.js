@@ -35,7 +35,7 @@ function memoryPanel() {
   };
 }
 
-// Images with the same properties share a card.
+// Returns groups of images with equal properties; the images of a group share a card.
 function alike(images) {
   const groups = new Map();
   for (const image of images) {

@@ -1,4 +1,4 @@
-// The page on one request: its head, what looks wrong, and the tabs.
+// The page on one request: its header, its findings, and the tabs.
 
 const PANELS = [
   ["pictures", "Pictures", picturesPanel],

@@ -1,4 +1,4 @@
-// Parameters with their explanations, and tags grouped by what happened to them.
+// Parameters with their explanations, and tags grouped by the outcome of their look-ups.
 
 function parametersPanel() {
   if (!data.parameters || data.parameters.length === 0) {

@@ -32,7 +32,7 @@ function picturesPanel() {
   return {element, compare};
 }
 
-// Names the input that the outputs are compared with, and the reason for it.
+// Returns a sentence on the input that the outputs are compared with, and why.
 function baseText(images) {
   return (
     "Outputs are compared with the input marked base: " +

@@ -1,7 +1,8 @@
 // Tables with a filter.
 
-// A row is {cells: [...], text: what the filter searches, class}. A column whose heading begins with "-" is
-// hidden in a narrow window. Returns the element and show(isWanted).
+// Makes a table. A row is {cells: [...], text, class}; filters search `text`. A column whose heading begins
+// with "-" is hidden in a narrow window. Returns the element, and show(isWanted), which returns the number of
+// rows shown.
 function table(heads, rows) {
   const classes = heads.map((head, i) =>
     [i === 0 ? "key" : "", head.startsWith("-") ? "narrow-hide" : ""].join(" "),

@@ -61,7 +61,7 @@ class TimelineView {
     window.addEventListener("resize", () => this.draw());
   }
 
-  // A line for each call that has not returned when the events end.
+  // Returns a line for each call that has not returned when the events end.
   openSlices() {
     return this.slices
       .filter(isOpen)
@@ -245,7 +245,7 @@ function isOpen(slice) {
   return slice.args !== undefined && slice.args.outcome === "has not returned";
 }
 
-// Whether this is the slice around all work for a request, which is named after the request's file.
+// Returns whether the slice spans all work for a request; such a slice has the name of the request's file.
 function isWhole(slice) {
   return slice.cat === "request" && slice.name === baseName(data.file);
 }
@@ -254,7 +254,7 @@ function isWait(slice) {
   return slice.name === "wait for the callback" || slice.name === "Java: wait";
 }
 
-// The arrows, each as a list of its points in the order of time.
+// Returns the arrows, each as a list of its points in order.
 function arrowsOf(events) {
   const arrows = new Map();
   for (const event of events.filter(each => "stf".includes(each.ph))) {
@@ -264,7 +264,7 @@ function arrowsOf(events) {
   return [...arrows.values()];
 }
 
-// The lanes from the top; sets the nesting depth of each slice.
+// Returns the lanes from top to bottom, and sets the nesting depth of each slice.
 function lanesOf(events, slices) {
   const order = new Map(
     events
