@@ -174,21 +174,22 @@ WARNINGS = [
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 3}]'),
      "1:44: inputs[0].file: a has 12 bytes after the last plane"),
     (request(inputs='[{"file": "a", "format": "RAW_SENSOR", "width": 3, "height": 3}]'),
-     "1:44: inputs[0].file: a has 6 bytes after the last plane; rows of 8 bytes would fill it (the field "
-     "stride)"),
+     "1:44: inputs[0].file: a has 6 bytes after the last plane; a stride of 8 bytes would use the whole "
+     "file"),
     (request(inputs='[{"file": "a", "format": "RAW16", "width": 3, "height": 3, "stride": 8}]'),
      "1:103: inputs[0].stride: rows of RAW16 can't have padding: the library passes the width, not the "
      "stride; expected 6 (or RAW_SENSOR), found 8"),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}, '
              '{"file": "a", "format": "RAW16", "width": 6, "height": 2}]'),
-     "1:136: inputs[1].width: image 0 of frame 1 has 6x2, that of frame 0 has 4x3"),
+     "1:136: inputs[1].width: image 0 of frame 1: expected the size 4x3, as in frame 0, found 6x2"),
     (request('"frames": {"width": 64, "height": 64}',
              inputs='[{"file": "a", "format": "RAW16", "width": 4, "height": 3}]'),
-     "2:11: frames: the size 64x64 is not used: the first input's file has 4x3"),
+     "2:11: frames: this size is not used; expected 4x3, as in the first input's file, found 64x64"),
     (request(outputs='[{"format": "JPEG", "width": 64, "height": 64, "capacity": 255}, '
              '{"format": "NV21", "width": 64, "height": 64, "capacity": 99}]'),
-     "1:108: outputs[0].capacity: 255 bytes are probably too few for a JPEG of 64x64",
-     "1:172: outputs[1].capacity: expected at least 6144 bytes for the pixels, found 99; the memory gets 6144"),
+     "1:108: outputs[0].capacity: probably too small for a JPEG of 64x64; expected at least 256 bytes, found "
+     "255",
+     "1:172: outputs[1].capacity: expected at least 6144 bytes for the pixels, found 99; allocates 6144"),
 ]
 
 

@@ -30,7 +30,7 @@ unset ORLU_ALGO_LIBRARY
 echo "== Trimmed"
 night=$(echo shots/*-request-101)
 ends 0 '^written few ' trim "$night" --out few --frames 0,2
-ends 0 '^few: ran, 1[0-9][0-9] parameters; nothing was recorded' replay few
+ends 0 '^few: ran, 1[0-9][0-9] parameters; the recording has no results' replay few
 ends 0 '^written none ' trim "$night" --out none --no-pixels
 ends 0 '^none: equal, 129 parameters' replay none --ignore 'output 0' --ignore orlu.feedback.basicFrameTimestamp
 ends 2 'expected frames from 0 to 6, found 7' trim "$night" --out seven --frames 7

@@ -96,7 +96,7 @@ differing=$(diff <(put_by night) <(put_by night-async))
 
 [ "$(of_sample clarity | grep -c ' dropped$')" -eq 4 ] || fail "clarity: $(of_sample clarity)"
 of_sample clarity | grep -Eq 'frame 2 .* kept$' || fail "the sharpest frame is not kept: $(of_sample clarity)"
-prints "passed on   nothing: the request went without an algorithm pass" "no-pass-out0: not written"
+prints "passed on   nothing: the request ran without an algorithm pass" "no-pass-out0: not written"
 if of_sample no-pass | grep '^  ran '; then fail "no-pass ran algorithms"; fi
 
 ended

@@ -32,10 +32,10 @@ capture|throws:process|1|no callback .*; process was called and threw std::runti
 capture|silent|1|no callback for request 103 within 10 s; process was called and returned 0 after [0-9.]+ ms
 capture|name|1|no callback for request 103 within 10 s; process .* ms; 1 callback ignored: name "shotcb"
 capture|id|1|no callback .*; 1 callback ignored: it names the native request 0x1 instead of 0x0
-capture|late|1|no callback .*; 1 callback ignored: it came after 11\.[0-9] s
+capture|late|1|no callback .*; 1 callback ignored: it arrived after 11\.[0-9] s
 capture|unattached|0|
-night-async|unattached|1|no callback .*; 1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
-lightstream-stop|unattached|1|1 callback ignored: its thread [0-9]+ ".*" is unknown to the VM
+night-async|unattached|1|no callback .*; 1 callback ignored: its thread [0-9]+ ".*" is not attached to the VM
+lightstream-stop|unattached|1|1 callback ignored: its thread [0-9]+ ".*" is not attached to the VM
 capture|idle|1|passed on but not run: jpegEncode; output 0 is untouched \(all its bytes are 0\) and of size 0
 watermark|untouched|1|output 0 is untouched \(all its bytes are 0\)
 capture|empty|1|output 0 is a JPEG of size 0
@@ -46,7 +46,7 @@ capture|hangs:process|1|stopped by signal 15 \(SIGTERM\), with process of reques
 capture!|twice|1|breach of the contract by the algorithm library: callback \(event [0-9]+\) is for the request 0x0, which was called back already, expected one callback for each request
 night-async!|twice|1|breach .*: callback \(event [0-9]+\) is for the request 0x0, which was called back already, .*
 capture!|headless|1|1 callback ignored: .*; breach .*: callback .* has 19 bytes, too few for its name, .*
-capture!|afterwards|1|breach .*: callback .* comes after destroyClient has returned, expected no callback .*( \([0-9]+ times\))?
+capture!|afterwards|1|breach .*: callback .* arrives after destroyClient has returned, expected no callback .*( \([0-9]+ times\))?
 night-async!|id|1|no callback .*; breach .*: callback .* is for the request 0x1, which was not submitted, .*
 capture!|answers:createMetadata|1|.*; breach .*: createMetadata .* returned null, expected a block \([0-9]+ times\)
 capture!|visits|1|breach .*: visit .* has 4 bytes for orlu\.algo\.control/frame_number, expected 8 bytes

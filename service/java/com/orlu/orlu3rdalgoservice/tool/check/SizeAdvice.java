@@ -39,8 +39,8 @@ final class SizeAdvice {
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()
                 && (first.width() != request.frames().width() || first.height() != request.frames().height());
         if (isOther && request.frames().width() > 0) {
-            request.place().warn("frames", "the size " + request.frames().width() + "x"
-                    + request.frames().height() + " is not used: the first input's file has " + size(first));
+            request.place().warn("frames", "this size is not used; expected " + size(first)
+                    + ", as in the first input's file, found " + request.frames().width() + "x" + request.frames().height());
         }
     }
 
@@ -62,8 +62,9 @@ final class SizeAdvice {
             int index = ofFrame.merge(image.frame(), 1, Integer::sum);
             ImagePlan other = first.putIfAbsent(index, image);
             if (other != null && (other.width() != image.width() || other.height() != image.height())) {
-                image.place().warn("width", "image " + (index - 1) + " of frame " + image.frame() + " has "
-                        + size(image) + ", that of frame " + other.frame() + " has " + size(other));
+                image.place().warn("width", "image " + (index - 1) + " of frame " + image.frame()
+                        + ": expected the size " + size(other) + ", as in frame " + other.frame() + ", found "
+                        + size(image));
             }
         }
     }
@@ -81,11 +82,11 @@ final class SizeAdvice {
             }
             if (output.capacity() < needed) {
                 output.place().warn("capacity", "expected at least " + needed + " bytes for the pixels, found "
-                        + output.capacity() + "; the memory gets " + needed);
+                        + output.capacity() + "; allocates " + needed);
             }
         } else if (output.capacity() > 0 && output.capacity() < pixels / PIXELS_A_BYTE) {
-            output.place().warn("capacity", output.capacity()
-                    + " bytes are probably too few for a JPEG of " + size(output));
+            output.place().warn("capacity", "probably too small for a JPEG of " + size(output)
+                    + "; expected at least " + pixels / PIXELS_A_BYTE + " bytes, found " + output.capacity());
         }
     }
 
@@ -131,6 +132,6 @@ final class SizeAdvice {
         boolean fits = pixels % rows == 0 && row > image.strideBytes() && row < 2L * image.strideBytes();
         image.place().warn("file", image.file().path() + " has " + (size - end)
                 + " bytes after the last plane"
-                + (fits ? "; rows of " + row + " bytes would fill it (the field stride)" : ""));
+                + (fits ? "; a stride of " + row + " bytes would use the whole file" : ""));
     }
 }

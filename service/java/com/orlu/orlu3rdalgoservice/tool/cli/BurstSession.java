@@ -111,7 +111,7 @@ final class BurstSession {
         table.print(mTo);
         mTo.line("throughput", "%.1f requests/s, %.2f s in all".formatted(rate, milliseconds / 1000));
         mTo.line("in flight", "at most " + burst.mostInFlight());
-        mTo.line("memory", "at most " + peak + " MiB, the VM's included");
+        mTo.line("memory", "at most " + peak + " MiB, including the VM");
         mJson.putAll(JsonWriter.object("requests", shots.size(), "latency", latencies, "requestsPerSecond",
                 rate, "mostInFlight", burst.mostInFlight(), "peakMebibytes", peak));
         return milliseconds;
@@ -169,8 +169,8 @@ final class BurstSession {
         for (Map.Entry<Long, Integer> count : counts.entrySet()) {
             int times = request.fullAsync() ? burst.announcements(count.getKey()) : count.getValue();
             if (times != 1 || count.getValue() != 1) {
-                mReasons.add("request %d was called back %d times, and announced %d times".formatted(
-                        count.getKey(), count.getValue(), times));
+                mReasons.add("request %d: expected one callback and one announcement, found %d and %d"
+                        .formatted(count.getKey(), count.getValue(), times));
             } else {
                 ++right;
             }

@@ -30,7 +30,7 @@ import picocli.CommandLine.Parameters;
 /** The subcommand compare: runs the requests of a folder over two libraries, and compares the results. */
 @Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
         description = {"Run requests or recordings over two libraries, each in its own process, and print a "
-                + "table, the worst first. A and B are algorithm libraries, or builds of the native one. The "
+                + "table, worst first. A and B are algorithm libraries, or builds of the native library. The "
                 + "exit status is 0 if all runs are ok and equal, else 1."},
         footer = "  ./run compare --lib old.so --lib new.so --fail-below 40 samples")
 final class CompareCommand implements Subcommand {
@@ -38,7 +38,7 @@ final class CompareCommand implements Subcommand {
 
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFiles;
-    @Option(names = "--lib", paramLabel = "LIBRARY", description = "Run with this library; give it twice")
+    @Option(names = "--lib", paramLabel = "LIBRARY", description = "Run with this library; required twice")
     private List<Path> mLibraries = List.of();
     @Option(names = "--fail-below", paramLabel = "PSNR",
                 description = "Fail only if a run fails or an output is below PSNR dB")
@@ -91,7 +91,7 @@ final class CompareCommand implements Subcommand {
                 List.of("request", "A / B", "PSNR", "SSIM", "A, ms", "B, ms", "differences"));
         ContactSheet sheet =
                 new ContactSheet("%s (A) and %s (B)".formatted(mLibraries.get(0), mLibraries.get(1)),
-                        RequestChecker.counted(pairs.size(), "request") + ", the worst first",
+                        RequestChecker.counted(pairs.size(), "request") + ", worst first",
                         List.of("A", "B", "difference"));
         for (Pair pair : pairs) {
             results.add(pair.name(), pair.verdict(), pair.oneTime() + pair.otherTime(),
@@ -135,7 +135,8 @@ final class CompareCommand implements Subcommand {
                 reasons.addAll(differences);
             } else if (!(outputs.psnr() >= mLeastPsnr)) {
                 reasons.add(Double.isNaN(outputs.psnr()) ? "the outputs can't be compared"
-                        : "PSNR %.1f dB, below %s".formatted(outputs.psnr(), mLeastPsnr));
+                        : "PSNR: expected at least %s dB, found %.1f dB".formatted(
+                                mLeastPsnr, outputs.psnr()));
             }
             return new Pair(name, reasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, reasons),
                     one.verdict(), other.verdict(), outputs, one.milliseconds(), other.milliseconds(),

@@ -31,7 +31,7 @@ final class DiffCommand implements Subcommand {
     @Parameters(paramLabel = "A", index = "0..1", arity = "1..2", hidden = true)
     private List<Path> mFiles;
     @Option(names = "--lib", paramLabel = "LIBRARY",
-            description = "Run A (and B) with this library; give it twice")
+            description = "Run A (and B) with this library; specify it twice")
     private List<Path> mLibraries = List.of();
     @Mixin
     private RunComparison mComparison;

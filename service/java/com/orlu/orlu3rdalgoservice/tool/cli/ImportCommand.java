@@ -97,7 +97,7 @@ final class ImportCommand implements Subcommand {
         to.println(out + ": " + importer.frames().size() + " frames with " + tags + " tags, "
                 + importer.pictures().size() + " pictures, " + notes.count() + " notes");
         if (importer.pictures().isEmpty() && mPhoto == null) {
-            to.println(out + ": no inputs; --photo makes them from a photo");
+            to.println(out + ": no inputs; set --photo to make them from a photo");
         }
     }
 }

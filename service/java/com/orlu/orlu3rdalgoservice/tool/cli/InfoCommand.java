@@ -19,12 +19,12 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand info: prints the content of recordings. */
 @Command(customSynopsis = "./run info FOLDER...", footer = "  ./run info shots", description = {
-    "Print what recordings contain: the request, its frames and images, how far it got.",
+    "Print what recordings contain: the request, its frames and images, and how far it got.",
     GivenPaths.RECORDINGS})
 final class InfoCommand implements Subcommand {
     @Parameters(paramLabel = "FOLDER", arity = "1..*", hidden = true)
     private List<Path> mFolders;
-    @Option(names = "--private", description = "Print what identifies a person or a machine instead")
+    @Option(names = "--private", description = "Print only what identifies a person or a machine")
     private boolean mIsPrivate;
 
     @Override

@@ -16,8 +16,8 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand new: prints or writes the sample of a kind of capture, with a comment on each tag. */
 @Command(customSynopsis = "./run new [KIND] [--out FILE]",
-        description = "Print the sample of a kind of capture, with a comment on each tag. It runs as it is. "
-                + "Without KIND, list the kinds.",
+        description = "Print a sample request for a KIND of capture, ready to run, with a comment on each "
+                + "tag. Without KIND, list the kinds.",
         footer = {"  ./run new", "  ./run new hdr5 --out mine.json", "  ./run mine.json"})
 final class NewCommand implements Subcommand {
     @Parameters(paramLabel = "KIND", index = "0", arity = "0..1", hidden = true,

@@ -84,7 +84,7 @@ final class ReplayCommand implements Subcommand {
         }
         boolean isRight = after.isComplete() && !after.hasFailed();
         mComparison.text().println(Printable.line(before.name()) + ": " + (isRight ? "ran" : "failed")
-                + ", " + after.parameters().size() + " parameters; nothing was recorded to compare with");
+                + ", " + after.parameters().size() + " parameters; the recording has no results to compare");
         String outcome = "outcome: " + after.outcomes();
         if (!isRight) {
             to.print(2, outcome);

@@ -29,9 +29,9 @@ import picocli.CommandLine.Parameters;
 
 /** The subcommand sweep: runs a request with each of several values of a tag. */
 @Command(customSynopsis = "./run sweep [options] REQUEST --tag NAME=VALUES [--tag NAME=VALUES]",
-        description = {"Run a request with each value of a tag, or of two tags, and print what changes: "
-                + "parameters and results against the first run, PSNR and SSIM against the clean photo, or "
-                + "against the first run if a request has none. VALUES are from:to:steps or value,value,... "
+        description = {"Run a request with each value of a tag, or of two tags. Print how many parameters "
+                + "and results differ from the first run, and PSNR and SSIM against the clean photo (without "
+                + "a photo, against the first run). VALUES are from:to:steps or value,value,... "
                 + "The exit status is 0 if all runs are ok, else 1."},
         footer = {"  ./run sweep samples/capture.json --tag android.jpeg.orientation=0,90,180",
             "  ./run sweep samples/night.json --tag android.sensor.sensitivity=100:3200:5"})

@@ -78,7 +78,7 @@ final class TrialSession {
     // The launcher passes the id of the trials' process. If that process no longer exists, the trials have
     // finished.
     private static void awaitEnd() {
-        Progress.show("trying what each tag changes");
+        Progress.show("testing what each tag changes");
         ProcessHandle.of(Long.getLong("orlu.trials", 0)).ifPresent(trials -> trials.onExit().join());
         Progress.end();
     }

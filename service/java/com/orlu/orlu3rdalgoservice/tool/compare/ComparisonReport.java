@@ -116,7 +116,7 @@ public final class ComparisonReport {
     private Causes causes(Set<String> only) throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {
-            Progress.show("trying what each tag of " + run.name() + " changes");
+            Progress.show("testing what each tag of " + run.name() + " changes");
             found.add(trials(run.folder().resolve(RunFolder.REQUEST), only));
         }
         Progress.end();

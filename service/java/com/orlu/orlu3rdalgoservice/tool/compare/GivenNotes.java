@@ -54,7 +54,7 @@ final class GivenNotes {
         GivenTag first = tag.get(0);
         boolean isSame = tag.stream().allMatch(each -> each.text().equals(first.text()));
         return Frames.text(tag.stream().map(GivenTag::frame).toList()) + verb + " " + first.text()
-                + (isSame ? "" : " in frame " + first.frame() + ", and other values in the others");
+                + (isSame ? "" : " in frame " + first.frame() + "; other frames have other values");
     }
 
     private static String line(List<GivenTag> tag) {

@@ -45,7 +45,7 @@ final class ParameterComparison {
         for (int i = 0; i < common; ++i) {
             if (!one.get(i).name().equals(other.get(i).name())) {
                 differ(one.get(i).fullName(), "parameter " + i, text(one.get(i)),
-                        text(other.get(i)) + ", and another order from there on");
+                        text(other.get(i)) + "; the order differs from there on");
                 compareByKey(one, other, whole);
                 return;
             }

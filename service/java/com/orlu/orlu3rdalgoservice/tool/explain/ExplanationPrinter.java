@@ -53,7 +53,7 @@ public final class ExplanationPrinter {
     }
 
     private void printUnknown(String word, Set<String> possible) {
-        mLines.plain("explain  " + word + ": never passed, whichever values tags have");
+        mLines.plain("explain  " + word + ": never passed, whatever the values of the tags");
         List<String> near = possible.stream().filter(name -> name.toLowerCase().contains(word.toLowerCase()))
                 .map(Handover::shortName).toList();
         if (!near.isEmpty()) {

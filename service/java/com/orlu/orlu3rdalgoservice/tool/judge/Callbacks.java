@@ -90,11 +90,11 @@ public final class Callbacks {
         }
         if (isUnreachable(callback)) {
             return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
-                    + "\" is unknown to the VM";
+                    + "\" is not attached to the VM";
         }
         // After a callback in time, a late one is merely redundant.
         if (callback.isShot() && isLate(callback) && isMissing()) {
-            return "it came after %.1f s".formatted(
+            return "it arrived after %.1f s".formatted(
                     (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);
         }
         return "";

@@ -103,7 +103,7 @@ public final class Contract {
         long client = event.number("client");
         if (client != 0 && !mClients.contains(client) && !mEnding.containsValue(client)) {
             breach(Side.SERVICE, "dead-client", event, "has the client " + event.text("client"),
-                    "one that createClient returned and that was not destroyed");
+                    "a client that createClient returned and that was not destroyed");
         }
         if (event.has("block")) {
             useBlock(event, event.number("block"), "null-block");
@@ -126,7 +126,7 @@ public final class Contract {
             breach(Side.SERVICE, ofNull, event, "has a null block", "a block");
         } else if (!mBlocks.contains(block)) {
             breach(Side.SERVICE, "dead-block", event, "has the block 0x" + Long.toHexString(block),
-                    "one that createMetadata returned and that was not destroyed");
+                    "a block that createMetadata returned and that was not destroyed");
         }
     }
 
@@ -171,7 +171,7 @@ public final class Contract {
         Event operation = mOpen.get(event.number("of"));
         if (operation == null || operation.number("tid") != event.number("tid")) {
             breach(Side.LIBRARY, "late-visit", event, operation == null
-                            ? "comes after its operation has returned" : "comes on another thread",
+                            ? "arrives after its operation has returned" : "arrives on another thread",
                     "a visit on its operation's thread before the operation returns");
         }
         checkValue(Side.LIBRARY, event);
@@ -199,7 +199,7 @@ public final class Contract {
         if (isHeld && block != 0) {
             breach(Side.SERVICE, "block-in-use", event,
                     "destroys the block " + event.text("block") + " of a request that is being processed",
-                    "the request's callback first, or for a camera block the return of process");
+                    "the request's callback first (for a camera block: the return of process)");
         }
     }
 
@@ -216,7 +216,7 @@ public final class Contract {
         Cookie cookie = mCookies.get(event.number("cookie"));
         String name = event.text("name");
         if (cookie != null && cookie.isDead()) {
-            breach(Side.LIBRARY, "dead-cookie", event, "comes after destroyClient has returned",
+            breach(Side.LIBRARY, "dead-cookie", event, "arrives after destroyClient has returned",
                     "no callback for a destroyed client");
         } else if (!event.has("name")) {
             breach(Side.LIBRARY, "malformed-callback", event,
@@ -289,7 +289,7 @@ public final class Contract {
             breach(Side.LIBRARY, "null-" + what, event, "returned null", "a " + what);
         } else if (!alive.add(handle)) {
             breach(Side.LIBRARY, "same-" + what, event,
-                    "returned " + event.text("result") + ", which is in use", "a " + what + " of its own");
+                    "returned " + event.text("result") + ", which is in use", "a new " + what);
         }
     }
 }

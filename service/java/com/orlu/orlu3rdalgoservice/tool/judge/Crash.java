@@ -110,7 +110,7 @@ public final class Crash {
         text.append("\nThe last events:\n");
         events.subList(Math.max(0, events.size() - LAST_EVENTS), events.size())
                 .forEach(event -> text.append(JsonWriter.line(event.fields())).append('\n'));
-        text.append("\nNo core was kept; with ORLU_CORES=1 in the environment the system keeps one.\n\n");
+        text.append("\nCore dumps are written only with ORLU_CORES=1 in the environment.\n\n");
         return text.append(mVmReport).toString();
     }
 }

@@ -102,8 +102,9 @@ public final class ImageFindings {
         } else if (isUntouched) {
             wrong("untouched", Tab.MEMORY, "Nothing was written into %s: all its bytes are still 0."
                             .formatted(output.name()),
-                    "It appears black. The algorithm library never wrote there: the Timeline tab "
-                            + "shows whether it ran and called back; the Memory tab, which buffer it got.");
+                    "It appears black, because the algorithm library did not write it. The Timeline tab "
+                            + "shows whether the library ran and called back; the Memory tab shows which "
+                            + "buffer it received.");
         } else {
             wrong("unreadable", Tab.MEMORY,
                     "%s can't be shown: it is %s.".formatted(output.name(), output.problem()),
@@ -139,8 +140,8 @@ public final class ImageFindings {
             if (plane.usedRows() == 0) {
                 wrong("plane-untouched", Tab.MEMORY, "Nothing was written into the plane %s of %s."
                                 .formatted(plane.name(), output.name()),
-                        "Colours of 0 appear green. The plane's address or size was wrong, or the plane "
-                                + "was forgotten.");
+                        "Chroma of 0 appears green. The plane's address or size was wrong, or the plane "
+                                + "was not processed.");
             } else if (plane.emptyTail() > Math.max(1, LEAST_TAIL * plane.rows())) {
                 look("rows-missing", Tab.MEMORY, "The last %d of %d rows of the plane %s of %s are still 0."
                                 .formatted(plane.emptyTail(), plane.rows(), plane.name(), output.name()),
@@ -173,7 +174,7 @@ public final class ImageFindings {
         return "The input is not slanted. " + (isIt
                 ? "The rows of %s have %d bytes of padding: %s".formatted(
                         base.name(), padding, mistaken(read))
-                : "The algorithm library used a wrong stride: compare the strides under Memory.");
+                : "The algorithm library used a wrong stride: compare the strides in the Memory tab.");
     }
 
     private static String mistaken(PlaneUse plane) {
@@ -188,9 +189,9 @@ public final class ImageFindings {
     private void checkBrightness(ImageExhibit output, ImageExhibit base) {
         double mean = output.facts().meanLuma();
         if (output.facts().clipped() > MUCH_CLIPPED && base.facts().clipped() < LITTLE_CLIPPED) {
-            look("clipped", Tab.PICTURES, "%.0f %% of %s is white, of %s only %.0f %%.".formatted(
-                            100 * output.facts().clipped(), output.name(), base.name(),
-                            100 * base.facts().clipped()),
+            look("clipped", Tab.PICTURES, "%.0f %% of %s is white, but only %.0f %% of %s.".formatted(
+                            100 * output.facts().clipped(), output.name(), 100 * base.facts().clipped(),
+                            base.name()),
                     "Bright parts are lost: check the exposure and gain parameters, and the histogram.");
         }
         if (mean < DARKER * base.facts().meanLuma()) {
@@ -207,7 +208,7 @@ public final class ImageFindings {
             wrong("colours-exchanged", Tab.PICTURES,
                     "Red and blue are exchanged in %s.".formatted(output.name()),
                     "The planes U and V were exchanged, as if NV12 were written for NV21: compare the "
-                            + "output's format in the memory with what the algorithm library writes.");
+                            + "output's format in the Memory tab with the one that the library writes.");
         }
     }
 
@@ -224,12 +225,12 @@ public final class ImageFindings {
             ImageExhibit same = seen.putIfAbsent(input.checksum(), input);
             if (hasOther && isDark(input)) {
                 wrong("frame-missing", Tab.PICTURES,
-                        "There is no picture in %s (frame %d), while others have one.".formatted(
+                        "%s (frame %d) has no picture, but other inputs have one.".formatted(
                                 input.name(), input.frame()),
                         "The frame is missing from the burst and spoils the merged image.");
             } else if (same != null && input.isOfFile() && !mExhibits.isLost()
                     && same.frame() != input.frame()) {
-                look("frame-twice", Tab.PICTURES, "%s (frame %d) holds the same bytes as %s (frame %d)."
+                look("frame-twice", Tab.PICTURES, "%s (frame %d) contains the same bytes as %s (frame %d)."
                                 .formatted(input.name(), input.frame(), same.name(), same.frame()),
                         "A frame was passed twice, perhaps instead of another.");
             }

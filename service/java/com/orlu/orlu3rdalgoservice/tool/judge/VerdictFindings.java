@@ -18,16 +18,16 @@ public final class VerdictFindings {
     // The first match counts.
     private static final List<Kind> KINDS = List.of(
             new Kind("breach", Tab.TIMELINE, "A side broke the contract.",
-                    "The number of the event is that of the call in the timeline and in the file of "
-                            + "--events. docs/conformance.md has the contract.",
+                    "The event number identifies the call in the timeline and in the file of --events. "
+                            + "See docs/conformance.md for the contract.",
                     "breach of the contract"),
             new Kind("crash", Tab.TIMELINE, "The algorithm library ended the process.",
                     "The last open slice of the timeline is the operation that ended the process. This "
                             + "page has nothing after it.",
                     "ended the process", "stopped by signal"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
-                    "No request was submitted, and there is no output. The file lacks what the verdict "
-                            + "names, or it is the wrong file.",
+                    "No request was submitted, and there is no output. The verdict names the fault. Check "
+                            + "that the library is the intended file.",
                     "the algorithm library", "no algorithm library", "createClient"),
             new Kind("time-out", Tab.TIMELINE,
                     "The request timed out: no callback finished it, and no result was fetched.",
@@ -41,8 +41,8 @@ public final class VerdictFindings {
                     "The library reported the algorithm neither as run nor as skipped.",
                     "but not run"),
             new Kind("tags", Tab.TAGS, "The request has tags without effect.",
-                    "They are misspelt, have another type than requested, or don't apply to this kind of "
-                            + "capture.",
+                    "They are misspelt, have a type other than the requested one, or don't apply to this "
+                            + "kind of capture.",
                     "never read", "of a wrong type"),
             new Kind("failed-call", Tab.TIMELINE, "A call failed.",
                     "Select the call in the timeline to see its outcome.", ""));

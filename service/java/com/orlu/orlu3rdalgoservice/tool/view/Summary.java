@@ -47,7 +47,7 @@ public final class Summary {
         if (mReport.verdict().breaches() != null) {
             int breaches = mReport.verdict().breaches().size();
             mLines.line("contract", breaches == 0 ? "kept"
-                    : "broken in " + breaches + (breaches == 1 ? " way" : " ways") + ", see the verdict");
+                    : "broken in " + breaches + (breaches == 1 ? " way" : " ways") + "; see the verdict");
         }
         if (!mReport.page().isEmpty()) {
             mLines.line("page", mReport.page());
@@ -126,11 +126,11 @@ public final class Summary {
         mLines.list("requested", orEmptyList(asked));
         Handover handover = mReport.run().handover();
         if (mReport.run().events().calls().isEmpty()) {
-            mLines.line("passed on", "unknown: there is no probe before the algorithm library");
+            mLines.line("passed on", "unknown: no probe is loaded in front of the algorithm library");
             return;
         }
         if (handover.process() == null) {
-            mLines.line("passed on", "nothing: the request went without an algorithm pass");
+            mLines.line("passed on", "nothing: the request ran without an algorithm pass");
         } else {
             List<String> handedOn = handover.algorithms();
             mLines.list("passed on", orEmptyList(handedOn.stream()
@@ -159,7 +159,7 @@ public final class Summary {
         nobody.addAll(pass.skipped());
         optionalList("not run", nobody);
         if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
-            mLines.line("", "(not this library's, or with nothing to do)");
+            mLines.line("", "(unknown to this library, or without work to do)");
         }
         mLines.lines("", frames(pass.frames()));
     }

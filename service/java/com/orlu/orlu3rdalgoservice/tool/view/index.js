@@ -33,7 +33,7 @@ function entryCard(entry) {
       "div",
       {class: "card wrong"},
       h("h2", null, baseName(entry.file)),
-      h("p", null, "It did not run: the process ended earlier."),
+      h("p", null, "The request did not run: the process ended earlier."),
     );
   }
   const isWrong = !entry.verdict.ok || entry.findings.some(finding => finding.severity === "wrong");

@@ -63,7 +63,7 @@ function memoryCard(images) {
   if (image.problem) notes.push(["wrong", "It is " + image.problem + "."]);
   if (image.written) notes.push(["wrong", "The algorithm library changed bytes of this input."]);
   if (layout.missing > 0)
-    notes.push(["wrong", "The planes exceed it by " + bytes(layout.missing) + "."]);
+    notes.push(["wrong", "The planes exceed the memory by " + bytes(layout.missing) + "."]);
   if (layout.usedBehind > 0) {
     notes.push([
       "look",

@@ -11,8 +11,8 @@ function parametersPanel() {
     rows,
   );
   const note = data.explanationProblem
-    ? "Their tags are unknown or incomplete: " + data.explanationProblem + "."
-    : "The tags of each were " + data.explanationEffort + ".";
+    ? "The tags are unknown or incomplete: " + data.explanationProblem + "."
+    : "The tags of the parameters were " + data.explanationEffort + ".";
   return {
     element: h(
       "div",
@@ -21,7 +21,7 @@ function parametersPanel() {
         "p",
         {class: "faint"},
         "All values in the order in which the algorithm library received them. Click a key to see its source. " +
-          "A later write replaced each value that is struck out. " +
+          "Values struck out were replaced by a later write. " +
           note,
       ),
       algorithmsCard(),
@@ -127,7 +127,7 @@ function explanation(name, explained) {
       null,
       data.explanationProblem
         ? "Its tags are unknown."
-        : "No tag changes it: it is constant, or comes from the request or its images.",
+        : "No tag of its own changes it: it is constant, or comes from the request or its images.",
       general(),
     );
   }
@@ -139,7 +139,9 @@ function general() {
   return h(
     "p",
     {class: "faint"},
-    "Like most parameters, also on: " + [...new Set(data.generalTags.map(tag => tag[0]))].join(", ") + ".",
+    "Like most parameters, it also depends on: " +
+      [...new Set(data.generalTags.map(tag => tag[0]))].join(", ") +
+      ".",
   );
 }
 

@@ -24,7 +24,8 @@ function picturesPanel() {
     h(
       "p",
       {class: "faint"},
-      "Click one to show it above. " + (images.lost ? "They were made anew from the request. " : baseText(images)) +
+      "Click an input to show it above. " +
+        (images.lost ? "They were recreated from the request. " : baseText(images)) +
         (data.algorithms.frames ? " The algorithm library reported the frames as kept or dropped." : ""),
     ),
     h("div", {class: "strip"}, thumbs),
@@ -38,7 +39,7 @@ function baseText(images) {
     "Outputs are compared with the input marked base: " +
     (images.baseNamedBy
       ? "the frame named by the result (" + images.baseNamedBy + ")."
-      : "the first, since the result names none.")
+      : "the first, since the result names no frame.")
   );
 }
 

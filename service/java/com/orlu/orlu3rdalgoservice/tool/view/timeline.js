@@ -26,8 +26,8 @@ class TimelineView {
       h(
         "p",
         {class: "faint"},
-        "Click a slice, or use the arrow keys, for details. Calls made by a call are drawn below it. Times count " +
-          "from the first slice. Arrows lead from process to its callback and on to the results.",
+        "Click a slice, or use the arrow keys, for details. Nested calls are drawn below their caller. Times " +
+          "count from the first slice. Arrows lead from process to its callback and on to the results.",
       ),
       this.openSlices(),
     );
@@ -42,7 +42,7 @@ class TimelineView {
         button("+", "Zoom in (+)", () => this.setZoom(this.zoom * 2)),
         button("−", "Zoom out (-)", () => this.setZoom(this.zoom / 2)),
         button("The request", "From Java's call to the results (0)", () => this.showRequest()),
-        button("All", "Including the command's work before and after it", () => this.setZoom(1)),
+        button("All", "Including the command's work before and after the request", () => this.setZoom(1)),
         h(
           "span",
           {class: "legend"},
