@@ -42,7 +42,7 @@ final class ImportCommand implements Subcommand {
         if (Files.isDirectory(mOut)) {
             throw new IllegalArgumentException("--out: expected a file, found a folder: " + mOut);
         }
-        // A foreign folder may contain a link to one of the user's files.
+        // Does not follow links: a foreign folder may contain a link to one of the user's files.
         if (Files.isSymbolicLink(mOut)) {
             throw new IllegalArgumentException("--out: expected a file, found a link: " + mOut);
         }

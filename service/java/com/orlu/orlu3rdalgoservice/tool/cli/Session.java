@@ -71,9 +71,9 @@ final class Session {
     private final Photos mPhotos = new Photos();
     private final Timeline mTimeline = new Timeline();
 
-    /** Null if nothing is recorded. */
+    /** Creates the folders of recordings; null if nothing is recorded. */
     private final RequestRecorder mRecorder;
-    /** Null without pages. */
+    /** The folder of the pages; null without --report. */
     private PageFolder mPages;
     /** Checks the calls against the contract; null without --validate. */
     private final Contract mContract;

@@ -14,7 +14,9 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** The differences between the inputs of two runs: settings, images, and tags, each with all frames. */
+/**
+ * The differences between the inputs of two runs: settings, images, and tags, each tag with all its frames.
+ */
 final class GivenNotes {
     private static final int MOST_TAGS = 12;
 

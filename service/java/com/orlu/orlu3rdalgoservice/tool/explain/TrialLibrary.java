@@ -9,7 +9,7 @@ import java.util.stream.IntStream;
 
 /** The algorithm library for trials. The native library must have opened it before any call. */
 final class TrialLibrary {
-    /** A write is a section, a key and a value. */
+    /** The parts of a write: section, key and value. */
     private static final int PARTS = 3;
 
     private TrialLibrary() {

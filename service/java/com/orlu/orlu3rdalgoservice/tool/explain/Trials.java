@@ -24,8 +24,8 @@ import java.util.Set;
 import java.util.TreeMap;
 
 /**
- * Translates a request with one tag changed at a time, and notes which parameters change. Each tag gets a few
- * values in each frame alone, then many values in all frames at once. If that reveals more dependent
+ * Translates a request with one tag changed at a time, and records which parameters change. Each tag gets a
+ * few values in each frame alone, then many values in all frames at once. If that reveals more dependent
  * parameters, the values are tried in each frame alone, too. So a tag of ten frames costs little more than a
  * tag of one.
  */

@@ -8,7 +8,7 @@ import java.util.Map;
  * A suspicious observation about a request.
  *
  * @param kind   a word for programs
- * @param isSure whether it is an error; else it may be one
+ * @param isSure whether it is certainly an error
  * @param what   the observation, one sentence
  * @param why    its usual causes and where to look
  * @param tab    the part of the page that shows it

@@ -85,7 +85,7 @@ public final class ImageExhibit {
         return mMemory;
     }
 
-    /** Null without a picture. */
+    /** Returns the picture's facts; null without a picture. */
     PictureFacts facts() {
         return mFacts;
     }
@@ -120,7 +120,7 @@ public final class ImageExhibit {
         return mIsWritten;
     }
 
-    /** Null without a picture. */
+    /** Returns the small picture; null without a picture. */
     public PictureData small() {
         return mSmall;
     }

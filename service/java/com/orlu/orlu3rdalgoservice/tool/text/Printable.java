@@ -11,8 +11,8 @@ public final class Printable {
     }
 
     /**
-     * Returns the text in one line: control characters and what else may confuse a terminal become an escape
-     * sequence such as \u001b.
+     * Returns the text on one line. Control characters, and others that may confuse a terminal, become escape
+     * sequences such as \u001b.
      */
     public static String line(String text) {
         return escaped(text, JsonWriter::isUnsafe);

@@ -18,7 +18,7 @@ final class LogLines {
 
     /**
      * Returns the lines from `start` to before `end`, by System.nanoTime(), each as [time, thread, level,
-     * class, text]; none without a log.
+     * class, text]. The list is empty without a log.
      */
     static List<Object> between(long start, long end) throws IOException {
         List<Object> lines = new ArrayList<>();

@@ -44,7 +44,7 @@ enum PageTemplate {
         for (String name : STYLES) {
             style.append(resource(name));
         }
-        // The data's escapes prevent it from closing the element around it.
+        // Escaped data can't close the element around it.
         Map<String, String> parts = Map.of("title", escaped(title), "policy", policy(script, style),
                 "style", style.toString(), "script", script.toString(),
                 "data", JsonWriter.line(data).replace("<", "\\u003c").replace(">", "\\u003e")

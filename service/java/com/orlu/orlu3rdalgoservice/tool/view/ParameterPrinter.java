@@ -19,7 +19,7 @@ public final class ParameterPrinter {
     private ParameterPrinter() {
     }
 
-    /** Lines fit 80 columns unless `wide` is set. */
+    /** Prints the parameters, in lines of at most 80 columns unless `wide` is set. */
     public static void print(Handover handover, PrintStream to, boolean wide) {
         TextLayout lines = new TextLayout(to, wide);
         List<Parameter> parameters = handover.parameters();

@@ -37,7 +37,7 @@ public final class Results {
     private record Result(String name, Verdict verdict, double seconds, Map<String, Object> json) {
     }
 
-    /** Results of a subcommand; "run" for ./run itself. */
+    /** Creates empty results of a subcommand; "run" is ./run itself. */
     public Results(String command) {
         mCommand = command;
     }

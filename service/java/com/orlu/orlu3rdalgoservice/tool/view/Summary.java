@@ -23,7 +23,7 @@ public final class Summary {
     private final PrintStream mTo;
     private final TextLayout mLines;
 
-    /** Lines fit 80 columns unless `wide` is set. */
+    /** Creates a summary with lines of at most 80 columns, or of any length if `wide` is set. */
     public Summary(RunReport report, PrintStream to, boolean wide) {
         mReport = report;
         mTo = to;
