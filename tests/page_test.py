@@ -25,7 +25,7 @@ LARGEST_PAGE = 3_000_000
 FAULTS = """
 padded | | |
 night | inputStride | stride | a stride of 632 instead of 640
-padded | outputStride | stride | padding holds pixels
+padded | outputStride | stride | padding contains pixels
 night | swapped | colours-exchanged | U and V
 raw16 | elsewhere | wrong-buffer | input 0
 watermark | untouched | untouched | output 0

@@ -19,7 +19,7 @@ final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
             description = "Write a page with the pictures side by side")
     Path report;
-    @Option(names = "--jobs", paramLabel = "N", description = "Run N requests in parallel; times suffer")
+    @Option(names = "--jobs", paramLabel = "N", description = "Run N requests in parallel; times increase")
     int jobs = 1;
 
     /** Throws an IllegalArgumentException if an option is invalid. */

@@ -93,7 +93,7 @@ public final class TagPrinter {
             return "another value changes most parameters";
         }
         if (names.isEmpty()) {
-            return mDependences.problem().isEmpty() ? "no value tried changes a parameter" : "not tried";
+            return mDependences.problem().isEmpty() ? "no tested value changes a parameter" : "not tested";
         }
         return String.join(", ", names.stream().map(this::value).toList());
     }

@@ -78,7 +78,7 @@ public final class ImageExhibit {
 
     /** Returns why there is no picture; "" if there is one. */
     public String problem() {
-        return mProblem.isEmpty() && mFacts == null ? "a JPEG that no decoder takes" : mProblem;
+        return mProblem.isEmpty() && mFacts == null ? "a JPEG that no decoder accepts" : mProblem;
     }
 
     MemoryUse memory() {

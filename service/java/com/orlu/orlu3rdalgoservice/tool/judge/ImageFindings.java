@@ -163,7 +163,7 @@ public final class ImageFindings {
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {
-            return "The input is not slanted. The output's padding holds pixels in %d of %d rows: %s"
+            return "The input is not slanted. The output's padding contains pixels in %d of %d rows: %s"
                     .formatted(written.usedPadding(), written.rows(), mistaken(written));
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
