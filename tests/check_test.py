@@ -189,7 +189,7 @@ WARNINGS = [
              '{"format": "NV21", "width": 64, "height": 64, "capacity": 99}]'),
      "1:108: outputs[0].capacity: probably too small for a JPEG of 64x64; expected at least 256 bytes, found "
      "255",
-     "1:172: outputs[1].capacity: expected at least 6144 bytes for the pixels, found 99; allocates 6144"),
+     "1:172: outputs[1].capacity: expected at least 6144 bytes for the pixels, found 99; 6144 are allocated"),
 ]
 
 

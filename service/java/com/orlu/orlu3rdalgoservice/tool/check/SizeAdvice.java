@@ -82,7 +82,7 @@ final class SizeAdvice {
             }
             if (output.capacity() < needed) {
                 output.place().warn("capacity", "expected at least " + needed + " bytes for the pixels, found "
-                        + output.capacity() + "; allocates " + needed);
+                        + output.capacity() + "; " + needed + " are allocated");
             }
         } else if (output.capacity() > 0 && output.capacity() < pixels / PIXELS_A_BYTE) {
             output.place().warn("capacity", "probably too small for a JPEG of " + size(output)
