@@ -105,9 +105,10 @@ def frames_table(results):
                   "descriptors alone, µs", "ratio to floor and descriptors"], rows)
 
 
-def slope_text(results, group, counter, unit, what):
+def fit_text(results, group, counter, unit, what):
     slope, base = line_through([(x, r[counter]) for x, r in series(results, group)])
-    return f"Fitted line: {base:.3g} {unit} plus {slope:.3g} {unit} per {what}."
+    start = f"{base:,.0f}" if abs(base) >= 1000 else f"{base:.3g}"
+    return f"Linear fit: {start} {unit} plus {slope:.3g} {unit} per {what}."
 
 
 def memory_table(results):
@@ -132,7 +133,7 @@ def ticks(top):
 
 
 def plot(path, title, x_label, y_label, lines):
-    """Draws lines. Each is (name, [(x, y)], whether to draw the fitted line too)."""
+    """Draws lines. Each line is (name, [(x, y)], whether to draw its linear fit too)."""
     top_x = max(x for _, points, _ in lines for x, _ in points) or 1
     top_y = 1.1 * max(y for _, points, _ in lines for _, y in points) or 1
 
@@ -204,16 +205,16 @@ def blocks(results):
         "requests": request_table(results),
         "functions": function_table(results),
         "wakeup": wakeup_table(results),
-        "frames": frames_table(results) + "\n\n" + slope_text(results, "frames", "request_us", "µs", "frame")
-        + " " + slope_text(results, "frames", "jni", "JNI calls", "frame"),
+        "frames": frames_table(results) + "\n\n" + fit_text(results, "frames", "request_us", "µs", "frame")
+        + "\n" + fit_text(results, "frames", "jni", "JNI calls", "frame"),
         "tags": growth_table(results, "tags", [("µs", "request_us"), ("floor, µs", "floor_us"),
                                                ("JNI calls", "jni")])
-        + "\n\n" + slope_text(results, "tags", "request_us", "µs", "tag"),
+        + "\n\n" + fit_text(results, "tags", "request_us", "µs", "tag"),
         "in_flight": growth_table(results, "in_flight", [("µs", "request_us"), ("map operations alone, µs", "map_us")])
-        + "\n\n" + slope_text(results, "in_flight", "map_us", "µs", "request in flight"),
+        + "\n\n" + fit_text(results, "in_flight", "map_us", "µs", "request in flight"),
         "clients": growth_table(results, "clients", [("µs per request, median", "request_us"),
                                                      ("requests per second, all clients", "requests_per_s")])
-        + "\n\n" + slope_text(results, "clients", "requests_per_s", "requests per second", "client"),
+        + "\n\n" + fit_text(results, "clients", "requests_per_s", "requests per second", "client"),
     }
     if series(results, "memory"):
         made["memory"] = memory_table(results) + "\n\n" + memory_slope(results)
@@ -233,7 +234,7 @@ def rewrite(page, made):
 
 
 def check_bars(results):
-    """Prints results above their limit. They are no failure, because machines are noisy."""
+    """Prints the results above their limit. They do not fail the run, because machines are noisy."""
     for name, r in sorted(results.items()):
         bar = {"request": 1.10, "wakeup": 1.20}.get(name.split("/")[0])
         if bar and r["ratio"] > bar:
