@@ -11,14 +11,14 @@ namespace orlu::bench {
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 
-// Called with each table that is filled from now on; null for none.
+// Sets a function that is called with each table filled from now on; null for none.
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 
-// Calls back that a request is done, on the calling thread, without allocating.
+// Calls the library back on the calling thread: this request is done. Does not allocate.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 
-// The library's id of the last request passed to process().
+// Returns the library's id of the last request that the calling thread passed to process().
 uint64_t lastNativeRequest();
 
 }  // namespace orlu::bench

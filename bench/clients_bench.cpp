@@ -11,7 +11,7 @@
 namespace orlu::bench {
 namespace {
 
-// Starts all threads at the same time.
+// A barrier that releases all threads at the same time.
 class StartLine {
 public:
   explicit StartLine(int threads) : mMissing(threads) {}

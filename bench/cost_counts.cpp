@@ -67,7 +67,7 @@ std::vector<std::string> linesOf(std::istream&& in) {
   return lines;
 }
 
-// Prints each line that differs with its place in the file. Returns false if there is one.
+// Prints each differing line with its position in the file. Returns false if a line differs.
 bool isAsWritten(const std::string& tables, const std::string& path) {
   std::vector<std::string> expected = linesOf(std::ifstream(path));
   std::vector<std::string> found = linesOf(std::istringstream(tables));

@@ -5,7 +5,7 @@
 namespace orlu::bench {
 
 Counts countsOf(RequestRunner& runner) {
-  runner.run();  // creates what the VM creates only once
+  runner.run();  // lets the VM create its one-time objects
   runner.record();
   Counts counts;
   int64_t most = 0;

@@ -13,7 +13,7 @@ orlu::bench::HeapUse orlu::bench::heapUse() {
   return gUse;
 }
 
-// The array and nothrow operators call this one.
+// The array and nothrow operators call this operator.
 void* operator new(size_t size) {
   ++gUse.allocations;
   gUse.bytes += static_cast<int64_t>(size);

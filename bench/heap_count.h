@@ -10,7 +10,7 @@ struct HeapUse {
   int64_t bytes = 0;
 };
 
-// Allocations of the calling thread since it started. Freeing does not reduce them.
+// Returns the calling thread's allocations since its start, including memory that was freed again.
 HeapUse heapUse();
 
 inline HeapUse operator-(const HeapUse& a, const HeapUse& b) {

@@ -23,7 +23,8 @@ std::unordered_map<jmethodID, std::string>& shapes() {
   return all;
 }
 
-// Returns one letter per argument: L, I (also for types that are passed as an integer), J or D.
+// Returns one letter per argument: L for objects, J for jlong, D for jfloat and jdouble, I for all types that
+// are passed as an int.
 std::string argumentTypes(const char* signature) {
   std::string types;
   for (const char* at = signature + 1; *at != ')'; ++at) {
@@ -100,7 +101,7 @@ void keep(void** slots, uint32_t slot, Result result) {
 }  // namespace
 
 struct RecorderFunctions {
-  // Makes the call, and records it unless another recorded call made it.
+  // Makes the call, and records it unless it is made inside another recorded call.
   template <typename Function, typename Note>
   static auto made(Function&& function, Note&& note) {
     JniRecorder& recorder = *gRecorder;
@@ -164,8 +165,8 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // Returns the bytes that a Set...Region function reads from its buffer, which may be 0; kNoRegion for
-    // every other function.
+    // Returns the number of bytes that a Set...Region function reads from its buffer, possibly 0, or
+    // kNoRegion for all other functions.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -353,7 +354,7 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// An object that no recorded call returned existed before the recording and stays alive.
+// An object that no recorded call returned existed before the recording, and outlives it.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);
@@ -361,7 +362,7 @@ uint32_t JniRecorder::objectSlot(void* object) {
   return mSlots[object] = mRecording.addSlot(object);
 }
 
-// The string is one that the VM lent, or the caller's own, which is copied.
+// Returns the slot of a string that the VM lent; copies a string of the caller into a new slot.
 uint32_t JniRecorder::textSlot(const char* text) {
   if (text == nullptr) return kNullSlot;
   const uint32_t lent = slotOf(text);

@@ -14,7 +14,7 @@ namespace orlu::bench {
 
 class JniRecorder {
 public:
-  // One object at a time per thread.
+  // A thread has at most one recorder at a time.
   JniRecorder(JNIEnv* env, JniRecording& recording);
   JniRecorder(const JniRecorder&) = delete;
   JniRecorder& operator=(const JniRecorder&) = delete;

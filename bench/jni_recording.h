@@ -1,7 +1,7 @@
 // A recorded sequence of JNI calls. The time of a replay is a lower bound for the code that made the calls.
 //
-// Objects, strings and buffers are in numbered slots. Each call that returns an object has a slot for it, and
-// later calls refer to that slot. So each replay uses objects of its own.
+// Objects, strings and buffers are in numbered slots. A call that returns an object stores it in a slot, to
+// which later calls refer. So each replay uses objects of its own.
 #pragma once
 
 #include <jni.h>

@@ -27,7 +27,7 @@ int64_t numberOf(const char* text) {
   std::exit(2);
 }
 
-// Parses and removes our own options.
+// Parses and removes this program's own options.
 orlu::bench::BenchSize readSize(int& argc, char** argv) {
   orlu::bench::BenchSize size;
   int kept = 1;

@@ -24,7 +24,7 @@ void watchTable(AlgoInterfaceCallbacks* table) {
   *table = probe::watchedTable(*table, recorder());
 }
 
-// "" for a probe that only forwards calls.
+// Makes the probe write its events to this file, or only forward calls if the name is "".
 void writeEventsTo(const char* file) {
   setenv("ORLU_EVENTS", file, 1);
   recorder().open();

@@ -1,6 +1,6 @@
-"""Runs all samples with the stand-in and compares: without the probe, with it, and with recorded look-ups.
+"""Compares runs of all samples with the stand-in: without the probe, with the probe, and with recorded look-ups.
 
-probe_ratio.py ROOT RUNS. Prints medians and their ratios to a run without the probe; exits with 1 if a
+probe_ratio.py ROOT RUNS. Prints medians, and their ratios to the runs without the probe. Exits with 1 if a
 ratio is above 1.5.
 """
 

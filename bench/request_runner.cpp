@@ -31,7 +31,7 @@ void noteAndCallBack(const AlgoProcessRecord& record) {
 }  // namespace
 
 RequestRunner::RequestRunner(Shot& shot) : mShot(shot) {
-  // The recorder must see the client's look-ups, which are not part of a request.
+  // The recorder must see the client's method look-ups, which are not part of a request.
   JniRecording ignored;
   JniRecorder recorder(env(), ignored);
   mClient = RequestProcessor::create(env(), shot.firstComposition());

@@ -26,7 +26,7 @@ struct LogLines {
 };
 
 // Use on the thread that created it. A full-async request is one call of processImage(), with the callback
-// inside, and one of processImageUpdateResult(); the service's work between them is not counted.
+// inside, and one of processImageUpdateResult(); the service's work between them is not measured.
 class RequestRunner {
 public:
   explicit RequestRunner(Shot& shot);
@@ -44,7 +44,7 @@ public:
   const ShotPlan& plan() const { return mShot.plan(); }
   const JniRecording& first() const { return mFirst; }
   const JniRecording& second() const { return mSecond; }  // the second call of a full-async request
-  // Like replay(), and calls `handOver` where the request is submitted to the algorithms. Synchronous
+  // Like replay(), but also calls `handOver` where the request is submitted to the algorithms. Synchronous
   // requests only.
   template <typename HandOver>
   void replay(HandOver&& handOver) {
@@ -55,7 +55,7 @@ public:
     mFirst.replay(test::env(), mHandedOver, mFirst.size());
     mReturned = Clock::now();
   }
-  // The time at which the library's last call, or its last replay, ended.
+  // Returns the time at which the last call into the library, or the last replay with `handOver`, ended.
   Clock::time_point returned() const { return mReturned; }
 
   HeapUse heap();
@@ -77,7 +77,7 @@ private:
   Clock::time_point mReturned;
 };
 
-// Switches the log off before anything is formatted.
+// Disables the log, including the formatting of its lines.
 void silenceLog();
 
 }  // namespace orlu::bench

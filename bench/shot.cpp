@@ -60,7 +60,7 @@ jobject sampleComposition(jobject frame) {
   return composition;
 }
 
-// A value of the tag's type that enables nothing; null for the few types that need a special object.
+// Returns a value of this type that enables nothing, or null for the few types that need a special object.
 jobject zeroOf(const std::string& type) {
   if (type == "INT") return test::javaInt(0);
   if (type == "LONG") return test::javaLong(0);
@@ -90,7 +90,7 @@ void registerUnread(const std::string& tag) {
              test::javaString(tag), integer);
 }
 
-// A capture result with `tagNum` tags: known tags first, then private ones.
+// Returns a capture result with `tagNum` tags: known tags first, then private tags.
 jobject reportOf(int tagNum) {
   jobject report = test::newMetadata();
   jobject names = staticCall("android/hardware/camera2/impl/TagTable", "names", "()Ljava/util/Set;");

@@ -1,5 +1,5 @@
-// The Java objects of one request, as the service passes them. They belong to the thread that created them,
-// and are freed with this object.
+// The Java objects of one request, as the service passes them. They belong to the thread that created the
+// Shot, and are freed with it.
 #pragma once
 
 #include <jni.h>
@@ -21,7 +21,7 @@ struct ShotPlan {
   bool hardwareBuffers = true;  // otherwise shared memory
   bool withTags = true;         // otherwise every tag is absent
   bool isFullAsync = false;
-  int tagNum = -1;  // tags in each frame's capture result, instead of the sample's
+  int tagNum = -1;  // number of tags in each frame's capture result; -1: the sample's tags
 
   int images() const { return frames * inputsPerFrame + 1; }
 };

@@ -20,7 +20,7 @@ public:
   // Returns at once; `answer` is called on the worker's thread.
   void post(std::function<void()> answer);
 
-  // The time at which the last answer started. Read it only after that answer has finished.
+  // Returns the time at which the last answer started. Call this only after that answer has finished.
   Clock::time_point answered() const { return mAnswered; }
 
 private:
