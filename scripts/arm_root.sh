@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # A private root with Debian's 32-bit ARM JVM and the libraries that the build links. It is downloaded and
-# unpacked once, into the user's cache folder. Nothing is installed on this machine, its programs only run
-# under the emulator, and root is not needed. Source this file after lib.sh.
+# unpacked once, into the user's cache folder, without root rights. Nothing is installed on this machine, and
+# programs of the root run only under the emulator. Source this file after lib.sh.
 
 # The packages in the root, without their dependencies. A change creates a new root.
 readonly arm_root_packages=(
@@ -52,8 +52,8 @@ make_links_relative() {
   done < <(find "$1" -type l -lname '/*' -print0)
 }
 
-# fetch_arm_root: makes the root if it is missing. It is renamed when complete; the remains of an interrupted
-# download are deleted. Concurrent calls wait for each other.
+# fetch_arm_root: makes the root if it is missing, and renames it when complete. Deletes the remains of an
+# interrupted download. Concurrent calls wait for each other.
 fetch_arm_root() {
   local path work lock
   path=$(arm_root_path)

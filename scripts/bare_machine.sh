@@ -5,8 +5,8 @@
 #   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in its own root
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
 #                                        one root per argument, which holds the commands
-# Needs root to mount /proc and /dev. The mounts are in a private mount namespace, which disappears with its
-# last process. So nothing stays mounted, and nothing is mounted when the root is deleted.
+# Needs root rights to mount /proc and /dev. The mounts are in a private mount namespace, which disappears
+# with its last process. So nothing stays mounted, and nothing is mounted when the root is deleted.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"
@@ -20,7 +20,7 @@ readonly archive=${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/$release-minbase.tar
 work=
 child=
 
-# clean_up: kills the processes in the root, which unmounts everything, and deletes the root.
+# clean_up: kills the processes in the root, which also unmounts everything, and deletes the root.
 clean_up() {
   trap '' INT TERM
   if [ -n "$child" ]; then

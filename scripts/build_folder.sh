@@ -18,7 +18,8 @@ start_afresh() {
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: deletes a build of another checkout, or with other packages.
+# discard_strange FOLDER: deletes a build of another checkout, or a build with packages that are no longer
+# installed.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")
@@ -30,8 +31,8 @@ discard_strange() {
   fi
 }
 
-# tests_of FOLDER: prints ON if the tests are configured there and their packages are installed, so that ./run
-# does not remove the tests of ./test.
+# tests_of FOLDER: prints ON if the tests are configured there and their packages are installed, else OFF.
+# Thus ./run does not remove the tests that ./test configured.
 tests_of() {
   local missing
   if grep -qs '^ORLU_TESTS:BOOL=ON' "$1/CMakeCache.txt" && are_installed "${test_packages[@]}"; then
@@ -48,8 +49,8 @@ setup_of() {
   cat "$root"/CMake*Presets.json
 }
 
-# touch_older FOLDER: a source replaced by one with an older date (cp -p, mv, tar) looks unchanged to Ninja, so
-# this sets its date.
+# touch_older FOLDER: updates the dates of sources that were replaced by older files (cp -p, mv, tar) since
+# the last build. Ninja would consider them unchanged.
 touch_older() {
   if [ -e "$1/built" ]; then
     find "$root" \( -path "$root/build" -o -path "$root/out" -o -path "$root/.git" \) -prune -o \
@@ -81,9 +82,9 @@ compile() {
   mv "$folder/building" "$folder/built"
 }
 
-# build_preset PRESET [--tests] [TARGET...]: brings build/PRESET up to date; everything without TARGET. The tests
-# are configured with --tests, or if they were before. The output of CMake and Ninja is printed only if the build
-# fails. Concurrent builds of a preset wait for each other.
+# build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. The tests
+# are configured with --tests, or if they were configured before. The output of CMake and Ninja is printed
+# only if the build fails. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

@@ -13,7 +13,8 @@ fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# results_of MACHINE OPTION...: runs the requests on that machine and stores the results.
+# results_of MACHINE OPTION...: runs the requests with these options and stores the results under the
+# machine's name.
 results_of() {
   local folder=$work/$1
   mkdir "$folder"

@@ -18,7 +18,7 @@ readonly test_packages=(libgtest-dev junit4 binutils python3 python3-jsonschema)
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 # Also needed by the ARM build with clang; GoogleTest as source, to build it with libc++.
 readonly arm_clang_packages=(clang lld llvm googletest)
-# The platform's own headers that Debian packages.
+# The platform's own headers, as packaged by Debian.
 readonly platform_packages=(
   android-libnativehelper-dev android-liblog-dev android-libcutils-dev android-libutils-dev
   android-platform-frameworks-native-headers android-platform-system-core-headers librust-libc-dev
@@ -82,7 +82,7 @@ read_installed_packages() {
   fi
 }
 
-# are_installed PACKAGE...: succeeds if all are installed; the array missing receives the others.
+# are_installed PACKAGE...: succeeds if all are installed. Stores the others in the array "missing".
 are_installed() {
   local package
   missing=()

@@ -12,9 +12,9 @@ source scripts/lib.sh
 readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
-# Checks every source of a build for this machine, one per processor at a time. The builds only need to be
-# configured; some of their options exist only in GCC. Timed benchmarks are left out: clang-tidy reports the
-# loops of their library as dead stores and leaks.
+# Checks every source that is compiled for this machine, with one process per processor. The builds only need
+# to be configured. Unknown warning options are ignored, because some exist only in GCC. Timed benchmarks are
+# left out: clang-tidy reports the loops of their library as dead stores and leaks.
 lint_cpp() {
   local preset source
   local -A preset_of=()

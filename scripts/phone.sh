@@ -36,8 +36,8 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the only phone that is ready, or exits with an error. adb would also count phones that are not
-# ready.
+# one_phone: selects the only phone that is ready, or exits with an error. adb itself also counts phones that
+# are not ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
@@ -62,7 +62,7 @@ one_phone() {
   export ANDROID_SERIAL=${ready[0]}
 }
 
-# call_adb ARGUMENT...: exits with an error if adb fails. A failure of the kit has a different status.
+# call_adb ARGUMENT...: runs adb, and exits with status 2 if it fails. A failed check of the kit has status 1.
 call_adb() { adb "$@" || die "adb $1 failed: see above; is $ANDROID_SERIAL still connected?"; }
 
 # quoted WORD...: quotes the words for a shell.
@@ -77,7 +77,7 @@ property() {
   echo "${value%$'\r'}"
 }
 
-# set_property NAME VALUE: fails if the phone rejects the property.
+# set_property NAME VALUE: exits with an error if the phone rejects the property.
 set_property() {
   local value
   in_shell setprop "$1" "$2"
@@ -120,13 +120,14 @@ run_kit() {
   [ ! -f "$runtime" ] || call_adb push "$runtime" "$folder/libc++_shared.so"
   in_shell chmod 755 "$folder/conform"
   adb shell "$(quoted env "LD_LIBRARY_PATH=$folder" "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
-  # A failure of adb has the same status as a failed check.
+  # adb itself also fails with the status of a failed check.
   [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
     die "$ANDROID_SERIAL went away while the kit ran"
   return "$status"
 }
 
-# pull PATH DIR: pulls into DIR/NAME, everything or nothing. Recordings of two pulls are never mixed.
+# pull PATH DIR: pulls everything or nothing into a new DIR/NAME, so that recordings of two pulls are never
+# mixed.
 pull() {
   local name to
   [[ $1 == /* ]] || die "$1: not an absolute path on the phone"
