@@ -65,7 +65,7 @@ fetch_arm_root() {
   exec {lock}>"$path.lock"
   flock "$lock"
   if [ ! -d "$path" ]; then
-    echo "Fetching Debian's 32-bit ARM JVM, once, into $path: the ARM library runs in it" >&2
+    echo "Fetching Debian's 32-bit ARM JVM, once, into $path; the ARM library runs in it" >&2
     rm -rf "$work"
     unpack_arm_root "$work" "$work/root" || die "the 32-bit ARM root could not be fetched"
     mv "$work/root" "$path"

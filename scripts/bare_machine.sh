@@ -62,7 +62,7 @@ fetch_archive() {
     return
   fi
   from=$(mirror)
-  [ -n "$from" ] || die "this machine's package sources do not have Debian 12, $release"
+  [ -n "$from" ] || die "this machine's package sources do not contain Debian 12 ($release)"
   echo "Downloading a minimal Debian 12, into $archive" >&2
   mkdir -p "${archive%/*}"
   if ! isolated debootstrap --variant=minbase "$release" "$work/minimal" "$from" >"$work/debootstrap.log" 2>&1; then
@@ -134,7 +134,7 @@ case ${1:-} in
   -*) die "unknown option $1; see the first lines of this file" ;;
 esac
 if [ "$(id -u)" -ne 0 ]; then
-  command -v sudo >/dev/null || die "needs root, to mount /proc and /dev in the bare root"
+  command -v sudo >/dev/null || die "needs root rights to mount /proc and /dev in the bare root"
   exec sudo --preserve-env=http_proxy,https_proxy "$0" "$@"
 fi
 install_missing "to make a bare machine" debootstrap git
@@ -142,7 +142,7 @@ trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 work=$(mktemp -d "${TMPDIR:-/var/tmp}/bare_machine.XXXXXX")
-isolated chroot / true || die "can't make mounts and a root of its own here; it needs a machine that allows them"
+isolated chroot / true || die "mount namespaces or chroot are not allowed on this machine"
 fetch_archive
 number=0
 for commands in "$@"; do

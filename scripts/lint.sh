@@ -66,14 +66,14 @@ lint_android_bp() {
   unformatted=$(bpfmt -l Android.bp)
   if [ -n "$unformatted" ]; then
     bpfmt -d Android.bp
-    die "Android.bp is not as the platform's formatter writes it: bpfmt -w Android.bp"
+    die "Android.bp is not formatted; run bpfmt -w Android.bp"
   fi
   diff <(python3 tests/product/android_bp_test.py --read Android.bp) \
     <(GO111MODULE=off GOPATH=/usr/share/gocode GOCACHE=$root/build/go-cache \
       go run tests/product/read_android_bp.go Android.bp)
 }
 
-install_missing "to look for mistakes" "${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}"
+install_missing "to run static checks" "${run_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}"
 for check in "${@:-${checks[@]}}"; do
   echo "== Lint: $check"
   "lint_$check"

@@ -10,17 +10,17 @@ readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
   record off         stop recording
   events on FILE     make the probe write its events to FILE, a file of the phone
   events off         stop writing events
-  pull PATH DIR      fetch recordings or events into DIR, a folder here that has none
-                     of that name yet
-  status             what is switched on
+  pull PATH DIR      fetch recordings or events of the phone into DIR, a folder of this
+                     machine that contains nothing of the same name
+  status             print the settings of \"record\" and \"events\"
 
-KIT is orlu-conform of Android.bp, or of the preset android, which needs the NDK's
-libc++_shared.so beside it: the kit of ./run sdk is for Linux. ORLU_PHONE_FOLDER is where
-the kit is put (/data/local/tmp/orlu). ANDROID_SERIAL names the phone if there are
-several. Restart the service after \"record\"
-and \"events\"; setting their properties needs adb root.
+KIT is orlu-conform, built with Android.bp or with the preset android. The latter needs
+the NDK's libc++_shared.so beside it. The kits of ./run sdk run only on Linux.
+ORLU_PHONE_FOLDER is the kit's folder on the phone (default: /data/local/tmp/orlu).
+ANDROID_SERIAL selects one of several phones. \"record\" and \"events\" set properties,
+which needs adb root; restart the service afterwards.
 
-No phone was at hand when this was written: it is tested against a stand-in for adb."
+This script has not run with a phone: its tests use a stand-in for adb."
 
 readonly folder=${ORLU_PHONE_FOLDER:-/data/local/tmp/orlu}
 readonly record_property=persist.vendor.orlu.record
@@ -41,7 +41,7 @@ takes() {
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
-  listing=$(adb devices) || die "adb devices failed: see what it said above"
+  listing=$(adb devices) || die "adb devices failed: see above"
   while IFS=$'\t' read -r serial state; do
     if [ "$state" = device ]; then
       ready+=("$serial")
@@ -91,7 +91,7 @@ switch() {
     on)
       takes 2 "${@:2}"
       [[ $3 == /* ]] || die "$3: not an absolute path on the phone"
-      [ "$(printf %s "$3" | wc -c)" -le 91 ] || die "$3: longer than a property takes, 91 bytes"
+      [ "$(printf %s "$3" | wc -c)" -le 91 ] || die "$3: longer than a property can be (91 bytes)"
       one_phone
       set_property "$1" "$3"
       ;;
@@ -122,7 +122,7 @@ run_kit() {
   adb shell "$(quoted env "LD_LIBRARY_PATH=$folder" "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
   # adb itself also fails with the status of a failed check.
   [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
-    die "$ANDROID_SERIAL went away while the kit ran"
+    die "$ANDROID_SERIAL was disconnected while the kit ran"
   return "$status"
 }
 

@@ -92,8 +92,8 @@ for wrong in "record on" "record maybe" "record on x" "pull /x" "status now" "co
   # shellcheck disable=SC2086
   expect 2 "phone.sh: error: " $wrong
 done
-expect 2 "longer than a property takes" record on "/$(printf 'x%.0s' {1..91})"
-expect 2 "longer than a property takes" record on "/$(printf 'ü%.0s' {1..50})"
+expect 2 "longer than a property can be" record on "/$(printf 'x%.0s' {1..91})"
+expect 2 "longer than a property can be" record on "/$(printf 'ü%.0s' {1..50})"
 : >"$work/calls"
 PHONES='' expect 2 "no phone is ready: connect one" status
 PHONES='a1\tunauthorized' expect 2 "found a1 (unauthorized)" status
@@ -116,6 +116,6 @@ for vanish in "status:getprop" "record off:setprop" "record off:getprop" "events
   VANISH=${vanish#*:} expect 2 "still connected?" ${vanish%%:*}
   rm -f "$work/gone"
 done
-VANISH='so --only' expect 2 "a1 went away while the kit ran" conform "$work/kit" "$work/library.so" --only x
+VANISH='so --only' expect 2 "a1 was disconnected while the kit ran" conform "$work/kit" "$work/library.so" --only x
 rm "$work/gone"
-expect 0 "No phone was at hand" --help
+expect 0 "has not run with a phone" --help
