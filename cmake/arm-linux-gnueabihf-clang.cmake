@@ -1,5 +1,6 @@
-# The same machine with the phone's compiler and C++ library: clang, lld and libc++. Clang is the host's; the
-# C and C++ libraries are in the private root, and libgcc is from Debian's cross compiler.
+# 32-bit ARM as in arm-linux-gnueabihf.cmake, with the phone's compiler and C++ library: clang, lld and
+# libc++. Clang is the host's; the C and C++ libraries are in the private root, and libgcc is from Debian's
+# cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
 
 # GoogleTest is built here too, and needs a C compiler.

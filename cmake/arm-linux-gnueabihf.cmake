@@ -4,7 +4,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7-a)
 
 if(NOT ORLU_ARM_ROOT)
-  message(FATAL_ERROR "ORLU_ARM_ROOT in the environment names no root; ./test --arm makes one and builds with it")
+  message(FATAL_ERROR "ORLU_ARM_ROOT is not set; run ./test --arm, which makes this root and builds with it")
 endif()
 
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)

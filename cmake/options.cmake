@@ -27,7 +27,7 @@ find_package(Threads REQUIRED)
 add_library(orlu_options INTERFACE)
 target_compile_options(orlu_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-  # Only clang's -Wall includes it. Single braces are more readable for std::array.
+  # A part of clang's -Wall only. Single braces are more readable for std::array.
   -Wno-missing-braces
   # Rounds every operation separately, for equal results on all machines.
   -ffp-contract=off)
@@ -46,10 +46,10 @@ else()
   endif()
 endif()
 
-# orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every source
-# below SOURCE_DIR into java/NAME.jar. CLASS_PATH holds the paths of jars, DEPENDS targets of this function,
-# RESOURCES files below SOURCE_DIR to put into the jar. String concatenation is compiled to plain calls: otherwise
-# each start of the VM links it anew, because class archives can't hold the result.
+# orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every
+# source below SOURCE_DIR into java/NAME.jar. CLASS_PATH lists paths of jars, DEPENDS targets that this
+# function added, RESOURCES files below SOURCE_DIR that go into the jar. String concatenation is compiled to
+# plain calls: otherwise each start of the VM links it anew, because class archives can't hold the result.
 function(orlu_add_jar name source_dir)
   cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)

@@ -4,7 +4,7 @@ set(ORLU_PARAMETER_TABLE
   ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 
 # orlu_parameter_rows(FILE [ROW_END]): writes the parameters of the table as {section, key, bytes}. With
-# ROW_END, only rows that end with it.
+# ROW_END, writes only rows that end with it.
 function(orlu_parameter_rows file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ORLU_PARAMETER_TABLE})
   file(STRINGS ${ORLU_PARAMETER_TABLE} rows REGEX "^[a-z].*${ARGN}$")
@@ -21,8 +21,8 @@ function(orlu_parameter_rows file)
   file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
 endfunction()
 
-# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes the given names, and those that the sources
-# jni/PATTERN search for in an algorithm list, as strings.
+# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes, as strings, the given names and the names that the
+# sources jni/PATTERN search for in an algorithm list.
 function(orlu_algorithm_rows file pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/jni/${pattern})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})

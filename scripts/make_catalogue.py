@@ -27,7 +27,8 @@ CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/cata
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 LONGEST_VALUE = 60
-# Requests with all algorithms of the catalogue, on processed and on raw input, for what no sample uses.
+# Samples that also run with all algorithms of the catalogue, because no sample uses some of them: one with
+# processed and one with raw input.
 ALL_OF = ("capture", "raw-night")
 
 
@@ -38,10 +39,10 @@ KEPT_TAG = re.compile(r'KeptTag<.*> m(\w)(\w*)\{"([\w.]+)"\}')
 TAG_CONSTANT = re.compile(r'constexpr char (k\w+)\[\] = "([\w.]+)"')
 SECTIONS = "Control|Parameter|Sensor|Feedback|System|Zoom"
 PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
-# Results that are read under a constant; values in the block of an abort, which no sample makes.
+# Results whose keys are constants in the source, and parameters of an abort, which no sample requests.
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 ABORT = ("abort_key", "abort_val")
-# Functions of Shot that read a tag. exposureOf() is the only one with a frame as its argument.
+# Prefixes of functions of Shot that read a tag. Of these functions, only exposureOf() has a frame as argument.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"
@@ -94,8 +95,8 @@ def source_rows(tags):
     return rows
 
 
-# Whether a line writes a tag: result updaters read tags through constants and write all others; the callback
-# puts values into a map.
+# Returns whether a line writes a tag. Result updaters read tags through constants and write all other tags; the
+# callback puts values into a map.
 def is_put(file, line):
     if file.name.startswith("algo_native_callback"):
         return True
@@ -105,7 +106,7 @@ def is_put(file, line):
 # -- Trials.
 
 def requests(samples):
-    """Yields what to run: name, request, and whether to try its tags."""
+    """Yields the name of each run, its request, and whether to run trials with its tags."""
     for sample in samples:
         request = json.loads((ROOT / "samples" / f"{sample}.json").read_text())
         yield sample, request, True
@@ -262,7 +263,7 @@ def read_back(catalogue):
 
 
 def algorithm_page(catalogue):
-    return table(["algorithm", "what it is", "added", "removed", "in the list, it does", "read back", "stand-in"],
+    return table(["algorithm", "purpose", "added", "removed", "effect if listed", "results", "stand-in"],
                  [[f"`{entry['name']}`", entry["is"], " ".join(entry["added"]), " ".join(entry["removed"]),
                    " ".join(entry["does"]), " ".join(entry["returns"]), entry["standIn"]]
                   for entry in catalogue["algorithms"]])
@@ -283,8 +284,8 @@ def value_page(catalogue):
 
 def format_page(catalogue):
     fields = ("is", "code", "planes", "row", "stride", "files")
-    return table(["format", *fields], [[f"`{entry['name']}`", *(entry[field] for field in fields)]
-                                       for entry in catalogue["formats"]])
+    return table(["format", "contents", *fields[1:]], [[f"`{entry['name']}`", *(entry[field] for field in fields)]
+                                                       for entry in catalogue["formats"]])
 
 
 TABLES = {"parameters": handed_over, "results": read_back, "algorithms": algorithm_page, "tags": tag_page,
