@@ -14,7 +14,7 @@ readonly compiled_in="^(cmake|g\\+\\+[^ ]*|clang(-[0-9]+)?|openjdk-17-j[dr][ek]-
 
 # start_afresh FOLDER REASON: reports the reason and deletes the build.
 start_afresh() {
-  echo "${2}: setting up build/${1##*/} afresh" >&2
+  echo "${2}; setting up build/${1##*/} from scratch" >&2
   rm -rf "$1"
 }
 
@@ -27,7 +27,7 @@ discard_strange() {
     start_afresh "$folder" "This checkout was moved or copied from $home"
   elif [ -e "$folder/packages.txt" ]; then
     gone=$(grep -vxF -f <(grep -E "$compiled_in" <<<"$installed_packages") "$folder/packages.txt" || true)
-    [ -z "$gone" ] || start_afresh "$folder" "There is no longer ${gone//$'\n'/, }"
+    [ -z "$gone" ] || start_afresh "$folder" "No longer installed: ${gone//$'\n'/, }"
   fi
 }
 

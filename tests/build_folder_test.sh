@@ -65,12 +65,12 @@ builds ''
 answers 3
 
 echo 'cmake 3.0' >>"$root/build/dev/packages.txt"
-builds "There is no longer cmake 3.0: setting up build/dev afresh
+builds "No longer installed: cmake 3.0; setting up build/dev from scratch
 $first_time"
 
 cp -r "$root" "$folder/second"
 root=$folder/second
-builds "This checkout was moved or copied from $folder/first: setting up build/dev afresh
+builds "This checkout was moved or copied from $folder/first; setting up build/dev from scratch
 $first_time"
 answers 3
 builds ''
