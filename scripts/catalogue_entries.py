@@ -13,7 +13,7 @@ ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
 MOST = "nearly all parameters of some requests"
 NOBODY = "nobody: no function of the library asks for it"
-# One per frame, or 50 zeros if the camera has no scores. 50 are read back.
+# Marks a value with one element per frame, or 50 zeros if the camera has no scores. 50 elements are read back.
 BY_FRAMES = "*"
 # Bytes per element, for types with several elements.
 ELEMENTS = {"INTS": 4, "FLOATS": 4, "LONGS": 8, "DOUBLES": 8, "BITS": 8}

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Finds the catalogue's facts on tags and parameters by trial: which depends on which, who reads and writes
-them, the values if tags are absent, and the result of each sample's algorithms.
+"""Writes the catalogue of tags and parameters. Finds by trial which parameters depend on a tag, which functions
+write a parameter, its value without tags, and the outcome of each sample's algorithms; finds in the source which
+functions read a tag.
 
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
 make_catalogue.py --texts             write both from the tables, the samples and the previous findings
@@ -328,7 +329,7 @@ def main():
         gone = set() if chosen else known - rows
         problems += [f"{CATALOGUE.name} lacks: {row}" for row in sorted(rows - known)]
         problems += [f"{CATALOGUE.name} has a stale row: {row}" for row in sorted(gone)]
-        problems += [f"{file.relative_to(ROOT)} is out of date: scripts/make_catalogue.py --texts"
+        problems += [f"{file.relative_to(ROOT)} is out of date; run scripts/make_catalogue.py --texts"
                      for file, text in texts.items() if text != file.read_text()]
     else:
         for file, text in texts.items():
