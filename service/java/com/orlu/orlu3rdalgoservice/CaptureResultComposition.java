@@ -8,8 +8,8 @@ import java.util.Map;
 
 /**
  * One frame's metadata: what the camera reported, overlaid with the service's own values. The native side
- * looks into these values first and puts its results there. Parameter objects of the entry points have this
- * class, too.
+ * looks up the service's values first, and puts its results among them. The entry points' parameter objects
+ * are compositions, too.
  */
 public class CaptureResultComposition {
     // Read and stored by the native side.

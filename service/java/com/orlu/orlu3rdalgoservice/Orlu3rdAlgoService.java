@@ -1,18 +1,23 @@
 package com.orlu.orlu3rdalgoservice;
 
 /**
- * The service's interface to the native library. A client handle is the address of a native object: only 0 is
- * rejected, and a destroyed handle must not be used again. Calls on one client must not overlap.
+ * The service's interface to the native library. Methods with a client handle that return an int return 0 on
+ * success. They return -1 for handle 0, for null lists, and if memory is exhausted.
+ *
+ * A client handle is the address of a native object. Handles other than 0 are not checked, so a destroyed
+ * handle must not be used again. Calls on one client must not overlap.
  */
 public final class Orlu3rdAlgoService {
     static {
         System.loadLibrary("orlu.vas.native.interface");
     }
 
-    /** Creates a client from "algoContextIndex" and "clientId". Returns its handle, never 0. */
+    /**
+     * Creates a client from "algoContextIndex" and "clientId". Returns its handle; 0 if memory is exhausted.
+     */
     public native long createNativeClient(Object param);
 
-    /** Destroys a client. Like all calls here that return an int, returns 0, or -1 for handle 0. */
+    /** Destroys a client. */
     public native int destroyNativeClient(long inst);
 
     /** Prepares a client for requests. The parameter object is not read. */
@@ -21,19 +26,19 @@ public final class Orlu3rdAlgoService {
     /** Releases a client's algorithms in the mode for "imageFormat". The client can be initialised again. */
     public native int algoRelease(long inst, Object param);
 
-    /** Discards the pending work of a client's algorithms. Neither object is read. */
+    /** Discards the pending work of a client's algorithms. Ignores both objects. */
     public native int flush(long inst, Object unread, Object param);
 
     /** Aborts the frame named by "AbortKey" and "AbortVal". */
     public native int abort(long inst, Object unread, Object param);
 
-    /** Returns the algorithms' text for "cmd"; null if they offer none. */
+    /** Returns the algorithm library's answer to "cmd"; null if it has no answer. */
     public native String getData(long inst, Object param);
 
-    /** Passes on a parameter file in shared memory, under the name "identifier". */
+    /** Passes a parameter file in shared memory to the algorithm library, with its name in "identifier". */
     public native int translateParamFiles(long inst, Object sharedMemory, Object param);
 
-    /** Notifies the algorithms that the process will exit, and exits. Does not return. */
+    /** Notifies the algorithms that the process will end, and aborts it. Does not return. */
     public native void notify(long inst, Object param);
 
     /**
@@ -44,7 +49,9 @@ public final class Orlu3rdAlgoService {
     public native int processImage(
             long inst, Object request, Object inputs, Object outputs, Object compositions);
 
-    /** Writes the results of a full-async request, named by "nativeRequestAddr" in the first composition. */
+    /**
+     * Writes the results of the full-async request that "nativeRequestAddr" in the first composition names.
+     */
     public native int processImageUpdateResult(
             long inst, Object request, Object inputs, Object outputs, Object compositions);
 

@@ -14,7 +14,10 @@ public class VRequest {
         return mRequestId;
     }
 
-    /** Begins with "previewProcess" or "stopProcess" for those types; any other text means a shot. */
+    /**
+     * Returns the type: a preview if it begins with "previewProcess", a stop if it begins with "stopProcess",
+     * else a shot.
+     */
     public String getRequestType() {
         return mRequestType;
     }

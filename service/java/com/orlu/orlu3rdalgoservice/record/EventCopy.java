@@ -12,11 +12,11 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * The probe's events of one request, copied from the probe's file of events, and the pixels that the probe
- * kept. Pixels that Java's images lack are moved out of the probe's folder.
+ * Copies the probe's events during one request into its recording. Moves the request's pixels out of the
+ * probe's folder, and deletes those that equal the recorded pixels of one of Java's images.
  */
 final class EventCopy {
-    /** The probe's environment variables: its file of events, and its folder of pixels. */
+    /** The environment variables that name the probe's events file and its pixels folder. */
     private static final String EVENTS_VARIABLE = "ORLU_EVENTS";
     private static final String PIXELS_VARIABLE = "ORLU_PIXELS";
 
@@ -28,20 +28,22 @@ final class EventCopy {
         mStart = events.length();
     }
 
-    /** Starts at the end of the probe's present events; returns null without a probe. */
+    /** Starts after the events that the probe has written so far. Returns null without a probe. */
     static EventCopy begin() {
         String path = Setting.ofProbe(EVENTS_VARIABLE);
         return path.isEmpty() ? null : new EventCopy(new File(path));
     }
 
-    /** The offset of the first event, for copying events after the process died. */
+    /**
+     * The offset of the first event in the probe's file, in bytes; for copying events if the process dies.
+     */
     long start() {
         return mStart;
     }
 
     /**
-     * Copies the events so far and the request's pixels into the recording. The outcome gets the file of
-     * events and a list of the pixels left out.
+     * Copies the events so far and the request's pixels into the recording. Adds the events file and a list
+     * of the omitted pixels to the outcome.
      */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
@@ -63,8 +65,9 @@ final class EventCopy {
         }
     }
 
-    // Concurrent requests share one file of events, which names the pixels. On some file systems a 32-bit
-    // process can't list the folder itself. Returns what was left out.
+    // Finds the pixel files by their names in the events: on some file systems, a 32-bit process can't list
+    // the folder. Concurrent requests share the events file, so the id is compared. Returns the omitted
+    // files.
     private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
             throws IOException {
         List<Object> leftOut = new ArrayList<>();

@@ -43,7 +43,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns the form of a value in request files. Objects of classes without a form become texts. */
+    /** Returns a value in the form of request files; an object of a class without a form becomes a text. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);
@@ -106,9 +106,9 @@ public final class HeldValue {
     }
 
     /**
-     * Converts values to objects named after their types ({"long": 5}), so that they can be read back. A
-     * value of any other class becomes {"class": its name, "text": what toString() returns}; if reading it
-     * throws, the text names the exception.
+     * Converts each value to an object that names its type ({"long": 5}), so that it can be read back. A
+     * value of a class without a type name becomes {"class": the class, "text": the result of toString()}. If
+     * the conversion throws, "text" names the exception.
      */
     static Map<String, Object> typed(Map<String, ?> values) {
         Map<String, Object> typed = new LinkedHashMap<>();

@@ -9,12 +9,12 @@ import java.util.stream.IntStream;
 
 /**
  * Writes JSON. A value is a Map with string keys, an Iterable, an array, a String, a Number, a Boolean, null
- * or a Source of such a value. JSON lacks NaN and the infinities, which become texts. Unsafe characters are
- * escaped.
+ * or a Source of such a value. NaN and infinities become texts because JSON lacks them. Unsafe characters
+ * are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
-    /** Characters with a short escape, and the letters of their escapes. */
+    /** Characters with a short escape; below, the letters of these escapes. */
     private static final String SHORT = "\"\\\b\t\n\f\r";
     private static final String SHORT_LETTERS = "\"\\btnfr";
 
@@ -123,8 +123,8 @@ public final class JsonWriter {
     }
 
     /**
-     * Whether a character of foreign text may confuse a terminal, a log or a page: control characters (C0,
-     * C1), line separators, characters that change the direction of what follows, and unpaired surrogates.
+     * Whether a character of untrusted text may confuse a terminal, a log or a page: control characters (C0,
+     * C1), line separators, characters that change the text's direction, and unpaired surrogates.
      */
     public static boolean isUnsafe(int c) {
         return Character.isISOControl(c) || isDirection(c) || c == 0x2028 || c == 0x2029

@@ -13,11 +13,11 @@ import java.util.Map;
 import java.util.Set;
 import java.util.zip.CRC32;
 
-/** The folder of one recording. Each JSON object becomes a file, written at once. */
+/** The folder of one recording. Each JSON object is written to its own file. */
 final class RecordFolder {
     /** The inputs, in the form of a request file; written before the request runs. */
     static final String REQUEST = "request.json";
-    /** The result; missing if the process ended early. */
+    /** The result of the request; missing if the process ended early. */
     static final String OUTCOME = "outcome.json";
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the size limit of the recording is reached";
@@ -31,7 +31,7 @@ final class RecordFolder {
     private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
-    /** Creates the folder, which may contain at most this many bytes, and only these pixels. */
+    /** Creates the folder. `mostBytes` limits its size, `pixels` what it contains. */
     RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
             throw new IOException("can't make the folder " + folder);
@@ -50,7 +50,7 @@ final class RecordFolder {
         writeAll(name, ByteBuffer.wrap(bytes));
     }
 
-    /** Replaces the outcome with the reason for the failure. */
+    /** Replaces the outcome by the reason why recording failed. */
     void fail(String what) throws IOException {
         writeAll(OUTCOME, ByteBuffer.wrap(bytes(JsonWriter.object("failed", what), OUTCOME_LEVELS)));
     }
@@ -67,7 +67,7 @@ final class RecordFolder {
                 channel.write(bytes);
             }
         } catch (IOException e) {
-            // Half a file is useless and may occupy the space needed for the reason.
+            // A partial file is useless, and the reason for the failure may need its space on the disk.
             if (file.isFile() && !file.delete()) {
                 RequestRecorder.warn("can't remove " + file);
             }
@@ -90,8 +90,8 @@ final class RecordFolder {
     }
 
     /**
-     * Writes the bytes to a file and adds its name and checksum to the object, or the reason if they don't
-     * fit.
+     * Writes the bytes to a file and adds the file's name and checksum to the object. If the bytes exceed the
+     * size limit, adds the reason instead.
      */
     void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
@@ -109,8 +109,8 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file with this checksum into the folder, or deletes it if the folder already has its bytes.
-     * Returns false if the file is too large; it is deleted then, too.
+     * Moves a file with this checksum into the folder, or deletes it if the folder already has the same
+     * bytes. Deletes it and returns false if it exceeds the size limit.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

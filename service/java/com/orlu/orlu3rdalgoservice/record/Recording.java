@@ -20,8 +20,8 @@ import java.util.Map;
 import java.util.function.IntSupplier;
 
 /**
- * The recording of one request while it is written: inputs before the request runs, results afterwards. The
- * first failure stops the recording; the outcome then gives the reason if it can be written.
+ * Writes the recording of one request: inputs before the request runs, results afterwards. The first failure
+ * stops the recording; outcome.json then contains the reason, unless writing that fails, too.
  */
 public final class Recording {
     private static final int VERSION = 2;
@@ -74,7 +74,7 @@ public final class Recording {
         try {
             step.run();
         } catch (IOException | ErrnoException | RuntimeException | Error e) {
-            // Catches errors, too: a value's code may run out of memory or stack.
+            // Also catches Error: the code of a recorded value may exhaust memory or stack.
             mIsOver = true;
             boolean hasReason = hasReason(e);
             RequestRecorder.warn("recording of request " + idOf(mRequest) + " stopped: " + e
@@ -82,7 +82,7 @@ public final class Recording {
         }
     }
 
-    // Writes the reason into the recording. This fails if the disk is full.
+    // Writes the reason into the recording. Returns false if that fails, such as on a full disk.
     private boolean hasReason(Throwable problem) {
         if (mFolder == null) {
             return false;
@@ -158,7 +158,7 @@ public final class Recording {
         return values;
     }
 
-    // The platform's own reader may reject a vendor's tag.
+    // The platform's reader may reject a vendor's tag. Then the exception is recorded as the value.
     private static Object valueOf(CaptureResult result, CaptureResult.Key<?> key) {
         try {
             return result.get(key);
@@ -167,7 +167,7 @@ public final class Recording {
         }
     }
 
-    // Pixels that are all 0, like fresh memory, get no file.
+    // Unless `always` is set, pixels that are all 0, like fresh memory, get no file.
     private List<Object> images(String name, String prefix, Object images, boolean always)
             throws IOException, ErrnoException {
         List<?> all = (List<?>) images;
@@ -231,7 +231,7 @@ public final class Recording {
         return true;
     }
 
-    /** Runs the request and records its result; for a full-async request, only that it was accepted. */
+    /** Runs the request and records its result; for a full-async request, only the status of this call. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         int status = timed("processed", null,
@@ -245,7 +245,7 @@ public final class Recording {
     /** Fetches a full-async request's results and records them. */
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
-        // A value in the first composition names the native request.
+        // The service has put the native request's address into the first composition.
         Map<String, Object> given = new LinkedHashMap<>();
         guard(() -> {
             Map<String, Object> first =
@@ -313,7 +313,7 @@ public final class Recording {
         return changed;
     }
 
-    /** Finishes the recording with the events of the request. A full-async request may lack results. */
+    /** Adds the request's events and finishes the recording. A full-async request may have no results yet. */
     public void close() {
         mOwner.forget(this);
         guard(() -> {

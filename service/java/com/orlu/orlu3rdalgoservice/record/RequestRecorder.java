@@ -15,13 +15,13 @@ import java.util.function.Supplier;
 import java.util.logging.Logger;
 
 /**
- * Records each request of the service in its own folder. Failures affect the recording, never the request:
- * they are logged. Thread-safe.
+ * Records each request of the service in its own folder. A failure is logged; it affects the recording, never
+ * the request. Thread-safe.
  */
 public final class RequestRecorder {
     /** The Java system property that enables recording and names the folder of the recordings. */
     public static final String FOLDER_PROPERTY = "orlu.record";
-    /** The property with the number of recordings kept. The oldest are removed. */
+    /** The property with the number of recordings to keep. Older ones are removed. */
     public static final String COUNT_PROPERTY = "orlu.record.count";
     /** The property with the size limit of a recording in bytes. Pixels that don't fit are left out. */
     public static final String BYTES_PROPERTY = "orlu.record.bytes";
@@ -29,10 +29,10 @@ public final class RequestRecorder {
     private static final int USUAL_COUNT = 16;
     private static final long USUAL_BYTES = 1L << 30;
 
-    /** Which pixels are recorded: none, those of Java's images, or also those that the probe kept. */
+    /** Which pixels are recorded: none, those of Java's images, or also those that the probe stored. */
     public enum Pixels { NONE, OF_JAVA, ALL }
 
-    /** The most recordings that may wait for full-async results. Beyond this, the oldest is closed. */
+    /** Limit of recordings that wait for full-async results. Above the limit, the oldest is closed. */
     private static final int MOST_OPEN = 16;
 
     private final File mFolder;
@@ -53,7 +53,7 @@ public final class RequestRecorder {
         mBytes = bytes;
     }
 
-    /** Returns the recorder that the properties ask for; null if they ask for none. */
+    /** Returns a recorder with the settings in the properties; null if they name no folder. */
     public static RequestRecorder ofProperties() {
         String folder = Setting.get(FOLDER_PROPERTY);
         if (folder.isEmpty()) {
@@ -73,12 +73,12 @@ public final class RequestRecorder {
         mAbout = about;
     }
 
-    /** Sets the pixels of further recordings. */
+    /** Sets which pixels further recordings include. */
     public void setPixels(Pixels pixels) {
         mPixels = pixels;
     }
 
-    /** Notes the values that a client was created from. Call this after createNativeClient. */
+    /** Stores the values that a client was created from. Call this after createNativeClient. */
     public synchronized void addClient(long inst, CaptureResultComposition param) {
         mClients.put(inst, param);
     }
@@ -105,7 +105,7 @@ public final class RequestRecorder {
         return recording.processImageUpdateResult(service, inst, request, inputs, outputs, compositions);
     }
 
-    /** Records everything known before the request runs. Never throws: the recording notes failures. */
+    /** Records everything known before the request runs. Never throws: failures are logged and recorded. */
     public synchronized Recording begin(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = new Recording(this, inst, request);
@@ -153,7 +153,7 @@ public final class RequestRecorder {
         return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
     }
 
-    // Only folders with names in this form are ever removed.
+    // Returns the recordings, sorted by name. Other folders are never removed.
     private File[] recordings() {
         File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,}-request-.*"));
         if (folders == null) {

@@ -37,7 +37,7 @@ final class Setting {
         }
     }
 
-    /** Reads a property through a hidden class of the platform, which a service may not be able to use. */
+    /** Reads a property through a hidden class of the platform; "" if the service may not use that class. */
     private static String ofPlatform(String property) {
         try {
             Class<?> properties = Class.forName("android.os.SystemProperties");
