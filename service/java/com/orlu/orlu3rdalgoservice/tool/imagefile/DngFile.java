@@ -7,8 +7,8 @@ import java.nio.file.Path;
 
 /**
  * The sensor samples of a DNG file: its image with a colour filter array, in strips or tiles, uncompressed or
- * in lossless JPEG. LibRaw decodes them, in a native library that is loaded with this class. Throws an
- * IOException with the reason if a file can't be read.
+ * in lossless JPEG. Loads a native library, in which LibRaw decodes the samples. Methods throw an IOException
+ * with the reason if a file can't be read.
  */
 public final class DngFile {
     static {
@@ -27,13 +27,13 @@ public final class DngFile {
         mBits = bits;
     }
 
-    /** Receives a row of samples, which is valid during the call. */
+    /** Receives a row of samples. The array is valid only during the call. */
     @FunctionalInterface
     private interface RowSink {
         void put(int y, short[] row);
     }
 
-    // Width, height and bits.
+    // Returns width, height and bit depth.
     private static native int[] nDescribe(byte[] path) throws IOException;
 
     private static native void nReadRows(byte[] path, RowSink to) throws IOException;
@@ -61,7 +61,7 @@ public final class DngFile {
         return mBits;
     }
 
-    /** Passes on all samples of the whole sensor in row order. */
+    /** Passes all samples of the whole sensor to `to`, in row order. */
     public void readSamples(SampleSink to) throws IOException {
         nReadRows(mPath, (y, row) -> {
             for (int x = 0; x < row.length; ++x) {

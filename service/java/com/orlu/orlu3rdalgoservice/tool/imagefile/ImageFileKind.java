@@ -4,19 +4,19 @@ import java.nio.file.Path;
 import java.util.Locale;
 
 /**
- * How the pixels of a file are found. Only the extension decides: raw bytes may look like an image header.
+ * The kind of an image file. Only the file's extension decides: raw bytes may look like an image header.
  */
 public enum ImageFileKind {
     /** Pixels as in memory, without a header. */
     BYTES,
     /** Sensor samples in a TIFF structure. */
     DNG,
-    /** A picture that the platform decodes. */
+    /** Pictures that the Java platform decodes: JPEG, PNG and TIFF. */
     JPEG,
     PNG,
     TIFF;
 
-    /** Returns the kind of a file; BYTES for any other extension. */
+    /** Returns the kind of a file; BYTES for an unknown extension. */
     public static ImageFileKind of(Path file) {
         String name = String.valueOf(file.getFileName()).toLowerCase(Locale.ROOT);
         return switch (name.substring(name.lastIndexOf('.') + 1)) {

@@ -18,7 +18,7 @@ import javax.imageio.plugins.tiff.TIFFDirectory;
 import javax.imageio.plugins.tiff.TIFFField;
 import javax.imageio.stream.ImageInputStream;
 
-/** A PNG, TIFF or JPEG file. Throws an IOException with the reason if a file can't be read. */
+/** A PNG, TIFF or JPEG file. Methods throw an IOException with the reason if a file can't be read. */
 public final class PictureFile {
     private static final int MOST_PIXELS = 1 << 27;
     private static final long MOST_BYTES = 1 << 29;
@@ -37,7 +37,7 @@ public final class PictureFile {
         T of(ImageReader reader) throws IOException;
     }
 
-    /** Reads only the header, and rejects a picture that would take too much memory. */
+    /** Reads only the header. Throws an IOException if the picture would take too much memory. */
     public static PictureFile open(Path path) throws IOException {
         return with(path, reader -> {
             PictureFile file = new PictureFile(path, reader.getWidth(0), reader.getHeight(0));
@@ -66,7 +66,7 @@ public final class PictureFile {
         }
     }
 
-    // For other sizes the decoder allocates a table of all sample values.
+    // For other sizes, the decoder allocates a table with an entry for each possible sample value.
     private static void checkSampleBits(TIFFDirectory directory) throws IOException {
         TIFFField sizes = directory.getTIFFField(BaselineTIFFTagSet.TAG_BITS_PER_SAMPLE);
         for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {
@@ -90,7 +90,7 @@ public final class PictureFile {
         return with(mPath, reader -> reader.read(0));
     }
 
-    /** Passes on the samples of a picture with one sample per pixel; throws an IOException for any other. */
+    /** Passes all samples to `to`. Throws an IOException unless the picture has one sample per pixel. */
     public void readSamples(SampleSink to) throws IOException {
         Raster raster = decode().getRaster();
         if (raster.getNumBands() != 1) {

@@ -3,6 +3,6 @@ package com.orlu.orlu3rdalgoservice.tool.imagefile;
 /** Receives each sample of a raw image once, in the file's order. */
 @FunctionalInterface
 public interface SampleSink {
-    /** The sample of a pixel, 0 to 65535. */
+    /** Receives the sample of a pixel, 0 to 65535. */
     void put(int x, int y, int sample);
 }

@@ -17,8 +17,8 @@ import java.util.TreeSet;
  * A value of a JSON text. The tree is immutable, and each value knows its file, line, column and path.
  *
  * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected text,
- * found 5") if the value has another type. An accessor with a fallback returns it if the member is absent or
- * has another type, and notes the latter in mistakes(). Nothing else is thrown.
+ * found 5") if the value has another type. An accessor with a fallback returns the fallback if the member is
+ * absent or has another type, and notes a wrong type in mistakes(). Accessors throw no other exceptions.
  */
 public final class Json implements JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;
@@ -50,7 +50,7 @@ public final class Json implements JsonWriter.Source {
         mContent = content;
     }
 
-    /** Reads a file. Comments as in Java are allowed. Throws the first mistake. */
+    /** Reads a file, which may have comments as in Java. Throws the first mistake. */
     public static Json read(Path file) throws MistakeException {
         Mistakes mistakes = new Mistakes(file.toString());
         Json root = read(file, mistakes);
@@ -58,12 +58,14 @@ public final class Json implements JsonWriter.Source {
         return root;
     }
 
-    /** Reads a file and notes all mistakes up to the first syntax error; null if there is no tree. */
+    /**
+     * Reads a file and notes all mistakes up to the first syntax error. Returns null after a syntax error.
+     */
     public static Json read(Path file, Mistakes mistakes) {
         return JsonReader.read(file, mistakes);
     }
 
-    /** Reads a text that begins at this line of the file, such as one line of it. */
+    /** Reads a text that begins at this line of the file. Throws the first mistake. */
     public static Json parse(String file, int line, String text) throws MistakeException {
         Mistakes mistakes = new Mistakes(file);
         Json root = JsonReader.parse(text, line, mistakes);
@@ -127,7 +129,9 @@ public final class Json implements JsonWriter.Source {
         return error("expected " + what + ", found " + found());
     }
 
-    /** Returns an exception for a text that is not one of the names; it suggests the nearest name. */
+    /**
+     * Returns an exception for a text that is not one of the names; its message suggests the nearest name.
+     */
     public MistakeException needsName(String what, Collection<String> names) {
         String hint = isString() ? NearestWord.question((String) mContent, names) : "";
         return error("expected " + what + ", found " + found() + hint);
@@ -148,13 +152,13 @@ public final class Json implements JsonWriter.Source {
         memberOrThis(member).warn(problem);
     }
 
-    // An absent member has the position of the object.
+    // For an absent member, returns a placeholder at the position of this object.
     private Json memberOrThis(String name) {
         Json member = get(name);
         return member != null ? member : new Json(mMistakes, this, name, 0, mSpot, mSpot, null);
     }
 
-    /** A text without quotes; any other value as JSON. */
+    /** The text of a string, without quotes; any other value as JSON. */
     public String text() {
         return isString() ? (String) mContent : JsonWriter.line(this);
     }
@@ -207,7 +211,7 @@ public final class Json implements JsonWriter.Source {
         return mContent == null;
     }
 
-    /** Whether this is a number without a fraction and an exponent. */
+    /** Whether this is a number written without fraction and exponent. */
     public boolean isWholeNumber() {
         return mContent instanceof BigDecimal number && number.scale() == 0;
     }
@@ -267,7 +271,7 @@ public final class Json implements JsonWriter.Source {
                 return whole;
             }
         } catch (ArithmeticException e) {
-            // A fraction, or too large for a long: the message below names both.
+            // A fraction, or too large for a long: the message below covers both.
         }
         throw needs("a whole number from " + least + " to " + most);
     }
@@ -310,7 +314,7 @@ public final class Json implements JsonWriter.Source {
 
     // Members.
 
-    /** The members of an object with any names, in the file's order. */
+    /** The members of an object, in the file's order. */
     public Map<String, Json> members() throws MistakeException {
         if (!isObject()) {
             throw needs("an object");

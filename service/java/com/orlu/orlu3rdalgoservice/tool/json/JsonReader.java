@@ -32,7 +32,7 @@ import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 
-/** Builds the tree of a JSON text. Limits bound the memory, stack and time that a foreign text can use. */
+/** Builds the tree of a JSON text. Limits bound the memory, stack and time that an untrusted text can use. */
 final class JsonReader {
     static final int MOST_BYTES = 8 << 20;
     static final int MOST_VALUES = 500_000;
@@ -41,7 +41,7 @@ final class JsonReader {
     private static final int LONGEST_NUMBER = 400;
     private static final int LARGEST_EXPONENT = 400;
 
-    // Interning names would use a table that fails if their hashes collide.
+    // Names are not interned: the parser's table of names fails if many hashes collide.
     private static final JsonFactory FACTORY = new JsonFactoryBuilder()
             .enable(JsonReadFeature.ALLOW_JAVA_COMMENTS)
             .disable(StreamReadFeature.INCLUDE_SOURCE_IN_LOCATION)
@@ -80,7 +80,7 @@ final class JsonReader {
         return null;
     }
 
-    // Removes the byte order mark that some editors write; null if the bytes are not UTF-8.
+    // Removes the byte order mark that some editors write. Returns null if the bytes are not UTF-8.
     private static String decoded(byte[] bytes, Mistakes mistakes) {
         CharBuffer text = CharBuffer.allocate(bytes.length);
         CoderResult result = StandardCharsets.UTF_8.newDecoder().decode(ByteBuffer.wrap(bytes), text, true);
@@ -121,7 +121,8 @@ final class JsonReader {
         } catch (JsonEOFException e) {
             throw mistake(spot(e.getLocation()), "not JSON: the file ends too early" + unclosed());
         } catch (JsonProcessingException e) {
-            // Jackson has consumed the character. Some messages name a setting that would allow it.
+            // Jackson's location is after the wrong character. Its messages may end with ": enable" and the
+            // setting that allows this character.
             Json.Spot next = e.getLocation() == null ? tokenStart() : spot(e.getLocation());
             String message = e.getOriginalMessage().replaceFirst(": enable .*", "");
             throw mistake(new Json.Spot(next.line(), Math.max(1, next.column() - 1)), "not JSON: "
@@ -207,7 +208,7 @@ final class JsonReader {
         };
     }
 
-    // Keeps the precision of the text: "1.0" keeps its fraction, and a long loses no digits.
+    // Preserves the precision of the text: "1.0" keeps its fraction, and a long loses no digits.
     private BigDecimal number(Json.Spot spot, String text) {
         if (text.length() <= LONGEST_NUMBER) {
             try {

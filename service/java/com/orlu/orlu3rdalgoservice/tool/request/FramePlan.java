@@ -11,8 +11,8 @@ import java.util.Map;
  * @param composition   the service's own values
  * @param noise         standard deviation of the noise, on a scale of 255
  * @param blur          standard deviation of the blur, in pixels
- * @param gain          factor of the brightness
- * @param shift         {x, y} in pixels; null for a random one
+ * @param gain          factor for the brightness
+ * @param shift         {x, y} in pixels; null for a random shift
  */
 public record FramePlan(CameraMetadataNative captureResult, Map<String, Object> composition, double noise,
         double blur, double gain, int[] shift) {

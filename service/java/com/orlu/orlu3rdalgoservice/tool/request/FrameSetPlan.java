@@ -5,10 +5,10 @@ import java.util.List;
 /**
  * The frames of a request and their common values.
  *
- * @param maxShift the largest random shift, in pixels to each side
- * @param seed     of noise and shifts; equal seeds make equal frames
- * @param width    of the frames; 0 for the photo's width less the margins for shifts
- * @param height   of the frames; 0 for the photo's height less the margins
+ * @param maxShift largest random shift, in pixels to each side
+ * @param seed     seed of noise and shifts; equal seeds make equal frames
+ * @param width    width of the frames, in pixels; 0 for the photo's width less the margins for shifts
+ * @param height   height of the frames, in pixels; 0 for the photo's height less the margins
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
     /** Whether noise is added to any frame. */
@@ -16,7 +16,7 @@ public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int 
         return frames.stream().anyMatch(frame -> frame.noise() > 0);
     }
 
-    /** Pixels around a frame that shifts may reach; even, so that a mosaic keeps its phase. */
+    /** Width of the margin around a frame for shifts, in pixels; even, so that a mosaic keeps its phase. */
     public int margin() {
         int reach = maxShift;
         for (FramePlan frame : frames) {

@@ -26,7 +26,9 @@ final class FrameSetReader {
 
     private final Json mField;
     private final Mistakes mMistakes;
-    /** Invalid values. Common values are read for each frame, but reported once. */
+    /**
+     * Fields with invalid values. Common fields are read for each frame, but their mistakes are noted once.
+     */
     private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
     private FrameSetReader(Json field) {
@@ -82,7 +84,7 @@ final class FrameSetReader {
                 mMistakes.attempt(() -> shift(own), null));
     }
 
-    // One number for all frames, or a list with one for each.
+    // Reads one number for all frames, or a list with a number for each frame.
     private double ofFrame(Json set, String name, int index, double most, double fallback) {
         if (!set.has(name) || !set.get(name).isList()) {
             return set.number(name, 0, most, fallback);
@@ -114,7 +116,7 @@ final class FrameSetReader {
         return members.has(name) ? mMistakes.attempt(members.get(name)::members, Map.of()) : Map.of();
     }
 
-    // A mistake in a tag's value is annotated with the tag's type.
+    // Reads a tag's value. Adds the tag's type and unit to a mistake in the value.
     private void read(String tag, Json field, Mistakes.Check reading) {
         if (mWrong.contains(field)) {
             return;

@@ -8,16 +8,16 @@ import java.util.List;
 /**
  * The file of an input's pixels.
  *
- * @param kind   BYTES if the bytes are used unchanged
- * @param planes the place of each plane's bytes; empty for other kinds
+ * @param kind   BYTES if the file's bytes are used unchanged
+ * @param planes the planes of a file of kind BYTES; empty for other kinds
  */
 public record ImageFile(Path path, ImageFileKind kind, List<Plane> planes) {
     /**
-     * One plane of pixels, in bytes.
+     * One plane of pixels. All numbers are in bytes.
      *
-     * @param offset of its start in the file
-     * @param stride of a row, in the file and in memory
-     * @param size   in the file and in memory
+     * @param offset offset of the plane in the file
+     * @param stride row stride, in the file and in memory
+     * @param size   size of the plane, in the file and in memory
      */
     public record Plane(long offset, int stride, int size) {
     }

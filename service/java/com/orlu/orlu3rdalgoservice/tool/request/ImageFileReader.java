@@ -15,7 +15,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Reads the members of an input that describe its file, and compares them with the file. */
+/** Reads the members of an input that describe the input's file, and compares them with the file. */
 final class ImageFileReader {
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
@@ -29,7 +29,7 @@ final class ImageFileReader {
     private int mHeight;
     private int mBits = ImagePlanReader.USUAL_BITS;
 
-    /** The field is the file's name; the members are those of the image. */
+    /** Reads the file's header. `field` is the file's name, `members` the description of the input. */
     ImageFileReader(Path requestFile, Json field, Json members, PixelFormat format)
             throws MistakeException {
         mMembers = members;
@@ -37,12 +37,15 @@ final class ImageFileReader {
         mFormat = format;
         mPath = existing(requestFile, field);
         ImageFileKind kind = ImageFileKind.of(mPath);
-        // An image in JPEG format takes the bytes of its file unchanged.
+        // An input in JPEG format uses the bytes of a JPEG file unchanged.
         mKind = kind == ImageFileKind.JPEG && format == PixelFormat.JPEG ? ImageFileKind.BYTES : kind;
         readSize(kind);
     }
 
-    /** Returns the file that a field names, relative to the request file; throws if it is missing. */
+    /**
+     * Returns the file that a field names, relative to the request file. Throws if it is missing or
+     * unreadable.
+     */
     static Path existing(Path requestFile, Json field) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
@@ -62,7 +65,7 @@ final class ImageFileReader {
         throw field.error("no such file: " + Json.cut(field.string()));
     }
 
-    // A foreign request could expose the user's files. An absolute path is conspicuous enough.
+    // Someone else's request could expose the user's files. An absolute path is conspicuous enough.
     private static void warnOutside(Json field) throws MistakeException {
         Path name = Path.of(field.string()).normalize();
         if (!name.isAbsolute() && name.startsWith("..")) {
@@ -78,7 +81,7 @@ final class ImageFileReader {
         return mHeight;
     }
 
-    /** Bits of a raw sample, unless the description gives them. */
+    /** The default for the bits of a raw sample. */
     int bits() {
         return mBits;
     }
@@ -108,7 +111,7 @@ final class ImageFileReader {
         mHeight = agreeing("height", height);
     }
 
-    // The header decides. A different size in the request file is a mistake.
+    // Returns the size in the header. A different size in the request file is a mistake.
     private int agreeing(String member, int inFile) throws MistakeException {
         if (inFile > Limits.FILE_SIDE) {
             throw mField.error(
@@ -143,7 +146,7 @@ final class ImageFileReader {
         }
     }
 
-    /** Returns the file with its planes. `stride` is the default bytes per row. */
+    /** Returns the file with its planes. `stride` is the first plane's default stride, in bytes. */
     ImageFile file(int stride) throws MistakeException {
         if (mKind != ImageFileKind.BYTES) {
             return new ImageFile(mPath, mKind, List.of());
@@ -182,7 +185,7 @@ final class ImageFileReader {
                 mPath, mKind, List.of(new ImageFile.Plane(offset, stride, (int) (size - offset))));
     }
 
-    // The last row of a plane may lack its padding.
+    // The last row of a plane needs no padding.
     private ImageFile.Plane plane(Json members, int index, long offset, int usualStride) {
         int rows = rows(index);
         int row = mFormat.rowBytes(index, mWidth);
@@ -192,7 +195,7 @@ final class ImageFileReader {
         return new ImageFile.Plane(members.integer("offset", 0L, LARGEST_OFFSET, offset), stride, size);
     }
 
-    // Both chroma planes of a planar format count as one.
+    // Both chroma planes of a planar format count as one plane with rows of half the width.
     private int rows(int index) {
         return index == 0 || mFormat.isPlanar() ? mHeight : mHeight / 2;
     }

@@ -12,17 +12,17 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * An image exactly as a recorder found it, even if its description makes no sense.
+ * An image exactly as a recorder found it, even if its description is inconsistent.
  *
- * @param format     the native side's name
+ * @param format     the native side's name of the format
  * @param rowStrides bytes per row of each plane; null if the image had none
  * @param planeSizes bytes of each plane; null if the image had none
  * @param memory     "shared", "hardware" or "none"
  * @param buffer     width, height and format of a hardware buffer, else empty
- * @param size       bytes of its memory
- * @param file       its bytes; null if they were not kept, or all 0
- * @param kept       why they were not kept, else empty
- * @param frame      the frame of an input, -1 if unknown
+ * @param size       size of its memory, in bytes
+ * @param file       the file with its bytes; null if they were not recorded, or all 0
+ * @param kept       the reason if the bytes were not recorded, else empty
+ * @param frame      index of an input's frame, -1 if unknown
  */
 public record ImageLayout(String format, int width, int height, int[] rowStrides, int[] planeSizes,
         String memory, int[] buffer, int size, RecordedFile file, String kept, int frame) {
@@ -39,7 +39,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 "", -1);
     }
 
-    /** What the native side may change, by names for people. */
+    /** The fields that the native side may change, as texts, by names for people. */
     public Map<String, String> fields() {
         Map<String, String> fields = new LinkedHashMap<>();
         fields.put("format", format);
@@ -70,7 +70,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 whole(image, "frame", 0, Integer.MAX_VALUE, -1));
     }
 
-    // Unlike in a request file, a mistake here stops reading.
+    // Throws a mistake. A request file's reader would note it and continue.
     private static int whole(Json image, String name, int least, int most, int absent)
             throws MistakeException {
         return image.has(name) ? image.get(name).integer(least, most) : absent;
@@ -91,7 +91,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return numbers;
     }
 
-    /** The description as a recording has it. */
+    /** The description in the form of a recording. */
     public Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("format", format, "width", width, "height", height,
                 "rowStrides", rowStrides, "planeSizes", planeSizes, "memory", memory, "size", size);
@@ -111,7 +111,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return json;
     }
 
-    /** The same image with other bytes; null and the reason if there are none. */
+    /** Returns the image with another file; null for no file, for this reason. */
     public ImageLayout withFile(RecordedFile other, String reason) {
         return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
                 other == null ? size : other.size(), other, reason, frame);
@@ -122,7 +122,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return format + " " + width + "x" + height + ", " + memory;
     }
 
-    /** The bytes; null if none were kept. */
+    /** The bytes; null if they were not recorded. Throws if the file is missing or damaged. */
     public byte[] bytes() throws MistakeException {
         return file == null ? null : file.bytes();
     }

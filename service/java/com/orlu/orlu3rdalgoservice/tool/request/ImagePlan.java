@@ -10,26 +10,26 @@ import java.util.List;
  * One image as a request file describes it.
  *
  * @param name     the format's name for the native side
- * @param hardware whether it is in a hardware buffer instead of shared memory
+ * @param hardware whether its memory is a hardware buffer instead of shared memory
  * @param width    in pixels; 0 for the frames' width
  * @param height   in pixels; 0 for the frames' height
  * @param stride   bytes per row; 0 for rows without padding
- * @param capacity the least bytes of its memory; 0 for what the pixels need
- * @param bits     of a raw sample
- * @param frame    the frame of an input
+ * @param capacity minimum size of its memory, in bytes; 0 for the size of the pixels
+ * @param bits     bits of a raw sample
+ * @param frame    index of an input's frame
  * @param file     the source of an input's pixels; null for the request's photo
  * @param place    the description in the request file, for errors
  * @param layout   a recorder's description, which overrides all else; null for other images
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Json place, ImageLayout layout) {
-    /** An image that no recorder described. */
+    /** Creates an image without a recorder's description. */
     public ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
             int capacity, int bits, int frame, ImageFile file, Json place) {
         this(format, name, hardware, width, height, stride, capacity, bits, frame, file, place, null);
     }
 
-    /** An image as a recorder found it. In an unknown format, the bytes have no rows. */
+    /** Returns the plan for a recorded image. An unknown format is treated as JPEG: bytes without rows. */
     static ImagePlan exact(ImageLayout layout, Json place) {
         PixelFormat known = PixelFormat.named(layout.format());
         PixelFormat format = known == null ? PixelFormat.JPEG : known;
@@ -77,7 +77,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 : planes.stream().mapToInt(ImageFile.Plane::stride).toArray();
     }
 
-    /** Bytes of each plane; a JPEG without a file may fill the capacity. */
+    /** Bytes of each plane; `jpegCapacity` for a JPEG without a file. */
     public int[] planeSizes(int jpegCapacity) {
         List<ImageFile.Plane> planes = filePlanes();
         return planes.isEmpty() ? format.planeSizes(strideBytes(), height, jpegCapacity)

@@ -23,14 +23,16 @@ final class ImagePlanReader {
     private final int mFrames;
     private boolean mNeedsPhoto;
 
-    /** Looks for files of images beside the request file. The number of frames is -1 if it is unknown. */
+    /**
+     * Names of image files are relative to `requestFile`. `frames` is the number of frames, -1 if unknown.
+     */
     ImagePlanReader(Path requestFile, Mistakes mistakes, int frames) {
         mRequestFile = requestFile;
         mMistakes = mistakes;
         mFrames = frames;
     }
 
-    /** Reads a list of images, or one description for an image of each frame. */
+    /** Reads a list of images, or one description for the images of all frames. */
     List<ImagePlan> inputs(Json field) throws MistakeException {
         List<ImagePlan> images = new ArrayList<>();
         if (field.isList()) {
@@ -43,7 +45,7 @@ final class ImagePlanReader {
         }
         Json members = members(field, "perFrame");
         int perFrame = members.integer("perFrame", 1, Limits.IMAGES, 1);
-        // If the number of frames is unknown, it counts as one.
+        // An unknown number of frames, -1, counts as one frame.
         int count = Math.abs(mFrames) * perFrame;
         Json file = members.get("file");
         List<Json> none = Collections.nCopies(count, null);
@@ -55,7 +57,7 @@ final class ImagePlanReader {
         return images;
     }
 
-    /** Whether any of the inputs read has no file of its own. */
+    /** Whether an input without a file was read. */
     boolean needsPhoto() {
         return mNeedsPhoto;
     }
@@ -74,7 +76,7 @@ final class ImagePlanReader {
         Json members = field.allowing("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
-            // With one of these, the file is missing, not the photo.
+            // If one of these is present, the description lacks a file, not a photo.
             List<String> ofFiles = List.of("width", "height", "offset", "planes");
             mNeedsPhoto |= mFrames != 0 && ofFiles.stream().noneMatch(members::has);
             for (String member : ofFiles) {
@@ -99,7 +101,7 @@ final class ImagePlanReader {
     // `file` is null for an image without one.
     private ImagePlan image(Json field, Json members, Json file, int frame) throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
-        // Continues after a mistake, to find the others.
+        // Continues after a mistake, to note further mistakes.
         boolean isHardware = hardware(members);
         int before = mMistakes.errors();
         ImageFileReader source = file == null || format == null ? null
@@ -132,7 +134,7 @@ final class ImagePlanReader {
         return members.integer("bits", 8, most, source == null ? USUAL_BITS : Math.min(source.bits(), most));
     }
 
-    /** An even number of pixels; 0 if the member is absent. */
+    /** Reads an even number of pixels; 0 if the member is absent. */
     static int side(Json members, String name) {
         int side = members.integer(name, 0, Limits.SIDE, 0);
         if (side % 2 != 0) {

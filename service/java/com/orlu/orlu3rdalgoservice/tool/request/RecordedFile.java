@@ -15,19 +15,19 @@ import java.util.regex.Pattern;
 import java.util.zip.CRC32;
 
 /**
- * A file of a recording. The recording may come from a stranger: its file is a plain name in its folder, a
- * regular file that is opened without following links, and has exactly the size that the recording states.
+ * A file of a recording, which is untrusted. The file has a plain name in the recording's folder, is a
+ * regular file, is opened without following links, and must have exactly the size that the recording states.
  *
  * @param size  in bytes
- * @param crc   the CRC-32 of its bytes in hexadecimal; empty if unknown
- * @param field the member that names it, for errors
+ * @param crc   CRC-32 of its bytes in hexadecimal; empty if unknown
+ * @param field the member that names the file, for errors
  */
 public record RecordedFile(Path path, int size, String crc, Json field) {
     /** The largest file that is read. */
     public static final int MOST_BYTES = 1 << 30;
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_][A-Za-z0-9_.-]{0,99}");
 
-    /** The file of this folder that a field names. It is not opened yet. */
+    /** Returns the file in this folder that a field names. Does not open the file. */
     public static RecordedFile named(Path folder, Json field, int size, String crc) throws MistakeException {
         if (!PLAIN_NAME.matcher(field.string()).matches()) {
             throw field.needs("the name of a file in the recording's folder");
@@ -35,7 +35,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return new RecordedFile(folder.resolve(field.string()), size, crc, field);
     }
 
-    /** Writes a file. */
+    /** Writes a file and returns it, with its checksum. */
     public static RecordedFile write(Path file, byte[] bytes) throws IOException {
         Files.write(file, bytes);
         return new RecordedFile(file, bytes.length, crc(bytes), null);
@@ -52,7 +52,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS);
     }
 
-    /** Throws unless it is a regular file of that size. */
+    /** Throws unless this is a regular file of the stated size. */
     public void check() throws MistakeException {
         try {
             BasicFileAttributes found = Files.readAttributes(

@@ -14,18 +14,18 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Reads a request file that a recorder wrote: values are typed, image descriptions are exact. A value that
- * can't be recreated is left out, with a warning.
+ * Reads a request file that a recorder wrote: values have types, image descriptions are exact. Omits a value
+ * that can't be recreated, with a warning.
  */
 final class RecordedRequestReader {
-    /** A member that only recorders write. */
+    /** The member that marks a recorder's file. */
     static final String MARK = "recording";
     private static final String FORMAT = "orlu-recording";
     private static final int VERSION = 2;
     private static final int CAMERA_IMAGE_FORMAT = 35;
     private static final int MOST_FRAMES = 1000;
     private static final int MOST_IMAGES = 4000;
-    /** Bytes of all images together; all are in memory when the request runs. */
+    /** Limit of all images' bytes together: all images are in memory while the request runs. */
     private static final long MOST_IMAGE_BYTES = 1L << 31;
 
     private final Path mFile;

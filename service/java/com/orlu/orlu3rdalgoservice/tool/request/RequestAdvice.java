@@ -19,7 +19,7 @@ final class RequestAdvice {
     private static final String TIME = "android.sensor.timestamp";
     private static final long HDR_FRAME_BIT = 2;
     private static final long NIGHT_FRAME_BIT = 8;
-    /** The properties that this library reads; an algorithm library may read others. */
+    /** The properties that the native library reads; an algorithm library may read others. */
     private static final List<String> PROPERTIES = List.of("persist.sys.camera3rd.autotest");
 
     private final RequestFile mRequest;
@@ -32,7 +32,7 @@ final class RequestAdvice {
         mRoot = root;
     }
 
-    /** Notes warnings about a request that was read from this value. */
+    /** Notes warnings about a request that was read from `root`. */
     static void give(RequestFile request, Json root) {
         RequestAdvice advice = new RequestAdvice(request, root);
         advice.onAlgorithms();
@@ -48,7 +48,7 @@ final class RequestAdvice {
         }
     }
 
-    // The field that gives a frame its tag: the frame's own or the common one.
+    // The field with a frame's tag: the frame's own field, else the common one, else "frames".
     private Json field(int frame, String part, String tag) {
         Json frames = mRoot.get("frames");
         List<Json> each = (frames.isList() ? frames : frames.at("each")).elements();
@@ -97,7 +97,7 @@ final class RequestAdvice {
         }
     }
 
-    // A composition's value is read by its class, a capture result's by its tag.
+    // The library ignores a composition's value if its class is not that of the tag's type.
     private void onCompositions() {
         for (int i = 0; i < mFrames.size(); ++i) {
             for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {
@@ -116,7 +116,7 @@ final class RequestAdvice {
     }
 
     private void onModes() {
-        // Only every second frame counts if two cameras' frames may be interleaved.
+        // With dualBokeh, frames of two cameras may alternate; then only every second mode counts.
         if (asksFor("dualBokeh") || mFrames.isEmpty()) {
             return;
         }
@@ -141,7 +141,7 @@ final class RequestAdvice {
         }
     }
 
-    // The first three frames count as night frames, whatever their other bit.
+    // Whether the first three frames have the night bit and the others the HDR bit. Other bits don't matter.
     private boolean hasNineLayout() {
         for (int i = 0; i < mFrames.size(); ++i) {
             if ((modeOf(mFrames.get(i)) & (i < 3 ? NIGHT_FRAME_BIT : HDR_FRAME_BIT)) == 0) {
@@ -151,7 +151,7 @@ final class RequestAdvice {
         return true;
     }
 
-    // Like the library, asks the composition first.
+    // Like the library, prefers the composition's value.
     private static long modeOf(FramePlan frame) {
         Object value = frame.composition().get(MODE);
         return value instanceof Number number ? number.longValue() : number(frame.captureResult(), MODE);

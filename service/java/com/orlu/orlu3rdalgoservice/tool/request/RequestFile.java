@@ -10,13 +10,13 @@ import java.util.Map;
  * A request file, read and checked.
  *
  * @param about       one line for people
- * @param imageFormat the format to release the client with
+ * @param imageFormat the image format passed when the client is released, as the platform's number
  * @param properties  system properties to set before the request
  * @param fullAsync   whether processing returns before the algorithms are done
- * @param photo       the source of the frames; null if no input needs one
- * @param frames      the capture results and how their pixels are made
- * @param inputs      without a size if they have that of the frames
- * @param outputs     without a size if they have that of the frames
+ * @param photo       the photo that the frames are made from; null if no input needs a photo
+ * @param frames      the frames' metadata, and how the frames are made from the photo
+ * @param inputs      the input images; those of size 0 get the frames' size
+ * @param outputs     the output images; those of size 0 get the frames' size
  * @param place       the whole file, for errors
  */
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
@@ -33,7 +33,7 @@ public record RequestFile(Path file, String about, long id, String type, long cl
         return inputs.stream().anyMatch(ImagePlan::isOfPhoto);
     }
 
-    /** Whether a frame has an input made from the photo, so that a clean picture exists. */
+    /** Whether a frame has an input made from the photo, and so a clean picture. */
     public boolean isOfPhoto(int frame) {
         return inputs.stream().anyMatch(image -> image.isOfPhoto() && image.frame() == frame);
     }

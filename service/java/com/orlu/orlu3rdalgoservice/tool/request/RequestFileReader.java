@@ -25,7 +25,7 @@ public final class RequestFileReader {
         mMistakes = mistakes;
     }
 
-    /** Reads a file; a photo other than null replaces the file's own. Throws the first mistake. */
+    /** Reads a file. `otherPhoto` replaces its photo unless null. Throws the first mistake. */
     public static RequestFile read(Path file, Path otherPhoto) throws MistakeException {
         Mistakes mistakes = new Mistakes(file.toString());
         RequestFile request = read(file, otherPhoto, mistakes);
@@ -33,13 +33,13 @@ public final class RequestFileReader {
         return request;
     }
 
-    /** Reads a file and notes all mistakes and warnings; null if there is any mistake. */
+    /** Reads a file and notes all mistakes and warnings. Returns null if there is a mistake. */
     public static RequestFile read(Path file, Path otherPhoto, Mistakes mistakes) {
         Json root = Json.read(file, mistakes);
         return root == null ? null : read(file, otherPhoto, root);
     }
 
-    /** Checks a text as if it were the content of a file, which need not exist. Throws the first mistake. */
+    /** Checks a text as the content of a file, which need not exist. Throws the first mistake. */
     public static void check(Path file, String text) throws MistakeException {
         Json root = Json.parse(file.toString(), 1, text);
         read(file, null, root);

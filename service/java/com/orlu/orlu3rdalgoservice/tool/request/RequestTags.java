@@ -13,12 +13,12 @@ public final class RequestTags {
     private RequestTags() {
     }
 
-    /** Why a request file can't hold this JSON text as the value of a tag; null if it can. */
+    /** Why this JSON text is invalid as a tag's value in a request file; null if it is valid. */
     public static String problemOf(String tag, String value) {
         try {
             Json field = Json.parse("", 0, value);
             Object read = TagValues.ofTag(tag, field, 0);
-            // A mistake in an element is more precise than the tag's own.
+            // A mistake in an element is more precise than the exception of set().
             field.mistakes().throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;
@@ -32,8 +32,8 @@ public final class RequestTags {
 
     /**
      * Sets tags in all frames of a request. Each is "NAME=VALUE", with the value as in a request file or as
-     * unquoted text. A tag goes to the composition if that has it, else to the capture result. Throws an
-     * IllegalArgumentException with a message for people.
+     * unquoted text. Replaces the composition's value if the composition has the tag; else sets the tag in
+     * the capture result. Throws an IllegalArgumentException with a message for people.
      */
     public static void set(RequestFile request, List<String> tags) {
         for (String tag : tags) {

@@ -11,7 +11,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.TagFacts;
 import java.util.List;
 import java.util.function.Function;
 
-/** Warns about values that no camera reports. Most of them have the wrong unit. */
+/** Warns about values that no camera reports. Most such values are in the wrong unit. */
 final class TagAdvice {
     private static final String ARRAY = "android.sensor.info.activeArraySize";
     private static final String CROP = "android.scaler.cropRegion";
@@ -33,7 +33,7 @@ final class TagAdvice {
     private record Range(String tag, double least, double most) {
     }
 
-    /** Notes the warnings about a frame's capture result; the function finds the field of a tag. */
+    /** Notes warnings about a frame's capture result. `fieldOf` returns the field of a tag. */
     static void give(CameraMetadataNative report, Function<String, Json> fieldOf) {
         for (Range range : RANGES) {
             if (report.get(range.tag()) instanceof Number number

@@ -13,16 +13,16 @@ import java.util.Map;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 
-/** Converts a field of "captureResult" or "composition" to the Java object that the device has for it. */
+/** Converts a field of "captureResult" or "composition" to the Java object that a device has for the tag. */
 final class TagValues {
-    /** The types by the names that values of recordings have. */
+    /** The types by their names in recordings and typed values. */
     private static final Map<String, TagType> TYPES = Arrays.stream(TagType.values())
             .collect(Collectors.toMap(type -> HeldValue.typeName(type.stored()), Function.identity()));
 
     private TagValues() {
     }
 
-    /** Returns the value of a capture result's tag; the table of tags decides the type. */
+    /** Returns the value of a capture result's tag, of the type in the table of tags. */
     static Object ofTag(String tag, Json field, int frame) throws MistakeException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
@@ -31,7 +31,7 @@ final class TagValues {
         return typed(type, field, new ValueReader(frame));
     }
 
-    /** Returns the value of a composition's key, of an explicit type, the tag's, or the one JSON suggests. */
+    /** Returns the value of a composition's key: of an explicit type, else the tag's, else JSON's type. */
     static Object ofKey(String key, Json field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);
@@ -64,7 +64,7 @@ final class TagValues {
         };
     }
 
-    // {"long": 5} and the like; null if the field does not have this form.
+    // Reads a typed value such as {"long": 5}; returns null if the field has another form.
     private static Object explicit(Json field, ValueReader reader) throws MistakeException {
         if (field.entries().size() != 1) {
             return null;
@@ -77,7 +77,7 @@ final class TagValues {
         return type == null ? null : typed(type, only.getValue(), reader);
     }
 
-    /** Returns a value of a recording, which has its type's name: {"long": 5}; null for JSON's null. */
+    /** Returns a recording's value, which names its type: {"long": 5}. Returns null for JSON's null. */
     static Object ofTyped(Json field) throws MistakeException {
         if (field.isNull()) {
             return null;

@@ -16,7 +16,7 @@ import java.util.List;
 
 /**
  * Reads JSON values as the Java types of metadata. A number may be a counter over the frames ({"first": 100,
- * "step": 33}), a list of numbers may repeat one value ({"fill": 1.0, "count": 884}).
+ * "step": 33}), and a list of numbers one repeated value ({"fill": 1.0, "count": 884}).
  */
 final class ValueReader {
     private static final int LARGEST_RUN = 1 << 16;
@@ -69,7 +69,7 @@ final class ValueReader {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }
 
-    // JSON lacks these numbers, so texts stand for them.
+    // JSON lacks NaN and infinities, so texts represent them.
     private static boolean isSpecial(Json field) throws MistakeException {
         return field.isString() && NO_JSON_NUMBERS.contains(field.string());
     }
@@ -86,7 +86,7 @@ final class ValueReader {
         Object read(Json element) throws MistakeException;
     }
 
-    // Notes the mistakes of elements, whose values stay 0 or null.
+    // Notes mistakes in elements; a wrong element remains 0 or null.
     private static Object array(Class<?> type, List<Json> elements, ElementReader reader) {
         Object values = Array.newInstance(type, elements.size());
         for (int i = 0; i < elements.size(); ++i) {

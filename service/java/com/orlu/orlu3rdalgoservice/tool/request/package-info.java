@@ -1,2 +1,2 @@
-/** Request files: reading, checking, and what they describe. */
+/** Request files: reads and checks them, and represents the requests that they describe. */
 package com.orlu.orlu3rdalgoservice.tool.request;
