@@ -1,7 +1,6 @@
 /**
- * The command behind ./run. Its packages are layers, each of which uses only those before it: text, json,
- * tags, imagefile, request, image, check, run, model, judge, explain, compare, importer, catalogue, view,
- * cli. A run produces events and a folder, model.Run represents what it did, and the later layers present
- * that.
+ * The command behind ./run. Its packages are layers; each uses only earlier ones: text, json, tags,
+ * imagefile, request, image, check, run, model, judge, explain, compare, importer, catalogue, view, cli. A
+ * run produces events and a folder, model.Run represents them, and the later layers present a model.Run.
  */
 package com.orlu.orlu3rdalgoservice.tool;

@@ -21,15 +21,15 @@ import java.util.function.IntSupplier;
 import java.util.stream.IntStream;
 
 /**
- * Sends one request many times on one client, like the service: calls on the client don't overlap, so
- * synchronous requests run one at a time. All share the inputs; each has its own outputs, compositions, id
- * and planted value.
+ * Sends one request many times on one client. As in the service, calls on the client don't overlap, so
+ * synchronous requests run one at a time. All requests share the inputs. Each has its own outputs,
+ * compositions and id, and a unique value in a tag, to detect results of another request.
  */
 public final class Burst implements AutoCloseable {
-    /** The tag that a value is planted in, and the one that returns the algorithms' answer. */
+    /** The tag that gets the unique value, and the result's tag that should return this value. */
     private static final String PLANTED = "orlu.control.frameFlag";
     private static final String RETURNED = "orlu.feedback.basicFrameTimestamp";
-    /** Far from all timestamps, which a library may return instead. */
+    /** Negative, unlike timestamps, which a library may return instead. */
     private static final long FIRST_PLANTED = -1_000_000;
 
     private final RequestFile mRequest;
@@ -46,10 +46,10 @@ public final class Burst implements AutoCloseable {
     /**
      * One request of the burst.
      *
-     * @param tid      the thread that sent it
-     * @param stages   what it waited for, in order
-     * @param owner    the index of the request with the returned planted value; -1 for none
-     * @param problems what went wrong
+     * @param tid      the kernel's id of the sending thread
+     * @param stages   its stages, in order
+     * @param owner    the index of the request whose unique value was returned; -1 for none
+     * @param problems calls that failed or had no callback
      */
     public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {
         /** From the start of the first stage to the end of the last. */
@@ -58,7 +58,7 @@ public final class Burst implements AutoCloseable {
         }
     }
 
-    /** Makes the inputs from these frames of the photo. */
+    /** Creates the inputs from these frames, or from their files. */
     public Burst(RequestFile request, ServiceClient client, List<SynthesisedFrame> frames)
             throws ErrnoException, MistakeException {
         mRequest = request;
@@ -89,7 +89,7 @@ public final class Burst implements AutoCloseable {
         return mMostInFlight;
     }
 
-    /** How often Java was notified that a request is done. */
+    /** The number of callbacks that reported a request as done. */
     public int announcements(long id) {
         return mInbox.done(other -> other == id).size();
     }

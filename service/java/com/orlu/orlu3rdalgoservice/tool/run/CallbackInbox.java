@@ -10,7 +10,7 @@ import java.util.TreeMap;
 import java.util.concurrent.TimeUnit;
 import java.util.function.LongPredicate;
 
-/** Collects what the native side reports to one client while it is open. */
+/** Collects the native side's reports for one client until close(). */
 final class CallbackInbox implements CallbackListener, AutoCloseable {
     private static final String REQUEST_ADDRESS = "nativeRequestAddr";
 
@@ -39,14 +39,16 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
         return mReports.stream().map(Report::values).toList();
     }
 
-    /** The native ids of the requests with one of these ids that were reported done. */
+    /** The native addresses of finished requests whose id matches, in the order of the reports. */
     synchronized List<Long> done(LongPredicate ids) {
         return mReports.stream().filter(report -> ids.test(report.requestId()))
                 .map(report -> report.values().get(REQUEST_ADDRESS))
                 .filter(Long.class::isInstance).map(Long.class::cast).toList();
     }
 
-    /** Waits until such a request is reported done. Returns its native id; null after a timeout. */
+    /**
+     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout.
+     */
     synchronized Long awaitDone(LongPredicate ids, long seconds) {
         long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);
         try {

@@ -13,8 +13,8 @@ import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Stream;
 
 /**
- * Runs this command in a separate process, with another library or machine, which may crash. It uses its own
- * folder, so that no two runs write the same files.
+ * Runs this command in a separate process, which may use another library or an emulator, and may crash. Each
+ * run has its own folder for its files.
  */
 public final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
@@ -36,8 +36,8 @@ public final class ChildRun {
     private int mStatus;
 
     /**
-     * `library` is an algorithm library, or by its file's name another build of the native one; null for
-     * neither.
+     * `library` is an algorithm library, or another build of the native library if the file has that name;
+     * null for the usual ones.
      */
     public ChildRun(String name, boolean arm, Path library) throws IOException {
         String work = System.getProperty("orlu.work");
@@ -47,7 +47,7 @@ public final class ChildRun {
     }
 
     /**
-     * Runs request files, and returns the folder of their recordings; some are missing if the process died.
+     * Runs request files and returns the folder of their recordings. Some are missing if the process died.
      */
     public Path run(List<Path> requests) throws IOException {
         List<String> arguments = new ArrayList<>();
@@ -55,7 +55,7 @@ public final class ChildRun {
         return record(arguments);
     }
 
-    /** Runs the trials of a request's tags (an empty set for all), and returns the file with the results. */
+    /** Runs the trials of a request's tags (all if `only` is empty). Returns the file with the results. */
     public Path trials(Path request, Set<String> only) throws IOException {
         List<String> arguments =
                 new ArrayList<>(List.of("trials", request.toString(), "--record", file(RECORDINGS).toString()));
@@ -64,7 +64,7 @@ public final class ChildRun {
         return recorded();
     }
 
-    /** Runs ./run with these arguments, and returns the folder of the recordings. */
+    /** Runs ./run with these arguments and returns the folder of the recordings. */
     public Path record(List<String> arguments) throws IOException {
         List<String> all = new ArrayList<>(arguments);
         all.addAll(List.of("--record", file(RECORDINGS).toString(), "--out", file("images").toString()));
@@ -96,7 +96,7 @@ public final class ChildRun {
             mStatus = child.waitFor();
             RUNNING.remove(child);
             if (sIsEnding) {
-                // The results of an interrupted run are useless.
+                // Blocks this thread until the exit: the results of an interrupted run are useless.
                 Thread.currentThread().join();
             }
         } catch (InterruptedException e) {
@@ -141,7 +141,7 @@ public final class ChildRun {
         }
     }
 
-    // The launcher removes this process's folder as soon as it exits, so children must exit first.
+    // The children must exit first: the launcher removes this process's folder as soon as this process exits.
     private static void endBeforeThis() {
         sIsEnding = true;
         for (Process child : RUNNING) {
@@ -158,7 +158,7 @@ public final class ChildRun {
     }
 
     private void setEnvironment(Map<String, String> environment) {
-        // These belong to this process; the other one sets its own.
+        // The files of this process; the child sets its own.
         environment.remove("ORLU_EVENTS");
         environment.remove("ORLU_ALGO_TRACE");
         environment.remove("ORLU_PIXELS");

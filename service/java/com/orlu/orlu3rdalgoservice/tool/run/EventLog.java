@@ -27,7 +27,7 @@ public final class EventLog {
         mFile = file;
     }
 
-    // The thread's kernel id, which the probe uses, too.
+    // The kernel's id, as in the probe's events, and the thread's name.
     private record ThreadName(int tid, String name) {
         static ThreadName ofThisOne() {
             try {
@@ -35,7 +35,7 @@ public final class EventLog {
                 int tid = Integer.parseInt(Files.readSymbolicLink(thread).getFileName().toString());
                 return new ThreadName(tid, Files.readString(thread.resolve("comm")).strip());
             } catch (IOException e) {
-                // Without /proc it stays unknown: a native look-up must never see an exception.
+                // Without /proc the id is unknown. Throws nothing, because native code may be the caller.
                 return new ThreadName(0, Thread.currentThread().getName());
             }
         }
@@ -46,7 +46,7 @@ public final class EventLog {
         return THREAD.get().tid();
     }
 
-    /** The log that the environment names; null if it names none. */
+    /** The log in the file that the environment names; null if it names no file. */
     public static synchronized EventLog ofEnvironment() throws IOException {
         String path = System.getenv(VARIABLE);
         if (sOfEnvironment == null && path != null && !path.isEmpty()) {
@@ -56,7 +56,7 @@ public final class EventLog {
         return sOfEnvironment;
     }
 
-    /** Creates an event of this moment and thread, with further fields. The caller calls write(). */
+    /** Creates an event with the present time, this thread, and these fields. The caller calls write(). */
     public Map<String, Object> begin(String event, Object... fields) {
         ThreadName thread = THREAD.get();
         Map<String, Object> line = JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread",
@@ -65,7 +65,7 @@ public final class EventLog {
         return line;
     }
 
-    /** Writes the event. Failures are hidden from the native code in progress. */
+    /** Writes the event. Prints failures instead of throwing, because native code may be the caller. */
     public void write(Map<String, Object> line) {
         try {
             mFile.write(ByteBuffer.wrap((JsonWriter.line(line) + '\n').getBytes(StandardCharsets.UTF_8)));

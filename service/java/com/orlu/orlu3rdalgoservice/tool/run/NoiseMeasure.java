@@ -21,13 +21,13 @@ import java.util.List;
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
-     * Measures each output that shows the base frame's part of the photo. If no frame has noise,
-     * measures only if similarity is requested.
+     * Compares the outputs with the base frame's part of the photo. Omits outputs of another size. If no
+     * frame has noise, compares only if similarity is requested.
      */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {
         List<NoiseMeasure> measures = new ArrayList<>();
-        // A frame from a file has no clean photo to compare with, nor has one with a gain.
+        // A frame from a file has no clean photo, and a frame with a gain differs from it in brightness.
         if (!request.isOfPhoto(base) || !request.frames().hasNoise() && !hasSsim
                 || request.frames().frames().get(base).gain() != 1) {
             return measures;

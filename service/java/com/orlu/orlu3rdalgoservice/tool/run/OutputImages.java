@@ -20,13 +20,13 @@ public final class OutputImages {
     private final Path mFolder;
     private final String mName;
 
-    /** Writes to this folder, with `name` as prefix. */
+    /** Files are written to `folder`; their names begin with `name`. */
     public OutputImages(Path folder, String name) {
         mFolder = folder;
         mName = name;
     }
 
-    /** Writes the images, and returns a line on each; `base` is the base frame's number. */
+    /** Writes the images and returns a line on each. `base` is the base frame's index. */
     public List<String> write(int base, List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
             List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
@@ -67,7 +67,7 @@ public final class OutputImages {
         return file.toString();
     }
 
-    // In a folder from someone else, this name may be a link to one of the user's files.
+    // Removes a link of this name: in an untrusted folder, it may point to one of the user's files.
     private Path file(String name) throws IOException {
         Path file = mFolder.resolve(name);
         if (Files.isSymbolicLink(file)) {
@@ -78,7 +78,7 @@ public final class OutputImages {
 
     // Sixteen bits per sample, most significant byte first, as PGM requires.
     private static byte[] pgm(Mosaic mosaic) {
-        // A white level below 256 would mean one byte per sample.
+        // A PGM file with a white level below 256 has one byte per sample.
         int white = Math.max(256, mosaic.white());
         String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + white + "\n";
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();

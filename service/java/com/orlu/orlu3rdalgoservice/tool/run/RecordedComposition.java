@@ -7,20 +7,20 @@ import com.orlu.orlu3rdalgoservice.record.HeldValue;
 
 import java.util.Map;
 
-/** A composition that records its look-ups, those of its capture result, and the values put as events. */
+/** A composition that writes events: look-ups in it and in its capture result, and values put into it. */
 public final class RecordedComposition extends CaptureResultComposition {
     private final CameraMetadataNative mCaptureResult;
 
     private EventLog mEvents;
     private int mFrame;
 
-    /** A composition over the camera's metadata; recording is off. */
+    /** Creates a composition over the camera's metadata. It writes no events yet. */
     public RecordedComposition(CameraMetadataNative captureResult) {
         super(captureResult);
         mCaptureResult = captureResult;
     }
 
-    /** Starts recording as the frame of this index; null stops it. */
+    /** Starts writing events of the frame with this index; null stops it. */
     public void record(EventLog events, int frame) {
         mEvents = events;
         mFrame = frame;

@@ -10,7 +10,7 @@ import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
 import java.util.List;
 
-/** The two calls of one request into the native library, recorded if the client has a recorder. */
+/** Makes the calls of one request into the native library. Records them if the client has a recorder. */
 public final class RequestCall implements AutoCloseable {
     private final Orlu3rdAlgoService mService;
     private final long mHandle;
@@ -21,7 +21,7 @@ public final class RequestCall implements AutoCloseable {
     /** Null if nothing is recorded. */
     private final Recording mRecording;
 
-    /** Starts the recording with the inputs. `file` is the request's. */
+    /** Starts the recording, with the inputs. `file` is the request's file. */
     public RequestCall(ServiceClient client, RequestFile file, VRequest request, List<VImageIPC> inputs,
             List<VImageIPC> outputs, List<? extends CaptureResultComposition> compositions) {
         mService = client.service();

@@ -17,13 +17,14 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Makes what a request passes. It is always the same, so another process can make it again. */
+/** Creates the images and compositions of a request. They are reproducible, also in another process. */
 public final class RequestImages {
     private RequestImages() {
     }
 
     /**
-     * Returns the photo's frames; none if no input needs them. Throws if the photo or the request is invalid.
+     * Returns the frames made from the photo; none if no input needs them. Throws if the photo can't be read
+     * or an image's size is invalid.
      */
     public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
             throws MistakeException {
@@ -49,7 +50,7 @@ public final class RequestImages {
         return new FrameSynthesis(request.frames(), raw).frames(request.place(), photo);
     }
 
-    /** Makes an input from these frames or from its file. The caller closes it. */
+    /** Creates an input from these frames or from its file. The caller closes it. */
     public static ImageBuffer input(ImagePlan plan, List<SynthesisedFrame> frames, FrameSize size)
             throws ErrnoException, MistakeException {
         return plan.isOfPhoto()
@@ -57,7 +58,7 @@ public final class RequestImages {
                 : plan.layout() != null ? ImageBuffer.recorded(plan) : ImageBuffer.ofFile(plan);
     }
 
-    /** Makes the outputs, and adds them to `to`. The caller closes them, even after an exception. */
+    /** Creates the outputs and adds them to `to`. The caller closes them, even after an exception. */
     static void addOutputs(RequestFile request, FrameSize size, List<ImageBuffer> to)
             throws ErrnoException, MistakeException {
         for (ImagePlan plan : request.outputs()) {
@@ -66,12 +67,12 @@ public final class RequestImages {
         }
     }
 
-    /** The images as arguments of a call, which changes the list. */
+    /** The images as an argument of a call. The list is mutable, because the call may change it. */
     static List<VImageIPC> descriptors(List<ImageBuffer> images) {
         return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
-    /** Makes a composition for each frame. */
+    /** Creates a composition for each frame. */
     static List<RecordedComposition> compositions(RequestFile request) {
         List<RecordedComposition> compositions = new ArrayList<>();
         for (FramePlan frame : request.frames().frames()) {

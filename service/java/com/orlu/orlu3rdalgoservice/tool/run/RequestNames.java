@@ -14,9 +14,9 @@ public final class RequestNames {
     }
 
     /**
-     * Returns a unique name for each request file, in order: its own without ".json". A second file of the
-     * same name also gets its folder's name: a/x.json and b/x.json become x and b-x. If that is taken, a
-     * number is added.
+     * Returns a unique name for each request file, in order: the file's name without ".json". A second file
+     * of the same name gets its folder's name as a prefix: a/x.json and b/x.json become x and b-x. If that
+     * name is taken, a number is appended.
      */
     public static List<String> of(List<Path> files) {
         Set<String> taken = new HashSet<>();

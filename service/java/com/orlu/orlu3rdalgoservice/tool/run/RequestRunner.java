@@ -23,11 +23,11 @@ import java.util.Map;
 import java.util.Objects;
 
 /**
- * Runs one request through the native library on a client, as the service does. Its results outlive close(),
- * which frees the images' memory.
+ * Runs one request through the native library on a client, as the service does. close() frees the images'
+ * memory; the other results remain valid.
  */
 public final class RequestRunner implements AutoCloseable {
-    /** The timeout of a request: in the library itself, or here for a full-async one. */
+    /** Timeout of a request: the native library's own, and that of waiting here for a full-async request. */
     public static final int CALLBACK_SECONDS = 10;
 
     private final RequestFile mRequest;
@@ -46,30 +46,30 @@ public final class RequestRunner implements AutoCloseable {
     private long mWaitEnd;
 
     /**
-     * What came of a request.
+     * The results of a request.
      *
-     * @param inputs        the inputs as passed on, with their sizes
-     * @param outputsBefore descriptions of the outputs before the request
-     * @param outputsAfter  their descriptions after it
-     * @param put           for each composition, the keys that the native side put or changed
-     * @param callbacks     what was reported to Java while the request ran
+     * @param inputs        the inputs as passed to the library, with their sizes
+     * @param outputsBefore the outputs' descriptions before the request
+     * @param outputsAfter  the outputs' descriptions after the request
+     * @param put           for each composition, the values that the native side put, by key
+     * @param callbacks     the reports to Java while the request ran
      * @param problems      calls into the native library that returned an error
      * @param waitStart     when the request was submitted, by System.nanoTime()
-     * @param waitEnd       when the wait for it was over
+     * @param waitEnd       when the wait for its result ended, by System.nanoTime()
      */
     public record Ran(List<ImagePlan> inputs, List<ImageLayout> outputsBefore, List<ImageLayout> outputsAfter,
             List<Map<String, Object>> put, List<Map<String, Object>> callbacks, List<String> problems,
             long waitStart, long waitEnd) {
-        /** What came of a request that did not run. */
+        /** The results of a request that did not run. */
         public static final Ran NONE = unknown(List.of());
 
-        /** What is known of a request that ran in another process. */
+        /** The results, except for the inputs unknown, of a request that ran in another process. */
         public static Ran unknown(List<ImagePlan> inputs) {
             return new Ran(inputs, List.of(), List.of(), List.of(), List.of(), List.of(), 0, 0);
         }
     }
 
-    /** Runs on this client. With `lookups`, each look-up of a tag is an event. */
+    /** Uses this client. With `keepsLookups`, each look-up of a tag becomes an event. */
     public RequestRunner(
             RequestFile request, ServiceClient client, Stopwatch stopwatch, boolean keepsLookups) {
         mRequest = request;
@@ -79,7 +79,7 @@ public final class RequestRunner implements AutoCloseable {
         mInbox = new CallbackInbox(client.clientId());
     }
 
-    /** Creates the arguments, from these frames of the photo; none if no input needs them. */
+    /** Creates the call's arguments. `frames` are made from the photo; none if no input needs them. */
     public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         mRequest.properties().forEach(SystemProperties::set);
         mCompositions.addAll(RequestImages.compositions(mRequest));
@@ -92,7 +92,7 @@ public final class RequestRunner implements AutoCloseable {
         RequestImages.addOutputs(mRequest, size, mOutputs);
     }
 
-    /** Runs the request and waits for its result. */
+    /** Runs the request and waits for its result, CALLBACK_SECONDS at most. */
     public void process() throws IOException {
         Progress.show("processing " + mInputs.size() + " inputs");
         VRequest request = new VRequest(mRequest.id(), mRequest.type());
@@ -116,7 +116,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    // Called right before the request, so that look-ups by the recorder are not events.
+    // Called right before the request, so that the recorder's own look-ups do not become events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {
@@ -143,7 +143,7 @@ public final class RequestRunner implements AutoCloseable {
         return new ArrayList<>(mCompositions.stream().map(CaptureResultComposition::snapshot).toList());
     }
 
-    // Compares by identity: a key that was put again with an equal value is a change, too.
+    // Compares by identity, so that putting an equal value again counts as a change.
     private void addChanges(List<Map<String, Object>> before) {
         for (int i = 0; i < mCompositions.size(); ++i) {
             Map<String, Object> old = before.get(i);
@@ -157,7 +157,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    /** The images, valid until close(). */
+    /** The input images, valid until close(). */
     public List<ImageBuffer> inputs() {
         return mInputs;
     }
@@ -166,7 +166,7 @@ public final class RequestRunner implements AutoCloseable {
         return mOutputs;
     }
 
-    /** What came of the request. */
+    /** The results of the request. */
     public Ran ran() {
         return new Ran(mInputs.stream().map(ImageBuffer::plan).toList(), mOutputsBefore, mOutputsAfter, mPut,
                 mInbox.reports(), mProblems, mWaitStart, mWaitEnd);

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.Orlu3rdAlgoService;
 import com.orlu.orlu3rdalgoservice.record.RequestRecorder;
 import com.orlu.orlu3rdalgoservice.tool.request.RequestFile;
 
-/** One client of the native library, from creation to destruction, with the time of each step. */
+/** One client of the native library. A stopwatch measures its creation and destruction. */
 public final class ServiceClient {
     private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
     private final CaptureResultComposition mParam = new CaptureResultComposition();
@@ -14,8 +14,8 @@ public final class ServiceClient {
     private final RequestRecorder mRecorder;
 
     /**
-     * Creates and initialises the client that a request names. `recorder` records its requests; null for
-     * none.
+     * Creates and initialises the client that a request names. `recorder` records the client's requests; null
+     * records nothing.
      */
     public ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
         mRecorder = recorder;
@@ -49,7 +49,7 @@ public final class ServiceClient {
         return mClientId;
     }
 
-    /** Releases and destroys the client, with the image format of its last request. */
+    /** Releases the client in the image format of its last request, and destroys it. */
     public void end(RequestFile request, Stopwatch stopwatch) {
         if (mRecorder != null) {
             mRecorder.removeClient(mHandle);

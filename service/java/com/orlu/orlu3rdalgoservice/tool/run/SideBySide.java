@@ -13,7 +13,7 @@ import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 import java.util.concurrent.atomic.AtomicInteger;
 
-/** Runs tasks in parallel, and passes on their results in the order of the tasks. */
+/** Runs tasks in parallel, and passes their results to a callback in the order of the tasks. */
 public final class SideBySide {
     /** Receives a result. */
     public interface Taker<T> {
@@ -23,7 +23,10 @@ public final class SideBySide {
     private SideBySide() {
     }
 
-    /** Runs the tasks on this many threads. Each result is passed on as soon as all earlier ones are. */
+    /**
+     * Runs the tasks on `jobs` threads, and passes results to `taker` on this thread. `what` names the work
+     * in the display of progress. Throws the first exception of a task or of `taker`.
+     */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {
         ExecutorService threads = Executors.newFixedThreadPool(jobs);

@@ -16,12 +16,12 @@ public final class Stopwatch {
     private final List<Mark> mMarks = new ArrayList<>();
     private final boolean mIsMarking;
 
-    /** A stage's name, and its begin and end by System.nanoTime(). */
+    /** A stage's name, and its start and end by System.nanoTime(). */
     public record Stage(String name, long start, long end) {
     }
 
     /**
-     * The begin of a stage of a run, with the counters of its thread.
+     * The start of a stage of a run, with the counters of its thread.
      *
      * @param tid       the kernel's id of the thread
      * @param time      by System.nanoTime()
@@ -29,7 +29,7 @@ public final class Stopwatch {
      * @param allocated bytes that the thread has allocated on Java's heap so far
      */
     public record Mark(String stage, int tid, long time, long faults, long allocated) {
-        /** The stage that the probe's events divide. */
+        /** The stage that is divided into parts by the probe's events. */
         public static final String PROCESS_IMAGE = "processImage";
         // Fields of /proc/PID/stat after the command's name, which may contain blanks.
         private static final int MINOR_FAULTS = 7;
@@ -56,24 +56,24 @@ public final class Stopwatch {
         this(false);
     }
 
-    /** With `isMarking`, mark() has an effect. */
+    /** Without `isMarking`, mark() has no effect. */
     public Stopwatch(boolean isMarking) {
         mIsMarking = isMarking;
     }
 
-    /** Marks the begin of a larger stage, which ends where the next one begins. */
+    /** Marks the start of a larger stage, which ends at the next mark. */
     public void mark(String stage) {
         if (mIsMarking) {
             mMarks.add(Mark.now(stage));
         }
     }
 
-    /** The marks in the order of execution; none unless marking. */
+    /** The marks in the order of execution; none without `isMarking`. */
     public List<Mark> marks() {
         return mMarks;
     }
 
-    /** Runs the work and records its time as this stage. */
+    /** Runs the work, records its duration as this stage, and returns its result. */
     public <T> T time(String stage, Supplier<T> work) {
         long start = System.nanoTime();
         T result = work.get();

@@ -6,16 +6,16 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 
 /**
- * The folder that the launcher creates for one run and removes afterwards, named by the property orlu.work.
+ * The folder that the launcher creates for one run and removes afterwards. The property orlu.work names it.
  */
 public final class WorkFolder {
-    /** The environment variable that names the file for a process's part of an index. */
+    /** The environment variable with the file for this process's part of a common index of pages. */
     public static final String PAGES = "ORLU_PAGES";
 
     private WorkFolder() {
     }
 
-    /** The events' file, which may not exist; null without a work folder. */
+    /** The events file; it may not exist. Null without a work folder. */
     public static Path events() {
         return ofEnvironment(EventLog.VARIABLE);
     }
@@ -36,15 +36,15 @@ public final class WorkFolder {
     }
 
     /**
-     * The state of the pages written so far, in the file of the process that writes the index, if it names
-     * one.
+     * The file with the state of the pages written so far: the file that PAGES names, else one in the work
+     * folder.
      */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);
         return named == null ? file("pages.json") : named;
     }
 
-    /** The folder for the runs' folders unless the command line names one; null without a work folder. */
+    /** The default folder for the folders of runs; null without a work folder. */
     public static Path runs() {
         return file("runs");
     }
@@ -54,17 +54,17 @@ public final class WorkFolder {
         return file == null || file.isEmpty() ? null : Path.of(file);
     }
 
-    /** The VM's crash report, which may not exist; null without a work folder. */
+    /** The VM's crash report; it may not exist. Null without a work folder. */
     public static Path vmReport() {
         return file("vm_report.log");
     }
 
-    /** The trials' results, which may not exist; null without a work folder. */
+    /** The file with the trials' results; it may not exist. Null without a work folder. */
     public static Path trials() {
         return file("trials.json");
     }
 
-    /** Notifies the launcher that the command finished, so a crash can be recognised. */
+    /** Notifies the launcher that the command finished. Without this marker, the launcher assumes a crash. */
     public static void markFinished() {
         Path marker = file("finished");
         if (marker != null) {
