@@ -1,8 +1,8 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 /**
- * A colour picture of raw samples for viewing: no white balance, no tone curve. Missing colours of a pixel
- * are the mean of its neighbours' samples.
+ * A colour picture of raw samples for viewing, without white balance and tone curve. The two colours that a
+ * pixel lacks are means of adjacent samples.
  */
 public record Demosaic(Mosaic mosaic) implements PixelRows {
     @Override

@@ -14,7 +14,7 @@ import java.io.IOException;
 import java.nio.ByteBuffer;
 import java.nio.channels.FileChannel;
 
-/** The pixels of an input that has a file. */
+/** Reads the pixels of an input from its file. */
 public final class FilePixels {
     private final ImagePlan mPlan;
     private final ImageFile mFile;
@@ -26,14 +26,14 @@ public final class FilePixels {
         mFile = plan.file();
     }
 
-    /** Decodes an encoded file only to find errors. */
+    /** Decodes an encoded file and discards the pixels, to find errors. */
     public void check() throws MistakeException {
         if (mFile.kind() != ImageFileKind.BYTES) {
             fill(null);
         }
     }
 
-    /** Fills the image's memory; null only decodes. Writes nothing outside the described planes. */
+    /** Fills the image's memory, but nothing outside the described planes. With null, only decodes. */
     void fill(ByteBuffer to) throws MistakeException {
         try {
             if (mFile.kind() == ImageFileKind.BYTES) {

@@ -7,8 +7,8 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * The size of images without their own: that of the frames made from a photo, else of the first input's file,
- * else what the request file gives for its frames.
+ * The size of images without their own size: the size of the frames made from a photo, else of the first
+ * input's file, else the request file's size of frames.
  */
 public record FrameSize(int width, int height) {
     public static FrameSize of(RequestFile request, List<SynthesisedFrame> frames) {
@@ -22,8 +22,8 @@ public record FrameSize(int width, int height) {
     }
 
     /**
-     * Returns the image, with this size if it has none. Throws MistakeException if the stride is less than a
-     * row.
+     * Returns the image, with this size if it has none. Throws MistakeException if its stride is less than
+     * the bytes of a row.
      */
     public ImagePlan applyTo(ImagePlan plan) throws MistakeException {
         return plan.sized(width, height);

@@ -14,13 +14,13 @@ import java.util.Random;
 import java.util.function.Supplier;
 
 /**
- * Makes a request's frames from one photo. Each frame is a part of the photo, with a small shift, blur, gain
- * and noise. Parts are smaller than the photo by the largest shift, so that no frame has borders. The same
+ * Makes a request's frames from one photo. Each frame is a shifted part of the photo with blur, gain and
+ * noise. Frames are smaller than the photo by the margins for shifts, so that no frame has borders. The same
  * seed makes the same frames.
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
-    // Sizes are multiples of four because packed raw rows come in groups of four samples.
+    // Sizes are multiples of four because packed raw formats store groups of four samples.
     private static final int GROUP = 4;
     // Seven frames of a phone's full photo would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;
@@ -28,7 +28,7 @@ public final class FrameSynthesis {
     private final FrameSetPlan mPlan;
     private final boolean mKeepMosaicPhase;
 
-    /** To keep the mosaic's phase, all random shifts are even. */
+    /** With `keepMosaicPhase`, all random shifts are even. */
     public FrameSynthesis(FrameSetPlan plan, boolean keepMosaicPhase) {
         mPlan = plan;
         mKeepMosaicPhase = keepMosaicPhase;
@@ -43,7 +43,10 @@ public final class FrameSynthesis {
         }
     }
 
-    /** Returns all frames of a photo. Throws MistakeException if the photo is too small for the shifts. */
+    /**
+     * Returns all frames made from a photo. Throws MistakeException if the photo is too small for the
+     * shifts.
+     */
     public List<SynthesisedFrame> frames(Json file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
@@ -58,7 +61,8 @@ public final class FrameSynthesis {
     }
 
     /**
-     * Returns the size of a photo's frames. Throws MistakeException if the photo is too small for the shifts.
+     * Returns the size of frames made from a photo. Throws MistakeException if the photo is too small for the
+     * shifts.
      */
     public FrameSize size(Json file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
@@ -104,7 +108,7 @@ public final class FrameSynthesis {
         return new SynthesisedFrame(clean, shot);
     }
 
-    // The first frame is not shifted, unless it has an explicit shift.
+    // The first frame is shifted only if it has an explicit shift.
     private int[] shift(int index, FramePlan plan, Random random) {
         if (plan.shift() != null) {
             return plan.shift();

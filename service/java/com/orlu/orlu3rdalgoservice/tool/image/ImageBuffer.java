@@ -14,7 +14,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Arrays;
 
-/** One image's memory and its description for the native side. Closing it frees the memory. */
+/** One image's memory and its description for the native side. close() frees the memory. */
 public final class ImageBuffer implements AutoCloseable {
     private static final int JPEG_HEADROOM = 1 << 16;
 
@@ -66,8 +66,8 @@ public final class ImageBuffer implements AutoCloseable {
         }
     }
 
-    // A phone's rows can have padding, and its formats can be unknown here: plain memory of the same size
-    // replaces them.
+    // A phone's buffer can have padded rows or a format that is unknown here. Such a buffer is replaced by
+    // plain memory of the same size.
     private static HardwareBuffer recordedBuffer(ImageLayout layout) {
         long width = layout.buffer()[0];
         long height = layout.buffer()[1];
@@ -88,7 +88,7 @@ public final class ImageBuffer implements AutoCloseable {
                 : HardwareBuffer.create((int) width, (int) height, format, 1, usage());
     }
 
-    /** Allocates memory for an image as a recorder described it, filled with the recorded bytes. */
+    /** Allocates memory for an image as a recorder described it, and fills it with the recorded bytes. */
     public static ImageBuffer recorded(ImagePlan plan) throws ErrnoException, MistakeException {
         byte[] bytes = plan.layout().bytes();
         ImageBuffer image = new ImageBuffer(plan, plan.layout());
@@ -124,8 +124,8 @@ public final class ImageBuffer implements AutoCloseable {
     }
 
     /**
-     * Allocates zeroed memory for an output. A JPEG gets the given capacity, or the size of its pixels and a
-     * reserve.
+     * Allocates zeroed memory for an output. A JPEG gets its plan's capacity; without one, 1.5 bytes per
+     * pixel and a reserve.
      */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
         if (plan.layout() != null) {
@@ -144,7 +144,7 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor.mImageDataShmem.mapReadWrite();
     }
 
-    // The buffer's width includes the padding: the native side takes the stride from the description.
+    // The buffer's width includes the padding. The native side reads the stride from the description.
     private HardwareBuffer hardwareBuffer(int size) {
         int stride = mPlan.strideBytes();
         int tight = mPlan.format().planeSizes(stride, mPlan.height(), size)[0];

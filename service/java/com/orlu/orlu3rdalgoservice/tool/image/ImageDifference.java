@@ -8,7 +8,7 @@ import java.nio.ByteOrder;
 import java.util.Arrays;
 import java.util.stream.IntStream;
 
-/** The difference between two images with the same description. */
+/** The difference between two images of the same size. */
 public final class ImageDifference {
     /** Typical differences are too small to see, so the picture amplifies them. */
     public static final int AMPLIFICATION = 8;
@@ -31,7 +31,7 @@ public final class ImageDifference {
             int start = top;
             int end = Math.min(start + rows.length, one.height());
             IntStream.range(start, end).parallel().forEach(y -> rows[y - start].compare(one, other, y));
-            // In the order of the rows, since a sum of fractions depends on it.
+            // Adds in the order of the rows, because the order changes a floating-point sum.
             for (int y = start; y < end; ++y) {
                 Row row = rows[y - start];
                 if (row.mMost > 0) {
@@ -84,8 +84,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares the pixels; null if they can't be read with this description or differ in size. The stride is
-     * in bytes. A JPEG's bytes are those of the file alone.
+     * Compares the pixels of two images with the same description. Returns null if they can't be read with it
+     * or differ in size. The stride is in bytes. The bytes of a JPEG must be its file, without unused memory.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -101,8 +101,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Returns the pixels of an image; null if they can't be read with this description. A raw image is a
-     * Mosaic. Its bit depth is unknown, so the smallest that fits all samples is used.
+     * Returns the pixels of an image; null if they can't be read with this description. The pixels of a raw
+     * image are a Mosaic. Its bit depth is unknown, so the smallest one that fits all samples is used.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);
@@ -129,7 +129,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares two pictures, whose pixels are read again later; null if either is null or their sizes differ.
+     * Compares two pictures; returns null if either is null or their sizes differ. The result reads the
+     * pictures again later.
      */
     public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
@@ -142,12 +143,12 @@ public final class ImageDifference {
         return mFirstRow;
     }
 
-    /** The largest difference of a sample, of 255, rounded up. */
+    /** The largest difference of a sample, on a scale of 255, rounded up. */
     public int most() {
         return mMost;
     }
 
-    /** In dB; infinite if all pixels are equal. */
+    /** PSNR in dB; infinite if all pixels are equal. */
     public double psnr() {
         return mPsnr;
     }
@@ -166,8 +167,8 @@ public final class ImageDifference {
     }
 
     /**
-     * The difference times AMPLIFICATION: grey where the images are equal, lighter where the other is
-     * lighter.
+     * The difference times AMPLIFICATION: grey where the images are equal, lighter where `other` is lighter
+     * than `one`.
      */
     public PixelRows picture() {
         return new Amplified(mOne, mOther);

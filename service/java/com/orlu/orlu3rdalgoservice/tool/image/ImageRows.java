@@ -41,7 +41,7 @@ record ImageRows(BufferedImage image) implements PixelRows {
         }
     }
 
-    // The platform assumes that gray is linear, and would brighten it.
+    // Avoids getRGB(): it treats gray samples as linear, and would brighten them.
     private void readGray(int y, float[] to) {
         float scale = WHITE / ((1 << image.getColorModel().getComponentSize(0)) - 1);
         for (int x = 0, at = 0; x < width(); ++x, at += CHANNELS) {

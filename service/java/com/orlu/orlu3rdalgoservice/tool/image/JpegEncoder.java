@@ -16,7 +16,7 @@ public final class JpegEncoder {
     private JpegEncoder() {
     }
 
-    /** Returns the bytes of a JPEG file; quality is 0 to 1. */
+    /** Returns the bytes of a JPEG file. `quality` is from 0 to 1. */
     public static byte[] encode(BufferedImage image, float quality) {
         ImageWriter writer = ImageIO.getImageWritersByFormatName("jpeg").next();
         ImageWriteParam param = writer.getDefaultWriteParam();

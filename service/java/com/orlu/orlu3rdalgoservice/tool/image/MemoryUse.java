@@ -10,14 +10,14 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
 
-/** An image's memory: the planes of its description, and the bytes after them. */
+/** How an image's memory is used: by the planes of its description, and after them. */
 public final class MemoryUse {
     private final int mSize;
     private final List<PlaneUse> mPlanes = new ArrayList<>();
     private int mUsedBehind;
     private int mFirstBehind = -1;
 
-    /** `usual` is the format if the description has a custom name. */
+    /** `usual` is the format if the description has a custom format name. */
     public MemoryUse(VImageIPC image, PixelFormat usual, ByteBuffer memory) {
         mSize = memory.capacity();
         PixelFormat named = PixelFormat.named(image.mFormat);
@@ -53,7 +53,7 @@ public final class MemoryUse {
         };
     }
 
-    /** All bytes. */
+    /** The size of the memory, in bytes. */
     int size() {
         return mSize;
     }
@@ -67,7 +67,7 @@ public final class MemoryUse {
         return Math.max(0, mPlanes.stream().mapToInt(PlaneUse::end).max().orElse(0) - mSize);
     }
 
-    /** How many bytes after the planes are not zero. */
+    /** The number of nonzero bytes after the planes. */
     public int usedBehind() {
         return mUsedBehind;
     }

@@ -5,12 +5,12 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import java.util.Arrays;
 
 /**
- * Raw samples of an RGGB colour filter. Shown as a grey picture.
+ * Raw samples of an RGGB colour filter. As PixelRows, a grey picture.
  *
- * @param width   in samples
- * @param height  in samples
- * @param bits    of a sample; white has all of them set
- * @param samples row by row
+ * @param width   samples per row
+ * @param height  number of rows
+ * @param bits    bit depth; a white sample has all bits set
+ * @param samples the samples, row by row
  */
 public record Mosaic(int width, int height, int bits, int[] samples) implements PixelRows {
     public static Mosaic of(Picture picture, int bits) {
@@ -33,7 +33,7 @@ public record Mosaic(int width, int height, int bits, int[] samples) implements 
         }
     }
 
-    /** Passes on all samples. */
+    /** Passes all samples to `to`, row by row. */
     void copyTo(SampleSink to) {
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {

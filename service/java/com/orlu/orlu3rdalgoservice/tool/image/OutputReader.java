@@ -47,7 +47,10 @@ public final class OutputReader {
         return mMosaic;
     }
 
-    /** The picture of any other image, valid while its memory is, or of a decodable JPEG; else null. */
+    /**
+     * The picture of an RGBA or YUV image, valid while the image's memory is, or of a JPEG. Null for a raw
+     * image, and if the picture can't be read.
+     */
     public PixelRows picture() {
         if (mPicture == null && mJpeg != null) {
             mPicture = PixelReader.decodeJpeg(mJpeg);
@@ -55,7 +58,7 @@ public final class OutputReader {
         return mPicture;
     }
 
-    /** Why nothing could be read; empty if something was. */
+    /** Why the content could not be read; empty if it was read. */
     public String problem() {
         boolean isEmptyJpeg = mImage.descriptor().mFormat.equals(PixelFormat.JPEG.name())
                 && firstPlaneSize() == 0;
@@ -69,7 +72,7 @@ public final class OutputReader {
         VImageIPC image = mImage.descriptor();
         PixelFormat format = PixelFormat.named(image.mFormat);
         if (format == null) {
-            // A custom name for a known layout.
+            // A custom format name: the layout is that of the plan's format.
             format = mImage.plan().format();
         }
         if (format == PixelFormat.JPEG) {
@@ -97,7 +100,7 @@ public final class OutputReader {
         return sizes == null || sizes.length == 0 ? 0 : sizes[0];
     }
 
-    /** Why no pixels can be read with this description, in any memory; empty if they can. */
+    /** Why this description is invalid, regardless of the memory's size; empty if it is valid. */
     static String problemOf(PixelFormat format, VImageIPC image) {
         if (image.mWidth < 1 || image.mHeight < 1 || image.mWidth > LARGEST_SIDE) {
             return "described as " + image.mWidth + "x" + image.mHeight;

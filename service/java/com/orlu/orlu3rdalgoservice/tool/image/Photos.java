@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.lang.ref.SoftReference;
 import java.nio.file.Path;
 
-/** Photos that frames are made from. The last one is cached: it is checked first and used soon after. */
+/** Loads the photos for frames. Caches the last one, because a photo is checked first and used soon after. */
 public final class Photos {
     private Path mLastPath;
     private SoftReference<Picture> mLast = new SoftReference<>(null);

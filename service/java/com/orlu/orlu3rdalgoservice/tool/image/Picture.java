@@ -17,7 +17,7 @@ public final class Picture implements PixelRows {
         mSamples = new float[width * height * CHANNELS];
     }
 
-    /** A copy in memory. */
+    /** Returns a copy in memory. */
     static Picture of(PixelRows rows) {
         Picture picture = new Picture(rows.width(), rows.height());
         float[] row = new float[rows.width() * CHANNELS];
@@ -55,12 +55,12 @@ public final class Picture implements PixelRows {
         mSamples[at + 2] = PixelRows.clip(blue);
     }
 
-    /** Brightness by the weights that JPEG uses, 0 to 255. */
+    /** Luma by JPEG's weights, 0 to 255. */
     float luma(int x, int y) {
         return PixelRows.luma(mSamples, (y * mWidth + x) * CHANNELS);
     }
 
-    /** A part of the picture; the picture itself if it is all of it, since a large one needs much memory. */
+    /** Returns a part of the picture; to save memory, returns the picture itself if the part is all of it. */
     Picture crop(int left, int top, int width, int height) {
         if (width == mWidth && height == mHeight) {
             return this;
@@ -83,7 +83,7 @@ public final class Picture implements PixelRows {
         return of(new ImageRows(scaled));
     }
 
-    /** A sample rounded to a byte's range. */
+    /** A sample, rounded to 0 to 255. */
     int byteAt(int x, int y, int channel) {
         return PixelRows.round(get(x, y, channel));
     }
@@ -111,7 +111,7 @@ public final class Picture implements PixelRows {
         return convolved(kernel, 1, 0).convolved(kernel, 0, 1);
     }
 
-    // StrictMath returns the same on every machine.
+    // Uses StrictMath, whose results are the same on every machine.
     private static float[] gaussian(double deviation) {
         int radius = (int) Math.ceil(3 * deviation);
         double[] weights = new double[2 * radius + 1];

@@ -7,7 +7,7 @@ import java.util.Base64;
 
 /** A picture embedded in a page as a JPEG file. */
 public record PictureData(byte[] jpeg, int width, int height) {
-    /** The most bytes of a picture; a page has several. */
+    /** Limit of a picture's bytes; a page has several pictures. */
     public static final int LARGEST = 800_000;
     private static final float[] QUALITIES = {0.9f, 0.8f, 0.7f};
     private static final float SMALL_QUALITY = 0.8f;
@@ -21,7 +21,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
                 if (jpeg.length <= most) {
                     return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
                 }
-                // The lowest quality only halves the bytes.
+                // Lower qualities reduce the bytes by half at most.
                 if (jpeg.length > 2L * most) {
                     break;
                 }
@@ -34,7 +34,9 @@ public record PictureData(byte[] jpeg, int width, int height) {
         return of(ShownImage.of(picture), LARGEST);
     }
 
-    /** Returns a file's own bytes; if there are too many, encodes the image made from it. */
+    /**
+     * Returns the bytes of a JPEG file, or encodes the image made from the file if there are too many bytes.
+     */
     public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
         return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
                 : of(shown, LARGEST);

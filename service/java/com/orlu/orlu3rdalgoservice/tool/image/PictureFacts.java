@@ -42,7 +42,7 @@ public final class PictureFacts {
         divide(mRed, counts);
     }
 
-    // Samples count as the bytes that they are shown as.
+    // Measures rounded samples, as a page shows them.
     private void addRow(int gridY, float[] row, float[] luma, int[][] counts) {
         int[] lumas = mHistograms[0];
         int[] reds = mHistograms[1];
@@ -75,7 +75,7 @@ public final class PictureFacts {
         }
     }
 
-    /** Returns the picture as a page shows it, once, so that its memory is freed after drawing. */
+    /** Returns the picture as a page shows it, and drops it, so that its memory is freed after drawing. */
     public BufferedImage takeShown() {
         BufferedImage shown = mShown;
         mShown = null;
@@ -103,7 +103,7 @@ public final class PictureFacts {
         return sum / pixels();
     }
 
-    /** The luma that this fraction of the pixels, 0 to 1, does not exceed. */
+    /** The luma that a fraction `part` of the pixels, 0 to 1, does not exceed. */
     public int lumaAt(double part) {
         long left = Math.round(part * pixels());
         int level = 0;
@@ -119,12 +119,12 @@ public final class PictureFacts {
         return (double) mClipped / pixels();
     }
 
-    /** The distance of two pictures' mean colours, averaged over the cells of the grid. */
+    /** The distance between two pictures' mean colours, averaged over the cells of the grid. */
     public double colourDistance(PictureFacts other) {
         return distance(mBlue, other.mBlue) + distance(mRed, other.mRed);
     }
 
-    /** The same, with blue and red swapped in the other picture. */
+    /** Like colourDistance(), with blue and red exchanged in the other picture. */
     public double exchangedDistance(PictureFacts other) {
         return distance(mBlue, other.mRed) + distance(mRed, other.mBlue);
     }
@@ -139,12 +139,12 @@ public final class PictureFacts {
         return sum / (GRID * GRID);
     }
 
-    /** By how many pixels each row is shifted against the one above; 0 if rows fit as they are. */
+    /** Pixels by which each row is shifted against the row above; 0 if the rows fit unshifted. */
     public int shear() {
         return mShear;
     }
 
-    /** The histograms of luma, red, green and blue. */
+    /** Size, mean luma, clipped fraction, and histograms of luma, red, green and blue. */
     public Map<String, Object> json() {
         return JsonWriter.object("width", mWidth, "height", mHeight,
                 "mean", Math.round(10 * meanLuma()) / 10.0, "clipped", Math.round(1000 * clipped()) / 1000.0,

@@ -11,14 +11,14 @@ import java.util.Arrays;
 
 import javax.imageio.ImageIO;
 
-/** Reads pictures and mosaics back out of memory. */
+/** Reads pictures and mosaics from an image's memory. */
 final class PixelReader {
     private static final int MIDDLE = 128;
 
     private PixelReader() {
     }
 
-    /** Whether all pixels of this description fit into so many bytes. */
+    /** Whether all pixels of this description fit into `capacity` bytes. */
     static boolean fits(ImagePlan plan, int capacity) {
         if (plan.width() < 1 || plan.height() < 1
                 || (long) plan.strideBytes() * plan.height() * 3 / 2 > Integer.MAX_VALUE) {
@@ -32,7 +32,8 @@ final class PixelReader {
     }
 
     /**
-     * Returns the picture in memory of this description, valid as long as the memory; raw formats have none.
+     * Returns the picture in memory of this description, valid as long as the memory. The format must be YUV
+     * or RGBA.
      */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
@@ -61,7 +62,7 @@ final class PixelReader {
         };
     }
 
-    /** Decodes a JPEG file; null if no decoder accepts it. */
+    /** Decodes a JPEG file; returns null if it can't be decoded. */
     static PixelRows decodeJpeg(byte[] bytes) {
         try {
             BufferedImage image = ImageIO.read(new ByteArrayInputStream(bytes));
@@ -105,7 +106,7 @@ final class PixelReader {
         }
     }
 
-    /** The samples of a raw image. */
+    /** Returns the samples of a raw image. */
     static Mosaic readMosaic(ImagePlan plan, ByteBuffer from) {
         int width = plan.width();
         int[] samples = new int[width * plan.height()];

@@ -16,8 +16,8 @@ import javax.imageio.stream.ImageOutputStream;
 import javax.imageio.stream.MemoryCacheImageOutputStream;
 
 /**
- * A colour picture that is read row by row, so that a large one needs no copy of its pixels. Several threads
- * may read it at once.
+ * A colour picture that is read row by row, so that a large picture needs no copy of its pixels. Several
+ * threads may read at once.
  */
 public interface PixelRows {
     int CHANNELS = 3;
@@ -31,20 +31,20 @@ public interface PixelRows {
 
     int height();
 
-    /** Fills the array with red, green and blue of each pixel of a row, from 0 to 255, with fractions. */
+    /** Fills the array with red, green and blue of each pixel of a row: floats from 0 to 255. */
     void read(int y, float[] to);
 
-    /** Luma by JPEG's weights, of the pixel whose red is at this index. */
+    /** Luma, by JPEG's weights, of the pixel whose red sample is at this index. */
     static float luma(float[] row, int at) {
         return 0.299f * row[at] + 0.587f * row[at + 1] + 0.114f * row[at + 2];
     }
 
-    // Simple compilers call Math.min and Math.max of floats as functions.
+    // Avoids Math.min and Math.max of floats, which simple compilers do not inline.
     static float clip(float value) {
         return value < 0 ? 0 : value > WHITE ? WHITE : value;
     }
 
-    /** Replaces Math.round for samples, which are never negative; compiles to a single instruction. */
+    /** Rounds a sample, which must not be negative. Compiles to fewer instructions than Math.round. */
     static int round(float sample) {
         return (int) (sample + 0.5);
     }
@@ -63,7 +63,7 @@ public interface PixelRows {
         void take(int y, float[] row);
     }
 
-    /** Reads all rows, several in parallel, and passes them on from the top. */
+    /** Reads all rows, several in parallel, and passes them to `taker` from top to bottom. */
     default void forEachRow(RowTaker taker) {
         float[][] rows = new float[BAND][width() * CHANNELS];
         for (int top = 0; top < height(); top += BAND) {
@@ -74,7 +74,7 @@ public interface PixelRows {
         }
     }
 
-    /** Makes an image of the same size, of type TYPE_3BYTE_BGR. */
+    /** Returns an image of the same size, of type TYPE_3BYTE_BGR. */
     default BufferedImage toImage() {
         BufferedImage image = new BufferedImage(width(), height(), BufferedImage.TYPE_3BYTE_BGR);
         byte[] pixels = ((DataBufferByte) image.getRaster().getDataBuffer()).getData();
@@ -88,7 +88,7 @@ public interface PixelRows {
         ImageWriteParam setting = writer.getDefaultWriteParam();
         setting.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
         setting.setCompressionQuality(FAST);
-        // Given the file itself, ImageIO prints a stack trace if it can't write.
+        // Passes a stream: if given a file that it can't write, ImageIO prints a stack trace.
         try (OutputStream bytes = Files.newOutputStream(file);
                 ImageOutputStream png = new MemoryCacheImageOutputStream(bytes)) {
             writer.setOutput(png);

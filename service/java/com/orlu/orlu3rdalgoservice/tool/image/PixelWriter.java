@@ -6,7 +6,9 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/** Writes a picture to memory in one of the formats. Chroma is subsampled 2x2, as in JPEG files. */
+/**
+ * Writes a picture to an image's memory in the image's format. Chroma is subsampled 2x2, as in JPEG files.
+ */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;
@@ -67,7 +69,7 @@ final class PixelWriter {
         return (x, y, sample) -> to.putShort(y * stride + 2 * x, (short) sample);
     }
 
-    // Four samples in five bytes: the upper eight bits of each, then the lower two of all.
+    // Four samples have five bytes: the upper eight bits of each sample, then the lower two bits of all four.
     private static void putPacked10(ByteBuffer to, int row, int x, int sample) {
         int group = row + x / 4 * 5;
         int low = group + 4;

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.nio.ByteBuffer;
 import java.util.Map;
 
-/** Where one plane lies in an image's memory, and which of its bytes are not zero. */
+/** The place of one plane in an image's memory, and statistics of its nonzero bytes. */
 public final class PlaneUse {
     private static final int MOST_BANDS = 48;
     private static final int PERCENT = 100;
@@ -24,8 +24,8 @@ public final class PlaneUse {
     private int mEmptyTail;
 
     /**
-     * Examines a plane; all sizes are in bytes. Bytes outside the memory count as zero; the bytes of a row
-     * after its pixels are padding.
+     * Examines a plane. All sizes are in bytes. Bytes outside the memory count as zero. The padding of a row
+     * is the bytes after its pixels.
      */
     PlaneUse(String name, int offset, int size, int stride, int rowBytes, ByteBuffer memory) {
         mName = name;
@@ -102,7 +102,7 @@ public final class PlaneUse {
         return mUsedPadding;
     }
 
-    /** How many rows at the end have only zero pixels. */
+    /** The number of rows at the end of the plane whose pixels are all zero. */
     public int emptyTail() {
         return mEmptyTail;
     }

@@ -3,14 +3,14 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 /**
- * Shows the progress of long work in one line on standard error that is rewritten. Shows nothing unless the
- * property orlu.terminal has the columns of a terminal. Thread-safe.
+ * Shows the progress of long work in one line on standard error, which each update overwrites. Shows nothing
+ * unless the property orlu.terminal contains the terminal's number of columns. Thread-safe.
  */
 public final class Progress {
     private static final int COLUMNS = Integer.getInteger("orlu.terminal", 0);
     private static final long FIRST_NANOSECONDS = 500_000_000L;
     private static final long PAUSE_NANOSECONDS = 50_000_000L;
-    /** Until then, the first steps are too few for an estimate. */
+    /** Before this time, the steps done are too few for an estimate of the time left. */
     private static final double LEAST_ESTIMATED_SECONDS = 1;
     private static final double NANOSECONDS = 1e9;
     private static final String CLEAR_LINE = "\r\033[K";
@@ -29,7 +29,7 @@ public final class Progress {
             return;
         }
         sNext = now + PAUSE_NANOSECONDS;
-        // A line that the terminal wraps could not be cleared.
+        // Shortens the line, because a wrapped line could not be cleared.
         String shown = Printable.line(line);
         System.err.print(CLEAR_LINE + shown.substring(0, Math.min(shown.length(), COLUMNS - 1)));
         System.err.flush();
@@ -49,14 +49,14 @@ public final class Progress {
                         : ", %.0f s left".formatted(Math.ceil(seconds * (steps - done) / done))));
     }
 
-    /** Clears the line on a terminal. Call it when a request finishes, before printing anything else. */
+    /** Clears the line and ends the present work. Call this before printing anything else. */
     public static synchronized void end() {
         sNext = System.nanoTime() + FIRST_NANOSECONDS;
         sWork = "";
         pause();
     }
 
-    /** Clears the line so that something else can be printed before the work goes on. */
+    /** Clears the line, so that something else can be printed during the present work. */
     public static synchronized void pause() {
         if (sShown) {
             System.err.print(CLEAR_LINE);

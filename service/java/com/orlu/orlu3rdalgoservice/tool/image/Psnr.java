@@ -5,7 +5,7 @@ public final class Psnr {
     private Psnr() {
     }
 
-    /** By luma over all pixels; NaN if the sizes differ, infinite for equal pictures. */
+    /** PSNR of the luma of all pixels; NaN if the sizes differ, infinite if the pictures are equal. */
     public static double ofLuma(PixelRows reference, PixelRows picture) {
         ImageDifference difference = ImageDifference.of(reference, picture);
         return difference == null ? Double.NaN : difference.psnr();
@@ -15,7 +15,7 @@ public final class Psnr {
         return decibel(squares, (long) picture.width() * picture.height(), PixelRows.WHITE);
     }
 
-    /** By all samples of two mosaics; NaN if the sizes differ. */
+    /** PSNR of all samples; NaN if the sizes differ, infinite if the mosaics are equal. */
     public static double ofMosaic(Mosaic reference, Mosaic mosaic) {
         if (reference.width() != mosaic.width() || reference.height() != mosaic.height()) {
             return Double.NaN;

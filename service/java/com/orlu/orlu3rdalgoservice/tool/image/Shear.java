@@ -4,27 +4,27 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Detects shear: each row is shifted against the one above by the same number of pixels, because the image
- * was written with one stride and read with another. In a correct picture, neighbouring rows fit best
+ * Detects shear: each row is shifted against the row above by the same number of pixels, because the image
+ * was written with one stride and read with another. In a correct picture, adjacent rows match best
  * unshifted.
  */
 final class Shear {
     private static final int FARTHEST = 128;
-    /** A slanted edge makes rows fit best at a shift of a pixel or two. */
+    /** The smallest shift that counts: a slanted edge can shift the best match by a pixel or two. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    /** More pairs of rows, or more pixels of a row, do not improve the result. */
+    /** Limits of the compared pairs of rows and pixels per row: more do not improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
-    /** How much better shifted rows must fit than unshifted ones. */
+    /** The least ratio of the differences of unshifted and shifted rows. */
     private static final double RATIO = 1.25;
-    /** In levels; uniform rows fit at any shift. */
+    /** The least mean difference of unshifted rows, in levels: uniform rows match at any shift. */
     private static final double LEAST_DIFFERENCE = 1;
 
     private final int mWidth;
     private final int mRowStep;
     private final int mColumnStep;
-    /** Pairs of rows, one after the other. */
+    /** The rows of all pairs: rows 2n and 2n + 1 are pair n. */
     private final List<float[]> mRows = new ArrayList<>();
 
     Shear(int width, int height) {
@@ -33,14 +33,14 @@ final class Shear {
         mColumnStep = Math.max(2, width / MOST_COLUMNS);
     }
 
-    /** Adds the next row, which the caller owns. All rows must be added, from the top. */
+    /** Adds the next row; keeps no reference to it. All rows must be added, from the top. */
     void add(int y, float[] luma) {
         if (y % mRowStep < 2) {
             mRows.add(smoothed(luma));
         }
     }
 
-    // Means of a few adjacent pixels: noise would hide the match.
+    // Returns means of a few adjacent pixels, because noise would hide the match.
     private float[] smoothed(float[] luma) {
         float[] smooth = new float[mWidth];
         float sum = 0;
@@ -51,7 +51,7 @@ final class Shear {
         return smooth;
     }
 
-    /** Positive to the right, negative to the left; 0 for none. */
+    /** The shift per row: positive to the right, negative to the left, 0 if there is no shear. */
     int pixels() {
         int farthest = Math.min(FARTHEST, mWidth / 4);
         double unmoved = difference(0, farthest, Double.MAX_VALUE);
@@ -70,7 +70,8 @@ final class Shear {
         return Math.abs(best) >= LEAST ? best : 0;
     }
 
-    // The mean difference; stops early with any larger number once it must exceed `most`.
+    // Returns the mean difference of all pairs at this shift. If it exceeds `most`, stops early and returns
+    // any number above `most`.
     private double difference(int move, int margin, double most) {
         int start = margin + SMOOTHED;
         int columns = Math.max(0, (mWidth - margin - start + mColumnStep - 1) / mColumnStep);

@@ -4,9 +4,9 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBufferByte;
 import java.util.Arrays;
 
-/** Makes the image that a page shows: in the picture's size, or reduced by 2, 4 and so on if it is large. */
+/** Makes the image that a page shows: in the picture's size, or reduced by 2, 4, 8, ... if that is large. */
 final class ShownImage {
-    /** Pixels of the longer side; no screen shows more of two images side by side. */
+    /** Limit of the longer side, in pixels: a screen can't show more of two images side by side. */
     private static final int LARGEST_SIDE = 2048;
     private static final int CHANNELS = PixelRows.CHANNELS;
 
@@ -37,7 +37,7 @@ final class ShownImage {
         return shown.image();
     }
 
-    /** Adds the next row, which the caller owns. All rows must be added, from the top. */
+    /** Adds the next row; keeps no reference to it. All rows must be added, from the top. */
     void add(int y, float[] row) {
         int to = y / mFactor;
         if (to >= mHeight) {

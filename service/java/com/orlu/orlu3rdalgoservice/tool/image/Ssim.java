@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.util.stream.IntStream;
 
 /**
- * Structural similarity of two pictures' lumas, 1 for equal ones: the mean over windows of 8x8 pixels, one
- * every 4 pixels. No package of Debian has it for Java.
+ * Structural similarity of the lumas of two pictures, 1 if they are equal: the mean over windows of 8x8
+ * pixels, 4 pixels apart. Computed here because no package of Debian does so for Java.
  */
 public final class Ssim {
     private static final int BLOCK = 4;
@@ -14,13 +14,13 @@ public final class Ssim {
     private static final double COUNT = 64;
     private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
     private static final double C2 = Math.pow(0.03 * PixelRows.WHITE, 2);
-    /** The sums of a block: one, the other, one squared, the other squared, and their product. */
+    /** Sums over a block's pixels: luma of one and of the other picture, both squares, and the product. */
     private static final int SUMS = 5;
 
     private Ssim() {
     }
 
-    /** NaN if the sizes differ or the pictures are smaller than a window. */
+    /** Returns the similarity; NaN if the sizes differ or the pictures are smaller than a window. */
     public static double of(PixelRows one, PixelRows other) {
         int columns = one.width() / BLOCK;
         int rows = one.height() / BLOCK;
@@ -30,7 +30,7 @@ public final class Ssim {
         double[][] windows = new double[rows - 1][columns - 1];
         int bands = (rows - 2) / BAND + 1;
         IntStream.range(0, bands).parallel().forEach(band -> addBand(one, other, band * BAND, windows));
-        // In the order of the windows, since a sum of fractions depends on it.
+        // Adds in the order of the windows, because the order changes a floating-point sum.
         double total = 0;
         for (double[] row : windows) {
             for (double window : row) {

@@ -3,13 +3,13 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 
 /**
- * The layout of a YUV image in memory, in bytes.
+ * The layout of a YUV image in memory. All numbers are in bytes.
  *
- * @param stride       between rows of luma
- * @param chromaStride between rows of chroma
- * @param blue         the offset of the first blue difference
- * @param red          the offset of the first red difference
- * @param step         between chroma samples of the same kind in a row
+ * @param stride       distance between rows of luma
+ * @param chromaStride distance between rows of chroma
+ * @param blue         offset of the first blue difference
+ * @param red          offset of the first red difference
+ * @param step         distance between samples of the same difference in a row
  */
 record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
     static YuvLayout of(ImagePlan plan) {
@@ -25,7 +25,7 @@ record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
         };
     }
 
-    /** The end of the last sample of an image of this size. It can exceed the planes if a size is odd. */
+    /** The end of the last sample of an image of this size. It can exceed the planes if a side is odd. */
     long end(int width, int height) {
         long lastRow = (height - 1) / 2 * (long) chromaStride;
         return 1 + Math.max(blue, red) + lastRow + (width - 1) / 2 * step;
