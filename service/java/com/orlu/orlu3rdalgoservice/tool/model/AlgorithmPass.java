@@ -6,12 +6,12 @@ import java.util.List;
 
 /**
  * The algorithm library's own report on its work for a request: a JSON line in the file that ORLU_ALGO_TRACE
- * names. Libraries other than the stand-in may write none.
+ * names. Libraries other than the stand-in may write no reports.
  *
- * @param ran          the algorithms that did something, in their order
+ * @param ran          the algorithms that did something, in order of execution
  * @param skipped      requested algorithms that did nothing: unknown, or without work
  * @param milliseconds the duration of the work
- * @param frames       its measurements of each frame; empty if it made none
+ * @param frames       measurements of each frame; empty if none were made
  */
 public record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds, List<Frame> frames) {
     /**
@@ -19,7 +19,7 @@ public record AlgorithmPass(List<String> ran, List<String> skipped, double milli
      *
      * @param sharpness a score, larger is sharper; NaN if not measured
      * @param shift     {x, y} in pixels against the base frame; null if not measured
-     * @param kept      whether the frame went into the result
+     * @param kept      whether the result includes the frame
      */
     public record Frame(double sharpness, int[] shift, boolean kept) {
         static Frame of(Event frame) {

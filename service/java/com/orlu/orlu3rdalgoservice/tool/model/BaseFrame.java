@@ -10,14 +10,14 @@ import java.util.stream.IntStream;
 /**
  * The frame that a request's outputs are compared with.
  *
- * @param index   among the request's frames; 0 if it has none
- * @param namedBy the result's tag that names it; "" if it is the first frame by default
+ * @param index   its index among the request's frames; 0 if there are no frames
+ * @param namedBy the result's tag with its timestamp; "" if it is the first frame by default
  */
 public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";
     private static final String SELECTED = "orlu.feedback.frameSelectResult";
 
-    /** Finds it by the base's timestamp, else by that of the only selected frame. */
+    /** Finds it by the base frame's timestamp, else by the timestamp of the only selected frame. */
     public static BaseFrame of(RequestFile request, List<Map<String, Object>> puts) {
         Map<String, Object> put = puts.isEmpty() ? Map.of() : puts.get(0);
         int base = withTimestamp(request, put.get(BASE));
@@ -29,7 +29,7 @@ public record BaseFrame(int index, String namedBy) {
         return base >= 0 ? new BaseFrame(base, SELECTED) : new BaseFrame(0, "");
     }
 
-    // -1 if no frame has this timestamp.
+    // Returns the index of the frame with this timestamp; -1 if there is none.
     private static int withTimestamp(RequestFile request, Object timestamp) {
         List<FramePlan> frames = request.frames().frames();
         return IntStream.range(0, frames.size()).filter(i -> timestamp != null && timestamp.equals(

@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-/** One operation between the two libraries: its begin, and its end if it returned. */
+/** One operation between the two libraries: its begin event, and its end event if it returned. */
 public final class Call {
     private final Event mBegin;
     private Event mEnd;
@@ -21,7 +21,7 @@ public final class Call {
         return mBegin;
     }
 
-    /** The end; null if it has not returned because it blocks or killed the process. */
+    /** The end event; null if the operation has not returned, because it blocks or killed the process. */
     public Event end() {
         return mEnd;
     }
@@ -30,7 +30,7 @@ public final class Call {
         return mEnd != null && mEnd.has("thrown");
     }
 
-    /** Whether it returned this number or handle. */
+    /** Whether the operation returned this number or handle. */
     public boolean returned(long result) {
         return mEnd != null && mEnd.has("result") && mEnd.number("result") == result;
     }

@@ -8,7 +8,8 @@ package com.orlu.orlu3rdalgoservice.tool.model;
  */
 public record CropArea(int x, int y, int width, int height) {
     /**
-     * Packed samples come in groups of four. All formats use this step, so that all images get the same area.
+     * Step of columns: packed formats store groups of four samples. It applies to all formats, so that all
+     * images get the same area.
      */
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
@@ -33,8 +34,8 @@ public record CropArea(int x, int y, int width, int height) {
     }
 
     /**
-     * Places the area in an image of this size. Throws IllegalArgumentException, with the image's name, if
-     * the area is too large.
+     * Returns the area's place in an image of this size. Throws IllegalArgumentException, whose message names
+     * the image, if the area is too large.
      */
     CropArea in(int imageWidth, int imageHeight, String image) {
         CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,

@@ -11,10 +11,10 @@ import java.util.TreeSet;
 /**
  * The parameters that depend on one tag of one frame.
  *
- * @param source     "composition" or "captureResult": where it is or, if absent, where trials put it
- * @param asked      the class that the capture result is asked for; "" if it never is
- * @param parameters "section/key" of each, or "algorithms" for the algorithm list
- * @param together   those that change only if the tag changes in all frames
+ * @param source     "composition" or "captureResult": where the tag is; if absent, where trials put it
+ * @param asked      the class that the library requests from the capture result; "" if it requests none
+ * @param parameters "section/key" of each parameter, or "algorithms" for the algorithm list
+ * @param together   parameters that change only if the tag changes in all frames
  */
 public record Dependence(int frame, String source, String tag, String asked, Set<String> parameters,
         Set<String> together) {

@@ -16,18 +16,18 @@ import java.util.TreeSet;
 /**
  * The results of the trials of one request.
  *
- * @param all      one for each tag that translation reads, by frame
+ * @param all      the dependences: one for each tag of each frame that translation reads
  * @param unsteady parameters that change between translations of the same request
  * @param trials   the number of translations
- * @param seconds  their duration
- * @param problem  why the results are unreliable; "" if they are not
+ * @param seconds  the duration of all translations
+ * @param problem  why the results are unreliable; "" if they are reliable
  */
 public record Dependences(
         List<Dependence> all, Set<String> unsteady, int trials, double seconds, String problem) {
     /** The algorithm list's name among the parameters. */
     public static final String ALGORITHMS = "algorithms";
 
-    /** Returns empty results with the reason. */
+    /** Returns empty results, with the reason. */
     public static Dependences unknown(String problem) {
         return new Dependences(List.of(), Set.of(), 0, 0, problem);
     }
@@ -42,7 +42,7 @@ public record Dependences(
                 .toList();
     }
 
-    /** The effects of a frame's tag; none if it was not read. */
+    /** The effects of a frame's tag; none if translation did not read the tag. */
     public List<Dependence> of(int frame, String tag) {
         return all.stream().filter(each -> each.frame() == frame && each.tag().equals(tag)).toList();
     }
@@ -68,7 +68,7 @@ public record Dependences(
         Files.write(file, requests.stream().map(found -> JsonWriter.line(found.json())).toList());
     }
 
-    /** Reads a file of write(). */
+    /** Reads a file that write() wrote. */
     public static List<Dependences> read(Path file) throws IOException {
         List<Dependences> requests = new ArrayList<>();
         for (String line : Files.readAllLines(file)) {

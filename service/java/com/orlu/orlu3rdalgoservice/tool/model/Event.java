@@ -7,8 +7,8 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * One line of the events. A field that is absent, null or of another type reads as "", 0 or an empty list:
- * the file may come from a stranger.
+ * One line of an events file, which is untrusted: a field that is absent, null or of another type reads as
+ * "", 0 or an empty list.
  */
 public record Event(Json fields) {
     /** The names of callbacks. */
@@ -23,17 +23,17 @@ public record Event(Json fields) {
         return text("event");
     }
 
-    /** The operation of a begin or an end. */
+    /** The operation of a begin or end event. */
     public String operation() {
         return text("op");
     }
 
-    /** Whether this begin of a callback reports a finished request. */
+    /** Whether this callback's begin event reports a finished request. */
     public boolean isShot() {
         return text("name").equals(SHOT);
     }
 
-    /** Whether this begin of a callback carries a light-stream event. */
+    /** Whether this callback's begin event carries a light-stream event. */
     public boolean isLightStream() {
         return text("name").equals(LIGHT_STREAM);
     }
@@ -43,7 +43,7 @@ public record Event(Json fields) {
         return number("t");
     }
 
-    /** How long the operation of an end event took. */
+    /** The duration of an end event's operation. */
     public double milliseconds() {
         return number("ns") / NANOSECONDS_PER_MILLISECOND;
     }

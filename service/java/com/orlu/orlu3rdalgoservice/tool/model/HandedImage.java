@@ -9,12 +9,13 @@ import java.util.Arrays;
 import java.util.List;
 
 /**
- * One image as the algorithm library saw it: an input when it arrived, or an output at the callback.
+ * One image as the algorithm library saw it: an input at the call of process, or an output at the callback.
  *
  * @param call  "process" or "callback"
  * @param kind  "input" or "output"
- * @param text  whether its bytes equal Java's: an input's before the request, an output's after it
- * @param match the result of the same comparison
+ * @param text  its size, and the result of comparing its bytes with Java's image: with an input before the
+ *              request, with an output after it
+ * @param match the result of this comparison
  */
 public record HandedImage(String call, String kind, int index, String text, Match match) {
     public enum Match { SAME, DIFFERENT, UNKNOWN }
@@ -22,7 +23,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
     private static final String AS_IN_JAVA = "as in Java";
     private static final int NOT_KEPT = -2;
 
-    /** All images that the probe kept of a run; none without its pixels. */
+    /** All images that the probe reported in a run; none without the probe's pixels. */
     static List<HandedImage> of(Run run) {
         List<HandedImage> images = new ArrayList<>();
         for (Event event : run.events().events("pixels")) {
@@ -60,8 +61,8 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         return new HandedImage(event.text("at"), kind, (int) index, size + text, match);
     }
 
-    // The first byte that differs from Java's; -1 if none does. An event without its own file has the bytes
-    // that the recorder kept.
+    // Returns the offset of the first byte that differs from Java's image; -1 if there is none; NOT_KEPT if
+    // the library's image has no file. An image that equals Java's has no file of its own.
     private static int mismatch(Run run, Event event, ImageLayout inJava) throws MistakeException {
         if (inJava.file().crc().equals(event.text("crc")) && inJava.size() == event.number("size")) {
             return -1;

@@ -5,7 +5,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** What a request passed to the algorithm library, as the probe recorded it. */
+/** The data that a request passed to the algorithm library, as the probe recorded it. */
 public final class Handover {
     /** The common prefix of all sections. */
     public static final String SECTION_PREFIX = "orlu.algo.";
@@ -22,7 +22,7 @@ public final class Handover {
         mProcess = events.last("process");
     }
 
-    /** Every parameter written, in order; a key written again is listed again. */
+    /** Every parameter written, in order; once for each write of a key. */
     public List<Parameter> parameters() {
         return mParameters;
     }
@@ -32,12 +32,12 @@ public final class Handover {
         return mProcess;
     }
 
-    /** The algorithm list that was passed on; empty without an algorithm pass. */
+    /** The algorithm list passed to the library; empty without an algorithm pass. */
     public List<String> algorithms() {
         return mProcess == null ? List.of() : mProcess.begin().texts("algoList");
     }
 
-    /** Whether a later write replaces the one at this index. */
+    /** Whether a later write of the same key replaces the parameter at this index. */
     public boolean isReplaced(int index) {
         Parameter parameter = mParameters.get(index);
         return mParameters.subList(index + 1, mParameters.size()).stream().anyMatch(parameter::hasKeyOf);

@@ -9,7 +9,7 @@ import java.util.List;
 
 /**
  * Crops an image of a recording: its bytes and its description. Rows and planes keep their trailing padding,
- * so that the memory layout stays the same.
+ * so that the kind of memory layout is preserved.
  */
 final class ImageCrop {
     private final ImageLayout mImage;
@@ -18,7 +18,7 @@ final class ImageCrop {
     private final List<Plane> mPlanes = new ArrayList<>();
     private ImageLayout mCropped;
 
-    // Rows of a plane, or of one of two chroma planes, at an offset in the memory.
+    // Rows of a plane, or of one of two chroma planes. `at` and `newAt` are offsets in the memory.
     private record Plane(int at, int newAt, int stride, int newStride, int newRows, int firstByte,
             int firstRow, int bytes) {
     }
@@ -30,8 +30,8 @@ final class ImageCrop {
     }
 
     /**
-     * Plans the crop. Throws IllegalArgumentException, with this name, if the image is smaller than the area
-     * or its description is invalid. Returns null for a format that can't be cropped.
+     * Plans the crop. Returns null for a format that can't be cropped. Throws IllegalArgumentException, whose
+     * message has this name, if the image is smaller than the area or its description is invalid.
      */
     static ImageCrop of(ImageLayout image, CropArea area, String name) {
         ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
@@ -53,7 +53,7 @@ final class ImageCrop {
         int newRow = mFormat.tightStride(mArea.width());
         int end = 0;
         int newEnd = 0;
-        // A described plane; the second one has all chroma.
+        // Each iteration handles a plane of the description; the second plane has all chroma.
         for (int index = 0; index < (mFormat.isYuv() ? 2 : 1); ++index) {
             int planes = index > 0 && mFormat.isPlanar() ? 2 : 1;
             boolean hasStride = index < strides.length && strides[index] > 0;
@@ -67,7 +67,7 @@ final class ImageCrop {
                 end += stride * (mImage.height() / (1 + index));
                 newEnd += newStride * (mArea.height() / (1 + index));
             }
-            // A plane may end with the last row's pixels, or have padding rows.
+            // A plane may end after the pixels of its last row, or have padding rows.
             boolean hasSize = hasSize(sizes, index);
             if (hasSize) {
                 newEnd += sizes[index] - (end - start);
@@ -85,13 +85,14 @@ final class ImageCrop {
         describe(strides, sizes, newSize);
     }
 
-    // The first plane of several can't take all the memory.
+    // Whether a plane's size is plausible: the first of several planes can't occupy all the memory.
     private boolean hasSize(int[] sizes, int index) {
         int most = index > 0 ? Integer.MAX_VALUE : mFormat.isYuv() ? mImage.size() - 1 : mImage.size();
         return index < sizes.length && sizes[index] > 0 && sizes[index] <= most;
     }
 
-    // The last row may lack its padding, and plane sizes may be less than the rows'.
+    // Throws if rows exceed the memory or a plane. The last row needs no padding; plane sizes may be too
+    // small.
     private void checkMemory(String name, int[] newSizes, int newSize) {
         boolean isLess = Arrays.stream(newSizes).anyMatch(size -> size < 0);
         for (Plane plane : mPlanes) {
@@ -123,7 +124,7 @@ final class ImageCrop {
                 mImage.memory().equals("none") ? 0 : size, mImage.file(), mImage.kept(), mImage.frame());
     }
 
-    /** The description of the cropped image; its file is still the original's. */
+    /** The description of the cropped image. It still has the original's file. */
     ImageLayout image() {
         return mCropped;
     }

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.model;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** Blanks the blocks of a JPEG that its picture does not need. */
+/** Blanks the blocks of a JPEG file that are not needed for its picture. */
 final class JpegBlocks {
     private static final int MARKER = 0xff;
     private static final int START_OF_IMAGE = 0xd8;
@@ -26,8 +26,8 @@ final class JpegBlocks {
 
     /**
      * Returns a copy of the same size in which EXIF and other application blocks, thumbnails, comments, and
-     * bytes outside any block or after the picture are 0. Colour profiles are kept. Returns the array itself
-     * if there is nothing to blank or if it is not a JPEG.
+     * bytes outside any block or after the picture are 0. Keeps colour profiles. Returns the array itself if
+     * there is nothing to blank or if it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -60,7 +60,8 @@ final class JpegBlocks {
         Arrays.fill(mPlain, Math.min(from, mPlain.length), mPlain.length, (byte) 0);
     }
 
-    // A block has its marker, its length without the marker in two bytes, and its contents.
+    // A block consists of its marker, its length in two bytes, which does not include the marker, and its
+    // contents. Returns the offset after the block, and after the scan that follows a start of scan.
     private int afterBlock(int from, int marker) {
         int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);
         int end = Math.min(mBytes.length, from + 2 + Math.max(2, length));
@@ -72,7 +73,8 @@ final class JpegBlocks {
         return end;
     }
 
-    // How many bytes of a block are kept: all of a colour profile, else the marker and the length.
+    // Returns the number of bytes of a block to keep: all of a colour profile, a JFIF block without its
+    // thumbnail, else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);
@@ -89,7 +91,7 @@ final class JpegBlocks {
         return 4;
     }
 
-    // A scan ends at any marker but a restart. A marker's first byte followed by 0 is data.
+    // A scan ends at any marker except a restart. The first byte of a marker followed by 0 is data.
     private int afterScan(int from) {
         int at = from;
         while (at + 1 < mBytes.length) {

@@ -18,19 +18,19 @@ public final class LineFile {
     private final Predicate<String> mWanted;
     private long mRead;
 
-    /** Whether an event line is not a tag look-up. Look-ups are as many as all other events together. */
+    /** Whether an event line is no tag look-up. Look-ups are about as many as all other events together. */
     public static boolean isNoLookup(String line) {
         return !line.contains("\"event\":\"lookup\"");
     }
 
-    /** Reads what is appended from now on. The file may not exist yet; null reads nothing. */
+    /** Reads lines that are appended from now on. The file need not exist yet; null reads nothing. */
     public LineFile(Path file, Predicate<String> wanted) {
         mFile = file;
         mWanted = wanted;
         mRead = file == null ? 0 : file.toFile().length();
     }
 
-    /** Reads the existing lines, and further ones. */
+    /** Reads the existing lines, and lines appended later. */
     public static LineFile fromStart(Path file, Predicate<String> wanted) {
         LineFile lines = new LineFile(file, wanted);
         lines.mRead = 0;
@@ -38,8 +38,8 @@ public final class LineFile {
     }
 
     /**
-     * Returns the wanted lines since the last call. An incomplete line is left for the next call. Throws
-     * IllegalStateException if a line is not a JSON object.
+     * Returns the wanted lines added since the last call. The next call reads an incomplete line again.
+     * Throws IllegalStateException if a line is not a JSON object.
      */
     public List<Json> next() throws IOException {
         List<Json> objects = new ArrayList<>();

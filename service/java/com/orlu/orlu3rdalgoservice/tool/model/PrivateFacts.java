@@ -16,9 +16,9 @@ import java.util.Set;
 import java.util.regex.Pattern;
 
 /**
- * Finds private facts about a person or a machine in a recording, and makes copies without them. A text is
- * kept only if it is short, has common words, and its name does not suggest an identity. If in doubt, a text
- * counts as private.
+ * Finds private facts about a person or a machine in a recording, and makes copies without them. If in
+ * doubt, a text counts as private: it is kept only if it is short, contains only common characters, and has
+ * a name that does not suggest an identity.
  */
 public final class PrivateFacts {
     /** Members of the header that only describe the recording. */
@@ -28,10 +28,10 @@ public final class PrivateFacts {
     private static final Pattern FACE =
             pattern("(?<!sur)(?<!inter)face(s?(num|rect|$)|skin|id|land|score)|outlines|beauty_?pose"
             + "|gender|ismale");
-    /** Names of values that identify, whatever their type. */
+    /** Names of values that may identify a person or machine, whatever their type. */
     private static final Pattern IDENTITY =
             pattern("serial|finger_?print|imei|uuid|account|android_?id|phone|mac_?addr|ssid");
-    /** Names whose texts and bytes may identify. */
+    /** Names of texts and bytes that may identify a person or machine. */
     private static final Pattern IDENTIFYING_TEXT = pattern(
             "(?<!g)host|user|owner|artist|author|copyright|mail|address|unique|calib|otp|eeprom|exif"
             + "|comment|path|folder|file_?name|package|build|product|brand|manufact|model|maker_?note"
@@ -39,8 +39,9 @@ public final class PrivateFacts {
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
     /**
-     * A run of characters in bytes that counts as text, in one or two bytes each. Bounded, because matching
-     * takes stack for each character: 41 are too long for a plain text already.
+     * A run of characters in binary data that counts as text; each has one or two bytes. The length is
+     * bounded, because matching uses stack for each character. 41 characters are already too many for a
+     * plain text.
      */
     private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,41}");
 
@@ -51,7 +52,7 @@ public final class PrivateFacts {
         return Pattern.compile(names, Pattern.CASE_INSENSITIVE);
     }
 
-    /** Faces count as private unless they are to be kept. */
+    /** Faces count as private unless `keepsFaces` is set. */
     public PrivateFacts(boolean keepsFaces) {
         mKeepsFaces = keepsFaces;
     }
@@ -67,7 +68,7 @@ public final class PrivateFacts {
         mFound.merge(kind + ": " + where, 1, Integer::sum);
     }
 
-    /** Finds the facts in a run: in its request, outcome, events and images. */
+    /** Finds the private facts in a run's request, outcome, events and images. */
     public void findAll(Run run) throws MistakeException {
         request(run.root());
         Json outcome = run.outcome();
@@ -138,7 +139,7 @@ public final class PrivateFacts {
         return plain;
     }
 
-    // How this recording was trimmed earlier.
+    // Returns the descriptions of earlier trims, without private facts.
     private List<Object> trimmed(List<Json> cuts) {
         List<Object> plain = new ArrayList<>();
         for (Json cut : cuts) {
@@ -162,7 +163,7 @@ public final class PrivateFacts {
                 "composition", values(frame.get("composition")));
     }
 
-    // Typed values; texts are judged by their names.
+    // Returns the typed values that are not private.
     private Map<String, Object> values(Json values) {
         Map<String, Object> plain = new LinkedHashMap<>();
         values.entries().forEach((name, value) -> {
@@ -217,7 +218,7 @@ public final class PrivateFacts {
         return isKept;
     }
 
-    // A character for each byte; "" for a text that is not hexadecimal.
+    // Returns a character for each byte; "" if the text is not hexadecimal.
     private static String ofHexadecimal(String text) {
         try {
             return new String(HexFormat.of().parseHex(text), StandardCharsets.ISO_8859_1);
@@ -227,8 +228,9 @@ public final class PrivateFacts {
     }
 
     /**
-     * Returns the bytes of an image of this name. A JPEG loses all but its picture: EXIF and other
-     * application blocks, thumbnails, comments, and bytes after the picture.
+     * Returns the bytes of an image without private facts; `name` is the image's file. Of a JPEG, only the
+     * picture remains: application blocks such as EXIF, thumbnails, comments, and bytes after the picture
+     * become 0.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());

@@ -7,13 +7,13 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The events of a period, with each operation's begin and end paired. */
+/** The events of a period. The begin and end events of each operation are paired. */
 public final class RecordedEvents {
     private final List<Event> mEvents = new ArrayList<>();
     private final List<Call> mCalls = new ArrayList<>();
     private final Map<Long, Call> mOpen = new HashMap<>();
 
-    /** Adds lines in the file's order. An end without a begin is not a call. */
+    /** Adds lines in the file's order. An end event without a begin event does not count as a call. */
     public void add(List<Json> lines) {
         for (Json line : lines) {
             add(new Event(line));

@@ -19,7 +19,7 @@ import java.util.Map;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
-/** What one run of a request did, in this process or read from its folder or its events. Immutable. */
+/** One run of a request: made in this process, or read from its folder or its events. Immutable. */
 public final class Run {
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
@@ -82,7 +82,7 @@ public final class Run {
         try {
             run.readOutcome();
         } catch (MistakeException e) {
-            // What was read up to here is used.
+            // Keeps the part of the outcome that was read.
             run.mProblem = problem.isEmpty() ? e.getMessage() : problem;
         }
         run.mHanded.addAll(HandedImage.of(run));
@@ -108,7 +108,8 @@ public final class Run {
     }
 
     /**
-     * A run in this process, named like its files. The pass is null if the library does not report its work.
+     * Returns a run in this process. `name` is that of its files. `pass` is null if the library does not
+     * report its work.
      */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, Ran ran) {
@@ -123,7 +124,7 @@ public final class Run {
         return run;
     }
 
-    /** A run of which only a file of events exists, without images. */
+    /** Returns a run of which only a file of events exists, without images. */
     public static Run ofEvents(Path file) throws MistakeException {
         RecordedEvents events = RunFolder.events(file);
         if (events.calls().isEmpty()) {
@@ -160,16 +161,17 @@ public final class Run {
         return mRequest;
     }
 
-    /** All of request.json, and all of outcome.json; empty objects if missing. */
+    /** The content of request.json; an empty object if missing. */
     public Json root() {
         return mRoot;
     }
 
+    /** The content of outcome.json; an empty object if missing. */
     public Json outcome() {
         return mOutcome;
     }
 
-    /** Who recorded it, and when. */
+    /** The recorder's version, and the time and machine of the recording; empty without request.json. */
     public Json header() {
         return mRoot.at("recording");
     }
@@ -183,27 +185,27 @@ public final class Run {
         return mEvents;
     }
 
-    /** What is wrong with the file of events; empty if it is complete or missing. */
+    /** The problem of the events file; empty if it is complete or missing. */
     public String eventsProblem() {
         return mFolder == null ? "" : RunFolder.eventsProblem(mFolder, mOutcome);
     }
 
-    /** Whether it finished. */
+    /** Whether the run finished and its outcome is readable. */
     public boolean isComplete() {
         return mProblem.isEmpty();
     }
 
-    /** Why it did not finish; empty if it did. */
+    /** Why the run is incomplete; empty if it is complete. */
     public String problem() {
         return mProblem;
     }
 
-    /** Whether its results are known; those of a recording trimmed to fewer frames are unknown. */
+    /** Whether the run's results are known. A recording trimmed to another request has no results. */
     public boolean isKnown() {
         return hasEvents() || !mOutcomes.isEmpty();
     }
 
-    /** Whether the probe recorded it. */
+    /** Whether the probe recorded the run. */
     public boolean hasEvents() {
         return !mEvents.calls().isEmpty();
     }
@@ -232,12 +234,12 @@ public final class Run {
                 .anyMatch(call -> !mOutcomes.getOrDefault(call, "0").equals("0"));
     }
 
-    /** Milliseconds of each call. */
+    /** Duration of each call, in milliseconds. */
     public Map<String, Double> times() {
         return mTimes;
     }
 
-    /** The values put into each frame. */
+    /** The values that the native side put into each frame, by key. */
     public List<Map<String, Json>> puts() {
         return mPuts;
     }
@@ -247,7 +249,7 @@ public final class Run {
         return mRoot.at("frames").elements();
     }
 
-    /** The inputs besides frames and images, by name: "property ...", "client ...". */
+    /** The inputs other than frames and images, by name: "property ...", "client ...", "request type". */
     public Map<String, Json> settings() throws MistakeException {
         Map<String, Json> settings = new LinkedHashMap<>();
         for (String part : List.of("client", "properties")) {
@@ -268,17 +270,17 @@ public final class Run {
         return mRequest == null ? List.of() : mRequest.inputs().stream().map(ImagePlan::layout).toList();
     }
 
-    /** The images for the results, before the run. */
+    /** The output images before the run. */
     public List<ImageLayout> outputs() {
         return mOutputs;
     }
 
-    /** The images as the algorithm library saw them; none if the probe kept none. */
+    /** The images as the algorithm library saw them; none without the probe's pixels. */
     public List<HandedImage> handed() {
         return mHanded;
     }
 
-    /** The images with the results. */
+    /** The output images after the run. */
     public List<ImageLayout> results() {
         return mResults;
     }
@@ -290,7 +292,7 @@ public final class Run {
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.list("trimmed")) {
-            // A copy that was trimmed again counts frames of that copy.
+            // The frames of a further trim are those of the trimmed copy.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
         return text.toString();
@@ -307,7 +309,7 @@ public final class Run {
         return Stream.of(crop, kept, facts).filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
     }
 
-    /** What was passed to the algorithm library. */
+    /** The data passed to the algorithm library. */
     public Handover handover() {
         return mHandover;
     }
@@ -338,12 +340,12 @@ public final class Run {
         return mPass;
     }
 
-    /** What came of the request in this process; empty for a run that was read. */
+    /** The results in this process; empty, except for the inputs, for a run that was read. */
     public Ran ran() {
         return mRan;
     }
 
-    /** The stages in the order of execution, and the milliseconds of each. */
+    /** The stages in the order of execution. */
     public List<Stage> stages() {
         return mStages;
     }
@@ -353,6 +355,7 @@ public final class Run {
         return mStageTimes;
     }
 
+    /** The duration of each stage, in milliseconds. */
     public Map<String, Double> milliseconds() {
         Map<String, Double> times = new LinkedHashMap<>();
         mStages.forEach(stage -> times.put(

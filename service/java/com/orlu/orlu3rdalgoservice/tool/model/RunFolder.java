@@ -26,14 +26,14 @@ public final class RunFolder {
     public static final String REQUEST = "request.json";
     public static final String OUTCOME = "outcome.json";
     public static final String EVENTS = "events.jsonl";
-    /** The name of the file in recordings of version 1. */
+    /** The file of a recording of version 1. */
     private static final String OLD = "recording";
     private static final int MOST_EVENT_BYTES = 1 << 25;
 
     private RunFolder() {
     }
 
-    /** Whether a folder is that of a run, which may be damaged. */
+    /** Whether a folder is the folder of a run, which may be damaged. */
     public static boolean isRun(Path folder) {
         return Stream.of(REQUEST, OUTCOME, OLD).anyMatch(name -> RecordedFile.isRegular(folder
                 .resolve(name)));
@@ -57,8 +57,8 @@ public final class RunFolder {
     }
 
     /**
-     * Returns the only run in a folder, or the folder itself; throws an IllegalArgumentException if there are
-     * several.
+     * Returns the folder itself if it is a run, else the only run in it. Throws an IllegalArgumentException
+     * if there are several runs.
      */
     public static Path only(Path folder) throws MistakeException, IOException {
         List<Path> folders = in(folder);
@@ -74,7 +74,7 @@ public final class RunFolder {
         return read(folder, name, folder.resolve(REQUEST));
     }
 
-    /** Reads a run; its messages name `shownFile` instead. */
+    /** Reads a run. Its messages name `shownFile` instead of its request file. */
     public static Run read(Path folder, String name, Path shownFile) throws MistakeException {
         Path file = folder.resolve(REQUEST);
         Mistakes mistakes = new Mistakes(file.toString());
@@ -105,13 +105,13 @@ public final class RunFolder {
         if (!root.has("recording")) {
             throw root.error("missing field recording; no recorder wrote this file");
         }
-        // A trimmed run may lack its outcome and still be whole.
+        // A trimmed run is complete even without an outcome.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));
         return Run.of(name, folder, request.shownAs(shownFile), root, outcome, isWhole ? "" : problem,
                 mistakes.lines());
     }
 
-    /** What is wrong with the events of an outcome; empty if they are complete or missing. */
+    /** The problem of the events file that an outcome names; empty if the file is complete or not named. */
     static String eventsProblem(Path folder, Json outcome) {
         try {
             Json events = outcome.get("events");
@@ -171,8 +171,9 @@ public final class RunFolder {
     }
 
     /**
-     * Completes the folder of a run whose process died: copies its events from the given file, and the pixels
-     * they name from the given folder (null: none). Returns false for the folder of another run.
+     * Completes the folder of a run whose process died: copies the run's events from the file `events`, and
+     * the pixels that they name from the folder `pixels` unless that is null. Returns false if the folder
+     * needs no completion or lacks the offset of its events.
      */
     public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);

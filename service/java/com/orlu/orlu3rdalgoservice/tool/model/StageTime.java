@@ -8,14 +8,16 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * One of the consecutive stages of a run, which cover it without gaps. The call of processImage is divided
- * by the probe's events.
+ * One of the consecutive stages of a run, which cover the run without gaps. The probe's events divide the
+ * call of processImage into several stages.
  *
- * @param start     by System.nanoTime(), like the end
+ * @param start     by System.nanoTime()
+ * @param end       by System.nanoTime()
  * @param thread    the side whose thread works: Java or the algorithm library
- * @param waits     what Java's thread waits for meanwhile; empty if it works
- * @param faults    page faults of the thread
- * @param allocated bytes that it allocates on Java's heap; -1 if unknown: only Java's stages are measured
+ * @param waits     the event that Java's thread waits for; empty if Java's thread works
+ * @param faults    page faults of the working thread
+ * @param allocated bytes that the working thread allocates on Java's heap; -1 in the parts of processImage,
+ *                  where they are not measured
  * @param passed    bytes of values that the two libraries pass each other
  */
 public record StageTime(String stage, long start, long end, String thread, String waits, long faults,
@@ -24,7 +26,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
     private static final String LIBRARY = "library";
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
-    /** Returns the stages between these marks, of which the last one is the end; none without marks. */
+    /** Returns the stages between these marks; the last mark is the end of the run. None without marks. */
     static List<StageTime> of(List<Mark> marks, RecordedEvents events) {
         List<StageTime> stages = new ArrayList<>();
         for (int i = 0; i + 1 < marks.size(); ++i) {
@@ -45,7 +47,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
         return (end - start) / NANOSECONDS_PER_MILLISECOND;
     }
 
-    /** From the begin of the first stage to the end of the last. */
+    /** Milliseconds from the start of the first stage to the end of the last stage. */
     public static double wholeMilliseconds(List<StageTime> stages) {
         return stages.isEmpty() ? 0
                 : (stages.get(stages.size() - 1).end - stages.get(0).start) / NANOSECONDS_PER_MILLISECOND;
@@ -63,7 +65,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 .mapToLong(event -> event.number("size")).sum();
     }
 
-    /** The parts of a processImage call, or of a full-async request until its result is there. */
+    /** Divides the stage of processImage, which lasts until the result of a full-async request is read. */
     private static final class Division {
         private final RecordedEvents mEvents;
         private final Mark mBegin;
@@ -96,7 +98,8 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                     mEnd.faults() - mFaults);
         }
 
-        // From the end of process to the thread's first call after the callback. False without a callback.
+        // Adds the parts from the end of process to the next event of Java's thread after the callback.
+        // Returns false without a callback.
         private boolean addWait(Call process) {
             Event callback = mEvents.calls("callback").stream().map(Call::begin)
                     .filter(event -> event.number("of") == process.begin().number("n")
@@ -116,7 +119,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
             return true;
         }
 
-        // Page faults of the event's thread when its previous event was written.
+        // Page faults of the event's thread at the thread's previous event.
         private long faultsBefore(Event event) {
             return mEvents.events().stream().filter(other -> other.number("tid") == event.number("tid")
                     && other.time() < event.time()).mapToLong(other -> other.number("faults")).max()
@@ -131,7 +134,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
             return event.number("tid") == mBegin.tid();
         }
 
-        // A part on Java's thread, which ends with one of its events.
+        // Adds a part of Java's thread, which ends at one of the thread's events.
         private void part(String stage, Event end) {
             add(stage, JAVA, "", end.time(), end.number("faults") - mFaults);
             mFaults = end.number("faults");

@@ -18,12 +18,13 @@ import java.util.TreeSet;
 import java.util.regex.Pattern;
 
 /**
- * Writes a smaller copy of a run's folder. With fewer frames or smaller images it becomes another request, so
- * its outcome is left out. Without pixels the outcome stays, except for the outputs' pixels.
+ * Writes a smaller copy of a run's folder. A copy with fewer frames, cropped images or without private facts
+ * is another request, so it has no outcome. A copy that only lacks pixels keeps the outcome, except for the
+ * pixels.
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
-    /** The types and names of tags that hold sizes or places in an image. */
+    /** Types and names of tags with sizes or positions in an image. */
     private static final List<String> SIZE_TYPES = List.of("rect", "regions", "faces");
     private static final Pattern SIZE_TAGS = Pattern.compile(
             "size|crop|region|rect|bounds|active.?array|faces|landmark", Pattern.CASE_INSENSITIVE);
@@ -34,14 +35,14 @@ public final class Trimmer {
     private final CropArea mCrop;
     private final PrivateFacts mPrivate;
     private final List<String> mNotes = new ArrayList<>();
-    /** For each image; null where it stays as it is. */
+    /** The crop of each image; null if the image is unchanged. */
     private final List<ImageCrop> mInputCrops = new ArrayList<>();
     private final List<ImageCrop> mOutputCrops = new ArrayList<>();
     private Path mFolder;
 
     /**
-     * Keeps these frames (all if empty) and this area of each image (everything if null). Removes these
-     * facts; null keeps them.
+     * Keeps these frames (all if `frames` is empty) and this area of each image (everything if `crop` is
+     * null). `withoutFacts` removes private facts, unless null.
      */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
@@ -56,7 +57,7 @@ public final class Trimmer {
         return !mFrames.isEmpty() || mCrop != null || mPrivate != null;
     }
 
-    /** Surprising properties of the copy, known after it is written. */
+    /** Notes on surprising properties of the copy; complete after write(). */
     public List<String> notes() {
         return mNotes;
     }
@@ -215,7 +216,7 @@ public final class Trimmer {
         }
     }
 
-    // The library's versions of the images, if in their own files.
+    // Copies the images as the library saw them, if they have their own files.
     private void copyHanded() throws MistakeException, IOException {
         for (Event event : mRun.events().events("pixels")) {
             Json name = event.fields().get("file");
@@ -254,7 +255,7 @@ public final class Trimmer {
         }
     }
 
-    // The tags of all frames that hold sizes or places in an image.
+    // Returns the names of tags with sizes or positions in an image.
     private Set<String> sizeTags() throws MistakeException {
         Set<String> names = new TreeSet<>();
         for (Json frame : mRun.frames()) {
