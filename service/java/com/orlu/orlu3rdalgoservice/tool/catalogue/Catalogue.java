@@ -14,12 +14,12 @@ import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /**
- * How one part of catalogue.json is printed. scripts/make_catalogue.py writes that file.
+ * One part of catalogue.json and its printed form. scripts/make_catalogue.py writes catalogue.json.
  *
- * @param one     the singular, such as "tag"
+ * @param one     the singular of the part's name, such as "tag"
  * @param help    the description in --help
- * @param columns the fields of a list's line after the name
- * @param below   returns the text below an entry's line
+ * @param columns the fields that a list prints in a line, after the name
+ * @param below   returns the text that a list prints below an entry's line
  */
 public record Catalogue(String one, String help, List<String> columns, Function<Json, String> below) {
     private static final String FILE = "catalogue.json";
@@ -90,7 +90,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
                 .filter(part -> !part.isEmpty()).collect(Collectors.joining("; "));
     }
 
-    // Function names without their files.
+    // Returns the names of functions without their files, after `before`; "" if there are none.
     private static String functions(String before, Json places) {
         String names = places.elements().stream().map(place -> text(place).replaceFirst(" .*", "")).distinct()
                 .collect(Collectors.joining(", "));

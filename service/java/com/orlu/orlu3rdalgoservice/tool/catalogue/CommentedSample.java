@@ -13,7 +13,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.regex.Pattern;
 
-/** Samples with a comment on each tag, as a start for request files. */
+/** Adds a comment on each tag to a sample, as a template for request files. */
 public final class CommentedSample {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");
     private static final String PHOTO = "\"photo\": \"";
@@ -21,13 +21,13 @@ public final class CommentedSample {
     private static final int FURTHER = 4;
     private static final int MOST_NAMES = 7;
     private static final int MOST_VALUES = 4;
-    /** Units that add nothing to the value. */
+    /** Units that are not shown, because they add nothing to the value. */
     private static final List<String> NO_UNITS = List.of("-", "code", "text", "bits");
 
     private CommentedSample() {
     }
 
-    /** Returns the sample of this name, with paths relative to `folder`. */
+    /** Returns the commented sample of this name, with paths relative to `folder`. */
     public static String of(String kind, Path folder) throws IOException {
         Path samples = Path.of(System.getProperty("orlu.launcher")).resolveSibling("samples");
         return commented(kind, Files.readAllLines(samples.resolve(kind + ".json")),
@@ -64,7 +64,7 @@ public final class CommentedSample {
         };
     }
 
-    // The meaning, the unit, and the named values if they are few.
+    // Returns the meaning, the unit, and the named values if they are few.
     private static List<String> comments(String tag, TagFacts facts) {
         List<String> comments = new ArrayList<>();
         comments.add(tag + ": " + facts.meaning()

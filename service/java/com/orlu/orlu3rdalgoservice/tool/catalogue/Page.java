@@ -10,7 +10,7 @@ import java.util.Locale;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Prints entries as readable text, wrapped to the width of the terminal. Nothing is cut. */
+/** Prints entries of the catalogue as text, wrapped to the width of the terminal. */
 public final class Page {
     private static final int GAP = 2;
     private static final int BELOW = 4;
@@ -25,7 +25,7 @@ public final class Page {
         mLayout = new TextLayout(to, TextLayout.TERMINAL);
     }
 
-    /** Prints a line for each entry, its text below, and the number of entries. */
+    /** Prints a line for each entry with its text below, and finally the number of entries. */
     public void list(String part, List<Json> entries) {
         Catalogue catalogue = Catalogue.of(part);
         List<String> fields = Stream.concat(Stream.of("name"), catalogue.columns().stream()).toList();
@@ -53,7 +53,8 @@ public final class Page {
         mTo.println(line.toString().stripTrailing());
     }
 
-    // Returns where columns begin. If they are too wide, the longest names extend into the next column.
+    // Returns the first character of each column. If the columns are too wide, long names extend into the
+    // next.
     private static int[] starts(List<String> heading, List<List<String>> rows) {
         int[] widths = new int[heading.size()];
         Stream.concat(Stream.of(heading), rows.stream()).forEach(row ->
@@ -77,7 +78,7 @@ public final class Page {
         });
     }
 
-    // Short texts share lines; long texts and records get their own.
+    // Prints a field. Single words share lines; a text with blanks or a record has its own line.
     private void field(String label, Json value) {
         String start = "  " + TextLayout.label(label, LABEL - 2);
         if (value.elements().stream().noneMatch(Page::needsLine)) {
@@ -86,7 +87,7 @@ public final class Page {
         }
         int longest = value.elements().stream().mapToInt(element -> first(element).length()).max().orElse(0);
         for (Json element : value.elements()) {
-            // The first value of a record is its key; the other values are aligned in a column.
+            // The first value of a record is its key. The other values are aligned in a column.
             boolean isKeyed = element.entries().size() > 1 && longest <= LONGEST_KEY;
             String key = isKeyed ? TextLayout.label(first(element), longest + GAP) : "";
             String text = Catalogue.text(element);

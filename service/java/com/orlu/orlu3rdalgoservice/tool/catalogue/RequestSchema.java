@@ -45,7 +45,7 @@ public final class RequestSchema {
         return schema;
     }
 
-    // Replaces a member that is an object by a mutable copy, and returns the copy.
+    // Replaces a member, which must be an object, by a mutable copy and returns the copy.
     private static Map<String, Object> opened(Map<String, Object> object, String name)
             throws MistakeException {
         Map<String, Object> copy = new LinkedHashMap<>(((Json) object.get(name)).members());
@@ -57,12 +57,12 @@ public final class RequestSchema {
         return Map.of("$ref", DEFINITIONS + definition);
     }
 
-    // Unknown names are valid: another algorithm library may have them.
+    // Unknown names are valid, because another algorithm library may have further algorithms.
     private static Map<String, Object> algorithm() {
         return Map.of("anyOf", List.of(Map.of("enum", AlgorithmNames.all()), Map.of("type", "string")));
     }
 
-    // JSON schema ignores members beside a reference, so the reference is wrapped.
+    // Wraps a reference in "allOf": JSON schema ignores a description beside a reference.
     private static Map<String, Object> described(String tag, Map<String, Object> type) {
         Map<String, Object> property = new LinkedHashMap<>();
         property.put("description", description(tag));

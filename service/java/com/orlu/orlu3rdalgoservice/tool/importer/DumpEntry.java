@@ -6,7 +6,7 @@ import java.util.List;
  * One entry of a metadata buffer in the camera service's dump.
  *
  * @param line   the line of the entry in the file, from 1
- * @param tag    section and name
+ * @param tag    the tag's section and name
  * @param number the tag's number in hexadecimal
  * @param type   byte, int32, int64, float, double or rational
  * @param count  the number of values in the buffer
@@ -17,7 +17,7 @@ record DumpEntry(int line, String tag, String number, String type, long count, L
         return ":" + line;
     }
 
-    /** Why values are missing or too many; null if they are complete. */
+    /** The problem if values are missing or too many; null if the entry is complete. */
     String incompleteness() {
         if (values.size() == count) {
             return null;

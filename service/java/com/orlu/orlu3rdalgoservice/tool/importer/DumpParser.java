@@ -10,7 +10,7 @@ import java.util.regex.Pattern;
  * entries and reads the rest.
  */
 final class DumpParser {
-    /** More values than a tag can hold. */
+    /** No tag has more values. */
     private static final int MOST_VALUES = 1 << 20;
     /** No dump has longer lines. */
     private static final int LONGEST_LINE = 1 << 20;
@@ -25,7 +25,7 @@ final class DumpParser {
     private final Notes mNotes;
     private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
     private List<DumpEntry> mBuffer;
-    /** The entry that the next lines of values belong to; null after any other text. */
+    /** The entry of the following lines of values; null after other text. */
     private DumpEntry mEntry;
     private int mBufferLine;
     private int mAnnounced = -1;
@@ -86,7 +86,7 @@ final class DumpParser {
         mAnnounced = -1;
     }
 
-    // A line cut before its closing bracket may have lost digits of its last value.
+    // If a line lacks its closing bracket, its last value may lack digits and is dropped.
     private void addValues(DumpEntry entry, String line, int number) {
         if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
             return;

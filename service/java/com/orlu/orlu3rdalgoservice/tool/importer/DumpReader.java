@@ -8,7 +8,7 @@ import java.util.List;
 /** Finds the capture results among the metadata buffers of a dump. */
 final class DumpReader {
     private static final String TIMESTAMP = "android.sensor.timestamp";
-    /** Tags that only occur in a camera's description. */
+    /** Tags that occur only in a camera's description. */
     private static final List<String> OF_DESCRIPTIONS =
             List.of("android.info.supportedHardwareLevel", "android.request.availableCapabilities");
 
@@ -18,7 +18,7 @@ final class DumpReader {
         mNotes = notes;
     }
 
-    /** Returns the frames of a dump; none if it has no buffer. */
+    /** Returns the frames of a dump; none if the dump has no buffer. */
     List<ImportedFrame> frames(List<String> lines) {
         List<List<DumpEntry>> buffers = new ArrayList<>(new DumpParser(mNotes).parse(lines));
         buffers.removeIf(List::isEmpty);

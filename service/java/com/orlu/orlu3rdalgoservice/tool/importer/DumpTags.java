@@ -27,7 +27,7 @@ final class DumpTags {
     private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
     private static final String GPS_METHOD = "android.jpeg.gpsProcessingMethod";
     private static final String GPS_TIME = "android.jpeg.gpsTimestamp";
-    /** Entries that are parts of a tag, and their types. */
+    /** Entries that are combined into one tag, and their types. */
     private static final Map<String, String> PARTS = Map.of(FACE_RECTANGLES, "int32", FACE_SCORES, "byte",
             GPS_COORDINATES, "double", GPS_METHOD, "byte", GPS_TIME, "int64");
 
@@ -67,7 +67,7 @@ final class DumpTags {
         }
     }
 
-    /** The camera layer's type for a tag of this type; null if there is none. */
+    /** The types that an entry for a tag of this type can have; null if no single entry has the tag. */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";
@@ -89,7 +89,7 @@ final class DumpTags {
         }
     }
 
-    // The note adds the file and the line.
+    // The exception has no file and line: the note adds them.
     private static MistakeException damaged(String problem) {
         return new MistakeException("", "", problem);
     }
@@ -135,7 +135,7 @@ final class DumpTags {
         return entry.values().get(0);
     }
 
-    // The dump writes NaN and infinities as C does, a request file as Java does.
+    // Converts NaN and infinities from C's notation, in the dump, to Java's, in request files.
     private static Object number(DumpEntry entry, String text) throws MistakeException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {
@@ -213,7 +213,7 @@ final class DumpTags {
         return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
-    // Like metering regions, faces have four edges; only RECT entries have a corner and a size.
+    // A face has four edges, like a metering region and unlike a RECT entry, which has a corner and a size.
     private void addFaces() {
         DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
         DumpEntry scores = mParts.get(FACE_SCORES);
@@ -234,7 +234,7 @@ final class DumpTags {
         });
     }
 
-    // The entry has seconds, a Location milliseconds.
+    // The time is in seconds in the entry, in milliseconds in a Location.
     private void addLocation() {
         DumpEntry coordinates = mParts.get(GPS_COORDINATES);
         if (coordinates == null) {

@@ -32,12 +32,12 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** Reads the EXIF block of a DNG, TIFF or JPEG file as the tags of a frame. */
+/** Converts the EXIF block of a DNG, TIFF or JPEG file to the tags of a frame. */
 final class ExifReader {
     private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
-    /** The patterns of colour filters (0 red, 1 green, 2 blue), in the order of their numbers. */
+    /** EXIF's colour filter patterns (0 red, 1 green, 2 blue), in the order of the tag's values. */
     private static final List<String> PATTERNS =
             List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
     private static final int FLASH_FIRED = 1;
@@ -52,7 +52,10 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads a JPEG file, or a DNG or another TIFF file. Throws if the file has another structure. */
+    /**
+     * Reads a JPEG file, or a DNG or other TIFF file. Throws if the file is damaged or has another
+     * structure.
+     */
     static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
             Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)
@@ -61,12 +64,12 @@ final class ExifReader {
             reader.addAll();
             return reader.mFrame;
         } catch (ImageProcessingException | IOException | RuntimeException e) {
-            // The library throws unchecked exceptions for damaged files.
+            // The EXIF library throws unchecked exceptions for damaged files.
             throw new MistakeException(file.toString(), "", "can't be read: " + Printable.message(e));
         }
     }
 
-    // The library's own JPEG reader prints a stack trace if an EXIF block is damaged.
+    // Avoids the EXIF library's JPEG reader, which prints a stack trace if an EXIF block is damaged.
     private static Metadata ofJpeg(Path file) throws ImageProcessingException, IOException {
         Metadata metadata = new Metadata();
         for (byte[] segment : JpegSegmentReader.readSegments(file.toFile(), List.of(JpegSegmentType.APP1))
@@ -95,7 +98,7 @@ final class ExifReader {
         addFlash();
         addChoice("android.jpeg.orientation", ExifDirectoryBase.TAG_ORIENTATION, "Orientation",
                 new int[] {-1, 0, -1, 180, -1, -1, 90, -1, 270});
-        // EXIF distinguishes automatic and manual white balance; manual becomes off.
+        // EXIF only distinguishes automatic (0) and manual (1) white balance. Manual becomes "off".
         addChoice("android.control.awbMode", ExifDirectoryBase.TAG_WHITE_BALANCE_MODE, "WhiteBalance",
                 new int[] {1, 0});
         addPattern();
@@ -132,7 +135,7 @@ final class ExifReader {
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
             if (pattern != null && pattern.length >= 4) {
                 mTaken.add(exifTag);
-                // The second tag begins with the pattern's size, two numbers of two bytes.
+                // In the second tag, the pattern follows its size: two numbers of two bytes.
                 byte[] colors = Arrays.copyOfRange(pattern, pattern.length - 4, pattern.length);
                 int number = PATTERNS.indexOf(Arrays.toString(colors));
                 if (number >= 0) {
@@ -180,7 +183,7 @@ final class ExifReader {
         return Double.isFinite(value) ? Math.rint(value) : value;
     }
 
-    // The first directory with the tag, except a thumbnail's.
+    // Returns the first directory with the tag, except a thumbnail's; null if there is none.
     private Directory holding(int tag) {
         for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
             if (directory.containsTag(tag) && !(directory instanceof ExifThumbnailDirectory)) {
@@ -203,7 +206,8 @@ final class ExifReader {
         return number;
     }
 
-    // The first of several numbers, such as speeds by two standards. The library would read 0/0 as 0.
+    // Returns the first of several numbers, such as speeds by two standards. Converts rationals itself,
+    // because the EXIF library reads 0/0 as 0.
     private static Double first(Directory directory, int tag) {
         Object held = directory.getObject(tag);
         if (held != null && held.getClass().isArray() && Array.getLength(held) > 0) {

@@ -10,7 +10,7 @@ import java.util.TreeMap;
 public final class ImportedFrame {
     private final Map<String, Object> mTags = new TreeMap<>();
 
-    /** Adds a tag if its value has the tag's type; otherwise notes the dropped tag. */
+    /** Adds a tag if its value has the tag's type; else drops it with a note. */
     void put(String tag, Object value, String place, Notes notes) {
         String text = JsonWriter.line(value);
         String problem = RequestTags.problemOf(tag, text);
@@ -24,7 +24,7 @@ public final class ImportedFrame {
         }
     }
 
-    /** Adds the tags of the other frame that this frame lacks. */
+    /** Adds those tags of another frame that this frame lacks. */
     void fillFrom(ImportedFrame other) {
         other.mTags.forEach(mTags::putIfAbsent);
     }

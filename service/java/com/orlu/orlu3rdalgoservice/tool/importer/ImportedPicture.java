@@ -15,10 +15,10 @@ import java.util.Map;
  * A file that becomes an input.
  *
  * @param format the input's format
- * @param size   the size of pixels without a header, else null
+ * @param size   the description with the size, for pixels without a header; else null
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
-    /** Reads the header of a file; throws an IOException with the reason if it is invalid. */
+    /** Reads the header of a file. Throws an IOException with the reason if the header is invalid. */
     static ImportedPicture of(Path file, ImageFileKind kind) throws IOException {
         if (kind == ImageFileKind.DNG) {
             DngFile.open(file);
@@ -33,7 +33,7 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
         return new ImportedPicture(file, isEven ? PixelFormat.NV21 : PixelFormat.R8G8B8A8, null);
     }
 
-    /** Returns the input for a request file in this folder. */
+    /** Returns the description of the input for a request file in this folder. */
     Map<String, Object> input(Path folder, int frame) {
         Map<String, Object> input =
                 JsonWriter.object("file", relative(folder, file), "format", format.name());

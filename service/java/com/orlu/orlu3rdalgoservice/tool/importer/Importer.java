@@ -15,8 +15,8 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Collects frames and pictures. A picture is recognised by its extension, an image test's JSON by a leading
- * brace; any other text is a dump, and any other file is pixels without a header.
+ * Collects frames and pictures from files. A picture is recognised by its extension, an image test's JSON by
+ * a leading brace. Any other text file is a dump, any other file contains pixels without a header.
  */
 public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -29,7 +29,7 @@ public final class Importer {
     private final List<ImportedPicture> mPictures = new ArrayList<>();
     private final List<Expected> mExpected = new ArrayList<>();
 
-    /** A picture that a JSON file announces but that is not found yet. */
+    /** A picture that a JSON file lists and that is not found yet. */
     private record Expected(SuiteOutput output, Path json) {
     }
 
@@ -37,7 +37,10 @@ public final class Importer {
         mNotes = notes;
     }
 
-    /** Reads the files, those with only pixels last, as others describe them. Throws for an unknown form. */
+    /**
+     * Reads the files. Files of pixels are read last, because JSON files describe them. Throws if a file has
+     * an unknown form.
+     */
     public void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
@@ -70,7 +73,7 @@ public final class Importer {
         }
     }
 
-    /** The frames of dumps and JSON files; without any, one for each picture's EXIF block. */
+    /** The frames of dumps and JSON files; if there are none, a frame for each picture's EXIF block. */
     public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
     }
@@ -85,7 +88,7 @@ public final class Importer {
         }
     }
 
-    // Pixels contain a zero byte near their start.
+    // Pixels have a zero byte near their start, or a typical extension.
     private static boolean isText(Path file) throws IOException {
         String name = file.getFileName().toString();
         return !name.matches(".*\\.(raw\\d*|yuv|nv\\d\\d|bin)")
@@ -157,7 +160,7 @@ public final class Importer {
         return first;
     }
 
-    // A picture that is not on the command line may lie beside the JSON file, with the same name.
+    // Looks for a picture beside the JSON file, with the JSON file's name and the format's extension.
     private void find(Expected expected) {
         SuiteOutput output = expected.output();
         mNotes.begin(expected.json());

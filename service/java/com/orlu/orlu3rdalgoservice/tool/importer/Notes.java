@@ -6,7 +6,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Notes on what an import drops or reads in an unexpected way, one per line, with place and reason. */
+/** Notes on data that an import drops or reads in an unexpected way: one per line, with place and reason. */
 public final class Notes {
     private static final int MOST = 1000;
 
@@ -31,7 +31,7 @@ public final class Notes {
         return mCount;
     }
 
-    /** The first notes, and the number of the others. */
+    /** The first notes, and a line with the number of further notes. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>(mLines);
         if (mCount > MOST) {

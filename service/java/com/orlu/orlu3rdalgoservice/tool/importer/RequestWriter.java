@@ -18,14 +18,14 @@ public final class RequestWriter {
     private final List<ImportedFrame> mFrames;
     private final List<ImportedPicture> mPictures;
 
-    /** Creates a writer of a request file in this folder. */
+    /** Creates a writer of a request file. Names of image files are relative to `folder`. */
     public RequestWriter(Path folder, Importer imported) {
         mFolder = folder;
         mFrames = imported.frames();
         mPictures = imported.pictures();
     }
 
-    /** Returns the text. Without pictures, inputs are made from the photo, which may be null. */
+    /** Returns the text. Without pictures, inputs are made from `photo`; null for no inputs. */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
         Map<String, Object> request = JsonWriter.object("about", "Imported from " + sources.stream()
                 .map(source -> source.getFileName().toString()).collect(Collectors.joining(", ")),

@@ -17,12 +17,12 @@ import java.util.TreeMap;
  * @param kind   the kind of the file
  */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
-    /** The test's names of formats. YUV pictures have three contiguous planes. */
+    /** The formats by the test's names. YUV pictures have three contiguous planes. */
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,
             "raw10", PixelFormat.MIPI_RAW10, "yuv", PixelFormat.YU12, "jpeg", PixelFormat.JPEG,
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));
 
-    /** The picture described by an element of "outputs"; null if it describes none. */
+    /** Returns the picture that an element of "outputs" describes; null if the description is invalid. */
     static SuiteOutput of(Json output) {
         String name = output.string("format", "");
         int width = output.integer("width", 1, Limits.FILE_SIDE, 0);
@@ -32,7 +32,7 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;
     }
 
-    /** Whether a file of this many bytes can hold it without a header. */
+    /** Whether the picture, without a header, has this many bytes. */
     boolean isOfSize(long bytes) {
         long size = 0;
         for (int plane : format.planeSizes(format.tightStride(width), height, 0)) {

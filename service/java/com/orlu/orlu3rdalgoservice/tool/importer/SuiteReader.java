@@ -44,7 +44,8 @@ final class SuiteReader {
         if (mFrames.isEmpty()) {
             throw shot.error("expected captureResult or captureResults, objects of tags");
         }
-        // The test keeps constant values in the camera's description; here they belong to the result.
+        // The test writes constant values to the camera's description; a request file has them in each
+        // result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));
@@ -92,7 +93,8 @@ final class SuiteReader {
         return true;
     }
 
-    // A value of an unknown form is kept; the note then names the form that its tag's type needs.
+    // Returns a value in the form of request files. Returns a value of unknown form unchanged; then a note
+    // names the form that the tag's type requires.
     private static Object converted(TagType type, Json value) {
         return switch (type) {
             case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;
@@ -125,7 +127,7 @@ final class SuiteReader {
         }
     }
 
-    // The library reads neither eyes nor mouth nor id.
+    // Omits eyes, mouth and id, which the library does not read.
     private static Object face(Json face) {
         try {
             Map<String, Object> edges = new LinkedHashMap<>(face.require("bounds").members());

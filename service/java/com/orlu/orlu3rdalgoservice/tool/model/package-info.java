@@ -1,2 +1,2 @@
-/** What a run did: its events and its recording. */
+/** Represents runs: their events and recordings. */
 package com.orlu.orlu3rdalgoservice.tool.model;

@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.util.List;
 
-/** The algorithms that the library, the stand-in or a sample knows: the names in algorithms.txt. */
+/** The names of algorithms in the library, the stand-in and the samples: those in algorithms.txt. */
 public final class AlgorithmNames {
     private AlgorithmNames() {
     }

@@ -6,7 +6,7 @@ import java.util.Map;
 
 /** The names that a dump prints for values of tags: the rows of enumerations.txt. */
 public final class Enumerations {
-    /** The names of a flag, which has no row of its own. */
+    /** The names of the values of a flag. Flags have no rows in the file. */
     private static final List<String> FLAG = List.of("FALSE", "TRUE");
     private static final Map<String, List<String>> NAMES = new HashMap<>();
 
@@ -17,12 +17,12 @@ public final class Enumerations {
     private Enumerations() {
     }
 
-    /** The value of a name; -1 if the tag lacks it. */
+    /** The value with this name; -1 if the tag has no such name. */
     public static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
     }
 
-    /** The names of a tag's values 0, 1, ...; none for a tag without a row. */
+    /** The names of a tag's values 0, 1, ...; empty for a tag without a row. */
     public static List<String> names(String tag) {
         return NAMES.getOrDefault(tag, List.of());
     }

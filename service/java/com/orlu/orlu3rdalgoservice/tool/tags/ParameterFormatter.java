@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.function.IntFunction;
 import java.util.stream.IntStream;
 
-/** Formats a parameter's value for people. Bytes that don't fit their type are shown in hex. */
+/** Formats a parameter's value for people. Bytes whose size does not match the type are shown in hex. */
 public final class ParameterFormatter {
     private static final int HEX_BYTES = 16;
     private static final int LIST_ELEMENTS = 24;
@@ -36,14 +36,14 @@ public final class ParameterFormatter {
         return formatter.fits(type) ? formatter.value(type) : formatter.hex();
     }
 
-    /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    /** Returns the value for programs: a number, a boolean, a list of numbers, else the text for people. */
     public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
         Object value = formatter.fits(type) ? formatter.plain(type) : null;
         return value != null ? ValueFormatter.json(value) : format(type, bytes);
     }
 
-    // The value as a Java object; null for a record.
+    // Returns the value as a Java object; null for a record.
     private Object plain(ParameterType type) {
         return switch (type) {
             case INT, COUNT -> intAt(0);
@@ -123,8 +123,9 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // A normal float's bits, read as an int, are a time of many hours, so a smaller number is an
-    // int. So are the largest and the smallest int, which mean that the time was too long.
+    // Formats an int or a float. The bits of a normal float, read as an int, would be a time of many days,
+    // so a smaller number is an int. The largest and smallest ints are ints, too: they represent times out
+    // of range.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
@@ -132,7 +133,7 @@ public final class ParameterFormatter {
         return isInt ? Integer.toString(bits) : number(floatAt(0));
     }
 
-    // The shortest form: 2 for 2.0.
+    // Returns the shortest form: 2 for 2.0.
     private static String number(float value) {
         return trimmed(Float.toString(value));
     }

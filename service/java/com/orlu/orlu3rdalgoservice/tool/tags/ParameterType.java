@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.tags;
 
-/** How to read a parameter's bytes. */
+/** The types of parameters, which define the format of their bytes. */
 public enum ParameterType {
     INT("int"),
     INTS("int[]"),
@@ -30,7 +30,7 @@ public enum ParameterType {
     REFOCUS_PACK("refocus"),
     PHASE_DETECTION("pdaf"),
     BYTES("bytes"),
-    /** Missing from parameters.txt. */
+    /** The type of parameters without a row in parameters.txt. */
     UNKNOWN("unknown");
 
     private final String mText;

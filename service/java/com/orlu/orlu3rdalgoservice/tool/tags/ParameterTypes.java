@@ -22,12 +22,12 @@ public final class ParameterTypes {
     private ParameterTypes() {
     }
 
-    /** The type of a parameter; UNKNOWN for one without a row. */
+    /** The type of a parameter; UNKNOWN for a parameter without a row. */
     public static ParameterType of(String section, String key) {
         return TYPES.getOrDefault(section + " " + key, ParameterType.UNKNOWN);
     }
 
-    /** The size of a parameter; -1 for one without a row, or whose size depends on the request. */
+    /** The size of a parameter, in bytes; -1 if it has no row or its size depends on the request. */
     public static int bytes(String section, String key) {
         return BYTES.getOrDefault(section + " " + key, -1);
     }

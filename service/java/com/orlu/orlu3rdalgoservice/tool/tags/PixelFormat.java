@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 import java.util.Arrays;
 import java.util.List;
 
-/** The pixel layouts that the tool reads and writes; names are the native side's. */
+/** The image formats that the tool reads and writes, by the native side's names. */
 public enum PixelFormat {
     NV21,
     NV12,
@@ -15,7 +15,7 @@ public enum PixelFormat {
     R8G8B8A8,
     JPEG;
 
-    /** The format of this name; null if there is none. */
+    /** Returns the format with this name; null if there is none. */
     public static PixelFormat named(String name) {
         return Arrays.stream(values()).filter(format -> format.name().equals(name)).findFirst().orElse(null);
     }
@@ -42,7 +42,7 @@ public enum PixelFormat {
         return this == YU12 || this == YV12;
     }
 
-    /** Bytes per row without padding. A JPEG has no rows; its width counts as one. */
+    /** Bytes per row without padding; the width for a JPEG, which has no rows. */
     public int tightStride(int width) {
         return switch (this) {
             case MIPI_RAW10 -> (width + 3) / 4 * 5;
@@ -57,12 +57,12 @@ public enum PixelFormat {
         return plane > 0 && isPlanar() ? width / 2 : tightStride(width);
     }
 
-    /** Strides of the planes that the native side reads. */
+    /** Row strides of the planes that the native side reads, in bytes. `stride` is the first plane's. */
     public int[] strides(int stride) {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
 
-    /** Bytes of each plane; for a JPEG, its capacity. */
+    /** Bytes of each plane; `capacity` for a JPEG. */
     public int[] planeSizes(int stride, int height, int capacity) {
         if (this == JPEG) {
             return new int[] {capacity};
@@ -70,7 +70,7 @@ public enum PixelFormat {
         return isYuv() ? new int[] {stride * height, stride * height / 2} : new int[] {stride * height};
     }
 
-    /** The platform's number of the format. The service passes it on to release a client. */
+    /** The platform's number of the format. The service passes this number when it releases a client. */
     public int platformCode() {
         return switch (this) {
             case MIPI_RAW10 -> 37;

@@ -19,7 +19,7 @@ final class Table {
     private Table() {
     }
 
-    /** Returns the rows, each of this many columns; throws IllegalStateException if one has fewer. */
+    /** Returns the rows, each with this many columns. Throws IllegalStateException if a row has fewer. */
     static List<String[]> rows(String file, int columns) {
         List<String[]> rows = new ArrayList<>();
         for (String line : lines(file)) {
@@ -32,7 +32,7 @@ final class Table {
         return rows;
     }
 
-    /** Returns the first column, each word once. */
+    /** Returns the words of the first column without duplicates. */
     static List<String> firstWords(String file) {
         Set<String> words = new LinkedHashSet<>();
         for (String line : lines(file)) {

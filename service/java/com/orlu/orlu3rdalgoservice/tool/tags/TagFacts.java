@@ -8,7 +8,7 @@ import java.util.Map;
 /**
  * Facts of a tag besides its type.
  *
- * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for an enumeration, "-" for none
+ * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for an enumeration, "-" for no unit
  * @param meaning one or two sentences
  * @param values  its known values with a meaning
  */
@@ -16,7 +16,7 @@ public record TagFacts(String unit, String meaning, List<Value> values) {
     private static final String NO_UNIT = "-";
     private static final Map<String, TagFacts> TAGS = load();
 
-    /** A value, or "bit-8" for a bit, and its meaning. */
+    /** A value, or "bit-8" for the bit with value 8, and its meaning. */
     public record Value(String value, String meaning) {
     }
 

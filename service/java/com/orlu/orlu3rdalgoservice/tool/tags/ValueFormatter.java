@@ -12,7 +12,7 @@ public final class ValueFormatter {
     private ValueFormatter() {
     }
 
-    /** On one line, with long arrays shortened. */
+    /** Returns the value on one line, with long arrays shortened. */
     public static String text(Object value) {
         if (!value.getClass().isArray()) {
             return value instanceof String ? '"' + (String) value + '"' : value.toString();
@@ -26,7 +26,7 @@ public final class ValueFormatter {
         return "[" + String.join(", ", parts) + rest + "]";
     }
 
-    /** For a JSON writer. Objects become texts. */
+    /** Returns the value for a JSON writer. Objects become texts. */
     public static Object json(Object value) {
         if (value instanceof Object[] objects) {
             return Arrays.stream(objects).map(ValueFormatter::json).toList();
