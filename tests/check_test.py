@@ -89,8 +89,8 @@ FIELDS = [
      "2:37: properties.a: expected a name, and a value of at most 91 bytes",
      "2:138: properties.b: expected text, found 1"),
     (request('"frames": []', ', "fullAsync": true, "algorithms": []'),
-     "2:28: fullAsync: requires a frame to hold the value",
-     "2:48: algorithms: requires a frame to hold the value"),
+     "2:28: fullAsync: requires a frame for the value",
+     "2:48: algorithms: requires a frame for the value"),
     (request('"frames": {"count": 2, "nois": 1, "width": 2, "each": [{"shift": [1, 99]}, 7]}'),
      "2:11: frames: expected both width and height, or neither",
      "2:24: frames.nois: unknown field; expected one of blur, common, count, each, gain, height, noise, "
@@ -133,7 +133,8 @@ TAGS = [
     ("android.sensor.exposureTime", f'"{100 * "a"}"',
      f'expected a number, found "{60 * "a"}..."; the tag is LONG (ns)'),
     ("android.lens.aperture", "1e39",
-     "expected a number that a float holds (up to 3.4028235E38), found 1E39; the tag is FLOAT (f-number)"),
+     "expected a number in the range of a float (up to 3.4028235E38), found 1E39; the tag is FLOAT "
+     "(f-number)"),
     ("android.scaler.cropRegion", "[1, 2]", "expected a list of 4, found 2 elements; the tag is RECT (px)"),
     ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
      'expected exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
@@ -144,7 +145,7 @@ SHOT = '"frames": [{"captureResult": {'
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
      '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
-     '2:41: algorithms[1]: unknown algorithm "nightly"; treated as night for its prefix'),
+     '2:41: algorithms[1]: unknown algorithm "nightly"; treated as night because of its prefix'),
     (request(more=', "properties": {"persist.sys.camera3rd.autotst": "1", "vendor.any": "1"}'),
      '2:65: properties."persist.sys.camera3rd.autotst": this library does not read this property '
      "(did you mean persist.sys.camera3rd.autotest?)"),
@@ -153,8 +154,8 @@ WARNINGS = [
      '2:72: frames[0].composition."orlu.control.camera_id": expected Integer (the tag is INT), found '
      "Long; treated as absent"),
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
-     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 1 night frame of 5 or 7 "
-     "frames, or the first 3 of 9, and HDR frames otherwise; found 5 HDR frames (bit 2), 0 night "
+     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected HDR frames, except for 1 night "
+     "frame of 5 or 7 frames, or the first 3 of 9; found 5 HDR frames (bit 2), 0 night "
      "frames (bit 8) and 0 others"),
     (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
      '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '

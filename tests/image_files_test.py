@@ -138,7 +138,7 @@ def refuses():
              "file: expected a regular file, found another kind: /dev/zero"),
             ({"format": "RAW16", "file": "tight.raw", "width": 16}, "missing field height"),
             ({"format": "RAW16", "width": 16},
-             "width: requires the field file; the pixels come from a photo"),
+             "width: requires the field file; without it, the pixels come from a photo"),
             ({**raw, "stride": 30}, "stride: expected at least 32 bytes, a row of 16 pixels, found 30"),
             ({**raw, "height": 13}, "file: tight.raw: plane 0: expected 416 bytes (416 at 0), found 384"),
             ({**raw, "offset": 1}, "file: tight.raw: plane 0: expected 385 bytes (384 at 1), found 384"),
@@ -152,7 +152,7 @@ def refuses():
              "width: expected 32 as in the header of a.dng, found 18"),
             ({"file": "a.dng", "format": "NV21"}, "file: expected a raw format for a DNG file, found NV21"),
             ({"file": "a.dng", "format": "RAW16", "bits": 9},
-             "file: a.dng: a sample is 1021, more than 9 bits hold (the field bits)"),
+             "file: a.dng: a sample is 1021, too large for 9 bits (the field bits)"),
             ({"file": "a.dng", "format": "RAW16", "offset": 4},
              "offset: unexpected for a file with its own header"),
             ({"file": "deflated.dng", "format": "RAW16"},
@@ -178,8 +178,8 @@ def refuses():
     bits = struct.pack("<HHI", 258, 3, 1)
     Path("bits.tiff").write_bytes(tiff(SAMPLES).replace(bits + b"\x10", bits + b"\x18"))
     done = run_requests(request({"file": "bits.tiff", "format": "RAW16"}), check=True)
-    problem = "bits.tiff: expected at most 16, or 32 or 64 bits a sample, found 24"
-    expect("24 bits a sample", True, problem in done.stderr)
+    problem = "bits.tiff: expected 1 to 16, 32 or 64 bits per sample, found 24"
+    expect("24 bits per sample", True, problem in done.stderr)
     for name in ("text.dng", "cut.png"):
         done = run_requests(request({"file": name, "format": "RAW16"}))
         lines = without_columns(done.stderr)

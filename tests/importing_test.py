@@ -74,14 +74,14 @@ def reads_dump():
     expect("dump's notes", [
         "6: note: android.control.afMode dropped; not a number or a known name: \"SIDEWAYS\"",
         "14: note: android.control.aeLock dropped; unknown tag 10002",
-        "24: note: android.lens.focalLength dropped; other type: int64 instead of float",
+        "24: note: android.lens.focalLength dropped; wrong type: int64 instead of float",
         "39: note: android.statistics.lensShadingMap dropped; incomplete entry: 16 of 884 values are printed",
-        "48: note: orlu.control.isNativeMode dropped; other type: int32[2] instead of one value",
+        "48: note: orlu.control.isNativeMode dropped; wrong type: int32[2] instead of one value",
         "50: note: orlu.control.reqID dropped; incomplete entry: 0 of 1 values are printed",
         "58: note: unknownSection.unknownTag dropped; unknown tag 80ff0001",
-        "61: note: a buffer that is not allocated",
+        "61: note: the buffer is not allocated",
         "64: note: buffer dropped; missing android.sensor.timestamp",
-        "69: note: the buffer describes a camera; its tags are used where a result has none",
+        "69: note: the buffer describes a camera; its tags are added to results that lack them",
         "69: note: android.info.supportedHardwareLevel dropped; unknown tag 150000"],
         sorted((line.split("dump.txt:")[1] for line in lines if "dump.txt:" in line and "note: " in line),
                key=lambda line: int(line.split(":")[0])))
@@ -117,7 +117,7 @@ def reads_suite():
         "captureResults[2]: dropped; not an object of tags",
         "outputs[2]: dropped; expected a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
         "captureRequest: ignored; not a result",
-        "odd.raw: note: dropped; no output of a JSON file has its 383 bytes"],
+        "odd.raw: note: dropped; no output in a JSON file has 383 bytes"],
         [line.split("suite.json: note: ")[-1] for line in lines[:-1]])
     expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)
 
@@ -164,7 +164,7 @@ def drops_odd_exif():
     expect("odd EXIF's notes", [
         "ExposureTime: android.sensor.exposureTime dropped; not a finite number",
         "FNumber: android.lens.aperture dropped; not a finite number",
-        "GPS: android.jpeg.gpsLocation dropped; not a finite place"],
+        "GPS: android.jpeg.gpsLocation dropped; the coordinates are not finite"],
         [line.split("odd.jpg: note: ")[1] for line in lines if "dropped" in line])
 
 
@@ -182,7 +182,8 @@ def survives_damage():
             expect(f"{name} damaged {i}: {told}", [True, True, False],
                    [done.returncode in (0, 2), len(told) == done.returncode // 2,
                     "Exception" in done.stdout + done.stderr])
-    expect("cut dump", ["23: note: the line is cut", "2: note: the buffer has 26 entries, found 9"],
+    expect("cut dump",
+           ["23: note: the line is truncated", "2: note: expected a buffer of 26 entries, found 9"],
            cut_dump_notes())
     Path("link").symlink_to("a.json")
     for arguments, line in ((("none", "--out", "a.json"), "no such file: none"),
@@ -221,7 +222,8 @@ def limits_foreign_files():
          "pixels not used as an input: expected at most 536870912 decoded bytes, found 1024000000"),
         ("wide.png", png_header(20000, 2), "expected sides of at most 16384 pixels, found 20000x2"),
         ("many.txt", (result * 70).encode(), "10 results dropped; a request has at most 60 frames"),
-        ("dots.txt", (result + "a." * 600000 + "\n").encode(), "4: note: dropped; it has 1200000 characters"),
+        ("dots.txt", (result + "a." * 600000 + "\n").encode(),
+         "4: note: line dropped; it has 1200000 characters"),
         ("slow.txt", (result + "." * 900000 + "\n").encode(), "1 frames with 1 tags"),
         ("large.txt", b"a\n" * (5 << 20), "expected at most 8388608 bytes for a dump, found 10485760"),
         ("esc.txt", (result + " android.control.aeMode (1): byte[1]\n [\x1b[2J\x9b\u202e]\n").encode(),
@@ -249,7 +251,7 @@ def cut_dump_notes():
     text = (FORMS / "dump.txt").read_text()
     Path("cut.txt").write_text(text[:text.index("BACK") + 2])
     _, lines = imported("cut.txt")
-    return [line.split("cut.txt:")[1] for line in lines if "is cut" in line or "has 26" in line]
+    return [line.split("cut.txt:")[1] for line in lines if "is truncated" in line or "of 26" in line]
 
 
 with tempfile.TemporaryDirectory() as folder:

@@ -33,7 +33,7 @@ done
 ends 0 '^written all ' trim "$shot" --out all
 info_says '^  callback out 0 .*, differs from Java at byte 1000' all
 ends 0 '^written none ' trim "$shot" --out none --no-pixels
-info_says '^  callback out 0  *[0-9]+ bytes, Java.s is not recorded$' none
+info_says '^  callback out 0  *[0-9]+ bytes, Java.s image is not recorded$' none
 
 echo "== An input that differs from Java's"
 python3 - shots/*-request-103 <<'PYTHON'

@@ -134,9 +134,9 @@ def check_every_layout():
     for area, problem in {
         "12": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 12",
         "8,6,12,10,2": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 8,6,12,10,2",
-        "2,6,12,10": "expected columns that are multiples of 4 and even rows, found 2,6,12,10",
-        "8,3,12,10": "expected columns that are multiples of 4 and even rows, found 8,3,12,10",
-        "0,12": "expected columns that are multiples of 4 and even rows, found 0,12",
+        "2,6,12,10": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 2,6,12,10",
+        "8,3,12,10": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 8,3,12,10",
+        "0,12": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 0,12",
         "24,6,12,10": "12x10 from 24,6 exceeds input 0 of 32x24",
         "36,10": "36x10 exceeds input 0 of 32x24",
     }.items():

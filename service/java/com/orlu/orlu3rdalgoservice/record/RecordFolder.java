@@ -34,7 +34,7 @@ final class RecordFolder {
     /** Creates the folder. `mostBytes` limits its size, `pixels` what it contains. */
     RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
-            throw new IOException("can't make the folder " + folder);
+            throw new IOException("can't create the folder " + folder);
         }
         mFolder = folder;
         mBytesLeft = mostBytes;

@@ -78,7 +78,8 @@ public final class Recording {
             mIsOver = true;
             boolean hasReason = hasReason(e);
             RequestRecorder.warn("recording of request " + idOf(mRequest) + " stopped: " + e
-                    + (hasReason || mFolder == null ? "" : " (no reason in " + mFolder.folder() + ")"));
+                    + (hasReason || mFolder == null ? ""
+                            : "; can't write the reason to " + mFolder.folder()));
         }
     }
 

@@ -31,24 +31,24 @@ public record Catalogue(String one, String help, List<String> columns, Function<
                     + "values in samples.",
                     List.of("type", "unit"), entry -> text(entry.get("meaning"))),
             "algorithms", new Catalogue("algorithm",
-                    "List the algorithms that a request can ask for. For one, also print when the "
-                    + "library adds or removes it, what changes if it is in the list, what is read "
-                    + "back, whether the stand-in runs it, and what became of it in each sample.",
+                    "List the algorithms that a request can ask for. For one algorithm, also print when "
+                    + "the library adds or removes it, its effects on the request, the results read "
+                    + "back, whether the stand-in runs it, and its outcome in each sample.",
                     List.of("standIn"), entry -> text(entry.get("is"))),
             "parameters", new Catalogue("parameter",
-                    "List the parameters that the library hands to the algorithm library (in) and reads "
-                    + "back (out), by section (without orlu.algo.) and key: type and bytes. For one, "
-                    + "also print the functions that write it or read it back, the tags that change it, "
-                    + "and its value without tags.",
+                    "List the parameters that the library passes to the algorithm library (in) and reads "
+                    + "back (out), by section (without orlu.algo.) and key: type and bytes. For one "
+                    + "parameter, also print the functions that write it or read it back, the tags that "
+                    + "change it, and its value without tags.",
                     List.of("type", "bytes", "direction"), Catalogue::belowParameter),
             "formats", new Catalogue("format",
-                    "List the image formats: their pixels, the code that the algorithm library gets, "
-                    + "planes, bytes of a row of W pixels, the treatment of strides, the files that can "
-                    + "fill an image, and the samples that have it.",
+                    "List the image formats: their pixels, and the code that the algorithm library gets. "
+                    + "For one format, also print its planes, the bytes of a row of W pixels, the "
+                    + "treatment of strides, the files that can fill an image, and the samples with it.",
                     List.of("code"), entry -> text(entry.get("is"))),
             "samples", new Catalogue("sample",
                     "List the request files in samples/: what each shows, its frames and algorithms. "
-                    + "For one, also print its images and the tags that few other samples set.",
+                    + "For one sample, also print its images and the tags that few other samples set.",
                     List.of("shape", "algorithms"), entry -> text(entry.get("about"))));
 
     /** Returns a part by its name: tags, algorithms, parameters, formats or samples. */

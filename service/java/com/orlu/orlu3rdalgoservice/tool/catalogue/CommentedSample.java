@@ -51,7 +51,7 @@ public final class CommentedSample {
                     .append('\n');
         }
         return text.insert(text.indexOf("\n") + 1, "  // Made by ./run new " + kind
-                + "; docs/request_files.md says what each field can be.\n").toString();
+                + "; docs/request_files.md describes each field.\n").toString();
     }
 
     private static List<String> comments(String name) {
@@ -59,7 +59,7 @@ public final class CommentedSample {
         return switch (name) {
             case "algorithms" -> List.of("./run algorithms lists them; the library may add and remove some.");
             case "photo" -> List.of(
-                    "The frames are made of this; inputs with a \"file\" come from files instead.");
+                    "The frames are made from this photo; an input with a \"file\" has that file's pixels.");
             default -> facts == null ? List.of() : comments(name, facts);
         };
     }

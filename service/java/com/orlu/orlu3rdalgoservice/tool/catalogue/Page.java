@@ -41,7 +41,7 @@ public final class Page {
             wrap(" ".repeat(BELOW), BELOW, catalogue.below().apply(entries.get(i)));
         }
         mTo.println();
-        mTo.println("%d %s; ./run %s NAME prints everything about one".formatted(rows.size(), part, part));
+        mTo.println("%d %s; ./run %s NAME prints the details of one".formatted(rows.size(), part, part));
     }
 
     private void line(List<String> cells, int[] starts) {

@@ -79,8 +79,8 @@ public final class FilePixels {
             PictureFile.open(mFile.path()).readSamples(measured);
         }
         if (mLargestSample >> mPlan.bits() != 0) {
-            throw new IOException("a sample is " + mLargestSample + ", more than " + mPlan.bits()
-                    + " bits hold (the field bits)");
+            throw new IOException("a sample is " + mLargestSample + ", too large for " + mPlan.bits()
+                    + " bits (the field bits)");
         }
     }
 }

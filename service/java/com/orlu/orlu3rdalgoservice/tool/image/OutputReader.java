@@ -110,7 +110,7 @@ public final class OutputReader {
         }
         int row = format.tightStride(image.mWidth);
         return image.mRowStrides[0] >= row ? "" : "described with rows of " + image.mRowStrides[0]
-                + " bytes, of which " + image.mWidth + " pixels need " + row;
+                + " bytes; " + image.mWidth + " pixels need " + row;
     }
 
     private void readJpeg(int size) {

@@ -38,7 +38,7 @@ final class PixelReader {
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
         if (layout == null && plan.format() != PixelFormat.R8G8B8A8) {
-            throw new IllegalArgumentException(plan.format() + " holds no picture");
+            throw new IllegalArgumentException(plan.format() + " is neither YUV nor RGBA");
         }
         return new PixelRows() {
             @Override

@@ -22,7 +22,7 @@ final class PixelWriter {
             case NV21, NV12, YU12, YV12 -> writeYuv(picture, YuvLayout.of(plan), to);
             case MIPI_RAW10, RAW16, RAW_SENSOR -> Mosaic.of(picture, plan.bits()).copyTo(samples(plan, to));
             case R8G8B8A8 -> writeRgba(picture, plan.strideBytes(), to);
-            case JPEG -> throw new IllegalArgumentException("a JPEG is encoded");
+            case JPEG -> throw new IllegalArgumentException("a JPEG needs encodeJpeg()");
         }
     }
 

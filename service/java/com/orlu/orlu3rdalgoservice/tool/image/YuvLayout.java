@@ -21,7 +21,7 @@ record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
             case NV12 -> new YuvLayout(plan.strideBytes(), chromaStride, chroma, chroma + 1, 2);
             case YU12 -> new YuvLayout(plan.strideBytes(), chromaStride, chroma, second, 1);
             case YV12 -> new YuvLayout(plan.strideBytes(), chromaStride, second, chroma, 1);
-            default -> throw new IllegalArgumentException(plan.format() + " is no YUV format");
+            default -> throw new IllegalArgumentException(plan.format() + " is not a YUV format");
         };
     }
 

@@ -72,7 +72,7 @@ public final class PictureFile {
         for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {
             int bits = sizes.getAsInt(i);
             if (bits > Short.SIZE && bits != Integer.SIZE && bits != Long.SIZE) {
-                throw new IOException("expected at most 16, or 32 or 64 bits a sample, found " + bits);
+                throw new IOException("expected 1 to 16, 32 or 64 bits per sample, found " + bits);
             }
         }
     }
@@ -94,7 +94,7 @@ public final class PictureFile {
     public void readSamples(SampleSink to) throws IOException {
         Raster raster = decode().getRaster();
         if (raster.getNumBands() != 1) {
-            throw new IOException("expected one sample a pixel for a raw format, found "
+            throw new IOException("expected one sample per pixel for a raw format, found "
                     + raster.getNumBands());
         }
         for (int y = 0; y < mHeight; ++y) {

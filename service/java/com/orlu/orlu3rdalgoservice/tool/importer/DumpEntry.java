@@ -24,6 +24,6 @@ record DumpEntry(int line, String tag, String number, String type, long count, L
         }
         return values.size() < count
                 ? "incomplete entry: " + values.size() + " of " + count + " values are printed"
-                : "damaged entry: " + values.size() + " values, its count is " + count;
+                : "damaged entry: " + values.size() + " values instead of " + count;
     }
 }

@@ -40,7 +40,7 @@ final class DumpParser {
             String line = lines.get(i);
             Matcher entry = ENTRY.matcher(line);
             if (line.length() > LONGEST_LINE) {
-                mNotes.add(":" + (i + 1), "dropped; it has " + line.length() + " characters");
+                mNotes.add(":" + (i + 1), "line dropped; it has " + line.length() + " characters");
             } else if (line.contains(BUFFER)) {
                 begin(line, i + 1);
             } else if (entry.matches()) {
@@ -66,7 +66,7 @@ final class DumpParser {
     private void begin(String line, int number) {
         end();
         if (line.contains("Not allocated")) {
-            mNotes.add(":" + number, "a buffer that is not allocated");
+            mNotes.add(":" + number, "the buffer is not allocated");
             return;
         }
         Matcher size = SIZE.matcher(line);
@@ -78,7 +78,7 @@ final class DumpParser {
 
     private void end() {
         if (mBuffer != null && mAnnounced >= 0 && mAnnounced != mBuffer.size()) {
-            mNotes.add(":" + mBufferLine, "the buffer has " + mAnnounced + " entries, found "
+            mNotes.add(":" + mBufferLine, "expected a buffer of " + mAnnounced + " entries, found "
                     + mBuffer.size());
         }
         mBuffer = null;
@@ -103,7 +103,7 @@ final class DumpParser {
             values.addAll(List.of(text.strip().split("\\s+")));
         }
         if (!isWhole) {
-            mNotes.add(":" + number, "the line is cut");
+            mNotes.add(":" + number, "the line is truncated");
             if (!values.isEmpty() && !Character.isWhitespace(line.charAt(line.length() - 1))) {
                 values.remove(values.size() - 1);
             }

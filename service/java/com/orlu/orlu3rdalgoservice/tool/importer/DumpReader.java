@@ -29,8 +29,8 @@ final class DumpReader {
         int dropped = 0;
         for (List<DumpEntry> buffer : buffers) {
             if (OF_DESCRIPTIONS.stream().anyMatch(tag -> has(buffer, tag))) {
-                mNotes.add(buffer.get(0).place(), "the buffer describes a camera; its tags are used where "
-                        + "a result has none");
+                mNotes.add(buffer.get(0).place(), "the buffer describes a camera; its tags are added to "
+                        + "results that lack them");
                 description.fillFrom(DumpTags.of(buffer, mNotes));
                 hasDescription = true;
             } else if (hasResults && !has(buffer, TIMESTAMP)) {

@@ -54,7 +54,7 @@ final class DumpTags {
         if (wanted == null) {
             problem = "unknown tag " + entry.number();
         } else if (!List.of(wanted.split(" ")).contains(entry.type())) {
-            problem = "other type: " + entry.type() + " instead of " + wanted.replace(" ", " or ");
+            problem = "wrong type: " + entry.type() + " instead of " + wanted.replace(" ", " or ");
         } else {
             problem = entry.incompleteness();
         }
@@ -129,7 +129,7 @@ final class DumpTags {
 
     private static String only(DumpEntry entry) throws MistakeException {
         if (entry.values().size() != 1) {
-            throw damaged("other type: " + entry.type() + "[" + entry.count()
+            throw damaged("wrong type: " + entry.type() + "[" + entry.count()
                     + "] instead of one value");
         }
         return entry.values().get(0);
@@ -199,7 +199,7 @@ final class DumpTags {
 
     private static int[][] groups(DumpEntry entry, int size) throws MistakeException {
         if (entry.values().size() % size != 0 || size == 4 && entry.values().isEmpty()) {
-            throw damaged("other type: int32[" + entry.count() + "] instead of groups of "
+            throw damaged("wrong type: int32[" + entry.count() + "] instead of groups of "
                     + size);
         }
         int[][] groups = new int[entry.values().size() / size][size];
@@ -243,7 +243,7 @@ final class DumpTags {
         put(coordinates, "android.jpeg.gpsLocation", () -> {
             List<String> values = coordinates.values();
             if (values.size() != 3) {
-                throw damaged("other type: double[" + values.size() + "] instead of three");
+                throw damaged("wrong type: double[" + values.size() + "] instead of three values");
             }
             Map<String, Object> location = JsonWriter.object("latitude", number(coordinates, values.get(0)),
                     "longitude", number(coordinates, values.get(1)),

@@ -142,7 +142,7 @@ final class ExifReader {
                     put("android.sensor.info.colorFilterArrangement", (double) number, "CFAPattern");
                     return;
                 }
-                mNotes.add("CFAPattern", "dropped; no arrangement is " + Arrays.toString(colors));
+                mNotes.add("CFAPattern", "dropped; unknown arrangement " + Arrays.toString(colors));
             }
         }
     }
@@ -154,7 +154,7 @@ final class ExifReader {
             return;
         }
         if (!Double.isFinite(place.getLatitude()) || !Double.isFinite(place.getLongitude())) {
-            mNotes.add("GPS", "android.jpeg.gpsLocation dropped; not a finite place");
+            mNotes.add("GPS", "android.jpeg.gpsLocation dropped; the coordinates are not finite");
             return;
         }
         Map<String, Object> location = JsonWriter.object(

@@ -257,7 +257,7 @@ public final class Json implements JsonWriter.Source {
     public float single() throws MistakeException {
         float value = (float) real();
         if (Float.isInfinite(value)) {
-            throw needs("a number that a float holds (up to " + Float.MAX_VALUE + ")");
+            throw needs("a number in the range of a float (up to " + Float.MAX_VALUE + ")");
         }
         return value;
     }

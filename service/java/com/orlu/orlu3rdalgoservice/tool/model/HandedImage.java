@@ -45,7 +45,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         if (event.has("kept")) {
             text = "kept: " + event.text("kept");
         } else if (counterpart == null || counterpart.file() == null) {
-            text = "Java's is not recorded";
+            text = "Java's image is not recorded";
         } else {
             try {
                 int at = mismatch(run, event, counterpart);

@@ -57,7 +57,7 @@ public final class LineFile {
             object.members();
             return object;
         } catch (MistakeException e) {
-            throw new IllegalStateException(mFile + " has an odd line: " + line, e);
+            throw new IllegalStateException(mFile + " has an invalid line: " + line, e);
         }
     }
 

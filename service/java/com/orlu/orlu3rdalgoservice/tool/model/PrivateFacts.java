@@ -97,7 +97,7 @@ public final class PrivateFacts {
         if (image.file() != null) {
             withoutFacts(image, image.bytes(), image.file().path().getFileName().toString());
         }
-        keepsText("why an image was not kept", image.kept());
+        keepsText("the reason why an image was not kept", image.kept());
     }
 
     /** Returns the members of a recorded request without private facts; "frames" and "trimmed" are Lists. */

@@ -135,7 +135,7 @@ public final class Run {
         for (Event put : events.events("put")) {
             long frame = put.number("frame");
             if (frame < 0 || frame > events.events().size()) {
-                throw put.fields().error("frame", "expected the number of a frame, found " + frame);
+                throw put.fields().error("frame", "expected the index of a frame, found " + frame);
             }
             while (run.mPuts.size() <= frame) {
                 run.mPuts.add(new LinkedHashMap<>());

@@ -103,7 +103,7 @@ public final class RunFolder {
         mistakes.throwFirst();
         Json root = Json.read(file);
         if (!root.has("recording")) {
-            throw root.error("missing field recording; no recorder wrote this file");
+            throw root.error("missing field recording; the file is not from a recorder");
         }
         // A trimmed run is complete even without an outcome.
         boolean isWhole = root.has("trimmed") && !Files.exists(folder.resolve(OUTCOME));

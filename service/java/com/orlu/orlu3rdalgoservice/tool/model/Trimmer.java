@@ -246,7 +246,7 @@ public final class Trimmer {
             boolean isCropped = mCrop != null && hasSizeOfInputs(image);
             mOutputCrops.add(isCropped ? ImageCrop.of(image, mCrop, name) : null);
             if (mCrop != null && !isCropped) {
-                mNotes.add(name + " has another size than the inputs: unchanged");
+                mNotes.add(name + " differs in size from the inputs: unchanged");
             }
         }
         Set<String> tags = mCrop == null ? Set.of() : sizeTags();

@@ -131,7 +131,7 @@ final class ImageFileReader {
             throw mField.error("expected a JPEG file for the format JPEG");
         }
         if (kind == ImageFileKind.JPEG && mFormat.isRaw()) {
-            throw mField.error("a JPEG file holds no raw samples for " + mFormat);
+            throw mField.error("a JPEG file has no raw samples for " + mFormat);
         }
         if (mFormat.isYuv() && (mWidth % 2 != 0 || mHeight % 2 != 0)) {
             throw mField.error("expected even sides for " + mFormat + ", found " + mWidth + "x" + mHeight);

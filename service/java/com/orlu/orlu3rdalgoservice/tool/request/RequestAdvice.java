@@ -83,7 +83,7 @@ final class RequestAdvice {
                     a.length() > b.length() ? a : b);
             field.warn("unknown algorithm " + Json.quoted(name)
                     + (longest.isEmpty() ? NearestWord.question(name, known)
-                            : "; treated as " + longest + " for its prefix"));
+                            : "; treated as " + longest + " because of its prefix"));
         }
     }
 
@@ -134,8 +134,8 @@ final class RequestAdvice {
             default -> false;
         };
         if (hdr > 0 && !isLayout) {
-            mRoot.get("frames").warn(MODE + " forms no bracket; expected 1 night frame of 5 or 7 "
-                    + "frames, or the first 3 of 9, and HDR frames otherwise; found " + hdr
+            mRoot.get("frames").warn(MODE + " forms no bracket; expected HDR frames, except for 1 night "
+                    + "frame of 5 or 7 frames, or the first 3 of 9; found " + hdr
                     + " HDR frames (bit 2), " + night + " night frames (bit 8) and "
                     + (mFrames.size() - hdr - night) + " others");
         }

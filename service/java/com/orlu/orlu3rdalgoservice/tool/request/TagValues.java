@@ -107,7 +107,7 @@ final class TagValues {
         if (field.isList()) {
             return plainList(field);
         }
-        throw field.needs("a value, or one with its type such as {\"long\": 5}");
+        throw field.needs("a value, or a value with its type such as {\"long\": 5}");
     }
 
     private static Object plainList(Json field) throws MistakeException {

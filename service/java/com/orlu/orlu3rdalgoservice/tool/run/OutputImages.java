@@ -35,7 +35,7 @@ public final class OutputImages {
             if (lines.isEmpty() && input.plan().frame() == base) {
                 String file = !input.plan().isOfPhoto() ? write(OutputReader.of(input), mName + "-base")
                         : writePng(frames.get(base).shot(), mName + "-base");
-                lines.add(file + " (frame " + base + " as it went in)");
+                lines.add(file + " (input frame " + base + ")");
             }
         }
         for (int i = 0; i < outputs.size(); ++i) {

@@ -25,7 +25,7 @@ public final class ServiceClient {
         mHandle = stopwatch.time("create", () -> mService.createNativeClient(mParam));
         int status = stopwatch.time("init", () -> mService.algoInit(mHandle, mParam));
         if (mHandle == 0 || status != 0) {
-            throw new IllegalStateException("the native client can't be made: status " + status);
+            throw new IllegalStateException("the native client can't be created: status " + status);
         }
         if (recorder != null) {
             recorder.addClient(mHandle, mParam);

@@ -53,7 +53,7 @@ public final class JsonTest {
         assertEquals("f:5:1: missing field none", of(root -> root.require("none")));
         assertEquals("f:5:10: list: expected an object, found a list",
                 of(root -> root.get("list").require("none")));
-        assertEquals("f:5:73: \"odd name\".\"a\\u0007\": expected a number that a float holds (up to "
+        assertEquals("f:5:73: \"odd name\".\"a\\u0007\": expected a number in the range of a float (up to "
                 + "3.4028235E38), found 1E39", of(root -> root.get("odd name").get("a\u0007").single()));
         assertEquals("" + Long.MAX_VALUE, of(root -> root.get("long").integer(0, Long.MAX_VALUE)));
         assertEquals("f:6:39: more: expected a whole number from 0 to 9223372036854775807, found "
