@@ -94,7 +94,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 isCalledBack = addWait(process);
             }
             add(process == null ? Mark.PROCESS_IMAGE : isCalledBack ? "results" : "no callback", JAVA,
-                    process == null || isCalledBack ? "" : "a callback that never came", mEnd.time(),
+                    process == null || isCalledBack ? "" : "a callback that never arrived", mEnd.time(),
                     mEnd.faults() - mFaults);
         }
 
