@@ -29,7 +29,7 @@ public final class Orlu3rdAlgoService {
     /** Discards the pending work of a client's algorithms. Ignores both objects. */
     public native int flush(long inst, Object unread, Object param);
 
-    /** Aborts the frame named by "AbortKey" and "AbortVal". */
+    /** Aborts the frame that "AbortKey" and "AbortVal" identify. Ignores other keys without an error. */
     public native int abort(long inst, Object unread, Object param);
 
     /** Returns the algorithm library's answer to "cmd"; null if it has no answer. */
@@ -38,7 +38,7 @@ public final class Orlu3rdAlgoService {
     /** Passes a parameter file in shared memory to the algorithm library, with its name in "identifier". */
     public native int translateParamFiles(long inst, Object sharedMemory, Object param);
 
-    /** Notifies the algorithms that the process will end, and aborts it. Does not return. */
+    /** Notifies the algorithms that the process will end, then aborts the process. Does not return. */
     public native void notify(long inst, Object param);
 
     /**

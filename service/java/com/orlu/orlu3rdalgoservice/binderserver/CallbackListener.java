@@ -6,8 +6,8 @@ import java.util.Map;
 @FunctionalInterface
 public interface CallbackListener {
     /**
-     * Receives one report. The map holds "nativeRequestAddr" for a finished request, "eventType" for a light
-     * stream.
+     * Receives one report. The map contains "nativeRequestAddr" for a finished request, "eventType" for a
+     * light stream.
      */
     void onCallback(long clientId, int algoContextIndex, long requestId, Map<String, Object> values);
 }

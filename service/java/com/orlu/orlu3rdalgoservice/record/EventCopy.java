@@ -66,8 +66,8 @@ final class EventCopy {
     }
 
     // Finds the pixel files by their names in the events: on some file systems, a 32-bit process can't list
-    // the folder. Concurrent requests share the events file, so the id is compared. Returns the omitted
-    // files.
+    // the folder. Concurrent requests share the events file, so only events with this request's id count.
+    // Returns the omitted files.
     private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
             throws IOException {
         List<Object> leftOut = new ArrayList<>();

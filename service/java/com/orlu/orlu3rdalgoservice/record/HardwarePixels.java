@@ -4,7 +4,7 @@ import android.hardware.HardwareBuffer;
 
 import java.nio.ByteBuffer;
 
-/** Maps hardware buffers through liborlu.recorder.so: no public class of the platform can. */
+/** Maps hardware buffers through liborlu.recorder.so, because no public class of the platform can do so. */
 final class HardwarePixels {
     /** Why the library can't be loaded; null if it is loaded. */
     private static final String PROBLEM = load();

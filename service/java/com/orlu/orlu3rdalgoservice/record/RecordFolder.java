@@ -110,7 +110,7 @@ final class RecordFolder {
 
     /**
      * Moves a file with this checksum into the folder, or deletes it if the folder already has the same
-     * bytes. Deletes it and returns false if it exceeds the size limit.
+     * bytes. Deletes the file and returns false if it exceeds the size limit.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

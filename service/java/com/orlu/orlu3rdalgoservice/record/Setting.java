@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.record;
 import java.util.Locale;
 import java.util.function.UnaryOperator;
 
-/** The recorder's settings: Java's system properties, or on a phone the platform's. */
+/** The recorder's settings: Java's system properties, or the platform's properties on a phone. */
 final class Setting {
     private static final String PLATFORM_PREFIX = "persist.vendor.";
 

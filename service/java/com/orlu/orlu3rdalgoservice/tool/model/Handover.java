@@ -13,7 +13,7 @@ public final class Handover {
     private final List<Parameter> mParameters = new ArrayList<>();
     private final Call mProcess;
 
-    /** Takes the events of one request. */
+    /** Reads the events of one request. */
     public Handover(RecordedEvents events) {
         for (Call call : events.calls("setValue")) {
             Event begin = call.begin();

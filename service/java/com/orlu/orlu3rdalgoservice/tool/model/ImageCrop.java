@@ -9,7 +9,7 @@ import java.util.List;
 
 /**
  * Crops an image of a recording: its bytes and its description. Rows and planes keep their trailing padding,
- * so that the kind of memory layout is preserved.
+ * to preserve the memory layout.
  */
 final class ImageCrop {
     private final ImageLayout mImage;

@@ -228,9 +228,9 @@ public final class PrivateFacts {
     }
 
     /**
-     * Returns the bytes of an image without private facts; `name` is the image's file. Of a JPEG, only the
-     * picture remains: application blocks such as EXIF, thumbnails, comments, and bytes after the picture
-     * become 0.
+     * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
+     * picture and colour profile remain: other application blocks such as EXIF, thumbnails, comments, and
+     * bytes after the picture become 0.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());

@@ -11,8 +11,8 @@ import java.util.List;
  *
  * @param name     the format's name for the native side
  * @param hardware whether its memory is a hardware buffer instead of shared memory
- * @param width    in pixels; 0 for the frames' width
- * @param height   in pixels; 0 for the frames' height
+ * @param width    width in pixels; 0 for the frames' width
+ * @param height   height in pixels; 0 for the frames' height
  * @param stride   bytes per row; 0 for rows without padding
  * @param capacity minimum size of its memory, in bytes; 0 for the size of the pixels
  * @param bits     bits of a raw sample

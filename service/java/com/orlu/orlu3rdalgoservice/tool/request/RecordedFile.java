@@ -18,7 +18,7 @@ import java.util.zip.CRC32;
  * A file of a recording, which is untrusted. The file has a plain name in the recording's folder, is a
  * regular file, is opened without following links, and must have exactly the size that the recording states.
  *
- * @param size  in bytes
+ * @param size  size in bytes
  * @param crc   CRC-32 of its bytes in hexadecimal; empty if unknown
  * @param field the member that names the file, for errors
  */

@@ -52,7 +52,7 @@ public final class Burst implements AutoCloseable {
      * @param problems calls that failed or had no callback
      */
     public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {
-        /** From the start of the first stage to the end of the last. */
+        /** The time from the start of the first stage to the end of the last. */
         public Stopwatch.Stage whole() {
             return new Stopwatch.Stage("whole", stages.get(0).start(), stages.get(stages.size() - 1).end());
         }

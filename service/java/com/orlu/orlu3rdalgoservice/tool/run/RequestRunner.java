@@ -63,7 +63,7 @@ public final class RequestRunner implements AutoCloseable {
         /** The results of a request that did not run. */
         public static final Ran NONE = unknown(List.of());
 
-        /** The results, except for the inputs unknown, of a request that ran in another process. */
+        /** The results of a request that ran in another process. Only its inputs are known. */
         public static Ran unknown(List<ImagePlan> inputs) {
             return new Ran(inputs, List.of(), List.of(), List.of(), List.of(), List.of(), 0, 0);
         }

@@ -29,7 +29,7 @@ public final class Stopwatch {
      * @param allocated bytes that the thread has allocated on Java's heap so far
      */
     public record Mark(String stage, int tid, long time, long faults, long allocated) {
-        /** The stage that is divided into parts by the probe's events. */
+        /** The stage that the probe's events divide into parts. */
         public static final String PROCESS_IMAGE = "processImage";
         // Fields of /proc/PID/stat after the command's name, which may contain blanks.
         private static final int MINOR_FAULTS = 7;
