@@ -1,5 +1,6 @@
-// Replaces the JNI function table of a thread's environment during its lifetime: counts every JNI call and
-// records it with its arguments. JNI calls made inside a Java method are not recorded.
+// While it exists, replaces functions in the JNI function table of a thread's environment: those listed in
+// jni_functions.h. Counts their calls and records each with its arguments, except JNI calls made inside a
+// Java method.
 #pragma once
 
 #include <jni.h>

@@ -21,7 +21,7 @@ public:
   const T* data() const { return mMore ? mMore.get() : mUsual.data(); }
   T& operator[](size_t index) { return data()[index]; }
   const T& operator[](size_t index) const { return data()[index]; }
-  // Must not exceed the capacity.
+  // The number of values must not exceed the capacity.
   void push_back(T value) { data()[mSize++] = value; }
 
 private:

@@ -30,8 +30,8 @@ jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env
   return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
 }
 
-// Owns one local reference; a raw jobject parameter is always borrowed in this library. If `env` is null, an
-// enclosing local frame frees the reference instead.
+// Owns one local reference, which the constructor and reset() take over; all other functions of this library
+// borrow a raw jobject parameter. If `env` is null, an enclosing local frame frees the reference instead.
 template <typename T = jobject>
 class ScopedLocalRef {
 public:

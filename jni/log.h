@@ -1,8 +1,9 @@
-// Logging macros. Their tag is the `kLogTag` in scope at the call: a class member or a file constant.
+// Logging macros. Unless a macro has a parameter for the tag or place, the tag is the `kLogTag` in scope at
+// the call: a class member or a file constant.
 //
-// Lines begin with the source file's base name, the line number and an operation, except those of the BARE
-// macros. LOGE() and LOGD() show the enclosing function; helpers show their caller's operation with LOGE_AS()
-// and LOGD_AS(). Errors are always written, debug lines only if the phone maker's log level permits.
+// Lines begin with the source file's base name, the line number and an operation. LOGE() and LOGD() show the
+// enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Errors are always
+// written, debug lines only if the phone maker's log level permits. The BARE macros differ: see below.
 #pragma once
 
 #include <android/log.h>
@@ -16,7 +17,7 @@ inline bool isDebugLogOn() {
   return gVAFCtrlLogLevel < kFirstSilentLogLevel;
 }
 
-// Base name of the including .cpp, computed once per file, because error lines are frequent and rarely read.
+// Base name of the including .cpp, computed once per file, because error lines are frequent.
 [[maybe_unused]] static const char* const kLogFile = get_filename(__BASE_FILE__);
 
 // Source location of a log line, for helpers in headers.

@@ -68,7 +68,7 @@ int MetadataUpdater::getImageFormat() {
   convertMetadata();
 }
 
-// Resets feedback that the algorithms may have left from an earlier request.
+// Writes the initial values of parameters that the algorithms may overwrite, mostly feedback.
 void MetadataUpdater::clearParams() {
   constexpr int64_t kBaseFrameTime = 0;
   constexpr int32_t kBaseFrameIdx = -1;
@@ -95,7 +95,7 @@ int MetadataUpdater::updateWatermarkData() {
   mShot.write<int32_t>(kControl, "update_watermark_from_appvif", fromApp);
   if (fromApp == 0) return 0;
 
-  // Only the type is passed on (Oddity 14).
+  // Of these four values, only the type is passed on (Oddity 14).
   const auto type = mShot.readOr<int32_t>("orlu.control.wm_waterMark_type");
   const auto size = mShot.readOr<Ints<2>>("orlu.control.wm_waterMark_size");
   const auto content = mShot.readOr<Ints<2>>("orlu.control.wm_waterMark_content");

@@ -95,7 +95,7 @@ int64_t wordCount(const native_handle_t& handle) {
   return handle.numFds < 0 || handle.numInts < 0 ? 0 : int64_t{handle.numFds} + handle.numInts;
 }
 
-// Copies a platform handle. If it has kCapacity words or more, copies only their counts.
+// Copies a platform handle. If it has kCapacity words or more, copies only the version and the counts.
 void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   to.version = from.version;
   to.numFds = from.numFds;

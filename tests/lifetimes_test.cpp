@@ -1,6 +1,6 @@
 // Java destroys clients and finishes requests at unusual moments: inside each operation of the algorithm
-// library, before and after each stage, on several threads. Sanitizers check the memory; these tests count
-// blocks.
+// library, around process() and the callback, and on several threads. Sanitizers check the memory; these
+// tests count blocks.
 
 #include <algorithm>
 #include <atomic>
@@ -100,8 +100,8 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   }
 }
 
-// Java is not notified. The client's destruction must finish the request, or Java if it knows the id from
-// elsewhere.
+// Java is not notified. The client's destruction must finish the request; Java can finish it if it knows the
+// id from elsewhere.
 TEST_F(LifetimesTest, AnAnnouncementFails) {
   mAlgo.script.callbacks = 0;
   for (const char* failing : {"NewObjectV", "FindClass", "CallStaticVoidMethodV"}) {
@@ -129,7 +129,8 @@ TEST_F(LifetimesTest, AnAnnouncementFails) {
   }
 }
 
-// Calls every native. Inside each operation that the native calls, destroys its client or another one.
+// Calls each native of the table. Inside each operation that the native calls, destroys its client or another
+// client.
 TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   const std::pair<const char*, std::function<void(int64_t)>> kNatives[] = {
       {"init",      [](int64_t inst) { RequestProcessor::init(env(), inst, nullptr); }                 },

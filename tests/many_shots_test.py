@@ -62,7 +62,7 @@ def check_folder(folder):
 
 
 def check_crash(folder):
-    """A library that kills its process does not prevent the other requests."""
+    """If the library kills the process of one request, the next requests still run."""
     for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
         write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
     result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)

@@ -68,7 +68,7 @@ TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   const LogCapture log;
   for (const auto& captures : {allGoldenTexts(), allGoldenVariations()}) {
     for (const GoldenCase& capture : captures) {
-      // The second run knows the master frames from the start, and lists them.
+      // A second translation has found the master frames already, and logs them.
       runGolden(capture, algo, [](MetadataUpdater& updater) { updater.updateMetadata(); });
     }
   }

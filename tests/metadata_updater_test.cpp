@@ -63,7 +63,7 @@ TEST(MetadataUpdaterLogTest, Level4LeavesErrorsAndTheShortTag) {
   gVAFCtrlLogLevel = before;
 }
 
-// Algorithms name a value by section and key; a shot's tag joins both with a dot.
+// The algorithms request a value by section and key; it is read from the tag "section.key".
 TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   Algo algo;
   algo.script.wanted = {
@@ -91,8 +91,8 @@ TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   }
 }
 
-// A new updater lists its master frames before it knows any. On a second run it knows them, and lists at most
-// sixteen.
+// A new updater writes the list of master frames before it has found any, so the list contains zeros. On a
+// second run, it contains the first sixteen.
 TEST(MetadataUpdaterTest, ListsSixteenFramesAtMost) {
   Algo algo;
   const LogCapture log;
@@ -134,7 +134,7 @@ TEST(MetadataUpdaterTest, ChannelForwardsToTheBlockOfTheRequest) {
   });
 }
 
-// Without a block nothing is stored or read; without frames nothing is translated.
+// Without a parameter block, nothing is stored or read. Null frames do no harm.
 TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
   const test::LocalFrame frame;
   Algo algo;

@@ -73,7 +73,7 @@ protected:
   std::function<void()> mDuring = [] {};  // called during the request
 };
 
-TEST_F(RequestRecorderTest, WhatGoesWrongCostsTheRecordingAlone) {
+TEST_F(RequestRecorderTest, FailuresCostOnlyTheRecording) {
   std::ofstream(mFolder + "/file") << "no folder";
   const jobject closed = test::newSmallImage();
   test::call(test::objectField(closed, "mImageDataShmem", "Landroid/os/SharedMemory;"), "close", "()V");
@@ -136,7 +136,7 @@ TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
   std::filesystem::create_directories(mFolder + "/few/000000-mine");
   const jobject recorder = newRecorder("few", 2, 1 << 20);
   for (int i = 0; i < 4; ++i) run(recorder, mInputs, test::javaList(mCompositions));
-  // A new process continues after the newest recording.
+  // A new recorder continues after the newest recording.
   run(newRecorder("few", 2, 1 << 20), mInputs, test::javaList(mCompositions));
   const std::vector<std::string> kept = {"000000-mine ", "000004-request-8589934593 end",
                                          "000005-request-8589934593 end"};

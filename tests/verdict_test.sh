@@ -30,7 +30,7 @@ capture|throws:createClient|3|createClient threw std::runtime_error: planted
 capture|throws:init|1|init threw std::runtime_error: planted
 capture|throws:process|1|no callback .*; process was called and threw std::runtime_error: planted after [0-9.]+ ms
 capture|silent|1|no callback for request 103 within 10 s; process was called and returned 0 after [0-9.]+ ms
-capture|name|1|no callback for request 103 within 10 s; process .* ms; 1 callback ignored: name "shotcb"
+capture|name|1|no callback for request 103 within 10 s; process .*; 1 callback ignored: unknown name "shotcb"
 capture|id|1|no callback .*; 1 callback ignored: it names the native request 0x1 instead of 0x0
 capture|late|1|no callback .*; 1 callback ignored: it arrived after 11\.[0-9] s
 capture|unattached|0|

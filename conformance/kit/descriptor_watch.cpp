@@ -37,7 +37,7 @@ struct Mapping {
 
 struct Seen {
   std::mutex mutex;
-  std::set<int> callers;            // descriptors that the kit owns
+  std::set<int> callers;            // open when the watch started, or lent to the library
   std::map<int, std::string> kept;  // closed numbers, and where they were closed
   std::deque<int> keptOrder;
   std::map<int, std::string> duplicates;  // open duplicates, and where they were made
@@ -97,11 +97,12 @@ int badDescriptor() {
   return -1;
 }
 
-// Makes a kept number available for reuse. Closes its placeholder if `isClosed`. Requires the lock.
-void giveUp(Seen& all, int fd, bool isClosed) {
+// Stops keeping a number. `closesPlaceholder` is false if dup2 has already replaced the placeholder. Requires
+// the lock.
+void giveUp(Seen& all, int fd, bool closesPlaceholder) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
-  if (isClosed) plainClose(fd);
+  if (closesPlaceholder) plainClose(fd);
 }
 
 // Records a number that a placeholder occupies; gives up the oldest if there are too many. Requires the lock.

@@ -42,7 +42,7 @@ void copyInto(char (&to)[Room], const std::string& text) {
   to[length] = '\0';
 }
 
-// The slot of a thread during its lifetime; null if all slots are taken.
+// The slot that a thread owns until it exits; null if all slots are taken or progress is not shared.
 struct OwnSlot {
   Slot* slot = nullptr;
 

@@ -1,5 +1,6 @@
-// The calls that DescriptorWatch intercepts. Each function performs the call and sets errno as the original
-// does. `caller` is the return address of the call.
+// The calls that DescriptorWatch intercepts. watchedClose, watchedDuplicate and watchedUnmap take the place
+// of the call, and set errno as it does; the other functions only check or record it. `caller` is the return
+// address of the call.
 #pragma once
 
 #include <sys/types.h>

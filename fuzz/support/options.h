@@ -1,4 +1,4 @@
-// Command-line options of the fuzzers: names with a number.
+// Command-line options of the fuzzers. Each takes a number.
 #pragma once
 
 #include <getopt.h>

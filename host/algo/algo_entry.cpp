@@ -33,7 +33,8 @@ private:
   const AlgoScript& mScript;
 };
 
-// Passes calls into the library to the script's observer, but not the callbacks and visits that they cause.
+// Reports calls of the library's operations to the script's observer, but not the callbacks and visits that
+// the operations make.
 class ScriptObserver : public probe::TableObserver {
 public:
   // Never destroyed: tables report to it until the process ends.

@@ -1,4 +1,4 @@
-// One request from process() to its last callback, with copies of the caller's record.
+// One request from process() to its last callback, with its own copy of the caller's data.
 #pragma once
 
 #include <chrono>

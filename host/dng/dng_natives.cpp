@@ -1,4 +1,4 @@
-// liborlu_dng.so: the natives of the command's DngFile.
+// liborlu_dng.so: the natives of the Java class DngFile, which ./run uses.
 
 #include <jni.h>
 

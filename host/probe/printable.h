@@ -33,8 +33,8 @@ inline unsigned characterCode(std::string_view character) {
   return code;
 }
 
-// Returns whether the code point is a control character other than line feed and tab, a line separator, or a
-// character that changes the text direction.
+// Returns whether the code point is a line separator, a character that changes the text direction, or a
+// control character other than line feed and tab.
 inline bool isUnsafe(unsigned code) {
   const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
   const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F ||
@@ -42,7 +42,7 @@ inline bool isUnsafe(unsigned code) {
   return (isControl && code != '\n' && code != '\t') || isDirection;
 }
 
-// Returns the text with unsafe characters as \u001b and the like, and bytes that are not UTF-8 as \xff.
+// Escapes unsafe characters (\u001b), and bytes that are not UTF-8 (\x80).
 inline std::string printable(std::string_view text) {
   std::string safe;
   while (!text.empty()) {

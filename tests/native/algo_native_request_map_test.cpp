@@ -87,7 +87,7 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
     EXPECT_EQ(&block, metadata);
     EXPECT_TRUE(mMap.setAnnounced(id)) << "the library may call back again";
     EXPECT_FALSE(mMap.takeForFinish(id, metadata, list)) << "the request is already taken";
-    EXPECT_EQ(nullptr, mMap.finish(id)) << "the library, or the submission, still uses the block";
+    EXPECT_EQ(nullptr, mMap.finish(id)) << "got a block that the library or the submission still uses";
     EXPECT_EQ(2 - (isAnnounced ? 1 : 0), mLog.count(ANDROID_LOG_DEBUG, kTag, "remove from map reqId = 2"));
     EXPECT_EQ(-1, mMap.getRequestId(id)) << "a finished request is still known";
     EXPECT_FALSE(mMap.setAnnounced(id));
@@ -231,8 +231,8 @@ TEST_F(AlgoNativeRequestMapTest, NoWakeUpIsLost) {
   caller.join();
 }
 
-// Wakes the waiter and removes its request at the same time, so that either may be first. The second frees
-// the record; sanitizers detect a leak or a double free.
+// Removes a request while its woken waiter returns. The later of remove() and the end of the wait frees the
+// record; sanitizers detect a leak or a double free.
 TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
   gVAFCtrlLogLevel = 4;
   for (int round = 0; round < 300 && !timedOut(); ++round) {

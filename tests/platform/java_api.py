@@ -6,7 +6,7 @@ java_api.py [--level N] [--javap JAVAP] [--classes DIR] [--exceptions FILE] LIST
 LISTING declares every public class of the platform in TypeScript; "@since LEVEL" precedes each member that
 is newer than the oldest level. A member is found if, at level N, its class has or inherits a member that
 matches in name, arguments, result and "static". FILE lists the classes and members that LISTING lacks, with
-reasons: "NAME  reason" in each line, where NAME is written as in the reports.
+reasons: "NAME  reason" on each line, where NAME is written as in the reports.
 """
 
 import argparse
@@ -55,12 +55,12 @@ def listed_type(text):
     if array:
         return listed_type(array.group(1)) + "[]"
     text = bare(text)
-    # A constant's type is its value.
+    # For a constant, the listing has its value instead of its type.
     return "number" if re.fullmatch(r"-?[\d.]+(e[+-]?\d+)?", text) else text
 
 
 def type_of(java):
-    """Returns the listing's name of a Java type."""
+    """Returns the listing's name for a Java type."""
     if java.endswith("[]"):
         return type_of(java[:-2]) + "[]"
     java = bare(java).replace("$", ".")
@@ -129,7 +129,7 @@ class Platform:
         if clazz is None:
             return "the platform lists no such class"
         if clazz.since > self.level:
-            return f"since level {clazz.since}, after {self.level}"
+            return f"added in level {clazz.since}, missing from level {self.level}"
         if member is None:
             return None
         candidates = [m for m in self.inherited(name, member.name)
@@ -142,7 +142,7 @@ class Platform:
                                for m in candidates)
             return f"the platform has it with {listed}"
         since = min(m.since for m in fitting)
-        return f"since level {since}, after {self.level}" if since > self.level else None
+        return f"added in level {since}, missing from level {self.level}" if since > self.level else None
 
     def inherited(self, name, member):
         found, todo, done = [], [name], set()
@@ -203,13 +203,13 @@ def read_lookups(folder):
     """Yields (file:line, class, member or None) for each lookup of the platform in jni/."""
     row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
                      r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
-    # A descriptor or class name outside a row; skips constants, which describe our own service's method.
+    # A descriptor or class name outside a lookup; skips constants, which describe our own service's method.
     named = re.compile(r'(?<!\[\] = )"(?:\([^"()]*\)[\w\[/$;]+|\[*L?(?:android|java)/[\w/$]+;?)"')
     for path in sorted(path for kind in ("cpp", "h", "inc") for path in pathlib.Path(folder).glob(f"*.{kind}")):
         text, clazz = path.read_text(encoding="utf-8"), None
         rest = row.sub("", text)
         if named.search(rest):
-            sys.exit(f"{path}: error: {named.search(rest).group()} is in no row that java_api.py reads")
+            sys.exit(f"{path}: error: java_api.py recognises no lookup with {named.search(rest).group()}")
         for match in row.finditer(text):
             kind, name, signature = match.groups()
             place = f"{path}:{text.count(chr(10), 0, match.start()) + 1}"
@@ -266,7 +266,8 @@ def main():
                               text=True).stdout
         asked += [("host/java", clazz, member) for clazz, member in read_javap(text)]
     if not lookups or (options.classes and lookups == len(asked)):
-        sys.exit(f"java_api.py: nothing read: {lookups} lookups, {len(asked) - lookups} of our members")
+        sys.exit(f"java_api.py: expected lookups and members of our classes, found {lookups} and "
+                 f"{len(asked) - lookups}")
 
     failures, excepted = 0, set()
     for place, clazz, member in asked:

@@ -50,10 +50,10 @@ EXPECTED = {
     3: None, 2: None, 1: None,
     4: "the platform has it with (any): boolean",  # not static there
     5: "the platform has it with (any): boolean",
-    6: "since level 31, after 30",
+    6: "added in level 31, missing from level 30",
     8: "the platform has it with ((a: number, b: string)  void, number): java.nio.ByteBuffer",
     9: "the platform has it with static (): number",
-    10: "since level 33, after 30",
+    10: "added in level 33, missing from level 30",
     12: "the platform lists no such class",
     13: "the platform lists no such class",
 }

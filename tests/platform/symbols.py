@@ -4,7 +4,7 @@
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
 OBJECT  code for a phone, compiled but not linked
-FOLDER  headers of the platform; it defines all functions that they declare
+FOLDER  headers of the platform, which is assumed to define all functions that they declare
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
 --others   additional symbols, each with its library
@@ -55,14 +55,14 @@ def main():
     for name in missing:
         users = [file.name for file in options.objects
                  if name in symbols(options.nm, [file], "--undefined-only")]
-        print(f"{users[0]}: error: {name} is in no library of the platform; expected it in its headers, "
-              f"in the listing of its C library or in {options.others}")
+        print(f"{users[0]}: error: {name} is in no library of the platform; expected it in the "
+              f"platform's headers, the C library's listing, a C++ library or {options.others}")
     unused = words(r"(?m)^(\w+) ", [options.others]) - wanted
     for name in sorted(unused):
         print(f"{options.others}: error: remove {name}: no object for a phone uses it")
     if missing or unused:
         sys.exit(1)
-    print(f"{len(wanted)} undefined symbols are in the platform's libraries")
+    print(f"{len(wanted)} undefined symbols are defined by the platform or the kit")
 
 
 if __name__ == "__main__":

@@ -30,7 +30,8 @@ public final class HardwareBuffer implements AutoCloseable {
     /** Creates a buffer of pixels; a BLOB has {@code width} bytes. */
     public static HardwareBuffer create(int width, int height, int format, int layers, long usage) {
         if (width < 1 || height < 1 || layers != 1) {
-            throw new IllegalArgumentException("Invalid size of hardware buffer: " + width + " x " + height);
+            throw new IllegalArgumentException("Invalid size of hardware buffer: " + width + " x " + height
+                    + ", " + layers + " layers");
         }
         return checked(nCreate(width, height, format, layers, usage));
     }

@@ -50,7 +50,7 @@ final class RecordFolder {
         writeAll(name, ByteBuffer.wrap(bytes));
     }
 
-    /** Replaces the outcome by the reason why recording failed. */
+    /** Replaces the outcome with the reason why recording failed. */
     void fail(String what) throws IOException {
         writeAll(OUTCOME, ByteBuffer.wrap(bytes(JsonWriter.object("failed", what), OUTCOME_LEVELS)));
     }
@@ -67,7 +67,8 @@ final class RecordFolder {
                 channel.write(bytes);
             }
         } catch (IOException e) {
-            // A partial file is useless, and the reason for the failure may need its space on the disk.
+            // A partial file is useless, and outcome.json with the reason for the failure may need the disk
+            // space.
             if (file.isFile() && !file.delete()) {
                 RequestRecorder.warn("can't remove " + file);
             }
@@ -109,8 +110,8 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file with this checksum into the folder, or deletes it if the folder already has the same
-     * bytes. Deletes the file and returns false if it exceeds the size limit.
+     * Moves a file with this checksum into the folder, or deletes it if writeBytes() has written a file of
+     * the same checksum and size. Deletes the file and returns false if it exceeds the size limit.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

@@ -1,6 +1,7 @@
 /**
  * The command behind ./run. Its packages are layers; each uses only earlier ones: text, json, tags,
  * imagefile, request, image, check, run, model, judge, explain, compare, importer, catalogue, view, cli. A
- * run produces events and a folder, model.Run represents them, and the later layers present a model.Run.
+ * run produces events and a folder, and model.Run represents them. judge, explain, compare, view and cli
+ * present a model.Run.
  */
 package com.orlu.orlu3rdalgoservice.tool;

@@ -41,7 +41,7 @@ public final class RequestChecker {
         mPhotos = photos;
     }
 
-    /** Checks one file. Throws IllegalArgumentException if the photo of the command line is invalid. */
+    /** Checks one file. Throws IllegalArgumentException if a photo or tag of the command line is invalid. */
     public void check(Path file) {
         Mistakes mistakes = new Mistakes(file.toString());
         mMistakes.add(mistakes);
@@ -79,7 +79,7 @@ public final class RequestChecker {
         }
     }
 
-    // Reports strides that are too small for a row.
+    // Returns the images with their sizes. Reports and omits those whose stride is too small for a row.
     private static List<ImagePlan> sized(List<ImagePlan> images, FrameSize size, Mistakes mistakes) {
         List<ImagePlan> sized = new ArrayList<>();
         for (ImagePlan image : images) {
@@ -112,7 +112,7 @@ public final class RequestChecker {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (ImagePlan image : images) {
             counts.merge(image.format() + " " + image.width() + "x" + image.height()
-                    + (image.file() == null ? "" : " of a file"), 1, Integer::sum);
+                    + (image.file() == null ? "" : " from a file"), 1, Integer::sum);
         }
         return counts.isEmpty() ? "nothing" : counts.entrySet().stream()
                 .map(entry -> (entry.getValue() == 1 ? "" : entry.getValue() + " ") + entry.getKey())

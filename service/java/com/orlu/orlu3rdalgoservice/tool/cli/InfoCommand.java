@@ -55,7 +55,8 @@ final class InfoCommand implements Subcommand {
         PrivateFacts facts = new PrivateFacts(false);
         facts.findAll(run);
         boolean isPlain = facts.lines().isEmpty();
-        System.out.println(Printable.line(run.folder() + (isPlain ? ": nothing found beside the pixels" : "")));
+        System.out.println(Printable.line(
+                run.folder() + (isPlain ? ": nothing found except in the pixels" : "")));
         TextLayout lines = new TextLayout(System.out, TextLayout.REPORT);
         facts.lines().forEach(line -> lines.print(2, line));
     }

@@ -11,7 +11,7 @@ final class LaunchedCommand implements Subcommand {
 
     /**
      * Takes the program's options except --help, separated by blanks; options with a value end in "=". A test
-     * compares the kit's options with the kit's help.
+     * compares the options of "conform" with the help of the conformance kit.
      */
     LaunchedCommand(String options) {
         mOptions = options;

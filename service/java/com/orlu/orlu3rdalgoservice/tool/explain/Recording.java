@@ -22,14 +22,15 @@ final class Recording {
     }
 
     /**
-     * Returns the names that another recording writes with other values or another number of times, and the
-     * names whose order of writing differs.
+     * Returns the names of the parameters that the two translations write with different values, a different
+     * number of times, or in a different order.
      */
     Set<String> differences(byte[] otherRecord) {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
-    // Skips the equal writes at both ends, and decodes only those between: a trial changes few of hundreds.
+    // Skips the equal writes at both ends, because a trial changes only a few of several hundred. Decodes all
+    // writes only if the order differs.
     private Set<String> differences(Recording other) {
         int most = Math.min(count(), other.count());
         int head = 0;

@@ -15,12 +15,13 @@ import java.util.function.Supplier;
 
 /**
  * Makes a request's frames from one photo. Each frame is a shifted part of the photo with blur, gain and
- * noise. Frames are smaller than the photo by the margins for shifts, so that no frame has borders. The same
- * seed makes the same frames.
+ * noise. Frames are smaller than the scaled photo by a margin on each side, so that no shift exceeds its
+ * edge. The same seed makes the same frames.
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
-    // Sizes are multiples of four because packed raw formats store groups of four samples.
+    // Sizes derived from the photo are multiples of four because packed raw formats store groups of four
+    // samples.
     private static final int GROUP = 4;
     // Seven frames of a phone's full photo would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;

@@ -103,7 +103,7 @@ public final class OutputReader {
     /** Why this description is invalid, regardless of the memory's size; empty if it is valid. */
     static String problemOf(PixelFormat format, VImageIPC image) {
         if (image.mWidth < 1 || image.mHeight < 1 || image.mWidth > LARGEST_SIDE) {
-            return "described as " + image.mWidth + "x" + image.mHeight;
+            return "described with an invalid size: " + image.mWidth + "x" + image.mHeight;
         }
         if (image.mRowStrides == null || image.mRowStrides.length == 0) {
             return "described without a row stride";

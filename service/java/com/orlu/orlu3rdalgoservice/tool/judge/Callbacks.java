@@ -34,13 +34,13 @@ public final class Callbacks {
         return mProcess != null && mCallbacks.stream().noneMatch(callback -> isEndInTime(callback.begin()));
     }
 
-    /** Returns whether a callback finished the request, in time or late. */
+    /** Returns whether the request's callback arrived, even if it was ignored. */
     public boolean hasEnd() {
         return mCallbacks.stream().anyMatch(callback -> isEnd(callback.begin()));
     }
 
-    /** Returns why callbacks were ignored: each reason once, with its count if it occurred several times. */
-    List<String> ignored() {
+    /** Describes the ignored callbacks: their number, and each reason once with its count; "" for none. */
+    String ignored() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call callback : mCallbacks) {
             String reason = ignored(callback);
@@ -48,9 +48,13 @@ public final class Callbacks {
                 counts.merge(reason, 1, Integer::sum);
             }
         }
+        if (counts.isEmpty()) {
+            return "";
+        }
         List<String> reasons = new ArrayList<>();
         counts.forEach((reason, count) -> reasons.add(reason + (count == 1 ? "" : " (" + count + " times)")));
-        return reasons;
+        int all = counts.values().stream().mapToInt(Integer::intValue).sum();
+        return all + (all == 1 ? " callback" : " callbacks") + " ignored: " + String.join(", ", reasons);
     }
 
     private boolean isEnd(Event callback) {
@@ -82,11 +86,11 @@ public final class Callbacks {
             return "no name in its " + callback.number("size") + " bytes";
         }
         if (!callback.isShot() && !callback.isLightStream()) {
-            return "name \"" + callback.text("name") + "\"";
+            return "unknown name \"" + callback.text("name") + "\"";
         }
         if (callback.isShot() && !isOfRequest(callback)) {
-            return "it names the native request " + callback.text("nativeReq") + " instead of "
-                    + (mProcess == null ? "none" : mProcess.begin().text("nativeReq"));
+            return "it names the native request " + callback.text("nativeReq") + (mProcess == null
+                    ? ", but no request was submitted" : " instead of " + mProcess.begin().text("nativeReq"));
         }
         if (isUnreachable(callback)) {
             return "its thread " + callback.text("tid") + " \"" + callback.text("thread")

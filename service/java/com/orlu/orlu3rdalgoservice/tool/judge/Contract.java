@@ -18,15 +18,18 @@ import java.util.Set;
 
 /**
  * Checks the calls between the service and the algorithm library against their contract
- * (docs/conformance.md), in the order of the events' file. The probe writes a call's begin before the call,
- * and its end after it. So the begin of a call that destroys an address precedes the end of the call that
- * returns the same address again, whichever threads make them.
+ * (docs/conformance.md), in the order of the events' file. The probe writes the event "begin" before the
+ * call, and "end" after the call. So the "begin" of a call that destroys an address precedes the "end" of
+ * the call that returns the same address again, whichever threads make them.
  */
 public final class Contract {
     /** The offset of the name in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
-    /** The service waits ten seconds for a synchronous request; then it may destroy the request's block. */
+    /**
+     * The service waits ten seconds for a synchronous request; then it may destroy the request's block.
+     * A tenth of a second less, so that inexact timers cause no breach.
+     */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
     /**
      * The number of finished requests that are remembered. A callback for an older request counts as one for
@@ -78,7 +81,7 @@ public final class Contract {
         return List.copyOf(mBreaches.values());
     }
 
-    // A header starts another process, in which earlier addresses have no meaning.
+    // A header is the first event of a process, in which addresses of earlier events have no meaning.
     private void clear() {
         List.of(mOpen, mEnding, mCookies, mPending).forEach(Map::clear);
         List.of(mClients, mBlocks, mFinished).forEach(Set::clear);
@@ -154,7 +157,7 @@ public final class Contract {
         }
     }
 
-    // Checks the size of a result in the library, which the probe reads during getValue.
+    // Checks the size of a result that the library stores. The probe reads the size during getValue.
     private void held(Event event) {
         mOpen.values().stream().filter(open -> open.operation().equals("getValue")
                 && open.number("tid") == event.number("tid")).findFirst().ifPresent(open -> {

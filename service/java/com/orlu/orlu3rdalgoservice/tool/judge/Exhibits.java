@@ -25,6 +25,7 @@ public final class Exhibits {
     private final List<ImageExhibit> mOutputs = new ArrayList<>();
     private final List<Object> mDifferences = new ArrayList<>();
     private int mBase;
+    private boolean mHasBase;
     private String mNamedBy = "";
     private boolean mIsLost;
 
@@ -64,6 +65,7 @@ public final class Exhibits {
                 .findFirst().orElse(-1));
         PixelRows base = mInputs.isEmpty() || mInputs.get(mBase).frame() != baseFrame.index() ? null
                 : mInputs.get(mBase).picture();
+        mHasBase = base != null;
         for (int i = 0; i < outputs.size(); ++i) {
             addDifference(i, ImageDifference.of(base, mOutputs.get(i).picture()));
             mOutputs.get(i).letPixelsGo();
@@ -123,7 +125,8 @@ public final class Exhibits {
 
     /** Returns inputs, outputs and differences. "large" is absent if a picture exists only as a small one. */
     public Map<String, Object> json() {
-        return JsonWriter.object("base", mBase, "baseNamedBy", mNamedBy, "lost", mIsLost,
+        return JsonWriter.object("base", mBase, "hasBase", mHasBase, "baseNamedBy", mNamedBy,
+                "lost", mIsLost,
                 "inputs", mInputs.stream().map(ImageExhibit::json).toList(),
                 "outputs", mOutputs.stream().map(ImageExhibit::json).toList(),
                 "differences", mDifferences);

@@ -79,20 +79,15 @@ public final class Judge {
         if (process.end() != null) {
             text += " after %.1f ms".formatted(process.end().milliseconds());
         }
-        List<String> ignored = mCallbacks.ignored();
-        return ignored.isEmpty() ? text : text + "; " + ignoredText(ignored);
-    }
-
-    private static String ignoredText(List<String> ignored) {
-        return ignored.size() + (ignored.size() == 1 ? " callback" : " callbacks") + " ignored: "
-                + String.join(", ", ignored);
+        String ignored = mCallbacks.ignored();
+        return ignored.isEmpty() ? text : text + "; " + ignored;
     }
 
     // Also applies to successful requests: a light-stream event may be lost, or a message misspelt.
     private void checkIgnored() {
-        List<String> ignored = mCallbacks.ignored();
+        String ignored = mCallbacks.ignored();
         if (!ignored.isEmpty()) {
-            mReasons.add(ignoredText(ignored));
+            mReasons.add(ignored);
         }
     }
 

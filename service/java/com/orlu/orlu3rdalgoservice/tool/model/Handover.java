@@ -43,7 +43,7 @@ public final class Handover {
         return mParameters.subList(index + 1, mParameters.size()).stream().anyMatch(parameter::hasKeyOf);
     }
 
-    /** "section/key" of each key written more than once, with the number of writes. */
+    /** Returns the names of the parameters written more than once, with the number of writes. */
     public Map<String, Integer> repeatedKeys() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         mParameters.forEach(parameter -> counts.merge(parameter.name(), 1, Integer::sum));

@@ -18,7 +18,8 @@ final class ImageCrop {
     private final List<Plane> mPlanes = new ArrayList<>();
     private ImageLayout mCropped;
 
-    // Rows of a plane, or of one of two chroma planes. `at` and `newAt` are offsets in the memory.
+    // The rows of a plane in memory; a planar format's description combines two of these planes, U and V.
+    // `at` and `newAt` are offsets in the memory.
     private record Plane(int at, int newAt, int stride, int newStride, int newRows, int firstByte,
             int firstRow, int bytes) {
     }
@@ -31,7 +32,7 @@ final class ImageCrop {
 
     /**
      * Plans the crop. Returns null for a format that can't be cropped. Throws IllegalArgumentException, whose
-     * message has this name, if the image is smaller than the area or its description is invalid.
+     * message contains `name`, if the image is smaller than the area or its description is invalid.
      */
     static ImageCrop of(ImageLayout image, CropArea area, String name) {
         ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
@@ -48,7 +49,7 @@ final class ImageCrop {
         int row = mFormat.tightStride(mImage.width());
         if (strides.length == 0 || strides[0] < row) {
             throw new IllegalArgumentException("--crop: " + name + " has rows of "
-                    + (strides.length == 0 ? "unknown size" : strides[0] + " bytes"));
+                    + (strides.length == 0 ? "unknown size" : strides[0] + " bytes; its width needs " + row));
         }
         int newRow = mFormat.tightStride(mArea.width());
         int end = 0;
@@ -91,8 +92,8 @@ final class ImageCrop {
         return index < sizes.length && sizes[index] > 0 && sizes[index] <= most;
     }
 
-    // Throws if rows exceed the memory or a plane. The last row needs no padding; plane sizes may be too
-    // small.
+    // Throws if rows exceed the memory, or if the cropped planes overlap. A plane's size may be too small for
+    // its rows, and the last row needs no padding.
     private void checkMemory(String name, int[] newSizes, int newSize) {
         boolean isLess = Arrays.stream(newSizes).anyMatch(size -> size < 0);
         for (Plane plane : mPlanes) {
@@ -102,11 +103,11 @@ final class ImageCrop {
             boolean hasFile = mImage.file() != null;
             if (hasFile && last > mImage.size() || plane.newStride() < plane.bytes()) {
                 throw new IllegalArgumentException(
-                        "--crop: " + name + " has " + mImage.size() + " bytes, fewer than its rows");
+                        "--crop: " + name + " has " + mImage.size() + " bytes, fewer than its rows need");
             }
             if (isLess || hasFile && (plane.at() < 0 || plane.newAt() < 0 || newLast > newSize)) {
                 throw new IllegalArgumentException("--crop: " + name + " has planes of "
-                        + Arrays.toString(mImage.planeSizes()) + " bytes, fewer than their rows");
+                        + Arrays.toString(mImage.planeSizes()) + " bytes, fewer than their rows need");
             }
         }
     }

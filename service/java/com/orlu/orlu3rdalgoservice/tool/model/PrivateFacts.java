@@ -31,7 +31,7 @@ public final class PrivateFacts {
     /** Names of values that may identify a person or machine, whatever their type. */
     private static final Pattern IDENTITY =
             pattern("serial|finger_?print|imei|uuid|account|android_?id|phone|mac_?addr|ssid");
-    /** Names of texts and bytes that may identify a person or machine. */
+    /** Names of strings and byte arrays that may identify a person or machine. */
     private static final Pattern IDENTIFYING_TEXT = pattern(
             "(?<!g)host|user|owner|artist|author|copyright|mail|address|unique|calib|otp|eeprom|exif"
             + "|comment|path|folder|file_?name|package|build|product|brand|manufact|model|maker_?note"
@@ -84,7 +84,7 @@ public final class PrivateFacts {
         }
         outcome.at("put").elements().forEach(this::values);
         if (!run.events().events().isEmpty()) {
-            found("values as bytes, paths and names of threads", RunFolder.EVENTS);
+            found("raw bytes of values, paths, and names of threads", RunFolder.EVENTS);
         }
         for (List<ImageLayout> images : List.of(run.inputs(), run.outputs(), run.results())) {
             for (ImageLayout image : images) {
@@ -178,7 +178,7 @@ public final class PrivateFacts {
         String kind = value.has("location") || PLACE.matcher(name).find() ? "location"
                 : TIME.matcher(name).find() ? "time of day"
                 : !mKeepsFaces && (value.has("faces") || FACE.matcher(name).find()) ? "face"
-                : value.has("class") ? "value of another class" : "";
+                : value.has("class") ? "value of an unsupported class" : "";
         if (!kind.isEmpty()) {
             found(kind, name);
             return false;
@@ -229,8 +229,8 @@ public final class PrivateFacts {
 
     /**
      * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
-     * picture and colour profile remain: other application blocks such as EXIF, thumbnails, comments, and
-     * bytes after the picture become 0.
+     * picture, JFIF header and colour profile remain: other application blocks such as EXIF, thumbnails,
+     * comments, and bytes after the picture become 0.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());

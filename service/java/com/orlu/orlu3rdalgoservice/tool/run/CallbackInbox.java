@@ -47,7 +47,8 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
     }
 
     /**
-     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout.
+     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout or
+     * an interrupt.
      */
     synchronized Long awaitDone(LongPredicate ids, long seconds) {
         long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);

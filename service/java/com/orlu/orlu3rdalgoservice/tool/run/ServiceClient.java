@@ -25,7 +25,8 @@ public final class ServiceClient {
         mHandle = stopwatch.time("create", () -> mService.createNativeClient(mParam));
         int status = stopwatch.time("init", () -> mService.algoInit(mHandle, mParam));
         if (mHandle == 0 || status != 0) {
-            throw new IllegalStateException("the native client can't be created: status " + status);
+            throw new IllegalStateException("the native client can't be created or initialised: handle "
+                    + mHandle + ", status of init " + status);
         }
         if (recorder != null) {
             recorder.addClient(mHandle, mParam);
@@ -49,7 +50,7 @@ public final class ServiceClient {
         return mClientId;
     }
 
-    /** Releases the client in the image format of its last request, and destroys it. */
+    /** Releases the client, passing the image format of its last request, and destroys it. */
     public void end(RequestFile request, Stopwatch stopwatch) {
         if (mRecorder != null) {
             mRecorder.removeClient(mHandle);

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.io.EOFException;
 import java.util.function.IntPredicate;
 
-/** Makes foreign text safe for a terminal, a log or a page. */
+/** Makes untrusted text safe for a terminal, a log or a page. */
 public final class Printable {
     private Printable() {
     }

@@ -6,7 +6,7 @@ import java.util.List;
 
 /**
  * Prints text in lines of limited width: wrapped at blanks, or cut. Words are never broken. Control
- * characters, which foreign text may contain, are escaped.
+ * characters, which untrusted text may contain, are escaped.
  */
 public final class TextLayout {
     /** The width of a terminal. */

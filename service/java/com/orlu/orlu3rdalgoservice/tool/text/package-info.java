@@ -1,2 +1,2 @@
-/** Text for people: mistakes with their places, suggestions, wrapping, and escaping of foreign text. */
+/** Text for people: mistakes with their places, suggestions, wrapping, and escaping of untrusted text. */
 package com.orlu.orlu3rdalgoservice.tool.text;

@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.tool.run.ImageResults;
  * The data of a run's views.
  *
  * @param dependences the tags that parameters depend on; null if not requested
- * @param page        a line about the page; empty without one
+ * @param page        a line that names the run's HTML page; empty if no page was written
  * @param crash       the crash report; empty without a crash
  */
 public record RunReport(

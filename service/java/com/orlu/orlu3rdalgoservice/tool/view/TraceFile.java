@@ -31,7 +31,7 @@ final class TraceFile {
      * A span of one thread.
      *
      * @param tid   the kernel's id of the thread, shown as the lane
-     * @param start by System.nanoTime(), like `end`
+     * @param start on the clock of System.nanoTime(), like `end`
      * @param args  what a viewer shows if the span is selected
      */
     record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
@@ -45,8 +45,8 @@ final class TraceFile {
     }
 
     /**
-     * Creates an empty file for a process and a period, by System.nanoTime(). Times in the file count from
-     * `start`.
+     * Creates an empty file for a process and a period on the clock of System.nanoTime(). Times in the file
+     * count from `start`.
      */
     TraceFile(long pid, long start, long end) {
         mPid = pid;

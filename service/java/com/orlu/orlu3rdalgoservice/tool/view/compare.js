@@ -34,7 +34,7 @@ class Compare {
       mode("difference", "Difference", "Grey where nothing changed (d)"),
     ];
     this.auto = h("input", {type: "checkbox", id: "auto", onchange: () => this.setTimer()});
-    this.autoLabel = h("label", {for: "auto"}, this.auto, " by itself");
+    this.autoLabel = h("label", {for: "auto"}, this.auto, " automatically");
     const bright = h("input", {
       type: "range",
       min: 1,

@@ -25,7 +25,7 @@ function picturesPanel() {
       "p",
       {class: "faint"},
       "Click an input to show it above. " +
-        (images.lost ? "They were recreated from the request. " : baseText(images)) +
+        (images.lost ? "The inputs were recreated from the request. " : baseText(images)) +
         (data.algorithms.frames ? " The algorithm library reported the frames as kept or dropped." : ""),
     ),
     h("div", {class: "strip"}, thumbs),
@@ -35,6 +35,7 @@ function picturesPanel() {
 
 // Returns a sentence on the input that the outputs are compared with, and why.
 function baseText(images) {
+  if (!images.hasBase) return "Outputs are not compared, because no readable input belongs to the base frame.";
   return (
     "Outputs are compared with the input marked base: " +
     (images.baseNamedBy

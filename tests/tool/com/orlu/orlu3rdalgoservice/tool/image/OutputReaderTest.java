@@ -18,7 +18,7 @@ public final class OutputReaderTest {
             {PixelFormat.NV21, 8, -8, "described with rows of -8 bytes; 8 pixels need 8"},
             {PixelFormat.RAW16, 8, 8, "described with rows of 8 bytes; 8 pixels need 16"},
             {PixelFormat.MIPI_RAW10, 6, 8, "described with rows of 8 bytes; 6 pixels need 10"},
-            {PixelFormat.R8G8B8A8, 1 << 30, 8, "described as 1073741824x2"},
+            {PixelFormat.R8G8B8A8, 1 << 30, 8, "described with an invalid size: 1073741824x2"},
             {PixelFormat.NV21, 8, null, "described without a row stride"},
         };
         for (Object[] row : rows) {
