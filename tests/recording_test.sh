@@ -9,6 +9,7 @@ samples=("$root"/samples/*.json)
 ends 0 '^verdict  ok$' --record shots --out images "${samples[@]}"
 ends 0 '/000001-request.*: equal, 1[0-9][0-9] parameters, 1 frames, 1 outputs' replay shots
 [ "$(grep -c ': equal, ' out)" -eq ${#samples[@]} ] || fail "not every sample was replayed: $(cat out)"
+ends 0 ': ok: 1 frame, in NV21 512x512, out JPEG 512x512, jpegEncode$' --check shots/*-request-103/request.json
 
 echo "== Hardware buffers, also of a format that only phones have"
 cp -r shots/*-request-214 phone

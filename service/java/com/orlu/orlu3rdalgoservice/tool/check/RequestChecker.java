@@ -61,6 +61,9 @@ public final class RequestChecker {
         }
         if (!isRecorded) {
             mistakes.attempt(() -> checkSizes(request, mistakes));
+        } else if (mistakes.errors() == 0) {
+            // The recorded sizes are those that the service passed, so there is no advice on them.
+            mUnderstood.add(() -> understood(request, request.inputs(), request.outputs()));
         }
         if (mistakes.errors() == 0) {
             mRequests.add(request);
