@@ -12,7 +12,7 @@ constexpr jint kLocalReferences = 96;
 
 }  // namespace
 
-// The rows of the cache.
+// The classes and members that initFromEnv() caches, one per row.
 struct CameraMetadataParser::Table {
   using P = CameraMetadataParser;
   using Row = JniMember<P>;

@@ -8,7 +8,7 @@
 namespace orlu {
 namespace {
 
-// Size of the algorithms' tables.
+// Size of the algorithms' tables, in frames.
 constexpr int kMaxClarityFrames = 50;
 
 // The camera's marker for a request that needs no algorithm pass.
@@ -56,7 +56,7 @@ void MetadataUpdater::updateFrameClarity() {
   if (isCalculated == 0) {
     mShot.write<Doubles<kMaxClarityFrames>>(kParameter, kScoreKey, {});
   } else {
-    // The width varies with the number of frames, so the call takes a size instead of a type.
+    // Not write<T>(), which would write a fixed size: the size depends on the number of frames.
     mShot.parameters().setBytes(kParameter, kScoreKey, scores.data(),
                                 static_cast<unsigned>(scores.size() * sizeof scores[0]));
   }

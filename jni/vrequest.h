@@ -42,7 +42,8 @@ public:
   // The first frame's composition, or null if there is none.
   jobject firstComposition() const;
 
-  // The parts of the constructor.
+  // The next three functions are the parts of the constructor.
+
   // Resolves the classes and members that the other parts use, and logs each missing one. Returns 0 if
   // everything was found, else -1; the other parts still work.
   int initFromEnv(JNIEnv* env);
@@ -52,6 +53,7 @@ public:
 
   // Helpers of these parts. They log null arguments. If Java throws, they return the same values as for null.
   // Returned objects are new local references.
+
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
   // Returns the composition's stored capture result, or lets the composition assemble one; null for null.
@@ -76,7 +78,7 @@ public:
 private:
   static constexpr char kShortLogTag[] = "VASJNI-VRequest";
 
-  struct Table;  // the rows of the cache
+  struct Table;  // rows: the classes and members that initFromEnv() caches
   friend struct Table;
 
   // vrequest.cpp

@@ -44,7 +44,7 @@ Lines allLookups() {
   return table.lookups();
 }
 
-// Whichever member is missing, getters must return and leave values that they cannot read unchanged.
+// Whichever member is missing, getters must return, and must not change values that they can't read.
 TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   for (const std::string& lookup : allLookups()) {
     const LocalFrame frame;

@@ -46,7 +46,7 @@ TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
   EXPECT_EQ(1024U, request.captureResults().size());
 }
 
-// Without the reservation -Xcheck:jni prints a warning, which fails this program after the last test.
+// Without the reservation, -Xcheck:jni prints a warning, which fails this program after the last test.
 TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   jobject images = copies(100, test::newSmallImage());
   jobject compositions = copies(100, test::newComposition());
@@ -77,7 +77,7 @@ TEST_F(HostileInputTest, AsksThePlatformForTheDescriptorOfSharedMemoryAlone) {
   EXPECT_EQ(1, gDuplicated);
 }
 
-// Simulates a VM without memory.
+// Simulates a VM that is out of memory.
 TEST_F(HostileInputTest, LeavesNoExceptionOfAKeyThatCantBeMade) {
   CameraMetadataParser parser(env());
   jobject noComposition = test::newRequest(1, "capture");

@@ -105,7 +105,7 @@ PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL 
 same "devices|devices|devices|devices|devices|devices|devices|" <(tr -d '\n' <"$work/calls")
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL=b2 expect 0 "" status
 PHONES='a1\tdevice\r\n' expect 0 "" status
-# A device that is not ready does not block the other.
+# Devices that are not ready don't block a ready device.
 PHONES='a1\toffline\n192.168.0.7:5555\tdevice\nc3\tunauthorized' expect 0 "events: /data/events" status
 
 # The phone disappears during a command. The missing output must not be mistaken for an answer.

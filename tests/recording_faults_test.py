@@ -83,7 +83,7 @@ def check_damage(shots):
 
 
 def limited(shot):
-    """Yields a request that exceeds each limit, and the message that info must print."""
+    """Yields, for each limit, a request that exceeds it and the message that info must print."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
              "memory": "shared"}

@@ -67,7 +67,7 @@ const Entry kEntries[] = {
 };
 // clang-format on
 
-// VRequestMissingTest checks that each row is looked up. The count excludes repeated and other lookups.
+// VRequestMissingTest checks that each row is looked up. This test rules out repeated and other lookups.
 TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
   // The VM performs lookups of its own when it loads a class.
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }

@@ -18,10 +18,11 @@ struct PerfRow {
   int64_t threads = 0;        // most threads of the process, less those before the client was created
 };
 
-// Measures the library of the options in a child process. `algorithms` are names separated by commas; all if
-// empty. Prints a table or JSON. With `baseline`, the JSON file of an earlier run, the table also shows the
-// change. Returns 1 if the library fails or a row is slower than the baseline by more than the noise of both;
-// 2 if an algorithm is unknown or the baseline can't be read.
+// Measures the library that the options name, in a child process. `algorithms` are names separated by commas;
+// all if empty. Prints a table or JSON. With `baseline`, the JSON file of an earlier run, the table also
+// shows the change. Returns 2 if an algorithm is unknown or the baseline can't be read. Returns 1 if the
+// library fails or a row is slower than the baseline by several times the noise of both runs and by at least
+// a few percent. Otherwise returns 0.
 int runPerf(const std::string& algorithms, bool isJson, const std::string& baseline);
 
 }  // namespace orlu::conform

@@ -115,8 +115,8 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// A copy of the record with its own descriptors: the record and its descriptors belong to the caller and are
-// invalid after process() has returned.
+// A copy of the record with duplicated descriptors: after process() has returned, the caller's record is
+// invalid, and for a full-async request so are its descriptors.
 struct Request {
   void* client;
   uint64_t cookie;

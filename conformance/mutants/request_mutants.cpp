@@ -148,7 +148,7 @@ void leakDescriptor(Table& table) {
             [](const AlgoProcessRecord&) { [[maybe_unused]] const int kept = fcntl(0, F_DUPFD_CLOEXEC, 0); });
 }
 void leakMemory(Table& table) {
-  static std::map<int, std::string> kept;  // reachable, so leak checkers don't report it; only growth does
+  static std::map<int, std::string> kept;  // reachable, so leak checkers ignore it; only its growth shows
   onProcess(table, [](const AlgoProcessRecord&) { kept[static_cast<int>(kept.size())].resize(1000); });
 }
 void leakThread(Table& table) {

@@ -1,4 +1,4 @@
-// Arguments of the native methods, created by HostileRequest.java. All objects are local references.
+// Arguments of the native methods. All objects are local references.
 #pragma once
 
 #include "fixtures.h"
@@ -15,7 +15,8 @@ struct JavaRequest {
   jobject sharedMemory;
 };
 
-// See HostileRequest.java for `mode`; `address` is stored in the first composition.
+// Returns a request created by HostileRequest.java, which explains `mode`. `address` is stored in the first
+// composition.
 inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
   jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
                                  static_cast<jlong>(address));
@@ -29,7 +30,7 @@ inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
           field("sharedMemory")};
 }
 
-// Returns a valid request that finishes the one at `address`.
+// Returns a valid request that finishes the request at `address`. `self` and `sharedMemory` are null.
 inline JavaRequest friendlyRequest(uint64_t address) {
   jobject composition = test::newComposition();
   test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));

@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The name of the maker's library if the probe takes its place under the original name, which a phone's
-// loader searches for in only one folder.
+// The maker's library beside a probe that has taken its original name. This is needed on a phone, where the
+// loader searches only one folder.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 

@@ -106,8 +106,8 @@ public:
     return *book;
   }
 
-  // Returns the cookie to pass to the library instead of `cookie`. Returns 0 and the cookie of an empty
-  // function unchanged.
+  // Returns the cookie to pass to the library instead of `cookie`. If `cookie` is 0 or its function is empty,
+  // returns it unchanged.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;
@@ -153,7 +153,7 @@ AlgoMetadataVisitor watchedVisitor(const AlgoMetadataVisitor& real, uint64_t of,
   };
 }
 
-// Replaces callables by watched ones. `note` stores the arguments in the call.
+// Replaces callables by watched callables. `note` stores the arguments in the call.
 class TableWatcher {
 public:
   explicit TableWatcher(TableObserver& observer) : mObserver(observer) {}

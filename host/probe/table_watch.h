@@ -24,7 +24,7 @@ struct ValueArguments {
 
 // The arguments of a callback.
 struct CallbackArguments {
-  uint64_t cookie;  // the one that the caller passed to process()
+  uint64_t cookie;  // the cookie that the caller passed to process()
   const android::hardware::hidl_vec<uint8_t>& data;
   const android::hardware::hidl_vec<uint8_t>& extra;
   const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles;
@@ -87,8 +87,8 @@ uint64_t watchCall(TableObserver& observer, const char* operation, const std::fu
 // Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of the callables that a table offers, in the order of the table; with `offered` false,
-// the names of its empty ones.
+// Returns the names of a table's callables in the order of the table: the offered callables if `offered` is
+// true, else the empty callables.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

@@ -18,7 +18,7 @@ constexpr uint32_t kFormatYcbcrP010 = 0x36;
 constexpr uint32_t kFormatYv12 = 0x32315659;
 
 constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
-// The most unused rows between luma and chroma, which a device may insert for alignment.
+// Maximum number of unused rows between two planes, which a device may insert for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
 // Returns the bytes of a row with its padding; 0 if unknown. For many formats the platform sets no row
@@ -44,7 +44,7 @@ inline bool is420(uint32_t format) {
 }
 
 // Returns the bytes from the first plane's start to the end of the last row of all planes, padding included;
-// 0 if the layout is unknown or the planes are not contiguous.
+// 0 if the layout is unknown, the planes are not contiguous, or the extent exceeds kMostBytes.
 inline uint64_t pixelExtent(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Planes& planes) {
   const auto start = [&](int i) { return uint64_t{reinterpret_cast<uintptr_t>(planes.planes[i].data)}; };
   if (planes.planeCount == 0 || start(0) == 0) return 0;

@@ -8,13 +8,14 @@
 
 namespace orlu::planted {
 
-// Changes the stand-in's input: "inputStride" and "outputStride" set the stride to the width, "swapped" sets
-// the inputs' format to NV12, "elsewhere" replaces the first output's memory by the first input's. Other
-// kinds have no effect.
+// Changes the record that the stand-in gets: "inputStride" and "outputStride" set the strides to the width,
+// "swapped" sets the inputs' format to NV12, and "elsewhere" replaces the first output by the first input.
+// Other kinds have no effect.
 void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 
-// Changes the stand-in's output in shared memory: "black", "dark", "clipped" to white, "green" without
-// chroma, "half" without the lower rows. Other kinds have no effect.
+// Changes the stand-in's NV21 outputs in shared memory: "black" and "clipped" (white) replace all pixels,
+// "dark" divides the luma, "green" clears the chroma, and "half" clears the lower half of the luma. Other
+// kinds have no effect.
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs);
 
 // Writes to the memory of a read-only frame.

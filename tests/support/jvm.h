@@ -18,8 +18,7 @@ bool startCheckedJvm(const std::vector<std::string>& jars);
 bool jvmIsQuiet();
 
 JavaVM* javaVm();
-// Returns the environment of the calling thread, or null unless the thread started the VM or has an
-// AttachedThread.
+// Returns the environment of the calling thread if it started the VM or has an AttachedThread, else null.
 JNIEnv* env();
 
 // Attaches the calling thread while this object lives.

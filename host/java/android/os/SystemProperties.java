@@ -11,7 +11,7 @@ public final class SystemProperties {
     private SystemProperties() {
     }
 
-    /** Sets a property. Values have at most 91 bytes. */
+    /** Sets a property. Throws an IllegalArgumentException if the value has more than 91 bytes. */
     public static void set(String key, String value) {
         nSet(Objects.requireNonNull(key), value == null ? "" : value);
     }

@@ -19,7 +19,7 @@ final class Mutator {
     private final PictureMutator mPictures;
     private final List<String> mTokens;
 
-    /** Creates a mutator that may insert these values, each as JSON. */
+    /** Creates a mutator that may insert these values. Each is a JSON string with its quotes. */
     Mutator(Random chance, List<String> values) {
         mChance = chance;
         mJson = new JsonMutator(chance, values);

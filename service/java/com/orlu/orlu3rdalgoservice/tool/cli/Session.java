@@ -93,7 +93,10 @@ final class Session {
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
 
-    /** Returns the first of Verdict's statuses that is not OK. */
+    /**
+     * Returns Verdict.REFUSED if a file is invalid; else the status of the first request that is not OK; else
+     * Verdict.OK.
+     */
     int run() throws MistakeException, ErrnoException, IOException {
         // Checks all files before the first request runs, so a mistake in the last file is reported at once.
         RequestChecker checker = new RequestChecker(mOptions.tried.photo, mOptions.tried.tags, mPhotos);

@@ -67,7 +67,10 @@ final class DumpTags {
         }
     }
 
-    /** The types that an entry for a tag of this type can have; null if no single entry has the tag. */
+    /**
+     * Returns the types that an entry for a tag of this type can have; null for an unknown tag and for a tag
+     * that is combined from several entries.
+     */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";

@@ -20,7 +20,7 @@ import java.util.Map;
  * @param memory     "shared", "hardware" or "none"
  * @param buffer     width, height and format of a hardware buffer, else empty
  * @param size       size of its memory, in bytes
- * @param file       the file with its bytes; null if they were not recorded, or all 0
+ * @param file       the file with its bytes; null if they were not recorded or are all 0
  * @param kept       the reason if the bytes were not recorded, else empty
  * @param frame      index of an input's frame, -1 if unknown
  */
@@ -29,7 +29,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
     private static final int MOST_PLANES = 16;
     private static final List<String> MEMORIES = List.of("shared", "hardware", "none");
 
-    /** The description of an image in this process. */
+    /** Returns the description of an image in this process. */
     public static ImageLayout of(VImageIPC image) {
         String memory = image.mImageDataHwbuff != null ? "hardware"
                 : image.mImageDataShmem == null ? "none" : "shared";
@@ -39,7 +39,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 "", -1);
     }
 
-    /** The fields that the native side may change, as texts, by names for people. */
+    /** Returns the fields that the native side may change: readable names and values. */
     public Map<String, String> fields() {
         Map<String, String> fields = new LinkedHashMap<>();
         fields.put("format", format);
@@ -91,7 +91,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return numbers;
     }
 
-    /** The description in the form of a recording. */
+    /** Returns the description in the form of a recording. */
     public Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("format", format, "width", width, "height", height,
                 "rowStrides", rowStrides, "planeSizes", planeSizes, "memory", memory, "size", size);
@@ -111,13 +111,13 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return json;
     }
 
-    /** Returns the image with another file; null for no file, for this reason. */
+    /** Returns the image with another file. If `other` is null, the image has no file; `reason` says why. */
     public ImageLayout withFile(RecordedFile other, String reason) {
         return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
                 other == null ? size : other.size(), other, reason, frame);
     }
 
-    /** "NV21 632x416, shared". */
+    /** Returns text such as "NV21 632x416, shared". */
     public String text() {
         return format + " " + width + "x" + height + ", " + memory;
     }

@@ -13,7 +13,7 @@ public final class RequestTags {
     private RequestTags() {
     }
 
-    /** Why this JSON text is invalid as a tag's value in a request file; null if it is valid. */
+    /** Returns why this JSON text is invalid as a tag's value in a request file; null if it is valid. */
     public static String problemOf(String tag, String value) {
         try {
             Json field = Json.parse("", 0, value);

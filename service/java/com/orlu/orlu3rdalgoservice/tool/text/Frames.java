@@ -5,7 +5,7 @@ import java.util.Collection;
 import java.util.List;
 import java.util.TreeSet;
 
-/** Frame numbers as text. */
+/** Formats frame numbers as text. */
 public final class Frames {
     private static final int SHORTEST_RUN = 3;
 

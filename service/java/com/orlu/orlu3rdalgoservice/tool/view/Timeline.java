@@ -41,7 +41,7 @@ public final class Timeline {
     private long mStart;
     private long mEnd;
 
-    /** The trace events of a period, by System.nanoTime(). */
+    /** The trace events of a period. `start` and `end` are times of System.nanoTime(). */
     record Part(List<Map<String, Object>> events, long start, long end) {
     }
 
@@ -75,7 +75,7 @@ public final class Timeline {
     }
 
     /**
-     * Returns the timeline of the last request that was added; of all requests if none has timed Java calls.
+     * Returns the timeline of the last request that was added with stages; of all requests if there is none.
      */
     Part ofLastRequest() throws IOException {
         Slice last = mJava.stream().filter(slice -> slice.category().equals("request"))
