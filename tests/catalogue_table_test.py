@@ -74,7 +74,7 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
         if once and row[0] in found:
             failures.append(f"{place}: {row[0]} already has a row")
         if sentence and not re.search(r"[.!?]$", row[-1]):
-            failures.append(f"{place}: {row[-1]!r} is not a sentence")
+            failures.append(f"{place}: {row[-1]!r} does not end with '.', '!' or '?'")
         found.append(row[0])
     if every:
         failures.extend(f"{file.relative_to(ROOT)}: no row for the {what} {name}"

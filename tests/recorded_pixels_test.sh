@@ -56,7 +56,7 @@ ends 0 ': equal, ' replay "$shot" --ignore 'input 0'
 truncate -s 1000 "$shot"/process-input0*
 info_says 'process-input0[^ ]* is cut or damaged; expected [0-9]* bytes, found 1000' "$shot"
 
-echo "== With a size limit, into a given folder, and of a process that died"
+echo "== Recordings with a size limit, in a given folder, and of a process that died"
 ORLU_PIXELS_BYTES=1000 ends 0 '^verdict  ok$' --record few --out images "$root/samples/capture.json"
 info_says '^  process in 0  *kept: no: more bytes than ORLU_PIXELS_BYTES allows$' few
 ORLU_PIXELS=$folder/mine ends 0 '^verdict  ok$' --out images "$root/samples/capture.json"

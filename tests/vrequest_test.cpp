@@ -174,7 +174,7 @@ TEST_F(VRequestTest, WalksAnyList) {
   }
 }
 
-TEST_F(VRequestTest, LogsListsAndIndicesThatAreNone) {
+TEST_F(VRequestTest, LogsNullListsAndNegativeIndices) {
   VRequest request(env(), nullptr, nullptr, nullptr, nullptr);
   mLog.clear();
   EXPECT_EQ(nullptr, request.getListElement(nullptr, 0));

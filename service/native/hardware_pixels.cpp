@@ -32,7 +32,8 @@ jobject pixelsOf(JNIEnv* env, AHardwareBuffer* buffer, const AHardwareBuffer_Pla
   const uint64_t size = orlu::recorder::pixelExtent(desc, planes);
   if (size == 0 || !isMapped(planes.planes[0].data, size)) {
     char reason[96];
-    std::snprintf(reason, sizeof reason, "the layout of format 0x%x with %u planes is unknown",
+    std::snprintf(reason, sizeof reason,
+                  "the layout of format 0x%x with %u planes is unknown or not contiguous",
                   static_cast<unsigned>(desc.format), static_cast<unsigned>(planes.planeCount));
     refuse(env, reason);
     return nullptr;

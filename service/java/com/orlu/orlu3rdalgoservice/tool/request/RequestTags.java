@@ -50,7 +50,7 @@ public final class RequestTags {
             Json field = value(value);
             List<FramePlan> frames = request.frames().frames();
             if (frames.isEmpty()) {
-                throw new IllegalArgumentException(request.file() + " has no frame for this tag");
+                throw new IllegalArgumentException(request.file() + " has no frames to set the tag in");
             }
             for (int i = 0; i < frames.size(); ++i) {
                 Object read = TagValues.ofTag(name, field, i);

@@ -153,7 +153,7 @@ function logPanel() {
       h(
         "p",
         {class: "faint"},
-        "“… is null” at level E only means that a tag is absent, so the default applies.",
+        "“get … is null” at level E usually means only that a tag is absent, so the default applies.",
       ),
       h("div", {class: "tools"}, field, level, tag, count),
       h("div", {class: "scroll"}, made.element),
