@@ -41,7 +41,7 @@ namespace {
 using test::env;
 
 constexpr unsigned kSecondsForOne = 60;
-// Only one request of this many gets no callback, because this takes ten seconds.
+// One request in this many gets no callback. It waits ten seconds for its timeout, so it must be rare.
 constexpr uint64_t kTimeoutEvery = 2'000;
 
 volatile uint64_t gSeed = 0;
@@ -129,7 +129,7 @@ private:
     callVoid(made.self, "close");
   }
 
-  // Calls the natives without images in random order, some with handle 0.
+  // Makes three random calls: natives that process no images, some with handle 0, and callbacks.
   void sendOthers(const JavaRequest& made) {
     for (int i = 0; i < 3; ++i) {
       const int64_t inst = chance(mRandom, 10) ? 0 : mInst;

@@ -36,7 +36,7 @@ bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
   return length == N - 1 && std::memcmp(name, known, length) == 0;
 }
 
-// Reads the first word of the first handle. Returns false if there is none.
+// Reads the first word of the first handle. Returns false if this handle is missing, invalid or empty.
 bool firstHandleWord(const hidl_vec<hidl_handle>& handles, int32_t& word) {
   if (handles.size() == 0 || handles.data() == nullptr) return false;
   const native_handle_t* handle = handles[0].getNativeHandle();

@@ -33,8 +33,8 @@ ends() {
   grep -qE -- "$pattern" out err || fail "./run $*: no line matches \"$pattern\": $(cat out err)"
 }
 
-# info_says PATTERN FOLDER: expects that ./run info prints a line matching the regular expression for this
-# recording, before wrapping for terminals.
+# info_says PATTERN FOLDER: runs ./run info for this recording, joins the lines that it wrapped, and expects
+# a line that matches the regular expression.
 info_says() {
   command_ends 0 info "$2"
   sed -E ':on; $!N; s/\n {20}/ /; t on; P; D' out >lines

@@ -110,7 +110,7 @@ done
 mkdir short && cp -r turns/000001-request-101 short
 ends 1 '^different: 1 requests / 2; nothing to compare with turns/000002-request-101$' diff short turns
 grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fail "not compared: $(cat out)"
-# If no tag differs, the frame is still named.
+# If no tag differs, the tags that the parameter depends on are still named, with their frames.
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json
 grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "the tag is not named: $(cat out)"

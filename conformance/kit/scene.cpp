@@ -146,7 +146,7 @@ struct Inbox::State {
 };
 
 Inbox::Inbox() : mState(std::make_shared<State>()) {
-  // Never freed, because a callback may arrive after its check.
+  // Never freed, because a callback may arrive after the check has ended.
   static auto* const kept = new std::vector<std::unique_ptr<AlgoResultCallback>>();
   static std::mutex mutex;
   const std::lock_guard<std::mutex> lock(mutex);
@@ -192,7 +192,7 @@ size_t Inbox::count(uint64_t nativeReq, const std::string& name) const {
 bool Inbox::waitFor(uint64_t nativeReq) const {
   static std::atomic<bool> hasMissed{false};
   std::unique_lock<std::mutex> lock(mState->mutex);
-  // After one missing callback, waits for the others are short.
+  // After one missing callback, later waits are short.
   const auto limit = hasMissed ? kShortPatience : std::chrono::seconds(options().patienceSeconds);
   const bool came = mState->changed.wait_for(
       lock, limit, [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });

@@ -32,7 +32,8 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// Its errors are ignored: they report missing tags, and these requests have few tags.
+// Tag of the parser's lines. Other errors of the parser are ignored: they report missing tags, and these
+// requests have few tags.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

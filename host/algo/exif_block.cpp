@@ -167,7 +167,7 @@ void addExposure(ExifBuilder& exif, const ExifInfo& info) {
                            info.aeCompensationStepDenominator);
   }
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_FLASH, flashOf(info));
-  // The mode is also 0 if the camera reported none.
+  // The mode is also 0 if the camera did not report it.
   const bool manual = info.awbMode > kAwbAuto;
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_WHITE_BALANCE, manual ? 1 : 0);
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_LIGHT_SOURCE, lightSourceOf(info.awbMode));

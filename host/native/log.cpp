@@ -72,7 +72,8 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// The file for all lines; -1 if there is none. Open until the process ends.
+// Returns the descriptor of the file for all lines; -1 without a file. The file stays open until the process
+// ends.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;

@@ -48,7 +48,7 @@ TEST(RegionMapperTest, ZoomClampAndEmpty) {
 
 TEST(RegionMapperTest, ScalesUnlessTheCallerGaveImageCoordinates) {
   const _tagOrluSize active = {4000, 3000};
-  // The third and fourth value are the crop's width and height.
+  // The third and fourth values are the crop's width and height.
   const SCR_Type crop = {0, 0, 2000, 1500, false, {}};
   const SCR_Type flagged = {0, 0, 2000, 1500, true, {}};
   EXPECT_FALSE(needsScaling(active, {2000, 1500}, {0, crop, {}}));

@@ -42,9 +42,10 @@ public final class Causes {
     }
 
     /**
-     * Returns a line for each tag that can explain a difference, with its frames; tags that change the fewest
-     * other parameters first. If no tag explains it, the last line names the tags that the parameter depends
-     * on.
+     * Returns a line for each of the first three tags that can explain the difference, with its frames, and a
+     * line with the number of further tags. Tags that change the fewest parameters come first. If no tag
+     * explains the difference, returns one line: that the parameter changes with each translation, or the
+     * tags that it depends on.
      */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();

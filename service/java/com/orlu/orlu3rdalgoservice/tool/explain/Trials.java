@@ -26,8 +26,8 @@ import java.util.TreeMap;
 /**
  * Translates a request with one tag changed at a time, and records which parameters change. Each tag gets a
  * few values in each frame alone, then many values in all frames at once. If that reveals more dependent
- * parameters, the values are tried in each frame alone, too. So a tag of ten frames costs little more than a
- * tag of one.
+ * parameters, the values are tried in each frame alone, too. So a tag in ten frames costs about twice as much
+ * as a tag in one frame, not ten times as much.
  */
 public final class Trials {
     /** The number of values that are always tried in each frame alone. */
@@ -136,7 +136,7 @@ public final class Trials {
         return mRequest.run(changes, recordsLookups);
     }
 
-    // Sleeps between runs, so that values from a clock change.
+    // Sleeps between runs, so that values read from a clock differ.
     private void findUnsteady() {
         for (int i = 0; i < BASELINES; ++i) {
             try {

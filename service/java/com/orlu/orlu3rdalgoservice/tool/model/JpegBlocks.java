@@ -61,7 +61,7 @@ final class JpegBlocks {
     }
 
     // A block consists of its marker, its length in two bytes, which does not include the marker, and its
-    // contents. Returns the offset after the block, and after the scan that follows a start of scan.
+    // contents. Returns the offset after the block; for a start of scan, the offset after its scan.
     private int afterBlock(int from, int marker) {
         int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);
         int end = Math.min(mBytes.length, from + 2 + Math.max(2, length));
@@ -91,7 +91,7 @@ final class JpegBlocks {
         return 4;
     }
 
-    // A scan ends at any marker except a restart. The first byte of a marker followed by 0 is data.
+    // A scan ends at any marker except a restart. A byte 0xff before a 0 is data, not a marker.
     private int afterScan(int from) {
         int at = from;
         while (at + 1 < mBytes.length) {

@@ -18,7 +18,7 @@ public final class LineFile {
     private final Predicate<String> mWanted;
     private long mRead;
 
-    /** Whether an event line is no tag look-up. Look-ups are about as many as all other events together. */
+    /** Whether an event line is not a tag look-up. About half of all events are look-ups. */
     public static boolean isNoLookup(String line) {
         return !line.contains("\"event\":\"lookup\"");
     }

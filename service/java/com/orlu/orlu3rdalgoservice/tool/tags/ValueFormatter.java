@@ -26,7 +26,7 @@ public final class ValueFormatter {
         return "[" + String.join(", ", parts) + rest + "]";
     }
 
-    /** Returns the value for a JSON writer. Objects become texts. */
+    /** Returns the value for a JSON writer: object arrays as lists, other objects as strings. */
     public static Object json(Object value) {
         if (value instanceof Object[] objects) {
             return Arrays.stream(objects).map(ValueFormatter::json).toList();

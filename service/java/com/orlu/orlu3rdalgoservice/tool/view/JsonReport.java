@@ -14,8 +14,8 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * The results of a request as JSON: parameters in order, algorithm lists, values put, output descriptions,
- * times. Omits pointers and memory, so that only the times differ between machines.
+ * The results of a request as JSON: parameters in order, algorithm lists, values put into compositions,
+ * output descriptions, times. Omits pointers and memory, so that only the times differ between machines.
  */
 public final class JsonReport {
     private JsonReport() {

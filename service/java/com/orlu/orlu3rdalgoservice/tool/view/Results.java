@@ -92,7 +92,7 @@ public final class Results {
         return mResults.size();
     }
 
-    /** Writes both files; null skips one. */
+    /** Writes both files; a null path skips its file. */
     public void write(Path json, Path junit) throws IOException {
         if (json != null) {
             write(json, JsonWriter.pretty(JsonWriter.object("format", FORMAT, "version", VERSION, "command",
