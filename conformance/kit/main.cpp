@@ -159,7 +159,7 @@ std::string filterFor(const std::string& names) {
   return filter;
 }
 
-double positive(const char* text, const char* flag) {
+double nonNegative(const char* text, const char* flag) {
   char* end = nullptr;
   const double number = std::strtod(text, &end);
   if (*text == '\0' || *end != '\0' || number < 0 || number > 1e6) {
@@ -170,7 +170,7 @@ double positive(const char* text, const char* flag) {
 
 // Returns the seed for GoogleTest, which would take 0 as the time of day.
 int shuffleSeed(const char* text) {
-  const auto seed = static_cast<int>(positive(text, "shuffle"));
+  const auto seed = static_cast<int>(nonNegative(text, "shuffle"));
   if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);
   return seed;
 }
@@ -197,36 +197,36 @@ void readCommandLine(int argc, char** argv) {
         testing::GTEST_FLAG(output) = std::string("xml:") + optarg;
         break;
       case kHostile:
-        taken.hostileSeconds = positive(optarg, "hostile");
+        taken.hostileSeconds = nonNegative(optarg, "hostile");
         break;
       case kLong:
         taken.hostileSeconds = 60;
         taken.budgetSeconds = 0;
         break;
       case kHammer:
-        taken.hammerSeconds = positive(optarg, "hammer");
+        taken.hammerSeconds = nonNegative(optarg, "hammer");
         break;
       case kSeed:
-        taken.seed = static_cast<unsigned>(positive(optarg, "seed"));
+        taken.seed = static_cast<unsigned>(nonNegative(optarg, "seed"));
         break;
       case kPatience:
-        taken.patienceSeconds = static_cast<int>(positive(optarg, "patience"));
+        taken.patienceSeconds = static_cast<int>(nonNegative(optarg, "patience"));
         break;
       case kLimit:
-        taken.limitSeconds = static_cast<int>(positive(optarg, "limit"));
+        taken.limitSeconds = static_cast<int>(nonNegative(optarg, "limit"));
         break;
       case kAllowNoise:
         taken.allowNoise = true;
         break;
       case kRepeat:
-        testing::GTEST_FLAG(repeat) = static_cast<int>(std::max(positive(optarg, "repeat"), 1.0));
+        testing::GTEST_FLAG(repeat) = static_cast<int>(std::max(nonNegative(optarg, "repeat"), 1.0));
         break;
       case kShuffle:
         testing::GTEST_FLAG(shuffle) = true;
         testing::GTEST_FLAG(random_seed) = shuffleSeed(optarg);
         break;
       case kBudget:
-        taken.budgetSeconds = static_cast<int>(positive(optarg, "budget"));
+        taken.budgetSeconds = static_cast<int>(nonNegative(optarg, "budget"));
         break;
       case kPerf:
         gIsPerf = true;

@@ -14,7 +14,7 @@
 namespace orlu {
 namespace {
 
-TEST(AlgoNativeProviderTest, WantsATable) {
+TEST(AlgoNativeProviderTest, RejectsANullTable) {
   test::LogCapture log;
   EXPECT_FALSE(AlgoNativeProvider::getInstance()->initAlgoInterface(nullptr));
   EXPECT_EQ("init algo interface failed, input is null\n",
@@ -39,7 +39,7 @@ TEST(AlgoNativeProviderTest, EmptiesTheTableFirst) {
   EXPECT_TRUE(table.metadataOps.setValue);
 }
 
-TEST(AlgoNativeProviderTest, OpensTheLibraryItself) {
+TEST(AlgoNativeProviderTest, TheConstructorOpensTheLibrary) {
   test::Algo algo;
   int entered = 0;
   algo.script.entry = [&entered] { ++entered; };

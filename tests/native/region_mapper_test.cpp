@@ -70,7 +70,7 @@ TEST(RegionMapperTest, ScalesUnlessTheCallerGaveImageCoordinates) {
   EXPECT_TRUE(needsScaling(active, {4001, 1500}, {1, {}, {}}));
 }
 
-TEST(RegionMapperTest, TheLastFaceFillsThePlaceOfADroppedOne) {
+TEST(RegionMapperTest, TheLastFaceReplacesADroppedFace) {
   const _tagOrluSize image = {100, 100};
   _tagOrluFaceInfo faces;
   faces.count = 5;

@@ -76,15 +76,15 @@ public final class Recording {
         } catch (IOException | ErrnoException | RuntimeException | Error e) {
             // Also catches Error: the code of a recorded value may exhaust memory or stack.
             mIsOver = true;
-            boolean hasReason = hasReason(e);
+            boolean isWritten = writeReason(e);
             RequestRecorder.warn("recording of request " + idOf(mRequest) + " stopped: " + e
-                    + (hasReason || mFolder == null ? ""
+                    + (isWritten || mFolder == null ? ""
                             : "; can't write the reason to " + mFolder.folder()));
         }
     }
 
     // Writes the reason into the recording. Returns false if that fails, such as on a full disk.
-    private boolean hasReason(Throwable problem) {
+    private boolean writeReason(Throwable problem) {
         if (mFolder == null) {
             return false;
         }
