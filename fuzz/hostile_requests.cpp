@@ -186,7 +186,7 @@ private:
     env()->PushLocalFrame(16);
     call();
     env()->PopLocalFrame(nullptr);
-    expect(!env()->ExceptionCheck(), name);
+    expect(!env()->ExceptionCheck(), (std::string(name) + " left a Java exception").c_str());
   }
 
   void expect(bool holds, const char* what) {

@@ -5,7 +5,7 @@
 #include "algo_interface.h"
 
 #if defined(__ANDROID__) && (UINTPTR_MAX != UINT32_MAX || !defined(_LIBCPP_VERSION))
-#error "the service is 32-bit and has libc++: build for armeabi-v7a with its C++ library"
+#error "the service is 32-bit and uses libc++: build for armeabi-v7a with libc++"
 #endif
 
 namespace orlu {

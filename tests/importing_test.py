@@ -129,7 +129,7 @@ def takes_pictures_by_name_and_size():
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
         Path("two.raw").write_bytes(bytes(384))
         shot, lines = imported("two.json", *given)
-        expect(f"two outputs of a size {lines}", ["RAW16"], [image["format"] for image in shot["inputs"]])
+        expect(f"two outputs of the same size {lines}", ["RAW16"], [image["format"] for image in shot["inputs"]])
 
 
 def reads_exif():
