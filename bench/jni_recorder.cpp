@@ -354,7 +354,8 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// An object that no recorded call returned existed before the recording, and outlives it.
+// Returns the object's slot. An object without a slot was not returned by a recorded call: it existed before
+// the recording, and outlives it.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);

@@ -27,7 +27,7 @@ find_package(Threads REQUIRED)
 add_library(orlu_options INTERFACE)
 target_compile_options(orlu_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-  # A part of clang's -Wall only. Single braces are more readable for std::array.
+  # Only clang's -Wall includes -Wmissing-braces. Single braces are more readable for std::array.
   -Wno-missing-braces
   # Rounds every operation separately, for equal results on all machines.
   -ffp-contract=off)

@@ -186,7 +186,7 @@ struct OutlinePoint {
 static_assert(sizeof(OutlinePoint) == 8);
 static_assert(offsetof(OutlinePoint, y) == 4);
 
-// Faces that step beauty found in the image.
+// Faces that the beauty algorithm found in the image.
 struct FaceOutline {
   static constexpr int kPoints = 120;
 

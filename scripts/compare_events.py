@@ -4,7 +4,7 @@
 compare_events.py FILE FILE
 
 Each thread must have made the same calls in the same order, with the same values and results. Ignores what
-depends on the machine: times, addresses, paths, and the numbers of threads, calls and descriptors.
+depends on the machine: times, addresses, paths, thread ids, call numbers and descriptor numbers.
 """
 
 import json
@@ -12,8 +12,8 @@ import sys
 from itertools import zip_longest
 from pathlib import Path
 
-# Fields that differ between runs: times, numbers and addresses. The number of stack frames of a call depends
-# on the compiler.
+# Fields that differ between runs: times, ids, addresses and facts about the machine. The number of stack
+# frames in "from" depends on the compiler.
 OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine",
               "pointerBits", "probe")
 # Also ignored for written pixels: the file is named after the process, and a JPEG contains the time of its

@@ -10,7 +10,7 @@
 namespace orlu::fuzz {
 namespace {
 
-// take() waits for this many callbacks at most this long, so that their order can change.
+// take() waits until it has kEnough callbacks, for kPatience at most, so that their order can change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

@@ -31,7 +31,8 @@ public:
   CallbackPool& operator=(const CallbackPool&) = delete;
   ~CallbackPool();  // sends the remaining callbacks
 
-  // Sends the callback when its delay is over and some others have arrived, or no other arrives for a while.
+  // Sends the callback after its delay. First waits for a few other callbacks, but only for a short time, so
+  // that the order can change.
   void hold(const HeldCallback& callback);
 
 private:
@@ -42,7 +43,8 @@ private:
   };
 
   void run();
-  // Waits for a callback and takes it, at random among those that are due. Returns false at the end.
+  // Waits for callbacks and takes one: a random one of those that are due, else the next to be due. Returns
+  // false at the end.
   bool take(HeldCallback& callback);
 
   std::mutex mMutex;  // guards the members below

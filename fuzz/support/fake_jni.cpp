@@ -59,7 +59,7 @@ void enter(Arguments... arguments) {
   (take(arguments), ...);
 }
 
-// Most functions differ only in their types. This one fails by throwing or by returning null.
+// Stands for most functions, which differ only in their types. Fails by throwing or by returning null.
 template <typename Answer, typename... Arguments>
 Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
   enter(arguments...);
@@ -75,7 +75,7 @@ void mayThrow(Answer(JNICALL*& slot)(JNIEnv*, Arguments...)) {
   slot = throwing<Answer, Arguments...>;
 }
 
-// Functions that never throw. They fail by returning null or a constant.
+// Functions that never throw: objectOrNull() returns null on failure, always() returns a constant.
 template <typename... Arguments>
 jobject JNICALL objectOrNull(JNIEnv*, Arguments... arguments) {
   enter(arguments...);

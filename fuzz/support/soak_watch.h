@@ -57,7 +57,7 @@ public:
   }
 
   // Prints the growth over the second half, after all one-time allocations. Returns false if allocated memory
-  // grew.
+  // grew by more than noise.
   bool memoryStoodStill() const {
     const Point& first = mPoints[mPoints.size() / 2];
     const Point& last = mPoints.back();

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int64_t kEventType = 1;  // of every light-stream event
 
-// Returns pseudo-random delays, which are the same in each run.
+// Returns a pseudo-random delay. The sequence of delays is the same in each run.
 std::chrono::milliseconds delayOf(const AlgoScript& script) {
   static std::atomic<uint32_t> number{0};
   constexpr uint32_t kSpread = 2654435769;  // 2^32 divided by the golden ratio

@@ -131,7 +131,8 @@ void callBack(const std::string& kind, const AlgoResultCallback& real, const Byt
   }
 }
 
-// "empty" and "oversized" set a JPEG's size, "selects" chooses the third frame and no base frame.
+// "empty" and "oversized" set a JPEG's size, "brief" sets only three bytes of the size, "selects" chooses the
+// third frame and no base frame.
 void spoilResults(const std::string& kind, const std::function<void(const char*, void*, unsigned)>& set) {
   int32_t size = kind == "empty" ? 0 : kOversized;
   if (kind == "empty" || kind == "oversized") set("encoded_jpeg_size", &size, sizeof size);

@@ -1,11 +1,12 @@
 package com.orlu.orlu3rdalgoservice;
 
 /**
- * The service's interface to the native library. Methods with a client handle that return an int return 0 on
- * success. They return -1 for handle 0, for null lists, and if memory is exhausted.
+ * The service's interface to the native library. Each method that takes a client handle and returns an int
+ * returns 0 on success, and -1 for handle 0, for a null list, or if memory is exhausted.
  *
- * A client handle is the address of a native object. Handles other than 0 are not checked, so a destroyed
- * handle must not be used again. Calls on one client must not overlap.
+ * A client handle is the address of a native object. Handles other than 0 are not checked, so the handle of a
+ * destroyed client must not be used again. Calls on one client must not overlap, except that a callback may
+ * call any method.
  */
 public final class Orlu3rdAlgoService {
     static {

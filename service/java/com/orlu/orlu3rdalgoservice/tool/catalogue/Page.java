@@ -53,8 +53,8 @@ public final class Page {
         mTo.println(line.toString().stripTrailing());
     }
 
-    // Returns the first character of each column. If the columns are too wide, long names extend into the
-    // next.
+    // Returns the position of each column in a line. If the columns are too wide, long names extend into the
+    // next column.
     private static int[] starts(List<String> heading, List<List<String>> rows) {
         int[] widths = new int[heading.size()];
         Stream.concat(Stream.of(heading), rows.stream()).forEach(row ->
@@ -78,7 +78,8 @@ public final class Page {
         });
     }
 
-    // Prints a field. Single words share lines; a text with blanks or a record has its own line.
+    // Prints a field. Single words share lines. If any value is a record or contains blanks, each value has
+    // its own line.
     private void field(String label, Json value) {
         String start = "  " + TextLayout.label(label, LABEL - 2);
         if (value.elements().stream().noneMatch(Page::needsLine)) {

@@ -66,7 +66,7 @@ final class JobsSession {
         return mStatus;
     }
 
-    // A mistake in one file prevents all runs. The processes check the images.
+    // A mistake in one file prevents all runs. The child processes check the images.
     private boolean areRight() {
         int wrong = 0;
         for (Path request : mRequests) {

@@ -134,7 +134,7 @@ final class PostMortem {
         }
     }
 
-    // Returns null if the run did not keep its inputs; its page has no pictures.
+    // Returns the run's inputs; null if the run did not keep them. The page then has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;

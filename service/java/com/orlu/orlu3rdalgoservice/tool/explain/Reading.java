@@ -15,7 +15,7 @@ public record Reading(
         FOUND,
         ABSENT,
         WRONG_TYPE,
-        /** No table has the tag. */
+        /** The capture result rejects the tag, because no table declares it. */
         UNKNOWN,
         /** The tag was not looked up. */
         NEVER_READ

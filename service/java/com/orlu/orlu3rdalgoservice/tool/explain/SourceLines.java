@@ -39,7 +39,7 @@ public final class SourceLines {
         }
     }
 
-    /** Returns why lines are missing; "" if none are. */
+    /** Returns why lines are missing; "" if every line was found. */
     public String problem() {
         return mProblem;
     }

@@ -37,7 +37,10 @@ final class ExifReader {
     private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
-    /** EXIF's colour filter patterns (0 red, 1 green, 2 blue), in the order of the tag's values. */
+    /**
+     * EXIF's colour filter patterns (0 red, 1 green, 2 blue). The index is the value of
+     * colorFilterArrangement.
+     */
     private static final List<String> PATTERNS =
             List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
     private static final int FLASH_FIRED = 1;
@@ -135,7 +138,7 @@ final class ExifReader {
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
             if (pattern != null && pattern.length >= 4) {
                 mTaken.add(exifTag);
-                // In the second tag, the pattern follows its size: two numbers of two bytes.
+                // In the second tag, the pattern follows its size, which is two 16-bit numbers.
                 byte[] colors = Arrays.copyOfRange(pattern, pattern.length - 4, pattern.length);
                 int number = PATTERNS.indexOf(Arrays.toString(colors));
                 if (number >= 0) {
@@ -206,8 +209,8 @@ final class ExifReader {
         return number;
     }
 
-    // Returns the first of several numbers, such as speeds by two standards. Converts rationals itself,
-    // because the EXIF library reads 0/0 as 0.
+    // Returns the first of a tag's numbers; an ISO tag may have one number for each standard. Converts
+    // rationals itself, because the EXIF library reads 0/0 as 0.
     private static Double first(Directory directory, int tag) {
         Object held = directory.getObject(tag);
         if (held != null && held.getClass().isArray() && Array.getLength(held) > 0) {

@@ -50,7 +50,10 @@ public final class VerdictFindings {
     private VerdictFindings() {
     }
 
-    /** Returns one finding for each reason, except reasons about outputs: ImageFindings has more details. */
+    /**
+     * Returns one finding for each reason. Omits the name of the crash file, and reasons about outputs, which
+     * ImageFindings explains in more detail.
+     */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

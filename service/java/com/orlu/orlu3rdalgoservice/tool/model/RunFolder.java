@@ -39,7 +39,7 @@ public final class RunFolder {
                 .resolve(name)));
     }
 
-    /** Returns the folder itself if it is a run, else all runs in it by name. */
+    /** Returns the folder itself if it is a run, else all runs in it, sorted by name. */
     public static List<Path> in(Path folder) throws MistakeException, IOException {
         if (isRun(folder)) {
             return List.of(folder);

@@ -18,9 +18,9 @@ import java.util.TreeSet;
 import java.util.regex.Pattern;
 
 /**
- * Writes a smaller copy of a run's folder. A copy with fewer frames, cropped images or without private facts
- * is another request, so it has no outcome. A copy that only lacks pixels keeps the outcome, except for the
- * pixels.
+ * Writes a smaller copy of a run's folder. A copy with fewer frames, with cropped images, or without private
+ * facts is another request, so it has no outcome. A copy that only lacks pixels keeps the outcome, except for
+ * the pixels.
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
@@ -42,7 +42,7 @@ public final class Trimmer {
 
     /**
      * Keeps these frames (all if `frames` is empty) and this area of each image (everything if `crop` is
-     * null). `withoutFacts` removes private facts, unless null.
+     * null). `withoutFacts` removes private facts; if it is null, they are kept.
      */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
@@ -216,7 +216,7 @@ public final class Trimmer {
         }
     }
 
-    // Copies the images as the library saw them, if they have their own files.
+    // Copies the images as the algorithm library saw them, if they have their own files.
     private void copyHanded() throws MistakeException, IOException {
         for (Event event : mRun.events().events("pixels")) {
             Json name = event.fields().get("file");

@@ -79,8 +79,9 @@ public final class PageFolder {
     }
 
     /**
-     * Writes the page of the last request, which is in the timeline unless its process died earlier.
-     * `exhibits` is null if the request's inputs can't be recreated. Returns a line that names the page.
+     * Writes the page of the last request. If the request's process died, the page shows the timeline since
+     * the previous page. `exhibits` is null if the request's inputs can't be recreated. Returns a line that
+     * names the page.
      */
     public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
