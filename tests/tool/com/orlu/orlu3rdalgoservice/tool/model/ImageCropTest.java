@@ -72,7 +72,7 @@ public final class ImageCropTest {
             String name = row[0] + " " + row[1] + row[2];
             ImageLayout image =
                     image((String) row[0], 8, 4, (String) row[1], (String) row[2], (int) row[3]);
-            ImageCrop crop = ImageCrop.of(image, CropArea.parse((String) row[4]), "it");
+            ImageCrop crop = ImageCrop.of(image, CropArea.parse((String) row[4]), "input 0");
             ImageLayout cropped = crop.image();
             assertEquals(name, row[5] + " " + row[6], JsonWriter.line(cropped.rowStrides()) + " "
                     + JsonWriter.line(cropped.planeSizes()));
@@ -94,7 +94,7 @@ public final class ImageCropTest {
         for (Object[] row : rows) {
             ImageLayout image = image("R8G8B8A8", 8, 4, "[32]", "[128]", 128,
                     "[" + row[0] + ", " + row[1] + ", 1]");
-            int[] buffer = ImageCrop.of(image, CropArea.parse("4,2"), "it").image().buffer();
+            int[] buffer = ImageCrop.of(image, CropArea.parse("4,2"), "input 0").image().buffer();
             assertEquals(Arrays.toString(row), row[2], buffer[0] + "x" + buffer[1]);
         }
     }
@@ -113,16 +113,16 @@ public final class ImageCropTest {
             {image("NV21", 8, 4, "[8,8]", "[32,1]", 48),
                     "--crop: it has planes of [32, 1] bytes, fewer than their rows need"},
             {image("RAW16", 4, 4, "[8]", "[32]", 32),
-                "--crop: 4x2 from 4,2 exceeds it of 4x4"},
+                "--crop: 4x2 from 4,2 exceeds input 0 of 4x4"},
         };
         for (Object[] row : rows) {
             assertEquals(row[1], assertThrows((String) row[1], IllegalArgumentException.class,
-                    () -> ImageCrop.of((ImageLayout) row[0], CropArea.parse("4,2,4,2"), "it"))
+                    () -> ImageCrop.of((ImageLayout) row[0], CropArea.parse("4,2,4,2"), "input 0"))
                     .getMessage());
         }
         for (String format : new String[] {"JPEG", "XYZ"}) {
             assertNull(format, ImageCrop.of(image(format, 8, 4, "[8]", "[99]", 99),
-                    CropArea.parse("4,2"), "it"));
+                    CropArea.parse("4,2"), "input 0"));
         }
     }
 
@@ -145,8 +145,8 @@ public final class ImageCropTest {
             String[] size = row[1].split("x");
             String found;
             try {
-                found = CropArea.parse(row[0]).in(Integer.parseInt(size[0]), Integer.parseInt(size[1]), "it")
-                        .toString();
+                found = CropArea.parse(row[0])
+                        .in(Integer.parseInt(size[0]), Integer.parseInt(size[1]), "input 0").toString();
             } catch (IllegalArgumentException e) {
                 found = row[2].startsWith("!") && e.getMessage().contains(row[2].substring(1)) ? row[2]
                         : e.getMessage();
