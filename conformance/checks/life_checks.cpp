@@ -60,7 +60,8 @@ void judgeGrowth(const std::string& what, int clients, const Holdings& growth) {
   HOLDS(growth.descriptors < clients / 2) << whole << growth.descriptors << " descriptors are left";
   HOLDS(growth.bytes < clients * static_cast<int64_t>(kBytesOfClient))
       << whole << growth.bytes << " bytes are left, " << growth.bytes / clients
-      << " for each; usually entries are never removed from a map of clients, or a client is not deleted";
+      << " for each client; usually entries are never removed from a map of clients, or a client is not "
+      << "deleted";
 }
 
 void tryManyClients() {
@@ -121,7 +122,7 @@ void endBusyClients() {
   const auto written = std::count_if(outputs.begin(), outputs.end(),
                                      [](const auto& one) { return one.first->bytes() != one.second; });
   HOLDS(written == 0) << written << " of " << outputs.size()
-                      << " outputs are written after destroyClient has returned; usually it does not "
+                      << " outputs were written after destroyClient had returned; usually it does not "
                       << "wait for the workers of its client";
   poison(0);
   HOLDS(late == 0) << late << " callbacks came after destroyClient had returned";

@@ -22,7 +22,7 @@ final class RunComparison extends ResultOptions {
             description = "Ignore NAME, such as a parameter; repeatable")
     private List<String> mIgnored = List.of();
     @Option(names = "--tolerance", paramLabel = "NUMBER",
-                description = "Ignore smaller differences of numbers and samples")
+                description = "Ignore differences of numbers and samples up to NUMBER")
     private double mTolerance;
     @Option(names = "--out", paramLabel = "DIR", description = "Write pictures of differing outputs to DIR")
     private Path mOut;

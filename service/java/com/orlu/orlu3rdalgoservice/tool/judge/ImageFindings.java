@@ -208,7 +208,7 @@ public final class ImageFindings {
             wrong("colours-exchanged", Tab.PICTURES,
                     "Red and blue are exchanged in %s.".formatted(output.name()),
                     "The planes U and V were exchanged, as if NV12 were written for NV21: compare the "
-                            + "output's format in the Memory tab with the one that the library writes.");
+                            + "output's format in the Memory tab with the format that the library writes.");
         }
     }
 
@@ -227,7 +227,7 @@ public final class ImageFindings {
                 wrong("frame-missing", Tab.PICTURES,
                         "%s (frame %d) has no picture, but other inputs have one.".formatted(
                                 input.name(), input.frame()),
-                        "The frame is missing from the burst and spoils the merged image.");
+                        "The burst lacks the picture of this frame, which spoils the merged image.");
             } else if (same != null && input.isOfFile() && !mExhibits.isLost()
                     && same.frame() != input.frame()) {
                 look("frame-twice", Tab.PICTURES, "%s (frame %d) contains the same bytes as %s (frame %d)."

@@ -17,7 +17,7 @@ public final class VerdictFindings {
 
     // The first match counts.
     private static final List<Kind> KINDS = List.of(
-            new Kind("breach", Tab.TIMELINE, "A side broke the contract.",
+            new Kind("breach", Tab.TIMELINE, "The service or the algorithm library broke the contract.",
                     "The event number identifies the call in the timeline and in the file of --events. "
                             + "See docs/conformance.md for the contract.",
                     "breach of the contract"),

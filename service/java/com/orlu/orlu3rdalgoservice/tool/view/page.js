@@ -65,7 +65,7 @@ function showFindings() {
       h(
         "p",
         {class: "faint"},
-        "The verdict is ok, and no known fault was found in the pictures, their memory and the frames.",
+        "The verdict is ok, and no known fault was found in the pictures, their memory or the frames.",
       ),
     );
     return;
