@@ -68,7 +68,7 @@ void MetadataUpdater::updatePixelShift() {
   mShot.write<int32_t>(kParameter, "raw_bayer_filter", mBayerFilter);
   const auto zoom = mShot.copy<float>("orlu.parameter.digitalzoom", kZoom, "digital_zoom_ratio");
   const auto satRole = mShot.copy<int32_t>("orlu.parameter.masterSatRole", kSensor, "camera_sat_role");
-  // The camera's base frame, or the last frame if the base frame is past the list.
+  // Index of the camera's base frame, clamped to the list of frames.
   const int base = std::min(std::max(mBasicFrameIndex, 0), mCaptureResultNum - 1);
   const Ints<4> crop = readSatCropRegions(mShot, mShot.frames().at(base));
   mShot.write<Ints<4>>(kZoom, "sat_crop_regions", crop);

@@ -20,7 +20,7 @@ _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
 _tagOrluSize readActiveSize(const Shot& shot);
 // Reads the crop of a switching multi-camera system: left, top, width and height.
 Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
-// Returns the value of the first of three tags that is present; 0 if none is.
+// Returns the scene type from the first of three tags that is present; 0 if all three are missing.
 int32_t readSceneType(const Shot& shot);
 // Writes ten keys of a frame's exposure control.
 void writeExposureControl(Shot& shot, const Aec& aec);

@@ -97,7 +97,7 @@ int ResultUpdater::updateProrawPure2ProcState() {
 
 int ResultUpdater::updateCaptureResultForSuperMoon() {
   if (!hasComposition()) {
-    // Oddity 43: the text names the other function.
+    // Oddity 43: the text names another function.
     LOGE_BARE(kShortLogTag, "updateTunningMode failed, captureResultCompositions size < 1");
     return 0;
   }

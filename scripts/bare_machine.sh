@@ -1,10 +1,11 @@
 #!/bin/bash
-# Runs commands of this project on a bare Debian 12: a minimal root without other packages, a clean clone of
-# the last commit, and an empty environment. Fails if a command fails or a picture is missing.
+# Runs commands of this project on a bare Debian 12: a minimal root file system without other
+# packages, a clean clone of the last commit, and an empty environment. Fails if a command fails or a picture
+# is missing.
 #   scripts/bare_machine.sh              ./run and then ./test
 #   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in its own root
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
-#                                        one root per argument, which holds the commands
+#                                        the commands of each argument in one root
 # Needs root rights to mount /proc and /dev. The mounts are in a private mount namespace, which disappears
 # with its last process. So nothing stays mounted, and nothing is mounted when the root is deleted.
 set -euo pipefail
@@ -37,8 +38,8 @@ clean_up() {
   done
 }
 
-# isolated COMMAND...: runs the command in its own mount and process namespaces. All of its processes exit with
-# it, and with this script.
+# isolated COMMAND...: runs the command in its own mount and process namespaces. When the command or this
+# script exits, all of the command's processes are killed.
 isolated() {
   setpriv --pdeathsig KILL unshare --mount --propagation private --pid --fork --kill-child "$@" &
   child=$!
@@ -55,7 +56,7 @@ mirror() {
     sed -n "s/^$release main //p" | head -n 1
 }
 
-# fetch_archive: downloads the minimal root if it is missing, and renames it when complete.
+# fetch_archive: downloads the minimal root if it is missing or old, and renames it when complete.
 fetch_archive() {
   local from
   if [ -n "$(find "$archive" -mtime -30 2>/dev/null)" ]; then

@@ -30,8 +30,8 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   note("a JPEG of " + std::to_string(size) + " bytes");
 }
 
-// Outputs smaller than any JPEG of the input: the library must write nothing after them and store no larger
-// size.
+// Outputs smaller than any JPEG of the input: the library must write nothing after an output, and must not
+// set encoded_jpeg_size to more than the output's size.
 void tryTightJpeg(Scene& scene) {
   for (int32_t room : {1, 200}) {
     const Image tight({kFormatJpeg, room, 1, 0, 0, false}, 7);
@@ -55,7 +55,8 @@ void tryTightJpeg(Scene& scene) {
   }
 }
 
-// Each class of sizes: small and even, odd in both directions, one row, wider than a page of memory.
+// Each class of sizes: small and even, odd in both directions, one row, many bytes per row (in RGBA, more
+// than a page of memory).
 constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {64,   48},
     {67,   45},
@@ -91,9 +92,9 @@ public:
   }
 
   bool isDone() const { return mIsDone; }
-  // Returns "" or describes the first pixels that neither run wrote.
+  // Returns "" or describes the first byte that neither run wrote.
   std::string untouched(size_t index) const { return find(index, isUntouched, "is unchanged"); }
-  // Returns "" or describes the first pixels that differ between the runs.
+  // Returns "" or describes the first written byte that differs between the runs.
   std::string different(size_t index) const {
     return find(index, isDifferent, "depends on the previous contents of the output");
   }
@@ -188,7 +189,7 @@ void checkOutputs() {
   for (int32_t format : Image::formats()) {
     for (const Layout& layout : kLayouts) {
       Scene scene;
-      // Includes an odd size, and one whose memory ends at the end of a page.
+      // An odd size, and a size with which, in some formats, the image ends at the end of a page of memory.
       for (const auto& [width, height] : {
                std::pair{64, 64},
                std::pair{67, 45}

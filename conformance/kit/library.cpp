@@ -28,8 +28,8 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// The running operations of this thread, outermost first. A callback inside process() may call others, and so
-// may a visitor.
+// The running operations of this thread, outermost first. A callback inside process() and a visitor may call
+// further operations.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 
 }  // namespace

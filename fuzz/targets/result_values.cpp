@@ -27,8 +27,8 @@ std::vector<std::string> algorithmList(Input& input) {
   return list;
 }
 
-// Reads the values: their number, then for each one a byte for its name, one for its kind, and its bytes or
-// the byte that fills it.
+// Reads the values: their number, then for each value a byte for its name, a byte for its kind, and its bytes
+// or the byte that fills it.
 void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
   for (int left = input.byte(); left > 0; --left) {
     const uint8_t name = input.byte();

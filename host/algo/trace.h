@@ -1,5 +1,5 @@
-// Writes facts that only an algorithm library knows, one line of JSON per finished request, to the file that
-// ORLU_ALGO_TRACE names. Without the variable, nothing is written.
+// Writes one line of JSON per finished request, with facts that only an algorithm library knows, to the file
+// that ORLU_ALGO_TRACE names. Without the variable, nothing is written.
 #pragma once
 
 #include <cstdio>

@@ -24,7 +24,7 @@ using android::hardware::hidl_vec;
 using Json = nlohmann::ordered_json;
 
 constexpr uint64_t kNativeReq = 7;
-// kNineCrc, its CRC-32, is the usual check value.
+// The usual test input of CRC-32, and its checksum.
 constexpr char kNine[] = "123456789";
 constexpr uint32_t kNineCrc = 0xCBF43926;
 
@@ -184,8 +184,8 @@ protected:
     frame.fdSize[0] = static_cast<int32_t>(size);
     return frame;
   }
-  // Returns "at image index: content" of each event with pixels, or the reason why they were not recorded in
-  // place of the content.
+  // Returns "at image index: content" for each event with pixels. If the pixels were not recorded, the reason
+  // replaces the content.
   std::vector<std::string> pixels() const {
     std::vector<std::string> found;
     std::ifstream file(mEvents);

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Examines the library's file like a phone's loader.
+# Checks the library's file: exported symbols, needed libraries, hardening, ARM attributes and stripped size.
 #   library_file_test.sh LIBRARY READELF STRIP arm|host libstdc++|libc++
 set -euo pipefail
 library=$1

@@ -1,5 +1,5 @@
 // The stand-in algorithm library that the product opened. While an Algo lives, the library follows the
-// Algo's script, and the Algo records the library's calls.
+// Algo's script, and the Algo records the calls of the library's operations.
 #pragma once
 
 #include <mutex>

@@ -1,5 +1,5 @@
-// Captures the log of all threads while this object lives. Only the innermost capture receives lines. Without
-// a capture lines go to standard error.
+// Captures the log of all threads while a LogCapture lives. Only the innermost capture receives lines.
+// Without a capture, lines go to standard error.
 #pragma once
 
 #include <android/log.h>
@@ -38,7 +38,7 @@ public:
   }
   // Returns true if text() contains this part.
   bool contains(const std::string& part) const;
-  // Returns all lines with a prefix that any capture has received, each distinct line once.
+  // Returns all lines captured so far that have a prefix, without duplicates.
   static std::vector<LogLine> everything();
   // Returns all lines as "tag: file function() message", each with a newline.
   std::string text() const;

@@ -23,7 +23,7 @@ inline void destroyServiceClient(jobject service, jlong client) {
   call(service, "destroyNativeClient", "(J)I", client);
 }
 
-// Returns a recorder that stores at most `count` recordings and `bytes` bytes in this folder.
+// Returns a recorder that keeps at most `count` recordings of at most `bytes` bytes each in this folder.
 inline jobject newRecorder(const std::string& folder, int count, int64_t bytes) {
   jobject file = newObject("java/io/File", "(Ljava/lang/String;)V", javaString(folder));
   return newObject("com/orlu/orlu3rdalgoservice/record/RequestRecorder", "(Ljava/io/File;IJ)V", file, count,

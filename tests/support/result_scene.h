@@ -17,7 +17,7 @@
 
 namespace orlu::test {
 
-// An algorithm's result in the parameter set. The section is without "orlu.algo.".
+// An algorithm's result in the parameter set. `section` omits the prefix "orlu.algo.".
 struct LeftValue {
   std::string section;
   std::string key;

@@ -45,7 +45,8 @@ public final class HostileRequest implements AutoCloseable {
     private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
 
     /**
-     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3: the same, but the image score skips the algorithms.
+     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3: like 0 and 1, but the image score makes the library
+     * skip the algorithms.
      */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));

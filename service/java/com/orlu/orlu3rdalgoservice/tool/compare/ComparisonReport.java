@@ -112,7 +112,7 @@ public final class ComparisonReport {
         return causes(Set.of());
     }
 
-    // A tag may matter in only one of the runs, so both have trials unless their tags are equal.
+    // A tag may matter in only one of the runs, so trials run for both, unless no tag differs.
     private Causes causes(Set<String> only) throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {

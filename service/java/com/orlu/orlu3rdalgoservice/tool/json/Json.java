@@ -27,7 +27,7 @@ public final class Json implements JsonWriter.Source {
 
     private final Mistakes mMistakes;
     private final Json mParent;
-    /** The name in an object, or the path of the root; null in a list. */
+    /** The name in an object; "" for the root, null in a list. */
     private final String mName;
     private final int mIndex;
     private final Spot mNameSpot;
@@ -211,7 +211,7 @@ public final class Json implements JsonWriter.Source {
         return mContent == null;
     }
 
-    /** Whether this is a number written without fraction and exponent. */
+    /** Whether this is a number written without a fraction or an exponent. */
     public boolean isWholeNumber() {
         return mContent instanceof BigDecimal number && number.scale() == 0;
     }

@@ -108,8 +108,8 @@ public final class Run {
     }
 
     /**
-     * Returns a run in this process. `name` is that of its files. `pass` is null if the library does not
-     * report its work.
+     * Returns a run in this process. `name` is the prefix of its files' names. `pass` is null if the library
+     * does not report its work.
      */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, Ran ran) {
@@ -124,7 +124,7 @@ public final class Run {
         return run;
     }
 
-    /** Returns a run of which only a file of events exists, without images. */
+    /** Returns a run from a file of events alone; such a run has no images. */
     public static Run ofEvents(Path file) throws MistakeException {
         RecordedEvents events = RunFolder.events(file);
         if (events.calls().isEmpty()) {
@@ -185,7 +185,7 @@ public final class Run {
         return mEvents;
     }
 
-    /** The problem of the events file; empty if it is complete or missing. */
+    /** The problem of the events file; empty if the file is intact or none was recorded. */
     public String eventsProblem() {
         return mFolder == null ? "" : RunFolder.eventsProblem(mFolder, mOutcome);
     }
@@ -292,7 +292,7 @@ public final class Run {
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.list("trimmed")) {
-            // The frames of a further trim are those of the trimmed copy.
+            // A further trim counts the frames of the trimmed copy.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
         return text.toString();

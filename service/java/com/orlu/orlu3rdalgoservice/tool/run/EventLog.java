@@ -56,7 +56,7 @@ public final class EventLog {
         return sOfEnvironment;
     }
 
-    /** Creates an event with the present time, this thread, and these fields. The caller calls write(). */
+    /** Creates an event with the present time, this thread, and these fields. Pass it to write(). */
     public Map<String, Object> begin(String event, Object... fields) {
         ThreadName thread = THREAD.get();
         Map<String, Object> line = JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread",

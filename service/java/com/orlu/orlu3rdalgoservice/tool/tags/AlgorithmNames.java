@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.util.List;
 
-/** The names of algorithms in the library, the stand-in and the samples: those in algorithms.txt. */
+/** The names of algorithms in the library, the stand-in and the samples, as listed in algorithms.txt. */
 public final class AlgorithmNames {
     private AlgorithmNames() {
     }

@@ -85,8 +85,8 @@ final class RequestTrack {
     }
 
     /**
-     * Returns the calls that read results and the call that destroys the parameters; all on the thread of the
-     * first.
+     * Returns the calls that read results, and the call that destroys the parameters. All are on the thread
+     * of the first call.
      */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
