@@ -157,7 +157,7 @@ TEST_F(CameraMetadataParserPuttersTest, StoreObjectsAsTheyAre) {
   EXPECT_EQ(Lines(), parserErrors(mLog));
 }
 
-TEST_F(CameraMetadataParserPuttersTest, TellWhyThereIsNoMap) {
+TEST_F(CameraMetadataParserPuttersTest, LogWhyNoMapIsCreated) {
   for (const char* hidden : {"java/util/HashMap", "java/util/HashMap.<init>"}) {
     P parser = parserWithout(hidden);
     mLog.clear();

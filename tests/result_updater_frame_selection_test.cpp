@@ -94,13 +94,13 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
 struct SelectCase : test::NamedCase {
   int frames;
   std::vector<int32_t> selected;
-  std::string kept;    // timestamps in "orlu.feedback.frameSelectResult"; "none": neither key is put
-  std::string thrown;  // scores of discarded frames in "orlu.feedback.clarityScore"
+  std::string kept;       // timestamps in "orlu.feedback.frameSelectResult"; "none": neither key is put
+  std::string discarded;  // scores of discarded frames in "orlu.feedback.clarityScore"
 };
 
 class ResultUpdaterSelectTest : public testing::TestWithParam<SelectCase> {};
 
-TEST_P(ResultUpdaterSelectTest, PutsKeptFramesByTimeAndThrownOnesByScore) {
+TEST_P(ResultUpdaterSelectTest, PutsTimesOfKeptAndScoresOfDiscardedFrames) {
   const SelectCase& c = GetParam();
   ResultScene scene;
   scene.values = {scores(50), left("feedback", "frame_select_result", c.selected)};
@@ -109,7 +109,7 @@ TEST_P(ResultUpdaterSelectTest, PutsKeptFramesByTimeAndThrownOnesByScore) {
   const bool failed = c.kept == "none";
   EXPECT_EQ(failed ? ""
                    : "0 orlu.feedback.frameSelectResult long[]" + c.kept +
-                         "\n0 orlu.feedback.clarityScore double[]" + c.thrown + "\n",
+                         "\n0 orlu.feedback.clarityScore double[]" + c.discarded + "\n",
             linesWith(scene.puts(), {"frameSelectResult", "clarityScore", "basicFrame"}));
   EXPECT_EQ(failed ? "E callbackFrameSelectResult failed, frameIndex out of range\n" : "",
             linesWith(scene.log(), {"E callback"}));
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterSelectTest, testing::Values(
     SelectCase{"AnyNegative",      2,  {-7, 0},           " 1000",               " 0.5"},
     SelectCase{"IndexOfTheCount",  3,  {0, 3, -1},        "none",                ""},
     SelectCase{"IndexFarOut",      2,  {0, 0x7FFFFFFF},   "none",                ""},
-    SelectCase{"OutOfUnusedEntry", 2,  {1, 0, 99},        " 1001 1000",          ""},
+    SelectCase{"UnusedOutOfRange", 2,  {1, 0, 99},        " 1001 1000",          ""},
     SelectCase{"PastScores",       52, first20(),         numbers(20, 1000),     numbers(30, 20.5) + " 0.0 0.0"},
     SelectCase{"LateFrameKept",    25, {24},              " 1024",               numbers(24, 1.5)}),
     test::CaseName());
@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterBaseFrameTest, testing::Values(
     BaseCase{"First",            3, 0,  0,    "1000", kChosen + "0, resultTimeStamps 1000\n"},
     BaseCase{"Last",             3, 2,  0,    "1002", kChosen + "2, resultTimeStamps 1002\n"},
     BaseCase{"IndexOfTheCount",  3, 3,  0,    "1000", kTooFar + kChosen + "0, resultTimeStamps 1000\n"},
-    BaseCase{"TimeWinsFarOut",   2, 9,  -5,   "-5",   kTold + "-5, timeStamps 1000\n" + kChosen + "9, resultTimeStamps -5\n"},
+    BaseCase{"TimeOverBadIndex", 2, 9,  -5,   "-5",   kTold + "-5, timeStamps 1000\n" + kChosen + "9, resultTimeStamps -5\n"},
     BaseCase{"LargeTime",        1, 0,  0x123456789ABCDEF, "81985529216486895",
              kTold + "81985529216486895, timeStamps 1000\n" + kChosen + "0, resultTimeStamps " + kLargeTimeAsLong + '\n'},
     BaseCase{"NotChosen",        3, -1, 1234, "",     ""},

@@ -47,7 +47,7 @@ size_t openDescriptors() {
   return open;
 }
 
-TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
+TEST(PixelFile, StoresMappedMemoryOrReportsTheProblem) {
   const std::string path = testing::TempDir() + "pixels_" + std::to_string(getpid());
   std::string large(size_t{17} << 20, 'l');  // larger than one mapping
   large.back() = 'e';
@@ -99,7 +99,7 @@ TEST(PixelFile, KeepsWhatCanBeMappedAndSaysWhyNot) {
 }
 
 // Touching a mapped page that no longer exists would kill the process.
-TEST(PixelFile, OutlivesMemoryThatShrinks) {
+TEST(PixelFile, SurvivesShrinkingMemory) {
   constexpr off_t kSize = off_t{20} << 20;
   const std::string path = testing::TempDir() + "shrinking_" + std::to_string(getpid());
   const int fd = memoryFile("x");
@@ -216,7 +216,7 @@ TEST_F(PixelRecorderTest, KeepsInputsAtProcessAndOutputsAtTheCallback) {
   EXPECT_EQ(openDescriptors(), open);
 }
 
-TEST_F(PixelRecorderTest, ClosesWhatNoCallbackComesFor) {
+TEST_F(PixelRecorderTest, ClosesDescriptorsOfRequestsWithoutCallback) {
   const size_t open = openDescriptors();
   run("in", "out", -22, nullptr);
   EXPECT_EQ(openDescriptors(), open) << "after process() failed";
@@ -225,13 +225,13 @@ TEST_F(PixelRecorderTest, ClosesWhatNoCallbackComesFor) {
   mTable.destroyClient(&mTable);
   EXPECT_EQ(openDescriptors(), open) << "after the client was destroyed";
   for (int i = 0; i < 40; ++i) run("in", "out", 0, nullptr);
-  EXPECT_EQ(openDescriptors(), open + 16) << "requests beyond the 16th must not hold descriptors";
+  EXPECT_EQ(openDescriptors(), open + 16) << "at most 16 requests may hold descriptors";
   mTable.destroyClient(&mTable);
   EXPECT_EQ(openDescriptors(), open);
   EXPECT_EQ(pixels().size(), 42U);
 }
 
-TEST_F(PixelRecorderTest, HasNoMoreBytesThanItMayUntilFilesAreTakenAway) {
+TEST_F(PixelRecorderTest, StoresNoMoreThanTheLimitUntilFilesAreRemoved) {
   open("5");
   run("in", "out", 0, kShotCallback);
   run("in", "out", 0, kShotCallback);

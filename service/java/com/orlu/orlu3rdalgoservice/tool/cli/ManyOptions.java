@@ -19,7 +19,8 @@ final class ManyOptions extends ResultOptions {
     @Option(names = "--report", paramLabel = "DIR",
             description = "Write a page with the pictures side by side")
     Path report;
-    @Option(names = "--jobs", paramLabel = "N", description = "Run N requests in parallel; times increase")
+    @Option(names = "--jobs", paramLabel = "N",
+            description = "Run N requests in parallel; the measured times increase")
     int jobs = 1;
 
     /** Throws an IllegalArgumentException if an option is invalid. */

@@ -117,7 +117,8 @@ public final class OutputComparison {
                 () -> write(difference.picture(), name + "-difference.png"));
         // In parallel: a picture of 50 megapixels takes seconds.
         SideBySide.run("writing pictures", work.size(), work, written::add);
-        return "; " + written.get(written.size() - 1) + " (" + ImageDifference.AMPLIFICATION + " times)";
+        return "; " + written.get(written.size() - 1) + " (amplified " + ImageDifference.AMPLIFICATION
+                + " times)";
     }
 
     private Path write(PixelRows picture, String name) throws IOException {
