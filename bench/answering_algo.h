@@ -1,5 +1,5 @@
-// The algorithm library of the benchmarks, with the device's name. It stores nothing, computes nothing and
-// calls back at once, so that the benchmarks measure only the library in front of it.
+// The algorithm library of the benchmarks, under its name on the device. It stores nothing, computes nothing
+// and calls back at once, so that the benchmarks measure only the library in front of it.
 #pragma once
 
 #include "algo_interface.h"
@@ -15,7 +15,7 @@ void setProcessHandler(ProcessHandler handler);
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 
-// Calls the library back on the calling thread: this request is done. Does not allocate.
+// Reports to the library, on the calling thread, that this request is done. Does not allocate.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 
 // Returns the library's id of the last request that the calling thread passed to process().

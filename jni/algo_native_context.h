@@ -71,8 +71,8 @@ public:
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
   // Visit the values that the algorithms pass to the system, or request from it. The library may call the
-  // visitor on this thread until the operation returns; any other call returns -1 without reaching the
-  // visitor. Return the same values as setValue().
+  // visitor on this thread until the operation returns; later or on another thread, a call returns -1 without
+  // reaching the visitor. Return the same values as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 

@@ -27,8 +27,8 @@ public:
   int set(const char* section, const char* key, const void* data, size_t size);
   int set(const char* section, const char* key, const std::string& bytes);
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // The bytes that getValue() wrote into a buffer of this size; `status` receives its return value. Bytes
-  // that getValue() left unchanged are not included.
+  // Passes a buffer of `size` bytes to getValue(), and returns the buffer up to the last byte that getValue()
+  // wrote. `status` receives the return value of getValue().
   std::string written(const char* section, const char* key, size_t size, int& status) const;
   unsigned size() const;
   void destroy();
@@ -77,7 +77,8 @@ public:
   std::vector<Message> messages() const;
   // The number of callbacks with this name for this request.
   size_t count(uint64_t nativeReq, const std::string& name = kShotCallback) const;
-  // Waits for the first callback, at most the patience of the options. Returns false after a timeout.
+  // Waits for the request's first callback, at most the patience of the options, or 0.3 s once this process
+  // has missed a callback. Returns false after a timeout.
   bool waitFor(uint64_t nativeReq) const;
   // Discards all callbacks received so far.
   void forget();

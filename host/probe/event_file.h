@@ -10,8 +10,8 @@ namespace orlu::probe {
 
 class EventFile {
 public:
-  // Reads ORLU_EVENTS. Returns true if later lines go to a different file than before. A file that can't be
-  // opened counts as none and is reported on standard error.
+  // Reads ORLU_EVENTS. Returns true if later lines go to a different file than before. If the new file can't
+  // be opened, prints the reason on standard error, returns false and drops later lines.
   bool open();
 
   bool isOn() const { return mDescriptor >= 0; }

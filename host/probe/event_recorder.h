@@ -16,7 +16,7 @@ namespace orlu::probe {
 
 class EventRecorder final : public TableObserver {
 public:
-  // Reads the environment, and writes the header if a different file is used from now on.
+  // Reads the settings, and writes the header if events go to a different file from now on.
   void open();
 
   // Finds and opens the real library for a caller of the entry, and records this as one operation.

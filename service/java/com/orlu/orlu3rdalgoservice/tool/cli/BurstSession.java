@@ -152,17 +152,17 @@ final class BurstSession {
         }
     }
 
-    // Later requests reuse addresses, so the calls are matched in order.
+    // A callback names only the native id, which the begin of process maps to the request's id.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();
         for (Call call : events.calls()) {
-            long address = call.begin().number("nativeReq");
+            long nativeReq = call.begin().number("nativeReq");
             if (call.operation().equals("process")) {
-                current.put(address, call.begin().number("reqId"));
+                current.put(nativeReq, call.begin().number("reqId"));
                 counts.put(call.begin().number("reqId"), 0);
             } else if (call.operation().equals("callback") && call.begin().isShot()) {
-                counts.merge(current.getOrDefault(address, -1L), 1, Integer::sum);
+                counts.merge(current.getOrDefault(nativeReq, -1L), 1, Integer::sum);
             }
         }
         int right = 0;

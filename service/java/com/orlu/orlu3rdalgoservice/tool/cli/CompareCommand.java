@@ -144,7 +144,7 @@ final class CompareCommand implements Subcommand {
         }
     }
 
-    // Returns the cells of the two least similar outputs and of their difference.
+    // Returns three cells: the output that differs most, from A and from B, and the difference.
     private static List<Map<String, Object>> cells(ShotRun one, ShotRun other, OutputMeasure outputs)
             throws MistakeException {
         int output = outputs.output();

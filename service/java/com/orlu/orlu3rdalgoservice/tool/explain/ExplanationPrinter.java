@@ -26,7 +26,10 @@ public final class ExplanationPrinter {
         mLines = lines;
     }
 
-    /** Explains each word: a key, a section and a key, "algorithms", or "all" parameters written. */
+    /**
+     * Explains each word: a key, a section and a key, "algorithms", or "all" for every written parameter and
+     * the algorithms.
+     */
     public void print(List<String> words) {
         Set<String> names = mExplanations.names();
         Set<String> possible = mExplanations.possibleNames();

@@ -83,7 +83,7 @@ public final class Picture implements PixelRows {
         return of(new ImageRows(scaled));
     }
 
-    /** A sample, rounded to 0 to 255. */
+    /** A sample, rounded to an integer from 0 to 255. */
     int byteAt(int x, int y, int channel) {
         return PixelRows.round(get(x, y, channel));
     }

@@ -59,7 +59,7 @@ final class PixelWriter {
         return (byte) Math.min(255, Math.round(MIDDLE + sum / 4));
     }
 
-    /** Returns a sink that writes samples of a raw image in row order. */
+    /** Returns a sink that writes a raw image. Pass it the samples in row order. */
     static SampleSink samples(ImagePlan plan, ByteBuffer to) {
         int stride = plan.strideBytes();
         if (plan.format() == PixelFormat.MIPI_RAW10) {

@@ -10,8 +10,8 @@ import java.util.Map;
  *
  * @param by    the side that broke it
  * @param kind  a word for programs
- * @param event the event of the first call that shows it: the begin, or the end if the result shows it
- * @param count the number of calls of the operation that show it
+ * @param event the first event that shows the breach: the begin of a call, or its end if the result shows it
+ * @param count the number of calls of the operation that show the breach
  */
 public record Breach(Side by, String kind, Event event, String expected, String found, int count) {
     /** The two sides of the contract. */

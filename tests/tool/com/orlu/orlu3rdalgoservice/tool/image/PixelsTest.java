@@ -116,7 +116,7 @@ public final class PixelsTest {
     public void packsRawSamples() {
         int[] samples = {0x3FF, 0x001, 0x2A2, 0x1C3, 0x004, 0x155, 0x3A8, 0x20F};
         Object[][] rows = {
-            // The fifth byte contains the lower two bits of all four samples, the first sample's lowest.
+            // The fifth byte contains the lower two bits of four samples, the first sample's in bits 0-1.
             {PixelFormat.MIPI_RAW10, 10, 8, 12, "ff00a870e7 0155ea83c4 eeee"},
             {PixelFormat.RAW16, 16, 8, 18, "ff030100a202c301 04005501a8030f02 eeee"},
             {PixelFormat.RAW_SENSOR, 12, 4, 0, "ff030100a202c301 04005501a8030f02"},
