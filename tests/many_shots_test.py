@@ -169,7 +169,7 @@ def check_burst(folder):
     status, shots = burst("async.json", ORLU_PLANTED="crossed", **PLANTED)
     expect("foreign results", (1, 1, "request 103 got the results of request 102"),
            (status, shots["ownResults"], shots["verdict"]["reasons"][0]))
-    refused(folder, '--algo-delay: expected MS, MS-MS or MS-MS,unordered, found "x"', "--algo-delay", "x",
+    refused(folder, '--algo-delay: expected MS[-MS][,unordered], found "x"', "--algo-delay", "x",
             "shots/a.json")
     refused(folder, "--in-flight requires --burst", "--in-flight", "2", "shots/a.json")
     refused(folder, "--report can't be combined with --burst", "--burst", "2", "--report", "p",

@@ -122,7 +122,8 @@ def check_mutations(folder, schema, samples):
             failures.append(f"./run accepts {path}, the schema does not: {error.message[:200]}")
     refusals = sum(not schema.is_valid(request) for _, request in mutated)
     if len(mistakes) < len(mutated) / 4 or refusals < len(mistakes) * 2 / 3:
-        failures.append(f"of {len(mutated)} mutations ./run refuses {len(mistakes)}, and the schema {refusals}")
+        failures.append(f"too few of {len(mutated)} mutations are rejected: {len(mistakes)} by ./run, "
+                        f"{refusals} by the schema")
 
 
 def check_fields(folder, schema):
@@ -140,9 +141,10 @@ def check_fields(folder, schema):
             if place in ("request", "client", "frames.common"):
                 properties = properties[place.split(".")[-1]]["properties"]
             if sorted(properties) != names.split(", "):
-                failures.append(f"{place or 'the file'} has {names}, in the schema {', '.join(sorted(properties))}")
+                failures.append(f"fields of {place or 'the file'}: ./run lists {names}, "
+                                f"the schema {', '.join(sorted(properties))}")
         if len(listed) != len(FIELDS) - 1:
-            failures.append(f"of {len(FIELDS) - 1} places ./run lists the fields of {len(listed)}")
+            failures.append(f"./run lists the fields of {len(listed)} places, expected {len(FIELDS) - 1}")
 
 
 def check_new(folder, schema):
@@ -159,7 +161,8 @@ def check_new(folder, schema):
     result = run("--out", folder / "out", *files)
     verdicts = [line for line in result.stdout.splitlines() if line.startswith("verdict")]
     if result.returncode or len(verdicts) <= len(kinds) or len(kinds) < 20:
-        failures.append(f"of {len(kinds)} kinds {verdicts}: {result.stderr}")
+        failures.append(f"running the files of {len(kinds)} kinds: status {result.returncode}, {verdicts}, "
+                        f"{result.stderr}")
     for arguments, text in ((["nite"], "no such kind: nite"), (["hdr6"], "(did you mean hdr"),
                             (["hdr5", "--out", files[0]], "the file already exists"),
                             (["--out", "x"], "requires a KIND")):

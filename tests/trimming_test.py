@@ -131,12 +131,13 @@ def check_every_layout():
     expect("the middle", True, "cropped to 20x12" in out)
     pixels = Path("middle/input0.bin").read_bytes()
     expect("the middle's rows", bytes(value(0, 6, 4 + b) for b in range(20)), pixels[:20])
+    form = "expected X and WIDTH in multiples of 4, Y and HEIGHT in multiples of 2, and no empty area"
     for area, problem in {
         "12": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 12",
         "8,6,12,10,2": "expected WIDTH,HEIGHT or X,Y,WIDTH,HEIGHT, found 8,6,12,10,2",
-        "2,6,12,10": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 2,6,12,10",
-        "8,3,12,10": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 8,3,12,10",
-        "0,12": "expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found 0,12",
+        "2,6,12,10": f"{form}, found 2,6,12,10",
+        "8,3,12,10": f"{form}, found 8,3,12,10",
+        "0,12": f"{form}, found 0,12",
         "24,6,12,10": "12x10 from 24,6 exceeds input 0 of 32x24",
         "36,10": "36x10 exceeds input 0 of 32x24",
     }.items():

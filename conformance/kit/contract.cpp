@@ -16,10 +16,10 @@ constexpr char kText[] =
   operations also on threads on which the library calls back. Calls for different clients may run
   at the same time; calls for one client run one at a time.
 - **A client.** createClient requests version {version}. init follows with type 0 if Java asks for
-  it. uninit is called for the types 1, 2, 3 and 5 in this order, with mode 1 or 2 when Java
-  releases the client, and with mode 0 before the client is destroyed. The last calls for a client
-  are flush, uninit with mode 0 and destroyClient, whatever was called before. The handle is not
-  used afterwards.
+  it. uninit is called for the types 1, 2, 3 and 5 in this order: with mode 1 or 2 when Java
+  releases the client (mode 0 if Java passes no image format), and with mode 0 before the client
+  is destroyed. The last calls for a client are flush, uninit with mode 0 and destroyClient,
+  whatever was called before. The handle is not used afterwards.
 - **A parameter block** is created before its request is submitted, and lives until the results
   are read: for a synchronous request, after its callback or after the wait; for a full-async one,
   when Java asks for them. If the request was never announced to Java, the block is destroyed with
@@ -32,8 +32,8 @@ constexpr char kText[] =
   have up to 8482 bytes.
 - **The record** of process, with its lists, frames and handles, lives until process returns.
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
-  process returns, before its callback. The descriptor passed to translateParamFile is valid until
-  translateParamFile returns.
+  process returns, even if its callback is still to come. The descriptor passed to
+  translateParamFile is valid until translateParamFile returns.
 - **The cookie** is the address of a function, one for each client, that stays valid until the
   process ends. It may be called on any thread, on several at once, before process returns, after
   the client is destroyed, and with any bytes. It throws nothing and stores none of its arguments.
@@ -51,9 +51,10 @@ constexpr char kText[] =
 - **Results of calls** are ignored, except the handles of createClient and createMetadata, the
   size of getSize, and the status of getValue and of the visitors' operations. A null client is
   passed on like any other; a null block never reaches the library.
-- **A missing callable** is logged and skipped. An exception from a callable is caught at the
-  call, logged, and counts as a failure; a Java exception left on the thread is cleared and
-  logged. No call is retried.
+- **A missing callable** is skipped. This is logged, except for block operations other than
+  createMetadata and destroyMetadata. Without getSize, process is skipped, too. An exception from a
+  callable is caught at the call, logged, and counts as a failure; a Java exception left on the
+  thread is cleared and logged. No call is retried.
 - **Visitors** may be called any number of times during the call that they were passed to, on its
   thread, and may use block operations. They throw nothing. On other threads or later, they return
   -1.

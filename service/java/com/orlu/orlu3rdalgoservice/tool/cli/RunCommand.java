@@ -101,7 +101,7 @@ final class RunCommand implements Subcommand {
     static final class Tried {
         @Option(names = "--check", description = "Check the request files and run nothing")
         boolean check;
-        @Option(names = "--strict", description = "Fail on unread or mistyped tags, and on warnings")
+        @Option(names = "--strict", description = "Fail on unread tags, wrong types, and warnings")
         boolean strict;
         @Option(names = "--validate", description = "Fail when either side breaks the contract")
         boolean validate;
@@ -176,7 +176,7 @@ final class RunCommand implements Subcommand {
             refuse(List.of("--interval", "--in-flight"), " requires --burst");
         }
         if (tried.algoDelay != null && !tried.algoDelay.matches("[0-9]{1,6}(-[0-9]{1,6})?(,unordered)?")) {
-            throw new IllegalArgumentException("--algo-delay: expected MS, MS-MS or MS-MS,unordered, found \""
+            throw new IllegalArgumentException("--algo-delay: expected MS[-MS][,unordered], found \""
                     + tried.algoDelay + '"');
         }
         if (tried.photo != null && !Files.isRegularFile(tried.photo)) {

@@ -119,7 +119,7 @@ public final class ExplanationPrinter {
             mLines.plain("  (" + mExplanations.effort() + ")");
         }
         if (!mSource.problem().isEmpty()) {
-            mLines.plain("  (lines of source are missing: " + mSource.problem() + ")");
+            mLines.plain("  (source lines are missing: " + mSource.problem() + ")");
         }
         mLines.printNotes();
     }

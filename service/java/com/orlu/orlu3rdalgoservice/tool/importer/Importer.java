@@ -68,7 +68,7 @@ public final class Importer {
 
     private void limit(String what, List<?> all, int most) {
         if (all.size() > most) {
-            mNotes.add("", what + "s from " + most + " on dropped; found " + all.size());
+            mNotes.add("", "only the first " + most + " " + what + "s are used; found " + all.size());
             all.subList(most, all.size()).clear();
         }
     }

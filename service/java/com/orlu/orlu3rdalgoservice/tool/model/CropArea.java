@@ -28,7 +28,8 @@ public record CropArea(int x, int y, int width, int height) {
         if (area.width < 1 || area.height < 1 || area.width % COLUMNS != 0 || area.height % ROWS != 0
                 || area.x > 0 && area.x % COLUMNS != 0 || area.y > 0 && area.y % ROWS != 0) {
             throw new IllegalArgumentException(
-                    "--crop: expected X and WIDTH in multiples of 4, Y and HEIGHT of 2, found " + text);
+                    "--crop: expected X and WIDTH in multiples of 4, Y and HEIGHT in multiples of 2, and no "
+                    + "empty area, found " + text);
         }
         return area;
     }

@@ -127,7 +127,7 @@ function explanation(name, explained) {
       null,
       data.explanationProblem
         ? "Its tags are unknown."
-        : "No tag of its own changes it: it is constant, or comes from the request or its images.",
+        : "No specific tag changes it: it is constant, or comes from the request or its images.",
       general(),
     );
   }
