@@ -70,8 +70,8 @@ follow() {
   printf %s "$clear" >&2
 }
 
-# Name and version of every installed package of this machine's architecture, one per line; empty until
-# needed.
+# Name and version of every installed package of this machine's architecture or of "all", one per line; empty
+# until needed.
 installed_packages=
 
 # read_installed_packages: fills installed_packages with a single query.

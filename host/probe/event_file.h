@@ -15,7 +15,7 @@ public:
   bool open();
 
   bool isOn() const { return mDescriptor >= 0; }
-  // A line that can't be written completely is lost.
+  // Errors are ignored: a line, or the rest of a line, that can't be written is lost.
   void write(const std::string& line) const;
 
 private:

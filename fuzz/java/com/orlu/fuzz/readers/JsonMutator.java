@@ -13,8 +13,9 @@ import java.util.Map;
 import java.util.Random;
 
 /**
- * Changes values and members of a JSON tree of Maps, Lists, and other values as JSON text. The result is
- * valid JSON unless it contains an invalid value of the pool.
+ * Changes values and members of a JSON tree. The tree consists of Maps, Lists, and JSON text for all other
+ * values. The result can be invalid JSON: the pool has invalid values, and altered texts or numbers can be
+ * invalid.
  */
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
@@ -173,7 +174,7 @@ final class JsonMutator {
         }
     }
 
-    // Half of the texts and numbers keep their type.
+    // Alters half of the texts, numbers and words. Replaces all other values by values of the pool.
     private Object other(Object value) {
         if (value instanceof String text && mChance.nextBoolean()) {
             return text.startsWith("\"") ? otherText(text) : otherNumber(text);
