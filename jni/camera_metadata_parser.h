@@ -120,8 +120,8 @@ public:
   // it. Returns 0 if everything was found, else -1; operations that don't need a missing member still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
-  // Declares the objects of a request's frames, so that each one's class is checked once instead of in every
-  // lookup. Borrows both lists and their objects until the next initialisation.
+  // Declares the objects of a request's frames, so that the class of each object is checked once instead of
+  // in every lookup. Borrows both lists and their objects until the next initialisation.
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
   // Lookups. `key` must consist of complete UTF-8 characters; this also applies to the getters and putters.
@@ -228,7 +228,7 @@ private:
     jmethodID get;
   };
   // Returns the environment for the owners of the next operation's local references; null if the batch frees
-  // these.
+  // the references.
   JNIEnv* referenceOwner() { return mBatch != nullptr && mBatch->makeRoom() ? nullptr : mEnv; }
   ScopedLocalRef<> ask(jobject captureResult, jobject parameter, const char* key, jclass valueClass);
   ScopedLocalRef<> ask(jobject parameter, const char* key);

@@ -14,15 +14,16 @@ namespace orlu {
 
 class ParameterChannel {
 public:
-  // Borrows both arguments; use the channel on this thread only. If `block` is null, nothing is stored, and
-  // reads return the initial value.
+  // Borrows both arguments; use the channel on the creating thread only. If `block` is null, nothing is
+  // stored, and reads return the initial value.
   ParameterChannel(const AlgoNativeContext& context, void* block)
       : mTable(&context.table()), mEnv(mTable->environment()), mBlock(block) {}
 
   void* block() const { return mBlock; }
 
-  // Returns the value, or `initial` if the block lacks it or the status is not 0. If the stored value is
-  // shorter, it replaces only the first bytes of `initial`.
+  // Returns the value, or `initial` if the block lacks the value or the operation could not be called. Does
+  // not check the status: bytes that getValue wrote are returned even if it failed. A stored value that is
+  // shorter than T replaces only the first bytes of `initial`.
   template <typename T>
   T get(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
     static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
@@ -37,13 +38,13 @@ public:
     return setBytes(section, key, &value, sizeof value);
   }
 
-  // Copy any number of bytes. Return the context's status: 0, the library's own, or -1 if the operation could
-  // not be called.
+  // Copy any number of bytes. Return the status of the algorithm library (0 for success), or -1 if the
+  // operation could not be called or threw.
   int getBytes(const char* section, const char* key, void* data, unsigned size) const {
     return mTable->getValue(mEnv, mBlock, section, key, data, size);
   }
   int setBytes(const char* section, const char* key, const void* data, unsigned size) const {
-    // The library copies the bytes and never changes them, although its parameter is not const.
+    // The algorithm library copies the bytes and never changes them, although its parameter is not const.
     return mTable->setValue(mEnv, mBlock, section, key, const_cast<void*>(data), size);
   }
 

@@ -36,12 +36,12 @@ public:
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
-  // The parts of updateResult(); each may run alone. updateResult() ignores their results.
+  // The parts of updateResult(); each may run alone. updateResult() ignores their return values.
   // result_updater_frame_selection.cpp
   int updateFrameClarity();           // -1 without a composition
   int updateFrameSelectResult();      // -1 if a frame index is out of range
   int updateSelectBasicFrameIndex();  // -1 if there is no frame to choose
-  // result_updater_raw_algo.cpp. All return 0. The first one calls the others.
+  // result_updater_raw_algo.cpp. All return 0. updateParamsFromRawAlgo() calls the others.
   int updateParamsFromRawAlgo();
   int updateTunningMode();
   int updateRAWHDRTrackingInfor();

@@ -47,7 +47,7 @@ lint_shell() {
   shellcheck -x -e SC2034,SC2154 "${sourced[@]}"
 }
 
-# Compiles each folder like CMake.
+# Compiles each folder as CMake does.
 lint_java() {
   local folder class_path=$java_libraries
   class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/junit4.jar
@@ -59,8 +59,8 @@ lint_java() {
   done
 }
 
-# The test android_bp compares Android.bp, as read by its own reader, with CMake's sources. This compares that
-# reader with the platform's.
+# The test android_bp compares Android.bp with CMake's sources, and reads Android.bp with a parser of its own.
+# This function compares that parser with the platform's parser.
 lint_android_bp() {
   local unformatted
   unformatted=$(bpfmt -l Android.bp)

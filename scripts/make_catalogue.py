@@ -28,8 +28,8 @@ CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/cata
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 LONGEST_VALUE = 60
-# Samples that also run with all algorithms of the catalogue, because no sample uses some of them: one with
-# processed and one with raw input.
+# Samples that also run with all algorithms of the catalogue, because some algorithms are in no sample. One
+# sample has processed input, the other has raw input.
 ALL_OF = ("capture", "raw-night")
 
 
@@ -40,8 +40,9 @@ KEPT_TAG = re.compile(r'KeptTag<.*> m(\w)(\w*)\{"([\w.]+)"\}')
 TAG_CONSTANT = re.compile(r'constexpr char (k\w+)\[\] = "([\w.]+)"')
 SECTIONS = "Control|Parameter|Sensor|Feedback|System|Zoom"
 PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
-# Results whose keys are constants in the source, and parameters of an abort, which no sample requests.
+# Results whose keys are constants in the source.
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
+# Parameters of an abort. No sample requests an abort, so no trial finds their writers.
 ABORT = ("abort_key", "abort_val")
 # Prefixes of functions of Shot that read a tag. Of these functions, only exposureOf() has a frame as argument.
 SHOT = r"(?:hot\.|Shot::)"

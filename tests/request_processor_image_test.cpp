@@ -193,8 +193,8 @@ TEST_F(RequestProcessorImageTest, MetadataOfOneFrameGoesAlong) {
   }
 }
 
-// The only test that waits for the timeout of ten seconds. During that time, a request that is removed while
-// a thread waits for it also times out.
+// The only test that waits for the timeout of ten seconds. Meanwhile, it also tests that the wait for a
+// request times out if the request is removed during the wait.
 TEST_F(RequestProcessorImageTest, TimesOutAfterTenSeconds) {
   AlgoNativeRequestMap map;
   const uint64_t removed = map.create(77, nullptr, false);

@@ -141,7 +141,7 @@ void keepClientMemory(Table& table) {
     return create(record);
   };
 }
-// Outputs of requests in flight, and those of clients that were flushed with requests in flight.
+// Outputs of requests in flight, and outputs whose requests were in flight when their client was flushed.
 struct Unfinished {
   std::mutex mutex;
   std::map<void*, std::pair<void*, int>> outputs;  // by block: the client and the file

@@ -1,6 +1,6 @@
 // Lets tests and tools control and inspect the stand-in algorithm library. The functions are exports of
-// liborlu.vac.interface.so. Look them up with dlsym(), so that nothing links against the library, which the
-// product opens at run time.
+// liborlu.vac.interface.so. Look them up with dlsym(): nothing may link against this library, because the
+// native library opens it at run time.
 #pragma once
 
 #include <chrono>

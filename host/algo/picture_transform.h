@@ -9,7 +9,8 @@ namespace orlu::standin {
 // false for an opaque image.
 bool mirrorLeftRight(const ImageView& image);
 
-// Returns the picture scaled bilinearly. Empty if it is not NV21 or NV12 or the size is not positive.
+// Returns the image scaled bilinearly. Returns an empty picture if the image is neither NV21 nor NV12, or if
+// the size is not positive.
 Picture scaleTo(const ImageView& image, int width, int height);
 
 }  // namespace orlu::standin

@@ -169,8 +169,8 @@ const uint16_t* DngFile::decode() {
 }
 
 // Called by unpack() after it has allocated the memory. LibRaw's own loop treats strips as one piece and does
-// not support uncompressed tiles. Here its decoders get one strip or tile at a time, as if that were the
-// image.
+// not support uncompressed tiles. This function passes LibRaw's decoders one strip or tile at a time, as if
+// it were the whole image.
 void DngFile::decodeBlocks() {
   uint16_t* const image = imgdata.rawdata.raw_image;
   if (image == nullptr) return;

@@ -24,8 +24,8 @@ std::string errorText() {
   return std::generic_category().message(errno);
 }
 
-// Tells the kernel that the processor starts or stops reading a hardware buffer, as locking it does. Fails
-// for other memory, which does not need the call.
+// Tells the kernel that the processor starts or stops reading a hardware buffer, as locking or unlocking the
+// buffer would. Fails for other memory, which does not need the call.
 void synchronise(int fd, uint64_t edge) {
   dma_buf_sync sync = {};
   sync.flags = DMA_BUF_SYNC_READ | edge;

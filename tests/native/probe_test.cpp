@@ -212,7 +212,7 @@ TEST_F(ProbeTest, WritesWhatPassesOfEveryOperation) {
   EXPECT_EQ(header["pointerBits"], 8 * sizeof(void*));
 }
 
-// The probe intercepts the callback passed to process(), also when called after process() or on another
+// The probe intercepts the callback passed to process(), also if it is called after process() or on another
 // thread.
 TEST_F(ProbeTest, WritesCallbacksOfACookie) {
   std::vector<uint64_t> cookies;
@@ -353,7 +353,7 @@ TEST(RealLibrary, SaysWhatItCannotOpen) {
   std::remove(text.c_str());
 }
 
-// The probe opens the next library on the loader's path: the one used without the probe.
+// The probe opens the next library on the loader's path: the library that is used without the probe.
 TEST(RealLibrary, IsTheNextOfItsName) {
   const std::string lib = test::libraryFolder();
   void* const probe = dlopen((lib + "/../probe/liborlu.vac.interface.so").c_str(), RTLD_NOW);

@@ -73,7 +73,8 @@ check_symbols() {
   find_symbols "$scratch"/objects/*.o
 }
 
-# find_symbols OBJECT...: the Rust package libc lists the functions of Android's C library.
+# find_symbols OBJECT...: fails if the platform lacks a symbol that the objects need. The Rust package libc
+# lists the functions of Android's C library.
 find_symbols() {
   local rust=(/usr/share/cargo/registry/libc-*/src/unix) runtime=("$ORLU_ARM_ROOT"/usr/lib/llvm-*/lib/libc++{,abi}.so.1)
   tests/platform/symbols.py --nm arm-linux-gnueabihf-nm --others tests/platform/symbols.txt \

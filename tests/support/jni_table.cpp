@@ -26,7 +26,7 @@ struct JniTableFunctions {
     static Result JNICALL call(JNIEnv* env, Arguments... arguments) {
       const auto function = gTable->mFunctions.original().*Member;
       if (gTable->mInsideVm) return function(env, arguments...);
-      // Calls through the table while the VM executes a call come from the VM's own native methods.
+      // While the VM executes a call, further calls through the table come from the VM's own native methods.
       const struct Inside {
         Inside() { gTable->mInsideVm = true; }
         ~Inside() { gTable->mInsideVm = false; }

@@ -1,6 +1,6 @@
 // Replaces an environment's JNI functions while this object lives, to count calls and to make lookups and
-// calls fail. Calls made inside native methods of the Java library are passed through uncounted: their
-// references are freed when they return.
+// calls fail. Does not count calls made inside native methods of the Java library: the VM frees the local
+// references of such a method when the method returns.
 #pragma once
 
 #include <jni.h>

@@ -88,8 +88,8 @@ protected:
   const jobject mOutputs = javaList({newSmallImage(), newSmallImage()});
   int64_t mInst = 0;
   std::map<std::string, int32_t> mAnswers;  // the library returns these instead of the stored values
-  // The library's calls with their main arguments. Omits operations on values, except values that abort a
-  // request and operations without a block.
+  // Calls of the algorithm library with their main arguments. Operations on values are included only if the
+  // value aborts a request or the block is null.
   std::string mTrace;
   std::vector<void*> mDestroyed;      // destroyed blocks, in order
   AlgoProcessRecord mSubmitted = {};  // the last process()

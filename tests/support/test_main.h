@@ -47,7 +47,7 @@ class LogOfFailures : public testing::EmptyTestEventListener {
   LogCapture mLog;
 };
 
-// Also fails if a test logged a line without a text in golden/logs.
+// Runs all tests. Returns 1 if a test failed, or logged a line that is missing from golden/logs; else 0.
 inline int runTests() {
   testing::UnitTest::GetInstance()->listeners().Append(new LogOfFailures());
   const int result = RUN_ALL_TESTS();

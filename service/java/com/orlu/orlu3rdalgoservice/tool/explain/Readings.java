@@ -23,7 +23,7 @@ public final class Readings {
     private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
     private final Dependences mDependences;
 
-    /** Takes the type that each composition value is read as from `dependences`, which may be unknown. */
+    /** Takes the requested class of each composition value from `dependences`, which may be unknown. */
     Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
         mDependences = dependences;
         events.events("lookup").forEach(this::add);

@@ -32,8 +32,8 @@ final class PixelReader {
     }
 
     /**
-     * Returns the picture in memory of this description, valid as long as the memory. The format must be YUV
-     * or RGBA.
+     * Returns the picture that `plan` describes in the memory `from`; valid as long as that memory. The
+     * format must be YUV or RGBA.
      */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;

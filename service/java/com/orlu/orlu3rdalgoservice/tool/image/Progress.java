@@ -22,7 +22,7 @@ public final class Progress {
 
     private Progress() {}
 
-    /** Shows the present activity. Call it before each one. */
+    /** Shows the present activity. Call this before each activity. */
     public static synchronized void show(String line) {
         long now = System.nanoTime();
         if (COLUMNS == 0 || now < sNext) {

@@ -4,8 +4,8 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Detects shear: each row is shifted against the row above by the same number of pixels, because the image
- * was written with one stride and read with another. In a correct picture, adjacent rows match best
+ * Detects shear: each row is shifted by the same number of pixels relative to the row above, because the
+ * image was written with one stride and read with another. In a correct picture, adjacent rows match best
  * unshifted.
  */
 final class Shear {

@@ -66,7 +66,8 @@ public final class PictureFile {
         }
     }
 
-    // For other sizes, the decoder allocates a table with an entry for each possible sample value.
+    // Accepts 1 to 16, 32 and 64 bits per sample. For other sizes, the decoder allocates a table with an
+    // entry for each possible sample value.
     private static void checkSampleBits(TIFFDirectory directory) throws IOException {
         TIFFField sizes = directory.getTIFFField(BaselineTIFFTagSet.TAG_BITS_PER_SAMPLE);
         for (int i = 0; sizes != null && i < sizes.getCount(); ++i) {

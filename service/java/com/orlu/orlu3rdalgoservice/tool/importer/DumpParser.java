@@ -10,9 +10,9 @@ import java.util.regex.Pattern;
  * entries and reads the rest.
  */
 final class DumpParser {
-    /** No tag has more values. */
+    /** Limit of the values of an entry; no tag has more. */
     private static final int MOST_VALUES = 1 << 20;
-    /** No dump has longer lines. */
+    /** Limit of the characters of a line; no dump has longer lines. */
     private static final int LONGEST_LINE = 1 << 20;
     private static final String BUFFER = "Dumping camera metadata array";
     private static final Pattern SIZE = Pattern.compile(": (\\d{1,9}) / \\d+ entries");
@@ -25,7 +25,7 @@ final class DumpParser {
     private final Notes mNotes;
     private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
     private List<DumpEntry> mBuffer;
-    /** The entry of the following lines of values; null after other text. */
+    /** The entry to which following lines of values belong; null after other text. */
     private DumpEntry mEntry;
     private int mBufferLine;
     private int mAnnounced = -1;

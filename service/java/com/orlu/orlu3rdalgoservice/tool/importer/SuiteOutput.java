@@ -12,12 +12,12 @@ import java.util.TreeMap;
 /**
  * A picture listed in an image test's JSON.
  *
- * @param name   the test's name of the format
+ * @param name   the image test's name for the format
  * @param format the format of the pixels
  * @param kind   the kind of the file
  */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
-    /** The formats by the test's names. YUV pictures have three contiguous planes. */
+    /** The formats by the image test's names for them. YUV pictures have three contiguous planes. */
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,
             "raw10", PixelFormat.MIPI_RAW10, "yuv", PixelFormat.YU12, "jpeg", PixelFormat.JPEG,
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));

@@ -13,8 +13,8 @@ import java.util.List;
  *
  * @param call  "process" or "callback"
  * @param kind  "input" or "output"
- * @param text  its size, and the result of comparing its bytes with Java's image: with an input before the
- *              request, with an output after it
+ * @param text  the image's size, and the result of comparing its bytes with Java's image: Java's input from
+ *              before the request, or Java's output from after it
  * @param match the result of this comparison
  */
 public record HandedImage(String call, String kind, int index, String text, Match match) {
@@ -23,7 +23,7 @@ public record HandedImage(String call, String kind, int index, String text, Matc
     private static final String AS_IN_JAVA = "as in Java";
     private static final int NOT_KEPT = -2;
 
-    /** All images that the probe reported in a run; none without the probe's pixels. */
+    /** All images that the probe reported in a run; empty if the probe did not record pixels. */
     static List<HandedImage> of(Run run) {
         List<HandedImage> images = new ArrayList<>();
         for (Event event : run.events().events("pixels")) {
@@ -61,8 +61,9 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         return new HandedImage(event.text("at"), kind, (int) index, size + text, match);
     }
 
-    // Returns the offset of the first byte that differs from Java's image; -1 if there is none; NOT_KEPT if
-    // the library's image has no file. An image that equals Java's has no file of its own.
+    // Returns the offset of the first byte that differs from Java's image; -1 if no byte differs; NOT_KEPT if
+    // the algorithm library's image was not kept in a file. An image that equals Java's has no file of its
+    // own.
     private static int mismatch(Run run, Event event, ImageLayout inJava) throws MistakeException {
         if (inJava.file().crc().equals(event.text("crc")) && inJava.size() == event.number("size")) {
             return -1;

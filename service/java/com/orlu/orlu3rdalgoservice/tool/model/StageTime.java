@@ -26,7 +26,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
     private static final String LIBRARY = "library";
     private static final double NANOSECONDS_PER_MILLISECOND = 1e6;
 
-    /** Returns the stages between these marks; the last mark is the end of the run. None without marks. */
+    /** Returns the stages between these marks; the last mark is the end of the run. Empty without marks. */
     static List<StageTime> of(List<Mark> marks, RecordedEvents events) {
         List<StageTime> stages = new ArrayList<>();
         for (int i = 0; i + 1 < marks.size(); ++i) {

@@ -36,8 +36,8 @@ public final class ChildRun {
     private int mStatus;
 
     /**
-     * `library` is an algorithm library, or another build of the native library if the file has that name;
-     * null for the usual ones.
+     * `library` is another build of the native library if its file name is
+     * liborlu.vas.native.interface.so, else an algorithm library; null for the default libraries.
      */
     public ChildRun(String name, boolean arm, Path library) throws IOException {
         String work = System.getProperty("orlu.work");
@@ -47,7 +47,8 @@ public final class ChildRun {
     }
 
     /**
-     * Runs request files and returns the folder of their recordings. Some are missing if the process died.
+     * Runs request files and returns the folder of their recordings. If the process died, some recordings
+     * are missing.
      */
     public Path run(List<Path> requests) throws IOException {
         List<String> arguments = new ArrayList<>();

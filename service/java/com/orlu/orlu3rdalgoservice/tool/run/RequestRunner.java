@@ -27,7 +27,10 @@ import java.util.Objects;
  * memory; the other results remain valid.
  */
 public final class RequestRunner implements AutoCloseable {
-    /** Timeout of a request: the native library's own, and that of waiting here for a full-async request. */
+    /**
+     * Timeout of a request: the native library's for a synchronous request, this class's for a full-async
+     * request.
+     */
     public static final int CALLBACK_SECONDS = 10;
 
     private final RequestFile mRequest;
@@ -79,7 +82,7 @@ public final class RequestRunner implements AutoCloseable {
         mInbox = new CallbackInbox(client.clientId());
     }
 
-    /** Creates the call's arguments. `frames` are made from the photo; none if no input needs them. */
+    /** Creates the call's arguments. `frames` are made from the photo; empty if no input needs them. */
     public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         mRequest.properties().forEach(SystemProperties::set);
         mCompositions.addAll(RequestImages.compositions(mRequest));

@@ -31,7 +31,7 @@ public final class Printable {
         return e instanceof MistakeException found ? found.mistake().text() : "run: error: " + message(e);
     }
 
-    /** Returns the text with line ends and tabs kept, and everything else escaped as line() does. */
+    /** Returns the text with unsafe characters escaped as in line(), except line feeds and tabs. */
     public static String lines(String text) {
         return escaped(text, c -> c != '\n' && c != '\t' && JsonWriter.isUnsafe(c));
     }
