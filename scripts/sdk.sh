@@ -26,7 +26,7 @@ if [ $# -ne 1 ] || [ -z "$1" ]; then refuse "expected one folder; see ./run sdk 
 if [ -e "$1" ] && { [ ! -d "$1" ] || [ -n "$(ls -A "$1")" ]; }; then
   refuse "$1: exists and is not an empty folder"
 fi
-if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't create or write to it"; fi
+if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't be created or written to"; fi
 
 install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
 prepare_arm

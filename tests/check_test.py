@@ -147,21 +147,21 @@ WARNINGS = [
      '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
      '2:41: algorithms[1]: unknown algorithm "nightly"; treated as night because of its prefix'),
     (request(more=', "properties": {"persist.sys.camera3rd.autotst": "1", "vendor.any": "1"}'),
-     '2:65: properties."persist.sys.camera3rd.autotst": this library does not read this property '
+     '2:65: properties."persist.sys.camera3rd.autotst": the native library does not read this property '
      "(did you mean persist.sys.camera3rd.autotest?)"),
     (request('"frames": [{"composition": {"isFulAsync": 1, "orlu.control.camera_id": {"long": 5}}}]'),
      "2:43: frames[0].composition.isFulAsync: no such tag (did you mean isFullAsync?)",
      '2:72: frames[0].composition."orlu.control.camera_id": expected Integer (the tag is INT), found '
      "Long; treated as absent"),
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
-     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected HDR frames, except for 1 night "
-     "frame of 5 or 7 frames, or the first 3 of 9; found 5 HDR frames (bit 2), 0 night "
-     "frames (bit 8) and 0 others"),
+     "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 5 or 7 frames (1 night frame, "
+     "the others HDR frames), 9 frames (3 night frames, then 6 HDR frames), or 3 frames with the algorithm "
+     "hdr; found 5 HDR frames (bit 2), 0 night frames (bit 8) and 0 others"),
     (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
      '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '
-     'vary it by {"first": ..., "step": ...}'),
+     'vary it with {"first": ..., "step": ...}'),
     (request('"frames": [{}, {}]', inputs='[{"file": "a", "format": "RAW16", "width": 2, "height": 1}]'),
-     "1:34: inputs: expected equally many images of each frame, found 1 of frame 0 and 0 of frame 1",
+     "1:34: inputs: expected the same number of images for each frame, found 1 for frame 0 and 0 for frame 1",
      "1:44: inputs[0].file: a has 20 bytes after the last plane"),
     (request(SHOT + '"android.sensor.exposureTime": 10, "android.jpeg.orientation": 45}}]'),
      f"2:62: {TIME}: probably wrong; expected 1000 to 100000000000 (ns), found 10",

@@ -223,7 +223,7 @@ def limits_foreign_files():
         ("wide.png", png_header(20000, 2), "expected sides of at most 16384 pixels, found 20000x2"),
         ("many.txt", (result * 70).encode(), "10 results dropped; a request has at most 60 frames"),
         ("dots.txt", (result + "a." * 600000 + "\n").encode(),
-         "4: note: line dropped; it has 1200000 characters"),
+         "4: note: line dropped; expected at most 1048576 characters, found 1200000"),
         ("slow.txt", (result + "." * 900000 + "\n").encode(), "1 frames with 1 tags"),
         ("large.txt", b"a\n" * (5 << 20), "expected at most 8388608 bytes for a dump, found 10485760"),
         ("esc.txt", (result + " android.control.aeMode (1): byte[1]\n [\x1b[2J\x9b\u202e]\n").encode(),

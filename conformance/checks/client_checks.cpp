@@ -159,8 +159,8 @@ void checkConcurrency() {
     callbacks += workers[i]->inbox.messages().size();
   }
   note(std::to_string(callbacks) + " callbacks for " + std::to_string(4 * kRequestsOfClient) +
-       " requests; the others were dropped with their clients");
-  step("a request after all are destroyed");
+       " requests; the other requests were dropped with their clients");
+  step("a request after all clients are destroyed");
   Scene scene;
   scene.run(1);
 }

@@ -99,7 +99,7 @@ bool DngFile::checkImage() {
       libraw_internal_data.unpacker_data.data_offset == mImage->offset) {
     return true;
   }
-  return fail("LibRaw does not select its first raw image");
+  return fail("LibRaw does not select the file's first raw image");
 }
 
 bool DngFile::listBlocks() {

@@ -18,7 +18,7 @@ DESTDIR=$work/elsewhere "$root/scripts/sdk.sh" "$work/made"
 [ ! -e "$work/elsewhere" ] || die "DESTDIR changes the folder's place"
 touch "$work/file"
 if "$root/scripts/sdk.sh" "$work/file/in it" 2>"$work/report"; then die "a folder in a file is accepted"; fi
-grep -qF "file/in it: can't create or write to it" "$work/report" || { cat "$work/report"; exit 1; }
+grep -qF "file/in it: can't be created or written to" "$work/report" || { cat "$work/report"; exit 1; }
 prepare_arm
 mv "$root/build" "$root/build.away"
 mv "$work/made" "$work/taken hüme"

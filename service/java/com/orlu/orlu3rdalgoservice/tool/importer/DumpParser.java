@@ -40,7 +40,8 @@ final class DumpParser {
             String line = lines.get(i);
             Matcher entry = ENTRY.matcher(line);
             if (line.length() > LONGEST_LINE) {
-                mNotes.add(":" + (i + 1), "line dropped; it has " + line.length() + " characters");
+                mNotes.add(":" + (i + 1), "line dropped; expected at most " + LONGEST_LINE
+                        + " characters, found " + line.length());
             } else if (line.contains(BUFFER)) {
                 begin(line, i + 1);
             } else if (entry.matches()) {

@@ -91,7 +91,7 @@ final class RequestAdvice {
         for (String name : mRequest.properties().keySet()) {
             String nearest = PROPERTIES.contains(name) ? null : NearestWord.of(name, PROPERTIES);
             if (nearest != null) {
-                mRoot.at("properties").get(name).warn("this library does not read this property"
+                mRoot.at("properties").get(name).warn("the native library does not read this property"
                         + NearestWord.question(name, PROPERTIES));
             }
         }
@@ -134,10 +134,10 @@ final class RequestAdvice {
             default -> false;
         };
         if (hdr > 0 && !isLayout) {
-            mRoot.get("frames").warn(MODE + " forms no bracket; expected HDR frames, except for 1 night "
-                    + "frame of 5 or 7 frames, or the first 3 of 9; found " + hdr
-                    + " HDR frames (bit 2), " + night + " night frames (bit 8) and "
-                    + (mFrames.size() - hdr - night) + " others");
+            mRoot.get("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames (1 night frame, the "
+                    + "others HDR frames), 9 frames (3 night frames, then 6 HDR frames), or 3 frames with "
+                    + "the algorithm hdr; found " + hdr + " HDR frames (bit 2), " + night
+                    + " night frames (bit 8) and " + (mFrames.size() - hdr - night) + " others");
         }
     }
 
@@ -168,7 +168,7 @@ final class RequestAdvice {
             Integer other = time == 0 ? null : frames.putIfAbsent(time, i);
             if (other != null) {
                 field(i, "captureResult", TIME).warn("frames " + other + " and " + i + " have the same time "
-                        + time + "; vary it by {\"first\": ..., \"step\": ...}");
+                        + time + "; vary it with {\"first\": ..., \"step\": ...}");
                 return;
             }
         }
@@ -179,8 +179,8 @@ final class RequestAdvice {
         mRequest.inputs().forEach(image -> ++counts[image.frame()]);
         for (int i = 1; i < counts.length && !mRequest.inputs().isEmpty(); ++i) {
             if (counts[i] != counts[0]) {
-                mRoot.get("inputs").warn("expected equally many images of each frame, found " + counts[0]
-                        + " of frame 0 and " + counts[i] + " of frame " + i);
+                mRoot.get("inputs").warn("expected the same number of images for each frame, found "
+                        + counts[0] + " for frame 0 and " + counts[i] + " for frame " + i);
                 return;
             }
         }

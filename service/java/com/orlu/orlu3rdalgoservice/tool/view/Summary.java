@@ -159,7 +159,7 @@ public final class Summary {
         nobody.addAll(pass.skipped());
         optionalList("not run", nobody);
         if (!pass.skipped().isEmpty() && nobody.size() == pass.skipped().size()) {
-            mLines.line("", "(unknown to this library, or without work to do)");
+            mLines.line("", "(unknown to the algorithm library, or without work to do)");
         }
         mLines.lines("", frames(pass.frames()));
     }
