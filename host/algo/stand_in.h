@@ -30,7 +30,7 @@ public:
   // Carries out the script for a call of the library's entry.
   void entry();
 
-  // The callables of the tables. They return -1 for a block that is not live.
+  // The callables of the tables. For a block that is not live, they return -1 (getSize() returns 0).
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);
