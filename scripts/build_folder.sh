@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Keeps the build folder of a preset up to date. Sourced by lib.sh.
 #
-# Ninja detects changed files, and runs CMake again if one of its files changed. Everything else is compared
-# here with files that the last build left in the folder:
+# Ninja detects changed files, and runs CMake again if one of CMake's files changed. Everything else is
+# compared here with files that the last build left in the folder:
 #   setup.txt      path of the checkout, presets and options of CMake
 #   packages.txt   versions of the packages that compile or are compiled in
 #   built          its date is the start of the last successful build

@@ -2,7 +2,7 @@
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER [--all]
 
 Without --all, the test omits about half of the samples. A page must be a single file without external
-resources. Its data must equal --json. It must report each planted fault, and no fault of a sample."""
+resources. Its data must equal --json. It must report each planted fault, and report nothing for a sample."""
 
 import base64
 import html.parser

@@ -53,7 +53,7 @@ done
 echo "== Every sample"
 samples=("$root"/samples/*.json)
 command_ends 0 --params --json report --out shots "${samples[@]}"
-# Slow machines may print the progress.
+# On a slow machine, ./run may print its progress.
 log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 [ -z "$log" ] || fail "unexpected messages: $log"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
@@ -67,7 +67,7 @@ of_sample() {
   awk -v RS= -v file="/samples/$1.json" 'index($0, file)' out
 }
 
-# put_by NAME: prints the report on this sample, from the values put into compositions on.
+# put_by NAME: prints the report on this sample, from the values put into compositions to the problems.
 put_by() {
   sed -n "/\"$1.json\"/,/\"problems\"/p" report | sed -n '/"put"/,$p'
 }
@@ -88,7 +88,7 @@ exif='9a82050001000000.{8}9d82050001000000.{8}2788030001000000800c0000.*d0010100
   fail "the night shot has wrong EXIF entries or a wrong size"
 
 of_sample night-async | grep -q '^  callback  *nativeRequestAddr = ' || fail "full-async does not call back"
-# Their EXIF blocks differ in the time of day.
+# The EXIF blocks of the two shots differ in the time of day.
 cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot differs"
 differing=$(diff <(put_by night) <(put_by night-async))
 { [ -z "$differing" ] && [ -n "$(put_by night)" ]; } ||

@@ -65,7 +65,7 @@ const ImageCase kImageCases[] = {
     {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
     {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
-    // On purpose, the plane's size is not corrected as for MIPI_RAW10.
+    // Unlike for MIPI_RAW10, the plane's size is deliberately not corrected.
     {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
     {"Raw16",           "RAW16",          64, 48, {200},    {100},        "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
     {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
@@ -149,7 +149,7 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
   const native_handle_t& handle = handleOf(spec.hardwareBuffer);
   const ino_t pixels = fileBehind(handle.data[1]);
   jobject image = test::newImage(spec);
-  jobject other = test::newSmallImage();  // owns its descriptor
+  jobject other = test::newSmallImage();  // in shared memory: the request duplicates its descriptor
   const auto before = test::openDescriptors();
   {
     jobject inputs = test::javaList({image, other});

@@ -31,8 +31,9 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// Finds JNI_CreateJavaVM in the library of the options, or else in the first library that loads. Loads it at
-// run time, so that the processes of other checks contain no VM. On failure returns null and sets `reason`.
+// Finds JNI_CreateJavaVM in the library that the options name, or else in the first usual library that loads.
+// Loads the library at run time, so that the processes of other checks contain no VM. On failure returns null
+// and sets `reason`.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
@@ -74,7 +75,8 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// Returns false if there is no VM: fails the check if the options name one, else skips the check.
+// Returns false on failure. Skips the check if no VM is found and the options name none; otherwise a failure
+// fails the check.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;

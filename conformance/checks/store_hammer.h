@@ -3,7 +3,7 @@
 
 namespace orlu::conform {
 
-// Fails the check if a value differs from the one that was set. Notes the number of values.
+// Fails the check if a thread reads a value that was not set. Notes the number of values.
 void hammerStore();
 
 }  // namespace orlu::conform

@@ -1,5 +1,5 @@
 // Watches which descriptors the library opens, duplicates and closes, and which images of the kit it maps.
-// Sanitizers replace the same functions, so nothing is watched in their builds.
+// Sanitizers replace the same functions, so nothing is watched in sanitizer builds.
 #pragma once
 
 #include <string>

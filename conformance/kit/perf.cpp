@@ -38,8 +38,8 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// Returns the text after `name` in a line of JSON, which starts with a number or a quoted string; "" if the
-// name is absent.
+// Returns the rest of a line of JSON from the value of `name` on, a number or a quoted string; "" if the name
+// is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);

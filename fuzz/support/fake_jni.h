@@ -1,6 +1,6 @@
 // A JNI environment without a VM. It is strict where a VM trusts its callers: it ends the process on use of a
 // deleted or null reference, and on a call with an exception pending. Every object is an instance of every
-// class, unless the choices differ.
+// class, unless IsInstanceOf() fails by choice.
 #pragma once
 
 #include <jni.h>
@@ -12,9 +12,11 @@
 namespace orlu::fuzz::fake_jni {
 
 JNIEnv* env();
-// Each byte selects how one call fails. After the last byte, all calls succeed.
+// Calls that can fail consume these bytes in order; an odd byte makes the call fail. If a call that may throw
+// fails to return an object, it consumes a second byte, and throws if that byte is odd. After the last byte,
+// all calls succeed.
 void setChoices(const uint8_t* bytes, size_t size);
-// Sets the result of every method that returns a number.
+// Sets the number that methods return and that int fields and array elements contain.
 void setNumber(int32_t number);
 
 jobject newLocal();

@@ -91,7 +91,7 @@ constexpr SoakWay kSoakWays[] = {
 // Operations that misbehave after their work.
 struct SoakFault {
   const char* operation;
-  bool isJava;  // leaves a Java exception pending; otherwise throws a C++ one
+  bool isJava;  // leaves a Java exception pending; otherwise throws a C++ exception
 };
 constexpr SoakFault kSoakFaults[] = {
   {"process",  false}, {"process",  true},
@@ -126,8 +126,8 @@ constexpr uint64_t mixed(uint64_t value) {
 }
 
 struct SoakPlan {
-  size_t way;              // index of kSoakWays
-  const SoakFault* fault;  // null for none
+  size_t way;              // index into kSoakWays
+  const SoakFault* fault;  // null if nothing misbehaves
 };
 
 constexpr SoakPlan soakPlan(uint64_t seed, uint64_t request) {

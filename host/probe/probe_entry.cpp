@@ -1,4 +1,4 @@
-// The probe's only export: the entry of the algorithm library behind it.
+// The probe's only export: an entry that calls the entry of the algorithm library behind the probe.
 #include "event_recorder.h"
 #include "setting.h"
 

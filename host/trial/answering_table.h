@@ -27,7 +27,7 @@ inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
 }
 
-// Calls the result callback of the cookie on this thread: the request is finished. Allocates no memory.
+// Reports the request as finished: calls the cookie's result callback on this thread. Allocates no memory.
 inline void callBackDone(uint64_t cookie, uint64_t nativeReq) {
   constexpr size_t kNameLength = sizeof kShotCallback - 1;
   CallbackHeader header = {};

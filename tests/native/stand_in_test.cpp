@@ -108,7 +108,7 @@ TEST_F(StandInTest, FlushWaitsForWhatIsPending) {
   EXPECT_EQ((std::vector<uint64_t>{1, 2, 3, 4, 5}), waitFor(0));
 }
 
-// Missing images, and images with wrong records, are left unchanged.
+// Requests with invalid image records still call back.
 TEST_F(StandInTest, CopesWithOddImages) {
   void (*const kSpoil[])(AlgoFrameInfo&) = {
       [](AlgoFrameInfo& frame) { frame.width = 0; },

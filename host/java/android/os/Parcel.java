@@ -5,7 +5,7 @@ import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** A flat, little-endian record of values in the order of writing. Arrays include their lengths. */
+/** A flat, little-endian record of values in the order of writing. Each array follows its length. */
 public final class Parcel {
     private static final int NULL_LENGTH = -1;
     private static final int FIRST_CAPACITY = 256;

@@ -38,12 +38,12 @@ public final class HeldValue {
     private HeldValue() {
     }
 
-    /** Returns the name that request files use for values of a class; null for a class without one. */
+    /** Returns the name that request files use for values of a class; null if the class has no name. */
     public static String typeName(Class<?> stored) {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns a value in the form of request files; an object of a class without a form becomes a text. */
+    /** Returns a value in the form of request files; the result of toString() if its class has no form there. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);

@@ -42,7 +42,7 @@ final class GivenNotes {
         return mLines;
     }
 
-    /** Groups the entries of each tag, in the order of its first entry. */
+    /** Groups the entries by tag, in the order of each tag's first entry. */
     static List<List<GivenTag>> grouped(List<GivenTag> tags) {
         Map<String, List<GivenTag>> byTag = new LinkedHashMap<>();
         for (GivenTag tag : tags) {
@@ -51,7 +51,10 @@ final class GivenNotes {
         return new ArrayList<>(byTag.values());
     }
 
-    /** Returns "frames 0 to 6 TAG = ONE / OTHER", with the first frame's values if they vary by frame. */
+    /**
+     * Returns text such as "frames 0 to 6 were given TAG = ONE / OTHER", with `verb` " were given" or "". If
+     * the values vary by frame, the text has the first frame's values.
+     */
     static String text(List<GivenTag> tag, String verb) {
         GivenTag first = tag.get(0);
         boolean isSame = tag.stream().allMatch(each -> each.text().equals(first.text()));

@@ -84,8 +84,9 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares the pixels of two images with the same description. Returns null if they can't be read with it
-     * or differ in size. The stride is in bytes. The bytes of a JPEG must be its file, without unused memory.
+     * Compares the pixels of two images with the same description. Returns null if an image can't be read
+     * with this description, or if the sizes differ. The stride is in bytes. The bytes of a JPEG must be its
+     * file, without unused memory.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -102,7 +103,8 @@ public final class ImageDifference {
 
     /**
      * Returns the pixels of an image; null if they can't be read with this description. The pixels of a raw
-     * image are a Mosaic. Its bit depth is unknown, so the smallest one that fits all samples is used.
+     * image are a Mosaic. Its bit depth is unknown, so the smallest depth that fits all samples is used, but
+     * at least 8.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);

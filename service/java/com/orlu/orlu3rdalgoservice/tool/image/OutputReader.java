@@ -48,8 +48,8 @@ public final class OutputReader {
     }
 
     /**
-     * The picture of an RGBA or YUV image, valid while the image's memory is, or of a JPEG. Null for a raw
-     * image, and if the picture can't be read.
+     * The picture of an RGBA, YUV or JPEG image; null for a raw image, and if the picture can't be read. An
+     * RGBA or YUV picture reads the image's memory, so it is valid only as long as that memory.
      */
     public PixelRows picture() {
         if (mPicture == null && mJpeg != null) {

@@ -11,7 +11,7 @@ import java.util.TreeSet;
 /**
  * The parameters that depend on one tag of one frame.
  *
- * @param source     "composition" or "captureResult": where the tag is; if absent, where trials put it
+ * @param source     "composition" or "captureResult": where the tag is, or where trials put an absent tag
  * @param asked      the class that the library requests from the capture result; "" if it requests none
  * @param parameters "section/key" of each parameter, or "algorithms" for the algorithm list
  * @param together   parameters that change only if the tag changes in all frames

@@ -21,7 +21,7 @@ public final class RequestCall implements AutoCloseable {
     /** Null if nothing is recorded. */
     private final Recording mRecording;
 
-    /** Starts the recording, with the inputs. `file` is the request's file. */
+    /** If the client has a recorder, records the request and its inputs. `file` is the request's file. */
     public RequestCall(ServiceClient client, RequestFile file, VRequest request, List<VImageIPC> inputs,
             List<VImageIPC> outputs, List<? extends CaptureResultComposition> compositions) {
         mService = client.service();

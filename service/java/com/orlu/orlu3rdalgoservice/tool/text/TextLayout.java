@@ -29,7 +29,7 @@ public final class TextLayout {
         mColumns = columns;
     }
 
-    /** Prints lines as wide as a terminal, or of any length. */
+    /** Prints lines of any length if `wide`, else as wide as a terminal. */
     public TextLayout(PrintStream to, boolean wide) {
         this(to, wide ? Integer.MAX_VALUE : TERMINAL);
     }
@@ -46,7 +46,7 @@ public final class TextLayout {
         wrapped(" ".repeat(indent) + label(label, width), indent + width, text).forEach(mTo::println);
     }
 
-    /** Returns a label padded with blanks to its column's width, at least one. */
+    /** Returns a label padded with at least one blank to its column's width. */
     public static String label(String label, int width) {
         return label + " ".repeat(Math.max(1, width - label.length()));
     }
