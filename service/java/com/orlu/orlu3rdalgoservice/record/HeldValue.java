@@ -43,7 +43,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns a value in the form of request files; the result of toString() if its class has no form there. */
+    /** Returns a value in the form of request files; the result of toString() for other classes. */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);
