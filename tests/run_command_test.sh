@@ -23,7 +23,7 @@ grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log prints no log"
 echo "== Events"
 command_ends 0 --events events --out photo "$root/samples/portrait.json"
 head -n 1 events | grep -q '"event":"header","format":"orlu-events","version":1,' || fail "$(head -n 1 events)"
-[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "not as many end as begin events"
+[ "$(grep -c '"event":"begin"' events)" = "$(grep -c '"event":"end"' events)" ] || fail "the numbers of begin and end events differ"
 while read -r event; do
   grep -qF -- "$event" events || fail "no such event: $event"
 done <<'EVENTS'
@@ -47,7 +47,7 @@ grep -o '"name": .*' same.json | tr -d '\n' | grep -qx '"name": "x",.*"b-x",.*"x
 for name in x:64 b-x:96 x-2:64; do
   file=same/${name%:*}-base.png
   # Bytes 16 to 19 of a PNG are the width.
-  [ "$(od -An -j 16 -N 4 -tu1 "$file" | xargs)" = "0 0 0 ${name#*:}" ] || fail "$file is not of width ${name#*:}"
+  [ "$(od -An -j 16 -N 4 -tu1 "$file" | xargs)" = "0 0 0 ${name#*:}" ] || fail "the width of $file is not ${name#*:}"
 done
 
 echo "== Every sample"
@@ -58,7 +58,7 @@ log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 [ -z "$log" ] || fail "unexpected messages: $log"
 [ "$(grep -c '^  file ' out)" -eq ${#samples[@]} ] || fail "not every sample ran"
 [ "$(grep -c '^verdict  ok$' out)" -eq $((${#samples[@]} + 1)) ] || fail "not every verdict is ok: $(grep '^verdict' out)"
-[ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is not a verdict: $(tail -n 1 out)"
+[ "$(tail -n 1 out)" = "verdict  ok" ] || fail "the last line is not the verdict ok: $(tail -n 1 out)"
 if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
 prints "control/jpeg_rotation" '"capture" on client 7'
 

@@ -31,7 +31,8 @@ final class DiffCommand implements Subcommand {
     @Parameters(paramLabel = "A", index = "0..1", arity = "1..2", hidden = true)
     private List<Path> mFiles;
     @Option(names = "--lib", paramLabel = "LIBRARY",
-            description = "Run A (and B) with this library; specify it twice")
+            description = "Run A with the first library, and B (or A again) with the second; "
+                    + "specify --lib twice")
     private List<Path> mLibraries = List.of();
     @Mixin
     private RunComparison mComparison;
