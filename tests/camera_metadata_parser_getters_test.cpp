@@ -48,7 +48,7 @@ TEST_P(CameraMetadataParserGetterTest, ReadsAValue) {
   expectMissing("a composition as a capture result", over);
 }
 
-TEST_P(CameraMetadataParserGetterTest, TellsAMissingValue) {
+TEST_P(CameraMetadataParserGetterTest, ReportsAMissingValue) {
   expectMissing("an absent tag", empty());
   expectMissing("no source", nullptr);
   expectMissing("an object of another class", javaString(mGetter.key), javaString(mGetter.key));
@@ -59,7 +59,7 @@ TEST_P(CameraMetadataParserGetterTest, TellsAMissingValue) {
   expectMissing("a parser without an environment", full(), newComposition());
 }
 
-TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
+TEST_P(CameraMetadataParserGetterTest, RejectsAValueOfAnotherType) {
   if (mGetter.source == kCharacteristics) return;  // characteristics convert to the requested type
   jobject wrong = compositionWith(mGetter.key, mGetter.wrong());
   EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition takes precedence";
@@ -68,7 +68,7 @@ TEST_P(CameraMetadataParserGetterTest, LeavesAValueOfAnotherTypeAlone) {
   EXPECT_EQ(isOverridable() ? mValue : "-1:", read(full(), wrong)) << "a parser without the class";
 }
 
-TEST_P(CameraMetadataParserGetterTest, ClearsWhatALookupThrows) {
+TEST_P(CameraMetadataParserGetterTest, ClearsExceptionsOfALookup) {
   const std::string thrown = missing("getMetadataObjectFromOrluAlgorithmParameter");
   if (mGetter.source == kParameter) {
     EXPECT_EQ("-1:", read(newThrowingComposition()));
@@ -99,7 +99,7 @@ struct SpecialCase : NamedCase {
 
 class CameraMetadataParserSpecialTest : public testing::TestWithParam<SpecialCase> {};
 
-TEST_P(CameraMetadataParserSpecialTest, IsReadAsFarAsItGoes) {
+TEST_P(CameraMetadataParserSpecialTest, ReadsAsMuchAsPossible) {
   const SpecialCase& c = GetParam();
   const LocalFrame frame;
   P parser(env());

@@ -32,7 +32,7 @@ std::set<std::string> readsOf(const std::vector<std::string>& algorithms, const 
   return rows;
 }
 
-TEST(ResultReadsTest, TheKitKnowsWhatIsReadAndItsSizes) {
+TEST(ResultReadsTest, TheKitsListEqualsTheValuesRead) {
   std::set<std::string> rows = readsOf({"frameClarOnly"}, "capture");
   rows.merge(
       readsOf({"jpegBokehOnly", "ppt", "jpegEncode", "lightstream", "hdr", "singleBokeh", "bestMoment"},

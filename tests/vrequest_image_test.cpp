@@ -98,7 +98,7 @@ const ImageCase kImageCases[] = {
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Formats, VRequestFormatTest, testing::ValuesIn(kImageCases), test::CaseName());
 
-TEST_F(VRequestImageTest, LivesWithoutArrays) {
+TEST_F(VRequestImageTest, AcceptsAnImageWithoutArrays) {
   jobject image = test::newSmallImage();
   test::setObjectField(image, "mRowStrides", "[I", nullptr);
   test::setObjectField(image, "mPlaneSizes", "[I", nullptr);
@@ -196,7 +196,7 @@ TEST_F(VRequestImageTest, CopiesTheHandleAndSwapsItsFirstWords) {
   EXPECT_EQ("-1 | 12 0 -3 | 0 0 0 0 0", copyOf(3, -3)) << "a negative number of words";
 }
 
-TEST_F(VRequestImageTest, LivesWithoutMemory) {
+TEST_F(VRequestImageTest, AcceptsAnImageWithoutMemory) {
   test::ImageSpec closed;
   closed.hardwareBuffer = test::newHardwareBuffer(64, 48, 0x23);
   test::call(closed.hardwareBuffer, "close", "()V");

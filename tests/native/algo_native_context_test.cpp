@@ -182,7 +182,7 @@ TEST(AlgoNativeContextTest, CreatesAndDestroysAClient) {
   EXPECT_EQ(0, test::Algo::counts().clients);
 }
 
-TEST(AlgoNativeContextTest, AnswersWhatTheLibraryAnswers) {
+TEST(AlgoNativeContextTest, ReturnsTheLibrarysData) {
   Library library;
   AlgoNativeContext context;
   const std::vector<uint8_t> version = context.getData("version");
@@ -208,7 +208,7 @@ TEST(AlgoNativeContextTest, AnswersWhatTheLibraryAnswers) {
   context.destroyMetadata(block);
 }
 
-TEST(AlgoNativeContextTest, NeverAsksForANullBlock) {
+TEST(AlgoNativeContextTest, NeverPassesANullBlock) {
   Library library;
   AlgoNativeContext context;
   library.takeLines();

@@ -79,7 +79,7 @@ TEST_F(StandInTest, KeepsTheLastValueOfASectionAndKey) {
   EXPECT_EQ(-1, get<int32_t>("orlu.algo.feedback", "key", -1));
 }
 
-TEST_F(StandInTest, AbortsTheQueuedRequestOfAFlagAlone) {
+TEST_F(StandInTest, AbortsOnlyTheQueuedRequestWithTheFlag) {
   std::promise<void> entered;
   std::promise<void> released;
   mOnCallback = [&](uint64_t nativeReq) {
@@ -102,14 +102,14 @@ TEST_F(StandInTest, AbortsTheQueuedRequestOfAFlagAlone) {
   mContext.destroyMetadata(aborted);
 }
 
-TEST_F(StandInTest, FlushWaitsForWhatIsPending) {
+TEST_F(StandInTest, FlushWaitsForPendingRequests) {
   for (uint64_t i = 1; i <= 5; ++i) process(i, mBlock);
   mContext.flush();
   EXPECT_EQ((std::vector<uint64_t>{1, 2, 3, 4, 5}), waitFor(0));
 }
 
 // Requests with invalid image records still call back.
-TEST_F(StandInTest, CopesWithOddImages) {
+TEST_F(StandInTest, CallsBackDespiteInvalidImages) {
   void (*const kSpoil[])(AlgoFrameInfo&) = {
       [](AlgoFrameInfo& frame) { frame.width = 0; },
       [](AlgoFrameInfo& frame) { frame.width = 0x7FFFFFFF; },
