@@ -133,13 +133,15 @@ TEST_F(RequestRecorderTest, TheFolderMayGoDuringTheRequest) {
 }
 
 TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
+  // Neither is the name of a recording; the number of the second exceeds an int.
   std::filesystem::create_directories(mFolder + "/few/000000-mine");
+  std::filesystem::create_directories(mFolder + "/few/9999999999-request-1");
   const jobject recorder = newRecorder("few", 2, 1 << 20);
   for (int i = 0; i < 4; ++i) run(recorder, mInputs, test::javaList(mCompositions));
   // A new recorder continues after the newest recording.
   run(newRecorder("few", 2, 1 << 20), mInputs, test::javaList(mCompositions));
   const std::vector<std::string> kept = {"000000-mine ", "000004-request-8589934593 end",
-                                         "000005-request-8589934593 end"};
+                                         "000005-request-8589934593 end", "9999999999-request-1 "};
   EXPECT_EQ(kept, recordings("few"));
 }
 

@@ -5,7 +5,7 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Prints text in lines of limited width: wrapped at blanks, or cut. Words are never broken. Control
+ * Prints text in lines of limited width: wrapped at blanks without breaking words, or cut. Control
  * characters, which untrusted text may contain, are escaped.
  */
 public final class TextLayout {

@@ -102,16 +102,16 @@ public final class ImageCropTest {
     @Test
     public void rejectsInvalidImages() {
         Object[][] rows = {
-            {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: it has rows of unknown size"},
-            {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: it has rows of unknown size"},
-            {image("RAW16", 8, 4, "[15]", "[64]", 64), "--crop: it has rows of 15 bytes; its width needs 16"},
-            {image("RAW16", 8, 4, "[16]", "[56]", 55), "--crop: it has 55 bytes, fewer than its rows need"},
+            {image("RAW16", 8, 4, "[]", "[64]", 64), "--crop: input 0 has rows of unknown size"},
+            {image("RAW16", 8, 4, "null", "[64]", 64), "--crop: input 0 has rows of unknown size"},
+            {image("RAW16", 8, 4, "[15]", "[64]", 64), "--crop: input 0 has rows of 15 bytes; its width needs 16"},
+            {image("RAW16", 8, 4, "[16]", "[56]", 55), "--crop: input 0 has 55 bytes, fewer than its rows need"},
             {image("NV21", 8, 4, "[8,8]", "[32,16]", 47),
-                    "--crop: it has 47 bytes, fewer than its rows need"},
+                    "--crop: input 0 has 47 bytes, fewer than its rows need"},
             {image("NV21", 8, 4, "[8,8]", "[16]", 48),
-                    "--crop: it has planes of [16] bytes, fewer than their rows need"},
+                    "--crop: input 0 has planes of [16] bytes, fewer than their rows need"},
             {image("NV21", 8, 4, "[8,8]", "[32,1]", 48),
-                    "--crop: it has planes of [32, 1] bytes, fewer than their rows need"},
+                    "--crop: input 0 has planes of [32, 1] bytes, fewer than their rows need"},
             {image("RAW16", 4, 4, "[8]", "[32]", 32),
                 "--crop: 4x2 from 4,2 exceeds input 0 of 4x4"},
         };
