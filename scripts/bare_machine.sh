@@ -132,7 +132,7 @@ try_commands() {
 case ${1:-} in
   '') set -- "$first_commands" ;;
   --all) set -- "$first_commands" "${further_commands[@]}" ;;
-  -*) die "unknown option $1; see the first lines of this file" ;;
+  -*) die "unknown option $1; see the first lines of scripts/bare_machine.sh" ;;
 esac
 if [ "$(id -u)" -ne 0 ]; then
   command -v sudo >/dev/null || die "needs root rights to mount /proc and /dev in the bare root"

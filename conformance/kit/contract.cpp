@@ -28,8 +28,8 @@ constexpr char kText[] =
   destroyMetadata, which is called once for each.
 - **Values.** The memory passed to setValue may change once setValue returns. The memory passed to
   getValue has exactly the size in the call, and contains the default value: if the library has no
-  such value, it must leave this memory unchanged. Sections and keys end with a zero byte. Values
-  have up to 8482 bytes.
+  such value, it must leave this memory unchanged. Sections and keys end with a zero byte. The
+  service's values have up to 8482 bytes.
 - **The record** of process, with its lists, frames and handles, lives until process returns.
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
   process returns, even if its callback is still to come. The descriptor passed to

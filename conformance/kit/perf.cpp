@@ -176,7 +176,8 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// Returns the relative change of the time since `before`; 0 if it is within the noise of both.
+// Returns the relative change of the time since `before`; 0 if it is within a multiple of the noise of both,
+// or too small to matter.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

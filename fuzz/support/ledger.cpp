@@ -10,7 +10,7 @@
 namespace orlu::fuzz {
 namespace {
 
-constexpr const char* kEndingNames[kEndings] = {"answered",  "after time-out",  "skipped",
+constexpr const char* kEndingNames[kEndings] = {"answered",  "after timeout",   "skipped",
                                                 "announced", "never announced", "NONE"};
 constexpr int kMismatchesShown = 10;
 
@@ -90,7 +90,7 @@ bool Ledger::print() const {
     const uint64_t request = unexpected[i];
     const Seen& seen = mSeen[request];
     std::printf("  request %" PRIu64
-                ", %s %s: expected %s, found %s (process %d, time-out %d, return %d, "
+                ", %s %s: expected %s, found %s (process %d, timeout %d, return %d, "
                 "end %d, announced %d, block lost %d)\n",
                 request, isFullAsync(way(request).kind) ? "full-async" : "synchronous", way(request).name,
                 nameOf(way(request).ending), nameOf(ending(request)), seen.processed.load(),
