@@ -1,5 +1,5 @@
 // The Java objects of one request, as the service passes them. They belong to the thread that created the
-// Shot, and are freed with it.
+// Shot, and are freed with the Shot.
 #pragma once
 
 #include <jni.h>

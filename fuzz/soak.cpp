@@ -48,7 +48,7 @@ bool soakClients(uint64_t seed, uint64_t requests, const std::vector<SoakArgumen
                  SoakWatch& watch) {
   Ledger ledger(seed, requests);
   const standin::AlgoScript script = plainSoakScript(ledger);
-  // Not through test::Algo: it records every call, and the records of a long run exceed the memory.
+  // Does not use test::Algo, which records every call: the records of a long run exceed the memory.
   test::setScript(&script);
   {
     SoakShared shared(ledger, seed);

@@ -53,8 +53,8 @@ private:
   // Returns the client's context. If the client is destroyed, counts the callback, logs it for `operation`
   // and returns null.
   std::shared_ptr<AlgoNativeContext> open(const char* operation);
-  // Returns the calling thread's environment if it can call callbackFromNative() and has no pending
-  // exception. Otherwise logs the reason for `operation` and returns null.
+  // Returns the calling thread's environment if it can call callbackFromNative(); clears a pending exception
+  // and logs it. Otherwise logs the reason for `operation` and returns null.
   JNIEnv* callbackEnv(const char* operation) const;
   // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);

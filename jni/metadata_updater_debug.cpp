@@ -1,5 +1,5 @@
 // Debugging aids: logs a double exposure's frame settings and passes on the device's switch for automatic
-// tests.
+// tests. updateDebug() also runs the step for the frames of a two-camera fusion.
 
 #include <cutils/properties.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
 
-// Reads a property as a decimal integer; 0 if it is not one.
+// Reads a property as a decimal integer; 0 if it is not a number.
 int32_t propertyAsInt(const char* name) {
   char text[128] = {};
   static_assert(sizeof text >= PROPERTY_VALUE_MAX);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kJpegName[] = "JPEG";
 
-// The parts of updateResult() log it as their operation.
+// The functions that updateResult() calls log this name as their operation.
 constexpr char kUpdateResult[] = "updateResult";
 
 }  // namespace

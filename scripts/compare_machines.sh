@@ -1,7 +1,7 @@
 #!/bin/bash
 # Runs requests on this machine and on ARM, and compares parameters, algorithm lists, returned values, output
 # descriptors, images, printed text and events. Then replays the recordings of this machine on ARM.
-#   scripts/compare_machines.sh [request.json ...]      all samples without arguments
+#   scripts/compare_machines.sh [request.json ...]      without arguments: all samples
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 source "$root/scripts/lib.sh"

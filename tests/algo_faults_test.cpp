@@ -21,7 +21,7 @@ using test::putKey;
 
 class AlgoFaultsTest : public test::RequestScene {
 protected:
-  // Calls the other natives and destroys the client.
+  // Calls the other natives, and releases the client without destroying it.
   void callTheRest() {
     RequestProcessor::flush(env(), mInst, nullptr, nullptr);
     putKey(mCompositions[0], "AbortKey", test::javaString("orlu.control.frameFlag"));
@@ -113,8 +113,8 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
 // fail before they create it, the others after their work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
-  // Runs a client through all natives. Returns "announced" if Java was notified, then a line with the key and
-  // the first bytes of each value stored.
+  // Runs a client through all natives. Returns a line "announced" if Java was notified, then a line for each
+  // value that was set, with its key and first bytes.
   std::string storedIn(test::CallbackRecorder& recorder) {
     mAlgo.forget();
     mAlgo.use();
@@ -183,8 +183,8 @@ TEST_F(AlgoFaultsTest, CallsBackWithAJavaExceptionPending) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// A session ends normally with a shot in flight: destroyClient() calls back on the calling thread and on the
-// library's thread.
+// Java destroys its client normally, but a shot is still in flight: destroyClient() calls back on the calling
+// thread and on the library's thread.
 TEST_F(AlgoFaultsTest, CallsBackWhileItsClientIsDestroyed) {
   test::CallbackRecorder recorder;
   mAlgo.script.delay = std::chrono::milliseconds(50);

@@ -14,7 +14,7 @@ from command import ROOT, failures, finish, run  # noqa: E402
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
 # Samples whose runs are compared with the statements: one with processed input, one with raw input.
 SAMPLES = ("capture", "hdr5")
-# For tags whose values need others than capture.json and jpegEncode: the sample and the algorithm to request.
+# Sample and algorithm for tags whose values have no effect with the defaults, capture.json and jpegEncode.
 BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
          "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 
@@ -108,8 +108,8 @@ def check_claims(parts):
 
 
 def with_tag(tag, value):
-    """Returns a request whose frames have a value: "1" for a number, "6,4" for a list, ">0" for any greater
-    number."""
+    """Returns a request whose frames have the tag with this value: "1" for a number, "6,4" for a list, ">0"
+    for any greater number."""
     sample, algorithm = BASES.get(tag, ("capture", "jpegEncode"))
     request = json.loads((ROOT / f"samples/{sample}.json").read_text())
     request["photo"] = str(ROOT / "samples" / request["photo"])

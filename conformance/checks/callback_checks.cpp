@@ -131,7 +131,8 @@ void actInside(const Action& action) {
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
-  // Before the other members of the scene: the thread may still be returning from the callback.
+  // Ends the client before the scene destroys its other members: the thread may still be returning from the
+  // callback.
   scene.client.end();
 }
 

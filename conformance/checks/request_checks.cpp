@@ -18,7 +18,7 @@ constexpr double kSoonMilliseconds = 100;
 constexpr std::chrono::milliseconds kSettle{250};
 constexpr size_t kLeastCallbackBytes = 21;
 
-// A record on its own pages, which are unmapped when process() has returned.
+// A record on its own page, which doom() makes inaccessible after process() has returned.
 class DoomedRecord {
 public:
   explicit DoomedRecord(const AlgoProcessRecord& record) {
@@ -31,7 +31,7 @@ public:
   ~DoomedRecord() { munmap(mMemory, mBytes); }
 
   AlgoProcessRecord& operator*() { return *mRecord; }
-  // Overwrites everything in the record, then unmaps it.
+  // Overwrites everything in the record, then makes its page inaccessible.
   void doom() {
     for (std::string& name : mRecord->algoList) std::fill(name.begin(), name.end(), '#');
     for (auto* frames : {&mRecord->inputFrames, &mRecord->outputFrames}) {
@@ -54,8 +54,8 @@ private:
   AlgoProcessRecord* mRecord;
 };
 
-// Lends a duplicate of an image's descriptor to one request. takeBack() makes the number refer to a decoy
-// file.
+// Lends a duplicate of an image's descriptor to one request. takeBack() makes the descriptor number refer to
+// a decoy file.
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {

@@ -18,7 +18,8 @@ namespace {
 constexpr int kThreads = 8;
 constexpr int kKeys = 8;  // per thread and shared block
 constexpr double kDefaultSeconds = 3;
-// Most rounds in the default time. Each has a new shared block: threads collide more often in a small block.
+// Maximum number of rounds in the default time. Each round has a new shared block: threads collide more often
+// in a small block.
 constexpr int kRounds = 1000;
 // Rounds that run even if the default time is over: fewer might not reveal a missing lock.
 constexpr int kFewestRounds = 200;
@@ -117,7 +118,8 @@ struct Hammer {
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // The names interleave the threads, so that their entries are neighbours in any kind of store.
+  // In sorted order, keys of different threads alternate, so that their entries are neighbours in any kind of
+  // store.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }
@@ -125,7 +127,7 @@ struct Hammer {
     return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
   }
 
-  // Sets new keys and one that all threads set, and creates and destroys a block.
+  // Sets keys of its own and a key that all threads set; creates and destroys a block.
   void strike(int round, int thread) {
     Wrong& own = wrong[thread];
     for (int i = 0; i < kKeys; ++i) {

@@ -49,7 +49,7 @@ std::string join(const std::vector<std::string>& words) {
   return text;
 }
 
-// A table between guard bytes. Never destroyed: destroying a faulty table would crash.
+// A table between guard bytes. Destroy it only if looksWhole(): destroying a faulty table would crash.
 struct GuardedTable {
   static constexpr size_t kGuard = 512;
   static constexpr unsigned char kPattern = 0xC3;
@@ -69,8 +69,8 @@ struct GuardedTable {
   }
 };
 
-// Tests the layout of a table without calling or destroying its callables. If it differs, fails the check and
-// returns false.
+// Tests the layout of a table without calling or destroying its callables. If the layout differs, fails the
+// check and returns false.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {

@@ -22,8 +22,8 @@ std::string distinct(size_t number, size_t size) {
   return bytes;
 }
 
-// Returns all names of the service, and long names that are prefixes of each other or differ only in the last
-// letter.
+// Returns a value for each name of the service, and for long names that are prefixes of each other or differ
+// only in the last letter.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {

@@ -37,7 +37,7 @@ private:
     int left, top, width, height;  // in samples
   };
 
-  // The tile fields of an image's header. LibRaw does not keep them for a single tile.
+  // The tile fields of an image's header. LibRaw does not store them for an image of a single tile.
   struct Tiling {
     int width = 0, height = 0, count = 0;
   };

@@ -31,7 +31,8 @@ inline std::string describeJava(jobject value) {
   return text;
 }
 
-// Records every call of putMetadata() while it lives, in order, including values that later calls overwrite.
+// Records every call of putMetadata() on these compositions during its lifetime, in order, including values
+// that later calls overwrite.
 // Each line has the index of the composition, the key and the value.
 class PutRecorder {
 public:

@@ -12,7 +12,7 @@ import picocli.CommandLine.Model.CommandSpec;
 interface Subcommand {
     /**
      * Runs the subcommand. Returns 0, 1 for a difference, or one of Verdict's statuses. An
-     * IllegalArgumentException reports a mistake in the arguments, with a message for people.
+     * IllegalArgumentException reports a mistake in the arguments; its message is shown to the user.
      */
     int run() throws MistakeException, ErrnoException, IOException;
 

@@ -86,7 +86,7 @@ final class TrialRequest implements AutoCloseable {
     /**
      * Translates the request with some values changed, and returns the record of its writes. Throws
      * IllegalArgumentException, without running, if the capture result can't hold a value. Look-ups are
-     * recorded only on request, since that takes time.
+     * recorded only if `recordsLookups` is true, because recording takes time.
      */
     byte[] run(List<Change> changes, boolean recordsLookups) {
         List<Object> before = new ArrayList<>();

@@ -7,8 +7,8 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * The size of images without their own size: the size of the frames made from a photo, else of the first
- * input's file, else the request file's size of frames.
+ * The size of images that have no size of their own: the size of the frames made from a photo, else the size
+ * of the first input's file, else the frame size in the request file.
  */
 public record FrameSize(int width, int height) {
     public static FrameSize of(RequestFile request, List<SynthesisedFrame> frames) {

@@ -114,7 +114,7 @@ public final class PictureFacts {
         return level;
     }
 
-    /** The fraction of the pixels that are white in all channels, 0 to 1. */
+    /** The fraction of the pixels that are white (254 or 255 in all channels), 0 to 1. */
     public double clipped() {
         return (double) mClipped / pixels();
     }

@@ -42,12 +42,12 @@ public final class RecordedEvents {
         return mEvents.stream().filter(event -> event.kind().equals(kind)).toList();
     }
 
-    /** All operations in the order of their begins. */
+    /** All calls, in the order of their begin events. */
     public List<Call> calls() {
         return mCalls;
     }
 
-    /** All calls of an operation, in the order of their begins. */
+    /** All calls of an operation, in the order of their begin events. */
     public List<Call> calls(String operation) {
         return mCalls.stream().filter(call -> call.operation().equals(operation)).toList();
     }
@@ -58,7 +58,7 @@ public final class RecordedEvents {
         return calls.isEmpty() ? null : calls.get(calls.size() - 1);
     }
 
-    /** The operations that have not returned. */
+    /** The calls that have not returned. */
     public List<Call> open() {
         return mCalls.stream().filter(call -> call.end() == null).toList();
     }

@@ -89,7 +89,7 @@ public final class Burst implements AutoCloseable {
         return mMostInFlight;
     }
 
-    /** The number of callbacks that reported a request as done. */
+    /** The number of callbacks that reported the request with this id as done. */
     public int announcements(long id) {
         return mInbox.done(other -> other == id).size();
     }

@@ -9,7 +9,7 @@ import java.nio.file.Path;
  * The folder that the launcher creates for one run and removes afterwards. The property orlu.work names it.
  */
 public final class WorkFolder {
-    /** The environment variable with the file for this process's part of a common index of pages. */
+    /** The environment variable that names the file for this process's part of a common index of pages. */
     public static final String PAGES = "ORLU_PAGES";
 
     private WorkFolder() {

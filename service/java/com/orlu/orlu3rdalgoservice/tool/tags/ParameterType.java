@@ -39,7 +39,7 @@ public enum ParameterType {
         mText = text;
     }
 
-    /** The name for people. */
+    /** The name that users see. */
     public String text() {
         return mText;
     }

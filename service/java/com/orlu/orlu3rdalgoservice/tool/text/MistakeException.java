@@ -9,7 +9,8 @@ public final class MistakeException extends Exception {
     private final transient Mistake mMistake;
 
     /**
-     * Reports a problem of a file without lines. The field is empty if the problem concerns the whole file.
+     * Reports a problem of a file, without a line number. The field is empty if the problem concerns the
+     * whole file.
      */
     public MistakeException(String file, String field, String problem) {
         this(new Mistake(file, 0, 0, field, problem, false));
