@@ -20,7 +20,7 @@ ORLU_PHONE_FOLDER is the kit's folder on the phone (default: /data/local/tmp/orl
 ANDROID_SERIAL selects one of several phones. \"record\" and \"events\" set properties,
 which needs adb root; restart the service afterwards.
 
-This script has not run with a phone: its tests use a stand-in for adb."
+This script has never run with a real phone: its tests use a stand-in for adb."
 
 readonly folder=${ORLU_PHONE_FOLDER:-/data/local/tmp/orlu}
 readonly record_property=persist.vendor.orlu.record
@@ -53,7 +53,8 @@ one_phone() {
     for serial in "${ready[@]}"; do
       [ "$serial" != "$ANDROID_SERIAL" ] || return 0
     done
-    die "ANDROID_SERIAL is $ANDROID_SERIAL; ready: ${ready[*]:-none} ${others[*]}"
+    die "ANDROID_SERIAL is $ANDROID_SERIAL, which is not ready; ready: ${ready[*]:-none}" \
+      "${others[*]:+(others: ${others[*]})}"
   elif [ ${#ready[@]} -eq 0 ]; then
     die "no phone is ready${others[*]:+; found ${others[*]}}: connect one and allow USB debugging"
   elif [ ${#ready[@]} -gt 1 ]; then

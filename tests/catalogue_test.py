@@ -72,7 +72,7 @@ def check_lists():
         names = [entry["name"] for entry in parts[part]]
         shown = [line.split()[0] for line in listed[1:-2] if not line.startswith(" ")]
         if names != shown or not names:
-            failures.append(f"{part}: lists {len(shown)} entries, and {len(names)} in JSON")
+            failures.append(f"{part}: the list ({len(shown)} entries) and the JSON ({len(names)}) differ")
     return parts
 
 
@@ -96,7 +96,8 @@ def check_claims(parts):
             size = len(parameter["hex"]) // 2
             compared += 1
             if entry["bytes"] not in ("400 or 8 x frames", size) or "in" not in entry["direction"]:
-                failures.append(f"{entry['name']}: {size} bytes were passed, not {entry['bytes']}")
+                failures.append(f"{entry['name']}: {size} bytes were passed in; the catalogue has "
+                                f"{entry['bytes']} bytes, {entry['direction']}")
     for event in events:
         held = event.get("held")
         if event["event"] == "lookup" and held and event["source"] == "captureResult":
@@ -138,9 +139,11 @@ def check_values(tags):
     for report, (tag, value, name, number) in zip(reports, claims):
         found = {each["key"]: each["value"] for each in report["parameters"]}
         if number is None and name not in report["algorithmsAfter"] or number and found.get(name) != int(number):
-            failures.append(f"{tag} {value}: {name} {number or 'is not appended'}, but {found.get(name)}")
+            failures.append(f"{tag} {value}: " + (f"{name} is not appended" if number is None else
+                                                  f"expected {name} {number}, found {found.get(name)}"))
     if len(claims) < 10 or len(reports) != len(claims):
-        failures.append(f"of {len(claims)} claims on values {len(reports)} were tested")
+        failures.append(f"{len(reports)} of {len(claims)} claims on values were tested; "
+                        "expected all of at least 10")
 
 
 def main():

@@ -141,8 +141,8 @@ def check_sweep(folder):
     refused(folder, "--tag android.jpeg.orientation: expected a whole number from -2147483648 to 2147483647, found 0.5",
             "sweep", "shots/a.json", "--tag",
             "android.jpeg.orientation=0:1:3")
-    refused(folder, "expected one request and one or two --tag, found 3 and 1", "sweep", "shots", "--tag",
-            "android.jpeg.orientation=0,90")
+    refused(folder, "expected one request and one or two --tag, found 3 requests and 1 --tag", "sweep",
+            "shots", "--tag", "android.jpeg.orientation=0,90")
 
 
 def check_burst(folder):

@@ -98,7 +98,7 @@ expect 2 "longer than a property can be" record on "/$(printf 'ü%.0s' {1..50})"
 PHONES='' expect 2 "no phone is ready: connect one" status
 PHONES='a1\tunauthorized' expect 2 "found a1 (unauthorized)" status
 PHONES='a1\tdevice\nb2\tdevice' expect 2 "set ANDROID_SERIAL to one of a1 b2" record on /data/x
-ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3; ready: a1" status
+ANDROID_SERIAL=c3 expect 2 "ANDROID_SERIAL is c3, which is not ready; ready: a1" status
 PHONES=broken expect 2 "adb devices failed" status
 PHONES='a1\tno permissions (user in plugdev group)' expect 2 "a1 (no permissions (user in plugdev group))" status
 PHONES='a1\tdevice\nb2\tdevice' ANDROID_SERIAL="a1 b2" expect 2 "ANDROID_SERIAL is a1 b2" status
@@ -118,4 +118,4 @@ for vanish in "status:getprop" "record off:setprop" "record off:getprop" "events
 done
 VANISH='so --only' expect 2 "a1 was disconnected while the kit ran" conform "$work/kit" "$work/library.so" --only x
 rm "$work/gone"
-expect 0 "has not run with a phone" --help
+expect 0 "has never run with a real phone" --help

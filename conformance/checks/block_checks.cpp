@@ -97,7 +97,7 @@ void checkResultSizes() {
     const auto found = sizes.find(std::string(row.section) + " " + row.key);
     if (found == sizes.end()) continue;
     HOLDS(found->second == row.size) << found->first << " has " << found->second
-                                     << " bytes, but is read with " << row.size;
+                                     << " bytes, but the service reads " << row.size;
   }
   note(std::to_string(sizes.size()) + " of " + std::to_string(std::size(kResultReads)) +
        " results are set by at least one algorithm");

@@ -93,13 +93,13 @@ void destroyOwn(Scene& scene, Scene&, std::unique_ptr<Block>&) {
 }
 
 constexpr Action kActions[] = {
-    {"finish the request",          endRequest  },
-    {"submit the next request",     submitNext  },
-    {"flush",                       flushOwn    },
-    {"abort",                       abortOwn    },
-    {"destroy another client",      destroyOther},
-    {"create and destroy a client", makeClient  },
-    {"destroy the client itself",   destroyOwn  },
+    {"finish the request",            endRequest  },
+    {"submit the next request",       submitNext  },
+    {"flush",                         flushOwn    },
+    {"abort",                         abortOwn    },
+    {"destroy another client",        destroyOther},
+    {"create and destroy a client",   makeClient  },
+    {"destroy the callback's client", destroyOwn  },
 };
 
 void actInside(const Action& action) {
@@ -226,7 +226,7 @@ void checkFlush() {
   if (returnsWhileHeld(scene, kFlushHold, [&] { scene.client.flush(); })) {
     warn(
         "flush returned while a request was in flight. The contract allows this, but then Java may "
-        "destroy the client before its requests finish; better wait for them in flush");
+        "destroy the client before its requests finish; it is better to wait for them in flush");
   } else {
     note("flush waits for requests in flight");
   }

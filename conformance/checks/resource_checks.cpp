@@ -75,7 +75,7 @@ bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
   // A thread stays listed for a moment after it exits.
   constexpr std::chrono::milliseconds kListed{150};
   for (uint64_t round = 0; round < kRounds; ++round) {
-    step(std::to_string(kRequests) + " requests more, round " + std::to_string(round + 1));
+    step(std::to_string(kRequests) + " more requests, round " + std::to_string(round + 1));
     std::this_thread::sleep_for(kListed);
     const Holdings before = Holdings::now();
     if (!runMany(client, inbox, 1 + kWarmUp + round * kRequests, kRequests)) return false;
@@ -149,7 +149,7 @@ void tryManyRequests(Client& client, Inbox& inbox) {
       << " bytes per request (slope over the second half, smallest of " << kRounds
       << " rounds); usually entries are never removed from a list of requests or results";
   note(count + std::to_string(least) + " bytes each" +
-       (done < kFewestForSlope ? ", too few to be sure" : ""));
+       (done < kFewestForSlope ? "; too few requests to be sure" : ""));
 }
 
 // "; left over: A, B"

@@ -186,7 +186,7 @@ void compareSizes() {
 void checkLoading() {
   std::string error;
   Library* const library = Library::open(&error);
-  HOLDS(library != nullptr) << "it can't be loaded with RTLD_NOW, or has no entry: " << error;
+  HOLDS(library != nullptr) << "the library can't be loaded with RTLD_NOW, or has no entry: " << error;
   if (library == nullptr) return;
   HOLDS(library->isWhole()) << "the entry fills in no callable";
   const std::vector<std::string> offered = probe::callableNames(library->bareTable(), true);
@@ -196,8 +196,8 @@ void checkLoading() {
     step(std::string("a ") + which + " table");
     library->fill(&spacious->table);
     const std::vector<std::string> again = probe::callableNames(spacious->table, true);
-    HOLDS(offered == again) << "the first table offers " << join(offered) << "; a " << which << " one "
-                            << (again.empty() ? "nothing" : join(again));
+    HOLDS(offered == again) << "the first table offers " << join(offered) << ", but the " << which
+                            << " table offers " << (again.empty() ? "nothing" : join(again));
     HOLDS(!spacious->table.reserved) << "the reserved callable is filled in";
     HOLDS(!spacious->table.metadataOps.reserved)
         << "the reserved callable of the block operations is filled in";

@@ -115,7 +115,7 @@ void paintAtOnce() {
     }
   }
   const std::string text =
-      "requests in parallel must give the same outputs as one after another: " + std::to_string(different) +
+      "requests must give the same outputs in parallel as one after another: " + std::to_string(different) +
       " of 24 differ; usually workers share a buffer";
   if (different > 0 && options().allowNoise) return warn(text);
   HOLDS(different == 0) << text;

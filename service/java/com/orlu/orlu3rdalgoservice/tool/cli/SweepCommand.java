@@ -58,8 +58,9 @@ final class SweepCommand implements Subcommand {
         mMany.check();
         List<Path> requests = GivenPaths.requests(List.of(mRequest));
         if (requests.size() != 1 || mTags.isEmpty() || mTags.size() > 2) {
-            throw new IllegalArgumentException("expected one request and one or two --tag, found %d and %d"
-                    .formatted(requests.size(), mTags.size()));
+            throw new IllegalArgumentException(
+                    "expected one request and one or two --tag, found %d requests and %d --tag".formatted(
+                            requests.size(), mTags.size()));
         }
         List<SweptTag> tags = mTags.stream().map(SweptTag::of).toList();
         List<List<String>> points = points(tags);
