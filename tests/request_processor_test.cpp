@@ -251,7 +251,7 @@ TEST_F(RequestProcessorTest, GetDataIsNullWithoutTheOperation) {
   EXPECT_TRUE(mLog.contains("get data ret size 0, "));
 }
 
-TEST_F(RequestProcessorTest, HandsOverWhatIsNoFile) {
+TEST_F(RequestProcessorTest, PassesOnAMissingFile) {
   putKey(mParam, "identifier", javaString(std::string(200, 'i')));
   EXPECT_EQ(0, RequestProcessor::translateParamFiles(env(), mInst, nullptr, mParam));
   EXPECT_EQ("translateParamFile 0 " + std::string(128, 'i'), mTrace);

@@ -58,6 +58,7 @@ failures = []
 
 
 def check(what, is_right, found=""):
+    """Records a failure unless the expectation `what` is met. `found` is shown after it."""
     if not is_right:
         failures.append(f"{what} {found}")
 
@@ -92,7 +93,7 @@ class Page:
 
     def console(self):
         messages = [entry["message"] for entry in self.driver.get_log("browser")]
-        self.check("the console has:", not messages, messages)
+        self.check("the console is empty:", not messages, messages)
 
 
 def check_shape(page, shots, size, scheme):
@@ -100,11 +101,12 @@ def check_shape(page, shots, size, scheme):
     for tab in TABS:
         page.tab(tab)
         width, inner = page.driver.execute_script("return [document.documentElement.scrollWidth, innerWidth]")
-        page.check(f"{tab} at {size[0]} pixels is wider than the window:", width <= inner, width)
+        page.check(f"{tab} at {size[0]} pixels fits the window, found a width of", width <= inner, width)
         contrast, element = page.driver.execute_script(CONTRAST)
-        page.check(f"{tab}, {scheme}: a text of contrast {contrast:.1f}:", contrast >= LEAST_CONTRAST, element)
+        page.check(f"{tab}, {scheme}: all text is readable, found a contrast of {contrast:.1f} in",
+                   contrast >= LEAST_CONTRAST, element)
         text = page.one("main").text
-        page.check(f"{tab} shows a raw value:", not any(
+        page.check(f"{tab} shows no raw value:", not any(
             word in text for word in ("[object", "undefined", "NaN", "null,", "%s", "%d")),
             [line for line in text.splitlines() if "[object" in line or "undefined" in line])
         if shots:
@@ -118,7 +120,7 @@ def check_keys(page):
     for number, tab in enumerate(TABS, 1):
         page.press(str(number))
         shown = [panel.get_attribute("id") for panel in page.shown("[role=tabpanel]")]
-        page.check(f"the key {number} shows", shown == [f"panel-{tab}"], shown)
+        page.check(f"the key {number} shows {tab}, found", shown == [f"panel-{tab}"], shown)
     page.one("#tab-log").click()
     page.press(Keys.ARROW_RIGHT)
     page.check("the right arrow leads from the last tab to the first",
@@ -128,7 +130,7 @@ def check_keys(page):
     field = page.driver.switch_to.active_element
     page.check("the key / focuses the filter", "filter" in (field.get_attribute("class") or ""))
     page.press("2")
-    page.check("a key in a field is a letter", field.get_attribute("value") == "2" and
+    page.check("a key pressed in a field is entered as text", field.get_attribute("value") == "2" and
                page.one("#panel-parameters").is_displayed())
     page.press(Keys.BACKSPACE, Keys.ESCAPE)
     before = page.one("html").get_attribute("data-theme")
@@ -265,8 +267,9 @@ def check_index(driver, build, folder):
         show(driver, folder / "index/index.html", size, scheme)
         page = Page(driver, "index")
         width = driver.execute_script("return document.documentElement.scrollWidth")
-        page.check("is wider than the window", width <= size[0], width)
-        page.check("has an entry for each", len(page.all("a.card")) == 2 and "capture.json" in page.one("main").text)
+        page.check("fits the window, found a width of", width <= size[0], width)
+        page.check("has an entry for each request",
+                   len(page.all("a.card")) == 2 and "capture.json" in page.one("main").text)
     page.all("a.card")[1].click()
     page.check("a card leads to its request", "watermark.json" in page.one("h1").text, page.one("h1").text)
     page.one("#top a").click()
@@ -287,9 +290,10 @@ def check_sheets(driver, build, folder):
             found = [each.text for each in page.all("figcaption")]
             page.check("has captions", [text.split(":")[0].split("=")[-1] for text in found][:2] == captions, found)
             for picture in page.all("figure img"):
-                page.check("a picture has not loaded", picture.get_property("naturalWidth") > 0)
+                page.check("each picture is loaded", picture.get_property("naturalWidth") > 0)
                 rect = picture.rect
-                page.check("a picture is cut or tiny", rect["width"] > 50 and rect["x"] + rect["width"] <= size[0], rect)
+                page.check("each picture is whole and large enough:",
+                           rect["width"] > 50 and rect["x"] + rect["width"] <= size[0], rect)
             page.all("figure button")[1].click()
             rect = page.one("dialog img").rect
             page.check("a click enlarges a picture", rect["width"] > 50 and rect["x"] + rect["width"] <= size[0], rect)
@@ -317,9 +321,9 @@ def check_all(build, shots):
                 page.check(f"findings, expected {words}:",
                            found == [] if words is None else words in found[0], found)
                 if found:
-                    page.check("a finding is out of sight", page.one(".finding").rect["y"] < size[1] / 2)
+                    page.check("the first finding is in sight", page.one(".finding").rect["y"] < size[1] / 2)
                     page.one(".finding button").click()
-                    page.check("a finding leads nowhere", len(page.shown("[role=tabpanel]")) == 1)
+                    page.check("a click on a finding leads to a tab", len(page.shown("[role=tabpanel]")) == 1)
                 check_shape(page, shots, size, scheme)
                 page.console()
             if title == "night":
