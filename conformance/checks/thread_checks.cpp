@@ -7,7 +7,8 @@
 namespace orlu::conform {
 namespace {
 
-constexpr size_t kLongest = 120;  // letters in a name
+constexpr size_t kLongest = 120;        // letters in a name
+constexpr size_t kStem = kLongest - 4;  // without a letter and the number that make the name unique
 
 struct Entry {
   std::string section;
@@ -31,10 +32,10 @@ std::vector<Entry> allEntries() {
   }
   std::string key = "conform_key_with_a_long_beginning";
   for (size_t i = 0; entries.size() < kMostValues; ++i) {
-    if (i % 2 == 0 && key.size() < kLongest) key += static_cast<char>('a' + i % 26);
+    if (i % 2 == 0 && key.size() < kStem) key += static_cast<char>('a' + i % 26);
     const std::string last = i % 2 == 0 ? "" : std::string(1, static_cast<char>('A' + i % 26));
     const char* const section = i % 3 == 0 ? kControl : kParameter;
-    entries.push_back({section, key + last + (key.size() < kLongest ? "" : std::to_string(i)),
+    entries.push_back({section, key + last + (key.size() < kStem ? "" : std::to_string(i)),
                        distinct(entries.size() + 1, 1 + i % 300)});
   }
   return entries;

@@ -11,10 +11,14 @@ import java.util.concurrent.ExecutionException;
 import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
+import java.util.concurrent.TimeUnit;
 import java.util.concurrent.atomic.AtomicInteger;
 
 /** Runs tasks in parallel, and passes their results to a callback in the order of the tasks. */
 public final class SideBySide {
+    /** A request waits up to ten seconds for its callback. */
+    private static final long LONGEST_TASK_SECONDS = 30;
+
     /** Receives a result. */
     public interface Taker<T> {
         void take(T result) throws MistakeException, IOException;
@@ -25,7 +29,8 @@ public final class SideBySide {
 
     /**
      * Runs the tasks on `jobs` threads, and passes results to `taker` on this thread. `what` names the work
-     * in the display of progress. Throws the first exception of a task or of `taker`.
+     * in the display of progress. Throws the first exception of a task or of `taker`, after the running tasks
+     * have finished: they may use what the caller then closes.
      */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {
@@ -53,7 +58,17 @@ public final class SideBySide {
             rethrow(e.getCause());
         } finally {
             threads.shutdownNow();
+            awaitEnd(threads);
             Progress.end();
+        }
+    }
+
+    // Gives up on a task that hangs in the algorithm library.
+    private static void awaitEnd(ExecutorService threads) {
+        try {
+            threads.awaitTermination(LONGEST_TASK_SECONDS, TimeUnit.SECONDS);
+        } catch (InterruptedException e) {
+            Thread.currentThread().interrupt();
         }
     }
 
