@@ -11,12 +11,13 @@ import java.util.Set;
  * more errors; in the end it discards everything read.
  */
 public final class Mistakes {
+    /** Limit of the errors, and of the warnings: warnings never displace an error. */
     private static final int MOST_KEPT = 1000;
     private static final int MOST_PRINTED = 100;
 
     private final String mFile;
     private final Set<Mistake> mMistakes = new LinkedHashSet<>();
-    private long mDropped;
+    private boolean mAreMore;
     private int mErrors;
 
     /** A read operation that may fail. */
@@ -41,11 +42,15 @@ public final class Mistakes {
      * Adds a mistake unless the list contains it: values common to all frames are read again for each frame.
      */
     public void add(Mistake mistake) {
-        if (mMistakes.size() == MOST_KEPT) {
-            ++mDropped;
-        } else if (mMistakes.add(mistake) && !mistake.isWarning()) {
-            ++mErrors;
+        if (mMistakes.contains(mistake)) {
+            return;
         }
+        if ((mistake.isWarning() ? warnings() : mErrors) == MOST_KEPT) {
+            mAreMore = true;
+            return;
+        }
+        mMistakes.add(mistake);
+        mErrors += mistake.isWarning() ? 0 : 1;
     }
 
     /** Adds the mistake of an exception instead of throwing it, so that reading continues. */
@@ -93,14 +98,14 @@ public final class Mistakes {
         return mMistakes.size();
     }
 
-    /** Returns the number of errors. */
+    /** Returns the number of errors kept, which is 0 only if there are none. */
     public int errors() {
         return mErrors;
     }
 
     /** Returns whether mistakes were dropped because there were too many. */
     public boolean areMore() {
-        return mDropped > 0;
+        return mAreMore;
     }
 
     public int warnings() {
@@ -127,7 +132,7 @@ public final class Mistakes {
         List<String> lines = new ArrayList<>();
         sorted().stream().limit(MOST_PRINTED).forEach(mistake -> lines.add(mistake.text()));
         if (mMistakes.size() > MOST_PRINTED) {
-            lines.add(mFile + ": and " + (mDropped > 0 ? "over " : "") + (mMistakes.size() - MOST_PRINTED)
+            lines.add(mFile + ": and " + (mAreMore ? "over " : "") + (mMistakes.size() - MOST_PRINTED)
                     + " more");
         }
         return lines;
