@@ -14,6 +14,8 @@ import java.util.stream.IntStream;
 
 /** Explains a request's parameters: the code that wrote each, and the tags that it depends on. */
 public final class Explanations {
+    /** Follows a tag or parameter if the parameter changes only if the tag changes in all frames. */
+    static final String TOGETHER = " (all frames together)";
     private static final String UNKNOWN_PLACE = "an unknown line";
 
     private final Handover mHandover;
@@ -52,10 +54,16 @@ public final class Explanations {
         return mNames;
     }
 
-    /** Returns names(), and the parameters that the request would write if a tag had another value. */
+    /**
+     * Returns names(), and the parameters that the request would write if a tag had another value in one
+     * frame or in all frames.
+     */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
-        mDependences.all().forEach(tag -> possible.addAll(tag.parameters()));
+        for (Dependence tag : mDependences.all()) {
+            possible.addAll(tag.parameters());
+            possible.addAll(tag.together());
+        }
         return possible;
     }
 
@@ -86,7 +94,7 @@ public final class Explanations {
     public TagRows tags(String name) {
         TagRows rows = new TagRows();
         mDependences.of(name).stream().filter(tag -> !isGeneral(tag)).forEach(tag -> rows.add(tag.tag(),
-                tag.frame(), text(tag) + (tag.parameters().contains(name) ? "" : " (all frames together)")));
+                tag.frame(), text(tag) + (tag.parameters().contains(name) ? "" : TOGETHER)));
         return rows;
     }
 

@@ -8,9 +8,11 @@ import com.orlu.orlu3rdalgoservice.tool.model.Parameter;
 import com.orlu.orlu3rdalgoservice.tool.model.Run;
 import com.orlu.orlu3rdalgoservice.tool.text.TextLayout;
 
+import java.util.HashSet;
 import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Map;
+import java.util.Set;
+import java.util.TreeSet;
 import java.util.function.Predicate;
 
 /** Prints the outcome of each frame's tags, in groups. */
@@ -86,16 +88,21 @@ public final class TagPrinter {
 
     // Returns the parameters that another value would change, with their present values.
     private String defaults(Reading reading) {
-        List<Dependence> tags = mDependences.of(reading.frame(), reading.tag());
-        List<String> names =
-                tags.stream().flatMap(tag -> tag.parameters().stream()).distinct().sorted().toList();
+        Set<String> alone = new HashSet<>();
+        Set<String> names = new TreeSet<>();
+        for (Dependence tag : mDependences.of(reading.frame(), reading.tag())) {
+            alone.addAll(tag.parameters());
+            names.addAll(tag.together());
+        }
+        names.addAll(alone);
         if (names.size() > mParameters.size() / 2) {
             return "another value changes most parameters";
         }
         if (names.isEmpty()) {
             return mDependences.problem().isEmpty() ? "no tested value changes a parameter" : "not tested";
         }
-        return String.join(", ", names.stream().map(this::value).toList());
+        return String.join(", ", names.stream().map(name -> value(name)
+                + (alone.contains(name) ? "" : Explanations.TOGETHER)).toList());
     }
 
     private String value(String name) {
