@@ -32,6 +32,16 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
     static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
         // Disables the probe's copies of the images.
         ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
+        try {
+            return of(request, options, child);
+        } catch (MistakeException | IOException | RuntimeException e) {
+            child.remove();
+            throw e;
+        }
+    }
+
+    private static ShotRun of(Path request, List<String> options, ChildRun child)
+            throws MistakeException, IOException {
         Path json = child.file("json");
         List<String> arguments = new ArrayList<>(options);
         arguments.addAll(List.of("--json", json.toString(), request.toString()));
