@@ -97,7 +97,7 @@ public final class RunFolder {
         if (!RecordedFile.isRegular(file)) {
             throw new MistakeException(file.toString(), "", RecordedFile.isRegular(folder.resolve(OLD))
                     ? "no such file; recordings of version 1 are no longer read"
-                    : "no such regular file: " + problem);
+                    : "no such regular file" + (problem.isEmpty() ? "" : ": " + problem));
         }
         RequestFile request = RequestFileReader.read(file, null, mistakes);
         mistakes.throwFirst();

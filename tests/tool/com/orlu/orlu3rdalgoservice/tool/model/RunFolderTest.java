@@ -1,6 +1,9 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertThrows;
+
+import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -9,7 +12,7 @@ import org.junit.Rule;
 import org.junit.Test;
 import org.junit.rules.TemporaryFolder;
 
-/** Tests how many events are read from a file with flipped bits. */
+/** Tests damaged and incomplete folders of runs. */
 public final class RunFolderTest {
     private static final String WHOLE =
             "{\"event\":\"end\",\"n\":3,\"op\":\"createClient\",\"result\":\"0x7f\"}\n";
@@ -34,5 +37,13 @@ public final class RunFolderTest {
             Files.writeString(file, WHOLE + row[1] + "\n");
             assertEquals((String) row[1], row[0], RunFolder.events(file).events().size());
         }
+    }
+
+    @Test
+    public void namesAMissingRequest() throws Exception {
+        Path run = folder.newFolder().toPath();
+        Files.writeString(run.resolve(RunFolder.OUTCOME), "{}");
+        MistakeException e = assertThrows(MistakeException.class, () -> RunFolder.read(run, "run"));
+        assertEquals(run + "/request.json: no such regular file", e.getMessage());
     }
 }
