@@ -52,7 +52,7 @@ final class DumpParser {
                         Long.parseLong(entry.group(4)), new ArrayList<>());
                 mBuffer.add(mEntry);
             } else if (line.strip().startsWith("[") && mEntry != null) {
-                addValues(mEntry, line.strip(), i + 1);
+                addValues(mEntry, line.stripLeading(), i + 1);
             } else if (!line.isBlank()) {
                 mEntry = null;
                 if (mBuffer != null && CUT_ENTRY.matcher(line).matches()) {
@@ -87,13 +87,15 @@ final class DumpParser {
         mAnnounced = -1;
     }
 
-    // If a line lacks its closing bracket, its last value may lack digits and is dropped.
+    // If a line lacks its closing bracket, its last value may lack digits and is dropped, unless a blank
+    // follows it or it is a rational, which ends with a parenthesis.
     private void addValues(DumpEntry entry, String line, int number) {
         if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
             return;
         }
-        boolean isWhole = line.endsWith("]");
-        String text = line.substring(1, isWhole ? line.length() - 1 : line.length());
+        String stripped = line.stripTrailing();
+        boolean isWhole = stripped.endsWith("]");
+        String text = stripped.substring(1, stripped.length() - (isWhole ? 1 : 0));
         List<String> values = new ArrayList<>();
         if (entry.type().equals("rational")) {
             Matcher rational = RATIONAL.matcher(text);
@@ -105,7 +107,7 @@ final class DumpParser {
         }
         if (!isWhole) {
             mNotes.add(":" + number, "the line is truncated");
-            if (!values.isEmpty() && !Character.isWhitespace(line.charAt(line.length() - 1))) {
+            if (!values.isEmpty() && line.equals(stripped) && !entry.type().equals("rational")) {
                 values.remove(values.size() - 1);
             }
         }

@@ -11,12 +11,18 @@ public final class DumpParserTest {
     @Test
     public void dropsAValueThatMayHaveLostDigits() {
         String[][] rows = {
-            {"[33333333 ]", "[33333333]"}, {"[33333333 44", "[33333333]"}, {"[33333333", "[]"}, {"[", "[]"},
+            {"int64", "[33333333 ]", "[33333333]"}, {"int64", "[33333333 44", "[33333333]"},
+            {"int64", "[33333333", "[]"}, {"int64", "[", "[]"}, {"int64", "[33333333 ", "[33333333]"},
+            {"int64", "[ ", "[]"},
+            {"rational", "[(3 / 4) (5 / 6) ]", "[3/4, 5/6]"},
+            {"rational", "[(3 / 4) (5 / 6)", "[3/4, 5/6]"},
+            {"rational", "[(3 / 4) (5 / ", "[3/4]"}, {"rational", "[(3 / 4", "[]"},
         };
         for (String[] row : rows) {
-            assertEquals(row[0], row[1], new DumpParser(new Notes()).parse(List.of(
-                    "  android.sensor.exposureTime (e0000): int64[1]", "    " + row[0])).get(0).get(0).values()
-                    .toString());
+            List<String> lines = List.of("  android.sensor.exposureTime (e0000): " + row[0] + "[1]",
+                    "    " + row[1]);
+            assertEquals(row[1], row[2],
+                    new DumpParser(new Notes()).parse(lines).get(0).get(0).values().toString());
         }
     }
 }
