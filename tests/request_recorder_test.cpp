@@ -143,6 +143,12 @@ TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
   const std::vector<std::string> kept = {"000000-mine ", "000004-request-8589934593 end",
                                          "000005-request-8589934593 end", "9999999999-request-1 "};
   EXPECT_EQ(kept, recordings("few"));
+  // Recordings are ordered by number, not by text.
+  std::filesystem::create_directories(mFolder + "/many/999999-request-1");
+  std::filesystem::create_directories(mFolder + "/many/1000000-request-1");
+  run(newRecorder("many", 2, 1 << 20), mInputs, test::javaList(mCompositions));
+  const std::vector<std::string> latest = {"1000000-request-1 ", "1000001-request-8589934593 end"};
+  EXPECT_EQ(latest, recordings("many"));
 }
 
 // Properties of the platform, set by `adb shell setprop`, apply if the Java properties are not set.

@@ -7,6 +7,7 @@ import java.io.File;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
+import java.util.Comparator;
 import java.util.HashMap;
 import java.util.List;
 import java.util.Locale;
@@ -153,22 +154,26 @@ public final class RequestRecorder {
         return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
     }
 
-    // Returns the recordings, sorted by name. Other folders are never removed.
+    // Returns the recordings, sorted by number. Other folders are never removed: a number of 10 digits may
+    // exceed an int.
     private File[] recordings() {
-        File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,}-request-.*"));
+        File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,9}-request-.*"));
         if (folders == null) {
             return new File[0];
         }
-        Arrays.sort(folders);
+        Arrays.sort(folders, Comparator.comparingInt(RequestRecorder::number));
         return folders;
+    }
+
+    private static int number(File recording) {
+        return Integer.parseInt(recording.getName().substring(0, recording.getName().indexOf('-')));
     }
 
     private void makeWay() {
         File[] old = recordings();
         if (old.length > 0) {
-            // Numbering continues after the newest folder, so that names sort by time even after a restart.
-            String newest = old[old.length - 1].getName();
-            mMade = Math.max(mMade, Integer.parseInt(newest.substring(0, newest.indexOf('-'))));
+            // Numbering continues after the newest folder, so that numbers sort by time even after a restart.
+            mMade = Math.max(mMade, number(old[old.length - 1]));
         }
         for (int i = 0; i <= old.length - mCount; ++i) {
             File[] files = old[i].listFiles();
