@@ -119,7 +119,7 @@ final class RecordFolder {
         boolean fits = size <= mBytesLeft;
         if (!isHere && fits) {
             mBytesLeft -= size;
-            move(file, new File(mFolder, file.getName()));
+            move(file, size, new File(mFolder, file.getName()));
         }
         if (file.exists() && !file.delete()) {
             RequestRecorder.warn("can't remove " + file);
@@ -128,13 +128,21 @@ final class RecordFolder {
     }
 
     // Renaming fails across file systems; copy instead.
-    private static void move(File file, File to) throws IOException {
+    private static void move(File file, long size, File to) throws IOException {
         if (file.renameTo(to)) {
             return;
         }
         try (FileInputStream from = new FileInputStream(file);
                 FileOutputStream stream = new FileOutputStream(to)) {
-            from.getChannel().transferTo(0, file.length(), stream.getChannel());
+            long copied = 0;
+            while (copied < size) {
+                // Copies only a part of a large file.
+                long more = from.getChannel().transferTo(copied, size - copied, stream.getChannel());
+                if (more == 0) {
+                    throw new IOException(file + ": expected " + size + " bytes, found " + copied);
+                }
+                copied += more;
+            }
         }
     }
 
