@@ -15,6 +15,9 @@ public final class Mistakes {
     private static final int MOST_KEPT = 1000;
     private static final int MOST_PRINTED = 100;
 
+    private static final Comparator<Mistake> BY_PLACE =
+            Comparator.comparingInt(Mistake::line).thenComparingInt(Mistake::column);
+
     private final String mFile;
     private final Set<Mistake> mMistakes = new LinkedHashSet<>();
     private boolean mAreMore;
@@ -123,14 +126,18 @@ public final class Mistakes {
 
     private List<Mistake> sorted() {
         List<Mistake> sorted = new ArrayList<>(mMistakes);
-        sorted.sort(Comparator.comparingInt(Mistake::line).thenComparingInt(Mistake::column));
+        sorted.sort(BY_PLACE);
         return sorted;
     }
 
-    /** Returns a line for each of the first mistakes in order, and one with the count of the rest. */
+    /**
+     * Returns a line for each of the first mistakes in order, and one with the count of the rest. If there
+     * are too many, omits warnings rather than errors.
+     */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
-        sorted().stream().limit(MOST_PRINTED).forEach(mistake -> lines.add(mistake.text()));
+        sorted().stream().sorted(Comparator.comparing(Mistake::isWarning)).limit(MOST_PRINTED)
+                .sorted(BY_PLACE).forEach(mistake -> lines.add(mistake.text()));
         if (mMistakes.size() > MOST_PRINTED) {
             lines.add(mFile + ": and " + (mAreMore ? "over " : "") + (mMistakes.size() - MOST_PRINTED)
                     + " more");

@@ -31,5 +31,6 @@ public final class MistakesTest {
         assertEquals(MOST_KEPT, mMistakes.warnings());
         MistakeException first = assertThrows(MistakeException.class, mMistakes::throwFirst);
         assertEquals("wrong", first.mistake().problem());
+        assertTrue("the error is printed", mMistakes.lines().contains("file:1000:1: error: wrong"));
     }
 }
