@@ -16,6 +16,8 @@ request '' >right.json
 command_ends 0 --check right.json "$root/samples/night.json"
 prints "right.json: ok: 1 frame, in nothing, out nothing, no algorithms" \
   "$root/samples/night.json: ok: 7 frames, in 7 NV21 632x416, out JPEG 632x416, night jpegEncode"
+cp right.json ./--algo-delay=20000
+command_ends 0 --algo-delay 1 --out photo -- --algo-delay=20000
 command_ends 0 --wide --log --photo "$root/samples/photos/portrait.jpg" --out photo
 prints "samples/night.json" "made of $root/samples/photos/portrait.jpg"
 grep -q ' D _V_VASJNI-RequestProcessor: ' err || fail "--log prints no log"
