@@ -335,7 +335,7 @@ def main():
     else:
         for file, text in texts.items():
             file.write_text(text)
-    print(*problems, f"{len(rows)} rows of {len(samples)} samples", sep="\n")
+    print(*problems, f"{len(rows)} rows" + (f" of {len(samples)} samples" if samples else ""), sep="\n")
     return 1 if problems else 0
 
 
