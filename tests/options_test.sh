@@ -46,13 +46,21 @@ sdk old|old: exists and is not an empty folder
 conform --onyl x|unknown option --onyl; see ./run conform --help
 conform --junit|--junit requires a value; see ./run conform --help
 conform --only loadin|no such check: loadin; --list prints all; see ./run conform --help
-conform --seed few|--seed: expected a number from 0 to 1000000, found "few"; see ./run conform --help
+conform --seed few|--seed: expected a whole number from 0 to 1000000, found "few"; see ./run conform --help
+conform --seed nan|--seed: expected a whole number from 0 to 1000000, found "nan"; see ./run conform --help
+conform --patience 0.5|--patience: expected a whole number from 0 to 1000000, found "0.5"; see ./run conform --help
+conform --hammer -inf|--hammer: expected a number from 0 to 1000000, found "-inf"; see ./run conform --help
 conform a.so b.so|unexpected argument b.so; see ./run conform --help
 REFUSED
 command_ends 2 mime.json b/minr.json none/mine.json
 for line in 'mime.json: error: no such file (did you mean mine.json?)' 'b/minr.json: error: no such file (did you mean b/mine.json?)' \
   'none/mine.json: error: no such file'; do
   grep -qxF "$line" err || fail "\"$line\" is not printed: $(cat err)"
+done
+
+for baseline in none b; do
+  command_ends 2 conform --perf --baseline "$baseline"
+  grep -q "^$baseline: error: can't be read: " err || fail "$baseline is not reported as unreadable: $(cat err)"
 done
 
 echo "== Help and version, without a build"

@@ -104,12 +104,12 @@ void checkHostile() {
   uint64_t values = 0;
   Scene scene;
   do {
-    step("request " + std::to_string(requests) + " of random parameters, seed " +
+    step("request " + std::to_string(++requests) + " of random parameters, seed " +
          std::to_string(options().seed));
     Block parameters;
     random.fill(parameters);
     Request request;
-    request.nativeReq = ++requests;
+    request.nativeReq = requests;
     request.algorithms = random.algorithms();
     request.inputs.assign(random.below(4), &scene.input);
     request.outputs.assign(random.below(3), &scene.output);

@@ -245,8 +245,7 @@ void checkCallbacks() {
     isInside = true;
     submit(scene.client, scene.inbox, scene.parameters, request);
     isInside = false;
-    HOLDS(scene.inbox.waitFor(id)) << "no callback for request " << hex(id) << " within "
-                                   << options().patienceSeconds << " s";
+    HOLDS(scene.inbox.waitFor(id)) << "no callback for request " << hex(id);
   }
   std::this_thread::sleep_for(kSettle);
   for (uint64_t id : ids) {

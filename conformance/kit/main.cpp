@@ -2,6 +2,7 @@
 #include <getopt.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -160,18 +161,28 @@ std::string filterFor(const std::string& names) {
   return filter;
 }
 
-double nonNegative(const char* text, const char* flag) {
+void refuseNumber(const char* text, const char* flag, const char* kind) {
+  refuse(std::string("--") + flag + ": expected " + kind + " from 0 to 1000000, found \"" + text + "\"");
+}
+
+double nonNegative(const char* text, const char* flag, const char* kind = "a number") {
   char* end = nullptr;
   const double number = std::strtod(text, &end);
-  if (*text == '\0' || *end != '\0' || number < 0 || number > 1e6) {
-    refuse(std::string("--") + flag + ": expected a number from 0 to 1000000, found \"" + text + "\"");
-  }
+  // A NaN is not in the range either.
+  if (*text == '\0' || *end != '\0' || !(number >= 0 && number <= 1e6)) refuseNumber(text, flag, kind);
   return number;
+}
+
+int wholeNumber(const char* text, const char* flag) {
+  constexpr const char* kKind = "a whole number";
+  const double number = nonNegative(text, flag, kKind);
+  if (std::floor(number) != number) refuseNumber(text, flag, kKind);
+  return static_cast<int>(number);
 }
 
 // Returns the seed for GoogleTest, which would take 0 as the time of day.
 int shuffleSeed(const char* text) {
-  const auto seed = static_cast<int>(nonNegative(text, "shuffle"));
+  const int seed = wholeNumber(text, "shuffle");
   if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);
   return seed;
 }
@@ -208,26 +219,26 @@ void readCommandLine(int argc, char** argv) {
         taken.hammerSeconds = nonNegative(optarg, "hammer");
         break;
       case kSeed:
-        taken.seed = static_cast<unsigned>(nonNegative(optarg, "seed"));
+        taken.seed = static_cast<unsigned>(wholeNumber(optarg, "seed"));
         break;
       case kPatience:
-        taken.patienceSeconds = static_cast<int>(nonNegative(optarg, "patience"));
+        taken.patienceSeconds = wholeNumber(optarg, "patience");
         break;
       case kLimit:
-        taken.limitSeconds = static_cast<int>(nonNegative(optarg, "limit"));
+        taken.limitSeconds = wholeNumber(optarg, "limit");
         break;
       case kAllowNoise:
         taken.allowNoise = true;
         break;
       case kRepeat:
-        testing::GTEST_FLAG(repeat) = static_cast<int>(std::max(nonNegative(optarg, "repeat"), 1.0));
+        testing::GTEST_FLAG(repeat) = std::max(wholeNumber(optarg, "repeat"), 1);
         break;
       case kShuffle:
         testing::GTEST_FLAG(shuffle) = true;
         testing::GTEST_FLAG(random_seed) = shuffleSeed(optarg);
         break;
       case kBudget:
-        taken.budgetSeconds = static_cast<int>(nonNegative(optarg, "budget"));
+        taken.budgetSeconds = wholeNumber(optarg, "budget");
         break;
       case kPerf:
         gIsPerf = true;

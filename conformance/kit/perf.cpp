@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -222,6 +224,10 @@ int runPerf(const std::string& algorithms, bool isJson, const std::string& basel
   std::vector<std::string> lines;
   std::ifstream file(baseline);
   for (std::string line; std::getline(file, line);) lines.push_back(line);
+  if (!baseline.empty() && (!file.is_open() || file.bad())) {
+    std::fprintf(stderr, "%s: error: can't be read: %s\n", baseline.c_str(), std::strerror(errno));
+    return 2;
+  }
   const std::vector<PerfRow> before = rowsOf(lines);
   if (!baseline.empty() && before.empty()) {
     std::fprintf(stderr, "%s: error: expected the output of --perf --json\n", baseline.c_str());

@@ -116,6 +116,7 @@ WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::s
     pixels.crc = crcOf(file);
   } else {
     unlink(path.c_str());
+    pixels.size = 0;
   }
   close(file);
   return pixels;

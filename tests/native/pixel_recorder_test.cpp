@@ -86,7 +86,6 @@ TEST(PixelFile, StoresMappedMemoryOrReportsTheProblem) {
     EXPECT_EQ(pixels.problem.rfind(c.problem, 0), 0U) << pixels.problem;
     EXPECT_EQ(pixels.problem.empty(), *c.problem == '\0') << pixels.problem;
     EXPECT_EQ(access(path.c_str(), F_OK) == 0, *c.problem == '\0');
-    if (*c.problem != '\0') continue;
     EXPECT_EQ(pixels.size, c.content.size());
     EXPECT_TRUE(contentOf(path) == c.content);
   }

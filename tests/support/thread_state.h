@@ -20,10 +20,9 @@ inline void untilAsleep(const std::atomic<int>& thread) {
   while (thread == 0) std::this_thread::yield();
   for (;;) {
     std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string id;
-    std::string name;
-    std::string state;
-    if (!(stat >> id >> name >> state) || state == "S") return;
+    std::string text;
+    // The state follows the name, which may contain blanks and brackets.
+    if (!std::getline(stat, text) || text.compare(text.rfind(')') + 1, 2, " S") == 0) return;
     std::this_thread::yield();
   }
 }
