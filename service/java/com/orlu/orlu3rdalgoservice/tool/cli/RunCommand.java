@@ -65,7 +65,7 @@ final class RunCommand implements Subcommand {
     private List<Path> mRequests;
 
     static final class Shown {
-        @Option(names = "--params", description = "Print every parameter handed to the algorithms")
+        @Option(names = "--params", description = "Print every parameter passed to the algorithms")
         boolean params;
         /** Keys of parameters, with or without sections, and words such as "all". */
         @Option(names = "--explain", paramLabel = "[SECTION/]KEY", arity = "1",
