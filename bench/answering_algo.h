@@ -1,5 +1,5 @@
 // The algorithm library of the benchmarks, under its name on the device. It stores nothing, computes nothing
-// and calls back at once, so that the benchmarks measure only the library in front of it.
+// and calls back at once, so that the benchmarks measure only the code that calls it.
 #pragma once
 
 #include "algo_interface.h"

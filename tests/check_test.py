@@ -75,7 +75,7 @@ SYNTAX = [
     ("[" + "0," * 500_000 + "0]", "1:1000000: expected at most 500000 values, found more"),
     (b" " * (8 << 20) + b"1", "expected at most 8388608 bytes, found 8388609"),
     (request(more=f', "about": {LONG}'), "2:26: about: expected text, found 0",
-     f"2:26: expected a number that fits a type, found {LONG[:60]}..."),
+     f"2:26: expected a number in the range of a double, found {LONG[:60]}..."),
     (request(more=', "about": "x",\n"about": "y"'),
      '3:1: the field "about" is given twice, first at line 2 column 17'),
 ]

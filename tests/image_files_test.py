@@ -152,7 +152,7 @@ def refuses():
              "width: expected 32 as in the header of a.dng, found 18"),
             ({"file": "a.dng", "format": "NV21"}, "file: expected a raw format for a DNG file, found NV21"),
             ({"file": "a.dng", "format": "RAW16", "bits": 9},
-             "file: a.dng: a sample is 1021, too large for 9 bits (the field bits)"),
+             'file: a.dng: a sample is 1021, too large for 9 bits (field "bits")'),
             ({"file": "a.dng", "format": "RAW16", "offset": 4},
              "offset: unexpected for a file with its own header"),
             ({"file": "deflated.dng", "format": "RAW16"},

@@ -38,7 +38,7 @@ def exif_entries():
 
 
 def jpeg_with_exif(entries=None, degrees=rational(48, 15, 0)):
-    """Returns the 592x400 photo with an EXIF block inserted at the start."""
+    """Returns the photo table.jpg with an EXIF block inserted at the start."""
     photo = (ROOT / "samples/photos/table.jpg").read_bytes()
     first = directory([(274, SHORT, [6]), (271, TEXT, b"made by hand\0"), (34665, LONG, [200]),
                        (34853, LONG, [600])], 8, "<").ljust(192, b"\0")
@@ -123,13 +123,13 @@ def reads_suite():
 
 
 def takes_pictures_by_name_and_size():
-    """Pictures of equal size are distinguished by their names, even if one is missing."""
+    """Files with the same number of bytes are matched to outputs by their names, even if one is missing."""
     outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
     for given in ((), ("two.raw",)):
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
         Path("two.raw").write_bytes(bytes(384))
         shot, lines = imported("two.json", *given)
-        expect(f"two outputs of the same size {lines}", ["RAW16"], [image["format"] for image in shot["inputs"]])
+        expect(f"two outputs of 384 bytes {lines}", ["RAW16"], [image["format"] for image in shot["inputs"]])
 
 
 def reads_exif():

@@ -20,7 +20,7 @@ for pair in "input [0-9]|process in .*, as in Java$" "result [0-9]|callback out 
   [ "$images" -gt 20 ] || fail "only $images images: $pair"
   [ "$images" -eq "$(count "${pair#*|}")" ] || fail "$images images instead of $(count "${pair#*|}"): $pair"
 done
-# Bytes already in the recording are not stored twice, and no temporary file is left.
+# Bytes already in the recording are not stored twice.
 [ -z "$(find shots -name 'process-*' -o -name 'callback-*')" ] || fail "stored twice: $(ls shots/*)"
 
 echo "== A library that writes after its callback"

@@ -83,7 +83,8 @@ def check_damage(shots):
 
 
 def limited(shot):
-    """Yields, for each limit, a request that exceeds it and the message that info must print."""
+    """Yields requests that exceed a limit or name a wrong file, each with the message that info must print.
+    The caller enlarges the file of the last one."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
              "memory": "shared"}
@@ -125,7 +126,7 @@ def check_limits(shot):
 
 
 def results(folder):
-    """Returns the outputs without the time of day in their EXIF blocks."""
+    """Returns the bytes of the outputs without the dates and times of their EXIF blocks."""
     return {file.name: re.sub(rb"\d{4}:\d\d:\d\d \d\d:\d\d:\d\d", b"", file.read_bytes())
             for file in sorted(Path(folder).glob("*-out*"))}
 
@@ -143,7 +144,8 @@ def check_full_disk():
     expect("without a recorder", 0, status)
     parameters = [line for line in plain.splitlines() if "parameters" in line]
     has_reason = False
-    # Larger disks become full later: from the first file to the events. The last disk is read-only.
+    # The larger the disk, the later it fills up: the smallest at the first file, the largest at the events.
+    # The last disk is read-only.
     for size, option in ((4, ""), (8, ""), (300, ""), (700, ""), (900, ""), (4, "ro")):
         script = (f"mount -t tmpfs -o size={size}k tmpfs full && "
                   f"{'mount -o remount,ro full && ' if option else ''}"

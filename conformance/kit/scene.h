@@ -77,8 +77,8 @@ public:
   std::vector<Message> messages() const;
   // The number of callbacks with this name for this request.
   size_t count(uint64_t nativeReq, const std::string& name = kShotCallback) const;
-  // Waits for the request's first callback, at most the patience of the options, or 0.3 s once this process
-  // has missed a callback. Returns false after a timeout.
+  // Waits for the request's first shot callback, at most the patience of the options, or 0.3 s once this
+  // process has missed a callback. Returns false after a timeout.
   bool waitFor(uint64_t nativeReq) const;
   // Discards all callbacks received so far.
   void forget();

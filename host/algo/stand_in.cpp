@@ -30,8 +30,8 @@ StandIn& StandIn::instance() {
 }
 
 // Runs an operation. Only scripted exceptions leave it; others, such as bad_alloc, make it return -1.
-// Scripted faults occur before an operation that creates something, so that nothing leaks, and after all
-// other operations.
+// Scripted faults occur before an operation that creates something, so that nothing leaks, and after any
+// other operation.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();

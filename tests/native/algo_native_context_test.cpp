@@ -122,7 +122,8 @@ struct Operation : test::NamedCase {
 int32_t gValue = 5;
 
 // clang-format off
-#define ASK(...) [](AlgoNativeContext& context, void* block) { static_cast<void>(block); context.__VA_ARGS__; }
+#define ASK(...) [](AlgoNativeContext& context, void* block) { static_cast<void>(block); context.__VA_ARGS__;
+#}
 const Operation kOperations[] = {
     {"Init",           ASK(init()), "init type 0 h1\n"},
     {"Flush",          ASK(flush()), "flush h1\n"},
@@ -220,7 +221,8 @@ TEST(AlgoNativeContextTest, NeverPassesANullBlock) {
   EXPECT_EQ("", library.takeLines());
 }
 
-// Java destroys the client inside a callback; the data used by the rest of the operation stays valid.
+// Another thread destroys the client during an operation, as Java may do inside a callback. The operation
+// finishes with valid data, and no further call uses the client.
 TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
   for (const char* inside : {"init", "uninit", "flush", "command", "process", "getData", "translateParamFile",
                              "createMetadata", "setRaw", "getSize"}) {
@@ -231,7 +233,7 @@ TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
     int later = 0;
     algo.script.observer = [&](const probe::WatchedCall& call) {
       if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
-      // Counts calls with this client after its destruction, including the one that destroys it.
+      // Counts calls with a destroyed client, including the call during which it is destroyed.
       for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {
         if (call.operation == name && context->isClientDestroyed()) ++later;
       }

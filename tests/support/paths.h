@@ -1,4 +1,4 @@
-// Folders of this build for tests.
+// Paths that tests use.
 #pragma once
 
 #include <string>

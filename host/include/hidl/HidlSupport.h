@@ -1,5 +1,5 @@
 // Host stand-in for the container types of HIDL callbacks (libhidlbase.so), with the device's layouts: a
-// pointer padded to 64 bits, a size and an ownership flag.
+// pointer padded to 64 bits, a size (only hidl_vec), and an ownership flag.
 #pragma once
 
 #include <cstddef>

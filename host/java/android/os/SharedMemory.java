@@ -19,7 +19,7 @@ public final class SharedMemory implements AutoCloseable {
         mSize = size;
     }
 
-    /** Creates a file of {@code size} zero bytes, at least 1. */
+    /** Creates a zero-filled file of {@code size} bytes; the size must be at least 1. */
     public static SharedMemory create(String name, int size) throws ErrnoException {
         if (size <= 0) {
             throw new IllegalArgumentException("Size must be greater than zero");

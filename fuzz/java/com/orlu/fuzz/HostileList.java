@@ -4,7 +4,7 @@ import java.util.AbstractList;
 import java.util.ArrayList;
 import java.util.List;
 
-/** A list that reports a wrong size, changes its size, or throws. */
+/** A list that may report a wrong size, change its size, or throw. */
 final class HostileList extends AbstractList<Object> {
     private enum Mood { HONEST, WRONG_SIZE, SHRINKING, THROWING_SIZE, THROWING_GET }
 

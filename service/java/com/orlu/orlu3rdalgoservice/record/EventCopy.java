@@ -35,7 +35,8 @@ final class EventCopy {
     }
 
     /**
-     * The offset of the first event in the probe's file, in bytes; for copying events if the process dies.
+     * The offset in the probe's file, in bytes, at which this request's events begin; for copying them if the
+     * process dies.
      */
     long start() {
         return mStart;

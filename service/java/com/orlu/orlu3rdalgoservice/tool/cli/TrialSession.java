@@ -24,7 +24,8 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * Runs the trials of one command line and leaves the results in the work folder. The trials have their own
+ * Runs the trials of one command line and writes the results to the work folder, or for "trials" to the file
+ * of --record. The trials have their own
  * process beside the command: the native library opens its algorithm library only once, and trials need an
  * algorithm library that answers at once.
  */
@@ -32,7 +33,7 @@ final class TrialSession {
     private TrialSession() {
     }
 
-    /** Runs the trials of all requests. The command itself reports unreadable files. */
+    /** Runs the trials of all requests. Reports unreadable files only for "trials"; else the command does. */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();

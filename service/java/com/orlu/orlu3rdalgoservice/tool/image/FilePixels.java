@@ -80,7 +80,7 @@ public final class FilePixels {
         }
         if (mLargestSample >> mPlan.bits() != 0) {
             throw new IOException("a sample is " + mLargestSample + ", too large for " + mPlan.bits()
-                    + " bits (the field bits)");
+                    + " bits (field \"bits\")");
         }
     }
 }

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import java.util.Arrays;
 
 /**
- * Raw samples of an RGGB colour filter. As PixelRows, a grey picture.
+ * Raw samples of an RGGB colour filter. Read as PixelRows, each sample is a grey pixel.
  *
  * @param width   samples per row
  * @param height  number of rows

@@ -42,9 +42,10 @@ final class SuiteReader {
         }
         addEach(shot.get("captureResults"), this::addFrame);
         if (mFrames.isEmpty()) {
-            throw shot.error("expected captureResult or captureResults, objects of tags");
+            throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
+                    + "objects");
         }
-        // The test writes constant values to the camera's description; a request file has them in each
+        // The test writes values that all frames share to cameraProperties; a request file has them in each
         // result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();

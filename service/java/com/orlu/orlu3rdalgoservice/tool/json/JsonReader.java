@@ -221,7 +221,7 @@ final class JsonReader {
             }
         }
         mMistakes.add(spot.line(), spot.column(), "",
-                "expected a number that fits a type, found " + Json.cut(text));
+                "expected a number in the range of a double, found " + Json.cut(text));
         return BigDecimal.ZERO;
     }
 }

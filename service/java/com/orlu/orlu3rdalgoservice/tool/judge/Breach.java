@@ -9,9 +9,9 @@ import java.util.Map;
  * A breach of the contract between the service and the algorithm library.
  *
  * @param by    the side that broke it
- * @param kind  a word for programs
- * @param event the first event that shows the breach: the begin of a call, or its end if the result shows it
- * @param count the number of calls of the operation that show the breach
+ * @param kind  a machine-readable name, such as "dead-client"
+ * @param event the first event that shows the breach
+ * @param count how often the operation's events showed the breach
  */
 public record Breach(Side by, String kind, Event event, String expected, String found, int count) {
     /** The two sides of the contract. */

@@ -16,7 +16,7 @@ import java.util.TreeSet;
 /**
  * The results of the trials of one request.
  *
- * @param all      the dependences: one for each tag of each frame that translation reads
+ * @param all      the dependences: one for each tag tested, per frame and store (composition, capture result)
  * @param unsteady parameters that change between translations of the same request
  * @param trials   the number of translations
  * @param seconds  the duration of all translations
@@ -33,8 +33,8 @@ public record Dependences(
     }
 
     /**
-     * The tags that a parameter depends on, by tag and frame, including tags that have an effect only if they
-     * change in all frames at once.
+     * Returns the tags that a parameter depends on, sorted by tag, then frame. Includes tags that have an
+     * effect only if they change in all frames at once.
      */
     public List<Dependence> of(String parameter) {
         return all.stream()

@@ -46,9 +46,9 @@ public final class RequestCall implements AutoCloseable {
                 : mRecording.processImage(mService, mHandle, mRequest, mInputs, mOutputs, mCompositions);
     }
 
-    /** Fetches the results of the native request at this address. */
-    public int update(Long address) {
-        mCompositions.get(0).putMetadata("nativeRequestAddr", address);
+    /** Fetches the results of the native request with this id. */
+    public int update(Long nativeReq) {
+        mCompositions.get(0).putMetadata("nativeRequestAddr", nativeReq);
         return mRecording == null
                 ? mService.processImageUpdateResult(mHandle, mRequest, mInputs, mOutputs, mCompositions)
                 : mRecording.processImageUpdateResult(

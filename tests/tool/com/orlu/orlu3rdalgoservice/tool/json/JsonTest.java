@@ -72,9 +72,9 @@ public final class JsonTest {
         assertEquals("f:1:66: expected at most 64 levels of nesting, found more",
                 problem("[".repeat(65) + "1" + "]".repeat(65)));
         assertNull(problem("[".repeat(64) + "]".repeat(64)));
-        assertEquals("f:1:2: expected a number that fits a type, found 1e999999999",
+        assertEquals("f:1:2: expected a number in the range of a double, found 1e999999999",
                 problem("[1e999999999]"));
-        assertEquals("f:1:2: expected a number that fits a type, found " + "1".repeat(60) + "...",
+        assertEquals("f:1:2: expected a number in the range of a double, found " + "1".repeat(60) + "...",
                 problem("[" + "1".repeat(401) + "]"));
         assertNull(problem("[\"" + "x".repeat(1 << 20) + "\"]"));
         String number = problem("[" + "1".repeat(1 << 20) + "]");
