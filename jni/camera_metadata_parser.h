@@ -37,7 +37,7 @@ class CameraMetadataParser {
   class FrameObjects {
   public:
     void reset(const std::vector<jobject>& objects);
-    // `object` must not be null. An object of the list that has passed is not checked again.
+    // `object` must not be null. If frames are read in order, objects that have passed are not checked again.
     bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
       return object == mLastPassed || check(env, object, clazz);
     }

@@ -62,8 +62,8 @@ struct CameraMetadataParser::MeteringOut {
 
 // ---- Unpacking
 
-// Unpacks a looked-up value. Returns 0, or -1 and logs a line that names the getter; an empty array is not
-// logged.
+// Unpacks a looked-up value. Returns 0, or -1 and logs a line that names the getter. An empty array of
+// metering rectangles gives -1 without a logged line.
 template <typename Out>
 int CameraMetadataParser::read(const char* getter, const char* key, const ScopedLocalRef<>& value,
                                Out&& out) {

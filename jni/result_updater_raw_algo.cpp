@@ -58,7 +58,7 @@ int ResultUpdater::updateShortGainForRAWHDR() {
   }
   const Floats<2> gains = {mChannel.get<float>(kSystem, "real_gain"),
                            mChannel.get<float>(kSystem, "dark_boost_gain")};
-  // Oddity 41: this result is put into the last composition, every other one into the first.
+  // Oddity 41: this result is put into the last composition, all other results into the first.
   if (put<Floats<2>>(mTags.frames().last(), "orlu.feedback.rawhdrISPAEParams", gains) != 0) {
     LOGE("put rawhdrISPAEParams fail");
   }

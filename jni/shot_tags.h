@@ -53,7 +53,7 @@ private:
   // library's file.
   alignas(8) inline static char gNoBytes[N] = {};
 };
-// The raw bytes of a tag, at most `size` bytes of the caller's memory.
+// The raw bytes of a tag, at most `size`, read into the caller's memory.
 struct ByteBuffer {
   void* data;
   int size;
@@ -185,8 +185,8 @@ public:
   const FrameList& frames() const { return mFrames; }
   Frame first() const { return mFrames.first(); }
 
-  // Reads a tag into `value`. Returns 0, or -1 if the frame lacks the tag; `value` is then unchanged, but
-  // text and bytes become zero.
+  // Reads a tag into `value`. Returns 0, or -1 if the tag is missing or of the wrong type; `value` is then
+  // unchanged, but text and bytes become zero.
   template <typename T>
   int read(const Frame& frame, const char* tag, T& value) const {
     return getter::get(*mParser, value, tag, frame);
@@ -219,8 +219,8 @@ private:
   FrameList mFrames;
 };
 
-// A tag of the first frame that several steps read. A present value is cached; a missing one is looked up and
-// logged each time. The tag's string must outlive this object.
+// A tag that several steps read from the first frame. A present value is cached; a missing value is looked up
+// and logged each time. The tag's string must outlive this object.
 template <typename T>
 class KeptTag {
 public:

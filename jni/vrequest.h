@@ -21,7 +21,7 @@ public:
   static constexpr char kLogTag[] = "_V_VASJNI-VRequest";
 
   // Reads four Java objects, any of which may be null: the request and its lists of input VImageIPCs, output
-  // VImageIPCs and CaptureResultCompositions. Unreadable values are logged and stay zero.
+  // VImageIPCs and CaptureResultCompositions. Unreadable values stay zero or null; most are logged.
   VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList, jobject captureResultList);
   VRequest(const VRequest&) = delete;
   VRequest& operator=(const VRequest&) = delete;
@@ -56,7 +56,8 @@ public:
 
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // Returns the composition's stored capture result, or lets the composition assemble one; null for null.
+  // Returns the composition's stored capture result. If there is none, calls assembleResultComposition() and
+  // stores the result. Returns null for null.
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);

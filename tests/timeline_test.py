@@ -160,7 +160,8 @@ def measures_stages(folder, sample):
 
 with tempfile.TemporaryDirectory() as folder:
     for timed in "night", "night-async":
-        # On a loaded machine a thread can wait between two readings of a clock. Real faults persist, so try again.
+        # On a loaded machine a thread can wait between two readings of a clock. Real faults persist, so try
+        # again.
         for _ in range(3):
             unequal_times = measures_stages(Path(folder), timed)
             if not unequal_times:

@@ -21,7 +21,8 @@ constexpr double kDefaultSeconds = 3;
 // Maximum number of rounds in the default time. Each round has a new shared block: threads collide more often
 // in a small block.
 constexpr int kRounds = 1000;
-// Rounds that run even if the default time is over: fewer might not reveal a missing lock.
+// Minimum number of rounds for the default time, even if they take longer: fewer might not reveal a missing
+// lock.
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
@@ -118,8 +119,7 @@ struct Hammer {
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // In sorted order, keys of different threads alternate, so that their entries are neighbours in any kind of
-  // store.
+  // In sorted order, keys of different threads alternate, so that their entries are neighbours in a map.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }

@@ -1,5 +1,5 @@
-// One image of a request, kept from process() until its work is finished. Holds the frame's record and a
-// duplicate of its descriptor, so that the caller may close the original.
+// One image of a request, kept from process() until the request's work is finished. Holds the frame's record
+// and a duplicate of its descriptor, so that the caller may close the original.
 #pragma once
 
 #include "algo_interface.h"

@@ -12,8 +12,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Copies the probe's events during one request into its recording. Moves the request's pixels out of the
- * probe's folder, and deletes those that equal the recorded pixels of one of Java's images.
+ * Copies the probe's events during one request into its recording. Moves the request's pixel files out of the
+ * probe's folder; deletes files that equal the recorded pixels of one of Java's images or exceed the limit.
  */
 final class EventCopy {
     /** The environment variables that name the probe's events file and its pixels folder. */

@@ -21,7 +21,7 @@ import java.util.function.IntSupplier;
 
 /**
  * Writes the recording of one request: inputs before the request runs, results afterwards. The first failure
- * stops the recording; outcome.json then contains the reason, unless writing that fails, too.
+ * stops the recording; outcome.json then contains the reason, unless the reason can't be written either.
  */
 public final class Recording {
     private static final int VERSION = 2;

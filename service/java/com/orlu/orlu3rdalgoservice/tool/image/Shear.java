@@ -13,7 +13,7 @@ final class Shear {
     /** The smallest shift that counts: a slanted edge can shift the best match by a pixel or two. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    /** Limits of the compared pairs of rows and pixels per row: more do not improve the result. */
+    /** Rough limits of the compared pairs of rows and pixels per row: more do not improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
     /** The least ratio of the differences of unshifted and shifted rows. */

@@ -211,7 +211,7 @@ public final class Json implements JsonWriter.Source {
         return mContent == null;
     }
 
-    /** Whether this is a number written without a fraction or an exponent. */
+    /** Whether this is a number of scale 0, such as 10, but not 10.0 or 1e1. */
     public boolean isWholeNumber() {
         return mContent instanceof BigDecimal number && number.scale() == 0;
     }

@@ -22,6 +22,7 @@ public final class ImageFindings {
     private static final double LITTLE_CLIPPED = 0.05;
     private static final double LEAST_TAIL = 0.01;
     private static final double HALF = 0.5;
+    // Fraction of the base input's mean brightness.
     private static final double DARKER = 0.3;
 
     private final Exhibits mExhibits;

@@ -229,7 +229,7 @@ public final class PrivateFacts {
 
     /**
      * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
-     * picture, JFIF header and colour profile remain: other application blocks such as EXIF, thumbnails,
+     * picture, JFIF header and colour profile remain: EXIF and other application blocks, thumbnails,
      * comments, and bytes after the picture become 0.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {

@@ -58,7 +58,7 @@ public final class Burst implements AutoCloseable {
         }
     }
 
-    /** Creates the inputs from these frames, or from their files. */
+    /** Sets the request's properties. Creates each input from these frames, or from the input's file. */
     public Burst(RequestFile request, ServiceClient client, List<SynthesisedFrame> frames)
             throws ErrnoException, MistakeException {
         mRequest = request;

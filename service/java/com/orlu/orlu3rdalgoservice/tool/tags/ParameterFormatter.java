@@ -36,14 +36,17 @@ public final class ParameterFormatter {
         return formatter.fits(type) ? formatter.value(type) : formatter.hex();
     }
 
-    /** Returns the value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    /**
+     * Returns the value for programs: a number, a boolean, a string or a list of numbers; otherwise the text
+     * for people.
+     */
     public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
         Object value = formatter.fits(type) ? formatter.plain(type) : null;
         return value != null ? ValueFormatter.json(value) : format(type, bytes);
     }
 
-    // Returns the value as a Java object; null for a record.
+    // Returns the value as a Java object; null for types that are always formatted for people.
     private Object plain(ParameterType type) {
         return switch (type) {
             case INT, COUNT -> intAt(0);
@@ -123,7 +126,7 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // Formats an int or a float. The bits of a normal float, read as an int, would be a time of many days,
+    // Formats an int or a float. The bits of a plausible float, read as an int, would be a time of many days,
     // so a smaller number is an int. The largest and smallest ints are ints, too: they represent times out
     // of range.
     private String milliseconds() {
