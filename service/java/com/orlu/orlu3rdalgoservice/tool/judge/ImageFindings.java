@@ -61,8 +61,8 @@ public final class ImageFindings {
         if (image.memory().missing() > 0) {
             wrong("past-end", Tab.MEMORY, "The planes of %s exceed its memory by %d bytes."
                             .formatted(image.name(), image.memory().missing()),
-                    "Its description (size, strides, plane sizes) does not fit the buffer. Reading it "
-                            + "accesses foreign memory or fails.");
+                    "Its description (size, strides, plane sizes) does not fit the buffer. Reading "
+                            + "the image accesses foreign memory or fails.");
         }
         if (image.memory().usedBehind() > 0 && !image.problem().isEmpty()) {
             look("written-behind", Tab.MEMORY, "%d bytes after the planes of %s were written."
