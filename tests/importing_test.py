@@ -169,7 +169,7 @@ def drops_odd_exif():
 
 
 def survives_damage():
-    """A truncated file is read as far as possible, or rejected with one line."""
+    """A truncated or damaged file is read as far as possible, or rejected with one line."""
     sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
                "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 32] * 24)}
     for name, data in sources.items():

@@ -10,7 +10,7 @@
 namespace orlu::fuzz {
 namespace {
 
-// take() waits until it has kEnough callbacks, for kPatience at most, so that their order can change.
+// After the first callback, take() waits up to kPatience for kEnough callbacks, so that the order can change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

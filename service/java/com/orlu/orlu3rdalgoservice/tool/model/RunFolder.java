@@ -74,7 +74,7 @@ public final class RunFolder {
         return read(folder, name, folder.resolve(REQUEST));
     }
 
-    /** Reads a run. Its messages name `shownFile` instead of its request file. */
+    /** Reads a run. Messages after this call name `shownFile` instead of the folder's request file. */
     public static Run read(Path folder, String name, Path shownFile) throws MistakeException {
         Path file = folder.resolve(REQUEST);
         Mistakes mistakes = new Mistakes(file.toString());
@@ -173,7 +173,7 @@ public final class RunFolder {
     /**
      * Completes the folder of a run whose process died: copies the run's events from the file `events`, and
      * the pixels that they name from the folder `pixels` unless that is null. Returns false if the folder
-     * needs no completion or lacks the offset of its events.
+     * needs no completion, lacks the offset of its events, or contains an invalid file, which is reported.
      */
     public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);

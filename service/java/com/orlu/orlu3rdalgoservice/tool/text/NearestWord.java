@@ -59,7 +59,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + folder.resolve(nearest + ending) + "?)";
     }
 
-    // People omit or confuse the section of a tag, so the part after the last dot also counts on its own.
+    // People omit or confuse the section of a tag, so the parts after the last dots are also compared.
     private static int distance(String word, String candidate, int least) {
         int whole = distanceOfParts(word, candidate, least);
         int section = candidate.lastIndexOf('.') + 1;
