@@ -107,7 +107,7 @@ TEST_F(AlgoNativeClientTest, WakesTheWaiterOfASynchronousRequest) {
   EXPECT_TRUE(map->remove(id));
 }
 
-TEST_F(AlgoNativeClientTest, TellsOfItsLife) {
+TEST_F(AlgoNativeClientTest, LogsItsConstructionAndDestruction) {
   EXPECT_EQ(1, debugLines("AlgoNativeClient constructor"));
   mClient.reset();
   EXPECT_EQ(1, debugLines("AlgoNativeClient destructor"));
@@ -115,7 +115,7 @@ TEST_F(AlgoNativeClientTest, TellsOfItsLife) {
 }
 
 // The client is destroyed before the library calls back.
-TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
+TEST_F(AlgoNativeClientTest, IgnoresCallbacksAfterItsDestruction) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t cookie = mClient->callbackCookie();
   const uint64_t waiting = map->create(55, nullptr, false);
@@ -127,7 +127,7 @@ TEST_F(AlgoNativeClientTest, IgnoresCallbacksWhenItIsGone) {
 }
 
 // AddressSanitizer and ThreadSanitizer check this.
-TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
+TEST_F(AlgoNativeClientTest, IsDestroyedWhileThreadsCallBack) {
   for (int round = 0; round < 20; ++round) {
     AlgoNativeClient* const client = new AlgoNativeClient(nullptr, round, 0);
     const uint64_t cookie = client->callbackCookie();
@@ -144,7 +144,7 @@ TEST_F(AlgoNativeClientTest, GoesWhileThreadsCallBack) {
 }
 
 // Detects a client without its operations. ThreadSanitizer detects races.
-TEST(AlgoNativeClientsTest, AreMadeOnSeveralThreadsAtOnce) {
+TEST(AlgoNativeClientsTest, AreCreatedOnSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([] {

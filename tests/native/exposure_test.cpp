@@ -34,7 +34,7 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
 
 // Each element is its index times a million, so that an element in nanoseconds gives its index in
 // milliseconds.
-TEST(ExposureTest, TakesTimesAndRatiosOfTheirElements) {
+TEST(ExposureTest, ReadsTimesAndRatiosFromTheirElements) {
   Aec aec = {};
   for (size_t i = 0; i < aec.size(); ++i) aec[i] = static_cast<float>(i) * 1e6F;
   EXPECT_EQ(14.F, milliseconds(aec));
