@@ -171,12 +171,13 @@ def check_faults(folder):
         found = [kind for kind in found if name != "slanted" or kind != "frame-twice"]
         check(f"{where} findings", found == kinds.split(), f"{found} instead of {kinds}")
         said = " ".join(finding["what"] + " " + finding["why"] for finding in data["findings"])
-        check(f"{where} findings", words in said and "%" not in said.replace(" %", ""), f"lack “{words}”: {said}")
+        check(f"{where} findings", words in said and "%" not in said.replace(" %", ""),
+              f"lack “{words}” or contain a stray %: {said}")
         tabs = {finding["tab"] for finding in data["findings"]}
         check(f"{where} wrong tabs:", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
         if fault == "selects":
             base = data["images"]["base"], data["images"]["baseNamedBy"]
-            check(f"{where} is compared with", base == (2, "orlu.feedback.frameSelectResult"), base)
+            check(f"{where} is compared with a wrong base:", base == (2, "orlu.feedback.frameSelectResult"), base)
         if fault == "aborts:process":
             images = data["images"]
             check(where + " wrong pictures", images["lost"] and not images["outputs"] and
@@ -274,7 +275,7 @@ def check_samples(folder):
     headings = {group["heading"].split(",")[0]: len({row[0] for row in group["rows"]}) for group in night["tags"]}
     check("night: tags", headings == {"read": 34, "absent": 78, "read in other frames only": 29}, headings)
     check("night: the base", night["images"]["base"] == 3, night["images"]["base"])
-    check("night: the difference", night["images"]["differences"][0]["psnr"] > 20)
+    check("night: the PSNR of the difference is not above 20", night["images"]["differences"][0]["psnr"] > 20)
     same = read_page(pages / "no-pass.html")
     check("no-pass: algorithms are shown as passed on", same["algorithms"].get("handedOn") is None)
 
@@ -289,14 +290,14 @@ def check_several(folder):
           ["no-pass.html", "capture.html", None], index)
     data = read_page(pages / "capture.html")
     check("several: has data of earlier requests", data["start"] > 0 and len(data["parameters"]) < 200)
-    check("several: log of the request", any("processImage()" in line[4] for line in data["log"]))
+    check("several: no log of the request", any("processImage()" in line[4] for line in data["log"]))
     twice = folder / "twice"
     run(twice, [capture, capture], status=0)
-    check("twice: pages", sorted(file.name for file in twice.iterdir()) ==
+    check("twice: other pages", sorted(file.name for file in twice.iterdir()) ==
           ["capture-2.html", "capture.html", "index.html"])
     wrong = request_with("odd", folder, about="</script><script>alert(1)</script>")
     run(folder / "odd", [wrong], status=0)
-    check("odd: another text", read_page(folder / "odd/odd.html")["about"].startswith("</script>"))
+    check("odd: another text than in the request", read_page(folder / "odd/odd.html")["about"].startswith("</script>"))
 
 
 with tempfile.TemporaryDirectory() as name_of_folder:

@@ -29,7 +29,7 @@ constexpr char kUsage[] =
     "  --junit FILE           Write the report as JUnit XML\n"
     "  --contract             Print the contract of the service and the library\n"
     "  --hostile SECONDS      Send random parameters for SECONDS (default: 3)\n"
-    "  --long                 Send random parameters for a minute\n"
+    "  --long                 Same as --hostile 60 --budget 0\n"
     "  --hammer SECONDS       Set values from eight threads for SECONDS (default: 3)\n"
     "  --seed NUMBER          Set the seed of random parameters (default: 1)\n"
     "  --repeat ROUNDS        Run the checks ROUNDS times, with increasing seeds\n"
