@@ -177,7 +177,8 @@ def check_faults(folder):
         check(f"{where} wrong tabs:", tabs <= {"pictures", "memory", "timeline", "tags", "results", "log"}, tabs)
         if fault == "selects":
             base = data["images"]["base"], data["images"]["baseNamedBy"]
-            check(f"{where} is compared with a wrong base:", base == (2, "orlu.feedback.frameSelectResult"), base)
+            check(f"{where} is compared with a wrong base:",
+                  base == (2, "orlu.feedback.frameSelectResult"), base)
         if fault == "aborts:process":
             images = data["images"]
             check(where + " wrong pictures", images["lost"] and not images["outputs"] and
@@ -297,7 +298,8 @@ def check_several(folder):
           ["capture-2.html", "capture.html", "index.html"])
     wrong = request_with("odd", folder, about="</script><script>alert(1)</script>")
     run(folder / "odd", [wrong], status=0)
-    check("odd: another text than in the request", read_page(folder / "odd/odd.html")["about"].startswith("</script>"))
+    check("odd: another text than in the request",
+          read_page(folder / "odd/odd.html")["about"].startswith("</script>"))
 
 
 with tempfile.TemporaryDirectory() as name_of_folder:
