@@ -1,6 +1,6 @@
-// While it exists, replaces functions in the JNI function table of a thread's environment: those listed in
-// jni_functions.h. Counts their calls and records each with its arguments, except JNI calls made inside a
-// Java method.
+// While a JniRecorder exists, it replaces the functions listed in jni_functions.h in the JNI function table
+// of a thread's environment. It counts their calls and records each with its arguments, except JNI calls made
+// inside a Java method.
 #pragma once
 
 #include <jni.h>

@@ -18,7 +18,7 @@ from image_files import dng, png, read_pgm, read_png, tiff  # noqa: E402
 
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
-# The samples of DNG files, which must be larger than the other files.
+# The samples of the DNG files, whose images must be larger than those of the other files.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
 REFUSED = "run: 1 error and 0 warnings in 1 of 1 file; nothing runs"

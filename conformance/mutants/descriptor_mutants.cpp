@@ -1,4 +1,4 @@
-// Mutants of descriptors and mappings. Each uses its own duplicates, separate from the minimal library's.
+// Mutants of descriptors and mappings. Their duplicates are separate from the minimal library's.
 #include "mutant.h"
 
 namespace orlu::mutants {
@@ -75,7 +75,7 @@ void mapClosed(Table& table) {
     if (memory != MAP_FAILED) munmap(memory, sizeOf(frame));
   });
 }
-// Maps all of the memory, but unmaps only the size of the pixels.
+// Maps 8 KiB more than the pixels, but unmaps only the pixels.
 void unmapLess(Table& table) {
   onInput(table, [](int fd, const AlgoFrameInfo& frame) {
     void* const memory = mapped(fd, sizeOf(frame) + 8192);

@@ -21,7 +21,7 @@ int ASharedMemory_create(const char* name, size_t size) {
 }
 
 size_t ASharedMemory_getSize(int fd) {
-  // Only a memory file has seals; regular files, pipes and sockets don't.
+  // Memory files have seals, as do all files on a tmpfs; other regular files, pipes and sockets don't.
   if (fcntl(fd, F_GET_SEALS) < 0) return 0;
   struct stat status = {};
   if (fstat(fd, &status) != 0) return 0;

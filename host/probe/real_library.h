@@ -18,9 +18,9 @@ struct RealLibrary {
 // Returns the path of the library to open, the first of these:
 // - the path in ORLU_ALGO_LIBRARY, even if there is no such file
 // - liborlu.vac.interface.real.so beside the probe
-// - liborlu.vac.interface.so, unless that is the probe itself, in a folder of LD_LIBRARY_PATH, beside the
-//   library that contains the address `caller`, in the folder lib beside the probe's own folder, or in one of
-//   the system's folders
+// - liborlu.vac.interface.so, other than the probe itself, in the first of these folders that has it: the
+//   folders of LD_LIBRARY_PATH, the folder of the library that contains the address `caller`, the folder lib
+//   beside the probe's own folder, and the system's folders
 // Returns "" if nothing was found.
 std::string findRealLibrary(const void* caller);
 

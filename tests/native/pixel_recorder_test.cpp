@@ -122,7 +122,7 @@ TEST(PixelFile, SurvivesShrinkingMemory) {
 
 class PixelRecorderTest : public testing::Test {
 protected:
-  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before and after a test.
+  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before or after a test.
   PixelRecorderTest() { open("100000"); }
   ~PixelRecorderTest() override {
     unsetenv("ORLU_EVENTS");

@@ -15,8 +15,8 @@ public:
   // Reads all texts. Throws std::runtime_error, with the file and the line, on syntax errors.
   LogTexts();
 
-  // Marks the texts of these lines as seen. Prints lines without a text to standard error: each cut before
-  // its first number, without duplicates. Returns true if all lines have a text.
+  // Marks the texts of these lines as seen; ignores lines without a prefix. Prints lines without a text to
+  // standard error: each cut before its first number, without duplicates. Returns true if all have a text.
   bool haveAll(const std::vector<LogLine>& lines);
   // Returns the texts of a class that haveAll() has not seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;

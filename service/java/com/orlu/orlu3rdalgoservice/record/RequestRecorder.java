@@ -154,8 +154,8 @@ public final class RequestRecorder {
         return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
     }
 
-    // Returns the recordings, sorted by number. Other folders are never removed: a number of 10 digits may
-    // exceed an int.
+    // Returns the recordings, sorted by number. Ignores other folders, so that they are never removed, and
+    // numbers of 10 or more digits, which may exceed an int.
     private File[] recordings() {
         File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,9}-request-.*"));
         if (folders == null) {

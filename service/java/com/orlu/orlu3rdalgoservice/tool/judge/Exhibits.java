@@ -17,7 +17,7 @@ import java.util.stream.IntStream;
 
 /** The image data that a page needs, collected while the images' memory exists. */
 public final class Exhibits {
-    /** The most bytes of all inputs' pictures together in a page; the picture of base() is not counted. */
+    /** Limit of the total bytes of all inputs' large pictures in a page, except those of the base frame. */
     private static final int INPUT_BYTES = 900_000;
 
     private final List<Long> mChecksums = new ArrayList<>();
@@ -113,7 +113,7 @@ public final class Exhibits {
         return mOutputs;
     }
 
-    /** Returns the input that outputs are compared with; null if the request has no input. */
+    /** Returns the input that outputs are compared with, else the first input; null without inputs. */
     public ImageExhibit base() {
         return mInputs.isEmpty() ? null : mInputs.get(mBase);
     }

@@ -92,8 +92,8 @@ final class ImageCrop {
         return index < sizes.length && sizes[index] > 0 && sizes[index] <= most;
     }
 
-    // Throws if rows exceed the memory, or if the cropped planes overlap. A plane's size may be too small for
-    // its rows, and the last row needs no padding.
+    // Throws if rows exceed the memory or the cropped rows overlap, or if a cropped plane has a negative size
+    // or offset because its original size is too small. The last row needs no padding.
     private void checkMemory(String name, int[] newSizes, int newSize) {
         boolean isLess = Arrays.stream(newSizes).anyMatch(size -> size < 0);
         for (Plane plane : mPlanes) {

@@ -13,7 +13,7 @@ import java.util.Map;
  *
  * @param start     by System.nanoTime()
  * @param end       by System.nanoTime()
- * @param thread    the side whose thread works: Java or the algorithm library
+ * @param thread    the side whose thread works: Java or the algorithm library; Java if no callback arrives
  * @param waits     the event that Java's thread waits for; empty if Java's thread works
  * @param faults    page faults of the working thread
  * @param allocated bytes that the working thread allocates on Java's heap; -1 in the parts of processImage,

@@ -27,7 +27,7 @@ public record NoiseMeasure(int output, String what, double before, double after,
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {
         List<NoiseMeasure> measures = new ArrayList<>();
-        // A frame from a file has no clean photo, and a frame with a gain differs from it in brightness.
+        // Frames from files have no clean photo, and a gain makes frames brighter or darker than the photo.
         if (!request.isOfPhoto(base) || !request.frames().hasNoise() && !hasSsim
                 || request.frames().frames().get(base).gain() != 1) {
             return measures;

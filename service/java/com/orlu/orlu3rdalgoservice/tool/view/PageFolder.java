@@ -131,7 +131,7 @@ public final class PageFolder {
         }
     }
 
-    /** Writes the index if the run has several requests. Requests without a page have not run. */
+    /** Writes the index if the run has several requests. It shows requests without a page as not run. */
     public void writeIndex(List<Path> requests) throws IOException {
         if (!mHasIndex || mIsPart) {
             return;
