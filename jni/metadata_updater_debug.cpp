@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
 
-// Reads a property as a decimal integer; 0 if it is not a number.
+// Reads the decimal integer at the start of a property; 0 if there is none.
 int32_t propertyAsInt(const char* name) {
   char text[128] = {};
   static_assert(sizeof text >= PROPERTY_VALUE_MAX);

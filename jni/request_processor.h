@@ -2,8 +2,8 @@
 // context.
 //
 // A handle is the address of an AlgoNativeClient. All functions except notify() reject handle 0: they log
-// that and return -1 or null. Every other handle is trusted. The functions that return int then return 0
-// unless noted; lower layers log their own failures. Calls for one client must not overlap, except that Java
+// that and return -1 or null. Every other handle is trusted: functions that return int return 0 for it unless
+// noted, and lower layers log their own failures. Calls for one client must not overlap, except that Java
 // may call any function, including destroy(), inside a callback of the algorithm library.
 #pragma once
 
@@ -32,9 +32,11 @@ public:
   // Uninitialises the client in the mode that "imageFormat" selects.
   static int release(JNIEnv* env, int64_t inst, jobject param);
   static int flush(JNIEnv* env, int64_t inst, jobject a, jobject b);
-  // Aborts the requests that "AbortKey" and "AbortVal" name. Ignores other keys.
+  // Aborts the requests whose "orlu.control.frameFlag" equals "AbortVal". Aborts nothing unless "AbortKey"
+  // begins with this tag's name.
   static int abortRequest(JNIEnv* env, int64_t inst, jobject a, jobject param);
-  // Returns the answer to "cmd" as a new local reference; null if the algorithm library has no answer.
+  // Returns the answer to "cmd" as a new local reference: "" if the algorithm library stores no answer, null
+  // if the library lacks getData or the VM has no memory.
   static jstring getData(JNIEnv* env, int64_t inst, jobject param);
   // Passes the file in `sharedMemory` to the algorithm library under "identifier".
   static int translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param);

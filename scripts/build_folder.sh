@@ -42,7 +42,7 @@ tests_of() {
   fi
 }
 
-# setup_of TESTS: prints everything that CMake's configuration depends on, except CMake's own files.
+# setup_of TESTS: prints everything that CMake's configuration depends on, except files that Ninja watches.
 setup_of() {
   printf 'root %s\ntests %s\nORLU_ARM_ROOT %s\nANDROID_NDK_HOME %s\n' \
     "$(cd "$root" && pwd -P)" "$1" "${ORLU_ARM_ROOT:-}" "${ANDROID_NDK_HOME:-}"
@@ -58,8 +58,8 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps compiled
-# files.
+# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps
+# compiled files.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&

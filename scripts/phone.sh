@@ -36,8 +36,8 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the only phone that is ready, or exits with an error. adb itself also counts phones that
-# are not ready.
+# one_phone: selects the phone of ANDROID_SERIAL, else the only phone that is ready; exits with an error if it
+# is not ready or there are several. adb itself also counts phones that are not ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"

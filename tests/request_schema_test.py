@@ -19,7 +19,8 @@ MUTATIONS = 12  # per sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
 
-# Place where ./run reports an unknown field: the schema's definition of that place. "" is the file itself.
+# Maps each place where ./run reports unknown fields to the schema definition that lists its fields. "" is the
+# file itself.
 FIELDS = {"": "", "request": "", "client": "", "frames": "frameSet", "frames.common": "frameSet",
           "frames.each[0]": "frame", "inputs": "commonInput", "inputs[0]": "input", "outputs[0]": "output"}
 # member of capture.json | value that both the schema and ./run reject
@@ -48,7 +49,6 @@ outputs                                                      | {"format": "JPEG"
 outputs.0.stride                                             | -1
 outputs.0.perFrame                                           | 2
 """
-
 
 
 def refused(folder, requests):

@@ -13,8 +13,7 @@ namespace orlu::standin {
 class ParameterFiles {
 public:
   // Reads the record's file, at most record.size bytes from its start. Returns -1 if the size is not positive
-  // or nothing can be read; what is known of the identifier's earlier file then
-  // remains.
+  // or nothing can be read; the entry of the identifier's earlier file is then unchanged.
   int read(const AlgoTranslateParamFileRecord& record);
   // Returns "<bytes> <checksum>", with the CRC-32 as eight hexadecimal digits; empty for an unknown
   // identifier.

@@ -152,7 +152,7 @@ final class BurstSession {
         }
     }
 
-    // A callback names only the native id, which the begin of process maps to the request's id.
+    // A callback names only the native id, which the begin event of process maps to the request's id.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();

@@ -21,13 +21,13 @@ final class ValueDifference {
     private ValueDifference() {
     }
 
-    /** Returns "ONE / OTHER" for two parameters with different bytes. */
+    /** Returns the differences of two parameters with different bytes, each as "ONE / OTHER". */
     static String of(Parameter one, Parameter other) {
         String text = of(one.text(), other.text(), one.json(), other.json());
         return text.isEmpty() ? bytes(one.bytes(), other.bytes()) : text;
     }
 
-    /** Returns "ONE / OTHER" for two values with these texts for display; "" if it finds no difference. */
+    /** Returns the differences of two values with these texts for display; "" if it finds none. */
     static String of(String one, String other, Json oneValue, Json otherValue) {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;

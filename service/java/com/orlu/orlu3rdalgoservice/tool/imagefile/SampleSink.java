@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.imagefile;
 
-/** Receives each sample of a raw image once, in the file's order. */
+/** Receives each sample of a raw image once, in row order. */
 @FunctionalInterface
 public interface SampleSink {
     /** Receives the sample of a pixel, 0 to 65535. */

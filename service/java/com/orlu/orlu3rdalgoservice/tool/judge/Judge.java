@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Judges one request over a usable library by its events and its outputs. */
+/** Judges one request, sent to a usable library, by the request's events and outputs. */
 public final class Judge {
     /** Operations whose negative results mean a missing or unknown key, not a failure. */
     private static final Set<String> ANSWERING =

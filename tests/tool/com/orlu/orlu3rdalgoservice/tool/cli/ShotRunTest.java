@@ -11,7 +11,7 @@ import java.io.IOException;
 import java.nio.file.Path;
 import java.util.List;
 
-/** Tests a run in another process that fails. */
+/** Tests a failing run in another process. */
 public final class ShotRunTest {
     @Rule
     public final TemporaryFolder folder = new TemporaryFolder();
