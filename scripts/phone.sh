@@ -14,8 +14,8 @@ readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
                      machine that contains nothing of the same name
   status             print the settings of \"record\" and \"events\"
 
-KIT is orlu-conform, built with Android.bp or with the preset android. The latter needs
-the NDK's libc++_shared.so beside it. The kits of ./run sdk run only on Linux.
+KIT is orlu-conform of Android.bp, or kit/conform_kit of the preset android with the
+NDK's libc++_shared.so beside it. The kits of ./run sdk run only on Linux.
 ORLU_PHONE_FOLDER is the kit's folder on the phone (default: /data/local/tmp/orlu).
 ANDROID_SERIAL selects one of several phones. \"record\" and \"events\" set properties,
 which needs adb root; restart the service afterwards.

@@ -66,7 +66,8 @@ void setSizes(Block& block) {
     HOLDS(status == 0) << "setValue returned " << status << " for " << size << " bytes";
     std::fill(bytes.begin(), bytes.end(), '\xEE');
     HOLDS(read(block, kParameter, kKey, size) == wanted)
-        << "a value of " << size << " bytes differs from the one set, after the caller overwrote its buffer";
+        << "a value of " << size
+        << " bytes differs from the value that was set, after the caller overwrote its buffer";
   }
   step("setValue with no bytes");
   block.set(kParameter, kOtherKey, nullptr, 0);
@@ -133,7 +134,7 @@ void checkGetValue() {
   const std::string value = pattern(100, 3);
   block.set(kParameter, kKey, value);
   for (size_t size : {size_t{1}, size_t{99}, size_t{100}, size_t{101}, size_t{5000}}) {
-    step("getValue with " + std::to_string(size) + " bytes for a value of 100");
+    step("getValue with " + std::to_string(size) + " bytes for a value of 100 bytes");
     EdgeBuffer buffer(size);
     const int status = block.get(kParameter, kKey, buffer.data(), size);
     HOLDS(buffer.isUntouchedBefore()) << "getValue writes before its buffer of " << size << " bytes";
@@ -142,7 +143,7 @@ void checkGetValue() {
         << "getValue with " << size << " bytes returns 0, but not the bytes that were set";
     const std::string rest = buffer.text().substr(common);
     HOLDS(rest.find_first_not_of('\x5A') == std::string::npos)
-        << "getValue with " << size << " bytes changes memory after the value's 100";
+        << "getValue with " << size << " bytes changes memory after the 100 bytes of the value";
     HOLDS(status == 0 || size > value.size()) << "getValue with " << size << " bytes returned " << status;
   }
   step("getValue for a key that was never set");

@@ -79,8 +79,8 @@ bool looksWhole(const GuardedTable& guarded) {
   };
   const size_t behind = GuardedTable::touched(guarded.after);
   hold(GuardedTable::touched(guarded.before) == 0, "the entry writes before the table");
-  hold(behind == 0, "the entry writes " + std::to_string(behind) + " bytes after the table of " +
-                        std::to_string(sizeof guarded.table));
+  hold(behind == 0, "the entry changes " + std::to_string(behind) + " bytes after the table, which has " +
+                        std::to_string(sizeof guarded.table) + " bytes");
   const std::string wrong = oddCallable(guarded.table);
   hold(wrong.empty(), wrong + " does not point to code: the layout of the table differs");
   return whole;
@@ -141,9 +141,9 @@ void tryRecords(Scene& scene) {
   // A wrong id, such as the reqId, reveals which bytes the library read instead.
   if (!scene.inbox.waitFor(request.nativeReq)) {
     for (const Message& message : scene.inbox.messages()) {
-      ADD_FAILURE() << "the callback names request " << hex(message.nativeReq()) << " instead of "
-                    << hex(request.nativeReq)
-                    << (message.nativeReq() == request.reqId ? ", which is the reqId" : "");
+      ADD_FAILURE() << "the callback names request " << hex(message.nativeReq())
+                    << (message.nativeReq() == request.reqId ? " (the reqId)" : "") << " instead of "
+                    << hex(request.nativeReq);
     }
     HOLDS(!scene.inbox.messages().empty()) << "no callback for the record";
   }
@@ -188,7 +188,7 @@ void checkLoading() {
   Library* const library = Library::open(&error);
   HOLDS(library != nullptr) << "the library can't be loaded with RTLD_NOW, or has no entry: " << error;
   if (library == nullptr) return;
-  HOLDS(library->isWhole()) << "the entry fills in no callable";
+  HOLDS(library->isWhole()) << "the entry fills in no callable, or the layout of the table differs";
   const std::vector<std::string> offered = probe::callableNames(library->bareTable(), true);
   const auto first = std::make_unique<SpaciousTable>();
   const auto second = std::make_unique<SpaciousTable>();

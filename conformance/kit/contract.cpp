@@ -39,7 +39,7 @@ constexpr char kText[] =
   the client is destroyed, and with any bytes. It throws nothing and stores none of its arguments.
   For a synchronous request it wakes a thread and returns. For a full-async one, and for a
   light-stream event, it calls Java and returns when Java returns; on a thread that is not attached
-  to the Java VM, the callback is lost. Threads that are not attached stay so.
+  to the Java VM, the callback is lost. Threads that are not attached stay unattached.
 - **Waiting.** A synchronous request waits up to 10 seconds for its callback, from the return of
   process, and then reads the results as they are. Nothing is aborted. A full-async request has no
   timeout.

@@ -79,12 +79,12 @@ def check_hostile(driver, build, folder, tabs, check):
                 for closed in folded[:3]:
                     driver.execute_script("arguments[0].click()", closed)
                 found = driver.execute_script(FOUND)
-                check(f"{fault}, {file.name}, {tab}:", not found, found)
+                check(f"{fault}, {file.name}, {tab} is safe, found", not found, found)
             text = driver.find_element("tag name", "body").text
-            check(f"{fault}, {file.name} lacks the attack's text:", "onerror=hit=1" in text, text[:200])
+            check(f"{fault}, {file.name} shows the attack as text:", "onerror=hit=1" in text, text[:200])
             messages = [entry["message"] for entry in driver.get_log("browser")]
-            check(f"{fault}, {file.name}: the console has", not messages, messages)
+            check(f"{fault}, {file.name}: the console is empty, found", not messages, messages)
         has_run, stopped = driver.execute_async_script(STOPPED)
-        check("the policy lets a script run", not has_run)
-        check("the policy blocks other actions than expected:", stopped == POLICY, stopped)
+        check("the policy lets no script run", not has_run)
+        check(f"the policy blocks exactly {POLICY}, found", stopped == POLICY, stopped)
         driver.get_log("browser")
