@@ -11,7 +11,7 @@ namespace orlu {
 template <typename T>
 class FrameValues {
 public:
-  // Reserves room for `capacity` values. The first `size` are zero; the others don't exist yet.
+  // Reserves room for `capacity` values, and adds `size` zeros.
   explicit FrameValues(size_t capacity, size_t size = 0)
       : mMore(capacity > kUsual ? std::make_unique<T[]>(capacity) : nullptr), mSize(size) {}
 

@@ -6,7 +6,7 @@ functions read a tag.
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
 make_catalogue.py --texts             write both from the tables, the samples and the previous findings
 make_catalogue.py --check             compare both with new findings, and write nothing
-make_catalogue.py --check SAMPLE...   check only these samples (names without .json): nothing may be missing
+make_catalogue.py --check SAMPLE...   check that no finding of these samples (names without .json) is missing
 
 A whole run takes about a minute. Needs a built ./run, or builds it; ORLU_BUILD names a build folder.
 """
@@ -28,8 +28,8 @@ CATALOGUE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/catalogue/cata
 TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 LONGEST_VALUE = 60
-# Samples that also run with all algorithms of the catalogue, because some algorithms are in no sample. One
-# sample has processed input, the other has raw input.
+# Samples that also run with all algorithms of the catalogue except frameClarOnly, because some algorithms are
+# in no sample. One sample has processed input, the other has raw input.
 ALL_OF = ("capture", "raw-night")
 
 

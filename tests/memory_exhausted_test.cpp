@@ -61,7 +61,7 @@ protected:
     __android_log_set_logger([](const __android_log_message*) {});
   }
 
-  // Calls the native repeatedly, failing the first, second, ... allocation, until no allocation fails.
+  // Calls the native method repeatedly, failing the first, second, ... allocation, until no allocation fails.
   // Returns the number of failures.
   template <typename Native>
   static int failEach(const Native& native) {

@@ -84,7 +84,7 @@ def check_damage(shots):
 
 def limited(shot):
     """Yields requests that exceed a limit or name a wrong file, each with the message that info must print.
-    The caller enlarges the file of the last one."""
+    The caller enlarges the file of the last request."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,
              "memory": "shared"}

@@ -128,7 +128,7 @@ void runDoomed(bool isHardwareBuffer) {
       << "the library writes to a file that reuses the number of a descriptor closed after process";
 }
 
-// Submits requests of every kind. Each has a name for the evidence.
+// Submits requests of every kind, each with a name for the evidence.
 class RequestMatrix {
 public:
   void submitOne(const std::string& what, Request request) {
@@ -148,7 +148,7 @@ public:
     step("waiting for the callbacks of " + std::to_string(mNames.size()) + " requests");
     std::string missing;
     for (size_t id = 0; id < mNames.size(); ++id) {
-      // After one missing callback, the others are not waited for.
+      // After the first missing callback, does not wait for the rest.
       const bool came = missing.empty() ? mInbox.waitFor(id + 1) : mInbox.count(id + 1) > 0;
       if (!came) missing += (missing.empty() ? "" : "; ") + mNames[id];
     }

@@ -96,7 +96,7 @@ AlgoFrameInfo Image::layOut() const {
     frame.stride[1] = stride;
     frame.planeSize[1] = stride * ((mShape.height + 1) / 2);
   }
-  // The stride of a raw image counts pixels.
+  // The stride of a RAW16 image counts pixels.
   if (mShape.format == kFormatRaw16) frame.stride[0] = mShape.width + mShape.padding / 2;
   for (int32_t size : frame.planeSize) frame.size += size;
   return frame;

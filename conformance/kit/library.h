@@ -69,7 +69,7 @@ private:
   AlgoInterfaceCallbacks mTable;
 };
 
-// Calls a callable as the service does. Returns `failure` if it is empty or throws.
+// Calls a callable as the service does. Returns `failure` if the callable is empty or throws.
 template <typename Result, typename... Parameters, typename... Arguments>
 Result call(Result failure, const std::function<Result(Parameters...)>& callable, Arguments&&... arguments) {
   if (!callable) return failure;
@@ -80,7 +80,7 @@ Result call(Result failure, const std::function<Result(Parameters...)>& callable
   }
 }
 
-// The same for a callable without a result.
+// Like call(), for a callable without a result.
 template <typename... Arguments>
 void callPlain(const std::function<void(void*)>& callable, Arguments&&... arguments) {
   if (!callable) return;

@@ -17,7 +17,7 @@ public:
   void* create(int kind);
   // Returns false if the handle is not live. Pointers to the set that find() returned stay valid.
   bool destroy(void* block);
-  // Returns the set of a handle; null if it is not live.
+  // Returns the set of a handle; null if the handle is not live.
   std::shared_ptr<ParameterSet> find(void* block) const;
   // Returns the number of live blocks of a kind.
   int count(int kind) const;

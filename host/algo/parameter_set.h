@@ -26,7 +26,7 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Returns the total size of the values in bytes, without their names.
+  // Returns the total size of the values, without their names, or of the raw metadata, in bytes.
   size_t size() const;
 
   // Stores a copy of `size` bytes. Returns -1 for a null name, null data with a size, or a camera-metadata

@@ -9,7 +9,7 @@ namespace {
 
 thread_local std::shared_ptr<const AlgoScript> tOwn;
 
-// ORLU_ALGO_DELAY is "MS", "MS-MS" or "MS-MS,unordered"; the second number is the longest delay.
+// ORLU_ALGO_DELAY has the form MS[-MS][,unordered]; the second number is the longest delay.
 std::shared_ptr<const AlgoScript> scriptOfEnvironment() {
   auto script = std::make_shared<AlgoScript>();
   const char* const delay = std::getenv("ORLU_ALGO_DELAY");

@@ -30,8 +30,8 @@ public:
   bool drain(void* client, std::chrono::milliseconds limit);
   // Like drain(), for every client.
   bool drainAll(std::chrono::milliseconds limit);
-  // Prevents further callbacks for the client's pending requests and drops the unstarted ones. Waits up to
-  // two seconds for running callbacks on other threads, because their target is about to be destroyed.
+  // Prevents further callbacks for the client's pending requests and drops the unstarted requests. Waits up
+  // to two seconds for running callbacks on other threads, because their target is about to be destroyed.
   void abandon(void* client);
   void abandonAll();
   // Calls back immediately, from a separate thread, for the client's unstarted requests with this

@@ -75,7 +75,7 @@ final class Mutator {
         }
     }
 
-    // Changes, removes, repeats or moves a line.
+    // Changes, removes or replaces a line, or inserts a copy of a line.
     private String line(String text, boolean isJson) {
         List<String> lines = new ArrayList<>(Arrays.asList(text.split("\n")));
         if (lines.isEmpty()) {

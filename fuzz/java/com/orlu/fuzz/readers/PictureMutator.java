@@ -45,7 +45,7 @@ final class PictureMutator {
         }
     }
 
-    // Changes the type, count or value of an entry; rarely its tag. Returns false if there is none.
+    // Changes the type, count or value of an entry; rarely its tag. Returns false without an entry.
     private boolean changeEntry(ByteBuffer tiff) {
         tiff.order(tiff.get(0) == 'I' ? ByteOrder.LITTLE_ENDIAN : ByteOrder.BIG_ENDIAN);
         List<Integer> entries = new ArrayList<>();

@@ -28,7 +28,7 @@ import java.util.Set;
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {
-    /** Runs a request over a library (null: the usual one), with further options of ./run. */
+    /** Runs a request over a library (null: the default library), with further options of ./run. */
     static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
         // Disables the probe's copies of the images.
         ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
@@ -95,7 +95,8 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
     }
 
     /**
-     * Returns the similarity of the least similar output to the clean photo; OutputMeasure.NONE if unknown.
+     * Returns the similarity between the clean photo and the output that differs most from it;
+     * OutputMeasure.NONE if unknown.
      */
     OutputMeasure photo() throws MistakeException {
         OutputMeasure least = OutputMeasure.NONE;

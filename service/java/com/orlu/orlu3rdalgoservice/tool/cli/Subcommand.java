@@ -8,7 +8,7 @@ import java.io.IOException;
 
 import picocli.CommandLine.Model.CommandSpec;
 
-/** A subcommand of ./run. Its fields are its options, annotated for picocli; Commands has a row for each. */
+/** A subcommand of ./run, listed in Commands. Its fields are its options, annotated for picocli. */
 interface Subcommand {
     /**
      * Runs the subcommand. Returns 0, 1 for a difference, or one of Verdict's statuses. An

@@ -25,7 +25,7 @@ final class OtherValues {
     private static final double[] FACTORS = {1.5, 0.5, -1, 1.001, 10, 0.1, 100, 0.01};
     private static final int INT_BITS = 31;
     private static final int LONG_BITS = 63;
-    /** The most elements of an array that are also changed one by one. */
+    /** Number of leading elements of an array that are also changed one by one. */
     private static final int ELEMENTS = 64;
     /** Lengths of arrays that are tried for an absent tag. */
     private static final int[] LENGTHS = {16, 1, 2, 3, 4, 8, 9, 256};
@@ -250,7 +250,7 @@ final class OtherValues {
                 ? ofClass(element.getClass(), number.doubleValue() + 1) : element + "1";
     }
 
-    // New elements repeat the last one. In an empty array, they have a value for absent tags.
+    // New elements repeat the last element; in an empty array, they equal the first element for absent tags.
     private static Object resized(Object array, int length) {
         int kept = Math.min(length, Array.getLength(array));
         Class<?> component = array.getClass().getComponentType();

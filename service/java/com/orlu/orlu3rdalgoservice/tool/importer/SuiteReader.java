@@ -45,8 +45,8 @@ final class SuiteReader {
             throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
                     + "objects");
         }
-        // The test writes values that all frames share to cameraProperties; a request file has them in each
-        // result.
+        // The test writes the values common to all frames once, under cameraProperties; a request file has
+        // them in each result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));

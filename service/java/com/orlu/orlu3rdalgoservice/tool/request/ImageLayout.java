@@ -122,7 +122,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return format + " " + width + "x" + height + ", " + memory;
     }
 
-    /** The bytes; null if they were not recorded. Throws if the file is missing or damaged. */
+    /** The bytes; null if they were not recorded or are all 0. Throws if the file is missing or damaged. */
     public byte[] bytes() throws MistakeException {
         return file == null ? null : file.bytes();
     }

@@ -57,7 +57,7 @@ public final class ImageCropTest {
         {"YU12", "[8,4]", "[32,16]", 48, "4,0,4,2", "[4,2]", "[8,4]", "04050607 0c0d0e0f 2223 2a2b"},
         {"YV12", "[10,5]", "[40,20]", 60, "4,2,4,2", "[6,3]", "[12,6]",
             "18191a1b0000 222324250000 2f3000 393a00"},
-        // Padding after the luma (a row), the chroma (4 bytes) and the last plane (4 bytes).
+        // Padding in the luma plane (a row), in the chroma plane (4 bytes) and after the planes (4 bytes).
         {"NV21", "[8,8]", "[40,20]", 64, "4,2,4,2", "[4,4]", "[16,8]",
             "14151617 1c1d1e1f 0000000000000000 34353637 00000000 00000000"},
         // Without a chroma stride, planar chroma has half the luma stride.
