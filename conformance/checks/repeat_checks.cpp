@@ -100,9 +100,9 @@ size_t firstDifference(const std::string& one, const std::string& other) {
 void report(const std::string& what, const std::string& first, const std::string& second, const char* usual) {
   if (first == second) return;
   const size_t at = firstDifference(first, second);
-  const std::string text = what + ": the same request must give the same bytes, and byte " +
+  const std::string text = what + ": the same request must give the same bytes, but byte " +
                            std::to_string(at) + " is " + std::to_string(static_cast<uint8_t>(first[at])) +
-                           " and then " + std::to_string(static_cast<uint8_t>(second[at])) + "; usually " +
+                           ", then " + std::to_string(static_cast<uint8_t>(second[at])) + "; usually " +
                            usual;
   if (options().allowNoise) return warn(text);
   ADD_FAILURE() << text;
@@ -132,7 +132,7 @@ void checkRepeats() {
     report(what + " with fresh memory poisoned by 0x11 and 0xEE", seen[0], seen[1],
            "uninitialised memory is read");
     if (seen[0] == seen[1]) {
-      report(what + " before and after a request of another picture", seen[1], seen[2],
+      report(what + " before and after requests with other pictures", seen[1], seen[2],
              "a buffer or state of the previous request is reused");
     }
   };

@@ -90,7 +90,7 @@ struct Painter {
       if (waitsForEach) inbox.waitFor(i + 1);
     }
     for (size_t i = 0; i < kPictures; ++i) {
-      HOLDS(inbox.waitFor(i + 1)) << kNoCallback << "request " << i + 1 << " of several in parallel";
+      HOLDS(inbox.waitFor(i + 1)) << kNoCallback << "request " << i + 1 << " of a client's " << kPictures;
     }
   }
 };

@@ -43,7 +43,7 @@ import picocli.CommandLine.Spec;
             """,
             """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to use \
-            an algorithm library other than the stand-in. The pages in docs/ describe each option: \
+            an algorithm library other than the stand-in. The pages in docs/ describe the options: \
             explain.md, events.md, timeline.md, report.md, recording.md and many_shots.md.
             """})
 final class RunCommand implements Subcommand {
