@@ -41,7 +41,7 @@ namespace {
 using test::env;
 
 constexpr unsigned kSecondsForOne = 60;
-// One request in this many gets no callback. It waits ten seconds for its timeout, so it must be rare.
+// One request in this many gets no callback. If synchronous, it waits ten seconds, so it must be rare.
 constexpr uint64_t kTimeoutEvery = 2'000;
 
 volatile uint64_t gSeed = 0;
@@ -204,8 +204,8 @@ private:
   int64_t mInst = 0;
 };
 
-// Repeats the request if descriptors stayed open: the VM may open one for its own classes once, but a leak
-// happens every time.
+// Repeats the request if descriptors stayed open: the VM may open a descriptor for its own classes once, but
+// a leak happens every time.
 bool sendOne(uint64_t seed) {
   gSeed = seed;
   alarm(kSecondsForOne);

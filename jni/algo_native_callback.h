@@ -29,9 +29,9 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Ends the client's callbacks: later ones are counted and ignored, running ones finish as usual. Releases
-  // the callback class, or leaves that to the last callback that is inside Java. If `env` is null, the class
-  // stays referenced.
+  // Ends the client's callbacks: later callbacks are counted and ignored, running callbacks finish as usual.
+  // Releases the callback class, or leaves that to the last callback that is inside Java. If `env` is null,
+  // the class stays referenced.
   void close(JNIEnv* env);
 
   // See AlgoNativeClient for these functions.

@@ -101,7 +101,7 @@ private:
 
   std::mutex mMutex;  // guards everything below
   uint64_t mNextId = 0;
-  Requests mRequests;  // in order of creation; includes finished ones while their block is used
+  Requests mRequests;  // in order of creation; includes finished requests while their block is used
 };
 
 }  // namespace orlu

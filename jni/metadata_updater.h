@@ -3,8 +3,8 @@
 // updateMetadata() runs once.
 //
 // If a tag is absent, its parameter gets the step's initial value. The status of the parameter channel is
-// ignored: translating parameters never fails a request. See shot.h for how rows are written. Code that needs
-// no Java has its own headers, such as region_mapper.h.
+// ignored: translating parameters never fails a request. The steps consist of rows; shot.h shows how to write
+// a row. Code that needs no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>

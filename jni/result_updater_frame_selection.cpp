@@ -9,7 +9,7 @@
 namespace orlu {
 namespace {
 
-// Sizes of the algorithms' tables. A frame past them has score 0 and counts as not kept.
+// Sizes of the algorithms' tables. Frames beyond a table have score 0 or count as not kept.
 constexpr size_t kMaxScores = 50;
 constexpr size_t kMaxSelections = 20;
 using Scores = Doubles<kMaxScores>;

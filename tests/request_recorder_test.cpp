@@ -118,7 +118,7 @@ TEST_F(RequestRecorderTest, FailuresCostOnlyTheRecording) {
 }
 
 // The folder changes while the request runs.
-TEST_F(RequestRecorderTest, TheFolderMayGoDuringTheRequest) {
+TEST_F(RequestRecorderTest, TheFolderMayDisappearDuringTheRequest) {
   const jobject compositions = test::javaList(mCompositions);
   const std::string plain = run(nullptr, mInputs, compositions);
   mDuring = [this] { std::filesystem::remove_all(mFolder + "/gone"); };

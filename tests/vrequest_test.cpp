@@ -134,7 +134,7 @@ TEST_F(VRequestTest, ReadsARequest) {
   }
 }
 
-TEST_F(VRequestTest, ReadsWhatIsNoRequest) {
+TEST_F(VRequestTest, ReadsIncompleteAndForeignRequests) {
   jobject typeless = test::newObject(REQUEST, "(JLjava/lang/String;)V", jlong{6}, nullptr);
   const VRequest withoutType(env(), typeless, nullptr, nullptr, nullptr);
   EXPECT_EQ(6, withoutType.requestId());
@@ -272,7 +272,7 @@ TEST_F(VRequestTest, RefusesAResultWithoutAnOutput) {
   for (size_t index : {0U, 1U}) EXPECT_EQ(kUntouched, outputs.text(index));
 }
 
-TEST_F(VRequestTest, ReadsNoMoreThanTheFirstThousandElements) {
+TEST_F(VRequestTest, ReadsOnlyTheFirst1024Elements) {
   const auto framesOf = [](int size) {
     jobject list = test::javaList(std::vector<jobject>(static_cast<size_t>(size), nullptr));
     return VRequest(env(), nullptr, list, nullptr, nullptr).inputFrames().size();

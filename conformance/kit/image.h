@@ -61,7 +61,7 @@ public:
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
-  // All descriptors in the record.
+  // Both descriptors of a hardware buffer; otherwise the image's descriptor and -1.
   std::vector<int> descriptors() const { return {mFd, mOtherFd}; }
   size_t size() const { return mSize; }
   // The bytes written at construction.

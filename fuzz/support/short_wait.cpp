@@ -14,7 +14,7 @@ constexpr int64_t kShorter = 1'000;
 constexpr int64_t kNanosecondsPerSecond = 1'000'000'000;
 
 thread_local bool tIsShort = false;
-thread_local std::chrono::nanoseconds tAhead{0};  // lead of the thread's clock over the real one
+thread_local std::chrono::nanoseconds tAhead{0};  // lead of the thread's clock over the real clock
 
 timespec timespecOf(std::chrono::nanoseconds time) {
   return {time.count() / kNanosecondsPerSecond, time.count() % kNanosecondsPerSecond};

@@ -136,7 +136,7 @@ AlgoProcessRecord processRecord(const AlgoResultCallback& callback) {
   return record;
 }
 
-TEST_F(ProbeTest, WritesWhatPassesOfEveryOperation) {
+TEST_F(ProbeTest, RecordsTheDataOfEveryOperation) {
   char data[] = "da";
   const AlgoMetadataVisitor visitor = [](const char* section, const char*, void* value, unsigned) {
     *static_cast<char*>(value) = 'v';
@@ -271,7 +271,7 @@ TEST_F(ProbeTest, LetsErrorsAndExceptionsPass) {
   EXPECT_FALSE(end.contains("result"));
 }
 
-TEST_F(ProbeTest, KeepsEmptyWhatIsEmpty) {
+TEST_F(ProbeTest, LeavesMissingCallablesAndCallbacksUnchanged) {
   AlgoInterfaceCallbacks real = realTable();
   real.process = nullptr;
   real.metadataOps.setRaw = nullptr;
@@ -364,7 +364,7 @@ TEST(RealLibrary, IsTheNextOfItsName) {
 }
 
 // The library that the probe replaces takes precedence over the stand-in, which the loader would find. The
-// library named by the variable takes precedence over both.
+// library that ORLU_ALGO_LIBRARY names takes precedence over both.
 TEST(RealLibrary, IsBesideTheProbe) {
   const std::string build = test::libraryFolder() + "/..";
   std::string folder = testing::TempDir() + "probe_XXXXXX";

@@ -111,7 +111,7 @@ must_fail() {
   grep -qF -- "$text" <<<"$said" || die "failed without \"$text\": $said"
 }
 
-# Plants faults: the one that Android's jni.h once revealed, wrong types in two of our headers, and a function
+# Plants faults: a fault that Android's jni.h once revealed, wrong types in two of our headers, and a function
 # that the platform lacks.
 check_failure() {
   local copy=$scratch/failure

@@ -80,7 +80,7 @@ final class JsonMutator {
         return '"' + new String(JsonStringEncoder.getInstance().quoteAsString(text)) + '"';
     }
 
-    /** Returns a tree as one line, or with lines for each member and element of the outer three levels. */
+    /** Returns a tree as one line, or with a line for each member and element of the outer three levels. */
     static String text(Object tree, boolean isLine) {
         StringBuilder text = new StringBuilder();
         append(text, tree, isLine ? 0 : 3);

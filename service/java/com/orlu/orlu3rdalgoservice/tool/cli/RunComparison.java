@@ -40,7 +40,7 @@ final class RunComparison extends ResultOptions {
         mResults = new Results(command);
     }
 
-    /** Prints the differences. */
+    /** Prints the differences, and adds them to the results. */
     void print(String title, Run one, Run other) throws MistakeException, IOException {
         ComparisonReport.Options options =
                 new ComparisonReport.Options(mIgnored, mTolerance, mOut, !mLeavesCauses);

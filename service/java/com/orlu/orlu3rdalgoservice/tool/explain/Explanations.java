@@ -14,7 +14,7 @@ import java.util.stream.IntStream;
 
 /** Explains a request's parameters: the code that wrote each, and the tags that it depends on. */
 public final class Explanations {
-    /** Follows a tag or parameter if the parameter changes only if the tag changes in all frames. */
+    /** Appended to a tag or parameter: the parameter changes only if the tag changes in all frames. */
     static final String TOGETHER = " (all frames together)";
     private static final String UNKNOWN_PLACE = "an unknown line";
 

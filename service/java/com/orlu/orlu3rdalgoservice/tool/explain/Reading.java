@@ -29,7 +29,7 @@ public record Reading(
         return outcome == other;
     }
 
-    /** Returns the reading as text to follow the frame. */
+    /** Returns the reading as text, to be printed after the frame's number. */
     public String text() {
         String place = isInComposition() ? "composition     " : "capture result  ";
         return switch (outcome) {

@@ -30,8 +30,8 @@ public final class TagCheck {
     }
 
     /**
-     * Returns the verdict with the findings of --strict and the number of warnings appended to its reasons. A
-     * request that did not run keeps its verdict.
+     * Appends the findings of --strict and the number of warnings to the verdict's reasons. A request that
+     * did not run keeps its verdict.
      */
     public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {

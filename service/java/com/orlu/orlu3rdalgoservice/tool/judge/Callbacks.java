@@ -96,7 +96,7 @@ public final class Callbacks {
             return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
                     + "\" is not attached to the VM";
         }
-        // After a callback in time, a late one is merely redundant.
+        // After a callback in time, a late callback is merely redundant.
         if (callback.isShot() && isLate(callback) && isMissing()) {
             return "it arrived after %.1f s".formatted(
                     (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);

@@ -55,7 +55,7 @@ final class RequestTrack {
         Call first = null;
         for (int i = mBefore.size() - 1; i >= 0; --i) {
             Call call = mBefore.get(i);
-            // Calls before this one are about an earlier block with the same handle.
+            // Calls before this destroyMetadata are about an earlier block with the same handle.
             if (call.operation().equals("destroyMetadata") && isOnBlock(call)) {
                 break;
             }

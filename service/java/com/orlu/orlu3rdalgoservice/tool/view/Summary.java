@@ -30,7 +30,7 @@ public final class Summary {
         mLines = new TextLayout(to, wide);
     }
 
-    /** Prints everything but the parameters and the verdict. */
+    /** Prints the summary. The caller prints parameters, tags, explanations and the verdict. */
     public void print() {
         printRequest();
         if (mReport.verdict().status() == Verdict.UNUSABLE) {
