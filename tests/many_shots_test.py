@@ -106,7 +106,7 @@ def check_compare(folder):
                                             planted_fault="black")[0] for limit in (low - 1, low + 1)])
     _, pairs = compare("--fail-below", "10", "shots/c.json", planted_fault="aborts:process")
     expect("no outputs of B", "the outputs can't be compared", pairs[0]["verdict"]["reasons"][-1])
-    refused(folder, f"both --lib name the same file: {planted}", "compare", "--lib", planted, "--lib",
+    refused(folder, f"both --lib options name the same file: {planted}", "compare", "--lib", planted, "--lib",
             planted, "shots")
     refused(folder, "expected --lib twice, found 1", "compare", "--lib", planted, "shots")
     refused(folder, "no such file: none", "compare", "--lib", planted, "--lib", "none", "shots")

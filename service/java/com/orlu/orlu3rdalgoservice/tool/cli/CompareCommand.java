@@ -114,7 +114,7 @@ final class CompareCommand implements Subcommand {
             throw new IllegalArgumentException("expected --lib twice, found " + mLibraries.size());
         }
         if (Files.isSameFile(mLibraries.get(0), mLibraries.get(1))) {
-            throw new IllegalArgumentException("both --lib name the same file: " + mLibraries.get(1));
+            throw new IllegalArgumentException("both --lib options name the same file: " + mLibraries.get(1));
         }
         if (mLeastPsnr != null && !(mLeastPsnr >= 0)) {
             throw new IllegalArgumentException("--fail-below: expected a PSNR of at least 0, found "

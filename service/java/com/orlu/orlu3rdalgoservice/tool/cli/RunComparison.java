@@ -59,7 +59,7 @@ final class RunComparison extends ResultOptions {
         write(mResults);
         int failed = mResults.failed().size();
         if (quiet) {
-            last().println(new Verdict(mResults.status(), List.of("%d of %d different".formatted(
+            last().println(new Verdict(mResults.status(), List.of("%d of %d runs differ".formatted(
                     failed, mResults.size()))).line());
         }
         return mResults.status();
