@@ -51,7 +51,7 @@ bool startVm() {
       {"-Xms256m", "-Xmx256m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC", "-XX:-UsePerfData"});
 }
 
-// Runs until the VM has compiled the code that every request uses.
+// Runs enough requests for the VM to compile the code that every request uses.
 void warmUp(const orlu::bench::BenchSize& size) {
   orlu::bench::Shot shot(orlu::bench::kinds()[1].plan);
   orlu::bench::RequestRunner runner(shot);

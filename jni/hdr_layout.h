@@ -29,7 +29,8 @@ using FrameModes = std::array<uint64_t, 9>;
 
 struct HdrLayout {
   HdrProcessType type = kHdrNone;
-  int32_t nightIndex = 0;  // the last night frame, even if the layout does not match; 0 for nine frames
+  // Index of the last night frame, even if the layout does not match; 0 without one, and for nine frames.
+  int32_t nightIndex = 0;
   int hdrCount = 0;
   int nightCount = 0;
 };

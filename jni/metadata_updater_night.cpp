@@ -80,7 +80,7 @@ void MetadataUpdater::updateSuperNS() {
 void MetadataUpdater::updateRawLLHDR() {
   constexpr int kUsualFrames = 7;
   const int n = mCaptureResultNum;
-  // Fewer frames are still processed (Oddity 53).
+  // Two to six frames are still processed (Oddity 53).
   if (n < kUsualFrames) LOGD("updateRAWLLHDRInfo error, input num %d < 7", n);
   if (n < 2) return;
 

@@ -1,4 +1,4 @@
-// Tests whether the callables of a table are valid without calling or destroying them.
+// Tests whether the callables of a table are valid, but does not call or destroy them.
 #pragma once
 
 #include <string>

@@ -44,7 +44,8 @@ inline bool is420(uint32_t format) {
 }
 
 // Returns the bytes from the first plane's start to the end of the last row of all planes, padding included;
-// 0 if the layout is unknown, the planes are not contiguous, or the extent exceeds kMostBytes.
+// 0 if the layout is unknown, planes overlap or are over kMostUnusedRows rows apart, or the extent exceeds
+// kMostBytes.
 inline uint64_t pixelExtent(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Planes& planes) {
   const auto start = [&](int i) { return uint64_t{reinterpret_cast<uintptr_t>(planes.planes[i].data)}; };
   if (planes.planeCount == 0 || start(0) == 0) return 0;

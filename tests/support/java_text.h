@@ -32,8 +32,7 @@ inline std::string describeJava(jobject value) {
 }
 
 // Records every call of putMetadata() on these compositions during its lifetime, in order, including values
-// that later calls overwrite.
-// Each line has the index of the composition, the key and the value.
+// that later calls overwrite. Each line of text() has the index of the composition, the key and the value.
 class PutRecorder {
 public:
   explicit PutRecorder(std::vector<jobject> compositions)

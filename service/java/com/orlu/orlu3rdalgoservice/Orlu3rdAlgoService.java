@@ -51,7 +51,8 @@ public final class Orlu3rdAlgoService {
             long inst, Object request, Object inputs, Object outputs, Object compositions);
 
     /**
-     * Writes the results of the full-async request that "nativeRequestAddr" in the first composition names.
+     * Writes the results of the full-async request identified by "nativeRequestAddr" in the first
+     * composition.
      */
     public native int processImageUpdateResult(
             long inst, Object request, Object inputs, Object outputs, Object compositions);

@@ -136,7 +136,7 @@ final class RecordFolder {
                 FileOutputStream stream = new FileOutputStream(to)) {
             long copied = 0;
             while (copied < size) {
-                // Copies only a part of a large file.
+                // transferTo() may copy only a part of a large file.
                 long more = from.getChannel().transferTo(copied, size - copied, stream.getChannel());
                 if (more == 0) {
                     throw new IOException(file + ": expected " + size + " bytes, found " + copied);

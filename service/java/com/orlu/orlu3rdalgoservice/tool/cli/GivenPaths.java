@@ -38,8 +38,9 @@ final class GivenPaths {
     }
 
     /**
-     * Returns the request files of a command line: files as they are; for a folder, its *.json files and
-     * recordings, sorted by name. Throws an IllegalArgumentException if a folder has none.
+     * Returns the request files of a command line: files as they are; for a recording, its request; for
+     * another folder, its *.json files and the requests of its recordings, sorted by name. Throws an
+     * IllegalArgumentException if such a folder contains neither.
      */
     static List<Path> requests(List<Path> given) {
         List<Path> requests = new ArrayList<>();
@@ -74,8 +75,8 @@ final class GivenPaths {
     }
 
     /**
-     * Adds an option's file; null adds nothing. Throws an IllegalArgumentException if the file can't be
-     * written.
+     * Adds an option's file; null adds nothing. Throws an IllegalArgumentException if the file is a folder,
+     * a request or another option's file, or if its folder is missing.
      */
     GivenPaths file(String option, Path file) {
         if (file == null) {

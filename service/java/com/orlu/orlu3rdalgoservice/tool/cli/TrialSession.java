@@ -25,15 +25,17 @@ import java.util.Set;
 
 /**
  * Runs the trials of one command line and writes the results to the work folder, or for "trials" to the file
- * of --record. The trials have their own
- * process beside the command: the native library opens its algorithm library only once, and trials need an
- * algorithm library that answers at once.
+ * of --record. The trials have their own process beside the command: the native library opens its algorithm
+ * library only once, and trials need an algorithm library that answers at once.
  */
 final class TrialSession {
     private TrialSession() {
     }
 
-    /** Runs the trials of all requests. Reports unreadable files only for "trials"; else the command does. */
+    /**
+     * Runs the trials of all requests. Reports unreadable files only for "trials"; other commands report them
+     * themselves.
+     */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();

@@ -39,7 +39,7 @@ public final class SourceLines {
         }
     }
 
-    /** Returns why lines are missing; "" if every line was found. */
+    /** Returns why a file's lines could not be looked up; "" if all look-ups ran. */
     public String problem() {
         return mProblem;
     }

@@ -73,7 +73,10 @@ public final class Importer {
         }
     }
 
-    /** The frames of dumps and JSON files; if there are none, a frame for each picture's EXIF block. */
+    /**
+     * The frames of dumps and JSON files; if there are none, a frame for each picture file read, with the
+     * values of its EXIF block, if any.
+     */
     public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
     }

@@ -31,7 +31,7 @@ public final class RecordingSummary {
         mLines = new TextLayout(to, TextLayout.TERMINAL);
     }
 
-    /** Prints a line for each item, up to the end of the recording. */
+    /** Prints the recorded items, one per line; consecutive equal items share a line. */
     public void print() throws MistakeException {
         Json header = mRun.header();
         mTo.println(Printable.line(mRun.folder().toString()));

@@ -12,7 +12,7 @@ import java.util.List;
 
 import org.junit.Test;
 
-/** Tests the reason given for a process's death, by its events, its exit status and the VM's crash report. */
+/** Tests how the reason for a process's death is derived from its events, exit status and crash report. */
 public final class CrashTest {
     private static final String LOAD = "begin 1 load 'path': '/a.so'\nend 1 load\n";
 

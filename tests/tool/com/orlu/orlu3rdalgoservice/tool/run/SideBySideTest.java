@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.concurrent.CountDownLatch;
 import java.util.concurrent.atomic.AtomicBoolean;
 
-/** Tests the end of parallel tasks. */
+/** Tests how parallel tasks end after one of them fails. */
 public final class SideBySideTest {
     @Test
     public void waitsForRunningTasksAfterAnException() {
