@@ -89,8 +89,8 @@ FIELDS = [
      "2:37: properties.a: expected a name, and a value of at most 91 bytes",
      "2:138: properties.b: expected text, found 1"),
     (request('"frames": []', ', "fullAsync": true, "algorithms": []'),
-     "2:28: fullAsync: requires a frame for the value",
-     "2:48: algorithms: requires a frame for the value"),
+     "2:28: fullAsync: requires at least one frame, whose composition gets the value",
+     "2:48: algorithms: requires at least one frame, whose composition gets the value"),
     (request('"frames": {"count": 2, "nois": 1, "width": 2, "each": [{"shift": [1, 99]}, 7]}'),
      "2:11: frames: expected both width and height, or neither",
      "2:24: frames.nois: unknown field; expected one of blur, common, count, each, gain, height, noise, "

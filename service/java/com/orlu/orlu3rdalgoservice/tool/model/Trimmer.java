@@ -73,8 +73,8 @@ public final class Trimmer {
             }
         }
         if (!mFrames.isEmpty() && inputs % frames != 0) {
-            throw new IllegalArgumentException("--frames: expected equally many inputs of each frame, found "
-                    + inputs + " inputs of " + frames + " frames");
+            throw new IllegalArgumentException("--frames: expected the same number of inputs for each frame, "
+                    + "found " + inputs + " inputs for " + frames + " frames");
         }
         if (Files.exists(folder)) {
             throw new IllegalArgumentException("--out: the folder already exists: " + folder);

@@ -102,7 +102,8 @@ public final class RequestFileReader {
         if (frames.frames().isEmpty()) {
             for (String needing : fullAsync ? List.of("fullAsync", "algorithms") : List.of("algorithms")) {
                 if (members.has(needing)) {
-                    mMistakes.add(members.get(needing).error("requires a frame for the value"));
+                    mMistakes.add(members.get(needing)
+                            .error("requires at least one frame, whose composition gets the value"));
                 }
             }
             return;
