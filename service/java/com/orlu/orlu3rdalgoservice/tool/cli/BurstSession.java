@@ -169,7 +169,8 @@ final class BurstSession {
         for (Map.Entry<Long, Integer> count : counts.entrySet()) {
             int times = request.fullAsync() ? burst.announcements(count.getKey()) : count.getValue();
             if (times != 1 || count.getValue() != 1) {
-                mReasons.add("request %d: expected one callback and one announcement, found %d and %d"
+                mReasons.add(("request %d: expected one callback" + (request.fullAsync()
+                        ? " and one announcement, found %d and %d" : ", found %d"))
                         .formatted(count.getKey(), count.getValue(), times));
             } else {
                 ++right;

@@ -179,7 +179,7 @@ final class ImageFileReader {
     private ImageFile jpeg(long offset, long size, int stride) throws MistakeException {
         if (offset >= size || size - offset > LARGEST_PLANE) {
             throw mField.error(mPath + ": expected from 1 to " + LARGEST_PLANE + " bytes of a JPEG at "
-                    + offset + ", found " + (size - offset));
+                    + offset + ", found " + Math.max(0, size - offset));
         }
         return new ImageFile(
                 mPath, mKind, List.of(new ImageFile.Plane(offset, stride, (int) (size - offset))));

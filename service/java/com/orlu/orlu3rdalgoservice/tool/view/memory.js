@@ -113,8 +113,8 @@ function planeText(plane) {
     " rows of " +
     plane.rowBytes +
     (padding > 0 ? " + " + padding + " bytes of padding" : " bytes, no padding") +
-    (plane.usedRows < plane.rows ? "; " + (plane.rows - plane.usedRows) + " rows are 0" : "") +
-    (plane.usedPadding > 0 ? "; padding is not 0 in " + plane.usedPadding + " rows" : "")
+    (plane.usedRows < plane.rows ? "; 0 in " + plural(plane.rows - plane.usedRows, "row") : "") +
+    (plane.usedPadding > 0 ? "; padding is not 0 in " + plural(plane.usedPadding, "row") : "")
   );
 }
 

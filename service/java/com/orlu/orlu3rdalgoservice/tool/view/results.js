@@ -105,7 +105,7 @@ function logPanel() {
   }));
   const made = table(["-ms from the start", "level", "-thread", "-class", "text"], rows);
   const state = {words: "", level: 0, tag: ""};
-  const count = h("span", {class: "faint", "aria-live": "polite"}, rows.length + " lines");
+  const count = h("span", {class: "faint", "aria-live": "polite"}, plural(rows.length, "line"));
   const apply = () => {
     const shown = made.show(
       row =>
