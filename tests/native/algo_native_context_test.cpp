@@ -122,8 +122,7 @@ struct Operation : test::NamedCase {
 int32_t gValue = 5;
 
 // clang-format off
-#define ASK(...) [](AlgoNativeContext& context, void* block) { static_cast<void>(block); context.__VA_ARGS__;
-#}
+#define ASK(...) [](AlgoNativeContext& context, void* block) { static_cast<void>(block); context.__VA_ARGS__; }
 const Operation kOperations[] = {
     {"Init",           ASK(init()), "init type 0 h1\n"},
     {"Flush",          ASK(flush()), "flush h1\n"},
