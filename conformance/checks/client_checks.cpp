@@ -137,7 +137,7 @@ void checkClients() {
   }
   call(kRefused, library->table().destroyClient, bare);
 
-  step("a request of the remaining client");
+  step("a request of a third client");
   Scene scene;
   scene.run(1);
 }

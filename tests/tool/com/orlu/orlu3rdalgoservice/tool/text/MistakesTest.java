@@ -23,9 +23,9 @@ public final class MistakesTest {
             warn(i);
         }
         warn(0);
-        assertFalse("a repeat is not dropped", mMistakes.areMore());
+        assertFalse("a repeated warning does not count as dropped", mMistakes.areMore());
         warn(MOST_KEPT);
-        assertTrue("the next one is", mMistakes.areMore());
+        assertTrue("one warning more than the limit is dropped", mMistakes.areMore());
         mMistakes.add(MOST_KEPT, 1, "", "wrong");
         assertEquals(1, mMistakes.errors());
         assertEquals(MOST_KEPT, mMistakes.warnings());
