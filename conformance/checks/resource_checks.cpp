@@ -17,7 +17,7 @@ constexpr uint64_t kRequests = 200;
 constexpr uint64_t kManyRequests = 2000;
 constexpr uint64_t kFewestForSlope = 300;
 constexpr double kMostSeconds = 6;      // a slow library reaches this before all requests have run
-constexpr double kBytesOfRequest = 16;  // growth per request; more is a leak
+constexpr double kBytesOfRequest = 16;  // growth per request; this much is a leak
 constexpr int kRounds = 3;              // growth in every round is a leak
 constexpr std::chrono::seconds kSettle{2};
 
@@ -152,7 +152,7 @@ void tryManyRequests(Client& client, Inbox& inbox) {
        (done < kFewestForSlope ? "; too few requests to be sure" : ""));
 }
 
-// "; left over: A, B"
+// Returns "; left over: A, B"; "" for an empty list.
 std::string listOf(const std::vector<std::string>& left) {
   std::string text;
   for (const std::string& one : left) text += (text.empty() ? "; left over: " : ", ") + one;

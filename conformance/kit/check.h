@@ -68,8 +68,9 @@ constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budge
 // Restarts the time budget.
 void startBudget();
 
-// Runs the check in a child process and waits until it exits or reaches its time limit or the end of the time
-// budget. Prints progress to standard error. Call it inside a test, while no other thread runs.
+// Runs the check in a child process and waits until it exits, blocks in one operation, or reaches its time
+// limit or the end of the time budget. Then kills it if it is still running. Prints progress to standard
+// error. Call it inside a test, while no other thread runs.
 Outcome runApart(const Check& check);
 
 // Sends the failures and skips of a check to its parent process. Install it once.

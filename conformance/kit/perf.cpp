@@ -40,8 +40,8 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// Returns the rest of a line of JSON from the value of `name` on, a number or a quoted string; "" if the name
-// is absent.
+// Returns the part of a JSON line that starts with the value of `name` (a number or a quoted string); "" if
+// the name is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);

@@ -18,7 +18,7 @@ const char* nameOf(Ending ending) {
   return kEndingNames[static_cast<size_t>(ending)];
 }
 
-// The width of a column including the blanks before it.
+// Returns the width of a column, including the blanks before it.
 int widthOf(size_t column) {
   return std::max(8, static_cast<int>(std::strlen(kEndingNames[column]))) + 2;
 }

@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The maker's library beside a probe that has taken its original name. This is needed on a phone, where the
-// loader searches only one folder.
+// The new name of the maker's library if the probe has its original name in the same folder. A phone needs
+// this, because its loader searches only one folder.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 

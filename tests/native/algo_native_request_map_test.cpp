@@ -18,8 +18,8 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
 
 using List = std::vector<std::string>;
 
-// Passing tests never time out; RequestProcessorImageTest waits for the timeout once. Every test removes its
-// requests, because the map does not free them.
+// No wait times out in a passing test; the timeout itself is tested by RequestProcessorImageTest. Every test
+// removes its requests, because the map does not free them.
 class AlgoNativeRequestMapTest : public testing::Test {
 protected:
   ~AlgoNativeRequestMapTest() override {

@@ -55,7 +55,7 @@ struct GoldenCase {
   std::vector<GoldenLine> tagLines;  // the lines that `frames` was read from
   std::vector<GoldenFrame> frames;
 
-  std::vector<GoldenLine> after;  // as written in the file
+  std::vector<GoldenLine> after;  // the lines of [after], unparsed
   std::vector<GoldenWrite> writes;
   std::vector<GoldenLine> expectations;  // of a variation, without ">"
 };

@@ -21,7 +21,7 @@ import java.util.regex.Pattern;
 
 /** Compares outputs by description and bytes, and writes pictures of those that differ. */
 public final class OutputComparison {
-    // The time of day in a JPEG's EXIF block.
+    // A date and time in a JPEG's EXIF block, which the comparison ignores.
     private static final Pattern EXIF_TIME = Pattern.compile("\\d{4}:\\d\\d:\\d\\d \\d\\d:\\d\\d:\\d\\d\0");
 
     private final Path mPictures;
@@ -83,7 +83,8 @@ public final class OutputComparison {
         return file;
     }
 
-    // Returns the difference as text; empty if the pixels differ by at most the tolerance.
+    // Returns the difference as text; empty if pixels differ, but by at most the tolerance. The tolerance has
+    // no effect if only other bytes differ.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);

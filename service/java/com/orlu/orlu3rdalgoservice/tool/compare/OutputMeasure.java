@@ -12,7 +12,7 @@ import java.util.List;
  *
  * @param psnr   in dB; infinite for equal pixels, NaN if outputs can't be compared
  * @param ssim   structural similarity, 1 for equal pixels
- * @param output the index of the output with the lowest PSNR
+ * @param output the index of the output with the lowest PSNR, or of the last output that can't be compared
  */
 public record OutputMeasure(double psnr, double ssim, int output) {
     /** The measure of outputs that can't be compared. */

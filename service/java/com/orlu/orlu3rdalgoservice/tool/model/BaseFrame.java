@@ -11,7 +11,7 @@ import java.util.stream.IntStream;
  * The frame that a request's outputs are compared with.
  *
  * @param index   its index among the request's frames; 0 if there are no frames
- * @param namedBy the result's tag with its timestamp; "" if it is the first frame by default
+ * @param namedBy the result tag that contains the frame's timestamp; "" for the first frame by default
  */
 public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";

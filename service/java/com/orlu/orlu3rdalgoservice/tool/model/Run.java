@@ -151,7 +151,7 @@ public final class Run {
         return mName;
     }
 
-    /** The folder; null if only events are known. */
+    /** The folder; null for a run in this process, or if only events are known. */
     public Path folder() {
         return mFolder;
     }
@@ -244,12 +244,15 @@ public final class Run {
         return mPuts;
     }
 
-    /** The input metadata of each frame: "captureResult" and "composition". None if only events are known. */
+    /** The input metadata of each frame: "captureResult" and "composition". Empty without a folder. */
     public List<Json> frames() {
         return mRoot.at("frames").elements();
     }
 
-    /** The inputs other than frames and images, by name: "property ...", "client ...", "request type". */
+    /**
+     * The inputs other than frames and images, by name: "property ...", "client ...", "request type". Empty
+     * for a run without a folder.
+     */
     public Map<String, Json> settings() throws MistakeException {
         Map<String, Json> settings = new LinkedHashMap<>();
         for (String part : List.of("client", "properties")) {
@@ -265,7 +268,7 @@ public final class Run {
         return settings;
     }
 
-    /** The input images of a run with a folder; none if only events are known. */
+    /** The input images; none if only events are known. */
     public List<ImageLayout> inputs() {
         return mRequest == null ? List.of() : mRequest.inputs().stream().map(ImagePlan::layout).toList();
     }

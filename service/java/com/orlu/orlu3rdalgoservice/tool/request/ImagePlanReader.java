@@ -57,7 +57,7 @@ final class ImagePlanReader {
         return images;
     }
 
-    /** Whether an input without a file was read. */
+    /** Whether an input was read that gets its pixels from a photo. */
     boolean needsPhoto() {
         return mNeedsPhoto;
     }

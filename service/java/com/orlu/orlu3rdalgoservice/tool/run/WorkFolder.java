@@ -15,29 +15,29 @@ public final class WorkFolder {
     private WorkFolder() {
     }
 
-    /** The events file; it may not exist. Null without a work folder. */
+    /** The events file; it may not exist. Null if ORLU_EVENTS is not set. */
     public static Path events() {
         return ofEnvironment(EventLog.VARIABLE);
     }
 
-    /** The file of the algorithm library's work report; it may not exist. Null without a work folder. */
+    /** The algorithm library's work report, a file; it may not exist. Null if ORLU_ALGO_TRACE is not set. */
     public static Path algorithmTrace() {
         return ofEnvironment("ORLU_ALGO_TRACE");
     }
 
-    /** The folder of the probe's pixels; it may not exist. Null without a work folder. */
+    /** The folder of the probe's pixels; it may not exist. Null if ORLU_PIXELS is not set. */
     public static Path pixels() {
         return ofEnvironment("ORLU_PIXELS");
     }
 
-    /** The file of the native side's log; it may not exist. Null without a work folder. */
+    /** The file of the native side's log; it may not exist. Null if ORLU_LOG_FILE is not set. */
     public static Path log() {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
     /**
      * The file with the state of the pages written so far: the file that PAGES names, else one in the work
-     * folder.
+     * folder. Null without either.
      */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);

@@ -26,7 +26,7 @@ public final class TextTable {
         mBelow.add(below);
     }
 
-    /** Prints the table; a column that holds only numbers is aligned to the right. */
+    /** Prints the table. Columns of numbers, also with empty cells or "equal", are aligned to the right. */
     public void print(TextLayout to) {
         to.plain(line(mHeadings));
         for (int row = 0; row < mRows.size(); ++row) {
