@@ -30,7 +30,8 @@ public:
   // Carries out the script for a call of the library's entry.
   void entry();
 
-  // The callables of the tables. For a block that is not live, they return -1 (getSize() returns 0).
+  // The callables of the tables. For a block that is not live, they return -1, except that getSize() returns
+  // 0 and process() runs the request without parameters.
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);
