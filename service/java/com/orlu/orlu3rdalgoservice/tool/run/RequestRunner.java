@@ -128,11 +128,11 @@ public final class RequestRunner implements AutoCloseable {
     }
 
     private void awaitResult(RequestCall call, List<Map<String, Object>> before) {
-        Long address = mStopwatch.time("wait", () -> mInbox.awaitDone(id -> true, CALLBACK_SECONDS));
+        Long nativeReq = mStopwatch.time("wait", () -> mInbox.awaitDone(id -> true, CALLBACK_SECONDS));
         mWaitEnd = System.nanoTime();
-        if (address != null) {
-            before.get(0).put("nativeRequestAddr", address);
-            check("processImageUpdateResult", mStopwatch.time("update result", () -> call.update(address)));
+        if (nativeReq != null) {
+            before.get(0).put("nativeRequestAddr", nativeReq);
+            check("processImageUpdateResult", mStopwatch.time("update result", () -> call.update(nativeReq)));
         }
     }
 
