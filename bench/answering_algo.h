@@ -15,10 +15,11 @@ void setProcessHandler(ProcessHandler handler);
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 
-// Reports to the library, on the calling thread, that this request is done. Does not allocate.
+// Calls the callback behind the cookie, on the calling thread, to report that this request is done. Does not
+// allocate.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 
-// Returns the library's id of the last request that the calling thread passed to process().
+// Returns the nativeReq of the last request that the calling thread passed to process().
 uint64_t lastNativeRequest();
 
 }  // namespace orlu::bench

@@ -85,8 +85,7 @@ void MetadataUpdater::updateRawLLHDR() {
   if (n < 2) return;
 
   const auto normal = mShot.readOr<Aec>(mShot.frames().at(n - 2), kAecTag);
-  // Both frames share one record: the short frame's missing elements keep the normal frame's values
-  // (Oddity 21).
+  // Elements that the short frame lacks keep the normal frame's values (Oddity 21).
   const auto brief = mShot.readOr<Aec>(mShot.frames().at(n - 1), kAecTag, normal);
   LOGD(
       "CAMERA_MODE_LLHDR expoTimeShort %f, sensorGainShort %f, expTimeNormal %f, sensorGainNormal: %f, "
