@@ -11,9 +11,10 @@ PLATFORM = ROOT / "host/java/android/hardware/camera2/impl"
 # Most parameters depend on this tag, so the table of parameters omits it.
 ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
-MOST = "nearly all parameters of some requests"
+MOST = "more than half of the parameters of some requests"
 NOBODY = "nobody: no function of the library asks for it"
-# Marks a value with one element per frame, or 50 zeros if the camera has no scores. 50 elements are read back.
+# Marks the clarity scores: the library writes one element per frame, or 50 zeros if the camera has none, and
+# reads 50 back.
 BY_FRAMES = "*"
 # Bytes per element, for types with several elements.
 ELEMENTS = {"INTS": 4, "FLOATS": 4, "LONGS": 8, "DOUBLES": 8, "BITS": 8}
@@ -88,7 +89,7 @@ class Sample:
         return text + (f", {image['width']} x {image['height']}" if "width" in image else "")
 
     def tags(self):
-        """Returns every tag of the request, with the value in the first frame that has it."""
+        """Returns every tag of the request with one value: the common one, else the first frame's."""
         tags = {}
         for frame in [self.frame_set.get("common", {}), *self.each]:
             for store in ("captureResult", "composition"):

@@ -1,4 +1,4 @@
-// Extends this machine's <errno.h> by the name that Android's C library uses for the variable.
+// This machine's <errno.h>, with `errno` defined through __errno(), as in Android's C library.
 #pragma once
 #include_next <errno.h>
 extern "C" int* __errno(void);

@@ -127,7 +127,8 @@ public final class ContractTest {
             CLIENT + "begin 2 destroyClient 'client': '0x100'\nbegin 3 createClient\n"
                     + "end 3 createClient 'result': '0x100'\nend 2 destroyClient\n"
                     + "begin 4 flush 'client': '0x100'\n",
-            // A callback may arrive during process or destroyClient. The client is usable until destroyClient returns.
+            // A callback may arrive during process or destroyClient. The client is usable until the latter
+            // returns.
             BLOCK + "begin 3 process " + RECORD + "\nbegin 4 " + CALLED + "end 3 process 'result': 0\n"
                     + "begin 5 destroyMetadata 'block': '0x1000'\n",
             SUBMITTED + "begin 4 destroyClient 'client': '0x100'\nbegin 5 " + CALLED
