@@ -7,10 +7,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <system_error>
 
 #include "event_line.h"
 #include "holdings.h"
@@ -225,7 +225,8 @@ int runPerf(const std::string& algorithms, bool isJson, const std::string& basel
   std::ifstream file(baseline);
   for (std::string line; std::getline(file, line);) lines.push_back(line);
   if (!baseline.empty() && (!file.is_open() || file.bad())) {
-    std::fprintf(stderr, "%s: error: can't be read: %s\n", baseline.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "%s: error: can't be read: %s\n", baseline.c_str(),
+                 std::generic_category().message(errno).c_str());
     return 2;
   }
   const std::vector<PerfRow> before = rowsOf(lines);
