@@ -107,7 +107,7 @@ completed() {
     esac
   done
 }
-# Bash defines compopt only during completion.
+# Bash's own compopt fails outside a completion.
 # shellcheck disable=SC2317 # the completion calls it
 compopt() { :; }
 # shellcheck disable=SC1091 # it was written above

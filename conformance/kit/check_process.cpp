@@ -163,7 +163,7 @@ bool readWords(const std::string& words, Outcome& outcome) {
   return ended;
 }
 
-// Returns the first line of a sanitizer's report or summary, or else the last line that is not blank.
+// Returns the first line with a sanitizer's summary or runtime error, else the last line that is not blank.
 std::string lastOutput(int descriptor) {
   std::ifstream output("/proc/self/fd/" + std::to_string(descriptor));
   std::string last;

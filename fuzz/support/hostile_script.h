@@ -34,8 +34,8 @@ inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& va
   return scripted;
 }
 
-// The operations of the last line are always present: without them the request would wait for a callback that
-// can't arrive.
+// The callables of the last line are always present: without process or getSize, the request would wait for a
+// callback that can't arrive; without the destroy functions, blocks or clients would leak.
 // clang-format off
 constexpr const char* kOperations[] = {
     "init", "uninit", "getData", "flush", "command", "translateParamFile", "createClient", "createMetadata",

@@ -18,7 +18,7 @@ struct RecordedCall {
   std::vector<uint8_t> bytes;
 };
 
-// Sets the stand-in's script; null restores its default behaviour. Records nothing.
+// Sets the stand-in's script; null restores its default behaviour. Unlike an Algo, records no calls.
 void setScript(const standin::AlgoScript* script);
 
 // Sets the script of the calling thread only; null makes the thread use the common script again.

@@ -31,8 +31,8 @@ public final class Comparison {
     private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
-     * Creates a comparison. `ignored` names parameters, values put, calls and images to ignore, "algorithm
-     * list" or "camera metadata". Numbers that differ by at most the tolerance are equal.
+     * Creates a comparison. `ignored` contains names to ignore: of parameters, values put, calls and images,
+     * and "algorithm list" and "camera metadata". Numbers that differ by at most the tolerance are equal.
      */
     public Comparison(
             Run one, Run other, Set<String> ignored, double tolerance, OutputComparison outputs) {

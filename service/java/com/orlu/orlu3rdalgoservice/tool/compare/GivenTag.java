@@ -14,7 +14,7 @@ import java.util.Set;
  * A tag of one frame with different values in two runs.
  *
  * @param source "captureResult" or "composition"
- * @param one    the first run's value as in a recording; "none" if absent
+ * @param one    the first run's value as in a recording, shortened if long; "none" if absent
  * @param other  the second run's value
  */
 public record GivenTag(int frame, String source, String tag, String one, String other) {

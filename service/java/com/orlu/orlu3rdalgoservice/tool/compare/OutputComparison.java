@@ -21,7 +21,7 @@ import java.util.regex.Pattern;
 
 /** Compares outputs by description and bytes, and writes pictures of those that differ. */
 public final class OutputComparison {
-    // A date and time in a JPEG's EXIF block, which the comparison ignores.
+    // An EXIF date and time in a JPEG. The comparison ignores these bytes.
     private static final Pattern EXIF_TIME = Pattern.compile("\\d{4}:\\d\\d:\\d\\d \\d\\d:\\d\\d:\\d\\d\0");
 
     private final Path mPictures;

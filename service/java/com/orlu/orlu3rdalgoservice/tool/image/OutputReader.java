@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 /** The content of an image after a request, read with the description that the native side left. */
 public final class OutputReader {
-    /** The largest side for which a row's bytes fit an int. */
+    /** A limit of the width, so that a row's bytes fit an int. */
     private static final int LARGEST_SIDE = 1 << 28;
 
     private final ImageBuffer mImage;
