@@ -100,7 +100,7 @@ TEST_F(AlgoNativeClientJvmTest, PassesZeroFirst) {
   EXPECT_EQ((std::vector<int>{0, 0}), first);
 }
 
-// AddressSanitizer detects accesses of the client after its destruction.
+// AddressSanitizer detects accesses to the client after its destruction.
 TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   const test::StaticCallHook destroying([&](va_list) { mClient.reset(); });
   mClient->onPostProcessDataCommonShot(mFullAsync);

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Compares the schema of request files with ./run, and runs the files of ./run new: request_schema_test.py
-BUILD_FOLDER. Needs python3-jsonschema, which only Debian's own Python has."""
+"""Compares the schema of request files with ./run, and runs the files that ./run new writes:
+request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which only Debian's own Python has."""
 
 import copy
 import json

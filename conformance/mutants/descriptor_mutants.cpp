@@ -1,4 +1,5 @@
-// Mutants of descriptors and mappings. Their duplicates are separate from the minimal library's.
+// Mutants that misuse descriptors and mappings. They duplicate descriptors themselves, and don't use the
+// minimal library's duplicates.
 #include "mutant.h"
 
 namespace orlu::mutants {

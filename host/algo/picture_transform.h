@@ -10,7 +10,7 @@ namespace orlu::standin {
 bool mirrorLeftRight(const ImageView& image);
 
 // Returns the image scaled bilinearly. Returns an empty picture if the image is neither NV21 nor NV12, or if
-// the size is not positive.
+// a side is below 1 or above 16384.
 Picture scaleTo(const ImageView& image, int width, int height);
 
 }  // namespace orlu::standin

@@ -124,8 +124,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// Returns the offset of a strip or tile. LibRaw stores the offsets of several strips, but only the position
-// of the offset table for several tiles. For a single strip or tile, it stores the offset.
+// Returns the offset of a strip or tile. LibRaw stores the offset of a single strip or tile. For several
+// strips, it stores all offsets; for several tiles, only the position of the offset table.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);

@@ -88,7 +88,7 @@ native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, 
   return handle;
 }
 
-// Returns the row stride in samples; the width if the handle was not created here.
+// Returns the row stride in samples; the width if the handle has another layout or the format is unknown.
 uint32_t rowSamples(const AHardwareBuffer_Desc& desc, const native_handle_t& handle) {
   using namespace orlu::host;
   const bool isOurs = handle.numFds == kDescriptors && handle.numInts == kIntegers && sampleBytes(desc) > 0;

@@ -31,8 +31,8 @@ readonly both=(
 readonly types_package=@nativescript/types-android@9.1.1
 
 # call_compiler ARGUMENTS FLAG...: runs the compiler with the device's settings, Android's headers and
-# Debian's C library, once for every ARGUMENTS arguments from standard input. The device's C library lacks
-# bcmp().
+# Debian's C library, once for every ARGUMENTS arguments from standard input. The compiler must not
+# call bcmp(), which the device's C library lacks.
 call_compiler() {
   xargs -0 -P "$(nproc)" -n "$1" clang++ "${@:2}" \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \
@@ -82,7 +82,7 @@ find_symbols() {
     --bionic "${rust[0]}"/{mod.rs,linux_like/{mod,android/{mod,b32/mod,b32/arm}}.rs} -- "$@"
 }
 
-# Each source includes both headers, with ours in a namespace.
+# Each source includes our header and the platform's, with ours in a namespace.
 check_agreement() {
   local header sources
   rm -rf "$scratch/agreement"

@@ -6,7 +6,7 @@ import java.util.List;
 
 /**
  * The algorithm library's own report on its work for a request: a JSON line in the file that ORLU_ALGO_TRACE
- * names. Libraries other than the stand-in may write no reports.
+ * names. Libraries other than the stand-in need not write reports.
  *
  * @param ran          the algorithms that did something, in order of execution
  * @param skipped      requested algorithms that did nothing: unknown, or without work

@@ -14,9 +14,9 @@ public final class RequestNames {
     }
 
     /**
-     * Returns a unique name for each request file, in order: the file's name without ".json". If an earlier
-     * file in another folder has the same name, the folder's name is prepended: a/x.json and b/x.json become
-     * x and b-x. If the resulting name is taken, a number is appended.
+     * Returns a unique name for each request file, in order: the file's name without ".json". If the first
+     * file with the same name is in another folder, the later file gets its folder's name as a prefix:
+     * a/x.json and b/x.json become x and b-x. If the resulting name is taken, a number is appended.
      */
     public static List<String> of(List<Path> files) {
         Set<String> taken = new HashSet<>();
