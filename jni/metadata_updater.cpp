@@ -68,7 +68,7 @@ int MetadataUpdater::getImageFormat() {
   convertMetadata();
 }
 
-// Writes the initial values of parameters that the algorithms may overwrite, mostly feedback.
+// Writes the initial values of parameters that later steps or the algorithms may overwrite.
 void MetadataUpdater::clearParams() {
   constexpr int64_t kBaseFrameTime = 0;
   constexpr int32_t kBaseFrameIdx = -1;

@@ -36,7 +36,7 @@ public:
   // begins with this tag's name.
   static int abortRequest(JNIEnv* env, int64_t inst, jobject a, jobject param);
   // Returns the answer to "cmd" as a new local reference: "" if the algorithm library stores no answer, null
-  // if the library lacks getData or the VM has no memory.
+  // if `param` is null, the library lacks getData or the VM has no memory.
   static jstring getData(JNIEnv* env, int64_t inst, jobject param);
   // Passes the file in `sharedMemory` to the algorithm library under "identifier".
   static int translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param);

@@ -1,5 +1,6 @@
-// The smallest valid algorithm library. It stores parameters, copies the first input to all outputs, and
-// calls back. It passes all checks of the conformance kit. See docs/algorithm_library.md.
+// The smallest valid algorithm library. It stores parameters, copies the first input to all outputs of the
+// same format and size, and calls back. It passes all checks of the conformance kit. See
+// docs/algorithm_library.md.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>

@@ -13,7 +13,7 @@ struct FrameSelection {
   int base = -1;  // -1 if no frame is usable
 };
 
-// Returns the variance of the luma's Laplacian; 0 for an opaque image or one smaller than 3 x 3.
+// Returns the variance of the luma's Laplacian; 0 for an opaque image or a luma smaller than 3 x 3.
 double sharpnessOf(const ImageView& image);
 
 // Selects frames for a merge: the base, and frames of its shape with at least 60 % of the best sharpness. If

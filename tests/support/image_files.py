@@ -38,7 +38,7 @@ def directory(entries, at, order):
 
 def lossless_jpeg(rows, bits, components):
     """Makes a lossless JPEG (SOF3) of interleaved components. Each sample is predicted from the
-    previous sample of its component."""
+    previous sample of its component in the row; the first from the sample above."""
     every = range(components)
     frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
     lengths = [17 * (i == 4) for i in range(16)]

@@ -31,8 +31,8 @@ final class Commands {
     /** The command that runs without a named subcommand. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
     /**
-     * The subcommands, in the order of the help. Only the selected one is created, since reading annotations
-     * is slow.
+     * The subcommands, in the order of the help. Except for help and completion, only the selected one is
+     * created, since reading annotations is slow.
      */
     private static final List<Row> NAMED = List.of(
             new Row("new", "Print a request file to start from", NewCommand::new),

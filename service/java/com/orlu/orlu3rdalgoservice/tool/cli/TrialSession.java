@@ -33,8 +33,8 @@ final class TrialSession {
     }
 
     /**
-     * Runs the trials of all requests. Reports unreadable files only for "trials"; other commands report them
-     * themselves.
+     * Runs the trials of all requests. Reports invalid arguments and files only for "trials"; other commands
+     * report them themselves.
      */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();

@@ -52,8 +52,8 @@ final class GivenNotes {
     }
 
     /**
-     * Returns text such as "frames 0 to 6 were given TAG = ONE / OTHER", with `verb` " were given" or "". If
-     * the values vary by frame, the text has the first frame's values.
+     * Returns text such as "frames 0 to 6 were given TAG = ONE / OTHER"; `verb` is " was given", " were
+     * given" or "". If the values vary by frame, the text has the first frame's values.
      */
     static String text(List<GivenTag> tag, String verb) {
         GivenTag first = tag.get(0);

@@ -250,7 +250,7 @@ final class OtherValues {
                 ? ofClass(element.getClass(), number.doubleValue() + 1) : element + "1";
     }
 
-    // New elements repeat the last element; in an empty array, they equal the first element for absent tags.
+    // New elements repeat the last element; in an empty array, they are examples, as for an absent tag.
     private static Object resized(Object array, int length) {
         int kept = Math.min(length, Array.getLength(array));
         Class<?> component = array.getClass().getComponentType();

@@ -18,7 +18,7 @@ public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
     public static final int FAILED = 1;
     /** The command line or a request file is invalid. */
     public static final int REFUSED = 2;
-    /** The algorithm library can't be opened, or lacks a mandatory callable. */
+    /** The algorithm library can't be opened, lacks a mandatory callable, or can't create a client. */
     public static final int UNUSABLE = 3;
 
     public Verdict(int status, List<String> reasons) {

@@ -57,7 +57,7 @@ public final class PrivateFacts {
         mKeepsFaces = keepsFaces;
     }
 
-    /** Returns a line for each fact found, with a count if there are several. */
+    /** Returns a line for each fact, with a count if the fact was found several times. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
         mFound.forEach((fact, count) -> lines.add(fact + (count > 1 ? " (" + count + " times)" : "")));

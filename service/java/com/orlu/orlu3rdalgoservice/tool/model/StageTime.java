@@ -65,7 +65,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 .mapToLong(event -> event.number("size")).sum();
     }
 
-    /** Divides the stage of processImage, which lasts until the result of a full-async request is read. */
+    /** Divides the stage of processImage. For a full-async request, it lasts until the result is read. */
     private static final class Division {
         private final RecordedEvents mEvents;
         private final Mark mBegin;
