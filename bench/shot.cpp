@@ -60,7 +60,7 @@ jobject sampleComposition(jobject frame) {
   return composition;
 }
 
-// Returns a value of this type that enables nothing, or null for the few types that need a special object.
+// Returns a value of this type that enables nothing; null for rarely used types.
 jobject zeroOf(const std::string& type) {
   if (type == "INT") return test::javaInt(0);
   if (type == "LONG") return test::javaLong(0);

@@ -1,5 +1,5 @@
-// Makes the compiler of an algorithm library check the sizes and offsets of algo_interface.h. Include it in
-// one source file. A build for a phone must have the phone's layout.
+// Makes the compiler of an algorithm library check the sizes and offsets of algo_interface.h. Include this
+// header in one source file. A build for a phone must have the phone's layout.
 #pragma once
 
 #include "algo_interface.h"

@@ -8,7 +8,7 @@ namespace {
 
 constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
 
-// Writes the frames' timestamps and ids. A frame past the list leaves its entry 0.
+// Writes the frames' timestamps and ids. The entries of a missing frame stay 0.
 void writeFrameIds(Shot& shot, const FusionFrames& frames) {
   constexpr char kTimestampTag[] = "orlu.feedback.sensor_timestamp";
   constexpr char kRequestIdTag[] = "orlu.control.reqID";

@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kJpegName[] = "JPEG";
 
-// The functions that updateResult() calls log this name as their operation.
+// The functions of this file log this name as their operation.
 constexpr char kUpdateResult[] = "updateResult";
 
 }  // namespace

@@ -44,7 +44,8 @@ PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 # Parameters of an abort. No sample requests an abort, so no trial finds their writers.
 ABORT = ("abort_key", "abort_val")
-# Prefixes of functions of Shot that read a tag. Of these functions, only exposureOf() has a frame as argument.
+# Prefixes of the functions of Shot that read one fixed tag; "hot." matches "shot." and "mShot.". Each of them
+# has a KeptTag, except exposureOf(), which takes a frame.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"

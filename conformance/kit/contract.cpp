@@ -6,7 +6,7 @@
 namespace orlu::conform {
 namespace {
 
-// Constants of the interface's header replace the placeholders in this text.
+// contract() replaces the placeholders in this text by constants.
 constexpr char kText[] =
     R"(- **The table.** When the first client is created, the service opens the library by its name with
   RTLD_NOW, and never closes it. It calls the entry once for the process and once more for each

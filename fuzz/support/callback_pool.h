@@ -31,8 +31,8 @@ public:
   CallbackPool& operator=(const CallbackPool&) = delete;
   ~CallbackPool();  // sends the remaining callbacks
 
-  // Sends the callback after its delay. First waits for a few other callbacks, but only for a short time, so
-  // that the order can change.
+  // Queues the callback, which the thread sends after its delay. Before that, the thread waits a short time
+  // for a few other callbacks, so that the order can change.
   void hold(const HeldCallback& callback);
 
 private:

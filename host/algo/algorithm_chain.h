@@ -1,6 +1,6 @@
 // Runs the algorithms of one request: selects and merges frames, changes the picture, and encodes it into
-// the first output or copies it into all outputs. "ppt" also encodes it into the second output. Unknown names
-// are only reported.
+// the first output or copies it into all outputs. With "ppt", the second output gets a JPEG instead of a
+// copy. Unknown names are only reported.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// Replaces this machine's <malloc.h> as in Android's C library, which has no mallinfo2() and no M_PERTURB.
+// Replaces this machine's <malloc.h>. Like Android's, it has no mallinfo2() and no M_PERTURB.
 #pragma once
 #include <stddef.h>
 struct mallinfo {

@@ -1,4 +1,4 @@
-// Adds the Android macros that the platform's headers use to this machine's <sys/cdefs.h>.
+// This machine's <sys/cdefs.h> with an Android macro that the platform's headers use.
 #pragma once
 #include_next <sys/cdefs.h>
 #define __INTRODUCED_IN(level)

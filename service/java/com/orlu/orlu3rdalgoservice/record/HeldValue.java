@@ -108,7 +108,7 @@ public final class HeldValue {
     /**
      * Converts each value to an object that names its type ({"long": 5}), so that it can be read back. A
      * value of a class without a type name becomes {"class": the class, "text": the result of toString()}. If
-     * the conversion throws, "text" names the exception.
+     * the conversion throws or an element is null, "text" is the reason.
      */
     static Map<String, Object> typed(Map<String, ?> values) {
         Map<String, Object> typed = new LinkedHashMap<>();

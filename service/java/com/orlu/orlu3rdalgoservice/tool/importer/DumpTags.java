@@ -27,7 +27,7 @@ final class DumpTags {
     private static final String GPS_COORDINATES = "android.jpeg.gpsCoordinates";
     private static final String GPS_METHOD = "android.jpeg.gpsProcessingMethod";
     private static final String GPS_TIME = "android.jpeg.gpsTimestamp";
-    /** Entries that are combined into one tag, and their types. */
+    /** Entries that are parts of a combined tag, and their types. */
     private static final Map<String, String> PARTS = Map.of(FACE_RECTANGLES, "int32", FACE_SCORES, "byte",
             GPS_COORDINATES, "double", GPS_METHOD, "byte", GPS_TIME, "int64");
 
