@@ -40,8 +40,8 @@ public:
   // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
-  // status.
+  // The parameter channel: copy `size` bytes under a section and a key of the block, or visit the values that
+  // the algorithms pass to the system or request from it. Return the context's status.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
@@ -94,7 +94,8 @@ public:
   // metadata_updater_regions.cpp
   // Returns whether rectangles must be scaled from the active array to an image of this size in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
-  // Converts all faces in place, at most kMaxFaces, and drops those outside the image.
+  // Converts all faces in place and drops those outside the image; does nothing without an active array.
+  // `face` must not contain more than kMaxFaces faces.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
   // Read a metering region and convert it into `region`, which is unchanged without an input image or active
   // array.

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # A private root with Debian's 32-bit ARM JVM and the libraries that the build links. It is downloaded and
-# unpacked once, into the user's cache folder, without root rights. Nothing is installed on this machine, and
-# programs of the root run only under the emulator. Source this file after lib.sh.
+# unpacked once, into the user's cache folder, without root rights. Its packages are not installed on this
+# machine, and its programs run only under the emulator. Source this file after lib.sh.
 
 # The packages in the root, without their dependencies. A change creates a new root.
 readonly arm_root_packages=(

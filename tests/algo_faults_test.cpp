@@ -110,7 +110,7 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
 }
 
 // Operations that throw, and operations that leave a Java exception pending. Operations that create an object
-// fail before they create it, the others after their work.
+// misbehave before they create it, the others after their work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
   // Runs a client through all natives. Returns a line "announced" if Java was notified, then a line for each

@@ -191,7 +191,7 @@ void listChecks() {
   for (const Check& check : allChecks()) std::printf("%-12s%s\n", check.name, check.promise);
 }
 
-// Reads the options. Options that print something and run no check exit here.
+// Reads the options. Exits on errors, and after --list, --contract and --help.
 void readCommandLine(int argc, char** argv) {
   std::string only;
   int index = 0;

@@ -79,7 +79,7 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
-// Runs requests one after another. The first one warms up and is not counted.
+// Runs requests one after another. The first request of each measurement warms up and is not counted.
 class Meter {
 public:
   void measure(const std::string& algorithm, const ImageShape& shape) {

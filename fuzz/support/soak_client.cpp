@@ -260,7 +260,7 @@ void SoakClient::end(int64_t address) {
                                              mArguments.images, compositions);
 }
 
-// Finishes a request that was not announced to Java. Java has guessed its id.
+// Finishes a request that was not announced to Java, as if Java had guessed its id.
 void SoakClient::finishByName(uint64_t nativeReq) {
   bool isKnown = true;
   for (int i = 0; i < kFlushes && isKnown; ++i) {

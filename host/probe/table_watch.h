@@ -33,7 +33,7 @@ struct CallbackArguments {
 // One call and its arguments. Everything in it belongs to the caller and is valid only during the call;
 // arguments that the operation lacks are null.
 struct WatchedCall {
-  std::string_view operation;  // the name of the callable, or "callback", "visit"
+  std::string_view operation;  // the name of the callable, or "callback", "visit", "entry"
   uint64_t number = 0;         // counts the calls of this process, from 1
   uint64_t of = 0;             // visit: the enclosing call; callback: the last process() with its cookie
 
@@ -59,8 +59,8 @@ struct WatchedEnd {
   Kind kind = kNothing;
   int64_t number = 0;      // kNumber
   void* handle = nullptr;  // kHandle
-  std::string thrown;      // kThrew: the exception's type, and what() of a std::exception
-  std::string what;
+  std::string thrown;      // kThrew: the exception's type
+  std::string what;        // kThrew: what() of a std::exception
   int64_t nanoseconds = 0;
 };
 

@@ -1,5 +1,5 @@
-// Intercepts static calls of the main thread while this object lives. The library makes one such call:
-// callbackFromNative().
+// Intercepts the main thread's calls of static void methods while this object lives. The library calls one
+// such method: callbackFromNative().
 #pragma once
 
 #include <jni.h>

@@ -27,13 +27,13 @@ public final class Orlu3rdAlgoService {
     /** Releases a client's algorithms in the mode for "imageFormat". The client can be initialised again. */
     public native int algoRelease(long inst, Object param);
 
-    /** Discards the pending work of a client's algorithms. Ignores both objects. */
+    /** Flushes a client's algorithms; ideally waits for requests in flight. Ignores both objects. */
     public native int flush(long inst, Object unread, Object param);
 
-    /** Aborts the frame that "AbortKey" and "AbortVal" identify. Ignores other keys without an error. */
+    /** Aborts the requests that "AbortKey" and "AbortVal" identify. Ignores other keys without an error. */
     public native int abort(long inst, Object unread, Object param);
 
-    /** Returns the algorithm library's answer to "cmd"; null if it has no answer. */
+    /** Returns the algorithm library's answer to "cmd": "" if it has none, null if it can't be asked. */
     public native String getData(long inst, Object param);
 
     /** Passes a parameter file in shared memory to the algorithm library, with its name in "identifier". */

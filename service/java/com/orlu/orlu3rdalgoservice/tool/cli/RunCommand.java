@@ -154,7 +154,7 @@ final class RunCommand implements Subcommand {
         return new PostMortem(this, exitStatus).run();
     }
 
-    /** Returns this if the options can be combined; else throws an IllegalArgumentException. */
+    /** Returns this if the options are valid and can be combined; else throws IllegalArgumentException. */
     RunCommand checked() {
         if (isGiven("--jobs")) {
             needsPositive("--jobs", tried.jobs);
@@ -242,7 +242,10 @@ final class RunCommand implements Subcommand {
         return written.events != null || needsTrials();
     }
 
-    /** Returns whether a requested output needs trials, which the launcher has started. */
+    /**
+     * Returns whether a requested output needs trials. The launcher has started them, unless only --report
+     * needs them and ORLU_TRIALS is "off".
+     */
     boolean needsTrials() {
         return shown.tags || tried.strict || written.report != null || !shown.explain.isEmpty();
     }

@@ -36,7 +36,7 @@ public record CropArea(int x, int y, int width, int height) {
 
     /**
      * Returns the area's place in an image of this size. Throws IllegalArgumentException, whose message names
-     * the image, if the area is too large.
+     * the image, if the area exceeds the image.
      */
     CropArea in(int imageWidth, int imageHeight, String image) {
         CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,
