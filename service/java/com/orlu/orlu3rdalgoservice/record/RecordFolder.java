@@ -111,7 +111,7 @@ final class RecordFolder {
 
     /**
      * Moves a file with this checksum into the folder, or deletes it if writeBytes() has written a file of
-     * the same checksum and size. Deletes the file and returns false if it exceeds the size limit.
+     * the same checksum and size. Deletes a new file that exceeds the size limit, and returns false.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();
