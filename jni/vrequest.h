@@ -17,7 +17,7 @@ namespace orlu {
 
 class VRequest {
 public:
-  // Log tag of this class and of the image line.
+  // Log tag of this class and of printImageInfo().
   static constexpr char kLogTag[] = "_V_VASJNI-VRequest";
 
   // Reads four Java objects, any of which may be null: the request and its lists of input VImageIPCs, output

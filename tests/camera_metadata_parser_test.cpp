@@ -68,7 +68,7 @@ protected:
   }
 
   test::LocalFrame mFrame;
-  CameraMetadataParser mParser{test::env()};  // the VM loads its classes before lookups are counted
+  CameraMetadataParser mParser{test::env()};  // loads the parser's classes before lookups are counted
   LogCapture mLog;
 };
 

@@ -168,7 +168,7 @@ void checkJava() {
   constexpr bool kSeesTheVm = false;
 #endif
   if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer does not support a Java VM";
-  // The VM is not shut down; the process exits with it.
+  // Nothing shuts the VM down: it lives until the process exits.
   endAtOnce();
   if (!startVm()) return;
   OPEN_LIBRARY(library);

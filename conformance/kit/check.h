@@ -20,7 +20,7 @@ struct Check {
 // All checks, in the order in which they run.
 const std::vector<Check>& allChecks();
 
-// Fails the check unless the condition holds. The streamed text is the evidence; reports print nothing else.
+// Fails the check unless the condition holds. The streamed text is the evidence; reports omit the condition.
 #define HOLDS(condition)          \
   GTEST_AMBIGUOUS_ELSE_BLOCKER_   \
   if (condition) {                \

@@ -41,7 +41,7 @@ standin::AlgoScript plainSoakScript(Ledger& ledger);
 
 class SoakClient {
 public:
-  // Creates a client; `seed` decides when it races and how it ends.
+  // Creates a client; `seed` decides the delays of its racing callbacks and the fault in its destruction.
   SoakClient(SoakShared& shared, const SoakArguments& arguments, uint64_t seed);
   SoakClient(const SoakClient&) = delete;
   SoakClient& operator=(const SoakClient&) = delete;

@@ -244,7 +244,7 @@ private:
     return "times " + std::to_string(times) + ' ' + name;
   }
 
-  // Returns the number of log lines, for an expectation such as "2 "message"". Lines of the short tag have no
+  // Returns the number of log lines, for an expectation such as `2 "message"`. Lines of the short tag have no
   // prefix.
   std::string logged(std::istream& in, const std::string& kind) const {
     const bool isShort = kind == "short";

@@ -25,7 +25,7 @@ import picocli.CommandLine.Model.OptionSpec;
 
 /** Runs the requests of one command line in parallel, each in its own ./run process. */
 final class JobsSession {
-    /** Options that only this process handles. */
+    /** Options that are not copied to the child processes' command lines. */
     private static final Set<String> OWN = Set.of("--jobs", "--json", "--junit", "--quiet", "--arm");
 
     private final RunCommand mOptions;
