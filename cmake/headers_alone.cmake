@@ -1,5 +1,5 @@
 # The target headers_alone checks that every header compiles alone: for each header, it compiles a source that
-# includes the header twice. scripts/lint.sh builds it.
+# includes the header twice. scripts/lint.sh builds this target.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
 # Headers for clang only: libFuzzer's targets, and replacements of headers of Android's C library.

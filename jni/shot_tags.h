@@ -185,8 +185,8 @@ public:
   const FrameList& frames() const { return mFrames; }
   Frame first() const { return mFrames.first(); }
 
-  // Reads a tag into `value`. Returns 0, or -1 if the tag is missing or of the wrong type; `value` is then
-  // unchanged, but text and bytes become zero.
+  // Reads a tag into `value`. Returns 0, or -1 if the tag is missing, of the wrong type, or an empty list of
+  // metering rectangles; `value` is then unchanged, but text and bytes become zero.
   template <typename T>
   int read(const Frame& frame, const char* tag, T& value) const {
     return getter::get(*mParser, value, tag, frame);

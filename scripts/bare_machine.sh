@@ -1,7 +1,7 @@
 #!/bin/bash
 # Runs commands of this project on a bare Debian 12: a minimal root file system without other
-# packages, a clean clone of the last commit, and an empty environment. Fails if a command fails or a picture
-# is missing.
+# packages, a clean clone of the last commit, and only the proxies of this machine's environment. Fails if a
+# command fails or a picture is missing.
 #   scripts/bare_machine.sh              ./run and then ./test
 #   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in its own root
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
@@ -109,8 +109,8 @@ in_root() {
       sh -c "cd /vas && $2"' sh "$1" "$2"
 }
 
-# try_commands NUMBER COMMANDS: runs the commands one after another in a root, and appends a line for each to the
-# file "times".
+# try_commands NUMBER COMMANDS: runs the commands one after another in a root, until one fails. Appends a line for
+# each to the file "times".
 try_commands() {
   local place=$work/root$1 command commands status
   make_root "$place"

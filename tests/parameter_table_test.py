@@ -19,8 +19,8 @@ SHOWN_AS = {
     "long": {"LONG", "UNSIGNED_LONG"}, "ints": {"INTS", "RECT", "CROP", "SENSOR_CROP"}, "longs": {"LONGS"},
     "floats": {"FLOATS"}, "doubles": {"DOUBLES"}, "text": {"TEXT"},
 }
-# NAMED_KEY matches a section constant and a key. RESULT_KEY matches quoted words, which are always keys in
-# result_updater*.cpp.
+# NAMED_KEY matches a section constant and a key. RESULT_KEY matches quoted words with underscores; in
+# result_updater*.cpp, all of these are keys.
 NAMED_KEY = re.compile(rf'\bk({SECTIONS.title()}),\s*"(\w+)"')
 RESULT_KEY = re.compile(r'"([a-z][a-z0-9]*(?:_[a-z0-9]+)+)"')
 

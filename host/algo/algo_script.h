@@ -65,8 +65,8 @@ struct AlgoScript {
   std::function<void(int)> visited;  // called with the result of each visitor
   std::vector<ScriptedValue> values;
   std::vector<WantedValue> wanted;
-  // Called on the thread of each operation, before the operation (getValue: after it). Must be set when the
-  // library fills in the table. Must not throw.
+  // Called on the thread of each operation, before the operation (getValue: after it). Must not throw. If no
+  // observer is set when the library fills in a table, calls through that table are never observed.
   std::function<void(const probe::WatchedCall&)> observer;
 };
 

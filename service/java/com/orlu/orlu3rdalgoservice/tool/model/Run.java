@@ -325,8 +325,8 @@ public final class Run {
     }
 
     /**
-     * The algorithms that were passed to the library and exist there, but did nothing; none if the library
-     * does not report its work.
+     * The algorithms that were passed to the library but that it reports neither as run nor as skipped; none
+     * if the library does not report its work.
      */
     public List<String> idleAlgorithms() {
         if (mPass == null) {

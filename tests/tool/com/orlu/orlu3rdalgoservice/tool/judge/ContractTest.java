@@ -12,7 +12,7 @@ import java.util.stream.Collectors;
 
 import org.junit.Test;
 
-/** Tests which recorded calls breach the contract. */
+/** Tests that breaches of the contract are found in recorded calls. */
 public final class ContractTest {
     private static final String CLIENT = "begin 1 createClient\nend 1 createClient 'result': '0x100'\n";
     private static final String BLOCK =
