@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Tests the checks on mutants: mutants_test.py BUILD [--all | EMULATOR...]. For each mutant, runs the
-check for the mutant's fault; this check must fail. With --all, runs every check on every mutant, and compares
-the failing checks with mutants.txt."""
+check for the mutant's fault; this check must fail, or warn if mutants.txt marks it with "?". With --all, runs
+every check on every mutant, and compares the failing checks with mutants.txt."""
 import json
 import os
 import re
@@ -25,7 +25,7 @@ FEW_ROUNDS = ["--hammer", "0.1"]
 
 
 def judge(library, mutant="", options=()):
-    """Returns the failing checks, and the checks that only warn with "?" appended. Without a report, returns
+    """Returns the failing checks and, with "?" appended, the checks that only warn. Without a report, returns
     one text that begins with "no report"."""
     ran = subprocess.run([*emulator, build / "bin/conform", build / "mutants" / library, *QUICK, *options],
                          env={**os.environ, "ORLU_MUTANT": mutant}, capture_output=True, text=True)

@@ -134,8 +134,8 @@ public:
                                              jclass valueClass);
   jobject getMetadataObjectFromCharacteristics(jobject characteristics, const char* key, jclass valueClass);
 
-  // Getters from a capture result that `parameter`, its composition, overrides; either may be null. They
-  // return 0, or -1 with a logged line if the value is missing or of the wrong type. Capacities count
+  // Getters from a capture result and its composition `parameter`, which overrides it; either may be null.
+  // They return 0, or -1 with a logged line if the value is missing or of the wrong type. Capacities count
   // elements, sizes count bytes. Elements that were not read keep their values.
   int getInt(int32_t& value, const char* key, jobject captureResult, jobject parameter);
   int getFloat(float& value, const char* key, jobject captureResult, jobject parameter);

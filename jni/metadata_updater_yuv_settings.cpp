@@ -129,7 +129,7 @@ void writeDocument(Shot& shot) {
   shot.write<int32_t>(kParameter, "hasDocArea",            area);
   // clang-format on
   LOGD_AS(kOperation, "orlu.control.document.pack %d", pack);
-  // Logged again at every log level, for production logs (Oddity 50).
+  // Logged again, whatever the log level, for production logs (Oddity 50).
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 

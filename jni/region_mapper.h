@@ -24,8 +24,8 @@ struct RegionScale {
 // gave in image coordinates are not scaled.
 bool needsScaling(_tagOrluSize active, _tagOrluSize image, const RegionScale& scale);
 
-// Maps `rect` to the image, before any zoom. `active` must have no zero side. The offsets apply even without
-// scaling (Oddity 26).
+// Maps `rect` to the image, before any zoom. `active` must have no zero side. The offsets that crop the
+// active array to the image's aspect ratio apply even without scaling (Oddity 26).
 __tagOrluRect mappedToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image,
                             bool isScaled);
 

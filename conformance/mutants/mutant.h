@@ -42,7 +42,7 @@ Bytes message(uint64_t nativeReq, const std::string& name, size_t payload = 0);
 // Returns the request id in a callback's bytes.
 uint64_t requestOf(const Bytes& bytes);
 
-// Calls the caller's function with this cookie.
+// Calls the caller's function, whose address is the cookie.
 void sendTo(uint64_t cookie, const Bytes& bytes);
 
 // Intercepts the minimal library's callbacks: calls change(bytes, send, block, list) instead of the caller's

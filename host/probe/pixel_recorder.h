@@ -26,7 +26,7 @@ public:
   void after(const WatchedCall& call, const WatchedEnd& end);
 
 private:
-  // An output of a request that has not been called back. The caller may close its own descriptor meanwhile.
+  // An output of a request that waits for its callback. The caller may close its own descriptor meanwhile.
   struct Output {
     int fd;  // a duplicate, owned
     int32_t size;

@@ -13,9 +13,8 @@ namespace orlu::planted {
 // Other kinds have no effect.
 void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 
-// Changes the stand-in's NV21 outputs in shared memory: "black" and "clipped" (white) replace all pixels,
-// "dark" divides the luma, "green" clears the chroma, and "half" clears the lower half of the luma. Other
-// kinds have no effect.
+// Changes the stand-in's NV21 outputs: "black" and "clipped" (white) replace all pixels, "dark" divides the
+// luma, "green" clears the chroma, and "half" clears the lower half of the luma. Other kinds have no effect.
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs);
 
 // Writes to the memory of a read-only frame.

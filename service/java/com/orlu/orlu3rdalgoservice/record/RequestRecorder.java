@@ -20,7 +20,7 @@ import java.util.logging.Logger;
  * the request. Thread-safe.
  */
 public final class RequestRecorder {
-    /** The Java system property that enables recording and names the folder of the recordings. */
+    /** The property (see Setting) that enables recording and names the folder of the recordings. */
     public static final String FOLDER_PROPERTY = "orlu.record";
     /** The property with the number of recordings to keep. Older ones are removed. */
     public static final String COUNT_PROPERTY = "orlu.record.count";

@@ -13,7 +13,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.regex.Pattern;
 
-/** Adds a comment on each tag to a sample, as a template for request files. */
+/** Makes a template for request files: a sample with a comment on each tag. */
 public final class CommentedSample {
     private static final Pattern NAME = Pattern.compile("\"([\\w.]+)\": ?");
     private static final String PHOTO = "\"photo\": \"";

@@ -16,7 +16,7 @@ import java.util.concurrent.atomic.AtomicInteger;
 
 /** Runs tasks in parallel, and passes their results to a callback in the order of the tasks. */
 public final class SideBySide {
-    /** Limit on the wait for running tasks. A request alone waits up to ten seconds for its callback. */
+    /** Limit on the wait for running tasks. A request may wait for its callback for ten seconds. */
     private static final long LONGEST_TASK_SECONDS = 30;
 
     /** Receives a result. */
@@ -30,7 +30,7 @@ public final class SideBySide {
     /**
      * Runs the tasks on `jobs` threads, and passes results to `taker` on this thread. `what` names the work
      * in the display of progress. Throws the first exception of a task or of `taker`, after the running tasks
-     * have finished (or have hung for LONGEST_TASK_SECONDS): they may use what the caller then closes.
+     * have finished (or have hung for LONGEST_TASK_SECONDS): they may use objects that the caller closes.
      */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {

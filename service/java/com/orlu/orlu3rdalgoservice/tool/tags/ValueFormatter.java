@@ -5,7 +5,7 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** Formats the values that the native side puts into compositions, for people and as JSON. */
+/** Formats Java values for people and as JSON: values put into compositions, parameters, callbacks. */
 public final class ValueFormatter {
     private static final int ELEMENTS = 8;
 
