@@ -1,2 +1,2 @@
-/** Makes request files from the files of cameras: text dumps, an image test's JSON, EXIF blocks. */
+/** Makes request files from cameras' text dumps, an image test's JSON, pictures and their EXIF blocks. */
 package com.orlu.orlu3rdalgoservice.tool.importer;
