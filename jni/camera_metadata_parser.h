@@ -227,8 +227,7 @@ private:
     jmethodID keyConstructor;
     jmethodID get;
   };
-  // Returns the environment for the owners of the next operation's local references; null if the batch frees
-  // the references.
+  // Returns the environment for the next operation's ScopedLocalRefs; null if the batch frees the references.
   JNIEnv* referenceOwner() { return mBatch != nullptr && mBatch->makeRoom() ? nullptr : mEnv; }
   ScopedLocalRef<> ask(jobject captureResult, jobject parameter, const char* key, jclass valueClass);
   ScopedLocalRef<> ask(jobject parameter, const char* key);
@@ -246,7 +245,7 @@ private:
 
   // camera_metadata_parser_getters.cpp
   enum Unpacked { kRead, kWrongType, kEmpty };
-  // Destinations of values that are more than one C++ object.
+  // Destinations that consist of several C++ objects, such as a buffer and its capacity.
   struct TextOut;
   struct BytesOut;
   struct NewBytesOut;

@@ -1,5 +1,6 @@
-// Implements the tables: clients, metadata blocks, the worker, and the script by which tests control the
-// stand-in. Finished requests go to the trace. Only scripted exceptions are thrown.
+// Implements the operations of the interface's tables. Owns the clients, the metadata blocks, the worker, and
+// the script by which tests control the stand-in. Finished requests go to the trace. Only scripted exceptions
+// are thrown.
 #pragma once
 
 #include <chrono>

@@ -110,7 +110,7 @@ bool DngFile::listBlocks() {
   if (!inRange("TileLength", blockHeight, 1, kLargestSide)) return false;
   const int needed = ((width() - 1) / blockWidth + 1) * ((height() - 1) / blockHeight + 1);
   const int found = isTiled() ? tiling().count : std::max(mImage->strip_offsets_count, 1);
-  // The file contains at least one byte per offset.
+  // A valid file has at least one byte per strip or tile; this also limits their number.
   if (needed != found || needed > libraw_internal_data.internal_data.input->size()) {
     return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
@@ -194,9 +194,9 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage makes a decoder stop without an error. Therefore decodes into memory that is filled with a
-// mark, and if any sample equals the mark, decodes again with a different mark. The decoder did not write the
-// samples that equal the mark both times.
+// Some damage makes a decoder stop without an error. Therefore this function decodes into memory
+// filled with a mark. If any sample equals the mark, it decodes again over a different mark. A sample that
+// equals the mark after both was not written by the decoder.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

@@ -198,7 +198,7 @@ TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
   for (size_t i = 0; i < kWaiters; ++i) {
     const uint64_t id = mMap.create(static_cast<int64_t>(i), nullptr, false);
     waiters.emplace_back([this, id, &threadId = threadIds[i], &mine = calledBack[i]] {
-      pthread_setname_np(pthread_self(), "a waiter) R");  // untilAsleep() must find the state after any name
+      pthread_setname_np(pthread_self(), "a waiter) R");  // must not mislead untilAsleep()
       threadId = test::threadId();
       EXPECT_TRUE(mMap.waitForCallback(id));
       EXPECT_TRUE(mine) << id << " woke for another request";

@@ -46,7 +46,7 @@ constexpr int32_t kOversized = 1 << 24;
 // Longer than the ten seconds that a request waits.
 constexpr std::chrono::seconds kLate{11};
 
-// Result that belongs to the first request of a burst, stored in all requests.
+// The fault "crossed" stores this result in every request of a burst; only the first may have it.
 constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;

@@ -205,7 +205,7 @@ final class ImageFileReader {
         long end = plane.offset() + plane.size();
         if (end > size) {
             throw field.error(mPath + ": plane " + index + ": expected " + end + " bytes (" + plane.size()
-                    + " at " + plane.offset() + "), found " + size);
+                    + " at offset " + plane.offset() + "), found " + size);
         }
     }
 

@@ -82,7 +82,7 @@ final class ImagePlanReader {
             for (String member : ofFiles) {
                 if (members.has(member)) {
                     mMistakes.add(members.get(member).error(
-                            "requires the field file; without it, the pixels come from a photo"));
+                            "requires the field \"file\"; without it, the pixels come from a photo"));
                 }
             }
         }

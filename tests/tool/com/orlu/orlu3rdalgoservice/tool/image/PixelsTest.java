@@ -223,7 +223,7 @@ public final class PixelsTest {
     @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
         // Rows of random dots, each shifted by 5 pixels from the row above. The picture is wider than the
-        // largest picture of a page.
+        // largest that a page shows.
         Random random = new Random(3);
         float[] dots = new float[4200 + 5 * 901];
         for (int i = 0; i < dots.length; ++i) {
