@@ -2,7 +2,6 @@
 #include <getopt.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -176,7 +175,7 @@ double nonNegative(const char* text, const char* flag, const char* kind = "a num
 int wholeNumber(const char* text, const char* flag) {
   constexpr const char* kKind = "a whole number";
   const double number = nonNegative(text, flag, kKind);
-  if (std::floor(number) != number) refuseNumber(text, flag, kKind);
+  if (static_cast<int>(number) != number) refuseNumber(text, flag, kKind);
   return static_cast<int>(number);
 }
 
