@@ -7,9 +7,8 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * One frame's metadata: what the camera reported, overlaid with the service's own values. The native side
- * looks up the service's values first, and puts its results among them. The entry points' parameter objects
- * are compositions, too.
+ * One frame's metadata: the camera's values, overlaid with the service's own, to which the native side adds
+ * its results. The entry points' parameter objects are compositions, too.
  */
 public class CaptureResultComposition {
     // Read and stored by the native side.
@@ -18,7 +17,7 @@ public class CaptureResultComposition {
     private final CameraMetadataNative mSource;
     private final Map<String, Object> mMetadata = new LinkedHashMap<>();
 
-    /** A composition without a capture result. */
+    /** A composition over empty camera metadata. */
     public CaptureResultComposition() {
         this(new CameraMetadataNative());
     }
@@ -38,10 +37,7 @@ public class CaptureResultComposition {
         mMetadata.put(key, value);
     }
 
-    /**
-     * Makes a capture result from the camera's metadata. The native side calls this once and caches the
-     * result.
-     */
+    /** Makes a capture result from the camera's metadata. The native side calls this once and caches it. */
     public CaptureResult assembleResultComposition() {
         return new CaptureResult(mSource);
     }

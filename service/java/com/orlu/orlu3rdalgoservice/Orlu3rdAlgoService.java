@@ -13,9 +13,7 @@ public final class Orlu3rdAlgoService {
         System.loadLibrary("orlu.vas.native.interface");
     }
 
-    /**
-     * Creates a client from "algoContextIndex" and "clientId". Returns its handle; 0 if memory is exhausted.
-     */
+    /** Creates a client from "algoContextIndex" and "clientId". Returns its handle; 0 if out of memory. */
     public native long createNativeClient(Object param);
 
     /** Destroys a client. */
@@ -50,10 +48,7 @@ public final class Orlu3rdAlgoService {
     public native int processImage(
             long inst, Object request, Object inputs, Object outputs, Object compositions);
 
-    /**
-     * Writes the results of the full-async request identified by "nativeRequestAddr" in the first
-     * composition.
-     */
+    /** Writes the results of the full-async request whose "nativeRequestAddr" is in the first composition. */
     public native int processImageUpdateResult(
             long inst, Object request, Object inputs, Object outputs, Object compositions);
 

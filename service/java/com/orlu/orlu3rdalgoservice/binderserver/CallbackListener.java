@@ -5,9 +5,6 @@ import java.util.Map;
 /** Receives the native side's reports, on a thread of the algorithm library. */
 @FunctionalInterface
 public interface CallbackListener {
-    /**
-     * Receives one report. The map contains "nativeRequestAddr" for a finished request, "eventType" for a
-     * light stream.
-     */
+    /** The map contains "nativeRequestAddr" for a finished request, "eventType" for a light stream. */
     void onCallback(long clientId, int algoContextIndex, long requestId, Map<String, Object> values);
 }

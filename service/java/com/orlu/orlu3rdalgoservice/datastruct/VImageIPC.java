@@ -10,9 +10,8 @@ import android.os.SharedMemory;
 public final class VImageIPC {
     /** The format's name, such as "NV21". Never null. */
     public String mFormat;
-    /** Width in pixels. */
+    /** Width and height in pixels. */
     public int mWidth;
-    /** Height in pixels. */
     public int mHeight;
     /** Bytes from one row to the next, for each plane. */
     public int[] mRowStrides;

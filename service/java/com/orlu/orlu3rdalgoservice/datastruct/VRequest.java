@@ -14,10 +14,7 @@ public class VRequest {
         return mRequestId;
     }
 
-    /**
-     * Returns the type: a preview if it begins with "previewProcess", a stop if it begins with "stopProcess",
-     * else a shot.
-     */
+    /** "previewProcess..." is a preview, "stopProcess..." a stop, and any other type a shot. */
     public String getRequestType() {
         return mRequestType;
     }

@@ -34,18 +34,12 @@ final class EventCopy {
         return path.isEmpty() ? null : new EventCopy(new File(path));
     }
 
-    /**
-     * The offset in the probe's file, in bytes, at which this request's events begin; for copying them if the
-     * process dies.
-     */
+    /** Offset of this request's events in the probe's file, in bytes; needed to copy them after a crash. */
     long start() {
         return mStart;
     }
 
-    /**
-     * Copies the events so far and the request's pixels into the recording. Adds the events file and a list
-     * of the omitted pixels to the outcome.
-     */
+    /** Copies events and pixels into the recording; adds the events file and omitted pixels to `outcome`. */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
             return;
@@ -66,9 +60,8 @@ final class EventCopy {
         }
     }
 
-    // Finds the pixel files by their names in the events: on some file systems, a 32-bit process can't list
-    // the folder. Concurrent requests share the events file, so only events with this request's id count.
-    // Returns the omitted files.
+    // Takes the files' names from the events: on some file systems, a 32-bit process can't list the folder.
+    // Uses only events with this request's id: requests may share the file. Returns the omitted files.
     private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
             throws IOException {
         List<Object> leftOut = new ArrayList<>();

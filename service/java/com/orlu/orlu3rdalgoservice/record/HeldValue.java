@@ -15,7 +15,6 @@ import java.util.Map;
 /** Converts metadata values to the forms that request files use, for JsonWriter. */
 public final class HeldValue {
     private static final char[] HEX = "0123456789abcdef".toCharArray();
-    /** The names of types in request files. */
     private static final Map<Class<?>, String> TYPE_NAMES = Map.ofEntries(
             Map.entry(Integer.class, "int"),
             Map.entry(Long.class, "long"),

@@ -9,8 +9,7 @@ import java.util.stream.IntStream;
 
 /**
  * Writes JSON. A value is a Map with string keys, an Iterable, an array, a String, a Number, a Boolean, null
- * or a Source of such a value. NaN and infinities become texts because JSON lacks them. Unsafe characters
- * are escaped.
+ * or a Source of such a value. NaN and infinities become texts. Unsafe characters are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
@@ -35,15 +34,12 @@ public final class JsonWriter {
         return new JsonWriter(0).write(value, 0).toString();
     }
 
-    /**
-     * Returns the value formatted for a file: one member or element per line, indented by two spaces per
-     * level.
-     */
+    /** Returns the value for a file: one member or element per line, indented by two spaces per level. */
     public static String pretty(Object value) {
         return pretty(value, Integer.MAX_VALUE);
     }
 
-    /** Returns the value formatted for a file; values nested deeper than `levels` stay on one line. */
+    /** Returns the value for a file; values nested deeper than `levels` stay on one line. */
     public static String pretty(Object value, int levels) {
         return new JsonWriter(levels).write(value, 0).append('\n').toString();
     }

@@ -67,8 +67,7 @@ final class RecordFolder {
                 channel.write(bytes);
             }
         } catch (IOException e) {
-            // A partial file is useless, and outcome.json with the reason for the failure may need the disk
-            // space.
+            // A partial file is useless; outcome.json with the reason may need its disk space.
             if (file.isFile() && !file.delete()) {
                 RequestRecorder.warn("can't remove " + file);
             }
@@ -76,7 +75,6 @@ final class RecordFolder {
         }
     }
 
-    /** Whether the recording includes the probe's pixels. */
     boolean keepsProbePixels() {
         return mPixels == RequestRecorder.Pixels.ALL;
     }
@@ -90,10 +88,7 @@ final class RecordFolder {
         }
     }
 
-    /**
-     * Writes the bytes to a file and adds the file's name and checksum to the object. If the bytes exceed the
-     * size limit, adds the reason instead.
-     */
+    /** Writes a file and adds its name and checksum to `json`; above the size limit, only the reason. */
     void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
             json.put("kept", TOO_LARGE);

@@ -26,7 +26,6 @@ import java.util.function.IntSupplier;
 public final class Recording {
     private static final int VERSION = 2;
 
-    /** A step of recording; may throw. */
     interface Step {
         void run() throws IOException, ErrnoException;
     }

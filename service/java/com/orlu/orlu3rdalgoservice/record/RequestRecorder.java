@@ -15,10 +15,7 @@ import java.util.Map;
 import java.util.function.Supplier;
 import java.util.logging.Logger;
 
-/**
- * Records each request of the service in its own folder. A failure is logged; it affects the recording, never
- * the request. Thread-safe.
- */
+/** Records each request in its own folder. A failure is logged and never affects the request. Thread-safe. */
 public final class RequestRecorder {
     /** The property (see Setting) that enables recording and names the folder of the recordings. */
     public static final String FOLDER_PROPERTY = "orlu.record";

@@ -1,5 +1,2 @@
-/**
- * Records requests of the service into folders. Uses only public classes of the platform, except the hidden
- * SystemProperties for its settings.
- */
+/** Records requests into folders. The only hidden platform class that it uses is SystemProperties. */
 package com.orlu.orlu3rdalgoservice.record;

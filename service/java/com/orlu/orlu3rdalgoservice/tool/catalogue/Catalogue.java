@@ -68,7 +68,6 @@ public record Catalogue(String one, String help, List<String> columns, Function<
         }
     }
 
-    /** Returns an entry's name. */
     public static String name(Json entry) {
         return entry.string("name", "");
     }

@@ -53,8 +53,7 @@ public final class Page {
         mTo.println(line.toString().stripTrailing());
     }
 
-    // Returns the position of each column in a line. If the columns are too wide, long names extend into the
-    // next column.
+    // Returns each column's position. If the columns are too wide, long names extend into the next column.
     private static int[] starts(List<String> heading, List<List<String>> rows) {
         int[] widths = new int[heading.size()];
         Stream.concat(Stream.of(heading), rows.stream()).forEach(row ->
@@ -78,8 +77,7 @@ public final class Page {
         });
     }
 
-    // Prints a field. Single words share lines. If any value is a record or contains blanks, each value has
-    // its own line.
+    // Prints a field. Single words share lines; if any value is a record or has blanks, each gets a line.
     private void field(String label, Json value) {
         String start = "  " + TextLayout.label(label, LABEL - 2);
         if (value.elements().stream().noneMatch(Page::needsLine)) {

@@ -74,7 +74,6 @@ public final class RequestSchema {
         return property;
     }
 
-    /** The description that an editor shows for a tag. */
     private static String description(String tag) {
         TagFacts facts = TagFacts.of(tag);
         TagType type = TagTable.typeOf(tag);

@@ -31,10 +31,7 @@ public final class RequestChecker {
     private final List<Supplier<String>> mUnderstood = new ArrayList<>();
     private final List<Mistakes> mMistakes = new ArrayList<>();
 
-    /**
-     * `otherPhoto` replaces the files' photos unless it is null; `tags`, each NAME=VALUE, are set in all
-     * frames.
-     */
+    /** `otherPhoto`, unless null, replaces the files' photos; `tags` (NAME=VALUE) are set in all frames. */
     public RequestChecker(Path otherPhoto, List<String> tags, Photos photos) {
         mOtherPhoto = otherPhoto;
         mTags = tags;
@@ -103,8 +100,7 @@ public final class RequestChecker {
         throw request.place().error("photo", problem);
     }
 
-    // Returns the line about a file without errors. `inputs` and `outputs` are the request's images, with
-    // their sizes.
+    // Returns the line about a file without errors. The images are the request's, with their sizes.
     private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": ok: " + counted(frames, "frame")

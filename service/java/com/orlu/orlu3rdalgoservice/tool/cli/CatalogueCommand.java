@@ -17,10 +17,7 @@ import picocli.CommandLine.Model.PositionalParamSpec;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/**
- * A subcommand that shows a part of the catalogue: all entries, the entries matching a word, or one entry in
- * full.
- */
+/** A subcommand that shows a part of the catalogue: all entries, those matching a word, or one in full. */
 @Command
 final class CatalogueCommand implements Subcommand {
     private final String mName;
@@ -32,10 +29,7 @@ final class CatalogueCommand implements Subcommand {
     @Option(names = "--json", description = "Print complete entries as a JSON list")
     private boolean mJson;
 
-    /**
-     * Creates the subcommand. `name` is "tags", "algorithms", "parameters", "formats" or "samples"; `label`
-     * is the argument's name in the help.
-     */
+    /** `name` is a part of the catalogue, see Catalogue.of(); `label` is the argument's name in the help. */
     CatalogueCommand(String name, String label, String example) {
         mName = name;
         mLabel = label;

@@ -27,7 +27,6 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand compare: runs the requests of a folder over two libraries, and compares the results. */
 @Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
         description = {"Run requests or recordings over two libraries, each in its own process, and print a "
                 + "table, worst first. A and B are algorithm libraries, or builds of the native library. The "

@@ -5,7 +5,6 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Verdict;
 import picocli.AutoComplete;
 import picocli.CommandLine.Command;
 
-/** The subcommand completion: prints picocli's completion script for bash. */
 @Command(customSynopsis = "./run completion", footer = "  source <(./run completion)",
         description = "Print a script that lets bash complete subcommands, options and their values.")
 final class CompletionCommand implements Subcommand {

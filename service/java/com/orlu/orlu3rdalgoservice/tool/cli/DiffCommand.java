@@ -18,7 +18,6 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand diff: compares two runs; runs request files first. */
 @Command(customSynopsis = "./run diff [options] A [B]",
         description = "Compare two runs. A and B are recordings or folders of them, files that --events "
                 + "wrote, or request files, which are run first. The exit status is 0 if all is equal and "

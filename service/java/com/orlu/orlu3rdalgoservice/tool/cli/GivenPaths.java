@@ -102,10 +102,7 @@ final class GivenPaths {
         return this;
     }
 
-    /**
-     * Checks an option's folder, which may be null or missing. Throws an IllegalArgumentException if it is a
-     * file.
-     */
+    /** Throws an IllegalArgumentException if an option's folder, which may be null or missing, is a file. */
     GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
             throw new IllegalArgumentException(option + ": expected a folder, found a file: " + folder);

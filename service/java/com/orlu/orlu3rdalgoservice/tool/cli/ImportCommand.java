@@ -18,7 +18,6 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand import: makes a request file from the files that cameras write. */
 @Command(customSynopsis = "./run import [options] FILE... --out FILE",
         description = "Write a request file from a camera service's text dump, the JSON of a camera image "
                 + "test, and DNG, JPEG, TIFF or PNG pictures. Print a note for each dropped value, with "

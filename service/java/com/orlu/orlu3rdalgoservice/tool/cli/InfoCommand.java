@@ -17,7 +17,6 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand info: prints the content of recordings. */
 @Command(customSynopsis = "./run info FOLDER...", footer = "  ./run info shots", description = {
     "Print what recordings contain: the request, its frames and images, and how far it got.",
     GivenPaths.RECORDINGS})

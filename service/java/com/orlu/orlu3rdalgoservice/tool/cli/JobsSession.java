@@ -38,10 +38,7 @@ final class JobsSession {
         mRequests = options.requests();
     }
 
-    /**
-     * Prints the output of each process in the order of the requests. Returns the first status that is not
-     * ok.
-     */
+    /** Prints the processes' output in the order of the requests. Returns the first status that is not ok. */
     int run() throws MistakeException, IOException {
         if (!areRight()) {
             return Verdict.REFUSED;

@@ -29,9 +29,7 @@ final class ManyOptions extends ResultOptions {
         check(new GivenPaths().folder("--report", report));
     }
 
-    /**
-     * Prints the table and the verdict, and writes the requested files. Returns the status of the command.
-     */
+    /** Prints the table and the verdict, and writes the requested files. Returns the command's status. */
     int finish(Results results, TextTable table, ContactSheet sheet) throws IOException {
         PrintStream to = text();
         table.print(new TextLayout(to, TextLayout.REPORT));

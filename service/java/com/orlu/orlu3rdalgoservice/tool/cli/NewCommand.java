@@ -14,7 +14,6 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand new: prints or writes the sample of a kind of capture, with a comment on each tag. */
 @Command(customSynopsis = "./run new [KIND] [--out FILE]",
         description = "Print a sample request for a KIND of capture, ready to run, with a comment on each "
                 + "tag. Without KIND, list the kinds.",

@@ -45,7 +45,9 @@ final class PostMortem {
     private final RunCommand mOptions;
     private final int mExitStatus;
 
-    /** `exitStatus` is that of the dead process, as a shell reports it: 128 plus the number of the signal. */
+    /**
+     * `exitStatus` is that of the dead process, as a shell reports it: after a signal, 128 plus its number.
+     */
     PostMortem(RunCommand options, int exitStatus) {
         mOptions = options;
         mExitStatus = exitStatus;

@@ -18,7 +18,6 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand replay: runs recordings again, and compares the results. */
 @Command(customSynopsis = "./run replay [options] FOLDER...",
         description = {"Run recordings again and compare the results with the recorded ones. The exit status "
                 + "is 0 if all are equal and 1 if something differs.", GivenPaths.RECORDINGS},

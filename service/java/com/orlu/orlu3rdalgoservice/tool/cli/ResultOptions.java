@@ -21,9 +21,7 @@ class ResultOptions {
     @Option(names = "--quiet", description = "Print only the verdict")
     boolean quiet;
 
-    /**
-     * Throws an IllegalArgumentException if a file can't be written; `paths` has the paths checked so far.
-     */
+    /** Throws IllegalArgumentException if a file can't be written; `paths` has the paths checked so far. */
     void check(GivenPaths paths) {
         paths.file("--json", json).file("--junit", junit);
     }
@@ -33,9 +31,7 @@ class ResultOptions {
         return quiet ? nowhere() : last();
     }
 
-    /**
-     * Returns the stream for the verdict, which is dropped if --json or --junit writes to standard output.
-     */
+    /** Returns the verdict's stream; discards all if --json or --junit writes to standard output. */
     PrintStream last() {
         boolean isTaken = Stream.of(json, junit).anyMatch(Results.STANDARD_OUTPUT::equals);
         return isTaken ? nowhere() : System.out;

@@ -219,9 +219,7 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /**
-     * Returns the folder that contains the runs' folders; null if neither --record nor a work folder exists.
-     */
+    /** Returns the folder of the runs' folders; null if there is neither --record nor a work folder. */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }
@@ -234,10 +232,7 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /**
-     * Returns whether to record look-ups of tags. There are so many that recording them takes as long as the
-     * request.
-     */
+    /** Whether to record look-ups of tags: there are so many that this takes as long as the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }
@@ -260,7 +255,6 @@ final class RunCommand implements Subcommand {
         return mRequests;
     }
 
-    /** Returns a name for each request file. */
     List<String> names() {
         return name == null ? RequestNames.of(requests()) : List.of(name);
     }

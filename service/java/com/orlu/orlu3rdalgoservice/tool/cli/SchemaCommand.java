@@ -9,7 +9,6 @@ import java.io.IOException;
 
 import picocli.CommandLine.Command;
 
-/** The subcommand schema: prints a JSON schema of request files. */
 @Command(customSynopsis = "./run schema", footer = "  ./run schema > request.schema.json",
         description = "Print a JSON schema (draft 7) of request files with every tag, its type and meaning. "
                 + "Editors use it for checks and completion (docs/request_files.md).")

@@ -89,15 +89,11 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         return run == null ? List.of() : run.algorithms().stream().findFirst().orElse(List.of());
     }
 
-    /** Returns the text for a verdict in a table. */
     static String status(Verdict verdict) {
         return verdict.status() == Verdict.OK ? "ok" : "FAILED";
     }
 
-    /**
-     * Returns the similarity between the clean photo and the output that differs most from it;
-     * OutputMeasure.NONE if unknown.
-     */
+    /** Returns how similar the worst output is to the clean photo; OutputMeasure.NONE if unknown. */
     OutputMeasure photo() throws MistakeException {
         OutputMeasure least = OutputMeasure.NONE;
         for (Json measure : result.has("photo") ? result.get("photo").list() : List.<Json>of()) {

@@ -27,7 +27,6 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand sweep: runs a request with each of several values of a tag. */
 @Command(customSynopsis = "./run sweep [options] REQUEST --tag NAME=VALUES [--tag NAME=VALUES]",
         description = {"Run a request with each value of a tag, or of two tags. Print how many parameters "
                 + "and results differ from the first run, and PSNR and SSIM against the clean photo (without "

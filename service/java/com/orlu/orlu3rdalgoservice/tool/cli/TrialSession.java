@@ -32,10 +32,7 @@ final class TrialSession {
     private TrialSession() {
     }
 
-    /**
-     * Runs the trials of all requests. Reports invalid arguments and files only for "trials"; other commands
-     * report them themselves.
-     */
+    /** Reports invalid arguments and files only for "trials"; other commands report them themselves. */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();
@@ -78,8 +75,7 @@ final class TrialSession {
         return all.get(Math.min(request, all.size() - 1));
     }
 
-    // The launcher passes the id of the trials' process. If that process no longer exists, the trials have
-    // finished.
+    // The launcher passes the trials' process id. If that process is gone, the trials have finished.
     private static void awaitEnd() {
         Progress.show("testing what each tag changes");
         ProcessHandle.of(Long.getLong("orlu.trials", 0)).ifPresent(trials -> trials.onExit().join());

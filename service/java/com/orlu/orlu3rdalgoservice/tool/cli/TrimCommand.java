@@ -21,7 +21,6 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** The subcommand trim: writes a smaller copy of a recording. */
 @Command(customSynopsis = "./run trim [options] FOLDER --out DIR",
         description = "Write a smaller copy of a recording (docs/recording.md). With --frames, --crop or "
                 + "--private, the copy has no results.",

@@ -14,9 +14,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/**
- * The differences between the inputs of two runs: settings, images, and tags, each tag with all its frames.
- */
+/** The differences between two runs' inputs: settings, images, and tags, each tag with all its frames. */
 final class GivenNotes {
     private static final int MOST_TAGS = 12;
 

@@ -83,8 +83,7 @@ public final class OutputComparison {
         return file;
     }
 
-    // Returns the difference as text; empty if pixels differ, but by at most the tolerance. The tolerance has
-    // no effect if only other bytes differ.
+    // Returns the difference; empty if pixels differ by at most the tolerance. Other bytes have no tolerance.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);

@@ -26,10 +26,7 @@ public final class ExplanationPrinter {
         mLines = lines;
     }
 
-    /**
-     * Explains each word: a key, a section and a key, "algorithms", or "all" for every written parameter and
-     * the algorithms.
-     */
+    /** Explains words: KEY, SECTION/KEY, "algorithms", or "all" (algorithms and all written parameters). */
     public void print(List<String> words) {
         Set<String> names = mExplanations.names();
         Set<String> possible = mExplanations.possibleNames();

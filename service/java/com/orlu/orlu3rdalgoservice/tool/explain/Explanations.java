@@ -22,7 +22,6 @@ public final class Explanations {
     private final Dependences mDependences;
     private final Readings mReadings;
     private final List<Place> mPlaces;
-    /** Every parameter that the request wrote. */
     private final Set<String> mNames = new LinkedHashSet<>();
 
     /**
@@ -54,10 +53,7 @@ public final class Explanations {
         return mNames;
     }
 
-    /**
-     * Returns names(), and the parameters that the request would write if a tag had another value in one
-     * frame or in all frames.
-     */
+    /** Returns names() and the parameters that another value of a tag, in one or all frames, would add. */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
         for (Dependence tag : mDependences.all()) {
@@ -72,7 +68,6 @@ public final class Explanations {
         return IntStream.range(0, mPlaces.size()).mapToObj(this::write).toList();
     }
 
-    /** Returns the writes of one parameter. */
     List<Write> writes(String name) {
         return IntStream.range(0, mPlaces.size())
                 .filter(i -> mHandover.parameters().get(i).fullName().equals(name))

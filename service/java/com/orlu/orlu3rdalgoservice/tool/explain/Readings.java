@@ -49,28 +49,19 @@ public final class Readings {
         return mReadings.values();
     }
 
-    /**
-     * Returns the reading of a dependence's tag in its frame and store (composition or capture result); null
-     * if there is none.
-     */
+    /** Returns the reading of a dependence's tag in its frame and store; null if there is none. */
     public Reading of(Dependence tag) {
         return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
     }
 
-    /**
-     * Returns the reading of the capture result's value that a composition's value hides; null if there is
-     * none.
-     */
+    /** Returns the reading of the capture result's value that a composition's value hides; null if none. */
     public Reading under(Reading reading) {
         Reading under = reading.isInComposition()
                 ? mReadings.get(new Key(reading.frame(), reading.tag(), false)) : null;
         return under == null || under.value().isEmpty() ? null : under;
     }
 
-    /**
-     * Returns the reading of the composition's value that hides a capture result's value; null if there is
-     * none.
-     */
+    /** Returns the reading of the composition's value that hides a capture result's value; null if none. */
     Reading over(Reading reading) {
         Reading over = reading.isInComposition() ? null
                 : mReadings.get(new Key(reading.frame(), reading.tag(), true));

@@ -21,16 +21,12 @@ final class Recording {
         mStarts = TrialLibrary.starts(record);
     }
 
-    /**
-     * Returns the names of the parameters that the two translations write with different values, a different
-     * number of times, or in a different order.
-     */
+    /** Returns the parameters whose values, numbers of writes or order differ between the translations. */
     Set<String> differences(byte[] otherRecord) {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
-    // Skips the equal writes at both ends, because a trial changes only a few of several hundred. Decodes all
-    // writes only if the order differs.
+    // Skips equal writes at both ends, which are most writes. Decodes all writes only if the order differs.
     private Set<String> differences(Recording other) {
         int most = Math.min(count(), other.count());
         int head = 0;
@@ -95,8 +91,7 @@ final class Recording {
         return writes.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // Returns the names that have moved: those outside the longest common subsequence. The lists contain each
-    // name equally often, but in different orders.
+    // Returns the names outside the longest common subsequence. Both lists have each name equally often.
     private static Set<String> moved(List<String> before, List<String> after) {
         int[][] longest = new int[before.size() + 1][after.size() + 1];
         for (int i = before.size() - 1; i >= 0; --i) {

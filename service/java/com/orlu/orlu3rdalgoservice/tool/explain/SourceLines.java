@@ -70,8 +70,7 @@ public final class SourceLines {
         return telling;
     }
 
-    // Templates in headers write the rows of all tables, so a line of a header does not identify the row.
-    // Returns such lines only if there are no others.
+    // Returns lines of headers only if there are no others: templates in them write the rows of all tables.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();
@@ -99,8 +98,7 @@ public final class SourceLines {
             mProblem = "no event has the path of " + module;
             return;
         }
-        // VFORK needs no spawn helper. In the emulator, Java's spawn helper is a program for the emulated
-        // machine, which the host can't run.
+        // VFORK needs no spawn helper, which in the emulator is a program that the host can't run.
         System.setProperty("jdk.lang.Process.launchMechanism", "VFORK");
         List<String> command = new ArrayList<>(List.of(mTool, "-a", "-f", "-i", "-C", "-e", path));
         command.addAll(offsets);

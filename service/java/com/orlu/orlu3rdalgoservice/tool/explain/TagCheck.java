@@ -29,10 +29,7 @@ public final class TagCheck {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }
 
-    /**
-     * Appends the findings of --strict and the number of warnings to the verdict's reasons. A request that
-     * did not run keeps its verdict.
-     */
+    /** Adds the findings of --strict and the number of warnings to the verdict of a request that ran. */
     public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {
             return verdict;

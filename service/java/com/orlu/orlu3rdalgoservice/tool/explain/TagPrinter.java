@@ -32,7 +32,6 @@ public final class TagPrinter {
         run.handover().parameters().forEach(parameter -> mParameters.put(parameter.fullName(), parameter));
     }
 
-    /** Prints a heading and rows for each group. */
     public void print(TextLayout lines) {
         groups().forEach((heading, rows) -> {
             lines.plain("tags " + heading + ": " + rows.size());

@@ -47,7 +47,6 @@ public final class TagRows {
         });
     }
 
-    // Returns text such as "frames 0-3,5".
     private static String frames(List<Integer> frames) {
         StringBuilder text = new StringBuilder();
         for (int i = 0; i < frames.size(); ++i) {

@@ -24,13 +24,10 @@ import java.util.Map;
 final class TrialRequest implements AutoCloseable {
     private static final String NATIVE_REQUEST = "nativeRequestAddr";
 
-    /** One frame's metadata. */
     record Frame(CameraMetadataNative captureResult, Map<String, Object> composition) {
     }
 
-    /**
-     * A change of a tag in the composition or the capture result of a frame; the value null removes the tag.
-     */
+    /** A change of a frame's tag in the composition or the capture result; null removes the tag. */
     record Change(int frame, boolean inComposition, String tag, Object value) {
     }
 

@@ -21,10 +21,7 @@ public record FrameSize(int width, int height) {
         return new FrameSize(request.frames().width(), request.frames().height());
     }
 
-    /**
-     * Returns the image, with this size if it has none. Throws MistakeException if its stride is less than
-     * the bytes of a row.
-     */
+    /** Returns the image, with this size if it has none. Throws if its stride is less than a row's bytes. */
     public ImagePlan applyTo(ImagePlan plan) throws MistakeException {
         return plan.sized(width, height);
     }

@@ -20,8 +20,7 @@ import java.util.function.Supplier;
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
-    // Sizes derived from the photo are multiples of four because packed raw formats store groups of four
-    // samples.
+    // Sizes derived from the photo are multiples of this: packed raw formats store groups of four samples.
     private static final int GROUP = 4;
     // Seven frames of a phone's full photo would not fit into the memory of a small machine.
     private static final int LARGEST_SIDE = 2048;
@@ -44,10 +43,7 @@ public final class FrameSynthesis {
         }
     }
 
-    /**
-     * Returns all frames made from a photo. Throws MistakeException if the photo is too small for the
-     * shifts.
-     */
+    /** Returns all frames. Throws MistakeException if the photo is too small for the shifts. */
     public List<SynthesisedFrame> frames(Json file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
@@ -61,10 +57,7 @@ public final class FrameSynthesis {
         return frames;
     }
 
-    /**
-     * Returns the size of frames made from a photo. Throws MistakeException if the photo is too small for the
-     * shifts.
-     */
+    /** Returns the frames' size. Throws MistakeException if the photo is too small for the shifts. */
     public FrameSize size(Json file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
             return checked(file, mPlan.width(), mPlan.height());

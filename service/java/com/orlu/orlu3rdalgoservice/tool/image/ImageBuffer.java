@@ -66,8 +66,7 @@ public final class ImageBuffer implements AutoCloseable {
         }
     }
 
-    // A phone's buffer can have padded rows or a format that is unknown here. Such a buffer is replaced by a
-    // BLOB buffer of the same size.
+    // A phone's buffer with padded rows or an unknown format is replaced by a BLOB buffer of the same size.
     private static HardwareBuffer recordedBuffer(ImageLayout layout) {
         long width = layout.buffer()[0];
         long height = layout.buffer()[1];
@@ -123,10 +122,7 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /**
-     * Allocates zeroed memory for an output. A JPEG gets its plan's capacity, or 1.5 bytes per pixel and a
-     * reserve if the plan has no capacity.
-     */
+    /** Allocates zeroed memory. A JPEG without a capacity gets 1.5 bytes per pixel and a reserve. */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
         if (plan.layout() != null) {
             return new ImageBuffer(plan, plan.layout());

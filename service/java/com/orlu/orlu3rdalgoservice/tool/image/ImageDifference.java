@@ -84,9 +84,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares the pixels of two images with the same description. Returns null if an image can't be read
-     * with this description, or if the sizes differ. The stride is in bytes. The bytes of a JPEG must be its
-     * file, without unused memory.
+     * Compares two images with this description; null if one can't be read with it, or if the sizes differ.
+     * `stride` is in bytes. The bytes of a JPEG must be its file, without unused memory.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -102,9 +101,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Returns the pixels of an image; null if they can't be read with this description. The pixels of a raw
-     * image are a Mosaic. Its bit depth is unknown, so the smallest depth that fits all samples is used, but
-     * at least 8.
+     * Returns the pixels of an image; null if they can't be read with this description. A raw image is a
+     * Mosaic with the smallest bit depth that fits all samples, but at least 8.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);
@@ -130,10 +128,7 @@ public final class ImageDifference {
                 width, height, Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most)), samples);
     }
 
-    /**
-     * Compares two pictures; returns null if either is null or their sizes differ. The result reads the
-     * pictures again later.
-     */
+    /** Returns null if a picture is null or the sizes differ. The result reads the pictures again later. */
     public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();
@@ -168,10 +163,7 @@ public final class ImageDifference {
         return mOther;
     }
 
-    /**
-     * The difference times AMPLIFICATION: grey where the images are equal, lighter where `other` is lighter
-     * than `one`.
-     */
+    /** The amplified difference: grey where the images are equal, lighter where `other` is lighter. */
     public PixelRows picture() {
         return new Amplified(mOne, mOther);
     }

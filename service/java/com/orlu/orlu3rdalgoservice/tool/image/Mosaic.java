@@ -5,12 +5,9 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import java.util.Arrays;
 
 /**
- * Raw samples of an RGGB colour filter. Read as PixelRows, each sample is a grey pixel.
+ * Raw samples of an RGGB colour filter, row by row. Read as PixelRows, each sample is a grey pixel.
  *
- * @param width   samples per row
- * @param height  number of rows
- * @param bits    bit depth; a white sample has all bits set
- * @param samples the samples, row by row
+ * @param bits bit depth; a white sample has all bits set
  */
 public record Mosaic(int width, int height, int bits, int[] samples) implements PixelRows {
     public static Mosaic of(Picture picture, int bits) {

@@ -34,9 +34,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
         return of(ShownImage.of(picture), LARGEST);
     }
 
-    /**
-     * Returns the bytes of a JPEG file, or encodes the image made from the file if there are too many bytes.
-     */
+    /** Returns a JPEG file as it is, or encodes the image made from it if the file exceeds LARGEST. */
     public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
         return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
                 : of(shown, LARGEST);

@@ -31,10 +31,7 @@ final class PixelReader {
         return end <= capacity;
     }
 
-    /**
-     * Returns the picture that `plan` describes in the memory `from`; valid as long as that memory. The
-     * format must be YUV or RGBA.
-     */
+    /** Returns a YUV or RGBA picture that reads the memory `from`, and is valid only as long as `from`. */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
         if (layout == null && plan.format() != PixelFormat.R8G8B8A8) {
@@ -106,7 +103,6 @@ final class PixelReader {
         }
     }
 
-    /** Returns the samples of a raw image. */
     static Mosaic readMosaic(ImagePlan plan, ByteBuffer from) {
         int width = plan.width();
         int[] samples = new int[width * plan.height()];

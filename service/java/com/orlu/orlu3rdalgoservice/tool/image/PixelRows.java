@@ -15,10 +15,7 @@ import javax.imageio.ImageWriter;
 import javax.imageio.stream.ImageOutputStream;
 import javax.imageio.stream.MemoryCacheImageOutputStream;
 
-/**
- * A colour picture that is read row by row, so that a large picture needs no copy of its pixels. Several
- * threads may read at once.
- */
+/** A colour picture, read row by row to avoid copying large pictures. Several threads may read at once. */
 public interface PixelRows {
     int CHANNELS = 3;
     /** Rows that are read in parallel. */
@@ -82,7 +79,6 @@ public interface PixelRows {
         return image;
     }
 
-    /** Writes a PNG file. */
     default void writePng(Path file) throws IOException {
         ImageWriter writer = ImageIO.getImageWritersByFormatName("png").next();
         ImageWriteParam setting = writer.getDefaultWriteParam();

@@ -6,9 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/**
- * Writes a picture to an image's memory in the image's format. Chroma is subsampled 2x2, as in JPEG files.
- */
+/** Writes a picture to an image's memory in its format. Chroma is subsampled 2x2, as in JPEG files. */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;
@@ -26,7 +24,6 @@ final class PixelWriter {
         }
     }
 
-    /** Encodes the picture as a JPEG file. */
     static byte[] encodeJpeg(PixelRows picture) {
         return JpegEncoder.encode(picture.toImage(), JPEG_QUALITY);
     }

@@ -23,10 +23,7 @@ public final class PlaneUse {
     private int mUsedPadding;
     private int mEmptyTail;
 
-    /**
-     * Examines a plane. All sizes are in bytes. Bytes outside the memory count as zero. The padding of a row
-     * is the bytes after its pixels.
-     */
+    /** Sizes are in bytes; bytes outside the memory count as zero. Padding is the rest of a row's stride. */
     PlaneUse(String name, int offset, int size, int stride, int rowBytes, ByteBuffer memory) {
         mName = name;
         mOffset = offset;

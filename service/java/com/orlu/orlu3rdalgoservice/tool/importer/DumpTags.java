@@ -17,9 +17,7 @@ import java.util.HexFormat;
 import java.util.List;
 import java.util.Map;
 
-/**
- * Converts the entries of one buffer to the tags of a frame, and the camera layer's types to Java's.
- */
+/** Converts a buffer's entries to the tags of a frame, and the camera layer's types to Java's. */
 final class DumpTags {
     private static final int UNSIGNED_MOST = 255;
     private static final String FACE_RECTANGLES = "android.statistics.faceRectangles";
@@ -67,10 +65,7 @@ final class DumpTags {
         }
     }
 
-    /**
-     * Returns the types that an entry for a tag of this type can have; null for an unknown tag and for a tag
-     * that is combined from several entries.
-     */
+    /** Returns the possible types of a tag's entry; null for an unknown tag and for a combined tag. */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";

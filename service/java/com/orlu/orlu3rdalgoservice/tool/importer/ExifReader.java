@@ -37,10 +37,7 @@ final class ExifReader {
     private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
-    /**
-     * EXIF's colour filter patterns (0 red, 1 green, 2 blue). The index is the value of
-     * colorFilterArrangement.
-     */
+    /** EXIF's colour filter patterns (0 red, 1 green, 2 blue), by the value of colorFilterArrangement. */
     private static final List<String> PATTERNS =
             List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
     private static final int FLASH_FIRED = 1;
@@ -55,10 +52,7 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /**
-     * Reads a JPEG file, or a DNG or other TIFF file. Throws if the file is damaged or has another
-     * structure.
-     */
+    /** Reads a JPEG, DNG or other TIFF file. Throws if the file is damaged or has another structure. */
     static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
             Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)

@@ -14,8 +14,7 @@ import java.util.Map;
 /**
  * A file that becomes an input.
  *
- * @param format the input's format
- * @param size   the description with the size, for pixels without a header; else null
+ * @param size the description with the size, for pixels without a header; else null
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
     /** Reads the header of a file. Throws an IOException with the reason if the header is invalid. */

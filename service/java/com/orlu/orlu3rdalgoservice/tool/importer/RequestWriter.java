@@ -25,9 +25,7 @@ public final class RequestWriter {
         mPictures = imported.pictures();
     }
 
-    /**
-     * Returns the text. Without pictures, inputs are made from `photo`; if it is null, there are no inputs.
-     */
+    /** Without pictures, inputs are made from `photo`; if it is null, there are no inputs. */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
         Map<String, Object> request = JsonWriter.object("about", "Imported from " + sources.stream()
                 .map(source -> source.getFileName().toString()).collect(Collectors.joining(", ")),

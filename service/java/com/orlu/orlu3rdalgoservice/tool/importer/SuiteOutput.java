@@ -9,13 +9,7 @@ import java.nio.file.Path;
 import java.util.Map;
 import java.util.TreeMap;
 
-/**
- * A picture listed in an image test's JSON.
- *
- * @param name   the image test's name for the format
- * @param format the format of the pixels
- * @param kind   the kind of the file
- */
+/** A picture listed in an image test's JSON; `name` is the image test's name for the format. */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
     /** The formats by the image test's names for them. YUV pictures have three contiguous planes. */
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,

@@ -45,8 +45,7 @@ final class SuiteReader {
             throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
                     + "objects");
         }
-        // The test writes the values common to all frames once, under cameraProperties; a request file has
-        // them in each result.
+        // The test writes values common to all frames once; a request file has them in each result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));
@@ -94,8 +93,7 @@ final class SuiteReader {
         return true;
     }
 
-    // Returns a value in the form of request files. Returns a value of unknown form unchanged; then a note
-    // names the form that the tag's type requires.
+    // Returns a value as in request files, or unchanged if its form is unknown; then a note reports it.
     private static Object converted(TagType type, Json value) {
         return switch (type) {
             case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;

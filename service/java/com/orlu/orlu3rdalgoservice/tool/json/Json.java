@@ -58,9 +58,7 @@ public final class Json implements JsonWriter.Source {
         return root;
     }
 
-    /**
-     * Reads a file and notes all mistakes up to the first syntax error. Returns null after a syntax error.
-     */
+    /** Reads a file and notes its mistakes. Returns null if it can't be read, and after a syntax error. */
     public static Json read(Path file, Mistakes mistakes) {
         return JsonReader.read(file, mistakes);
     }
@@ -129,9 +127,7 @@ public final class Json implements JsonWriter.Source {
         return error("expected " + what + ", found " + found());
     }
 
-    /**
-     * Returns an exception for a text that is not one of the names; its message suggests the nearest name.
-     */
+    /** Returns an exception for a text that is not in `names`; its message suggests the nearest name. */
     public MistakeException needsName(String what, Collection<String> names) {
         String hint = isString() ? NearestWord.question((String) mContent, names) : "";
         return error("expected " + what + ", found " + found() + hint);
@@ -362,7 +358,6 @@ public final class Json implements JsonWriter.Source {
         return has(name) ? get(name).list() : List.of();
     }
 
-    /** A required member. */
     public Json require(String name) throws MistakeException {
         Json member = members().get(name);
         if (member == null) {
