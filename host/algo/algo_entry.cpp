@@ -1,5 +1,4 @@
-// The library's exports: the entry that fills in the tables, and the functions by which tests control the
-// library.
+// The library's exports: the entry that fills in the tables, and the functions for tests.
 #include <set>
 #include <string>
 #include <thread>
@@ -33,8 +32,7 @@ private:
   const AlgoScript& mScript;
 };
 
-// Reports calls of the library's operations to the script's observer, but not the callbacks and visits that
-// the operations make.
+// Reports calls of operations, but not their callbacks and visits, to the script's observer.
 class ScriptObserver : public probe::TableObserver {
 public:
   // Never destroyed: tables report to it until the process ends.

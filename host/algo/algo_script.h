@@ -1,6 +1,5 @@
-// Lets tests and tools control and inspect the stand-in algorithm library. The functions are exports of
-// liborlu.vac.interface.so. Look them up with dlsym(): nothing may link against this library, because the
-// native library opens it at run time.
+// Exports of liborlu.vac.interface.so by which tests and tools control it. Look them up with dlsym(): nothing
+// may link against the library, because the native library opens it at run time.
 #pragma once
 
 #include <chrono>
@@ -22,8 +21,7 @@ struct ScriptedValue {
   std::vector<uint8_t> bytes;
 };
 
-// A value that the algorithms request from the system (paramSystemDownloadToAlgo) and store in the parameter
-// set.
+// A value that paramSystemDownloadToAlgo requests from the system and stores in the parameter set.
 struct WantedValue {
   std::string section;
   std::string key;
@@ -33,16 +31,14 @@ struct WantedValue {
 // Thrown by operations that the script lists as throwing.
 struct ScriptedException {};
 
-// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: during the
-// operation on its own thread; during the operation on another thread; or after the operation, on the thread
-// that destroys the block.
+// Where visitors are called: during the operation, on its own or another thread, or later, on the thread that
+// destroys the block.
 enum class VisitorUse { kHere, kOtherThread, kLater };
 
 // How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
   std::set<std::string> notOffered;  // names of callables to leave empty in later tables
-  // false: pixels are unchanged, only `values` and `echoFlag` change the parameter set, and no light-stream
-  // event is sent.
+  // false: writes no pixels, sends no light-stream event, sets no parameters but `values` and `echoFlag`.
   bool runAlgorithms = true;
   int processResult = 0;               // result of process(); the callbacks are sent anyway
   int callbacks = 1;                   // number of "shotCb" callbacks per request
@@ -52,8 +48,7 @@ struct AlgoScript {
   // The largest addition to the delay; the addition varies from request to request.
   std::chrono::milliseconds jitter{0};
   bool inOrder = true;  // false: a callback doesn't wait for the callbacks of earlier requests
-  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller can identify
-  // its request.
+  // Reports the parameter "frame_flag" as the base frame's time, which identifies the request to the caller.
   bool echoFlag = false;
   std::set<std::string> throwing;  // operations that throw; may include "AlgoInterfaceEntry"
   // Operations that leave a Java exception pending on their thread; "callback" leaves it before the callback.
@@ -88,10 +83,8 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Sets a copy of the script for every operation that starts from now on; null sets a default AlgoScript.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// Sets a copy of the script for operations that are called on this thread. It takes precedence over the
-// common script; null removes it.
+// Sets this thread's script, a copy, which takes precedence over the common script; null removes it.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
-// Counts the objects that the library holds.
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
 // Calls back with these bytes and handles from a new thread and waits for that thread.
 extern "C" void AlgoStandInSendCallback(uint64_t callbackCookie, const uint8_t* data, uint32_t size,

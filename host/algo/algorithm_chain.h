@@ -1,6 +1,5 @@
-// Runs the algorithms of one request: selects and merges frames, changes the picture, and encodes it into
-// the first output or copies it into all outputs. With "ppt", the second output gets a JPEG instead of a
-// copy. Unknown names are only reported.
+// Runs a request's algorithms: selects and merges frames, changes the picture, and encodes it into the first
+// output or copies it into all. With "ppt", the second output gets a JPEG. Unknown names are only reported.
 #pragma once
 
 #include <string>
@@ -21,8 +20,7 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
-  // Requested but deliberately not run: unknown here, or nothing to do.
-  std::vector<std::string> skipped;
+  std::vector<std::string> skipped;  // deliberately not run: unknown here, or nothing to do
   double milliseconds = 0;
   std::vector<FrameReport> frames;  // one per input if the frames were judged
 };
@@ -30,8 +28,7 @@ struct RunReport {
 class AlgorithmChain {
 public:
   explicit AlgorithmChain(Request& request) : mRequest(request) {}
-  // Call once.
-  RunReport run();
+  RunReport run();  // call once
 
 private:
   bool asksFor(const char* algorithm) const { return mRequest.asksFor(algorithm); }

@@ -25,7 +25,7 @@ struct Luma {
   }
 };
 
-// Returns the luma of an image; empty for an opaque image.
+// Returns an empty luma for an image that is opaque or has no planes.
 Luma lumaOf(const ImageView& image);
 
 // A luma and its successively halved versions, the finest first.
@@ -38,9 +38,8 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// Returns the shift with the least mean difference, in samples of the finest level. Searches from the
-// coarsest level to the finest. Both pyramids must have the same shape. Ignores an overall difference in
-// brightness.
+// Searches from the coarsest level to the finest for the shift with the least mean difference, apart from
+// overall brightness. Returns it in samples of the finest level. Both pyramids must have the same shape.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);
 
 }  // namespace orlu::standin

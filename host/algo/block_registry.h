@@ -1,5 +1,4 @@
-// The live metadata blocks. A handle is a number that is never reused, not an address, so a stale handle is
-// detected without access to freed memory.
+// The live metadata blocks. Handles are numbers that are never reused, so stale handles are detected safely.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +18,6 @@ public:
   bool destroy(void* block);
   // Returns the set of a handle; null if the handle is not live.
   std::shared_ptr<ParameterSet> find(void* block) const;
-  // Returns the number of live blocks of a kind.
   int count(int kind) const;
 
 private:

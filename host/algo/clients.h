@@ -11,8 +11,7 @@ namespace orlu::standin {
 
 class Clients {
 public:
-  // Returns a new client's handle; null if the record asks for an interface version other than
-  // kAlgoTableVersion.
+  // Returns a new client's handle; null if the record's interface version is not kAlgoTableVersion.
   void* create(const AlgoCreateClientRecord& record);
   // Returns false if the handle is not live.
   bool destroy(void* client);

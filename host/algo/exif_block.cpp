@@ -22,7 +22,6 @@ constexpr int32_t kAeAutoFlash = 2;
 constexpr int32_t kAeAlwaysFlash = 3;
 constexpr int32_t kAwbAuto = 1;
 
-// One block under construction.
 class ExifBuilder {
 public:
   ExifBuilder() : mData(exif_data_new(), exif_data_unref) {

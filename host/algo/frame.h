@@ -1,5 +1,4 @@
-// One image of a request, kept from process() until the request's work is finished. Holds the frame's record
-// and a duplicate of its descriptor, so that the caller may close the original.
+// One image of a request. Duplicates the descriptor, so that the caller may close the original.
 #pragma once
 
 #include "algo_interface.h"
@@ -16,8 +15,7 @@ public:
   Frame& operator=(Frame&&) = delete;
   ~Frame();
 
-  // Maps as much memory as the record reports, but not more than the descriptor has. Returns 0, or -1 if
-  // there is no descriptor or no memory.
+  // Maps the descriptor's memory, at most the size in the record. Returns 0, or -1 on failure.
   int map(Access access);
   // Releases memory and descriptor. Only the record remains.
   void release();

@@ -12,7 +12,6 @@ constexpr int kBestQuality = 95;
 constexpr int kWorstQuality = 5;
 constexpr int kQualityStep = 15;
 
-// Markers and lengths of a JPEG file.
 constexpr size_t kMarkerBytes = 2;
 constexpr uint8_t kApp0 = 0xE0;
 constexpr uint8_t kApp1 = 0xE1;
@@ -86,8 +85,7 @@ std::vector<uint8_t> compress(const Encoder& encoder, const ImageView& image, En
   return {jpeg, jpeg + size};
 }
 
-// Inserts the EXIF segment at the beginning in place of the encoder's JFIF segment: readers expect one or the
-// other.
+// Inserts the EXIF segment in place of the encoder's JFIF segment: readers expect one or the other.
 std::vector<uint8_t> withExif(const std::vector<uint8_t>& jpeg, const std::vector<uint8_t>& exif) {
   if (exif.empty() || exif.size() > kLargestSegment || jpeg.size() < 6) return jpeg;
   size_t rest = kMarkerBytes;

@@ -15,8 +15,7 @@ public:
   // Reads the record's file, at most record.size bytes from its start. Returns -1 if the size is not positive
   // or nothing can be read; the entry of the identifier's earlier file is then unchanged.
   int read(const AlgoTranslateParamFileRecord& record);
-  // Returns "<bytes> <checksum>", with the CRC-32 as eight hexadecimal digits; empty for an unknown
-  // identifier.
+  // Returns "<bytes> <CRC-32 in eight hexadecimal digits>"; empty for an unknown identifier.
   std::string describe(const std::string& identifier) const;
 
 private:

@@ -1,6 +1,5 @@
-// The contents of one metadata block: (section, key) -> value for a parameter block, one run of serialised
-// metadata for a camera-metadata block. Thread-safe: work on a request may continue after the block's owner
-// has stopped waiting.
+// The contents of one metadata block: (section, key) -> value, or serialised camera metadata. Thread-safe:
+// work on a request may continue after the block's owner has stopped waiting.
 #pragma once
 
 #include <cstdint>
@@ -29,14 +28,11 @@ public:
   // Returns the total size of the values, without their names, or of the raw metadata, in bytes.
   size_t size() const;
 
-  // Stores a copy of `size` bytes. Returns -1 for a null name, null data with a size, or a camera-metadata
-  // block.
+  // Stores a copy. Returns -1 for a null name, null data with a size, or a camera-metadata block.
   int set(const char* section, const char* key, const void* data, size_t size);
-  // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
-  // Returns -1 if the value is absent.
+  // Copies at most `size` bytes of the value; the rest of `data` is unchanged. Returns -1 if it is absent.
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // Replaces the contents of a camera-metadata block. Returns -1 for a parameter block or null bytes with a
-  // size.
+  // Replaces the raw metadata. Returns -1 for a parameter block or null bytes with a size.
   int setRaw(const char* bytes, size_t size);
 
   // Returns copies of a section's values, in the order in which they were first set.

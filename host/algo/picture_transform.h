@@ -5,12 +5,10 @@
 
 namespace orlu::standin {
 
-// Mirrors left to right, in place. Raw images swap pairs of columns, which keeps the Bayer pattern. Returns
-// false for an opaque image.
+// Mirrors in place; false for an opaque image. Raw images swap pairs of columns, to keep the Bayer pattern.
 bool mirrorLeftRight(const ImageView& image);
 
-// Returns the image scaled bilinearly. Returns an empty picture if the image is neither NV21 nor NV12, or if
-// a side is below 1 or above 16384.
+// Scales bilinearly. Empty if the image is neither NV21 nor NV12, or if a side is below 1 or above 16384.
 Picture scaleTo(const ImageView& image, int width, int height);
 
 }  // namespace orlu::standin

@@ -27,8 +27,7 @@ public:
   void sendLightStreamEvent() const;
   // Releases the images. Call before the callback, whose receiver may assume that the images are unused.
   void releaseImages();
-  // Gets width and height of the first input, or of the first output if there is no input. Without images,
-  // leaves both unchanged.
+  // Gets the size of the first input, else of the first output. Without images, leaves both unchanged.
   void frameSize(int32_t& width, int32_t& height) const;
 
   const AlgoScript& script() const { return *mScript; }
@@ -38,7 +37,7 @@ public:
   const std::vector<std::string>& algoList() const { return mAlgoList; }
   std::vector<Frame>& inputs() { return mInputs; }
   std::vector<Frame>& outputs() { return mOutputs; }
-  // The time before which no callback is sent.
+  // The earliest time of a callback, unless the request is aborted.
   std::chrono::steady_clock::time_point due() const { return mDue; }
 
 private:

@@ -1,5 +1,4 @@
-// The script in force: the calling thread's own, or else the common one. An operation uses the script in
-// force at its start; a request uses the script in force when process() was called.
+// The script in force: the calling thread's own, else the common script. Requests keep that of process().
 #pragma once
 
 #include <memory>

@@ -29,9 +29,8 @@ StandIn& StandIn::instance() {
   return *instance;
 }
 
-// Runs an operation. Only scripted exceptions leave it; others, such as bad_alloc, make it return -1.
-// Scripted faults occur before an operation that creates something, so that nothing leaks, and after any
-// other operation.
+// Runs an operation. Scripted exceptions leave it; for others, such as bad_alloc, it returns -1. Scripted
+// faults occur after the operation, but before one that creates something, so that nothing leaks.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();

@@ -1,6 +1,4 @@
-// Implements the operations of the interface's tables. Owns the clients, the metadata blocks, the worker, and
-// the script by which tests control the stand-in. Finished requests go to the trace. Only scripted exceptions
-// are thrown.
+// Implements the operations of the interface's tables. Only scripted exceptions are thrown.
 #pragma once
 
 #include <chrono>
@@ -31,8 +29,7 @@ public:
   // Carries out the script for a call of the library's entry.
   void entry();
 
-  // The callables of the tables. For a block that is not live, they return -1, except that getSize() returns
-  // 0 and process() runs the request without parameters.
+  // For a dead block, callables return -1, but getSize() returns 0 and process() runs without parameters.
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);

@@ -1,5 +1,4 @@
-// Writes one line of JSON per finished request, with facts that only an algorithm library knows, to the file
-// that ORLU_ALGO_TRACE names. Without the variable, nothing is written.
+// Appends one line of JSON per finished request to the file that ORLU_ALGO_TRACE names, if it is set.
 #pragma once
 
 #include <cstdio>

@@ -13,8 +13,7 @@ namespace orlu::standin {
 
 class Visits {
 public:
-  // Passes the value to the visitor at the scripted time. Returns the visitor's result; 0 for a postponed
-  // call.
+  // Calls the visitor at the scripted time. Returns the visitor's result; 0 for a postponed call.
   int visit(const AlgoScript& script, void* block, const AlgoMetadataVisitor& visitor,
             ParameterSet::Value& value);
   // Makes the calls that were postponed for this block.

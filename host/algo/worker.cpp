@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{2};  // limit for a callback that does not return
 
-// Returns false for a request without a flag.
 bool carriesFlag(const Request& request, int64_t frameFlag) {
   int64_t flag = 0;
   return request.parameters().get(kControl, "frame_flag", &flag, sizeof flag) == 0 && flag == frameFlag;

@@ -1,5 +1,4 @@
-// Processes the requests of all clients on one thread, in order of arrival, and calls back. The thread starts
-// with the first request and runs until the process ends.
+// Processes requests in order of arrival, on one thread that never ends, and calls back.
 #pragma once
 
 #include <chrono>
@@ -25,17 +24,14 @@ public:
   // Processes the request on this thread, including its callbacks.
   void runHere(std::unique_ptr<Request> request);
 
-  // Waits for the client's pending requests. Returns false on timeout. Does not wait for a request that is
-  // calling back on this very thread.
+  // Waits for the client's requests, except one calling back on this thread. Returns false on timeout.
   bool drain(void* client, std::chrono::milliseconds limit);
-  // Like drain(), for every client.
   bool drainAll(std::chrono::milliseconds limit);
   // Prevents further callbacks for the client's pending requests and drops the unstarted requests. Waits up
   // to two seconds for running callbacks on other threads, because their target is about to be destroyed.
   void abandon(void* client);
   void abandonAll();
-  // Calls back immediately, from a separate thread, for the client's unstarted requests with this
-  // "frame_flag" in their parameter set. They are not processed.
+  // Calls back at once, on a new thread, for unstarted requests with this "frame_flag". Doesn't process them.
   void abortQueued(void* client, int64_t frameFlag);
 
   int pending() const;
@@ -56,8 +52,7 @@ private:
   void loop();
   JobPointer takeNext();
   void work(Job& job);
-  // Finishes the jobs on a new thread.
-  void finishApart(std::vector<JobPointer> jobs);
+  void finishApart(std::vector<JobPointer> jobs);  // on a new thread
   void finish(const JobPointer& job, bool ownThread);
   void callBack(Job& job, int index, std::unique_lock<std::mutex>& lock);
   bool drainWhere(const Filter& filter, std::chrono::milliseconds limit);
