@@ -18,8 +18,7 @@ constexpr unsigned kLittleEndian = 0x4949;
 // The smallest sensor that LibRaw accepts, and a limit that no sensor exceeds.
 constexpr int kLeastSide = 22;
 constexpr int kLargestSide = 1 << 14;
-// LibRaw represents Bayer patterns as 32-bit numbers of at least this value, other patterns as smaller
-// numbers.
+// LibRaw represents Bayer patterns as numbers of at least this value, other patterns as smaller numbers.
 constexpr unsigned kLeastBayer = 1000;
 // The most samples per byte: lossless JPEG uses at least one bit per sample.
 constexpr int64_t kSamplesPerByte = CHAR_BIT;
@@ -41,8 +40,7 @@ DngFile::DngFile(const char* path)
   if (findImage(status) && checkImage() && listBlocks()) checkBlocks();
 }
 
-// LibRaw calls this with the file positioned at the tag's value, and restores the position afterwards. The
-// upper bits of `tag` are the number of the image, starting with 1.
+// Called with the file at the tag's value; LibRaw restores the position. `tag` >> 20 counts images from 1.
 void DngFile::noteTag(void* self, int tag, int type, int length, unsigned order, void*, INT64) {
   auto* const file = static_cast<DngFile*>(self);
   const int image = (tag >> 20) - 1;
@@ -124,8 +122,7 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// Returns the offset of a strip or tile. LibRaw stores the offset of a single strip or tile. For several
-// strips, it stores all offsets; for several tiles, only the position of the offset table.
+// LibRaw stores every offset, except that for several tiles it stores the position of the offset table.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);
@@ -168,9 +165,8 @@ const uint16_t* DngFile::decode() {
   return mProblem.empty() ? imgdata.rawdata.raw_image : nullptr;
 }
 
-// Called by unpack() after it has allocated the memory. LibRaw's own loop treats strips as one piece and does
-// not support uncompressed tiles. This function passes LibRaw's decoders one strip or tile at a time, as if
-// it were the whole image.
+// Called by unpack() with memory allocated. LibRaw's own loop treats strips as one piece and can't decode
+// uncompressed tiles, so its decoders get one strip or tile at a time, as if it were the whole image.
 void DngFile::decodeBlocks() {
   uint16_t* const image = imgdata.rawdata.raw_image;
   if (image == nullptr) return;
@@ -194,9 +190,8 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage makes a decoder stop without an error. Therefore this function decodes into memory
-// filled with a mark. If any sample equals the mark, it decodes again over a different mark. A sample that
-// equals the mark after both was not written by the decoder.
+// Some damage stops a decoder without an error. To find samples that it did not write, decodes over a mark,
+// and if any sample equals the mark, again over another mark.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

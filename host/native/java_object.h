@@ -18,8 +18,7 @@ inline bool isInstanceOf(JNIEnv* env, jobject object, const char* className) {
   return answer;
 }
 
-// Returns the field of this name and type in the object's class; null, without a pending exception, if there
-// is no such field.
+// Returns null, and leaves no exception pending, if the object's class has no such field.
 inline jfieldID fieldOf(JNIEnv* env, jobject object, const char* name, const char* signature) {
   jclass clazz = env->GetObjectClass(object);
   jfieldID field = env->GetFieldID(clazz, name, signature);

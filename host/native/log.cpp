@@ -1,6 +1,5 @@
-// liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
-// it receives every line, even those that ANDROID_LOG_TAGS filters out: time (nanoseconds of
-// CLOCK_MONOTONIC), thread, priority letter, tag and text, separated by tabs.
+// liblog.so: writes logcat's "threadtime" lines to standard error, and every line, even if filtered out, to
+// the file in ORLU_LOG_FILE: tab-separated ns of CLOCK_MONOTONIC, thread, priority letter, tag and text.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -26,7 +25,6 @@ namespace {
 // Longer lines are truncated, as on the device.
 constexpr size_t kLineSize = 1024;
 
-// The letter of each priority.
 constexpr char kPriorityLetters[] = "??VDIWEFS";
 constexpr int kPriorities = sizeof kPriorityLetters - 1;
 
@@ -35,8 +33,7 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER:E *:S": a minimum priority for each named tag, and
-// with "*" for all other tags. Every line of a tag without a priority is shown.
+// Minimum priorities from ANDROID_LOG_TAGS ("TAG:D OTHER *:S"): a tag alone means VERBOSE, "*" the rest.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;
@@ -72,8 +69,7 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// Returns the descriptor of the file for all lines; -1 without a file. The file stays open until the process
-// ends.
+// Returns the descriptor of the file for all lines, which is never closed; -1 without a file.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;
@@ -85,8 +81,7 @@ int logFile() {
   return file;
 }
 
-// Writes each line with one call, so that lines of several threads don't mix. Replaces line ends in the text
-// by blanks.
+// Writes with one call, so that lines of several threads don't mix. Replaces line ends in the text by blanks.
 void keep(int priority, const char* tag, const char* text) {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);

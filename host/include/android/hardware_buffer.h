@@ -1,6 +1,5 @@
-// Host stand-in for the NDK's hardware buffers (libnativewindow.so). The native handle of an allocated buffer
-// has two descriptors (0: attributes, 1: pixels) and four integers (width, height, row stride in bytes,
-// format). The pixels are one memory file with tightly packed rows.
+// Host stand-in for the NDK's hardware buffers (libnativewindow.so): memory files with tightly packed rows.
+// See native/buffer_handle.h for the native handle.
 #pragma once
 
 #include <stdint.h>
@@ -48,14 +47,13 @@ typedef struct AHardwareBuffer_Planes {
 // Creates a buffer with one reference, which the caller releases. Returns 0 or a negative errno.
 int AHardwareBuffer_allocate(const AHardwareBuffer_Desc* desc, AHardwareBuffer** outBuffer);
 void AHardwareBuffer_acquire(AHardwareBuffer* buffer);
-// Drops a reference; the last one frees the buffer and its handle, and closes the handle's descriptors.
-// Ignores null.
+// Ignores null. The last release frees the buffer and its handle, and closes the handle's descriptors.
 void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
 
-// Maps the pixels; each call needs its own AHardwareBuffer_unlock(). `usage` is a CPU_READ value,
-// `fence` is -1, and `rect` is null. YUV has three planes: Y, Cb, Cr. Other formats have one plane, whose
-// strides are reported only for R8G8B8A8, as on the device. Returns 0 or a negative errno.
+// Maps the pixels; each call needs its own unlock. `usage` is CPU_READ_OFTEN, `fence` -1, `rect` null. YUV
+// has the planes Y, Cb, Cr; other formats have one, with strides only for R8G8B8A8, as on the device. Returns
+// 0 or a negative errno.
 int AHardwareBuffer_lockPlanes(AHardwareBuffer* buffer, uint64_t usage, int32_t fence, const ARect* rect,
                                AHardwareBuffer_Planes* outPlanes);
 // `fence` is null. Returns 0 or a negative errno.

@@ -8,8 +8,7 @@
 extern "C" {
 #endif
 
-// Returns the Java object's buffer, borrowed: the object keeps it alive. Returns null for null, a closed
-// object, or an object of another class.
+// Returns the object's buffer, borrowed; null for null, a closed object, or an object of another class.
 AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwareBuffer);
 
 #ifdef __cplusplus

@@ -20,8 +20,7 @@ typedef enum android_LogPriority {
   ANDROID_LOG_SILENT,
 } android_LogPriority;
 
-// Formats a line of at most 1023 bytes and passes it to the logger. Returns 1, or a negative errno if the
-// priority is below the minimum.
+// Passes a line of at most 1023 bytes to the logger. Returns 1; -EPERM if the priority is below the minimum.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((__format__(printf, 3, 4)));
 
@@ -36,16 +35,13 @@ struct __android_log_message {
 };
 typedef void (*__android_logger_function)(const struct __android_log_message* log_message);
 
-// Replaces the logger for the whole process; the default one writes logcat's "threadtime" lines to standard
-// error. A message's strings are valid until the logger returns. Loggers are called from any thread.
+// Replaces the process's logger; any thread may call it. A message's strings are valid until it returns.
 void __android_log_set_logger(__android_logger_function logger);
-// The default logger.
+// The default logger: writes logcat's "threadtime" lines to standard error.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
-// Sets the priority below which lines do not reach the logger, and returns the previous one. The initial
-// priority comes from the environment variable ANDROID_LOG_TAGS ("*:E"); by default, it is
-// ANDROID_LOG_DEFAULT, which drops only ANDROID_LOG_UNKNOWN. Tags that the variable names keep their own
-// priorities ("TAG:D *:S").
+// Sets the lowest priority that reaches the logger and returns the previous one. ANDROID_LOG_TAGS sets the
+// initial priority ("*:E", else ANDROID_LOG_DEFAULT) and lasting priorities of single tags ("TAG:D").
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
 #ifdef __cplusplus

@@ -8,8 +8,7 @@
 extern "C" {
 #endif
 
-// Returns a duplicate of the Java object's descriptor, which the caller closes; -1 for null, a closed object,
-// or an object of another class.
+// Returns a duplicate descriptor, which the caller closes; -1 for null, a closed object, or another class.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory);
 
 #ifdef __cplusplus

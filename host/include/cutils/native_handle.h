@@ -24,8 +24,7 @@ typedef struct native_handle {
 #endif
 } native_handle_t;
 
-// Creates a handle with zeroed words; returns null if a count is negative or above 1024, or if memory runs
-// out.
+// Returns a handle with zeroed words; null if a count is negative or above 1024, or if memory runs out.
 native_handle_t* native_handle_create(int numFds, int numInts);
 // Frees the handle without closing its descriptors. Returns 0.
 int native_handle_delete(native_handle_t* handle);

@@ -18,8 +18,7 @@ public final class HardwareBuffer implements AutoCloseable {
         System.loadLibrary("android_runtime");
     }
 
-    // An AHardwareBuffer with one reference owned by this object; 0 when closed. Read by
-    // AHardwareBuffer_fromHardwareBuffer().
+    // An owned AHardwareBuffer; 0 when closed. AHardwareBuffer_fromHardwareBuffer() reads this field.
     private long mNativeObject;
 
     // Takes ownership of the reference.
@@ -36,10 +35,7 @@ public final class HardwareBuffer implements AutoCloseable {
         return checked(nCreate(width, height, format, layers, usage));
     }
 
-    /**
-     * Creates a buffer around a native handle with any words; takes ownership of the first {@code numFds}
-     * words, which are descriptors. Only the host has this method, for tests with unusual handles.
-     */
+    /** Host only: wraps a native handle and owns its first {@code numFds} words, the descriptors. */
     public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
         return checked(nFromHandle(width, height, format, numFds, Objects.requireNonNull(words)));
     }
@@ -56,9 +52,7 @@ public final class HardwareBuffer implements AutoCloseable {
         return describe()[2];
     }
 
-    /**
-     * Maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. Only the host has this method.
-     */
+    /** Host only: maps the pixels; {@link android.os.SharedMemory#unmap} ends the mapping. */
     public ByteBuffer mapPixels() {
         checkOpen();
         ByteBuffer pixels = nMapPixels(mNativeObject);

@@ -34,10 +34,7 @@ public final class CameraMetadataNative implements Parcelable {
         }
     }
 
-    /**
-     * Sets a tag. Arrays may be primitive or boxed; null removes the tag. Throws IllegalArgumentException for
-     * an unknown tag, and for a value that does not fit the tag's type, such as an array that contains null.
-     */
+    /** Sets a tag; null removes it. Throws IllegalArgumentException for an unknown tag or a wrong type. */
     public void set(String tag, Object value) {
         TagType type = typeOf(tag);
         if (value == null) {
@@ -58,10 +55,7 @@ public final class CameraMetadataNative implements Parcelable {
         return get(tag, typeOf(tag).stored());
     }
 
-    /**
-     * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for an unknown tag,
-     * and for a type that does not fit: an array of several values is not a scalar, and an int is not a long.
-     */
+    /** Returns null if absent. Throws IllegalArgumentException for an unknown tag or a wrong type. */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);
         Object value = mValues.get(tag);

@@ -7,9 +7,8 @@ import java.lang.reflect.Array;
 import java.nio.charset.StandardCharsets;
 
 /**
- * Converts values to the class that stores them and to the class that a reader requests: between primitive
- * and boxed arrays, between strings and their UTF-8 bytes, and between single values and arrays of one
- * element. Never converts one number type to another. Returns copies of mutable values.
+ * Converts between primitive and boxed arrays, between strings and their UTF-8 bytes, and between single
+ * values and arrays of one element, but never between number types. Returns copies of mutable values.
  */
 final class TagConversion {
     private TagConversion() {

@@ -36,7 +36,6 @@ public enum TagType {
         return mStored.isArray() || this == STRING;
     }
 
-    /** Returns the class that stores a value. */
     public Class<?> stored() {
         return mStored;
     }
