@@ -154,7 +154,7 @@ void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end)
       return;
   }
   if (call.value == nullptr || !call.value->isFilledIn) return;
-  // If the visitor failed, it has perhaps not filled in the data.
+  // A visitor that failed may not have filled in the data.
   if (call.of != 0 && end.number != 0) return;
   line.bytes("bytes", call.value->data, call.value->size);
 }

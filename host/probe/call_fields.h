@@ -6,7 +6,6 @@
 
 namespace orlu::probe {
 
-// Adds the arguments.
 void addInputs(EventLine& line, const WatchedCall& call);
 // Adds the duration and the results.
 void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end);

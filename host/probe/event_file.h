@@ -1,5 +1,4 @@
-// The file to which events are appended, with one write per line. Several processes, in several languages,
-// can therefore share the file, and no event is lost when the process ends.
+// Appends events to a file with one write per line, so processes can share it and lose no event at their end.
 #pragma once
 
 #include <atomic>
@@ -21,8 +20,7 @@ public:
 private:
   std::mutex mMutex;
   std::string mPath;
-  // Never closed: another thread may be writing to it.
-  std::atomic<int> mDescriptor{-1};
+  std::atomic<int> mDescriptor{-1};  // never closed: another thread may be writing to it
 };
 
 }  // namespace orlu::probe

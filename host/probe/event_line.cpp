@@ -29,7 +29,6 @@ int64_t now() {
       .count();
 }
 
-// Page faults of the calling thread so far.
 int64_t pageFaults() {
   rusage usage = {};
   getrusage(RUSAGE_THREAD, &usage);

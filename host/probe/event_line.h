@@ -1,5 +1,4 @@
-// One event as a line of JSON: fields are added in order; finish() closes the line. For an element of a list,
-// pass null as the name.
+// One event as a line of JSON: fields are added in order; elements of a list have null as their name.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +16,6 @@ public:
   // An event at the current time on this thread.
   explicit EventLine(const char* event);
 
-  // Adds the number and name of a call.
   EventLine& call(uint64_t number, std::string_view operation);
   EventLine& number(const char* name, int64_t value);
   // An address, a handle or a 64-bit id: "0x7f12".
@@ -38,8 +36,6 @@ public:
   // An element of a list: "NAME+0xOFFSET".
   EventLine& place(std::string_view name, uint64_t offset);
 
-  // A list of objects: beginList, then beginObject and endObject for each, then endList. An object that is
-  // the value of a field has a name.
   EventLine& beginList(const char* name);
   EventLine& endList() { return close(']'); }
   EventLine& beginObject(const char* name = nullptr);

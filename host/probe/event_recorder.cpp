@@ -27,8 +27,7 @@ private:
   int mErrno;
 };
 
-// Returns the size of a value: how many bytes getValue writes into memory that is larger than `size`. -1 if
-// that fails, or if all of the memory is written.
+// Returns how many bytes getValue writes into memory larger than `size`; -1 if it fails or fills all of it.
 int64_t valueSize(const EventRecorder::GetValue& real, void* block, const char* section, const char* key,
                   unsigned size) {
   constexpr unsigned kMore = 64;

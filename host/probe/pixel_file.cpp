@@ -24,16 +24,14 @@ std::string errorText() {
   return std::generic_category().message(errno);
 }
 
-// Tells the kernel that the processor starts or stops reading a hardware buffer, as locking or unlocking the
-// buffer would. Fails for other memory, which does not need the call.
+// Tells the kernel that reading of a hardware buffer begins or ends; fails harmlessly for other memory.
 void synchronise(int fd, uint64_t edge) {
   dma_buf_sync sync = {};
   sync.flags = DMA_BUF_SYNC_READ | edge;
   ioctl(fd, DMA_BUF_IOCTL_SYNC, &sync);
 }
 
-// Lets the kernel read the mapped memory. If a page has disappeared, write() returns an error; reading it
-// here would kill the process.
+// Only the kernel reads the memory: if a page has disappeared, write() fails, but a read here would crash.
 bool writeAll(int file, const uint8_t* memory, uint64_t size) {
   while (size > 0) {
     const ssize_t written = write(file, memory, static_cast<size_t>(size));

@@ -1,5 +1,4 @@
-// Stores the pixels of requests as the algorithm library sees them: the inputs when it receives them, the
-// outputs when it calls back.
+// Stores the pixels of requests: inputs when the algorithm library gets them, outputs when it calls back.
 #pragma once
 
 #include <cstdint>

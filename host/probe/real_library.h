@@ -24,8 +24,7 @@ struct RealLibrary {
 // Returns "" if nothing was found.
 std::string findRealLibrary(const void* caller);
 
-// Opens the library and looks up its entry. Never closes it: its callables and threads run until the process
-// ends.
+// Opens the library and looks up its entry. Never closes it: its code runs until the process ends.
 RealLibrary openRealLibrary(const std::string& path);
 
 // Returns the file that contains this address; "" if unknown.

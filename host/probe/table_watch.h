@@ -1,6 +1,5 @@
-// Puts an observer between a caller and the table of an algorithm library. Every callable, every callback
-// function and every visitor is replaced by one that records the call, makes it, and records the result.
-// The behaviour is not changed: an empty callable stays empty, and exceptions are passed on.
+// Puts an observer between a caller and an algorithm library: wrappers report each call, callback and visit
+// with its result. Behaviour is unchanged: empty callables stay empty, exceptions are passed on.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +21,6 @@ struct ValueArguments {
   bool isFilledIn;  // the call fills in the data instead of reading it
 };
 
-// The arguments of a callback.
 struct CallbackArguments {
   uint64_t cookie;  // the cookie that the caller passed to process()
   const android::hardware::hidl_vec<uint8_t>& data;
@@ -30,8 +28,7 @@ struct CallbackArguments {
   const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles;
 };
 
-// One call and its arguments. Everything in it belongs to the caller and is valid only during the call;
-// arguments that the operation lacks are null.
+// One call. The arguments are valid only during the call; arguments that the operation lacks are null.
 struct WatchedCall {
   std::string_view operation;  // the name of the callable, or "callback", "visit", "entry"
   uint64_t number = 0;         // counts the calls of this process, from 1
@@ -64,8 +61,7 @@ struct WatchedEnd {
   int64_t nanoseconds = 0;
 };
 
-// Called on the thread of each call, by several threads at a time. Must not throw. Never destroyed, so it
-// outlives every table and every cookie.
+// Called on each call's thread, by several at a time; must not throw. Outlives every table and cookie.
 class TableObserver {
 public:
   virtual void before(const WatchedCall& call) noexcept = 0;
@@ -75,10 +71,8 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table that holds copies of the callables of `real`, calls them and reports to the observer.
-//
-// Instead of the caller's cookie, the library receives the address of a replacement function. There is one
-// replacement per cookie. It is never freed, so that a late callback still reaches the caller's function.
+// Returns a table whose callables call those of `real` and report to the observer. Instead of each cookie,
+// the library receives a replacement that is never freed, so that late callbacks still arrive.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.
@@ -87,8 +81,7 @@ uint64_t watchCall(TableObserver& observer, const char* operation, const std::fu
 // Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of a table's callables in the order of the table: the offered callables if `offered` is
-// true, else the empty callables.
+// Returns the names of the offered callables, or else of the empty callables, in the order of the table.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe
