@@ -1,4 +1,4 @@
-// The script in force: the calling thread's own, else the common script. Requests keep that of process().
+// The script in force: the calling thread's own, else the common script. A request keeps its first script.
 #pragma once
 
 #include <memory>

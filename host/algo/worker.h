@@ -24,7 +24,7 @@ public:
   // Processes the request on this thread, including its callbacks.
   void runHere(std::unique_ptr<Request> request);
 
-  // Waits for the client's requests, except one calling back on this thread. Returns false on timeout.
+  // Waits for the client's requests, except one that calls back on this thread. Returns false on timeout.
   bool drain(void* client, std::chrono::milliseconds limit);
   bool drainAll(std::chrono::milliseconds limit);
   // Prevents further callbacks for the client's pending requests and drops the unstarted requests. Waits up

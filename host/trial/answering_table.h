@@ -7,8 +7,8 @@
 
 namespace orlu::trial {
 
-// Fills in all but process(), getData(), translateParamFile() and reserved callables; `token` is every
-// handle.
+// Fills in all callables except process(), getData(), translateParamFile() and the reserved ones. `token` is
+// the handle of every client and block; nothing is stored in it.
 inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   table.init = [](const AlgoInitRecord&) { return 0; };
   table.uninit = [](const AlgoUninitRecord&) { return 0; };
