@@ -28,7 +28,7 @@ std::string read(const Block& block, const char* section, const char* key, size_
   return bytes;
 }
 
-// Memory that ends at the end of a page; the next page is not mapped.
+// Memory that ends at the end of a page; the next page is inaccessible.
 class EdgeBuffer {
 public:
   explicit EdgeBuffer(size_t size) : mSize(size) {
@@ -73,7 +73,6 @@ void setSizes(Block& block) {
   block.set(kParameter, kOtherKey, nullptr, 0);
 }
 
-// Records the sizes of the results that are present.
 void measureResults(Scene& scene, std::map<std::string, size_t>& sizes) {
   for (const ResultRead& row : kResultReads) {
     int status = 0;

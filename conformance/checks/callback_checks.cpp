@@ -8,8 +8,7 @@
 namespace orlu::conform {
 namespace {
 
-// How long callbacks are blocked: long enough to be noticed, but less than an operation may take before it
-// counts as hanging.
+// How long callbacks are blocked: noticeable, but too short for an operation to count as hanging.
 std::chrono::milliseconds holdTime() {
   return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
 }
@@ -131,13 +130,11 @@ void actInside(const Action& action) {
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
-  // Ends the client before the scene destroys its other members: the thread may still be returning from the
-  // callback.
+  // The scene must not destroy its other members first: the callback's thread may still be returning.
   scene.client.end();
 }
 
-// Runs the work while a callback of the scene's client is blocked. Returns false if the work did not return
-// within `hold`.
+// Runs the work while a callback is blocked. Returns false if the work did not return within `hold`.
 bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
   const auto gate = std::make_shared<Gate>(hold);
   scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
@@ -194,8 +191,7 @@ constexpr Work kWorks[] = {
 }  // namespace
 
 void checkInside() {
-  // A thread whose callback destroyed its own client returns from the library at an unknown time. Destructors
-  // at exit could run meanwhile.
+  // A callback that destroyed its own client may still be returning when destructors run at exit.
   endAtOnce();
   OPEN_LIBRARY(library);
   for (const Action& action : kActions) {

@@ -9,7 +9,6 @@ namespace {
 
 constexpr int kMostMissing = 12;  // the check stops after this many missing callbacks
 
-// Checks that the output contains a JPEG of the stored size.
 void judgeJpeg(const Scene& scene, const Image& output) {
   int32_t size = 0;
   if (scene.parameters.get(kFeedback, "encoded_jpeg_size", &size, sizeof size) != 0) {
@@ -30,8 +29,7 @@ void judgeJpeg(const Scene& scene, const Image& output) {
   note("a JPEG of " + std::to_string(size) + " bytes");
 }
 
-// Outputs smaller than any JPEG of the input: the library must write nothing after an output, and must not
-// set encoded_jpeg_size to more than the output's size.
+// Requests JPEGs into outputs that are smaller than any JPEG of the input.
 void tryTightJpeg(Scene& scene) {
   for (int32_t room : {1, 200}) {
     const Image tight({kFormatJpeg, room, 1, 0, 0, false}, 7);
@@ -55,8 +53,7 @@ void tryTightJpeg(Scene& scene) {
   }
 }
 
-// Each class of sizes: small and even, odd in both directions, one row, many bytes per row (in RGBA, more
-// than a page of memory).
+// Sizes: small and even, odd in both directions, one row, and (in RGBA) rows of more than a page of memory.
 constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {64,   48},
     {67,   45},
@@ -65,8 +62,7 @@ constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {1920, 18},
 };
 
-// Runs one copy request twice, into outputs filled with two different patterns. A byte that keeps both
-// patterns was not written. A byte that differs afterwards depends on the previous contents.
+// Runs one request twice, into outputs filled with two different patterns.
 class PairOfRuns {
 public:
   PairOfRuns(Scene& scene, const ImageShape& from, const ImageShape& to, std::vector<std::string> algorithms,
@@ -132,8 +128,7 @@ private:
   bool mIsDone = true;
 };
 
-// Copies an image to two outputs with this layout and checks that every pixel is written. Packed raw outputs
-// must have the input's strides.
+// Copies an image to two outputs with this layout and checks that every pixel is written.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
@@ -189,7 +184,7 @@ void checkOutputs() {
   for (int32_t format : Image::formats()) {
     for (const Layout& layout : kLayouts) {
       Scene scene;
-      // An odd size, and a size with which, in some formats, the image ends at the end of a page of memory.
+      // In some formats, an image of the first size ends at the end of a page. The second size is odd.
       for (const auto& [width, height] : {
                std::pair{64, 64},
                std::pair{67, 45}

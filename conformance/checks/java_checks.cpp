@@ -31,9 +31,8 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// Finds JNI_CreateJavaVM in the library that the options name, or else in the first usual library that loads.
-// Loads the library at run time, so that the processes of other checks contain no VM. On failure returns null
-// and sets `reason`.
+// Finds JNI_CreateJavaVM in the library that the options name, or in a usual library if they name none. Loads
+// it at run time, so that other checks run without a VM. On failure returns null and sets `reason`.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
@@ -75,8 +74,7 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// Returns false on failure. Skips the check if no VM is found and the options name none; otherwise a failure
-// fails the check.
+// On failure returns false and fails the check, or skips it if the options name no VM and none is found.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;
@@ -99,9 +97,8 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Numbers of threads that exited after calling back: those still attached to the VM, and all. The destructor
-// of a thread-specific key counts them. It sets the key again as often as the thread library allows, so that
-// it runs after the algorithm library's destructors.
+// Numbers of threads that exited after calling back: those still attached to the VM, and all. The key's
+// destructor sets the key again until the last round, to run after the algorithm library's destructors.
 std::atomic<int> gEndedAttached{0};
 std::atomic<int> gEnded{0};
 pthread_key_t gEndKey;

@@ -1,5 +1,4 @@
-// Checks that a request always gives the same bytes, independent of previous contents of memory and of
-// previous requests.
+// Checks that equal requests give equal bytes, independent of earlier requests and contents of memory.
 #include <algorithm>
 #include <string_view>
 
@@ -38,8 +37,7 @@ std::string withoutTimes(std::string bytes) {
 
 class Repeats {
 public:
-  // Returns the bytes of the request's output, without padding, times of day and a JPEG's EXIF data; "" if
-  // the callback is missing.
+  // Returns the output's bytes without padding, times of day or EXIF data; "" if the callback is missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,

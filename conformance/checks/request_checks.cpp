@@ -14,11 +14,10 @@ namespace orlu::conform {
 namespace {
 
 constexpr double kSoonMilliseconds = 100;
-// How long to wait for extra callbacks.
-constexpr std::chrono::milliseconds kSettle{250};
+constexpr std::chrono::milliseconds kSettle{250};  // wait for extra callbacks
 constexpr size_t kLeastCallbackBytes = 21;
 
-// A record on its own page, which doom() makes inaccessible after process() has returned.
+// A record on its own page. doom() overwrites the record and makes the page inaccessible.
 class DoomedRecord {
 public:
   explicit DoomedRecord(const AlgoProcessRecord& record) {
@@ -31,7 +30,6 @@ public:
   ~DoomedRecord() { munmap(mMemory, mBytes); }
 
   AlgoProcessRecord& operator*() { return *mRecord; }
-  // Overwrites everything in the record, then makes its page inaccessible.
   void doom() {
     for (std::string& name : mRecord->algoList) std::fill(name.begin(), name.end(), '#');
     for (auto* frames : {&mRecord->inputFrames, &mRecord->outputFrames}) {
@@ -54,8 +52,7 @@ private:
   AlgoProcessRecord* mRecord;
 };
 
-// Lends a duplicate of an image's descriptor to one request. takeBack() makes the descriptor number refer to
-// a decoy file.
+// Lends a duplicate of an image's descriptor. takeBack() makes the descriptor number refer to a decoy file.
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
@@ -87,8 +84,7 @@ private:
   std::vector<char> mZeros;
 };
 
-// Runs one request whose record is freed once process() returns. Compares its output with that of a request
-// whose record is kept.
+// Compares the outputs of two requests: the second request's record is freed once process() returns.
 void runDoomed(bool isHardwareBuffer) {
   Scene scene;
   ImageShape shape;

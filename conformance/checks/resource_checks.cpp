@@ -68,12 +68,10 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Measures the growth that kRequests requests cause. If only memory grows, takes the smallest growth of all
-// rounds: on a busy machine more threads of the tested library overlap, and the C library allocates an arena
-// for each of them once. Returns false if a callback is missing.
+// Measures the growth by kRequests requests. If only memory grows, takes the minimum of all rounds: on a busy
+// machine more library threads overlap, each with its own arena. Returns false if a callback is missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
-  // A thread stays listed for a moment after it exits.
-  constexpr std::chrono::milliseconds kListed{150};
+  constexpr std::chrono::milliseconds kListed{150};  // an exited thread stays listed for a moment
   for (uint64_t round = 0; round < kRounds; ++round) {
     step(std::to_string(kRequests) + " more requests, round " + std::to_string(round + 1));
     std::this_thread::sleep_for(kListed);

@@ -69,8 +69,7 @@ struct GuardedTable {
   }
 };
 
-// Tests the layout of a table without calling or destroying its callables. If the layout differs, fails the
-// check and returns false.
+// Fails the check and returns false if the table's layout differs. Does not call or destroy the callables.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {
@@ -86,7 +85,7 @@ bool looksWhole(const GuardedTable& guarded) {
   return whole;
 }
 
-// A record that ends at the end of a page; the next page is not mapped. Guard bytes precede the record.
+// A record that ends at the end of a page; the next page is inaccessible. Guard bytes precede the record.
 template <typename Record>
 class EdgeRecord {
 public:

@@ -16,7 +16,7 @@ struct Entry {
   std::string bytes;
 };
 
-// Returns bytes that differ for each entry.
+// Returns bytes that depend on the entry's number.
 std::string distinct(size_t number, size_t size) {
   std::string bytes(size, '\0');
   for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(number * 37 + i * 11 + (number >> 3));
