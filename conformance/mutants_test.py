@@ -17,10 +17,8 @@ runs_all = sys.argv[2:] == ["--all"]
 emulator = [] if runs_all else sys.argv[2:]
 # Runs of the kit mostly wait for missing or extra callbacks.
 AT_ONCE = 6
-# Waits are shorter than for real libraries.
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
-# Shortens the check `threads`, which takes most of the time, for mutants that only other checks must detect.
-# A few rounds still reveal faults that do not depend on timing.
+# Shortens `threads`, the longest check, for mutants of other checks. Timing-independent faults still show.
 FEW_ROUNDS = ["--hammer", "0.1"]
 
 

@@ -1,5 +1,4 @@
-// A check tests one rule that algorithm libraries must keep. It runs in its own process, so that a crash or a
-// hang is a failure of that check.
+// A check tests one rule for algorithm libraries in its own process: a crash or a hang fails only this check.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -49,7 +48,7 @@ struct Options {
   std::string jvm;          // path of libjvm.so
 };
 
-// The command-line options; set once, before the first check.
+// The command-line options, read before the first check.
 Options& options();
 
 enum class Verdict { kPassed, kFailed, kSkipped };
@@ -65,12 +64,10 @@ struct Outcome {
 // Evidence of checks that are skipped because the time budget is used up. The command then fails.
 constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budget)";
 
-// Restarts the time budget.
 void startBudget();
 
-// Runs the check in a child process and waits until it exits, blocks in one operation, or reaches its time
-// limit or the end of the time budget. Then kills it if it is still running. Prints progress to standard
-// error. Call it inside a test, while no other thread runs.
+// Runs the check in a child process. Kills it if it blocks in one operation or exceeds its time limit or the
+// time budget. Prints progress to standard error. Call it while no other thread runs.
 Outcome runApart(const Check& check);
 
 // Sends the failures and skips of a check to its parent process. Install it once.

@@ -1,5 +1,4 @@
-// Watches which descriptors the library opens, duplicates and closes, and which images of the kit it maps.
-// Sanitizers replace the same functions, so nothing is watched in sanitizer builds.
+// Watches which descriptors the library duplicates and closes, and which images of the kit it maps.
 #pragma once
 
 #include <string>
@@ -16,18 +15,16 @@ public:
   DescriptorWatch& operator=(const DescriptorWatch&) = delete;
   ~DescriptorWatch();
 
+  // False in sanitizer builds: sanitizers replace the functions that the watch replaces.
   static bool canSee();
-  // From now on, closing or replacing these descriptors is a fault of the library.
+  // Until forget(), closing or replacing these descriptors is a fault of the library.
   void lend(const std::vector<int>& descriptors);
-  // Ends lend() for these descriptors.
   void forget(const std::vector<int>& descriptors);
-  // Returns the number of placeholders: they occupy descriptor numbers that the library closed, so that the
-  // numbers are not reused for a while and a second close is detected.
+  // Number of placeholders. They occupy numbers that the library closed, to detect a second close.
   int kept() const;
   // Returns and clears the faults since the last call.
   std::vector<std::string> takeWrong();
-  // Returns and clears the duplicates and mappings that the library made since the last call and has not
-  // released.
+  // Returns and clears the duplicates and mappings made since the last call and not released.
   std::vector<std::string> takeLeft();
 };
 

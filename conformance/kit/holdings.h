@@ -20,7 +20,6 @@ struct Holdings {
   std::string text() const;
 };
 
-// Returns the heap bytes in use.
 int64_t allocatedBytes();
 
 // Fills fresh and freed memory with this byte from now on, if the C library supports it; 0 stops filling.

@@ -15,7 +15,7 @@ bool isYuv(int32_t format) {
   return format == kFormatNv21 || format == kFormatNv12;
 }
 
-// Size of a row without padding, in bytes, that fits every plane.
+// Bytes of a row without padding, enough for every plane.
 int32_t rowBytes(const ImageShape& shape) {
   switch (shape.format) {
     case kFormatRaw16:

@@ -20,7 +20,6 @@ struct ImageShape {
   bool isHardwareBuffer = false;
 };
 
-// Padding of an image in memory.
 struct Layout {
   const char* name;
   int32_t padding;
@@ -56,8 +55,7 @@ public:
 
   // The record as the service builds it. The image keeps ownership of the descriptors.
   AlgoFrameInfo frame() const;
-  // Returns a native handle that the caller owns; null without a hardware buffer. It is allocated apart from
-  // the record, so that overwriting the record leaves it intact.
+  // Returns a native handle that the caller owns; null without a hardware buffer.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
@@ -68,7 +66,6 @@ public:
   const std::vector<uint8_t>& pattern() const { return mPattern; }
   // Returns the rows of all planes in order. For formats without a known layout, the rows cover all bytes.
   std::vector<PixelRow> rows() const;
-  // The current bytes of the image.
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }
   // Returns "" or describes bytes written outside the planes: between them or after the image.

@@ -1,5 +1,4 @@
-// Sections, keys and algorithms of the service. The build generates parameter_sizes.inc and
-// algorithm_names.inc from the service's own tables; a test records result_reads.inc.
+// The service's names, generated from its sources by the build. A test records result_reads.inc.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +33,6 @@ constexpr size_t kMostBytes = 8482;
 // Number of values that a block must be able to store; more than any request sets.
 constexpr size_t kMostValues = 400;
 
-// Names of the service's algorithms.
 constexpr const char* kAlgorithms[] = {
 #include "algorithm_names.inc"
 };

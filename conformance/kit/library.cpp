@@ -28,8 +28,7 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// The running operations of this thread, outermost first. A callback inside process() and a visitor may call
-// further operations.
+// This thread's operations, outermost first: a callback inside process() or a visitor may start another.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 
 }  // namespace

@@ -19,12 +19,10 @@ public:
   void before(const probe::WatchedCall& call) noexcept override;
   void after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept override;
 
-  // Faults of calls: the callable's name, with the type and text of the exception that left it or with the
-  // result of inspectThread.
+  // For each faulty call: the callable's name, and the exception that left it or inspectThread's result.
   std::vector<std::string> thrown() const;
   double longestProcessMilliseconds() const { return static_cast<double>(mLongestProcess) / 1e6; }
-  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault of
-  // the thread.
+  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault.
   std::string (*inspectThread)() = nullptr;
 
 private:
@@ -33,8 +31,7 @@ private:
   std::atomic<int64_t> mLongestProcess{0};
 };
 
-// A table with spare bytes behind it, for an entry that writes past the table. The layout check reports this
-// fault; the other checks still run.
+// A table with spare bytes behind it. If an entry writes past the table, only the check `layout` fails.
 struct SpaciousTable {
   AlgoInterfaceCallbacks table;
   unsigned char behind[512];
@@ -42,13 +39,12 @@ struct SpaciousTable {
 
 class Library {
 public:
-  // Opens the library on first use, with RTLD_NOW. On failure returns null and sets `error`. The process's
-  // own table is filled when it is first used.
+  // Opens the library on first use, with RTLD_NOW. On failure returns null and sets `error`.
   static Library* open(std::string* error = nullptr);
 
   // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table with the observer, which records exceptions; call() catches them.
+  // The process's own table, filled on first use, with the observer, which records exceptions.
   const AlgoInterfaceCallbacks& table();
   // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();

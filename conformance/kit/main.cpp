@@ -303,8 +303,7 @@ int runChecks() {
 }  // namespace
 }  // namespace orlu::conform
 
-// Leaves signals to the kit, which names the operation that crashed, and to the Java VM, which uses
-// segmentation faults internally.
+// Leaves signals to the kit, which names the crashed operation, and to the Java VM, which uses SIGSEGV.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:handle_abort=0";
 }

@@ -40,8 +40,7 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// Returns the part of a JSON line that starts with the value of `name` (a number or a quoted string); "" if
-// the name is absent.
+// Returns the part of a JSON line that starts with the value of `name`; "" if the name is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -178,8 +177,7 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// Returns the relative change of the time since `before`; 0 if it is within a multiple of the noise of both,
-// or too small to matter.
+// Returns the relative change of the time; 0 if within kNoises times the noise of both, or kLeastChange.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

@@ -1,5 +1,4 @@
-// The progress of a check's process: its step and the operation of each thread. The parent process shares
-// this memory, so it survives a crash and shows which operation hangs.
+// The step and operations of a check's process. Its parent shares this memory, so it survives a crash.
 #pragma once
 
 #include <chrono>
@@ -19,8 +18,7 @@ std::string whereabouts();
 
 // Returns the name of an operation that has been running for longer than `limit`; "" if there is none.
 std::string overdueOperation(std::chrono::seconds limit);
-// Marks an operation as hanging for processes started from now on. A check that starts this operation stops
-// and reports "not run".
+// In processes started from now on, a check that starts this operation stops and reports "not run".
 void noteHang(const std::string& operation);
 
 // The current operation of this thread. Operations of the library have a name: they are timed and must
@@ -37,8 +35,7 @@ private:
   std::string mName;
 };
 
-// Marks this thread as running a callback of the library. Operations inside callbacks have their own names,
-// because an operation that hangs there may work elsewhere.
+// Marks this thread as running a callback. Operations have other names there: some hang only in callbacks.
 class CallbackScope {
 public:
   CallbackScope();

@@ -49,7 +49,6 @@ std::string lineOf(const CheckResult& result) {
 }
 
 std::string jsonOf(const std::vector<CheckResult>& results) {
-  // The library's own texts may contain invalid UTF-8.
   std::string report = "{\n  \"library\": " + probe::quoted(options().library) + ",\n  \"checks\": [";
   const char* between = "";
   for (const CheckResult& result : results) {

@@ -16,7 +16,6 @@ struct CheckResult {
 // Returns a line with the verdict, the name and the promise, or the reason if the check was skipped. Evidence
 // of a failure and warnings follow on indented lines. The text has no final line end.
 std::string lineOf(const CheckResult& result);
-// All results as one JSON object.
 std::string jsonOf(const std::vector<CheckResult>& results);
 
 }  // namespace orlu::conform

@@ -192,7 +192,6 @@ size_t Inbox::count(uint64_t nativeReq, const std::string& name) const {
 bool Inbox::waitFor(uint64_t nativeReq) const {
   static std::atomic<bool> hasMissed{false};
   std::unique_lock<std::mutex> lock(mState->mutex);
-  // After one missing callback, later waits are short.
   const auto limit = hasMissed ? kShortPatience : std::chrono::seconds(options().patienceSeconds);
   const bool came = mState->changed.wait_for(
       lock, limit, [&] { return mState->countLocked(nativeReq, kShotCallback) > 0; });

@@ -1,4 +1,4 @@
-// Replacements for functions of the C library. All code that is loaded into the kit's process calls them.
+// Replacements for functions of the C library, called by all code that is loaded into the kit's process.
 #include "watched_calls.h"
 
 #include <fcntl.h>

@@ -1,6 +1,5 @@
-// The calls that DescriptorWatch intercepts. watchedClose, watchedDuplicate and watchedUnmap take the place
-// of the call, and set errno as it does; the other functions only check or record it. `caller` is the return
-// address of the call.
+// Handlers of the calls that DescriptorWatch intercepts; `caller` is the return address of the call.
+// watchedUse and watchedMap only check or record the call; the other three replace it, including its errno.
 #pragma once
 
 #include <sys/types.h>

@@ -134,8 +134,7 @@ void visitUnderLock(Table& table) {
 }
 
 // threads
-// A block of useLooseStore(), which replaces the minimal library's store. A lock always guards the list of
-// blocks; flags select whether writes and reads of a block's values are locked.
+// A block of useLooseStore(), whose flags select whether writes and reads of values are locked.
 struct LooseBlock {
   std::mutex mutex;
   std::map<std::string, std::string> values;

@@ -1,5 +1,4 @@
-// Mutants that misuse descriptors and mappings. They duplicate descriptors themselves, and don't use the
-// minimal library's duplicates.
+// Mutants that misuse descriptors and mappings, but not those of the minimal library.
 #include "mutant.h"
 
 namespace orlu::mutants {

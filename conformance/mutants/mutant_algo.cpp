@@ -1,5 +1,4 @@
-// The minimal library with one planted fault, to prove that the kit detects the fault. ORLU_MUTANT selects
-// it; mutants.txt lists the checks that each mutant fails.
+// The minimal library with the fault that ORLU_MUTANT names. See mutants.txt for the checks that detect it.
 #include <dlfcn.h>
 
 #include <algorithm>

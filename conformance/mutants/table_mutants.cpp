@@ -40,7 +40,6 @@ void giveOneHandle(Table& table) {
                            const auto&) { return client; };
   table.destroyClient = [](void*) { return 0; };
 }
-// Forgets the values of a client when it is destroyed.
 template <typename Value>
 void forgetAtEnd(Table& table, std::map<void*, Value>& known) {
   table.destroyClient = [&known, destroy = table.destroyClient](void* client) {
