@@ -51,7 +51,7 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// Returns null without a VM. A callback may call Java: its thread must be attached, and detached at its end.
+// Returns null without a VM. Callbacks may call Java: attach their threads, and detach them before they exit.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
