@@ -101,7 +101,7 @@ struct Wrong {
     if (count++ > 0) return;
     first = key + " must have " + std::to_string(wanted.size()) + " bytes of value " +
             std::to_string(static_cast<unsigned char>(wanted[0])) +
-            (seen.empty() ? ", but is missing" : ", but contains others");
+            (seen.empty() ? ", but is missing" : ", but has other bytes");
   }
   void add(const Wrong& other) {
     if (count == 0) first = other.first;

@@ -130,7 +130,7 @@ void checkKeys() {
   Block block;
   step("setting " + std::to_string(entries.size()) + " values on one thread");
   for (const Entry& entry : entries) block.set(entry.section.c_str(), entry.key.c_str(), entry.bytes);
-  step("reading them on another");
+  step("reading the values on another thread");
   std::string wrong;
   std::thread([&] { wrong = wrongValues(block, entries); }).join();
   HOLDS(wrong.empty()) << "a block must store " << entries.size() << " values, and compare names of up to "
