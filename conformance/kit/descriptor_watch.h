@@ -20,7 +20,7 @@ public:
   // Until forget(), closing or replacing these descriptors is a fault of the library.
   void lend(const std::vector<int>& descriptors);
   void forget(const std::vector<int>& descriptors);
-  // Number of placeholders. They occupy numbers that the library closed, to detect a second close.
+  // Number of placeholders, which occupy closed descriptor numbers so that a second close is detected.
   int kept() const;
   // Returns and clears the faults since the last call.
   std::vector<std::string> takeWrong();

@@ -107,7 +107,7 @@ struct Request {
 // Serialised camera metadata with a few tags, in the service's format.
 std::string cameraMetadata();
 
-// Submits a request, with a camera block that lives until process() returns. Returns process()'s status.
+// Submits a request with a camera block that lives until process() returns. Returns the status of process().
 int submit(const Client& client, const Inbox& inbox, const Block& parameters, const Request& request);
 
 // A client, an inbox, a parameter block and two small images, for checks that need no more.
