@@ -16,8 +16,7 @@ arm_root_path() {
   printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-${key%% *}"
 }
 
-# arm_apt FOLDER COMMAND...: runs apt-get for armhf only, with this machine's sources, and with its state and
-# cache below FOLDER.
+# arm_apt FOLDER COMMAND...: runs apt-get for armhf with this machine's sources; FOLDER has state and cache.
 arm_apt() {
   local work=$1
   shift

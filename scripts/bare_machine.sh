@@ -109,8 +109,7 @@ in_root() {
       sh -c "cd /vas && $2"' sh "$1" "$2"
 }
 
-# try_commands NUMBER COMMANDS: runs the commands one after another in a root, until one fails. Appends a
-# line for each to the file "times".
+# try_commands NUMBER COMMANDS: runs commands in a root until one fails. Appends a line for each to "times".
 try_commands() {
   local place=$work/root$1 command commands status
   make_root "$place"

@@ -18,8 +18,7 @@ start_afresh() {
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: deletes a build of another checkout, or a build with packages that are no longer
-# installed.
+# discard_strange FOLDER: deletes a build of another checkout, or a build with packages that were removed.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")
@@ -58,8 +57,7 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps
-# compiled files.
+# configure PRESET TESTS SETUP: runs CMake if the setup changed; --fresh clears its cache, not compiled files.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&

@@ -13,8 +13,7 @@ fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# results_of MACHINE OPTION...: runs the requests with these options and stores the results under the
-# machine's name.
+# results_of MACHINE OPTION...: runs the requests with these options, and stores the results in $work/MACHINE.
 results_of() {
   local folder=$work/$1
   mkdir "$folder"
@@ -25,8 +24,7 @@ results_of() {
   fi
 }
 
-# summary MACHINE: prints the algorithms that ran, frames kept and moved, and callbacks, without times, folders
-# and descriptors.
+# summary MACHINE: prints the text that the runs printed, without folders, times and descriptors.
 summary() {
   sed -E "s#$work/$1##g; s/\b[0-9]+\.[0-9] ms\b/* ms/g; s/\bsharedFd = [0-9]+/sharedFd = */g" "$work/$1/summary.txt"
 }
@@ -38,6 +36,5 @@ status=0
 "$root/run" diff "$work/host/recordings" "$work/arm/recordings" --out "$root/out/machines" || status=1
 diff <(summary host) <(summary arm) || status=1
 python3 "$root/scripts/compare_events.py" "$work/host/events" "$work/arm/events" || status=1
-# Replay the recordings of this machine on ARM.
 "$root/run" replay --arm "$work/host/recordings" || status=1
 exit "$status"

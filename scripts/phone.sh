@@ -127,8 +127,7 @@ run_kit() {
   return "$status"
 }
 
-# pull PATH DIR: pulls everything or nothing into a new DIR/NAME, so that recordings of two pulls are never
-# mixed.
+# pull PATH DIR: pulls everything or nothing into a new DIR/NAME, so that recordings of two pulls never mix.
 pull() {
   local name to
   [[ $1 == /* ]] || die "$1: not an absolute path on the phone"

@@ -1,5 +1,4 @@
-// Faults of the algorithm library during a request. None may harm the process, keep the request from
-// finishing, or leak.
+// Faults of the algorithm library during a request must not harm the process, block the request, or leak.
 
 #include <algorithm>
 #include <sstream>

@@ -67,7 +67,6 @@ protected:
     return "4294967299 7 8589934593 nativeRequestAddr=Long " + std::to_string(mFullAsync) + "\n";
   }
   std::string bothReports() const { return shotReport() + lightStreamReport(""); }
-  // Expects that each kind of callback has logged `error` `count` times.
   void expectErrors(int count, const char* error) const {
     for (const char* function : {"onPostProcessDataCommonShot: ", "onPostProcessDataLightStream: "}) {
       EXPECT_EQ(count, mLog.errors(kTag, std::string(function) + error)) << mLog.text();

@@ -1,5 +1,4 @@
-// Table of the metadata parser's getters. Each row has an example value, and a function that calls the getter
-// and returns the status and the outputs as text.
+// The metadata parser's getters, each with an example value and a reader of its status and outputs as text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -135,8 +134,6 @@ template <auto Get>
 std::string reader(P& parser, const Ask& ask) {
   return read(Get, parser, ask);
 }
-
-// ---- The getters
 
 enum Source { kResult, kParameter, kCharacteristics };
 

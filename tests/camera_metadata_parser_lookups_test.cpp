@@ -82,8 +82,6 @@ TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
   EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
 }
 
-// ---- Serialising
-
 TEST_F(CameraMetadataParserLookupTest, SerialisesAsAParcel) {
   jobject metadata = filledMetadata();
   const std::vector<uint8_t> expected = parcelBytes(metadata);

@@ -55,7 +55,6 @@ std::string refusal(jobject buffer) {
   return "";
 }
 
-// Returns a buffer over a memory file of `size` bytes, with `rowBytes` bytes per row.
 jobject paddedBuffer(int format, int width, int height, int rowBytes, int size) {
   const int pixels = memfd_create("padded", MFD_CLOEXEC);
   const bool isMade = ftruncate(pixels, size) == 0;

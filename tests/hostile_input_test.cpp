@@ -31,7 +31,6 @@ class HostileInputTest : public test::RequestScene {
 protected:
   HostileInputTest() { create(); }
 
-  // Returns a Java list of `count` references to the same element.
   static jobject copies(int count, jobject element) {
     return test::callStatic("java/util/Collections", "nCopies", "(ILjava/lang/Object;)Ljava/util/List;",
                             count, element);

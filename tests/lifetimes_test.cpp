@@ -1,6 +1,5 @@
-// Java destroys clients and finishes requests at unusual moments: inside each operation of the algorithm
-// library, around process() and the callback, and on several threads. Sanitizers check the memory; these
-// tests count blocks.
+// Java destroys clients and finishes requests at unusual moments: inside the algorithm library's operations,
+// around process() and the callback, and on several threads. Sanitizers check memory; the tests count blocks.
 
 #include <algorithm>
 #include <atomic>
@@ -129,8 +128,7 @@ TEST_F(LifetimesTest, AnAnnouncementFails) {
   }
 }
 
-// Calls each native of the table. Inside each operation that the native calls, destroys its client or another
-// client.
+// Destroys the native's client, or another client, inside each operation that a native of the table calls.
 TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   const std::pair<const char*, std::function<void(int64_t)>> kNatives[] = {
       {"init",      [](int64_t inst) { RequestProcessor::init(env(), inst, nullptr); }                 },
@@ -199,8 +197,6 @@ TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   EXPECT_LT(50, destroyed) << "most operations were not reached";
 }
 
-// During and after process(), and before, during and after the callback; with and without destroying the
-// client in between.
 TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
   enum Moment { kInProcess, kAfterProcess, kInCallback, kAfterCallback, kAfterClient };
   for (const bool callsBackInside : {false, true}) {

@@ -1,6 +1,5 @@
-// Each text in golden/ describes a kind of capture: its request, and the complete translation of the
-// request's metadata in order. Each variation changes a text slightly and lists what changes: values,
-// algorithms and log lines.
+// Each text in golden/ has a request and the complete translation of its metadata, in order. Each variation
+// changes a text slightly and lists the changes: values, algorithms and log lines.
 
 #include <gtest/gtest.h>
 
@@ -58,7 +57,6 @@ TEST_P(MetadataUpdaterVariationTest, ChangesWhatItMust) {
 INSTANTIATE_TEST_SUITE_P(Variations, MetadataUpdaterVariationTest, testing::ValuesIn(allGoldenVariations()),
                          FirstWord());
 
-// Engineers search the log for the operation's name, so a helper function's name must not replace it.
 TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   Algo algo;
   algo.script.wanted = {

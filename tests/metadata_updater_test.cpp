@@ -27,7 +27,6 @@ GoldenCase golden(const std::string& name, const std::vector<std::string>& chang
   return read;
 }
 
-// Returns the messages logged with this tag and priority.
 std::vector<std::string> linesOf(const LogCapture& log, const std::string& tag, int priority) {
   std::vector<std::string> messages;
   for (const LogLine& line : log.lines()) {

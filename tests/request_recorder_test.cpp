@@ -117,7 +117,6 @@ TEST_F(RequestRecorderTest, FailuresCostOnlyTheRecording) {
   }
 }
 
-// The folder changes while the request runs.
 TEST_F(RequestRecorderTest, TheFolderMayDisappearDuringTheRequest) {
   const jobject compositions = test::javaList(mCompositions);
   const std::string plain = run(nullptr, mInputs, compositions);

@@ -15,7 +15,6 @@ using test::left;
 using test::LeftValue;
 using test::ResultScene;
 
-// Frames exposed at 1000, 1001, 1002, ...
 std::vector<jobject> framesFrom1000(int count) {
   std::vector<jobject> compositions;
   for (int i = 0; i < count; ++i) compositions.push_back(test::compositionAt(1000 + i));
@@ -49,8 +48,6 @@ std::string linesWith(const std::string& text, std::initializer_list<const char*
   }
   return found;
 }
-
-// ---- Only clarity
 
 void translateClarity(ResultScene& scene, int inputs, int compositions) {
   scene.algorithms = {"jpegBokehOnly", "ppt", "jpegEncode", "frameClarOnly", "hdr", "bestMoment"};
@@ -88,8 +85,6 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
   EXPECT_EQ("", scene.puts());
   EXPECT_EQ("E updateForFrameClarity failed, captureResultCompositions size < 1\n", scene.log());
 }
-
-// ---- Frames kept and discarded
 
 struct SelectCase : test::NamedCase {
   int frames;
@@ -136,8 +131,6 @@ INSTANTIATE_TEST_SUITE_P(Cases, ResultUpdaterSelectTest, testing::Values(
     SelectCase{"LateFrameKept",    25, {24},              " 1024",               numbers(24, 1.5)}),
     test::CaseName());
 // clang-format on
-
-// ---- The base frame
 
 struct BaseCase : test::NamedCase {
   int frames;

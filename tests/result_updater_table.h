@@ -53,8 +53,7 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// An algorithm's result in the parameter set, and the value put for it. A result with several puts has a row
-// for each.
+// A row for each put: an algorithm's result in the parameter set, and the value put for it.
 struct Result {
   std::string algorithms;  // read if the list contains any of these; empty: always read
   LeftValue left;

@@ -197,8 +197,6 @@ TEST_F(ResultUpdaterStepsTest, LogOnlyErrorsAndTheBareLinesAtASilentLevel) {
   EXPECT_EQ("D* bestmoment upload index=6\nD* update supermoon capture result 31\n", mScene.log());
 }
 
-// ---- Conditions
-
 struct ResultCase : test::NamedCase {
   std::vector<std::string> algorithms;
   const char* requestType;

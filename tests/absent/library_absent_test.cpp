@@ -1,5 +1,4 @@
-// Clients without an algorithm library. This program's folder contains the device's libraries except the
-// algorithm library.
+// Clients without an algorithm library: this program's folder contains only the device's other libraries.
 
 #include <gtest/gtest.h>
 
@@ -40,8 +39,7 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// A single test, because the loader remembers the names of opened libraries: once the impostor is open, this
-// process can't find the library absent again.
+// A single test: once the impostor is open, the loader remembers its name, so the library is never absent.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
   const std::string noLibrary =

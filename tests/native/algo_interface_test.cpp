@@ -1,5 +1,4 @@
-// Order of the callables in their tables. The algorithm library finds callables by position, which compilers
-// cannot check.
+// Order of the callables in their tables: the library finds them by position, which compilers can't check.
 
 #include "algo_interface.h"
 

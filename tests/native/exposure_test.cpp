@@ -32,8 +32,7 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
   EXPECT_EQ(kMin, extent(kMax, kMin));
 }
 
-// Each element is its index times a million, so that an element in nanoseconds gives its index in
-// milliseconds.
+// Each element is its index times 1e6, so an element in nanoseconds yields its index in milliseconds.
 TEST(ExposureTest, ReadsTimesAndRatiosFromTheirElements) {
   Aec aec = {};
   for (size_t i = 0; i < aec.size(); ++i) aec[i] = static_cast<float>(i) * 1e6F;

@@ -9,7 +9,6 @@ namespace {
 
 constexpr uintptr_t kStart = 0x10000;
 
-// Returns a plane that starts at this offset.
 AHardwareBuffer_Plane at(uintptr_t offset, uint32_t pixelStride, uint32_t rowStride) {
   return {reinterpret_cast<void*>(kStart + offset), pixelStride, rowStride};
 }

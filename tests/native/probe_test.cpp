@@ -212,8 +212,7 @@ TEST_F(ProbeTest, RecordsTheDataOfEveryOperation) {
   EXPECT_EQ(header["pointerBits"], 8 * sizeof(void*));
 }
 
-// The probe intercepts the callback passed to process(), also if it is called after process() or on another
-// thread.
+// The probe intercepts the callback passed to process(), even if it is called later or on another thread.
 TEST_F(ProbeTest, WritesCallbacksOfACookie) {
   std::vector<uint64_t> cookies;
   AlgoInterfaceCallbacks real = realTable();

@@ -1,5 +1,4 @@
-// notify() kills the process, so each test runs in a forked child. The child must not start the program
-// again, because emulated processes cannot start programs.
+// notify() kills the process, so each test runs in a forked child: emulated processes can't start programs.
 
 #include <android/log.h>
 #include <dlfcn.h>

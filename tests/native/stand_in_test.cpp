@@ -108,7 +108,6 @@ TEST_F(StandInTest, FlushWaitsForPendingRequests) {
   EXPECT_EQ((std::vector<uint64_t>{1, 2, 3, 4, 5}), waitFor(0));
 }
 
-// Requests with invalid image records still call back.
 TEST_F(StandInTest, CallsBackDespiteInvalidImages) {
   void (*const kSpoil[])(AlgoFrameInfo&) = {
       [](AlgoFrameInfo& frame) { frame.width = 0; },

@@ -2,8 +2,7 @@
 // change. ORLU_PLANTED selects the fault:
 //   lacks:NAME  answers:NAME  throws:NAME                fault of the callable NAME
 //   aborts:NAME  segfaults:NAME  hangs:NAME              same
-//   silent  late  name  id  unattached  twice  headless  afterwards
-//                                          faults of the callback
+//   silent  late  name  id  unattached  twice  headless  afterwards   faults of the callback
 //   visits                                 a value is requested with half its size
 //   idle  untouched                        faults of the request
 //   empty  oversized  selects  crossed  brief     faults of the results

@@ -1,7 +1,4 @@
-"""Shared by the tests of the command: runs ./run with an existing build, and collects failures.
-
-The build's folder is the test's first argument.
-"""
+"""Shared by the command's tests: runs ./run with the build in the first argument, and collects failures."""
 
 import os
 import subprocess

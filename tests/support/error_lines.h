@@ -10,8 +10,7 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// Returns "tag: message", or "tag: * message" for a line with a prefix. "?" precedes lines that are not
-// errors.
+// Returns "tag: message", or "tag: * message" if the line has a prefix. "?" precedes all lines but errors.
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {

@@ -21,8 +21,7 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// Clears the pending Java exception, if any, and throws std::runtime_error with its text, which fails the
-// test.
+// Clears a pending Java exception and throws std::runtime_error with its text, which fails the test.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
@@ -74,11 +73,9 @@ void setTag(jobject metadata, const char* tag, jobject value);
 std::vector<uint8_t> parcelBytes(jobject metadata);
 jobject newCaptureResult(jobject metadata);
 jobject newCharacteristics(jobject metadata);
-// `metadata` may be null.
 jobject newComposition(jobject metadata = nullptr);
 void putKey(jobject composition, const char* key, jobject value);
 jobject getKey(jobject composition, const char* key);
-// Returns a composition whose methods all throw.
 jobject newThrowingComposition();
 // Returns the TagType constant of a tag in the host's table, or "" for an unknown tag.
 std::string typeOfTag(const std::string& tag);

@@ -1,5 +1,4 @@
-// A golden text: a request and the expected translation of its metadata. See tests/golden/README.md for the
-// notation.
+// A golden text (see tests/golden/README.md): a request and the expected translation of its metadata.
 #pragma once
 
 #include <functional>
@@ -64,18 +63,14 @@ struct GoldenCase {
 // std::runtime_error with the file and the line.
 void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read);
 
-// Reads the golden text with this name. This function and the next two throw std::runtime_error, with the
-// file and the line, on syntax errors.
+// This function and the next two throw std::runtime_error, with the file and the line, on syntax errors.
 GoldenCase readGoldenCase(const std::string& name);
-// Reads all golden texts.
 std::vector<GoldenCase> allGoldenTexts();
-// Reads all variations of golden texts.
 std::vector<GoldenCase> allGoldenVariations();
 
-// Applies one more line of tags, such as "0 orlu.control.reqID int 5", or of the request, such as "algorithms
-// night hdr". A line of the request replaces earlier lines with the same first word, except that "and input
-// ..." and "and output ..." add an image, and "property ..." adds a property. Throws std::runtime_error on
-// syntax errors.
+// Applies one more line, either of tags, such as "0 orlu.control.reqID int 5", or of the request, such as
+// "algorithms night hdr", which replaces earlier lines with the same first word. Only "and input ...",
+// "and output ..." and "property ..." add to them. Throws std::runtime_error on syntax errors.
 void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
 // Returns the same request with all tags copied to compositions and with other values in the capture results:

@@ -172,7 +172,6 @@ std::string numbersLine(const char* name, int first, int second) {
   return std::string(name) + ' ' + std::to_string(first) + ' ' + std::to_string(second);
 }
 
-// Returns a failure at this line of a golden text.
 GoldenLine failure(const GoldenLine& line, const std::string& text) {
   return {text, line.file, line.number};
 }

@@ -1,5 +1,4 @@
-// Translates the metadata of a golden request as the product does for an image request, and compares the
-// result with the text.
+// Translates a golden image request's metadata as the product does, and compares the result with the text.
 #pragma once
 
 #include <functional>
@@ -13,7 +12,6 @@
 
 namespace orlu::test {
 
-// Result of translating a request.
 struct GoldenRun {
   std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
   std::vector<std::string> after;   // the lines that a text has below [after]

@@ -1,5 +1,4 @@
-// A value of a golden text: its type and its bytes as transferred. See tests/golden/README.md for the
-// notation.
+// A value of a golden text (see tests/golden/README.md): its type and its bytes as transferred.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +14,6 @@ struct GoldenValue {
   std::string type;  // without its size
   std::vector<uint8_t> bytes;
 
-  // Returns the numbers in `bytes`.
   template <typename T>
   std::vector<T> numbers() const {
     std::vector<T> values(bytes.size() / sizeof(T));

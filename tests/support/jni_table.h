@@ -1,6 +1,5 @@
-// Replaces an environment's JNI functions while this object lives, to count calls and to make lookups and
-// calls fail. Does not count calls made inside native methods of the Java library: the VM frees the local
-// references of such a method when the method returns.
+// Replaces an environment's JNI functions during its lifetime, to count calls and make lookups or calls fail.
+// Ignores calls inside native methods of the Java library, whose local references the VM frees on return.
 #pragma once
 
 #include <jni.h>
@@ -25,11 +24,9 @@ public:
   // all methods and fields of that name, or "class.member signature" for one of them.
   void hide(const std::string& name);
 
-  // Makes this function return null or 0 from now on, with an OutOfMemoryError pending. The function must be
-  // listed in jni_functions.h.
+  // Makes this function (of jni_functions.h) return null or 0 from now on, with an OutOfMemoryError pending.
   void fail(const std::string& function);
 
-  // Returns the number of calls of a function.
   int calls(const std::string& function) const;
   // Returns all lookups in order: a class as its name, a member as "class.member signature", or as
   // "null.member signature" if its class is missing.

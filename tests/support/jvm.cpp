@@ -15,8 +15,7 @@ JavaVM* gVm = nullptr;
 thread_local JNIEnv* gEnv = nullptr;
 std::string gVmOutput;
 
-// Redirects the VM's output, which goes to descriptor 1, to a file. This program's standard output gets
-// another descriptor.
+// Redirects descriptor 1, the VM's output, to a file. This program's output gets another descriptor.
 bool splitOutput() {
   char path[] = "/tmp/orlu-vm-output-XXXXXX";
   const int file = mkstemp(path);

@@ -9,7 +9,6 @@
 
 namespace orlu::test {
 
-// Returns a service that creates clients and runs requests.
 inline jobject newService() {
   return newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");
 }

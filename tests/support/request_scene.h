@@ -1,5 +1,4 @@
-// A request of one client, from Java to a scripted algorithm library and back. Checks for leaks at the end of
-// each test.
+// A client's request, from Java to a scripted algorithm library and back. Checks for leaks after each test.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// main() of the test programs.
+// Runs a program's tests and shows the log of failing tests.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -33,8 +33,7 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// Use at global scope. OPAQUE is for opaque records, and for records whose fields the caller asserts one by
-// one.
+// Use at global scope. OPAQUE is for opaque records, and for records whose fields the caller asserts.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

@@ -38,7 +38,6 @@ public final class CallbackRecorder implements CallbackListener {
         return mReports.toString();
     }
 
-    /** Sets whether further callbacks throw an exception. */
     public synchronized void setThrows(boolean isThrowing) {
         mThrows = isThrowing;
     }

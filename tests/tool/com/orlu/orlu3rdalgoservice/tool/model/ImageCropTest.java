@@ -36,7 +36,6 @@ public final class ImageCropTest {
         }
     }
 
-    /** Returns bytes that equal their offsets. */
     private static byte[] offsets(int size) {
         byte[] bytes = new byte[size];
         for (int i = 0; i < size; ++i) {

@@ -15,7 +15,6 @@ import org.junit.Test;
 
 /** Tests the text of a parameter's bytes: each field of a record at its offset, and bytes that don't fit. */
 public final class ParameterFormatterTest {
-    /** Returns a little-endian buffer of this size. */
     private static ByteBuffer bytes(int size) {
         return ByteBuffer.allocate(size).order(ByteOrder.LITTLE_ENDIAN);
     }
