@@ -53,7 +53,7 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// A row for each put: an algorithm's result in the parameter set, and the value put for it.
+// An algorithm's result in the parameter set, and the value put for it. Several puts need several rows.
 struct Result {
   std::string algorithms;  // read if the list contains any of these; empty: always read
   LeftValue left;

@@ -39,7 +39,7 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// A single test: once the impostor is open, the loader remembers its name, so the library is never absent.
+// A single test: the loader remembers the impostor's name, so afterwards the library is never absent.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
   const std::string noLibrary =
