@@ -81,8 +81,8 @@ compile() {
 }
 
 # build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. The tests
-# are configured with --tests, or if they were configured before. The output of CMake and Ninja is printed
-# only if the build fails. Concurrent builds of a preset wait for each other.
+# are configured with --tests, or if they were configured before. Prints progress, and all output of CMake
+# and Ninja if the build fails. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift
