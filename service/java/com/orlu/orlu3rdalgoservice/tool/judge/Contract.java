@@ -18,23 +18,16 @@ import java.util.Set;
 
 /**
  * Checks the calls between the service and the algorithm library against their contract
- * (docs/conformance.md), in the order of the events' file. The probe writes the event "begin" before the
- * call, and "end" after the call. So the "begin" of a call that destroys an address precedes the "end" of
- * the call that returns the same address again, whichever threads make them.
+ * (docs/conformance.md), in the order of the events' file: "begin" is written before a call, "end" after it,
+ * so the destruction of an address begins before its next creation ends, on whichever threads they run.
  */
 public final class Contract {
     /** The offset of the name in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
-    /**
-     * The service waits ten seconds for a synchronous request; then it may destroy the request's block.
-     * A tenth of a second less, so that inexact timers cause no breach.
-     */
+    /** Ten seconds, after which the service may destroy a request's block, less 0.1 s for inexact timers. */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
-    /**
-     * The number of finished requests that are remembered. A callback for an older request counts as one for
-     * an unknown request.
-     */
+    /** Number of finished requests to remember. Older requests count as unknown. */
     private static final int MOST_FINISHED = 4096;
 
     private final Map<Long, Event> mOpen = new HashMap<>();

@@ -100,9 +100,7 @@ public final class Crash {
         };
     }
 
-    /**
-     * Returns the text of the crash file: reason, operations in progress, last events, and the VM's report.
-     */
+    /** Returns the crash file's text: reason, operations in progress, last events, the VM's report. */
     public String report() {
         StringBuilder text = new StringBuilder(reason()).append("\n\nOperations that had not returned:\n");
         mEvents.open().forEach(call -> text.append(JsonWriter.line(call.begin().fields())).append('\n'));

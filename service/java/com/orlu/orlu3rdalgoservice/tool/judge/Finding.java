@@ -9,12 +9,10 @@ import java.util.Map;
  *
  * @param kind   a word for programs
  * @param isSure whether it is certainly an error
- * @param what   the observation, one sentence
  * @param why    its usual causes and where to look
  * @param tab    the part of the page that shows it
  */
 public record Finding(String kind, boolean isSure, String what, String why, Tab tab) {
-    /** The parts of a page. */
     enum Tab {
         PICTURES,
         MEMORY,

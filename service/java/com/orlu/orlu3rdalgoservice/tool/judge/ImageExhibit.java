@@ -35,10 +35,7 @@ public final class ImageExhibit {
     private PictureData mLarge;
     private PictureData mSmall;
 
-    /**
-     * Reads and draws the image. `name` is "input 0" or similar; `frame` is -1 for an output; `most` limits
-     * the bytes of the large picture.
-     */
+    /** Draws the image. `frame` is -1 for an output; `most` limits the bytes of the large picture. */
     ImageExhibit(String name, int frame, ImageBuffer image, OutputReader read, int most) {
         mName = name;
         mFrame = frame;
@@ -103,14 +100,11 @@ public final class ImageExhibit {
         return mChecksum;
     }
 
-    /**
-     * Returns whether the pixels come from a file. Frames made from the same photo may legitimately be equal.
-     */
+    /** Whether the pixels come from a file. Frames made from the same photo may legitimately be equal. */
     boolean isOfFile() {
         return mIsOfFile;
     }
 
-    /** Records that the request changed the bytes. */
     void markWritten() {
         mIsWritten = true;
     }
@@ -125,7 +119,6 @@ public final class ImageExhibit {
         return mSmall;
     }
 
-    /** Returns all data, including the pictures. */
     Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("name", mName, "frame", mFrame, "raw", mIsRaw,
                 "hardware", mIsHardware, "problem", problem(), "written", mIsWritten, "layout", mMemoryJson);

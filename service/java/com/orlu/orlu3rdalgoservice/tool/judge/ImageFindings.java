@@ -29,10 +29,7 @@ public final class ImageFindings {
     private final boolean mHasPass;
     private final List<Finding> mFindings = new ArrayList<>();
 
-    /**
-     * `hasPass` is false without an algorithm pass. Nothing writes the outputs then, so their content is not
-     * checked.
-     */
+    /** Without an algorithm pass, nothing writes the outputs, so their content is not checked. */
     public ImageFindings(Exhibits exhibits, boolean hasPass) {
         mExhibits = exhibits;
         mHasPass = hasPass;

@@ -47,8 +47,7 @@ public final class Judge {
         return mReasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, mReasons);
     }
 
-    // Groups failures: an operation that failed a hundred times is one reason. `except` is reported
-    // elsewhere.
+    // Reports repeated failures as one reason, with a count. `except` is reported elsewhere.
     private void checkOperations(Call except) {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call call : mRun.events().calls()) {

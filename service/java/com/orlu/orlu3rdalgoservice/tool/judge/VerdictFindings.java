@@ -7,11 +7,7 @@ import java.util.List;
 
 /** Explains a verdict's reasons in detail, and names the tab of the page that shows them. */
 public final class VerdictFindings {
-    /**
-     * The finding for one kind of reason.
-     *
-     * @param words a reason of this kind contains one of these
-     */
+    /** The finding for the reasons that contain one of these words. */
     private record Kind(String name, Tab tab, String what, String why, String... words) {
     }
 
@@ -50,10 +46,7 @@ public final class VerdictFindings {
     private VerdictFindings() {
     }
 
-    /**
-     * Returns one finding for each reason. Omits the name of the crash file, and reasons about outputs, which
-     * ImageFindings explains in more detail.
-     */
+    /** Returns a finding for each reason except the crash file's name and outputs (see ImageFindings). */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

@@ -30,7 +30,6 @@ public final class Call {
         return mEnd != null && mEnd.has("thrown");
     }
 
-    /** Whether the operation returned this number or handle. */
     public boolean returned(long result) {
         return mEnd != null && mEnd.has("result") && mEnd.number("result") == result;
     }

@@ -7,10 +7,7 @@ package com.orlu.orlu3rdalgoservice.tool.model;
  * @param y the first row, -1 to centre the area
  */
 public record CropArea(int x, int y, int width, int height) {
-    /**
-     * Step of columns: packed formats store groups of four samples. It applies to all formats, so that all
-     * images get the same area.
-     */
+    /** Step of columns: packed formats have groups of four samples, and all images need the same area. */
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
 
@@ -34,10 +31,7 @@ public record CropArea(int x, int y, int width, int height) {
         return area;
     }
 
-    /**
-     * Returns the area's place in an image of this size. Throws IllegalArgumentException, whose message names
-     * the image, if the area exceeds the image.
-     */
+    /** Places the area in an image. Throws IllegalArgumentException, naming the image, if it doesn't fit. */
     CropArea in(int imageWidth, int imageHeight, String image) {
         CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,
                 y < 0 ? (imageHeight - height) / 2 / ROWS * ROWS : y, width, height);

@@ -27,15 +27,11 @@ public record Dependences(
     /** The algorithm list's name among the parameters. */
     public static final String ALGORITHMS = "algorithms";
 
-    /** Returns empty results, with the reason. */
     public static Dependences unknown(String problem) {
         return new Dependences(List.of(), Set.of(), 0, 0, problem);
     }
 
-    /**
-     * Returns the tags that a parameter depends on, sorted by tag, then frame. Includes tags that have an
-     * effect only if they change in all frames at once.
-     */
+    /** Returns the tags, by name and frame, that change a parameter alone or only in all frames at once. */
     public List<Dependence> of(String parameter) {
         return all.stream()
                 .filter(tag -> tag.parameters().contains(parameter) || tag.together().contains(parameter))
@@ -47,7 +43,6 @@ public record Dependences(
         return all.stream().filter(each -> each.frame() == frame && each.tag().equals(tag)).toList();
     }
 
-    /** For a JSON writer. */
     public Map<String, Object> json() {
         return JsonWriter.object("trials", trials, "seconds", seconds, "problem", problem,
                 "unsteady", new TreeSet<>(unsteady), "tags", all.stream().map(Dependence::json).toList());
@@ -68,7 +63,6 @@ public record Dependences(
         Files.write(file, requests.stream().map(found -> JsonWriter.line(found.json())).toList());
     }
 
-    /** Reads a file that write() wrote. */
     public static List<Dependences> read(Path file) throws IOException {
         List<Dependences> requests = new ArrayList<>();
         for (String line : Files.readAllLines(file)) {

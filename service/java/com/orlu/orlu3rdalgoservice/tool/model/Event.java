@@ -67,7 +67,6 @@ public record Event(Json fields) {
         return (long) real(name);
     }
 
-    /** A number with a fraction. */
     public double real(String name) {
         Json field = fields.get(name);
         return field != null && field.isNumber() ? Double.parseDouble(field.text()) : 0;
@@ -92,7 +91,6 @@ public record Event(Json fields) {
         return texts;
     }
 
-    /** The elements of a list. */
     public List<Json> elements(String name) {
         return fields.at(name).elements();
     }

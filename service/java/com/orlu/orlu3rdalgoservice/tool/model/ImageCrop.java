@@ -30,10 +30,7 @@ final class ImageCrop {
         mArea = area;
     }
 
-    /**
-     * Plans the crop. Returns null for a format that can't be cropped. Throws IllegalArgumentException, whose
-     * message contains `name`, if the image is smaller than the area or its description is invalid.
-     */
+    /** Returns null for JPEG and unknown formats; throws IllegalArgumentException for a bad area or rows. */
     static ImageCrop of(ImageLayout image, CropArea area, String name) {
         ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
         if (crop.mFormat == null || crop.mFormat == PixelFormat.JPEG) {

@@ -25,12 +25,10 @@ public record Parameter(String section, String key, byte[] bytes) {
         return Json.of(ParameterFormatter.json(ParameterTypes.of(section, key), bytes));
     }
 
-    /** The full section, and the key. */
     public String fullName() {
         return section + "/" + key;
     }
 
-    /** The name of the type. */
     public String type() {
         return ParameterTypes.of(section, key).text();
     }

@@ -39,9 +39,8 @@ public final class PrivateFacts {
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
     /**
-     * A run of characters in binary data that counts as text; each has one or two bytes. The length is
-     * bounded, because matching uses stack for each character. 41 characters are already too many for a
-     * plain text.
+     * Text in binary data, in characters of one or two bytes. Matching uses stack for each character, so the
+     * length is bounded: 41 characters are already too many for a plain text.
      */
     private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,41}");
 
@@ -163,7 +162,6 @@ public final class PrivateFacts {
                 "composition", values(frame.get("composition")));
     }
 
-    // Returns the typed values that are not private.
     private Map<String, Object> values(Json values) {
         Map<String, Object> plain = new LinkedHashMap<>();
         values.entries().forEach((name, value) -> {
@@ -227,11 +225,7 @@ public final class PrivateFacts {
         }
     }
 
-    /**
-     * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
-     * picture, JFIF header and colour profile remain: EXIF and other application blocks, thumbnails,
-     * comments, and bytes after the picture become 0.
-     */
+    /** Returns the bytes without private facts: blanks JPEGs (see JpegBlocks). `name` is the image's file. */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());
         // Raw pixels may look like the start of a JPEG.

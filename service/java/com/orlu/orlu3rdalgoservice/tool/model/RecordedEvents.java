@@ -47,7 +47,6 @@ public final class RecordedEvents {
         return mCalls;
     }
 
-    /** All calls of an operation, in the order of their begin events. */
     public List<Call> calls(String operation) {
         return mCalls.stream().filter(call -> call.operation().equals(operation)).toList();
     }

@@ -107,10 +107,7 @@ public final class Run {
         }
     }
 
-    /**
-     * Returns a run in this process. `name` is the prefix of its files' names. `pass` is null if the library
-     * does not report its work.
-     */
+    /** Returns a run in this process. `name` is the prefix of its files' names; `pass` may be null. */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, Ran ran) {
         Run run = new Run(
@@ -249,10 +246,7 @@ public final class Run {
         return mRoot.at("frames").elements();
     }
 
-    /**
-     * The inputs other than frames and images, by name: "property ...", "client ...", "request type". Empty
-     * for a run without a folder.
-     */
+    /** Inputs besides frames and images, by name: "property ...", "client ...", "request type". */
     public Map<String, Json> settings() throws MistakeException {
         Map<String, Json> settings = new LinkedHashMap<>();
         for (String part : List.of("client", "properties")) {
@@ -288,10 +282,7 @@ public final class Run {
         return mResults;
     }
 
-    /**
-     * How the request was trimmed, once or several times, such as "cropped to 320x240, only frames 0, 2 of
-     * the recording"; "" if it is complete.
-     */
+    /** Describes each trim, such as "cropped to 320x240, only frames 0, 2 of the recording"; "" for none. */
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.list("trimmed")) {
@@ -312,7 +303,6 @@ public final class Run {
         return Stream.of(crop, kept, facts).filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
     }
 
-    /** The data passed to the algorithm library. */
     public Handover handover() {
         return mHandover;
     }
@@ -324,10 +314,7 @@ public final class Run {
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
-    /**
-     * The algorithms that were passed to the library but that it reports neither as run nor as skipped; none
-     * if the library does not report its work.
-     */
+    /** Algorithms passed on but reported neither as run nor as skipped; none without a report. */
     public List<String> idleAlgorithms() {
         if (mPass == null) {
             return List.of();
@@ -348,7 +335,6 @@ public final class Run {
         return mRan;
     }
 
-    /** The stages in the order of execution. */
     public List<Stage> stages() {
         return mStages;
     }

@@ -98,8 +98,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                     mEnd.faults() - mFaults);
         }
 
-        // Adds the parts from the end of process to the next event of Java's thread after the callback.
-        // Returns false without a callback.
+        // Adds the parts up to Java's next event after the callback. Returns false without a callback.
         private boolean addWait(Call process) {
             Event callback = mEvents.calls("callback").stream().map(Call::begin)
                     .filter(event -> event.number("of") == process.begin().number("n")

@@ -40,10 +40,7 @@ public final class Trimmer {
     private final List<ImageCrop> mOutputCrops = new ArrayList<>();
     private Path mFolder;
 
-    /**
-     * Keeps these frames (all if `frames` is empty) and this area of each image (everything if `crop` is
-     * null). `withoutFacts` removes private facts; if it is null, they are kept.
-     */
+    /** Empty `frames` means all, a null `crop` whole images; a null `withoutFacts` keeps private facts. */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
         mRun = run;
@@ -255,7 +252,6 @@ public final class Trimmer {
         }
     }
 
-    // Returns the names of tags with sizes or positions in an image.
     private Set<String> sizeTags() throws MistakeException {
         Set<String> names = new TreeSet<>();
         for (Json frame : mRun.frames()) {

@@ -17,18 +17,13 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/**
- * Reads "frames" of a request file: a list of frames, or an object with their count, common values, and a
- * list of individual values.
- */
+/** Reads "frames" of a request file: a list, or an object with a count, common and individual values. */
 final class FrameSetReader {
     private static final int LARGEST_SHIFT = 64;
 
     private final Json mField;
     private final Mistakes mMistakes;
-    /**
-     * Fields with invalid values. Common fields are read for each frame, but their mistakes are noted once.
-     */
+    /** Fields with invalid values: common fields are read for each frame, but reported once. */
     private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
     private FrameSetReader(Json field) {

@@ -42,10 +42,7 @@ final class ImageFileReader {
         readSize(kind);
     }
 
-    /**
-     * Returns the file that a field names, relative to the request file. Throws if it is missing or
-     * unreadable.
-     */
+    /** Returns the file that a field names, relative to the request file. Throws if it can't be read. */
     static Path existing(Path requestFile, Json field) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());

@@ -23,7 +23,6 @@ import java.util.List;
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Json place, ImageLayout layout) {
-    /** Creates an image without a recorder's description. */
     public ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
             int capacity, int bits, int frame, ImageFile file, Json place) {
         this(format, name, hardware, width, height, stride, capacity, bits, frame, file, place, null);

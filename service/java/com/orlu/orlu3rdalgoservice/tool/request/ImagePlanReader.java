@@ -23,9 +23,7 @@ final class ImagePlanReader {
     private final int mFrames;
     private boolean mNeedsPhoto;
 
-    /**
-     * Names of image files are relative to `requestFile`. `frames` is the number of frames, -1 if unknown.
-     */
+    /** Image files are relative to `requestFile`. `frames` is the number of frames, -1 if unknown. */
     ImagePlanReader(Path requestFile, Mistakes mistakes, int frames) {
         mRequestFile = requestFile;
         mMistakes = mistakes;

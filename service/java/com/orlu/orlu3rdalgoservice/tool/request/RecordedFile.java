@@ -89,10 +89,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return bytes;
     }
 
-    /**
-     * Fills the buffer from the start of a file, which must not be a link. If the file is shorter, the rest
-     * of the buffer is unchanged.
-     */
+    /** Fills the buffer from a file that must not be a link; the rest of the buffer stays unchanged. */
     public static void read(Path file, ByteBuffer to) throws IOException {
         try (FileChannel channel = FileChannel.open(
                 file, StandardOpenOption.READ, LinkOption.NOFOLLOW_LINKS)) {

@@ -13,10 +13,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/**
- * Reads a request file that a recorder wrote: values have types, image descriptions are exact. Omits a value
- * that can't be recreated, with a warning.
- */
+/** Reads a request file that a recorder wrote. Omits values that can't be recreated, with a warning. */
 final class RecordedRequestReader {
     /** The member that marks a recorder's file. */
     static final String MARK = "recording";

@@ -31,9 +31,8 @@ public final class RequestTags {
     }
 
     /**
-     * Sets tags in all frames of a request. Each is "NAME=VALUE", with the value as in a request file or as
-     * unquoted text. Replaces the composition's value if the composition has the tag; else sets the tag in
-     * the capture result. Throws an IllegalArgumentException with a message for people.
+     * Sets each "NAME=VALUE" in all frames: in the composition if it has the tag, else in the capture result.
+     * VALUE is as in a request file, or unquoted text. Throws IllegalArgumentException, with text for people.
      */
     public static void set(RequestFile request, List<String> tags) {
         for (String tag : tags) {

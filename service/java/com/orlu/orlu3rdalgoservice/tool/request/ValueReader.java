@@ -64,7 +64,6 @@ final class ValueReader {
                 counter.require("step").number().multiply(frame())).doubleValue();
     }
 
-    /** A number as a float. */
     float single(Json field) throws MistakeException {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }

@@ -71,10 +71,7 @@ public final class Burst implements AutoCloseable {
         }
     }
 
-    /**
-     * Sends `count` requests, `interval` milliseconds apart, and waits while `inFlight` requests are in
-     * flight.
-     */
+    /** Sends `count` requests, `interval` milliseconds apart, with at most `inFlight` of them in flight. */
     public List<Shot> run(int count, int interval, int inFlight) throws MistakeException, IOException {
         List<Callable<Shot>> work = new ArrayList<>();
         IntStream.range(0, count).forEach(index -> work.add(() -> shoot(index, interval)));
@@ -84,7 +81,6 @@ public final class Burst implements AutoCloseable {
         return shots;
     }
 
-    /** The most requests that were in flight at once. */
     public int mostInFlight() {
         return mMostInFlight;
     }

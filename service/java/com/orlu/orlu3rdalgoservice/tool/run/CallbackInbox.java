@@ -34,7 +34,6 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
         }
     }
 
-    /** The reports so far. */
     synchronized List<Map<String, Object>> reports() {
         return mReports.stream().map(Report::values).toList();
     }
@@ -46,10 +45,7 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
                 .filter(Long.class::isInstance).map(Long.class::cast).toList();
     }
 
-    /**
-     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout or
-     * an interrupt.
-     */
+    /** Waits for one of these requests. Returns its native address; null after a timeout or an interrupt. */
     synchronized Long awaitDone(LongPredicate ids, long seconds) {
         long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);
         try {

@@ -12,10 +12,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Stream;
 
-/**
- * Runs this command in a separate process, which may use another library or an emulator, and may crash. Each
- * run has its own folder for its files.
- */
+/** Runs this command in a separate process, which may use other libraries or an emulator, and may crash. */
 public final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
     private static final String RECORDINGS = "recordings";
@@ -35,10 +32,7 @@ public final class ChildRun {
     private final Map<String, String> mVariables = new HashMap<>();
     private int mStatus;
 
-    /**
-     * `library` is another build of the native library if its file name is
-     * liborlu.vas.native.interface.so, else an algorithm library; null for the default libraries.
-     */
+    /** `library` is a native library if named NATIVE_LIBRARY, else an algorithm library; null for neither. */
     public ChildRun(String name, boolean arm, Path library) throws IOException {
         String work = System.getProperty("orlu.work");
         mFolder = Files.createTempDirectory(Path.of(work), name + "-");
@@ -46,10 +40,7 @@ public final class ChildRun {
         mLibrary = library;
     }
 
-    /**
-     * Runs request files and returns the folder of their recordings. If the process died, some recordings
-     * are missing.
-     */
+    /** Runs request files. Returns the folder of their recordings, some missing if the process died. */
     public Path run(List<Path> requests) throws IOException {
         List<String> arguments = new ArrayList<>();
         requests.forEach(request -> arguments.add(request.toString()));

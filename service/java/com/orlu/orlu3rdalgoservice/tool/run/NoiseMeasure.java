@@ -20,10 +20,7 @@ import java.util.List;
  * @param ssim   structural similarity of the output; NaN if not requested
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
-    /**
-     * Compares the outputs with the base frame's part of the photo. Omits outputs of another size. If no
-     * frame has noise, compares only if similarity is requested.
-     */
+    /** Compares outputs of the base frame's size with its clean picture; without noise, only if `hasSsim`. */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {
         List<NoiseMeasure> measures = new ArrayList<>();
@@ -41,7 +38,6 @@ public record NoiseMeasure(int output, String what, double before, double after,
         return measures;
     }
 
-    /** A line for people. */
     public String line() {
         return "output %d, %s PSNR %.1f dB before, %.1f dB after (%+.1f dB)".formatted(
                 output, what, before, after, after - before);

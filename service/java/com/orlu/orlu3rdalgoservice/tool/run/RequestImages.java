@@ -22,10 +22,7 @@ public final class RequestImages {
     private RequestImages() {
     }
 
-    /**
-     * Returns the frames made from the photo; none if no input needs them. Throws if the photo can't be read
-     * or an image's size is invalid.
-     */
+    /** Makes the needed frames. Throws if the photo can't be read or an image's size is invalid. */
     public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
             throws MistakeException {
         List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request, photos) : List.of();
@@ -72,7 +69,6 @@ public final class RequestImages {
         return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }
 
-    /** Creates a composition for each frame. */
     static List<RecordedComposition> compositions(RequestFile request) {
         List<RecordedComposition> compositions = new ArrayList<>();
         for (FramePlan frame : request.frames().frames()) {

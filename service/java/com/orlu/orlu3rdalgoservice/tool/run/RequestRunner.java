@@ -22,15 +22,9 @@ import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 
-/**
- * Runs one request through the native library on a client, as the service does. close() frees the images'
- * memory; the other results remain valid.
- */
+/** Runs one request on a client, as the service does. close() frees the images; other results stay valid. */
 public final class RequestRunner implements AutoCloseable {
-    /**
-     * Timeout of a request: the native library's for a synchronous request, this class's for a full-async
-     * request.
-     */
+    /** Timeout of a synchronous request in the native library, and of a full-async request in this class. */
     public static final int CALLBACK_SECONDS = 10;
 
     private final RequestFile mRequest;
@@ -169,7 +163,6 @@ public final class RequestRunner implements AutoCloseable {
         return mOutputs;
     }
 
-    /** The results of the request. */
     public Ran ran() {
         return new Ran(mInputs.stream().map(ImageBuffer::plan).toList(), mOutputsBefore, mOutputsAfter, mPut,
                 mInbox.reports(), mProblems, mWaitStart, mWaitEnd);

@@ -13,10 +13,7 @@ public final class ServiceClient {
     private final long mHandle;
     private final RequestRecorder mRecorder;
 
-    /**
-     * Creates and initialises the client that a request names. `recorder` records the client's requests; null
-     * records nothing.
-     */
+    /** Creates and initialises the client that a request names. A null `recorder` records nothing. */
     public ServiceClient(RequestFile request, Stopwatch stopwatch, RequestRecorder recorder) {
         mRecorder = recorder;
         mClientId = request.clientId();

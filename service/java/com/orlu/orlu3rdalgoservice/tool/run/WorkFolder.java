@@ -5,9 +5,7 @@ import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 
-/**
- * The folder that the launcher creates for one run and removes afterwards. The property orlu.work names it.
- */
+/** The launcher's folder for one run, removed afterwards. The property orlu.work names it. */
 public final class WorkFolder {
     /** The environment variable that names the file for this process's part of a common index of pages. */
     public static final String PAGES = "ORLU_PAGES";
@@ -35,10 +33,7 @@ public final class WorkFolder {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
-    /**
-     * The file with the state of the pages written so far: the file that PAGES names, else one in the work
-     * folder. Null without either.
-     */
+    /** The state of the pages so far: the file that PAGES names, else one in the work folder, else null. */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);
         return named == null ? file("pages.json") : named;

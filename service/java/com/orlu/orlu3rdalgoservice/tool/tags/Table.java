@@ -41,7 +41,6 @@ final class Table {
         return new ArrayList<>(words);
     }
 
-    // Returns the lines that are neither blank nor comments.
     private static List<String> lines(String file) {
         List<String> lines = new ArrayList<>();
         try (InputStream stream = Table.class.getResourceAsStream(file);

@@ -25,7 +25,6 @@ public record TagFacts(String unit, String meaning, List<Value> values) {
         return TAGS.get(tag);
     }
 
-    /** Whether the tag has a unit. */
     public boolean hasUnit() {
         return !unit.equals(NO_UNIT);
     }

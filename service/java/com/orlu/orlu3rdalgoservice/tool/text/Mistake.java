@@ -9,7 +9,7 @@ package com.orlu.orlu3rdalgoservice.tool.text;
  * @param problem   what was expected and found
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
-    /** Returns one line in the form of compilers' messages, so that editors can jump to its place. */
+    /** Returns one line in the form of compilers' messages, so that editors can jump to the place. */
     public String text() {
         return text(isWarning ? "warning: " : "error: ");
     }

@@ -41,9 +41,7 @@ public final class Mistakes {
         return mFile;
     }
 
-    /**
-     * Adds a mistake unless the list contains it: values common to all frames are read again for each frame.
-     */
+    /** Adds a mistake once: values common to all frames are read again for each frame. */
     public void add(Mistake mistake) {
         if (mMistakes.contains(mistake)) {
             return;
@@ -130,10 +128,7 @@ public final class Mistakes {
         return sorted;
     }
 
-    /**
-     * Returns a line for each of the first mistakes in order, and one with the count of the rest. If there
-     * are too many, omits warnings rather than errors.
-     */
+    /** Returns at most MOST_PRINTED mistakes by place, preferring errors, and a line that counts the rest. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
         sorted().stream().sorted(Comparator.comparing(Mistake::isWarning)).limit(MOST_PRINTED)

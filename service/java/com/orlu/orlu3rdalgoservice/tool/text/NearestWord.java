@@ -41,10 +41,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
     }
 
-    /**
-     * Returns " (did you mean FILE?)" for a missing request file, with the nearest *.json file of its folder;
-     * an empty text if none is near.
-     */
+    /** Like question(), for a missing request file: suggests the nearest *.json file of its folder. */
     public static String questionOnFile(Path file) {
         String ending = ".json";
         List<String> names = new ArrayList<>();

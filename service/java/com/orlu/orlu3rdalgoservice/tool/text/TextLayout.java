@@ -4,10 +4,7 @@ import java.io.PrintStream;
 import java.util.ArrayList;
 import java.util.List;
 
-/**
- * Prints text in lines of limited width: wrapped at blanks without breaking words, or cut. Control
- * characters, which untrusted text may contain, are escaped.
- */
+/** Prints text in lines of limited width, wrapped at blanks or cut, with control characters escaped. */
 public final class TextLayout {
     /** The width of a terminal. */
     public static final int TERMINAL = 80;
@@ -33,8 +30,6 @@ public final class TextLayout {
     public TextLayout(PrintStream to, boolean wide) {
         this(to, wide ? Integer.MAX_VALUE : TERMINAL);
     }
-
-    // Wrapped lines.
 
     /** Prints a line with this indentation; further lines are indented by four more. */
     public void print(int indent, String text) {
@@ -74,9 +69,6 @@ public final class TextLayout {
         return lines;
     }
 
-    // Cut lines.
-
-    /** Returns whether any line was cut so far. */
     public boolean hasCut() {
         return mHasCut;
     }

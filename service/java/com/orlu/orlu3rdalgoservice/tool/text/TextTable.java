@@ -4,9 +4,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.Stream;
 
-/**
- * A table of texts and numbers. Each column is as wide as its widest cell. Rows can have further lines below.
- */
+/** A table of texts and numbers. Columns fit their widest cells; rows can have further lines below. */
 public final class TextTable {
     private static final int GAP = 2;
     private static final int INDENT = 4;

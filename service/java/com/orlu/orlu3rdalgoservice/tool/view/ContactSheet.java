@@ -25,19 +25,14 @@ public final class ContactSheet {
     private final List<String> mColumns;
     private final List<Object> mRows = new ArrayList<>();
 
-    /**
-     * Creates a page without rows. Without columns, the pictures of a row wrap to as many lines as they need.
-     */
+    /** Creates a page without rows. Without columns, the pictures of a row wrap. */
     public ContactSheet(String title, String about, List<String> columns) {
         mTitle = title;
         mAbout = about;
         mColumns = columns;
     }
 
-    /**
-     * Returns a cell with a picture, a caption and further lines. If `picture` is null, the cell shows
-     * `problem` instead.
-     */
+    /** Returns a cell with a caption, lines, and the picture, or `problem` if `picture` is null. */
     public static Map<String, Object> cell(
             String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",

@@ -79,9 +79,8 @@ public final class PageFolder {
     }
 
     /**
-     * Writes the page of the last request. If the request's process died, the page shows the timeline since
-     * the previous page. `exhibits` is null if the request's inputs can't be recreated. Returns a line that
-     * names the page.
+     * Writes the last request's page and returns a line that names it. If its process died, the page
+     * shows the timeline since the previous page. `exhibits` is null if the inputs can't be recreated.
      */
     public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {
@@ -143,7 +142,6 @@ public final class PageFolder {
                 PageTemplate.INDEX.page("Requests", JsonWriter.object("entries", entries)));
     }
 
-    /** Returns the file of the index. */
     public Path index() {
         return mFolder.resolve("index.html");
     }

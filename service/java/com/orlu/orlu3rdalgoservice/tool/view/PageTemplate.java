@@ -16,10 +16,8 @@ import java.util.regex.Pattern;
 
 /** Assembles a page: HTML, style sheets, scripts and data in one self-contained file. */
 enum PageTemplate {
-    /** The page on one request. */
     REQUEST("page.html", List.of("dom.js", "theme.js", "histogram.js", "loupe.js", "compare.js",
             "pictures.js", "memory.js", "timeline.js", "tables.js", "parameters.js", "results.js", "page.js")),
-    /** The index: links to the pages of several requests. */
     INDEX("index.html", List.of("dom.js", "theme.js", "index.js")),
     /** A page of pictures side by side. */
     SHEET("index.html", List.of("dom.js", "theme.js", "sheet.js"));
@@ -54,10 +52,7 @@ enum PageTemplate {
                 part -> Matcher.quoteReplacement(parts.get(part.group(1))));
     }
 
-    /**
-     * Returns a policy that allows only the page's own script and styles, and embedded images. The page loads
-     * nothing.
-     */
+    /** Returns a policy that allows only the page's own script and styles, and embedded images. */
     private static String policy(CharSequence script, CharSequence style) throws IOException {
         return ("default-src 'none'; script-src '%s'; style-src '%s'; img-src data:; "
                 + "base-uri 'none'; form-action 'none'").formatted(hash(script), hash(style));

@@ -61,7 +61,6 @@ public final class RecordingSummary {
         mLines.print(2, LABEL_WIDTH, name, text);
     }
 
-    // Consecutive items with the same text share a line: "frame 1 to 6".
     private void lines(String name, List<String> texts) {
         for (int start = 0; start < texts.size();) {
             int end = start + 1;

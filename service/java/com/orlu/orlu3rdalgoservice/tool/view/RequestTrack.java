@@ -66,10 +66,7 @@ final class RequestTrack {
         return first;
     }
 
-    /**
-     * Returns the callback that finishes the request, else the first callback of the same process call; null
-     * if there is none.
-     */
+    /** Returns the callback that finishes the request, else the process call's first callback, else null. */
     Call callback() {
         Call other = null;
         for (Call call : mAfter) {
@@ -84,10 +81,7 @@ final class RequestTrack {
         return other;
     }
 
-    /**
-     * Returns the calls that read results, and the call that destroys the parameters. All are on the thread
-     * of the first call.
-     */
+    /** Returns the calls that read results or destroy the parameters, all on the first call's thread. */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
         for (Call call : mAfter) {

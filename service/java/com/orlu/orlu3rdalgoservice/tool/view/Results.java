@@ -20,10 +20,7 @@ import javax.xml.stream.XMLOutputFactory;
 import javax.xml.stream.XMLStreamException;
 import javax.xml.stream.XMLStreamWriter;
 
-/**
- * A command's results for programs: as JSON (docs/results.schema.json), and as JUnit, with one test per
- * result.
- */
+/** A command's results for programs: JSON (docs/results.schema.json), and JUnit, with a test for each. */
 public final class Results {
     /** The name of the format, and its version. A new member doesn't change the version. */
     public static final String FORMAT = "orlu-results";
@@ -87,7 +84,6 @@ public final class Results {
                 .filter(i -> mResults.get(i).verdict().status() != Verdict.OK).boxed().toList();
     }
 
-    /** Returns the number of results. */
     public int size() {
         return mResults.size();
     }

@@ -13,7 +13,6 @@ public final class StageTable {
     private StageTable() {
     }
 
-    /** Prints a row for each stage, and one for the whole run. */
     public static void print(List<StageTime> stages, TextLayout to) {
         TextTable table = new TextTable(
                 List.of("stage", "ms", "thread", "faults", "heap kB", "passed kB"));

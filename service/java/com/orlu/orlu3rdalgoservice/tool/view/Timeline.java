@@ -74,9 +74,7 @@ public final class Timeline {
                 JsonWriter.line(JsonWriter.object("traceEvents", trace(mStart, Long.MAX_VALUE))) + "\n");
     }
 
-    /**
-     * Returns the timeline of the last request that was added with stages; of all requests if there is none.
-     */
+    /** Returns the timeline of the last request with stages; of all requests if there is none. */
     Part ofLastRequest() throws IOException {
         Slice last = mJava.stream().filter(slice -> slice.category().equals("request"))
                 .reduce((one, other) -> other).orElse(null);

@@ -10,10 +10,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/**
- * Slices in one lane for each thread of a process, and arrows between them, in the JSON trace format. Omits
- * events that begin outside the file's period.
- */
+/** Slices in a lane per thread, and arrows, as a JSON trace. Omits events that begin outside its period. */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
@@ -44,10 +41,7 @@ final class TraceFile {
         }
     }
 
-    /**
-     * Creates an empty file for a process and a period on the clock of System.nanoTime(). Times in the file
-     * count from `start`.
-     */
+    /** Creates an empty file for a process and a period by System.nanoTime(). Times count from `start`. */
     TraceFile(long pid, long start, long end) {
         mPid = pid;
         mStart = start;

@@ -74,7 +74,6 @@ function matches(text, words) {
   return words === "" || words.split(/\s+/).every(word => text.includes(word));
 }
 
-// Returns the part of the path after the last slash.
 function baseName(path) {
   return path.slice(path.lastIndexOf("/") + 1);
 }

@@ -3,7 +3,6 @@
 function histogram(facts) {
   const counts = facts.histogram;
   // Levels 0 and 255 may be far more frequent than all others, so they don't affect the scale.
-  // histogramText() states the fraction of white pixels.
   const inner = ["luma", "red", "green", "blue"].flatMap(name => counts[name].slice(1, 255));
   const most = Math.max(1, ...inner);
   const y = count => 100 - 97 * Math.sqrt(Math.min(1, count / most));
