@@ -17,9 +17,9 @@ public final class VerdictFindings {
                     "The event number identifies the call in the timeline and in the file of --events. "
                             + "See docs/conformance.md for the contract.",
                     "breach of the contract"),
-            new Kind("crash", Tab.TIMELINE, "The algorithm library ended the process.",
-                    "The last open slice of the timeline is the operation that ended the process. This "
-                            + "page has nothing after it.",
+            new Kind("crash", Tab.TIMELINE, "The process ended before the request finished.",
+                    "The last open slice of the timeline is the operation that was running then. This page "
+                            + "has nothing after it.",
                     "ended the process", "stopped by signal"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
                     "No request was submitted, and there is no output. The verdict names the fault. Check "

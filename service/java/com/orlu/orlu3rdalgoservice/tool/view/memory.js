@@ -6,7 +6,11 @@ const LEAST_PADDING = 4;
 function memoryPanel() {
   if (!data.images || data.images.inputs.length + data.images.outputs.length === 0) {
     return {
-      element: h("p", {class: "card"}, "No memory to show: the request ended before its images were read."),
+      element: h(
+        "p",
+        {class: "card"},
+        "No memory to show: the request did not run, ended too early, or has no images.",
+      ),
     };
   }
   const swatch = (color, text) => h("span", null, h("i", {style: "background:" + color}), text);
