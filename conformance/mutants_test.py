@@ -70,6 +70,13 @@ for baseline, status in ((faster, 1), ("{}", 2)):
         ran = subprocess.run([*measure, "--baseline", before.name], capture_output=True)
     if ran.returncode != status:
         wrong.append(f"--perf --baseline ended with status {ran.returncode} instead of {status}")
+# The first library can't be opened; the second never calls back for some formats.
+for library, message in (("libmutant_unbound.so", "can't be used"), ("libmutant_algo.so", "no callback")):
+    ran = subprocess.run([*emulator, build / "bin/conform", build / "mutants" / library, "--perf", "--only", "copy",
+                          "--patience", "1"],
+                         env={**os.environ, "ORLU_MUTANT": "refuse_formats"}, capture_output=True, text=True)
+    if ran.returncode != 1 or message not in ran.stderr:
+        wrong.append(f"--perf of {library} ended with status {ran.returncode}: {ran.stderr}")
 unbound = judge("libmutant_unbound.so", options=FEW_ROUNDS)
 if unbound != {"loading"}:
     wrong.append(f"mutant_unbound fails {unbound} instead of loading")

@@ -89,40 +89,21 @@ public:
 
   bool isDone() const { return mIsDone; }
   // Returns "" or describes the first byte that neither run wrote.
-  std::string untouched(size_t index) const { return find(index, isUntouched, "is unchanged"); }
-  // Returns "" or describes the first written byte that differs between the runs.
-  std::string different(size_t index) const {
-    return find(index, isDifferent, "depends on the previous contents of the output");
-  }
-
-private:
-  struct Bytes {
-    uint8_t now[2];
-    uint8_t before[2];
-  };
-  static bool isUntouched(const Bytes& bytes) {
-    return bytes.now[0] == bytes.before[0] && bytes.now[1] == bytes.before[1];
-  }
-  static bool isDifferent(const Bytes& bytes) { return !isUntouched(bytes) && bytes.now[0] != bytes.now[1]; }
-
-  std::string find(size_t index, bool (*matches)(const Bytes&), const char* what) const {
+  std::string untouched(size_t index) const {
     const Image& first = *mRuns[0][index];
     const Image& second = *mRuns[1][index];
     const std::vector<uint8_t> now[] = {first.bytes(), second.bytes()};
     for (const PixelRow& row : first.rows()) {
       for (size_t i = row.begin; i < row.begin + row.bytes; ++i) {
-        if (!matches({
-                {now[0][i],          now[1][i]          },
-                {first.pattern()[i], second.pattern()[i]}
-        }))
-          continue;
+        if (now[0][i] != first.pattern()[i] || now[1][i] != second.pattern()[i]) continue;
         return "byte " + std::to_string(i - row.begin) + " of " + std::to_string(row.bytes) + " in row " +
-               std::to_string(row.row) + " of plane " + std::to_string(row.plane) + " " + what;
+               std::to_string(row.row) + " of plane " + std::to_string(row.plane) + " is unchanged";
       }
     }
     return "";
   }
 
+private:
   Image mInput;
   std::vector<std::vector<std::unique_ptr<Image>>> mRuns;
   bool mIsDone = true;

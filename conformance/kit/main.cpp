@@ -277,10 +277,7 @@ void registerChecks() {
     testing::RegisterTest("conform", check.name, nullptr, nullptr, __FILE__, __LINE__,
                           [&check]() -> testing::Test* { return new CheckTest(check); });
   }
-  auto& listeners = testing::UnitTest::GetInstance()->listeners();
-  delete listeners.Release(listeners.default_result_printer());
-  listeners.Append(newCheckListener());
-  listeners.Append(new Rounds());
+  testing::UnitTest::GetInstance()->listeners().Append(new Rounds());
 }
 
 int runChecks() {
@@ -318,6 +315,9 @@ int main(int argc, char** argv) {
   readCommandLine(argc, argv);
   int count = 1;
   testing::InitGoogleTest(&count, argv);
+  auto& listeners = testing::UnitTest::GetInstance()->listeners();
+  delete listeners.Release(listeners.default_result_printer());
+  listeners.Append(newCheckListener());
   if (gIsPerf) return runPerf(gAlgorithms, gIsQuiet, gBaseline);
   registerChecks();
   return runChecks();
