@@ -23,8 +23,7 @@ std::unordered_map<jmethodID, std::string>& shapes() {
   return all;
 }
 
-// Returns one letter per argument: L for objects, J for jlong, D for jfloat and jdouble, I for all types that
-// are passed as an int.
+// Returns one letter per argument: L for objects, J for jlong, D for jfloat and jdouble, I for other types.
 std::string argumentTypes(const char* signature) {
   std::string types;
   for (const char* at = signature + 1; *at != ')'; ++at) {
@@ -354,8 +353,7 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// Returns the object's slot. An object without a slot was not returned by a recorded call: it existed before
-// the recording, and outlives it.
+// Returns the object's slot; adds one for an object from before the recording, which outlives it.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);

@@ -1,6 +1,5 @@
-// While a JniRecorder exists, it replaces the functions listed in jni_functions.h in the JNI function table
-// of a thread's environment. It counts their calls and records each with its arguments, except JNI calls made
-// inside a Java method.
+// While it exists, a JniRecorder counts and records a thread's calls of the JNI functions in jni_functions.h,
+// with their arguments, except calls made inside a Java method.
 #pragma once
 
 #include <jni.h>

@@ -1,7 +1,6 @@
-// A recorded sequence of JNI calls. The time of a replay is a lower bound for the code that made the calls.
-//
-// Objects, strings and buffers are in numbered slots. A call that returns an object stores it in a slot, to
-// which later calls refer. So each replay uses objects of its own.
+// A recorded sequence of JNI calls. A replay's time is a lower bound for the code that made the calls.
+// Objects, strings and buffers are in numbered slots. A call that returns an object stores it in a slot for
+// later calls, so each replay uses its own objects.
 #pragma once
 
 #include <jni.h>
@@ -51,8 +50,7 @@ class JniRecording {
 public:
   JniRecording();
 
-  // Replays the calls in [first, last) on the thread that owns their objects. All earlier calls must have
-  // been replayed.
+  // Replays calls [first, last) on the thread that owns their objects, after all earlier calls.
   void replay(JNIEnv* env, size_t first, size_t last);
 
   size_t size() const { return mCalls.size(); }

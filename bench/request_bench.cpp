@@ -1,5 +1,4 @@
-// Benchmark of four shots, with and without their tags, synchronous and full-async, relative to their lower
-// bounds.
+// Benchmark of four shots, with and without tags, synchronous and full-async, relative to lower bounds.
 
 #include "benches.h"
 #include "counts.h"

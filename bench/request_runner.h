@@ -34,7 +34,6 @@ public:
   RequestRunner& operator=(const RequestRunner&) = delete;
   ~RequestRunner();
 
-  // Runs a request up to its result.
   Seconds run();
 
   // Records the JNI calls of a request; replay() makes only these calls.
@@ -44,8 +43,7 @@ public:
   const ShotPlan& plan() const { return mShot.plan(); }
   const JniRecording& first() const { return mFirst; }
   const JniRecording& second() const { return mSecond; }  // the second call of a full-async request
-  // Like replay(), but also calls `handOver` where the request is submitted to the algorithms. Synchronous
-  // requests only.
+  // Like replay(), but calls `handOver` where the request is submitted; for synchronous requests only.
   template <typename HandOver>
   void replay(HandOver&& handOver) {
     mShot.refresh();
