@@ -1,8 +1,6 @@
 // Sends hostile requests through the library in a Java VM: --seed N --count M. Request i depends only on seed
-// N + i, so "--seed S --count 1" repeats it.
-//
-// After each request, nothing may be left behind: no exception, parameter block, map entry, descriptor or
-// global reference, and no complaint of the VM about a JNI call.
+// N + i, so "--seed S --count 1" repeats it. Each must leave nothing behind: no exception, parameter block,
+// map entry, descriptor or global reference, and no complaint of the VM about a JNI call.
 
 #include <unistd.h>
 
@@ -53,7 +51,7 @@ void printSeed() {
   if (write(STDERR_FILENO, line, static_cast<size_t>(length)) < 0) std::_Exit(1);
 }
 
-// SIGALRM: the request timed out.
+// Handles SIGABRT, and SIGALRM for a request that takes too long.
 void onSignal(int signal) {
   printSeed();
   std::signal(signal, SIG_DFL);
@@ -68,8 +66,7 @@ void watchForDeath() {
 #endif
 }
 
-// Returns whether the VM has written warnings to standard output since the last call. Copies them to standard
-// error.
+// Returns whether the VM printed warnings since the last call, and copies its output to standard error.
 bool vmComplained() {
   static off_t read = 0;
   char text[4096] = {};

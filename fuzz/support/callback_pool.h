@@ -31,8 +31,7 @@ public:
   CallbackPool& operator=(const CallbackPool&) = delete;
   ~CallbackPool();  // sends the remaining callbacks
 
-  // Queues the callback, which the thread sends after its delay. Before that, the thread waits a short time
-  // for a few other callbacks, so that the order can change.
+  // Queues the callback, which the thread sends after its delay, in random order with a few others.
   void hold(const HeldCallback& callback);
 
 private:
@@ -43,8 +42,7 @@ private:
   };
 
   void run();
-  // Waits for callbacks and takes one: a random one of those that are due, else the next to be due. Returns
-  // false at the end.
+  // Waits for callbacks and takes a random due one, else the next to be due. Returns false at the end.
   bool take(HeldCallback& callback);
 
   std::mutex mMutex;  // guards the members below

@@ -1,6 +1,5 @@
-// A JNI environment without a VM. It is strict where a VM trusts its callers: it ends the process on use of a
-// deleted or null reference, and on a call with an exception pending. Every object is an instance of every
-// class, unless IsInstanceOf() fails by choice.
+// A JNI environment without a VM. Ends the process on use of a deleted or null reference, and on a call with
+// an exception pending. Every object is an instance of every class, unless IsInstanceOf() fails by choice.
 #pragma once
 
 #include <jni.h>

@@ -1,5 +1,4 @@
-// Records the ending of each request, observed independently by the algorithm library, the Java side, the log
-// and the sending thread.
+// Records each request's ending as seen by the algorithm library, Java, the log and the sending thread.
 #pragma once
 
 #include <array>

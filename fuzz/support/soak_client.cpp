@@ -74,7 +74,6 @@ void observe(Ledger& ledger, const probe::WatchedCall& call) {
   }
 }
 
-// Makes the callback of this request throw in Java.
 void throwFor(uint64_t request) {
   const test::LocalFrame frame;
   test::callStatic(kCallbacksClass, "throwFor", "(J)V", static_cast<jlong>(request));

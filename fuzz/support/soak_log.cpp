@@ -32,8 +32,7 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// Tag of the parser's lines. Other errors of the parser are ignored: they report missing tags, and these
-// requests have few tags.
+// The parser's tag. Its other errors are ignored: they report missing tags, and these requests have few.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

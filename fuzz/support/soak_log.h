@@ -3,12 +3,11 @@
 
 namespace orlu::fuzz {
 
-// Counts lines from now on and discards them.
+// Counts error lines from now on; prints the first few that no plan causes, and discards the other lines.
 void watchLog();
 // Returns and clears the number of timed-out requests of this thread.
 int takeTimeouts();
-// Prints and clears the counts. Returns false if there were error lines that no plan causes; the first few
-// are printed when they are logged.
+// Prints and clears the counts. Returns false if there were error lines that no plan causes.
 bool printLogged();
 
 }  // namespace orlu::fuzz

@@ -1,5 +1,4 @@
-// The plan of each request of the soak, and its expected ending. Both depend only on the soak's seed and the
-// request's number.
+// The plan and expected ending of each request. Both depend only on the soak's seed and the request's number.
 #pragma once
 
 #include <cstddef>

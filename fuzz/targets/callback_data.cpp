@@ -1,5 +1,4 @@
-// Fuzz target: a callback with arbitrary bytes, to a client without Java. The map contains two requests with
-// the ids 0 and 1.
+// Fuzz target: a callback with arbitrary bytes to a client without Java, with requests 0 and 1 in the map.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"

@@ -1,5 +1,4 @@
-// Fuzz target: result translation of values with arbitrary bytes and sizes, for any number of frames, in a
-// JNI environment where any call may fail.
+// Fuzz target: results with arbitrary bytes and sizes, for any number of frames; any JNI call may fail.
 
 #include "result_values.h"
 #include "algo_native_client.h"

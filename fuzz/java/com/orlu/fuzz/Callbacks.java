@@ -40,9 +40,7 @@ public final class Callbacks implements CallbackListener {
         THROWING.add(requestId);
     }
 
-    /**
-     * Removes an announced request and returns its id and address; null if there is none.
-     */
+    /** Removes an announced request and returns its id and address; null if there is none. */
     public static long[] takeDone() {
         return DONE.poll();
     }

@@ -44,10 +44,7 @@ public final class HostileRequest implements AutoCloseable {
     private final int mRightness; // percentage of the service's values that fit their tag
     private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
 
-    /**
-     * {@code mode}: 0 synchronous, 1 full-async; 2 and 3: like 0 and 1, but the image score makes the library
-     * skip the algorithms.
-     */
+    /** Modes: 0 synchronous, 1 full-async; 2, 3: the same with an image score that skips the algorithms. */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));
         mImages = new HostileImages(mValues);

@@ -136,9 +136,7 @@ final class HostileValues {
         return array;
     }
 
-    /**
-     * For an array of numbers, returns an array of boxed numbers, some of them null; else as valueOf.
-     */
+    /** Like valueOf(), but arrays of numbers are boxed, with some nulls. */
     Object boxed(TagType type) {
         Class<?> element = BOXES.get(type.stored());
         return element == null ? valueOf(type) : array(element, length(), below(30));

@@ -12,11 +12,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Random;
 
-/**
- * Changes values and members of a JSON tree. The tree consists of Maps, Lists, and JSON text for all other
- * values. The result can be invalid JSON: the pool has invalid values, and altered texts or numbers can be
- * invalid.
- */
+/** Changes a JSON tree of Maps, Lists, and JSON text for all other values. The result can be invalid JSON. */
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
     private static final int LONG_TEXT = 5000;

@@ -164,7 +164,6 @@ public final class ReaderFuzzer {
         return arguments;
     }
 
-    // Prints the first finding of each kind and keeps its files.
     private void keep(String problem, String form, Path example, int number, List<String> arguments,
             Outcome outcome) throws IOException {
         if (mFindings.merge(problem, 1, Integer::sum) > 1) {
