@@ -1,6 +1,5 @@
-// The algorithm library's table of operations with a guard around each call. The guard catches whatever the
-// library throws and clears any Java exception that the library leaves on the calling thread. It logs both
-// with the operation's name.
+// The algorithm library's table of operations. Each call catches whatever the library throws, clears a Java
+// exception that it leaves on the calling thread, and logs both with the operation's name.
 #pragma once
 
 #include <jni.h>
@@ -15,8 +14,7 @@ namespace orlu {
 
 class AlgoGuardedTable {
 public:
-  // Gets a table from the provider; the table stays empty if there is no library. `javaVm` may be null; then
-  // the guard does not check for Java exceptions.
+  // The table stays empty if there is no library. If `javaVm` is null, Java exceptions are not checked.
   explicit AlgoGuardedTable(JavaVM* javaVm);
   AlgoGuardedTable(const AlgoGuardedTable&) = delete;
   AlgoGuardedTable& operator=(const AlgoGuardedTable&) = delete;
@@ -26,8 +24,8 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Calls an operation that the library offers. `env` is the calling thread's environment or null. Returns
-  // the operation's result, or `failed` if it throws.
+  // Calls an offered operation. `env`: the calling thread's or null. Returns `failed` if the operation
+  // throws.
   template <typename Result, typename... Parameters, typename... Arguments>
   Result call(JNIEnv* env, const char* operation, const std::function<Result(Parameters...)>& callable,
               Result failed, Arguments&&... arguments) const {
@@ -63,16 +61,14 @@ private:
   AlgoInterfaceCallbacks mOperations;
 };
 
-// Wraps the caller's visitor for the algorithm library. The caller's visitor refers to data that is gone when
-// the operation returns, and Java objects in that data belong to the caller's thread. The wrapper therefore
-// returns -1 on any other thread and after the loan ends.
+// Wraps the caller's visitor for the algorithm library. The visitor uses the running operation's data and its
+// thread's Java objects, so the wrapper returns -1 on other threads and after this object is destroyed.
 class LentVisitor {
 public:
   // Borrows `visitor`, which may be empty.
   explicit LentVisitor(const AlgoMetadataVisitor& visitor);
   LentVisitor(const LentVisitor&) = delete;
   LentVisitor& operator=(const LentVisitor&) = delete;
-  // Ends the loan.
   ~LentVisitor();
 
   // The wrapper to pass to the library; empty if the caller's visitor is empty.

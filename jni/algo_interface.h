@@ -1,9 +1,8 @@
-// The interface between this library and the closed algorithm interface library, liborlu.vac.interface.so:
-// the tables of callables that the algorithm library fills in, the records that are passed through them, and
-// the bytes, names and codes inside the records. The algorithm library determines the order of the fields
-// and, in the 32-bit build, every offset. Rearrange nothing here: algo_interface_layout.h asserts this
-// layout. See docs/algorithm_library.md for the operations that a library must offer and for when they are
-// called.
+// The interface to the closed algorithm interface library, liborlu.vac.interface.so: the tables of callables
+// that it fills in, the records passed through them, and the bytes, names and codes in the records. That
+// library determines the order of the fields and, in the 32-bit build, every offset, so rearrange nothing
+// here: algo_interface_layout.h asserts the layout. See docs/algorithm_library.md for the operations that a
+// library must offer and when they are called.
 //
 // The caller owns every record and everything that it points to; both are valid only during the call, unless
 // a field says otherwise. Sizes are in bytes. Integers are little-endian, like the machine.
@@ -22,8 +21,7 @@ namespace orlu {
 // The value of AlgoCreateClientRecord::interfaceVersion. A library with another version returns no client.
 constexpr int32_t kAlgoTableVersion = 202001;
 
-// The version of this header. MAJOR changes with the layout of a record or table, MINOR with any other change
-// that matters to a library.
+// This header's version. MAJOR changes with a layout, MINOR with anything else that matters to a library.
 #define ORLU_ALGO_INTERFACE_MAJOR 1
 #define ORLU_ALGO_INTERFACE_MINOR 0
 
@@ -57,8 +55,7 @@ enum AlgoImageFormat : int32_t {
 
 constexpr int kMaxPlanes = 4;
 
-// A copy of the platform's native_handle_t with room for a fixed number of words: first the descriptors, then
-// the integers.
+// The platform's native_handle_t with room for kCapacity words: first the descriptors, then the integers.
 struct AlgoNativeHandle {
   static constexpr int kCapacity = 256;
 
@@ -106,8 +103,7 @@ struct AlgoMetadataEntry {
   uint32_t size = 0;  // bytes in the block
 };
 
-// Request types, with the algorithm library's numbers. Types 3 and 5 are never sent from here, but a client
-// is uninitialised for them too.
+// Request types, numbered by the algorithm library. Types 3 and 5 occur only in uninit().
 enum ALGO_REQUEST_TYPE : int32_t {
   kRequestPreview = 1,
   kRequestCapture = 2,
@@ -223,8 +219,7 @@ struct AlgoMetadataOps {
   std::function<void*(int kind)> createMetadata;  // an AlgoMetadataKind; null on failure
   std::function<void(void* block)> destroyMetadata;
   std::function<unsigned(void* block)> getSize;
-  // setValue() copies `size` bytes into the block under (section, key); getValue() copies at most `size`
-  // bytes out of it.
+  // setValue() copies `size` bytes into the block; getValue() copies at most `size` bytes out of it.
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> setValue;
   std::function<int(void* block, const char* section, const char* key, void* data, unsigned size)> getValue;
   // Loads serialised camera metadata into a kCameraMetadataBlock.
@@ -235,8 +230,7 @@ struct AlgoMetadataOps {
   std::function<int(void* block, AlgoMetadataVisitor)> paramSystemDownloadToAlgo;
 };
 
-// The table that AlgoInterfaceEntry() fills in. Empty callables and int results have the same meaning as in
-// AlgoMetadataOps.
+// The table that AlgoInterfaceEntry() fills in. Empty callables and int results: see AlgoMetadataOps.
 struct AlgoInterfaceCallbacks {
   int32_t version = 0;  // 0 when the table is passed in
   std::function<int(const AlgoInitRecord&)> init;

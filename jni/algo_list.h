@@ -9,8 +9,7 @@ namespace orlu {
 // Joins the names with single spaces. Returns "" for an empty list.
 std::string printAlgoList(const std::vector<std::string>& list);
 
-// Returns whether the first `len` bytes of any entry equal the first `len` bytes of `name`. Callers pass the
-// literal's exact length, so a longer entry matches too. An entry shorter than `len` does not match.
+// Returns whether any entry begins with the first `len` bytes of `name`; a longer entry matches too.
 bool isAlgoListContains(const std::vector<std::string>& list, const char* name, int len);
 
 // Erases every entry that isAlgoListContains() would match. The other entries keep their order.

@@ -30,7 +30,6 @@ constexpr jint kCallbackReferences = 96;
 std::mutex gMutex;
 AlgoNativeCallback* gLatest = nullptr;
 
-// Returns whether the `length` bytes at `name` equal `known`.
 template <size_t N>
 bool isName(const uint8_t* name, size_t length, const char (&known)[N]) {
   return length == N - 1 && std::memcmp(name, known, length) == 0;

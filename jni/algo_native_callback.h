@@ -1,5 +1,4 @@
-// Receives the callbacks of one client, identified by the cookie. Wakes the thread that waits for a request,
-// or calls Java.
+// Receives one client's callbacks, identified by the cookie: wakes the waiting thread or calls Java.
 #pragma once
 
 #include <jni.h>
@@ -17,8 +16,7 @@ namespace orlu {
 // except the context and the counters is written once, before the cookie is passed on.
 class AlgoNativeCallback {
 public:
-  // Creates a callback for a client and its context. `javaVm` is the VM of `env`; if `env` is null, Java is
-  // never called.
+  // `javaVm` is the VM of `env`; if `env` is null, Java is never called.
   static AlgoNativeCallback* create(JNIEnv* env, JavaVM* javaVm, std::shared_ptr<AlgoNativeContext> context,
                                     int64_t clientId, int algoContextIndex);
   AlgoNativeCallback(const AlgoNativeCallback&) = delete;
@@ -29,9 +27,8 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Ends the client's callbacks: later callbacks are counted and ignored, running callbacks finish as usual.
-  // Releases the callback class, or leaves that to the last callback that is inside Java. If `env` is null,
-  // the class stays referenced.
+  // From now on, callbacks are counted and ignored; running callbacks finish. Releases the callback class, or
+  // leaves that to the last callback inside Java; if `env` is null, the class stays referenced.
   void close(JNIEnv* env);
 
   // See AlgoNativeClient for these functions.
@@ -50,17 +47,15 @@ private:
   ~AlgoNativeCallback() = default;
 
   void findCallbackMethod(JNIEnv* env);
-  // Returns the client's context. If the client is destroyed, counts the callback, logs it for `operation`
-  // and returns null.
+  // Returns the client's context. For a destroyed client, counts and logs the callback and returns null.
   std::shared_ptr<AlgoNativeContext> open(const char* operation);
   // Returns the calling thread's environment if it can call callbackFromNative(); clears a pending exception
   // and logs it. Otherwise logs the reason for `operation` and returns null.
   JNIEnv* callbackEnv(const char* operation) const;
   // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Tells Java that it may finish a full-async request. If Java can't be reached, logs the failure for
-  // `operation`; the request is then finished when its client is destroyed. Returns false if the call was not
-  // attempted.
+  // Tells Java that it may finish a full-async request. If Java can't be reached, logs that, and the request
+  // is finished with its client. Returns false if the call was not attempted.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
   // Creates the map and calls Java with it. Returns false if the map could not be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;

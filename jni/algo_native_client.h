@@ -18,10 +18,9 @@ public:
   // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // First destroys the algorithm library's client; the library may call back meanwhile. Then closes the
-  // callback and finishes the full-async requests that were never announced to Java. Must run on a thread
-  // that is attached to the VM; otherwise the callback class stays referenced. Java may destroy the client
-  // inside any callback.
+  // Destroys the library's client, which may call back meanwhile, then closes the callback and finishes the
+  // full-async requests that were never announced to Java. On a thread that is not attached to the VM, the
+  // callback class stays referenced.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
@@ -32,8 +31,7 @@ public:
   AlgoNativeClient copyForNative() const { return AlgoNativeClient(*this); }
 
   AlgoNativeContext& context() { return *mContext; }
-  // Each request passes this cookie to the algorithm library to identify the callback. Valid until the
-  // process ends; after the client is destroyed, callbacks are ignored.
+  // Identifies the callback to the library, until the process ends; a destroyed client ignores callbacks.
   uint64_t callbackCookie() const;
 
   // Identifies the client in the request map. The value is never reused.
@@ -42,8 +40,7 @@ public:
   // blocks that only the algorithm library might still have used.
   void releaseRequests();
 
-  // Handles every callback of the algorithm library, on the library's threads. Ignores malformed and unknown
-  // callbacks.
+  // Handles a callback on the algorithm library's thread. Ignores malformed and unknown callbacks.
   void onPostProcessData(const android::hardware::hidl_vec<uint8_t>& data,
                          const android::hardware::hidl_vec<uint8_t>& extra,
                          const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles);

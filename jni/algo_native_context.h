@@ -1,15 +1,13 @@
 // One client's connection to the algorithm library: the library's table of operations and the client handle
 // that it returned. The library is called only through this class and its table.
 //
-// If the library does not offer an operation, the call is skipped and the operation's failure message is
-// logged; setValue(), getValue() and the visits only return -1. An operation that throws is logged
-// ("<operation> threw") and counts as failed. A Java exception that it leaves on the calling thread is logged
-// and cleared. Metadata blocks are handles of the library; whoever creates a block destroys it. Operations on
-// a null block are skipped.
+// If the library lacks an operation, the call is skipped and the operation's failure message logged;
+// setValue(), getValue() and the visits only return -1. An operation that throws is logged and counts as
+// failed; a Java exception that it leaves pending is logged and cleared. Metadata blocks are handles of the
+// library; whoever creates a block destroys it. Operations on a null block are skipped.
 //
-// As thread-safe as the algorithm library. The caller of an operation keeps the context alive until the
-// operation returns. Java may destroy the library's client meanwhile, inside a callback; after that the
-// library receives no more operations on this client.
+// As thread-safe as the algorithm library. Callers keep the context alive until the operation returns. Java
+// may destroy the library's client meanwhile, inside a callback; then the client gets no more operations.
 #pragma once
 
 #include <jni.h>
@@ -28,20 +26,17 @@ namespace orlu {
 
 class AlgoNativeContext {
 public:
-  // Gets its own table from the provider and creates a client of the library. `javaVm` may be null; then
-  // nothing checks for Java exceptions.
+  // Creates a client of the library. If `javaVm` is null, Java exceptions are not checked.
   explicit AlgoNativeContext(JavaVM* javaVm = nullptr);
   AlgoNativeContext(const AlgoNativeContext&) = delete;
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client; later calls have no effect. The library may call back meanwhile. The
-  // destructor also calls this function.
+  // Destroys the library's client, which may call back meanwhile. Runs once; the destructor calls it too.
   void destroyClient();
 
   void init();
-  // Uninitialises request types 1, 2, 3 and 5. `mode`: 0 for destruction or an unknown format, 1 for the
-  // release of a processed format, 2 for the release of a raw format.
+  // Uninitialises types 1, 2, 3 and 5. `mode`: 0 for destruction or an unknown format, 1 processed, 2 raw.
   void uninit(int mode);
   void flush();
   // Aborts the frame that the parameter block names.
@@ -57,8 +52,7 @@ public:
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
                const std::vector<uint8_t>& metadataBytes);
 
-  // Returns the library's answer to `cmd`: a string, padded with zeros to 10240 bytes. Empty if the library
-  // does not offer the operation.
+  // Returns the answer to `cmd`, a string zero-padded to 10240 bytes; empty if the library lacks getData.
   std::vector<uint8_t> getData(const std::string& cmd);
   // Passes a file of `size` bytes to the library. The caller keeps the descriptor. Always returns 0.
   int translateParamFile(int fd, int size, const std::string& identifier);
@@ -66,20 +60,17 @@ public:
   // Returns a new parameter block, or null.
   void* createMetadata();
   void destroyMetadata(void* block);
-  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return 0, the
-  // library's own status, or -1 if the operation could not be called or threw.
+  // The parameter channel: see the same functions of AlgoGuardedTable.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
   // Visit the values that the algorithms pass to the system, or request from it. The library may call the
-  // visitor on this thread until the operation returns; later or on another thread, a call returns -1 without
-  // reaching the visitor. Return the same values as setValue().
+  // visitor as LentVisitor allows. Return the same values as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
   // For ParameterChannel, which uses the table on one thread. The reference is valid as long as this object.
   const AlgoGuardedTable& table() const { return *mTable; }
-  // True once destroyClient() has started: the library receives no more operations on the client. Don't wait
-  // for its callbacks then.
+  // True once destroyClient() has started: the client gets no more operations; don't wait for callbacks.
   bool isClientDestroyed() const { return mIsClientDestroyed; }
 
 private:

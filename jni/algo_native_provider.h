@@ -10,8 +10,7 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // Returns the shared provider, which is created on first use, on any thread, and never destroyed. The first
-  // caller opens the library as the constructor does; other callers do not wait for that.
+  // Returns the shared provider; never destroyed. The first caller opens the library; no other caller waits.
   static AlgoNativeProvider* getInstance();
 
   // Opens the library and fills in the provider's own table.
@@ -20,9 +19,9 @@ public:
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;
   virtual ~AlgoNativeProvider() = default;
 
-  // Clears the caller's table and lets the library fill it in. Returns false, logs the reason and leaves the
-  // table empty if the table is null, the library or its entry is missing, or the entry throws. Safe from any
-  // thread: several threads create clients, and the library's entry may create one itself.
+  // Lets the library fill in the cleared table. If the table is null, the library or its entry is missing, or
+  // the entry throws, logs the reason, leaves the table empty and returns false. Thread-safe: several threads
+  // create clients, and the library's entry may create one itself.
   bool initAlgoInterface(AlgoInterfaceCallbacks* table);
 
 private:
@@ -32,12 +31,10 @@ private:
   enum Unopened { kUnopened };
   explicit AlgoNativeProvider(Unopened) {}
 
-  // Opens the library and returns its entry, which is looked up anew each time. Logs the reason and returns
-  // null on failure.
+  // Opens the library once and looks up its entry each time. Logs a failure and returns null.
   Entry findEntry();
 
-  // Null until the library is open. The library is never closed: the callables in every client's table and
-  // the library's callback threads run its code until the process ends.
+  // Null until opened; never closed, because clients' tables and callback threads run the library's code.
   void* mLibrary = nullptr;
   Entry mEntry = nullptr;             // result of the last lookup
   AlgoInterfaceCallbacks mCallbacks;  // never read: each client has its own table

@@ -195,8 +195,7 @@ bool AlgoNativeRequestMap::releaseOwned(const void* owner, void*& metadata) {
   return true;
 }
 
-// Removes users of the block. If none is left, deletes the record and returns the block; otherwise returns
-// null.
+// Removes users of the block. After the last user, deletes the record and returns the block, else null.
 void* AlgoNativeRequestMap::releaseLocked(Requests::iterator request, unsigned users) {
   AlgoNativeRequest* const record = *request;
   if (record->blockUsers == 0) return nullptr;

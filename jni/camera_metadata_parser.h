@@ -1,9 +1,7 @@
 // Reads and writes typed camera metadata through JNI: capture results, the compositions that override them
-// key by key, camera characteristics, and hash maps for callbacks.
-//
-// A parser belongs to the thread and the JNI call that initialised it, because it keeps local references.
-// Nothing is cached across calls. Every operation works even if members could not be resolved, and leaves no
-// Java exception pending.
+// key by key, camera characteristics, and hash maps for callbacks. A parser belongs to the thread and the JNI
+// call that initialised it, because it keeps local references; nothing is cached across calls. Every
+// operation works even if members could not be resolved, and leaves no Java exception pending.
 #pragma once
 
 #include <jni.h>
@@ -54,9 +52,8 @@ class CameraMetadataParser {
   };
 
 public:
-  // While a Batch exists, getters and putters don't free their local references one by one: the Batch frees
-  // many at a time, in a local frame. It also frees any other local reference that is created meanwhile, so
-  // don't call lookups. Only one Batch may exist at a time.
+  // While a Batch exists, it frees the local references of getters and putters many at a time, in a frame,
+  // and any other local reference created meanwhile, so don't call lookups. Only one may exist at a time.
   class Batch {
   public:
     explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
@@ -75,8 +72,7 @@ public:
     int mOperations = 0;  // operations whose references are in the frame
   };
 
-  // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls back: the
-  // batch could otherwise free references that the operation still uses.
+  // While a BatchPause exists, the batch frees nothing, so an operation that calls back keeps its references.
   class BatchPause {
   public:
     explicit BatchPause(CameraMetadataParser& parser)
@@ -90,8 +86,7 @@ public:
     Batch* mBatch;
   };
 
-  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. If
-  // several exist, destroy them in reverse order of creation.
+  // While a RepeatedTag exists, reads of a key equal to `tag` reuse its Java key objects. Several must nest.
   class RepeatedTag {
   public:
     // `tag` must outlive this object.
@@ -112,7 +107,6 @@ public:
 
   // Call initFromEnv() before any other operation.
   CameraMetadataParser() = default;
-  // Calls initFromEnv(env, false) and ignores its result.
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
   // Resolves every class and member that the operations use, for the calling thread, and logs each missing
@@ -124,9 +118,8 @@ public:
   // in every lookup. Borrows both lists and their objects until the next initialisation.
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
-  // Lookups. `key` must consist of complete UTF-8 characters; this also applies to the getters and putters.
-  // Lookups return a new local reference, or null if the value is missing or can't be read, or if the object
-  // to read from is null or of another class.
+  // Lookups return a new local reference; null if the value is missing or unreadable, or the object is null
+  // or of another class. In every operation, `key` must consist of complete UTF-8 characters.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
   // Reads from `parameter` first; a value found there wins, whatever its type.
@@ -143,8 +136,7 @@ public:
   // Zeroes the buffer first. A value of `size` bytes or more is not zero-terminated (Oddity 13).
   int getString(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
   int getArrayBytes(char* buffer, int size, const char* key, jobject captureResult, jobject parameter);
-  // Like getArrayBytes(), but into a new buffer, which stays null if the value is missing or of the wrong
-  // type.
+  // Like getArrayBytes(), but into a new buffer, which stays null on failure.
   int getNewArrayBytes(std::unique_ptr<char[]>& buffer, int size, const char* key, jobject captureResult,
                        jobject parameter);
   int getIntArray(int32_t* values, int capacity, const char* key, jobject captureResult, jobject parameter);

@@ -125,7 +125,6 @@ jstring CameraMetadataParser::newName(const char* key) {
   return clearIfNull(mEnv, mEnv->NewStringUTF(key));
 }
 
-// Looks up a key in a composition.
 jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, const char* key) {
   if (name == nullptr) return nullptr;
   return unlessThrown(mEnv->CallObjectMethod(parameter, mMethodGetMetadata, name), key,
@@ -160,8 +159,7 @@ jobject CameraMetadataParser::unlessThrown(jobject value, const char* key, const
   return nullptr;
 }
 
-// Calls a method without arguments and returns its result as a new local reference; null if it can't be
-// called or throws.
+// Calls a method without arguments. Returns a new local reference, or null if it can't be called or throws.
 jobject CameraMetadataParser::callObject(jobject object, jmethodID method) {
   if (object == nullptr || method == nullptr) return nullptr;
   jobject result = mEnv->CallObjectMethod(object, method);
@@ -197,8 +195,7 @@ std::vector<uint8_t> CameraMetadataParser::getMetadata(jobject captureResult) {
   return result;
 }
 
-// Returns a parcel with the camera metadata; an empty parcel if `cameraMetadata` is null. Returns null if the
-// parcel can't be obtained.
+// Returns a parcel with the metadata, empty if `cameraMetadata` is null; null if no parcel can be obtained.
 jobject CameraMetadataParser::parcelOf(jobject cameraMetadata) {
   if (mMethodParcelObtain == nullptr) return nullptr;
   jobject parcel = mEnv->CallStaticObjectMethod(mClazzParcel, mMethodParcelObtain);

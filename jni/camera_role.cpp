@@ -3,7 +3,6 @@
 namespace orlu {
 namespace {
 
-// The zoom ratios at which a switching multi-camera system changes its camera.
 const std::map<float, SATCameraRoleType> gSatCameraRoles = {
     {0.6F, kSatRoleWide    },
     {1.0F, kSatRoleMain    },
@@ -17,8 +16,7 @@ bool isMainCamera(std::string_view type, int32_t satRole) {
          (type == "SAT" && satRole == kSatRoleMain);
 }
 
-// Returns the bit number of a camera other than the main one. A camera without a bit of its own, such as the
-// one for zoom ratio 5.0, gets bit 0.
+// Returns the bit number of a non-main camera; 0 if it has no bit of its own, as for zoom ratio 5.0.
 int roleBit(std::string_view type, int32_t satRole) {
   const bool isSat = type == "SAT";
   if (type == "Tele" || type == "Tele2.5X" ||

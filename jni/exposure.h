@@ -40,7 +40,6 @@ inline constexpr char kAecTag[] = "orlu.control.Orlu3rdAlgoAECFrameControl";
 
 constexpr float kNanosecondsPerMillisecond = 1'000'000.0F;
 
-// Returns an exposure time of the record in milliseconds.
 inline float milliseconds(const Aec& aec, AecElement time = kAecExposureTime) {
   return aec[time] / kNanosecondsPerMillisecond;
 }
@@ -53,8 +52,7 @@ inline float longToSafeSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecSafeSensitivity];
 }
 
-// Returns the normal exposure time in whole milliseconds. For a front camera with its own exposure control,
-// it is derived from sensitivity and gain.
+// Returns whole milliseconds, derived from sensitivity and gain for a front camera with its own control.
 inline int32_t normalExposureTime(const Aec& aec, bool hasFrontControl) {
   const float nanoseconds =
       hasFrontControl ? aec[kAecShortSensitivity] / aec[kAecRealGain] : aec[kAecExposureTimeNormal];

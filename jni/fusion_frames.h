@@ -6,8 +6,7 @@
 
 namespace orlu {
 
-// Indices of the master's and the slave's frame among all capture results. An index past the list means that
-// the frame is missing.
+// Indices of the master's and slave's frames among all capture results; past the list if a frame is missing.
 using FusionFrames = std::array<int, 2>;
 
 struct FusionShot {

@@ -11,8 +11,7 @@ const char* formatToStr(int format);
 // Returns true for RAW16 and MIPI_RAW10 only (Oddity 1).
 bool isRawImageFormat(int format);
 
-// Logs one line about image `index` at debug level. `label` is "in" or "out"; `usedSharedMemory` is 1 if the
-// image is in shared memory, else 0.
+// Logs a debug line about an image. `label` is "in" or "out"; `usedSharedMemory` is 1 or 0.
 void printImageInfo(const AlgoFrameInfo& frame, const char* label, int index, int usedSharedMemory);
 
 }  // namespace orlu

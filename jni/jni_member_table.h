@@ -1,5 +1,4 @@
-// Tables of the Java classes and members that an object caches. Each row is one class or member. Rows are
-// resolved and reported in order.
+// Tables of the Java classes and members that an object caches, one per row, resolved and reported in order.
 #pragma once
 
 #include <jni.h>

@@ -14,8 +14,7 @@ inline bool clearException(JNIEnv* env) {
   return true;
 }
 
-// Returns `result`. If it is null, clears the exception of the function that returned it; such functions
-// throw only if they return null.
+// Returns `result`. If null, clears the exception of the function that returned it, which throws only then.
 template <typename T>
 T clearIfNull(JNIEnv* env, T result) {
   if (result == nullptr) clearException(env);
@@ -50,7 +49,6 @@ public:
   T get() const { return mObject; }
   explicit operator bool() const { return mObject != nullptr; }
 
-  // Passes the reference to the caller.
   T release() {
     T object = mObject;
     mObject = nullptr;

@@ -1,5 +1,4 @@
-// Records for camera metadata that is passed as bytes to and from the algorithms. The algorithm library
-// defines their layouts. All integers are signed and 32 bits wide unless noted.
+// Camera metadata passed as bytes to and from the algorithms. The algorithm library defines the layouts.
 #pragma once
 
 #include <cstddef>

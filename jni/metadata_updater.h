@@ -1,10 +1,8 @@
-// Translates the camera metadata of one request into the parameter set that the algorithms read, and edits
-// the request's algorithm list. Create one object per request and use it on the request's thread;
-// updateMetadata() runs once.
-//
-// If a tag is absent, its parameter gets the step's initial value. The status of the parameter channel is
-// ignored: translating parameters never fails a request. The steps consist of rows; shot.h shows how to write
-// a row. Code that needs no Java has its own headers, such as region_mapper.h.
+// Translates one request's camera metadata into the parameter set that the algorithms read, and edits the
+// algorithm list. Create one object per request and use it on the request's thread; updateMetadata() runs
+// once. If a tag is absent, its parameter gets the step's initial value. The parameter channel's status is
+// ignored: translating parameters never fails a request. See shot.h for the rows of the steps. Code that
+// needs no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>
@@ -34,21 +32,18 @@ public:
 
   void updateMetadata();
 
-  // Reads back the HDR process type and the night frame's index among the master frames, as updateMetadata()
-  // wrote them; 0 and -1 if it did not write them.
+  // Reads back the HDR process type and the night frame's index among the master frames; 0, -1 if unwritten.
   void updateRawnrHDRFrameIndex(int& hdrType, int& nightIndex);
   // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: copy `size` bytes under a section and a key of the block, or visit the values that
-  // the algorithms pass to the system or request from it. Return the context's status.
+  // The parameter channel: see the same functions of AlgoNativeContext.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
   int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
 
-  // Return whether the first input image is raw, as 1 or 0, and its format code. Without an input image, both
-  // return 0.
+  // Return whether the first input image is raw (1 or 0), and its format code; 0 without an input image.
   int isRawFormat();
   int getImageFormat();
 
@@ -94,11 +89,9 @@ public:
   // metadata_updater_regions.cpp
   // Returns whether rectangles must be scaled from the active array to an image of this size in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
-  // Converts all faces in place and drops those outside the image; does nothing without an active array.
-  // `face` must not contain more than kMaxFaces faces.
+  // Converts at most kMaxFaces faces in place and drops those outside the image, if there is an active array.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
-  // Read a metering region and convert it into `region`, which is unchanged without an input image or active
-  // array.
+  // Read and convert a metering region; `region` is unchanged without an input image or active array.
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
   // metadata_updater_double_exposure.cpp, _jpeg_encode.cpp, _pixel_shift.cpp, _frame_clarity.cpp, _debug.cpp

@@ -61,8 +61,7 @@ void MetadataUpdater::updateRawAlgorithms() {
   if (mShot.listHas("rawhdr") || mShot.listHas("superstar") || mShot.listHas("supermoonRaw")) updateRawHdr();
 }
 
-// Adds the packing of refocusable JPEGs and removes algorithms that must not run together. Each rule sees the
-// result of the earlier rules.
+// Adds the packing of refocusable JPEGs and removes incompatible algorithms. Each rule sees earlier results.
 void MetadataUpdater::editAlgoList() {
   constexpr char kOperation[] = "updateAlgoType";  // logged instead of the function's name
   const bool isRaw = mShot.isRaw();

@@ -108,8 +108,6 @@ void writeFrameLists(Shot& shot, const FrameList& masters) {
   shot.write<Longs<kListedFrames>>(kControl, "input_frame_timestamp", timestamps);
 }
 
-// Phase-detection data of types 3 and 4 is always usable, data of type 2 only if the camera has not
-// compensated it.
 bool isUsable(int32_t pdafType, int32_t isCompensated) {
   return pdafType == 3 || pdafType == 4 || (pdafType == 2 && isCompensated == 0);
 }
@@ -241,8 +239,7 @@ void MetadataUpdater::updateFaceInfo() {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
   _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
-  // The first empty rectangle ends the list, even if valid ones follow. Rectangles past the table count as
-  // empty.
+  // The first empty rectangle ends the list, even if valid ones follow; past the table, all count as empty.
   const __tagOrluRect* const rects = faces.rects;
   const auto* const tableEnd = rects + std::min(faces.count, kMaxFaces);
   const auto available = static_cast<int32_t>(std::find_if(rects, tableEnd, isEmpty) - rects);

@@ -1,5 +1,4 @@
-// Debugging aids: logs a double exposure's frame settings and passes on the device's switch for automatic
-// tests. updateDebug() also runs the step for the frames of a two-camera fusion.
+// Logs a double exposure's frame settings, passes on the device's test switch, and runs the fusion step.
 
 #include <cutils/properties.h>
 

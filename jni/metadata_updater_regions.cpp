@@ -14,7 +14,6 @@ struct MetadataUpdater::MeteringTexts {
 
 namespace {
 
-// Maps a rectangle to the image. If it is not scaled, logs `unscaled`.
 __tagOrluRect mapToImage(const __tagOrluRect& rect, _tagOrluSize active, _tagOrluSize image, bool isScaled,
                          const char* operation, const char* unscaled) {
   if (!isScaled) LOGD_AS(operation, "%s", unscaled);

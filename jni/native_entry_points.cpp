@@ -1,7 +1,5 @@
-// The library's only exports: the native methods of the Java service. They never use the Java `this`.
-//
-// No exception may reach the VM. If a method runs out of memory, only this call fails: it logs an error and
-// returns -1, null or handle 0.
+// The library's only exports: the Java service's native methods, which never use Java's `this`. No exception
+// may reach the VM: a method that runs out of memory logs an error and returns -1, null or handle 0.
 
 #include <cstdlib>
 

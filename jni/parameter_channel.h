@@ -21,9 +21,8 @@ public:
 
   void* block() const { return mBlock; }
 
-  // Returns the value, or `initial` if the block lacks the value or the operation could not be called. Does
-  // not check the status: bytes that getValue wrote are returned even if it failed. A stored value that is
-  // shorter than T replaces only the first bytes of `initial`.
+  // Returns the value, or `initial` if it is missing or can't be read. A shorter stored value replaces only
+  // the first bytes of `initial`. Bytes that getValue wrote are returned even if it failed.
   template <typename T>
   T get(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
     static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);
@@ -38,8 +37,7 @@ public:
     return setBytes(section, key, &value, sizeof value);
   }
 
-  // Copy any number of bytes. Return the status of the algorithm library (0 for success), or -1 if the
-  // operation could not be called or threw.
+  // Copy any number of bytes. Return the same values as AlgoGuardedTable's getValue() and setValue().
   int getBytes(const char* section, const char* key, void* data, unsigned size) const {
     return mTable->getValue(mEnv, mBlock, section, key, data, size);
   }

@@ -1,6 +1,5 @@
-// Maps rectangles in the sensor's active array to an image, which may differ in size and aspect ratio and may
-// be a digitally zoomed view. Sizes and coordinates are in pixels. Floats are 32 bits wide throughout; each
-// operation rounds once.
+// Maps rectangles in the sensor's active array to an image of another size or aspect ratio, or zoomed
+// digitally. Sizes and coordinates are in pixels. Floats have 32 bits throughout; each operation rounds once.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +19,7 @@ struct RegionScale {
   _tagOrluSize fullSize;  // of the sensor's largest image
 };
 
-// Returns whether rectangles must be scaled from the active array to the image. Rectangles that the caller
-// gave in image coordinates are not scaled.
+// Returns whether rectangles must be scaled to the image; false if they are in its coordinates already.
 bool needsScaling(_tagOrluSize active, _tagOrluSize image, const RegionScale& scale);
 
 // Maps `rect` to the image, before any zoom. `active` must have no zero side. The offsets that crop the

@@ -1,10 +1,8 @@
-// Implements the native methods: checks the client handle, reads the Java arguments and calls the client's
-// context.
-//
-// A handle is the address of an AlgoNativeClient. All functions except notify() reject handle 0: they log
-// that and return -1 or null. Every other handle is trusted: functions that return int return 0 for it unless
-// noted, and lower layers log their own failures. Calls for one client must not overlap, except that Java
-// may call any function, including destroy(), inside a callback of the algorithm library.
+// Implements the native methods. A handle is the address of an AlgoNativeClient. All functions except
+// notify() reject handle 0: they log that and return -1 or null. Every other handle is trusted; functions
+// that return int return 0 for it unless noted, and lower layers log their failures. Calls for one client
+// must not overlap, except that Java may call any function, including destroy(), inside a callback of the
+// algorithm library.
 #pragma once
 
 #include <jni.h>
@@ -47,10 +45,9 @@ public:
   // the handle, `inputs`, `outputs` or `compositions` is null, else 0, even after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. A
-  // synchronous request counts as unknown, and so does a full-async request that is still being submitted and
-  // has not been announced. For an unknown request, only initial values are written. Returns the same values
-  // as processImage().
+  // Writes the results of the full-async request that "nativeRequestAddr" names, and finishes it. For any
+  // other request, or one that is still being submitted and not announced, writes only initial values.
+  // Returns the same values as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

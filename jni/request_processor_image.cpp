@@ -58,8 +58,7 @@ public:
     mStage = kFinishing;
     return true;
   }
-  // Writes the results and finishes the request. Not inlined: the updater takes much stack, which may be
-  // scarce.
+  // Not inlined: the updater takes much stack, which may be scarce.
   [[gnu::noinline]] void finish() {
     ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
     letGo();

@@ -1,9 +1,7 @@
 // Writes the algorithms' results from a request's parameter set back into its compositions and output
-// descriptors. Create one object per request and use it on the request's thread after the callback. It owns
-// nothing, and no failure stops it.
-//
-// A value that the algorithms did not set is written with its initial value. Without a composition, only the
-// output descriptors are set.
+// descriptors. Create one object per request and use it on the request's thread after the callback. No
+// failure stops it: a value that the algorithms did not set is written with its initial value; without a
+// composition, only the output descriptors are set.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +29,7 @@ public:
 
   void updateResult();
 
-  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
-  // status.
+  // The parameter channel: see the same functions of AlgoNativeContext.
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
@@ -77,8 +74,7 @@ private:
   int put(const Frame& frame, const char* resultKey, const std::common_type_t<T>& value);
   template <typename T>
   int put(const char* resultKey, const std::common_type_t<T>& value);
-  // Copies a parameter, or `initial` if the block lacks it, to a key of the first composition. Returns the
-  // value.
+  // Copies a parameter, or `initial` if it is missing, to the first composition. Returns the value.
   template <typename T>
   T copy(const char* section, const char* key, const char* resultKey, std::common_type_t<T> initial = T());
 

@@ -3,9 +3,8 @@
 //   copy<int32_t>(kFeedback, "hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
 //   put<Floats<2>>(lastFrame, "orlu.feedback.rawhdrISPAEParams", gains);
 //
-// copy passes a parameter on unchanged. To change or log a value first, read it with the channel's get and
-// then call put. The caller names the type, which is never deduced: it determines how many bytes are read and
-// which Java class is stored.
+// copy passes a parameter on unchanged. To change or log it first, use the channel's get, then put. The
+// caller names the type, which determines how many bytes are read and which Java class is stored.
 #pragma once
 
 #include <type_traits>

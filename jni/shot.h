@@ -9,10 +9,9 @@
 //            const auto gain = shot.readOr<int32_t>("orlu.feedback.analog_gain");
 //            shot.write<float>(kParameter, "analog_gain", static_cast<float>(gain / 1024));
 //
-// Readers are const: a step that takes a const Shot writes nothing.
-//
-// copy(), read() and readOr() accept the frame to read from as an additional first argument; the default is
-// the first frame. A type is named once and selects both the getter and the width.
+// Readers are const: a step that takes a const Shot writes nothing. copy(), read() and readOr() accept the
+// frame to read from as an additional first argument; the default is the first frame. A type is named once
+// and selects both the getter and the width.
 #pragma once
 
 #include <memory>
@@ -43,8 +42,7 @@ public:
         mAlgoList(&algoList),
         mParameters(parameters) {}
 
-  // Return the written value. Large values are stored on the heap and not returned, because little stack may
-  // be left.
+  // Return the written value, except large values, which stay on the heap: little stack may be left.
   template <typename T>
   Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) {
     if constexpr (std::is_void_v<Copied<T>>) {
@@ -76,8 +74,7 @@ public:
     write<T>(section, key, member);
   }
 
-  // Writes sizeof(T) bytes. The caller names T; it is never deduced. The status is ignored: translating
-  // parameters never fails a request.
+  // Writes sizeof(T) bytes; T is never deduced. Ignores the status: translating never fails a request.
   template <typename T>
   void write(const char* section, const char* key, const std::common_type_t<T>& value) {
     mParameters.set<T>(section, key, value);

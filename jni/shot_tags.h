@@ -49,8 +49,7 @@ struct LargeBytes {
   const char* orZeros() const { return data ? data.get() : gNoBytes; }
 
 private:
-  // Shared by all requests and never written to. Not const, because const data would take up space in the
-  // library's file.
+  // Never written to. Not const, because const data would take up space in the library's file.
   alignas(8) inline static char gNoBytes[N] = {};
 };
 // The raw bytes of a tag, at most `size`, read into the caller's memory.
@@ -70,8 +69,7 @@ struct MeteringRegion {
   int32_t weight = 0;
 };
 
-// The source of a tag: a capture result and the composition that overrides it key by key. Either may be null;
-// both are borrowed.
+// The source of a tag: a capture result and the composition that overrides it. Borrowed; either may be null.
 struct Frame {
   jobject captureResult = nullptr;
   jobject composition = nullptr;
@@ -196,8 +194,7 @@ public:
     return read(first(), tag, value);
   }
 
-  // Returns the tag's value, or `initial` if the frame lacks it. If the tag is shorter than an array or
-  // record, the rest of `initial` is kept.
+  // Returns the value, or `initial` if it is missing. A tag shorter than T keeps the rest of `initial`.
   template <typename T>
   T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
     read(frame, tag, initial);
@@ -208,8 +205,7 @@ public:
     return readOr<T>(first(), tag, initial);
   }
 
-  // While the returned object exists, reading `tag` from several frames creates its Java key only once. `tag`
-  // must outlive the object.
+  // See CameraMetadataParser::RepeatedTag; `tag` must outlive it.
   CameraMetadataParser::RepeatedTag repeated(const char* tag) const {
     return CameraMetadataParser::RepeatedTag(*mParser, tag);
   }

@@ -182,8 +182,7 @@ jobject VRequest::getCaptureResult(jobject composition) {
 int VRequest::getListSize(jobject list) {
   // Callers read the list next and keep references to its elements.
   constexpr jint kReferencesPerElement = 2;
-  // Upper bound on a list's size. A hostile list may report any size, and every element costs memory and a
-  // JNI call. Real requests have far fewer frames.
+  // A hostile list may report any size, and elements cost memory and JNI calls. Real lists are far shorter.
   constexpr jint kMostElements = 1024;
   if (mMethodListSize == nullptr || !isInstance(mEnv, list, mClazzList)) {
     LOGE("get list size failed, input is null");

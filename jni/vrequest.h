@@ -1,8 +1,6 @@
 // Native mirror of one Java request: its images as frame records, its capture results, and the Java objects
-// that receive the results.
-//
-// Valid only inside the JNI call that created it, on that thread, because it keeps local references. It owns
-// the descriptors that it duplicated from shared memory.
+// that receive the results. Valid only in the JNI call that created it, because it keeps local references.
+// Owns the descriptors that it duplicated from shared memory.
 #pragma once
 
 #include <jni.h>
@@ -35,8 +33,7 @@ public:
   const std::vector<AlgoFrameInfo>& inputFrames() const { return mInputFrames; }
   const std::vector<AlgoFrameInfo>& outputFrames() const { return mOutputFrames; }
   std::vector<AlgoFrameInfo>& outputFrames() { return mOutputFrames; }
-  // One entry per frame, in the same order in both lists. Entries are borrowed, and null if the Java side had
-  // none.
+  // One entry per frame, in the same order in both lists; borrowed, and null if the Java side had none.
   const std::vector<jobject>& captureResultCompositions() const { return mCaptureResultCompositions; }
   const std::vector<jobject>& captureResults() const { return mCaptureResults; }
   // The first frame's composition, or null if there is none.
@@ -56,8 +53,7 @@ public:
 
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // Returns the composition's stored capture result. If there is none, calls assembleResultComposition() and
-  // stores the result. Returns null for null.
+  // Returns the stored capture result, else stores and returns that of assembleResultComposition().
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);
