@@ -24,8 +24,7 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Calls an offered operation. `env`: the calling thread's or null. Returns `failed` if the operation
-  // throws.
+  // Calls an offered operation. `env`: the calling thread's or null. Returns `failed` if the call throws.
   template <typename Result, typename... Parameters, typename... Arguments>
   Result call(JNIEnv* env, const char* operation, const std::function<Result(Parameters...)>& callable,
               Result failed, Arguments&&... arguments) const {
