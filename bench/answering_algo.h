@@ -6,8 +6,7 @@
 
 namespace orlu::bench {
 
-// Replaces the body of process(); null restores the default, which calls back before returning. Set it while
-// no request is in flight.
+// Replaces process() while no request is in flight; null restores the default, which calls back at once.
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 

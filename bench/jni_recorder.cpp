@@ -164,8 +164,7 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // Returns the number of bytes that a Set...Region function reads from its buffer, possibly 0, or
-    // kNoRegion for all other functions.
+    // Returns the bytes that a Set...Region function reads, possibly 0; kNoRegion for all other functions.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);

@@ -24,8 +24,7 @@ constexpr size_t kClients = 4;
 constexpr uint64_t kRequestsOfAClient = 200;
 constexpr uint64_t kWarmUp = 2'000;
 
-// The body of a thread: runs clients one after another. After each request it tries to finish two announced
-// requests.
+// Runs clients one after another. After each request, tries to finish two announced requests.
 void sendAll(SoakShared& shared, const SoakArguments& arguments, SoakWatch& watch, uint64_t seed) {
   const test::AttachedThread attached;
   bool isMore = true;

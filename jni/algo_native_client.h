@@ -18,9 +18,9 @@ public:
   // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // Destroys the library's client, which may call back meanwhile, then closes the callback and finishes the
-  // full-async requests that were never announced to Java. On a thread that is not attached to the VM, the
-  // callback class stays referenced.
+  // Destroys the library's client, which may call back meanwhile, closes the callback, and finishes the
+  // full-async requests never announced to Java. On an unattached thread, the callback class stays
+  // referenced.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.

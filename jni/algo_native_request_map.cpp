@@ -149,8 +149,7 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // If the client was destroyed meanwhile, its destructor left the request to Java, but the announcement did
-  // not reach Java.
+  // The client was destroyed meanwhile and left the request to Java, but the announcement did not reach Java.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }

@@ -1,8 +1,7 @@
 // Implements the native methods. A handle is the address of an AlgoNativeClient. All functions except
 // notify() reject handle 0: they log that and return -1 or null. Every other handle is trusted; functions
 // that return int return 0 for it unless noted, and lower layers log their failures. Calls for one client
-// must not overlap, except that Java may call any function, including destroy(), inside a callback of the
-// algorithm library.
+// must not overlap, except that Java may call any function, including destroy(), inside a callback.
 #pragma once
 
 #include <jni.h>
