@@ -6,7 +6,7 @@
 
 namespace orlu::bench {
 
-// Replaces process() while no request is in flight; null restores the default, which calls back at once.
+// Replaces process(); null restores the default, which calls back at once. No request may be in flight.
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 

@@ -18,7 +18,7 @@ public:
   // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // Destroys the library's client, which may call back meanwhile, closes the callback, and finishes the
+  // Destroys the library's client, which may call back meanwhile, closes the callback, and finishes
   // full-async requests never announced to Java. On an unattached thread, the callback class stays
   // referenced.
   virtual ~AlgoNativeClient();

@@ -149,7 +149,7 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // The client was destroyed meanwhile and left the request to Java, but the announcement did not reach Java.
+  // If the client was destroyed meanwhile, it left the request to Java, which the announcement did not reach.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }
