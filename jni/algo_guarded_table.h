@@ -24,7 +24,8 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // Calls an offered operation. `env`: the calling thread's or null. Returns `failed` if the call throws.
+  // Calls an operation that the library offers. `env` is the calling thread's environment or null. Returns
+  // the operation's result, or `failed` if it throws.
   template <typename Result, typename... Parameters, typename... Arguments>
   Result call(JNIEnv* env, const char* operation, const std::function<Result(Parameters...)>& callable,
               Result failed, Arguments&&... arguments) const {
@@ -60,8 +61,9 @@ private:
   AlgoInterfaceCallbacks mOperations;
 };
 
-// Wraps the caller's visitor for the algorithm library. The visitor uses the running operation's data and its
-// thread's Java objects, so the wrapper returns -1 on other threads and after this object is destroyed.
+// Wraps the caller's visitor for the algorithm library. The caller's visitor refers to data that is gone when
+// the operation returns, and Java objects in that data belong to the caller's thread. The wrapper therefore
+// returns -1 on any other thread and after the loan ends.
 class LentVisitor {
 public:
   // Borrows `visitor`, which may be empty.
@@ -70,6 +72,7 @@ public:
   LentVisitor& operator=(const LentVisitor&) = delete;
   ~LentVisitor();
 
+  // Ends the loan.
   // The wrapper to pass to the library; empty if the caller's visitor is empty.
   AlgoMetadataVisitor get() const;
 

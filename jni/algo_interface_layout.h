@@ -1,4 +1,5 @@
-// Compile-time checks of the layout of algo_interface.h. Include this in one source file of a library.
+// Makes the compiler of an algorithm library check the sizes and offsets of algo_interface.h. Include this
+// header in one source file. A build for a phone must have the phone's layout.
 #pragma once
 
 #include "algo_interface.h"

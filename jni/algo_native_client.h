@@ -18,9 +18,10 @@ public:
   // Connects to the algorithm library. If `env` is null, Java is never called.
   AlgoNativeClient(JNIEnv* env, int64_t clientId, int algoContextIndex);
   AlgoNativeClient& operator=(const AlgoNativeClient&) = delete;
-  // Destroys the library's client, which may call back meanwhile, closes the callback, and finishes
-  // full-async requests never announced to Java. On an unattached thread, the callback class stays
-  // referenced.
+  // First destroys the algorithm library's client; the library may call back meanwhile. Then closes the
+  // callback and finishes the full-async requests that were never announced to Java. Must run on a thread
+  // that is attached to the VM; otherwise the callback class stays referenced. Java may destroy the client
+  // inside any callback.
   virtual ~AlgoNativeClient();
 
   // Converts a Java handle to its client; null for 0. On 32 bits only the low half of the handle is used.
@@ -31,7 +32,8 @@ public:
   AlgoNativeClient copyForNative() const { return AlgoNativeClient(*this); }
 
   AlgoNativeContext& context() { return *mContext; }
-  // Identifies the callback to the library, until the process ends; a destroyed client ignores callbacks.
+  // Each request passes this cookie to the algorithm library to identify the callback. Valid until the
+  // process ends; after the client is destroyed, callbacks are ignored.
   uint64_t callbackCookie() const;
 
   // Identifies the client in the request map. The value is never reused.

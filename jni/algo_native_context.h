@@ -36,7 +36,8 @@ public:
   void destroyClient();
 
   void init();
-  // Uninitialises types 1, 2, 3 and 5. `mode`: 0 for destruction or an unknown format, 1 processed, 2 raw.
+  // Uninitialises request types 1, 2, 3 and 5. `mode`: 0 for destruction or an unknown format, 1 for the
+  // release of a processed format, 2 for the release of a raw format.
   void uninit(int mode);
   void flush();
   // Aborts the frame that the parameter block names.
@@ -60,11 +61,13 @@ public:
   // Returns a new parameter block, or null.
   void* createMetadata();
   void destroyMetadata(void* block);
-  // The parameter channel: see the same functions of AlgoGuardedTable.
+  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return 0, the
+  // library's own status, or -1 if the operation could not be called or threw.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
   // Visit the values that the algorithms pass to the system, or request from it. The library may call the
-  // visitor as LentVisitor allows. Return the same values as setValue().
+  // visitor on this thread until the operation returns; later or on another thread, a call returns -1 without
+  // reaching the visitor. Return the same values as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 

@@ -10,7 +10,8 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // Returns the shared provider; never destroyed. The first caller opens the library; no other caller waits.
+  // Returns the shared provider, which is created on first use, on any thread, and never destroyed. The first
+  // caller opens the library as the constructor does; other callers do not wait for that.
   static AlgoNativeProvider* getInstance();
 
   // Opens the library and fills in the provider's own table.
@@ -19,9 +20,9 @@ public:
   AlgoNativeProvider& operator=(const AlgoNativeProvider&) = delete;
   virtual ~AlgoNativeProvider() = default;
 
-  // Lets the library fill in the cleared table. If the table is null, the library or its entry is missing, or
-  // the entry throws, logs the reason, leaves the table empty and returns false. Thread-safe: several threads
-  // create clients, and the library's entry may create one itself.
+  // Clears the caller's table and lets the library fill it in. Returns false, logs the reason and leaves the
+  // table empty if the table is null, the library or its entry is missing, or the entry throws. Safe from any
+  // thread: several threads create clients, and the library's entry may create one itself.
   bool initAlgoInterface(AlgoInterfaceCallbacks* table);
 
 private:

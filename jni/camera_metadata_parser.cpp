@@ -6,7 +6,8 @@
 namespace orlu {
 namespace {
 
-// Local references to reserve: the cached classes, which live until the native method returns, and lookups.
+// Local references to reserve: for the classes, which the cache holds until the native method returns, plus
+// spare room for objects that are looked up through them.
 constexpr jint kLocalReferences = 96;
 
 }  // namespace

@@ -86,7 +86,8 @@ public:
     Batch* mBatch;
   };
 
-  // While a RepeatedTag exists, reads of a key equal to `tag` reuse its Java key objects. Several must nest.
+  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. If
+  // several exist, destroy them in reverse order of creation.
   class RepeatedTag {
   public:
     // `tag` must outlive this object.

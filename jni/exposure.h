@@ -52,7 +52,8 @@ inline float longToSafeSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecSafeSensitivity];
 }
 
-// Returns whole milliseconds, derived from sensitivity and gain for a front camera with its own control.
+// Returns the normal exposure time in whole milliseconds. For a front camera with its own exposure control,
+// it is derived from sensitivity and gain.
 inline int32_t normalExposureTime(const Aec& aec, bool hasFrontControl) {
   const float nanoseconds =
       hasFrontControl ? aec[kAecShortSensitivity] / aec[kAecRealGain] : aec[kAecExposureTimeNormal];

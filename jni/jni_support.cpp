@@ -3,7 +3,8 @@
 namespace orlu {
 namespace {
 
-// Returns the character's length, or 0. Modified UTF-8 has no four-byte characters, but VMs accept them.
+// Returns the length of the character that begins with `lead`; 0 if `lead` can't begin one. Characters of
+// four bytes are not valid in modified UTF-8, but VMs accept them.
 size_t lengthFromLead(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead < 0xC0 || lead > 0xF7) return 0;

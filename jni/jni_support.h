@@ -14,7 +14,8 @@ inline bool clearException(JNIEnv* env) {
   return true;
 }
 
-// Returns `result`. If null, clears the exception of the function that returned it, which throws only then.
+// Returns `result`. If it is null, clears the exception of the function that returned it; such functions
+// throw only if they return null.
 template <typename T>
 T clearIfNull(JNIEnv* env, T result) {
   if (result == nullptr) clearException(env);

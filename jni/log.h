@@ -1,7 +1,9 @@
-// Logging macros. The tag is the `kLogTag` in scope at the call, unless a macro has a parameter for tag or
-// place. Lines begin with the source file's base name, the line number and an operation: the enclosing
-// function in LOGE() and LOGD(), the caller's operation in helpers with LOGE_AS() and LOGD_AS(). Errors are
-// always written, debug lines only if the phone maker's log level permits. The BARE macros differ: see below.
+// Logging macros. Unless a macro has a parameter for the tag or place, the tag is the `kLogTag` in scope at
+// the call: a class member or a file constant.
+//
+// Lines begin with the source file's base name, the line number and an operation. LOGE() and LOGD() show the
+// enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Errors are always
+// written, debug lines only if the phone maker's log level permits. The BARE macros differ: see below.
 #pragma once
 
 #include <android/log.h>

@@ -32,18 +32,21 @@ public:
 
   void updateMetadata();
 
-  // Reads back the HDR process type and the night frame's index among the master frames; 0, -1 if unwritten.
+  // Reads back the HDR process type and the night frame's index among the master frames, as updateMetadata()
+  // wrote them; 0 and -1 if it did not write them.
   void updateRawnrHDRFrameIndex(int& hdrType, int& nightIndex);
   // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: see the same functions of AlgoNativeContext.
+  // The parameter channel: copy `size` bytes under a section and a key of the block, or visit the values that
+  // the algorithms pass to the system or request from it. Return the context's status.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
   int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
 
-  // Return whether the first input image is raw (1 or 0), and its format code; 0 without an input image.
+  // Return whether the first input image is raw, as 1 or 0, and its format code. Without an input image, both
+  // return 0.
   int isRawFormat();
   int getImageFormat();
 

@@ -13,7 +13,8 @@ constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
-// In the active array's coordinates. The count comes from the tag and may exceed the table (Oddity 11).
+// Reads a frame's faces in the active array's coordinates. The count comes from the tag, even if it exceeds
+// the table (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
 // Reads the width and height of the active array; zero if the camera does not report them.
 _tagOrluSize readActiveSize(const Shot& shot);

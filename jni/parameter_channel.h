@@ -37,7 +37,8 @@ public:
     return setBytes(section, key, &value, sizeof value);
   }
 
-  // Copy any number of bytes. Return the same values as AlgoGuardedTable's getValue() and setValue().
+  // Copy any number of bytes. Return the status of the algorithm library (0 for success), or -1 if the
+  // operation could not be called or threw.
   int getBytes(const char* section, const char* key, void* data, unsigned size) const {
     return mTable->getValue(mEnv, mBlock, section, key, data, size);
   }

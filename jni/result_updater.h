@@ -29,7 +29,8 @@ public:
 
   void updateResult();
 
-  // The parameter channel: see the same functions of AlgoNativeContext.
+  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
+  // status.
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 

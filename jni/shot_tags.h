@@ -205,7 +205,8 @@ public:
     return readOr<T>(first(), tag, initial);
   }
 
-  // See CameraMetadataParser::RepeatedTag; `tag` must outlive it.
+  // While the returned object exists, reading `tag` from several frames creates its Java key only once. `tag`
+  // must outlive the object.
   CameraMetadataParser::RepeatedTag repeated(const char* tag) const {
     return CameraMetadataParser::RepeatedTag(*mParser, tag);
   }

@@ -53,7 +53,8 @@ public:
 
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
-  // Returns the stored capture result, else stores and returns that of assembleResultComposition().
+  // Returns the composition's stored capture result. If there is none, calls assembleResultComposition() and
+  // stores the result. Returns null for null.
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);
