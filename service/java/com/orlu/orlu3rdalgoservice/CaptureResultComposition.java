@@ -7,8 +7,9 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * One frame's metadata: the camera's values, overlaid with the service's own, to which the native side adds
- * its results. The entry points' parameter objects are compositions, too.
+ * One frame's metadata: what the camera reported, overlaid with the service's own values. The native side
+ * looks up the service's values first, and puts its results among them. The entry points' parameter objects
+ * are compositions, too.
  */
 public class CaptureResultComposition {
     // Read and stored by the native side.

@@ -53,7 +53,8 @@ final class SizeAdvice {
         }
     }
 
-    // Compares images at equal indexes of the frames: a frame's second image may be of another camera.
+    // Compares images with the same index in different frames. The second image of a frame may come from
+    // another camera.
     private static void onInputSizes(List<ImagePlan> inputs) {
         Map<Integer, Integer> ofFrame = new HashMap<>();
         Map<Integer, ImagePlan> first = new HashMap<>();

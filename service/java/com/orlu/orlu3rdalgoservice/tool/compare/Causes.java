@@ -42,9 +42,10 @@ public final class Causes {
     }
 
     /**
-     * Returns lines for up to three tags that explain the difference, those that change the fewest parameters
-     * first, and the number of further tags. If no tag explains it, returns one line: that the parameter
-     * changes with each translation, or the tags that it depends on.
+     * Returns a line for each of the first three tags that can explain the difference, with its frames, and a
+     * line with the number of further tags. Tags that change the fewest parameters come first. If no tag
+     * explains the difference, returns one line: that the parameter changes with each translation, or the
+     * tags that it depends on.
      */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();

@@ -91,7 +91,8 @@ final class Recording {
         return writes.stream().map(Write::name).filter(name -> !without.contains(name)).toList();
     }
 
-    // Returns the names outside the longest common subsequence. Both lists have each name equally often.
+    // Returns the names that have moved: those outside the longest common subsequence. The lists contain each
+    // name equally often, but in different orders.
     private static Set<String> moved(List<String> before, List<String> after) {
         int[][] longest = new int[before.size() + 1][after.size() + 1];
         for (int i = before.size() - 1; i >= 0; --i) {

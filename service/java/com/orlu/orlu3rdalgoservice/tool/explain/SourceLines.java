@@ -70,7 +70,8 @@ public final class SourceLines {
         return telling;
     }
 
-    // Returns lines of headers only if there are no others: templates in them write the rows of all tables.
+    // Templates in headers write the rows of all tables, so a line of a header does not identify the row.
+    // Returns such lines only if there are no others.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();

@@ -25,7 +25,10 @@ public final class Contract {
     /** The offset of the name in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
-    /** Ten seconds, after which the service may destroy a request's block, less 0.1 s for inexact timers. */
+    /**
+     * The service waits ten seconds for a synchronous request; then it may destroy the request's block.
+     * A tenth of a second less, so that inexact timers cause no breach.
+     */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
     /** Number of finished requests to remember. Older requests count as unknown. */
     private static final int MOST_FINISHED = 4096;

@@ -41,7 +41,10 @@ public final class Exhibits {
         after(new BaseFrame(0, ""), inputs, List.of(), List.of());
     }
 
-    /** After the request, draws all pictures and compares outputs with the base. One reader per output. */
+    /**
+     * Draws all pictures and compares outputs with the base. Call after the request; `readers` are those of
+     * the outputs, in order.
+     */
     public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
         mNamedBy = baseFrame.namedBy();

@@ -17,7 +17,10 @@ public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";
     private static final String SELECTED = "orlu.feedback.frameSelectResult";
 
-    /** Uses the reported timestamp, else that of the only selected frame, else the first frame. */
+    /**
+     * Finds the base frame by its reported timestamp, else by the timestamp of the only selected frame. The
+     * default is the first frame.
+     */
     public static BaseFrame of(RequestFile request, List<Map<String, Object>> puts) {
         Map<String, Object> put = puts.isEmpty() ? Map.of() : puts.get(0);
         int base = withTimestamp(request, put.get(BASE));

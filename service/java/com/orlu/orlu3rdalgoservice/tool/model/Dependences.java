@@ -31,7 +31,10 @@ public record Dependences(
         return new Dependences(List.of(), Set.of(), 0, 0, problem);
     }
 
-    /** Returns the tags, by name and frame, that change a parameter alone or only in all frames at once. */
+    /**
+     * Returns the tags that a parameter depends on, sorted by tag, then frame. Includes tags that have an
+     * effect only if they change in all frames at once.
+     */
     public List<Dependence> of(String parameter) {
         return all.stream()
                 .filter(tag -> tag.parameters().contains(parameter) || tag.together().contains(parameter))

@@ -30,7 +30,10 @@ final class ImageCrop {
         mArea = area;
     }
 
-    /** Returns null for JPEG and unknown formats; throws IllegalArgumentException for a bad area or rows. */
+    /**
+     * Plans the crop. Returns null for a format that can't be cropped. Throws IllegalArgumentException, whose
+     * message contains `name`, if the image is smaller than the area or its description is invalid.
+     */
     static ImageCrop of(ImageLayout image, CropArea area, String name) {
         ImageCrop crop = new ImageCrop(image, area.in(image.width(), image.height(), name));
         if (crop.mFormat == null || crop.mFormat == PixelFormat.JPEG) {

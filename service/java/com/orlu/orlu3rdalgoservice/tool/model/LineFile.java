@@ -37,7 +37,10 @@ public final class LineFile {
         return lines;
     }
 
-    /** Returns the new, complete, wanted lines. Throws IllegalStateException if one is not a JSON object. */
+    /**
+     * Returns the wanted lines added since the last call. The next call reads an incomplete line again.
+     * Throws IllegalStateException if a line is not a JSON object.
+     */
     public List<Json> next() throws IOException {
         List<Json> objects = new ArrayList<>();
         for (String line : newLines()) {

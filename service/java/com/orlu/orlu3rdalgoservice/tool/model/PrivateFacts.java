@@ -225,7 +225,11 @@ public final class PrivateFacts {
         }
     }
 
-    /** Returns the bytes without private facts: blanks JPEGs (see JpegBlocks). `name` is the image's file. */
+    /**
+     * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
+     * picture, JFIF header and colour profile remain: EXIF and other application blocks, thumbnails,
+     * comments, and bytes after the picture become 0.
+     */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());
         // Raw pixels may look like the start of a JPEG.

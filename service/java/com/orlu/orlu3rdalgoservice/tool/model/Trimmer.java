@@ -40,7 +40,10 @@ public final class Trimmer {
     private final List<ImageCrop> mOutputCrops = new ArrayList<>();
     private Path mFolder;
 
-    /** Empty `frames` means all, a null `crop` whole images; a null `withoutFacts` keeps private facts. */
+    /**
+     * Keeps these frames (all if `frames` is empty) and this area of each image (everything if `crop` is
+     * null). `withoutFacts` removes private facts; if it is null, they are kept.
+     */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
         mRun = run;

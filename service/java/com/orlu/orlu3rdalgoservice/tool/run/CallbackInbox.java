@@ -45,7 +45,10 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
                 .filter(Long.class::isInstance).map(Long.class::cast).toList();
     }
 
-    /** Waits for one of these requests. Returns its native address; null after a timeout or an interrupt. */
+    /**
+     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout or
+     * an interrupt.
+     */
     synchronized Long awaitDone(LongPredicate ids, long seconds) {
         long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);
         try {

@@ -32,7 +32,10 @@ public final class ChildRun {
     private final Map<String, String> mVariables = new HashMap<>();
     private int mStatus;
 
-    /** `library` is a native library if named NATIVE_LIBRARY, else an algorithm library; null for neither. */
+    /**
+     * `library` is another build of the native library if its file name is
+     * liborlu.vas.native.interface.so, else an algorithm library; null for the default libraries.
+     */
     public ChildRun(String name, boolean arm, Path library) throws IOException {
         String work = System.getProperty("orlu.work");
         mFolder = Files.createTempDirectory(Path.of(work), name + "-");

@@ -20,7 +20,10 @@ import java.util.List;
  * @param ssim   structural similarity of the output; NaN if not requested
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
-    /** Compares outputs of the base frame's size with its clean picture; without noise, only if `hasSsim`. */
+    /**
+     * Compares the outputs with the base frame's part of the photo. Omits outputs of another size. If no
+     * frame has noise, compares only if similarity is requested.
+     */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {
         List<NoiseMeasure> measures = new ArrayList<>();

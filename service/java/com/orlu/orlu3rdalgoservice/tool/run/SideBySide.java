@@ -28,8 +28,9 @@ public final class SideBySide {
     }
 
     /**
-     * Runs the tasks on `jobs` threads, and `taker` on this thread. `what` names the work in the progress.
-     * Throws the first exception once running tasks have ended or hung: they may use the caller's objects.
+     * Runs the tasks on `jobs` threads, and passes results to `taker` on this thread. `what` names the work
+     * in the display of progress. Throws the first exception of a task or of `taker`, after the running tasks
+     * have finished (or have hung for LONGEST_TASK_SECONDS): they may use objects that the caller closes.
      */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {

@@ -33,7 +33,10 @@ public final class WorkFolder {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
-    /** The state of the pages so far: the file that PAGES names, else one in the work folder, else null. */
+    /**
+     * The file with the state of the pages written so far: the file that PAGES names, else one in the work
+     * folder. Null without either.
+     */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);
         return named == null ? file("pages.json") : named;

@@ -123,8 +123,9 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // Formats an int or a float. As an int, a plausible float would be a time of many days, so smaller bits
-    // are an int. The extreme ints are ints, too: they represent times out of range.
+    // Formats an int or a float. The bits of a plausible float, read as an int, would be a time of many days,
+    // so a smaller number is an int. The largest and smallest ints are ints, too: they represent times out
+    // of range.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
