@@ -31,8 +31,9 @@ struct WantedValue {
 // Thrown by operations that the script lists as throwing.
 struct ScriptedException {};
 
-// Where visitors are called: during the operation, on its own or another thread, or later, on the thread that
-// destroys the block.
+// Where the visitors of paramSystemDownloadToAlgo and paramAlgoUpdateToSystem are called: during the
+// operation on its own thread; during the operation on another thread; or after the operation, on the thread
+// that destroys the block.
 enum class VisitorUse { kHere, kOtherThread, kLater };
 
 // How the library deviates from its usual behaviour. The default is no deviation.

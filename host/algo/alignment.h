@@ -38,8 +38,9 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// Searches from the coarsest level to the finest for the shift with the least mean difference, apart from
-// overall brightness. Returns it in samples of the finest level. Both pyramids must have the same shape.
+// Returns the shift with the least mean difference, in samples of the finest level. Searches from the
+// coarsest level to the finest. Both pyramids must have the same shape. Ignores an overall difference in
+// brightness.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);
 
 }  // namespace orlu::standin

@@ -15,7 +15,8 @@ public:
   Frame& operator=(Frame&&) = delete;
   ~Frame();
 
-  // Maps the descriptor's memory, at most the size in the record. Returns 0, or -1 on failure.
+  // Maps as much memory as the record reports, but not more than the descriptor has. Returns 0, or -1 if
+  // there is no descriptor or memory, or if mapping fails.
   int map(Access access);
   // Releases memory and descriptor. Only the record remains.
   void release();

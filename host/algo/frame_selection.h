@@ -16,8 +16,9 @@ struct FrameSelection {
 // Returns the variance of the luma's Laplacian; 0 for an opaque image or a luma smaller than 3 x 3.
 double sharpnessOf(const ImageView& image);
 
-// The base is `wantedBase` if that frame exists and has planes, else the sharpest frame. Keeps the base and
-// frames of its shape with at least 60 % of the best sharpness; only the sharpest frame if `sharpestOnly`.
+// Selects frames for a merge: the base, and frames of its shape with at least 60 % of the best sharpness. If
+// `sharpestOnly`, keeps only the sharpest frame. The base is `wantedBase` if that is the index of a readable
+// frame, else the sharpest frame. An unreadable frame is a view without planes.
 FrameSelection selectFrames(const std::vector<ImageView>& frames, int wantedBase, bool sharpestOnly);
 
 }  // namespace orlu::standin

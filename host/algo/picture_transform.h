@@ -5,10 +5,12 @@
 
 namespace orlu::standin {
 
-// Mirrors in place; false for an opaque image. Raw images swap pairs of columns, to keep the Bayer pattern.
+// Mirrors left to right, in place. Raw images swap pairs of columns, which keeps the Bayer pattern. Returns
+// false for an opaque image.
 bool mirrorLeftRight(const ImageView& image);
 
-// Scales bilinearly. Empty if the image is neither NV21 nor NV12, or if a side is below 1 or above 16384.
+// Returns the image scaled bilinearly. Returns an empty picture if the image is neither NV21 nor NV12, or if
+// a side is below 1 or above 16384.
 Picture scaleTo(const ImageView& image, int width, int height);
 
 }  // namespace orlu::standin

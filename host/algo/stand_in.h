@@ -29,7 +29,8 @@ public:
   // Carries out the script for a call of the library's entry.
   void entry();
 
-  // For a dead block, callables return -1, but getSize() returns 0 and process() runs without parameters.
+  // The callables of the tables. For a block that is not live, they return -1, except that getSize() returns
+  // 0 and process() runs the request without parameters.
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);

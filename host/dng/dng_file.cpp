@@ -40,7 +40,8 @@ DngFile::DngFile(const char* path)
   if (findImage(status) && checkImage() && listBlocks()) checkBlocks();
 }
 
-// Called with the file at the tag's value; LibRaw restores the position. `tag` >> 20 counts images from 1.
+// LibRaw calls this with the file positioned at the tag's value, and restores the position afterwards. The
+// upper bits of `tag` are the number of the image, starting with 1.
 void DngFile::noteTag(void* self, int tag, int type, int length, unsigned order, void*, INT64) {
   auto* const file = static_cast<DngFile*>(self);
   const int image = (tag >> 20) - 1;
@@ -122,7 +123,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// LibRaw stores every offset, except that for several tiles it stores the position of the offset table.
+// Returns the offset of a strip or tile. LibRaw stores the offset of a single strip or tile. For several
+// strips, it stores all offsets; for several tiles, only the position of the offset table.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);
@@ -190,8 +192,9 @@ void DngFile::decodeBlocks() {
   unpacker.tile_length = tileLength;
 }
 
-// Some damage stops a decoder without an error. To find samples that it did not write, decodes over a mark,
-// and if any sample equals the mark, again over another mark.
+// Some damage makes a decoder stop without an error. Therefore this function decodes into memory
+// filled with a mark. If any sample equals the mark, it decodes again over a different mark. A sample that
+// equals the mark after both was not written by the decoder.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

@@ -1,5 +1,6 @@
-// liblog.so: writes logcat's "threadtime" lines to standard error, and every line, even if filtered out, to
-// the file in ORLU_LOG_FILE: tab-separated ns of CLOCK_MONOTONIC, thread, priority letter, tag and text.
+// liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
+// it receives every line, even those that ANDROID_LOG_TAGS filters out: time (nanoseconds of
+// CLOCK_MONOTONIC), thread, priority letter, tag and text, separated by tabs.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -33,7 +34,8 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// Minimum priorities from ANDROID_LOG_TAGS ("TAG:D OTHER *:S"): a tag alone means VERBOSE, "*" the rest.
+// The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER *:S": a minimum priority for each named tag, VERBOSE
+// if it is omitted, and with "*" for all other tags.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;

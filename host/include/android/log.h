@@ -40,8 +40,10 @@ void __android_log_set_logger(__android_logger_function logger);
 // The default logger: writes logcat's "threadtime" lines to standard error.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
-// Sets the lowest priority that reaches the logger and returns the previous one. ANDROID_LOG_TAGS sets the
-// initial priority ("*:E", else ANDROID_LOG_DEFAULT) and lasting priorities of single tags ("TAG:D").
+// Sets the priority below which lines do not reach the logger, and returns the previous one. The initial
+// priority comes from the environment variable ANDROID_LOG_TAGS ("*:E"); by default, it is
+// ANDROID_LOG_DEFAULT, which drops only ANDROID_LOG_UNKNOWN. Tags that the variable names keep their own
+// priorities ("TAG:D *:S").
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
 #ifdef __cplusplus

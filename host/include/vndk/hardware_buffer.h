@@ -15,8 +15,9 @@ enum CreateFromHandleMethod {
   AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER = 2,
 };
 
-// Creates a buffer from a handle with any words. REGISTER, the only method here, takes ownership of the
-// handle: the buffer closes and deletes it. Returns 0 or a negative errno.
+// Creates a buffer from a handle with any number of descriptors and integers. REGISTER, the only method
+// here, takes ownership of the handle, and closes and deletes it with the buffer. Returns 0 or a negative
+// errno.
 int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
                                      int32_t method, AHardwareBuffer** outBuffer);
 
