@@ -40,6 +40,7 @@ capture | silent | time-out | no callback for request 103
 capture | aborts:process | crash | SIGABRT
 capture | aborts:createClient | crash | createClient
 capture | lacks:process | unusable | lacks process
+capture | lacks:setValue | incomplete | ran without its parameters
 capture | answers:init | failed-call | init returned -22
 capture | empty | unreadable written-behind | a JPEG of size 0
 slanted | | stride | request's own file

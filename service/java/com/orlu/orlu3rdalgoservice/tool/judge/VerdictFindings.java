@@ -20,7 +20,10 @@ public final class VerdictFindings {
             new Kind("crash", Tab.TIMELINE, "The process ended before the request finished.",
                     "The last open slice of the timeline is the operation that was running then. This page "
                             + "has nothing after it.",
-                    "ended the process", "stopped by signal"),
+                    "ended the process", "stopped by signal", "the process ended"),
+            new Kind("incomplete", Tab.RESULTS, "Values were lost between the two libraries.",
+                    "The request ran without its parameters, or without its results.",
+                    "lacks createMetadata", "lacks setValue", "lacks getValue"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
                     "No request was submitted, and there is no output. The verdict names the fault. Check "
                             + "that the library is the intended file.",

@@ -16,14 +16,19 @@ public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int 
         return frames.stream().anyMatch(frame -> frame.noise() > 0);
     }
 
-    /** Width of the margin around a frame for shifts, in pixels; even, so that a mosaic keeps its phase. */
-    public int margin() {
+    /** Largest shift of a frame, in pixels to a side. */
+    public int reach() {
         int reach = maxShift;
         for (FramePlan frame : frames) {
             if (frame.shift() != null) {
                 reach = Math.max(reach, Math.max(Math.abs(frame.shift()[0]), Math.abs(frame.shift()[1])));
             }
         }
-        return (reach + 1) / 2 * 2;
+        return reach;
+    }
+
+    /** Width of the margin around a frame for shifts, in pixels; even, so that a mosaic keeps its phase. */
+    public int margin() {
+        return (reach() + 1) / 2 * 2;
     }
 }

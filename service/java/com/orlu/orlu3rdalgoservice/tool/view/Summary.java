@@ -109,8 +109,8 @@ public final class Summary {
         if (blur > 0) {
             parts.add("blur up to " + blur + " pixels");
         }
-        if (frames.margin() > 0) {
-            parts.add("shifts up to " + frames.margin() + " pixels");
+        if (frames.reach() > 0) {
+            parts.add("shifts up to " + frames.reach() + " pixels");
         }
         return parts;
     }
