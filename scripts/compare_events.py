@@ -64,7 +64,7 @@ def main():
     one, other = (Path(argument) for argument in sys.argv[1:3])
     found = list(compare_events(one, other))
     count = sum(len(events) for events in read(one))
-    print(f"{count} events: " + (f"{len(found)} differences" if found else "all the same"))
+    print(f"{count} events: " + (f"different in {len(found)} places" if found else "all the same"))
     for line in found:
         print(f"  {line}")
     return 1 if found else 0

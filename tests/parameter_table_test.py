@@ -15,7 +15,7 @@ GOLDEN_LINE = re.compile(rf"(?:> |~ )?({SECTIONS}) (\S+?)(?:#\d+)? ([a-z]+)(?:\[
 ELEMENT_SIZES = {"byte": 1, "int": 4, "long": 8, "float": 4, "double": 8}
 # Types in golden texts, each with the types in parameters.txt that can display its bytes.
 SHOWN_AS = {
-    "byte": {"BOOL"}, "int": {"INT", "MILLISECONDS"}, "float": {"FLOAT", "MILLISECONDS"}, "double": {"DOUBLE"},
+    "byte": {"BOOL"}, "int": {"INT", "MILLISECONDS"}, "float": {"FLOAT", "MILLISECONDS"},
     "long": {"LONG", "UNSIGNED_LONG"}, "ints": {"INTS", "RECT", "CROP", "SENSOR_CROP"}, "longs": {"LONGS"},
     "floats": {"FLOATS"}, "doubles": {"DOUBLES"}, "text": {"TEXT"},
 }

@@ -56,7 +56,9 @@ bool startJvm(const std::vector<std::string>& jars, std::vector<std::string> opt
 }
 
 bool startCheckedJvm(const std::vector<std::string>& jars) {
-  return splitOutput() && startJvm(jars, {"-Xcheck:jni", "-Xmx256m"});
+  if (splitOutput()) return startJvm(jars, {"-Xcheck:jni", "-Xmx256m"});
+  std::perror("can't redirect the VM's output");
+  return false;
 }
 
 bool jvmIsQuiet() {

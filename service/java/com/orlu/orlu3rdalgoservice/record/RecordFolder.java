@@ -67,11 +67,15 @@ final class RecordFolder {
                 channel.write(bytes);
             }
         } catch (IOException e) {
-            // A partial file is useless; outcome.json with the reason may need its disk space.
-            if (file.isFile() && !file.delete()) {
-                RequestRecorder.warn("can't remove " + file);
-            }
+            removePartial(file);
             throw e;
+        }
+    }
+
+    // A partial file is useless; outcome.json with the reason may need its disk space.
+    private static void removePartial(File file) {
+        if (file.isFile() && !file.delete()) {
+            RequestRecorder.warn("can't remove " + file);
         }
     }
 
@@ -138,6 +142,9 @@ final class RecordFolder {
                 }
                 copied += more;
             }
+        } catch (IOException e) {
+            removePartial(to);
+            throw e;
         }
     }
 

@@ -30,7 +30,7 @@ import picocli.CommandLine.Parameters;
 @Command(customSynopsis = "./run compare [options] --lib A --lib B FOLDER|REQUEST...",
         description = {"Run requests or recordings over two libraries, each in its own process, and print a "
                 + "table, worst first. A and B are algorithm libraries, or builds of the native library. The "
-                + "exit status is 0 if all runs are ok and equal, else 1."},
+                + "exit status is 0 if all runs are ok and equal (with --fail-below: close enough), else 1."},
         footer = "  ./run compare --lib old.so --lib new.so --fail-below 40 samples")
 final class CompareCommand implements Subcommand {
     private static final int SHOWN = 3;

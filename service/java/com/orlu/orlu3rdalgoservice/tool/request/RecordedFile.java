@@ -8,6 +8,7 @@ import java.nio.ByteBuffer;
 import java.nio.channels.FileChannel;
 import java.nio.file.Files;
 import java.nio.file.LinkOption;
+import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
 import java.nio.file.StandardOpenOption;
 import java.nio.file.attribute.BasicFileAttributes;
@@ -64,8 +65,10 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
                 throw field.error(path + " is cut or damaged; expected " + size + " bytes, found " + found
                         .size());
             }
-        } catch (IOException e) {
+        } catch (NoSuchFileException e) {
             throw field.error(path + ": no such file");
+        } catch (IOException e) {
+            throw field.error(path + ": can't be read: " + e.getMessage());
         }
     }
 
