@@ -164,7 +164,8 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // Returns the bytes that a Set...Region function reads, possibly 0; kNoRegion for all other functions.
+    // Returns the number of bytes that a Set...Region function reads from its buffer, possibly 0; kNoRegion
+    // for all other functions.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -352,7 +353,8 @@ uint32_t JniRecorder::slotOf(const void* value) const {
   return found == mSlots.end() ? kNullSlot : found->second;
 }
 
-// Returns the object's slot; adds one for an object from before the recording, which outlives it.
+// Returns the object's slot. An object without a slot existed before the recording and outlives it; such an
+// object gets a new slot.
 uint32_t JniRecorder::objectSlot(void* object) {
   if (object == nullptr) return kNullSlot;
   const uint32_t known = slotOf(object);

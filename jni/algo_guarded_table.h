@@ -1,5 +1,6 @@
-// The algorithm library's table of operations. Each call catches whatever the library throws, clears a Java
-// exception that it leaves on the calling thread, and logs both with the operation's name.
+// The algorithm library's table of operations with a guard around each call. The guard catches whatever the
+// library throws and clears any Java exception that the library leaves on the calling thread. It logs both
+// with the operation's name.
 #pragma once
 
 #include <jni.h>
@@ -14,7 +15,8 @@ namespace orlu {
 
 class AlgoGuardedTable {
 public:
-  // The table stays empty if there is no library. If `javaVm` is null, Java exceptions are not checked.
+  // Gets a table from the provider; the table stays empty if there is no library. If `javaVm` is null, the
+  // guard does not check for Java exceptions.
   explicit AlgoGuardedTable(JavaVM* javaVm);
   AlgoGuardedTable(const AlgoGuardedTable&) = delete;
   AlgoGuardedTable& operator=(const AlgoGuardedTable&) = delete;
@@ -70,9 +72,9 @@ public:
   explicit LentVisitor(const AlgoMetadataVisitor& visitor);
   LentVisitor(const LentVisitor&) = delete;
   LentVisitor& operator=(const LentVisitor&) = delete;
+  // Ends the loan.
   ~LentVisitor();
 
-  // Ends the loan.
   // The wrapper to pass to the library; empty if the caller's visitor is empty.
   AlgoMetadataVisitor get() const;
 

@@ -35,10 +35,12 @@ struct AlgoNativeRequest {
   bool isOwnerGone = false;
 };
 
-// Thread-safe. Lock order: the map's mutex, then a record's; a waiter never holds both. A full-async request
-// is finished once: by Java, or together with its client; its block may be destroyed later. If
-// withdrawAnnouncement(), releaseBlock(), finish() or releaseOwned() returns a block, the caller is its only
-// user and must destroy it; null means that the block has other users or does not exist.
+// Thread-safe. Lock order: the map's mutex, then a record's; a waiter never holds both.
+//
+// A full-async request is finished once: by Java, or together with its client. The request's block is
+// destroyed later if somebody may still use it. If withdrawAnnouncement(), releaseBlock(), finish() or
+// releaseOwned() returns a block, the caller is now its only user and must destroy it. Null means that the
+// block has other users or does not exist.
 class AlgoNativeRequestMap {
 public:
   // The only map; created at load time and never destroyed: callbacks may arrive until the process ends.
@@ -51,7 +53,8 @@ public:
   // Adds a request and returns its id. Ids count up from 0 and are never reused. The caller keeps ownership
   // of a synchronous request's block; the block of a full-async request belongs to its users (AlgoBlockUser).
   uint64_t create(int64_t reqId, void* metadata, bool isFullAsync, const void* owner = nullptr);
-  // Removes a request; a thread that waits on the record frees it. Returns false if the id is unknown.
+  // Removes a request. If a thread waits on the record, that thread frees it. Returns false if the id is
+  // unknown.
   bool remove(uint64_t nativeReq);
   // Returns the record, or null if the id is unknown. The caller holds the map's mutex.
   AlgoNativeRequest* findRequestLocked(uint64_t nativeReq) const;
@@ -74,8 +77,9 @@ public:
   // Removes a user of the block. The request may already be finished and its id unknown.
   void* releaseBlock(uint64_t nativeReq, AlgoBlockUser user);
   // Passes a full-async request's block and algorithm list to the one caller that finishes it for Java.
-  // Returns false, with both unchanged, if the request is unknown, taken, or still being submitted and
-  // unannounced: a guessed id must not take a request from the thread that submits it.
+  // Returns false and leaves both unchanged if there is no such request, if another caller has taken it, or
+  // if it is still being submitted and has not been announced: a guessed id must not take a request from the
+  // thread that submits it.
   bool takeForFinish(uint64_t nativeReq, void*& metadata, std::vector<std::string>& algoList);
   // Finishes a request that the caller has taken, and logs that.
   void* finish(uint64_t nativeReq);

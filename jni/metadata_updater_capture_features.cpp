@@ -28,7 +28,8 @@ void MetadataUpdater::clearProcessedAlgoTag() {
   mShot.write<ProcessedAlgo>(kParameter, "processed_algo", {});
 }
 
-// ORs in the application's bits. Results return the value, so bits accumulate over passes (Oddity 39).
+// ORs the application's algorithm bits into the block's value. The results return this value to the
+// application, so the bits accumulate from pass to pass (Oddity 39).
 void MetadataUpdater::updateProcessedAlgoTag() {
   const auto fromApplication = mShot.readOr<int64_t>("orlu.parameter.processedAlgo");
   auto processed = mShot.readBack<ProcessedAlgo>(kParameter, "processed_algo");

@@ -1,4 +1,5 @@
-// Logs a double exposure's frame settings, passes on the device's test switch, and runs the fusion step.
+// Debugging aids: logs a double exposure's frame settings and passes on the device's switch for automatic
+// tests. updateDebug() also runs the step for the frames of a two-camera fusion.
 
 #include <cutils/properties.h>
 

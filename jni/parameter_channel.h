@@ -21,8 +21,9 @@ public:
 
   void* block() const { return mBlock; }
 
-  // Returns the value, or `initial` if it is missing or can't be read. A shorter stored value replaces only
-  // the first bytes of `initial`. Bytes that getValue wrote are returned even if it failed.
+  // Returns the value, or `initial` if the block lacks the value or the operation could not be called. A
+  // stored value that is shorter than T replaces only the first bytes of `initial`. Does not check the
+  // status: bytes that getValue wrote are returned even if getValue failed.
   template <typename T>
   T get(const char* section, const char* key, std::common_type_t<T> initial = T()) const {
     static_assert(std::is_trivially_copyable_v<T> && !std::is_pointer_v<T>);

@@ -69,7 +69,8 @@ struct MeteringRegion {
   int32_t weight = 0;
 };
 
-// The source of a tag: a capture result and the composition that overrides it. Borrowed; either may be null.
+// The source of a tag: a capture result and the composition that overrides it key by key. Either may be null;
+// both are borrowed.
 struct Frame {
   jobject captureResult = nullptr;
   jobject composition = nullptr;
@@ -194,7 +195,8 @@ public:
     return read(first(), tag, value);
   }
 
-  // Returns the value, or `initial` if it is missing. A tag shorter than T keeps the rest of `initial`.
+  // Returns the tag's value, or `initial` if the frame lacks the tag. If the tag is shorter than an array or
+  // record, the rest of `initial` is kept.
   template <typename T>
   T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
     read(frame, tag, initial);

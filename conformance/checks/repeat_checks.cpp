@@ -1,4 +1,5 @@
-// Checks that equal requests give equal bytes, independent of earlier requests and contents of memory.
+// Checks that equal requests give equal bytes, whatever fresh memory contains and whichever requests came
+// before.
 #include <algorithm>
 #include <string_view>
 
@@ -37,7 +38,8 @@ std::string withoutTimes(std::string bytes) {
 
 class Repeats {
 public:
-  // Returns the output's bytes without padding, times of day or EXIF data; "" if the callback is missing.
+  // Runs a request, and returns the bytes of its output without padding, times of day and a JPEG's EXIF data;
+  // "" if the callback is missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,

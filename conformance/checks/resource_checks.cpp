@@ -68,8 +68,9 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Measures the growth by kRequests requests. If only memory grows, takes the minimum of all rounds: on a busy
-// machine more library threads overlap, each with its own arena. Returns false if a callback is missing.
+// Sets `least` to the growth that kRequests requests cause. If only memory grows, repeats this up to kRounds
+// times and takes the smallest growth: on a busy machine more threads of the tested library overlap, and the
+// C library allocates an arena for each of them once. Returns false if a callback is missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
   constexpr std::chrono::milliseconds kListed{150};  // an exited thread stays listed for a moment
   for (uint64_t round = 0; round < kRounds; ++round) {

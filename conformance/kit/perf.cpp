@@ -177,7 +177,8 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// Returns the relative change of the time; 0 if within kNoises times the noise of both, or kLeastChange.
+// Returns the relative change of the time since `before`; 0 if the change is at most kNoises times the noise
+// of both rows, or at most the fraction kLeastChange.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

@@ -27,7 +27,8 @@ public:
   int set(const char* section, const char* key, const void* data, size_t size);
   int set(const char* section, const char* key, const std::string& bytes);
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // Returns the bytes that getValue() wrote into a buffer of `size` bytes; `status` receives its result.
+  // Passes a buffer of `size` bytes to getValue(), and returns the buffer up to the last byte that getValue()
+  // wrote. `status` receives the return value of getValue().
   std::string written(const char* section, const char* key, size_t size, int& status) const;
   unsigned size() const;
   void destroy();
@@ -75,7 +76,7 @@ public:
   uint64_t cookie() const;
   std::vector<Message> messages() const;
   size_t count(uint64_t nativeReq, const std::string& name = kShotCallback) const;
-  // Waits for the request's first shot callback, at most the patience of the options, or 0.3 s once this
+  // Waits for the request's first shot callback: at most options().patienceSeconds, or 0.3 s once this
   // process has missed a callback. Returns false after a timeout.
   bool waitFor(uint64_t nativeReq) const;
   // Discards all callbacks received so far.
@@ -107,7 +108,8 @@ struct Request {
 // Serialised camera metadata with a few tags, in the service's format.
 std::string cameraMetadata();
 
-// Submits a request with a camera block that lives until process() returns. Returns the status of process().
+// Submits a request as the service does, with a camera-metadata block that is destroyed when process() has
+// returned. Returns the status of process().
 int submit(const Client& client, const Inbox& inbox, const Block& parameters, const Request& request);
 
 // A client, an inbox, a parameter block and two small images, for checks that need no more.

@@ -134,7 +134,8 @@ void visitUnderLock(Table& table) {
 }
 
 // threads
-// A block of useLooseStore(), whose flags select whether writes and reads of values are locked.
+// A block of useLooseStore(), which replaces the minimal library's store. The flags of useLooseStore() select
+// whether writes and reads of a block's values are locked; the list of blocks is always locked.
 struct LooseBlock {
   std::mutex mutex;
   std::map<std::string, std::string> values;

@@ -1,4 +1,5 @@
-// Mutants that misuse descriptors and mappings, but not those of the minimal library.
+// Mutants that misuse descriptors and mappings. They duplicate descriptors themselves, and don't use the
+// minimal library's duplicates.
 #include "mutant.h"
 
 namespace orlu::mutants {

@@ -1,5 +1,5 @@
-// The smallest algorithm library that passes all checks of the conformance kit. Stores parameters, copies the
-// first input to all outputs of the same format and size, and calls back. See docs/algorithm_library.md.
+// The smallest algorithm library that passes all checks of the conformance kit. It stores parameters, copies
+// the first input to all outputs of the same format and size, and calls back. See docs/algorithm_library.md.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>
@@ -51,7 +51,8 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// Returns null without a VM. Callbacks may call Java: attach their threads, and detach them before they exit.
+// Returns null without a Java VM. A callback may call into Java, so its thread must be attached to the VM,
+// and detached before it exits.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
@@ -60,7 +61,8 @@ JavaVM* findVm() {
   return get != nullptr && get(&vm, 1, &count) == JNI_OK && count > 0 ? vm : nullptr;
 }
 
-// Offset and stride of a plane in bytes, and its rows without padding. Each image has its own strides.
+// Offset and stride of a plane in bytes, and the number of its rows without padding rows. Padding may differ
+// between images: the strides of an output may differ from those of the input.
 struct Plane {
   size_t begin;
   size_t stride;
@@ -113,7 +115,8 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// A copy of the record with duplicated descriptors: the caller's may be invalid once process() returns.
+// A copy of the record with duplicated descriptors: after process() has returned, the caller's record is
+// invalid, and for a full-async request so are its descriptors.
 struct Request {
   void* client;
   uint64_t cookie;
@@ -130,7 +133,8 @@ struct Request {
   }
 };
 
-// The client whose callback this thread is sending. Java may flush and destroy it inside the callback.
+// The client whose callback this thread is sending; null outside callbacks. Java may flush and destroy this
+// client inside the callback.
 thread_local void* tCallingBack = nullptr;
 
 void work(const Request& request) {

@@ -20,7 +20,8 @@ constexpr const char* kResultAlgorithms[] = {
 #include "result_algorithms.inc"
 };
 
-// Maps a name to a byte of an input. Doesn't depend on the index: adding names keeps a corpus valid.
+// Returns the byte that selects a name in an input. The byte doesn't depend on the name's index, so that
+// adding names keeps the inputs of a corpus valid.
 constexpr uint8_t nameByte(const char* name) {
   uint32_t hash = 2166136261U;
   for (; *name != '\0'; ++name) hash = (hash ^ static_cast<uint8_t>(*name)) * 16777619U;

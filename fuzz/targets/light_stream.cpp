@@ -1,4 +1,5 @@
-// Fuzz target: the payload of a light-stream callback, complete or truncated; any JNI call may fail.
+// Fuzz target: the payload of a light-stream callback, complete or truncated, in a JNI environment where any
+// call may fail.
 
 #include "algo_native_client.h"
 #include "fake_jni.h"

@@ -1,5 +1,6 @@
-// The contents of one metadata block: (section, key) -> value, or serialised camera metadata. Thread-safe:
-// work on a request may continue after the block's owner has stopped waiting.
+// The contents of one metadata block: values by section and key in a parameter block, serialised metadata in
+// a camera-metadata block. Thread-safe: work on a request may continue after the block's owner has stopped
+// waiting.
 #pragma once
 
 #include <cstdint>
@@ -25,14 +26,16 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Returns the total size of the values, without their names, or of the raw metadata, in bytes.
+  // Returns the total size of the values, without their names, or of the serialised metadata, in bytes.
   size_t size() const;
 
-  // Stores a copy. Returns -1 for a null name, null data with a size, or a camera-metadata block.
+  // Stores a copy of `size` bytes. Returns -1 for a null name, null data with a size, or a camera-metadata
+  // block.
   int set(const char* section, const char* key, const void* data, size_t size);
-  // Copies at most `size` bytes of the value; the rest of `data` is unchanged. Returns -1 if it is absent.
+  // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
+  // Returns -1 if the value is absent.
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // Replaces the raw metadata. Returns -1 for a parameter block or null bytes with a size.
+  // Replaces the serialised metadata. Returns -1 for a parameter block, or for null bytes with a size.
   int setRaw(const char* bytes, size_t size);
 
   // Returns copies of a section's values, in the order in which they were first set.

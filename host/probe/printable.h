@@ -33,7 +33,8 @@ inline unsigned characterCode(std::string_view character) {
   return code;
 }
 
-// True for controls except line feed and tab, line separators, and characters that change the text direction.
+// Returns whether the code point is a line separator, a character that changes the text direction, or a
+// control character other than line feed and tab.
 inline bool isUnsafe(unsigned code) {
   const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
   const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F ||

@@ -1,11 +1,13 @@
-// Settings from the environment, or from system properties on a phone, where services have no environment.
+// The probe's settings: environment variables, and system properties on a phone, where a service has no
+// environment of its own.
 #pragma once
 
 #include <string>
 
 namespace orlu::probe {
 
-// Returns the value of the variable `name` ("ORLU_..."); if unset or empty, its property on a phone, else "".
+// Returns the value of the variable `name`, which must begin with "ORLU_". If the variable is unset or empty,
+// returns the value of its property on a phone, else "".
 std::string setting(const char* name);
 
 // Returns the property of a variable: "persist.vendor.orlu.pixels_bytes" for "ORLU_PIXELS_BYTES".

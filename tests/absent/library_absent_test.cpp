@@ -1,4 +1,5 @@
-// Clients without an algorithm library: this program's folder contains only the device's other libraries.
+// Clients without an algorithm library. This program's folder contains the device's libraries except the
+// algorithm library.
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,8 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// A single test: the loader remembers the impostor's name, so afterwards the library is never absent.
+// A single test, because the loader remembers the names of opened libraries: once the impostor is open, this
+// process can't find the library absent again.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
   const std::string noLibrary =

@@ -1,4 +1,5 @@
-// Replaces an environment's JNI function table during its lifetime by a copy that may be changed at any time.
+// Replaces an environment's JNI function table by a copy while this object lives. Functions of the copy may
+// be replaced at any time.
 #pragma once
 
 #include <jni.h>

@@ -33,7 +33,8 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// Use at global scope. OPAQUE is for opaque records, and for records whose fields the caller asserts.
+// Use these macros at global scope. OPAQUE is for opaque records, and for records whose fields the caller
+// asserts one by one.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

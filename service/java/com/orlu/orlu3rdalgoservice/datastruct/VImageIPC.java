@@ -10,8 +10,9 @@ import android.os.SharedMemory;
 public final class VImageIPC {
     /** The format's name, such as "NV21". Never null. */
     public String mFormat;
-    /** Width and height in pixels. */
+    /** Width in pixels. */
     public int mWidth;
+    /** Height in pixels. */
     public int mHeight;
     /** Bytes from one row to the next, for each plane. */
     public int[] mRowStrides;

@@ -18,8 +18,9 @@ import java.util.Set;
 
 /**
  * Checks the calls between the service and the algorithm library against their contract
- * (docs/conformance.md), in the order of the events' file: "begin" is written before a call, "end" after it,
- * so the destruction of an address begins before its next creation ends, on whichever threads they run.
+ * (docs/conformance.md), in the order of the events' file. The probe writes the event "begin" before the
+ * call, and "end" after the call. So the "begin" of a call that destroys an address precedes the "end" of
+ * the call that returns the same address again, whichever threads make them.
  */
 public final class Contract {
     /** The offset of the name in the bytes of a callback. */

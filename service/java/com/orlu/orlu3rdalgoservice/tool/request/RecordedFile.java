@@ -20,7 +20,7 @@ import java.util.zip.CRC32;
  * regular file, is opened without following links, and must have exactly the size that the recording states.
  *
  * @param size  size in bytes
- * @param crc   CRC-32 of its bytes in hexadecimal; empty if unknown
+ * @param crc   CRC-32 of the file's bytes in hexadecimal; empty if unknown
  * @param field the member that names the file, for errors
  */
 public record RecordedFile(Path path, int size, String crc, Json field) {
@@ -92,7 +92,10 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return bytes;
     }
 
-    /** Fills the buffer from a file that must not be a link; the rest of the buffer stays unchanged. */
+    /**
+     * Fills the buffer from the start of a file, which must not be a link. If the file is shorter than the
+     * buffer, the rest of the buffer is unchanged.
+     */
     public static void read(Path file, ByteBuffer to) throws IOException {
         try (FileChannel channel = FileChannel.open(
                 file, StandardOpenOption.READ, LinkOption.NOFOLLOW_LINKS)) {

@@ -20,7 +20,10 @@ import javax.xml.stream.XMLOutputFactory;
 import javax.xml.stream.XMLStreamException;
 import javax.xml.stream.XMLStreamWriter;
 
-/** A command's results for programs: JSON (docs/results.schema.json), and JUnit, with a test for each. */
+/**
+ * A command's results for programs: as JSON (docs/results.schema.json), and as JUnit, with one test per
+ * result.
+ */
 public final class Results {
     /** The name of the format, and its version. A new member doesn't change the version. */
     public static final String FORMAT = "orlu-results";
