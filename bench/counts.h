@@ -14,7 +14,8 @@ namespace orlu::bench {
 // C++ heap, "debug_lines" and "error_lines" for the lines of the log at full verbosity.
 using Counts = std::map<std::string, int64_t>;
 
-// Runs the shot a few times. The counts of a full-async request include both of its calls.
+// Runs the shot a few times and returns its counts. The counts of a full-async request include both of its
+// calls.
 Counts countsOf(RequestRunner& runner);
 
 }  // namespace orlu::bench

@@ -1,4 +1,5 @@
-// Receives one client's callbacks, identified by the cookie: wakes the waiting thread or calls Java.
+// Receives the callbacks of one client, which the cookie identifies. Wakes the thread that waits for a
+// request, or calls Java.
 #pragma once
 
 #include <jni.h>
@@ -27,8 +28,9 @@ public:
   // The calling thread's environment; null if the thread is not attached or there is no VM.
   JNIEnv* environment() const;
 
-  // From now on, callbacks are counted and ignored; running callbacks finish. Releases the callback class, or
-  // leaves that to the last callback inside Java; if `env` is null, the class stays referenced.
+  // Ends the client's callbacks: later callbacks are counted and ignored, running callbacks finish as usual.
+  // Releases the callback class, or leaves that to the last callback that is inside Java. If `env` is null,
+  // the class stays referenced.
   void close(JNIEnv* env);
 
   // See AlgoNativeClient for these functions.
@@ -54,8 +56,8 @@ private:
   JNIEnv* callbackEnv(const char* operation) const;
   // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Tells Java that it may finish a full-async request. If Java can't be reached, logs that, and the request
-  // is finished with its client. Returns false if the call was not attempted.
+  // Tells Java that it may finish a full-async request. If Java can't be reached, logs that; the request
+  // is then finished when its client is destroyed. Returns false if the call was not attempted.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
   // Creates the map and calls Java with it. Returns false if the map could not be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;

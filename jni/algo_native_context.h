@@ -7,7 +7,8 @@
 // library; whoever creates a block destroys it. Operations on a null block are skipped.
 //
 // As thread-safe as the algorithm library. Callers keep the context alive until the operation returns. Java
-// may destroy the library's client meanwhile, inside a callback; then the client gets no more operations.
+// may destroy the library's client meanwhile, inside a callback; after that the library receives no more
+// operations on the client.
 #pragma once
 
 #include <jni.h>
@@ -32,7 +33,8 @@ public:
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client, which may call back meanwhile. Runs once; the destructor calls it too.
+  // Destroys the library's client; later calls have no effect. The library may call back meanwhile. The
+  // destructor also calls this function.
   void destroyClient();
 
   void init();
@@ -53,7 +55,8 @@ public:
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
                const std::vector<uint8_t>& metadataBytes);
 
-  // Returns the answer to `cmd`, a string zero-padded to 10240 bytes; empty if the library lacks getData.
+  // Returns the library's answer to `cmd`: a string, padded with zeros to 10240 bytes. Empty if the library
+  // does not offer getData.
   std::vector<uint8_t> getData(const std::string& cmd);
   // Passes a file of `size` bytes to the library. The caller keeps the descriptor. Always returns 0.
   int translateParamFile(int fd, int size, const std::string& identifier);
@@ -73,7 +76,8 @@ public:
 
   // For ParameterChannel, which uses the table on one thread. The reference is valid as long as this object.
   const AlgoGuardedTable& table() const { return *mTable; }
-  // True once destroyClient() has started: the client gets no more operations; don't wait for callbacks.
+  // True once destroyClient() has started: the library receives no more operations on the client. Don't wait
+  // for its callbacks then.
   bool isClientDestroyed() const { return mIsClientDestroyed; }
 
 private:

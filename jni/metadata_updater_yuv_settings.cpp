@@ -84,7 +84,8 @@ void writeCrop(Shot& shot) {
   shot.copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
 }
 
-// True for algorithms that use the shot's exposure, front cameras in extreme mode, and shots with HD faces.
+// True for algorithms that use the shot's exposure, for front cameras in extreme mode, and for shots with HD
+// faces.
 bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
   const auto extremeFront = shot.readBack<int32_t>(kControl, "is_extreme_front");
   const auto facing = shot.readBack<int32_t>(kSensor, "camera_facing");

@@ -49,7 +49,7 @@ def without_descriptors(handle):
 
 
 def compare_events(one, other):
-    """Yields a line per difference, but only a thread's first, because later differences follow from it."""
+    """Yields a line for the first difference of each thread, because later differences follow from it."""
     left, right = read(one), read(other)
     if len(left) != len(right):
         yield f"events: {len(left)} threads / {len(right)} threads"

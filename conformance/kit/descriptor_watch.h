@@ -20,11 +20,13 @@ public:
   // Until forget(), closing or replacing these descriptors is a fault of the library.
   void lend(const std::vector<int>& descriptors);
   void forget(const std::vector<int>& descriptors);
-  // Number of placeholders, which occupy closed descriptor numbers so that a second close is detected.
+  // Returns the number of placeholders. They occupy descriptor numbers that the library closed, so that the
+  // numbers are not reused for a while and a second close is detected.
   int kept() const;
   // Returns and clears the faults since the last call.
   std::vector<std::string> takeWrong();
-  // Returns and clears the duplicates and mappings made since the last call and not released.
+  // Returns and clears the duplicates and mappings that the library made since the last call and has not
+  // released.
   std::vector<std::string> takeLeft();
 };
 

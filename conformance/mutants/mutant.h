@@ -39,6 +39,7 @@ extern std::atomic<int> gEntries;
 // Returns a callback's bytes: its header, this name, and `payload` zeros.
 Bytes message(uint64_t nativeReq, const std::string& name, size_t payload = 0);
 
+// Returns the request id in a callback's bytes.
 uint64_t requestOf(const Bytes& bytes);
 
 // Calls the caller's function, whose address is the cookie.

@@ -1,5 +1,6 @@
-// Exports of liborlu.vac.interface.so by which tests and tools control it. Look them up with dlsym(): nothing
-// may link against the library, because the native library opens it at run time.
+// Exports of the stand-in algorithm library, liborlu.vac.interface.so, by which tests and tools control and
+// inspect it. Look them up with dlsym(): nothing may link against this library, because the native library
+// opens it at run time.
 #pragma once
 
 #include <chrono>
@@ -49,7 +50,8 @@ struct AlgoScript {
   // The largest addition to the delay; the addition varies from request to request.
   std::chrono::milliseconds jitter{0};
   bool inOrder = true;  // false: a callback doesn't wait for the callbacks of earlier requests
-  // Reports the parameter "frame_flag" as the base frame's time, which identifies the request to the caller.
+  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller can identify its
+  // request.
   bool echoFlag = false;
   std::set<std::string> throwing;  // operations that throw; may include "AlgoInterfaceEntry"
   // Operations that leave a Java exception pending on their thread; "callback" leaves it before the callback.
@@ -84,7 +86,8 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Sets a copy of the script for every operation that starts from now on; null sets a default AlgoScript.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// Sets this thread's script, a copy, which takes precedence over the common script; null removes it.
+// Sets a copy of the script for operations that are called on this thread. It takes precedence over the
+// common script; null removes it.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
 // Calls back with these bytes and handles from a new thread and waits for that thread.

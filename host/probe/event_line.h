@@ -1,4 +1,4 @@
-// One event as a line of JSON: fields are added in order; elements of a list have null as their name.
+// One event as a line of JSON. Fields are added in order. For an element of a list, pass null as the name.
 #pragma once
 
 #include <cstdint>

@@ -21,7 +21,8 @@ constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
 // Maximum number of unused rows between two planes, which a device may insert for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
-// Returns the bytes of a row with padding; 0 if unknown. Only the description gives them for some formats.
+// Returns the bytes of a row with its padding; 0 if unknown. For many formats the platform sets no row
+// stride; for some of them, the buffer's description gives it.
 inline uint64_t rowBytes(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Plane& plane) {
   if (plane.rowStride != 0) return plane.rowStride;
   switch (desc.format) {

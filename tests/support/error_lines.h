@@ -10,7 +10,8 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// Returns "tag: message", or "tag: * message" if the line has a prefix. "?" precedes all lines but errors.
+// Returns each line of the log as "tag: message", or as "tag: * message" if it has a prefix. "?" precedes
+// lines that are not errors.
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {

@@ -1,4 +1,5 @@
-// Translates a golden image request's metadata as the product does, and compares the result with the text.
+// Translates the metadata of a golden request as the product does for an image request, and compares the
+// result with the text.
 #pragma once
 
 #include <functional>

@@ -8,7 +8,8 @@
 extern "C" {
 #endif
 
-// Returns the object's buffer, borrowed; null for null, a closed object, or an object of another class.
+// Returns the Java object's buffer, borrowed: the object keeps it alive. Returns null if the object is null,
+// closed, or of another class.
 AHardwareBuffer* AHardwareBuffer_fromHardwareBuffer(JNIEnv* env, jobject hardwareBuffer);
 
 #ifdef __cplusplus

@@ -100,7 +100,7 @@ public final class Parcel {
         return length != NULL_LENGTH;
     }
 
-    // Returns the buffer at its current position, with space for this many more bytes.
+    // Returns the buffer at its current position, with space for `bytes` more bytes.
     private ByteBuffer space(int bytes) {
         int needed = mData.position() + bytes;
         if (needed > mData.capacity()) {

@@ -26,7 +26,10 @@ public final class ExplanationPrinter {
         mLines = lines;
     }
 
-    /** Explains words: KEY, SECTION/KEY, "algorithms", or "all" (algorithms and all written parameters). */
+    /**
+     * Explains what each word names: a key, a section and a key ("SECTION/KEY"), "algorithms", or "all" for
+     * every written parameter and the algorithms.
+     */
     public void print(List<String> words) {
         Set<String> names = mExplanations.names();
         Set<String> possible = mExplanations.possibleNames();

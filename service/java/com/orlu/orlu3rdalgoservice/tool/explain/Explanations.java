@@ -53,7 +53,10 @@ public final class Explanations {
         return mNames;
     }
 
-    /** Returns names() and the parameters that another value of a tag, in one or all frames, would add. */
+    /**
+     * Returns names(), and the parameters that the request would write if a tag had another value in one
+     * frame or in all frames.
+     */
     Set<String> possibleNames() {
         Set<String> possible = new LinkedHashSet<>(mNames);
         for (Dependence tag : mDependences.all()) {

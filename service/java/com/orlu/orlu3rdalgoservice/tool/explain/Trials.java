@@ -25,8 +25,9 @@ import java.util.TreeMap;
 
 /**
  * Translates a request with one tag changed at a time, and records which parameters change. Each tag gets a
- * few values in each frame alone, then many values in all frames at once, and again in each frame alone if
- * that reveals more parameters. So a tag in ten frames costs about twice as much as in one.
+ * few values in each frame alone, then many values in all frames at once. A value that then changes further
+ * parameters is also tried in each frame alone. So a tag in ten frames costs about twice as much as a tag in
+ * one frame, not ten times as much.
  */
 public final class Trials {
     /** The number of values that are always tried in each frame alone. */
@@ -85,8 +86,9 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials over these images, which the caller owns, and restores the frames and compositions.
-     * Loads `library`, which the native library must find under the algorithm library's name.
+     * Runs the trials of a request over these images, which the caller owns. Frames and compositions are
+     * restored afterwards. Loads `library`, the algorithm library for trials; the native library must find
+     * the same file under the algorithm library's name.
      */
     public static Dependences of(
             RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {

@@ -37,7 +37,10 @@ public final class Importer {
         mNotes = notes;
     }
 
-    /** Reads files of pixels last, because JSON files describe them. Throws if a file has an unknown form. */
+    /**
+     * Reads the files. Files of pixels are read last, because JSON files describe them. Throws if a file has
+     * an unknown form.
+     */
     public void read(List<Path> files) throws MistakeException, IOException {
         List<Path> pixels = new ArrayList<>();
         for (Path file : files) {
@@ -70,7 +73,10 @@ public final class Importer {
         }
     }
 
-    /** The frames of dumps and JSON files, else a frame for each picture file, with any EXIF values. */
+    /**
+     * The frames of dumps and JSON files. If there are none, a frame for each picture file read, with the
+     * values of its EXIF block, if any.
+     */
     public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
     }

@@ -25,7 +25,10 @@ public final class RequestWriter {
         mPictures = imported.pictures();
     }
 
-    /** Without pictures, inputs are made from `photo`; if it is null, there are no inputs. */
+    /**
+     * Returns the request file's text. Without pictures, the inputs are made from `photo`; if `photo` is null
+     * too, there are no inputs.
+     */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
         Map<String, Object> request = JsonWriter.object("about", "Imported from " + sources.stream()
                 .map(source -> source.getFileName().toString()).collect(Collectors.joining(", ")),

@@ -9,6 +9,7 @@ import java.util.Map;
  *
  * @param kind   a word for programs
  * @param isSure whether it is certainly an error
+ * @param what   the observation, one sentence
  * @param why    its usual causes and where to look
  * @param tab    the part of the page that shows it
  */

@@ -22,7 +22,10 @@ public final class RequestImages {
     private RequestImages() {
     }
 
-    /** Makes the needed frames. Throws if the photo can't be read or an image's size is invalid. */
+    /**
+     * Returns the frames made from the photo; none if no input needs them. Throws if the photo can't be read
+     * or an image's size is invalid.
+     */
     public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
             throws MistakeException {
         List<SynthesisedFrame> frames = request.needsPhoto() ? synthesised(request, photos) : List.of();

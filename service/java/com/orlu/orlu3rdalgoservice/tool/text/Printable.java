@@ -10,7 +10,10 @@ public final class Printable {
     private Printable() {
     }
 
-    /** Returns the text on one line. Characters that may confuse a terminal are escaped, such as \u001b. */
+    /**
+     * Returns the text on one line. Control characters, and others that may confuse a terminal, become escape
+     * sequences such as \u001b.
+     */
     public static String line(String text) {
         return escaped(text, JsonWriter::isUnsafe);
     }

@@ -16,7 +16,10 @@ final class LogLines {
     private LogLines() {
     }
 
-    /** Returns the lines of [start, end), by System.nanoTime(), as [time, thread, level, class, text]. */
+    /**
+     * Returns the lines from `start` to before `end`, by System.nanoTime(), each as [time, thread, level,
+     * class, text]. The list is empty without a log.
+     */
     static List<Object> between(long start, long end) throws IOException {
         List<Object> lines = new ArrayList<>();
         for (String line : read(WorkFolder.log())) {

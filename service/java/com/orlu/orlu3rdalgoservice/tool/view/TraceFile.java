@@ -10,7 +10,10 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Slices in a lane per thread, and arrows, as a JSON trace. Omits events that begin outside its period. */
+/**
+ * A trace of one process in the JSON trace format: slices in one lane per thread, and arrows between them.
+ * Omits events that begin outside the file's period.
+ */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
 
@@ -41,7 +44,10 @@ final class TraceFile {
         }
     }
 
-    /** Creates an empty file for a process and a period by System.nanoTime(). Times count from `start`. */
+    /**
+     * Creates an empty file for a process and a period on the clock of System.nanoTime(). Times in the file
+     * count from `start`.
+     */
     TraceFile(long pid, long start, long end) {
         mPid = pid;
         mStart = start;
