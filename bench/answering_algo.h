@@ -14,7 +14,8 @@ void setProcessHandler(ProcessHandler handler);
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 
-// Reports on the calling thread, through the cookie, that the request is done. Does not allocate.
+// Calls the callback behind the cookie, on the calling thread, to report that the request is done. Does not
+// allocate.
 void callBack(uint64_t cookie, uint64_t nativeReq);
 
 // Returns the nativeReq of the last request that the calling thread passed to process().

@@ -32,10 +32,12 @@ private:
   enum Unopened { kUnopened };
   explicit AlgoNativeProvider(Unopened) {}
 
-  // Opens the library once and looks up its entry each time. Logs a failure and returns null.
+  // Opens the library if it is not open yet, and looks up its entry each time. On failure, logs the reason
+  // and returns null.
   Entry findEntry();
 
-  // Null until opened; never closed, because clients' tables and callback threads run the library's code.
+  // Null until the library is open. The library is never closed, because the callables in clients' tables and
+  // the library's callback threads run its code until the process ends.
   void* mLibrary = nullptr;
   Entry mEntry = nullptr;             // result of the last lookup
   AlgoInterfaceCallbacks mCallbacks;  // never read: each client has its own table

@@ -16,7 +16,8 @@ bool isMainCamera(std::string_view type, int32_t satRole) {
          (type == "SAT" && satRole == kSatRoleMain);
 }
 
-// Returns the bit number of a non-main camera; 0 if it has no bit of its own, as for zoom ratio 5.0.
+// Returns the bit number of a camera other than the main one. A camera without a bit of its own, such as the
+// one for zoom ratio 5.0, gets bit 0.
 int roleBit(std::string_view type, int32_t satRole) {
   const bool isSat = type == "SAT";
   if (type == "Tele" || type == "Tele2.5X" ||

@@ -1,4 +1,5 @@
-// Tables of the Java classes and members that an object caches, one per row, resolved and reported in order.
+// Tables of the Java classes and members that an object caches. Each row is one class or member. Rows are
+// resolved in order, and missing ones are logged in the same order.
 #pragma once
 
 #include <jni.h>

@@ -31,7 +31,7 @@ struct StringParameter {
   bool found;
 };
 
-// Returns a new descriptor, or -1. Checks the class first, because the platform's function does not.
+// Returns a new descriptor of the memory, or -1. Checks the class first: the platform's function does not.
 int duplicate(JNIEnv* env, jobject sharedMemory) {
   ScopedLocalRef<jclass> clazz(env, env->FindClass("android/os/SharedMemory"));
   clearException(env);

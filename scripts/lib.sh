@@ -70,7 +70,8 @@ follow() {
   printf %s "$clear" >&2
 }
 
-# Name and version of each installed package, of this architecture or "all", one per line; empty until needed.
+# Name and version of every installed package of this machine's architecture or of "all", one per line; empty
+# until needed.
 installed_packages=
 
 read_installed_packages() {
@@ -104,7 +105,8 @@ apt_get() {
   rm -f "$log"
 }
 
-# install_missing PURPOSE PACKAGE...: installs missing Debian packages, and prints a line if there are any.
+# install_missing PURPOSE PACKAGE...: installs the Debian packages that are missing, and prints a line about
+# them. Prints nothing if none is missing.
 install_missing() {
   local purpose=$1 missing
   shift
@@ -118,7 +120,8 @@ install_missing() {
   installed_packages=
 }
 
-# debian_java_home [ROOT]: prints the path of Debian's Java 17, below ROOT if given, even if not the default.
+# debian_java_home [ROOT]: prints the path of Debian's Java 17, below ROOT if given, even if another Java is
+# the machine's default.
 debian_java_home() {
   local home
   for home in "${1:-}"/usr/lib/jvm/java-17-openjdk-*; do

@@ -31,7 +31,8 @@ public:
   CallbackPool& operator=(const CallbackPool&) = delete;
   ~CallbackPool();  // sends the remaining callbacks
 
-  // Queues the callback, which the thread sends after its delay, in random order with a few others.
+  // Queues the callback. The thread sends it after its delay. The order of callbacks that are due at the same
+  // time is random.
   void hold(const HeldCallback& callback);
 
 private:
@@ -42,7 +43,8 @@ private:
   };
 
   void run();
-  // Waits for callbacks and takes a random due one, else the next to be due. Returns false at the end.
+  // Waits for callbacks and takes one: a random one of those that are due, else the next one, once it is due.
+  // Returns false at the end.
   bool take(HeldCallback& callback);
 
   std::mutex mMutex;  // guards the members below

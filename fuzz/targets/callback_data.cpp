@@ -1,4 +1,5 @@
-// Fuzz target: a callback with arbitrary bytes to a client without Java, with requests 0 and 1 in the map.
+// Fuzz target: a callback with arbitrary bytes, to a client without Java. The map contains two requests, with
+// the ids (nativeReq) 0 and 1.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"

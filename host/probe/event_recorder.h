@@ -25,7 +25,8 @@ public:
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
 
   using GetValue = decltype(AlgoMetadataOps::getValue);
-  // Returns a getValue that calls `real` and records each value's size, which takes two more calls of `real`.
+  // Returns a getValue that calls `real` and records the size of each value found. To find the size, it calls
+  // `real` twice more, with larger memory of its own.
   GetValue measured(GetValue real);
 
   void before(const WatchedCall& call) noexcept override;

@@ -106,7 +106,8 @@ public:
     return *book;
   }
 
-  // Returns the cookie for the library: `cookie` itself if it is 0 or its function is empty.
+  // Returns the cookie to pass to the library instead of `cookie`. If `cookie` is 0 or its function is empty,
+  // returns it unchanged.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;

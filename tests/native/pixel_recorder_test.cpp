@@ -183,7 +183,8 @@ protected:
     frame.fdSize[0] = static_cast<int32_t>(size);
     return frame;
   }
-  // Returns "at image index: content" for each event with pixels; a reason replaces unrecorded content.
+  // Returns "at image index: content" for each event with pixels. If the pixels were not recorded, the reason
+  // replaces the content.
   std::vector<std::string> pixels() const {
     std::vector<std::string> found;
     std::ifstream file(mEvents);

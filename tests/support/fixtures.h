@@ -21,7 +21,8 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// Clears a pending Java exception and throws std::runtime_error with its text, which fails the test.
+// If a Java exception is pending, clears it and throws std::runtime_error with its text, which fails the
+// test.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);

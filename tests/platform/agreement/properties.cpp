@@ -1,4 +1,5 @@
-// The maximum lengths are not compared: they belong to the C library, which here is not the platform's.
+// The maximum lengths of names and values are not compared: they belong to the C library, and this machine's
+// C library is not the platform's.
 #include <cutils/properties.h>
 
 #undef PROPERTY_KEY_MAX

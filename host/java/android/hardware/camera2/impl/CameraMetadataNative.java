@@ -34,7 +34,10 @@ public final class CameraMetadataNative implements Parcelable {
         }
     }
 
-    /** Sets a tag; null removes it. Throws IllegalArgumentException for an unknown tag or a wrong type. */
+    /**
+     * Sets a tag. Arrays may be primitive or boxed; null removes the tag. Throws IllegalArgumentException for
+     * an unknown tag, and for a value that does not fit the tag's type, such as an array that contains null.
+     */
     public void set(String tag, Object value) {
         TagType type = typeOf(tag);
         if (value == null) {
@@ -55,7 +58,10 @@ public final class CameraMetadataNative implements Parcelable {
         return get(tag, typeOf(tag).stored());
     }
 
-    /** Returns null if absent. Throws IllegalArgumentException for an unknown tag or a wrong type. */
+    /**
+     * Returns the value as {@code type}; null if absent. Throws IllegalArgumentException for an unknown tag,
+     * and for a type that does not fit: an array of several values is not a scalar, and an int is not a long.
+     */
     public <T> T get(String tag, Class<T> type) {
         TagType held = typeOf(tag);
         Object value = mValues.get(tag);

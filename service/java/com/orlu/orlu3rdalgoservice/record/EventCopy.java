@@ -39,7 +39,10 @@ final class EventCopy {
         return mStart;
     }
 
-    /** Copies events and pixels into the recording; adds the events file and omitted pixels to `outcome`. */
+    /**
+     * Copies this request's events into the recording and moves its pixel files there. Adds the events file
+     * and a list of the omitted pixels to `outcome`.
+     */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
             return;
@@ -60,8 +63,9 @@ final class EventCopy {
         }
     }
 
-    // Takes the files' names from the events: on some file systems, a 32-bit process can't list the folder.
-    // Uses only events with this request's id: requests may share the file. Returns the omitted files.
+    // Finds the pixel files by their names in the events: on some file systems, a 32-bit process can't list
+    // the folder. Concurrent requests share the events file, so only events with this request's id count.
+    // Returns the omitted files.
     private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
             throws IOException {
         List<Object> leftOut = new ArrayList<>();

@@ -77,7 +77,8 @@ public final class Page {
         });
     }
 
-    // Prints a field. Single words share lines; if any value is a record or has blanks, each gets a line.
+    // Prints a field. Single words share lines. If any value is a record or contains blanks, each value has
+    // its own line.
     private void field(String label, Json value) {
         String start = "  " + TextLayout.label(label, LABEL - 2);
         if (value.elements().stream().noneMatch(Page::needsLine)) {

@@ -18,7 +18,10 @@ public record OutputMeasure(double psnr, double ssim, int output) {
     /** The measure of outputs that can't be compared. */
     public static final OutputMeasure NONE = new OutputMeasure(Double.NaN, Double.NaN, 0);
 
-    /** Compares the outputs in pairs. NaN if the runs' numbers of outputs differ, equality if both are 0. */
+    /**
+     * Compares the outputs in pairs. The result is NaN if the runs have different numbers of outputs, and
+     * equality if they have none.
+     */
     public static OutputMeasure of(Run one, Run other) throws MistakeException {
         List<ImageLayout> left = one.results();
         List<ImageLayout> right = other.results();

@@ -49,7 +49,10 @@ public final class Readings {
         return mReadings.values();
     }
 
-    /** Returns the reading of a dependence's tag in its frame and store; null if there is none. */
+    /**
+     * Returns the reading of a dependence's tag in its frame and store (composition or capture result); null
+     * if there is none.
+     */
     public Reading of(Dependence tag) {
         return mReadings.get(new Key(tag.frame(), tag.tag(), tag.source().equals("composition")));
     }

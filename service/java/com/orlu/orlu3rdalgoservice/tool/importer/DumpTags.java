@@ -65,7 +65,10 @@ final class DumpTags {
         }
     }
 
-    /** Returns the possible types of a tag's entry; null for an unknown tag and for a combined tag. */
+    /**
+     * Returns the types, separated by blanks, that an entry for a tag of this type can have; null for an
+     * unknown tag and for a tag that is combined from several entries.
+     */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
             case INT, INT_ARRAY -> "int32 byte";

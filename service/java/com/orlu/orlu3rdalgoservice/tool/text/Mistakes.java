@@ -11,7 +11,7 @@ import java.util.Set;
  * more errors; in the end it discards everything read.
  */
 public final class Mistakes {
-    /** Limit of the errors, and of the warnings: warnings never displace an error. */
+    /** Limit of the errors. The warnings have their own limit of this size, so they never displace errors. */
     private static final int MOST_KEPT = 1000;
     private static final int MOST_PRINTED = 100;
 
@@ -41,7 +41,10 @@ public final class Mistakes {
         return mFile;
     }
 
-    /** Adds a mistake once: values common to all frames are read again for each frame. */
+    /**
+     * Adds a mistake unless it was added before: values common to all frames are read again for each frame.
+     * Drops the mistake if the limit is reached.
+     */
     public void add(Mistake mistake) {
         if (mMistakes.contains(mistake)) {
             return;
@@ -128,7 +131,10 @@ public final class Mistakes {
         return sorted;
     }
 
-    /** Returns at most MOST_PRINTED mistakes by place, preferring errors, and a line that counts the rest. */
+    /**
+     * Returns a line for each of at most MOST_PRINTED mistakes, sorted by place, and one with the count of
+     * the rest. If there are too many mistakes, omits warnings rather than errors.
+     */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();
         sorted().stream().sorted(Comparator.comparing(Mistake::isWarning)).limit(MOST_PRINTED)
