@@ -1,4 +1,5 @@
-// Benchmark of requests in flight. The map is searched linearly; the measured request is its last element.
+// Benchmark of requests in flight. The map of requests is searched from its beginning, and the measured
+// request is its last element.
 
 #include "algo_native_request_map.h"
 #include "benches.h"

@@ -8,7 +8,7 @@ import sys
 KINDS = [("capture", "one-frame JPEG capture"), ("night", "seven-frame night shot"),
          ("two_camera", "twelve-frame two-camera shot"), ("clarity", "fifty-frame clarity request")]
 WIDTH, HEIGHT, LEFT, RIGHT, TOP, BOTTOM = 640, 360, 70, 20, 40, 50
-FEW_CALLS = 20  # functions that every shot calls less often share a row
+FEW_CALLS = 20  # functions with fewer calls in every column share a row
 COLOURS = ["#1f6fb4", "#c8501e", "#3a8a3a"]
 
 

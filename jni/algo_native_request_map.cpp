@@ -149,7 +149,8 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // If the client was destroyed meanwhile, it left the request to Java, which the announcement did not reach.
+  // If the client was destroyed meanwhile, its destructor left the request to Java, but the announcement did
+  // not reach Java.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }
@@ -194,7 +195,8 @@ bool AlgoNativeRequestMap::releaseOwned(const void* owner, void*& metadata) {
   return true;
 }
 
-// Removes users of the block. After the last user, deletes the record and returns the block, else null.
+// Removes users of the block. If none is left, deletes the record and returns the block; otherwise returns
+// null.
 void* AlgoNativeRequestMap::releaseLocked(Requests::iterator request, unsigned users) {
   AlgoNativeRequest* const record = *request;
   if (record->blockUsers == 0) return nullptr;

@@ -81,7 +81,8 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(Number& out, jobject
   return isInstance(mEnv, value, this->*Boxed<Number>::kClass) && unbox(out, value) ? kRead : kWrongType;
 }
 
-// `boxed` is null or of T's boxing class. -Xcheck:jni requires the exception check, although nothing throws.
+// Reads `boxed`, which is null or of T's boxing class. Returns false if it can't be read. The VM's checker
+// (-Xcheck:jni) requires an exception check after each method call, even where no exception is possible.
 template <typename T>
 bool CameraMetadataParser::unbox(T& out, jobject boxed) {
   using Box = Boxed<T>;

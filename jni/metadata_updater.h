@@ -1,8 +1,10 @@
 // Translates one request's camera metadata into the parameter set that the algorithms read, and edits the
 // algorithm list. Create one object per request and use it on the request's thread; updateMetadata() runs
-// once. If a tag is absent, its parameter gets the step's initial value. The parameter channel's status is
-// ignored: translating parameters never fails a request. See shot.h for the rows of the steps. Code that
-// needs no Java has its own headers, such as region_mapper.h.
+// once.
+//
+// If a tag is absent, its parameter gets the step's initial value. The parameter channel's status is ignored:
+// translating parameters never fails a request. The steps consist of rows; shot.h shows how to write a row.
+// Code that needs no Java has its own headers, such as region_mapper.h.
 #pragma once
 
 #include <jni.h>
@@ -92,7 +94,8 @@ public:
   // metadata_updater_regions.cpp
   // Returns whether rectangles must be scaled from the active array to an image of this size in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
-  // Converts at most kMaxFaces faces in place and drops those outside the image, if there is an active array.
+  // Converts all faces in place and drops those outside the image; does nothing without an active array.
+  // `face` must not contain more than kMaxFaces faces.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
   // Read and convert a metering region; `region` is unchanged without an input image or active array.
   void setVAFAfRegionShot(__tagOrluRect& region);

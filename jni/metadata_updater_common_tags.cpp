@@ -239,7 +239,8 @@ void MetadataUpdater::updateFaceInfo() {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
   _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
-  // The first empty rectangle ends the list, even if valid ones follow; past the table, all count as empty.
+  // The first empty rectangle ends the list, even if valid ones follow. Rectangles past the table count as
+  // empty.
   const __tagOrluRect* const rects = faces.rects;
   const auto* const tableEnd = rects + std::min(faces.count, kMaxFaces);
   const auto available = static_cast<int32_t>(std::find_if(rects, tableEnd, isEmpty) - rects);

@@ -1,4 +1,5 @@
-// Fails this library's allocations one at a time. A native may fail, but not throw into the VM or leak.
+// Makes each allocation of this library fail, one at a time. A native method may then fail, but must not
+// throw into the VM or leak.
 
 #include <android/log.h>
 #include <dlfcn.h>

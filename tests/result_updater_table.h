@@ -53,7 +53,8 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// An algorithm's result in the parameter set, and the value put for it. Several puts need several rows.
+// An algorithm's result in the parameter set, and the value put for it. A result with several puts has a row
+// for each.
 struct Result {
   std::string algorithms;  // read if the list contains any of these; empty: always read
   LeftValue left;

@@ -97,7 +97,8 @@ int badDescriptor() {
   return -1;
 }
 
-// Stops keeping a number. Pass false if dup2 has already replaced the placeholder. Requires the lock.
+// Stops keeping a number. `closesPlaceholder` is false if dup2 has already replaced the placeholder. Requires
+// the lock.
 void giveUp(Seen& all, int fd, bool closesPlaceholder) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));

@@ -55,7 +55,8 @@ public:
 
   // The record as the service builds it. The image keeps ownership of the descriptors.
   AlgoFrameInfo frame() const;
-  // Returns a native handle that the caller owns; null without a hardware buffer.
+  // Returns a native handle that the caller owns; null without a hardware buffer. It is allocated apart from
+  // the record, so that overwriting the record leaves it intact.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }

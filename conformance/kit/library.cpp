@@ -28,7 +28,8 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// This thread's operations, outermost first: a callback inside process() or a visitor may start another.
+// The running operations of this thread, outermost first. Callbacks inside process() and visitors may start
+// further operations.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Handlers of the calls that DescriptorWatch intercepts; `caller` is the return address of the call.
-// watchedUse and watchedMap only check or record the call; the other three replace it, including its errno.
+// Handlers of the calls that DescriptorWatch intercepts. watchedClose, watchedDuplicate and watchedUnmap
+// replace the call and set errno as it does; watchedUse and watchedMap only check or record it. `caller` is
+// the return address of the call.
 #pragma once
 
 #include <sys/types.h>

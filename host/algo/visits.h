@@ -13,7 +13,8 @@ namespace orlu::standin {
 
 class Visits {
 public:
-  // Calls the visitor at the scripted time. Returns the visitor's result; 0 for a postponed call.
+  // Passes the value to the visitor as scripted: now, on another thread, or later. Returns the visitor's
+  // result; 0 for a postponed call.
   int visit(const AlgoScript& script, void* block, const AlgoMetadataVisitor& visitor,
             ParameterSet::Value& value);
   // Makes the calls that were postponed for this block.

@@ -68,9 +68,10 @@ GoldenCase readGoldenCase(const std::string& name);
 std::vector<GoldenCase> allGoldenTexts();
 std::vector<GoldenCase> allGoldenVariations();
 
-// Applies one more line, either of tags, such as "0 orlu.control.reqID int 5", or of the request, such as
-// "algorithms night hdr", which replaces earlier lines with the same first word. Only "and input ...",
-// "and output ..." and "property ..." add to them. Throws std::runtime_error on syntax errors.
+// Applies one more line of tags, such as "0 orlu.control.reqID int 5", or of the request, such as "algorithms
+// night hdr". A line of the request replaces earlier lines with the same first word, except that "and input
+// ..." and "and output ..." add an image, and "property ..." adds a property. Throws std::runtime_error on
+// syntax errors.
 void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
 // Returns the same request with all tags copied to compositions and with other values in the capture results:

@@ -51,9 +51,9 @@ void AHardwareBuffer_acquire(AHardwareBuffer* buffer);
 void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
 
-// Maps the pixels; each call needs its own unlock. `usage` is CPU_READ_OFTEN, `fence` -1, `rect` null. YUV
-// has the planes Y, Cb, Cr; other formats have one, with strides only for R8G8B8A8, as on the device. Returns
-// 0 or a negative errno.
+// Maps the pixels; each call needs its own AHardwareBuffer_unlock(). `usage` must be CPU_READ_OFTEN, `fence`
+// -1, and `rect` null. YUV has three planes: Y, Cb, Cr. Other formats have one plane, whose strides are
+// reported only for R8G8B8A8, as on the device. Returns 0 or a negative errno.
 int AHardwareBuffer_lockPlanes(AHardwareBuffer* buffer, uint64_t usage, int32_t fence, const ARect* rect,
                                AHardwareBuffer_Planes* outPlanes);
 // `fence` is null. Returns 0 or a negative errno.

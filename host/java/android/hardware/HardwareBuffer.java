@@ -18,7 +18,8 @@ public final class HardwareBuffer implements AutoCloseable {
         System.loadLibrary("android_runtime");
     }
 
-    // An owned AHardwareBuffer; 0 when closed. AHardwareBuffer_fromHardwareBuffer() reads this field.
+    // An AHardwareBuffer with one reference owned by this object; 0 when closed. Read by
+    // AHardwareBuffer_fromHardwareBuffer().
     private long mNativeObject;
 
     // Takes ownership of the reference.
@@ -35,7 +36,10 @@ public final class HardwareBuffer implements AutoCloseable {
         return checked(nCreate(width, height, format, layers, usage));
     }
 
-    /** Host only: wraps a native handle and owns its first {@code numFds} words, the descriptors. */
+    /**
+     * Host only, for tests with unusual handles: creates a buffer around a native handle with any words.
+     * Takes ownership of the first {@code numFds} words, which are descriptors.
+     */
     public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
         return checked(nFromHandle(width, height, format, numFds, Objects.requireNonNull(words)));
     }

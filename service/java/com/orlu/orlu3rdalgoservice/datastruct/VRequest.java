@@ -14,7 +14,10 @@ public class VRequest {
         return mRequestId;
     }
 
-    /** "previewProcess..." is a preview, "stopProcess..." a stop, and any other type a shot. */
+    /**
+     * Returns the type: a preview if it begins with "previewProcess", a stop if it begins with "stopProcess",
+     * else a shot.
+     */
     public String getRequestType() {
         return mRequestType;
     }

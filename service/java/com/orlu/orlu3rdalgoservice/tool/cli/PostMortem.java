@@ -45,7 +45,10 @@ final class PostMortem {
     private final RunCommand mOptions;
     private final int mExitStatus;
 
-    /** `exitStatus` is the dead process's, as a shell reports it: after a signal, 128 plus its number. */
+    /**
+     * `exitStatus` is the exit status of the dead process as a shell reports it: after a signal, 128 plus the
+     * signal's number.
+     */
     PostMortem(RunCommand options, int exitStatus) {
         mOptions = options;
         mExitStatus = exitStatus;

@@ -11,7 +11,7 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import java.util.stream.IntStream;
 
-/** A tag and the values of a sweep, in the form that --tag takes. */
+/** A tag and its values in a sweep, each in the form that the option --tag of ./run takes. */
 record SweptTag(String name, List<String> values) {
     private static final int MOST = 1000;
     private static final int LEAST_DIGITS = 7;

@@ -21,12 +21,16 @@ final class Recording {
         mStarts = TrialLibrary.starts(record);
     }
 
-    /** Returns the parameters whose values, numbers of writes or order differ between the translations. */
+    /**
+     * Returns the names of the parameters that the two translations write with different values, a different
+     * number of times, or in a different order.
+     */
     Set<String> differences(byte[] otherRecord) {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
-    // Skips equal writes at both ends, which are most writes. Decodes all writes only if the order differs.
+    // Skips the equal writes at both ends, because a trial changes only a few of several hundred. Decodes all
+    // writes only if the order differs.
     private Set<String> differences(Recording other) {
         int most = Math.min(count(), other.count());
         int head = 0;

@@ -15,8 +15,8 @@ import java.util.function.Supplier;
 
 /**
  * Makes a request's frames from one photo. Each frame is a shifted part of the photo with blur, gain and
- * noise. Frames are smaller than the scaled photo by a margin on each side, so that no shift exceeds its
- * edge. The same seed makes the same frames.
+ * noise. Frames are smaller than the scaled photo by a margin on each side, so that no shift exceeds the
+ * photo's edge. The same seed makes the same frames.
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;

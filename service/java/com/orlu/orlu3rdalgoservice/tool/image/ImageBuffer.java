@@ -122,7 +122,10 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Allocates zeroed memory. A JPEG without a capacity gets 1.5 bytes per pixel and a reserve. */
+    /**
+     * Allocates zeroed memory for an output. A JPEG whose plan has no capacity gets 1.5 bytes per pixel and a
+     * reserve.
+     */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
         if (plan.layout() != null) {
             return new ImageBuffer(plan, plan.layout());

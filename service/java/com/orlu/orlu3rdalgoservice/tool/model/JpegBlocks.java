@@ -25,8 +25,9 @@ final class JpegBlocks {
     }
 
     /**
-     * Returns a copy in which application blocks such as EXIF (not colour profiles), thumbnails, comments,
-     * and bytes outside any block or after the picture are 0; the array itself if unchanged or not a JPEG.
+     * Returns a copy of the same size in which EXIF and other application blocks, thumbnails, comments, and
+     * bytes outside any block or after the picture are 0. Keeps colour profiles. Returns the array itself if
+     * there is nothing to blank or if it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -72,7 +73,8 @@ final class JpegBlocks {
         return end;
     }
 
-    // Bytes of a block to keep: a whole colour profile, JFIF without its thumbnail, else marker and length.
+    // Returns the number of bytes of a block to keep: all of a colour profile, a JFIF block without its
+    // thumbnail, else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);

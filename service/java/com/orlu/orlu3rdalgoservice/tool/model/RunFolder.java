@@ -56,7 +56,10 @@ public final class RunFolder {
         }
     }
 
-    /** Returns the folder itself or the only run in it. Throws IllegalArgumentException if it has several. */
+    /**
+     * Returns the folder itself if it is a run, else the only run in it. Throws an IllegalArgumentException
+     * if there are several runs.
+     */
     public static Path only(Path folder) throws MistakeException, IOException {
         List<Path> folders = in(folder);
         if (folders.size() != 1) {

@@ -31,7 +31,10 @@ final class TagValues {
         return typed(type, field, new ValueReader(frame));
     }
 
-    /** Returns the value of a composition's key as the explicit type, else the tag's, else the JSON type. */
+    /**
+     * Returns the value of a composition's key. Its type is the explicit one, else the type of the tag, else
+     * the type that JSON implies.
+     */
     static Object ofKey(String key, Json field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);
         Object explicit = explicit(field, reader);

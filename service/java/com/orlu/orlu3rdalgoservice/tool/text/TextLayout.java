@@ -4,7 +4,10 @@ import java.io.PrintStream;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Prints text in lines of limited width, wrapped at blanks or cut, with control characters escaped. */
+/**
+ * Prints text in lines of limited width, wrapped at blanks or cut. Escapes control characters, which
+ * untrusted text may contain.
+ */
 public final class TextLayout {
     /** The width of a terminal. */
     public static final int TERMINAL = 80;

@@ -32,7 +32,7 @@ public final class ContactSheet {
         mColumns = columns;
     }
 
-    /** Returns a cell with a caption, lines, and the picture, or `problem` if `picture` is null. */
+    /** Returns a cell with a caption, lines and a picture; shows `problem` if `picture` is null. */
     public static Map<String, Object> cell(
             String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
