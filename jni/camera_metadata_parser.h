@@ -52,8 +52,9 @@ class CameraMetadataParser {
   };
 
 public:
-  // While a Batch exists, it frees the local references of getters and putters many at a time, in a frame,
-  // and any other local reference created meanwhile, so don't call lookups. Only one may exist at a time.
+  // While a Batch exists, getters and putters don't free their local references one by one: the Batch frees
+  // many at a time, in a local frame. It also frees any other local reference that is created meanwhile, so
+  // don't call lookups. Only one Batch may exist at a time.
   class Batch {
   public:
     explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
@@ -72,7 +73,8 @@ public:
     int mOperations = 0;  // operations whose references are in the frame
   };
 
-  // While a BatchPause exists, the batch frees nothing, so an operation that calls back keeps its references.
+  // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls back: the
+  // batch could otherwise free references that the operation still uses.
   class BatchPause {
   public:
     explicit BatchPause(CameraMetadataParser& parser)

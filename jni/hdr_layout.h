@@ -38,8 +38,9 @@ struct HdrLayout {
 // Returns whether the frames' modes determine the layout: true for 5, 7 and 9 frames.
 bool isBracketed(int frameNum);
 
-// Returns the layout of the frames; kHdrNone if isBracketed() is false. Stores the HDR frames' indices in
-// `hdrFrames` even if the layout does not match (Oddity 24); with five frames, slot 0 is the night frame's.
+// Returns the layout of `frameNum` frames with these modes; kHdrNone if isBracketed() is false. Stores the
+// indices of the HDR frames in `hdrFrames`, even if the layout does not match (Oddity 24). With five frames,
+// they begin at slot 1, because slot 0 belongs to the night frame.
 HdrLayout hdrLayoutOf(const FrameModes& modes, int frameNum, HdrFrameIndex& hdrFrames);
 
 }  // namespace orlu

@@ -1,5 +1,6 @@
-// Maps rectangles in the sensor's active array to an image of another size or aspect ratio, or zoomed
-// digitally. Sizes and coordinates are in pixels. Floats have 32 bits throughout; each operation rounds once.
+// Maps rectangles in the sensor's active array to an image, which may differ in size and aspect ratio and may
+// be digitally zoomed. Sizes and coordinates are in pixels. Floats have 32 bits throughout; each operation
+// rounds once.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +20,7 @@ struct RegionScale {
   _tagOrluSize fullSize;  // of the sensor's largest image
 };
 
-// Returns whether rectangles must be scaled to the image; false if they are in its coordinates already.
+// Returns whether rectangles must be scaled to the image; false if they are in image coordinates already.
 bool needsScaling(_tagOrluSize active, _tagOrluSize image, const RegionScale& scale);
 
 // Maps `rect` to the image, before any zoom. `active` must have no zero side. The offsets that crop the

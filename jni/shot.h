@@ -42,7 +42,8 @@ public:
         mAlgoList(&algoList),
         mParameters(parameters) {}
 
-  // Return the written value, except large values, which stay on the heap: little stack may be left.
+  // Return the written value. A value of more than 1024 bytes is stored on the heap and not returned, because
+  // little stack may be left.
   template <typename T>
   Copied<T> copy(const Frame& frame, const char* tag, const char* section, const char* key) {
     if constexpr (std::is_void_v<Copied<T>>) {
@@ -74,7 +75,8 @@ public:
     write<T>(section, key, member);
   }
 
-  // Writes sizeof(T) bytes; T is never deduced. Ignores the status: translating never fails a request.
+  // Writes sizeof(T) bytes. The caller names T; it is never deduced. The status is ignored: translating
+  // parameters never fails a request.
   template <typename T>
   void write(const char* section, const char* key, const std::common_type_t<T>& value) {
     mParameters.set<T>(section, key, value);

@@ -8,7 +8,8 @@
 namespace orlu::conform {
 namespace {
 
-// How long callbacks are blocked: noticeable, but too short for an operation to count as hanging.
+// How long callbacks are blocked: long enough to be noticed, but too short for a waiting operation to count
+// as hanging.
 std::chrono::milliseconds holdTime() {
   return std::chrono::milliseconds(std::max(options().patienceSeconds, 2) * 1000 / 3);
 }
@@ -130,7 +131,8 @@ void actInside(const Action& action) {
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
-  // The scene must not destroy its other members first: the callback's thread may still be returning.
+  // Ends the client before the scene destroys its other members: the thread may still be returning from the
+  // callback.
   scene.client.end();
 }
 

@@ -62,7 +62,8 @@ constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {1920, 18},
 };
 
-// Runs one request twice, into outputs filled with two different patterns.
+// Runs one request twice, into outputs filled with two different patterns. A byte that keeps both patterns
+// was not written.
 class PairOfRuns {
 public:
   PairOfRuns(Scene& scene, const ImageShape& from, const ImageShape& to, std::vector<std::string> algorithms,
@@ -109,7 +110,8 @@ private:
   bool mIsDone = true;
 };
 
-// Copies an image to two outputs with this layout and checks that every pixel is written.
+// Copies an image to two outputs with this layout and checks that every pixel is written. Skips packed raw
+// images if the strides differ: such outputs must have the input's strides.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;

@@ -97,8 +97,9 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Numbers of threads that exited after calling back: those still attached to the VM, and all. The key's
-// destructor sets the key again until the last round, to run after the algorithm library's destructors.
+// Numbers of threads that exited after calling back: those still attached to the VM, and all. The destructor
+// of a thread-specific key counts them. It sets the key again as often as the thread library allows, so that
+// it runs after the algorithm library's destructors.
 std::atomic<int> gEndedAttached{0};
 std::atomic<int> gEnded{0};
 pthread_key_t gEndKey;

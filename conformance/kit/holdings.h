@@ -20,6 +20,7 @@ struct Holdings {
   std::string text() const;
 };
 
+// Returns the heap bytes in use; 0 in sanitizer builds.
 int64_t allocatedBytes();
 
 // Fills fresh and freed memory with this byte from now on, if the C library supports it; 0 stops filling.

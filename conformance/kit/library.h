@@ -19,10 +19,12 @@ public:
   void before(const probe::WatchedCall& call) noexcept override;
   void after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept override;
 
-  // For each faulty call: the callable's name, and the exception that left it or inspectThread's result.
+  // Returns a text for each faulty call: the callable's name with the type and text of the exception that it
+  // threw, or with the result of inspectThread.
   std::vector<std::string> thrown() const;
   double longestProcessMilliseconds() const { return static_cast<double>(mLongestProcess) / 1e6; }
-  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault.
+  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault of
+  // the thread.
   std::string (*inspectThread)() = nullptr;
 
 private:
@@ -31,7 +33,8 @@ private:
   std::atomic<int64_t> mLongestProcess{0};
 };
 
-// A table with spare bytes behind it. If an entry writes past the table, only the check `layout` fails.
+// A table with spare bytes behind it, for a library whose entry writes past the table. The check `layout`
+// reports this fault; the other checks still run.
 struct SpaciousTable {
   AlgoInterfaceCallbacks table;
   unsigned char behind[512];
@@ -44,7 +47,7 @@ public:
 
   // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table, filled on first use, with the observer, which records exceptions.
+  // The process's own table, filled on first use. Its observer records exceptions; call() catches them.
   const AlgoInterfaceCallbacks& table();
   // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();

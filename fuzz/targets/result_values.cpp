@@ -1,4 +1,5 @@
-// Fuzz target: results with arbitrary bytes and sizes, for any number of frames; any JNI call may fail.
+// Fuzz target: translates results with arbitrary bytes and sizes, for any number of frames. Any JNI call may
+// fail.
 
 #include "result_values.h"
 #include "algo_native_client.h"

@@ -1,4 +1,5 @@
-// One image of a request. Duplicates the descriptor, so that the caller may close the original.
+// One image of a request, kept until the request's work is finished. Duplicates the descriptor, so that the
+// caller may close the original.
 #pragma once
 
 #include "algo_interface.h"

@@ -1,4 +1,5 @@
-// The mean of n frames, shifted to match the base frame; divides the noise by the square root of n.
+// The mean of several frames, each shifted to match the base frame. Averaging n frames divides the noise by
+// the square root of n.
 #pragma once
 
 #include <vector>
@@ -14,8 +15,9 @@ struct MergedImage {
   int mergedFrames = 0;
 };
 
-// Merges the kept frames, which must include the base, have its shape and not be opaque. Missing pixels of a
-// shifted frame are taken from the base. Raw frames shift by even numbers to keep the Bayer pattern.
+// Merges the frames marked as kept, one of which must be the base. They must have the base's shape and not be
+// opaque. Where a shifted frame has no pixel, the base's pixel is used. Raw frames are shifted by even
+// numbers, which keeps the Bayer pattern.
 MergedImage mergeFrames(const std::vector<ImageView>& frames, const std::vector<bool>& kept, int base);
 
 }  // namespace orlu::standin

@@ -1,4 +1,5 @@
-// Processes requests in order of arrival, on one thread that never ends, and calls back.
+// Processes the requests of all clients in order of arrival, on one thread, and calls back. The thread starts
+// with the first request and never ends.
 #pragma once
 
 #include <chrono>
@@ -31,7 +32,8 @@ public:
   // to two seconds for running callbacks on other threads, because their target is about to be destroyed.
   void abandon(void* client);
   void abandonAll();
-  // Calls back at once, on a new thread, for unstarted requests with this "frame_flag". Doesn't process them.
+  // Calls back immediately, on a new thread, for the client's unstarted requests with this "frame_flag" in
+  // their parameters. These requests are not processed.
   void abortQueued(void* client, int64_t frameFlag);
 
   int pending() const;

@@ -12,11 +12,13 @@ struct WrittenPixels {
   std::string problem;  // why there is no file; "" if there is one
 };
 
-// Returns the size in bytes of shared memory, a memory file or a hardware buffer; 0 without memory.
+// Returns the size in bytes of a descriptor's memory: shared memory, a memory file or a hardware buffer's
+// pixels. 0 if the descriptor has no memory or is closed.
 uint64_t memorySize(int fd);
 
-// Writes the first `size` bytes of the memory, or all if it is smaller, to a new file. Leaves no file if that
-// would be more than `mostBytes`, if the memory can't be mapped, or if part of it disappears during the copy.
+// Writes the first `size` bytes of the descriptor's memory, or the whole memory if it is smaller, to a new
+// file at `path`. Leaves no file if it would have more than `mostBytes` bytes, if the memory can't be mapped,
+// or if part of the memory disappears during the copy.
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path);
 
 }  // namespace orlu::probe

@@ -212,7 +212,8 @@ TEST_F(ProbeTest, RecordsTheDataOfEveryOperation) {
   EXPECT_EQ(header["pointerBits"], 8 * sizeof(void*));
 }
 
-// The probe intercepts the callback passed to process(), even if it is called later or on another thread.
+// The probe intercepts the callback passed to process(), even if the callback is called after process() or on
+// another thread.
 TEST_F(ProbeTest, WritesCallbacksOfACookie) {
   std::vector<uint64_t> cookies;
   AlgoInterfaceCallbacks real = realTable();

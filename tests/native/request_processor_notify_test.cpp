@@ -1,4 +1,5 @@
-// notify() kills the process, so each test runs in a forked child: emulated processes can't start programs.
+// notify() kills the process, so each test runs in a forked child. The child must not start the program
+// again, because emulated processes can't start programs.
 
 #include <android/log.h>
 #include <dlfcn.h>

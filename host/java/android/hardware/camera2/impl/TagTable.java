@@ -30,8 +30,9 @@ public final class TagTable {
     }
 
     /**
-     * Registers a vendor tag, as the camera's tag descriptor does on the device. Throws
-     * IllegalArgumentException for a tag known with another type: metadata may contain such values.
+     * Registers a vendor tag, as the camera's tag descriptor does on the device. Registering a tag again with
+     * the same type is allowed. Throws IllegalArgumentException if the tag is known with another type,
+     * because metadata may already contain values of that type.
      */
     public static void register(String tag, TagType type) {
         put(TAGS, tag, Objects.requireNonNull(type));

@@ -219,7 +219,7 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /** Returns the folder of the runs' folders; null if there is neither --record nor a work folder. */
+    /** Returns the folder with a folder for each run; null if neither --record nor a work folder exists. */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }
@@ -232,7 +232,7 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether to record look-ups of tags: there are so many that this takes as long as the request. */
+    /** Whether to record look-ups of tags. There are so many that recording them slows the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }

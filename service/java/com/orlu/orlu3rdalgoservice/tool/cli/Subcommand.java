@@ -11,8 +11,8 @@ import picocli.CommandLine.Model.CommandSpec;
 /** A subcommand of ./run, listed in Commands. Its fields are its options, annotated for picocli. */
 interface Subcommand {
     /**
-     * Returns one of Verdict's statuses; comparisons return FAILED for a difference. The message of an
-     * IllegalArgumentException, which reports a mistake in the arguments, is shown to the user.
+     * Runs the subcommand. Returns one of Verdict's statuses; comparisons return FAILED for a difference. An
+     * IllegalArgumentException reports a mistake in the arguments; its message is shown to the user.
      */
     int run() throws MistakeException, ErrnoException, IOException;
 

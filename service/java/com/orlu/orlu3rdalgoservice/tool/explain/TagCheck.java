@@ -29,7 +29,10 @@ public final class TagCheck {
         return reading.is(Outcome.NEVER_READ) && !mRead.contains(reading.tag());
     }
 
-    /** Adds the findings of --strict and the number of warnings to the verdict of a request that ran. */
+    /**
+     * Returns the verdict with the findings of --strict and the number of warnings as further reasons. The
+     * status is FAILED if there are any reasons. An UNUSABLE verdict is returned unchanged.
+     */
     public Verdict strict(Verdict verdict, int warnings) {
         if (verdict.status() == Verdict.UNUSABLE) {
             return verdict;

@@ -10,6 +10,7 @@ import java.util.List;
  *
  * @param ran          the algorithms that did something, in order of execution
  * @param skipped      requested algorithms that did nothing: unknown, or without work
+ * @param milliseconds the duration of the work
  * @param frames       measurements of each frame; empty if none were made
  */
 public record AlgorithmPass(List<String> ran, List<String> skipped, double milliseconds, List<Frame> frames) {

@@ -61,8 +61,8 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         return new HandedImage(event.text("at"), kind, (int) index, size + text, match);
     }
 
-    // Returns the offset of the first byte that differs from Java's image; -1 for none; NOT_KEPT if no file
-    // has the library's image. An image that equals Java's has no file of its own.
+    // Returns the offset of the first byte that differs from Java's image; -1 if no byte differs; NOT_KEPT if
+    // the library's image was not kept in a file. An image that equals Java's has no file of its own.
     private static int mismatch(Run run, Event event, ImageLayout inJava) throws MistakeException {
         if (inJava.file().crc().equals(event.text("crc")) && inJava.size() == event.number("size")) {
             return -1;

@@ -39,8 +39,8 @@ public final class PrivateFacts {
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_.-]{0,100}");
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
     /**
-     * Text in binary data, in characters of one or two bytes. Matching uses stack for each character, so the
-     * length is bounded: 41 characters are already too many for a plain text.
+     * A text in binary data: at least six characters, each of one or two bytes. The length is bounded,
+     * because matching uses stack for each character. 41 characters are already too many for a plain text.
      */
     private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,41}");
 

@@ -71,7 +71,10 @@ public final class Burst implements AutoCloseable {
         }
     }
 
-    /** Sends `count` requests, `interval` milliseconds apart, with at most `inFlight` of them in flight. */
+    /**
+     * Sends `count` requests, one every `interval` milliseconds. While `inFlight` requests are in flight, the
+     * next one waits.
+     */
     public List<Shot> run(int count, int interval, int inFlight) throws MistakeException, IOException {
         List<Callable<Shot>> work = new ArrayList<>();
         IntStream.range(0, count).forEach(index -> work.add(() -> shoot(index, interval)));
