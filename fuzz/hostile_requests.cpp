@@ -66,7 +66,8 @@ void watchForDeath() {
 #endif
 }
 
-// Returns whether the VM printed warnings since the last call, and copies its output to standard error.
+// Returns whether the VM has written warnings to standard output since the last call. If so, copies the new
+// output to standard error.
 bool vmComplained() {
   static off_t read = 0;
   char text[4096] = {};

@@ -6,7 +6,8 @@
 
 namespace orlu {
 
-// Indices of the master's and slave's frames among all capture results; past the list if a frame is missing.
+// Indices of the master's and the slave's frame among all capture results. An index past the end means that
+// the frame is missing.
 using FusionFrames = std::array<int, 2>;
 
 struct FusionShot {

@@ -44,9 +44,9 @@ public:
   // the handle, `inputs`, `outputs` or `compositions` is null, else 0, even after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // Writes the results of the full-async request that "nativeRequestAddr" names, and finishes it. For any
-  // other request, or one that is still being submitted and not announced, writes only initial values.
-  // Returns the same values as processImage().
+  // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. For
+  // any other request, or one that is still being submitted and not yet announced, writes only initial
+  // values. Returns the same values as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

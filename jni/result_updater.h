@@ -1,6 +1,6 @@
 // Writes the algorithms' results from a request's parameter set back into its compositions and output
 // descriptors. Create one object per request and use it on the request's thread after the callback. No
-// failure stops it: a value that the algorithms did not set is written with its initial value; without a
+// failure stops it. A value that the algorithms did not set is written with its initial value. Without a
 // composition, only the output descriptors are set.
 #pragma once
 

@@ -98,7 +98,8 @@ make_root() {
   git -c safe.directory='*' clone -q --no-hardlinks "$root" "$1/vas"
 }
 
-# in_root ROOT COMMAND: runs a shell command in the clone, with only the proxies of this machine's environment.
+# in_root ROOT COMMAND: runs a shell command in the clone, with only the proxies of this machine's
+# environment.
 in_root() {
   # shellcheck disable=SC2016 # the inner shell expands these
   isolated sh -ec '
@@ -109,7 +110,8 @@ in_root() {
       sh -c "cd /vas && $2"' sh "$1" "$2"
 }
 
-# try_commands NUMBER COMMANDS: runs commands in a root until one fails. Appends a line for each to "times".
+# try_commands NUMBER COMMANDS: runs the commands in a root until one fails. Appends a line for each command
+# to the file "times".
 try_commands() {
   local place=$work/root$1 command commands status
   make_root "$place"

@@ -1,4 +1,5 @@
-// The metadata parser's getters, each with an example value and a reader of its status and outputs as text.
+// Table of the metadata parser's getters. Each row has an example value, and a function that calls the getter
+// and returns the status and the outputs as text.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -57,6 +57,7 @@ TEST_P(MetadataUpdaterVariationTest, ChangesWhatItMust) {
 INSTANTIATE_TEST_SUITE_P(Variations, MetadataUpdaterVariationTest, testing::ValuesIn(allGoldenVariations()),
                          FirstWord());
 
+// Engineers search the log for the operation's name, so a helper function's name must not replace it.
 TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   Algo algo;
   algo.script.wanted = {

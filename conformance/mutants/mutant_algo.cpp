@@ -1,4 +1,4 @@
-// The minimal library with the fault that ORLU_MUTANT names. See mutants.txt for the checks that detect it.
+// The minimal library with the fault that ORLU_MUTANT selects. See mutants.txt for the checks that detect it.
 #include <dlfcn.h>
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 
 namespace orlu::fuzz {
 
-// Counts error lines from now on; prints the first few that no plan causes, and discards the other lines.
+// Counts error lines from now on, and prints the first few that no plan causes. Discards all other lines.
 void watchLog();
 // Returns and clears the number of timed-out requests of this thread.
 int takeTimeouts();

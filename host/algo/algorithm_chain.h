@@ -1,5 +1,6 @@
 // Runs a request's algorithms: selects and merges frames, changes the picture, and encodes it into the first
-// output or copies it into all. With "ppt", the second output gets a JPEG. Unknown names are only reported.
+// output or copies it into all outputs. With "ppt", the second output gets a JPEG instead of a copy. Unknown
+// names are only reported.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// The script in force: the calling thread's own, else the common script. A request keeps its first script.
+// The script in force: the calling thread's own, or else the common one. An operation uses the script in
+// force at its start; a request uses the script in force when process() was called.
 #pragma once
 
 #include <memory>

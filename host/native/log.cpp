@@ -34,8 +34,8 @@ int32_t priorityOfLetter(char letter) {
   return found == nullptr ? ANDROID_LOG_DEFAULT : static_cast<int32_t>(found - kPriorityLetters);
 }
 
-// The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER *:S": a minimum priority for each named tag, VERBOSE
-// if it is omitted, and with "*" for all other tags.
+// The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER *:S": a minimum priority for each named tag, and for
+// all other tags ("*"). If the priority is omitted, every line of the tag is shown.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;
@@ -71,7 +71,7 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// Returns the descriptor of the file for all lines, which is never closed; -1 without a file.
+// Opens the file for all lines, which is never closed. Returns its descriptor; -1 without a file.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;
@@ -83,7 +83,8 @@ int logFile() {
   return file;
 }
 
-// Writes with one call, so that lines of several threads don't mix. Replaces line ends in the text by blanks.
+// Writes the line with one call, so that lines of several threads don't mix. Replaces line ends in the text
+// by blanks.
 void keep(int priority, const char* tag, const char* text) {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);

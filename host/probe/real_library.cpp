@@ -13,7 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The maker's library, renamed for a probe in the same folder: a phone's loader searches only one folder.
+// The new name of the maker's library if the probe has its original name in the same folder. A phone needs
+// this, because its loader searches only one folder.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
@@ -46,7 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// Finds the library that the probe replaces; dlopen() by name would return the probe, already loaded.
+// Finds the library that the probe replaces. dlopen() can't find it by name: it returns the probe, which is
+// already loaded under that name.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

@@ -24,7 +24,8 @@ public:
   // all methods and fields of that name, or "class.member signature" for one of them.
   void hide(const std::string& name);
 
-  // Makes this function (of jni_functions.h) return null or 0 from now on, with an OutOfMemoryError pending.
+  // Makes a function listed in jni_functions.h return null or 0 from now on, with an OutOfMemoryError
+  // pending.
   void fail(const std::string& function);
 
   int calls(const std::string& function) const;

@@ -14,7 +14,10 @@ import java.util.Map;
 import java.util.TreeMap;
 import java.util.stream.Stream;
 
-/** Detects a command's reads of a file beside its folder (by access time) and writes outside the folder. */
+/**
+ * Detects whether a command reads or writes files outside its folder. Watches the access time of a file
+ * beside the folder, and compares the surrounding files and the input files before and after the command.
+ */
 final class Canary {
     private static final String SECRET = "the canary's own text";
 

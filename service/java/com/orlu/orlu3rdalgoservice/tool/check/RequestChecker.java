@@ -100,7 +100,7 @@ public final class RequestChecker {
         throw request.place().error("photo", problem);
     }
 
-    // Returns the line about a file without errors. The images are the request's, with their sizes.
+    // Returns the line about a file without errors. `inputs` and `outputs` have their final sizes.
     private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": ok: " + counted(frames, "frame")

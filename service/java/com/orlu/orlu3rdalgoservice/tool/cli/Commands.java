@@ -30,7 +30,10 @@ final class Commands {
 
     /** The command that runs without a named subcommand. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
-    /** Subcommands in help order. Usually only the selected one is created: reading annotations is slow. */
+    /**
+     * The subcommands, in the order of the help. Except for help and completion, only the selected one is
+     * created, since reading annotations is slow.
+     */
     private static final List<Row> NAMED = List.of(
             new Row("new", "Print a request file to start from", NewCommand::new),
             new Row("import", "Make a request file from a camera's own files", ImportCommand::new),

@@ -93,7 +93,9 @@ final class Session {
                 WorkFolder.events(), options.needsTrials() ? line -> true : LineFile::isNoLookup);
     }
 
-    /** Returns Verdict.REFUSED if a file is invalid, else the first status other than OK, else OK. */
+    /**
+     * Returns Verdict.REFUSED if a file is invalid, else the first request's status other than OK, else OK.
+     */
     int run() throws MistakeException, ErrnoException, IOException {
         // Checks all files before the first request runs, so a mistake in the last file is reported at once.
         RequestChecker checker = new RequestChecker(mOptions.tried.photo, mOptions.tried.tags, mPhotos);

@@ -84,8 +84,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares two images with this description; null if one can't be read with it, or if the sizes differ.
-     * `stride` is in bytes. The bytes of a JPEG must be its file, without unused memory.
+     * Compares two images with the same description. Returns null if an image can't be read with it, or if
+     * the sizes differ. `stride` is in bytes. The bytes of a JPEG must be its file, without unused memory.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -102,7 +102,7 @@ public final class ImageDifference {
 
     /**
      * Returns the pixels of an image; null if they can't be read with this description. A raw image is a
-     * Mosaic with the smallest bit depth that fits all samples, but at least 8.
+     * Mosaic. Its bit depth is unknown, so it gets the smallest depth that fits all samples, at least 8.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);

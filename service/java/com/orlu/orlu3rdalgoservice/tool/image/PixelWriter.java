@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/** Writes a picture to an image's memory in its format. Chroma is subsampled 2x2, as in JPEG files. */
+/** Writes a picture to memory in the format of an image. Chroma is subsampled 2x2, as in JPEG files. */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;
@@ -14,7 +14,7 @@ final class PixelWriter {
     private PixelWriter() {
     }
 
-    /** Fills the memory from its start. The picture must have the size of the description. */
+    /** Fills the memory from its start. The picture must have the size of the plan. */
     static void write(Picture picture, ImagePlan plan, ByteBuffer to) {
         switch (plan.format()) {
             case NV21, NV12, YU12, YV12 -> writeYuv(picture, YuvLayout.of(plan), to);

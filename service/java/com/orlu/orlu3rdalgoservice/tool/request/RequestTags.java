@@ -32,7 +32,8 @@ public final class RequestTags {
 
     /**
      * Sets each "NAME=VALUE" in all frames: in the composition if it has the tag, else in the capture result.
-     * VALUE is as in a request file, or unquoted text. Throws IllegalArgumentException, with text for people.
+     * VALUE is written as in a request file, or as unquoted text. Throws an IllegalArgumentException with a
+     * message for people.
      */
     public static void set(RequestFile request, List<String> tags) {
         for (String tag : tags) {

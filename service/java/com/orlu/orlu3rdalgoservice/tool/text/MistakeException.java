@@ -6,7 +6,9 @@ public final class MistakeException extends Exception {
 
     private final transient Mistake mMistake;
 
-    /** Reports a problem of a file without a line number. `field` is empty if it concerns the whole file. */
+    /**
+     * Reports a problem without a line number. The field is empty if the problem concerns the whole file.
+     */
     public MistakeException(String file, String field, String problem) {
         this(new Mistake(file, 0, 0, field, problem, false));
     }
