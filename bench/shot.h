@@ -1,4 +1,5 @@
-// One request's Java objects, as the service passes them; owned by the Shot, on the thread that created it.
+// The Java objects of one request, as the service passes them. They belong to the thread that created the
+// Shot, and are freed with the Shot.
 #pragma once
 
 #include <jni.h>

@@ -50,6 +50,7 @@ public:
   T get() const { return mObject; }
   explicit operator bool() const { return mObject != nullptr; }
 
+  // Passes ownership of the reference to the caller.
   T release() {
     T object = mObject;
     mObject = nullptr;

@@ -16,7 +16,8 @@ arm_root_path() {
   printf '%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/armhf-${key%% *}"
 }
 
-# arm_apt FOLDER COMMAND...: runs apt-get for armhf with this machine's sources; FOLDER has state and cache.
+# arm_apt FOLDER COMMAND...: runs apt-get for armhf only. Uses this machine's sources, but keeps the state and
+# the cache in FOLDER.
 arm_apt() {
   local work=$1
   shift

@@ -77,8 +77,8 @@ TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
       EXPECT_EQ(i == 1 ? 0 : 5, timestamp);
     }
   }
-  // Two good frames: two objects each, checked once, then two values in each of three rounds. The bad frame:
-  // two objects for each of two reads in three rounds.
+  // The two good frames: two objects of each are checked once, and two values of each in all three rounds.
+  // The bad frame: both objects are checked at both reads in all three rounds.
   EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
 }
 

@@ -12,7 +12,7 @@ namespace {
 constexpr int kClients = 50;
 constexpr int kAtOnce = 10;
 constexpr std::chrono::seconds kEnding{3};  // wait for threads of destroyed clients
-constexpr size_t kBytesOfClient = 512;      // growth per client; this much is a leak
+constexpr size_t kBytesOfClient = 512;      // this much growth per client is a leak
 
 // Creates a client, submits two requests and destroys it. If `waits`, waits for each callback first.
 void live(Inbox& inbox, bool waits) {

@@ -18,9 +18,11 @@ namespace {
 constexpr int kThreads = 8;
 constexpr int kKeys = 8;  // per thread and shared block
 constexpr double kDefaultSeconds = 3;
-// Maximum for the default time. Each round has a new shared block: threads collide more in a small block.
+// Maximum number of rounds in the default time. Each round has a new shared block, because threads collide
+// more often in a small block.
 constexpr int kRounds = 1000;
-// Minimum for the default time, even if it takes longer: fewer rounds might not reveal a missing lock.
+// Minimum number of rounds for the default time, even if they take longer: fewer might not reveal a missing
+// lock.
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
@@ -38,7 +40,8 @@ std::string getBare(void* block, const std::string& key, size_t size) {
   return status == 0 ? bytes : "";
 }
 
-// Pauses its thread every 130 us, also inside the library, to reveal a missing lock even on one processor.
+// Pauses its thread every 130 us, also inside the library, so that other threads run. This reveals a missing
+// lock even on one processor.
 class Interruptions {
 public:
   Interruptions() {
@@ -124,7 +127,7 @@ struct Hammer {
     return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
   }
 
-  // Sets keys of its own and a key that all threads set; creates and destroys a block.
+  // Sets the thread's own keys and a key that all threads set. Then creates and destroys a block.
   void strike(int round, int thread) {
     Wrong& own = wrong[thread];
     for (int i = 0; i < kKeys; ++i) {

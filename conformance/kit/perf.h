@@ -17,10 +17,11 @@ struct PerfRow {
   int64_t threads = 0;        // most threads of the process, less those before the client was created
 };
 
-// Measures the library of the options in a child process, and prints a table or JSON. `algorithms` are names
-// separated by commas; all if empty. With `baseline`, the JSON file of an earlier run, the table also shows
-// changes. Returns 2 if an algorithm is unknown or the baseline is unreadable or invalid, 1 if the library
-// fails or a row is significantly slower than the baseline, and 0 otherwise.
+// Measures the library that the options name, in a child process, and prints a table or JSON. `algorithms`
+// are names separated by commas; all if empty. With `baseline`, the JSON file of an earlier run, the table
+// also shows changes. Returns 2 if an algorithm is unknown, or the baseline is unreadable or invalid. Returns
+// 1 if the library fails, or if a row is slower than the baseline by several times the noise of both runs and
+// by more than a few percent. Otherwise returns 0.
 int runPerf(const std::string& algorithms, bool isJson, const std::string& baseline);
 
 }  // namespace orlu::conform

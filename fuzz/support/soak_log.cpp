@@ -32,7 +32,8 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// The parser's tag. Its other errors are ignored: they report missing tags, and these requests have few.
+// The parser's log tag. Unexpected errors of the parser are ignored: they report missing camera tags, and the
+// soak's requests have few.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

@@ -1,4 +1,5 @@
-// Appends one line of JSON per finished request to the file that ORLU_ALGO_TRACE names, if it is set.
+// Appends a line of JSON per finished request to the file that ORLU_ALGO_TRACE names, with facts that only an
+// algorithm library knows. Writes nothing if the variable is not set.
 #pragma once
 
 #include <cstdio>

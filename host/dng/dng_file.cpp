@@ -167,8 +167,9 @@ const uint16_t* DngFile::decode() {
   return mProblem.empty() ? imgdata.rawdata.raw_image : nullptr;
 }
 
-// Called by unpack() with memory allocated. LibRaw's own loop treats strips as one piece and can't decode
-// uncompressed tiles, so its decoders get one strip or tile at a time, as if it were the whole image.
+// Called by unpack() after it has allocated the memory. LibRaw's own loop treats strips as one piece and
+// can't decode uncompressed tiles. Therefore this function passes LibRaw's decoder one strip or tile at a
+// time, as if it were the whole image.
 void DngFile::decodeBlocks() {
   uint16_t* const image = imgdata.rawdata.raw_image;
   if (image == nullptr) return;

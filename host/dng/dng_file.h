@@ -27,7 +27,8 @@ public:
   // The bits per sample that the white level requires; without a white level, the stored bits per sample.
   int bits() const;
 
-  // Returns the linearised rows without padding, valid as long as this object; null if there is a problem().
+  // Decodes all samples, row by row without padding, and applies the file's linearisation table. The samples
+  // are valid as long as this object. Returns null if there is a problem().
   const uint16_t* decode();
 
 private:

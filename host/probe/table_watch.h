@@ -61,7 +61,8 @@ struct WatchedEnd {
   int64_t nanoseconds = 0;
 };
 
-// Called on each call's thread, by several at a time; must not throw. Outlives every table and cookie.
+// The functions are called on the thread of each call, by several threads at a time, and must not throw. An
+// observer is never destroyed: tables and late callbacks may report to it until the process ends.
 class TableObserver {
 public:
   virtual void before(const WatchedCall& call) noexcept = 0;
@@ -71,8 +72,9 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table whose callables call those of `real` and report to the observer. Instead of each cookie,
-// the library receives a replacement that is never freed, so that late callbacks still arrive.
+// Returns a table whose callables call those of `real` and report to the observer. Instead of the caller's
+// cookie, the library receives the address of a replacement function, one for each cookie. It is never freed,
+// so that a late callback still reaches the caller's function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.

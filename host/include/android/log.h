@@ -20,7 +20,8 @@ typedef enum android_LogPriority {
   ANDROID_LOG_SILENT,
 } android_LogPriority;
 
-// Passes a line of at most 1023 bytes to the logger. Returns 1; -EPERM if the priority is below the minimum.
+// Formats a line, truncates it to 1023 bytes and passes it to the logger. Returns 1, or -EPERM if the
+// priority is below the minimum.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((__format__(printf, 3, 4)));
 
@@ -35,7 +36,8 @@ struct __android_log_message {
 };
 typedef void (*__android_logger_function)(const struct __android_log_message* log_message);
 
-// Replaces the process's logger; any thread may call it. A message's strings are valid until it returns.
+// Replaces the logger for the whole process; null restores the default. The logger is called from any thread.
+// A message's strings are valid until the logger returns.
 void __android_log_set_logger(__android_logger_function logger);
 // The default logger: writes logcat's "threadtime" lines to standard error.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);

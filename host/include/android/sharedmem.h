@@ -7,7 +7,8 @@
 extern "C" {
 #endif
 
-// Returns the descriptor of a memory file of `size` bytes, which the caller closes, or a negative errno.
+// Creates a memory file of `size` bytes. Returns its descriptor, which the caller closes, or a negative
+// errno.
 int ASharedMemory_create(const char* name, size_t size);
 // Returns the size of the memory in bytes; 0 if the descriptor is not shared memory.
 size_t ASharedMemory_getSize(int fd);

@@ -8,7 +8,8 @@
 extern "C" {
 #endif
 
-// Returns a duplicate descriptor, which the caller closes; -1 for null, a closed object, or another class.
+// Returns a duplicate of the Java object's descriptor, which the caller closes. Returns -1 for null, a closed
+// object, or an object of another class.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory);
 
 #ifdef __cplusplus

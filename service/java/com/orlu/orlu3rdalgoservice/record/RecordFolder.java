@@ -72,7 +72,7 @@ final class RecordFolder {
         }
     }
 
-    // A partial file is useless; outcome.json with the reason may need its disk space.
+    // A partial file is useless, and outcome.json with the reason for the failure may need the disk space.
     private static void removePartial(File file) {
         if (file.isFile() && !file.delete()) {
             RequestRecorder.warn("can't remove " + file);
@@ -92,7 +92,10 @@ final class RecordFolder {
         }
     }
 
-    /** Writes a file and adds its name and checksum to `json`; above the size limit, only the reason. */
+    /**
+     * Writes a file and adds its name and checksum to `json`. If the bytes exceed the size limit, adds the
+     * reason instead.
+     */
     void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
             json.put("kept", TOO_LARGE);

@@ -79,7 +79,7 @@ final class CatalogueCommand implements Subcommand {
         return near;
     }
 
-    // Returns full names, then short ones, which people type instead: the part after the last dot or slash.
+    // Returns the full names, then the short names that people type: the part after the last dot or slash.
     private static List<String> names(List<Json> all) {
         List<String> names = all.stream().map(Catalogue::name).toList();
         return Stream.concat(names.stream(), names.stream().map(name -> name.replaceFirst(".*[./]", "")))

@@ -31,7 +31,10 @@ class ResultOptions {
         return quiet ? nowhere() : last();
     }
 
-    /** Returns the verdict's stream; discards all if --json or --junit writes to standard output. */
+    /**
+     * Returns the stream for the verdict. It discards everything if --json or --junit writes to standard
+     * output.
+     */
     PrintStream last() {
         boolean isTaken = Stream.of(json, junit).anyMatch(Results.STANDARD_OUTPUT::equals);
         return isTaken ? nowhere() : System.out;

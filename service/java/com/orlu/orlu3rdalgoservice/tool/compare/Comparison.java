@@ -15,7 +15,10 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Compares what two runs did, in order. A difference is a line: the first run's value / the other's. */
+/**
+ * Compares what two runs did, in the order of execution. Each difference is one line: the first run's value,
+ * " / ", the other run's value.
+ */
 public final class Comparison {
     // An address, which differs between processes.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");

@@ -7,7 +7,7 @@ import java.util.List;
 
 /** Explains a verdict's reasons in detail, and names the tab of the page that shows them. */
 public final class VerdictFindings {
-    /** The finding for the reasons that contain one of these words. */
+    /** The finding for reasons that contain one of `words`. */
     private record Kind(String name, Tab tab, String what, String why, String... words) {
     }
 
@@ -49,7 +49,10 @@ public final class VerdictFindings {
     private VerdictFindings() {
     }
 
-    /** Returns a finding for each reason except the crash file's name and outputs (see ImageFindings). */
+    /**
+     * Returns one finding for each reason. Omits the name of the crash file, and reasons about outputs, which
+     * ImageFindings explains.
+     */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();
         for (String reason : verdict.reasons()) {

@@ -7,7 +7,10 @@ package com.orlu.orlu3rdalgoservice.tool.model;
  * @param y the first row, -1 to centre the area
  */
 public record CropArea(int x, int y, int width, int height) {
-    /** Step of columns: packed formats have groups of four samples, and all images need the same area. */
+    /**
+     * Step of columns: packed formats store groups of four samples. The step applies to all formats, so that
+     * all images get the same area.
+     */
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
 

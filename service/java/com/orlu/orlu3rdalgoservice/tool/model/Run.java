@@ -107,7 +107,10 @@ public final class Run {
         }
     }
 
-    /** Returns a run in this process. `name` is the prefix of its files' names; `pass` may be null. */
+    /**
+     * Returns a run in this process. `name` is the prefix of its files' names. `pass` is null if the library
+     * does not report its work.
+     */
     public static Run of(String name, RequestFile request, RecordedEvents events, Stopwatch stopwatch,
             AlgorithmPass pass, Ran ran) {
         Run run = new Run(
@@ -246,7 +249,10 @@ public final class Run {
         return mRoot.at("frames").elements();
     }
 
-    /** Inputs besides frames and images, by name: "property ...", "client ...", "request type". */
+    /**
+     * The inputs other than frames and images, by name: "property ...", "client ...", "request type". Empty
+     * without a folder.
+     */
     public Map<String, Json> settings() throws MistakeException {
         Map<String, Json> settings = new LinkedHashMap<>();
         for (String part : List.of("client", "properties")) {
@@ -314,7 +320,10 @@ public final class Run {
         return list instanceof String[] names ? List.of(names) : List.of();
     }
 
-    /** Algorithms passed on but reported neither as run nor as skipped; none without a report. */
+    /**
+     * The algorithms that were passed to the library but that it reports neither as run nor as skipped. None
+     * if the library does not report its work.
+     */
     public List<String> idleAlgorithms() {
         if (mPass == null) {
             return List.of();
@@ -335,6 +344,7 @@ public final class Run {
         return mRan;
     }
 
+    /** The stages in the order of execution. */
     public List<Stage> stages() {
         return mStages;
     }

@@ -17,7 +17,10 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Reads "frames" of a request file: a list, or an object with a count, common and individual values. */
+/**
+ * Reads "frames" of a request file: a list of frames, or an object with their count, common values, and a
+ * list of individual values.
+ */
 final class FrameSetReader {
     private static final int LARGEST_SHIFT = 64;
 

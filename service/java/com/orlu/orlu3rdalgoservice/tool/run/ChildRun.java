@@ -43,7 +43,10 @@ public final class ChildRun {
         mLibrary = library;
     }
 
-    /** Runs request files. Returns the folder of their recordings, some missing if the process died. */
+    /**
+     * Runs request files and returns the folder of their recordings. If the process died, some recordings
+     * are missing.
+     */
     public Path run(List<Path> requests) throws IOException {
         List<String> arguments = new ArrayList<>();
         requests.forEach(request -> arguments.add(request.toString()));
@@ -153,7 +156,7 @@ public final class ChildRun {
     }
 
     private void setEnvironment(Map<String, String> environment) {
-        // The files of this process; the child sets its own.
+        // These variables name files of this process; the child sets its own.
         environment.remove("ORLU_EVENTS");
         environment.remove("ORLU_ALGO_TRACE");
         environment.remove("ORLU_PIXELS");

@@ -36,7 +36,10 @@ public final class ParameterFormatter {
         return formatter.fits(type) ? formatter.value(type) : formatter.hex();
     }
 
-    /** Returns a number, a boolean, a string or a list of numbers for programs; else the text for people. */
+    /**
+     * Returns the value for programs: a number, a boolean, a string or a list of numbers. Returns the text
+     * for people if the value has none of these forms.
+     */
     public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
         Object value = formatter.fits(type) ? formatter.plain(type) : null;

@@ -64,7 +64,7 @@ public final class PixelsTest {
 
     @Test
     public void writesEachFormat() {
-        // Red, green and blue: luma 4c, 96, 1d; blue chroma 55, 2c, ff; red chroma ff, 15, 6b.
+        // Red, green and blue have luma 4c, 96, 1d; blue chroma 55, 2c, ff; and red chroma ff, 15, 6b.
         String luma = "4c4c9696 4c4c9696 1d1dffff 1d1dffff";
         String padded = "4c4c9696eeee 4c4c9696eeee 1d1dffffeeee 1d1dffffeeee";
         Object[][] rows = {
@@ -221,7 +221,8 @@ public final class PixelsTest {
 
     @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
-        // Each row of random dots is shifted 5 pixels from the row above. Too wide to be shown at full size.
+        // Each row of random dots is shifted by 5 pixels from the row above. The picture is wider than the
+        // largest that a page shows.
         Random random = new Random(3);
         float[] dots = new float[4200 + 5 * 901];
         for (int i = 0; i < dots.length; ++i) {
