@@ -26,7 +26,9 @@ function picturesPanel() {
       {class: "faint"},
       "Click an input to show it above. " +
         (images.lost ? "The inputs were recreated from the request. " : baseText(images)) +
-        (data.algorithms.frames?.length ? " The algorithm library reported which frames it kept or dropped." : ""),
+        (data.algorithms.frames?.length
+          ? " The algorithm library reported which frames it kept or dropped."
+          : ""),
     ),
     h("div", {class: "strip"}, thumbs),
   );
