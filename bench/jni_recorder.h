@@ -1,5 +1,5 @@
-// While it exists, a JniRecorder counts and records a thread's calls of the JNI functions in jni_functions.h,
-// with their arguments, except calls made inside a Java method.
+// While a JniRecorder exists, it counts and records a thread's calls to the JNI functions in jni_functions.h,
+// with their arguments. Calls made inside a Java method are not recorded.
 #pragma once
 
 #include <jni.h>

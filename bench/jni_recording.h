@@ -50,7 +50,8 @@ class JniRecording {
 public:
   JniRecording();
 
-  // Replays calls [first, last) on the thread that owns their objects, after all earlier calls.
+  // Replays the calls in [first, last) on the thread that owns their objects. All earlier calls must have
+  // been replayed.
   void replay(JNIEnv* env, size_t first, size_t last);
 
   size_t size() const { return mCalls.size(); }

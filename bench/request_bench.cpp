@@ -1,4 +1,4 @@
-// Benchmark of four shots, with and without tags, synchronous and full-async, relative to lower bounds.
+// Measures four shots, with and without tags, synchronous and full-async, and the lower bound of each.
 
 #include "benches.h"
 #include "counts.h"

@@ -21,7 +21,8 @@ namespace orlu {
 // The value of AlgoCreateClientRecord::interfaceVersion. A library with another version returns no client.
 constexpr int32_t kAlgoTableVersion = 202001;
 
-// This header's version. MAJOR changes with a layout, MINOR with anything else that matters to a library.
+// This header's version. MAJOR changes with the layout of a record or table, MINOR with any other change that
+// matters to a library.
 #define ORLU_ALGO_INTERFACE_MAJOR 1
 #define ORLU_ALGO_INTERFACE_MINOR 0
 
@@ -55,7 +56,8 @@ enum AlgoImageFormat : int32_t {
 
 constexpr int kMaxPlanes = 4;
 
-// The platform's native_handle_t with room for kCapacity words: first the descriptors, then the integers.
+// A copy of the platform's native_handle_t with room for kCapacity words: first the descriptors, then the
+// integers.
 struct AlgoNativeHandle {
   static constexpr int kCapacity = 256;
 
@@ -230,7 +232,7 @@ struct AlgoMetadataOps {
   std::function<int(void* block, AlgoMetadataVisitor)> paramSystemDownloadToAlgo;
 };
 
-// The table that AlgoInterfaceEntry() fills in. Empty callables and int results: see AlgoMetadataOps.
+// The table that AlgoInterfaceEntry() fills in. AlgoMetadataOps explains empty callables and int results.
 struct AlgoInterfaceCallbacks {
   int32_t version = 0;  // 0 when the table is passed in
   std::function<int(const AlgoInitRecord&)> init;

@@ -18,7 +18,8 @@ start_afresh() {
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: deletes a build of another checkout, or a build with packages that were removed.
+# discard_strange FOLDER: deletes a build of another checkout, or a build with packages, or versions of
+# packages, that are no longer installed.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")
@@ -57,7 +58,8 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake if the setup changed; --fresh clears its cache, not compiled files.
+# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps
+# compiled files.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&
@@ -81,8 +83,8 @@ compile() {
 }
 
 # build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. The tests
-# are configured with --tests, or if they were configured before. Prints progress, and all output of CMake
-# and Ninja if the build fails. Concurrent builds of a preset wait for each other.
+# are configured with --tests, or if they were configured before. Prints progress; if the build fails, prints
+# all output of CMake and Ninja. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

@@ -52,7 +52,8 @@ private:
   AlgoProcessRecord* mRecord;
 };
 
-// Lends a duplicate of an image's descriptor. takeBack() makes the descriptor number refer to a decoy file.
+// Lends a duplicate of an image's descriptor to one request. takeBack() makes the descriptor number refer to
+// a decoy file.
 class LentImage {
 public:
   explicit LentImage(const Image& image) : mFrame(image.frame()), mDecoy(memfd_create("decoy", MFD_CLOEXEC)) {
@@ -84,7 +85,7 @@ private:
   std::vector<char> mZeros;
 };
 
-// Compares the outputs of two requests: the second request's record is freed once process() returns.
+// Compares the outputs of two equal requests. The second request's record is freed once process() returns.
 void runDoomed(bool isHardwareBuffer) {
   Scene scene;
   ImageShape shape;

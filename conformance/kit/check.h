@@ -1,4 +1,5 @@
-// A check tests one rule for algorithm libraries in its own process: a crash or a hang fails only this check.
+// A check tests one rule that algorithm libraries must keep. It runs in its own process, so that a crash or a
+// hang fails only this check.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -66,8 +67,9 @@ constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budge
 
 void startBudget();
 
-// Runs the check in a child process. Kills it if it blocks in one operation or exceeds its time limit or the
-// time budget. Prints progress to standard error. Call it while no other thread runs.
+// Runs the check in a child process and waits until it exits. Kills the child if it blocks in one operation,
+// or exceeds its time limit or the time budget. Prints progress to standard error. Call this function while
+// no other thread runs.
 Outcome runApart(const Check& check);
 
 // Sends the failures and skips of a check to its parent process. Install it once.

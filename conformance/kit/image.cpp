@@ -15,7 +15,7 @@ bool isYuv(int32_t format) {
   return format == kFormatNv21 || format == kFormatNv12;
 }
 
-// Bytes of a row without padding, enough for every plane.
+// Returns the bytes of the longest row of any plane, without padding.
 int32_t rowBytes(const ImageShape& shape) {
   switch (shape.format) {
     case kFormatRaw16:
@@ -32,7 +32,7 @@ int32_t rowBytes(const ImageShape& shape) {
   }
 }
 
-// Bytes of a plane's row that hold pixels.
+// Returns the number of bytes in a plane's row that hold pixels.
 int32_t pixelBytes(const ImageShape& shape, int plane) {
   return isYuv(shape.format) && plane == 0 ? shape.width : rowBytes(shape);
 }

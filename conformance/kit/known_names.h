@@ -1,4 +1,5 @@
-// The service's names, generated from its sources by the build. A test records result_reads.inc.
+// Sections, keys and algorithms of the service. The build generates parameter_sizes.inc and
+// algorithm_names.inc from the service's sources; a test writes result_reads.inc.
 #pragma once
 
 #include <cstddef>

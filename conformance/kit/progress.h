@@ -1,4 +1,5 @@
-// The step and operations of a check's process. Its parent shares this memory, so it survives a crash.
+// The progress of a check's process: its step and the operation of each thread. The parent process shares
+// this memory, so it survives a crash and shows which operation hangs.
 #pragma once
 
 #include <chrono>
@@ -18,7 +19,8 @@ std::string whereabouts();
 
 // Returns the name of an operation that has been running for longer than `limit`; "" if there is none.
 std::string overdueOperation(std::chrono::seconds limit);
-// In processes started from now on, a check that starts this operation stops and reports "not run".
+// Marks an operation as hanging for processes started from now on. A check that starts this operation stops
+// and reports "not run".
 void noteHang(const std::string& operation);
 
 // The current operation of this thread. Operations of the library have a name: they are timed and must
@@ -35,7 +37,8 @@ private:
   std::string mName;
 };
 
-// Marks this thread as running a callback. Operations have other names there: some hang only in callbacks.
+// Marks this thread as running a callback of the library. Operations inside callbacks have their own names,
+// because some operations hang only there.
 class CallbackScope {
 public:
   CallbackScope();

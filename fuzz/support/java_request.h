@@ -15,7 +15,7 @@ struct JavaRequest {
   jobject sharedMemory;
 };
 
-// Returns a request of HostileRequest.java, which explains `mode`; its first composition has `address`.
+// Returns a request created by HostileRequest.java, which explains `mode` and `address`.
 inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
   jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
                                  static_cast<jlong>(address));

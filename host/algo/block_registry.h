@@ -1,4 +1,5 @@
-// The live metadata blocks. Handles are numbers that are never reused, so stale handles are detected safely.
+// The live metadata blocks. A handle is a number that is never reused, not an address, so a stale handle is
+// detected without access to freed memory.
 #pragma once
 
 #include <cstdint>

@@ -29,8 +29,9 @@ StandIn& StandIn::instance() {
   return *instance;
 }
 
-// Runs an operation. Scripted exceptions leave it; for others, such as bad_alloc, it returns -1. Scripted
-// faults occur after the operation, but before one that creates something, so that nothing leaks.
+// Runs an operation and returns its result, or -1 if it throws (for example, bad_alloc). Only scripted
+// exceptions reach the caller. Scripted faults occur before an operation that creates something, so that
+// nothing leaks, and after any other operation.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();

@@ -1,4 +1,5 @@
-// Appends events to a file with one write per line, so processes can share it and lose no event at their end.
+// Appends events to a file, with one write per line. Several processes can therefore share the file, and no
+// event is lost when a process ends.
 #pragma once
 
 #include <atomic>

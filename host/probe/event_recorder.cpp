@@ -27,7 +27,8 @@ private:
   int mErrno;
 };
 
-// Returns how many bytes getValue writes into memory larger than `size`; -1 if it fails or fills all of it.
+// Returns the size of a value: how many bytes getValue writes into memory that is larger than `size`. Returns
+// -1 if getValue fails or writes to all of the memory.
 int64_t valueSize(const EventRecorder::GetValue& real, void* block, const char* section, const char* key,
                   unsigned size) {
   constexpr unsigned kMore = 64;

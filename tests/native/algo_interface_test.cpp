@@ -1,4 +1,5 @@
-// Order of the callables in their tables: the library finds them by position, which compilers can't check.
+// Order of the callables in their tables. The algorithm library finds callables by position, which compilers
+// can't check.
 
 #include "algo_interface.h"
 

@@ -1,4 +1,5 @@
-"""Shared by the command's tests: runs ./run with the build in the first argument, and collects failures."""
+"""Shared by the command's tests: runs ./run with an existing build, and collects failures. The build's folder
+is the test's first argument."""
 
 import os
 import subprocess

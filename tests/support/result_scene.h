@@ -79,7 +79,8 @@ public:
   const std::string& log() const { return mLog; }
   // Returns all lines, formatted by LogCapture::text().
   const std::string& wholeLog() const { return mWholeLog; }
-  // Returns an output's format, size and plane sizes for Java, then for the algorithms; "" if unchanged.
+  // Returns an output's format, size and plane sizes as seen by Java, then by the algorithms; "" if
+  // unchanged.
   std::string changeOfOutput(size_t index) const {
     const std::string now = describeOutput(index);
     return now == mOutputsBefore[index] ? "" : now;

@@ -72,7 +72,8 @@ FIELD(JavaVMAttachArgs, group);
 VM_SLOT(DestroyJavaVM);
 VM_SLOT(DetachCurrentThread);
 VM_SLOT(GetEnv);
-// Both take void** in the JDK and JNIEnv** in Android. attachThread() in jni/jni_support.h accepts either.
+// These two functions differ: they take void** in the JDK and JNIEnv** in Android. attachThread() in
+// jni/jni_support.h accepts both.
 VM_OFFSET(AttachCurrentThread);
 VM_OFFSET(AttachCurrentThreadAsDaemon);
 FUNCTION(JNI_GetCreatedJavaVMs);

@@ -13,7 +13,10 @@ public final class Figures {
     private Figures() {
     }
 
-    /** Returns the number of live global references after a collection; -1 if the VM does not report it. */
+    /**
+     * Returns the number of live JNI global references after a garbage collection; -1 if the VM does not
+     * report it.
+     */
     public static int globalReferences() throws JMException {
         System.gc();
         String text = (String) ManagementFactory.getPlatformMBeanServer().invoke(

@@ -44,7 +44,11 @@ public final class HostileRequest implements AutoCloseable {
     private final int mRightness; // percentage of the service's values that fit their tag
     private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
 
-    /** Modes: 0 synchronous, 1 full-async; 2, 3: the same with an image score that skips the algorithms. */
+    /**
+     * {@code mode} is 0 for a synchronous and 1 for a full-async request. 2 and 3 are like 0 and 1, but the
+     * image score makes the library skip the algorithms. {@code address} is the first composition's
+     * "nativeRequestAddr".
+     */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));
         mImages = new HostileImages(mValues);

@@ -34,12 +34,12 @@ public final class JsonWriter {
         return new JsonWriter(0).write(value, 0).toString();
     }
 
-    /** Returns the value for a file: one member or element per line, indented by two spaces per level. */
+    /** Formats the value for a file: one member or element per line, indented by two spaces per level. */
     public static String pretty(Object value) {
         return pretty(value, Integer.MAX_VALUE);
     }
 
-    /** Returns the value for a file; values nested deeper than `levels` stay on one line. */
+    /** Formats the value for a file; values nested deeper than `levels` stay on one line. */
     public static String pretty(Object value, int levels) {
         return new JsonWriter(levels).write(value, 0).append('\n').toString();
     }

@@ -21,7 +21,10 @@ public record GivenTag(int frame, String source, String tag, String one, String 
     private static final int LONGEST = 40;
     private static final int SHOWN_BEFORE = 15;
 
-    /** Returns the differing tags of all common frames, by frame; none if a run has only events. */
+    /**
+     * Returns the differing tags of the frames that both runs have, ordered by frame. The list is empty if a
+     * run has only events.
+     */
     public static List<GivenTag> of(Run one, Run other) {
         List<GivenTag> tags = new ArrayList<>();
         for (int frame = 0; frame < Math.min(one.frames().size(), other.frames().size()); ++frame) {

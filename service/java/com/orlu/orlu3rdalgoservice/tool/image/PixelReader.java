@@ -31,7 +31,7 @@ final class PixelReader {
         return end <= capacity;
     }
 
-    /** Returns a YUV or RGBA picture that reads the memory `from`, and is valid only as long as `from`. */
+    /** Returns the picture (YUV or RGBA) that `plan` describes; valid as long as the memory `from`. */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
         if (layout == null && plan.format() != PixelFormat.R8G8B8A8) {

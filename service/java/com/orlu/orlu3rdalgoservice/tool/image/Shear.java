@@ -4,8 +4,9 @@ import java.util.ArrayList;
 import java.util.List;
 
 /**
- * Detects shear: each row is shifted equally against the row above, because the image was written with one
- * stride and read with another. In a correct picture, adjacent rows match best unshifted.
+ * Detects shear: each row is shifted by the same number of pixels relative to the row above, because the
+ * image was written with one stride and read with another. In a correct picture, adjacent rows match best
+ * unshifted.
  */
 final class Shear {
     private static final int FARTHEST = 128;

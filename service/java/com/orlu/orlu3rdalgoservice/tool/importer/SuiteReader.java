@@ -45,7 +45,7 @@ final class SuiteReader {
             throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
                     + "objects");
         }
-        // The test writes values common to all frames once; a request file has them in each result.
+        // The test writes the values that all frames share only once; a request file has them in each result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));
@@ -93,7 +93,8 @@ final class SuiteReader {
         return true;
     }
 
-    // Returns a value as in request files, or unchanged if its form is unknown; then a note reports it.
+    // Converts a value to the form of request files. Returns a value of unknown form unchanged; the frame
+    // then drops the tag with a note.
     private static Object converted(TagType type, Json value) {
         return switch (type) {
             case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;

@@ -79,8 +79,9 @@ public final class PageFolder {
     }
 
     /**
-     * Writes the last request's page and returns a line that names it. If its process died, the page
-     * shows the timeline since the previous page. `exhibits` is null if the inputs can't be recreated.
+     * Writes the last request's page and returns a line that names the page. If the request's process died,
+     * the page shows the timeline since the previous page. `exhibits` is null if the request's inputs can't
+     * be recreated.
      */
     public String add(RunReport report, Exhibits exhibits, Timeline timeline, SourceLines source)
             throws IOException {

@@ -81,7 +81,10 @@ final class RequestTrack {
         return other;
     }
 
-    /** Returns the calls that read results or destroy the parameters, all on the first call's thread. */
+    /**
+     * Returns the calls that read results, and the call that destroys the parameters. All are on the thread
+     * of the first call.
+     */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
         for (Call call : mAfter) {

@@ -127,12 +127,14 @@ public final class ContractTest {
             CLIENT + "begin 2 destroyClient 'client': '0x100'\nbegin 3 createClient\n"
                     + "end 3 createClient 'result': '0x100'\nend 2 destroyClient\n"
                     + "begin 4 flush 'client': '0x100'\n",
-            // Callbacks during process and destroyClient. The client is usable until destroyClient returns.
+            // A callback may arrive during process or destroyClient. The client is usable until destroyClient
+            // returns.
             BLOCK + "begin 3 process " + RECORD + "\nbegin 4 " + CALLED + "end 3 process 'result': 0\n"
                     + "begin 5 destroyMetadata 'block': '0x1000'\n",
             SUBMITTED + "begin 4 destroyClient 'client': '0x100'\nbegin 5 " + CALLED
                     + "begin 6 flush 'client': '0x100'\nend 4 destroyClient\n",
-            // Ids of finished requests, and of timed-out requests that may still call back, are used again.
+            // A request may reuse the id of a finished request, or of a timed-out request that may still call
+            // back.
             SUBMITTED + "begin 4 " + CALLED + "begin 5 process " + RECORD
                     + "\nend 5 process 'result': 0\nbegin 6 " + CALLED,
             SUBMITTED + "begin 5 process " + RECORD + "\nend 5 process 'result': 0\nbegin 6 " + CALLED
