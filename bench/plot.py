@@ -106,7 +106,7 @@ def frames_table(results):
              shared[x]["request_us"], shared[x]["descriptors_us"], f"{shared[x]['ratio_descriptors']:.2f}"]
             for x, r in series(results, "frames")]
     return table(["frames", "µs", "floor, µs", "JNI calls", "allocations", "in shared memory, µs",
-                  "descriptors alone, µs", "ratio to floor and descriptors"], rows)
+                  "descriptors alone, µs", "shared memory / (floor + descriptors)"], rows)
 
 
 def fit_text(results, group, counter, unit, what):

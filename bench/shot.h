@@ -12,7 +12,7 @@
 namespace orlu::bench {
 
 struct ShotPlan {
-  std::string sample;  // the request file with the tags and images
+  std::string sample;  // the request file with the tags
   int frames = 1;      // the sample's frames, repeated up to this number
   int inputsPerFrame = 1;
   std::vector<std::string> algorithms;
@@ -30,7 +30,7 @@ class Shot {
 public:
   explicit Shot(const ShotPlan& plan);
 
-  // Restores the compositions: removes what the library stored in them.
+  // Removes the capture results that the library stored in the compositions.
   void refresh();
 
   const ShotPlan& plan() const { return mPlan; }

@@ -1,6 +1,5 @@
-# 32-bit ARM as in arm-linux-gnueabihf.cmake, with the phone's compiler and C++ library: clang, lld and
-# libc++. Clang is the host's; the C and C++ libraries are in the private root, and libgcc is from Debian's
-# cross compiler.
+# 32-bit ARM as in arm-linux-gnueabihf.cmake, built with clang, lld and libc++, as for the phone. The C and
+# C++ libraries are in the private root; libgcc is from Debian's cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
 
 # GoogleTest is built here too, and needs a C compiler.
@@ -11,7 +10,7 @@ foreach(language C CXX)
   set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN /usr)
 endforeach()
 set(CMAKE_SYSROOT ${ORLU_ARM_ROOT})
-# The tests parse the output of the cross compiler's tools.
+# The tests expect the output of GNU readelf and strip, not of LLVM's.
 set(CMAKE_READELF arm-linux-gnueabihf-readelf CACHE FILEPATH "")
 set(CMAKE_STRIP arm-linux-gnueabihf-strip CACHE FILEPATH "")
 

@@ -1,8 +1,8 @@
-# The target headers_alone checks that every header compiles alone: for each header, it compiles a source that
+# The target headers_alone checks that each of these headers compiles alone: it compiles a source that
 # includes the header twice. scripts/lint.sh builds this target.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
-# Headers for clang only: libFuzzer's targets, and replacements of headers of Android's C library.
+# Headers that only clang compiles: those of the fuzz targets, and of the platform step.
 list(FILTER headers EXCLUDE REGEX "^(fuzz/support/(fake_jni|target)[.]h|tests/platform/.*)$")
 
 set(sources "")

@@ -47,7 +47,7 @@ bool soakClients(uint64_t seed, uint64_t requests, const std::vector<SoakArgumen
                  SoakWatch& watch) {
   Ledger ledger(seed, requests);
   const standin::AlgoScript script = plainSoakScript(ledger);
-  // Does not use test::Algo, which records every call: the records of a long run exceed the memory.
+  // Creates no test::Algo, which would record every call: the records of a long run exceed the memory.
   test::setScript(&script);
   {
     SoakShared shared(ledger, seed);

@@ -185,7 +185,7 @@ static_assert(offsetof(CallbackHeader, nativeReq) == 8);
 static_assert(offsetof(CallbackHeader, nameLength) == 16);
 static_assert(kCallbackNameOffset == 20);
 
-// Names of result callbacks: for a finished request, without a payload, and for a light-stream event.
+// Names of result callbacks: for a finished request (without a payload), and for a light-stream event.
 constexpr char kShotCallback[] = "shotCb";
 constexpr char kLightStreamCallback[] = "lightStreamCb";
 

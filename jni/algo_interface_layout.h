@@ -10,7 +10,7 @@
 
 namespace orlu {
 
-// Sizes on the phone and other 32-bit machines, and on a 64-bit workstation.
+// Values on 32-bit ARM, as on the phone, and on a 64-bit workstation.
 #if UINTPTR_MAX == UINT32_MAX
 #define ORLU_LAYOUT(found, phone, workstation) static_assert((found) == (phone), #found " is not " #phone)
 #else

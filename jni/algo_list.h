@@ -9,7 +9,7 @@ namespace orlu {
 // Joins the names with single spaces. Returns "" for an empty list.
 std::string printAlgoList(const std::vector<std::string>& list);
 
-// Returns whether any entry begins with the first `len` bytes of `name`; a longer entry matches too.
+// Returns whether any entry begins with the first `len` bytes of `name`.
 bool isAlgoListContains(const std::vector<std::string>& list, const char* name, int len);
 
 // Erases every entry that isAlgoListContains() would match. The other entries keep their order.

@@ -155,7 +155,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobje
   __tagOrluRect rect;
   const Unpacked unpacked = unpack(rect, value);
   if (unpacked != kRead) return unpacked;
-  // The rectangle class has no field for the flag, so the flag stays false.
+  // The rectangle class has no counterpart of SCR_Type::flag, which stays false.
   std::memset(&out, 0, sizeof out);
   out.left = rect.left;
   out.right = rect.right;
@@ -279,7 +279,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const MeteringOut& o
   return kRead;
 }
 
-// ---- The getters: one row each, with its name, the class of its typed key, and its outputs
+// ---- The getters: one row each, with its name, the class of its typed key (if any), and its outputs
 
 using P = CameraMetadataParser;
 

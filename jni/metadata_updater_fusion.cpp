@@ -1,4 +1,4 @@
-// The two frames of a two-camera fusion: bokeh, or a switching multi-camera system.
+// The two frames of a two-camera fusion: for bokeh, or while a multi-camera system switches cameras (SAT).
 
 #include "fusion_frames.h"
 #include "metadata_updater_steps.h"

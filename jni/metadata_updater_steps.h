@@ -16,9 +16,9 @@ constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 // Reads a frame's faces in the active array's coordinates. The count comes from the tag, even if it exceeds
 // the table (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
-// Reads the width and height of the active array; zero if the camera does not report them.
+// Returns the right and bottom edges of the active array as its size; zero if it is not reported.
 _tagOrluSize readActiveSize(const Shot& shot);
-// Reads the crop of a switching multi-camera system: left, top, width and height.
+// Reads the crop of a multi-camera system that switches cameras (SAT): left, top, width and height.
 Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);
 // Returns the scene type from the first of three tags that is present; 0 if all three are missing.
 int32_t readSceneType(const Shot& shot);

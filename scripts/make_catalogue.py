@@ -4,7 +4,7 @@ write a parameter, its value without tags, and the outcome of each sample's algo
 functions read a tag.
 
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
-make_catalogue.py --texts             write both from the tables, the samples and the previous findings
+make_catalogue.py --texts             write both from tool/tags/, the samples and the previous findings
 make_catalogue.py --check             compare both with new findings, and write nothing
 make_catalogue.py --check SAMPLE...   check that no finding of these samples (names without .json) is missing
 
@@ -44,8 +44,8 @@ PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 # Parameters of an abort. No sample requests an abort, so no trial finds their writers.
 ABORT = ("abort_key", "abort_val")
-# Prefixes of the functions of Shot that read one fixed tag; "hot." matches "shot." and "mShot.". Each of them
-# has a KeptTag, except exposureOf(), which takes a frame.
+# The text before the name of a function of Shot; "hot." matches "shot." and "mShot.". Each such function that
+# reads one fixed tag has a KeptTag, except exposureOf(), which takes a frame.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"
@@ -122,7 +122,7 @@ def requests(samples):
 
 
 def bare(request):
-    """Returns the request without any tag, but with the photo's frames and the image sizes."""
+    """Returns the request without the tags of its frames, which keep their number, noise and sizes."""
     frames = request["frames"]
     kept = {name: value for name, value in frames.items() if name not in ("common", "each")}
     return {**request, "frames": kept}
@@ -323,8 +323,8 @@ def main():
         rows, asked = found(samples, tags)
         if not chosen:
             read = {row.split()[1] for row in rows if row.startswith("reads ")}
-            problems += [f"{tag} is requested, but no function of jni/ names it" for tag in sorted(asked - read)]
-            problems += [f"{tag} is named in jni/, but no sample requests it" for tag in sorted(read - asked)]
+            problems += [f"{tag} was read, but no function of jni/ names it" for tag in sorted(asked - read)]
+            problems += [f"{tag} is named in jni/, but no run of a sample reads it" for tag in sorted(read - asked)]
     catalogue = catalogue_entries.parts(known if chosen else rows)
     texts = {CATALOGUE: catalogue_entries.text(catalogue), PAGE: page(catalogue)}
     if is_check:

@@ -36,8 +36,8 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the phone of ANDROID_SERIAL, else the only phone that is ready; exits with an error if it
-# is not ready or there are several. adb itself also counts phones that are not ready.
+# one_phone: selects the phone of ANDROID_SERIAL, else the only phone that is ready; exits with an error if
+# that phone is not ready, or if several are. adb itself also counts phones that are not ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
@@ -121,7 +121,7 @@ run_kit() {
   [ ! -f "$runtime" ] || call_adb push "$runtime" "$folder/libc++_shared.so"
   in_shell chmod 755 "$folder/conform"
   adb shell "$(quoted env "LD_LIBRARY_PATH=$folder" "$folder/conform" "$folder/liborlu.vac.interface.so" "${@:3}")" || status=$?
-  # adb itself also fails with the status of a failed check.
+  # If the connection breaks, adb exits with 1, as the kit does after a failed check.
   [ "$status" -eq 0 ] || [ "$(adb get-state 2>/dev/null)" = device ] ||
     die "$ANDROID_SERIAL was disconnected while the kit ran"
   return "$status"

@@ -59,7 +59,7 @@ night-async!||0|
 ROWS
 }
 
-# lose_patience GROUP: terminates a run, given its process group, once it hangs in process.
+# lose_patience GROUP: terminates the run with this process group once it is inside the operation "process".
 lose_patience() {
   local i
   for ((i = 0; i < 600; ++i)); do

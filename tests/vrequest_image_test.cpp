@@ -87,7 +87,7 @@ const ImageCase kImageCases[] = {
     {"NoSecondPlane",   "NV12", 64, 48, {80, 40}, {5000},     "2 2 | 80 40 0 0 | 5000 1920 0 0 | 5000", ""},
     {"NegativeSecond",  "NV21", 64, 48, {80, 40}, {5000, -1}, "1 2 | 80 40 0 0 | 5000 1920 0 0 | 4999", ""},
     {"RawWholeMemory",  "RAW_SENSOR", 64, 48, {80}, {9000},   "18 1 | 80 0 0 0 | 9000 0 0 0 | 9000", ""},
-    // Arrays that are too short, empty or too long.
+    // Arrays that are empty or too long.
     {"NothingGiven",    "NV21", 64, 48, {},       {},         "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
     {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
     // Sizes that do not fit are clamped.
@@ -158,7 +158,7 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
     for (const AlgoFrameInfo& frame : {request.inputFrames()[0], request.outputFrames()[1]}) {
       EXPECT_EQ(handle.data[1], frame.fd[0]);
       EXPECT_EQ(1, frame.fdCount);
-      EXPECT_EQ(5000, frame.fdSize[0]);  // the frame's size, so the first plane's size is corrected
+      EXPECT_EQ(5000, frame.fdSize[0]);  // the memory's size, so the first plane's size is corrected
       EXPECT_EQ("1 2 | 80 40 0 0 | 3840 1920 0 0 | 5000", test::layoutText(frame));
       ASSERT_NE(nullptr, frame.nativeHandle);
       EXPECT_EQ(handle.data[1], frame.nativeHandle->data[0]);
@@ -192,7 +192,7 @@ TEST_F(VRequestImageTest, CopiesTheHandleAndSwapsItsFirstWords) {
   EXPECT_EQ("-1 | 12 0 1 | 0 1000 0 0 0", copyOf(1, 1));
   EXPECT_EQ("1001 | 12 0 2 | 1001 1000 0 0 0", copyOf(2, 2));
   EXPECT_EQ("1001 | 12 0 255 | 1001 1000 1002 1254 0", copyOf(255, 255));
-  EXPECT_EQ("1001 | 12 0 256 | 0 0 0 0 0", copyOf(256, 256)) << "more words than fit";
+  EXPECT_EQ("1001 | 12 0 256 | 0 0 0 0 0", copyOf(256, 256)) << "a full handle";
   EXPECT_EQ("-1 | 12 0 -3 | 0 0 0 0 0", copyOf(3, -3)) << "a negative number of words";
 }
 

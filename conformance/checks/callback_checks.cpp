@@ -210,7 +210,7 @@ void checkOverlap() {
     Scene scene;
     HOLDS(returnsWhileHeld(scene, holdTime(), [&] { work.run(scene); }))
         << work.what << " must return during the callback of another request, but did not return in "
-        << holdTime().count() << " ms; usually " << work.usual;
+        << holdTime().count() << " ms; usual cause: " << work.usual;
     const bool isSecondDone = work.run != submitSecond || scene.inbox.waitFor(2);
     HOLDS(isSecondDone) << kNoCallback << "a request submitted during a callback";
   }

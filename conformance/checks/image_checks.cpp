@@ -49,7 +49,7 @@ void tryTightJpeg(Scene& scene) {
     HOLDS(tight.strayWrite().empty() && size <= room)
         << what << " must stay inside it: " << (tight.strayWrite().empty() ? "" : tight.strayWrite() + "; ")
         << "encoded_jpeg_size is " << size
-        << "; usually the encoder's bytes are copied without checking fdSize";
+        << "; usual cause: the encoder's bytes are copied without checking fdSize";
   }
 }
 
@@ -135,7 +135,8 @@ void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) 
     const std::string untouched = runs.untouched(i);
     if (i == 1) usual = "only the first output is written";
     HOLDS(untouched.empty()) << "output " << i << " of a copy of " << what
-                             << ": every pixel must be written, but " << untouched << "; usually " << usual;
+                             << ": every pixel must be written, but " << untouched
+                             << "; usual cause: " << usual;
     if (!untouched.empty()) return;
   }
 }

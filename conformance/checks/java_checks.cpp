@@ -97,11 +97,11 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Numbers of threads that exited after calling back: those still attached to the VM, and all. The destructor
-// of a thread-specific key counts them. It sets the key again as often as the thread library allows, so that
-// it runs after the algorithm library's destructors.
-std::atomic<int> gEndedAttached{0};
-std::atomic<int> gEnded{0};
+// Numbers of threads that exited after calling back. The destructor of a thread-specific key counts them. It
+// sets the key again as often as the thread library allows, so that it runs after the algorithm library's
+// destructors.
+std::atomic<int> gEndedAttached{0};  // still attached to the VM
+std::atomic<int> gEnded{0};          // all
 pthread_key_t gEndKey;
 
 void onThreadEnd(void* rounds) {
@@ -161,7 +161,7 @@ void judgeLightStream(const std::vector<Message>& messages) {
 
 void checkJava() {
 #ifdef __SANITIZE_THREAD__
-  constexpr bool kSeesTheVm = true;  // reports the VM's own threads, which are not instrumented
+  constexpr bool kSeesTheVm = true;  // it reports the VM's own threads, which are not instrumented
 #else
   constexpr bool kSeesTheVm = false;
 #endif

@@ -55,12 +55,12 @@ void judgeGrowth(const std::string& what, int clients, const Holdings& growth) {
   const std::string whole =
       what + " must leave nothing behind within " + std::to_string(kEnding.count()) + " s: ";
   HOLDS(growth.threads < clients / 2)
-      << whole << growth.threads << " threads are left; usually destroyClient "
+      << whole << growth.threads << " threads are left; usual cause: destroyClient "
       << "does not end and join the workers of its client";
   HOLDS(growth.descriptors < clients / 2) << whole << growth.descriptors << " descriptors are left";
   HOLDS(growth.bytes < clients * static_cast<int64_t>(kBytesOfClient))
       << whole << growth.bytes << " bytes are left, " << growth.bytes / clients
-      << " for each client; usually entries are never removed from a map of clients, or a client is not "
+      << " for each client; usual cause: entries are never removed from a map of clients, or a client is not "
       << "deleted";
 }
 
@@ -122,7 +122,7 @@ void endBusyClients() {
   const auto written = std::count_if(outputs.begin(), outputs.end(),
                                      [](const auto& one) { return one.first->bytes() != one.second; });
   HOLDS(written == 0) << written << " of " << outputs.size()
-                      << " outputs were written after destroyClient had returned; usually it does not "
+                      << " outputs were written after destroyClient had returned; usual cause: it does not "
                       << "wait for the workers of its client";
   poison(0);
   HOLDS(late == 0) << late << " callbacks came after destroyClient had returned";
@@ -142,13 +142,13 @@ void releaseAndComeBack() {
     step("uninit with mode " + std::to_string(mode) + ", and a request of another client");
     first.client.uninit(mode);
     HOLDS(second.run(static_cast<uint64_t>(mode) + 10))
-        << "a client must work after another was uninitialised; usually a flag shared by all clients is "
+        << "a client must work after another was uninitialised; usual cause: a flag shared by all clients is "
            "cleared";
     step("init after uninit with mode " + std::to_string(mode) + ", and a request");
     init(first.client);
     HOLDS(first.run(static_cast<uint64_t>(mode) + 20))
         << "a client must work after uninit with mode " << mode
-        << " and init; usually uninit sets a flag that init does not clear";
+        << " and init; usual cause: uninit sets a flag that init does not clear";
   }
 }
 

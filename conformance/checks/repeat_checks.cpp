@@ -38,8 +38,8 @@ std::string withoutTimes(std::string bytes) {
 
 class Repeats {
 public:
-  // Runs a request, and returns the bytes of its output without padding, times of day and a JPEG's EXIF data;
-  // "" if the callback is missing.
+  // Runs a request, and returns the bytes of its output without padding, and without times of day or, for
+  // jpegEncode, EXIF data; "" if the callback is missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,
@@ -102,8 +102,8 @@ void report(const std::string& what, const std::string& first, const std::string
   const size_t at = firstDifference(first, second);
   const std::string text = what + ": the same request must give the same bytes, but byte " +
                            std::to_string(at) + " is " + std::to_string(static_cast<uint8_t>(first[at])) +
-                           ", then " + std::to_string(static_cast<uint8_t>(second[at])) + "; usually " +
-                           usual;
+                           ", then " + std::to_string(static_cast<uint8_t>(second[at])) +
+                           "; usual cause: " + usual;
   if (options().allowNoise) return warn(text);
   ADD_FAILURE() << text;
 }
@@ -128,6 +128,7 @@ void checkRepeats() {
     repeats.runAnother();
     seen[2] = repeats.run(algorithm, shape);
     ++kinds;
+    // EXIF blocks of different lengths shift the rest.
     if (seen[0].size() != seen[1].size() || seen[0].size() != seen[2].size()) return;
     report(what + " with fresh memory poisoned by 0x11 and 0xEE", seen[0], seen[1],
            "uninitialised memory is read");

@@ -64,7 +64,7 @@ void judgeGrowth(const Holdings& growth) {
   for (const Limit& limit : kLimits) {
     HOLDS(growth.*limit.held <= limit.slack)
         << kRequests << " requests must leave nothing behind: " << growth.*limit.held << " " << limit.what
-        << " more; usually an early return skips a close, munmap, join or free";
+        << " more; usual cause: an early return skips a close, munmap, join or free";
   }
 }
 
@@ -146,7 +146,7 @@ void tryManyRequests(Client& client, Inbox& inbox) {
   HOLDS(least < kBytesOfRequest)
       << count << "none may leak memory, but allocated memory grows by " << least
       << " bytes per request (slope over the second half, smallest of " << kRounds
-      << " rounds); usually entries are never removed from a list of requests or results";
+      << " rounds); usual cause: entries are never removed from a list of requests or results";
   note(count + std::to_string(least) + " bytes each" +
        (done < kFewestForSlope ? "; too few requests to be sure" : ""));
 }
@@ -189,14 +189,15 @@ void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, con
   HOLDS(growth.descriptors <= 0 && growth.imageMappings <= 0)
       << "three requests with " << what << " must leave no descriptor and no mapping: " << growth.descriptors
       << " descriptors and " << growth.imageMappings << " mappings are left after " << kSettle.count() << " s"
-      << listOf(watch.takeLeft()) << "; usually an early return, for this format only, skips close or munmap";
+      << listOf(watch.takeLeft())
+      << "; usual cause: an early return, for this format only, skips close or munmap";
   for (const Image* image : {&input, &output, &second}) watch.forget(image->descriptors());
   for (const std::string& wrong : watch.takeWrong()) {
-    ADD_FAILURE()
-        << "a request with " << what
-        << ": a library must close each descriptor of its own exactly once, and unmap each mapping "
-        << "of its own exactly once and as a whole; found " << wrong
-        << "; usually two places release the same resource, whose number or address may be reused meanwhile";
+    ADD_FAILURE() << "a request with " << what
+                  << ": a library must close each descriptor of its own exactly once, and unmap each mapping "
+                  << "of its own exactly once and as a whole; found " << wrong
+                  << "; usual cause: two places release the same resource, whose number or address may be "
+                     "reused meanwhile";
   }
 }
 

@@ -200,7 +200,7 @@ void hammerStore() {
   const int values = hammer.rounds * kThreads * (2 * kKeys + 2);
   HOLDS(all.count == 0) << "eight threads use the store at once and must read whole values that were set: "
                         << all.count << " of " << values << " values are wrong, the first: " << all.first
-                        << "; usually the map of a block, or of all blocks, has no lock";
+                        << "; usual cause: the map of a block, or of all blocks, has no lock";
   note("8 threads, " + std::to_string(values) + " values in " + std::to_string(hammer.rounds) + " rounds");
 }
 

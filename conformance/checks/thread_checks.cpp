@@ -117,7 +117,7 @@ void paintAtOnce() {
   }
   const std::string text =
       "requests must give the same outputs in parallel as one after another: " + std::to_string(different) +
-      " of 24 differ; usually workers share a buffer";
+      " of 24 differ; usual cause: workers share a buffer";
   if (different > 0 && options().allowNoise) return warn(text);
   HOLDS(different == 0) << text;
 }
@@ -133,9 +133,10 @@ void checkKeys() {
   step("reading the values on another thread");
   std::string wrong;
   std::thread([&] { wrong = wrongValues(block, entries); }).join();
-  HOLDS(wrong.empty()) << "a block must store " << entries.size() << " values, and compare names of up to "
-                       << kLongest << " letters whole: " << wrong
-                       << "; usually names are cut to a fixed length, or the values are in a fixed array";
+  HOLDS(wrong.empty())
+      << "a block must store " << entries.size() << " values, and compare names of up to " << kLongest
+      << " letters whole: " << wrong
+      << "; usual cause: names are cut to a fixed length, or the values are in a fixed array";
   note(std::to_string(entries.size()) + " values, " + std::to_string(std::size(kParameters)) +
        " of them sent by the service");
 }

@@ -116,8 +116,8 @@ std::string listen(const Check& check, int descriptor, std::string& words) {
     if (!overdue.empty()) {
       noteHang(overdue);
       return overdue + " hangs: it has not returned after " + std::to_string(patience.count()) +
-             " s; usually it waits for a counter that an early return does not decrement, or for its own "
-             "thread";
+             " s; usual cause: it waits for a counter that an early return does not decrement, or for its "
+             "own thread";
     }
     if (now > limit) return "hangs: not finished after " + std::to_string(options().limitSeconds) + " s";
     if (now > budgetEnd()) {

@@ -38,12 +38,12 @@ struct Mapping {
 struct Seen {
   std::mutex mutex;
   std::set<int> callers;            // open when the watch started, or lent to the library
-  std::map<int, std::string> kept;  // closed numbers, and where they were closed
+  std::map<int, std::string> kept;  // closed numbers with a placeholder, and where they were closed
   std::deque<int> keptOrder;
   std::map<int, std::string> duplicates;  // open duplicates, and where they were made
   std::map<uintptr_t, Mapping> mappings;  // of images
   std::vector<std::string> wrong;
-  int nothing = -1;  // placeholder for kept numbers: reading, mapping and writing it fail
+  int nothing = -1;  // the placeholder: reading, mapping and writing it fail
 };
 
 std::atomic<bool> gIsWatching{false};
@@ -97,15 +97,15 @@ int badDescriptor() {
   return -1;
 }
 
-// Stops keeping a number. `closesPlaceholder` is false if dup2 has already replaced the placeholder. Requires
-// the lock.
+// Frees a closed number for reuse. `closesPlaceholder` is false if dup2 has already replaced the placeholder.
+// Requires the lock.
 void giveUp(Seen& all, int fd, bool closesPlaceholder) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
   if (closesPlaceholder) plainClose(fd);
 }
 
-// Records a number that a placeholder occupies; gives up the oldest if there are too many. Requires the lock.
+// Records a number that a placeholder occupies; frees the oldest if there are too many. Requires the lock.
 void keep(Seen& all, int fd, const std::string& text) {
   all.duplicates.erase(fd);
   all.kept[fd] = text;

@@ -15,7 +15,7 @@ bool isYuv(int32_t format) {
   return format == kFormatNv21 || format == kFormatNv12;
 }
 
-// Returns the bytes of the longest row of any plane, without padding.
+// Returns the number of bytes in the longest row of any plane, without padding.
 int32_t rowBytes(const ImageShape& shape) {
   switch (shape.format) {
     case kFormatRaw16:
@@ -65,7 +65,7 @@ Image::Image(const ImageShape& shape, int filler) : mShape(shape) {
   mSize = static_cast<size_t>(layOut().size);
   mFd = memfd_create("image", MFD_CLOEXEC);
   mPattern.resize(mSize);
-  // A smooth pattern, suitable for JPEG encoding and frame alignment. Neighbouring rows differ.
+  // A smooth pattern, suitable for JPEG encoding and frame alignment. Neighbouring rows usually differ.
   for (size_t i = 0; i < mSize; ++i)
     mPattern[i] = static_cast<uint8_t>(i / 7 + static_cast<size_t>(filler) * 31);
   writeAll(mFd, mPattern, 0);

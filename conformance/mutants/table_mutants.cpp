@@ -1,4 +1,4 @@
-// Mutants of the table: how it is filled, its clients, exceptions, and records.
+// Mutants with a faulty table, or with faults in clients, exceptions, records or queries.
 #include <unistd.h>
 
 #include <algorithm>

@@ -45,7 +45,7 @@ enum class SoakCallbacks : uint8_t {
   kWithoutMemory     // once, but the map for Java can't be allocated; Java finishes the request by its id
 };
 
-// A row of the ledger.
+// A row of the table that the soak prints (see ledger.h).
 struct SoakWay {
   unsigned share;  // per thousand requests
   const char* name;
@@ -87,7 +87,7 @@ constexpr SoakWay kSoakWays[] = {
   { 10, "  no memory to announce",  Kind::kFullAsync,   Calls::kWithoutMemory,   End::kUnannounced},
 };
 
-// Operations that misbehave after their work.
+// Operations that misbehave after their work; "callback" leaves its exception before the callback.
 struct SoakFault {
   const char* operation;
   bool isJava;  // leaves a Java exception pending; otherwise throws a C++ exception

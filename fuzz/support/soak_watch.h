@@ -22,8 +22,8 @@ inline bool same(const char* what, int before, int after) {
   return before == after;
 }
 
-// Prints the stand-in's resources. Returns whether they are as before and the map contains no request from
-// `firstId` on.
+// Prints the stand-in's resources. Returns whether they are as before, and no request with an id of
+// `firstId` or above is left.
 inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   const standin::AlgoCounts after = test::Algo::counts();
   bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);

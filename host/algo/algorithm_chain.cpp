@@ -203,7 +203,7 @@ std::vector<uint8_t> AlgorithmChain::encode(size_t room) const {
   return encodeJpeg(mPicture.view(), buildExif(facts), room);
 }
 
-// Writes the page as a separate JPEG. Nothing is straightened: the page is assumed to fill the picture.
+// Writes the photographed page, which is assumed to fill the picture, as a separate JPEG.
 void AlgorithmChain::deliverDocument() {
   std::vector<Frame>& outputs = mRequest.outputs();
   if (!asksFor("ppt") || outputs.size() < 2 || outputs[1].map(Frame::Access::kReadWrite) != 0) return;
@@ -216,7 +216,7 @@ void AlgorithmChain::deliverDocument() {
   markRan("ppt");
 }
 
-// Reports the requested point and blur, and the size of the file, which is passed through.
+// Reports the requested point and blur. The input JPEG is passed through, so its size is reported, too.
 void AlgorithmChain::leaveRefocus() {
   if (!asksFor("jpegBokehOnly") || mPicture.empty()) return;
   ParameterSet& parameters = mRequest.parameters();

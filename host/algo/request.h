@@ -1,4 +1,4 @@
-// One request from process() to its last callback, with its own copy of the caller's data.
+// One request from process() to its last callback, with copies of the record and its descriptors.
 #pragma once
 
 #include <chrono>

@@ -71,7 +71,7 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// Opens the file for all lines, which is never closed. Returns its descriptor; -1 without a file.
+// Opens ORLU_LOG_FILE, which is never closed. Returns its descriptor; -1 without a file.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;

@@ -1,4 +1,4 @@
-// The header fields of a callback's bytes.
+// The request and the name in a callback's bytes.
 #pragma once
 
 #include <cstring>

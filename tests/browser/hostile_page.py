@@ -1,4 +1,4 @@
-"""Makes pages with attacks in every string. No attack may run, load anything, or change the text
+"""Makes pages with attacks in all free strings. No attack may run, load anything, or change the text
 displayed."""
 
 import json
@@ -48,7 +48,7 @@ POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-
 
 
 def hostile_request(folder, name, text):
-    """Writes the sample capture with this string in every string field. Returns the file."""
+    """Writes the sample capture with this string in every field that accepts any string. Returns the file."""
     request = json.loads((ROOT / "samples/capture.json").read_text())
     request["about"] = text
     request["request"]["type"] = text

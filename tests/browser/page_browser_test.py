@@ -258,7 +258,7 @@ def check_timeline(page):
     page.check("+ zooms in", width() > 1.5 * before, f"{before} {width()}")
     box.send_keys(Keys.ARROW_RIGHT)
     page.check("an arrow key selects the next slice", page.one("#panel-timeline [aria-live]").text != detail)
-    page.check("arrows lead from process to results", len(page.all("#panel-timeline .flow")) == 2)
+    page.check("flow arrows lead from process to results", len(page.all("#panel-timeline .flow")) == 2)
 
 
 def check_index(driver, build, folder):

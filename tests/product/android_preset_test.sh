@@ -1,6 +1,6 @@
 #!/bin/bash
 # Tests the NDK build as far as possible without the NDK: configures it with a stub of the NDK's toolchain
-# file, and checks that the phone's libraries and the kit would be built, and no part that needs this machine.
+# file, and checks that it would build the phone's libraries and the kit, but no part for this machine.
 #   android_preset_test.sh PROJECT
 set -euo pipefail
 project=$1

@@ -40,7 +40,7 @@ natives=(
   abort algoInit algoRelease createNativeClient destroyNativeClient flush getData getVersion notify processImage
   processImageUpdateResult translateParamFiles
 )
-# lld also exports the ends of the data, which no loader uses.
+# lld also exports symbols that mark where the data ends; no loader uses them.
 # Columns: number, value, size, type, binding, visibility, section, name.
 offered=$(awk '$1 ~ /^[0-9]+:$/ && $5 != "LOCAL" && $7 != "UND" && $8 !~ /^(_edata|_end|__bss_start)$/ { print $4 "/" $8 }' <<<"$symbols")
 expect "exported symbols" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \

@@ -20,7 +20,7 @@ using Bytes = std::vector<uint8_t>;
   throw std::runtime_error(what + ": '" + text + "'");
 }
 
-// Parses a number, "number/number", or "number+numberi", where i is the frame.
+// Parses a number such as "7", "1/3" or "7+2i", where i is the frame.
 template <typename T>
 T parseNumber(const std::string& text, int frame) {
   const auto plain = [](const char* from, char** end) {
@@ -91,7 +91,7 @@ const NumberType* numberType(std::string type) {
   return found == types.end() ? nullptr : &found->second;
 }
 
-// Parses a quoted string, or numbers up to the end of `in`.
+// Parses a quoted string, a location's four numbers, or numbers up to the end of `in`.
 Bytes parseWords(const std::string& type, std::istream& in, int frame) {
   if (type == "text" || type == "string") {
     const std::string text = quotedText(in);

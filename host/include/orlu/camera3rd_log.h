@@ -5,8 +5,8 @@
 extern "C" {
 #endif
 
-// Debug lines are written only while this is below 4. The system property "persist.sys.camera3rd.loglevel"
-// sets its initial value; the default is 3.
+// Most debug lines are written only while this is below 4. The system property
+// "persist.sys.camera3rd.loglevel" sets its initial value; the default is 3.
 extern int gVAFCtrlLogLevel;
 
 // Returns the part of `path` after its last '/', in the same memory; "" for null.

@@ -33,8 +33,7 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// Use these macros at global scope. OPAQUE is for opaque records, and for records whose fields the caller
-// asserts one by one.
+// Use these macros at global scope. OPAQUE does not compare sizes; RECORD does, and its fields need FIELD.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

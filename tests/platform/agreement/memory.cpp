@@ -1,5 +1,5 @@
-// Compares shared memory, and the part of hardware buffers that Debian has headers for: the conversion from
-// Java objects, and the pixel formats, which are named HAL_PIXEL_FORMAT_... there.
+// Compares our headers of shared memory and hardware buffers with Debian's. Of hardware buffers, Debian has
+// only the conversion from Java objects and the pixel formats, with the names HAL_PIXEL_FORMAT_...
 #include <android/hardware_buffer_jni.h>
 #include <android/sharedmem_jni.h>
 #include <system/graphics-base-v1.0.h>

@@ -25,7 +25,7 @@ public final class Parcel {
         mData = ByteBuffer.allocate(FIRST_CAPACITY).order(ByteOrder.LITTLE_ENDIAN);
     }
 
-    /** Sets whether descriptors may be written; returns the previous setting. */
+    /** Stores the setting, which has no effect here; returns the previous one. */
     public boolean pushAllowFds(boolean allowFds) {
         boolean before = mAllowFds;
         mAllowFds = allowFds;

@@ -10,7 +10,7 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.function.IntSupplier;
 
-/** Image descriptors and their memory, which lives until close(). */
+/** Image descriptors and their memory, some of it closed at once on purpose, the rest by close(). */
 final class HostileImages implements AutoCloseable {
     private static final List<String> FORMATS = List.of("NV21", "NV12", "YU12", "YV12", "MIPI_RAW10",
             "MIPI_RAW12", "RAW16", "RAW16_AND_MORE", "RAW_SENSOR", "JPEG", "R8G8B8A8", "NV2", "RAW1");

@@ -3,7 +3,7 @@ package com.orlu.test;
 import android.hardware.camera2.CaptureResult;
 import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 
-/** A composition whose methods all throw. */
+/** A composition that throws from every method that the native side calls. */
 public final class ThrowingComposition extends CaptureResultComposition {
     @Override
     public Object getMetadata(String key) {

@@ -40,8 +40,8 @@ final class EventCopy {
     }
 
     /**
-     * Copies this request's events into the recording and moves its pixel files there. Adds the events file
-     * and a list of the omitted pixels to `outcome`.
+     * Copies the events since start() into the recording and moves this request's pixel files there. Adds the
+     * events file and a list of the omitted pixels to `outcome`.
      */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {

@@ -42,7 +42,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns a value in the form of request files; the result of toString() for other classes. */
+    /** Returns a value in the form of request files; if its class has none, the result of toString(). */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);
@@ -105,7 +105,7 @@ public final class HeldValue {
     }
 
     /**
-     * Converts each value to an object that names its type ({"long": 5}), so that it can be read back. A
+     * Converts each value but null to an object that names its type ({"long": 5}), to be read back. A
      * value of a class without a type name becomes {"class": the class, "text": the result of toString()}. If
      * the conversion throws or an element is null, "text" is the reason.
      */

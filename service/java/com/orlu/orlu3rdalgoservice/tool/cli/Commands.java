@@ -40,7 +40,7 @@ final class Commands {
             new Row("info", "Print what recordings contain", InfoCommand::new),
             new Row("replay", "Run recordings again and compare", ReplayCommand::new),
             new Row("trim", "Write a smaller copy of a recording", TrimCommand::new),
-            new Row("diff", "Compare two runs of a request", DiffCommand::new),
+            new Row("diff", "Compare two runs", DiffCommand::new),
             new Row("sweep", "Run a request with several values of a tag", SweepCommand::new),
             new Row("compare", "Compare two libraries over many requests", CompareCommand::new),
             new Row("conform", "Check an algorithm library's conformance", () -> new LaunchedCommand(

@@ -35,7 +35,7 @@ final class ImportCommand implements Subcommand {
             description = "Request these algorithms, e.g. night,jpegEncode")
     private List<String> mAlgorithms = List.of();
 
-    /** Prints a note for each dropped value. Writes nothing if a file is invalid. */
+    /** Prints notes on dropped values. Writes no file if an imported file is invalid. */
     @Override
     public int run() throws MistakeException, IOException {
         if (Files.isDirectory(mOut)) {
@@ -86,7 +86,7 @@ final class ImportCommand implements Subcommand {
         importer.read(mFiles);
         Path folder = mOut.toAbsolutePath().getParent();
         makeFolder(folder);
-        // Runs the same checks as ./run before the file is written.
+        // Checks the request as ./run --check does before the file is written.
         String text = new RequestWriter(folder, importer).text(mFiles, mAlgorithms, mPhoto);
         RequestFileReader.check(mOut, text);
         Files.writeString(mOut, text);

@@ -11,7 +11,7 @@ final class LaunchedCommand implements Subcommand {
 
     /**
      * Takes the program's options except --help, separated by blanks; options with a value end in "=". A test
-     * compares the options of "conform" with the help of the conformance kit.
+     * checks that the options of "conform" match the conformance kit's help.
      */
     LaunchedCommand(String options) {
         mOptions = options;

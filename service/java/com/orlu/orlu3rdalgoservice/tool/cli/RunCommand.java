@@ -35,11 +35,11 @@ import picocli.CommandLine.Spec;
             "  ./run tags zoom                       List the tags with zoom in their names",
             """
 
-            The last line is the verdict: "verdict  ok", or what the algorithm library did wrong. The exit \
+            The last line of a run is the verdict: "verdict  ok", or what went wrong. The exit \
             status is 0 if all went well, 1 if a request failed, 2 if the command line or a request file is \
             invalid (nothing runs), and 3 if the algorithm library can't be used: it can't be opened, has no \
-            entry, lacks a mandatory callable, or creates no client. If the library ends the process, \
-            crash.log beside the images shows where.
+            entry, lacks a mandatory callable, creates no client, or crashes before the first request. If \
+            the library ends the process, crash.log beside the images shows where.
             """,
             """
             Set ANDROID_LOG_TAGS to filter the log ("_V_VASJNI-VRequest:D *:S"), and LD_LIBRARY_PATH to use \
@@ -219,7 +219,7 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /** Returns the folder with a folder for each run; null if neither --record nor a work folder exists. */
+    /** Returns the parent of the runs' folders; null if neither --record nor a work folder exists. */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }

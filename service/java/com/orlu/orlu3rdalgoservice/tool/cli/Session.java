@@ -94,7 +94,7 @@ final class Session {
     }
 
     /**
-     * Returns Verdict.REFUSED if a file is invalid, else the first request's status other than OK, else OK.
+     * Returns Verdict.REFUSED if a file is invalid, else the first status that is not OK, else OK.
      */
     int run() throws MistakeException, ErrnoException, IOException {
         // Checks all files before the first request runs, so a mistake in the last file is reported at once.
@@ -104,7 +104,7 @@ final class Session {
             checker.printUnderstood(mTo);
             writeCheck(checker);
         }
-        // With --strict, warnings don't stop the run but fail its verdict.
+        // When requests run, --strict does not stop them for warnings: it changes their verdicts afterwards.
         boolean isStrict = mOptions.tried.strict && mOptions.tried.check;
         checker.printMistakes(System.err, isStrict);
         if (!checker.isRight(isStrict)) {

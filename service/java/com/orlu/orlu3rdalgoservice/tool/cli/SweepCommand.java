@@ -30,7 +30,7 @@ import picocli.CommandLine.Parameters;
 @Command(customSynopsis = "./run sweep [options] REQUEST --tag NAME=VALUES [--tag NAME=VALUES]",
         description = {"Run a request with each value of a tag, or of two tags. Print how many parameters "
                 + "and results differ from the first run, and PSNR and SSIM against the clean photo (without "
-                + "a photo, against the first run). VALUES are from:to:steps or value,value,... "
+                + "a photo, against the first run). VALUES are from:to:count or value,value,... "
                 + "The exit status is 0 if all runs are ok, else 1."},
         footer = {"  ./run sweep samples/capture.json --tag android.jpeg.orientation=0,90,180",
             "  ./run sweep samples/night.json --tag android.sensor.sensitivity=100:3200:5"})
@@ -147,7 +147,7 @@ final class SweepCommand implements Subcommand {
         SweptTag first = tags.get(0);
         List<String> columns = tags.size() == 1 ? List.of() : tags.get(1).assignments();
         ContactSheet sheet =
-                new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size() + " values",
+                new ContactSheet(mRequest.getFileName() + " with " + mVerdicts.size() + " runs",
                         "PSNR and SSIM against the "
                                 + (mFirst.photo() == OutputMeasure.NONE ? "first run" : "clean photo"),
                         columns);

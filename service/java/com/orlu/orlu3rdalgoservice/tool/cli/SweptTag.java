@@ -18,11 +18,11 @@ record SweptTag(String name, List<String> values) {
     private static final String NUMBER = "([-+]?[0-9.]+(?:[eE][-+]?[0-9]+)?)";
     private static final Pattern RANGE = Pattern.compile(NUMBER + ":" + NUMBER + ":([0-9]{1,9})");
 
-    /** Parses NAME=from:to:steps or NAME=value,value,...; throws an IllegalArgumentException otherwise. */
+    /** Parses NAME=from:to:count or NAME=value,value,...; throws an IllegalArgumentException otherwise. */
     static SweptTag of(String text) {
         int equals = text.indexOf('=');
         if (equals < 1 || equals == text.length() - 1) {
-            throw new IllegalArgumentException("--tag: expected NAME=from:to:steps or NAME=value,value; "
+            throw new IllegalArgumentException("--tag: expected NAME=from:to:count or NAME=value,value; "
                     + "found \"" + text + '"');
         }
         String values = text.substring(equals + 1);

@@ -24,15 +24,15 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * Runs the trials of one command line and writes the results to the work folder, or for "trials" to the file
- * of --record. The trials have their own process beside the command: the native library opens its algorithm
- * library only once, and trials need an algorithm library that answers at once.
+ * Runs the trials of one command line and writes the results to the work folder; the subcommand trials
+ * writes them to the file of --record. The trials have their own process beside the command: the native
+ * library opens its algorithm library only once, and trials need one that answers at once.
  */
 final class TrialSession {
     private TrialSession() {
     }
 
-    /** Reports invalid arguments and files only for "trials"; other commands report them themselves. */
+    /** Reports mistakes in arguments and files only for the subcommand trials; others report their own. */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();

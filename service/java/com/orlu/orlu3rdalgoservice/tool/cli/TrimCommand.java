@@ -36,11 +36,11 @@ final class TrimCommand implements Subcommand {
             description = "Keep these frames and their inputs")
     private List<Integer> mFrames = List.of();
     @Option(names = "--crop", paramLabel = "AREA",
-                description = "Crop images to [X,Y,]WIDTH,HEIGHT (default: the centre)")
+                description = "Crop images to WIDTH,HEIGHT around the centre, or to X,Y,WIDTH,HEIGHT")
     private String mCrop;
     @Option(names = "--no-pixels", description = "Omit the pixels")
     private boolean mLeavesPixels;
-    @Option(names = "--private", description = "Omit places, times of day, faces, texts and EXIF blocks")
+    @Option(names = "--private", description = "Omit places, times of day, faces, long texts and EXIF blocks")
     private boolean mIsPrivate;
     @Option(names = "--faces", description = "With --private: keep faces")
     private boolean mKeepsFaces;

@@ -217,7 +217,7 @@ final class OtherValues {
         }
     }
 
-    // Adds copies of the array in which the first element has another value.
+    // Adds copies of the array with other first elements.
     private void addElements(Object array) {
         OtherValues elements = new OtherValues();
         elements.addOthers(array instanceof byte[] bytes ? (Object) (int) bytes[0] : Array.get(array, 0));

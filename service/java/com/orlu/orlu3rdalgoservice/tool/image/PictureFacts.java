@@ -103,7 +103,7 @@ public final class PictureFacts {
         return sum / pixels();
     }
 
-    /** The luma that a fraction `part` of the pixels, 0 to 1, does not exceed. */
+    /** The luma that the fraction `part` (0 to 1) of the pixels does not exceed. */
     public int lumaAt(double part) {
         long left = Math.round(part * pixels());
         int level = 0;

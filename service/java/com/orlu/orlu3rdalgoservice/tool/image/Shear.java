@@ -13,10 +13,10 @@ final class Shear {
     /** The smallest shift that counts: a slanted edge can shift the best match by a pixel or two. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    /** Rough limits of the compared pairs of rows and pixels per row: more do not improve the result. */
+    /** Rough limits: pairs of rows that are compared, and pixels per row. More do not improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
-    /** The least ratio of the differences of unshifted and shifted rows. */
+    /** In a slanted picture, unshifted rows differ at least this many times as much as shifted rows. */
     private static final double RATIO = 1.25;
     /** The least mean difference of unshifted rows, in levels: uniform rows match at any shift. */
     private static final double LEAST_DIFFERENCE = 1;

@@ -26,7 +26,7 @@ record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int widt
                 ? new SuiteOutput(name, FORMATS.get(name), kind, width, height) : null;
     }
 
-    /** Whether the picture, without a header, has this many bytes. */
+    /** Whether the picture has no header and this many bytes. */
     boolean isOfSize(long bytes) {
         long size = 0;
         for (int plane : format.planeSizes(format.tightStride(width), height, 0)) {

@@ -18,7 +18,8 @@ import java.util.TreeSet;
  *
  * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected text,
  * found 5") if the value has another type. An accessor with a fallback returns the fallback if the member is
- * absent or has another type, and notes a wrong type in mistakes(). Accessors throw no other exceptions.
+ * absent or has another type, and notes a wrong type in mistakes(). Exceptions from this are documented.
+ * Accessors throw no other exceptions.
  */
 public final class Json implements JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;
@@ -35,7 +36,7 @@ public final class Json implements JsonWriter.Source {
     /** A Map of String to Json, a List of Json, a String, BigDecimal or Boolean, or null. */
     private final Object mContent;
 
-    /** A line and a column from 1, in UTF-16 units; 0 if there is none. */
+    /** A line, and a column in UTF-16 units, both from 1; 0 if there is none. */
     record Spot(int line, int column) {
         static final Spot NOWHERE = new Spot(0, 0);
     }

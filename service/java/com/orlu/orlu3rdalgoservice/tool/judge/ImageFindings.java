@@ -21,6 +21,7 @@ public final class ImageFindings {
     private static final double MUCH_CLIPPED = 0.25;
     private static final double LITTLE_CLIPPED = 0.05;
     private static final double LEAST_TAIL = 0.01;
+    // Fraction of all rows, and of a colour distance.
     private static final double HALF = 0.5;
     // Fraction of the base input's mean brightness.
     private static final double DARKER = 0.3;
@@ -106,7 +107,7 @@ public final class ImageFindings {
         } else {
             wrong("unreadable", Tab.MEMORY,
                     "%s can't be shown: it is %s.".formatted(output.name(), output.problem()),
-                    "The returned description does not fit the bytes.");
+                    "The bytes are damaged, or the returned description does not fit them.");
         }
     }
 
@@ -123,13 +124,13 @@ public final class ImageFindings {
         PictureFacts input = base == null ? null : base.facts();
         String why = input != null && input.meanLuma() < DARK_INPUT_MEAN
                 ? "The input is dark, too (%.1f): check the frames first.".formatted(input.meanLuma())
-                : "The input is not black. The algorithm library wrote black pixels: check the exposure and "
-                        + "gain parameters, then the algorithms that ran.";
+                : (input == null ? "" : "The input is not black. ") + "The algorithm library wrote black "
+                        + "pixels: check the exposure and gain parameters, then the algorithms that ran.";
         wrong("black", Tab.PICTURES, "%s is black: its mean brightness is %.1f of 255.".formatted(
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // Outputs are zeroed before the request, so rows that are still zero were not written.
+    // Unless recorded, outputs are zeroed before the request, so rows that are still zero were not written.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {
@@ -161,7 +162,7 @@ public final class ImageFindings {
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {
-            return "The input is not slanted. The output's padding contains pixels in %d of %d rows: %s"
+            return "No input is slanted. The output's padding contains pixels in %d of %d rows: %s"
                     .formatted(written.usedPadding(), written.rows(), mistaken(written));
         }
         ImageExhibit base = mExhibits.base() == null ? output : mExhibits.base();
@@ -169,7 +170,7 @@ public final class ImageFindings {
         // The shear counts pixels, which may have several bytes.
         int padding = read.stride() - read.rowBytes();
         boolean isIt = padding > 0 && padding % shear == 0;
-        return "The input is not slanted. " + (isIt
+        return "No input is slanted. " + (isIt
                 ? "The rows of %s have %d bytes of padding: %s".formatted(
                         base.name(), padding, mistaken(read))
                 : "The algorithm library used a wrong stride: compare the strides in the Memory tab.");
@@ -205,8 +206,8 @@ public final class ImageFindings {
         if (straight > LEAST_COLOUR_DISTANCE && exchanged < HALF * straight) {
             wrong("colours-exchanged", Tab.PICTURES,
                     "Red and blue are exchanged in %s.".formatted(output.name()),
-                    "The planes U and V were exchanged, as if NV12 were written for NV21: compare the "
-                            + "output's format in the Memory tab with the format that the library writes.");
+                    "In YUV, the planes U and V were exchanged, as if NV12 were written for NV21: compare "
+                            + "the output's format in the Memory tab with the format that is written.");
         }
     }
 

@@ -35,14 +35,14 @@ public final class Trimmer {
     private final CropArea mCrop;
     private final PrivateFacts mPrivate;
     private final List<String> mNotes = new ArrayList<>();
-    /** The crop of each image; null if the image is unchanged. */
+    /** The crop of each image; null if its bytes are unchanged. */
     private final List<ImageCrop> mInputCrops = new ArrayList<>();
     private final List<ImageCrop> mOutputCrops = new ArrayList<>();
     private Path mFolder;
 
     /**
-     * Keeps these frames (all if `frames` is empty) and this area of each image (everything if `crop` is
-     * null). `withoutFacts` removes private facts; if it is null, they are kept.
+     * Keeps these frames (all if `frames` is empty) and this area of each image that can be cropped (all if
+     * `crop` is null). `withoutFacts` removes private facts; if it is null, they are kept.
      */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
@@ -89,7 +89,9 @@ public final class Trimmer {
         if (mPrivate != null) {
             mPrivate.lines().forEach(line -> mNotes.add("left out, " + line));
             mNotes.add("removed: the results and events");
-            mNotes.add("the pixels are kept and may identify a person; --no-pixels removes them");
+            if (mKeepsPixels) {
+                mNotes.add("the pixels are kept and may identify a person; --no-pixels removes them");
+            }
         }
     }
 
@@ -246,7 +248,7 @@ public final class Trimmer {
             boolean isCropped = mCrop != null && hasSizeOfInputs(image);
             mOutputCrops.add(isCropped ? ImageCrop.of(image, mCrop, name) : null);
             if (mCrop != null && !isCropped) {
-                mNotes.add(name + " differs in size from the inputs: unchanged");
+                mNotes.add(name + " does not have the size of the first input: unchanged");
             }
         }
         Set<String> tags = mCrop == null ? Set.of() : sizeTags();
@@ -257,9 +259,9 @@ public final class Trimmer {
 
     private Set<String> sizeTags() throws MistakeException {
         Set<String> names = new TreeSet<>();
-        for (Json frame : mRun.frames()) {
-            for (String source : List.of("captureResult", "composition")) {
-                frame.get(source).members().forEach((name, value) -> {
+        for (int i = 0; i < mRun.frames().size(); ++i) {
+            for (String source : isKept(i) ? List.of("captureResult", "composition") : List.<String>of()) {
+                mRun.frames().get(i).get(source).members().forEach((name, value) -> {
                     if (SIZE_TAGS.matcher(name).find() || SIZE_TYPES.stream().anyMatch(value::has)) {
                         names.add(name);
                     }

@@ -97,7 +97,7 @@ final class RequestAdvice {
         }
     }
 
-    // The library ignores a composition's value if its class is not that of the tag's type.
+    // A composition's value whose class is not its tag's can't be read, and hides the capture result's value.
     private void onCompositions() {
         for (int i = 0; i < mFrames.size(); ++i) {
             for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {

@@ -15,8 +15,8 @@ import java.util.Collections;
 import java.util.List;
 
 /**
- * Reads JSON values as the Java types of metadata. A number may be written as a counter over the frames
- * ({"first": 100, "step": 33}), and a list of numbers as one repeated value ({"fill": 1.0, "count": 884}).
+ * Reads JSON values as the Java types of metadata. A single number may be written as a counter over the
+ * frames ({"first": 100, "step": 33}), a list of numbers as one repeated value ({"fill": 1.0, "count": 884}).
  */
 final class ValueReader {
     private static final int LARGEST_RUN = 1 << 16;

@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** The names of a run's output files for each request. */
+/** Names of the requests of a run. The names of a request's output files begin with its name. */
 public final class RequestNames {
     private RequestNames() {
     }
@@ -39,7 +39,7 @@ public final class RequestNames {
         return names;
     }
 
-    /** The name of a single request file. */
+    /** The name of a request file without ".json"; "request" if nothing remains. */
     public static String stem(Path file) {
         String stem = file.getFileName().toString().replaceFirst("\\.json$", "");
         return stem.isEmpty() ? "request" : stem;

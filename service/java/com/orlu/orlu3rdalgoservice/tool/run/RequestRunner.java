@@ -113,7 +113,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    // Called right before the request, so that the recorder's own look-ups do not become events.
+    // Called right before the request: the RequestRecorder has read all tags by then, which is no event.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {

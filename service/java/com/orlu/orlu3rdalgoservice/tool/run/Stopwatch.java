@@ -10,7 +10,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Supplier;
 
-/** The duration of each stage of a request. */
+/** Times the stages of a run. */
 public final class Stopwatch {
     private final List<Stage> mStages = new ArrayList<>();
     private final List<Mark> mMarks = new ArrayList<>();
@@ -61,7 +61,7 @@ public final class Stopwatch {
         mIsMarking = isMarking;
     }
 
-    /** Marks the start of a larger stage, which ends at the next mark. */
+    /** Marks the start of a stage, which ends at the next mark; stages of time() may lie inside. */
     public void mark(String stage) {
         if (mIsMarking) {
             mMarks.add(Mark.now(stage));
