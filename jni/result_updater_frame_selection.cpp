@@ -1,5 +1,5 @@
 // The frames that the algorithms kept, the sharpness of all frames or of the dropped frames, and the base
-// frame. Applications identify frames by timestamp; algorithms identify them by index.
+// frame. Applications identify frames by timestamp; algorithms by index, the base frame also by timestamp.
 
 #include <algorithm>
 

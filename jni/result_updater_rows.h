@@ -1,4 +1,4 @@
-// Rows of the result updater. Included only by its own files.
+// Rows of the result updater. Included only by the updater's own files.
 //
 //   copy<int32_t>(kFeedback, "hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
 //   put<Floats<2>>(lastFrame, "orlu.feedback.rawhdrISPAEParams", gains);

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Makes the archive of parsed classes that halves the start time of ./run's VM:
 #   archive_classes.sh BUILD_FOLDER
-# It contains the classes that a run of two samples with pages and recordings loads. If that run fails, the
+# It contains the classes loaded by a run of two samples with pages and recordings. If that run fails, the
 # archive is empty and ./run ignores it: a faulty library must not break the rest of the build.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

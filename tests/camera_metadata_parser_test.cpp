@@ -22,7 +22,7 @@ constexpr char kComposition[] = "com/orlu/orlu3rdalgoservice/CaptureResultCompos
 
 struct Entry {
   std::string name;               // name in the parser's log
-  std::string lookup;             // as JniTable reports it; members follow their class
+  std::string lookup;             // as JniTable reports it: "class" or "class.member signature"
   std::vector<std::string> told;  // names logged if the entry is missing; empty: only its own name
   std::string last;  // name of the last entry looked up if this one is missing; empty: the table's last
 };

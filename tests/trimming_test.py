@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests trimmed recordings: every pixel of a cropped image, its description, and that the copies run.
+"""Tests trimmed recordings: cropped pixels and their descriptions, private copies, and replays.
 
 trimming_test.py BUILD_FOLDER
 """

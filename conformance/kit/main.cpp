@@ -58,7 +58,7 @@ bool gIsPerf = false;
 std::string gBaseline;
 std::string gAlgorithms;
 
-// A GoogleTest test in this process, which runs the check in a child process.
+// A GoogleTest test that runs the check in a child process.
 class CheckTest : public testing::Test {
 public:
   explicit CheckTest(const Check& check) : mCheck(check) {}
@@ -179,7 +179,7 @@ int wholeNumber(const char* text, const char* flag) {
   return static_cast<int>(number);
 }
 
-// Returns the seed for GoogleTest, which would take 0 as the time of day.
+// Returns the seed for GoogleTest. Rejects 0, because GoogleTest would use the time of day instead.
 int shuffleSeed(const char* text) {
   const int seed = wholeNumber(text, "shuffle");
   if (seed < 1 || seed > 99999) refuse(std::string("--shuffle: expected 1 to 99999, found ") + text);

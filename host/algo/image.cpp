@@ -42,8 +42,8 @@ bool layOutYuv(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Imag
   chroma.stride = std::max(strideOr(info.stride[1], 0), static_cast<size_t>(even));
   if (info.stride[1] <= 0) chroma.stride = std::max(luma.stride, static_cast<size_t>(even));
 
-  // If the first plane's size exceeds its rows, the plane ends with padding rows. If the size is smaller,
-  // only the padding of the last row is missing.
+  // If the first plane's size exceeds its rows, the plane ends with padding rows. A smaller size only
+  // leaves out the padding of the last row, which the memory still has.
   const int32_t scanlines = std::max(info.scanline[0], info.height);
   const uint64_t rows = static_cast<uint64_t>(luma.stride) * static_cast<uint64_t>(scanlines);
   const uint64_t told = info.planeSize[0] > 0 ? static_cast<uint64_t>(info.planeSize[0]) : 0;

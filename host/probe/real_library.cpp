@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The new name of the maker's library if the probe has its original name in the same folder. A phone needs
-// this, because its loader searches only one folder.
+// The name of the maker's library if the probe takes that library's usual name in the same folder. A phone
+// needs this, because its loader searches only one folder.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 

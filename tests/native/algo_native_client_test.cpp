@@ -143,7 +143,7 @@ TEST_F(AlgoNativeClientTest, IsDestroyedWhileThreadsCallBack) {
   }
 }
 
-// Detects a client without its operations. ThreadSanitizer detects races.
+// Fails if a client is created without its operations. ThreadSanitizer detects races.
 TEST(AlgoNativeClientsTest, AreCreatedOnSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {

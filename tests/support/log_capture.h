@@ -51,7 +51,7 @@ private:
   std::vector<LogLine> mLines;
 };
 
-// Discards the log until the next capture ends.
+// Discards the log until the next capture begins.
 inline void silenceLog() {
   __android_log_set_logger([](const __android_log_message*) {});
 }

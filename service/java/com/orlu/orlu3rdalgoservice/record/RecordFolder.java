@@ -31,7 +31,7 @@ final class RecordFolder {
     private final Set<String> mChecks = new HashSet<>();
     private long mBytesLeft;
 
-    /** Creates the folder. `mostBytes` limits its size, `pixels` what it contains. */
+    /** Creates the folder. `mostBytes` limits its size; `pixels` selects the pixels to store. */
     RecordFolder(File folder, long mostBytes, RequestRecorder.Pixels pixels) throws IOException {
         if (!folder.mkdirs()) {
             throw new IOException("can't create the folder " + folder);

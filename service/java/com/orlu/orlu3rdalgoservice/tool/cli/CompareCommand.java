@@ -143,7 +143,7 @@ final class CompareCommand implements Subcommand {
         }
     }
 
-    // Returns three cells: the output that differs most, from A and from B, and the difference.
+    // Returns three cells for the output that differs most: A's image, B's image, and their difference.
     private static List<Map<String, Object>> cells(ShotRun one, ShotRun other, OutputMeasure outputs)
             throws MistakeException {
         int output = outputs.output();

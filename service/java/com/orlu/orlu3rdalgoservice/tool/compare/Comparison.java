@@ -31,8 +31,9 @@ public final class Comparison {
     private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
-     * Creates a comparison. `ignored` contains names to ignore: of parameters, values put, calls and images,
-     * and "algorithm list" and "camera metadata". Numbers that differ by at most the tolerance are equal.
+     * Creates a comparison. `ignored` contains the names of parameters, values put, calls and images to
+     * ignore, and may contain "algorithm list" and "camera metadata". Numbers that differ by at most the
+     * tolerance are equal.
      */
     public Comparison(
             Run one, Run other, Set<String> ignored, double tolerance, OutputComparison outputs) {

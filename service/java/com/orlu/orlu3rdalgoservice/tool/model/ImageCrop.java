@@ -18,7 +18,7 @@ final class ImageCrop {
     private final List<Plane> mPlanes = new ArrayList<>();
     private ImageLayout mCropped;
 
-    // The rows of a plane in memory; a planar format's description combines two of these planes, U and V.
+    // The rows of a plane in memory. A planar format's description combines U and V into one plane.
     // `at` and `newAt` are offsets in the memory.
     private record Plane(int at, int newAt, int stride, int newStride, int newRows, int firstByte,
             int firstRow, int bytes) {

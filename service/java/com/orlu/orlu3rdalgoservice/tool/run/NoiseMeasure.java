@@ -22,7 +22,7 @@ import java.util.List;
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
      * Compares the outputs with the base frame's part of the photo. Omits outputs of another size. If no
-     * frame has noise, compares only if similarity is requested.
+     * frame has noise, compares only if `hasSsim`.
      */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {

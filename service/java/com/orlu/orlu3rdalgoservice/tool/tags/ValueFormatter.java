@@ -5,7 +5,7 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** Formats Java values for people and as JSON: values put into compositions, parameters, callbacks. */
+/** Formats Java values for people and as JSON: parameters, callbacks, and values put into compositions. */
 public final class ValueFormatter {
     private static final int ELEMENTS = 8;
 
@@ -26,7 +26,7 @@ public final class ValueFormatter {
         return "[" + String.join(", ", parts) + rest + "]";
     }
 
-    /** Returns the value for a JSON writer: object arrays as lists, other objects as strings. */
+    /** Returns the value for a JSON writer: object arrays as lists, objects unknown to JSON as strings. */
     public static Object json(Object value) {
         if (value instanceof Object[] objects) {
             return Arrays.stream(objects).map(ValueFormatter::json).toList();

@@ -130,7 +130,7 @@ public final class PixelsTest {
                     HexFormat.of().formatHex(to.array()));
             assertArrayEquals(row[0].toString(), samples, PixelReader.readMosaic(plan, to).samples());
         }
-        // Samples of 8 bits are the upper bits of ten.
+        // 8-bit samples are stored in the upper eight of ten bits.
         ImagePlan narrow = plan(PixelFormat.MIPI_RAW10, 4, 1, 0, 8);
         ByteBuffer to = memory(5);
         new Mosaic(4, 1, 8, new int[] {255, 1, 128, 2}).copyTo(PixelWriter.samples(narrow, to));
