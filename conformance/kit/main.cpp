@@ -36,7 +36,7 @@ constexpr char kUsage[] =
     "  --patience SECONDS     Wait SECONDS for each callback (default: 10)\n"
     "  --limit SECONDS        Limit each check to SECONDS (default: 120)\n"
     "  --budget SECONDS       Limit all checks to SECONDS (default: 110; 0: no limit)\n"
-    "  --allow-noise          Warn if outputs of equal requests differ\n"
+    "  --allow-noise          Only warn if outputs of equal requests differ\n"
     "  --perf                 Measure algorithms instead; --only names them\n"
     "                         (\"copy\": no algorithm)\n"
     "  --baseline FILE        With --perf: compare with an earlier --perf --json\n"
