@@ -159,7 +159,7 @@ private:
   jsize mLength;
 };
 
-// Reserves `count` more local references until the native method returns.
+// Reserves `count` local references until the native method returns.
 inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }

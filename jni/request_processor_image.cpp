@@ -36,7 +36,7 @@ bool isAnythingNull(const AlgoNativeClient* client, jobject inputs, jobject outp
 }
 
 // A request during one stage: submission or completion. At the end of the stage, even if memory runs out, it
-// releases the parameter block and the map entry or leaves them to a later stage.
+// releases the parameter block and the map entry, or leaves them to a later stage.
 class RequestInFlight {
 public:
   RequestInFlight(AlgoNativeClient& client, VRequest& request, CameraMetadataParser& parser)

@@ -195,7 +195,7 @@ void DngFile::decodeBlocks() {
 
 // Some damage makes a decoder stop without an error. Therefore this function decodes into memory
 // filled with a mark. If any sample equals the mark, it decodes again over a different mark. A sample that
-// equals the mark after both was not written by the decoder.
+// equals the mark both times was not written by the decoder.
 bool DngFile::decodeBlock(const Block& block, size_t index) {
   decodeOver(block, kFirstMark);
   std::vector<size_t> marked;

@@ -68,8 +68,8 @@ TEST(AlgoNativeProviderTest, GivesEachContextATableOfItsOwn) {
 // The provider must not hold its lock while the entry runs: this entry creates clients on the calling thread
 // and on another thread.
 TEST(AlgoNativeProviderDeathTest, LetsTheEntryMakeClients) {
-  // Starts the program again, to create the first client of a process. Emulated processes cannot start
-  // programs, so they fork.
+  // Restarts the program to get a process without clients. Emulated processes cannot start programs, so they
+  // fork.
 #if !defined(__arm__)
   GTEST_FLAG_SET(death_test_style, "threadsafe");
 #endif

@@ -32,7 +32,7 @@ unset LD_LIBRARY_PATH ORLU_BUILD
 # checks COMMAND...: runs the kit as fast as possible.
 checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
 
-# fails TEXT COMMAND...: expects that the command detects the planted fault and prints this text.
+# fails TEXT COMMAND...: expects that the command fails and prints this text.
 fails() {
   local text=$1
   shift

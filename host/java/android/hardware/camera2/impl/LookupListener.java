@@ -4,8 +4,8 @@ package android.hardware.camera2.impl;
 public interface LookupListener {
     /**
      * Called after a tag was read as class {@code asked}. {@code held} is the stored value, or null.
-     * {@code thrown} is the exception that the reader receives, or null. It means that {@code held} can't be
-     * converted to that class or, if {@code held} is null, that the tag is unknown.
+     * {@code thrown} is the exception that the reader receives, or null. An exception means that
+     * {@code held} can't be converted to that class or, if {@code held} is null, that the tag is unknown.
      */
     void onLookup(String tag, Class<?> asked, Object held, RuntimeException thrown);
 }

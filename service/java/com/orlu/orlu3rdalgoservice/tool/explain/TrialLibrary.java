@@ -15,7 +15,7 @@ final class TrialLibrary {
     private TrialLibrary() {
     }
 
-    /** One parameter written, named "section/key". */
+    /** A write of a parameter, named "section/key", or of the algorithm list, named "algorithms". */
     record Write(String name, byte[] value) {
     }
 

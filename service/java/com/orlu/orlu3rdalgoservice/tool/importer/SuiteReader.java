@@ -45,7 +45,7 @@ final class SuiteReader {
             throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
                     + "objects");
         }
-        // The test writes the values that all frames share only once; a request file has them in each result.
+        // The test writes values common to all frames only once; a request file has them in each result.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));

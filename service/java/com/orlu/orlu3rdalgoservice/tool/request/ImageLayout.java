@@ -19,8 +19,8 @@ import java.util.Map;
  * @param planeSizes bytes of each plane; null if the image had none
  * @param memory     "shared", "hardware" or "none"
  * @param buffer     width, height and format of a hardware buffer, else empty
- * @param size       size of its memory, in bytes
- * @param file       the file with its bytes; null if they were not recorded or are all 0
+ * @param size       size of the image's memory, in bytes
+ * @param file       the file with the image's bytes; null if they were not recorded or are all 0
  * @param kept       the reason if the bytes were not recorded, else empty
  * @param frame      index of an input's frame, -1 if unknown
  */
