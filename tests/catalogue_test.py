@@ -153,7 +153,7 @@ def main():
     check_values(parts["tags"])
     drift = run("--check", SAMPLES[1], command=[ROOT / "scripts/make_catalogue.py"])
     if drift.returncode:
-        failures.append(f"scripts/make_catalogue.py writes another table:\n{drift.stdout}{drift.stderr}")
+        failures.append(f"scripts/make_catalogue.py writes a different table:\n{drift.stdout}{drift.stderr}")
     finish(f"{len(CASES.strip().splitlines())} cases, no drift: {drift.stdout.strip()}")
 
 

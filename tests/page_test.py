@@ -223,12 +223,12 @@ def check_against_json(data, report, name):
         check(f"{name}: {row['name']} has no source line", re.search(r", jni/\w+\.(cpp|h):\d+$", row["place"]),
               row["place"])
     put = [(int(frame.split()[1]), tag) for frame, tag, _ in data["put"]]
-    check(f"{name}: other values put", put == [(i, tag) for i, frame in enumerate(report["put"]) for tag in frame], put)
-    check(f"{name}: another verdict", data["verdict"]["reasons"] == report["verdict"]["reasons"])
+    check(f"{name}: wrong values put", put == [(i, tag) for i, frame in enumerate(report["put"]) for tag in frame], put)
+    check(f"{name}: wrong verdict", data["verdict"]["reasons"] == report["verdict"]["reasons"])
     descriptors = [row for row in data["descriptors"] if row[2] != row[3]]
     changed = [(i, field) for i, before in enumerate(report["outputsBefore"]) for field, value in before.items()
                if report["outputsAfter"][i][field] != value]
-    check(f"{name}: other descriptors changed", len(descriptors) == len(changed), descriptors)
+    check(f"{name}: wrong descriptors changed", len(descriptors) == len(changed), descriptors)
     depending = {}
     for tag in report["trials"]["tags"]:
         for parameter in tag["parameters"] + tag["together"]:
@@ -254,7 +254,7 @@ def check_samples(folder):
         reports += json.loads((folder / "json").read_text())["results"]
         check("the index is not named", f"page        {pages}/index.html" in printed)
         index = read_page(pages / "index.html")
-        check("the index lists other requests", [entry["page"] for entry in index["entries"]] ==
+        check("the index lists wrong requests", [entry["page"] for entry in index["entries"]] ==
               [f"{sample.stem}.html" for sample in requests])
     for sample, report in zip(explained + others, reports):
         data = read_page(pages / f"{sample.stem}.html")
