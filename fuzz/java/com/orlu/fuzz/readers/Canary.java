@@ -11,7 +11,10 @@ import java.nio.file.attribute.FileTime;
 import java.time.Instant;
 import java.util.List;
 import java.util.Map;
+import java.util.Objects;
+import java.util.Set;
 import java.util.TreeMap;
+import java.util.TreeSet;
 import java.util.stream.Stream;
 
 /**
@@ -46,10 +49,12 @@ final class Canary {
 
     /** Describes an illegal read or write since arm(), or returns "". With mayRead, reads are legal. */
     String problem(Path in, Path out, String printed, boolean mayRead) throws IOException {
-        if (!mBefore.equals(files(in))) {
-            Map<String, String> changed = files(in);
-            changed.entrySet().removeAll(mBefore.entrySet());
-            return "writes outside of the output folder: " + changed.keySet();
+        Map<String, String> now = files(in);
+        if (!mBefore.equals(now)) {
+            Set<String> changed = new TreeSet<>(now.keySet());
+            changed.addAll(mBefore.keySet());
+            changed.removeIf(file -> Objects.equals(now.get(file), mBefore.get(file)));
+            return "writes outside of the output folder: " + changed;
         }
         if (mayRead) {
             return "";
