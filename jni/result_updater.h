@@ -1,7 +1,7 @@
 // Writes the algorithms' results from a request's parameter set back into its compositions and output
 // descriptors. Create one object per request and use it on the request's thread after the callback. No
-// failure stops it. A value that the algorithms did not set is written with its initial value. Without a
-// composition, only the output descriptors are set.
+// failure stops it. Most parameters that the algorithms did not set are written with their initial values.
+// Without a composition, only the output descriptors are set.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace orlu {
 
 class ResultUpdater {
 public:
-  // Borrows all arguments. The parameter block `metadata` may be null; then all values are initial values.
+  // Borrows all arguments. If the parameter block `metadata` is null, all values are initial values.
   ResultUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                 void* metadata, CameraMetadataParser* parser);
   ResultUpdater(const ResultUpdater&) = delete;

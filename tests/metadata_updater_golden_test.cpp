@@ -67,7 +67,7 @@ TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   const LogCapture log;
   for (const auto& captures : {allGoldenTexts(), allGoldenVariations()}) {
     for (const GoldenCase& capture : captures) {
-      // A second translation has found the master frames already, and logs them.
+      // The first translation finds the master frames; only a second one logs their list.
       runGolden(capture, algo, [](MetadataUpdater& updater) { updater.updateMetadata(); });
     }
   }

@@ -117,7 +117,7 @@ void actInside(const Action& action) {
   Request request;
   request.inputs = {&scene.input};
   request.outputs = {&scene.output};
-  // From here on the callback owns the block.
+  // From here on, the callback may destroy the block.
   submit(scene.client, scene.inbox, *parameters, request);
   // The parent process detects an operation that hangs in the callback.
   const auto came = done.get_future().wait_for(std::chrono::seconds(options().patienceSeconds + 5));

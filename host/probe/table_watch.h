@@ -83,7 +83,7 @@ uint64_t watchCall(TableObserver& observer, const char* operation, const std::fu
 // Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of the offered callables, or else of the empty callables, in the order of the table.
+// Returns the names of the callables that are offered (or, if `offered` is false, empty), in table order.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

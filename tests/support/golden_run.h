@@ -1,5 +1,5 @@
-// Translates the metadata of a golden request as the product does for an image request, and compares the
-// result with the text.
+// Translates the metadata of a golden text's request as the product does for an image request, and compares
+// the result with the text.
 #pragma once
 
 #include <functional>

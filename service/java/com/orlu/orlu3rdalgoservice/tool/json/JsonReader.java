@@ -59,7 +59,7 @@ final class JsonReader {
         mMistakes = mistakes;
     }
 
-    /** Returns the file's value; null if it can't be read or parsed, which is noted. */
+    /** Returns the file's value. If it can't be read or parsed, notes a mistake and returns null. */
     static Json read(Path path, Mistakes mistakes) {
         try (InputStream file = Files.newInputStream(path)) {
             boolean isTooLarge = Files.size(path) > MOST_BYTES;
@@ -96,7 +96,7 @@ final class JsonReader {
                 : text.toString();
     }
 
-    /** Returns the text's value; null if it can't be parsed, which is noted. */
+    /** Returns the text's value. If it can't be parsed, notes a mistake and returns null. */
     static Json parse(String text, int firstLine, Mistakes mistakes) {
         try (JsonParser parser = FACTORY.createParser(text)) {
             return new JsonReader(parser, firstLine, mistakes).document();

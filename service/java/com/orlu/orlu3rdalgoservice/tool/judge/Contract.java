@@ -78,7 +78,7 @@ public final class Contract {
         return List.copyOf(mBreaches.values());
     }
 
-    // A header is the first event of a process, in which addresses of earlier events have no meaning.
+    // A header begins the events of a new process; earlier addresses have no meaning in it.
     private void clear() {
         List.of(mOpen, mEnding, mCookies, mPending).forEach(Map::clear);
         List.of(mClients, mBlocks, mFinished).forEach(Set::clear);

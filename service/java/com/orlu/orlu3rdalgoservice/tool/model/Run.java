@@ -40,7 +40,7 @@ public final class Run {
     private final List<ImageLayout> mResults = new ArrayList<>();
     private final List<HandedImage> mHanded = new ArrayList<>();
     private final Handover mHandover;
-    // Only for a run in this process.
+    // Stages and pass: only for a run in this process.
     private final List<Stage> mStages = new ArrayList<>();
     private List<StageTime> mStageTimes = List.of();
     private Ran mRan = Ran.NONE;

@@ -71,7 +71,7 @@ class Loupe {
     this.move();
   }
 
-  // Updates the magnifier over each picture. A pixel of the image is `this.scale` pixels of the screen wide.
+  // Updates the magnifier over each picture. One image pixel is `this.scale` screen pixels wide.
   move() {
     const scale = this.scale / window.devicePixelRatio;
     const half = LOUPE / 2;
