@@ -90,7 +90,7 @@ struct LentVisitor::Loan {
   explicit Loan(const AlgoMetadataVisitor& lent) : visitor(lent) {}
 
   int visit(const char* section, const char* key, void* data, unsigned size) const {
-    // Check this first: another thread may call while the loan ends, and must not use the visitor.
+    // isOver alone is not enough: on another thread, the loan may end while the visitor runs.
     if (std::this_thread::get_id() != thread || isOver) {
       LOGE_AS("visitor", "visitor called on another thread, or too late");
       return -1;

@@ -179,7 +179,7 @@ def main():
     for sample in samples:
         failures.extend(f"{sample['about']}: {error.message[:200]}"
                         for error in schema.iter_errors({**sample, "$schema": "request.schema.json"}))
-        # The photos are next to the samples, but the new file is elsewhere.
+        # The photos are next to the samples; the mutated files are not.
         if "photo" in sample:
             sample["photo"] = str(ROOT / "samples" / sample["photo"])
     with tempfile.TemporaryDirectory() as name:

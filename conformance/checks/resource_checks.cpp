@@ -115,8 +115,8 @@ double slopeOf(const std::vector<Sample>& samples) {
   return square == 0 ? 0 : product / square;
 }
 
-// Runs up to `most` requests, and fewer if kMostSeconds are over; sets `done` to their number. Returns the
-// slope over the second half of them; 0 if a callback is missing.
+// Runs `most` requests, or fewer if they take kMostSeconds; sets `done` to their number. Returns the slope
+// over the second half of them; 0 if a callback is missing.
 double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& done) {
   const Image input;
   const Image output({}, 2);

@@ -3,11 +3,12 @@
 
 namespace orlu::fuzz {
 
-// Counts error lines from now on, and prints the first few that no plan causes. Discards all other lines.
+// Counts error lines from now on, except those of missing tags, and prints the first few that no plan causes.
+// Discards all other lines.
 void watchLog();
 // Returns and clears the number of timed-out requests of this thread.
 int takeTimeouts();
-// Prints and clears the counts. Returns false if there were error lines that no plan causes.
+// Prints and clears the counts. Returns false if it counted lines that no plan causes.
 bool printLogged();
 
 }  // namespace orlu::fuzz

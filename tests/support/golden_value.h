@@ -25,7 +25,7 @@ struct GoldenValue {
 // Reads one word, or several words in quotes.
 std::string quotedText(std::istream& in);
 
-// Reads "type words..." for this frame. Throws std::runtime_error on syntax errors.
+// Parses "type words...", with `frame` as the i in "7+2i". Throws std::runtime_error on syntax errors.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
 // Formats the bytes in the notation of golden texts as values of `type`, or as integers if that is

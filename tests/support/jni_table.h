@@ -1,4 +1,4 @@
-// Replaces an environment's JNI functions during its lifetime, to count calls and make lookups or calls fail.
+// Until destroyed, replaces an environment's JNI functions, to count calls and make lookups or calls fail.
 // Ignores calls inside native methods of the Java library, whose local references the VM frees on return.
 #pragma once
 

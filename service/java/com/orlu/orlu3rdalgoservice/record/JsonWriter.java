@@ -9,7 +9,7 @@ import java.util.stream.IntStream;
 
 /**
  * Writes JSON. A value is a Map with string keys, an Iterable, an array, a String, a Number, a Boolean, null
- * or a Source of such a value. NaN and infinities become texts. Unsafe characters are escaped.
+ * or a Source of such a value. NaN and infinities become strings. Unsafe characters are escaped.
  */
 public final class JsonWriter {
     private static final String INDENT = "  ";
@@ -39,7 +39,7 @@ public final class JsonWriter {
         return pretty(value, Integer.MAX_VALUE);
     }
 
-    /** Formats the value for a file; values nested deeper than `levels` stay on one line. */
+    /** Formats the value for a file; only the `levels` outermost levels are broken into lines. */
     public static String pretty(Object value, int levels) {
         return new JsonWriter(levels).write(value, 0).append('\n').toString();
     }

@@ -77,7 +77,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // Without an operation in progress, a thread of the library or the process's exit was the cause.
+    // Outside operations, the cause was the last one's exception, a library thread or the process's exit.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);
