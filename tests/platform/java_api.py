@@ -209,7 +209,7 @@ def read_lookups(folder):
         text, clazz = path.read_text(encoding="utf-8"), None
         rest = row.sub("", text)
         if named.search(rest):
-            sys.exit(f"{path}: error: java_api.py recognises no lookup with {named.search(rest).group()}")
+            sys.exit(f"{path}: error: java_api.py can't parse the lookup with {named.search(rest).group()}")
         for match in row.finditer(text):
             kind, name, signature = match.groups()
             place = f"{path}:{text.count(chr(10), 0, match.start()) + 1}"
