@@ -75,7 +75,7 @@ void MetadataUpdater::updatePixelShift() {
   const AlgorithmMatrix ccm = readColourMatrix(mShot);
   mShot.write<AlgorithmMatrix>(kParameter, "ccm_matrix", ccm);
   const auto gamma = mShot.copy<GammaTable>("orlu.feedback.gamma", kParameter, "gamma_table");
-  // Reads the camera's own tag (Oddity 52).
+  // Reads only the capture result (Oddity 52).
   const auto gtm = mShot.copy<ToneTable>(mShot.first().captureResultOnly(), "orlu.feedback.gtmPackedData",
                                          kParameter, "gtm_table");
   logTables(ccm, crop, gamma, gtm);

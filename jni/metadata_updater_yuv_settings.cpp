@@ -39,7 +39,7 @@ void writeDistortion(Shot& shot) {
   LOGD_BARE(kShortLogTag, "Optical_distortion: %d  face_correct: %d", distortion, faceCorrect);
 }
 
-// A double exposure has its own watermark type, which its step writes.
+// A double exposure has its own watermark type, which updateDoubleExpo() writes.
 void writeWatermark(Shot& shot) {
   const auto type = shot.readOr<int32_t>("orlu.control.watermark");
   const auto doubleExposure = shot.readOr<int32_t>("orlu.doubleExpo.capture");
@@ -176,7 +176,7 @@ void MetadataUpdater::updateYuvFormat() {
   writeBrightSpots(mShot);
 }
 
-// Regions that can't be converted are passed on as read. Only the exposure region's weight is passed on.
+// Regions that can't be converted are passed on as read. The focus region's weight is not passed on.
 void MetadataUpdater::updateRegions() {
   MeteringRegion af = mShot.focusRegion();
   setVAFAfRegionShot(af.rect);

@@ -27,8 +27,8 @@ int32_t twoBytesPerPixel(const AlgoFrameInfo& frame) {
   return product(product(frame.width, frame.height), 2);
 }
 
-// Classifies an image by its format name from Java. The name's prefix is compared with known names, in an
-// order that depends on the name's length.
+// Classifies an image by its format name from Java: compares the start of the name with each known name that
+// is not longer.
 class FormatClassifier {
 public:
   FormatClassifier(AlgoFrameInfo& frame, const char* name, size_t length)

@@ -13,8 +13,8 @@ ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
 MOST = "more than half of the parameters of some requests"
 NOBODY = "nobody: no function of the library asks for it"
-# Marks the clarity scores: the library writes one element per frame, or 50 zeros if the camera has none, and
-# reads 50 back.
+# Marks the clarity scores: the library writes one element per frame, or 50 zeros if the camera calculated
+# none, and reads 50 back.
 BY_FRAMES = "*"
 # Bytes per element, for types with several elements.
 ELEMENTS = {"INTS": 4, "FLOATS": 4, "LONGS": 8, "DOUBLES": 8, "BITS": 8}

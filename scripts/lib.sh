@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# Functions and package lists shared by ./run, ./test, .ci/run and the scripts in this folder. Source it in
-# bash with "pipefail" set, after setting root to the project's folder.
+# Functions and package lists shared by the project's shell scripts. Source it in bash with "pipefail" set,
+# after setting root to the project's folder.
 
-# Needed by ./run: compiler, build tools, JDK, and the libraries of the host layer.
+# Needed by ./run: compiler, build tools, JDK and libraries.
 readonly run_packages=(
   cmake ninja-build pkg-config g++ openjdk-17-jdk-headless
   libjackson2-core-java libpicocli-java libmetadata-extractor-java
@@ -14,7 +14,7 @@ java_libraries+=:/usr/share/java/metadata-extractor.jar:/usr/share/java/xmpcore.
 readonly java_libraries
 # Also needed by the tests: their libraries, and tools that inspect files.
 readonly test_packages=(libgtest-dev junit4 binutils python3 python3-jsonschema)
-# The cross compiler and the emulator. The libraries of ARM programs are in the private root.
+# The cross compiler and the emulator. arm_root.sh fetches the libraries of ARM programs.
 readonly arm_packages=(g++-arm-linux-gnueabihf qemu-user-static)
 # Also needed by the ARM build with clang; GoogleTest as source, to build it with libc++.
 readonly arm_clang_packages=(clang lld llvm googletest)
@@ -92,7 +92,7 @@ are_installed() {
   [ ${#missing[@]} -eq 0 ]
 }
 
-# apt_get ARGUMENT...: runs apt-get and prints its output only if it fails.
+# apt_get ARGUMENT...: runs apt-get and shows its progress; if it fails, prints its whole output and exits.
 apt_get() {
   local log
   log=$(mktemp)

@@ -32,8 +32,9 @@ protected:
   }
 };
 
-// The soak test covers "process" and "getSize": without them a synchronous request waits for the full timeout
-// of ten seconds. Without "destroyMetadata" or "destroyClient" a test could not free its blocks or client.
+// Omits "process" and "getSize": without them a synchronous request waits for the full timeout of ten
+// seconds. Omits "destroyMetadata" and "destroyClient": without them a test could not free its blocks or
+// client.
 class MissingOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingOperationTest, IsDoneWithout) {
@@ -112,7 +113,7 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
 // misbehave before they create it, the others after their work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
-  // Runs a client through all natives. Returns a line "announced" if Java was notified, then a line for each
+  // Calls the natives of a client. Returns a line "announced" if Java was notified, then a line for each
   // value that was set, with its key and first bytes.
   std::string storedIn(test::CallbackRecorder& recorder) {
     mAlgo.forget();

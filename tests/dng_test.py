@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests DNG files: all samples of compressed and uncompressed files, unsupported files, and damaged files.
+"""Tests DNG files: every pixel of compressed and uncompressed files, unsupported files, and damaged files.
 
 dng_test.py BUILD_FOLDER
 """
@@ -20,7 +20,7 @@ NO_DNG = "not a DNG file, or a damaged one: no header with a DNGVersion in it"
 
 
 def sensor(bits):
-    """Returns samples with steps of all sizes, including the values that the decoder uses as markers."""
+    """Returns samples with steps of all sizes, and the values that the decoder uses as markers."""
     rows = [[(x * x * 977 + y * 2731 * (x % 3)) % (1 << bits) for x in range(32)] for y in range(24)]
     rows[5][7:12] = [value % (1 << bits) for value in (0xA5C3, 0x5A3C, 0, 0xFFFF, 0x8000)]
     return rows

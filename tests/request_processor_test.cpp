@@ -32,7 +32,7 @@ class RequestProcessorTest : public test::RequestScene {
 protected:
   RequestProcessorTest() { create(); }
 
-  // Returns this class's log, a message per line: "?" marks debug lines, "I" replaces the client's address.
+  // Returns RequestProcessor's log, a message per line: "?" marks debug lines, "I" the client's address.
   std::string lines(const void* client) const {
     std::string text;
     for (const std::string& line : test::errorLines(mLog)) {

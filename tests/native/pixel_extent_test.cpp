@@ -1,4 +1,4 @@
-// Number of bytes of a locked hardware buffer, for plane layouts of devices.
+// Number of bytes of a locked hardware buffer, for plane layouts found on devices.
 
 #include "pixel_extent.h"
 

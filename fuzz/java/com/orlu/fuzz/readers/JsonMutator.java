@@ -170,7 +170,7 @@ final class JsonMutator {
         }
     }
 
-    // Alters half of the texts, numbers and words. Replaces all other values by values of the pool.
+    // Alters half of the strings, numbers and literals. Replaces all other values with values of the pool.
     private Object other(Object value) {
         if (value instanceof String text && mChance.nextBoolean()) {
             return text.startsWith("\"") ? otherText(text) : otherNumber(text);

@@ -22,7 +22,7 @@ final class PictureMutator {
         mChance = chance;
     }
 
-    /** Changes a record in place, or any bytes if the form is unknown. */
+    /** Changes a record in place, or any bytes if no record is found. */
     void mutate(byte[] bytes) {
         ByteBuffer all = ByteBuffer.wrap(bytes);
         int start = bytes.length < 16 ? 0 : all.getInt(0);
@@ -45,7 +45,7 @@ final class PictureMutator {
         }
     }
 
-    // Changes the type, count or value of an entry; rarely its tag. Returns false without an entry.
+    // Changes the type, count or value of an entry; rarely its tag. Returns false if there is no entry.
     private boolean changeEntry(ByteBuffer tiff) {
         tiff.order(tiff.get(0) == 'I' ? ByteOrder.LITTLE_ENDIAN : ByteOrder.BIG_ENDIAN);
         List<Integer> entries = new ArrayList<>();

@@ -38,7 +38,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Judges a run whose process died, from the files that the run left. Runs in another process. */
+/** Judges a run whose process died, from the files that the run left. Executed in a new process. */
 final class PostMortem {
     private static final String REPORT = "crash.log";
 
@@ -137,7 +137,7 @@ final class PostMortem {
         }
     }
 
-    // Returns the run's inputs; null if the run did not keep them. The page then has no pictures.
+    // Returns the run's inputs; null if they were not recorded or can't be read: the page has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;

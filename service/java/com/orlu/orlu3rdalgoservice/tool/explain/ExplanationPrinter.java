@@ -27,8 +27,8 @@ public final class ExplanationPrinter {
     }
 
     /**
-     * Explains what each word names: a key, a section and a key ("SECTION/KEY"), "algorithms", or "all" for
-     * every written parameter and the algorithms.
+     * Explains the parameters that each word names: "KEY", "SECTION/KEY", "algorithms", or "all" for every
+     * written parameter and the algorithms.
      */
     public void print(List<String> words) {
         Set<String> names = mExplanations.names();

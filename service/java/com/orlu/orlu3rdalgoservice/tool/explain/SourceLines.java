@@ -15,7 +15,7 @@ import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** Finds the source lines of calls with addr2line on the loaded file. */
+/** Finds the source lines of calls by running addr2line on the loaded files. */
 public final class SourceLines {
     /** A line of source, and the function around it. */
     public record Place(String function, String file, int line) {

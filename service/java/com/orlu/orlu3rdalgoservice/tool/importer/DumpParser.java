@@ -10,9 +10,9 @@ import java.util.regex.Pattern;
  * entries and reads the rest.
  */
 final class DumpParser {
-    /** Limit of the values of an entry; no tag has more. */
+    /** Limit on the number of values of an entry; no tag has more. */
     private static final int MOST_VALUES = 1 << 20;
-    /** Limit of the characters of a line; no dump has longer lines. */
+    /** Limit on the length of a line, in characters; no dump has longer lines. */
     private static final int LONGEST_LINE = 1 << 20;
     private static final String BUFFER = "Dumping camera metadata array";
     private static final Pattern SIZE = Pattern.compile(": (\\d{1,9}) / \\d+ entries");

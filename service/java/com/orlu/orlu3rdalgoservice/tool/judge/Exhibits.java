@@ -17,7 +17,7 @@ import java.util.stream.IntStream;
 
 /** The image data that a page needs, collected while the images' memory exists. */
 public final class Exhibits {
-    /** Limit of the total bytes of all inputs' large pictures in a page, except those of the base frame. */
+    /** Total bytes allowed in a page for the inputs' large pictures, except those of the base frame. */
     private static final int INPUT_BYTES = 900_000;
 
     private final List<Long> mChecksums = new ArrayList<>();

@@ -7,7 +7,7 @@ import java.util.Map;
 /**
  * A suspicious observation about a request.
  *
- * @param kind   a word for programs
+ * @param kind   a machine-readable name
  * @param isSure whether it is certainly an error
  * @param what   the observation, one sentence
  * @param why    its usual causes and where to look

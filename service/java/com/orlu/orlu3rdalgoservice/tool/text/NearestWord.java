@@ -64,7 +64,7 @@ public final class NearestWord {
                 word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
     }
 
-    // Returns an exact result only below `least`.
+    // The result is exact only if it is below `least`.
     private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());
