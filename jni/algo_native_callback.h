@@ -57,7 +57,7 @@ private:
   // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
   // Tells Java that it may finish a full-async request. If Java can't be reached, logs that; the request
-  // is then finished when its client is destroyed. Returns false if the call was not attempted.
+  // is then finished when its client is destroyed. Returns false if setAnnounced() failed or was not called.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
   // Creates the map and calls Java with it. Returns false if the map could not be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;

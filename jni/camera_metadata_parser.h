@@ -1,7 +1,7 @@
 // Reads and writes typed camera metadata through JNI: capture results, the compositions that override them
 // key by key, camera characteristics, and hash maps for callbacks. A parser belongs to the thread and the JNI
 // call that initialised it, because it keeps local references; nothing is cached across calls. Every
-// operation works even if members could not be resolved, and leaves no Java exception pending.
+// operation is safe even if members could not be resolved, and leaves no Java exception pending.
 #pragma once
 
 #include <jni.h>

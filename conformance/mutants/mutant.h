@@ -87,7 +87,7 @@ void leaveResult(const Table& table, void* block, const char* section, const cha
 // Returns whether the algorithm list starts with this name.
 bool asksFor(const std::vector<std::string>& list, const char* name);
 
-// Calls `change` with a mapping of the first `size` bytes of the caller's file; `size` may exceed the image.
+// Calls `change` with a mapping of the first `size` bytes of `fd`; `size` may exceed the image.
 template <typename Change>
 void touch(int fd, size_t size, Change change) {
   auto* const memory = static_cast<uint8_t*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));

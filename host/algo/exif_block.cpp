@@ -85,7 +85,7 @@ public:
   }
 
 private:
-  // Returns the bytes of a new entry; the block owns them.
+  // Returns the bytes of a new entry, owned by mData; null if memory is exhausted.
   uint8_t* add(ExifIfd ifd, int tag, ExifFormat format, size_t components, size_t size) {
     const std::unique_ptr<ExifMem, void (*)(ExifMem*)> memory(exif_mem_new_default(), exif_mem_unref);
     const std::unique_ptr<ExifEntry, void (*)(ExifEntry*)> entry(exif_entry_new_mem(memory.get()),

@@ -12,7 +12,7 @@ namespace orlu::test {
 // failure prints a line to standard error and returns false.
 bool startJvm(const std::vector<std::string>& jars, std::vector<std::string> options);
 
-// Starts the VM with -Xcheck:jni, like startJvm(). The VM's output goes to a file that jvmIsQuiet() reads.
+// Like startJvm(), but with -Xcheck:jni. The VM's output goes to a file that jvmIsQuiet() reads.
 bool startCheckedJvm(const std::vector<std::string>& jars);
 // Prints the VM's complaints about JNI calls and deletes the file. Returns true if there are none.
 bool jvmIsQuiet();

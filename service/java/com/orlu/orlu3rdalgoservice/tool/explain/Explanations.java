@@ -33,7 +33,7 @@ public final class Explanations {
     public record Write(Parameter parameter, boolean isReplaced, String place) {
     }
 
-    /** Explains a run that has recorded look-ups and trials. */
+    /** Explains a run by its recorded look-ups and its trials. */
     public Explanations(Run run, Dependences dependences, SourceLines source) {
         mHandover = run.handover();
         mDependences = dependences;

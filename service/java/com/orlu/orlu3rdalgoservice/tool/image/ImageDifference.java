@@ -135,7 +135,7 @@ public final class ImageDifference {
         return isSame ? new ImageDifference(one, other, null) : null;
     }
 
-    /** The first row that differs, from 0; -1 if all pixels are equal; other bytes may differ. */
+    /** The first row that differs, from 0; -1 if all pixels are equal, even if other bytes differ. */
     public int firstRow() {
         return mFirstRow;
     }

@@ -3,8 +3,8 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.util.stream.IntStream;
 
 /**
- * Structural similarity of the lumas of two pictures, 1 if they are equal: the mean over windows of 8x8
- * pixels, 4 pixels apart. Computed here because no package of Debian does so for Java.
+ * Structural similarity (1 if equal) of the lumas of two pictures: the mean over windows of 8x8 pixels, 4
+ * pixels apart. Computed here because no package of Debian does so for Java.
  */
 public final class Ssim {
     private static final int BLOCK = 4;

@@ -60,8 +60,8 @@ final class JpegBlocks {
         Arrays.fill(mPlain, Math.min(from, mPlain.length), mPlain.length, (byte) 0);
     }
 
-    // A block consists of its marker, its length in two bytes, which does not include the marker, and its
-    // contents. Returns the offset after the block; for a start of scan, the offset after its scan.
+    // A block consists of its marker, its two-byte length, which excludes the marker, and its contents.
+    // Returns the offset after the block; for a start of scan, the offset after its scan.
     private int afterBlock(int from, int marker) {
         int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);
         int end = Math.min(mBytes.length, from + 2 + Math.max(2, length));

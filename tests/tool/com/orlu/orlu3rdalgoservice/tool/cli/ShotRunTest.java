@@ -11,7 +11,7 @@ import java.io.IOException;
 import java.nio.file.Path;
 import java.util.List;
 
-/** Tests a failing run in another process. */
+/** Tests a run whose process can't be started. */
 public final class ShotRunTest {
     @Rule
     public final TemporaryFolder folder = new TemporaryFolder();

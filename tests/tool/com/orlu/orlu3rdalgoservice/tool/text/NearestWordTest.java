@@ -17,7 +17,7 @@ public final class NearestWordTest {
             // Letters omitted, inserted, changed, swapped; case is ignored.
             {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
             {"FRAMES", "frames"}, {"fullasync", "fullAsync"}, {"farmes", "frames"}, {"Ipnuts", "inputs"},
-            // A third of the letters may be wrong, rounded down: none of two letters.
+            // At most a third of the letters, rounded down, may be wrong: none of two.
             {"frxxes", "frames"}, {"fxxxes", null}, {"ix", null}, {"ID", "id"}, {"bist", "bits"},
             {"btsi", null},
             // A prefix of at least three letters.
