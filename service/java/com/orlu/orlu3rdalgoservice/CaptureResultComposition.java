@@ -38,7 +38,7 @@ public class CaptureResultComposition {
         mMetadata.put(key, value);
     }
 
-    /** Makes a capture result from the camera's metadata. The native side calls this once and caches the result. */
+    /** Makes a capture result from mSource. The native side calls this once and caches the result. */
     public CaptureResult assembleResultComposition() {
         return new CaptureResult(mSource);
     }

@@ -9,7 +9,7 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.List;
 
-/** The difference between two values: both if short, else the fields or elements that differ, or the first such byte. */
+/** The difference between two values: both if short, else the differing fields, elements or first byte. */
 final class ValueDifference {
     private static final int LONGEST = 70;
     private static final int SHOWN = 3;
