@@ -81,8 +81,8 @@ constexpr char kText[] =
     later.
   - **Resources.** The library closes each descriptor that it opens exactly once, and no other
     descriptor. A request leaks nothing, not even one byte.
-- **The end of the process** is announced by command, with the data `{kill}` and a zero byte.
-  The service does not wait then.
+- **The end of the process** is announced by a call of command with the data `{kill}` and a
+  zero byte. The service does not wait then.
 )";
 
 void replace(std::string& text, const std::string& name, const std::string& value) {
