@@ -52,7 +52,7 @@ double sinceAnswer(const Worker& worker, const RequestRunner& runner) {
   return Seconds(runner.returned() - worker.answered()).count();
 }
 
-// Measures request and floor alternately.
+// Measures request and floor in each iteration, in alternating order.
 template <typename Request, typename Floor>
 void compare(benchmark::State& state, Request&& request, Floor&& floor, int warmUp) {
   for (int i = 0; i < warmUp; ++i) request(), floor();

@@ -45,8 +45,8 @@ public:
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
   // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. For
-  // any other request, or one that is still being submitted and not yet announced, writes only initial
-  // values. Returns the same values as processImage().
+  // any other request, or one that is still being submitted and not yet announced to Java, writes only
+  // initial values. Returns the same values as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

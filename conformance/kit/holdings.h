@@ -23,7 +23,8 @@ struct Holdings {
 // Returns the heap bytes in use; 0 in sanitizer builds.
 int64_t allocatedBytes();
 
-// Fills fresh and freed memory with this byte from now on, if the C library supports it; 0 stops filling.
+// From now on, fills freed memory with this byte and fresh memory with its complement, if the C library
+// supports it; 0 stops filling.
 void poison(int byte);
 
 }  // namespace orlu::conform

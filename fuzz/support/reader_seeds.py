@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes valid files to mutate, in a folder per form and example: reader_seeds.py ROOT SEEDS"""
+"""Writes files to mutate, in a folder per form and example: reader_seeds.py ROOT SEEDS"""
 
 import json
 import shutil
@@ -31,7 +31,7 @@ def example(form, name, **files):
     return folder
 
 
-# Requests, their recordings, and the JPEG of one of them.
+# Recordings of small requests, and the JPEG of one of them.
 work = seeds / "work"
 for name in RECORDED:
     folder = example("work", name, request__json=small(name))

@@ -1,5 +1,5 @@
-// An algorithm library for trials: process() calls back before it returns. The values that the request sets
-// and its algorithm list form one byte record for Java. Supports one request at a time, on one thread.
+// An algorithm library for trials: process() calls back before it returns. The request's values and algorithm
+// list form one byte record for Java. Supports one request at a time, on one thread.
 
 #include <jni.h>
 

@@ -10,8 +10,8 @@ namespace orlu::test {
 
 using Lines = std::vector<std::string>;
 
-// Returns each line of the log as "tag: message", or as "tag: * message" if it has a prefix. "?" precedes
-// lines that are not errors.
+// Returns each line of the log as "tag: message", or as "tag: * message" if it has a file:line prefix. "?"
+// precedes lines that are not errors.
 inline Lines errorLines(const LogCapture& log) {
   Lines lines;
   for (const LogLine& line : log.lines()) {

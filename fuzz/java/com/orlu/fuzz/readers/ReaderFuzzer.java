@@ -20,8 +20,8 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /**
- * Runs the command in this VM on mutants of valid files. Arguments: SEEDS WORK SECONDS SEED [FORM...]. SEEDS
- * contains a folder for each form, which contains a folder for each valid example. Mutant i depends only on
+ * Runs the command in this VM on mutants of examples. Arguments: SEEDS WORK SECONDS SEED [FORM...]. SEEDS
+ * contains a folder for each form, which contains a folder for each example. Mutant i depends only on
  * SEED + i and its example. The files of the first finding of each kind are stored in WORK/findings.
  */
 public final class ReaderFuzzer {
@@ -81,7 +81,7 @@ public final class ReaderFuzzer {
         }
     }
 
-    // Runs every example unchanged, then mutants, for the same number of seconds for each form.
+    // Runs every example unchanged, then mutants. Each form's mutants get the same number of seconds.
     private void run(int seconds, List<String> forms) throws IOException {
         for (String form : forms) {
             Path folder = mSeeds.resolve(form);

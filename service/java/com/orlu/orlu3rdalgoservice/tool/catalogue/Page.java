@@ -10,7 +10,7 @@ import java.util.Locale;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Prints entries of the catalogue as text, wrapped to the width of the terminal. */
+/** Prints entries of the catalogue as text, wrapped to 80 columns. */
 public final class Page {
     private static final int GAP = 2;
     private static final int BELOW = 4;

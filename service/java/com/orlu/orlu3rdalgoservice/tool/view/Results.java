@@ -68,7 +68,7 @@ public final class Results {
         return new Verdict(verdict.require("status").integer(0, 255), verdict.require("reasons").strings());
     }
 
-    /** Returns the milliseconds of all calls into the library in a result; NaN if the result has no times. */
+    /** Returns the total milliseconds of a result's calls into the library; NaN if it has no times. */
     public static double milliseconds(Json result) {
         Json times = result.get("milliseconds");
         return times == null ? Double.NaN : times.entries().values().stream()
