@@ -28,8 +28,7 @@ public final class VerdictFindings {
                     "No request was submitted, and there is no output. The verdict names the fault. Check "
                             + "that the library is the intended file.",
                     "the algorithm library", "no algorithm library", "createClient"),
-            new Kind("time-out", Tab.TIMELINE,
-                    "The request timed out: no callback finished it, and no result was fetched.",
+            new Kind("time-out", Tab.TIMELINE, "The request timed out: no callback finished it.",
                     "In the timeline, no callback of this request follows the wait. Either the library "
                             + "never finished, or its callback was ignored for the given reason.",
                     "no callback for request"),
