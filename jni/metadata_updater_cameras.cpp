@@ -49,7 +49,7 @@ void MetadataUpdater::updateEngine() {
   mShot.write<Chars<65>>(kSensor, "camera_composition", composition);
 }
 
-// Reads values that earlier steps wrote, because no member holds "camera_type".
+// Reads back values that earlier steps wrote, because no member holds them.
 void MetadataUpdater::convertMetadata() {
   const auto satRole = mShot.readBack<int32_t>(kSensor, "camera_sat_role");
   const auto type = mShot.readBack<Chars<16>>(kSensor, "camera_type");

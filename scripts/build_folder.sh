@@ -5,7 +5,7 @@
 # compared here with files that the last build left in the folder:
 #   setup.txt      path of the checkout, presets and options of CMake
 #   packages.txt   versions of the packages that compile or are compiled in
-#   built          its date is the start of the last successful build
+#   built          marker, dated at the start of the last successful build
 #   build.log      output of CMake and Ninja
 
 # Packages with files that go into the build: compilers, the JDK, headers and jars.
@@ -18,8 +18,8 @@ start_afresh() {
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: deletes a build of another checkout, or a build with packages, or versions of
-# packages, that are no longer installed.
+# discard_strange FOLDER: deletes a build of another checkout, or one whose packages or package versions are
+# no longer installed.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")

@@ -128,8 +128,8 @@ TEST_F(LifetimesTest, AnAnnouncementFails) {
   }
 }
 
-// Calls each native of the table. Inside each operation that the native calls, destroys its client or another
-// client.
+// Calls each native of the table. Inside each operation that the native calls, destroys the client in use or
+// another client.
 TEST_F(LifetimesTest, JavaDestroysAClientInsideAnyOperation) {
   const std::pair<const char*, std::function<void(int64_t)>> kNatives[] = {
       {"init",      [](int64_t inst) { RequestProcessor::init(env(), inst, nullptr); }                 },

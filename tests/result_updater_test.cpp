@@ -159,8 +159,8 @@ TEST_F(ResultUpdaterStepsTest, PutNothingWithoutACompositionButSetTheOutputs) {
             mScene.log());
 }
 
-// Log of the last results if all puts fail. The put of a long also names putInt(); the last two lines have
-// the short tag.
+// Log of the last results if all puts fail. The failed put of a long is also logged as putInt(); the last two
+// lines have the short tag.
 const std::string kPutFailures =
     "D updateMarkMode 0\n"
     "E pCameraMetadataParser->putInt fail\n"

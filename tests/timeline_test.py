@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that viewers of the JSON trace format display the output of ./run --timeline correctly:
+"""Checks the stages of ./run --times, and that trace viewers can display the output of ./run --timeline:
 timeline_test.py BUILD_FOLDER"""
 
 import collections
@@ -126,7 +126,7 @@ def measures_stages(folder, sample):
     unequal_times = []
     if not 0.98 * whole <= total <= 1.02 * whole:
         unequal_times.append(f"{sample}: the stages take {total} ms, the whole {whole} ms")
-    # Compares with other clocks: the trace's for the whole request, and the durations of calls.
+    # Compares with other clocks: the trace of the whole request, and the durations of calls.
     trace = json.loads((folder / "timeline.json").read_text())["traceEvents"]
     request = next(event["dur"] / 1000 for event in trace if event.get("name") == f"{sample}.json")
     calls = sum(results["milliseconds"].get(call, 0) for call in ("process", "wait", "update result"))

@@ -8,7 +8,7 @@ namespace orlu::conform {
 namespace {
 
 constexpr size_t kLongest = 120;        // letters in a name
-constexpr size_t kStem = kLongest - 4;  // without a letter and the number that make the name unique
+constexpr size_t kStem = kLongest - 4;  // without the letter and number that make it unique
 
 struct Entry {
   std::string section;

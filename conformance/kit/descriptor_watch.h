@@ -6,8 +6,8 @@
 
 namespace orlu::conform {
 
-// Watches during its lifetime; one object at a time. Descriptors that are open at construction belong to the
-// caller, so construct it before the library is opened.
+// Watches during its lifetime; only one may exist at a time. Descriptors that are open at construction belong
+// to the caller, so construct it before the library is opened.
 class DescriptorWatch {
 public:
   DescriptorWatch();

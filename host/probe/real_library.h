@@ -12,7 +12,7 @@ struct RealLibrary {
 
   Entry entry = nullptr;   // null on failure
   const char* stage = "";  // the step that failed: "open" or "entry"
-  std::string error;       // the loader's message
+  std::string error;       // why it failed
 };
 
 // Returns the path of the library to open, the first of these:

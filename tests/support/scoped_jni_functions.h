@@ -1,4 +1,4 @@
-// Replaces an environment's JNI function table by a copy while this object lives. Functions of the copy may
+// Replaces an environment's JNI function table with a copy while this object lives. Functions of the copy may
 // be replaced at any time.
 #pragma once
 

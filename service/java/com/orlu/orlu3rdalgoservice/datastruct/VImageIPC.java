@@ -5,7 +5,7 @@ import android.os.SharedMemory;
 
 /**
  * An image passed between processes: a description, and pixels in shared memory or a hardware buffer. The
- * native side reads the fields by name, and writes format, size and first plane size of outputs.
+ * native side reads the fields by name, and writes format, width, height and first plane size of outputs.
  */
 public final class VImageIPC {
     /** The format's name, such as "NV21". Never null. */

@@ -89,7 +89,7 @@ final class BurstSession {
         return verdict.status();
     }
 
-    // Prints the tables. Returns the duration of the burst in milliseconds.
+    // Prints the measurements. Returns the duration of the burst in milliseconds.
     private double print(RequestFile request, Burst burst, List<Shot> shots) throws IOException {
         long start = shots.stream().mapToLong(shot -> shot.whole().start()).min().orElse(0);
         long end = shots.stream().mapToLong(shot -> shot.whole().end()).max().orElse(0);
@@ -208,7 +208,7 @@ final class BurstSession {
         }
     }
 
-    // The descriptor of the directory listing itself is already closed and can't be read.
+    // A descriptor may have been closed since it was listed.
     private static boolean isImage(Path descriptor) {
         try {
             return Files.readSymbolicLink(descriptor).toString().startsWith("/memfd:");

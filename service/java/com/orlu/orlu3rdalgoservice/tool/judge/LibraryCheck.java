@@ -7,7 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Checks whether an algorithm library is usable, by the events up to the creation of its first client. */
+/** Checks whether an algorithm library is usable, from the events up to the creation of its first client. */
 public final class LibraryCheck {
     // Without these, no request is submitted, and each request times out.
     private static final List<String> MANDATORY = List.of("process", "getSize");
