@@ -134,8 +134,8 @@ void checkKeys() {
   std::string wrong;
   std::thread([&] { wrong = wrongValues(block, entries); }).join();
   HOLDS(wrong.empty())
-      << "a block must store " << entries.size() << " values, and compare names of up to " << kLongest
-      << " letters whole: " << wrong
+      << "a block must store " << entries.size() << " values, and compare whole names of up to " << kLongest
+      << " letters: " << wrong
       << "; usual cause: names are cut to a fixed length, or the values are in a fixed array";
   note(std::to_string(entries.size()) + " values, " + std::to_string(std::size(kParameters)) +
        " of them sent by the service");
