@@ -135,7 +135,7 @@ def check_sweep(folder):
     expect("a grid", (0, 4, {"android.jpeg.orientation": "90", "orlu.control.filmSize": "0"}),
            (status, len(runs), runs[2]["tags"]))
     expect("pictures", 4, (folder / "grid/index.html").read_text().count('"picture":"data:image/jpeg'))
-    for values, problem in (("0:1:1", "expected 2 to 1000 steps, found 1"),
+    for values, problem in (("0:1:1", "expected 2 to 1000 values, found 1"),
                             ("1.2.3:4:5", 'expected numbers around the first ":"')):
         refused(folder, f"--tag android.jpeg.orientation={values}: {problem}", "sweep", "shots/a.json",
                 "--tag",

@@ -44,7 +44,7 @@ record SweptTag(String name, List<String> values) {
         int steps = Integer.parseInt(range.group(3));
         if (steps < 2 || steps > MOST) {
             throw new IllegalArgumentException(
-                    "--tag " + text + ": expected 2 to " + MOST + " steps, found " + steps);
+                    "--tag " + text + ": expected 2 to " + MOST + " values, found " + steps);
         }
         try {
             BigDecimal from = new BigDecimal(range.group(1));
