@@ -73,8 +73,9 @@ def check_hostile(driver, build, folder, tabs, check):
         make_pages(build, pages, requests, fault, "off")
         for file in sorted(pages.glob("*.html")):
             show(driver, file)
-            for tab in tabs if file.name != "index.html" else ():
-                driver.find_element("id", f"tab-{tab}").click()
+            for tab in tabs if file.name != "index.html" else ("",):
+                if tab:
+                    driver.find_element("id", f"tab-{tab}").click()
                 folded = driver.find_elements("css selector", "[role=tabpanel] [aria-expanded=false]")
                 for closed in folded[:3]:
                     driver.execute_script("arguments[0].click()", closed)
