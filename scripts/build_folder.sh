@@ -71,7 +71,7 @@ configure() {
   printf '%s\n' "$3" >"$folder/setup.txt"
 }
 
-# compile FOLDER TARGET...: runs Ninja. Hides the line about the check for new files, which each build prints.
+# compile FOLDER TARGET...: runs Ninja. Hides the line that each build prints about checking for new files.
 compile() {
   local folder=$1
   shift

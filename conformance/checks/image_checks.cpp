@@ -62,8 +62,8 @@ constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {1920, 18},
 };
 
-// Runs one request twice, into outputs filled with two different patterns. A byte that keeps both patterns
-// was not written.
+// Runs one request twice, into outputs filled with two different patterns. A byte that is unchanged in both
+// runs was not written.
 class PairOfRuns {
 public:
   PairOfRuns(Scene& scene, const ImageShape& from, const ImageShape& to, std::vector<std::string> algorithms,

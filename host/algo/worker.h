@@ -1,5 +1,5 @@
-// Processes the requests of all clients in order of arrival, on one thread, and calls back. The thread starts
-// with the first request and never ends.
+// Processes the submitted requests of all clients in order of arrival, on one thread, and calls back. The
+// thread starts with the first submit() and never ends.
 #pragma once
 
 #include <chrono>

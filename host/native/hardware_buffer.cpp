@@ -58,7 +58,7 @@ uint64_t pixelBytes(const AHardwareBuffer_Desc& desc, uint32_t stride) {
   return row * rows > kMaxBytes ? 0 : row * rows;
 }
 
-// Accepts known formats with one layer; a BLOB must have one row.
+// Accepts known formats with one layer and 1 to kMaxBytes bytes; a BLOB must have one row.
 bool isAllocatable(const AHardwareBuffer_Desc& desc) {
   const bool isBlob = desc.format == AHARDWAREBUFFER_FORMAT_BLOB;
   return desc.layers == 1 && (!isBlob || desc.height == 1) && pixelBytes(desc, desc.width) > 0;
@@ -88,7 +88,7 @@ native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, 
   return handle;
 }
 
-// Returns the row stride in samples; the width if the handle has another layout or the format is unknown.
+// Returns the row stride in samples; the width for an unknown format or a handle unlike bufferHandle()'s.
 uint32_t rowSamples(const AHardwareBuffer_Desc& desc, const native_handle_t& handle) {
   using namespace orlu::host;
   const bool isOurs = handle.numFds == kDescriptors && handle.numInts == kIntegers && sampleBytes(desc) > 0;

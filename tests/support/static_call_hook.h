@@ -1,5 +1,5 @@
-// Intercepts the main thread's calls of static void methods while this object lives. The library calls one
-// such method: callbackFromNative().
+// Intercepts the creating thread's calls of static void methods while this object lives. The library calls
+// one such method: callbackFromNative().
 #pragma once
 
 #include <jni.h>

@@ -22,7 +22,7 @@ final class RecordFolder {
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the size limit of the recording is reached";
 
-    /** The nesting depth of tags, so that each tag is on its own line. */
+    /** Nesting levels that are broken into lines, down to the tags. */
     private static final int REQUEST_LEVELS = 4;
     private static final int OUTCOME_LEVELS = 3;
 

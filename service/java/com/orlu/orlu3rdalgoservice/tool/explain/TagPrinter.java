@@ -85,7 +85,7 @@ public final class TagPrinter {
         return rows;
     }
 
-    // Returns the parameters that another value would change, with their present values.
+    // Describes the parameters that another value of the tag would change, with their present values.
     private String defaults(Reading reading) {
         Set<String> alone = new HashSet<>();
         Set<String> names = new TreeSet<>();

@@ -11,7 +11,7 @@ import java.util.stream.Collectors;
 
 /** Writes frames and pictures as the text of a request file. */
 public final class RequestWriter {
-    /** The nesting depth of tags, so that each tag is on its own line. */
+    /** Nesting levels that are broken into lines, down to the tags. */
     private static final int SPREAD_LEVELS = 4;
 
     private final Path mFolder;

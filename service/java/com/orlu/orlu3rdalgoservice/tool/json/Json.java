@@ -18,8 +18,8 @@ import java.util.TreeSet;
  *
  * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected text,
  * found 5") if the value has another type. An accessor with a fallback returns the fallback if the member is
- * absent or has another type, and notes a wrong type in mistakes(). Exceptions from this are documented.
- * Accessors throw no other exceptions.
+ * absent or has another type, and notes a wrong type in mistakes(). Deviations are documented. Accessors
+ * throw no other exceptions.
  */
 public final class Json implements JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;

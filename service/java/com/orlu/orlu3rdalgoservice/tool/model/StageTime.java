@@ -18,7 +18,7 @@ import java.util.Map;
  * @param faults    page faults of the working thread
  * @param allocated bytes that the working thread allocates on Java's heap; -1 in the parts of processImage,
  *                  where they are not measured
- * @param passed    bytes of values that the two libraries pass each other
+ * @param passed    bytes of values passed to and from the algorithm library
  */
 public record StageTime(String stage, long start, long end, String thread, String waits, long faults,
         long allocated, long passed) {
@@ -133,7 +133,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
             return event.number("tid") == mBegin.tid();
         }
 
-        // Adds a part of Java's thread, which ends at one of the thread's events.
+        // Adds a part in which Java's thread works, up to one of the thread's events.
         private void part(String stage, Event end) {
             add(stage, JAVA, "", end.time(), end.number("faults") - mFaults);
             mFaults = end.number("faults");

@@ -28,7 +28,8 @@ function fill(element, attributes, children) {
   return element;
 }
 
-// Escapes control characters, except tab and line feed, and characters that change the text direction.
+// Escapes line separators, characters that change the text direction, and control characters other than tab
+// and line feed.
 function printable(text) {
   const unsafe = /[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g;
   return String(text).replace(unsafe, c => "\\u" + c.charCodeAt(0).toString(16).padStart(4, "0"));
