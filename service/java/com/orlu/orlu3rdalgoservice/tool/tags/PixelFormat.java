@@ -62,7 +62,7 @@ public enum PixelFormat {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
 
-    /** Bytes of each plane; `capacity` for a JPEG. */
+    /** Bytes of the first plane and, for YUV, of all chroma together; `capacity` for a JPEG. */
     public int[] planeSizes(int stride, int height, int capacity) {
         if (this == JPEG) {
             return new int[] {capacity};
