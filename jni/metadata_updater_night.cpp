@@ -66,12 +66,12 @@ void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
 
 }  // namespace
 
-// Uses the index of the last frame of the request to select a master frame.
+// Uses the master frame with the index of the request's last frame, else the last master frame.
 void MetadataUpdater::updateSuperNsYuv() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }
 
-// The raw domain uses the same values of the same frames.
+// Writes the same values as updateSuperNsYuv(); only the log lines differ.
 void MetadataUpdater::updateSuperNS() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "RawDomainSuperns");
 }

@@ -63,9 +63,9 @@ public:
   // Copies at most `count` elements; values beyond the array's length are unchanged.
   void getIntArray(int32_t* values, int count, jintArray array);
   // Converts one image descriptor to a frame record, which is zero where the image can't be read.
-  // `usedSharedMemory` becomes 1 if the frame's descriptor is a duplicate that the caller closes, else 0; if
-  // `image` is no VImageIPC, it is unchanged. `handle` is filled in for a hardware buffer and must outlive
-  // the frame.
+  // `usedSharedMemory` becomes 1 if the frame's descriptor is a duplicate that the caller closes, else 0; it
+  // is unchanged if `image` is no VImageIPC. `handle` is filled in for a hardware buffer and must outlive the
+  // frame.
   AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
 
   // Write a property of output image `index` into its frame record and its Java descriptor. An index outside

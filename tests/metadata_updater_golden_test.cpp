@@ -1,5 +1,5 @@
 // Each text in golden/ has a request and the complete translation of its metadata, in order. Each variation
-// changes a text slightly and lists the changes: values, algorithms and log lines.
+// changes a text slightly and lists the effects: values, algorithms and log lines.
 
 #include <gtest/gtest.h>
 

@@ -80,7 +80,7 @@ private:
     for (const AlgoFrameInfo& frame : record.inputFrames) text << ' ' << frame.width;
     text << " out";
     for (const AlgoFrameInfo& frame : record.outputFrames) text << ' ' << frame.width;
-    // Both blocks are alive while the library reads them.
+    // Both kinds of blocks must be alive during the call.
     text << " alive " << test::Algo::counts().parameterBlocks << ' ' << test::Algo::counts().cameraBlocks;
     return text.str();
   }

@@ -1,5 +1,5 @@
-// Compares our headers of shared memory and hardware buffers with Debian's. Of hardware buffers, Debian has
-// only the conversion from Java objects and the pixel formats, with the names HAL_PIXEL_FORMAT_...
+// Compares our headers of shared memory and hardware buffers with Debian's. For hardware buffers, Debian has
+// only the pixel formats, named HAL_PIXEL_FORMAT_..., and the conversion from Java objects.
 #include <android/hardware_buffer_jni.h>
 #include <android/sharedmem_jni.h>
 #include <system/graphics-base-v1.0.h>

@@ -68,7 +68,7 @@ final class ImageCrop {
                 end += stride * (mImage.height() / (1 + index));
                 newEnd += newStride * (mArea.height() / (1 + index));
             }
-            // A plane may end after the pixels of its last row, or have padding rows.
+            // A plane may lack the padding of its last row, or have padding rows.
             boolean hasSize = hasSize(sizes, index);
             if (hasSize) {
                 newEnd += sizes[index] - (end - start);
@@ -92,8 +92,9 @@ final class ImageCrop {
         return index < sizes.length && sizes[index] > 0 && sizes[index] <= most;
     }
 
-    // Throws if rows exceed the memory or the cropped rows overlap, or if a cropped plane has a negative size
-    // or offset because its original size is too small. The last row needs no padding.
+    // Throws if the cropped rows overlap, or if a cropped plane has a negative size because its original size
+    // is too small. Checks rows and offsets against the memory only if the image has a file. The last row
+    // needs no padding.
     private void checkMemory(String name, int[] newSizes, int newSize) {
         boolean isLess = Arrays.stream(newSizes).anyMatch(size -> size < 0);
         for (Plane plane : mPlanes) {

@@ -66,7 +66,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    /** Uses this client. With `keepsLookups`, each look-up of a tag becomes an event. */
+    /** With `keepsLookups`, each look-up of a tag becomes an event. */
     public RequestRunner(
             RequestFile request, ServiceClient client, Stopwatch stopwatch, boolean keepsLookups) {
         mRequest = request;
@@ -113,7 +113,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    // Called right before the request: the RequestRecorder has read all tags by then, which is no event.
+    // Called right before the request, so that the RequestRecorder's reads of all tags are no events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {
