@@ -1,5 +1,5 @@
-// The algorithm library of the benchmarks, under its name on the device. It stores nothing, computes nothing
-// and calls back at once, so that the benchmarks measure only the code that calls it.
+// The algorithm library of the benchmarks, with the file name of the device's. It stores no parameters,
+// computes nothing and calls back at once, so that the benchmarks measure only the code that calls it.
 #pragma once
 
 #include "algo_interface.h"

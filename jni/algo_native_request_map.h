@@ -1,4 +1,4 @@
-// The unfinished requests that were submitted to the algorithms, and the timed wait for their callbacks.
+// The requests in flight, and the timed wait for their callbacks.
 #pragma once
 
 #include <condition_variable>

@@ -72,8 +72,9 @@ constexpr JniMember<Owner> jniField(const char* name, const char* signature, jfi
   return {JniMember<Owner>::Kind::kField, name, signature, nullptr, nullptr, slot, label, 0, nullptr};
 }
 
-// Resolves the rows of tables in order into their owner's slots and logs each missing row. A lookup in a
-// missing class gives null without calling the VM. Exceptions of lookups are cleared.
+// Resolves the rows of tables in order into their owner's slots and logs each missing row. Skips the members
+// of a missing class, except rows with kAnyClass. A lookup in a null class gives null without calling the VM.
+// Exceptions of lookups are cleared.
 template <typename Owner>
 class JniMemberWalk {
 public:

@@ -14,8 +14,8 @@ inline bool clearException(JNIEnv* env) {
   return true;
 }
 
-// Returns `result`. If it is null, clears the exception of the function that returned it; such functions
-// throw only if they return null.
+// Returns `result`, which is from a JNI function that throws only if it returns null. If `result` is null,
+// clears the exception.
 template <typename T>
 T clearIfNull(JNIEnv* env, T result) {
   if (result == nullptr) clearException(env);

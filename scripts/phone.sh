@@ -36,8 +36,8 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the phone of ANDROID_SERIAL, else the only phone that is ready; exits with an error if
-# that phone is not ready, or if several are. adb itself also counts phones that are not ready.
+# one_phone: selects the ready phone that ANDROID_SERIAL names or, if it is unset, the only ready phone. Exits
+# with an error if there is none. adb itself also counts phones that are not ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
@@ -63,7 +63,7 @@ one_phone() {
   export ANDROID_SERIAL=${ready[0]}
 }
 
-# call_adb ARGUMENT...: runs adb, and exits with status 2 if it fails. A failed check of the kit has status 1.
+# call_adb ARGUMENT...: runs adb, and exits with status 2 if it fails; status 1 means a failed check.
 call_adb() { adb "$@" || die "adb $1 failed: see above; is $ANDROID_SERIAL still connected?"; }
 
 # quoted WORD...: quotes the words for a shell.

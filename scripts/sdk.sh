@@ -11,7 +11,7 @@ Write a kit for makers of algorithm libraries to the folder DIR: the header, the
 checks for x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be
 empty or missing."
 
-# refuse TEXT: reports an invalid command line, in the form that all subcommands use, and exits with 2.
+# refuse TEXT: reports an invalid command line like other subcommands, and exits with 2.
 refuse() {
   echo "run: error: $1" >&2
   exit 2

@@ -11,8 +11,8 @@
 namespace orlu::fuzz::fake_jni {
 
 JNIEnv* env();
-// Calls that can fail consume these bytes in order; an odd byte makes the call fail. A call that fails
-// by returning null and may throw consumes a second byte: it throws if that byte is odd. After the last byte,
+// Calls that can fail consume these bytes in order; an odd byte makes the call fail. A failing call that
+// returns an object and may throw consumes a second byte: it throws if that byte is odd. After the last byte,
 // all calls succeed.
 void setChoices(const uint8_t* bytes, size_t size);
 // Sets the number that methods return and that int fields and array elements contain.

@@ -21,7 +21,7 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
-  std::vector<std::string> skipped;  // unknown here, without a bit in processed_algo, or without work
+  std::vector<std::string> skipped;  // without a bit in processed_algo, or without work
   double milliseconds = 0;
   std::vector<FrameReport> frames;  // one per input if the frames were judged
 };

@@ -7,7 +7,7 @@
 namespace orlu::standin {
 namespace {
 
-constexpr int kMaxSide = 65500;  // the largest side of a JPEG
+constexpr int kMaxSide = 65500;  // the largest side that libjpeg accepts
 constexpr int64_t kMaxPixels = 1 << 28;
 
 bool isSaneShape(int width, int height) {

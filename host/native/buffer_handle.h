@@ -1,4 +1,4 @@
-// The native handle of this layer's hardware buffers: two descriptors, then integers.
+// The native handle of the host layer's hardware buffers: two descriptors, then integers.
 #pragma once
 
 namespace orlu::host {

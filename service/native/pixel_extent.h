@@ -18,7 +18,7 @@ constexpr uint32_t kFormatYcbcrP010 = 0x36;
 constexpr uint32_t kFormatYv12 = 0x32315659;
 
 constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
-// Maximum number of unused rows between two planes, which a device may insert for alignment.
+// Maximum number of unused rows that a device may insert between two planes for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
 // Returns the bytes of a row with its padding; 0 if unknown. For many formats the platform sets no row
@@ -43,7 +43,7 @@ inline bool is420(uint32_t format) {
          format == kFormatYv12 || format == kFormatYcbcrP010;
 }
 
-// Returns the bytes from the first plane's start to the end of the last row of all planes, padding included;
+// Returns the bytes from the first plane's start to the end of the last plane's last row, padding included;
 // 0 if the layout is unknown, planes overlap or are over kMostUnusedRows rows apart, or the extent exceeds
 // kMostBytes.
 inline uint64_t pixelExtent(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Planes& planes) {

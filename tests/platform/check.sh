@@ -82,7 +82,7 @@ find_symbols() {
     --bionic "${rust[0]}"/{mod.rs,linux_like/{mod,android/{mod,b32/mod,b32/arm}}.rs} -- "$@"
 }
 
-# Each source includes our header and the platform's, with ours in a namespace.
+# Each agreement/*.cpp includes our header and the platform's, with ours in a namespace.
 check_agreement() {
   local header sources
   rm -rf "$scratch/agreement"

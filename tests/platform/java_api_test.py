@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests that java_api.py detects every difference between our classes or members and the platform's."""
+"""Tests that java_api.py detects differences between our classes or members and the platform's."""
 
 import pathlib
 import tempfile

@@ -7,7 +7,7 @@
 
 namespace agreement {
 
-// Type is T with our records replaced by the platform's records of the same name (see RECORD).
+// Type is T with our types replaced by the platform's types of the same name (see OPAQUE and RECORD).
 template <typename T>
 struct Platform {
   using Type = T;

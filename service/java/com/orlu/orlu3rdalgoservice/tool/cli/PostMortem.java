@@ -137,7 +137,7 @@ final class PostMortem {
         }
     }
 
-    // Returns the run's inputs; null if they were not recorded or can't be read: the page has no pictures.
+    // Returns the run's inputs; null, so that the page has no pictures, if not recorded or unreadable.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;

@@ -1,2 +1,2 @@
-/** The command line of ./run: its subcommands, and the run of a whole command line. */
+/** The command line of ./run: its subcommands, and the run of its requests. */
 package com.orlu.orlu3rdalgoservice.tool.cli;

@@ -12,7 +12,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.stream.IntStream;
 
-/** Explains a request's parameters: the code that wrote each, and the tags that it depends on. */
+/** Explains each parameter of a request: the code that wrote it, and the tags that it depends on. */
 public final class Explanations {
     /** Appended to a tag or parameter: the parameter changes only if the tag changes in all frames. */
     static final String TOGETHER = " (all frames together)";

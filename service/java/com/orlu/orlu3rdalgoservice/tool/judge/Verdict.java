@@ -14,11 +14,11 @@ import java.util.List;
  */
 public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
     public static final int OK = 0;
-    /** A request failed. */
+    /** A request failed, or compared results differ. */
     public static final int FAILED = 1;
-    /** The command line or a request file is invalid. */
+    /** The command line or an input file is invalid. */
     public static final int REFUSED = 2;
-    /** The algorithm library can't be opened, lacks a mandatory callable, or can't create a client. */
+    /** The algorithm library can't be used; ./run --help lists the reasons. */
     public static final int UNUSABLE = 3;
 
     public Verdict(int status, List<String> reasons) {
@@ -36,7 +36,7 @@ public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
         return new Verdict(status == OK && !found.isEmpty() ? FAILED : status, all, found);
     }
 
-    /** Returns the last line of a run. */
+    /** Returns the last line of a run's output. */
     public String line() {
         return status == OK ? "verdict  ok" : Printable.line("verdict  FAILED: " + String.join("; ", reasons));
     }

@@ -200,7 +200,7 @@ public final class Run {
         return mProblem;
     }
 
-    /** Whether the run's results are known. A recording trimmed to another request has no results. */
+    /** Whether the run's results are known. A trim that changes the request removes them. */
     public boolean isKnown() {
         return hasEvents() || !mOutcomes.isEmpty();
     }
@@ -227,7 +227,7 @@ public final class Run {
         return mOutcomes;
     }
 
-    /** Whether a call to the library did not return 0, or a request had no callback. */
+    /** Whether a call into the native library did not return 0, or no callback arrived. */
     public boolean hasFailed() {
         boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
         return isSilent || List.of("processed", "updated").stream()
@@ -339,7 +339,7 @@ public final class Run {
         return mPass;
     }
 
-    /** The results in this process; empty, except for the inputs, for a run that was read. */
+    /** The results in this process; for a run that was read, only the inputs. */
     public Ran ran() {
         return mRan;
     }

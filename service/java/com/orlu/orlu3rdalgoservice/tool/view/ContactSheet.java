@@ -55,7 +55,7 @@ public final class ContactSheet {
                 : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
     }
 
-    /** Adds a row of cells, one for each column. */
+    /** Adds a row of cells; if there are columns, one for each. */
     public void add(String name, Verdict verdict, List<String> lines, List<Map<String, Object>> cells) {
         mRows.add(JsonWriter.object(
                 "name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells", cells));

@@ -1,8 +1,8 @@
 // Tables with a filter.
 
 // Makes a table. A row is {cells: [...], text, class}; filters search `text`. A column whose heading begins
-// with "-" is hidden in a narrow window. Returns the element, and show(isWanted), which returns the number of
-// rows shown.
+// with "-" is hidden in a narrow window. Returns the element, and show(isWanted), which shows only the wanted
+// rows and returns their number.
 function table(heads, rows) {
   const classes = heads.map((head, i) =>
     [i === 0 ? "key" : "", head.startsWith("-") ? "narrow-hide" : ""].join(" "),
