@@ -137,7 +137,7 @@ final class PostMortem {
         }
     }
 
-    // Returns the run's inputs; null, so that the page has no pictures, if not recorded or unreadable.
+    // Returns the run's inputs; null if not recorded or unreadable: then the page has no pictures.
     private static Exhibits inputs(Run run) {
         if (run.folder() == null || run.inputs().stream().anyMatch(input -> !input.kept().isEmpty())) {
             return null;

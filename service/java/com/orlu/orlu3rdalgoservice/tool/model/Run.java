@@ -227,7 +227,7 @@ public final class Run {
         return mOutcomes;
     }
 
-    /** Whether a call into the native library did not return 0, or no callback arrived. */
+    /** Whether a call into the native library did not return 0, or process had no callback. */
     public boolean hasFailed() {
         boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
         return isSilent || List.of("processed", "updated").stream()
