@@ -68,7 +68,7 @@ constexpr SoakWay kSoakWays[] = {
   { 50, "  and on foreign threads", Kind::kSynchronous, Calls::kReorderedAway,   End::kAnswered},
   { 10, "  dropped",                Kind::kSynchronous, Calls::kDropped,         End::kTimedOut},
   { 10, "  after the timeout",     Kind::kSynchronous, Calls::kLate,            End::kTimedOut},
-  { 10, "  about the timeout",     Kind::kSynchronous, Calls::kRacing,          End::kAnswered},
+  { 10, "  near the timeout",      Kind::kSynchronous, Calls::kRacing,          End::kAnswered},
   { 50, "skipped",                  Kind::kSkipped,     Calls::kDropped,         End::kSkipped},
   { 50, "skipped, full-async",      Kind::kSkipAsync,   Calls::kDropped,         End::kSkipped},
   {130, "full-async",               Kind::kFullAsync,   Calls::kOnce,            End::kAnnounced},
