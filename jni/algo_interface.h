@@ -56,8 +56,8 @@ enum AlgoImageFormat : int32_t {
 
 constexpr int kMaxPlanes = 4;
 
-// A copy of the platform's native_handle_t with room for kCapacity words: first the descriptors, then the
-// integers.
+// A copy of the platform's native_handle_t with room for kCapacity words: the descriptors, then the integers,
+// with the first two words swapped (Oddity 5).
 struct AlgoNativeHandle {
   static constexpr int kCapacity = 256;
 

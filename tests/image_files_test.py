@@ -74,7 +74,7 @@ def request(*inputs):
 
 
 def takes_raw():
-    """The library gets the samples of each kind of file unchanged, and copies them to the output."""
+    """The algorithm library gets each kind of file's samples unchanged, and copies them to the output."""
     size = {"width": WIDTH, "height": HEIGHT}
     images = (
         {"file": "tight.raw", "format": "RAW16", **size},

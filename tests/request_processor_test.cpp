@@ -56,7 +56,7 @@ protected:
   const jobject mParam = test::newComposition();
 };
 
-// Calls the product through the Java class that declares the natives.
+// Calls the natives through the Java class that declares them.
 class ServiceTest : public RequestProcessorTest {
 protected:
   const jobject mService = test::newObject("com/orlu/orlu3rdalgoservice/Orlu3rdAlgoService", "()V");

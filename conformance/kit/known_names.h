@@ -1,5 +1,5 @@
 // Sections, keys and algorithms of the service. The build generates parameter_sizes.inc and
-// algorithm_names.inc from the service's sources; a test writes result_reads.inc.
+// algorithm_names.inc from the service's sources; a test can rewrite result_reads.inc.
 #pragma once
 
 #include <cstddef>

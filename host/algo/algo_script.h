@@ -15,7 +15,7 @@
 
 namespace orlu::standin {
 
-// A value that the algorithms store in the parameter set of every request before they call back.
+// A value that the library stores in the parameter set of every request before it calls back.
 struct ScriptedValue {
   std::string section;
   std::string key;

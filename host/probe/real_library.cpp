@@ -30,7 +30,7 @@ bool areSameFile(const std::string& left, const std::string& right) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-// Splits a list of folders like the loader: at both separators; an empty entry means the current folder.
+// Splits a list of folders like the loader, at ':' and ';'. An empty entry means the current folder.
 std::vector<std::string> foldersOf(const char* list) {
   std::vector<std::string> folders;
   if (list == nullptr || *list == '\0') return folders;

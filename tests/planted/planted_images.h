@@ -1,4 +1,4 @@
-// Faults in images, for planted libraries.
+// The image faults of planted_algo.cpp.
 #pragma once
 
 #include <string>

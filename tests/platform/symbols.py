@@ -4,7 +4,7 @@
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
 OBJECT  code for a phone, compiled but not linked
-FOLDER  headers of the platform, which is assumed to define all functions that they declare
+FOLDER  headers of the platform; all functions that they declare are assumed to be defined
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
 --others   additional symbols, each with its library
