@@ -63,7 +63,7 @@ public final class ImageFindings {
                             + "the image accesses foreign memory or fails.");
         }
         if (image.memory().usedBehind() > 0 && !image.problem().isEmpty()) {
-            look("written-behind", Tab.MEMORY, "%d bytes after the planes of %s were written."
+            look("written-behind", Tab.MEMORY, "%d bytes were written after the planes of %s."
                             .formatted(image.memory().usedBehind(), image.name()),
                     "The data is there, but the description does not cover it.");
         }
