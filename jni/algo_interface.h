@@ -153,7 +153,7 @@ struct AlgoProcessRecord {
   uint64_t nativeReq = 0;  // identifies the request in its callback
   std::vector<std::string> algoList;
   void* client = nullptr;
-  uint64_t callbackCookie = 0;  // address of an AlgoResultCallback
+  uint64_t callbackCookie = 0;  // address of an AlgoResultCallback, valid until the process ends
   uint64_t reqId = 0;           // the Java side's id
   uint8_t reserved[20] = {};
   // The parameter block, which is valid until the request finishes, and the camera metadata of one capture
