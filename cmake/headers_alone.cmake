@@ -2,7 +2,7 @@
 # includes the header twice. scripts/lint.sh builds this target.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
-# Headers that only clang compiles: those of the fuzz targets, and of the platform step.
+# Headers that only clang compiles: those of the fuzz targets and of tests/platform.
 list(FILTER headers EXCLUDE REGEX "^(fuzz/support/(fake_jni|target)[.]h|tests/platform/.*)$")
 
 set(sources "")

@@ -1,6 +1,6 @@
 // Sends hostile requests through the library in a Java VM: --seed N --count M. Request i depends only on seed
-// N + i, so "--seed S --count 1" repeats it. Each must leave nothing behind: no exception, parameter block,
-// map entry, descriptor or global reference, and no complaint of the VM about a JNI call.
+// S = N + i, so "--seed S --count 1" repeats it. Each must leave nothing behind: no exception, parameter
+// block, map entry, descriptor or global reference, and no complaint of the VM about a JNI call.
 
 #include <unistd.h>
 

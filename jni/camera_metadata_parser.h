@@ -73,8 +73,8 @@ public:
     int mOperations = 0;  // operations whose references are in the frame
   };
 
-  // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls back: the
-  // batch could otherwise free references that the operation still uses.
+  // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls a visitor:
+  // getters in the visitor could otherwise make the batch free references that the operation still uses.
   class BatchPause {
   public:
     explicit BatchPause(CameraMetadataParser& parser)
@@ -122,7 +122,7 @@ public:
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
   // Lookups return a new local reference; null if the value is missing or unreadable, or the object is null
-  // or of another class. In every operation, `key` must consist of complete UTF-8 characters.
+  // or of the wrong class. In every operation, `key` must consist of complete UTF-8 characters.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
   // Reads from `parameter` first; a value found there wins, whatever its type.

@@ -195,8 +195,8 @@ public:
     return read(first(), tag, value);
   }
 
-  // Returns the tag's value, or `initial` if the frame lacks the tag. If the tag is shorter than an array or
-  // record, the rest of `initial` is kept.
+  // Returns the tag's value, or `initial` if the frame lacks the tag. If the tag's array is shorter than T,
+  // the rest of `initial` is kept. Text and bytes ignore `initial`.
   template <typename T>
   T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
     read(frame, tag, initial);

@@ -1,5 +1,5 @@
-// Fuzz target: translates results with arbitrary bytes, also of wrong sizes, for any number of frames. Any
-// JNI call may fail.
+// Fuzz target: translates results with arbitrary bytes, also of wrong sizes, for up to 63 frames. The
+// translation's JNI calls may fail.
 
 #include "result_values.h"
 #include "algo_native_client.h"

@@ -38,8 +38,8 @@ struct ImageView {
   }
 };
 
-// Lays out a frame's planes in `capacity` bytes of memory. Returns false if a size is not positive, is too
-// large, or does not fit. Never accesses the memory.
+// Lays out a frame's planes in `capacity` bytes of memory. Returns false if the planes do not fit, or if an
+// image that is not opaque has an invalid width or height. Never accesses the memory.
 bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageView& view);
 
 // Copies the pixels if the shapes match and opaque images fit; returns false otherwise.

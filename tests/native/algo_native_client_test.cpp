@@ -114,7 +114,6 @@ TEST_F(AlgoNativeClientTest, LogsItsConstructionAndDestruction) {
   EXPECT_EQ(1, mLog.errors(kTag, "~AlgoNativeClient: JavaVM GetEnv ERROR"));
 }
 
-// The client is destroyed before the library calls back.
 TEST_F(AlgoNativeClientTest, IgnoresCallbacksAfterItsDestruction) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   const uint64_t cookie = mClient->callbackCookie();

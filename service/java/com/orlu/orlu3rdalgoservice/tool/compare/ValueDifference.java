@@ -25,7 +25,7 @@ final class ValueDifference {
         return text.isEmpty() ? bytes(one.bytes(), other.bytes()) : text;
     }
 
-    /** Returns the differences of two values with these texts for display; "" if it finds none. */
+    /** Returns the differences of two values, given as text and JSON; "" if it finds none. */
     static String of(String one, String other, Json oneValue, Json otherValue) {
         if (!one.equals(other) && one.length() + other.length() <= LONGEST) {
             return one + " / " + other;

@@ -136,7 +136,7 @@ final class DumpTags {
         return entry.values().get(0);
     }
 
-    // Converts NaN and infinities from C's notation, in the dump, to Java's, in request files.
+    // Converts NaN and infinities from the dump's C notation to the Java notation of request files.
     private static Object number(DumpEntry entry, String text) throws MistakeException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {

@@ -20,7 +20,7 @@ public record Parameter(String section, String key, byte[] bytes) {
         return ParameterFormatter.format(ParameterTypes.of(section, key), bytes);
     }
 
-    /** The value for programs: a number, a boolean, a list of numbers, else the text for people. */
+    /** The value for programs: a number, a boolean, a string, a list of numbers, else the text for people. */
     public Json json() {
         return Json.of(ParameterFormatter.json(ParameterTypes.of(section, key), bytes));
     }
