@@ -2,7 +2,7 @@
 
 option(ORLU_TESTS "Build the tests" ON)
 option(ORLU_BENCH "Build the benchmarks" OFF)
-set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address,undefined or thread")
+set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: \"\", \"address,undefined\" or \"thread\"")
 
 if(NOT ANDROID)
   # Debian's JDK 17, even if another JDK is the machine's default.
