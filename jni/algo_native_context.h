@@ -1,10 +1,10 @@
 // One client's connection to the algorithm library: the library's table of operations and the client handle
 // that it returned. The library is called only through this class and its table.
 //
-// If the library lacks an operation, the call is skipped and the operation's failure message logged;
-// setValue(), getValue() and the visits only return -1. An operation that throws is logged and counts as
-// failed; a Java exception that it leaves pending is logged and cleared. Metadata blocks are handles of the
-// library; whoever creates a block destroys it. Operations on a null block are skipped.
+// If the library lacks an operation, the call is skipped. A failure message is logged, except for getSize,
+// setRaw, setValue, getValue and the visits. An operation that throws is logged and counts as failed; a Java
+// exception that it leaves pending is logged and cleared. Metadata blocks are handles of the library; whoever
+// creates a block destroys it. Operations on a null block are skipped.
 //
 // As thread-safe as the algorithm library. Callers keep the context alive until the operation returns. Java
 // may destroy the library's client meanwhile, inside a callback; after that the library receives no more

@@ -8,7 +8,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 TABLES = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags"
 PLATFORM = ROOT / "host/java/android/hardware/camera2/impl"
-# Most parameters depend on this tag, so the table of parameters omits it.
+# Most parameters depend on this tag, so docs/contract.md does not list it for each parameter.
 ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
 MOST = "more than half of the parameters of some requests"

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Functions and package lists shared by the project's shell scripts. Source it in bash with "pipefail" set,
-# after setting root to the project's folder.
+# Functions and package lists shared by the project's shell scripts. Source this file in bash with "pipefail"
+# set, after setting root to the project's folder.
 
 # Needed by ./run: compiler, build tools, JDK and libraries.
 readonly run_packages=(

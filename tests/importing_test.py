@@ -123,7 +123,7 @@ def reads_suite():
 
 
 def takes_pictures_by_name_and_size():
-    """Files with the same number of bytes are matched to outputs by their names, even if one is missing."""
+    """A file with the size of two outputs belongs to the output that its extension names."""
     outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
     for given in ((), ("two.raw",)):
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))

@@ -2,7 +2,8 @@
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER [--all]
 
 Without --all, the test omits about half of the samples. A page must be a single file without external
-resources. Its data must equal --json. It must report each planted fault, and report nothing for a sample."""
+resources. Its data must equal --json. It must have the findings in FAULTS, and none for a sample without a
+planted fault."""
 
 import base64
 import html.parser
@@ -159,7 +160,7 @@ def check_faults(folder):
         where = f"{name}, {fault}:"
         pages = folder / (fault or "no-fault")
         page = pages / f"{name}.html"
-        # Requests without a fault share one run.
+        # Requests without a planted fault share one run.
         if not pages.exists():
             run(pages, [requests.get(name, ROOT / f"samples/{name}.json")] if fault else without_fault, fault,
                 trials="on" if fault == "aborts:process" else "off")

@@ -90,7 +90,7 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
   EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
 
-  // The remaining code does not use the missing member.
+  // These calls do not use the missing class or member.
   VRequest request(env(), javaRequest, images, images, compositions);
   request.setResultJpegSize(1, 0);
   request.setResultImageWH(1, 2, 0);

@@ -1,4 +1,4 @@
-// The smallest algorithm library that passes all checks of the conformance kit. It stores parameters, copies
+// A minimal algorithm library that passes all checks of the conformance kit. It stores parameters, copies
 // the first input to all outputs of the same format and size, and calls back. See docs/algorithm_library.md.
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -16,8 +16,8 @@ namespace orlu::test {
 struct GoldenRun {
   std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
   std::vector<std::string> after;   // the lines that a text has below [after]
-  // Other facts that variations can expect: unchanged outputs, "output none", "no skip", the HDR type with
-  // the index of the night frame ("rawnr"), and the first input's format and whether it is raw ("format").
+  // Other facts that variations can expect: unchanged outputs, "output none", "no skip", "rawnr" (the HDR
+  // type and the night frame's index), and "format" (the first input's format, and whether it is raw).
   std::vector<std::string> more;
 };
 

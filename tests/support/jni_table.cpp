@@ -116,7 +116,8 @@ Id JniTable::findMember(Id (*original)(JNIEnv*, jclass, const char*, const char*
   return original(mFunctions.env(), clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
 }
 
-// Each object that a function returns is a new local reference. PopLocalFrame frees those of its frame.
+// Each object that a function returns is a new local reference, except NewGlobalRef's. PopLocalFrame frees
+// the local references of its frame.
 void JniTable::noteObject(const std::string& function, jobject object) {
   if (function == "PopLocalFrame" && !mFrames.empty()) {
     mLocalReferences = mFrames.back();

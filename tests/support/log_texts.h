@@ -1,5 +1,5 @@
-// The texts in golden/logs: every line logged with a prefix, and the operation in the prefix. Engineers
-// search the log for the operation's name, so a helper function must not replace it.
+// The texts in golden/logs: all log lines with a prefix. The prefix names an operation; engineers search the
+// log for this name, so a helper function's name must not replace it.
 #pragma once
 
 #include <string>

@@ -22,7 +22,7 @@ import java.util.Map;
 import java.util.function.Supplier;
 import java.util.stream.Collectors;
 
-/** Reads request files and the files they name, and finds all mistakes before the first request runs. */
+/** Reads request files and the files they name, and finds their mistakes before the first request runs. */
 public final class RequestChecker {
     private final Path mOtherPhoto;
     private final List<String> mTags;

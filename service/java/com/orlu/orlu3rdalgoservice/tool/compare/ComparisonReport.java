@@ -21,7 +21,7 @@ import java.util.stream.Collectors;
 /** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
-    /** If more tags differ, trials include all tags: a command line has no room for that many names. */
+    /** If more tags differ, trials include all tags, which keeps the command line short. */
     private static final int FEW = 50;
 
     /**

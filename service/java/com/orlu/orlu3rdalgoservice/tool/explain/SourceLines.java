@@ -99,8 +99,8 @@ public final class SourceLines {
             mProblem = "no event has the path of " + module;
             return;
         }
-        // VFORK needs no spawn helper. In the emulator, Java's spawn helper is a program for the emulated
-        // machine, which the host can't run.
+        // VFORK needs no spawn helper. In the emulator, Java's spawn helper is an ARM program, which the host
+        // can't run.
         System.setProperty("jdk.lang.Process.launchMechanism", "VFORK");
         List<String> command = new ArrayList<>(List.of(mTool, "-a", "-f", "-i", "-C", "-e", path));
         command.addAll(offsets);

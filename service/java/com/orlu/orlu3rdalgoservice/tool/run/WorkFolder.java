@@ -18,7 +18,7 @@ public final class WorkFolder {
         return ofEnvironment(EventLog.VARIABLE);
     }
 
-    /** The algorithm library's work report, a file; it may not exist. Null if ORLU_ALGO_TRACE is not set. */
+    /** The file of the algorithm library's trace; it may not exist. Null if ORLU_ALGO_TRACE is not set. */
     public static Path algorithmTrace() {
         return ofEnvironment("ORLU_ALGO_TRACE");
     }
@@ -42,7 +42,7 @@ public final class WorkFolder {
         return named == null ? file("pages.json") : named;
     }
 
-    /** The default folder for the folders of runs; null without a work folder. */
+    /** The default parent of the runs' folders; null without a work folder. */
     public static Path runs() {
         return file("runs");
     }
