@@ -296,7 +296,7 @@ def check_several(folder):
     check("several: no log of the request", any("processImage()" in line[4] for line in data["log"]))
     twice = folder / "twice"
     run(twice, [capture, capture], status=0)
-    check("twice: other pages", sorted(file.name for file in twice.iterdir()) ==
+    check("twice: wrong pages", sorted(file.name for file in twice.iterdir()) ==
           ["capture-2.html", "capture.html", "index.html"])
     wrong = request_with("odd", folder, about="</script><script>alert(1)</script>")
     run(folder / "odd", [wrong], status=0)
