@@ -40,7 +40,7 @@ final class CompareCommand implements Subcommand {
     @Option(names = "--lib", paramLabel = "LIBRARY", description = "Run with this library; required twice")
     private List<Path> mLibraries = List.of();
     @Option(names = "--fail-below", paramLabel = "PSNR",
-                description = "Fail only if a run fails or an output is below PSNR dB")
+                description = "Fail only if a run fails, or an output is below PSNR dB or can't be compared")
     private Double mLeastPsnr;
     @Mixin
     private ManyOptions mMany;
