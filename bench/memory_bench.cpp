@@ -1,4 +1,4 @@
-// Benchmark of memory growth: the resident size after every tenth of many requests, synchronous and
+// Benchmark of memory growth: the resident size after 10 %, 20 %, ... of many requests, synchronous and
 // full-async alternately.
 
 #include <memory>

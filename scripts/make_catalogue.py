@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the catalogue of tags and parameters. Finds by trial which parameters depend on a tag, which functions
-write a parameter, its value without tags, and the outcome of each sample's algorithms; finds in the source which
-functions read a tag.
+"""Writes the catalogue of tags and parameters. Finds by trial the parameters that depend on each tag, the
+functions that write each parameter, its value without tags, and the outcome of each sample's algorithms.
+Finds in the source the functions that read each tag.
 
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
 make_catalogue.py --texts             write both from tool/tags/, the samples and the previous findings
@@ -98,8 +98,8 @@ def source_rows(tags):
     return rows
 
 
-# Returns whether a line writes a tag. Result updaters read tags through constants and write all other tags; the
-# callback puts values into a map.
+# Returns whether a line writes a tag. The result updater reads tags only through kTimestampTag and writes all
+# others; the callback puts values into a map.
 def is_put(file, line):
     if file.name.startswith("algo_native_callback"):
         return True

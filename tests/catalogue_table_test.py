@@ -87,8 +87,8 @@ def check_names(file, columns, names, what, every=True, once=True, sentence=True
 
 
 def check_words(file, keys):
-    """Checks that words in quotes are parameters, algorithms or camera types, and that names in parentheses
-    are functions of the library."""
+    """Checks that words in quotes are parameters, algorithms or camera types, and that the library has the
+    update functions named in parentheses."""
     functions = "".join(source.read_text() for source in (ROOT / "jni").glob("*.cpp"))
     for number, row in rows(file, 3):
         place = f"{file.relative_to(ROOT)}:{number}"

@@ -16,8 +16,8 @@ from command import ROOT, expect, failures, finish, run  # noqa: E402
 
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
-# For each image: format | memory | planes as (stride, bytes after the last row) | bytes per column of each
-# plane | image rows per row of each plane. Planes are contiguous.
+# For each image: format | memory | (stride, bytes after the last row) of the first plane or two | bytes per
+# column of each plane | image rows per row of each plane. Only those bytes lie between planes.
 LAYOUTS = {
     "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
     "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),

@@ -38,8 +38,8 @@ std::string withoutTimes(std::string bytes) {
 
 class Repeats {
 public:
-  // Runs a request, and returns the bytes of its output without padding, and without times of day or, for
-  // jpegEncode, EXIF data; "" if the callback is missing.
+  // Runs a request. Returns its output's bytes without padding and times of day (jpegEncode: without EXIF
+  // data); "" if the callback is missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,

@@ -24,7 +24,7 @@ std::string distinct(size_t number, size_t size) {
 }
 
 // Returns a value for each name of the service, and for long names that are prefixes of each other or differ
-// only in the last letter.
+// only at the end.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {

@@ -1,5 +1,5 @@
-// Mutants that misuse descriptors and mappings. They duplicate descriptors themselves, and don't use the
-// minimal library's duplicates.
+// Mutants that misuse descriptors and mappings. They use the lent descriptors or duplicates of their own, not
+// the minimal library's duplicates.
 #include "mutant.h"
 
 namespace orlu::mutants {

@@ -17,7 +17,7 @@ std::string programPath() {
 
 Module moduleOf(const dl_phdr_info& info) {
   Module module;
-  // The program itself is unnamed in this list.
+  // dl_iterate_phdr() leaves the program itself unnamed.
   module.path = info.dlpi_name == nullptr || *info.dlpi_name == '\0' ? programPath() : info.dlpi_name;
   module.name = module.path.substr(module.path.rfind('/') + 1);
   module.loadedAt = info.dlpi_addr;

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Moves the folder that ./run sdk creates, hides this tree's builds, and then builds and checks the minimal
-# library in the moved folder: on this machine and, with clang and libc++, on ARM. Each check is also run with
-# a planted fault.
+# library in the moved folder: on this machine and, with clang and libc++, on ARM. Then plants faults that the
+# kit or the compiler must detect.
 #   sdk_test.sh
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)

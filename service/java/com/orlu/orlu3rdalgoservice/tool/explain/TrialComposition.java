@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.CaptureResultComposition;
 
 import java.util.function.Consumer;
 
-/** A composition that records which of its keys are read. */
+/** A composition that reports which of its keys are read. */
 final class TrialComposition extends CaptureResultComposition {
     private final Consumer<String> mListener;
 

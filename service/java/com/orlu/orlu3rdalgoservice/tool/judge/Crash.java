@@ -77,7 +77,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // Outside operations, the cause was the last one's exception, a library thread or the process's exit.
+    // With no operation open, the cause was the last operation's exception, a library thread or an exit.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);

@@ -7,7 +7,7 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * One line of an events file, which is untrusted: a field that is absent, null or of another type reads as
+ * One line of an events file, which is untrusted: a field that is absent, null or can't be converted reads as
  * "", 0 or an empty list.
  */
 public record Event(Json fields) {
@@ -28,12 +28,12 @@ public record Event(Json fields) {
         return text("op");
     }
 
-    /** Whether this callback's begin event reports a finished request. */
+    /** Whether this event begins a callback that reports a finished request. */
     public boolean isShot() {
         return text("name").equals(SHOT);
     }
 
-    /** Whether this callback's begin event carries a light-stream event. */
+    /** Whether this event begins a callback with a light-stream event. */
     public boolean isLightStream() {
         return text("name").equals(LIGHT_STREAM);
     }

@@ -33,7 +33,7 @@ public record RequestFile(Path file, String about, long id, String type, long cl
         return inputs.stream().anyMatch(ImagePlan::isOfPhoto);
     }
 
-    /** Whether a frame has an input made from the photo; otherwise it has no clean photo. */
+    /** Whether a frame has an input made from the photo; only then does the frame have a clean photo. */
     public boolean isOfPhoto(int frame) {
         return inputs.stream().anyMatch(image -> image.isOfPhoto() && image.frame() == frame);
     }

@@ -9,7 +9,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Reads the log of the native side. The host's log library writes that log to the file in ORLU_LOG_FILE. */
+/** Reads the native side's log: the file that ORLU_LOG_FILE names, written by the host's log library. */
 final class LogLines {
     private static final int FIELDS = 5;
 
