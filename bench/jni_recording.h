@@ -63,7 +63,7 @@ private:
   friend struct RecorderFunctions;
 
   uint32_t addSlot(void* value);
-  // Adds a copy of the bytes, which the recording owns.
+  // Adds the recording's own copy of the bytes.
   uint32_t addBytes(const void* bytes, size_t size);
 
   std::vector<RecordedCall> mCalls;

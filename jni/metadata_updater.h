@@ -40,15 +40,15 @@ public:
   // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: copy `size` bytes under a section and a key of the block, or visit the values that
-  // the algorithms pass to the system or request from it. Return the context's status.
+  // The parameter channel: set or get `size` bytes by section and key, or visit the values that the
+  // algorithms pass to the system or request from it. Return the context's status.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
   int paramSystemDownloadToAlgo(AlgoMetadataVisitor visitor);
 
-  // Return whether the first input image is raw, as 1 or 0, and its format code. Without an input image, both
-  // return 0.
+  // isRawFormat() returns 1 if the first input image is raw, else 0; getImageFormat() returns the
+  // image's format code. Without an input image, both return 0.
   int isRawFormat();
   int getImageFormat();
 

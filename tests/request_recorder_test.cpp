@@ -132,7 +132,7 @@ TEST_F(RequestRecorderTest, TheFolderMayDisappearDuringTheRequest) {
 }
 
 TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
-  // Neither is the name of a recording; the number of the second exceeds an int.
+  // Folders that are not recordings: the number of the second exceeds an int.
   std::filesystem::create_directories(mFolder + "/few/000000-mine");
   std::filesystem::create_directories(mFolder + "/few/9999999999-request-1");
   const jobject recorder = newRecorder("few", 2, 1 << 20);

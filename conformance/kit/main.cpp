@@ -194,7 +194,7 @@ void listChecks() {
 void readCommandLine(int argc, char** argv) {
   std::string only;
   int index = 0;
-  // getopt's own messages would start with the path of this program.
+  // ":" disables getopt's own messages, which would start with the path of this program.
   for (int flag = 0; (flag = getopt_long(argc, argv, ":", kFlags, &index)) != -1;) {
     Options& taken = options();
     switch (flag) {

@@ -24,7 +24,7 @@ std::string overdueOperation(std::chrono::seconds limit);
 void noteHang(const std::string& operation);
 
 // The current operation of this thread. Operations of the library have a name: they are timed and must
-// return. A nested operation replaces the text while it runs.
+// return. A nested operation replaces text and name while it runs.
 class Operation {
 public:
   explicit Operation(const std::string& text, const std::string& name = "");

@@ -17,8 +17,8 @@ struct WrittenPixels {
 uint64_t memorySize(int fd);
 
 // Writes the first `size` bytes of the descriptor's memory, or the whole memory if it is smaller, to a new
-// file at `path`. Leaves no file if it would have more than `mostBytes` bytes, if the memory can't be mapped,
-// or if part of the memory disappears during the copy.
+// file at `path`. Leaves no file if `size` is not positive, if there would be more than `mostBytes` bytes, or
+// if the copy fails, for example because the memory can't be mapped or partly disappears.
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path);
 
 }  // namespace orlu::probe

@@ -27,7 +27,7 @@ void* handle(uintptr_t number) {
   return reinterpret_cast<void*>(number);
 }
 
-// Returns the table of a library with distinct return values.
+// Returns a library's table of operations that return distinct values.
 AlgoInterfaceCallbacks realTable() {
   AlgoInterfaceCallbacks table;
   table.init = [](const AlgoInitRecord&) { return 1; };

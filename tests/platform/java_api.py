@@ -3,8 +3,8 @@
 
 java_api.py [--level N] [--javap JAVAP] [--classes DIR] [--exceptions FILE] LISTING JNI_FOLDER
 
-LISTING declares every public class of the platform in TypeScript; "@since LEVEL" precedes each member that
-is newer than the oldest level. A member is found if, at level N, its class has or inherits a member that
+LISTING declares every public class of the platform in TypeScript; "@since LEVEL" precedes each class and
+member newer than the oldest level. A member is found if, at level N, its class has or inherits a member that
 matches in name, arguments, result and "static". FILE lists the classes and members that LISTING lacks, with
 reasons: "NAME  reason" on each line, where NAME is written as in the reports.
 """

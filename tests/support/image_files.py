@@ -1,4 +1,4 @@
-"""Makes valid and invalid image files byte by byte: DNG, TIFF and PNG."""
+"""Makes valid and invalid DNG, TIFF and PNG files byte by byte; reads PGM and PNG files."""
 
 import struct
 import zlib
@@ -38,7 +38,7 @@ def directory(entries, at, order):
 
 def lossless_jpeg(rows, bits, components):
     """Makes a lossless JPEG (SOF3) of interleaved components. Each sample is predicted from the
-    previous sample of its component in the row; the first from the sample above."""
+    previous sample of its component in the row; the first from the sample above, or the middle level."""
     every = range(components)
     frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
     lengths = [17 * (i == 4) for i in range(16)]

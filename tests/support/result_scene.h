@@ -1,4 +1,4 @@
-// A request whose algorithms have finished: results in the parameter set, images and compositions.
+// A request whose algorithms have finished: images, compositions, and results in the parameter set.
 // Translating the results records the values put into each composition, and the log.
 #pragma once
 

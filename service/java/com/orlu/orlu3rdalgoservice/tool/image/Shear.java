@@ -16,7 +16,7 @@ final class Shear {
     /** Rough limits: pairs of rows that are compared, and pixels per row. More do not improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
-    /** In a slanted picture, unshifted rows differ at least this many times as much as shifted rows. */
+    /** In a sheared picture, unshifted rows differ at least this many times as much as shifted rows. */
     private static final double RATIO = 1.25;
     /** The least mean difference of unshifted rows, in levels: uniform rows match at any shift. */
     private static final double LEAST_DIFFERENCE = 1;
