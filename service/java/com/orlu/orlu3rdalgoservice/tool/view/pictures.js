@@ -50,7 +50,7 @@ function inputThumb(image, index, onChoose) {
   const frames = data.algorithms.frames || [];
   const frame = frames[image.frame];
   const marks = [
-    index === data.images.base && !data.images.lost ? "base" : null,
+    index === data.images.base && data.images.hasBase && !data.images.lost ? "base" : null,
     frame ? (frame.kept ? "kept" : "dropped") : null,
     image.written ? "written to" : null,
   ]
