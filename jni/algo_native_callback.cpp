@@ -183,7 +183,7 @@ void AlgoNativeCallback::handleShot(uint64_t nativeReq, AlgoNativeContext& conte
   if (isKnown && !isFullAsync) {
     map->onCallbackReceived(nativeReq);
   } else {
-    // Java may already have finished the request and left the block to the library.
+    // Java may already have finished the request and left the block to the algorithm library.
     context.destroyMetadata(map->releaseBlock(nativeReq, kUsedByLibrary));
     if (!isKnown || !announceCommonShot(nativeReq, context, operation)) return;
   }

@@ -6,8 +6,8 @@
 namespace orlu {
 namespace {
 
-// Local references to reserve: for the classes, which the cache holds until the native method returns, plus
-// spare room for objects that are looked up through them.
+// Local references to reserve: for the classes, which the cache holds until the native method returns, and
+// for the objects that the parser reads.
 constexpr jint kLocalReferences = 96;
 
 }  // namespace

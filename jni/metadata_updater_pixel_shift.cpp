@@ -37,7 +37,7 @@ AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
   return result;
 }
 
-// Returns the identity if the platform reported no matrix.
+// Returns the identity if the platform's matrix is absent or zero.
 AlgorithmMatrix readColourMatrix(const Shot& shot) {
   const auto matrix = shot.readOr<PlatformMatrix>(shot.first().captureResultOnly(), "orlu.feedback.ccm");
   if (!isEmpty(matrix)) return reordered(matrix);

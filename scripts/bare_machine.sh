@@ -1,7 +1,7 @@
 #!/bin/bash
-# Runs commands of this project on a bare Debian 12: a minimal root file system without other packages, a
-# clean clone of the last commit, and only the proxy settings of this machine's environment. Fails if a
-# command fails or a picture is missing.
+# Runs commands of this project on a bare Debian 12: a minimal root file system, a clean clone of the last
+# commit, and only the proxy settings of this machine's environment. Fails if a command fails or ./run writes
+# no picture.
 #   scripts/bare_machine.sh              ./run and then ./test
 #   scripts/bare_machine.sh --all        also fuzz/all, bench/run --quick and ./test --arm, each in its own root
 #   scripts/bare_machine.sh './run samples/capture.json; fuzz/soak --requests 1000' ...
@@ -49,7 +49,7 @@ isolated() {
   return "$status"
 }
 
-# mirror: prints the URL of this machine's package source.
+# mirror: prints the URL of this machine's source of Debian 12.
 mirror() {
   # shellcheck disable=SC2016 # apt-get's words, not the shell's
   apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |

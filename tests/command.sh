@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# For the tests of ./run, which set root and source this file with the build folder as first argument. They
-# run in a temporary folder.
+# Sourced by the tests of ./run, with the build folder as argument, after they set root. Changes to a
+# temporary folder.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # used by the tests that source this file
@@ -41,7 +41,7 @@ info_says() {
   grep -qE -- "$1" lines || fail "./run info $2: no line matches \"$1\": $(cat out)"
 }
 
-# prints TEXT...: expects each text in the last command's output.
+# prints TEXT...: expects each text in the last command's standard output.
 prints() {
   local text
   for text in "$@"; do

@@ -22,7 +22,7 @@ fi
 if [ -z "${ANDROID_SERIAL:-}" ] && [ "$(printf '%b\n' "$PHONES" | wc -l)" -gt 1 ]; then
   echo "adb: more than one device/emulator" >&2; exit 1
 fi
-# The phone is unplugged at the first call that contains this text.
+# The phone is unplugged at the first call that contains $VANISH.
 if [ -n "${VANISH:-}" ] && [[ "$*" == *"$VANISH"* ]]; then touch "$WORK/gone"; fi
 if [ -e "$WORK/gone" ]; then
   [ "$1" != pull ] || { mkdir -p "$3"; echo half >"$3/half"; }

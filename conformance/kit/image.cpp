@@ -32,7 +32,7 @@ int32_t rowBytes(const ImageShape& shape) {
   }
 }
 
-// Returns the number of bytes in a plane's row that hold pixels.
+// Returns how many bytes of a plane's row hold pixels.
 int32_t pixelBytes(const ImageShape& shape, int plane) {
   return isYuv(shape.format) && plane == 0 ? shape.width : rowBytes(shape);
 }

@@ -40,7 +40,7 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// Returns the part of a JSON line that starts with the value of `name`; "" if the name is absent.
+// Returns the rest of a JSON line from the value of `name` on; "" if the name is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -78,7 +78,7 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
-// Runs requests one after another. The first request of each measurement warms up and is not counted.
+// Runs requests one after another. The first request of each measurement warms up; its time is ignored.
 class Meter {
 public:
   void measure(const std::string& algorithm, const ImageShape& shape) {

@@ -1,4 +1,4 @@
-// Replacements for functions of the C library, called by all code that is loaded into the kit's process.
+// Replaces functions of the C library for all code in the kit's process, except under sanitizers.
 #include "watched_calls.h"
 
 #include <fcntl.h>
@@ -29,7 +29,7 @@ int plainFcntl(int fd, int command, void* argument) {
 
 void* plainMap(void* address, size_t size, int protection, int flags, int fd, off64_t offset) {
 #ifdef SYS_mmap2
-  constexpr off64_t kUnit = 4096;  // mmap2's unit of offsets on every machine
+  constexpr off64_t kUnit = 4096;  // mmap2's unit of offsets, whatever the page size
   if (offset % kUnit != 0) {
     errno = EINVAL;
     return MAP_FAILED;

@@ -10,8 +10,8 @@
 
 namespace orlu::host {
 
-// Reads uncompressed files and lossless JPEG. Files are untrusted: every size is checked against the file's
-// size before memory is allocated, and a strip or tile that does not fill its area is an error.
+// Reads uncompressed samples and lossless JPEG. Files are untrusted: the image's size is checked against the
+// file's size before memory is allocated, and a strip or tile that does not fill its area is an error.
 class DngFile : private LibRaw {
 public:
   // Reads only the header. If problem() is not empty, nothing else is valid.
@@ -24,7 +24,7 @@ public:
   int width() const { return mImage->t_width; }
   int height() const { return mImage->t_height; }
 
-  // The bits per sample that the white level requires; without a white level, the stored bits per sample.
+  // The bits per sample that the white level requires; without a valid white level, the stored bits.
   int bits() const;
 
   // Decodes all samples, row by row without padding, and applies the file's linearisation table. The samples

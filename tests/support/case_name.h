@@ -8,7 +8,7 @@
 
 namespace orlu::test {
 
-// Base of table rows; its name is the row's first value.
+// Base of table rows. The name is a row's first value.
 struct NamedCase {
   const char* name;
 

@@ -18,14 +18,14 @@ public:
   // Marks the texts of these lines as seen; ignores lines without a prefix. Prints lines without a text to
   // standard error: each cut before its first number, without duplicates. Returns true if all have a text.
   bool haveAll(const std::vector<LogLine>& lines);
-  // Returns the texts of a class that haveAll() has not seen.
+  // Returns a class's texts that haveAll() has not seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;
 
 private:
   struct Form {
     GoldenLine line;
     std::string clazz;
-    std::string pattern;  // for fnmatch(): "D _V_VASJNI-VRequest getRequestInfo() request info: *"
+    std::string pattern;  // for fnmatch(): "D _V_VASJNI-VRequest getImageData() get image data * * * *"
     bool isSeen = false;
   };
 

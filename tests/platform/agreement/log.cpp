@@ -1,5 +1,5 @@
-// Compares the log functions that jni/ uses. The functions that replace the logger are not compared: only
-// tests call them, and Debian's header predates their current types.
+// Compares the log function that jni/ uses and the priorities. The functions that replace the logger are not
+// compared: only tests call them, and Debian's header predates their current types.
 #include <android/log.h>
 
 #include "agreement.h"

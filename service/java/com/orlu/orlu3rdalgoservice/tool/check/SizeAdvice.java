@@ -33,7 +33,7 @@ final class SizeAdvice {
         }
     }
 
-    // Images without a size get the size of the first input's file.
+    // Without a photo, images that have no size get the size of the first input's file.
     private static void onFrameSize(RequestFile request) {
         ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()

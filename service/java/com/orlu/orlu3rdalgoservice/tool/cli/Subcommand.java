@@ -18,7 +18,7 @@ interface Subcommand {
 
     /**
      * Finishes the work of a process that died while it ran this subcommand, and returns a status.
-     * `exitStatus` is that of the dead process, as a shell reports it.
+     * `exitStatus` is the dead process's status, as a shell reports it.
      *
      * @throws IOException if a file can't be read or written
      */
@@ -26,7 +26,7 @@ interface Subcommand {
         throw new IllegalStateException("the process ended");
     }
 
-    /** Adds properties that annotations can't express. */
+    /** Adds details to `spec` that annotations can't express. */
     default void describe(CommandSpec spec) {
     }
 }

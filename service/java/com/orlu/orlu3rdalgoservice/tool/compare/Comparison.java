@@ -16,8 +16,8 @@ import java.util.Map;
 import java.util.Set;
 
 /**
- * Compares what two runs did, in the order of execution. Each difference is one line: the first run's value,
- * " / ", the other run's value.
+ * Compares what two runs did, in the order of execution. Each difference is one line such as
+ * "outputs: 1 / 2": the first run's value, then the other run's value.
  */
 public final class Comparison {
     // An address, which differs between processes.
@@ -65,7 +65,7 @@ public final class Comparison {
         return mDifferences;
     }
 
-    /** Returns notes that are not differences: what could not be compared, differing inputs, and times. */
+    /** Returns notes that are not differences, such as uncompared parts, differing inputs and times. */
     public List<String> notes() throws MistakeException {
         List<String> notes = new ArrayList<>();
         for (Run run : List.of(mOne, mOther)) {
@@ -170,13 +170,13 @@ public final class Comparison {
         return put == null ? "not put" : JsonWriter.line(put);
     }
 
-    // Returns [1, 2] for {"ints": [1, 2]}, and other values unchanged.
+    // Returns the value without its type: [1, 2] for {"ints": [1, 2]}.
     private static Json list(Json put) {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
-    // Each run has compared the images in the library's memory with Java's images. Reports where the outcomes
-    // of the two runs differ. Needs the probe's pixels of both runs.
+    // Each run has compared the images that the algorithm library saw with Java's images. Reports where the
+    // outcomes of the two runs differ. Needs the probe's pixels of both runs.
     private void compareHanded() {
         for (HandedImage one : known(mOne)) {
             for (HandedImage other : known(mOther)) {

@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 /**
- * A colour picture of raw samples for viewing, without white balance or tone curve. The two colours that a
+ * Raw samples as a colour picture for viewing, without white balance or tone curve. The two colours that a
  * pixel lacks are means of adjacent samples.
  */
 public record Demosaic(Mosaic mosaic) implements PixelRows {

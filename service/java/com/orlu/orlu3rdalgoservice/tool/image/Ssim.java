@@ -14,7 +14,7 @@ public final class Ssim {
     private static final double COUNT = 64;
     private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
     private static final double C2 = Math.pow(0.03 * PixelRows.WHITE, 2);
-    /** Sums over a block's pixels: luma of one and of the other picture, both squares, and the product. */
+    /** Number of sums over a block's pixels: of both lumas, their squares and their product. */
     private static final int SUMS = 5;
 
     private Ssim() {
@@ -40,7 +40,7 @@ public final class Ssim {
         return total / ((double) (rows - 1) * (columns - 1));
     }
 
-    // Fills the rows of windows from `first` on.
+    // Fills a band of `windows`, from row `first` on.
     private static void addBand(PixelRows one, PixelRows other, int first, double[][] windows) {
         int columns = windows[0].length + 1;
         double[][] above = sums(one, other, first, columns);

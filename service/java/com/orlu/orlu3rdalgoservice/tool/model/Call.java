@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-/** One operation between the two libraries: its begin event, and its end event if it returned. */
+/** A call between the native and the algorithm library: its begin event and, once it ended, its end event. */
 public final class Call {
     private final Event mBegin;
     private Event mEnd;
@@ -21,7 +21,7 @@ public final class Call {
         return mBegin;
     }
 
-    /** The end event; null if the operation has not returned, because it blocks or killed the process. */
+    /** The end event; null if the call has not ended, because it blocks or killed the process. */
     public Event end() {
         return mEnd;
     }

@@ -97,7 +97,7 @@ final class RequestAdvice {
         }
     }
 
-    // A composition's value whose class is not its tag's can't be read, and hides the capture result's value.
+    // A composition's value of the wrong class can't be read, and hides the capture result's value.
     private void onCompositions() {
         for (int i = 0; i < mFrames.size(); ++i) {
             for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {

@@ -80,7 +80,7 @@ final class TagValues {
         return type == null ? null : typed(type, only.getValue(), reader);
     }
 
-    /** Returns a recording's value, which names its type: {"long": 5}. Returns null for JSON's null. */
+    /** Converts a recorded value, which names its type: {"long": 5}. Returns null for JSON's null. */
     static Object ofTyped(Json field) throws MistakeException {
         if (field.isNull()) {
             return null;

@@ -49,7 +49,7 @@ public final class RequestRunner implements AutoCloseable {
      * @param outputsBefore the outputs' descriptions before the request
      * @param outputsAfter  the outputs' descriptions after the request
      * @param put           for each composition, the values that the native side put, by key
-     * @param callbacks     the reports to Java while the request ran
+     * @param callbacks     the values that each callback passed to Java
      * @param problems      calls into the native library that returned an error
      * @param waitStart     when the request was submitted, by System.nanoTime()
      * @param waitEnd       when the wait for its result ended, by System.nanoTime()
@@ -113,7 +113,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    // Called right before the request, so that the RequestRecorder's reads of all tags are no events.
+    // Called right before the request, so that RequestRecorder's reads of all tags don't become events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {

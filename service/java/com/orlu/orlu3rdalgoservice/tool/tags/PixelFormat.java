@@ -57,7 +57,7 @@ public enum PixelFormat {
         return plane > 0 && isPlanar() ? width / 2 : tightStride(width);
     }
 
-    /** Row strides of the planes that the native side reads, in bytes. `stride` is the first plane's. */
+    /** Row strides in bytes: `stride` for the first plane and, for YUV, the stride of the chroma. */
     public int[] strides(int stride) {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
