@@ -156,7 +156,7 @@ WARNINGS = [
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
      "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 5 or 7 frames (1 night frame, "
      "the others HDR frames), 9 frames (3 night frames, then 6 HDR frames), or 3 frames with the algorithm "
-     "hdr; found 5 HDR frames (bit 2), 0 night frames (bit 8) and 0 others"),
+     "hdr; found 5 HDR frames (mode & 2), 0 night frames (mode & 8) and 0 others"),
     (request('"frames": {"count": 3, "common": {"captureResult": {"android.sensor.timestamp": 7}}}'),
      '2:81: frames.common.captureResult."android.sensor.timestamp": frames 0 and 1 have the same time 7; '
      'vary it with {"first": ..., "step": ...}'),

@@ -201,8 +201,8 @@ void printTable(const std::vector<PerfRow>& rows, const std::vector<PerfRow>& be
   }
   std::printf(
       "Each time is the median of %d requests, from process to the callback; noise is the median\n"
-      "distance from it. A change is shown if it exceeds %g times the noise of both runs, and %g %%.\n",
-      kRepeats, kNoises, 100 * kLeastChange);
+      "distance from it. A change is shown if it exceeds %g %% and %g times the noise of both runs.\n",
+      kRepeats, 100 * kLeastChange, kNoises);
 }
 
 void printJson(const std::vector<PerfRow>& rows) {

@@ -10,7 +10,7 @@ import java.io.IOException;
 import picocli.CommandLine.Command;
 
 @Command(customSynopsis = "./run schema", footer = "  ./run schema > request.schema.json",
-        description = "Print a JSON schema (draft 7) of request files with every tag, its type and meaning. "
+        description = "Print a JSON schema (draft 7) of request files, with each tag's type and meaning. "
                 + "Editors use it for checks and completion (docs/request_files.md).")
 final class SchemaCommand implements Subcommand {
     @Override

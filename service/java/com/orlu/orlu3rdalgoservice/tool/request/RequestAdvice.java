@@ -136,8 +136,8 @@ final class RequestAdvice {
         if (hdr > 0 && !isLayout) {
             mRoot.get("frames").warn(MODE + " forms no bracket; expected 5 or 7 frames (1 night frame, the "
                     + "others HDR frames), 9 frames (3 night frames, then 6 HDR frames), or 3 frames with "
-                    + "the algorithm hdr; found " + hdr + " HDR frames (bit 2), " + night
-                    + " night frames (bit 8) and " + (mFrames.size() - hdr - night) + " others");
+                    + "the algorithm hdr; found " + hdr + " HDR frames (mode & 2), " + night
+                    + " night frames (mode & 8) and " + (mFrames.size() - hdr - night) + " others");
         }
     }
 

@@ -16,7 +16,7 @@ const KEYS = [
   ["f", "flicker between input and output"],
   ["s", "show input and output side by side"],
   ["d", "show the difference"],
-  ["m", "magnifier; arrow keys move it"],
+  ["m", "show or hide the magnifier; arrow keys move it"],
   ["z", "change the magnification"],
   ["+  -  0", "zoom the timeline"],
   ["← →", "previous or next slice of the timeline"],
