@@ -12,8 +12,8 @@ struct Mapping {
   int64_t offsetY;
 };
 
-// Returns half of the active array's excess over the image on this axis, once the other axis is scaled to
-// fit. Multiplies before dividing, because algorithms rely on this rounding.
+// Scales the active array so that its other axis fits the image; returns half of its excess on this axis.
+// Multiplies before dividing, because algorithms rely on this rounding.
 int64_t halfExcess(int32_t active, int32_t imageOther, int32_t activeOther, int32_t image) {
   return (int64_t{active} * imageOther / activeOther - image) / 2;
 }

@@ -34,7 +34,7 @@ class Shot : public ShotTags {
   using Copied = std::conditional_t<(sizeof(T) > 1024), void, T>;
 
 public:
-  // Borrows all arguments.
+  // Copies `parameters` and borrows the other arguments.
   Shot(CameraMetadataParser& parser, VRequest& request, std::vector<std::string>& algoList,
        const ParameterChannel& parameters)
       : ShotTags(parser, FrameList(request.captureResults(), request.captureResultCompositions())),

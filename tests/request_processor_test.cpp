@@ -164,7 +164,7 @@ TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
       lines(&client()));
 }
 
-// An operation whose parser lacks a member logs a second error and continues.
+// An operation whose parser can't find a class logs an error of its own and continues.
 TEST_F(RequestProcessorTest, TellsOfAnIncompleteParser) {
   test::JniTable table(env());
   table.hide("android/util/Rational");

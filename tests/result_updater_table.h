@@ -11,7 +11,7 @@
 
 namespace orlu::test {
 
-// Returns a list of numbers as in a put line, each preceded by a space.
+// Returns a list of numbers in the format of puts(), each preceded by a space.
 inline std::string numbers(int count, int first, int step) {
   std::string text;
   for (int i = 0; i < count; ++i) text += ' ' + std::to_string(first + i * step);

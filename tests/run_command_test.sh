@@ -69,7 +69,7 @@ of_sample() {
   awk -v RS= -v file="/samples/$1.json" 'index($0, file)' out
 }
 
-# put_by NAME: prints the report on this sample, from the values put into compositions to the problems.
+# put_by NAME: prints the part of this sample's report from "put" to "problems".
 put_by() {
   sed -n "/\"$1.json\"/,/\"problems\"/p" report | sed -n '/"put"/,$p'
 }

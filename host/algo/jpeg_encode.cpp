@@ -19,9 +19,9 @@ constexpr size_t kLargestSegment = 0xFFFF - 2;
 
 using Encoder = std::unique_ptr<void, int (*)(void*)>;
 
-// The planes in the encoder's form: luma, then Cb and Cr separately, with an even luma size.
+// The planes in the encoder's form: luma of even width and height, Cb, and Cr.
 struct EncoderPlanes {
-  std::vector<uint8_t> luma;  // only for odd sizes: the last column and row are repeated
+  std::vector<uint8_t> luma;  // only for odd sizes; repeats the last column or row
   std::vector<uint8_t> cb;
   std::vector<uint8_t> cr;
   const uint8_t* planes[3] = {};

@@ -72,9 +72,9 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table whose callables call those of `real` and report to the observer. Instead of the caller's
-// cookie, the library receives the address of a replacement function, one for each cookie. It is never freed,
-// so that a late callback still reaches the caller's function.
+// Returns a table whose callables call those of `real` and report to the observer. Each cookie, unless it has
+// no function, is replaced by the address of its own wrapper. Wrappers are never freed, so that a late
+// callback still reaches the caller's function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.
@@ -83,7 +83,7 @@ uint64_t watchCall(TableObserver& observer, const char* operation, const std::fu
 // Returns the number for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of the callables that are offered (or, if `offered` is false, empty), in table order.
+// Returns the names of the offered callables, or of the empty ones if `offered` is false, in table order.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

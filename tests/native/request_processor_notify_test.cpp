@@ -46,7 +46,7 @@ TEST_F(RequestProcessorNotifyDeathTest, TellsTheLibraryAndAborts) {
       R"(\[createClient\].*notify inst 0x[^,]*\[command 12 notify:kill0 0\][^[]*notify inst 0x.*, service abort)");
 }
 
-// Calls the product's export.
+// Calls the entry point that the product exports.
 TEST_F(RequestProcessorNotifyDeathTest, MakesAClientForHandleZero) {
   void* const product = dlopen("liborlu.vas.native.interface.so", RTLD_NOW);
   ASSERT_NE(nullptr, product) << dlerror();

@@ -1,5 +1,5 @@
-// An algorithm library with one fault, to test how the command reports it: the stand-in's table with one
-// change. ORLU_PLANTED selects the fault:
+// The stand-in algorithm library with one fault, to test how ./run reports faults. ORLU_PLANTED selects the
+// fault:
 //   lacks:NAME  answers:NAME  throws:NAME                fault of the callable NAME
 //   aborts:NAME  segfaults:NAME  hangs:NAME              same
 //   silent  late  name  id  unattached  twice  headless  afterwards   faults of the callback

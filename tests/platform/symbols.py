@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that the platform's libraries define each undefined symbol of the objects for a phone.
+"""Checks that the platform defines each undefined symbol of the objects for a phone.
 
 symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --others FILE OBJECT...
 
@@ -7,7 +7,7 @@ OBJECT  code for a phone, compiled but not linked
 FOLDER  headers of the platform; all functions that they declare are assumed to be defined
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
---others   additional symbols, each with its library
+--others   additional symbols, and where each is defined
 """
 
 import argparse

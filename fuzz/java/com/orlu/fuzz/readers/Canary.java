@@ -28,7 +28,7 @@ final class Canary {
     private final Path mBox;
     private Map<String, String> mBefore = Map.of();
 
-    /** Creates a file in a folder that also contains the box, where commands may write. */
+    /** Creates a file in `around`, beside `box`, the folder where commands may write. */
     Canary(Path around, Path box) throws IOException {
         mAround = around;
         mBox = box;

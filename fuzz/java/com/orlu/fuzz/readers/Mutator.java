@@ -112,7 +112,7 @@ final class Mutator {
         if (bytes.length == 0) {
             return new byte[] {(byte) mChance.nextInt()};
         }
-        // Half of the changes are near the start, where headers are.
+        // Half of the changes are limited to the start, where headers are.
         int at = mChance.nextInt(mChance.nextBoolean() ? bytes.length : Math.min(bytes.length, 512));
         byte[] changed = bytes.clone();
         switch (mChance.nextInt(4)) {

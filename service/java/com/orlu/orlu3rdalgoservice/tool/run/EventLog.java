@@ -27,7 +27,7 @@ public final class EventLog {
         mFile = file;
     }
 
-    // The kernel's id, as in the probe's events, and the thread's name.
+    // A thread's kernel id, as in the probe's events, and its name.
     private record ThreadName(int tid, String name) {
         static ThreadName ofThisOne() {
             try {

@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.function.IntFunction;
 import java.util.stream.IntStream;
 
-/** Formats a parameter's value for people. Bytes whose size does not match the type are shown in hex. */
+/** Formats a parameter's value. Bytes whose size does not match the type are shown in hex. */
 public final class ParameterFormatter {
     private static final int HEX_BYTES = 16;
     private static final int LIST_ELEMENTS = 24;

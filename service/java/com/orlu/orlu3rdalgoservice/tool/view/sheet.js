@@ -1,4 +1,4 @@
-// Pictures side by side: one request with several values of a tag, or several requests with two libraries.
+// Pictures side by side: one request with several tag values, or several requests with two libraries.
 
 const failedRows = data.rows.filter(row => !row.ok).length;
 

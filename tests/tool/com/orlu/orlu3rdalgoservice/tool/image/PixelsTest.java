@@ -136,7 +136,7 @@ public final class PixelsTest {
         new Mosaic(4, 1, 8, new int[] {255, 1, 128, 2}).copyTo(PixelWriter.samples(narrow, to));
         assertArrayEquals(new byte[] {(byte) 255, 1, (byte) 128, 2, 0}, to.array());
         assertArrayEquals(new int[] {255, 1, 128, 2}, PixelReader.readMosaic(narrow, to).samples());
-        // Writing a row again replaces all of its lower bits.
+        // Writing a row replaces all of its lower bits.
         Arrays.fill(to.array(), (byte) 255);
         new Mosaic(4, 1, 10, new int[4]).copyTo(PixelWriter.samples(plan(narrow.format(), 4, 1, 0, 10), to));
         assertArrayEquals(new byte[5], to.array());
@@ -221,8 +221,8 @@ public final class PixelsTest {
 
     @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
-        // Each row of random dots is shifted by 5 pixels from the row above. The picture is wider than the
-        // largest that a page shows.
+        // Each row of random dots is shifted by 5 pixels from the row above. The picture is too wide for a
+        // page to show in full size.
         Random random = new Random(3);
         float[] dots = new float[4200 + 5 * 901];
         for (int i = 0; i < dots.length; ++i) {
