@@ -54,7 +54,7 @@ TEST_P(CameraMetadataParserGetterTest, ReportsAMissingValue) {
   expectMissing("an object of another class", javaString(mGetter.key), javaString(mGetter.key));
   if (isOverridable()) expectMissing("an empty composition", empty(), newComposition());
   mParser.initFromEnv(env(), true);
-  if (mGetter.source == kParameter) expectMissing("a parser without the class", full());
+  if (mGetter.source == kParameter) expectMissing("a parser without compositions", full());
   mParser.initFromEnv(nullptr, false);
   expectMissing("a parser without an environment", full(), newComposition());
 }
@@ -65,7 +65,7 @@ TEST_P(CameraMetadataParserGetterTest, RejectsAValueOfAnotherType) {
   EXPECT_EQ("-1:", read(isOverridable() ? full() : wrong, wrong)) << "the composition takes precedence";
   EXPECT_EQ(Lines{std::string(mGetter.name) + "() wrong object type " + mGetter.key}, parserErrors(mLog));
   mParser.initFromEnv(env(), true);
-  EXPECT_EQ(isOverridable() ? mValue : "-1:", read(full(), wrong)) << "a parser without the class";
+  EXPECT_EQ(isOverridable() ? mValue : "-1:", read(full(), wrong)) << "a parser without compositions";
 }
 
 TEST_P(CameraMetadataParserGetterTest, ClearsExceptionsOfALookup) {

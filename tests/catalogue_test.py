@@ -143,7 +143,7 @@ def check_values(tags):
                                                   f"expected {name} {number}, found {found.get(name)}"))
     if len(claims) < 10 or len(reports) != len(claims):
         failures.append(f"{len(reports)} of {len(claims)} claims on values were tested; "
-                        "expected all of at least 10")
+                        "expected all, and at least 10")
 
 
 def main():

@@ -76,7 +76,7 @@ export ORLU_BUILD=$1
 echo "== Help and version of the Java half"
 command_ends 0 samples/night.json --help
 diff "$root/service/help.txt" out >&2 ||
-  fail "service/help.txt is outdated; update it by ./run run --help >service/help.txt"
+  fail "service/help.txt is outdated; update it with ./run run --help >service/help.txt"
 command_ends 0 --check --version
 grep -qF "project(orlu_vas VERSION $(cat out) " "$root/CMakeLists.txt" || fail "--check --version: $(cat out)"
 while read -r subcommand; do

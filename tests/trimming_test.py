@@ -208,7 +208,7 @@ def check_private():
     held = [secret for secret in SECRETS for file in Path("private").iterdir()
             if secret.encode() in file.read_bytes()]
     expect("secrets in the copy", [], held)
-    expect("info on the copy", "private: nothing found except in the pixels\n",
+    expect("info on the copy", "private: nothing found outside the pixels\n",
            printed(0, "info", "--private", "private"))
     copy = recorded(Path("private"))
     expect("what else is kept", True, {"android.sensor.timestamp", "android.sensor.info.colorFilterArrangement"}

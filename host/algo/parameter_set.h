@@ -29,8 +29,8 @@ public:
   // Returns the total size of the values, without their names, or of the serialised metadata, in bytes.
   size_t size() const;
 
-  // Stores a copy of `size` bytes. Returns -1 for a null name, for null data unless `size` is 0, and
-  // for a camera-metadata block.
+  // Stores a copy of `size` bytes. Returns -1 for a null name, for null data unless `size` is 0, and for a
+  // camera-metadata block.
   int set(const char* section, const char* key, const void* data, size_t size);
   // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
   // Returns -1 if the value is absent or an argument is null.

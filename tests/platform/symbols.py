@@ -62,7 +62,7 @@ def main():
         print(f"{options.others}: error: remove {name}: no object for a phone uses it")
     if missing or unused:
         sys.exit(1)
-    print(f"{len(wanted)} undefined symbols are defined by the platform or the kit")
+    print(f"{len(wanted)} undefined symbols have a definition")
 
 
 if __name__ == "__main__":

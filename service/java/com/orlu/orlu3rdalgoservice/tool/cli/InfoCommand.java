@@ -55,7 +55,7 @@ final class InfoCommand implements Subcommand {
         facts.findAll(run);
         boolean isPlain = facts.lines().isEmpty();
         System.out.println(Printable.line(
-                run.folder() + (isPlain ? ": nothing found except in the pixels" : "")));
+                run.folder() + (isPlain ? ": nothing found outside the pixels" : "")));
         TextLayout lines = new TextLayout(System.out, TextLayout.REPORT);
         facts.lines().forEach(line -> lines.print(2, line));
     }
