@@ -134,7 +134,7 @@ void Shot::makeCompositions() {
   addService(mCompositions.front());
 }
 
-// Adds the entries of the service, which are part of every request, with or without tags.
+// Adds the service's own entries, even if the plan has no tags.
 void Shot::addService(jobject composition) {
   test::putKey(composition, "isFullAsync", test::javaInt(mPlan.isFullAsync ? 1 : 0));
   test::putKey(composition, "orlu.control.algoType", test::javaStrings(mPlan.algorithms));

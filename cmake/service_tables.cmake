@@ -21,8 +21,8 @@ function(orlu_parameter_rows file)
   file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
 endfunction()
 
-# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes, as strings, the given names and the names that the
-# sources jni/PATTERN search for in an algorithm list.
+# orlu_algorithm_rows(FILE PATTERN [NAME...]): writes, as strings, the given names and the names that
+# jni/PATTERN passes to listHas().
 function(orlu_algorithm_rows file pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/jni/${pattern})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})

@@ -1,5 +1,5 @@
-// Makes the compiler of an algorithm library check the sizes and offsets of algo_interface.h. Include this
-// header in one source file. A build for a phone must have the phone's layout.
+// Compile-time checks of the sizes and offsets in algo_interface.h. Include this header in one source file of
+// an algorithm library. A build for a phone must have the phone's layout.
 #pragma once
 
 #include "algo_interface.h"

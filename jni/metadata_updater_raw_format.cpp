@@ -5,8 +5,8 @@
 namespace orlu {
 namespace {
 
-// Three keys are written twice, and the later value wins (Oddity 18): "sensor_gain_short" and
-// "isp_gain_short", which earlier rows copy from tags, and "exp_sensitivity_ratio".
+// Overwrites three values (Oddity 18): "exp_sensitivity_ratio" of writeExposureControl(), and
+// "sensor_gain_short" and "isp_gain_short", which earlier rows copy from tags.
 void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   writeExposureControl(shot, aec);
   // clang-format off

@@ -1,5 +1,5 @@
-// The progress of a check's process: its step and the operation of each thread. The parent process shares
-// this memory, so it survives a crash and shows which operation hangs.
+// The progress of a check's process: its step and the operation of each thread. The memory is
+// shared with the parent process, so it survives a crash and shows which operation hangs.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@ namespace orlu::conform {
 bool shareProgress();
 void unshareProgress();
 
-// The check's current step; it becomes the evidence if the process dies or hangs.
+// Sets the check's current step, which becomes evidence if the process dies or hangs.
 void step(const std::string& text);
 std::string currentStep();
 // The step and all running operations, for evidence: "; step: the first 50 requests; in flush".
@@ -19,7 +19,7 @@ std::string whereabouts();
 
 // Returns the name of an operation that has been running for longer than `limit`; "" if there is none.
 std::string overdueOperation(std::chrono::seconds limit);
-// Marks an operation as hanging for processes started from now on. A check that starts this operation stops
+// Notes that an operation hangs. In processes started from now on, a check that starts this operation stops
 // and reports "not run".
 void noteHang(const std::string& operation);
 

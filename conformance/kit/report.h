@@ -13,8 +13,8 @@ struct CheckResult {
   Outcome outcome;
 };
 
-// Returns a line with the verdict, the name and the promise, or the reason if the check was skipped. Evidence
-// of a failure and warnings follow on indented lines. The text has no final line end.
+// Returns a line with the verdict, the name and the promise (if skipped, the reason instead). Evidence of a
+// failure and warnings follow on indented lines. The text has no final line end.
 std::string lineOf(const CheckResult& result);
 std::string jsonOf(const std::vector<CheckResult>& results);
 

@@ -1,4 +1,4 @@
-// Mutants of requests: records, images and callbacks.
+// Mutants of requests, grouped by the check that detects them.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>

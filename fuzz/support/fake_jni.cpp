@@ -59,7 +59,7 @@ void enter(Arguments... arguments) {
   (take(arguments), ...);
 }
 
-// Stands for most functions, which differ only in their types. Fails by throwing or by returning null.
+// Stub for most functions, which differ only in their types. Fails by throwing or by returning null.
 template <typename Answer, typename... Arguments>
 Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
   enter(arguments...);
@@ -165,7 +165,7 @@ void fillValues(JNINativeInterface_& t) {
   t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
   t.GetObjectField = objectOrNull;
   t.GetObjectArrayElement = objectOrNull;
-  t.GetLongField = always<jlong{0}>;  // the address in a hardware buffer; 0 if closed
+  t.GetLongField = always<jlong{0}>;  // a HardwareBuffer's native address; 0 if closed
   t.GetArrayLength = always<kArrayLength>;
   t.GetStringUTFChars = [](JNIEnv*, jstring string, jboolean*) -> const char* {
     enter(string);

@@ -20,7 +20,7 @@ inline uint32_t hostileWord(Random& random) {
   return chance(random, 70) ? kWords[random() % std::size(kWords)] : static_cast<uint32_t>(random());
 }
 
-// Returns hostile numbers for a value, mostly with a size near the value's own.
+// Returns hostile bytes for a result, mostly of about the size that the service reads.
 inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& value) {
   const size_t sizes[] = {0, 1, value.size - 1, value.size, value.size, value.size + 1, 100'000};
   standin::ScriptedValue scripted = {value.section, value.key, {}};

@@ -1,4 +1,4 @@
-// libcutils.so: system properties, in this process.
+// libcutils.so: system properties of this process only.
 
 #include <cutils/properties.h>
 

@@ -41,7 +41,7 @@ void append(std::string& text, Number value, int base = 10) {
   text.append(digits, std::to_chars(digits, digits + sizeof digits, value, base).ptr);
 }
 
-// True if the character needs no escape in JSON.
+// True for printable ASCII that needs no escape in JSON.
 bool isPlain(char character) {
   return character >= 0x20 && character < 0x7F && character != '"' && character != '\\';
 }
@@ -158,7 +158,7 @@ const std::string& EventLine::finish() {
   return mText;
 }
 
-// Writes a comma if needed, and the field's name.
+// Writes a comma if needed, then the field's name unless it is null.
 void EventLine::begin(const char* name) {
   const char last = mText.back();
   if (last != '{' && last != '[') mText += ',';

@@ -24,8 +24,8 @@ std::string errorText() {
   return std::generic_category().message(errno);
 }
 
-// Tells the kernel that the processor starts or stops reading a hardware buffer. Fails for other memory,
-// which does not need the call.
+// Tells the kernel that the processor starts or stops reading a hardware buffer. Has no effect on other
+// memory, which does not need the call.
 void synchronise(int fd, uint64_t edge) {
   dma_buf_sync sync = {};
   sync.flags = DMA_BUF_SYNC_READ | edge;

@@ -1,4 +1,4 @@
-"""Makes pages with attacks in all free strings. No attack may run, load anything, or change the text
+"""Makes pages with attacks in free-form strings. No attack may run, load anything, or change the text
 displayed."""
 
 import json
@@ -12,7 +12,7 @@ CONTROLS = "\u001b[2J\u0085\u202e"
 FILE = "<img src=x onerror=hit=1>\"'@data@ &lt;b\u202e"
 UNSAFE = r"[\x00-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]"
 
-# Script: returns the elements, attributes and invisible characters that must not be in the page.
+# Script: returns the scripts, attributes and control characters that must not be in the page.
 FOUND = f"""
 const found = [];
 if ("hit" in window) found.push("a script ran");
@@ -48,7 +48,7 @@ POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-
 
 
 def hostile_request(folder, name, text):
-    """Writes the sample capture with this string in every field that accepts any string. Returns the file."""
+    """Writes the sample capture with this string in fields that accept any string. Returns the file."""
     request = json.loads((ROOT / "samples/capture.json").read_text())
     request["about"] = text
     request["request"]["type"] = text

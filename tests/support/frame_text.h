@@ -19,7 +19,7 @@ inline std::string layoutText(const AlgoFrameInfo& frame) {
          listText(frame.stride) + " |" + listText(frame.planeSize) + " | " + std::to_string(frame.size);
 }
 
-// Returns size, layout, scan lines, and the descriptors with their sizes. Omits the native handle.
+// Returns width and height, layout, scan lines, and the descriptors with their sizes. Omits the pointers.
 inline std::string frameText(const AlgoFrameInfo& frame) {
   return std::to_string(frame.width) + 'x' + std::to_string(frame.height) + ' ' + layoutText(frame) + " |" +
          listText(frame.scanline) + " | " + std::to_string(frame.fdCount) + listText(frame.fd) + " |" +

@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.binderserver;
 
 import java.util.Map;
 
-/** Receives the native side's reports, on the thread on which the algorithm library calls back. */
+/** Receives the native side's callbacks, on the thread on which the algorithm library calls back. */
 @FunctionalInterface
 public interface CallbackListener {
     /** The map contains "nativeRequestAddr" for a finished request, "eventType" for a light stream. */

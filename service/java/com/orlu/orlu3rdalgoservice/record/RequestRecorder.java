@@ -15,7 +15,10 @@ import java.util.Map;
 import java.util.function.Supplier;
 import java.util.logging.Logger;
 
-/** Records each request in its own folder. A failure is logged and never affects the request. Thread-safe. */
+/**
+ * Records each request in its own folder. A failure is logged and never affects the request. Thread-safe except
+ * for the setters.
+ */
 public final class RequestRecorder {
     /** The property (see Setting) that enables recording and names the folder of the recordings. */
     public static final String FOLDER_PROPERTY = "orlu.record";
@@ -151,7 +154,7 @@ public final class RequestRecorder {
         return Arrays.stream(recordings()).anyMatch(folder -> folder.getName().startsWith(prefix));
     }
 
-    // Returns the recordings, sorted by number. Ignores other folders, so that they are never removed, and
+    // Returns the recordings, sorted by number. Ignores other folders, which must not be removed, and
     // numbers of 10 or more digits, which may exceed an int.
     private File[] recordings() {
         File[] folders = mFolder.listFiles((parent, name) -> name.matches("\\d{6,9}-request-.*"));

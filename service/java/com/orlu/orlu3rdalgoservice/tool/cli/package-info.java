@@ -1,2 +1,2 @@
-/** The command line of ./run: its subcommands, and the run of its requests. */
+/** The command line of ./run: its options and subcommands, and the sessions that run requests. */
 package com.orlu.orlu3rdalgoservice.tool.cli;

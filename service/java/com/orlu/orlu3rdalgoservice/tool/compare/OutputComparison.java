@@ -83,8 +83,8 @@ public final class OutputComparison {
         return file;
     }
 
-    // Returns the difference as text; empty if pixels differ, but by at most the tolerance. If only bytes
-    // other than pixels differ, the tolerance has no effect.
+    // Returns the difference as text; empty if pixels differ, but by at most the tolerance. If all
+    // pixels are equal, the tolerance has no effect.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);

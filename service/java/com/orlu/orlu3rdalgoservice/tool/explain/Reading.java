@@ -1,7 +1,7 @@
 package com.orlu.orlu3rdalgoservice.tool.explain;
 
 /**
- * The reading of one tag of one frame.
+ * One tag of one frame, and the result of reading it.
  *
  * @param source "composition" or "captureResult"
  * @param asked  the requested class; "" if unknown

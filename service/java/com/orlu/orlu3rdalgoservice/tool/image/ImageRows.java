@@ -4,7 +4,7 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBufferByte;
 import java.awt.image.IndexColorModel;
 
-/** The pixels of a decoded image file. */
+/** The pixels of a BufferedImage. */
 record ImageRows(BufferedImage image) implements PixelRows {
     @Override
     public int width() {

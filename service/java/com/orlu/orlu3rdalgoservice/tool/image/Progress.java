@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 /**
- * Shows the progress of long work in one line on standard error, which each update overwrites. Shows nothing
+ * Shows the progress of long work on standard error, in one line that each update overwrites. Shows nothing
  * unless the property orlu.terminal contains the terminal's number of columns. Thread-safe.
  */
 public final class Progress {

@@ -30,7 +30,7 @@ public record Breach(Side by, String kind, Event event, String expected, String 
         return new Breach(by, kind, event, expected, found, count + 1);
     }
 
-    /** Returns the breach as a reason of a verdict. */
+    /** Returns the breach as a reason for a verdict. */
     String line() {
         return "breach of the contract by the %s: %s (event %d) %s, expected %s%s".formatted(by.mName,
                 event.operation(), event.number("n"), found, expected,

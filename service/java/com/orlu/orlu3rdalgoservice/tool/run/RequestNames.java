@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Names of the requests of a run. The names of a request's output files begin with its name. */
+/** Names the requests of a run. A request's name is the prefix of its output files' names. */
 public final class RequestNames {
     private RequestNames() {
     }

@@ -89,7 +89,7 @@ public final class Mistakes {
         }, null);
     }
 
-    /** Appends a note to all but the first `first` mistakes. */
+    /** Appends a note to the mistakes from index `first` on. */
     public void annotate(int first, String note) {
         List<Mistake> all = new ArrayList<>(mMistakes);
         all.subList(first, all.size()).replaceAll(mistake -> mistake.withNote(note));
