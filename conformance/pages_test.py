@@ -14,10 +14,10 @@ def printed(flag):
 
 wrong = []
 if not page.endswith("prints this.\n\n" + printed("--contract")):
-    wrong.append("the page's contract is not the one that --contract prints")
+    wrong.append("the contract differs from the output of --contract")
 described = re.findall(r"^\| `(\w+)` \| (.*?) \|", page, re.MULTILINE)
 if described != [tuple(line.split(None, 1)) for line in printed("--list").splitlines()]:
-    wrong.append("the page's checks are not those that --list prints")
+    wrong.append("the table of checks differs from the output of --list")
 for text in wrong:
     print("FAILED: docs/conformance.md:", text)
 sys.exit(1 if wrong else 0)

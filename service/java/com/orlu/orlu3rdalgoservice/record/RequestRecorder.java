@@ -186,7 +186,7 @@ public final class RequestRecorder {
 
     private static void delete(File file) {
         if (!file.delete()) {
-            warn("can't remove the old recording " + file);
+            warn("can't remove " + file);
         }
     }
 

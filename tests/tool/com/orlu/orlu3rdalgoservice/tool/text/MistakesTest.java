@@ -25,7 +25,7 @@ public final class MistakesTest {
         warn(0);
         assertFalse("a repeated warning does not count as dropped", mMistakes.areMore());
         warn(MOST_KEPT);
-        assertTrue("one warning more than the limit is dropped", mMistakes.areMore());
+        assertTrue("a warning above the limit is dropped", mMistakes.areMore());
         mMistakes.add(MOST_KEPT, 1, "", "wrong");
         assertEquals(1, mMistakes.errors());
         assertEquals(MOST_KEPT, mMistakes.warnings());
