@@ -4,7 +4,7 @@
 // pending. Clients are destroyed with requests in flight.
 //
 // Each request ends in one of five ways; the ledger compares its ending with its plan. At the end nothing may
-// be leaked, and memory must not have grown.
+// be leaked, and memory must have stopped growing.
 
 #include <cstdlib>
 

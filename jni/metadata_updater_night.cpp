@@ -1,4 +1,4 @@
-// Gains and exposure times of the frames of a night or HDR shot.
+// Parameters of night and HDR shots, mostly gains and exposure times.
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ void logPair(const char* operation, const char* domain, const char* name, float 
   LOGD_AS(operation, "%s %s: %f, %f", domain, name, static_cast<double>(first), static_cast<double>(last));
 }
 
-// Writes the values of the first and the last frame. The log lines name `operation` and begin with `domain`.
+// Writes the gains and times of the first and the last frame. The log lines name `operation` and `domain`.
 void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, const char* domain) {
   const auto a = shot.exposureOf(shot.first());
   const auto b = shot.readOr<Aec>(lastFrame, kAecTag);
@@ -37,9 +37,8 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   writeHdrExposures(shot, exposures);
 }
 
-// In the low-light raw step, the normal frame's "isp_gain" and "sensor_gain_normal" come from its short
-// elements, and the gain ratio is written before the time ratio (Oddity 30). The normal time is a float here
-// (Oddity 31).
+// "isp_gain" and "sensor_gain_normal" are the normal frame's short gains, and the gain ratio is written before
+// the time ratio (Oddity 30). "exp_time_normal" is a float here (Oddity 31).
 void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
@@ -66,7 +65,7 @@ void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
 
 }  // namespace
 
-// Uses the master frame with the index of the request's last frame, else the last master frame.
+// The last frame here is the master frame at the request's last index, else the last master frame.
 void MetadataUpdater::updateSuperNsYuv() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }
@@ -106,7 +105,7 @@ void MetadataUpdater::updateBokehNight() {
   mShot.write<bool>(kControl, "is_bokeh_raw_nr", mIsRawnrCapture != 0 && mShot.listHas("dualBokeh"));
 }
 
-// Writes the exposures of the first frames.
+// Writes the exposures of the first kHdrSlots frames.
 void MetadataUpdater::updateRawHdr() {
   HdrExposures exposures;
   const int count = std::min(mCaptureResultNum, static_cast<int>(kHdrSlots));

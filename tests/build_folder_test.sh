@@ -1,5 +1,5 @@
 #!/bin/bash
-# Tests that a build folder follows changes, using a small project with a single C++ file.
+# Tests that build_folder.sh keeps builds up to date, on a project with a single C++ file.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 folder=$(mktemp -d)

@@ -60,7 +60,7 @@ void translateClarity(ResultScene& scene, int inputs, int compositions) {
 }
 
 TEST(ResultUpdaterClarityTest, PutsOneScoreForEachInputAndNothingElse) {
-  // The table has fifty scores.
+  // The parameter has fifty scores.
   const std::pair<int, std::string> cases[] = {
       {0,                  ""},
       {  3,    " 0.5 1.5 2.5"  },

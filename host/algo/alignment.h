@@ -1,4 +1,4 @@
-// Finds the shift in whole pixels between two frames.
+// Finds the shift between two frames, in whole luma samples.
 #pragma once
 
 #include <cstdint>
@@ -38,7 +38,7 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// Returns the shift with the least mean difference, in samples of the finest level. Searches from the
+// Returns the shift, in samples of the finest level, with the least mean difference. Searches from the
 // coarsest level to the finest. Both pyramids must have the same shape. Ignores an overall difference in
 // brightness.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);

@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.judge.Finding.Tab;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Explains a verdict's reasons in detail, and names the tab of the page that shows them. */
+/** Explains a verdict's reasons in detail, and names the page's tab that shows them. */
 public final class VerdictFindings {
     /** The finding for reasons that contain one of `words`. */
     private record Kind(String name, Tab tab, String what, String why, String... words) {
@@ -49,7 +49,7 @@ public final class VerdictFindings {
     }
 
     /**
-     * Returns one finding for each reason. Omits the name of the crash file, and reasons about outputs, which
+     * Returns a finding for each reason, except the name of the crash file, and reasons about outputs, which
      * ImageFindings explains.
      */
     public static List<Finding> of(Verdict verdict) {

@@ -6,21 +6,21 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Facts of a tag besides its type.
+ * Facts about a tag besides its type.
  *
  * @param unit    "ns", "px", ...; "flag" for 0 or not 0, "code" for an enumeration, "-" for no unit
  * @param meaning one or two sentences
- * @param values  its known values with a meaning
+ * @param values  the known values and their meanings
  */
 public record TagFacts(String unit, String meaning, List<Value> values) {
     private static final String NO_UNIT = "-";
     private static final Map<String, TagFacts> TAGS = load();
 
-    /** A value, or "bit-8" for the bit with value 8, and its meaning. */
+    /** A value in the notation of values.txt, and its meaning. */
     public record Value(String value, String meaning) {
     }
 
-    /** The facts of a tag; null if it has no row. */
+    /** Returns a tag's facts; null if tags.txt lacks it. */
     public static TagFacts of(String tag) {
         return TAGS.get(tag);
     }
