@@ -1,4 +1,4 @@
-// Conversions with the same results on every machine as on the 32-bit ARM device.
+// Conversions that give the results of the 32-bit ARM device on every machine.
 #pragma once
 
 #include <algorithm>

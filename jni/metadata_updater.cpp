@@ -46,7 +46,7 @@ int MetadataUpdater::getImageFormat() {
   return mShot.inputFormat();
 }
 
-// Not inlined: its steps would enlarge the stack frame of processImage(), which is already large.
+// Not inlined: its steps would enlarge processImage()'s stack frame, which is already large.
 [[gnu::noinline]] void MetadataUpdater::updateMetadata() {
   const CameraMetadataParser::Batch batch(*mParser);
   clearParams();

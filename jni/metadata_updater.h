@@ -2,7 +2,7 @@
 // algorithm list. Create one object per request and use it on the request's thread; updateMetadata() runs
 // once.
 //
-// If a tag is absent, its parameter gets the step's initial value. The parameter channel's status is ignored:
+// If a tag is absent, its parameter gets the row's default. The parameter channel's status is ignored:
 // translating parameters never fails a request. The steps consist of rows; shot.h shows how to write a row.
 // Code that needs no Java has its own headers, such as region_mapper.h.
 #pragma once
@@ -123,7 +123,7 @@ private:
   void convertMetering(__tagOrluRect& region, MeteringRegion (Shot::*read)() const,
                        const MeteringTexts& texts);
 
-  // The constructor's arguments and the request's frames. mShot gives the rows access to all of them.
+  // The constructor's arguments and the request's frames. Rows access them through mShot.
   std::vector<std::string>* mAlgoList;
   AlgoNativeClient* mClient;
   VRequest* mRequest;

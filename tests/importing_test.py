@@ -123,7 +123,7 @@ def reads_suite():
 
 
 def takes_pictures_by_name_and_size():
-    """A file with the size of two outputs belongs to the output that its extension names."""
+    """A file whose size fits two outputs belongs to the one that its extension names."""
     outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
     for given in ((), ("two.raw",)):
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
@@ -153,7 +153,7 @@ def reads_exif():
 
 
 def drops_odd_exif():
-    """Fractions with the denominator zero are dropped. Of two sensitivities, the first is used."""
+    """Import drops fractions with the denominator zero, and uses the first of two sensitivities."""
     none = struct.pack("<II", 0, 0)
     Path("odd.jpg").write_bytes(jpeg_with_exif(
         [(33434, RATIONAL, none), (33437, RATIONAL, none), (34855, SHORT, [100, 200])],

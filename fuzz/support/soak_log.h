@@ -8,7 +8,7 @@ namespace orlu::fuzz {
 void watchLog();
 // Returns and clears the number of timed-out requests of this thread.
 int takeTimeouts();
-// Prints and clears the counts. Returns false if it counted lines that no plan causes.
+// Prints and clears the counts. Returns false if there were lines that no plan causes.
 bool printLogged();
 
 }  // namespace orlu::fuzz

@@ -27,7 +27,7 @@ public:
   void sendLightStreamEvent() const;
   // Releases the images. Call before the callback, whose receiver may assume that the images are unused.
   void releaseImages();
-  // Gets the size of the first input, else of the first output. Without images, leaves both unchanged.
+  // Gets the size of the first input, else of the first output. Without images, changes nothing.
   void frameSize(int32_t& width, int32_t& height) const;
 
   const AlgoScript& script() const { return *mScript; }

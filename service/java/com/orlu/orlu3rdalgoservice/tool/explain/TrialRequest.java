@@ -32,8 +32,8 @@ final class TrialRequest implements AutoCloseable {
     }
 
     /**
-     * The look-ups of a tag. `composition` is true if it was looked up there; `captureResult` is the class
-     * requested from the capture result, null if it was not looked up there.
+     * The look-ups of a tag. `composition` is true for a look-up in the composition; `captureResult` is the
+     * class requested from the capture result, null without such a request.
      */
     record Asked(boolean composition, Class<?> captureResult) {
     }

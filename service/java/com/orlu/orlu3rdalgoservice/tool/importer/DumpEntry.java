@@ -9,7 +9,7 @@ import java.util.List;
  * @param tag    the tag's section and name
  * @param number the tag's number in hexadecimal
  * @param type   byte, int32, int64, float, double or rational
- * @param count  the number of values in the buffer
+ * @param count  the number of values that the entry announces
  * @param values the printed values; a rational has the form "n/d"
  */
 record DumpEntry(int line, String tag, String number, String type, long count, List<String> values) {

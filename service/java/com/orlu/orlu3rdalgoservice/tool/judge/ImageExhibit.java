@@ -14,7 +14,7 @@ import java.nio.ByteBuffer;
 import java.util.Map;
 import java.util.zip.CRC32;
 
-/** One image of a request as a page shows it after the request. */
+/** One image after the request, as a page shows it. */
 public final class ImageExhibit {
     private static final int SMALL_WIDTH = 240;
     /** In bytes; below this, a large picture shows no more than the small one. */

@@ -9,7 +9,7 @@ import java.util.List;
  * The outcome of a run.
  *
  * @param status   the exit status of the command
- * @param reasons  what went wrong, the most important first; empty if all is well
+ * @param reasons  what went wrong; empty if all is well
  * @param breaches the breaches of the contract, which are among the reasons; null without --validate
  */
 public record Verdict(int status, List<String> reasons, List<Breach> breaches) {

@@ -60,7 +60,7 @@ final class JpegBlocks {
         Arrays.fill(mPlain, Math.min(from, mPlain.length), mPlain.length, (byte) 0);
     }
 
-    // A block consists of its marker, its two-byte length, which excludes the marker, and its contents.
+    // A block consists of a marker, two bytes of length (not counting the marker), and contents.
     // Returns the offset after the block; for a start of scan, the offset after its scan.
     private int afterBlock(int from, int marker) {
         int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);
@@ -73,8 +73,8 @@ final class JpegBlocks {
         return end;
     }
 
-    // Returns the number of bytes of a block to keep: all of a colour profile, a JFIF block without its
-    // thumbnail, else the marker and the length.
+    // Returns how many bytes of a block to keep: a whole colour profile, a JFIF block up to its thumbnail,
+    // else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);

@@ -6,7 +6,7 @@ import java.nio.file.Path;
 import java.util.List;
 
 /**
- * The file of an input's pixels.
+ * A file with the pixels of an input.
  *
  * @param kind   BYTES if the file's bytes are used unchanged
  * @param planes the planes of a file of kind BYTES; empty for other kinds

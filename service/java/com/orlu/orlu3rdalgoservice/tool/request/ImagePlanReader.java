@@ -23,7 +23,7 @@ final class ImagePlanReader {
     private final int mFrames;
     private boolean mNeedsPhoto;
 
-    /** Image files are relative to `requestFile`. `frames` is the number of frames, -1 if unknown. */
+    /** Paths are relative to the folder of `requestFile`. `frames` is the number of frames, -1 if unknown. */
     ImagePlanReader(Path requestFile, Mistakes mistakes, int frames) {
         mRequestFile = requestFile;
         mMistakes = mistakes;
@@ -55,7 +55,7 @@ final class ImagePlanReader {
         return images;
     }
 
-    /** Whether an input was read that gets its pixels from a photo. */
+    /** Returns whether any input gets its pixels from a photo. */
     boolean needsPhoto() {
         return mNeedsPhoto;
     }

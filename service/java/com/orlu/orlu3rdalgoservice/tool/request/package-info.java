@@ -1,2 +1,2 @@
-/** Request files: reads and checks them, and represents the requests that they describe. */
+/** Reads and checks request files, and represents the requests that they describe. */
 package com.orlu.orlu3rdalgoservice.tool.request;

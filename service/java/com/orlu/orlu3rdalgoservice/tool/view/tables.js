@@ -1,4 +1,4 @@
-// Tables with a filter.
+// Tables and their filters.
 
 // Makes a table. A row is {cells: [...], text, class}; filters search `text`. A column whose heading begins
 // with "-" is hidden in a narrow window. Returns the element, and show(isWanted), which shows only the wanted
