@@ -140,7 +140,7 @@ def unexplained(sample, trials, places, handed):
                    if report.get(name) != handed[0].get(name)} - set(trials["unsteady"])
         effects += bool(changed)
         for name in sorted(changed - named.get((frame, tag), set())):
-            problems.append(f"{sample.stem}: {tag} of frame {frame} changes {short(name)}, which is not explained")
+            problems.append(f"{sample.stem}: not explained: {tag} of frame {frame} changes {short(name)}")
     return problems, effects
 
 

@@ -115,7 +115,7 @@ def reads_suite():
         "captureResults[1]: android.control.aeRegions dropped; expected a whole number from -2147483648 to "
         "2147483647, found 2147483648",
         "captureResults[2]: dropped; not an object of tags",
-        "outputs[2]: dropped; expected a format of [dng, jpeg, jpg, raw, raw10, yuv], width and height",
+        "outputs[2]: dropped; expected width, height and a format of [dng, jpeg, jpg, raw, raw10, yuv]",
         "captureRequest: ignored; not a result",
         "odd.raw: note: dropped; no output in a JSON file has 383 bytes"],
         [line.split("suite.json: note: ")[-1] for line in lines[:-1]])

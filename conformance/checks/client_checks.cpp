@@ -119,7 +119,7 @@ void checkClients() {
     step("uninit with mode " + std::to_string(mode) + ", for the types 1, 2, 3 and 5");
     first.uninit(mode);
   }
-  step("flush, uninit and destroyClient of a client in use");
+  step("flush, uninit and destroyClient of the first of two clients");
   first.end();
 
   step("destroying a client that was never initialised");
@@ -137,7 +137,7 @@ void checkClients() {
   }
   call(kRefused, library->table().destroyClient, bare);
 
-  step("a request of a third client");
+  step("a request of a new client");
   Scene scene;
   scene.run(1);
 }
@@ -159,7 +159,7 @@ void checkConcurrency() {
     callbacks += workers[i]->inbox.messages().size();
   }
   note(std::to_string(callbacks) + " callbacks for " + std::to_string(4 * kRequestsOfClient) +
-       " requests; the other requests were dropped with their clients");
+       " requests; destroyClient may drop requests");
   step("a request after all clients are destroyed");
   Scene scene;
   scene.run(1);

@@ -122,7 +122,7 @@ void runDoomed(bool isHardwareBuffer) {
       << "the output differs if the record and its " << (isHardwareBuffer ? "hardware buffers' " : "")
       << "descriptors are released once process returns";
   HOLDS(lentInput.isDecoyUntouched() && lentOutput.isDecoyUntouched())
-      << "the library writes to a file that reuses the number of a descriptor closed after process";
+      << "the library writes to a descriptor number that was closed and reused after process";
 }
 
 // Submits requests of every kind, each with a name for the evidence.

@@ -42,8 +42,8 @@ final class SuiteReader {
         }
         addEach(shot.get("captureResults"), this::addFrame);
         if (mFrames.isEmpty()) {
-            throw shot.error("expected captureResult, an object of tags, or captureResults, a list of such "
-                    + "objects");
+            throw shot.error("expected captureResult (an object of tags) or captureResults (a list of such "
+                    + "objects)");
         }
         // The test writes values common to all frames only once; a request file has them in each result.
         if (shot.has("cameraProperties")) {
@@ -143,8 +143,8 @@ final class SuiteReader {
     private void addOutput(Json element) {
         SuiteOutput output = SuiteOutput.of(element);
         if (output == null) {
-            mNotes.add(element.path(), "dropped; expected a format of " + SuiteOutput.FORMATS.keySet()
-                    + ", width and height");
+            mNotes.add(element.path(), "dropped; expected width, height and a format of "
+                    + SuiteOutput.FORMATS.keySet());
         } else {
             mOutputs.add(output);
         }

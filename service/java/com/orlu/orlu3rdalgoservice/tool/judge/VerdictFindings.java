@@ -21,7 +21,7 @@ public final class VerdictFindings {
                     "The last open slice of the timeline is the operation that was running then. This page "
                             + "has nothing after it.",
                     "ended the process", "stopped by signal", "the process ended"),
-            new Kind("incomplete", Tab.RESULTS, "Values were lost between the two libraries.",
+            new Kind("incomplete", Tab.RESULTS, "Values were lost between service and algorithm library.",
                     "The request ran without its parameters, or without its results.",
                     "lacks createMetadata", "lacks setValue", "lacks getValue"),
             new Kind("unusable", Tab.LOG, "The algorithm library can't be used, so nothing ran.",
@@ -39,8 +39,7 @@ public final class VerdictFindings {
                     "The library reported the algorithm neither as run nor as skipped.",
                     "but not run"),
             new Kind("tags", Tab.TAGS, "The request has tags without effect.",
-                    "They are misspelt, have a type other than the requested one, or don't apply to this "
-                            + "kind of capture.",
+                    "They are misspelt, have a wrong type, or don't apply to this kind of capture.",
                     "never read", "of a wrong type"),
             new Kind("failed-call", Tab.TIMELINE, "A call failed.",
                     "Select the call in the timeline to see its outcome.", ""));
