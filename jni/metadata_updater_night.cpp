@@ -37,8 +37,8 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   writeHdrExposures(shot, exposures);
 }
 
-// "isp_gain" and "sensor_gain_normal" are the normal frame's short gains, and the gain ratio is written before
-// the time ratio (Oddity 30). "exp_time_normal" is a float here (Oddity 31).
+// "isp_gain" and "sensor_gain_normal" are the normal frame's short gains, and the gain ratio is written
+// before the time ratio (Oddity 30). "exp_time_normal" is a float here (Oddity 31).
 void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
