@@ -59,7 +59,7 @@ private:
   // Tells Java that it may finish a full-async request. If Java can't be reached, logs that; the request
   // is then finished when its client is destroyed. Returns false if setAnnounced() failed or was not called.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Creates the map and calls Java with it. Returns false if the map could not be created or the call threw.
+  // Calls Java with a map that contains the id. Returns false if the map can't be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;
   // Returns false if the call threw, and logs that.
   bool callBack(JNIEnv* env, int64_t reqId, jobject map, const char* operation) const;

@@ -95,7 +95,7 @@ bool CameraMetadataParser::unbox(T& out, jobject boxed) {
 
 template <typename T>
 CameraMetadataParser::Unpacked CameraMetadataParser::unpack(const ArrayOut<T>& out, jobject value) {
-  // Capture results hold boxed arrays; a composition may hold either kind.
+  // Capture results contain boxed arrays; compositions may contain boxed or primitive arrays.
   if (isInstance(mEnv, value, this->*Boxed<T>::kArrayClass)) {
     copyBoxed(out.values, out.capacity, value);
   } else if (isInstance(mEnv, value, this->*Boxed<T>::kPrimitiveArrayClass)) {
@@ -155,7 +155,7 @@ CameraMetadataParser::Unpacked CameraMetadataParser::unpack(SCR_Type& out, jobje
   __tagOrluRect rect;
   const Unpacked unpacked = unpack(rect, value);
   if (unpacked != kRead) return unpacked;
-  // The rectangle class has no counterpart of SCR_Type::flag, which stays false.
+  // The rectangle class has no counterpart of SCR_Type::flag, which becomes false.
   std::memset(&out, 0, sizeof out);
   out.left = rect.left;
   out.right = rect.right;

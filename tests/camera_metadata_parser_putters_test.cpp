@@ -14,7 +14,7 @@ struct Putter : NamedCase {
   Container container;
   int (*put)(P&, jobject container);
   const char* stored;    // the Java class and value
-  const char* required;  // the class and constructor that the parser must have found
+  const char* required;  // class that the parser must have found; with its constructor unless it is an array
 };
 
 constexpr char kKey[] = "some.key";

@@ -109,7 +109,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
   }
 }
 
-// Results stored in a shot's metadata need a tag in the host's table.
+// Camera metadata can store a result only if the host's table has its tag and type.
 TEST(ResultUpdaterTest, EveryResultIsATagOfItsType) {
   const test::LocalFrame frame;
   const std::map<std::string, std::string> types = {
@@ -159,8 +159,8 @@ TEST_F(ResultUpdaterStepsTest, PutNothingWithoutACompositionButSetTheOutputs) {
             mScene.log());
 }
 
-// Log of the last results if all puts fail. The failed put of a long is also logged as putInt(); the last two
-// lines have the short tag.
+// Log of the last results if all puts fail. The failed put of a long is also logged as putInt(). The lines
+// with * have the short log tag.
 const std::string kPutFailures =
     "D updateMarkMode 0\n"
     "E pCameraMetadataParser->putInt fail\n"

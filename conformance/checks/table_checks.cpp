@@ -117,7 +117,7 @@ private:
   Record* mRecord;
 };
 
-// Calls without the observer, so that the library gets the record directly.
+// Calls without the kit's observer, so that the library gets the record directly.
 template <typename Callable, typename Record>
 void callBare(const std::string& name, const Callable& callable, const Record& record) {
   const Operation operation(name, name);

@@ -1,4 +1,4 @@
-// Checks with a full request's parameters, and with several threads that use the store and images at once.
+// Checks with more parameters than any request has, and with threads that set values or send requests.
 #include "checks.h"
 #include "known_names.h"
 #include "scene.h"

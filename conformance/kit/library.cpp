@@ -28,7 +28,7 @@ std::string describe(const probe::WatchedCall& call) {
   return text;
 }
 
-// The running operations of this thread, outermost first. Callbacks inside process() and visitors may start
+// The running operations of this thread, outermost first. Visitors, and callbacks inside process(), may start
 // further operations.
 thread_local std::vector<std::unique_ptr<Operation>> tOperations;
 

@@ -40,7 +40,7 @@ enum class SoakCallbacks : uint8_t {
   kRacing,           // near the timeout, or while the client is being destroyed
   kInDestroyClient,  // by the library, while it destroys its client
   kAfterFinish,      // after Java, which guessed the id, has finished the request
-  kFinishOnly,       // not sent: Java finishes the request, and the client's destruction destroys its block
+  kFinishOnly,       // not sent: Java finishes the request, and its block is destroyed with the client
   kThrowing,         // once, and the call into Java throws
   kWithoutMemory     // once, but the map for Java can't be allocated; Java finishes the request by its id
 };
@@ -110,7 +110,7 @@ constexpr SoakFault kSoakEndFaults[] = {
 };
 // clang-format on
 
-// Returns the other allowed ending of a race; kNone for ways without a race.
+// Returns the ending that a race allows besides `way.ending`; kNone for ways without a race.
 constexpr Ending otherEnding(const SoakWay& way) {
   if (way.callbacks != SoakCallbacks::kRacing) return Ending::kNone;
   return isFullAsync(way.kind) ? Ending::kUnannounced : Ending::kTimedOut;

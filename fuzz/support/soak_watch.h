@@ -22,8 +22,8 @@ inline bool same(const char* what, int before, int after) {
   return before == after;
 }
 
-// Prints the stand-in's resources. Returns whether they are as before, and no request with an id of
-// `firstId` or above is left.
+// Prints the stand-in's resources and the request map's entries. Returns whether the resources are as before
+// and no request with an id of `firstId` or above is left.
 inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   const standin::AlgoCounts after = test::Algo::counts();
   bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);
@@ -57,7 +57,7 @@ public:
   }
 
   // Prints the growth over the second half, after all one-time allocations. Returns false if allocated memory
-  // grew by more than noise.
+  // grew by more than kNoise plus kBytesForEach per request.
   bool memoryStoodStill() const {
     const Point& first = mPoints[mPoints.size() / 2];
     const Point& last = mPoints.back();

@@ -17,7 +17,7 @@ const char* orEmpty(const char* text) {
   return text == nullptr ? "" : text;
 }
 
-// Returns nanoseconds of the clock that events use (docs/events.md).
+// Returns the time in nanoseconds, on the clock of the events (docs/events.md).
 int64_t now() {
   const auto sinceBoot = std::chrono::steady_clock::now().time_since_epoch();
   return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceBoot).count();
@@ -54,7 +54,7 @@ void Trace::done(uint64_t nativeReq, const RunReport& report) {
       {"milliseconds", report.milliseconds},
       {"frames",       frames             }
   };
-  // Names may hold any bytes; invalid UTF-8 is replaced.
+  // Algorithm names may contain any bytes; invalid UTF-8 is replaced.
   const std::string text = line.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
   std::fwrite(text.data(), 1, text.size(), mFile.get());
   std::fflush(mFile.get());

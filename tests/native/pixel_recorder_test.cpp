@@ -39,7 +39,7 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Tests each number, because under the emulator a 32-bit process cannot list every folder.
+// Tests each descriptor number, because a 32-bit process in the emulator can't list some folders.
 size_t openDescriptors() {
   constexpr int kMost = 1024;
   size_t open = 0;
@@ -122,7 +122,7 @@ TEST(PixelFile, SurvivesShrinkingMemory) {
 
 class PixelRecorderTest : public testing::Test {
 protected:
-  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before or after a test.
+  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs in these tests.
   PixelRecorderTest() { open("100000"); }
   ~PixelRecorderTest() override {
     unsetenv("ORLU_EVENTS");

@@ -65,7 +65,7 @@ final class PlantedFaults {
         mFaults.put("hangs in com.orlu.", PlantedFaults::hang);
     }
 
-    /** Runs all faults and returns those that were not found. */
+    /** Runs all commands and returns the faults that were not found. */
     List<String> missed() throws IOException {
         List<String> missed = new ArrayList<>();
         for (Map.Entry<String, IntSupplier> fault : mFaults.entrySet()) {

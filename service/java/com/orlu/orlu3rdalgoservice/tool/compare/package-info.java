@@ -1,2 +1,2 @@
-/** Compares two runs of a request. */
+/** Compares two runs. */
 package com.orlu.orlu3rdalgoservice.tool.compare;

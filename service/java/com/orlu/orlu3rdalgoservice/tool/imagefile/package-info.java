@@ -1,2 +1,2 @@
-/** Image files: reads pixels of DNG, TIFF, PNG and JPEG files as their headers describe them. */
+/** Image files with headers: reads the pixels of DNG, TIFF, PNG and JPEG files. */
 package com.orlu.orlu3rdalgoservice.tool.imagefile;

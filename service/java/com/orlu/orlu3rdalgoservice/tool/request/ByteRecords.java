@@ -13,9 +13,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Builds the bytes of a binary record from a hex text, a packed list of values ({"int32": [...]}), or an
- * object with a size and parts at offsets ({"size": 2080, "parts": [{"at": 2076, "int32": [3]}]}).
- * Little-endian, like the phone.
+ * Builds the bytes of a binary record from hex text, packed values ({"int32": [...]}), or an object with a
+ * size and parts at offsets ({"size": 2080, "parts": [{"at": 2076, "int32": [3]}]}). Little-endian, like the
+ * phone.
  */
 final class ByteRecords {
     private static final int LARGEST = 1 << 20;

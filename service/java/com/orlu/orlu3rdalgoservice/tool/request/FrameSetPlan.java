@@ -7,8 +7,8 @@ import java.util.List;
  *
  * @param maxShift largest random shift, in pixels to each side
  * @param seed     seed of noise and shifts; equal seeds make equal frames
- * @param width    width of the frames, in pixels; 0 for the photo's width less the margins for shifts
- * @param height   height of the frames, in pixels; 0 for the photo's height less the margins
+ * @param width    width of the frames, in pixels; 0: derived from the photo (FrameSynthesis.size())
+ * @param height   height of the frames, in pixels; 0: derived from the photo
  */
 public record FrameSetPlan(List<FramePlan> frames, int maxShift, long seed, int width, int height) {
     /** Whether noise is added to any frame. */

@@ -18,8 +18,8 @@ import java.util.Map;
  * @param rowStrides bytes per row of each plane; null if the image had none
  * @param planeSizes bytes of each plane; null if the image had none
  * @param memory     "shared", "hardware" or "none"
- * @param buffer     width, height and format of a hardware buffer, else empty
- * @param size       size of the image's memory, in bytes
+ * @param buffer     width, height and format of a recorded hardware buffer, else empty
+ * @param size       size of the image's memory, in bytes; 0 if not recorded
  * @param file       the file with the image's bytes; null if they were not recorded or are all 0
  * @param kept       the reason if the bytes were not recorded, else empty
  * @param frame      index of an input's frame, -1 if unknown
@@ -50,7 +50,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return fields;
     }
 
-    /** Reads the description of an image in the recording of this folder. */
+    /** Reads an image's description from the recording in this folder. */
     public static ImageLayout read(Path folder, Json image) throws MistakeException {
         image.allowing("format", "width", "height", "rowStrides", "planeSizes", "frame", "memory", "buffer",
                 "size", "file", "crc", "kept");
@@ -70,7 +70,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 whole(image, "frame", 0, Integer.MAX_VALUE, -1));
     }
 
-    // Throws a mistake. A request file's reader would note it and continue.
+    // Throws a mistake, unlike Json.integer() with a name, which notes it and continues.
     private static int whole(Json image, String name, int least, int most, int absent)
             throws MistakeException {
         return image.has(name) ? image.get(name).integer(least, most) : absent;
@@ -111,7 +111,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return json;
     }
 
-    /** Returns the image with another file. If `other` is null, the image has no file; `reason` says why. */
+    /** Returns the image with another file. If `other` is null, the image has no file, for this reason. */
     public ImageLayout withFile(RecordedFile other, String reason) {
         return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
                 other == null ? size : other.size(), other, reason, frame);

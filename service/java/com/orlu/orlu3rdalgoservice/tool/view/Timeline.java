@@ -134,7 +134,7 @@ public final class Timeline {
         List<Slice> work = new ArrayList<>();
         for (Json line : LineFile.fromStart(WorkFolder.algorithmTrace(), AlgorithmPass::isDone).next()) {
             Event done = new Event(line);
-            // The file may be older than this run, and other libraries may omit time and thread.
+            // The file may be older than this run, and a library may omit the duration and the thread.
             if (!done.has("tid") || !done.has("milliseconds") || done.time() < start) {
                 continue;
             }

@@ -12,7 +12,7 @@ import java.util.TreeMap;
 
 /**
  * A trace of one process in the JSON trace format: slices in one lane per thread, and arrows between them.
- * Omits events that begin outside the file's period.
+ * Omits events that begin outside its period.
  */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
@@ -32,7 +32,7 @@ final class TraceFile {
      *
      * @param tid   the kernel's id of the thread, shown as the lane
      * @param start on the clock of System.nanoTime(), like `end`
-     * @param args  what a viewer shows if the span is selected
+     * @param args  shown by viewers if the span is selected
      */
     record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
         boolean contains(long time) {
@@ -45,7 +45,7 @@ final class TraceFile {
     }
 
     /**
-     * Creates an empty file for a process and a period on the clock of System.nanoTime(). Times in the file
+     * Creates an empty trace of a process, for a period on the clock of System.nanoTime(). Times in the trace
      * count from `start`.
      */
     TraceFile(long pid, long start, long end) {
@@ -81,7 +81,7 @@ final class TraceFile {
         }
     }
 
-    /** Adds a value of a counter of the process. */
+    /** Adds a value of a process-wide counter. */
     void addCounter(String name, long time, long value) {
         Map<String, Object> event = event("C", name, 0);
         event.put("ts", microseconds(time - mStart));
