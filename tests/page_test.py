@@ -73,7 +73,7 @@ class References(html.parser.HTMLParser):
             self.open.append(tag)
 
     def handle_endtag(self, tag):
-        check("an element is closed that is not open:", self.open and self.open.pop() == tag, tag)
+        check("an end tag without a matching open element:", self.open and self.open.pop() == tag, tag)
 
 
 def read_page(file):
@@ -238,7 +238,7 @@ def check_against_json(data, report, name):
     for parameter, explained in data["explained"].items():
         tags = {row[0] for row in explained["tags"]}
         missing = depending.get(parameter, set()) - tags - general
-        check(f"{name}: {parameter} lacks or has too many tags:", explained["unsteady"] or
+        check(f"{name}: {parameter} lacks tags or has too many:", explained["unsteady"] or
               not missing and tags <= depending.get(parameter, set()), missing or tags)
 
 

@@ -19,19 +19,19 @@ struct Need {
   const char* cost;
 };
 constexpr Need kNeeds[] = {
-    {"createClient",    "no client is created; every operation gets a null client"              },
-    {"destroyClient",   "the resources of a client are never released"                          },
-    {"init",            "clients are never initialised"                                         },
-    {"process",         "no request is processed: each takes 10 seconds and has default results"},
-    {"uninit",          "clients are never uninitialised"                                       },
-    {"flush",           "a client is destroyed with requests in flight"                         },
-    {"command",         "requests can't be aborted, and the process can't announce its end"     },
-    {"createMetadata",  "there are no parameters and no results"                                },
-    {"destroyMetadata", "every request leaks its blocks"                                        },
-    {"getSize",         "no request is submitted"                                               },
-    {"setValue",        "the algorithms get no parameters"                                      },
-    {"getValue",        "there are no results"                                                  },
-    {"setRaw",          "the algorithms get no camera metadata"                                 },
+    {"createClient",    "no client is created; every operation gets a null client"                          },
+    {"destroyClient",   "the resources of a client are never released"                                      },
+    {"init",            "clients are never initialised"                                                     },
+    {"process",         "no request is processed: synchronous ones take 10 seconds and have default results"},
+    {"uninit",          "clients are never uninitialised"                                                   },
+    {"flush",           "a client is destroyed with requests in flight"                                     },
+    {"command",         "requests can't be aborted, and the process can't announce its end"                 },
+    {"createMetadata",  "there are no parameters and no results"                                            },
+    {"destroyMetadata", "every request leaks its blocks"                                                    },
+    {"getSize",         "no request is submitted"                                                           },
+    {"setValue",        "the algorithms get no parameters"                                                  },
+    {"getValue",        "there are no results"                                                              },
+    {"setRaw",          "the algorithms get no camera metadata"                                             },
 };
 
 template <typename Table>

@@ -46,7 +46,7 @@ std::string wrongValue(const Block& block, const Entry& entry) {
   const int status = block.get(entry.section.c_str(), entry.key.c_str(), seen.data(), seen.size());
   const std::string what = entry.section + " " + entry.key + ", " + std::to_string(seen.size()) + " bytes, ";
   if (status != 0) return what + "is not found: getValue returned " + std::to_string(status);
-  return seen == entry.bytes ? "" : what + "has the bytes of another value";
+  return seen == entry.bytes ? "" : what + "has wrong bytes";
 }
 
 std::string wrongValues(const Block& block, const std::vector<Entry>& entries) {

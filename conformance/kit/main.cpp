@@ -48,9 +48,9 @@ constexpr char kUsage[] =
     "  ./run conform --only setValue,getValue\n"
     "\n"
     "Each check runs in its own process. The exit status is 1 if a check fails,\n"
-    "can't use the library or is not run for lack of time, 2 if the command line is\n"
-    "invalid, and 0 otherwise. With --perf, it is also 1 if a row is slower than in\n"
-    "the baseline.\n";
+    "can't use the library or is not run for lack of time, 2 if the command line or\n"
+    "the baseline is invalid, and 0 otherwise. With --perf, it is also 1 if a row is\n"
+    "slower than in the baseline.\n";
 
 std::vector<CheckResult> gResults;
 bool gIsQuiet = false;

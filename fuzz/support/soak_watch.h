@@ -30,7 +30,7 @@ inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   sound &= same("camera blocks", before.cameraBlocks, after.cameraBlocks);
   sound &= same("clients", before.clients, after.clients);
   sound &= same("pending requests", before.pendingRequests, after.pendingRequests);
-  return same("entries of the map", 0, entriesBetween(firstId, nextRequestId())) && sound;
+  return same("request map entries", 0, entriesBetween(firstId, nextRequestId())) && sound;
 }
 
 // Counts requests and samples memory after each tenth of them.

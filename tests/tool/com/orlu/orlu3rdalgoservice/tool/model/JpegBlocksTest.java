@@ -25,7 +25,7 @@ public final class JpegBlocksTest {
             "ffd8 ffffe1 0003 00" + SCAN + "ffd9"},
         {"a thumbnail", "ffd8 ffe0 0013" + JFIF + "0101 414141" + SCAN + "ffd9",
             "ffd8 ffe0 0013" + JFIF + "0000 000000" + SCAN + "ffd9"},
-        {"another first block", "ffd8 ffe0 0008 4a4658580041" + SCAN + "ffd9",
+        {"a JFXX block", "ffd8 ffe0 0008 4a4658580041" + SCAN + "ffd9",
             "ffd8 ffe0 0008 000000000000" + SCAN + "ffd9"},
         {"a truncated block", "ffd8 ffe1 0040 4141", "ffd8 ffe1 0040 0000"},
         {"a block without length", "ffd8 ffe1 00", "ffd8 ffe1 00"},
