@@ -1,5 +1,5 @@
 # 32-bit ARM as in arm-linux-gnueabihf.cmake, built with clang, lld and libc++, as for the phone. The C and
-# C++ libraries are in the private root; libgcc is from Debian's cross compiler.
+# C++ libraries are in ORLU_ARM_ROOT; libgcc is from Debian's cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
 
 # GoogleTest is built here too, and needs a C compiler.

@@ -1,5 +1,5 @@
-# 32-bit ARM like the device: ARMv7-A, Thumb-2, hard float. ORLU_ARM_ROOT is the private root of
-# scripts/arm_root.sh with Debian's armhf JVM and libraries. The compiler is Debian's cross compiler.
+# 32-bit ARM like the device: ARMv7-A, Thumb-2, hard float. ORLU_ARM_ROOT is the folder into
+# which scripts/arm_root.sh unpacks Debian's armhf JVM and libraries. The compiler is Debian's cross compiler.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7-a)
 

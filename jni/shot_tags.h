@@ -87,7 +87,7 @@ public:
 
   // The number of capture results.
   int size() const { return static_cast<int>(mCaptureResults->size()); }
-  // Returns an empty frame, where every tag is missing, for an index outside the list.
+  // Returns an empty frame, where every tag is missing, for an index outside both lists.
   Frame at(int index) const { return {element(*mCaptureResults, index), element(*mCompositions, index)}; }
   Frame first() const { return at(0); }
   Frame last() const { return at(size() - 1); }
@@ -195,8 +195,8 @@ public:
     return read(first(), tag, value);
   }
 
-  // Returns the tag's value, or `initial` if the frame lacks the tag. If the tag's array is shorter than T,
-  // the rest of `initial` is kept. Text and bytes ignore `initial`.
+  // Returns the tag's value, or `initial` if read() fails. If the tag's array is shorter than T, the rest of
+  // `initial` is kept. Text and bytes ignore `initial`.
   template <typename T>
   T readOr(const Frame& frame, const char* tag, std::common_type_t<T> initial = T()) const {
     read(frame, tag, initial);
@@ -225,7 +225,7 @@ class KeptTag {
 public:
   explicit KeptTag(const char* tag) : mTag(tag) {}
 
-  // Returns zero if the frame lacks the tag.
+  // Returns zero if the tag can't be read.
   T of(const ShotTags& tags) const {
     T value = mKept.value_or(T());
     if (!mKept && tags.read(mTag, value) == 0) mKept = value;

@@ -44,7 +44,7 @@ def write_files():
         "padded.raw": b"header" + little_endian_rows(SAMPLES, 40),
         "packed.raw10": packed10_rows(SAMPLES, 20),
         "tight.nv21": bytes(sum(GRAY, [])) + bytes([128]) * (WIDTH * HEIGHT // 2),
-        # The chroma plane comes first and has another stride. Two rows of padding follow the luma.
+        # The chroma plane comes first and has its own stride. Two rows of padding follow the luma.
         "planes.yuv": b"\x80" * 150 + gray_rows + b"\xee" * 40,
         "a.dng": dng(SENSOR, white=1023, rows_per_strip=5),
         "packed.dng": dng(SENSOR, bits=10, big_endian=True),
@@ -74,7 +74,7 @@ def request(*inputs):
 
 
 def takes_raw():
-    """The algorithm library gets each kind of file's samples unchanged, and copies them to the output."""
+    """The algorithm library gets samples of each kind of file unchanged, and copies them to the output."""
     size = {"width": WIDTH, "height": HEIGHT}
     images = (
         {"file": "tight.raw", "format": "RAW16", **size},

@@ -49,7 +49,7 @@ protected:
       return "thrown";
     }
   }
-  // Returns "folder state" of each recording, sorted. The state is "end" if the outcome is complete, else
+  // Returns "NAME STATE" of each folder, sorted. The state is "end" if the outcome is complete, else
   // "failed", or "" without an outcome.
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;

@@ -16,8 +16,8 @@ from command import ROOT, expect, failures, finish, run  # noqa: E402
 
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
-# For each image: format | memory | (stride, bytes after the last row) of the first plane or two | bytes per
-# column of each plane | image rows per row of each plane. Only those bytes lie between planes.
+# For each image: format | memory | (stride, bytes after the last row) of the first plane or two | bytes of
+# each plane per image column | image rows per row of each plane. Nothing else lies between planes.
 LAYOUTS = {
     "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
     "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),
@@ -126,7 +126,7 @@ def check_every_layout():
     out = printed(0, "replay", "cropped")
     expect("replayed", len(LAYOUTS), out.count(": ran, "))
     expect("notes", len(LAYOUTS), out.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
-    # The middle, aligned for all formats.
+    # Without a position, crops to the middle, aligned for all formats.
     out = printed(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + printed(0, "info", "middle")
     expect("the middle", True, "cropped to 20x12" in out)
     pixels = Path("middle/input0.bin").read_bytes()

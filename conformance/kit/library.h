@@ -13,7 +13,7 @@
 
 namespace orlu::conform {
 
-// Records faults and times of calls, and the current operation of each thread.
+// Records the faults of calls, the longest time of process(), and the current operation of each thread.
 class CallObserver : public probe::TableObserver {
 public:
   void before(const probe::WatchedCall& call) noexcept override;

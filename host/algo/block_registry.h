@@ -1,5 +1,5 @@
-// The live blocks of both kinds. A handle is a number that is never reused, not an address, so a stale handle
-// is detected without access to freed memory.
+// The live parameter and camera blocks. A handle is a number that is never reused, not an address, so a stale
+// handle is detected without access to freed memory.
 #pragma once
 
 #include <cstdint>

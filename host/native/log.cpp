@@ -1,5 +1,5 @@
 // liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
-// it receives every line, even those that ANDROID_LOG_TAGS filters out: time (nanoseconds of
+// it receives every line, even those that ANDROID_LOG_TAGS filters out, as time (nanoseconds of
 // CLOCK_MONOTONIC), thread, priority letter, tag and text, separated by tabs.
 
 #include <android/log.h>

@@ -14,7 +14,7 @@ public:
   CallbackRecorder& operator=(const CallbackRecorder&) = delete;
   ~CallbackRecorder() { call(mRecorder, "stop", "()V"); }
 
-  // Returns one line per callback: client, context, request, and the map's entries with their types, sorted.
+  // Returns one line per callback: client, context, request, and the sorted map of values with their types.
   std::string reports() const { return stringOf(callObject(mRecorder, "reports", "()Ljava/lang/String;")); }
   void setThrows(bool isThrowing) { call(mRecorder, "setThrows", "(Z)V", isThrowing); }
 

@@ -21,8 +21,7 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// If a Java exception is pending, clears it and throws std::runtime_error with its text, which fails the
-// test.
+// If a Java exception is pending, clears it and throws std::runtime_error with its text.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
@@ -80,7 +79,7 @@ jobject getKey(jobject composition, const char* key);
 jobject newThrowingComposition();
 // Returns the TagType constant of a tag in the host's table, or "" for an unknown tag.
 std::string typeOfTag(const std::string& tag);
-// Returns advice for a tag that is missing in the host's table or has another type there.
+// Returns advice for a tag that is missing in the host's table or has a type other than `type` there.
 std::string tagTableHint(const std::string& tag, const std::string& type);
 
 // Images.

@@ -65,7 +65,7 @@ public final class Recording {
         return request instanceof VRequest ? Long.toString(((VRequest) request).getRequestId()) : "unknown";
     }
 
-    /** Runs a step unless an earlier one failed. No exception reaches the request. */
+    /** Runs a step unless the recording is finished or failed. No exception reaches the request. */
     void guard(Step step) {
         if (mIsOver) {
             return;

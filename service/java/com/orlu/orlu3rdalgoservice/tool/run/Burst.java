@@ -23,7 +23,7 @@ import java.util.stream.IntStream;
 /**
  * Sends one request many times on one client. As in the service, calls on the client don't overlap, so
  * synchronous requests run one at a time. All requests share the inputs. Each has its own outputs,
- * compositions and id, and a unique value in a tag, to detect results of another request.
+ * compositions and id, and a unique value in a tag, to detect mixed-up results.
  */
 public final class Burst implements AutoCloseable {
     /** The tag that gets the unique value, and the result's tag that should return this value. */
