@@ -176,7 +176,7 @@ final class BurstSession {
                 ++right;
             }
         }
-        mTo.line("announced", right + " of " + counts.size() + " exactly once");
+        mTo.line("called back", right + " of " + counts.size() + " exactly once");
     }
 
     private void checkPlanted(RequestFile request, List<Shot> shots) {

@@ -106,7 +106,7 @@ public final class Explanations {
 
     private String text(Dependence tag) {
         Reading reading = mReadings.of(tag);
-        return reading == null ? "requested in trials only" : reading.text();
+        return reading == null ? "read in trials only" : reading.text();
     }
 
     private boolean isGeneral(Dependence tag) {

@@ -15,7 +15,7 @@ public final class StageTable {
 
     public static void print(List<StageTime> stages, TextLayout to) {
         TextTable table = new TextTable(
-                List.of("stage", "ms", "thread", "faults", "heap kB", "passed kB"));
+                List.of("stage", "ms", "thread", "faults", "heap KiB", "passed KiB"));
         stages.forEach(stage -> add(table, stage.stage(), stage.milliseconds(), stage.thread(),
                 stage.waits(), stage.faults(), stage.allocated(), stage.passed()));
         add(table, "whole", StageTime.wholeMilliseconds(stages), "", "",
