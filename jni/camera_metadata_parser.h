@@ -88,7 +88,7 @@ public:
     Batch* mBatch;
   };
 
-  // While a RepeatedTag exists, reads of any key that equals `tag` reuse one set of Java key objects. If
+  // While a RepeatedTag exists, reads of `tag` from frames reuse one set of Java key objects. If
   // several exist, destroy them in reverse order of creation.
   class RepeatedTag {
   public:
@@ -112,8 +112,8 @@ public:
   CameraMetadataParser() = default;
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
-  // Resolves every class and member that the operations use, for the calling thread, and logs each missing
-  // one. `withoutComposition` skips the composition class, because callback threads may not be able to find
+  // Resolves the classes and members of camera_metadata_parser_members.inc for the calling thread, and logs
+  // missing ones; some end the resolution (Oddity 7). `withoutComposition` skips the composition class, because callback threads may not be able to find
   // it. Returns 0 if everything was found, else -1; operations that don't need a missing member still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 

@@ -131,7 +131,7 @@ TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnoun
   EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
 }
 
-// An attached thread stays attached and accumulates no local references: the VM would report them at exit.
+// An attached thread stays attached and accumulates no local references: the VM would report them.
 TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
   std::string expected;
   std::thread([&] {

@@ -100,6 +100,7 @@ def limited(shot):
     for changed, problem in (
             ({"size": (1 << 30) + 1}, "size: expected a whole number from 0 to 1073741824, found 1073741825"),
             ({"rowStrides": 17 * [2]}, "rowStrides: expected at most 16 planes, found 17"),
+            ({"memory": "hardware", "buffer": None}, "buffer: expected a list, found null"),
             ({"file": "a" * 101, "crc": ""}, "file: expected the name of a file in the recording's folder"),
             ({"file": "a b", "crc": ""}, "file: expected the name of a file in the recording's folder")):
         yield {**whole, "inputs": [{**image, **changed}]}, f"inputs[0].{problem}"

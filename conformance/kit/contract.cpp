@@ -12,14 +12,15 @@ constexpr char kText[] =
   RTLD_NOW, and never closes it. It calls the entry once for the process and once more for each
   client, each time with a zeroed table, possibly on two threads at once. It never calls reserved
   callables.
-- **Threads.** Every callable is called on Java threads, which are attached to the Java VM; block
-  operations also on threads on which the library calls back. Calls for different clients may run
-  at the same time; calls for one client run one at a time.
+- **Threads.** Every callable is called on Java threads, which are attached to the Java VM, and,
+  inside a callback, on the callback's thread. Calls for different clients may run at the same
+  time. Calls for one client run one at a time, except those that Java makes inside a callback.
 - **A client.** createClient requests version {version}. init follows with type 0 if Java asks for
   it. uninit is called for the types 1, 2, 3 and 5 in this order: with mode 1 or 2 when Java
   releases the client (mode 0 if Java passes no image format), and with mode 0 before the client
   is destroyed. The last calls for a client are flush, uninit with mode 0 and destroyClient,
-  whatever was called before. The handle is not used afterwards.
+  whatever was called before; for a client that exists only for a command, only destroyClient. The
+  handle is not used afterwards.
 - **A parameter block** is created before its request is submitted, and lives until the results
   are read: for a synchronous request, after its callback or after the wait; for a full-async one,
   when Java asks for them. If the request was never announced to Java, the block is destroyed with
@@ -27,8 +28,8 @@ constexpr char kText[] =
 - **A camera block** lives from before process until process returns. No block is used after
   destroyMetadata, which is called once for each.
 - **Values.** The memory passed to setValue may change once setValue returns. The memory passed to
-  getValue has exactly the size in the call, and contains the default value: if the library has no
-  such value, it must leave this memory unchanged. Sections and keys end with a zero byte. The
+  getValue has exactly the size in the call, and contains the default value: if the block has no
+  value for the key, the library must leave this memory unchanged. Sections and keys end with a zero byte. The
   service's values have up to 8482 bytes.
 - **The record** of process, with its lists, frames and handles, lives until process returns.
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
@@ -48,9 +49,9 @@ constexpr char kText[] =
   one for a synchronous request, one for an unknown request, one with an unknown name, one of fewer
   than 21 bytes, one whose name is longer than its data, and a light-stream event with a payload
   of fewer than {event} bytes.
-- **Results of calls** are ignored, except the handles of createClient and createMetadata, the
-  size of getSize, and the status of getValue and of the visitors' operations. A null client is
-  passed on like any other; a null block never reaches the library.
+- **Results of calls** are ignored, except the handles of createClient and createMetadata, and the
+  size of getSize. A null client is passed on like any other; a null block never reaches the
+  library.
 - **A missing callable** is skipped. This is logged, except for block operations other than
   createMetadata and destroyMetadata. Without getSize, process is skipped, too. An exception from a
   callable is caught at the call, logged, and counts as a failure; a Java exception left on the
@@ -62,8 +63,8 @@ constexpr char kText[] =
   `{key}`; the service reads {answer} bytes of it, up to the first zero byte.
 - **The library promises** in return, besides the lifetimes above:
   - **Pixels.** If input and output have the same format, width and height, every pixel of every
-    plane of every output is written, at the output's own strides, including an odd last column
-    and row of chroma. Inputs, padding, and bytes between planes and after an image stay
+    plane of every output is written, at the output's own strides, including the last chroma
+    column and row of an image with odd sides. Inputs, padding, and bytes between planes and after an image stay
     unchanged. These outputs may stay unwritten: one of another format or size, one of an unknown
     format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map the
     descriptor to access the memory. Equal requests give equal bytes, independent of the previous

@@ -14,7 +14,7 @@ struct PerfRow {
   double milliseconds = 0;    // from process() to the callback: the median of the repeated requests
   double noise = 0;           // median absolute deviation of the times
   int64_t peakKilobytes = 0;  // peak memory of the process, less its memory before the requests
-  int64_t threads = 0;        // most threads of the process, less those before the client was created
+  int64_t threads = 0;        // highest number of threads, less the number before the client was created
 };
 
 // Measures the library that the options name, in a child process, and prints a table or JSON. `algorithms`

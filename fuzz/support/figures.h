@@ -14,7 +14,7 @@ using test::openDescriptors;
 using test::residentBytes;
 
 // Returns the number of open descriptors. Waits two seconds at most until it is `expected`, because the
-// stand-in closes the descriptors of a request with a delay.
+// algorithm library closes a request's descriptors only after a delay.
 inline int settledDescriptors(int expected) {
   for (int i = 0; i < 2'000 && openDescriptors() != expected; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -30,7 +30,7 @@ inline uint64_t nextRequestId() {
   return id;
 }
 
-// Returns the number of requests with ids from `first` to `last` - 1 that are still in the map.
+// Returns the number of requests with ids from `first` to `last` - 1 that are in the map and not finished.
 inline int entriesBetween(uint64_t first, uint64_t last) {
   int count = 0;
   for (uint64_t id = first; id < last; ++id) {

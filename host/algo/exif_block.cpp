@@ -143,7 +143,7 @@ int flashOf(const ExifInfo& info) {
 
 // Returns the EXIF light source of a white balance preset; 0 if it has none.
 int lightSourceOf(int32_t awbMode) {
-  constexpr int kSources[] = {0, 0, 3, 2, 14, 1, 10, 0, 11};
+  constexpr int kSources[] = {0, 0, 3, 2, 16, 1, 10, 0, 11};
   const bool known = awbMode >= 0 && static_cast<size_t>(awbMode) < std::size(kSources);
   return known ? kSources[awbMode] : 0;
 }

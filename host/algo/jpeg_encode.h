@@ -9,7 +9,7 @@
 
 namespace orlu::standin {
 
-// Returns the file's bytes, in the highest quality that fits into `room` bytes. An image that is already a
+// Returns the file's bytes, in the highest of a few qualities that fits into `room` bytes. An image that is already a
 // JPEG is returned unchanged. Returns an empty vector if nothing fits, if encoding fails, and for formats
 // other than NV21, NV12, RGBA and JPEG.
 std::vector<uint8_t> encodeJpeg(const ImageView& image, const std::vector<uint8_t>& exif, size_t room);

@@ -10,7 +10,7 @@ namespace orlu::standin {
 namespace {
 
 constexpr std::chrono::seconds kFlushLimit{2};
-constexpr int32_t kUninitForGood = 0;  // for a client's destruction or an unknown format
+constexpr int32_t kUninitForGood = 0;  // the mode before a client is destroyed, or for an unknown format
 constexpr char kVersion[] = "orlu algorithm stand-in 1";
 constexpr char kParamFileCommand[] = "paramfile ";
 

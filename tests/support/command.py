@@ -8,7 +8,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 BUILD = Path(sys.argv[1]).resolve()
-# Environment variables that change the behaviour of ./run; the user may have set them.
+# Variables that the user may have set, and that would change results.
 SWITCHES = ("ANDROID_LOG_TAGS", "ORLU_ALGO_LIBRARY", "ORLU_ALGO_TRACE", "ORLU_EVENTS", "ORLU_PIXELS",
             "ORLU_PLANTED")
 failures = []

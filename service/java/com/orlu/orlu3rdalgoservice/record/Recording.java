@@ -73,7 +73,7 @@ public final class Recording {
         try {
             step.run();
         } catch (IOException | ErrnoException | RuntimeException | Error e) {
-            // Also catches Error: the code of a recorded value may exhaust memory or stack.
+            // Also catches Error: methods of a recorded value may exhaust memory or stack.
             mIsOver = true;
             boolean isWritten = writeReason(e);
             RequestRecorder.warn("recording of request " + idOf(mRequest) + " stopped: " + e
@@ -231,7 +231,7 @@ public final class Recording {
         return true;
     }
 
-    /** Runs the request and records its result; for a full-async request, only the status of this call. */
+    /** Runs the request and records its result; for a full-async request, only this call's status and times. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         int status = timed("processed", null,
@@ -245,7 +245,7 @@ public final class Recording {
     /** Fetches a full-async request's results and records them. */
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
-        // The service has put the native request's address into the first composition.
+        // The service has put the native request's id into the first composition.
         Map<String, Object> given = new LinkedHashMap<>();
         guard(() -> {
             Map<String, Object> first =

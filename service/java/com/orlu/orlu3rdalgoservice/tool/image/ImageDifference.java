@@ -85,7 +85,7 @@ public final class ImageDifference {
 
     /**
      * Compares two images with the same description. Returns null if an image can't be read with it, or if
-     * the sizes differ. `stride` is in bytes. The bytes of a JPEG must be its file, without unused memory.
+     * the sizes differ. `stride` is in bytes. The bytes of a JPEG must end with its file.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {

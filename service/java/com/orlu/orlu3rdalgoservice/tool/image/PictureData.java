@@ -21,7 +21,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
                 if (jpeg.length <= most) {
                     return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
                 }
-                // Lower qualities reduce the bytes by half at most.
+                // A lower quality would hardly fit, so encoding with it would waste time.
                 if (jpeg.length > 2L * most) {
                     break;
                 }

@@ -101,7 +101,7 @@ public final class ImageFindings {
         } else if (isUntouched) {
             wrong("untouched", Tab.MEMORY, "Nothing was written into %s: all its bytes are still 0."
                             .formatted(output.name()),
-                    "It appears black, because the algorithm library did not write it. The Timeline tab "
+                    "A viewer shows it black or green. The Timeline tab "
                             + "shows whether the library ran and called back; the Memory tab shows which "
                             + "buffer it received.");
         } else {
@@ -130,7 +130,7 @@ public final class ImageFindings {
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // Unless recorded, outputs are zeroed before the request, so rows that are still zero were not written.
+    // Outputs start as zeros, except in a replay, so rows that are still zero were not written.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {
@@ -158,7 +158,7 @@ public final class ImageFindings {
 
     private String cause(ImageExhibit output, int shear) {
         if (mExhibits.inputs().stream().anyMatch(ImageFindings::isSlanted)) {
-            return "The input is slanted, too: the stride of the request's own file is wrong.";
+            return "The input is slanted, too: the request states a wrong stride for its own file.";
         }
         PlaneUse written = output.memory().planes().get(0);
         if (written.usedPadding() > HALF * written.rows()) {

@@ -15,6 +15,8 @@ final class JpegBlocks {
     private static final int COMMENT = 0xfe;
     /** Bytes of a JFIF block before its thumbnail. */
     private static final int JFIF_HEADER = 18;
+    /** Bytes of the block that states how colours were transformed; decoders need it. */
+    private static final int COLOUR_TRANSFORM = 16;
 
     private final byte[] mBytes;
     private final byte[] mPlain;
@@ -26,8 +28,8 @@ final class JpegBlocks {
 
     /**
      * Returns a copy of the same size in which EXIF and other application blocks, thumbnails, comments, and
-     * bytes outside any block or after the picture are 0. Keeps colour profiles. Returns the array itself if
-     * there is nothing to blank or if it is not a JPEG.
+     * bytes outside any block or after the picture are 0. Keeps what decoders need for colours. Returns the
+     * array itself if there is nothing to blank or if it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -73,13 +75,16 @@ final class JpegBlocks {
         return end;
     }
 
-    // Returns how many bytes of a block to keep: a whole colour profile, a JFIF block up to its thumbnail,
-    // else the marker and the length.
+    // Returns how many bytes of a block to keep: a whole colour profile, the colour transform, a JFIF block up
+    // to its thumbnail, else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);
         if (at(mBytes, from + 1) == 0xe2 && name.equals("ICC_PROFILE")) {
             return end - from;
+        }
+        if (at(mBytes, from + 1) == 0xee && name.startsWith("Adobe")) {
+            return COLOUR_TRANSFORM;
         }
         if (at(mBytes, from + 1) == FIRST_APPLICATION && name.startsWith("JFIF\0")
                 && end - from >= JFIF_HEADER) {

@@ -99,7 +99,7 @@ public final class PrivateFacts {
         keepsText("the reason why an image was not kept", image.kept());
     }
 
-    /** Returns the members of a recorded request without private facts; "frames" and "trimmed" are Lists. */
+    /** Returns the members of a recorded request without private facts; its images are unchanged. */
     public Map<String, Object> request(Json root) throws MistakeException {
         Map<String, Object> request = new LinkedHashMap<>(root.members());
         request.remove("about");

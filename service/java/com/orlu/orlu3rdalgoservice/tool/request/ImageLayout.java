@@ -61,11 +61,11 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         int size = whole(image, "size", 0, RecordedFile.MOST_BYTES, 0);
         RecordedFile file = image.has("file")
                 ? RecordedFile.named(folder, image.get("file"), size, image.require("crc").string()) : null;
-        int[] buffer = memory.equals("hardware") ? numbers(image.require("buffer"), 3) : new int[0];
+        int[] buffer = memory.equals("hardware") ? numbers(image.require("buffer").list(3)) : new int[0];
         return new ImageLayout(image.require("format").string(),
                 whole(image, "width", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
                 whole(image, "height", Integer.MIN_VALUE, Integer.MAX_VALUE, 0),
-                numbers(image.require("rowStrides"), -1), numbers(image.require("planeSizes"), -1), memory,
+                planes(image.require("rowStrides")), planes(image.require("planeSizes")), memory,
                 buffer, size, file, image.has("kept") ? image.get("kept").string() : "",
                 whole(image, "frame", 0, Integer.MAX_VALUE, -1));
     }
@@ -76,14 +76,18 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return image.has(name) ? image.get(name).integer(least, most) : absent;
     }
 
-    private static int[] numbers(Json field, int count) throws MistakeException {
+    private static int[] planes(Json field) throws MistakeException {
         if (field.isNull()) {
             return null;
         }
-        List<Json> elements = count < 0 ? field.list() : field.list(count);
+        List<Json> elements = field.list();
         if (elements.size() > MOST_PLANES) {
             throw field.error("expected at most " + MOST_PLANES + " planes, found " + elements.size());
         }
+        return numbers(elements);
+    }
+
+    private static int[] numbers(List<Json> elements) throws MistakeException {
         int[] numbers = new int[elements.size()];
         for (int i = 0; i < numbers.length; ++i) {
             numbers[i] = elements.get(i).integer(Integer.MIN_VALUE, Integer.MAX_VALUE);

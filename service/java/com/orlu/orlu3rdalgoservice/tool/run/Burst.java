@@ -36,7 +36,7 @@ public final class Burst implements AutoCloseable {
     private final ServiceClient mClient;
     private final FrameSize mSize;
     private final List<ImageBuffer> mInputs = new ArrayList<>();
-    /** Fair, so that requests are sent in order. */
+    /** Fair, so that no call waits behind later ones. */
     private final ReentrantLock mClientLock = new ReentrantLock(true);
     private final CallbackInbox mInbox;
     private int mInFlight;

@@ -17,7 +17,7 @@ public final class Enumerations {
     private Enumerations() {
     }
 
-    /** The value with this name; -1 if the tag has no such name. */
+    /** The value with this name; -1 if there is none. A tag without a row counts as a flag. */
     public static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
     }

@@ -7,7 +7,7 @@ import org.junit.Test;
 
 import java.util.HexFormat;
 
-/** Tests the blanking of JPEG blocks. The files are in hexadecimal; in CASES, every byte 41 must become 0. */
+/** Tests the blanking of JPEG blocks. The files are in hexadecimal; in CASES, bytes 41 outside names must become 0. */
 public final class JpegBlocksTest {
     private static final String JFIF = "4a46494600 0101 00 0001 0001";
     private static final String TABLE = "ffdb 0004 0102";
@@ -27,6 +27,8 @@ public final class JpegBlocksTest {
             "ffd8 ffe0 0013" + JFIF + "0000 000000" + SCAN + "ffd9"},
         {"a JFXX block", "ffd8 ffe0 0008 4a4658580041" + SCAN + "ffd9",
             "ffd8 ffe0 0008 000000000000" + SCAN + "ffd9"},
+        {"bytes after a colour transform", "ffd8 ffee 0010 41646f6265 0064 0000 0000 00 4141" + SCAN + "ffd9",
+            "ffd8 ffee 0010 41646f6265 0064 0000 0000 00 0000" + SCAN + "ffd9"},
         {"a truncated block", "ffd8 ffe1 0040 4141", "ffd8 ffe1 0040 0000"},
         {"a block without length", "ffd8 ffe1 00", "ffd8 ffe1 00"},
         {"a block of length 0", "ffd8 ffe1 0000 41ffd9 41", "ffd8 ffe1 0000 00ffd9 00"},
