@@ -1,4 +1,4 @@
-// Benchmark of a request's time by its number of frames and by the number of tags per frame.
+// Benchmark of a request's time by number of frames and by number of tags per frame.
 
 #include "benches.h"
 #include "kinds.h"

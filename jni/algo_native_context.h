@@ -1,5 +1,5 @@
 // One client's connection to the algorithm library: the library's table of operations and the client handle
-// that it returned. The library is called only through this class and its table.
+// that it returned. Operations are called only through this class and its table.
 //
 // If the library lacks an operation, the call is skipped. A failure message is logged, except for getSize,
 // setRaw, setValue, getValue and the visits. An operation that throws is logged and counts as failed; a Java

@@ -29,8 +29,8 @@ void MetadataUpdater::updateAlgoType() {
   editAlgoList();
 }
 
-// Each step sees the list from before editAlgoList(), plus the names that earlier steps appended (Oddity 17).
-// If two steps write the same key, the later one wins.
+// Each step sees the list as earlier steps left it, before editAlgoList() (Oddity 17). If two steps write the
+// same key, the later one wins.
 void MetadataUpdater::updateAlgorithmParameters() {
   const bool isRaw = mShot.isRaw();
   if (isRaw) {

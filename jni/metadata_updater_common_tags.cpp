@@ -205,7 +205,7 @@ void MetadataUpdater::updateCommonTags() {
   writeMemoryKind(mShot);
 }
 
-// Answers the algorithms' requests for values from the shot's tags.
+// Lets the algorithms fetch values of the shot's tags.
 void MetadataUpdater::updatePreviewAlgoPrivateData2Shot() {
   paramSystemDownloadToAlgo([this](const char* section, const char* key, void* data, unsigned size) {
     return downloadPrivateData(mShot, section, key, data, size);

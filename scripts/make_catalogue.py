@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Writes the catalogue of tags and parameters. Finds by trial the parameters that depend on each tag, the
-functions that write each parameter, its value without tags, and the outcome of each sample's algorithms.
-Finds in the source the functions that read each tag.
+"""Writes the catalogue of tags and parameters. Runs the samples to find the parameters that depend on each
+tag, the functions that write each parameter, its value without tags, and the outcome of each sample's
+algorithms. Finds in the source the functions that read each tag.
 
 make_catalogue.py                     write service/java/.../tool/catalogue/catalogue.json, and docs/contract.md
 make_catalogue.py --texts             write both from tool/tags/, the samples and the previous findings
 make_catalogue.py --check             compare both with new findings, and write nothing
 make_catalogue.py --check SAMPLE...   check that no finding of these samples (names without .json) is missing
 
-A whole run takes about a minute. Needs a built ./run, or builds it; ORLU_BUILD names a build folder.
+A whole run takes about a minute. It first builds ./run, unless ORLU_BUILD names a build folder.
 """
 
 import argparse
@@ -73,7 +73,7 @@ def source_rows(tags):
             names[tag].add(SHOT + first.lower() + rest)
     rows = set()
     for file in sorted(jni.glob("*.cpp")):
-        # A constant of one file counts only in that file.
+        # A constant of a .cpp file counts only in that file.
         own = {tag: set(words) for tag, words in names.items()}
         for constant, tag in TAG_CONSTANT.findall(file.read_text()):
             own.get(tag, set()).add(constant)

@@ -1,4 +1,4 @@
-// conformance/result_reads.inc: the values that result translation reads, and their sizes.
+// Compares conformance/result_reads.inc with the values that result translation reads, and their sizes.
 
 #include <gtest/gtest.h>
 

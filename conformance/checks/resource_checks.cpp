@@ -1,4 +1,4 @@
-// Checks for leaks of descriptors, mappings, threads and memory by requests.
+// Checks that requests leak no descriptors, mappings, threads or memory.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -158,7 +158,7 @@ std::string listOf(const std::vector<std::string>& left) {
   return text;
 }
 
-// Runs requests with one format and layout. Fails the check for leaks and for wrong uses of descriptors.
+// Runs requests with one format and layout. Fails the check for leaks, and for wrong closes and unmaps.
 void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
   const Image input(shape, 1);
   const Image output(shape, 2);

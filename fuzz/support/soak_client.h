@@ -1,5 +1,5 @@
-// A client of the soak, on its own thread that is attached to the Java VM. Sends requests as planned, and
-// finishes announced requests.
+// A client of the soak, on its own thread, attached to the Java VM. Sends requests as planned, and finishes
+// announced requests.
 #pragma once
 
 #include <jni.h>

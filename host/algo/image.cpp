@@ -15,7 +15,7 @@ bool isSaneShape(int width, int height) {
          static_cast<int64_t>(width) * height <= kMaxPixels;
 }
 
-// Adds the plane if its last row ends inside the memory.
+// Adds the plane if its rows fit the stride and end inside the memory.
 bool addPlane(ImageView& view, uint8_t* memory, size_t capacity, uint64_t offset, const Plane& plane) {
   const uint64_t stride = plane.stride;
   const uint64_t end = offset + stride * static_cast<uint64_t>(plane.rows - 1) + plane.rowBytes();

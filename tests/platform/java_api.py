@@ -5,8 +5,8 @@ java_api.py [--level N] [--javap JAVAP] [--classes DIR] [--exceptions FILE] LIST
 
 LISTING declares every public class of the platform in TypeScript; "@since LEVEL" precedes each class and
 member newer than the oldest level. A member is found if, at level N, its class has or inherits a member that
-matches in name, arguments, result and "static". FILE lists the classes and members that LISTING lacks, with
-reasons: "NAME  reason" on each line, where NAME is written as in the reports.
+matches in name, arguments, result and "static". FILE lists the excepted classes and members, with reasons:
+"NAME  reason" on each line, where NAME is written as in the reports.
 """
 
 import argparse
@@ -200,7 +200,7 @@ def field_of(name, signature):
 
 
 def read_lookups(folder):
-    """Yields (file:line, class, member or None) for each lookup of the platform in jni/."""
+    """Yields (file:line, class, member or None) for each lookup in jni/."""
     row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
                      r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
     # A descriptor or class name outside a lookup; skips constants, which describe our own service's method.

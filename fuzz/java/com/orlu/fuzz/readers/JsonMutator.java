@@ -12,7 +12,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Random;
 
-/** Changes a JSON tree: Maps, Lists, and all other values as JSON text. The result can be invalid JSON. */
+/** Changes a JSON tree of Maps, Lists and, for all other values, JSON texts. May return invalid JSON. */
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
     private static final int LONG_TEXT = 5000;

@@ -37,12 +37,12 @@ public final class OutputReader {
         return !PlaneUse.hasData(mImage.bytes(), 0, mImage.bytes().capacity());
     }
 
-    /** The encoded bytes of a JPEG, else null. */
+    /** The encoded bytes of a readable JPEG, else null. */
     public byte[] jpeg() {
         return mJpeg;
     }
 
-    /** The samples of a raw image, else null. */
+    /** The samples of a readable raw image, else null. */
     public Mosaic mosaic() {
         return mMosaic;
     }

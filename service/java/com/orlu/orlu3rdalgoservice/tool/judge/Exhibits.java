@@ -123,7 +123,7 @@ public final class Exhibits {
         return mIsLost;
     }
 
-    /** Returns inputs, outputs and differences. "large" is absent if a picture exists only as a small one. */
+    /** Returns inputs, outputs and differences. An image has no "large" if only a small picture exists. */
     public Map<String, Object> json() {
         return JsonWriter.object("base", mBase, "hasBase", mHasBase, "baseNamedBy", mNamedBy,
                 "lost", mIsLost,

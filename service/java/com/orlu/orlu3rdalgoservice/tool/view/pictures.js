@@ -35,7 +35,7 @@ function picturesPanel() {
   return {element, compare};
 }
 
-// Returns a sentence on which input the outputs are compared with, and why.
+// Returns a sentence that explains which input the outputs are compared with, and why.
 function baseText(images) {
   if (!images.hasBase) return "Outputs are not compared, because no readable input belongs to the base frame.";
   return (
