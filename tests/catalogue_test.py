@@ -21,7 +21,7 @@ BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.
 # arguments | status | lines, or parts of the error, that must be printed
 CASES = """
 tags currentModeEx                | 0 | tag orlu.control.currentModeEx ; unit bits ; changes algorithms, parameter/hdr_process_type, parameter/hdr_shutters,
-tags currentModeEx                | 0 | values bit-2 The frame is one of an HDR bracket; wins over bit 8.
+tags currentModeEx                | 0 | values bit-2 The frame is one of an HDR bracket.
 tags aeExposure                   | 0 | tag android.control.aeExposureCompensation ; unit EV/10
 tags android.control.aeMode       | 0 | 3 ON_ALWAYS_FLASH. The flash fires: "flash_mode" becomes 1.
 tags orlu.control.motion_level    | 0 | when absent control/motion_level -1
