@@ -53,7 +53,10 @@ void CallObserver::after(const probe::WatchedCall& call, const probe::WatchedEnd
     const std::lock_guard<std::mutex> lock(mMutex);
     mThrown.push_back(wrong);
   }
-  if (call.process != nullptr && end.nanoseconds > mLongestProcess) mLongestProcess = end.nanoseconds;
+  if (call.process == nullptr) return;
+  for (int64_t longest = mLongestProcess; end.nanoseconds > longest;) {
+    if (mLongestProcess.compare_exchange_weak(longest, end.nanoseconds)) return;
+  }
 }
 
 std::vector<std::string> CallObserver::thrown() const {

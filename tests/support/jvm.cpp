@@ -24,10 +24,9 @@ bool splitOutput() {
   std::fflush(stdout);
   dup2(file, STDOUT_FILENO);
   close(file);
-  stdout = fdopen(terminal, "w");
-  setvbuf(stdout, nullptr, _IOLBF, 0);
   gVmOutput = path;
-  return stdout != nullptr;
+  stdout = fdopen(terminal, "w");
+  return stdout != nullptr && setvbuf(stdout, nullptr, _IOLBF, 0) == 0;
 }
 
 bool isComplaint(const std::string& line) {
