@@ -44,7 +44,7 @@ capture | lacks:process | unusable | lacks process
 capture | lacks:setValue | incomplete | ran without its parameters
 capture | answers:init | failed-call | init returned -22
 capture | empty | unreadable written-behind | a JPEG of size 0
-slanted | | stride | request's own file
+slanted | | stride | request states a wrong stride
 capture | oversized | past-end unreadable | exceed its memory by
 missing | | frame-missing | frame 1
 twice | | frame-twice | frame 2
