@@ -1,4 +1,4 @@
-"""Compares stand-in runs of all samples: without the probe, with the probe, and with recorded look-ups too.
+"""Compares stand-in runs of all samples: without the probe, with it, and with it recording tag look-ups.
 
 probe_ratio.py ROOT RUNS. Prints medians, and their ratios to the runs without the probe. Exits with 1 if a
 ratio is above 1.5.

@@ -1,5 +1,5 @@
 # Defines the target OrluAlgo::OrluAlgo: the interface that an algorithm library implements. Defines
-# OrluAlgo_KIT_DIR: the folder of the programs that check a library, one for each machine and C++ library.
+# OrluAlgo_KIT_DIR: the conformance kit's folder, with a program for each machine and C++ library.
 get_filename_component(OrluAlgo_PREFIX "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
 set(OrluAlgo_KIT_DIR "${OrluAlgo_PREFIX}/kit")
 if(NOT TARGET OrluAlgo::OrluAlgo)

@@ -16,7 +16,7 @@ struct ImageShape {
   int32_t width = 64;
   int32_t height = 48;
   int32_t padding = 0;      // bytes at the end of each row
-  int32_t paddingRows = 0;  // rows between the planes
+  int32_t paddingRows = 0;  // rows after the first plane
   bool isHardwareBuffer = false;
 };
 
@@ -55,8 +55,8 @@ public:
 
   // The record as the service builds it. The image keeps ownership of the descriptors.
   AlgoFrameInfo frame() const;
-  // Returns a native handle that the caller owns; null without a hardware buffer. It is allocated apart from
-  // the record, so that overwriting the record leaves it intact.
+  // Returns a native handle that the caller owns; null without a hardware buffer. Overwriting the record
+  // leaves the handle intact, because it is allocated separately.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
@@ -65,7 +65,7 @@ public:
   size_t size() const { return mSize; }
   // The bytes written at construction.
   const std::vector<uint8_t>& pattern() const { return mPattern; }
-  // Returns the rows of all planes in order. For formats without a known layout, the rows cover all bytes.
+  // Returns the rows of all planes in order. In formats without a known layout, they cover all but padding.
   std::vector<PixelRow> rows() const;
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }

@@ -40,8 +40,8 @@ void expectNothingWorks(AlgoNativeContext& context, test::LogCapture& log) {
       test::errorText(log, kContextTag));
 }
 
-// A single test, because the loader remembers the names of opened libraries: once the impostor is open, this
-// process can't find the library absent again.
+// A single test, because the loader remembers the names of opened libraries: once a library of this name is
+// open, the process finds it even without the file.
 TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   test::LogCapture log;
   const std::string noLibrary =

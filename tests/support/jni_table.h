@@ -1,5 +1,5 @@
 // Until destroyed, replaces an environment's JNI functions, to count calls and make lookups or calls fail.
-// Ignores calls inside native methods of the Java library, whose local references the VM frees on return.
+// Ignores calls by native methods of the VM, which frees their local references when they return.
 #pragma once
 
 #include <jni.h>

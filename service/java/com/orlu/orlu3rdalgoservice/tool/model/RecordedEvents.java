@@ -7,7 +7,7 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Events in recorded order. The begin and end events of each operation are paired. */
+/** Events in recorded order. The begin and end events of each call are paired. */
 public final class RecordedEvents {
     private final List<Event> mEvents = new ArrayList<>();
     private final List<Call> mCalls = new ArrayList<>();

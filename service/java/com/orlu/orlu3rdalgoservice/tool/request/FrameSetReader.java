@@ -34,7 +34,7 @@ final class FrameSetReader {
         mMistakes = field.mistakes();
     }
 
-    /** Reads the frames. Throws if their number is unknown. */
+    /** Reads the frames. Throws if the number of frames is unclear. */
     static FrameSetPlan read(Json field) throws MistakeException {
         return new FrameSetReader(field).set();
     }

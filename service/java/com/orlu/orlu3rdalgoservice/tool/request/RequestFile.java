@@ -13,7 +13,7 @@ import java.util.Map;
  * @param imageFormat the image format passed when the client is released, as the platform's number
  * @param properties  system properties to set before the request
  * @param fullAsync   whether processing returns before the algorithms are done
- * @param photo       the photo that the frames are made from; null if no input needs a photo
+ * @param photo       the photo that the frames are made from; null if none is given
  * @param frames      the frames' metadata, and how the frames are made from the photo
  * @param inputs      the input images; those of size 0 get the frames' size
  * @param outputs     the output images; those of size 0 get the frames' size

@@ -23,8 +23,8 @@ public final class RequestImages {
     }
 
     /**
-     * Returns the frames made from the photo; none if no input needs them. Throws if the photo can't be read
-     * or an image's size is invalid.
+     * Returns the frames made from the photo; none if no input needs them. Throws if the photo can't be used
+     * or an image's stride is too small.
      */
     public static List<SynthesisedFrame> frames(RequestFile request, Photos photos)
             throws MistakeException {

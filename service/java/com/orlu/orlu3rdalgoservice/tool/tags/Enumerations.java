@@ -6,7 +6,7 @@ import java.util.Map;
 
 /** The names that a dump prints for values of tags: the rows of enumerations.txt. */
 public final class Enumerations {
-    /** The names of the values of a flag. Flags have no rows in the file. */
+    /** The names of a flag's values. Flags have no rows in enumerations.txt. */
     private static final List<String> FLAG = List.of("FALSE", "TRUE");
     private static final Map<String, List<String>> NAMES = new HashMap<>();
 
