@@ -44,7 +44,7 @@ final class CatalogueCommand implements Subcommand {
                 .completionCandidates(() -> Candidates.of(mName).iterator()).build());
         spec.usageMessage().customSynopsis("./run " + mName + " [" + mLabel + "] [--json]")
                 .description(Catalogue.of(mName).help(),
-                        mLabel + " is part of a name. A full name prints everything about its entry.")
+                        mLabel + " is a name or part of one. A single match is printed in full.")
                 .footer("  ./run " + mName, "  ./run " + mName + " " + mExample);
     }
 
