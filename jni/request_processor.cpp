@@ -1,4 +1,4 @@
-// The native methods, except the two that process images: those are in request_processor_image.cpp.
+// RequestProcessor's methods, except those that process images: see request_processor_image.cpp.
 
 #include "request_processor.h"
 

@@ -82,9 +82,9 @@ compile() {
   mv "$folder/building" "$folder/built"
 }
 
-# build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. The tests
-# are configured with --tests, or if they were configured before. Prints progress; if the build fails, prints
-# all output of CMake and Ninja. Concurrent builds of a preset wait for each other.
+# build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. Configures
+# the tests with --tests, or if tests_of prints ON. Prints progress; if the build fails, prints all output of
+# CMake and Ninja. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

@@ -1,4 +1,4 @@
-// Stress test of the parameter store with eight threads.
+// Stress test: eight threads use parameter blocks at once.
 #pragma once
 
 namespace orlu::conform {

@@ -39,7 +39,7 @@ std::string grown(const char* what, int64_t by) {
 
 int64_t allocatedBytes() {
 #ifdef ORLU_SANITIZED
-  return 0;  // the sanitizer's leak check runs at exit
+  return 0;  // AddressSanitizer checks for leaks at exit
 #elif defined(__ANDROID__)
   // Bionic lacks mallinfo2(), but its mallinfo() already has size_t fields.
   return static_cast<int64_t>(mallinfo().uordblks);

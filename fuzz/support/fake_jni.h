@@ -1,5 +1,6 @@
 // A JNI environment without a VM. Ends the process on use of a deleted or null reference, and on a call with
-// an exception pending. Every object is an instance of every class, unless setChoices() makes IsInstanceOf() fail.
+// an exception pending. Every object is an instance of every class, unless setChoices() makes IsInstanceOf()
+// fail.
 #pragma once
 
 #include <jni.h>

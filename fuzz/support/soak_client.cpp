@@ -31,7 +31,7 @@ constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; twice the timeout
 constexpr char kCallbacksClass[] = "com/orlu/fuzz/Callbacks";
 
 thread_local Current* tCurrent = nullptr;
-// Callbacks that the library sends while it destroys this thread's client.
+// Callbacks to send while the library destroys this thread's client.
 thread_local const std::vector<HeldCallback>* tInDestroyClient = nullptr;
 
 jobject kept(jobject local) {

@@ -32,7 +32,7 @@ int64_t rowBytes(int width, int bits) {
 
 }  // namespace
 
-// LibRaw's damage messages are not printed; LibRaw counts them, and problem() reports them.
+// LibRaw prints no messages about damage; it counts errors, and problem() reports them.
 DngFile::DngFile(const char* path)
     : LibRaw(LIBRAW_OPIONS_NO_MEMERR_CALLBACK | LIBRAW_OPIONS_NO_DATAERR_CALLBACK) {
   set_exifparser_handler(&DngFile::noteTag, this);
@@ -123,8 +123,8 @@ bool DngFile::listBlocks() {
   return true;
 }
 
-// Returns the offset of a strip or tile. LibRaw stores the offset of a single strip or tile. For several
-// strips, it stores all offsets; for several tiles, only the position of the offset table.
+// Returns the offset of a strip or tile. If there is only one, LibRaw stores its offset; for several strips,
+// all offsets; for several tiles, only the position of the offset table.
 int64_t DngFile::blockOffset(size_t index) {
   if (isTiled() && tiling().count > 1) {
     const INT64 at = unsigned(mImage->offset);

@@ -31,8 +31,8 @@ readonly both=(
 readonly types_package=@nativescript/types-android@9.1.1
 
 # call_compiler COUNT FLAG...: runs the compiler with the device's settings, Android's headers and
-# Debian's C library, once for every COUNT arguments from standard input. The compiler must not
-# call bcmp(), which the device's C library lacks.
+# Debian's C library, once for every COUNT arguments from standard input. The compiled code must
+# not call bcmp(), which the device's C library lacks.
 call_compiler() {
   xargs -0 -P "$(nproc)" -n "$1" clang++ "${@:2}" \
     --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" -stdlib=libc++ -march=armv7-a+fp -mthumb \

@@ -59,8 +59,8 @@ struct GoldenCase {
   std::vector<GoldenLine> expectations;  // of a variation, without ">"
 };
 
-// Calls `read` for each line of a file except empty lines and comments. If `read` throws, throws
-// std::runtime_error with the file and the line.
+// Calls `read` for each line of a file except empty lines and comments. If `read` throws std::runtime_error,
+// adds the file and the line to its message.
 void readGoldenLines(const std::string& path, const std::function<void(const GoldenLine&)>& read);
 
 // This function and the next two throw std::runtime_error, with the file and the line, on syntax errors.

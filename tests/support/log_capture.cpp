@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<LogCapture*> gInnermost{nullptr};
 
-// The lines logged so far that have a source position, by priority, tag and text().
+// The lines captured so far that have a source position, by priority, tag and text().
 std::mutex gEverythingMutex;
 std::map<std::string, LogLine> gEverything;
 

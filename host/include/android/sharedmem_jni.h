@@ -8,8 +8,8 @@
 extern "C" {
 #endif
 
-// Returns a duplicate of the Java object's descriptor, which the caller closes. Returns -1 for null, a closed
-// object, or an object of another class.
+// Returns a duplicate of the Java object's descriptor; the caller closes the duplicate. Returns -1 for null,
+// a closed object, or an object of another class.
 int ASharedMemory_dupFromJava(JNIEnv* env, jobject sharedMemory);
 
 #ifdef __cplusplus

@@ -7,7 +7,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.IntStream;
 
-/** The algorithm library for trials. The native library must use the same file. */
+/** The algorithm library for trials. This class and the native library must load the same file. */
 final class TrialLibrary {
     /** The parts of a write: section, key and value. */
     private static final int PARTS = 3;

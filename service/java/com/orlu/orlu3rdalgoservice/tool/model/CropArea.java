@@ -14,7 +14,7 @@ public record CropArea(int x, int y, int width, int height) {
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
 
-    /** Parses "WIDTH,HEIGHT" or "X,Y,WIDTH,HEIGHT"; throws IllegalArgumentException otherwise. */
+    /** Parses "WIDTH,HEIGHT" or "X,Y,WIDTH,HEIGHT"; throws IllegalArgumentException for an invalid area. */
     public static CropArea parse(String text) {
         if (!text.matches("\\d{1,6},\\d{1,6}(,\\d{1,6},\\d{1,6})?")) {
             throw new IllegalArgumentException(

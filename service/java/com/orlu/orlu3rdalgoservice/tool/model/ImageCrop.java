@@ -126,7 +126,7 @@ final class ImageCrop {
                 mImage.memory().equals("none") ? 0 : size, mImage.file(), mImage.kept(), mImage.frame());
     }
 
-    /** The description of the cropped image. It still has the original's file. */
+    /** The description of the cropped image. It still names the original's file. */
     ImageLayout image() {
         return mCropped;
     }

@@ -31,7 +31,7 @@ public final class PageFolder {
     private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
-    /** `requests` is the number of requests. The folder is created with the first page. */
+    /** `requests` is the number of requests. The folder is created with the first file. */
     public PageFolder(Path folder, int requests) {
         mFolder = folder;
         mIsPart = requests == 1 && System.getenv(WorkFolder.PAGES) != null;
