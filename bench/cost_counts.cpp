@@ -20,7 +20,7 @@ constexpr char kHeader[] =
     "the\n"
     "# largest number of local references at one time, and lines of the log at full verbosity. The counts of "
     "a\n"
-    "# full-async request include both of its native calls. docs/cost.md has the same counts, and times.\n";
+    "# full-async request include both of its native calls. docs/cost.md has the main counts, and times.\n";
 
 constexpr struct {
   const char* name;

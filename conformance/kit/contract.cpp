@@ -29,8 +29,8 @@ constexpr char kText[] =
   destroyMetadata, which is called once for each.
 - **Values.** The memory passed to setValue may change once setValue returns. The memory passed to
   getValue has exactly the size in the call, and contains the default value: if the block has no
-  value for the key, the library must leave this memory unchanged. Sections and keys end with a zero byte. The
-  service's values have up to 8482 bytes.
+  value for the key, the library must leave this memory unchanged. Sections and keys end with a
+  zero byte. The service's values have up to 8482 bytes.
 - **The record** of process, with its lists, frames and handles, lives until process returns.
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
   process returns, even if its callback is still to come. The descriptor passed to
@@ -50,8 +50,8 @@ constexpr char kText[] =
   than 21 bytes, one whose name is longer than its data, and a light-stream event with a payload
   of fewer than {event} bytes.
 - **Results of calls** are ignored, except the handles of createClient and createMetadata, and the
-  size of getSize. A null client is passed on like any other; a null block never reaches the
-  library.
+  size of getSize. A null client is passed on like any other; no block operation gets a null
+  block.
 - **A missing callable** is skipped. This is logged, except for block operations other than
   createMetadata and destroyMetadata. Without getSize, process is skipped, too. An exception from a
   callable is caught at the call, logged, and counts as a failure; a Java exception left on the
@@ -64,13 +64,13 @@ constexpr char kText[] =
 - **The library promises** in return, besides the lifetimes above:
   - **Pixels.** If input and output have the same format, width and height, every pixel of every
     plane of every output is written, at the output's own strides, including the last chroma
-    column and row of an image with odd sides. Inputs, padding, and bytes between planes and after an image stay
-    unchanged. These outputs may stay unwritten: one of another format or size, one of an unknown
-    format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map the
-    descriptor to access the memory. Equal requests give equal bytes, independent of the previous
-    contents of memory and of previous requests.
-  - **Values.** A block stores {values} values; sections and keys have up to 120 letters and are
-    compared whole. Several threads may use blocks at once, also the same block.
+    column and row of an image with odd sides. Inputs, padding, and bytes between planes and after
+    an image stay unchanged. These outputs may stay unwritten: one of another format or size, one of
+    an unknown format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map
+    the descriptor to access the memory. Equal requests give equal bytes, independent of the
+    previous contents of memory and of previous requests.
+  - **Values.** A block stores {values} values; sections and keys have up to 120 characters and
+    are compared whole. Several threads may use blocks at once, also the same block.
   - **Clients.** destroyClient returns when all work for the client has stopped, and releases the
     client's threads, descriptors and memory. After uninit with mode 1 or 2, init makes the client
     work again. Calls for one client do not affect the others.
@@ -83,7 +83,7 @@ constexpr char kText[] =
   - **Resources.** The library closes each descriptor that it opens exactly once, and no other
     descriptor. A request leaks nothing, not even one byte.
 - **The end of the process** is announced by a call of command with the data `{kill}` and a
-  zero byte. The service does not wait then.
+  zero byte. The process then ends without waiting for requests.
 )";
 
 void replace(std::string& text, const std::string& name, const std::string& value) {
