@@ -1,4 +1,4 @@
-// Counts of a request's cost, which are equal in every run.
+// The cost of a request as counts, which are equal in every run.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ namespace orlu::bench {
 // C++ heap, "debug_lines" and "error_lines" for the lines of the log at full verbosity.
 using Counts = std::map<std::string, int64_t>;
 
-// Runs the shot a few times and returns its counts. The counts of a full-async request include both of its
-// calls.
+// Runs the shot a few times and returns the counts of one run. Those of a full-async request include
+// processImageUpdateResult().
 Counts countsOf(RequestRunner& runner);
 
 }  // namespace orlu::bench

@@ -30,7 +30,7 @@ __tagOrluRect mappedToImage(const __tagOrluRect& rect, _tagOrluSize active, _tag
 
 __tagOrluRect zoomedAboutCentre(const __tagOrluRect& rect, _tagOrluSize image, float zoom);
 
-// Clamps left and top to 0, right and bottom to the image's size. Opposite sides may end up crossed.
+// Raises left and top to 0, lowers right and bottom to the image's size. Opposite sides may end up crossed.
 void clampToImage(__tagOrluRect& rect, _tagOrluSize image);
 // If left and right, or top and bottom, are crossed, sets both to 0.
 void emptyIfCrossed(__tagOrluRect& rect);

@@ -60,7 +60,7 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   }
 }
 
-// The classes of each frame's objects are checked once. An object of another class is not used.
+// A frame's object is checked once if it has the right class, and is never used otherwise.
 TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
   const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
   const std::vector<jobject> compositions = {compositionWith("i", javaInt(4)), javaString("composition"),

@@ -23,7 +23,7 @@ std::string withoutFacts(const std::string& jpeg) {
   return i < jpeg.size() ? jpeg.substr(i) : jpeg;
 }
 
-// Blanks times of day in the form of EXIF ("2026:11:26 15:23:50"), because any output may contain a JPEG.
+// Zeroes times in EXIF's form ("2026:11:26 15:23:50"), because any output may contain a JPEG.
 std::string withoutTimes(std::string bytes) {
   constexpr std::string_view kForm = "0000:00:00 00:00:00";
   const auto isLike = [](char form, char byte) {
@@ -38,8 +38,8 @@ std::string withoutTimes(std::string bytes) {
 
 class Repeats {
 public:
-  // Runs a request. Returns its output's bytes without padding and times of day (jpegEncode: without EXIF
-  // data); "" if the callback is missing.
+  // Runs a request. Returns its output's bytes without padding and with times zeroed (jpegEncode: without
+  // EXIF data); "" if the callback is missing.
   std::string run(const std::string& algorithm, const ImageShape& shape) {
     const Image input(shape, 5);
     const Image output(algorithm == "jpegEncode" ? ImageShape{kFormatJpeg, 256, 256, 0, 0, false} : shape,
@@ -75,7 +75,7 @@ public:
     request.outputs = {&output};
     submit(mScene.client, mScene.inbox, mScene.parameters, request);
     mScene.inbox.waitFor(mLast);
-    // A picture of the same size, for a library that keeps buffers by size.
+    // A picture of the default size, for a library that keeps buffers by size.
     const Image same({}, 133);
     request.nativeReq = ++mLast;
     request.inputs = {&same};

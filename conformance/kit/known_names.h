@@ -1,4 +1,4 @@
-// Sections, keys and algorithms of the service. The build generates parameter_sizes.inc and
+// Sections, keys and algorithms for the checks. The build generates parameter_sizes.inc and
 // algorithm_names.inc from the service's sources; a test can rewrite result_reads.inc.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace orlu::conform {
 
-// A value that result translation reads, and the exact size of this read.
+// A value that result translation reads, and the exact number of bytes read.
 struct ResultRead {
   const char* section;
   const char* key;

@@ -5,8 +5,8 @@
 
 namespace orlu::standin {
 
-// Mirrors left to right, in place. Raw images swap pairs of columns, which keeps the Bayer pattern. Returns
-// false for an opaque image.
+// Mirrors left to right, in place. Raw images are mirrored in pairs of columns, which keeps the Bayer
+// pattern. Returns false for an opaque image.
 bool mirrorLeftRight(const ImageView& image);
 
 // Returns the image scaled bilinearly. Returns an empty picture if the image is neither NV21 nor NV12, or if

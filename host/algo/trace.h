@@ -1,5 +1,5 @@
-// Appends a line of JSON per finished request to the file that ORLU_ALGO_TRACE names, with facts that only an
-// algorithm library knows. Writes nothing if the variable is not set.
+// Appends a line of JSON per finished request, with facts that only an algorithm library knows, to the file
+// in ORLU_ALGO_TRACE. Writes nothing if the variable is not set.
 #pragma once
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace orlu::standin {
 
 class Trace {
 public:
-  // Reads the environment variable; later lines are appended to the file that it names.
+  // Reads ORLU_ALGO_TRACE; later lines are appended to its file.
   void open();
   void done(uint64_t nativeReq, const RunReport& report);
 

@@ -47,7 +47,7 @@ void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* sampl
 
 #define DNG_FILE(method) Java_com_orlu_orlu3rdalgoservice_tool_imagefile_DngFile_##method
 
-// Returns width, height and bits; null with an IOException.
+// Returns width, height and bit depth; null with an IOException.
 extern "C" JNIEXPORT jintArray JNICALL DNG_FILE(nDescribe)(JNIEnv* env, jclass, jbyteArray path) {
   jintArray described = nullptr;
   withFile(env, path, [env, &described](const orlu::host::DngFile& file) {

@@ -27,7 +27,7 @@ public:
   }
 
 private:
-  // Tries again for every table until the library can be opened, as the service does without a probe.
+  // Tries again at each call of the entry until the library opens, as the service does without a probe.
   RealLibrary::Entry realEntry(const void* caller) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mEntry == nullptr) mEntry = mRecorder.load(caller).entry;

@@ -1,4 +1,4 @@
-// Data of a result callback: 8 unused bytes, request (8 bytes), length of the name (4 bytes), name, payload.
+// Data of a result callback: 8 unused bytes, nativeReq (8 bytes), length of name (4 bytes), name, payload.
 #pragma once
 
 #include <cstdint>

@@ -66,7 +66,7 @@ FIELD(JavaVMAttachArgs, group);
 #define VM_OFFSET(name) \
   static_assert(offsetof(ours::JNIInvokeInterface_, name) == offsetof(::JNIInvokeInterface, name), #name)
 #define VM_SLOT(name) FIELD_AS(ours::JNIInvokeInterface_, ::JNIInvokeInterface, name)
-// All functions in Android's table, generated from its header.
+// All functions of Android's JNINativeInterface, generated from its header.
 #include "jni_slots.inc"
 
 VM_SLOT(DestroyJavaVM);

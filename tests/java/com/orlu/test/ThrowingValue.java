@@ -4,7 +4,7 @@ package com.orlu.test;
 public final class ThrowingValue {
     private final String mWhat;
 
-    /** Selects what toString() throws: an "exception", or the error for exhausted "memory" or "stack". */
+    /** toString() exhausts the heap ("memory") or the stack ("stack"), else throws an exception. */
     public ThrowingValue(String what) {
         mWhat = what;
     }

@@ -15,7 +15,7 @@ import java.util.regex.Pattern;
 /**
  * The end of a command.
  *
- * @param status  its exit status; -1 if it threw or hangs
+ * @param status  its exit status; -1 if it threw or hung
  * @param printed its output on both streams
  * @param problem its fault, in the same words for all mutants that cause this fault; empty if there is none
  */

@@ -13,7 +13,7 @@ import java.util.Map;
 import java.util.Set;
 import java.util.zip.CRC32;
 
-/** The folder of one recording. Each JSON object is written to its own file. */
+/** The folder of one recording. */
 final class RecordFolder {
     /** The inputs, in the form of a request file; written before the request runs. */
     static final String REQUEST = "request.json";
@@ -112,8 +112,8 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file with this checksum into the folder, or deletes it if writeBytes() has written a file of
-     * the same checksum and size. Deletes a new file that exceeds the size limit, and returns false.
+     * Moves a file with this checksum into the folder. Deletes it instead if writeBytes() has written a file
+     * of the same checksum and size, or if it exceeds the size limit. Returns false in the second case only.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

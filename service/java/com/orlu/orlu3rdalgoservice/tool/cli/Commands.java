@@ -66,7 +66,7 @@ final class Commands {
     }
 
     /**
-     * Returns the subcommand with its options set. If the arguments request help or the version, prints that
+     * Returns the subcommand with its options set. If the arguments request help or the version, prints it
      * and returns null. Throws an IllegalArgumentException with a message for the user.
      */
     static Subcommand parse(String[] arguments) {

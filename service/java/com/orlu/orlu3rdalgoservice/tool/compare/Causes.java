@@ -26,7 +26,7 @@ public final class Causes {
 
     private final List<GivenTag> mGiven;
     private final List<Dependences> mRuns;
-    /** The dependences on each tag, in both runs. Tags that neither run reads are absent. */
+    /** The dependences on each tag that the trials of any run tested. */
     private final Map<Place, List<Dependence>> mTags = new HashMap<>();
 
     /** `given` are the tags that differ; `runs` are the dependences that the trials of each run found. */

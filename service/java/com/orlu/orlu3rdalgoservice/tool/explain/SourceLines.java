@@ -45,9 +45,9 @@ public final class SourceLines {
     }
 
     /**
-     * Returns the most specific source line of each call: of the lines on its stack, the one that the fewest
-     * kinds of calls share, or the innermost of several such lines. This skips lines that all calls pass
-     * through. An element is null if no line of its call is known.
+     * Returns each call's most specific source line: the line of its stack that the fewest kinds of calls
+     * share; the innermost if there are several. This skips lines that all calls pass through. An element is
+     * null if no line of its call is known.
      */
     public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
@@ -71,7 +71,7 @@ public final class SourceLines {
     }
 
     // Templates in headers write the rows of all tables, so a line of a header does not identify the row.
-    // Returns such lines only if there are no others.
+    // Returns lines of headers only if there are no others.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();

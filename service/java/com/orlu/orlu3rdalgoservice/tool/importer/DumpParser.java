@@ -87,8 +87,8 @@ final class DumpParser {
         mAnnounced = -1;
     }
 
-    // If a line lacks its closing bracket, its last value may lack digits and is dropped, unless a blank
-    // follows it or it is a rational, which ends with a parenthesis.
+    // If the closing bracket is missing, the last value may lack digits and is dropped. It is complete if a
+    // blank follows, or if it is a rational, which ends with a parenthesis.
     private void addValues(DumpEntry entry, String line, int number) {
         if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
             return;

@@ -136,7 +136,7 @@ final class DumpTags {
         return entry.values().get(0);
     }
 
-    // Converts NaN and infinities from the dump's C notation to the Java notation of request files.
+    // Accepts known names. NaN and infinities have C notation in the dump, Java notation in request files.
     private static Object number(DumpEntry entry, String text) throws MistakeException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {

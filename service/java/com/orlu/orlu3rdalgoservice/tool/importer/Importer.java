@@ -15,8 +15,8 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Collects frames and pictures from files. A picture is recognised by its extension, an image test's JSON by
- * a leading brace. Any other text file is a dump, any other file contains pixels without a header.
+ * Collects frames and pictures from files. A picture is recognised by its extension, the JSON of a camera
+ * image test by a leading brace. Any other text is a dump; any other bytes are pixels without a header.
  */
 public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -74,8 +74,8 @@ public final class Importer {
     }
 
     /**
-     * The frames of dumps and JSON files. If there are none, a frame for each picture file read, with the
-     * values of its EXIF block, if any.
+     * The frames of dumps and JSON files. If there are none, a frame for each picture passed to read(), with
+     * the values of its EXIF block, if any.
      */
     public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;

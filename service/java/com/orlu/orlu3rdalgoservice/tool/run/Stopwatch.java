@@ -61,7 +61,7 @@ public final class Stopwatch {
         mIsMarking = isMarking;
     }
 
-    /** Marks the start of a stage, which ends at the next mark; stages of time() may lie inside. */
+    /** Marks the start of a stage, which ends at the next mark and may contain calls of time(). */
     public void mark(String stage) {
         if (mIsMarking) {
             mMarks.add(Mark.now(stage));
