@@ -72,7 +72,7 @@ def reads_dump():
     expect("dump's images", [["night", "jpegEncode"], {"format": "NV21"}, [{"format": "JPEG"}]],
            [shot["algorithms"], shot["inputs"], shot["outputs"]])
     expect("dump's notes", [
-        "6: note: android.control.afMode dropped; not a number or a known name: \"SIDEWAYS\"",
+        "6: note: android.control.afMode dropped; neither a number nor a known name: \"SIDEWAYS\"",
         "14: note: android.control.aeLock dropped; unknown tag 10002",
         "24: note: android.lens.focalLength dropped; wrong type: int64 instead of float",
         "39: note: android.statistics.lensShadingMap dropped; incomplete entry: 16 of 884 values are printed",
@@ -227,7 +227,7 @@ def limits_foreign_files():
         ("slow.txt", (result + "." * 900000 + "\n").encode(), "1 frames with 1 tags"),
         ("large.txt", b"a\n" * (5 << 20), "expected at most 8388608 bytes for a dump, found 10485760"),
         ("esc.txt", (result + " android.control.aeMode (1): byte[1]\n [\x1b[2J\x9b\u202e]\n").encode(),
-         "not a number or a known name: \"\\u001b[2J\\u009b\\u202e\""),
+         "neither a number nor a known name: \"\\u001b[2J\\u009b\\u202e\""),
         ("esc.json", json.dumps({"captureResult": {"a\x1b[2J": 1}}).encode(),
          "a\\u001b[2J dropped; unknown tag"),
         ("many.json", json.dumps({"captureResults": [{}] * 1000, "outputs": [7] * 2000}).encode(),

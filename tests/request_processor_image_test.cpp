@@ -136,7 +136,7 @@ TEST_F(RequestProcessorImageTest, ResultsOfAnUnknownRequest) {
   EXPECT_EQ(0, updateResult(0x7000'0000'0000'0000));
   EXPECT_EQ(-1, result("orlu.feedback.hdrChoosedFrame"));
   EXPECT_EQ(0, result());
-  EXPECT_EQ("", mTrace) << "the library was called without a block";
+  EXPECT_EQ("", mTrace) << "the algorithm library was called without a block";
   EXPECT_EQ(1, debugLines("update result algo list: hdr, reqId = 8589934593, nativeReq 8070450532247928832 "
                           "getAlgoListResult 0"));
 }

@@ -118,7 +118,7 @@ record Outcome(int status, String printed, String problem) {
             Files.writeString(Path.of("/proc/self/clear_refs"), "5");
             return peak();
         } catch (IOException e) {
-            throw new IllegalStateException("the peak of the memory can't be reset", e);
+            throw new IllegalStateException("can't reset the memory peak", e);
         }
     }
 
@@ -133,6 +133,6 @@ record Outcome(int status, String printed, String problem) {
         } catch (IOException e) {
             throw new IllegalStateException(e);
         }
-        throw new IllegalStateException("/proc/self/status names no VmHWM");
+        throw new IllegalStateException("/proc/self/status has no VmHWM");
     }
 }

@@ -147,7 +147,7 @@ final class DumpTags {
         }
         // The dump prints no exponents.
         if (!text.matches("-?\\d{1,310}(\\.\\d{1,20})?")) {
-            throw damaged("not a number or a known name: \"" + text + "\"");
+            throw damaged("neither a number nor a known name: \"" + text + "\"");
         }
         return entry.type().equals("byte") ? (Object) byteOf(entry, text) : new BigDecimal(text);
     }
