@@ -45,7 +45,7 @@ TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
   EXPECT_EQ(1024U, request.captureResults().size());
 }
 
-// Without the reservation, -Xcheck:jni prints a warning, which fails this program after the last test.
+// Without the reservation, -Xcheck:jni prints a warning, and this program fails after the last test.
 TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   jobject images = copies(100, test::newSmallImage());
   jobject compositions = copies(100, test::newComposition());

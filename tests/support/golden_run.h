@@ -15,7 +15,7 @@ namespace orlu::test {
 
 struct GoldenRun {
   std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
-  std::vector<std::string> after;   // the lines that a text has below [after]
+  std::vector<std::string> after;   // lines in the form of a text's [after]
   // Other facts that variations can expect: unchanged outputs, "output none", "no skip", "rawnr" (the HDR
   // type and the night frame's index), and "format" (the first input's format, and whether it is raw).
   std::vector<std::string> more;

@@ -37,7 +37,7 @@ public final class HeldValue {
     private HeldValue() {
     }
 
-    /** Returns the name that request files use for values of a class; null if the class has no name. */
+    /** Returns the name that request files use for values of a class; null if there is none. */
     public static String typeName(Class<?> stored) {
         return TYPE_NAMES.get(stored);
     }

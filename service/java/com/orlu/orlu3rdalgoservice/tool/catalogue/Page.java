@@ -67,7 +67,7 @@ public final class Page {
         return starts;
     }
 
-    /** Prints all fields of one entry. */
+    /** Prints the fields of one entry. */
     public void detail(String part, Json entry) {
         mTo.println(Catalogue.of(part).one() + " " + Catalogue.name(entry));
         entry.entries().forEach((field, value) -> {
@@ -87,7 +87,7 @@ public final class Page {
         }
         int longest = value.elements().stream().mapToInt(element -> first(element).length()).max().orElse(0);
         for (Json element : value.elements()) {
-            // The first value of a record is its key. The other values are aligned in a column.
+            // The first value of a record is its key. Keys form a column unless one is too long.
             boolean isKeyed = element.entries().size() > 1 && longest <= LONGEST_KEY;
             String key = isKeyed ? TextLayout.label(first(element), longest + GAP) : "";
             String text = Catalogue.text(element);

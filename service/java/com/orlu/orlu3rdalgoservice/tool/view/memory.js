@@ -1,4 +1,4 @@
-// The memory of each image to scale: planes with their rows and padding, and the bytes after them.
+// Draws each image's memory to scale: planes with their rows and padding, and the bytes after them.
 
 const DRAWING_WIDTH = 320;
 const LEAST_PADDING = 4;

@@ -298,7 +298,7 @@ function niceStep(least) {
   return [1, 2, 5, 10].map(factor => factor * power).find(step => step >= least);
 }
 
-// Formats a time in microseconds.
+// `time` is in microseconds.
 function timeText(time) {
   if (time >= 1e6) return (time / 1e6).toFixed(2) + " s";
   return time >= 1000 || time === 0

@@ -11,7 +11,7 @@ import java.io.PrintStream;
 
 import org.junit.Test;
 
-/** Tests the comparison of values of two runs, and the lines that report it. */
+/** Tests the comparison of two runs' values, and the printed differences. */
 public final class ValuesTest {
     private static Json json(String text) throws MistakeException {
         return text == null ? null : Json.parse("f", 1, text);

@@ -7,7 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import org.junit.Test;
 
-/** Tests which descriptions from an algorithm library are rejected. */
+/** Tests which image descriptions from an algorithm library are rejected. */
 public final class OutputReaderTest {
     @Test
     public void rejectsRowsShorterThanTheirPixels() {
