@@ -1,4 +1,4 @@
-// Measures four shots, with and without tags, synchronous and full-async, and the lower bound of each.
+// Times four shots, with and without tags, synchronous and full-async, and the JNI calls of each alone.
 
 #include "benches.h"
 #include "counts.h"

@@ -7,7 +7,7 @@
 
 namespace orlu {
 
-// Slots of the algorithms' tables of HDR frames.
+// Number of HDR frames in the algorithms' tables.
 constexpr size_t kHdrSlots = 6;
 using HdrFrameIndex = std::array<int32_t, kHdrSlots>;
 

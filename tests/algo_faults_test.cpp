@@ -20,7 +20,7 @@ using test::putKey;
 
 class AlgoFaultsTest : public test::RequestScene {
 protected:
-  // Calls the other natives, and releases the client without destroying it.
+  // Flushes, aborts, queries and translates a file. Then releases the client without destroying it.
   void callTheRest() {
     RequestProcessor::flush(env(), mInst, nullptr, nullptr);
     putKey(mCompositions[0], "AbortKey", test::javaString("orlu.control.frameFlag"));
@@ -120,7 +120,7 @@ protected:
     mAlgo.use();
     native([&] { mInst = RequestProcessor::create(env(), nullptr); });
     native([&] { RequestProcessor::init(env(), mInst, nullptr); });
-    // Without an entry there are no operations, so a synchronous request would wait for the full timeout.
+    // If the entry throws, there are no operations, so a synchronous request would wait for the full timeout.
     const bool isOffered = mAlgo.script.throwing.count("AlgoInterfaceEntry") == 0;
     if (isOffered) native([&] { EXPECT_EQ(0, process()); });
     native([&] { EXPECT_EQ(0, process(1)); });

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.run;
 import java.util.List;
 
 /**
- * Results on the images of a run.
+ * Results about the images of a run.
  *
  * @param files    a line about each written file
  * @param measures the similarity of outputs to the clean photo, where known

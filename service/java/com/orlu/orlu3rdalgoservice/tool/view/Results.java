@@ -21,7 +21,7 @@ import javax.xml.stream.XMLStreamException;
 import javax.xml.stream.XMLStreamWriter;
 
 /**
- * A command's results for programs: as JSON (docs/results.schema.json), and as JUnit, with one test per
+ * Machine-readable results of a command: JSON (docs/results.schema.json), and JUnit with one test per
  * result.
  */
 public final class Results {
@@ -62,7 +62,7 @@ public final class Results {
         }
     }
 
-    /** Returns the verdict of a result in JSON. */
+    /** Parses the verdict of a JSON result. */
     public static Verdict verdict(Json result) throws MistakeException {
         Json verdict = result.require("verdict");
         return new Verdict(verdict.require("status").integer(0, 255), verdict.require("reasons").strings());
