@@ -21,8 +21,8 @@ function memoryPanel() {
       h(
         "p",
         null,
-        "Each plane is drawn to scale: each row of the drawing is a row of bytes, with its padding on the right. " +
-          "The bar below is the whole memory from its first byte to its last.",
+        "Planes are drawn to scale: each row of the drawing is a row of bytes, with its padding on the right. " +
+          "The bar below them is the whole memory from its first byte to its last.",
       ),
       data.images.lost ? h("p", null, LOST) : null,
       h(
@@ -230,7 +230,7 @@ function memoryBar(layout, top) {
   );
   if (layout.usedBehind > 0) {
     parts.push(
-      box(layout.firstBehind, layout.memory, "var(--wait)", "bytes after the planes that are not 0"),
+      box(layout.firstBehind, layout.memory, "var(--wait)", "bytes after the planes, not all 0"),
     );
   }
   if (layout.missing > 0) parts.push(box(layout.memory, whole, "var(--wrong)", "past the end"));

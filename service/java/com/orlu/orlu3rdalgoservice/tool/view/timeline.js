@@ -50,7 +50,7 @@ class TimelineView {
           swatch("request", "translation, results"),
           swatch("wait", "waiting"),
           swatch("algorithms", "algorithms"),
-          swatch("library", "one call"),
+          swatch("library", "library call"),
           swatch("wrong", "has not returned"),
         ),
       ),
