@@ -119,7 +119,7 @@ public final class RecordingSummary {
         line("put", puts + " values into " + mRun.puts().size() + " frames");
         printImages("result", mRun.results());
         printHanded(mRun.handed());
-        // The callback of a full-async request returns after its results were fetched.
+        // A full-async request's callback may be open in a complete recording: it returns after the results.
         if (!mRun.isComplete()) {
             mRun.events().open().forEach(call -> line("open", call.operation() + " has not returned"));
         }
