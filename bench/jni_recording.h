@@ -1,4 +1,4 @@
-// A recorded sequence of JNI calls. A replay's time is a lower bound for the code that made the calls.
+// A recorded sequence of JNI calls. A replay's time is a lower bound for the calling code's time.
 // Objects, strings and buffers are in numbered slots. A call that returns an object stores it in a slot for
 // later calls, so each replay uses its own objects.
 #pragma once
@@ -50,8 +50,8 @@ class JniRecording {
 public:
   JniRecording();
 
-  // Replays the calls in [first, last) on the thread that owns their objects. All earlier calls must have
-  // been replayed.
+  // Replays the calls in [first, last). Must run on the thread that owns their objects, and after a replay of
+  // all earlier calls.
   void replay(JNIEnv* env, size_t first, size_t last);
 
   size_t size() const { return mCalls.size(); }

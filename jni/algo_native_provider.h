@@ -1,4 +1,4 @@
-// Loads the algorithm interface library once per process and fills in tables of its operations.
+// Loads the algorithm library once per process and fills in tables of its operations.
 #pragma once
 
 #include <atomic>

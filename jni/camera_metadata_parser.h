@@ -1,7 +1,7 @@
 // Reads and writes typed camera metadata through JNI: capture results, the compositions that override them
 // key by key, camera characteristics, and hash maps for callbacks. A parser belongs to the thread and the JNI
 // call that initialised it, because it keeps local references; nothing is cached across calls. Every
-// operation is safe even if members could not be resolved, and leaves no Java exception pending.
+// operation is safe even if Java members could not be resolved, and leaves no Java exception pending.
 #pragma once
 
 #include <jni.h>
@@ -162,7 +162,7 @@ public:
                            jobject parameter);
   int getGpsLocation(GpsLocation& location, const char* key, jobject captureResult, jobject parameter);
 
-  // Getters from a parameter object alone.
+  // Getters from a composition, `parameter`, alone.
   int getIntOrlu(int32_t& value, const char* key, jobject parameter);
   int getLongOrlu(int64_t& value, const char* key, jobject parameter);
   int getFloatOrlu(float& value, const char* key, jobject parameter);
@@ -295,7 +295,7 @@ private:
   FrameObjects mCaptureResults;
   FrameObjects mCompositions;
   RepeatedTag* mRepeatedTag = nullptr;  // the newest one
-  Batch* mBatch = nullptr;              // null while it is paused
+  Batch* mBatch = nullptr;              // null if none exists or it is paused
 
 #define TABLE(name)
 #define END_TABLE

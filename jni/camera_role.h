@@ -19,8 +19,8 @@ enum SATCameraRoleType : int32_t {
   kSatRoleTele2_5x = 6
 };
 
-// Maps the lowest zoom ratio of each of these cameras to its role. Created when the library is loaded. No
-// step reads this map: the camera reports its role in "orlu.parameter.masterSatRole".
+// Maps each camera's lowest zoom ratio to its role. Created when the library is loaded. The library never
+// reads this map: the camera reports its role in "orlu.parameter.masterSatRole".
 const std::map<float, SATCameraRoleType>& satCameraRoles();
 
 // Returns "vaf_camera_role": 0 for a main camera, one bit for any other camera, plus 1 for a front camera.
@@ -28,8 +28,8 @@ const std::map<float, SATCameraRoleType>& satCameraRoles();
 int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 
 // Return the camera type, and the names of the combined cameras, for a session id from
-// "com.orlu.MultiCameraBokehSelectSessionId". Ids 3, 4 and 5 have a type, 3 and 4 also names. For other ids,
-// the functions return "", and the caller reads the shot's own tag instead.
+// "com.orlu.MultiCameraBokehSelectSessionId". Ids 3, 4 and 5 have a type, 3 and 4 also names. Otherwise, the
+// functions return "", and the caller reads the shot's own tag instead.
 std::string_view bokehCameraType(int32_t session);
 std::string_view bokehCameraComposition(int32_t session);
 

@@ -63,7 +63,7 @@ private:
 };
 
 // Frees every local reference that is created during its lifetime. Threads that stay attached never return to
-// Java; without such a frame, their references would accumulate until the table overflows.
+// Java; without such a frame, their references would accumulate until the VM's table overflows.
 class ScopedLocalFrame {
 public:
   ScopedLocalFrame(JNIEnv* env, jint capacity) : mEnv(env), mPushed(env->PushLocalFrame(capacity) == JNI_OK) {
@@ -164,7 +164,7 @@ inline void reserveLocalReferences(JNIEnv* env, jint count) {
   if (env->EnsureLocalCapacity(count) != JNI_OK) clearException(env);
 }
 
-// Replaces every byte of `text` that is not part of a complete (modified) UTF-8 character with '?'.
+// Replaces with '?' every byte of `text` that is not part of a complete (modified) UTF-8 character.
 // NewStringUTF() may abort or read past the end of a truncated character. `text` is zero-terminated.
 void mendText(char* text);
 

@@ -14,7 +14,7 @@ static_assert(sizeof(BeautyExtraParams) == 80);
 
 }  // namespace
 
-// Appends "panorama" even if the list has it (Oddity 19).
+// Appends "panorama" even if the algorithm list has it (Oddity 19).
 void MetadataUpdater::updatePanorama() {
   const auto panorama = mShot.copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
   // clang-format off

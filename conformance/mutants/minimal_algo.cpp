@@ -31,7 +31,7 @@ struct Block {
 // Guards the variables below and the blocks. Never held while the caller's functions are called.
 std::mutex gMutex;
 std::condition_variable gDone;
-std::map<void*, int> gPending;  // requests in flight by client
+std::map<void*, int> gPending;  // number of requests in flight, by client
 std::set<Block*> gBlocks;
 
 int setValue(void* block, const char* section, const char* key, void* data, unsigned size) {
@@ -115,8 +115,8 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// A copy of the record with duplicated descriptors: after process() has returned, the caller's record is
-// invalid, and for a full-async request so are its descriptors.
+// A partial copy of the record with duplicated descriptors: after process() has returned, the caller's record
+// is invalid, and for a full-async request so are its descriptors.
 struct Request {
   void* client;
   uint64_t cookie;

@@ -17,7 +17,7 @@ void spoilFrames(const std::string& kind, AlgoProcessRecord& record);
 // luma, "green" clears the chroma, and "half" clears the lower half of the luma. Other kinds have no effect.
 void spoilOutputs(const std::string& kind, const std::vector<AlgoFrameInfo>& outputs);
 
-// Writes to the memory of a read-only frame.
+// Overwrites the first bytes of `frame`, an input that must stay unchanged.
 void stamp(const AlgoFrameInfo& frame);
 
 }  // namespace orlu::planted

@@ -62,7 +62,7 @@ jobject javaValue(const GoldenValue& value) {
   throw std::runtime_error("no tag has the type " + type);
 }
 
-// Returns the TagType constant of a golden type, such as INT_ARRAY for "ints".
+// Returns the TagType constant for a golden file's type, such as INT_ARRAY for "ints".
 std::string tagTypeOf(const std::string& type) {
   static const std::map<std::string, std::string> types = {
       {"bytes",   "BYTES"              },
@@ -233,7 +233,7 @@ public:
   }
 
 private:
-  // Returns the number of writes of a key, for an expectation such as "2 system face_info".
+  // Counts the writes of a key, for an expectation such as "times 2 system face_info".
   std::string foundTimes(std::istream& in) const {
     int expected = 0;
     std::string name;
@@ -243,8 +243,7 @@ private:
     return "times " + std::to_string(times) + ' ' + name;
   }
 
-  // Returns the number of log lines, for an expectation such as `2 "message"`. Lines of the short tag have no
-  // prefix.
+  // Counts log lines, for an expectation such as `log 2 "message"`. Lines of the short tag have no prefix.
   std::string logged(std::istream& in, const std::string& kind) const {
     const bool isShort = kind == "short";
     int expected = 0;

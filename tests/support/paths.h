@@ -9,7 +9,7 @@ namespace orlu::test {
 std::string goldenFolder();
 // Returns the folder of the libraries that a Java VM loads.
 std::string libraryFolder();
-// Returns the path of one of our jars, such as java/orlu-service.jar for "orlu-service".
+// Returns the path of one of the build's jars, such as java/orlu-service.jar for "orlu-service".
 std::string jarPath(const std::string& name);
 
 // Returns the folder for files of tests, ending in "/". Prefers a folder in memory: under the emulator, a

@@ -10,7 +10,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 
-/** Listens to callbacks from construction until stop(), and queues announced requests for soak tests. */
+/** Listens to callbacks from construction until stop(), and queues their requests for soak tests. */
 public final class Callbacks implements CallbackListener {
     private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
     private static final Set<Long> THROWING = ConcurrentHashMap.newKeySet();
@@ -40,7 +40,7 @@ public final class Callbacks implements CallbackListener {
         THROWING.add(requestId);
     }
 
-    /** Removes an announced request and returns its id and address; null if there is none. */
+    /** Removes a queued request and returns its id and address; null if there is none. */
     public static long[] takeDone() {
         return DONE.poll();
     }

@@ -41,7 +41,7 @@ public final class HostileRequest implements AutoCloseable {
     private final HostileValues mValues;
     private final HostileImages mImages;
     private final int mDensity; // percentage of tags that are set in the first 20 frames
-    private final int mRightness; // percentage of the service's values that fit their tag
+    private final int mRightness; // percentage of compositions' values that fit their tag
     private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
 
     /**

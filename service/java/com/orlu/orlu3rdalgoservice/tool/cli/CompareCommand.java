@@ -56,7 +56,7 @@ final class CompareCommand implements Subcommand {
             return one.status() == Verdict.OK && other.status() == Verdict.OK;
         }
 
-        // Returns the lines below the row in the table: differences, or why a run failed.
+        // Returns the lines below this table row: the first differences, or why a run failed.
         List<String> lines() {
             return hasRun() ? differences.stream().limit(SHOWN).toList()
                     : verdict.reasons().stream().filter(reason -> reason.matches("(?s)[AB]: .*")).toList();

@@ -38,7 +38,7 @@ final class GivenPaths {
     }
 
     /**
-     * Returns the request files of a command line: files as they are; for a recording, its request; for
+     * Returns the request files of a command line: for a file, the file; for a recording, its request; for
      * another folder, its *.json files and the requests of its recordings, sorted by name. Throws an
      * IllegalArgumentException if such a folder contains neither.
      */

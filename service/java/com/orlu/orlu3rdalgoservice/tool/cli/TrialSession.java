@@ -32,7 +32,7 @@ final class TrialSession {
     private TrialSession() {
     }
 
-    /** Reports mistakes in arguments and files only for the subcommand trials; others report their own. */
+    /** Reports mistakes in arguments and files for the subcommand trials; other commands report their own. */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();
@@ -52,7 +52,7 @@ final class TrialSession {
             }
         } catch (IllegalArgumentException | MistakeException e) {
             if (arguments.length > 0 && arguments[0].equals("trials")) {
-                // No other command will report the mistake.
+                // No other process reports the mistake.
                 System.err.println(Printable.error(e));
             }
             return Verdict.REFUSED;

@@ -9,7 +9,7 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.List;
 
-/** The difference between two values: both if short, else the differing fields, elements or first byte. */
+/** The difference of two values: both values if short, else the differing fields, elements or first byte. */
 final class ValueDifference {
     private static final int LONGEST = 70;
     private static final int SHOWN = 3;
@@ -76,7 +76,7 @@ final class ValueDifference {
         return HexFormat.of().toHexDigits(value);
     }
 
-    /** Returns the text, shortened if it is too long for a line. */
+    /** Returns the text, shortened if it is too long for half a line. */
     static String cut(String text) {
         return text.length() <= LONGEST / 2 ? text : text.substring(0, LONGEST / 2) + "...";
     }

@@ -86,9 +86,9 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request over these images, which the caller owns. Frames and compositions are
-     * restored afterwards. Loads `library`, the algorithm library for trials; the native library must find
-     * the same file under the algorithm library's name.
+     * Runs the trials of a request over these images, which the caller owns. Capture results and compositions
+     * are restored afterwards. Loads `library`, the algorithm library for trials; the native library must
+     * find the same file under the algorithm library's name.
      */
     public static Dependences of(
             RequestFile file, List<VImageIPC> inputs, List<VImageIPC> outputs, String library) {
@@ -200,7 +200,7 @@ public final class Trials {
         if (held != null) {
             subjects.add(new Subject(frame, false, tag, asked.captureResult(), OtherValues.insteadOf(held)));
         } else if (over == null) {
-            // The tag is absent. Only a composition can contain a tag that is in no table.
+            // The tag is absent. Only a composition can contain a tag that TagTable lacks.
             subjects.add(new Subject(frame, !isAskedThere, tag, asked.captureResult(),
                     OtherValues.of(type != null ? type : TagType.INT)));
         }

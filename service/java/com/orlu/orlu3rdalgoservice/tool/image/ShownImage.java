@@ -4,7 +4,7 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBufferByte;
 import java.util.Arrays;
 
-/** Makes the image that a page shows: in the picture's size, or reduced by 2, 4, 8, ... if that is large. */
+/** Makes the image that a page shows: in full size, or reduced by 2, 4, 8, ... if the picture is large. */
 final class ShownImage {
     /** Limit of the longer side, in pixels: a screen can't show more of two images side by side. */
     private static final int LARGEST_SIDE = 2048;

@@ -39,7 +39,7 @@ public final class Callbacks {
         return mCallbacks.stream().anyMatch(callback -> isEnd(callback.begin()));
     }
 
-    /** Describes the ignored callbacks: their number, and each reason once with its count; "" for none. */
+    /** Describes the ignored callbacks: their number, and each reason once; "" for none. */
     String ignored() {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call callback : mCallbacks) {

@@ -7,8 +7,8 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * One line of an events file, which is untrusted: a field that is absent, null or can't be converted reads as
- * "", 0 or an empty list.
+ * One line of an events file, which is untrusted: an absent, null or invalid field reads as "", 0, false or
+ * empty.
  */
 public record Event(Json fields) {
     /** The names of callbacks. */

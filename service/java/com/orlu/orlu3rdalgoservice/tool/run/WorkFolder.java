@@ -7,7 +7,7 @@ import java.nio.file.Path;
 
 /** The launcher's folder for one run, removed afterwards. The property orlu.work names it. */
 public final class WorkFolder {
-    /** The environment variable that names this process's state file if several processes share an index. */
+    /** The environment variable that names pages() if several processes write pages for one index. */
     public static final String PAGES = "ORLU_PAGES";
 
     private WorkFolder() {

@@ -5,14 +5,14 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** Formats Java values for people and as JSON: parameters, callbacks, and values put into compositions. */
+/** Formats Java values as text and as JSON: parameters, callbacks, and values put into compositions. */
 public final class ValueFormatter {
     private static final int ELEMENTS = 8;
 
     private ValueFormatter() {
     }
 
-    /** Returns the value on one line, with long arrays shortened. */
+    /** Returns the value as text, with long arrays shortened. */
     public static String text(Object value) {
         if (!value.getClass().isArray()) {
             return value instanceof String ? '"' + (String) value + '"' : value.toString();
