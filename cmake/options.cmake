@@ -1,4 +1,4 @@
-# Flags shared by all targets of this project, and the options of the presets.
+# Shared flags and options of this project, its JDK, and orlu_add_jar().
 
 option(ORLU_TESTS "Build the tests" ON)
 option(ORLU_BENCH "Build the benchmarks" OFF)
@@ -36,8 +36,8 @@ target_link_options(orlu_options INTERFACE LINKER:--no-undefined)
 if(NOT ORLU_SANITIZE)
   target_link_options(orlu_options INTERFACE LINKER:--enable-new-dtags)
 else()
-  # A sanitizer's dlopen() is called from the sanitizer's library, where our RUNPATH has no effect. A
-  # program's RPATH applies to everything that it loads.
+  # A sanitizer calls dlopen() from its own library, where our RUNPATH has no effect. A program's RPATH
+  # applies to everything that the program loads.
   target_link_options(orlu_options INTERFACE LINKER:--disable-new-dtags)
   target_compile_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(orlu_options INTERFACE -fsanitize=${ORLU_SANITIZE})

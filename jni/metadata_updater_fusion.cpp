@@ -6,7 +6,7 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updateDebug";  // helpers log it as their operation
+constexpr char kOperation[] = "updateDebug";  // the caller, logged as the operation
 
 // Writes the frames' timestamps and ids. The entries of a missing frame stay 0.
 void writeFrameIds(Shot& shot, const FusionFrames& frames) {

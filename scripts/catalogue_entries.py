@@ -89,7 +89,7 @@ class Sample:
         return text + (f", {image['width']} x {image['height']}" if "width" in image else "")
 
     def tags(self):
-        """Returns every tag of the request with one value: the common one, else the first frame's."""
+        """Returns every tag of the request with one value: the common one, else the first in a frame."""
         tags = {}
         for frame in [self.frame_set.get("common", {}), *self.each]:
             for store in ("captureResult", "composition"):

@@ -34,7 +34,7 @@ lint_cpp() {
 
 lint_headers() { build_preset dev --tests headers_alone; }
 
-# Sourced files use variables of the scripts that source them.
+# Sourced files and the scripts that source them share variables.
 lint_shell() {
   local file scripts=() sourced=()
   while IFS= read -r file; do
@@ -47,7 +47,7 @@ lint_shell() {
   shellcheck -x -e SC2034,SC2154 "${sourced[@]}"
 }
 
-# Compiles each folder as CMake does.
+# Compiles each folder by itself, as CMake does.
 lint_java() {
   local folder class_path=$java_libraries
   class_path+=:$build/java/orlu-service.jar:$build/java/orlu-host-framework.jar:/usr/share/java/junit4.jar

@@ -16,7 +16,7 @@ PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/paramete
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
 # A format that the library classifies, but request files cannot have.
 LIBRARY_FORMAT = "MIPI_RAW12"
-# Match an algorithm name that the source searches for, adds or removes, and a list of algorithm names.
+# NAME matches an algorithm that the source searches for, adds or removes; NAMES, a list of algorithms.
 NAME = re.compile(r'(?:listHas|append|remove|emplace_back|asksFor|listed)\("(\w+)"|^ +\{"(\w+)", +1U <<')
 NAMES = re.compile(r'(?:list|mAlgoList|supported) = \{([^}]*)\};')
 

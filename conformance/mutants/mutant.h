@@ -33,7 +33,7 @@ std::vector<Mutant> requestMutants();
 std::vector<Mutant> lifeMutants();
 std::vector<Mutant> descriptorMutants();
 
-// The number of calls of the entry in this process.
+// The number of AlgoInterfaceEntry() calls in this process.
 extern std::atomic<int> gEntries;
 
 // Returns a callback's bytes: its header, this name, and `payload` zeros.

@@ -29,7 +29,7 @@ inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
           field("sharedMemory")};
 }
 
-// Returns a valid request that finishes the request at `address`. `self` and `sharedMemory` are null.
+// Returns valid arguments that finish the request at `address`. `self` and `sharedMemory` are null.
 inline JavaRequest friendlyRequest(uint64_t address) {
   jobject composition = test::newComposition();
   test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));

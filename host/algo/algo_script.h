@@ -40,7 +40,7 @@ enum class VisitorUse { kHere, kOtherThread, kLater };
 // How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
   std::set<std::string> notOffered;  // names of callables to leave empty in later tables
-  // false: writes no pixels, sends no light-stream event, sets no parameters but `values` and `echoFlag`.
+  // false: no pixels, no light-stream events, no parameters but those of `values` and `echoFlag`.
   bool runAlgorithms = true;
   int processResult = 0;               // result of process(); the callbacks are sent anyway
   int callbacks = 1;                   // number of "shotCb" callbacks per request

@@ -101,7 +101,7 @@ void AlgorithmChain::judgeFrames() {
   for (size_t i = 0; i < std::min(mInputs.size(), kMostSelections); ++i) {
     if (mSelection.kept[i]) selected[i] = static_cast<int32_t>(i);
   }
-  // One score per frame; readers always read the whole table.
+  // One score per frame; readers always read all 50.
   double scores[kMostScores] = {};
   const size_t count = std::min(mInputs.size(), kMostScores);
   std::copy_n(mSelection.sharpness.begin(), count, scores);
@@ -167,7 +167,7 @@ void AlgorithmChain::deliver() {
 }
 
 void AlgorithmChain::deliverPixels(Frame& output) {
-  // An output of another format or size is not changed.
+  // An output that differs from the picture in format or size is not changed.
   ImageView view;
   if (output.map(Frame::Access::kReadWrite) == 0 && output.view(view)) copyPixels(mPicture.view(), view);
 }

@@ -1,4 +1,4 @@
-// libandroid.so: hardware buffers of Java.
+// libandroid.so: native access to Java's HardwareBuffer.
 
 #include <android/hardware_buffer_jni.h>
 

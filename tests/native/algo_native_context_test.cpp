@@ -29,7 +29,7 @@ std::string cookieText(uint64_t cookie) {
   return cookie == callbackCookie() ? "of gCallback" : std::to_string(cookie);
 }
 
-// Records the library's calls, one line each. Handles appear as h1, h2, ... in the order of their first use.
+// Records calls to the algorithm library, one line each. Handles appear as h1, h2, ... in order of first use.
 class Library {
 public:
   explicit Library(const std::set<std::string>& notOffered = {}) {

@@ -29,7 +29,7 @@ export JAVA_HOME
 # An algorithm maker does not have these.
 unset LD_LIBRARY_PATH ORLU_BUILD
 
-# checks COMMAND...: runs the kit as fast as possible.
+# checks COMMAND...: runs the kit, with random parameters for one second only.
 checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
 
 # fails TEXT COMMAND...: expects that the command fails and prints this text.

@@ -12,8 +12,9 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Copies the probe's events during one request into its recording. Moves the request's pixel files out of the
- * probe's folder; deletes files that equal the recorded pixels of one of Java's images or exceed the limit.
+ * Copies the probe's events during a request into that request's recording. Moves the request's pixel files
+ * out of the probe's folder; deletes files that equal the recorded pixels of one of Java's images or exceed
+ * the recording's size limit.
  */
 final class EventCopy {
     /** The environment variables that name the probe's events file and its pixels folder. */

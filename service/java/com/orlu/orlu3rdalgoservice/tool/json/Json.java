@@ -88,7 +88,7 @@ public final class Json implements JsonWriter.Source {
         return mMistakes;
     }
 
-    /** The line of the file, from 1; 0 if there is no file. */
+    /** The value's line in its file, from 1; 0 if there is no file. */
     public int line() {
         return mSpot.line();
     }

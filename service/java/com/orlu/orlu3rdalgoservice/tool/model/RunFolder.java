@@ -33,7 +33,7 @@ public final class RunFolder {
     private RunFolder() {
     }
 
-    /** Whether a folder is the folder of a run, which may be damaged. */
+    /** Whether this is the folder of a run, even of a damaged one. */
     public static boolean isRun(Path folder) {
         return Stream.of(REQUEST, OUTCOME, OLD).anyMatch(name -> RecordedFile.isRegular(folder
                 .resolve(name)));
@@ -173,7 +173,7 @@ public final class RunFolder {
     /**
      * Completes the folder of a run whose process died: copies the run's events from the file `events`, and
      * the pixels that they name from the folder `pixels` unless that is null. Returns false if the folder
-     * needs no completion, lacks the offset of its events, or contains an invalid file, which is reported.
+     * needs no completion, lacks its request or its events' offset, or has an invalid file (reported).
      */
     public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);

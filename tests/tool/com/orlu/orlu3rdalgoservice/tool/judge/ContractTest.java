@@ -32,7 +32,7 @@ public final class ContractTest {
     private static final String VISIT =
             "begin 7 visit 'tid': %d, 'of': 6, 'section': 'orlu.algo.control', 'key': '%s', 'size': %d\n";
 
-    /** Parses events, one a line: "begin N OP", "end N OP", and further fields. */
+    /** Parses events, one a line: "EVENT N OP", and further fields. */
     private static List<Event> events(String text) {
         List<Event> events = new ArrayList<>();
         text.lines().forEach(line -> {
@@ -142,7 +142,7 @@ public final class ContractTest {
             // Two clients whose requests have the same id.
             SUBMITTED + (SUBMITTED + "begin 4 " + CALLED).replace("0x1", "0x2").replace("0xc", "0xd")
                     + "begin 4 " + CALLED,
-            // The same file continues with the events of another process.
+            // A second process continues the events file.
             SUBMITTED + "header 0 none\n" + SUBMITTED + "begin 4 " + CALLED,
         };
         for (String row : rows) {

@@ -87,7 +87,7 @@ public final class ImageCropTest {
     @Test
     public void describesBuffers() {
         Object[][] rows = {
-            // The width of a byte buffer is its size; other buffers shrink like the image.
+            // The width of a byte buffer is its size; other buffers lose as much as the image.
             {128, 1, "32x1"}, {10, 4, "6x2"}, {8, 6, "4x4"},
         };
         for (Object[] row : rows) {
@@ -127,7 +127,7 @@ public final class ImageCropTest {
 
     @Test
     public void placesAreas() {
-        // Argument, image size, and resulting area; after "!", a part of the error message instead.
+        // Argument, image size, and resulting area, or "!" and a part of the error message.
         String[][] rows = {
             {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
             {"8,6", "8x6", "8x6 from 0,0"},
