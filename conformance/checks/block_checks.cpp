@@ -111,7 +111,7 @@ void checkSetValue() {
   setSizes(block);
   const std::string withZero("ab\0cd", 5);
   block.set(kControl, kKey, withZero);
-  HOLDS(read(block, kControl, kKey, 5) == withZero) << "a value with a zero byte inside is cut there";
+  HOLDS(read(block, kControl, kKey, 5) == withZero) << "a value is cut at a zero byte";
   HOLDS(read(block, kParameter, kKey, kMostBytes) == pattern(kMostBytes, static_cast<int>(kMostBytes)))
       << "a value of one section replaces that of another under the same key";
 
@@ -124,7 +124,7 @@ void checkSetValue() {
   block.set(kControl, kKey, "xy");
   int status = 0;
   HOLDS(block.written(kControl, kKey, 5, status).size() <= 2)
-      << "a shorter value keeps bytes of the longer one";
+      << "bytes of a longer value remain after a shorter one is set";
 }
 
 void checkGetValue() {

@@ -144,7 +144,7 @@ def check_keys(page):
 
 def check_pictures(page):
     def captions():
-        # Read once, because the pictures may change in between.
+        # Reads each caption once: the pictures may change between two reads.
         texts = [caption.text for caption in page.shown("#panel-pictures figcaption")]
         return [text for text in texts if text]
 
@@ -180,7 +180,7 @@ def check_pictures(page):
     moved = places()
     page.check("magnifiers over both pictures move with the arrows",
                len(before) == len(moved) == 2 and all(a < b for a, b in zip(before, moved)), f"{before} {moved}")
-    page.check("the magnifier shows pixel for pixel", magnified().startswith("632px"), magnified())
+    page.check("the magnifier shows a picture pixel for pixel", magnified().startswith("632px"), magnified())
     page.press("z")
     page.check("the key z enlarges the magnified pixels", magnified().startswith("1264px"), magnified())
     stage = page.all(".stage")[0]
