@@ -1,5 +1,5 @@
 // Benchmark of the wake-up: from the start of the callback to the return of processImage(), relative to a
-// wake-up with only a mutex and a condition variable between the same two threads.
+// bare wake-up (the floor) of the same thread, with only a mutex and a condition variable.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"

@@ -80,7 +80,7 @@ struct AlgoFrameInfo {
   int32_t height = 0;
   int32_t size = 0;
   int32_t stride[kMaxPlanes] = {};    // bytes from one row to the next; kFormatRaw16: pixels (Oddity 3)
-  int32_t scanline[kMaxPlanes] = {};  // rows of each plane, including padding
+  int32_t scanline[kMaxPlanes] = {};  // [0]: rows of the first plane, including padding; others 0
   int32_t reserved = 0;
   AlgoNativeHandle* nativeHandle = nullptr;  // of a hardware buffer; null for shared memory
   int32_t fdCount = 0;

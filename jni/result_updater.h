@@ -29,8 +29,8 @@ public:
 
   void updateResult();
 
-  // The parameter channel: copy `size` bytes under a section and a key of the block. Return the context's
-  // status.
+  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return the
+  // context's status.
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
@@ -38,7 +38,7 @@ public:
   // result_updater_frame_selection.cpp
   int updateFrameClarity();           // -1 without a composition
   int updateFrameSelectResult();      // -1 if a frame index is out of range
-  int updateSelectBasicFrameIndex();  // -1 if there is no frame to choose
+  int updateSelectBasicFrameIndex();  // -1 if an index is chosen but there are no frames
   // result_updater_raw_algo.cpp. All return 0. updateParamsFromRawAlgo() calls the others.
   int updateParamsFromRawAlgo();
   int updateTunningMode();

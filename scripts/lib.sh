@@ -23,10 +23,10 @@ readonly platform_packages=(
   android-libnativehelper-dev android-liblog-dev android-libcutils-dev android-libutils-dev
   android-platform-frameworks-native-headers android-platform-system-core-headers librust-libc-dev
 )
-# Also needed by libFuzzer and coverage.
+# Also needed for fuzzing and for coverage.
 readonly fuzz_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=(gcovr)
-# Also needed by scripts/lint.sh: a checker for each language.
+# Also needed by scripts/lint.sh.
 readonly lint_packages=(
   clang-tidy shellcheck ecj blueprint-tools golang-go golang-github-google-blueprint-dev git
 )
@@ -52,7 +52,7 @@ as_root() {
 }
 
 # follow LOG PATTERN: appends standard input to LOG. A terminal shows the latest line that matches the pattern,
-# rewritten in place and cleared at the end; otherwise one such line is printed every ten seconds.
+# rewritten in place and cleared at the end; otherwise one such line is printed every ten seconds at most.
 follow() {
   local pattern=$2 line shown=$SECONDS clear=''
   while IFS= read -r line; do
@@ -81,7 +81,7 @@ read_installed_packages() {
   fi
 }
 
-# are_installed PACKAGE...: succeeds if all are installed. Stores the others in the array "missing".
+# are_installed PACKAGE...: succeeds if all are installed. Stores the rest in the array "missing".
 are_installed() {
   local package
   missing=()

@@ -273,7 +273,7 @@ TEST_F(LifetimesTest, ManyThreadsFinishOneRequest) {
   }
 }
 
-// The JNI environment is looked up, and its absence logged, before the library's client is destroyed.
+// The JNI environment is looked up, and its absence logged, before the algorithm library destroys its client.
 TEST_F(LifetimesTest, LooksForTheEnvironmentFirst) {
   create();
   mLog.clear();

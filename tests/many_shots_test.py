@@ -64,7 +64,7 @@ def check_folder(folder):
 
 
 def check_crash(folder):
-    """If the library kills the process of each request, the other requests still run."""
+    """If the library kills each request's process, all requests still run."""
     for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
         write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
     result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)

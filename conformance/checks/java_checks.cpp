@@ -161,7 +161,7 @@ void judgeLightStream(const std::vector<Message>& messages) {
 
 void checkJava() {
 #ifdef __SANITIZE_THREAD__
-  constexpr bool kSeesTheVm = true;  // it reports the VM's own threads, which are not instrumented
+  constexpr bool kSeesTheVm = true;  // the sanitizer reports the VM's threads, which are not instrumented
 #else
   constexpr bool kSeesTheVm = false;
 #endif

@@ -44,7 +44,7 @@ private:
 
   void run();
   // Waits for callbacks and takes one: a random one of those that are due, else the next one, once it is due.
-  // Returns false at the end.
+  // Returns false once the ending pool is empty.
   bool take(HeldCallback& callback);
 
   std::mutex mMutex;  // guards the members below

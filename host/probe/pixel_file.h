@@ -8,7 +8,7 @@ namespace orlu::probe {
 
 struct WrittenPixels {
   uint64_t size = 0;    // bytes in the file
-  uint32_t crc = 0;     // their CRC-32
+  uint32_t crc = 0;     // CRC-32 of the file
   std::string problem;  // why there is no file; "" if there is one
 };
 

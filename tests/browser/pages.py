@@ -15,7 +15,7 @@ LARGE, WIDE, NARROW = (1440, 900), (1280, 800), (420, 900)
 
 
 def padded_request(folder):
-    """Writes the sample clarity with padding after each row. Returns the file."""
+    """Writes samples/clarity.json with padded rows. Returns the new file."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     padded = {"format": "NV21", "stride": 704}
     request.update(photo=str(ROOT / "samples/photos/table.jpg"), inputs=padded, outputs=[padded])
@@ -25,7 +25,7 @@ def padded_request(folder):
 
 
 def make_pages(build, folder, requests, fault="", trials="on"):
-    """Runs requests, and writes their pages into a folder. `fault` is one of tests/planted, or ""."""
+    """Runs requests, and writes their pages into a folder. `fault` is a fault of tests/planted, or ""."""
     run(build, ["--report", folder, "--out", folder / "out", *requests], fault, trials)
 
 

@@ -14,7 +14,7 @@
 namespace orlu::test {
 namespace {
 
-// Replaces the message's conversions by "*" and escapes characters special to fnmatch().
+// Replaces the message's conversions by "*" and escapes "[", "?" and "*" for fnmatch().
 std::string patternOf(const std::string& message) {
   std::string pattern;
   for (size_t i = 0; i < message.size(); ++i) {

@@ -2,7 +2,7 @@ package android.hardware.camera2.params;
 
 import android.graphics.Rect;
 
-/** A region for focus or exposure with its weight. Coordinates are in the active array. */
+/** A metering region with its weight. Coordinates are in the active array. */
 public final class MeteringRectangle {
     private final Rect mRect;
     private final int mWeight;

@@ -18,7 +18,7 @@ final class DumpReader {
         mNotes = notes;
     }
 
-    /** Returns the frames of a dump; none if the dump has no buffer. */
+    /** Returns the frames of a dump; none if the dump has no tags. */
     List<ImportedFrame> frames(List<String> lines) {
         List<List<DumpEntry>> buffers = new ArrayList<>(new DumpParser(mNotes).parse(lines));
         buffers.removeIf(List::isEmpty);

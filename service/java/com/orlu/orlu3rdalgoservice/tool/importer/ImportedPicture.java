@@ -14,10 +14,10 @@ import java.util.Map;
 /**
  * A file that becomes an input.
  *
- * @param size the description with the size, for pixels without a header; else null
+ * @param size contains the size of pixels without a header; null for a file with a header
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
-    /** Reads the header of a file. Throws an IOException with the reason if the header is invalid. */
+    /** Reads the header of a file. Throws an IOException with the reason if the file can't be an input. */
     static ImportedPicture of(Path file, ImageFileKind kind) throws IOException {
         if (kind == ImageFileKind.DNG) {
             DngFile.open(file);

@@ -292,7 +292,7 @@ public final class Run {
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.list("trimmed")) {
-            // A further trim counts the frames of the trimmed copy.
+            // The frame numbers of a further trim are those of the trimmed copy.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
         return text.toString();
@@ -344,17 +344,17 @@ public final class Run {
         return mRan;
     }
 
-    /** The stages in the order of execution. */
+    /** Java's calls and waits, in the order of execution. */
     public List<Stage> stages() {
         return mStages;
     }
 
-    /** The larger stages, which cover the run; none without --times. */
+    /** The stages that cover the run without gaps; none without --times. */
     public List<StageTime> stageTimes() {
         return mStageTimes;
     }
 
-    /** The duration of each stage, in milliseconds. */
+    /** The duration of each of stages(), in milliseconds. */
     public Map<String, Double> milliseconds() {
         Map<String, Double> times = new LinkedHashMap<>();
         mStages.forEach(stage -> times.put(
