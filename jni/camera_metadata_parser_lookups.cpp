@@ -195,8 +195,8 @@ std::vector<uint8_t> CameraMetadataParser::getMetadata(jobject captureResult) {
   return result;
 }
 
-// Returns a parcel with the camera metadata; an empty parcel if the metadata can't be written. Returns null if
-// the parcel can't be obtained.
+// Returns a parcel with the camera metadata; an empty parcel if the metadata can't be written. Returns null
+// if the parcel can't be obtained.
 jobject CameraMetadataParser::parcelOf(jobject cameraMetadata) {
   if (mMethodParcelObtain == nullptr) return nullptr;
   jobject parcel = mEnv->CallStaticObjectMethod(mClazzParcel, mMethodParcelObtain);
