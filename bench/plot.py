@@ -231,7 +231,7 @@ def rewrite(page, made):
         pattern = re.compile(rf"(<!-- {name} -->\n).*?(<!-- end -->)", re.DOTALL)
         text, replaced = pattern.subn(lambda match: match[1] + block + "\n" + match[2], text)
         if replaced != 1:
-            sys.exit(f"{page} has no block named {name}")
+            sys.exit(f"{page}: expected one block named {name}, found {replaced}")
     with open(page, "w") as file:
         file.write(text)
 
