@@ -19,6 +19,8 @@ def paragraphs(text):
     for match in re.finditer(r"^### (\d+)\. .+\n((?:.+\n)*)", text + "\n", re.MULTILINE):
         line = text.count("\n", 0, match.start()) + 1
         body = re.sub(r"\n  +", " ", match[2])
+        if int(match[1]) in found:
+            raise SystemExit(f"FAILED: oddity {match[1]} occurs twice")
         found[int(match[1])] = (line, dict(re.findall(r"^- ([^:]+): (.+)$", body, re.MULTILINE)))
     return found
 

@@ -19,12 +19,13 @@ final class ShownImage {
 
     ShownImage(int width, int height) {
         int factor = 1;
-        while (Math.max(width, height) / factor > LARGEST_SIDE) {
+        // A very narrow picture keeps at least one pixel in each direction.
+        while (Math.max(width, height) / factor > LARGEST_SIDE && Math.min(width, height) / factor > 1) {
             factor *= 2;
         }
         mFactor = factor;
-        mWidth = Math.max(1, width / factor);
-        mHeight = Math.max(1, height / factor);
+        mWidth = width / factor;
+        mHeight = height / factor;
         mImage = new BufferedImage(mWidth, mHeight, BufferedImage.TYPE_3BYTE_BGR);
         mPixels = ((DataBufferByte) mImage.getRaster().getDataBuffer()).getData();
         mSums = new float[mWidth * CHANNELS];

@@ -102,7 +102,11 @@ final class DumpTags {
             case STRING_ARRAY -> text(entry).split("\0");
             case BYTES -> HexFormat.of().formatHex(bytes(entry));
             case RECT -> {
-                int[] edges = groups(entry, 4)[0];
+                int[][] groups = groups(entry, 4);
+                if (groups.length > 1) {
+                    throw damaged("wrong type: int32[" + entry.count() + "] instead of one rectangle");
+                }
+                int[] edges = groups[0];
                 yield List.of(edges[0], edges[1], edge(edges[0], edges[2]), edge(edges[1], edges[3]));
             }
             case METERING_RECTANGLES -> {

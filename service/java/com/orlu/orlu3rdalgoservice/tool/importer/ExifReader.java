@@ -130,10 +130,11 @@ final class ExifReader {
                 ExifDirectoryBase.TAG_CFA_PATTERN_2, ExifDirectoryBase.TAG_CFA_PATTERN)) {
             Directory directory = holding(exifTag);
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
-            if (pattern != null && pattern.length >= 4) {
+            // In the second tag, the pattern follows its size, which is two 16-bit numbers.
+            int start = exifTag == ExifDirectoryBase.TAG_CFA_PATTERN ? 4 : 0;
+            if (pattern != null && pattern.length >= start + 4) {
                 mTaken.add(exifTag);
-                // In the second tag, the pattern follows its size, which is two 16-bit numbers.
-                byte[] colors = Arrays.copyOfRange(pattern, pattern.length - 4, pattern.length);
+                byte[] colors = Arrays.copyOfRange(pattern, start, pattern.length);
                 int number = PATTERNS.indexOf(Arrays.toString(colors));
                 if (number >= 0) {
                     put("android.sensor.info.colorFilterArrangement", (double) number, "CFAPattern");

@@ -14,6 +14,7 @@ import java.nio.ByteBuffer;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.StandardCopyOption;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.Stream;
@@ -189,8 +190,9 @@ public final class RunFolder {
             copyFrom(events, from.integer(0L, Long.MAX_VALUE), folder.resolve(EVENTS));
             for (Event event : events(folder.resolve(EVENTS)).events("pixels")) {
                 String name = event.text("file");
-                if (pixels != null && !name.isEmpty() && Files.isRegularFile(pixels.resolve(name))) {
-                    Files.copy(pixels.resolve(name), folder.resolve(name));
+                if (pixels != null && RecordedFile.isPlain(name)
+                        && Files.isRegularFile(pixels.resolve(name))) {
+                    Files.copy(pixels.resolve(name), folder.resolve(name), StandardCopyOption.REPLACE_EXISTING);
                 }
             }
             return true;

@@ -30,10 +30,15 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
 
     /** Returns the file in this folder that a field names. Does not open the file. */
     public static RecordedFile named(Path folder, Json field, int size, String crc) throws MistakeException {
-        if (!PLAIN_NAME.matcher(field.string()).matches()) {
+        if (!isPlain(field.string())) {
             throw field.needs("the name of a file in the recording's folder");
         }
         return new RecordedFile(folder.resolve(field.string()), size, crc, field);
+    }
+
+    /** Whether this names a file in a folder, without a path. */
+    public static boolean isPlain(String name) {
+        return PLAIN_NAME.matcher(name).matches();
     }
 
     /** Writes a file and returns it, with its checksum. */

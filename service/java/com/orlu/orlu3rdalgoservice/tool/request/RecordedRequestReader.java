@@ -48,7 +48,7 @@ final class RecordedRequestReader {
             frames.add(frame(frame.allowing("captureResult", "composition")));
         }
         boolean fullAsync = !frames.isEmpty()
-                && Integer.valueOf(1).equals(frames.get(0).composition().get("isFullAsync"));
+                && frames.get(0).composition().get("isFullAsync") instanceof Integer flag && flag != 0;
         Json client = root.object("client", "clientId", "algoContextIndex");
         return new RequestFile(mFile, root.string("about", ""),
                 request.require("id").integer(Long.MIN_VALUE, Long.MAX_VALUE), request.require("type")

@@ -220,6 +220,17 @@ public final class PixelsTest {
     }
 
     @Test
+    public void showsVeryNarrowPictures() {
+        for (int[] size : new int[][] {{1, 4097}, {4097, 1}, {3, 9000}}) {
+            Picture picture = new Picture(size[0], size[1]);
+            picture.set(0, size[1] - 1, 255, 255, 255);
+            BufferedImage shown = ShownImage.of(picture);
+            int lowest = shown.getRGB(0, shown.getHeight() - 1) & 0xFF;
+            assertEquals(Arrays.toString(size), true, lowest > 0);
+        }
+    }
+
+    @Test
     public void measuresLargePicturesAndShowsThemSmaller() {
         // Each row of random dots is shifted by 5 pixels from the row above. The picture is too wide for a
         // page to show in full size.

@@ -27,6 +27,8 @@ public final class DumpReaderTest {
             {sizes, "[1 2 3 4 ]", "[1,2,4,6]", ""},
             {sizes, "[2147483647 0 1 1 ]", null,
                 "a:1: note: T dropped; not an int32: an edge of 2147483648"},
+            {sizes.replace("4]", "8]"), "[1 2 3 4 5 6 7 8 ]", null,
+                "a:1: note: T dropped; wrong type: int32[8] instead of one rectangle"},
             {gain, "[100 ]\n" + gain + "\n[100 ]\n" + gain + "\n[200 ]", "200",
                 "a:5: note: T given twice; 100 dropped"},
             {gain, "[100 ]\nandroid.lens.aperture (8): float[99999999999]\n[1.0 ]", "100",
