@@ -1,15 +1,12 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
+import com.orlu.orlu3rdalgoservice.tool.imagefile.PictureFile;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
-import java.awt.image.BufferedImage;
-import java.io.ByteArrayInputStream;
 import java.io.IOException;
 import java.nio.ByteBuffer;
 import java.util.Arrays;
-
-import javax.imageio.ImageIO;
 
 /** Reads pictures and mosaics from an image's memory. */
 final class PixelReader {
@@ -62,8 +59,7 @@ final class PixelReader {
     /** Decodes a JPEG file; returns null if it can't be decoded. */
     static PixelRows decodeJpeg(byte[] bytes) {
         try {
-            BufferedImage image = ImageIO.read(new ByteArrayInputStream(bytes));
-            return image == null ? null : new ImageRows(image);
+            return new ImageRows(PictureFile.decode(bytes));
         } catch (IOException e) {
             return null;
         }

@@ -6,6 +6,7 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBuffer;
 import java.awt.image.Raster;
 import java.awt.image.SampleModel;
+import java.io.ByteArrayInputStream;
 import java.io.IOException;
 import java.nio.file.Path;
 import java.util.Iterator;
@@ -39,18 +40,25 @@ public final class PictureFile {
 
     /** Reads only the header. Throws an IOException if the picture would take too much memory. */
     public static PictureFile open(Path path) throws IOException {
-        return with(path, reader -> {
-            PictureFile file = new PictureFile(path, reader.getWidth(0), reader.getHeight(0));
-            file.checkMemory(reader);
-            return file;
+        return with(path.toFile(), reader -> {
+            checkMemory(reader);
+            return new PictureFile(path, reader.getWidth(0), reader.getHeight(0));
         });
     }
 
-    private void checkMemory(ImageReader reader) throws IOException {
-        long pixels = (long) mWidth * mHeight;
+    /** Decodes the bytes of a file. Throws an IOException if the picture would take too much memory. */
+    public static BufferedImage decode(byte[] bytes) throws IOException {
+        return with(new ByteArrayInputStream(bytes), reader -> {
+            checkMemory(reader);
+            return reader.read(0);
+        });
+    }
+
+    private static void checkMemory(ImageReader reader) throws IOException {
+        long pixels = (long) reader.getWidth(0) * reader.getHeight(0);
         if (pixels > MOST_PIXELS) {
-            throw new IOException("expected at most " + MOST_PIXELS + " pixels, found " + mWidth + "x"
-                    + mHeight);
+            throw new IOException("expected at most " + MOST_PIXELS + " pixels, found " + reader.getWidth(0)
+                    + "x" + reader.getHeight(0));
         }
         if (reader.getFormatName().equalsIgnoreCase("tif")) {
             checkSampleBits(TIFFDirectory.createFromMetadata(reader.getImageMetadata(0)));
@@ -88,7 +96,7 @@ public final class PictureFile {
 
     /** Decodes the picture, in the colours and bit depth of the file. */
     public BufferedImage decode() throws IOException {
-        return with(mPath, reader -> reader.read(0));
+        return with(mPath.toFile(), reader -> reader.read(0));
     }
 
     /** Passes all samples to `to`. Throws an IOException unless the picture has one sample per pixel. */
@@ -105,8 +113,9 @@ public final class PictureFile {
         }
     }
 
-    private static <T> T with(Path path, Use<T> use) throws IOException {
-        try (ImageInputStream stream = ImageIO.createImageInputStream(path.toFile())) {
+    // `source` is a File or an InputStream.
+    private static <T> T with(Object source, Use<T> use) throws IOException {
+        try (ImageInputStream stream = ImageIO.createImageInputStream(source)) {
             Iterator<ImageReader> readers = ImageIO.getImageReaders(stream);
             if (!readers.hasNext()) {
                 throw new IOException("not a picture of a known format");

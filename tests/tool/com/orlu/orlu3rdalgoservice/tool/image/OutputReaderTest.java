@@ -1,11 +1,21 @@
 package com.orlu.orlu3rdalgoservice.tool.image;
 
 import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertNotEquals;
+import static org.junit.Assert.assertNotNull;
+import static org.junit.Assert.assertNull;
 
 import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import org.junit.Test;
+
+import java.awt.image.BufferedImage;
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.util.HexFormat;
+
+import javax.imageio.ImageIO;
 
 /** Tests which image descriptions from an algorithm library are rejected. */
 public final class OutputReaderTest {
@@ -28,5 +38,17 @@ public final class OutputReaderTest {
             image.mRowStrides = row[2] == null ? new int[0] : new int[] {(int) row[2]};
             assertEquals(row[3], OutputReader.problemOf((PixelFormat) row[0], image));
         }
+    }
+
+    @Test
+    public void decodesOnlyJpegsThatFitIntoMemory() throws IOException {
+        ByteArrayOutputStream file = new ByteArrayOutputStream();
+        ImageIO.write(new BufferedImage(16, 16, BufferedImage.TYPE_INT_RGB), "jpg", file);
+        String jpeg = HexFormat.of().formatHex(file.toByteArray());
+        assertNotNull(PixelReader.decodeJpeg(HexFormat.of().parseHex(jpeg)));
+        // The size follows the marker, the length of the block, and the number of bits.
+        String large = jpeg.replaceFirst("ffc0(....)08........", "ffc0$10880004000");
+        assertNotEquals(jpeg, large);
+        assertNull(PixelReader.decodeJpeg(HexFormat.of().parseHex(large)));
     }
 }
