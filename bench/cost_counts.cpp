@@ -1,5 +1,5 @@
-// cost_counts FILE: counts the cost of the four shots, and exits with 1 if the counts differ from those in
-// FILE. With --update before FILE, it rewrites FILE instead. The counts are equal in every run.
+// cost_counts FILE: counts the cost of the shots in kinds.h, and exits with 1 if the counts differ from those
+// in FILE. With --update before FILE, it rewrites FILE instead. The counts are equal in every run.
 
 #include <algorithm>
 #include <cstdio>

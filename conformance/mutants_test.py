@@ -18,8 +18,8 @@ emulator = [] if runs_all else sys.argv[2:]
 # Runs of the kit mostly wait for missing or extra callbacks.
 AT_ONCE = 6
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
-# Shortens the check `threads`, which takes most of the time, for mutants that only other checks must detect.
-# It still detects faults that do not depend on timing.
+# Shortens the check `threads`, which takes most of the time, for mutants of other checks. It still
+# detects faults that do not depend on timing.
 FEW_ROUNDS = ["--hammer", "0.1"]
 
 

@@ -43,7 +43,7 @@ struct AlgoNativeRequest {
 // block has other users or does not exist.
 class AlgoNativeRequestMap {
 public:
-  // The only map; created at load time and never destroyed: callbacks may arrive until the process ends.
+  // The global map; created at load time and never destroyed: callbacks may arrive until the process ends.
   static AlgoNativeRequestMap* getInstance();
 
   AlgoNativeRequestMap() = default;

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# A private root with Debian's 32-bit ARM JVM and the libraries that the build links. It is downloaded and
+# A root file system with Debian's 32-bit ARM JVM and the libraries that the build links. It is downloaded and
 # unpacked once, into the user's cache folder, without root rights. Its packages are not installed on this
 # machine, and its programs run only under the emulator. Source this file after lib.sh.
 

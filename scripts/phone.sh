@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the tools on a phone and fetches their results, over adb.
+# Runs the kit on a phone, switches recording there, and fetches recordings, over adb.
 set -euo pipefail
 
 readonly usage="usage: scripts/phone.sh COMMAND [ARGUMENT...]
@@ -36,8 +36,8 @@ takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the ready phone that ANDROID_SERIAL names or, if it is unset, the only ready phone. Exits
-# with an error if there is none. adb itself also counts phones that are not ready.
+# one_phone: selects the ready phone that ANDROID_SERIAL names or, if it is unset, the only ready phone; else
+# exits with an error. adb itself also counts phones that are not ready.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"

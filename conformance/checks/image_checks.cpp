@@ -111,12 +111,12 @@ private:
 };
 
 // Copies an image to two outputs with this layout and checks that every pixel is written. Skips packed raw
-// images if the strides differ: such outputs must have the input's strides.
+// images if the padding differs: such outputs must have the input's strides.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
   if (isPacked && !isSame) return;
-  // The stride of a raw image counts pixels. From 2 * width on, it could also be a number of bytes.
+  // Skips RAW16 strides of 2 * width pixels or more: they could also be numbers of bytes.
   if (from.format == kFormatRaw16 && std::max(from.padding, layout.padding) >= 2 * from.width) return;
   ImageShape to = from;
   to.padding = layout.padding;

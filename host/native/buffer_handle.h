@@ -3,7 +3,7 @@
 
 namespace orlu::host {
 
-constexpr int kAttributesWord = 0;  // a memory file that nothing here reads
+constexpr int kAttributesWord = 0;  // a memory file that is never read
 constexpr int kPixelsWord = 1;      // the memory file with the pixels
 constexpr int kDescriptors = 2;
 constexpr int kIntegers = 4;  // width, height, row stride in bytes, format

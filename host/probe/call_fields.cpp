@@ -10,14 +10,14 @@ namespace {
 
 using android::hardware::hidl_handle;
 
-// A handle with more words is invalid.
+// Handles with more words are recorded without the words.
 constexpr int kMostHandleWords = 1024;
 
 std::string_view orEmpty(const char* text) {
   return text == nullptr ? std::string_view() : text;
 }
 
-// Adds a native handle of either type: numFds, numInts, then the words.
+// Adds an AlgoNativeHandle or a native_handle_t: numFds, numInts, then the words.
 template <typename Handle>
 void addHandle(EventLine& line, const char* name, const Handle* handle) {
   if (handle == nullptr) {

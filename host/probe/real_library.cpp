@@ -47,8 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// Finds the library that the probe replaces. dlopen() can't find it by name: it returns the probe, which is
-// already loaded under that name.
+// Finds the library that the probe replaces. dlopen() can't do that: for this name it returns the probe,
+// which is already loaded.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

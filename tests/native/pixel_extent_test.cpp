@@ -1,4 +1,4 @@
-// Number of bytes of a locked hardware buffer, for plane layouts found on devices.
+// Number of bytes of a locked hardware buffer, for layouts of devices and rejected layouts.
 
 #include "pixel_extent.h"
 

@@ -136,7 +136,7 @@ final class HostileValues {
         return array;
     }
 
-    /** Like valueOf(), but arrays of numbers are boxed, with some nulls. */
+    /** Like valueOf(), but arrays of numbers other than bytes are boxed and may contain nulls. */
     Object boxed(TagType type) {
         Class<?> element = BOXES.get(type.stored());
         return element == null ? valueOf(type) : array(element, length(), below(30));

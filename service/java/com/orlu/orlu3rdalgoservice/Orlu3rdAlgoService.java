@@ -25,10 +25,10 @@ public final class Orlu3rdAlgoService {
     /** Releases a client's algorithms in the mode for "imageFormat". The client can be initialised again. */
     public native int algoRelease(long inst, Object param);
 
-    /** Flushes a client's algorithms; ideally waits for requests in flight. Ignores both objects. */
+    /** Flushes a client's algorithms; ideally returns after the requests in flight. Ignores both objects. */
     public native int flush(long inst, Object unread, Object param);
 
-    /** Aborts the requests that "AbortKey" and "AbortVal" identify. Ignores other keys without an error. */
+    /** Aborts the requests whose frame flag is "AbortVal". If "AbortKey" is another tag, only returns 0. */
     public native int abort(long inst, Object unread, Object param);
 
     /** Returns the algorithm library's answer to "cmd": "" if it has none, null if it can't be asked. */

@@ -204,7 +204,7 @@ final class RunCommand implements Subcommand {
     /**
      * Returns the recorder, which creates a folder for each run: in the folder of --record, else in the
      * folder that the recorder's property names, else in the work folder. The work folder keeps only the
-     * latest run, with pixels if a page may need them. Returns null without any of these folders.
+     * latest run, with pixels only for --report. Returns null without any of these folders.
      */
     RequestRecorder recorder() {
         if (written.record != null) {
@@ -219,7 +219,7 @@ final class RunCommand implements Subcommand {
         return latest;
     }
 
-    /** Returns the parent of the runs' folders; null if neither --record nor a work folder exists. */
+    /** Returns the folder of --record, else the folder of runs in the work folder; null without either. */
     Path runs() {
         return written.record == null ? WorkFolder.runs() : written.record;
     }

@@ -87,7 +87,7 @@ public final class ImageBuffer implements AutoCloseable {
                 : HardwareBuffer.create((int) width, (int) height, format, 1, usage());
     }
 
-    /** Allocates memory for an image as a recorder described it, and fills it with the recorded bytes. */
+    /** Allocates memory for an image as a recorder described it, and fills it with any recorded bytes. */
     public static ImageBuffer recorded(ImagePlan plan) throws ErrnoException, MistakeException {
         byte[] bytes = plan.layout().bytes();
         ImageBuffer image = new ImageBuffer(plan, plan.layout());
@@ -110,7 +110,7 @@ public final class ImageBuffer implements AutoCloseable {
         return image;
     }
 
-    /** Allocates memory for an input with a file and fills it with the file's pixels. */
+    /** Allocates memory for an input and fills it with the pixels of its file. */
     public static ImageBuffer ofFile(ImagePlan plan) throws ErrnoException, MistakeException {
         ImageBuffer image = new ImageBuffer(plan, 0);
         try {
@@ -143,7 +143,7 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor.mImageDataShmem.mapReadWrite();
     }
 
-    // The buffer's width includes the padding. The native side reads the stride from the description.
+    // The buffer's width includes the padding. The native side reads the stride from mDescriptor.
     private HardwareBuffer hardwareBuffer(int size) {
         int stride = mPlan.strideBytes();
         int tight = mPlan.format().planeSizes(stride, mPlan.height(), size)[0];

@@ -130,7 +130,7 @@ public final class ImageFindings {
                 output.name(), output.facts().meanLuma()), why);
     }
 
-    // Outputs start as zeros, except in a replay, so rows that are still zero were not written.
+    // Rows that are still zero were not written: outputs start as zeros, except in a replay.
     private void checkPlanes(ImageExhibit output) {
         for (PlaneUse plane : output.memory().planes()) {
             if (plane.rows() < 2) {

@@ -7,9 +7,9 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Checks whether an algorithm library is usable, from the events up to the creation of its first client. */
+/** Checks whether an algorithm library is usable, from the events up to the creation of a client. */
 public final class LibraryCheck {
-    // Without these, no request is submitted, and each request times out.
+    // Without these, no request is submitted, so synchronous requests time out.
     private static final List<String> MANDATORY = List.of("process", "getSize");
     // Without these, a request runs but loses its parameters or results.
     private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");

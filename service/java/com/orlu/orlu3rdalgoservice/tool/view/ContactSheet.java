@@ -25,7 +25,7 @@ public final class ContactSheet {
     private final List<String> mColumns;
     private final List<Object> mRows = new ArrayList<>();
 
-    /** Creates a page without rows. Without columns, the pictures of a row wrap. */
+    /** Creates a page without rows. If `columns` is empty, the pictures of a row wrap. */
     public ContactSheet(String title, String about, List<String> columns) {
         mTitle = title;
         mAbout = about;
@@ -55,7 +55,7 @@ public final class ContactSheet {
                 : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
     }
 
-    /** Adds a row of cells; if there are columns, one for each. */
+    /** Adds a row of cells; if there are columns, one cell for each. */
     public void add(String name, Verdict verdict, List<String> lines, List<Map<String, Object>> cells) {
         mRows.add(JsonWriter.object(
                 "name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells", cells));

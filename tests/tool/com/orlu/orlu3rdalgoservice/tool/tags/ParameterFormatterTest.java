@@ -61,7 +61,7 @@ public final class ParameterFormatterTest {
             {ParameterType.COUNT, "09000000 ffffffff", "9", "9"},
             {ParameterType.TEXT, "6162 00 63", "\"ab\"", "\"ab\""},
             {ParameterType.TEXT, "c3a4", "\"\u00e4\"", "\"\u00e4\""},
-            // Bytes that would be many hours as an int are read as a float, except the extreme ints.
+            // Ints that would be a time of many days are read as floats, except the extreme ints.
             {ParameterType.MILLISECONDS, "10270000", "10000", "\"10000\""},
             {ParameterType.MILLISECONDS, "ffffffff", "-1", "\"-1\""},
             {ParameterType.MILLISECONDS, "ffffff7f", "2147483647", "\"2147483647\""},
