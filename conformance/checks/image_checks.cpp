@@ -123,13 +123,13 @@ void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) 
   to.paddingRows = layout.paddingRows;
   to.isHardwareBuffer = layout.isHardwareBuffer;
   const std::string what = describe(Image(from).frame()) +
-                           (isSame ? "" : ", strides of input and output differ") + ", the output " +
+                           (isSame ? "" : ", padding of input and output differs") + ", the output " +
                            layout.name;
   step("a copy of " + what);
   const PairOfRuns runs(scene, from, to, {}, 2);
   HOLDS(runs.isDone()) << kNoCallback << "a copy of " << what;
   if (!runs.isDone()) return;
-  const char* usual = isSame ? "planeData is used, which is null, or an odd width is halved"
+  const char* usual = isSame ? "the null planeData is used, or an odd width is halved"
                              : "the input's strides are used for the output";
   for (size_t i = 0; i < 2; ++i) {
     const std::string untouched = runs.untouched(i);

@@ -103,7 +103,7 @@ final class RunCommand implements Subcommand {
         boolean check;
         @Option(names = "--strict", description = "Fail on unread tags, wrong types, and warnings")
         boolean strict;
-        @Option(names = "--validate", description = "Fail when either side breaks the contract")
+        @Option(names = "--validate", description = "Fail when the service or library breaks the contract")
         boolean validate;
         @Option(names = "--photo", paramLabel = "FILE", description = "Make the frames from this photo")
         Path photo;
