@@ -205,7 +205,7 @@ struct RecorderFunctions {
 
     static void noteReferences([[maybe_unused]] JniRecorder& recorder,
                                [[maybe_unused]] Arguments... arguments) {
-      // A released address may be reused for another object.
+      // A released address may be reused.
       if (std::strncmp(name, "Release", 7) == 0) (giveBack(recorder, arguments), ...);
       if constexpr (sizeof...(Arguments) == 1) {
         if (std::strcmp(name, "DeleteLocalRef") == 0) recorder.freedReference();

@@ -8,7 +8,7 @@ namespace orlu::bench {
 namespace {
 
 // Measures the time that the system takes to duplicate and close the descriptors of shared-memory images, and
-// to return their sizes. Every implementation has this cost, and it includes no JNI calls.
+// to return their sizes. This cost is unavoidable, and not part of the floor.
 double descriptorSeconds(int memory, int images) {
   std::vector<int> open(static_cast<size_t>(images));
   const auto begin = Clock::now();

@@ -25,7 +25,7 @@ struct LogLines {
   int error = 0;
 };
 
-// Use on the thread that created it. A full-async request is one call of processImage(), with the callback
+// Use only on the creating thread. A full-async request is one call of processImage(), with the callback
 // inside, and one of processImageUpdateResult(); the service's work between them is not measured.
 class RequestRunner {
 public:

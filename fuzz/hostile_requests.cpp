@@ -143,7 +143,7 @@ private:
     }
   }
 
-  // Calls back with bytes that no algorithm sends, on attached and unattached threads.
+  // Calls back with random bytes, on attached and unattached threads.
   void callBack() {
     std::vector<uint8_t> bytes(static_cast<size_t>(mRandom() % 90));
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(mRandom());
@@ -179,7 +179,7 @@ private:
     update(friendlyRequest(id));
   }
 
-  // Calls in a local frame, as the VM does for native methods.
+  // Runs `call` in a local frame, as the VM does for native methods.
   void native(const char* name, const std::function<void()>& call) {
     env()->PushLocalFrame(16);
     call();

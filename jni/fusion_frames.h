@@ -19,8 +19,8 @@ struct FusionShot {
   int frameNum = 0;
 };
 
-// A fusion of a switching system takes precedence over bokeh. Its slave is the last frame; its master is the
-// base frame, or frame 0 for a pixel shift or without a base frame. Bokeh with HDR uses frames 2 and 3.
+// SAT fusion takes precedence over bokeh. Its slave is the last frame; its master is the base frame, or frame
+// 0 for a pixel shift or without a base frame. Bokeh with HDR uses frames 2 and 3.
 inline FusionFrames fusionFramesOf(const FusionShot& shot) {
   if (shot.isSatFusion) return {shot.isPixelShift ? 0 : std::max(shot.baseFrame, 0), shot.frameNum - 1};
   if (shot.isDualBokeh && shot.isHdr) return {2, 3};

@@ -37,7 +37,7 @@ STACK = re.compile(r"Exception|(?<!')null")
 
 
 def damage(shot, copy, chance):
-    """Truncates a file of the copy, or flips a bit. Returns a pattern that info's output must match."""
+    """Copies a recording; truncates a file or flips a bit. Returns a pattern that info must print."""
     shutil.copytree(shot, copy)
     file = copy / chance.choice([file.name for file in shot.iterdir()] + list(TEXTS))
     whole = file.read_bytes()
@@ -83,7 +83,7 @@ def check_damage(shots):
 
 
 def limited(shot):
-    """Yields requests that exceed a limit or name a wrong file, each with the message that info must print.
+    """Yields requests that exceed a limit or have a wrong field, each with the message that info must print.
     The caller enlarges the file of the last request."""
     whole = json.loads((shot / "request.json").read_text())
     image = {"format": "NV21", "width": 2, "height": 2, "rowStrides": None, "planeSizes": None,

@@ -90,7 +90,7 @@ const ImageCase kImageCases[] = {
     // Arrays that are empty or too long.
     {"NothingGiven",    "NV21", 64, 48, {},       {},         "1 2 | 0 0 0 0 | 0 0 0 0 | 0", ""},
     {"MoreThanFour",    "NV21", 64, 48, {1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, "1 2 | 1 2 3 4 | 6 7 8 9 | 13", ""},
-    // Sizes that do not fit are clamped.
+    // Sizes beyond int32_t are clamped.
     {"HugeRaw16",       "RAW16", 65536, 65536, {1},  {100},   "18 1 | 65536 0 0 0 | 2147483647 0 0 0 | 2147483647", ""},
     {"HugeNv21",        "NV21", 64, 65536, {65537}, {9000},   "1 2 | 65537 0 0 0 | 2147483647 2147483647 0 0 | 9000", ""},
     {"HugeSum",         "NV21", 64, 48, {80}, {kMax, kMax},   "1 2 | 80 0 0 0 | 3840 2147483647 0 0 | 2147483647", ""},

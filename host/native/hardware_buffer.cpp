@@ -74,7 +74,7 @@ int memoryFile(const char* name, off_t size) {
   return -error;
 }
 
-// Returns the handle of a new buffer, which takes ownership of the descriptors; null if out of memory.
+// Returns a new buffer's handle, which owns the descriptors; null if out of memory.
 native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, int pixels) {
   native_handle_t* const handle = native_handle_create(orlu::host::kDescriptors, orlu::host::kIntegers);
   if (handle == nullptr) return nullptr;

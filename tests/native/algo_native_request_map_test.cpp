@@ -97,8 +97,8 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   }
 }
 
-// The last user to release the block gets it, in any order of the submission (S), the library (L) and Java
-// (J). "O" releases on behalf of a destroyed owner.
+// The last user to release the block gets it: the submission (S), the library (L) or Java (J). "O" releases
+// on behalf of a destroyed owner.
 TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
   const void* const owner = &mLog;
   for (const char* order : {"SLJ", "LSJ", "LJS", "SJL", "SJO", "SOJ", "OS"}) {

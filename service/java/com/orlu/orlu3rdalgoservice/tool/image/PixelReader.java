@@ -15,7 +15,7 @@ final class PixelReader {
     private PixelReader() {
     }
 
-    /** Whether all pixels that `plan` describes fit into `capacity` bytes. */
+    /** Whether all planes that `plan` describes fit into `capacity` bytes. */
     static boolean fits(ImagePlan plan, int capacity) {
         if (plan.width() < 1 || plan.height() < 1
                 || (long) plan.strideBytes() * plan.height() * 3 / 2 > Integer.MAX_VALUE) {

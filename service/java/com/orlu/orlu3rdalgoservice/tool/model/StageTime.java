@@ -8,8 +8,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * One of the consecutive stages of a run, which cover the run without gaps. The probe's events divide the
- * call of processImage into several stages.
+ * A stage of a run. The stages follow each other without gaps. The probe's events divide the call of
+ * processImage into several stages.
  *
  * @param start     by System.nanoTime()
  * @param end       by System.nanoTime()

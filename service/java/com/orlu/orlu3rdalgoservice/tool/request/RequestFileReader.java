@@ -95,7 +95,7 @@ public final class RequestFileReader {
         return (format == null ? PixelFormat.NV21 : format).platformCode();
     }
 
-    // Adds the values that the service puts into the first composition of every request.
+    // Adds the values that the service puts into a request's first composition.
     private void putServiceValues(Json members, boolean fullAsync, FrameSetPlan frames) {
         List<String> algorithms = members.has("algorithms")
                 ? mMistakes.attempt(members.get("algorithms")::strings, List.of()) : null;

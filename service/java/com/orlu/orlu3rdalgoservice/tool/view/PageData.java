@@ -35,7 +35,7 @@ final class PageData {
     private final SourceLines mSource;
     private final Map<String, Object> mJson = new LinkedHashMap<>();
 
-    /** `exhibits` is null if the process died too early. */
+    /** `exhibits` is null if the request's inputs can't be recreated. */
     PageData(RunReport report, Exhibits exhibits, SourceLines source) {
         mReport = report;
         mRun = report.run();

@@ -38,7 +38,7 @@ class Loupe {
     this.move();
   }
 
-  // Makes an element with a picture and the magnifier over it. `size` is the size of the picture's image.
+  // Makes an element with a picture and the magnifier over it. `size` is the picture's unscaled size.
   stage(source, name, size) {
     const image = h("img", {src: source, alt: name, draggable: "false"});
     const glass = h("div", {class: "loupe", hidden: true});

@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.nio.file.Path;
 import java.util.List;
 
-/** Tests which tag an entry of a dump becomes, and which entries and values are dropped. */
+/** Tests which tag value a dump's entry yields, and which entries and values are dropped. */
 public final class DumpReaderTest {
     @Test
     public void importsAnEntryOrNotesWhyNot() {
