@@ -88,7 +88,7 @@ check() {
   [ "$wanted" != 0 ] || pattern="^verdict  ok"
   [[ $status =~ ^$wanted$ && $line =~ $pattern$ ]] ||
     echo "FAILED: $sample, $fault: status $status instead of $wanted, \"$line\" instead of \"$pattern\": $(cat err)"
-  grep -q "\"status\": $status" report || echo "FAILED: $sample, $fault: the report has another status"
+  grep -q "\"status\": $status" report || echo "FAILED: $sample, $fault: the report's status differs"
   left=$(find . -mindepth 1 -maxdepth 1 ! -name out ! -name err ! -name report ! -name shots ! -name events)
   [ -z "$left" ] || echo "FAILED: $sample, $fault: leaves $left in the caller's folder"
 }
