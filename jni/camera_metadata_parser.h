@@ -113,8 +113,9 @@ public:
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
   // Resolves the classes and members of camera_metadata_parser_members.inc for the calling thread, and logs
-  // missing ones; some end the resolution (Oddity 7). `withoutComposition` skips the composition class, because callback threads may not be able to find
-  // it. Returns 0 if everything was found, else -1; operations that don't need a missing member still work.
+  // missing ones; some end the resolution (Oddity 7). `withoutComposition` skips the composition class, because
+  // callback threads may not be able to find it. Returns 0 if everything was found, else -1; operations that
+  // don't need a missing member still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
   // Declares the objects of a request's frames, so that the class of each object is checked once instead of

@@ -231,7 +231,7 @@ public final class Recording {
         return true;
     }
 
-    /** Runs the request and records its result; for a full-async request, only this call's status and times. */
+    /** Runs the request and records its result; for a full-async request, only this call's status and time. */
     public int processImage(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         int status = timed("processed", null,

@@ -16,8 +16,8 @@ import java.util.function.Supplier;
 import java.util.logging.Logger;
 
 /**
- * Records each request in its own folder. A failure is logged and never affects the request. Thread-safe except
- * for the setters.
+ * Records each request in its own folder. A failure is logged and never affects the request. Thread-safe
+ * except for the setters.
  */
 public final class RequestRecorder {
     /** The property (see Setting) that enables recording and names the folder of the recordings. */

@@ -18,7 +18,7 @@ final class Shear {
     private static final int MOST_COLUMNS = 512;
     /** In a sheared picture, unshifted rows differ at least this many times as much as shifted rows. */
     private static final double RATIO = 1.25;
-    /** Shear needs at least this mean difference of unshifted rows, in levels: uniform rows match anywhere. */
+    /** Unshifted rows of a sheared picture differ by this mean, in levels: uniform rows match anywhere. */
     private static final double LEAST_DIFFERENCE = 1;
 
     private final int mWidth;

@@ -19,7 +19,7 @@ import javax.imageio.plugins.tiff.TIFFDirectory;
 import javax.imageio.plugins.tiff.TIFFField;
 import javax.imageio.stream.ImageInputStream;
 
-/** A picture file, such as PNG, TIFF or JPEG. Methods throw an IOException with the reason if a file can't be read. */
+/** A picture file, such as PNG, TIFF or JPEG. Methods throw an IOException if a file can't be read. */
 public final class PictureFile {
     private static final int MOST_PIXELS = 1 << 27;
     private static final long MOST_BYTES = 1 << 29;

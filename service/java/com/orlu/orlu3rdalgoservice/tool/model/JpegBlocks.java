@@ -75,8 +75,8 @@ final class JpegBlocks {
         return end;
     }
 
-    // Returns how many bytes of a block to keep: a whole colour profile, the colour transform, a JFIF block up
-    // to its thumbnail, else the marker and the length.
+    // Returns how many bytes of a block to keep: a whole colour profile, the colour transform, a JFIF block
+    // up to its thumbnail, else the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);

@@ -7,7 +7,7 @@ import org.junit.Test;
 
 import java.util.HexFormat;
 
-/** Tests the blanking of JPEG blocks. The files are in hexadecimal; in CASES, bytes 41 outside names must become 0. */
+/** Tests the blanking of JPEG blocks. Files are hexadecimal; in CASES, bytes 41 outside names become 0. */
 public final class JpegBlocksTest {
     private static final String JFIF = "4a46494600 0101 00 0001 0001";
     private static final String TABLE = "ffdb 0004 0102";
