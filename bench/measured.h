@@ -1,4 +1,4 @@
-// Measures requests and their lower bounds alternately.
+// Measures a request and its floor alternately. The floor is the time of the request's JNI calls alone.
 #pragma once
 
 #include <benchmark/benchmark.h>

@@ -14,8 +14,8 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// Returns whether Java has finished the full-async request or can no longer finish it. The record stays while
-// its block has users.
+// Returns true if Java has finished the full-async request, or can no longer finish it. The record stays
+// while its block has users.
 bool isFinished(const AlgoNativeRequest& request) {
   return (request.blockUsers & kUsedByJava) == 0;
 }
@@ -149,8 +149,8 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // If the client was destroyed meanwhile, its destructor left the request to Java, but the announcement did
-  // not reach Java.
+  // If the client was destroyed meanwhile, its destructor left the request for Java to finish. Java can't,
+  // because the announcement did not reach it.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }

@@ -28,7 +28,7 @@ bool CameraMetadataParser::FrameObjects::check(JNIEnv* env, jobject object, jcla
 bool CameraMetadataParser::Batch::makeRoom() {
   constexpr int kMostOperations = 16;
   constexpr jint kReferencesEach = 3;  // a key's string, the key, and the value
-  constexpr jint kOthers = 16;         // references that their owners free
+  constexpr jint kOthers = 16;         // other references, which their ScopedLocalRefs free
   if (mFrame && mOperations < kMostOperations) {
     ++mOperations;
     return true;
@@ -78,7 +78,7 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
   return find(mEnv, captureResult, parameter, key, valueClass);
 }
 
-// Lookups for the getters: the result frees its reference unless the batch does.
+// Lookups for the getters. The returned ScopedLocalRef frees the reference, unless a batch does.
 ScopedLocalRef<> CameraMetadataParser::ask(jobject captureResult, jobject parameter, const char* key,
                                            jclass valueClass) {
   JNIEnv* const owner = referenceOwner();

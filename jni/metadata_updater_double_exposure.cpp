@@ -4,7 +4,7 @@
 
 namespace orlu {
 
-// Tags and keys are spelled "insensity" (Oddity 36).
+// The blend's tag and key are misspelt "insensity" (Oddity 36).
 void MetadataUpdater::updateDoubleExpo() {
   const auto isShot = mShot.copy<int32_t>("orlu.doubleExpo.capture", kParameter, "is_double_expo_shot");
   LOGD("%s: isDoubleExpoShot %d", __func__, isShot);

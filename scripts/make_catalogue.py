@@ -44,8 +44,8 @@ PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 # Parameters of an abort. No sample requests an abort, so no trial finds their writers.
 ABORT = ("abort_key", "abort_val")
-# The text before the name of a function of Shot; "hot." matches "shot." and "mShot.". Each such function that
-# reads one fixed tag has a KeptTag, except exposureOf(), which takes a frame.
+# The text before the name of a function of Shot; "hot." matches "shot." and "mShot.". Every function of Shot
+# that reads one fixed tag has a KeptTag, except exposureOf(), which takes a frame.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"
@@ -85,7 +85,7 @@ def source_rows(tags):
             for tag, pattern in patterns.items():
                 if pattern.search(line):
                     rows.add(f"{'puts' if is_put(file, line) else 'reads'} {tag} {function} jni/{file.name}")
-            # The metadata updater reads back some of its own values, and those of an earlier pass.
+            # The metadata updater, too, reads back some parameters that it has written.
             if file.name.startswith("result_updater") or "readBack<" in line:
                 for section, key in PARAMETER.findall(line):
                     rows.add(f"returns {section.lower()}/{key} {function} jni/{file.name}")
@@ -122,7 +122,7 @@ def requests(samples):
 
 
 def bare(request):
-    """Returns the request without the tags of its frames, which keep their number, noise and sizes."""
+    """Returns the request without its frames' tags; keeps the frames' number, noise and sizes."""
     frames = request["frames"]
     kept = {name: value for name, value in frames.items() if name not in ("common", "each")}
     return {**request, "frames": kept}
@@ -205,7 +205,7 @@ def asked_tags(report):
 
 
 def found(samples, tags):
-    """Returns all rows, and the tags that were read."""
+    """Returns all findings, a line of text each, and the tags that were read."""
     rows, asked = set(), set()
     # Builds first, so that concurrent runs do not.
     subprocess.run([ROOT / "run", "--check"], stdout=subprocess.DEVNULL, check=True)

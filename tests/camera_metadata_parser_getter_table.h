@@ -24,7 +24,7 @@ using P = CameraMetadataParser;
 // Arguments of a getter. Only some getters use `parameter` and `capacity`.
 struct Ask {
   const char* key;
-  jobject source;  // the capture result, or the only source
+  jobject source;  // the capture result, or what a getter with one source reads from
   jobject parameter;
   int capacity;
 };
@@ -41,7 +41,7 @@ int call(Get get, P& parser, const Ask& ask, Outputs&&... outputs) {
 // Value of numeric outputs before the call.
 constexpr int kUnwritten = -77;
 
-// Returns "status: elements". An unwritten element before the last written one appears as "#".
+// Returns "status: elements". Unwritten elements are "#"; those after the last written element are omitted.
 template <typename Elements>
 std::string told(int status, const Elements& elements) {
   std::ostringstream text;
@@ -56,7 +56,7 @@ std::string told(int status, const Elements& elements) {
   return text.str();
 }
 
-// Passes a record to `get` and returns the record, including padding, as a list of elements.
+// Passes a record to `get`, and returns told() of the record's elements, including padding.
 template <typename Element, typename Record, typename Get>
 std::string readAs(Get get) {
   Element elements[sizeof(Record) / sizeof(Element)];

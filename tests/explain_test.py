@@ -1,6 +1,9 @@
 #!/usr/bin/env python3
-"""Changes tags of samples, one at a time, and compares the effects with ./run --explain: explain_test.py
-BUILD_FOLDER [--all]. Without --all, uses only some of the samples. Also checks the output of known cases."""
+"""Changes tags of samples, one at a time, and compares the effects with those that ./run --explain reports.
+Also checks the output of known cases.
+
+explain_test.py BUILD_FOLDER [--all]    without --all, uses only some of the samples
+"""
 
 import concurrent.futures
 import json

@@ -139,7 +139,7 @@ def refuses():
             ({"format": "RAW16", "file": "tight.raw", "width": 16}, "missing field height"),
             ({"format": "RAW16", "width": 16},
              "width: requires the field \"file\"; without it, the pixels come from a photo"),
-            ({**raw, "stride": 30}, "stride: expected at least 32 bytes, a row of 16 pixels, found 30"),
+            ({**raw, "stride": 30}, "stride: expected at least 32 bytes (a row of 16 pixels), found 30"),
             ({**raw, "height": 13}, "file: tight.raw: plane 0: expected 416 bytes (416 at offset 0), found 384"),
             ({**raw, "offset": 1}, "file: tight.raw: plane 0: expected 385 bytes (384 at offset 1), found 384"),
             ({**nv21, "stride": 18},

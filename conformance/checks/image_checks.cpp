@@ -110,13 +110,13 @@ private:
   bool mIsDone = true;
 };
 
-// Copies an image to two outputs with this layout and checks that every pixel is written. Skips packed raw
-// images if the padding differs: such outputs must have the input's strides.
+// Copies an image to two outputs with this layout and checks that every pixel is written. Packed raw outputs
+// must have the input's strides, so others are skipped.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
   if (isPacked && !isSame) return;
-  // Skips RAW16 strides of 2 * width pixels or more: they could also be numbers of bytes.
+  // A RAW16 stride counts pixels; from 2 * width on, a library may take it for bytes, so it is skipped.
   if (from.format == kFormatRaw16 && std::max(from.padding, layout.padding) >= 2 * from.width) return;
   ImageShape to = from;
   to.padding = layout.padding;
@@ -159,7 +159,8 @@ void checkPixels() {
       }
     }
   }
-  note(std::to_string(copies) + " copies; an unknown format and a JPEG may stay untouched");
+  note(std::to_string(copies) +
+       " combinations of sizes and layouts; JPEGs and unknown formats are not checked");
 }
 
 void checkOutputs() {

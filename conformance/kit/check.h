@@ -32,20 +32,21 @@ void note(const std::string& text);
 void warn(const std::string& text);
 // Makes the check's process skip its exit handlers when the check has returned.
 void endAtOnce();
-// Exits the check's process now. Failures so far are kept; the rest is reported as "not run: <why>".
+// Exits the check's process now. Keeps the failures so far; reports the rest of the check as "not run:
+// <why>".
 [[noreturn]] void endNotTried(const std::string& why);
 // Counts a missing callback. After two checks with missing callbacks, later checks wait for a shorter time.
 void missCallback();
 
 struct Options {
   std::string library;
-  int patienceSeconds = 10;   // wait for a callback
+  int patienceSeconds = 10;   // limit for a callback and an operation
   int limitSeconds = 120;     // per check
   int budgetSeconds = 110;    // for all checks; 0 for no limit
-  double hostileSeconds = 3;  // of random parameters
-  double hammerSeconds = 3;   // of eight threads that set values
+  double hostileSeconds = 3;  // duration of random parameters
+  double hammerSeconds = 3;   // duration of eight threads that set values
   unsigned seed = 1;
-  bool allowNoise = false;  // differing outputs of one request are only a warning
+  bool allowNoise = false;  // outputs that differ between equal requests are only a warning
   std::string jvm;          // path of libjvm.so
 };
 
@@ -62,7 +63,7 @@ struct Outcome {
   double seconds = 0;
 };
 
-// Evidence of checks that are skipped because the time budget is used up. The command then fails.
+// Reported for checks that are skipped because the time budget is used up; ./run conform then fails.
 constexpr char kOutOfTime[] = "not run: the time for all checks is over (--budget)";
 
 void startBudget();
@@ -72,7 +73,7 @@ void startBudget();
 // no other thread runs.
 Outcome runApart(const Check& check);
 
-// Sends the failures and skips of a check to its parent process. Install it once.
+// Sends a check's failures and its reason for skipping to the parent process. Install it once.
 testing::TestEventListener* newCheckListener();
 
 }  // namespace orlu::conform

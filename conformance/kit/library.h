@@ -89,7 +89,8 @@ void callPlain(const std::function<void(void*)>& callable, Arguments&&... argume
   }
 }
 
-// Evidence of checks that are skipped because the library can't be used. The command then fails.
+// The reason reported for checks that are skipped because the library can't be used; ./run conform then
+// fails.
 constexpr char kUnusable[] = "the library can't be used; see the checks loading and layout";
 
 // Opens the library for a check, or skips the check.

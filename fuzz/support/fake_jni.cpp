@@ -143,6 +143,7 @@ void fillReferences(JNINativeInterface_& t) {
     return nullptr;
   };
   t.EnsureLocalCapacity = [](JNIEnv*, jint) -> jint {
+    enter();
     gIsThrowing = goesWrong();
     return gIsThrowing ? JNI_ERR : JNI_OK;
   };
@@ -161,7 +162,10 @@ void fillValues(JNINativeInterface_& t) {
     enter(object);
     return gNumber;
   };
-  t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject) { enter(object); };
+  t.SetObjectField = [](JNIEnv*, jobject object, jfieldID, jobject value) {
+    enter(object);
+    if (value != nullptr) take(value);
+  };
   t.SetIntField = [](JNIEnv*, jobject object, jfieldID, jint) { enter(object); };
   t.GetObjectField = objectOrNull;
   t.GetObjectArrayElement = objectOrNull;

@@ -80,7 +80,7 @@ bool Ledger::print() const {
     ++sum[column];
     if (!isExpected(request)) unexpected.push_back(request);
   }
-  std::printf("%-25s %9s", "request as planned", "requests");
+  std::printf("%-25s %9s", "kind of request", "requests");
   for (size_t i = 0; i < kEndings; ++i) std::printf("%*s", widthOf(i), kEndingNames[i]);
   std::putchar('\n');
   for (size_t i = 0; i < rows.size(); ++i) printRow(kSoakWays[i].name, rows[i]);

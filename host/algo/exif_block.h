@@ -16,8 +16,8 @@ struct ExifFacts {
   std::optional<int32_t> rotation;  // degrees clockwise by which viewers rotate the picture
 };
 
-// Returns the segment's contents, starting with "Exif". Absent and implausible facts are omitted. Empty if
-// libexif fails.
+// Returns the segment's contents, starting with "Exif". Most absent or implausible facts are
+// omitted. Empty if libexif fails.
 std::vector<uint8_t> buildExif(const ExifFacts& facts);
 
 }  // namespace orlu::standin

@@ -26,14 +26,14 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Returns the total size of the values, without their names, or of the serialised metadata, in bytes.
+  // Returns a size in bytes: of all values (without their names), or of the serialised metadata.
   size_t size() const;
 
   // Stores a copy of `size` bytes. Returns -1 for a null name, for null data unless `size` is 0, and for a
   // camera-metadata block.
   int set(const char* section, const char* key, const void* data, size_t size);
   // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
-  // Returns -1 if the value is absent or an argument is null.
+  // Returns -1 if the value is absent, for a null name, and for null data unless `size` is 0.
   int get(const char* section, const char* key, void* data, size_t size) const;
   // Replaces the serialised metadata. Returns -1 for a parameter block, and for null unless `size` is 0.
   int setRaw(const char* bytes, size_t size);

@@ -1,4 +1,4 @@
-// Number of bytes of a locked hardware buffer, for layouts of devices and rejected layouts.
+// Number of bytes of a locked hardware buffer, for layouts that devices use and for invalid layouts.
 
 #include "pixel_extent.h"
 

@@ -353,7 +353,7 @@ TEST(RealLibrary, SaysWhatItCannotOpen) {
   std::remove(text.c_str());
 }
 
-// The probe opens the next library on the loader's path: the library that is used without the probe.
+// The probe opens the library that the loader would open if there were no probe.
 TEST(RealLibrary, IsTheNextOfItsName) {
   const std::string lib = test::libraryFolder();
   void* const probe = dlopen((lib + "/../probe/liborlu.vac.interface.so").c_str(), RTLD_NOW);
@@ -363,7 +363,7 @@ TEST(RealLibrary, IsTheNextOfItsName) {
   EXPECT_TRUE(callableNames(table, false).empty());
 }
 
-// The library that the probe replaces takes precedence over the stand-in, which the loader would find. The
+// A library renamed to .real.so beside the probe takes precedence over the one that the loader finds. The
 // library that ORLU_ALGO_LIBRARY names takes precedence over both.
 TEST(RealLibrary, IsBesideTheProbe) {
   const std::string build = test::libraryFolder() + "/..";

@@ -62,7 +62,7 @@ expect "RPATH" "" "$(dynamic RPATH)"
 expect "relocations in code" "" "$(grep -E 'TEXTREL' <<<"$dynamic_section" || true)"
 expect_match "all symbols bound at load time" 'BIND_NOW|FLAGS_1.*NOW' "$dynamic_section"
 expect_match "data is read-only after relocation" '^ *GNU_RELRO ' "$segments"
-expect_match "stack without code" '^ *GNU_STACK .* RW +' "$segments"
+expect_match "the stack is not executable" '^ *GNU_STACK .* RW +' "$segments"
 
 if [ "$machine" = arm ]; then
   header=$("$readelf" -hW "$library")

@@ -77,7 +77,7 @@ std::string tagTypeOf(const std::string& type) {
   return name;
 }
 
-// Only capture results check tags and their types.
+// Setting an unknown tag or a wrong type in a capture result throws; compositions accept any value.
 void setKnownTag(jobject metadata, const char* tag, const GoldenTag& value) {
   try {
     setTag(metadata, tag, javaValue(value));
@@ -91,7 +91,7 @@ void putTag(jobject composition, const char* tag, const GoldenTag& value) {
   putKey(composition, tag, javaValue(value));
 }
 
-// Each tag needs several references; a local frame per tag limits them for long bursts.
+// Each tag creates several JNI references. A JNI local frame for each tag frees them.
 void fill(const std::map<std::string, GoldenTag>& tags, jobject target,
           void (*set)(jobject, const char*, const GoldenTag&)) {
   for (const auto& [tag, value] : tags) {
@@ -216,7 +216,7 @@ class Outcome {
 public:
   Outcome(const GoldenRun& run, const LogCapture& log) : mRun(run), mLines(log.lines()) {}
 
-  // Returns the expectation if it is met, else the actual result.
+  // Returns the expectation if it is met, else the actual result. Of outputs and puts, sees only the first.
   std::string found(const std::string& expectation) const {
     std::istringstream in(expectation);
     std::string word;
@@ -243,7 +243,8 @@ private:
     return "times " + std::to_string(times) + ' ' + name;
   }
 
-  // Counts log lines, for an expectation such as `log 2 "message"`. Lines of the short tag have no prefix.
+  // Counts log lines, for an expectation such as `log 2 "message"`. Lines of the short log tag have no source
+  // position.
   std::string logged(std::istream& in, const std::string& kind) const {
     const bool isShort = kind == "short";
     int expected = 0;

@@ -26,7 +26,7 @@ record Outcome(int status, String printed, String problem) {
             "[\\x00-\\x08\\x0b-\\x1f\\x7f-\\x9f\\u061c\\u200e\\u200f\\u2028-\\u202e\\u2066-\\u2069]");
     private static final Pattern STACK =
             Pattern.compile("(?m)^\\s*at [\\w.$]+\\(|\\b[A-Z]\\w+(?:Exception|Error)\\b");
-    // An empty message or "null" after a place or a severity, unless the text continues on the next line.
+    // An empty message or "null" after a place or one of these words, unless the next line continues it.
     private static final Pattern EMPTY =
             Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.[a-z]\\w*|damaged|read|error|warning|note): ?"
                     + "(?:null)?$(?!\\n {5})");

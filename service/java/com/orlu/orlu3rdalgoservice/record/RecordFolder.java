@@ -113,7 +113,8 @@ final class RecordFolder {
 
     /**
      * Moves a file with this checksum into the folder. Deletes it instead if writeBytes() has written a file
-     * of the same checksum and size, or if it exceeds the size limit. Returns false in the second case only.
+     * of the same checksum and size, or if it exceeds the size limit. Returns false if only the limit
+     * is the reason.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();

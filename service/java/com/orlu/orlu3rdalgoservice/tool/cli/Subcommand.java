@@ -8,7 +8,7 @@ import java.io.IOException;
 
 import picocli.CommandLine.Model.CommandSpec;
 
-/** A subcommand of ./run, listed in Commands. Its fields are its options, annotated for picocli. */
+/** A subcommand of ./run, listed in Commands. Annotated fields, or describe(), define its options. */
 interface Subcommand {
     /**
      * Runs the subcommand. Returns one of Verdict's statuses; comparisons return FAILED for a difference. An

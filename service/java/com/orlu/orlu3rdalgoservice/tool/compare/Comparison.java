@@ -20,7 +20,7 @@ import java.util.Set;
  * "outputs: 1 / 2": the first run's value, then the other run's value.
  */
 public final class Comparison {
-    // An address, which differs between processes.
+    // An id that depends on the number of earlier requests of the process.
     private static final Set<String> NEVER_EQUAL = Set.of("nativeRequestAddr");
 
     private final Run mOne;
@@ -31,7 +31,7 @@ public final class Comparison {
     private final List<Difference> mDifferences = new ArrayList<>();
 
     /**
-     * Creates a comparison. `ignored` contains the names of parameters, values put, calls and images to
+     * Creates a comparison. `ignored` contains the names of parameters, put values, calls and images to
      * ignore, and may contain "algorithm list" and "camera metadata". Numbers that differ by at most the
      * tolerance are equal.
      */
@@ -90,7 +90,7 @@ public final class Comparison {
         return notes;
     }
 
-    /** Returns a text with the numbers of parameters, frames and outputs that were compared. */
+    /** Returns a text with the numbers of parameters, frames and outputs that both runs have. */
     public String compared() {
         return "%d parameters, %d frames, %d outputs".formatted(
                 Math.min(mOne.parameters().size(), mOther.parameters().size()),
@@ -147,7 +147,7 @@ public final class Comparison {
 
     private void comparePuts() {
         if (mOne.puts().size() != mOther.puts().size()) {
-            differ("frames with values put", mOne.puts().size(), mOther.puts().size());
+            differ("frames with put values", mOne.puts().size(), mOther.puts().size());
         }
         for (int frame = 0; frame < Math.min(mOne.puts().size(), mOther.puts().size()); ++frame) {
             Map<String, Json> one = mOne.puts().get(frame);
@@ -175,8 +175,8 @@ public final class Comparison {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
-    // Each run has compared the images that the algorithm library saw with Java's images. Reports where the
-    // outcomes of the two runs differ. Needs the probe's pixels of both runs.
+    // Each run knows how the images seen by the algorithm library differ from Java's. Reports where the two
+    // runs are unlike in this. Needs the probe's pixels of both runs.
     private void compareHanded() {
         for (HandedImage one : known(mOne)) {
             for (HandedImage other : known(mOther)) {

@@ -8,9 +8,9 @@ import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 
-/** Rows about tags. Frames with the same text share a row. */
+/** Lines of a table about tags. Frames with the same text share a line. */
 public final class TagRows {
-    /** A text about some frames of a tag. The frames are words such as "frames 0-3,5". */
+    /** A text about a tag in some frames, which `frames` names, such as "frames 0-3,5". */
     public record Row(String tag, String frames, String text) {
     }
 

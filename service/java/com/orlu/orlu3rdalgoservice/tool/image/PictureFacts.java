@@ -103,7 +103,7 @@ public final class PictureFacts {
         return sum / pixels();
     }
 
-    /** The luma that the fraction `part` (0 to 1) of the pixels does not exceed. */
+    /** The lowest luma such that at least the fraction `part` (0 to 1) of the pixels is not above it. */
     public int lumaAt(double part) {
         long left = Math.round(part * pixels());
         int level = 0;

@@ -84,7 +84,7 @@ public interface PixelRows {
         ImageWriteParam setting = writer.getDefaultWriteParam();
         setting.setCompressionMode(ImageWriteParam.MODE_EXPLICIT);
         setting.setCompressionQuality(FAST);
-        // Passes a stream: given a file that can't be written, ImageIO prints a stack trace.
+        // Passes a stream, not the file: ImageIO prints a stack trace if it can't write a file.
         try (OutputStream bytes = Files.newOutputStream(file);
                 ImageOutputStream png = new MemoryCacheImageOutputStream(bytes)) {
             writer.setOutput(png);

@@ -38,7 +38,7 @@ public final class DngFile {
 
     private static native void nReadRows(byte[] path, RowSink to) throws IOException;
 
-    /** Reads the headers, and checks that the file is large enough for all samples. */
+    /** Reads the headers, and checks that the file is not too short for its samples. */
     public static DngFile open(Path path) throws IOException {
         if (!Files.isReadable(path)) {
             throw new IOException("can't be opened");
@@ -56,7 +56,7 @@ public final class DngFile {
         return mHeight;
     }
 
-    /** The bit depth of the white level, or of a sample in the file if there is no white level. */
+    /** The bits that the white level needs; without a valid white level, the stored bits of a sample. */
     public int bits() {
         return mBits;
     }

@@ -52,7 +52,7 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads a JPEG, DNG or other TIFF file. Throws if the file is damaged or has another structure. */
+    /** Reads a JPEG, DNG or other TIFF file. Throws if the file can't be read; notes other damage. */
     static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
             Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)
@@ -130,7 +130,7 @@ final class ExifReader {
                 ExifDirectoryBase.TAG_CFA_PATTERN_2, ExifDirectoryBase.TAG_CFA_PATTERN)) {
             Directory directory = holding(exifTag);
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
-            // In the second tag, the pattern follows its size, which is two 16-bit numbers.
+            // In TAG_CFA_PATTERN, the pattern's size, two 16-bit numbers, precedes the pattern.
             int start = exifTag == ExifDirectoryBase.TAG_CFA_PATTERN ? 4 : 0;
             if (pattern != null && pattern.length >= start + 4) {
                 mTaken.add(exifTag);

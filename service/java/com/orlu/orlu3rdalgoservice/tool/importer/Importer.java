@@ -107,8 +107,8 @@ public final class Importer {
         SuiteReader suite = new SuiteReader(mNotes);
         suite.read(file);
         mFrames.addAll(suite.frames());
-        suite.outputs().stream().limit(MOST_OUTPUTS)
-                .forEach(output -> mExpected.add(new Expected(output, file)));
+        suite.outputs().forEach(output -> mExpected.add(new Expected(output, file)));
+        limit("output", mExpected, MOST_OUTPUTS);
     }
 
     private void readDump(Path file) throws MistakeException, IOException {

@@ -29,7 +29,7 @@ public final class VerdictFindings {
                             + "that the library is the intended file.",
                     "the algorithm library", "no algorithm library", "createClient"),
             new Kind("time-out", Tab.TIMELINE, "The request timed out: no callback finished it.",
-                    "In the timeline, no callback of this request follows the wait. Either the library "
+                    "The timeline shows no valid callback of this request before the end of the wait. Either the library "
                             + "never finished, or its callback was ignored for the given reason.",
                     "no callback for request"),
             new Kind("ignored-callback", Tab.TIMELINE, "A callback was ignored.",
@@ -41,6 +41,8 @@ public final class VerdictFindings {
             new Kind("tags", Tab.TAGS, "The request has tags without effect.",
                     "They are misspelt, have a wrong type, or don't apply to this kind of capture.",
                     "never read", "of a wrong type"),
+            new Kind("warnings", Tab.TAGS, "The request file has warnings.", "--check prints them.",
+                    "on the request file"),
             new Kind("failed-call", Tab.TIMELINE, "A call failed.",
                     "Select the call in the timeline to see its outcome.", ""));
 
@@ -48,8 +50,8 @@ public final class VerdictFindings {
     }
 
     /**
-     * Returns a finding for each reason, except the name of the crash file, and reasons about outputs, which
-     * ImageFindings explains.
+     * Returns a finding for each reason. Skips the name of the crash file, and the reasons about outputs:
+     * ImageFindings explains those.
      */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();

@@ -27,9 +27,9 @@ final class JpegBlocks {
     }
 
     /**
-     * Returns a copy of the same size in which EXIF and other application blocks, thumbnails, comments, and
-     * bytes outside any block or after the picture are 0. Keeps what decoders need for colours. Returns the
-     * array itself if there is nothing to blank or if it is not a JPEG.
+     * Returns a copy of the same size in which the contents of EXIF and other application blocks, thumbnails,
+     * comments, and bytes outside any block or after the picture are 0. Keeps markers and what decoders need
+     * for colours. Returns the array itself if there is nothing to blank or if it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE

@@ -54,8 +54,8 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 height > 0 ? height : frameHeight, stride, capacity, bits, frame, file, place);
         int row = format.tightStride(sized.width);
         if (stride > 0 && stride < row) {
-            throw place.error("stride", "expected at least " + row + " bytes, a row of " + sized.width
-                    + " pixels, found " + stride);
+            throw place.error("stride", "expected at least " + row + " bytes (a row of " + sized.width
+                    + " pixels), found " + stride);
         }
         return sized;
     }

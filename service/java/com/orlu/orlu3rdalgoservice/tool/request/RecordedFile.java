@@ -28,7 +28,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
     public static final int MOST_BYTES = 1 << 30;
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_][A-Za-z0-9_.-]{0,99}");
 
-    /** Returns the file in this folder that a field names. Does not open the file. */
+    /** Returns the file that a field names, in this folder. Does not open it. */
     public static RecordedFile named(Path folder, Json field, int size, String crc) throws MistakeException {
         if (!isPlain(field.string())) {
             throw field.needs("the name of a file in the recording's folder");

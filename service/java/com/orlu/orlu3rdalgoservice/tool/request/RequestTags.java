@@ -18,7 +18,7 @@ public final class RequestTags {
         try {
             Json field = Json.parse("", 0, value);
             Object read = TagValues.ofTag(tag, field, 0);
-            // A mistake in an element is more precise than the exception of set().
+            // A mistake noted in an element describes the problem better than the exception of set().
             field.mistakes().throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;

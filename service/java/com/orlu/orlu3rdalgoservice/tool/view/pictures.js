@@ -25,7 +25,7 @@ function picturesPanel() {
       "p",
       {class: "faint"},
       "Click an input to show it above. " +
-        (images.lost ? "The inputs were recreated from the request. " : baseText(images)) +
+        (images.lost ? "The inputs are shown as they were sent. " : baseText(images)) +
         (data.algorithms.frames?.length
           ? " The algorithm library reported which frames it kept or dropped."
           : ""),

@@ -13,7 +13,7 @@ import java.util.stream.IntStream;
 
 import org.junit.Test;
 
-/** Tests the text of a parameter's bytes: each field of a record at its offset, and bytes that don't fit. */
+/** Tests the text of a parameter's bytes: each field of a record at its offset, and bytes that don't fit the type. */
 public final class ParameterFormatterTest {
     private static ByteBuffer bytes(int size) {
         return ByteBuffer.allocate(size).order(ByteOrder.LITTLE_ENDIAN);
@@ -55,13 +55,13 @@ public final class ParameterFormatterTest {
             {ParameterType.DOUBLES, "000000000000f03f 000000000000e0bf", "[1, -0.5]", "[1.0,-0.5]"},
             {ParameterType.BITS, "01000000000000800f00000000000000", "[0x8000000000000001, 0xf]",
                 "\"[0x8000000000000001, 0xf]\""},
-            // Two equal values are listed; three are abbreviated.
+            // In text, two equal values at the end are listed; three are abbreviated.
             {ParameterType.INTS, "07000000".repeat(2), "[7, 7]", "[7,7]"},
             {ParameterType.INTS, "05000000" + "07000000".repeat(3), "[5, 7 x 3]", "[5,7,7,7]"},
             {ParameterType.COUNT, "09000000 ffffffff", "9", "9"},
             {ParameterType.TEXT, "6162 00 63", "\"ab\"", "\"ab\""},
             {ParameterType.TEXT, "c3a4", "\"\u00e4\"", "\"\u00e4\""},
-            // Ints that would be a time of many days are read as floats, except the extreme ints.
+            // Bytes that are many days as an int are a float, unless they are the largest or smallest int.
             {ParameterType.MILLISECONDS, "10270000", "10000", "\"10000\""},
             {ParameterType.MILLISECONDS, "ffffffff", "-1", "\"-1\""},
             {ParameterType.MILLISECONDS, "ffffff7f", "2147483647", "\"2147483647\""},
@@ -137,7 +137,7 @@ public final class ParameterFormatterTest {
                 .putFloat(36, 5.4f).putFloat(68, 0.25f).putLong(80, 77).putDouble(88, 47.5)
                 .putDouble(96, -122.25).putDouble(104, 30).putLong(112, 1_700_000_000_000L);
         String begin = "exposure 10000000000 ns, ISO %s, aperture 1.8, sensitivity 5, zoom 2, "
-                + "focal length 5.4 mm, in 35 mm %s, flash mode 10, flash state %s, AWB mode 12, "
+                + "focal length 5.4 mm, 35 mm equivalent %s, flash mode 10, flash state %s, AWB mode 12, "
                 + "scene mode 13, AE mode 14, AE compensation 15 steps of 34/35, filter 16 intensity 0.25 "
                 + "mask 18, timestamp 77, location %s";
         // Offset of the cleared flag, -1 for none, and the fields that depend on flags.
