@@ -72,9 +72,9 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table whose callables call those of `real` and report to the observer. Each cookie, unless it has
-// no function, is replaced by the address of its own wrapper. Wrappers are never freed, so that a late
-// callback still reaches the caller's function.
+// Returns a table whose callables call those of `real` and report to the observer. Each cookie that points to
+// a function is replaced by the address of a wrapper of this function. Wrappers are never freed, so that a
+// late callback still reaches the caller's function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.

@@ -37,8 +37,8 @@ public final class ParameterFormatter {
     }
 
     /**
-     * Returns the value for programs: a number, a boolean, a string or a list of numbers; for other types, the
-     * text for people.
+     * Returns the value for programs: a number, a boolean, a string or a list of numbers; for other types,
+     * the text for people.
      */
     public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);

@@ -13,7 +13,7 @@ import java.util.stream.IntStream;
 
 import org.junit.Test;
 
-/** Tests the text of a parameter's bytes: each field of a record at its offset, and bytes that don't fit the type. */
+/** Tests the text of a parameter's bytes: a record's fields at their offsets, and bytes of a wrong size. */
 public final class ParameterFormatterTest {
     private static ByteBuffer bytes(int size) {
         return ByteBuffer.allocate(size).order(ByteOrder.LITTLE_ENDIAN);
