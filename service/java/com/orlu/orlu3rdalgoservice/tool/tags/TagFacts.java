@@ -8,7 +8,7 @@ import java.util.Map;
 /**
  * Facts about a tag besides its type.
  *
- * @param unit    "ns", "px", ...; "flag" for zero or any other number, "code" for an enumeration, "-" for none
+ * @param unit    "ns", "px", ...; "flag" for zero or not zero, "code" for an enumeration, "-" for none
  * @param meaning one or two sentences
  * @param values  the known values and their meanings
  */
