@@ -1,4 +1,4 @@
-// RequestProcessor's methods, except those that process images: see request_processor_image.cpp.
+// RequestProcessor's methods. Those that process images are in request_processor_image.cpp.
 
 #include "request_processor.h"
 
@@ -19,7 +19,8 @@ namespace {
 
 constexpr char kLogTag[] = "_V_VASJNI-RequestProcessor";
 
-// A string of the parameter object in a zero-padded buffer of fixed size, not necessarily terminated.
+// A string of the parameter object in a zero-padded buffer of N bytes, cut to N. A string of N bytes or more
+// has no terminator.
 template <size_t N>
 struct StringParameter {
   StringParameter(CameraMetadataParser& parser, const char* key, jobject param)
@@ -31,7 +32,8 @@ struct StringParameter {
   bool found;
 };
 
-// Returns a new descriptor of the memory, or -1. Checks the class first: the platform's function does not.
+// Returns a new descriptor of the memory, or -1. Checks the object's class, because
+// ASharedMemory_dupFromJava() does not.
 int duplicate(JNIEnv* env, jobject sharedMemory) {
   ScopedLocalRef<jclass> clazz(env, env->FindClass("android/os/SharedMemory"));
   clearException(env);
@@ -50,7 +52,8 @@ ReleaseMode releaseMode(bool formatFound, int32_t format) {
   return format == kAndroidRawSensor || format == kAndroidRaw10 ? kModeRaw : kModeProcessed;
 }
 
-// Stores "AbortKey" and "AbortVal" in the block. Returns whether they name a frame to abort.
+// Stores "AbortKey" in the block and, if this key names a frame, "AbortVal". Returns whether a frame is to be
+// aborted.
 bool readAbort(CameraMetadataParser& parser, jobject param, AlgoNativeContext& context, void* metadata) {
   constexpr char kFrameFlag[] = "orlu.control.frameFlag";
   StringParameter<128> key(parser, "AbortKey", param);
@@ -97,7 +100,7 @@ int RequestProcessor::destroy(JNIEnv* /*env*/, int64_t inst) {
   LOGD("destroy uninit, %p", static_cast<void*>(client));
   // Also runs for a client that was released before (Oddity 45).
   copy.context().uninit(kModeUnknownFormat);
-  // Java may have destroyed the client inside these two calls.
+  // Java may have destroyed the client inside flush() or uninit().
   if (!copy.context().isClientDestroyed()) delete client;
   LOGD("destroy X");
   return 0;
@@ -184,7 +187,7 @@ jstring RequestProcessor::getData(JNIEnv* env, int64_t inst, jobject param) {
 int RequestProcessor::translateParamFiles(JNIEnv* env, int64_t inst, jobject sharedMemory, jobject param) {
   AlgoNativeClient* const client = AlgoNativeClient::of(inst);
   if (client == nullptr) {
-    // Uses another operation's text, at debug level (Oddity 43).
+    // Logs the text of getData(), and at debug level (Oddity 43).
     LOGD("get data failed, input is null, %p", static_cast<void*>(client));
     return -1;
   }

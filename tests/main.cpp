@@ -1,4 +1,5 @@
-// main() of the tests that need a Java VM. The VM starts before the first test and is checked after the last.
+// main() of the tests that need a Java VM. Starts the VM, runs the tests, and fails if the VM printed
+// warnings about JNI calls.
 
 #include "jvm.h"
 #include "test_main.h"

@@ -64,7 +64,7 @@ log=$(grep -vE '^(making|filling|processing|comparing) ' err)
 if grep -v '^verdict' out | grep -n '.\{81\}'; then fail "a line is longer than 80 columns"; fi
 prints "control/jpeg_rotation" '"capture" on client 7'
 
-# of_sample NAME: prints the output for this sample.
+# of_sample NAME: prints the part of the file out that describes this sample.
 of_sample() {
   awk -v RS= -v file="/samples/$1.json" 'index($0, file)' out
 }
@@ -83,14 +83,14 @@ of_sample night | grep -q '^  ran  *night, jpegEncode in' ||
 for part in '"algorithmsAfter"' '"key": "exif_info_for_write"' '"orlu.feedback.jpegEncodedType": '; do
   grep -qF "$part" report || fail "--json has no $part"
 done
-# EXIF entries: exposure time, aperture, sensitivity 3200. Then the values 0.066 s and f/1.8, and a JPEG of
-# 632x416.
+# The EXIF entries of exposure time, aperture and sensitivity (3200), then the values of the first two
+# (0.066 s and f/1.8), and then the JPEG's size, 632x416.
 exif='9a82050001000000.{8}9d82050001000000.{8}2788030001000000800c0000.*d001010040420f00b400000064000000'
 [[ $(od -An -v -tx1 -N 1000 shots/night-out0.jpg | tr -d ' \n') =~ ${exif}.*ffc000110801a00278 ]] ||
   fail "the night shot has wrong EXIF entries or a wrong size"
 
 of_sample night-async | grep -q '^  callback  *nativeRequestAddr = ' || fail "full-async does not call back"
-# The EXIF blocks of the two shots differ in the time of day.
+# Skips the EXIF blocks, because the two shots were taken at different times of day.
 cmp --ignore-initial=490 shots/night-out0.jpg shots/night-async-out0.jpg || fail "the full-async shot differs"
 differing=$(diff <(put_by night) <(put_by night-async))
 { [ -z "$differing" ] && [ -n "$(put_by night)" ]; } ||

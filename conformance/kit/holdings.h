@@ -1,4 +1,4 @@
-// The resources of this process. Checks compare them to find leaks of the library.
+// The resources of this process. Checks compare them before and after calls, to find what the library leaks.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,8 @@ struct Holdings {
 // Returns the heap bytes in use; 0 in sanitizer builds.
 int64_t allocatedBytes();
 
-// From now on, fills freed memory with this byte and fresh memory with its complement, if the C library
-// supports it; 0 stops filling.
+// Makes the C library fill freed memory with this byte, and fresh memory with the byte's complement; 0 stops
+// the filling. Has no effect if the C library can't fill memory.
 void poison(int byte);
 
 }  // namespace orlu::conform

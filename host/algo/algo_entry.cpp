@@ -16,7 +16,7 @@
 namespace orlu::standin {
 namespace {
 
-// Fills in callables with the stand-in's members, except those that the script omits.
+// Fills in callables that call the stand-in's members. Clears callables that the script's notOffered lists.
 class TableFiller {
 public:
   explicit TableFiller(const AlgoScript& script) : mScript(script) {}

@@ -1,5 +1,5 @@
-// The live parameter and camera blocks. A handle is a number that is never reused, not an address, so a stale
-// handle is detected without access to freed memory.
+// The live parameter and camera blocks. A handle is not an address but a number that is never reused. A stale
+// handle is therefore detected without access to freed memory.
 #pragma once
 
 #include <cstdint>
@@ -15,9 +15,9 @@ class BlockRegistry {
 public:
   // Returns a new block's handle; null for an unknown kind.
   void* create(int kind);
-  // Returns false if the handle is not live. Pointers to the set that find() returned stay valid.
+  // Returns false if the handle is not live. Pointers that find() returned for this handle stay valid.
   bool destroy(void* block);
-  // Returns the set of a handle; null if the handle is not live.
+  // Returns the contents of the block with this handle; null if the handle is not live.
   std::shared_ptr<ParameterSet> find(void* block) const;
   int count(int kind) const;
 

@@ -7,7 +7,7 @@ OBJECT  code for a phone, compiled but not linked
 FOLDER  headers of the platform; all functions that they declare are assumed to be defined
 --bionic   functions of Android's C library, as declared by the Rust package libc
 --runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
---others   additional symbols, and where each is defined
+--others   file that lists additional symbols, and where each is defined
 """
 
 import argparse
@@ -16,7 +16,8 @@ import re
 import subprocess
 import sys
 
-# The compiler's own helpers, and GoogleTest, which is part of the kit.
+# Symbols that no library of the platform needs to define: the compiler's helpers, and GoogleTest, which is
+# part of the kit.
 BROUGHT_ALONG = re.compile(r"__aeabi_|__emutls_|_Unwind_|_GLOBAL_OFFSET_TABLE_$|_Z\w*7testing")
 
 

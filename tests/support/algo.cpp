@@ -8,7 +8,8 @@
 namespace orlu::test {
 namespace {
 
-// Returns a function of the stand-in. dlopen() returns the library that the product already opened.
+// Returns a function of the stand-in. If the tested code has opened the stand-in, dlopen() does not load it
+// again.
 template <typename Function>
 Function standInFunction(const char* name) {
   void* const library = dlopen("liborlu.vac.interface.so", RTLD_NOW);

@@ -22,7 +22,7 @@ final class TagValues {
     private TagValues() {
     }
 
-    /** Returns the value of a capture result's tag, of the type in the table of tags. */
+    /** Returns the value of a capture result's tag. TagTable determines the value's type. */
     static Object ofTag(String tag, Json field, int frame) throws MistakeException {
         TagType type = TagTable.typeOf(tag);
         if (type == null) {
@@ -32,8 +32,8 @@ final class TagValues {
     }
 
     /**
-     * Returns the value of a composition's key. Its type is the explicit one, else the type of the tag, else
-     * the type that JSON implies.
+     * Returns the value of a composition's key. The value's type is the one that the field names, else the
+     * tag's type in TagTable, else the type that JSON implies.
      */
     static Object ofKey(String key, Json field, int frame) throws MistakeException {
         ValueReader reader = new ValueReader(frame);

@@ -15,14 +15,14 @@ import java.util.List;
  * The similarity of an output to the clean photo.
  *
  * @param what   "luma", or "raw" for all samples of a mosaic
- * @param before PSNR of the base frame as an input, in dB
- * @param after  PSNR of the output
+ * @param before PSNR of the base frame before processing, in dB
+ * @param after  PSNR of the output, in dB
  * @param ssim   structural similarity of the output; NaN if not requested
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
-     * Compares the outputs with the base frame's part of the photo. Omits outputs of another size. If no
-     * frame has noise, compares only if `hasSsim`.
+     * Compares the outputs with the base frame's part of the photo. Omits outputs that can't be read or whose
+     * size differs from this part's. If no frame has noise, compares only if `hasSsim`.
      */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {

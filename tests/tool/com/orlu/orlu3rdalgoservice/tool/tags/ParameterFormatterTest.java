@@ -13,7 +13,7 @@ import java.util.stream.IntStream;
 
 import org.junit.Test;
 
-/** Tests the text of a parameter's bytes: a record's fields at their offsets, and bytes of a wrong size. */
+/** Tests the text for a parameter's bytes, including records with many fields and bytes of a wrong size. */
 public final class ParameterFormatterTest {
     private static ByteBuffer bytes(int size) {
         return ByteBuffer.allocate(size).order(ByteOrder.LITTLE_ENDIAN);
@@ -61,7 +61,8 @@ public final class ParameterFormatterTest {
             {ParameterType.COUNT, "09000000 ffffffff", "9", "9"},
             {ParameterType.TEXT, "6162 00 63", "\"ab\"", "\"ab\""},
             {ParameterType.TEXT, "c3a4", "\"\u00e4\"", "\"\u00e4\""},
-            // Bytes that are many days as an int are a float, unless they are the largest or smallest int.
+            // If the bytes, read as an int, would be a time of many days, they are a float. Exceptions: the
+            // largest and the smallest int are ints.
             {ParameterType.MILLISECONDS, "10270000", "10000", "\"10000\""},
             {ParameterType.MILLISECONDS, "ffffffff", "-1", "\"-1\""},
             {ParameterType.MILLISECONDS, "ffffff7f", "2147483647", "\"2147483647\""},
@@ -140,7 +141,7 @@ public final class ParameterFormatterTest {
                 + "focal length 5.4 mm, 35 mm equivalent %s, flash mode 10, flash state %s, AWB mode 12, "
                 + "scene mode 13, AE mode 14, AE compensation 15 steps of 34/35, filter 16 intensity 0.25 "
                 + "mask 18, timestamp 77, location %s";
-        // Offset of the cleared flag, -1 for none, and the fields that depend on flags.
+        // Offset of the flag to clear (-1: clear none), and the texts of the fields that depend on flags.
         Object[][] rows = {
             {-1, "2", "26.5", "33", "47.5, -122.25, altitude 30, time 1700000000000"},
             {12, "none", "26.5", "33", "47.5, -122.25, altitude 30, time 1700000000000"},
