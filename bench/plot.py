@@ -121,7 +121,7 @@ def memory_table(results):
 
 
 def memory_slope(results):
-    # Skips the first tenth, in which the VM still warms up.
+    # Skips the first tenth of the requests, during which the VM warms up.
     points = [(x, r["resident_kb"]) for x, r in series(results, "memory")][1:]
     slope, _ = line_through(points)
     return f"Slope from the second tenth on: {slope * 1024:.3g} bytes per request."
@@ -137,7 +137,7 @@ def ticks(top):
 
 
 def plot(path, title, x_label, y_label, lines):
-    """Draws lines. Each line is (name, [(x, y)], whether to draw its linear fit too)."""
+    """Writes an SVG plot. Each line is (name, [(x, y)], whether to draw its linear fit too)."""
     top_x = max(x for _, points, _ in lines for x, _ in points) or 1
     top_y = 1.1 * max(y for _, points, _ in lines for _, y in points) or 1
 
@@ -237,7 +237,7 @@ def rewrite(page, made):
 
 
 def check_bars(results):
-    """Prints the results above their limit. They do not fail the run, because machines are noisy."""
+    """Prints each benchmark whose ratio exceeds the limit. Never fails the run: machines are noisy."""
     for name, r in sorted(results.items()):
         bar = {"request": 1.10, "wakeup": 1.20}.get(name.split("/")[0])
         if bar and r["ratio"] > bar:

@@ -1,10 +1,10 @@
-// A double exposure: two superimposed exposures with their own list of algorithms.
+// Double exposure: the algorithm library superimposes two frames. Replaces the request's algorithm list.
 
 #include "metadata_updater_steps.h"
 
 namespace orlu {
 
-// The blend's tag and key are misspelt "insensity" (Oddity 36).
+// The tag and the key of the blend's alpha are misspelt: "insensity" instead of "intensity" (Oddity 36).
 void MetadataUpdater::updateDoubleExpo() {
   const auto isShot = mShot.copy<int32_t>("orlu.doubleExpo.capture", kParameter, "is_double_expo_shot");
   LOGD("%s: isDoubleExpoShot %d", __func__, isShot);

@@ -29,11 +29,11 @@ TAGS = ROOT / "host/java/android/hardware/camera2/impl/tags.txt"
 PAGE = ROOT / "docs/contract.md"
 LONGEST_VALUE = 60
 # Samples that also run with all algorithms of the catalogue except frameClarOnly, because some algorithms are
-# in no sample. One sample has processed input, the other has raw input.
+# in no sample. "capture" has processed input, "raw-night" has raw input.
 ALL_OF = ("capture", "raw-night")
 
 
-# -- Search of the source: which function contains a literal.
+# -- Search of the source for the functions that contain a literal.
 
 FUNCTION = re.compile(r"^(?!namespace|struct|class|enum|using|template|static_assert)\w[\w:<>,&*~ ]*?(\w+)\(")
 KEPT_TAG = re.compile(r'KeptTag<.*> m(\w)(\w*)\{"([\w.]+)"\}')
@@ -44,15 +44,15 @@ PARAMETER = re.compile(rf'\bk({SECTIONS}),\s*"(\w+)"')
 OTHER_RETURNS = {"kQueryResult,": "feedback/query_result"}
 # Parameters of an abort. No sample requests an abort, so no trial finds their writers.
 ABORT = ("abort_key", "abort_val")
-# The text before the name of a function of Shot; "hot." matches "shot." and "mShot.". Every function of Shot
-# that reads one fixed tag has a KeptTag, except exposureOf(), which takes a frame.
+# Matches the text before the name of a function of Shot; "hot." matches "shot." and "mShot.". Each function
+# of Shot that reads one fixed tag uses a KeptTag. Only exposureOf() does not, because it takes a frame.
 SHOT = r"(?:hot\.|Shot::)"
 EXPOSURE_TAG = "kAecTag"
 EXPOSURE = "exposureOf"
 
 
 def functions(file):
-    """Yields each line of a source with the name of its function, or ""."""
+    """Yields (function, line) for each line of a source; the function is "" outside functions."""
     inside = ""
     for line in file.read_text().splitlines():
         match = FUNCTION.match(line)
@@ -98,8 +98,8 @@ def source_rows(tags):
     return rows
 
 
-# Returns whether a line writes a tag. The result updater reads tags only through kTimestampTag and writes all
-# others; the callback puts values into a map.
+# Returns whether a line that names a tag writes it. The result updater reads only the tag kTimestampTag and
+# writes all other tags. The callback puts values into a map.
 def is_put(file, line):
     if file.name.startswith("algo_native_callback"):
         return True
@@ -122,7 +122,7 @@ def requests(samples):
 
 
 def bare(request):
-    """Returns the request without its frames' tags; keeps the frames' number, noise and sizes."""
+    """Returns the request without its frames' tags; keeps the other fields of "frames", such as the count."""
     frames = request["frames"]
     kept = {name: value for name, value in frames.items() if name not in ("common", "each")}
     return {**request, "frames": kept}

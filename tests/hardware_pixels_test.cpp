@@ -1,4 +1,5 @@
-// The recorder's mapping of hardware buffers: their bytes, refusals, and resources held while mapped.
+// Tests of the recorder's mapping of hardware buffers: the mapped bytes, the reasons for refusals, and the
+// resources that a mapping holds.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>

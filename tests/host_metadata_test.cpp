@@ -1,4 +1,4 @@
-// The store of typed tags behind capture results. The parser's tests depend on it.
+// Tests of the store of typed tags behind capture results. The parser's tests depend on this store.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ struct StoreCase : test::NamedCase {
   jobject (*value)();  // null: the tag is not set
   const char* askedClass;
   const char* answer;
-  const char* heard;  // the listener's entry: requested type "of" stored type
+  const char* heard;  // the listener's entry: "REQUESTED_TYPE of STORED_TYPE[, refused]"
 };
 
 class HostMetadataTest : public testing::TestWithParam<StoreCase> {};

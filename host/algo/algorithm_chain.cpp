@@ -216,7 +216,8 @@ void AlgorithmChain::deliverDocument() {
   markRan("ppt");
 }
 
-// Reports the requested point and blur. The input JPEG is passed through, so its size is reported, too.
+// Reports the requested point and blur, and the picture's width and height. A JPEG input is passed through,
+// so its size in bytes is reported as the encoded size.
 void AlgorithmChain::leaveRefocus() {
   if (!asksFor("jpegBokehOnly") || mPicture.empty()) return;
   ParameterSet& parameters = mRequest.parameters();

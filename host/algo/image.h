@@ -23,8 +23,8 @@ struct Plane {
   uint8_t* row(int y) const { return data + static_cast<size_t>(y) * stride; }
 };
 
-// The planes of an image: a luma plane and a plane of chroma pairs, or only one plane. Images of formats
-// whose pixels are not read here (compressed, packed raw, unknown) are opaque: one row of bytes.
+// The planes of an image: a luma plane and a plane of chroma pairs, or only one plane. An image is opaque,
+// one row of bytes, if the stand-in does not read pixels of its format (compressed, packed raw, unknown).
 struct ImageView {
   int format = 0;
   int width = 0;
@@ -42,18 +42,19 @@ struct ImageView {
 // image that is not opaque has an invalid width or height. Never accesses the memory.
 bool layOut(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, ImageView& view);
 
-// Copies the pixels if the shapes match and opaque images fit; returns false otherwise.
+// Copies the pixels. Returns false, without copying, if the shapes differ or an opaque image does not fit.
 bool copyPixels(const ImageView& from, const ImageView& to);
 
 // An image that owns its pixels, without padding.
 class Picture {
 public:
   Picture() = default;
-  // Creates zeroed pixels; empty if layOut() rejects the shape. An opaque image has `opaqueBytes` bytes.
+  // Creates zeroed pixels. The picture is empty if layOut() rejects the shape. An opaque picture has
+  // `opaqueBytes` bytes.
   Picture(int format, int width, int height, size_t opaqueBytes = 0);
   Picture(Picture&&) = default;
   Picture& operator=(Picture&&) = default;
-  // Returns a copy of the pixels; empty if the view has no planes.
+  // Returns a picture with a copy of the pixels; an empty picture if the view has no planes.
   static Picture copyOf(const ImageView& view);
 
   bool empty() const { return mBytes.empty(); }

@@ -30,7 +30,7 @@ TEST(AlgoListTest, ComparesAFixedNumberOfBytes) {
     SCOPED_TRACE(printAlgoList(names));
     EXPECT_EQ(contained, isAlgoListContains(names, asked, length));
 
-    // Removal deletes the entries found, including adjacent ones, and keeps the order of the rest.
+    // Removal deletes every matching entry, even adjacent entries, and keeps the first and last entries.
     List list = {"first"};
     list.insert(list.end(), names.begin(), names.end());
     list.insert(list.end(), names.begin(), names.end());

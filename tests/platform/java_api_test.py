@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests that java_api.py detects differences between our classes or members and the platform's."""
+"""Tests that java_api.py finds our classes and members that differ from the platform's."""
 
 import pathlib
 import tempfile
@@ -48,7 +48,7 @@ METHOD("<init>", "()V", b),
 
 EXPECTED = {
     3: None, 2: None, 1: None,
-    4: "the platform has it with (any): boolean",  # not static there
+    4: "the platform has it with (any): boolean",  # the platform's get() is not static
     5: "the platform has it with (any): boolean",
     6: "added in level 31, missing from level 30",
     8: "the platform has it with ((a: number, b: string)  void, number): java.nio.ByteBuffer",

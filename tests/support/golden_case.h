@@ -11,7 +11,7 @@
 
 namespace orlu::test {
 
-// A line of a file, or a failure at that line.
+// A line of a file. In a failure, `text` is the message instead of the line's text.
 struct GoldenLine {
   std::string text;
   std::string file;
@@ -36,15 +36,15 @@ struct GoldenFrame {
   std::map<std::string, GoldenTag> composition;
 };
 
-// One setValue() call.
+// One setValue() call, expected or recorded.
 struct GoldenWrite {
   std::string name;  // section and key, without "orlu.algo."
   GoldenValue value;
-  GoldenLine line;  // the line with the value
+  GoldenLine line;  // the line with the expected value
 };
 
 struct GoldenCase {
-  std::string name;  // "Variation of text", or the name of the text
+  std::string name;  // "NAME of TEXT" for a variation, else the name of the text
 
   std::string requestType;
   std::vector<GoldenImage> inputs;
@@ -56,7 +56,7 @@ struct GoldenCase {
 
   std::vector<GoldenLine> after;  // the lines of [after], unparsed
   std::vector<GoldenWrite> writes;
-  std::vector<GoldenLine> expectations;  // of a variation, without ">"
+  std::vector<GoldenLine> expectations;  // a variation's "> ..." lines, without ">"
 };
 
 // Calls `read` for each line of a file except empty lines and comments. If `read` throws std::runtime_error,
@@ -68,18 +68,18 @@ GoldenCase readGoldenCase(const std::string& name);
 std::vector<GoldenCase> allGoldenTexts();
 std::vector<GoldenCase> allGoldenVariations();
 
-// Applies one more line of tags, such as "0 orlu.control.reqID int 5", or of the request, such as "algorithms
-// night hdr". A line of the request replaces earlier lines with the same first word, except that "and input
-// ..." and "and output ..." add an image, and "property ..." adds a property. Throws std::runtime_error on
-// syntax errors.
+// Applies one line. A line of tags, such as "0 orlu.control.reqID int 5", sets a tag. A line of the request,
+// such as "algorithms night hdr", replaces earlier lines with the same first word. But "and input ..." and
+// "and output ..." add an image, and "property ..." adds a property. Throws std::runtime_error on syntax
+// errors.
 void changeGolden(GoldenCase& golden, const GoldenLine& line);
 
-// Returns the same request with all tags copied to compositions and with other values in the capture results:
-// code that only reads capture results gets wrong values. Tags already in a composition, including "none",
-// stay unchanged.
+// Returns a copy of the case to detect code that reads only capture results. Each tag of a capture result
+// is copied to the composition, and gets a wrong value in the capture result. Tags that the composition
+// already contains, even as "none", stay unchanged in both.
 GoldenCase withOverrides(const GoldenCase& golden);
 
-// Returns the name of each write in order, with "#2" after the second write of a name.
+// Returns the name of each write in order. The second write of a name gets the suffix "#2", etc.
 std::vector<std::string> namesOf(const std::vector<GoldenWrite>& writes);
 
 }  // namespace orlu::test

@@ -1,2 +1,2 @@
-// Replaces the header of Android's C library; the compiler's options set the level.
+// Replaces the header of Android's C library. The compiler's options define the API level.
 #pragma once

@@ -20,15 +20,15 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * A request that ran in its own process over one library.
+ * A request that ran in its own process with one library.
  *
- * @param run    its recording; null if it was not recorded
- * @param result its result as JSON; an object without members if it was not recorded
+ * @param run    the recording; null if the request was not recorded
+ * @param result the result as JSON; an object without members if the request was not recorded
  * @param child  the process; close() removes its files
  */
 record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         implements AutoCloseable {
-    /** Runs a request over a library (null: the default library), with further options of ./run. */
+    /** Runs a request with a library (null: the default library) and with further options of ./run. */
     static ShotRun of(Path request, Path library, List<String> options) throws MistakeException, IOException {
         // Disables the probe's copies of the images.
         ChildRun child = new ChildRun("shot", false, library).with("ORLU_PIXELS", "");
@@ -79,7 +79,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
                 : new Comparison(run, other.run, Set.of(), 0, new OutputComparison(null, "")).differences();
     }
 
-    /** Returns the similarity of the outputs of two runs. */
+    /** Returns how similar the outputs of both runs are; OutputMeasure.NONE if they are not comparable. */
     OutputMeasure outputs(ShotRun other) throws MistakeException {
         return isComparable(other) ? OutputMeasure.of(run, other.run) : OutputMeasure.NONE;
     }
@@ -105,7 +105,7 @@ record ShotRun(Run run, Verdict verdict, Json result, ChildRun child)
         return least;
     }
 
-    /** Returns the milliseconds of all calls into the library; NaN without a result. */
+    /** Returns the total milliseconds of all calls into the library; NaN if the result has no times. */
     double milliseconds() {
         return Results.milliseconds(result);
     }

@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.imagefile;
 import java.nio.file.Path;
 import java.util.Locale;
 
-/** The kind of an image file. Only the extension decides, because raw bytes may look like an image header. */
+/** The kind of an image file. Depends only on the extension, because raw bytes may look like a header. */
 public enum ImageFileKind {
     /** Pixels as in memory, without a header. */
     BYTES,

@@ -6,7 +6,7 @@ package com.orlu.orlu3rdalgoservice.tool.text;
  * @param line      from 1; 0 for a file without lines
  * @param column    from 1, in UTF-16 units as editors count them
  * @param field     path of the field; empty if the problem concerns the whole file
- * @param problem   what was expected and found
+ * @param problem   description of the mistake, such as the expected and the actual value
  */
 public record Mistake(String file, int line, int column, String field, String problem, boolean isWarning) {
     /** Returns one line in the form of compilers' messages, so that editors can jump to the place. */
