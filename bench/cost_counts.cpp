@@ -1,5 +1,6 @@
 // cost_counts FILE: counts the cost of the shots in kinds.h, and exits with 1 if the counts differ from those
-// in FILE. With --update before FILE, it rewrites FILE instead. The counts are equal in every run.
+// in FILE. With --update before FILE, it writes the counts to FILE instead. Counts of the same code don't
+// vary between runs.
 
 #include <algorithm>
 #include <cstdio>
@@ -67,7 +68,8 @@ std::vector<std::string> linesOf(std::istream&& in) {
   return lines;
 }
 
-// Prints each differing line with its position in the file. Returns false if a line differs.
+// Compares the tables with the file, line by line. Prints each pair of lines that differ, with the line
+// number. Returns false if there are any.
 bool isAsWritten(const std::string& tables, const std::string& path) {
   std::vector<std::string> expected = linesOf(std::ifstream(path));
   std::vector<std::string> found = linesOf(std::istringstream(tables));

@@ -1,5 +1,5 @@
-// Benchmark of requests in flight. The map of requests is searched from its beginning, and the measured
-// request is its last element.
+// Benchmark of a request while others are in flight. AlgoNativeRequestMap searches from its first element,
+// and the measured request is the last element, which takes longest to find.
 
 #include "algo_native_request_map.h"
 #include "benches.h"
@@ -27,7 +27,7 @@ private:
   std::vector<uint64_t> mIds;
 };
 
-// Returns the time of all map operations of a request.
+// Runs all map operations of a synchronous request. Returns the seconds they took.
 double mapSeconds() {
   AlgoNativeRequestMap& map = *AlgoNativeRequestMap::getInstance();
   const auto begin = Clock::now();

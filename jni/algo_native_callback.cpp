@@ -26,7 +26,7 @@ constexpr char kCallbackSignature[] = "(IJIJLjava/util/HashMap;)V";
 // Local references that one call into Java needs: the parser's classes, a map and its values.
 constexpr jint kCallbackReferences = 96;
 
-// Guards the list of all callbacks, and each callback's context and counters.
+// Guards the list of all AlgoNativeCallback objects, and the context and counters of each object.
 std::mutex gMutex;
 AlgoNativeCallback* gLatest = nullptr;
 
@@ -183,7 +183,7 @@ void AlgoNativeCallback::handleShot(uint64_t nativeReq, AlgoNativeContext& conte
   if (isKnown && !isFullAsync) {
     map->onCallbackReceived(nativeReq);
   } else {
-    // Java may already have finished the request and left the block to the algorithm library.
+    // Also for a request that Java has finished: its block may exist until the algorithm library calls back.
     context.destroyMetadata(map->releaseBlock(nativeReq, kUsedByLibrary));
     if (!isKnown || !announceCommonShot(nativeReq, context, operation)) return;
   }

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the events of two runs of the same requests. See docs/events.md for their form.
+"""Compares the events of two runs of the same requests. docs/events.md describes the fields of events.
 
 compare_events.py FILE FILE
 
@@ -16,8 +16,8 @@ from pathlib import Path
 # frames in "from" depends on the compiler.
 OF_THE_RUN = ("t", "tid", "thread", "n", "of", "ns", "from", "cookie", "path", "pid", "machine",
               "pointerBits", "probe")
-# Also ignored for written pixels: the file is named after the process, and a JPEG contains the time of its
-# creation. ./run diff compares the pixels.
+# Fields that also differ in "pixels" events: the file's name contains the process id, and the checksum of a
+# JPEG changes with the creation time stored in it. ./run diff compares the pixels themselves.
 OF_THE_PIXELS = ("file", "crc")
 
 
@@ -49,7 +49,7 @@ def without_descriptors(handle):
 
 
 def compare_events(one, other):
-    """Yields a line for the first difference of each thread, because later differences follow from it."""
+    """Yields a line for each thread that differs, with its first difference: later ones follow from it."""
     left, right = read(one), read(other)
     if len(left) != len(right):
         yield f"events: {len(left)} threads / {len(right)} threads"

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Compares the schema of request files with ./run, and runs the files that ./run new writes:
-request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which only Debian's own Python has."""
+"""Checks that the JSON schema of request files agrees with ./run, and runs the files that ./run new writes:
+request_schema_test.py BUILD_FOLDER. Needs python3-jsonschema, which Debian has for /usr/bin/python3 only."""
 
 import copy
 import json
@@ -19,8 +19,8 @@ MUTATIONS = 12  # per sample
 VALUES = (0, -1, 7, 2.5, 1e12, True, "x", "NV12", [], [1, 2, 3, 4], ["x"], {}, {"first": 1, "step": 2},
           {"fill": 1, "count": 3}, {"long": 5}, {"text": "x"}, {"size": 4, "parts": [{"at": 0, "int8": 1}]})
 
-# Maps each place where ./run reports unknown fields to the schema definition that lists its fields. "" is the
-# file itself.
+# Maps each place where ./run reports unknown fields to the schema definition that lists the fields of this
+# place. As a place, "" is the whole file; as a definition, it is the top level of the schema.
 FIELDS = {"": "", "request": "", "client": "", "frames": "frameSet", "frames.common": "frameSet",
           "frames.each[0]": "frame", "inputs": "commonInput", "inputs[0]": "input", "outputs[0]": "output"}
 # member of capture.json | value that both the schema and ./run reject
@@ -52,7 +52,7 @@ outputs.0.perFrame                                           | 2
 
 
 def refused(folder, requests):
-    """Runs --check. Returns the first mistake of each rejected request, by the request's number."""
+    """Runs ./run --check. Returns a dictionary from the number of a rejected request to its first mistake."""
     files = []
     for number, request in enumerate(requests):
         files.append(folder / f"{number}.json")
@@ -65,7 +65,8 @@ def refused(folder, requests):
 
 
 def with_member(request, path, value):
-    """Returns a copy with a member set. Everything after "captureResult" is one name: tags contain dots."""
+    """Returns a copy of the request in which the member at `path` has this value. In the path, everything
+    after "captureResult." is one name, because tags contain dots."""
     copied = copy.deepcopy(request)
     match = re.fullmatch(r"(.*)\.(captureResult)\.(.*)", path)
     names = [*match.group(1).split("."), match.group(2), match.group(3)] if match else path.split(".")
@@ -88,7 +89,7 @@ def check_wrong(folder, schema, sample):
 
 
 def places(value, path=()):
-    """Yields the path of each value within a value."""
+    """Yields the path of each value inside `value`, at any depth."""
     members = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
     for name, member in members:
         yield (*path, name)
@@ -96,7 +97,8 @@ def places(value, path=()):
 
 
 def mutations(samples):
-    """Yields (path, copy of a sample with the value at this path changed or removed), for random paths."""
+    """Yields (path, request) for MUTATIONS random paths of each sample. The request is a copy of the sample
+    without the value at this path, or with another value there."""
     chance = random.Random(1)
     for sample in samples:
         for path in chance.sample(list(places(sample)), MUTATIONS):
@@ -112,8 +114,8 @@ def mutations(samples):
 
 
 def check_mutations(folder, schema, samples):
-    """Checks that the schema accepts everything that ./run accepts. The schema cannot detect some mistakes,
-    such as missing files."""
+    """Checks that the schema accepts each mutation that ./run accepts, and that both reject enough mutations.
+    The schema need not reject all that ./run rejects: it cannot detect, for example, missing files."""
     mutated = list(mutations(samples))
     mistakes = refused(folder, [request for _, request in mutated])
     for number, (path, request) in enumerate(mutated):
@@ -127,7 +129,7 @@ def check_mutations(folder, schema, samples):
 
 
 def check_fields(folder, schema):
-    """Checks that the schema has the same fields as the lists of known fields that ./run prints."""
+    """Checks that the schema has the fields that ./run lists when it reports an unknown field."""
     for inputs in ({"x": 1}, [{"x": 1}]):
         (folder / "fields.json").write_text(json.dumps({
             "x": 1, "request": {"x": 1}, "client": {"x": 1}, "frames": {"x": 1, "common": {"x": 1}, "each": [{"x": 1}]},

@@ -28,7 +28,8 @@ struct Worker {
     });
   }
 
-  // Submits requests without waiting, with an abort and a flush in between.
+  // Submits requests without waiting for their callbacks. Calls abort and flush once each in between, and
+  // destroys the client at the end.
   void work() {
     const Image input;
     const Image output({}, 2);
@@ -82,7 +83,7 @@ void askFor(void* client, const std::string& command, const AlgoInterfaceCallbac
   const std::string shown = "\"" + command.substr(0, 30) + (command.size() > 30 ? "...\"" : "\"");
   step("getData " + shown);
   call(kRefused, table.getData, record);
-  // The service reads exactly this many bytes into a zeroed buffer and uses the text up to the first zero.
+  // The service reads kQueryResultSize bytes into a zeroed buffer and uses the text up to the first zero.
   std::string answer(kQueryResultSize, '\0');
   block.get(kFeedback, kQueryResult, answer.data(), answer.size());
   int status = 0;

@@ -22,8 +22,8 @@ inline bool same(const char* what, int before, int after) {
   return before == after;
 }
 
-// Prints the stand-in's resources and the request map's entries. Returns whether the resources are as before
-// and no request with an id of `firstId` or above is left.
+// Prints the stand-in's resources and the request map's entries. Returns true if the resources equal `before`
+// and the map contains no request with an id of `firstId` or above.
 inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   const standin::AlgoCounts after = test::Algo::counts();
   bool sound = same("parameter blocks", before.parameterBlocks, after.parameterBlocks);
@@ -33,7 +33,7 @@ inline bool nothingIsLeft(const standin::AlgoCounts& before, uint64_t firstId) {
   return same("request map entries", 0, entriesBetween(firstId, nextRequestId())) && sound;
 }
 
-// Counts requests and samples memory after each tenth of them.
+// Counts requests. Samples memory at the start and whenever another 10 % of the requests are done.
 class SoakWatch {
 public:
   explicit SoakWatch(uint64_t requests) : mRequests(requests) {}
@@ -56,8 +56,8 @@ public:
     }
   }
 
-  // Prints the growth over the second half, after all one-time allocations. Returns false if allocated memory
-  // grew by more than kNoise plus kBytesForEach per request.
+  // Prints how much memory grew per request in the second half of the run, when all one-time allocations are
+  // done. Returns false if allocated memory grew by more than kNoise plus kBytesForEach per request.
   bool memoryStoodStill() const {
     const Point& first = mPoints[mPoints.size() / 2];
     const Point& last = mPoints.back();

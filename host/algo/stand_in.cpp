@@ -10,7 +10,8 @@ namespace orlu::standin {
 namespace {
 
 constexpr std::chrono::seconds kFlushLimit{2};
-constexpr int32_t kUninitForGood = 0;  // the mode before a client is destroyed, or for an unknown format
+// The mode before a client is destroyed, and when Java releases a client but passes no image format.
+constexpr int32_t kUninitForGood = 0;
 constexpr char kVersion[] = "orlu algorithm stand-in 1";
 constexpr char kParamFileCommand[] = "paramfile ";
 
@@ -30,8 +31,8 @@ StandIn& StandIn::instance() {
 }
 
 // Runs an operation and returns its result, or -1 if it throws (for example, bad_alloc). Only scripted
-// exceptions reach the caller. Scripted faults occur before an operation that creates something, so that
-// nothing leaks, and after any other operation.
+// exceptions reach the caller. If the operation creates something, scripted faults occur before it, so that
+// nothing leaks; otherwise after it.
 template <typename Body>
 int StandIn::guarded(const char* operation, const Body& body) const {
   const auto script = mScript.current();

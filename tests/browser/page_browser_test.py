@@ -2,8 +2,8 @@
 """Opens the pages of ./run --report in headless Chromium: page_browser_test.py BUILD_FOLDER [--shots FOLDER]
 
 The console must be empty. Tabs, filters, clicks and keys must work. Pages fit the window's width, and text is
-readable in light and dark. --shots saves pictures of all tabs in both window sizes and themes; --picture FILE
-only makes the picture of README.md."""
+readable in light and dark. --shots saves screenshots of all tabs in both window sizes and themes. With
+--picture FILE, it checks nothing and only makes the picture for README.md."""
 
 import argparse
 import base64
@@ -24,7 +24,7 @@ TABS = ["pictures", "memory", "timeline", "parameters", "tags", "results", "log"
 LEAST_CONTRAST = 4.5
 PICTURE_SIZE = (1000, 640)
 
-# Folder of the pages, request, planted fault, part of the first finding's sentence.
+# Folder of the pages, request, fault of tests/planted or "", text in the first finding (None: no findings).
 PAGES = [("night", "night", "", None), ("bokeh", "bokeh", "", None), ("raw", "raw16", "", None),
          ("failed", "capture", "silent", "timed out"), ("died", "capture", "aborts:process", "ended the process"),
          ("stride", "padded", "outputStride", "wrong stride"), ("colours", "night", "swapped", "exchanged"),
@@ -58,7 +58,7 @@ failures = []
 
 
 def check(what, is_right, found=""):
-    """Records a failure unless the expectation `what` is met. `found` is shown after it."""
+    """Unless `is_right`, records a failure: the expectation `what`, then `found`."""
     if not is_right:
         failures.append(f"{what} {found}")
 
@@ -97,7 +97,7 @@ class Page:
 
 
 def check_shape(page, shots, size, scheme):
-    """Checks that every tab fits the window and has readable text. Saves pictures into `shots`, if given."""
+    """Checks that every tab fits the window and has readable text. Saves screenshots to `shots`, if given."""
     for tab in TABS:
         page.tab(tab)
         width, inner = page.driver.execute_script("return [document.documentElement.scrollWidth, innerWidth]")
@@ -278,7 +278,7 @@ def check_index(driver, build, folder):
 
 
 def check_sheets(driver, build, folder):
-    """Checks the sheets of sweep and compare: pictures must be loaded, within the window, and enlargeable."""
+    """Checks the pages of sweep and compare: pictures must load, fit the window, and grow on a click."""
     capture, stand_in = ROOT / "samples/capture.json", build / "lib/liborlu.vac.interface.so"
     for name, arguments, captions in (
             ("sweep", ["sweep", capture, "--tag", "android.jpeg.orientation=0,90"], ["0", "90"]),
@@ -301,7 +301,7 @@ def check_sheets(driver, build, folder):
 
 
 def copied(library, folder):
-    """Returns a copy of the library, because compare rejects the same file twice."""
+    """Copies the library's folder and returns the copied library: compare rejects a library given twice."""
     return shutil.copytree(library.parent, folder / "other") / library.name
 
 

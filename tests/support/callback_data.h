@@ -8,7 +8,8 @@
 
 namespace orlu::test {
 
-// `rest` is the name followed by the payload. `nameLength` is the claimed length of the name.
+// Returns the data of a result callback. `rest` is the name followed by the payload. `nameLength` is written
+// as the length of the name, even if it is wrong.
 inline std::vector<uint8_t> callbackData(uint64_t nativeReq, int32_t nameLength, const std::string& rest) {
   std::vector<uint8_t> data(20 + rest.size(), 0xEE);
   std::memcpy(&data[8], &nativeReq, sizeof nativeReq);

@@ -33,7 +33,10 @@ public final class FilePixels {
         }
     }
 
-    /** Fills the image's memory, but nothing outside the described planes. With null, only decodes. */
+    /**
+     * Writes the pixels into the image's memory, but nothing outside the described planes. If `to` is null,
+     * only decodes the file, which must be an encoded one.
+     */
     void fill(ByteBuffer to) throws MistakeException {
         try {
             if (mFile.kind() == ImageFileKind.BYTES) {

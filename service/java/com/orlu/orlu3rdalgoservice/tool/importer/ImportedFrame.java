@@ -10,7 +10,10 @@ import java.util.TreeMap;
 public final class ImportedFrame {
     private final Map<String, Object> mTags = new TreeMap<>();
 
-    /** Adds a tag if its value has the tag's type; else drops it with a note. */
+    /**
+     * Adds a tag. If the tag has a different value already, replaces that value and adds a note. If the new
+     * value is invalid for the tag in a request file, only adds a note.
+     */
     void put(String tag, Object value, String place, Notes notes) {
         String text = JsonWriter.line(value);
         String problem = RequestTags.problemOf(tag, text);

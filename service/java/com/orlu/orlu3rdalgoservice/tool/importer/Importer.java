@@ -15,8 +15,9 @@ import java.util.List;
 import java.util.function.Predicate;
 
 /**
- * Collects frames and pictures from files. A picture is recognised by its extension, the JSON of a camera
- * image test by a leading brace. Any other text is a dump; any other bytes are pixels without a header.
+ * Collects frames and pictures from files. A file with a picture's extension is a picture. A text that starts
+ * with a brace is the JSON of a camera image test; any other text is a dump. All other files are pixels
+ * without a header.
  */
 public final class Importer {
     private static final int MOST_DUMP_BYTES = 8 << 20;
@@ -74,8 +75,8 @@ public final class Importer {
     }
 
     /**
-     * The frames of dumps and JSON files. If there are none, a frame for each picture passed to read(), with
-     * the values of its EXIF block, if any.
+     * Returns the frames of dumps and JSON files. If there are none, returns a frame for each picture passed
+     * to read(), with the values of the picture's EXIF block, if any.
      */
     public List<ImportedFrame> frames() {
         return mFrames.isEmpty() ? mExifFrames : mFrames;
@@ -91,7 +92,7 @@ public final class Importer {
         }
     }
 
-    // Pixels have a zero byte near their start, or a typical extension.
+    // Returns false for pixels: for a file with a typical extension, or with a zero byte near its start.
     private static boolean isText(Path file) throws IOException {
         String name = file.getFileName().toString();
         return !name.matches(".*\\.(raw\\d*|yuv|nv\\d\\d|bin)")
@@ -144,7 +145,7 @@ public final class Importer {
         mNotes.begin(file);
         long size = file.toFile().length();
         String name = file.getFileName().toString();
-        // Pictures of different formats can have the same size.
+        // Outputs of different formats can have the same size, so the file's extension is compared first.
         Expected expected = takeExpected(
                 other -> other.output().isOfSize(size) && name.endsWith("." + other.output().name()));
         if (expected == null) {

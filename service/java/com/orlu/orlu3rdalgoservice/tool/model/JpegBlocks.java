@@ -3,7 +3,7 @@ package com.orlu.orlu3rdalgoservice.tool.model;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** Blanks the blocks of a JPEG file that are not needed for its picture. */
+/** Blanks the parts of a JPEG file that decoders don't need for the picture. */
 final class JpegBlocks {
     private static final int MARKER = 0xff;
     private static final int START_OF_IMAGE = 0xd8;
@@ -13,9 +13,9 @@ final class JpegBlocks {
     private static final int FIRST_APPLICATION = 0xe0;
     private static final int LAST_APPLICATION = 0xef;
     private static final int COMMENT = 0xfe;
-    /** Bytes of a JFIF block before its thumbnail. */
+    /** Size of a JFIF block without its thumbnail, in bytes. */
     private static final int JFIF_HEADER = 18;
-    /** Bytes of the block that states how colours were transformed; decoders need it. */
+    /** Size of the block with the colour transform, in bytes. Decoders need this block. */
     private static final int COLOUR_TRANSFORM = 16;
 
     private final byte[] mBytes;
@@ -27,9 +27,9 @@ final class JpegBlocks {
     }
 
     /**
-     * Returns a copy of the same size in which the contents of EXIF and other application blocks, thumbnails,
-     * comments, and bytes outside any block or after the picture are 0. Keeps markers and what decoders need
-     * for colours. Returns the array itself if there is nothing to blank or if it is not a JPEG.
+     * Returns a copy of the same size in which these bytes are 0: contents of EXIF and other application
+     * blocks, thumbnails, comments, bytes outside any block, and bytes after the picture. Keeps markers and
+     * what decoders need for colours. Returns the array itself if nothing changes or it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -75,8 +75,8 @@ final class JpegBlocks {
         return end;
     }
 
-    // Returns how many bytes of a block to keep: a whole colour profile, the colour transform, a JFIF block
-    // up to its thumbnail, else the marker and the length.
+    // Returns how many bytes to keep of an application block or comment. Keeps a colour profile, the colour
+    // transform, and a JFIF block up to its thumbnail. Of any other block, keeps the marker and the length.
     private int keptBytes(int from, int end) {
         String name = new String(mBytes, Math.min(end, from + 4), Math.max(0, Math.min(11, end - from - 4)),
                 StandardCharsets.ISO_8859_1);

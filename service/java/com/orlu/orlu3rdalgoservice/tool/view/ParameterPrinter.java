@@ -11,7 +11,7 @@ import java.io.PrintStream;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Prints every parameter in the order of the writes, and marks those that a later write replaces. */
+/** Prints all writes of parameters in order, and marks each write whose value a later write replaces. */
 public final class ParameterPrinter {
     private static final int KEY_WIDTH = 40;
     private static final String REPLACED = "~ ";
