@@ -32,8 +32,8 @@ Expected gExpected[] = {
 std::atomic<uint64_t> gUnexpected{0};
 thread_local int tTimeouts = 0;
 
-// The parser's log tag. The parser's unexpected errors are ignored: they report camera tags, most of which
-// the soak's requests lack.
+// The parser's log tag. The soak ignores the parser's unexpected errors: they report missing camera tags, and
+// the soak's requests have only a few tags.
 constexpr char kTagReader[] = "_V_VASJNI-CameraMetadataParser";
 
 void onLine(const __android_log_message* line) {

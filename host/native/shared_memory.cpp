@@ -21,7 +21,7 @@ int ASharedMemory_create(const char* name, size_t size) {
 }
 
 size_t ASharedMemory_getSize(int fd) {
-  // Memory files have seals, as do all files on a tmpfs; other regular files, pipes and sockets don't.
+  // Only memory files and files on a tmpfs have seals. Other regular files, pipes and sockets get size 0.
   if (fcntl(fd, F_GET_SEALS) < 0) return 0;
   struct stat status = {};
   if (fstat(fd, &status) != 0) return 0;

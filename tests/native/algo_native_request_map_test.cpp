@@ -18,8 +18,8 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeRequestMap";
 
 using List = std::vector<std::string>;
 
-// No wait times out in a passing test; the timeout itself is tested by RequestProcessorImageTest. Every test
-// removes its requests, because the map does not free them.
+// A test fails if a wait times out. RequestProcessorImageTest tests the timeout itself. Every test removes
+// its requests, because the map's destructor does not free them.
 class AlgoNativeRequestMapTest : public testing::Test {
 protected:
   ~AlgoNativeRequestMapTest() override {
@@ -97,8 +97,9 @@ TEST_F(AlgoNativeRequestMapTest, LetsOneCallerFinishARequest) {
   }
 }
 
-// The last user to release the block gets it: the submission (S), the library (L) or Java (J). "O" releases
-// on behalf of a destroyed owner.
+// The block has three users: the submission (S), the algorithm library (L) and Java (J). The last user to
+// release the block gets it. O: the owner is destroyed. This releases the block for the algorithm library,
+// and for Java too unless Java will finish the request.
 TEST_F(AlgoNativeRequestMapTest, GivesTheBlockToItsLastUser) {
   const void* const owner = &mLog;
   for (const char* order : {"SLJ", "LSJ", "LJS", "SJL", "SJO", "SOJ", "OS"}) {
@@ -198,7 +199,7 @@ TEST_F(AlgoNativeRequestMapTest, EachWaiterWakesForItsOwnRequest) {
   for (size_t i = 0; i < kWaiters; ++i) {
     const uint64_t id = mMap.create(static_cast<int64_t>(i), nullptr, false);
     waiters.emplace_back([this, id, &threadId = threadIds[i], &mine = calledBack[i]] {
-      pthread_setname_np(pthread_self(), "a waiter) R");  // must not mislead untilAsleep()
+      pthread_setname_np(pthread_self(), "a waiter) R");  // this name must not mislead untilAsleep()
       threadId = test::threadId();
       EXPECT_TRUE(mMap.waitForCallback(id));
       EXPECT_TRUE(mine) << id << " woke for another request";
@@ -233,8 +234,8 @@ TEST_F(AlgoNativeRequestMapTest, NoWakeUpIsLost) {
   caller.join();
 }
 
-// Removes a request while its woken waiter returns. The later of remove() and the end of the wait frees the
-// record; sanitizers detect a leak or a double free.
+// Removes a request while its woken waiter returns. remove() or the waiter, whichever is later, frees the
+// record. Sanitizers detect a leak or a double free.
 TEST_F(AlgoNativeRequestMapTest, RemovedDuringAWait) {
   gVAFCtrlLogLevel = 4;
   for (int round = 0; round < 300 && !timedOut(); ++round) {

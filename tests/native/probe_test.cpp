@@ -27,7 +27,7 @@ void* handle(uintptr_t number) {
   return reinterpret_cast<void*>(number);
 }
 
-// Returns a library's table of operations that return distinct values.
+// Returns the table of a fake algorithm library, whose operations return different values.
 AlgoInterfaceCallbacks realTable() {
   AlgoInterfaceCallbacks table;
   table.init = [](const AlgoInitRecord&) { return 1; };
@@ -61,7 +61,7 @@ AlgoInterfaceCallbacks realTable() {
 
 class ProbeTest : public testing::Test {
 protected:
-  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before and after a test.
+  // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs before or after a test.
   ProbeTest() {
     setenv("ORLU_EVENTS", mPath.c_str(), 1);
     recorder().open();
@@ -318,7 +318,8 @@ TEST_F(ProbeTest, WritesWholeLinesFromManyThreads) {
   for (const auto& [number, lines] : calls) EXPECT_EQ(lines, 2) << number;
 }
 
-// The begin event has the caller's address in this program. The preceding event has the program's path.
+// The begin event contains the caller's offset in this program. The event before it contains the program's
+// name and path.
 TEST_F(ProbeTest, TellsWhereACallCameFrom) {
   mTable.flush({});
   const std::vector<Json> all = events();
@@ -363,8 +364,8 @@ TEST(RealLibrary, IsTheNextOfItsName) {
   EXPECT_TRUE(callableNames(table, false).empty());
 }
 
-// A library renamed to .real.so beside the probe takes precedence over the one that the loader finds. The
-// library that ORLU_ALGO_LIBRARY names takes precedence over both.
+// liborlu.vac.interface.real.so beside the probe takes precedence over the library that the loader would
+// find. The library that ORLU_ALGO_LIBRARY names takes precedence over both.
 TEST(RealLibrary, IsBesideTheProbe) {
   const std::string build = test::libraryFolder() + "/..";
   std::string folder = testing::TempDir() + "probe_XXXXXX";

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compares docs/oddities.md with the code: each "Oddity N" in the code has a paragraph, each paragraph's
-number is in the code, and the tests that a paragraph lists exist. The tests in docs/robustness.md must exist
-too.
+"""Checks that docs/oddities.md agrees with the code in jni/: each "Oddity N" in the code has a paragraph, the
+code mentions the number of each paragraph, and the tests that a paragraph lists exist. The tests that
+docs/robustness.md names must exist too.
 
 oddities_test.py PROJECT_FOLDER
 """
@@ -14,7 +14,7 @@ PARTS = ("Expected", "Done", "Depends on it", "Held by")
 
 
 def paragraphs(text):
-    """Maps each number to (line, parts of the paragraph by name)."""
+    """Maps each oddity's number to (line of its heading, text of each part by the part's name)."""
     found = {}
     for match in re.finditer(r"^### (\d+)\. .+\n((?:.+\n)*)", text + "\n", re.MULTILINE):
         line = text.count("\n", 0, match.start()) + 1
@@ -26,7 +26,7 @@ def paragraphs(text):
 
 
 def named_in_code(folder):
-    """Maps each number to the first file that mentions it."""
+    """Maps the number of each oddity that the code mentions to the first file that mentions it."""
     places = {}
     for path in sorted((folder / "jni").iterdir()):
         text = re.sub(r"\n\s*//", " ", path.read_text())

@@ -52,11 +52,11 @@ void AHardwareBuffer_release(AHardwareBuffer* buffer);
 void AHardwareBuffer_describe(const AHardwareBuffer* buffer, AHardwareBuffer_Desc* outDesc);
 
 // Maps the pixels; each call needs its own AHardwareBuffer_unlock(). `usage` must be CPU_READ_OFTEN, `fence`
-// -1, and `rect` null. YUV has three planes: Y, Cb, Cr. Other formats have one plane, whose strides are
-// reported only for R8G8B8A8, as on the device. Returns 0 or a negative errno.
+// -1, and `rect` null. YUV has three planes: Y, Cb, Cr. Other formats have one plane; as on the device, its
+// strides are 0 unless the format is R8G8B8A8. Returns 0 or a negative errno.
 int AHardwareBuffer_lockPlanes(AHardwareBuffer* buffer, uint64_t usage, int32_t fence, const ARect* rect,
                                AHardwareBuffer_Planes* outPlanes);
-// `fence` is null. Returns 0 or a negative errno.
+// `fence` must be null. Returns 0 or a negative errno.
 int AHardwareBuffer_unlock(AHardwareBuffer* buffer, int32_t* fence);
 
 #ifdef __cplusplus

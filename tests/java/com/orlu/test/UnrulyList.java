@@ -2,13 +2,13 @@ package com.orlu.test;
 
 import java.util.AbstractList;
 
-/** A list that claims any size, and throws on request. */
+/** A list of nulls that reports any size, even a negative one. Its size() and get() can be made to throw. */
 public final class UnrulyList extends AbstractList<Object> {
     private final int mSize;
     private final boolean mSizeThrows;
     private final boolean mGetThrows;
 
-    /** Without {@code getThrows} every element is null. */
+    /** Makes a list that reports {@code size}, or whose size() or get() always throws. */
     public UnrulyList(int size, boolean sizeThrows, boolean getThrows) {
         mSize = size;
         mSizeThrows = sizeThrows;

@@ -15,8 +15,8 @@ import java.util.function.Supplier;
 
 /**
  * Makes a request's frames from one photo. Each frame is a shifted part of the photo with blur, gain and
- * noise. Frames are smaller than the scaled photo by a margin on each side, so that no shift exceeds the
- * photo's edge. The same seed makes the same frames.
+ * noise. The scaled photo is larger than a frame by a margin on each side, so that no shift moves a frame
+ * beyond the photo's edge. The same seed makes the same frames.
  */
 public final class FrameSynthesis {
     private static final long FRAME_PRIME = 1_000_003;
@@ -43,7 +43,7 @@ public final class FrameSynthesis {
         }
     }
 
-    /** Returns all frames. Throws MistakeException if the photo is too small for the shifts. */
+    /** Returns all frames. Throws MistakeException if size() does. */
     public List<SynthesisedFrame> frames(Json file, Picture photo) throws MistakeException {
         FrameSize size = size(file, photo);
         FrameSize part = partSize(photo);
@@ -57,7 +57,10 @@ public final class FrameSynthesis {
         return frames;
     }
 
-    /** Returns the frames' size. Throws MistakeException if the photo is too small for the shifts. */
+    /**
+     * Returns the frames' size. Throws MistakeException if a side has fewer than four pixels, for example
+     * because the photo is too small for the shifts.
+     */
     public FrameSize size(Json file, Picture photo) throws MistakeException {
         if (mPlan.width() > 0) {
             return checked(file, mPlan.width(), mPlan.height());

@@ -17,7 +17,10 @@ import java.util.HexFormat;
 import java.util.List;
 import java.util.Map;
 
-/** Converts a buffer's entries to the tags of a frame, and the camera layer's types to Java's. */
+/**
+ * Converts the entries of a dumped metadata buffer to the tags of one frame, and their native types to the
+ * tags' Java types.
+ */
 final class DumpTags {
     private static final int UNSIGNED_MOST = 255;
     private static final String FACE_RECTANGLES = "android.statistics.faceRectangles";
@@ -66,8 +69,9 @@ final class DumpTags {
     }
 
     /**
-     * Returns the types, separated by blanks, that an entry for a tag of this type can have; null for an
-     * unknown tag and for a tag that is combined from several entries.
+     * Returns the native types that the entry of a tag may have, separated by blanks. `type` is the tag's
+     * Java type; null for an unknown tag. Returns null for an unknown tag and for a tag that is combined from
+     * several entries.
      */
     private static String layerType(TagType type) {
         return type == null ? null : switch (type) {
@@ -140,7 +144,8 @@ final class DumpTags {
         return entry.values().get(0);
     }
 
-    // Accepts known names. NaN and infinities have C notation in the dump, Java notation in request files.
+    // Converts a printed number, or the known name of a value, to its form in request files. NaN and
+    // infinities have C notation in the dump and Java notation in request files.
     private static Object number(DumpEntry entry, String text) throws MistakeException {
         int named = Enumerations.number(entry.tag(), text);
         if (named >= 0) {
@@ -218,7 +223,7 @@ final class DumpTags {
         return JsonWriter.object("left", edges[0], "top", edges[1], "right", edges[2], "bottom", edges[3]);
     }
 
-    // A face has four edges, like a metering region and unlike a RECT entry, which has a corner and a size.
+    // A face is printed as four edges, like a metering region. Only RECT entries have a corner and a size.
     private void addFaces() {
         DumpEntry rectangles = mParts.get(FACE_RECTANGLES);
         DumpEntry scores = mParts.get(FACE_SCORES);

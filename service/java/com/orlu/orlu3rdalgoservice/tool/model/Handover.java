@@ -22,17 +22,17 @@ public final class Handover {
         mProcess = events.last("process");
     }
 
-    /** Every parameter written, in order; once for each write of a key. */
+    /** The writes of parameters, in order. A parameter that is written twice appears twice. */
     public List<Parameter> parameters() {
         return mParameters;
     }
 
-    /** The call that submitted the request; null without an algorithm pass. */
+    /** The call that submitted the request; null if the request was not submitted. */
     public Call process() {
         return mProcess;
     }
 
-    /** The algorithm list passed to the library; empty without an algorithm pass. */
+    /** The algorithm list passed to the algorithm library; empty if the request was not submitted. */
     public List<String> algorithms() {
         return mProcess == null ? List.of() : mProcess.begin().texts("algoList");
     }

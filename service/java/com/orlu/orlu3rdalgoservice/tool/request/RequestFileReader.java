@@ -11,7 +11,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Reads a request file. Unknown fields and invalid values are mistakes. */
+/** Reads a request file. Unknown fields and invalid values are errors. */
 public final class RequestFileReader {
     private static final int LONGEST_PROPERTY = 91;
 
@@ -25,7 +25,10 @@ public final class RequestFileReader {
         mMistakes = mistakes;
     }
 
-    /** Reads a file. `otherPhoto` replaces its photo unless null. Throws the first mistake. */
+    /**
+     * Reads a file. If `otherPhoto` is not null, it replaces the photo of the file, except for a recording,
+     * which has no photo. Throws the first error.
+     */
     public static RequestFile read(Path file, Path otherPhoto) throws MistakeException {
         Mistakes mistakes = new Mistakes(file.toString());
         RequestFile request = read(file, otherPhoto, mistakes);
@@ -33,13 +36,13 @@ public final class RequestFileReader {
         return request;
     }
 
-    /** Reads a file and notes all mistakes and warnings. Returns null if there is a mistake. */
+    /** Reads a file and adds its errors and warnings to `mistakes`. Returns null if there is an error. */
     public static RequestFile read(Path file, Path otherPhoto, Mistakes mistakes) {
         Json root = Json.read(file, mistakes);
         return root == null ? null : read(file, otherPhoto, root);
     }
 
-    /** Checks a text as the content of a file, which need not exist. Throws the first mistake. */
+    /** Checks `text` as if it were the content of `file`, which need not exist. Throws the first error. */
     public static void check(Path file, String text) throws MistakeException {
         Json root = Json.parse(file.toString(), 1, text);
         read(file, null, root);
