@@ -1,5 +1,5 @@
-// Benchmark of memory growth: the resident size after 10 %, 20 %, ... of many requests, synchronous and
-// full-async alternately.
+// Benchmark of memory growth: the resident size after 10 %, 20 %, ... of many requests, which are alternately
+// synchronous and full-async.
 
 #include <memory>
 
@@ -24,7 +24,7 @@ struct Pair {
 };
 
 void memoryBench(benchmark::State& state, int tenth) {
-  // One pair for all tenths that run, freed in the last.
+  // All tenths that run share this pair. The last tenth frees it.
   static std::unique_ptr<Pair> pair;
   if (pair == nullptr) pair = std::make_unique<Pair>(kinds()[0].plan);
   for (auto _ : state) state.SetIterationTime((pair->first.run() + pair->second.run()).count());

@@ -1,5 +1,5 @@
-// Benchmark of requests through the service's Java class with and without the recorder, alternately. The
-// images are small, so the result is the cost of a recording without its pixels.
+// Benchmark of the recorder: sends requests through the service's Java class, alternately without and with
+// the recorder. The images are small, so the difference is the cost of a recording without its pixels.
 
 #include <cstdlib>
 #include <filesystem>

@@ -3,8 +3,8 @@
 // reorders callbacks, sends them on unattached threads, throws C++ exceptions and leaves Java exceptions
 // pending. Clients are destroyed with requests in flight.
 //
-// Each request ends in one of five ways; the ledger compares its ending with its plan. At the end nothing may
-// be leaked, and memory must have stopped growing.
+// Each request ends in one of five ways. The ledger compares each request's ending with its plan. At the end
+// nothing may be leaked, and memory must have stopped growing.
 
 #include <cstdlib>
 
@@ -24,7 +24,8 @@ constexpr size_t kClients = 4;
 constexpr uint64_t kRequestsOfAClient = 200;
 constexpr uint64_t kWarmUp = 2'000;
 
-// Runs clients one after another. After each request, tries to finish two announced requests.
+// Runs one client after another until all requests are sent. After each request, tries to finish two requests
+// that callbacks announced to Java.
 void sendAll(SoakShared& shared, const SoakArguments& arguments, SoakWatch& watch, uint64_t seed) {
   const test::AttachedThread attached;
   bool isMore = true;
@@ -47,7 +48,7 @@ bool soakClients(uint64_t seed, uint64_t requests, const std::vector<SoakArgumen
                  SoakWatch& watch) {
   Ledger ledger(seed, requests);
   const standin::AlgoScript script = plainSoakScript(ledger);
-  // Creates no test::Algo, which would record every call: the records of a long run exceed the memory.
+  // A test::Algo would record every call, and the records of a long run would exceed the memory.
   test::setScript(&script);
   {
     SoakShared shared(ledger, seed);
@@ -82,7 +83,7 @@ int soak(uint64_t seed, uint64_t requests) {
   test::newObject("com/orlu/fuzz/Callbacks", "(Z)V", JNI_FALSE);
   std::vector<SoakArguments> arguments;
   for (size_t i = 0; i < kClients; ++i) arguments.push_back(makeSoakArguments());
-  // Creates everything that is created only once.
+  // The warm-up makes all one-time allocations, so that they do not count as leaks.
   std::printf("warm-up, for one-time allocations:\n");
   SoakWatch warmUp(kWarmUp);
   bool sound = soakClients(seed + 1, kWarmUp, arguments, warmUp);
@@ -118,6 +119,6 @@ int main(int argc, char** argv) {
   if (!orlu::test::startCheckedJvm({"orlu-fuzz", "orlu-service", "orlu-host-framework"})) return 2;
   orlu::fuzz::watchLog();
   const int result = orlu::fuzz::soak(seed, requests);
-  // The VM also reports callback threads that leak local references.
+  // jvmIsQuiet() also returns false if a callback thread leaked local references.
   return orlu::test::jvmIsQuiet() ? result : 3;
 }

@@ -34,14 +34,15 @@ public:
 
   void updateMetadata();
 
-  // Reads back the HDR process type and the night frame's index among the master frames, as updateMetadata()
-  // wrote them; 0 and -1 if it did not write them.
+  // Reads back two parameters that updateMetadata() wrote: the HDR process type (0 if missing) and the night
+  // frame's index among the master frames (-1 if missing).
   void updateRawnrHDRFrameIndex(int& hdrType, int& nightIndex);
-  // True if updateMetadata() found that the camera marked the request as needing no algorithm pass.
+  // True if updateMetadata() read the camera's mark that the request needs no algorithm pass.
   bool skipAlgoProcess() const { return mSkipAlgoProcess; }
 
-  // The parameter channel: set or get `size` bytes by section and key, or visit the values that the
-  // algorithms pass to the system or request from it. Return the context's status.
+  // Access to the parameter block; all return the context's status. setValue() and getValue() copy `size`
+  // bytes by section and key. paramAlgoUpdateToSystem() visits the values that the algorithms pass to the
+  // system; paramSystemDownloadToAlgo() visits the values that they request from the system.
   int setValue(const char* section, const char* key, void* value, unsigned size);
   int getValue(const char* section, const char* key, void* value, unsigned size);
   int paramAlgoUpdateToSystem(AlgoMetadataVisitor visitor);
@@ -94,10 +95,11 @@ public:
   // metadata_updater_regions.cpp
   // Returns whether rectangles must be scaled from the active array to an image of this size in pixels.
   bool needRemapRegion(_tagOrluSize activeSize, int width, int height);
-  // Converts all faces in place and drops those outside the image; does nothing without an active array.
-  // `face` must not contain more than kMaxFaces faces.
+  // Converts all faces in place to pixels of an image of this size, and drops the faces outside the image.
+  // Does nothing without an active array. `face` must not contain more than kMaxFaces faces.
   void convertFace(_tagOrluFaceInfo& face, int width, int height, bool skipZoom);
-  // Read and convert a metering region; `region` is unchanged without an input image or active array.
+  // Read the focus or exposure region and convert it to pixels of the first input image. Without an input
+  // image or active array, `region` is unchanged.
   void setVAFAfRegionShot(__tagOrluRect& region);
   void setVAFAeRegion(__tagOrluRect& region);
   // metadata_updater_double_exposure.cpp, _jpeg_encode.cpp, _pixel_shift.cpp, _frame_clarity.cpp, _debug.cpp
@@ -141,7 +143,7 @@ private:
   int32_t mJpegOrientation = 0;  // degrees
   int32_t mRequestId = 0;
   int32_t mBasicFrameIndex = -1;
-  HdrFrameIndex mHdrFrameIndex = {0, 1, 2, 3, 4, 5};  // the HDR frames among the master frames
+  HdrFrameIndex mHdrFrameIndex = {0, 1, 2, 3, 4, 5};  // indices among the master frames
   int32_t mBayerFilter = -1;
   int32_t mFilterType = 0;
   float mFilterIntensity = 0;

@@ -22,8 +22,8 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
   logPair(operation, domain, "hdrGains", a[kAecRealGain], b[kAecRealGain]);
   logPair(operation, domain, "hdrShutters", milliseconds(a), milliseconds(b));
 
-  // Both flash entries hold real gains: "superns_flash_adrc_gain" the first frame's,
-  // "superns_flash_real_gain" the last frame's (Oddity 29).
+  // Both flash entries contain real gains: "superns_flash_adrc_gain" contains the first frame's gain,
+  // and "superns_flash_real_gain" contains the last frame's (Oddity 29).
   // clang-format off
   shot.write<Floats<2>>(kParameter, "superns_adrc_gain",       {a[kAecAdrcGain], b[kAecAdrcGain]});
   shot.write<Floats<2>>(kParameter, "superns_real_gain",       {a[kAecRealGain], b[kAecRealGain]});
@@ -38,7 +38,7 @@ void writeSuperNs(Shot& shot, const Frame& lastFrame, const char* operation, con
 }
 
 // "isp_gain" and "sensor_gain_normal" are the normal frame's short gains, and the gain ratio is written
-// before the time ratio (Oddity 30). "exp_time_normal" is a float here (Oddity 31).
+// before the time ratio (Oddity 30). "exp_time_normal" is a float here but an int elsewhere (Oddity 31).
 void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
   // clang-format off
   shot.write<float>(kSystem, "lux_index_shot",        normal[kAecLuxIndex]);
@@ -65,7 +65,8 @@ void writeLowLight(Shot& shot, const Aec& normal, const Aec& brief) {
 
 }  // namespace
 
-// The last frame here is the master frame at the request's last index, else the last master frame.
+// Here, the last frame is the master frame with the index of the request's last frame. If there are fewer
+// master frames, it is the last master frame.
 void MetadataUpdater::updateSuperNsYuv() {
   writeSuperNs(mShot, masterFrames().atOrLast(mCaptureResultNum - 1), __func__, "YUVDomainSuperns");
 }

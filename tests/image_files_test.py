@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests request files with images from files: the bytes that reach the library, and rejected files.
+"""Tests request files that take images from files: the bytes that reach the library, and rejected files.
 
 image_files_test.py BUILD_FOLDER
 """
@@ -18,7 +18,7 @@ from image_files import dng, png, read_pgm, read_png, tiff  # noqa: E402
 
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
-# The samples of the DNG files, whose images must be larger than those of the other files.
+# Samples of the images in DNG files, which must be larger than the images in the other files.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
 REFUSED = "run: 1 error and 0 warnings in 1 of 1 file; nothing runs"
@@ -112,7 +112,8 @@ def takes_pictures():
 
 
 def takes_several():
-    """Images from files can be mixed with images from the photo. Only the latter are measured for noise."""
+    """A request can mix images from files and from the photo. PSNR is printed only if the base frame is from
+    the photo."""
     mixed = request({"format": "NV21"}, {"file": "gray.png", "format": "NV21", "frame": 1})
     mixed.update(photo=str(ROOT / "samples/photos/table.jpg"), frames={
         "count": 2, "noise": 5, "width": WIDTH, "height": HEIGHT, "common": {"captureResult": {

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
-"""Tests recordings that are truncated or damaged anywhere, and full disks: recording_faults_test.py
-BUILD_FOLDER"""
+"""Tests info and replay with damaged and oversized recordings, and the recorder with a full disk.
+
+recording_faults_test.py BUILD_FOLDER
+"""
 
 import json
 import os
@@ -37,7 +39,8 @@ STACK = re.compile(r"Exception|(?<!')null")
 
 
 def damage(shot, copy, chance):
-    """Copies a recording; truncates a file or flips a bit. Returns a pattern that info must print."""
+    """Copies a recording, then truncates one file of the copy or flips one bit in it. Returns a pattern that
+    the output of info must match."""
     shutil.copytree(shot, copy)
     file = copy / chance.choice([file.name for file in shot.iterdir()] + list(TEXTS))
     whole = file.read_bytes()
@@ -49,7 +52,7 @@ def damage(shot, copy, chance):
     if file.name not in TEXTS or file.name == "events.jsonl":
         return re.escape(f"{file.name} is cut or damaged")
     if not is_cut:
-        # A changed number or name may still be valid.
+        # With one bit flipped, a number or name may still be valid.
         return ANYTHING
     if whole[at:].strip() == b"":
         return ANYTHING
@@ -146,8 +149,8 @@ def check_full_disk():
     expect("without a recorder", 0, status)
     parameters = [line for line in plain.splitlines() if "parameters" in line]
     has_reason = False
-    # The larger the disk, the later it fills up: the smallest at the first file, the largest at the events.
-    # The last disk is read-only.
+    # A larger disk fills up later: the disk of 4 KiB at the recording's first file, the disk of 900 KiB at
+    # the events. The last disk is read-only.
     for size, option in ((4, ""), (8, ""), (300, ""), (700, ""), (900, ""), (4, "ro")):
         script = (f"mount -t tmpfs -o size={size}k tmpfs full && "
                   f"{'mount -o remount,ro full && ' if option else ''}"

@@ -36,7 +36,7 @@ Block::Block(int kind) : mHandle(call<void*>(nullptr, table().metadataOps.create
 }
 
 int Block::set(const char* section, const char* key, const void* data, size_t size) {
-  // The service passes its own memory, which the library must not change.
+  // The library must not change this memory: the service passes memory that it owns.
   return call(kNotCalled, table().metadataOps.setValue, mHandle, section, key, const_cast<void*>(data),
               static_cast<unsigned>(size));
 }
@@ -246,8 +246,8 @@ std::string cameraMetadata() {
   appendInt(bytes, static_cast<int32_t>(std::size(kTags)));
   for (const Tag& tag : kTags) {
     appendText(bytes, tag.name);
-    appendInt(bytes, 0);  // the type code of integers
-    appendInt(bytes, 1);  // their count
+    appendInt(bytes, 0);  // type code of integers
+    appendInt(bytes, 1);  // number of values
     appendInt(bytes, tag.value);
   }
   return bytes;

@@ -1,6 +1,6 @@
 // Runs a request's algorithms: selects and merges frames, changes the picture, and encodes it into the first
 // output or copies it into all outputs. With "ppt", the second output gets a JPEG instead of a copy. Unknown
-// names are only reported.
+// algorithms are only reported.
 #pragma once
 
 #include <string>
@@ -21,9 +21,9 @@ struct RunReport {
   };
 
   std::vector<std::string> ran;
-  std::vector<std::string> skipped;  // without a bit in processed_algo, or without work
+  std::vector<std::string> skipped;  // have no bit in "processed_algo", or had nothing to do
   double milliseconds = 0;
-  std::vector<FrameReport> frames;  // one per input if the frames were judged
+  std::vector<FrameReport> frames;  // one per input; empty if frames were not judged
 };
 
 class AlgorithmChain {

@@ -8,7 +8,8 @@
 namespace orlu::standin {
 namespace {
 
-// Returns the VM, or null. Looks up the function by name, because this library must also load without a VM.
+// Returns the VM, or null. Looks up JNI_GetCreatedJavaVMs() by name, because this library must also load
+// without a VM.
 JavaVM* findVm() {
   using GetCreatedJavaVms = jint(JNICALL*)(JavaVM**, jsize, jsize*);
   const auto getCreatedVms =

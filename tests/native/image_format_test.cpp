@@ -26,7 +26,7 @@ TEST(ImageFormatTest, NamesEachOfItsCodesAndNoOther) {
 
 void* const kPlanes[] = {reinterpret_cast<void*>(0x60), reinterpret_cast<void*>(0x61)};
 
-// Every printed field has a different value.
+// No two printed fields of kFrame are equal.
 // clang-format off
 const AlgoFrameInfo kFrame = {24, 1, 2, 3, {10, 11}, {20, 21}, 0, nullptr, 4, {30, 31}, {40, 41}, 5,
                               {kPlanes[0], kPlanes[1]}, {50, 51}};

@@ -21,7 +21,8 @@ inline Lines errorLines(const LogCapture& log) {
   return lines;
 }
 
-// Returns one line per error. Lines of `tag` that have a prefix are reduced to the message.
+// Returns one line per error, as errorLines() does. Lines of `tag` with a file:line prefix are reduced to the
+// message.
 inline std::string errorText(const LogCapture& log, const std::string& tag) {
   const std::string usual = tag + ": * ";
   std::string text;
@@ -32,7 +33,7 @@ inline std::string errorText(const LogCapture& log, const std::string& tag) {
   return text;
 }
 
-// Joins the lines, so that a failure prints those that differ.
+// Joins the lines to one text. If two texts are unequal, the failure prints the lines that differ.
 inline std::string joined(const Lines& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + "\n";

@@ -5,7 +5,7 @@ import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** A flat, little-endian record of values in the order of writing. Each array follows its length. */
+/** Little-endian bytes of the values in the order of writing. A length precedes each string and array. */
 public final class Parcel {
     private static final int NULL_LENGTH = -1;
     private static final int FIRST_CAPACITY = 256;

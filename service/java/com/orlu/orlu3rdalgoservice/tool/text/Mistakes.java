@@ -11,7 +11,7 @@ import java.util.Set;
  * more errors; in the end it discards everything read.
  */
 public final class Mistakes {
-    /** Limit of the errors. The warnings have their own limit of this size, so they never displace errors. */
+    /** Limit for the errors, and separately for the warnings, so that warnings never displace errors. */
     private static final int MOST_KEPT = 1000;
     private static final int MOST_PRINTED = 100;
 
@@ -89,7 +89,7 @@ public final class Mistakes {
         }, null);
     }
 
-    /** Appends a note to the mistakes from index `first` on. */
+    /** Appends a note to each mistake from index `first` on, in the order of adding. */
     public void annotate(int first, String note) {
         List<Mistake> all = new ArrayList<>(mMistakes);
         all.subList(first, all.size()).replaceAll(mistake -> mistake.withNote(note));
@@ -102,7 +102,7 @@ public final class Mistakes {
         return mMistakes.size();
     }
 
-    /** Returns the number of errors kept, which is 0 only if there are none. */
+    /** Returns the number of errors kept. It is 0 only if no error was added. */
     public int errors() {
         return mErrors;
     }
@@ -132,8 +132,8 @@ public final class Mistakes {
     }
 
     /**
-     * Returns a line for each of at most MOST_PRINTED mistakes, sorted by place, and one with the count of
-     * the rest. If there are too many mistakes, omits warnings rather than errors.
+     * Returns one line per mistake, sorted by place. If there are more than MOST_PRINTED mistakes, omits
+     * warnings before errors, and appends a line with the number of omitted mistakes.
      */
     public List<String> lines() {
         List<String> lines = new ArrayList<>();

@@ -59,7 +59,7 @@ function press(button, isDown) {
   button.setAttribute("aria-pressed", String(isDown));
 }
 
-// Makes a search field. Every input calls onChange with the text, trimmed and in lower case.
+// Makes a search field. Whenever the text changes, calls onChange with it, trimmed and in lower case.
 function filterField(label, onChange) {
   return h("input", {
     type: "search",
@@ -70,7 +70,7 @@ function filterField(label, onChange) {
   });
 }
 
-// Returns whether all words are in the text, in any order.
+// Returns whether the text contains each of the words, which are separated by blanks, in any order.
 function matches(text, words) {
   return words === "" || words.split(/\s+/).every(word => text.includes(word));
 }
