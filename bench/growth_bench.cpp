@@ -1,4 +1,4 @@
-// Benchmark of a request's time by number of frames and by number of tags per frame.
+// Measures how a request's time grows with the number of frames, and with the number of tags per frame.
 
 #include "benches.h"
 #include "kinds.h"

@@ -1,4 +1,4 @@
-// Checks of the entry, the tables and the records passed in calls.
+// Checks of the library's entry, of the tables that it fills in, and of the records passed to it.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -69,7 +69,8 @@ struct GuardedTable {
   }
 };
 
-// Fails the check and returns false if the table's layout differs. Does not call or destroy the callables.
+// Fails the check and returns false if the entry wrote outside the table, or if the table has another layout
+// than AlgoInterfaceCallbacks. Does not call or destroy the callables.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {
@@ -117,7 +118,7 @@ private:
   Record* mRecord;
 };
 
-// Calls without the kit's observer, so that the library gets the record directly.
+// Calls the callable without the kit's observer, so that the library gets the record directly.
 template <typename Callable, typename Record>
 void callBare(const std::string& name, const Callable& callable, const Record& record) {
   const Operation operation(name, name);
@@ -228,7 +229,7 @@ void checkMandatory() {
 
 void checkLayout() {
   step("a table between guards");
-  // Without OPEN_LIBRARY, which requires a valid table.
+  // Does not use OPEN_LIBRARY, which skips the check if the library's table is invalid.
   Library* const library = Library::open();
   if (library == nullptr) GTEST_SKIP() << kUnusable;
   auto* const guarded = new GuardedTable();

@@ -18,7 +18,7 @@ struct Slot {
   std::atomic<bool> isTaken;
   char text[160];
   char name[48];               // empty for operations that are not timed
-  std::atomic<int64_t> since;  // by Clock
+  std::atomic<int64_t> since;  // start of the operation, in ticks of Clock
 };
 
 struct Progress {
@@ -42,7 +42,7 @@ void copyInto(char (&to)[Room], const std::string& text) {
   to[length] = '\0';
 }
 
-// The slot that a thread owns until it exits; null if all slots are taken or progress is not shared.
+// A thread's own slot, until the thread exits. Null if all slots are taken or progress is not shared.
 struct OwnSlot {
   Slot* slot = nullptr;
 

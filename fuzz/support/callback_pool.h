@@ -1,4 +1,4 @@
-// Sends held callbacks on its own thread: late and in random order.
+// A pool that sends callbacks late and in random order, on its own thread.
 #pragma once
 
 #include <atomic>
@@ -25,14 +25,14 @@ void sendShotCallback(uint64_t cookie, uint64_t nativeReq);
 
 class CallbackPool {
 public:
-  // `isAttached`: whether the thread is attached to the Java VM.
+  // `isAttached`: whether the pool's thread is attached to the Java VM.
   CallbackPool(uint64_t seed, bool isAttached);
   CallbackPool(const CallbackPool&) = delete;
   CallbackPool& operator=(const CallbackPool&) = delete;
   ~CallbackPool();  // sends the remaining callbacks
 
-  // Queues the callback. The thread sends it after its delay. The order of callbacks that are due at the same
-  // time is random.
+  // Queues the callback. The pool's thread sends it after the callback's delay. If several callbacks are due
+  // at the same time, their order is random.
   void hold(const HeldCallback& callback);
 
 private:
@@ -43,11 +43,12 @@ private:
   };
 
   void run();
-  // Waits for callbacks and takes one: a random one of those that are due, else the next one, once it is due.
-  // Returns false once the ending pool is empty.
+  // Waits for callbacks and takes one. If several are due, takes a random one of them. If none is due, takes
+  // the callback that is due first, after waiting for its time. Returns false if the pool is being destroyed
+  // and contains no more callbacks.
   bool take(HeldCallback& callback);
 
-  std::mutex mMutex;  // guards the members below
+  std::mutex mMutex;  // guards mHeld, mRandom and mIsEnding
   std::condition_variable mChanged;
   std::vector<Due> mHeld;
   std::mt19937_64 mRandom;

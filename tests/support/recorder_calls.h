@@ -1,4 +1,4 @@
-// Calls of the service's Java class and of the recorder, for tests and benchmarks.
+// Functions that call the service's Java class and the recorder, for tests and benchmarks.
 #pragma once
 
 #include <jni.h>
@@ -22,7 +22,7 @@ inline void destroyServiceClient(jobject service, jlong client) {
   call(service, "destroyNativeClient", "(J)I", client);
 }
 
-// Returns a recorder that keeps at most `count` recordings of at most `bytes` bytes each in this folder.
+// Returns a recorder that keeps at most `count` recordings in `folder`, each of at most `bytes` bytes.
 inline jobject newRecorder(const std::string& folder, int count, int64_t bytes) {
   jobject file = newObject("java/io/File", "(Ljava/lang/String;)V", javaString(folder));
   return newObject("com/orlu/orlu3rdalgoservice/record/RequestRecorder", "(Ljava/io/File;IJ)V", file, count,

@@ -12,7 +12,7 @@ import java.util.Set;
 import java.util.TreeSet;
 import java.util.concurrent.ConcurrentHashMap;
 
-/** All known tags with their types: the lines of tags.txt and all registered tags. */
+/** All known tags with their types: the tags in tags.txt and all registered tags. */
 public final class TagTable {
     private static final Map<String, TagType> TAGS = load();
 
@@ -31,8 +31,8 @@ public final class TagTable {
 
     /**
      * Registers a vendor tag, as the camera's tag descriptor does on the device. Registering a tag again with
-     * the same type is allowed. Throws IllegalArgumentException if the tag is known with another type,
-     * because metadata may already contain values of that type.
+     * the same type is allowed. Throws IllegalArgumentException if the tag already has a different type,
+     * because metadata may contain values of the earlier type.
      */
     public static void register(String tag, TagType type) {
         put(TAGS, tag, Objects.requireNonNull(type));

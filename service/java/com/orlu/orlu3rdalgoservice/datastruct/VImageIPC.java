@@ -5,7 +5,8 @@ import android.os.SharedMemory;
 
 /**
  * An image passed between processes: a description, and pixels in shared memory or a hardware buffer. The
- * native side reads the fields by name, and writes format, width, height and first plane size of outputs.
+ * native side finds the fields by name. It reads all fields, and in outputs it also writes the format, the
+ * width, the height and the first plane size.
  */
 public final class VImageIPC {
     /** The format's name, such as "NV21". Never null. */

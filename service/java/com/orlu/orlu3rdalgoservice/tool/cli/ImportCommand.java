@@ -86,7 +86,7 @@ final class ImportCommand implements Subcommand {
         importer.read(mFiles);
         Path folder = mOut.toAbsolutePath().getParent();
         makeFolder(folder);
-        // Before the file is written, checks the request as ./run --check does.
+        // Checks the request before writing the file, as ./run --check does.
         String text = new RequestWriter(folder, importer).text(mFiles, mAlgorithms, mPhoto);
         RequestFileReader.check(mOut, text);
         Files.writeString(mOut, text);

@@ -4,13 +4,13 @@ import com.orlu.orlu3rdalgoservice.tool.text.Printable;
 
 /**
  * Shows the progress of long work on standard error, in one line that each update overwrites. Shows nothing
- * unless the property orlu.terminal contains the terminal's number of columns. Thread-safe.
+ * without the property orlu.terminal, which contains the terminal's number of columns. Thread-safe.
  */
 public final class Progress {
     private static final int COLUMNS = Integer.getInteger("orlu.terminal", 0);
     private static final long FIRST_NANOSECONDS = 500_000_000L;
     private static final long PAUSE_NANOSECONDS = 50_000_000L;
-    /** Before this time, the steps done are too few for an estimate of the time left. */
+    /** Time before the first estimate of the time left: until then, too few steps are done. */
     private static final double LEAST_ESTIMATED_SECONDS = 1;
     private static final double NANOSECONDS = 1e9;
     private static final String CLEAR_LINE = "\r\033[K";
@@ -49,7 +49,7 @@ public final class Progress {
                         : ", %.0f s left".formatted(Math.ceil(seconds * (steps - done) / done))));
     }
 
-    /** Clears the line and ends the present work. Call this before printing anything else. */
+    /** Clears the line after the present work. Call this before printing anything else. */
     public static synchronized void end() {
         sNext = System.nanoTime() + FIRST_NANOSECONDS;
         sWork = "";

@@ -37,7 +37,7 @@ final class ExifReader {
     private static final String EXIF = "Exif\0\0";
     private static final int TAG_WHITE_LEVEL = 0xC61D;
     private static final double NANOSECONDS = 1e9;
-    /** EXIF's colour filter patterns (0 red, 1 green, 2 blue), by the value of colorFilterArrangement. */
+    /** EXIF's colour filter patterns (0 red, 1 green, 2 blue), indexed by colorFilterArrangement. */
     private static final List<String> PATTERNS =
             List.of("[0, 1, 1, 2]", "[1, 0, 2, 1]", "[1, 2, 0, 1]", "[2, 1, 1, 0]");
     private static final int FLASH_FIRED = 1;
@@ -52,7 +52,7 @@ final class ExifReader {
         mNotes = notes;
     }
 
-    /** Reads a JPEG, DNG or other TIFF file. Throws if the file can't be read; notes other damage. */
+    /** Reads a JPEG, DNG or other TIFF file. Throws if the file can't be read; adds notes on other damage. */
     static ImportedFrame read(Path file, ImageFileKind kind, Notes notes) throws MistakeException {
         try {
             Metadata metadata = kind == ImageFileKind.JPEG ? ofJpeg(file)
@@ -130,7 +130,7 @@ final class ExifReader {
                 ExifDirectoryBase.TAG_CFA_PATTERN_2, ExifDirectoryBase.TAG_CFA_PATTERN)) {
             Directory directory = holding(exifTag);
             byte[] pattern = directory == null ? null : directory.getByteArray(exifTag);
-            // In TAG_CFA_PATTERN, the pattern's size, two 16-bit numbers, precedes the pattern.
+            // TAG_CFA_PATTERN begins with the pattern's width and height, 16 bits each.
             int start = exifTag == ExifDirectoryBase.TAG_CFA_PATTERN ? 4 : 0;
             if (pattern != null && pattern.length >= start + 4) {
                 mTaken.add(exifTag);
@@ -181,7 +181,7 @@ final class ExifReader {
         return Double.isFinite(value) ? Math.rint(value) : value;
     }
 
-    // Returns the first directory with the tag, except a thumbnail's; null if there is none.
+    // Returns the first directory that contains the tag, or null. Skips directories of thumbnails.
     private Directory holding(int tag) {
         for (Directory directory : mMetadata.getDirectoriesOfType(ExifDirectoryBase.class)) {
             if (directory.containsTag(tag) && !(directory instanceof ExifThumbnailDirectory)) {
@@ -204,8 +204,8 @@ final class ExifReader {
         return number;
     }
 
-    // Returns the first of a tag's numbers; an ISO tag may have one number for each standard. Converts
-    // rationals itself, because the EXIF library reads 0/0 as 0.
+    // Returns the first of a tag's numbers; an ISO tag may have one number for each standard. Divides
+    // rationals without the EXIF library, which reads 0/0 as 0.
     private static Double first(Directory directory, int tag) {
         Object held = directory.getObject(tag);
         if (held != null && held.getClass().isArray() && Array.getLength(held) > 0) {

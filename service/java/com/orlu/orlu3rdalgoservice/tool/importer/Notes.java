@@ -6,7 +6,10 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Notes on data that an import drops or reads in an unexpected way: one per line, with place and reason. */
+/**
+ * Notes on data that an import drops or reads in an unexpected way. Each note is one line with the place and
+ * the reason.
+ */
 public final class Notes {
     private static final int MOST = 1000;
 
@@ -31,7 +34,7 @@ public final class Notes {
         return mCount;
     }
 
-    /** The first notes, and a line with the number of further notes. */
+    /** Returns the first MOST notes. If there are more, adds a line with the number of further notes. */
     public List<String> lines() {
         List<String> lines = new ArrayList<>(mLines);
         if (mCount > MOST) {

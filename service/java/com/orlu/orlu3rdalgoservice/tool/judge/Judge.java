@@ -10,7 +10,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Judges one request, sent to a usable library, by the request's events and outputs. */
+/** Judges one request by its events and outputs. The algorithm library must be usable (LibraryCheck). */
 public final class Judge {
     /** Operations whose negative results mean a missing or unknown key, not a failure. */
     private static final Set<String> ANSWERING =
@@ -27,7 +27,7 @@ public final class Judge {
         mCallbacks = new Callbacks(run.events(), run.request().fullAsync(), run.ran());
     }
 
-    /** `outputProblems` are the problems of outputs that the algorithms should have written. */
+    /** Returns the verdict. `outputProblems`: problems of the outputs that algorithms should have written. */
     public static Verdict of(Run run, List<String> outputProblems) {
         return new Judge(run, outputProblems).judge();
     }
@@ -47,7 +47,7 @@ public final class Judge {
         return mReasons.isEmpty() ? Verdict.ok() : new Verdict(Verdict.FAILED, mReasons);
     }
 
-    // Reports repeated failures as one reason, with a count. `except` is reported elsewhere.
+    // Reports repeated failures as one reason, with a count. Skips `except`, which noCallback() reports.
     private void checkOperations(Call except) {
         Map<String, Integer> counts = new LinkedHashMap<>();
         for (Call call : mRun.events().calls()) {
@@ -82,7 +82,8 @@ public final class Judge {
         return ignored.isEmpty() ? text : text + "; " + ignored;
     }
 
-    // Also applies to successful requests: a light-stream event may be lost, or a message misspelt.
+    // An ignored callback is a fault even if another callback finished the request: a light-stream event may
+    // be lost, or a message misspelt.
     private void checkIgnored() {
         String ignored = mCallbacks.ignored();
         if (!ignored.isEmpty()) {

@@ -12,17 +12,17 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * An image exactly as a recorder found it, even if its description is inconsistent.
+ * The description of an image, exactly as a recorder found it, even if it is inconsistent.
  *
  * @param format     the native side's name of the format
- * @param rowStrides bytes per row of each plane; null if the image had none
- * @param planeSizes bytes of each plane; null if the image had none
+ * @param rowStrides bytes per row of each plane; null if the image had no such array
+ * @param planeSizes bytes of each plane; null if the image had no such array
  * @param memory     "shared", "hardware" or "none"
- * @param buffer     width, height and format of a recorded hardware buffer, else empty
+ * @param buffer     width, height and format of a recorded hardware buffer; empty for other memory
  * @param size       size of the image's memory, in bytes; 0 if not recorded
  * @param file       the file with the image's bytes; null if they were not recorded or are all 0
- * @param kept       the reason if the bytes were not recorded, else empty
- * @param frame      index of an input's frame, -1 if unknown
+ * @param kept       the reason why the bytes were not recorded; empty if there is none
+ * @param frame      index of the frame that an input belongs to; -1 if unknown
  */
 public record ImageLayout(String format, int width, int height, int[] rowStrides, int[] planeSizes,
         String memory, int[] buffer, int size, RecordedFile file, String kept, int frame) {
@@ -39,7 +39,10 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 "", -1);
     }
 
-    /** Returns the fields that the native side may change: readable names and values. */
+    /**
+     * Returns readable names and values of the fields that describe the pixels. The native side may change
+     * some of them.
+     */
     public Map<String, String> fields() {
         Map<String, String> fields = new LinkedHashMap<>();
         fields.put("format", format);
@@ -70,7 +73,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
                 whole(image, "frame", 0, Integer.MAX_VALUE, -1));
     }
 
-    // Throws a mistake, unlike Json.integer() with a name, which notes it and continues.
+    // Throws on a mistake. Json.integer() with a name would only note the mistake and continue.
     private static int whole(Json image, String name, int least, int most, int absent)
             throws MistakeException {
         return image.has(name) ? image.get(name).integer(least, most) : absent;
@@ -95,7 +98,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return numbers;
     }
 
-    /** Returns the description in the form of a recording. */
+    /** Returns the description as JSON, as a recording contains it. */
     public Map<String, Object> json() {
         Map<String, Object> json = JsonWriter.object("format", format, "width", width, "height", height,
                 "rowStrides", rowStrides, "planeSizes", planeSizes, "memory", memory, "size", size);
@@ -115,7 +118,7 @@ public record ImageLayout(String format, int width, int height, int[] rowStrides
         return json;
     }
 
-    /** Returns the image with another file. If `other` is null, the image has no file, for this reason. */
+    /** Returns the image with another file, or without one if `other` is null. `reason` replaces `kept`. */
     public ImageLayout withFile(RecordedFile other, String reason) {
         return new ImageLayout(format, width, height, rowStrides, planeSizes, memory, buffer,
                 other == null ? size : other.size(), other, reason, frame);

@@ -11,8 +11,8 @@ import java.util.Map;
 import java.util.TreeMap;
 
 /**
- * A trace of one process in the JSON trace format: slices in one lane per thread, and arrows between them.
- * Omits events that begin outside its period.
+ * A trace of one process in the JSON trace format: slices in one lane per thread, arrows between slices, and
+ * counters. Omits events that begin outside its period.
  */
 final class TraceFile {
     private static final double NANOSECONDS_PER_MICROSECOND = 1e3;
@@ -31,8 +31,9 @@ final class TraceFile {
      * A span of one thread.
      *
      * @param tid   the kernel's id of the thread, shown as the lane
-     * @param start on the clock of System.nanoTime(), like `end`
-     * @param args  shown by viewers if the span is selected
+     * @param start begin of the span, on the clock of System.nanoTime()
+     * @param end   end of the span, on the same clock
+     * @param args  details that viewers show when the span is selected
      */
     record Slice(String name, String category, int tid, long start, long end, Map<String, Object> args) {
         boolean contains(long time) {
@@ -95,7 +96,8 @@ final class TraceFile {
         return mEvents;
     }
 
-    // Viewers require slices of a lane to nest: a slice must not end after the enclosing slice.
+    // Shortens each slice that ends after its enclosing slice, because viewers require the slices of a lane
+    // to nest.
     private void addLane(List<Slice> slices) {
         Deque<Slice> around = new ArrayDeque<>();
         slices.sort(Comparator.comparingLong(Slice::start)

@@ -17,7 +17,10 @@ import java.util.HexFormat;
 
 import javax.imageio.ImageIO;
 
-/** Tests which image descriptions from an algorithm library are rejected. */
+/**
+ * Tests that the tool rejects invalid image descriptions from an algorithm library, and JPEGs that are too
+ * large for the memory.
+ */
 public final class OutputReaderTest {
     @Test
     public void rejectsRowsShorterThanTheirPixels() {
@@ -46,7 +49,7 @@ public final class OutputReaderTest {
         ImageIO.write(new BufferedImage(16, 16, BufferedImage.TYPE_INT_RGB), "jpg", file);
         String jpeg = HexFormat.of().formatHex(file.toByteArray());
         assertNotNull(PixelReader.decodeJpeg(HexFormat.of().parseHex(jpeg)));
-        // The size follows the marker, the length of the block, and the number of bits.
+        // The picture's size follows the marker, the segment's length, and the number of bits per sample.
         String large = jpeg.replaceFirst("ffc0(....)08........", "ffc0$10880004000");
         assertNotEquals(jpeg, large);
         assertNull(PixelReader.decodeJpeg(HexFormat.of().parseHex(large)));
