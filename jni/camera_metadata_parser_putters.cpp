@@ -51,7 +51,8 @@ int CameraMetadataParser::putBoxed(const char* putter, T value, const char* key,
   return -1;
 }
 
-// Copies the values into a new Java array and stores this array. Fails if `required` is null.
+// Copies the values into a new Java array and stores the array. Fails if the class `required` is null, but
+// does not use the class.
 template <typename T>
 int CameraMetadataParser::putArray(const char* putter, const T* values, int count, jclass required,
                                    const char* key, jobject container, Store into) {
@@ -80,7 +81,7 @@ jobject CameraMetadataParser::createHashMap() {
   return map;
 }
 
-// ---- The putters: one row each, with its name, the type of its values, and the store
+// ---- The putters: name, type of the values, class that must not be null (for arrays), and store
 
 using P = CameraMetadataParser;
 

@@ -1,4 +1,4 @@
-// Results of the algorithms, and the values put into the compositions for them.
+// Results of the algorithms, and the values that the result updater puts into the compositions.
 #pragma once
 
 #include <cstring>
@@ -53,14 +53,14 @@ inline LeftValue outlineValue() {
   return {"feedback", "face_outline", outline};
 }
 
-// An algorithm's result in the parameter set, and the value put for it. A result with several puts has a row
-// for each.
+// A result in the parameter set, and the value that the result updater puts into a composition for it. A
+// result that is put under several keys has one row for each key.
 struct Result {
-  std::string algorithms;  // read if the list contains any of these; empty: always read
+  std::string algorithms;  // read if the algorithm list contains any of these; empty: always
   LeftValue left;
-  std::string put;    // composition, key and type; empty: nothing is put
-  std::string set;    // value put when all results are set
-  std::string unset;  // value put when no result is set; "none": nothing is put
+  std::string put;    // index of the composition, key and type; empty: nothing is put
+  std::string set;    // value that is put if all results are set
+  std::string unset;  // value that is put if no result is set; "none": nothing is put
 };
 
 inline std::vector<int32_t> selectSecond() {
@@ -76,7 +76,7 @@ inline std::vector<double> scores() {
 }
 
 // clang-format off
-// In the order of the puts. The decoded size overwrites the values of the keys imgW and imgH.
+// Results in the order of the puts. "decoded_jpeg_size" overwrites the earlier values of imgW and imgH.
 inline const std::vector<Result> kResults = {
     {"jpegBokehOnly",         left("feedback", "refocus_point_x", {11}),               "0 orlu.refocus.pointRatioX Integer",             " 11", " 0"},
     {"jpegBokehOnly",         left("feedback", "refocus_point_y", {12}),               "0 orlu.refocus.pointRatioY Integer",             " 12", " 0"},
@@ -107,8 +107,8 @@ inline const std::vector<Result> kResults = {
     {"dualBokeh singleBokeh", left("feedback", "segment_detect_result", {2}),          "0 orlu.feedback.segmentResult Integer",          " 2", " -1"},
     {"bestMoment",            left("feedback", "bestmoment_index", {6}),               "0 orlu.feedback.bestmoment_index Integer",       " 6", " 0"}};
 
-// Results put at the end of every request. The two gains are put into the last composition; only the fourth
-// word of "processed_algo" is put.
+// Results that are put at the end of every request. Both gains are put as one value, into the last
+// composition. Of "processed_algo", only the fourth word is put.
 inline const std::vector<Result> kEnd = {
     {"", left("feedback", "frame_select_result", selectSecond()), "0 orlu.feedback.frameSelectResult long[]",       " 2", ""},
     {"", left<double>("parameter", "frame_clarity_score", scores()), "0 orlu.feedback.clarityScore double[]",       " 1.5", " 0.0 0.0"},
@@ -133,7 +133,7 @@ inline std::string putsOf(const std::vector<Result>& results, std::string Result
   return text;
 }
 
-// Returns the rows of `results` that are read if the list only contains this algorithm.
+// Returns the rows of `results` that are read if the algorithm list contains only `algorithm`.
 inline std::vector<Result> resultsOf(const std::string& algorithm, const std::vector<Result>& results) {
   std::vector<Result> asked;
   for (const Result& result : results) {

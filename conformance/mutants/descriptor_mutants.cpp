@@ -1,5 +1,5 @@
-// Mutants that misuse descriptors and mappings. They use the lent descriptors or duplicates of their own, not
-// the minimal library's duplicates.
+// Mutants that misuse descriptors and mappings. They use the descriptors that the caller lends, or their own
+// duplicates of these. They don't touch the minimal library's duplicates.
 #include "mutant.h"
 
 namespace orlu::mutants {

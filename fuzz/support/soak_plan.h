@@ -11,7 +11,7 @@ enum class Ending : uint8_t {
   kAnswered,     // synchronous, woken by its callback
   kTimedOut,     // synchronous, without a callback in time
   kSkipped,      // never submitted to the library
-  kAnnounced,    // full-async, announced to Java and finished by it
+  kAnnounced,    // full-async, announced to Java and finished by Java
   kUnannounced,  // full-async, not announced: finished by its id or with its client
   kNone          // none of these, or several
 };
@@ -28,6 +28,7 @@ constexpr bool isSkipped(SoakKind kind) {
   return kind == SoakKind::kSkipped || kind == SoakKind::kSkipAsync;
 }
 
+// When, how often and on which thread a request's callback is sent.
 enum class SoakCallbacks : uint8_t {
   kOnce,
   kTwice,
@@ -45,7 +46,7 @@ enum class SoakCallbacks : uint8_t {
   kWithoutMemory     // once, but the map for Java can't be allocated; Java finishes the request by its id
 };
 
-// A row of the table that the soak prints (see ledger.h).
+// How a request is called back and ends. The soak prints one table row for each way (see ledger.h).
 struct SoakWay {
   unsigned share;  // per thousand requests
   const char* name;
@@ -87,7 +88,8 @@ constexpr SoakWay kSoakWays[] = {
   { 10, "  no memory to announce",  Kind::kFullAsync,   Calls::kWithoutMemory,   End::kUnannounced},
 };
 
-// Operations that misbehave after their work; "callback" leaves its exception before the callback.
+// Faults of operations. An operation does its work before it throws or leaves the exception. Only "callback"
+// leaves the exception before the callback is sent.
 struct SoakFault {
   const char* operation;
   bool isJava;  // leaves a Java exception pending; otherwise throws a C++ exception
@@ -102,7 +104,7 @@ constexpr SoakFault kSoakFaults[] = {
   {"callback", true},
   {"paramSystemDownloadToAlgo", false}, {"paramAlgoUpdateToSystem", true},
 };
-// Operations that misbehave while a client is being destroyed.
+// Faults of operations while a client is being destroyed.
 constexpr SoakFault kSoakEndFaults[] = {
   {"flush",         false}, {"flush",         true},
   {"uninit",        false}, {"uninit",        true},

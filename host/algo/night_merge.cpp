@@ -8,7 +8,7 @@ namespace {
 
 struct MovedPlane {
   Plane plane;
-  Shift shift;  // pixels of this plane
+  Shift shift;  // in pixels of this plane
 };
 
 template <typename T>

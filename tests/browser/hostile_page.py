@@ -48,7 +48,7 @@ POLICY = ["connect-src", "frame-src", "img-src", "script-src-attr", "script-src-
 
 
 def hostile_request(folder, name, text):
-    """Writes the sample capture with this string in fields that accept any string. Returns the file."""
+    """Writes samples/capture.json with `text` in the fields that accept any string. Returns the file."""
     request = json.loads((ROOT / "samples/capture.json").read_text())
     request["about"] = text
     request["request"]["type"] = text
@@ -66,7 +66,7 @@ def hostile_request(folder, name, text):
 
 
 def check_hostile(driver, build, folder, tabs, check):
-    """Checks every tab of hostile pages, and their index, with two faults of the algorithm library."""
+    """Makes hostile pages with two faults of the algorithm library. Checks their tabs and their index."""
     requests = [hostile_request(folder, FILE, ATTACK + CONTROLS), hostile_request(folder, "plain", ATTACK)]
     for fault in ("answers:process", "aborts:process"):
         pages = folder / f"hostile-{fault}"

@@ -3,7 +3,7 @@
 //   lacks:NAME  answers:NAME  throws:NAME                fault of the callable NAME
 //   aborts:NAME  segfaults:NAME  hangs:NAME              same
 //   silent  late  name  id  unattached  twice  headless  afterwards   faults of the callback
-//   visits                                 a value is requested with half its size
+//   visits                                 a visit requests a value with half its size
 //   idle  untouched                        faults of the request
 //   empty  oversized  selects  crossed  brief     faults of the results
 //   scribbles                              an output is written again after the callback
@@ -40,18 +40,18 @@ using Bytes = hidl_vec<uint8_t>;
 using Handles = hidl_vec<hidl_handle>;
 
 constexpr int kInvalid = -22;
-// Size of a JPEG, larger than any output of a test.
+// A JPEG's size in bytes, larger than every output of the tests.
 constexpr int32_t kOversized = 1 << 24;
-// Longer than the ten seconds that a request waits.
+// Delay of a late callback. A synchronous request waits only ten seconds.
 constexpr std::chrono::seconds kLate{11};
 
 // The fault "crossed" stores this result in every request of a burst; only the first may have it.
 constexpr int64_t kFirstFlag = -1'000'000;
 
 std::thread gLate;
-// Repeats the callback.
+// Repeats the last callback (fault "afterwards").
 std::function<void()> gAgain;
-// The last request's parameter block, and a descriptor of the request's first output.
+// The last request's parameter block, and a descriptor of the request's first output (fault "scribbles").
 void* gBlock = nullptr;
 int gOutput = -1;
 

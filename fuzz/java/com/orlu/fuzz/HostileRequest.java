@@ -41,13 +41,13 @@ public final class HostileRequest implements AutoCloseable {
     private final HostileValues mValues;
     private final HostileImages mImages;
     private final int mDensity; // percentage of tags that are set in the first 20 frames
-    private final int mRightness; // percentage of compositions' values that fit their tag
-    private final int mBracketing; // index of the night frame; 9: the first three frames, -1: none
+    private final int mRightness; // percentage of the compositions' own values that fit the tag's type
+    private final int mBracketing; // index of the night frame; 9: frames 0 to 2 are night, -1: random
 
     /**
-     * {@code mode} is 0 for a synchronous and 1 for a full-async request. 2 and 3 are like 0 and 1, but the
-     * image score makes the library skip the algorithms. {@code address} is the first composition's
-     * "nativeRequestAddr".
+     * {@code mode} 0 makes a synchronous request, mode 1 a full-async request. Modes 2 and 3 equal modes 0
+     * and 1, but with an image score that makes the library skip the algorithms. {@code address} is the first
+     * composition's "nativeRequestAddr".
      */
     public HostileRequest(long seed, int mode, long address) {
         mValues = new HostileValues(new Random(seed));

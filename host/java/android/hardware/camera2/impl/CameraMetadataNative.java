@@ -18,7 +18,7 @@ public final class CameraMetadataNative implements Parcelable {
         mLookupListener = listener;
     }
 
-    /** Like {@link #get(String, Class)}, for readers of capture results: reports the read to the listener. */
+    /** Reads like {@link #get(String, Class)}, for capture results, and reports the read to the listener. */
     public <T> T lookUp(String tag, Class<T> type) {
         LookupListener listener = mLookupListener;
         if (listener == null) {
@@ -53,7 +53,7 @@ public final class CameraMetadataNative implements Parcelable {
         mValues.put(tag, stored);
     }
 
-    /** Returns a copy of the value in the tag's own class; null if absent. */
+    /** Returns a copy of the tag's value, in the class in which it is stored; null if absent. */
     public Object get(String tag) {
         return get(tag, typeOf(tag).stored());
     }
@@ -81,7 +81,7 @@ public final class CameraMetadataNative implements Parcelable {
         return new TreeSet<>(mValues.keySet());
     }
 
-    /** Writes the number of tags, then the tags sorted by name: name, type, number of values, values. */
+    /** Writes the number of tags, then for each tag, in order: name, type, number of values, values. */
     @Override
     public void writeToParcel(Parcel destination, int flags) {
         destination.writeInt(mValues.size());

@@ -28,11 +28,11 @@ final class Commands {
     private record Row(String name, String about, Supplier<Subcommand> maker) {
     }
 
-    /** The command that runs without a named subcommand. */
+    /** The subcommand that runs if the command line names none. */
     private static final Row USUAL = new Row("run", "", RunCommand::new);
     /**
-     * The subcommands, in the order of the help. Except for help and completion, only the selected one is
-     * created, since reading annotations is slow.
+     * The subcommands, in the order of the help. Only the selected subcommand is created, since reading
+     * annotations is slow. The help of ./run and completion create all that have an `about`.
      */
     private static final List<Row> NAMED = List.of(
             new Row("new", "Print a request file to start from", NewCommand::new),
@@ -67,7 +67,8 @@ final class Commands {
 
     /**
      * Returns the subcommand with its options set. If the arguments request help or the version, prints it
-     * and returns null. Throws an IllegalArgumentException with a message for the user.
+     * and returns null. If the arguments are wrong, throws an IllegalArgumentException with a message for the
+     * user.
      */
     static Subcommand parse(String[] arguments) {
         Row named = arguments.length == 0 ? null : ofName(arguments[0]);
@@ -127,7 +128,7 @@ final class Commands {
         return reader;
     }
 
-    /** Adds the listed subcommands with their `about` as description, and returns `usual`. */
+    /** Adds the listed subcommands to `usual`, each with its `about` as description. Returns `usual`. */
     static CommandLine withSubcommands(CommandLine usual) {
         listed().forEach(row -> {
             CommandSpec spec = reader(row.maker().get()).getCommandSpec();
@@ -137,7 +138,7 @@ final class Commands {
         return usual;
     }
 
-    /** Returns the whole command line, for bash completion. */
+    /** Returns the usual command with all listed subcommands, for bash completion. */
     static CommandLine whole() {
         CommandLine usual = withSubcommands(reader(USUAL.maker().get()));
         Stream.concat(Stream.of(usual), usual.getSubcommands().values().stream()).forEach(command -> {
@@ -151,7 +152,7 @@ final class Commands {
         return usual;
     }
 
-    // A single word is more likely a mistyped subcommand than a file.
+    // A word of letters that names no existing file is probably a mistyped subcommand.
     private static boolean isStray(Path file) {
         return file.toString().matches("[A-Za-z]+") && !Files.exists(file);
     }

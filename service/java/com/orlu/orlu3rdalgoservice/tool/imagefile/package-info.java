@@ -1,2 +1,2 @@
-/** Image files with headers: reads the pixels of DNG, TIFF, PNG and JPEG files. */
+/** Reads the pixels of image files with headers: DNG, TIFF, PNG and JPEG. */
 package com.orlu.orlu3rdalgoservice.tool.imagefile;

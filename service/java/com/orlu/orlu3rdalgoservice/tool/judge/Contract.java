@@ -20,15 +20,15 @@ import java.util.Set;
  * Checks the calls between the service and the algorithm library against their contract
  * (docs/conformance.md), in the order of the events' file. The probe writes the event "begin" before the
  * call, and "end" after the call. So the "begin" of a call that destroys an address precedes the "end" of
- * the call that returns the same address again, whichever threads make them.
+ * the call that returns the same address again, even if the calls are on different threads.
  */
 public final class Contract {
     /** The offset of the name in the bytes of a callback. */
     private static final int NAME_OFFSET = 20;
     private static final int LIGHT_STREAM_BYTES = 48;
     /**
-     * The service waits ten seconds for a synchronous request; then it may destroy the request's block.
-     * A tenth of a second less, so that inexact timers cause no breach.
+     * The service waits ten seconds for a synchronous request, and may then destroy the request's block. This
+     * limit is a tenth of a second shorter, so that inexact timers cause no breach.
      */
     private static final long WAIT_NANOSECONDS = 9_900_000_000L;
     /** Number of finished requests to remember. Older requests count as unknown. */
@@ -62,7 +62,7 @@ public final class Contract {
         }
     }
 
-    /** Checks further events, and returns their breaches: each kind once for each operation. */
+    /** Checks further events. Returns one breach for each combination of side, kind and operation. */
     public List<Breach> check(List<Event> events) {
         mBreaches.clear();
         for (Event event : events) {

@@ -17,7 +17,7 @@ import java.util.stream.IntStream;
 
 /** The image data that a page needs, collected while the images' memory exists. */
 public final class Exhibits {
-    /** Total bytes allowed in a page for the inputs' large pictures, except those of the base frame. */
+    /** Limit for all large pictures of inputs in a page, in bytes. The base frame's pictures don't count. */
     private static final int INPUT_BYTES = 900_000;
 
     private final List<Long> mChecksums = new ArrayList<>();
@@ -34,7 +34,7 @@ public final class Exhibits {
         inputs.forEach(image -> mChecksums.add(ImageExhibit.checksum(image)));
     }
 
-    /** Replaces before() and after() if the process died: only the inputs are known. */
+    /** Call instead of before() and after() if the process died, because only the inputs are known. */
     public void afterCrash(List<ImageBuffer> inputs) {
         mIsLost = true;
         before(inputs);
@@ -42,8 +42,8 @@ public final class Exhibits {
     }
 
     /**
-     * Draws all pictures and compares outputs with the base. Call after the request; `readers` are those of
-     * the outputs, in order.
+     * Draws all pictures and compares the outputs with the base frame. Call after the request. `readers` are
+     * the readers of `outputs`, in the same order.
      */
     public void after(BaseFrame baseFrame, List<ImageBuffer> inputs, List<ImageBuffer> outputs,
             List<OutputReader> readers) {
@@ -113,7 +113,10 @@ public final class Exhibits {
         return mOutputs;
     }
 
-    /** Returns the input that outputs are compared with, else the first input; null without inputs. */
+    /**
+     * Returns the base frame's input; the first input if no input of the base frame has a picture; null
+     * without inputs.
+     */
     public ImageExhibit base() {
         return mInputs.isEmpty() ? null : mInputs.get(mBase);
     }
@@ -123,7 +126,7 @@ public final class Exhibits {
         return mIsLost;
     }
 
-    /** Returns inputs, outputs and differences. An image has no "large" if only a small picture exists. */
+    /** Returns inputs, outputs and differences. An image without a large picture has no field "large". */
     public Map<String, Object> json() {
         return JsonWriter.object("base", mBase, "hasBase", mHasBase, "baseNamedBy", mNamedBy,
                 "lost", mIsLost,

@@ -15,9 +15,9 @@ import java.util.Map;
  * @param fullAsync   whether processing returns before the algorithms are done
  * @param photo       the photo that the frames are made from; null if none is given
  * @param frames      the frames' metadata, and how the frames are made from the photo
- * @param inputs      the input images; those of size 0 get the frames' size
- * @param outputs     the output images; those of size 0 get the frames' size
- * @param place       the whole file, for errors
+ * @param inputs      the input images; images of size 0 get the frames' size
+ * @param outputs     the output images; images of size 0 get the frames' size
+ * @param place       the whole file as JSON, for positions in error messages
  */
 public record RequestFile(Path file, String about, long id, String type, long clientId, int algoContextIndex,
         int imageFormat, Map<String, String> properties, boolean fullAsync, Path photo, FrameSetPlan frames,
@@ -33,7 +33,7 @@ public record RequestFile(Path file, String about, long id, String type, long cl
         return inputs.stream().anyMatch(ImagePlan::isOfPhoto);
     }
 
-    /** Whether a frame has an input made from the photo; only then does the frame have a clean photo. */
+    /** Whether a frame has an input made from the photo. Other frames can't be compared with the photo. */
     public boolean isOfPhoto(int frame) {
         return inputs.stream().anyMatch(image -> image.isOfPhoto() && image.frame() == frame);
     }

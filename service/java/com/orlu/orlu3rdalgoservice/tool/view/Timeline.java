@@ -67,21 +67,21 @@ public final class Timeline {
         }
     }
 
-    /** Writes the timeline of the last process in the events' file, which may be missing. */
+    /** Writes the timeline of the last recorded process to `file`. The events' file may be missing. */
     public void write(Path file) throws IOException {
         read();
         Files.writeString(file,
                 JsonWriter.line(JsonWriter.object("traceEvents", trace(mStart, Long.MAX_VALUE))) + "\n");
     }
 
-    /** Returns the timeline of the last request with stages; of all requests if there is none. */
+    /** Returns the timeline of the last request with stages; the whole timeline if no request has stages. */
     Part ofLastRequest() throws IOException {
         Slice last = mJava.stream().filter(slice -> slice.category().equals("request"))
                 .reduce((one, other) -> other).orElse(null);
         return last == null ? since(0) : part(last.start(), last.end());
     }
 
-    /** Returns the timeline from this time on; 0 is the beginning. */
+    /** Returns the timeline from `time` (System.nanoTime()) on; 0 selects the whole timeline. */
     Part since(long time) throws IOException {
         return part(time, Long.MAX_VALUE);
     }
@@ -148,7 +148,9 @@ public final class Timeline {
         return work;
     }
 
-    // A thread belongs to the algorithm library if its first action is to work or to call back.
+    // A thread with Java's work is Java's. Any other thread belongs to the caller of its first call:
+    // callbacks and visits come from the algorithm library. A thread without calls that runs algorithms is
+    // also the algorithm library's.
     private void nameLanes(TraceFile trace) {
         Map<Integer, String> names = new LinkedHashMap<>();
         mJava.forEach(slice -> names.put(slice.tid(), "Java"));
@@ -193,15 +195,15 @@ public final class Timeline {
             return;
         }
         List<TraceFile.Point> points = new ArrayList<>(List.of(point(process), point(callback.begin())));
-        // Results read before a late callback are not caused by it.
+        // If results were read before the callback, it did not cause that: the arrow ends at the callback.
         if (!results.isEmpty() && results.get(0).begin().time() >= callback.begin().time()) {
             points.add(point(results.get(0).begin()));
         }
         trace.addArrow(process.number("n"), points);
     }
 
-    // A synchronous request waits inside Java's call: from the end of the clean-up after process to the
-    // thread's next call. A full-async request waits in Java, in a separate stage.
+    // Adds the wait of a synchronous request, which lasts from the end of the clean-up after process to the
+    // thread's next call, inside one Java stage. A full-async request waits in a Java stage of its own.
     private void addWait(TraceFile trace, RequestTrack request) {
         if (request.process().end() == null) {
             return;
