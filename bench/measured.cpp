@@ -8,7 +8,8 @@ namespace orlu::bench {
 namespace {
 
 // Measures the time that the system takes to duplicate and close the descriptors of shared-memory images, and
-// to return their sizes. This cost is unavoidable, and not part of the floor.
+// to return their sizes. This cost is unavoidable, but the floor (the time of the request's JNI calls alone)
+// does not include it.
 double descriptorSeconds(int memory, int images) {
   std::vector<int> open(static_cast<size_t>(images));
   const auto begin = Clock::now();

@@ -105,7 +105,7 @@ struct LentVisitor::Loan {
 
   const AlgoMetadataVisitor& visitor;
   const std::thread::id thread = std::this_thread::get_id();
-  std::atomic<bool> isOver{false};  // atomic, because a later thread may have the same id
+  std::atomic<bool> isOver{false};  // atomic: a later thread with the same id may read it
 };
 
 LentVisitor::LentVisitor(const AlgoMetadataVisitor& visitor) : mLoan(std::make_shared<Loan>(visitor)) {}

@@ -1,4 +1,5 @@
-// Checks of the lifetime of clients, and of outputs after their client is destroyed.
+// Checks that a destroyed client leaves nothing behind, calls back no more and writes to no output, and that
+// uninit affects only its own client, which works again after init.
 #include <algorithm>
 #include <atomic>
 
@@ -11,10 +12,11 @@ namespace {
 
 constexpr int kClients = 50;
 constexpr int kAtOnce = 10;
-constexpr std::chrono::seconds kEnding{3};  // wait for threads of destroyed clients
+constexpr std::chrono::seconds kEnding{3};  // limit for destroyed clients to release resources
 constexpr size_t kBytesOfClient = 512;      // this much growth per client is a leak
 
-// Creates a client, submits two requests and destroys it. If `waits`, waits for each callback first.
+// Creates a client, submits two requests and destroys the client. If `waits`, waits for each request's
+// callback after submitting the request.
 void live(Inbox& inbox, bool waits) {
   const Image input;
   const Image output({}, 2);
@@ -40,7 +42,8 @@ void liveAtOnce(Inbox& inbox) {
   inbox.forget();
 }
 
-// Waits until threads and descriptors are back at `before`, at most kEnding. Returns the remaining growth.
+// Waits at most kEnding until the numbers of threads and descriptors are back at `before`. Returns the
+// remaining growth.
 Holdings settledGrowth(const Holdings& before) {
   const auto end = std::chrono::steady_clock::now() + kEnding;
   Holdings least = Holdings::now() - before;
@@ -94,7 +97,7 @@ void endBusyClients() {
     if (alive == 0) ++late;
   });
   step("destroying a client with requests in flight, ten times");
-  // Each output, and its bytes when its client was destroyed.
+  // Each output, with a copy of its bytes made after its client was destroyed.
   std::vector<std::pair<std::unique_ptr<Image>, std::vector<uint8_t>>> outputs;
   for (int round = 0; round < 10; ++round) {
     const Image input({kFormatNv21, 640, 480, 0, 0, false}, 3);

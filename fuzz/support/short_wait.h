@@ -1,11 +1,11 @@
-// Shortens the timeout of a missing callback to ten milliseconds.
+// Shortens the wait for a missing callback from ten seconds to ten milliseconds.
 #pragma once
 
 namespace orlu::fuzz {
 
-// While an object exists, timed waits of its thread on condition variables take a thousandth of their time;
-// after a timeout, the thread's steady clock has advanced by the full time. The linker option --wrap replaces
-// the functions that wait and that read the clock, in the library and in the program.
+// While a ShortWait exists, its thread's timed waits on condition variables take a thousandth of their time.
+// After a timeout, the thread's steady clock has still advanced by the full time. The linker option --wrap
+// replaces the functions that wait and that read the clock, in the library and in the program.
 class ShortWait {
 public:
   ShortWait();

@@ -19,7 +19,7 @@ struct AHardwareBuffer {
   AHardwareBuffer_Desc desc;
   native_handle_t* handle;  // owned, with its descriptors
   std::atomic<int> references{1};
-  std::mutex mutex;  // guards the rest
+  std::mutex mutex;  // guards the members below
   int locks = 0;
   void* pixels = nullptr;  // mapped while there are locks
   size_t size = 0;
@@ -35,7 +35,7 @@ bool hasChroma(const AHardwareBuffer_Desc& desc) {
   return desc.format == AHARDWAREBUFFER_FORMAT_Y8Cb8Cr8_420;
 }
 
-// Returns the bytes of a sample of the first plane; 0 for an unknown format.
+// Returns the size of a sample of the first plane, in bytes; 0 for an unknown format.
 uint32_t sampleBytes(const AHardwareBuffer_Desc& desc) {
   switch (desc.format) {
     case AHARDWAREBUFFER_FORMAT_R8G8B8A8_UNORM:
@@ -50,7 +50,7 @@ uint32_t sampleBytes(const AHardwareBuffer_Desc& desc) {
   }
 }
 
-// Returns the bytes of all planes with rows of `stride` samples; 0 if the buffer is not supported.
+// Returns the size of all planes in bytes, with rows of `stride` samples; 0 if the buffer is not supported.
 uint64_t pixelBytes(const AHardwareBuffer_Desc& desc, uint32_t stride) {
   const uint64_t row = uint64_t{stride} * sampleBytes(desc);
   if (row == 0 || desc.height > kMaxBytes / row) return 0;
@@ -88,7 +88,8 @@ native_handle_t* bufferHandle(const AHardwareBuffer_Desc& desc, int attributes, 
   return handle;
 }
 
-// Returns the row stride in samples; the width for an unknown format or a handle unlike bufferHandle()'s.
+// Returns the row stride in samples. If the format is unknown, or the handle does not have the layout of
+// bufferHandle(), returns the width.
 uint32_t rowSamples(const AHardwareBuffer_Desc& desc, const native_handle_t& handle) {
   using namespace orlu::host;
   const bool isOurs = handle.numFds == kDescriptors && handle.numInts == kIntegers && sampleBytes(desc) > 0;

@@ -65,7 +65,7 @@ public final class Comparison {
         return mDifferences;
     }
 
-    /** Returns notes that are not differences, such as uncompared parts, differing inputs and times. */
+    /** Returns notes on uncompared parts, on inputs and images that differ, and on durations. */
     public List<String> notes() throws MistakeException {
         List<String> notes = new ArrayList<>();
         for (Run run : List.of(mOne, mOther)) {
@@ -90,7 +90,7 @@ public final class Comparison {
         return notes;
     }
 
-    /** Returns a text with the numbers of parameters, frames and outputs that both runs have. */
+    /** Returns the numbers of parameters, frames and outputs, each the smaller of the two runs' numbers. */
     public String compared() {
         return "%d parameters, %d frames, %d outputs".formatted(
                 Math.min(mOne.parameters().size(), mOther.parameters().size()),
@@ -175,8 +175,8 @@ public final class Comparison {
         return put != null && put.entries().size() == 1 ? put.entries().values().iterator().next() : put;
     }
 
-    // Each run knows how the images seen by the algorithm library differ from Java's. Reports where the two
-    // runs are unlike in this. Needs the probe's pixels of both runs.
+    // In each run, the algorithm library's images were compared with Java's. Reports each image for which the
+    // two runs have unlike results. Skips images whose result is unknown in a run.
     private void compareHanded() {
         for (HandedImage one : known(mOne)) {
             for (HandedImage other : known(mOther)) {

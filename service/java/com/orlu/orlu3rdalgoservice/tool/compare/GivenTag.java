@@ -53,7 +53,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return values.containsKey(tag) ? JsonWriter.line(values.get(tag)) : "none";
     }
 
-    // Returns the start of the shown part of long values, so that the difference is visible.
+    // Returns the offset from which both values are shown: 0, or shortly before their first difference.
     private static int start(String one, String other) {
         int same = 0;
         while (same < Math.min(one.length(), other.length()) && one.charAt(same) == other.charAt(same)) {
@@ -67,7 +67,7 @@ public record GivenTag(int frame, String source, String tag, String one, String 
         return (from > 0 ? "..." : "") + text.substring(from, end) + (end < text.length() ? "..." : "");
     }
 
-    /** Returns the tag with both values, and the source unless it is the capture result. */
+    /** Returns "TAG = ONE / OTHER"; for a tag of the composition, adds ", composition". */
     public String text() {
         return tag + " = " + one + " / " + other + (source.equals("composition") ? ", composition" : "");
     }
