@@ -22,7 +22,8 @@ public final class MemoryUse {
         mSize = memory.capacity();
         PixelFormat named = PixelFormat.named(image.mFormat);
         PixelFormat format = named == null ? usual : named;
-        int offset = 0;
+        // The sizes may be any numbers.
+        long offset = 0;
         for (int i = 0; image.mPlaneSizes != null && i < image.mPlaneSizes.length; ++i) {
             int size = image.mPlaneSizes[i];
             boolean isFile = format == PixelFormat.JPEG;
@@ -31,9 +32,9 @@ public final class MemoryUse {
                     : strides[Math.min(i, strides.length - 1)];
             int row = isFile ? size : format.rowBytes(i, image.mWidth);
             mPlanes.add(new PlaneUse(name(format, i), offset, size, stride, row, memory));
-            offset += size;
+            offset += Math.max(0, size);
         }
-        for (int at = Math.max(0, offset); at < mSize; ++at) {
+        for (int at = (int) Math.min(mSize, offset); at < mSize; ++at) {
             if (memory.get(at) != 0) {
                 mFirstBehind = mFirstBehind < 0 ? at : mFirstBehind;
                 ++mUsedBehind;
@@ -63,8 +64,8 @@ public final class MemoryUse {
     }
 
     /** Bytes by which the planes exceed the memory; 0 if they fit. */
-    public int missing() {
-        return Math.max(0, mPlanes.stream().mapToInt(PlaneUse::end).max().orElse(0) - mSize);
+    public long missing() {
+        return Math.max(0, mPlanes.stream().mapToLong(PlaneUse::end).max().orElse(0) - mSize);
     }
 
     /** The number of nonzero bytes after the planes. */

@@ -12,7 +12,7 @@ public final class PlaneUse {
     private static final ByteBuffer ZEROS = ByteBuffer.allocateDirect(1 << 16);
 
     private final String mName;
-    private final int mOffset;
+    private final long mOffset;
     private final int mSize;
     private final int mStride;
     private final int mRowBytes;
@@ -24,7 +24,7 @@ public final class PlaneUse {
     private int mEmptyTail;
 
     /** Sizes are in bytes; bytes outside the memory count as zero. Padding is the rest of a row's stride. */
-    PlaneUse(String name, int offset, int size, int stride, int rowBytes, ByteBuffer memory) {
+    PlaneUse(String name, long offset, int size, int stride, int rowBytes, ByteBuffer memory) {
         mName = name;
         mOffset = offset;
         mSize = size;
@@ -36,11 +36,11 @@ public final class PlaneUse {
         mPadding = new int[bands];
         int[] rowsOf = new int[bands];
         // An invalid description may have billions of rows.
-        long reached = ((long) memory.capacity() - offset + mStride - 1) / mStride;
+        long reached = (memory.capacity() - offset + mStride - 1) / mStride;
         int rows = (int) Math.max(0, Math.min(mRows, reached));
         for (int row = 0; row < rows; ++row) {
             int band = (int) ((long) row * bands / mRows);
-            int at = offset + row * mStride;
+            int at = (int) (offset + (long) row * mStride);
             boolean hasPixels = hasData(memory, at, mRowBytes);
             boolean hasPadding = hasData(memory, at + mRowBytes, mStride - mRowBytes);
             mPixels[band] += hasPixels ? 1 : 0;
@@ -73,7 +73,7 @@ public final class PlaneUse {
         return mName;
     }
 
-    int end() {
+    long end() {
         return mOffset + mSize;
     }
 

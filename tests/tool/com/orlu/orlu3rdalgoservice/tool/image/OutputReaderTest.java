@@ -13,6 +13,8 @@ import org.junit.Test;
 import java.awt.image.BufferedImage;
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
+import java.nio.ByteBuffer;
+import java.util.Arrays;
 import java.util.HexFormat;
 
 import javax.imageio.ImageIO;
@@ -40,6 +42,22 @@ public final class OutputReaderTest {
             image.mHeight = 2;
             image.mRowStrides = row[2] == null ? new int[0] : new int[] {(int) row[2]};
             assertEquals(row[3], OutputReader.problemOf((PixelFormat) row[0], image));
+        }
+    }
+
+    @Test
+    public void toleratesPlanesOfAnySize() {
+        VImageIPC image = new VImageIPC();
+        image.mFormat = "NV21";
+        image.mWidth = 2;
+        image.mRowStrides = new int[] {1};
+        for (int[] sizes : new int[][] {
+            {1 << 30, 1 << 30, Integer.MAX_VALUE}, {Integer.MIN_VALUE, Integer.MAX_VALUE, 1 << 30}}) {
+            image.mPlaneSizes = sizes;
+            long end = Arrays.stream(sizes).filter(size -> size > 0).asLongStream().sum();
+            MemoryUse use = new MemoryUse(image, PixelFormat.NV21, ByteBuffer.allocate(16));
+            assertEquals(end - 16, use.missing());
+            assertEquals(0, use.usedBehind());
         }
     }
 
